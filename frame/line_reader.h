@@ -1,0 +1,46 @@
+// line_reader.h - reads a text file line by line.
+#ifndef VELK_FRAME_LINE_READER_H_
+#define VELK_FRAME_LINE_READER_H_
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+#include "frame/unique_fd.h"
+
+namespace velk {
+
+// Hands out the lines of a file as views into one block, so that a reader costs one heap request
+// and a file of any size costs the same memory. Only a line longer than the block makes it grow.
+//
+// A line is what stands before a "\n"; a last line without one is a line too. Everything else,
+// "\r" and NUL included, belongs to the line. A read error after the first block ends the file.
+class LineReader {
+  public:
+    // Opens the file close-on-exec and reads its first block. A file that opens but cannot be read
+    // (a directory) counts as not opened.
+    explicit LineReader(const char* path);
+
+    bool is_open() const { return error_ == 0; }
+    // The errno of the failed open or first read; 0 when the file is open.
+    int error() const { return error_; }
+
+    // Sets `line` to the next line, valid until the next call; false at the end of the file.
+    bool Next(std::string_view& line);
+
+  private:
+    bool Fill();
+    void MakeRoom();
+
+    UniqueFd fd_;
+    int error_ = 0;
+    bool at_end_ = false;
+    std::unique_ptr<char[]> block_;
+    size_t size_ = 0;   // of the block
+    size_t begin_ = 0;  // of what has not been handed out yet
+    size_t end_ = 0;    // of what has been read
+};
+
+}  // namespace velk
+
+#endif  // VELK_FRAME_LINE_READER_H_

@@ -1,0 +1,120 @@
+/*
+ * velk.h - read and change every network setting of the device through one function.
+ *
+ * A caller fills a _velk_request, calls execute_velk_command() and reads the answer from a
+ * second record of the same layout. Plain C (C99 and later) and C++ (C++20) can include this
+ * header; C++ callers also get the functions behind the commands, one header per folder of the
+ * library, so that a program can call a single step directly.
+ *
+ * The library keeps no state between calls, starts no threads and reads no environment
+ * variables: the settings live in the system's own files, the kernel and the wireless daemon.
+ */
+#ifndef VELK_H_
+#define VELK_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "velk/export.h"
+
+/* Sizes of the two byte fields of _velk_request. */
+#define VELK_INTERFACE_SIZE 16
+#define VELK_DATA_SIZE 512
+
+/* Interface names a request may carry; the empty name belongs to commands without an interface. */
+#define VELK_WIRED_INTERFACE "eth0"
+#define VELK_WIRELESS_INTERFACE "eth1"
+
+/* Values of _velk_request.command_type. */
+enum velk_command_type {
+    VELK_GET = 1,    /* read a setting; takes no lock */
+    VELK_SET = 2,    /* change a setting; under the inter-process lock */
+    VELK_RESTART = 3 /* restart an interface; under the inter-process lock */
+};
+
+/* Values of _velk_request.command_id. */
+enum velk_command_id {
+    VELK_CMD_DNS = 108 /* DNS servers: get and set, eth0 and eth1; see GetDns() and SetDns() */
+};
+
+/* Results of execute_velk_command(). */
+enum velk_result {
+    LIB_VELK_SUCCESS = 0,  /* done */
+    LIB_VELK_FAILURE = -1, /* file, socket, time-out or unreadable value */
+    LIB_VELK_LOCKED = -3,  /* another process is changing settings just now */
+    LIB_VELK_INVALID_PARAMETER =
+        -4,                    /* null pointer, unknown type or id, wrong interface or value */
+    LIB_VELK_NO_ADAPTER = -5,  /* no supported wireless adapter is attached */
+    LIB_VELK_WIRED_LINKED = -6 /* eth1 asked about while the wired port has a link */
+};
+
+/*
+ * Request and response: 536 bytes, no padding.
+ *
+ * interface     NUL-terminated name, "eth0", "eth1" or "". A name that fills all 16 bytes ends
+ *               there and matches no interface.
+ * command_type  enum velk_command_type.
+ * command_id    enum velk_command_id.
+ * data          request: the parameter bytes of a set or restart; response: the result of a get.
+ *               A text ends at its NUL or at the end of the field.
+ */
+typedef struct _velk_request {
+    char interface[VELK_INTERFACE_SIZE];
+    uint32_t command_type;
+    uint32_t command_id;
+    char data[VELK_DATA_SIZE];
+} _velk_request;
+
+#if defined(__cplusplus)
+#define VELK_STATIC_ASSERT(condition, text) static_assert(condition, text)
+#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
+#define VELK_STATIC_ASSERT(condition, text) _Static_assert(condition, text)
+#else /* C99 has no way to say it; the library itself is always built with the check. */
+#define VELK_STATIC_ASSERT(condition, text) struct velk_no_static_assert
+#endif
+VELK_STATIC_ASSERT(offsetof(_velk_request, interface) == 0, "interface is at offset 0");
+VELK_STATIC_ASSERT(offsetof(_velk_request, command_type) == 16, "command_type is at offset 16");
+VELK_STATIC_ASSERT(offsetof(_velk_request, command_id) == 20, "command_id is at offset 20");
+VELK_STATIC_ASSERT(offsetof(_velk_request, data) == 24, "data is at offset 24");
+VELK_STATIC_ASSERT(sizeof(_velk_request) == 536, "the record has 536 bytes");
+#undef VELK_STATIC_ASSERT
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Runs one command.
+ *
+ * request   the command; only read. Must not overlap the response.
+ * response  cleared, then filled: interface, command_type and command_id of the request (the name
+ *           cut to 15 bytes and NUL), and in data what the command's get writes. The header is
+ *           filled in for every outcome but a null pointer; data stays zero unless written to.
+ *
+ * Returns the command's own result (see the function of the command), or
+ *   LIB_VELK_INVALID_PARAMETER  a null pointer, an unknown type, an id without a command of that
+ *                               type, or an interface that the command does not take;
+ *   LIB_VELK_LOCKED             set and restart: another process holds the lock;
+ *   LIB_VELK_FAILURE            set and restart: the lock file could not be opened or locked;
+ *                               any type: the command ran out of memory or threw another
+ *                               exception. No exception leaves this function.
+ *
+ * Side effects: a set or restart holds an flock(2) on /var/tmp/vklib_lock for the length of the
+ * call (see VkLibLock()) and changes what its command says. Refusals and failures go to
+ * syslog(3) at LOG_NOTICE.
+ *
+ * Blocking: taking the lock never waits. Otherwise as long as the command says.
+ *
+ * May be called from several processes and threads at once: gets run side by side, sets and
+ * restarts exclude each other, the later one failing at once with LIB_VELK_LOCKED.
+ */
+VELK_API int execute_velk_command(const _velk_request* request, _velk_request* response);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+#include "velk/frame.h"
+#include "velk/ipconf.h"
+#endif
+
+#endif /* VELK_H_ */
