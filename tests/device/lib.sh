@@ -1,0 +1,74 @@
+# lib.sh - the words that device tests are written in. Source it, then write
+#
+#   it 'says what is wrong with an address'
+#   run velkctl set eth0.dns 300.1.1.1
+#   status_is 2
+#   output_is ''
+#   error_is 'velkctl: ...'
+#
+# and close with `finish`. VELK_BUILD is the build folder, VELK_SOURCE the checkout.
+# shellcheck shell=bash
+set -u
+
+PATH=$VELK_BUILD:$PATH
+LC_ALL=C
+export PATH LC_ALL
+unset CDPATH
+
+lib_behaviour='(before the first behaviour)'
+lib_checks=0
+lib_failures=0
+lib_folder=$(mktemp -d)
+trap 'rm -rf "$lib_folder"' EXIT
+
+# Names the behaviour that the next checks hold.
+it() { lib_behaviour=$1; }
+
+# Runs a command; its status, output and errors are what the checks look at.
+run() {
+    lib_command=$*
+    "$@" >"$lib_folder/out" 2>"$lib_folder/err" </dev/null
+    status=$?
+    output=$(cat "$lib_folder/out")
+    error=$(cat "$lib_folder/err")
+}
+
+# Runs a command on a device of its own.
+on_device() { run velk-sandbox --quiet -- "$@"; }
+
+check() { # check WHAT EXPECTED ACTUAL
+    lib_checks=$((lib_checks + 1))
+    [ "$2" = "$3" ] && return
+    lib_failures=$((lib_failures + 1))
+    printf 'FAILED: it %s\n  command:  %s\n  %s\n  expected: %s\n  actual:   %s\n' \
+        "$lib_behaviour" "${lib_command:-}" "$1" "$2" "$3"
+    printf '  stderr:   %s\n' "${error:-}"
+}
+
+status_is() { check 'exit status' "$1" "$status"; }
+output_is() { check 'standard output' "$1" "$output"; }
+error_is() { check 'standard error' "$1" "$error"; }
+output_has() { has 'standard output' "$1" "$output"; }
+error_has() { has 'standard error' "$1" "$error"; }
+has() { # has WHAT PART WHOLE
+    case $3 in
+        *"$2"*) check "$1" holds holds ;;
+        *) check "$1" "(holds) $2" "$3" ;;
+    esac
+}
+
+skip() {
+    printf 'SKIPPED: %s\n' "$1"
+    exit 77
+}
+
+# Skips the whole file, with the reason, where the kernel gives no private namespaces.
+needs_sandbox() {
+    lib_reason=$(velk-sandbox --quiet -- true 2>&1) || skip "no sandbox here: $lib_reason"
+}
+
+finish() {
+    printf '%d checks, %d failed\n' "$lib_checks" "$lib_failures"
+    [ "$lib_checks" -gt 0 ] && [ "$lib_failures" -eq 0 ]
+    exit
+}
