@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# library_file_test.sh LIBRARY - the names, SONAME and dependencies of the built library.
+set -u
+library=$1
+folder=$(dirname "$0")
+failures=0
+
+# check WHAT EXPECTED ACTUAL
+check() {
+    if [ "$2" != "$3" ]; then
+        failures=$((failures + 1))
+        printf 'FAILED: %s\n' "$1"
+        diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") | sed 's/^</expected:/; s/^>/actual:  /'
+    fi
+}
+
+dynamic() { readelf -dW "$library" | sed -n "s/.*($1).*\[\(.*\)\].*/\1/p"; }
+
+names=$(nm -D --defined-only --demangle=gnu-v3 "$library" | sed 's/^[^ ]* [^ ]* //; s/@@.*//' |
+    sed 's/std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >/std::string/g' |
+    grep -v '^LIBVELK_1$' | LC_ALL=C sort)
+check 'exported names (tests/abi/exported_names.txt)' "$(cat "$folder/exported_names.txt")" "$names"
+check 'SONAME' 'libvelk.so.1' "$(dynamic SONAME)"
+check 'libraries it needs' "$(printf '%s\n' libc.so.6 libgcc_s.so.1 libstdc++.so.6)" \
+    "$(dynamic NEEDED | LC_ALL=C sort)"
+check 'the C door is unmangled' ' T execute_velk_command' \
+    "$(nm -D --defined-only "$library" | sed -n 's/^[0-9a-f]*\( T execute_velk_command\).*/\1/p')"
+[ "$failures" -eq 0 ]

@@ -1,0 +1,140 @@
+// device_test.cpp - the fixture of tests that touch the device's files.
+#include "support/device_test.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace testkit {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string& Reason() {
+    static std::string reason;
+    return reason;
+}
+
+// The folders the library writes in; what an earlier test left there is removed.
+constexpr const char* kScratchFolders[] = {"/tmp", "/var/tmp", "/dev/shm"};
+constexpr const char* kDeviceFiles[] = {"/etc/resolv.dnsmasq.conf"};
+
+void EmptyDevice() {
+    std::error_code ignored;
+    for (const char* folder : kScratchFolders) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+            // Folders here are the checkout, kept visible when it lies below /tmp.
+            if (!entry.is_directory()) {
+                fs::remove(entry.path(), ignored);
+            }
+        }
+    }
+    for (const char* file : kDeviceFiles) {
+        fs::remove_all(file, ignored);
+    }
+}
+
+bool IsLockFree() {
+    const int fd = open("/var/tmp/vklib_lock", O_RDWR | O_CLOEXEC);
+    if (fd == -1) {
+        return true;
+    }
+    const bool is_free = flock(fd, LOCK_EX | LOCK_NB) == 0;
+    close(fd);
+    return is_free;
+}
+
+}  // namespace
+
+void SetNoDeviceReason(const std::string& reason) {
+    Reason() = reason;
+}
+
+const std::string& NoDeviceReason() {
+    return Reason();
+}
+
+void WriteFile(const std::string& path, std::string_view text) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        return "(missing)";
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool Exists(const std::string& path) {
+    return fs::exists(fs::symlink_status(path));
+}
+
+std::vector<int> OpenDescriptors() {
+    std::vector<int> numbers;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+        const int number = std::stoi(entry.path().filename());
+        if (fcntl(number, F_GETFD) != -1) {
+            numbers.push_back(number);
+        }
+    }
+    // The listing's own descriptor is the one that is gone now.
+    std::erase_if(numbers, [](int number) { return fcntl(number, F_GETFD) == -1; });
+    return numbers;
+}
+
+_velk_request MakeRequest(uint32_t type, uint32_t id, std::string_view interface,
+                          std::string_view data) {
+    _velk_request request{};
+    interface.copy(request.interface, sizeof(request.interface));
+    request.command_type = type;
+    request.command_id = id;
+    data.copy(request.data, sizeof(request.data));
+    return request;
+}
+
+_velk_request DirtyResponse() {
+    _velk_request response;
+    memset(&response, 0xEE, sizeof(response));
+    return response;
+}
+
+std::string Data(const _velk_request& response, size_t size) {
+    return {response.data, size};
+}
+
+void DeviceTest::SetUp() {
+    if (!NoDeviceReason().empty()) {
+        GTEST_SKIP() << NoDeviceReason();
+    }
+    LibcRecorder::Get().Reset();
+    EmptyDevice();
+    response = DirtyResponse();
+    descriptors_ = OpenDescriptors();
+}
+
+void DeviceTest::TearDown() {
+    if (!NoDeviceReason().empty()) {
+        return;
+    }
+    LibcRecorder::Get().Reset();
+    EXPECT_EQ(OpenDescriptors(), descriptors_) << "a descriptor was left open";
+    EXPECT_TRUE(IsLockFree()) << "the lock was left taken";
+}
+
+int DeviceTest::Execute(const _velk_request& request) {
+    response = DirtyResponse();
+    return execute_velk_command(&request, &response);
+}
+
+int DeviceTest::Execute(uint32_t type, uint32_t id, std::string_view interface,
+                        std::string_view data) {
+    return Execute(MakeRequest(type, id, interface, data));
+}
+
+}  // namespace testkit

@@ -1,0 +1,57 @@
+// device_test.h - the fixture of tests that touch the device's files.
+#ifndef TESTS_SUPPORT_DEVICE_TEST_H_
+#define TESTS_SUPPORT_DEVICE_TEST_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/libc_recorder.h"
+#include "velk.h"
+
+namespace testkit {
+
+// Why this process could not enter private namespaces; empty when it is in them. Set once by main.
+void SetNoDeviceReason(const std::string& reason);
+const std::string& NoDeviceReason();
+
+void WriteFile(const std::string& path, std::string_view text);
+std::string ReadFile(const std::string& path);  // "(missing)" when it is not there
+bool Exists(const std::string& path);
+
+// The numbers of the descriptors this process holds.
+std::vector<int> OpenDescriptors();
+
+_velk_request MakeRequest(uint32_t type, uint32_t id, std::string_view interface,
+                          std::string_view data = {});
+
+// A response filled with a byte that no handler writes, so that clearing it shows.
+_velk_request DirtyResponse();
+
+// The first `size` bytes of a response's data.
+std::string Data(const _velk_request& response, size_t size = VELK_DATA_SIZE);
+
+// Every test starts on an empty device with an empty recorder, and must leave no descriptor open
+// and the lock free. Skips, with the reason, where there are no private namespaces.
+class DeviceTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    LibcRecorder& libc() { return LibcRecorder::Get(); }
+
+    // Runs a request into `response`.
+    int Execute(const _velk_request& request);
+    int Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data = {});
+
+    _velk_request response = DirtyResponse();
+
+  private:
+    std::vector<int> descriptors_;
+};
+
+}  // namespace testkit
+
+#endif  // TESTS_SUPPORT_DEVICE_TEST_H_

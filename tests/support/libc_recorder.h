@@ -1,0 +1,99 @@
+// libc_recorder.h - stands between the library and libc: records calls, answers by script.
+//
+// The test executable defines system(3), sleep(3), syslog(3), open(2) and their kin itself, and the
+// dynamic linker prefers the executable's definitions. Every call passes through to libc unless a
+// test scripts it, with two exceptions: sleep(3) returns at once, and a log line is kept but never
+// sent, so that the machine's own log stays as it is.
+#ifndef TESTS_SUPPORT_LIBC_RECORDER_H_
+#define TESTS_SUPPORT_LIBC_RECORDER_H_
+
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace testkit {
+
+enum class Call { kOpen, kRead, kWrite, kClose, kFlock, kFchmod, kSystem, kSleep, kSyslog };
+
+// What one call answers.
+struct Outcome {
+    bool pass = true;
+    long result = 0;
+    int error = 0;
+};
+Outcome Pass();
+Outcome Fail(int error);      // -1 with errno
+Outcome Return(long result);  // the result alone, errno untouched
+
+// One call as it came in. `text` is the shell line, the formatted log line, the path, the seconds.
+struct Event {
+    Call call;
+    std::string text;
+    std::string spelling;  // the symbol that was called: "open64", "__syslog_chk"
+    int number = 0;        // log priority, open flags, lock operation, mode
+};
+
+// The same on its way in, before the recorder has copied it.
+struct CallView {
+    Call call;
+    std::string_view text;
+    const char* spelling;
+    int number = 0;
+};
+
+class LibcRecorder {
+  public:
+    static LibcRecorder& Get();
+
+    // Forgets what was recorded and every script.
+    void Reset();
+
+    // The next calls of this kind answer these, in order; later ones pass through.
+    void Script(Call call, std::initializer_list<Outcome> outcomes);
+    // Calls of this kind beyond the script answer this.
+    void ScriptAlways(Call call, Outcome outcome);
+    // Runs before every call of this kind; a shell line's stand-in can leave files here.
+    void OnCall(Call call, std::function<void(const Event&)> hook);
+
+    // The texts of all calls of one kind, in order.
+    std::vector<std::string> Texts(Call call) const;
+    std::vector<std::string> Commands() const { return Texts(Call::kSystem); }
+    std::vector<std::string> Logs() const { return Texts(Call::kSyslog); }
+    std::vector<Event> Events(Call call) const;
+    // Shell lines, sleeps and log lines in the order they came: "system sudo ifdown eth0".
+    std::vector<std::string> Story() const;
+
+    // For the interposed functions: notes the call and says how to answer it.
+    Outcome Take(const CallView& call);
+
+  private:
+    struct Answers {
+        std::deque<Outcome> next;
+        Outcome always;
+        std::function<void(const Event&)> hook;
+    };
+    Answers Reserve(const Event& event);
+
+    mutable std::mutex mutex_;
+    std::vector<Event> events_;
+    std::map<Call, Answers> answers_;
+};
+
+// While it lives, the allocation with this number (from 1) of the calling thread fails; those of
+// the recorder itself are not counted.
+class AllocationFault {
+  public:
+    explicit AllocationFault(int number);
+    ~AllocationFault();
+    AllocationFault(const AllocationFault&) = delete;
+    AllocationFault& operator=(const AllocationFault&) = delete;
+};
+
+}  // namespace testkit
+
+#endif  // TESTS_SUPPORT_LIBC_RECORDER_H_

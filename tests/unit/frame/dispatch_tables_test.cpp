@@ -1,0 +1,52 @@
+#include "frame/dispatch_tables.h"
+
+#include <cstddef>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using velk::CommandEntry;
+
+// One row as it is meant to read.
+struct Row {
+    uint32_t id;
+    bool none, eth0, eth1;
+    velk::CommandHandler handler;
+};
+
+void ExpectRows(std::span<const CommandEntry> table, const std::vector<Row>& rows) {
+    ASSERT_EQ(table.size(), rows.size());
+    for (size_t i = 0; i < rows.size(); ++i) {
+        SCOPED_TRACE("row " + std::to_string(i));
+        EXPECT_EQ(table[i].command_id, rows[i].id);
+        EXPECT_EQ(table[i].no_interface_allowed != 0, rows[i].none);
+        EXPECT_EQ(table[i].eth0_allowed != 0, rows[i].eth0);
+        EXPECT_EQ(table[i].eth1_allowed != 0, rows[i].eth1);
+        EXPECT_EQ(table[i].spare, 0);
+        EXPECT_EQ(table[i].handler, rows[i].handler);
+    }
+}
+
+TEST(DispatchTables, TheGetRows) {
+    ExpectRows(velk::kGetTable, {{108, false, true, true, GetDns}});
+}
+
+TEST(DispatchTables, TheSetRows) {
+    ExpectRows(velk::kSetTable, {{108, false, true, true, SetDns}});
+}
+
+TEST(DispatchTables, NothingCanBeRestartedYet) {
+    EXPECT_TRUE(velk::kRestartTable.empty());
+}
+
+TEST(DispatchTables, ARowHoldsItsFieldsInOrder) {
+    EXPECT_EQ(offsetof(CommandEntry, command_id), 0U);
+    EXPECT_EQ(offsetof(CommandEntry, no_interface_allowed), 4U);
+    EXPECT_EQ(offsetof(CommandEntry, eth0_allowed), 5U);
+    EXPECT_EQ(offsetof(CommandEntry, eth1_allowed), 6U);
+    EXPECT_EQ(offsetof(CommandEntry, spare), 7U);
+    EXPECT_EQ(offsetof(CommandEntry, handler), 8U);
+}
+
+}  // namespace

@@ -1,0 +1,277 @@
+// The entry point, through libvelk.so as a management program calls it.
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <pthread.h>
+#include <sys/file.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testkit::AllocationFault;
+using testkit::Call;
+using testkit::Data;
+using testkit::Fail;
+using testkit::MakeRequest;
+using testkit::ReadFile;
+using testkit::WriteFile;
+
+constexpr char kResolverFile[] = "/etc/resolv.dnsmasq.conf";
+constexpr char kLockFile[] = "/var/tmp/vklib_lock";
+const std::string kZeros(VELK_DATA_SIZE, '\0');
+
+class DispatchTest : public testkit::DeviceTest {
+  protected:
+    void ExpectHeader(const std::string& interface, uint32_t type, uint32_t id) {
+        char expected[VELK_INTERFACE_SIZE] = {};
+        interface.copy(expected, sizeof(expected));
+        EXPECT_EQ(memcmp(response.interface, expected, sizeof(expected)), 0);
+        EXPECT_EQ(response.command_type, type);
+        EXPECT_EQ(response.command_id, id);
+    }
+};
+
+TEST_F(DispatchTest, ANullRequestIsRefused) {
+    const _velk_request before = response;
+    EXPECT_EQ(execute_velk_command(nullptr, &response), -4);
+    EXPECT_THAT(libc().Logs(), ElementsAre("paramater"));
+    EXPECT_EQ(memcmp(&before, &response, sizeof(response)), 0) << "nothing is written";
+}
+
+TEST_F(DispatchTest, ANullResponseIsRefused) {
+    const _velk_request request = MakeRequest(VELK_GET, 108, "eth0");
+    EXPECT_EQ(execute_velk_command(&request, nullptr), -4);
+    EXPECT_EQ(execute_velk_command(nullptr, nullptr), -4);
+    EXPECT_THAT(libc().Logs(), ElementsAre("paramater", "paramater"));
+}
+
+TEST_F(DispatchTest, AnUnknownTypeIsLoggedAndTakesNoLock) {
+    EXPECT_EQ(Execute(0, 108, "eth0"), -4);
+    EXPECT_EQ(Execute(4, 108, "eth0"), -4);
+    EXPECT_EQ(Execute(0xFFFFFFFF, 108, "eth0"), -4);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("command_type = 0", "command_type = 4", "command_type = -1"));
+    EXPECT_FALSE(testkit::Exists(kLockFile));
+    ExpectHeader("eth0", 0xFFFFFFFF, 108);
+    EXPECT_EQ(Data(response), kZeros);
+}
+
+TEST_F(DispatchTest, AnUnknownIdIsRefusedWithoutALogLine) {
+    EXPECT_EQ(Execute(VELK_GET, 8, "eth0"), -4);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+    ExpectHeader("eth0", VELK_GET, 8);
+    EXPECT_EQ(Data(response), kZeros);
+}
+
+TEST_F(DispatchTest, AnInterfaceThatTheCommandDoesNotTakeIsRefused) {
+    for (const char* interface : {"", "eth2", "ETH0", "eth0 ", "eth", "eth00", "eth0:1", " eth0"}) {
+        SCOPED_TRACE(interface);
+        libc().Reset();
+        EXPECT_EQ(Execute(VELK_GET, 108, interface), -4);
+        EXPECT_THAT(libc().Logs(), ElementsAre("paramater matching"));
+        ExpectHeader(interface, VELK_GET, 108);
+        EXPECT_EQ(Data(response), kZeros);
+    }
+}
+
+TEST_F(DispatchTest, AGetReachesItsHandlerWithoutTheLock) {
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
+    for (const char* interface : {"eth0", "eth1"}) {
+        EXPECT_EQ(Execute(VELK_GET, 108, interface), 0);
+        EXPECT_EQ(Data(response, 10), std::string("10.0.0.1\0\0", 10));
+        ExpectHeader(interface, VELK_GET, 108);
+    }
+    EXPECT_FALSE(testkit::Exists(kLockFile));
+}
+
+TEST_F(DispatchTest, ASetReachesItsHandlerUnderTheLock) {
+    bool locked = false;
+    libc().OnCall(Call::kWrite, [&](const testkit::Event&) {
+        const int fd = open(kLockFile, O_RDWR | O_CLOEXEC);
+        locked = flock(fd, LOCK_EX | LOCK_NB) == -1;
+        close(fd);
+    });
+    EXPECT_EQ(Execute(VELK_SET, 108, "eth1", "10.0.0.2"), 0);
+    EXPECT_TRUE(locked);
+    EXPECT_EQ(ReadFile(kResolverFile), "nameserver 10.0.0.2\n");
+    ExpectHeader("eth1", VELK_SET, 108);
+    EXPECT_EQ(Data(response), kZeros) << "a set answers with no data";
+}
+
+TEST_F(DispatchTest, AHeldLockIsAnsweredAtOnceAndNothingIsDone) {
+    const int lock = VkLibLock();
+    for (const uint32_t type : {VELK_SET, VELK_RESTART}) {
+        libc().Reset();
+        EXPECT_EQ(Execute(type, 108, "eth0", "10.0.0.2"), -3);
+        EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock indelible", "lockking"));
+        ExpectHeader("eth0", type, 108);
+        EXPECT_EQ(Data(response), kZeros);
+    }
+    EXPECT_FALSE(testkit::Exists(kResolverFile));
+    EXPECT_EQ(libc().Events(Call::kFlock).size(), 1U) << "no unlock of a lock that was not taken";
+    VkLibUnLock(lock);
+}
+
+TEST_F(DispatchTest, AGetRunsWhileAnotherHoldsTheLock) {
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
+    const int lock = VkLibLock();
+    EXPECT_EQ(Execute(VELK_GET, 108, "eth0"), 0);
+    VkLibUnLock(lock);
+}
+
+TEST_F(DispatchTest, AnUnlockableLockFileIsAFailure) {
+    libc().Script(Call::kOpen, {Fail(EACCES), Fail(EACCES)});
+    EXPECT_EQ(Execute(VELK_SET, 108, "eth0", "10.0.0.2"), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("VkLibLock open2 errno=13:Permission denied", "lockking"));
+    EXPECT_FALSE(testkit::Exists(kResolverFile));
+}
+
+TEST_F(DispatchTest, TheLockIsReleasedOnEveryPath) {
+    EXPECT_EQ(Execute(VELK_SET, 399, "eth0"), -4);      // unknown id
+    EXPECT_EQ(Execute(VELK_SET, 108, "eth2"), -4);      // interface not allowed
+    EXPECT_EQ(Execute(VELK_RESTART, 1, ""), -4);        // nothing to restart
+    EXPECT_EQ(Execute(VELK_SET, 108, "eth0", "a"), 0);  // done
+    ASSERT_EQ(system("rm /etc/resolv.dnsmasq.conf; mkdir /etc/resolv.dnsmasq.conf"), 0);
+    EXPECT_EQ(Execute(VELK_SET, 108, "eth0", "a"), -1);  // failed
+    const std::vector<testkit::Event> calls = libc().Events(Call::kFlock);
+    ASSERT_EQ(calls.size(), 10U);
+    for (size_t i = 0; i < calls.size(); ++i) {
+        EXPECT_EQ(calls[i].number, i % 2 == 0 ? LOCK_EX | LOCK_NB : LOCK_UN);
+    }
+}
+
+TEST_F(DispatchTest, TheResponseIsClearedFirst) {
+    _velk_request request = MakeRequest(VELK_GET, 399, "eth0");
+    memset(request.interface + 5, 'x', 11);  // behind the NUL
+    EXPECT_EQ(Execute(request), -4);
+    EXPECT_EQ(std::string(response.interface, 16), std::string("eth0") + std::string(12, '\0'));
+    EXPECT_EQ(Data(response), kZeros);
+}
+
+TEST_F(DispatchTest, AnInterfaceWithoutANulIsHandledWithinItsField) {
+    _velk_request request = MakeRequest(0x78787878, 0x78787878, "eth0eth0eth0eth0");
+    memset(request.data, 'x', sizeof(request.data));
+    EXPECT_EQ(Execute(request), -4);
+    EXPECT_EQ(std::string(response.interface, 16), std::string("eth0eth0eth0eth\0", 16));
+    request.command_type = VELK_GET;
+    request.command_id = VELK_CMD_DNS;
+    libc().Reset();
+    EXPECT_EQ(Execute(request), -4);
+    EXPECT_THAT(libc().Logs(), ElementsAre("paramater matching"));
+}
+
+TEST_F(DispatchTest, DataWithoutANulIsHandledWithinItsField) {
+    _velk_request request = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0");
+    memset(request.data, 'x', sizeof(request.data));
+    EXPECT_EQ(Execute(request), 0);
+    const std::string line = "nameserver " + std::string(16, 'x') + "\n";
+    EXPECT_EQ(ReadFile(kResolverFile), line + line + line);
+}
+
+TEST_F(DispatchTest, ARequestThatIsItsOwnResponseIsRefused) {
+    response = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", "10.0.0.2");
+    EXPECT_EQ(execute_velk_command(&response, &response), -4);
+    EXPECT_FALSE(testkit::Exists(kResolverFile)) << "clearing the response cleared the request";
+}
+
+TEST_F(DispatchTest, AGetOutOfMemoryIsAFailure) {
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
+    const _velk_request request = MakeRequest(VELK_GET, VELK_CMD_DNS, "eth0");
+    {
+        const AllocationFault fault(1);
+        EXPECT_EQ(execute_velk_command(&request, &response), -1);
+    }
+    EXPECT_THAT(libc().Logs(), ElementsAre("execute_velk_command exception std::bad_alloc"));
+    EXPECT_EQ(Data(response), kZeros);
+}
+
+TEST_F(DispatchTest, ASetOutOfMemoryReleasesTheLock) {
+    const _velk_request request = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", "192.168.100.100");
+    {
+        const AllocationFault fault(1);
+        EXPECT_EQ(execute_velk_command(&request, &response), -1);
+    }
+    EXPECT_THAT(libc().Logs(), ElementsAre("execute_velk_command exception std::bad_alloc"));
+    EXPECT_EQ(libc().Events(Call::kFlock).back().number, LOCK_UN);
+}
+
+TEST_F(DispatchTest, ACancelledThreadReleasesTheLock) {
+    const auto set_while_cancelled = [](void*) -> void* {
+        testkit::LibcRecorder::Get().OnCall(
+            Call::kWrite, [](const testkit::Event&) { pthread_cancel(pthread_self()); });
+        const _velk_request request = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", "10.0.0.2");
+        _velk_request answer;
+        execute_velk_command(&request, &answer);
+        return nullptr;
+    };
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, set_while_cancelled, nullptr), 0);
+    void* result = nullptr;
+    pthread_join(thread, &result);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    EXPECT_EQ(libc().Events(Call::kFlock).back().number, LOCK_UN);
+}
+
+TEST_F(DispatchTest, NoDescriptorIsLeakedOver10000Calls) {
+    const std::vector<int> before = testkit::OpenDescriptors();
+    for (int i = 0; i < 10000; ++i) {
+        const auto type = static_cast<uint32_t>(i % 4);
+        Execute(type, i % 3 == 0 ? 399 : VELK_CMD_DNS, i % 5 == 0 ? "eth2" : "eth0", "10.0.0.1");
+        libc().Reset();
+    }
+    EXPECT_EQ(testkit::OpenDescriptors(), before);
+}
+
+// Every id, type and interface name: what runs, and what each refusal logs.
+class MatrixTest : public DispatchTest {
+  protected:
+    static bool IsCommand(uint32_t type, uint32_t id) {
+        return id == 108 && (type == 1 || type == 2);
+    }
+    static bool IsAllowed(const std::string& interface) {
+        return interface == "eth0" || interface == "eth1";
+    }
+    static std::vector<std::string> ExpectedLogs(uint32_t type, uint32_t id,
+                                                 const std::string& interface) {
+        if (type < 1 || type > 3) {
+            return {"command_type = " + std::to_string(type)};
+        }
+        std::vector<std::string> logs;
+        if (type != 1) {
+            logs.emplace_back("VkLibLock indelible");
+        }
+        if (IsCommand(type, id) && !IsAllowed(interface)) {
+            logs.emplace_back("paramater matching");
+        }
+        return logs;
+    }
+};
+
+TEST_F(MatrixTest, EveryIdTypeAndInterface) {
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
+    WriteFile(kLockFile, "");
+    for (const char* interface : {"", "eth0", "eth1", "eth2", "ETH0", "eth0 ", "wlan0"}) {
+        for (uint32_t type = 0; type <= 5; ++type) {
+            for (uint32_t id = 0; id <= 400; ++id) {
+                libc().Reset();
+                const bool runs = IsCommand(type, id) && IsAllowed(interface);
+                ASSERT_EQ(Execute(type, id, interface), runs ? 0 : -4)
+                    << interface << " " << type << " " << id;
+                ASSERT_EQ(libc().Logs(), ExpectedLogs(type, id, interface))
+                    << interface << " " << type << " " << id;
+                ExpectHeader(interface, type, id);
+            }
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// The recorder must see every call, whatever symbol the compiler turned it into.
+#include "support/libc_recorder.h"
+
+#include <cerrno>
+#include <new>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <syslog.h>
+
+#include "support/call_probe.h"
+#include "support/device_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testkit::Call;
+using testkit::DeviceTest;
+using testkit::Event;
+using testkit::Fail;
+using testkit::Pass;
+using testkit::Return;
+
+// The calls of one flavour of the probe and the symbols they must arrive under.
+struct Flavour {
+    const char* name;
+    int (*open)(const char*, int);
+    int (*open_mode)(const char*, int, unsigned);
+    long (*read)(int, unsigned long);
+    long (*write)(int, const char*, unsigned long);
+    int (*close)(int);
+    int (*flock)(int, int);
+    int (*fchmod)(int, unsigned);
+    int (*system)(const char*);
+    unsigned (*sleep)(unsigned);
+    void (*syslog)(int, const char*);
+    void (*vsyslog)(int, const char*, ...);
+    char* (*allocate)();
+    const char* open_symbol;
+    const char* open_mode_symbol;
+    const char* read_symbol;
+    const char* syslog_symbol;
+    const char* vsyslog_symbol;
+};
+
+#define PROBE_FUNCTIONS(name)                                                             \
+    name##_open, name##_open_mode, name##_read, name##_write, name##_close, name##_flock, \
+        name##_fchmod, name##_system, name##_sleep, name##_syslog, name##_vsyslog, name##_allocate
+
+constexpr Flavour kFlavours[] = {
+    {"plain", PROBE_FUNCTIONS(plain), "open", "open", "read", "syslog", "vsyslog"},
+    {"large", PROBE_FUNCTIONS(large), "open64", "open64", "read", "syslog", "vsyslog"},
+    {"fortified", PROBE_FUNCTIONS(fortified), "__open_2", "open", "__read_chk", "__syslog_chk",
+     "__vsyslog_chk"},
+    {"fortified_large", PROBE_FUNCTIONS(fortified_large), "__open64_2", "open64", "__read_chk",
+     "__syslog_chk", "__vsyslog_chk"},
+};
+
+class LibcRecorderTest : public DeviceTest, public testing::WithParamInterface<Flavour> {
+  protected:
+    // The one recorded call of a kind; fails the test when it was not intercepted.
+    Event Only(Call call) {
+        const std::vector<Event> events = libc().Events(call);
+        EXPECT_EQ(events.size(), 1U);
+        return events.size() == 1 ? events[0] : Event{call, "(not intercepted)", "", -1};
+    }
+};
+
+TEST_P(LibcRecorderTest, SeesOpenUnderItsSymbol) {
+    const int fd = GetParam().open("/dev/null", O_RDONLY);
+    EXPECT_GE(fd, 0);
+    const Event event = Only(Call::kOpen);
+    EXPECT_EQ(event.text, "/dev/null");
+    EXPECT_EQ(event.spelling, GetParam().open_symbol);
+    EXPECT_EQ(GetParam().close(fd), 0);
+}
+
+TEST_P(LibcRecorderTest, SeesOpenWithAModeAndPassesTheModeOn) {
+    const int fd = GetParam().open_mode("/var/tmp/probe", O_CREAT | O_WRONLY, 0640);
+    const Event event = Only(Call::kOpen);
+    EXPECT_EQ(event.spelling, GetParam().open_mode_symbol);
+    EXPECT_EQ(GetParam().fchmod(fd, 0600), 0);
+    EXPECT_EQ(Only(Call::kFchmod).number, 0600);
+    EXPECT_EQ(GetParam().close(fd), 0);
+    EXPECT_TRUE(testkit::Exists("/var/tmp/probe"));
+}
+
+TEST_P(LibcRecorderTest, SeesReadWriteFlockAndClose) {
+    const int fd = GetParam().open_mode("/var/tmp/probe", O_CREAT | O_RDWR | O_APPEND, 0600);
+    EXPECT_EQ(GetParam().write(fd, "text", 4), 4);
+    EXPECT_EQ(Only(Call::kWrite).text, "text");
+    EXPECT_EQ(GetParam().read(fd, 16), 0);
+    EXPECT_EQ(Only(Call::kRead).spelling, GetParam().read_symbol);
+    EXPECT_EQ(GetParam().flock(fd, LOCK_SH), 0);
+    EXPECT_EQ(Only(Call::kFlock).number, LOCK_SH);
+    EXPECT_EQ(GetParam().close(fd), 0);
+    EXPECT_EQ(Only(Call::kClose).text, std::to_string(fd));
+}
+
+TEST_P(LibcRecorderTest, SeesShellLinesAndRunsThem) {
+    EXPECT_EQ(GetParam().system("echo ran > /var/tmp/probe"), 0);
+    EXPECT_THAT(libc().Commands(), ElementsAre("echo ran > /var/tmp/probe"));
+    EXPECT_EQ(testkit::ReadFile("/var/tmp/probe"), "ran\n");
+}
+
+TEST_P(LibcRecorderTest, SeesSleepAndDoesNotSleep) {
+    EXPECT_EQ(GetParam().sleep(100000), 0U);
+    EXPECT_EQ(Only(Call::kSleep).text, "100000");
+}
+
+TEST_P(LibcRecorderTest, SeesLogLinesFormattedWithTheirPriority) {
+    GetParam().syslog(LOG_NOTICE, "line");
+    const Event event = Only(Call::kSyslog);
+    EXPECT_EQ(event.text, "probe line");
+    EXPECT_EQ(event.number, LOG_NOTICE);
+    EXPECT_EQ(event.spelling, GetParam().syslog_symbol);
+}
+
+TEST_P(LibcRecorderTest, SeesLogLinesWithAnArgumentList) {
+    GetParam().vsyslog(LOG_ERR, "number %d", 7);
+    const Event event = Only(Call::kSyslog);
+    EXPECT_EQ(event.text, "number 7");
+    EXPECT_EQ(event.number, LOG_ERR);
+    EXPECT_EQ(event.spelling, GetParam().vsyslog_symbol);
+}
+
+TEST_P(LibcRecorderTest, FailsTheAllocationThatIsAskedFor) {
+    const testkit::AllocationFault fault(2);
+    char* first = GetParam().allocate();
+    EXPECT_THROW(GetParam().allocate(), std::bad_alloc);
+    delete[] first;
+    delete[] GetParam().allocate();
+}
+
+INSTANTIATE_TEST_SUITE_P(Flavours, LibcRecorderTest, testing::ValuesIn(kFlavours),
+                         [](const auto& flavour) { return std::string(flavour.param.name); });
+
+class LibcScriptTest : public DeviceTest {};
+
+TEST_F(LibcScriptTest, AnswersInOrderThenPassesThrough) {
+    libc().Script(Call::kSystem, {Fail(ENOMEM), Pass(), Return(256)});
+    errno = 0;
+    EXPECT_EQ(plain_system("true"), -1);
+    EXPECT_EQ(errno, ENOMEM);
+    EXPECT_EQ(plain_system("true"), 0);
+    EXPECT_EQ(plain_system("true"), 256);
+    EXPECT_EQ(plain_system("true"), 0);
+}
+
+TEST_F(LibcScriptTest, AnswersAlwaysAfterTheScript) {
+    libc().Script(Call::kFlock, {Return(5)});
+    libc().ScriptAlways(Call::kFlock, Fail(EINTR));
+    EXPECT_EQ(plain_flock(99, LOCK_UN), 5);
+    EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    libc().Reset();
+    errno = 0;
+    EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    EXPECT_EQ(errno, EBADF) << "after Reset the call reaches the kernel again";
+}
+
+TEST_F(LibcScriptTest, AScriptedCloseFailureClosesAllTheSame) {
+    const int fd = plain_open("/dev/null", O_RDONLY);
+    libc().Script(Call::kClose, {Fail(EIO)});
+    EXPECT_EQ(plain_close(fd), -1);
+    EXPECT_EQ(fcntl(fd, F_GETFD), -1);
+}
+
+TEST_F(LibcScriptTest, RunsAHookBeforeTheCall) {
+    std::string seen;
+    libc().OnCall(Call::kSystem, [&](const Event& event) { seen = event.text; });
+    EXPECT_EQ(plain_system("true"), 0);
+    EXPECT_EQ(seen, "true");
+}
+
+TEST_F(LibcScriptTest, TellsShellLinesSleepsAndLogLinesInTheirOrder) {
+    EXPECT_EQ(plain_system("true"), 0);
+    EXPECT_EQ(plain_sleep(3), 0U);
+    plain_syslog(LOG_NOTICE, "x");
+    EXPECT_THAT(libc().Story(), ElementsAre("system true", "sleep 3", "log probe x"));
+}
+
+}  // namespace
