@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "velk.h"
+
 namespace velk {
 
 // The text in a fixed field: up to its NUL, or the whole field when it holds none.
@@ -19,6 +21,11 @@ template <size_t kSize>
 void PutFieldText(char (&field)[kSize], std::string_view text) {
     const size_t length = text.copy(field, kSize - 1);
     field[length] = '\0';
+}
+
+// Writes a text into a response's data area, cut so that a NUL always follows it.
+inline void PutText(char* out, std::string_view text) {
+    PutFieldText(*reinterpret_cast<char(*)[VELK_DATA_SIZE]>(out), text);
 }
 
 }  // namespace velk

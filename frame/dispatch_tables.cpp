@@ -9,12 +9,15 @@ namespace {
 constexpr uint8_t kYes = 1;
 constexpr uint8_t kNo = 0;
 
-constexpr std::array<CommandEntry, 1> kGetRows{{
+constexpr std::array<CommandEntry, 3> kGetRows{{
     // id, no interface, eth0, eth1, spare, handler
+    {VELK_CMD_MAC_ADDRESS, kNo, kYes, kYes, 0, GetIoctl},
+    {VELK_CMD_LINK_SPEED, kNo, kYes, kNo, 0, GetIoctl},
     {VELK_CMD_DNS, kNo, kYes, kYes, 0, GetDns},
 }};
 
-constexpr std::array<CommandEntry, 1> kSetRows{{
+constexpr std::array<CommandEntry, 2> kSetRows{{
+    {VELK_CMD_LINK_SPEED, kNo, kYes, kNo, 0, SetIoctl},
     {VELK_CMD_DNS, kNo, kYes, kYes, 0, SetDns},
 }};
 

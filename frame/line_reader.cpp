@@ -25,8 +25,9 @@ LineReader::LineReader(const char* path) : fd_(open(path, O_RDONLY | O_CLOEXEC))
     // Not value-initialised: a get must not pay for clearing memory that read(2) fills.
     block_.reset(new char[kBlockSize]);
     size_ = kBlockSize;
-    if (!Fill() && errno != 0) {
+    if (!Fill()) {
         error_ = errno;
+        is_empty_ = error_ == 0;
     }
 }
 

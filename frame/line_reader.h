@@ -25,6 +25,9 @@ class LineReader {
     // The errno of the failed open or first read; 0 when the file is open.
     int error() const { return error_; }
 
+    // True when the open file has no bytes at all.
+    bool is_empty() const { return is_empty_; }
+
     // Sets `line` to the next line, valid until the next call; false at the end of the file.
     bool Next(std::string_view& line);
 
@@ -34,6 +37,7 @@ class LineReader {
 
     UniqueFd fd_;
     int error_ = 0;
+    bool is_empty_ = false;
     bool at_end_ = false;
     std::unique_ptr<char[]> block_;
     size_t size_ = 0;   // of the block

@@ -11,18 +11,20 @@
 
 namespace velk {
 
-int RunCommand(const char* format, ...) {
-    char command[kCommandSize];
+CommandLine::CommandLine(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const int length = vsnprintf(command, sizeof(command), format, arguments);
+    length_ = vsnprintf(text_, sizeof(text_), format, arguments);
     va_end(arguments);
-    if (length < 0 || static_cast<size_t>(length) >= sizeof(command)) {
+}
+
+int CommandLine::Run() const {
+    if (!fits()) {
         // The line itself stays out of the log: it may carry a secret.
-        Log("command line of %d bytes does not fit", length);
+        Log("command line of %d bytes does not fit", length_);
         return LIB_VELK_INVALID_PARAMETER;
     }
-    return SystemCommand(command);
+    return SystemCommand(text_);
 }
 
 }  // namespace velk
@@ -36,9 +38,10 @@ int SystemCommand(const char* command) {
 }
 
 int FileCopyAndDelete(const std::string& source, const std::string& target) {
-    const int copied = velk::RunCommand("cat %s > %s", source.c_str(), target.c_str());
-    if (copied == LIB_VELK_INVALID_PARAMETER) {
+    const velk::CommandLine copy("cat %s > %s", source.c_str(), target.c_str());
+    const int copied = copy.Run();
+    if (!copy.fits()) {
         return copied;  // never remove an edit that could not even be tried
     }
-    return velk::RunCommand("rm %s", source.c_str());
+    return velk::CommandLine("rm %s", source.c_str()).Run();
 }

@@ -1,4 +1,4 @@
-// shell.h - formats a shell line and runs it.
+// shell.h - one formatted shell line.
 #ifndef VELK_FRAME_SHELL_H_
 #define VELK_FRAME_SHELL_H_
 
@@ -6,12 +6,22 @@
 
 namespace velk {
 
-constexpr size_t kCommandSize = 256;  // the command line and its NUL
+// A shell line in its 256-byte buffer. A line that does not fit is never run: a cut command line
+// could name another file or another address.
+class CommandLine {
+  public:
+    [[gnu::format(printf, 2, 3)]] explicit CommandLine(const char* format, ...);
 
-// Runs the formatted line with SystemCommand() and returns its result. A line that does not fit
-// kCommandSize is not run: a cut command line could name another file or another address. That is
-// logged and gives LIB_VELK_INVALID_PARAMETER.
-[[gnu::format(printf, 1, 2)]] int RunCommand(const char* format, ...);
+    bool fits() const { return length_ >= 0 && static_cast<size_t>(length_) < sizeof(text_); }
+
+    // Runs the line with SystemCommand() and returns its result. One that does not fit is logged
+    // and gives LIB_VELK_INVALID_PARAMETER.
+    int Run() const;
+
+  private:
+    char text_[256];
+    int length_;  // that the line would have
+};
 
 }  // namespace velk
 

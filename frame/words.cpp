@@ -1,4 +1,4 @@
-// words.cpp - cuts a line into words.
+// words.cpp - finds and cuts words in a line.
 #include "frame/words.h"
 
 #include <algorithm>

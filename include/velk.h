@@ -34,7 +34,21 @@ enum velk_command_type {
 
 /* Values of _velk_request.command_id. */
 enum velk_command_id {
-    VELK_CMD_DNS = 108 /* DNS servers: get and set, eth0 and eth1; see GetDns() and SetDns() */
+    VELK_CMD_MAC_ADDRESS = 101, /* MAC address: get, eth0 and eth1; see GetMacAddress() */
+    VELK_CMD_IP_ADDRESS = 104,  /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_NETMASK = 105,     /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_GATEWAY = 106,     /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_DNS = 108,         /* DNS servers: get and set, eth0 and eth1; see GetDns() */
+    VELK_CMD_LINK_SPEED = 201   /* link speed: get and set, eth0; see GetLinkSpeed() */
+};
+
+/* The link speed, in the first data byte of VELK_CMD_LINK_SPEED. */
+enum velk_link_mode {
+    VELK_LINK_AUTO = 1,     /* negotiated with the other end */
+    VELK_LINK_100_FULL = 2, /* 100 Mbit/s, full duplex */
+    VELK_LINK_100_HALF = 3, /* 100 Mbit/s, half duplex */
+    VELK_LINK_10_FULL = 4,  /* 10 Mbit/s, full duplex */
+    VELK_LINK_10_HALF = 5   /* 10 Mbit/s, half duplex */
 };
 
 /* Results of execute_velk_command(). */
@@ -115,6 +129,8 @@ VELK_API int execute_velk_command(const _velk_request* request, _velk_request* r
 
 #include "velk/frame.h"
 #include "velk/ipconf.h"
+#include "velk/wired.h"
+#include "velk/wlan.h"
 #endif
 
 #endif /* VELK_H_ */

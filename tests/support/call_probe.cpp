@@ -3,9 +3,12 @@
 
 #include <cstdarg>
 #include <cstdlib>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -40,6 +43,19 @@ extern "C" {
 
 [[gnu::visibility("default")]] int PROBE(fchmod)(int fd, unsigned mode) {
     return fchmod(fd, mode);
+}
+
+[[gnu::visibility("default")]] int PROBE(socket)(int domain, int type) {
+    return socket(domain, type, 0);
+}
+
+[[gnu::visibility("default")]] int PROBE(ioctl)(int fd, unsigned long request, void* argument) {
+    return ioctl(fd, request, argument);
+}
+
+[[gnu::visibility("default")]] int PROBE(nanosleep)(long nanoseconds) {
+    const timespec pause{0, nanoseconds};
+    return nanosleep(&pause, nullptr);
 }
 
 [[gnu::visibility("default")]] int PROBE(system)(const char* command) {

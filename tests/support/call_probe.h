@@ -14,6 +14,9 @@
     int prefix##_close(int fd);                                         \
     int prefix##_flock(int fd, int operation);                          \
     int prefix##_fchmod(int fd, unsigned mode);                         \
+    int prefix##_socket(int domain, int type);                          \
+    int prefix##_ioctl(int fd, unsigned long request, void* argument);  \
+    int prefix##_nanosleep(long nanoseconds);                           \
     int prefix##_system(const char* command);                           \
     unsigned prefix##_sleep(unsigned seconds);                          \
     void prefix##_syslog(int priority, const char* text);               \

@@ -20,14 +20,23 @@ std::string& Reason() {
     return reason;
 }
 
-// The folders the library writes in; what an earlier test left there is removed.
-constexpr const char* kScratchFolders[] = {"/tmp", "/var/tmp", "/dev/shm"};
+// The library's folders; what an earlier test left there is removed.
+constexpr const char* kScratchFolders[] = {"/tmp",
+                                           "/var/tmp",
+                                           "/dev/shm",
+                                           "/etc/network",
+                                           "/proc/bus/usb",
+                                           "/usr/local/share/apps/wlan",
+                                           "/usr/local/share/etc/snmp",
+                                           "/var/cron/tabs",
+                                           "/var/libvelk",
+                                           "/var/log/syslog"};
 constexpr const char* kDeviceFiles[] = {"/etc/resolv.dnsmasq.conf"};
 
 void EmptyDevice() {
     std::error_code ignored;
     for (const char* folder : kScratchFolders) {
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
             // Folders here are the checkout, kept visible when it lies below /tmp.
             if (!entry.is_directory()) {
                 fs::remove(entry.path(), ignored);
@@ -108,14 +117,18 @@ std::string Data(const _velk_request& response, size_t size) {
     return {response.data, size};
 }
 
+DeviceTest::DeviceTest() {
+    if (NoDeviceReason().empty()) {
+        LibcRecorder::Get().Reset();
+        EmptyDevice();
+        descriptors_ = OpenDescriptors();
+    }
+}
+
 void DeviceTest::SetUp() {
     if (!NoDeviceReason().empty()) {
         GTEST_SKIP() << NoDeviceReason();
     }
-    LibcRecorder::Get().Reset();
-    EmptyDevice();
-    response = DirtyResponse();
-    descriptors_ = OpenDescriptors();
 }
 
 void DeviceTest::TearDown() {

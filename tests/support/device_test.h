@@ -37,6 +37,8 @@ std::string Data(const _velk_request& response, size_t size = VELK_DATA_SIZE);
 // and the lock free. Skips, with the reason, where there are no private namespaces.
 class DeviceTest : public ::testing::Test {
   protected:
+    // Empties device and recorder already here, so that a derived fixture's members may script.
+    DeviceTest();
     void SetUp() override;
     void TearDown() override;
 

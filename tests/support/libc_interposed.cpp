@@ -6,12 +6,15 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <string_view>
 
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -49,7 +52,7 @@ auto Answer(CallView call, PassThrough pass_through) -> decltype(pass_through())
 int Open(const char* spelling, const char* path, int flags, mode_t mode) {
     return Answer({Call::kOpen, path, spelling, flags}, [&] {
         static auto* real = Real<int (*)(const char*, int, ...)>("open");
-        return real(path, flags, mode);
+        return real(LibcRecorder::Get().Target(path), flags, mode);
     });
 }
 
@@ -136,6 +139,31 @@ int fchmod(int fd, mode_t mode) noexcept {
     return Answer({Call::kFchmod, std::to_string(fd), "fchmod", static_cast<int>(mode)}, [&] {
         static auto* real = Real<int (*)(int, mode_t)>("fchmod");
         return real(fd, mode);
+    });
+}
+
+int socket(int domain, int type, int protocol) noexcept {
+    return Answer({Call::kSocket, std::to_string(domain), "socket", type}, [&] {
+        static auto* real = Real<int (*)(int, int, int)>("socket");
+        return real(domain, type, protocol);
+    });
+}
+
+int ioctl(int fd, unsigned long request, ...) noexcept {
+    va_list arguments;
+    va_start(arguments, request);
+    void* argument = va_arg(arguments, void*);
+    va_end(arguments);
+    return Answer({Call::kIoctl, std::to_string(fd), "ioctl", static_cast<int>(request)}, [&] {
+        static auto* real = Real<int (*)(int, unsigned long, ...)>("ioctl");
+        return real(fd, request, argument);
+    });
+}
+
+int nanosleep(const timespec* pause, timespec* rest) {
+    return Answer({Call::kNanosleep, std::to_string(pause->tv_nsec), "nanosleep"}, [&] {
+        static auto* real = Real<int (*)(const timespec*, timespec*)>("nanosleep");
+        return real(pause, rest);
     });
 }
 

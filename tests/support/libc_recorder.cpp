@@ -64,6 +64,7 @@ void LibcRecorder::Reset() {
     const std::lock_guard guard(mutex_);
     events_.clear();
     answers_.clear();
+    redirects_.clear();
 }
 
 void LibcRecorder::Script(Call call, std::initializer_list<Outcome> outcomes) {
@@ -79,6 +80,17 @@ void LibcRecorder::ScriptAlways(Call call, Outcome outcome) {
 void LibcRecorder::OnCall(Call call, std::function<void(const Event&)> hook) {
     const std::lock_guard guard(mutex_);
     answers_[call].hook = std::move(hook);
+}
+
+void LibcRecorder::Redirect(const std::string& path, const std::string& other) {
+    const std::lock_guard guard(mutex_);
+    redirects_[path] = other;
+}
+
+const char* LibcRecorder::Target(const char* path) const {
+    const std::lock_guard guard(mutex_);
+    const auto found = redirects_.find(std::string_view(path));
+    return found == redirects_.end() ? path : found->second.c_str();
 }
 
 std::vector<Event> LibcRecorder::Events(Call call) const {
@@ -120,6 +132,9 @@ std::vector<std::string> LibcRecorder::Story() const {
             case Call::kClose:
             case Call::kFlock:
             case Call::kFchmod:
+            case Call::kSocket:
+            case Call::kIoctl:
+            case Call::kNanosleep:
                 break;
         }
     }

@@ -18,7 +18,20 @@
 
 namespace testkit {
 
-enum class Call { kOpen, kRead, kWrite, kClose, kFlock, kFchmod, kSystem, kSleep, kSyslog };
+enum class Call {
+    kOpen,
+    kRead,
+    kWrite,
+    kClose,
+    kFlock,
+    kFchmod,
+    kSocket,
+    kIoctl,
+    kSystem,
+    kSleep,
+    kNanosleep,
+    kSyslog
+};
 
 // What one call answers.
 struct Outcome {
@@ -60,6 +73,9 @@ class LibcRecorder {
     // Runs before every call of this kind; a shell line's stand-in can leave files here.
     void OnCall(Call call, std::function<void(const Event&)> hook);
 
+    // Opens of this path open the other one instead: for files that only the kernel can write.
+    void Redirect(const std::string& path, const std::string& other);
+
     // The texts of all calls of one kind, in order.
     std::vector<std::string> Texts(Call call) const;
     std::vector<std::string> Commands() const { return Texts(Call::kSystem); }
@@ -70,6 +86,8 @@ class LibcRecorder {
 
     // For the interposed functions: notes the call and says how to answer it.
     Outcome Take(const CallView& call);
+    // The path to open in the place of this one.
+    const char* Target(const char* path) const;
 
   private:
     struct Answers {
@@ -82,6 +100,7 @@ class LibcRecorder {
     mutable std::mutex mutex_;
     std::vector<Event> events_;
     std::map<Call, Answers> answers_;
+    std::map<std::string, std::string, std::less<>> redirects_;
 };
 
 // While it lives, the allocation with this number (from 1) of the calling thread fails; those of

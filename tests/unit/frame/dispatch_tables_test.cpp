@@ -29,11 +29,18 @@ void ExpectRows(std::span<const CommandEntry> table, const std::vector<Row>& row
 }
 
 TEST(DispatchTables, TheGetRows) {
-    ExpectRows(velk::kGetTable, {{108, false, true, true, GetDns}});
+    ExpectRows(velk::kGetTable, {
+                                    {101, false, true, true, GetIoctl},
+                                    {201, false, true, false, GetIoctl},
+                                    {108, false, true, true, GetDns},
+                                });
 }
 
 TEST(DispatchTables, TheSetRows) {
-    ExpectRows(velk::kSetTable, {{108, false, true, true, SetDns}});
+    ExpectRows(velk::kSetTable, {
+                                    {201, false, true, false, SetIoctl},
+                                    {108, false, true, true, SetDns},
+                                });
 }
 
 TEST(DispatchTables, NothingCanBeRestartedYet) {

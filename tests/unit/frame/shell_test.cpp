@@ -42,26 +42,26 @@ TEST_F(ShellTest, AShellThatCannotBeRunIsLogged) {
 }
 
 TEST_F(ShellTest, FormatsTheCommandLine) {
-    EXPECT_EQ(velk::RunCommand("true %s %d", "eth0", 5), 0);
+    EXPECT_EQ(velk::CommandLine("true %s %d", "eth0", 5).Run(), 0);
     EXPECT_THAT(libc().Commands(), ElementsAre("true eth0 5"));
 }
 
 TEST_F(ShellTest, ACommandLineOf255BytesIsRun) {
-    EXPECT_EQ(velk::RunCommand("true %s", std::string(250, 'x').c_str()), 0);
+    EXPECT_EQ(velk::CommandLine("true %s", std::string(250, 'x').c_str()).Run(), 0);
     EXPECT_EQ(libc().Commands().size(), 1U);
     EXPECT_EQ(libc().Commands()[0].size(), 255U);
 }
 
 TEST_F(ShellTest, ALongerCommandLineIsRefusedWithoutShowingIt) {
-    EXPECT_EQ(velk::RunCommand("true %s", std::string(251, 'x').c_str()),
+    EXPECT_EQ(velk::CommandLine("true %s", std::string(251, 'x').c_str()).Run(),
               LIB_VELK_INVALID_PARAMETER);
     EXPECT_THAT(libc().Commands(), IsEmpty());
     EXPECT_THAT(libc().Logs(), ElementsAre("command line of 256 bytes does not fit"));
 }
 
-TEST_F(ShellTest, FailuresOfTheShellPassThroughRunCommand) {
+TEST_F(ShellTest, AShellThatCannotBeRunIsAFailureOfTheLine) {
     libc().Script(Call::kSystem, {Fail(ENOMEM)});
-    EXPECT_EQ(velk::RunCommand("true"), LIB_VELK_FAILURE);
+    EXPECT_EQ(velk::CommandLine("true").Run(), LIB_VELK_FAILURE);
 }
 
 class FileCopyAndDeleteTest : public testkit::DeviceTest {

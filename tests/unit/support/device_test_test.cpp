@@ -80,7 +80,7 @@ TEST_F(PrivateDeviceTest, ALeakedDescriptorFailsTheTest) {
 TEST_F(PrivateDeviceTest, AnEarlierTestsFilesAreGone) {
     testkit::WriteFile("/var/tmp/left", "x");
     testkit::WriteFile("/etc/resolv.dnsmasq.conf", "x");
-    SetUp();
+    const PrivateDeviceTest_AnEarlierTestsFilesAreGone_Test next;
     EXPECT_FALSE(testkit::Exists("/var/tmp/left"));
     EXPECT_FALSE(testkit::Exists("/etc/resolv.dnsmasq.conf"));
 }

@@ -7,6 +7,8 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <syslog.h>
 
 #include "support/call_probe.h"
@@ -32,6 +34,9 @@ struct Flavour {
     int (*close)(int);
     int (*flock)(int, int);
     int (*fchmod)(int, unsigned);
+    int (*socket)(int, int);
+    int (*ioctl)(int, unsigned long, void*);
+    int (*nanosleep)(long);
     int (*system)(const char*);
     unsigned (*sleep)(unsigned);
     void (*syslog)(int, const char*);
@@ -44,9 +49,10 @@ struct Flavour {
     const char* vsyslog_symbol;
 };
 
-#define PROBE_FUNCTIONS(name)                                                             \
-    name##_open, name##_open_mode, name##_read, name##_write, name##_close, name##_flock, \
-        name##_fchmod, name##_system, name##_sleep, name##_syslog, name##_vsyslog, name##_allocate
+#define PROBE_FUNCTIONS(name)                                                                      \
+    name##_open, name##_open_mode, name##_read, name##_write, name##_close, name##_flock,          \
+        name##_fchmod, name##_socket, name##_ioctl, name##_nanosleep, name##_system, name##_sleep, \
+        name##_syslog, name##_vsyslog, name##_allocate
 
 constexpr Flavour kFlavours[] = {
     {"plain", PROBE_FUNCTIONS(plain), "open", "open", "read", "syslog", "vsyslog"},
@@ -96,6 +102,22 @@ TEST_P(LibcRecorderTest, SeesReadWriteFlockAndClose) {
     EXPECT_EQ(Only(Call::kFlock).number, LOCK_SH);
     EXPECT_EQ(GetParam().close(fd), 0);
     EXPECT_EQ(Only(Call::kClose).text, std::to_string(fd));
+}
+
+TEST_P(LibcRecorderTest, SeesSocketsAndIoctls) {
+    const int fd = GetParam().socket(AF_INET, SOCK_STREAM);
+    EXPECT_GE(fd, 0);
+    EXPECT_EQ(Only(Call::kSocket).number, SOCK_STREAM);
+    int waiting = -1;
+    EXPECT_EQ(GetParam().ioctl(fd, FIONREAD, &waiting), 0);
+    EXPECT_EQ(waiting, 0) << "the kernel answers through the argument";
+    EXPECT_EQ(Only(Call::kIoctl).number, FIONREAD);
+    EXPECT_EQ(GetParam().close(fd), 0);
+}
+
+TEST_P(LibcRecorderTest, SeesShortSleepsAndSleepsThem) {
+    EXPECT_EQ(GetParam().nanosleep(1000), 0);
+    EXPECT_EQ(Only(Call::kNanosleep).text, "1000");
 }
 
 TEST_P(LibcRecorderTest, SeesShellLinesAndRunsThem) {
@@ -165,6 +187,14 @@ TEST_F(LibcScriptTest, AScriptedCloseFailureClosesAllTheSame) {
     libc().Script(Call::kClose, {Fail(EIO)});
     EXPECT_EQ(plain_close(fd), -1);
     EXPECT_EQ(fcntl(fd, F_GETFD), -1);
+}
+
+TEST_F(LibcScriptTest, OpensAnotherFileInTheOnesPlace) {
+    testkit::WriteFile("/var/tmp/other", "1234");
+    libc().Redirect("/proc/net/route", "/var/tmp/other");
+    const int fd = large_open("/proc/net/route", O_RDONLY);
+    EXPECT_EQ(plain_read(fd, 16), 4);
+    plain_close(fd);
 }
 
 TEST_F(LibcScriptTest, RunsAHookBeforeTheCall) {

@@ -1,0 +1,123 @@
+// wired.h - what the kernel and its tools say of an interface: link, addresses, gateway, speed.
+#ifndef VELK_WIRED_H_
+#define VELK_WIRED_H_
+
+#include "velk/export.h"
+
+struct _velk_request;
+struct ifreq;
+
+// ---- Link ------------------------------------------------------------------------------------
+
+// Says whether the wired port eth0 has a link: 1, or 0 when it has none or nothing could be found
+// out. It never fails.
+//
+// Runs "sudo /usr/sbin/ethtool eth0 > /var/tmp/get_result" and looks for ethtool(8)'s "Link
+// detected:" line. A run without that line is repeated after sleep(1), 60 times at most; after
+// that IsWiredLinkedFromSyslog() decides. An empty result is logged as "IsWiredLinked ifstream",
+// giving up as "(ETHTOOL_RETRY - 1) == i)".
+//
+// Blocking: one run of ethtool as a rule, up to a minute and 60 runs when it has no answer.
+VELK_API int IsWiredLinked();
+
+// The same answer from the kernel's last link message for eth0 in
+// /var/log/syslog/syslog_info.log.0 or, when that holds none, .1: lines with "eth0: link" that also
+// hold "link up" or "link down", found with grep(1). A file without any is logged as "Error ifs.".
+//
+// Blocking: two runs of grep at most.
+VELK_API int IsWiredLinkedFromSyslog();
+
+// ---- Commands on the ioctl table ---------------------------------------------------------------
+
+// Reads the property of request.command_id for request.interface into the data area `out` (512
+// bytes): the MAC address (101), the link speed (201), and for direct callers also the live address
+// (104), mask (105) and default gateway (106). The formats stand at the functions below.
+//
+// Returns what the property's function returns, 0 with nothing written for any other id,
+// LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_FAILURE, logged as "socket", when no
+// socket can be had. For "eth1" alone: LIB_VELK_NO_ADAPTER when IsWlanAttached() finds no adapter,
+// then LIB_VELK_WIRED_LINKED when IsWiredLinked() finds a link.
+//
+// Blocking: as the property's function; for "eth1" a minute more when the link cannot be told.
+VELK_API int GetIoctl(const _velk_request& request, char* out);
+
+// Changes the property of request.command_id for request.interface to the text in request.data:
+// the link speed (201), and for direct callers the live address (104), mask (105) and default
+// gateway (106). `out` is not used.
+//
+// Returns what the property's function returns, 0 for any other id, LIB_VELK_FAILURE, logged as
+// "socket", when no socket can be had. Blocking: as the property's function.
+VELK_API int SetIoctl(const _velk_request& request, char* out);
+
+// ---- The properties ----------------------------------------------------------------------------
+//
+// Common to all of them: `socket` is any IPv4 socket, `ifr` carries the interface's name and is
+// scratch space otherwise, `request` is the code for ioctl(2), see netdevice(7). A null `out` or
+// `value` gives LIB_VELK_INVALID_PARAMETER. A value that makes the command line longer than 255
+// bytes gives LIB_VELK_INVALID_PARAMETER with a log line, and nothing is run. Values go into the
+// command line as they stand. Commands are run by SystemCommand(): a tool that fails is not
+// noticed.
+
+// Writes the hardware address, 12 upper-case hexadecimal digits and a NUL (13 bytes), as
+// SIOCGIFHWADDR gives it. An interface without one leaves `out` as it was: 0, logged as "ioctl".
+VELK_API int GetMacAddress(int socket, ifreq& ifr, int request, char* out);
+
+// Writes one IPv4 address as dotted-quad text (16 bytes at most), as SIOCGIFADDR or SIOCGIFNETMASK
+// gives it. An interface without one gives 0 and an empty text, logged as "ioctl".
+VELK_API int GetNetAddress(int socket, ifreq& ifr, int request, char* out);
+VELK_API int GetIpAddress(int socket, ifreq& ifr, int request, char* out);
+VELK_API int GetSubNetMask(int socket, ifreq& ifr, int request, char* out);
+
+// Changes one IPv4 address through the given ioctl, such as SIOCSIFADDR. `value` is dotted-quad
+// text; anything else leaves the address that `ifr` holds. LIB_VELK_FAILURE, logged as "ioctl",
+// when the kernel refuses. No command of the library uses it.
+VELK_API int SetNetAddress(int socket, ifreq& ifr, int request, const char* value);
+
+// Runs "sudo ifconfig INTERFACE VALUE".
+VELK_API int SetIpAddress(int socket, ifreq& ifr, int request, const char* value);
+
+// Runs "sudo ifconfig INTERFACE netmask VALUE".
+VELK_API int SetSubNetMask(int socket, ifreq& ifr, int request, const char* value);
+
+// Writes the gateway of the interface's first default route in /proc/net/route, see proc(5), as
+// dotted-quad text (16 bytes at most). A route counts when its interface begins with the name, so
+// that of an alias does too. Without a default route `out` stays as it was, and the result is 0.
+// LIB_VELK_FAILURE, logged as "DelRoutingTable ifs", when the table cannot be read.
+VELK_API int GetDefGateway(int socket, ifreq& ifr, int request, char* out);
+
+// Replaces the default gateway: runs "sudo route del default gw OLD" with what GetDefGateway()
+// found (nothing behind "gw" when there was none), then "sudo route add default gw VALUE". A
+// routing table that cannot be read skips the deletion. When the shell for the deletion cannot be
+// run, nothing is added. Returns the result of the last command line.
+VELK_API int SetDefGateway(int socket, ifreq& ifr, int request, const char* value);
+
+// Writes one byte, enum velk_link_mode, from the output of "sudo ethtool INTERFACE >
+// /var/tmp/get_result". LIB_VELK_FAILURE when the shell cannot be run, when there is no output file
+// (logged as "ifstream"), and for a port that is forced to a speed other than 10 or 100 Mbit/s
+// (logged as "ecmd.autoneg=%d, ecmd.speed=%d"); `out` is then untouched.
+VELK_API int GetLinkSpeed(int socket, ifreq& ifr, int request, char* out);
+
+// Forces the mode in the first byte of `value`, enum velk_link_mode, with "sudo ethtool -s
+// INTERFACE OPTIONS". Any other byte gives LIB_VELK_INVALID_PARAMETER.
+VELK_API int SetLinkSpeed(int socket, ifreq& ifr, int request, const char* value);
+
+// ---- Read-back from ifconfig ------------------------------------------------------------------
+
+// Writes the value behind `key` in the block of request.interface in the output of "ifconfig >
+// /var/tmp/get_result" into the data area `out` (512 bytes): the rest of the line up to its first
+// blank, cut to 511 bytes and NUL. The output form is that of net-tools before 2.0 and of busybox,
+// "inet addr:192.168.0.10  Bcast:192.168.0.255  Mask:255.255.255.0". The last match counts, and the
+// block of an alias such as eth0:1 belongs to eth0. Without a match `out` stays as it was, and the
+// result is 0.
+//
+// LIB_VELK_INVALID_PARAMETER for a null `key` or `out`; LIB_VELK_FAILURE when the shell cannot be
+// run or there is no output file (logged as "ifstream"). Blocking: one run of ifconfig(8).
+VELK_API int GetNetAddress(const _velk_request& request, const char* key, char* out);
+
+// The live IPv4 address: GetNetAddress() with the key "inet addr:".
+VELK_API int GetIpAddress(const _velk_request& request, char* out);
+
+// The live mask: GetNetAddress() with the key "Mask:".
+VELK_API int GetSubNetMask(const _velk_request& request, char* out);
+
+#endif  // VELK_WIRED_H_

@@ -1,0 +1,62 @@
+// fake_shell.cpp - stands in for the shell.
+#include "support/fake_shell.h"
+
+#include <algorithm>
+
+#include <unistd.h>
+
+#include "support/device_test.h"
+
+namespace testkit {
+
+FakeShell::FakeShell() {
+    LibcRecorder::Get().ScriptAlways(Call::kSystem, Return(0));
+    LibcRecorder::Get().OnCall(Call::kSystem, [this](const Event& event) { Run(event.text); });
+}
+
+FakeShell::~FakeShell() {
+    LibcRecorder::Get().ScriptAlways(Call::kSystem, Pass());
+    LibcRecorder::Get().OnCall(Call::kSystem, nullptr);
+}
+
+void FakeShell::Prints(const std::string& tool, const std::vector<std::string>& outputs) {
+    tools_[tool] = {outputs};
+}
+
+void FakeShell::LeavesNoFile(const std::string& tool) {
+    tools_[tool].leaves_file = false;
+}
+
+void FakeShell::Run(const std::string& line) {
+    if (line.starts_with("rm ")) {
+        unlink(line.substr(3).c_str());
+        return;
+    }
+    const size_t arrow = line.find(" > ");
+    if (arrow != std::string::npos) {
+        Redirect(line.substr(0, arrow), line.substr(arrow + 3));
+    }
+}
+
+void FakeShell::Redirect(const std::string& command, const std::string& file) {
+    if (command.starts_with("cat ")) {
+        WriteFile(file, ReadFile(command.substr(4)));
+        return;
+    }
+    const auto found = std::find_if(tools_.begin(), tools_.end(), [&](const auto& entry) {
+        return command.starts_with(entry.first);
+    });
+    if (found == tools_.end()) {
+        WriteFile(file, "");
+        return;
+    }
+    Tool& tool = found->second;
+    if (!tool.leaves_file) {
+        unlink(file.c_str());
+        return;
+    }
+    WriteFile(file, tool.outputs[std::min(tool.runs, tool.outputs.size() - 1)]);
+    ++tool.runs;
+}
+
+}  // namespace testkit

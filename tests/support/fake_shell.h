@@ -1,0 +1,43 @@
+// fake_shell.h - stands in for the shell: prints what a test says, in no time and without tools.
+#ifndef TESTS_SUPPORT_FAKE_SHELL_H_
+#define TESTS_SUPPORT_FAKE_SHELL_H_
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/libc_recorder.h"
+
+namespace testkit {
+
+// While it lives, no shell line is run. "TOOL > FILE" writes the tool's output into FILE, "rm FILE"
+// removes it and "cat FILE > FILE" copies. A tool without output leaves an empty file, as the shell
+// does when a command cannot be found. Lines are recorded as ever.
+class FakeShell {
+  public:
+    FakeShell();
+    ~FakeShell();
+    FakeShell(const FakeShell&) = delete;
+    FakeShell& operator=(const FakeShell&) = delete;
+
+    // Each run of a line that begins with `tool` prints the next text; the last one stays.
+    void Prints(const std::string& tool, const std::vector<std::string>& outputs);
+    // A line that begins with `tool` leaves no file at all.
+    void LeavesNoFile(const std::string& tool);
+
+  private:
+    struct Tool {
+        std::vector<std::string> outputs;
+        size_t runs = 0;
+        bool leaves_file = true;
+    };
+
+    void Run(const std::string& line);
+    void Redirect(const std::string& command, const std::string& file);
+
+    std::map<std::string, Tool> tools_;
+};
+
+}  // namespace testkit
+
+#endif  // TESTS_SUPPORT_FAKE_SHELL_H_

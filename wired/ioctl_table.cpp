@@ -1,0 +1,101 @@
+// ioctl_table.cpp - the properties that the kernel holds, and the commands on them.
+#include "wired/ioctl_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string>
+#include <string_view>
+
+#include <linux/sockios.h>
+#include <sys/socket.h>
+
+#include "frame/data_area.h"
+#include "frame/log.h"
+#include "frame/unique_fd.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// The getters and setters share their names with functions that take other arguments; the rows'
+// types pick the right ones.
+constexpr std::array<IoctlEntry, 5> kRows{{
+    {VELK_CMD_MAC_ADDRESS, SIOCGIFHWADDR, GetMacAddress, 0, nullptr},
+    {VELK_CMD_LINK_SPEED, SIOCETHTOOL, GetLinkSpeed, SIOCETHTOOL, SetLinkSpeed},
+    {VELK_CMD_IP_ADDRESS, SIOCGIFADDR, GetIpAddress, SIOCSIFADDR, SetIpAddress},
+    {VELK_CMD_NETMASK, SIOCGIFNETMASK, GetSubNetMask, SIOCSIFNETMASK, SetSubNetMask},
+    {VELK_CMD_GATEWAY, 0, GetDefGateway, SIOCADDRT, SetDefGateway},
+}};
+
+// A socket to make ioctls on; logs when there is none.
+UniqueFd OpenSocket() {
+    UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (fd.get() == -1) {
+        LogErrno("socket errno=%d:%s", errno);
+    }
+    return fd;
+}
+
+ifreq InterfaceRequest(const _velk_request& request) {
+    ifreq ifr{};
+    PutFieldText(ifr.ifr_name, FieldText(request.interface));
+    return ifr;
+}
+
+// Why the wireless interface cannot be asked; 0 when it can. The wired port is asked only after
+// the adapter was found: asking it may take a minute.
+int WirelessRefusal() {
+    if (IsWlanAttached() == 0) {
+        return LIB_VELK_NO_ADAPTER;
+    }
+    return IsWiredLinked() == 0 ? LIB_VELK_SUCCESS : LIB_VELK_WIRED_LINKED;
+}
+
+}  // namespace
+
+constinit const std::span<const IoctlEntry> kIoctlTable = kRows;
+
+}  // namespace velk
+
+int GetIoctl(const _velk_request& request, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    if (velk::FieldText(request.interface) == VELK_WIRELESS_INTERFACE) {
+        if (const int refusal = velk::WirelessRefusal(); refusal != LIB_VELK_SUCCESS) {
+            return refusal;
+        }
+    }
+    const auto entry = std::find_if(
+        velk::kIoctlTable.begin(), velk::kIoctlTable.end(),
+        [&](const velk::IoctlEntry& row) { return row.command_id == request.command_id; });
+    if (entry == velk::kIoctlTable.end()) {
+        return LIB_VELK_SUCCESS;
+    }
+    const velk::UniqueFd socket = velk::OpenSocket();
+    if (socket.get() == -1) {
+        return LIB_VELK_FAILURE;
+    }
+    ifreq ifr = velk::InterfaceRequest(request);
+    return entry->get_handler(socket.get(), ifr, static_cast<int>(entry->get_request), out);
+}
+
+int SetIoctl(const _velk_request& request, char* /*out*/) {
+    const auto entry = std::find_if(
+        velk::kIoctlTable.begin(), velk::kIoctlTable.end(), [&](const velk::IoctlEntry& row) {
+            return row.command_id == request.command_id && row.set_handler != nullptr;
+        });
+    if (entry == velk::kIoctlTable.end()) {
+        return LIB_VELK_SUCCESS;
+    }
+    const velk::UniqueFd socket = velk::OpenSocket();
+    if (socket.get() == -1) {
+        return LIB_VELK_FAILURE;
+    }
+    ifreq ifr = velk::InterfaceRequest(request);
+    // The handlers read a text up to its NUL; a data area may lack one.
+    const std::string value(velk::FieldText(request.data));
+    return entry->set_handler(socket.get(), ifr, static_cast<int>(entry->set_request),
+                              value.c_str());
+}

@@ -1,0 +1,85 @@
+// link_detection.cpp - tells whether a cable is plugged into the wired port.
+#include <optional>
+#include <string_view>
+
+#include <unistd.h>
+
+#include "frame/command_output.h"
+#include "frame/log.h"
+#include "frame/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// ethtool(8) may have no answer while the driver starts, so it is asked once a second for a minute.
+constexpr int kEthtoolRetry = 60;
+
+constexpr char kSyslogPrefix[] = "/var/log/syslog/syslog_info.log.";
+
+// The link state as one run of ethtool shows it; nothing when it shows none.
+std::optional<int> LinkFromEthtool() {
+    CommandOutput output(
+        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile));
+    if (output.run_result() != LIB_VELK_SUCCESS) {
+        return std::nullopt;
+    }
+    if (!output.is_open() || output.is_empty()) {
+        Log("IsWiredLinked ifstream");
+        return std::nullopt;
+    }
+    std::optional<int> linked;
+    for (std::string_view line; !linked.has_value() && output.Next(line);) {
+        if (Contains(line, "Link detected: yes")) {
+            linked = 1;
+        } else if (Contains(line, "Link detected: no")) {
+            linked = 0;
+        }
+    }
+    output.Remove();
+    return linked;
+}
+
+// The last link message of the kernel in one rotated log file; nothing when it holds none.
+std::optional<int> LinkFromLogFile(int number) {
+    CommandOutput output(CommandLine("grep \"%s: link\" %s%d > %s", VELK_WIRED_INTERFACE,
+                                     kSyslogPrefix, number, kResultFile));
+    if (output.run_result() != LIB_VELK_SUCCESS) {
+        return std::nullopt;
+    }
+    if (!output.is_open() || output.is_empty()) {
+        Log("Error ifs.");
+        return std::nullopt;
+    }
+    std::optional<int> linked;
+    for (std::string_view line; output.Next(line);) {
+        if (Contains(line, "link up")) {
+            linked = 1;
+        } else if (Contains(line, "link down")) {
+            linked = 0;
+        }
+    }
+    output.Remove();
+    return linked;
+}
+
+}  // namespace
+}  // namespace velk
+
+int IsWiredLinked() {
+    for (int attempt = 0; attempt < velk::kEthtoolRetry; ++attempt) {
+        if (const std::optional<int> linked = velk::LinkFromEthtool(); linked.has_value()) {
+            return *linked;
+        }
+        sleep(1);
+    }
+    velk::Log("(ETHTOOL_RETRY - 1) == i)");
+    return IsWiredLinkedFromSyslog();
+}
+
+int IsWiredLinkedFromSyslog() {
+    if (const std::optional<int> linked = velk::LinkFromLogFile(0); linked.has_value()) {
+        return *linked;
+    }
+    return velk::LinkFromLogFile(1).value_or(0);
+}
