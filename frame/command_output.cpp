@@ -1,6 +1,7 @@
 // command_output.cpp - runs a shell line and reads what it wrote into the result file.
 #include "frame/command_output.h"
 
+#include <cerrno>
 #include <ctime>
 
 #include <fcntl.h>
@@ -19,13 +20,14 @@ constexpr mode_t kResultLockMode = 0666;  // readers of every user take the lock
 constexpr int kLockTries = 300;
 constexpr timespec kLockPause{0, 10 * 1000 * 1000};
 
-// Without O_CREAT first, for the reason given at the set/restart lock.
+// Without following links and without O_CREAT first, for the reasons given at the set/restart lock.
 UniqueFd OpenLockFile() {
-    UniqueFd existing(open(kResultLockFile, O_RDWR | O_CLOEXEC));
+    UniqueFd existing(open(kResultLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (existing.get() != -1) {
         return existing;
     }
-    UniqueFd created(open(kResultLockFile, O_RDWR | O_CREAT | O_CLOEXEC, kResultLockMode));
+    UniqueFd created(
+        open(kResultLockFile, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kResultLockMode));
     if (created.get() != -1) {
         (void)fchmod(created.get(), kResultLockMode);
     }
@@ -38,7 +40,10 @@ ResultFileLock::ResultFileLock() : fd_(OpenLockFile()) {
     if (fd_.get() == -1) {
         return;
     }
-    for (int i = 0; i < kLockTries && flock(fd_.get(), LOCK_EX | LOCK_NB) == -1; ++i) {
+    for (int i = 0; i < kLockTries; ++i) {
+        if (flock(fd_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
+            return;
+        }
         (void)nanosleep(&kLockPause, nullptr);
     }
 }

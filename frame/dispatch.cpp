@@ -3,7 +3,7 @@
 #include <cstring>
 #include <exception>
 
-#include <cxxabi.h>
+#include <pthread.h>
 
 #include "frame/data_area.h"
 #include "frame/dispatch_tables.h"
@@ -13,6 +13,19 @@
 
 namespace velk {
 namespace {
+
+// Puts off pthread_cancel(3) to the end of the call: a thread that ended in the middle would leave
+// a file half written, and unwinding through a destructor would end the whole program.
+class UncancellableScope {
+  public:
+    UncancellableScope() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state_); }
+    ~UncancellableScope() { pthread_setcancelstate(state_, nullptr); }
+    UncancellableScope(const UncancellableScope&) = delete;
+    UncancellableScope& operator=(const UncancellableScope&) = delete;
+
+  private:
+    int state_ = PTHREAD_CANCEL_ENABLE;
+};
 
 void StartResponse(const _velk_request& request, _velk_request& response) {
     memset(&response, 0, sizeof(response));
@@ -77,10 +90,9 @@ int execute_velk_command(const _velk_request* request, _velk_request* response) 
         return LIB_VELK_INVALID_PARAMETER;
     }
     velk::StartResponse(*request, *response);
+    const velk::UncancellableScope uncancellable;
     try {
         return velk::Run(*request, response->data);
-    } catch (const abi::__forced_unwind&) {
-        throw;  // not an error: the calling thread is being cancelled and must unwind to its end
     } catch (const std::exception& error) {
         velk::Log("execute_velk_command exception %s", error.what());
     } catch (...) {

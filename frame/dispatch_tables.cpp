@@ -9,19 +9,54 @@ namespace {
 constexpr uint8_t kYes = 1;
 constexpr uint8_t kNo = 0;
 
-constexpr std::array<CommandEntry, 3> kGetRows{{
+constexpr std::array<CommandEntry, 22> kGetRows{{
     // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_MAC_ADDRESS, kNo, kYes, kYes, 0, GetIoctl},
     {VELK_CMD_LINK_SPEED, kNo, kYes, kNo, 0, GetIoctl},
     {VELK_CMD_DNS, kNo, kYes, kYes, 0, GetDns},
+    {VELK_CMD_HARDWARE_VERSION, kNo, kNo, kYes, 0, GetWlanState},
+    {VELK_CMD_SOFTWARE_VERSION, kNo, kNo, kYes, 0, GetWlanState},
+    {VELK_CMD_STANDARD, kNo, kNo, kYes, 0, GetWlanState},
+    {VELK_CMD_STANDARDS_ENABLED, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_SERVICE_SET, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_SSID, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_CHANNEL, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_REGION, kNo, kNo, kYes, 0, GetWlanState},
+    {VELK_CMD_ENCRYPTION, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_AUTHENTICATION, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_WEP_KEY_1, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_WEP_KEY_2, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_WEP_KEY_3, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_WEP_KEY_4, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_WEP_DEFAULT_KEY, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_PSK, kNo, kNo, kYes, 0, GetWlanConf},
+    {VELK_CMD_RATE, kNo, kNo, kYes, 0, GetWlanState},
+    {VELK_CMD_ACCESS_POINT, kNo, kNo, kYes, 0, GetWlanState},
+    {VELK_CMD_SIGNAL, kNo, kNo, kYes, 0, GetWlanState},
 }};
 
-constexpr std::array<CommandEntry, 2> kSetRows{{
+constexpr std::array<CommandEntry, 14> kSetRows{{
+    // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_LINK_SPEED, kNo, kYes, kNo, 0, SetIoctl},
     {VELK_CMD_DNS, kNo, kYes, kYes, 0, SetDns},
+    {VELK_CMD_STANDARDS_ENABLED, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_SERVICE_SET, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_SSID, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_CHANNEL, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_ENCRYPTION, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_AUTHENTICATION, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_WEP_KEY_1, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_WEP_KEY_2, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_WEP_KEY_3, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_WEP_KEY_4, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_WEP_DEFAULT_KEY, kNo, kNo, kYes, 0, SetWlanConf},
+    {VELK_CMD_PSK, kNo, kNo, kYes, 0, SetWlanConf},
 }};
 
-constexpr std::array<CommandEntry, 0> kRestartRows{};
+constexpr std::array<CommandEntry, 1> kRestartRows{{
+    // id, no interface, eth0, eth1, spare, handler
+    {VELK_CMD_RESTART, kNo, kYes, kYes, 0, Restart},
+}};
 
 }  // namespace
 

@@ -18,12 +18,13 @@ ssize_t ReadSome(int fd, char* buffer, size_t size) {
 bool WriteAll(int fd, std::string_view text) {
     while (!text.empty()) {
         const ssize_t count = write(fd, text.data(), text.size());
-        if (count == -1 && errno != EINTR) {
+        if (count == -1 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
             return false;
         }
-        if (count > 0) {
-            text.remove_prefix(static_cast<size_t>(count));
-        }
+        text.remove_prefix(static_cast<size_t>(count));
     }
     return true;
 }

@@ -17,7 +17,7 @@ constexpr mode_t kLockMode = 0666;  // processes of every user take the lock
 
 // Creates the lock file, its mode untouched by the umask. Not positive on failure.
 UniqueFd CreateLockFile() {
-    UniqueFd fd(open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, kLockMode));
+    UniqueFd fd(open(kLockFile, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kLockMode));
     if (fd.get() <= 0) {
         LogErrno("VkLibLock open2 errno=%d:%s", errno);
         return fd;
@@ -28,11 +28,13 @@ UniqueFd CreateLockFile() {
     return fd;
 }
 
+// Never through a link: anybody may plant one in this folder, to anywhere.
+//
 // Opens without O_CREAT first: with fs.protected_regular the kernel refuses O_CREAT on a file that
 // another user made in a sticky directory. Descriptor 0 counts as a failure; it is held until the
 // second open is done, so that the second one gets another number.
 UniqueFd OpenLockFile() {
-    UniqueFd existing(open(kLockFile, O_RDWR | O_CLOEXEC));
+    UniqueFd existing(open(kLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (existing.get() > 0) {
         Log("VkLibLock indelible");
         return existing;

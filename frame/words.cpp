@@ -6,7 +6,7 @@
 namespace velk {
 namespace {
 
-// isspace(3) in the C locale; a host program's setlocale(3) must not change how files are read.
+// isspace(3) in the C locale, whatever locale the host program has set.
 constexpr std::string_view kSpace = " \t\n\v\f\r";
 constexpr std::string_view kWordEnd(" \t\n\v\f\r\0", 7);
 

@@ -34,12 +34,32 @@ enum velk_command_type {
 
 /* Values of _velk_request.command_id. */
 enum velk_command_id {
-    VELK_CMD_MAC_ADDRESS = 101, /* MAC address: get, eth0 and eth1; see GetMacAddress() */
-    VELK_CMD_IP_ADDRESS = 104,  /* no command yet; GetIoctl() and SetIoctl() know it */
-    VELK_CMD_NETMASK = 105,     /* no command yet; GetIoctl() and SetIoctl() know it */
-    VELK_CMD_GATEWAY = 106,     /* no command yet; GetIoctl() and SetIoctl() know it */
-    VELK_CMD_DNS = 108,         /* DNS servers: get and set, eth0 and eth1; see GetDns() */
-    VELK_CMD_LINK_SPEED = 201   /* link speed: get and set, eth0; see GetLinkSpeed() */
+    VELK_CMD_RESTART = 1,            /* restart, eth0 and eth1; see Restart() */
+    VELK_CMD_HARDWARE_VERSION = 4,   /* wireless adapter: get, eth1; see GetHardwareVersion() */
+    VELK_CMD_SOFTWARE_VERSION = 5,   /* wireless daemon: get, eth1; see GetSoftwareVersion() */
+    VELK_CMD_MAC_ADDRESS = 101,      /* MAC address: get, eth0 and eth1; see GetMacAddress() */
+    VELK_CMD_IP_ADDRESS = 104,       /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_NETMASK = 105,          /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_GATEWAY = 106,          /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_DNS = 108,              /* DNS servers: get and set, eth0 and eth1; see GetDns() */
+    VELK_CMD_LINK_SPEED = 201,       /* link speed: get and set, eth0; see GetLinkSpeed() */
+    VELK_CMD_STANDARD = 301,         /* 802.11 standard in use: get, eth1; see GetDot11Phy() */
+    VELK_CMD_SERVICE_SET = 302,      /* get and set, eth1; see GetServiceSet() */
+    VELK_CMD_SSID = 303,             /* get and set, eth1; see GetSsid() */
+    VELK_CMD_CHANNEL = 304,          /* get and set, eth1; see GetChannel() */
+    VELK_CMD_REGION = 305,           /* get, eth1; see GetRegion() */
+    VELK_CMD_ENCRYPTION = 306,       /* get and set, eth1; see GetEncryption() */
+    VELK_CMD_AUTHENTICATION = 307,   /* get and set, eth1; see GetAuth() */
+    VELK_CMD_WEP_KEY_1 = 308,        /* get and set, eth1; see GetWepKey() */
+    VELK_CMD_WEP_KEY_2 = 309,        /* get and set, eth1 */
+    VELK_CMD_WEP_KEY_3 = 310,        /* get and set, eth1 */
+    VELK_CMD_WEP_KEY_4 = 311,        /* get and set, eth1 */
+    VELK_CMD_WEP_DEFAULT_KEY = 312,  /* get and set, eth1; see GetWepDefault() */
+    VELK_CMD_PSK = 314,              /* pre-shared key: get and set, eth1; see GetPsk() */
+    VELK_CMD_RATE = 315,             /* transmission rate: get, eth1; see GetRate() */
+    VELK_CMD_ACCESS_POINT = 316,     /* its MAC address: get, eth1; see GetAccessPoint() */
+    VELK_CMD_SIGNAL = 317,           /* signal strength: get, eth1; see GetSignal() */
+    VELK_CMD_STANDARDS_ENABLED = 318 /* 802.11: get and set, eth1; see GetDot11PhyConf() */
 };
 
 /* The link speed, in the first data byte of VELK_CMD_LINK_SPEED. */
@@ -119,8 +139,10 @@ extern "C" {
  *
  * Blocking: taking the lock never waits. Otherwise as long as the command says.
  *
- * May be called from several processes and threads at once: gets run side by side, sets and
- * restarts exclude each other, the later one failing at once with LIB_VELK_LOCKED.
+ * May be called from several processes and threads at once: sets and restarts exclude each other,
+ * the later one failing at once with LIB_VELK_LOCKED; gets take no such lock, and those that read a
+ * tool's output wait for each other, see velk/wired.h. A thread that is cancelled meanwhile,
+ * pthread_cancel(3), ends when the call has returned.
  */
 VELK_API int execute_velk_command(const _velk_request* request, _velk_request* response);
 

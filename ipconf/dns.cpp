@@ -1,4 +1,5 @@
 // dns.cpp - the DNS servers in the DNS forwarder's configuration.
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string>
@@ -30,10 +31,24 @@ std::string_view SlotText(const char* slot) {
     return {slot, filled ? kSlotSize : strlen(slot)};
 }
 
-// Copies the address without a terminator. One longer than its slot runs on into the next.
+// Copies the address without a terminator. One longer than its slot runs on into the next; a
+// missing one leaves the slot empty, whatever ran on into it.
 void PutSlot(SlotArea& slots, size_t index, std::string_view address) {
     const size_t offset = index * kSlotSize;
+    if (address.empty()) {
+        std::fill_n(&slots[offset], kSlotSize, '\0');
+        return;
+    }
     address.copy(&slots[offset], slots.size() - offset);
+}
+
+// The file's new text, up to the first empty slot.
+std::string ServerLines(const char* slots) {
+    std::string text;
+    for (size_t i = 0; i < kSlots && slots[i * kSlotSize] != '\0'; ++i) {
+        text.append(kKeyword).append(" ").append(SlotText(&slots[i * kSlotSize])).append("\n");
+    }
+    return text;
 }
 
 }  // namespace
@@ -62,15 +77,11 @@ int GetDns(const _velk_request& /*request*/, char* out) {
 }
 
 int SetDns(const _velk_request& request, char* /*out*/) {
+    const std::string text = velk::ServerLines(request.data);
     velk::UniqueFd file(
         open(velk::kResolverFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, velk::kNewFileMode));
     if (file.get() == -1) {
         return LIB_VELK_FAILURE;
-    }
-    std::string text;
-    for (size_t i = 0; i < velk::kSlots && request.data[i * velk::kSlotSize] != '\0'; ++i) {
-        text.append(velk::kKeyword).append(" ");
-        text.append(velk::SlotText(&request.data[i * velk::kSlotSize])).append("\n");
     }
     const bool written = velk::WriteAll(file.get(), text);
     const bool closed = file.Reset() == 0;

@@ -1,7 +1,7 @@
 // address.cpp - hardware address, IPv4 address and mask of an interface, by ioctl(2) or
 // ifconfig(8).
 #include <cerrno>
-#include <cstdio>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -12,13 +12,12 @@
 
 #include "frame/data_area.h"
 #include "frame/log.h"
+#include "frame/mac_text.h"
 #include "frame/shell.h"
 #include "velk.h"
 
 namespace velk {
 namespace {
-
-constexpr size_t kMacTextSize = sizeof("0123456789AB");
 
 // False, after logging it, when the kernel refuses.
 bool AskKernel(int socket, ifreq& ifr, int request) {
@@ -46,10 +45,9 @@ int GetMacAddress(int socket, ifreq& ifr, int request, char* out) {
     if (!velk::AskKernel(socket, ifr, request)) {
         return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
     }
-    unsigned char mac[6];
+    uint8_t mac[6];
     memcpy(mac, ifr.ifr_hwaddr.sa_data, sizeof(mac));
-    snprintf(out, velk::kMacTextSize, "%02X%02X%02X%02X%02X%02X", mac[0], mac[1], mac[2], mac[3],
-             mac[4], mac[5]);
+    velk::PutMac(out, mac);
     return LIB_VELK_SUCCESS;
 }
 

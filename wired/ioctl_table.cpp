@@ -13,6 +13,7 @@
 #include "frame/data_area.h"
 #include "frame/log.h"
 #include "frame/unique_fd.h"
+#include "frame/wireless.h"
 #include "velk.h"
 
 namespace velk {
@@ -41,15 +42,6 @@ ifreq InterfaceRequest(const _velk_request& request) {
     ifreq ifr{};
     PutFieldText(ifr.ifr_name, FieldText(request.interface));
     return ifr;
-}
-
-// Why the wireless interface cannot be asked; 0 when it can. The wired port is asked only after
-// the adapter was found: asking it may take a minute.
-int WirelessRefusal() {
-    if (IsWlanAttached() == 0) {
-        return LIB_VELK_NO_ADAPTER;
-    }
-    return IsWiredLinked() == 0 ? LIB_VELK_SUCCESS : LIB_VELK_WIRED_LINKED;
 }
 
 }  // namespace

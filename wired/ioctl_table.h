@@ -11,7 +11,7 @@ namespace velk {
 
 // Writes the property into the response's data area.
 using IoctlGetHandler = int (*)(int socket, ifreq& ifr, int request, char* out);
-// Changes the property to the request's parameter text.
+// Changes the property to the request's parameter, a byte or a NUL-terminated text.
 using IoctlSetHandler = int (*)(int socket, ifreq& ifr, int request, const char* value);
 
 struct IoctlEntry {

@@ -1,5 +1,6 @@
 // adapter.cpp - detects a supported wireless adapter among the attached USB devices.
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -21,7 +22,8 @@ constexpr size_t kKeyLength = 4;  // of "VID=" and "PID="
 // The hexadecimal number behind a key at the start of the line.
 unsigned NumberBehindKey(std::string_view line) {
     const std::string text(line.substr(kKeyLength));
-    return static_cast<unsigned>(strtoul(text.c_str(), nullptr, 16));
+    const unsigned long number = strtoul(text.c_str(), nullptr, 16);
+    return static_cast<unsigned>(std::min<unsigned long>(number, UINT_MAX));
 }
 
 // The ids as the kernel lists them.

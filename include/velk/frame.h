@@ -1,10 +1,15 @@
-// frame.h - the inter-process lock and the shell helpers that every command stands on.
+// frame.h - the lock, the shell helpers that every command stands on, and interface restart.
 #ifndef VELK_FRAME_H_
 #define VELK_FRAME_H_
 
 #include <string>
 
 #include "velk/export.h"
+
+struct _velk_request;
+
+// Called directly, the functions of these headers may throw std::bad_alloc when memory runs out;
+// through execute_velk_command() nothing is thrown. Their threads must not be cancelled meanwhile.
 
 // Takes the lock that keeps the set and restart commands of different processes apart: an
 // exclusive flock(2) on /var/tmp/vklib_lock. execute_velk_command() does this by itself; call it
@@ -17,17 +22,21 @@
 // Side effects: creates the lock file with mode 0666, whatever the umask, when it is missing; it
 // is never removed. Logs "VkLibLock indelible" whenever the file is already there, and
 // "VkLibLock open2", "VkLibLock fchmod" or "VkLibLock flock" with errno when that call fails.
+// A lock file that is a symbolic link is refused.
 //
-// Blocking: never waits for the lock.
+// While a program holds it, its own set and restart requests get LIB_VELK_LOCKED too: the lock
+// belongs to the open file, see flock(2). Blocking: never waits for the lock.
 VELK_API int VkLibLock();
 
 // Gives the lock back and closes the descriptor that VkLibLock() returned. Does nothing for -1.
-// A failing unlock is logged as "flock" with errno; the descriptor is closed all the same.
+// A failing unlock is logged as "flock" with errno; the descriptor is closed all the same. Never
+// blocks.
 VELK_API void VkLibUnLock(int fd);
 
-// Runs one line with system(3). Returns LIB_VELK_SUCCESS when a shell was run, whatever the exit
-// status of the command in it: callers learn of a failed command only by what they read back.
-// Returns LIB_VELK_FAILURE, after logging "system" with errno, when system(3) itself failed.
+// Runs one line, a NUL-terminated text, with system(3). Returns LIB_VELK_SUCCESS when a shell was
+// run, whatever the exit status of the command in it: callers learn of a failed command only by
+// what they read back. Returns LIB_VELK_FAILURE, after logging "system" with errno, when system(3)
+// itself failed.
 //
 // Blocking: until the command has ended.
 VELK_API int SystemCommand(const char* command);
@@ -46,5 +55,27 @@ VELK_API int FileCopyAndDelete(const std::string& source, const std::string& tar
 // Says whether a text holds nothing but the digits '0' to '9': 1 or 0. A null pointer and the
 // empty text give 1. No sign, blank or decimal point is accepted. Never blocks, touches nothing.
 VELK_API unsigned isStrNum(const char* text);
+
+// Restarts the interface of the request (command 1): RestartWired() for "eth0", RestartWireless()
+// for any other name. `out` is not used by any of the three. Failing ifdown(8) and ifup(8) runs are
+// not noticed, as SystemCommand() does not notice them.
+VELK_API int Restart(const _velk_request& request, char* out);
+
+// Runs "sudo ifdown NAME", sleep(1) and "sudo ifup NAME". With a wireless adapter attached it then
+// sleeps 5 seconds, and when the wired port has a link, restarts "eth1" with ifdown and ifup after
+// a sleep of 30 seconds, twice. Returns the result of the first ifup's command line.
+//
+// Blocking: the commands and 1 second; with an adapter 6 seconds, with adapter and cable 66, and
+// asking for the link as IsWiredLinked() does.
+VELK_API int RestartWired(const _velk_request& request, char* out);
+
+// The first parameter byte 2 only tells the wireless daemon, while the wired port has no link. Any
+// other byte runs "sudo ifdown NAME" and sleep(1); then, with a wired link, "sudo ifconfig NAME
+// up", and without one "sudo ifup NAME &" in the background before the daemon is told.
+//
+// Returns LIB_VELK_NO_ADAPTER, with nothing done, without a supported adapter; otherwise the result
+// of the last step: of the command line, or of SendWlanRequestMessage().
+// Blocking: the commands, 1 second, and asking for the link as IsWiredLinked() does.
+VELK_API int RestartWireless(const _velk_request& request, char* out);
 
 #endif  // VELK_FRAME_H_

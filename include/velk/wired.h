@@ -7,6 +7,11 @@
 struct _velk_request;
 struct ifreq;
 
+// Functions below that run a tool and read its output let it write into /var/tmp/get_result, which
+// is removed with rm(1) after reading; it stays behind when there was nothing to read. They take
+// turns through an advisory lock on /var/tmp/get_result_lock (created with mode 0666): each run of
+// a tool may wait for others, 3 seconds at most, and then goes on without it.
+
 // ---- Link ------------------------------------------------------------------------------------
 
 // Says whether the wired port eth0 has a link: 1, or 0 when it has none or nothing could be found
@@ -17,14 +22,15 @@ struct ifreq;
 // that IsWiredLinkedFromSyslog() decides. An empty result is logged as "IsWiredLinked ifstream",
 // giving up as "(ETHTOOL_RETRY - 1) == i)".
 //
-// Blocking: one run of ethtool as a rule, up to a minute and 60 runs when it has no answer.
+// Blocking: one run of ethtool as a rule; when it has no answer, a minute of sleep and 62 runs of
+// tools, each with its turn to wait for.
 VELK_API int IsWiredLinked();
 
 // The same answer from the kernel's last link message for eth0 in
 // /var/log/syslog/syslog_info.log.0 or, when that holds none, .1: lines with "eth0: link" that also
 // hold "link up" or "link down", found with grep(1). A file without any is logged as "Error ifs.".
 //
-// Blocking: two runs of grep at most.
+// Blocking: two runs of grep at most, each with its turn to wait for.
 VELK_API int IsWiredLinkedFromSyslog();
 
 // ---- Commands on the ioctl table ---------------------------------------------------------------
@@ -38,12 +44,13 @@ VELK_API int IsWiredLinkedFromSyslog();
 // socket can be had. For "eth1" alone: LIB_VELK_NO_ADAPTER when IsWlanAttached() finds no adapter,
 // then LIB_VELK_WIRED_LINKED when IsWiredLinked() finds a link.
 //
-// Blocking: as the property's function; for "eth1" a minute more when the link cannot be told.
+// Blocking: as the property's function; for "eth1" IsWiredLinked() comes before it.
 VELK_API int GetIoctl(const _velk_request& request, char* out);
 
-// Changes the property of request.command_id for request.interface to the text in request.data:
-// the link speed (201), and for direct callers the live address (104), mask (105) and default
-// gateway (106). `out` is not used.
+// Changes the property of request.command_id for request.interface to what request.data holds: one
+// byte for the link speed (201), and for direct callers a dotted-quad text, ended by its NUL or by
+// the end of the data, for the live address (104), mask (105) and default gateway (106). `out` is
+// not used. An interface name is cut to 15 bytes.
 //
 // Returns what the property's function returns, 0 for any other id, LIB_VELK_FAILURE, logged as
 // "socket", when no socket can be had. Blocking: as the property's function.
@@ -52,11 +59,12 @@ VELK_API int SetIoctl(const _velk_request& request, char* out);
 // ---- The properties ----------------------------------------------------------------------------
 //
 // Common to all of them: `socket` is any IPv4 socket, `ifr` carries the interface's name and is
-// scratch space otherwise, `request` is the code for ioctl(2), see netdevice(7). A null `out` or
-// `value` gives LIB_VELK_INVALID_PARAMETER. A value that makes the command line longer than 255
-// bytes gives LIB_VELK_INVALID_PARAMETER with a log line, and nothing is run. Values go into the
-// command line as they stand. Commands are run by SystemCommand(): a tool that fails is not
-// noticed.
+// scratch space otherwise, `request` is the code for ioctl(2), see netdevice(7). Each returns
+// LIB_VELK_SUCCESS when it has done what it says, and LIB_VELK_INVALID_PARAMETER for a null `out`
+// or `value`. Values are NUL-terminated and go into the command line as they stand; one that makes
+// it longer than 255 bytes gives LIB_VELK_INVALID_PARAMETER with a log line, and nothing is run.
+// Commands are run by SystemCommand(): LIB_VELK_FAILURE when the shell cannot be run, while a tool
+// that fails is not noticed. Blocking: a system call, or the tools that are named.
 
 // Writes the hardware address, 12 upper-case hexadecimal digits and a NUL (13 bytes), as
 // SIOCGIFHWADDR gives it. An interface without one leaves `out` as it was: 0, logged as "ioctl".
@@ -73,10 +81,10 @@ VELK_API int GetSubNetMask(int socket, ifreq& ifr, int request, char* out);
 // when the kernel refuses. No command of the library uses it.
 VELK_API int SetNetAddress(int socket, ifreq& ifr, int request, const char* value);
 
-// Runs "sudo ifconfig INTERFACE VALUE".
+// Changes the address: runs "sudo ifconfig INTERFACE VALUE", see ifconfig(8).
 VELK_API int SetIpAddress(int socket, ifreq& ifr, int request, const char* value);
 
-// Runs "sudo ifconfig INTERFACE netmask VALUE".
+// Changes the mask: runs "sudo ifconfig INTERFACE netmask VALUE", see ifconfig(8).
 VELK_API int SetSubNetMask(int socket, ifreq& ifr, int request, const char* value);
 
 // Writes the gateway of the interface's first default route in /proc/net/route, see proc(5), as
@@ -86,15 +94,16 @@ VELK_API int SetSubNetMask(int socket, ifreq& ifr, int request, const char* valu
 VELK_API int GetDefGateway(int socket, ifreq& ifr, int request, char* out);
 
 // Replaces the default gateway: runs "sudo route del default gw OLD" with what GetDefGateway()
-// found (nothing behind "gw" when there was none), then "sudo route add default gw VALUE". A
-// routing table that cannot be read skips the deletion. When the shell for the deletion cannot be
-// run, nothing is added. Returns the result of the last command line.
+// found (nothing behind "gw" when there was none), then "sudo route add default gw VALUE", see
+// route(8). A routing table that cannot be read skips the deletion. When the shell for the deletion
+// cannot be run, nothing is added. Returns the result of the last command line.
 VELK_API int SetDefGateway(int socket, ifreq& ifr, int request, const char* value);
 
 // Writes one byte, enum velk_link_mode, from the output of "sudo ethtool INTERFACE >
 // /var/tmp/get_result". LIB_VELK_FAILURE when the shell cannot be run, when there is no output file
-// (logged as "ifstream"), and for a port that is forced to a speed other than 10 or 100 Mbit/s
-// (logged as "ecmd.autoneg=%d, ecmd.speed=%d"); `out` is then untouched.
+// (logged as "ifstream"), and when ethtool(8) shows neither negotiation nor a speed of 10 or 100
+// Mbit/s, as for a port forced to 1000 and when ethtool itself failed (logged as "ecmd.autoneg=%d,
+// ecmd.speed=%d"); `out` is then untouched.
 VELK_API int GetLinkSpeed(int socket, ifreq& ifr, int request, char* out);
 
 // Forces the mode in the first byte of `value`, enum velk_link_mode, with "sudo ethtool -s
@@ -111,13 +120,15 @@ VELK_API int SetLinkSpeed(int socket, ifreq& ifr, int request, const char* value
 // result is 0.
 //
 // LIB_VELK_INVALID_PARAMETER for a null `key` or `out`; LIB_VELK_FAILURE when the shell cannot be
-// run or there is no output file (logged as "ifstream"). Blocking: one run of ifconfig(8).
+// run or there is no output file (logged as "ifstream"). Blocking: one run of ifconfig(8), with its
+// turn to wait for.
 VELK_API int GetNetAddress(const _velk_request& request, const char* key, char* out);
 
-// The live IPv4 address: GetNetAddress() with the key "inet addr:".
+// The live IPv4 address, dotted-quad text: GetNetAddress() with the key "inet addr:", and its
+// results.
 VELK_API int GetIpAddress(const _velk_request& request, char* out);
 
-// The live mask: GetNetAddress() with the key "Mask:".
+// The live mask, dotted-quad text: GetNetAddress() with the key "Mask:", and its results.
 VELK_API int GetSubNetMask(const _velk_request& request, char* out);
 
 #endif  // VELK_WIRED_H_

@@ -12,10 +12,13 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <semaphore.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -69,6 +72,20 @@ ssize_t Read(const char* spelling, int fd, void* buffer, size_t size) {
         static auto* real = Real<ssize_t (*)(int, void*, size_t)>("read");
         return real(fd, buffer, size);
     });
+}
+
+ssize_t Recvfrom(const char* spelling, int fd, void* buffer, size_t size, int flags,
+                 sockaddr* address, socklen_t* length) {
+    return Answer({Call::kRecvfrom, std::to_string(size), spelling, flags}, [&] {
+        static auto* real =
+            Real<ssize_t (*)(int, void*, size_t, int, sockaddr*, socklen_t*)>("recvfrom");
+        return real(fd, buffer, size, flags, address, length);
+    });
+}
+
+const char* PathOf(const sockaddr* address) {
+    return address->sa_family == AF_UNIX ? reinterpret_cast<const sockaddr_un*>(address)->sun_path
+                                         : "";
 }
 
 // The mode argument is there only when the flags say so.
@@ -157,6 +174,92 @@ int ioctl(int fd, unsigned long request, ...) noexcept {
     return Answer({Call::kIoctl, std::to_string(fd), "ioctl", static_cast<int>(request)}, [&] {
         static auto* real = Real<int (*)(int, unsigned long, ...)>("ioctl");
         return real(fd, request, argument);
+    });
+}
+
+int connect(int fd, const sockaddr* address, socklen_t length) {
+    return Answer({Call::kConnect, PathOf(address), "connect", static_cast<int>(length)}, [&] {
+        static auto* real = Real<int (*)(int, const sockaddr*, socklen_t)>("connect");
+        return real(fd, address, length);
+    });
+}
+
+int bind(int fd, const sockaddr* address, socklen_t length) noexcept {
+    return Answer({Call::kBind, PathOf(address), "bind", static_cast<int>(length)}, [&] {
+        static auto* real = Real<int (*)(int, const sockaddr*, socklen_t)>("bind");
+        return real(fd, address, length);
+    });
+}
+
+ssize_t sendto(int fd, const void* data, size_t size, int flags, const sockaddr* address,
+               socklen_t length) {
+    const std::string_view text(static_cast<const char*>(data), size);
+    return Answer({Call::kSendto, text, "sendto", flags}, [&] {
+        static auto* real =
+            Real<ssize_t (*)(int, const void*, size_t, int, const sockaddr*, socklen_t)>("sendto");
+        return real(fd, data, size, flags, address, length);
+    });
+}
+
+ssize_t recvfrom(int fd, void* buffer, size_t size, int flags, sockaddr* address,
+                 socklen_t* length) {
+    return Recvfrom("recvfrom", fd, buffer, size, flags, address, length);
+}
+
+ssize_t __recvfrom_chk(int fd, void* buffer, size_t size, size_t /*room*/, int flags,
+                       sockaddr* address, socklen_t* length) {
+    return Recvfrom("__recvfrom_chk", fd, buffer, size, flags, address, length);
+}
+
+int select(int count, fd_set* reading, fd_set* writing, fd_set* failing, timeval* time_left) {
+    const std::string seconds = time_left == nullptr ? "" : std::to_string(time_left->tv_sec);
+    return Answer({Call::kSelect, seconds, "select", count}, [&] {
+        static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, timeval*)>("select");
+        return real(count, reading, writing, failing, time_left);
+    });
+}
+
+int unlink(const char* path) noexcept {
+    return Answer({Call::kUnlink, path, "unlink"}, [&] {
+        static auto* real = Real<int (*)(const char*)>("unlink");
+        return real(path);
+    });
+}
+
+sem_t* sem_open(const char* name, int flags, ...) noexcept {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = va_arg(arguments, mode_t);
+    const unsigned value = va_arg(arguments, unsigned);
+    va_end(arguments);
+    const std::string text =
+        std::string(name) + " " + std::to_string(mode) + " " + std::to_string(value);
+    const long answer = Answer({Call::kSemOpen, text, "sem_open", flags}, [&] {
+        static auto* real = Real<sem_t* (*)(const char*, int, ...)>("sem_open");
+        return reinterpret_cast<long>(real(name, flags, mode, value));
+    });
+    // SEM_FAILED is a null pointer; a scripted failure is -1.
+    return answer == -1 ? SEM_FAILED : reinterpret_cast<sem_t*>(answer);
+}
+
+int sem_post(sem_t* sem) noexcept {
+    return Answer({Call::kSemPost, "", "sem_post"}, [&] {
+        static auto* real = Real<int (*)(sem_t*)>("sem_post");
+        return real(sem);
+    });
+}
+
+int sem_close(sem_t* sem) noexcept {
+    return Answer({Call::kSemClose, "", "sem_close"}, [&] {
+        static auto* real = Real<int (*)(sem_t*)>("sem_close");
+        return real(sem);
+    });
+}
+
+int sem_unlink(const char* name) noexcept {
+    return Answer({Call::kSemUnlink, name, "sem_unlink"}, [&] {
+        static auto* real = Real<int (*)(const char*)>("sem_unlink");
+        return real(name);
     });
 }
 

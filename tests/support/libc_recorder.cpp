@@ -10,6 +10,7 @@ namespace {
 
 thread_local int allocations_until_fault = 0;  // 0: none is planned
 thread_local bool in_recorder = false;
+thread_local bool is_unrecorded = false;
 
 // The recorder's own allocations are not the library's.
 class RecorderScope {
@@ -116,29 +117,26 @@ std::vector<std::string> LibcRecorder::Story() const {
     const std::lock_guard guard(mutex_);
     std::vector<std::string> story;
     for (const Event& event : events_) {
-        switch (event.call) {
-            case Call::kSystem:
-                story.push_back("system " + event.text);
-                break;
-            case Call::kSleep:
-                story.push_back("sleep " + event.text);
-                break;
-            case Call::kSyslog:
-                story.push_back("log " + event.text);
-                break;
-            case Call::kOpen:
-            case Call::kRead:
-            case Call::kWrite:
-            case Call::kClose:
-            case Call::kFlock:
-            case Call::kFchmod:
-            case Call::kSocket:
-            case Call::kIoctl:
-            case Call::kNanosleep:
-                break;
+        if (event.call == Call::kSystem) {
+            story.push_back("system " + event.text);
+        } else if (event.call == Call::kSleep) {
+            story.push_back("sleep " + event.text);
+        } else if (event.call == Call::kSyslog) {
+            story.push_back("log " + event.text);
         }
     }
     return story;
+}
+
+std::vector<std::string> LibcRecorder::Order(const std::set<Call>& calls) const {
+    const std::lock_guard guard(mutex_);
+    std::vector<std::string> order;
+    for (const Event& event : events_) {
+        if (calls.contains(event.call)) {
+            order.push_back(event.spelling);
+        }
+    }
+    return order;
 }
 
 // Notes the call; hands out its answer and the hook, which must run unlocked.
@@ -161,6 +159,9 @@ LibcRecorder::Answers LibcRecorder::Reserve(const Event& event) {
 }
 
 Outcome LibcRecorder::Take(const CallView& call) {
+    if (is_unrecorded) {
+        return Pass();
+    }
     const RecorderScope scope;
     const Event event{call.call, std::string(call.text), call.spelling, call.number};
     const Answers answers = Reserve(event);
@@ -168,6 +169,13 @@ Outcome LibcRecorder::Take(const CallView& call) {
         answers.hook(event);
     }
     return answers.always;
+}
+
+Unrecorded::Unrecorded() : outer_(std::exchange(is_unrecorded, true)) {
+}
+
+Unrecorded::~Unrecorded() {
+    is_unrecorded = outer_;
 }
 
 AllocationFault::AllocationFault(int number) {

@@ -12,6 +12,7 @@
 #include <initializer_list>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,16 @@ enum class Call {
     kFchmod,
     kSocket,
     kIoctl,
+    kConnect,
+    kBind,
+    kSendto,
+    kSelect,
+    kRecvfrom,
+    kUnlink,
+    kSemOpen,
+    kSemPost,
+    kSemClose,
+    kSemUnlink,
     kSystem,
     kSleep,
     kNanosleep,
@@ -83,6 +94,8 @@ class LibcRecorder {
     std::vector<Event> Events(Call call) const;
     // Shell lines, sleeps and log lines in the order they came: "system sudo ifdown eth0".
     std::vector<std::string> Story() const;
+    // Every call of the given kinds in the order they came, as the symbol alone: "sem_post".
+    std::vector<std::string> Order(const std::set<Call>& calls) const;
 
     // For the interposed functions: notes the call and says how to answer it.
     Outcome Take(const CallView& call);
@@ -101,6 +114,18 @@ class LibcRecorder {
     std::vector<Event> events_;
     std::map<Call, Answers> answers_;
     std::map<std::string, std::string, std::less<>> redirects_;
+};
+
+// While it lives, the calling thread's calls pass through unseen: for a test's own helpers.
+class Unrecorded {
+  public:
+    Unrecorded();
+    ~Unrecorded();
+    Unrecorded(const Unrecorded&) = delete;
+    Unrecorded& operator=(const Unrecorded&) = delete;
+
+  private:
+    const bool outer_;
 };
 
 // While it lives, the allocation with this number (from 1) of the calling thread fails; those of

@@ -132,6 +132,31 @@ TEST_F(CommandOutputTest, ALockThatCannotBeHadIsDoneWithout) {
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
+TEST_F(CommandOutputTest, OnlyAHeldLockIsWaitedFor) {
+    libc().ScriptAlways(Call::kFlock, Fail(ENOLCK));
+    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
+    EXPECT_THAT(LinesOf(output), ElementsAre("here"));
+    EXPECT_TRUE(libc().Events(Call::kNanosleep).empty());
+}
+
+TEST_F(CommandOutputTest, APlantedLinkIsNotFollowed) {
+    ASSERT_EQ(symlink("/var/tmp/elsewhere", kLockFile), 0);
+    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
+    EXPECT_THAT(LinesOf(output), ElementsAre("here"));
+    EXPECT_FALSE(testkit::Exists("/var/tmp/elsewhere"));
+}
+
+TEST_F(CommandOutputTest, TheFileIsClosedBeforeItIsRemoved) {
+    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
+    size_t before = testkit::OpenDescriptors().size();
+    size_t while_removing = 0;
+    libc().OnCall(Call::kSystem, [&](const testkit::Event&) {
+        while_removing = testkit::OpenDescriptors().size();
+    });
+    output.Remove();
+    EXPECT_EQ(while_removing, before - 1);
+}
+
 TEST_F(CommandOutputTest, ItIsNotTheSetLock) {
     const int lock = VkLibLock();
     CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));

@@ -141,7 +141,7 @@ TEST_F(DispatchTest, AnUnlockableLockFileIsAFailure) {
 TEST_F(DispatchTest, TheLockIsReleasedOnEveryPath) {
     EXPECT_EQ(Execute(VELK_SET, 399, "eth0"), -4);      // unknown id
     EXPECT_EQ(Execute(VELK_SET, 108, "eth2"), -4);      // interface not allowed
-    EXPECT_EQ(Execute(VELK_RESTART, 1, ""), -4);        // nothing to restart
+    EXPECT_EQ(Execute(VELK_RESTART, 1, ""), -4);        // interface not allowed
     EXPECT_EQ(Execute(VELK_SET, 108, "eth0", "a"), 0);  // done
     ASSERT_EQ(system("rm /etc/resolv.dnsmasq.conf; mkdir /etc/resolv.dnsmasq.conf"), 0);
     EXPECT_EQ(Execute(VELK_SET, 108, "eth0", "a"), -1);  // failed
@@ -197,7 +197,8 @@ TEST_F(DispatchTest, AGetOutOfMemoryIsAFailure) {
     EXPECT_EQ(Data(response), kZeros);
 }
 
-TEST_F(DispatchTest, ASetOutOfMemoryReleasesTheLock) {
+TEST_F(DispatchTest, ASetOutOfMemoryReleasesTheLockAndLeavesTheFile) {
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
     const _velk_request request = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", "192.168.100.100");
     {
         const AllocationFault fault(1);
@@ -205,23 +206,31 @@ TEST_F(DispatchTest, ASetOutOfMemoryReleasesTheLock) {
     }
     EXPECT_THAT(libc().Logs(), ElementsAre("execute_velk_command exception std::bad_alloc"));
     EXPECT_EQ(libc().Events(Call::kFlock).back().number, LOCK_UN);
+    EXPECT_EQ(ReadFile(kResolverFile), "nameserver 10.0.0.1\n");
 }
 
-TEST_F(DispatchTest, ACancelledThreadReleasesTheLock) {
-    const auto set_while_cancelled = [](void*) -> void* {
-        testkit::LibcRecorder::Get().OnCall(
-            Call::kWrite, [](const testkit::Event&) { pthread_cancel(pthread_self()); });
-        const _velk_request request = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", "10.0.0.2");
+// Calls with a cancellation pending; every call to the system would otherwise be a place to end at.
+TEST_F(DispatchTest, ACancelledThreadEndsWhenTheCallIsOver) {
+    static int results[2];
+    const auto call_while_cancelled = [](void*) -> void* {
+        pthread_cancel(pthread_self());
         _velk_request answer;
-        execute_velk_command(&request, &answer);
+        const _velk_request set = MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", "10.0.0.2");
+        results[0] = execute_velk_command(&set, &answer);
+        const _velk_request get = MakeRequest(VELK_GET, VELK_CMD_MAC_ADDRESS, "eth0");
+        results[1] = execute_velk_command(&get, &answer);
+        pthread_testcancel();
         return nullptr;
     };
+    results[0] = results[1] = 99;
     pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, nullptr, set_while_cancelled, nullptr), 0);
+    ASSERT_EQ(pthread_create(&thread, nullptr, call_while_cancelled, nullptr), 0);
     void* result = nullptr;
     pthread_join(thread, &result);
     EXPECT_EQ(result, PTHREAD_CANCELED);
-    EXPECT_EQ(libc().Events(Call::kFlock).back().number, LOCK_UN);
+    EXPECT_EQ(results[0], 0);
+    EXPECT_EQ(results[1], 0);
+    EXPECT_EQ(ReadFile(kResolverFile), "nameserver 10.0.0.2\n");
 }
 
 TEST_F(DispatchTest, NoDescriptorIsLeakedOver10000Calls) {
@@ -241,11 +250,43 @@ struct Command {
     std::vector<std::string> interfaces;
 };
 
-const std::vector<Command> kCommands = {
-    {VELK_GET, 101, {"eth0", "eth1"}}, {VELK_GET, 108, {"eth0", "eth1"}},
-    {VELK_SET, 108, {"eth0", "eth1"}}, {VELK_GET, 201, {"eth0"}},
-    {VELK_SET, 201, {"eth0"}},
-};
+const std::vector<Command> kCommands = {{VELK_RESTART, 1, {"eth0", "eth1"}},
+                                        {VELK_GET, 101, {"eth0", "eth1"}},
+                                        {VELK_GET, 201, {"eth0"}},
+                                        {VELK_GET, 108, {"eth0", "eth1"}},
+                                        {VELK_GET, 4, {"eth1"}},
+                                        {VELK_GET, 5, {"eth1"}},
+                                        {VELK_GET, 301, {"eth1"}},
+                                        {VELK_GET, 318, {"eth1"}},
+                                        {VELK_GET, 302, {"eth1"}},
+                                        {VELK_GET, 303, {"eth1"}},
+                                        {VELK_GET, 304, {"eth1"}},
+                                        {VELK_GET, 305, {"eth1"}},
+                                        {VELK_GET, 306, {"eth1"}},
+                                        {VELK_GET, 307, {"eth1"}},
+                                        {VELK_GET, 308, {"eth1"}},
+                                        {VELK_GET, 309, {"eth1"}},
+                                        {VELK_GET, 310, {"eth1"}},
+                                        {VELK_GET, 311, {"eth1"}},
+                                        {VELK_GET, 312, {"eth1"}},
+                                        {VELK_GET, 314, {"eth1"}},
+                                        {VELK_GET, 315, {"eth1"}},
+                                        {VELK_GET, 316, {"eth1"}},
+                                        {VELK_GET, 317, {"eth1"}},
+                                        {VELK_SET, 201, {"eth0"}},
+                                        {VELK_SET, 108, {"eth0", "eth1"}},
+                                        {VELK_SET, 318, {"eth1"}},
+                                        {VELK_SET, 302, {"eth1"}},
+                                        {VELK_SET, 303, {"eth1"}},
+                                        {VELK_SET, 304, {"eth1"}},
+                                        {VELK_SET, 306, {"eth1"}},
+                                        {VELK_SET, 307, {"eth1"}},
+                                        {VELK_SET, 308, {"eth1"}},
+                                        {VELK_SET, 309, {"eth1"}},
+                                        {VELK_SET, 310, {"eth1"}},
+                                        {VELK_SET, 311, {"eth1"}},
+                                        {VELK_SET, 312, {"eth1"}},
+                                        {VELK_SET, 314, {"eth1"}}};
 
 // Every id, type and interface name: what runs, and what each refusal logs.
 class MatrixTest : public DispatchTest {
@@ -276,7 +317,7 @@ class MatrixTest : public DispatchTest {
         const Command* command = Find(type, id);
         const bool runs = command != nullptr && std::count(command->interfaces.begin(),
                                                            command->interfaces.end(), interface);
-        const int result = Execute(type, id, interface, "\1");
+        const int result = Execute(type, id, interface, "\2");
         ExpectHeader(interface, type, id);
         if (runs) {
             ASSERT_NE(result, -4);

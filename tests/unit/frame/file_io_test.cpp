@@ -54,6 +54,12 @@ TEST_F(FileIoTest, SaysThatAWriteFailed) {
     EXPECT_EQ(errno, ENOSPC);
 }
 
+TEST_F(FileIoTest, AWriteThatTakesNothingIsAFailure) {
+    const velk::UniqueFd fd = Create();
+    libc().ScriptAlways(Call::kWrite, testkit::Return(0));
+    EXPECT_FALSE(velk::WriteAll(fd.get(), "abcdef"));
+}
+
 TEST_F(FileIoTest, WritesNothingForNothing) {
     EXPECT_TRUE(velk::WriteAll(-1, ""));
     EXPECT_TRUE(libc().Events(Call::kWrite).empty());

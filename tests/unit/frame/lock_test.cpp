@@ -18,8 +18,6 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Event;
 using testkit::Fail;
-using testkit::Pass;
-using testkit::Return;
 
 constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 
@@ -115,9 +113,9 @@ TEST_F(LockTest, OpensWithoutCreatingFirst) {
     const std::vector<Event> opens = libc().Events(Call::kOpen);
     ASSERT_EQ(opens.size(), 2U);
     EXPECT_EQ(opens[0].text, kLockFile);
-    EXPECT_EQ(opens[0].number, O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(opens[0].number, O_RDWR | O_NOFOLLOW | O_CLOEXEC);
     EXPECT_EQ(opens[1].text, kLockFile);
-    EXPECT_EQ(opens[1].number, O_RDWR | O_CREAT | O_CLOEXEC);
+    EXPECT_EQ(opens[1].number, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC);
 }
 
 TEST_F(LockTest, LocksWithoutWaiting) {
@@ -169,6 +167,17 @@ TEST_F(LockTest, TheModeIsLeftAloneWhenTheFileIsThere) {
     VkLibUnLock(VkLibLock());
     EXPECT_EQ(ModeOf(kLockFile), 0600U);
     EXPECT_TRUE(libc().Events(Call::kFchmod).empty());
+}
+
+TEST_F(LockTest, APlantedLinkIsNotFollowed) {
+    ASSERT_EQ(symlink("/var/tmp/elsewhere", kLockFile), 0);
+    EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
+    EXPECT_FALSE(testkit::Exists("/var/tmp/elsewhere"));
+    testkit::WriteFile("/var/tmp/elsewhere", "");
+    EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("VkLibLock open2 errno=40:Too many levels of symbolic links",
+                            "VkLibLock open2 errno=40:Too many levels of symbolic links"));
 }
 
 TEST_F(LockTest, AnUnexpectedLockErrorIsLogged) {

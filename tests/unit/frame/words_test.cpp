@@ -1,7 +1,5 @@
 #include "frame/words.h"
 
-#include <clocale>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -21,6 +19,19 @@ TEST(TakeWord, SkipsEveryKindOfWhiteSpace) {
     std::string_view text = " \t\n\v\f\rword\r\n";
     EXPECT_EQ(TakeWord(text), "word");
     EXPECT_EQ(TakeWord(text), "");
+}
+
+TEST(TakeWord, OtherBlanksBelongToAWord) {
+    std::string_view text = "a\xC2\xA0z \x85";  // a no-break space in UTF-8, a next-line in Latin-1
+    EXPECT_EQ(TakeWord(text), "a\xC2\xA0z");
+    EXPECT_EQ(TakeWord(text), "\x85");
+}
+
+TEST(Contains, FindsATextAnywhere) {
+    EXPECT_TRUE(velk::Contains("Link detected: yes", "detected"));
+    EXPECT_TRUE(velk::Contains("x", ""));
+    EXPECT_FALSE(velk::Contains("Link detected: yes", "Detected"));
+    EXPECT_FALSE(velk::Contains("", "x"));
 }
 
 TEST(TakeWord, StopsAtANul) {

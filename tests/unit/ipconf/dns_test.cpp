@@ -111,6 +111,12 @@ TEST_F(DnsTest, TheNextAddressOverwritesWhatRanOn) {
               Slots("1234567890123456", "::10"));
 }
 
+TEST_F(DnsTest, AMissingAddressEmptiesItsSlotOfWhatRanOn) {
+    EXPECT_EQ(GetFrom("nameserver 12345678901234567890\nnameserver\n"), Slots("1234567890123456"));
+    EXPECT_EQ(GetFrom("nameserver " + std::string(40, 'x') + "\nnameserver\n"),
+              Slots(std::string(16, 'x'), "", std::string(8, 'x')));
+}
+
 TEST_F(DnsTest, AnAddressIsCutAtTheEndOfTheSlots) {
     const std::string word(100, 'x');
     EXPECT_EQ(GetFrom("nameserver " + word + "\n"), std::string(48, 'x'));

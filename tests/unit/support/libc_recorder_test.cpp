@@ -2,6 +2,7 @@
 #include "support/libc_recorder.h"
 
 #include <cerrno>
+#include <cstring>
 #include <new>
 
 #include <fcntl.h>
@@ -9,6 +10,7 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <syslog.h>
 
 #include "support/call_probe.h"
@@ -37,6 +39,16 @@ struct Flavour {
     int (*socket)(int, int);
     int (*ioctl)(int, unsigned long, void*);
     int (*nanosleep)(long);
+    int (*connect)(int, const sockaddr*, unsigned);
+    int (*bind)(int, const sockaddr*, unsigned);
+    long (*sendto)(int, const char*, unsigned long);
+    long (*recvfrom)(int, unsigned long);
+    int (*select)(int, timeval*);
+    int (*unlink)(const char*);
+    sem_t* (*sem_open)(const char*);
+    int (*sem_post)(sem_t*);
+    int (*sem_close)(sem_t*);
+    int (*sem_unlink)(const char*);
     int (*system)(const char*);
     unsigned (*sleep)(unsigned);
     void (*syslog)(int, const char*);
@@ -45,22 +57,25 @@ struct Flavour {
     const char* open_symbol;
     const char* open_mode_symbol;
     const char* read_symbol;
+    const char* recvfrom_symbol;
     const char* syslog_symbol;
     const char* vsyslog_symbol;
 };
 
 #define PROBE_FUNCTIONS(name)                                                                      \
     name##_open, name##_open_mode, name##_read, name##_write, name##_close, name##_flock,          \
-        name##_fchmod, name##_socket, name##_ioctl, name##_nanosleep, name##_system, name##_sleep, \
+        name##_fchmod, name##_socket, name##_ioctl, name##_nanosleep, name##_connect, name##_bind, \
+        name##_sendto, name##_recvfrom, name##_select, name##_unlink, name##_sem_open,             \
+        name##_sem_post, name##_sem_close, name##_sem_unlink, name##_system, name##_sleep,         \
         name##_syslog, name##_vsyslog, name##_allocate
 
 constexpr Flavour kFlavours[] = {
-    {"plain", PROBE_FUNCTIONS(plain), "open", "open", "read", "syslog", "vsyslog"},
-    {"large", PROBE_FUNCTIONS(large), "open64", "open64", "read", "syslog", "vsyslog"},
-    {"fortified", PROBE_FUNCTIONS(fortified), "__open_2", "open", "__read_chk", "__syslog_chk",
-     "__vsyslog_chk"},
-    {"fortified_large", PROBE_FUNCTIONS(fortified_large), "__open64_2", "open64", "__read_chk",
+    {"plain", PROBE_FUNCTIONS(plain), "open", "open", "read", "recvfrom", "syslog", "vsyslog"},
+    {"large", PROBE_FUNCTIONS(large), "open64", "open64", "read", "recvfrom", "syslog", "vsyslog"},
+    {"fortified", PROBE_FUNCTIONS(fortified), "__open_2", "open", "__read_chk", "__recvfrom_chk",
      "__syslog_chk", "__vsyslog_chk"},
+    {"fortified_large", PROBE_FUNCTIONS(fortified_large), "__open64_2", "open64", "__read_chk",
+     "__recvfrom_chk", "__syslog_chk", "__vsyslog_chk"},
 };
 
 class LibcRecorderTest : public DeviceTest, public testing::WithParamInterface<Flavour> {
@@ -113,6 +128,41 @@ TEST_P(LibcRecorderTest, SeesSocketsAndIoctls) {
     EXPECT_EQ(waiting, 0) << "the kernel answers through the argument";
     EXPECT_EQ(Only(Call::kIoctl).number, FIONREAD);
     EXPECT_EQ(GetParam().close(fd), 0);
+}
+
+TEST_P(LibcRecorderTest, SeesDatagramCalls) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    strcpy(address.sun_path, "/tmp/probe");
+    constexpr unsigned kLength = sizeof(address.sun_family) + 10;
+    const auto* plain_address = reinterpret_cast<const sockaddr*>(&address);
+    const int fd = GetParam().socket(AF_UNIX, SOCK_DGRAM);
+    EXPECT_EQ(GetParam().bind(fd, plain_address, kLength), 0);
+    EXPECT_EQ(Only(Call::kBind).text, "/tmp/probe");
+    EXPECT_EQ(Only(Call::kBind).number, 12);
+    EXPECT_EQ(GetParam().connect(fd, plain_address, kLength), 0);
+    EXPECT_EQ(Only(Call::kConnect).text, "/tmp/probe");
+    EXPECT_EQ(GetParam().sendto(fd, "text", 4), 4);
+    EXPECT_EQ(Only(Call::kSendto).text, "text");
+    EXPECT_EQ(GetParam().recvfrom(fd, 16), 4);
+    EXPECT_EQ(Only(Call::kRecvfrom).spelling, GetParam().recvfrom_symbol);
+    EXPECT_EQ(GetParam().unlink("/tmp/probe"), 0);
+    EXPECT_EQ(Only(Call::kUnlink).text, "/tmp/probe");
+    EXPECT_EQ(GetParam().close(fd), 0);
+}
+
+TEST_P(LibcRecorderTest, SeesSelectAndSemaphores) {
+    timeval no_time{};
+    EXPECT_EQ(GetParam().select(0, &no_time), 0);
+    EXPECT_EQ(Only(Call::kSelect).text, "0");
+    sem_t* sem = GetParam().sem_open("/probe");
+    EXPECT_NE(sem, nullptr);
+    EXPECT_EQ(Only(Call::kSemOpen).text, "/probe 438 0");
+    EXPECT_EQ(GetParam().sem_post(sem), 0);
+    EXPECT_EQ(GetParam().sem_close(sem), 0);
+    EXPECT_EQ(GetParam().sem_unlink("/probe"), 0);
+    EXPECT_EQ(libc().Order({Call::kSemPost, Call::kSemClose, Call::kSemUnlink}),
+              (std::vector<std::string>{"sem_post", "sem_close", "sem_unlink"}));
 }
 
 TEST_P(LibcRecorderTest, SeesShortSleepsAndSleepsThem) {
@@ -195,6 +245,16 @@ TEST_F(LibcScriptTest, OpensAnotherFileInTheOnesPlace) {
     const int fd = large_open("/proc/net/route", O_RDONLY);
     EXPECT_EQ(plain_read(fd, 16), 4);
     plain_close(fd);
+}
+
+TEST_F(LibcScriptTest, LeavesATestsOwnHelpersAlone) {
+    libc().ScriptAlways(Call::kFlock, Return(5));
+    {
+        const testkit::Unrecorded unrecorded;
+        EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    }
+    EXPECT_EQ(plain_flock(99, LOCK_UN), 5);
+    EXPECT_EQ(libc().Events(Call::kFlock).size(), 1U);
 }
 
 TEST_F(LibcScriptTest, RunsAHookBeforeTheCall) {

@@ -87,6 +87,8 @@ TEST(UnknownSetting, GivesTheNamesOnOtherInterfaces) {
     EXPECT_EQ(UnknownSetting(kRows, "dns"), "unknown setting 'dns'; give eth0.dns or eth1.dns");
     EXPECT_EQ(UnknownSetting(kRows, "eth1.speed"), "unknown setting 'eth1.speed'; give eth0.speed");
     EXPECT_EQ(UnknownSetting(kRows, "eth0.place"), "unknown setting 'eth0.place'; give place");
+    EXPECT_EQ(UnknownSetting(kRows, "eth0.eth0.speed"),
+              "unknown setting 'eth0.eth0.speed'; give eth0.speed");
 }
 
 TEST(UnknownSetting, PointsToTheListOtherwise) {

@@ -69,6 +69,11 @@ TEST_F(GatewayTest, RoutesOfOtherInterfacesDoNotCount) {
               "10.0.0.254");
 }
 
+TEST_F(GatewayTest, TheNameMustStandInFront) {
+    EXPECT_EQ(GetFrom(kHeader + Route("veth0", "00000000", "0100A8C0")), "unchanged");
+    EXPECT_EQ(GetFrom(kHeader + " " + Route("eth0", "00000000", "0100A8C0")), "unchanged");
+}
+
 TEST_F(GatewayTest, RoutesToNetworksDoNotCount) {
     EXPECT_EQ(GetFrom(kHeader + Route("eth0", "0000A8C0", "0100A8C0")), "unchanged");
     EXPECT_EQ(GetFrom(kHeader + Route("eth0", "000000000", "0100A8C0")), "unchanged");

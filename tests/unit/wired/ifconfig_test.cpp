@@ -139,6 +139,15 @@ TEST_F(IfconfigTest, AnotherHeaderEndsABlock) {
         << "a tab starts no block line";
 }
 
+TEST_F(IfconfigTest, TheNameMustStandInFrontOfAHeader) {
+    EXPECT_EQ(Address("veth0     Link encap:Ethernet\n"
+                      "          inet addr:10.9.9.9  Mask:255.0.0.0\n"),
+              "unchanged");
+    EXPECT_EQ(Address(std::string(kOutput) + "veth0     Link encap:Ethernet\n"
+                                             "          inet addr:10.9.9.9  Mask:255.0.0.0\n"),
+              "192.168.0.10");
+}
+
 TEST_F(IfconfigTest, BlockLinesBeforeAnyHeaderAreSkipped) {
     EXPECT_EQ(Address(" inet addr:1.1.1.1 \n\neth1 y\n"), "unchanged");
 }

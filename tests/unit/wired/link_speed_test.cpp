@@ -106,6 +106,11 @@ TEST_F(LinkSpeedTest, OnlyTheFirstTestThatHoldsCountsOnALine) {
     EXPECT_EQ(Mode("Auto-negotiation: off Speed: 10Mb/s\nSpeed: 100Mb/s Duplex: Full\n"), 3);
 }
 
+TEST_F(LinkSpeedTest, TheTestsComeInTheirOrder) {
+    EXPECT_EQ(Mode("Auto-negotiation: off Auto-negotiation: on\n"), 1);
+    EXPECT_EQ(Mode("Speed: 10Mb/s Speed: 100Mb/s\nDuplex: Half Duplex: Full\n"), 2);
+}
+
 TEST_F(LinkSpeedTest, WithoutADuplexLineItIsHalf) {
     EXPECT_EQ(Mode("Speed: 100Mb/s\n"), 3);
 }

@@ -1,6 +1,9 @@
+#include <cerrno>
 #include <string>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "support/device_test.h"
 
@@ -124,6 +127,33 @@ TEST_F(AdapterTest, TheSupportListIsReadAfreshEveryTime) {
 
 TEST_F(AdapterTest, ALastLineWithoutATerminatorCounts) {
     EXPECT_EQ(AttachedWith("VID=1a2b\nPID=3c4d", "P:  Vendor=1a2b ProdID=3c4d"), 1);
+}
+
+TEST_F(AdapterTest, AHugeNumberIsTheSameOnEveryDevice) {
+    EXPECT_EQ(AttachedWith("VID=100001a2b\nPID=3c4d\n", Device("1a2b", "3c4d")), 0);
+    EXPECT_EQ(AttachedWith("VID=100001a2b\nPID=3c4d\n", Device("ffffffff", "3c4d")), 1);
+}
+
+TEST_F(AdapterTest, AFolderInAFilesPlaceIsAFileThatCannotBeRead) {
+    ASSERT_EQ(mkdir(kSupportList, 0755), 0);
+    WriteFile(kUsbDevices, Device("9999", "9999", "QT4408RKM"));
+    EXPECT_EQ(IsWlanAttached(), 1);
+    ASSERT_EQ(unlink(kUsbDevices), 0);
+    ASSERT_EQ(mkdir(kUsbDevices, 0755), 0);
+    EXPECT_EQ(IsWlanAttached(), 0);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+    ASSERT_EQ(rmdir(kUsbDevices) + rmdir(kSupportList), 0);
+}
+
+TEST_F(AdapterTest, FilesWithoutPermissionAreFilesThatCannotBeRead) {
+    WriteFile(kSupportList, "VID=1a2b\nPID=3c4d\n");
+    WriteFile(kUsbDevices, Device("1a2b", "3c4d"));
+    libc().Script(testkit::Call::kOpen, {testkit::Fail(EACCES)});
+    EXPECT_EQ(IsWlanAttached(), 0);
+    libc().Script(testkit::Call::kOpen, {testkit::Pass(), testkit::Fail(EACCES)});
+    EXPECT_EQ(IsWlanAttached(), 0);
+    EXPECT_EQ(IsWlanAttached(), 1);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(AdapterTest, NothingIsLogged) {

@@ -1,0 +1,82 @@
+// device.cpp - moves a process onto a device of its own, step by step.
+#include "sandbox/device.h"
+
+#include <filesystem>
+
+#include <unistd.h>
+
+#include "sandbox/capabilities.h"
+#include "sandbox/device_tree.h"
+#include "sandbox/kept_folders.h"
+#include "sandbox/mounts.h"
+#include "sandbox/namespaces.h"
+#include "sandbox/plan.h"
+#include "sandbox/system_places.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+void ProtectMachine(const std::vector<KeptFolder>& writable, const Plan& plan) {
+    if (IsWithinAny("/", writable)) {
+        throw Failure("the machine as a whole cannot stay writable");
+    }
+    MakeReadOnly("/");
+    ShowFolders(writable, [&plan](const fs::path& path) {
+        return !IsHidden(path, plan) && !plan.places.contains(path);
+    });
+}
+
+// A folder within a writable one comes back with that one, and writable.
+void ShowHidden(const std::vector<KeptFolder>& kept, const std::vector<KeptFolder>& writable,
+                const Plan& plan) {
+    ShowFolders(kept, [&](const fs::path& path) {
+        return IsHidden(path, plan) && !IsWithinAny(path, writable);
+    });
+    ShowFolders(writable, [&plan](const fs::path& path) { return IsHidden(path, plan); });
+}
+
+// A process keeps the folder it stands in even when another one covers it: step into that one.
+void StepInto(const fs::path& folder) {
+    if (folder.empty() || chdir(folder.c_str()) == -1) {
+        fs::current_path("/");
+    }
+}
+
+}  // namespace
+
+void GiveUpPrivileges() {
+    if (!IsPrivileged()) {
+        ClearMachineCapabilities();
+        EnterUserNamespace();
+    }
+    DropMachineCapabilities();
+}
+
+void EnterDevice(const DeviceOptions& options) {
+    std::error_code no_folder;
+    const fs::path here = fs::current_path(no_folder);
+    const Plan plan = MakePlan(options.rootfs);
+    GiveUpPrivileges();
+    EnterPrivateNamespaces();
+
+    const std::vector<KeptFolder> writable = HoldFolders(options.writable);
+    if (options.protect_machine) {
+        ProtectMachine(writable, plan);
+    }
+    const std::vector<KeptFolder> kept = HoldFolders(options.keep);
+    if (options.own_processes) {
+        MountProcesses(options.protect_machine);
+    }
+    MountDevices();
+
+    DeviceTree tree;
+    CoverPlaces(plan, tree);
+    DetachLog();
+    ShowHidden(kept, writable, plan);
+    MakeContents(plan, tree);
+    StepInto(here);
+}
+
+}  // namespace sandbox

@@ -1,0 +1,66 @@
+// kept_folders.cpp - folders of the machine that stay what they are on the device.
+#include "sandbox/kept_folders.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+
+#include "sandbox/failure.h"
+#include "sandbox/mounts.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+KeptFolder HoldFolder(const std::string& folder) {
+    std::error_code error;
+    fs::path path = fs::canonical(folder, error);
+    if (error) {
+        Fail("cannot keep " + folder, error.value());
+    }
+    velk::UniqueFd held = Hold(AT_FDCWD, path);
+    if (held.get() == -1) {
+        Fail("cannot keep " + folder, errno);
+    }
+    return {std::move(path), std::move(held)};
+}
+
+}  // namespace
+
+bool IsWithin(const fs::path& path, const fs::path& folder) {
+    return std::ranges::mismatch(folder, path).in1 == folder.end();
+}
+
+bool IsWithinAny(const fs::path& path, const std::vector<KeptFolder>& folders) {
+    return std::ranges::any_of(
+        folders, [&path](const KeptFolder& folder) { return IsWithin(path, folder.path); });
+}
+
+std::vector<KeptFolder> HoldFolders(const std::vector<std::string>& folders) {
+    std::vector<KeptFolder> kept;
+    kept.reserve(folders.size());
+    for (const std::string& folder : folders) {
+        kept.push_back(HoldFolder(folder));
+    }
+    return kept;
+}
+
+void ShowFolders(const std::vector<KeptFolder>& folders,
+                 const std::function<bool(const fs::path&)>& wanted) {
+    for (const KeptFolder& folder : folders) {
+        if (!wanted(folder.path)) {
+            continue;
+        }
+        std::error_code error;
+        fs::create_directories(folder.path, error);
+        if (error) {
+            Fail("cannot make " + folder.path.string(), error.value());
+        }
+        Attach(folder.held, folder.path);
+    }
+}
+
+}  // namespace sandbox

@@ -1,0 +1,113 @@
+// main.cpp - velk-sandbox: a device on your desk.
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "sandbox/command.h"
+#include "sandbox/session.h"
+#include <CLI/CLI.hpp>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kDescription[] =
+    "Runs a command, or a shell, on a device of its own: with the device's files and a network of\n"
+    "its own, while the machine around it stays as it is.";
+constexpr char kFooter[] =
+    "Exit status: the command's; 128 and the number of the signal that ended it; 125 when there "
+    "is\n"
+    "no device to be had, 126 when the command cannot be run, 127 when it is not found.";
+
+// The parser does not know of the command, so its help would leave that out.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
+        return "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n";
+    }
+};
+
+// What stands behind the first "--" is the command's, to the letter.
+std::vector<std::string> TakeCommand(std::vector<std::string>& words) {
+    const auto mark = std::ranges::find(words, "--");
+    std::vector<std::string> command;
+    if (mark != words.end()) {
+        command.assign(mark + 1, words.end());
+        words.erase(mark, words.end());
+    }
+    return command;
+}
+
+// Beside the program in a build folder, in the data folder once installed.
+std::string SampleFolder(const fs::path& program_folder) {
+    const fs::path installed = program_folder / "../share/velk-sandbox/rootfs";
+    const fs::path built = program_folder / "rootfs";
+    return fs::is_directory(built) ? built : installed;
+}
+
+std::vector<std::string> FoldersInUse(const fs::path& program_folder) {
+    std::error_code removed;
+    const fs::path here = fs::current_path(removed);
+    if (removed) {
+        return {program_folder};
+    }
+    return {program_folder, here};
+}
+
+// Its own description would stand beside the option's in the help.
+CLI::Validator ExistingFolder() {
+    CLI::Validator validator = CLI::ExistingDirectory;
+    return validator.description("");
+}
+
+void AddOptions(CLI::App& app, sandbox::Session& session) {
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.footer(kFooter);
+    app.add_flag("--quiet", session.quiet, "Do not say at the start what this is");
+    app.add_option("--writable", session.device.writable,
+                   "Folder of the machine that stays writable; may be given again")
+        ->type_name("DIR")
+        ->expected(1)
+        ->take_all()
+        ->check(ExistingFolder());
+    app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
+        ->type_name("DIR")
+        ->check(ExistingFolder());
+    app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION);
+}
+
+int Run(std::vector<std::string> words) {
+    const fs::path program_folder = fs::read_symlink("/proc/self/exe").parent_path();
+    sandbox::Session session;
+    session.program_folder = program_folder;
+    session.command = TakeCommand(words);
+    session.device.rootfs = SampleFolder(program_folder);
+    session.device.keep = FoldersInUse(program_folder);
+
+    CLI::App app(kDescription, "velk-sandbox");
+    AddOptions(app, session);
+    std::ranges::reverse(words);  // as the parser takes them
+    try {
+        app.parse(words);
+    } catch (const CLI::Success& answer) {
+        return app.exit(answer);
+    } catch (const CLI::ParseError& error) {
+        sandbox::Say(error.what());
+        return sandbox::kUsageError;
+    }
+    return sandbox::RunSession(session);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        sandbox::Say(error.what());
+        return sandbox::kSandboxFailed;
+    }
+}

@@ -1,0 +1,62 @@
+// mounts.cpp - the kernel's mount calls, failing with plain words.
+#include "sandbox/mounts.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+#include "sandbox/failure.h"
+
+namespace sandbox {
+namespace {
+
+constexpr char kSource[] = "velk";  // what the device's mounts are called in /proc/mounts
+constexpr mode_t kModeBits = 07777;
+
+}  // namespace
+
+dev_t MountMemory(const std::string& folder, mode_t mode) {
+    char options[32];
+    (void)snprintf(options, sizeof(options), "mode=%04o", mode & kModeBits);
+    if (mount(kSource, folder.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options) == -1) {
+        Fail("cannot make " + folder + " private", errno);
+    }
+    struct stat status;
+    if (stat(folder.c_str(), &status) == -1) {
+        Fail("cannot look at " + folder, errno);
+    }
+    return status.st_dev;
+}
+
+bool MountKernel(const char* type, const char* folder, unsigned long flags) {
+    return mount(kSource, folder, type, MS_NOSUID | MS_NODEV | MS_NOEXEC | flags, nullptr) == 0;
+}
+
+velk::UniqueFd Hold(int folder, const std::string& name) {
+    const unsigned flags = OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_RECURSIVE | AT_SYMLINK_NOFOLLOW;
+    return velk::UniqueFd(open_tree(folder, name.c_str(), flags));
+}
+
+bool TryAttach(const velk::UniqueFd& held, const std::string& path) {
+    return move_mount(held.get(), "", AT_FDCWD, path.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0;
+}
+
+void Attach(const velk::UniqueFd& held, const std::string& path) {
+    if (!TryAttach(held, path)) {
+        Fail("cannot show " + path, errno);
+    }
+}
+
+void MakeReadOnly(const std::string& path) {
+    mount_attr attributes{};
+    attributes.attr_set = MOUNT_ATTR_RDONLY;
+    if (mount_setattr(AT_FDCWD, path.c_str(), AT_RECURSIVE, &attributes, sizeof(attributes)) ==
+        -1) {
+        Fail("cannot make " + path + " read-only", errno);
+    }
+}
+
+}  // namespace sandbox

@@ -1,0 +1,25 @@
+// session.h - one device, from its first process to its last.
+#ifndef SANDBOX_SESSION_H_
+#define SANDBOX_SESSION_H_
+
+#include <string>
+#include <vector>
+
+#include "sandbox/device.h"
+
+namespace sandbox {
+
+struct Session {
+    DeviceOptions device;
+    std::vector<std::string> command;  // empty: the user's shell
+    std::string program_folder;        // where velkctl is found
+    bool quiet = false;
+};
+
+// Runs the command on a device and returns the exit status to end with. Every process of the device
+// ends with the command, and with this process, whatever way that ends.
+int RunSession(Session session);
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_SESSION_H_

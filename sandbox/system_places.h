@@ -1,0 +1,20 @@
+// system_places.h - the kernel's own file trees, of the device's namespaces instead of the
+// machine's.
+#ifndef SANDBOX_SYSTEM_PLACES_H_
+#define SANDBOX_SYSTEM_PLACES_H_
+
+namespace sandbox {
+
+// Mounts a /proc that shows the processes of this PID namespace. With `protect`, what it tells of
+// the machine can only be read.
+void MountProcesses(bool protect);
+
+// Mounts a /sys that shows the network interfaces of this network namespace, read-only.
+void MountDevices();
+
+// Sees to it that what is logged on the device does not reach the machine's log.
+void DetachLog();
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_SYSTEM_PLACES_H_

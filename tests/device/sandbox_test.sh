@@ -1,0 +1,487 @@
+# sandbox_test.sh - the device on the desk: what is private, what stays, and that it ends.
+# Run by root, it runs a second time as an ordinary user, from a copy which that user can read.
+# shellcheck shell=bash disable=SC2016
+# shellcheck source=tests/device/lib.sh
+. "$VELK_SOURCE/tests/device/lib.sh"
+needs_sandbox
+
+this_file=$(realpath "$0")
+user=$(id -u)
+mark=velk-sandbox-test-$$-$user # a name that nobody else's files have
+seconds=$((100000 + $$))        # for a `sleep` that is recognised among all processes
+
+# --- words of this file ---
+
+# Runs a shell line on a device.
+on_device_sh() { on_device sh -c "$1"; }
+
+# Runs a shell line where it can mount what it likes over the machine's folders.
+on_other_mounts() {
+    if [ "$user" = 0 ]; then
+        run unshare --mount sh -c "$1" sh "${@:2}"
+    else
+        run unshare --map-root-user --mount sh -c "$1" sh "${@:2}"
+    fi
+}
+
+# Waits up to five seconds until a command says yes.
+wait_until() {
+    local try
+    for try in $(seq 50); do
+        "$@" && return
+        sleep 0.1
+    done
+    return "$try"
+}
+
+sleepers() { pgrep -fx "sleep $seconds"; }
+has_sleepers() { sleepers >/dev/null; }
+# shellcheck disable=SC2317 # called by name
+has_no_sleepers() { ! has_sleepers; }
+ends_all_processes() {
+    wait_until has_no_sleepers
+    check 'processes left' '' "$(sleepers)"
+    sleepers | xargs -r kill
+}
+
+# Names, kinds and link targets in a folder.
+entries() { find "$1/" -maxdepth 1 ! -name dhclient-script -printf '%f %y %l\n' 2>&1 | sort; }
+
+# The machine's own things that lie where the device has its own, and what else it may have touched.
+machine_state() {
+    local folder
+    for folder in /etc /etc/network /usr/sbin /usr/local/share /var /var/lib /var/cron /var/libvelk \
+        /var/log /proc/bus; do
+        printf '%s: ' "$folder"
+        entries "$folder" | cksum
+    done
+    stat -L -c '%n %i %a %u %s %Y' /etc /etc/hosts /etc/passwd /etc/network /etc/network/interfaces \
+        /etc/dhclient.conf /etc/resolv.dnsmasq.conf /sbin /sbin/dhclient-script /tmp /run /dev/shm \
+        /var/tmp 2>&1 | sed -E 's,^(/tmp|/run|/dev/shm|/var/tmp) (.*) [0-9]+ [0-9]+$,\1 \2,'
+    cksum /etc/hosts /etc/passwd /etc/dhclient.conf /sbin/dhclient-script 2>&1
+    cat /proc/self/mounts
+    hostname
+}
+
+# Says whether capability 25, setting the clock, is in a line of /proc/PID/status: 1 or 0.
+clock_bit() { echo $((0x${1##*:?} >> 25 & 1)); }
+
+# Types lines at a terminal, each after a moment, to a program that runs there.
+at_terminal() { # at_terminal PROGRAM LINE...
+    local program=$1 line
+    shift
+    lib_command="$program at a terminal"
+    error=
+    output=$(for line; do
+        sleep 0.5
+        printf '%b' "$line"
+    done | timeout 20 script -qec "$program" /dev/null 2>&1)
+    status=$?
+}
+
+machine_before=$(machine_state)
+
+# --- what is there ---
+
+while read -r mode file; do
+    it "has $file"
+    on_device stat -c '%a %F' "$file"
+    output_is "$mode regular file"
+    status_is 0
+done <<'END'
+644 /etc/resolv.dnsmasq.conf
+644 /etc/network/interfaces
+644 /etc/dhclient.conf
+644 /etc/dhclient-exit-hooks
+755 /sbin/dhclient-script
+600 /var/cron/tabs/root
+644 /var/libvelk/libvelk
+644 /usr/local/share/etc/snmp/snmpd.conf
+644 /usr/local/share/apps/wlan/supportlist.ini
+644 /proc/bus/usb/devices
+END
+
+while read -r mode folder; do
+    it "has the folder $folder"
+    on_device stat -c '%a %F' "$folder"
+    output_is "$mode directory"
+done <<'END'
+1777 /tmp
+1777 /var/tmp
+1777 /dev/shm
+755 /run
+1777 /run/lock
+755 /run/network
+755 /var/lib/dhcp
+755 /var/log/syslog
+755 /var/libvelk
+END
+
+it 'gives files their modes whatever the umask'
+run sh -c 'umask 077; velk-sandbox --quiet -- stat -c %a /etc/network /etc/dhclient.conf /run/lock'
+output_is '755
+644
+1777'
+
+it 'has no network hooks and no interfaces of the machine'
+on_device_sh 'cd /etc/network && find . -type f'
+output_is ./interfaces
+
+it 'ships scripts that a shell understands'
+on_device_sh 'sh -n /sbin/dhclient-script && sh -n /etc/dhclient-exit-hooks'
+status_is 0
+error_is ''
+
+it 'shows the other files of a folder that holds files of the device'
+on_device_sh "$(declare -f entries); entries /usr/sbin; cksum </etc/passwd"
+output_is "$(
+    entries /usr/sbin
+    cksum </etc/passwd
+)"
+check 'entries of /usr/sbin' many "$([ "$(echo "$output" | wc -l)" -gt 20 ] && echo many)"
+
+it 'takes its files from another folder on request'
+mkdir -p "$lib_folder/files/etc/network/deeper"
+echo 'of my own' >"$lib_folder/files/etc/network/deeper/file"
+ln -s deeper/file "$lib_folder/files/etc/network/link"
+run velk-sandbox --quiet --rootfs "$lib_folder/files" -- \
+    sh -c 'cat /etc/network/link; ls /etc/network/interfaces /etc/dhclient.conf; touch /sbin/new'
+output_is 'of my own'
+error_has /etc/network/interfaces
+error_has /etc/dhclient.conf
+
+# --- what is private ---
+
+it 'lets its files be edited in place'
+on_device_sh 'cd /etc; before=$(stat -c "%i %a %u" dhclient.conf)
+    sed s/eth0/ethX/ dhclient.conf >/var/tmp/dhclient.conf
+    cat /var/tmp/dhclient.conf >dhclient.conf && rm /var/tmp/dhclient.conf
+    [ "$before" = "$(stat -c "%i %a %u" dhclient.conf)" ] && grep -c ethX dhclient.conf'
+output_is 1
+error_is ''
+
+it 'lets its files be made, renamed and removed'
+on_device_sh 'for folder in /etc /sbin /etc/network /var/cron/tabs /var/libvelk /proc/bus/usb \
+        /usr/local/share/etc/snmp /usr/local/share/apps/wlan /var/lib/dhcp /var/log/syslog; do
+        cd $folder && echo text >new && mv new newer && rm newer || echo "not in $folder"
+    done
+    cd /sbin && mv dhclient-script /etc/dhclient-script && rm /etc/dhclient-script && echo moved'
+output_is moved
+error_is ''
+
+it 'leaves nothing of what is written there'
+on_device_sh "for place in /tmp /var/tmp /dev/shm /run /etc /sbin /var /var/lib /var/log /var/libvelk
+    do echo text >\$place/$mark || exit; done; hostname $mark; ls /tmp/$mark"
+output_is "/tmp/$mark"
+error_is ''
+for place in /tmp /var/tmp /dev/shm /run /etc /sbin /var /var/lib /var/log /var/libvelk; do
+    check "$place/$mark outside" absent "$([ -e "$place/$mark" ] && echo there || echo absent)"
+done
+on_device_sh "ls /etc/$mark"
+status_is 2
+
+it 'starts with empty private places'
+on_device find /var/tmp /dev/shm /run -mindepth 1 ! -path /run/lock ! -path /run/network
+output_is ''
+
+# Each attempt would do no harm if it succeeded.
+it 'keeps the rest of the machine from being written'
+on_device_sh "touch /usr/$mark"
+status_is 1
+error_has 'Read-only file system'
+if [ "$user" = 0 ]; then
+    on_device_sh ': >>/etc/passwd'
+    status_is 2
+    error_has 'Read-only file system'
+    for setting in /proc/sys/kernel/panic /sys/kernel/mm/ksm/run; do
+        [ -e "$setting" ] || continue
+        on_device_sh "value=\$(cat $setting); echo \$value >$setting"
+        status_is 2
+        error_has 'Read-only file system'
+    done
+fi
+
+it 'leaves the settings of its network writable'
+on_device_sh 'echo 1 >/proc/sys/net/ipv4/ip_forward && cat /proc/sys/net/ipv4/ip_forward'
+output_is 1
+
+it 'cannot set the clock'
+on_device grep -E '^Cap(Inh|Prm|Eff|Bnd|Amb):' /proc/self/status
+check 'sets shown' 5 "$(echo "$output" | wc -l)"
+while read -r set; do
+    check "clock in $set" 0 "$(clock_bit "$set")"
+done <<<"$output"
+
+if setpriv --inh-caps=+sys_time --ambient-caps=+sys_time true 2>/dev/null; then
+    it 'cannot set the clock when the right to is handed down'
+    run setpriv --inh-caps=+sys_time --ambient-caps=+sys_time \
+        velk-sandbox --quiet -- grep -E '^Cap(Inh|Amb):' /proc/self/status
+    while read -r set; do
+        check "clock in $set" 0 "$(clock_bit "$set")"
+    done <<<"$output"
+fi
+
+it 'has namespaces of its own'
+for namespace in ipc mnt net pid uts; do
+    on_device readlink "/proc/self/ns/$namespace"
+    has namespace "$namespace:" "$output"
+    check "$namespace namespace of the machine" no \
+        "$([ "$output" = "$(readlink "/proc/self/ns/$namespace")" ] && echo yes || echo no)"
+done
+
+it 'has a network of its own with lo up'
+on_device_sh 'ls /sys/class/net; sed -n "3,\$s/:.*//p" /proc/net/dev; cat /sys/class/net/lo/flags'
+output_is 'lo
+    lo
+0x9'
+
+it 'has processes of its own'
+on_device_sh 'echo $$; cat /proc/1/comm; echo /proc/[0-9]*'
+output_is '2
+velk-sandbox
+/proc/1 /proc/2'
+
+it 'does not log to the machine'
+mkdir "$lib_folder/dev"
+on_other_mounts 'cd "$1" && mkdir shm && : >log && : >null &&
+    mount --bind /dev/null null && mount --rbind . /dev && cd / &&
+    velk-sandbox --quiet -- stat -c %F /dev/log' "$lib_folder/dev"
+output_is 'character special file'
+
+it 'is named velk'
+on_device hostname
+output_is velk
+
+# --- folders that stay ---
+
+it 'works from a checkout under /tmp, which stays visible and read-only'
+mkdir "$lib_folder/checkout"
+cp -R "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$lib_folder/checkout"
+cd "$lib_folder/checkout" || exit
+echo mine >file
+run ./velk-sandbox --quiet -- sh -c \
+    'pwd; cat file; command -v velk-sandbox; echo "${PATH%%:*}"; ls -A /tmp; touch new'
+output_is "$lib_folder/checkout
+mine
+$lib_folder/checkout/velk-sandbox
+$lib_folder/checkout
+${lib_folder#/tmp/}"
+error_has 'Read-only file system'
+
+it 'keeps folders writable on request'
+mkdir "$lib_folder/checkout/a" "$lib_folder/b"
+run ./velk-sandbox --quiet --writable a --writable "$lib_folder/b" -- \
+    sh -c "touch a/new '$lib_folder/b/new' && touch new"
+error_has 'Read-only file system'
+check 'files outside' 'a/new ../b/new' "$(echo a/n* ../b/n*)"
+
+it 'keeps the folder it stands in writable when a folder above is'
+run ./velk-sandbox --quiet --writable "$lib_folder" -- sh -c 'touch here'
+status_is 0
+check 'file outside' here "$(echo her*)"
+
+it 'can run a device on the device'
+run ./velk-sandbox --quiet -- velk-sandbox --quiet -- sh -c 'cat file; stat -c %a /etc/dhclient.conf'
+output_is 'mine
+644'
+
+it 'does without a file that the machine has removed meanwhile'
+on_other_mounts 'mount -t tmpfs none /var/log && echo text >/var/log/file && echo text >/var/log/more
+    (sleep 0.5 && rm /var/log/file) &
+    velk-sandbox --quiet -- sh -c "sleep 1; velk-sandbox --quiet -- ls /var/log"'
+output_is 'more
+syslog'
+error_is ''
+
+it 'stands in a private place when started in one'
+cd /tmp || exit
+on_device sh -c 'pwd; ls -A . | grep -v "^tmp\."; touch new && ls new'
+has 'standard output' '/tmp' "$output"
+has 'standard output' 'new' "$output"
+cd "$lib_folder" || exit
+
+it 'can be started anywhere'
+cd / || exit
+on_device readlink /proc/self/cwd
+output_is /
+mkdir "$lib_folder/gone"
+cd "$lib_folder/gone" || exit
+rmdir "$lib_folder/gone"
+on_device readlink /proc/self/cwd
+output_is /
+cd "$lib_folder" || exit
+
+it 'finds the tools in the sbin folders'
+run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox --quiet -- sh -c 'echo "$PATH"'
+output_is "$VELK_BUILD:$VELK_BUILD:/usr/bin:/bin:/usr/local/sbin:/usr/sbin:/sbin"
+
+# --- exit statuses and messages ---
+
+it 'answers with the status of the command'
+on_device true
+status_is 0
+on_device_sh 'exit 42'
+status_is 42
+on_device_sh 'kill -TERM $$'
+status_is 143
+on_device_sh 'kill -KILL $$'
+status_is 137
+
+it 'learns the status even when started with SIGCHLD ignored'
+run env --ignore-signal=CHLD velk-sandbox --quiet -- sh -c 'exit 9'
+status_is 9
+
+it 'hands the command its words to the letter'
+on_device printf '%s|' -- --quiet 'a b' ''
+output_is '--|--quiet|a b||'
+
+it 'says when a command is not found or cannot be run'
+run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox --quiet -- "$mark"
+status_is 127
+error_is "velk-sandbox: $mark: No such file or directory"
+on_device /etc/passwd
+status_is 126
+error_is 'velk-sandbox: /etc/passwd: Permission denied'
+
+it 'refuses what it does not understand'
+for words in --bogus '--quiet stray' --writable "--writable /$mark" "--rootfs /$mark"; do
+    # shellcheck disable=SC2086
+    run velk-sandbox $words
+    status_is 2
+    output_is ''
+    check 'lines of errors' 1 "$(echo "$error" | wc -l)"
+    check 'start of errors' 'velk-sandbox: ' "${error:0:14}"
+done
+
+it 'does not start with the whole machine writable'
+run velk-sandbox --writable / -- true
+status_is 125
+error_is 'velk-sandbox: the machine as a whole cannot stay writable'
+
+it 'says that the files of the device are missing'
+mkdir "$lib_folder/alone"
+cp "$VELK_BUILD/velk-sandbox" "$lib_folder/alone"
+run "$lib_folder/alone/velk-sandbox" -- true
+status_is 125
+error_is "velk-sandbox: cannot read $lib_folder/alone/../share/velk-sandbox/rootfs: No such file or directory"
+
+it 'finds them where they are installed'
+mkdir -p "$lib_folder/share/velk-sandbox"
+cp -R "$VELK_BUILD/rootfs" "$lib_folder/share/velk-sandbox"
+run "$lib_folder/alone/velk-sandbox" --quiet -- head -n 1 /var/libvelk/libvelk
+output_is 'ADMINISTRATOR=Robin'
+
+it 'gives the reason when the kernel allows no namespaces'
+run unshare -r sh -c 'echo 0 >/proc/sys/user/max_mnt_namespaces || exit 99
+    exec velk-sandbox -- true'
+if [ "$status" != 99 ]; then # as on a device, where that setting can only be read
+    status_is 125
+    error_is "velk-sandbox: cannot make mount and network namespaces: the limit in /proc/sys/user is reached"
+fi
+
+it 'says at the start what it is, unless told to be quiet'
+run velk-sandbox -- true
+output_is ''
+error_has '/var/tmp'
+error_has 'the rest of the machine is read-only. Leave with "exit".'
+check 'lines of errors' 2 "$(echo "$error" | wc -l)"
+run velk-sandbox --writable "$lib_folder" -- true
+error_has "read-only, except $lib_folder."
+on_device true
+error_is ''
+
+it 'tells its options and its version'
+run velk-sandbox --help
+status_is 0
+output_has 'Usage: velk-sandbox [OPTIONS] [-- COMMAND...]'
+output_has '--writable DIR'
+run velk-sandbox --version
+status_is 0
+output_has 'velk-sandbox '
+
+# --- signals and ends ---
+
+it 'starts the command with the default response to interrupt and quit'
+on_device sed -n 's/^SigIgn:\t//p' /proc/self/status
+check 'SIGINT and SIGQUIT among the ignored' 0 "$((0x$output & 6))"
+
+it 'collects the orphans'
+on_device_sh '(sleep 0.1 & ); sleep 0.3; cat /proc/[0-9]*/stat 2>/dev/null | grep -c " Z "'
+output_is 0
+
+it 'ends what the command left behind'
+on_device_sh "sleep $seconds & setsid sleep $seconds & sleep 0.1"
+status_is 0
+ends_all_processes
+
+for signal in KILL TERM HUP; do
+    it "ends with all its processes when it gets SIG$signal"
+    env --default-signal velk-sandbox --quiet -- \
+        sh -c "sleep $seconds & setsid sleep $seconds" 2>"$lib_folder/err" &
+    wait_until has_sleepers
+    check 'processes there' yes "$(has_sleepers && echo yes)"
+    kill -s "$signal" $!
+    wait $! 2>/dev/null
+    ends_all_processes
+done
+
+if command -v script >/dev/null; then
+    it 'gives an interactive shell at a terminal'
+    for shell in /bin/sh /bin/bash; do
+        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox" \
+            'tty; echo answer-$((6 * 7))\n' 'sleep 10\n' '\003' 'echo still; exit 3\n'
+        output_has answer-42
+        output_has /dev/pts/
+        output_has still
+        status_is 3
+        check 'complaints' '' "$(echo "$output" | grep -i -e 'job control' -e cannot -e "can't")"
+    done
+
+    it 'takes the terminal back from a shell that was killed'
+    at_terminal 'sh -c "env SHELL=/bin/bash HOME=/nonexistent velk-sandbox --quiet
+        read -r line; echo got-\$line"' 'kill -9 $$\n' 'hello\n'
+    output_has got-hello
+
+    it 'leaves the interrupt key to the command'
+    at_terminal "exec velk-sandbox --quiet -- sh -c 'trap \"echo caught; exit 7\" INT; sleep 10'" '' '\003'
+    output_has caught
+    status_is 7
+
+    it 'leaves the terminal to its neighbours in a pipeline'
+    at_terminal 'velk-sandbox --quiet -- sleep 1 |
+        { sleep 0.3; read -r line </dev/tty; echo "got-$line"; }' 'hello\n'
+    output_has got-hello
+fi
+
+it 'starts in less than half a second'
+fastest=999999
+for _ in 1 2 3 4 5; do
+    start=$(date +%s%N)
+    on_device true
+    took=$((($(date +%s%N) - start) / 1000000))
+    [ "$took" -lt "$fastest" ] && fastest=$took
+done
+check "fast start ($fastest ms)" yes "$([ "$fastest" -lt 500 ] && echo yes || echo no)"
+
+it 'leaves the machine as it was'
+lib_command='all of the above'
+check 'state of the machine' "$machine_before" "$(machine_state)"
+
+# --- again, as an ordinary user ---
+
+if [ "$user" = 0 ] && command -v setpriv >/dev/null; then
+    copy=$lib_folder/copy
+    mkdir -p "$copy/tests/device"
+    cp -R "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$copy"
+    cp "$VELK_SOURCE/tests/device/lib.sh" "$this_file" "$copy/tests/device"
+    chmod -R a+rX "$lib_folder"
+    cd "$copy" || exit
+    it 'works for an ordinary user'
+    run env -i PATH=/usr/bin:/bin HOME=/nonexistent VELK_BUILD="$copy" VELK_SOURCE="$copy" \
+        setpriv --reuid 65534 --regid 65534 --clear-groups \
+        bash "$copy/tests/device/${this_file##*/}"
+    printf 'as an ordinary user:\n%s\n' "$output"
+    [ "$status" = 77 ] || status_is 0
+fi
+
+finish

@@ -1,0 +1,160 @@
+// fake_daemon.cpp - a wireless daemon within the test.
+#include "support/fake_daemon.h"
+
+#include <cstddef>
+#include <cstring>
+#include <ctime>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <semaphore.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "support/libc_recorder.h"
+
+namespace testkit {
+namespace {
+
+constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
+constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+constexpr char kSemaphore[] = "/WlanAplRecvSem";
+
+sockaddr_un AddressOf(const char* path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    strcpy(address.sun_path, path);
+    return address;
+}
+
+// Waits until the library says that its reply socket exists; gives up when it does not.
+bool WaitUntilReady() {
+    sem_t* sem = sem_open(kSemaphore, 0, 0U, 0U);
+    if (sem == SEM_FAILED) {
+        return false;
+    }
+    timespec deadline{};
+    clock_gettime(CLOCK_REALTIME, &deadline);
+    deadline.tv_sec += 1;
+    const bool posted = sem_timedwait(sem, &deadline) == 0;
+    sem_close(sem);
+    return posted;
+}
+
+}  // namespace
+
+FakeDaemon::FakeDaemon() {
+    const Unrecorded unrecorded;
+    unlink(kRequestPath);
+    socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const sockaddr_un address = AddressOf(kRequestPath);
+    // The library's address lengths leave out the NUL; so must the name the kernel keeps.
+    const auto length =
+        static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(kRequestPath));
+    bind(socket_, reinterpret_cast<const sockaddr*>(&address), length);
+    thread_ = std::thread([this] { Serve(); });
+}
+
+void FakeDaemon::Stop() {
+    if (!thread_.joinable()) {
+        return;
+    }
+    const Unrecorded unrecorded;
+    stopping_ = true;
+    thread_.join();
+    close(socket_);
+    unlink(kRequestPath);
+}
+
+void FakeDaemon::SetConf(const SMsgConf& conf) {
+    const std::lock_guard guard(mutex_);
+    conf_.conf = conf;
+}
+
+void FakeDaemon::SetState(const SMsgState& state) {
+    const std::lock_guard guard(mutex_);
+    state_.state = state;
+}
+
+void FakeDaemon::ReplyWith(const std::string& bytes) {
+    const std::lock_guard guard(mutex_);
+    raw_reply_ = bytes;
+}
+
+void FakeDaemon::StaySilent() {
+    const std::lock_guard guard(mutex_);
+    is_silent_ = true;
+}
+
+SMsgConf FakeDaemon::conf() const {
+    const std::lock_guard guard(mutex_);
+    return conf_.conf;
+}
+
+std::vector<std::string> FakeDaemon::requests() const {
+    const std::lock_guard guard(mutex_);
+    return requests_;
+}
+
+std::vector<int> FakeDaemon::types() const {
+    std::vector<int> types;
+    for (const std::string& datagram : requests()) {
+        int16_t type = 0;
+        memcpy(&type, datagram.data(), sizeof(type));
+        types.push_back(type);
+    }
+    return types;
+}
+
+// Goes on until it is stopped and no request is waiting, so that none is lost.
+void FakeDaemon::Serve() {
+    const Unrecorded unrecorded;
+    for (;;) {
+        pollfd waiting{socket_, POLLIN, 0};
+        if (poll(&waiting, 1, 5) == 1) {
+            char buffer[1024];
+            const ssize_t size = recv(socket_, buffer, sizeof(buffer), 0);
+            Handle(std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0));
+        } else if (stopping_) {
+            return;
+        }
+    }
+}
+
+void FakeDaemon::Handle(const std::string& datagram) {
+    std::string reply;
+    {
+        const std::lock_guard guard(mutex_);
+        requests_.push_back(datagram);
+        int16_t type = 0;
+        memcpy(&type, datagram.data(), sizeof(type));
+        if (type == VELK_WLAN_STORE) {
+            memcpy(&conf_, datagram.data() + 4, sizeof(conf_));
+        }
+        if ((type != VELK_WLAN_REPORT && type != VELK_WLAN_STATE) || is_silent_) {
+            return;
+        }
+        reply = raw_reply_.value_or(ReplyTo(type));
+    }
+    if (WaitUntilReady()) {
+        Reply(reply);
+    }
+}
+
+std::string FakeDaemon::ReplyTo(int type) const {
+    const UMsgData& body = type == VELK_WLAN_REPORT ? conf_ : state_;
+    std::string bytes(4, '\x7f');  // the type of a reply is not looked at
+    bytes.append(reinterpret_cast<const char*>(&body), sizeof(body));
+    return bytes;
+}
+
+void FakeDaemon::Reply(const std::string& bytes) {
+    const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const sockaddr_un address = AddressOf(kReplyPath);
+    sendto(fd, bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr*>(&address),
+           sizeof(address));
+    close(fd);
+}
+
+}  // namespace testkit

@@ -1,0 +1,60 @@
+// fake_daemon.h - a wireless daemon within the test, over the real sockets and semaphore.
+#ifndef TESTS_SUPPORT_FAKE_DAEMON_H_
+#define TESTS_SUPPORT_FAKE_DAEMON_H_
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "velk.h"
+
+namespace testkit {
+
+// Stores the configuration it is sent, and answers queries once the library has posted the
+// semaphore. Its own calls are not recorded.
+class FakeDaemon {
+  public:
+    FakeDaemon();
+    ~FakeDaemon() { Stop(); }
+    FakeDaemon(const FakeDaemon&) = delete;
+    FakeDaemon& operator=(const FakeDaemon&) = delete;
+
+    // Ends the daemon and waits for it; its sockets are gone then.
+    void Stop();
+
+    void SetConf(const SMsgConf& conf);
+    void SetState(const SMsgState& state);
+    // Answers every query with these bytes instead of a proper reply.
+    void ReplyWith(const std::string& bytes);
+    // Never answers.
+    void StaySilent();
+
+    SMsgConf conf() const;
+    // The datagrams received so far, whole.
+    std::vector<std::string> requests() const;
+    // The type numbers of those.
+    std::vector<int> types() const;
+
+  private:
+    void Serve();
+    void Handle(const std::string& datagram);
+    void Reply(const std::string& bytes);
+    std::string ReplyTo(int type) const;
+
+    mutable std::mutex mutex_;
+    int socket_ = -1;
+    UMsgData conf_{};
+    UMsgData state_{};
+    std::optional<std::string> raw_reply_;
+    bool is_silent_ = false;
+    std::vector<std::string> requests_;
+    std::atomic<bool> stopping_ = false;
+    std::thread thread_;
+};
+
+}  // namespace testkit
+
+#endif  // TESTS_SUPPORT_FAKE_DAEMON_H_

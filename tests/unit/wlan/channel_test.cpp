@@ -1,0 +1,248 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <string>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/fake_daemon.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testkit::Call;
+using testkit::Event;
+using testkit::Fail;
+using testkit::Return;
+
+constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+
+class ChannelTest : public testkit::DeviceTest {
+  protected:
+    void TearDown() override {
+        daemon.Stop();
+        DeviceTest::TearDown();
+    }
+    testkit::FakeDaemon daemon;
+};
+
+class SendTest : public ChannelTest {};
+
+TEST_F(SendTest, AMessageHas240BytesWithItsTypeInFront) {
+    UMsgData body;
+    memset(&body, 0xAB, sizeof(body));
+    EXPECT_EQ(SendWlanRequestMessage(0x0102, &body), 0);
+    daemon.Stop();
+    EXPECT_THAT(daemon.requests(),
+                ElementsAre(std::string("\x02\x01\0\0", 4) + std::string(236, '\xAB')));
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(SendTest, AMessageWithoutABodyCarriesZeros) {
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), 0);
+    daemon.Stop();
+    EXPECT_THAT(daemon.requests(), ElementsAre(std::string("\3", 1) + std::string(239, '\0')));
+}
+
+TEST_F(SendTest, TheAddressLengthIsThePathsPlusTwo) {
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), 0);
+    const Event call = libc().Events(Call::kConnect)[0];
+    EXPECT_EQ(call.text, "/tmp/WlanAplToWlanSock");
+    EXPECT_EQ(call.number, 22 + 2);
+}
+
+TEST_F(SendTest, TheSocketIsADatagramSocketAndNeverWaits) {
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), 0);
+    EXPECT_EQ(libc().Events(Call::kSocket)[0].text, std::to_string(AF_UNIX));
+    EXPECT_EQ(libc().Events(Call::kSocket)[0].number, SOCK_DGRAM | SOCK_CLOEXEC);
+    EXPECT_EQ(libc().Events(Call::kSendto)[0].number, MSG_DONTWAIT);
+    EXPECT_EQ(libc().Events(Call::kSendto)[0].text.size(), 240U);
+}
+
+TEST_F(SendTest, EachFailingCallIsLogged) {
+    libc().Script(Call::kSocket, {Fail(EMFILE)});
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), -1);
+    libc().Script(Call::kConnect, {Fail(ECONNREFUSED)});
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), -1);
+    libc().Script(Call::kSendto, {Fail(EAGAIN)});
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), -1);
+    EXPECT_THAT(
+        libc().Logs(),
+        ElementsAre("SendWlanRequestMessage socket:errno=24:Too many open files",
+                    "SendWlanRequestMessage connect:errno=111:Connection refused",
+                    "SendWlanRequestMessage sendto:errno=11:Resource temporarily unavailable"));
+    EXPECT_EQ(libc().Events(Call::kClose).size(), 2U) << "every socket that was had";
+}
+
+TEST_F(SendTest, WithoutADaemonItFailsAtConnect) {
+    daemon.Stop();
+    EXPECT_EQ(SendWlanRequestMessage(3, nullptr), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("SendWlanRequestMessage connect:errno=2:No such file or directory"));
+}
+
+// Receiving, with a reply that is sent from the hook of the readiness post or lies there already.
+class ReceiveTest : public ChannelTest {
+  protected:
+    void SetUp() override {
+        ChannelTest::SetUp();
+        ready = CreatSemaphore();
+        memset(&out, 0xEE, sizeof(out));
+    }
+    void TearDown() override {
+        DeleteSemaphore(ready);
+        ChannelTest::TearDown();
+    }
+    // Asks the daemon, so that it replies once the semaphore is posted.
+    int ReceiveReply(const std::string& bytes) {
+        daemon.ReplyWith(bytes);
+        EXPECT_EQ(SendWlanRequestMessage(VELK_WLAN_STATE, nullptr), 0);
+        return RecvWlanResponseMessage(out, ready);
+    }
+    std::string Body() { return {reinterpret_cast<const char*>(&out), sizeof(out)}; }
+
+    sem_t* ready = nullptr;
+    UMsgData out;
+};
+
+TEST_F(ReceiveTest, TheBodyIsWhatStandsBehindTheFirstFourBytes) {
+    EXPECT_EQ(ReceiveReply("TTzz" + std::string(235, 'b') + "e"), 0);
+    EXPECT_EQ(Body(), std::string(235, 'b') + "e");
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(ReceiveTest, WhatAShortReplyLacksIsZero) {
+    EXPECT_EQ(ReceiveReply("TTzzbbb"), 0);
+    EXPECT_EQ(Body(), "bbb" + std::string(233, '\0'));
+    EXPECT_EQ(ReceiveReply("TT"), 0);
+    EXPECT_EQ(Body(), std::string(236, '\0'));
+}
+
+TEST_F(ReceiveTest, AnEmptyReplyIsAllZero) {
+    EXPECT_EQ(ReceiveReply(""), 0);
+    EXPECT_EQ(Body(), std::string(236, '\0'));
+}
+
+TEST_F(ReceiveTest, OfALongReplyTheRestIsCut) {
+    EXPECT_EQ(ReceiveReply("TTzz" + std::string(900, 'b')), 0);
+    EXPECT_EQ(Body(), std::string(236, 'b'));
+    EXPECT_EQ(libc().Events(Call::kRecvfrom)[0].text, "240");
+    EXPECT_EQ(libc().Events(Call::kRecvfrom)[0].number, MSG_DONTWAIT);
+}
+
+TEST_F(ReceiveTest, TheStepsComeInTheirOrder) {
+    EXPECT_EQ(ReceiveReply("TTzz"), 0);
+    std::vector<std::string> order =
+        libc().Order({Call::kUnlink, Call::kSocket, Call::kBind, Call::kSemPost, Call::kSelect,
+                      Call::kRecvfrom, Call::kClose});
+    order.erase(order.begin(), order.begin() + 2);  // the sending socket
+    EXPECT_THAT(order, ElementsAre("unlink", "socket", "bind", "sem_post", "select", "recvfrom",
+                                   "close", "unlink"));
+}
+
+TEST_F(ReceiveTest, TheReplySocketIsGoneAfterwards) {
+    EXPECT_EQ(ReceiveReply("TTzz"), 0);
+    EXPECT_FALSE(testkit::Exists(kReplyPath));
+    EXPECT_EQ(libc().Events(Call::kBind)[0].text, kReplyPath);
+    EXPECT_EQ(libc().Events(Call::kBind)[0].number, 24 + 2);
+}
+
+TEST_F(ReceiveTest, AStaleReplySocketDoesNoHarm) {
+    testkit::WriteFile(kReplyPath, "of a crash");
+    EXPECT_EQ(ReceiveReply("TTzz"), 0);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(ReceiveTest, WithoutAReplyItGivesUpAfterSixtySeconds) {
+    libc().Script(Call::kSelect, {Return(0)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_EQ(libc().Events(Call::kSelect)[0].text, "60");
+    EXPECT_THAT(libc().Logs(), ElementsAre("RecvWlanResponseMessage select timeout"));
+    EXPECT_FALSE(testkit::Exists(kReplyPath));
+    EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
+}
+
+TEST_F(ReceiveTest, AFailedSelectIsLogged) {
+    libc().Script(Call::kSelect, {Fail(EINTR)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("RecvWlanResponseMessage select errno=4:Interrupted system call"));
+    EXPECT_FALSE(testkit::Exists(kReplyPath));
+}
+
+TEST_F(ReceiveTest, AFailedReceiveIsLogged) {
+    libc().Script(Call::kSelect, {Return(1)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("RecvWlanResponseMessage recvfrom size=0"));
+    EXPECT_EQ(Body(), std::string(236, '\xEE'));
+}
+
+TEST_F(ReceiveTest, AFailedSocketIsLogged) {
+    libc().Script(Call::kSocket, {Fail(ENFILE)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(
+        libc().Logs(),
+        ElementsAre("RecvWlanResponseMessage socket:errno=23:Too many open files in system"));
+    EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
+}
+
+// The one path that leaves its socket open.
+TEST_F(ReceiveTest, AFailedBindIsLoggedAndLeavesTheSocketOpen) {
+    const std::vector<int> before = testkit::OpenDescriptors();
+    libc().Script(Call::kBind, {Fail(EADDRINUSE)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("RecvWlanResponseMessage bind errno=98:Address already in use"));
+    EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
+    EXPECT_EQ(libc().Events(Call::kUnlink).size(), 1U);
+    std::vector<int> left;
+    const std::vector<int> after = testkit::OpenDescriptors();
+    std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
+                        std::back_inserter(left));
+    ASSERT_EQ(left.size(), 1U);
+    close(left[0]);
+}
+
+TEST_F(ReceiveTest, AFailedPostIsLoggedAndTheReplyAwaited) {
+    libc().Script(Call::kSemPost, {Fail(EOVERFLOW)});
+    libc().Script(Call::kSelect, {Return(0)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("RecvWlanResponseMessage sem_post errno=75:Value too large for defined "
+                            "data type",
+                            "RecvWlanResponseMessage select timeout"));
+}
+
+TEST_F(ReceiveTest, ANullSemaphoreIsAnsweredAsInvalid) {
+    libc().Script(Call::kSelect, {Return(0)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, nullptr), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("RecvWlanResponseMessage sem_post errno=22:Invalid argument",
+                            "RecvWlanResponseMessage select timeout"));
+    EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
+}
+
+TEST_F(ReceiveTest, ADescriptorThatNoSetCanHoldIsAFailedSelect) {
+    const rlimit many{4096, 4096};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &many), 0);
+    std::vector<int> held;
+    while (held.empty() || held.back() < FD_SETSIZE) {
+        held.push_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    }
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    for (const int fd : held) {
+        close(fd);
+    }
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("RecvWlanResponseMessage select errno=22:Invalid argument"));
+    EXPECT_TRUE(libc().Events(Call::kSelect).empty());
+}
+
+}  // namespace

@@ -1,0 +1,109 @@
+// call_verb.cpp - the verb that runs a command of the library as it stands.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "velkctl/device.h"
+#include "velkctl/hex.h"
+#include "velkctl/result_codes.h"
+#include "velkctl/terminal.h"
+#include "velkctl/verbs.h"
+
+namespace velkctl {
+namespace {
+
+struct TypeWord {
+    std::string_view word;
+    velk_command_type type;
+};
+
+constexpr std::array<TypeWord, 3> kTypeWords{{
+    {"get", VELK_GET},
+    {"set", VELK_SET},
+    {"restart", VELK_RESTART},
+}};
+
+std::optional<velk_command_type> ParseType(std::string_view word) {
+    const auto* row = std::find_if(kTypeWords.begin(), kTypeWords.end(),
+                                   [word](const TypeWord& known) { return known.word == word; });
+    if (row == kTypeWords.end()) {
+        return std::nullopt;
+    }
+    return row->type;
+}
+
+std::optional<uint32_t> ParseId(const std::string& word) {
+    uint32_t id = 0;
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, id);
+    if (error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    return id;
+}
+
+Parsed ParseText(const std::string& text) {
+    Parsed parsed;
+    if (text.size() > parsed.data.size()) {
+        return Unparsable(std::to_string(text.size()) +
+                          " bytes are too many; the data area holds 512");
+    }
+    (void)text.copy(parsed.data.data(), parsed.data.size());
+    return parsed;
+}
+
+// The data bytes that --text or --hex gives; all zero without them.
+Parsed ParseData(const Invocation& invocation) {
+    if (invocation.text && invocation.hex) {
+        return Unparsable("--text and --hex exclude each other; give one of them");
+    }
+    Parsed parsed;
+    if (invocation.text) {
+        parsed = ParseText(*invocation.text);
+    } else if (invocation.hex) {
+        parsed = ParseHex(*invocation.hex);
+    }
+    if (!parsed.ok()) {
+        parsed.problem.insert(0, invocation.text ? "--text: " : "--hex: ");
+    }
+    return parsed;
+}
+
+ExitStatus CallAndTell(const Command& command, const Data& data) {
+    const Answer answer = Execute(command, data);
+    Print(DescribeResult(answer.result) + "\n");
+    if (command.type == VELK_GET) {
+        Print(Dump(answer.data));
+    }
+    return FindResultCode(answer.result).status;
+}
+
+}  // namespace
+
+ExitStatus RunCall(const Invocation& invocation) {
+    const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
+    if (!type) {
+        return Refuse("call: " + Quoted(invocation.words[0]) +
+                      " is not a command type; give get, set or restart");
+    }
+    const std::optional<uint32_t> id = ParseId(invocation.words[1]);
+    if (!id) {
+        return Refuse("call: " + Quoted(invocation.words[1]) +
+                      " is not a command id; give a decimal number such as 108");
+    }
+    const std::string interface = invocation.words.size() > 2 ? invocation.words[2] : "";
+    if (interface.size() > VELK_INTERFACE_SIZE) {
+        return Refuse("call: interface " + Quoted(interface) +
+                      " is too long; give eth0, eth1 or another name of at most 16 bytes");
+    }
+    const Parsed data = ParseData(invocation);
+    if (!data.ok()) {
+        return Refuse("call: " + data.problem);
+    }
+    return CallAndTell({*type, *id, interface}, data.data);
+}
+
+}  // namespace velkctl

@@ -1,0 +1,21 @@
+// hex.h - data bytes written as hex digits, and shown as a hex and text dump.
+#ifndef VELKCTL_HEX_H_
+#define VELKCTL_HEX_H_
+
+#include <string>
+#include <string_view>
+
+#include "velkctl/data.h"
+
+namespace velkctl {
+
+// Reads two hex digits for each byte; blanks and colons may stand between the bytes.
+Parsed ParseHex(std::string_view text);
+
+// Sixteen bytes a line, as hexdump -C shows them, up to the last byte that is not zero, and the
+// number of bytes as the last line. Empty when all are zero.
+std::string Dump(const Data& data);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_HEX_H_

@@ -1,0 +1,104 @@
+// setting_verbs.cpp - the verbs that work on settings by name.
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "velkctl/catalogue.h"
+#include "velkctl/device.h"
+#include "velkctl/result_codes.h"
+#include "velkctl/terminal.h"
+#include "velkctl/verbs.h"
+
+namespace velkctl {
+namespace {
+
+// A setting that may be read; complains when there is none.
+std::optional<Setting> FindReadable(const std::string& name) {
+    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    if (!setting) {
+        Complain("get: " + UnknownSetting(Catalogue(), name));
+        return std::nullopt;
+    }
+    if (!setting->can_get()) {
+        Complain(name + ": cannot be read, only set");
+        return std::nullopt;
+    }
+    return setting;
+}
+
+// Reads one setting and prints its value behind the prefix.
+ExitStatus Show(const Setting& setting, const std::string& prefix) {
+    const Answer answer = Execute({VELK_GET, setting.row->id, setting.interface});
+    if (answer.result != LIB_VELK_SUCCESS) {
+        Complain(DescribeFailure(setting.name() + ": could not be read", answer.result));
+        return FindResultCode(answer.result).status;
+    }
+    Print(prefix + setting.row->kind->print(answer.data) + "\n");
+    return ExitStatus::kDone;
+}
+
+std::string Padded(std::string text, size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+std::string Directions(const Setting& setting) {
+    return std::string(setting.can_get() ? "get" : "   ") + (setting.can_set() ? " set" : "    ");
+}
+
+}  // namespace
+
+ExitStatus RunGet(const Invocation& invocation) {
+    std::vector<Setting> settings;
+    for (const std::string& name : invocation.words) {
+        const std::optional<Setting> setting = FindReadable(name);
+        if (!setting) {
+            return ExitStatus::kInvalid;
+        }
+        settings.push_back(*setting);
+    }
+    ExitStatus first_failure = ExitStatus::kDone;
+    for (const Setting& setting : settings) {
+        const ExitStatus status = Show(setting, settings.size() == 1 ? "" : setting.name() + " = ");
+        if (first_failure == ExitStatus::kDone) {
+            first_failure = status;
+        }
+    }
+    return first_failure;
+}
+
+ExitStatus RunSet(const Invocation& invocation) {
+    const std::string& name = invocation.words.front();
+    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    if (!setting) {
+        return Refuse("set: " + UnknownSetting(Catalogue(), name));
+    }
+    if (!setting->can_set()) {
+        return Refuse(name + ": cannot be set, only read");
+    }
+    const Parsed value = setting->row->kind->parse(std::span(invocation.words).subspan(1));
+    if (!value.ok()) {
+        return Refuse(name + ": " + value.problem);
+    }
+    const Answer answer = Execute({VELK_SET, setting->row->id, setting->interface}, value.data);
+    if (answer.result != LIB_VELK_SUCCESS) {
+        Complain(DescribeFailure(name + ": could not be set", answer.result));
+    }
+    return FindResultCode(answer.result).status;
+}
+
+ExitStatus RunList(const Invocation& /*invocation*/) {
+    const std::vector<Setting> settings = SettingsOf(Catalogue());
+    size_t width = 0;
+    for (const Setting& setting : settings) {
+        width = std::max(width, setting.name().size());
+    }
+    for (const Setting& setting : settings) {
+        Print(Padded(setting.name(), width) + "  " + Directions(setting) + "  " +
+              std::string(setting.row->help) + "\n");
+    }
+    return ExitStatus::kDone;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,90 @@
+// value_kinds.cpp - how the values of settings are written in words and lie in the data bytes.
+#include "velkctl/value_kinds.h"
+
+#include <cstring>
+#include <string_view>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
+#include "velkctl/terminal.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kNone = "none";
+constexpr size_t kSlots = 3;
+constexpr size_t kSlotSize = 16;
+
+// Four decimal numbers, none with a leading zero: other programs read 010 as 8.
+bool IsAddress(const std::string& word) {
+    in_addr address{};
+    return word.find('\0') == std::string::npos && inet_pton(AF_INET, word.c_str(), &address) == 1;
+}
+
+// What is wrong with the words; empty when they make a server list.
+std::string ServerListProblem(std::span<const std::string> words) {
+    if (words.empty()) {
+        return "no value given; give one to three IPv4 addresses such as 192.168.0.1, or none";
+    }
+    for (const std::string& word : words) {
+        if (word == kNone) {
+            return "'none' stands alone; give either addresses or none";
+        }
+        if (!IsAddress(word)) {
+            return Quoted(word) +
+                   " is not an IPv4 address; give one to three such as 192.168.0.1, or none";
+        }
+    }
+    if (words.size() > kSlots) {
+        return std::to_string(words.size()) + " addresses given; give one to three, or none";
+    }
+    return {};
+}
+
+// A slot whose last byte is in use is a text of that length, whatever lies inside it.
+std::string_view SlotText(const Data& data, size_t index) {
+    const char* slot = &data[index * kSlotSize];
+    const bool filled = slot[kSlotSize - 1] != '\0';
+    return {slot, filled ? kSlotSize : strlen(slot)};
+}
+
+// A blank inside a slot must not look like the gap between two.
+std::string PrintableWord(std::string_view text) {
+    std::string word;
+    for (const char byte : text) {
+        word.append(byte == ' ' ? "\\x20" : Printable({&byte, 1}));
+    }
+    return word;
+}
+
+}  // namespace
+
+Parsed ParseServerList(std::span<const std::string> words) {
+    if (words.size() == 1 && words.front() == kNone) {
+        return {};
+    }
+    Parsed parsed;
+    parsed.problem = ServerListProblem(words);
+    if (!parsed.ok()) {
+        return parsed;
+    }
+    for (size_t i = 0; i < words.size(); ++i) {
+        (void)words[i].copy(&parsed.data[i * kSlotSize], kSlotSize);
+    }
+    return parsed;
+}
+
+std::string PrintServerList(const Data& data) {
+    std::string text;
+    for (size_t i = 0; i < kSlots; ++i) {
+        const std::string_view server = SlotText(data, i);
+        if (server.empty()) {
+            continue;  // a line of the file without an address; the servers behind it count
+        }
+        text.append(text.empty() ? "" : " ").append(PrintableWord(server));
+    }
+    return text.empty() ? std::string(kNone) : text;
+}
+
+}  // namespace velkctl

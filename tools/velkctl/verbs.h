@@ -1,0 +1,50 @@
+// verbs.h - what velkctl can be told to do.
+#ifndef VELKCTL_VERBS_H_
+#define VELKCTL_VERBS_H_
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velkctl/exit_status.h"
+
+namespace velkctl {
+
+// The arguments behind a verb, as its row says they may be.
+struct Invocation {
+    std::vector<std::string> words{};  // those that are no options
+    std::optional<std::string> text{};
+    std::optional<std::string> hex{};
+};
+
+// An option that takes a value.
+struct VerbOption {
+    std::string_view name;   // "--text"
+    std::string_view value;  // what its value is called in help
+    std::string_view help;
+    std::optional<std::string> Invocation::*target;
+};
+
+struct Verb {
+    std::string_view name;
+    std::string_view arguments;
+    std::string_view summary;  // one line, for the list of verbs
+    std::string_view help;     // what more there is to say, with examples
+    size_t min_words;
+    size_t max_words;
+    std::span<const VerbOption> options;
+    ExitStatus (*run)(const Invocation& invocation);
+};
+
+std::span<const Verb> Verbs();
+
+ExitStatus RunGet(const Invocation& invocation);
+ExitStatus RunSet(const Invocation& invocation);
+ExitStatus RunList(const Invocation& invocation);
+ExitStatus RunCall(const Invocation& invocation);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_VERBS_H_

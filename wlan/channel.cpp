@@ -1,0 +1,137 @@
+// channel.cpp - messages to and from the wireless daemon.
+#include <cerrno>
+#include <cstring>
+
+#include <semaphore.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "frame/log.h"
+#include "frame/unique_fd.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
+constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+constexpr time_t kReplySeconds = 60;
+
+struct Message {
+    int16_t type;
+    char zero[2];
+    UMsgData body;
+};
+static_assert(offsetof(Message, type) == 0);
+static_assert(offsetof(Message, body) == 4);
+static_assert(sizeof(Message) == 240);
+
+// The length counts the path without its NUL, as the daemon's side does.
+struct Address {
+    template <size_t kSize>
+    explicit Address(const char (&path)[kSize])
+        : length(offsetof(sockaddr_un, sun_path) + kSize - 1) {
+        unix_address.sun_family = AF_UNIX;
+        memcpy(unix_address.sun_path, path, kSize);
+    }
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&unix_address); }
+
+    sockaddr_un unix_address{};
+    const socklen_t length;
+};
+
+UniqueFd OpenSocket() {
+    return UniqueFd(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+}
+
+// Tells the daemon that the reply socket exists. The reply is waited for even when that fails.
+void PostReady(const sem_t* ready) {
+    int error = EINVAL;
+    if (ready != nullptr) {
+        error = sem_post(const_cast<sem_t*>(ready)) == -1 ? errno : 0;
+    }
+    if (error != 0) {
+        LogErrno("RecvWlanResponseMessage sem_post errno=%d:%s", error);
+    }
+}
+
+// As select(2) on one descriptor; one that no fd_set can hold is an invalid argument.
+int WaitReadable(int fd) {
+    if (fd >= FD_SETSIZE) {
+        errno = EINVAL;
+        return -1;
+    }
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(fd, &readable);
+    timeval time_left{kReplySeconds, 0};
+    return select(fd + 1, &readable, nullptr, nullptr, &time_left);
+}
+
+int ReceiveReply(int fd, UMsgData& out) {
+    const int ready = WaitReadable(fd);
+    if (ready == -1) {
+        LogErrno("RecvWlanResponseMessage select errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (ready == 0) {
+        Log("RecvWlanResponseMessage select timeout");
+        return LIB_VELK_FAILURE;
+    }
+    Message reply{};  // what a short reply lacks stays zero
+    if (recvfrom(fd, &reply, sizeof(reply), MSG_DONTWAIT, nullptr, nullptr) == -1) {
+        Log("RecvWlanResponseMessage recvfrom size=0");
+        return LIB_VELK_FAILURE;
+    }
+    out = reply.body;
+    return LIB_VELK_SUCCESS;
+}
+
+}  // namespace
+}  // namespace velk
+
+int SendWlanRequestMessage(short type, const UMsgData* body) {
+    const velk::UniqueFd fd = velk::OpenSocket();
+    if (fd.get() == -1) {
+        velk::LogErrno("SendWlanRequestMessage socket:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    velk::Message message{};
+    message.type = type;
+    if (body != nullptr) {
+        message.body = *body;
+    }
+    const velk::Address daemon(velk::kRequestPath);
+    if (connect(fd.get(), daemon.get(), daemon.length) == -1) {
+        velk::LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (sendto(fd.get(), &message, sizeof(message), MSG_DONTWAIT, nullptr, 0) == -1) {
+        velk::LogErrno("SendWlanRequestMessage sendto:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
+    unlink(velk::kReplyPath);  // left behind by a program that crashed
+    velk::UniqueFd fd = velk::OpenSocket();
+    if (fd.get() == -1) {
+        velk::LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    const velk::Address self(velk::kReplyPath);
+    if (bind(fd.get(), self.get(), self.length) == -1) {
+        velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", errno);
+        // This one path leaves its socket open, as management programs have always seen it.
+        (void)fd.Release();
+        return LIB_VELK_FAILURE;
+    }
+    velk::PostReady(ready);
+    const int result = velk::ReceiveReply(fd.get(), out);
+    fd.Reset();
+    unlink(velk::kReplyPath);
+    return result;
+}

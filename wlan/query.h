@@ -1,0 +1,15 @@
+// query.h - one question to the wireless daemon and its answer.
+#ifndef VELK_WLAN_QUERY_H_
+#define VELK_WLAN_QUERY_H_
+
+#include "velk.h"
+
+namespace velk {
+
+// Sends a message without a body and waits for the reply. Returns LIB_VELK_SUCCESS, or what sending
+// or receiving returned. The semaphore is gone afterwards.
+int QueryWlanDaemon(short type, UMsgData& out);
+
+}  // namespace velk
+
+#endif  // VELK_WLAN_QUERY_H_
