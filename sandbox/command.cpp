@@ -35,6 +35,7 @@ std::string SearchPath(const std::string& program_folder) {
 
 std::vector<char*> ArgumentsOf(std::vector<std::string>& words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

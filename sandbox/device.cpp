@@ -1,6 +1,7 @@
 // device.cpp - moves a process onto a device of its own, step by step.
 #include "sandbox/device.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include <unistd.h>
@@ -19,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 void ProtectMachine(const std::vector<KeptFolder>& writable, const Plan& plan) {
-    if (IsWithinAny("/", writable)) {
+    if (std::ranges::find(writable, "/", &KeptFolder::path) != writable.end()) {
         throw Failure("the machine as a whole cannot stay writable");
     }
     MakeReadOnly("/");
@@ -28,13 +29,12 @@ void ProtectMachine(const std::vector<KeptFolder>& writable, const Plan& plan) {
     });
 }
 
-// A folder within a writable one comes back with that one, and writable.
+// The writable ones come last: a kept folder within one of them is to be writable, too.
 void ShowHidden(const std::vector<KeptFolder>& kept, const std::vector<KeptFolder>& writable,
                 const Plan& plan) {
-    ShowFolders(kept, [&](const fs::path& path) {
-        return IsHidden(path, plan) && !IsWithinAny(path, writable);
-    });
-    ShowFolders(writable, [&plan](const fs::path& path) { return IsHidden(path, plan); });
+    const auto is_hidden = [&plan](const fs::path& path) { return IsHidden(path, plan); };
+    ShowFolders(kept, is_hidden);
+    ShowFolders(writable, is_hidden);
 }
 
 // A process keeps the folder it stands in even when another one covers it: step into that one.

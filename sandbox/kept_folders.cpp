@@ -1,7 +1,6 @@
 // kept_folders.cpp - folders of the machine that stay what they are on the device.
 #include "sandbox/kept_folders.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -29,15 +28,6 @@ KeptFolder HoldFolder(const std::string& folder) {
 }
 
 }  // namespace
-
-bool IsWithin(const fs::path& path, const fs::path& folder) {
-    return std::ranges::mismatch(folder, path).in1 == folder.end();
-}
-
-bool IsWithinAny(const fs::path& path, const std::vector<KeptFolder>& folders) {
-    return std::ranges::any_of(
-        folders, [&path](const KeptFolder& folder) { return IsWithin(path, folder.path); });
-}
 
 std::vector<KeptFolder> HoldFolders(const std::vector<std::string>& folders) {
     std::vector<KeptFolder> kept;

@@ -16,10 +16,6 @@ struct KeptFolder {
     velk::UniqueFd held;
 };
 
-// True when `path` is the folder or lies below it.
-bool IsWithin(const std::filesystem::path& path, const std::filesystem::path& folder);
-bool IsWithinAny(const std::filesystem::path& path, const std::vector<KeptFolder>& folders);
-
 // Takes hold of folders as they are now. Throws Failure for one that is not there.
 std::vector<KeptFolder> HoldFolders(const std::vector<std::string>& folders);
 

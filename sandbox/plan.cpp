@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "sandbox/kept_folders.h"
-
 namespace sandbox {
 namespace {
 
@@ -44,6 +42,10 @@ constexpr const char* kFiles[] = {
     "/etc/resolv.dnsmasq.conf",
     "/sbin/dhclient-script",
 };
+
+bool IsWithin(const fs::path& path, const fs::path& folder) {
+    return std::ranges::mismatch(folder, path).in1 == folder.end();
+}
 
 }  // namespace
 

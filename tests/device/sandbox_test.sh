@@ -206,7 +206,7 @@ on_device_sh 'echo 1 >/proc/sys/net/ipv4/ip_forward && cat /proc/sys/net/ipv4/ip
 output_is 1
 
 it 'cannot set the clock'
-on_device grep -E '^Cap(Inh|Prm|Eff|Bnd|Amb):' /proc/self/status
+on_device grep ^Cap /proc/self/status
 check 'sets shown' 5 "$(echo "$output" | wc -l)"
 while read -r set; do
     check "clock in $set" 0 "$(clock_bit "$set")"
@@ -215,7 +215,7 @@ done <<<"$output"
 if setpriv --inh-caps=+sys_time --ambient-caps=+sys_time true 2>/dev/null; then
     it 'cannot set the clock when the right to is handed down'
     run setpriv --inh-caps=+sys_time --ambient-caps=+sys_time \
-        velk-sandbox --quiet -- grep -E '^Cap(Inh|Amb):' /proc/self/status
+        velk-sandbox --quiet -- grep ^Cap /proc/self/status
     while read -r set; do
         check "clock in $set" 0 "$(clock_bit "$set")"
     done <<<"$output"

@@ -228,6 +228,10 @@ refused "eth1.dns: '1.1.1.256' is not an IPv4 address; give one to three such as
 it 'refuses none among addresses'
 refused "eth0.dns: 'none' stands alone; give either addresses or none" set eth0.dns none 1.1.1.1
 
+it 'names a word in another script as it is written'
+refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
+    set eth0.dns café
+
 it 'keeps its complaint on one line, without control characters'
 refused "eth0.dns: '\\x1b[31m\\x0a1.1.1.1' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
     set eth0.dns $'\e[31m\n1.1.1.1'
@@ -237,7 +241,7 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
     set eth0.dns
 
 it 'refuses a missing name'
-refused 'get: argument missing; usage: velkctl get NAME...' get
+refused 'get: argument missing; usage: velkctl get NAME... [--show-secrets]' get
 refused 'set: argument missing; usage: velkctl set NAME VALUE...' set
 
 it 'refuses a name that there is not'
@@ -251,9 +255,9 @@ refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dn
 refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses a verb that there is not'
-refused "unknown verb 'put'; give get, set, list or call ('velkctl --help' explains them)" \
+refused "unknown verb 'put'; give get, set, restart, list or call ('velkctl --help' explains them)" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, list or call ('velkctl --help' explains them)"
+refused "no verb given; give get, set, restart, list or call ('velkctl --help' explains them)"
 
 it 'refuses an option that there is not'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
@@ -264,12 +268,25 @@ refused "set: unknown option '-q'; 'velkctl set --help' lists the options" \
     set eth0.dns 1.1.1.1 -q
 refused "get: unknown option '--version'; 'velkctl get --help' lists the options" \
     get --version eth0.dns
-refused "call: unknown option '--texts=1.1.1.1'; 'velkctl call --help' lists the options" \
+refused "call: unknown option '--texts'; 'velkctl call --help' lists the options" \
     call set 108 eth0 --texts=1.1.1.1
+
+it 'refuses a value for an option that takes none'
+refused "option '--help' takes no value; leave it out" --help=foo
+refused "option '--help' takes no value; leave it out" --help=
+refused "option '-h' takes no value; leave it out" -hfoo
+refused "option '--version' takes no value; leave it out" --version=foo
+refused "set: option '--help' takes no value; leave it out" set eth0.dns 1.1.1.1 --help=foo
+refused "set: option '-h' takes no value; leave it out" set eth0.dns -hallo
+refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
+
+it 'refuses name and value as one word'
+refused "set: 'eth0.dns' is followed by '='; give name and value as two arguments" \
+    set eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
 refused "list: 'eth0.dns' is one argument too many; usage: velkctl list" list eth0.dns
-refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX]" \
+refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]" \
     call set 108 eth0 x
 
 # ---- list -------------------------------------------------------------------------------------
@@ -277,9 +294,17 @@ it 'lists each setting with its directions and what it is'
 on_device velkctl list
 status_is 0
 error_is ''
-output_has 'eth0.dns  get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
+output_has 'eth0.mac-address        get      hardware address: 12 hex digits
 '
-output_has 'eth1.dns  get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list'
+output_has 'eth0.dns                get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
+eth1.dns                get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
+'
+output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half
+'
+output_has 'eth1.wep-key-1          get set  WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret
+'
+output_has 'eth1.psk                get set  pre-shared key: a text of 1 to 64 bytes, or none; secret
+'
 
 # ---- call -------------------------------------------------------------------------------------
 it 'shows the result and the data bytes of a get'
@@ -368,11 +393,11 @@ refused 'call: --hex: more than 512 bytes; the data area holds 512' \
     call set 108 eth0 --hex "$(printf '%01026d' 0)"
 
 it 'refuses hex digits that make no bytes'
-refused "call: --hex: the digit '1' at character 3 stands alone; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: the digit at character 3 stands alone; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0a1
-refused "call: --hex: the digit '0' at character 1 stands alone; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: the digit at character 1 stands alone; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex '0 a'
-refused "call: --hex: 'x' at character 2 is not a hex digit; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: character 2 is not a hex digit; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0x31
 
 it 'refuses data given in more than one way'
@@ -391,7 +416,7 @@ for id in dns 108x 0x6c -1 4294967296 ''; do
     refused "call: '$id' is not a command id; give a decimal number such as 108" \
         call set "$id" eth0
 done
-refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX]" \
+refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]" \
     call set
 refused "call: interface 'eth0eth0eth0eth01' is too long; give eth0, eth1 or another name of at most 16 bytes" \
     call set 108 eth0eth0eth0eth01
@@ -420,6 +445,306 @@ nameserver 9.9.9.9
 --
 lock file made'
 
+# ---- the wired port and the adapter -----------------------------------------------------------
+# Runs a command on a device with an eth0 and an eth1 of its own, where ethtool shows these lines (as
+# printf writes them) of the wired port, and nothing that is run with sudo does anything but to be
+# noted. The device has this list of USB devices and no wireless daemon. Shows the notes behind the
+# command's output.
+with_ports() { # ETHTOOL-LINES USB-DEVICES COMMAND...
+    on_device sh -c '
+        ip link del eth0 2>/dev/null
+        ip link del eth1 2>/dev/null
+        ip link add eth0 address 02:00:5e:10:0a:ff type veth \
+            peer name eth1 address 02:00:5e:10:0b:01 || exit 99
+        mkdir /tmp/tools
+        printf "$1" >/tmp/tools/port
+        printf "%s\n" "#!/bin/sh" "tool=\${1##*/}; shift" "echo \"\$tool \$*\" >>/tmp/tools/notes" \
+            "[ \"\$tool \$*\" = \"ethtool eth0\" ] && cat /tmp/tools/port" "exit 0" >/tmp/tools/sudo
+        chmod +x /tmp/tools/sudo
+        PATH=/tmp/tools:$PATH
+        printf "$2" >/proc/bus/usb/devices
+        rm -f /tmp/WlanAplToWlanSock /var/tmp/vklib_lock
+        shift 2
+        "$@"
+        status=$?
+        echo "-- run"
+        [ ! -e /tmp/tools/notes ] || cat /tmp/tools/notes
+        [ -e /var/tmp/vklib_lock ] && echo "lock file made"
+        exit $status' sh "$@"
+}
+no_link='\tSpeed: Unknown!\n\tAuto-negotiation: on\n\tLink detected: no\n'
+link='\tSpeed: 100Mb/s\n\tDuplex: Full\n\tAuto-negotiation: on\n\tLink detected: yes\n'
+adapter='S:  Product=QT4408RKM\n'
+
+it 'shows the hardware address of the wired port'
+with_ports "$link" '' velkctl get eth0.mac-address
+status_is 0
+error_is ''
+output_is '02005E100AFF
+-- run'
+
+it 'shows none for a port that is not there'
+with_ports "$link" '' sh -c 'ip link del eth0 && velkctl get eth0.mac-address'
+status_is 0
+output_has 'none
+'
+
+it 'shows the hardware address of the adapter while the cable is out'
+with_ports "$no_link" "$adapter" velkctl get eth1.mac-address
+status_is 0
+error_is ''
+output_is '02005E100B01
+-- run
+ethtool eth0'
+
+it 'shows the link speed by name'
+with_ports "$link" '' velkctl get eth0.link-speed
+status_is 0
+error_is ''
+output_is 'auto
+-- run
+ethtool eth0'
+while read -r name speed duplex; do
+    with_ports "\\tSpeed: $speed\\n\\tDuplex: $duplex\\n\\tAuto-negotiation: off\\n" '' \
+        velkctl get eth0.link-speed
+    status_is 0
+    output_is "$name
+-- run
+ethtool eth0"
+done <<'END'
+100-full 100Mb/s Full
+100-half 100Mb/s Half
+10-full 10Mb/s Full
+10-half 10Mb/s Half
+END
+
+it 'says that a speed could not be read'
+with_ports '\tSpeed: 1000Mb/s\n\tAuto-negotiation: off\n' '' velkctl get eth0.link-speed
+status_is 1
+error_is 'velkctl: eth0.link-speed: could not be read (LIB_VELK_FAILURE, -1)'
+
+it 'forces the link speed'
+while read -r name options; do
+    with_ports "$link" '' velkctl set eth0.link-speed "$name"
+    status_is 0
+    error_is ''
+    output_is "-- run
+ethtool -s eth0 $options
+lock file made"
+done <<'END'
+auto autoneg on
+100-full speed 100 duplex full autoneg off
+100-half speed 100 duplex half autoneg off
+10-full speed 10 duplex full autoneg off
+10-half speed 10 duplex half autoneg off
+END
+
+# Holds that velkctl refuses these arguments with this message, with nothing run, locked or printed.
+refused_unsent() { # MESSAGE ARGUMENT...
+    lib_message=$1
+    shift
+    with_ports "$no_link" "$adapter" velkctl "$@"
+    status_is 2
+    error_is "velkctl: $lib_message"
+    output_is '-- run'
+}
+
+it 'refuses a link speed that there is not'
+for word in 1 0 1000-full 100-FULL full Auto ''; do
+    refused_unsent "eth0.link-speed: '$word' is not one of its values; give auto, 100-full, 100-half, 10-full or 10-half" \
+        set eth0.link-speed "$word"
+done
+refused_unsent 'eth0.link-speed: no value given; give auto, 100-full, 100-half, 10-full or 10-half' \
+    set eth0.link-speed
+refused_unsent 'eth0.link-speed: 2 values given; give auto, 100-full, 100-half, 10-full or 10-half' \
+    set eth0.link-speed 100 full
+refused_unsent "set: unknown setting 'eth1.link-speed'; give eth0.link-speed" \
+    set eth1.link-speed auto
+
+it 'does not set what can only be read'
+for name in eth0.mac-address eth1.mac-address eth1.hardware-version eth1.software-version \
+    eth1.standard eth1.region eth1.rate eth1.access-point eth1.signal; do
+    refused_unsent "$name: cannot be set, only read" set "$name" 1
+done
+
+# ---- wireless settings ------------------------------------------------------------------------
+state_settings='eth1.mac-address eth1.hardware-version eth1.software-version eth1.standard eth1.region
+    eth1.rate eth1.access-point eth1.signal'
+configuration='eth1.service-set eth1.ssid eth1.channel eth1.encryption eth1.authentication
+    eth1.wep-key-1 eth1.wep-key-2 eth1.wep-key-3 eth1.wep-key-4 eth1.wep-default-key eth1.psk
+    eth1.standards-enabled'
+
+it 'says that there is no adapter'
+for name in $state_settings; do
+    with_ports "$no_link" '' velkctl get "$name"
+    status_is 4
+    error_is "velkctl: $name: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)"
+    output_is '-- run'
+done
+
+it 'says that the cable is in the wired port'
+for name in $state_settings; do
+    with_ports "$link" "$adapter" velkctl get "$name"
+    status_is 5
+    error_is "velkctl: $name: could not be read: refused while the cable is in the wired port (LIB_VELK_WIRED_LINKED, -6)"
+    output_is '-- run
+ethtool eth0'
+done
+
+it 'fails without a wireless daemon'
+for name in $configuration eth1.rate; do
+    with_ports "$no_link" "$adapter" velkctl get "$name"
+    status_is 1
+    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1)"
+done
+with_ports "$no_link" "$adapter" velkctl set eth1.channel 6
+status_is 1
+error_is 'velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1)'
+
+it 'refuses values that a wireless setting does not have'
+refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
+    set eth1.service-set 1
+for word in 0 14 01 +1 wep ''; do
+    refused_unsent "eth1.channel: '$word' is not one of its values; give a number from 1 to 13" \
+        set eth1.channel "$word"
+done
+refused_unsent "eth1.encryption: '5' is not one of its values; give 1, 2 (wep), 3 or 4" \
+    set eth1.encryption 5
+refused_unsent "eth1.authentication: '0' is not one of its values; give a number from 1 to 4" \
+    set eth1.authentication 0
+refused_unsent "eth1.wep-default-key: '5' is not one of its values; give a number from 1 to 4" \
+    set eth1.wep-default-key 5
+refused_unsent "eth1.standards-enabled: '1' is not one of its values; give 2 or 3" \
+    set eth1.standards-enabled 1
+refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
+    set eth1.ssid "$(printf '%033d' 0)"
+refused_unsent 'eth1.ssid: 2 values given; give a text of at most 32 bytes, in quotes when it holds blanks' \
+    set eth1.ssid my network
+refused_unsent 'eth1.ssid: control characters, such as the end of a line, are not taken; give a text of at most 32 bytes' \
+    set eth1.ssid $'net\n'
+
+# ---- secrets ----------------------------------------------------------------------------------
+# Holds that nothing of the secret is in what velkctl wrote.
+no_secret() {
+    case $output$error in
+        *hunter*) check 'output' 'no secret' "$output$error" ;;
+        *) check 'output' 'no secret' 'no secret' ;;
+    esac
+}
+
+it 'tells the length of a wrong key, not the key'
+refused_unsent 'eth1.psk: 66 bytes given; give a text of 1 to 64 bytes, or none' \
+    set eth1.psk "hunter$(printf '%060d' 0)"
+refused_unsent 'eth1.psk: 0 bytes given; give a text of 1 to 64 bytes, or none' set eth1.psk ''
+refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none, in quotes when it holds blanks' \
+    set eth1.psk hunter two
+refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none' \
+    set eth1.wep-key-4 hunter
+
+it 'never repeats a key, wherever it stands'
+for arguments in 'set eth1.psk hunter22' 'set eth1.psk -hunter22' 'set eth1.psk --hunter=2' \
+    'set eth1.psk @hunter22' 'set eth1.psk=hunter22' 'set hunter22 eth1.psk' \
+    'set eth1.pks -hunter22' 'set eth1.wep-key-2 hunter' 'eth1.psk=hunter22' 'get eth1.psk=hunter22' \
+    'call set 314 eth1 hunter22' 'call set 314 hunter22hunter22hunter22' \
+    'call set 314 eth1 --hunter22' 'call set 314 eth1 --hex hunter22' \
+    'call set 314 eth1 --text hunter22' 'restart eth1.psk hunter22' 'list eth1.psk hunter22'; do
+    # shellcheck disable=SC2086  # words
+    with_ports "$no_link" "$adapter" velkctl $arguments
+    no_secret
+    check 'failed' yes "$([ "$status" -ne 0 ] && echo yes)"
+done
+
+it 'reads a key from standard input'
+with_ports "$no_link" "$adapter" sh -c 'echo hunter22 | velkctl set eth1.psk -'
+status_is 1 # there is no daemon to send it to
+error_is 'velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1)'
+with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
+status_is 2
+error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none'
+with_ports "$no_link" "$adapter" sh -c 'printf "hunter\r\n" | velkctl set eth1.psk -'
+status_is 2
+error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken; give a text of 1 to 64 bytes, or none'
+refused_unsent 'eth1.psk: standard input is empty; give the value as one line' set eth1.psk -
+
+it 'leaves the lines behind the key to others'
+with_ports "$no_link" "$adapter" sh -c \
+    'printf "hunter\nrest\n" | { velkctl set eth1.wep-key-1 - 2>/dev/null; cat; }'
+output_is 'rest
+-- run'
+
+it 'reads a key from a file'
+with_ports "$no_link" "$adapter" sh -c \
+    'echo hunter22 >/tmp/key && velkctl set eth1.psk @/tmp/key'
+status_is 1 # there is no daemon to send it to
+error_is 'velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1)'
+with_ports "$no_link" "$adapter" sh -c \
+    'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
+status_is 2
+error_is 'velkctl: eth1.wep-key-3: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none'
+with_ports "$no_link" "$adapter" sh -c \
+    'printf "hunter22\nhunter23\n" >/tmp/key && velkctl set eth1.psk @/tmp/key'
+status_is 2
+error_is 'velkctl: eth1.psk: the file behind @ has more than one line; give the value as the only one'
+no_secret
+refused_unsent "eth1.psk: the file behind @ cannot be read: No such file or directory; '-' takes the value from standard input, @FILE from a file" \
+    set eth1.psk @/tmp/hunter22
+
+it 'takes - and @ as they stand where nothing is secret'
+refused_unsent "eth1.channel: '-' is not one of its values; give a number from 1 to 13" \
+    set eth1.channel -
+refused_unsent "eth1.channel: '@/etc/hostname' is not one of its values; give a number from 1 to 13" \
+    set eth1.channel @/etc/hostname
+
+# ---- restart ----------------------------------------------------------------------------------
+it 'restarts the wired port'
+with_ports "$link" '' velkctl restart eth0
+status_is 0
+error_is ''
+output_is '-- run
+ifdown eth0
+ifup eth0
+lock file made'
+
+it 'brings the adapter up alone while the cable is in'
+with_ports "$link" "$adapter" velkctl restart eth1
+status_is 0
+error_is ''
+output_is '-- run
+ifdown eth1
+ethtool eth0
+ifconfig eth1 up
+lock file made'
+
+it 'tells the wireless daemon alone'
+with_ports "$link" "$adapter" velkctl restart eth1 --notify-only
+status_is 0
+error_is ''
+output_is '-- run
+ethtool eth0
+lock file made'
+with_ports "$no_link" "$adapter" velkctl restart --notify-only eth1
+status_is 1 # there is no daemon
+error_is 'velkctl: eth1: could not be restarted (LIB_VELK_FAILURE, -1)'
+
+it 'restarts nothing without an adapter, or while the lock is held'
+with_ports "$no_link" '' velkctl restart eth1
+status_is 4
+error_is 'velkctl: eth1: could not be restarted: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)'
+with_ports "$link" '' flock -x /var/tmp/vklib_lock velkctl restart eth0
+status_is 3
+error_is 'velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3)'
+output_is '-- run
+lock file made'
+
+it 'refuses to restart what is no interface'
+refused_unsent "restart: 'eth2' is not an interface of the device; give eth0 or eth1" restart eth2
+refused_unsent "restart: '' is not an interface of the device; give eth0 or eth1" restart ''
+refused_unsent 'restart: --notify-only is for eth1; leave it out for eth0' \
+    restart eth0 --notify-only
+refused_unsent 'restart: argument missing; usage: velkctl restart eth0|eth1 [--notify-only]' restart
+refused_unsent "restart: 'eth0' is one argument too many; usage: velkctl restart eth0|eth1 [--notify-only]" \
+    restart eth1 eth0
+
 # ---- help -------------------------------------------------------------------------------------
 it 'explains itself, its verbs and its exit statuses'
 run velkctl --help
@@ -427,10 +752,11 @@ status_is 0
 error_is ''
 output_has 'Usage: velkctl VERB [ARGUMENT...]'
 output_has '
-  get   show the value of settings
-  set   change a setting
-  list  name all settings, what can be done with them and what they are
-  call  run a command of the library as it stands
+  get      show the value of settings
+  set      change a setting
+  restart  bring an interface down and up again, so that changed settings take effect
+  list     name all settings, what can be done with them and what they are
+  call     run a command of the library as it stands
 '
 output_has 'Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing
 settings, 4 no wireless adapter, 5 refused while the cable is in the wired port.'
@@ -440,7 +766,7 @@ status_is 0
 output_is "$general_help"
 
 it 'explains each verb, with an example'
-for verb in get set list call; do
+for verb in get set restart list call; do
     run velkctl "$verb" --help
     status_is 0
     error_is ''
@@ -454,11 +780,12 @@ done
 
 it 'explains the options of call'
 run velkctl call --help
-output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX]
+output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]
 '
 output_has '
   --text TEXT                 data bytes as text, at most 512
   --hex HEX                   data bytes as pairs of hex digits; blanks or colons may stand between
+  --show-secrets              show keys, which are masked otherwise
 '
 
 it 'gives its version'

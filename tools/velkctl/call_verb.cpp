@@ -1,11 +1,11 @@
 // call_verb.cpp - the verb that runs a command of the library as it stands.
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "velkctl/catalogue.h"
 #include "velkctl/device.h"
 #include "velkctl/hex.h"
 #include "velkctl/result_codes.h"
@@ -35,16 +35,6 @@ std::optional<velk_command_type> ParseType(std::string_view word) {
     return row->type;
 }
 
-std::optional<uint32_t> ParseId(const std::string& word) {
-    uint32_t id = 0;
-    const char* end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, id);
-    if (error != std::errc() || stop != end) {
-        return std::nullopt;
-    }
-    return id;
-}
-
 Parsed ParseText(const std::string& text) {
     Parsed parsed;
     if (text.size() > parsed.data.size()) {
@@ -72,11 +62,15 @@ Parsed ParseData(const Invocation& invocation) {
     return parsed;
 }
 
-ExitStatus CallAndTell(const Command& command, const Data& data) {
+std::string MaskedDump(const Data& data) {
+    return data == Data{} ? "" : std::string(kMask).append("\n");
+}
+
+ExitStatus CallAndTell(const Command& command, const Data& data, bool masked) {
     const Answer answer = Execute(command, data);
     Print(DescribeResult(answer.result) + "\n");
     if (command.type == VELK_GET) {
-        Print(Dump(answer.data));
+        Print(masked ? MaskedDump(answer.data) : Dump(answer.data));
     }
     return FindResultCode(answer.result).status;
 }
@@ -86,24 +80,25 @@ ExitStatus CallAndTell(const Command& command, const Data& data) {
 ExitStatus RunCall(const Invocation& invocation) {
     const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
     if (!type) {
-        return Refuse("call: " + Quoted(invocation.words[0]) +
+        return Refuse("call: " + invocation.Shown(invocation.words[0]) +
                       " is not a command type; give get, set or restart");
     }
     const std::optional<uint32_t> id = ParseId(invocation.words[1]);
     if (!id) {
-        return Refuse("call: " + Quoted(invocation.words[1]) +
+        return Refuse("call: " + invocation.Shown(invocation.words[1]) +
                       " is not a command id; give a decimal number such as 108");
     }
     const std::string interface = invocation.words.size() > 2 ? invocation.words[2] : "";
     if (interface.size() > VELK_INTERFACE_SIZE) {
-        return Refuse("call: interface " + Quoted(interface) +
+        return Refuse("call: interface " + invocation.Shown(interface) +
                       " is too long; give eth0, eth1 or another name of at most 16 bytes");
     }
     const Parsed data = ParseData(invocation);
     if (!data.ok()) {
         return Refuse("call: " + data.problem);
     }
-    return CallAndTell({*type, *id, interface}, data.data);
+    const bool masked = NamesSecret(Catalogue(), invocation.words[1]) && !invocation.show_secrets;
+    return CallAndTell({*type, *id, interface}, data.data, masked);
 }
 
 }  // namespace velkctl

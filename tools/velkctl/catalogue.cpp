@@ -1,17 +1,61 @@
 // catalogue.cpp - the settings velkctl knows.
 #include "velkctl/catalogue.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "velkctl/terminal.h"
+#include "velkctl/value_kinds.h"
 
 namespace velkctl {
 namespace {
 
-constexpr std::array<CatalogueRow, 1> kRows{{
-    // name, id, interfaces, directions, value kind, help
-    {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList,
+constexpr bool kOpen = false;
+constexpr bool kSecret = true;
+
+constexpr std::string_view kWepKeyHelp =
+    "WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret";
+
+constexpr std::array<CatalogueRow, 22> kRows{{
+    // name, id, interfaces, directions, value kind, secret, help
+    {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen,
+     "hardware address: 12 hex digits"},
+    {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen,
      "DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list"},
+    {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen,
+     "speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half"},
+    {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen,
+     "revision of the adapter"},
+    {"software-version", VELK_CMD_SOFTWARE_VERSION, kEth1, kGet, &kShownText, kOpen,
+     "version of the wireless daemon"},
+    {"standard", VELK_CMD_STANDARD, kEth1, kGet, &kOneToThree, kOpen,
+     "802.11 standard in use: 1 to 3"},
+    {"service-set", VELK_CMD_SERVICE_SET, kEth1, kGet | kSet, &kServiceSet, kOpen,
+     "kind of network: infrastructure or ad-hoc"},
+    {"ssid", VELK_CMD_SSID, kEth1, kGet | kSet, &kSsid, kOpen,
+     "name of the network: a text of at most 32 bytes, '' when empty"},
+    {"channel", VELK_CMD_CHANNEL, kEth1, kGet | kSet, &kChannel, kOpen, "channel: 1 to 13"},
+    {"region", VELK_CMD_REGION, kEth1, kGet, &kOneToThree, kOpen, "region of the adapter: 1 to 3"},
+    {"encryption", VELK_CMD_ENCRYPTION, kEth1, kGet | kSet, &kEncryption, kOpen,
+     "encryption: 1, 2 (wep), 3 or 4"},
+    {"authentication", VELK_CMD_AUTHENTICATION, kEth1, kGet | kSet, &kOneToFour, kOpen,
+     "authentication: 1 to 4"},
+    {"wep-key-1", VELK_CMD_WEP_KEY_1, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
+    {"wep-key-2", VELK_CMD_WEP_KEY_2, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
+    {"wep-key-3", VELK_CMD_WEP_KEY_3, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
+    {"wep-key-4", VELK_CMD_WEP_KEY_4, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
+    {"wep-default-key", VELK_CMD_WEP_DEFAULT_KEY, kEth1, kGet | kSet, &kOneToFour, kOpen,
+     "number of the WEP key in use: 1 to 4"},
+    {"psk", VELK_CMD_PSK, kEth1, kGet | kSet, &kPsk, kSecret,
+     "pre-shared key: a text of 1 to 64 bytes, or none; secret"},
+    {"rate", VELK_CMD_RATE, kEth1, kGet, &kRate, kOpen,
+     "transmission rate: 4 bytes as 8 hex digits"},
+    {"access-point", VELK_CMD_ACCESS_POINT, kEth1, kGet, &kShownText, kOpen,
+     "hardware address of the access point: 12 hex digits"},
+    {"signal", VELK_CMD_SIGNAL, kEth1, kGet, &kSignal, kOpen, "signal strength: two numbers"},
+    {"standards-enabled", VELK_CMD_STANDARDS_ENABLED, kEth1, kGet | kSet, &kStandardsEnabled, kOpen,
+     "802.11 standards to use: 2 or 3"},
 }};
 
 struct InterfaceFlag {
@@ -74,7 +118,31 @@ std::optional<Setting> FindSetting(std::span<const CatalogueRow> rows, std::stri
     return std::nullopt;
 }
 
+bool NamesSecret(std::span<const CatalogueRow> rows, std::string_view word) {
+    const std::vector<Setting> settings = SettingsOf(rows);
+    const std::optional<uint32_t> id = ParseId(word);
+    return std::any_of(settings.begin(), settings.end(), [&](const Setting& setting) {
+        return setting.row->secret && (setting.name() == word || setting.row->id == id);
+    });
+}
+
+std::optional<uint32_t> ParseId(std::string_view word) {
+    uint32_t id = 0;
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, id);
+    if (error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    return id;
+}
+
 std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name) {
+    const size_t equals = name.find('=');
+    if (equals != std::string_view::npos) {
+        // What stands behind it may be a secret.
+        return Quoted(name.substr(0, equals)) +
+               " is followed by '='; give name and value as two arguments";
+    }
     const std::string right = FullNames(rows, WithoutInterface(name));
     return "unknown setting " + Quoted(name) +
            (right.empty() ? "; 'velkctl list' names them all" : "; give " + right);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velkctl/value_kinds.h"
+#include "velkctl/value_kind.h"
 
 namespace velkctl {
 
@@ -28,6 +28,7 @@ struct CatalogueRow {
     unsigned interfaces;
     unsigned directions;
     const ValueKind* kind;
+    bool secret;  // shown to those who ask for it alone
     std::string_view help;
 };
 
@@ -48,6 +49,12 @@ std::vector<Setting> SettingsOf(std::span<const CatalogueRow> rows);
 
 // The setting with this full name.
 std::optional<Setting> FindSetting(std::span<const CatalogueRow> rows, std::string_view name);
+
+// Says whether a word is the name or the id of a secret.
+bool NamesSecret(std::span<const CatalogueRow> rows, std::string_view word);
+
+// The id of a command, written as a decimal number.
+std::optional<uint32_t> ParseId(std::string_view word);
 
 // Says about a name that FindSetting() did not find what would be right.
 std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name);

@@ -8,13 +8,12 @@
 #include <utility>
 
 #include "velkctl/terminal.h"
+#include "velkctl/verb_arguments.h"
 #include "velkctl/verbs.h"
 #include <CLI/CLI.hpp>
 
 namespace velkctl {
 namespace {
-
-using Words = std::vector<std::string>;
 
 constexpr char kToolName[] = "velkctl";
 constexpr char kVersion[] = "velkctl " VELKCTL_VERSION;
@@ -51,7 +50,7 @@ std::string ToolFooter() {
     std::string footer = "Verbs:\n";
     for (const Verb& verb : Verbs()) {
         std::string name(verb.name);
-        name.resize(6, ' ');
+        name.resize(9, ' ');
         footer.append("  ").append(name).append(verb.summary).append("\n");
     }
     return footer +
@@ -60,15 +59,6 @@ std::string ToolFooter() {
            "\n"
            "Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing\n"
            "settings, 4 no wireless adapter, 5 refused while the cable is in the wired port.";
-}
-
-std::string Usage(const Verb& verb) {
-    std::string usage = std::string(kToolName).append(" ").append(verb.name);
-    return verb.arguments.empty() ? usage : usage.append(" ").append(verb.arguments);
-}
-
-std::string UnknownOption(std::string_view option, const std::string& command) {
-    return "unknown option " + Quoted(option) + "; '" + command + " --help' lists the options";
 }
 
 // Parses; a status means that all is said and done. `prefix` begins complaints.
@@ -92,91 +82,15 @@ std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::strin
     }
 }
 
-const VerbOption* FindOption(const Verb& verb, std::string_view name) {
-    const auto row = std::find_if(verb.options.begin(), verb.options.end(),
-                                  [name](const VerbOption& option) { return option.name == name; });
-    return row == verb.options.end() ? nullptr : &*row;
-}
-
-// Makes two arguments of "--text=": CLI11 takes the next argument for the value of an option whose
-// own is empty.
-Words SplitEmptyValues(const Verb& verb, Words::const_iterator begin, Words::const_iterator end) {
-    Words split;
-    for (auto argument = begin; argument != end; ++argument) {
-        const std::string_view name(argument->data(),
-                                    argument->size() - (argument->ends_with('=')));
-        if (FindOption(verb, name) == nullptr) {
-            split.push_back(*argument);
-            continue;
-        }
-        split.emplace_back(name);
-        if (name.size() < argument->size()) {
-            split.emplace_back();
-        } else if (argument + 1 != end) {
-            split.push_back(*++argument);
-        }
-    }
-    return split;
-}
-
-void DeclareOptions(CLI::App& app, const Verb& verb) {
-    for (const VerbOption& option : verb.options) {
-        const std::string help(option.help);
-        // Repeating is found by TakeOptions(), which says it better.
-        app.add_option(std::string(option.name), help)
-            ->type_name(std::string(option.value))
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    }
-}
-
-// The problem with the options given; empty when there is none.
-std::string TakeOptions(const CLI::App& app, const Verb& verb, Invocation& invocation) {
-    for (const VerbOption& option : verb.options) {
-        const Words& values = app.get_option(std::string(option.name))->results();
-        if (values.size() > 1) {
-            return "option " + Quoted(option.name) + " is given twice; give it once";
-        }
-        if (!values.empty()) {
-            invocation.*option.target = values.front();
-        }
-    }
-    return {};
-}
-
-bool LooksLikeOption(const std::string& word) {
-    return word.size() > 1 && word[0] == '-' && (word[1] < '0' || word[1] > '9');
-}
-
-// The problem with the arguments that are no known options; empty when all are words. Behind "--"
-// everything is one.
-std::string TakeWords(const CLI::App& app, const Verb& verb, Invocation& invocation) {
-    bool only_words = false;
-    for (const std::string& argument : app.remaining()) {
-        if (!only_words && argument == "--") {
-            only_words = true;
-            continue;
-        }
-        if (!only_words && LooksLikeOption(argument)) {
-            return UnknownOption(argument, std::string(kToolName).append(" ").append(verb.name));
-        }
-        invocation.words.push_back(argument);
-    }
-    if (invocation.words.size() < verb.min_words) {
-        return "argument missing; usage: " + Usage(verb);
-    }
-    if (invocation.words.size() > verb.max_words) {
-        return Quoted(invocation.words[verb.max_words]) +
-               " is one argument too many; usage: " + Usage(verb);
-    }
-    return {};
-}
-
 ExitStatus RunVerb(const Verb& verb, const Words& arguments) {
     const std::string prefix = std::string(verb.name) + ": ";
     CLI::App app(std::string(kToolName).append(" ").append(prefix).append(verb.summary));
     PrepareHelp(app, Usage(verb), std::string(verb.help));
     DeclareOptions(app, verb);
     app.allow_extras();
+    if (const std::string problem = FlagProblem(app, verb, arguments); !problem.empty()) {
+        return Refuse(prefix + problem);
+    }
     if (const auto status = Parse(app, arguments, prefix)) {
         return *status;
     }
@@ -195,6 +109,10 @@ ExitStatus RunCommandLine(const Words& arguments) {
     PrepareHelp(app, std::string(kToolName) + " VERB [ARGUMENT...]", ToolFooter());
     app.set_version_flag("--version", kVersion, "show the version");
     app.prefix_command();  // what follows the verb is the verb's
+    const std::string problem = arguments.empty() ? "" : FlagProblem(app, arguments.front());
+    if (!problem.empty()) {
+        return Refuse(problem);
+    }
     if (const auto status = Parse(app, arguments, "")) {
         return *status;
     }
@@ -203,14 +121,14 @@ ExitStatus RunCommandLine(const Words& arguments) {
         return Refuse("no verb given; give " + VerbNames() + " ('velkctl --help' explains them)");
     }
     if (rest.front().starts_with('-')) {
-        return Refuse(UnknownOption(rest.front(), kToolName));
+        return Refuse(UnknownOption(Quoted(WithoutValue(rest.front())), kToolName));
     }
     for (const Verb& verb : Verbs()) {
         if (verb.name == rest.front()) {
             return RunVerb(verb, SplitEmptyValues(verb, rest.begin() + 1, rest.end()));
         }
     }
-    return Refuse("unknown verb " + Quoted(rest.front()) + "; give " + VerbNames() +
+    return Refuse("unknown verb " + Quoted(WithoutValue(rest.front())) + "; give " + VerbNames() +
                   " ('velkctl --help' explains them)");
 }
 

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "velkctl/terminal.h"
-
 namespace velkctl {
 namespace {
 
@@ -28,14 +26,14 @@ int DigitValue(char digit) {
     return -1;
 }
 
-Parsed NotADigit(std::string_view text, size_t at) {
-    return Unparsable(Quoted(text.substr(at, 1)) + " at character " + std::to_string(at + 1) +
+// The bytes may be a secret: problems say where they are, not what they are.
+Parsed NotADigit(size_t at) {
+    return Unparsable("character " + std::to_string(at + 1) +
                       " is not a hex digit; give two hex digits for each byte, such as 31:30");
 }
 
-Parsed SingleDigit(std::string_view text, size_t at) {
-    return Unparsable("the digit " + Quoted(text.substr(at, 1)) + " at character " +
-                      std::to_string(at + 1) +
+Parsed SingleDigit(size_t at) {
+    return Unparsable("the digit at character " + std::to_string(at + 1) +
                       " stands alone; give two hex digits for each byte, such as 31:30");
 }
 
@@ -73,14 +71,14 @@ Parsed ParseHex(std::string_view text) {
         }
         const int high = DigitValue(text[at]);
         if (high < 0) {
-            return NotADigit(text, at);
+            return NotADigit(at);
         }
         if (at + 1 == text.size() || IsSeparator(text[at + 1])) {
-            return SingleDigit(text, at);
+            return SingleDigit(at);
         }
         const int low = DigitValue(text[at + 1]);
         if (low < 0) {
-            return NotADigit(text, at + 1);
+            return NotADigit(at + 1);
         }
         if (count == parsed.data.size()) {
             return Unparsable("more than 512 bytes; the data area holds 512");

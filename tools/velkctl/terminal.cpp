@@ -1,7 +1,10 @@
 // terminal.cpp - what velkctl writes, safe to show on a terminal.
 #include "velkctl/terminal.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -17,20 +20,92 @@ void AppendEscape(std::string& text, char byte) {
     text.push_back(kHexDigits[value & 0xfU]);
 }
 
+// One length that characters have in UTF-8: what the first byte looks like, and the lowest code
+// that is neither written shorter nor a control character.
+struct Utf8Form {
+    unsigned mask;
+    unsigned lead;
+    size_t length;
+    uint32_t lowest;
+};
+
+constexpr std::array<Utf8Form, 4> kUtf8Forms{{
+    {0x80U, 0x00U, 1, 0x20},
+    {0xe0U, 0xc0U, 2, 0xa0},
+    {0xf0U, 0xe0U, 3, 0x800},
+    {0xf8U, 0xf0U, 4, 0x10000},
+}};
+constexpr uint32_t kDelete = 0x7f;
+constexpr uint32_t kHighestCode = 0x10ffff;
+
+bool IsSurrogate(uint32_t code) {
+    return code >= 0xd800 && code <= 0xdfff;
+}
+
+// The number of bytes of the character that the text begins with; 0 for bytes that are none and
+// for one that controls the terminal.
+size_t CharacterLength(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    const auto* form =
+        std::find_if(kUtf8Forms.begin(), kUtf8Forms.end(),
+                     [first](const Utf8Form& row) { return (first & row.mask) == row.lead; });
+    if (form == kUtf8Forms.end() || text.size() < form->length) {
+        return 0;
+    }
+    uint32_t code = first & ~form->mask & 0xffU;
+    for (const char byte : text.substr(1, form->length - 1)) {
+        const auto value = static_cast<unsigned char>(byte);
+        if ((value & 0xc0U) != 0x80U) {
+            return 0;
+        }
+        code = (code << 6U) | (value & 0x3fU);
+    }
+    const bool is_shown =
+        code >= form->lowest && code != kDelete && !IsSurrogate(code) && code <= kHighestCode;
+    return is_shown ? form->length : 0;
+}
+
+std::string Escaped(std::string_view bytes, std::string_view backslash) {
+    std::string text;
+    while (!bytes.empty()) {
+        const size_t length = CharacterLength(bytes);
+        if (length == 0) {
+            AppendEscape(text, bytes.front());
+        } else {
+            text.append(bytes.front() == '\\' ? backslash : bytes.substr(0, length));
+        }
+        bytes.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return text;
+}
+
+bool IsControl(char byte) {
+    return static_cast<unsigned char>(byte) < ' ' || static_cast<unsigned char>(byte) == kDelete;
+}
+
 }  // namespace
 
 std::string Printable(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        if (byte == '\\') {
-            text.append("\\\\");
-        } else if (byte >= ' ' && byte <= '~') {
-            text.push_back(byte);
-        } else {
-            AppendEscape(text, byte);
+    return Escaped(bytes, "\\\\");
+}
+
+std::string PrintableValue(std::string_view bytes) {
+    return Escaped(bytes, "\\");
+}
+
+bool HasControls(std::string_view text) {
+    if (std::any_of(text.begin(), text.end(), IsControl)) {
+        return true;
+    }
+    // U+0080 to U+009F
+    for (size_t at = text.find('\xc2'); at != std::string_view::npos;
+         at = text.find('\xc2', at + 1)) {
+        const auto next = static_cast<unsigned char>(at + 1 < text.size() ? text[at + 1] : '\0');
+        if (next >= 0x80 && next <= 0x9f) {
+            return true;
         }
     }
-    return text;
+    return false;
 }
 
 std::string Quoted(std::string_view word) {

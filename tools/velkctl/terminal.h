@@ -9,9 +9,18 @@
 
 namespace velkctl {
 
-// The bytes as one line of ASCII: a byte that is none or that controls the terminal is written
-// \x1b, a backslash twice.
+// The bytes as one line of text in UTF-8: a byte that belongs to no character, or to one that
+// controls the terminal, is written \x1b, a backslash twice.
 std::string Printable(std::string_view bytes);
+
+// The same for a value that is given back as it was shown: a backslash is written once.
+std::string PrintableValue(std::string_view bytes);
+
+// Says whether a character of the text would control the terminal, as the end of a line does.
+bool HasControls(std::string_view text);
+
+// What is shown in the place of a secret.
+inline constexpr std::string_view kMask = "********";
 
 // A word from the command line, to be named in a message: 'word'.
 std::string Quoted(std::string_view word);

@@ -1,25 +1,65 @@
-// value_kinds.h - how the values of settings are written in words and lie in the data bytes.
+// value_kinds.h - the kinds of values that the settings of the catalogue have.
 #ifndef VELKCTL_VALUE_KINDS_H_
 #define VELKCTL_VALUE_KINDS_H_
 
-#include <span>
-#include <string>
+#include <array>
 
-#include "velkctl/data.h"
+#include "velkctl/coded_values.h"
+#include "velkctl/raw_values.h"
+#include "velkctl/server_list.h"
+#include "velkctl/text_values.h"
 
 namespace velkctl {
 
-// One form that values have. What Print shows, Parse takes.
-struct ValueKind {
-    Parsed (*parse)(std::span<const std::string> words);
-    std::string (*print)(const Data& data);  // one line without its end, safe for a terminal
-};
+inline constexpr ServerListKind kServerList{};
 
-// One to three IPv4 addresses, or "none", in slots of 16 bytes.
-Parsed ParseServerList(std::span<const std::string> words);
-std::string PrintServerList(const Data& data);
+// ---- Coded values ------------------------------------------------------------------------------
+inline constexpr std::array<CodedValue, 5> kLinkModeTable{{
+    {VELK_LINK_AUTO, "auto"},
+    {VELK_LINK_100_FULL, "100-full"},
+    {VELK_LINK_100_HALF, "100-half"},
+    {VELK_LINK_10_FULL, "10-full"},
+    {VELK_LINK_10_HALF, "10-half"},
+}};
+inline constexpr std::array<CodedValue, 2> kServiceSetTable{{
+    {1, "infrastructure"},
+    {2, "ad-hoc"},
+}};
+inline constexpr std::array<CodedValue, 4> kEncryptionTable{{
+    {1},
+    {2, "wep"},
+    {3},
+    {4},
+}};
+inline constexpr auto kOneToThreeTable = NumberTable<1, 3>();
+inline constexpr auto kOneToFourTable = NumberTable<1, 4>();
+inline constexpr auto kChannelTable = NumberTable<1, 13>();
+inline constexpr auto kStandardsEnabledTable = NumberTable<2, 3>();
 
-inline constexpr ValueKind kServerList{ParseServerList, PrintServerList};
+inline constexpr CodedKind kLinkMode{kLinkModeTable};
+inline constexpr CodedKind kServiceSet{kServiceSetTable};
+inline constexpr CodedKind kEncryption{kEncryptionTable};
+inline constexpr CodedKind kOneToThree{kOneToThreeTable};
+inline constexpr CodedKind kOneToFour{kOneToFourTable};
+inline constexpr CodedKind kChannel{kChannelTable};
+inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable};
+
+// ---- Texts -------------------------------------------------------------------------------------
+// What is only shown, such as a version or a MAC address.
+inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes",
+                                     [](size_t length) { return length < VELK_DATA_SIZE; }};
+inline constexpr TextKind kSsid{"''", "a text of at most 32 bytes",
+                                [](size_t length) { return length <= 32; }};
+// The empty word, which a script's unset variable gives, does not clear a key.
+inline constexpr TextKind kPsk{kNone, "a text of 1 to 64 bytes, or none",
+                               [](size_t length) { return length >= 1 && length <= 64; }};
+inline constexpr TextKind kWepKey{
+    kNone, "a text of 5, 10, 13 or 26 bytes, or none",
+    [](size_t length) { return length == 5 || length == 10 || length == 13 || length == 26; }};
+
+// ---- Raw values --------------------------------------------------------------------------------
+inline constexpr HexBytesKind kRate{4};
+inline constexpr NumberPairKind kSignal{};
 
 }  // namespace velkctl
 

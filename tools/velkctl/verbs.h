@@ -17,6 +17,12 @@ struct Invocation {
     std::vector<std::string> words{};  // those that are no options
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
+    bool show_secrets = false;
+    bool notify_only = false;
+    bool beside_secret = false;  // any word may be one
+
+    // A word, to be named in a message: 'word', or a mask in its place.
+    std::string Shown(std::string_view word) const;
 };
 
 // An option that takes a value.
@@ -27,6 +33,13 @@ struct VerbOption {
     std::optional<std::string> Invocation::*target;
 };
 
+// An option that takes none.
+struct VerbFlag {
+    std::string_view name;  // "--show-secrets"
+    std::string_view help;
+    bool Invocation::*target;
+};
+
 struct Verb {
     std::string_view name;
     std::string_view arguments;
@@ -35,6 +48,7 @@ struct Verb {
     size_t min_words;
     size_t max_words;
     std::span<const VerbOption> options;
+    std::span<const VerbFlag> flags;
     ExitStatus (*run)(const Invocation& invocation);
 };
 
@@ -42,6 +56,7 @@ std::span<const Verb> Verbs();
 
 ExitStatus RunGet(const Invocation& invocation);
 ExitStatus RunSet(const Invocation& invocation);
+ExitStatus RunRestart(const Invocation& invocation);
 ExitStatus RunList(const Invocation& invocation);
 ExitStatus RunCall(const Invocation& invocation);
 

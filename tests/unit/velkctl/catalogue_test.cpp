@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/dispatch_tables.h"
+#include "velkctl/value_kinds.h"
 
 namespace {
 
@@ -22,15 +23,17 @@ using velkctl::kGet;
 using velkctl::kNoInterface;
 using velkctl::kServerList;
 using velkctl::kSet;
+using velkctl::NamesSecret;
+using velkctl::ParseId;
 using velkctl::Setting;
 using velkctl::SettingsOf;
 using velkctl::UnknownSetting;
 
 constexpr std::array<CatalogueRow, 4> kRows{{
-    {"place", 11, kNoInterface, kGet | kSet, &kServerList, ""},
-    {"dns", 12, kEth0 | kEth1, kGet | kSet, &kServerList, ""},
-    {"speed", 13, kEth0, kGet, &kServerList, ""},
-    {"key", 14, kEth1, kSet, &kServerList, ""},
+    {"place", 11, kNoInterface, kGet | kSet, &kServerList, false, ""},
+    {"dns", 12, kEth0 | kEth1, kGet | kSet, &kServerList, false, ""},
+    {"speed", 13, kEth0, kGet, &kServerList, false, ""},
+    {"key", 14, kEth1, kSet, &kServerList, true, ""},
 }};
 
 std::vector<std::string> NamesOf(std::span<const CatalogueRow> rows) {
@@ -99,8 +102,106 @@ TEST(UnknownSetting, PointsToTheListOtherwise) {
               "unknown setting '\\x1b'; 'velkctl list' names them all");
 }
 
-TEST(Catalogue, HasItsRows) {
-    EXPECT_GE(Catalogue().size(), 1U);
+TEST(UnknownSetting, NeverRepeatsWhatStandsBehindAnEqualsSign) {
+    EXPECT_EQ(UnknownSetting(kRows, "eth1.key=hunter2"),
+              "'eth1.key' is followed by '='; give name and value as two arguments");
+    EXPECT_EQ(UnknownSetting(kRows, "=a=b"),
+              "'' is followed by '='; give name and value as two arguments");
+}
+
+TEST(NamesSecret, KnowsTheNameAndTheIdOfASecret) {
+    EXPECT_TRUE(NamesSecret(kRows, "eth1.key"));
+    EXPECT_TRUE(NamesSecret(kRows, "14"));
+    EXPECT_TRUE(NamesSecret(kRows, "0014"));
+    for (const char* word :
+         {"", "key", "eth0.key", "eth1.keys", "13", "114", "14 ", "-14", "0xe"}) {
+        EXPECT_FALSE(NamesSecret(kRows, word)) << word;
+    }
+}
+
+TEST(ParseId, ReadsDecimalNumbers) {
+    EXPECT_EQ(ParseId("0"), 0U);
+    EXPECT_EQ(ParseId("108"), 108U);
+    EXPECT_EQ(ParseId("4294967295"), 4294967295U);
+    for (const char* word : {"", " 1", "1 ", "+1", "-1", "0x1", "1a", "4294967296"}) {
+        EXPECT_EQ(ParseId(word), std::nullopt) << word;
+    }
+}
+
+TEST(Catalogue, HasTheSettingsOfTheDeviceInTheirOrder) {
+    EXPECT_EQ(NamesOf(Catalogue()), (std::vector<std::string>{"eth0.mac-address",
+                                                              "eth1.mac-address",
+                                                              "eth0.dns",
+                                                              "eth1.dns",
+                                                              "eth0.link-speed",
+                                                              "eth1.hardware-version",
+                                                              "eth1.software-version",
+                                                              "eth1.standard",
+                                                              "eth1.service-set",
+                                                              "eth1.ssid",
+                                                              "eth1.channel",
+                                                              "eth1.region",
+                                                              "eth1.encryption",
+                                                              "eth1.authentication",
+                                                              "eth1.wep-key-1",
+                                                              "eth1.wep-key-2",
+                                                              "eth1.wep-key-3",
+                                                              "eth1.wep-key-4",
+                                                              "eth1.wep-default-key",
+                                                              "eth1.psk",
+                                                              "eth1.rate",
+                                                              "eth1.access-point",
+                                                              "eth1.signal",
+                                                              "eth1.standards-enabled"}));
+}
+
+TEST(Catalogue, IdsAreThoseOfTheLibrary) {
+    std::vector<uint32_t> ids;
+    for (const CatalogueRow& row : Catalogue()) {
+        ids.push_back(row.id);
+    }
+    EXPECT_EQ(ids, (std::vector<uint32_t>{101, 108, 201, 4,   5,   301, 302, 303, 304, 305, 306,
+                                          307, 308, 309, 310, 311, 312, 314, 315, 316, 317, 318}));
+}
+
+TEST(Catalogue, KeysAreSecret) {
+    std::vector<std::string> secrets;
+    for (const Setting& setting : SettingsOf(Catalogue())) {
+        if (setting.row->secret) {
+            secrets.push_back(setting.name());
+        }
+    }
+    EXPECT_EQ(secrets, (std::vector<std::string>{"eth1.wep-key-1", "eth1.wep-key-2",
+                                                 "eth1.wep-key-3", "eth1.wep-key-4", "eth1.psk"}));
+}
+
+TEST(Catalogue, NoProblemWithASecretRepeatsIt) {
+    const std::string long_one(600, 'Q');
+    for (const CatalogueRow& row : Catalogue()) {
+        if (!row.secret) {
+            continue;
+        }
+        for (const std::string& value :
+             {long_one, std::string("\nQQQ\x1b"), std::string("QQQQ\n")}) {
+            const std::array words{value};
+            const std::string problem = row.kind->Parse(words).problem;
+            EXPECT_NE(problem, "") << row.name;
+            EXPECT_EQ(problem.find('Q'), std::string::npos) << row.name << ": " << problem;
+        }
+        const std::array words{std::string("QQQQQ"), std::string("QQQQQ")};
+        EXPECT_EQ(row.kind->Parse(words).problem.find('Q'), std::string::npos) << row.name;
+    }
+}
+
+TEST(Catalogue, EveryCommandOfTheLibraryIsASetting) {
+    for (const auto table : {velk::kGetTable, velk::kSetTable}) {
+        for (const velk::CommandEntry& entry : table) {
+            EXPECT_TRUE(std::any_of(
+                Catalogue().begin(), Catalogue().end(),
+                [&entry](const CatalogueRow& row) { return row.id == entry.command_id; }))
+                << entry.command_id;
+        }
+    }
 }
 
 TEST(Catalogue, NoTwoSettingsShareAName) {

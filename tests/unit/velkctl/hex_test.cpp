@@ -55,28 +55,28 @@ TEST(ParseHex, NoDigitsAreNoBytes) {
 
 TEST(ParseHex, ADigitAloneIsNoByte) {
     EXPECT_EQ(ParseHex("313").problem,
-              "the digit '3' at character 3 stands alone; "
+              "the digit at character 3 stands alone; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("3 1").problem,
-              "the digit '3' at character 1 stands alone; "
+              "the digit at character 1 stands alone; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("31:a").problem,
-              "the digit 'a' at character 4 stands alone; "
+              "the digit at character 4 stands alone; "
               "give two hex digits for each byte, such as 31:30");
 }
 
-TEST(ParseHex, NamesWhatIsNoDigit) {
+TEST(ParseHex, TellsWhereThereIsNoDigit) {
     EXPECT_EQ(ParseHex("0x31").problem,
-              "'x' at character 2 is not a hex digit; "
+              "character 2 is not a hex digit; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("g1").problem,
-              "'g' at character 1 is not a hex digit; "
+              "character 1 is not a hex digit; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("31-30").problem,
-              "'-' at character 3 is not a hex digit; "
+              "character 3 is not a hex digit; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("31\n").problem,
-              "'\\x0a' at character 3 is not a hex digit; "
+              "character 3 is not a hex digit; "
               "give two hex digits for each byte, such as 31:30");
 }
 

@@ -6,7 +6,9 @@
 
 namespace {
 
+using velkctl::HasControls;
 using velkctl::Printable;
+using velkctl::PrintableValue;
 using velkctl::Quoted;
 
 TEST(Printable, LeavesTextAlone) {
@@ -14,7 +16,36 @@ TEST(Printable, LeavesTextAlone) {
     EXPECT_EQ(Printable("a Z0~'\"%"), "a Z0~'\"%");
 }
 
-TEST(Printable, EscapesControlCharactersAndBytesBeyondAscii) {
+TEST(Printable, LeavesTextInUtf8Alone) {
+    for (const char* text : {"\xc2\xa0", "\xc3\xa4", "\xdf\xbf", "\xe0\xa0\x80", "\xe2\x82\xac",
+                             "\xed\x9f\xbf", "\xee\x80\x80", "\xef\xbf\xbf", "\xf0\x90\x80\x80",
+                             "\xf4\x8f\xbf\xbf", "caf\xc3\xa9 \xf0\x9f\x93\xb6!"}) {
+        EXPECT_EQ(Printable(text), text);
+    }
+}
+
+TEST(Printable, EscapesControlCharactersOfUtf8) {
+    EXPECT_EQ(Printable("\xc2\x80"), "\\xc2\\x80");
+    EXPECT_EQ(Printable("\xc2\x9b\x31m"), "\\xc2\\x9b1m");
+    EXPECT_EQ(Printable("\xc2\x9f\xc2\xa0"), "\\xc2\\x9f\xc2\xa0");
+}
+
+TEST(Printable, EscapesWhatIsNoUtf8) {
+    EXPECT_EQ(Printable("\xc3"), "\\xc3");                             // cut off
+    EXPECT_EQ(Printable("\xe2\x82"), "\\xe2\\x82");                    // cut off
+    EXPECT_EQ(Printable("\xc3z"), "\\xc3z");                           // no second byte
+    EXPECT_EQ(Printable("\xe2\x82\xc3\xa4"), "\\xe2\\x82\xc3\xa4");    // begins anew
+    EXPECT_EQ(Printable("\xa4"), "\\xa4");                             // no first byte
+    EXPECT_EQ(Printable("\xc0\xaf\xc1\xbf"), "\\xc0\\xaf\\xc1\\xbf");  // written too long
+    EXPECT_EQ(Printable("\xe0\x9f\xbf"), "\\xe0\\x9f\\xbf");
+    EXPECT_EQ(Printable("\xf0\x8f\xbf\xbf"), "\\xf0\\x8f\\xbf\\xbf");
+    EXPECT_EQ(Printable("\xed\xa0\x80"), "\\xed\\xa0\\x80");  // half of a pair of UTF-16
+    EXPECT_EQ(Printable("\xed\xbf\xbf"), "\\xed\\xbf\\xbf");
+    EXPECT_EQ(Printable("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");  // beyond the last one
+    EXPECT_EQ(Printable("\xf8\x88\x80\x80\x80"), "\\xf8\\x88\\x80\\x80\\x80");
+}
+
+TEST(Printable, EscapesControlCharactersAndStrayBytes) {
     EXPECT_EQ(Printable(std::string("\0", 1)), "\\x00");
     EXPECT_EQ(Printable("\a\t\n\r\x1b"), "\\x07\\x09\\x0a\\x0d\\x1b");
     EXPECT_EQ(Printable("\x1f\x7f\x80\x9b\xff"), "\\x1f\\x7f\\x80\\x9b\\xff");
@@ -22,6 +53,26 @@ TEST(Printable, EscapesControlCharactersAndBytesBeyondAscii) {
 
 TEST(Printable, DoublesBackslashesSoThatEscapesAreUnmistakable) {
     EXPECT_EQ(Printable("\\x1b"), "\\\\x1b");
+}
+
+TEST(PrintableValue, WritesABackslashOnce) {
+    EXPECT_EQ(PrintableValue("a\\b\\x1b"), "a\\b\\x1b");
+    EXPECT_EQ(PrintableValue("\x1b\xc3\xa4\xff"), "\\x1b\xc3\xa4\\xff");
+}
+
+TEST(HasControls, FindsThemAnywhere) {
+    for (const char* text : {"\n", "a\n", "\tb", "a\x1b[m", "\x7f", "\x1f", "\xc2\x80", "a\xc2\x9f",
+                             "\xc2\xc2\x85", "\xc2\xa0\xc2\x85"}) {
+        EXPECT_TRUE(HasControls(text)) << Printable(text);
+    }
+    EXPECT_TRUE(HasControls(std::string("a\0b", 3)));
+}
+
+TEST(HasControls, TextHasNone) {
+    for (const char* text :
+         {"", " ", "a ~", "\xc2\xa0", "\xc3\x84\xe2\x82\xac", "\xc2", "\xff\x80"}) {
+        EXPECT_FALSE(HasControls(text)) << Printable(text);
+    }
 }
 
 TEST(Quoted, ShowsWhereAWordBeginsAndEnds) {

@@ -1,5 +1,5 @@
-// value_kinds.cpp - how the values of settings are written in words and lie in the data bytes.
-#include "velkctl/value_kinds.h"
+// server_list.cpp - values that are a list of servers.
+#include "velkctl/server_list.h"
 
 #include <cstring>
 #include <string_view>
@@ -12,7 +12,6 @@
 namespace velkctl {
 namespace {
 
-constexpr std::string_view kNone = "none";
 constexpr size_t kSlots = 3;
 constexpr size_t kSlotSize = 16;
 
@@ -52,15 +51,15 @@ std::string_view SlotText(const Data& data, size_t index) {
 // A blank inside a slot must not look like the gap between two.
 std::string PrintableWord(std::string_view text) {
     std::string word;
-    for (const char byte : text) {
-        word.append(byte == ' ' ? "\\x20" : Printable({&byte, 1}));
+    for (const char byte : Printable(text)) {
+        word.append(byte == ' ' ? "\\x20" : std::string_view(&byte, 1));
     }
     return word;
 }
 
 }  // namespace
 
-Parsed ParseServerList(std::span<const std::string> words) {
+Parsed ServerListKind::Parse(std::span<const std::string> words) const {
     if (words.size() == 1 && words.front() == kNone) {
         return {};
     }
@@ -75,7 +74,7 @@ Parsed ParseServerList(std::span<const std::string> words) {
     return parsed;
 }
 
-std::string PrintServerList(const Data& data) {
+std::string ServerListKind::Print(const Data& data) const {
     std::string text;
     for (size_t i = 0; i < kSlots; ++i) {
         const std::string_view server = SlotText(data, i);

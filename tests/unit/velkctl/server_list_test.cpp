@@ -1,4 +1,4 @@
-#include "velkctl/value_kinds.h"
+#include "velkctl/server_list.h"
 
 #include <algorithm>
 #include <string>
@@ -9,9 +9,11 @@
 namespace {
 
 using velkctl::Data;
-using velkctl::kServerList;
 using velkctl::Parsed;
+using velkctl::ServerListKind;
 using Words = std::vector<std::string>;
+
+constexpr ServerListKind kServerList{};
 
 // The data bytes that begin with these; the rest is zero.
 Data DataOf(const std::string& bytes) {
@@ -27,25 +29,25 @@ std::string Slot(const std::string& text) {
 }
 
 std::string Problem(const Words& words) {
-    return kServerList.parse(words).problem;
+    return kServerList.Parse(words).problem;
 }
 
 TEST(ServerListParse, OneAddressFillsTheFirstSlot) {
-    const Parsed parsed = kServerList.parse(Words{"192.168.0.1"});
+    const Parsed parsed = kServerList.Parse(Words{"192.168.0.1"});
     EXPECT_EQ(parsed.problem, "");
     EXPECT_TRUE(parsed.ok());
     EXPECT_EQ(parsed.data, DataOf("192.168.0.1"));
 }
 
 TEST(ServerListParse, ThreeAddressesLieInSlotsOf16Bytes) {
-    const Parsed parsed = kServerList.parse(Words{"255.255.255.255", "0.0.0.0", "192.168.100.200"});
+    const Parsed parsed = kServerList.Parse(Words{"255.255.255.255", "0.0.0.0", "192.168.100.200"});
     EXPECT_TRUE(parsed.ok());
     EXPECT_EQ(parsed.data,
               DataOf(Slot("255.255.255.255") + Slot("0.0.0.0") + Slot("192.168.100.200")));
 }
 
 TEST(ServerListParse, NoneIsAllZero) {
-    const Parsed parsed = kServerList.parse(Words{"none"});
+    const Parsed parsed = kServerList.Parse(Words{"none"});
     EXPECT_TRUE(parsed.ok());
     EXPECT_EQ(parsed.data, Data{});
 }
@@ -81,7 +83,7 @@ TEST(ServerListParse, ShowsControlCharactersEscaped) {
 class NoAddress : public testing::TestWithParam<std::string> {};
 
 TEST_P(NoAddress, IsRefusedAndLeavesTheDataZero) {
-    const Parsed parsed = kServerList.parse(Words{GetParam()});
+    const Parsed parsed = kServerList.Parse(Words{GetParam()});
     EXPECT_FALSE(parsed.ok());
     EXPECT_NE(parsed.problem.find("is not an IPv4 address"), std::string::npos) << parsed.problem;
     EXPECT_EQ(parsed.data, Data{});
@@ -96,54 +98,58 @@ INSTANTIATE_TEST_SUITE_P(
                     "localhost", "NONE", "None", "1.1.1.9999999999", std::string("1.1.1.1\0x", 9)));
 
 TEST(ServerListPrint, SeparatesAddressesByBlanks) {
-    EXPECT_EQ(kServerList.print(DataOf("192.168.0.1")), "192.168.0.1");
-    EXPECT_EQ(kServerList.print(DataOf(Slot("1.1.1.1") + Slot("2.2.2.2"))), "1.1.1.1 2.2.2.2");
-    EXPECT_EQ(kServerList.print(
+    EXPECT_EQ(kServerList.Print(DataOf("192.168.0.1")), "192.168.0.1");
+    EXPECT_EQ(kServerList.Print(DataOf(Slot("1.1.1.1") + Slot("2.2.2.2"))), "1.1.1.1 2.2.2.2");
+    EXPECT_EQ(kServerList.Print(
                   DataOf(Slot("255.255.255.255") + Slot("255.255.255.254") + Slot("1.2.3.4"))),
               "255.255.255.255 255.255.255.254 1.2.3.4");
 }
 
 TEST(ServerListPrint, AnEmptyListIsNone) {
-    EXPECT_EQ(kServerList.print(Data{}), "none");
+    EXPECT_EQ(kServerList.Print(Data{}), "none");
 }
 
 TEST(ServerListPrint, ServersBehindAnEmptySlotAreShown) {
-    EXPECT_EQ(kServerList.print(DataOf(Slot("") + Slot("2.2.2.2"))), "2.2.2.2");
-    EXPECT_EQ(kServerList.print(DataOf(Slot("1.1.1.1") + Slot("") + Slot("3.3.3.3"))),
+    EXPECT_EQ(kServerList.Print(DataOf(Slot("") + Slot("2.2.2.2"))), "2.2.2.2");
+    EXPECT_EQ(kServerList.Print(DataOf(Slot("1.1.1.1") + Slot("") + Slot("3.3.3.3"))),
               "1.1.1.1 3.3.3.3");
 }
 
 TEST(ServerListPrint, AFilledSlotEndsWhereTheNextBegins) {
-    EXPECT_EQ(kServerList.print(DataOf("2001:db8::1:2:3a" + Slot("2.2.2.2"))),
+    EXPECT_EQ(kServerList.Print(DataOf("2001:db8::1:2:3a" + Slot("2.2.2.2"))),
               "2001:db8::1:2:3a 2.2.2.2");
-    EXPECT_EQ(kServerList.print(DataOf("aaaaaaaaaaaaaaaabbbbbbbbbbbbbbbbccccccccccccccccd")),
+    EXPECT_EQ(kServerList.Print(DataOf("aaaaaaaaaaaaaaaabbbbbbbbbbbbbbbbccccccccccccccccd")),
               "aaaaaaaaaaaaaaaa bbbbbbbbbbbbbbbb cccccccccccccccc");
 }
 
 TEST(ServerListPrint, AFilledSlotShowsItsNulsToo) {
-    EXPECT_EQ(kServerList.print(DataOf(std::string("1.1.1.1\0........", 16))),
+    EXPECT_EQ(kServerList.Print(DataOf(std::string("1.1.1.1\0........", 16))),
               "1.1.1.1\\x00........");
-    EXPECT_EQ(kServerList.print(DataOf(std::string(15, '\0') + "x")),
+    EXPECT_EQ(kServerList.Print(DataOf(std::string(15, '\0') + "x")),
               "\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00x");
 }
 
 TEST(ServerListPrint, WhatStandsBehindTheNulOfASlotIsNotShown) {
-    EXPECT_EQ(kServerList.print(DataOf(Slot(std::string("1.1.1.1\0rest", 12)))), "1.1.1.1");
+    EXPECT_EQ(kServerList.Print(DataOf(Slot(std::string("1.1.1.1\0rest", 12)))), "1.1.1.1");
 }
 
 TEST(ServerListPrint, BytesThatAreNoTextAreEscaped) {
-    EXPECT_EQ(kServerList.print(DataOf("\x1b[31m\n\x7f\xff")), "\\x1b[31m\\x0a\\x7f\\xff");
-    EXPECT_EQ(kServerList.print(DataOf("a b\\")), "a\\x20b\\\\");
+    EXPECT_EQ(kServerList.Print(DataOf("\x1b[31m\n\x7f\xff")), "\\x1b[31m\\x0a\\x7f\\xff");
+    EXPECT_EQ(kServerList.Print(DataOf("a b\\")), "a\\x20b\\\\");
+}
+
+TEST(ServerListPrint, TextInUtf8IsShown) {
+    EXPECT_EQ(kServerList.Print(DataOf("n\xc3\xa4me \xc3")), "n\xc3\xa4me\\x20\\xc3");
 }
 
 TEST(ServerListPrint, BytesBehindTheSlotsDoNotCount) {
-    EXPECT_EQ(kServerList.print(DataOf(std::string(48, '\0') + "4.4.4.4")), "none");
+    EXPECT_EQ(kServerList.Print(DataOf(std::string(48, '\0') + "4.4.4.4")), "none");
 }
 
 TEST(ServerListPrint, NoByteReachesTheTerminalRaw) {
     for (int byte = 1; byte < 256; ++byte) {
         const std::string shown =
-            kServerList.print(DataOf(std::string(1, static_cast<char>(byte))));
+            kServerList.Print(DataOf(std::string(1, static_cast<char>(byte))));
         for (const char c : shown) {
             EXPECT_TRUE(c > ' ' && c <= '~') << "byte " << byte << " is shown as " << shown;
         }
@@ -153,13 +159,13 @@ TEST(ServerListPrint, NoByteReachesTheTerminalRaw) {
 TEST(ServerList, WhatIsPrintedIsParsedToTheSameBytes) {
     for (const Words& words : {Words{"none"}, Words{"1.2.3.4"}, Words{"1.2.3.4", "5.6.7.8"},
                                Words{"255.255.255.255", "0.0.0.0", "10.0.0.1"}}) {
-        const Parsed first = kServerList.parse(words);
+        const Parsed first = kServerList.Parse(words);
         ASSERT_TRUE(first.ok());
         std::string joined;
         for (const std::string& word : words) {
             joined += (joined.empty() ? "" : " ") + word;
         }
-        EXPECT_EQ(kServerList.print(first.data), joined);
+        EXPECT_EQ(kServerList.Print(first.data), joined);
     }
 }
 

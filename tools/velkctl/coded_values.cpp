@@ -1,0 +1,77 @@
+// coded_values.cpp - values that are one byte out of a table.
+#include "velkctl/coded_values.h"
+
+#include <algorithm>
+
+#include "velkctl/terminal.h"
+
+namespace velkctl {
+namespace {
+
+constexpr size_t kLongestListing = 3;  // more numbers than this are told as "1 to 13"
+
+}  // namespace
+
+bool CodedKind::has_names() const {
+    return std::any_of(values_.begin(), values_.end(),
+                       [](const CodedValue& value) { return !value.name.empty(); });
+}
+
+bool CodedKind::takes_numbers() const {
+    return std::any_of(values_.begin(), values_.end(),
+                       [](const CodedValue& value) { return value.name.empty(); });
+}
+
+bool CodedKind::Matches(const CodedValue& value, std::string_view word) const {
+    return (!value.name.empty() && word == value.name) ||
+           (takes_numbers() && word == std::to_string(value.code));
+}
+
+// "100-full", "4", or "2 (wep)" where both are taken.
+std::string CodedKind::InWords(const CodedValue& value) const {
+    if (!takes_numbers()) {
+        return std::string(value.name);
+    }
+    const std::string number = std::to_string(value.code);
+    return value.name.empty() ? number : number + " (" + std::string(value.name) + ")";
+}
+
+std::string CodedKind::Wanted() const {
+    if (!has_names() && values_.size() > kLongestListing) {
+        return "give a number from " + InWords(values_.front()) + " to " + InWords(values_.back());
+    }
+    std::string wanted;
+    for (const CodedValue& value : values_) {
+        const bool last = &value == &values_.back();
+        wanted.append(wanted.empty() ? "give " : last ? " or " : ", ").append(InWords(value));
+    }
+    return wanted;
+}
+
+Parsed CodedKind::Parse(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable("no value given; " + Wanted());
+    }
+    if (words.size() > 1) {
+        return Unparsable(std::to_string(words.size()) + " values given; " + Wanted());
+    }
+    const std::string& word = words.front();
+    const auto value = std::find_if(values_.begin(), values_.end(),
+                                    [&](const CodedValue& known) { return Matches(known, word); });
+    if (value == values_.end()) {
+        return Unparsable(Quoted(word) + " is not one of its values; " + Wanted());
+    }
+    Parsed parsed;
+    parsed.data[0] = static_cast<char>(value->code);
+    return parsed;
+}
+
+std::string CodedKind::Print(const Data& data) const {
+    const auto code = static_cast<uint8_t>(data[0]);
+    const auto value = std::find_if(values_.begin(), values_.end(),
+                                    [code](const CodedValue& known) { return known.code == code; });
+    return value == values_.end() || value->name.empty() ? std::to_string(code)
+                                                         : std::string(value->name);
+}
+
+}  // namespace velkctl

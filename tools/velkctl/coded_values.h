@@ -1,0 +1,50 @@
+// coded_values.h - values that are one byte out of a table.
+#ifndef VELKCTL_CODED_VALUES_H_
+#define VELKCTL_CODED_VALUES_H_
+
+#include <array>
+#include <cstdint>
+
+#include "velkctl/value_kind.h"
+
+namespace velkctl {
+
+struct CodedValue {
+    uint8_t code;
+    std::string_view name{};  // empty when it is written as its number
+};
+
+// The first data byte is one of the codes of a table. A code is written by its name; where some
+// codes have none, the number of any of them is taken too.
+class CodedKind final : public ValueKind {
+  public:
+    constexpr explicit CodedKind(std::span<const CodedValue> values) : values_(values) {}
+
+    Parsed Parse(std::span<const std::string> words) const override;
+    // A code that the table does not have is shown as its number.
+    std::string Print(const Data& data) const override;
+
+  private:
+    bool has_names() const;
+    bool takes_numbers() const;
+    bool Matches(const CodedValue& value, std::string_view word) const;
+    std::string InWords(const CodedValue& value) const;
+    std::string Wanted() const;
+
+    std::span<const CodedValue> values_;
+};
+
+// A table of the numbers from `kFirst` to `kLast`.
+template <uint8_t kFirst, uint8_t kLast>
+constexpr std::array<CodedValue, kLast - kFirst + 1> NumberTable() {
+    std::array<CodedValue, kLast - kFirst + 1> table{};
+    uint8_t number = kFirst;
+    for (CodedValue& value : table) {
+        value.code = number++;
+    }
+    return table;
+}
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CODED_VALUES_H_

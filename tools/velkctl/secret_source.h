@@ -1,0 +1,22 @@
+// secret_source.h - secrets that need not stand on a command line.
+#ifndef VELKCTL_SECRET_SOURCE_H_
+#define VELKCTL_SECRET_SOURCE_H_
+
+#include <string>
+
+namespace velkctl {
+
+// The text of a secret, or the problem that kept it from being read.
+struct Secret {
+    std::string text{};
+    std::string problem{};
+};
+
+// Takes "-" for a line of standard input, "@FILE" for the only line of a file, without the end of
+// the line, and any other word as it stands. The rest of standard input is left to others. No
+// problem repeats the word: a secret may begin with @.
+Secret ReadSecret(const std::string& word);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SECRET_SOURCE_H_

@@ -1,0 +1,18 @@
+// server_list.h - values that are a list of servers.
+#ifndef VELKCTL_SERVER_LIST_H_
+#define VELKCTL_SERVER_LIST_H_
+
+#include "velkctl/value_kind.h"
+
+namespace velkctl {
+
+// One to three IPv4 addresses, or "none", in slots of 16 bytes.
+class ServerListKind final : public ValueKind {
+  public:
+    Parsed Parse(std::span<const std::string> words) const override;
+    std::string Print(const Data& data) const override;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SERVER_LIST_H_

@@ -1,0 +1,31 @@
+// text_values.h - values that are a text.
+#ifndef VELKCTL_TEXT_VALUES_H_
+#define VELKCTL_TEXT_VALUES_H_
+
+#include "velkctl/value_kind.h"
+
+namespace velkctl {
+
+// A text that ends at its NUL or with the data area. Secrets are of this kind: no problem repeats
+// the text or a part of it.
+class TextKind final : public ValueKind {
+  public:
+    // The empty text is written as `empty`; `wanted` says in words what `takes_length` takes.
+    constexpr TextKind(std::string_view empty, std::string_view wanted,
+                       bool (*takes_length)(size_t length))
+        : empty_(empty), wanted_(wanted), takes_length_(takes_length) {}
+
+    Parsed Parse(std::span<const std::string> words) const override;
+    std::string Print(const Data& data) const override;
+
+  private:
+    std::string Problem(std::span<const std::string> words) const;
+
+    std::string_view empty_;
+    std::string_view wanted_;
+    bool (*takes_length_)(size_t length);
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_TEXT_VALUES_H_

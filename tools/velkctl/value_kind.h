@@ -1,0 +1,33 @@
+// value_kind.h - one form that the values of settings have.
+#ifndef VELKCTL_VALUE_KIND_H_
+#define VELKCTL_VALUE_KIND_H_
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "velkctl/data.h"
+
+namespace velkctl {
+
+// How a value is written in words and lies in the data bytes. What Print() shows, Parse() takes.
+class ValueKind {
+  public:
+    // A kind that has no Parse() of its own is for settings that can only be read. A problem never
+    // repeats the words of a kind that serves for secrets.
+    virtual Parsed Parse(std::span<const std::string> words) const;
+
+    // One line without its end, safe for a terminal.
+    virtual std::string Print(const Data& data) const = 0;
+
+  protected:
+    constexpr ValueKind() = default;
+    ~ValueKind() = default;
+};
+
+// How an empty value is written where nothing else is said.
+inline constexpr std::string_view kNone = "none";
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_VALUE_KIND_H_
