@@ -10,6 +10,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "sandbox/programs.h"
+#include "sandbox/stand_ins.h"
+
 namespace sandbox {
 namespace {
 
@@ -24,23 +27,14 @@ std::string Environment(const char* name, const char* otherwise) {
 }
 
 std::string SearchPath(const std::string& program_folder) {
-    std::string path = program_folder + ":" + Environment("PATH", kDefaultPath);
+    std::string path = std::string(kStandInFolder) + ":" + program_folder + ":" +
+                       Environment("PATH", kDefaultPath);
     for (const char* folder : kSystemFolders) {
         if ((":" + path + ":").find(std::string(":") + folder + ":") == std::string::npos) {
             path.append(":").append(folder);
         }
     }
     return path;
-}
-
-std::vector<char*> ArgumentsOf(std::vector<std::string>& words) {
-    std::vector<char*> arguments;
-    arguments.reserve(words.size() + 1);
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-    return arguments;
 }
 
 }  // namespace

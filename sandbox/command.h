@@ -22,8 +22,9 @@ int ExitStatusOf(int wait_status);
 // Says one line on standard error.
 void Say(const std::string& text);
 
-// Becomes the command. An empty one stands for the user's shell. `program_folder` comes first on
-// the command's search path. Returns the exit status only when the command cannot be run.
+// Becomes the command. An empty one stands for the user's shell. The stand-ins and then
+// `program_folder` come first on the command's search path. Returns the exit status only when the
+// command cannot be run.
 int BecomeCommand(const std::vector<std::string>& command, const std::string& program_folder);
 
 }  // namespace sandbox

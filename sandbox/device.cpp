@@ -57,7 +57,7 @@ void GiveUpPrivileges() {
 void EnterDevice(const DeviceOptions& options) {
     std::error_code no_folder;
     const fs::path here = fs::current_path(no_folder);
-    const Plan plan = MakePlan(options.rootfs);
+    const Plan plan = MakePlan(options.rootfs, options.files);
     GiveUpPrivileges();
     EnterPrivateNamespaces();
 

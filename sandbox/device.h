@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "sandbox/failure.h"
+#include "sandbox/sample_files.h"
 
 namespace sandbox {
 
@@ -18,6 +19,8 @@ struct DeviceOptions {
     // Folder whose files become the device's, each under its own absolute path. Empty: the places
     // are there, without files.
     std::string rootfs;
+    // More of the device's files. They come before what the machine has at their paths.
+    std::vector<SampleFile> files;
     // Folders that stay visible although one of the private places hides them.
     std::vector<std::string> keep;
     // Folders of the machine that stay visible and writable.

@@ -1,5 +1,6 @@
 // main.cpp - velk-sandbox: a device on your desk.
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "sandbox/command.h"
+#include "sandbox/hardware.h"
 #include "sandbox/session.h"
 #include <CLI/CLI.hpp>
 
@@ -17,6 +19,9 @@ namespace fs = std::filesystem;
 constexpr char kDescription[] =
     "Runs a command, or a shell, on a device of its own: with the device's files and a network of\n"
     "its own, while the machine around it stays as it is.";
+constexpr char kUsage[] =
+    "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n"
+    "       velk-sandbox cable|adapter in|out\n";
 constexpr char kFooter[] =
     "Exit status: the command's; 128 and the number of the signal that ended it; 125 when there "
     "is\n"
@@ -26,7 +31,7 @@ constexpr char kFooter[] =
 class HelpFormatter : public CLI::Formatter {
   public:
     std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
-        return "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n";
+        return kUsage;
     }
 };
 
@@ -42,9 +47,9 @@ std::vector<std::string> TakeCommand(std::vector<std::string>& words) {
 }
 
 // Beside the program in a build folder, in the data folder once installed.
-std::string SampleFolder(const fs::path& program_folder) {
-    const fs::path installed = program_folder / "../share/velk-sandbox/rootfs";
-    const fs::path built = program_folder / "rootfs";
+std::string DataFolder(const fs::path& program_folder, const char* name) {
+    const fs::path installed = program_folder / "../share/velk-sandbox" / name;
+    const fs::path built = program_folder / name;
     return fs::is_directory(built) ? built : installed;
 }
 
@@ -63,6 +68,17 @@ CLI::Validator ExistingFolder() {
     return validator.description("");
 }
 
+// Moves a part of the device that this program runs on, instead of making a device.
+void AddMove(CLI::App& app, const std::string& part, const std::string& description) {
+    CLI::App* move = app.add_subcommand(part, description);
+    move->add_option_function<std::string>(
+            "POSITION",
+            [part](const std::string& position) { sandbox::MoveHardware(part, position); },
+            "Where it is to be")
+        ->required()
+        ->check(CLI::IsMember({"in", "out"}));
+}
+
 void AddOptions(CLI::App& app, sandbox::Session& session) {
     app.formatter(std::make_shared<HelpFormatter>());
     app.footer(kFooter);
@@ -76,6 +92,8 @@ void AddOptions(CLI::App& app, sandbox::Session& session) {
     app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
         ->type_name("DIR")
         ->check(ExistingFolder());
+    AddMove(app, "cable", "On a device: plug the cable of eth0 in, or pull it out");
+    AddMove(app, "adapter", "On a device: plug the wireless adapter eth1 in, or pull it out");
     app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION);
 }
 
@@ -84,7 +102,8 @@ int Run(std::vector<std::string> words) {
     sandbox::Session session;
     session.program_folder = program_folder;
     session.command = TakeCommand(words);
-    session.device.rootfs = SampleFolder(program_folder);
+    session.device.rootfs = DataFolder(program_folder, "rootfs");
+    session.stand_in_folder = DataFolder(program_folder, "stand-ins");
     session.device.keep = FoldersInUse(program_folder);
 
     CLI::App app(kDescription, "velk-sandbox");
@@ -97,6 +116,9 @@ int Run(std::vector<std::string> words) {
     } catch (const CLI::ParseError& error) {
         sandbox::Say(error.what());
         return sandbox::kUsageError;
+    }
+    if (!app.get_subcommands().empty()) {
+        return EXIT_SUCCESS;
     }
     return sandbox::RunSession(session);
 }

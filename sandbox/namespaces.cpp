@@ -3,22 +3,19 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <string>
 #include <string_view>
 
 #include <fcntl.h>
 #include <linux/sched.h>
-#include <net/if.h>
 #include <sched.h>
-#include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include "frame/unique_fd.h"
 #include "sandbox/failure.h"
+#include "sandbox/network_control.h"
 
 namespace sandbox {
 namespace {
@@ -41,16 +38,6 @@ void WriteSetting(const char* path, const std::string& text) {
         throw Failure(text + ": the limit in /proc/sys/user is reached");
     }
     Fail(text, error);
-}
-
-void BringUp(const char* interface) {
-    const velk::UniqueFd any_socket(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    ifreq request{};
-    strncpy(request.ifr_name, interface, sizeof(request.ifr_name) - 1);
-    request.ifr_flags = IFF_UP | IFF_RUNNING;
-    if (any_socket.get() == -1 || ioctl(any_socket.get(), SIOCSIFFLAGS, &request) == -1) {
-        Fail(std::string("cannot bring up ") + interface, errno);
-    }
 }
 
 }  // namespace
@@ -90,7 +77,7 @@ void EnterPrivateNamespaces() {
     if (sethostname(kHostName.data(), kHostName.size()) == -1) {
         Fail("cannot name the device", errno);
     }
-    BringUp("lo");
+    NetworkControl().BringUp("lo");
 }
 
 }  // namespace sandbox

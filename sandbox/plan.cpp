@@ -49,7 +49,7 @@ bool IsWithin(const fs::path& path, const fs::path& folder) {
 
 }  // namespace
 
-Plan MakePlan(const std::string& rootfs) {
+Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_files) {
     Plan plan;
     for (const Folder& place : kPlaces) {
         plan.places.emplace(fs::weakly_canonical(place.path), place.mode);
@@ -61,6 +61,7 @@ Plan MakePlan(const std::string& rootfs) {
         plan.files.push_back(DeviceTree::Resolve(file));
     }
     plan.samples = ReadSamples(rootfs);
+    plan.samples.insert(plan.samples.end(), more_files.begin(), more_files.end());
     for (SampleFile& sample : plan.samples) {
         sample.path = DeviceTree::Resolve(sample.path);
         plan.files.push_back(sample.path);

@@ -25,8 +25,8 @@ struct Plan {
     std::vector<SampleFile> samples;
 };
 
-// Plans a device with the files under `rootfs`, or without files.
-Plan MakePlan(const std::string& rootfs);
+// Plans a device with the files under `rootfs`, if that is not empty, and `more_files`.
+Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_files);
 
 // True when one of the private places hides `path`. The place itself is not hidden: it is private.
 bool IsHidden(const std::filesystem::path& path, const Plan& plan);

@@ -29,14 +29,6 @@ mode_t ModeOnDevice(const fs::path& path, fs::perms found) {
     return path.parent_path() == kCrontabs ? mode & kOwnerOnly : mode;
 }
 
-std::string TextOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        Fail("cannot read " + path.string(), errno);
-    }
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 SampleFile ReadSample(const fs::directory_entry& entry, const fs::path& rootfs) {
     SampleFile file;
     file.path = "/" / entry.path().lexically_relative(rootfs);
@@ -44,13 +36,21 @@ SampleFile ReadSample(const fs::directory_entry& entry, const fs::path& rootfs) 
     if (file.is_link) {
         file.text = fs::read_symlink(entry.path());
     } else {
-        file.text = TextOf(entry.path());
+        file.text = ReadText(entry.path());
         file.mode = ModeOnDevice(file.path, entry.status().permissions());
     }
     return file;
 }
 
 }  // namespace
+
+std::string ReadText(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        Fail("cannot read " + path.string(), errno);
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 std::vector<SampleFile> ReadSamples(const std::string& rootfs) {
     std::vector<SampleFile> files;

@@ -21,6 +21,9 @@ struct SampleFile {
 // Sorted by path. An empty name stands for no files.
 std::vector<SampleFile> ReadSamples(const std::string& rootfs);
 
+// What a file holds. Throws Failure.
+std::string ReadText(const std::filesystem::path& path);
+
 void WriteSample(const SampleFile& file);
 
 }  // namespace sandbox

@@ -1,7 +1,8 @@
 // session.cpp - one device, from its first process to its last.
 //
-// Three processes: this one stays outside; its child is the first process of a PID namespace, so
-// that the kernel ends everything in it when the child ends; the child's child is the command.
+// Four processes: this one stays outside; its child is the first process of a PID namespace, so
+// that the kernel ends everything in it when the child ends; the child's children are the hardware
+// and the command.
 #include "sandbox/session.h"
 
 #include <cerrno>
@@ -16,7 +17,9 @@
 
 #include "frame/unique_fd.h"
 #include "sandbox/command.h"
+#include "sandbox/hardware.h"
 #include "sandbox/namespaces.h"
+#include "sandbox/stand_ins.h"
 
 namespace sandbox {
 namespace {
@@ -84,7 +87,16 @@ void EndWithOutside(const velk::UniqueFd& outside) {
     }
 }
 
-void Greet(const DeviceOptions& device) {
+std::string Listed(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& name : names) {
+        const char* separator = &name == &names.back() ? " and " : ", ";
+        list.append(list.empty() ? "" : separator).append(name);
+    }
+    return list;
+}
+
+void Greet(const DeviceOptions& device, const std::vector<std::string>& stand_ins) {
     Say("a device of its own. Its settings, network, processes, /tmp, /var/tmp, /dev/shm and /run "
         "are private and end with it;");
     std::string rest = "the rest of the machine is read-only";
@@ -92,6 +104,9 @@ void Greet(const DeviceOptions& device) {
         rest.append(folder == device.writable.front() ? ", except " : ", ").append(folder);
     }
     Say(rest + ". Leave with \"exit\".");
+    if (!stand_ins.empty()) {
+        Say("stand-ins take the place of " + Listed(stand_ins) + ".");
+    }
 }
 
 // Collects the orphans of the device until the command has ended.
@@ -108,10 +123,16 @@ int ReapUntil(pid_t command) {
     }
 }
 
-int RunFirstProcess(const Session& session, const Terminal& terminal) {
+int RunFirstProcess(Session& session, const Terminal& terminal) {
+    const StandIns stand_ins = ChooseStandIns(session.stand_in_folder);
+    session.device.files = stand_ins.files;
     EnterDevice(session.device);
+    const std::string trouble = StartHardware(session.program_folder);
     if (!session.quiet) {
-        Greet(session.device);
+        Greet(session.device, stand_ins.names);
+        if (!trouble.empty()) {
+            Say(trouble);
+        }
     }
     const pid_t command = fork();
     if (command == -1) {
@@ -127,7 +148,7 @@ int RunFirstProcess(const Session& session, const Terminal& terminal) {
     return ReapUntil(command);
 }
 
-[[noreturn]] void BeFirstProcess(const Session& session, const Terminal& terminal) {
+[[noreturn]] void BeFirstProcess(Session& session, const Terminal& terminal) {
     int status = kSandboxFailed;
     try {
         status = RunFirstProcess(session, terminal);

@@ -13,6 +13,7 @@ struct Session {
     DeviceOptions device;
     std::vector<std::string> command;  // empty: the user's shell
     std::string program_folder;        // where velkctl is found
+    std::string stand_in_folder;       // scripts in place of tools that do not work on a device
     bool quiet = false;
 };
 

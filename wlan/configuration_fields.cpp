@@ -24,11 +24,15 @@ int PutNumber(uint16_t value, char* out) {
     return LIB_VELK_SUCCESS;
 }
 
-int TakeNumber(const char* in, int highest, uint16_t& value) {
-    if (in == nullptr || in[0] < 1 || in[0] > highest) {
+int TakeNumber(const char* in, unsigned char highest, uint16_t& value) {
+    if (in == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    value = static_cast<uint16_t>(in[0]);
+    const auto number = static_cast<unsigned char>(in[0]);
+    if (number < 1 || number > highest) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    value = number;
     return LIB_VELK_SUCCESS;
 }
 

@@ -52,7 +52,7 @@ FakeDaemon::FakeDaemon() {
     // The library's address lengths leave out the NUL; so must the name the kernel keeps.
     const auto length =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(kRequestPath));
-    bind(socket_, reinterpret_cast<const sockaddr*>(&address), length);
+    (void)bind(socket_, reinterpret_cast<const sockaddr*>(&address), length);
     thread_ = std::thread([this] { Serve(); });
 }
 

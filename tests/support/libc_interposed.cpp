@@ -234,12 +234,13 @@ sem_t* sem_open(const char* name, int flags, ...) noexcept {
     va_end(arguments);
     const std::string text =
         std::string(name) + " " + std::to_string(mode) + " " + std::to_string(value);
-    const long answer = Answer({Call::kSemOpen, text, "sem_open", flags}, [&] {
+    sem_t* sem = SEM_FAILED;
+    const int answer = Answer({Call::kSemOpen, text, "sem_open", flags}, [&] {
         static auto* real = Real<sem_t* (*)(const char*, int, ...)>("sem_open");
-        return reinterpret_cast<long>(real(name, flags, mode, value));
+        sem = real(name, flags, mode, value);
+        return sem == SEM_FAILED ? -1 : 0;
     });
-    // SEM_FAILED is a null pointer; a scripted failure is -1.
-    return answer == -1 ? SEM_FAILED : reinterpret_cast<sem_t*>(answer);
+    return answer == -1 ? SEM_FAILED : sem;
 }
 
 int sem_post(sem_t* sem) noexcept {

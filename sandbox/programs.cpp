@@ -1,0 +1,54 @@
+// programs.cpp - finds and runs programs of the system.
+#include "sandbox/programs.h"
+
+#include <cerrno>
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "sandbox/command.h"
+
+namespace sandbox {
+namespace {
+
+constexpr const char* kFolders[] = {"/usr/local/sbin/", "/usr/local/bin/", "/usr/sbin/",
+                                    "/usr/bin/",        "/sbin/",          "/bin/"};
+
+}  // namespace
+
+std::string FindProgram(const std::string& name) {
+    for (const char* folder : kFolders) {
+        if (const std::string path = folder + name; access(path.c_str(), X_OK) == 0) {
+            return path;
+        }
+    }
+    return {};
+}
+
+std::vector<char*> ArgumentsOf(std::vector<std::string>& words) {
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
+int RunProgram(std::vector<std::string> words) {
+    const std::vector<char*> arguments = ArgumentsOf(words);
+    pid_t program;
+    if (posix_spawn(&program, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0) {
+        return kNotFound;
+    }
+    int status;
+    while (waitpid(program, &status, 0) == -1) {
+        if (errno != EINTR) {
+            return kNotFound;
+        }
+    }
+    return ExitStatusOf(status);
+}
+
+}  // namespace sandbox

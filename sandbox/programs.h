@@ -1,0 +1,22 @@
+// programs.h - finds and runs programs of the system.
+#ifndef SANDBOX_PROGRAMS_H_
+#define SANDBOX_PROGRAMS_H_
+
+#include <string>
+#include <vector>
+
+namespace sandbox {
+
+// The path of a program in one of the system's folders, or an empty text.
+std::string FindProgram(const std::string& name);
+
+// The words as execv(3) takes them. They must outlive what is returned.
+std::vector<char*> ArgumentsOf(std::vector<std::string>& words);
+
+// Runs a program, given by its path, to its end. Returns what a shell would report; 127 when it
+// cannot be run.
+int RunProgram(std::vector<std::string> words);
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_PROGRAMS_H_

@@ -1,0 +1,26 @@
+// stand_ins.h - scripts on the device in place of tools that do not work there.
+#ifndef SANDBOX_STAND_INS_H_
+#define SANDBOX_STAND_INS_H_
+
+#include <string>
+#include <vector>
+
+#include "sandbox/sample_files.h"
+
+namespace sandbox {
+
+// Comes first on the device's search path.
+inline constexpr char kStandInFolder[] = "/run/velk-sandbox/bin";
+
+struct StandIns {
+    std::vector<std::string> names;
+    std::vector<SampleFile> files;
+};
+
+// Those that this user needs on this machine, read from `folder`. Call it before anything is
+// mounted. Throws Failure.
+StandIns ChooseStandIns(const std::string& folder);
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_STAND_INS_H_

@@ -1,0 +1,52 @@
+// server.h - takes requests and replies to them.
+#ifndef SANDBOX_WLAND_SERVER_H_
+#define SANDBOX_WLAND_SERVER_H_
+
+#include <chrono>
+#include <deque>
+#include <string>
+
+#include "sandbox/wland/control.h"
+#include "sandbox/wland/protocol.h"
+#include "sandbox/wland/reply.h"
+#include "sandbox/wland/stop_signals.h"
+
+namespace wland {
+
+class ReadySemaphore;
+
+class Server {
+  public:
+    // Requests can be sent from now on. Throws sandbox::Failure.
+    Server(const Behaviour& behaviour, const StopSignals& stop);
+
+    // Serves until a stop signal comes. Throws sandbox::Failure.
+    void Run();
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    struct LateReply {
+        Clock::time_point due;
+        std::string bytes;
+    };
+
+    void TakeOrders();
+    void TakeRequest();
+    void Answer(const Message& request);
+    void Reply(const std::string& bytes);
+    bool WaitForPost(const ReadySemaphore& ready, Clock::time_point deadline) const;
+    void SendDueReplies();
+    int MillisecondsToNextReply() const;
+
+    const StopSignals& stop_;
+    Behaviour behaviour_;
+    ControlSocket control_;  // first, as it refuses a second daemon
+    RequestSocket requests_;
+    SMsgConf conf_;
+    std::deque<LateReply> late_replies_;
+};
+
+}  // namespace wland
+
+#endif  // SANDBOX_WLAND_SERVER_H_
