@@ -1,10 +1,9 @@
 // restart.cpp - brings an interface down and up again so that changed settings take effect.
 #include <string>
 
-#include <unistd.h>
-
 #include "frame/data_area.h"
 #include "frame/shell.h"
+#include "frame/wait.h"
 #include "velk.h"
 
 namespace velk {
@@ -41,19 +40,18 @@ int Restart(const _velk_request& request, char* out) {
 int RestartWired(const _velk_request& request, char* /*out*/) {
     const std::string name = velk::InterfaceName(request);
     (void)velk::RunIfdown(name.c_str());
-    sleep(1);
+    velk::WaitSeconds(1);
     const int result = velk::RunIfup(name.c_str());
     if (IsWlanAttached() == 0) {
         return result;
     }
-    sleep(5);
+    velk::WaitSeconds(5);
     if (IsWiredLinked() == 0) {
         return result;
     }
-    // With the cable in, the wireless interface follows. The second pass catches an adapter that
-    // was still busy with the first.
+    // With the cable in, the wireless interface follows, and twice: one pass is not enough.
     for (int pass = 0; pass < 2; ++pass) {
-        sleep(30);
+        velk::WaitSeconds(30);
         (void)velk::RunIfdown(VELK_WIRELESS_INTERFACE);
         (void)velk::RunIfup(VELK_WIRELESS_INTERFACE);
     }
@@ -69,7 +67,7 @@ int RestartWireless(const _velk_request& request, char* /*out*/) {
     }
     const std::string name = velk::InterfaceName(request);
     (void)velk::RunIfdown(name.c_str());
-    sleep(1);
+    velk::WaitSeconds(1);
     if (IsWiredLinked() != 0) {
         return velk::CommandLine("sudo ifconfig %s up", name.c_str()).Run();
     }

@@ -134,15 +134,17 @@ extern "C" {
  *                               exception. No exception leaves this function.
  *
  * Side effects: a set or restart holds an flock(2) on /var/tmp/vklib_lock for the length of the
- * call (see VkLibLock()) and changes what its command says. Refusals and failures go to
- * syslog(3) at LOG_NOTICE.
+ * call (see VkLibLock()) and changes what its command says. What the functions of
+ * the commands say they log goes to syslog(3) at LOG_NOTICE, as do a null pointer ("paramater"), an
+ * unknown type ("command_type = %d"), an interface that does not fit ("paramater matching") and a
+ * lock that could not be had ("lockking").
  *
  * Blocking: taking the lock never waits. Otherwise as long as the command says.
  *
  * May be called from several processes and threads at once: sets and restarts exclude each other,
  * the later one failing at once with LIB_VELK_LOCKED; gets take no such lock, and those that read a
  * tool's output wait for each other, see velk/wired.h. A thread that is cancelled meanwhile,
- * pthread_cancel(3), ends when the call has returned.
+ * pthread_cancel(3), finishes the call first.
  */
 VELK_API int execute_velk_command(const _velk_request* request, _velk_request* response);
 

@@ -2,10 +2,9 @@
 #include <optional>
 #include <string_view>
 
-#include <unistd.h>
-
 #include "frame/command_output.h"
 #include "frame/log.h"
+#include "frame/wait.h"
 #include "frame/words.h"
 #include "velk.h"
 
@@ -71,7 +70,7 @@ int IsWiredLinked() {
         if (const std::optional<int> linked = velk::LinkFromEthtool(); linked.has_value()) {
             return *linked;
         }
-        sleep(1);
+        velk::WaitSeconds(1);
     }
     velk::Log("(ETHTOOL_RETRY - 1) == i)");
     return IsWiredLinkedFromSyslog();

@@ -28,7 +28,7 @@ static_assert(offsetof(Message, type) == 0);
 static_assert(offsetof(Message, body) == 4);
 static_assert(sizeof(Message) == 240);
 
-// The length counts the path without its NUL, as the daemon's side does.
+// The length counts the address family and the path without its NUL.
 struct Address {
     template <size_t kSize>
     explicit Address(const char (&path)[kSize])
@@ -125,7 +125,8 @@ int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
     const velk::Address self(velk::kReplyPath);
     if (bind(fd.get(), self.get(), self.length) == -1) {
         velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", errno);
-        // This one path leaves its socket open, as management programs have always seen it.
+        // The one failing path that leaves its socket open, kept as it is. It comes up when two
+        // queries race for the path.
         (void)fd.Release();
         return LIB_VELK_FAILURE;
     }

@@ -69,12 +69,13 @@ VELK_API int Restart(const _velk_request& request, char* out);
 // asking for the link as IsWiredLinked() does.
 VELK_API int RestartWired(const _velk_request& request, char* out);
 
-// The first parameter byte 2 only tells the wireless daemon, while the wired port has no link. Any
-// other byte runs "sudo ifdown NAME" and sleep(1); then, with a wired link, "sudo ifconfig NAME
+// The first parameter byte 2 only tells the wireless daemon, and with a wired link not even that.
+// Any other byte runs "sudo ifdown NAME" and sleep(1); then, with a wired link, "sudo ifconfig NAME
 // up", and without one "sudo ifup NAME &" in the background before the daemon is told.
 //
-// Returns LIB_VELK_NO_ADAPTER, with nothing done, without a supported adapter; otherwise the result
-// of the last step: of the command line, or of SendWlanRequestMessage().
+// Returns LIB_VELK_NO_ADAPTER, with nothing done, without a supported adapter; LIB_VELK_SUCCESS
+// when there was nobody to tell; otherwise the result of the last step: of the command line, or of
+// SendWlanRequestMessage().
 // Blocking: the commands, 1 second, and asking for the link as IsWiredLinked() does.
 VELK_API int RestartWireless(const _velk_request& request, char* out);
 

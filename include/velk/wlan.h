@@ -71,7 +71,7 @@ static_assert(sizeof(SMsgConf) == 236);
 
 struct SMsgState {
     char product[64];           // the adapter's USB product line, with "Rev= " and its revision
-    char software_version[32];  // of the daemon
+    char software_version[32];  // of the daemon or its driver
     uint16_t region;
     char unused_98[44];
     uint8_t access_point[6];  // MAC address
@@ -103,7 +103,7 @@ static_assert(sizeof(UMsgData) == 236);
 
 // Message types of the requests to the daemon. Types 3 and 4 are answered, the others are not.
 enum velk_wlan_message {
-    VELK_WLAN_RESTARTED = 1,  // no body: the wireless interface was restarted
+    VELK_WLAN_RESTARTED = 1,  // no body: the wireless interface is (re)started
     VELK_WLAN_STORE = 2,      // SMsgConf: store this configuration
     VELK_WLAN_REPORT = 3,     // no body: report the configuration, SMsgConf
     VELK_WLAN_STATE = 4       // no body: report the state, SMsgState
@@ -114,8 +114,9 @@ enum velk_wlan_message {
 // Two unix(7) datagram sockets, one per direction, and a named semaphore, see sem_overview(7). A
 // message has 240 bytes: its type (16 bits), two zero bytes, a body of 236. A query is
 // CreatSemaphore(), SendWlanRequestMessage(), RecvWlanResponseMessage() if that succeeded, and
-// DeleteSemaphore() in any case. One query at a time can be made on a device. Every failure is
-// logged with the function, the failed call and errno.
+// DeleteSemaphore() in any case, with a null handle too when CreatSemaphore() failed: both
+// functions that take one then log EINVAL and go on. One query at a time can be made on a device.
+// Every failure is logged with the function and the failed call, and errno where there is one.
 
 // Sends one message to /tmp/WlanAplToWlanSock; a null `body` sends zeros. Returns LIB_VELK_SUCCESS
 // when the datagram was sent, LIB_VELK_FAILURE otherwise. Never waits for the daemon.
@@ -129,7 +130,8 @@ VELK_API int SendWlanRequestMessage(short type, const UMsgData* body);
 // Blocking: up to 60 seconds.
 VELK_API int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready);
 
-// Opens the semaphore "/WlanAplRecvSem", creating it with mode 0666 and value 0 when it is missing.
+// Opens the semaphore "/WlanAplRecvSem", creating it with value 0 and mode 0666, narrowed by the
+// umask, when it is missing.
 // Returns its handle, or null.
 VELK_API sem_t* CreatSemaphore();
 
@@ -188,7 +190,8 @@ VELK_API int GetPsk(const SMsgConf& conf, char* out);
 VELK_API int SetPsk(SMsgConf& conf, const char* in);
 // WEP key n, 1 to 4: text of 5 or 13 (ASCII), 10 or 26 (hexadecimal) bytes, or none to clear it;
 // the characters are not checked. Written without a terminator. The key in use, wep_default, cannot
-// be cleared while the encryption is WEP. Any other n gives LIB_VELK_FAILURE.
+// be cleared while the encryption is WEP. An invalid key is refused first; then any other n gives
+// LIB_VELK_FAILURE.
 VELK_API int GetWepKey(const SMsgConf& conf, int n, char* out);
 VELK_API int SetWepKey(SMsgConf& conf, int n, const char* in);
 VELK_API int GetWepKey1(const SMsgConf& conf, char* out);

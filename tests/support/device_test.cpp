@@ -15,11 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string& Reason() {
-    static std::string reason;
-    return reason;
-}
-
 // The library's folders; what an earlier test left there is removed.
 constexpr const char* kScratchFolders[] = {"/tmp",
                                            "/var/tmp",
@@ -59,14 +54,6 @@ bool IsLockFree() {
 }
 
 }  // namespace
-
-void SetNoDeviceReason(const std::string& reason) {
-    Reason() = reason;
-}
-
-const std::string& NoDeviceReason() {
-    return Reason();
-}
 
 void WriteFile(const std::string& path, std::string_view text) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
@@ -118,23 +105,12 @@ std::string Data(const _velk_request& response, size_t size) {
 }
 
 DeviceTest::DeviceTest() {
-    if (NoDeviceReason().empty()) {
-        LibcRecorder::Get().Reset();
-        EmptyDevice();
-        descriptors_ = OpenDescriptors();
-    }
-}
-
-void DeviceTest::SetUp() {
-    if (!NoDeviceReason().empty()) {
-        GTEST_SKIP() << NoDeviceReason();
-    }
+    LibcRecorder::Get().Reset();
+    EmptyDevice();
+    descriptors_ = OpenDescriptors();
 }
 
 void DeviceTest::TearDown() {
-    if (!NoDeviceReason().empty()) {
-        return;
-    }
     LibcRecorder::Get().Reset();
     EXPECT_EQ(OpenDescriptors(), descriptors_) << "a descriptor was left open";
     EXPECT_TRUE(IsLockFree()) << "the lock was left taken";

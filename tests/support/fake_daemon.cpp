@@ -1,6 +1,7 @@
 // fake_daemon.cpp - a wireless daemon within the test.
 #include "support/fake_daemon.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <ctime>
@@ -101,7 +102,7 @@ std::vector<int> FakeDaemon::types() const {
     std::vector<int> types;
     for (const std::string& datagram : requests()) {
         int16_t type = 0;
-        memcpy(&type, datagram.data(), sizeof(type));
+        memcpy(&type, datagram.data(), std::min(datagram.size(), sizeof(type)));
         types.push_back(type);
     }
     return types;
@@ -127,6 +128,9 @@ void FakeDaemon::Handle(const std::string& datagram) {
     {
         const std::lock_guard guard(mutex_);
         requests_.push_back(datagram);
+        if (datagram.size() != 240) {
+            return;
+        }
         int16_t type = 0;
         memcpy(&type, datagram.data(), sizeof(type));
         if (type == VELK_WLAN_STORE) {

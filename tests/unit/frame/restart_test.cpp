@@ -123,6 +123,8 @@ TEST_F(RestartTest, TheWirelessInterfaceWithTheCableOut) {
                                      "system sudo ifup eth1 &"));
     EXPECT_THAT(ToldTheDaemon(), ElementsAre(1));
     EXPECT_EQ(daemon.requests()[0], std::string("\1", 1) + std::string(239, '\0'));
+    EXPECT_EQ(libc().Order({Call::kSystem, Call::kSendto}).back(), "sendto")
+        << "the daemon is told when the interface is on its way up";
 }
 
 TEST_F(RestartTest, EveryParameterButTwoIsAFullRestart) {
@@ -185,6 +187,25 @@ TEST_F(RestartTest, AnyOtherNameIsRestartedAsWireless) {
     EXPECT_EQ(::Restart(testkit::MakeRequest(VELK_RESTART, 1, "eth0:1"), nullptr), 0);
     EXPECT_EQ(libc().Commands()[0], "sudo ifdown eth0:1");
     EXPECT_EQ(libc().Commands().back(), "sudo ifconfig eth0:1 up");
+}
+
+TEST_F(RestartTest, AnyOtherNameWithTheCableOutGoesUpInTheBackground) {
+    PlugAdapter();
+    PullCable();
+    EXPECT_EQ(::Restart(testkit::MakeRequest(VELK_RESTART, 1, "eth0:1"), nullptr), 0);
+    EXPECT_EQ(libc().Commands().back(), "sudo ifup eth0:1 &");
+}
+
+TEST_F(RestartTest, TheWiredRestartTakesTheRequestsName) {
+    EXPECT_EQ(RestartWired(testkit::MakeRequest(VELK_RESTART, 1, "eth7"), nullptr), 0);
+    EXPECT_THAT(libc().Commands(), ElementsAre("sudo ifdown eth7", "sudo ifup eth7"));
+}
+
+TEST_F(RestartTest, TheAdapterIsLookedForWhenTheWiredPortIsUpAgain) {
+    PullCable();
+    libc().OnCall(Call::kSleep, [](const testkit::Event&) { PlugAdapter(); });
+    EXPECT_EQ(Restart("eth0"), 0);
+    EXPECT_EQ(libc().Texts(Call::kSleep), (std::vector<std::string>{"1", "5"}));
 }
 
 TEST_F(RestartTest, ARestartNeedsAnInterface) {

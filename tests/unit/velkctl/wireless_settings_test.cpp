@@ -29,10 +29,6 @@ void PutText(char (&field)[kSize], uint16_t& length, std::string_view text) {
 class WirelessSettings : public testkit::DeviceTest {
   protected:
     void SetUp() override {
-        DeviceTest::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
         testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
         shell.Prints("sudo /usr/sbin/ethtool eth0", {"\tLink detected: no\n"});
     }

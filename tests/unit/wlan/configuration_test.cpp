@@ -186,6 +186,10 @@ TEST_F(ConfigurationTest, AnIdThatIsNoFieldGetsNothing) {
     char out[VELK_DATA_SIZE] = "unchanged";
     EXPECT_EQ(GetWlanConf(MakeRequest(VELK_GET, 313, "eth1"), out), 0);
     EXPECT_STREQ(out, "unchanged");
+    daemon.Stop();
+    EXPECT_THAT(daemon.types(), ElementsAre(3)) << "the daemon is asked first";
+    EXPECT_EQ(GetWlanConf(MakeRequest(VELK_GET, 313, "eth1"), out), -1);
+    EXPECT_EQ(SetWlanConf(MakeRequest(VELK_SET, 313, "eth1"), out), -1);
 }
 
 TEST_F(ConfigurationTest, AnIdThatIsNoFieldSendsTheRecordBackUnchanged) {
@@ -193,6 +197,11 @@ TEST_F(ConfigurationTest, AnIdThatIsNoFieldSendsTheRecordBackUnchanged) {
     daemon.Stop();
     EXPECT_THAT(daemon.types(), ElementsAre(3, 2));
     EXPECT_EQ(daemon.requests()[1], std::string("\2\0\0\0", 4) + Bytes(SampleConf()));
+}
+
+TEST_F(ConfigurationTest, ASetNeedsNoOutput) {
+    EXPECT_EQ(SetWlanConf(MakeRequest(VELK_SET, 304, "eth1", "\7"), nullptr), 0);
+    EXPECT_EQ(Get(304), Padded("\7"));
 }
 
 TEST_F(ConfigurationTest, TheWholeConfigurationCanBeFetched) {

@@ -174,6 +174,12 @@ TEST(StateFacts, NullOutputsAreFailures) {
     }
 }
 
+TEST(StateFacts, TheAccessPointIsATextOfItsOwn) {
+    char out[VELK_DATA_SIZE] = "";
+    EXPECT_EQ(GetAccessPoint(SampleState(), out), 0);
+    EXPECT_STREQ(out, "001D73AA0BFF");
+}
+
 TEST(StateFacts, RawFactsWriteTheirBytesAlone) {
     const SMsgState state = SampleState();
     char out[8];
