@@ -18,7 +18,7 @@ struct Port {
 inline constexpr Port kWiredPort = {"eth0", "cable0", 0x10};
 inline constexpr Port kWirelessPort = {"eth1", "cable1", 0x11};
 
-// Interfaces of one kind. They go with the process that made them. Failing throws Failure.
+// Interfaces of one kind. They go with the device's network. Failing throws Failure.
 class Ports {
   public:
     Ports() = default;

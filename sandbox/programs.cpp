@@ -19,7 +19,7 @@ constexpr const char* kFolders[] = {"/usr/local/sbin/", "/usr/local/bin/", "/usr
 
 std::string FindProgram(const std::string& name) {
     for (const char* folder : kFolders) {
-        if (const std::string path = folder + name; access(path.c_str(), X_OK) == 0) {
+        if (std::string path = folder + name; access(path.c_str(), X_OK) == 0) {
             return path;
         }
     }

@@ -24,7 +24,8 @@ velk::UniqueFd OpenTap() {
 }  // namespace
 
 bool TapPorts::ToBeHad() {
-    return OpenTap().get() != -1;
+    unsigned features;
+    return ioctl(OpenTap().get(), TUNGETFEATURES, &features) == 0;
 }
 
 void TapPorts::Make(const Port& port) {
@@ -35,6 +36,10 @@ void TapPorts::Make(const Port& port) {
     if (tap.get() == -1 || ioctl(tap.get(), TUNSETIFF, &request) == -1) {
         Fail(std::string("cannot make ") + port.name, errno);
     }
+    // Left to the end of the device's network, which nobody waits for, its removal takes no time.
+    if (ioctl(tap.get(), TUNSETPERSIST, 1) == -1) {
+        Fail(std::string("cannot keep ") + port.name, errno);
+    }
     control_.SetHardwareAddress(port.name, port.last_byte);
     control_.SetUsualSpeed(port.name);
     control_.BringUp(port.name);
@@ -43,7 +48,10 @@ void TapPorts::Make(const Port& port) {
 }
 
 void TapPorts::Remove(const Port& port) {
-    taps_.erase(port.name);
+    if (const auto tap = taps_.find(port.name); tap != taps_.end()) {
+        (void)ioctl(tap->second.get(), TUNSETPERSIST, 0);
+        taps_.erase(tap);
+    }
 }
 
 void TapPorts::SetCarrier(const Port& port, bool carrier) {

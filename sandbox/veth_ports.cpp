@@ -3,6 +3,7 @@
 
 #include <cerrno>
 
+#include <net/if.h>
 #include <sched.h>
 
 #include "sandbox/failure.h"
@@ -44,7 +45,10 @@ void VethPorts::Make(const Port& port) {
 }
 
 void VethPorts::Remove(const Port& port) {
-    RunIp({"del", port.cable});
+    // Somebody on the device may have deleted the interface, and the cable with it.
+    if (if_nametoindex(port.cable) != 0) {
+        RunIp({"del", port.cable});
+    }
 }
 
 void VethPorts::SetCarrier(const Port& port, bool carrier) {

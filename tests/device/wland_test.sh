@@ -10,6 +10,10 @@ command -v python3 >/dev/null || skip 'no python3 here, to talk to the daemon wi
 
 # What the scripts on the device are written in.
 words='
+    # The one that the device comes with makes room.
+    own=$(cat /run/velk-sandbox/wland.pid) && kill $own &&
+        while kill -0 $own 2>/dev/null; do sleep 0.01; done
+
     mkdir /tmp/tools
     PATH=/tmp/tools:$PATH
     # The only privileged line here asks for the cable.
