@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
-. "$VELK_SOURCE/tests/device/lib.sh"
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
 needs_sandbox
 command -v python3 >/dev/null || skip 'no python3 here, to talk to the daemon with'
 
