@@ -15,7 +15,7 @@ export KEPT
 
 # What the scripts on the device are written in.
 words='
-    ls() { command ls "$@" | grep -vxF "$KEPT"; }
+    ls() { command ls "$@" | grep -vxF "$KEPT" || :; }
 
     # The one that the device comes with makes room.
     own=$(cat /run/velk-sandbox/wland.pid) && kill $own &&
