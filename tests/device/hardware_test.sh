@@ -350,33 +350,10 @@ status_is 0
 check 'processes left' '' "$(sleepers)"
 check 'interfaces of the machine' "$links_before" "$(links_of_machine)"
 
-it 'starts in less than half a second'
-fastest=999999
-for _ in 1 2 3 4 5; do
-    start=$(date +%s%N)
-    on_device true
-    took=$((($(date +%s%N) - start) / 1000000))
-    [ "$took" -lt "$fastest" ] && fastest=$took
-done
-check "fast start ($fastest ms)" yes "$([ "$fastest" -lt 500 ] && echo yes || echo no)"
+starts_quickly
 
 # --- again, as an ordinary user ---
 
-if [ "$user" = 0 ] && command -v setpriv >/dev/null; then
-    copy=$lib_folder/copy
-    mkdir -p "$copy/tests/device"
-    for file in velk-sandbox velkctl wland libvelk.so.1 libvelk.so rootfs stand-ins; do
-        [ ! -e "$VELK_BUILD/$file" ] || cp -RP "$VELK_BUILD/$file" "$copy"
-    done
-    cp "$VELK_SOURCE/tests/device/lib.sh" "$this_file" "$copy/tests/device"
-    chmod -R a+rX "$lib_folder"
-    cd "$copy" || exit
-    it 'works for an ordinary user'
-    run env -i PATH=/usr/bin:/bin HOME=/nonexistent LD_LIBRARY_PATH="$copy" VELK_BUILD="$copy" \
-        VELK_SOURCE="$copy" setpriv --reuid 65534 --regid 65534 --clear-groups \
-        bash "$copy/tests/device/${this_file##*/}"
-    printf 'as an ordinary user:\n%s\n' "$output"
-    [ "$status" = 77 ] || status_is 0
-fi
+again_as_ordinary_user "$this_file"
 
 finish

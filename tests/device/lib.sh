@@ -67,6 +67,41 @@ needs_sandbox() {
     lib_reason=$(velk-sandbox --quiet -- true 2>&1) || skip "no sandbox here: $lib_reason"
 }
 
+# Holds that a device is there and gone again within half a second; the fastest of five counts, as
+# the machine may be busy.
+starts_quickly() {
+    it 'starts in less than half a second'
+    lib_fastest=999999
+    for _ in 1 2 3 4 5; do
+        lib_start=$(date +%s%N)
+        on_device true
+        lib_took=$((($(date +%s%N) - lib_start) / 1000000))
+        [ "$lib_took" -lt "$lib_fastest" ] && lib_fastest=$lib_took
+    done
+    check "fast start ($lib_fastest ms)" yes "$([ "$lib_fastest" -lt 500 ] && echo yes || echo no)"
+}
+
+# Runs a whole test file again as an ordinary user, when it runs as root. What that user needs is
+# copied where everybody may read it.
+again_as_ordinary_user() { # again_as_ordinary_user FILE
+    [ "$(id -u)" = 0 ] && command -v setpriv >/dev/null || return 0
+    lib_copy=$lib_folder/copy
+    mkdir -p "$lib_copy/tests/device"
+    for lib_file in velk-sandbox velkctl wland libvelk.so.1 libvelk.so rootfs stand-ins; do
+        cp -RP "$VELK_BUILD/$lib_file" "$lib_copy" || exit
+    done
+    cp "$VELK_SOURCE/tests/device/lib.sh" "$1" "$lib_copy/tests/device"
+    chmod -R a+rX "$lib_folder"
+    cd "$lib_copy" || exit
+    it 'works for an ordinary user'
+    run env -i PATH=/usr/bin:/bin HOME=/nonexistent LD_LIBRARY_PATH="$lib_copy" \
+        VELK_BUILD="$lib_copy" VELK_SOURCE="$lib_copy" \
+        setpriv --reuid 65534 --regid 65534 --clear-groups \
+        bash "$lib_copy/tests/device/${1##*/}"
+    printf 'as an ordinary user:\n%s\n' "$output"
+    [ "$status" = 77 ] || status_is 0
+}
+
 finish() {
     printf '%d checks, %d failed\n' "$lib_checks" "$lib_failures"
     [ "$lib_checks" -gt 0 ] && [ "$lib_failures" -eq 0 ]

@@ -466,15 +466,7 @@ if command -v script >/dev/null; then
     output_has got-hello
 fi
 
-it 'starts in less than half a second'
-fastest=999999
-for _ in 1 2 3 4 5; do
-    start=$(date +%s%N)
-    on_device true
-    took=$((($(date +%s%N) - start) / 1000000))
-    [ "$took" -lt "$fastest" ] && fastest=$took
-done
-check "fast start ($fastest ms)" yes "$([ "$fastest" -lt 500 ] && echo yes || echo no)"
+starts_quickly
 
 it 'leaves the machine as it was'
 lib_command='all of the above'
@@ -482,19 +474,6 @@ check 'state of the machine' "$machine_before" "$(machine_state)"
 
 # --- again, as an ordinary user ---
 
-if [ "$user" = 0 ] && command -v setpriv >/dev/null; then
-    copy=$lib_folder/copy
-    mkdir -p "$copy/tests/device"
-    cp -R "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$copy"
-    cp "$VELK_SOURCE/tests/device/lib.sh" "$this_file" "$copy/tests/device"
-    chmod -R a+rX "$lib_folder"
-    cd "$copy" || exit
-    it 'works for an ordinary user'
-    run env -i PATH=/usr/bin:/bin HOME=/nonexistent VELK_BUILD="$copy" VELK_SOURCE="$copy" \
-        setpriv --reuid 65534 --regid 65534 --clear-groups \
-        bash "$copy/tests/device/${this_file##*/}"
-    printf 'as an ordinary user:\n%s\n' "$output"
-    [ "$status" = 77 ] || status_is 0
-fi
+again_as_ordinary_user "$this_file"
 
 finish

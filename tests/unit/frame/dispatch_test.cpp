@@ -211,6 +211,14 @@ TEST_F(DispatchTest, ASetOutOfMemoryReleasesTheLockAndLeavesTheFile) {
     EXPECT_EQ(ReadFile(kResolverFile), "nameserver 10.0.0.1\n");
 }
 
+// Whatever a command throws: here the system call itself does, in the test's place of it.
+TEST_F(DispatchTest, AnythingThrownIsAFailureAndReleasesTheLock) {
+    libc().OnCall(Call::kWrite, [](const testkit::Event&) { throw 42; });
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", "10.0.0.2"), -1);
+    EXPECT_EQ(libc().Events(Call::kFlock).back().number, LOCK_UN);
+    EXPECT_EQ(libc().Logs().back(), "execute_velk_command exception");
+}
+
 // With a cancellation pending, every call to the system would otherwise be a place to end at.
 TEST_F(DispatchTest, ACancelledThreadFinishesItsCall) {
     struct Outcome {
