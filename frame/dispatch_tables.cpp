@@ -9,10 +9,15 @@ namespace {
 constexpr uint8_t kYes = 1;
 constexpr uint8_t kNo = 0;
 
-constexpr std::array<CommandEntry, 22> kGetRows{{
+constexpr std::array<CommandEntry, 27> kGetRows{{
     // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_MAC_ADDRESS, kNo, kYes, kYes, 0, GetIoctl},
     {VELK_CMD_LINK_SPEED, kNo, kYes, kNo, 0, GetIoctl},
+    {VELK_CMD_IP_METHOD, kNo, kYes, kYes, 0, GetInterfaces},
+    {VELK_CMD_APIPA, kNo, kYes, kYes, 0, GetInterfaces},
+    {VELK_CMD_IP_ADDRESS, kNo, kYes, kYes, 0, GetInterfaces},
+    {VELK_CMD_NETMASK, kNo, kYes, kYes, 0, GetInterfaces},
+    {VELK_CMD_GATEWAY, kNo, kYes, kYes, 0, GetInterfaces},
     {VELK_CMD_DNS, kNo, kYes, kYes, 0, GetDns},
     {VELK_CMD_HARDWARE_VERSION, kNo, kNo, kYes, 0, GetWlanState},
     {VELK_CMD_SOFTWARE_VERSION, kNo, kNo, kYes, 0, GetWlanState},
@@ -35,9 +40,15 @@ constexpr std::array<CommandEntry, 22> kGetRows{{
     {VELK_CMD_SIGNAL, kNo, kNo, kYes, 0, GetWlanState},
 }};
 
-constexpr std::array<CommandEntry, 14> kSetRows{{
+constexpr std::array<CommandEntry, 20> kSetRows{{
     // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_LINK_SPEED, kNo, kYes, kNo, 0, SetIoctl},
+    {VELK_CMD_IP_METHOD, kNo, kYes, kYes, 0, SetInterfaces},
+    {VELK_CMD_DHCP_NOTICE, kNo, kYes, kNo, 0, SetInterfaces},
+    {VELK_CMD_APIPA, kNo, kYes, kYes, 0, SetInterfaces},
+    {VELK_CMD_IP_ADDRESS, kNo, kYes, kYes, 0, SetInterfaces},
+    {VELK_CMD_NETMASK, kNo, kYes, kYes, 0, SetInterfaces},
+    {VELK_CMD_GATEWAY, kNo, kYes, kYes, 0, SetInterfaces},
     {VELK_CMD_DNS, kNo, kYes, kYes, 0, SetDns},
     {VELK_CMD_STANDARDS_ENABLED, kNo, kNo, kYes, 0, SetWlanConf},
     {VELK_CMD_SERVICE_SET, kNo, kNo, kYes, 0, SetWlanConf},

@@ -32,26 +32,45 @@ LineReader::LineReader(const char* path) : fd_(open(path, O_RDONLY | O_CLOEXEC))
 }
 
 bool LineReader::Next(std::string_view& line) {
+    if (!NextWithNewline(line)) {
+        return false;
+    }
+    line.remove_suffix(1);
+    return true;
+}
+
+bool LineReader::NextWithNewline(std::string_view& line) {
     size_t searched = begin_;
     for (;;) {
         if (searched < end_) {
             const void* newline = memchr(&block_[searched], '\n', end_ - searched);
             if (newline != nullptr) {
-                const auto* stop = static_cast<const char*>(newline);
+                const auto* stop = static_cast<const char*>(newline) + 1;
                 const char* start = &block_[begin_];
                 line = std::string_view(start, static_cast<size_t>(stop - start));
-                begin_ += line.size() + 1;
+                begin_ += line.size();
                 return true;
             }
         }
         const size_t held = end_ - begin_;
         if (at_end_ || !Fill()) {
-            line = std::string_view(block_.get() + begin_, held);
-            begin_ = end_;
-            return held > 0;
+            return TakeRest(line);
         }
         searched = begin_ + held;
     }
+}
+
+// Hands out what no "\n" ends. There is room for one: the read that found the end of the file was
+// offered at least a byte.
+bool LineReader::TakeRest(std::string_view& line) {
+    const size_t held = end_ - begin_;
+    if (held == 0) {
+        return false;
+    }
+    block_[end_] = '\n';
+    line = std::string_view(&block_[begin_], held + 1);
+    begin_ = end_;
+    return true;
 }
 
 // Reads one more block behind what is held. False, with errno saying why (0: end of file), when

@@ -2,6 +2,7 @@
 #include "frame/words.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace velk {
 namespace {
@@ -10,7 +11,28 @@ namespace {
 constexpr std::string_view kSpace = " \t\n\v\f\r";
 constexpr std::string_view kWordEnd(" \t\n\v\f\r\0", 7);
 
+constexpr std::string_view kWordStarts = " \t,#";   // what may stand before a word in a line
+constexpr std::string_view kWordStops = " \t,;\n";  // and behind it
+
 }  // namespace
+
+bool FindWord(std::string_view line, std::string_view word, bool comment_aware, size_t& position) {
+    position = line.find(word);
+    if (position == std::string_view::npos) {
+        return false;
+    }
+    if (comment_aware && line.find('#') <= position) {
+        return false;
+    }
+    if (position > 0 && !Contains(kWordStarts, line.substr(position - 1, 1))) {
+        return false;
+    }
+    const size_t end = position + word.size();
+    if (end >= line.size()) {
+        throw std::out_of_range("basic_string::at");
+    }
+    return Contains(kWordStops, line.substr(end, 1));
+}
 
 std::string_view TakeWord(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of(kSpace), text.size()));

@@ -38,10 +38,13 @@ enum velk_command_id {
     VELK_CMD_HARDWARE_VERSION = 4,   /* wireless adapter: get, eth1; see GetHardwareVersion() */
     VELK_CMD_SOFTWARE_VERSION = 5,   /* wireless daemon: get, eth1; see GetSoftwareVersion() */
     VELK_CMD_MAC_ADDRESS = 101,      /* MAC address: get, eth0 and eth1; see GetMacAddress() */
-    VELK_CMD_IP_ADDRESS = 104,       /* no command yet; GetIoctl() and SetIoctl() know it */
-    VELK_CMD_NETMASK = 105,          /* no command yet; GetIoctl() and SetIoctl() know it */
-    VELK_CMD_GATEWAY = 106,          /* no command yet; GetIoctl() and SetIoctl() know it */
+    VELK_CMD_IP_METHOD = 102,        /* get and set, eth0 and eth1; see GetIpSettingMethod() */
+    VELK_CMD_APIPA = 103,            /* get and set, eth0 and eth1; see GetApipa() */
+    VELK_CMD_IP_ADDRESS = 104,       /* get and set, eth0 and eth1; see GetIpAddressConf() */
+    VELK_CMD_NETMASK = 105,          /* get and set, eth0 and eth1; see GetSubNetMaskConf() */
+    VELK_CMD_GATEWAY = 106,          /* get and set, eth0 and eth1; see GetDefGatewayConf() */
     VELK_CMD_DNS = 108,              /* DNS servers: get and set, eth0 and eth1; see GetDns() */
+    VELK_CMD_DHCP_NOTICE = 109,      /* set, eth0; see SetPrintDHCPFinished() */
     VELK_CMD_LINK_SPEED = 201,       /* link speed: get and set, eth0; see GetLinkSpeed() */
     VELK_CMD_STANDARD = 301,         /* 802.11 standard in use: get, eth1; see GetDot11Phy() */
     VELK_CMD_SERVICE_SET = 302,      /* get and set, eth1; see GetServiceSet() */
@@ -61,6 +64,12 @@ enum velk_command_id {
     VELK_CMD_SIGNAL = 317,           /* signal strength: get, eth1; see GetSignal() */
     VELK_CMD_STANDARDS_ENABLED = 318 /* 802.11: get and set, eth1; see GetDot11PhyConf() */
 };
+
+/* A switch, in the first data byte of VELK_CMD_APIPA and VELK_CMD_DHCP_NOTICE. */
+enum velk_switch { VELK_ON = 1, VELK_OFF = 2 };
+
+/* How an interface gets its address, in the first data byte of VELK_CMD_IP_METHOD. */
+enum velk_ip_method { VELK_METHOD_STATIC = 1, VELK_METHOD_DHCP = 2 };
 
 /* The link speed, in the first data byte of VELK_CMD_LINK_SPEED. */
 enum velk_link_mode {
@@ -151,6 +160,7 @@ VELK_API int execute_velk_command(const _velk_request* request, _velk_request* r
 #ifdef __cplusplus
 } /* extern "C" */
 
+#include "velk/dhcp.h"
 #include "velk/frame.h"
 #include "velk/ipconf.h"
 #include "velk/wired.h"

@@ -1,10 +1,166 @@
-// ipconf.h - the device's IP configuration: DNS servers.
+// ipconf.h - the device's IP configuration: methods and addresses of the interfaces, what the DHCP
+// client does after its lease events, DNS servers.
 #ifndef VELK_IPCONF_H_
 #define VELK_IPCONF_H_
+
+#include <cstdint>
+#include <string>
 
 #include "velk/export.h"
 
 struct _velk_request;
+
+// Files are edited through a copy in /var/tmp named after the file: written line by line, then
+// "cat COPY > FILE" and "rm COPY" are run, so that the file keeps its inode, owner and mode. Every
+// line of an edited file ends in a newline, also a last one that had none. What becomes of cat and
+// rm is not noticed. When the edit copy cannot be written in full, "FileEdit write" is logged with
+// errno, the copy removed, the file left as it was and LIB_VELK_FAILURE returned. Two editors of
+// one file at once would mix their copies: direct callers hold the lock of VkLibLock().
+
+// ---- Commands ----------------------------------------------------------------------------------
+
+// Reads the setting of request.command_id for request.interface into the data area `out` (512
+// bytes): method (102), APIPA (103), address (104), mask (105) or gateway (106). The formats stand
+// at the functions below.
+//
+// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for a null `out` and for
+// any other id. Blocking: as the setting's function.
+VELK_API int GetInterfaces(const _velk_request& request, char* out);
+
+// Changes the setting of request.command_id for request.interface to what request.data holds: those
+// of GetInterfaces() and the DHCP notices (109). One call makes one change: a new method leaves the
+// addresses and the hooks alone, a new address leaves the method alone. `out` is not used.
+//
+// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for any other id.
+// Blocking: as the setting's function.
+VELK_API int SetInterfaces(const _velk_request& request, char* out);
+
+// ---- Method and addresses ----------------------------------------------------------------------
+//
+// They stand in the interface's stanza in /etc/network/interfaces, see interfaces(5). A stanza
+// begins at a line that begins with "iface NAME inet " and reaches to the next line that begins
+// with "iface"; everything between, comments and "auto" lines included, belongs to it. A value
+// stands behind its key ("address ", "netmask ", "gateway ") wherever the line holds it. The
+// readers know an interface's first stanza only.
+
+// Says how the interface is configured: VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE
+// when the file cannot be read, holds no stanza of the interface, or names another method. Only the
+// beginning of the method's word is compared. Blocking: as long as reading one small file.
+VELK_API int GetIpSetting(const std::string& interface);
+
+// Writes GetIpSetting() of the request's interface into out[0] and returns LIB_VELK_SUCCESS.
+// LIB_VELK_FAILURE, with nothing written, for a null `out` and when the method cannot be told.
+VELK_API int GetIpSettingMethod(const _velk_request& request, char* out);
+
+// Copies what follows `key` on the first line of the interface's stanza that holds it into the data
+// area `out` (512 bytes), as a NUL-terminated text of at most 511 bytes. Without such a line
+// nothing is written.
+//
+// Returns LIB_VELK_SUCCESS, also without a value; LIB_VELK_FAILURE for a null `key` or `out` and
+// when the file cannot be read. Blocking: as long as reading one small file.
+VELK_API int GetAddressConf(const _velk_request& request, const char* key, char* out);
+
+// Read the address, mask and gateway of the request's interface as dotted-quad text (16 bytes with
+// the NUL; a static value is copied as it stands in the file, up to 511 bytes and the NUL) into the
+// data area `out`. A static interface answers as configured, also when the kernel holds another
+// value; a DHCP interface answers its live values: address and mask from ifconfig(8), see
+// GetIpAddress(), the gateway from the routing table, see GetIoctl(), for which the request must
+// carry VELK_CMD_GATEWAY. A missing value is told by an empty text.
+//
+// Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE when GetIpSetting() cannot tell the method; for a DHCP
+// interface what the function of the live value returns. "eth1" on DHCP answers with nothing while
+// IsWiredLinked() finds a link.
+// Blocking: as long as reading one small file; for a DHCP interface as the function of the live
+// value, and for "eth1" IsWiredLinked() before it.
+VELK_API int GetIpAddressConf(const _velk_request& request, char* out);
+VELK_API int GetSubNetMaskConf(const _velk_request& request, char* out);
+VELK_API int GetDefGatewayConf(const _velk_request& request, char* out);
+
+// Changes the method of the request's interface to request.data[0], VELK_METHOD_STATIC or
+// VELK_METHOD_DHCP, in all its stanzas; what followed the method on their first lines is gone,
+// their other lines stay. Then SetDhcpRequest() switches the interface's block in the DHCP client's
+// configuration on for DHCP and off for a static address. Takes effect when the interface is
+// restarted. `out` is not used.
+//
+// Returns LIB_VELK_SUCCESS, LIB_VELK_INVALID_PARAMETER for any other byte, LIB_VELK_FAILURE when
+// a file cannot be opened. The method stays changed when only the DHCP client's configuration
+// cannot be edited. A failure leaves the edit copy behind, empty.
+// Side effects: edits /etc/network/interfaces and /etc/dhclient.conf. For "eth0" and
+// VELK_METHOD_DHCP "rm -f /tmp/oldIPAddress" is run last, whatever the result.
+// Blocking: as long as rewriting two small files and five shell lines take.
+VELK_API int SetIpSettingMethod(const _velk_request& request, char* out);
+
+// Puts a tab, `key` and the text of request.data in the place of the first line that holds `key` in
+// the interface's stanza or, when there is none, in front of the next line that begins with
+// "iface". A stanza that is the last of the file and holds no such line gains none; the result is
+// LIB_VELK_SUCCESS all the same. A later stanza of the interface is edited too, except one that
+// follows directly on a stanza of it without the key. An empty text with the key "gateway " removes
+// the line. The text is not checked: it is written as it stands.
+//
+// Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for a null `key` and when a file cannot be opened.
+// Side effects: edits /etc/network/interfaces. Blocking: as long as rewriting one small file.
+VELK_API int SetAddressConf(const _velk_request& request, const char* key);
+
+// SetAddressConf() with "address ", "netmask " and "gateway ". `out` is not used.
+VELK_API int SetIpAddressConf(const _velk_request& request, char* out);
+VELK_API int SetSubNetMaskConf(const _velk_request& request, char* out);
+VELK_API int SetDefGatewayConf(const _velk_request& request, char* out);
+
+// ---- Exit hooks of the DHCP client -------------------------------------------------------------
+//
+// /etc/dhclient-exit-hooks is a shell script that the DHCP client's script runs after its lease
+// events, see dhclient-script(8). A feature is a command line that must be there already: it is
+// switched off by a "#" in column one and on by deleting the line's first "#". Lines between
+// "if" with "$interface" and "fi" count only where they run for the interface, see the branches of
+// sh(1): the interface's name on the "if" line, whatever the comparison, means its "then" branch.
+// Blocks do not nest. The switch byte is VELK_ON or VELK_OFF.
+
+// Switches every line that holds `command` and runs for the request's interface, without an
+// interface every such line, to request.data[0]. Any other byte switches nothing, but the file is
+// rewritten.
+//
+// Returns LIB_VELK_SUCCESS, also when no line holds the command; LIB_VELK_FAILURE for a null
+// `command` and when a file cannot be opened.
+// Side effects: edits /etc/dhclient-exit-hooks. Blocking: as long as rewriting one small file.
+VELK_API int SetDhclient(const _velk_request& request, const char* command);
+
+// SetDhclient() for the daemon that gives an interface a link-local address when no DHCP server
+// answers, "/usr/sbin/avahi-autoipd". `out` is not used.
+VELK_API int SetApipa(const _velk_request& request, char* out);
+
+// SetDhclient() for the program that sets the clock from a time server, "/usr/bin/ntpdate".
+VELK_API int SetNtpdate(const _velk_request& request);
+
+// SetDhclient() for the programs that print a notice when DHCP has finished,
+// "/sbin/printdhcpnotice.pl", and when it starts, "/sbin/printdhcpstart.pl". The second is not
+// touched when the first fails. `out` is not used. Only for "eth0": for any other interface nothing
+// is done and the difference of the names, as strcmp(3) tells it, is returned.
+VELK_API int SetPrintDHCPFinished(const _velk_request& request, char* out);
+
+// Writes into out[0] whether the link-local daemon is switched on for the request's interface:
+// VELK_ON when a line that runs for it holds "/usr/sbin/avahi-autoipd" as a word outside a comment,
+// else VELK_OFF. Returns LIB_VELK_SUCCESS; LIB_VELK_FAILURE, with nothing written, for a null
+// `out` and when the script cannot be read. Blocking: as long as reading one small file.
+VELK_API int GetApipa(const _velk_request& request, char* out);
+
+// ---- Text search -------------------------------------------------------------------------------
+
+// Looks for the first place at which `word` stands in `line` and sets `pos` to it, to 0xffffffff
+// when there is none. True when it stands there as a word: at the start or behind a blank, a tab, a
+// comma or a "#", and in front of a blank, a tab, a newline, a semicolon or a comma. A later place
+// is never looked at. With `comment_flag` a word behind a "#" does not count. A null `word` gives
+// false and leaves `pos` as it was.
+//
+// The line must end in a newline. Where the word is the end of the text,
+// std::out_of_range("basic_string::at") is thrown.
+VELK_API bool IsSearchString(const std::string& line, const char* word, uint32_t& pos,
+                             bool comment_flag);
+
+// The same without looking at what stands around the word, and never in a comment: true when no "#"
+// stands in front of the first place. Throws nothing.
+VELK_API bool IsSearchWord(const std::string& line, const char* word, uint32_t& pos);
+
+// ---- DNS servers -------------------------------------------------------------------------------
 
 // DNS servers (command 108). They are the "nameserver" lines of /etc/resolv.dnsmasq.conf, which
 // the DNS forwarder dnsmasq(8) reads as its upstream servers in the form of resolv.conf(5). The

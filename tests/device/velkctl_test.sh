@@ -523,21 +523,28 @@ with_ports '\tSpeed: 1000Mb/s\n\tAuto-negotiation: off\n' '' velkctl get eth0.li
 status_is 1
 error_is 'velkctl: eth0.link-speed: could not be read (LIB_VELK_FAILURE, -1)'
 
-it 'forces the link speed'
-while read -r name options; do
-    with_ports "$link" '' velkctl set eth0.link-speed "$name"
+it 'forces the link speed and looks whether the port has taken it'
+while read -r name speed duplex negotiation options; do
+    with_ports "\\tSpeed: $speed\\n\\tDuplex: $duplex\\n\\tAuto-negotiation: $negotiation\\n" '' \
+        velkctl set eth0.link-speed "$name"
     status_is 0
     error_is ''
     output_is "-- run
 ethtool -s eth0 $options
+ethtool eth0
 lock file made"
 done <<'END'
-auto autoneg on
-100-full speed 100 duplex full autoneg off
-100-half speed 100 duplex half autoneg off
-10-full speed 10 duplex full autoneg off
-10-half speed 10 duplex half autoneg off
+auto 100Mb/s Full on autoneg on
+100-full 100Mb/s Full off speed 100 duplex full autoneg off
+100-half 100Mb/s Half off speed 100 duplex half autoneg off
+10-full 10Mb/s Full off speed 10 duplex full autoneg off
+10-half 10Mb/s Half off speed 10 duplex half autoneg off
 END
+
+it 'says that the port has not taken the link speed'
+with_ports "$link" '' velkctl set eth0.link-speed 10-half
+status_is 6
+error_is "velkctl: eth0.link-speed: the library reported success, but the device holds 'auto'"
 
 # Holds that velkctl refuses these arguments with this message, with nothing run, locked or printed.
 refused_unsent() { # MESSAGE ARGUMENT...
@@ -759,7 +766,8 @@ output_has '
   call     run a command of the library as it stands
 '
 output_has 'Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing
-settings, 4 no wireless adapter, 5 refused while the cable is in the wired port.'
+settings, 4 no wireless adapter, 5 refused while the cable is in the wired port,
+6 set, but the device does not hold the value.'
 general_help=$output
 run velkctl -h
 status_is 0

@@ -26,7 +26,8 @@ constexpr const char* kScratchFolders[] = {"/tmp",
                                            "/var/cron/tabs",
                                            "/var/libvelk",
                                            "/var/log/syslog"};
-constexpr const char* kDeviceFiles[] = {"/etc/resolv.dnsmasq.conf"};
+constexpr const char* kDeviceFiles[] = {"/etc/dhclient.conf", "/etc/dhclient-exit-hooks",
+                                        "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script"};
 
 void EmptyDevice() {
     std::error_code ignored;

@@ -29,18 +29,23 @@ void FakeShell::LeavesNoFile(const std::string& tool) {
 
 void FakeShell::Run(const std::string& line) {
     if (line.starts_with("rm ")) {
-        unlink(line.substr(3).c_str());
+        unlink(line.substr(line.rfind(' ') + 1).c_str());
         return;
     }
     const size_t arrow = line.find(" > ");
-    if (arrow != std::string::npos) {
-        Redirect(line.substr(0, arrow), line.substr(arrow + 3));
+    if (arrow == std::string::npos) {
+        return;
+    }
+    const std::string file = line.substr(arrow + 3);
+    if (!file.starts_with("/dev/null")) {
+        Redirect(line.substr(0, arrow), file);
     }
 }
 
 void FakeShell::Redirect(const std::string& command, const std::string& file) {
     if (command.starts_with("cat ")) {
-        WriteFile(file, ReadFile(command.substr(4)));
+        const std::string source = command.substr(4);
+        WriteFile(file, Exists(source) ? ReadFile(source) : "");
         return;
     }
     const auto found = std::find_if(tools_.begin(), tools_.end(), [&](const auto& entry) {

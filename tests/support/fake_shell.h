@@ -11,8 +11,9 @@
 namespace testkit {
 
 // While it lives, no shell line is run. "TOOL > FILE" writes the tool's output into FILE, "rm FILE"
-// removes it and "cat FILE > FILE" copies. A tool without output leaves an empty file, as the shell
-// does when a command cannot be found. Lines are recorded as ever.
+// removes it and "cat FILE > FILE" copies; what goes to /dev/null is not run. A tool without output
+// leaves an empty file, as the shell does when a command cannot be found. Lines are recorded as
+// ever.
 class FakeShell {
   public:
     FakeShell();

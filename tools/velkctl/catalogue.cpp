@@ -17,12 +17,24 @@ constexpr bool kSecret = true;
 constexpr std::string_view kWepKeyHelp =
     "WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret";
 
-constexpr std::array<CatalogueRow, 22> kRows{{
+constexpr std::array<CatalogueRow, 28> kRows{{
     // name, id, interfaces, directions, value kind, secret, help
     {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen,
      "hardware address: 12 hex digits"},
+    {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen,
+     "where the address comes from: static or dhcp"},
+    {"apipa", VELK_CMD_APIPA, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen,
+     "link-local address when no DHCP server answers: on or off"},
+    {"address", VELK_CMD_IP_ADDRESS, kEth0 | kEth1, kGet | kSet, &kAddress, kOpen,
+     "IPv4 address; with method dhcp that of the lease"},
+    {"netmask", VELK_CMD_NETMASK, kEth0 | kEth1, kGet | kSet, &kNetmask, kOpen,
+     "IPv4 mask; with method dhcp that of the lease"},
+    {"gateway", VELK_CMD_GATEWAY, kEth0 | kEth1, kGet | kSet, &kGateway, kOpen,
+     "default gateway: an IPv4 address, or none; with method dhcp that of the lease"},
     {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen,
      "DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list"},
+    {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen,
+     "print a notice when DHCP starts and has finished: on or off"},
     {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen,
      "speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half"},
     {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen,

@@ -58,7 +58,8 @@ std::string ToolFooter() {
            "'velkctl VERB --help' tells more about a verb.\n"
            "\n"
            "Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing\n"
-           "settings, 4 no wireless adapter, 5 refused while the cable is in the wired port.";
+           "settings, 4 no wireless adapter, 5 refused while the cable is in the wired port,\n"
+           "6 set, but the device does not hold the value.";
 }
 
 // Parses; a status means that all is said and done. `prefix` begins complaints.

@@ -12,6 +12,7 @@ enum class ExitStatus : int {
     kLocked = 3,
     kNoAdapter = 4,
     kWiredLinked = 5,
+    kNotHeld = 6,  // set, but the device does not hold the value
 };
 
 }  // namespace velkctl

@@ -4,9 +4,7 @@
 #include <cstring>
 #include <string_view>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-
+#include "velkctl/ipv4.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
@@ -14,12 +12,6 @@ namespace {
 
 constexpr size_t kSlots = 3;
 constexpr size_t kSlotSize = 16;
-
-// Four decimal numbers, none with a leading zero: other programs read 010 as 8.
-bool IsAddress(const std::string& word) {
-    in_addr address{};
-    return word.find('\0') == std::string::npos && inet_pton(AF_INET, word.c_str(), &address) == 1;
-}
 
 // What is wrong with the words; empty when they make a server list.
 std::string ServerListProblem(std::span<const std::string> words) {
@@ -30,7 +22,7 @@ std::string ServerListProblem(std::span<const std::string> words) {
         if (word == kNone) {
             return "'none' stands alone; give either addresses or none";
         }
-        if (!IsAddress(word)) {
+        if (!ParseIpv4(word)) {
             return Quoted(word) +
                    " is not an IPv4 address; give one to three such as 192.168.0.1, or none";
         }

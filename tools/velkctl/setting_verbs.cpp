@@ -10,6 +10,7 @@
 #include "velkctl/secret_source.h"
 #include "velkctl/terminal.h"
 #include "velkctl/verbs.h"
+#include "velkctl/verification.h"
 
 namespace velkctl {
 namespace {
@@ -112,8 +113,9 @@ ExitStatus RunSet(const Invocation& invocation) {
     const Answer answer = Execute({VELK_SET, setting->row->id, setting->interface}, value.data);
     if (answer.result != LIB_VELK_SUCCESS) {
         Complain(DescribeFailure(name + ": could not be set", answer.result));
+        return FindResultCode(answer.result).status;
     }
-    return FindResultCode(answer.result).status;
+    return VerifySet(*setting, value.data);
 }
 
 ExitStatus RunList(const Invocation& /*invocation*/) {

@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "velkctl/address_values.h"
 #include "velkctl/coded_values.h"
 #include "velkctl/raw_values.h"
 #include "velkctl/server_list.h"
@@ -13,7 +14,21 @@ namespace velkctl {
 
 inline constexpr ServerListKind kServerList{};
 
+// ---- Addresses ---------------------------------------------------------------------------------
+inline constexpr AddressKind kAddress{"an IPv4 address such as 192.168.0.10", IsHostAddress};
+inline constexpr AddressKind kNetmask{"an IPv4 mask such as 255.255.255.0", IsMask};
+inline constexpr AddressKind kGateway{"an IPv4 address such as 192.168.0.1, or none", IsHostAddress,
+                                      /*takes_none=*/true};
+
 // ---- Coded values ------------------------------------------------------------------------------
+inline constexpr std::array<CodedValue, 2> kSwitchTable{{
+    {VELK_ON, "on"},
+    {VELK_OFF, "off"},
+}};
+inline constexpr std::array<CodedValue, 2> kMethodTable{{
+    {VELK_METHOD_STATIC, "static"},
+    {VELK_METHOD_DHCP, "dhcp"},
+}};
 inline constexpr std::array<CodedValue, 5> kLinkModeTable{{
     {VELK_LINK_AUTO, "auto"},
     {VELK_LINK_100_FULL, "100-full"},
@@ -36,6 +51,8 @@ inline constexpr auto kOneToFourTable = NumberTable<1, 4>();
 inline constexpr auto kChannelTable = NumberTable<1, 13>();
 inline constexpr auto kStandardsEnabledTable = NumberTable<2, 3>();
 
+inline constexpr CodedKind kSwitch{kSwitchTable};
+inline constexpr CodedKind kMethod{kMethodTable};
 inline constexpr CodedKind kLinkMode{kLinkModeTable};
 inline constexpr CodedKind kServiceSet{kServiceSetTable};
 inline constexpr CodedKind kEncryption{kEncryptionTable};

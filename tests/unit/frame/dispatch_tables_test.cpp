@@ -32,36 +32,37 @@ TEST(DispatchTables, TheGetRows) {
     ExpectRows(velk::kGetTable,
                {
                    {101, false, true, true, GetIoctl},      {201, false, true, false, GetIoctl},
-                   {108, false, true, true, GetDns},        {4, false, false, true, GetWlanState},
-                   {5, false, false, true, GetWlanState},   {301, false, false, true, GetWlanState},
-                   {318, false, false, true, GetWlanConf},  {302, false, false, true, GetWlanConf},
-                   {303, false, false, true, GetWlanConf},  {304, false, false, true, GetWlanConf},
-                   {305, false, false, true, GetWlanState}, {306, false, false, true, GetWlanConf},
-                   {307, false, false, true, GetWlanConf},  {308, false, false, true, GetWlanConf},
-                   {309, false, false, true, GetWlanConf},  {310, false, false, true, GetWlanConf},
-                   {311, false, false, true, GetWlanConf},  {312, false, false, true, GetWlanConf},
-                   {314, false, false, true, GetWlanConf},  {315, false, false, true, GetWlanState},
-                   {316, false, false, true, GetWlanState}, {317, false, false, true, GetWlanState},
+                   {102, false, true, true, GetInterfaces}, {103, false, true, true, GetInterfaces},
+                   {104, false, true, true, GetInterfaces}, {105, false, true, true, GetInterfaces},
+                   {106, false, true, true, GetInterfaces}, {108, false, true, true, GetDns},
+                   {4, false, false, true, GetWlanState},   {5, false, false, true, GetWlanState},
+                   {301, false, false, true, GetWlanState}, {318, false, false, true, GetWlanConf},
+                   {302, false, false, true, GetWlanConf},  {303, false, false, true, GetWlanConf},
+                   {304, false, false, true, GetWlanConf},  {305, false, false, true, GetWlanState},
+                   {306, false, false, true, GetWlanConf},  {307, false, false, true, GetWlanConf},
+                   {308, false, false, true, GetWlanConf},  {309, false, false, true, GetWlanConf},
+                   {310, false, false, true, GetWlanConf},  {311, false, false, true, GetWlanConf},
+                   {312, false, false, true, GetWlanConf},  {314, false, false, true, GetWlanConf},
+                   {315, false, false, true, GetWlanState}, {316, false, false, true, GetWlanState},
+                   {317, false, false, true, GetWlanState},
                });
 }
 
 TEST(DispatchTables, TheSetRows) {
-    ExpectRows(velk::kSetTable, {
-                                    {201, false, true, false, SetIoctl},
-                                    {108, false, true, true, SetDns},
-                                    {318, false, false, true, SetWlanConf},
-                                    {302, false, false, true, SetWlanConf},
-                                    {303, false, false, true, SetWlanConf},
-                                    {304, false, false, true, SetWlanConf},
-                                    {306, false, false, true, SetWlanConf},
-                                    {307, false, false, true, SetWlanConf},
-                                    {308, false, false, true, SetWlanConf},
-                                    {309, false, false, true, SetWlanConf},
-                                    {310, false, false, true, SetWlanConf},
-                                    {311, false, false, true, SetWlanConf},
-                                    {312, false, false, true, SetWlanConf},
-                                    {314, false, false, true, SetWlanConf},
-                                });
+    ExpectRows(
+        velk::kSetTable,
+        {
+            {201, false, true, false, SetIoctl},      {102, false, true, true, SetInterfaces},
+            {109, false, true, false, SetInterfaces}, {103, false, true, true, SetInterfaces},
+            {104, false, true, true, SetInterfaces},  {105, false, true, true, SetInterfaces},
+            {106, false, true, true, SetInterfaces},  {108, false, true, true, SetDns},
+            {318, false, false, true, SetWlanConf},   {302, false, false, true, SetWlanConf},
+            {303, false, false, true, SetWlanConf},   {304, false, false, true, SetWlanConf},
+            {306, false, false, true, SetWlanConf},   {307, false, false, true, SetWlanConf},
+            {308, false, false, true, SetWlanConf},   {309, false, false, true, SetWlanConf},
+            {310, false, false, true, SetWlanConf},   {311, false, false, true, SetWlanConf},
+            {312, false, false, true, SetWlanConf},   {314, false, false, true, SetWlanConf},
+        });
 }
 
 TEST(DispatchTables, TheRestartRow) {

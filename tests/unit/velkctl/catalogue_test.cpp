@@ -131,8 +131,19 @@ TEST(ParseId, ReadsDecimalNumbers) {
 TEST(Catalogue, HasTheSettingsOfTheDeviceInTheirOrder) {
     EXPECT_EQ(NamesOf(Catalogue()), (std::vector<std::string>{"eth0.mac-address",
                                                               "eth1.mac-address",
+                                                              "eth0.method",
+                                                              "eth1.method",
+                                                              "eth0.apipa",
+                                                              "eth1.apipa",
+                                                              "eth0.address",
+                                                              "eth1.address",
+                                                              "eth0.netmask",
+                                                              "eth1.netmask",
+                                                              "eth0.gateway",
+                                                              "eth1.gateway",
                                                               "eth0.dns",
                                                               "eth1.dns",
+                                                              "eth0.dhcp-notice",
                                                               "eth0.link-speed",
                                                               "eth1.hardware-version",
                                                               "eth1.software-version",
@@ -160,8 +171,9 @@ TEST(Catalogue, IdsAreThoseOfTheLibrary) {
     for (const CatalogueRow& row : Catalogue()) {
         ids.push_back(row.id);
     }
-    EXPECT_EQ(ids, (std::vector<uint32_t>{101, 108, 201, 4,   5,   301, 302, 303, 304, 305, 306,
-                                          307, 308, 309, 310, 311, 312, 314, 315, 316, 317, 318}));
+    EXPECT_EQ(ids, (std::vector<uint32_t>{101, 102, 103, 104, 105, 106, 108, 109, 201, 4,
+                                          5,   301, 302, 303, 304, 305, 306, 307, 308, 309,
+                                          310, 311, 312, 314, 315, 316, 317, 318}));
 }
 
 TEST(Catalogue, KeysAreSecret) {

@@ -1,0 +1,134 @@
+// request_options.cpp - which options the DHCP client requests, and for which interfaces it does.
+#include <string>
+#include <string_view>
+
+#include "dhcp/config_blocks.h"
+#include "frame/comment_switch.h"
+#include "frame/file_edit.h"
+#include "frame/line_reader.h"
+#include "frame/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr std::string_view kStatementEnd = ";";
+
+// Finds the lines of the "request" statements that concern an interface. A statement may run over
+// several lines.
+class RequestLines {
+  public:
+    RequestLines(std::string_view nic, bool comment_aware)
+        : blocks_(nic, comment_aware), comment_aware_(comment_aware) {}
+
+    // Takes the next line, with its newline. A line outside the interface's block does not count
+    // when it holds a "#" anywhere.
+    bool Holds(std::string_view line) {
+        if (!blocks_.Concerns(line) || (!blocks_.in_block() && Contains(line, "#"))) {
+            return false;
+        }
+        in_request_ = in_request_ || HasWord(line, "request", comment_aware_);
+        return in_request_;
+    }
+
+    // The line taken last ended the statement.
+    void EndStatement() { in_request_ = false; }
+
+  private:
+    ConfigBlocks blocks_;
+    const bool comment_aware_;
+    bool in_request_ = false;
+};
+
+// The line without the option at `position` and the comma behind it or, for the last one of a
+// list, what separates it from the option before it.
+std::string WithoutOption(std::string_view line, const std::string& option, size_t position) {
+    std::string edited(line);
+    if (Contains(line, option + ",")) {
+        edited.erase(position, option.size() + 1);
+        return edited;
+    }
+    edited.erase(position, option.size());
+    while (position > 1 && !IsLetter(edited[position - 1])) {
+        --position;
+        edited.erase(position, 1);
+    }
+    return edited;
+}
+
+// The line with the option as the last one of the statement that ends at `end`.
+std::string WithOption(std::string_view line, const std::string& option, size_t end) {
+    return std::string(line).insert(end, "," + option);
+}
+
+// One line of a request statement after the edit. A statement counts as ended only by a line that
+// ends it without naming the option.
+std::string EditRequest(std::string_view line, const std::string& option, bool add,
+                        bool comment_aware, RequestLines& requests) {
+    size_t position = 0;
+    if (FindWord(line, option, comment_aware, position)) {
+        return add ? std::string(line) : WithoutOption(line, option, position);
+    }
+    const size_t end = line.find(kStatementEnd);
+    if (end == std::string_view::npos) {
+        return std::string(line);
+    }
+    requests.EndStatement();
+    return add ? WithOption(line, option, end) : std::string(line);
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetDhcpServer(const std::string& nic, const std::string& option, bool& requested,
+                  bool comment_aware) {
+    velk::LineReader config(velk::kDhcpConfigFile);
+    if (!config.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    requested = false;
+    velk::RequestLines requests(nic, comment_aware);
+    for (std::string_view line; config.NextWithNewline(line);) {
+        if (!requests.Holds(line)) {
+            continue;
+        }
+        requested = velk::Contains(line, option);
+        if (requested || velk::Contains(line, velk::kStatementEnd)) {
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int SetDhcpServer(const std::string& nic, const std::string& option, bool add, bool comment_aware) {
+    velk::FileEdit edit(velk::kDhcpConfigFile);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::RequestLines requests(nic, comment_aware);
+    for (std::string_view line; edit.Next(line);) {
+        if (requests.Holds(line)) {
+            edit.Write(velk::EditRequest(line, option, add, comment_aware, requests));
+        } else {
+            edit.Write(line);
+        }
+    }
+    return edit.Finish();
+}
+
+int SetDhcpRequest(const std::string& nic, bool enable) {
+    velk::FileEdit edit(velk::kDhcpConfigFile);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
+    for (std::string_view line; edit.Next(line);) {
+        const bool concerns = blocks.Concerns(line);
+        if (concerns && (blocks.in_block() || velk::Contains(line, "}"))) {
+            edit.Write(velk::SwitchLine(line, std::string_view::npos, enable));
+        } else {
+            edit.Write(line);
+        }
+    }
+    return edit.Finish();
+}

@@ -1,0 +1,69 @@
+// file_edit.cpp - rewrites a system file line by line, through a copy.
+#include "frame/file_edit.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "frame/file_io.h"
+#include "frame/log.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kCopyFolder[] = "/var/tmp/";
+constexpr mode_t kCopyMode = 0666;  // narrowed by the caller's umask
+constexpr size_t kBlockSize = 64 * 1024;
+
+std::string CopyPath(const std::string& target) {
+    return kCopyFolder + target.substr(target.rfind('/') + 1);
+}
+
+// Without following links: everybody may write the folder, and a planted link would have any file
+// of the system emptied.
+int OpenCopy(const std::string& path) {
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kCopyMode);
+}
+
+}  // namespace
+
+FileEdit::FileEdit(const std::string& target)
+    : target_(target),
+      copy_path_(CopyPath(target)),
+      reader_(target_.c_str()),
+      copy_(OpenCopy(copy_path_)),
+      copy_error_(copy_.get() == -1 ? errno : 0) {
+}
+
+void FileEdit::Write(std::string_view text) {
+    pending_.append(text);
+    if (pending_.size() >= kBlockSize) {
+        Flush();
+    }
+}
+
+int FileEdit::Finish() {
+    Flush();
+    reader_.Close();
+    if (copy_.Reset() == -1 && write_error_ == 0) {
+        write_error_ = errno;
+    }
+    if (write_error_ != 0) {
+        LogErrno("FileEdit write errno=%d:%s", write_error_);
+        (void)unlink(copy_path_.c_str());  // half an edit is of no use, and the folder may be full
+        return LIB_VELK_FAILURE;
+    }
+    (void)FileCopyAndDelete(copy_path_, target_);
+    return LIB_VELK_SUCCESS;
+}
+
+void FileEdit::Flush() {
+    if (write_error_ == 0 && !WriteAll(copy_.get(), pending_)) {
+        write_error_ = errno;
+    }
+    pending_.clear();
+}
+
+}  // namespace velk

@@ -1,0 +1,55 @@
+// file_edit.h - rewrites a system file line by line, through a copy.
+#ifndef VELK_FRAME_FILE_EDIT_H_
+#define VELK_FRAME_FILE_EDIT_H_
+
+#include <string>
+#include <string_view>
+
+#include "frame/line_reader.h"
+#include "frame/unique_fd.h"
+
+namespace velk {
+
+// One rewrite of a file: its lines are handed out, what is written goes into the edit copy
+// /var/tmp/<base name>, and Finish() copies that over the file. Copying in place keeps the file's
+// inode, owner and mode, and a file that programs have open stays theirs.
+//
+// An edit that is given up before Finish() leaves the file as it was, and its edit copy behind for
+// the next edit to overwrite.
+class FileEdit {
+  public:
+    // Opens the file, then the edit copy (created or emptied), whether or not the file opened.
+    explicit FileEdit(const std::string& target);
+
+    bool is_open() const { return target_error() == 0 && copy_error() == 0; }
+    // The errno of the failed open; 0 when it succeeded.
+    int target_error() const { return reader_.error(); }
+    int copy_error() const { return copy_error_; }
+
+    // Sets `line` to the file's next line with its "\n", valid until the next call. A last line
+    // without one is given one. False at the end of the file.
+    bool Next(std::string_view& line) { return reader_.NextWithNewline(line); }
+
+    // Adds a text to the edit copy as it stands.
+    void Write(std::string_view text);
+
+    // Closes both files and puts the edit copy in place. Returns LIB_VELK_SUCCESS, whatever became
+    // of the copying; LIB_VELK_FAILURE, after logging it, when the edit copy could not be written
+    // in full: it is removed and the file left as it was.
+    int Finish();
+
+  private:
+    void Flush();
+
+    const std::string target_;
+    const std::string copy_path_;
+    LineReader reader_;
+    UniqueFd copy_;
+    const int copy_error_;
+    std::string pending_;  // written, but not in the edit copy yet
+    int write_error_ = 0;
+};
+
+}  // namespace velk
+
+#endif  // VELK_FRAME_FILE_EDIT_H_

@@ -1,0 +1,167 @@
+# addresses_test.sh - methods and addresses of the interfaces, end to end.
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+
+needs_sandbox
+
+# Runs a script on a device; the file's own text stands in tests of the editors.
+script() { on_device sh -c "$1"; }
+
+it 'shows what the file holds'
+on_device velkctl get eth0.method eth0.address eth0.netmask eth0.gateway eth1.method
+status_is 0
+error_is ''
+output_is 'eth0.method = static
+eth0.address = 192.168.0.10
+eth0.netmask = 255.255.255.0
+eth0.gateway = 192.168.0.1
+eth1.method = dhcp'
+
+it 'takes a static port to other addresses, and its gateway away'
+script '
+    velkctl set eth0.address 10.1.2.3 && velkctl set eth0.netmask 255.255.0.0 &&
+    velkctl set eth0.gateway 10.1.0.1 && velkctl get eth0.gateway &&
+    velkctl set eth0.gateway none && velkctl get eth0.address eth0.netmask eth0.gateway &&
+    sed -n "/eth0/,/auto eth1/p" /etc/network/interfaces && ls /var/tmp'
+status_is 0
+error_is ''
+output_is '10.1.0.1
+eth0.address = 10.1.2.3
+eth0.netmask = 255.255.0.0
+eth0.gateway = none
+# Interfaces of the device: eth0 is the wired port, eth1 the wireless adapter.
+
+auto lo
+iface lo inet loopback
+
+auto eth0
+iface eth0 inet static
+	address 10.1.2.3
+	netmask 255.255.0.0
+
+auto eth1
+vklib_lock'
+
+it 'takes a port from static to DHCP and back, its block in the DHCP configuration with it'
+script '
+    before=$(cat /etc/network/interfaces /etc/dhclient.conf)
+    velkctl set eth0.method dhcp && velkctl get eth0.method
+    grep -n "eth0\"" /etc/dhclient.conf
+    velkctl set eth0.method static && velkctl get eth0.method eth0.address
+    grep -n "eth0\"" /etc/dhclient.conf
+    [ "$before" = "$(cat /etc/network/interfaces /etc/dhclient.conf)" ] && echo as before'
+status_is 0
+error_is ''
+output_is 'dhcp
+7:interface "eth0" {
+eth0.method = static
+eth0.address = 192.168.0.10
+7:#interface "eth0" {
+as before'
+
+it 'answers with the live values of a DHCP port'
+script '
+    velkctl set eth0.method dhcp &&
+    ifconfig eth0 172.16.5.6 netmask 255.255.255.0 && route add default gw 172.16.5.1 &&
+    velkctl get eth0.address eth0.netmask eth0.gateway
+    grep address /etc/network/interfaces'
+status_is 0
+error_is ''
+output_is 'eth0.address = 172.16.5.6
+eth0.netmask = 255.255.255.0
+eth0.gateway = 172.16.5.1
+	address 192.168.0.10'
+
+it 'answers with the configured address of a static port, whatever the kernel holds'
+script 'ifconfig eth0 172.16.5.6 && velkctl get eth0.address'
+status_is 0
+error_is ''
+output_is '192.168.0.10'
+
+it 'answers with nothing for the adapter while the cable is in'
+script 'ifconfig eth1 172.16.5.6 && velkctl get eth1.address eth1.netmask eth1.gateway'
+status_is 0
+error_is ''
+output_is 'eth1.address = none
+eth1.netmask = none
+eth1.gateway = none'
+
+it 'answers with the live values of the adapter once the cable is out'
+script 'velk-sandbox cable out && ifconfig eth1 172.16.5.6 netmask 255.255.0.0 &&
+    velkctl get eth1.address eth1.netmask'
+status_is 0
+error_is ''
+output_is 'eth1.address = 172.16.5.6
+eth1.netmask = 255.255.0.0'
+
+it 'says that a gateway did not get into the last stanza of the file, and why'
+script 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
+status_is 6
+output_is ''
+error_is 'velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'; likely cause: its stanza in /etc/network/interfaces is the last one and has no such line to replace'
+
+it 'says that an address cannot be checked behind a lease'
+script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&
+    grep address /etc/network/interfaces'
+status_is 0
+output_is '	address 10.0.0.7'
+error_is 'velkctl: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown'
+
+it 'refuses nonsense before it reaches a file'
+for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.255.0' \
+    'eth0.gateway 0.0.0.0' 'eth0.method bootp' 'eth0.apipa yes' 'eth1.dhcp-notice on' \
+    'eth0.address 10.0.0.1 10.0.0.2'; do
+    # shellcheck disable=SC2086  # several words
+    script "before=\$(cat /etc/network/interfaces /etc/dhclient*)
+        velkctl set $words; status=\$?
+        [ \"\$before\" = \"\$(cat /etc/network/interfaces /etc/dhclient*)\" ] && ls /var/tmp
+        exit \$status"
+    status_is 2
+    output_is ''
+    check 'one line of error' 1 "$(printf '%s\n' "$error" | grep -c '^velkctl: eth[01].*; give \|^velkctl: set: unknown')"
+done
+
+it 'refuses an address with a second line in it'
+script 'velkctl set eth0.address "10.0.0.1
+	up reboot"; status=$?; cat /etc/network/interfaces | grep -c reboot; exit $status'
+status_is 2
+output_is 0
+
+it 'switches the link-local address of each port for itself'
+script '
+    velkctl get eth0.apipa eth1.apipa && velkctl set eth0.apipa off &&
+    velkctl set eth1.apipa on && velkctl get eth0.apipa eth1.apipa &&
+    sh -n /etc/dhclient-exit-hooks'
+status_is 0
+error_is ''
+output_is 'eth0.apipa = on
+eth1.apipa = off
+eth0.apipa = off
+eth1.apipa = on'
+
+it 'switches both notices of the wired port'
+script 'velkctl set eth0.dhcp-notice off && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks &&
+    velkctl set eth0.dhcp-notice on && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks'
+status_is 1
+error_is ''
+output_is '2
+0'
+
+it 'forgets the old address of a wired port that goes to DHCP'
+script 'echo 192.168.0.10 >/tmp/oldIPAddress; velkctl set eth1.method dhcp; ls /tmp/oldIPAddress
+    velkctl set eth0.method dhcp; ls /tmp/oldIPAddress 2>/dev/null || echo gone'
+output_is '/tmp/oldIPAddress
+gone'
+
+it 'keeps inode, owner and mode of every file it edits'
+script 'facts() { stat -c "%n %i %u:%g %a" /etc/network/interfaces /etc/dhclient.conf /etc/dhclient-exit-hooks; }
+    chmod 640 /etc/network/interfaces; before=$(facts)
+    velkctl set eth0.method dhcp; velkctl set eth0.method static; velkctl set eth0.address 10.0.0.9
+    velkctl set eth0.apipa off; [ "$before" = "$(facts)" ] && echo kept'
+status_is 0
+error_is ''
+output_is 'kept'
+
+finish

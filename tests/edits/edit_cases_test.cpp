@@ -1,0 +1,98 @@
+// edit_cases_test.cpp - runs every case of the edits ring.
+#include <algorithm>
+#include <filesystem>
+
+#include <sys/stat.h>
+
+#include "edits/edit_case.h"
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+
+namespace edits {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Another one than a new file would get, so that replacing the file shows.
+constexpr mode_t kMode = 0640;
+
+std::string CopyPath(const CaseFile& file) {
+    return "/var/tmp/" + fs::path(file.path).filename().string();
+}
+
+std::optional<std::string> Contents(const std::string& path) {
+    if (!testkit::Exists(path)) {
+        return std::nullopt;
+    }
+    return testkit::ReadFile(path);
+}
+
+struct Identity {
+    ino_t inode;
+    uid_t owner;
+    gid_t group;
+    mode_t mode;
+    bool operator==(const Identity&) const = default;
+};
+
+Identity IdentityOf(const std::string& path) {
+    struct stat facts {};
+    EXPECT_EQ(stat(path.c_str(), &facts), 0) << path;
+    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
+}
+
+class EditTest : public testkit::DeviceTest {
+  public:
+    explicit EditTest(fs::path folder) : folder_(std::move(folder)) {}
+
+    void TestBody() override {
+        const EditCase edit = ReadEditCase(folder_);
+        std::map<std::string, Identity> identities;
+        for (const CaseFile& file : edit.files) {
+            if (file.before) {
+                testkit::WriteFile(file.path, *file.before);
+                chmod(file.path.c_str(), kMode);
+                identities[file.path] = IdentityOf(file.path);
+            }
+        }
+        EXPECT_EQ(Execute(edit.request), edit.result);
+        for (const CaseFile& file : edit.files) {
+            EXPECT_EQ(Contents(file.path), file.after) << file.path;
+            EXPECT_EQ(Contents(CopyPath(file)), file.copy) << CopyPath(file);
+            if (file.before && file.after) {
+                EXPECT_EQ(IdentityOf(file.path), identities[file.path]) << file.path;
+            }
+        }
+    }
+
+  private:
+    const fs::path folder_;
+    testkit::FakeShell shell_;
+};
+
+std::vector<fs::path> FoldersIn(const fs::path& folder) {
+    std::vector<fs::path> found;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        if (entry.is_directory()) {
+            found.push_back(entry.path());
+        }
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
+bool RegisterCases() {
+    for (const fs::path& command : FoldersIn(VELK_SOURCE_DIR "/tests/edits")) {
+        for (const fs::path& folder : FoldersIn(command)) {
+            ::testing::RegisterTest(command.filename().c_str(), folder.filename().c_str(), nullptr,
+                                    nullptr, __FILE__, __LINE__,
+                                    [folder] { return new EditTest(folder); });
+        }
+    }
+    return true;
+}
+
+const bool registered = RegisterCases();
+
+}  // namespace
+}  // namespace edits
