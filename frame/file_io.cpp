@@ -21,6 +21,9 @@ bool WriteAll(int fd, std::string_view text) {
         if (count == -1 && errno == EINTR) {
             continue;
         }
+        if (count == 0) {
+            errno = EIO;  // what write(2) has no word for
+        }
         if (count <= 0) {
             return false;
         }

@@ -12,7 +12,7 @@ namespace velk {
 // Reads what is there, at most `size` bytes, as read(2) does but never interrupted by a signal.
 ssize_t ReadSome(int fd, char* buffer, size_t size);
 
-// Writes the whole text; false when that fails.
+// Writes the whole text; false, with errno saying why, when that fails.
 bool WriteAll(int fd, std::string_view text);
 
 }  // namespace velk

@@ -11,9 +11,12 @@ inline bool Contains(std::string_view line, std::string_view text) {
     return line.find(text) != std::string_view::npos;
 }
 
-// isalpha(3) in the C locale, whatever locale the host program has set.
+// isalpha(3) and isalnum(3) in the C locale, whatever locale the host program has set.
 constexpr bool IsLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+constexpr bool IsLetterOrDigit(char c) {
+    return IsLetter(c) || (c >= '0' && c <= '9');
 }
 
 // Looks for the first place at which `word` stands in `line` and sets `position` to it (npos: it

@@ -35,14 +35,22 @@ enum velk_command_type {
 /* Values of _velk_request.command_id. */
 enum velk_command_id {
     VELK_CMD_RESTART = 1,            /* restart, eth0 and eth1; see Restart() */
+    VELK_CMD_ADMINISTRATOR = 2,      /* get and set, no interface; see GetSettingFile() */
+    VELK_CMD_LOCATION = 3,           /* get and set, no interface; see GetSettingFile() */
     VELK_CMD_HARDWARE_VERSION = 4,   /* wireless adapter: get, eth1; see GetHardwareVersion() */
     VELK_CMD_SOFTWARE_VERSION = 5,   /* wireless daemon: get, eth1; see GetSoftwareVersion() */
+    VELK_CMD_NTP = 6,                /* get and set, no interface; see GetNtpMethod() */
+    VELK_CMD_DHCP_NTP = 7,           /* get and set, no interface; see GetDhcp() */
+    VELK_CMD_NTP_SERVER = 9,         /* get and set, no interface; see GetNtpIp() */
+    VELK_CMD_NTP_RESULT = 10,        /* get, no interface; see GetNtpCommunicate() */
+    VELK_CMD_WEB_UPDATE = 11,        /* get and set, no interface; see GetWebUp() */
     VELK_CMD_MAC_ADDRESS = 101,      /* MAC address: get, eth0 and eth1; see GetMacAddress() */
     VELK_CMD_IP_METHOD = 102,        /* get and set, eth0 and eth1; see GetIpSettingMethod() */
     VELK_CMD_APIPA = 103,            /* get and set, eth0 and eth1; see GetApipa() */
     VELK_CMD_IP_ADDRESS = 104,       /* get and set, eth0 and eth1; see GetIpAddressConf() */
     VELK_CMD_NETMASK = 105,          /* get and set, eth0 and eth1; see GetSubNetMaskConf() */
     VELK_CMD_GATEWAY = 106,          /* get and set, eth0 and eth1; see GetDefGatewayConf() */
+    VELK_CMD_DHCP_DNS = 107,         /* get and set, eth0 and eth1; see GetDhcp() */
     VELK_CMD_DNS = 108,              /* DNS servers: get and set, eth0 and eth1; see GetDns() */
     VELK_CMD_DHCP_NOTICE = 109,      /* set, eth0; see SetPrintDHCPFinished() */
     VELK_CMD_LINK_SPEED = 201,       /* link speed: get and set, eth0; see GetLinkSpeed() */
@@ -65,11 +73,30 @@ enum velk_command_id {
     VELK_CMD_STANDARDS_ENABLED = 318 /* 802.11: get and set, eth1; see GetDot11PhyConf() */
 };
 
-/* A switch, in the first data byte of VELK_CMD_APIPA and VELK_CMD_DHCP_NOTICE. */
+/*
+ * A switch, in the first data byte of VELK_CMD_NTP, VELK_CMD_DHCP_NTP, VELK_CMD_APIPA,
+ * VELK_CMD_DHCP_DNS and VELK_CMD_DHCP_NOTICE.
+ */
 enum velk_switch { VELK_ON = 1, VELK_OFF = 2 };
 
 /* How an interface gets its address, in the first data byte of VELK_CMD_IP_METHOD. */
 enum velk_ip_method { VELK_METHOD_STATIC = 1, VELK_METHOD_DHCP = 2 };
+
+/* What became of the last time synchronisation, in the first data byte of VELK_CMD_NTP_RESULT. */
+enum velk_ntp_result {
+    VELK_NTP_REACHED = 1,     /* a server answered; the clock was set */
+    VELK_NTP_NOT_REACHED = 2, /* none did */
+    VELK_NTP_NO_RESULT = 3    /* it has not run since it was switched on */
+};
+
+/* How often the web contents updater runs, in the first data byte of VELK_CMD_WEB_UPDATE. */
+enum velk_schedule_type {
+    VELK_SCHEDULE_HOURS = 1,   /* every so many hours */
+    VELK_SCHEDULE_DAILY = 2,   /* at one time of the day */
+    VELK_SCHEDULE_WEEKLY = 3,  /* on one day of the week */
+    VELK_SCHEDULE_MONTHLY = 4, /* on one day of the month */
+    VELK_SCHEDULE_NONE = 99    /* not at all */
+};
 
 /* The link speed, in the first data byte of VELK_CMD_LINK_SPEED. */
 enum velk_link_mode {
@@ -162,7 +189,10 @@ VELK_API int execute_velk_command(const _velk_request* request, _velk_request* r
 
 #include "velk/dhcp.h"
 #include "velk/frame.h"
+#include "velk/identity.h"
 #include "velk/ipconf.h"
+#include "velk/ntp.h"
+#include "velk/webup.h"
 #include "velk/wired.h"
 #include "velk/wlan.h"
 #endif

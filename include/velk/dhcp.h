@@ -6,6 +6,43 @@
 
 #include "velk/export.h"
 
+struct _velk_request;
+
+// ---- Commands ----------------------------------------------------------------------------------
+
+// Reads whether the client requests time servers (command 7, no interface) or name servers (command
+// 107) into out[0]: VELK_ON or VELK_OFF. Only the request statement is looked at, see
+// GetDhcpServer().
+//
+// Returns what the option's function returns; LIB_VELK_INVALID_PARAMETER for a null `out` and for
+// any other id.
+VELK_API int GetDhcp(const _velk_request& request, char* out);
+
+// Switches what GetDhcp() reads by request.data[0]: VELK_ON on, any other byte off. `out` is not
+// used. Returns what the option's function returns; LIB_VELK_INVALID_PARAMETER for any other id.
+VELK_API int SetDhcp(const _velk_request& request, char* out);
+
+// GetDhcpServer() of "ntp-servers" and "domain-name-servers" for the request's interface, into
+// out[0]. Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE, with nothing written, for a null `out` and
+// when /etc/dhclient.conf cannot be read.
+VELK_API int GetDhcpNtps(const _velk_request& request, char* out);
+VELK_API int GetDhcpDns(const _velk_request& request, char* out);
+
+// Requests "ntp-servers" or no longer, with SetDhcpServer(), then switches the clock setter in the
+// exit hooks by the same byte, with SetNtpdate(); for it any other byte than VELK_ON and VELK_OFF
+// switches nothing. A failure of the first leaves the second file alone; there is no way back from
+// a failure of the second. `out` is not used.
+//
+// Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE when a file cannot be opened.
+// Side effects: edits /etc/dhclient.conf and /etc/dhclient-exit-hooks.
+VELK_API int SetDhcpNtps(const _velk_request& request, char* out);
+
+// The same for "domain-name-servers" and the resolver update in the client's script, with
+// SetDnsDhcpScript(). Side effects: edits /etc/dhclient.conf and /sbin/dhclient-script.
+VELK_API int SetDhcpDns(const _velk_request& request, char* out);
+
+// ---- The client's configuration ----------------------------------------------------------------
+
 // The DHCP client's configuration is /etc/dhclient.conf, see dhclient.conf(5), one statement or
 // brace a line. An interface's block begins at a line with the word "interface" and its name and
 // ends at a line with "}"; lines outside blocks are for every interface. `nic` is the interface's
@@ -46,5 +83,17 @@ VELK_API int SetDhcpServer(const std::string& nic, const std::string& option, bo
 // stands, or off, putting a "#" into column one of each line that holds none. A line outside blocks
 // that holds "}" is switched too. Results and side effects as SetDhcpServer().
 VELK_API int SetDhcpRequest(const std::string& nic, bool enable);
+
+// ---- The client's script -----------------------------------------------------------------------
+
+// Switches the lines of /sbin/dhclient-script, see dhclient-script(8), that call its function
+// "make_resolv_conf", which installs the name servers of a lease, and run for the interface: by a
+// "#" in column one, and by deleting the first "#" of a line that has one in front of the call.
+// Lines between "if" with "interface" and "fi" count as the exit hooks' do, see velk/ipconf.h.
+//
+// Returns LIB_VELK_SUCCESS, also without any call; LIB_VELK_FAILURE when a file cannot be opened,
+// which leaves the edit copy behind, empty. Side effects: edits /sbin/dhclient-script. Blocking: as
+// long as rewriting one small file.
+VELK_API int SetDnsDhcpScript(const std::string& nic, bool enable);
 
 #endif  // VELK_DHCP_H_

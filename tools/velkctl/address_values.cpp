@@ -1,8 +1,6 @@
 // address_values.cpp - values that are one IPv4 address or mask.
 #include "velkctl/address_values.h"
 
-#include <cstring>
-
 #include "velkctl/ipv4.h"
 #include "velkctl/terminal.h"
 
@@ -30,8 +28,7 @@ Parsed AddressKind::Parse(std::span<const std::string> words) const {
 }
 
 std::string AddressKind::Print(const Data& data) const {
-    const std::string_view text(data.data(), strnlen(data.data(), data.size()));
-    return text.empty() ? std::string(kNone) : PrintableValue(text);
+    return PrintText(data, kNone);
 }
 
 }  // namespace velkctl

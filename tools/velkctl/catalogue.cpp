@@ -17,8 +17,23 @@ constexpr bool kSecret = true;
 constexpr std::string_view kWepKeyHelp =
     "WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret";
 
-constexpr std::array<CatalogueRow, 28> kRows{{
+constexpr std::array<CatalogueRow, 36> kRows{{
     // name, id, interfaces, directions, value kind, secret, help
+    {"administrator", VELK_CMD_ADMINISTRATOR, kNoInterface, kGet | kSet, &kFreeText, kOpen,
+     "who looks after the device: a text, '' when empty"},
+    {"location", VELK_CMD_LOCATION, kNoInterface, kGet | kSet, &kFreeText, kOpen,
+     "where the device stands: a text, '' when empty"},
+    {"ntp", VELK_CMD_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen,
+     "set the clock from a time server: on or off"},
+    {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen,
+     "take time servers from DHCP: on or off"},
+    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen,
+     "time server: a host name or address, or none"},
+    {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen,
+     "last time synchronisation: reached, not-reached or no-result"},
+    {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen,
+     "when the web contents are updated: every 6h, daily 08:30, weekly sunday 08:30, "
+     "monthly 31 08:30 or off"},
     {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen,
      "hardware address: 12 hex digits"},
     {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen,
@@ -31,6 +46,8 @@ constexpr std::array<CatalogueRow, 28> kRows{{
      "IPv4 mask; with method dhcp that of the lease"},
     {"gateway", VELK_CMD_GATEWAY, kEth0 | kEth1, kGet | kSet, &kGateway, kOpen,
      "default gateway: an IPv4 address, or none; with method dhcp that of the lease"},
+    {"dhcp-dns", VELK_CMD_DHCP_DNS, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen,
+     "take DNS servers from DHCP: on or off"},
     {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen,
      "DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list"},
     {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen,

@@ -1,8 +1,6 @@
 // text_values.cpp - values that are a text.
 #include "velkctl/text_values.h"
 
-#include <cstring>
-
 #include "velkctl/terminal.h"
 
 namespace velkctl {
@@ -40,8 +38,7 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
 }
 
 std::string TextKind::Print(const Data& data) const {
-    const std::string_view text(data.data(), strnlen(data.data(), data.size()));
-    return text.empty() ? std::string(empty_) : PrintableValue(text);
+    return PrintText(data, empty_);
 }
 
 }  // namespace velkctl

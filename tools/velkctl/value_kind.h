@@ -28,6 +28,9 @@ class ValueKind {
 // How an empty value is written where nothing else is said.
 inline constexpr std::string_view kNone = "none";
 
+// The text in the data bytes, which ends at its NUL or with them; the empty one as `empty`.
+std::string PrintText(const Data& data, std::string_view empty);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_VALUE_KIND_H_

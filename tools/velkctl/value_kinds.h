@@ -6,13 +6,17 @@
 
 #include "velkctl/address_values.h"
 #include "velkctl/coded_values.h"
+#include "velkctl/host_value.h"
 #include "velkctl/raw_values.h"
+#include "velkctl/schedule_value.h"
 #include "velkctl/server_list.h"
 #include "velkctl/text_values.h"
 
 namespace velkctl {
 
 inline constexpr ServerListKind kServerList{};
+inline constexpr HostKind kHost{};
+inline constexpr ScheduleKind kSchedule{};
 
 // ---- Addresses ---------------------------------------------------------------------------------
 inline constexpr AddressKind kAddress{"an IPv4 address such as 192.168.0.10", IsHostAddress};
@@ -28,6 +32,11 @@ inline constexpr std::array<CodedValue, 2> kSwitchTable{{
 inline constexpr std::array<CodedValue, 2> kMethodTable{{
     {VELK_METHOD_STATIC, "static"},
     {VELK_METHOD_DHCP, "dhcp"},
+}};
+inline constexpr std::array<CodedValue, 3> kNtpResultTable{{
+    {VELK_NTP_REACHED, "reached"},
+    {VELK_NTP_NOT_REACHED, "not-reached"},
+    {VELK_NTP_NO_RESULT, "no-result"},
 }};
 inline constexpr std::array<CodedValue, 5> kLinkModeTable{{
     {VELK_LINK_AUTO, "auto"},
@@ -53,6 +62,7 @@ inline constexpr auto kStandardsEnabledTable = NumberTable<2, 3>();
 
 inline constexpr CodedKind kSwitch{kSwitchTable};
 inline constexpr CodedKind kMethod{kMethodTable};
+inline constexpr CodedKind kNtpResult{kNtpResultTable};
 inline constexpr CodedKind kLinkMode{kLinkModeTable};
 inline constexpr CodedKind kServiceSet{kServiceSetTable};
 inline constexpr CodedKind kEncryption{kEncryptionTable};
@@ -65,6 +75,8 @@ inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable};
 // What is only shown, such as a version or a MAC address.
 inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes",
                                      [](size_t length) { return length < VELK_DATA_SIZE; }};
+inline constexpr TextKind kFreeText{"''", "a text of at most 511 bytes",
+                                    [](size_t length) { return length < VELK_DATA_SIZE; }};
 inline constexpr TextKind kSsid{"''", "a text of at most 32 bytes",
                                 [](size_t length) { return length <= 32; }};
 // The empty word, which a script's unset variable gives, does not clear a key.

@@ -1,6 +1,7 @@
 // verification.cpp - whether the device holds what was set.
 #include "velkctl/verification.h"
 
+#include "velkctl/causes.h"
 #include "velkctl/device.h"
 #include "velkctl/result_codes.h"
 #include "velkctl/terminal.h"
@@ -13,11 +14,6 @@ bool IsAddress(const Setting& setting) {
     return id == VELK_CMD_IP_ADDRESS || id == VELK_CMD_NETMASK || id == VELK_CMD_GATEWAY;
 }
 
-// Anything else is with the kernel or the wireless daemon.
-bool IsInFile(const Setting& setting) {
-    return setting.row->interfaces != kEth1 && setting.row->id != VELK_CMD_LINK_SPEED;
-}
-
 // A DHCP interface answers with its lease; what is configured shows when it is static again.
 bool AnswersWithLease(const Setting& setting) {
     if (!IsAddress(setting)) {
@@ -25,28 +21,6 @@ bool AnswersWithLease(const Setting& setting) {
     }
     const Answer method = Execute({VELK_GET, VELK_CMD_IP_METHOD, setting.interface});
     return method.result == LIB_VELK_SUCCESS && method.data[0] == VELK_METHOD_DHCP;
-}
-
-// Why a setting answers as it does instead of with what was set; empty when nothing can be said.
-std::string_view LikelyCause(const Setting& setting, const Answer& answer) {
-    const bool failed = answer.result != LIB_VELK_SUCCESS;
-    if (failed && (IsAddress(setting) || setting.row->id == VELK_CMD_IP_METHOD)) {
-        return "/etc/network/interfaces has no stanza \"inet static\" or \"inet dhcp\" of the "
-               "interface";
-    }
-    if (IsAddress(setting) && answer.data[0] == '\0') {
-        return "its stanza in /etc/network/interfaces is the last one and has no such line to "
-               "replace";
-    }
-    if (setting.row->id == VELK_CMD_APIPA && answer.data[0] == VELK_OFF) {
-        return "no line of /etc/dhclient-exit-hooks that runs for the interface has "
-               "/usr/sbin/avahi-autoipd to switch";
-    }
-    if (IsAddress(setting)) {
-        return "another line of its stanza in /etc/network/interfaces comes first, or the file "
-               "cannot be written";
-    }
-    return !failed && IsInFile(setting) ? "the file that holds it cannot be written" : "";
 }
 
 // What the setting answers instead, in words that give no secret away.

@@ -134,4 +134,111 @@ TEST_F(LineReaderTest, OpensCloseOnExec) {
     EXPECT_EQ(libc().Events(Call::kOpen)[0].number, O_RDONLY | O_CLOEXEC);
 }
 
+// Every line with the newline that it is handed out with.
+std::vector<std::string> LinesWithNewline(std::string_view text) {
+    testkit::WriteFile(kFile, text);
+    LineReader reader(kFile);
+    std::vector<std::string> lines;
+    for (std::string_view line; reader.NextWithNewline(line);) {
+        lines.emplace_back(line);
+    }
+    return lines;
+}
+
+TEST_F(LineReaderTest, HandsOutTheNewlineWhenAsked) {
+    EXPECT_THAT(LinesWithNewline("one\n two \n\n\tthree\n"),
+                ElementsAre("one\n", " two \n", "\n", "\tthree\n"));
+}
+
+TEST_F(LineReaderTest, ALastLineWithoutANewlineIsGivenOne) {
+    EXPECT_THAT(LinesWithNewline("one\ntwo"), ElementsAre("one\n", "two\n"));
+    EXPECT_THAT(LinesWithNewline("x"), ElementsAre("x\n"));
+}
+
+TEST_F(LineReaderTest, NoLineIsMadeUpForAnEmptyFile) {
+    EXPECT_THAT(LinesWithNewline(""), IsEmpty());
+    EXPECT_THAT(LinesWithNewline("\n"), ElementsAre("\n"));
+}
+
+TEST_F(LineReaderTest, CarriageReturnsAndNulsStayInFrontOfTheNewline) {
+    using std::string_literals::operator""s;
+    EXPECT_THAT(LinesWithNewline("a\r\nb\0c\n\0\n\r"s),
+                ElementsAre("a\r\n", "b\0c\n"s, "\0\n"s, "\r\n"));
+}
+
+TEST_F(LineReaderTest, ALastLineThatFillsTheBlockHasRoomForItsNewline) {
+    for (const size_t size : {65534U, 65535U, 65536U, 65537U, 131071U, 131072U, 131073U}) {
+        const std::string line(size, 'x');
+        EXPECT_THAT(LinesWithNewline(line), ElementsAre(line + "\n")) << size;
+        EXPECT_THAT(LinesWithNewline(line + "\n"), ElementsAre(line + "\n")) << size;
+        EXPECT_THAT(LinesWithNewline("a\n" + line), ElementsAre("a\n", line + "\n")) << size;
+        EXPECT_THAT(LinesWithNewline(line + "\nb"), ElementsAre(line + "\n", "b\n")) << size;
+    }
+}
+
+TEST_F(LineReaderTest, ALineLongerThanAnyBlockKeepsItsNewline) {
+    const std::string line(1000 * 1000, 'x');
+    EXPECT_THAT(LinesWithNewline("a\n" + line + "\nb"), ElementsAre("a\n", line + "\n", "b\n"));
+    EXPECT_THAT(LinesWithNewline(line), ElementsAre(line + "\n"));
+}
+
+TEST_F(LineReaderTest, LinesWithAndWithoutTheNewlineMayBeMixed) {
+    testkit::WriteFile(kFile, "one\ntwo\n\nfour\nfive");
+    LineReader reader(kFile);
+    std::string_view line;
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(line, "one");
+    ASSERT_TRUE(reader.NextWithNewline(line));
+    EXPECT_EQ(line, "two\n");
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(line, "");
+    ASSERT_TRUE(reader.NextWithNewline(line));
+    EXPECT_EQ(line, "four\n");
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(line, "five");
+    EXPECT_FALSE(reader.NextWithNewline(line));
+    EXPECT_FALSE(reader.Next(line));
+}
+
+TEST_F(LineReaderTest, TheEndOfTheFileStaysTheEnd) {
+    testkit::WriteFile(kFile, "one");
+    LineReader reader(kFile);
+    std::string_view line;
+    ASSERT_TRUE(reader.NextWithNewline(line));
+    EXPECT_FALSE(reader.NextWithNewline(line));
+    EXPECT_FALSE(reader.NextWithNewline(line));
+}
+
+TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoLinesWithANewlineEither) {
+    LineReader reader("/var/tmp/missing");
+    std::string_view line;
+    EXPECT_FALSE(reader.NextWithNewline(line));
+}
+
+TEST_F(LineReaderTest, AReadErrorInTheMiddleOfALineEndsIt) {
+    testkit::WriteFile(kFile, "one\ntwo\nthr");
+    libc().Script(Call::kRead, {Pass(), Fail(EIO)});
+    LineReader reader(kFile);
+    std::string_view line;
+    ASSERT_TRUE(reader.NextWithNewline(line));
+    ASSERT_TRUE(reader.NextWithNewline(line));
+    ASSERT_TRUE(reader.NextWithNewline(line));
+    EXPECT_EQ(line, "thr\n");
+    EXPECT_FALSE(reader.NextWithNewline(line));
+}
+
+TEST_F(LineReaderTest, CloseGivesTheDescriptorBackEarly) {
+    testkit::WriteFile(kFile, "one\ntwo\n");
+    const std::vector<int> before = testkit::OpenDescriptors();
+    LineReader reader(kFile);
+    std::string_view line;
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(testkit::OpenDescriptors().size(), before.size() + 1);
+    reader.Close();
+    EXPECT_EQ(testkit::OpenDescriptors(), before);
+    reader.Close();
+    EXPECT_EQ(testkit::OpenDescriptors(), before);
+    EXPECT_TRUE(reader.is_open()) << "it still tells how the opening went";
+}
+
 }  // namespace

@@ -129,7 +129,14 @@ TEST(ParseId, ReadsDecimalNumbers) {
 }
 
 TEST(Catalogue, HasTheSettingsOfTheDeviceInTheirOrder) {
-    EXPECT_EQ(NamesOf(Catalogue()), (std::vector<std::string>{"eth0.mac-address",
+    EXPECT_EQ(NamesOf(Catalogue()), (std::vector<std::string>{"administrator",
+                                                              "location",
+                                                              "ntp",
+                                                              "dhcp-ntp",
+                                                              "ntp-server",
+                                                              "ntp-result",
+                                                              "web-update",
+                                                              "eth0.mac-address",
                                                               "eth1.mac-address",
                                                               "eth0.method",
                                                               "eth1.method",
@@ -141,6 +148,8 @@ TEST(Catalogue, HasTheSettingsOfTheDeviceInTheirOrder) {
                                                               "eth1.netmask",
                                                               "eth0.gateway",
                                                               "eth1.gateway",
+                                                              "eth0.dhcp-dns",
+                                                              "eth1.dhcp-dns",
                                                               "eth0.dns",
                                                               "eth1.dns",
                                                               "eth0.dhcp-notice",
@@ -171,9 +180,10 @@ TEST(Catalogue, IdsAreThoseOfTheLibrary) {
     for (const CatalogueRow& row : Catalogue()) {
         ids.push_back(row.id);
     }
-    EXPECT_EQ(ids, (std::vector<uint32_t>{101, 102, 103, 104, 105, 106, 108, 109, 201, 4,
-                                          5,   301, 302, 303, 304, 305, 306, 307, 308, 309,
-                                          310, 311, 312, 314, 315, 316, 317, 318}));
+    EXPECT_EQ(ids,
+              (std::vector<uint32_t>{2,   3,   6,   7,   9,   10,  11,  101, 102, 103, 104, 105,
+                                     106, 107, 108, 109, 201, 4,   5,   301, 302, 303, 304, 305,
+                                     306, 307, 308, 309, 310, 311, 312, 314, 315, 316, 317, 318}));
 }
 
 TEST(Catalogue, KeysAreSecret) {

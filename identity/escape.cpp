@@ -1,0 +1,42 @@
+// escape.cpp - makes a text safe in the replacement of a sed(1) command in single quotes.
+#include <string>
+#include <string_view>
+
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+struct Escape {
+    const char* text;
+    const char* replacement;
+};
+
+// In this order: backslashes first, so that those of the other rows are not doubled.
+constexpr Escape kEscapes[] = {
+    {"\\", "\\\\"}, {"&", "\\&"}, {"\"", "\\\""},
+    {"'", "'\\''"},  // ends the shell's quotes, gives a quote, and begins them again
+    {"/", "\\/"},
+};
+
+}  // namespace
+}  // namespace velk
+
+std::string GetEscapeString(const std::string& text) {
+    std::string escaped = text;
+    for (const velk::Escape& escape : velk::kEscapes) {
+        escaped = ReplaceAll(std::move(escaped), escape.text, escape.replacement);
+    }
+    return escaped;
+}
+
+std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
+    if (from.empty()) {
+        return text;  // would be found without end
+    }
+    for (size_t position = text.find(from); position != std::string::npos;
+         position = text.find(from, position + to.size())) {
+        text.replace(position, from.size(), to);
+    }
+    return text;
+}

@@ -1,0 +1,48 @@
+// identity.h - who looks after the device and where it stands.
+#ifndef VELK_IDENTITY_H_
+#define VELK_IDENTITY_H_
+
+#include <string>
+
+#include "velk/export.h"
+
+struct _velk_request;
+
+// Administrator (command 2) and location (command 3) are texts of at most 511 bytes. They stand in
+// the settings file /var/libvelk/libvelk, which must be there already, in lines that begin with
+// "ADMINISTRATOR=" and "LOCATION="; the value is the rest of the line, as it is.
+
+// Copies the value of the first line of the setting of request.command_id into the data area `out`
+// (512 bytes) as a NUL-terminated text, cut to 511 bytes. Nothing is written when no line has it.
+//
+// Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out` and, logged as
+// "LIB_VELK_INVALID_PARAMETER = %d", for any other id; LIB_VELK_FAILURE, logged as "GetSettingFile
+// ifstream" with errno, when the file cannot be read. Blocking: as long as reading one small file.
+VELK_API int GetSettingFile(const _velk_request& request, char* out);
+
+// Stores the text of request.data as the value of the setting of request.command_id, in every line
+// of it or in a new last one, and hands it on to the SNMP daemon: the rest of every line of
+// /usr/local/share/etc/snmp/snmpd.conf, see snmpd.conf(5), that holds "syscontact" or "syslocation"
+// becomes the value, escaped with GetEscapeString(), or a pair of double quotes when it is empty. A
+// missing directive is not added. The text is not checked: one with a newline makes two lines, and
+// leaves the SNMP daemon's file as it was. `out` is not used.
+//
+// Returns LIB_VELK_SUCCESS, whatever becomes of the SNMP daemon; LIB_VELK_INVALID_PARAMETER for
+// any other id; LIB_VELK_FAILURE when a file cannot be opened, logged as "SetSettingFile ifstream"
+// (the settings file) or "SetSettingFile ofstream" (its edit copy) with errno. The SNMP daemon is
+// then left alone.
+// Side effects: edits /var/libvelk/libvelk as velk/ipconf.h says, then runs "sudo sed -i ..." on
+// the SNMP daemon's file and "sudo /etc/init.d/snmpd restart > /dev/null 2>&1".
+// Blocking: as long as these take; the restart of the SNMP daemon is waited for.
+VELK_API int SetSettingFile(const _velk_request& request, char* out);
+
+// The text with backslashes, ampersands, both kinds of quotes and slashes escaped, so that it
+// stands for itself in the replacement of "sed 's/.../.../'" between single quotes of sh(1). Up to
+// four times as long as the text.
+VELK_API std::string GetEscapeString(const std::string& text);
+
+// The text with every `from` replaced by `to`, from left to right; what was put in is not searched
+// again. An empty `from` is found nowhere.
+VELK_API std::string ReplaceAll(std::string text, const std::string& from, const std::string& to);
+
+#endif  // VELK_IDENTITY_H_

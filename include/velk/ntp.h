@@ -1,0 +1,92 @@
+// ntp.h - time synchronisation: the crontab entry that runs the time client, and its last result.
+#ifndef VELK_NTP_H_
+#define VELK_NTP_H_
+
+#include <string>
+
+#include "velk/export.h"
+
+struct _velk_request;
+
+// The clock is set by a line of the crontab /var/cron/tabs/root, see crontab(5), that must be there
+// already. It runs the one-shot client ntpdate(8), with its options, the server and a redirection
+// of its output into the result log /var/libvelk/ntp.log:
+//
+//   0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
+//
+// Every line that holds "ntpdate" is taken for such an entry, a comment too. It is active when no
+// "#" stands in front of "ntpdate".
+//
+// Editing is done as velk/ipconf.h says. Blocking: as long as reading or rewriting one small file.
+
+// ---- Commands ----------------------------------------------------------------------------------
+
+// Reads the setting of request.command_id into the data area `out` (512 bytes): method (6), server
+// (9) or last result (10). The formats stand at the functions below.
+//
+// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for a null `out` and for
+// any other id.
+VELK_API int GetNtp(const _velk_request& request, char* out);
+
+// Changes the setting of request.command_id to what request.data holds: method (6) or server (9).
+// `out` is not used.
+//
+// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for any other id.
+VELK_API int SetNtp(const _velk_request& request, char* out);
+
+// ---- The crontab entry -------------------------------------------------------------------------
+
+// Writes into out[0] whether some entry is active: VELK_ON, or VELK_OFF when none is or there is
+// none. Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out`; LIB_VELK_FAILURE,
+// logged as "GetNtpMethod ifstream" with errno, when the crontab cannot be read.
+VELK_API int GetNtpMethod(const _velk_request& request, char* out);
+
+// Switches every entry by request.data[0]: VELK_ON deletes the line's first "#" when one stands in
+// front of "ntpdate", VELK_OFF puts one into column one when none does, and removes the result log
+// with DeleteNtpLog(). `out` is not used.
+//
+// Returns LIB_VELK_SUCCESS, also without an entry; LIB_VELK_INVALID_PARAMETER for any other byte,
+// LIB_VELK_FAILURE when a file cannot be opened; both leave the edit copy behind, empty.
+// Side effects: edits /var/cron/tabs/root.
+VELK_API int SetNtpMethod(const _velk_request& request, char* out);
+
+// Writes the server of the first entry, active or not, into the data area `out` as a NUL-terminated
+// text of at most 511 bytes; empty when there is no entry or no server in it. Returns
+// LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out`; LIB_VELK_FAILURE when the crontab
+// cannot be read.
+VELK_API int GetNtpIp(const _velk_request& request, char* out);
+
+// Puts the text of request.data, which is not checked, in the place of the server of every entry,
+// with ChangeNtpdate(). An entry that ends with its server is joined with the next line: the
+// redirection must be there. `out` is not used.
+//
+// Returns LIB_VELK_SUCCESS, also without an entry; LIB_VELK_FAILURE when a file cannot be opened.
+// Throws what ChangeNtpdate() throws, with the crontab as it was.
+// Side effects: edits /var/cron/tabs/root.
+VELK_API int SetNtpIp(const _velk_request& request, char* out);
+
+// Sets `server` to the server of a line: behind "ntpdate", the first word that begins with a letter
+// or a digit, as long as no word with ">" stands before it. Words are separated by blanks alone; a
+// newline belongs to its word. Leaves `server` as it was when there is none. Returns
+// LIB_VELK_SUCCESS.
+VELK_API int GetNtpdate(const std::string& line, std::string& server);
+
+// Replaces the first place at which the text of the line's server stands by `server`. A line
+// without a server gets it in front of the blank before the first ">", or of the ">" itself when no
+// blank stands between it and the line's first character. Returns LIB_VELK_SUCCESS.
+//
+// Throws std::out_of_range("basic_string::at") when the line has neither a server nor ">".
+VELK_API int ChangeNtpdate(std::string& line, const std::string& server);
+
+// ---- The result log ----------------------------------------------------------------------------
+
+// Writes into out[0] what the last line of the result log tells: VELK_NTP_REACHED when it holds
+// "time server" from its 12th character on, else VELK_NTP_NOT_REACHED, also for an empty log;
+// VELK_NTP_NO_RESULT when there is no log. Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER
+// for a null `out`.
+VELK_API int GetNtpCommunicate(const _velk_request& request, char* out);
+
+// Removes the result log with "rm /var/libvelk/ntp.log". What becomes of it is not told.
+VELK_API void DeleteNtpLog();
+
+#endif  // VELK_NTP_H_

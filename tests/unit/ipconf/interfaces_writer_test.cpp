@@ -1,0 +1,355 @@
+#include <cerrno>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testkit::Call;
+using testkit::Exists;
+using testkit::Fail;
+using testkit::MakeRequest;
+using testkit::ReadFile;
+using testkit::WriteFile;
+
+constexpr char kFile[] = "/etc/network/interfaces";
+constexpr char kCopy[] = "/var/tmp/interfaces";
+constexpr char kClientConfig[] = "/etc/dhclient.conf";
+constexpr char kClientCopy[] = "/var/tmp/dhclient.conf";
+constexpr char kOldAddress[] = "/tmp/oldIPAddress";
+
+constexpr char kText[] =
+    "iface eth0 inet static\n"
+    "\taddress 192.168.0.10\n"
+    "\tgateway 192.168.0.1\n"
+    "iface eth1 inet dhcp\n";
+constexpr char kConfigText[] =
+    "#interface \"eth0\" {\n"
+    "#request subnet-mask;\n"
+    "#}\n";
+
+_velk_request MethodRequest(std::string_view interface, char method) {
+    return MakeRequest(VELK_SET, VELK_CMD_IP_METHOD, interface, {&method, 1});
+}
+
+_velk_request ValueRequest(std::string_view value) {
+    return MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", value);
+}
+
+// Inode, owner and mode: what makes a file the same file.
+struct Identity {
+    ino_t inode;
+    uid_t owner;
+    gid_t group;
+    mode_t mode;
+    bool operator==(const Identity&) const = default;
+};
+
+Identity IdentityOf(const char* path) {
+    struct stat facts {};
+    EXPECT_EQ(stat(path, &facts), 0) << path;
+    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
+}
+
+class InterfacesWriterTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        WriteFile(kFile, kText);
+        WriteFile(kClientConfig, kConfigText);
+        WriteFile(kOldAddress, "192.168.0.9\n");
+    }
+    void TearDown() override {
+        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kClientCopy);
+        DeviceTest::TearDown();
+    }
+    testkit::FakeShell shell;
+};
+
+// ---- addresses
+
+TEST_F(InterfacesWriterTest, ANullKeyIsAFailureThatTouchesNothing) {
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), nullptr), -1);
+    EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kFile), kText);
+}
+
+TEST_F(InterfacesWriterTest, AnAddressIsPutInPlaceByTheseLines) {
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), 0);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "system rm /var/tmp/interfaces"));
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\taddress 10.0.0.1\n"
+              "\tgateway 192.168.0.1\n"
+              "iface eth1 inet dhcp\n");
+}
+
+TEST_F(InterfacesWriterTest, AnyKeyMayBeSet) {
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.255"), "broadcast "), 0);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\taddress 192.168.0.10\n"
+              "\tgateway 192.168.0.1\n"
+              "\tbroadcast 10.0.0.255\n"
+              "iface eth1 inet dhcp\n");
+}
+
+TEST_F(InterfacesWriterTest, OnlyTheExactGatewayKeyRemoves) {
+    EXPECT_EQ(SetAddressConf(ValueRequest(""), "gateway"), 0);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\taddress 192.168.0.10\n"
+              "\tgateway\n"
+              "iface eth1 inet dhcp\n");
+}
+
+TEST_F(InterfacesWriterTest, TheEmptyKeyStandsOnEveryLine) {
+    EXPECT_EQ(SetAddressConf(ValueRequest("x"), ""), 0);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\tx\n"
+              "\tgateway 192.168.0.1\n"
+              "iface eth1 inet dhcp\n");
+}
+
+TEST_F(InterfacesWriterTest, AValueWithoutANulEndsAtTheDataArea) {
+    EXPECT_EQ(SetAddressConf(ValueRequest(std::string(512, '1')), "address "), 0);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\taddress " +
+                  std::string(512, '1') +
+                  "\n"
+                  "\tgateway 192.168.0.1\n"
+                  "iface eth1 inet dhcp\n");
+}
+
+TEST_F(InterfacesWriterTest, ANameWithoutANulEndsAtItsField) {
+    WriteFile(kFile, "iface eth0eth0eth0eth0 inet static\n\taddress 1\n");
+    EXPECT_EQ(SetIpAddressConf(MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0eth0eth0eth0", "2"),
+                               nullptr),
+              0);
+    EXPECT_EQ(ReadFile(kFile), "iface eth0eth0eth0eth0 inet static\n\taddress 2\n");
+}
+
+TEST_F(InterfacesWriterTest, TheThreeSettersDifferInTheirKeys) {
+    EXPECT_EQ(SetIpAddressConf(ValueRequest("1"), nullptr), 0);
+    EXPECT_EQ(SetSubNetMaskConf(ValueRequest("2"), nullptr), 0);
+    EXPECT_EQ(SetDefGatewayConf(ValueRequest("3"), nullptr), 0);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\taddress 1\n"
+              "\tgateway 3\n"
+              "\tnetmask 2\n"
+              "iface eth1 inet dhcp\n");
+}
+
+TEST_F(InterfacesWriterTest, AnAddressWithoutAWritableCopyIsAFailure) {
+    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), -1);
+    EXPECT_THAT(libc().Story(), IsEmpty());
+    EXPECT_EQ(ReadFile(kFile), kText);
+}
+
+TEST_F(InterfacesWriterTest, AnAddressWithoutTheFileIsAFailure) {
+    unlink(kFile);
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), -1);
+    EXPECT_THAT(libc().Story(), IsEmpty());
+    EXPECT_FALSE(Exists(kFile));
+    EXPECT_EQ(ReadFile(kCopy), "");
+}
+
+TEST_F(InterfacesWriterTest, ACopyThatCannotBeWrittenLeavesTheAddressAsItWas) {
+    libc().Script(Call::kWrite, {Fail(ENOSPC)});
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
+    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(InterfacesWriterTest, AFailingCopyingOfAnAddressIsNotNoticed) {
+    libc().Script(Call::kSystem, {Fail(EAGAIN), Fail(EAGAIN)});
+    EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), 0);
+}
+
+// ---- method
+
+TEST_F(InterfacesWriterTest, DhcpRunsTheseLinesInThisOrder) {
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), 0);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "system rm /var/tmp/interfaces",
+                            "system cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
+                            "system rm /var/tmp/dhclient.conf", "system rm -f /tmp/oldIPAddress"));
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet dhcp\n"
+              "\taddress 192.168.0.10\n"
+              "\tgateway 192.168.0.1\n"
+              "iface eth1 inet dhcp\n");
+    EXPECT_EQ(ReadFile(kClientConfig), "interface \"eth0\" {\nrequest subnet-mask;\n}\n");
+    EXPECT_FALSE(Exists(kOldAddress));
+}
+
+TEST_F(InterfacesWriterTest, AStaticMethodRunsTheSameLinesButTheLast) {
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 1), nullptr), 0);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "system rm /var/tmp/interfaces",
+                            "system cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
+                            "system rm /var/tmp/dhclient.conf"));
+    EXPECT_TRUE(Exists(kOldAddress));
+}
+
+TEST_F(InterfacesWriterTest, TheWirelessInterfaceNeverRemovesTheOldAddress) {
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 2), nullptr), 0);
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 1), nullptr), 0);
+    EXPECT_TRUE(Exists(kOldAddress));
+    EXPECT_THAT(libc().Commands(), testing::Not(testing::Contains("rm -f /tmp/oldIPAddress")));
+}
+
+TEST_F(InterfacesWriterTest, TheMethodByteIsLookedAtBeforeTheFiles) {
+    unlink(kFile);
+    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    for (const char method : {'\0', '\3', '1', '\xff'}) {
+        EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", method), nullptr), -4);
+    }
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 1), nullptr), -1);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+}
+
+TEST_F(InterfacesWriterTest, ARefusedMethodOpensBothFilesAllTheSame) {
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 0), nullptr), -4);
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kFile, kCopy));
+    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_TRUE(Exists(kOldAddress));
+}
+
+TEST_F(InterfacesWriterTest, AMethodWithoutTheFileIsAFailureThatRemovesTheOldAddress) {
+    unlink(kFile);
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("system rm -f /tmp/oldIPAddress"));
+    EXPECT_FALSE(Exists(kOldAddress));
+    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
+    EXPECT_EQ(ReadFile(kCopy), "");
+}
+
+TEST_F(InterfacesWriterTest, AMethodWithoutAWritableCopyIsAFailureThatRemovesTheOldAddress) {
+    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("system rm -f /tmp/oldIPAddress"));
+    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
+}
+
+TEST_F(InterfacesWriterTest, AMethodThatCannotBeWrittenDoesNotSwitchTheClient) {
+    libc().Script(Call::kWrite, {Fail(ENOSPC)});
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device",
+                                            "system rm -f /tmp/oldIPAddress"));
+    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
+    EXPECT_FALSE(Exists(kOldAddress));
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(InterfacesWriterTest, AFailureToSwitchTheClientIsPassedOnWithTheMethodChanged) {
+    unlink(kClientConfig);
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "system rm /var/tmp/interfaces", "system rm -f /tmp/oldIPAddress"));
+    EXPECT_EQ(GetIpSetting("eth0"), 2);
+    EXPECT_EQ(ReadFile(kClientCopy), "");
+}
+
+TEST_F(InterfacesWriterTest, AFailingRemovalOfTheOldAddressIsNotNoticed) {
+    libc().Script(Call::kSystem, {testkit::Return(0), testkit::Return(0), testkit::Return(0),
+                                  testkit::Return(0), Fail(EAGAIN)});
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), 0);
+}
+
+TEST_F(InterfacesWriterTest, AFailingCopyingOfAMethodIsNotNoticed) {
+    libc().Script(Call::kSystem, {Fail(EAGAIN), Fail(EAGAIN)});
+    EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 2), nullptr), 0);
+    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
+}
+
+// ---- the same with the real shell
+
+class InterfacesWriterShellTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        WriteFile(kFile, kText);
+        WriteFile(kClientConfig, kConfigText);
+        WriteFile(kOldAddress, "192.168.0.9\n");
+        for (const char* path : {kFile, kClientConfig}) {
+            ASSERT_EQ(chmod(path, 0640), 0);
+            (void)!chown(path, 12, 34);  // only where the test runs as root
+        }
+    }
+};
+
+TEST_F(InterfacesWriterShellTest, AMethodKeepsInodeOwnerAndMode) {
+    const Identity interfaces = IdentityOf(kFile);
+    const Identity config = IdentityOf(kClientConfig);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_METHOD, "eth0", "\x02"), 0);
+    EXPECT_EQ(IdentityOf(kFile), interfaces);
+    EXPECT_EQ(IdentityOf(kClientConfig), config);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet dhcp\n"
+              "\taddress 192.168.0.10\n"
+              "\tgateway 192.168.0.1\n"
+              "iface eth1 inet dhcp\n");
+    EXPECT_EQ(ReadFile(kClientConfig), "interface \"eth0\" {\nrequest subnet-mask;\n}\n");
+    EXPECT_FALSE(Exists(kOldAddress));
+    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kClientCopy));
+}
+
+TEST_F(InterfacesWriterShellTest, AnAddressKeepsInodeOwnerAndMode) {
+    const Identity interfaces = IdentityOf(kFile);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
+    EXPECT_EQ(IdentityOf(kFile), interfaces);
+    EXPECT_EQ(ReadFile(kFile),
+              "iface eth0 inet static\n"
+              "\taddress 10.0.0.1\n"
+              "\tgateway 192.168.0.1\n"
+              "iface eth1 inet dhcp\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(InterfacesWriterShellTest, AnAddressOnAFileOfManyBlocksArrivesWhole) {
+    std::string rest;
+    for (int i = 0; i < 10000; ++i) {
+        rest += "# remark " + std::to_string(i) + "\n";
+    }
+    WriteFile(kFile, "iface eth0 inet static\n\taddress 1\n" + rest);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
+    EXPECT_TRUE(ReadFile(kFile) == "iface eth0 inet static\n\taddress 10.0.0.1\n" + rest);
+}
+
+TEST_F(InterfacesWriterShellTest, AFileThatCannotBeWrittenStaysAsItWasAndIsNotNoticed) {
+    ASSERT_EQ(mount(kFile, kFile, nullptr, MS_BIND, nullptr), 0);
+    const bool is_read_only =
+        mount(nullptr, kFile, nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    EXPECT_TRUE(is_read_only);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
+    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(umount2(kFile, MNT_DETACH), 0);
+    EXPECT_EQ(ReadFile(kFile), kText);
+}
+
+}  // namespace

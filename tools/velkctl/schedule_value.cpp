@@ -1,0 +1,152 @@
+// schedule_value.cpp - when something is to be done again and again.
+#include "velkctl/schedule_value.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <optional>
+
+#include "velkctl/terminal.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kGive =
+    "give 'every 6h', 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
+constexpr std::string_view kOff = "off";
+constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
+constexpr size_t kTimeOffset = 2;
+
+constexpr std::array<std::string_view, 7> kWeekdays{"sunday",   "monday", "tuesday", "wednesday",
+                                                    "thursday", "friday", "saturday"};
+
+struct Schedule {
+    int type;
+    int value;
+    std::string time;
+};
+
+std::optional<int> ParseNumber(std::string_view text, int first, int last) {
+    int number = 0;
+    const auto [stop, error] = std::from_chars(text.begin(), text.end(), number);
+    const bool is_whole = error == std::errc() && stop == text.end() && text.front() != '-';
+    return is_whole && number >= first && number <= last ? std::optional(number) : std::nullopt;
+}
+
+// "8:05" and "08:05" alike, as two digits each.
+std::optional<std::string> ParseTime(std::string_view text) {
+    const size_t colon = text.find(':');
+    if (colon == std::string_view::npos || text.size() > kMidnight.size()) {
+        return std::nullopt;
+    }
+    const std::string_view minute = text.substr(colon + 1);
+    const std::optional<int> hours = ParseNumber(text.substr(0, colon), 0, 23);
+    const std::optional<int> minutes = ParseNumber(minute, 0, 59);
+    if (!hours || !minutes || minute.size() != 2) {
+        return std::nullopt;
+    }
+    return std::string(*hours < 10 ? "0" : "") + std::to_string(*hours) + ":" + std::string(minute);
+}
+
+std::optional<Schedule> ParseEvery(std::string_view period) {
+    if (!period.ends_with('h')) {
+        return std::nullopt;
+    }
+    period.remove_suffix(1);
+    const std::optional<int> hours = ParseNumber(period, 1, 23);
+    return hours ? std::optional(Schedule{VELK_SCHEDULE_HOURS, *hours, std::string(kMidnight)})
+                 : std::nullopt;
+}
+
+std::optional<int> ParseWeekday(std::string_view word) {
+    const auto* found = std::ranges::find(kWeekdays, word);
+    return found == kWeekdays.end()
+               ? std::nullopt
+               : std::optional(static_cast<int>(found - kWeekdays.begin()) + 1);
+}
+
+// A schedule with a day and a time; nothing without either.
+std::optional<Schedule> OnDay(int type, std::optional<int> day, const std::string& time_word) {
+    const std::optional<std::string> time = ParseTime(time_word);
+    return day && time ? std::optional(Schedule{type, *day, *time}) : std::nullopt;
+}
+
+std::optional<Schedule> ParseSchedule(std::span<const std::string> words) {
+    if (words.size() == 1 && words[0] == kOff) {
+        return Schedule{VELK_SCHEDULE_NONE, VELK_SCHEDULE_NONE, std::string(kMidnight)};
+    }
+    if (words.size() == 2 && words[0] == "every") {
+        return ParseEvery(words[1]);
+    }
+    if (words.size() == 2 && words[0] == "daily") {
+        return OnDay(VELK_SCHEDULE_DAILY, 1, words[1]);
+    }
+    if (words.size() == 3 && words[0] == "weekly") {
+        return OnDay(VELK_SCHEDULE_WEEKLY, ParseWeekday(words[1]), words[2]);
+    }
+    if (words.size() == 3 && words[0] == "monthly") {
+        return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber(words[1], 1, 31), words[2]);
+    }
+    return std::nullopt;
+}
+
+std::string WeekdayName(int number) {
+    const bool is_known = number >= 1 && number <= static_cast<int>(kWeekdays.size());
+    return is_known ? std::string(kWeekdays[static_cast<size_t>(number - 1)])
+                    : std::to_string(number);
+}
+
+// The time with a blank in front.
+std::string TimeOf(const Data& data) {
+    const char* text = &data[kTimeOffset];
+    return std::string(" ").append(
+        PrintableValue({text, strnlen(text, data.size() - kTimeOffset)}));
+}
+
+std::string Joined(std::span<const std::string> words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text.append(text.empty() ? "" : " ").append(word);
+    }
+    return text;
+}
+
+}  // namespace
+
+Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable("no value given; " + std::string(kGive));
+    }
+    const std::optional<Schedule> schedule = ParseSchedule(words);
+    if (!schedule) {
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule; " + std::string(kGive));
+    }
+    Parsed parsed;
+    parsed.data[0] = static_cast<char>(schedule->type);
+    parsed.data[1] = static_cast<char>(schedule->value);
+    (void)schedule->time.copy(&parsed.data[kTimeOffset], schedule->time.size());
+    return parsed;
+}
+
+std::string ScheduleKind::Print(const Data& data) const {
+    const int type = static_cast<unsigned char>(data[0]);
+    const int value = static_cast<unsigned char>(data[1]);
+    const std::string time = TimeOf(data);
+    switch (type) {
+        case VELK_SCHEDULE_HOURS:
+            return "every " + std::to_string(value) + "h";
+        case VELK_SCHEDULE_DAILY:
+            return "daily" + time;
+        case VELK_SCHEDULE_WEEKLY:
+            return "weekly " + WeekdayName(value) + time;
+        case VELK_SCHEDULE_MONTHLY:
+            return "monthly " + std::to_string(value) + time;
+        case VELK_SCHEDULE_NONE:
+            return std::string(kOff);
+        default:
+            return "schedule " + std::to_string(type) + " " + std::to_string(value) + time;
+    }
+}
+
+}  // namespace velkctl

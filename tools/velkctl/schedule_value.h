@@ -1,0 +1,21 @@
+// schedule_value.h - when something is to be done again and again.
+#ifndef VELKCTL_SCHEDULE_VALUE_H_
+#define VELKCTL_SCHEDULE_VALUE_H_
+
+#include "velkctl/value_kind.h"
+
+namespace velkctl {
+
+// A schedule in words: "every 6h", "daily 08:30", "weekly sunday 08:30", "monthly 31 08:30" or
+// "off". What the device holds is shown as it stands, also a day or an hour that there is not.
+class ScheduleKind final : public ValueKind {
+  public:
+    constexpr ScheduleKind() = default;
+
+    Parsed Parse(std::span<const std::string> words) const override;
+    std::string Print(const Data& data) const override;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SCHEDULE_VALUE_H_
