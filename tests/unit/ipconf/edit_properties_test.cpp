@@ -196,10 +196,11 @@ TEST_F(EditPropertiesTest, AMethodChangesTheHeadersOfItsInterfaceAndNothingElse)
         const std::string before = RandomInterfaces(dice);
         WriteFile(kInterfaces, before);
         const std::string after = SetMethod(interface, is_dhcp ? 2 : 1);
+        const std::string header = "iface " + interface + " inet " + (is_dhcp ? "dhcp" : "static");
         Lines expected = Split(before);
         for (std::string& line : expected) {
             if (IsHeaderOf(line, interface)) {
-                line = "iface " + interface + " inet " + (is_dhcp ? "dhcp" : "static");
+                line = header;
             }
         }
         ASSERT_EQ(Split(after), expected) << "round " << round;
@@ -269,7 +270,7 @@ TEST_F(EditPropertiesTest, AnAddressChangesOneLineOfAnInterfaceWithOneStanza) {
         WriteFile(kInterfaces, before);
         Lines without = Split(SetValue(interface, key, value));
         const Lines old_lines = Split(before);
-        const std::string line = "\t" + key + value;
+        const std::string line = std::string("\t").append(key).append(value);
         // The lines before the change and those behind it are the old ones.
         size_t same = 0;
         while (same < without.size() && same < old_lines.size() &&
@@ -350,7 +351,9 @@ OwnedLines RandomConfig(Dice& dice) {
         }
         const std::string owner = dice.OneIn(2) ? "eth0" : "eth1";
         const std::string mark = dice.OneIn(3) ? "#" : "";
-        lines.push_back({mark + "interface \"" + owner + "\" {", owner});
+        std::string opening = mark + "interface \"";
+        opening.append(owner).append("\" {");
+        lines.push_back({opening, owner});
         for (size_t statements = dice.Below(5); statements > 0; --statements) {
             lines.push_back({mark + dice.OneOf(kBlockStatements), owner});
         }
@@ -452,7 +455,7 @@ TEST_F(EditPropertiesTest, ASwitchPutsInOrTakesOutOneHashOfALine) {
             if (enable && mark != std::string::npos) {
                 switched.erase(mark, 1);
             } else if (!enable && mark == std::string::npos) {
-                switched = "#" + switched;
+                switched.insert(0, "#");
             }
             ASSERT_TRUE(after[i] == before[i] || after[i] == switched)
                 << "round " << round << ": " << after[i];
@@ -518,7 +521,7 @@ TEST_F(EditPropertiesTest, AHookSwitchedOffIsOffForItsInterfaceAlone) {
         for (OwnedLine& line : lines) {
             const bool runs = interface.empty() || line.owner.empty() || line.owner == interface;
             if (runs && line.text.find("/usr/sbin/avahi-autoipd") != std::string::npos) {
-                line.text = "#" + line.text;
+                line.text.insert(0, "#");
             }
         }
         ASSERT_EQ(SwitchHook(interface, kOff), Text(lines)) << "round " << round;
