@@ -1,6 +1,7 @@
 // schedule.cpp - when the web contents updater runs: its lines in the crontab.
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -28,8 +29,8 @@ constexpr size_t kTimeOffset = 2;
 constexpr size_t kClearedSize = 18;
 
 struct Schedule {
-    int type;
-    int value;
+    uint8_t type;
+    uint8_t value;
     std::string time;
 };
 
@@ -55,11 +56,11 @@ CronFields SplitFields(std::string_view line) {
     return fields;
 }
 
-// The number that a field begins with; 0 when it begins with none.
-int LeadingNumber(std::string_view field) {
+// The number that a field begins with, as much of it as the data byte holds; 0 when there is none.
+uint8_t LeadingNumber(std::string_view field) {
     int number = 0;
     (void)std::from_chars(field.begin(), field.end(), number);
-    return number;
+    return static_cast<uint8_t>(number);
 }
 
 // Nothing for a line that is not one of this library's.
@@ -76,7 +77,8 @@ std::optional<Schedule> ScheduleOf(const CronFields& fields) {
         return std::nullopt;
     }
     if (fields.weekday != kAny) {
-        return Schedule{VELK_SCHEDULE_WEEKLY, LeadingNumber(fields.weekday) + 1, time};
+        const auto weekday = static_cast<uint8_t>(LeadingNumber(fields.weekday) + 1);
+        return Schedule{VELK_SCHEDULE_WEEKLY, weekday, time};
     }
     return Schedule{VELK_SCHEDULE_DAILY, 1, time};
 }

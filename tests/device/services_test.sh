@@ -114,7 +114,7 @@ done
 it 'says that a crontab without an entry takes no server, and why'
 script 'sed -i /ntpdate/d /var/cron/tabs/root; velkctl set ntp-server time.example'
 status_is 6
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: the crontab has no line with ntpdate to change"
+error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: the crontab has no line with ntpdate, or one without a server, where a new one sticks to the word in front of it"
 
 it 'says that an entry without server or redirection cannot be changed, and leaves the crontab'
 script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root

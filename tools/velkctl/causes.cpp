@@ -30,7 +30,11 @@ constexpr std::string_view kNoRequest =
     "no \"request\" statement of /etc/dhclient.conf counts for it, as when the interface's block "
     "is "
     "switched off, or the first one ends without it";
-constexpr std::string_view kNoEntry = "the crontab has no line with ntpdate to change";
+constexpr std::string_view kNoEntry =
+    "the crontab has no line with ntpdate to switch, or one with two number signs";
+constexpr std::string_view kNoServer =
+    "the crontab has no line with ntpdate, or one without a server, where a new one sticks to the "
+    "word in front of it";
 constexpr std::string_view kFileNotWritten = "the file that holds it cannot be written";
 
 constexpr std::array<Cause, 15> kCauses{{
@@ -48,7 +52,7 @@ constexpr std::array<Cause, 15> kCauses{{
     {VELK_CMD_DHCP_NTP, Symptom::kOff, kNoRequest},
     {VELK_CMD_DHCP_DNS, Symptom::kOff, kNoRequest},
     {VELK_CMD_NTP, Symptom::kOff, kNoEntry},
-    {VELK_CMD_NTP_SERVER, Symptom::kEmpty, kNoEntry},
+    {VELK_CMD_NTP_SERVER, Symptom::kEmpty, kNoServer},
 }};
 
 Symptom SymptomOf(const Answer& answer) {

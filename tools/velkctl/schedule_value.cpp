@@ -97,11 +97,11 @@ std::string WeekdayName(int number) {
                     : std::to_string(number);
 }
 
-// The time with a blank in front.
+// The time with a blank in front, if there is one.
 std::string TimeOf(const Data& data) {
     const char* text = &data[kTimeOffset];
-    return std::string(" ").append(
-        PrintableValue({text, strnlen(text, data.size() - kTimeOffset)}));
+    const std::string_view time(text, strnlen(text, data.size() - kTimeOffset));
+    return time.empty() ? std::string() : std::string(" ").append(PrintableValue(time));
 }
 
 std::string Joined(std::span<const std::string> words) {

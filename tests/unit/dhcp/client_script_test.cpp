@@ -1,0 +1,272 @@
+#include <cerrno>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testkit::Call;
+using testkit::Exists;
+using testkit::Fail;
+using testkit::ReadFile;
+using testkit::Return;
+using testkit::WriteFile;
+
+constexpr char kScript[] = "/sbin/dhclient-script";
+constexpr char kCopy[] = "/var/tmp/dhclient-script";
+
+constexpr bool kOn = true;
+constexpr bool kOff = false;
+
+constexpr char kBothBranches[] =
+    "if [ \"$interface\" = \"eth0\" ]; then\n"
+    "  make_resolv_conf\n"
+    "else\n"
+    "  make_resolv_conf\n"
+    "fi\n";
+
+class ClientScriptTest : public testkit::DeviceTest {
+  protected:
+    void TearDown() override {
+        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        DeviceTest::TearDown();
+    }
+    // The script after a switch.
+    static std::string Switched(std::string_view script, bool enable,
+                                const std::string& nic = "eth0") {
+        WriteFile(kScript, script);
+        EXPECT_EQ(SetDnsDhcpScript(nic, enable), 0);
+        EXPECT_FALSE(Exists(kCopy));
+        return ReadFile(kScript);
+    }
+    testkit::FakeShell shell;
+};
+
+// ---- what is switched
+
+TEST_F(ClientScriptTest, ACallOutsideBlocksIsSwitchedForEveryInterface) {
+    for (const char* nic : {"eth0", "eth1", "wlan0", ""}) {
+        EXPECT_EQ(Switched("make_resolv_conf\n", kOff, nic), "#make_resolv_conf\n");
+        EXPECT_EQ(Switched("#make_resolv_conf\n", kOn, nic), "make_resolv_conf\n");
+    }
+}
+
+TEST_F(ClientScriptTest, EachInterfaceHasItsBranch) {
+    EXPECT_EQ(Switched(kBothBranches, kOff, "eth0"),
+              "if [ \"$interface\" = \"eth0\" ]; then\n"
+              "#  make_resolv_conf\n"
+              "else\n"
+              "  make_resolv_conf\n"
+              "fi\n");
+    EXPECT_EQ(Switched(kBothBranches, kOff, "eth1"),
+              "if [ \"$interface\" = \"eth0\" ]; then\n"
+              "  make_resolv_conf\n"
+              "else\n"
+              "#  make_resolv_conf\n"
+              "fi\n");
+}
+
+TEST_F(ClientScriptTest, TheEmptyInterfaceIsNamedInEveryCondition) {
+    EXPECT_EQ(Switched(kBothBranches, kOff, ""),
+              "if [ \"$interface\" = \"eth0\" ]; then\n"
+              "#  make_resolv_conf\n"
+              "else\n"
+              "  make_resolv_conf\n"
+              "fi\n")
+        << "the else branch is for those that are not named";
+    EXPECT_EQ(Switched("if [ -n \"$interface\" ]; then\n"
+                       "  make_resolv_conf\n"
+                       "fi\n"
+                       "make_resolv_conf\n",
+                       kOff, ""),
+              "if [ -n \"$interface\" ]; then\n"
+              "#  make_resolv_conf\n"
+              "fi\n"
+              "#make_resolv_conf\n");
+}
+
+TEST_F(ClientScriptTest, AnIfWithoutTheInterfaceIsNoBlock) {
+    EXPECT_EQ(Switched("if [ \"$reason\" = eth1 ]; then\n"
+                       "  make_resolv_conf\n"
+                       "else\n"
+                       "  make_resolv_conf\n"
+                       "fi\n",
+                       kOff, "eth0"),
+              "if [ \"$reason\" = eth1 ]; then\n"
+              "#  make_resolv_conf\n"
+              "else\n"
+              "#  make_resolv_conf\n"
+              "fi\n");
+}
+
+TEST_F(ClientScriptTest, TheDefinitionIsNoCall) {
+    const std::string script = "make_resolv_conf() {\n  true\n}\n#make_resolv_conf() {\n";
+    EXPECT_EQ(Switched(script, kOff), script);
+    EXPECT_EQ(Switched(script, kOn), script);
+}
+
+TEST_F(ClientScriptTest, OnlyTheNameAsAWordIsACall) {
+    EXPECT_EQ(Switched("make_resolv_conf;\n", kOff), "#make_resolv_conf;\n");
+    EXPECT_EQ(Switched("make_resolv_conf,\n", kOff), "#make_resolv_conf,\n");
+    EXPECT_EQ(Switched("\tmake_resolv_conf\tx\n", kOff), "#\tmake_resolv_conf\tx\n");
+    EXPECT_EQ(Switched("true, make_resolv_conf\n", kOff), "#true, make_resolv_conf\n");
+    EXPECT_EQ(Switched("true,make_resolv_conf\n", kOff), "#true,make_resolv_conf\n");
+    for (const char* line : {"make_resolv_conf ()\n", "x make_resolv_conf #\n"}) {
+        EXPECT_EQ(Switched(line, kOff), "#" + std::string(line));
+    }
+    for (const char* line : {"make_resolv_conf&\n", "make_resolv_conf)\n", "make_resolv_conf\r\n",
+                             "make_resolv_conf#\n", ";make_resolv_conf\n", "`make_resolv_conf`\n",
+                             "x_make_resolv_conf\n", "make_resolv_conf2\n", "Make_resolv_conf\n",
+                             "\"make_resolv_conf\" make_resolv_conf\n"}) {
+        EXPECT_EQ(Switched(line, kOff), line);
+        EXPECT_EQ(Switched("#" + std::string(line), kOn), "#" + std::string(line));
+    }
+}
+
+TEST_F(ClientScriptTest, ALineThatIsSwitchedSoAlreadyStays) {
+    EXPECT_EQ(Switched("#make_resolv_conf\n", kOff), "#make_resolv_conf\n");
+    EXPECT_EQ(Switched("# make_resolv_conf\n", kOff), "# make_resolv_conf\n");
+    EXPECT_EQ(Switched("make_resolv_conf\n", kOn), "make_resolv_conf\n");
+    EXPECT_EQ(Switched("make_resolv_conf # x\n", kOn), "make_resolv_conf # x\n");
+}
+
+TEST_F(ClientScriptTest, TheMarkGoesIntoColumnOneAndTheFirstOneGoes) {
+    EXPECT_EQ(Switched("    make_resolv_conf\n", kOff), "#    make_resolv_conf\n");
+    EXPECT_EQ(Switched("#    make_resolv_conf\n", kOn), "    make_resolv_conf\n");
+    EXPECT_EQ(Switched("  # make_resolv_conf\n", kOn), "   make_resolv_conf\n");
+    EXPECT_EQ(Switched("##make_resolv_conf\n", kOn), "#make_resolv_conf\n");
+    EXPECT_EQ(Switched("# # make_resolv_conf\n", kOn), " # make_resolv_conf\n");
+    EXPECT_EQ(Switched("make_resolv_conf # x\n", kOff), "#make_resolv_conf # x\n");
+    EXPECT_EQ(Switched("#make_resolv_conf # x\n", kOn), "make_resolv_conf # x\n");
+}
+
+TEST_F(ClientScriptTest, ACallOnTheLineOfFiIsSwitchedForEveryInterface) {
+    EXPECT_EQ(
+        Switched("if [ $interface = eth0 ]; then true\n make_resolv_conf; fi\n", kOff, "eth1"),
+        "if [ $interface = eth0 ]; then true\n# make_resolv_conf; fi\n");
+    EXPECT_EQ(Switched("if [ $interface = eth0 ]; then make_resolv_conf; fi\n", kOff, "eth1"),
+              "#if [ $interface = eth0 ]; then make_resolv_conf; fi\n");
+}
+
+TEST_F(ClientScriptTest, ABlockSwitchedOffByItsOwnIfStaysOffForGood) {
+    // Without its "if" line the block is none any more, and both its calls are outside blocks.
+    const std::string script =
+        "if [ $interface = eth0 ]; then make_resolv_conf\n"
+        "else\n"
+        "  make_resolv_conf\n"
+        "fi\n";
+    const std::string off =
+        "#if [ $interface = eth0 ]; then make_resolv_conf\n"
+        "else\n"
+        "  make_resolv_conf\n"
+        "fi\n";
+    EXPECT_EQ(Switched(script, kOff, "eth0"), off);
+    EXPECT_EQ(Switched(off, kOff, "eth0"),
+              "#if [ $interface = eth0 ]; then make_resolv_conf\n"
+              "else\n"
+              "#  make_resolv_conf\n"
+              "fi\n");
+}
+
+TEST_F(ClientScriptTest, ALastLineWithoutItsEndGetsOne) {
+    EXPECT_EQ(Switched("x\nmake_resolv_conf", kOff), "x\n#make_resolv_conf\n");
+    EXPECT_EQ(Switched("x", kOff), "x\n");
+    EXPECT_EQ(Switched("", kOff), "");
+}
+
+// ---- files and results
+
+TEST_F(ClientScriptTest, TheCopyIsPutInPlaceByTheShell) {
+    WriteFile(kScript, "make_resolv_conf\n");
+    std::string copy;
+    libc().OnCall(Call::kSystem, [&](const testkit::Event& event) {
+        if (event.text.starts_with("cat ")) {
+            copy = ReadFile(kCopy);
+        }
+    });
+    EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), 0);
+    EXPECT_EQ(copy, "#make_resolv_conf\n");
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/dhclient-script > /sbin/dhclient-script",
+                            "system rm /var/tmp/dhclient-script"));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
+}
+
+TEST_F(ClientScriptTest, AScriptWithoutACallIsRewrittenAsItIs) {
+    EXPECT_EQ(Switched("#!/bin/sh\nexit 0\n", kOff), "#!/bin/sh\nexit 0\n");
+    EXPECT_THAT(libc().Commands(),
+                ElementsAre("cat /var/tmp/dhclient-script > /sbin/dhclient-script",
+                            "rm /var/tmp/dhclient-script"));
+}
+
+TEST_F(ClientScriptTest, AFailedCopyIsNotToldOf) {
+    for (const testkit::Outcome outcome : {Return(256), Fail(ENOMEM)}) {
+        WriteFile(kScript, "make_resolv_conf\n");
+        libc().Script(Call::kSystem, {outcome, outcome});
+        EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), 0);
+    }
+    EXPECT_THAT(libc().Logs(), ElementsAre("system errno=12:Cannot allocate memory",
+                                           "system errno=12:Cannot allocate memory"));
+}
+
+TEST_F(ClientScriptTest, AMissingScriptIsAFailureThatLeavesAnEmptyCopy) {
+    WriteFile(kCopy, "of another edit\n");
+    EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
+    EXPECT_FALSE(Exists(kScript));
+    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_THAT(libc().Story(), IsEmpty());
+    unlink(kCopy);
+    EXPECT_EQ(SetDnsDhcpScript("", kOn), -1);
+    EXPECT_TRUE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kCopy), "");
+}
+
+TEST_F(ClientScriptTest, ACopyThatCannotBeWrittenIsAFailure) {
+    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    WriteFile(kScript, "make_resolv_conf");
+    EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
+    EXPECT_EQ(ReadFile(kScript), "make_resolv_conf");
+    EXPECT_THAT(libc().Story(), IsEmpty());
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
+}
+
+TEST_F(ClientScriptTest, BothFilesAreTriedBeforeEitherIsJudged) {
+    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
+    EXPECT_THAT(libc().Story(), IsEmpty());
+}
+
+TEST_F(ClientScriptTest, AFullFolderForCopiesLeavesTheScriptAsItWas) {
+    WriteFile(kScript, "make_resolv_conf");
+    libc().Script(Call::kWrite, {Fail(ENOSPC)});
+    EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
+    EXPECT_EQ(ReadFile(kScript), "make_resolv_conf");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+class ClientScriptFileTest : public testkit::DeviceTest {};
+
+TEST_F(ClientScriptFileTest, TheScriptStaysExecutable) {
+    WriteFile(kScript, "#!/bin/sh\nmake_resolv_conf\n");
+    ASSERT_EQ(chmod(kScript, 0755), 0);
+    struct stat before {};
+    ASSERT_EQ(stat(kScript, &before), 0);
+    EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), 0);
+    struct stat after {};
+    ASSERT_EQ(stat(kScript, &after), 0);
+    EXPECT_EQ(ReadFile(kScript), "#!/bin/sh\n#make_resolv_conf\n");
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+}  // namespace
