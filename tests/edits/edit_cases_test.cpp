@@ -27,32 +27,18 @@ std::optional<std::string> Contents(const std::string& path) {
     return testkit::ReadFile(path);
 }
 
-struct Identity {
-    ino_t inode;
-    uid_t owner;
-    gid_t group;
-    mode_t mode;
-    bool operator==(const Identity&) const = default;
-};
-
-Identity IdentityOf(const std::string& path) {
-    struct stat facts {};
-    EXPECT_EQ(stat(path.c_str(), &facts), 0) << path;
-    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
-}
-
 class EditTest : public testkit::DeviceTest {
   public:
     explicit EditTest(fs::path folder) : folder_(std::move(folder)) {}
 
     void TestBody() override {
         const EditCase edit = ReadEditCase(folder_);
-        std::map<std::string, Identity> identities;
+        std::map<std::string, testkit::FileIdentity> identities;
         for (const CaseFile& file : edit.files) {
             if (file.before) {
                 testkit::WriteFile(file.path, *file.before);
                 chmod(file.path.c_str(), kMode);
-                identities[file.path] = IdentityOf(file.path);
+                identities[file.path] = testkit::IdentityOf(file.path);
             }
         }
         EXPECT_EQ(Execute(edit.request), edit.result);
@@ -60,7 +46,7 @@ class EditTest : public testkit::DeviceTest {
             EXPECT_EQ(Contents(file.path), file.after) << file.path;
             EXPECT_EQ(Contents(CopyPath(file)), file.copy) << CopyPath(file);
             if (file.before && file.after) {
-                EXPECT_EQ(IdentityOf(file.path), identities[file.path]) << file.path;
+                EXPECT_EQ(testkit::IdentityOf(file.path), identities[file.path]) << file.path;
             }
         }
     }

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace testkit {
@@ -70,6 +71,12 @@ std::string ReadFile(const std::string& path) {
 
 bool Exists(const std::string& path) {
     return fs::exists(fs::symlink_status(path));
+}
+
+FileIdentity IdentityOf(const std::string& path) {
+    struct stat facts {};
+    EXPECT_EQ(stat(path.c_str(), &facts), 0) << path;
+    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
 }
 
 std::vector<int> OpenDescriptors() {

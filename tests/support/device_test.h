@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include "support/libc_recorder.h"
 #include "velk.h"
@@ -16,6 +17,16 @@ namespace testkit {
 void WriteFile(const std::string& path, std::string_view text);
 std::string ReadFile(const std::string& path);  // "(missing)" when it is not there
 bool Exists(const std::string& path);
+
+// What makes a file the same file, whatever stands in it.
+struct FileIdentity {
+    ino_t inode;
+    uid_t owner;
+    gid_t group;
+    mode_t mode;
+    bool operator==(const FileIdentity&) const = default;
+};
+FileIdentity IdentityOf(const std::string& path);  // a failed expectation when it is not there
 
 // The numbers of the descriptors this process holds.
 std::vector<int> OpenDescriptors();

@@ -1,4 +1,3 @@
-#include <random>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -9,10 +8,13 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/dice.h"
 #include "support/fake_shell.h"
 
 namespace {
 
+using testkit::Dice;
+using testkit::IdentityOf;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
@@ -52,34 +54,8 @@ std::string Text(const OwnedLines& lines) {
     return text;
 }
 
-class Dice {
-  public:
-    explicit Dice(unsigned seed) : engine_(seed) {}
-
-    size_t Below(size_t count) { return engine_() % count; }
-    bool OneIn(size_t count) { return Below(count) == 0; }
-    const std::string& OneOf(const Lines& lines) { return lines[Below(lines.size())]; }
-
-  private:
-    std::mt19937 engine_;
-};
-
 std::string Other(const std::string& interface) {
     return interface == "eth0" ? "eth1" : "eth0";
-}
-
-struct Identity {
-    ino_t inode;
-    uid_t owner;
-    gid_t group;
-    mode_t mode;
-    bool operator==(const Identity&) const = default;
-};
-
-Identity IdentityOf(const char* path) {
-    struct stat facts {};
-    EXPECT_EQ(stat(path, &facts), 0) << path;
-    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
 }
 
 // ---- /etc/network/interfaces
@@ -574,7 +550,7 @@ TEST_F(EditedFilesTest, InodeOwnerAndModeSurviveEveryEdit) {
         WriteFile(kInterfaces, RandomInterfaces(dice));
         WriteFile(kConfig, HostileConfig(dice));
         WriteFile(kHooks, Text(RandomScript(dice)));
-        std::vector<Identity> before;
+        std::vector<testkit::FileIdentity> before;
         for (const char* path : {kInterfaces, kConfig, kHooks}) {
             (void)!chown(path, 12, 34);  // only where the test runs as root
             ASSERT_EQ(chmod(path, static_cast<mode_t>(0600 + dice.Below(64))), 0);
@@ -584,7 +560,7 @@ TEST_F(EditedFilesTest, InodeOwnerAndModeSurviveEveryEdit) {
                   0);
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_APIPA, "eth1", dice.OneIn(2) ? "\x01" : "\x02"), 0);
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_GATEWAY, "eth0", dice.OneIn(2) ? "" : "10.0.0.1"), 0);
-        std::vector<Identity> after;
+        std::vector<testkit::FileIdentity> after;
         for (const char* path : {kInterfaces, kConfig, kHooks}) {
             after.push_back(IdentityOf(path));
         }

@@ -16,6 +16,7 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::IdentityOf;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
@@ -42,21 +43,6 @@ _velk_request MethodRequest(std::string_view interface, char method) {
 
 _velk_request ValueRequest(std::string_view value) {
     return MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", value);
-}
-
-// Inode, owner and mode: what makes a file the same file.
-struct Identity {
-    ino_t inode;
-    uid_t owner;
-    gid_t group;
-    mode_t mode;
-    bool operator==(const Identity&) const = default;
-};
-
-Identity IdentityOf(const char* path) {
-    struct stat facts {};
-    EXPECT_EQ(stat(path, &facts), 0) << path;
-    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
 }
 
 class InterfacesWriterTest : public testkit::DeviceTest {
@@ -302,8 +288,8 @@ class InterfacesWriterShellTest : public testkit::DeviceTest {
 };
 
 TEST_F(InterfacesWriterShellTest, AMethodKeepsInodeOwnerAndMode) {
-    const Identity interfaces = IdentityOf(kFile);
-    const Identity config = IdentityOf(kClientConfig);
+    const testkit::FileIdentity interfaces = IdentityOf(kFile);
+    const testkit::FileIdentity config = IdentityOf(kClientConfig);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_METHOD, "eth0", "\x02"), 0);
     EXPECT_EQ(IdentityOf(kFile), interfaces);
     EXPECT_EQ(IdentityOf(kClientConfig), config);
@@ -319,7 +305,7 @@ TEST_F(InterfacesWriterShellTest, AMethodKeepsInodeOwnerAndMode) {
 }
 
 TEST_F(InterfacesWriterShellTest, AnAddressKeepsInodeOwnerAndMode) {
-    const Identity interfaces = IdentityOf(kFile);
+    const testkit::FileIdentity interfaces = IdentityOf(kFile);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
     EXPECT_EQ(IdentityOf(kFile), interfaces);
     EXPECT_EQ(ReadFile(kFile),

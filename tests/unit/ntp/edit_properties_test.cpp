@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -9,11 +8,14 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/dice.h"
 #include "support/fake_shell.h"
 
 namespace {
 
 using testkit::Call;
+using testkit::Dice;
+using testkit::IdentityOf;
 using testkit::MakeRequest;
 using testkit::Pass;
 using testkit::ReadFile;
@@ -46,32 +48,6 @@ bool Holds(const std::string& line, const std::string& part) {
 Lines Without(Lines lines, const std::string& part) {
     std::erase_if(lines, [&](const std::string& line) { return Holds(line, part); });
     return lines;
-}
-
-class Dice {
-  public:
-    explicit Dice(unsigned seed) : engine_(seed) {}
-
-    size_t Below(size_t count) { return engine_() % count; }
-    bool OneIn(size_t count) { return Below(count) == 0; }
-    const std::string& OneOf(const Lines& lines) { return lines[Below(lines.size())]; }
-
-  private:
-    std::mt19937 engine_;
-};
-
-struct Identity {
-    ino_t inode;
-    uid_t owner;
-    gid_t group;
-    mode_t mode;
-    bool operator==(const Identity&) const = default;
-};
-
-Identity IdentityOf(const char* path) {
-    struct stat facts {};
-    EXPECT_EQ(stat(path, &facts), 0) << path;
-    return {facts.st_ino, facts.st_uid, facts.st_gid, facts.st_mode};
 }
 
 // ---- crontabs
@@ -309,7 +285,8 @@ std::string RandomSchedule(Dice& dice) {
     const char type = "\1\2\3\4\143"[dice.Below(5)];
     std::string data(1, type);
     data += static_cast<char>(1 + dice.Below(31));
-    return data + std::to_string(dice.Below(24)) + ":" + std::to_string(dice.Below(60));
+    data.append(std::to_string(dice.Below(24))).append(":");
+    return data.append(std::to_string(dice.Below(60)));
 }
 
 TEST_F(CrontabPropertiesTest, AScheduleLeavesOtherLinesInTheirOrderAndStandsLast) {
@@ -453,7 +430,7 @@ TEST_F(TimedFilesTest, InodeOwnerAndModeSurviveEveryEdit) {
     for (int round = 0; round < 25; ++round) {
         WriteFile(kCrontab, RandomCrontab(dice, {.marks = true, .joins = true}));
         WriteFile(kSettings, RandomSettings(dice));
-        std::vector<Identity> before;
+        std::vector<testkit::FileIdentity> before;
         for (const char* path : {kCrontab, kSettings}) {
             (void)!chown(path, 12, 34);  // only where the test runs as root
             ASSERT_EQ(chmod(path, static_cast<mode_t>(0600 + dice.Below(64))), 0);
@@ -466,7 +443,7 @@ TEST_F(TimedFilesTest, InodeOwnerAndModeSurviveEveryEdit) {
         const std::string location = ReadFile(kSettings);
         EXPECT_EQ(Set(VELK_CMD_ADMINISTRATOR, "round " + std::to_string(round)), 0);
         EXPECT_NE(ReadFile(kSettings), location) << "the real shell copied";
-        std::vector<Identity> after;
+        std::vector<testkit::FileIdentity> after;
         for (const char* path : {kCrontab, kSettings}) {
             after.push_back(IdentityOf(path));
         }

@@ -17,7 +17,6 @@ using velkctl::IsMask;
 using velkctl::kAddress;
 using velkctl::kGateway;
 using velkctl::kNetmask;
-using velkctl::Parsed;
 using velkctl::ParseIpv4;
 using Words = std::vector<std::string>;
 
