@@ -7,8 +7,8 @@
 namespace velk {
 namespace {
 
-// An option that the client can request. What stands behind a "#" in the configuration is looked at
-// for the time servers, which need no interface, and not for the name servers.
+// An option that the client can request. With `comment_aware` its name behind a "#" does not count,
+// see SetDhcpServer().
 struct Option {
     const char* name;
     bool comment_aware;

@@ -7,8 +7,6 @@
 namespace velk {
 namespace {
 
-constexpr std::string_view kBlockEnd = "}";
-
 // False for the opening line of another interface's block.
 bool Classify(std::string_view line, std::string_view nic, bool& in_block, bool& other_block,
               bool comment_aware) {

@@ -8,6 +8,7 @@
 namespace velk {
 
 constexpr char kDhcpConfigFile[] = "/etc/dhclient.conf";
+constexpr std::string_view kBlockEnd = "}";
 
 // Follows the blocks of dhclient.conf(5): the statements of an interface stand between a line with
 // "interface" and its name and a line with "}", those outside are for all interfaces. Without an

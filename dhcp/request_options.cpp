@@ -14,6 +14,25 @@ namespace {
 
 constexpr std::string_view kStatementEnd = ";";
 
+// The line without the option at `position`. A comma behind any place of the option on the line
+// counts, and takes the character behind the first place with it. Otherwise what is no letter in
+// front of the option goes too, but never the line's first character.
+std::string WithoutOption(std::string_view line, const std::string& option, size_t position) {
+    if (Contains(line, option + ",")) {
+        return std::string(line).erase(position, option.size() + 1);
+    }
+    const size_t behind = position + option.size();
+    while (position > 1 && !IsLetter(line[position - 1])) {
+        --position;
+    }
+    return std::string(line.substr(0, position)).append(line.substr(behind));
+}
+
+// The line with the option as the last one of the statement that ends at `end`.
+std::string WithOption(std::string_view line, const std::string& option, size_t end) {
+    return std::string(line).insert(end, "," + option);
+}
+
 // Finds the lines of the "request" statements that concern an interface. A statement may run over
 // several lines.
 class RequestLines {
@@ -31,8 +50,9 @@ class RequestLines {
         return in_request_;
     }
 
-    // The line taken last ended the statement.
-    void EndStatement() { in_request_ = false; }
+    // The line taken last, with the option added or removed. A statement counts as ended only by a
+    // line that ends it without naming the option.
+    std::string Edit(std::string_view line, const std::string& option, bool add);
 
   private:
     ConfigBlocks blocks_;
@@ -40,40 +60,16 @@ class RequestLines {
     bool in_request_ = false;
 };
 
-// The line without the option at `position` and the comma behind it or, for the last one of a
-// list, what separates it from the option before it.
-std::string WithoutOption(std::string_view line, const std::string& option, size_t position) {
-    std::string edited(line);
-    if (Contains(line, option + ",")) {
-        edited.erase(position, option.size() + 1);
-        return edited;
-    }
-    edited.erase(position, option.size());
-    while (position > 1 && !IsLetter(edited[position - 1])) {
-        --position;
-        edited.erase(position, 1);
-    }
-    return edited;
-}
-
-// The line with the option as the last one of the statement that ends at `end`.
-std::string WithOption(std::string_view line, const std::string& option, size_t end) {
-    return std::string(line).insert(end, "," + option);
-}
-
-// One line of a request statement after the edit. A statement counts as ended only by a line that
-// ends it without naming the option.
-std::string EditRequest(std::string_view line, const std::string& option, bool add,
-                        bool comment_aware, RequestLines& requests) {
+std::string RequestLines::Edit(std::string_view line, const std::string& option, bool add) {
     size_t position = 0;
-    if (FindWord(line, option, comment_aware, position)) {
+    if (FindWord(line, option, comment_aware_, position)) {
         return add ? std::string(line) : WithoutOption(line, option, position);
     }
     const size_t end = line.find(kStatementEnd);
     if (end == std::string_view::npos) {
         return std::string(line);
     }
-    requests.EndStatement();
+    in_request_ = false;
     return add ? WithOption(line, option, end) : std::string(line);
 }
 
@@ -108,7 +104,7 @@ int SetDhcpServer(const std::string& nic, const std::string& option, bool add, b
     velk::RequestLines requests(nic, comment_aware);
     for (std::string_view line; edit.Next(line);) {
         if (requests.Holds(line)) {
-            edit.Write(velk::EditRequest(line, option, add, comment_aware, requests));
+            edit.Write(requests.Edit(line, option, add));
         } else {
             edit.Write(line);
         }
@@ -124,7 +120,8 @@ int SetDhcpRequest(const std::string& nic, bool enable) {
     velk::ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
     for (std::string_view line; edit.Next(line);) {
         const bool concerns = blocks.Concerns(line);
-        if (concerns && (blocks.in_block() || velk::Contains(line, "}"))) {
+        // A block's closing line is in it no longer; one that closes nothing is switched with it.
+        if (concerns && (blocks.in_block() || velk::Contains(line, velk::kBlockEnd))) {
             edit.Write(velk::SwitchLine(line, std::string_view::npos, enable));
         } else {
             edit.Write(line);

@@ -8,7 +8,7 @@
 
 namespace velk {
 
-// True when a "#" stands before what is at `position`. With npos any "#" counts.
+// True when a "#" stands in front of `position` or there. With npos any "#" counts.
 bool IsCommentedOut(std::string_view line, size_t position);
 
 // The line with what is at `position` switched on or off: on deletes the first "#", off puts one

@@ -21,10 +21,18 @@ std::string CopyPath(const std::string& target) {
     return kCopyFolder + target.substr(target.rfind('/') + 1);
 }
 
-// Without following links: everybody may write the folder, and a planted link would have any file
-// of the system emptied.
+int CreateCopy(const std::string& path) {
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kCopyMode);
+}
+
+// A new file always. Everybody may write the folder: what lies there already may be a link to any
+// file of the system, or belong to somebody who changes the edit on its way.
 int OpenCopy(const std::string& path) {
-    return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kCopyMode);
+    const int fd = CreateCopy(path);
+    if (fd != -1 || errno != EEXIST) {
+        return fd;
+    }
+    return unlink(path.c_str()) == 0 ? CreateCopy(path) : -1;
 }
 
 }  // namespace

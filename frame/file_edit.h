@@ -15,10 +15,10 @@ namespace velk {
 // inode, owner and mode, and a file that programs have open stays theirs.
 //
 // An edit that is given up before Finish() leaves the file as it was, and its edit copy behind for
-// the next edit to overwrite.
+// the next edit to replace.
 class FileEdit {
   public:
-    // Opens the file, then the edit copy (created or emptied), whether or not the file opened.
+    // Opens the file, then a new edit copy, whether or not the file opened.
     explicit FileEdit(const std::string& target);
 
     bool is_open() const { return target_error() == 0 && copy_error() == 0; }

@@ -86,7 +86,7 @@ enum velk_ip_method { VELK_METHOD_STATIC = 1, VELK_METHOD_DHCP = 2 };
 enum velk_ntp_result {
     VELK_NTP_REACHED = 1,     /* a server answered; the clock was set */
     VELK_NTP_NOT_REACHED = 2, /* none did */
-    VELK_NTP_NO_RESULT = 3    /* it has not run since it was switched on */
+    VELK_NTP_NO_RESULT = 3    /* it has not run yet, or was switched off */
 };
 
 /* How often the web contents updater runs, in the first data byte of VELK_CMD_WEB_UPDATE. */

@@ -59,22 +59,20 @@ using LiveGetter = int (*)(const _velk_request& request, char* out);
 // The configured value of a static interface, the live one of a DHCP interface.
 int GetAddress(const _velk_request& request, std::string_view key, LiveGetter get_live, char* out) {
     const std::string_view interface = FieldText(request.interface);
-    Stanza stanza(interface);
-    switch (stanza.method()) {
-        case VELK_METHOD_STATIC:
-            if (out == nullptr) {
-                return LIB_VELK_FAILURE;
-            }
+    {
+        Stanza stanza(interface);
+        if (stanza.method() == VELK_METHOD_STATIC && out != nullptr) {
             stanza.PutValue(key, out);
             return LIB_VELK_SUCCESS;
-        case VELK_METHOD_DHCP:
-            if (interface == VELK_WIRELESS_INTERFACE && IsWiredLinked() != 0) {
-                return LIB_VELK_SUCCESS;  // with the cable in, a wireless lease means nothing
-            }
-            return get_live(request, out);
-        default:
+        }
+        if (stanza.method() != VELK_METHOD_DHCP) {
             return LIB_VELK_FAILURE;
+        }
+    }  // closed before what may take a minute
+    if (interface == VELK_WIRELESS_INTERFACE && IsWiredLinked() != 0) {
+        return LIB_VELK_SUCCESS;  // with the cable in, a wireless lease means nothing
     }
+    return get_live(request, out);
 }
 
 }  // namespace

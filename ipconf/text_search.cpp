@@ -9,7 +9,7 @@ bool IsSearchString(const std::string& line, const char* word, uint32_t& pos, bo
     if (word == nullptr) {
         return false;
     }
-    pos = static_cast<uint32_t>(line.find(word));
+    pos = static_cast<uint32_t>(line.find(word));  // told even when FindWord() throws
     size_t position = 0;
     return velk::FindWord(line, word, comment_flag, position);
 }

@@ -24,7 +24,7 @@ size_t PlaceForServer(std::string_view line) {
     if (redirection == std::string_view::npos) {
         throw std::out_of_range("basic_string::at");
     }
-    const size_t blank = line.rfind(' ', redirection);
+    const size_t blank = line.rfind(' ', redirection);  // one in column one has no word in front
     return blank == std::string_view::npos || blank == 0 ? redirection : blank;
 }
 

@@ -10,11 +10,12 @@ namespace {
 
 constexpr char kResultLog[] = "/var/libvelk/ntp.log";
 
-// The client's lines begin with a time stamp; its words about a server stand behind it.
-constexpr size_t kTimeStampSize = 11;
+// The client's lines begin with a time stamp. What stands further in front than this is not its
+// word about a server.
+constexpr size_t kFirstPlace = 11;
 
 bool TellsOfServer(std::string_view line) {
-    return line.find("time server", kTimeStampSize) != std::string_view::npos;
+    return line.find("time server", kFirstPlace) != std::string_view::npos;
 }
 
 }  // namespace

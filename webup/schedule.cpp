@@ -26,7 +26,7 @@ constexpr std::string_view kEvery = "*/";
 constexpr size_t kTypeOffset = 0;
 constexpr size_t kValueOffset = 1;
 constexpr size_t kTimeOffset = 2;
-constexpr size_t kClearedSize = 18;
+constexpr size_t kClearedSize = 18;  // what a get that fails leaves cleared
 
 struct Schedule {
     uint8_t type;
@@ -130,7 +130,8 @@ std::string CronLine(const CronFields& fields) {
     return line.append(kCommand).append("\n");
 }
 
-// A day that some months lack runs on the first of the month after those.
+// In place of a month that lacks the day the updater runs on the first of the next. The second line
+// holds the months behind such months.
 std::string MonthlyLines(int day, const Time& time) {
     const std::string number = std::to_string(day);
     if (day <= 28) {

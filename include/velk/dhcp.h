@@ -9,6 +9,8 @@
 struct _velk_request;
 
 // ---- Commands ----------------------------------------------------------------------------------
+//
+// Blocking: a get as long as reading one small file, a set as long as rewriting two.
 
 // Reads whether the client requests time servers (command 7, no interface) or name servers (command
 // 107) into out[0]: VELK_ON or VELK_OFF. Only the request statement is looked at, see
@@ -52,14 +54,15 @@ VELK_API int SetDhcpDns(const _velk_request& request, char* out);
 // at a line with ";". Words are told apart as IsSearchString() does; with `comment_aware` a word
 // behind a "#" does not count.
 //
-// Editing is done as velk/ipconf.h says. Blocking: as long as reading or rewriting one small file.
+// Editing is done as velk/frame.h says, and takes effect with the next lease. Blocking: as long as
+// reading or rewriting one small file.
 
 // Tells whether `line`, which must end in a newline, may concern the interface: false for the line
 // that opens another interface's block. It keeps two flags from line to line: `in_block`, that the
 // line lies in the interface's block (to begin with: `nic` is empty), and `other_block`, that
 // another interface's block has begun and not ended on the same line (to begin with: false). The
 // caller clears `other_block` at the line with the word "}" and does not offer the lines up to
-// there.
+// there. Throws as IsSearchString() does.
 VELK_API bool IsNicName(const std::string& line, const std::string& nic, bool& in_block,
                         bool& other_block, bool comment_aware);
 
@@ -72,10 +75,11 @@ VELK_API int GetDhcpServer(const std::string& nic, const std::string& option, bo
 
 // Adds `option` as the last one to every request statement that concerns the interface, or removes
 // it. A statement ends for this function only at a line that holds ";" and not the option: behind
-// one that names it already, the next such line gains the option too.
+// one that names it already, the next such line gains the option too, and behind one that it is
+// removed from, it is removed up to and including such a line.
 //
 // Returns LIB_VELK_SUCCESS, also without any request statement; LIB_VELK_FAILURE when a file cannot
-// be opened, which leaves the edit copy behind, empty. Side effects: edits /etc/dhclient.conf.
+// be opened. Side effects: edits /etc/dhclient.conf.
 VELK_API int SetDhcpServer(const std::string& nic, const std::string& option, bool add,
                            bool comment_aware);
 
@@ -91,9 +95,8 @@ VELK_API int SetDhcpRequest(const std::string& nic, bool enable);
 // "#" in column one, and by deleting the first "#" of a line that has one in front of the call.
 // Lines between "if" with "interface" and "fi" count as the exit hooks' do, see velk/ipconf.h.
 //
-// Returns LIB_VELK_SUCCESS, also without any call; LIB_VELK_FAILURE when a file cannot be opened,
-// which leaves the edit copy behind, empty. Side effects: edits /sbin/dhclient-script. Blocking: as
-// long as rewriting one small file.
+// Returns LIB_VELK_SUCCESS, also without any call; LIB_VELK_FAILURE when a file cannot be
+// opened. Side effects: edits /sbin/dhclient-script. Blocking: as long as rewriting one small file.
 VELK_API int SetDnsDhcpScript(const std::string& nic, bool enable);
 
 #endif  // VELK_DHCP_H_

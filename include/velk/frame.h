@@ -35,8 +35,8 @@ VELK_API void VkLibUnLock(int fd);
 
 // Runs one line, a NUL-terminated text, with system(3). Returns LIB_VELK_SUCCESS when a shell was
 // run, whatever the exit status of the command in it: callers learn of a failed command only by
-// what they read back. Returns LIB_VELK_FAILURE, after logging "system" with errno, when system(3)
-// itself failed.
+// what they read back. It shares the program's standard streams: what it complains about appears
+// there. Returns LIB_VELK_FAILURE, after logging "system" with errno, when system(3) itself failed.
 //
 // Blocking: until the command has ended.
 VELK_API int SystemCommand(const char* command);
@@ -51,6 +51,15 @@ VELK_API int SystemCommand(const char* command);
 //
 // Blocking: until both commands have ended.
 VELK_API int FileCopyAndDelete(const std::string& source, const std::string& target);
+
+// The functions of the other headers that say they edit a file do it through a copy in /var/tmp
+// named after the file: a new one is written line by line, whatever lay there is removed, and put
+// in place with FileCopyAndDelete(). What becomes of that is not noticed. Every line of an edited
+// file ends in a newline, also a last one that had none. A failure before the edit copy is put in
+// place leaves the file as it was; when the edit copy had been opened, it is left behind, empty as
+// a rule. When it cannot be written in full, "FileEdit write" is logged with errno, the copy
+// removed and LIB_VELK_FAILURE returned. Two editors of one file at once would mix their copies:
+// direct callers hold the lock of VkLibLock().
 
 // Says whether a text holds nothing but the digits '0' to '9': 1 or 0. A null pointer and the
 // empty text give 1. No sign, blank or decimal point is accepted. Never blocks, touches nothing.

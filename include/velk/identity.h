@@ -8,7 +8,8 @@
 
 struct _velk_request;
 
-// Administrator (command 2) and location (command 3) are texts of at most 511 bytes. They stand in
+// Administrator (command 2) and location (command 3) are texts of at most 512 bytes, of which a get
+// gives back 511. They stand in
 // the settings file /var/libvelk/libvelk, which must be there already, in lines that begin with
 // "ADMINISTRATOR=" and "LOCATION="; the value is the rest of the line, as it is.
 
@@ -24,14 +25,15 @@ VELK_API int GetSettingFile(const _velk_request& request, char* out);
 // of it or in a new last one, and hands it on to the SNMP daemon: the rest of every line of
 // /usr/local/share/etc/snmp/snmpd.conf, see snmpd.conf(5), that holds "syscontact" or "syslocation"
 // becomes the value, escaped with GetEscapeString(), or a pair of double quotes when it is empty. A
-// missing directive is not added. The text is not checked: one with a newline makes two lines, and
-// leaves the SNMP daemon's file as it was. `out` is not used.
+// missing directive is not added. sed(1) runs in the program's locale: where a byte is no character
+// of it, that byte and what follows on the line stay. The text is not checked: one with a newline
+// makes two lines, and leaves the SNMP daemon's file as it was. `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS, whatever becomes of the SNMP daemon; LIB_VELK_INVALID_PARAMETER for
 // any other id; LIB_VELK_FAILURE when a file cannot be opened, logged as "SetSettingFile ifstream"
 // (the settings file) or "SetSettingFile ofstream" (its edit copy) with errno. The SNMP daemon is
 // then left alone.
-// Side effects: edits /var/libvelk/libvelk as velk/ipconf.h says, then runs "sudo sed -i ..." on
+// Side effects: edits /var/libvelk/libvelk as velk/frame.h says, then runs "sudo sed -i ..." on
 // the SNMP daemon's file and "sudo /etc/init.d/snmpd restart > /dev/null 2>&1".
 // Blocking: as long as these take; the restart of the SNMP daemon is waited for.
 VELK_API int SetSettingFile(const _velk_request& request, char* out);

@@ -10,13 +10,6 @@
 
 struct _velk_request;
 
-// Files are edited through a copy in /var/tmp named after the file: written line by line, then
-// "cat COPY > FILE" and "rm COPY" are run, so that the file keeps its inode, owner and mode. Every
-// line of an edited file ends in a newline, also a last one that had none. What becomes of cat and
-// rm is not noticed. When the edit copy cannot be written in full, "FileEdit write" is logged with
-// errno, the copy removed, the file left as it was and LIB_VELK_FAILURE returned. Two editors of
-// one file at once would mix their copies: direct callers hold the lock of VkLibLock().
-
 // ---- Commands ----------------------------------------------------------------------------------
 
 // Reads the setting of request.command_id for request.interface into the data area `out` (512
@@ -43,6 +36,8 @@ VELK_API int SetInterfaces(const _velk_request& request, char* out);
 // stands behind its key ("address ", "netmask ", "gateway ") wherever the line holds it. The
 // readers know an interface's first stanza only.
 
+// Edits take effect when the interface is restarted. Files are edited as velk/frame.h says.
+
 // Says how the interface is configured: VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE
 // when the file cannot be read, holds no stanza of the interface, or names another method. Only the
 // beginning of the method's word is compared. Blocking: as long as reading one small file.
@@ -67,7 +62,8 @@ VELK_API int GetAddressConf(const _velk_request& request, const char* key, char*
 // GetIpAddress(), the gateway from the routing table, see GetIoctl(), for which the request must
 // carry VELK_CMD_GATEWAY. A missing value is told by an empty text.
 //
-// Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE when GetIpSetting() cannot tell the method; for a DHCP
+// Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE when GetIpSetting() cannot tell the method and, for a
+// static interface, for a null `out`; for a DHCP
 // interface what the function of the live value returns. "eth1" on DHCP answers with nothing while
 // IsWiredLinked() finds a link.
 // Blocking: as long as reading one small file; for a DHCP interface as the function of the live
@@ -84,7 +80,7 @@ VELK_API int GetDefGatewayConf(const _velk_request& request, char* out);
 //
 // Returns LIB_VELK_SUCCESS, LIB_VELK_INVALID_PARAMETER for any other byte, LIB_VELK_FAILURE when
 // a file cannot be opened. The method stays changed when only the DHCP client's configuration
-// cannot be edited. A failure leaves the edit copy behind, empty.
+// cannot be edited.
 // Side effects: edits /etc/network/interfaces and /etc/dhclient.conf. For "eth0" and
 // VELK_METHOD_DHCP "rm -f /tmp/oldIPAddress" is run last, whatever the result.
 // Blocking: as long as rewriting two small files and five shell lines take.
@@ -95,7 +91,8 @@ VELK_API int SetIpSettingMethod(const _velk_request& request, char* out);
 // "iface". A stanza that is the last of the file and holds no such line gains none; the result is
 // LIB_VELK_SUCCESS all the same. A later stanza of the interface is edited too, except one that
 // follows directly on a stanza of it without the key. An empty text with the key "gateway " removes
-// the line. The text is not checked: it is written as it stands.
+// the line; with another key it writes a line without a value. The text is not checked: it is
+// written as it stands.
 //
 // Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for a null `key` and when a file cannot be opened.
 // Side effects: edits /etc/network/interfaces. Blocking: as long as rewriting one small file.

@@ -17,7 +17,8 @@ struct _velk_request;
 // Every line that holds "ntpdate" is taken for such an entry, a comment too. It is active when no
 // "#" stands in front of "ntpdate".
 //
-// Editing is done as velk/ipconf.h says. Blocking: as long as reading or rewriting one small file.
+// Editing is done as velk/frame.h says, and takes effect when cron(8) reads the crontab again.
+// Blocking: as long as reading or rewriting one small file.
 
 // ---- Commands ----------------------------------------------------------------------------------
 
@@ -46,7 +47,7 @@ VELK_API int GetNtpMethod(const _velk_request& request, char* out);
 // with DeleteNtpLog(). `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS, also without an entry; LIB_VELK_INVALID_PARAMETER for any other byte,
-// LIB_VELK_FAILURE when a file cannot be opened; both leave the edit copy behind, empty.
+// LIB_VELK_FAILURE when a file cannot be opened.
 // Side effects: edits /var/cron/tabs/root.
 VELK_API int SetNtpMethod(const _velk_request& request, char* out);
 
@@ -73,7 +74,9 @@ VELK_API int GetNtpdate(const std::string& line, std::string& server);
 
 // Replaces the first place at which the text of the line's server stands by `server`. A line
 // without a server gets it in front of the blank before the first ">", or of the ">" itself when no
-// blank stands between it and the line's first character. Returns LIB_VELK_SUCCESS.
+// blank stands between it and the line's first character. No blank is added: the server sticks to
+// the word in front unless two blanks stand before the ">". Behind the bare client it is still read
+// back then. Returns LIB_VELK_SUCCESS.
 //
 // Throws std::out_of_range("basic_string::at") when the line has neither a server nor ">".
 VELK_API int ChangeNtpdate(std::string& line, const std::string& server);
@@ -86,7 +89,8 @@ VELK_API int ChangeNtpdate(std::string& line, const std::string& server);
 // for a null `out`.
 VELK_API int GetNtpCommunicate(const _velk_request& request, char* out);
 
-// Removes the result log with "rm /var/libvelk/ntp.log". What becomes of it is not told.
+// Removes the result log with "rm /var/libvelk/ntp.log". What becomes of it is not
+// told; without a log rm(1) complains on the program's standard error.
 VELK_API void DeleteNtpLog();
 
 #endif  // VELK_NTP_H_

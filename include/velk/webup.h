@@ -10,13 +10,13 @@ struct _velk_request;
 // crontab(5): those that hold "web_contents_updater". It lies in the data area as
 //
 //   byte 0  enum velk_schedule_type
-//   byte 1  its value: the hours between two runs, 1 for daily, the weekday from 1 (Sunday) to 7,
-//           the day of the month, or VELK_SCHEDULE_NONE for none
+//   byte 1  its value, unsigned: N for every hour that N divides, 1 for daily, the weekday from 1
+//           (Sunday) to 7, the day of the month, or VELK_SCHEDULE_NONE for none
 //   byte 2  the time: hour and minute in decimal with ":" between them, such as "08:30", and a NUL
 
 // Reads the schedule of the updater's first line into the data area `out` (512 bytes), with the
-// time as it stands in the file, cut to 509 bytes. Without such a line that is VELK_SCHEDULE_NONE;
-// with it and with VELK_SCHEDULE_HOURS the time is "00:00".
+// time as it stands in the file, cut to 509 bytes, and of a number what the byte holds. Without
+// such a line that is VELK_SCHEDULE_NONE; with it and with VELK_SCHEDULE_HOURS the time is "00:00".
 //
 // Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out`; LIB_VELK_FAILURE when the
 // crontab cannot be read or the line names a month but no day, which no schedule of this library
@@ -25,13 +25,13 @@ VELK_API int GetWebUp(const _velk_request& request, char* out);
 
 // Replaces the updater's lines by those of the schedule in request.data, as the last ones of the
 // file. Monthly on the 29th, 30th or 31st takes two lines: in place of a month that lacks the day
-// the updater runs on the first of the next. The time must be two numbers, also for the types that
-// do not use it; neither these nor the value of hourly and weekly are checked for their range.
-// `out` is not used.
+// the updater runs on the first of the next; for the 29th that is March, in leap years too. The
+// time must be two numbers, also for the types that do not use it; neither these nor the value of
+// hourly and weekly are checked for their range. `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS; LIB_VELK_FAILURE, with the crontab as it was, for a malformed time, an
 // unknown type, a day of the month outside 1 to 31, and when a file cannot be opened.
-// Side effects: edits /var/cron/tabs/root as velk/ipconf.h says. Blocking: as long as rewriting one
+// Side effects: edits /var/cron/tabs/root as velk/frame.h says. Blocking: as long as rewriting one
 // small file.
 VELK_API int SetWebUp(const _velk_request& request, char* out);
 

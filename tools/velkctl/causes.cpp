@@ -19,10 +19,12 @@ struct Cause {
 constexpr std::string_view kNoStanza =
     "/etc/network/interfaces has no stanza \"inet static\" or \"inet dhcp\" of the interface";
 constexpr std::string_view kLastStanza =
-    "its stanza in /etc/network/interfaces is the last one and has no such line to replace";
-constexpr std::string_view kEarlierLine =
-    "another line of its stanza in /etc/network/interfaces comes first, or the file cannot be "
-    "written";
+    "its stanza in /etc/network/interfaces is the last one and has no such line to replace, or the "
+    "file cannot be written";
+constexpr std::string_view kSecondGateway =
+    "another line of its stanza in /etc/network/interfaces holds \"gateway \" too, or the file "
+    "cannot "
+    "be written";
 constexpr std::string_view kNoHook =
     "no line of /etc/dhclient-exit-hooks that runs for the interface has /usr/sbin/avahi-autoipd "
     "to switch";
@@ -35,24 +37,27 @@ constexpr std::string_view kNoEntry =
 constexpr std::string_view kNoServer =
     "the crontab has no line with ntpdate, or one without a server, where a new one sticks to the "
     "word in front of it";
+constexpr std::string_view kServerElsewhere =
+    "the first line with ntpdate ends with its server, or has the server's text in front of it "
+    "too, "
+    "or the crontab cannot be written";
 constexpr std::string_view kFileNotWritten = "the file that holds it cannot be written";
 
-constexpr std::array<Cause, 15> kCauses{{
+constexpr std::array<Cause, 14> kCauses{{
     {VELK_CMD_IP_METHOD, Symptom::kUnreadable, kNoStanza},
     {VELK_CMD_IP_ADDRESS, Symptom::kUnreadable, kNoStanza},
     {VELK_CMD_IP_ADDRESS, Symptom::kEmpty, kLastStanza},
-    {VELK_CMD_IP_ADDRESS, Symptom::kOther, kEarlierLine},
     {VELK_CMD_NETMASK, Symptom::kUnreadable, kNoStanza},
     {VELK_CMD_NETMASK, Symptom::kEmpty, kLastStanza},
-    {VELK_CMD_NETMASK, Symptom::kOther, kEarlierLine},
     {VELK_CMD_GATEWAY, Symptom::kUnreadable, kNoStanza},
     {VELK_CMD_GATEWAY, Symptom::kEmpty, kLastStanza},
-    {VELK_CMD_GATEWAY, Symptom::kOther, kEarlierLine},
+    {VELK_CMD_GATEWAY, Symptom::kOther, kSecondGateway},
     {VELK_CMD_APIPA, Symptom::kOff, kNoHook},
     {VELK_CMD_DHCP_NTP, Symptom::kOff, kNoRequest},
     {VELK_CMD_DHCP_DNS, Symptom::kOff, kNoRequest},
     {VELK_CMD_NTP, Symptom::kOff, kNoEntry},
     {VELK_CMD_NTP_SERVER, Symptom::kEmpty, kNoServer},
+    {VELK_CMD_NTP_SERVER, Symptom::kOther, kServerElsewhere},
 }};
 
 Symptom SymptomOf(const Answer& answer) {

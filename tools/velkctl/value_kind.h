@@ -10,7 +10,8 @@
 
 namespace velkctl {
 
-// How a value is written in words and lies in the data bytes. What Print() shows, Parse() takes.
+// How a value is written in words and lies in the data bytes. What Print() shows of a value that
+// Parse() gave, Parse() takes again.
 class ValueKind {
   public:
     // A kind that has no Parse() of its own is for settings that can only be read. A problem never

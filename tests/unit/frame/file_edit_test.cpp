@@ -1,6 +1,7 @@
 #include "frame/file_edit.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -143,23 +144,62 @@ TEST_F(FileEditTest, BothErrorsAreReported) {
     EXPECT_EQ(edit.copy_error(), EROFS);
 }
 
-TEST_F(FileEditTest, ALinkInTheCopysPlaceIsRefused) {
+TEST_F(FileEditTest, ALinkInTheCopysPlaceIsReplaced) {
     WriteFile("/etc/network/victim", "keep me\n");
     ASSERT_EQ(symlink("/etc/network/victim", kCopy), 0);
     {
         const FileEdit edit(kTarget);
-        EXPECT_FALSE(edit.is_open());
-        EXPECT_EQ(edit.copy_error(), ELOOP);
+        EXPECT_TRUE(edit.is_open());
     }
     EXPECT_EQ(ReadFile("/etc/network/victim"), "keep me\n");
+    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(std::filesystem::is_symlink(kCopy));
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
 
-TEST_F(FileEditTest, ALinkToNothingIsRefusedToo) {
+TEST_F(FileEditTest, AHardLinkInTheCopysPlaceIsReplaced) {
+    WriteFile("/var/tmp/victim", "keep me\n");
+    ASSERT_EQ(link("/var/tmp/victim", kCopy), 0);
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile("/var/tmp/victim"), "keep me\n");
+}
+
+TEST_F(FileEditTest, ACopyOfSomebodyElsesIsReplaced) {
+    WriteFile(kCopy, "0 * * * * reboot\n");
+    const int theirs = open(kCopy, O_WRONLY | O_CLOEXEC);
+    {
+        FileEdit edit(kTarget);
+        edit.Write("one\n");
+        ASSERT_EQ(write(theirs, "evil", 4), 4);
+        EXPECT_EQ(edit.Finish(), 0);
+    }
+    close(theirs);
+    EXPECT_EQ(ReadFile(kTarget), "one\n");
+}
+
+TEST_F(FileEditTest, APipeInTheCopysPlaceIsReplaced) {
+    ASSERT_EQ(mkfifo(kCopy, 0666), 0);
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, ACopyThatSomebodyMakesAnewIsNotTaken) {
+    WriteFile(kCopy, "");
+    int opened = 0;
+    libc().OnCall(Call::kUnlink, [&](const testkit::Event&) { ++opened; });
+    libc().Script(Call::kUnlink, {testkit::Return(0)});  // as if it came back at once
+    {
+        const FileEdit edit(kTarget);
+        EXPECT_EQ(edit.copy_error(), EEXIST);
+    }
+    EXPECT_EQ(opened, 1);
+}
+
+TEST_F(FileEditTest, ALinkToNothingIsReplacedToo) {
     ASSERT_EQ(symlink("/etc/network/victim", kCopy), 0);
     {
         const FileEdit edit(kTarget);
-        EXPECT_EQ(edit.copy_error(), ELOOP);
+        EXPECT_TRUE(edit.is_open());
     }
     EXPECT_FALSE(Exists("/etc/network/victim"));
 }

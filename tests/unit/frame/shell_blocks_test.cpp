@@ -254,6 +254,10 @@ TEST(ShellBlocks, TheEmptyInterfaceMatchesEveryCondition) {
     EXPECT_EQ(Trace("", {kIfThen, "a", "else", "b", "fi"}), "++--+");
 }
 
+TEST(ShellBlocks, TheConditionBeginsBehindTheWordIf) {
+    EXPECT_EQ(Trace("if", {"if [ \"$interface\" = eth0 ]; then", "a", "else", "b", "fi"}), "--+++");
+}
+
 // ---- variable
 
 TEST(ShellBlocks, TheVariableMayBeLookedForWithoutItsDollar) {

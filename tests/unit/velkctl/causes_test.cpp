@@ -18,10 +18,12 @@ using velkctl::SettingsOf;
 constexpr std::string_view kNoStanza =
     "/etc/network/interfaces has no stanza \"inet static\" or \"inet dhcp\" of the interface";
 constexpr std::string_view kLastStanza =
-    "its stanza in /etc/network/interfaces is the last one and has no such line to replace";
-constexpr std::string_view kEarlierLine =
-    "another line of its stanza in /etc/network/interfaces comes first, or the file cannot be "
-    "written";
+    "its stanza in /etc/network/interfaces is the last one and has no such line to replace, or the "
+    "file cannot be written";
+constexpr std::string_view kSecondGateway =
+    "another line of its stanza in /etc/network/interfaces holds \"gateway \" too, or the file "
+    "cannot "
+    "be written";
 constexpr std::string_view kNoHook =
     "no line of /etc/dhclient-exit-hooks that runs for the interface has /usr/sbin/avahi-autoipd "
     "to switch";
@@ -62,7 +64,11 @@ TEST(LikelyCause, AnAddressHasItsStanza) {
                              "eth0.gateway", "eth1.gateway"}) {
         EXPECT_EQ(Cause(name, Failing(-1)), kNoStanza) << name;
         EXPECT_EQ(Cause(name, Holding("")), kLastStanza) << name;
-        EXPECT_EQ(Cause(name, Holding("10.0.0.1")), kEarlierLine) << name;
+        EXPECT_EQ(Cause(name, Holding("10.0.0.1")),
+                  name == std::string("eth0.gateway") || name == std::string("eth1.gateway")
+                      ? kSecondGateway
+                      : kNotWritten)
+            << name;
     }
 }
 
@@ -89,7 +95,9 @@ TEST(LikelyCause, AClockThatStaysUnsetHasNoEntry) {
 
 TEST(LikelyCause, ATimeServerThatStaysEmptyHasNoEntry) {
     EXPECT_EQ(Cause("ntp-server", Holding("")), kNoServer);
-    EXPECT_EQ(Cause("ntp-server", Holding("10.0.0.1")), kNotWritten);
+    EXPECT_EQ(Cause("ntp-server", Holding("9.9.9.95")),
+              "the first line with ntpdate ends with its server, or has the server's text in front "
+              "of it too, or the crontab cannot be written");
     EXPECT_EQ(Cause("ntp-server", Failing(-1)), "");
 }
 

@@ -57,7 +57,7 @@ TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
               "likely cause: its stanza in /etc/network/interfaces is the last one and has no such "
-              "line to replace\n");
+              "line to replace, or the file cannot be written\n");
 }
 
 TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
@@ -76,10 +76,10 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
 TEST_F(VerifySetTest, AnotherAddressIsShown) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), ExitStatus::kNotHeld);
-    EXPECT_EQ(complaint,
-              "velkctl: eth0.address: the library reported success, but the device holds "
-              "'ether 02:00:00:00:00:01'; likely cause: another line of its stanza in "
-              "/etc/network/interfaces comes first, or the file cannot be written\n");
+    EXPECT_EQ(
+        complaint,
+        "velkctl: eth0.address: the library reported success, but the device holds "
+        "'ether 02:00:00:00:00:01'; likely cause: the file that holds it cannot be written\n");
 }
 
 TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
