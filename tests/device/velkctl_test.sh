@@ -122,7 +122,7 @@ error_is 'velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1)
 velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1)'
 
 it 'reads no setting when one of the names is wrong'
-refused "get: unknown setting 'eth0.dsn'; 'velkctl list' names them all" \
+refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
     get eth0.dns eth0.dsn
 
 it 'fails when its output gets lost'
@@ -193,7 +193,7 @@ error_is 'velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1)'
 it 'changes nothing while another program holds the lock'
 with_resolver 'nameserver 9.9.9.9\n' flock -x /var/tmp/vklib_lock velkctl set eth0.dns 1.1.1.1
 status_is 3
-error_is 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again (LIB_VELK_LOCKED, -3)'
+error_has 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process '
 output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --
@@ -241,8 +241,8 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
     set eth0.dns
 
 it 'refuses a missing name'
-refused 'get: argument missing; usage: velkctl get NAME... [--show-secrets]' get
-refused 'set: argument missing; usage: velkctl set NAME VALUE...' set
+refused 'get: argument missing; usage: velkctl get NAME... [OPTION...]' get
+refused 'set: argument missing; usage: velkctl set NAME VALUE... [OPTION...]' set
 
 it 'refuses a name that there is not'
 refused "get: unknown setting 'nonsense'; 'velkctl list' names them all" get nonsense
@@ -255,9 +255,9 @@ refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dn
 refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses a verb that there is not'
-refused "unknown verb 'put'; give get, set, restart, list or call ('velkctl --help' explains them)" \
+refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor or call ('velkctl --help' explains them)" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, restart, list or call ('velkctl --help' explains them)"
+refused "no verb given; give get, set, show, restart, list, describe, explain, doctor or call ('velkctl --help' explains them)"
 
 it 'refuses an option that there is not'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
@@ -285,8 +285,8 @@ refused "set: 'eth0.dns' is followed by '='; give name and value as two argument
     set eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
-refused "list: 'eth0.dns' is one argument too many; usage: velkctl list" list eth0.dns
-refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]" \
+refused "list: 'eth0.dns' is one argument too many; usage: velkctl list [--json]" list eth0.dns
+refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
     call set 108 eth0 x
 
 # ---- list -------------------------------------------------------------------------------------
@@ -416,7 +416,7 @@ for id in dns 108x 0x6c -1 4294967296 ''; do
     refused "call: '$id' is not a command id; give a decimal number such as 108" \
         call set "$id" eth0
 done
-refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]" \
+refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
     call set
 refused "call: interface 'eth0eth0eth0eth01' is too long; give eth0, eth1 or another name of at most 16 bytes" \
     call set 108 eth0eth0eth0eth01
@@ -739,7 +739,7 @@ status_is 4
 error_is 'velkctl: eth1: could not be restarted: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)'
 with_ports "$link" '' flock -x /var/tmp/vklib_lock velkctl restart eth0
 status_is 3
-error_is 'velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3)'
+error_has 'velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process '
 output_is '-- run
 lock file made'
 
@@ -748,8 +748,8 @@ refused_unsent "restart: 'eth2' is not an interface of the device; give eth0 or 
 refused_unsent "restart: '' is not an interface of the device; give eth0 or eth1" restart ''
 refused_unsent 'restart: --notify-only is for eth1; leave it out for eth0' \
     restart eth0 --notify-only
-refused_unsent 'restart: argument missing; usage: velkctl restart eth0|eth1 [--notify-only]' restart
-refused_unsent "restart: 'eth0' is one argument too many; usage: velkctl restart eth0|eth1 [--notify-only]" \
+refused_unsent 'restart: argument missing; usage: velkctl restart eth0|eth1 [OPTION...]' restart
+refused_unsent "restart: 'eth0' is one argument too many; usage: velkctl restart eth0|eth1 [OPTION...]" \
     restart eth1 eth0
 
 # ---- help -------------------------------------------------------------------------------------
@@ -759,22 +759,26 @@ status_is 0
 error_is ''
 output_has 'Usage: velkctl VERB [ARGUMENT...]'
 output_has '
-  get      show the value of settings
-  set      change a setting
-  restart  bring an interface down and up again, so that changed settings take effect
-  list     name all settings, what can be done with them and what they are
-  call     run a command of the library as it stands
+  get       show the value of settings
+  set       change a setting
+  show      show all settings, or those of an interface
+  restart   bring an interface down and up again, so that changed settings take effect
+  list      name all settings, what can be done with them and what they are
+  describe  say what a setting is
+  explain   say what a result of the library means and what to do about it
+  doctor    look for what the library will not be able to do, and say how to mend it
+  call      run a command of the library as it stands
 '
 output_has 'Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing
 settings, 4 no wireless adapter, 5 refused while the cable is in the wired port,
-6 set, but the device does not hold the value.'
+6 set, but the device does not hold the value, 7 given up because it took too long.'
 general_help=$output
 run velkctl -h
 status_is 0
 output_is "$general_help"
 
 it 'explains each verb, with an example'
-for verb in get set restart list call; do
+for verb in get set show restart list describe explain doctor call; do
     run velkctl "$verb" --help
     status_is 0
     error_is ''
@@ -788,11 +792,14 @@ done
 
 it 'explains the options of call'
 run velkctl call --help
-output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]
+output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]
 '
 output_has '
   --text TEXT                 data bytes as text, at most 512
   --hex HEX                   data bytes as pairs of hex digits; blanks or colons may stand between
+  --wait                      while another program changes settings, try again for 30 s, or --wait=SECONDS
+  --timeout SECONDS           give up when it takes longer
+  --json                      answer as one JSON document
   --show-secrets              show keys, which are masked otherwise
 '
 

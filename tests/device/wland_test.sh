@@ -64,7 +64,7 @@ words='
         kill -0 $query && echo waits
     }
     give_up() {
-        kill $query
+        kill -KILL $query  # a signal that leaves it no time to tidy up
         wait $query || return 0
     } 2>/dev/null
 '

@@ -2,14 +2,24 @@
 #include "support/fake_shell.h"
 
 #include <algorithm>
+#include <fstream>
 
 #include <unistd.h>
 
 #include "support/device_test.h"
 
 namespace testkit {
+namespace {
+
+constexpr char kLinesFile[] = "/run/fake-shell-lines";  // on the private device
+
+}  // namespace
 
 FakeShell::FakeShell() {
+    {
+        const Unrecorded unrecorded;
+        (void)unlink(kLinesFile);
+    }
     LibcRecorder::Get().ScriptAlways(Call::kSystem, Return(0));
     LibcRecorder::Get().OnCall(Call::kSystem, [this](const Event& event) { Run(event.text); });
 }
@@ -27,7 +37,20 @@ void FakeShell::LeavesNoFile(const std::string& tool) {
     tools_[tool].leaves_file = false;
 }
 
+std::vector<std::string> FakeShell::Lines() const {
+    std::vector<std::string> lines;
+    std::ifstream file(kLinesFile);
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
 void FakeShell::Run(const std::string& line) {
+    {
+        const Unrecorded unrecorded;
+        std::ofstream(kLinesFile, std::ios::app) << line << "\n";
+    }
     if (line.starts_with("rm ")) {
         unlink(line.substr(line.rfind(' ') + 1).c_str());
         return;

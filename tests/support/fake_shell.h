@@ -26,6 +26,9 @@ class FakeShell {
     // A line that begins with `tool` leaves no file at all.
     void LeavesNoFile(const std::string& tool);
 
+    // All lines so far, those that child processes ran among them: the recorder is theirs alone.
+    std::vector<std::string> Lines() const;
+
   private:
     struct Tool {
         std::vector<std::string> outputs;

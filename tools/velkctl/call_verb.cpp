@@ -6,11 +6,12 @@
 #include <string_view>
 
 #include "velkctl/catalogue.h"
-#include "velkctl/device.h"
 #include "velkctl/hex.h"
+#include "velkctl/patience.h"
 #include "velkctl/result_codes.h"
 #include "velkctl/terminal.h"
 #include "velkctl/verbs.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
@@ -66,39 +67,57 @@ std::string MaskedDump(const Data& data) {
     return data == Data{} ? "" : std::string(kMask).append("\n");
 }
 
-ExitStatus CallAndTell(const Command& command, const Data& data, bool masked) {
-    const Answer answer = Execute(command, data);
-    Print(DescribeResult(answer.result) + "\n");
-    if (command.type == VELK_GET) {
-        Print(masked ? MaskedDump(answer.data) : Dump(answer.data));
+void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
+    report.Text(DescribeResult(answer.result) + "\n");
+    report.Member("result", ResultInJson(answer.result));
+    if (command.type != VELK_GET) {
+        return;
     }
-    return FindResultCode(answer.result).status;
+    report.Text(masked ? MaskedDump(answer.data) : Dump(answer.data));
+    report.Member("data", masked && answer.data != Data{} ? Json(kMask)
+                                                          : Json(ToHex(UsedBytes(answer.data))));
+}
+
+ExitStatus CallAndTell(const Command& command, const Data& data, bool masked,
+                       const Patience& patience, Report& report) {
+    const Answer answer =
+        ExecutePatiently(command, data, patience, "command " + std::to_string(command.id), report);
+    if (answer.timed_out) {
+        report.Complain(DescribeFailure("call", answer));
+    } else {
+        Tell(command, answer, masked, report);
+    }
+    return StatusOf(answer);
 }
 
 }  // namespace
 
-ExitStatus RunCall(const Invocation& invocation) {
+ExitStatus RunCall(const Invocation& invocation, Report& report) {
+    const std::optional<Patience> patience = PatienceOf(invocation, report);
+    if (!patience) {
+        return ExitStatus::kInvalid;
+    }
     const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
     if (!type) {
-        return Refuse("call: " + invocation.Shown(invocation.words[0]) +
-                      " is not a command type; give get, set or restart");
+        return report.Refuse("call: " + invocation.Shown(invocation.words[0]) +
+                             " is not a command type; give get, set or restart");
     }
     const std::optional<uint32_t> id = ParseId(invocation.words[1]);
     if (!id) {
-        return Refuse("call: " + invocation.Shown(invocation.words[1]) +
-                      " is not a command id; give a decimal number such as 108");
+        return report.Refuse("call: " + invocation.Shown(invocation.words[1]) +
+                             " is not a command id; give a decimal number such as 108");
     }
     const std::string interface = invocation.words.size() > 2 ? invocation.words[2] : "";
     if (interface.size() > VELK_INTERFACE_SIZE) {
-        return Refuse("call: interface " + invocation.Shown(interface) +
-                      " is too long; give eth0, eth1 or another name of at most 16 bytes");
+        return report.Refuse("call: interface " + invocation.Shown(interface) +
+                             " is too long; give eth0, eth1 or another name of at most 16 bytes");
     }
     const Parsed data = ParseData(invocation);
     if (!data.ok()) {
-        return Refuse("call: " + data.problem);
+        return report.Refuse("call: " + data.problem);
     }
     const bool masked = NamesSecret(Catalogue(), invocation.words[1]) && !invocation.show_secrets;
-    return CallAndTell({*type, *id, interface}, data.data, masked);
+    return CallAndTell({*type, *id, interface}, data.data, masked, *patience, report);
 }
 
 }  // namespace velkctl

@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 
+#include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 #include "velkctl/value_kinds.h"
 
@@ -115,6 +116,14 @@ std::string FullNames(std::span<const CatalogueRow> rows, std::string_view name)
     return names;
 }
 
+std::vector<std::string> NamesToGuess(std::span<const CatalogueRow> rows) {
+    std::vector<std::string> names;
+    for (const Setting& setting : SettingsOf(rows)) {
+        names.push_back(setting.name());
+    }
+    return names;
+}
+
 }  // namespace
 
 std::string Setting::name() const {
@@ -173,8 +182,14 @@ std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view 
                " is followed by '='; give name and value as two arguments";
     }
     const std::string right = FullNames(rows, WithoutInterface(name));
+    if (!right.empty()) {
+        return "unknown setting " + Quoted(name) + "; give " + right;
+    }
+    const std::vector<std::string> names = NamesToGuess(rows);
+    const std::string_view meant = NearMiss(name, names);
     return "unknown setting " + Quoted(name) +
-           (right.empty() ? "; 'velkctl list' names them all" : "; give " + right);
+           (meant.empty() ? "; 'velkctl list' names them all"
+                          : "; did you mean " + std::string(meant) + "?");
 }
 
 }  // namespace velkctl

@@ -2,8 +2,10 @@
 #include "velkctl/coded_values.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "velkctl/terminal.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
@@ -66,12 +68,51 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
     return parsed;
 }
 
-std::string CodedKind::Print(const Data& data) const {
-    const auto code = static_cast<uint8_t>(data[0]);
+const CodedValue* CodedKind::Find(uint8_t code) const {
     const auto value = std::find_if(values_.begin(), values_.end(),
                                     [code](const CodedValue& known) { return known.code == code; });
-    return value == values_.end() || value->name.empty() ? std::to_string(code)
-                                                         : std::string(value->name);
+    return value == values_.end() ? nullptr : &*value;
+}
+
+Parsed CodedKind::Force(std::span<const std::string> words) const {
+    Parsed parsed = Parse(words);
+    if (parsed.ok() || words.size() != 1) {
+        return parsed;
+    }
+    uint8_t code = 0;
+    const std::string& word = words.front();
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, code);
+    if (error != std::errc() || stop != end) {
+        return parsed;
+    }
+    parsed.problem.clear();
+    parsed.data[0] = static_cast<char>(code);
+    return parsed;
+}
+
+std::vector<std::string> CodedKind::Values() const {
+    std::vector<std::string> values;
+    for (const CodedValue& value : values_) {
+        values.push_back(value.name.empty() ? std::to_string(value.code) : std::string(value.name));
+    }
+    return values;
+}
+
+std::string CodedKind::Print(const Data& data) const {
+    const auto code = static_cast<uint8_t>(data[0]);
+    const CodedValue* value = Find(code);
+    return value == nullptr || value->name.empty() ? std::to_string(code)
+                                                   : std::string(value->name);
+}
+
+nlohmann::ordered_json CodedKind::ToJson(const Data& data) const {
+    const auto code = static_cast<uint8_t>(data[0]);
+    const CodedValue* value = Find(code);
+    if (value == nullptr || value->name.empty()) {
+        return code;
+    }
+    return value->name;
 }
 
 }  // namespace velkctl

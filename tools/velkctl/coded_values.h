@@ -21,13 +21,19 @@ class CodedKind final : public ValueKind {
     constexpr explicit CodedKind(std::span<const CodedValue> values) : values_(values) {}
 
     Parsed Parse(std::span<const std::string> words) const override;
+    // The number of any byte.
+    Parsed Force(std::span<const std::string> words) const override;
+    std::vector<std::string> Values() const override;
     // A code that the table does not have is shown as its number.
     std::string Print(const Data& data) const override;
+    // The name, or the number of a code without one.
+    nlohmann::ordered_json ToJson(const Data& data) const override;
 
   private:
     bool has_names() const;
     bool takes_numbers() const;
     bool Matches(const CodedValue& value, std::string_view word) const;
+    const CodedValue* Find(uint8_t code) const;
     std::string InWords(const CodedValue& value) const;
     std::string Wanted() const;
 

@@ -7,14 +7,17 @@
 #include <string_view>
 #include <utility>
 
+#include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 #include "velkctl/verb_arguments.h"
 #include "velkctl/verbs.h"
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
+constexpr char kJsonFlag[] = "--json";
 constexpr char kToolName[] = "velkctl";
 constexpr char kVersion[] = "velkctl " VELKCTL_VERSION;
 
@@ -46,11 +49,19 @@ std::string VerbNames() {
     return names;
 }
 
+std::vector<std::string> VerbList() {
+    std::vector<std::string> names;
+    for (const Verb& verb : Verbs()) {
+        names.emplace_back(verb.name);
+    }
+    return names;
+}
+
 std::string ToolFooter() {
     std::string footer = "Verbs:\n";
     for (const Verb& verb : Verbs()) {
         std::string name(verb.name);
-        name.resize(9, ' ');
+        name.resize(10, ' ');
         footer.append("  ").append(name).append(verb.summary).append("\n");
     }
     return footer +
@@ -59,40 +70,45 @@ std::string ToolFooter() {
            "\n"
            "Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing\n"
            "settings, 4 no wireless adapter, 5 refused while the cable is in the wired port,\n"
-           "6 set, but the device does not hold the value.";
+           "6 set, but the device does not hold the value, 7 given up because it took too long.";
 }
 
 // Parses; a status means that all is said and done. `prefix` begins complaints.
-std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::string& prefix) {
+std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::string& prefix,
+                                Report& report) {
     const std::string last = arguments.empty() ? "" : arguments.back();
     std::reverse(arguments.begin(), arguments.end());  // CLI11 takes the last one first
     try {
         app.parse(std::move(arguments));
         return std::nullopt;
     } catch (const CLI::CallForHelp&) {
-        Print(app.help());
+        report.set_verb("");  // none was run
+        report.Text(app.help());
+        report.Member("help", app.help());
         return ExitStatus::kDone;
     } catch (const CLI::CallForVersion&) {
-        Print(std::string(kVersion) + "\n");
+        report.Text(std::string(kVersion) + "\n");
+        report.Member("version", VELKCTL_VERSION);
         return ExitStatus::kDone;
     } catch (const CLI::ArgumentMismatch&) {
         // An option takes whatever stands behind it, so only the last one can lack its value.
-        return Refuse(prefix + "option " + Quoted(last) + " needs a value behind it");
+        return report.Refuse(prefix + "option " + Quoted(last) + " needs a value behind it");
     } catch (const CLI::Error& error) {
-        return Refuse(prefix + Printable(error.what()));
+        return report.Refuse(prefix + Printable(error.what()));
     }
 }
 
-ExitStatus RunVerb(const Verb& verb, const Words& arguments) {
+ExitStatus RunVerb(const Verb& verb, const Words& arguments, Report& report) {
+    report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
     CLI::App app(std::string(kToolName).append(" ").append(prefix).append(verb.summary));
     PrepareHelp(app, Usage(verb), std::string(verb.help));
     DeclareOptions(app, verb);
     app.allow_extras();
     if (const std::string problem = FlagProblem(app, verb, arguments); !problem.empty()) {
-        return Refuse(prefix + problem);
+        return report.Refuse(prefix + problem);
     }
-    if (const auto status = Parse(app, arguments, prefix)) {
+    if (const auto status = Parse(app, arguments, prefix, report)) {
         return *status;
     }
     Invocation invocation;
@@ -100,37 +116,50 @@ ExitStatus RunVerb(const Verb& verb, const Words& arguments) {
     if (problem.empty()) {
         problem = TakeWords(app, verb, invocation);
     }
-    return problem.empty() ? verb.run(invocation) : Refuse(prefix + problem);
+    return problem.empty() ? verb.run(invocation, report) : report.Refuse(prefix + problem);
 }
 
 }  // namespace
 
-ExitStatus RunCommandLine(const Words& arguments) {
+Report::Form FormAskedFor(const Words& arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    return std::find(arguments.begin(), end, kJsonFlag) == end ? Report::Form::kText
+                                                               : Report::Form::kJson;
+}
+
+ExitStatus RunCommandLine(const Words& arguments, Report& report) {
     CLI::App app("Read and change the network settings of the device.");
     PrepareHelp(app, std::string(kToolName) + " VERB [ARGUMENT...]", ToolFooter());
     app.set_version_flag("--version", kVersion, "show the version");
+    app.add_flag(kJsonFlag)->description("answer as one JSON document");
     app.prefix_command();  // what follows the verb is the verb's
     const std::string problem = arguments.empty() ? "" : FlagProblem(app, arguments.front());
     if (!problem.empty()) {
-        return Refuse(problem);
+        return report.Refuse(problem);
     }
-    if (const auto status = Parse(app, arguments, "")) {
+    if (const auto status = Parse(app, arguments, "", report)) {
         return *status;
     }
     const Words rest = app.remaining();
     if (rest.empty()) {
-        return Refuse("no verb given; give " + VerbNames() + " ('velkctl --help' explains them)");
+        return report.Refuse("no verb given; give " + VerbNames() +
+                             " ('velkctl --help' explains them)");
     }
     if (rest.front().starts_with('-')) {
-        return Refuse(UnknownOption(Quoted(WithoutValue(rest.front())), kToolName));
+        return report.Refuse(UnknownOption(Quoted(WithoutValue(rest.front())), kToolName));
     }
     for (const Verb& verb : Verbs()) {
         if (verb.name == rest.front()) {
-            return RunVerb(verb, SplitEmptyValues(verb, rest.begin() + 1, rest.end()));
+            return RunVerb(verb, SplitEmptyValues(verb, rest.begin() + 1, rest.end()), report);
         }
     }
-    return Refuse("unknown verb " + Quoted(WithoutValue(rest.front())) + "; give " + VerbNames() +
-                  " ('velkctl --help' explains them)");
+    const std::string_view word = WithoutValue(rest.front());
+    const std::vector<std::string> names = VerbList();
+    const std::string_view meant = NearMiss(word, names);
+    return report.Refuse(
+        "unknown verb " + Quoted(word) +
+        (meant.empty() ? "; give " + VerbNames() : "; did you mean " + std::string(meant) + "?") +
+        " ('velkctl --help' explains them)");
 }
 
 }  // namespace velkctl

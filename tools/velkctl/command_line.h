@@ -6,12 +6,16 @@
 #include <vector>
 
 #include "velkctl/exit_status.h"
+#include "velkctl/report.h"
 
 namespace velkctl {
 
+// Says whether the arguments ask for JSON, wherever they do, and whatever else is wrong with them.
+Report::Form FormAskedFor(const std::vector<std::string>& arguments);
+
 // Runs the arguments behind the program's name. A wrong usage is complained about in one line, and
 // nothing is done.
-ExitStatus RunCommandLine(const std::vector<std::string>& arguments);
+ExitStatus RunCommandLine(const std::vector<std::string>& arguments, Report& report);
 
 }  // namespace velkctl
 

@@ -3,6 +3,8 @@
 #define VELKCTL_DEVICE_H_
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "velkctl/data.h"
@@ -18,6 +20,12 @@ struct Command {
 struct Answer {
     int result;
     Data data;
+    bool timed_out = false;  // nothing came in time; the result says nothing
+    std::string remark{};    // what more there is to say about a failure
+
+    std::optional<int> known_result() const {
+        return timed_out ? std::nullopt : std::optional(result);
+    }
 };
 
 // Runs the command with these data bytes.

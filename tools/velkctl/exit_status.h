@@ -12,7 +12,8 @@ enum class ExitStatus : int {
     kLocked = 3,
     kNoAdapter = 4,
     kWiredLinked = 5,
-    kNotHeld = 6,  // set, but the device does not hold the value
+    kNotHeld = 6,   // set, but the device does not hold the value
+    kTimedOut = 7,  // given up while the library was still at it
 };
 
 }  // namespace velkctl

@@ -89,9 +89,24 @@ Parsed ParseHex(std::string_view text) {
     return parsed;
 }
 
-std::string Dump(const Data& data) {
+std::string ToHex(std::string_view bytes) {
+    constexpr char kHexDigits[] = "0123456789abcdef";
+    std::string digits;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        digits.push_back(kHexDigits[value >> 4U]);
+        digits.push_back(kHexDigits[value & 0xfU]);
+    }
+    return digits;
+}
+
+std::string_view UsedBytes(const Data& data) {
     const auto last = std::find_if(data.rbegin(), data.rend(), [](char byte) { return byte != 0; });
-    const std::string_view used(data.data(), static_cast<size_t>(data.rend() - last));
+    return {data.data(), static_cast<size_t>(data.rend() - last)};
+}
+
+std::string Dump(const Data& data) {
+    const std::string_view used = UsedBytes(data);
     if (used.empty()) {
         return {};
     }

@@ -8,12 +8,11 @@
 
 namespace {
 
-velkctl::ExitStatus Run(int argc, char** argv) {
-    const int first = argc > 0 ? 1 : 0;
+velkctl::ExitStatus Run(const std::vector<std::string>& arguments, velkctl::Report& report) {
     try {
-        return velkctl::RunCommandLine(std::vector<std::string>(argv + first, argv + argc));
+        return velkctl::RunCommandLine(arguments, report);
     } catch (const std::exception& error) {
-        velkctl::Complain(std::string("internal error: ") + velkctl::Printable(error.what()));
+        report.Complain(std::string("internal error: ") + velkctl::Printable(error.what()));
         return velkctl::ExitStatus::kFailed;
     }
 }
@@ -21,7 +20,10 @@ velkctl::ExitStatus Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const velkctl::ExitStatus status = Run(argc, argv);
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    velkctl::Report report(velkctl::FormAskedFor(arguments));
+    const velkctl::ExitStatus status = Run(arguments, report);
+    report.Finish(status);
     const bool printed = velkctl::FinishPrinting();
     if (status == velkctl::ExitStatus::kDone && !printed) {
         return static_cast<int>(velkctl::ExitStatus::kFailed);

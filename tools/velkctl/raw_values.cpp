@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "velkctl/hex.h"
+#include <nlohmann/json.hpp>
+
 namespace velkctl {
 namespace {
-
-constexpr char kHexDigits[] = "0123456789abcdef";
 
 uint16_t NumberAt(const Data& data, size_t offset) {
     uint16_t number = 0;
@@ -18,17 +19,15 @@ uint16_t NumberAt(const Data& data, size_t offset) {
 }  // namespace
 
 std::string HexBytesKind::Print(const Data& data) const {
-    std::string digits;
-    for (size_t i = 0; i < count_; ++i) {
-        const auto value = static_cast<unsigned char>(data[i]);
-        digits.push_back(kHexDigits[value >> 4U]);
-        digits.push_back(kHexDigits[value & 0xfU]);
-    }
-    return digits;
+    return ToHex({data.data(), count_});
 }
 
 std::string NumberPairKind::Print(const Data& data) const {
     return std::to_string(NumberAt(data, 0)) + " " + std::to_string(NumberAt(data, 2));
+}
+
+nlohmann::ordered_json NumberPairKind::ToJson(const Data& data) const {
+    return {NumberAt(data, 0), NumberAt(data, 2)};
 }
 
 }  // namespace velkctl

@@ -21,6 +21,7 @@ class HexBytesKind final : public ValueKind {
 class NumberPairKind final : public ValueKind {
   public:
     std::string Print(const Data& data) const override;
+    nlohmann::ordered_json ToJson(const Data& data) const override;
 };
 
 }  // namespace velkctl

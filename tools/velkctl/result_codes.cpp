@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include <nlohmann/json.hpp>
+
 namespace velkctl {
 namespace {
 
@@ -15,7 +17,8 @@ ResultCode FindResultCode(int code) {
     const auto* row = std::find_if(kResultCodes.begin(), kResultCodes.end(),
                                    [code](const ResultCode& known) { return known.code == code; });
     if (row == kResultCodes.end()) {
-        return {code, kUnknownName, kUnknownWords, ExitStatus::kFailed};
+        return {code, kUnknownName, kUnknownWords, "use a velkctl that is as new as the library",
+                ExitStatus::kFailed};
     }
     return *row;
 }
@@ -27,6 +30,15 @@ std::string DescribeResult(int code) {
         .append(std::to_string(code))
         .append("): ")
         .append(row.words);
+}
+
+nlohmann::ordered_json ResultInJson(int code) {
+    const ResultCode row = FindResultCode(code);
+    nlohmann::ordered_json result;
+    result["code"] = code;
+    result["name"] = row.name;
+    result["words"] = row.words;
+    return result;
 }
 
 std::string DescribeFailure(std::string_view what, int code) {

@@ -8,6 +8,7 @@
 
 #include "velk.h"
 #include "velkctl/exit_status.h"
+#include <nlohmann/json_fwd.hpp>
 
 namespace velkctl {
 
@@ -15,21 +16,27 @@ struct ResultCode {
     int code;
     std::string_view name;
     std::string_view words;
+    std::string_view remedy;
     ExitStatus status;
 };
 
 inline constexpr std::array<ResultCode, 6> kResultCodes{{
-    {LIB_VELK_SUCCESS, "LIB_VELK_SUCCESS", "done", ExitStatus::kDone},
+    {LIB_VELK_SUCCESS, "LIB_VELK_SUCCESS", "done",
+     "nothing; that a set succeeded does not prove that the device holds the value",
+     ExitStatus::kDone},
     {LIB_VELK_FAILURE, "LIB_VELK_FAILURE", "file, socket, time-out or unreadable value",
+     "'velkctl doctor' looks for files, tools and daemons that are not as they should be",
      ExitStatus::kFailed},
     {LIB_VELK_LOCKED, "LIB_VELK_LOCKED", "another program is changing settings now, try again",
-     ExitStatus::kLocked},
+     "'--wait' tries again until the other program is done", ExitStatus::kLocked},
     {LIB_VELK_INVALID_PARAMETER, "LIB_VELK_INVALID_PARAMETER",
-     "the library does not take this command, interface or value", ExitStatus::kInvalid},
+     "the library does not take this command, interface or value",
+     "'velkctl describe NAME' says which interfaces and values a setting has",
+     ExitStatus::kInvalid},
     {LIB_VELK_NO_ADAPTER, "LIB_VELK_NO_ADAPTER", "no supported wireless adapter is attached",
-     ExitStatus::kNoAdapter},
+     "plug one in that /usr/local/share/apps/wlan/supportlist.ini names", ExitStatus::kNoAdapter},
     {LIB_VELK_WIRED_LINKED, "LIB_VELK_WIRED_LINKED", "refused while the cable is in the wired port",
-     ExitStatus::kWiredLinked},
+     "pull the cable: wireless is for a device without one", ExitStatus::kWiredLinked},
 }};
 
 // The row of a result. A number without one, as a newer library may give, is a failure without a
@@ -38,6 +45,9 @@ ResultCode FindResultCode(int code);
 
 // One line for a person: "LIB_VELK_LOCKED (-3): another program is changing settings now, ...".
 std::string DescribeResult(int code);
+
+// {"code": -3, "name": "LIB_VELK_LOCKED", "words": "another program is ..."}
+nlohmann::ordered_json ResultInJson(int code);
 
 // Why something was not done: "eth0.dns: could not be read (LIB_VELK_FAILURE, -1)". `what` is the
 // part before the reason.

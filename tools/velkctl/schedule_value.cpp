@@ -15,6 +15,7 @@ namespace {
 constexpr std::string_view kGive =
     "give 'every 6h', 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
 constexpr std::string_view kOff = "off";
+constexpr std::string_view kRaw = "schedule";    // of a type that there is not
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
 constexpr size_t kTimeOffset = 2;
 
@@ -91,6 +92,14 @@ std::optional<Schedule> ParseSchedule(std::span<const std::string> words) {
     return std::nullopt;
 }
 
+Parsed InData(const Schedule& schedule) {
+    Parsed parsed;
+    parsed.data[0] = static_cast<char>(schedule.type);
+    parsed.data[1] = static_cast<char>(schedule.value);
+    (void)schedule.time.copy(&parsed.data[kTimeOffset], schedule.time.size());
+    return parsed;
+}
+
 std::string WeekdayName(int number) {
     const bool is_known = number >= 1 && number <= static_cast<int>(kWeekdays.size());
     return is_known ? std::string(kWeekdays[static_cast<size_t>(number - 1)])
@@ -122,11 +131,25 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     if (!schedule) {
         return Unparsable(Quoted(Joined(words)) + " is not a schedule; " + std::string(kGive));
     }
-    Parsed parsed;
-    parsed.data[0] = static_cast<char>(schedule->type);
-    parsed.data[1] = static_cast<char>(schedule->value);
-    (void)schedule->time.copy(&parsed.data[kTimeOffset], schedule->time.size());
-    return parsed;
+    return InData(*schedule);
+}
+
+Parsed ScheduleKind::Force(std::span<const std::string> words) const {
+    if (words.size() != 4 || words[0] != kRaw || words[3].size() > VELK_DATA_SIZE - kTimeOffset) {
+        return Parse(words);
+    }
+    const std::optional<int> type = ParseNumber(words[1], 0, 255);
+    const std::optional<int> value = ParseNumber(words[2], 0, 255);
+    return type && value ? InData({*type, *value, words[3]}) : Parse(words);
+}
+
+std::vector<std::string> ScheduleKind::Values() const {
+    std::vector<std::string> values{std::string(kOff), "every", "daily"};
+    for (const std::string_view weekday : kWeekdays) {
+        values.push_back("weekly " + std::string(weekday));
+    }
+    values.emplace_back("monthly");
+    return values;
 }
 
 std::string ScheduleKind::Print(const Data& data) const {
@@ -145,7 +168,8 @@ std::string ScheduleKind::Print(const Data& data) const {
         case VELK_SCHEDULE_NONE:
             return std::string(kOff);
         default:
-            return "schedule " + std::to_string(type) + " " + std::to_string(value) + time;
+            return std::string(kRaw) + " " + std::to_string(type) + " " + std::to_string(value) +
+                   time;
     }
 }
 

@@ -13,6 +13,10 @@ class ScheduleKind final : public ValueKind {
     constexpr ScheduleKind() = default;
 
     Parsed Parse(std::span<const std::string> words) const override;
+    // Also "schedule TYPE VALUE TIME" with any bytes and text, as an unknown type is shown.
+    Parsed Force(std::span<const std::string> words) const override;
+    // Without what stands behind the day.
+    std::vector<std::string> Values() const override;
     std::string Print(const Data& data) const override;
 };
 

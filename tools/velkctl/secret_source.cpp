@@ -1,11 +1,15 @@
 // secret_source.cpp - secrets that need not stand on a command line.
 #include "velkctl/secret_source.h"
 
+#include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 
 #include <fcntl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "velkctl/data.h"
@@ -77,16 +81,86 @@ Secret ReadFile(const char* path) {
     return secret;
 }
 
+volatile sig_atomic_t caught_signal = 0;
+
+// While it lives, what is typed at standard input is not shown. A signal that would end the program
+// ends it when the terminal is as it was.
+class HiddenTyping {
+  public:
+    HiddenTyping() : is_terminal_(tcgetattr(STDIN_FILENO, &before_) == 0) {
+        if (!is_terminal_) {
+            return;
+        }
+        struct sigaction note {};
+        note.sa_handler = [](int signal) { caught_signal = signal; };
+        for (size_t i = 0; i < kSignals.size(); ++i) {
+            (void)sigaction(kSignals[i], &note, &handlers_[i]);
+        }
+        termios hidden = before_;
+        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+    }
+    ~HiddenTyping() {
+        if (!is_terminal_) {
+            return;
+        }
+        (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
+        for (size_t i = 0; i < kSignals.size(); ++i) {
+            (void)sigaction(kSignals[i], &handlers_[i], nullptr);
+        }
+        if (caught_signal != 0) {
+            (void)raise(caught_signal);
+        }
+    }
+    HiddenTyping(const HiddenTyping&) = delete;
+    HiddenTyping& operator=(const HiddenTyping&) = delete;
+
+    bool is_terminal() const { return is_terminal_; }
+
+  private:
+    static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
+    termios before_{};
+    std::array<struct sigaction, kSignals.size()> handlers_{};
+    const bool is_terminal_;
+};
+
+Secret Ask(const std::string& question) {
+    const HiddenTyping hidden;
+    if (hidden.is_terminal()) {
+        (void)fputs(question.c_str(), stderr);
+    }
+    Secret secret = ReadLine(STDIN_FILENO, "standard input");
+    if (hidden.is_terminal()) {
+        (void)fputs("\n", stderr);  // in the place of the one that was typed
+    }
+    return secret;
+}
+
 }  // namespace
 
 Secret ReadSecret(const std::string& word) {
     if (word == "-") {
-        return ReadLine(STDIN_FILENO, "standard input");
+        return Ask("value: ");
     }
     if (word.starts_with('@')) {
         return ReadFile(word.c_str() + 1);
     }
     return {word, {}};
+}
+
+bool CanAskForSecret() {
+    return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
+}
+
+Secret AskForSecret(const std::string& name) {
+    Secret secret = Ask("new value of " + name + ": ");
+    if (!secret.problem.empty()) {
+        return secret;
+    }
+    const Secret again = Ask("the same again: ");
+    return again.text == secret.text ? secret
+                                     : Problem("the second value", "differs from the first");
 }
 
 }  // namespace velkctl

@@ -17,6 +17,12 @@ struct Secret {
 // problem repeats the word: a secret may begin with @.
 Secret ReadSecret(const std::string& word);
 
+// Says whether somebody sits at a terminal who can be asked.
+bool CanAskForSecret();
+
+// Asks for the value of a setting, twice, without showing what is typed.
+Secret AskForSecret(const std::string& name);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_SECRET_SOURCE_H_

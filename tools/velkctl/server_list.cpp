@@ -3,9 +3,11 @@
 
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/ipv4.h"
 #include "velkctl/terminal.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
@@ -49,33 +51,57 @@ std::string PrintableWord(std::string_view text) {
     return word;
 }
 
-}  // namespace
+// A line of the file without an address leaves a slot empty; the servers behind it count.
+std::vector<std::string_view> Servers(const Data& data) {
+    std::vector<std::string_view> servers;
+    for (size_t i = 0; i < kSlots; ++i) {
+        const std::string_view server = SlotText(data, i);
+        if (!server.empty()) {
+            servers.push_back(server);
+        }
+    }
+    return servers;
+}
 
-Parsed ServerListKind::Parse(std::span<const std::string> words) const {
-    if (words.size() == 1 && words.front() == kNone) {
-        return {};
-    }
+Parsed InSlots(std::span<const std::string> words) {
     Parsed parsed;
-    parsed.problem = ServerListProblem(words);
-    if (!parsed.ok()) {
-        return parsed;
-    }
     for (size_t i = 0; i < words.size(); ++i) {
         (void)words[i].copy(&parsed.data[i * kSlotSize], kSlotSize);
     }
     return parsed;
 }
 
+}  // namespace
+
+Parsed ServerListKind::Parse(std::span<const std::string> words) const {
+    if (words.size() == 1 && words.front() == kNone) {
+        return {};
+    }
+    const std::string problem = ServerListProblem(words);
+    return problem.empty() ? InSlots(words) : Unparsable(problem);
+}
+
+Parsed ServerListKind::Force(std::span<const std::string> words) const {
+    if (words.size() > kSlots) {
+        return Unparsable(std::to_string(words.size()) + " servers given; give at most three");
+    }
+    return InSlots(words);
+}
+
 std::string ServerListKind::Print(const Data& data) const {
     std::string text;
-    for (size_t i = 0; i < kSlots; ++i) {
-        const std::string_view server = SlotText(data, i);
-        if (server.empty()) {
-            continue;  // a line of the file without an address; the servers behind it count
-        }
+    for (const std::string_view server : Servers(data)) {
         text.append(text.empty() ? "" : " ").append(PrintableWord(server));
     }
     return text.empty() ? std::string(kNone) : text;
+}
+
+nlohmann::ordered_json ServerListKind::ToJson(const Data& data) const {
+    nlohmann::ordered_json servers = nlohmann::ordered_json::array();
+    for (const std::string_view server : Servers(data)) {
+        servers.push_back(PrintableWord(server));
+    }
+    return servers;
 }
 
 }  // namespace velkctl

@@ -10,7 +10,9 @@ namespace velkctl {
 class ServerListKind final : public ValueKind {
   public:
     Parsed Parse(std::span<const std::string> words) const override;
+    Parsed Force(std::span<const std::string> words) const override;
     std::string Print(const Data& data) const override;
+    nlohmann::ordered_json ToJson(const Data& data) const override;
 };
 
 }  // namespace velkctl

@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <unistd.h>
+
 namespace velkctl {
 namespace {
 
@@ -116,14 +118,13 @@ void Print(std::string_view text) {
     (void)fwrite(text.data(), 1, text.size(), stdout);  // FinishPrinting() tells of failures
 }
 
-void Complain(std::string_view problem) {
-    const std::string line = std::string("velkctl: ").append(problem).append("\n");
-    (void)fwrite(line.data(), 1, line.size(), stderr);
+void PrintError(std::string_view line) {
+    const std::string whole = std::string("velkctl: ").append(line).append("\n");
+    (void)fwrite(whole.data(), 1, whole.size(), stderr);
 }
 
-ExitStatus Refuse(std::string_view problem) {
-    Complain(problem);
-    return ExitStatus::kInvalid;
+bool IsTerminal(int fd) {
+    return isatty(fd) == 1;
 }
 
 bool FinishPrinting() {
@@ -133,8 +134,8 @@ bool FinishPrinting() {
     if (flushed && ferror(stdout) == 0) {
         return true;
     }
-    Complain(std::string("cannot write to standard output: ") +
-             (error != 0 ? strerror(error) : "part of it was lost"));
+    PrintError(std::string("cannot write to standard output: ") +
+               (error != 0 ? strerror(error) : "part of it was lost"));
     return false;
 }
 

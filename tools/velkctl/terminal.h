@@ -5,8 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "velkctl/exit_status.h"
-
 namespace velkctl {
 
 // The bytes as one line of text in UTF-8: a byte that belongs to no character, or to one that
@@ -28,11 +26,12 @@ std::string Quoted(std::string_view word);
 // Writes to standard output, as it stands.
 void Print(std::string_view text);
 
-// Writes what went wrong as one line to standard error.
-void Complain(std::string_view problem);
+// Writes one line to standard error, with the tool's name in front.
+void PrintError(std::string_view line);
 
-// Complains about a usage that nothing is done for.
-ExitStatus Refuse(std::string_view problem);
+// Says whether people read standard output or standard error, and can be shown colours and lines
+// that are written again.
+bool IsTerminal(int fd);
 
 // Hands over what was printed; complains and is false when it got lost, as on a full disk.
 bool FinishPrinting();

@@ -2,6 +2,7 @@
 #include "velkctl/text_values.h"
 
 #include "velkctl/terminal.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 
@@ -39,6 +40,13 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
 
 std::string TextKind::Print(const Data& data) const {
     return PrintText(data, empty_);
+}
+
+nlohmann::ordered_json TextKind::ToJson(const Data& data) const {
+    if (data[0] == '\0' && empty_ == kNone) {
+        return nullptr;
+    }
+    return PrintText(data, "");
 }
 
 }  // namespace velkctl

@@ -17,6 +17,7 @@ class TextKind final : public ValueKind {
 
     Parsed Parse(std::span<const std::string> words) const override;
     std::string Print(const Data& data) const override;
+    nlohmann::ordered_json ToJson(const Data& data) const override;
 
   private:
     std::string Problem(std::span<const std::string> words) const;

@@ -4,11 +4,31 @@
 #include <cstring>
 
 #include "velkctl/terminal.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 
 Parsed ValueKind::Parse(std::span<const std::string> /*words*/) const {
     return Unparsable("cannot be set, only read");
+}
+
+Parsed ValueKind::Force(std::span<const std::string> words) const {
+    Parsed parsed;
+    if (words.size() != 1) {
+        return Unparsable(std::to_string(words.size()) +
+                          " values given; give one, in quotes when it holds blanks");
+    }
+    if (words.front().size() > parsed.data.size()) {
+        return Unparsable(std::to_string(words.front().size()) +
+                          " bytes given; the data area holds 512");
+    }
+    (void)words.front().copy(parsed.data.data(), parsed.data.size());
+    return parsed;
+}
+
+nlohmann::ordered_json ValueKind::ToJson(const Data& data) const {
+    const std::string text = Print(data);
+    return text == kNone ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
 }
 
 std::string PrintText(const Data& data, std::string_view empty) {

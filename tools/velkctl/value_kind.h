@@ -5,8 +5,10 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/data.h"
+#include <nlohmann/json_fwd.hpp>
 
 namespace velkctl {
 
@@ -18,8 +20,18 @@ class ValueKind {
     // repeats the words of a kind that serves for secrets.
     virtual Parsed Parse(std::span<const std::string> words) const;
 
+    // The data bytes of words that Parse() would refuse, as far as they fit the form at all.
+    virtual Parsed Force(std::span<const std::string> words) const;
+
     // One line without its end, safe for a terminal.
     virtual std::string Print(const Data& data) const = 0;
+
+    // The values there are, or the first words of them, in the order people look for them; empty
+    // when there are too many to name.
+    virtual std::vector<std::string> Values() const { return {}; }
+
+    // The value for programs: what Print() shows, and null for what it shows as none.
+    virtual nlohmann::ordered_json ToJson(const Data& data) const;
 
   protected:
     constexpr ValueKind() = default;

@@ -103,7 +103,10 @@ Words SplitEmptyValues(const Verb& verb, Words::const_iterator begin, Words::con
             continue;
         }
         split.emplace_back(name);
-        if (name.size() < argument->size()) {
+        const std::string_view implied = FindOption(verb, name)->implied;
+        if (!implied.empty()) {
+            split.emplace_back(implied);
+        } else if (name.size() < argument->size()) {
             split.emplace_back();
         } else if (argument + 1 != end) {
             split.push_back(*++argument);

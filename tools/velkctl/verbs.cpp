@@ -11,25 +11,45 @@ namespace {
 
 constexpr size_t kAnyNumber = std::numeric_limits<size_t>::max();
 
-constexpr std::array<VerbOption, 2> kCallOptions{{
+constexpr VerbOption kWait{
+    "--wait", "", "while another program changes settings, try again for 30 s, or --wait=SECONDS",
+    &Invocation::wait, "30"};
+constexpr VerbOption kTimeout{"--timeout", "SECONDS", "give up when it takes longer",
+                              &Invocation::timeout};
+constexpr VerbFlag kJson{"--json", "answer as one JSON document", &Invocation::json};
+constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys, which are masked otherwise",
+                                &Invocation::show_secrets};
+
+constexpr std::array kReadOptions{kTimeout};
+constexpr std::array kChangeOptions{kWait, kTimeout};
+constexpr std::array<VerbOption, 4> kCallOptions{{
     {"--text", "TEXT", "data bytes as text, at most 512", &Invocation::text},
     {"--hex", "HEX", "data bytes as pairs of hex digits; blanks or colons may stand between",
      &Invocation::hex},
+    kWait,
+    kTimeout,
 }};
 
-constexpr std::array<VerbFlag, 1> kSecretFlags{{
-    {"--show-secrets", "show keys, which are masked otherwise", &Invocation::show_secrets},
+constexpr std::array kJsonFlags{kJson};
+constexpr std::array kSecretFlags{kJson, kShowSecrets};
+constexpr std::array<VerbFlag, 3> kGetFlags{{
+    kJson,
+    kShowSecrets,
+    {"--value", "show the bare values, one a line", &Invocation::bare_value},
 }};
-
-constexpr std::array<VerbFlag, 1> kRestartFlags{{
+constexpr std::array<VerbFlag, 3> kSetFlags{{
+    kJson,
+    {"--force", "set a value that would be refused as nonsense, as it is", &Invocation::force},
+    {"--no-verify", "do not read the value back", &Invocation::no_verify},
+}};
+constexpr std::array<VerbFlag, 2> kRestartFlags{{
+    kJson,
     {"--notify-only", "eth1: tell the wireless daemon, leave the interface up",
      &Invocation::notify_only},
 }};
 
-constexpr std::array<Verb, 5> kVerbs{{
-    {"get",
-     "NAME... [--show-secrets]",
-     "show the value of settings",
+constexpr std::array<Verb, 9> kVerbs{{
+    {"get", "NAME... [OPTION...]", "show the value of settings",
      "One name gives the bare value, several give lines of \"name = value\". Of a key only "
      "whether\n"
      "there is one is shown, ******** or none, unless --show-secrets asks for it.\n"
@@ -37,32 +57,34 @@ constexpr std::array<Verb, 5> kVerbs{{
      "Examples:\n"
      "  velkctl get eth0.dns\n"
      "  velkctl get eth0.dns eth0.link-speed\n"
+     "  velkctl get --value eth0.address eth0.netmask\n"
      "  velkctl get eth1.psk --show-secrets",
-     1,
-     kAnyNumber,
-     {},
-     kSecretFlags,
-     RunGet},
-    {"set",
-     "NAME VALUE...",
-     "change a setting",
-     "The value is written as get shows it. Put -- before a value that begins with a dash.\n"
+     1, kAnyNumber, kReadOptions, kGetFlags, RunGet},
+    {"set", "NAME VALUE... [OPTION...]", "change a setting",
+     "The value is written as get shows it. Put -- before a value that begins with a dash. It is\n"
+     "checked before, and read back afterwards: exit status 6 says that the library reported\n"
+     "success but the device does not hold the value.\n"
      "\n"
      "A key need not stand on the command line: - takes a line of standard input, @FILE the only\n"
-     "line of a file. A key that begins with @ can be given in these ways alone.\n"
+     "line of a file, and at a terminal it is asked for when no value is given. A key that begins\n"
+     "with @ can be given in these ways alone.\n"
      "\n"
      "Examples:\n"
+     "  velkctl set eth0.address 192.168.0.10\n"
      "  velkctl set eth0.dns 192.168.0.1 192.168.0.2\n"
-     "  velkctl set eth0.dns none\n"
-     "  velkctl set eth1.ssid 'my network'\n"
+     "  velkctl set web-update weekly sunday 08:30\n"
+     "  velkctl set eth1.ssid 'my network' --wait\n"
      "  velkctl set eth1.psk @/run/keys/psk",
-     1,
-     kAnyNumber,
-     {},
-     {},
-     RunSet},
-    {"restart",
-     "eth0|eth1 [--notify-only]",
+     1, kAnyNumber, kChangeOptions, kSetFlags, RunSet},
+    {"show", "[eth0|eth1] [OPTION...]", "show all settings, or those of an interface",
+     "What cannot be read stands there with the reason. Colours are for terminals, and not when\n"
+     "NO_COLOR is set.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl show\n"
+     "  velkctl show eth0 --json",
+     0, 1, kReadOptions, kSecretFlags, RunShow},
+    {"restart", "eth0|eth1 [OPTION...]",
      "bring an interface down and up again, so that changed settings take effect",
      "With a wireless adapter attached and the cable in, restarting eth0 takes more than a "
      "minute.\n"
@@ -70,22 +92,55 @@ constexpr std::array<Verb, 5> kVerbs{{
      "Examples:\n"
      "  velkctl restart eth0\n"
      "  velkctl restart eth1 --notify-only",
-     1,
-     1,
-     {},
-     kRestartFlags,
-     RunRestart},
+     1, 1, kChangeOptions, kRestartFlags, RunRestart},
     {"list",
-     "",
+     "[--json]",
      "name all settings, what can be done with them and what they are",
      "Example:\n"
      "  velkctl list",
      0,
      0,
      {},
-     {},
+     kJsonFlags,
      RunList},
-    {"call", "get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [--show-secrets]",
+    {"describe",
+     "NAME|ID [--json]",
+     "say what a setting is",
+     "A name without its interface, and the id of a command, stand for the setting of every\n"
+     "interface.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl describe eth0.gateway\n"
+     "  velkctl describe 108",
+     1,
+     1,
+     {},
+     kJsonFlags,
+     RunDescribe},
+    {"explain",
+     "RESULT [--json]",
+     "say what a result of the library means and what to do about it",
+     "Examples:\n"
+     "  velkctl explain -3\n"
+     "  velkctl explain LIB_VELK_LOCKED",
+     1,
+     1,
+     {},
+     kJsonFlags,
+     RunExplain},
+    {"doctor",
+     "[--json]",
+     "look for what the library will not be able to do, and say how to mend it",
+     "Changes nothing. The exit status is 0 when all is well, else 1.\n"
+     "\n"
+     "Example:\n"
+     "  velkctl doctor",
+     0,
+     0,
+     {},
+     kJsonFlags,
+     RunDoctor},
+    {"call", "get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]",
      "run a command of the library as it stands",
      "ID is the decimal number of the command, INTERFACE the name as it is sent, empty when left\n"
      "out. Nothing is checked before the call. Prints the result and, for a get, the data bytes\n"

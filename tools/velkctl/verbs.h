@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "velkctl/exit_status.h"
+#include "velkctl/report.h"
 
 namespace velkctl {
 
@@ -17,8 +18,14 @@ struct Invocation {
     std::vector<std::string> words{};  // those that are no options
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
+    std::optional<std::string> wait{};     // seconds, unparsed
+    std::optional<std::string> timeout{};  // seconds, unparsed
+    bool json = false;
     bool show_secrets = false;
     bool notify_only = false;
+    bool bare_value = false;
+    bool force = false;
+    bool no_verify = false;
     bool beside_secret = false;  // any word may be one
 
     // A word, to be named in a message: 'word', or a mask in its place.
@@ -31,6 +38,7 @@ struct VerbOption {
     std::string_view value;  // what its value is called in help
     std::string_view help;
     std::optional<std::string> Invocation::*target;
+    std::string_view implied{};  // its value when none stands behind "="; empty: the next argument
 };
 
 // An option that takes none.
@@ -49,16 +57,20 @@ struct Verb {
     size_t max_words;
     std::span<const VerbOption> options;
     std::span<const VerbFlag> flags;
-    ExitStatus (*run)(const Invocation& invocation);
+    ExitStatus (*run)(const Invocation& invocation, Report& report);
 };
 
 std::span<const Verb> Verbs();
 
-ExitStatus RunGet(const Invocation& invocation);
-ExitStatus RunSet(const Invocation& invocation);
-ExitStatus RunRestart(const Invocation& invocation);
-ExitStatus RunList(const Invocation& invocation);
-ExitStatus RunCall(const Invocation& invocation);
+ExitStatus RunGet(const Invocation& invocation, Report& report);
+ExitStatus RunSet(const Invocation& invocation, Report& report);
+ExitStatus RunShow(const Invocation& invocation, Report& report);
+ExitStatus RunList(const Invocation& invocation, Report& report);
+ExitStatus RunDescribe(const Invocation& invocation, Report& report);
+ExitStatus RunRestart(const Invocation& invocation, Report& report);
+ExitStatus RunCall(const Invocation& invocation, Report& report);
+ExitStatus RunExplain(const Invocation& invocation, Report& report);
+ExitStatus RunDoctor(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

@@ -3,7 +3,6 @@
 
 #include "velkctl/causes.h"
 #include "velkctl/device.h"
-#include "velkctl/result_codes.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
@@ -25,8 +24,8 @@ bool AnswersWithLease(const Setting& setting) {
 
 // What the setting answers instead, in words that give no secret away.
 std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
-    if (answer.result != LIB_VELK_SUCCESS) {
-        return DescribeFailure("it cannot be read back", answer.result);
+    if (StatusOf(answer) != ExitStatus::kDone) {
+        return DescribeFailure("it cannot be read back", answer);
     }
     if (setting.row->secret) {
         return "the device holds another value";
@@ -36,24 +35,29 @@ std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
 
 }  // namespace
 
-ExitStatus VerifySet(const Setting& setting, const Data& wanted) {
+std::optional<bool> VerifySet(const Setting& setting, const Data& wanted, const Patience& patience,
+                              Report& report) {
     if (!setting.can_get()) {
-        return ExitStatus::kDone;
+        return std::nullopt;
     }
-    const Answer answer = Execute({VELK_GET, setting.row->id, setting.interface});
+    const std::string name = setting.name();
+    const Answer answer = ExecutePatiently({VELK_GET, setting.row->id, setting.interface}, {},
+                                           patience, name, report);
     const ValueKind& kind = *setting.row->kind;
-    if (answer.result == LIB_VELK_SUCCESS && kind.Print(answer.data) == kind.Print(wanted)) {
-        return ExitStatus::kDone;
+    if (StatusOf(answer) == ExitStatus::kDone && kind.Print(answer.data) == kind.Print(wanted)) {
+        return true;
     }
     if (AnswersWithLease(setting)) {
-        Complain(setting.name() + ": set, but not checked: while " +
-                 std::string(setting.interface) + ".method is dhcp, its lease is shown");
-        return ExitStatus::kDone;
+        report.Note(name + ": set, but not checked: while " + std::string(setting.interface) +
+                    ".method is dhcp, its lease is shown");
+        return std::nullopt;
     }
     const std::string_view cause = LikelyCause(setting, answer);
-    Complain(setting.name() + ": the library reported success, but " + WhatIsHeld(setting, answer) +
-             (cause.empty() ? "" : "; likely cause: " + std::string(cause)));
-    return ExitStatus::kNotHeld;
+    report.Complain(Problem{name + ": the library reported success, but " +
+                                WhatIsHeld(setting, answer) +
+                                (cause.empty() ? "" : "; likely cause: " + std::string(cause)),
+                            name});
+    return false;
 }
 
 }  // namespace velkctl

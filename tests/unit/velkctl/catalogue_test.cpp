@@ -94,9 +94,16 @@ TEST(UnknownSetting, GivesTheNamesOnOtherInterfaces) {
               "unknown setting 'eth0.eth0.speed'; give eth0.speed");
 }
 
-TEST(UnknownSetting, PointsToTheListOtherwise) {
+TEST(UnknownSetting, GuessesWhatAMisspeltNameMeans) {
     EXPECT_EQ(UnknownSetting(kRows, "eth0.dsn"),
-              "unknown setting 'eth0.dsn'; 'velkctl list' names them all");
+              "unknown setting 'eth0.dsn'; did you mean eth0.dns?");
+    EXPECT_EQ(UnknownSetting(kRows, "eth1.kye"),
+              "unknown setting 'eth1.kye'; did you mean eth1.key?");
+}
+
+TEST(UnknownSetting, PointsToTheListOtherwise) {
+    EXPECT_EQ(UnknownSetting(kRows, "colour"),
+              "unknown setting 'colour'; 'velkctl list' names them all");
     EXPECT_EQ(UnknownSetting(kRows, ""), "unknown setting ''; 'velkctl list' names them all");
     EXPECT_EQ(UnknownSetting(kRows, "\x1b"),
               "unknown setting '\\x1b'; 'velkctl list' names them all");

@@ -40,7 +40,9 @@ class WirelessSettings : public testkit::DeviceTest {
     ExitStatus Run(const std::vector<std::string>& arguments) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        const ExitStatus status = velkctl::RunCommandLine(arguments);
+        velkctl::Report report(velkctl::FormAskedFor(arguments));
+        const ExitStatus status = velkctl::RunCommandLine(arguments, report);
+        report.Finish(status);
         (void)velkctl::FinishPrinting();
         output = testing::internal::GetCapturedStdout();
         error = testing::internal::GetCapturedStderr();
@@ -292,23 +294,23 @@ TEST_F(Secrets, AreNotRepeatedInAnyMessage) {
 TEST_F(WirelessSettings, RestartBringsTheInterfaceDownAndUp) {
     EXPECT_EQ(Run({"restart", "eth1"}), ExitStatus::kDone);
     EXPECT_EQ(output + error, "");
-    EXPECT_THAT(libc().Commands(), testing::Contains("sudo ifdown eth1"));
-    EXPECT_THAT(libc().Commands(), testing::Contains("sudo ifup eth1 &"));
+    EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifdown eth1"));
+    EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifup eth1 &"));
     EXPECT_TRUE(testkit::Exists("/var/tmp/vklib_lock"));
 }
 
 TEST_F(WirelessSettings, RestartCanTellTheDaemonAlone) {
     EXPECT_EQ(Run({"restart", "--notify-only", "eth1"}), ExitStatus::kDone);
     EXPECT_EQ(output + error, "");
-    EXPECT_THAT(libc().Commands(), Not(testing::Contains(HasSubstr("ifdown"))));
-    EXPECT_THAT(libc().Commands(), Not(testing::Contains(HasSubstr("ifup"))));
+    EXPECT_THAT(shell.Lines(), Not(testing::Contains(HasSubstr("ifdown"))));
+    EXPECT_THAT(shell.Lines(), Not(testing::Contains(HasSubstr("ifup"))));
 }
 
 TEST_F(WirelessSettings, RestartOfTheWiredPort) {
     EXPECT_EQ(Run({"restart", "eth0"}), ExitStatus::kDone);
     EXPECT_EQ(output + error, "");
-    EXPECT_THAT(libc().Commands(), testing::Contains("sudo ifdown eth0"));
-    EXPECT_THAT(libc().Commands(), testing::Contains("sudo ifup eth0"));
+    EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifdown eth0"));
+    EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifup eth0"));
 }
 
 TEST_F(WirelessSettings, RestartNeedsAnAdapter) {
@@ -317,7 +319,7 @@ TEST_F(WirelessSettings, RestartNeedsAnAdapter) {
     EXPECT_EQ(error,
               "velkctl: eth1: could not be restarted: no supported wireless adapter is attached "
               "(LIB_VELK_NO_ADAPTER, -5)\n");
-    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_THAT(shell.Lines(), IsEmpty());
 }
 
 TEST_F(WirelessSettings, RestartRefusesWrongUsage) {
@@ -325,7 +327,7 @@ TEST_F(WirelessSettings, RestartRefusesWrongUsage) {
             "restart: 'eth2' is not an interface of the device; give eth0 or eth1");
     Refuses({"restart", "eth0", "--notify-only"},
             "restart: --notify-only is for eth1; leave it out for eth0");
-    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_THAT(shell.Lines(), IsEmpty());
 }
 
 }  // namespace

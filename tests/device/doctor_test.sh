@@ -1,0 +1,173 @@
+# doctor_test.sh - what velkctl doctor says about devices in good and bad shape.
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+
+needs_sandbox
+
+# A device with the tools and lines that the sample one lacks: nothing is wrong with it.
+healthy=$lib_folder/rootfs
+cp -R "$VELK_BUILD/rootfs" "$healthy"
+for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
+    mkdir -p "$healthy${tool%/*}"
+    printf '#!/bin/sh\n' >"$healthy$tool"
+    chmod 755 "$healthy$tool"
+done
+printf '\taddress 10.0.0.2\n\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n' \
+    >>"$healthy/etc/network/interfaces"
+sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
+
+# Runs a script on such a device.
+script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$1"; }
+
+# Runs a script there, and the doctor behind it.
+examine() { script "$1
+    velkctl doctor"; }
+
+# What is said besides the remedies.
+findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  mend: ')"; }
+
+it 'says what the sample device lacks, and how to mend it'
+on_device sh -c 'velkctl doctor | grep -A 1 "^[a-z]*: eth[01]\."'
+output_is 'problem: eth1.address cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no address line
+  mend: add a line "address 192.168.0.10" to it
+problem: eth1.netmask cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no netmask line
+  mend: add a line "netmask 255.255.255.0" to it
+problem: eth1.gateway cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
+  mend: add a line "gateway 192.168.0.1" to it
+warning: eth0.dhcp-dns cannot be set while the method is static: /etc/dhclient.conf:7: the interface'"'"'s block is switched off, and no other request statement counts
+  mend: velkctl set eth0.method dhcp, when DHCP is wanted'
+
+it 'finds nothing on a device that has it all'
+examine ''
+status_is 0
+error_is ''
+output_is 'all is well'
+
+it 'answers in JSON'
+script "
+    rm /var/libvelk/libvelk; touch /var/tmp/root
+    velkctl doctor --json | python3 -c '
+import json, sys
+answer = json.load(sys.stdin)
+print(answer[\"verb\"], answer[\"status\"], answer[\"problems\"], answer[\"warnings\"])
+for finding in answer[\"findings\"]:
+    print(\" \".join(finding), finding[\"severity\"], finding[\"file\"], finding[\"line\"])
+'"
+status_is 0
+error_is ''
+output_is 'doctor 1 1 1
+severity subject effect what file line remedy problem /var/libvelk/libvelk None
+severity subject effect what file line remedy warning /var/tmp/root None'
+
+it 'ends with 0 when there are only warnings, in JSON too'
+examine 'touch -d "3 hours ago" /var/tmp/get_result; velkctl doctor --json >/dev/null && echo done'
+status_is 0
+findings_are 'done
+warning: link-speed, and what is read from ifconfig, may not have been read: /var/tmp/get_result: a result was left behind, 3 hours old; the next one overwrites it
+0 problems, 1 warning'
+
+it 'tells of files that are missing, no files, or not to be written'
+examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf
+    mkfifo /var/cron/tabs/root; ln -s /usr/lib/os-release /etc/dhclient.conf'
+status_is 1
+output_has 'problem: method, address, netmask and gateway can be neither read nor set: /etc/network/interfaces: the file is missing
+  mend: put the device'"'"'s own file there
+'
+output_has 'problem: ntp, ntp-server and web-update can be neither read nor set: /var/cron/tabs/root: a folder, a FIFO or a device stands there
+'
+output_has 'problem: method, dhcp-dns and dhcp-ntp cannot be set: /etc/dhclient.conf: this user may not write the file: Read-only file system
+'
+
+it 'tells of a full folder for edit copies'
+examine 'dd if=/dev/zero of=/var/tmp/filler bs=1M 2>/dev/null'
+if [ "$status" = 1 ]; then # where the folder has a limit
+    output_has 'problem: all settings in files cannot be set: /var/tmp: the file system is full: '
+fi
+
+it 'agrees with what a set really does'
+examine 'sed -i "/^	gateway 10/d" /etc/network/interfaces
+    velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.9 2>/dev/null; echo $?'
+status_is 1
+findings_are '6
+problem: eth1.gateway cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
+warning: eth1.dhcp-dns cannot be set while the method is static: /etc/dhclient.conf:12: the interface'"'"'s block is switched off, and no other request statement counts
+1 problem, 1 warning'
+examine 'printf "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n" >/var/cron/tabs/root
+    velkctl set ntp-server 10.0.0.9 2>/dev/null; cat /var/cron/tabs/root'
+status_is 1
+output_has '0 * * * * ntpdate -u10.0.0.9 > /var/libvelk/ntp.log'
+
+it 'finds an ifconfig of another form, and one that is missing'
+script '
+    printf "#!/bin/sh\necho \"lo: flags=73\"; echo \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
+    chmod +x /tmp/ifconfig; PATH=/tmp:$PATH velkctl doctor'
+status_is 1
+findings_are "problem: ifconfig prints addresses in a form that the library does not read: it prints 'inet 127.0.0.1  netmask 255.0.0.0', and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP interface read as none
+1 problem, 0 warnings"
+script '
+    doctor=$(command -v velkctl); for tool in sudo cat rm grep; do ln -s $(command -v $tool) /tmp; done
+    PATH=/tmp $doctor doctor'
+status_is 1
+output_has 'problem: ifconfig is not installed: address and netmask of a DHCP interface cannot be read
+  mend: install it in a folder of PATH
+'
+
+it 'tells who holds the lock, without taking it'
+script '
+    velkctl set ntp on
+    flock /var/tmp/vklib_lock sh -c "velkctl doctor"
+    flock -n /var/tmp/vklib_lock echo free'
+status_is 0
+output_has 'warning: settings cannot be changed now: /var/tmp/vklib_lock: the lock is held by process '
+output_has ' (flock), which was started '
+output_has '0 problems, 1 warning
+free'
+
+it 'tells of what is in the way in /var/tmp'
+examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/libvelk; mkdir /var/tmp/dhclient-script'
+status_is 1
+findings_are 'problem: method, address, netmask and gateway wait for ever when set: /var/tmp/interfaces: a FIFO stands where the edit copy is made
+problem: dhcp-dns cannot be set: /var/tmp/dhclient-script: a folder stands where the edit copy is made
+problem: administrator and location cannot be set: /var/tmp/libvelk: a symbolic link stands where the edit copy is made
+3 problems, 0 warnings'
+
+it 'tells of a wireless daemon that does not run, and does not ask for it without an adapter'
+examine 'velk-sandbox adapter out && velkctl doctor && velk-sandbox adapter in && rm /tmp/WlanAplToWlanSock'
+status_is 1
+findings_are 'all is well
+problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing
+1 problem, 0 warnings'
+
+it 'gives a daemon that is silent a few seconds'
+examine 'wland --tell silent'
+status_is 1
+error_is ''
+findings_are 'problem: the wireless daemon does not answer: /tmp/WlanAplToWlanSock: nothing came within 5 seconds
+1 problem, 0 warnings'
+
+it 'survives a semaphore that would end it'
+examine ': >/dev/shm/sem.WlanAplRecvSem'
+status_is 1
+findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: a file of 0 bytes stands where the semaphore is made
+1 problem, 0 warnings'
+
+it 'shows what files have in them as text, whatever it is'
+examine 'printf "# \033[2Jntpdate \377\n" >>/var/cron/tabs/root
+    head -c 300000 /dev/zero >>/etc/dhclient-exit-hooks'
+status_is 1
+output_has "/var/cron/tabs/root:4: '# \\x1b[2Jntpdate \\xff' is taken for an entry"
+
+it 'changes nothing'
+on_device sh -c '
+    facts() { find /etc/network /etc/dhclient* /var/tmp /var/libvelk /var/cron /tmp /dev/shm -exec stat -c "%n %i %s %a %Y %Z" {} +
+        cat /etc/network/interfaces /etc/dhclient* /var/cron/tabs/root | cksum; }
+    velkctl get eth0.link-speed eth1.ssid >/dev/null
+    facts | grep -v "^/tmp \|^/dev/shm " >/run/before; velkctl doctor >/dev/null
+    facts | grep -v "^/tmp \|^/dev/shm " >/run/after
+    diff /run/before /run/after && echo same'
+status_is 0
+output_is 'same'
+
+finish

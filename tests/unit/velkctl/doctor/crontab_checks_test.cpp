@@ -1,0 +1,116 @@
+// What the doctor says about the entries of the crontab.
+#include <string>
+#include <string_view>
+
+#include "support/device_test.h"
+#include "velkctl/doctor/checks.h"
+
+namespace {
+
+using velkctl::CheckTimeEntry;
+using velkctl::CheckWebUpdate;
+using velkctl::FindingsInWords;
+
+class CrontabCheck : public testkit::DeviceTest {
+  protected:
+    static std::string ExamineTime(std::string_view text) {
+        testkit::WriteFile("/var/cron/tabs/root", text);
+        return FindingsInWords(CheckTimeEntry());
+    }
+    static std::string ExamineUpdate(std::string_view text) {
+        testkit::WriteFile("/var/cron/tabs/root", text);
+        return FindingsInWords(CheckWebUpdate());
+    }
+};
+
+constexpr char kMend[] =
+    "  mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
+
+TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
+    EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n"), "");
+    EXPECT_EQ(ExamineTime("#0 * * * * ntpdate -u  > /var/libvelk/ntp.log"), "");
+}
+
+TEST_F(CrontabCheck, FindsNoTimeEntry) {
+    EXPECT_EQ(ExamineTime("0 * * * * true\n"),
+              "problem: ntp and ntp-server cannot be set: /var/cron/tabs/root: no entry runs "
+              "ntpdate\n" +
+                  std::string(kMend));
+}
+
+TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate 2>/var/libvelk/ntp.log 10.0.0.1\n"),
+              "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: "
+              "'2>/var/libvelk/ntp.log' is taken for it\n" +
+                  std::string(kMend));
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.1\n"),
+              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: the server is its last "
+              "word; setting it joins the entry with the next line\n" +
+                  std::string(kMend) +
+                  "warning: ntp-result does not tell of this entry: /var/cron/tabs/root:1: its "
+                  "output does not go to /var/libvelk/ntp.log\n" +
+                  kMend);
+}
+
+TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u\n"),
+              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: it has neither a server "
+              "nor a '>' to put one before\n" +
+                  std::string(kMend) +
+                  "warning: ntp-result does not tell of this entry: /var/cron/tabs/root:1: its "
+                  "output does not go to /var/libvelk/ntp.log\n" +
+                  kMend);
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
+              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: a new server would be "
+              "joined with another word of it\n" +
+                  std::string(kMend));
+}
+
+TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -t 5 10.0.0.1 > /var/libvelk/ntp.log\n"),
+              "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: the "
+              "option '-t 5' is taken for it\n" +
+                  std::string(kMend));
+}
+
+TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
+    EXPECT_EQ(ExamineTime("# ntpdate sets the clock\n"
+                          "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
+              "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
+              "the clock' is taken for an entry\n"
+              "  mend: word it without 'ntpdate'\n"
+              "problem: ntp cannot be set to on: /var/cron/tabs/root:2: two '#' stand before the "
+              "entry, and one is taken away\n"
+              "  mend: leave one '#', in the first column\n");
+}
+
+TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
+    EXPECT_EQ(ExamineUpdate("30 01 * * 0 perl /usr/bin/web_contents_updater.pl\n"), "");
+    EXPECT_EQ(ExamineUpdate("00 */6 * * * perl /usr/bin/web_contents_updater.pl"), "");
+    EXPECT_EQ(ExamineUpdate("30 01 31 1,8 * perl /usr/bin/web_contents_updater.pl\n"
+                            "30 01 1,31 3,5,7,10,12 * perl /usr/bin/web_contents_updater.pl\n"),
+              "");
+    EXPECT_EQ(ExamineUpdate("0 3 * * * true\n"), "");
+}
+
+TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
+    EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
+              "problem: web-update cannot be read: /var/cron/tabs/root:1: the schedule is not one "
+              "of this library's\n"
+              "  mend: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+}
+
+TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
+    for (const std::string line : {"#30 01 * * 0 perl /usr/bin/web_contents_updater.pl",
+                                   "30  01 * * 0 perl /usr/bin/web_contents_updater.pl",
+                                   "30 01 * * 0 perl /usr/bin/web_contents_updater.pl -v"}) {
+        EXPECT_EQ(ExamineUpdate(line + "\n"),
+                  "warning: web-update is read wrongly, and a set replaces the line: "
+                  "/var/cron/tabs/root:1: '" +
+                      line +
+                      "' is not as the library writes it\n"
+                      "  mend: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+    }
+}
+
+}  // namespace

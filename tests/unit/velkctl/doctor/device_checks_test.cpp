@@ -1,0 +1,246 @@
+// What the doctor says about files, folders, leftovers, the lock and the wireless daemon.
+#include <string>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/fake_daemon.h"
+#include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/text_file.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::FileState;
+using velkctl::FindingsInWords;
+using velkctl::ReadTextFile;
+
+bool Holds(const std::string& whole, const std::string& part) {
+    return whole.find(part) != std::string::npos;
+}
+
+class TextFileTest : public testkit::DeviceTest {};
+
+TEST_F(TextFileTest, ReadsLinesAsTheLibrarySeesThem) {
+    WriteFile("/tmp/text", "one\n\n\x01two");
+    EXPECT_EQ(ReadTextFile("/tmp/text").lines,
+              (std::vector<std::string>{"one\n", "\n", "\x01two\n"}));
+    WriteFile("/tmp/text", "");
+    EXPECT_EQ(ReadTextFile("/tmp/text").state, FileState::kText);
+    EXPECT_TRUE(ReadTextFile("/tmp/text").lines.empty());
+}
+
+TEST_F(TextFileTest, DoesNotWaitForAFifoNorReadAFolderOrAHugeFile) {
+    ASSERT_EQ(mkfifo("/tmp/fifo", 0600), 0);
+    EXPECT_EQ(ReadTextFile("/tmp/fifo").state, FileState::kNotRegular);
+    EXPECT_EQ(ReadTextFile("/tmp").state, FileState::kNotRegular);
+    EXPECT_EQ(ReadTextFile("/tmp/missing").state, FileState::kMissing);
+    WriteFile("/tmp/huge", std::string(1024 * 1024 + 1, 'a'));
+    EXPECT_EQ(ReadTextFile("/tmp/huge").state, FileState::kTooLarge);
+}
+
+class FilesCheck : public testkit::DeviceTest {};
+
+TEST_F(FilesCheck, TellsWhichSettingsAMissingFileTakesAlong) {
+    const std::string words = FindingsInWords(velkctl::CheckFiles());
+    EXPECT_TRUE(Holds(words,
+                      "problem: method, address, netmask and gateway can be neither read nor set: "
+                      "/etc/network/interfaces: the file is missing\n"
+                      "  mend: put the device's own file there\n"))
+        << words;
+    EXPECT_TRUE(Holds(words,
+                      "problem: administrator and location can be neither read nor set: "
+                      "/var/libvelk/libvelk: the file is missing\n"));
+    EXPECT_TRUE(Holds(words,
+                      "problem: administrator and location do not reach the SNMP agent: "
+                      "/usr/local/share/etc/snmp/snmpd.conf: the file is missing\n"));
+    EXPECT_TRUE(Holds(words,
+                      "warning: dns cannot be read until it is set: /etc/resolv.dnsmasq.conf: the "
+                      "file is missing\n"));
+}
+
+TEST_F(FilesCheck, TellsAFifoInTheFilesPlace) {
+    ASSERT_EQ(mkfifo("/etc/dhclient.conf", 0600), 0);
+    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckFiles()),
+                      "problem: method, dhcp-dns and dhcp-ntp can be neither read nor set: "
+                      "/etc/dhclient.conf: a folder, a FIFO or a device stands there\n"));
+    EXPECT_EQ(FindingsInWords(velkctl::CheckDhcpConfig()), "");
+}
+
+TEST_F(FilesCheck, SaysNothingAboutFoldersThatAreThere) {
+    EXPECT_EQ(FindingsInWords(velkctl::CheckFolders()), "");
+}
+
+TEST_F(FilesCheck, FindsDirectivesThatTheSnmpAgentsFileLacks) {
+    constexpr char kSnmp[] = "/usr/local/share/etc/snmp/snmpd.conf";
+    WriteFile(kSnmp, "syscontact a\nsyslocation b\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    WriteFile(kSnmp, "sysContact a\n# syslocation b\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()),
+              "problem: administrator does not reach the SNMP agent: "
+              "/usr/local/share/etc/snmp/snmpd.conf:1: 'sysContact a' is not written in small "
+              "letters\n"
+              "  mend: write syscontact\n"
+              "problem: location does not reach the SNMP agent: "
+              "/usr/local/share/etc/snmp/snmpd.conf: no line has the directive syslocation\n"
+              "  mend: add a line \"syslocation unknown\"\n");
+}
+
+class IfconfigCheck : public testkit::DeviceTest {};
+
+TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
+    EXPECT_EQ(FindingsInWords(velkctl::JudgeIfconfigOutput(
+                  "lo  Link encap:Local Loopback\n    inet addr:127.0.0.1  Mask:255.0.0.0\n")),
+              "");
+    EXPECT_EQ(FindingsInWords(velkctl::JudgeIfconfigOutput("")), "");
+}
+
+TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
+    EXPECT_EQ(FindingsInWords(velkctl::JudgeIfconfigOutput(
+                  "lo: flags=73<UP>\n        inet 127.0.0.1  netmask 255.0.0.0\n")),
+              "problem: ifconfig prints addresses in a form that the library does not read: it "
+              "prints 'inet 127.0.0.1  netmask 255.0.0.0', and 'inet addr:' and 'Mask:' are looked "
+              "for; address and netmask of a DHCP interface read as none\n"
+              "  mend: install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's "
+              "does\n");
+}
+
+class LeftoversCheck : public testkit::DeviceTest {};
+
+TEST_F(LeftoversCheck, SaysNothingWhereNothingWasLeft) {
+    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()), "");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()), "");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckQueryRemains()), "");
+}
+
+TEST_F(LeftoversCheck, TellsHowOldAnEditCopyIsAndThatItIsIncomplete) {
+    WriteFile("/var/cron/tabs/root", "0 * * * * true\n");
+    WriteFile("/var/tmp/root", "0 *");
+    WriteFile("/var/tmp/interfaces", "");
+    const timespec long_ago[2] = {{0, UTIME_NOW}, {time(nullptr) - 2 * 24 * 60 * 60 - 5, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, "/var/tmp/interfaces", long_ago, 0), 0);
+    ASSERT_EQ(utimensat(AT_FDCWD, "/var/tmp/root", long_ago, 0), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
+              "warning: method, address, netmask and gateway may not have been set: "
+              "/var/tmp/interfaces: an edit copy was left behind, 2 days old, empty; the next set "
+              "overwrites it\n"
+              "  mend: rm /var/tmp/interfaces\n"
+              "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
+              "edit copy was left behind, 2 days old, shorter than the file; the next set "
+              "overwrites it\n"
+              "  mend: rm /var/tmp/root\n");
+}
+
+TEST_F(LeftoversCheck, FindsWhatIsInTheWayOfAnEditCopy) {
+    ASSERT_EQ(mkfifo("/var/tmp/dhclient.conf", 0600), 0);
+    ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
+              "problem: method, dhcp-dns and dhcp-ntp wait for ever when set: "
+              "/var/tmp/dhclient.conf: a FIFO stands where the edit copy is made\n"
+              "  mend: rm /var/tmp/dhclient.conf\n"
+              "problem: dhcp-dns cannot be set: /var/tmp/dhclient-script: a symbolic link stands "
+              "where the edit copy is made\n"
+              "  mend: rm /var/tmp/dhclient-script\n");
+}
+
+TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
+    WriteFile("/var/tmp/get_result", "x");
+    WriteFile("/tmp/WlanAplFromWlanSock", "");
+    WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
+    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckResultFile()),
+                      "warning: link-speed, and what is read from ifconfig, may not have been "
+                      "read: /var/tmp/get_result: a result was left behind, "));
+    const std::string words = FindingsInWords(velkctl::CheckQueryRemains());
+    EXPECT_TRUE(Holds(words,
+                      "warning: wireless settings may not have been read: "
+                      "/tmp/WlanAplFromWlanSock: a reply socket that nobody listens at was left "
+                      "behind, "))
+        << words;
+    EXPECT_TRUE(Holds(words,
+                      "warning: wireless settings may not have been read: "
+                      "/dev/shm/sem.WlanAplRecvSem: a semaphore was left behind, "))
+        << words;
+}
+
+TEST_F(LeftoversCheck, FindsASemaphoreThatEndsTheProgram) {
+    WriteFile("/dev/shm/sem.WlanAplRecvSem", "");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckQueryRemains()),
+              "problem: wireless settings end the program that reads them: "
+              "/dev/shm/sem.WlanAplRecvSem: a file of 0 bytes stands where the semaphore is made\n"
+              "  mend: rm /dev/shm/sem.WlanAplRecvSem\n");
+}
+
+class LockCheck : public testkit::DeviceTest {};
+
+TEST_F(LockCheck, SaysNothingAboutAFreeLock) {
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+    VkLibUnLock(VkLibLock());
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+}
+
+TEST_F(LockCheck, TellsWhoHoldsIt) {
+    const int lock = VkLibLock();
+    const std::string words = FindingsInWords(velkctl::CheckLock());
+    VkLibUnLock(lock);
+    EXPECT_TRUE(Holds(words,
+                      "warning: settings cannot be changed now: /var/tmp/vklib_lock: the lock is "
+                      "held by process "))
+        << words;
+    EXPECT_TRUE(Holds(words, " (unit_tests), which was started ")) << words;
+}
+
+TEST_F(LockCheck, FindsALockThatOthersCannotTake) {
+    WriteFile("/var/tmp/vklib_lock", "");
+    ASSERT_EQ(chmod("/var/tmp/vklib_lock", 0600), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+              "warning: settings cannot be changed by every user: /var/tmp/vklib_lock: the lock "
+              "file's mode is not 666\n"
+              "  mend: chmod 666 /var/tmp/vklib_lock\n");
+}
+
+TEST_F(LockCheck, FindsALinkInItsPlace) {
+    ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/vklib_lock"), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+              "problem: settings cannot be changed: /var/tmp/vklib_lock: a symbolic link stands "
+              "where the lock file is made\n"
+              "  mend: rm -r /var/tmp/vklib_lock\n");
+}
+
+class DaemonCheck : public testkit::DeviceTest {
+  protected:
+    static std::string Examine() {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        return FindingsInWords(velkctl::CheckDaemon(report));
+    }
+    static void AttachAdapter() { WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n"); }
+};
+
+TEST_F(DaemonCheck, SaysNothingWithoutAnAdapter) {
+    EXPECT_EQ(Examine(), "");
+}
+
+TEST_F(DaemonCheck, SaysNothingAboutADaemonThatAnswers) {
+    AttachAdapter();
+    testkit::FakeDaemon daemon;
+    EXPECT_EQ(Examine(), "");
+}
+
+TEST_F(DaemonCheck, FindsNoDaemon) {
+    AttachAdapter();
+    EXPECT_EQ(Examine(),
+              "problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is "
+              "missing\n"
+              "  mend: start the wireless daemon\n");
+    WriteFile("/tmp/WlanAplToWlanSock", "");
+    EXPECT_EQ(Examine(),
+              "problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: nobody listens "
+              "at its socket\n"
+              "  mend: start the wireless daemon\n");
+}
+
+}  // namespace

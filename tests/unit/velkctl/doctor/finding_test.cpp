@@ -1,0 +1,48 @@
+// How a finding of the doctor is told.
+#include "velkctl/doctor/finding.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using velkctl::Finding;
+using velkctl::Findings;
+using velkctl::Severity;
+
+const Finding kProblem{Severity::kProblem,
+                       "eth1.gateway",
+                       "cannot be set",
+                       "no \x1b line",
+                       "/etc/network/interfaces",
+                       12,
+                       "add one"};
+const Finding kWarning{Severity::kWarning, "grep", "is not installed", "no log", "", 0,
+                       "install it"};
+
+TEST(Finding, IsTwoLinesOfText) {
+    EXPECT_EQ(velkctl::FindingsInWords({kProblem, kWarning}),
+              "problem: eth1.gateway cannot be set: /etc/network/interfaces:12: no \\x1b line\n"
+              "  mend: add one\n"
+              "warning: grep is not installed: no log\n"
+              "  mend: install it\n");
+}
+
+TEST(Finding, HasTheSameKeysInEveryObject) {
+    EXPECT_EQ(velkctl::FindingInJson(kProblem).dump(),
+              R"({"severity":"problem","subject":"eth1.gateway","effect":"cannot be set",)"
+              R"("what":"no \\x1b line","file":"/etc/network/interfaces","line":12,)"
+              R"("remedy":"add one"})");
+    EXPECT_EQ(velkctl::FindingInJson(kWarning).dump(),
+              R"({"severity":"warning","subject":"grep","effect":"is not installed",)"
+              R"("what":"no log","file":null,"line":null,"remedy":"install it"})");
+}
+
+TEST(Finding, IsCountedInTheSummary) {
+    EXPECT_EQ(velkctl::Summary({}), "all is well");
+    EXPECT_EQ(velkctl::Summary({kProblem}), "1 problem, 0 warnings");
+    EXPECT_EQ(velkctl::Summary({kProblem, kProblem, kWarning}), "2 problems, 1 warning");
+}
+
+}  // namespace

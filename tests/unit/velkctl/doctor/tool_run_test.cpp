@@ -1,0 +1,78 @@
+// Tools of the device, found and run for a moment.
+#include "velkctl/doctor/tool_run.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
+#include <sys/stat.h>
+
+#include "support/device_test.h"
+#include "velkctl/doctor/checks.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::FindTool;
+using velkctl::RunTool;
+using velkctl::ToolRun;
+
+class ToolRunTest : public testkit::DeviceTest {
+  protected:
+    ToolRunTest() : path_(getenv("PATH")) {}
+    ~ToolRunTest() override { setenv("PATH", path_.c_str(), 1); }
+
+    static void WriteTool(const std::string& path, const std::string& text) {
+        WriteFile(path, "#!/bin/sh\n" + text);
+        ASSERT_EQ(chmod(path.c_str(), 0755), 0);
+    }
+
+  private:
+    const std::string path_;
+};
+
+TEST_F(ToolRunTest, FindsAToolAsAShellDoes) {
+    WriteTool("/tmp/velk-tool", "");
+    setenv("PATH", "/missing:/tmp:/bin", 1);
+    EXPECT_EQ(FindTool("velk-tool"), "/tmp/velk-tool");
+    ASSERT_EQ(chmod("/tmp/velk-tool", 0644), 0);
+    EXPECT_EQ(FindTool("velk-tool"), std::nullopt);
+    EXPECT_EQ(FindTool("/tmp/velk-tool"), std::nullopt);
+    EXPECT_EQ(FindTool("/bin/sh"), "/bin/sh");
+    setenv("PATH", "/missing", 1);
+    EXPECT_EQ(FindTool("sh"), std::nullopt);
+    EXPECT_EQ(FindTool("sh", "/missing:/bin"), "/bin/sh");
+}
+
+TEST_F(ToolRunTest, KeepsWhatAToolPrintsAndHowItEnds) {
+    WriteTool("/tmp/velk-tool", "echo \"$1\"; echo error >&2; cat; exit 3\n");
+    const ToolRun run = RunTool({"/tmp/velk-tool", "a b"});
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.output, "a b\n");
+    EXPECT_FALSE(RunTool({"/tmp/velk-missing"}).ended);
+}
+
+TEST_F(ToolRunTest, KillsAToolThatDoesNotEnd) {
+    WriteTool("/tmp/velk-tool", "echo begun; sleep 100\n");
+    const ToolRun run = RunTool({"/tmp/velk-tool"}, std::chrono::milliseconds(300));
+    EXPECT_FALSE(run.ended);
+    EXPECT_EQ(run.output, "begun\n");
+}
+
+TEST_F(ToolRunTest, TellsWhichToolsAreMissing) {
+    for (const char* tool : {"sudo", "cat", "rm", "grep", "ifconfig"}) {
+        WriteTool(std::string("/tmp/") + tool, "");
+    }
+    setenv("PATH", "/tmp", 1);
+    const std::string all = velkctl::FindingsInWords(velkctl::CheckTools());
+    EXPECT_EQ(all.find("rm is not installed"), std::string::npos) << all;
+    ASSERT_EQ(remove("/tmp/rm"), 0);
+    const std::string words = velkctl::FindingsInWords(velkctl::CheckTools());
+    EXPECT_NE(words.find("problem: rm is not installed: edit copies and results stay behind in "
+                         "/var/tmp\n  mend: install it in a folder of PATH\n"),
+              std::string::npos)
+        << words;
+}
+
+}  // namespace

@@ -1,0 +1,136 @@
+// What is removed after a call that was ended in the middle, and what stays.
+#include "velkctl/leftovers.h"
+
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <semaphore.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include "support/device_test.h"
+#include "velkctl/descriptor.h"
+
+namespace {
+
+using testkit::Exists;
+using testkit::WriteFile;
+using velkctl::Command;
+using velkctl::Descriptor;
+using velkctl::RemoveLeftovers;
+
+constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
+constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
+constexpr char kToolOutput[] = "/var/tmp/get_result";
+constexpr char kToolOutputLock[] = "/var/tmp/get_result_lock";
+constexpr char kEditCopy[] = "/var/tmp/interfaces";
+
+constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
+constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
+
+class RemoveLeftoversTest : public testkit::DeviceTest {
+  protected:
+    // What a killed call can leave, all of it.
+    void LeaveEverything() {
+        (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
+        const Descriptor reply(BoundReplySocket());
+        WriteFile(kToolOutput, "Link detected: yes\n");
+        WriteFile(kToolOutputLock, "");
+        WriteFile(kEditCopy, "iface eth0 inet dhcp\n");
+    }
+    static int BoundReplySocket() {
+        const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::string(kReplySocket).copy(address.sun_path, sizeof(address.sun_path) - 1);
+        EXPECT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+        return fd;
+    }
+    static std::vector<std::string> Left() {
+        std::vector<std::string> left;
+        for (const char* path : {kReplySocket, kSemaphore, kToolOutput, kEditCopy}) {
+            if (Exists(path)) {
+                left.emplace_back(path);
+            }
+        }
+        return left;
+    }
+};
+
+using Paths = std::vector<std::string>;
+
+TEST_F(RemoveLeftoversTest, AQueryLeavesNoSocketAndNoSemaphore) {
+    LeaveEverything();
+    RemoveLeftovers(kQuery, true);
+    EXPECT_EQ(Left(), Paths{kEditCopy});
+}
+
+TEST_F(RemoveLeftoversTest, AQueryLeavesNoSemaphoreWhenItDidNotComeToTheSocket) {
+    LeaveEverything();
+    unlink(kReplySocket);
+    RemoveLeftovers(kQuery, true);
+    EXPECT_EQ(Left(), Paths{kEditCopy});
+}
+
+TEST_F(RemoveLeftoversTest, TheQueryOfAnotherProgramIsLeftAlone) {
+    LeaveEverything();
+    unlink(kReplySocket);
+    const Descriptor other(BoundReplySocket());
+    RemoveLeftovers(kQuery, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopy) {
+    LeaveEverything();
+    for (const char* copy : {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk",
+                             "root", "a-file-of-somebody"}) {
+        WriteFile(std::string("/var/tmp/") + copy, "");
+    }
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
+    for (const char* copy :
+         {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk", "root"}) {
+        EXPECT_FALSE(Exists(std::string("/var/tmp/") + copy)) << copy;
+    }
+    EXPECT_TRUE(Exists("/var/tmp/a-file-of-somebody"));
+}
+
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAToolMayBePuttingItInPlace) {
+    LeaveEverything();
+    RemoveLeftovers(kChange, false);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
+    LeaveEverything();
+    const int lock = VkLibLock();
+    RemoveLeftovers(kChange, true);
+    VkLibUnLock(lock);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
+    LeaveEverything();
+    const Descriptor lock(open(kToolOutputLock, O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(flock(lock.get(), LOCK_EX | LOCK_NB), 0);
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kToolOutput}));
+}
+
+TEST_F(RemoveLeftoversTest, ARestartAsksNobodyAndEditsNothing) {
+    LeaveEverything();
+    RemoveLeftovers({VELK_RESTART, VELK_CMD_RESTART, "eth1"}, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
+    RemoveLeftovers(kQuery, true);
+    RemoveLeftovers({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
+    EXPECT_EQ(Left(), Paths{});
+    EXPECT_FALSE(Exists(kToolOutputLock));
+    EXPECT_FALSE(Exists("/var/tmp/vklib_lock"));
+}
+
+}  // namespace

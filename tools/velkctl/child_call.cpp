@@ -1,0 +1,114 @@
+// child_call.cpp - runs a command in a process of its own, so that it can be given up.
+#include "velkctl/child_call.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace velkctl {
+namespace {
+
+// What the process sends: small enough for a pipe to take it whole.
+struct Message {
+    int result;
+    Data data;
+};
+static_assert(sizeof(Message) <= PIPE_BUF);
+
+// Tools are waited for 100 times 10 ms.
+constexpr int kToolTries = 100;
+constexpr timespec kToolPause{0, 10 * 1000 * 1000};
+
+[[noreturn]] void Serve(const Command& command, const Data& data, const sigset_t& mask,
+                        pid_t parent, int answer_fd) {
+    (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(1);  // velkctl has ended already
+    }
+    (void)setsid();
+    (void)sigprocmask(SIG_SETMASK, &mask, nullptr);
+    const Answer answer = Execute(command, data);
+    const Message message{answer.result, answer.data};
+    const bool is_sent = write(answer_fd, &message, sizeof(message)) == sizeof(message);
+    _exit(is_sent ? 0 : 1);  // what velkctl has not printed yet is not this process's to print
+}
+
+// Waits a moment until all the programs that the killed process has started are gone.
+bool WaitForTools() {
+    for (int i = 0; i < kToolTries; ++i) {
+        pid_t ended = 0;
+        do {
+            ended = waitpid(-1, nullptr, WNOHANG);
+        } while (ended > 0);
+        if (ended == -1) {
+            return true;
+        }
+        (void)nanosleep(&kToolPause, nullptr);
+    }
+    return false;
+}
+
+}  // namespace
+
+ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals& signals) {
+    (void)fflush(nullptr);
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) == -1) {
+        start_error_ = errno;
+        return;
+    }
+    answer_.Reset(ends[0]);
+    const Descriptor sender(ends[1]);
+    const pid_t parent = getpid();
+    process_ = fork();
+    if (process_ == 0) {
+        Serve(command, data, signals.before(), parent, sender.get());
+    }
+    if (process_ == -1) {
+        start_error_ = errno;
+    }
+}
+
+ChildCall::~ChildCall() {
+    if (process_ != -1) {
+        (void)GiveUp();
+    }
+}
+
+std::optional<Answer> ChildCall::TakeAnswer() {
+    Message message{};
+    ssize_t got = 0;
+    do {
+        got = read(answer_.get(), &message, sizeof(message));
+    } while (got == -1 && errno == EINTR);
+    Reap();
+    if (got != sizeof(message)) {
+        return std::nullopt;
+    }
+    return Answer{message.result, message.data};
+}
+
+bool ChildCall::GiveUp() {
+    (void)prctl(PR_SET_CHILD_SUBREAPER, 1);  // so that its tools can be waited for
+    (void)kill(process_, SIGKILL);
+    Reap();
+    return WaitForTools();
+}
+
+void ChildCall::Reap() {
+    int status = 0;
+    while (waitpid(process_, &status, 0) == -1 && errno == EINTR) {
+    }
+    end_signal_ = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    process_ = -1;
+}
+
+}  // namespace velkctl

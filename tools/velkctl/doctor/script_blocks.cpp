@@ -1,0 +1,128 @@
+// script_blocks.cpp - where the blocks of a script are not what the library takes them for.
+#include "velkctl/doctor/script_blocks.h"
+
+#include <algorithm>
+
+#include "frame/shell_blocks.h"
+#include "frame/words.h"
+#include "velkctl/doctor/text_file.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kNoInterface = "\n\n";  // no line names it
+constexpr std::string_view kBraced = "${interface}";
+
+bool HasKeyword(std::string_view line, std::string_view keyword) {
+    return velk::HasWord(line, keyword, /*comment_aware=*/true);
+}
+
+bool IsComment(std::string_view line) {
+    return Trimmed(line).starts_with('#');
+}
+
+// Tells the branches of blocks from what is outside: in a branch, a line runs either for the
+// interface that every condition names or for one that none does.
+class BranchFollower {
+  public:
+    explicit BranchFollower(std::string_view variable)
+        : of_every_(variable, ""), of_none_(variable, kNoInterface) {}
+
+    // Takes the next line; true when it lies in a branch.
+    bool TakeNext(std::string_view line) {
+        const bool runs_for_every = of_every_.RunsNext(line);
+        return runs_for_every != of_none_.RunsNext(line);
+    }
+
+  private:
+    velk::ShellBlocks of_every_;
+    velk::ShellBlocks of_none_;
+};
+
+Finding FindingAt(const Script& script, size_t index, std::string effect, std::string what,
+                  std::string remedy) {
+    return {Severity::kProblem, script.settings, std::move(effect), std::move(what),
+            script.path,        index + 1,       std::move(remedy)};
+}
+
+// A line within a branch.
+Findings CheckInner(const Script& script, size_t index) {
+    const std::string& line = script.lines[index];
+    if (HasKeyword(line, "elif")) {
+        return {FindingAt(script, index, "may be switched for another interface",
+                          "the library takes what is below 'elif' for a part of the branch above",
+                          "write 'else', or a block of its own for each interface")};
+    }
+    if (HasKeyword(line, "if")) {
+        return {FindingAt(script, index, "may be switched for another interface",
+                          "an 'if' within a block; the library takes the block for ended at the "
+                          "first 'fi'",
+                          "write it without an 'if', as in: [ CONDITION ] && COMMAND")};
+    }
+    return {};
+}
+
+// A line that tells interfaces apart, outside every branch or beginning one.
+Findings CheckOuter(const Script& script, size_t index) {
+    const std::string& line = script.lines[index];
+    if (IsComment(line) || !velk::Contains(line, "interface")) {
+        return {};
+    }
+    const bool is_block = HasKeyword(line, "if") && velk::Contains(line, script.variable);
+    if (is_block && velk::Contains(line, "!=")) {
+        return {FindingAt(script, index, "would be switched for the wrong interface",
+                          "the library takes '!=' for '='",
+                          "compare with '=', and exchange the branches")};
+    }
+    const bool is_unknown_if = HasKeyword(line, "if") && velk::Contains(line, kBraced) && !is_block;
+    const bool is_case = HasKeyword(line, "case");
+    if (is_unknown_if || is_case) {
+        return {
+            FindingAt(script, index, "would be switched for every interface",
+                      "the library does not see that " + Excerpt(line) + " tells interfaces apart",
+                      "write: if [ \"$interface\" = \"eth0\" ]; then")};
+    }
+    return {};
+}
+
+}  // namespace
+
+Findings CheckBlocks(const Script& script) {
+    Findings findings;
+    BranchFollower branches(script.variable);
+    bool was_in_branch = false;
+    size_t begin = 0;
+    for (size_t i = 0; i < script.lines.size(); ++i) {
+        const bool is_in_branch = branches.TakeNext(script.lines[i]);
+        if (is_in_branch && !was_in_branch) {
+            begin = i;
+        }
+        Append(findings, was_in_branch ? CheckInner(script, i) : CheckOuter(script, i));
+        was_in_branch = is_in_branch;
+    }
+    if (was_in_branch) {
+        findings.push_back(FindingAt(script, begin, "may be switched for another interface",
+                                     "no line with 'fi' as a word ends the block",
+                                     "end it with a line 'fi'"));
+    }
+    return findings;
+}
+
+std::vector<size_t> LinesThatRun(const Script& script, std::string_view interface) {
+    std::vector<size_t> indexes;
+    velk::ShellBlocks blocks(script.variable, interface);
+    for (size_t i = 0; i < script.lines.size(); ++i) {
+        const bool runs = blocks.RunsNext(script.lines[i]);
+        if (runs || interface.empty()) {
+            indexes.push_back(i);
+        }
+    }
+    return indexes;
+}
+
+bool HasSecondMark(std::string_view line, size_t position) {
+    const std::string_view before = line.substr(0, position);
+    return std::ranges::count(before, '#') > 1;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,41 @@
+// text_file.h - a file of the device, read without trusting it.
+#ifndef VELKCTL_DOCTOR_TEXT_FILE_H_
+#define VELKCTL_DOCTOR_TEXT_FILE_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velkctl {
+
+enum class FileState {
+    kText,  // read, whatever is in it
+    kMissing,
+    kNotRegular,  // a folder, a FIFO, a device
+    kUnreadable,
+    kTooLarge,
+};
+
+// Never waits, as opening a FIFO would, and never takes more than a mebibyte.
+struct TextFile {
+    FileState state = FileState::kMissing;
+    int error = 0;                     // errno of a missing or unreadable one
+    std::string bytes{};               // of a text
+    std::vector<std::string> lines{};  // with a newline behind each, as the library sees them
+};
+
+TextFile ReadTextFile(const std::string& path);
+
+// The words of a line, separated by white space.
+std::vector<std::string> WordsOf(std::string_view line);
+
+// A line without white space around it, to be named in a message: 'gateway 10.0.0.1', cut when
+// long.
+std::string Excerpt(std::string_view line);
+
+// A line without white space in front of it and behind it.
+std::string_view Trimmed(std::string_view line);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_DOCTOR_TEXT_FILE_H_

@@ -1,0 +1,78 @@
+// get_verb.cpp - the verb that shows the values of settings.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "velkctl/catalogue.h"
+#include "velkctl/patience.h"
+#include "velkctl/result_codes.h"
+#include "velkctl/setting_values.h"
+#include "velkctl/verbs.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+// A setting that may be read; complains when there is none.
+std::optional<Setting> FindReadable(const std::string& name, Report& report) {
+    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    if (!setting) {
+        report.Complain("get: " + UnknownSetting(Catalogue(), name));
+        return std::nullopt;
+    }
+    if (!setting->can_get()) {
+        report.Complain(Problem{name + ": cannot be read, only set", name});
+        return std::nullopt;
+    }
+    return setting;
+}
+
+// Reads one setting and shows its value behind the prefix.
+ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocation& invocation,
+                const Patience& patience, Json& shown, Report& report) {
+    const std::string name = setting.name();
+    const Answer answer = ExecutePatiently({VELK_GET, setting.row->id, setting.interface}, {},
+                                           patience, name, report);
+    const ExitStatus status = StatusOf(answer);
+    if (status != ExitStatus::kDone) {
+        const std::string message = DescribeFailure(name + ": could not be read", answer);
+        report.Complain(Problem{message, name, answer.known_result()});
+        shown.push_back(SettingInJson(setting, nullptr, message));
+        return status;
+    }
+    report.Text(prefix + ValueInWords(setting, answer.data, invocation.show_secrets) + "\n");
+    shown.push_back(SettingInJson(
+        setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
+    return status;
+}
+
+}  // namespace
+
+ExitStatus RunGet(const Invocation& invocation, Report& report) {
+    const std::optional<Patience> patience = PatienceOf(invocation, report);
+    if (!patience) {
+        return ExitStatus::kInvalid;
+    }
+    std::vector<Setting> settings;
+    for (const std::string& name : invocation.words) {
+        const std::optional<Setting> setting = FindReadable(name, report);
+        if (!setting) {
+            return ExitStatus::kInvalid;
+        }
+        settings.push_back(*setting);
+    }
+    const bool bare = settings.size() == 1 || invocation.bare_value;
+    Json shown = Json::array();
+    ExitStatus first_failure = ExitStatus::kDone;
+    for (const Setting& setting : settings) {
+        const std::string prefix = bare ? "" : setting.name() + " = ";
+        const ExitStatus status = Show(setting, prefix, invocation, *patience, shown, report);
+        if (first_failure == ExitStatus::kDone) {
+            first_failure = status;
+        }
+    }
+    report.Member("settings", std::move(shown));
+    return first_failure;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,124 @@
+// lock_holder.cpp - which process keeps others from changing settings.
+#include "velkctl/lock_holder.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include "velkctl/descriptor.h"
+#include "velkctl/terminal.h"
+
+namespace velkctl {
+namespace {
+
+constexpr char kLockFile[] = "/var/tmp/vklib_lock";
+
+// The whole file; empty when it cannot be read.
+std::string ReadFile(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::string text;
+    std::array<char, 4096> block{};
+    ssize_t got = 0;
+    while (file.is_open() && (got = read(file.get(), block.data(), block.size())) > 0) {
+        text.append(block.data(), static_cast<size_t>(got));
+    }
+    return text;
+}
+
+// Takes the first word off a text; empty at its end.
+std::string_view TakeWord(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \n"), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(" \n"));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+// The number a word begins with.
+template <typename Number>
+std::optional<Number> NumberIn(std::string_view word) {
+    Number number{};
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    return error == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+// A file as /proc/locks names it: "fe:00:404740".
+std::string FileInLocks(dev_t device, ino_t inode) {
+    std::array<char, 64> text{};
+    (void)snprintf(text.data(), text.size(), "%02x:%02x:%llu", major(device), minor(device),
+                   static_cast<unsigned long long>(inode));
+    return text.data();
+}
+
+}  // namespace
+
+std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode) {
+    const std::string file = FileInLocks(device, inode);
+    while (!locks.empty()) {
+        std::string_view line = locks.substr(0, locks.find('\n'));
+        locks.remove_prefix(std::min(line.size() + 1, locks.size()));
+        (void)TakeWord(line);  // a running number
+        // One that waits has "->" in front of its kind.
+        if (TakeWord(line) != "FLOCK") {
+            continue;
+        }
+        (void)TakeWord(line);  // ADVISORY
+        (void)TakeWord(line);  // WRITE
+        const std::optional<int> process = NumberIn<int>(TakeWord(line));
+        if (TakeWord(line) == file && process.value_or(0) > 0) {
+            return process;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptime,
+                                   long ticks_per_second) {
+    constexpr int kFieldsBetween = 19;  // the name's end and the start, see proc(5)
+    const size_t name_end = stat.rfind(')');
+    if (name_end == std::string_view::npos || ticks_per_second <= 0) {
+        return std::nullopt;
+    }
+    stat.remove_prefix(name_end + 1);
+    for (int field = 0; field < kFieldsBetween; ++field) {
+        (void)TakeWord(stat);
+    }
+    const auto start = NumberIn<long long>(TakeWord(stat));
+    const auto now = NumberIn<long>(TakeWord(uptime));
+    if (!start || !now) {
+        return std::nullopt;
+    }
+    return std::max(*now - static_cast<long>(*start / ticks_per_second), 0L);
+}
+
+std::optional<LockHolder> FindLockHolder() {
+    struct stat file {};
+    if (stat(kLockFile, &file) != 0) {
+        return std::nullopt;
+    }
+    const std::optional<int> process =
+        FlockHolder(ReadFile("/proc/locks"), file.st_dev, file.st_ino);
+    if (!process) {
+        return std::nullopt;
+    }
+    const std::string folder = "/proc/" + std::to_string(*process);
+    std::string name = ReadFile(folder + "/comm");
+    const std::optional<long> seconds =
+        SecondsRunning(ReadFile(folder + "/stat"), ReadFile("/proc/uptime"), sysconf(_SC_CLK_TCK));
+    if (name.empty() || !seconds) {
+        return std::nullopt;  // the one that took the lock has ended, a child of it holds it
+    }
+    name.pop_back();  // the end of the line
+    return LockHolder{*process, name, *seconds};
+}
+
+std::string Words(const LockHolder& holder) {
+    return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ")";
+}
+
+}  // namespace velkctl

@@ -1,0 +1,116 @@
+// set_verb.cpp - the verb that changes a setting.
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "velkctl/catalogue.h"
+#include "velkctl/network_check.h"
+#include "velkctl/patience.h"
+#include "velkctl/secret_source.h"
+#include "velkctl/setting_values.h"
+#include "velkctl/terminal.h"
+#include "velkctl/verbs.h"
+#include "velkctl/verification.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+using Words = std::span<const std::string>;
+
+Parsed ParseWords(const Setting& setting, Words words, bool force) {
+    const ValueKind& kind = *setting.row->kind;
+    const Parsed parsed = kind.Parse(words);
+    return parsed.ok() || !force ? parsed : kind.Force(words);
+}
+
+// The data bytes of the words; those of a secret may say where it is to be found, and without any
+// it is asked for.
+Parsed ParseValue(const Setting& setting, Words words, bool force) {
+    if (!setting.row->secret || words.size() > 1 || (words.empty() && !CanAskForSecret())) {
+        return ParseWords(setting, words, force);
+    }
+    const Secret secret = words.empty() ? AskForSecret(setting.name()) : ReadSecret(words.front());
+    return secret.problem.empty() ? ParseWords(setting, {&secret.text, 1}, force)
+                                  : Unparsable(secret.problem);
+}
+
+// Says whether the name of a secret stands where its value should: the first word is the secret.
+bool IsSwapped(Words words) {
+    return std::any_of(words.begin() + 1, words.end(),
+                       [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+}
+
+// A setting that may be changed; complains when there is none.
+std::optional<Setting> FindChangeable(Words words, Report& report) {
+    const std::string& name = words.front();
+    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    if (!setting) {
+        report.Complain("set: " + UnknownSetting(Catalogue(), IsSwapped(words)
+                                                                  ? kMask
+                                                                  : std::string_view(name)));
+        return std::nullopt;
+    }
+    if (!setting->can_set()) {
+        report.Complain(Problem{name + ": cannot be set, only read", name});
+        return std::nullopt;
+    }
+    return setting;
+}
+
+// The data bytes to send; nothing, after refusing them, when they are nonsense.
+std::optional<Data> ValueToSend(const Setting& setting, const Invocation& invocation,
+                                Report& report) {
+    const Words words = Words(invocation.words).subspan(1);
+    Parsed value = ParseValue(setting, words, invocation.force);
+    if (value.ok() && !invocation.force) {
+        value.problem = NetworkProblem(setting, value.data);
+    }
+    if (!value.ok()) {
+        report.Refuse(Problem{setting.name() + ": " + value.problem, setting.name()});
+        return std::nullopt;
+    }
+    return value.data;
+}
+
+Json SetInJson(const Setting& setting, const Data& data, std::optional<bool> held) {
+    Json object;
+    object["name"] = setting.name();
+    object["value"] = ValueInJson(setting, data, false);
+    object["held"] = held ? Json(*held) : Json(nullptr);
+    return object;
+}
+
+}  // namespace
+
+ExitStatus RunSet(const Invocation& invocation, Report& report) {
+    const std::optional<Patience> patience = PatienceOf(invocation, report);
+    if (!patience) {
+        return ExitStatus::kInvalid;
+    }
+    const std::optional<Setting> setting = FindChangeable(invocation.words, report);
+    if (!setting) {
+        return ExitStatus::kInvalid;
+    }
+    const std::optional<Data> value = ValueToSend(*setting, invocation, report);
+    if (!value) {
+        return ExitStatus::kInvalid;
+    }
+    const std::string name = setting->name();
+    const Answer answer = ExecutePatiently({VELK_SET, setting->row->id, setting->interface}, *value,
+                                           *patience, name, report);
+    if (StatusOf(answer) != ExitStatus::kDone) {
+        report.Complain(Problem{DescribeFailure(name + ": could not be set", answer), name,
+                                answer.known_result()});
+        return StatusOf(answer);
+    }
+    std::optional<bool> held;
+    if (!invocation.no_verify) {
+        held = VerifySet(*setting, *value, *patience, report);
+    }
+    report.Member("setting", SetInJson(*setting, *value, held));
+    return held.value_or(true) ? ExitStatus::kDone : ExitStatus::kNotHeld;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,38 @@
+// setting_values.cpp - settings and their values, as verbs show them.
+#include "velkctl/setting_values.h"
+
+#include <algorithm>
+
+#include "velkctl/terminal.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+
+std::string ValueInWords(const Setting& setting, const Data& data, bool show_secrets) {
+    if (setting.row->secret && !show_secrets) {
+        return std::string(data == Data{} ? kNone : kMask);
+    }
+    return setting.row->kind->Print(data);
+}
+
+Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
+    if (setting.row->secret && !show_secrets) {
+        return data == Data{} ? Json(nullptr) : Json(kMask);
+    }
+    return setting.row->kind->ToJson(data);
+}
+
+Json SettingInJson(const Setting& setting, Json value, Json error) {
+    Json object;
+    object["name"] = setting.name();
+    object["value"] = std::move(value);
+    object["error"] = std::move(error);
+    return object;
+}
+
+std::string Padded(std::string text, size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+}  // namespace velkctl
