@@ -1,0 +1,203 @@
+# velkctl.bash - completes the words of velkctl.
+# shellcheck shell=bash
+#
+# The names and values are velkctl's own: it is asked with "--help", "list" and "describe", which
+# read nothing of the device and never wait.
+
+# Says the verbs, one a line.
+_velkctl_verbs() {
+    velkctl --help 2>/dev/null | while IFS= read -r line; do
+        case $line in
+            'Verbs:') in_verbs=1 ;;
+            '') in_verbs= ;;
+            *) [[ -n ${in_verbs-} && $line =~ ^\ \ ([a-z]+)\  ]] && printf '%s\n' "${BASH_REMATCH[1]}" ;;
+        esac
+    done
+}
+
+# Says the options of a verb, or those in front of it, one a line.
+_velkctl_options() { # [VERB]
+    velkctl "$@" --help 2>/dev/null | while IFS= read -r line; do
+        [[ $line =~ ^\ \ ((-[a-z]),)?(--[a-z-]+)(\ |$) ]] || continue
+        printf '%s\n' ${BASH_REMATCH[2]:+"${BASH_REMATCH[2]}"} "${BASH_REMATCH[3]}"
+    done
+}
+
+# Says the settings, one a line: name, id, interface or null, whether it can be read, and set.
+_velkctl_settings() {
+    local key value name='' id='' interface='' get=''
+    velkctl list --json 2>/dev/null | while read -r key value; do
+        value=${value%,}
+        value=${value#\"}
+        value=${value%\"}
+        case $key in
+            '"name":') name=$value ;;
+            '"id":') id=$value ;;
+            '"interface":') interface=$value ;;
+            '"get":') get=$value ;;
+            '"set":') printf '%s %s %s %s %s\n' "$name" "$id" "$interface" "$get" "$value" ;;
+        esac
+    done
+}
+
+# Says a part of every setting that fits, one a line, each once.
+_velkctl_pick() { # name|id|interface get|set|any [ID]
+    local name id interface get set picked=' ' word
+    _velkctl_settings | while read -r name id interface get set; do
+        [ "$2" = get ] && [ "$get" != true ] && continue
+        [ "$2" = set ] && [ "$set" != true ] && continue
+        [ -n "${3-}" ] && [ "$3" != "$id" ] && continue
+        case $1 in
+            name) word=$name ;;
+            id) word=$id ;;
+            interface) word=$interface ;;
+        esac
+        [ "$word" = null ] && continue
+        case $picked in *" $word "*) continue ;; esac
+        picked="$picked$word "
+        printf '%s\n' "$word"
+    done
+}
+
+_velkctl_is_secret() { # NAME
+    [[ $(velkctl describe "$1" --json 2>/dev/null) == *'"secret": true'* ]]
+}
+
+# Says the next words of a setting's values, behind the words that are there already.
+_velkctl_values() { # NAME WORD...
+    local name=$1 line in_values='' behind last=''
+    shift
+    behind="$*${1+ }"
+    velkctl describe "$name" --json 2>/dev/null | while read -r line; do
+        case $line in
+            '"values": [') in_values=1 ;;
+            ']'*) in_values= ;;
+            '"'*)
+                [ -n "$in_values" ] || continue
+                line=${line%,}
+                line=${line#\"}
+                line=${line%\"}
+                case $line in "$behind"*) ;; *) continue ;; esac
+                line=${line#"$behind"}
+                line=${line%% *}
+                [ "$line" = "$last" ] || printf '%s\n' "$line"
+                last=$line
+                ;;
+        esac
+    done
+}
+
+# Says the files that may be meant, behind the sign for them, one a line.
+_velkctl_files() { # BEGINNING
+    compgen -f -- "$1" | while IFS= read -r file; do
+        printf '@%q%s\n' "$file" "$([ -d "$file" ] && echo /)"
+    done
+}
+
+# Says what may stand in the place of a word behind the words of a verb, one a line. The word
+# itself only decides of what sort the candidates are.
+_velkctl_candidates() { # WORD VERB WORD...
+    local current=$1 verb=${2-} count
+    shift 2
+    count=$#
+    case $verb in
+        get) _velkctl_pick name get ;;
+        set)
+            if [ "$count" -eq 0 ]; then
+                _velkctl_pick name set
+            else
+                _velkctl_values "$@"
+            fi
+            ;;
+        show | restart) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
+        describe)
+            [ "$count" -eq 0 ] || return
+            case $current in
+                [0-9]*) _velkctl_pick id any ;;
+                *) _velkctl_pick name any ;;
+            esac
+            ;;
+        explain)
+            [ "$count" -gt 0 ] || printf '%s\n' LIB_VELK_SUCCESS LIB_VELK_FAILURE LIB_VELK_LOCKED \
+                LIB_VELK_INVALID_PARAMETER LIB_VELK_NO_ADAPTER LIB_VELK_WIRED_LINKED
+            ;;
+        call)
+            case $count:${1-} in
+                0:) printf '%s\n' get set restart ;;
+                1:restart) echo 1 ;;
+                1:*) _velkctl_pick id "$1" ;;
+                2:restart) _velkctl_pick interface any ;;
+                2:*) _velkctl_pick interface "$1" "$2" ;;
+            esac
+            ;;
+    esac
+}
+
+# Puts the command line's words together again, which bash takes apart at "=", ":" and "@": all up
+# to the one being completed into `words`.
+_velkctl_join_words() {
+    local i piece glue=''
+    words=()
+    for ((i = 0; i <= COMP_CWORD; ++i)); do
+        piece=${COMP_WORDS[i]}
+        if [[ ${#words[@]} -gt 0 && ($glue || $piece == [=:]*) ]]; then
+            words[${#words[@]} - 1]+=$piece
+        else
+            words+=("$piece")
+        fi
+        [[ $piece == [=:@] ]] && glue=1 || glue=
+    done
+}
+
+# Finds the verb and the words behind it that are no options.
+_velkctl_sort_words() {
+    local word takes_value='' only_words=''
+    verb=
+    plain=()
+    for word in "${words[@]:1:${#words[@]}-2}"; do
+        if [ -n "$takes_value" ]; then
+            takes_value=
+        elif [ -z "$only_words" ] && [[ $word == -?* ]]; then
+            case $word in
+                --) only_words=1 ;;
+                --text | --hex | --timeout) takes_value=1 ;;
+            esac
+        elif [ -z "$verb" ]; then
+            verb=$word
+        else
+            plain+=("$word")
+        fi
+    done
+    needs_value=$takes_value
+    no_options=$only_words
+}
+
+_velkctl() {
+    local words verb plain needs_value no_options current found piece word
+    _velkctl_join_words
+    _velkctl_sort_words
+    current=${words[${#words[@]} - 1]}
+    COMPREPLY=()
+    [ -z "$needs_value" ] || return 0
+    if [[ $current == -* && -z $no_options && ! ($verb == explain && $current == -[0-9]*) ]]; then
+        found=$(_velkctl_options ${verb:+"$verb"})
+    elif [ -z "$verb" ]; then
+        found=$(_velkctl_verbs)
+    elif [[ $verb == set && ${#plain[@]} -eq 1 && $current == @* ]] &&
+        _velkctl_is_secret "${plain[0]}"; then
+        found=$(_velkctl_files "${current#@}")
+    else
+        found=$(_velkctl_candidates "$current" "$verb" ${plain[@]+"${plain[@]}"})
+    fi
+    # What is replaced is a piece of the word, which is the second argument; without any it is the
+    # last one of those that bash took apart.
+    piece=${COMP_WORDS[COMP_CWORD]}
+    [[ $piece != [=:@] ]] || piece=
+    piece=${2-$piece}
+    while IFS= read -r word; do
+        [[ -n $word && $word == "$current"* ]] && COMPREPLY+=("${word:${#current}-${#piece}}")
+    done <<<"$found"
+    [[ ${COMPREPLY[*]} != */ ]] || compopt -o nospace 2>/dev/null
+}
+
+complete -F _velkctl velkctl

@@ -1,0 +1,255 @@
+# completion_test.sh - what bash and zsh offer when a command line of velkctl is completed.
+# shellcheck shell=bash
+# shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+
+needs_sandbox
+
+BASH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/velkctl.bash")
+ZSH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/_velkctl")
+export BASH_COMPLETION_FILE ZSH_COMPLETION_FILE
+
+# Completes lines on one device: `offered WORD... -- WORD...`, where the last word of each line is
+# the one being completed. Shows what is offered, a line each.
+offered() {
+    on_device bash -c '
+        mkdir -p /tmp/keys/more && touch /tmp/keys/psk "/tmp/keys/wep key"
+        eval "$BASH_COMPLETION_FILE"
+        complete_line() {
+            COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMPREPLY=()
+            _velkctl
+            echo "${COMPREPLY[*]:-(nothing)}"
+        }
+        line=(velkctl)
+        for word in "$@" --; do
+            if [ "$word" = -- ]; then
+                complete_line "${line[@]}"
+                line=(velkctl)
+            else
+                line+=("$word")
+            fi
+        done' bash "$@"
+    status_is 0
+    error_is ''
+}
+
+# ---- verbs and options ------------------------------------------------------------------------
+it 'offers the verbs'
+offered '' -- s -- li -- nonsense ''
+output_is 'get set show restart list describe explain doctor call
+set show
+list
+(nothing)'
+
+it 'offers the options of the verb, and those in front of it'
+offered - -- get eth0.dns - -- set --no -- restart eth1 --n -- list - -- explain -
+output_is '-h --help --version --json
+-h --help --timeout --json --show-secrets --value
+--no-verify
+--notify-only
+-h --help --json
+-h --help --json'
+
+# ---- settings ---------------------------------------------------------------------------------
+it 'offers for get what can be read, also behind other names'
+offered get eth0. -- get eth0.dns nt -- get eth0.dhcp- -- get --value eth1.ps
+output_is 'eth0.mac-address eth0.method eth0.apipa eth0.address eth0.netmask eth0.gateway eth0.dhcp-dns eth0.dns eth0.link-speed
+ntp ntp-server ntp-result
+eth0.dhcp-dns
+eth1.psk'
+
+it 'offers for set what can be changed'
+offered set eth0. -- set nt -- set eth1.r
+output_is 'eth0.method eth0.apipa eth0.address eth0.netmask eth0.gateway eth0.dhcp-dns eth0.dns eth0.dhcp-notice eth0.link-speed
+ntp ntp-server
+(nothing)'
+
+it 'offers every setting that velkctl lists'
+on_device bash -c 'eval "$BASH_COMPLETION_FILE"
+    COMP_WORDS=(velkctl describe "") COMP_CWORD=2
+    _velkctl
+    printf "%s\n" "${COMPREPLY[@]}" | diff - <(velkctl list | sed "s/ .*//") && echo same'
+output_is 'same'
+
+# ---- values -----------------------------------------------------------------------------------
+it 'offers the values of a setting that has a few'
+offered set ntp '' -- set eth0.method '' -- set eth0.link-speed 10- -- set eth1.service-set a -- \
+    set eth1.encryption '' -- set eth1.channel 1 -- set eth1.ssid '' -- set eth0.dns ''
+output_is 'on off
+static dhcp
+10-full 10-half
+ad-hoc
+1 wep 3 4
+1 10 11 12 13
+(nothing)
+(nothing)'
+
+it 'offers a schedule word by word'
+offered set web-update '' -- set web-update weekly s -- set web-update weekly sunday '' -- \
+    set web-update daily '' -- set web-update of
+output_is 'off every daily weekly monthly
+sunday saturday
+(nothing)
+(nothing)
+off'
+
+it 'looks past options and their values'
+offered set --wait eth0.method d -- set --wait = 5 eth0.method d -- \
+    set --timeout 5 eth0.method d -- call --text x g -- set --timeout ''
+output_is 'dhcp
+dhcp
+dhcp
+get
+(nothing)'
+
+it 'offers files for a secret, behind @ alone and for nothing else'
+offered set eth1.psk @/tmp/keys/p -- set eth1.wep-key-1 @/tmp/keys/w -- \
+    set eth1.psk @ /tmp/keys/m -- set eth1.psk /tmp/keys/p -- set eth1.ssid @/tmp/keys/p -- \
+    set eth1.psk @/tmp/keys/no
+output_is '@/tmp/keys/psk
+@/tmp/keys/wep\ key
+/tmp/keys/more/
+(nothing)
+(nothing)
+(nothing)'
+
+# ---- the other verbs --------------------------------------------------------------------------
+it 'offers the interfaces to show and restart'
+offered show '' -- restart eth1 -- show eth0 '' -- restart eth0 ''
+output_is 'eth0 eth1
+eth1
+(nothing)
+(nothing)'
+
+it 'offers ids to describe once a digit stands there'
+offered describe 10 -- describe eth0.d
+output_is '10 101 102 103 104 105 106 107 108 109
+eth0.dhcp-dns eth0.dns eth0.dhcp-notice'
+
+it 'offers the results to explain, all that velkctl knows'
+offered explain LIB_VELK_L -- explain -3
+output_is 'LIB_VELK_LOCKED
+(nothing)'
+on_device bash -c 'eval "$BASH_COMPLETION_FILE"
+    COMP_WORDS=(velkctl explain "") COMP_CWORD=2
+    _velkctl
+    known=$(for code in $(seq -20 20); do velkctl explain "$code"; done |
+        sed -n "s/^\(LIB_VELK_[A-Z_]*\) .*/\1/p" | sort)
+    [ "$known" = "$(printf "%s\n" "${COMPREPLY[@]}" | sort)" ] && echo same'
+output_is 'same'
+
+it 'offers types, ids and interfaces for a call, those that the command takes'
+offered call '' -- call set 11 -- call get 11 -- call set 109 '' -- call get 303 '' -- \
+    call get 2 '' -- call restart '' -- call restart 1 ''
+output_is 'get set restart
+11
+11
+eth0
+eth1
+(nothing)
+1
+eth0 eth1'
+
+# ---- as a whole -------------------------------------------------------------------------------
+it 'asks velkctl for nothing that it would have to ask the device'
+on_device bash -c '
+    mkdir /tmp/bin
+    printf "%s\n" "#!/bin/sh" "echo \"\$*\" >>/tmp/asked" "exec $(command -v velkctl) \"\$@\"" \
+        >/tmp/bin/velkctl
+    chmod +x /tmp/bin/velkctl
+    PATH=/tmp/bin:$PATH
+    eval "$BASH_COMPLETION_FILE"
+    for line in "" "get " "set " "set eth1.psk " "set eth1.psk @/" "set web-update " "show " \
+        "restart " "list " "describe " "describe 1" "explain " "doctor " "call " "call get " \
+        "call get 108 " "set -"; do
+        IFS=" " read -ra COMP_WORDS <<<"velkctl $line."
+        last=$((${#COMP_WORDS[@]} - 1))
+        COMP_WORDS[last]=${COMP_WORDS[last]%.} COMP_CWORD=$last
+        _velkctl
+    done
+    sort -u /tmp/asked'
+output_is '--help
+describe eth1.psk --json
+describe web-update --json
+list --json
+set --help'
+
+# ---- at a terminal ----------------------------------------------------------------------------
+# Types a line and a tab into an interactive shell, and shows what becomes of the line. A word that
+# is complete gets a blank behind it.
+TYPIST='
+import os, pty, re, select, sys, time
+
+shell, lines = sys.argv[1], sys.argv[2:]
+show = {"bash": "show() { printf \"\\n<%s>\\n\" \"$READLINE_LINE\"; READLINE_LINE=; }\n"
+                "bind -x \"\\\"\\C-t\\\": show\"\n",
+        "zsh": "show() { print -r; print -r -- \"<$BUFFER>\"; BUFFER=; }\n"
+               "zle -N show; bindkey \"^T\" show\n"}
+load = {"bash": "eval \"$BASH_COMPLETION_FILE\"\n",
+        "zsh": "mkdir /tmp/completion; print -r -- \"$ZSH_COMPLETION_FILE\" >/tmp/completion/_velkctl\n"
+               "fpath=(/tmp/completion $fpath); autoload -Uz compinit; compinit -D -u\n"}
+arguments = {"bash": ["bash", "--norc", "--noprofile", "-i"], "zsh": ["zsh", "-f", "-i"]}[shell]
+
+child, terminal = pty.fork()
+if child == 0:
+    os.environ.update(TERM="dumb", PS1="> ", HISTFILE="/dev/null")
+    os.execvp(arguments[0], arguments)
+
+def read_until(pattern):
+    seen, end = "", time.monotonic() + 20
+    while not re.search(pattern, seen) and time.monotonic() < end:
+        if select.select([terminal], [], [], 0.1)[0]:
+            try:
+                seen += os.read(terminal, 4096).decode(errors="replace")
+            except OSError:
+                break
+    return seen
+
+os.write(terminal, (load[shell] + show[shell] + "echo re\"\"ady\n").encode())
+read_until("ready\r")
+for line in lines:
+    os.write(terminal, (line + "\t").encode())
+    os.write(terminal, b"\x14")  # read when the completion is done
+    found = re.search("<(.*)>\r", read_until("<.*>\r"))
+    print(found.group(1) + "|" if found else "nothing came")
+'
+export TYPIST
+
+types_in() { # SHELL LINE...
+    on_device sh -c 'mkdir -p /tmp/keys && touch /tmp/keys/secret && exec python3 -c "$TYPIST" "$@"' sh "$@"
+    status_is 0
+    output_is 'velkctl describe |
+velkctl get eth1.psk |
+velkctl get --show-secrets |
+velkctl set eth0.method |
+velkctl set eth0.method static |
+velkctl set --wait=5 eth0.method |
+velkctl set web-update weekly thursday |
+velkctl set eth1.psk @/tmp/keys/secret |
+velkctl restart eth1 --notify-only |
+velkctl call get 303 eth1 |
+velkctl explain LIB_VELK_LOCKED |
+velkctl show eth|'
+}
+lines=('velkctl des' 'velkctl get eth1.ps' 'velkctl get --sh' 'velkctl set eth0.me'
+    'velkctl set eth0.method s' 'velkctl set --wait=5 eth0.me' 'velkctl set web-update weekly th'
+    'velkctl set eth1.psk @/tmp/keys/se' 'velkctl restart eth1 --no' 'velkctl call get 303 '
+    'velkctl explain LIB_VELK_LO' 'velkctl show ')
+if command -v python3 >/dev/null; then
+    it 'completes what is typed into bash'
+    types_in bash "${lines[@]}"
+    if command -v zsh >/dev/null; then
+        it 'completes what is typed into zsh'
+        types_in zsh "${lines[@]}"
+    fi
+fi
+
+if command -v zsh >/dev/null; then
+    it 'is a script that zsh can read'
+    run zsh -n "$VELK_SOURCE/packaging/completion/_velkctl"
+    status_is 0
+    error_is ''
+fi
+
+finish

@@ -1,0 +1,61 @@
+# manual_test.sh - the manual pages: that they are well-formed, and that their examples work.
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+
+pages=$VELK_SOURCE/docs/man
+
+if command -v mandoc >/dev/null; then
+    it 'has manual pages that mandoc takes without a word'
+    for page in velkctl.1 libvelk.3 velk-sandbox.1; do
+        run mandoc -T lint -W warning "$pages/$page"
+        status_is 0
+        output_is ''
+        error_is ''
+    done
+    it 'shows pages as people read them'
+    run mandoc -T ascii "$pages/velkctl.1"
+    plain=${output//?$'\b'/} # bold and underlined letters are struck twice
+    has 'the page' 'eth0.dns, eth1.dns (108, get and set)' "$plain"
+    has 'the page' 'velkctl set eth1.psk @/run/keys/psk' "$plain"
+    has 'the page' '--wait[=SECONDS]' "$plain"
+fi
+
+it 'has a program in libvelk(3) that compiles without a warning, and works'
+needs_sandbox
+compiler=$(command -v cc || command -v gcc || command -v clang) || skip 'no C compiler here'
+sed -n '/^#include <stdio.h>/,/^\.Ed/{s/\\e/\\/g;/^\.Ed/!p;}' "$pages/libvelk.3" >"$lib_folder/example.c"
+run "$compiler" -std=c99 -Wall -Wextra -Werror "-I$VELK_SOURCE/include" \
+    -o "$lib_folder/example" "$lib_folder/example.c" "-L$VELK_BUILD" -lvelk \
+    -Wl,-rpath-link,"$VELK_BUILD"
+status_is 0
+error_is ''
+# The device has a /tmp of its own; a folder that is passed on stays visible.
+run velk-sandbox --quiet --writable "$lib_folder" -- env "LD_LIBRARY_PATH=$VELK_BUILD" sh -c '
+    "$1" && cat /etc/resolv.dnsmasq.conf' sh "$lib_folder/example"
+status_is 0
+error_is ''
+output_is '192.168.0.1
+nameserver 192.168.0.1'
+
+# The command lines in the page: those in its literal blocks.
+examples=$(sed -n '/^\.Bd -literal/,/^\.Ed/{/^velkctl /p;}' "$pages/velkctl.1")
+
+it 'has examples in velkctl(1) that work on a device without a cable'
+check 'there are examples' yes "$([ "$(wc -l <<<"$examples")" -gt 15 ] && echo yes)"
+on_device sh -c '
+    velk-sandbox cable out
+    mkdir -p /run/keys && echo a-long-enough-key >/run/keys/psk
+    printf "%s\n" "$1" | while IFS= read -r line; do
+        sh -c "$line" >/tmp/out 2>/tmp/err </dev/null
+        status=$?
+        # A machine may lack tools of a device, which doctor finds.
+        [ "$line $status" != "velkctl doctor 1" ] || status=0
+        [ "$status" = 0 ] && echo "works: $line" || echo "$status: $line: $(cat /tmp/err)"
+    done' sh "$examples"
+status_is 0
+output_is "works: ${examples//$'\n'/$'\n'works: }"
+error_is ''
+
+finish
