@@ -77,7 +77,9 @@ class Showing {
                 setting, ValueInJson(setting, answer.data, invocation_.show_secrets), nullptr));
             return;
         }
-        daemon_is_silent_ = answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
+        const bool took_long =
+            answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
+        daemon_is_silent_ = daemon_is_silent_ || (took_long && IsWireless(setting));
         Fail(setting, WhyNot(answer));
     }
 

@@ -254,12 +254,12 @@ TEST_F(CrontabPropertiesTest, AServerSetTwiceIsAServerSetOnce) {
         const std::string& server = dice.OneOf(kServers);
         text.clear();
         for (const std::string& line : lines) {
-            text += line + "\n";
-            expected += line + "\n";
+            text.append(line).append("\n");
+            expected.append(line).append("\n");
             if (dice.OneIn(2)) {
-                const std::string& prefix = dice.OneOf(kPrefixes);
-                text += prefix + "ntpdate -u " + dice.OneOf(kOldServers) + " > log\n";
-                expected += prefix + "ntpdate -u " + server + " > log\n";
+                const std::string entry = dice.OneOf(kPrefixes) + "ntpdate -u ";
+                text.append(entry).append(dice.OneOf(kOldServers)).append(" > log\n");
+                expected.append(entry).append(server).append(" > log\n");
             }
         }
         WriteFile(kCrontab, text);

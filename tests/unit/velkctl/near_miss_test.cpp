@@ -18,7 +18,7 @@ TEST(NearMiss, FindsOneLetterWrongMissingTooManyOrSwapped) {
 }
 
 TEST(NearMiss, FindsTwo) {
-    EXPECT_EQ(NearMiss("eth0.adres", kNames), "eth0.address");
+    EXPECT_EQ(NearMiss("eth0.adess", kNames), "eth0.address");
     EXPECT_EQ(NearMiss("eht0.gatewya", kNames), "eth0.gateway");
     EXPECT_EQ(NearMiss("eth0.gtwy", kNames), "");
 }

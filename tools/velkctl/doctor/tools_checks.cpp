@@ -66,7 +66,7 @@ Finding MissingTool(const Tool& tool) {
     const std::string name(tool.name);
     const bool has_place = name.starts_with('/');
     return {
-        Severity::kProblem,
+        tool.severity,
         name,
         "is not installed",
         std::string(tool.consequence),
