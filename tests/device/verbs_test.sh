@@ -125,9 +125,9 @@ status_is 0
 error_is ''
 
 it 'guesses what a misspelt word means'
-on_device velkctl get eth0.gatway
+on_device velkctl get eth0.gateways
 status_is 2
-error_is "velkctl: get: unknown setting 'eth0.gatway'; did you mean eth0.gateway?"
+error_is "velkctl: get: unknown setting 'eth0.gateways'; did you mean eth0.gateway?"
 on_device velkctl gte eth0.dns
 status_is 2
 error_is "velkctl: unknown verb 'gte'; did you mean get? ('velkctl --help' explains them)"
