@@ -66,7 +66,7 @@ ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals
         return;
     }
     answer_.Reset(ends[0]);
-    const Descriptor sender(ends[1]);
+    const velk::UniqueFd sender(ends[1]);
     const pid_t parent = getpid();
     process_ = fork();
     if (process_ == 0) {

@@ -6,7 +6,7 @@
 
 #include <sys/types.h>
 
-#include "velkctl/descriptor.h"
+#include "frame/unique_fd.h"
 #include "velkctl/device.h"
 #include "velkctl/stop_signals.h"
 
@@ -39,7 +39,7 @@ class ChildCall {
   private:
     void Reap();
 
-    Descriptor answer_;
+    velk::UniqueFd answer_;
     pid_t process_ = -1;
     int start_error_ = 0;
     int end_signal_ = 0;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "frame/words.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
@@ -10,17 +11,13 @@ namespace {
 
 constexpr size_t kLongestName = 253;  // of a host, see hostname(7)
 
-bool IsLetterOrDigit(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
 bool IsNameCharacter(char c) {
-    return IsLetterOrDigit(c) || std::string_view(".-:_").find(c) != std::string_view::npos;
+    return velk::IsLetterOrDigit(c) || std::string_view(".-:_").find(c) != std::string_view::npos;
 }
 
 // One that begins with a sign would be an option of the program that gets it.
 bool IsHostName(std::string_view word) {
-    return !word.empty() && word.size() <= kLongestName && IsLetterOrDigit(word.front()) &&
+    return !word.empty() && word.size() <= kLongestName && velk::IsLetterOrDigit(word.front()) &&
            std::ranges::all_of(word, IsNameCharacter);
 }
 

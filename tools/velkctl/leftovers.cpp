@@ -12,15 +12,15 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "frame/command_output.h"
+#include "frame/unique_fd.h"
 #include "velk.h"
-#include "velkctl/descriptor.h"
+#include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
 
-constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kReadySemaphore[] = "/WlanAplRecvSem";
-constexpr char kToolOutput[] = "/var/tmp/get_result";
 constexpr char kToolOutputLock[] = "/var/tmp/get_result_lock";
 constexpr std::array kEditCopies{
     "/var/tmp/interfaces",      "/var/tmp/dhclient.conf", "/var/tmp/dhclient-exit-hooks",
@@ -30,7 +30,7 @@ constexpr std::array kEditCopies{
 // Says whether a program has the reply socket bound. The kernel refuses a connection to a path
 // that nobody has, and to no other.
 bool IsReplySocketInUse() {
-    const Descriptor probe(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const velk::UniqueFd probe(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     memcpy(address.sun_path, kReplySocket, sizeof(kReplySocket));
@@ -51,9 +51,9 @@ void RemoveQuery() {
 
 void RemoveToolOutput() {
     // Without O_CREAT: where nobody has ever read a tool's output, there is none.
-    const Descriptor lock(open(kToolOutputLock, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
-    if (lock.is_open() && flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
-        (void)unlink(kToolOutput);
+    const velk::UniqueFd lock(open(kToolOutputLock, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+    if (lock.get() != -1 && flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
+        (void)unlink(velk::kResultFile);
     }
 }
 

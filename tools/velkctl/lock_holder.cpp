@@ -11,32 +11,24 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include "velkctl/descriptor.h"
+#include "frame/unique_fd.h"
+#include "frame/words.h"
+#include "velkctl/places.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
 namespace {
 
-constexpr char kLockFile[] = "/var/tmp/vklib_lock";
-
 // The whole file; empty when it cannot be read.
 std::string ReadFile(const std::string& path) {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const velk::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::string text;
     std::array<char, 4096> block{};
     ssize_t got = 0;
-    while (file.is_open() && (got = read(file.get(), block.data(), block.size())) > 0) {
+    while (file.get() != -1 && (got = read(file.get(), block.data(), block.size())) > 0) {
         text.append(block.data(), static_cast<size_t>(got));
     }
     return text;
-}
-
-// Takes the first word off a text; empty at its end.
-std::string_view TakeWord(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \n"), text.size()));
-    const std::string_view word = text.substr(0, text.find_first_of(" \n"));
-    text.remove_prefix(word.size());
-    return word;
 }
 
 // The number a word begins with.
@@ -62,15 +54,15 @@ std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode
     while (!locks.empty()) {
         std::string_view line = locks.substr(0, locks.find('\n'));
         locks.remove_prefix(std::min(line.size() + 1, locks.size()));
-        (void)TakeWord(line);  // a running number
+        (void)velk::TakeWord(line);  // a running number
         // One that waits has "->" in front of its kind.
-        if (TakeWord(line) != "FLOCK") {
+        if (velk::TakeWord(line) != "FLOCK") {
             continue;
         }
-        (void)TakeWord(line);  // ADVISORY
-        (void)TakeWord(line);  // WRITE
-        const std::optional<int> process = NumberIn<int>(TakeWord(line));
-        if (TakeWord(line) == file && process.value_or(0) > 0) {
+        (void)velk::TakeWord(line);  // ADVISORY
+        (void)velk::TakeWord(line);  // WRITE
+        const std::optional<int> process = NumberIn<int>(velk::TakeWord(line));
+        if (velk::TakeWord(line) == file && process.value_or(0) > 0) {
             return process;
         }
     }
@@ -86,10 +78,10 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
     }
     stat.remove_prefix(name_end + 1);
     for (int field = 0; field < kFieldsBetween; ++field) {
-        (void)TakeWord(stat);
+        (void)velk::TakeWord(stat);
     }
-    const auto start = NumberIn<long long>(TakeWord(stat));
-    const auto now = NumberIn<long>(TakeWord(uptime));
+    const auto start = NumberIn<long long>(velk::TakeWord(stat));
+    const auto now = NumberIn<long>(velk::TakeWord(uptime));
     if (!start || !now) {
         return std::nullopt;
     }

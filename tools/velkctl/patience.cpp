@@ -12,6 +12,7 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include "frame/unique_fd.h"
 #include "velkctl/blocking.h"
 #include "velkctl/child_call.h"
 #include "velkctl/leftovers.h"
@@ -141,7 +142,7 @@ Outcome Await(const ChildCall& child, const StopSignals& signals, const Call& ca
     const Blocking blocking = LongestCall(call.command);
     const std::string_view awaited = blocking.awaited.empty() ? kAnyWait : blocking.awaited;
     const int longest = LongestWait(blocking, timeout_seconds);
-    const Descriptor signal_fd(signalfd(-1, &signals.signals(), SFD_CLOEXEC));
+    const velk::UniqueFd signal_fd(signalfd(-1, &signals.signals(), SFD_CLOEXEC));
     ProgressDisplay progress(!call.report.is_json() && IsTerminal(STDERR_FILENO));
     std::array<pollfd, 2> awaited_fds{{{child.fd(), POLLIN, 0}, {signal_fd.get(), POLLIN, 0}}};
     for (const auto start = Clock::now();;) {

@@ -10,16 +10,13 @@
 
 #include <unistd.h>
 
+#include "velkctl/hex.h"
+
 namespace velkctl {
 namespace {
 
-constexpr char kHexDigits[] = "0123456789abcdef";
-
 void AppendEscape(std::string& text, char byte) {
-    const auto value = static_cast<unsigned char>(byte);
-    text.append("\\x");
-    text.push_back(kHexDigits[value >> 4U]);
-    text.push_back(kHexDigits[value & 0xfU]);
+    text.append("\\x").append(ToHex({&byte, 1}));
 }
 
 // One length that characters have in UTF-8: what the first byte looks like, and the lowest code

@@ -10,15 +10,15 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include "frame/unique_fd.h"
 #include "support/device_test.h"
-#include "velkctl/descriptor.h"
 
 namespace {
 
 using testkit::Exists;
 using testkit::WriteFile;
 using velkctl::Command;
-using velkctl::Descriptor;
+
 using velkctl::RemoveLeftovers;
 
 constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
@@ -35,7 +35,7 @@ class RemoveLeftoversTest : public testkit::DeviceTest {
     // What a killed call can leave, all of it.
     void LeaveEverything() {
         (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
-        const Descriptor reply(BoundReplySocket());
+        const velk::UniqueFd reply(BoundReplySocket());
         WriteFile(kToolOutput, "Link detected: yes\n");
         WriteFile(kToolOutputLock, "");
         WriteFile(kEditCopy, "iface eth0 inet dhcp\n");
@@ -77,7 +77,7 @@ TEST_F(RemoveLeftoversTest, AQueryLeavesNoSemaphoreWhenItDidNotComeToTheSocket) 
 TEST_F(RemoveLeftoversTest, TheQueryOfAnotherProgramIsLeftAlone) {
     LeaveEverything();
     unlink(kReplySocket);
-    const Descriptor other(BoundReplySocket());
+    const velk::UniqueFd other(BoundReplySocket());
     RemoveLeftovers(kQuery, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
@@ -113,7 +113,7 @@ TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
 
 TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
     LeaveEverything();
-    const Descriptor lock(open(kToolOutputLock, O_RDWR | O_CLOEXEC));
+    const velk::UniqueFd lock(open(kToolOutputLock, O_RDWR | O_CLOEXEC));
     ASSERT_EQ(flock(lock.get(), LOCK_EX | LOCK_NB), 0);
     RemoveLeftovers(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kToolOutput}));

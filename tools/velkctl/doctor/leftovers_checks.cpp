@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "frame/command_output.h"
 #include "velkctl/doctor/age.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/query_places.h"
@@ -18,7 +19,6 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kFolder = "/var/tmp";
-constexpr char kResultFile[] = "/var/tmp/get_result";
 constexpr mode_t kShared = S_ISVTX | S_IWOTH;
 
 struct Edited {
@@ -154,23 +154,24 @@ Findings CheckEditCopies() {
 
 Findings CheckResultFile() {
     struct stat facts {};
-    if (lstat(kResultFile, &facts) == -1) {
+    if (lstat(velk::kResultFile, &facts) == -1) {
         return {};
     }
     const std::string_view settings = "link-speed, and what is read from ifconfig,";
     if (!S_ISREG(facts.st_mode)) {
         return {FindingOn(Severity::kProblem, settings, "cannot be read",
                           KindOf(facts.st_mode) + " stands where tools write their output",
-                          kResultFile)};
+                          velk::kResultFile)};
     }
-    if (!MayOpen(kResultFile) || IsProtected(facts)) {
+    if (!MayOpen(velk::kResultFile) || IsProtected(facts)) {
         return {FindingOn(Severity::kProblem, settings, "are read from an old result",
-                          "another user's, " + AgeOf(facts) + " old, is in the way", kResultFile)};
+                          "another user's, " + AgeOf(facts) + " old, is in the way",
+                          velk::kResultFile)};
     }
     return {
         FindingOn(Severity::kWarning, settings, "may not have been read",
                   "a result was left behind, " + AgeOf(facts) + " old; the next one overwrites it",
-                  kResultFile)};
+                  velk::kResultFile)};
 }
 
 Findings CheckQueryRemains() {

@@ -10,11 +10,11 @@
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/text_file.h"
 #include "velkctl/lock_holder.h"
+#include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
 
-constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 constexpr mode_t kLockMode = 0666;
 constexpr mode_t kModeBits = 07777;
 

@@ -6,10 +6,10 @@
 
 #include <sys/stat.h>
 
+#include "velkctl/places.h"
+
 namespace velkctl {
 
-inline constexpr char kRequestSocket[] = "/tmp/WlanAplToWlanSock";
-inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 
 // Says whether a process has this path bound.
