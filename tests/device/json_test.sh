@@ -192,9 +192,9 @@ answers <<'END'
 2 set web-update weekly -> nothing; web-update -
 2 set eth1.psk -> nothing; eth1.psk -
 2 set eth1.psk @/nonexistent -> nothing; eth1.psk -
-2 call get 999 -> result data
-2 call get 317 eth0 -> result data
-2 call set 101 eth0 -> result
+2 call get 999 -> result data; - LIB_VELK_INVALID_PARAMETER
+2 call get 317 eth0 -> result data; - LIB_VELK_INVALID_PARAMETER
+2 call set 101 eth0 -> result; - LIB_VELK_INVALID_PARAMETER
 END
 
 it 'answers with a document while another program holds the lock'
@@ -202,7 +202,7 @@ answers <<'END'
 3 locked set eth0.dns 1.1.1.1 -> nothing; eth0.dns LIB_VELK_LOCKED
 3 locked set eth0.dns 1.1.1.1 --wait=1 -> nothing; eth0.dns LIB_VELK_LOCKED
 3 locked restart eth0 -> interface; - LIB_VELK_LOCKED
-3 locked call set 108 eth0 --text 1.1.1.1 -> result
+3 locked call set 108 eth0 --text 1.1.1.1 -> result; - LIB_VELK_LOCKED
 0 locked get eth0.dns -> settings
 END
 
@@ -215,7 +215,7 @@ answers <<'END'
 1 set eth1.ssid lab -> nothing; eth1.ssid LIB_VELK_FAILURE
 0 show eth1 -> settings
 4 restart eth1 -> interface; - LIB_VELK_NO_ADAPTER
-4 call get 101 eth1 -> result data
+4 call get 101 eth1 -> result data; - LIB_VELK_NO_ADAPTER
 0 restart eth0 -> interface
 END
 
@@ -223,7 +223,7 @@ it 'answers with a document while the cable is in'
 answers <<'END'
 5 get eth1.mac-address eth1.ssid -> settings; eth1.mac-address LIB_VELK_WIRED_LINKED
 0 show eth1 -> settings
-5 call get 317 eth1 -> result data
+5 call get 317 eth1 -> result data; - LIB_VELK_WIRED_LINKED
 END
 
 it 'answers with a document when the device does not hold the value'
@@ -240,7 +240,7 @@ answers <<'END'
 1 get eth0.dns eth0.method -> settings; eth0.dns LIB_VELK_FAILURE
 1 set eth0.dns 1.1.1.1 -> nothing; eth0.dns LIB_VELK_FAILURE
 0 show eth0 -> settings
-1 call get 108 eth0 -> result data
+1 call get 108 eth0 -> result data; - LIB_VELK_FAILURE
 END
 
 it 'answers with a document when it has waited long enough'

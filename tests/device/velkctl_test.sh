@@ -330,8 +330,8 @@ output_is 'LIB_VELK_SUCCESS (0): done
 it 'shows the result of a get that failed'
 without_resolver velkctl call get 108 eth0
 status_is 1
-error_is ''
-output_is 'LIB_VELK_FAILURE (-1): file, socket, time-out or unreadable value'
+error_is 'velkctl: call: LIB_VELK_FAILURE (-1): file, socket, time-out or unreadable value'
+output_is ''
 
 it 'sends text as it stands'
 for text in 10.0.0.1 '[a,b]' '{}' %% nonsense; do
@@ -427,9 +427,8 @@ for arguments in 'get 108' 'get 108 eth2' 'get 108 eth0eth0eth0eth0' 'get 999 et
     # shellcheck disable=SC2086  # words
     with_resolver 'nameserver 9.9.9.9\n' velkctl call $arguments --text 1.1.1.1
     status_is 2
-    error_is ''
-    output_has 'LIB_VELK_INVALID_PARAMETER (-4): the library does not take this command, interface or value
--- /etc/resolv.dnsmasq.conf
+    error_is 'velkctl: call: LIB_VELK_INVALID_PARAMETER (-4): the library does not take this command, interface or value'
+    output_has '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --'
 done
@@ -438,9 +437,9 @@ it 'shows that the lock is held'
 with_resolver 'nameserver 9.9.9.9\n' \
     flock -x /var/tmp/vklib_lock velkctl call set 108 eth0 --text 1.1.1.1
 status_is 3
-error_is ''
-output_is 'LIB_VELK_LOCKED (-3): another program is changing settings now, try again
--- /etc/resolv.dnsmasq.conf
+error_has 'velkctl: call: LIB_VELK_LOCKED (-3): another program is changing settings now, try again; process '
+error_has ' (flock) holds the lock'
+output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --
 lock file made'

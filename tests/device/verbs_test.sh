@@ -101,7 +101,7 @@ output_is '192.168.0.10
 it 'refuses a gateway outside the network, unless forced'
 on_device sh -c 'velkctl set eth0.gateway 10.0.0.1; echo $?; velkctl get eth0.gateway
     velkctl set eth0.gateway 10.0.0.1 --force; echo $?; velkctl get eth0.gateway'
-error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24; set its address and netmask first, or give --force'
+error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24; give another, set the address and netmask first, or give --force'
 output_is '2
 192.168.0.1
 0

@@ -56,9 +56,7 @@ Blocking LongestCall(const Command& command) {
     if (command.type == VELK_SET && is_identity) {
         return {0, kSnmp};
     }
-    const bool is_address = command.id == VELK_CMD_IP_ADDRESS || command.id == VELK_CMD_NETMASK ||
-                            command.id == VELK_CMD_GATEWAY;
-    if (!is_wireless || (command.type == VELK_SET && is_address)) {
+    if (!is_wireless || (command.type == VELK_SET && IsAddressCommand(command.id))) {
         return {};
     }
     return OfWireless(command.id);

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "velkctl/catalogue.h"
-#include "velkctl/device.h"
+#include "velkctl/command.h"
 
 namespace velkctl {
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/device.h"
 #include "velkctl/hex.h"
 #include "velkctl/patience.h"
 #include "velkctl/result_codes.h"
@@ -67,27 +68,28 @@ std::string MaskedDump(const Data& data) {
     return data == Data{} ? "" : std::string(kMask).append("\n");
 }
 
-void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
-    report.Text(DescribeResult(answer.result) + "\n");
-    report.Member("result", ResultInJson(answer.result));
-    if (command.type != VELK_GET) {
-        return;
-    }
-    report.Text(masked ? MaskedDump(answer.data) : Dump(answer.data));
-    report.Member("data", masked && answer.data != Data{} ? Json(kMask)
-                                                          : Json(ToHex(UsedBytes(answer.data))));
+void TellData(const Data& data, bool masked, Report& report) {
+    report.Text(masked ? MaskedDump(data) : Dump(data));
+    report.Member("data", masked && data != Data{} ? Json(kMask) : Json(ToHex(UsedBytes(data))));
 }
 
-ExitStatus CallAndTell(const Command& command, const Data& data, bool masked,
-                       const Patience& patience, Report& report) {
-    const Answer answer =
-        ExecutePatiently(command, data, patience, "command " + std::to_string(command.id), report);
+// The result is what was asked for; one that is a failure is complained about besides.
+void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
     if (answer.timed_out) {
         report.Complain(DescribeFailure("call", answer));
-    } else {
-        Tell(command, answer, masked, report);
+        return;
     }
-    return StatusOf(answer);
+    report.Member("result", ResultInJson(answer.result));
+    if (answer.ok()) {
+        report.Text(DescribeResult(answer.result) + "\n");
+    } else {
+        const std::string remark = answer.remark.empty() ? "" : "; " + answer.remark;
+        report.Complain(
+            Problem{"call: " + DescribeResult(answer.result) + remark, {}, answer.result});
+    }
+    if (command.type == VELK_GET) {
+        TellData(answer.data, masked, report);
+    }
 }
 
 }  // namespace
@@ -117,7 +119,11 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
         return report.Refuse("call: " + data.problem);
     }
     const bool masked = NamesSecret(Catalogue(), invocation.words[1]) && !invocation.show_secrets;
-    return CallAndTell({*type, *id, interface}, data.data, masked, *patience, report);
+    const Command command{*type, *id, interface};
+    const Answer answer =
+        Device(*patience, report).Execute(command, data.data, "command " + std::to_string(*id));
+    Tell(command, answer, masked, report);
+    return StatusOf(answer);
 }
 
 }  // namespace velkctl

@@ -4,8 +4,8 @@
 
 #include <string_view>
 
+#include "velkctl/answer.h"
 #include "velkctl/catalogue.h"
-#include "velkctl/device.h"
 
 namespace velkctl {
 

@@ -1,17 +1,22 @@
 // child_call.cpp - runs a command in a process of its own, so that it can be given up.
 #include "velkctl/child_call.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
+#include <sstream>
 
 #include <fcntl.h>
 #include <limits.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "velkctl/library_call.h"
 
 namespace velkctl {
 namespace {
@@ -26,16 +31,24 @@ static_assert(sizeof(Message) <= PIPE_BUF);
 // Tools are waited for 100 times 10 ms.
 constexpr int kToolTries = 100;
 constexpr timespec kToolPause{0, 10 * 1000 * 1000};
+constexpr size_t kMostSaid = 8192;
+
+// A file in memory: unlike a pipe, it does not stop a tool that goes on in the background.
+velk::UniqueFd MakeNotebook() {
+    return velk::UniqueFd(memfd_create("velkctl", MFD_CLOEXEC));
+}
 
 [[noreturn]] void Serve(const Command& command, const Data& data, const sigset_t& mask,
-                        pid_t parent, int answer_fd) {
+                        pid_t parent, int answer_fd, int said_fd) {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
         _exit(1);  // velkctl has ended already
     }
     (void)setsid();
+    (void)dup2(said_fd, STDOUT_FILENO);
+    (void)dup2(said_fd, STDERR_FILENO);
     (void)sigprocmask(SIG_SETMASK, &mask, nullptr);
-    const Answer answer = Execute(command, data);
+    const Answer answer = CallLibrary(command, data);
     const Message message{answer.result, answer.data};
     const bool is_sent = write(answer_fd, &message, sizeof(message)) == sizeof(message);
     _exit(is_sent ? 0 : 1);  // what velkctl has not printed yet is not this process's to print
@@ -58,7 +71,8 @@ bool WaitForTools() {
 
 }  // namespace
 
-ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals& signals) {
+ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals& signals)
+    : said_(MakeNotebook()) {
     (void)fflush(nullptr);
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) == -1) {
@@ -70,7 +84,7 @@ ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals
     const pid_t parent = getpid();
     process_ = fork();
     if (process_ == 0) {
-        Serve(command, data, signals.before(), parent, sender.get());
+        Serve(command, data, signals.before(), parent, sender.get(), said_.get());
     }
     if (process_ == -1) {
         start_error_ = errno;
@@ -93,7 +107,20 @@ std::optional<Answer> ChildCall::TakeAnswer() {
     if (got != sizeof(message)) {
         return std::nullopt;
     }
-    return Answer{message.result, message.data};
+    return Answer{.result = message.result, .data = message.data};
+}
+
+std::vector<std::string> ChildCall::said() const {
+    std::string text(kMostSaid, '\0');
+    const ssize_t got = pread(said_.get(), text.data(), text.size(), 0);
+    std::istringstream stream(text.substr(0, got > 0 ? static_cast<size_t>(got) : 0));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) {
+        if (!line.empty() && std::ranges::find(lines, line) == lines.end()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
 }
 
 bool ChildCall::GiveUp() {

@@ -3,17 +3,21 @@
 #define VELKCTL_CHILD_CALL_H_
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <sys/types.h>
 
 #include "frame/unique_fd.h"
-#include "velkctl/device.h"
+#include "velkctl/answer.h"
+#include "velkctl/command.h"
 #include "velkctl/stop_signals.h"
 
 namespace velkctl {
 
 // The process has a session of its own: Ctrl-C at the terminal does not reach the tools that it
-// runs, which might be writing a file of the device. It does not outlive velkctl.
+// runs, which might be writing a file of the device. What those write is kept from velkctl's own
+// output. It does not outlive velkctl.
 class ChildCall {
   public:
     // Starts the command; its process sees the signals that velkctl puts off.
@@ -31,6 +35,9 @@ class ChildCall {
     std::optional<Answer> TakeAnswer();
     // The signal that ended the process; 0 when it ended by itself.
     int end_signal() const { return end_signal_; }
+    // What the tools have written by now, line by line, each once however often they say it; of
+    // very much only the beginning.
+    std::vector<std::string> said() const;
 
     // Ends the process in the middle, and lets its tools end by themselves. False when one of them
     // is running after a moment.
@@ -40,6 +47,7 @@ class ChildCall {
     void Reap();
 
     velk::UniqueFd answer_;
+    velk::UniqueFd said_;
     pid_t process_ = -1;
     int start_error_ = 0;
     int end_signal_ = 0;

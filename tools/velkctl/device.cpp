@@ -1,21 +1,118 @@
-// device.cpp - the one way from velkctl to the device: a command of the library.
+// device.cpp - the device, as the verbs see it: settings to read and to change.
 #include "velkctl/device.h"
 
 #include <algorithm>
-#include <iterator>
+#include <chrono>
+#include <ctime>
+#include <optional>
+
+#include "velkctl/blocking.h"
+#include "velkctl/interruption.h"
+#include "velkctl/library_call.h"
+#include "velkctl/lock_holder.h"
+#include "velkctl/stop_signals.h"
+#include "velkctl/watched_call.h"
 
 namespace velkctl {
+namespace {
 
-Answer Execute(const Command& command, const Data& data) {
-    _velk_request request{};
-    (void)command.interface.copy(request.interface, sizeof(request.interface));
-    request.command_type = command.type;
-    request.command_id = command.id;
-    std::copy(data.begin(), data.end(), std::begin(request.data));
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::milliseconds;
+using Seconds = std::chrono::seconds;
 
-    _velk_request response{};
-    Answer answer{execute_velk_command(&request, &response), {}};
-    std::copy(std::begin(response.data), std::end(response.data), answer.data.begin());
+constexpr Milliseconds kFirstPause{50};
+constexpr Milliseconds kLongestPause{250};  // a signal waits so long to be heeded
+
+// An address that is configured stands in a file; that of a lease is asked of a tool.
+bool IsOfLease(const Command& command) {
+    if (!IsAddressCommand(command.id)) {
+        return false;
+    }
+    const Answer method = CallLibrary({VELK_GET, VELK_CMD_IP_METHOD, command.interface});
+    return !method.ok() || method.data[0] != VELK_METHOD_STATIC;
+}
+
+// Only what is read from files is spared a process: wherever a signal ends it, nothing is left.
+bool IsPlainRead(const Command& command) {
+    return command.type == VELK_GET && LongestCall(command).awaited.empty() && !IsOfLease(command);
+}
+
+Answer ExecuteOnce(const Call& call) {
+    const bool is_here = !call.deadline && IsPlainRead(call.command);
+    return is_here ? CallLibrary(call.command, call.data) : ExecuteWatched(call);
+}
+
+std::optional<Clock::time_point> DeadlineOf(const Patience& patience) {
+    if (patience.timeout_seconds == 0) {
+        return std::nullopt;
+    }
+    return Clock::now() + Seconds(patience.timeout_seconds);
+}
+
+int LongestWaitForLock(const Patience& patience) {
+    return patience.timeout_seconds == 0
+               ? patience.wait_seconds
+               : std::min(patience.wait_seconds, patience.timeout_seconds);
+}
+
+bool IsLocked(const Answer& answer) {
+    return !answer.timed_out && answer.result == LIB_VELK_LOCKED;
+}
+
+void TellWhoIsWaitedFor(Report& report) {
+    const std::optional<LockHolder> holder = FindLockHolder();
+    report.Note("waiting for the lock" + (holder ? ", held by " + Words(*holder) : ""));
+}
+
+void Pause(Milliseconds time) {
+    const auto seconds = std::chrono::floor<Seconds>(time);
+    const timespec pause{seconds.count(), std::chrono::nanoseconds(time - seconds).count()};
+    (void)nanosleep(&pause, nullptr);
+}
+
+// Tries again until the lock is free or the time is over. Nothing has been done yet, so the answer
+// at the deadline is that of the lock.
+Answer TryAgain(const Call& call, int seconds, Answer answer) {
+    TellWhoIsWaitedFor(call.report);
+    const StopSignals signals;
+    Milliseconds left = Seconds(seconds);
+    for (Milliseconds pause = kFirstPause; IsLocked(answer) && left > Milliseconds::zero();
+         pause = std::min(pause * 2, kLongestPause)) {
+        const Milliseconds now = std::min(pause, left);
+        Pause(now);
+        left -= now;
+        if (const int signal = signals.Pending(); signal != 0) {
+            EndInterrupted(signal, "", call.report);
+        }
+        if (call.is_late()) {
+            break;
+        }
+        answer = ExecuteOnce(call);
+    }
+    return answer;
+}
+
+}  // namespace
+
+Answer Device::Get(const Setting& setting) const {
+    return Execute({VELK_GET, setting.row->id, setting.interface}, {}, setting.name());
+}
+
+Answer Device::Set(const Setting& setting, const Data& value) const {
+    return Execute({VELK_SET, setting.row->id, setting.interface}, value, setting.name());
+}
+
+Answer Device::Execute(const Command& command, const Data& data, const std::string& what) const {
+    const Call call{command, data, what, DeadlineOf(patience_), report_};
+    Answer answer = ExecuteOnce(call);
+    if (IsLocked(answer) && patience_.wait_seconds > 0) {
+        answer = TryAgain(call, LongestWaitForLock(patience_), answer);
+    }
+    if (IsLocked(answer)) {
+        if (const std::optional<LockHolder> holder = FindLockHolder()) {
+            answer.remark = Words(*holder) + " holds the lock";
+        }
+    }
     return answer;
 }
 

@@ -1,35 +1,40 @@
-// device.h - the one way from velkctl to the device: a command of the library.
+// device.h - the device, as the verbs see it: settings to read and to change.
 #ifndef VELKCTL_DEVICE_H_
 #define VELKCTL_DEVICE_H_
 
-#include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 
+#include "velkctl/answer.h"
+#include "velkctl/catalogue.h"
+#include "velkctl/command.h"
 #include "velkctl/data.h"
+#include "velkctl/patience.h"
+#include "velkctl/report.h"
 
 namespace velkctl {
 
-struct Command {
-    velk_command_type type;
-    uint32_t id;
-    std::string_view interface;  // at most VELK_INTERFACE_SIZE bytes
+// Every command of a verb goes this way: with the patience that its user has, and so that a signal
+// leaves nothing behind.
+//
+// SIGINT, SIGTERM, SIGHUP and SIGQUIT do not end velkctl in the middle of what would leave
+// something on the device. What is read from files alone leaves nothing, and is ended at once;
+// anything else runs in a process of its own, which is let finish where that takes no time, or else
+// ended and tidied up after. Then velkctl ends by the signal: no call returns.
+class Device {
+  public:
+    Device(const Patience& patience, Report& report) : patience_(patience), report_(report) {}
+
+    Answer Get(const Setting& setting) const;
+    Answer Set(const Setting& setting, const Data& value) const;
+
+    // Runs the command with these data bytes. `what` is done meanwhile, in words for a person at a
+    // terminal: "restart of eth0".
+    Answer Execute(const Command& command, const Data& data, const std::string& what) const;
+
+  private:
+    const Patience patience_;
+    Report& report_;
 };
-
-struct Answer {
-    int result;
-    Data data;
-    bool timed_out = false;  // nothing came in time; the result says nothing
-    std::string remark{};    // what more there is to say about a failure
-
-    std::optional<int> known_result() const {
-        return timed_out ? std::nullopt : std::optional(result);
-    }
-};
-
-// Runs the command with these data bytes.
-Answer Execute(const Command& command, const Data& data = {});
 
 }  // namespace velkctl
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/device.h"
 #include "velkctl/patience.h"
-#include "velkctl/result_codes.h"
 #include "velkctl/setting_values.h"
 #include "velkctl/verbs.h"
 #include <nlohmann/json.hpp>
@@ -29,21 +29,16 @@ std::optional<Setting> FindReadable(const std::string& name, Report& report) {
 
 // Reads one setting and shows its value behind the prefix.
 ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocation& invocation,
-                const Patience& patience, Json& shown, Report& report) {
-    const std::string name = setting.name();
-    const Answer answer = ExecutePatiently({VELK_GET, setting.row->id, setting.interface}, {},
-                                           patience, name, report);
-    const ExitStatus status = StatusOf(answer);
-    if (status != ExitStatus::kDone) {
-        const std::string message = DescribeFailure(name + ": could not be read", answer);
-        report.Complain(Problem{message, name, answer.known_result()});
-        shown.push_back(SettingInJson(setting, nullptr, message));
-        return status;
+                const Device& device, Json& shown, Report& report) {
+    const Answer answer = device.Get(setting);
+    shown.push_back(ReadingInJson(setting, answer, invocation.show_secrets));
+    if (answer.ok()) {
+        report.Text(prefix + ValueInWords(setting, answer.data, invocation.show_secrets) + "\n");
+    } else {
+        report.Complain(
+            Problem{UnreadableInWords(setting, answer), setting.name(), answer.known_result()});
     }
-    report.Text(prefix + ValueInWords(setting, answer.data, invocation.show_secrets) + "\n");
-    shown.push_back(SettingInJson(
-        setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
-    return status;
+    return StatusOf(answer);
 }
 
 }  // namespace
@@ -62,11 +57,12 @@ ExitStatus RunGet(const Invocation& invocation, Report& report) {
         settings.push_back(*setting);
     }
     const bool bare = settings.size() == 1 || invocation.bare_value;
+    const Device device(*patience, report);
     Json shown = Json::array();
     ExitStatus first_failure = ExitStatus::kDone;
     for (const Setting& setting : settings) {
         const std::string prefix = bare ? "" : setting.name() + " = ";
-        const ExitStatus status = Show(setting, prefix, invocation, *patience, shown, report);
+        const ExitStatus status = Show(setting, prefix, invocation, device, shown, report);
         if (first_failure == ExitStatus::kDone) {
             first_failure = status;
         }

@@ -2,7 +2,7 @@
 #ifndef VELKCTL_LEFTOVERS_H_
 #define VELKCTL_LEFTOVERS_H_
 
-#include "velkctl/device.h"
+#include "velkctl/command.h"
 
 namespace velkctl {
 

@@ -6,12 +6,14 @@
 
 #include "velkctl/catalogue.h"
 #include "velkctl/data.h"
+#include "velkctl/device.h"
 
 namespace velkctl {
 
-// What is wrong with a value in the light of the interface's other settings: a gateway that its
-// configured address and mask do not reach. Empty when nothing is, or when that cannot be told.
-std::string NetworkProblem(const Setting& setting, const Data& value);
+// What is wrong with a value in the light of the interface's other settings, as they are
+// configured: an address that no host of its network can have, or that the gateway has; a gateway
+// outside the network. Empty when nothing is, or when that cannot be told.
+std::string NetworkProblem(const Setting& setting, const Data& value, const Device& device);
 
 }  // namespace velkctl
 

@@ -21,14 +21,13 @@ size_t RoomForLine() {
 }  // namespace
 
 std::string ProgressLine(std::string_view what, std::string_view awaited, long seconds,
-                         int longest) {
+                         long longest) {
     std::string line(what);
-    line.append(": waiting for ").append(awaited);
-    line.append(", ").append(std::to_string(seconds)).append(" s");
+    line.append(": ").append(std::to_string(seconds)).append(" s");
     if (longest > 0) {
         line.append(" of at most ").append(std::to_string(longest)).append(" s");
     }
-    return line;
+    return line.append(", waiting for ").append(awaited);
 }
 
 void ProgressDisplay::Show(std::string_view line) {

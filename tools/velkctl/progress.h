@@ -7,10 +7,10 @@
 
 namespace velkctl {
 
-// "eth1.signal: waiting for the wireless daemon to answer, 12 s of at most 122 s"; `longest` is 0
+// "eth1.signal: 12 s of at most 122 s, waiting for the wireless daemon to answer"; `longest` is 0
 // when there is no telling.
 std::string ProgressLine(std::string_view what, std::string_view awaited, long seconds,
-                         int longest);
+                         long longest);
 
 // One line of standard error that is written again and again, and is gone in the end.
 class ProgressDisplay {

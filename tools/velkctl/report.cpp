@@ -73,14 +73,14 @@ ExitStatus Report::Refuse(const Problem& problem) {
     return ExitStatus::kInvalid;
 }
 
-void Report::Finish(ExitStatus status) {
+void Report::Finish(int status) {
     if (!is_json()) {
         return;
     }
     Json whole;
     whole["schema"] = kSchema;
     whole["verb"] = verb_.empty() ? Json(nullptr) : Json(verb_);
-    whole["status"] = static_cast<int>(status);
+    whole["status"] = status;
     whole.update(document_->members);
     whole["notes"] = document_->notes;
     whole["errors"] = document_->errors;

@@ -51,7 +51,9 @@ class Report {
     ExitStatus Refuse(const Problem& problem);
 
     // Says all that is left to say. A run that reported through nothing else needs it too.
-    void Finish(ExitStatus status);
+    void Finish(ExitStatus status) { Finish(static_cast<int>(status)); }
+    // The same with the status of a run that a signal ends.
+    void Finish(int status);
 
   private:
     struct Document;

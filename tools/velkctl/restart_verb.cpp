@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 
+#include "velkctl/device.h"
 #include "velkctl/patience.h"
 #include "velkctl/verbs.h"
 #include <nlohmann/json.hpp>
@@ -31,9 +32,10 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
         }
         data[0] = kNotifyOnly;
     }
-    const Answer answer = ExecutePatiently({VELK_RESTART, VELK_CMD_RESTART, interface}, data,
-                                           *patience, "restart of " + interface, report);
-    if (StatusOf(answer) != ExitStatus::kDone) {
+    const Answer answer =
+        Device(*patience, report)
+            .Execute({VELK_RESTART, VELK_CMD_RESTART, interface}, data, "restart of " + interface);
+    if (!answer.ok()) {
         report.Complain(Problem{DescribeFailure(interface + ": could not be restarted", answer),
                                 {},
                                 answer.known_result()});

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/device.h"
 #include "velkctl/network_check.h"
 #include "velkctl/patience.h"
 #include "velkctl/secret_source.h"
@@ -61,11 +62,11 @@ std::optional<Setting> FindChangeable(Words words, Report& report) {
 
 // The data bytes to send; nothing, after refusing them, when they are nonsense.
 std::optional<Data> ValueToSend(const Setting& setting, const Invocation& invocation,
-                                Report& report) {
+                                const Device& device, Report& report) {
     const Words words = Words(invocation.words).subspan(1);
     Parsed value = ParseValue(setting, words, invocation.force);
     if (value.ok() && !invocation.force) {
-        value.problem = NetworkProblem(setting, value.data);
+        value.problem = NetworkProblem(setting, value.data, device);
     }
     if (!value.ok()) {
         report.Refuse(Problem{setting.name() + ": " + value.problem, setting.name()});
@@ -93,24 +94,23 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     if (!setting) {
         return ExitStatus::kInvalid;
     }
-    const std::optional<Data> value = ValueToSend(*setting, invocation, report);
+    const Device device(*patience, report);
+    const std::optional<Data> value = ValueToSend(*setting, invocation, device, report);
     if (!value) {
         return ExitStatus::kInvalid;
     }
     const std::string name = setting->name();
-    const Answer answer = ExecutePatiently({VELK_SET, setting->row->id, setting->interface}, *value,
-                                           *patience, name, report);
-    if (StatusOf(answer) != ExitStatus::kDone) {
+    const Answer answer = device.Set(*setting, *value);
+    if (!answer.ok()) {
         report.Complain(Problem{DescribeFailure(name + ": could not be set", answer), name,
                                 answer.known_result()});
         return StatusOf(answer);
     }
-    std::optional<bool> held;
-    if (!invocation.no_verify) {
-        held = VerifySet(*setting, *value, *patience, report);
-    }
-    report.Member("setting", SetInJson(*setting, *value, held));
-    return held.value_or(true) ? ExitStatus::kDone : ExitStatus::kNotHeld;
+    const Verification verification = invocation.no_verify
+                                          ? Verification{std::nullopt, ExitStatus::kDone}
+                                          : VerifySet(*setting, *value, device, report);
+    report.Member("setting", SetInJson(*setting, *value, verification.held));
+    return verification.status;
 }
 
 }  // namespace velkctl

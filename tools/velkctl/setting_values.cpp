@@ -22,7 +22,17 @@ Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
     return setting.row->kind->ToJson(data);
 }
 
-Json SettingInJson(const Setting& setting, Json value, Json error) {
+std::string UnreadableInWords(const Setting& setting, const Answer& answer) {
+    return DescribeFailure(setting.name() + ": could not be read", answer);
+}
+
+Json ReadingInJson(const Setting& setting, const Answer& answer, bool show_secrets) {
+    return answer.ok()
+               ? ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets), nullptr)
+               : ReadingInJson(setting, nullptr, UnreadableInWords(setting, answer));
+}
+
+Json ReadingInJson(const Setting& setting, Json value, Json error) {
     Json object;
     object["name"] = setting.name();
     object["value"] = std::move(value);

@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "velkctl/answer.h"
 #include "velkctl/catalogue.h"
-#include "velkctl/device.h"
 #include "velkctl/report.h"
 
 namespace velkctl {
@@ -15,8 +15,12 @@ namespace velkctl {
 std::string ValueInWords(const Setting& setting, const Data& data, bool show_secrets);
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 
-// {"name": ..., "value": ..., "error": null}
-Json SettingInJson(const Setting& setting, Json value, Json error);
+// Why there is no value: "eth0.dns: could not be read (LIB_VELK_FAILURE, -1)".
+std::string UnreadableInWords(const Setting& setting, const Answer& answer);
+
+// What became of reading a setting: {"name": ..., "value": ..., "error": null}
+Json ReadingInJson(const Setting& setting, const Answer& answer, bool show_secrets);
+Json ReadingInJson(const Setting& setting, Json value, Json error);
 
 // A text with blanks behind it, so that columns stand below each other.
 std::string Padded(std::string text, size_t width);

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/device.h"
 #include "velkctl/patience.h"
 #include "velkctl/setting_values.h"
 #include "velkctl/terminal.h"
@@ -58,43 +59,39 @@ bool IsWireless(const Setting& setting) {
 // Shows the settings one after the other; those of a daemon that was silent once are passed over.
 class Showing {
   public:
-    Showing(const Invocation& invocation, const Patience& patience, const Table& table,
-            Report& report)
-        : invocation_(invocation), patience_(patience), table_(table), report_(report) {}
+    Showing(bool show_secrets, const Device& device, const Table& table)
+        : show_secrets_(show_secrets), device_(device), table_(table) {}
 
     void Show(const Setting& setting) {
         if (daemon_is_silent_ && IsWireless(setting)) {
-            Fail(setting, "not asked: the wireless daemon did not answer before");
+            PassOver(setting);
             return;
         }
         const auto start = std::chrono::steady_clock::now();
-        const Answer answer = ExecutePatiently({VELK_GET, setting.row->id, setting.interface}, {},
-                                               patience_, setting.name(), report_);
-        if (StatusOf(answer) == ExitStatus::kDone) {
-            table_.Value(setting.name(),
-                         ValueInWords(setting, answer.data, invocation_.show_secrets));
-            shown_.push_back(SettingInJson(
-                setting, ValueInJson(setting, answer.data, invocation_.show_secrets), nullptr));
-            return;
-        }
+        const Answer answer = device_.Get(setting);
         const bool took_long =
             answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
-        daemon_is_silent_ = daemon_is_silent_ || (took_long && IsWireless(setting));
-        Fail(setting, WhyNot(answer));
+        daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
+        shown_.push_back(ReadingInJson(setting, answer, show_secrets_));
+        if (answer.ok()) {
+            table_.Value(setting.name(), ValueInWords(setting, answer.data, show_secrets_));
+        } else {
+            table_.Failure(setting.name(), WhyNot(answer));
+        }
     }
 
     Json TakeShown() { return std::move(shown_); }
 
   private:
-    void Fail(const Setting& setting, const std::string& reason) {
+    void PassOver(const Setting& setting) {
+        const std::string reason = "not asked: the wireless daemon did not answer before";
         table_.Failure(setting.name(), reason);
-        shown_.push_back(SettingInJson(setting, nullptr, reason));
+        shown_.push_back(ReadingInJson(setting, nullptr, setting.name() + ": " + reason));
     }
 
-    const Invocation& invocation_;
-    const Patience& patience_;
+    const bool show_secrets_;
+    const Device& device_;
     const Table& table_;
-    Report& report_;
     Json shown_ = Json::array();
     bool daemon_is_silent_ = false;
 };
@@ -120,7 +117,8 @@ ExitStatus RunShow(const Invocation& invocation, Report& report) {
         width = std::max(width, setting.name().size());
     }
     const Table table(width, report);
-    Showing showing(invocation, *patience, table, report);
+    const Device device(*patience, report);
+    Showing showing(invocation.show_secrets, device, table);
     for (const Setting& setting : settings) {
         showing.Show(setting);
     }

@@ -8,7 +8,7 @@
 namespace velkctl {
 namespace {
 
-constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 constexpr int kStatusOfSignal = 128;  // as shells show it
 
 bool IsIgnored(int signal) {
@@ -45,6 +45,10 @@ int StopSignals::Pending() const {
     return 0;
 }
 
+int StatusAfter(int signal) {
+    return kStatusOfSignal + signal;
+}
+
 void EndBy(int signal) {
     sigset_t only;
     (void)sigemptyset(&only);
@@ -52,7 +56,7 @@ void EndBy(int signal) {
     (void)::signal(signal, SIG_DFL);
     (void)raise(signal);
     (void)sigprocmask(SIG_UNBLOCK, &only, nullptr);
-    _exit(kStatusOfSignal + signal);  // the first process of a namespace is not ended by its own
+    _exit(StatusAfter(signal));  // the first process of a namespace is not ended by its own
 }
 
 }  // namespace velkctl

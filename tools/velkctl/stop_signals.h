@@ -6,8 +6,8 @@
 
 namespace velkctl {
 
-// While it lives, SIGINT, SIGTERM and SIGHUP stay pending. One that is ignored stays ignored, as
-// nohup(1) and a shell's background jobs want it.
+// While it lives, SIGINT, SIGTERM, SIGHUP and SIGQUIT stay pending. One that is ignored stays
+// ignored, as nohup(1) and a shell's background jobs want it.
 class StopSignals {
   public:
     StopSignals();
@@ -27,7 +27,10 @@ class StopSignals {
     sigset_t before_;
 };
 
-// Ends the process as if the signal had ended it at once, so that a shell sees 130 after Ctrl-C.
+// What a shell calls the exit status of a process that the signal has ended: 130 after Ctrl-C.
+int StatusAfter(int signal);
+
+// Ends the process as if the signal had ended it at once.
 [[noreturn]] void EndBy(int signal);
 
 }  // namespace velkctl

@@ -6,18 +6,24 @@
 
 #include "velkctl/catalogue.h"
 #include "velkctl/data.h"
-#include "velkctl/patience.h"
+#include "velkctl/device.h"
+#include "velkctl/exit_status.h"
 #include "velkctl/report.h"
 
 namespace velkctl {
 
-// Reads a setting back that the library has just reported as set: true when the device holds the
-// value. When it does not, complains, saying what it holds instead and the likely cause. The
-// library cannot tell: it does not learn whether its shell lines worked, and an edit that finds no
-// line to change is no failure to it. Nothing for a setting that cannot be read, and, with a note,
-// for an address behind a lease.
-std::optional<bool> VerifySet(const Setting& setting, const Data& wanted, const Patience& patience,
-                              Report& report);
+struct Verification {
+    std::optional<bool> held;  // nothing when that was not to be found out
+    ExitStatus status;         // how velkctl ends
+};
+
+// Reads a setting back that the library has just reported as set. When the device does not hold the
+// value, complains, saying what it holds instead and the likely cause. The library cannot tell: it
+// does not learn whether its shell lines worked, and an edit that finds no line to change is no
+// failure to it. A setting that cannot be read is left alone; for an address behind a lease, what
+// keeps it from being set is looked for, and there is a note when nothing does.
+Verification VerifySet(const Setting& setting, const Data& wanted, const Device& device,
+                       Report& report);
 
 }  // namespace velkctl
 

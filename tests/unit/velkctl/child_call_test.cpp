@@ -106,6 +106,36 @@ TEST_F(ChildCallTest, DoesNotWaitForAToolThatGoesOn) {
     (void)waitpid(tool, nullptr, 0);
 }
 
+TEST_F(ChildCallTest, KeepsWhatToolsWriteFromItsOwnOutput) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        (void)write(STDOUT_FILENO, "to output\n", 10);
+        (void)write(STDERR_FILENO, "\nto errors\n", 11);
+    });
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    {
+        ChildCall child(kRestart, {}, signals);
+        EXPECT_TRUE(child.TakeAnswer());
+        EXPECT_EQ(child.said(), (std::vector<std::string>{"to output", "to errors"}))
+            << "once, however often";
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(ChildCallTest, KeepsTheBeginningOfVeryMuch) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        for (int i = 10000; i < 20000; ++i) {
+            (void)dprintf(STDERR_FILENO, "%d\n", i);
+        }
+    });
+    ChildCall child(kRestart, {}, signals);
+    EXPECT_TRUE(child.TakeAnswer());
+    EXPECT_EQ(child.said().size(), 1366U) << "of 8192 bytes";
+}
+
 TEST_F(ChildCallTest, EndsWithItsOwner) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     { const ChildCall child(kRestart, {}, signals); }

@@ -12,12 +12,12 @@ using velkctl::ProgressLine;
 
 TEST(ProgressLineTest, TellsHowLongAndForWhat) {
     EXPECT_EQ(ProgressLine("eth1.signal", "the wireless daemon to answer", 12, 122),
-              "eth1.signal: waiting for the wireless daemon to answer, 12 s of at most 122 s");
+              "eth1.signal: 12 s of at most 122 s, waiting for the wireless daemon to answer");
 }
 
 TEST(ProgressLineTest, LeavesOutAnEndThatNobodyKnows) {
     EXPECT_EQ(ProgressLine("location", "the SNMP daemon to restart", 2, 0),
-              "location: waiting for the SNMP daemon to restart, 2 s");
+              "location: 2 s, waiting for the SNMP daemon to restart");
 }
 
 TEST(ProgressDisplayTest, WritesEachLineOverTheOneBeforeAndIsGoneInTheEnd) {

@@ -15,7 +15,7 @@ TEST(StopSignalsTest, NoneHasComeBeforeOneComes) {
 }
 
 TEST(StopSignalsDeathTest, ASignalThatHasComeEndsTheProcessAfterwards) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         const auto put_off = [signal] {
             const StopSignals signals;
             (void)raise(signal);

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 
@@ -14,6 +16,7 @@ using testkit::WriteFile;
 using velkctl::Catalogue;
 using velkctl::CatalogueRow;
 using velkctl::Data;
+using velkctl::ExitStatus;
 using velkctl::FindSetting;
 using velkctl::Setting;
 
@@ -29,16 +32,20 @@ class VerifySetTest : public testkit::DeviceTest {
         EXPECT_EQ(wanted.problem, "");
         return Verify(setting, wanted.data);
     }
-    std::optional<bool> Verify(const Setting& setting, const Data& wanted) {
+    std::optional<bool> Verify(const Setting& setting, const Data& wanted,
+                               const velkctl::Patience& patience = {}) {
         velkctl::Report report(velkctl::Report::Form::kText);
         testing::internal::CaptureStderr();
-        const std::optional<bool> held = VerifySet(setting, wanted, {}, report);
+        const velkctl::Verification verification =
+            VerifySet(setting, wanted, velkctl::Device(patience, report), report);
         complaint = testing::internal::GetCapturedStderr();
-        return held;
+        status = verification.status;
+        return verification.held;
     }
 
     testkit::FakeShell shell;
     std::string complaint;
+    ExitStatus status = ExitStatus::kDone;
 };
 
 TEST_F(VerifySetTest, AHeldValueIsDone) {
@@ -58,6 +65,7 @@ TEST_F(VerifySetTest, ASettingThatCannotBeReadIsNotChecked) {
 TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
     WriteFile(kInterfaces, "iface eth1 inet static\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
               "likely cause: its stanza in /etc/network/interfaces is the last one and has no such "
@@ -110,6 +118,16 @@ TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
         complaint,
         "velkctl: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is "
         "shown\n");
+}
+
+TEST_F(VerifySetTest, AReadingThatTakesTooLongProvesNothing) {
+    libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) { (void)pause(); });
+    const Setting setting = *FindSetting(Catalogue(), "eth0.link-speed");
+    const Data wanted = setting.row->kind->Parse(std::vector<std::string>{"auto"}).data;
+    EXPECT_EQ(Verify(setting, wanted, {.timeout_seconds = 1}), std::nullopt);
+    EXPECT_EQ(status, ExitStatus::kTimedOut);
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.link-speed: set, but not read back: given up, it took too long\n");
 }
 
 TEST_F(VerifySetTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {

@@ -9,10 +9,10 @@
 #include "frame/crontab.h"
 #include "frame/words.h"
 #include "velk.h"
-#include "velkctl/device.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/script_blocks.h"
 #include "velkctl/doctor/text_file.h"
+#include "velkctl/library_call.h"
 
 namespace velkctl {
 namespace {
@@ -163,7 +163,8 @@ Findings CheckWebUpdate() {
             continue;
         }
         const bool is_readable =
-            !is_first || Execute({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
+            !is_first ||
+            CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
         if (!is_readable) {
             findings.push_back(FindingAt(Severity::kProblem, "web-update", "cannot be read",
                                          "the schedule is not one of this library's", i, remedy));

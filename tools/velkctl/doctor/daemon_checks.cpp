@@ -5,10 +5,10 @@
 #include <sys/stat.h>
 
 #include "velk.h"
+#include "velkctl/device.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/query_places.h"
 #include "velkctl/doctor/text_file.h"
-#include "velkctl/patience.h"
 
 namespace velkctl {
 namespace {
@@ -48,15 +48,15 @@ Findings CheckDaemon(Report& report) {
     if (lstat(kSemaphore, &facts) == 0 && !IsSemaphore(facts)) {
         return {};  // asking would end this program; told as a file that is in the way
     }
-    const Patience patience{.timeout_seconds = kSeconds};
-    const Answer answer = ExecutePatiently({VELK_GET, VELK_CMD_SSID, VELK_WIRELESS_INTERFACE}, {},
-                                           patience, kSubject, report);
+    const Device device(Patience{.timeout_seconds = kSeconds}, report);
+    const Answer answer =
+        device.Execute({VELK_GET, VELK_CMD_SSID, VELK_WIRELESS_INTERFACE}, {}, kSubject);
     if (answer.timed_out) {
         return {Silent(Severity::kProblem, "does not answer",
                        "nothing came within " + std::to_string(kSeconds) + " seconds",
                        "restart the wireless daemon")};
     }
-    if (StatusOf(answer) != ExitStatus::kDone) {
+    if (!answer.ok()) {
         return {Silent(Severity::kProblem, "does not answer as it should", WhyNot(answer),
                        "restart the wireless daemon")};
     }
