@@ -121,17 +121,48 @@ script '
     flock -n /var/tmp/vklib_lock echo free'
 status_is 0
 output_has 'warning: settings cannot be changed now: /var/tmp/vklib_lock: the lock is held by process '
-output_has ' (flock), which was started '
+output_has ' (flock, '
 output_has '0 problems, 1 warning
 free'
 
-it 'tells of what is in the way in /var/tmp'
-examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/libvelk; mkdir /var/tmp/dhclient-script'
+it 'tells of what is in the way in /var/tmp, and a set does as it says'
+examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk'
 status_is 1
-findings_are 'problem: method, address, netmask and gateway wait for ever when set: /var/tmp/interfaces: a FIFO stands where the edit copy is made
-problem: dhcp-dns cannot be set: /var/tmp/dhclient-script: a folder stands where the edit copy is made
-problem: administrator and location cannot be set: /var/tmp/libvelk: a symbolic link stands where the edit copy is made
-3 problems, 0 warnings'
+findings_are 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a FIFO stands where the edit copy is made; the next set replaces it
+warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a symbolic link stands where the edit copy is made; the next set replaces it
+problem: administrator and location cannot be set: /var/tmp/libvelk: a folder stands where the edit copy is made
+1 problem, 2 warnings'
+script 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk
+    echo left >/var/tmp/dhclient-exit-hooks; chown 1234 /var/tmp/dhclient-exit-hooks
+    velkctl set --timeout 20 eth1.address 10.0.0.7 && velkctl set ntp on && velkctl set eth0.apipa on &&
+    velkctl set location here; echo $?; ls -A /var/tmp; grep -c ntpdate /etc/hosts'
+output_is '1
+libvelk
+vklib_lock
+0'
+
+it 'tells of what is in the way of the output of tools'
+script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed --timeout 2; echo $?'
+findings_are 'problem: link-speed, and what is read from ifconfig, wait for ever when read: /var/tmp/get_result: a FIFO stands where tools write their output
+1 problem, 0 warnings
+7'
+script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed >/dev/null; cat /run/other | grep -c Speed'
+findings_are 'problem: link-speed, and what is read from ifconfig, overwrite another file when read: /var/tmp/get_result: a symbolic link stands where tools write their output
+1 problem, 0 warnings
+1'
+
+it 'tells of what is in the way of a query, and does not ask the daemon then'
+script 'mkdir /dev/shm/sem.WlanAplRecvSem; velkctl doctor; ls -d /dev/shm/sem.WlanAplRecvSem'
+findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/sem.WlanAplRecvSem: a folder stands where the semaphore is made
+1 problem, 0 warnings
+/dev/shm/sem.WlanAplRecvSem'
+
+it 'finds a tool that is not where sudo looks'
+script 'mv /sbin/ifup /tmp/ifup; PATH=$PATH:/tmp velkctl doctor'
+status_is 1
+output_is 'problem: ifup is not in a folder where sudo looks: no interface can be brought up again by a restart
+  mend: ln -s /tmp/ifup /usr/local/sbin/ifup
+1 problem, 0 warnings'
 
 it 'tells of a wireless daemon that does not run, and does not ask for it without an adapter'
 examine 'velk-sandbox adapter out && velkctl doctor && velk-sandbox adapter in && rm /tmp/WlanAplToWlanSock'
@@ -150,7 +181,7 @@ findings_are 'problem: the wireless daemon does not answer: /tmp/WlanAplToWlanSo
 it 'survives a semaphore that would end it'
 examine ': >/dev/shm/sem.WlanAplRecvSem'
 status_is 1
-findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: a file of 0 bytes stands where the semaphore is made
+findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: an empty file stands where the semaphore is made
 1 problem, 0 warnings'
 
 it 'shows what files have in them as text, whatever it is'

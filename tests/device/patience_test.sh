@@ -85,7 +85,7 @@ on_desk() {
 }
 
 # The words that name a process, without its number.
-anonymous() { printf '%s\n' "$1" | sed -E 's/process [0-9]+/process N/'; }
+anonymous() { printf '%s\n' "$1" | sed -E 's/process [0-9]+/process N/; s/[0-9]+ (seconds?|minutes?) old/M seconds old/'; }
 
 # ---- the lock ---------------------------------------------------------------------------------
 
@@ -93,8 +93,10 @@ it 'says at once who holds the lock'
 on_desk 'hold_lock 20; velkctl set eth0.dns 10.0.0.1; status=$?; took 0 15; echo $holder; exit $status'
 status_is 3
 has 'standard output' 'in time' "$output"
-check 'standard error' "velkctl: eth0.dns: could not be set: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process ${output##*
-} (flock) holds the lock" "$error"
+has 'standard error' "process ${output##*
+} (flock, " "$error"
+check 'standard error' 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
+    "$(anonymous "$error")"
 
 it 'waits until the lock is free'
 on_desk 'hold_lock 2; velkctl set eth0.dns 10.0.0.1 --wait; status=$?; took 1 20
@@ -102,15 +104,15 @@ on_desk 'hold_lock 2; velkctl set eth0.dns 10.0.0.1 --wait; status=$?; took 1 20
 status_is 0
 output_is 'in time
 10.0.0.1'
-check 'standard error' 'velkctl: waiting for the lock, held by process N (flock)' \
+check 'standard error' 'velkctl: waiting for the lock, held by process N (flock, M seconds old)' \
     "$(anonymous "$error")"
 
 it 'waits no longer than it is told'
 on_desk 'hold_lock 9; velkctl restart eth0 --wait=1; status=$?; took 1 6; exit $status'
 status_is 3
 output_is 'in time'
-check 'standard error' 'velkctl: waiting for the lock, held by process N (flock)
-velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process N (flock) holds the lock' \
+check 'standard error' 'velkctl: waiting for the lock, held by process N (flock, M seconds old)
+velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
     "$(anonymous "$error")"
 
 it 'tells of the waiting within the document'

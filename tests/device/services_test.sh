@@ -114,7 +114,7 @@ done
 it 'says that a crontab without an entry takes no server, and why'
 script 'sed -i /ntpdate/d /var/cron/tabs/root; velkctl set ntp-server time.example'
 status_is 6
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: the crontab has no line with ntpdate, or one without a server, where a new one sticks to the word in front of it"
+error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: /var/cron/tabs/root: no entry runs ntpdate; mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 
 it 'says that an entry without server or redirection cannot be changed, and leaves the crontab'
 script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root
@@ -153,7 +153,7 @@ on'
 it 'says that nothing is asked for an interface whose block is switched off'
 script 'velkctl set eth0.dhcp-dns on'
 status_is 6
-error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'; likely cause: no \"request\" statement of /etc/dhclient.conf counts for it, as when the interface's block is switched off, or the first one ends without it"
+error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'; likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts; mend: velkctl set eth0.method dhcp, when DHCP is wanted"
 
 # ---- web update -------------------------------------------------------------------------------
 it 'shows when the web contents are updated'

@@ -2,16 +2,20 @@
 #ifndef VELKCTL_CAUSES_H_
 #define VELKCTL_CAUSES_H_
 
-#include <string_view>
+#include <string>
 
-#include "velkctl/answer.h"
 #include "velkctl/catalogue.h"
+#include "velkctl/doctor/finding.h"
 
 namespace velkctl {
 
-// The likely cause of the answer that a setting gives instead of the value that the library has
-// just reported as set; empty when nothing can be said.
-std::string_view LikelyCause(const Setting& setting, const Answer& answer);
+// Looks for what keeps a value that the library has just reported as set from being held, or from
+// being read back. The likeliest comes first: a problem before a warning, a line of a file before
+// all else. None when everything about the setting looks right.
+Findings CausesOf(const Setting& setting);
+
+// "/etc/network/interfaces:12: the stanza is the last one and has no gateway line; mend: add ..."
+std::string CauseInWords(const Finding& cause);
 
 }  // namespace velkctl
 

@@ -6,30 +6,18 @@
 #include <charconv>
 #include <cstdio>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include "frame/unique_fd.h"
 #include "frame/words.h"
+#include "velkctl/doctor/file_facts.h"
+#include "velkctl/doctor/text_file.h"
 #include "velkctl/places.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
 namespace {
-
-// The whole file; empty when it cannot be read.
-std::string ReadFile(const std::string& path) {
-    const velk::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::string text;
-    std::array<char, 4096> block{};
-    ssize_t got = 0;
-    while (file.get() != -1 && (got = read(file.get(), block.data(), block.size())) > 0) {
-        text.append(block.data(), static_cast<size_t>(got));
-    }
-    return text;
-}
 
 // The number a word begins with.
 template <typename Number>
@@ -94,14 +82,15 @@ std::optional<LockHolder> FindLockHolder() {
         return std::nullopt;
     }
     const std::optional<int> process =
-        FlockHolder(ReadFile("/proc/locks"), file.st_dev, file.st_ino);
+        FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
     if (!process) {
         return std::nullopt;
     }
     const std::string folder = "/proc/" + std::to_string(*process);
-    std::string name = ReadFile(folder + "/comm");
+    std::string name = ReadTextFile(folder + "/comm").bytes;
     const std::optional<long> seconds =
-        SecondsRunning(ReadFile(folder + "/stat"), ReadFile("/proc/uptime"), sysconf(_SC_CLK_TCK));
+        SecondsRunning(ReadTextFile(folder + "/stat").bytes, ReadTextFile("/proc/uptime").bytes,
+                       sysconf(_SC_CLK_TCK));
     if (name.empty() || !seconds) {
         return std::nullopt;  // the one that took the lock has ended, a child of it holds it
     }
@@ -110,7 +99,8 @@ std::optional<LockHolder> FindLockHolder() {
 }
 
 std::string Words(const LockHolder& holder) {
-    return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ")";
+    return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ", " +
+           InWords(holder.seconds) + " old)";
 }
 
 }  // namespace velkctl

@@ -13,14 +13,14 @@ namespace velkctl {
 struct LockHolder {
     int process;
     std::string name;
-    long seconds;  // since when it has been running
+    long seconds;  // since it was started; since when it holds the lock, the kernel does not tell
 };
 
 // The process that holds the library's lock; nothing when there is none, and when it cannot be
 // told, as with one of another PID namespace.
 std::optional<LockHolder> FindLockHolder();
 
-// "process 1234 (name)"
+// "process 1234 (name, 5 minutes old)"
 std::string Words(const LockHolder& holder);
 
 // The process that /proc/locks names as the holder of the flock(2) on this file.

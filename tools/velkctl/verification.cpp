@@ -29,12 +29,13 @@ std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
     return "the device holds " + Quoted(setting.row->kind->Print(answer.data));
 }
 
-Verification NotHeld(const Setting& setting, const std::string& instead, std::string_view cause,
+Verification NotHeld(const Setting& setting, const std::string& instead, const Findings& causes,
                      Report& report) {
     const std::string name = setting.name();
-    report.Complain(Problem{name + ": the library reported success, but " + instead +
-                                (cause.empty() ? "" : "; likely cause: " + std::string(cause)),
-                            name});
+    const std::string likely_cause =
+        causes.empty() ? "" : "; likely cause: " + CauseInWords(causes.front());
+    report.Complain(
+        Problem{name + ": the library reported success, but " + instead + likely_cause, name});
     return {false, ExitStatus::kNotHeld};
 }
 
@@ -44,13 +45,27 @@ Verification NotReadInTime(const Setting& setting, const Answer& answer, Report&
     return {std::nullopt, StatusOf(answer)};
 }
 
+// What is configured cannot be read behind a lease, but what keeps it from being set can be seen.
+Verification JudgeBehindLease(const Setting& setting, Report& report) {
+    Findings causes = CausesOf(setting);
+    std::erase_if(causes, [](const Finding& cause) {
+        return cause.severity != Severity::kProblem || cause.hinders != Hinders::kSetting;
+    });
+    const std::string lease =
+        "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown";
+    if (!causes.empty()) {
+        return NotHeld(setting, "the device cannot hold the value (" + lease + ")", causes, report);
+    }
+    report.Note(setting.name() + ": set, but not checked: " + lease);
+    return {std::nullopt, ExitStatus::kDone};
+}
+
 }  // namespace
 
 Verification VerifySet(const Setting& setting, const Data& wanted, const Device& device,
                        Report& report) {
-    constexpr Verification kNotChecked{std::nullopt, ExitStatus::kDone};
     if (!setting.can_get()) {
-        return kNotChecked;
+        return {std::nullopt, ExitStatus::kDone};
     }
     const Answer answer = device.Get(setting);
     const ValueKind& kind = *setting.row->kind;
@@ -61,11 +76,9 @@ Verification VerifySet(const Setting& setting, const Data& wanted, const Device&
         return NotReadInTime(setting, answer, report);
     }
     if (AnswersWithLease(setting, device)) {
-        report.Note(setting.name() + ": set, but not checked: while " +
-                    std::string(setting.interface) + ".method is dhcp, its lease is shown");
-        return kNotChecked;
+        return JudgeBehindLease(setting, report);
     }
-    return NotHeld(setting, WhatIsHeld(setting, answer), LikelyCause(setting, answer), report);
+    return NotHeld(setting, WhatIsHeld(setting, answer), CausesOf(setting), report);
 }
 
 }  // namespace velkctl

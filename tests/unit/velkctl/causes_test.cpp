@@ -1,143 +1,242 @@
+// What is found out about a setting that does not hold what was set, on a private device whose
+// files are such.
 #include "velkctl/causes.h"
 
-#include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
-#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include "support/device_test.h"
+#include "support/mounted.h"
+#include "velkctl/doctor/examination.h"
 
 namespace {
 
-using velkctl::Answer;
-using velkctl::Catalogue;
-using velkctl::FindSetting;
-using velkctl::LikelyCause;
+using testkit::WriteFile;
+using velkctl::CauseInWords;
+using velkctl::CausesOf;
+using velkctl::Findings;
+using velkctl::Hinders;
 using velkctl::Setting;
-using velkctl::SettingsOf;
+using velkctl::Severity;
 
-constexpr std::string_view kNoStanza =
-    "/etc/network/interfaces has no stanza \"inet static\" or \"inet dhcp\" of the interface";
-constexpr std::string_view kLastStanza =
-    "its stanza in /etc/network/interfaces is the last one and has no such line to replace, or the "
-    "file cannot be written";
-constexpr std::string_view kSecondGateway =
-    "another line of its stanza in /etc/network/interfaces holds \"gateway \" too, or the file "
-    "cannot "
-    "be written";
-constexpr std::string_view kNoHook =
-    "no line of /etc/dhclient-exit-hooks that runs for the interface has /usr/sbin/avahi-autoipd "
-    "to switch";
-constexpr std::string_view kNoRequest =
-    "no \"request\" statement of /etc/dhclient.conf counts for it, as when the interface's block "
-    "is switched off, or the first one ends without it";
-constexpr std::string_view kNoEntry =
-    "the crontab has no line with ntpdate to switch, or one with two number signs";
-constexpr std::string_view kNoServer =
-    "the crontab has no line with ntpdate, or one without a server, where a new one sticks to the "
-    "word in front of it";
-constexpr std::string_view kNotWritten = "the file that holds it cannot be written";
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
+constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
+constexpr char kCrontab[] = "/var/cron/tabs/root";
+constexpr char kIdentity[] = "/var/libvelk/libvelk";
 
-Answer Holding(std::string_view bytes) {
-    Answer answer{LIB_VELK_SUCCESS, {}};
-    std::copy(bytes.begin(), bytes.end(), answer.data.begin());
-    return answer;
+constexpr char kEth1[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
+
+Setting Find(const std::string& name) {
+    return FindSetting(velkctl::Catalogue(), name).value();
 }
 
-Answer Failing(int result) {
-    return {result, {}};
-}
+class CausesTest : public testkit::DeviceTest {
+  protected:
+    CausesTest() : path_(getenv("PATH")) {}
+    ~CausesTest() override { setenv("PATH", path_.c_str(), 1); }
 
-std::string Cause(const std::string& name, const Answer& answer) {
-    return std::string(LikelyCause(FindSetting(Catalogue(), name).value(), answer));
-}
+    // Sets it with the library, which is to report success.
+    void Set(const std::string& name, std::string_view bytes) {
+        const Setting setting = Find(name);
+        ASSERT_EQ(Execute(VELK_SET, setting.row->id, setting.interface, bytes), LIB_VELK_SUCCESS)
+            << name;
+    }
+    // The likeliest cause, in words.
+    static std::string FirstOf(const std::string& name) {
+        const Findings causes = CausesOf(Find(name));
+        return causes.empty() ? "" : CauseInWords(causes.front());
+    }
 
-TEST(LikelyCause, AMethodThatCannotBeReadHasNoStanza) {
-    EXPECT_EQ(Cause("eth0.method", Failing(-1)), kNoStanza);
-    EXPECT_EQ(Cause("eth1.method", Failing(-4)), kNoStanza);
-    EXPECT_EQ(Cause("eth0.method", Holding("\x01")), kNotWritten);
-    EXPECT_EQ(Cause("eth0.method", Holding("\x02")), kNotWritten);
-    EXPECT_EQ(Cause("eth0.method", Holding("")), kNotWritten);
-}
+  private:
+    const std::string path_;
+};
 
-TEST(LikelyCause, AnAddressHasItsStanza) {
-    for (const char* name : {"eth0.address", "eth1.address", "eth0.netmask", "eth1.netmask",
-                             "eth0.gateway", "eth1.gateway"}) {
-        EXPECT_EQ(Cause(name, Failing(-1)), kNoStanza) << name;
-        EXPECT_EQ(Cause(name, Holding("")), kLastStanza) << name;
-        EXPECT_EQ(Cause(name, Holding("10.0.0.1")),
-                  name == std::string("eth0.gateway") || name == std::string("eth1.gateway")
-                      ? kSecondGateway
-                      : kNotWritten)
+TEST_F(CausesTest, AnInterfaceWithoutAStanzaHoldsNothing) {
+    WriteFile(kInterfaces, "iface lo inet loopback\n");
+    WriteFile(kDhcpConfig, "");
+    Set("eth0.method", "\x01");
+    Set("eth0.address", "10.0.0.5");
+    for (const char* name : {"eth0.method", "eth0.address", "eth0.netmask", "eth0.gateway"}) {
+        EXPECT_EQ(FirstOf(name),
+                  "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
+                  "dhcp'; mend: add a stanza that begins with one")
             << name;
     }
 }
 
-TEST(LikelyCause, ALinkLocalAddressThatStaysOffHasNoHook) {
-    EXPECT_EQ(Cause("eth0.apipa", Holding("\x02")), kNoHook);
-    EXPECT_EQ(Cause("eth1.apipa", Holding("\x02")), kNoHook);
-    EXPECT_EQ(Cause("eth0.apipa", Holding("\x01")), kNotWritten);
-    EXPECT_EQ(Cause("eth0.apipa", Failing(-1)), "");
+TEST_F(CausesTest, TheLastStanzaGainsNoLine) {
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\n" + std::string(kEth1));
+    Set("eth1.gateway", "10.0.0.1");
+    EXPECT_EQ(
+        FirstOf("eth1.gateway"),
+        "/etc/network/interfaces:2: the stanza is the last one and has no gateway line; mend: "
+        "add a line \"gateway 192.168.0.1\" to it");
+    EXPECT_EQ(
+        FirstOf("eth1.netmask"),
+        "/etc/network/interfaces:2: the stanza is the last one and has no netmask line; mend: "
+        "add a line \"netmask 255.255.255.0\" to it");
+    EXPECT_EQ(FirstOf("eth0.gateway"), "");
+    EXPECT_EQ(FirstOf("eth1.method"), "");
 }
 
-TEST(LikelyCause, AnOptionThatIsNotRequestedHasNoStatement) {
-    for (const char* name : {"dhcp-ntp", "eth0.dhcp-dns", "eth1.dhcp-dns"}) {
-        EXPECT_EQ(Cause(name, Holding("\x02")), kNoRequest) << name;
-        EXPECT_EQ(Cause(name, Holding("\x01")), kNotWritten) << name;
-        EXPECT_EQ(Cause(name, Failing(-1)), "") << name;
+TEST_F(CausesTest, ASecondGatewayOutlivesTheFirst) {
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n"
+              "\tgateway 10.0.0.3\n" +
+                  std::string(kEth1));
+    Set("eth0.gateway", "");
+    EXPECT_EQ(FirstOf("eth0.gateway"),
+              "/etc/network/interfaces:3: 'gateway 10.0.0.3' counts when line 2 is removed; mend: "
+              "remove it");
+    Set("eth0.gateway", "");
+    EXPECT_EQ(FirstOf("eth0.gateway"),
+              "/etc/network/interfaces:2: it is read from 'gateway 10.0.0.3'; mend: remove that "
+              "line, or set it once more");
+}
+
+TEST_F(CausesTest, AHookThatIsNotThereCannotBeSwitched) {
+    WriteFile(kHooks, "exit 0\n");
+    Set("eth1.apipa", "\x01");
+    EXPECT_EQ(FirstOf("eth1.apipa"),
+              "/etc/dhclient-exit-hooks: no line that runs for eth1 has /usr/sbin/avahi-autoipd; "
+              "mend: add the line that runs /usr/sbin/avahi-autoipd, with a '#' before it for off");
+}
+
+TEST_F(CausesTest, AnOptionNeedsARequestStatement) {
+    WriteFile(kDhcpConfig, "timeout 10;\n");
+    WriteFile(kHooks, "/usr/bin/ntpdate -u 10.0.0.1\n");
+    WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
+    Set("dhcp-ntp", "\x01");
+    EXPECT_EQ(FirstOf("dhcp-ntp"),
+              "/etc/dhclient.conf: there is no request statement; mend: add one: request "
+              "subnet-mask, broadcast-address, routers;");
+    Set("eth1.dhcp-dns", "\x01");
+    EXPECT_EQ(FirstOf("eth1.dhcp-dns"),
+              "/etc/dhclient.conf: there is no request statement that counts for eth1; mend: add "
+              "one: request subnet-mask, broadcast-address, routers;");
+}
+
+TEST_F(CausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
+    WriteFile(kDhcpConfig, "#interface \"eth0\" {\n#\trequest routers;\n#}\n");
+    WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
+    Set("eth0.dhcp-dns", "\x01");
+    EXPECT_EQ(FirstOf("eth0.dhcp-dns"),
+              "/etc/dhclient.conf:1: the interface's block is switched off, and no other request "
+              "statement counts; mend: velkctl set eth0.method dhcp, when DHCP is wanted");
+}
+
+TEST_F(CausesTest, TheClockNeedsAnEntry) {
+    WriteFile(kCrontab, "0 * * * * true\n");
+    Set("ntp", "\x01");
+    Set("ntp-server", "10.0.0.9");
+    for (const char* name : {"ntp", "ntp-server"}) {
+        EXPECT_EQ(FirstOf(name),
+                  "/var/cron/tabs/root: no entry runs ntpdate; mend: write: 0 * * * * "
+                  "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log")
+            << name;
     }
+    WriteFile(kCrontab, "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n");
+    Set("ntp", "\x01");
+    EXPECT_EQ(FirstOf("ntp"), "") << "the next set of it would do";
+    WriteFile(kCrontab, "###0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n");
+    Set("ntp", "\x01");
+    EXPECT_EQ(FirstOf("ntp"),
+              "/var/cron/tabs/root:1: two '#' stand before the entry, and switching on takes one "
+              "away; mend: leave one '#', in the first column");
 }
 
-TEST(LikelyCause, AClockThatStaysUnsetHasNoEntry) {
-    EXPECT_EQ(Cause("ntp", Holding("\x02")), kNoEntry);
-    EXPECT_EQ(Cause("ntp", Holding("\x01")), kNotWritten);
-    EXPECT_EQ(Cause("ntp", Failing(-1)), "");
+TEST_F(CausesTest, ATimeServerNeedsAPlace) {
+    WriteFile(kCrontab, "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n");
+    Set("ntp-server", "10.0.0.9");
+    EXPECT_EQ(FirstOf("ntp-server"),
+              "/var/cron/tabs/root:1: a new server would be joined with another word of it; mend: "
+              "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
-TEST(LikelyCause, ATimeServerThatStaysEmptyHasNoEntry) {
-    EXPECT_EQ(Cause("ntp-server", Holding("")), kNoServer);
-    EXPECT_EQ(Cause("ntp-server", Holding("9.9.9.95")),
-              "the first line with ntpdate ends with its server, or has the server's text in front "
-              "of it too, or the crontab cannot be written");
-    EXPECT_EQ(Cause("ntp-server", Failing(-1)), "");
+TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
+    WriteFile(kCrontab, "0 * * * * ntpdate 10.0.0.1\n5 4 * * * true\n");
+    Set("ntp-server", "10.0.0.9");
+    EXPECT_EQ(FirstOf("ntp-server"),
+              "/var/cron/tabs/root:1: two entries stand on one line, as a set makes of a server "
+              "that is the last word of its line; mend: put the second one on a line of its own, "
+              "and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
-TEST(LikelyCause, OtherSettingsOfFilesHaveAFileThatCannotBeWritten) {
-    for (const char* name : {"administrator", "location", "web-update", "eth0.dns", "eth1.dns"}) {
-        EXPECT_EQ(Cause(name, Holding("")), kNotWritten) << name;
-        EXPECT_EQ(Cause(name, Holding("x")), kNotWritten) << name;
-        EXPECT_EQ(Cause(name, Holding("\x01")), kNotWritten) << name;
-        EXPECT_EQ(Cause(name, Holding("\x02")), kNotWritten) << name;
-    }
+TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
+    WriteFile(kIdentity, "ADMINISTRATOR=old\n");
+    const testkit::Mounted in_place(kIdentity, kIdentity, nullptr, MS_BIND, nullptr);
+    ASSERT_EQ(mount(nullptr, kIdentity, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    Set("administrator", "new");
+    EXPECT_EQ(testkit::ReadFile(kIdentity), "ADMINISTRATOR=old\n");
+    EXPECT_EQ(
+        FirstOf("administrator"),
+        "/var/libvelk/libvelk: this user may not write the file: Read-only file system; mend: "
+        "run the program as a user that may, or let this one write the file");
 }
 
-TEST(LikelyCause, WhatTheKernelOrTheDaemonHoldsHasNoneToName) {
-    for (const char* name : {"eth0.link-speed", "eth1.ssid", "eth1.channel", "eth1.encryption",
-                             "eth1.wep-key-1", "eth1.psk", "eth1.standards-enabled"}) {
-        EXPECT_EQ(Cause(name, Holding("")), "") << name;
-        EXPECT_EQ(Cause(name, Holding("\x01")), "") << name;
-        EXPECT_EQ(Cause(name, Holding("\x02")), "") << name;
-        EXPECT_EQ(Cause(name, Failing(-1)), "") << name;
-    }
+TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {
+    WriteFile(kIdentity, "");
+    const testkit::Emptied small("/var/tmp", "size=32k");
+    EXPECT_EQ(FirstOf("location"),
+              "/var/tmp: the file system is full: 32768 bytes are free; mend: remove what is not "
+              "needed there");
 }
 
-TEST(LikelyCause, WhatCannotBeReadBackHasNoneToNameButItsStanza) {
-    for (const Setting& setting : SettingsOf(Catalogue())) {
-        const uint32_t id = setting.row->id;
-        const bool has_stanza = id == VELK_CMD_IP_METHOD || id == VELK_CMD_IP_ADDRESS ||
-                                id == VELK_CMD_NETMASK || id == VELK_CMD_GATEWAY;
-        for (const int result : {-1, -3, -4, -5, -6}) {
-            EXPECT_EQ(LikelyCause(setting, Failing(result)), has_stanza ? kNoStanza : "")
-                << setting.name();
+TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
+    WriteFile(kIdentity, "ADMINISTRATOR=old\n");
+    setenv("PATH", "/tmp", 1);
+    Set("administrator", "new");
+    EXPECT_EQ(FirstOf("administrator"),
+              "cat is not installed; mend: install it in a folder of PATH");
+}
+
+TEST_F(CausesTest, ALineOfAFileComesBeforeAllElseAndAProblemBeforeAWarning) {
+    WriteFile(kInterfaces, "iface eth1 inet static\n\tgateway  10.0.0.1\n\tgateway 10.0.0.2\n");
+    setenv("PATH", "/tmp", 1);
+    const Findings causes = CausesOf(Find("eth1.gateway"));
+    ASSERT_EQ(causes.size(), 3U);
+    EXPECT_EQ(causes[0].subject, "cat");
+    EXPECT_EQ(causes[0].severity, Severity::kProblem);
+    EXPECT_EQ(causes[1].line, 2U);
+    EXPECT_EQ(causes[2].line, 3U);
+    WriteFile(kInterfaces, "iface eth1 inet static\n");
+    EXPECT_EQ(CausesOf(Find("eth1.gateway"))[0].line, 1U);
+    EXPECT_EQ(CausesOf(Find("eth1.gateway"))[1].subject, "cat");
+}
+
+TEST_F(CausesTest, TellWhetherASetIsKeptFromItsEffect) {
+    WriteFile(kInterfaces, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
+    EXPECT_EQ(CausesOf(Find("eth1.gateway")).front().hinders, Hinders::kSetting);
+    EXPECT_EQ(CausesOf(Find("eth1.address")).front().hinders, Hinders::kReading);
+}
+
+TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {
+    // No SNMP agent's file, a copy left behind, a lock that others cannot take.
+    WriteFile(kIdentity, "ADMINISTRATOR=x\n");
+    WriteFile("/var/tmp/libvelk", "");
+    WriteFile("/var/tmp/vklib_lock", "");
+    EXPECT_EQ(FirstOf("administrator"), "");
+}
+
+TEST_F(CausesTest, OnlyWhatConcernsTheSettingIsFound) {
+    EXPECT_EQ(FindingsInWords(velkctl::ExamineFor(Find("web-update"))),
+              "problem: ntp, ntp-server and web-update can be neither read nor set: "
+              "/var/cron/tabs/root: the file is missing\n"
+              "  mend: put the device's own file there\n");
+    for (const Setting& setting : velkctl::SettingsOf(velkctl::Catalogue())) {
+        for (const velkctl::Finding& finding : velkctl::ExamineFor(setting)) {
+            EXPECT_TRUE(Includes(finding.concerns, setting)) << setting.name();
         }
     }
 }
 
-TEST(LikelyCause, TheFirstByteTellsHowTheAnswerDiffers) {
-    EXPECT_EQ(Cause("ntp", Holding(std::string_view("\x02xyz", 4))), kNoEntry);
-    EXPECT_EQ(Cause("ntp-server", Holding(std::string_view("\0xyz", 4))), kNoServer);
-    Answer failing = Holding("\x02");
-    failing.result = LIB_VELK_FAILURE;
-    EXPECT_EQ(Cause("ntp", failing), "") << "data of a failure tells nothing";
+TEST_F(CausesTest, AreWordsThatCannotControlTheTerminal) {
+    EXPECT_EQ(CauseInWords({.what = "\x1b[2J", .file = "/f", .line = 3, .remedy = "\x07"}),
+              "/f:3: \\x1b[2J; mend: \\x07");
 }
 
 }  // namespace

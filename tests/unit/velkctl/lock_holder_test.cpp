@@ -70,12 +70,12 @@ TEST(SecondsRunning, AreUnknownWithoutReadableTexts) {
     EXPECT_EQ(SecondsRunning(kStat, "45.90 80.00\n", 0), std::nullopt);
 }
 
-TEST(LockHolderWords, NameTheProcess) {
-    EXPECT_EQ(velkctl::Words({1234, "velkctl", 3}), "process 1234 (velkctl)");
+TEST(LockHolderWords, NameTheProcessAndItsAge) {
+    EXPECT_EQ(velkctl::Words({1234, "velkctl", 3}), "process 1234 (velkctl, 3 seconds old)");
 }
 
 TEST(LockHolderWords, NeverControlTheTerminal) {
-    EXPECT_EQ(velkctl::Words({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m)");
+    EXPECT_EQ(velkctl::Words({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
 }
 
 class FindLockHolderTest : public testkit::DeviceTest {};

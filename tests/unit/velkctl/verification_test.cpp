@@ -68,8 +68,8 @@ TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
-              "likely cause: its stanza in /etc/network/interfaces is the last one and has no such "
-              "line to replace, or the file cannot be written\n");
+              "likely cause: /etc/network/interfaces:1: the stanza is the last one and has no "
+              "gateway line; mend: add a line \"gateway 192.168.0.1\" to it\n");
 }
 
 TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
@@ -77,11 +77,13 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
     for (const auto& [name, value] :
          {std::pair("eth0.method", "dhcp"), std::pair("eth0.address", "10.0.0.5")}) {
         EXPECT_EQ(Verify(name, {value}), false);
-        EXPECT_EQ(complaint,
-                  "velkctl: " + std::string(name) +
-                      ": the library reported success, but it cannot be read back "
-                      "(LIB_VELK_FAILURE, -1); likely cause: /etc/network/interfaces has no stanza "
-                      "\"inet static\" or \"inet dhcp\" of the interface\n");
+        EXPECT_EQ(
+            complaint,
+            "velkctl: " + std::string(name) +
+                ": the library reported success, but it cannot be read back "
+                "(LIB_VELK_FAILURE, -1); likely cause: /etc/network/interfaces: no line begins "
+                "with 'iface eth0 inet static' or '... dhcp'; mend: add a stanza that begins "
+                "with one\n");
     }
 }
 
@@ -91,7 +93,9 @@ TEST_F(VerifySetTest, AnotherAddressIsShown) {
     EXPECT_EQ(
         complaint,
         "velkctl: eth0.address: the library reported success, but the device holds "
-        "'ether 02:00:00:00:00:01'; likely cause: the file that holds it cannot be written\n");
+        "'ether 02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: 'hwaddress ether "
+        "02:00:00:00:00:01' comes first and holds 'address '; mend: word it otherwise, or move it "
+        "below the line with the value\n");
 }
 
 TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
@@ -99,16 +103,16 @@ TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
     EXPECT_EQ(Verify("eth1.apipa", {"on"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth1.apipa: the library reported success, but the device holds 'off'; "
-              "likely cause: no line of /etc/dhclient-exit-hooks that runs for the interface has "
-              "/usr/sbin/avahi-autoipd to switch\n");
+              "likely cause: /etc/dhclient-exit-hooks: no line that runs for eth1 has "
+              "/usr/sbin/avahi-autoipd; mend: add the line that runs /usr/sbin/avahi-autoipd, with "
+              "a '#' before it for off\n");
 }
 
-TEST_F(VerifySetTest, AFileThatKeepsItsOldTextIsNamed) {
+TEST_F(VerifySetTest, AFileWithNothingWrongIsNotNamed) {
     WriteFile(kHooks, "/usr/sbin/avahi-autoipd eth0\n");
     EXPECT_EQ(Verify("eth0.apipa", {"off"}), false);
     EXPECT_EQ(complaint,
-              "velkctl: eth0.apipa: the library reported success, but the device holds 'on'; "
-              "likely cause: the file that holds it cannot be written\n");
+              "velkctl: eth0.apipa: the library reported success, but the device holds 'on'\n");
 }
 
 TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
@@ -118,6 +122,18 @@ TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
         complaint,
         "velkctl: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is "
         "shown\n");
+}
+
+TEST_F(VerifySetTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
+    WriteFile(kInterfaces, "iface eth1 inet dhcp\n");
+    EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+    EXPECT_EQ(
+        complaint,
+        "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
+        "value (while eth1.method is dhcp, its lease is shown); likely cause: "
+        "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; mend: "
+        "add a line \"gateway 192.168.0.1\" to it\n");
 }
 
 TEST_F(VerifySetTest, AReadingThatTakesTooLongProvesNothing) {

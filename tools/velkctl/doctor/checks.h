@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "velkctl/catalogue.h"
 #include "velkctl/doctor/finding.h"
 
 namespace velkctl {
@@ -22,6 +23,8 @@ Findings CheckWebUpdate();     // the updater in the crontab
 Findings CheckIdentity();      // the SNMP agent's configuration
 
 Findings CheckTools();
+// Those that the setting needs.
+Findings CheckToolsFor(const Setting& setting);
 Findings CheckIfconfig();
 Findings CheckEditCopies();    // in /var/tmp
 Findings CheckResultFile();    // in /var/tmp
@@ -29,6 +32,10 @@ Findings CheckQueryRemains();  // reply socket and semaphore
 Findings CheckLock();
 // Asks the daemon, for a few seconds at most.
 Findings CheckDaemon(Report& report);
+
+// What keeps a restart of an interface from its effect, which the library does not notice: the
+// tools that bring it down and up.
+Findings RestartObstacles();
 
 // Says whether what ifconfig printed can be read back: the finding when it cannot.
 Findings JudgeIfconfigOutput(std::string_view output);

@@ -6,20 +6,19 @@
 #include <string_view>
 
 #include "frame/comment_switch.h"
-#include "frame/crontab.h"
 #include "frame/words.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/script_blocks.h"
 #include "velkctl/doctor/text_file.h"
 #include "velkctl/library_call.h"
+#include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::string_view kClient = "ntpdate";
-constexpr std::string_view kResultLog = "/var/libvelk/ntp.log";
-constexpr std::string_view kProperEntry =
+constexpr char kProperEntry[] =
     "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log";
 constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
 
@@ -29,12 +28,16 @@ constexpr std::array<std::string_view, 7> kOptionsWithWord{"-a", "-e", "-k", "-o
 
 constexpr std::string_view kUpdater = "web_contents_updater";
 constexpr std::string_view kUpdateCommand = "perl /usr/bin/web_contents_updater.pl";
-constexpr size_t kTimeFields = 5;
+constexpr int kTimeFields = 5;
+constexpr std::string_view kTimeCharacters = "0123456789*/,-";
 
-Finding FindingAt(Severity severity, std::string_view subject, std::string effect, std::string what,
-                  size_t index, std::string_view remedy) {
-    return {severity,  std::string(subject), std::move(effect), std::move(what), velk::kCrontab,
-            index + 1, std::string(remedy)};
+// What every finding on a line has in common.
+Finding At(size_t index, Concerns concerns) {
+    return {.file = kCrontab,
+            .line = index + 1,
+            .remedy = kProperEntry,
+            .concerns = std::move(concerns),
+            .hinders = Hinders::kSetting};
 }
 
 // What becomes of the line when the server is set; empty when it is as it should be.
@@ -85,31 +88,71 @@ bool IsRemark(std::string_view line) {
            !velk::Contains("0123456789*@", text.substr(begin, 1));
 }
 
+Finding Remark(const std::string& line, size_t index) {
+    Finding finding = At(index, {{.id = VELK_CMD_NTP}, {.id = VELK_CMD_NTP_SERVER}});
+    finding.subject = "ntp";
+    finding.effect = "and ntp-server change a remark";
+    finding.what = Excerpt(line) + " is taken for an entry";
+    finding.remedy = "word it without 'ntpdate'";
+    return finding;
+}
+
+// Says whether the entry runs on into another one, which begins with fields of time.
+bool HasSecondEntry(std::string_view line) {
+    const std::vector<std::string> words = WordsOf(line.substr(line.find(kClient)));
+    constexpr int kFieldsLeft = kTimeFields - 1;  // the first one sticks to the server
+    const auto is_field = [](std::string_view word) {
+        return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
+    };
+    return std::ranges::search_n(words, kFieldsLeft, true, {}, is_field).size() == kFieldsLeft;
+}
+
+Findings CheckServer(const std::string& line, size_t index) {
+    Finding finding = At(index, {{.id = VELK_CMD_NTP_SERVER}});
+    finding.subject = "ntp-server";
+    Findings findings;
+    if (const std::string problem = ServerProblem(line); !problem.empty()) {
+        finding.effect = "cannot be set";
+        finding.what = problem;
+        findings.push_back(finding);
+    }
+    if (const std::string server = FalseServer(line); !server.empty()) {
+        finding.effect = "is read and set in the wrong place";
+        finding.what = server + " is taken for it";
+        findings.push_back(finding);
+    }
+    if (HasSecondEntry(line)) {
+        finding.effect = "is joined with another entry";
+        finding.what =
+            "two entries stand on one line, as a set makes of a server that is the last "
+            "word of its line";
+        finding.remedy =
+            std::string("put the second one on a line of its own, and ") + kProperEntry;
+        findings.push_back(finding);
+    }
+    return findings;
+}
+
 Findings CheckEntry(const std::string& line, size_t index) {
     if (IsRemark(line)) {
-        return {FindingAt(Severity::kProblem, "ntp", "and ntp-server change a remark",
-                          Excerpt(line) + " is taken for an entry", index,
-                          "word it without 'ntpdate'")};
+        return {Remark(line, index)};
     }
     Findings findings;
     if (HasSecondMark(line, line.find(kClient))) {
-        findings.push_back(FindingAt(Severity::kProblem, "ntp", "cannot be set to on",
-                                     "two '#' stand before the entry, and one is taken away", index,
-                                     "leave one '#', in the first column"));
+        Finding finding = SecondMark("entry", kCrontab, index);
+        finding.subject = "ntp";
+        finding.concerns = {{.id = VELK_CMD_NTP}};
+        findings.push_back(finding);
     }
-    if (const std::string problem = ServerProblem(line); !problem.empty()) {
-        findings.push_back(FindingAt(Severity::kProblem, "ntp-server", "cannot be set", problem,
-                                     index, kProperEntry));
-    }
-    if (const std::string server = FalseServer(line); !server.empty()) {
-        findings.push_back(FindingAt(Severity::kProblem, "ntp-server",
-                                     "is read and set in the wrong place",
-                                     server + " is taken for it", index, kProperEntry));
-    }
-    if (!velk::Contains(line, kResultLog)) {
-        findings.push_back(
-            FindingAt(Severity::kWarning, "ntp-result", "does not tell of this entry",
-                      "its output does not go to /var/libvelk/ntp.log", index, kProperEntry));
+    Append(findings, CheckServer(line, index));
+    if (!velk::Contains(line, kNtpLog)) {
+        Finding finding = At(index, {{.id = VELK_CMD_NTP_RESULT}});
+        finding.severity = Severity::kWarning;
+        finding.subject = "ntp-result";
+        finding.effect = "does not tell of this entry";
+        finding.what = std::string("its output does not go to ") + kNtpLog;
+        finding.hinders = Hinders::kReading;
+        findings.push_back(finding);
     }
     return findings;
 }
@@ -117,10 +160,10 @@ Findings CheckEntry(const std::string& line, size_t index) {
 // Says whether the library could have written the line: five fields of time and the command, with
 // single blanks between them.
 bool IsOwnUpdate(std::string_view line) {
-    for (size_t i = 0; i < kTimeFields; ++i) {
+    for (int i = 0; i < kTimeFields; ++i) {
         const size_t end = line.find(' ');
         if (end == std::string_view::npos || end == 0 ||
-            line.substr(0, end).find_first_not_of("0123456789*/,-") != std::string_view::npos) {
+            line.substr(0, end).find_first_not_of(kTimeCharacters) != std::string_view::npos) {
             return false;
         }
         line.remove_prefix(end + 1);
@@ -131,7 +174,7 @@ bool IsOwnUpdate(std::string_view line) {
 }  // namespace
 
 Findings CheckTimeEntry() {
-    const TextFile crontab = ReadTextFile(velk::kCrontab);
+    const TextFile crontab = ReadTextFile(kCrontab);
     if (crontab.state != FileState::kText) {
         return {};
     }
@@ -144,34 +187,44 @@ Findings CheckTimeEntry() {
         }
     }
     if (!found) {
-        findings.push_back({Severity::kProblem, "ntp", "and ntp-server cannot be set",
-                            "no entry runs ntpdate", velk::kCrontab, 0, std::string(kProperEntry)});
+        findings.push_back({.subject = "ntp",
+                            .effect = "and ntp-server cannot be set",
+                            .what = "no entry runs ntpdate",
+                            .file = kCrontab,
+                            .remedy = kProperEntry,
+                            .concerns = {{.id = VELK_CMD_NTP}, {.id = VELK_CMD_NTP_SERVER}},
+                            .hinders = Hinders::kSetting});
     }
     return findings;
 }
 
 Findings CheckWebUpdate() {
-    const TextFile crontab = ReadTextFile(velk::kCrontab);
+    const TextFile crontab = ReadTextFile(kCrontab);
     if (crontab.state != FileState::kText) {
         return {};
     }
-    const std::string remedy = "set web-update anew: velkctl set web-update weekly sunday 08:30";
     bool is_first = true;  // the others are not read
     Findings findings;
     for (size_t i = 0; i < crontab.lines.size(); ++i) {
         if (!velk::Contains(crontab.lines[i], kUpdater)) {
             continue;
         }
+        Finding finding = At(i, {{.id = VELK_CMD_WEB_UPDATE}});
+        finding.subject = "web-update";
+        finding.remedy = "set web-update anew: velkctl set web-update weekly sunday 08:30";
+        finding.hinders = Hinders::kReading;
         const bool is_readable =
             !is_first ||
             CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
         if (!is_readable) {
-            findings.push_back(FindingAt(Severity::kProblem, "web-update", "cannot be read",
-                                         "the schedule is not one of this library's", i, remedy));
+            finding.effect = "cannot be read";
+            finding.what = "the schedule is not one of this library's";
+            findings.push_back(finding);
         } else if (!IsOwnUpdate(crontab.lines[i])) {
-            findings.push_back(FindingAt(
-                Severity::kWarning, "web-update", "is read wrongly, and a set replaces the line",
-                Excerpt(crontab.lines[i]) + " is not as the library writes it", i, remedy));
+            finding.severity = Severity::kWarning;
+            finding.effect = "is read wrongly, and a set replaces the line";
+            finding.what = Excerpt(crontab.lines[i]) + " is not as the library writes it";
+            findings.push_back(finding);
         }
         is_first = false;
     }

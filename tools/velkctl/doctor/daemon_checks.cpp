@@ -7,15 +7,15 @@
 #include "velk.h"
 #include "velkctl/device.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/query_places.h"
 #include "velkctl/doctor/text_file.h"
+#include "velkctl/places.h"
+#include "velkctl/unix_socket.h"
 
 namespace velkctl {
 namespace {
 
 constexpr int kSeconds = 5;
 constexpr char kSubject[] = "the wireless daemon";
-constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 
 bool IsAdapterAttached() {
     const FileState list = ReadTextFile(kSupportList).state;
@@ -23,9 +23,45 @@ bool IsAdapterAttached() {
     return is_readable && IsWlanAttached() != 0;  // opening a FIFO would wait
 }
 
-Finding Silent(Severity severity, std::string effect, std::string what, std::string remedy) {
-    return {severity,       kSubject, std::move(effect), std::move(what),
-            kRequestSocket, 0,        std::move(remedy)};
+// What every finding has in common.
+Finding About(std::string effect) {
+    return {.subject = kSubject,
+            .effect = std::move(effect),
+            .file = kRequestSocket,
+            .remedy = "restart the wireless daemon",
+            .concerns = WirelessSettings(),
+            .hinders = Hinders::kSetting};
+}
+
+Findings NotRunning(bool has_socket) {
+    Finding finding = About("does not run");
+    finding.what = has_socket ? "nobody listens at its socket" : "its socket is missing";
+    finding.remedy = "start the wireless daemon";
+    return {finding};
+}
+
+Findings Busy() {
+    Finding finding = About("was not asked");
+    finding.severity = Severity::kWarning;
+    finding.what = "another program waits for its answer now";
+    finding.remedy = "try again in a minute";
+    finding.hinders = Hinders::kNothing;
+    return {finding};
+}
+
+// What the answer to a question tells of the daemon.
+Findings JudgeAnswer(const Answer& answer) {
+    if (answer.timed_out) {
+        Finding finding = About("does not answer");
+        finding.what = "nothing came within " + std::to_string(kSeconds) + " seconds";
+        return {finding};
+    }
+    if (StatusOf(answer) != ExitStatus::kDone) {
+        Finding finding = About("does not answer as it should");
+        finding.what = WhyNot(answer);
+        return {finding};
+    }
+    return {};
 }
 
 }  // namespace
@@ -37,30 +73,17 @@ Findings CheckDaemon(Report& report) {
     struct stat facts {};
     const bool is_there = lstat(kRequestSocket, &facts) == 0;
     if (!is_there || !S_ISSOCK(facts.st_mode) || !IsBound(kRequestSocket)) {
-        return {Silent(Severity::kProblem, "does not run",
-                       is_there ? "nobody listens at its socket" : "its socket is missing",
-                       "start the wireless daemon")};
+        return NotRunning(is_there);
     }
     if (IsBound(kReplySocket)) {
-        return {Silent(Severity::kWarning, "was not asked",
-                       "another program waits for its answer now", "try again in a minute")};
+        return Busy();
     }
-    if (lstat(kSemaphore, &facts) == 0 && !IsSemaphore(facts)) {
-        return {};  // asking would end this program; told as a file that is in the way
+    if (CountOf(CheckQueryRemains(), Severity::kProblem) > 0) {
+        return {};  // what is in the way is told already, and is to blame for any answer
     }
     const Device device(Patience{.timeout_seconds = kSeconds}, report);
-    const Answer answer =
-        device.Execute({VELK_GET, VELK_CMD_SSID, VELK_WIRELESS_INTERFACE}, {}, kSubject);
-    if (answer.timed_out) {
-        return {Silent(Severity::kProblem, "does not answer",
-                       "nothing came within " + std::to_string(kSeconds) + " seconds",
-                       "restart the wireless daemon")};
-    }
-    if (!answer.ok()) {
-        return {Silent(Severity::kProblem, "does not answer as it should", WhyNot(answer),
-                       "restart the wireless daemon")};
-    }
-    return {};
+    return JudgeAnswer(
+        device.Execute({VELK_GET, VELK_CMD_SSID, VELK_WIRELESS_INTERFACE}, {}, kSubject));
 }
 
 }  // namespace velkctl

@@ -1,4 +1,5 @@
-// files_checks.cpp - whether the library's files and folders are there and may be written.
+// files_checks.cpp - whether the library's files are there and may be written.
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -6,167 +7,142 @@
 #include <string_view>
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include "velkctl/device_files.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/text_file.h"
+#include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
 
-constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
+constexpr char kPutFile[] = "put the device's own file in its place";
 
-// How the library changes a file.
-enum class Change {
-    kNever,
-    kByEdit,  // as the calling user, through an edit copy
-    kWhole,   // as the calling user; it is made when missing
-    kBySudo,
-};
-
-struct DeviceFile {
+// What becomes of the settings of a file that cannot be used.
+struct Loss {
     std::string_view path;
-    std::string_view settings;
-    Change change;
-    Severity if_missing;
-    std::string_view effect_if_missing;
+    std::string_view effect;
+    Severity severity = Severity::kProblem;
+    Hinders hinders = Hinders::kNothing;
 };
 
-constexpr std::string_view kUnusable = "can be neither read nor set";
+constexpr Loss kEverything{.path = "",
+                           .effect = "can be neither read nor set",
+                           .severity = Severity::kProblem,
+                           .hinders = Hinders::kSetting};
 
-constexpr std::array<DeviceFile, 10> kFiles{{
-    {"/etc/network/interfaces", "method, address, netmask and gateway", Change::kByEdit,
-     Severity::kProblem, kUnusable},
-    {"/etc/dhclient-exit-hooks", "apipa, dhcp-notice and dhcp-ntp", Change::kByEdit,
-     Severity::kProblem, kUnusable},
-    {"/etc/dhclient.conf", "method, dhcp-dns and dhcp-ntp", Change::kByEdit, Severity::kProblem,
-     "cannot be set"},
-    {"/sbin/dhclient-script", "dhcp-dns", Change::kByEdit, Severity::kProblem, "cannot be set"},
-    {"/etc/resolv.dnsmasq.conf", "dns", Change::kWhole, Severity::kWarning,
-     "cannot be read until it is set"},
-    {"/var/cron/tabs/root", "ntp, ntp-server and web-update", Change::kByEdit, Severity::kProblem,
-     kUnusable},
-    {"/var/libvelk/libvelk", "administrator and location", Change::kByEdit, Severity::kProblem,
-     kUnusable},
-    {"/usr/local/share/etc/snmp/snmpd.conf", "administrator and location", Change::kBySudo,
-     Severity::kProblem, "do not reach the SNMP agent"},
-    {"/usr/local/share/apps/wlan/supportlist.ini", "wireless adapters", Change::kNever,
-     Severity::kWarning, "are not recognised but for the built-in one"},
-    {"/proc/bus/usb/devices", "wireless adapters", Change::kNever, Severity::kWarning,
-     "are never found"},
+// Of files that hold no setting themselves.
+constexpr std::array<Loss, 3> kLosses{{
+    {.path = kSnmpFile, .effect = "do not reach the SNMP agent"},
+    {.path = kSupportList,
+     .effect = "are not recognised but for the built-in one",
+     .severity = Severity::kWarning},
+    {.path = kUsbDevices, .effect = "are never found", .severity = Severity::kWarning},
 }};
 
-bool MayWrite(const std::string& path, int mode) {
-    return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
+// Of files that are missing. The library makes the resolver's, and reads some settings without the
+// others.
+constexpr std::array<Loss, 3> kLossesByAbsence{{
+    {.path = kDhcpConfigFile, .effect = "cannot be set", .hinders = Hinders::kSetting},
+    {.path = kClientScript, .effect = "cannot be set", .hinders = Hinders::kSetting},
+    {.path = kResolverFile,
+     .effect = "cannot be read until it is set",
+     .severity = Severity::kWarning,
+     .hinders = Hinders::kReading},
+}};
+
+template <size_t size>
+Loss FindLoss(const std::array<Loss, size>& losses, std::string_view path, const Loss& otherwise) {
+    const auto* found = std::ranges::find(losses, path, &Loss::path);
+    return found == losses.end() ? otherwise : *found;
 }
 
-Finding FindingIn(const DeviceFile& file, Severity severity, std::string_view effect,
-                  std::string what, std::string remedy) {
-    return {severity,         std::string(file.settings), std::string(effect),
-            std::move(what),  std::string(file.path),     0,
-            std::move(remedy)};
+Loss LossOf(const DeviceFile& file) {
+    return FindLoss(kLosses, file.path, kEverything);
+}
+
+Finding About(const DeviceFile& file, const Loss& loss) {
+    return {.severity = loss.severity,
+            .subject = std::string(file.subject),
+            .effect = std::string(loss.effect),
+            .file = file.path,
+            .remedy = kPutFile,
+            .concerns = ConcernsOf(file.holds),
+            .hinders = loss.hinders};
+}
+
+Finding Missing(const DeviceFile& file) {
+    Finding finding = About(file, FindLoss(kLossesByAbsence, file.path, LossOf(file)));
+    finding.what = "the file is missing";
+    finding.remedy = "put the device's own file there";
+    return finding;
+}
+
+Finding NoFile(const DeviceFile& file) {
+    Finding finding = About(file, LossOf(file));
+    finding.what = "a folder, a FIFO or a device stands there";
+    return finding;
+}
+
+Finding Unreadable(const DeviceFile& file, int error) {
+    Finding finding = About(file, LossOf(file));
+    finding.what = std::string("this user may not read the file: ") + strerror(error);
+    finding.remedy = "run the program as a user that may, or let this one read the file";
+    if (file.change == Change::kBySudo) {  // another user changes it
+        finding.severity = Severity::kWarning;
+        finding.effect = "may not reach the SNMP agent";
+        finding.what.append("; not examined");
+        finding.remedy = "run the doctor as a user that may";
+    }
+    return finding;
+}
+
+Finding TooLarge(const DeviceFile& file) {
+    return {.severity = Severity::kWarning,
+            .subject = std::string(file.subject),
+            .effect = "take long",
+            .what = "more than 1 MiB, not examined",
+            .file = file.path,
+            .remedy = kPutFile};
 }
 
 // A file that is there and has been read.
 Findings CheckWriting(const DeviceFile& file) {
     const bool is_written = file.change == Change::kByEdit || file.change == Change::kWhole;
-    if (!is_written || MayWrite(std::string(file.path), W_OK)) {
+    if (!is_written || faccessat(AT_FDCWD, file.path, W_OK, AT_EACCESS) == 0) {
         return {};
     }
-    return {FindingIn(file, Severity::kProblem, "cannot be set",
-                      std::string("this user may not write the file: ") + strerror(errno),
-                      "run the program as a user that may, or let this one write the file")};
+    Finding finding = About(file, kEverything);
+    finding.effect = "cannot be set";
+    finding.what = std::string("this user may not write the file: ") + strerror(errno);
+    finding.remedy = "run the program as a user that may, or let this one write the file";
+    return {finding};
 }
 
 Findings CheckFile(const DeviceFile& file) {
-    const TextFile text = ReadTextFile(std::string(file.path));
+    const TextFile text = ReadTextFile(file.path);
     switch (text.state) {
         case FileState::kText:
             return CheckWriting(file);
         case FileState::kMissing:
-            return {FindingIn(file, file.if_missing, file.effect_if_missing, "the file is missing",
-                              "put the device's own file there")};
+            return {Missing(file)};
         case FileState::kNotRegular:
-            return {FindingIn(file, Severity::kProblem, kUnusable,
-                              "a folder, a FIFO or a device stands there",
-                              "put the device's own file in its place")};
+            return {NoFile(file)};
         case FileState::kUnreadable:
-            return {
-                FindingIn(file, Severity::kProblem, kUnusable,
-                          std::string("this user may not read the file: ") + strerror(text.error),
-                          "run the program as a user that may, or let this one read the file")};
+            return {Unreadable(file, text.error)};
         case FileState::kTooLarge:
-            return {FindingIn(file, Severity::kWarning, "take long",
-                              "more than 1 MiB, not examined",
-                              "put the device's own file in its place")};
+            return {TooLarge(file)};
     }
     return {};
-}
-
-struct Folder {
-    std::string_view path;
-    std::string_view settings;
-    std::string_view effect;
-};
-
-constexpr std::array<Folder, 4> kFolders{{
-    {"/var/tmp", "all settings in files", "cannot be set"},
-    {"/var/libvelk", "ntp-result", "cannot be cleared when ntp is set to off"},
-    {"/tmp", "wireless settings", "can be neither read nor set"},
-    {"/dev/shm", "wireless settings", "can be neither read nor set"},
-}};
-
-Finding FindingIn(const Folder& folder, std::string what, std::string remedy) {
-    return {Severity::kProblem, std::string(folder.settings), std::string(folder.effect),
-            std::move(what),    std::string(folder.path),     0,
-            std::move(remedy)};
-}
-
-Findings CheckSpace(const Folder& folder) {
-    struct statvfs facts {};
-    if (statvfs(std::string(folder.path).c_str(), &facts) == -1 || facts.f_blocks == 0) {
-        return {};  // 0: a file system without a limit
-    }
-    const unsigned long long free = 1ULL * facts.f_bavail * facts.f_frsize;
-    const bool has_files = facts.f_files == 0 || facts.f_favail > 0;
-    if (free >= kLeastFree && has_files) {
-        return {};
-    }
-    return {FindingIn(folder,
-                      "the file system is full: " + std::to_string(free) + " bytes are free",
-                      "remove what is not needed there")};
-}
-
-Findings CheckFolder(const Folder& folder) {
-    const std::string path(folder.path);
-    struct stat facts {};
-    if (stat(path.c_str(), &facts) == -1 || !S_ISDIR(facts.st_mode)) {
-        return {FindingIn(folder, "the folder is missing", "mkdir -p " + path)};
-    }
-    if (!MayWrite(path, W_OK | X_OK)) {
-        return {FindingIn(folder,
-                          std::string("this user may not write the folder: ") + strerror(errno),
-                          "run the program as a user that may, or let this one write it")};
-    }
-    return CheckSpace(folder);
 }
 
 }  // namespace
 
 Findings CheckFiles() {
     Findings findings;
-    for (const DeviceFile& file : kFiles) {
+    for (const DeviceFile& file : DeviceFiles()) {
         Append(findings, CheckFile(file));
-    }
-    return findings;
-}
-
-Findings CheckFolders() {
-    Findings findings;
-    for (const Folder& folder : kFolders) {
-        Append(findings, CheckFolder(folder));
     }
     return findings;
 }

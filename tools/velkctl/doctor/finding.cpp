@@ -14,23 +14,14 @@ std::string_view NameOf(Severity severity) {
     return severity == Severity::kProblem ? "problem" : "warning";
 }
 
-// "/etc/network/interfaces:12: ", as compilers point at a line.
-std::string Place(const Finding& finding) {
-    if (finding.file.empty()) {
-        return "";
-    }
-    const std::string line =
-        finding.line == 0 ? "" : std::string(":").append(std::to_string(finding.line));
-    return finding.file + line + ": ";
-}
-
 std::string Counted(size_t number, std::string_view noun) {
     return std::to_string(number).append(" ").append(noun).append(number == 1 ? "" : "s");
 }
 
 std::string InWords(const Finding& finding) {
-    const std::string found =
-        finding.subject + " " + finding.effect + ": " + Place(finding) + finding.what;
+    const std::string place = PlaceOf(finding);
+    const std::string found = finding.subject + " " + finding.effect + ": " + place +
+                              (place.empty() ? "" : ": ") + finding.what;
     return std::string(NameOf(finding.severity))
         .append(": ")
         .append(Printable(found))
@@ -44,6 +35,10 @@ std::string InWords(const Finding& finding) {
 void Append(Findings& all, Findings more) {
     all.insert(all.end(), std::make_move_iterator(more.begin()),
                std::make_move_iterator(more.end()));
+}
+
+std::string PlaceOf(const Finding& finding) {
+    return finding.line == 0 ? finding.file : finding.file + ":" + std::to_string(finding.line);
 }
 
 std::string FindingsInWords(const Findings& findings) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velkctl/doctor/concerns.h"
 #include "velkctl/report.h"
 
 namespace velkctl {
@@ -15,21 +16,33 @@ enum class Severity {
     kWarning,  // it works, or will again; somebody should know
 };
 
+// What a finding keeps the library from doing with the settings it concerns.
+enum class Hinders {
+    kNothing,  // a value is set and read back; what is wrong lies elsewhere
+    kReading,  // a value that was set is not what is read
+    kSetting,  // a value that is set does not take effect
+};
+
 // "eth1.gateway cannot be set: /etc/network/interfaces:12: the stanza is the last one and ..."
 struct Finding {
-    Severity severity;
-    std::string subject;  // a setting, a file or a tool
-    std::string effect;   // "cannot be set"
-    std::string what;     // is wrong there
-    std::string file{};
-    size_t line = 0;  // 0: none
-    std::string remedy;
+    Severity severity = Severity::kProblem;
+    std::string subject{};  // a setting, a file or a tool, as people are told
+    std::string effect{};   // "cannot be set"
+    std::string what{};     // is wrong there
+    std::string file{};     // empty: none
+    size_t line = 0;        // 0: none
+    std::string remedy{};
+    Concerns concerns{};  // none: it keeps no particular setting from anything
+    Hinders hinders = Hinders::kNothing;
 };
 
 using Findings = std::vector<Finding>;
 
 // Adds the findings of one more check.
 void Append(Findings& all, Findings more);
+
+// "/etc/network/interfaces:12", as compilers point at a line; empty without a file.
+std::string PlaceOf(const Finding& finding);
 
 // Two lines of text for each. What a file has in them cannot control the terminal.
 std::string FindingsInWords(const Findings& findings);

@@ -5,47 +5,78 @@
 
 #include "frame/comment_switch.h"
 #include "frame/words.h"
+#include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/script_blocks.h"
 #include "velkctl/doctor/text_file.h"
+#include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
 
-constexpr std::string_view kExitHooks = "/etc/dhclient-exit-hooks";
-constexpr std::string_view kLinkLocalDaemon = "/usr/sbin/avahi-autoipd";
+constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
+constexpr char kClockSetter[] = "/usr/bin/ntpdate";
+constexpr char kFinishNotice[] = "/sbin/printdhcpnotice.pl";
+constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
+
+// Switched for one interface.
+constexpr std::array<uint32_t, 2> kInBlocks{VELK_CMD_APIPA, VELK_CMD_DHCP_NOTICE};
 
 struct Switched {
-    std::string_view setting;
-    std::string_view command;
-    std::string_view interface;  // empty: switched for all at once
+    uint32_t id;
+    std::string name;  // of the setting
+    std::string command;
+    std::string interface {};  // empty: switched for all at once
 };
 
-constexpr std::array<Switched, 5> kSwitched{{
-    {"eth0.apipa", kLinkLocalDaemon, "eth0"},
-    {"eth1.apipa", kLinkLocalDaemon, "eth1"},
-    {"dhcp-ntp", "/usr/bin/ntpdate", ""},
-    {"eth0.dhcp-notice", "/sbin/printdhcpnotice.pl", "eth0"},
-    {"eth0.dhcp-notice", "/sbin/printdhcpstart.pl", "eth0"},
-}};
+std::array<Switched, 5> SwitchedCommands() {
+    return {{
+        {VELK_CMD_APIPA, "eth0.apipa", kLinkLocalDaemon, VELK_WIRED_INTERFACE},
+        {VELK_CMD_APIPA, "eth1.apipa", kLinkLocalDaemon, VELK_WIRELESS_INTERFACE},
+        {VELK_CMD_DHCP_NTP, "dhcp-ntp", kClockSetter},
+        {VELK_CMD_DHCP_NOTICE, "eth0.dhcp-notice", kFinishNotice, VELK_WIRED_INTERFACE},
+        {VELK_CMD_DHCP_NOTICE, "eth0.dhcp-notice", kStartNotice, VELK_WIRED_INTERFACE},
+    }};
+}
+
+// Whose line it is, or should be.
+Finding Of(const Switched& switched, Finding finding) {
+    finding.subject = switched.name;
+    finding.concerns = {{.id = switched.id, .interface = switched.interface}};
+    if (switched.id == VELK_CMD_DHCP_NTP) {
+        finding.hinders = Hinders::kNothing;  // it is read from the DHCP client's configuration
+    }
+    return finding;
+}
 
 Findings CheckLine(const Script& script, size_t index, const Switched& switched) {
     const std::string& line = script.lines[index];
     const size_t position = line.find(switched.command);
-    const std::string setting(switched.setting);
     if (HasSecondMark(line, position)) {
-        return {{Severity::kProblem, setting, "cannot be switched on",
-                 "two '#' stand before the command, and switching on takes one away", script.path,
-                 index + 1, "leave one '#', in the first column"}};
+        return {Of(switched, SecondMark("command", script.path, index))};
     }
     const bool is_on = !velk::IsCommentedOut(line, position);
-    const bool is_read = switched.command == kLinkLocalDaemon;
+    const bool is_read = switched.id == VELK_CMD_APIPA;
     if (is_on && is_read && !velk::HasWord(line, switched.command, /*comment_aware=*/true)) {
-        return {{Severity::kProblem, setting, "is shown as off although it is on",
-                 "no blank stands before or behind the command's name", script.path, index + 1,
-                 "write " + std::string(switched.command) + " between blanks"}};
+        return {Of(switched, {.effect = "is shown as off although it is on",
+                              .what = "no blank stands before or behind the command's name",
+                              .file = script.path,
+                              .line = index + 1,
+                              .remedy = "write " + switched.command + " between blanks",
+                              .hinders = Hinders::kReading})};
     }
     return {};
+}
+
+Finding NoLine(const Script& script, const Switched& switched) {
+    const std::string reach =
+        switched.interface.empty() ? "" : " that runs for " + switched.interface;
+    return Of(switched, {.effect = "cannot be switched",
+                         .what = "no line" + reach + " has " + switched.command,
+                         .file = script.path,
+                         .remedy = "add the line that runs " + switched.command +
+                                   ", with a '#' before it for off",
+                         .hinders = Hinders::kSetting});
 }
 
 Findings CheckSwitched(const Script& script, const Switched& switched) {
@@ -57,30 +88,24 @@ Findings CheckSwitched(const Script& script, const Switched& switched) {
             Append(findings, CheckLine(script, index, switched));
         }
     }
-    if (!found) {
-        const std::string command(switched.command);
-        const std::string reach =
-            switched.interface.empty() ? "" : " that runs for " + std::string(switched.interface);
-        findings.push_back(
-            {Severity::kProblem, std::string(switched.setting), "cannot be switched",
-             "no line" + reach + " has " + command, script.path, 0,
-             "add the line that runs " + command + ", with a '#' before it for off"});
-    }
-    return findings;
+    return found ? findings : Findings{NoLine(script, switched)};
 }
 
 }  // namespace
 
 Findings CheckExitHooks() {
-    const std::string path(kExitHooks);
-    TextFile file = ReadTextFile(path);
+    TextFile file = ReadTextFile(kExitHooks);
     if (file.state != FileState::kText) {
         return {};
     }
-    const Script script{path, "$interface", "apipa, dhcp-notice and dhcp-ntp",
-                        std::move(file.lines)};
+    const Script script{.path = kExitHooks,
+                        .variable = "$interface",
+                        .subject = "apipa and dhcp-notice",
+                        .concerns = ConcernsOf(kInBlocks),
+                        .hinders = Hinders::kSetting,
+                        .lines = std::move(file.lines)};
     Findings findings = CheckBlocks(script);
-    for (const Switched& switched : kSwitched) {
+    for (const Switched& switched : SwitchedCommands()) {
         Append(findings, CheckSwitched(script, switched));
     }
     return findings;

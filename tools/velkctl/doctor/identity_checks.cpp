@@ -6,22 +6,23 @@
 #include <string_view>
 
 #include "frame/words.h"
+#include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/text_file.h"
+#include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
 
-constexpr std::string_view kSnmpFile = "/usr/local/share/etc/snmp/snmpd.conf";
-
 struct Directive {
+    uint32_t id;
     std::string_view setting;
     std::string_view name;
 };
 
 constexpr std::array<Directive, 2> kDirectives{{
-    {"administrator", "syscontact"},
-    {"location", "syslocation"},
+    {VELK_CMD_ADMINISTRATOR, "administrator", "syscontact"},
+    {VELK_CMD_LOCATION, "location", "syslocation"},
 }};
 
 std::string Lower(std::string_view text) {
@@ -33,13 +34,12 @@ std::string Lower(std::string_view text) {
 
 Findings CheckDirective(const TextFile& file, const Directive& directive) {
     const std::string name(directive.name);
-    Finding finding{Severity::kProblem,
-                    std::string(directive.setting),
-                    "does not reach the SNMP agent",
-                    "no line has the directive " + name,
-                    std::string(kSnmpFile),
-                    0,
-                    "add a line \"" + name + " unknown\""};
+    Finding finding{.subject = std::string(directive.setting),
+                    .effect = "does not reach the SNMP agent",
+                    .what = "no line has the directive " + name,
+                    .file = kSnmpFile,
+                    .remedy = "add a line \"" + name + " unknown\"",
+                    .concerns = {{.id = directive.id}}};
     for (size_t i = 0; i < file.lines.size(); ++i) {
         const std::string_view line = Trimmed(file.lines[i]);
         if (!velk::Contains(Lower(line), name)) {
@@ -61,7 +61,7 @@ Findings CheckDirective(const TextFile& file, const Directive& directive) {
 }  // namespace
 
 Findings CheckIdentity() {
-    const TextFile file = ReadTextFile(std::string(kSnmpFile));
+    const TextFile file = ReadTextFile(kSnmpFile);
     if (file.state != FileState::kText) {
         return {};
     }

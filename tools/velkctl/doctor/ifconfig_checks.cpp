@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "frame/words.h"
+#include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/text_file.h"
 #include "velkctl/doctor/tool_run.h"
@@ -31,12 +32,15 @@ Findings JudgeIfconfigOutput(std::string_view output) {
     if (IsReadable(output) || !velk::Contains(output, kAnyAddress)) {
         return {};
     }
-    return {{Severity::kProblem, "ifconfig",
-             "prints addresses in a form that the library does not read",
-             "it prints " + Excerpt(AddressLine(output)) +
+    return {
+        {.subject = "ifconfig",
+         .effect = "prints addresses in a form that the library does not read",
+         .what = "it prints " + Excerpt(AddressLine(output)) +
                  ", and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP "
                  "interface read as none",
-             "", 0, "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does"}};
+         .remedy = "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does",
+         .concerns = {{.id = VELK_CMD_IP_ADDRESS}, {.id = VELK_CMD_NETMASK}},
+         .hinders = Hinders::kReading}};
 }
 
 Findings CheckIfconfig() {
@@ -46,9 +50,13 @@ Findings CheckIfconfig() {
     for (const char* interface : {"lo", "eth0"}) {
         const ToolRun run = RunTool({"ifconfig", interface});
         if (!run.ended) {
-            return {{Severity::kProblem, "ifconfig", "does not end",
-                     "'ifconfig " + std::string(interface) + "' ran for more than 5 seconds", "", 0,
-                     "find out what it waits for"}};
+            return {
+                {.subject = "ifconfig",
+                 .effect = "does not end",
+                 .what = "'ifconfig " + std::string(interface) + "' ran for more than 5 seconds",
+                 .remedy = "find out what it waits for",
+                 .concerns = {{.id = VELK_CMD_IP_ADDRESS}, {.id = VELK_CMD_NETMASK}},
+                 .hinders = Hinders::kReading}};
         }
         if (velk::Contains(run.output, kAnyAddress)) {
             return JudgeIfconfigOutput(run.output);

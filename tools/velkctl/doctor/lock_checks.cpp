@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "velkctl/doctor/age.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/file_facts.h"
 #include "velkctl/doctor/text_file.h"
 #include "velkctl/lock_holder.h"
 #include "velkctl/places.h"
@@ -29,24 +29,26 @@ std::string Holder(const struct stat& facts) {
     if (!holder) {
         return "a process that process " + std::to_string(*process) + " started before it ended";
     }
-    return "process " + std::to_string(holder->process) + " (" + holder->name +
-           "), which was started " + InWords(holder->seconds) + " ago";
+    return Words(*holder);
 }
 
-Finding FindingOn(Severity severity, std::string effect, std::string what, std::string remedy) {
-    return {severity,  "settings", std::move(effect), std::move(what),
-            kLockFile, 0,          std::move(remedy)};
+// What every finding has in common.
+Finding About() {
+    return {.subject = "settings", .effect = "cannot be changed", .file = kLockFile};
 }
 
 Findings CheckAccess(const struct stat& facts) {
-    const std::string remedy = std::string("chmod 666 ") + kLockFile;
+    Finding finding = About();
+    finding.remedy = std::string("chmod 666 ") + kLockFile;
     if (faccessat(AT_FDCWD, kLockFile, R_OK | W_OK, AT_EACCESS) == -1) {
-        return {FindingOn(Severity::kProblem, "cannot be changed",
-                          "this user may not open the lock file", remedy)};
+        finding.what = "this user may not open the lock file";
+        return {finding};
     }
     if ((facts.st_mode & kModeBits) != kLockMode) {
-        return {FindingOn(Severity::kWarning, "cannot be changed by every user",
-                          "the lock file's mode is not 666", remedy)};
+        finding.severity = Severity::kWarning;
+        finding.effect = "cannot be changed by every user";
+        finding.what = "the lock file's mode is not 666";
+        return {finding};
     }
     return {};
 }
@@ -59,15 +61,19 @@ Findings CheckLock() {
         return {};  // made by the first set
     }
     if (S_ISLNK(facts.st_mode) || S_ISDIR(facts.st_mode)) {
-        return {FindingOn(Severity::kProblem, "cannot be changed",
-                          KindOf(facts.st_mode) + " stands where the lock file is made",
-                          std::string("rm -r ") + kLockFile)};
+        Finding finding = About();
+        finding.what = KindOf(facts.st_mode) + " stands where the lock file is made";
+        finding.remedy = RemovalOf(kLockFile, facts);
+        return {finding};
     }
     Findings findings = CheckAccess(facts);
     if (const std::string holder = Holder(facts); !holder.empty()) {
-        findings.push_back(FindingOn(Severity::kWarning, "cannot be changed now",
-                                     "the lock is held by " + holder,
-                                     "wait for it, as 'velkctl set --wait' does, or end it"));
+        Finding finding = About();
+        finding.severity = Severity::kWarning;
+        finding.effect = "cannot be changed now";
+        finding.what = "the lock is held by " + holder;
+        finding.remedy = "wait for it, as 'velkctl set --wait' does, or end it";
+        findings.push_back(finding);
     }
     return findings;
 }

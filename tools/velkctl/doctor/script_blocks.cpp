@@ -17,10 +17,6 @@ bool HasKeyword(std::string_view line, std::string_view keyword) {
     return velk::HasWord(line, keyword, /*comment_aware=*/true);
 }
 
-bool IsComment(std::string_view line) {
-    return Trimmed(line).starts_with('#');
-}
-
 // Tells the branches of blocks from what is outside: in a branch, a line runs either for the
 // interface that every condition names or for one that none does.
 class BranchFollower {
@@ -39,25 +35,30 @@ class BranchFollower {
     velk::ShellBlocks of_none_;
 };
 
-Finding FindingAt(const Script& script, size_t index, std::string effect, std::string what,
-                  std::string remedy) {
-    return {Severity::kProblem, script.settings, std::move(effect), std::move(what),
-            script.path,        index + 1,       std::move(remedy)};
+// What every finding on a block has in common.
+Finding At(const Script& script, size_t index) {
+    return {.subject = script.subject,
+            .effect = "may be switched for another interface",
+            .file = script.path,
+            .line = index + 1,
+            .concerns = script.concerns,
+            .hinders = script.hinders};
 }
 
 // A line within a branch.
 Findings CheckInner(const Script& script, size_t index) {
     const std::string& line = script.lines[index];
+    Finding finding = At(script, index);
     if (HasKeyword(line, "elif")) {
-        return {FindingAt(script, index, "may be switched for another interface",
-                          "the library takes what is below 'elif' for a part of the branch above",
-                          "write 'else', or a block of its own for each interface")};
+        finding.what = "the library takes what is below 'elif' for a part of the branch above";
+        finding.remedy = "write 'else', or a block of its own for each interface";
+        return {finding};
     }
     if (HasKeyword(line, "if")) {
-        return {FindingAt(script, index, "may be switched for another interface",
-                          "an 'if' within a block; the library takes the block for ended at the "
-                          "first 'fi'",
-                          "write it without an 'if', as in: [ CONDITION ] && COMMAND")};
+        finding.what =
+            "an 'if' within a block; the library takes the block for ended at the first 'fi'";
+        finding.remedy = "write it without an 'if', as in: [ CONDITION ] && COMMAND";
+        return {finding};
     }
     return {};
 }
@@ -68,19 +69,20 @@ Findings CheckOuter(const Script& script, size_t index) {
     if (IsComment(line) || !velk::Contains(line, "interface")) {
         return {};
     }
+    Finding finding = At(script, index);
     const bool is_block = HasKeyword(line, "if") && velk::Contains(line, script.variable);
     if (is_block && velk::Contains(line, "!=")) {
-        return {FindingAt(script, index, "would be switched for the wrong interface",
-                          "the library takes '!=' for '='",
-                          "compare with '=', and exchange the branches")};
+        finding.effect = "would be switched for the wrong interface";
+        finding.what = "the library takes '!=' for '='";
+        finding.remedy = "compare with '=', and exchange the branches";
+        return {finding};
     }
     const bool is_unknown_if = HasKeyword(line, "if") && velk::Contains(line, kBraced) && !is_block;
-    const bool is_case = HasKeyword(line, "case");
-    if (is_unknown_if || is_case) {
-        return {
-            FindingAt(script, index, "would be switched for every interface",
-                      "the library does not see that " + Excerpt(line) + " tells interfaces apart",
-                      "write: if [ \"$interface\" = \"eth0\" ]; then")};
+    if (is_unknown_if || HasKeyword(line, "case")) {
+        finding.effect = "would be switched for every interface";
+        finding.what = "the library does not see that " + Excerpt(line) + " tells interfaces apart";
+        finding.remedy = "write: if [ \"$interface\" = \"eth0\" ]; then";
+        return {finding};
     }
     return {};
 }
@@ -101,9 +103,10 @@ Findings CheckBlocks(const Script& script) {
         was_in_branch = is_in_branch;
     }
     if (was_in_branch) {
-        findings.push_back(FindingAt(script, begin, "may be switched for another interface",
-                                     "no line with 'fi' as a word ends the block",
-                                     "end it with a line 'fi'"));
+        Finding finding = At(script, begin);
+        finding.what = "no line with 'fi' as a word ends the block";
+        finding.remedy = "end it with a line 'fi'";
+        findings.push_back(finding);
     }
     return findings;
 }
@@ -123,6 +126,16 @@ std::vector<size_t> LinesThatRun(const Script& script, std::string_view interfac
 bool HasSecondMark(std::string_view line, size_t position) {
     const std::string_view before = line.substr(0, position);
     return std::ranges::count(before, '#') > 1;
+}
+
+Finding SecondMark(std::string_view noun, const std::string& file, size_t index) {
+    return {.effect = "cannot be switched on",
+            .what = "two '#' stand before the " + std::string(noun) +
+                    ", and switching on takes one away",
+            .file = file,
+            .line = index + 1,
+            .remedy = "leave one '#', in the first column",
+            .hinders = Hinders::kSetting};
 }
 
 }  // namespace velkctl

@@ -14,7 +14,9 @@ namespace velkctl {
 struct Script {
     std::string path;
     std::string variable;  // what a condition must name to begin a block
-    std::string settings;  // that are switched in it, for a message
+    std::string subject;   // the settings that are switched in it, as people are told
+    Concerns concerns;     // the same
+    Hinders hinders;       // what a block that is not recognised keeps them from
     std::vector<std::string> lines;
 };
 
@@ -26,6 +28,9 @@ std::vector<size_t> LinesThatRun(const Script& script, std::string_view interfac
 // Says whether the text behind the "#" of a switched-off line would still be switched off once the
 // library has taken that "#" away.
 bool HasSecondMark(std::string_view line, size_t position);
+
+// What there is to say then; the caller says of what.
+Finding SecondMark(std::string_view noun, const std::string& file, size_t index);
 
 }  // namespace velkctl
 

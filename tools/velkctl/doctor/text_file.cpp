@@ -28,8 +28,8 @@ bool IsRegular(const struct stat& facts) {
     return S_ISREG(facts.st_mode);
 }
 
-std::vector<std::string> LinesOf(std::string_view text) {
-    std::vector<std::string> lines;
+Lines LinesOf(std::string_view text) {
+    Lines lines;
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         lines.push_back(std::string(line).append("\n"));
@@ -93,6 +93,10 @@ std::string_view Trimmed(std::string_view line) {
         return {};
     }
     return line.substr(begin, line.find_last_not_of(kSpace) - begin + 1);
+}
+
+bool IsComment(std::string_view line) {
+    return Trimmed(line).starts_with('#');
 }
 
 std::string Excerpt(std::string_view line) {

@@ -8,6 +8,8 @@
 
 namespace velkctl {
 
+using Lines = std::vector<std::string>;
+
 enum class FileState {
     kText,  // read, whatever is in it
     kMissing,
@@ -19,9 +21,9 @@ enum class FileState {
 // Never waits, as opening a FIFO would, and never takes more than a mebibyte.
 struct TextFile {
     FileState state = FileState::kMissing;
-    int error = 0;                     // errno of a missing or unreadable one
-    std::string bytes{};               // of a text
-    std::vector<std::string> lines{};  // with a newline behind each, as the library sees them
+    int error = 0;        // errno of a missing or unreadable one
+    std::string bytes{};  // of a text
+    Lines lines{};        // with a newline behind each, as the library sees them
 };
 
 TextFile ReadTextFile(const std::string& path);
@@ -35,6 +37,9 @@ std::string Excerpt(std::string_view line);
 
 // A line without white space in front of it and behind it.
 std::string_view Trimmed(std::string_view line);
+
+// Says whether a "#" is the first thing on a line.
+bool IsComment(std::string_view line);
 
 }  // namespace velkctl
 

@@ -129,14 +129,17 @@ bool AwaitEnd(pid_t pid, Clock::time_point deadline, int& status) {
 
 }  // namespace
 
-std::optional<std::string> FindTool(std::string_view name, std::string_view more_folders) {
+std::optional<std::string> FindTool(std::string_view name, std::string_view folders) {
     if (name.find('/') != std::string_view::npos) {
         const std::string path(name);
         return IsExecutable(path) ? std::optional(path) : std::nullopt;
     }
+    return FindIn(folders, name);
+}
+
+std::optional<std::string> FindTool(std::string_view name) {
     const char* folders = getenv("PATH");
-    const auto found = FindIn(folders == nullptr ? kDefaultPath : folders, name);
-    return found || more_folders.empty() ? found : FindIn(more_folders, name);
+    return FindTool(name, folders == nullptr ? kDefaultPath : folders);
 }
 
 ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest) {

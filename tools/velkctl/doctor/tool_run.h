@@ -10,9 +10,11 @@
 
 namespace velkctl {
 
-// Where a shell finds the tool; nothing when it does not. A name with a slash is its own place.
-// `more_folders`, in the form of PATH, are searched after it.
-std::optional<std::string> FindTool(std::string_view name, std::string_view more_folders = "");
+// Where the tool is in these folders, in the form of PATH; nothing when it is in none. A name with
+// a slash is its own place.
+std::optional<std::string> FindTool(std::string_view name, std::string_view folders);
+// Where a shell finds it.
+std::optional<std::string> FindTool(std::string_view name);
 
 struct ToolRun {
     bool ended = false;    // in time

@@ -79,8 +79,8 @@ TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
               "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
               "the clock' is taken for an entry\n"
               "  mend: word it without 'ntpdate'\n"
-              "problem: ntp cannot be set to on: /var/cron/tabs/root:2: two '#' stand before the "
-              "entry, and one is taken away\n"
+              "problem: ntp cannot be switched on: /var/cron/tabs/root:2: two '#' stand before the "
+              "entry, and switching on takes one away\n"
               "  mend: leave one '#', in the first column\n");
 }
 

@@ -128,24 +128,48 @@ TEST_F(LeftoversCheck, TellsHowOldAnEditCopyIsAndThatItIsIncomplete) {
     EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
               "warning: method, address, netmask and gateway may not have been set: "
               "/var/tmp/interfaces: an edit copy was left behind, 2 days old, empty; the next set "
-              "overwrites it\n"
+              "replaces it\n"
               "  mend: rm /var/tmp/interfaces\n"
               "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
               "edit copy was left behind, 2 days old, shorter than the file; the next set "
-              "overwrites it\n"
+              "replaces it\n"
               "  mend: rm /var/tmp/root\n");
 }
 
-TEST_F(LeftoversCheck, FindsWhatIsInTheWayOfAnEditCopy) {
+TEST_F(LeftoversCheck, FindsWhatASetReplaces) {
     ASSERT_EQ(mkfifo("/var/tmp/dhclient.conf", 0600), 0);
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
     EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
-              "problem: method, dhcp-dns and dhcp-ntp wait for ever when set: "
-              "/var/tmp/dhclient.conf: a FIFO stands where the edit copy is made\n"
+              "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
+              "FIFO stands where the edit copy is made; the next set replaces it\n"
               "  mend: rm /var/tmp/dhclient.conf\n"
-              "problem: dhcp-dns cannot be set: /var/tmp/dhclient-script: a symbolic link stands "
-              "where the edit copy is made\n"
+              "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
+              "stands where the edit copy is made; the next set replaces it\n"
               "  mend: rm /var/tmp/dhclient-script\n");
+}
+
+TEST_F(LeftoversCheck, FindsAFolderInTheWayOfAnEditCopy) {
+    ASSERT_EQ(mkdir("/var/tmp/libvelk", 0700), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
+              "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
+              "stands where the edit copy is made\n"
+              "  mend: rm -r /var/tmp/libvelk\n");
+    ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
+}
+
+TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
+    constexpr char kResult[] = "/var/tmp/get_result";
+    ASSERT_EQ(mkfifo(kResult, 0600), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()),
+              "problem: link-speed, and what is read from ifconfig, wait for ever when read: "
+              "/var/tmp/get_result: a FIFO stands where tools write their output\n"
+              "  mend: rm /var/tmp/get_result\n");
+    ASSERT_EQ(unlink(kResult), 0);
+    ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()),
+              "problem: link-speed, and what is read from ifconfig, overwrite another file when "
+              "read: /var/tmp/get_result: a symbolic link stands where tools write their output\n"
+              "  mend: rm /var/tmp/get_result\n");
 }
 
 TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
@@ -171,7 +195,7 @@ TEST_F(LeftoversCheck, FindsASemaphoreThatEndsTheProgram) {
     WriteFile("/dev/shm/sem.WlanAplRecvSem", "");
     EXPECT_EQ(FindingsInWords(velkctl::CheckQueryRemains()),
               "problem: wireless settings end the program that reads them: "
-              "/dev/shm/sem.WlanAplRecvSem: a file of 0 bytes stands where the semaphore is made\n"
+              "/dev/shm/sem.WlanAplRecvSem: an empty file stands where the semaphore is made\n"
               "  mend: rm /dev/shm/sem.WlanAplRecvSem\n");
 }
 
@@ -191,7 +215,7 @@ TEST_F(LockCheck, TellsWhoHoldsIt) {
                       "warning: settings cannot be changed now: /var/tmp/vklib_lock: the lock is "
                       "held by process "))
         << words;
-    EXPECT_TRUE(Holds(words, " (unit_tests), which was started ")) << words;
+    EXPECT_TRUE(Holds(words, " (unit_tests, ")) << words;
 }
 
 TEST_F(LockCheck, FindsALockThatOthersCannotTake) {
@@ -208,7 +232,7 @@ TEST_F(LockCheck, FindsALinkInItsPlace) {
     EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
               "problem: settings cannot be changed: /var/tmp/vklib_lock: a symbolic link stands "
               "where the lock file is made\n"
-              "  mend: rm -r /var/tmp/vklib_lock\n");
+              "  mend: rm /var/tmp/vklib_lock\n");
 }
 
 class DaemonCheck : public testkit::DeviceTest {

@@ -80,7 +80,7 @@ TEST_F(DhcpCheck, FindsRemarksThatSwitchingOnWouldBringToLife) {
         Examine("request routers;\n#interface \"eth0\" {\n# all of it\n#}\n" + std::string(kEth1)),
         "warning: eth0.method may break the file when set to dhcp: /etc/dhclient.conf:3: the "
         "'#' of '# all of it' is taken away, and it looks like a remark\n"
-        "  mend: put remarks above the block\n");
+        "  mend: put the remark above the block\n");
 }
 
 TEST_F(DhcpCheck, FindsAnOpeningLineThatIsNotRecognised) {

@@ -11,15 +11,17 @@ using velkctl::Finding;
 using velkctl::Findings;
 using velkctl::Severity;
 
-const Finding kProblem{Severity::kProblem,
-                       "eth1.gateway",
-                       "cannot be set",
-                       "no \x1b line",
-                       "/etc/network/interfaces",
-                       12,
-                       "add one"};
-const Finding kWarning{Severity::kWarning, "grep", "is not installed", "no log", "", 0,
-                       "install it"};
+const Finding kProblem{.subject = "eth1.gateway",
+                       .effect = "cannot be set",
+                       .what = "no \x1b line",
+                       .file = "/etc/network/interfaces",
+                       .line = 12,
+                       .remedy = "add one"};
+const Finding kWarning{.severity = Severity::kWarning,
+                       .subject = "grep",
+                       .effect = "is not installed",
+                       .what = "no log",
+                       .remedy = "install it"};
 
 TEST(Finding, IsTwoLinesOfText) {
     EXPECT_EQ(velkctl::FindingsInWords({kProblem, kWarning}),
@@ -37,6 +39,12 @@ TEST(Finding, HasTheSameKeysInEveryObject) {
     EXPECT_EQ(velkctl::FindingInJson(kWarning).dump(),
               R"({"severity":"warning","subject":"grep","effect":"is not installed",)"
               R"("what":"no log","file":null,"line":null,"remedy":"install it"})");
+}
+
+TEST(Finding, HasAPlaceAsCompilersWriteIt) {
+    EXPECT_EQ(velkctl::PlaceOf(kProblem), "/etc/network/interfaces:12");
+    EXPECT_EQ(velkctl::PlaceOf({.file = "/etc/dhclient.conf"}), "/etc/dhclient.conf");
+    EXPECT_EQ(velkctl::PlaceOf(kWarning), "");
 }
 
 TEST(Finding, IsCountedInTheSummary) {

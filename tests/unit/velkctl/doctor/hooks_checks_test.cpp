@@ -71,13 +71,13 @@ TEST_F(HooksCheck, FindsACommandThatIsShownAsOff) {
 TEST_F(HooksCheck, FindsNestedBlocks) {
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" = eth0 ]\nthen\n"
                                    "\tif [ a ]; then\n\t\t:\n\tfi\nfi\n")),
-              "problem: apipa, dhcp-notice and dhcp-ntp may be switched for another interface: "
+              "problem: apipa and dhcp-notice may be switched for another interface: "
               "/etc/dhclient-exit-hooks:3: an 'if' within a block; the library takes the block for "
               "ended at the first 'fi'\n"
               "  mend: write it without an 'if', as in: [ CONDITION ] && COMMAND\n");
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" = eth0 ]; then\n\t:\n"
                                    "elif [ \"$interface\" = eth1 ]; then\n\t:\nfi\n")),
-              "problem: apipa, dhcp-notice and dhcp-ntp may be switched for another interface: "
+              "problem: apipa and dhcp-notice may be switched for another interface: "
               "/etc/dhclient-exit-hooks:3: the library takes what is below 'elif' for a part of "
               "the branch above\n"
               "  mend: write 'else', or a block of its own for each interface\n");
@@ -85,16 +85,16 @@ TEST_F(HooksCheck, FindsNestedBlocks) {
 
 TEST_F(HooksCheck, FindsConditionsThatAreReadOtherwise) {
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" != eth0 ]; then\n:\nfi\n")),
-              "problem: apipa, dhcp-notice and dhcp-ntp would be switched for the wrong interface: "
+              "problem: apipa and dhcp-notice would be switched for the wrong interface: "
               "/etc/dhclient-exit-hooks:1: the library takes '!=' for '='\n"
               "  mend: compare with '=', and exchange the branches\n");
     EXPECT_EQ(Examine(WithServices("if [ ${interface} = eth0 ]; then\n:\nfi\n")),
-              "problem: apipa, dhcp-notice and dhcp-ntp would be switched for every interface: "
+              "problem: apipa and dhcp-notice would be switched for every interface: "
               "/etc/dhclient-exit-hooks:1: the library does not see that 'if [ ${interface} = eth0 "
               "]; then' tells interfaces apart\n"
               "  mend: write: if [ \"$interface\" = \"eth0\" ]; then\n");
     EXPECT_EQ(Examine(WithServices("case $interface in\nesac\n")),
-              "problem: apipa, dhcp-notice and dhcp-ntp would be switched for every interface: "
+              "problem: apipa and dhcp-notice would be switched for every interface: "
               "/etc/dhclient-exit-hooks:1: the library does not see that 'case $interface in' "
               "tells interfaces apart\n"
               "  mend: write: if [ \"$interface\" = \"eth0\" ]; then\n");

@@ -107,6 +107,14 @@ TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
               "  mend: leave one blank before the value and none behind it\n");
 }
 
+TEST_F(InterfacesCheck, FindsAGatewayThatOutlivesTheFirst) {
+    EXPECT_EQ(Examine("iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n" +
+                      std::string(kEth1)),
+              "warning: eth0.gateway cannot be set to none at once: /etc/network/interfaces:3: "
+              "'gateway 10.0.0.2' counts when line 2 is removed\n"
+              "  mend: remove it\n");
+}
+
 TEST_F(InterfacesCheck, FindsWhereANewLineWouldLeaveTheStanza) {
     EXPECT_EQ(
         Examine("iface eth0 inet static\n\taddress 10.0.0.1\n\tnetmask 255.0.0.0\nauto eth1\n" +

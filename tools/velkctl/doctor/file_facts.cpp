@@ -1,9 +1,11 @@
-// age.cpp - what there is to say about a file that should not be there.
-#include "velkctl/doctor/age.h"
+// file_facts.cpp - what there is to say about a file that should not be there.
+#include "velkctl/doctor/file_facts.h"
 
 #include <algorithm>
 #include <array>
 #include <ctime>
+
+#include <unistd.h>
 
 namespace velkctl {
 namespace {
@@ -45,6 +47,20 @@ std::string KindOf(mode_t mode) {
         default:
             return "a device";
     }
+}
+
+bool MayRemove(const std::string& path, const struct stat& facts) {
+    const std::string name = path.substr(0, path.rfind('/'));
+    struct stat folder {};
+    if (geteuid() == 0 || stat(name.c_str(), &folder) == -1) {
+        return true;
+    }
+    return (folder.st_mode & S_ISVTX) == 0 || facts.st_uid == geteuid() ||
+           folder.st_uid == geteuid();
+}
+
+std::string RemovalOf(const std::string& path, const struct stat& facts) {
+    return (S_ISDIR(facts.st_mode) ? "rm -r " : "rm ") + path;
 }
 
 }  // namespace velkctl

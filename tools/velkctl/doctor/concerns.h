@@ -1,0 +1,34 @@
+// concerns.h - groups of settings that findings are about.
+#ifndef VELKCTL_DOCTOR_CONCERNS_H_
+#define VELKCTL_DOCTOR_CONCERNS_H_
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "velkctl/catalogue.h"
+
+namespace velkctl {
+
+// A setting that a finding is about.
+struct Concern {
+    uint32_t id;
+    std::string interface {};  // empty: whichever it is asked for
+};
+using Concerns = std::vector<Concern>;
+
+bool Includes(const Concerns& concerns, const Setting& setting);
+
+// The settings with these ids, on the interface or, when it is empty, on whichever.
+Concerns ConcernsOf(std::span<const uint32_t> ids, const std::string& interface = "");
+
+// What is asked of the wireless daemon.
+Concerns WirelessSettings();
+
+// What stands in files that are changed through an edit copy.
+Concerns EditedSettings();
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_DOCTOR_CONCERNS_H_
