@@ -109,6 +109,7 @@ _velkctl_candidates() { # WORD VERB WORD...
                 _velkctl_values "$@"
             fi
             ;;
+        help) [ "$count" -gt 0 ] || _velkctl_verbs ;;
         show | restart) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
         describe)
             [ "$count" -eq 0 ] || return
@@ -149,7 +150,7 @@ _velkctl_join_words() {
     done
 }
 
-# Finds the verb and the words behind it that are no options.
+# Finds the verb, the words behind it that are no options, and the option whose value comes next.
 _velkctl_sort_words() {
     local word takes_value='' only_words=''
     verb=
@@ -160,7 +161,7 @@ _velkctl_sort_words() {
         elif [ -z "$only_words" ] && [[ $word == -?* ]]; then
             case $word in
                 --) only_words=1 ;;
-                --text | --hex | --timeout) takes_value=1 ;;
+                --text | --hex | --timeout) takes_value=$word ;;
             esac
         elif [ -z "$verb" ]; then
             verb=$word
@@ -168,18 +169,20 @@ _velkctl_sort_words() {
             plain+=("$word")
         fi
     done
-    needs_value=$takes_value
+    awaiting=$takes_value
     no_options=$only_words
 }
 
 _velkctl() {
-    local words verb plain needs_value no_options current found piece word
+    local words verb plain awaiting no_options current found piece word
     _velkctl_join_words
     _velkctl_sort_words
     current=${words[${#words[@]} - 1]}
     COMPREPLY=()
-    [ -z "$needs_value" ] || return 0
-    if [[ $current == -* && -z $no_options && ! ($verb == explain && $current == -[0-9]*) ]]; then
+    if [ -n "$awaiting" ]; then
+        [[ $awaiting != --timeout && $current == @* ]] || return 0
+        found=$(_velkctl_files "${current#@}")
+    elif [[ $current == -* && -z $no_options && ! ($verb == explain && $current == -[0-9]*) ]]; then
         found=$(_velkctl_options ${verb:+"$verb"})
     elif [ -z "$verb" ]; then
         found=$(_velkctl_verbs)

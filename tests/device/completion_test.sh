@@ -36,10 +36,12 @@ offered() {
 
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
-offered '' -- s -- li -- nonsense ''
-output_is 'get set show restart list describe explain doctor call
+offered '' -- s -- li -- nonsense '' -- help d -- help get ''
+output_is 'get set show restart list describe explain doctor call help
 set show
 list
+(nothing)
+describe doctor
 (nothing)'
 
 it 'offers the options of the verb, and those in front of it'
@@ -114,6 +116,15 @@ output_is '@/tmp/keys/psk
 (nothing)
 (nothing)'
 
+it 'offers files for the data bytes of a call, behind @ alone'
+offered call set 314 eth1 --text @/tmp/keys/p -- call --hex @/tmp/keys/m -- \
+    call --text @ /tmp/keys/p -- call --text /tmp/keys/p -- get --timeout @/tmp/keys/p
+output_is '@/tmp/keys/psk
+@/tmp/keys/more/
+/tmp/keys/psk
+(nothing)
+(nothing)'
+
 # ---- the other verbs --------------------------------------------------------------------------
 it 'offers the interfaces to show and restart'
 offered show '' -- restart eth1 -- show eth0 '' -- restart eth0 ''
@@ -134,7 +145,7 @@ output_is 'LIB_VELK_LOCKED
 on_device bash -c 'eval "$BASH_COMPLETION_FILE"
     COMP_WORDS=(velkctl explain "") COMP_CWORD=2
     _velkctl
-    known=$(for code in $(seq -20 20); do velkctl explain "$code"; done |
+    known=$(for code in $(seq -20 0); do velkctl explain "$code"; done |
         sed -n "s/^\(LIB_VELK_[A-Z_]*\) .*/\1/p" | sort)
     [ "$known" = "$(printf "%s\n" "${COMPREPLY[@]}" | sort)" ] && echo same'
 output_is 'same'
@@ -230,12 +241,15 @@ velkctl set eth1.psk @/tmp/keys/secret |
 velkctl restart eth1 --notify-only |
 velkctl call get 303 eth1 |
 velkctl explain LIB_VELK_LOCKED |
+velkctl help describe |
+velkctl call set 314 eth1 --text @/tmp/keys/secret |
 velkctl show eth|'
 }
 lines=('velkctl des' 'velkctl get eth1.ps' 'velkctl get --sh' 'velkctl set eth0.me'
     'velkctl set eth0.method s' 'velkctl set --wait=5 eth0.me' 'velkctl set web-update weekly th'
     'velkctl set eth1.psk @/tmp/keys/se' 'velkctl restart eth1 --no' 'velkctl call get 303 '
-    'velkctl explain LIB_VELK_LO' 'velkctl show ')
+    'velkctl explain LIB_VELK_LO' 'velkctl help des'
+    'velkctl call set 314 eth1 --text @/tmp/keys/se' 'velkctl show ')
 if command -v python3 >/dev/null; then
     it 'completes what is typed into bash'
     types_in bash "${lines[@]}"

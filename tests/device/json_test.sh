@@ -21,12 +21,13 @@ import json, os, shlex, subprocess, sys
 import jsonschema
 
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-described = "name id interface get set secret help values longest_seconds"
+described = "name id interface get set secret help wanted values longest_seconds"
 member_orders = {
     "settings": {"get": "name value error", "show": "name value error",
                  "list": described, "describe": described},
     "setting": {"set": "name value held"},
     "result": {"explain": "code name words remedy exit_status", "call": "code name words"},
+    "exit_status": {"explain": "status words remedy results"},
     "findings": {"doctor": "severity subject effect what file line remedy"},
     "errors": {},
 }
@@ -119,7 +120,9 @@ answers <<'END'
 0 describe dns -> settings
 0 explain -3 -> result
 0 explain LOCKED -> result
-0 explain 99 -> result
+0 explain -99 -> result
+0 explain 3 -> exit_status
+0 explain 0 -> result exit_status
 0 call get 108 eth0 -> result data
 0 call set 108 eth0 --text 10.0.0.1 -> result
 END
@@ -176,6 +179,7 @@ answers <<'END'
 2 describe nonsense -> nothing; - -
 2 describe 999 -> nothing; - -
 2 explain nonsense -> nothing; - -
+2 explain 99 -> nothing; - -
 2 doctor eth0 -> nothing; - -
 2 call put 1 -> nothing; - -
 2 call get dns -> nothing; - -
@@ -273,6 +277,7 @@ set
 restart
 list
 describe
+explain
 explain
 doctor
 call'

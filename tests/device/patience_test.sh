@@ -95,7 +95,7 @@ status_is 3
 has 'standard output' 'in time' "$output"
 has 'standard error' "process ${output##*
 } (flock, " "$error"
-check 'standard error' 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
+check 'standard error' 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
     "$(anonymous "$error")"
 
 it 'waits until the lock is free'
@@ -112,7 +112,7 @@ on_desk 'hold_lock 9; velkctl restart eth0 --wait=1; status=$?; took 1 6; exit $
 status_is 3
 output_is 'in time'
 check 'standard error' 'velkctl: waiting for the lock, held by process N (flock, M seconds old)
-velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
+velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
     "$(anonymous "$error")"
 
 it 'tells of the waiting within the document'
@@ -316,8 +316,8 @@ on_desk 'reply silent; velkctl get eth1.ssid & sleep 0.5
     kill -KILL $(pgrep -P $!); wait $!; status=$?; left; exit $status'
 status_is 1
 output_is ''
-error_is 'velkctl: eth1.ssid: the library ended without an answer, by signal 9 (Killed)
-velkctl: eth1.ssid: could not be read (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth1.ssid: the library ended without an answer, by signal 9 (Killed)
+velkctl: eth1.ssid: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 # ---- at a terminal ----------------------------------------------------------------------------
 

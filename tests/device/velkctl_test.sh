@@ -112,14 +112,14 @@ it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
 status_is 1
 output_is ''
-error_is 'velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth0.dns: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 it 'says of each setting that it could not be read'
 without_resolver velkctl get eth0.dns eth1.dns
 status_is 1
 output_is ''
-error_is 'velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1)
-velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth0.dns: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)
+velkctl: eth1.dns: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 it 'reads no setting when one of the names is wrong'
 refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
@@ -188,12 +188,12 @@ it 'says that a setting could not be set'
 without_resolver sh -c 'mkdir /etc/resolv.dnsmasq.conf && velkctl set eth0.dns 1.1.1.1'
 status_is 1
 output_is ''
-error_is 'velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 it 'changes nothing while another program holds the lock'
 with_resolver 'nameserver 9.9.9.9\n' flock -x /var/tmp/vklib_lock velkctl set eth0.dns 1.1.1.1
 status_is 3
-error_has 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process '
+error_has 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process '
 output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --
@@ -255,9 +255,9 @@ refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dn
 refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses a verb that there is not'
-refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor or call ('velkctl --help' explains them)" \
+refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, show, restart, list, describe, explain, doctor or call ('velkctl --help' explains them)"
+refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)"
 
 it 'refuses an option that there is not'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
@@ -268,7 +268,7 @@ refused "set: unknown option '-q'; 'velkctl set --help' lists the options" \
     set eth0.dns 1.1.1.1 -q
 refused "get: unknown option '--version'; 'velkctl get --help' lists the options" \
     get --version eth0.dns
-refused "call: unknown option '--texts'; 'velkctl call --help' lists the options" \
+refused "call: unknown option '--texts'; did you mean --text?" \
     call set 108 eth0 --texts=1.1.1.1
 
 it 'refuses a value for an option that takes none'
@@ -520,7 +520,7 @@ END
 it 'says that a speed could not be read'
 with_ports '\tSpeed: 1000Mb/s\n\tAuto-negotiation: off\n' '' velkctl get eth0.link-speed
 status_is 1
-error_is 'velkctl: eth0.link-speed: could not be read (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth0.link-speed: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 it 'forces the link speed and looks whether the port has taken it'
 while read -r name speed duplex negotiation options; do
@@ -556,8 +556,12 @@ refused_unsent() { # MESSAGE ARGUMENT...
 }
 
 it 'refuses a link speed that there is not'
-for word in 1 0 1000-full 100-FULL full Auto ''; do
+for word in 1 0 full ''; do
     refused_unsent "eth0.link-speed: '$word' is not one of its values; give auto, 100-full, 100-half, 10-full or 10-half" \
+        set eth0.link-speed "$word"
+done
+for word in 1000-full 100-FULL; do
+    refused_unsent "eth0.link-speed: '$word' is not one of its values; did you mean 100-full?" \
         set eth0.link-speed "$word"
 done
 refused_unsent 'eth0.link-speed: no value given; give auto, 100-full, 100-half, 10-full or 10-half' \
@@ -601,11 +605,11 @@ it 'fails without a wireless daemon'
 for name in $configuration eth1.rate; do
     with_ports "$no_link" "$adapter" velkctl get "$name"
     status_is 1
-    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1)"
+    error_is "velkctl: $name: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 done
 with_ports "$no_link" "$adapter" velkctl set eth1.channel 6
 status_is 1
-error_is 'velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth1.channel: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 it 'refuses values that a wireless setting does not have'
 refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
@@ -663,7 +667,7 @@ done
 it 'reads a key from standard input'
 with_ports "$no_link" "$adapter" sh -c 'echo hunter22 | velkctl set eth1.psk -'
 status_is 1 # there is no daemon to send it to
-error_is 'velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth1.psk: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
 error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none'
@@ -682,7 +686,7 @@ it 'reads a key from a file'
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter22 >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 1 # there is no daemon to send it to
-error_is 'velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth1.psk: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2
@@ -730,7 +734,7 @@ ethtool eth0
 lock file made'
 with_ports "$no_link" "$adapter" velkctl restart --notify-only eth1
 status_is 1 # there is no daemon
-error_is 'velkctl: eth1: could not be restarted (LIB_VELK_FAILURE, -1)'
+error_is "velkctl: eth1: could not be restarted; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 
 it 'restarts nothing without an adapter, or while the lock is held'
 with_ports "$no_link" '' velkctl restart eth1
@@ -738,7 +742,7 @@ status_is 4
 error_is 'velkctl: eth1: could not be restarted: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)'
 with_ports "$link" '' flock -x /var/tmp/vklib_lock velkctl restart eth0
 status_is 3
-error_has 'velkctl: eth0: could not be restarted: another program is changing settings now, try again (LIB_VELK_LOCKED, -3); process '
+error_has 'velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process '
 output_is '-- run
 lock file made'
 
@@ -764,17 +768,29 @@ output_has '
   restart   bring an interface down and up again, so that changed settings take effect
   list      name all settings, what can be done with them and what they are
   describe  say what a setting is
-  explain   say what a result of the library means and what to do about it
+  explain   say what a result of the library or an exit status means and what to do about it
   doctor    look for what the library will not be able to do, and say how to mend it
   call      run a command of the library as it stands
+  help      show help for velkctl, or for the verb behind it
 '
-output_has 'Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing
-settings, 4 no wireless adapter, 5 refused while the cable is in the wired port,
-6 set, but the device does not hold the value, 7 given up because it took too long.'
+output_has '
+Exit status:
+  0         done
+  1         failed, or the doctor found something
+  2         wrong usage, or a name or value that is not taken
+  3         another program is changing settings
+  4         no supported wireless adapter is attached
+  5         refused while the cable is in the wired port
+  6         set, but the device does not hold the value
+  7         given up because it took too long
+'
 general_help=$output
-run velkctl -h
-status_is 0
-output_is "$general_help"
+for words in -h help 'help help' 'help --help'; do
+    # shellcheck disable=SC2086  # words
+    run velkctl $words
+    status_is 0
+    output_is "$general_help"
+done
 
 it 'explains each verb, with an example'
 for verb in get set show restart list describe explain doctor call; do
@@ -787,6 +803,11 @@ Usage: velkctl $verb"
     output_has "Example"
     output_has "
   velkctl $verb"
+    verb_help=$output
+    run velkctl help "$verb"
+    status_is 0
+    error_is ''
+    output_is "$verb_help"
 done
 
 it 'explains the options of call'
@@ -794,8 +815,8 @@ run velkctl call --help
 output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]
 '
 output_has '
-  --text TEXT                 data bytes as text, at most 512
-  --hex HEX                   data bytes as pairs of hex digits; blanks or colons may stand between
+  --text TEXT                 data bytes as text, at most 512; - or @FILE reads them
+  --hex HEX                   data bytes as pairs of hex digits, with blanks or colons between; - or @FILE reads them
   --wait                      while another program changes settings, try again for 30 s, or --wait=SECONDS
   --timeout SECONDS           give up when it takes longer
   --json                      answer as one JSON document

@@ -170,14 +170,59 @@ status_is 0
 output_is 'eth0.dhcp-notice
   print a notice when DHCP starts and has finished: on or off
   command 109: set
-  example: velkctl set eth0.dhcp-notice VALUE'
+  takes on or off
+  example: velkctl set eth0.dhcp-notice on'
 on_device velkctl describe 314
 output_is 'eth1.psk
   pre-shared key: a text of 1 to 64 bytes, or none; secret
   command 314: get and set
-  a secret: masked unless --show-secrets is given; - , @FILE or a prompt take it
+  takes a text of 1 to 64 bytes, or none
+  a secret: masked unless --show-secrets is given; -, @FILE or a prompt take it
   reading it may take 60 seconds: it waits for the wireless daemon to answer
-  example: velkctl get eth1.psk'
+  example: velkctl get eth1.psk
+  example: velkctl set eth1.psk -'
+
+it 'says what the values of a setting mean'
+on_device velkctl describe eth0.method
+output_is 'eth0.method
+  where the address comes from: static or dhcp
+  command 102: get and set
+  takes static or dhcp
+    static  address, netmask and gateway are those that are set
+    dhcp    a DHCP server gives them
+  example: velkctl get eth0.method
+  example: velkctl set eth0.method static'
+on_device velkctl describe ntp-result
+output_is 'ntp-result
+  last time synchronisation: reached, not-reached or no-result
+  command 10: get
+  shows reached, not-reached or no-result
+    reached      a server answered; the clock was set
+    not-reached  no server answered
+    no-result    it has not run yet, or was switched off
+  example: velkctl get ntp-result'
+on_device velkctl describe location
+output_is "location
+  where the device stands: a text, '' when empty
+  command 3: get and set
+  takes a text of at most 511 bytes
+    ''  clears it
+  example: velkctl get location
+  example: velkctl set location 'a text'"
+
+it 'gives examples of setting that work'
+on_device sh -c 'velk-sandbox cable out
+    for name in $(velkctl list | sed "s/ .*//"); do
+        velkctl describe $name | sed -n "s/^  example: \(velkctl set .*\)/\1/p"
+    done >/tmp/examples
+    wc -l </tmp/examples
+    while IFS= read -r line; do
+        # What they make of the files of this device is not the matter here.
+        echo 12345 | sh -c "$line --no-verify" 2>&1 || echo "$line"
+    done </tmp/examples'
+status_is 0
+error_is ''
+output_is '34'
 
 it 'describes the setting of every interface by its short name'
 on_device velkctl describe gateway
@@ -196,8 +241,137 @@ for word in -3 LIB_VELK_LOCKED LOCKED; do
   what to do: '--wait' tries again until the other program is done
   exit status of velkctl: 3"
 done
-on_device velkctl explain nothing
+
+it 'explains an exit status by number, with the result that leads to it'
+on_device velkctl explain 3
+status_is 0
+output_is "exit status 3 of velkctl: another program is changing settings
+  what to do: '--wait' tries again until the other program is done
+  result of the library: LIB_VELK_LOCKED (-3): another program is changing settings now, try again"
+on_device velkctl explain 6
+output_is "exit status 6 of velkctl: set, but the device does not hold the value
+  what to do: the message has the likely cause; 'velkctl doctor' looks for more"
+
+it 'explains 0, which is both'
+on_device velkctl explain 0
+status_is 0
+output_is 'LIB_VELK_SUCCESS (0): done
+  what to do: nothing; that a set succeeded does not prove that the device holds the value
+  exit status of velkctl: 0
+exit status 0 of velkctl: done
+  what to do: nothing
+  result of the library: LIB_VELK_SUCCESS (0): done'
+
+it 'refuses to explain what is neither'
+explained() { # WORD MESSAGE
+    on_device velkctl explain "$1"
+    status_is 2
+    output_is ''
+    error_is "velkctl: explain: $2"
+}
+neither='is neither a result nor an exit status'
+explained nothing "'nothing' $neither; give a number such as -3 or 3, or a name such as LOCKED"
+explained '' "'' $neither; give a number such as -3 or 3, or a name such as LOCKED"
+explained LOKED "'LOKED' $neither; did you mean LOCKED?"
+explained lib_velk_failure "'lib_velk_failure' $neither; did you mean LIB_VELK_FAILURE?"
+explained 8 "'8' is no exit status of velkctl; give 0 to 7, or a result of the library, which is 0 or negative"
+
+# ---- wrong words ------------------------------------------------------------------------------
+# Holds that velkctl refuses these arguments with this one line, and prints nothing else.
+refused() { # MESSAGE ARGUMENT...
+    run velkctl "${@:2}"
+    status_is 2
+    output_is ''
+    error_is "velkctl: $1"
+}
+
+it 'guesses what a misspelt option or value means'
+refused "get: unknown option '--jsno'; did you mean --json?" get eth0.dns --jsno
+refused "get: unknown option '-json'; did you mean --json?" get eth0.dns -json
+refused "unknown option '--verison'; did you mean --version?" --verison
+refused "set: unknown option '--no-verfy'; did you mean --no-verify?" set ntp on --no-verfy=1
+refused "eth0.method: 'dchp' is not one of its values; did you mean dhcp?" set eth0.method dchp
+refused "eth0.link-speed: '100full' is not one of its values; did you mean 100-full or 10-full?" \
+    set eth0.link-speed 100full
+refused "ntp: 'ON' is not one of its values; did you mean on?" set ntp ON
+refused "unknown verb 'hlep'; did you mean help? ('velkctl --help' explains them)" hlep
+refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
+    get eth1.wep-key-5
+
+it 'says where an option of a verb belongs'
+refused "option '--timeout' stands in front of the verb; give it behind the verb" \
+    --timeout 5 get eth0.dns
+refused "option '--wait' stands in front of the verb; give it behind the verb" --wait=5 set ntp on
+
+it 'says how --wait takes its seconds'
+seconds="--wait takes its seconds behind '='; write --wait=SECONDS"
+refused "restart: $seconds" restart --wait 5 eth0
+refused "restart: $seconds" restart eth0 --wait 5
+refused "set: $seconds" set --wait 5 ntp on
+refused "set: $seconds" set eth1.psk some-key --wait 12345678
+refused "call: $seconds" call get 108 --wait 5
+refused "eth1.channel: '99' is not one of its values; give a number from 1 to 13" \
+    set eth1.channel --wait 99
+
+it 'repeats no word beside a key, and says so'
+hidden='not repeated here as it may be a key'
+refused "set: unknown option, $hidden; 'velkctl set --help' lists the options" set eth1.psk --hunter2
+refused "set: unknown option, $hidden; did you mean --wait?" set eth1.psk a-key --wiat
+refused "list: a word, $hidden, is one argument too many; usage: velkctl list [--json]" \
+    list eth1.psk
+
+it 'does not take none for a text'
+for name in location administrator eth1.ssid; do
+    refused "$name: 'none' would be a text here; give '' to clear the setting, or --force to set that text" \
+        set "$name" none
+done
+on_device sh -c 'velkctl set location none --force && velkctl get location
+    velkctl set location "" && velkctl get location'
+status_is 0
+error_is ''
+output_is "none
+''"
+
+it 'forces no value where none is given'
+refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.168.0.1, or none' \
+    set eth0.dns --force
+refused 'ntp: no value given; give on or off' set --force ntp
+
+it 'takes an unreadable word for what it is'
+refused "unknown verb '\\xff\\x1b'; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" \
+    $'\xff\e'
+refused "unknown verb ''; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" ''
+refused "get: unknown setting '-'; 'velkctl list' names them all" get -
+refused "get: unknown setting ''; 'velkctl list' names them all" get ''
+refused "get: argument missing; usage: velkctl get NAME... [OPTION...]" get --
+refused "get: unknown setting '--json'; 'velkctl list' names them all" get -- --json
+refused "--timeout: '-1' is not a time; give whole seconds, 1 to 86400" get ntp --timeout=-1
+refused "--timeout: '0' is not a time; give whole seconds, 1 to 86400" get ntp --timeout 0
+refused "--timeout: '' is not a time; give whole seconds, 1 to 86400" get ntp --timeout=
+refused "get: option '--timeout' is given twice; give it once" get ntp --timeout 1 --timeout 2
+
+# ---- call -------------------------------------------------------------------------------------
+it 'takes the data bytes of a call from standard input and from a file'
+on_device sh -c 'velk-sandbox cable out; mkdir /run/keys
+    echo a-long-enough-key >/run/keys/psk && printf "61 6c 6f\n6e" >/run/keys/hex
+    velkctl call set 314 eth1 --text @/run/keys/psk && velkctl get eth1.psk --show-secrets
+    echo another-long-key | velkctl call set 314 eth1 --text - && velkctl get eth1.psk --show-secrets
+    echo 61:62:63:64:65:66:67:68 | velkctl call set 314 eth1 --hex=- && velkctl get eth1.psk --show-secrets
+    printf "%01533d\n" 0 | sed "s/00/00:/g; s/:.\$//" >/run/keys/long
+    velkctl call set 314 eth1 --hex @/run/keys/long
+    velkctl call set 314 eth1 --hex @/run/keys/hex
+    velkctl call set 314 eth1 --text @/run/keys/none
+    velkctl call set 314 eth1 --text - </dev/null'
 status_is 2
-error_is "velkctl: explain: 'nothing' is not a result; give a number such as -3, or its name"
+output_is 'LIB_VELK_SUCCESS (0): done
+a-long-enough-key
+LIB_VELK_SUCCESS (0): done
+another-long-key
+LIB_VELK_SUCCESS (0): done
+abcdefgh'
+error_is "velkctl: call: --hex: more than 512 bytes; the data area holds 512
+velkctl: call: --hex: the file behind @ has more than one line; give the value as the only one
+velkctl: call: --text: the file behind @ cannot be read: No such file or directory; '-' takes the value from standard input, @FILE from a file
+velkctl: call: --text: standard input is empty; give the value as one line"
 
 finish

@@ -6,13 +6,16 @@
 
 namespace velkctl {
 
+std::string AddressKind::Wanted() const {
+    return std::string(wanted_)
+        .append(" such as ")
+        .append(example_)
+        .append(takes_none_ ? ", or none" : "");
+}
+
 Parsed AddressKind::Parse(std::span<const std::string> words) const {
-    const std::string give = std::string("; give ").append(wanted_);
-    if (words.empty()) {
-        return Unparsable("no value given" + give);
-    }
-    if (words.size() > 1) {
-        return Unparsable(std::to_string(words.size()) + " values given" + give);
+    if (std::string problem = OneWordProblem(words); !problem.empty()) {
+        return Unparsable(std::move(problem));
     }
     Parsed parsed;
     const std::string& word = words.front();
@@ -21,7 +24,7 @@ Parsed AddressKind::Parse(std::span<const std::string> words) const {
     }
     const std::optional<uint32_t> address = ParseIpv4(word);
     if (!address || !takes_(*address)) {
-        return Unparsable(Quoted(word) + " is not taken" + give);
+        return Unparsable(Quoted(word) + " is not taken" + Give());
     }
     (void)word.copy(parsed.data.data(), parsed.data.size());
     return parsed;

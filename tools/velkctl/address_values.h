@@ -12,16 +12,19 @@ namespace velkctl {
 // stands, address or not; the empty text is shown as none.
 class AddressKind final : public ValueKind {
   public:
-    // `wanted` says in words what `takes` takes.
-    constexpr AddressKind(std::string_view wanted, bool (*takes)(uint32_t address),
-                          bool takes_none = false)
-        : wanted_(wanted), takes_(takes), takes_none_(takes_none) {}
+    // `wanted` says in words what `takes` takes, and `example` is one of these.
+    constexpr AddressKind(std::string_view wanted, std::string_view example,
+                          bool (*takes)(uint32_t address), bool takes_none = false)
+        : wanted_(wanted), example_(example), takes_(takes), takes_none_(takes_none) {}
 
+    std::string Wanted() const override;
+    std::string Example() const override { return std::string(example_); }
     Parsed Parse(std::span<const std::string> words) const override;
     std::string Print(const Data& data) const override;
 
   private:
     std::string_view wanted_;
+    std::string_view example_;
     bool (*takes_)(uint32_t address);
     bool takes_none_;
 };

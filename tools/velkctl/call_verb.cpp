@@ -10,12 +10,16 @@
 #include "velkctl/hex.h"
 #include "velkctl/patience.h"
 #include "velkctl/result_codes.h"
+#include "velkctl/secret_source.h"
 #include "velkctl/terminal.h"
 #include "velkctl/verbs.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
+
+// 512 bytes as hex digits, with much room for what stands between them.
+constexpr size_t kLongestDataText = 4096;
 
 struct TypeWord {
     std::string_view word;
@@ -47,6 +51,16 @@ Parsed ParseText(const std::string& text) {
     return parsed;
 }
 
+// The data bytes that an option gives; the bytes may be a key, and so stand elsewhere.
+Parsed ParseSource(const std::string& word, Parsed (*parse)(const std::string& text)) {
+    const Secret source = ReadSecret(word, kLongestDataText);
+    return source.problem.empty() ? parse(source.text) : Unparsable(source.problem);
+}
+
+Parsed ParseHexText(const std::string& text) {
+    return ParseHex(text);
+}
+
 // The data bytes that --text or --hex gives; all zero without them.
 Parsed ParseData(const Invocation& invocation) {
     if (invocation.text && invocation.hex) {
@@ -54,9 +68,9 @@ Parsed ParseData(const Invocation& invocation) {
     }
     Parsed parsed;
     if (invocation.text) {
-        parsed = ParseText(*invocation.text);
+        parsed = ParseSource(*invocation.text, ParseText);
     } else if (invocation.hex) {
-        parsed = ParseHex(*invocation.hex);
+        parsed = ParseSource(*invocation.hex, ParseHexText);
     }
     if (!parsed.ok()) {
         parsed.problem.insert(0, invocation.text ? "--text: " : "--hex: ");

@@ -105,21 +105,14 @@ std::string_view WithoutInterface(std::string_view name) {
     return dot == std::string_view::npos ? name : name.substr(dot + 1);
 }
 
-// "eth0.dns or eth1.dns"; empty when no row has the name.
-std::string FullNames(std::span<const CatalogueRow> rows, std::string_view name) {
-    std::string names;
-    for (const Setting& setting : SettingsOf(rows)) {
-        if (setting.row->name == name) {
-            names.append(names.empty() ? "" : " or ").append(setting.name());
-        }
-    }
-    return names;
-}
-
-std::vector<std::string> NamesToGuess(std::span<const CatalogueRow> rows) {
+// The full names of all rows, or of those with this name.
+std::vector<std::string> FullNames(std::span<const CatalogueRow> rows,
+                                   std::optional<std::string_view> name = std::nullopt) {
     std::vector<std::string> names;
     for (const Setting& setting : SettingsOf(rows)) {
-        names.push_back(setting.name());
+        if (!name || setting.row->name == *name) {
+            names.push_back(setting.name());
+        }
     }
     return names;
 }
@@ -181,15 +174,18 @@ std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view 
         return Quoted(name.substr(0, equals)) +
                " is followed by '='; give name and value as two arguments";
     }
-    const std::string right = FullNames(rows, WithoutInterface(name));
+    const std::vector<std::string> right = FullNames(rows, WithoutInterface(name));
     if (!right.empty()) {
-        return "unknown setting " + Quoted(name) + "; give " + right;
+        return "unknown setting " + Quoted(name) + "; give " + OneOf(right);
     }
-    const std::vector<std::string> names = NamesToGuess(rows);
-    const std::string_view meant = NearMiss(name, names);
     return "unknown setting " + Quoted(name) +
-           (meant.empty() ? "; 'velkctl list' names them all"
-                          : "; did you mean " + std::string(meant) + "?");
+           DidYouMean(name, FullNames(rows), "'velkctl list' names them all");
+}
+
+std::string UnknownInterface(std::string_view word, const std::string& shown) {
+    const std::vector<std::string> interfaces{VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
+    return shown + " is not an interface of the device" +
+           DidYouMean(word, interfaces, "give " + OneOf(interfaces));
 }
 
 }  // namespace velkctl

@@ -59,6 +59,10 @@ std::optional<uint32_t> ParseId(std::string_view word);
 // Says about a name that FindSetting() did not find what would be right.
 std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name);
 
+// Says about a word that is neither eth0 nor eth1 what would be right. `shown` is the word as a
+// message may have it.
+std::string UnknownInterface(std::string_view word, const std::string& shown);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_CATALOGUE_H_

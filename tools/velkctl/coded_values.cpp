@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 #include <nlohmann/json.hpp>
 
@@ -40,28 +41,25 @@ std::string CodedKind::InWords(const CodedValue& value) const {
 
 std::string CodedKind::Wanted() const {
     if (!has_names() && values_.size() > kLongestListing) {
-        return "give a number from " + InWords(values_.front()) + " to " + InWords(values_.back());
+        return "a number from " + InWords(values_.front()) + " to " + InWords(values_.back());
     }
-    std::string wanted;
+    std::vector<std::string> words;
     for (const CodedValue& value : values_) {
-        const bool last = &value == &values_.back();
-        wanted.append(wanted.empty() ? "give " : last ? " or " : ", ").append(InWords(value));
+        words.push_back(InWords(value));
     }
-    return wanted;
+    return OneOf(words);
 }
 
 Parsed CodedKind::Parse(std::span<const std::string> words) const {
-    if (words.empty()) {
-        return Unparsable("no value given; " + Wanted());
-    }
-    if (words.size() > 1) {
-        return Unparsable(std::to_string(words.size()) + " values given; " + Wanted());
+    if (std::string problem = OneWordProblem(words); !problem.empty()) {
+        return Unparsable(std::move(problem));
     }
     const std::string& word = words.front();
     const auto value = std::find_if(values_.begin(), values_.end(),
                                     [&](const CodedValue& known) { return Matches(known, word); });
     if (value == values_.end()) {
-        return Unparsable(Quoted(word) + " is not one of its values; " + Wanted());
+        return Unparsable(Quoted(word) + " is not one of its values" +
+                          DidYouMean(word, Values(), "give " + Wanted()));
     }
     Parsed parsed;
     parsed.data[0] = static_cast<char>(value->code);
@@ -97,6 +95,16 @@ std::vector<std::string> CodedKind::Values() const {
         values.push_back(value.name.empty() ? std::to_string(value.code) : std::string(value.name));
     }
     return values;
+}
+
+std::vector<Meaning> CodedKind::Meanings() const {
+    std::vector<Meaning> meanings;
+    for (const CodedValue& value : values_) {
+        if (!value.meaning.empty()) {
+            meanings.push_back({value.name, value.meaning});
+        }
+    }
+    return meanings;
 }
 
 std::string CodedKind::Print(const Data& data) const {

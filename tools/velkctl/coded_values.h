@@ -11,7 +11,8 @@ namespace velkctl {
 
 struct CodedValue {
     uint8_t code;
-    std::string_view name{};  // empty when it is written as its number
+    std::string_view name{};     // empty when it is written as its number
+    std::string_view meaning{};  // where the name does not say it
 };
 
 // The first data byte is one of the codes of a table. A code is written by its name; where some
@@ -20,10 +21,13 @@ class CodedKind final : public ValueKind {
   public:
     constexpr explicit CodedKind(std::span<const CodedValue> values) : values_(values) {}
 
+    std::string Wanted() const override;
+    std::string Example() const override { return Values().front(); }
     Parsed Parse(std::span<const std::string> words) const override;
     // The number of any byte.
     Parsed Force(std::span<const std::string> words) const override;
     std::vector<std::string> Values() const override;
+    std::vector<Meaning> Meanings() const override;
     // A code that the table does not have is shown as its number.
     std::string Print(const Data& data) const override;
     // The name, or the number of a code without one.
@@ -35,7 +39,6 @@ class CodedKind final : public ValueKind {
     bool Matches(const CodedValue& value, std::string_view word) const;
     const CodedValue* Find(uint8_t code) const;
     std::string InWords(const CodedValue& value) const;
-    std::string Wanted() const;
 
     std::span<const CodedValue> values_;
 };

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "velkctl/exit_meanings.h"
 #include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 #include "velkctl/verb_arguments.h"
@@ -19,6 +20,8 @@ namespace {
 
 constexpr char kJsonFlag[] = "--json";
 constexpr char kToolName[] = "velkctl";
+constexpr char kHelpVerb[] = "help";
+constexpr std::string_view kSeeHelp = " ('velkctl --help' explains them)";
 constexpr char kVersion[] = "velkctl " VELKCTL_VERSION;
 
 // The usage line comes from the verb's row, not from what CLI11 knows of it.
@@ -40,37 +43,34 @@ void PrepareHelp(CLI::App& app, std::string usage, std::string footer) {
     app.footer(std::move(footer));
 }
 
-std::string VerbNames() {
-    std::string names;
-    for (const Verb& verb : Verbs()) {
-        const bool last = &verb == &Verbs().back();
-        names.append(names.empty() ? "" : last ? " or " : ", ").append(verb.name);
-    }
-    return names;
-}
-
-std::vector<std::string> VerbList() {
+std::vector<std::string> VerbNames() {
     std::vector<std::string> names;
     for (const Verb& verb : Verbs()) {
         names.emplace_back(verb.name);
     }
+    names.emplace_back(kHelpVerb);
     return names;
+}
+
+std::string Row(std::string name, std::string_view words) {
+    name.resize(10, ' ');
+    return "  " + name.append(words) + "\n";
 }
 
 std::string ToolFooter() {
     std::string footer = "Verbs:\n";
     for (const Verb& verb : Verbs()) {
-        std::string name(verb.name);
-        name.resize(10, ' ');
-        footer.append("  ").append(name).append(verb.summary).append("\n");
+        footer.append(Row(std::string(verb.name), verb.summary));
+    }
+    footer.append(Row(kHelpVerb, "show help for velkctl, or for the verb behind it"));
+    footer.append("\nExit status:\n");
+    for (const ExitMeaning& meaning : kExitMeanings) {
+        footer.append(Row(std::to_string(static_cast<int>(meaning.status)), meaning.words));
     }
     return footer +
            "\n"
-           "'velkctl VERB --help' tells more about a verb.\n"
-           "\n"
-           "Exit status: 0 done, 1 failed, 2 wrong usage or value, 3 another program is changing\n"
-           "settings, 4 no wireless adapter, 5 refused while the cable is in the wired port,\n"
-           "6 set, but the device does not hold the value, 7 given up because it took too long.";
+           "'velkctl VERB --help' tells more about a verb, and has examples. 'velkctl list' names\n"
+           "the settings.";
 }
 
 // Parses; a status means that all is said and done. `prefix` begins complaints.
@@ -98,9 +98,46 @@ std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::strin
     }
 }
 
-ExitStatus RunVerb(const Verb& verb, const Words& arguments, Report& report) {
+// Says about a word where a verb should stand what would be right. What it may be behind "=" is not
+// repeated.
+std::string UnknownVerb(std::string_view word) {
+    const std::vector<std::string> names = VerbNames();
+    return "unknown verb " + Quoted(word) + DidYouMean(word, names, "give " + OneOf(names)) +
+           std::string(kSeeHelp);
+}
+
+// Says about an option in front of the verb what would be right.
+std::string WrongOption(const CLI::App& app, std::string_view option) {
+    for (const Verb& verb : Verbs()) {
+        if (HasOption(verb, option)) {
+            return "option " + Quoted(option) +
+                   " stands in front of the verb; give it behind the verb";
+        }
+    }
+    return UnknownOption(app, option, kToolName);
+}
+
+// The arguments with "help" and "help VERB" in the words that mean the same: "--help" and
+// "VERB --help".
+Words WithHelpAsOption(Words arguments) {
+    auto word = std::find_if(arguments.begin(), arguments.end(),
+                             [](const std::string& argument) { return argument != kJsonFlag; });
+    if (word == arguments.end() || *word != kHelpVerb) {
+        return arguments;
+    }
+    word = arguments.erase(word);
+    const bool is_verb = word != arguments.end() && *word != kHelpVerb && !word->starts_with('-');
+    arguments.insert(word + (is_verb ? 1 : 0), "--help");
+    return arguments;
+}
+
+ExitStatus RunVerb(const Verb& verb, const Words& given, Report& report) {
     report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
+    if (const std::string problem = ImpliedValueProblem(verb, given); !problem.empty()) {
+        return report.Refuse(prefix + problem);
+    }
+    const Words arguments = SplitEmptyValues(verb, given.begin(), given.end());
     CLI::App app(std::string(kToolName).append(" ").append(prefix).append(verb.summary));
     PrepareHelp(app, Usage(verb), std::string(verb.help));
     DeclareOptions(app, verb);
@@ -127,7 +164,8 @@ Report::Form FormAskedFor(const Words& arguments) {
                                                                : Report::Form::kJson;
 }
 
-ExitStatus RunCommandLine(const Words& arguments, Report& report) {
+ExitStatus RunCommandLine(const Words& given, Report& report) {
+    const Words arguments = WithHelpAsOption(given);
     CLI::App app("Read and change the network settings of the device.");
     PrepareHelp(app, std::string(kToolName) + " VERB [ARGUMENT...]", ToolFooter());
     app.set_version_flag("--version", kVersion, "show the version");
@@ -142,24 +180,18 @@ ExitStatus RunCommandLine(const Words& arguments, Report& report) {
     }
     const Words rest = app.remaining();
     if (rest.empty()) {
-        return report.Refuse("no verb given; give " + VerbNames() +
-                             " ('velkctl --help' explains them)");
+        return report.Refuse("no verb given; give " + OneOf(VerbNames()) + std::string(kSeeHelp));
     }
-    if (rest.front().starts_with('-')) {
-        return report.Refuse(UnknownOption(Quoted(WithoutValue(rest.front())), kToolName));
+    const std::string_view word = WithoutValue(rest.front());
+    if (word.starts_with('-')) {
+        return report.Refuse(WrongOption(app, word));
     }
     for (const Verb& verb : Verbs()) {
         if (verb.name == rest.front()) {
-            return RunVerb(verb, SplitEmptyValues(verb, rest.begin() + 1, rest.end()), report);
+            return RunVerb(verb, Words(rest.begin() + 1, rest.end()), report);
         }
     }
-    const std::string_view word = WithoutValue(rest.front());
-    const std::vector<std::string> names = VerbList();
-    const std::string_view meant = NearMiss(word, names);
-    return report.Refuse(
-        "unknown verb " + Quoted(word) +
-        (meant.empty() ? "; give " + VerbNames() : "; did you mean " + std::string(meant) + "?") +
-        " ('velkctl --help' explains them)");
+    return report.Refuse(UnknownVerb(word));
 }
 
 }  // namespace velkctl

@@ -23,13 +23,13 @@ bool IsHostName(std::string_view word) {
 
 }  // namespace
 
+std::string HostKind::Wanted() const {
+    return "a host name or address such as 192.168.0.1, or none";
+}
+
 Parsed HostKind::Parse(std::span<const std::string> words) const {
-    const std::string give = "; give a host name or address such as 192.168.0.1, or none";
-    if (words.empty()) {
-        return Unparsable("no value given" + give);
-    }
-    if (words.size() > 1) {
-        return Unparsable(std::to_string(words.size()) + " values given" + give);
+    if (std::string problem = OneWordProblem(words); !problem.empty()) {
+        return Unparsable(std::move(problem));
     }
     Parsed parsed;
     const std::string& word = words.front();
@@ -37,7 +37,7 @@ Parsed HostKind::Parse(std::span<const std::string> words) const {
         return parsed;
     }
     if (!IsHostName(word)) {
-        return Unparsable(Quoted(word) + " is not a host name" + give);
+        return Unparsable(Quoted(word) + " is not a host name" + Give());
     }
     (void)word.copy(parsed.data.data(), parsed.data.size());
     return parsed;

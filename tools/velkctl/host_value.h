@@ -12,6 +12,8 @@ class HostKind final : public ValueKind {
   public:
     constexpr HostKind() = default;
 
+    std::string Wanted() const override;
+    std::string Example() const override { return "192.168.0.1"; }
     Parsed Parse(std::span<const std::string> words) const override;
     std::string Print(const Data& data) const override;
 };

@@ -1,15 +1,12 @@
-// list_verbs.cpp - the verbs that tell what settings and results there are.
+// list_verbs.cpp - the verbs that tell what settings there are.
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "velkctl/blocking.h"
 #include "velkctl/catalogue.h"
-#include "velkctl/result_codes.h"
 #include "velkctl/setting_values.h"
-#include "velkctl/terminal.h"
 #include "velkctl/verbs.h"
 #include <nlohmann/json.hpp>
 
@@ -29,6 +26,7 @@ Json InJson(const Setting& setting) {
     object["set"] = setting.can_set();
     object["secret"] = setting.row->secret;
     object["help"] = setting.row->help;
+    object["wanted"] = setting.can_set() ? Json(setting.row->kind->Wanted()) : Json(nullptr);
     object["values"] = setting.row->kind->Values();
     object["longest_seconds"] = LongestGet(setting).seconds;
     return object;
@@ -44,33 +42,54 @@ std::vector<Setting> FindAll(std::string_view word) {
     return settings;
 }
 
-void Describe(const Setting& setting, Report& report) {
+// What the setting takes or shows, with what its values mean.
+std::string ValuesInWords(const Setting& setting) {
+    const ValueKind& kind = *setting.row->kind;
+    if (!setting.can_set() && kind.Values().empty()) {
+        return {};  // the help says it all
+    }
+    std::string text =
+        std::string("\n  ") + (setting.can_set() ? "takes " : "shows ") + kind.Wanted();
+    const std::vector<Meaning> meanings = kind.Meanings();
+    size_t width = 0;
+    for (const Meaning& meaning : meanings) {
+        width = std::max(width, meaning.value.size());
+    }
+    for (const Meaning& meaning : meanings) {
+        text.append("\n    ").append(Padded(std::string(meaning.value), width));
+        text.append("  ").append(meaning.words);
+    }
+    return text;
+}
+
+std::string Examples(const Setting& setting) {
     const std::string name = setting.name();
+    std::string text;
+    if (setting.can_get()) {
+        text.append("\n  example: velkctl get ").append(name);
+    }
+    if (setting.can_set()) {
+        text.append("\n  example: velkctl set ").append(name).append(" ");
+        text.append(setting.row->kind->Example());
+    }
+    return text;
+}
+
+std::string InWords(const Setting& setting) {
     const Blocking longest = LongestGet(setting);
-    std::string text = name + "\n  " + std::string(setting.row->help) + "\n  command " +
+    std::string text = setting.name() + "\n  " + std::string(setting.row->help) + "\n  command " +
                        std::to_string(setting.row->id) + ": " +
                        (setting.can_get() ? (setting.can_set() ? "get and set" : "get") : "set");
+    text.append(ValuesInWords(setting));
     if (setting.row->secret) {
         text.append(
-            "\n  a secret: masked unless --show-secrets is given; - , @FILE or a prompt take it");
+            "\n  a secret: masked unless --show-secrets is given; -, @FILE or a prompt take it");
     }
     if (setting.can_get() && longest.seconds > 0) {
         text.append("\n  reading it may take ").append(std::to_string(longest.seconds));
         text.append(" seconds: it waits for ").append(longest.awaited);
     }
-    text.append("\n  example: velkctl ").append(setting.can_get() ? "get " : "set ").append(name);
-    report.Text(text + (setting.can_get() ? "" : " VALUE") + "\n");
-}
-
-std::optional<int> ParseCode(std::string_view word) {
-    for (const ResultCode& row : kResultCodes) {
-        if (word == row.name || word == row.name.substr(std::string_view("LIB_VELK_").size())) {
-            return row.code;
-        }
-    }
-    int code = 0;
-    const auto [stop, error] = std::from_chars(word.begin(), word.end(), code);
-    return error == std::errc() && stop == word.end() ? std::optional(code) : std::nullopt;
+    return text + Examples(setting) + "\n";
 }
 
 }  // namespace
@@ -99,28 +118,10 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report) {
     }
     Json described = Json::array();
     for (const Setting& setting : settings) {
-        Describe(setting, report);
+        report.Text(InWords(setting));
         described.push_back(InJson(setting));
     }
     report.Member("settings", std::move(described));
-    return ExitStatus::kDone;
-}
-
-ExitStatus RunExplain(const Invocation& invocation, Report& report) {
-    const std::string& word = invocation.words.front();
-    const std::optional<int> code = ParseCode(word);
-    if (!code) {
-        return report.Refuse("explain: " + Quoted(word) +
-                             " is not a result; give a number such as -3, or its name");
-    }
-    const ResultCode row = FindResultCode(*code);
-    report.Text(DescribeResult(*code) + "\n  what to do: " + std::string(row.remedy) +
-                "\n  exit status of velkctl: " + std::to_string(static_cast<int>(row.status)) +
-                "\n");
-    Json explained = ResultInJson(*code);
-    explained["remedy"] = row.remedy;
-    explained["exit_status"] = static_cast<int>(row.status);
-    report.Member("result", std::move(explained));
     return ExitStatus::kDone;
 }
 

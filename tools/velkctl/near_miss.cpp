@@ -2,12 +2,21 @@
 #include "velkctl/near_miss.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace velkctl {
 namespace {
 
 constexpr size_t kFarthest = 2;
+constexpr size_t kMostGuesses = 4;   // more of them are no help
+constexpr size_t kLongestWord = 64;  // no name, option or value is that long
+
+char Small(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool AreAlike(char one, char other) {
+    return Small(one) == Small(other);
+}
 
 // How many letters must be changed, added, removed or swapped with their neighbour.
 size_t Distance(std::string_view from, std::string_view to) {
@@ -18,9 +27,10 @@ size_t Distance(std::string_view from, std::string_view to) {
                 steps[i][j] = i + j;
                 continue;
             }
-            const size_t changed = steps[i - 1][j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
+            const size_t changed = steps[i - 1][j - 1] + (AreAlike(from[i - 1], to[j - 1]) ? 0 : 1);
             steps[i][j] = std::min({changed, steps[i - 1][j] + 1, steps[i][j - 1] + 1});
-            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1]) {
+            if (i > 1 && j > 1 && AreAlike(from[i - 1], to[j - 2]) &&
+                AreAlike(from[i - 2], to[j - 1])) {
                 steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
             }
         }
@@ -30,21 +40,41 @@ size_t Distance(std::string_view from, std::string_view to) {
 
 }  // namespace
 
-std::string_view NearMiss(std::string_view word, std::span<const std::string> candidates) {
-    constexpr size_t kLongestWord = 64;  // no setting or verb is that long
+std::vector<std::string> NearMisses(std::string_view word,
+                                    std::span<const std::string> candidates) {
     if (word.size() > kLongestWord) {
         return {};
     }
-    std::string_view nearest;
-    size_t fewest = kFarthest + 1;
+    std::vector<std::string> nearest;
+    size_t fewest = kFarthest;
     for (const std::string& candidate : candidates) {
         const size_t distance = Distance(word, candidate);
-        if (distance < fewest && 2 * distance < candidate.size()) {
-            nearest = candidate;
+        if (distance > fewest || 2 * distance >= candidate.size()) {
+            continue;
+        }
+        if (distance < fewest) {
+            nearest.clear();
             fewest = distance;
         }
+        nearest.push_back(candidate);
     }
-    return nearest;
+    return nearest.size() > kMostGuesses ? std::vector<std::string>{} : nearest;
+}
+
+std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,
+                       std::string_view otherwise) {
+    const std::vector<std::string> meant = NearMisses(word, candidates);
+    return meant.empty() ? std::string("; ").append(otherwise)
+                         : "; did you mean " + OneOf(meant) + "?";
+}
+
+std::string OneOf(std::span<const std::string> words) {
+    std::string text;
+    for (const std::string& word : words) {
+        const bool last = &word == &words.back();
+        text.append(text.empty() ? "" : last ? " or " : ", ").append(word);
+    }
+    return text;
 }
 
 }  // namespace velkctl

@@ -48,6 +48,7 @@ std::string DescribeFailure(std::string_view what, int code) {
     if (code != LIB_VELK_FAILURE) {
         text.append(": ").append(row.words);
     }
+    text.append(row.hint);
     return text.append(" (").append(row.name).append(", ").append(std::to_string(code)).append(")");
 }
 

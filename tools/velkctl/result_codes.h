@@ -18,6 +18,7 @@ struct ResultCode {
     std::string_view words;
     std::string_view remedy;
     ExitStatus status;
+    std::string_view hint{};  // the remedy in a message, behind the words
 };
 
 inline constexpr std::array<ResultCode, 6> kResultCodes{{
@@ -26,9 +27,10 @@ inline constexpr std::array<ResultCode, 6> kResultCodes{{
      ExitStatus::kDone},
     {LIB_VELK_FAILURE, "LIB_VELK_FAILURE", "file, socket, time-out or unreadable value",
      "'velkctl doctor' looks for files, tools and daemons that are not as they should be",
-     ExitStatus::kFailed},
+     ExitStatus::kFailed, "; 'velkctl doctor' looks for the cause"},
     {LIB_VELK_LOCKED, "LIB_VELK_LOCKED", "another program is changing settings now, try again",
-     "'--wait' tries again until the other program is done", ExitStatus::kLocked},
+     "'--wait' tries again until the other program is done", ExitStatus::kLocked,
+     ", as --wait=SECONDS does"},
     {LIB_VELK_INVALID_PARAMETER, "LIB_VELK_INVALID_PARAMETER",
      "the library does not take this command, interface or value",
      "'velkctl describe NAME' says which interfaces and values a setting has",
@@ -49,8 +51,8 @@ std::string DescribeResult(int code);
 // {"code": -3, "name": "LIB_VELK_LOCKED", "words": "another program is ..."}
 nlohmann::ordered_json ResultInJson(int code);
 
-// Why something was not done: "eth0.dns: could not be read (LIB_VELK_FAILURE, -1)". `what` is the
-// part before the reason.
+// Why something was not done: "eth1.signal: could not be read: refused while the cable is in the
+// wired port (LIB_VELK_WIRED_LINKED, -6)". `what` is the part before the reason.
 std::string DescribeFailure(std::string_view what, int code);
 
 }  // namespace velkctl

@@ -12,8 +12,8 @@
 namespace velkctl {
 namespace {
 
-constexpr std::string_view kGive =
-    "give 'every 6h', 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
+constexpr std::string_view kWanted =
+    "'every 6h', 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
 constexpr std::string_view kOff = "off";
 constexpr std::string_view kRaw = "schedule";    // of a type that there is not
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
@@ -123,13 +123,17 @@ std::string Joined(std::span<const std::string> words) {
 
 }  // namespace
 
+std::string ScheduleKind::Wanted() const {
+    return std::string(kWanted);
+}
+
 Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     if (words.empty()) {
-        return Unparsable("no value given; " + std::string(kGive));
+        return Unparsable(OneWordProblem(words));
     }
     const std::optional<Schedule> schedule = ParseSchedule(words);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule; " + std::string(kGive));
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Give());
     }
     return InData(*schedule);
 }

@@ -12,6 +12,8 @@ class ScheduleKind final : public ValueKind {
   public:
     constexpr ScheduleKind() = default;
 
+    std::string Wanted() const override;
+    std::string Example() const override { return "weekly sunday 08:30"; }
     Parsed Parse(std::span<const std::string> words) const override;
     // Also "schedule TYPE VALUE TIME" with any bytes and text, as an unknown type is shown.
     Parsed Force(std::span<const std::string> words) const override;

@@ -12,8 +12,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "velkctl/data.h"
-
 namespace velkctl {
 namespace {
 
@@ -44,13 +42,14 @@ Secret CannotRead(std::string_view source, int error) {
 }
 
 // Reads up to the end of the line and no further, which only single bytes allow.
-Secret ReadLine(int fd, std::string_view source) {
+Secret ReadLine(int fd, std::string_view source, size_t longest) {
     Secret secret;
     char byte = '\0';
     ssize_t got = 0;
     while ((got = read(fd, &byte, 1)) == 1 && byte != '\n') {
-        if (secret.text.size() == VELK_DATA_SIZE) {
-            return Problem(source, "has a line of more than 512 bytes; give the value alone");
+        if (secret.text.size() == longest) {
+            return Problem(source, "has a line of more than " + std::to_string(longest) +
+                                       " bytes; give the value alone");
         }
         secret.text.push_back(byte);
     }
@@ -68,13 +67,13 @@ bool HasMore(int fd) {
     return read(fd, &byte, 1) == 1;
 }
 
-Secret ReadFile(const char* path) {
+Secret ReadFile(const char* path, size_t longest) {
     constexpr std::string_view kSource = "the file behind @";
     const File file(path);
     if (file.fd() == -1) {
         return CannotRead(kSource, errno);
     }
-    Secret secret = ReadLine(file.fd(), kSource);
+    Secret secret = ReadLine(file.fd(), kSource, longest);
     if (secret.problem.empty() && HasMore(file.fd())) {
         return Problem(kSource, "has more than one line; give the value as the only one");
     }
@@ -125,12 +124,12 @@ class HiddenTyping {
     const bool is_terminal_;
 };
 
-Secret Ask(const std::string& question) {
+Secret Ask(const std::string& question, size_t longest = VELK_DATA_SIZE) {
     const HiddenTyping hidden;
     if (hidden.is_terminal()) {
         (void)fputs(question.c_str(), stderr);
     }
-    Secret secret = ReadLine(STDIN_FILENO, "standard input");
+    Secret secret = ReadLine(STDIN_FILENO, "standard input", longest);
     if (hidden.is_terminal()) {
         (void)fputs("\n", stderr);  // in the place of the one that was typed
     }
@@ -139,12 +138,12 @@ Secret Ask(const std::string& question) {
 
 }  // namespace
 
-Secret ReadSecret(const std::string& word) {
+Secret ReadSecret(const std::string& word, size_t longest) {
     if (word == "-") {
-        return Ask("value: ");
+        return Ask("value: ", longest);
     }
     if (word.starts_with('@')) {
-        return ReadFile(word.c_str() + 1);
+        return ReadFile(word.c_str() + 1, longest);
     }
     return {word, {}};
 }

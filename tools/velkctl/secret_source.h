@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "velkctl/data.h"
+
 namespace velkctl {
 
 // The text of a secret, or the problem that kept it from being read.
@@ -13,9 +15,9 @@ struct Secret {
 };
 
 // Takes "-" for a line of standard input, "@FILE" for the only line of a file, without the end of
-// the line, and any other word as it stands. The rest of standard input is left to others. No
-// problem repeats the word: a secret may begin with @.
-Secret ReadSecret(const std::string& word);
+// the line, and any other word as it stands. A line of more than `longest` bytes is a problem. The
+// rest of standard input is left to others. No problem repeats the word: a secret may begin with @.
+Secret ReadSecret(const std::string& word, size_t longest = VELK_DATA_SIZE);
 
 // Says whether somebody sits at a terminal who can be asked.
 bool CanAskForSecret();

@@ -15,11 +15,8 @@ namespace {
 constexpr size_t kSlots = 3;
 constexpr size_t kSlotSize = 16;
 
-// What is wrong with the words; empty when they make a server list.
+// What is wrong with the words, at least one; empty when they make a server list.
 std::string ServerListProblem(std::span<const std::string> words) {
-    if (words.empty()) {
-        return "no value given; give one to three IPv4 addresses such as 192.168.0.1, or none";
-    }
     for (const std::string& word : words) {
         if (word == kNone) {
             return "'none' stands alone; give either addresses or none";
@@ -73,7 +70,14 @@ Parsed InSlots(std::span<const std::string> words) {
 
 }  // namespace
 
+std::string ServerListKind::Wanted() const {
+    return "one to three IPv4 addresses such as 192.168.0.1, or none";
+}
+
 Parsed ServerListKind::Parse(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
     if (words.size() == 1 && words.front() == kNone) {
         return {};
     }
@@ -82,6 +86,9 @@ Parsed ServerListKind::Parse(std::span<const std::string> words) const {
 }
 
 Parsed ServerListKind::Force(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
     if (words.size() > kSlots) {
         return Unparsable(std::to_string(words.size()) + " servers given; give at most three");
     }

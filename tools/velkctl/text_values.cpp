@@ -8,20 +8,21 @@ namespace velkctl {
 
 // What is wrong with the words; empty when they are one text that is taken.
 std::string TextKind::Problem(std::span<const std::string> words) const {
-    const std::string give = std::string("; give ").append(wanted_);
-    if (words.empty()) {
-        return "no value given" + give;
+    if (std::string problem = OneWordProblem(words); !problem.empty()) {
+        return problem + (words.empty() ? "" : ", in quotes when it holds blanks");
     }
-    if (words.size() > 1) {
-        return std::to_string(words.size()) + " values given" + give +
-               ", in quotes when it holds blanks";
+    const std::string& word = words.front();
+    if (word == kNone) {
+        // It clears other settings, and would be a text of four letters here.
+        return "'none' would be a text here; give '' to clear the setting, or --force to set that "
+               "text";
     }
-    const size_t length = words.front().size();
+    const size_t length = word.size();
     if (!takes_length_(length)) {
-        return std::to_string(length) + (length == 1 ? " byte given" : " bytes given") + give;
+        return std::to_string(length) + (length == 1 ? " byte given" : " bytes given") + Give();
     }
-    if (HasControls(words.front())) {
-        return "control characters, such as the end of a line, are not taken" + give;
+    if (HasControls(word)) {
+        return "control characters, such as the end of a line, are not taken" + Give();
     }
     return {};
 }
@@ -40,6 +41,10 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
 
 std::string TextKind::Print(const Data& data) const {
     return PrintText(data, empty_);
+}
+
+std::vector<Meaning> TextKind::Meanings() const {
+    return empty_ == kNone ? std::vector<Meaning>{} : std::vector<Meaning>{{empty_, "clears it"}};
 }
 
 nlohmann::ordered_json TextKind::ToJson(const Data& data) const {

@@ -10,12 +10,17 @@ namespace velkctl {
 // the text or a part of it.
 class TextKind final : public ValueKind {
   public:
-    // The empty text is written as `empty`; `wanted` says in words what `takes_length` takes.
-    constexpr TextKind(std::string_view empty, std::string_view wanted,
+    // The empty text is written as `empty`; `wanted` says in words what `takes_length` takes, and
+    // `example` is one as a shell has it.
+    constexpr TextKind(std::string_view empty, std::string_view wanted, std::string_view example,
                        bool (*takes_length)(size_t length))
-        : empty_(empty), wanted_(wanted), takes_length_(takes_length) {}
+        : empty_(empty), wanted_(wanted), example_(example), takes_length_(takes_length) {}
 
+    std::string Wanted() const override { return std::string(wanted_); }
+    std::string Example() const override { return std::string(example_); }
     Parsed Parse(std::span<const std::string> words) const override;
+    // How it is cleared, where none does not.
+    std::vector<Meaning> Meanings() const override;
     std::string Print(const Data& data) const override;
     nlohmann::ordered_json ToJson(const Data& data) const override;
 
@@ -24,6 +29,7 @@ class TextKind final : public ValueKind {
 
     std::string_view empty_;
     std::string_view wanted_;
+    std::string_view example_;
     bool (*takes_length_)(size_t length);
 };
 

@@ -8,13 +8,23 @@
 
 namespace velkctl {
 
+std::string ValueKind::OneWordProblem(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return "no value given" + Give();
+    }
+    return words.size() == 1 ? "" : std::to_string(words.size()) + " values given" + Give();
+}
+
 Parsed ValueKind::Parse(std::span<const std::string> /*words*/) const {
     return Unparsable("cannot be set, only read");
 }
 
 Parsed ValueKind::Force(std::span<const std::string> words) const {
     Parsed parsed;
-    if (words.size() != 1) {
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
+    if (words.size() > 1) {
         return Unparsable(std::to_string(words.size()) +
                           " values given; give one, in quotes when it holds blanks");
     }

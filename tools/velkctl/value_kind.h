@@ -12,10 +12,22 @@
 
 namespace velkctl {
 
+// What a value stands for, in words.
+struct Meaning {
+    std::string_view value;
+    std::string_view words;
+};
+
 // How a value is written in words and lies in the data bytes. What Print() shows of a value that
 // Parse() gave, Parse() takes again.
 class ValueKind {
   public:
+    // What to give, in words: "an IPv4 address such as 192.168.0.1, or none".
+    virtual std::string Wanted() const { return {}; }
+
+    // One value as it is written in a shell; empty for a kind that can only be read.
+    virtual std::string Example() const { return {}; }
+
     // A kind that has no Parse() of its own is for settings that can only be read. A problem never
     // repeats the words of a kind that serves for secrets.
     virtual Parsed Parse(std::span<const std::string> words) const;
@@ -30,12 +42,21 @@ class ValueKind {
     // when there are too many to name.
     virtual std::vector<std::string> Values() const { return {}; }
 
+    // Those of Values() that need explaining, and what they mean.
+    virtual std::vector<Meaning> Meanings() const { return {}; }
+
     // The value for programs: what Print() shows, and null for what it shows as none.
     virtual nlohmann::ordered_json ToJson(const Data& data) const;
 
   protected:
     constexpr ValueKind() = default;
     ~ValueKind() = default;
+
+    // The end of a problem, which says what would be right: "; give on or off".
+    std::string Give() const { return "; give " + Wanted(); }
+
+    // The problem with words that are not exactly one; empty when they are.
+    std::string OneWordProblem(std::span<const std::string> words) const;
 };
 
 // How an empty value is written where nothing else is said.

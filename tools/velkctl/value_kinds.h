@@ -19,9 +19,9 @@ inline constexpr HostKind kHost{};
 inline constexpr ScheduleKind kSchedule{};
 
 // ---- Addresses ---------------------------------------------------------------------------------
-inline constexpr AddressKind kAddress{"an IPv4 address such as 192.168.0.10", IsHostAddress};
-inline constexpr AddressKind kNetmask{"an IPv4 mask such as 255.255.255.0", IsMask};
-inline constexpr AddressKind kGateway{"an IPv4 address such as 192.168.0.1, or none", IsHostAddress,
+inline constexpr AddressKind kAddress{"an IPv4 address", "192.168.0.10", IsHostAddress};
+inline constexpr AddressKind kNetmask{"an IPv4 mask", "255.255.255.0", IsMask};
+inline constexpr AddressKind kGateway{"an IPv4 address", "192.168.0.1", IsHostAddress,
                                       /*takes_none=*/true};
 
 // ---- Coded values ------------------------------------------------------------------------------
@@ -30,28 +30,28 @@ inline constexpr std::array<CodedValue, 2> kSwitchTable{{
     {VELK_OFF, "off"},
 }};
 inline constexpr std::array<CodedValue, 2> kMethodTable{{
-    {VELK_METHOD_STATIC, "static"},
-    {VELK_METHOD_DHCP, "dhcp"},
+    {VELK_METHOD_STATIC, "static", "address, netmask and gateway are those that are set"},
+    {VELK_METHOD_DHCP, "dhcp", "a DHCP server gives them"},
 }};
 inline constexpr std::array<CodedValue, 3> kNtpResultTable{{
-    {VELK_NTP_REACHED, "reached"},
-    {VELK_NTP_NOT_REACHED, "not-reached"},
-    {VELK_NTP_NO_RESULT, "no-result"},
+    {VELK_NTP_REACHED, "reached", "a server answered; the clock was set"},
+    {VELK_NTP_NOT_REACHED, "not-reached", "no server answered"},
+    {VELK_NTP_NO_RESULT, "no-result", "it has not run yet, or was switched off"},
 }};
 inline constexpr std::array<CodedValue, 5> kLinkModeTable{{
-    {VELK_LINK_AUTO, "auto"},
-    {VELK_LINK_100_FULL, "100-full"},
-    {VELK_LINK_100_HALF, "100-half"},
-    {VELK_LINK_10_FULL, "10-full"},
-    {VELK_LINK_10_HALF, "10-half"},
+    {VELK_LINK_AUTO, "auto", "negotiated with the other end"},
+    {VELK_LINK_100_FULL, "100-full", "100 Mbit/s, full duplex"},
+    {VELK_LINK_100_HALF, "100-half", "100 Mbit/s, half duplex"},
+    {VELK_LINK_10_FULL, "10-full", "10 Mbit/s, full duplex"},
+    {VELK_LINK_10_HALF, "10-half", "10 Mbit/s, half duplex"},
 }};
 inline constexpr std::array<CodedValue, 2> kServiceSetTable{{
-    {1, "infrastructure"},
-    {2, "ad-hoc"},
+    {1, "infrastructure", "a network with an access point"},
+    {2, "ad-hoc", "a network without one"},
 }};
 inline constexpr std::array<CodedValue, 4> kEncryptionTable{{
     {1},
-    {2, "wep"},
+    {2, "wep"},  // the others are the wireless daemon's
     {3},
     {4},
 }};
@@ -73,17 +73,18 @@ inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable};
 
 // ---- Texts -------------------------------------------------------------------------------------
 // What is only shown, such as a version or a MAC address.
-inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes",
+inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes", "",
                                      [](size_t length) { return length < VELK_DATA_SIZE; }};
-inline constexpr TextKind kFreeText{"''", "a text of at most 511 bytes",
+inline constexpr TextKind kFreeText{"''", "a text of at most 511 bytes", "'a text'",
                                     [](size_t length) { return length < VELK_DATA_SIZE; }};
-inline constexpr TextKind kSsid{"''", "a text of at most 32 bytes",
+inline constexpr TextKind kSsid{"''", "a text of at most 32 bytes", "'my network'",
                                 [](size_t length) { return length <= 32; }};
-// The empty word, which a script's unset variable gives, does not clear a key.
-inline constexpr TextKind kPsk{kNone, "a text of 1 to 64 bytes, or none",
+// The empty word, which a script's unset variable gives, does not clear a key. An example takes the
+// key from standard input.
+inline constexpr TextKind kPsk{kNone, "a text of 1 to 64 bytes, or none", "-",
                                [](size_t length) { return length >= 1 && length <= 64; }};
 inline constexpr TextKind kWepKey{
-    kNone, "a text of 5, 10, 13 or 26 bytes, or none",
+    kNone, "a text of 5, 10, 13 or 26 bytes, or none", "-",
     [](size_t length) { return length == 5 || length == 10 || length == 13 || length == 26; }};
 
 // ---- Raw values --------------------------------------------------------------------------------

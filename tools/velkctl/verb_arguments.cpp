@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
@@ -29,6 +30,16 @@ std::string FlagWithValue(const CLI::App& app, std::string_view argument) {
     return {};
 }
 
+std::vector<std::string> OptionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
 std::string CommandName(const Verb& verb) {
     return std::string("velkctl ").append(verb.name);
 }
@@ -41,6 +52,15 @@ const VerbOption* FindOption(const Verb& verb, std::string_view name) {
 
 bool LooksLikeOption(const std::string& word) {
     return word.size() > 1 && word[0] == '-' && (word[1] < '0' || word[1] > '9');
+}
+
+bool IsNumber(std::string_view word) {
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// Says whether the second word of a verb may be a number: a value, or the id of a command.
+bool TakesNumber(const Verb& verb) {
+    return verb.run == RunSet || verb.run == RunCall;
 }
 
 // Says whether the arguments may hold a secret: beside the name or id of one, and behind a name
@@ -63,8 +83,11 @@ std::string Usage(const Verb& verb) {
     return verb.arguments.empty() ? usage : usage.append(" ").append(verb.arguments);
 }
 
-std::string UnknownOption(const std::string& option, const std::string& command) {
-    return "unknown option " + option + "; '" + command + " --help' lists the options";
+std::string UnknownOption(const CLI::App& app, std::string_view option, const std::string& command,
+                          bool may_be_key) {
+    return "unknown option" +
+           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(option)) +
+           DidYouMean(option, OptionNames(app), "'" + command + " --help' lists the options");
 }
 
 std::string_view WithoutValue(std::string_view argument) {
@@ -93,6 +116,24 @@ std::string FlagProblem(const CLI::App& app, const Verb& verb, const Words& argu
     return {};
 }
 
+std::string ImpliedValueProblem(const Verb& verb, const Words& arguments) {
+    size_t words = 0;
+    for (size_t i = 0; i + 1 < arguments.size() && arguments[i] != "--"; ++i) {
+        const VerbOption* option = FindOption(verb, arguments[i]);
+        const std::string& next = arguments[i + 1];
+        if (option == nullptr) {
+            words += LooksLikeOption(arguments[i]) ? 0 : 1;
+        } else if (option->implied.empty()) {
+            ++i;  // its value
+        } else if (IsNumber(next) && !(words == 1 && TakesNumber(verb))) {
+            // The number is not repeated: it may be a key.
+            return arguments[i] + " takes its seconds behind '='; write " + arguments[i] +
+                   "=SECONDS";
+        }
+    }
+    return {};
+}
+
 Words SplitEmptyValues(const Verb& verb, Words::const_iterator begin, Words::const_iterator end) {
     Words split;
     for (auto argument = begin; argument != end; ++argument) {
@@ -113,6 +154,12 @@ Words SplitEmptyValues(const Verb& verb, Words::const_iterator begin, Words::con
         }
     }
     return split;
+}
+
+bool HasOption(const Verb& verb, std::string_view name) {
+    return FindOption(verb, name) != nullptr ||
+           std::ranges::any_of(verb.flags,
+                               [name](const VerbFlag& flag) { return flag.name == name; });
 }
 
 void DeclareOptions(CLI::App& app, const Verb& verb) {
@@ -154,7 +201,8 @@ std::string TakeWords(const CLI::App& app, const Verb& verb, Invocation& invocat
             continue;
         }
         if (!only_words && LooksLikeOption(argument)) {
-            return UnknownOption(invocation.Shown(WithoutValue(argument)), CommandName(verb));
+            return UnknownOption(app, WithoutValue(argument), CommandName(verb),
+                                 invocation.beside_secret);
         }
         invocation.words.push_back(argument);
     }

@@ -23,8 +23,9 @@ constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys, which are masked o
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
 constexpr std::array<VerbOption, 4> kCallOptions{{
-    {"--text", "TEXT", "data bytes as text, at most 512", &Invocation::text},
-    {"--hex", "HEX", "data bytes as pairs of hex digits; blanks or colons may stand between",
+    {"--text", "TEXT", "data bytes as text, at most 512; - or @FILE reads them", &Invocation::text},
+    {"--hex", "HEX",
+     "data bytes as pairs of hex digits, with blanks or colons between; - or @FILE reads them",
      &Invocation::hex},
     kWait,
     kTimeout,
@@ -63,7 +64,8 @@ constexpr std::array<Verb, 9> kVerbs{{
     {"set", "NAME VALUE... [OPTION...]", "change a setting",
      "The value is written as get shows it. Put -- before a value that begins with a dash. It is\n"
      "checked before, and read back afterwards: exit status 6 says that the library reported\n"
-     "success but the device does not hold the value.\n"
+     "success but the device does not hold the value. 'velkctl describe NAME' says which values a\n"
+     "setting takes. '' clears a text, none everything else that can be empty.\n"
      "\n"
      "A key need not stand on the command line: - takes a line of standard input, @FILE the only\n"
      "line of a file, and at a terminal it is asked for when no value is given. A key that begins\n"
@@ -118,11 +120,15 @@ constexpr std::array<Verb, 9> kVerbs{{
      kJsonFlags,
      RunDescribe},
     {"explain",
-     "RESULT [--json]",
-     "say what a result of the library means and what to do about it",
+     "RESULT|STATUS [--json]",
+     "say what a result of the library or an exit status means and what to do about it",
+     "A result is a negative number or a name, with or without LIB_VELK_; an exit status of\n"
+     "velkctl is a number from 1 to 7. 0 is both: done.\n"
+     "\n"
      "Examples:\n"
      "  velkctl explain -3\n"
-     "  velkctl explain LIB_VELK_LOCKED",
+     "  velkctl explain LIB_VELK_LOCKED\n"
+     "  velkctl explain 6",
      1,
      1,
      {},
@@ -146,10 +152,16 @@ constexpr std::array<Verb, 9> kVerbs{{
      "out. Nothing is checked before the call. Prints the result and, for a get, the data bytes\n"
      "up to the last one that is not zero; those of a key are masked.\n"
      "\n"
+     "Data bytes need not stand on the command line, where other users see them: - takes a line "
+     "of\n"
+     "standard input, @FILE the only line of a file. Give a text that is - or begins with @ in\n"
+     "these ways, or as hex digits.\n"
+     "\n"
      "Examples:\n"
      "  velkctl call get 108 eth0\n"
      "  velkctl call set 108 eth0 --text 192.168.0.1\n"
-     "  velkctl call set 108 eth0 --hex 31:30:2e:30:2e:30:2e:31",
+     "  velkctl call set 108 eth0 --hex 31:30:2e:30:2e:30:2e:31\n"
+     "  velkctl call set 314 eth1 --text @/run/keys/psk",
      2, 3, kCallOptions, kSecretFlags, RunCall},
 }};
 
@@ -160,7 +172,7 @@ std::span<const Verb> Verbs() {
 }
 
 std::string Invocation::Shown(std::string_view word) const {
-    return Quoted(beside_secret ? kMask : word);
+    return beside_secret ? "a word, not repeated here as it may be a key," : Quoted(word);
 }
 
 }  // namespace velkctl

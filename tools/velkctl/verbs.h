@@ -28,7 +28,7 @@ struct Invocation {
     bool no_verify = false;
     bool beside_secret = false;  // any word may be one
 
-    // A word, to be named in a message: 'word', or a mask in its place.
+    // A word, to be named in a message: 'word', or what stands in its place when it may be a key.
     std::string Shown(std::string_view word) const;
 };
 

@@ -21,7 +21,7 @@ bool AnswersWithLease(const Setting& setting, const Device& device) {
 // What the setting answers instead, in words that give no secret away.
 std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
     if (!answer.ok()) {
-        return DescribeFailure("it cannot be read back", answer);
+        return "it cannot be read back: " + WhyNot(answer);
     }
     if (setting.row->secret) {
         return "the device holds another value";

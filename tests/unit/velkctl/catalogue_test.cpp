@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 #include <span>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ using velkctl::NamesSecret;
 using velkctl::ParseId;
 using velkctl::Setting;
 using velkctl::SettingsOf;
+using velkctl::UnknownInterface;
 using velkctl::UnknownSetting;
 
 constexpr std::array<CatalogueRow, 4> kRows{{
@@ -99,6 +101,17 @@ TEST(UnknownSetting, GuessesWhatAMisspeltNameMeans) {
               "unknown setting 'eth0.dsn'; did you mean eth0.dns?");
     EXPECT_EQ(UnknownSetting(kRows, "eth1.kye"),
               "unknown setting 'eth1.kye'; did you mean eth1.key?");
+}
+
+TEST(UnknownInterface, GuessesWhatAMisspeltOneMeans) {
+    EXPECT_EQ(UnknownInterface("eht1", "'eht1'"),
+              "'eht1' is not an interface of the device; did you mean eth1?");
+    EXPECT_EQ(UnknownInterface("ETH0", "'ETH0'"),
+              "'ETH0' is not an interface of the device; did you mean eth0?");
+    EXPECT_EQ(UnknownInterface("eth2", "'eth2'"),
+              "'eth2' is not an interface of the device; did you mean eth0 or eth1?");
+    EXPECT_EQ(UnknownInterface("wlan0", "'wlan0'"),
+              "'wlan0' is not an interface of the device; give eth0 or eth1");
 }
 
 TEST(UnknownSetting, PointsToTheListOtherwise) {
@@ -202,6 +215,43 @@ TEST(Catalogue, KeysAreSecret) {
     }
     EXPECT_EQ(secrets, (std::vector<std::string>{"eth1.wep-key-1", "eth1.wep-key-2",
                                                  "eth1.wep-key-3", "eth1.wep-key-4", "eth1.psk"}));
+}
+
+// What a shell makes of words without quotes in quotes, or with single ones.
+std::vector<std::string> WordsOf(const std::string& text) {
+    if (text.starts_with("'")) {
+        return {text.substr(1, text.size() - 2)};
+    }
+    std::vector<std::string> words;
+    std::istringstream stream(text);
+    for (std::string word; stream >> word;) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+TEST(Catalogue, WhatCanBeSetSaysWhatItTakesWithAnExampleThatItTakes) {
+    for (const CatalogueRow& row : Catalogue()) {
+        if ((row.directions & kSet) == 0) {
+            continue;
+        }
+        EXPECT_NE(row.kind->Wanted(), "") << row.name;
+        if (row.secret) {
+            EXPECT_EQ(row.kind->Example(), "-") << row.name;  // standard input
+        } else {
+            const std::vector<std::string> words = WordsOf(row.kind->Example());
+            EXPECT_EQ(row.kind->Parse(words).problem, "") << row.name;
+        }
+    }
+}
+
+TEST(Catalogue, WithoutAValueNothingIsForced) {
+    for (const CatalogueRow& row : Catalogue()) {
+        if ((row.directions & kSet) != 0) {
+            EXPECT_EQ(row.kind->Force({}).problem, "no value given; give " + row.kind->Wanted())
+                << row.name;
+        }
+    }
 }
 
 TEST(Catalogue, NoProblemWithASecretRepeatsIt) {

@@ -90,6 +90,22 @@ TEST(CodedKindParse, NamesTheValuesThatAreRight) {
     EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not one of its values; give 1, 2 (wep), 3 or 4");
 }
 
+TEST(CodedKindParse, GuessesWhatAMisspeltNameMeans) {
+    EXPECT_EQ(Problem(kLinkMode, {"100-ful"}),
+              "'100-ful' is not one of its values; did you mean 100-full?");
+    EXPECT_EQ(Problem(kServiceSet, {"AdHoc"}),
+              "'AdHoc' is not one of its values; did you mean ad-hoc?");
+}
+
+TEST(CodedKind, SaysWhatItsNamesMean) {
+    const auto meanings = kServiceSet.Meanings();
+    ASSERT_EQ(meanings.size(), 2U);
+    EXPECT_EQ(meanings[1].value, "ad-hoc");
+    EXPECT_EQ(meanings[1].words, "a network without one");
+    EXPECT_EQ(kChannel.Meanings().size(), 0U);
+    EXPECT_EQ(kEncryption.Meanings().size(), 0U);
+}
+
 TEST(CodedKindParse, WantsOneWord) {
     EXPECT_EQ(Problem(kChannel, {}), "no value given; give a number from 1 to 13");
     EXPECT_EQ(Problem(kStandardsEnabled, {"2", "3"}), "2 values given; give 2 or 3");

@@ -57,7 +57,8 @@ TEST_F(VelkctlDeviceTest, WithoutPatienceALockedDeviceIsReportedAtOnce) {
     EXPECT_EQ(StatusOf(answer), ExitStatus::kLocked);
     EXPECT_THAT(DescribeFailure("eth0.dns: could not be set", answer),
                 MatchesRegex("eth0.dns: could not be set: another program is changing settings "
-                             "now, try again \\(LIB_VELK_LOCKED, -3\\); process " +
+                             "now, try again, as --wait=SECONDS does \\(LIB_VELK_LOCKED, -3\\); "
+                             "process " +
                              std::to_string(getpid()) +
                              " \\(unit_tests, [0-9]+ [a-z]+ old\\) holds the lock"));
     EXPECT_TRUE(libc().Texts(Call::kNanosleep).empty());
@@ -70,8 +71,8 @@ TEST_F(VelkctlDeviceTest, AHolderThatCannotBeFoundIsLeftOut) {
     const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
     VkLibUnLock(lock);
     EXPECT_EQ(DescribeFailure("eth0.dns: could not be set", answer),
-              "eth0.dns: could not be set: another program is changing settings now, try again "
-              "(LIB_VELK_LOCKED, -3)");
+              "eth0.dns: could not be set: another program is changing settings now, try again, "
+              "as --wait=SECONDS does (LIB_VELK_LOCKED, -3)");
     EXPECT_EQ(error, "velkctl: waiting for the lock\n");
 }
 

@@ -7,35 +7,68 @@
 
 namespace {
 
-using velkctl::NearMiss;
+using velkctl::DidYouMean;
+using velkctl::NearMisses;
+using velkctl::OneOf;
+using Words = std::vector<std::string>;
 
-const std::vector<std::string> kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
+const Words kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
 
-TEST(NearMiss, FindsOneLetterWrongMissingTooManyOrSwapped) {
+TEST(NearMisses, FindsOneLetterWrongMissingTooManyOrSwapped) {
     for (const char* word : {"rastart", "estart", "restarrt", "restatr"}) {
-        EXPECT_EQ(NearMiss(word, kNames), "restart") << word;
+        EXPECT_EQ(NearMisses(word, kNames), Words{"restart"}) << word;
     }
 }
 
-TEST(NearMiss, FindsTwo) {
-    EXPECT_EQ(NearMiss("eth0.adess", kNames), "eth0.address");
-    EXPECT_EQ(NearMiss("eht0.gatewya", kNames), "eth0.gateway");
-    EXPECT_EQ(NearMiss("eth0.gtwy", kNames), "");
+TEST(NearMisses, FindsTwo) {
+    EXPECT_EQ(NearMisses("eth0.adess", kNames), Words{"eth0.address"});
+    EXPECT_EQ(NearMisses("eht0.gatewya", kNames), Words{"eth0.gateway"});
+    EXPECT_EQ(NearMisses("eth0.gtwy", kNames), Words{});
 }
 
-TEST(NearMiss, TakesTheNearest) {
-    EXPECT_EQ(NearMiss("sett", kNames), "set");
-    EXPECT_EQ(NearMiss("gett", kNames), "get");
+TEST(NearMisses, TakesSmallLettersForCapitalOnes) {
+    EXPECT_EQ(NearMisses("RESTART", kNames), Words{"restart"});
+    EXPECT_EQ(NearMisses("loked", Words{"LOCKED"}), Words{"LOCKED"});
+    EXPECT_EQ(NearMisses("OLcked", Words{"LOCKED"}), Words{"LOCKED"});
 }
 
-TEST(NearMiss, DoesNotGuessAtHalfAWord) {
+TEST(NearMisses, TakesTheNearest) {
+    EXPECT_EQ(NearMisses("sett", kNames), Words{"set"});
+    EXPECT_EQ(NearMisses("gett", kNames), Words{"get"});
+}
+
+TEST(NearMisses, TakesAllThatAreEquallyNear) {
+    EXPECT_EQ(NearMisses("bet", kNames), (Words{"get", "set"}));
+    EXPECT_EQ(NearMisses("abc5", Words{"abc1", "abc2", "abc3", "abc4"}).size(), 4U);
+}
+
+TEST(NearMisses, TakesNoneWhenTooManyAre) {
+    EXPECT_EQ(NearMisses("abc9", Words{"abc1", "abc2", "abc3", "abc4", "abc5"}), Words{});
+}
+
+TEST(NearMisses, DoesNotGuessAtHalfAWord) {
     for (const char* word : {"", "a", "xyz", "gxx", "st"}) {
-        EXPECT_EQ(NearMiss(word, std::vector<std::string>{"get"}), "") << word;
+        EXPECT_EQ(NearMisses(word, Words{"get"}), Words{}) << word;
     }
+    EXPECT_EQ(NearMisses("1", Words{"10", "11", "2"}), Words{});
 }
 
-TEST(NearMiss, DoesNotLookAtWhatIsFarTooLong) {
-    EXPECT_EQ(NearMiss(std::string(100000, 'x'), kNames), "");
+TEST(NearMisses, DoesNotLookAtWhatIsFarTooLong) {
+    EXPECT_EQ(NearMisses(std::string(100000, 'x'), kNames), Words{});
+}
+
+TEST(DidYouMean, NamesWhatIsNearOrSaysWhatElseIsRight) {
+    EXPECT_EQ(DidYouMean("restat", kNames, "give a verb"), "; did you mean restart?");
+    EXPECT_EQ(DidYouMean("bet", kNames, "give a verb"), "; did you mean get or set?");
+    EXPECT_EQ(DidYouMean("nonsense", kNames, "give a verb"), "; give a verb");
+    EXPECT_EQ(DidYouMean("x", {}, "give a verb"), "; give a verb");
+}
+
+TEST(OneOf, ListsWords) {
+    EXPECT_EQ(OneOf({}), "");
+    EXPECT_EQ(OneOf(Words{"on"}), "on");
+    EXPECT_EQ(OneOf(Words{"on", "off"}), "on or off");
+    EXPECT_EQ(OneOf(Words{"1", "2", "3"}), "1, 2 or 3");
 }
 
 }  // namespace

@@ -108,16 +108,17 @@ TEST(DescribeFailure, GivesTheReasonBehindWhatFailed) {
               "eth1.ssid: could not be read: no supported wireless adapter is attached "
               "(LIB_VELK_NO_ADAPTER, -5)");
     EXPECT_EQ(DescribeFailure("eth0.dns: could not be set", -3),
-              "eth0.dns: could not be set: another program is changing settings now, try again "
-              "(LIB_VELK_LOCKED, -3)");
+              "eth0.dns: could not be set: another program is changing settings now, try again, "
+              "as --wait=SECONDS does (LIB_VELK_LOCKED, -3)");
     EXPECT_EQ(DescribeFailure("eth0.dns: could not be set", -9),
               "eth0.dns: could not be set: velkctl does not know what it means "
               "(unknown result, -9)");
 }
 
-TEST(DescribeFailure, APlainFailureHasNoOtherReason) {
+TEST(DescribeFailure, APlainFailureHasNoOtherReasonThanTheDoctorFinds) {
     EXPECT_EQ(DescribeFailure("eth0.dns: could not be read", -1),
-              "eth0.dns: could not be read (LIB_VELK_FAILURE, -1)");
+              "eth0.dns: could not be read; 'velkctl doctor' looks for the cause "
+              "(LIB_VELK_FAILURE, -1)");
 }
 
 }  // namespace

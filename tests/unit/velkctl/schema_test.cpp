@@ -114,8 +114,31 @@ TEST(JsonPage, ShowsSettingsAndResultsAsTheyAre) {
         } else if (example["verb"] == "describe") {
             EXPECT_EQ(example.dump(), DocumentOf({"describe", "eth1.psk"}).dump());
         } else if (example["verb"] == "explain") {
-            EXPECT_EQ(example.dump(), DocumentOf({"explain", "-3"}).dump());
+            const char* word = example.contains("result") ? "-3" : "3";
+            EXPECT_EQ(example.dump(), DocumentOf({"explain", word}).dump());
         }
+    }
+}
+
+TEST(Explain, KnowsResultsByNegativeNumbersAndExitStatusesByPositiveOnes) {
+    const auto members = [](const char* word) { return MembersOf(DocumentOf({"explain", word})); };
+    using Members = std::vector<std::string>;
+    const Members result{"schema", "verb", "status", "result", "notes", "errors"};
+    const Members status{"schema", "verb", "status", "exit_status", "notes", "errors"};
+    const Members both{"schema", "verb", "status", "result", "exit_status", "notes", "errors"};
+    EXPECT_EQ(members("-1"), result);
+    EXPECT_EQ(members("-99"), result);
+    EXPECT_EQ(members("SUCCESS"), result);
+    EXPECT_EQ(members("LIB_VELK_LOCKED"), result);
+    for (const char* word : {"1", "2", "3", "4", "5", "6", "7"}) {
+        EXPECT_EQ(members(word), status);
+        EXPECT_EQ(DocumentOf({"explain", word})["exit_status"]["status"].dump(), word);
+    }
+    EXPECT_EQ(members("0"), both);
+    EXPECT_EQ(DocumentOf({"explain", "6"})["exit_status"]["results"], Json::array());
+    EXPECT_EQ(DocumentOf({"explain", "5"})["exit_status"]["results"][0]["code"], -6);
+    for (const char* word : {"8", "99", "-", "", "3x", "0x3", "99999999999", "locked"}) {
+        EXPECT_EQ(DocumentOf({"explain", word})["status"], 2) << word;
     }
 }
 

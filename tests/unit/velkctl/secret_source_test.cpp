@@ -94,6 +94,13 @@ TEST_F(ReadSecretTest, ALineHasAtMost512Bytes) {
               "the file behind @ has a line of more than 512 bytes; give the value alone");
 }
 
+TEST_F(ReadSecretTest, ALineMayBeLetBeLonger) {
+    WriteFile(kFile, std::string(600, 'x'));
+    EXPECT_EQ(ReadSecret("@/tmp/secret", 600).text, std::string(600, 'x'));
+    EXPECT_EQ(ReadSecret("@/tmp/secret", 599).problem,
+              "the file behind @ has a line of more than 599 bytes; give the value alone");
+}
+
 TEST_F(ReadSecretTest, StandardInputGivesOneLineAndKeepsTheRest) {
     WriteFile(kFile, "hunter2\nmore\n");
     std::string rest;

@@ -107,7 +107,20 @@ TEST(TextKindParse, TheEmptyTextHasAWord) {
     EXPECT_TRUE(kSsid.Parse(Words{"''"}).ok());
     EXPECT_EQ(kSsid.Parse(Words{"''"}).data, Data{});
     EXPECT_TRUE(kSsid.Parse(Words{""}).ok());
-    EXPECT_EQ(kSsid.Parse(Words{"none"}).data, DataOf("none"));
+}
+
+TEST(TextKindParse, NoneIsRefusedWhereItWouldBeAText) {
+    EXPECT_EQ(Problem(kSsid, {"none"}),
+              "'none' would be a text here; give '' to clear the setting, or --force to set that "
+              "text");
+    EXPECT_EQ(kSsid.Force(Words{"none"}).data, DataOf("none"));
+    EXPECT_EQ(kSsid.Parse(Words{"None"}).data, DataOf("None"));
+}
+
+TEST(TextKind, SaysHowItIsClearedWhereNoneDoesNot) {
+    ASSERT_EQ(kSsid.Meanings().size(), 1U);
+    EXPECT_EQ(kSsid.Meanings()[0].value, "''");
+    EXPECT_EQ(kPsk.Meanings().size(), 0U);
 }
 
 TEST(TextKindParse, AWordThatOnlyBeginsLikeTheEmptyOneIsAText) {

@@ -80,8 +80,8 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
         EXPECT_EQ(
             complaint,
             "velkctl: " + std::string(name) +
-                ": the library reported success, but it cannot be read back "
-                "(LIB_VELK_FAILURE, -1); likely cause: /etc/network/interfaces: no line begins "
+                ": the library reported success, but it cannot be read back: file, socket, "
+                "time-out or unreadable value; likely cause: /etc/network/interfaces: no line begins "
                 "with 'iface eth0 inet static' or '... dhcp'; mend: add a stanza that begins "
                 "with one\n");
     }
