@@ -206,12 +206,19 @@ output_is '0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
 
 it 'refuses a schedule that there is not'
 for words in 'daily' 'daily 24:00' 'daily 12:3a' 'daily 1:5' 'every 0h' 'every 24h' 'every 6' 'weekly 08:30' \
-    'weekly Sunday 08:30' 'monthly 0 08:30' 'monthly 32 08:30' 'monthly 08:30' 'never' 'off now'; do
+    'monthly 0 08:30' 'monthly 32 08:30' 'monthly 08:30' 'nonsense' 'off now'; do
     script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?
         [ "$before" = "$(cat /var/cron/tabs/root)" ] && ls /var/tmp; exit $status' "$words"
     status_is 2
     output_is ''
-    error_is "velkctl: web-update: '$words' is not a schedule; give 'every 6h', 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'"
+    error_is "velkctl: web-update: '$words' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'"
+done
+for words in 'weekly Sunday 08:30' 'Daily 08:30'; do
+    script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?
+        [ "$before" = "$(cat /var/cron/tabs/root)" ] && ls /var/tmp; exit $status' "$words"
+    status_is 2
+    output_is ''
+    error_has "velkctl: web-update: '$words' is not a schedule; did you mean "
 done
 
 it 'keeps inode, owner and mode of every file it edits'

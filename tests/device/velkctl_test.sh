@@ -281,7 +281,7 @@ refused "set: option '-h' takes no value; leave it out" set eth0.dns -hallo
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
 it 'refuses name and value as one word'
-refused "set: 'eth0.dns' is followed by '='; give name and value as two arguments" \
+refused "set: 'eth0.dns' is followed by '='; give the name alone, and a value as an argument of its own" \
     set eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'

@@ -298,6 +298,18 @@ refused "unknown verb 'hlep'; did you mean help? ('velkctl --help' explains them
 refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
     get eth1.wep-key-5
 
+it 'guesses at the words of a schedule'
+refused "web-update: 'dialy 08:30' is not a schedule; did you mean daily?" set web-update dialy 08:30
+refused "web-update: 'weekly sundey 08:30' is not a schedule; did you mean sunday?" \
+    set web-update weekly sundey 08:30
+refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'" \
+    set web-update every 24h
+
+it 'knows a setting and an interface where they do not belong'
+refused "'eth0.dns' is a setting; give a verb in front of it, such as get or describe" eth0.dns
+refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
+refused "get: unknown setting 'gatway'; did you mean eth0.gateway or eth1.gateway?" get gatway
+
 it 'says where an option of a verb belongs'
 refused "option '--timeout' stands in front of the verb; give it behind the verb" \
     --timeout 5 get eth0.dns
@@ -338,9 +350,15 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
 refused 'ntp: no value given; give on or off' set --force ntp
 
 it 'takes an unreadable word for what it is'
-refused "unknown verb '\\xff\\x1b'; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" \
+verbs='get, set, show, restart, list, describe, explain, doctor, call or help'
+refused "unknown verb '\\xff\\x1b'; give $verbs ('velkctl --help' explains them)" \
     $'\xff\e'
-refused "unknown verb ''; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" ''
+refused "unknown verb ''; give $verbs ('velkctl --help' explains them)" ''
+for word in - --; do
+    refused "unknown verb '$word'; give $verbs ('velkctl --help' explains them)" "$word" get ntp
+done
+refused "ntp: '$(printf '%0512d' 0)...' is not one of its values; give on or off" \
+    set ntp "$(printf '%0513d' 0)"
 refused "get: unknown setting '-'; 'velkctl list' names them all" get -
 refused "get: unknown setting ''; 'velkctl list' names them all" get ''
 refused "get: argument missing; usage: velkctl get NAME... [OPTION...]" get --

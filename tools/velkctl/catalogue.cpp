@@ -117,6 +117,24 @@ std::vector<std::string> FullNames(std::span<const CatalogueRow> rows,
     return names;
 }
 
+// The full names that a misspelt one may mean, with its interface or without.
+std::vector<std::string> GuessedNames(std::span<const CatalogueRow> rows, std::string_view name) {
+    std::vector<std::string> meant = NearMisses(name, FullNames(rows));
+    if (!meant.empty()) {
+        return meant;
+    }
+    std::vector<std::string> short_names;
+    for (const CatalogueRow& row : rows) {
+        short_names.emplace_back(row.name);
+    }
+    for (const std::string& near : NearMisses(WithoutInterface(name), short_names)) {
+        for (std::string& full_name : FullNames(rows, near)) {
+            meant.push_back(std::move(full_name));
+        }
+    }
+    return meant;
+}
+
 }  // namespace
 
 std::string Setting::name() const {
@@ -172,14 +190,20 @@ std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view 
     if (equals != std::string_view::npos) {
         // What stands behind it may be a secret.
         return Quoted(name.substr(0, equals)) +
-               " is followed by '='; give name and value as two arguments";
+               " is followed by '='; give the name alone, and a value as an argument of its own";
     }
     const std::vector<std::string> right = FullNames(rows, WithoutInterface(name));
     if (!right.empty()) {
         return "unknown setting " + Quoted(name) + "; give " + OneOf(right);
     }
-    return "unknown setting " + Quoted(name) +
-           DidYouMean(name, FullNames(rows), "'velkctl list' names them all");
+    if (name == VELK_WIRED_INTERFACE || name == VELK_WIRELESS_INTERFACE) {
+        return Quoted(name) + " is an interface, not a setting; 'velkctl show " +
+               std::string(name) + "' shows its settings";
+    }
+    if (const std::vector<std::string> meant = GuessedNames(rows, name); !meant.empty()) {
+        return "unknown setting " + Quoted(name) + "; did you mean " + OneOf(meant) + "?";
+    }
+    return "unknown setting " + Quoted(name) + "; 'velkctl list' names them all";
 }
 
 std::string UnknownInterface(std::string_view word, const std::string& shown) {

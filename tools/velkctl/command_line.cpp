@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "velkctl/catalogue.h"
 #include "velkctl/exit_meanings.h"
 #include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
@@ -101,6 +102,9 @@ std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::strin
 // Says about a word where a verb should stand what would be right. What it may be behind "=" is not
 // repeated.
 std::string UnknownVerb(std::string_view word) {
+    if (FindSetting(Catalogue(), word)) {
+        return Quoted(word) + " is a setting; give a verb in front of it, such as get or describe";
+    }
     const std::vector<std::string> names = VerbNames();
     return "unknown verb " + Quoted(word) + DidYouMean(word, names, "give " + OneOf(names)) +
            std::string(kSeeHelp);
@@ -183,7 +187,7 @@ ExitStatus RunCommandLine(const Words& given, Report& report) {
         return report.Refuse("no verb given; give " + OneOf(VerbNames()) + std::string(kSeeHelp));
     }
     const std::string_view word = WithoutValue(rest.front());
-    if (word.starts_with('-')) {
+    if (word.starts_with('-') && word != "-" && word != "--") {
         return report.Refuse(WrongOption(app, word));
     }
     for (const Verb& verb : Verbs()) {

@@ -7,18 +7,24 @@
 #include <cstring>
 #include <optional>
 
+#include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::string_view kWanted =
-    "'every 6h', 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
+    "'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
 constexpr std::string_view kOff = "off";
 constexpr std::string_view kRaw = "schedule";    // of a type that there is not
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
 constexpr size_t kTimeOffset = 2;
 
+constexpr std::string_view kEvery = "every";
+constexpr std::string_view kDaily = "daily";
+constexpr std::string_view kWeekly = "weekly";
+constexpr std::string_view kMonthly = "monthly";
+constexpr std::array kForms{kEvery, kDaily, kWeekly, kMonthly, kOff};
 constexpr std::array<std::string_view, 7> kWeekdays{"sunday",   "monday", "tuesday", "wednesday",
                                                     "thursday", "friday", "saturday"};
 
@@ -77,19 +83,34 @@ std::optional<Schedule> ParseSchedule(std::span<const std::string> words) {
     if (words.size() == 1 && words[0] == kOff) {
         return Schedule{VELK_SCHEDULE_NONE, VELK_SCHEDULE_NONE, std::string(kMidnight)};
     }
-    if (words.size() == 2 && words[0] == "every") {
+    if (words.size() == 2 && words[0] == kEvery) {
         return ParseEvery(words[1]);
     }
-    if (words.size() == 2 && words[0] == "daily") {
+    if (words.size() == 2 && words[0] == kDaily) {
         return OnDay(VELK_SCHEDULE_DAILY, 1, words[1]);
     }
-    if (words.size() == 3 && words[0] == "weekly") {
+    if (words.size() == 3 && words[0] == kWeekly) {
         return OnDay(VELK_SCHEDULE_WEEKLY, ParseWeekday(words[1]), words[2]);
     }
-    if (words.size() == 3 && words[0] == "monthly") {
+    if (words.size() == 3 && words[0] == kMonthly) {
         return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber(words[1], 1, 31), words[2]);
     }
     return std::nullopt;
+}
+
+std::vector<std::string> ToStrings(std::span<const std::string_view> words) {
+    return {words.begin(), words.end()};
+}
+
+// The end of a complaint about words that make no schedule: what a misspelt one may mean.
+std::string Guess(std::span<const std::string> words) {
+    const std::string give = "give " + std::string(kWanted);
+    if (words[0] == kWeekly && words.size() > 1) {
+        return DidYouMean(words[1], ToStrings(kWeekdays), give);
+    }
+    return std::ranges::find(kForms, words[0]) == kForms.end()
+               ? DidYouMean(words[0], ToStrings(kForms), give)
+               : "; " + give;
 }
 
 Parsed InData(const Schedule& schedule) {
@@ -133,7 +154,7 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     }
     const std::optional<Schedule> schedule = ParseSchedule(words);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Give());
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(words));
     }
     return InData(*schedule);
 }
@@ -148,11 +169,11 @@ Parsed ScheduleKind::Force(std::span<const std::string> words) const {
 }
 
 std::vector<std::string> ScheduleKind::Values() const {
-    std::vector<std::string> values{std::string(kOff), "every", "daily"};
+    std::vector<std::string> values{std::string(kOff), std::string(kEvery), std::string(kDaily)};
     for (const std::string_view weekday : kWeekdays) {
-        values.push_back("weekly " + std::string(weekday));
+        values.push_back(std::string(kWeekly) + " " + std::string(weekday));
     }
-    values.emplace_back("monthly");
+    values.emplace_back(kMonthly);
     return values;
 }
 

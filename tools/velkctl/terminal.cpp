@@ -10,10 +10,13 @@
 
 #include <unistd.h>
 
+#include "velkctl/data.h"
 #include "velkctl/hex.h"
 
 namespace velkctl {
 namespace {
+
+constexpr size_t kLongestQuote = VELK_DATA_SIZE;  // every value and name is whole
 
 void AppendEscape(std::string& text, char byte) {
     text.append("\\x").append(ToHex({&byte, 1}));
@@ -108,7 +111,10 @@ bool HasControls(std::string_view text) {
 }
 
 std::string Quoted(std::string_view word) {
-    return std::string("'").append(Printable(word)).append("'");
+    const bool is_cut = word.size() > kLongestQuote;
+    return std::string("'")
+        .append(Printable(word.substr(0, kLongestQuote)))
+        .append(is_cut ? "...'" : "'");
 }
 
 void Print(std::string_view text) {

@@ -20,7 +20,8 @@ bool HasControls(std::string_view text);
 // What is shown in the place of a secret.
 inline constexpr std::string_view kMask = "********";
 
-// A word from the command line, to be named in a message: 'word'.
+// A word from the command line, to be named in a message: 'word'. What is longer than any value is
+// cut.
 std::string Quoted(std::string_view word);
 
 // Writes to standard output, as it stands.

@@ -51,9 +51,9 @@ constexpr std::array<VerbFlag, 2> kRestartFlags{{
 
 constexpr std::array<Verb, 9> kVerbs{{
     {"get", "NAME... [OPTION...]", "show the value of settings",
-     "One name gives the bare value, several give lines of \"name = value\". Of a key only "
-     "whether\n"
-     "there is one is shown, ******** or none, unless --show-secrets asks for it.\n"
+     "One name gives the bare value, several give lines of \"name = value\". Of a key, which is\n"
+     "the pre-shared key or a WEP key, only whether there is one is shown, ******** or none,\n"
+     "unless --show-secrets asks for it.\n"
      "\n"
      "Examples:\n"
      "  velkctl get eth0.dns\n"
@@ -67,9 +67,10 @@ constexpr std::array<Verb, 9> kVerbs{{
      "success but the device does not hold the value. 'velkctl describe NAME' says which values a\n"
      "setting takes. '' clears a text, none everything else that can be empty.\n"
      "\n"
-     "A key need not stand on the command line: - takes a line of standard input, @FILE the only\n"
-     "line of a file, and at a terminal it is asked for when no value is given. A key that begins\n"
-     "with @ can be given in these ways alone.\n"
+     "A key, as in eth1.psk, need not stand on the command line, where other users see it: - "
+     "takes\n"
+     "a line of standard input, @FILE the only line of a file, and at a terminal it is asked for\n"
+     "when no value is given. A key that begins with @ can be given in these ways alone.\n"
      "\n"
      "Examples:\n"
      "  velkctl set eth0.address 192.168.0.10\n"

@@ -101,6 +101,14 @@ TEST(UnknownSetting, GuessesWhatAMisspeltNameMeans) {
               "unknown setting 'eth0.dsn'; did you mean eth0.dns?");
     EXPECT_EQ(UnknownSetting(kRows, "eth1.kye"),
               "unknown setting 'eth1.kye'; did you mean eth1.key?");
+    EXPECT_EQ(UnknownSetting(kRows, "sped"), "unknown setting 'sped'; did you mean eth0.speed?");
+    EXPECT_EQ(UnknownSetting(kRows, "DNS"),
+              "unknown setting 'DNS'; did you mean eth0.dns or eth1.dns?");
+}
+
+TEST(UnknownSetting, KnowsAnInterface) {
+    EXPECT_EQ(UnknownSetting(kRows, "eth1"),
+              "'eth1' is an interface, not a setting; 'velkctl show eth1' shows its settings");
 }
 
 TEST(UnknownInterface, GuessesWhatAMisspeltOneMeans) {
@@ -124,9 +132,10 @@ TEST(UnknownSetting, PointsToTheListOtherwise) {
 
 TEST(UnknownSetting, NeverRepeatsWhatStandsBehindAnEqualsSign) {
     EXPECT_EQ(UnknownSetting(kRows, "eth1.key=hunter2"),
-              "'eth1.key' is followed by '='; give name and value as two arguments");
+              "'eth1.key' is followed by '='; give the name alone, and a value as an argument of "
+              "its own");
     EXPECT_EQ(UnknownSetting(kRows, "=a=b"),
-              "'' is followed by '='; give name and value as two arguments");
+              "'' is followed by '='; give the name alone, and a value as an argument of its own");
 }
 
 TEST(NamesSecret, KnowsTheNameAndTheIdOfASecret) {

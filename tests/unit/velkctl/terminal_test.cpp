@@ -16,6 +16,11 @@ TEST(Printable, LeavesTextAlone) {
     EXPECT_EQ(Printable("a Z0~'\"%"), "a Z0~'\"%");
 }
 
+TEST(Quoted, CutsWhatIsLongerThanAnyValue) {
+    EXPECT_EQ(Quoted(std::string(512, 'x')), "'" + std::string(512, 'x') + "'");
+    EXPECT_EQ(Quoted(std::string(513, 'x')), "'" + std::string(512, 'x') + "...'");
+}
+
 TEST(Printable, LeavesTextInUtf8Alone) {
     for (const char* text : {"\xc2\xa0", "\xc3\xa4", "\xdf\xbf", "\xe0\xa0\x80", "\xe2\x82\xac",
                              "\xed\x9f\xbf", "\xee\x80\x80", "\xef\xbf\xbf", "\xf0\x90\x80\x80",
