@@ -262,9 +262,9 @@ refused "no verb given; give get, set, show, restart, list, describe, explain, d
 it 'refuses an option that there is not'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
     --quick set eth0.dns 1.1.1.1
-refused "set: unknown option '--quick'; 'velkctl set --help' lists the options" \
+refused "set: unknown option '--quick'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set --quick eth0.dns 1.1.1.1
-refused "set: unknown option '-q'; 'velkctl set --help' lists the options" \
+refused "set: unknown option '-q'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth0.dns 1.1.1.1 -q
 refused "get: unknown option '--version'; 'velkctl get --help' lists the options" \
     get --version eth0.dns

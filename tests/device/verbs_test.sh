@@ -290,7 +290,7 @@ refused "get: unknown option '--jsno'; did you mean --json?" get eth0.dns --jsno
 refused "get: unknown option '-json'; did you mean --json?" get eth0.dns -json
 refused "unknown option '--verison'; did you mean --version?" --verison
 refused "set: unknown option '--no-verfy'; did you mean --no-verify?" set ntp on --no-verfy=1
-refused "eth0.method: 'dchp' is not one of its values; did you mean dhcp?" set eth0.method dchp
+refused "eth0.method: 'dhcpp' is not one of its values; did you mean dhcp?" set eth0.method dhcpp
 refused "eth0.link-speed: '100full' is not one of its values; did you mean 100-full or 10-full?" \
     set eth0.link-speed 100full
 refused "ntp: 'ON' is not one of its values; did you mean on?" set ntp ON
@@ -298,17 +298,27 @@ refused "unknown verb 'hlep'; did you mean help? ('velkctl --help' explains them
 refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
     get eth1.wep-key-5
 
+it 'guesses what a word that was cut short means'
+refused "restart: unknown option '--notify'; did you mean --notify-only?" restart eth1 --notify
+refused "eth0.link-speed: '100' is not one of its values; did you mean 100-full or 100-half?" \
+    set eth0.link-speed 100
+refused "unknown verb 'desc'; did you mean describe? ('velkctl --help' explains them)" desc ntp
+
+it 'gives the names of an id'
+refused "get: unknown setting '108'; give eth0.dns or eth1.dns" get 108
+refused "get: unknown setting '999'; 'velkctl list' names them all" get 999
+
 it 'guesses at the words of a schedule'
 refused "web-update: 'dialy 08:30' is not a schedule; did you mean daily?" set web-update dialy 08:30
-refused "web-update: 'weekly sundey 08:30' is not a schedule; did you mean sunday?" \
-    set web-update weekly sundey 08:30
+refused "web-update: 'weekly sundax 08:30' is not a schedule; did you mean sunday?" \
+    set web-update weekly sundax 08:30
 refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'" \
     set web-update every 24h
 
 it 'knows a setting and an interface where they do not belong'
 refused "'eth0.dns' is a setting; give a verb in front of it, such as get or describe" eth0.dns
 refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
-refused "get: unknown setting 'gatway'; did you mean eth0.gateway or eth1.gateway?" get gatway
+refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
 
 it 'says where an option of a verb belongs'
 refused "option '--timeout' stands in front of the verb; give it behind the verb" \
@@ -327,7 +337,8 @@ refused "eth1.channel: '99' is not one of its values; give a number from 1 to 13
 
 it 'repeats no word beside a key, and says so'
 hidden='not repeated here as it may be a key'
-refused "set: unknown option, $hidden; 'velkctl set --help' lists the options" set eth1.psk --hunter2
+refused "set: unknown option, $hidden; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+    set eth1.psk --hunter2
 refused "set: unknown option, $hidden; did you mean --wait?" set eth1.psk a-key --wiat
 refused "list: a word, $hidden, is one argument too many; usage: velkctl list [--json]" \
     list eth1.psk

@@ -105,12 +105,13 @@ std::string_view WithoutInterface(std::string_view name) {
     return dot == std::string_view::npos ? name : name.substr(dot + 1);
 }
 
-// The full names of all rows, or of those with this name.
+// The full names of all rows, or of those with this name or id.
 std::vector<std::string> FullNames(std::span<const CatalogueRow> rows,
-                                   std::optional<std::string_view> name = std::nullopt) {
+                                   std::optional<std::string_view> word = std::nullopt) {
+    const std::optional<uint32_t> id = word ? ParseId(*word) : std::nullopt;
     std::vector<std::string> names;
     for (const Setting& setting : SettingsOf(rows)) {
-        if (!name || setting.row->name == *name) {
+        if (!word || setting.row->name == *word || setting.row->id == id) {
             names.push_back(setting.name());
         }
     }

@@ -2,11 +2,13 @@
 #include "velkctl/near_miss.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace velkctl {
 namespace {
 
 constexpr size_t kFarthest = 2;
+constexpr size_t kShortestBeginning = 3;
 constexpr size_t kMostGuesses = 4;   // more of them are no help
 constexpr size_t kLongestWord = 64;  // no name, option or value is that long
 
@@ -38,13 +40,8 @@ size_t Distance(std::string_view from, std::string_view to) {
     return steps[from.size()][to.size()];
 }
 
-}  // namespace
-
-std::vector<std::string> NearMisses(std::string_view word,
-                                    std::span<const std::string> candidates) {
-    if (word.size() > kLongestWord) {
-        return {};
-    }
+// The candidates with the fewest letters wrong.
+std::vector<std::string> Misspelt(std::string_view word, std::span<const std::string> candidates) {
     std::vector<std::string> nearest;
     size_t fewest = kFarthest;
     for (const std::string& candidate : candidates) {
@@ -58,7 +55,30 @@ std::vector<std::string> NearMisses(std::string_view word,
         }
         nearest.push_back(candidate);
     }
-    return nearest.size() > kMostGuesses ? std::vector<std::string>{} : nearest;
+    return nearest;
+}
+
+std::vector<std::string> BegunWith(std::string_view word, std::span<const std::string> candidates) {
+    std::vector<std::string> begun;
+    if (word.size() >= kShortestBeginning) {
+        std::ranges::copy_if(candidates, std::back_inserter(begun),
+                             [word](const std::string& text) { return text.starts_with(word); });
+    }
+    return begun;
+}
+
+}  // namespace
+
+std::vector<std::string> NearMisses(std::string_view word,
+                                    std::span<const std::string> candidates) {
+    if (word.size() > kLongestWord) {
+        return {};
+    }
+    std::vector<std::string> meant = Misspelt(word, candidates);
+    if (meant.empty()) {
+        meant = BegunWith(word, candidates);
+    }
+    return meant.size() > kMostGuesses ? std::vector<std::string>{} : meant;
 }
 
 std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,

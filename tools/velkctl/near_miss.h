@@ -10,8 +10,8 @@
 namespace velkctl {
 
 // The candidates that a misspelt word most likely means: at most two letters are wrong, missing,
-// too many or swapped, and fewer than half; small and capital letters are alike. Empty when none is
-// that near, or too many are.
+// too many or swapped, and fewer than half; small and capital letters are alike. Otherwise those
+// that it is the beginning of. Empty when there are none, or too many.
 std::vector<std::string> NearMisses(std::string_view word, std::span<const std::string> candidates);
 
 // The end of a complaint about a word: "; did you mean static?", or "; " and what else would be

@@ -142,6 +142,19 @@ std::string Joined(std::span<const std::string> words) {
     return text;
 }
 
+// A schedule in quotes is one word of the command line.
+std::vector<std::string> TakenApart(std::span<const std::string> words) {
+    const std::string text = Joined(words);
+    std::vector<std::string> apart;
+    size_t begin = 0;
+    for (size_t blank = 0; (blank = text.find(' ', begin)) != std::string::npos;
+         begin = blank + 1) {
+        apart.push_back(text.substr(begin, blank - begin));
+    }
+    apart.push_back(text.substr(begin));
+    return apart;
+}
+
 }  // namespace
 
 std::string ScheduleKind::Wanted() const {
@@ -152,9 +165,10 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     if (words.empty()) {
         return Unparsable(OneWordProblem(words));
     }
-    const std::optional<Schedule> schedule = ParseSchedule(words);
+    const std::vector<std::string> apart = TakenApart(words);
+    const std::optional<Schedule> schedule = ParseSchedule(apart);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(words));
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(apart));
     }
     return InData(*schedule);
 }

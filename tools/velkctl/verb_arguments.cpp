@@ -58,6 +58,11 @@ bool IsNumber(std::string_view word) {
     return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+// What helps who means a word by it, and not an option.
+std::string DashHint(const Verb& verb) {
+    return verb.run == RunSet ? "; put -- before a value that begins with a dash" : "";
+}
+
 // Says whether the second word of a verb may be a number: a value, or the id of a command.
 bool TakesNumber(const Verb& verb) {
     return verb.run == RunSet || verb.run == RunCall;
@@ -84,10 +89,11 @@ std::string Usage(const Verb& verb) {
 }
 
 std::string UnknownOption(const CLI::App& app, std::string_view option, const std::string& command,
-                          bool may_be_key) {
+                          bool may_be_key, const std::string& hint) {
     return "unknown option" +
            (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(option)) +
-           DidYouMean(option, OptionNames(app), "'" + command + " --help' lists the options");
+           DidYouMean(option, OptionNames(app),
+                      "'" + command + " --help' lists the options" + hint);
 }
 
 std::string_view WithoutValue(std::string_view argument) {
@@ -202,7 +208,7 @@ std::string TakeWords(const CLI::App& app, const Verb& verb, Invocation& invocat
         }
         if (!only_words && LooksLikeOption(argument)) {
             return UnknownOption(app, WithoutValue(argument), CommandName(verb),
-                                 invocation.beside_secret);
+                                 invocation.beside_secret, DashHint(verb));
         }
         invocation.words.push_back(argument);
     }

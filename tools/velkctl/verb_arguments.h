@@ -18,7 +18,7 @@ std::string Usage(const Verb& verb);
 
 // Complains about an option that the app, which is told of in the help of a command, does not have.
 std::string UnknownOption(const CLI::App& app, std::string_view option, const std::string& command,
-                          bool may_be_key = false);
+                          bool may_be_key = false, const std::string& hint = {});
 
 // An argument without what stands behind "=", which may be a secret.
 std::string_view WithoutValue(std::string_view argument);

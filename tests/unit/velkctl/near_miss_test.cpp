@@ -46,6 +46,13 @@ TEST(NearMisses, TakesNoneWhenTooManyAre) {
     EXPECT_EQ(NearMisses("abc9", Words{"abc1", "abc2", "abc3", "abc4", "abc5"}), Words{});
 }
 
+TEST(NearMisses, TakesWhatTheWordIsTheBeginningOf) {
+    EXPECT_EQ(NearMisses("eth0.gate", kNames), Words{"eth0.gateway"});
+    EXPECT_EQ(NearMisses("eth0", kNames), (Words{"eth0.address", "eth0.gateway"}));
+    EXPECT_EQ(NearMisses("res", kNames), Words{"restart"});
+    EXPECT_EQ(NearMisses("re", kNames), Words{});
+}
+
 TEST(NearMisses, DoesNotGuessAtHalfAWord) {
     for (const char* word : {"", "a", "xyz", "gxx", "st"}) {
         EXPECT_EQ(NearMisses(word, Words{"get"}), Words{}) << word;

@@ -90,14 +90,25 @@ TEST(ScheduleKindParse, WantsAValue) {
     EXPECT_EQ(kSchedule.Parse(Words{}).problem, "no value given; " + std::string(kGive));
 }
 
+TEST(ScheduleKindParse, TakesAScheduleInQuotesToo) {
+    EXPECT_EQ(kSchedule.Parse(Words{"daily 08:30"}).data, DataOf(2, 1, "08:30"));
+    EXPECT_EQ(kSchedule.Parse(Words{"weekly sunday", "08:30"}).data, DataOf(3, 1, "08:30"));
+    EXPECT_FALSE(kSchedule.Parse(Words{"daily  08:30"}).ok());
+    EXPECT_FALSE(kSchedule.Parse(Words{"off "}).ok());
+}
+
+TEST(ScheduleKindParse, GuessesWhatAMisspeltWordMeans) {
+    EXPECT_EQ(kSchedule.Parse(Words{"weekly", "sun", "08:30"}).problem,
+              "'weekly sun 08:30' is not a schedule; did you mean sunday?");
+    EXPECT_EQ(kSchedule.Parse(Words{"Daily", "08:30"}).problem,
+              "'Daily 08:30' is not a schedule; did you mean daily?");
+}
+
 TEST(ScheduleKindParse, RepeatsWhatIsNoSchedule) {
     EXPECT_EQ(kSchedule.Parse(Words{"hourly"}).problem,
               "'hourly' is not a schedule; " + std::string(kGive));
-    EXPECT_EQ(kSchedule.Parse(Words{"weekly", "sun", "08:30"}).problem,
-              "'weekly sun 08:30' is not a schedule; " + std::string(kGive));
-    EXPECT_EQ(kSchedule.Parse(Words{"daily 08:30"}).problem,
-              "'daily 08:30' is not a schedule; " + std::string(kGive))
-        << "in one word";
+    EXPECT_EQ(kSchedule.Parse(Words{"weekly", "7", "08:30"}).problem,
+              "'weekly 7 08:30' is not a schedule; " + std::string(kGive));
     EXPECT_EQ(kSchedule.Parse(Words{"daily", "\x1b\n"}).problem,
               "'daily \\x1b\\x0a' is not a schedule; " + std::string(kGive));
     EXPECT_EQ(kSchedule.Parse(Words{""}).problem, "'' is not a schedule; " + std::string(kGive));
