@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "velk.h"
-#include "velkctl/exit_status.h"
+#include "velkctl/exit_meanings.h"
 #include <nlohmann/json_fwd.hpp>
 
 namespace velkctl {
@@ -29,16 +29,15 @@ inline constexpr std::array<ResultCode, 6> kResultCodes{{
      "'velkctl doctor' looks for files, tools and daemons that are not as they should be",
      ExitStatus::kFailed, "; 'velkctl doctor' looks for the cause"},
     {LIB_VELK_LOCKED, "LIB_VELK_LOCKED", "another program is changing settings now, try again",
-     "'--wait' tries again until the other program is done", ExitStatus::kLocked,
-     ", as --wait=SECONDS does"},
+     kLockedRemedy, ExitStatus::kLocked, ", as --wait=SECONDS does"},
     {LIB_VELK_INVALID_PARAMETER, "LIB_VELK_INVALID_PARAMETER",
      "the library does not take this command, interface or value",
      "'velkctl describe NAME' says which interfaces and values a setting has",
      ExitStatus::kInvalid},
     {LIB_VELK_NO_ADAPTER, "LIB_VELK_NO_ADAPTER", "no supported wireless adapter is attached",
-     "plug one in that /usr/local/share/apps/wlan/supportlist.ini names", ExitStatus::kNoAdapter},
+     kNoAdapterRemedy, ExitStatus::kNoAdapter},
     {LIB_VELK_WIRED_LINKED, "LIB_VELK_WIRED_LINKED", "refused while the cable is in the wired port",
-     "pull the cable: wireless is for a device without one", ExitStatus::kWiredLinked},
+     kWiredLinkedRemedy, ExitStatus::kWiredLinked},
 }};
 
 // The row of a result. A number without one, as a newer library may give, is a failure without a
