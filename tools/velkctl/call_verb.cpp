@@ -4,10 +4,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/catalogue.h"
 #include "velkctl/device.h"
 #include "velkctl/hex.h"
+#include "velkctl/near_miss.h"
 #include "velkctl/patience.h"
 #include "velkctl/result_codes.h"
 #include "velkctl/secret_source.h"
@@ -33,12 +35,18 @@ constexpr std::array<TypeWord, 3> kTypeWords{{
 }};
 
 std::optional<velk_command_type> ParseType(std::string_view word) {
-    const auto* row = std::find_if(kTypeWords.begin(), kTypeWords.end(),
-                                   [word](const TypeWord& known) { return known.word == word; });
-    if (row == kTypeWords.end()) {
-        return std::nullopt;
+    const auto* row = std::ranges::find(kTypeWords, word, &TypeWord::word);
+    return row == kTypeWords.end() ? std::nullopt : std::optional(row->type);
+}
+
+std::string UnknownType(const Invocation& invocation) {
+    std::vector<std::string> words;
+    for (const TypeWord& row : kTypeWords) {
+        words.emplace_back(row.word);
     }
-    return row->type;
+    const std::string& word = invocation.words[0];
+    return invocation.Shown(word) + " is not a command type" +
+           DidYouMean(word, words, "give " + OneOf(words));
 }
 
 Parsed ParseText(const std::string& text) {
@@ -115,8 +123,7 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     }
     const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
     if (!type) {
-        return report.Refuse("call: " + invocation.Shown(invocation.words[0]) +
-                             " is not a command type; give get, set or restart");
+        return report.Refuse("call: " + UnknownType(invocation));
     }
     const std::optional<uint32_t> id = ParseId(invocation.words[1]);
     if (!id) {
@@ -125,8 +132,9 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     }
     const std::string interface = invocation.words.size() > 2 ? invocation.words[2] : "";
     if (interface.size() > VELK_INTERFACE_SIZE) {
-        return report.Refuse("call: interface " + invocation.Shown(interface) +
-                             " is too long; give eth0, eth1 or another name of at most 16 bytes");
+        return report.Refuse("call: " + invocation.Shown(interface) +
+                             " is too long for an interface; give eth0, eth1 or another name of "
+                             "at most 16 bytes");
     }
     const Parsed data = ParseData(invocation);
     if (!data.ok()) {

@@ -48,9 +48,9 @@ std::optional<Setting> FindChangeable(Words words, Report& report) {
     const std::string& name = words.front();
     const std::optional<Setting> setting = FindSetting(Catalogue(), name);
     if (!setting) {
-        report.Complain("set: " + UnknownSetting(Catalogue(), IsSwapped(words)
-                                                                  ? kMask
-                                                                  : std::string_view(name)));
+        report.Complain("set: " + (IsSwapped(words)
+                                       ? "the name of the setting comes first, then its value"
+                                       : UnknownSetting(Catalogue(), name)));
         return std::nullopt;
     }
     if (!setting->can_set()) {

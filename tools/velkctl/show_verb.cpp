@@ -107,8 +107,7 @@ ExitStatus RunShow(const Invocation& invocation, Report& report) {
     if (!invocation.words.empty()) {
         interface = invocation.words.front();
         if (*interface != VELK_WIRED_INTERFACE && *interface != VELK_WIRELESS_INTERFACE) {
-            return report.Refuse("show: " + Quoted(*interface) +
-                                 " is not an interface of the device; give eth0 or eth1");
+            return report.Refuse("show: " + UnknownInterface(*interface, Quoted(*interface)));
         }
     }
     const std::vector<Setting> settings = Readable(interface);

@@ -77,13 +77,13 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
     for (const auto& [name, value] :
          {std::pair("eth0.method", "dhcp"), std::pair("eth0.address", "10.0.0.5")}) {
         EXPECT_EQ(Verify(name, {value}), false);
-        EXPECT_EQ(
-            complaint,
-            "velkctl: " + std::string(name) +
-                ": the library reported success, but it cannot be read back: file, socket, "
-                "time-out or unreadable value; likely cause: /etc/network/interfaces: no line begins "
-                "with 'iface eth0 inet static' or '... dhcp'; mend: add a stanza that begins "
-                "with one\n");
+        EXPECT_EQ(complaint,
+                  "velkctl: " + std::string(name) +
+                      ": the library reported success, but it cannot be read back: file, socket, "
+                      "time-out or unreadable value; likely cause: /etc/network/interfaces: no "
+                      "line begins "
+                      "with 'iface eth0 inet static' or '... dhcp'; mend: add a stanza that begins "
+                      "with one\n");
     }
 }
 

@@ -324,7 +324,7 @@ TEST_F(WirelessSettings, RestartNeedsAnAdapter) {
 
 TEST_F(WirelessSettings, RestartRefusesWrongUsage) {
     Refuses({"restart", "eth2"},
-            "restart: 'eth2' is not an interface of the device; give eth0 or eth1");
+            "restart: 'eth2' is not an interface of the device; did you mean eth0 or eth1?");
     Refuses({"restart", "eth0", "--notify-only"},
             "restart: --notify-only is for eth1; leave it out for eth0");
     EXPECT_THAT(shell.Lines(), IsEmpty());
