@@ -167,15 +167,15 @@ TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
 }
 
 TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
-    WriteFile(kIdentity, "ADMINISTRATOR=old\n");
-    const testkit::Mounted in_place(kIdentity, kIdentity, nullptr, MS_BIND, nullptr);
-    ASSERT_EQ(mount(nullptr, kIdentity, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
-    Set("administrator", "new");
-    EXPECT_EQ(testkit::ReadFile(kIdentity), "ADMINISTRATOR=old\n");
-    EXPECT_EQ(
-        FirstOf("administrator"),
-        "/var/libvelk/libvelk: this user may not write the file: Read-only file system; mend: "
-        "run the program as a user that may, or let this one write the file");
+    constexpr std::string_view kEntry = "#0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n";
+    WriteFile(kCrontab, kEntry);
+    const testkit::Mounted in_place(kCrontab, kCrontab, nullptr, MS_BIND, nullptr);
+    ASSERT_EQ(mount(nullptr, kCrontab, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    Set("ntp", "\x01");
+    EXPECT_EQ(testkit::ReadFile(kCrontab), kEntry);
+    EXPECT_EQ(FirstOf("ntp"),
+              "/var/cron/tabs/root: this user may not write the file: Read-only file system; mend: "
+              "run the program as a user that may, or let this one write the file");
 }
 
 TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {

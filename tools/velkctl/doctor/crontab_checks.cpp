@@ -52,6 +52,10 @@ std::string ServerProblem(const std::string& line) {
         return "the server is its last word; setting it joins the entry with the next line";
     }
     std::string server;
+    (void)GetNtpdate(line, server);
+    if (!server.empty() && line.find(server) < line.find(kClient) + kClient.size()) {
+        return Excerpt(server) + " stands in front of the server, too, and is replaced there";
+    }
     (void)GetNtpdate(changed, server);
     if (server != kProbe) {
         return "a new server would be joined with another word of it";

@@ -66,6 +66,22 @@ TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
                   std::string(kMend));
 }
 
+TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
+    EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"),
+              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '5' stands in front of "
+              "the server, too, and is replaced there\n" +
+                  std::string(kMend));
+}
+
+TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
+              "problem: ntp-server is joined with another entry: /var/cron/tabs/root:1: two "
+              "entries stand on one line, as a set makes of a server that is the last word of its "
+              "line\n"
+              "  mend: put the second one on a line of its own, and write: 0 * * * * "
+              "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
+}
+
 TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate -t 5 10.0.0.1 > /var/libvelk/ntp.log\n"),
               "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: the "
