@@ -175,7 +175,7 @@ TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
     EXPECT_EQ(testkit::ReadFile(kCrontab), kEntry);
     EXPECT_EQ(FirstOf("ntp"),
               "/var/cron/tabs/root: this user may not write the file: Read-only file system; mend: "
-              "run the program as a user that may, or let this one write the file");
+              "mount it writable");
 }
 
 TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {

@@ -107,16 +107,29 @@ Finding TooLarge(const DeviceFile& file) {
             .remedy = kPutFile};
 }
 
+// What makes a file writable, after what faccessat(2) said about it.
+std::string RemedyFor(int error, const std::string& path) {
+    switch (error) {
+        case EROFS:
+            return "mount it writable";
+        case EPERM:  // not even root may
+            return "chattr -i " + path;
+        default:
+            return "run the program as a user that may, or let this one write the file";
+    }
+}
+
 // A file that is there and has been read.
 Findings CheckWriting(const DeviceFile& file) {
     const bool is_written = file.change == Change::kByEdit || file.change == Change::kWhole;
     if (!is_written || faccessat(AT_FDCWD, file.path, W_OK, AT_EACCESS) == 0) {
         return {};
     }
+    const int error = errno;
     Finding finding = About(file, kEverything);
     finding.effect = "cannot be set";
-    finding.what = std::string("this user may not write the file: ") + strerror(errno);
-    finding.remedy = "run the program as a user that may, or let this one write the file";
+    finding.what = std::string("this user may not write the file: ") + strerror(error);
+    finding.remedy = RemedyFor(error, file.path);
     return {finding};
 }
 
