@@ -104,11 +104,15 @@ Finding Remark(const std::string& line, size_t index) {
 // Says whether the entry runs on into another one, which begins with fields of time.
 bool HasSecondEntry(std::string_view line) {
     const std::vector<std::string> words = WordsOf(line.substr(line.find(kClient)));
-    constexpr int kFieldsLeft = kTimeFields - 1;  // the first one sticks to the server
-    const auto is_field = [](std::string_view word) {
-        return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
-    };
-    return std::ranges::search_n(words, kFieldsLeft, true, {}, is_field).size() == kFieldsLeft;
+    int fields = 0;
+    for (const std::string& word : words) {
+        const bool is_field = word.find_first_not_of(kTimeCharacters) == std::string::npos;
+        fields = is_field ? fields + 1 : 0;
+        if (fields == kTimeFields - 1) {  // the first one sticks to the server
+            return true;
+        }
+    }
+    return false;
 }
 
 Findings CheckServer(const std::string& line, size_t index) {
