@@ -135,8 +135,8 @@ Finding MissingTool(const Tool& tool) {
 Finding ForbiddenTool(const Tool& tool) {
     Finding finding = About(tool);
     finding.effect = "may not be run through sudo by this user without a password";
-    finding.remedy =
-        "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " + tool.name + ", its full path";
+    finding.remedy = "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " +
+                     FindTool(tool.name, kSudoFolders).value_or(tool.name);
     return finding;
 }
 
