@@ -747,7 +747,7 @@ output_is '-- run
 lock file made'
 
 it 'refuses to restart what is no interface'
-refused_unsent "restart: 'eth2' is not an interface of the device; give eth0 or eth1" restart eth2
+refused_unsent "restart: 'eth2' is not an interface of the device; did you mean eth0 or eth1?" restart eth2
 refused_unsent "restart: '' is not an interface of the device; give eth0 or eth1" restart ''
 refused_unsent 'restart: --notify-only is for eth1; leave it out for eth0' \
     restart eth0 --notify-only

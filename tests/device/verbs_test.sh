@@ -89,7 +89,7 @@ it 'refuses an interface that there is not'
 on_device velkctl show eth2
 status_is 2
 output_is ''
-error_is "velkctl: show: 'eth2' is not an interface of the device; give eth0 or eth1"
+error_is "velkctl: show: 'eth2' is not an interface of the device; did you mean eth0 or eth1?"
 
 # ---- get, set ---------------------------------------------------------------------------------
 it 'shows bare values for scripts'
