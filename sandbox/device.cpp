@@ -11,6 +11,7 @@
 #include "sandbox/kept_folders.h"
 #include "sandbox/mounts.h"
 #include "sandbox/namespaces.h"
+#include "sandbox/overlay_root.h"
 #include "sandbox/plan.h"
 #include "sandbox/system_places.h"
 
@@ -19,11 +20,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void ProtectMachine(const std::vector<KeptFolder>& writable, const Plan& plan) {
+void ProtectMachine(const std::vector<KeptFolder>& writable) {
     if (std::ranges::find(writable, "/", &KeptFolder::path) != writable.end()) {
         throw Failure("the machine as a whole cannot stay writable");
     }
     MakeReadOnly("/");
+}
+
+void ShowWritable(const std::vector<KeptFolder>& writable, const Plan& plan) {
     ShowFolders(writable, [&plan](const fs::path& path) {
         return !IsHidden(path, plan) && !plan.places.contains(path);
     });
@@ -63,15 +67,21 @@ void EnterDevice(const DeviceOptions& options) {
 
     const std::vector<KeptFolder> writable = HoldFolders(options.writable);
     if (options.protect_machine) {
-        ProtectMachine(writable, plan);
+        ProtectMachine(writable);
     }
     const std::vector<KeptFolder> kept = HoldFolders(options.keep);
+    DeviceTree tree;
+    if (options.copy_machine) {
+        EnterOverlayRoot();
+        tree.Adopt("/");
+        RemoveMachineContents(plan);
+    }
+    ShowWritable(writable, plan);
     if (options.own_processes) {
         MountProcesses(options.protect_machine);
     }
     MountDevices();
 
-    DeviceTree tree;
     CoverPlaces(plan, tree);
     DetachLog();
     ShowHidden(kept, writable, plan);

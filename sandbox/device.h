@@ -25,6 +25,9 @@ struct DeviceOptions {
     std::vector<std::string> keep;
     // Folders of the machine that stay visible and writable.
     std::vector<std::string> writable;
+    // The device gets a copy of the whole machine that it may change, and of the machine's devices
+    // only those that reach no hardware. Root only.
+    bool copy_machine = false;
     // Everything of the machine that is not in `writable` becomes read-only.
     bool protect_machine = true;
     // The caller is the first process of a new PID namespace: it gets a /proc of that namespace.

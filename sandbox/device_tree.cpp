@@ -111,6 +111,14 @@ fs::path DeviceTree::Resolve(const fs::path& path) {
     return fs::weakly_canonical(path.parent_path()) / path.filename();
 }
 
+void DeviceTree::Adopt(const fs::path& folder) {
+    struct stat status;
+    if (stat(folder.c_str(), &status) == -1) {
+        Fail("cannot look at " + folder.string(), errno);
+    }
+    devices_.insert(status.st_dev);
+}
+
 bool DeviceTree::IsPrivate(const fs::path& folder) const {
     struct stat status;
     return stat(folder.c_str(), &status) == 0 && devices_.contains(status.st_dev);

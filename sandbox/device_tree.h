@@ -19,6 +19,9 @@ class DeviceTree {
     // The path with the symlinks of its folder followed, those of its last component not.
     static std::filesystem::path Resolve(const std::filesystem::path& path);
 
+    // Takes the file system of this folder for the device's own: it is a copy of the machine's.
+    void Adopt(const std::filesystem::path& folder);
+
     // What the machine has under this path never shows on the device. Say so before anything below
     // the same folder is made.
     void Claim(const std::filesystem::path& path) { claimed_.insert(path); }

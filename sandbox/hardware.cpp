@@ -1,53 +1,26 @@
-// hardware.cpp - the device's cable and adapter, which a process of their own holds.
+// hardware.cpp - the device's cable and adapter, and the router around it.
 #include "sandbox/hardware.h"
 
-#include <cerrno>
 #include <fstream>
-#include <memory>
-#include <vector>
 
-#include <fcntl.h>
-#include <sys/prctl.h>
-#include <unistd.h>
-
-#include "frame/unique_fd.h"
 #include "sandbox/failure.h"
-#include "sandbox/hardware_channel.h"
 #include "sandbox/interfaces_file.h"
-#include "sandbox/ports.h"
-#include "sandbox/usb_devices.h"
-#include "sandbox/wireless_daemon.h"
+#include "sandbox/tap_ports.h"
 
 namespace sandbox {
 namespace {
 
 // Where ifupdown(8) notes what it has brought up.
 constexpr char kStateOfInterfaces[] = "/run/network/ifstate";
-constexpr int kHardwareFailed = 1;
 
-class Hardware {
-  public:
-    explicit Hardware(const std::string& program_folder) : daemon_(program_folder + "/wland") {}
+void SetWiredAddress(const NetworkControl& device) {
+    if (const auto address = ReadStaticAddress(kWiredPort.name)) {
+        device.SetAddress(kWiredPort.name, *address);
+        std::ofstream(kStateOfInterfaces) << "lo=lo\neth0=eth0\n";
+    }
+}
 
-    // Plugs everything in. Returns what does not work in one line, or an empty text.
-    std::string Start();
-    // Throws Failure.
-    void Obey(const std::string& order);
-
-    Ports* ports() const { return ports_.get(); }
-
-  private:
-    void MakePorts();
-    std::string StartDaemon() const;
-    void MoveCable(bool in);
-    void PullAdapter();
-    void PlugAdapter();
-
-    std::unique_ptr<Ports> ports_;  // none when there are no interfaces to be had
-    UsbDevices usb_;
-    WirelessDaemon daemon_;
-    bool adapter_in_ = true;
-};
+}  // namespace
 
 std::string Hardware::Start() {
     std::string troubles;
@@ -76,9 +49,11 @@ void Hardware::MakePorts() {
     ports_ = ChoosePorts();
     ports_->Make(kWiredPort);
     ports_->Make(kWirelessPort);
-    if (const auto address = ReadStaticAddress(kWiredPort.name)) {
-        device.SetAddress(kWiredPort.name, *address);
-        std::ofstream(kStateOfInterfaces) << "lo=lo\neth0=eth0\n";
+    if (options_.sets_address) {
+        SetWiredAddress(device);
+    }
+    if (options_.router_in) {
+        PlugRouter();
     }
 }
 
@@ -89,6 +64,10 @@ void Hardware::Obey(const std::string& order) {
         PlugAdapter();
     } else if (order == "adapter out") {
         PullAdapter();
+    } else if (order == "router in") {
+        PlugRouter();
+    } else if (order == "router out") {
+        router_.reset();
     } else {
         throw Failure("the hardware does not know how to: " + order);
     }
@@ -121,6 +100,7 @@ void Hardware::PlugAdapter() {
     }
     if (ports_ != nullptr) {
         ports_->Make(kWirelessPort);
+        JoinRouter();
     }
     const std::string trouble = StartDaemon();
     usb_.PutInAdapter();
@@ -130,87 +110,45 @@ void Hardware::PlugAdapter() {
     }
 }
 
-void Serve(Hardware& hardware, const HardwareChannel& orders) {
-    for (;;) {
-        std::vector<pollfd> waiting;
-        if (hardware.ports() != nullptr) {
-            waiting = hardware.ports()->Frames();
-        }
-        waiting.push_back({orders.fd(), POLLIN, 0});
-        if (poll(waiting.data(), waiting.size(), -1) == -1) {
-            continue;
-        }
-        for (const pollfd& ready : waiting) {
-            if (ready.revents == 0) {
-                continue;
-            }
-            if (ready.fd == orders.fd()) {
-                orders.Answer([&hardware](const std::string& order) { hardware.Obey(order); });
-            } else {
-                hardware.ports()->ThrowAway(ready);
-            }
-        }
+void Hardware::PlugRouter() {
+    if (options_.router_folder.empty()) {
+        throw Failure("this device has no router; one made with --real has");
+    }
+    if (router_ == nullptr) {
+        router_ = std::make_unique<Router>(options_.router_folder);
+        JoinRouter();
     }
 }
 
-// It shall neither read what is meant for the command nor be reached by the terminal's keys.
-void LeaveTerminal() {
-    (void)setsid();
-    const velk::UniqueFd nothing(open("/dev/null", O_RDWR | O_CLOEXEC));
-    (void)dup2(nothing.get(), STDIN_FILENO);
-    (void)dup2(nothing.get(), STDOUT_FILENO);
+// Only taps lead anywhere.
+void Hardware::JoinRouter() {
+    auto* const taps = dynamic_cast<TapPorts*>(ports_.get());
+    if (router_ != nullptr && taps != nullptr) {
+        taps->Join(kWiredPort, router_->ports(), kRouterWiredPort);
+        taps->Join(kWirelessPort, router_->ports(), kRouterWirelessPort);
+    }
 }
 
-void Report(velk::UniqueFd& report, const std::string& text) {
-    (void)!write(report.get(), text.data(), text.size());
-    (void)report.Reset();
+std::vector<pollfd> Hardware::Frames() const {
+    std::vector<pollfd> frames;
+    if (ports_ != nullptr) {
+        frames = ports_->Frames();
+    }
+    if (router_ != nullptr) {
+        const std::vector<pollfd> more = router_->ports().Frames();
+        frames.insert(frames.end(), more.begin(), more.end());
+    }
+    return frames;
 }
 
-[[noreturn]] void BeHardware(const std::string& program_folder, velk::UniqueFd& report) {
-    (void)prctl(PR_SET_NAME, "velk-hardware");
-    LeaveTerminal();
-    try {
-        Hardware hardware(program_folder);
-        const HardwareChannel orders;
-        Report(report, hardware.Start());
-        Serve(hardware, orders);
-    } catch (const std::exception& error) {
-        Report(report, error.what());
+// Both look for the descriptor among their own.
+void Hardware::Carry(const pollfd& ready) {
+    if (ports_ != nullptr) {
+        ports_->Carry(ready);
     }
-    _exit(kHardwareFailed);
-}
-
-std::string ReadReport(const velk::UniqueFd& report) {
-    std::string text;
-    char part[256];
-    for (ssize_t size; (size = read(report.get(), part, sizeof(part))) > 0;) {
-        text.append(part, static_cast<size_t>(size));
+    if (router_ != nullptr) {
+        router_->ports().Carry(ready);
     }
-    return text;
-}
-
-}  // namespace
-
-std::string StartHardware(const std::string& program_folder) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) == -1) {
-        Fail("cannot make a pipe", errno);
-    }
-    const velk::UniqueFd read_end(ends[0]);
-    velk::UniqueFd write_end(ends[1]);
-    const pid_t hardware = fork();
-    if (hardware == -1) {
-        Fail("cannot start a process", errno);
-    }
-    if (hardware == 0) {
-        BeHardware(program_folder, write_end);
-    }
-    (void)write_end.Reset();
-    return ReadReport(read_end);
-}
-
-void MoveHardware(const std::string& part, const std::string& position) {
-    GiveOrder(part + " " + position);
 }
 
 }  // namespace sandbox

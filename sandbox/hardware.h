@@ -1,19 +1,58 @@
-// hardware.h - the device's cable and adapter, which a process of their own holds.
+// hardware.h - the device's cable and adapter, and the router around it.
 #ifndef SANDBOX_HARDWARE_H_
 #define SANDBOX_HARDWARE_H_
 
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include <poll.h>
+
+#include "sandbox/ports.h"
+#include "sandbox/router.h"
+#include "sandbox/usb_devices.h"
+#include "sandbox/wireless_daemon.h"
 
 namespace sandbox {
 
-// Starts the process, with cable and adapter in, on the device that this process is the first
-// process of. Returns once they work, with what does not in one line, or an empty text. The
-// wireless daemon is looked for in `program_folder`.
-std::string StartHardware(const std::string& program_folder);
+struct HardwareOptions {
+    std::string program_folder;  // where the wireless daemon is looked for
+    std::string router_folder;   // of the router's configuration; empty: there is none to be had
+    bool router_in = false;      // at the start, as cable and adapter are
+    bool sets_address = true;    // of eth0, at the start; otherwise the device's own tools do that
+};
 
-// Moves a part of the device this process runs on: "cable" or "adapter", "in" or "out". The effect
-// is there on return. Throws Failure, also when this is not a device.
-void MoveHardware(const std::string& part, const std::string& position);
+class Hardware {
+  public:
+    explicit Hardware(HardwareOptions options)
+        : options_(std::move(options)), daemon_(options_.program_folder + "/wland") {}
+
+    // Plugs in what is in at the start. Returns what does not work in one line, or an empty text.
+    std::string Start();
+    // Moves a part, as in "cable out". Throws Failure.
+    void Obey(const std::string& order);
+
+    // What to wait for so as not to let sent frames pile up, and what then carries them away.
+    std::vector<pollfd> Frames() const;
+    void Carry(const pollfd& ready);
+
+  private:
+    void MakePorts();
+    std::string StartDaemon() const;
+    void MoveCable(bool in);
+    void PullAdapter();
+    void PlugAdapter();
+    void PlugRouter();
+    void JoinRouter();
+
+    HardwareOptions options_;
+    std::unique_ptr<Ports> ports_;  // none when there are no interfaces to be had
+    UsbDevices usb_;
+    WirelessDaemon daemon_;
+    bool adapter_in_ = true;
+    std::unique_ptr<Router> router_;  // none while it is out
+};
 
 }  // namespace sandbox
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "sandbox/command.h"
-#include "sandbox/hardware.h"
+#include "sandbox/hardware_process.h"
 #include "sandbox/session.h"
 #include <CLI/CLI.hpp>
 
@@ -21,7 +21,7 @@ constexpr char kDescription[] =
     "its own, while the machine around it stays as it is.";
 constexpr char kUsage[] =
     "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n"
-    "       velk-sandbox cable|adapter in|out\n";
+    "       velk-sandbox cable|adapter|router in|out\n";
 constexpr char kFooter[] =
     "Exit status: the command's; 128 and the number of the signal that ended it; 125 when there "
     "is\n"
@@ -82,6 +82,9 @@ void AddMove(CLI::App& app, const std::string& part, const std::string& descript
 void AddOptions(CLI::App& app, sandbox::Session& session) {
     app.formatter(std::make_shared<HelpFormatter>());
     app.footer(kFooter);
+    auto* real = app.add_flag("--real", session.real,
+                              "With the system's own tools and a router around; for root only");
+    app.add_flag("!--no-router", session.router_in, "Start with the router out")->needs(real);
     app.add_flag("--quiet", session.quiet, "Do not say at the start what this is");
     app.add_option("--writable", session.device.writable,
                    "Folder of the machine that stays writable; may be given again")
@@ -94,6 +97,7 @@ void AddOptions(CLI::App& app, sandbox::Session& session) {
         ->check(ExistingFolder());
     AddMove(app, "cable", "On a device: plug the cable of eth0 in, or pull it out");
     AddMove(app, "adapter", "On a device: plug the wireless adapter eth1 in, or pull it out");
+    AddMove(app, "router", "On a device: plug the router in, or pull it out");
     app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION);
 }
 
@@ -104,6 +108,8 @@ int Run(std::vector<std::string> words) {
     session.command = TakeCommand(words);
     session.device.rootfs = DataFolder(program_folder, "rootfs");
     session.stand_in_folder = DataFolder(program_folder, "stand-ins");
+    session.real_rootfs = DataFolder(program_folder, "real-rootfs");
+    session.router_folder = DataFolder(program_folder, "router");
     session.device.keep = FoldersInUse(program_folder);
 
     CLI::App app(kDescription, "velk-sandbox");

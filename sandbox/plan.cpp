@@ -75,6 +75,15 @@ bool IsHidden(const fs::path& path, const Plan& plan) {
     });
 }
 
+void RemoveMachineContents(const Plan& plan) {
+    for (const auto& [folder, mode] : plan.folders) {
+        fs::remove_all(folder);
+    }
+    for (const fs::path& file : plan.files) {
+        fs::remove_all(file);
+    }
+}
+
 void CoverPlaces(const Plan& plan, DeviceTree& tree) {
     for (const auto& [place, mode] : plan.places) {
         tree.Cover(place, mode);

@@ -31,6 +31,10 @@ Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_fil
 // True when one of the private places hides `path`. The place itself is not hidden: it is private.
 bool IsHidden(const std::filesystem::path& path, const Plan& plan);
 
+// Removes what a copy of the machine has at the paths of the device's folders and files. Nothing of
+// the machine itself may be mounted within the copy yet.
+void RemoveMachineContents(const Plan& plan);
+
 // Puts the private places over the machine's.
 void CoverPlaces(const Plan& plan, DeviceTree& tree);
 

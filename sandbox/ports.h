@@ -10,13 +10,17 @@
 namespace sandbox {
 
 struct Port {
-    const char* name;  // on the device
+    const char* name;
     const char* cable;
     unsigned char last_byte;  // of its hardware address
 };
 
 inline constexpr Port kWiredPort = {"eth0", "cable0", 0x10};
 inline constexpr Port kWirelessPort = {"eth1", "cable1", 0x11};
+
+// The far ends of these two, on the router.
+inline constexpr Port kRouterWiredPort = {"r0", "", 0x01};
+inline constexpr Port kRouterWirelessPort = {"r1", "", 0x02};
 
 // Interfaces of one kind. They go with the device's network. Failing throws Failure.
 class Ports {
@@ -31,9 +35,9 @@ class Ports {
     virtual void Remove(const Port& port) = 0;
     virtual void SetCarrier(const Port& port, bool carrier) = 0;
 
-    // What to wait for so as not to let sent frames pile up, and what then throws them away.
+    // What to wait for so as not to let sent frames pile up, and what then carries them away.
     virtual std::vector<pollfd> Frames() const { return {}; }
-    virtual void ThrowAway(const pollfd& /*ready*/) {}
+    virtual void Carry(const pollfd& /*ready*/) {}
 };
 
 // True when this user may make interfaces that keep a speed and a duplex, as ethtool(8) sets them.

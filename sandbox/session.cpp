@@ -17,8 +17,9 @@
 
 #include "frame/unique_fd.h"
 #include "sandbox/command.h"
-#include "sandbox/hardware.h"
+#include "sandbox/hardware_process.h"
 #include "sandbox/namespaces.h"
+#include "sandbox/real_level.h"
 #include "sandbox/stand_ins.h"
 
 namespace sandbox {
@@ -123,11 +124,28 @@ int ReapUntil(pid_t command) {
     }
 }
 
+HardwareOptions HardwareOf(const Session& session) {
+    HardwareOptions options;
+    options.program_folder = session.program_folder;
+    if (session.real) {
+        options.router_folder = session.router_folder;
+        options.router_in = session.router_in;
+        options.sets_address = false;
+    }
+    return options;
+}
+
 int RunFirstProcess(Session& session, const Terminal& terminal) {
     const StandIns stand_ins = ChooseStandIns(session.stand_in_folder);
     session.device.files = stand_ins.files;
+    if (session.real) {
+        AddRealFiles(session.real_rootfs, session.device);
+    }
     EnterDevice(session.device);
-    const std::string trouble = StartHardware(session.program_folder);
+    const std::string trouble = StartHardware(HardwareOf(session));
+    if (session.real) {
+        Boot();
+    }
     if (!session.quiet) {
         Greet(session.device, stand_ins.names);
         if (!trouble.empty()) {
@@ -162,6 +180,10 @@ int RunFirstProcess(Session& session, const Terminal& terminal) {
 
 int RunSession(Session session) {
     session.device.own_processes = true;
+    session.device.copy_machine = session.real;
+    if (session.real) {
+        RefuseUnlessReal();
+    }
     const Terminal terminal;
     LeaveSignalsToCommand();
     GiveUpPrivileges();

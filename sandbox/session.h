@@ -15,6 +15,10 @@ struct Session {
     std::string program_folder;        // where velkctl is found
     std::string stand_in_folder;       // scripts in place of tools that do not work on a device
     bool quiet = false;
+    bool real = false;          // the system's own tools, and a router around the device
+    std::string real_rootfs;    // more of such a device's files
+    std::string router_folder;  // the configuration of its router
+    bool router_in = true;
 };
 
 // Runs the command on a device and returns the exit status to end with. Every process of the device

@@ -11,7 +11,8 @@
 
 namespace sandbox {
 
-// The kernel lets ethtool(8) set their speed and duplex.
+// What is sent on one of them reaches the one it is joined to, if any, as long as both have a
+// carrier. The kernel lets ethtool(8) set their speed and duplex.
 class TapPorts : public Ports {
   public:
     static bool ToBeHad();
@@ -20,11 +21,26 @@ class TapPorts : public Ports {
     void Remove(const Port& port) override;
     void SetCarrier(const Port& port, bool carrier) override;
     std::vector<pollfd> Frames() const override;
-    void ThrowAway(const pollfd& ready) override;
+    void Carry(const pollfd& ready) override;
+
+    // Until one of the two is removed. A port that is not there is joined to nothing.
+    void Join(const Port& port, TapPorts& others, const Port& other);
 
   private:
+    struct Tap {
+        Tap() = default;
+        Tap(const Tap&) = delete;
+        Tap& operator=(const Tap&) = delete;
+        ~Tap() { Part(); }
+        void Part();
+
+        velk::UniqueFd fd;
+        bool carrier = false;
+        Tap* far_end = nullptr;
+    };
+
     NetworkControl control_;
-    std::map<std::string, velk::UniqueFd> taps_;
+    std::map<std::string, Tap> taps_;
 };
 
 }  // namespace sandbox

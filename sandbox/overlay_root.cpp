@@ -1,0 +1,147 @@
+// overlay_root.cpp - a copy of the whole machine that a device may change.
+//
+// The workshop, a file system in memory, holds the changes. It stands over /tmp of this process's
+// own mount namespace, so nothing is left of it on the machine, whatever way the device ends.
+#include "sandbox/overlay_root.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "sandbox/failure.h"
+#include "sandbox/mounts.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kWorkshop[] = "/tmp";
+constexpr char kNewRoot[] = "/tmp/root";
+constexpr mode_t kFolderMode = 0755;
+constexpr const char* kNodes[] = {"null", "zero", "full", "random", "urandom", "tty", "net/tun"};
+constexpr std::pair<const char*, const char*> kDeviceLinks[] = {
+    {"/proc/self/fd", "/dev/fd"}, {"fd/0", "/dev/stdin"},    {"fd/1", "/dev/stdout"},
+    {"fd/2", "/dev/stderr"},      {"pts/ptmx", "/dev/ptmx"},
+};
+// The kernel's own file systems, and the places that are private anyway.
+constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", "/var/tmp"};
+
+struct Node {
+    std::string name;
+    velk::UniqueFd held;
+};
+
+bool IsCopied(const fs::path& path) {
+    std::error_code error;
+    return fs::is_directory(path, error) &&
+           std::ranges::none_of(kNotCopied, [&path](const fs::path& folder) {
+               return std::ranges::mismatch(folder, path).in1 == folder.end();
+           });
+}
+
+// The folders where the machine's file systems begin, outer ones first; the root is not among them.
+std::vector<fs::path> FileSystemsBelowRoot() {
+    std::vector<fs::path> folders;
+    std::ifstream mounts("/proc/self/mountinfo");
+    for (std::string line; std::getline(mounts, line);) {
+        std::istringstream words(line);
+        std::string number, parent, device, part, folder;
+        words >> number >> parent >> device >> part >> folder;
+        if (folder != "/" && IsCopied(folder)) {
+            folders.emplace_back(folder);
+        }
+    }
+    std::ranges::sort(folders);
+    folders.erase(std::ranges::unique(folders).begin(), folders.end());
+    return folders;
+}
+
+bool TryOverlay(const fs::path& folder, const std::string& number) {
+    const std::string upper = std::string(kWorkshop) + "/upper" + number;
+    const std::string work = std::string(kWorkshop) + "/work" + number;
+    fs::create_directory(upper);
+    fs::create_directory(work);
+    fs::permissions(upper, fs::status(folder).permissions());
+    const std::string options =
+        "lowerdir=" + folder.string() + ",upperdir=" + upper + ",workdir=" + work;
+    const std::string target = kNewRoot + (folder == "/" ? "" : folder.string());
+    return mount("velk", target.c_str(), "overlay", 0, options.c_str()) == 0;
+}
+
+// A file system that cannot be one half of an overlay stays what it is here: read-only.
+void CopyFileSystem(const fs::path& folder, const std::string& number) {
+    if (!TryOverlay(folder, number)) {
+        const velk::UniqueFd held = Hold(AT_FDCWD, folder);
+        (void)TryAttach(held, kNewRoot + folder.string());
+    }
+}
+
+std::vector<Node> HoldNodes() {
+    std::vector<Node> nodes;
+    for (const std::string name : kNodes) {
+        velk::UniqueFd held = Hold(AT_FDCWD, "/dev/" + name);
+        if (held.get() == -1) {
+            Fail("cannot take hold of /dev/" + name, errno);
+        }
+        nodes.push_back({name, std::move(held)});
+    }
+    return nodes;
+}
+
+void MakeDeviceNodes(const std::vector<Node>& nodes) {
+    (void)MountMemory("/dev", kFolderMode);
+    for (const char* folder : {"/dev/net", "/dev/pts", "/dev/shm"}) {
+        fs::create_directory(folder);
+    }
+    for (const Node& node : nodes) {
+        const std::string path = "/dev/" + node.name;
+        std::ofstream{path};
+        Attach(node.held, path);
+    }
+    for (const auto& [target, link] : kDeviceLinks) {
+        fs::create_symlink(target, link);
+    }
+    if (mount("velk", "/dev/pts", "devpts", MS_NOSUID | MS_NOEXEC,
+              "newinstance,ptmxmode=0666,mode=620") == -1) {
+        Fail("cannot make terminals private", errno);
+    }
+}
+
+// Nothing of the old root can be reached afterwards.
+void MoveToNewRoot() {
+    fs::current_path(kNewRoot);
+    if (syscall(SYS_pivot_root, ".", ".") == -1 || umount2(".", MNT_DETACH) == -1) {
+        Fail("cannot change the root folder", errno);
+    }
+    fs::current_path("/");
+}
+
+}  // namespace
+
+void EnterOverlayRoot() {
+    const std::vector<Node> nodes = HoldNodes();
+    const std::vector<fs::path> file_systems = FileSystemsBelowRoot();
+    (void)MountMemory(kWorkshop, kFolderMode);
+    fs::create_directory(kNewRoot);
+    if (!TryOverlay("/", "")) {
+        Fail("cannot make an overlay of the root folder", errno);
+    }
+    for (size_t i = 0; i < file_systems.size(); ++i) {
+        CopyFileSystem(file_systems[i], std::to_string(i));
+    }
+    MoveToNewRoot();
+    MakeDeviceNodes(nodes);
+}
+
+}  // namespace sandbox
