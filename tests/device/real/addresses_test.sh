@@ -1,0 +1,91 @@
+# addresses_test.sh - a static address, a lease, and back, with the real ifupdown and DHCP client.
+# shellcheck shell=bash
+# shellcheck source=tests/device/real/lib.sh
+. "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
+
+# Without the adapter a restart of the wired port takes a second.
+velk-sandbox adapter out
+
+it 'gives the port another static address, which the kernel holds after a restart'
+run velkctl set eth0.address 192.168.0.77
+status_is 0
+check 'address before the restart' 192.168.0.10/24 "$(kernel_address eth0)"
+run velkctl restart eth0
+status_is 0
+check 'address after the restart' 192.168.0.77/24 "$(kernel_address eth0)"
+
+it 'reaches the gateway from there'
+run ping -c 1 -W 2 192.168.0.1
+status_is 0
+
+it 'takes a mask and a gateway of its own'
+velkctl set eth0.netmask 255.255.0.0
+velkctl set eth0.gateway 192.168.0.254
+run velkctl restart eth0
+status_is 0
+check 'address' 192.168.0.77/16 "$(kernel_address eth0)"
+check 'route' 'default via 192.168.0.254 dev eth0' "$(ip route show default | sed 's/ *onlink//;s/ *$//')"
+velkctl set eth0.netmask 255.255.255.0
+velkctl set eth0.gateway 192.168.0.1
+
+it 'takes a lease after the change to DHCP'
+run velkctl set eth0.method dhcp
+status_is 0
+run velkctl restart eth0
+status_is 0
+soon 5 has_lease eth0 0
+
+it 'reports address, mask and gateway of the lease'
+lease=$(sed -n 's/.*DHCPACK(r0) \([0-9.]*\) 02:00:00:00:00:10.*/\1/p' /var/log/router.log | tail -n 1)
+run velkctl get eth0.method eth0.address eth0.netmask eth0.gateway
+status_is 0
+output_is "eth0.method = dhcp
+eth0.address = $lease
+eth0.netmask = 255.255.255.0
+eth0.gateway = 192.168.0.1"
+check 'address of the kernel' "$lease/24" "$(kernel_address eth0)"
+
+it 'leaves the static address in the file, for the way back'
+run grep -E 'inet dhcp|address|netmask|gateway' /etc/network/interfaces
+output_is 'iface eth0 inet dhcp
+	address 192.168.0.77
+	netmask 255.255.255.0
+	gateway 192.168.0.1
+iface eth1 inet dhcp'
+
+it 'asks no address for a port that is switched back to static, and holds the static one'
+forget_router_log
+run velkctl set eth0.method static
+status_is 0
+run velkctl restart eth0
+status_is 0
+check 'address' 192.168.0.77/24 "$(kernel_address eth0)"
+run velkctl get eth0.address eth0.netmask eth0.gateway
+output_is 'eth0.address = 192.168.0.77
+eth0.netmask = 255.255.255.0
+eth0.gateway = 192.168.0.1'
+run ping -c 1 -W 2 192.168.0.1
+status_is 0
+check 'leases asked for' 0 "$(grep -c DHCPDISCOVER /var/log/router.log)"
+
+it 'configures only the interface meant: the block of a static one is switched off'
+velk-sandbox adapter in
+forget_router_log
+run ifup eth1
+status_is 0
+soon 5 has_lease eth1 1
+check 'address of the wired port' 192.168.0.77/24 "$(kernel_address eth0)"
+check 'wired port in the log' 0 "$(grep -c '02:00:00:00:00:10' /var/log/router.log)"
+
+it 'gets no lease while the router is out, and one when it is back'
+sed -i 's/^timeout 10;/timeout 2;/' /etc/dhclient.conf
+run ifdown eth1
+velk-sandbox router out
+run ifup eth1
+check 'address' '' "$(kernel_address eth1)"
+velk-sandbox router in
+run ifdown eth1
+run ifup eth1
+soon 5 has_lease eth1 1
+
+finish
