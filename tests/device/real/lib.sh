@@ -13,11 +13,10 @@ cd /tmp || exit
 
 # Waits until a command says yes. False after so many seconds.
 wait_until() { # wait_until SECONDS COMMAND...
-    local tries=$(($1 * 20))
+    local end=$((SECONDS + $1))
     shift
-    while ! "$@" >/dev/null 2>&1; do
-        tries=$((tries - 1))
-        [ "$tries" -gt 0 ] || return 1
+    until "$@" >/dev/null 2>&1; do
+        [ "$SECONDS" -le "$end" ] || return 1
         sleep 0.05
     done
 }

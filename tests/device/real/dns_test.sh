@@ -1,0 +1,54 @@
+# dns_test.sh - the DNS servers that are set, as the real forwarder asks them.
+# shellcheck shell=bash
+# shellcheck source=tests/device/real/lib.sh
+. "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
+
+# Further servers beside the router's own, each of which gives one name an address of its own.
+serve() { # serve SERVER ADDRESS
+    ip -n router addr add "$1/24" dev r0
+    ip netns exec router dnsmasq --conf-file=/dev/null --user=root --no-resolv --no-hosts \
+        --bind-interfaces --listen-address="$1" --pid-file="/run/dns.$1" \
+        --local=/example/ --host-record="who.example,$2"
+}
+ask() { getent ahostsv4 "$1" | sed -n 's/ *STREAM.*//p' | sort -u; }
+answers() { [ "$(ask who.example)" = "$1" ]; }
+
+serve 192.168.0.2 10.0.0.2
+serve 192.168.0.3 10.0.0.3
+
+it 'asks the server of the sample file'
+check 'address' 192.168.0.1 "$(ask router.example)"
+
+it 'asks the server that is set, without being restarted'
+forwarder=$(cat /run/dnsmasq.pid)
+run velkctl set eth0.dns 192.168.0.2
+status_is 0
+soon 5 answers 10.0.0.2
+check 'forwarder' "$forwarder" "$(cat /run/dnsmasq.pid)"
+
+it 'asks another one that is set'
+run velkctl set eth0.dns 192.168.0.3
+status_is 0
+soon 5 answers 10.0.0.3
+
+it 'asks the second one when the first is silent'
+run velkctl set eth0.dns 192.168.0.66 192.168.0.2
+status_is 0
+soon 10 answers 10.0.0.2
+
+it 'has no answer when there is no server'
+run velkctl set eth0.dns none
+status_is 0
+wait_until 5 grep -q 'no servers found' /var/log/dnsmasq.log
+run getent ahostsv4 who.example
+status_is 2
+
+it 'asks the server of a lease, when DNS servers come from DHCP'
+velk-sandbox adapter out
+velkctl set eth0.method dhcp
+run velkctl restart eth0
+soon 5 has_lease eth0 0
+soon 5 grep '192.168.0.1$' /etc/resolv.dnsmasq.conf
+soon 5 getent ahostsv4 router.example
+
+finish
