@@ -53,7 +53,7 @@ void Hardware::MakePorts() {
         SetWiredAddress(device);
     }
     if (options_.router_in) {
-        PlugRouter();
+        MoveRouter(true);
     }
 }
 
@@ -64,10 +64,8 @@ void Hardware::Obey(const std::string& order) {
         PlugAdapter();
     } else if (order == "adapter out") {
         PullAdapter();
-    } else if (order == "router in") {
-        PlugRouter();
-    } else if (order == "router out") {
-        router_.reset();
+    } else if (order == "router in" || order == "router out") {
+        MoveRouter(order == "router in");
     } else {
         throw Failure("the hardware does not know how to: " + order);
     }
@@ -110,11 +108,13 @@ void Hardware::PlugAdapter() {
     }
 }
 
-void Hardware::PlugRouter() {
+void Hardware::MoveRouter(bool in) {
     if (options_.router_folder.empty()) {
         throw Failure("this device has no router; one made with --real has");
     }
-    if (router_ == nullptr) {
+    if (!in) {
+        router_.reset();
+    } else if (router_ == nullptr) {
         router_ = std::make_unique<Router>(options_.router_folder);
         JoinRouter();
     }

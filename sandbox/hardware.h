@@ -43,7 +43,7 @@ class Hardware {
     void MoveCable(bool in);
     void PullAdapter();
     void PlugAdapter();
-    void PlugRouter();
+    void MoveRouter(bool in);
     void JoinRouter();
 
     HardwareOptions options_;

@@ -9,22 +9,32 @@
 
 namespace sandbox {
 
-// The end that takes orders, at a socket under /run. A device has one.
+// The end that takes orders: at a socket under /run, for those on the device, and at the device's
+// door, for those outside. A device has one.
 class HardwareChannel {
   public:
-    HardwareChannel();
+    explicit HardwareChannel(velk::UniqueFd door);
 
-    int fd() const { return listener_.get(); }  // readable when there is an order
-    // Takes one order and answers it, with the message of the Failure that `obey` throws if it
-    // does.
-    void Answer(const std::function<void(const std::string&)>& obey) const;
+    int inside() const { return inside_.get(); }  // both are readable when there is an order
+    int outside() const { return door_.get(); }
+    // Takes one order from one of these and answers it, with the message of the Failure that `obey`
+    // throws if it does.
+    void Answer(int listener, const std::function<void(const std::string&)>& obey) const;
 
   private:
-    velk::UniqueFd listener_;
+    velk::UniqueFd inside_;
+    velk::UniqueFd door_;
 };
 
-// Gives an order and waits until it is obeyed. Throws Failure.
-void GiveOrder(const std::string& order);
+// True when this process is on a device, whose hardware then takes its orders.
+bool IsOnDevice();
+
+// Gives an order and waits until it is obeyed: to the device this process is on, or to the one of
+// that name, or to the only one that is running. Throws Failure.
+void GiveOrder(const std::string& order, const std::string& name);
+
+// Asks a device for its first process, as a pidfd. Throws Failure.
+velk::UniqueFd AskForFirstProcess(const std::string& name);
 
 }  // namespace sandbox
 

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <exception>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -21,7 +22,8 @@ constexpr int kHardwareFailed = 1;
 void Serve(Hardware& hardware, const HardwareChannel& orders) {
     for (;;) {
         std::vector<pollfd> waiting = hardware.Frames();
-        waiting.push_back({orders.fd(), POLLIN, 0});
+        waiting.push_back({orders.inside(), POLLIN, 0});
+        waiting.push_back({orders.outside(), POLLIN, 0});
         if (poll(waiting.data(), waiting.size(), -1) == -1) {
             continue;
         }
@@ -29,8 +31,9 @@ void Serve(Hardware& hardware, const HardwareChannel& orders) {
             if (ready.revents == 0) {
                 continue;
             }
-            if (ready.fd == orders.fd()) {
-                orders.Answer([&hardware](const std::string& order) { hardware.Obey(order); });
+            if (ready.fd == orders.inside() || ready.fd == orders.outside()) {
+                orders.Answer(ready.fd,
+                              [&hardware](const std::string& order) { hardware.Obey(order); });
             } else {
                 hardware.Carry(ready);
             }
@@ -51,12 +54,13 @@ void Report(velk::UniqueFd& report, const std::string& text) {
     (void)report.Reset();
 }
 
-[[noreturn]] void BeHardware(const HardwareOptions& options, velk::UniqueFd& report) {
+[[noreturn]] void BeHardware(const HardwareOptions& options, velk::UniqueFd door,
+                             velk::UniqueFd& report) {
     (void)prctl(PR_SET_NAME, "velk-hardware");
     LeaveTerminal();
     try {
         Hardware hardware(options);
-        const HardwareChannel orders;
+        const HardwareChannel orders(std::move(door));
         Report(report, hardware.Start());
         Serve(hardware, orders);
     } catch (const std::exception& error) {
@@ -76,7 +80,7 @@ std::string ReadReport(const velk::UniqueFd& report) {
 
 }  // namespace
 
-std::string StartHardware(const HardwareOptions& options) {
+std::string StartHardware(const HardwareOptions& options, velk::UniqueFd door) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) == -1) {
         Fail("cannot make a pipe", errno);
@@ -88,14 +92,14 @@ std::string StartHardware(const HardwareOptions& options) {
         Fail("cannot start a process", errno);
     }
     if (hardware == 0) {
-        BeHardware(options, write_end);
+        BeHardware(options, std::move(door), write_end);
     }
     (void)write_end.Reset();
     return ReadReport(read_end);
 }
 
-void MoveHardware(const std::string& part, const std::string& position) {
-    GiveOrder(part + " " + position);
+void MoveHardware(const std::string& part, const std::string& position, const std::string& device) {
+    GiveOrder(part + " " + position, device);
 }
 
 }  // namespace sandbox

@@ -4,17 +4,19 @@
 
 #include <string>
 
+#include "frame/unique_fd.h"
 #include "sandbox/hardware.h"
 
 namespace sandbox {
 
-// Starts the process on the device that this process is the first process of. Returns once all
-// works, with what does not in one line, or an empty text.
-std::string StartHardware(const HardwareOptions& options);
+// Starts the process on the device that this process is the first process of. It takes orders from
+// outside at the door. Returns once all works, with what does not in one line, or an empty text.
+std::string StartHardware(const HardwareOptions& options, velk::UniqueFd door);
 
-// Moves a part of the device this process runs on: "cable", "adapter" or "router", "in" or "out".
-// The effect is there on return. Throws Failure, also when this is not a device.
-void MoveHardware(const std::string& part, const std::string& position);
+// Moves a part of the device of that name: "cable", "adapter" or "router", "in" or "out". Without a
+// name it is the device this process runs on, or the only one that is running. The effect is there
+// on return. Throws Failure.
+void MoveHardware(const std::string& part, const std::string& position, const std::string& device);
 
 }  // namespace sandbox
 

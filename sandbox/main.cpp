@@ -1,15 +1,21 @@
 // main.cpp - velk-sandbox: a device on your desk.
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "sandbox/command.h"
+#include "sandbox/door.h"
+#include "sandbox/hardware_channel.h"
 #include "sandbox/hardware_process.h"
 #include "sandbox/session.h"
+#include "sandbox/visit.h"
+#include "sandbox/watch.h"
 #include <CLI/CLI.hpp>
 
 namespace {
@@ -21,11 +27,16 @@ constexpr char kDescription[] =
     "its own, while the machine around it stays as it is.";
 constexpr char kUsage[] =
     "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n"
-    "       velk-sandbox cable|adapter|router in|out\n";
+    "       velk-sandbox cable|adapter|router in|out [--name NAME]\n"
+    "       velk-sandbox enter [--name NAME] [-- COMMAND...]\n"
+    "       velk-sandbox watch [--name NAME]\n"
+    "       velk-sandbox list\n";
 constexpr char kFooter[] =
     "Exit status: the command's; 128 and the number of the signal that ended it; 125 when there "
     "is\n"
     "no device to be had, 126 when the command cannot be run, 127 when it is not found.";
+
+constexpr char kWhichDevice[] = "Name of the device, if several are running";
 
 // The parser does not know of the command, so its help would leave that out.
 class HelpFormatter : public CLI::Formatter {
@@ -68,18 +79,73 @@ CLI::Validator ExistingFolder() {
     return validator.description("");
 }
 
-// Moves a part of the device that this program runs on, instead of making a device.
-void AddMove(CLI::App& app, const std::string& part, const std::string& description) {
-    CLI::App* move = app.add_subcommand(part, description);
-    move->add_option_function<std::string>(
-            "POSITION",
-            [part](const std::string& position) { sandbox::MoveHardware(part, position); },
-            "Where it is to be")
-        ->required()
-        ->check(CLI::IsMember({"in", "out"}));
+// What the words on the command line ask for.
+struct Request {
+    sandbox::Session session;
+    std::string position;          // of a part that is moved
+    std::function<int()> instead;  // of making a device
+};
+
+void AddName(CLI::App& app, Request& request, const char* description) {
+    app.add_option("--name", request.session.name, description)->type_name("NAME");
 }
 
-void AddOptions(CLI::App& app, sandbox::Session& session) {
+CLI::App* AddVerb(CLI::App& app, Request& request, const std::string& name,
+                  const std::string& description, const std::function<int()>& run) {
+    CLI::App* verb = app.add_subcommand(name, description);
+    verb->final_callback([&request, run] { request.instead = run; });
+    return verb;
+}
+
+void AddMove(CLI::App& app, Request& request, const std::string& part,
+             const std::string& description) {
+    CLI::App* move = AddVerb(app, request, part, description, [&request, part] {
+        sandbox::MoveHardware(part, request.position, request.session.name);
+        return EXIT_SUCCESS;
+    });
+    move->add_option("POSITION", request.position, "Where it is to be")
+        ->required()
+        ->check(CLI::IsMember({"in", "out"}));
+    AddName(*move, request, kWhichDevice);
+}
+
+int Enter(const sandbox::Session& session) {
+    return sandbox::RunVisit({session.name, session.command, session.program_folder});
+}
+
+int Watch(const sandbox::Session& session) {
+    if (session.name.empty() && sandbox::IsOnDevice()) {
+        sandbox::WatchFiles();
+    }
+    return sandbox::RunThere(session.name, [] {
+        sandbox::WatchFiles();
+        return EXIT_SUCCESS;
+    });
+}
+
+int List() {
+    for (const std::string& name : sandbox::RunningDevices()) {
+        (void)puts(name.c_str());
+    }
+    return EXIT_SUCCESS;
+}
+
+void AddVerbs(CLI::App& app, Request& request) {
+    const sandbox::Session& session = request.session;
+    AddMove(app, request, "cable", "Plug the cable of eth0 in, or pull it out");
+    AddMove(app, request, "adapter", "Plug the wireless adapter eth1 in, or pull it out");
+    AddMove(app, request, "router", "Plug the router of a real device in, or pull it out");
+    AddName(*AddVerb(app, request, "enter", "Run a command, or a shell, on a running device",
+                     [&session] { return Enter(session); }),
+            request, kWhichDevice);
+    AddName(*AddVerb(app, request, "watch", "Show each change of a device's file as it happens",
+                     [&session] { return Watch(session); }),
+            request, kWhichDevice);
+    AddVerb(app, request, "list", "Name the running devices", List);
+}
+
+void AddOptions(CLI::App& app, Request& request) {
+    sandbox::Session& session = request.session;
     app.formatter(std::make_shared<HelpFormatter>());
     app.footer(kFooter);
     auto* real = app.add_flag("--real", session.real,
@@ -95,15 +161,14 @@ void AddOptions(CLI::App& app, sandbox::Session& session) {
     app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
         ->type_name("DIR")
         ->check(ExistingFolder());
-    AddMove(app, "cable", "On a device: plug the cable of eth0 in, or pull it out");
-    AddMove(app, "adapter", "On a device: plug the wireless adapter eth1 in, or pull it out");
-    AddMove(app, "router", "On a device: plug the router in, or pull it out");
+    AddName(app, request, "Name that other terminals reach the device by; a number at first");
     app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION);
 }
 
 int Run(std::vector<std::string> words) {
     const fs::path program_folder = fs::read_symlink("/proc/self/exe").parent_path();
-    sandbox::Session session;
+    Request request;
+    sandbox::Session& session = request.session;
     session.program_folder = program_folder;
     session.command = TakeCommand(words);
     session.device.rootfs = DataFolder(program_folder, "rootfs");
@@ -113,7 +178,8 @@ int Run(std::vector<std::string> words) {
     session.device.keep = FoldersInUse(program_folder);
 
     CLI::App app(kDescription, "velk-sandbox");
-    AddOptions(app, session);
+    AddOptions(app, request);
+    AddVerbs(app, request);
     std::ranges::reverse(words);  // as the parser takes them
     try {
         app.parse(words);
@@ -123,10 +189,7 @@ int Run(std::vector<std::string> words) {
         sandbox::Say(error.what());
         return sandbox::kUsageError;
     }
-    if (!app.get_subcommands().empty()) {
-        return EXIT_SUCCESS;
-    }
-    return sandbox::RunSession(session);
+    return request.instead ? request.instead() : sandbox::RunSession(session);
 }
 
 }  // namespace

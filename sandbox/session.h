@@ -14,6 +14,7 @@ struct Session {
     std::vector<std::string> command;  // empty: the user's shell
     std::string program_folder;        // where velkctl is found
     std::string stand_in_folder;       // scripts in place of tools that do not work on a device
+    std::string name;                  // that other terminals reach it by; empty: a number
     bool quiet = false;
     bool real = false;          // the system's own tools, and a router around the device
     std::string real_rootfs;    // more of such a device's files

@@ -1,0 +1,28 @@
+// door.h - how the machine's other processes reach a running device.
+//
+// A door is a socket whose name lives in the machine's network, not in its file system: it goes
+// with the device, whatever way that ends.
+#ifndef SANDBOX_DOOR_H_
+#define SANDBOX_DOOR_H_
+
+#include <string>
+#include <vector>
+
+#include "frame/unique_fd.h"
+
+namespace sandbox {
+
+// Opens the door of a new device. Without a name it gets the first free number, and `name` is set
+// to that. Throws Failure, also when a device of this user has the name.
+velk::UniqueFd OpenDoor(std::string& name);
+
+// A connection to the device of that name. Without a name: to the only one that is running. Throws
+// Failure.
+velk::UniqueFd KnockAtDoor(const std::string& name);
+
+// The names of this user's running devices, in order.
+std::vector<std::string> RunningDevices();
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_DOOR_H_

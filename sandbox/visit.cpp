@@ -1,0 +1,84 @@
+// visit.cpp - a second terminal on a running device.
+#include "sandbox/visit.h"
+
+#include <cerrno>
+#include <csignal>
+#include <exception>
+#include <filesystem>
+
+#include <sched.h>
+#include <unistd.h>
+
+#include "frame/unique_fd.h"
+#include "sandbox/bound_child.h"
+#include "sandbox/capabilities.h"
+#include "sandbox/command.h"
+#include "sandbox/failure.h"
+#include "sandbox/hardware_channel.h"
+#include "sandbox/terminal.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kNamespaces = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWPID;
+
+// Root's devices have no user namespace of their own. This process's children are on the device.
+void EnterNamespaces(const velk::UniqueFd& first_process) {
+    const bool privileged = IsPrivileged();
+    if (privileged) {
+        DropMachineCapabilities();
+    }
+    if (setns(first_process.get(), kNamespaces | (privileged ? 0 : CLONE_NEWUSER)) == -1) {
+        Fail("cannot enter the device", errno);
+    }
+}
+
+void StandIn(const fs::path& folder) {
+    std::error_code error;
+    fs::current_path(folder, error);
+    if (error) {
+        fs::current_path("/");
+    }
+}
+
+[[noreturn]] void BeVisitor(const std::function<int()>& function) {
+    int status = kSandboxFailed;
+    try {
+        DropMachineCapabilities();
+        status = function();
+    } catch (const std::exception& error) {
+        Say(error.what());
+    }
+    _exit(status);
+}
+
+}  // namespace
+
+int RunThere(const std::string& device, const std::function<int()>& function) {
+    std::error_code no_folder;
+    const fs::path here = fs::current_path(no_folder);
+    EnterNamespaces(AskForFirstProcess(device));
+    StandIn(here);
+    const pid_t visitor = ForkBoundChild(fork);
+    if (visitor == 0) {
+        BeVisitor(function);
+    }
+    return WaitForChild(visitor);
+}
+
+int RunVisit(const Visit& visit) {
+    const Terminal terminal;
+    LeaveSignalsToCommand();
+    const int status = RunThere(visit.device, [&] {
+        if (visit.command.empty()) {
+            terminal.HandOver();
+        }
+        return BecomeCommand(visit.command, visit.program_folder);
+    });
+    terminal.TakeBack();
+    return status;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,164 @@
+# outside_test.sh - a running device as other terminals of the machine reach it.
+# Run by root, it runs a second time as an ordinary user, from a copy which that user can read.
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+needs_sandbox
+[ ! -e /run/velk-sandbox ] || skip 'this is a device itself'
+
+this_file=$(realpath "$0")
+name=outside.$$
+
+# Starts a device with a command that has time, and waits until it is there.
+start_device() { # start_device NAME OPTION...
+    velk-sandbox --quiet --name "$@" -- sh -c 'trap "exit 0" TERM; echo ready >/tmp/ready; sleep 60 & wait' &
+    device=$!
+    wait_until_ready velk-sandbox enter --name "$1" -- test -e /tmp/ready
+}
+wait_until_ready() {
+    for _ in $(seq 100); do
+        "$@" 2>/dev/null && return
+        sleep 0.05
+    done
+}
+end_device() {
+    kill -KILL "$device"
+    wait "$device" 2>/dev/null
+}
+inside() { run velk-sandbox enter --name "$name" -- "$@"; }
+is_listed() { velk-sandbox list | grep -qx "$1" && echo listed || echo not; }
+
+# Runs a shell line where no other device can be seen: the names live in the network.
+alone() {
+    local root=--map-root-user
+    [ "$(id -u)" != 0 ] || root=
+    # shellcheck disable=SC2086  # no word for root
+    run unshare $root --net bash -c "$1"
+}
+
+it 'says that there is no device, or none of that name'
+for arguments in 'cable in' 'adapter out' 'router in' 'enter' 'watch'; do
+    alone "velk-sandbox $arguments"
+    status_is 125
+    error_is 'velk-sandbox: no device is running here'
+    run velk-sandbox $arguments --name "$name.none"
+    status_is 125
+    error_is "velk-sandbox: no device named $name.none is running"
+done
+
+it 'reaches the only device without a name, and asks for one when there are several'
+alone 'velk-sandbox --quiet -- sleep 60 & one=$!
+    until velk-sandbox enter -- true; do sleep 0.05; done 2>/dev/null
+    velk-sandbox list; velk-sandbox enter -- hostname
+    velk-sandbox --quiet --name two -- sleep 60 & two=$!
+    until velk-sandbox enter --name two -- true; do sleep 0.05; done 2>/dev/null
+    velk-sandbox list; velk-sandbox cable out; echo $?
+    kill -KILL $one $two'
+output_is '1
+velk
+1
+two
+125'
+error_has 'velk-sandbox: several devices are running: 1, two; choose one with --name'
+
+it 'takes a name only once, and none that cannot be one'
+start_device "$name"
+check 'name' listed "$(is_listed "$name")"
+run velk-sandbox --quiet --name "$name" -- true
+status_is 125
+error_is "velk-sandbox: a device named $name is running already"
+for bad in 'a/b' 'a b' 'ä' "$(printf '%33s' '' | tr ' ' x)"; do
+    run velk-sandbox --quiet --name "$bad" -- true
+    status_is 125
+    error_has "'$bad' cannot be a name"
+done
+
+it 'moves cable and adapter from outside'
+for position in out in; do
+    run velk-sandbox cable $position --name "$name"
+    status_is 0
+    inside sh -c 'ethtool eth0 | sed -n "s/.*Link detected: //p"'
+    output_is "$([ $position = in ] && echo yes || echo no)"
+done
+for position in out in; do
+    run velk-sandbox adapter $position --name "$name"
+    status_is 0
+    inside grep -c Driver=wlan /proc/bus/usb/devices
+    output_is "$([ $position = in ] && echo 1 || echo 0)"
+done
+
+it 'says that this device has no router'
+run velk-sandbox router in --name "$name"
+status_is 125
+error_is 'velk-sandbox: this device has no router; one made with --real has'
+
+it 'lets others in: same files, same network, same processes, and no clock'
+inside sh -c 'hostname; id -u; cat /tmp/ready; velkctl set location attic; pwd
+    cat /proc/1/comm; cat /sys/class/net/eth0/address'
+status_is 0
+output_is "velk
+0
+ready
+$(pwd)
+velk-sandbox
+02:00:00:00:00:10"
+inside velkctl get location
+output_is attic
+for set in CapEff CapBnd; do
+    inside sed -n "s/^$set:\t//p" /proc/self/status
+    check "CAP_SYS_TIME in $set" 0 "$((0x$output >> 25 & 1))"
+done
+
+it 'ends with the exit status of the visitor'
+inside sh -c 'exit 7'
+status_is 7
+inside sh -c 'kill -KILL $$'
+status_is 137
+inside no-such-program
+status_is 127
+
+it 'shows each change of a file as it happens'
+velk-sandbox watch --name "$name" >"$lib_folder/watched" 2>"$lib_folder/watch-errors" &
+watcher=$!
+wait_until_ready grep -q watching "$lib_folder/watch-errors"
+inside velkctl set eth0.dns 10.9.8.7
+wait_until_ready grep -q '^+nameserver' "$lib_folder/watched"
+inside velkctl set ntp-server time.example
+wait_until_ready grep -q '^+0 \*' "$lib_folder/watched"
+check 'changes' '--- /etc/resolv.dnsmasq.conf
++++ /etc/resolv.dnsmasq.conf	TIME
+@@ -1,2 +1 @@
+-nameserver 192.168.0.1
+-nameserver 192.168.0.2
++nameserver 10.9.8.7
+--- /var/cron/tabs/root
++++ /var/cron/tabs/root	TIME
+@@ -1,3 +1,3 @@
+-0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
++0 * * * * /usr/bin/ntpdate -u time.example > /var/libvelk/ntp.log
+ 15 3 * * * /usr/sbin/logrotate /etc/logrotate.conf
+ 30 01 * * 0 perl /usr/bin/web_contents_updater.pl' \
+    "$(sed -E 's/\t[0-9]{2}:[0-9]{2}:[0-9]{2}$/\tTIME/' "$lib_folder/watched")"
+
+it 'shows files that come and go'
+inside sh -c 'echo one >/var/libvelk/ntp.log'
+wait_until_ready grep -q '^+one' "$lib_folder/watched"
+inside rm /var/libvelk/ntp.log
+wait_until_ready grep -q '^-one' "$lib_folder/watched"
+check 'line that comes and goes' '+one -one' "$(grep '^.one' "$lib_folder/watched" | paste -s -d ' ')"
+
+it 'ends its visitors when it is killed, and leaves no name'
+velk-sandbox enter --name "$name" -- sleep 60 2>/dev/null &
+visitor=$!
+sleep 0.3
+end_device
+wait "$visitor"
+check 'status of a visitor' 137 "$?"
+wait "$watcher"
+check 'status of the watcher' 137 "$?"
+check 'name' not "$(is_listed "$name")"
+
+again_as_ordinary_user "$this_file"
+
+finish
