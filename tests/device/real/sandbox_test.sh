@@ -1,0 +1,147 @@
+# sandbox_test.sh - the device with the system's own tools: what it is made of, and how it ends.
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+lib_reason=$(velk-sandbox --quiet --real -- true 2>&1) || skip "no real device here: $lib_reason"
+
+name=real.$$
+mark=$((300000 + $$)) # for a `sleep` that is recognised among all processes
+
+on_real_device() { run velk-sandbox --quiet --real -- sh -c "$1"; }
+yes_if() { "$@" >/dev/null 2>&1 && echo yes || echo no; }
+
+# The fastest of five counts, as the machine may be busy.
+fastest_start() { # fastest_start OPTION...
+    local fastest=999999 start took
+    for _ in 1 2 3 4 5; do
+        start=$(date +%s%N)
+        velk-sandbox --quiet --real "$@" -- true
+        took=$((($(date +%s%N) - start) / 1000000))
+        [ "$took" -lt "$fastest" ] && fastest=$took
+    done
+    echo "$fastest"
+}
+
+it 'is for root alone'
+run setpriv --reuid 65534 --regid 65534 --clear-groups "$(command -v velk-sandbox)" --real -- true
+status_is 125
+error_is "velk-sandbox: only root may make a device with the system's own tools"
+
+it 'takes a router out only of a device that has one'
+run velk-sandbox --no-router -- true
+status_is 2
+
+it 'starts in less than a second'
+took=$(fastest_start --no-router)
+check "fast start ($took ms)" yes "$(yes_if [ "$took" -lt 1000 ])"
+took=$(fastest_start)
+check "fast start with the router ($took ms)" yes "$(yes_if [ "$took" -lt 1000 ])"
+
+it 'has the clock out of reach'
+for set in CapEff CapPrm CapBnd; do
+    on_real_device "sed -n 's/^$set:\t//p' /proc/self/status"
+    check "CAP_SYS_TIME in $set" 0 "$((0x$output >> 25 & 1))"
+    on_real_device "sudo sed -n 's/^$set:\t//p' /proc/self/status"
+    check "CAP_SYS_TIME in $set with sudo" 0 "$((0x$output >> 25 & 1))"
+done
+
+it 'is up and at work: services, address, gateway, name server, time server'
+on_real_device 'for program in cron dnsmasq snmpd "busybox syslogd"; do pgrep -f "^$program" >/dev/null && echo $program; done
+    ip -4 -o addr show eth0 | grep -o "192.168.0.10/24"; ip route show default | cut -d " " -f 3
+    ping -c 1 -W 2 192.168.0.1 >/dev/null && echo pong
+    getent ahostsv4 router.example | head -n 1 | cut -d " " -f 1
+    ntpdate -u 192.168.0.1 | grep -o "adjust time server 192.168.0.1"'
+output_is 'cron
+dnsmasq
+snmpd
+busybox syslogd
+192.168.0.10/24
+192.168.0.1
+pong
+192.168.0.1
+adjust time server 192.168.0.1'
+
+it 'changes nothing of the machine'
+before=$(ls -la --time-style=full-iso /etc /usr/sbin /var/lib | md5sum)
+on_real_device 'echo mine >/etc/velk-mine && rm /usr/sbin/ethtool /etc/passwd && mkdir /var/lib/velk-mine &&
+    mknod /dev/velk-mine c 1 3 && ls /etc/velk-mine'
+status_is 0
+output_is /etc/velk-mine
+check 'folders of the machine' "$before" "$(ls -la --time-style=full-iso /etc /usr/sbin /var/lib | md5sum)"
+check 'devices of the machine' no "$(yes_if test -e /dev/velk-mine)"
+
+it 'shows no disk of the machine'
+on_real_device 'ls /dev'
+output_is 'fd
+full
+log
+net
+null
+ptmx
+pts
+random
+shm
+stderr
+stdin
+stdout
+tty
+urandom
+zero'
+
+it 'leaves a folder writable that is to be'
+run velk-sandbox --quiet --real --writable "$lib_folder" -- sh -c 'echo kept >"$1"/file' sh "$lib_folder"
+status_is 0
+check 'file' kept "$(cat "$lib_folder/file")"
+
+it 'takes the device'"'"'s files from another folder, and the rest from its own'
+mkdir -p "$lib_folder/files/etc/network"
+printf '%s\n' 'auto lo' 'iface lo inet loopback' 'iface eth0 inet static' 'address 192.168.0.20' \
+    'netmask 255.255.255.0' >"$lib_folder/files/etc/network/interfaces"
+run velk-sandbox --quiet --real --rootfs "$lib_folder/files" -- sh -c 'ip -4 -o addr show eth0; cat /etc/resolv.conf'
+output_has 192.168.0.20/24
+output_has 'nameserver 127.0.0.1'
+
+it 'moves cable, adapter and router, each by one command of another terminal'
+velk-sandbox --quiet --real --name "$name" -- sleep "$mark" &
+device=$!
+until velk-sandbox enter --name "$name" -- pgrep -x sleep; do sleep 0.05; done >/dev/null 2>&1
+answers() { velk-sandbox enter --name "$name" -- ping -c 1 -W 1 192.168.0.1; }
+check 'gateway at first' yes "$(yes_if answers)"
+for part in cable router; do
+    run velk-sandbox $part out --name "$name"
+    status_is 0
+    check "gateway with the $part out" no "$(yes_if answers)"
+    run velk-sandbox $part in --name "$name"
+    status_is 0
+    check "gateway with the $part in" yes "$(yes_if answers)"
+done
+run velk-sandbox adapter out --name "$name"
+status_is 0
+run velk-sandbox enter --name "$name" -- velkctl get eth1.mac-address
+status_is 4
+run velk-sandbox adapter in --name "$name"
+status_is 0
+run velk-sandbox enter --name "$name" -- velkctl get eth1.mac-address
+status_is 5
+
+it 'has a router that can be visited, too'
+run velk-sandbox enter --name "$name" -- ip netns exec router ping -c 1 -W 2 192.168.0.10
+status_is 0
+
+it 'ends with everything in it when it is killed'
+namespace=$(velk-sandbox enter --name "$name" -- readlink /proc/self/ns/net)
+in_namespace() { readlink /proc/[0-9]*/ns/net 2>/dev/null | grep -cxF "$namespace"; }
+check 'processes on its network before' yes "$(yes_if [ "$(in_namespace)" -gt 5 ])"
+kill -KILL "$device"
+wait "$device" 2>/dev/null
+for _ in $(seq 40); do
+    [ "$(in_namespace)" = 0 ] && break
+    sleep 0.05
+done
+check 'processes on its network' 0 "$(in_namespace)"
+check 'processes with its command' no "$(yes_if pgrep -fx "sleep $mark")"
+check 'interfaces of the machine' 0 "$(ip -o link | grep -cE ': (eth1|r0|r1):')"
+check 'mounts of the machine' 0 "$(grep -c ' velk ' /proc/self/mountinfo)"
+
+finish
