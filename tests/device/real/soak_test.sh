@@ -1,0 +1,135 @@
+# soak_test.sh - random requests from several processes, and what is left of them afterwards.
+# VELK_SOAK_SECONDS and VELK_SOAK_SEED set how long and which; the seed is printed.
+# shellcheck shell=bash
+# shellcheck source=tests/device/real/lib.sh
+. "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
+
+seconds=${VELK_SOAK_SECONDS:-20}
+seed=${VELK_SOAK_SEED:-$((RANDOM * 32768 + RANDOM))}
+echo "seed $seed, $seconds seconds"
+
+# What a sanitizer keeps of freed memory would pass for a leak.
+export ASAN_OPTIONS=quarantine_size_mb=1
+
+files='/etc/network/interfaces /etc/dhclient.conf /etc/dhclient-exit-hooks /sbin/dhclient-script
+    /etc/resolv.dnsmasq.conf /var/cron/tabs/root /var/libvelk/libvelk'
+# The agent's file is another one after each edit.
+agents_file=/usr/local/share/etc/snmp/snmpd.conf
+
+processes() { ps -eo comm= | grep -vxE 'bash|ps|grep|sort' | sort; }
+# shellcheck disable=SC2086  # one word per file
+facts() { stat -c '%n %i %u:%g %a' $files && stat -c '%n %u:%g %a' $agents_file; }
+is_quiet() { [ "$processes_before" = "$(processes)" ]; }
+results() { sed -n "s/^$1: //p" <<<"$soak"; }
+
+# The sets change addresses that are there; a static adapter without any would be no interface.
+printf '\taddress 192.168.1.10\n\tnetmask 255.255.255.0\n' >>/etc/network/interfaces
+
+# So that an address of its own does not outlive the lease.
+run ifdown eth1
+processes_before=$(processes)
+sockets_before=$(find /tmp -type s | sort)
+semaphores_before=$(ls /dev/shm)
+facts_before=$(facts)
+
+# Meanwhile somebody plays with the cable.
+while sleep 1; do
+    velk-sandbox cable out
+    sleep 0.5
+    velk-sandbox cable in
+done &
+player=$!
+
+it 'answers thousands of requests, each with a result that it knows, and stays flat'
+run "$VELK_BUILD/tests/device/soak" "$seconds" "$seed"
+status_is 0
+soak=$output
+grep soak <<<"$error"
+echo "$soak" | paste -s -d ' '
+total=$(awk '{ sum += $2 } END { print sum + 0 }' <<<"$soak")
+check "requests: $total" yes "$([ "$total" -ge 2000 ] && echo yes || echo no)"
+for result in 0 -1 -3 -4; do
+    check "results $result: $(results $result)" yes "$([ "$(results $result)" -gt 0 ] && echo yes || echo no)"
+done
+kill "$player"
+wait "$player" 2>/dev/null
+velk-sandbox cable in
+
+it 'leaves no process'
+run ifdown --force eth1
+pkill dhclient
+soon 15 is_quiet
+check 'processes' "$processes_before" "$(processes)"
+
+it 'leaves no edit copy but an empty one, which a refused switch leaves until the next set'
+run find /var/tmp -type f -size +0
+output_is ''
+for id in 102 103; do
+    run velkctl call set $id eth0 --hex 01
+    status_is 0
+done
+
+it 'leaves no lock, socket, semaphore and edit copy'
+for lock in vklib_lock get_result_lock; do
+    run flock -n /var/tmp/$lock true
+    status_is 0
+done
+check 'files' 'get_result_lock
+vklib_lock' "$(ls -A /var/tmp)"
+check 'sockets' "$sockets_before" "$(find /tmp -type s | sort)"
+check 'semaphores' "$semaphores_before" "$(ls /dev/shm)"
+
+it 'keeps inode, owner and mode of each file'
+check 'facts' "$facts_before" "$(facts)"
+
+it 'leaves an interfaces file that ifupdown takes'
+run ifquery --list
+status_is 0
+output_is 'lo
+eth0
+eth1'
+for interface in eth0 eth1; do
+    run ifup --no-act --force $interface
+    status_is 0
+done
+
+it 'leaves hooks and a client script that the shell takes'
+run sh -n /etc/dhclient-exit-hooks
+status_is 0
+run sh -n /sbin/dhclient-script
+status_is 0
+
+it 'leaves a crontab that cron takes'
+run crontab -n /var/cron/tabs/root
+status_is 0
+
+it 'leaves a resolver file that the forwarder takes'
+velkctl set eth0.dns 192.168.0.1
+soon 5 getent ahostsv4 router.example
+run grep -vE '^nameserver [0-9.]+$' /etc/resolv.dnsmasq.conf
+output_is ''
+
+it 'leaves a settings file and an agent that say the same'
+run velkctl set location cellar
+status_is 0
+run snmpget -v2c -c public -Oqv -t 1 -r 5 127.0.0.1 1.3.6.1.2.1.1.6.0
+output_is '"cellar"'
+
+it 'leaves a DHCP client that brings a lease'
+velkctl set eth0.method static
+velkctl set eth0.method dhcp
+velkctl set eth0.link-speed auto
+velk-sandbox adapter out
+run velkctl restart eth0
+status_is 0
+soon 10 has_lease eth0 0
+run grep -ciE 'syntax|parse|error|semicolon' /var/log/syslog/syslog_info.log.0
+output_is 0
+
+it 'leaves a wireless daemon that answers'
+velk-sandbox adapter in
+velk-sandbox cable out
+run velkctl get eth1.signal
+status_is 0
+
+finish
