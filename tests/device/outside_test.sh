@@ -42,6 +42,7 @@ for arguments in 'cable in' 'adapter out' 'router in' 'enter' 'watch'; do
     alone "velk-sandbox $arguments"
     status_is 125
     error_is 'velk-sandbox: no device is running here'
+    # shellcheck disable=SC2086  # words
     run velk-sandbox $arguments --name "$name.none"
     status_is 125
     error_is "velk-sandbox: no device named $name.none is running"

@@ -1,5 +1,6 @@
 # dns_test.sh - the DNS servers that are set, as the real forwarder asks them.
 # shellcheck shell=bash
+# shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 

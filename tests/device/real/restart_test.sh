@@ -1,5 +1,6 @@
 # restart_test.sh - a restart of the wireless interface, in each situation, with the daemon's view.
 # shellcheck shell=bash
+# shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 [ -x "$VELK_BUILD/wland" ] || skip 'no wireless daemon here'

@@ -1,6 +1,7 @@
 # soak_test.sh - random requests from several processes, and what is left of them afterwards.
 # VELK_SOAK_SECONDS and VELK_SOAK_SEED set how long and which; the seed is printed.
 # shellcheck shell=bash
+# shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 
@@ -16,6 +17,7 @@ files='/etc/network/interfaces /etc/dhclient.conf /etc/dhclient-exit-hooks /sbin
 # The agent's file is another one after each edit.
 agents_file=/usr/local/share/etc/snmp/snmpd.conf
 
+# shellcheck disable=SC2009  # names, not numbers
 processes() { ps -eo comm= | grep -vxE 'bash|ps|grep|sort' | sort; }
 # shellcheck disable=SC2086  # one word per file
 facts() { stat -c '%n %i %u:%g %a' $files && stat -c '%n %u:%g %a' $agents_file; }
@@ -24,6 +26,10 @@ results() { sed -n "s/^$1: //p" <<<"$soak"; }
 
 # The sets change addresses that are there; a static adapter without any would be no interface.
 printf '\taddress 192.168.1.10\n\tnetmask 255.255.255.0\n' >>/etc/network/interfaces
+
+# Asking for an option that is asked for already adds it to the next statement in scope as well. Only
+# a request survives that.
+sed -i '/send dhcp-client-identifier/d' /etc/dhclient.conf
 
 # So that an address of its own does not outlive the lease.
 run ifdown eth1
@@ -64,8 +70,8 @@ check 'processes' "$processes_before" "$(processes)"
 it 'leaves no edit copy but an empty one, which a refused switch leaves until the next set'
 run find /var/tmp -type f -size +0
 output_is ''
-for id in 102 103; do
-    run velkctl call set $id eth0 --hex 01
+for setting in eth0.method=static eth0.apipa=on ntp=on; do
+    run velkctl set "${setting%=*}" "${setting#*=}"
     status_is 0
 done
 
@@ -123,8 +129,8 @@ velk-sandbox adapter out
 run velkctl restart eth0
 status_is 0
 soon 10 has_lease eth0 0
-run grep -ciE 'syntax|parse|error|semicolon' /var/log/syslog/syslog_info.log.0
-output_is 0
+run grep -iE 'syntax|parse|error|semicolon' /var/log/syslog/syslog_info.log.0
+output_is ''
 
 it 'leaves a wireless daemon that answers'
 velk-sandbox adapter in
