@@ -95,19 +95,20 @@ void TellData(const Data& data, bool masked, Report& report) {
     report.Member("data", masked && data != Data{} ? Json(kMask) : Json(ToHex(UsedBytes(data))));
 }
 
-// The result is what was asked for; one that is a failure is complained about besides.
+// The result is what was asked for, whatever it is; in a document, a failure is among the errors too.
 void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
     if (answer.timed_out) {
         report.Complain(DescribeFailure("call", answer));
         return;
     }
+    std::string result = DescribeResult(answer.result);
+    if (!answer.remark.empty()) {
+        result.append("; ").append(answer.remark);
+    }
+    report.Text(result + "\n");
     report.Member("result", ResultInJson(answer.result));
-    if (answer.ok()) {
-        report.Text(DescribeResult(answer.result) + "\n");
-    } else {
-        const std::string remark = answer.remark.empty() ? "" : "; " + answer.remark;
-        report.Complain(
-            Problem{"call: " + DescribeResult(answer.result) + remark, {}, answer.result});
+    if (!answer.ok() && report.is_json()) {
+        report.Complain(Problem{"call: " + result, {}, answer.result});
     }
     if (command.type == VELK_GET) {
         TellData(answer.data, masked, report);
