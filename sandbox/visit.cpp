@@ -43,10 +43,14 @@ void StandIn(const fs::path& folder) {
     }
 }
 
-[[noreturn]] void BeVisitor(const std::function<int()>& function) {
+// Runs a function in a child and returns its exit status. The child ends with this process.
+int RunInChild(const std::function<int()>& function) {
+    const pid_t child = ForkBoundChild(fork);
+    if (child != 0) {
+        return WaitForChild(child);
+    }
     int status = kSandboxFailed;
     try {
-        DropMachineCapabilities();
         status = function();
     } catch (const std::exception& error) {
         Say(error.what());
@@ -59,13 +63,17 @@ void StandIn(const fs::path& folder) {
 int RunThere(const std::string& device, const std::function<int()>& function) {
     std::error_code no_folder;
     const fs::path here = fs::current_path(no_folder);
-    EnterNamespaces(AskForFirstProcess(device));
-    StandIn(here);
-    const pid_t visitor = ForkBoundChild(fork);
-    if (visitor == 0) {
-        BeVisitor(function);
-    }
-    return WaitForChild(visitor);
+    const velk::UniqueFd first_process = AskForFirstProcess(device);
+    // Not in this process: whoever has entered a PID namespace can start no child once that has
+    // ended, and tools that need one at exit, such as a leak checker, would fail.
+    return RunInChild([&] {
+        EnterNamespaces(first_process);
+        StandIn(here);
+        return RunInChild([&function] {
+            DropMachineCapabilities();
+            return function();
+        });
+    });
 }
 
 int RunVisit(const Visit& visit) {

@@ -397,7 +397,8 @@ run velk-sandbox -- true
 output_is ''
 error_has '/var/tmp'
 error_has 'the rest of the machine is read-only. Leave with "exit".'
-check 'lines of errors' 2 "$(echo "$error" | grep -vc '^velk-sandbox: stand-ins take the place of ')"
+error_has 'from other terminals it is reached by the name of '
+check 'lines of errors' 3 "$(echo "$error" | grep -vc '^velk-sandbox: stand-ins take the place of ')"
 run velk-sandbox --writable "$lib_folder" -- true
 error_has "read-only, except $lib_folder."
 on_device true

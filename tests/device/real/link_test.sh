@@ -58,8 +58,18 @@ run velkctl get eth1.mac-address eth1.hardware-version eth1.standard eth1.region
 status_is 0
 output_has 'eth1.mac-address = 020000000011'
 
-it 'takes the cable for out when the port is down'
+it 'tells the address of a lease of the adapter while the cable is out, and none while it is in'
+run ifup eth1
+soon 5 has_lease eth1 1
+run velkctl get eth1.address
+output_is "$(kernel_address eth1 | sed 's:/24::')"
 velk-sandbox cable in
+run velkctl get eth1.address
+status_is 0
+output_is none
+run ifdown eth1
+
+it 'takes the cable for out when the port is down'
 ifconfig eth0 down
 run velkctl get eth1.mac-address
 status_is 0
