@@ -150,7 +150,9 @@ void AddOptions(CLI::App& app, Request& request) {
     app.footer(kFooter);
     auto* real = app.add_flag("--real", session.real,
                               "With the system's own tools and a router around; for root only");
-    app.add_flag("!--no-router", session.router_in, "Start with the router out")->needs(real);
+    app.add_flag_callback(
+           "--no-router", [&session] { session.router_in = false; }, "Start with the router out")
+        ->needs(real);
     app.add_flag("--quiet", session.quiet, "Do not say at the start what this is");
     app.add_option("--writable", session.device.writable,
                    "Folder of the machine that stays writable; may be given again")

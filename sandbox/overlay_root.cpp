@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -51,19 +52,17 @@ bool IsCopied(const fs::path& path) {
 }
 
 // The folders where the machine's file systems begin, outer ones first; the root is not among them.
-std::vector<fs::path> FileSystemsBelowRoot() {
-    std::vector<fs::path> folders;
+std::set<fs::path> FileSystemsBelowRoot() {
+    std::set<fs::path> folders;
     std::ifstream mounts("/proc/self/mountinfo");
     for (std::string line; std::getline(mounts, line);) {
         std::istringstream words(line);
         std::string number, parent, device, part, folder;
         words >> number >> parent >> device >> part >> folder;
         if (folder != "/" && IsCopied(folder)) {
-            folders.emplace_back(folder);
+            folders.insert(folder);
         }
     }
-    std::ranges::sort(folders);
-    folders.erase(std::ranges::unique(folders).begin(), folders.end());
     return folders;
 }
 
@@ -131,14 +130,15 @@ void MoveToNewRoot() {
 
 void EnterOverlayRoot() {
     const std::vector<Node> nodes = HoldNodes();
-    const std::vector<fs::path> file_systems = FileSystemsBelowRoot();
+    const std::set<fs::path> file_systems = FileSystemsBelowRoot();
     (void)MountMemory(kWorkshop, kFolderMode);
     fs::create_directory(kNewRoot);
     if (!TryOverlay("/", "")) {
         Fail("cannot make an overlay of the root folder", errno);
     }
-    for (size_t i = 0; i < file_systems.size(); ++i) {
-        CopyFileSystem(file_systems[i], std::to_string(i));
+    int number = 0;
+    for (const fs::path& file_system : file_systems) {
+        CopyFileSystem(file_system, std::to_string(++number));
     }
     MoveToNewRoot();
     MakeDeviceNodes(nodes);
