@@ -105,7 +105,7 @@ void MakeDeviceNodes(const std::vector<Node>& nodes) {
     }
     for (const Node& node : nodes) {
         const std::string path = "/dev/" + node.name;
-        std::ofstream{path};
+        const std::ofstream mount_point(path);
         Attach(node.held, path);
     }
     for (const auto& [target, link] : kDeviceLinks) {

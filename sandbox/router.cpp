@@ -40,7 +40,7 @@ void PutUp(TapPorts& ports, const NetworkControl& network, const Port& port, con
 // Where ip-netns(8) looks for it.
 void NameNetwork() {
     fs::create_directories(kNameFolder);
-    std::ofstream{kName};
+    const std::ofstream mount_point(kName);
     if (mount("/proc/self/ns/net", kName, nullptr, MS_BIND, nullptr) == -1) {
         Fail("cannot name the router's network", errno);
     }
