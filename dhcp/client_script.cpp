@@ -33,7 +33,7 @@ int SetDnsDhcpScript(const std::string& nic, bool enable) {
             velk::FindWord(line, velk::kResolverUpdate, /*comment_aware=*/false, position)) {
             edit.Write(velk::SwitchLine(line, position, enable));
         } else {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     return edit.Finish();

@@ -106,7 +106,7 @@ int SetDhcpServer(const std::string& nic, const std::string& option, bool add, b
         if (requests.Holds(line)) {
             edit.Write(requests.Edit(line, option, add));
         } else {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     return edit.Finish();
@@ -124,7 +124,7 @@ int SetDhcpRequest(const std::string& nic, bool enable) {
         if (concerns && (blocks.in_block() || velk::Contains(line, velk::kBlockEnd))) {
             edit.Write(velk::SwitchLine(line, std::string_view::npos, enable));
         } else {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     return edit.Finish();

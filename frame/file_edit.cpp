@@ -15,7 +15,10 @@ namespace {
 
 constexpr char kCopyFolder[] = "/var/tmp/";
 constexpr mode_t kCopyMode = 0666;  // narrowed by the caller's umask
-constexpr size_t kBlockSize = 64 * 1024;
+
+// Texts up to this size are gathered before they are written, so that a file of usual size is
+// written at once. Longer ones, runs of kept lines, are written from where they are.
+constexpr size_t kGatheredSize = 4 * 1024;
 
 std::string CopyPath(const std::string& target) {
     return kCopyFolder + target.substr(target.rfind('/') + 1);
@@ -45,14 +48,30 @@ FileEdit::FileEdit(const std::string& target)
       copy_error_(copy_.get() == -1 ? errno : 0) {
 }
 
-void FileEdit::Write(std::string_view text) {
-    pending_.append(text);
-    if (pending_.size() >= kBlockSize) {
-        Flush();
+bool FileEdit::Next(std::string_view& line) {
+    if (reader_.NextHeld(line)) {
+        return true;
     }
+    EndRun();  // the reader is about to read over it
+    return reader_.NextWithNewline(line);
+}
+
+void FileEdit::Keep(std::string_view line) {
+    if (run_.end() != line.begin()) {
+        EndRun();
+        run_ = line;
+        return;
+    }
+    run_ = {run_.data(), run_.size() + line.size()};
+}
+
+void FileEdit::Write(std::string_view text) {
+    EndRun();
+    Add(text);
 }
 
 int FileEdit::Finish() {
+    EndRun();
     Flush();
     reader_.Close();
     if (copy_.Reset() == -1 && write_error_ == 0) {
@@ -67,10 +86,30 @@ int FileEdit::Finish() {
     return LIB_VELK_SUCCESS;
 }
 
-void FileEdit::Flush() {
-    if (write_error_ == 0 && !WriteAll(copy_.get(), pending_)) {
+void FileEdit::EndRun() {
+    Add(run_);
+    run_ = {};
+}
+
+void FileEdit::Add(std::string_view text) {
+    if (pending_.size() + text.size() > kGatheredSize) {
+        Flush();
+    }
+    if (text.size() > kGatheredSize) {
+        WriteOut(text);
+    } else {
+        pending_.append(text);
+    }
+}
+
+void FileEdit::WriteOut(std::string_view text) {
+    if (write_error_ == 0 && !WriteAll(copy_.get(), text)) {
         write_error_ = errno;
     }
+}
+
+void FileEdit::Flush() {
+    WriteOut(pending_);
     pending_.clear();
 }
 

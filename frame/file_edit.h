@@ -28,9 +28,12 @@ class FileEdit {
 
     // Sets `line` to the file's next line with its "\n", valid until the next call. A last line
     // without one is given one. False at the end of the file.
-    bool Next(std::string_view& line) { return reader_.NextWithNewline(line); }
+    bool Next(std::string_view& line);
 
-    // Adds a text to the edit copy as it stands.
+    // Adds the line that Next() handed out last, or its front, to the edit copy. Lines kept one
+    // after the other are written as one piece.
+    void Keep(std::string_view line);
+    // Adds any text to the edit copy as it stands.
     void Write(std::string_view text);
 
     // Closes both files and puts the edit copy in place. Returns LIB_VELK_SUCCESS, whatever became
@@ -39,6 +42,9 @@ class FileEdit {
     int Finish();
 
   private:
+    void EndRun();
+    void Add(std::string_view text);
+    void WriteOut(std::string_view text);
     void Flush();
 
     const std::string target_;
@@ -46,7 +52,8 @@ class FileEdit {
     LineReader reader_;
     UniqueFd copy_;
     const int copy_error_;
-    std::string pending_;  // written, but not in the edit copy yet
+    std::string_view run_;  // of kept lines, in the reader's block
+    std::string pending_;   // in front of it, and not in the edit copy yet
     int write_error_ = 0;
 };
 

@@ -39,24 +39,31 @@ bool LineReader::Next(std::string_view& line) {
     return true;
 }
 
-bool LineReader::NextWithNewline(std::string_view& line) {
-    size_t searched = begin_;
+bool LineReader::NextHeld(std::string_view& line) {
+    return begin_ < end_ && TakeLine(begin_, line);
+}
+
+// Hands out the next line when its "\n" stands at `searched` or behind it.
+bool LineReader::TakeLine(size_t searched, std::string_view& line) {
+    const void* newline = memchr(&block_[searched], '\n', end_ - searched);
+    if (newline == nullptr) {
+        return false;
+    }
+    const char* start = &block_[begin_];
+    line = {start, static_cast<size_t>(static_cast<const char*>(newline) + 1 - start)};
+    begin_ += line.size();
+    return true;
+}
+
+bool LineReader::NextFromFile(std::string_view& line) {
     for (;;) {
-        if (searched < end_) {
-            const void* newline = memchr(&block_[searched], '\n', end_ - searched);
-            if (newline != nullptr) {
-                const auto* stop = static_cast<const char*>(newline) + 1;
-                const char* start = &block_[begin_];
-                line = std::string_view(start, static_cast<size_t>(stop - start));
-                begin_ += line.size();
-                return true;
-            }
-        }
         const size_t held = end_ - begin_;
         if (at_end_ || !Fill()) {
             return TakeRest(line);
         }
-        searched = begin_ + held;
+        if (TakeLine(begin_ + held, line)) {
+            return true;
+        }
     }
 }
 

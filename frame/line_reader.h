@@ -31,12 +31,17 @@ class LineReader {
     // Sets `line` to the next line, valid until the next call; false at the end of the file.
     bool Next(std::string_view& line);
     // The same with a "\n" behind every line, also behind a last one that has none in the file.
-    bool NextWithNewline(std::string_view& line);
+    bool NextWithNewline(std::string_view& line) { return NextHeld(line) || NextFromFile(line); }
+    // That again, but only a line that is in the block already: earlier lines stay valid. False
+    // when the file must be read for the next one.
+    bool NextHeld(std::string_view& line);
 
     // Gives the descriptor back early; to be called when no more lines are wanted.
     void Close() { fd_.Reset(); }
 
   private:
+    bool NextFromFile(std::string_view& line);
+    bool TakeLine(size_t searched, std::string_view& line);
     bool TakeRest(std::string_view& line);
     bool Fill();
     void MakeRoom();

@@ -37,9 +37,12 @@ void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) 
     const std::string value_line = std::string(key).append(value).append("\n");
     bool found = false;
     for (std::string_view line; edit.Next(line);) {
-        const bool is_setting = line.starts_with(key);
-        edit.Write(is_setting ? value_line : line);
-        found = found || is_setting;
+        if (line.starts_with(key)) {
+            edit.Write(value_line);
+            found = true;
+        } else {
+            edit.Keep(line);
+        }
     }
     if (!found) {
         edit.Write(value_line);

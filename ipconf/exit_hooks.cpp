@@ -51,7 +51,7 @@ int SetDhclient(const _velk_request& request, const char* command) {
         if (runs) {
             edit.Write(velk::SwitchCommand(line, command, request.data[0]));
         } else {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     return edit.Finish();

@@ -2,6 +2,7 @@
 #ifndef VELK_IPCONF_INTERFACES_FILE_H_
 #define VELK_IPCONF_INTERFACES_FILE_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,10 +12,27 @@ constexpr char kInterfacesFile[] = "/etc/network/interfaces";
 
 // A line that begins so ends the stanza before it.
 constexpr std::string_view kStanzaStart = "iface";
+constexpr std::string_view kFamily = " inet ";  // behind the interface's name
 
-// What the first line of an interface's stanza begins with; the method follows.
+// The length of "iface NAME inet " at the front of a line, where the method stands; 0 for a line
+// that is no header of the interface.
+inline size_t HeaderLength(std::string_view line, std::string_view interface) {
+    if (!line.starts_with(kStanzaStart)) {
+        return 0;  // most lines of a file
+    }
+    std::string_view rest = line.substr(kStanzaStart.size());
+    for (const std::string_view piece : {std::string_view(" "), interface, kFamily}) {
+        if (!rest.starts_with(piece)) {
+            return 0;
+        }
+        rest.remove_prefix(piece.size());
+    }
+    return line.size() - rest.size();
+}
+
+// Such a line's front for the people who have to write one.
 inline std::string StanzaHeader(std::string_view interface) {
-    return std::string(kStanzaStart).append(" ").append(interface).append(" inet ");
+    return std::string(kStanzaStart).append(" ").append(interface).append(kFamily);
 }
 
 constexpr std::string_view kStaticMethod = "static";

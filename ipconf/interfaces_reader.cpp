@@ -25,10 +25,9 @@ int MethodNamed(std::string_view text) {
 class Stanza {
   public:
     explicit Stanza(std::string_view interface) : file_(kInterfacesFile) {
-        const std::string header = StanzaHeader(interface);
         for (std::string_view line; file_.Next(line);) {
-            if (line.starts_with(header)) {
-                method_ = MethodNamed(line.substr(header.size()));
+            if (const size_t length = HeaderLength(line, interface); length != 0) {
+                method_ = MethodNamed(line.substr(length));
                 return;
             }
         }

@@ -17,14 +17,13 @@ int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view met
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    const std::string header = StanzaHeader(interface);
     for (std::string_view line; edit.Next(line);) {
-        if (line.starts_with(header)) {
-            edit.Write(header);
+        if (const size_t length = HeaderLength(line, interface); length != 0) {
+            edit.Keep(line.substr(0, length));
             edit.Write(method);
             edit.Write("\n");
         } else {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     return edit.Finish();
@@ -50,14 +49,14 @@ void EditBody(FileEdit& edit, std::string_view key, std::string_view value_line)
     for (std::string_view line; edit.Next(line);) {
         if (line.starts_with(kStanzaStart)) {
             edit.Write(value_line);
-            edit.Write(line);
+            edit.Keep(line);
             return;
         }
         if (Contains(line, key)) {
             edit.Write(value_line);
             return;
         }
-        edit.Write(line);
+        edit.Keep(line);
     }
 }
 
@@ -88,10 +87,10 @@ int SetAddressConf(const _velk_request& request, const char* key) {
     if (!removes) {
         value_line.append("\t").append(key).append(value).append("\n");
     }
-    const std::string header = velk::StanzaHeader(velk::FieldText(request.interface));
+    const std::string_view interface = velk::FieldText(request.interface);
     for (std::string_view line; edit.Next(line);) {
-        edit.Write(line);
-        if (line.starts_with(header)) {
+        edit.Keep(line);
+        if (velk::HeaderLength(line, interface) != 0) {
             velk::EditBody(edit, key, value_line);
         }
     }

@@ -32,7 +32,7 @@ int WriteMethod(FileEdit& edit, bool on) {
     for (std::string_view line; edit.Next(line);) {
         const size_t position = line.find(kClient);
         if (position == std::string_view::npos) {
-            edit.Write(line);
+            edit.Keep(line);
         } else {
             edit.Write(SwitchLine(line, position, on));
         }
@@ -141,7 +141,7 @@ int SetNtpIp(const _velk_request& request, char* /*out*/) {
             (void)ChangeNtpdate(changed, server);
             edit.Write(changed);
         } else {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     return edit.Finish();

@@ -211,7 +211,7 @@ int SetWebUp(const _velk_request& request, char* /*out*/) {
     }
     for (std::string_view line; edit.Next(line);) {
         if (!velk::Contains(line, velk::kUpdater)) {
-            edit.Write(line);
+            edit.Keep(line);
         }
     }
     edit.Write(*lines);

@@ -36,9 +36,27 @@ constexpr char kCopy[] = "/var/tmp/interfaces";
 int CopyThrough(const char* target = kTarget) {
     FileEdit edit(target);
     for (std::string_view line; edit.Next(line);) {
+        edit.Keep(line);
+    }
+    return edit.Finish();
+}
+
+// The same, with every line written as if it were new.
+int WriteThrough() {
+    FileEdit edit(kTarget);
+    for (std::string_view line; edit.Next(line);) {
         edit.Write(line);
     }
     return edit.Finish();
+}
+
+// Lines of many lengths, of several blocks together.
+std::string ManyLines() {
+    std::string text;
+    for (int i = 0; i < 20000; ++i) {
+        text += "line " + std::to_string(i) + std::string(static_cast<size_t>(i) % 61, '.') + "\n";
+    }
+    return text;
 }
 
 // A tmpfs of one page over /var/tmp.
@@ -270,13 +288,68 @@ TEST_F(FileEditTest, TheFileIsUntouchedUntilTheEnd) {
 }
 
 TEST_F(FileEditTest, AFileOfManyBlocksGoesThroughWhole) {
-    std::string text;
-    for (int i = 0; i < 20000; ++i) {
-        text += "line " + std::to_string(i) + std::string(static_cast<size_t>(i) % 61, '.') + "\n";
-    }
+    const std::string text = ManyLines();
     WriteFile(kTarget, text);
     EXPECT_EQ(CopyThrough(), 0);
     EXPECT_TRUE(ReadFile(kTarget) == text);
+    EXPECT_EQ(WriteThrough(), 0);
+    EXPECT_TRUE(ReadFile(kTarget) == text);
+}
+
+TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
+    for (const size_t distance : {1U, 2U, 3U, 100U, 5000U}) {
+        WriteFile(kTarget, ManyLines());
+        std::string expected;
+        FileEdit edit(kTarget);
+        size_t count = 0;
+        for (std::string_view line; edit.Next(line);) {
+            if (++count % distance == 0) {
+                edit.Write("new line\n");
+                expected += "new line\n";
+            }
+            if (count % distance != 1) {  // some lines are left out
+                edit.Keep(line);
+                expected += line;
+            }
+        }
+        EXPECT_EQ(edit.Finish(), 0);
+        EXPECT_TRUE(ReadFile(kTarget) == expected) << distance;
+    }
+}
+
+TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
+    FileEdit edit(kTarget);
+    std::string_view line;
+    while (edit.Next(line)) {
+        edit.Keep(line.substr(0, 2));
+        edit.Write("!");
+    }
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "on!tw!th!");
+}
+
+TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
+    FileEdit edit(kTarget);
+    std::string_view line;
+    while (edit.Next(line)) {
+        edit.Keep(line);
+        edit.Write("new\n");
+    }
+    const size_t writes = libc().Events(Call::kWrite).size();
+    EXPECT_EQ(writes, 1U) << "the test's own";
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(libc().Texts(Call::kWrite)[writes], "one\nnew\ntwo\nnew\nthree\nnew\n");
+}
+
+TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
+    const std::string text = ManyLines();
+    WriteFile(kTarget, text);
+    FileEdit edit(kTarget);
+    const size_t writes = libc().Events(Call::kWrite).size();
+    for (std::string_view line; edit.Next(line);) {
+        edit.Keep(line);
+    }
+    EXPECT_EQ(libc().Events(Call::kWrite).size() - writes, text.size() / 65536 + 1);
 }
 
 TEST_F(FileEditTest, ALineLongerThanABlockGoesThroughWhole) {

@@ -128,6 +128,21 @@ TEST_F(LineReaderTest, ReadsNoFurtherThanNeeded) {
     EXPECT_EQ(libc().Events(Call::kRead).size(), 1U);
 }
 
+TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
+    const std::string first(65530, 'x');
+    testkit::WriteFile(kFile, first + "\nthe block ends within this line\n");
+    LineReader reader(kFile);
+    std::string_view held;
+    EXPECT_TRUE(reader.NextHeld(held));
+    EXPECT_EQ(held, first + "\n");
+    std::string_view line;
+    EXPECT_FALSE(reader.NextHeld(line));
+    EXPECT_EQ(held, first + "\n") << "what was handed out stays valid";
+    EXPECT_TRUE(reader.NextWithNewline(line));
+    EXPECT_EQ(line, "the block ends within this line\n");
+    EXPECT_FALSE(reader.NextHeld(line));
+}
+
 TEST_F(LineReaderTest, OpensCloseOnExec) {
     testkit::WriteFile(kFile, "");
     { const LineReader reader(kFile); }
