@@ -1,0 +1,113 @@
+// gets.cpp - each kind of get against open, read, search and close by hand on the same file.
+#include <cstring>
+
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "bench/comparison.h"
+#include "bench/floor.h"
+#include "bench/groups.h"
+#include "bench/request.h"
+
+namespace bench {
+namespace {
+
+constexpr int kCallsPerSample = 50;
+constexpr int kCallsOfNoCost = 2000;
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kWiredHeader[] = "iface eth0 inet ";
+
+struct FileGet {
+    const char* name;
+    uint32_t id;
+    const char* interface;
+    const char* path;
+    const char* start;
+    const char* key;
+};
+
+// What is searched by hand is what the library has to find in the device's own files.
+constexpr FileGet kFileGets[] = {
+    {"method", VELK_CMD_IP_METHOD, "eth0", kInterfaces, "iface eth0 ", "inet "},
+    {"address", VELK_CMD_IP_ADDRESS, "eth0", kInterfaces, kWiredHeader, "address "},
+    {"netmask", VELK_CMD_NETMASK, "eth0", kInterfaces, kWiredHeader, "netmask "},
+    {"gateway", VELK_CMD_GATEWAY, "eth0", kInterfaces, kWiredHeader, "gateway "},
+    {"link_local", VELK_CMD_APIPA, "eth0", "/etc/dhclient-exit-hooks", "eth0", "avahi-autoipd"},
+    {"dns", VELK_CMD_DNS, "eth0", "/etc/resolv.dnsmasq.conf", "nameserver", "nameserver "},
+    {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", "/etc/dhclient.conf", "\"eth1\"",
+     "domain-name-servers"},
+    {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", "/etc/dhclient.conf", "\"eth1\"", "ntp-servers"},
+    {"administrator", VELK_CMD_ADMINISTRATOR, "", "/var/libvelk/libvelk", "ADMINISTRATOR", "="},
+    {"ntp", VELK_CMD_NTP, "", "/var/cron/tabs/root", "ntpdate", " "},
+    {"ntp_server", VELK_CMD_NTP_SERVER, "", "/var/cron/tabs/root", "ntpdate", " -u "},
+    {"web_update", VELK_CMD_WEB_UPDATE, "", "/var/cron/tabs/root", "web_contents", "updater"},
+};
+
+void AddFileGet(const FileGet& get) {
+    const auto by_hand = [get] {
+        char value[VELK_DATA_SIZE];
+        FindByHand(get.path, get.start, get.key, value);
+    };
+    Compare({.name = std::string("get/") + get.name,
+             .ours = Timed(Get(get.id, get.interface), kCallsPerSample),
+             .other = Timed(by_hand, kCallsPerSample)});
+}
+
+void ReadMacByHand() {
+    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ifreq request{};
+    strcpy(request.ifr_name, "eth0");
+    (void)ioctl(fd, SIOCGIFHWADDR, &request);
+    close(fd);
+}
+
+void AddKernelGet() {
+    Compare({.name = "get/mac",
+             .ours = Timed(Get(VELK_CMD_MAC_ADDRESS, "eth0"), kCallsPerSample),
+             .other = Timed(ReadMacByHand, kCallsPerSample)});
+}
+
+void ReadLiveByHand() {
+    RunLine("ifconfig > /var/tmp/get_result");
+    char value[VELK_DATA_SIZE];
+    FindByHand("/var/tmp/get_result", "", "", value);
+    RunLine("rm /var/tmp/get_result");
+}
+
+void AddLiveGet() {
+    Compare({.name = "get/live_address",
+             .ours = Timed([] {
+                 char value[VELK_DATA_SIZE] = {};
+                 (void)GetIpAddress({"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, {}}, value);
+             }),
+             .other = Timed(ReadLiveByHand),
+             .samples = 60});
+}
+
+// Refused before anything is opened.
+void AddRefusal() {
+    const auto by_hand = [] {
+        char value[VELK_DATA_SIZE];
+        FindByHand(kInterfaces, kWiredHeader, "address ", value);
+    };
+    Compare({.name = "get/unknown_id",
+             .ours = Timed(Request(VELK_GET, 999, "eth0", {}, LIB_VELK_INVALID_PARAMETER),
+                           kCallsOfNoCost),
+             .other = Timed(by_hand, kCallsPerSample)});
+}
+
+}  // namespace
+
+void AddGets() {
+    for (const FileGet& get : kFileGets) {
+        AddFileGet(get);
+    }
+    AddKernelGet();
+    AddLiveGet();
+    AddRefusal();
+}
+
+}  // namespace bench

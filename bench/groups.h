@@ -1,0 +1,18 @@
+// groups.h - what is measured, one function a subject.
+#ifndef BENCH_GROUPS_H_
+#define BENCH_GROUPS_H_
+
+namespace bench {
+
+void AddGets();
+void AddSets();
+void AddLock();
+void AddWireless();
+void AddGrowth();
+void AddPeers();
+void AddProcesses();
+void AddLoading();
+
+}  // namespace bench
+
+#endif  // BENCH_GROUPS_H_

@@ -1,0 +1,114 @@
+// growth.cpp - files of 1 KB to 100 MB with the stanza at their end.
+#include <algorithm>
+#include <functional>
+#include <string>
+
+#include "bench/comparison.h"
+#include "bench/floor.h"
+#include "bench/groups.h"
+#include "bench/process.h"
+#include "bench/request.h"
+
+namespace bench {
+namespace {
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kHeader[] = "iface eth0 inet ";
+constexpr char kStanza[] =
+    "iface eth0 inet static\n"
+    "\taddress 192.168.0.10\n"
+    "\tnetmask 255.255.255.0\n"
+    "\tgateway 192.168.0.1\n";
+
+struct Size {
+    const char* name;
+    size_t bytes;
+};
+constexpr Size kSizes[] = {
+    {"1KB", 1000},        {"10KB", 10 * 1000},        {"100KB", 100 * 1000},
+    {"1MB", 1000 * 1000}, {"10MB", 10 * 1000 * 1000}, {"100MB", 100 * 1000 * 1000}};
+
+// Stanzas of other interfaces, with a comment each, up to the size; then eth0's.
+std::string LongFile(size_t bytes) {
+    std::string text;
+    for (int i = 10; text.size() + sizeof(kStanza) < bytes; ++i) {
+        const std::string number = std::to_string(i);
+        text += "# Interface " + number + ", put in by the installer; do not edit it by hand.\n";
+        text += "iface eth" + number + " inet static\n\taddress 10.1.2.3\n\tnetmask 255.0.0.0\n\n";
+    }
+    return text + kStanza;
+}
+
+std::function<void()> WriteLongFile(size_t bytes) {
+    return [bytes] { WriteByHand(kInterfaces, LongFile(bytes)); };
+}
+
+void WriteUsualFile() {
+    WriteByHand(kInterfaces, kStanza);
+}
+
+int CallsFor(size_t bytes) {
+    return static_cast<int>(std::max<size_t>(100'000 / bytes, 1));
+}
+
+int SamplesFor(size_t bytes) {
+    return bytes > 10'000'000 ? 11 : 60;
+}
+
+// Finds the interface and stops: what one would do from a shell.
+void AddGrep(const Size& size) {
+    Compare({.name = std::string("growth/grep/") + size.name,
+             .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
+             .other = Timed(Process({"grep", "-F", "-m1", kHeader, kInterfaces})),
+             .samples = SamplesFor(size.bytes),
+             .prepare = WriteLongFile(size.bytes)});
+}
+
+void AddGet(const Size& size) {
+    const auto by_hand = [] {
+        char value[VELK_DATA_SIZE];
+        CutByHand(kInterfaces, kHeader, "address ", value);
+    };
+    Compare({.name = std::string("growth/get/") + size.name,
+             .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
+             .other = Timed(by_hand, CallsFor(size.bytes)),
+             .samples = SamplesFor(size.bytes),
+             .prepare = WriteLongFile(size.bytes)});
+}
+
+void AddSet(const Size& size) {
+    Compare({.name = std::string("growth/set/") + size.name,
+             .ours = Timed(Set(VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10")),
+             .other = Timed([] { EditByHand(kInterfaces); }),
+             .samples = SamplesFor(size.bytes),
+             .prepare = WriteLongFile(size.bytes)});
+}
+
+// The peak of a program that makes one call, in KB, beyond that of one with a file of usual size.
+void AddPeak(const char* what, const Size& size) {
+    const auto more_memory = [what, size] {
+        const Arguments program = {Built("velk_bench_peak"), what};
+        WriteUsualFile();
+        const double usual = NumberFrom(program);
+        WriteByHand(kInterfaces, LongFile(size.bytes));
+        const double large = NumberFrom(program);
+        WriteUsualFile();
+        return large - usual;
+    };
+    Report(std::string("growth/peak/") + what + "/" + size.name, "more_kb", more_memory);
+}
+
+}  // namespace
+
+void AddGrowth() {
+    for (const Size& size : kSizes) {
+        AddGet(size);
+        AddGrep(size);
+        AddSet(size);
+    }
+    for (const char* what : {"get", "set"}) {
+        AddPeak(what, kSizes[4]);
+    }
+}
+
+}  // namespace bench

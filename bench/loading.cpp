@@ -1,0 +1,21 @@
+// loading.cpp - dlopen(3) and the first get in a C++ program, against a library of one function.
+#include "bench/comparison.h"
+#include "bench/groups.h"
+#include "bench/process.h"
+
+namespace bench {
+namespace {
+
+Measured LoadedFrom(const char* library) {
+    return [library] { return NumberFrom({Built("velk_bench_loader"), Built(library)}) / 1e9; };
+}
+
+}  // namespace
+
+void AddLoading() {
+    Compare({.name = "loading",
+             .ours = LoadedFrom("libvelk.so.1"),
+             .other = LoadedFrom("libvelk_bench_probe.so")});
+}
+
+}  // namespace bench

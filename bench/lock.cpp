@@ -1,0 +1,15 @@
+// lock.cpp - taking the lock and giving it back against open, flock and close.
+#include "bench/comparison.h"
+#include "bench/floor.h"
+#include "bench/groups.h"
+#include "velk.h"
+
+namespace bench {
+
+void AddLock() {
+    const auto ours = [] { VkLibUnLock(VkLibLock()); };
+    const auto by_hand = [] { LockByHand("/var/tmp/vklib_lock"); };
+    Compare({.name = "lock", .ours = Timed(ours, 50), .other = Timed(by_hand, 50)});
+}
+
+}  // namespace bench

@@ -1,0 +1,48 @@
+// main.cpp - measures the library on a private device, against the least that has to be done.
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+#include "bench/groups.h"
+#include "sandbox/device.h"
+
+namespace {
+
+void EnterPrivateDevice() {
+    sandbox::DeviceOptions options;
+    options.rootfs = VELK_SOURCE_DIR "/sandbox/rootfs";
+    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
+    options.writable = {VELK_BINARY_DIR};  // where the figures go
+    sandbox::EnterDevice(options);
+    // The device's tools, as velk-sandbox offers them.
+    const std::string path = VELK_BINARY_DIR "/stand-ins:" + std::string(getenv("PATH"));
+    setenv("PATH", path.c_str(), 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        EnterPrivateDevice();
+    } catch (const std::exception& error) {
+        fprintf(stderr, "velk_bench: no private device: %s\n", error.what());
+        return 1;
+    }
+    bench::AddGets();
+    bench::AddSets();
+    bench::AddLock();
+    bench::AddWireless();
+    bench::AddGrowth();
+    bench::AddPeers();
+    bench::AddProcesses();
+    bench::AddLoading();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 2;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

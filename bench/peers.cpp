@@ -1,0 +1,82 @@
+// peers.cpp - the library against Augeas, the editing library that one would take otherwise.
+#include <string>
+
+#include <augeas.h>
+
+#include "bench/comparison.h"
+#include "bench/floor.h"
+#include "bench/groups.h"
+#include "bench/request.h"
+
+namespace bench {
+namespace {
+
+constexpr char kAddressPath[] = "/files/etc/network/interfaces/iface[. = 'eth0']/address";
+constexpr char kGatewayPath[] = "/files/etc/network/interfaces/iface[. = 'eth0']/gateway";
+
+void Require(bool done, const char* what) {
+    if (!done) {
+        GiveUp(std::string("augeas: ") + what);
+    }
+}
+
+// Told to load this one file: all the files it knows would take it seconds.
+augeas* LoadTree() {
+    augeas* tree = aug_init(nullptr, nullptr, AUG_NO_MODL_AUTOLOAD | AUG_NO_LOAD);
+    Require(tree != nullptr, "init");
+    Require(aug_set(tree, "/augeas/load/Interfaces/lens", "Interfaces.lns") == 0 &&
+                aug_set(tree, "/augeas/load/Interfaces/incl", "/etc/network/interfaces") == 0,
+            "set up");
+    Require(aug_load(tree) == 0, "load");
+    return tree;
+}
+
+augeas* OpenTree() {
+    static augeas* const tree = LoadTree();
+    return tree;
+}
+
+void GetFrom(augeas* tree) {
+    const char* value = nullptr;
+    Require(aug_get(tree, kAddressPath, &value) == 1 && value != nullptr, "get");
+}
+
+// Another value each time: it writes nothing when nothing changes.
+void SetIn(augeas* tree) {
+    static bool odd = false;
+    odd = !odd;
+    Require(aug_set(tree, kGatewayPath, odd ? "192.168.0.1" : "192.168.0.2") == 0, "set");
+    Require(aug_save(tree) == 0, "save");
+}
+
+void ColdGet() {
+    augeas* tree = LoadTree();
+    GetFrom(tree);
+    aug_close(tree);
+}
+
+void ColdSet() {
+    augeas* tree = LoadTree();
+    SetIn(tree);
+    aug_close(tree);
+}
+
+}  // namespace
+
+void AddPeers() {
+    const Measured get = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), 50);
+    Compare({.name = "peer/get/loaded_tree",
+             .ours = get,
+             .other = Timed([] { GetFrom(OpenTree()); }, 50)});
+    Compare({.name = "peer/get/cold", .ours = get, .other = Timed(ColdGet), .samples = 30});
+
+    const Measured set = Timed(Set(VELK_CMD_GATEWAY, "eth0", "192.168.0.1"));
+    Compare({.name = "peer/set/cold", .ours = set, .other = Timed(ColdSet), .samples = 30});
+    // It reads its file again when another program has changed it: this one does not stand beside.
+    Compare({.name = "peer/set/open_handle",
+             .ours = set,
+             .other = Timed([] { SetIn(OpenTree()); }),
+             .samples = 60});
+}
+
+}  // namespace bench

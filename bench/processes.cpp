@@ -1,0 +1,37 @@
+// processes.cpp - velkctl against other programs, from start to end.
+#include "bench/comparison.h"
+#include "bench/groups.h"
+#include "bench/process.h"
+
+namespace bench {
+namespace {
+
+constexpr int kSamples = 100;
+
+constexpr char kAwkProgram[] =
+    "/^iface eth0 inet / { inside = 1; next } /^iface/ { inside = 0 }"
+    "inside && sub(/.*address /, \"\") { print; exit }";
+
+void Add(const char* name, const Arguments& ours, const Arguments& other) {
+    Compare({.name = name,
+             .ours = Timed(Process(ours)),
+             .other = Timed(Process(other)),
+             .samples = kSamples});
+}
+
+}  // namespace
+
+void AddProcesses() {
+    const Arguments get = {Built("velkctl"), "get", "eth0.address"};
+    Add("process/get_and_bare_program", get, {Built("velk_bench_get")});
+    Add("process/get_and_empty_program", get, {Built("velk_bench_empty")});
+    Add("process/version_and_empty_program", {Built("velkctl"), "--version"},
+        {Built("velk_bench_empty")});
+    Add("process/get_and_ifquery", get, {"ifquery", "eth0"});
+    Add("process/get_and_awk", get, {"awk", kAwkProgram, "/etc/network/interfaces"});
+    Add("process/set_and_bare_program",
+        {Built("velkctl"), "set", "--force", "eth0.address", "192.168.0.10"},
+        {Built("velk_bench_peak"), "set"});
+}
+
+}  // namespace bench

@@ -1,0 +1,118 @@
+// sets.cpp - each kind of set against copying the same bytes and running the very same shell lines.
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <sys/mman.h>
+#include <syslog.h>
+
+#include "bench/comparison.h"
+#include "bench/floor.h"
+#include "bench/groups.h"
+#include "bench/request.h"
+
+namespace bench {
+namespace {
+
+constexpr int kSamples = 60;
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
+constexpr char kCrontab[] = "/var/cron/tabs/root";
+
+struct FileSet {
+    const char* name;
+    uint32_t id;
+    const char* interface;
+    std::string data;
+    std::vector<std::string> edited;
+    std::vector<std::string> lines;  // run behind the edits
+};
+
+const std::vector<FileSet>& FileSets() {
+    static const std::string on(1, VELK_ON);
+    static const std::vector<FileSet> sets = {
+        {"address", VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10", {kInterfaces}, {}},
+        {"gateway", VELK_CMD_GATEWAY, "eth0", "192.168.0.1", {kInterfaces}, {}},
+        {"method",
+         VELK_CMD_IP_METHOD,
+         "eth0",
+         {VELK_METHOD_STATIC},
+         {kInterfaces, kDhcpConfig},
+         {}},
+        {"link_local", VELK_CMD_APIPA, "eth0", on, {"/etc/dhclient-exit-hooks"}, {}},
+        {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", on, {kDhcpConfig, "/sbin/dhclient-script"}, {}},
+        {"ntp", VELK_CMD_NTP, "", on, {kCrontab}, {}},
+        {"ntp_server", VELK_CMD_NTP_SERVER, "", "192.168.0.1", {kCrontab}, {}},
+        {"administrator",
+         VELK_CMD_ADMINISTRATOR,
+         "",
+         "Robin",
+         {"/var/libvelk/libvelk"},
+         {"sudo sed -i 's/syscontact.*/syscontact Robin/' /usr/local/share/etc/snmp/snmpd.conf",
+          "sudo /etc/init.d/snmpd restart > /dev/null 2>&1 || :"}},
+    };
+    return sets;
+}
+
+void AddFileSet(const FileSet& set) {
+    const auto by_hand = [set] {
+        for (const std::string& path : set.edited) {
+            EditByHand(path);
+        }
+        for (const std::string& line : set.lines) {
+            RunLine(line);
+        }
+    };
+    Compare({.name = std::string("set/") + set.name,
+             .ours = Timed(Set(set.id, set.interface, set.data)),
+             .other = Timed(by_hand),
+             .samples = kSamples});
+}
+
+// Without a shell line: what is left is the lock, a log line and writing in place.
+void AddDnsSet() {
+    std::string slots = "192.168.0.1";
+    slots.resize(16);
+    slots += "192.168.0.2";
+    const auto by_hand = [] {
+        LockByHand("/var/tmp/vklib_lock");
+        syslog(LOG_NOTICE, "VkLibLock indelible");
+        WriteByHand("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver 192.168.0.2\n");
+    };
+    Compare({.name = "set/dns",
+             .ours = Timed(Set(VELK_CMD_DNS, "eth0", slots), 50),
+             .other = Timed(by_hand, 50)});
+}
+
+// A program that holds 256 MB: starting a shell from it must not cost a copy of its page tables.
+void AddLargeHost() {
+    constexpr size_t kSize = size_t{256} << 20;
+    const Measured set = Timed(Set(VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10"));
+    const auto from_large_host = [set] {
+        void* memory = mmap(nullptr, kSize, PROT_READ | PROT_WRITE,
+                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+        if (memory == MAP_FAILED) {
+            GiveUp("256 MB");
+        }
+        const double took = set();
+        munmap(memory, kSize);
+        return took;
+    };
+    Compare({.name = "set/from_large_host",
+             .ours = from_large_host,
+             .other = set,
+             .samples = kSamples});
+}
+
+}  // namespace
+
+void AddSets() {
+    for (const FileSet& set : FileSets()) {
+        AddFileSet(set);
+    }
+    AddDnsSet();
+    AddLargeHost();
+}
+
+}  // namespace bench

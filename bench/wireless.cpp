@@ -1,0 +1,118 @@
+// wireless.cpp - a question to the wireless daemon against a bare datagram there and back.
+#include <cstddef>
+#include <cstring>
+#include <thread>
+
+#include <fcntl.h>
+#include <semaphore.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "bench/comparison.h"
+#include "bench/floor.h"
+#include "bench/groups.h"
+#include "bench/request.h"
+
+namespace bench {
+namespace {
+
+constexpr size_t kDatagramSize = 240;
+
+struct Names {
+    const char* request;
+    const char* reply;
+    const char* semaphore;  // posted when the reply socket is there; null: it always is
+};
+constexpr Names kLibrary = {"/tmp/WlanAplToWlanSock", "/tmp/WlanAplFromWlanSock",
+                            "/WlanAplRecvSem"};
+constexpr Names kByHand = {"/tmp/to", "/tmp/from", nullptr};
+
+// Its length leaves out the NUL, as the library's names do.
+struct Address {
+    explicit Address(const char* path) {
+        address.sun_family = AF_UNIX;
+        strcpy(address.sun_path, path);
+        length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(path));
+    }
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&address); }
+
+    sockaddr_un address{};
+    socklen_t length;
+};
+
+int BoundSocket(const char* path) {
+    const Address address(path);
+    const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    unlink(path);
+    if (fd == -1 || bind(fd, address.get(), address.length) == -1) {
+        GiveUp(path);
+    }
+    return fd;
+}
+
+void Send(int fd, const char* path) {
+    const Address address(path);
+    const char datagram[kDatagramSize] = {};
+    (void)sendto(fd, datagram, sizeof(datagram), 0, address.get(), address.length);
+}
+
+void Receive(int fd) {
+    char datagram[kDatagramSize];
+    if (recv(fd, datagram, sizeof(datagram), 0) != static_cast<ssize_t>(sizeof(datagram))) {
+        GiveUp("no datagram");
+    }
+}
+
+void WaitUntilReady(const char* name) {
+    sem_t* ready = sem_open(name, 0);
+    if (ready == SEM_FAILED) {
+        GiveUp(name);
+    }
+    sem_wait(ready);
+    sem_close(ready);
+}
+
+// The least of a daemon: it answers every question with zeros.
+void Serve(int fd, const Names& names) {
+    for (;;) {
+        Receive(fd);
+        if (names.semaphore != nullptr) {
+            WaitUntilReady(names.semaphore);
+        }
+        Send(fd, names.reply);
+    }
+}
+
+void StartDaemon(const Names& names) {
+    const int fd = BoundSocket(names.request);  // now, so that nobody asks before it is there
+    std::thread(Serve, fd, names).detach();
+}
+
+void AskByHand() {
+    const int fd = BoundSocket(kByHand.reply);
+    Send(fd, kByHand.request);
+    Receive(fd);
+    close(fd);
+    unlink(kByHand.reply);
+}
+
+void StartDaemons() {
+    static const bool started = [] {
+        StartDaemon(kLibrary);
+        StartDaemon(kByHand);
+        return true;
+    }();
+    (void)started;
+}
+
+}  // namespace
+
+void AddWireless() {
+    Compare({.name = "wireless/channel",
+             .ours = Timed(Get(VELK_CMD_SSID, "eth1"), 10),
+             .other = Timed(AskByHand, 10),
+             .prepare = StartDaemons});
+}
+
+}  // namespace bench
