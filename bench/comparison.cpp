@@ -36,6 +36,7 @@ void Run(benchmark::State& state, const Comparison& comparison) {
         ratios.push_back(ours.back() / other.back());
         state.SetIterationTime(ours.back());
     }
+    comparison.restore();
     state.counters["ours_ns"] = Median(ours) * 1e9;
     state.counters["other_ns"] = Median(other) * 1e9;
     state.counters["ratio"] = Median(ratios);

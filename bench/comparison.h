@@ -19,6 +19,7 @@ struct Comparison {
     Measured other;
     int samples = 200;
     std::function<void()> prepare = [] {};  // before the first sample
+    std::function<void()> restore = [] {};  // behind the last
 };
 
 // Registers a benchmark that takes samples of both in turn, so that whatever else the machine does

@@ -61,7 +61,8 @@ void AddGrep(const Size& size) {
              .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
              .other = Timed(Process({"grep", "-F", "-m1", kHeader, kInterfaces})),
              .samples = SamplesFor(size.bytes),
-             .prepare = WriteLongFile(size.bytes)});
+             .prepare = WriteLongFile(size.bytes),
+             .restore = WriteUsualFile});
 }
 
 void AddGet(const Size& size) {
@@ -73,7 +74,8 @@ void AddGet(const Size& size) {
              .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
              .other = Timed(by_hand, CallsFor(size.bytes)),
              .samples = SamplesFor(size.bytes),
-             .prepare = WriteLongFile(size.bytes)});
+             .prepare = WriteLongFile(size.bytes),
+             .restore = WriteUsualFile});
 }
 
 void AddSet(const Size& size) {
@@ -81,7 +83,8 @@ void AddSet(const Size& size) {
              .ours = Timed(Set(VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10")),
              .other = Timed([] { EditByHand(kInterfaces); }),
              .samples = SamplesFor(size.bytes),
-             .prepare = WriteLongFile(size.bytes)});
+             .prepare = WriteLongFile(size.bytes),
+             .restore = WriteUsualFile});
 }
 
 // The peak of a program that makes one call, in KB, beyond that of one with a file of usual size.

@@ -76,7 +76,7 @@ void AddPeers() {
     Compare({.name = "peer/set/open_handle",
              .ours = set,
              .other = Timed([] { SetIn(OpenTree()); }),
-             .samples = 60});
+             .samples = 100});
 }
 
 }  // namespace bench

@@ -14,7 +14,7 @@
 namespace bench {
 namespace {
 
-constexpr int kSamples = 60;
+constexpr int kSamples = 100;
 
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kDhcpConfig[] = "/etc/dhclient.conf";

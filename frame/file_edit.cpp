@@ -56,6 +56,19 @@ bool FileEdit::Next(std::string_view& line) {
     return reader_.NextWithNewline(line);
 }
 
+bool FileEdit::NextWith(std::string_view start, std::string_view& line) {
+    for (;;) {
+        Keep(reader_.TakeHeldUpTo(start));
+        if (!Next(line)) {
+            return false;
+        }
+        if (line.starts_with(start)) {
+            return true;
+        }
+        Keep(line);
+    }
+}
+
 void FileEdit::Keep(std::string_view line) {
     if (run_.end() != line.begin()) {
         EndRun();

@@ -1,8 +1,10 @@
 // line_reader.cpp - reads a text file line by line.
 #include "frame/line_reader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include <fcntl.h>
@@ -12,7 +14,10 @@
 namespace velk {
 namespace {
 
-constexpr size_t kBlockSize = 64 * 1024;
+// Enough for a configuration file of usual size, and little enough that the heap of a small program
+// neither grows nor shrinks for it.
+constexpr size_t kFirstSize = 4 * 1024;
+constexpr size_t kBlockSize = 64 * 1024;  // for files that are larger
 
 }  // namespace
 
@@ -23,8 +28,8 @@ LineReader::LineReader(const char* path) : fd_(open(path, O_RDONLY | O_CLOEXEC))
         return;
     }
     // Not value-initialised: a get must not pay for clearing memory that read(2) fills.
-    block_.reset(new char[kBlockSize]);
-    size_ = kBlockSize;
+    block_.reset(new char[kFirstSize]);
+    size_ = kFirstSize;
     if (!Fill()) {
         error_ = errno;
         is_empty_ = error_ == 0;
@@ -53,6 +58,22 @@ bool LineReader::TakeLine(size_t searched, std::string_view& line) {
     line = {start, static_cast<size_t>(static_cast<const char*>(newline) + 1 - start)};
     begin_ += line.size();
     return true;
+}
+
+std::string_view LineReader::TakeHeldUpTo(std::string_view start) {
+    const std::string_view held(block_.get() + begin_, end_ - begin_);
+    if (held.starts_with(start)) {
+        return {};
+    }
+    const std::string behind_newline = std::string("\n").append(start);
+    const void* found =
+        memmem(held.data(), held.size(), behind_newline.data(), behind_newline.size());
+    const size_t last = found == nullptr
+                            ? held.rfind('\n')
+                            : static_cast<size_t>(static_cast<const char*>(found) - held.data());
+    const std::string_view lines = held.substr(0, last + 1);  // none when there is no newline
+    begin_ += lines.size();
+    return lines;
 }
 
 bool LineReader::NextFromFile(std::string_view& line) {
@@ -96,17 +117,19 @@ bool LineReader::Fill() {
     return false;
 }
 
-// Moves what is held to the front of the block; a line that fills the whole block gets a larger
-// one.
+// Moves what is held to the front of the block. A larger one takes the place of the first block
+// when the file goes on behind it, and of any block that a line fills.
 void LineReader::MakeRoom() {
     const size_t held = end_ - begin_;
-    if (held < size_) {
+    const bool is_full = end_ == size_;
+    if (held < size_ && !(is_full && size_ < kBlockSize)) {
         memmove(block_.get(), block_.get() + begin_, held);
     } else {
-        std::unique_ptr<char[]> larger(new char[size_ * 2]);
+        const size_t larger_size = std::max(size_ * 2, kBlockSize);
+        std::unique_ptr<char[]> larger(new char[larger_size]);
         memcpy(larger.get(), block_.get() + begin_, held);
         block_ = std::move(larger);
-        size_ *= 2;
+        size_ = larger_size;
     }
     begin_ = 0;
     end_ = held;

@@ -11,7 +11,8 @@
 namespace velk {
 
 // Hands out the lines of a file as views into one block, so that a reader costs one heap request
-// and a file of any size costs the same memory. Only a line longer than the block makes it grow.
+// and a file of any size costs the same little memory. Only a line longer than the block makes it
+// grow beyond that.
 //
 // A line is what stands before a "\n"; a last line without one is a line too. Everything else,
 // "\r" and NUL included, belongs to the line. A read error after the first block ends the file.
@@ -35,6 +36,10 @@ class LineReader {
     // That again, but only a line that is in the block already: earlier lines stay valid. False
     // when the file must be read for the next one.
     bool NextHeld(std::string_view& line);
+
+    // Takes the lines that are in the block already, with their newlines, up to the first one that
+    // begins with `start`. Faster than line by line; empty when the next line is no such line.
+    std::string_view TakeHeldUpTo(std::string_view start);
 
     // Gives the descriptor back early; to be called when no more lines are wanted.
     void Close() { fd_.Reset(); }

@@ -15,7 +15,7 @@ constexpr std::string_view kStanzaStart = "iface";
 constexpr std::string_view kFamily = " inet ";  // behind the interface's name
 
 // The length of "iface NAME inet " at the front of a line, where the method stands; 0 for a line
-// that is no header of the interface.
+// that is no header of the interface. Compared where it stands: a get has no need of the text.
 inline size_t HeaderLength(std::string_view line, std::string_view interface) {
     if (!line.starts_with(kStanzaStart)) {
         return 0;  // most lines of a file
@@ -30,7 +30,7 @@ inline size_t HeaderLength(std::string_view line, std::string_view interface) {
     return line.size() - rest.size();
 }
 
-// Such a line's front for the people who have to write one.
+// The front of such a line as a text of its own.
 inline std::string StanzaHeader(std::string_view interface) {
     return std::string(kStanzaStart).append(" ").append(interface).append(kFamily);
 }

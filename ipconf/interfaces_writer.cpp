@@ -17,14 +17,11 @@ int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view met
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    for (std::string_view line; edit.Next(line);) {
-        if (const size_t length = HeaderLength(line, interface); length != 0) {
-            edit.Keep(line.substr(0, length));
-            edit.Write(method);
-            edit.Write("\n");
-        } else {
-            edit.Keep(line);
-        }
+    const std::string header = StanzaHeader(interface);
+    for (std::string_view line; edit.NextWith(header, line);) {
+        edit.Write(header);
+        edit.Write(method);
+        edit.Write("\n");
     }
     return edit.Finish();
 }
@@ -87,12 +84,10 @@ int SetAddressConf(const _velk_request& request, const char* key) {
     if (!removes) {
         value_line.append("\t").append(key).append(value).append("\n");
     }
-    const std::string_view interface = velk::FieldText(request.interface);
-    for (std::string_view line; edit.Next(line);) {
+    const std::string header = velk::StanzaHeader(velk::FieldText(request.interface));
+    for (std::string_view line; edit.NextWith(header, line);) {
         edit.Keep(line);
-        if (velk::HeaderLength(line, interface) != 0) {
-            velk::EditBody(edit, key, value_line);
-        }
+        velk::EditBody(edit, key, value_line);
     }
     return edit.Finish();
 }

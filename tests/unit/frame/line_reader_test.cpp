@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "support/device_test.h"
 
@@ -95,7 +96,8 @@ TEST_F(LineReaderTest, LinesAcrossBlocksStayWhole) {
 }
 
 TEST_F(LineReaderTest, ALineOfExactlyOneBlockIsALine) {
-    for (const size_t size : {65534U, 65535U, 65536U, 65537U}) {
+    for (const size_t size :
+         {4094U, 4095U, 4096U, 4097U, 8192U, 65534U, 65535U, 65536U, 65537U, 131072U}) {
         const std::string line(size, 'x');
         EXPECT_THAT(LinesOf(line + "\nnext\n"), ElementsAre(line, "next")) << size;
         EXPECT_THAT(LinesOf(line), ElementsAre(line)) << size;
@@ -129,7 +131,7 @@ TEST_F(LineReaderTest, ReadsNoFurtherThanNeeded) {
 }
 
 TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
-    const std::string first(65530, 'x');
+    const std::string first(4090, 'x');
     testkit::WriteFile(kFile, first + "\nthe block ends within this line\n");
     LineReader reader(kFile);
     std::string_view held;
@@ -141,6 +143,27 @@ TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
     EXPECT_TRUE(reader.NextWithNewline(line));
     EXPECT_EQ(line, "the block ends within this line\n");
     EXPECT_FALSE(reader.NextHeld(line));
+}
+
+TEST_F(LineReaderTest, HeldLinesAreTakenUpToOneWithAStart) {
+    testkit::WriteFile(kFile, "one\n two\ntwofold\ntwo\nlast");
+    LineReader reader(kFile);
+    std::string_view line;
+    EXPECT_EQ(reader.TakeHeldUpTo("two"), "one\n two\n");
+    EXPECT_EQ(reader.TakeHeldUpTo("two"), "") << "the next line is such a line";
+    EXPECT_TRUE(reader.Next(line));
+    EXPECT_EQ(line, "twofold");
+    EXPECT_EQ(reader.TakeHeldUpTo("twofold"), "two\n") << "whole lines only";
+    EXPECT_EQ(reader.TakeHeldUpTo("twofold"), "");
+    EXPECT_TRUE(reader.Next(line));
+    EXPECT_EQ(line, "last");
+    EXPECT_EQ(reader.TakeHeldUpTo("two"), "");
+}
+
+TEST_F(LineReaderTest, AFileThatIsNotOpenHoldsNothingToTake) {
+    unlink(kFile);
+    LineReader reader(kFile);
+    EXPECT_EQ(reader.TakeHeldUpTo("two"), "");
 }
 
 TEST_F(LineReaderTest, OpensCloseOnExec) {
