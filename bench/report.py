@@ -1,0 +1,137 @@
+#!/usr/bin/env python3
+"""report.py FIGURES COUNTS FOLDER - sets what was measured against its goals.
+
+FIGURES is the JSON of velk_bench, COUNTS what tests/cost/cost_test.sh printed. Prints the table of
+goals and writes performance.md (the tables), performance.json and performance.svg into FOLDER.
+"""
+import json
+import re
+import sys
+from pathlib import Path
+
+# What is measured, its goal, and the benchmark that measures it. All are ratios, ours by the other.
+GOALS = [
+    ("get of a static address, against open, read, search, close", 1.15, "get/address"),
+    ("get of a static mask, against the same", 1.15, "get/netmask"),
+    ("get of a static gateway, against the same", 1.15, "get/gateway"),
+    ("unknown id, against that floor", 0.02, "get/unknown_id"),
+    ("get, against Augeas with its tree loaded", 1.0, "peer/get/loaded_tree"),
+    ("get, against Augeas from cold", 1 / 2500, "peer/get/cold"),
+    ("set with one edit, against copy and its two shell lines", 1.04, "set/address"),
+    ("DNS set, against lock, log line and write", 1.10, "set/dns"),
+    ("set, against Augeas with an open handle", 1 / 2.5, "peer/set/open_handle"),
+    ("set, against Augeas from cold", 1 / 5, "peer/set/cold"),
+    ("get at the end of 1 MB, against cutting lines by hand", 1.3, "growth/get/1MB"),
+    ("get at the end of 10 MB, against cutting lines by hand", 1.3, "growth/get/10MB"),
+    ("get at the end of 10 MB, against grep -F", 1.0, "growth/grep/10MB"),
+    ("set in 1 MB, against copy and its two shell lines", 1.05, "growth/set/1MB"),
+    ("set in 10 MB, against copy and its two shell lines", 1.05, "growth/set/10MB"),
+    ("dlopen and first get, against a library of std::string alone", 1.3, "loading"),
+    ("velkctl get, against a bare program with the same call", 1.05, "process/get_and_bare_program"),
+    ("set from a program of 256 MB, against one from a small one", 1.1, "set/from_large_host"),
+]
+# Counts that are held by the cost test, as far as they are goals.
+COUNTED_GOALS = [
+    "get address: system calls",
+    "get address: instructions",
+    "get address: heap requests",
+    "get unknown id: system calls",
+    "set address: started programs",
+    "library: bytes",
+]
+PEAK_GOAL_KB = 128
+PEAKS = ["growth/peak/get/10MB", "growth/peak/set/10MB"]
+
+
+def read_figures(path):
+    """Benchmark name to its counters."""
+    figures = {}
+    for run in json.loads(Path(path).read_text())["benchmarks"]:
+        name = run["name"].split("/iterations:")[0]
+        figures[name] = {key: run[key] for key in ("ratio", "ours_ns", "other_ns", "more_kb") if key in run}
+    return figures
+
+
+def read_counts(path):
+    """What was counted to (count, limit)."""
+    rows = re.findall(r"^(\S.*?): +(.*?) +(\d+) of (\d+)", Path(path).read_text(), re.MULTILINE)
+    return {f"{call}: {what}": (int(count), int(limit)) for call, what, count, limit in rows}
+
+
+def ratio_text(ratio):
+    return f"1/{1 / ratio:.0f}" if ratio < 0.005 else f"{ratio:.3f}" if ratio < 0.1 else f"{ratio:.2f}"
+
+
+def goal_rows(figures, counts):
+    for what, goal, name in GOALS:
+        ratio = figures[name]["ratio"]
+        yield what, ratio_text(goal), ratio_text(ratio), ratio <= goal
+    for what in COUNTED_GOALS:
+        count, limit = counts[what]
+        yield what, f"{limit}", f"{count}", count <= limit
+    for name in PEAKS:
+        more = figures[name]["more_kb"]
+        yield f"peak memory of a {name.split('/')[2]}, 10 MB over a usual file, KB", f"{PEAK_GOAL_KB}", f"{more:.0f}", more <= PEAK_GOAL_KB
+
+
+def time_text(nanoseconds):
+    for unit, size in (("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.3g} {unit}"
+    return f"{nanoseconds:.0f} ns"
+
+
+def tables(figures, counts):
+    lines = ["| what | goal, at most | measured | |", "|---|---|---|---|"]
+    for what, goal, measured, is_met in goal_rows(figures, counts):
+        lines.append(f"| {what} | {goal} | {measured} | {'met' if is_met else 'missed'} |")
+    lines += ["", "| benchmark | ours | other | ratio |", "|---|---|---|---|"]
+    for name, figure in figures.items():
+        if "ratio" in figure:
+            lines.append(
+                f"| {name} | {time_text(figure['ours_ns'])} | {time_text(figure['other_ns'])} | {ratio_text(figure['ratio'])} |"
+            )
+    return "\n".join(lines) + "\n"
+
+
+def plot(figures):
+    """Bars of the ratios to the floors, a line at 1."""
+    shown = {
+        name: figure["ratio"]
+        for name, figure in figures.items()
+        if "ratio" in figure and re.match(r"(get|set|growth/get|growth/set|loading|lock)(/|$)", name)
+    }
+    left, row, scale, longest = 190, 18, 110, 4.0
+    width, height = left + scale * longest + 60, row * len(shown) + 40
+    parts = [
+        f'<svg xmlns="http://www.w3.org/2000/svg" width="{width:.0f}" height="{height}" font-family="sans-serif" font-size="12">',
+        '<rect width="100%" height="100%" fill="white"/>',
+        f'<text x="{left}" y="16">time by that of the least that has to be done (1 = the floor)</text>',
+    ]
+    for index, (name, ratio) in enumerate(shown.items()):
+        y = 26 + index * row
+        bar = scale * min(ratio, longest)
+        parts.append(f'<text x="{left - 8}" y="{y + 12}" text-anchor="end">{name}</text>')
+        parts.append(f'<rect x="{left}" y="{y + 2}" width="{bar:.1f}" height="{row - 5}" fill="#4a7fb5"/>')
+        parts.append(f'<text x="{left + bar + 5:.1f}" y="{y + 12}">{ratio_text(ratio)}</text>')
+    floor = left + scale
+    parts.append(f'<line x1="{floor}" y1="22" x2="{floor}" y2="{height - 12}" stroke="#c0392b" stroke-dasharray="4 3"/>')
+    return "\n".join(parts) + "\n</svg>\n"
+
+
+def main(figures_path, counts_path, folder):
+    figures = read_figures(figures_path)
+    counts = read_counts(counts_path)
+    folder = Path(folder)
+    for what, goal, measured, is_met in goal_rows(figures, counts):
+        print(f"{what:62} {goal:>8} {measured:>8}  {'met' if is_met else 'MISSED'}")
+    summary = {"ratios": figures, "counts": {what: count for what, (count, _) in counts.items()}}
+    (folder / "performance.md").write_text(tables(figures, counts))
+    (folder / "performance.json").write_text(json.dumps(summary, indent=1) + "\n")
+    (folder / "performance.svg").write_text(plot(figures))
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 4:
+        sys.exit(__doc__)
+    main(*sys.argv[1:])
