@@ -11,12 +11,6 @@
 namespace bench {
 namespace {
 
-double Median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
 void Run(benchmark::State& state, const Comparison& comparison) {
     comparison.prepare();
     (void)comparison.ours();
@@ -43,6 +37,12 @@ void Run(benchmark::State& state, const Comparison& comparison) {
 }
 
 }  // namespace
+
+double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
 
 Measured Timed(std::function<void()> call, int calls) {
     return [call = std::move(call), calls] {

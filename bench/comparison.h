@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -12,6 +13,8 @@ using Measured = std::function<double()>;
 
 // The seconds one call takes, as the mean of `calls` in a row.
 Measured Timed(std::function<void()> call, int calls = 1);
+
+double Median(std::vector<double> values);
 
 struct Comparison {
     std::string name;

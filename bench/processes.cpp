@@ -8,6 +8,8 @@ namespace {
 
 constexpr int kSamples = 100;
 
+constexpr char kVelkctl[] = "velk_bench_velkctl";
+
 constexpr char kAwkProgram[] =
     "/^iface eth0 inet / { inside = 1; next } /^iface/ { inside = 0 }"
     "inside && sub(/.*address /, \"\") { print; exit }";
@@ -22,15 +24,15 @@ void Add(const char* name, const Arguments& ours, const Arguments& other) {
 }  // namespace
 
 void AddProcesses() {
-    const Arguments get = {Built("velkctl"), "get", "eth0.address"};
+    const Arguments get = {Built(kVelkctl), "get", "eth0.address"};
     Add("process/get_and_bare_program", get, {Built("velk_bench_get")});
     Add("process/get_and_empty_program", get, {Built("velk_bench_empty")});
-    Add("process/version_and_empty_program", {Built("velkctl"), "--version"},
+    Add("process/version_and_empty_program", {Built(kVelkctl), "--version"},
         {Built("velk_bench_empty")});
     Add("process/get_and_ifquery", get, {"ifquery", "eth0"});
     Add("process/get_and_awk", get, {"awk", kAwkProgram, "/etc/network/interfaces"});
     Add("process/set_and_bare_program",
-        {Built("velkctl"), "set", "--force", "eth0.address", "192.168.0.10"},
+        {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"},
         {Built("velk_bench_peak"), "set"});
 }
 
