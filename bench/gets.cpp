@@ -85,7 +85,7 @@ void AddLiveGet() {
                  (void)GetIpAddress({"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, {}}, value);
              }),
              .other = Timed(ReadLiveByHand),
-             .samples = 100});
+             .samples = 50});
 }
 
 // Refused before anything is opened.

@@ -76,7 +76,7 @@ void AddPeers() {
     Compare({.name = "peer/set/open_handle",
              .ours = set,
              .other = Timed([] { SetIn(OpenTree()); }),
-             .samples = 100});
+             .samples = 50});
 }
 
 }  // namespace bench

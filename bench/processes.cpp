@@ -6,7 +6,7 @@
 namespace bench {
 namespace {
 
-constexpr int kSamples = 100;
+constexpr int kSamples = 60;
 
 constexpr char kVelkctl[] = "velk_bench_velkctl";
 

@@ -17,17 +17,12 @@ constexpr std::string_view kFamily = " inet ";  // behind the interface's name
 // The length of "iface NAME inet " at the front of a line, where the method stands; 0 for a line
 // that is no header of the interface. Compared where it stands: a get has no need of the text.
 inline size_t HeaderLength(std::string_view line, std::string_view interface) {
-    if (!line.starts_with(kStanzaStart)) {
-        return 0;  // most lines of a file
-    }
-    std::string_view rest = line.substr(kStanzaStart.size());
-    for (const std::string_view piece : {std::string_view(" "), interface, kFamily}) {
-        if (!rest.starts_with(piece)) {
-            return 0;
-        }
-        rest.remove_prefix(piece.size());
-    }
-    return line.size() - rest.size();
+    constexpr size_t kName = kStanzaStart.size() + 1;  // where it begins, behind a blank
+    const bool is_header = line.starts_with(kStanzaStart) &&
+                           line.substr(kStanzaStart.size()).starts_with(' ') &&
+                           line.substr(kName).starts_with(interface) &&
+                           line.substr(kName + interface.size()).starts_with(kFamily);
+    return is_header ? kName + interface.size() + kFamily.size() : 0;
 }
 
 // The front of such a line as a text of its own.
