@@ -95,7 +95,8 @@ void TellData(const Data& data, bool masked, Report& report) {
     report.Member("data", masked && data != Data{} ? Json(kMask) : Json(ToHex(UsedBytes(data))));
 }
 
-// The result is what was asked for, whatever it is; in a document, a failure is among the errors too.
+// The result is what was asked for, whatever it is; in a document, a failure is among the errors
+// too.
 void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
     if (answer.timed_out) {
         report.Complain(DescribeFailure("call", answer));

@@ -99,6 +99,11 @@ std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::strin
     }
 }
 
+const Verb* FindVerb(std::string_view name) {
+    const auto verb = std::ranges::find(Verbs(), name, &Verb::name);
+    return verb == Verbs().end() ? nullptr : &*verb;
+}
+
 // Says about a word where a verb should stand what would be right. What it may be behind "=" is not
 // repeated.
 std::string UnknownVerb(std::string_view word) {
@@ -160,16 +165,8 @@ ExitStatus RunVerb(const Verb& verb, const Words& given, Report& report) {
     return problem.empty() ? verb.run(invocation, report) : report.Refuse(prefix + problem);
 }
 
-}  // namespace
-
-Report::Form FormAskedFor(const Words& arguments) {
-    const auto end = std::find(arguments.begin(), arguments.end(), "--");
-    return std::find(arguments.begin(), end, kJsonFlag) == end ? Report::Form::kText
-                                                               : Report::Form::kJson;
-}
-
-ExitStatus RunCommandLine(const Words& given, Report& report) {
-    const Words arguments = WithHelpAsOption(given);
+// Runs arguments with no verb in front: options of the tool itself, and a verb behind them at most.
+ExitStatus RunOwnOptions(const Words& arguments, Report& report) {
     CLI::App app("Read and change the network settings of the device.");
     PrepareHelp(app, std::string(kToolName) + " VERB [ARGUMENT...]", ToolFooter());
     app.set_version_flag("--version", kVersion, "show the version");
@@ -186,16 +183,28 @@ ExitStatus RunCommandLine(const Words& given, Report& report) {
     if (rest.empty()) {
         return report.Refuse("no verb given; give " + OneOf(VerbNames()) + std::string(kSeeHelp));
     }
+    if (const Verb* verb = FindVerb(rest.front()); verb != nullptr) {
+        return RunVerb(*verb, Words(rest.begin() + 1, rest.end()), report);
+    }
     const std::string_view word = WithoutValue(rest.front());
-    if (word.starts_with('-') && word != "-" && word != "--") {
-        return report.Refuse(WrongOption(app, word));
-    }
-    for (const Verb& verb : Verbs()) {
-        if (verb.name == rest.front()) {
-            return RunVerb(verb, Words(rest.begin() + 1, rest.end()), report);
-        }
-    }
-    return report.Refuse(UnknownVerb(word));
+    const bool is_option = word.starts_with('-') && word != "-" && word != "--";
+    return report.Refuse(is_option ? WrongOption(app, word) : UnknownVerb(word));
+}
+
+}  // namespace
+
+Report::Form FormAskedFor(const Words& arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    return std::find(arguments.begin(), end, kJsonFlag) == end ? Report::Form::kText
+                                                               : Report::Form::kJson;
+}
+
+ExitStatus RunCommandLine(const Words& given, Report& report) {
+    const Words arguments = WithHelpAsOption(given);
+    const Verb* verb = arguments.empty() ? nullptr : FindVerb(arguments.front());
+    // A parser of the tool's own options would be a good part of what a get costs.
+    return verb == nullptr ? RunOwnOptions(arguments, report)
+                           : RunVerb(*verb, Words(arguments.begin() + 1, arguments.end()), report);
 }
 
 }  // namespace velkctl
