@@ -3,34 +3,21 @@
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/signalfd.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include "frame/unique_fd.h"
+#include "velkctl/data.h"
+#include "velkctl/stop_signals.h"
+
 namespace velkctl {
 namespace {
-
-class File {
-  public:
-    explicit File(const char* path) : fd_(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY)) {}
-    ~File() {
-        if (fd_ != -1) {
-            (void)close(fd_);
-        }
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    int fd() const { return fd_; }
-
-  private:
-    const int fd_;
-};
 
 Secret Problem(std::string_view source, std::string_view what) {
     return {{}, std::string(source).append(" ").append(what)};
@@ -41,12 +28,14 @@ Secret CannotRead(std::string_view source, int error) {
                                "; '-' takes the value from standard input, @FILE from a file");
 }
 
-// Reads up to the end of the line and no further, which only single bytes allow.
-Secret ReadLine(int fd, std::string_view source, size_t longest) {
+// Reads up to the end of the line and no further, which only single bytes allow. `read_byte` is
+// read(2) of one.
+template <typename ReadByte>
+Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
     Secret secret;
     char byte = '\0';
     ssize_t got = 0;
-    while ((got = read(fd, &byte, 1)) == 1 && byte != '\n') {
+    while ((got = read_byte(byte)) == 1 && byte != '\n') {
         if (secret.text.size() == longest) {
             return Problem(source, "has a line of more than " + std::to_string(longest) +
                                        " bytes; give the value alone");
@@ -62,53 +51,37 @@ Secret ReadLine(int fd, std::string_view source, size_t longest) {
     return secret;
 }
 
-bool HasMore(int fd) {
-    char byte = '\0';
-    return read(fd, &byte, 1) == 1;
-}
-
 Secret ReadFile(const char* path, size_t longest) {
     constexpr std::string_view kSource = "the file behind @";
-    const File file(path);
-    if (file.fd() == -1) {
+    const velk::UniqueFd file(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (file.get() == -1) {
         return CannotRead(kSource, errno);
     }
-    Secret secret = ReadLine(file.fd(), kSource, longest);
-    if (secret.problem.empty() && HasMore(file.fd())) {
+    const auto read_byte = [&file](char& byte) { return read(file.get(), &byte, 1); };
+    Secret secret = ReadLine(kSource, longest, read_byte);
+    char more = '\0';
+    if (secret.problem.empty() && read_byte(more) == 1) {
         return Problem(kSource, "has more than one line; give the value as the only one");
     }
     return secret;
 }
 
-volatile sig_atomic_t caught_signal = 0;
-
-// While it lives, what is typed at standard input is not shown. A signal that would end the program
-// ends it when the terminal is as it was.
+// Standard input; what is typed there is not shown while this lives. A signal that would end
+// velkctl ends it when the terminal is as it was.
 class HiddenTyping {
   public:
-    HiddenTyping() : is_terminal_(tcgetattr(STDIN_FILENO, &before_) == 0) {
-        if (!is_terminal_) {
-            return;
+    HiddenTyping()
+        : signal_fd_(signalfd(-1, &signals_.signals(), SFD_CLOEXEC)),
+          is_terminal_(tcgetattr(STDIN_FILENO, &before_) == 0) {
+        if (is_terminal_) {
+            termios hidden = before_;
+            hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+            (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
         }
-        struct sigaction note {};
-        note.sa_handler = [](int signal) { caught_signal = signal; };
-        for (size_t i = 0; i < kSignals.size(); ++i) {
-            (void)sigaction(kSignals[i], &note, &handlers_[i]);
-        }
-        termios hidden = before_;
-        hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
     }
     ~HiddenTyping() {
-        if (!is_terminal_) {
-            return;
-        }
-        (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
-        for (size_t i = 0; i < kSignals.size(); ++i) {
-            (void)sigaction(kSignals[i], &handlers_[i], nullptr);
-        }
-        if (caught_signal != 0) {
-            (void)raise(caught_signal);
+        if (is_terminal_) {
+            (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
         }
     }
     HiddenTyping(const HiddenTyping&) = delete;
@@ -116,22 +89,36 @@ class HiddenTyping {
 
     bool is_terminal() const { return is_terminal_; }
 
-  private:
-    static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+    // As read(2); a signal is as good as the end of the input.
+    ssize_t ReadByte(char& byte) const {
+        std::array<pollfd, 2> awaited{{{STDIN_FILENO, POLLIN, 0}, {signal_fd_.get(), POLLIN, 0}}};
+        (void)poll(awaited.data(), awaited.size(), -1);
+        return signals_.Pending() == 0 ? read(STDIN_FILENO, &byte, 1) : 0;
+    }
 
+  private:
+    const StopSignals signals_;  // let through last
+    const velk::UniqueFd signal_fd_;
     termios before_{};
-    std::array<struct sigaction, kSignals.size()> handlers_{};
     const bool is_terminal_;
 };
+
+// Shows a text to the person who types, and to nobody who reads velkctl's output.
+void ShowAtTerminal(const std::string& text) {
+    const velk::UniqueFd terminal(open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    const int fd = terminal.get() == -1 ? STDERR_FILENO : terminal.get();
+    (void)!write(fd, text.data(), text.size());
+}
 
 Secret Ask(const std::string& question, size_t longest = VELK_DATA_SIZE) {
     const HiddenTyping hidden;
     if (hidden.is_terminal()) {
-        (void)fputs(question.c_str(), stderr);
+        ShowAtTerminal(question);
     }
-    Secret secret = ReadLine(STDIN_FILENO, "standard input", longest);
+    Secret secret = ReadLine("standard input", longest,
+                             [&hidden](char& byte) { return hidden.ReadByte(byte); });
     if (hidden.is_terminal()) {
-        (void)fputs("\n", stderr);  // in the place of the one that was typed
+        ShowAtTerminal("\n");  // in the place of the one that was typed
     }
     return secret;
 }
@@ -149,7 +136,7 @@ Secret ReadSecret(const std::string& word, size_t longest) {
 }
 
 bool CanAskForSecret() {
-    return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
+    return isatty(STDIN_FILENO) == 1;
 }
 
 Secret AskForSecret(const std::string& name) {

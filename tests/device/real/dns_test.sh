@@ -12,13 +12,14 @@ serve() { # serve SERVER ADDRESS
         --local=/example/ --host-record="who.example,$2"
 }
 ask() { getent ahostsv4 "$1" | sed -n 's/ *STREAM.*//p' | sort -u; }
-answers() { [ "$(ask who.example)" = "$1" ]; }
+finds() { [ "$(ask "$1")" = "$2" ]; } # finds NAME ADDRESS
+answers() { finds who.example "$1"; }
 
 serve 192.168.0.2 10.0.0.2
 serve 192.168.0.3 10.0.0.3
 
 it 'asks the server of the sample file'
-check 'address' 192.168.0.1 "$(ask router.example)"
+soon 5 finds router.example 192.168.0.1
 
 it 'asks the server that is set, without being restarted'
 forwarder=$(cat /run/dnsmasq.pid)
