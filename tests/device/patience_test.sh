@@ -104,15 +104,15 @@ on_desk 'hold_lock 2; velkctl set eth0.dns 10.0.0.1 --wait; status=$?; took 1 20
 status_is 0
 output_is 'in time
 10.0.0.1'
-check 'standard error' 'velkctl: waiting for the lock, held by process N (flock, M seconds old)' \
+check 'standard error' 'velkctl: waiting at most 30 s for the lock, held by process N (flock, M seconds old)' \
     "$(anonymous "$error")"
 
 it 'waits no longer than it is told'
 on_desk 'hold_lock 9; velkctl restart eth0 --wait=1; status=$?; took 1 6; exit $status'
 status_is 3
 output_is 'in time'
-check 'standard error' 'velkctl: waiting for the lock, held by process N (flock, M seconds old)
-velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
+check 'standard error' 'velkctl: waiting at most 1 s for the lock, held by process N (flock, M seconds old)
+velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) still holds the lock after 1 s' \
     "$(anonymous "$error")"
 
 it 'tells of the waiting within the document'
@@ -120,10 +120,10 @@ on_desk 'hold_lock 9; velkctl call set 108 eth0 --text 10.0.0.1 --wait=1 --json 
     status=$?; python3 -c "
 import json
 answer = json.load(open(\"/tmp/answer\"))
-print(len(answer[\"notes\"]), answer[\"notes\"][0][:38], answer[\"result\"][\"code\"])"; exit $status'
+print(len(answer[\"notes\"]), answer[\"notes\"][0][:47], answer[\"result\"][\"code\"])"; exit $status'
 status_is 3
 error_is ''
-output_is '1 waiting for the lock, held by process  -3'
+output_is '1 waiting at most 1 s for the lock, held by proce -3'
 
 it 'stops waiting for the lock at a signal'
 on_desk 'hold_lock 9; interrupted_by SIGINT 0.5 velkctl set eth0.dns 10.0.0.1 --wait; took 0 5'

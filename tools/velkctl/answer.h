@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/data.h"
 #include "velkctl/exit_status.h"
@@ -14,8 +15,9 @@ namespace velkctl {
 struct Answer {
     int result;
     Data data{};
-    bool timed_out = false;  // nothing came in time; the result says nothing
-    std::string remark{};    // what more there is to say about a failure
+    bool timed_out = false;           // nothing came in time; the result says nothing
+    std::string remark{};             // what more there is to say about a failure
+    std::vector<std::string> said{};  // by the tools that the library ran
 
     bool ok() const { return !timed_out && result == LIB_VELK_SUCCESS; }
     std::optional<int> known_result() const {

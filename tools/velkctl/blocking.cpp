@@ -4,8 +4,9 @@
 namespace velkctl {
 namespace {
 
-// Link detection asks ethtool once a second for a minute, and looks into two logs after that.
-constexpr int kLinkSeconds = 62;
+// Link detection asks ethtool once a second for a minute and looks into two logs after that. Each
+// of these 62 runs of a tool may wait 3 seconds for its turn.
+constexpr int kLinkSeconds = 60 + 62 * 3;
 // The library waits so long for one answer of the wireless daemon.
 constexpr int kDaemonSeconds = 60;
 // What a wired restart sleeps with an adapter attached and the cable in, and a wireless one.

@@ -27,4 +27,14 @@ std::string CauseInWords(const Finding& cause) {
     return Printable(found).append("; mend: ").append(Printable(cause.remedy));
 }
 
+std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer) {
+    const Findings causes =
+        answer.known_result() == LIB_VELK_FAILURE ? CausesOf(setting) : Findings();
+    if (causes.empty()) {
+        return DescribeFailure(what, answer);
+    }
+    return std::string(what).append(" (LIB_VELK_FAILURE, -1); likely cause: ") +
+           CauseInWords(causes.front());
+}
+
 }  // namespace velkctl

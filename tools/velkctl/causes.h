@@ -3,7 +3,9 @@
 #define VELKCTL_CAUSES_H_
 
 #include <string>
+#include <string_view>
 
+#include "velkctl/answer.h"
 #include "velkctl/catalogue.h"
 #include "velkctl/doctor/finding.h"
 
@@ -16,6 +18,9 @@ Findings CausesOf(const Setting& setting);
 
 // "/etc/network/interfaces:12: the stanza is the last one and has no gateway line; mend: add ..."
 std::string CauseInWords(const Finding& cause);
+
+// DescribeFailure(), with the likely cause of a failure that has no name of its own.
+std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer);
 
 }  // namespace velkctl
 

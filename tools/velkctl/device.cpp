@@ -59,9 +59,21 @@ bool IsLocked(const Answer& answer) {
     return !answer.timed_out && answer.result == LIB_VELK_LOCKED;
 }
 
-void TellWhoIsWaitedFor(Report& report) {
+void TellWhoIsWaitedFor(int seconds, Report& report) {
     const std::optional<LockHolder> holder = FindLockHolder();
-    report.Note("waiting for the lock" + (holder ? ", held by " + Words(*holder) : ""));
+    report.Note("waiting at most " + std::to_string(seconds) + " s for the lock" +
+                (holder ? ", held by " + Words(*holder) : ""));
+}
+
+// Empty when that cannot be told.
+std::string WhoHoldsTheLock(int waited) {
+    const std::optional<LockHolder> holder = FindLockHolder();
+    if (!holder) {
+        return "";
+    }
+    return Words(*holder) + (waited == 0
+                                 ? " holds the lock"
+                                 : " still holds the lock after " + std::to_string(waited) + " s");
 }
 
 void Pause(Milliseconds time) {
@@ -73,7 +85,7 @@ void Pause(Milliseconds time) {
 // Tries again until the lock is free or the time is over. Nothing has been done yet, so the answer
 // at the deadline is that of the lock.
 Answer TryAgain(const Call& call, int seconds, Answer answer) {
-    TellWhoIsWaitedFor(call.report);
+    TellWhoIsWaitedFor(seconds, call.report);
     const StopSignals signals;
     Milliseconds left = Seconds(seconds);
     for (Milliseconds pause = kFirstPause; IsLocked(answer) && left > Milliseconds::zero();
@@ -105,13 +117,12 @@ Answer Device::Set(const Setting& setting, const Data& value) const {
 Answer Device::Execute(const Command& command, const Data& data, const std::string& what) const {
     const Call call{command, data, what, DeadlineOf(patience_), report_};
     Answer answer = ExecuteOnce(call);
-    if (IsLocked(answer) && patience_.wait_seconds > 0) {
-        answer = TryAgain(call, LongestWaitForLock(patience_), answer);
+    const int wait = LongestWaitForLock(patience_);
+    if (IsLocked(answer) && wait > 0) {
+        answer = TryAgain(call, wait, answer);
     }
     if (IsLocked(answer)) {
-        if (const std::optional<LockHolder> holder = FindLockHolder()) {
-            answer.remark = Words(*holder) + " holds the lock";
-        }
+        answer.remark = WhoHoldsTheLock(wait);
     }
     return answer;
 }

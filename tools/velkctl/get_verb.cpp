@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/causes.h"
 #include "velkctl/device.h"
 #include "velkctl/patience.h"
 #include "velkctl/setting_values.h"
@@ -30,13 +31,16 @@ std::optional<Setting> FindReadable(const std::string& name, Report& report) {
 // Reads one setting and shows its value behind the prefix.
 ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocation& invocation,
                 const Device& device, Json& shown, Report& report) {
+    const std::string name = setting.name();
     const Answer answer = device.Get(setting);
-    shown.push_back(ReadingInJson(setting, answer, invocation.show_secrets));
     if (answer.ok()) {
         report.Text(prefix + ValueInWords(setting, answer.data, invocation.show_secrets) + "\n");
+        shown.push_back(ReadingInJson(
+            setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
     } else {
-        report.Complain(
-            Problem{UnreadableInWords(setting, answer), setting.name(), answer.known_result()});
+        const std::string message = DescribeFailure(name + ": could not be read", setting, answer);
+        report.Complain(Problem{message, name, answer.known_result()});
+        shown.push_back(ReadingInJson(setting, nullptr, message));
     }
     return StatusOf(answer);
 }

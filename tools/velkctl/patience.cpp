@@ -4,16 +4,14 @@
 #include <charconv>
 #include <string>
 
-#include "velkctl/terminal.h"
-
 namespace velkctl {
 namespace {
 
 constexpr int kLongest = 24 * 60 * 60;
 
 // Sets `seconds` to what an option asks for; false, after refusing it, when that is no number.
-bool TakeSeconds(const char* option, const std::optional<std::string>& word, Report& report,
-                 int& seconds) {
+bool TakeSeconds(const char* option, const std::optional<std::string>& word,
+                 const Invocation& invocation, Report& report, int& seconds) {
     if (!word) {
         return true;
     }
@@ -22,7 +20,7 @@ bool TakeSeconds(const char* option, const std::optional<std::string>& word, Rep
     if (error == std::errc() && stop == end && seconds >= 1 && seconds <= kLongest) {
         return true;
     }
-    report.Refuse(std::string(option) + ": " + Quoted(*word) +
+    report.Refuse(std::string(option) + ": " + invocation.Shown(*word) +
                   " is not a time; give whole seconds, 1 to 86400");
     return false;
 }
@@ -31,8 +29,9 @@ bool TakeSeconds(const char* option, const std::optional<std::string>& word, Rep
 
 std::optional<Patience> PatienceOf(const Invocation& invocation, Report& report) {
     Patience patience;
-    if (!TakeSeconds("--wait", invocation.wait, report, patience.wait_seconds) ||
-        !TakeSeconds("--timeout", invocation.timeout, report, patience.timeout_seconds)) {
+    if (!TakeSeconds("--wait", invocation.wait, invocation, report, patience.wait_seconds) ||
+        !TakeSeconds("--timeout", invocation.timeout, invocation, report,
+                     patience.timeout_seconds)) {
         return std::nullopt;
     }
     return patience;

@@ -1,6 +1,8 @@
 // restart_verb.cpp - the verb that restarts an interface.
+#include <algorithm>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "velkctl/catalogue.h"
 #include "velkctl/causes.h"
@@ -15,16 +17,28 @@ namespace {
 
 constexpr char kNotifyOnly = 2;  // first data byte of a restart of eth1
 
-// The library does not learn whether the tools did what it had them do.
-ExitStatus JudgeRestart(const std::string& interface, Report& report) {
+// What ifup(8) says at its end when an interface did not come up.
+constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
+
+// Why the interface was not restarted although the library says so, who does not learn whether the
+// tools did what it had them do; empty when nothing speaks against it.
+std::string WhyNotRestarted(const Answer& answer) {
     const Findings obstacles = RestartObstacles();
-    if (CountOf(obstacles, Severity::kProblem) == 0) {
+    if (CountOf(obstacles, Severity::kProblem) > 0) {
+        return "; likely cause: " + CauseInWords(obstacles.front());
+    }
+    const bool has_failed = std::ranges::any_of(
+        answer.said, [](const std::string& line) { return line.starts_with(kIfupFailed); });
+    return has_failed ? "; ifup says why" : "";
+}
+
+ExitStatus JudgeRestart(const std::string& interface, const Answer& answer, Report& report) {
+    const std::string reason = WhyNotRestarted(answer);
+    if (reason.empty()) {
         return ExitStatus::kDone;
     }
     report.Complain(interface +
-                    ": the library reported success, but the interface was not restarted; likely "
-                    "cause: " +
-                    CauseInWords(obstacles.front()));
+                    ": the library reported success, but the interface did not come up" + reason);
     return ExitStatus::kNotHeld;
 }
 
@@ -58,7 +72,7 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
                                 answer.known_result()});
         return StatusOf(answer);
     }
-    return invocation.notify_only ? ExitStatus::kDone : JudgeRestart(interface, report);
+    return invocation.notify_only ? ExitStatus::kDone : JudgeRestart(interface, answer, report);
 }
 
 }  // namespace velkctl

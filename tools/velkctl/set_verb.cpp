@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/causes.h"
 #include "velkctl/device.h"
 #include "velkctl/network_check.h"
 #include "velkctl/patience.h"
@@ -102,8 +103,8 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const std::string name = setting->name();
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
-        report.Complain(Problem{DescribeFailure(name + ": could not be set", answer), name,
-                                answer.known_result()});
+        report.Complain(Problem{DescribeFailure(name + ": could not be set", *setting, answer),
+                                name, answer.known_result()});
         return StatusOf(answer);
     }
     const Verification verification = invocation.no_verify

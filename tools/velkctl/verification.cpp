@@ -45,18 +45,16 @@ Verification NotReadInTime(const Setting& setting, const Answer& answer, Report&
     return {std::nullopt, StatusOf(answer)};
 }
 
-// What is configured cannot be read behind a lease, but what keeps it from being set can be seen.
-Verification JudgeBehindLease(const Setting& setting, Report& report) {
+// A value that cannot be read back: what keeps it from being set can be seen all the same.
+Verification JudgeUnseen(const Setting& setting, const std::string& why_unseen, Report& report) {
     Findings causes = CausesOf(setting);
     std::erase_if(causes, [](const Finding& cause) {
         return cause.severity != Severity::kProblem || cause.hinders != Hinders::kSetting;
     });
-    const std::string lease =
-        "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown";
     if (!causes.empty()) {
-        return NotHeld(setting, "the device cannot hold the value (" + lease + ")", causes, report);
+        return NotHeld(setting, "the device cannot hold the value", causes, report);
     }
-    report.Note(setting.name() + ": set, but not checked: " + lease);
+    report.Note(setting.name() + ": set, but not checked: " + why_unseen);
     return {std::nullopt, ExitStatus::kDone};
 }
 
@@ -65,7 +63,7 @@ Verification JudgeBehindLease(const Setting& setting, Report& report) {
 Verification VerifySet(const Setting& setting, const Data& wanted, const Device& device,
                        Report& report) {
     if (!setting.can_get()) {
-        return {std::nullopt, ExitStatus::kDone};
+        return JudgeUnseen(setting, "it cannot be read", report);
     }
     const Answer answer = device.Get(setting);
     const ValueKind& kind = *setting.row->kind;
@@ -76,7 +74,10 @@ Verification VerifySet(const Setting& setting, const Data& wanted, const Device&
         return NotReadInTime(setting, answer, report);
     }
     if (AnswersWithLease(setting, device)) {
-        return JudgeBehindLease(setting, report);
+        return JudgeUnseen(
+            setting,
+            "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
+            report);
     }
     return NotHeld(setting, WhatIsHeld(setting, answer), CausesOf(setting), report);
 }

@@ -20,8 +20,8 @@ struct Verification {
 // Reads a setting back that the library has just reported as set. When the device does not hold the
 // value, complains, saying what it holds instead and the likely cause. The library cannot tell: it
 // does not learn whether its shell lines worked, and an edit that finds no line to change is no
-// failure to it. A setting that cannot be read is left alone; for an address behind a lease, what
-// keeps it from being set is looked for, and there is a note when nothing does.
+// failure to it. Where nothing is to be read, in settings that can only be set and addresses behind
+// a lease, what keeps them from being set is looked for; there is a note when nothing does.
 Verification VerifySet(const Setting& setting, const Data& wanted, const Device& device,
                        Report& report);
 

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include <poll.h>
 #include <sys/signalfd.h>
@@ -121,16 +123,19 @@ bool IsShort(const Command& command) {
     return LongestCall(command).awaited.empty();
 }
 
-void PassOnWhatToolsSaid(const ChildCall& child, const Call& call) {
-    for (const std::string& line : child.said()) {
+std::vector<std::string> PassOnWhatToolsSaid(const ChildCall& child, const Call& call) {
+    std::vector<std::string> said = child.said();
+    for (const std::string& line : said) {
         call.report.Note(call.what + ": " + Printable(line));
     }
+    return said;
 }
 
 Answer AnswerOf(ChildCall& child, const Call& call) {
-    const std::optional<Answer> answer = child.TakeAnswer();
-    PassOnWhatToolsSaid(child, call);
+    std::optional<Answer> answer = child.TakeAnswer();
+    std::vector<std::string> said = PassOnWhatToolsSaid(child, call);
     if (answer) {
+        answer->said = std::move(said);
         return *answer;
     }
     RemoveLeftovers(call.command, false);
@@ -171,7 +176,7 @@ Answer ExecuteWatched(const Call& call) {
         return answer;
     }
     const bool tools_ended = child.GiveUp();
-    PassOnWhatToolsSaid(child, call);
+    (void)PassOnWhatToolsSaid(child, call);
     RemoveLeftovers(call.command, tools_ended);
     if (outcome == Outcome::kInterrupted) {
         EndInterrupted(signals.Pending(), StateInTheMiddle(call), call.report);

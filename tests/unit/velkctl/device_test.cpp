@@ -73,7 +73,7 @@ TEST_F(VelkctlDeviceTest, AHolderThatCannotBeFoundIsLeftOut) {
     EXPECT_EQ(DescribeFailure("eth0.dns: could not be set", answer),
               "eth0.dns: could not be set: another program is changing settings now, try again, "
               "as --wait=SECONDS does (LIB_VELK_LOCKED, -3)");
-    EXPECT_EQ(error, "velkctl: waiting for the lock\n");
+    EXPECT_EQ(error, "velkctl: waiting at most 1 s for the lock\n");
 }
 
 TEST_F(VelkctlDeviceTest, ALockThatIsHeldIsTriedLessAndLessOften) {
@@ -86,8 +86,9 @@ TEST_F(VelkctlDeviceTest, ALockThatIsHeldIsTriedLessAndLessOften) {
               (std::vector<std::string>{"50000000", "100000000", "200000000", "250000000",
                                         "250000000", "150000000"}));
     EXPECT_FALSE(testkit::Exists(kResolver));
-    EXPECT_THAT(error, MatchesRegex("velkctl: waiting for the lock, held by process [0-9]+ "
-                                    "\\(unit_tests, [0-9]+ [a-z]+ old\\)\n"));
+    EXPECT_THAT(error,
+                MatchesRegex("velkctl: waiting at most 1 s for the lock, held by process [0-9]+ "
+                             "\\(unit_tests, [0-9]+ [a-z]+ old\\)\n"));
 }
 
 TEST_F(VelkctlDeviceTest, ALockThatIsGivenBackIsTaken) {

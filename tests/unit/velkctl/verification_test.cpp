@@ -58,8 +58,22 @@ TEST_F(VerifySetTest, AHeldValueIsDone) {
 }
 
 TEST_F(VerifySetTest, ASettingThatCannotBeReadIsNotChecked) {
+    WriteFile(kHooks,
+              "if [ \"$interface\" = \"eth0\" ]; then\n"
+              "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi\n");
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), std::nullopt);
-    EXPECT_EQ(complaint, "");
+    EXPECT_EQ(status, ExitStatus::kDone);
+    EXPECT_EQ(complaint, "velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
+}
+
+TEST_F(VerifySetTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
+    EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+    EXPECT_EQ(
+        complaint,
+        "velkctl: eth0.dhcp-notice: the library reported success, but the device cannot hold "
+        "the value; likely cause: /etc/dhclient-exit-hooks: the file is missing; mend: put the "
+        "device's own file there\n");
 }
 
 TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
@@ -131,7 +145,7 @@ TEST_F(VerifySetTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
     EXPECT_EQ(
         complaint,
         "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
-        "value (while eth1.method is dhcp, its lease is shown); likely cause: "
+        "value; likely cause: "
         "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; mend: "
         "add a line \"gateway 192.168.0.1\" to it\n");
 }
