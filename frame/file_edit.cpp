@@ -86,12 +86,18 @@ void FileEdit::Write(std::string_view text) {
 int FileEdit::Finish() {
     EndRun();
     Flush();
+    const int read_error = reader_.read_error();
     reader_.Close();
     if (copy_.Reset() == -1 && write_error_ == 0) {
         write_error_ = errno;
     }
+    if (read_error != 0) {
+        LogErrno("FileEdit read errno=%d:%s", read_error);
+    }
     if (write_error_ != 0) {
         LogErrno("FileEdit write errno=%d:%s", write_error_);
+    }
+    if (read_error != 0 || write_error_ != 0) {
         (void)unlink(copy_path_.c_str());  // half an edit is of no use, and the folder may be full
         return LIB_VELK_FAILURE;
     }

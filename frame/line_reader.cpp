@@ -113,6 +113,7 @@ bool LineReader::Fill() {
     if (count == 0) {
         errno = 0;
     }
+    read_error_ = errno;
     at_end_ = true;
     return false;
 }

@@ -416,10 +416,22 @@ TEST_F(FileEditTest, ASignalWhileWritingMakesNoDifference) {
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(FileEditTest, AReadErrorInTheMiddleEndsTheFile) {
+// What was read so far must not take the place of the whole.
+TEST_F(FileEditTest, AReadErrorInTheMiddleLeavesTheFileAsItWas) {
+    const std::string text = std::string(100000, '#') + "\nlast\n";
+    WriteFile(kTarget, text);
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
-    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit read errno=5:Input/output error"));
+    EXPECT_TRUE(ReadFile(kTarget) == text);
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, AReadErrorAtTheEndLeavesTheFileAsItWas) {
+    libc().Script(Call::kRead, {Pass(), Fail(EIO)});
+    EXPECT_EQ(CopyThrough(), -1);
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
 }
 
 // ---- putting the copy in place
