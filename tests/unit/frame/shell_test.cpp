@@ -1,6 +1,7 @@
 #include "frame/shell.h"
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -39,6 +40,51 @@ TEST_F(ShellTest, AShellThatCannotBeRunIsLogged) {
     libc().Script(Call::kSystem, {Fail(EAGAIN)});
     EXPECT_EQ(SystemCommand("true"), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("system errno=11:Resource temporarily unavailable"));
+}
+
+// What a program does with its own children must not look like a shell that cannot be run.
+class IgnoredChildrenTest : public ShellTest {
+  protected:
+    void Ignore(int flags, void (*handler)(int)) {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        action.sa_flags = flags;
+        ASSERT_EQ(sigaction(SIGCHLD, &action, &before_), 0);
+    }
+    void TearDown() override {
+        sigaction(SIGCHLD, &before_, nullptr);
+        ShellTest::TearDown();
+    }
+
+  private:
+    struct sigaction before_ {};
+};
+
+TEST_F(IgnoredChildrenTest, TheShellRunsToItsEnd) {
+    Ignore(0, SIG_IGN);
+    EXPECT_EQ(SystemCommand("sleep 0.1; echo done > /var/tmp/result"), 0);
+    EXPECT_EQ(ReadFile("/var/tmp/result"), "done\n");
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(IgnoredChildrenTest, SoItDoesWhenOnlyTheirStatusIsNotKept) {
+    Ignore(SA_NOCLDWAIT, SIG_DFL);
+    EXPECT_EQ(SystemCommand("sleep 0.1; echo done > /var/tmp/result"), 0);
+    EXPECT_EQ(ReadFile("/var/tmp/result"), "done\n");
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(IgnoredChildrenTest, AShellThatCannotBeRunIsAFailureAllTheSame) {
+    Ignore(0, SIG_IGN);
+    libc().Script(Call::kSystem, {Fail(EAGAIN)});
+    EXPECT_EQ(SystemCommand("true"), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("system errno=11:Resource temporarily unavailable"));
+}
+
+TEST_F(ShellTest, AShellThatSomebodyElseWaitedForIsAFailure) {
+    libc().Script(Call::kSystem, {Fail(ECHILD)});
+    EXPECT_EQ(SystemCommand("true"), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("system errno=10:No child processes"));
 }
 
 TEST_F(ShellTest, FormatsTheCommandLine) {
