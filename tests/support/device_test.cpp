@@ -4,7 +4,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -30,6 +31,8 @@ constexpr const char* kScratchFolders[] = {"/tmp",
 constexpr const char* kDeviceFiles[] = {"/etc/dhclient.conf", "/etc/dhclient-exit-hooks",
                                         "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script"};
 
+}  // namespace
+
 void EmptyDevice() {
     std::error_code ignored;
     for (const char* folder : kScratchFolders) {
@@ -45,18 +48,6 @@ void EmptyDevice() {
     }
 }
 
-bool IsLockFree() {
-    const int fd = open("/var/tmp/vklib_lock", O_RDWR | O_CLOEXEC);
-    if (fd == -1) {
-        return true;
-    }
-    const bool is_free = flock(fd, LOCK_EX | LOCK_NB) == 0;
-    close(fd);
-    return is_free;
-}
-
-}  // namespace
-
 void WriteFile(const std::string& path, std::string_view text) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
 }
@@ -66,7 +57,9 @@ std::string ReadFile(const std::string& path) {
     if (!file) {
         return "(missing)";
     }
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    text << file.rdbuf();
+    return std::move(text).str();
 }
 
 bool Exists(const std::string& path) {
@@ -110,6 +103,16 @@ _velk_request DirtyResponse() {
 
 std::string Data(const _velk_request& response, size_t size) {
     return {response.data, size};
+}
+
+bool IsLockFree() {
+    const int fd = open("/var/tmp/vklib_lock", O_RDWR | O_CLOEXEC);
+    if (fd == -1) {
+        return true;
+    }
+    const bool is_free = flock(fd, LOCK_EX | LOCK_NB) == 0;
+    close(fd);
+    return is_free;
 }
 
 DeviceTest::DeviceTest() {

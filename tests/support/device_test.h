@@ -31,6 +31,12 @@ FileIdentity IdentityOf(const std::string& path);  // a failed expectation when 
 // The numbers of the descriptors this process holds.
 std::vector<int> OpenDescriptors();
 
+// Nobody holds the set/restart lock.
+bool IsLockFree();
+
+// Removes what lies in the library's places; the fixture below does so before each test.
+void EmptyDevice();
+
 _velk_request MakeRequest(uint32_t type, uint32_t id, std::string_view interface,
                           std::string_view data = {});
 

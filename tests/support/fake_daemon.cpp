@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <ctime>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -30,14 +31,14 @@ sockaddr_un AddressOf(const char* path) {
 }
 
 // Waits until the library says that its reply socket exists; gives up when it does not.
-bool WaitUntilReady() {
+bool WaitUntilReady(int seconds) {
     sem_t* sem = sem_open(kSemaphore, 0, 0U, 0U);
     if (sem == SEM_FAILED) {
         return false;
     }
     timespec deadline{};
     clock_gettime(CLOCK_REALTIME, &deadline);
-    deadline.tv_sec += 1;
+    deadline.tv_sec += seconds;
     const bool posted = sem_timedwait(sem, &deadline) == 0;
     sem_close(sem);
     return posted;
@@ -45,7 +46,7 @@ bool WaitUntilReady() {
 
 }  // namespace
 
-FakeDaemon::FakeDaemon() {
+FakeDaemon::FakeDaemon(Turn turn) : turn_(turn) {
     const Unrecorded unrecorded;
     unlink(kRequestPath);
     socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -54,17 +55,31 @@ FakeDaemon::FakeDaemon() {
     const auto length =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(kRequestPath));
     (void)bind(socket_, reinterpret_cast<const sockaddr*>(&address), length);
+    if (turn_ == Turn::kInSelect) {
+        LibcRecorder::Get().OnCall(Call::kSelect, [this](const Event&) { ServePending(); });
+        return;
+    }
     thread_ = std::thread([this] { Serve(); });
 }
 
+void FakeDaemon::ServePending() {
+    const Unrecorded unrecorded;
+    while (ServeOne(0)) {
+    }
+}
+
 void FakeDaemon::Stop() {
-    if (!thread_.joinable()) {
+    if (socket_ == -1) {
         return;
     }
     const Unrecorded unrecorded;
-    stopping_ = true;
-    thread_.join();
-    close(socket_);
+    if (turn_ == Turn::kInSelect) {
+        LibcRecorder::Get().OnCall(Call::kSelect, nullptr);
+    } else {
+        stopping_ = true;
+        thread_.join();
+    }
+    close(std::exchange(socket_, -1));
     unlink(kRequestPath);
 }
 
@@ -111,16 +126,20 @@ std::vector<int> FakeDaemon::types() const {
 // Goes on until it is stopped and no request is waiting, so that none is lost.
 void FakeDaemon::Serve() {
     const Unrecorded unrecorded;
-    for (;;) {
-        pollfd waiting{socket_, POLLIN, 0};
-        if (poll(&waiting, 1, 5) == 1) {
-            char buffer[1024];
-            const ssize_t size = recv(socket_, buffer, sizeof(buffer), 0);
-            Handle(std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0));
-        } else if (stopping_) {
-            return;
-        }
+    while (ServeOne(5) || !stopping_) {
     }
+}
+
+// Takes the next request, when one comes within so many milliseconds.
+bool FakeDaemon::ServeOne(int patience) {
+    pollfd waiting{socket_, POLLIN, 0};
+    if (poll(&waiting, 1, patience) != 1) {
+        return false;
+    }
+    char buffer[1024];
+    const ssize_t size = recv(socket_, buffer, sizeof(buffer), 0);
+    Handle(std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0));
+    return true;
 }
 
 void FakeDaemon::Handle(const std::string& datagram) {
@@ -141,7 +160,7 @@ void FakeDaemon::Handle(const std::string& datagram) {
         }
         reply = raw_reply_.value_or(ReplyTo(type));
     }
-    if (WaitUntilReady()) {
+    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : 1)) {
         Reply(reply);
     }
 }

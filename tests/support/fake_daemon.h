@@ -17,10 +17,17 @@ namespace testkit {
 // semaphore. Its own calls are not recorded.
 class FakeDaemon {
   public:
-    FakeDaemon();
+    // When it gets to its work: in a thread of its own, or within the library's select(2), so that
+    // no test depends on which of the two is faster.
+    enum class Turn { kOwnThread, kInSelect };
+
+    explicit FakeDaemon(Turn turn = Turn::kOwnThread);
     ~FakeDaemon() { Stop(); }
     FakeDaemon(const FakeDaemon&) = delete;
     FakeDaemon& operator=(const FakeDaemon&) = delete;
+
+    // Takes all requests that are waiting; without a thread, nobody else does.
+    void ServePending();
 
     // Ends the daemon and waits for it; its sockets are gone then.
     void Stop();
@@ -40,11 +47,13 @@ class FakeDaemon {
 
   private:
     void Serve();
+    bool ServeOne(int patience);
     void Handle(const std::string& datagram);
     void Reply(const std::string& bytes);
     std::string ReplyTo(int type) const;
 
     mutable std::mutex mutex_;
+    const Turn turn_;
     int socket_ = -1;
     UMsgData conf_{};
     UMsgData state_{};

@@ -47,10 +47,8 @@ std::vector<std::string> FakeShell::Lines() const {
 }
 
 void FakeShell::Run(const std::string& line) {
-    {
-        const Unrecorded unrecorded;
-        std::ofstream(kLinesFile, std::ios::app) << line << "\n";
-    }
+    const Unrecorded unrecorded;
+    std::ofstream(kLinesFile, std::ios::app) << line << "\n";
     if (line.starts_with("rm ")) {
         unlink(line.substr(line.rfind(' ') + 1).c_str());
         return;

@@ -215,7 +215,9 @@ int select(int count, fd_set* reading, fd_set* writing, fd_set* failing, timeval
     const std::string seconds = time_left == nullptr ? "" : std::to_string(time_left->tv_sec);
     return Answer({Call::kSelect, seconds, "select", count}, [&] {
         static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, timeval*)>("select");
-        return real(count, reading, writing, failing, time_left);
+        timeval none{};
+        timeval* wait = LibcRecorder::Get().never_waits() ? &none : time_left;
+        return real(count, reading, writing, failing, wait);
     });
 }
 
@@ -232,6 +234,7 @@ sem_t* sem_open(const char* name, int flags, ...) noexcept {
     const mode_t mode = va_arg(arguments, mode_t);
     const unsigned value = va_arg(arguments, unsigned);
     va_end(arguments);
+    const testkit::UncountedAllocations ours;
     const std::string text =
         std::string(name) + " " + std::to_string(mode) + " " + std::to_string(value);
     sem_t* sem = SEM_FAILED;
@@ -251,10 +254,10 @@ int sem_post(sem_t* sem) noexcept {
 }
 
 int sem_close(sem_t* sem) noexcept {
-    return Answer({Call::kSemClose, "", "sem_close"}, [&] {
-        static auto* real = Real<int (*)(sem_t*)>("sem_close");
-        return real(sem);
-    });
+    // A planned failure gives the handle back all the same: nobody else could any more.
+    static auto* real = Real<int (*)(sem_t*)>("sem_close");
+    const int result = real(sem);
+    return Answer({Call::kSemClose, "", "sem_close"}, [&] { return result; });
 }
 
 int sem_unlink(const char* name) noexcept {

@@ -1,6 +1,7 @@
 // libc_recorder.cpp - records calls and answers them by script.
 #include "support/libc_recorder.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -9,37 +10,53 @@ namespace testkit {
 namespace {
 
 thread_local int allocations_until_fault = 0;  // 0: none is planned
-thread_local bool in_recorder = false;
+thread_local Reach allocation_fault_reach = Reach::kThatOne;
+thread_local bool is_uncounted = false;
+thread_local bool is_counting = false;
+thread_local int allocations_made = 0;
+thread_local int allocations_held = 0;
 thread_local bool is_unrecorded = false;
 
-// The recorder's own allocations are not the library's.
-class RecorderScope {
-  public:
-    RecorderScope() : outer_(std::exchange(in_recorder, true)) {}
-    ~RecorderScope() { in_recorder = outer_; }
-    RecorderScope(const RecorderScope&) = delete;
-    RecorderScope& operator=(const RecorderScope&) = delete;
-
-  private:
-    const bool outer_;
+// Stands in front of every block, to know again at its end what was counted at its beginning.
+struct alignas(std::max_align_t) BlockHeader {
+    bool is_counted;
 };
 
 bool IsFaultDue() {
-    if (in_recorder || allocations_until_fault == 0) {
+    if (is_uncounted || allocations_until_fault == 0) {
         return false;
     }
-    return --allocations_until_fault == 0;
+    if (--allocations_until_fault > 0) {
+        return false;
+    }
+    allocations_until_fault = allocation_fault_reach == Reach::kAllFrom ? 1 : 0;
+    return true;
 }
 
 void* Allocate(size_t size) {
+    const bool is_counted = is_counting && !is_uncounted;
+    if (is_counted) {
+        ++allocations_made;
+    }
     if (IsFaultDue()) {
         throw std::bad_alloc();
     }
-    void* memory = malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) {
+    auto* header = static_cast<BlockHeader*>(malloc(sizeof(BlockHeader) + size));
+    if (header == nullptr) {
         throw std::bad_alloc();
     }
-    return memory;
+    header->is_counted = is_counted;
+    allocations_held += is_counted ? 1 : 0;
+    return header + 1;
+}
+
+void Free(void* memory) {
+    if (memory == nullptr) {
+        return;
+    }
+    BlockHeader* header = static_cast<BlockHeader*>(memory) - 1;
+    allocations_held -= header->is_counted ? 1 : 0;
+    free(header);
 }
 
 }  // namespace
@@ -66,6 +83,14 @@ void LibcRecorder::Reset() {
     events_.clear();
     answers_.clear();
     redirects_.clear();
+    observer_ = nullptr;
+    fault_.reset();
+    never_waits_ = false;
+}
+
+void LibcRecorder::ForgetEvents() {
+    const std::lock_guard guard(mutex_);
+    events_.clear();
 }
 
 void LibcRecorder::Script(Call call, std::initializer_list<Outcome> outcomes) {
@@ -81,6 +106,31 @@ void LibcRecorder::ScriptAlways(Call call, Outcome outcome) {
 void LibcRecorder::OnCall(Call call, std::function<void(const Event&)> hook) {
     const std::lock_guard guard(mutex_);
     answers_[call].hook = std::move(hook);
+}
+
+void LibcRecorder::OnEveryCall(std::function<void()> observer) {
+    const std::lock_guard guard(mutex_);
+    observer_ = std::move(observer);
+}
+
+void LibcRecorder::PlanFault(Call call, int number, Reach reach, int error) {
+    const std::lock_guard guard(mutex_);
+    fault_ = {call, number, reach, error};
+}
+
+void LibcRecorder::ForgetFault() {
+    const std::lock_guard guard(mutex_);
+    fault_.reset();
+}
+
+void LibcRecorder::NeverWait() {
+    const std::lock_guard guard(mutex_);
+    never_waits_ = true;
+}
+
+bool LibcRecorder::never_waits() const {
+    const std::lock_guard guard(mutex_);
+    return never_waits_;
 }
 
 void LibcRecorder::Redirect(const std::string& path, const std::string& other) {
@@ -139,16 +189,31 @@ std::vector<std::string> LibcRecorder::Order(const std::set<Call>& calls) const 
     return order;
 }
 
+bool LibcRecorder::IsFaultDue(Call call) {
+    if (!fault_ || fault_->call != call || fault_->calls_until == 0) {
+        return false;
+    }
+    if (--fault_->calls_until > 0) {
+        return false;
+    }
+    fault_->calls_until = fault_->reach == Reach::kAllFrom ? 1 : 0;
+    return true;
+}
+
 // Notes the call; hands out its answer and the hook, which must run unlocked.
 LibcRecorder::Answers LibcRecorder::Reserve(const Event& event) {
     const std::lock_guard guard(mutex_);
     events_.push_back(event);
+    if (IsFaultDue(event.call)) {
+        return {{}, Fail(fault_->error), nullptr, observer_};
+    }
+    Answers taken;
+    taken.observer = observer_;
     const auto found = answers_.find(event.call);
     if (found == answers_.end()) {
-        return {};
+        return taken;
     }
     Answers& answers = found->second;
-    Answers taken;
     taken.hook = answers.hook;
     taken.always = answers.always;
     if (!answers.next.empty()) {
@@ -162,9 +227,13 @@ Outcome LibcRecorder::Take(const CallView& call) {
     if (is_unrecorded) {
         return Pass();
     }
-    const RecorderScope scope;
+    const UncountedAllocations scope;
     const Event event{call.call, std::string(call.text), call.spelling, call.number};
     const Answers answers = Reserve(event);
+    if (answers.observer) {
+        const Unrecorded unrecorded;
+        answers.observer();
+    }
     if (answers.hook) {
         answers.hook(event);
     }
@@ -178,8 +247,34 @@ Unrecorded::~Unrecorded() {
     is_unrecorded = outer_;
 }
 
-AllocationFault::AllocationFault(int number) {
+UncountedAllocations::UncountedAllocations() : outer_(std::exchange(is_uncounted, true)) {
+}
+
+UncountedAllocations::~UncountedAllocations() {
+    is_uncounted = outer_;
+}
+
+AllocationCount::AllocationCount() {
+    is_counting = true;
+    allocations_made = 0;
+    allocations_held = 0;
+}
+
+AllocationCount::~AllocationCount() {
+    is_counting = false;
+}
+
+int AllocationCount::made() const {
+    return allocations_made;
+}
+
+int AllocationCount::held() const {
+    return allocations_held;
+}
+
+AllocationFault::AllocationFault(int number, Reach reach) {
     allocations_until_fault = number;
+    allocation_fault_reach = reach;
 }
 
 AllocationFault::~AllocationFault() {
@@ -197,17 +292,17 @@ void* operator new[](size_t size) {
 }
 
 void operator delete(void* memory) noexcept {
-    free(memory);
+    testkit::Free(memory);
 }
 
 void operator delete[](void* memory) noexcept {
-    free(memory);
+    testkit::Free(memory);
 }
 
 void operator delete(void* memory, size_t) noexcept {
-    free(memory);
+    testkit::Free(memory);
 }
 
 void operator delete[](void* memory, size_t) noexcept {
-    free(memory);
+    testkit::Free(memory);
 }

@@ -12,6 +12,7 @@
 #include <initializer_list>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -54,6 +55,9 @@ Outcome Pass();
 Outcome Fail(int error);      // -1 with errno
 Outcome Return(long result);  // the result alone, errno untouched
 
+// Which calls a planned fault hits: one alone, or it and all later ones of its kind.
+enum class Reach { kThatOne, kAllFrom };
+
 // One call as it came in. `text` is the shell line, the formatted log line, the path, the seconds.
 struct Event {
     Call call;
@@ -76,6 +80,8 @@ class LibcRecorder {
 
     // Forgets what was recorded and every script.
     void Reset();
+    // Forgets what was recorded alone.
+    void ForgetEvents();
 
     // The next calls of this kind answer these, in order; later ones pass through.
     void Script(Call call, std::initializer_list<Outcome> outcomes);
@@ -83,6 +89,19 @@ class LibcRecorder {
     void ScriptAlways(Call call, Outcome outcome);
     // Runs before every call of this kind; a shell line's stand-in can leave files here.
     void OnCall(Call call, std::function<void(const Event&)> hook);
+
+    // Runs before every call of whatever kind; its own calls pass through unseen.
+    void OnEveryCall(std::function<void()> observer);
+
+    // The call of this kind with this number (from 1, counted from now) fails, whatever is
+    // scripted, and its hook does not run. One fault is planned at a time.
+    void PlanFault(Call call, int number, Reach reach, int error);
+
+    void ForgetFault();
+
+    // From now on select(2) tells what is there without waiting for it.
+    void NeverWait();
+    bool never_waits() const;
 
     // Opens of this path open the other one instead: for files that only the kernel can write.
     void Redirect(const std::string& path, const std::string& other);
@@ -107,13 +126,24 @@ class LibcRecorder {
         std::deque<Outcome> next;
         Outcome always;
         std::function<void(const Event&)> hook;
+        std::function<void()> observer;
+    };
+    struct Fault {
+        Call call;
+        int calls_until;
+        Reach reach;
+        int error;
     };
     Answers Reserve(const Event& event);
+    bool IsFaultDue(Call call);
 
     mutable std::mutex mutex_;
     std::vector<Event> events_;
     std::map<Call, Answers> answers_;
     std::map<std::string, std::string, std::less<>> redirects_;
+    std::function<void()> observer_;
+    std::optional<Fault> fault_;
+    bool never_waits_ = false;
 };
 
 // While it lives, the calling thread's calls pass through unseen: for a test's own helpers.
@@ -128,11 +158,37 @@ class Unrecorded {
     const bool outer_;
 };
 
+// While it lives, allocations of the calling thread are the test kit's own: they neither count nor
+// fail.
+class UncountedAllocations {
+  public:
+    UncountedAllocations();
+    ~UncountedAllocations();
+    UncountedAllocations(const UncountedAllocations&) = delete;
+    UncountedAllocations& operator=(const UncountedAllocations&) = delete;
+
+  private:
+    const bool outer_;
+};
+
+// While it lives, the calling thread's allocations are counted. One at a time in a thread.
+class AllocationCount {
+  public:
+    AllocationCount();
+    ~AllocationCount();
+    AllocationCount(const AllocationCount&) = delete;
+    AllocationCount& operator=(const AllocationCount&) = delete;
+
+    int made() const;
+    // Those that were not freed again.
+    int held() const;
+};
+
 // While it lives, the allocation with this number (from 1) of the calling thread fails; those of
 // the recorder itself are not counted.
 class AllocationFault {
   public:
-    explicit AllocationFault(int number);
+    explicit AllocationFault(int number, Reach reach = Reach::kThatOne);
     ~AllocationFault();
     AllocationFault(const AllocationFault&) = delete;
     AllocationFault& operator=(const AllocationFault&) = delete;

@@ -383,7 +383,7 @@ TEST_F(DhcpCommandsTest, WithoutAScriptTheConfigurationIsChangedAllTheSame) {
 TEST_F(DhcpCommandsTest, AScriptThatCannotBeWrittenIsAFailureAfterTheFirstFile) {
     WriteFile(kConfig, "request domain-name-servers, subnet-mask;\n");
     WriteFile(kScript, kScriptText);
-    libc().Script(Call::kWrite, {Pass(), Pass(), Fail(ENOSPC)});  // the second is that of "cat"
+    libc().Script(Call::kWrite, {Pass(), Fail(ENOSPC)});
     EXPECT_EQ(Set(kDns, "eth0", 2), -1);
     EXPECT_EQ(Got(kDns, "eth0"), "\x02");
     EXPECT_EQ(ReadFile(kScript), kScriptText);

@@ -331,7 +331,7 @@ TEST_F(ExitHooksTest, TheStartNoticeIsLeftAloneWhenTheScriptIsMissing) {
 
 TEST_F(ExitHooksTest, AFailureAtTheStartNoticeIsPassedOn) {
     WriteFile(kHooks, kNotices);
-    libc().Script(Call::kWrite, {Pass(), Pass(), Fail(ENOSPC)});  // the second is that of "cat"
+    libc().Script(Call::kWrite, {Pass(), Fail(ENOSPC)});
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
     EXPECT_EQ(ReadFile(kHooks),
               "#/sbin/printdhcpnotice.pl $interface\n"

@@ -264,6 +264,71 @@ TEST_F(LibcScriptTest, RunsAHookBeforeTheCall) {
     EXPECT_EQ(seen, "true");
 }
 
+TEST_F(LibcScriptTest, APlannedFaultHitsOneCallAndNotItsHook) {
+    int hooks = 0;
+    libc().OnCall(Call::kSystem, [&](const Event&) { ++hooks; });
+    libc().ScriptAlways(Call::kSystem, Return(7));
+    libc().PlanFault(Call::kSystem, 2, testkit::Reach::kThatOne, EAGAIN);
+    EXPECT_EQ(plain_system("true"), 7);
+    EXPECT_EQ(plain_system("true"), -1);
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_EQ(plain_system("true"), 7);
+    EXPECT_EQ(hooks, 2);
+}
+
+TEST_F(LibcScriptTest, APlannedFaultHitsAllLaterCallsUntilItIsForgotten) {
+    libc().ScriptAlways(Call::kFlock, Return(5));
+    libc().PlanFault(Call::kFlock, 2, testkit::Reach::kAllFrom, ENOLCK);
+    EXPECT_EQ(plain_flock(99, LOCK_UN), 5);
+    EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    libc().ForgetFault();
+    EXPECT_EQ(plain_flock(99, LOCK_UN), 5);
+}
+
+TEST_F(LibcScriptTest, AnObserverSeesEveryCallAndIsNotSeenItself) {
+    int calls = 0;
+    libc().OnEveryCall([&] {
+        ++calls;
+        plain_flock(99, LOCK_UN);
+    });
+    plain_flock(99, LOCK_UN);
+    plain_close(99);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(libc().Events(Call::kFlock).size(), 1U);
+}
+
+TEST_F(LibcScriptTest, SelectNeedNotWait) {
+    libc().NeverWait();
+    timeval minute{60, 0};
+    EXPECT_EQ(plain_select(0, &minute), 0);
+    EXPECT_EQ(minute.tv_sec, 60) << "nothing of the time is used up";
+}
+
+TEST(AllocationCountTest, CountsWhatIsMadeAndWhatIsHeld) {
+    const testkit::AllocationCount count;
+    char* first = plain_allocate();
+    char* second = plain_allocate();
+    {
+        const testkit::UncountedAllocations ours;
+        delete[] plain_allocate();
+    }
+    EXPECT_EQ(count.made(), 2);
+    EXPECT_EQ(count.held(), 2);
+    delete[] first;
+    EXPECT_EQ(count.held(), 1);
+    delete[] second;
+    EXPECT_EQ(count.held(), 0);
+    EXPECT_EQ(count.made(), 2);
+}
+
+TEST(AllocationFaultTest, MayHitAllLaterAllocations) {
+    const testkit::AllocationFault fault(2, testkit::Reach::kAllFrom);
+    delete[] plain_allocate();
+    EXPECT_THROW(plain_allocate(), std::bad_alloc);
+    EXPECT_THROW(plain_allocate(), std::bad_alloc);
+}
+
 TEST_F(LibcScriptTest, TellsShellLinesSleepsAndLogLinesInTheirOrder) {
     EXPECT_EQ(plain_system("true"), 0);
     EXPECT_EQ(plain_sleep(3), 0U);

@@ -1,0 +1,254 @@
+// Many callers at once: one holder of the lock at a time, and nothing anybody was told is lost.
+#include <atomic>
+#include <csignal>
+#include <functional>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "fault/scene.h"
+#include "support/device_test.h"
+
+namespace fault {
+namespace {
+
+using testkit::Call;
+using testkit::Event;
+using testkit::LibcRecorder;
+
+constexpr int kProcesses = 32;
+constexpr int kRounds = 25;
+constexpr char kSettings[] = "/var/libvelk/libvelk";
+constexpr char kEditCopy[] = "/var/tmp/libvelk";
+
+// What the processes tell one another; in memory that they share.
+struct Board {
+    std::atomic<bool> started;
+    std::atomic<int> holders;
+    std::atomic<int> crowded;  // more than one holder
+    std::atomic<int> torn;     // an edit copy that is no settings file
+    std::atomic<int> wrong;    // a result that is none of those expected
+    std::atomic<int> waited;   // a refused caller that did more than ask for the lock
+    std::atomic<int> succeeded;
+    std::atomic<int> refused;
+    // The value of each setting that was stored last. Written by the holder of the lock.
+    char last[2][32];
+};
+
+class SharedBoard {
+  public:
+    SharedBoard()
+        : board_(static_cast<Board*>(mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE,
+                                          MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
+        new (board_) Board{};
+    }
+    ~SharedBoard() { munmap(board_, sizeof(Board)); }
+    SharedBoard(const SharedBoard&) = delete;
+    SharedBoard& operator=(const SharedBoard&) = delete;
+    Board* operator->() { return board_; }
+    Board& operator*() { return *board_; }
+
+  private:
+    Board* const board_;
+};
+
+// Stands in for the copying of the edit: only the holder of the lock comes here.
+void CopyAsHolder(Board& board, const std::string& line) {
+    if (!line.starts_with("cat ")) {
+        return;
+    }
+    if (board.holders.fetch_add(1) != 0) {
+        ++board.crowded;
+    }
+    static const std::regex whole("ADMINISTRATOR=[0-9.]+\nLOCATION=[0-9.]+\n");
+    const std::string text = testkit::ReadFile(kEditCopy);
+    if (!std::regex_match(text, whole)) {
+        ++board.torn;
+    }
+    usleep(500);
+    testkit::WriteFile(kSettings, text);
+    --board.holders;
+}
+
+// A refused caller has opened and asked for the lock, and nothing else.
+bool WasRefusedAtOnce(LibcRecorder& libc) {
+    for (const Call call : {Call::kSystem, Call::kSleep, Call::kNanosleep, Call::kSelect}) {
+        if (!libc.Events(call).empty()) {
+            return false;
+        }
+    }
+    return libc.Events(Call::kFlock).size() == 1;
+}
+
+void StoreOne(Board& board, int process, int round) {
+    LibcRecorder& libc = LibcRecorder::Get();
+    libc.ForgetEvents();
+    const int setting = round % 2;
+    const std::string value = std::to_string(process) + "." + std::to_string(round);
+    libc.ScriptAlways(Call::kSystem, testkit::Return(0));
+    libc.OnCall(Call::kSystem, [&](const Event& event) {
+        const testkit::Unrecorded ours;
+        CopyAsHolder(board, event.text);
+        if (event.text.starts_with("rm ")) {
+            unlink(kEditCopy);
+            value.copy(board.last[setting], sizeof(board.last[setting]) - 1);
+            board.last[setting][value.size()] = '\0';
+        }
+    });
+    const uint32_t id = setting == 0 ? VELK_CMD_ADMINISTRATOR : VELK_CMD_LOCATION;
+    const _velk_request request = testkit::MakeRequest(VELK_SET, id, "", value);
+    _velk_request response;
+    const int result = execute_velk_command(&request, &response);
+    if (result == LIB_VELK_SUCCESS) {
+        ++board.succeeded;
+    } else if (result == LIB_VELK_LOCKED) {
+        ++board.refused;
+        board.waited += WasRefusedAtOnce(libc) ? 0 : 1;
+    } else {
+        ++board.wrong;
+    }
+}
+
+// A get runs beside a set; while the file is copied it may find it short, and says so.
+void ReadOne(Board& board) {
+    const _velk_request request = testkit::MakeRequest(VELK_GET, VELK_CMD_LOCATION, "");
+    _velk_request response;
+    const int result = execute_velk_command(&request, &response);
+    static const std::regex value("[0-9.]*");
+    if (result != LIB_VELK_SUCCESS || !std::regex_match(response.data, value)) {
+        ++board.wrong;
+    }
+}
+
+void Hammer(Board& board, int process) {
+    while (!board.started) {
+        usleep(100);
+    }
+    for (int round = 0; round < kRounds; ++round) {
+        StoreOne(board, process, round);
+        ReadOne(board);
+    }
+}
+
+class ConcurrencyTest : public testkit::DeviceTest {};
+
+TEST_F(ConcurrencyTest, ManyProcessesLoseNoUpdateOfOneFile) {
+    testkit::WriteFile(kSettings, "ADMINISTRATOR=0\nLOCATION=0\n");
+    SharedBoard board;
+    std::vector<pid_t> children;
+    for (int process = 0; process < kProcesses; ++process) {
+        const pid_t child = fork();
+        if (child == 0) {
+            Hammer(*board, process + 1);
+            _exit(0);
+        }
+        children.push_back(child);
+    }
+    board->started = true;
+    for (const pid_t child : children) {
+        int status = -1;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(board->succeeded + board->refused, kProcesses * kRounds);
+    EXPECT_GT(board->succeeded, 0);
+    EXPECT_GT(board->refused, 0) << "nobody met anybody";
+    EXPECT_EQ(board->crowded, 0);
+    EXPECT_EQ(board->torn, 0);
+    EXPECT_EQ(board->wrong, 0);
+    EXPECT_EQ(board->waited, 0);
+    EXPECT_EQ(testkit::ReadFile(kSettings), std::string("ADMINISTRATOR=") + board->last[0] +
+                                                "\nLOCATION=" + board->last[1] + "\n");
+    EXPECT_FALSE(testkit::Exists(kEditCopy));
+}
+
+// Threads of one process exclude each other as processes do. For the thread sanitizer too.
+TEST_F(ConcurrencyTest, ThreadsLoseNoUpdateEither) {
+    testkit::WriteFile(kSettings, "ADMINISTRATOR=0\nLOCATION=0\n");
+    std::atomic<int> wrong = 0;
+    std::atomic<int> stored = 0;
+    std::atomic<int> holders = 0;
+    libc().ScriptAlways(Call::kSystem, testkit::Return(0));
+    libc().OnCall(Call::kSystem, [&](const Event& event) {
+        const testkit::Unrecorded ours;
+        if (event.text.starts_with("cat ")) {
+            wrong += holders.fetch_add(1) == 0 ? 0 : 1;
+            testkit::WriteFile(kSettings, testkit::ReadFile(kEditCopy));
+            --holders;
+        } else if (event.text.starts_with("rm ")) {
+            unlink(kEditCopy);
+        }
+    });
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 8; ++number) {
+        threads.emplace_back([&, number] {
+            for (int round = 0; round < kRounds; ++round) {
+                const uint32_t id = number % 2 == 0 ? VELK_CMD_ADMINISTRATOR : VELK_CMD_LOCATION;
+                const bool is_set = number < 4;
+                const _velk_request request =
+                    testkit::MakeRequest(is_set ? VELK_SET : VELK_GET, id, "", "7");
+                _velk_request own;
+                const int result = execute_velk_command(&request, &own);
+                const bool is_expected = result == 0 || (is_set && result == LIB_VELK_LOCKED);
+                wrong += is_expected ? 0 : 1;
+                stored += is_set && result == 0 ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_GT(stored, 0);
+    const std::string text = testkit::ReadFile(kSettings);
+    EXPECT_TRUE(std::regex_match(text, std::regex("ADMINISTRATOR=[07]\nLOCATION=[07]\n"))) << text;
+    EXPECT_NE(text, "ADMINISTRATOR=0\nLOCATION=0\n");
+}
+
+// Runs a set in a child that is killed while its shell line would run.
+void KillWhileHoldingTheLock(const std::function<void()>& before_the_end) {
+    const pid_t child = fork();
+    if (child == 0) {
+        LibcRecorder::Get().OnCall(Call::kSystem, [&](const Event&) {
+            const testkit::Unrecorded ours;
+            before_the_end();
+            (void)raise(SIGKILL);
+        });
+        const _velk_request request =
+            testkit::MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.9.9.9");
+        _velk_request response;
+        (void)execute_velk_command(&request, &response);
+        _exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status)) << "it was to die while it held the lock";
+}
+
+TEST_F(ConcurrencyTest, AKilledHolderFreesTheLock) {
+    Device device({});
+    KillWhileHoldingTheLock([] {});
+    EXPECT_TRUE(testkit::Exists("/var/tmp/interfaces")) << "its edit copy stays";
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), 0);
+    EXPECT_STREQ(response.data, "10.1.2.3");
+    EXPECT_FALSE(testkit::Exists("/var/tmp/interfaces"));
+}
+
+TEST_F(ConcurrencyTest, SoItDoesWhenAToolOfItsRunsOn) {
+    Device device({});
+    KillWhileHoldingTheLock([] {
+        LibcRecorder::Get().Reset();
+        (void)!system("sleep 2 >/dev/null 2>&1 &");
+    });
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
+}
+
+}  // namespace
+}  // namespace fault

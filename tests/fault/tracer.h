@@ -1,0 +1,27 @@
+// tracer.h - follows a process and all it starts, system call by system call, and may end them all.
+#ifndef TESTS_FAULT_TRACER_H_
+#define TESTS_FAULT_TRACER_H_
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace fault {
+
+struct TracedRun {
+    // The system calls in their order. False for one that can change nothing but the process that
+    // makes it: after a cut, the device looks the same before and behind such a call.
+    std::vector<bool> calls_that_change;
+    bool was_cut = false;
+    std::string program;  // that was about to make the call at which the run was cut
+};
+
+// Runs `work` in a child process with the child's own descriptors and memory. With `cut_at`, the
+// child and every process that came of it are killed right before the system call with that number
+// (from 1), as a power cut would; 0 lets them run to their end. Throws std::system_error where
+// processes cannot be followed.
+TracedRun RunTraced(const std::function<void()>& work, size_t cut_at = 0);
+
+}  // namespace fault
+
+#endif  // TESTS_FAULT_TRACER_H_

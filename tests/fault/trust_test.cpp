@@ -1,0 +1,177 @@
+// What nobody may reach through the library, as docs/security.md claims it.
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include "fault/requests.h"
+#include "fault/scene.h"
+#include "support/device_test.h"
+
+namespace fault {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+// Every byte but NUL and the newline, the shell's own and sed's among them.
+std::string EveryByte() {
+    std::string bytes;
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '\n') {
+            bytes += static_cast<char>(byte);
+        }
+    }
+    return bytes;
+}
+
+class TrustTest : public testkit::DeviceTest {
+  protected:
+    void TearDown() override {
+        device_.reset();
+        DeviceTest::TearDown();
+    }
+    std::optional<Device> device_;
+};
+
+// The shell lines of a set do not depend on its data bytes, but for the identity strings, which are
+// escaped, and the few numbers of the link modes.
+TEST_F(TrustTest, DataBytesReachTheShellInIdentityStringsAlone) {
+    std::vector<std::string> reached;
+    for (const Group& group : SetRequests()) {
+        _velk_request request = group.front().request;
+        const std::string marker = "$(touch /tmp/owned)";
+        memset(request.data, 0, sizeof(request.data));
+        marker.copy(request.data, sizeof(request.data));
+        device_.emplace(Scene{});
+        (void)Execute(request);
+        for (const std::string& line : libc().Commands()) {
+            if (line.find("touch") != std::string::npos) {
+                reached.push_back(group.front().name);
+            }
+        }
+        device_.reset();
+    }
+    EXPECT_THAT(reached, testing::ElementsAre("set 2", "set 3"));
+}
+
+TEST_F(TrustTest, NoInterfaceNameOfTheCallersReachesTheShell) {
+    for (const uint32_t type : {VELK_GET, VELK_SET, VELK_RESTART}) {
+        for (const char* name : {"eth0;reboot", "eth0 ", "$(reboot)", "ETH0", "eth2"}) {
+            EXPECT_EQ(Execute(type, type == VELK_RESTART ? 1U : 104U, name), -4) << name;
+        }
+    }
+    EXPECT_THAT(libc().Commands(), testing::IsEmpty());
+}
+
+// Through the real shell and the real sed: each value is one text to both, whatever is in it.
+class EscapeTest : public TrustTest {
+  protected:
+    // What the SNMP daemon's configuration holds after a set of the administrator.
+    std::string ContactAfter(const std::string& value) {
+        device_.emplace(Scene{});
+        device_->UseRealTools();
+        const std::string path = "PATH=" + PathWithHarmlessSudo() + "; export PATH; ";
+        libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
+        EXPECT_EQ(Execute(VELK_SET, VELK_CMD_ADMINISTRATOR, "", value), 0);
+        for (const std::string& command : libc().Commands()) {
+            if (command.starts_with("sudo sed")) {
+                const testkit::Unrecorded ours;
+                sed_status_ = system((path + command).c_str());
+            }
+        }
+        const std::string text = testkit::ReadFile("/usr/local/share/etc/snmp/snmpd.conf");
+        const size_t at = text.find("syscontact ");
+        const size_t end = text.find("\nsyslocation");
+        device_.reset();
+        return at == std::string::npos ? text : text.substr(at, end - at);
+    }
+
+    int sed_status_ = -1;
+};
+
+TEST_F(EscapeTest, NoValueLeavesTheQuotes) {
+    for (const char* value :
+         {"'; touch /tmp/owned; '", "$(touch /tmp/owned)", "`touch /tmp/owned`", "a\\'b", "-i",
+          "x/e touch \\/tmp\\/owned", "x/w /tmp/owned", "&&touch /tmp/owned"}) {
+        EXPECT_THAT(ContactAfter(value), HasSubstr("syscontact "));
+        EXPECT_FALSE(testkit::Exists("/tmp/owned")) << value;
+    }
+}
+
+TEST_F(EscapeTest, TheShellsOwnCharactersArriveAsTheyAre) {
+    for (const char* value :
+         {"O'Neil & Co/IT", "a\"b", "a$HOME`x`", "#!*?[]{}()<>|;~", "back\\slash"}) {
+        EXPECT_EQ(ContactAfter(value), std::string("syscontact ") + value);
+    }
+}
+
+TEST_F(EscapeTest, EveryByteArrives) {
+    EXPECT_EQ(ContactAfter(EveryByte()), "syscontact " + EveryByte());
+    EXPECT_EQ(sed_status_, 0);
+}
+
+// sed(1) finds its command unfinished and runs none of it.
+TEST_F(EscapeTest, ANewlineLeavesTheDaemonsFileAsItWas) {
+    for (const char* value : {"a\nb", "\\\n/w /tmp/owned\n", "\n!touch /tmp/owned\n", "x/\nq"}) {
+        EXPECT_EQ(ContactAfter(value), "syscontact Robin") << value;
+        EXPECT_NE(sed_status_, 0);
+        EXPECT_FALSE(testkit::Exists("/tmp/owned")) << value;
+    }
+}
+
+// ---- secrets
+
+TEST_F(TrustTest, NoSecretReachesTheLogOrTheShell) {
+    const std::string secret = "zq7Xsecret9vW";  // 13 bytes: a WEP key, too
+    for (const uint32_t id : {VELK_CMD_PSK, VELK_CMD_WEP_KEY_1, VELK_CMD_WEP_KEY_2,
+                              VELK_CMD_WEP_KEY_3, VELK_CMD_WEP_KEY_4}) {
+        for (const testkit::Call failing :
+             {testkit::Call::kFchmod, testkit::Call::kConnect, testkit::Call::kSendto,
+              testkit::Call::kSelect, testkit::Call::kRecvfrom, testkit::Call::kSemOpen}) {
+            device_.emplace(Scene{});
+            libc().PlanFault(failing, 1, testkit::Reach::kAllFrom, EPERM);
+            (void)Execute(VELK_SET, id, "eth1", secret);
+            (void)Execute(VELK_SET, id, "eth1", secret + std::string(100, 'x'));  // refused
+            for (const std::string& line : libc().Story()) {
+                EXPECT_THAT(line, Not(HasSubstr(secret))) << id;
+            }
+            device_.reset();
+        }
+    }
+}
+
+TEST_F(TrustTest, NoSecretIsWrittenToAFile) {
+    device_.emplace(Scene{});
+    const Files before = ReadTargets();
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_PSK, "eth1", "zq7Xsecret9vW"), 0);
+    EXPECT_TRUE(ReadTargets() == before);
+    EXPECT_THAT(Leftovers(), testing::IsEmpty());
+}
+
+// ---- planted links
+
+TEST_F(TrustTest, ALinkInALocksPlaceIsNotFollowed) {
+    testkit::WriteFile("/var/libvelk/victim", "keep me\n");
+    for (const char* lock : {"/var/tmp/vklib_lock", "/var/tmp/get_result_lock"}) {
+        ASSERT_EQ(symlink("/var/libvelk/victim", lock), 0);
+    }
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
+    EXPECT_EQ(testkit::ReadFile("/var/libvelk/victim"), "keep me\n");
+}
+
+TEST_F(TrustTest, ALinkInAnEditCopysPlaceIsReplaced) {
+    device_.emplace(Scene{});
+    testkit::WriteFile("/var/libvelk/victim", "keep me\n");
+    ASSERT_EQ(symlink("/var/libvelk/victim", "/var/tmp/interfaces"), 0);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
+    EXPECT_EQ(testkit::ReadFile("/var/libvelk/victim"), "keep me\n");
+    EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), HasSubstr("address 10.1.2.3\n"));
+}
+
+}  // namespace
+}  // namespace fault
