@@ -145,7 +145,8 @@ it 'switches both notices of the wired port'
 script 'velkctl set eth0.dhcp-notice off && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks &&
     velkctl set eth0.dhcp-notice on && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks'
 status_is 1
-error_is ''
+error_is 'velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read
+velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read'
 output_is '2
 0'
 

@@ -120,7 +120,7 @@ it 'says that an entry without server or redirection cannot be changed, and leav
 script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root
     velkctl set ntp-server time.example; status=$?; cat /var/cron/tabs/root; exit $status'
 status_is 1
-error_is "velkctl: ntp-server: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: ntp-server: could not be set (LIB_VELK_FAILURE, -1); likely cause: /var/cron/tabs/root:1: it has neither a server nor a '>' to put one before; mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 output_is '0 * * * * /usr/bin/ntpdate -u'
 
 # ---- DHCP options -----------------------------------------------------------------------------

@@ -112,14 +112,14 @@ it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
 
 it 'says of each setting that it could not be read'
 without_resolver velkctl get eth0.dns eth1.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)
-velkctl: eth1.dns: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there
+velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
 
 it 'reads no setting when one of the names is wrong'
 refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
@@ -188,7 +188,7 @@ it 'says that a setting could not be set'
 without_resolver sh -c 'mkdir /etc/resolv.dnsmasq.conf && velkctl set eth0.dns 1.1.1.1'
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there; mend: put the device's own file in its place"
 
 it 'changes nothing while another program holds the lock'
 with_resolver 'nameserver 9.9.9.9\n' flock -x /var/tmp/vklib_lock velkctl set eth0.dns 1.1.1.1
