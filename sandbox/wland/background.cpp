@@ -56,7 +56,7 @@ void FinishDetaching(velk::UniqueFd caller) {
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         (void)dup2(nothing.get(), standard);
     }
-    (void)write(caller.get(), "", 1);
+    [[maybe_unused]] const ssize_t told = write(caller.get(), "", 1);  // it may have gone
 }
 
 PidFile::PidFile(const std::string& path) {

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# hardening_test.sh FILE... - what makes an attack harder is in the built library and programs.
+# hardening_test.sh --lacks-all FILE - the other way round: proves that each check can fail.
+set -u
+
+# Each prints nothing, or what is missing.
+check_relro() { readelf -lW "$1" | grep -q GNU_RELRO || echo 'read-only relocations'; }
+check_bind_now() {
+    readelf -dW "$1" | grep -q BIND_NOW || echo 'binding at start'
+}
+check_stack() { readelf -lW "$1" | grep -qE 'GNU_STACK.* RW +0x' || echo 'a stack that is not executable'; }
+check_text() { ! readelf -dW "$1" | grep -q TEXTREL || echo 'code without relocations'; }
+check_position() { readelf -hW "$1" | grep -qE 'Type: +DYN' || echo 'code for any address'; }
+check_stack_protector() {
+    nm -D --undefined-only "$1" | grep -q __stack_chk_fail || echo 'the stack protector'
+}
+check_fortify() {
+    # One of the unchecked kind betrays a source that was built without.
+    if ! nm -D --undefined-only "$1" | grep -qE '__(snprintf|vsnprintf|syslog)_chk' ||
+        nm -D --undefined-only "$1" | grep -qE ' (snprintf|v?syslog)(@|$)'; then
+        echo 'checked functions'
+    fi
+}
+
+missing() { # missing FILE
+    local check
+    for check in relro bind_now stack text position stack_protector fortify; do
+        "check_$check" "$1"
+    done
+}
+
+readable() { readelf -hW "$1" >/dev/null || exit 1; }
+
+if [ "$1" = --lacks-all ]; then
+    readable "$2"
+    # A shared library is code for any address whatever is asked for.
+    diff <(missing "$2") - <<'END'
+read-only relocations
+binding at start
+a stack that is not executable
+code without relocations
+the stack protector
+checked functions
+END
+    exit
+fi
+
+failures=0
+for file; do
+    readable "$file"
+    while read -r what; do
+        failures=$((failures + 1))
+        echo "FAILED: $(basename "$file") lacks $what"
+    done < <(missing "$file")
+done
+[ "$failures" -eq 0 ]
