@@ -1,0 +1,130 @@
+// fuzz_device.cpp - what every fuzz target stands on.
+#include "fuzz/kit/fuzz_device.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "fuzz/kit/shell_words.h"
+#include "sandbox/device.h"
+
+namespace fuzz {
+namespace {
+
+constexpr int kSkipped = 77;  // as ctest is told
+
+// The lowest free number: it rises when a descriptor is left open.
+int NextDescriptor() {
+    const testkit::Unrecorded unrecorded;
+    const int fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    close(fd);
+    return fd;
+}
+
+bool IsDocumented(int result) {
+    switch (result) {
+        case LIB_VELK_SUCCESS:
+        case LIB_VELK_FAILURE:
+        case LIB_VELK_LOCKED:
+        case LIB_VELK_INVALID_PARAMETER:
+        case LIB_VELK_NO_ADAPTER:
+        case LIB_VELK_WIRED_LINKED:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+void Check(bool holds, std::string_view what) {
+    if (!holds) {
+        fprintf(stderr, "does not hold: %.*s\n", static_cast<int>(what.size()), what.data());
+        abort();
+    }
+}
+
+Turn::Turn() : next_descriptor_((testkit::LibcRecorder::Get().Reset(), NextDescriptor())) {
+}
+
+Turn::~Turn() {
+    Check(NextDescriptor() == next_descriptor_, "every descriptor is closed");
+    for (const std::string& line : testkit::LibcRecorder::Get().Commands()) {
+        Check(IsHarmless(line), "shell line without a foreign word: " + line);
+    }
+}
+
+int Turn::Execute(const _velk_request& request) {
+    response = testkit::DirtyResponse();
+    const _velk_request before = request;
+    const int result = execute_velk_command(&request, &response);
+    Check(IsDocumented(result), "the result is a documented one");
+    Check(memcmp(&before, &request, sizeof(before)) == 0, "the request is only read");
+    Check(response.command_type == request.command_type, "the response has the type");
+    Check(response.command_id == request.command_id, "the response has the id");
+    Check(response.interface[VELK_INTERFACE_SIZE - 1] == '\0', "the response's name ends");
+    Check(strncmp(response.interface, request.interface, VELK_INTERFACE_SIZE - 1) == 0,
+          "the response has the name");
+    return result;
+}
+
+int Turn::Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data) {
+    return Execute(testkit::MakeRequest(type, id, interface, data));
+}
+
+std::vector<std::string> Sections(std::string_view text) {
+    constexpr std::string_view kMark = "\n----\n";
+    std::vector<std::string> sections;
+    for (;;) {
+        const size_t end = text.find(kMark);
+        if (end == std::string_view::npos) {
+            sections.emplace_back(text);
+            return sections;
+        }
+        sections.emplace_back(text.substr(0, end + 1));
+        text.remove_prefix(end + kMark.size());
+    }
+}
+
+std::string TakeLine(std::string_view& text) {
+    const std::string line(text.substr(0, text.find('\n')));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    return line;
+}
+
+std::vector<std::string> Lines(std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        lines.push_back(TakeLine(text));
+    }
+    return lines;
+}
+
+}  // namespace fuzz
+
+// Called by the fuzzer, once and first.
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    sandbox::DeviceOptions options;
+    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR, std::filesystem::current_path()};
+    options.protect_machine = false;  // corpora and findings go to real folders
+    try {
+        sandbox::EnterDevice(options);
+    } catch (const std::exception& error) {
+        fprintf(stderr, "skipped, no private device: %s\n", error.what());
+        exit(fuzz::kSkipped);  // the targets write to the library's real paths
+    }
+    return 0;
+}
+
+// The fuzzer's runtime brings operator new along, the recorder operator delete: they may meet.
+// Every edit takes blocks of 64 KB; few of them are kept from being used again.
+extern "C" [[gnu::visibility("default")]] const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+    return "alloc_dealloc_mismatch=0:quarantine_size_mb=8:malloc_context_size=3";
+}

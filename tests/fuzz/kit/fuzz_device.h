@@ -1,0 +1,52 @@
+// fuzz_device.h - what every fuzz target stands on: a private device, a faked shell, hard checks.
+#ifndef TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
+#define TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+#include "velk.h"
+
+namespace fuzz {
+
+// Ends the process, saying what did not hold, so that the fuzzer keeps the input.
+void Check(bool holds, std::string_view what);
+
+// One input's turn: an empty recorder, a shell that runs in this process. When it ends, no
+// descriptor is left open, no result but a documented one was seen, and no shell line has a word of
+// the input outside quotes.
+class Turn {
+  public:
+    Turn();
+    ~Turn();
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    testkit::FakeShell& shell() { return shell_; }
+
+    // Runs a request; checks its result, the header of the response and that the request is as it
+    // was.
+    int Execute(const _velk_request& request);
+    int Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data = {});
+
+    _velk_request response{};
+
+  private:
+    int next_descriptor_;
+    testkit::FakeShell shell_;
+};
+
+// The text's parts between lines of four dashes.
+std::vector<std::string> Sections(std::string_view text);
+
+// What stands before the first newline, taken off the front with it.
+std::string TakeLine(std::string_view& text);
+
+std::vector<std::string> Lines(std::string_view text);
+
+}  // namespace fuzz
+
+#endif  // TESTS_FUZZ_KIT_FUZZ_DEVICE_H_

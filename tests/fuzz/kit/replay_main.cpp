@@ -1,0 +1,69 @@
+// replay_main.cpp - runs a target on every file of a corpus and on a fixed number of changes of
+// each, without a fuzzer: for the compilers that have none. REPLAY CORPUS_FOLDER
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/device_test.h"
+#include "support/dice.h"
+
+extern "C" {
+int LLVMFuzzerInitialize(int* argc, char*** argv);
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max_size, unsigned seed);
+
+// The fuzzer's own part of the mutator: here it changes one byte.
+size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t max_size) {
+    if (size < max_size) {
+        data[size++] = '\n';
+    }
+    data[size / 2] = static_cast<uint8_t>(data[size / 2] + 1);
+    return size;
+}
+}
+
+namespace {
+
+constexpr unsigned kChanges = 40;
+constexpr size_t kMaxSize = 4096;
+
+// On a copy of just the bytes, so that a read beyond them shows.
+void Run(const std::vector<uint8_t>& input) {
+    const std::vector<uint8_t> copy(input);
+    (void)LLVMFuzzerTestOneInput(copy.data(), copy.size());
+}
+
+void RunWithChanges(const std::string& text) {
+    std::vector<uint8_t> input(text.begin(), text.end());
+    Run(input);
+    for (unsigned seed = 0; seed < kChanges; ++seed) {
+        const size_t size = std::min(input.size(), kMaxSize);
+        input.resize(kMaxSize);
+        input.resize(LLVMFuzzerCustomMutator(input.data(), size, kMaxSize, seed));
+        Run(input);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        fprintf(stderr, "usage: %s CORPUS_FOLDER\n", argv[0]);
+        return 2;
+    }
+    LLVMFuzzerInitialize(&argc, &argv);
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+        files.push_back(entry.path());
+    }
+    std::ranges::sort(files);
+    for (const std::string& file : files) {
+        printf("%s\n", file.c_str());
+        fflush(stdout);  // the last one named is the one that did not hold
+        RunWithChanges(testkit::ReadFile(file));
+    }
+    return files.empty() ? 1 : 0;
+}

@@ -1,0 +1,22 @@
+// shell_words.h - reads a shell line as a POSIX shell would, as far as the library's lines go.
+#ifndef TESTS_FUZZ_KIT_SHELL_WORDS_H_
+#define TESTS_FUZZ_KIT_SHELL_WORDS_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fuzz {
+
+// The line's words with quotes and backslashes undone; nothing when a character outside quotes
+// would mean something to the shell.
+std::optional<std::vector<std::string>> ShellWords(std::string_view line);
+
+// True for a line that says what the library means it to say, whatever a request held: one with a
+// text of the request between single quotes has its words, and those are one sed(1) command.
+bool IsHarmless(const std::string& line);
+
+}  // namespace fuzz
+
+#endif  // TESTS_FUZZ_KIT_SHELL_WORDS_H_
