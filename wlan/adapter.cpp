@@ -29,7 +29,7 @@ unsigned NumberBehindKey(std::string_view line) {
 // The ids as the kernel lists them.
 std::string DeviceText(unsigned vendor, unsigned product) {
     char text[sizeof("Vendor=01234567 ProdID=01234567")];
-    snprintf(text, sizeof(text), "Vendor=%04x ProdID=%04x", vendor, product);
+    (void)snprintf(text, sizeof(text), "Vendor=%04x ProdID=%04x", vendor, product);
     return text;
 }
 

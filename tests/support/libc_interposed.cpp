@@ -62,7 +62,7 @@ int Open(const char* spelling, const char* path, int flags, mode_t mode) {
 void Syslog(const char* spelling, int priority, const char* format, va_list arguments) {
     char line[1024];
     const int saved = errno;
-    vsnprintf(line, sizeof(line), format, arguments);
+    (void)vsnprintf(line, sizeof(line), format, arguments);
     (void)LibcRecorder::Get().Take({Call::kSyslog, line, spelling, priority});
     errno = saved;
 }

@@ -27,7 +27,7 @@ bool EnterPrivateDevice() {
         sandbox::EnterDevice(options);
         return true;
     } catch (const std::exception& error) {
-        fprintf(stderr, "skipped, no private device: %s\n", error.what());
+        (void)fprintf(stderr, "skipped, no private device: %s\n", error.what());
         return false;
     }
 }
