@@ -38,7 +38,7 @@ void PutText(Dice& dice, const std::vector<std::string>& texts, char* field, siz
     text.copy(field, size);
 }
 
-uint32_t AnId(Dice& dice) {
+uint32_t SomeId(Dice& dice) {
     if (dice.OneIn(8)) {
         return VELK_CMD_LINK_SPEED;
     }
@@ -58,7 +58,7 @@ void ChangeField(_velk_request& request, Dice& dice) {
             request.command_type = static_cast<uint32_t>(dice.Below(5));
             return;
         case 2:
-            request.command_id = AnId(dice);
+            request.command_id = SomeId(dice);
             return;
         default:
             PutText(dice, kTexts, request.data, sizeof(request.data));
