@@ -35,14 +35,11 @@ constexpr Folder kFolders[] = {
     {"/var/log/syslog", 0755},
 };
 
-// In folders that the device shares with the machine. An agent of the machine's, for one, must not be
-// restarted from a device.
+// In folders that the device shares with the machine. An agent of the machine's, for one, must not
+// be restarted from a device.
 constexpr const char* kFiles[] = {
-    "/etc/dhclient-exit-hooks",
-    "/etc/dhclient.conf",
-    "/etc/init.d/snmpd",
-    "/etc/resolv.dnsmasq.conf",
-    "/sbin/dhclient-script",
+    "/etc/dhclient-exit-hooks", "/etc/dhclient.conf",    "/etc/init.d/snmpd",
+    "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script",
 };
 
 bool IsWithin(const fs::path& path, const fs::path& folder) {
