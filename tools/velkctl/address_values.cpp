@@ -13,6 +13,11 @@ std::string AddressKind::Wanted() const {
         .append(takes_none_ ? ", or none" : "");
 }
 
+std::string AddressKind::Problem(const std::string& word) const {
+    const std::optional<uint32_t> address = ParseIpv4(word);
+    return address ? std::string(problem_(*address)) : NotIpv4Problem(word, wanted_);
+}
+
 Parsed AddressKind::Parse(std::span<const std::string> words) const {
     if (std::string problem = OneWordProblem(words); !problem.empty()) {
         return Unparsable(std::move(problem));
@@ -22,9 +27,8 @@ Parsed AddressKind::Parse(std::span<const std::string> words) const {
     if (takes_none_ && word == kNone) {
         return parsed;
     }
-    const std::optional<uint32_t> address = ParseIpv4(word);
-    if (!address || !takes_(*address)) {
-        return Unparsable(Quoted(word) + " is not taken" + Give());
+    if (const std::string problem = Problem(word); !problem.empty()) {
+        return Unparsable(Quoted(word) + " " + problem + Give());
     }
     (void)word.copy(parsed.data.data(), parsed.data.size());
     return parsed;

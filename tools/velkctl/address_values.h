@@ -12,10 +12,11 @@ namespace velkctl {
 // stands, address or not; the empty text is shown as none.
 class AddressKind final : public ValueKind {
   public:
-    // `wanted` says in words what `takes` takes, and `example` is one of these.
+    // `problem` says what is wrong with an address, as HostAddressProblem() does; `wanted` says in
+    // words what it takes, and `example` is one of these.
     constexpr AddressKind(std::string_view wanted, std::string_view example,
-                          bool (*takes)(uint32_t address), bool takes_none = false)
-        : wanted_(wanted), example_(example), takes_(takes), takes_none_(takes_none) {}
+                          std::string_view (*problem)(uint32_t address), bool takes_none = false)
+        : wanted_(wanted), example_(example), problem_(problem), takes_none_(takes_none) {}
 
     std::string Wanted() const override;
     std::string Example() const override { return std::string(example_); }
@@ -23,21 +24,27 @@ class AddressKind final : public ValueKind {
     std::string Print(const Data& data) const override;
 
   private:
+    // What is wrong with the word, behind it in a message; empty when it is taken.
+    std::string Problem(const std::string& word) const;
+
     std::string_view wanted_;
     std::string_view example_;
-    bool (*takes_)(uint32_t address);
+    std::string_view (*problem_)(uint32_t address);
     bool takes_none_;
 };
-
-// An address that an interface or a router can have.
-constexpr bool IsHostAddress(uint32_t address) {
-    const uint32_t first = address >> 24U;
-    return first != 0 && first != 127 && first < 224;
-}
 
 // Ones in front of zeros, and at least one of them.
 constexpr bool IsMask(uint32_t mask) {
     return mask != 0 && (~mask & (~mask + 1)) == 0;
+}
+
+// What keeps a number from being a mask; empty when nothing does.
+constexpr std::string_view MaskProblem(uint32_t mask) {
+    if (IsMask(mask)) {
+        return {};
+    }
+    return mask == 0 ? "is not a mask, as it has no ones"
+                     : "is not a mask, as its ones are not contiguous";
 }
 
 }  // namespace velkctl

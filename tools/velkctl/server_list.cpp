@@ -1,6 +1,7 @@
 // server_list.cpp - values that are a list of servers.
 #include "velkctl/server_list.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -15,19 +16,37 @@ namespace {
 constexpr size_t kSlots = 3;
 constexpr size_t kSlotSize = 16;
 
+// What is wrong with the word for one server, behind it in a message; empty when nothing is.
+std::string ServerProblem(const std::string& word) {
+    const std::optional<uint32_t> address = ParseIpv4(word);
+    const std::string problem = address ? std::string(HostAddressProblem(*address))
+                                        : NotIpv4Problem(word, "an IPv4 address");
+    if (problem.empty()) {
+        return {};
+    }
+    // A resolver may run on the device itself, but a forwarder there would ask itself for ever.
+    return problem + "; give one to three such as 192.168.0.1, or none" +
+           (address && IsLoopback(*address) ? ", or --force for a resolver on the device" : "");
+}
+
 // What is wrong with the words, at least one; empty when they make a server list.
 std::string ServerListProblem(std::span<const std::string> words) {
     for (const std::string& word : words) {
         if (word == kNone) {
             return "'none' stands alone; give either addresses or none";
         }
-        if (!ParseIpv4(word)) {
-            return Quoted(word) +
-                   " is not an IPv4 address; give one to three such as 192.168.0.1, or none";
+        if (const std::string problem = ServerProblem(word); !problem.empty()) {
+            return Quoted(word) + " " + problem;
         }
     }
     if (words.size() > kSlots) {
         return std::to_string(words.size()) + " addresses given; give one to three, or none";
+    }
+    for (size_t i = 1; i < words.size(); ++i) {
+        const auto earlier = words.first(i);
+        if (std::ranges::find(earlier, words[i]) != earlier.end()) {
+            return Quoted(words[i]) + " is given twice; give every server once";
+        }
     }
     return {};
 }
@@ -42,7 +61,7 @@ std::string_view SlotText(const Data& data, size_t index) {
 // A blank inside a slot must not look like the gap between two.
 std::string PrintableWord(std::string_view text) {
     std::string word;
-    for (const char byte : Printable(text)) {
+    for (const char byte : PrintableValue(text)) {
         word.append(byte == ' ' ? "\\x20" : std::string_view(&byte, 1));
     }
     return word;

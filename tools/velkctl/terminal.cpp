@@ -4,9 +4,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -17,6 +21,7 @@ namespace velkctl {
 namespace {
 
 constexpr size_t kLongestQuote = VELK_DATA_SIZE;  // every value and name is whole
+constexpr size_t kEscapeLength = 4;               // of a byte written in hex digits
 
 void AppendEscape(std::string& text, char byte) {
     text.append("\\x").append(ToHex({&byte, 1}));
@@ -67,14 +72,35 @@ size_t CharacterLength(std::string_view text) {
     return is_shown ? form->length : 0;
 }
 
-std::string Escaped(std::string_view bytes, std::string_view backslash) {
+// Reads a byte as AppendEscape() writes it, in front of the text.
+std::optional<char> LeadingEscape(std::string_view text) {
+    if (text.size() < kEscapeLength || !text.starts_with("\\x")) {
+        return std::nullopt;
+    }
+    uint8_t byte = 0;
+    const char* end = text.data() + kEscapeLength;
+    const auto [stop, error] = std::from_chars(text.data() + 2, end, byte, 16);
+    return error == std::errc() && stop == end ? std::optional(static_cast<char>(byte))
+                                               : std::nullopt;
+}
+
+std::string_view DoubledBackslash(std::string_view /*text*/) {
+    return "\\\\";
+}
+
+std::string_view ValueBackslash(std::string_view text) {
+    return LeadingEscape(text) ? "\\x5c" : "\\";
+}
+
+// `backslash` says how the one in front of the text is written.
+std::string Escaped(std::string_view bytes, std::string_view (*backslash)(std::string_view text)) {
     std::string text;
     while (!bytes.empty()) {
         const size_t length = CharacterLength(bytes);
         if (length == 0) {
             AppendEscape(text, bytes.front());
         } else {
-            text.append(bytes.front() == '\\' ? backslash : bytes.substr(0, length));
+            text.append(bytes.front() == '\\' ? backslash(bytes) : bytes.substr(0, length));
         }
         bytes.remove_prefix(std::max<size_t>(length, 1));
     }
@@ -88,11 +114,21 @@ bool IsControl(char byte) {
 }  // namespace
 
 std::string Printable(std::string_view bytes) {
-    return Escaped(bytes, "\\\\");
+    return Escaped(bytes, DoubledBackslash);
 }
 
 std::string PrintableValue(std::string_view bytes) {
-    return Escaped(bytes, "\\");
+    return Escaped(bytes, ValueBackslash);
+}
+
+std::string UnprintedValue(std::string_view text) {
+    std::string bytes;
+    while (!text.empty()) {
+        const std::optional<char> byte = LeadingEscape(text);
+        bytes.push_back(byte.value_or(text.front()));
+        text.remove_prefix(byte ? kEscapeLength : 1);
+    }
+    return bytes;
 }
 
 bool HasControls(std::string_view text) {
@@ -127,7 +163,9 @@ void PrintError(std::string_view line) {
 }
 
 bool IsTerminal(int fd) {
-    return isatty(fd) == 1;
+    const char* terminal = getenv("TERM");
+    const bool is_dumb = terminal != nullptr && strcmp(terminal, "dumb") == 0;
+    return !is_dumb && isatty(fd) == 1;
 }
 
 bool FinishPrinting() {

@@ -11,8 +11,12 @@ namespace velkctl {
 // controls the terminal, is written \x1b, a backslash twice.
 std::string Printable(std::string_view bytes);
 
-// The same for a value that is given back as it was shown: a backslash is written once.
+// The same for a value, which set takes again as it was shown: a backslash is written once, and
+// \x5c where it would begin what looks like a byte.
 std::string PrintableValue(std::string_view bytes);
+
+// The bytes of a value that was written so.
+std::string UnprintedValue(std::string_view text);
 
 // Says whether a character of the text would control the terminal, as the end of a line does.
 bool HasControls(std::string_view text);
@@ -31,7 +35,7 @@ void Print(std::string_view text);
 void PrintError(std::string_view line);
 
 // Says whether people read standard output or standard error, and can be shown colours and lines
-// that are written again.
+// that are written again, which a terminal that calls itself dumb cannot.
 bool IsTerminal(int fd);
 
 // Hands over what was printed; complains and is false when it got lost, as on a full disk.

@@ -6,22 +6,17 @@
 
 namespace velkctl {
 
-// What is wrong with the words; empty when they are one text that is taken.
-std::string TextKind::Problem(std::span<const std::string> words) const {
-    if (std::string problem = OneWordProblem(words); !problem.empty()) {
-        return problem + (words.empty() ? "" : ", in quotes when it holds blanks");
+// What is wrong with a text; empty when it is taken.
+std::string TextKind::Problem(std::string_view text) const {
+    const std::string_view own_problem = problem_ == nullptr ? "" : problem_(text);
+    if (!own_problem.empty()) {
+        return std::string(own_problem) + Give();
     }
-    const std::string& word = words.front();
-    if (word == kNone) {
-        // It clears other settings, and would be a text of four letters here.
-        return "'none' would be a text here; give '' to clear the setting, or --force to set that "
-               "text";
-    }
-    const size_t length = word.size();
+    const size_t length = text.size();
     if (!takes_length_(length)) {
         return std::to_string(length) + (length == 1 ? " byte given" : " bytes given") + Give();
     }
-    if (HasControls(word)) {
+    if (HasControls(text)) {
         return "control characters, such as the end of a line, are not taken" + Give();
     }
     return {};
@@ -32,9 +27,19 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
     if (words.size() == 1 && words.front() == empty_) {
         return parsed;
     }
-    parsed.problem = Problem(words);
+    if (const std::string problem = OneWordProblem(words); !problem.empty()) {
+        return Unparsable(problem + (words.empty() ? "" : ", in quotes when it holds blanks"));
+    }
+    if (words.front() == kNone) {
+        // It clears other settings, and would be a text of four letters here.
+        return Unparsable(
+            "'none' would be a text here; give '' to clear the setting, or --force to set that "
+            "text");
+    }
+    const std::string text = UnprintedValue(words.front());
+    parsed.problem = Problem(text);
     if (parsed.ok()) {
-        (void)words.front().copy(parsed.data.data(), parsed.data.size());
+        (void)text.copy(parsed.data.data(), parsed.data.size());
     }
     return parsed;
 }

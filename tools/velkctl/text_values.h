@@ -11,10 +11,16 @@ namespace velkctl {
 class TextKind final : public ValueKind {
   public:
     // The empty text is written as `empty`; `wanted` says in words what `takes_length` takes, and
-    // `example` is one as a shell has it.
+    // `example` is one as a shell has it. `problem` says what else is wrong with a text, without
+    // repeating it.
     constexpr TextKind(std::string_view empty, std::string_view wanted, std::string_view example,
-                       bool (*takes_length)(size_t length))
-        : empty_(empty), wanted_(wanted), example_(example), takes_length_(takes_length) {}
+                       bool (*takes_length)(size_t length),
+                       std::string_view (*problem)(std::string_view text) = nullptr)
+        : empty_(empty),
+          wanted_(wanted),
+          example_(example),
+          takes_length_(takes_length),
+          problem_(problem) {}
 
     std::string Wanted() const override { return std::string(wanted_); }
     std::string Example() const override { return std::string(example_); }
@@ -25,12 +31,13 @@ class TextKind final : public ValueKind {
     nlohmann::ordered_json ToJson(const Data& data) const override;
 
   private:
-    std::string Problem(std::span<const std::string> words) const;
+    std::string Problem(std::string_view text) const;
 
     std::string_view empty_;
     std::string_view wanted_;
     std::string_view example_;
     bool (*takes_length_)(size_t length);
+    std::string_view (*problem_)(std::string_view text);
 };
 
 }  // namespace velkctl

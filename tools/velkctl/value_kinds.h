@@ -7,6 +7,8 @@
 #include "velkctl/address_values.h"
 #include "velkctl/coded_values.h"
 #include "velkctl/host_value.h"
+#include "velkctl/ipv4.h"
+#include "velkctl/key_problems.h"
 #include "velkctl/raw_values.h"
 #include "velkctl/schedule_value.h"
 #include "velkctl/server_list.h"
@@ -19,9 +21,9 @@ inline constexpr HostKind kHost{};
 inline constexpr ScheduleKind kSchedule{};
 
 // ---- Addresses ---------------------------------------------------------------------------------
-inline constexpr AddressKind kAddress{"an IPv4 address", "192.168.0.10", IsHostAddress};
-inline constexpr AddressKind kNetmask{"an IPv4 mask", "255.255.255.0", IsMask};
-inline constexpr AddressKind kGateway{"an IPv4 address", "192.168.0.1", IsHostAddress,
+inline constexpr AddressKind kAddress{"an IPv4 address", "192.168.0.10", HostAddressProblem};
+inline constexpr AddressKind kNetmask{"an IPv4 mask", "255.255.255.0", MaskProblem};
+inline constexpr AddressKind kGateway{"an IPv4 address", "192.168.0.1", HostAddressProblem,
                                       /*takes_none=*/true};
 
 // ---- Coded values ------------------------------------------------------------------------------
@@ -82,10 +84,12 @@ inline constexpr TextKind kSsid{"''", "a text of at most 32 bytes", "'my network
 // The empty word, which a script's unset variable gives, does not clear a key. An example takes the
 // key from standard input.
 inline constexpr TextKind kPsk{kNone, "a text of 1 to 64 bytes, or none", "-",
-                               [](size_t length) { return length >= 1 && length <= 64; }};
+                               [](size_t length) { return length >= 1 && length <= 64; },
+                               KeyProblem};
 inline constexpr TextKind kWepKey{
-    kNone, "a text of 5, 10, 13 or 26 bytes, or none", "-",
-    [](size_t length) { return length == 5 || length == 10 || length == 13 || length == 26; }};
+    kNone, "a text of 5 or 13 bytes, 10 or 26 hex digits, or none", "-",
+    [](size_t length) { return length == 5 || length == 10 || length == 13 || length == 26; },
+    WepKeyProblem};
 
 // ---- Raw values --------------------------------------------------------------------------------
 inline constexpr HexBytesKind kRate{4};

@@ -71,32 +71,53 @@ TEST(AddressKindParse, OnlyAGatewayCanBeNone) {
     EXPECT_TRUE(kGateway.Parse(Words{"none"}).ok());
     EXPECT_EQ(kGateway.Parse(Words{"none"}).data, Data{});
     EXPECT_EQ(Problem(kAddress, {"none"}),
-              "'none' is not taken; give an IPv4 address such as 192.168.0.10");
+              "'none' is not an IPv4 address; give an IPv4 address such as 192.168.0.10");
     EXPECT_EQ(Problem(kNetmask, {"none"}),
-              "'none' is not taken; give an IPv4 mask such as 255.255.255.0");
+              "'none' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
 }
 
-TEST(AddressKindParse, RefusesWhatNoInterfaceCanHave) {
-    for (const char* word : {"0.0.0.0", "0.1.2.3", "127.0.0.1", "224.0.0.1", "255.255.255.255"}) {
-        const std::string refused =
-            "'" + std::string(word) + "' is not taken; give an IPv4 address";
-        EXPECT_EQ(Problem(kAddress, {word}), refused + " such as 192.168.0.10");
-        EXPECT_EQ(Problem(kGateway, {word}), refused + " such as 192.168.0.1, or none");
-    }
+TEST(AddressKindParse, SaysWhyNoInterfaceCanHaveAnAddress) {
+    const auto refused = [](const std::string& word, const std::string& why) {
+        const std::string problem = "'" + word + "' " + why + "; give an IPv4 address";
+        EXPECT_EQ(Problem(kAddress, {word}), problem + " such as 192.168.0.10");
+        EXPECT_EQ(Problem(kGateway, {word}), problem + " such as 192.168.0.1, or none");
+    };
+    refused("0.0.0.0", "is not the address of a host, as it begins with 0");
+    refused("0.1.2.3", "is not the address of a host, as it begins with 0");
+    refused("127.0.0.1", "is a loopback address, where the device reaches only itself");
+    refused("224.0.0.1", "is a multicast address");
+    refused("239.255.255.255", "is a multicast address");
+    refused("240.0.0.0", "is a reserved address");
+    refused("255.255.255.255", "is the broadcast address");
+    const std::string octal =
+        "has a number with a leading zero, which other programs read as octal";
+    refused("192.168.0.010", octal);
+    refused("00.1.1.1", octal);
 }
 
 TEST(AddressKindParse, RefusesWhatIsNoAddress) {
-    EXPECT_EQ(Problem(kAddress, {"192.168.0.300"}),
-              "'192.168.0.300' is not taken; give an IPv4 address such as 192.168.0.10");
+    for (const std::string word : {"192.168.0.300", "192.168.0.0300", "0x1.2.3.4", "none"}) {
+        EXPECT_EQ(
+            Problem(kAddress, {word}),
+            "'" + word + "' is not an IPv4 address; give an IPv4 address such as 192.168.0.10");
+    }
     EXPECT_EQ(Problem(kAddress, {"10.0.0.1\nup reboot"}),
-              "'10.0.0.1\\x0aup reboot' is not taken; give an IPv4 address such as 192.168.0.10");
-    EXPECT_EQ(Problem(kNetmask, {"255.0.255.0"}),
-              "'255.0.255.0' is not taken; give an IPv4 mask such as 255.255.255.0");
-    EXPECT_EQ(Problem(kNetmask, {"24"}),
-              "'24' is not taken; give an IPv4 mask such as 255.255.255.0");
+              "'10.0.0.1\\x0aup reboot' is not an IPv4 address; give an IPv4 address such as "
+              "192.168.0.10");
     EXPECT_EQ(Problem(kGateway, {""}),
-              "'' is not taken; give an IPv4 address such as 192.168.0.1, or none");
+              "'' is not an IPv4 address; give an IPv4 address such as 192.168.0.1, or none");
     EXPECT_EQ(kAddress.Parse(Words{"10.0.0.300"}).data, Data{});
+}
+
+TEST(AddressKindParse, SaysWhyAMaskIsNone) {
+    EXPECT_EQ(Problem(kNetmask, {"255.0.255.0"}),
+              "'255.0.255.0' is not a mask, as its ones are not contiguous; give an IPv4 mask such "
+              "as 255.255.255.0");
+    EXPECT_EQ(
+        Problem(kNetmask, {"0.0.0.0"}),
+        "'0.0.0.0' is not a mask, as it has no ones; give an IPv4 mask such as 255.255.255.0");
+    EXPECT_EQ(Problem(kNetmask, {"24"}),
+              "'24' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
 }
 
 TEST(AddressKindParse, WantsOneWord) {

@@ -40,10 +40,10 @@ TEST(ServerListParse, OneAddressFillsTheFirstSlot) {
 }
 
 TEST(ServerListParse, ThreeAddressesLieInSlotsOf16Bytes) {
-    const Parsed parsed = kServerList.Parse(Words{"255.255.255.255", "0.0.0.0", "192.168.100.200"});
+    const Parsed parsed = kServerList.Parse(Words{"223.255.255.254", "1.0.0.1", "192.168.100.200"});
     EXPECT_TRUE(parsed.ok());
     EXPECT_EQ(parsed.data,
-              DataOf(Slot("255.255.255.255") + Slot("0.0.0.0") + Slot("192.168.100.200")));
+              DataOf(Slot("223.255.255.254") + Slot("1.0.0.1") + Slot("192.168.100.200")));
 }
 
 TEST(ServerListParse, NoneIsAllZero) {
@@ -80,12 +80,38 @@ TEST(ServerListParse, ShowsControlCharactersEscaped) {
               "give one to three such as 192.168.0.1, or none");
 }
 
+TEST(ServerListParse, RefusesWhatIsNoAddressOfAServer) {
+    const std::string wanted = "; give one to three such as 192.168.0.1, or none";
+    EXPECT_EQ(Problem({"1.1.1.1", "0.0.0.0"}),
+              "'0.0.0.0' is not the address of a host, as it begins with 0" + wanted);
+    EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
+    EXPECT_EQ(Problem({"224.0.0.1"}), "'224.0.0.1' is a multicast address" + wanted);
+    EXPECT_EQ(Problem({"240.0.0.1"}), "'240.0.0.1' is a reserved address" + wanted);
+    EXPECT_EQ(Problem({"1.1.1.010"}),
+              "'1.1.1.010' has a number with a leading zero, which other programs read as octal" +
+                  wanted);
+}
+
+TEST(ServerListParse, RefusesTheDeviceItselfUnlessForced) {
+    EXPECT_EQ(Problem({"127.0.0.1"}),
+              "'127.0.0.1' is a loopback address, where the device reaches only itself; give one "
+              "to three such as 192.168.0.1, or none, or --force for a resolver on the device");
+    EXPECT_EQ(kServerList.Force(Words{"127.0.0.1"}).data, DataOf("127.0.0.1"));
+}
+
+TEST(ServerListParse, RefusesAServerGivenTwice) {
+    EXPECT_EQ(Problem({"1.1.1.1", "2.2.2.2", "1.1.1.1"}),
+              "'1.1.1.1' is given twice; give every server once");
+}
+
 class NoAddress : public testing::TestWithParam<std::string> {};
 
 TEST_P(NoAddress, IsRefusedAndLeavesTheDataZero) {
     const Parsed parsed = kServerList.Parse(Words{GetParam()});
     EXPECT_FALSE(parsed.ok());
-    EXPECT_NE(parsed.problem.find("is not an IPv4 address"), std::string::npos) << parsed.problem;
+    EXPECT_TRUE(parsed.problem.find(" is not an IPv4 address; ") != std::string::npos ||
+                parsed.problem.find(" leading zero, ") != std::string::npos)
+        << parsed.problem;
     EXPECT_EQ(parsed.data, Data{});
 }
 
@@ -135,7 +161,7 @@ TEST(ServerListPrint, WhatStandsBehindTheNulOfASlotIsNotShown) {
 
 TEST(ServerListPrint, BytesThatAreNoTextAreEscaped) {
     EXPECT_EQ(kServerList.Print(DataOf("\x1b[31m\n\x7f\xff")), "\\x1b[31m\\x0a\\x7f\\xff");
-    EXPECT_EQ(kServerList.Print(DataOf("a b\\")), "a\\x20b\\\\");
+    EXPECT_EQ(kServerList.Print(DataOf("a b\\")), "a\\x20b\\");
 }
 
 TEST(ServerListPrint, TextInUtf8IsShown) {
@@ -158,7 +184,7 @@ TEST(ServerListPrint, NoByteReachesTheTerminalRaw) {
 
 TEST(ServerList, WhatIsPrintedIsParsedToTheSameBytes) {
     for (const Words& words : {Words{"none"}, Words{"1.2.3.4"}, Words{"1.2.3.4", "5.6.7.8"},
-                               Words{"255.255.255.255", "0.0.0.0", "10.0.0.1"}}) {
+                               Words{"223.255.255.254", "1.0.0.1", "10.0.0.1"}}) {
         const Parsed first = kServerList.Parse(words);
         ASSERT_TRUE(first.ok());
         std::string joined;

@@ -10,6 +10,7 @@ using velkctl::HasControls;
 using velkctl::Printable;
 using velkctl::PrintableValue;
 using velkctl::Quoted;
+using velkctl::UnprintedValue;
 
 TEST(Printable, LeavesTextAlone) {
     EXPECT_EQ(Printable(""), "");
@@ -61,8 +62,19 @@ TEST(Printable, DoublesBackslashesSoThatEscapesAreUnmistakable) {
 }
 
 TEST(PrintableValue, WritesABackslashOnce) {
-    EXPECT_EQ(PrintableValue("a\\b\\x1b"), "a\\b\\x1b");
+    EXPECT_EQ(PrintableValue("a\\b\\x1\\xg0\\"), "a\\b\\x1\\xg0\\");
     EXPECT_EQ(PrintableValue("\x1b\xc3\xa4\xff"), "\\x1b\xc3\xa4\\xff");
+}
+
+TEST(PrintableValue, EscapesABackslashThatLooksLikeAByte) {
+    EXPECT_EQ(PrintableValue("\\x1b\\xFF"), "\\x5cx1b\\x5cxFF");
+}
+
+TEST(UnprintedValue, GivesEveryByteBack) {
+    EXPECT_EQ(UnprintedValue("\\x41\\xfF\\x5cx41\\x4"), "A\xff\\x41\\x4");
+    for (const std::string bytes : {"", "\\", "\\x5c", "\\\\x1b\x1b", "\xff\\xff", "caf\xc3\xa9"}) {
+        EXPECT_EQ(UnprintedValue(PrintableValue(bytes)), bytes);
+    }
 }
 
 TEST(HasControls, FindsThemAnywhere) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "velkctl/value_kinds.h"
+#include <nlohmann/json.hpp>
 
 namespace {
 
@@ -33,7 +34,7 @@ std::string Problem(const TextKind& kind, const Words& words) {
 std::vector<size_t> LengthsTaken(const TextKind& kind) {
     std::vector<size_t> lengths;
     for (size_t length = 0; length <= 70; ++length) {
-        if (kind.Parse(Words{std::string(length, 'x')}).ok()) {
+        if (kind.Parse(Words{std::string(length, 'a')}).ok()) {
             lengths.push_back(length);
         }
     }
@@ -41,7 +42,7 @@ std::vector<size_t> LengthsTaken(const TextKind& kind) {
 }
 
 TEST(TextKindParse, TheBytesAreThoseOfTheText) {
-    const std::string text = " my \"n\xc3\xa4t\" \\x1b \xff";
+    const std::string text = " my \"n\xc3\xa4t\" \\n \\xfg \xff";
     const Parsed parsed = kSsid.Parse(Words{text});
     EXPECT_EQ(parsed.problem, "");
     EXPECT_EQ(parsed.data, DataOf(text));
@@ -66,7 +67,7 @@ TEST(TextKindParse, TellsTheLengthAndTheRightOnes) {
               "65 bytes given; give a text of 1 to 64 bytes, or none");
     EXPECT_EQ(Problem(kPsk, {""}), "0 bytes given; give a text of 1 to 64 bytes, or none");
     EXPECT_EQ(Problem(kWepKey, {"x"}),
-              "1 byte given; give a text of 5, 10, 13 or 26 bytes, or none");
+              "1 byte given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none");
     EXPECT_EQ(Problem(kShownText, {std::string(512, 'x')}),
               "512 bytes given; give a text of at most 511 bytes");
 }
@@ -89,7 +90,7 @@ TEST(TextKindParse, RefusesControlCharacters) {
     for (const std::string text : {"abcd\n", "a\tbcd", "\x1b[31m", "abcd\x7f", "abc\xc2\x85"}) {
         EXPECT_EQ(Problem(kWepKey, {text}),
                   "control characters, such as the end of a line, are not taken; "
-                  "give a text of 5, 10, 13 or 26 bytes, or none");
+                  "give a text of 5 or 13 bytes, 10 or 26 hex digits, or none");
     }
     EXPECT_FALSE(kSsid.Parse(Words{std::string("a\0b", 3)}).ok());
 }
@@ -149,13 +150,58 @@ TEST(TextKindPrint, EscapesWhatIsNoText) {
 
 TEST(TextKind, WhatIsPrintedIsParsedToTheSameBytes) {
     for (const std::string text :
-         {"a", " a b ", "'\"$\\", "\\x1b", "caf\xc3\xa9 \xf0\x9f\x93\xb6"}) {
+         {"a", " a b ", "'\"$\\", "\\x", "\\\\n", "caf\xc3\xa9 \xf0\x9f\x93\xb6"}) {
         const Data data = DataOf(text);
         EXPECT_EQ(kSsid.Print(data), text);
         EXPECT_EQ(kSsid.Parse(Words{kSsid.Print(data)}).data, data);
     }
     EXPECT_EQ(kSsid.Parse(Words{kSsid.Print(Data{})}).data, Data{});
     EXPECT_EQ(kPsk.Parse(Words{kPsk.Print(Data{})}).data, Data{});
+}
+
+TEST(TextKind, BytesAndTheirLookalikesAreToldApart) {
+    EXPECT_EQ(kSsid.Print(DataOf("a\xff")), "a\\xff");
+    EXPECT_EQ(kSsid.Print(DataOf("a\\xff")), "a\\x5cxff");
+    EXPECT_EQ(kSsid.ToJson(DataOf("a\\xff")), "a\\x5cxff");
+    for (const std::string text : {"a\xff", "a\\xff", "a\\x5cxff", "\\\\x1b", "\\x5\\x5c"}) {
+        const Data data = DataOf(text);
+        EXPECT_EQ(kSsid.Parse(Words{kSsid.Print(data)}).data, data) << kSsid.Print(data);
+        EXPECT_EQ(kPsk.Parse(Words{kPsk.Print(data)}).data, data) << kPsk.Print(data);
+    }
+}
+
+TEST(TextKindParse, AnEscapeIsCheckedAsTheByteItStandsFor) {
+    EXPECT_EQ(kWepKey.Parse(Words{"abcd\\x65"}).data, DataOf("abcde"));
+    EXPECT_EQ(
+        Problem(kSsid, {"a\\x0a"}),
+        "control characters, such as the end of a line, are not taken; give a text of at most "
+        "32 bytes");
+}
+
+TEST(TextKindParse, TheMaskIsNoKeyUnlessForced) {
+    EXPECT_EQ(Problem(kPsk, {"********"}),
+              "this is the mask that is shown in place of a key; give a text of 1 to 64 bytes, or "
+              "none");
+    EXPECT_EQ(Problem(kWepKey, {"********"}),
+              "this is the mask that is shown in place of a key; give a text of 5 or 13 bytes, 10 "
+              "or 26 hex digits, or none");
+    EXPECT_TRUE(kPsk.Parse(Words{"*******"}).ok());
+    EXPECT_TRUE(kSsid.Parse(Words{"********"}).ok());
+    EXPECT_EQ(kPsk.Force(Words{"********"}).data, DataOf("********"));
+}
+
+TEST(TextKindParse, ALongWepKeyIsOfHexDigits) {
+    for (const std::string& key :
+         {std::string("zzzzzzzzzz"), std::string(25, '0') + "g", std::string("012345678 ")}) {
+        EXPECT_EQ(
+            Problem(kWepKey, {key}),
+            "a key of 10 or 26 bytes consists of hex digits; give a text of 5 or 13 bytes, 10 "
+            "or 26 hex digits, or none");
+    }
+    EXPECT_TRUE(kWepKey.Parse(Words{"0123456789"}).ok());
+    EXPECT_TRUE(kWepKey.Parse(Words{"abcdefABCDEF0123456789abcd"}).ok());
+    EXPECT_TRUE(kWepKey.Parse(Words{"zzzzz"}).ok());
+    EXPECT_TRUE(kWepKey.Parse(Words{"zzzzzzzzzzzzz"}).ok());
 }
 
 }  // namespace
