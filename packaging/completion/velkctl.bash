@@ -110,7 +110,7 @@ _velkctl_candidates() { # WORD VERB WORD...
             fi
             ;;
         help) [ "$count" -gt 0 ] || _velkctl_verbs ;;
-        show | restart) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
+        show | restart | list) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
         describe)
             [ "$count" -eq 0 ] || return
             case $current in

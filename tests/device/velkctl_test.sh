@@ -141,12 +141,12 @@ nameserver 10.0.0.1
 lock file made'
 
 it 'sets three servers'
-with_resolver 'nameserver 9.9.9.9\n' velkctl set eth1.dns 1.1.1.1 255.255.255.255 3.3.3.3
+with_resolver 'nameserver 9.9.9.9\n' velkctl set eth1.dns 1.1.1.1 223.255.255.254 3.3.3.3
 status_is 0
 error_is ''
 output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 1.1.1.1
-nameserver 255.255.255.255
+nameserver 223.255.255.254
 nameserver 3.3.3.3
 --
 lock file made'
@@ -285,7 +285,7 @@ refused "set: 'eth0.dns' is followed by '='; give the name alone, and a value as
     set eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
-refused "list: 'eth0.dns' is one argument too many; usage: velkctl list [--json]" list eth0.dns
+refused "list: 'eth0.dns' is one argument too many; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
 refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
     call set 108 eth0 x
 
@@ -650,7 +650,7 @@ refused_unsent 'eth1.psk: 66 bytes given; give a text of 1 to 64 bytes, or none'
 refused_unsent 'eth1.psk: 0 bytes given; give a text of 1 to 64 bytes, or none' set eth1.psk ''
 refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none, in quotes when it holds blanks' \
     set eth1.psk hunter two
-refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none' \
+refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none' \
     set eth1.wep-key-4 hunter
 
 it 'never repeats a key, wherever it stands'
@@ -659,7 +659,9 @@ for arguments in 'set eth1.psk hunter22' 'set eth1.psk -hunter22' 'set eth1.psk 
     'set eth1.pks -hunter22' 'set eth1.wep-key-2 hunter' 'eth1.psk=hunter22' 'get eth1.psk=hunter22' \
     'call set 314 eth1 hunter22' 'call set 314 hunter22hunter22hunter22' \
     'call set 314 eth1 --hunter22' 'call set 314 eth1 --hex hunter22' \
-    'call set 314 eth1 --text hunter22' 'restart eth1.psk hunter22' 'list eth1.psk hunter22'; do
+    'call set 314 eth1 --text hunter22' 'get eth1.psk hunter22' 'get eth1.psk --hunter22' \
+    'help set eth1.psk hunter22' 'describe eth1.psk hunter22' 'show eth1.psk hunter22' \
+    'restart eth1.psk hunter22' 'list eth1.psk hunter22'; do
     # shellcheck disable=SC2086  # words
     with_ports "$no_link" "$adapter" velkctl $arguments
     no_secret
@@ -672,7 +674,7 @@ status_is 1 # there is no daemon to send it to
 error_is "velkctl: eth1.psk: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
-error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none'
+error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c 'printf "hunter\r\n" | velkctl set eth1.psk -'
 status_is 2
 error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken; give a text of 1 to 64 bytes, or none'
@@ -692,7 +694,7 @@ error_is "velkctl: eth1.psk: could not be set; 'velkctl doctor' looks for the ca
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2
-error_is 'velkctl: eth1.wep-key-3: 6 bytes given; give a text of 5, 10, 13 or 26 bytes, or none'
+error_is 'velkctl: eth1.wep-key-3: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c \
     'printf "hunter22\nhunter23\n" >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 2
@@ -768,7 +770,7 @@ output_has '
   set       change a setting
   show      show all settings, or those of an interface
   restart   bring an interface down and up again, so that changed settings take effect
-  list      name all settings, what can be done with them and what they are
+  list      name all settings, or those of an interface, and say what can be done with them
   describe  say what a setting is
   explain   say what a result of the library or an exit status means and what to do about it
   doctor    look for what the library will not be able to do, and say how to mend it

@@ -69,10 +69,13 @@ status_is 0
 check 'no mask' 0 "$(printf '%s\n' "$output" | grep -c '\*\*\*\*')"
 
 it 'colours what cannot be read, at a terminal alone, and not against NO_COLOR'
-typing '' velkctl show eth1
+typing '' env TERM=linux velkctl show eth1
 output_has 'eth1.signal             <esc>[33m(refused while the cable is in the wired port)<esc>[0m'
-typing '' env NO_COLOR=1 velkctl show eth1
-output_has 'eth1.signal             (refused while the cable is in the wired port)'
+for plain in TERM=linux\ NO_COLOR=1 TERM=dumb; do
+    # shellcheck disable=SC2086  # words
+    typing '' env $plain velkctl show eth1
+    output_has 'eth1.signal             (refused while the cable is in the wired port)'
+done
 on_device velkctl show eth1
 check 'no escapes' 0 "$(printf '%s' "$output" | grep -c "$(printf '\033')")"
 
@@ -84,6 +87,15 @@ eth1.software-version   (not asked: the wireless daemon did not answer before)
 '
 output_has 'eth1.method             dhcp
 '
+
+it 'lists the settings of an interface'
+on_device velkctl list eth0
+status_is 0
+check 'settings' 10 "$(printf '%s\n' "$output" | grep -c '^eth0\.')"
+check 'lines' 10 "$(printf '%s\n' "$output" | wc -l)"
+on_device velkctl list eth2
+status_is 2
+error_is "velkctl: list: 'eth2' is not an interface of the device; did you mean eth0 or eth1?"
 
 it 'refuses an interface that there is not'
 on_device velkctl show eth2
@@ -97,6 +109,30 @@ on_device velkctl get --value eth0.address eth0.netmask
 status_is 0
 output_is '192.168.0.10
 255.255.255.0'
+
+it 'shows one bare line for each name, empty for what is empty or cannot be read'
+on_device sh -c 'velkctl set location "" && velkctl set eth0.gateway none && velkctl set eth0.dns none
+    velkctl get --value eth0.gateway location eth1.signal eth0.dns ntp 2>/dev/null; echo $?
+    test -z "$(velkctl get --value location)" && echo empty; velkctl get location eth0.gateway'
+output_is '
+
+
+
+on
+5
+empty
+location = '"''"'
+eth0.gateway = none'
+
+it 'tells a byte and the text that looks like it apart'
+on_device sh -c 'for text in "a\xff" "a\x5cxff"; do
+        velkctl set location "$text" && velkctl get location && grep LOCATION /var/libvelk/libvelk | od -An -c
+    done'
+error_is ''
+output_is 'a\xff
+   L   O   C   A   T   I   O   N   =   a 377  \n
+a\x5cxff
+   L   O   C   A   T   I   O   N   =   a   \   x   f   f  \n'
 
 it 'refuses a gateway outside the network, unless forced'
 on_device sh -c 'velkctl set eth0.gateway 10.0.0.1; echo $?; velkctl get eth0.gateway
@@ -317,8 +353,17 @@ refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h),
 
 it 'knows a setting and an interface where they do not belong'
 refused "'eth0.dns' is a setting; give a verb in front of it, such as get or describe" eth0.dns
+refused "unknown verb 'eth0.adress'; did you mean the setting eth0.address? Give a verb in front of it, such as get or describe" \
+    eth0.adress
 refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
 refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
+
+it 'refuses a word behind the verb that help is for'
+refused 'help: arguments given behind the verb; usage: velkctl help [VERB]' help get extra
+
+it 'takes no mask for a key'
+refused 'eth1.psk: this is the mask that is shown in place of a key; give a text of 1 to 64 bytes, or none' \
+    set eth1.psk '********'
 
 it 'says where an option of a verb belongs'
 refused "option '--timeout' stands in front of the verb; give it behind the verb" \
@@ -340,8 +385,9 @@ hidden='not repeated here as it may be a key'
 refused "set: unknown option, $hidden; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth1.psk --hunter2
 refused "set: unknown option, $hidden; did you mean --wait?" set eth1.psk a-key --wiat
-refused "list: a word, $hidden, is one argument too many; usage: velkctl list [--json]" \
-    list eth1.psk
+refused "list: a word, $hidden, is one argument too many; usage: velkctl list [eth0|eth1] [--json]" \
+    list eth1.psk some-key
+refused "get: unknown setting, $hidden; 'velkctl list' names them all" get eth1.psk secretpass
 
 it 'does not take none for a text'
 for name in location administrator eth1.ssid; do

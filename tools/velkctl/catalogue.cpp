@@ -186,7 +186,17 @@ std::optional<uint32_t> ParseId(std::string_view word) {
     return id;
 }
 
-std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name) {
+std::vector<std::string> NamesMeant(std::span<const CatalogueRow> rows, std::string_view name) {
+    std::vector<std::string> meant = FullNames(rows, WithoutInterface(name));
+    return meant.empty() ? GuessedNames(rows, name) : meant;
+}
+
+std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name,
+                           bool may_be_key) {
+    if (may_be_key) {
+        return "unknown setting, not repeated here as it may be a key; 'velkctl list' names them "
+               "all";
+    }
     const size_t equals = name.find('=');
     if (equals != std::string_view::npos) {
         // What stands behind it may be a secret.

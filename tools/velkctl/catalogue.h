@@ -56,8 +56,13 @@ bool NamesSecret(std::span<const CatalogueRow> rows, std::string_view word);
 // The id of a command, written as a decimal number.
 std::optional<uint32_t> ParseId(std::string_view word);
 
-// Says about a name that FindSetting() did not find what would be right.
-std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name);
+// The full names that a short or misspelt one may mean; empty when there is no telling.
+std::vector<std::string> NamesMeant(std::span<const CatalogueRow> rows, std::string_view name);
+
+// Says about a name that FindSetting() did not find what would be right. One that may be a key is
+// neither repeated nor guessed at.
+std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name,
+                           bool may_be_key = false);
 
 // Says about a word that is neither eth0 nor eth1 what would be right. `shown` is the word as a
 // message may have it.

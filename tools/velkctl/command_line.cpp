@@ -111,6 +111,11 @@ std::string UnknownVerb(std::string_view word) {
         return Quoted(word) + " is a setting; give a verb in front of it, such as get or describe";
     }
     const std::vector<std::string> names = VerbNames();
+    const std::vector<std::string> settings = NamesMeant(Catalogue(), word);
+    if (NearMisses(word, names).empty() && !settings.empty()) {
+        return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
+               "? Give a verb in front of it, such as get or describe";
+    }
     return "unknown verb " + Quoted(word) + DidYouMean(word, names, "give " + OneOf(names)) +
            std::string(kSeeHelp);
 }
@@ -138,6 +143,13 @@ Words WithHelpAsOption(Words arguments) {
     const bool is_verb = word != arguments.end() && *word != kHelpVerb && !word->starts_with('-');
     arguments.insert(word + (is_verb ? 1 : 0), "--help");
     return arguments;
+}
+
+// Says whether a second verb, or whatever it is, stands behind "help VERB".
+bool AsksTooMuchHelp(const Words& arguments) {
+    Words words = arguments;
+    std::erase(words, kJsonFlag);
+    return words.size() > 2 && words.front() == kHelpVerb;
 }
 
 ExitStatus RunVerb(const Verb& verb, const Words& given, Report& report) {
@@ -200,6 +212,10 @@ Report::Form FormAskedFor(const Words& arguments) {
 }
 
 ExitStatus RunCommandLine(const Words& given, Report& report) {
+    if (AsksTooMuchHelp(given)) {
+        // A word behind the verb is not repeated: it may be a key.
+        return report.Refuse("help: arguments given behind the verb; usage: velkctl help [VERB]");
+    }
     const Words arguments = WithHelpAsOption(given);
     const Verb* verb = arguments.empty() ? nullptr : FindVerb(arguments.front());
     // A parser of the tool's own options would be a good part of what a get costs.

@@ -15,10 +15,10 @@ namespace velkctl {
 namespace {
 
 // A setting that may be read; complains when there is none.
-std::optional<Setting> FindReadable(const std::string& name, Report& report) {
+std::optional<Setting> FindReadable(const std::string& name, bool may_be_key, Report& report) {
     const std::optional<Setting> setting = FindSetting(Catalogue(), name);
     if (!setting) {
-        report.Complain("get: " + UnknownSetting(Catalogue(), name));
+        report.Complain("get: " + UnknownSetting(Catalogue(), name, may_be_key));
         return std::nullopt;
     }
     if (!setting->can_get()) {
@@ -34,11 +34,15 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
     const std::string name = setting.name();
     const Answer answer = device.Get(setting);
     if (answer.ok()) {
-        report.Text(prefix + ValueInWords(setting, answer.data, invocation.show_secrets) + "\n");
+        const auto value = invocation.bare_value ? BareValue : ValueInWords;
+        report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "
+");
         shown.push_back(ReadingInJson(
             setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
     } else {
         const std::string message = DescribeFailure(name + ": could not be read", setting, answer);
+        report.Text(invocation.bare_value ? "
+" : "");  // lines go by the order of the names
         report.Complain(Problem{message, name, answer.known_result()});
         shown.push_back(ReadingInJson(setting, nullptr, message));
     }
@@ -54,7 +58,7 @@ ExitStatus RunGet(const Invocation& invocation, Report& report) {
     }
     std::vector<Setting> settings;
     for (const std::string& name : invocation.words) {
-        const std::optional<Setting> setting = FindReadable(name, report);
+        const std::optional<Setting> setting = FindReadable(name, invocation.beside_secret, report);
         if (!setting) {
             return ExitStatus::kInvalid;
         }

@@ -7,6 +7,7 @@
 #include "velkctl/blocking.h"
 #include "velkctl/catalogue.h"
 #include "velkctl/setting_values.h"
+#include "velkctl/terminal.h"
 #include "velkctl/verbs.h"
 #include <nlohmann/json.hpp>
 
@@ -94,8 +95,16 @@ std::string InWords(const Setting& setting) {
 
 }  // namespace
 
-ExitStatus RunList(const Invocation& /*invocation*/, Report& report) {
-    const std::vector<Setting> settings = SettingsOf(Catalogue());
+ExitStatus RunList(const Invocation& invocation, Report& report) {
+    std::vector<Setting> settings = SettingsOf(Catalogue());
+    if (!invocation.words.empty()) {
+        const std::string& interface = invocation.words.front();
+        if (interface != VELK_WIRED_INTERFACE && interface != VELK_WIRELESS_INTERFACE) {
+            return report.Refuse("list: " + UnknownInterface(interface, Quoted(interface)));
+        }
+        std::erase_if(settings,
+                      [&](const Setting& setting) { return setting.interface != interface; });
+    }
     size_t width = 0;
     for (const Setting& setting : settings) {
         width = std::max(width, setting.name().size());

@@ -22,6 +22,11 @@ Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
     return setting.row->kind->ToJson(data);
 }
 
+std::string BareValue(const Setting& setting, const Data& data, bool show_secrets) {
+    const Json value = ValueInJson(setting, data, show_secrets);
+    return value.empty() || value == "" ? "" : ValueInWords(setting, data, show_secrets);
+}
+
 std::string UnreadableInWords(const Setting& setting, const Answer& answer) {
     return DescribeFailure(setting.name() + ": could not be read", answer);
 }

@@ -15,6 +15,9 @@ namespace velkctl {
 std::string ValueInWords(const Setting& setting, const Data& data, bool show_secrets);
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 
+// The value alone, for scripts: one that is none or empty is the empty text.
+std::string BareValue(const Setting& setting, const Data& data, bool show_secrets);
+
 // Why there is no value: "eth0.dns: could not be read (LIB_VELK_FAILURE, -1)".
 std::string UnreadableInWords(const Setting& setting, const Answer& answer);
 

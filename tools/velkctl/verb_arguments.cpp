@@ -75,10 +75,9 @@ bool MayHoldSecret(const Verb& verb, const Words& arguments) {
     if (verb.run == RunSet && first != arguments.end() && !FindSetting(Catalogue(), *first)) {
         return true;
     }
-    return verb.run != RunGet &&
-           std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-               return NamesSecret(Catalogue(), argument);
-           });
+    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
+        return NamesSecret(Catalogue(), argument);
+    });
 }
 
 }  // namespace

@@ -36,7 +36,8 @@ constexpr std::array kSecretFlags{kJson, kShowSecrets};
 constexpr std::array<VerbFlag, 3> kGetFlags{{
     kJson,
     kShowSecrets,
-    {"--value", "show the bare values, one a line", &Invocation::bare_value},
+    {"--value", "show the bare values, one a line; it is empty where there is none",
+     &Invocation::bare_value},
 }};
 constexpr std::array<VerbFlag, 3> kSetFlags{{
     kJson,
@@ -55,6 +56,9 @@ constexpr std::array<Verb, 9> kVerbs{{
      "the pre-shared key or a WEP key, only whether there is one is shown, ******** or none,\n"
      "unless --show-secrets asks for it.\n"
      "\n"
+     "In a value, \\xff is a byte that is no text, and \\x5c a backslash that would look like "
+     "one.\n"
+     "\n"
      "Examples:\n"
      "  velkctl get eth0.dns\n"
      "  velkctl get eth0.dns eth0.link-speed\n"
@@ -65,7 +69,9 @@ constexpr std::array<Verb, 9> kVerbs{{
      "The value is written as get shows it. Put -- before a value that begins with a dash. It is\n"
      "checked before, and read back afterwards: exit status 6 says that the library reported\n"
      "success but the device does not hold the value. 'velkctl describe NAME' says which values a\n"
-     "setting takes. '' clears a text, none everything else that can be empty.\n"
+     "setting takes. '' clears a text, none everything else that can be empty. In a text, \\xff "
+     "is\n"
+     "the byte of that number, and \\x5cxff the four characters.\n"
      "\n"
      "A key, as in eth1.psk, need not stand on the command line, where other users see it: - "
      "takes\n"
@@ -80,8 +86,9 @@ constexpr std::array<Verb, 9> kVerbs{{
      "  velkctl set eth1.psk @/run/keys/psk",
      1, kAnyNumber, kChangeOptions, kSetFlags, RunSet},
     {"show", "[eth0|eth1] [OPTION...]", "show all settings, or those of an interface",
-     "What cannot be read stands there with the reason. Colours are for terminals, and not when\n"
-     "NO_COLOR is set.\n"
+     "What cannot be read stands there with the reason. Colours are for terminals that can, and "
+     "not\n"
+     "when NO_COLOR is set.\n"
      "\n"
      "Examples:\n"
      "  velkctl show\n"
@@ -97,12 +104,13 @@ constexpr std::array<Verb, 9> kVerbs{{
      "  velkctl restart eth1 --notify-only",
      1, 1, kChangeOptions, kRestartFlags, RunRestart},
     {"list",
-     "[--json]",
-     "name all settings, what can be done with them and what they are",
-     "Example:\n"
-     "  velkctl list",
+     "[eth0|eth1] [--json]",
+     "name all settings, or those of an interface, and say what can be done with them",
+     "Examples:\n"
+     "  velkctl list\n"
+     "  velkctl list eth0",
      0,
-     0,
+     1,
      {},
      kJsonFlags,
      RunList},

@@ -130,6 +130,15 @@ TEST(UnknownSetting, PointsToTheListOtherwise) {
               "unknown setting '\\x1b'; 'velkctl list' names them all");
 }
 
+TEST(UnknownSetting, NeitherRepeatsNorGuessesAtWhatMayBeAKey) {
+    for (const char* word : {"secretpass", "eth0.dsn", "dns", "a=b"}) {
+        EXPECT_EQ(
+            UnknownSetting(kRows, word, /*may_be_key=*/true),
+            "unknown setting, not repeated here as it may be a key; 'velkctl list' names them "
+            "all");
+    }
+}
+
 TEST(UnknownSetting, NeverRepeatsWhatStandsBehindAnEqualsSign) {
     EXPECT_EQ(UnknownSetting(kRows, "eth1.key=hunter2"),
               "'eth1.key' is followed by '='; give the name alone, and a value as an argument of "
