@@ -126,10 +126,12 @@ output_is '@/tmp/keys/psk
 (nothing)'
 
 # ---- the other verbs --------------------------------------------------------------------------
-it 'offers the interfaces to show and restart'
-offered show '' -- restart eth1 -- show eth0 '' -- restart eth0 ''
+it 'offers the interfaces to show, list and restart'
+offered show '' -- list '' -- restart eth1 -- show eth0 '' -- list eth0 '' -- restart eth0 ''
 output_is 'eth0 eth1
+eth0 eth1
 eth1
+(nothing)
 (nothing)
 (nothing)'
 
