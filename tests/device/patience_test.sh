@@ -39,7 +39,7 @@ words='
         [ $passed -ge "${1}000" ] && [ $passed -le "${2}000" ] && echo "in time" || echo "$passed ms"
     }
     interrupted_by() { python3 -c "$INTERRUPT" "$@"; }
-    at_terminal() { python3 -c "$TERMINAL" "$@"; }
+    at_terminal() { TERM=linux python3 -c "$TERMINAL" "$@"; }
 '
 
 # Runs a command, sends it a signal after a time, and says how it ended.
