@@ -35,14 +35,12 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
     const Answer answer = device.Get(setting);
     if (answer.ok()) {
         const auto value = invocation.bare_value ? BareValue : ValueInWords;
-        report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "
-");
+        report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "\n");
         shown.push_back(ReadingInJson(
             setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
     } else {
         const std::string message = DescribeFailure(name + ": could not be read", setting, answer);
-        report.Text(invocation.bare_value ? "
-" : "");  // lines go by the order of the names
+        report.Text(invocation.bare_value ? "\n" : "");  // lines go by the order of the names
         report.Complain(Problem{message, name, answer.known_result()});
         shown.push_back(ReadingInJson(setting, nullptr, message));
     }
