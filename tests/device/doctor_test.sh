@@ -58,14 +58,14 @@ for finding in answer[\"findings\"]:
 status_is 0
 error_is ''
 output_is 'doctor 1 1 1
-severity subject effect what file line remedy problem /var/libvelk/libvelk None
-severity subject effect what file line remedy warning /var/tmp/root None'
+severity subject effect what file line remedy settings problem /var/libvelk/libvelk None
+severity subject effect what file line remedy settings warning /var/tmp/root None'
 
 it 'ends with 0 when there are only warnings, in JSON too'
 examine 'touch -d "3 hours ago" /var/tmp/get_result; velkctl doctor --json >/dev/null && echo done'
 status_is 0
 findings_are 'done
-warning: link-speed, and what is read from ifconfig, may not have been read: /var/tmp/get_result: a result was left behind, 3 hours old; the next one overwrites it
+warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a result was left behind, 3 hours old; the next one overwrites it
 0 problems, 1 warning'
 
 it 'tells of files that are missing, no files, or not to be written'
@@ -142,11 +142,11 @@ libvelk
 
 it 'tells of what is in the way of the output of tools'
 script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed --timeout 2; echo $?'
-findings_are 'problem: link-speed, and what is read from ifconfig, wait for ever when read: /var/tmp/get_result: a FIFO stands where tools write their output
+findings_are 'problem: link-speed and the address and netmask of a lease wait for ever when read: /var/tmp/get_result: a FIFO stands where tools write their output
 1 problem, 0 warnings
 7'
 script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed >/dev/null; cat /run/other | grep -c Speed'
-findings_are 'problem: link-speed, and what is read from ifconfig, overwrite another file when read: /var/tmp/get_result: a symbolic link stands where tools write their output
+findings_are 'problem: link-speed and the address and netmask of a lease overwrite another file when read: /var/tmp/get_result: a symbolic link stands where tools write their output
 1 problem, 0 warnings
 1'
 
@@ -163,12 +163,72 @@ output_is 'problem: ifup is not in a folder where sudo looks: no interface can b
   mend: ln -s /tmp/ifup /usr/local/sbin/ifup
 1 problem, 0 warnings'
 
-it 'tells of a wireless daemon that does not run, and does not ask for it without an adapter'
-examine 'velk-sandbox adapter out && velkctl doctor && velk-sandbox adapter in && rm /tmp/WlanAplToWlanSock'
+it 'tells of a wireless daemon that does not run'
+examine 'rm /tmp/WlanAplToWlanSock'
 status_is 1
-findings_are 'all is well
-problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing
+findings_are 'problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing
 1 problem, 0 warnings'
+
+it 'finds the cause of what is refused and of what cannot be read without an adapter'
+script 'velk-sandbox adapter out; velkctl get eth1.mac-address; echo $?; velkctl get eth1.ssid; echo $?; velkctl doctor'
+status_is 0
+error_is "velkctl: eth1.mac-address: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)
+velkctl: eth1.ssid: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+output_is '4
+1
+warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none that is supported; what eth1 tells of adapter and connection is refused
+  mend: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
+warning: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  mend: plug an adapter in, and start the wireless daemon unless that does
+0 problems, 2 warnings'
+script 'velk-sandbox adapter out; velkctl doctor --json |
+    jq -r ".findings[] | .settings | [length, index(\"eth1.mac-address\"), index(\"eth1.ssid\")] | @json"'
+output_is '[8,0,null]
+[12,null,1]'
+
+it 'tells of a daemon whose record is no configuration, and of one whose record cannot be read'
+examine 'wland --tell empty'
+status_is 0
+findings_are 'warning: the wireless daemon may not answer with its configuration: /tmp/WlanAplToWlanSock: its record has the channel 0, which is none
+0 problems, 1 warning'
+examine 'wland --tell garbage'
+status_is 1
+findings_are 'problem: the wireless daemon does not answer as it should: /tmp/WlanAplToWlanSock: file, socket, time-out or unreadable value
+1 problem, 0 warnings'
+
+it 'names the daemon as the cause when it answers otherwise than it was told'
+for way in empty garbage; do
+    script "wland --tell $way; velkctl set eth1.ssid foo"
+    status_is 6
+    has 'standard error' "; likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise; mend: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
+done
+
+it 'tells of a tab behind a word as a set then does'
+script 'sed -i "/iface eth0/,/iface eth1/s/address 192.*/address\t1.2.3.4/" /etc/network/interfaces
+    velkctl doctor | sed "s/interfaces:[0-9]*/interfaces:N/"; velkctl set eth0.address 10.0.0.7; echo $?
+    grep "address" /etc/network/interfaces | head -2'
+output_is "problem: eth0.address cannot be read, and a set adds a second address line: /etc/network/interfaces:N: no blank stands behind the word 'address'
+  mend: put one blank, no tab, between the word and the value
+1 problem, 0 warnings
+0
+	address	1.2.3.4
+	address 10.0.0.7"
+
+it 'tells of lines that end with CR LF, and mends them as it says'
+examine 'sed -i "s/$/\r/" /etc/network/interfaces /etc/dhclient-exit-hooks'
+status_is 1
+check 'findings' 'problem: method, address, netmask and gateway may be read and set wrongly: /etc/network/interfaces: N of its N lines end with CR LF
+problem: apipa, dhcp-notice and dhcp-ntp may be read and set wrongly: /etc/dhclient-exit-hooks: N of its N lines end with CR LF
+2 problems, 0 warnings' "$(grep -v '^  mend: ' <<<"$output" | sed 's/[0-9]* of its [0-9]* lines/N of its N lines/')"
+script 'sed -i "s/$/\r/" /etc/network/interfaces; velkctl doctor | sed -n "s/^  mend: //p" | sh && velkctl doctor'
+output_is 'all is well'
+
+it 'does not end well on files that are no text, or too large to look at'
+examine 'head -c 2000000 /dev/zero >/etc/network/interfaces; printf "\000\n" >>/var/cron/tabs/root'
+status_is 1
+findings_are 'problem: method, address, netmask and gateway cannot be examined: /etc/network/interfaces: the file is larger than 1 MiB
+problem: ntp, ntp-server and web-update may be read and set wrongly: /var/cron/tabs/root: NUL bytes stand in the file; it is no text
+2 problems, 0 warnings'
 
 it 'gives a daemon that is silent a few seconds'
 examine 'wland --tell silent'

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/examination.h"
 #include "velkctl/doctor/value_line_checks.h"
 #include "velkctl/terminal.h"
@@ -17,7 +18,12 @@ Findings CausesOf(const Setting& setting) {
     std::ranges::stable_sort(causes, {}, [](const Finding& finding) {
         return std::tuple(finding.severity, finding.line == 0);
     });
-    return causes.empty() ? ValueLineOf(setting) : causes;
+    if (causes.empty()) {
+        // Nothing is wrong with it: what is left is where the value is held.
+        Append(causes, ValueLineOf(setting));
+        Append(causes, DaemonBehind(setting));
+    }
+    return causes;
 }
 
 std::string CauseInWords(const Finding& cause) {

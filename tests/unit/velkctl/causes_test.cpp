@@ -9,6 +9,7 @@
 #include <sys/mount.h>
 
 #include "support/device_test.h"
+#include "support/fake_daemon.h"
 #include "support/mounted.h"
 #include "velkctl/doctor/examination.h"
 
@@ -212,6 +213,32 @@ TEST_F(CausesTest, TellWhetherASetIsKeptFromItsEffect) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(CausesOf(Find("eth1.gateway")).front().hinders, Hinders::kSetting);
     EXPECT_EQ(CausesOf(Find("eth1.address")).front().hinders, Hinders::kReading);
+}
+
+TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
+    EXPECT_EQ(FirstOf("eth1.ssid"),
+              "/tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; mend: "
+              "plug an adapter in, and start the wireless daemon unless that does");
+    testkit::FakeDaemon daemon;
+    EXPECT_EQ(FirstOf("eth1.ssid"),
+              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers "
+              "otherwise; mend: 'velkctl doctor' asks it; restart the wireless daemon");
+    EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
+    for (const Setting& setting : velkctl::SettingsOf(velkctl::Catalogue())) {
+        const Findings causes = CausesOf(setting);
+        EXPECT_EQ(!causes.empty() && causes.front().subject == "the wireless daemon",
+                  setting.row->interfaces == velkctl::kEth1 && setting.can_set())
+            << setting.name();
+    }
+}
+
+TEST_F(CausesTest, ATabIsNoCauseWhereASetAddsALine) {
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n" + std::string(kEth1));
+    EXPECT_EQ(FirstOf("eth0.gateway"), "");
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
+    EXPECT_EQ(FirstOf("eth0.gateway"),
+              "/etc/network/interfaces:2: no blank stands behind the word 'gateway'; mend: put one "
+              "blank, no tab, between the word and the value");
 }
 
 TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {

@@ -32,6 +32,10 @@ Findings CheckQueryRemains();  // reply socket and semaphore
 Findings CheckLock();
 // Asks the daemon, for a few seconds at most.
 Findings CheckDaemon(Report& report);
+// What there is to say, without asking it, when the daemon does not hold what it was sent. None for
+// settings that are not its own.
+Findings DaemonBehind(const Setting& setting);
+Findings CheckAdapter();
 
 // What keeps a restart of an interface from its effect, which the library does not notice: the
 // tools that bring it down and up.

@@ -69,7 +69,7 @@ Findings CheckCalls(const Script& script, const std::string& interface) {
 
 Findings CheckClientScript() {
     TextFile file = ReadTextFile(kClientScript);
-    if (file.state != FileState::kText) {
+    if (!HasPlainLines(file)) {
         return {};
     }
     const Script script{.path = kClientScript,

@@ -20,11 +20,18 @@ using Concerns = std::vector<Concern>;
 
 bool Includes(const Concerns& concerns, const Setting& setting);
 
+// The full names of the settings, in the order of the catalogue: "eth0.method".
+std::vector<std::string> SettingNames(const Concerns& concerns);
+
 // The settings with these ids, on the interface or, when it is empty, on whichever.
 Concerns ConcernsOf(std::span<const uint32_t> ids, const std::string& interface = "");
 
 // What is asked of the wireless daemon.
 Concerns WirelessSettings();
+// Of these, its configuration, which it tells and keeps with or without an adapter.
+Concerns WirelessConfiguration();
+// What is refused while no adapter is attached.
+Concerns AdapterFacts();
 
 // What stands in files that are changed through an edit copy.
 Concerns EditedSettings();

@@ -18,6 +18,7 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kClient = "ntpdate";
+constexpr char kSwitchAndServer[] = "ntp and ntp-server";
 constexpr char kProperEntry[] =
     "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log";
 constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
@@ -94,8 +95,8 @@ bool IsRemark(std::string_view line) {
 
 Finding Remark(const std::string& line, size_t index) {
     Finding finding = At(index, {{.id = VELK_CMD_NTP}, {.id = VELK_CMD_NTP_SERVER}});
-    finding.subject = "ntp";
-    finding.effect = "and ntp-server change a remark";
+    finding.subject = kSwitchAndServer;
+    finding.effect = "change a remark";
     finding.what = Excerpt(line) + " is taken for an entry";
     finding.remedy = "word it without 'ntpdate'";
     return finding;
@@ -176,7 +177,7 @@ bool IsOwnUpdate(std::string_view line) {
         }
         line.remove_prefix(end + 1);
     }
-    return line == std::string(kUpdateCommand).append("\n");
+    return WithoutLineEnd(line) == kUpdateCommand;
 }
 
 }  // namespace
@@ -195,8 +196,8 @@ Findings CheckTimeEntry() {
         }
     }
     if (!found) {
-        findings.push_back({.subject = "ntp",
-                            .effect = "and ntp-server cannot be set",
+        findings.push_back({.subject = kSwitchAndServer,
+                            .effect = "cannot be set",
                             .what = "no entry runs ntpdate",
                             .file = kCrontab,
                             .remedy = kProperEntry,

@@ -1,6 +1,6 @@
 // daemon_checks.cpp - whether the wireless daemon answers.
-#include <cerrno>
 #include <string>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -15,17 +15,23 @@ namespace velkctl {
 namespace {
 
 constexpr int kSeconds = 5;
-constexpr char kSubject[] = "the wireless daemon";
+constexpr int kFirstChannel = 1;
+constexpr int kLastChannel = 13;
 
-bool IsAdapterAttached() {
+// Opening a FIFO would wait. What is wrong with the lists is told as of other files.
+bool CanLookForAdapter() {
     const FileState list = ReadTextFile(kSupportList).state;
     const bool is_readable = list == FileState::kText || list == FileState::kMissing;
-    return is_readable && IsWlanAttached() != 0;  // opening a FIFO would wait
+    return is_readable && ReadTextFile(kUsbDevices).state == FileState::kText;
+}
+
+bool IsAdapterAttached() {
+    return CanLookForAdapter() && IsWlanAttached() != 0;
 }
 
 // What every finding has in common.
 Finding About(std::string effect) {
-    return {.subject = kSubject,
+    return {.subject = "the wireless daemon",
             .effect = std::move(effect),
             .file = kRequestSocket,
             .remedy = "restart the wireless daemon",
@@ -33,10 +39,27 @@ Finding About(std::string effect) {
             .hinders = Hinders::kSetting};
 }
 
-Findings NotRunning(bool has_socket) {
+bool Listens(const struct stat& socket) {
+    return S_ISSOCK(socket.st_mode) && IsBound(kRequestSocket);
+}
+
+// Without an adapter it may well be that nobody wants the daemon, and its configuration is all that
+// is missed.
+Findings FindAbsence() {
+    struct stat socket {};
+    const bool is_there = lstat(kRequestSocket, &socket) == 0;
+    if (is_there && Listens(socket)) {
+        return {};
+    }
     Finding finding = About("does not run");
-    finding.what = has_socket ? "nobody listens at its socket" : "its socket is missing";
+    finding.what = is_there ? "nobody listens at its socket" : "its socket is missing";
     finding.remedy = "start the wireless daemon";
+    if (!IsAdapterAttached()) {
+        finding.severity = Severity::kWarning;
+        finding.what.append(", and no adapter is attached");
+        finding.remedy = "plug an adapter in, and start the wireless daemon unless that does";
+        finding.concerns = WirelessConfiguration();
+    }
     return {finding};
 }
 
@@ -64,16 +87,49 @@ Findings JudgeAnswer(const Answer& answer) {
     return {};
 }
 
+// A record without a channel, as an empty answer makes one, is no configuration.
+Findings JudgeChannel(const Answer& answer) {
+    const auto channel = static_cast<unsigned char>(answer.data[0]);
+    if (!answer.ok() || (channel >= kFirstChannel && channel <= kLastChannel)) {
+        return JudgeAnswer(answer);
+    }
+    Finding finding = About("may not answer with its configuration");
+    finding.severity = Severity::kWarning;
+    finding.what = "its record has the channel " + std::to_string(channel) + ", which is none";
+    finding.remedy = "set eth1.channel, or restart the wireless daemon";
+    finding.hinders = Hinders::kNothing;
+    return {finding};
+}
+
+Findings AskDaemon(Report& report) {
+    const Device device(Patience{.timeout_seconds = kSeconds}, report);
+    const auto ask = [&](uint32_t id, const std::string& name) {
+        return device.Execute({VELK_GET, id, VELK_WIRELESS_INTERFACE}, {}, name);
+    };
+    Findings findings = JudgeAnswer(ask(VELK_CMD_SSID, "eth1.ssid"));
+    return findings.empty() ? JudgeChannel(ask(VELK_CMD_CHANNEL, "eth1.channel")) : findings;
+}
+
 }  // namespace
 
-Findings CheckDaemon(Report& report) {
-    if (!IsAdapterAttached()) {
+Findings CheckAdapter() {
+    if (!CanLookForAdapter() || IsAdapterAttached()) {
         return {};
     }
-    struct stat facts {};
-    const bool is_there = lstat(kRequestSocket, &facts) == 0;
-    if (!is_there || !S_ISSOCK(facts.st_mode) || !IsBound(kRequestSocket)) {
-        return NotRunning(is_there);
+    return {{.severity = Severity::kWarning,
+             .subject = "wireless adapter",
+             .effect = "is not attached",
+             .what = "the list has none that is supported; what eth1 tells of adapter and "
+                     "connection is refused",
+             .file = kUsbDevices,
+             .remedy = std::string("plug in one that ") + kSupportList + " names",
+             .concerns = AdapterFacts(),
+             .hinders = Hinders::kReading}};
+}
+
+Findings CheckDaemon(Report& report) {
+    if (Findings absence = FindAbsence(); !absence.empty()) {
+        return absence;
     }
     if (IsBound(kReplySocket)) {
         return Busy();
@@ -81,9 +137,20 @@ Findings CheckDaemon(Report& report) {
     if (CountOf(CheckQueryRemains(), Severity::kProblem) > 0) {
         return {};  // what is in the way is told already, and is to blame for any answer
     }
-    const Device device(Patience{.timeout_seconds = kSeconds}, report);
-    return JudgeAnswer(
-        device.Execute({VELK_GET, VELK_CMD_SSID, VELK_WIRELESS_INTERFACE}, {}, kSubject));
+    return AskDaemon(report);
+}
+
+Findings DaemonBehind(const Setting& setting) {
+    if (!Includes(WirelessConfiguration(), setting)) {
+        return {};
+    }
+    if (Findings absence = FindAbsence(); !absence.empty()) {
+        return absence;
+    }
+    Finding finding = About("keeps another configuration");
+    finding.what = "the wireless daemon was sent the value, and answers otherwise";
+    finding.remedy = "'velkctl doctor' asks it; restart the wireless daemon";
+    return {finding};
 }
 
 }  // namespace velkctl

@@ -80,7 +80,7 @@ Findings CheckBlockLines(const Lines& lines) {
 
 Findings CheckDhcpConfig() {
     const TextFile file = ReadTextFile(kDhcpConfigFile);
-    if (file.state != FileState::kText) {
+    if (!HasPlainLines(file)) {
         return {};
     }
     Findings findings = CheckBlockLines(file.lines);

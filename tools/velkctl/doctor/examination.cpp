@@ -39,6 +39,7 @@ std::vector<Check> Checks() {
         {CheckEditCopies, EditedSettings()},
         {CheckResultFile, {{VELK_CMD_LINK_SPEED}, {VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}}},
         {CheckQueryRemains, WirelessSettings()},
+        {CheckAdapter, AdapterFacts()},
     };
 }
 

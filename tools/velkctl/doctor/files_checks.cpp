@@ -99,12 +99,45 @@ Finding Unreadable(const DeviceFile& file, int error) {
 }
 
 Finding TooLarge(const DeviceFile& file) {
-    return {.severity = Severity::kWarning,
-            .subject = std::string(file.subject),
-            .effect = "take long",
-            .what = "more than 1 MiB, not examined",
-            .file = file.path,
-            .remedy = kPutFile};
+    Finding finding = About(file, LossOf(file));
+    finding.effect = "cannot be examined";
+    finding.what = "the file is larger than 1 MiB";
+    finding.hinders = Hinders::kNothing;
+    return finding;
+}
+
+Finding HasNulBytes(const DeviceFile& file) {
+    Finding finding = About(file, LossOf(file));
+    finding.effect = "may be read and set wrongly";
+    finding.what = "NUL bytes stand in the file; it is no text";
+    return finding;
+}
+
+// Where a carriage return at the end of a line becomes a part of a word or value. The others are
+// read word by word, or number by number.
+bool IsChangedByCarriageReturns(const DeviceFile& file) {
+    return file.change == Change::kByEdit;
+}
+
+Finding HasCarriageReturns(const DeviceFile& file, const Lines& lines) {
+    Finding finding = About(file, kEverything);
+    finding.effect = "may be read and set wrongly";
+    finding.what = std::to_string(CountCarriageReturns(lines)) + " of its " +
+                   std::to_string(lines.size()) + " lines end with CR LF";
+    finding.remedy = std::string("sed -i 's/[[:cntrl:]]$//' ") + file.path;
+    finding.hinders = Hinders::kReading;
+    return finding;
+}
+
+Findings CheckText(const DeviceFile& file, const TextFile& text) {
+    Findings findings;
+    if (text.bytes.find('\0') != std::string::npos) {
+        findings.push_back(HasNulBytes(file));
+    }
+    if (IsChangedByCarriageReturns(file) && CountCarriageReturns(text.lines) > 0) {
+        findings.push_back(HasCarriageReturns(file, text.lines));
+    }
+    return findings;
 }
 
 // What makes a file writable, after what faccessat(2) said about it.
@@ -133,11 +166,17 @@ Findings CheckWriting(const DeviceFile& file) {
     return {finding};
 }
 
+Findings CheckReadable(const DeviceFile& file, const TextFile& text) {
+    Findings findings = CheckWriting(file);
+    Append(findings, CheckText(file, text));
+    return findings;
+}
+
 Findings CheckFile(const DeviceFile& file) {
     const TextFile text = ReadTextFile(file.path);
     switch (text.state) {
         case FileState::kText:
-            return CheckWriting(file);
+            return CheckReadable(file, text);
         case FileState::kMissing:
             return {Missing(file)};
         case FileState::kNotRegular:

@@ -58,6 +58,7 @@ Json FindingInJson(const Finding& finding) {
     json["file"] = finding.file.empty() ? Json(nullptr) : Json(Printable(finding.file));
     json["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
     json["remedy"] = Printable(finding.remedy);
+    json["settings"] = SettingNames(finding.concerns);
     return json;
 }
 

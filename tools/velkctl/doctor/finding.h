@@ -48,7 +48,8 @@ std::string PlaceOf(const Finding& finding);
 std::string FindingsInWords(const Findings& findings);
 
 // {"severity": "problem", "subject": ..., "effect": ..., "what": ..., "file": ..., "line": ...,
-// "remedy": ...}; file and line are null where there is none.
+// "remedy": ..., "settings": ["eth0.method", ...]}; file and line are null where there is none, and
+// settings is empty when the finding concerns none in particular.
 Json FindingInJson(const Finding& finding);
 
 // "1 problem, 2 warnings", or "all is well".

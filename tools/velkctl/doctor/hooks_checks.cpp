@@ -95,7 +95,7 @@ Findings CheckSwitched(const Script& script, const Switched& switched) {
 
 Findings CheckExitHooks() {
     TextFile file = ReadTextFile(kExitHooks);
-    if (file.state != FileState::kText) {
+    if (!HasPlainLines(file)) {
         return {};
     }
     const Script script{.path = kExitHooks,

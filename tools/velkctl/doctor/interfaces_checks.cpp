@@ -20,7 +20,8 @@ constexpr std::array<uint32_t, 4> kInStanza{VELK_CMD_IP_METHOD, VELK_CMD_IP_ADDR
 
 // What every finding on a stanza as a whole has in common.
 Finding About(const std::string& interface) {
-    return {.subject = interface + ".method",
+    return {.subject = interface + ".method, " + interface + ".address, " + interface +
+                       ".netmask and " + interface + ".gateway",
             .file = kInterfacesFile,
             .concerns = ConcernsOf(kInStanza, interface),
             .hinders = Hinders::kSetting};
@@ -44,7 +45,7 @@ Findings CheckHeaders(const Lines& lines, const std::string& interface) {
             continue;
         }
         Finding finding = About(interface);
-        finding.effect = "and the addresses are not found in a stanza";
+        finding.effect = "are not found in a stanza";
         finding.what = "the library does not recognise the header " + Excerpt(lines[i]);
         finding.line = i + 1;
         finding.remedy = "write \"" + velk::StanzaHeader(interface) +
@@ -56,7 +57,7 @@ Findings CheckHeaders(const Lines& lines, const std::string& interface) {
 
 Finding NoStanza(const std::string& interface) {
     Finding finding = About(interface);
-    finding.effect = "and the addresses can be neither read nor set";
+    finding.effect = "can be neither read nor set";
     finding.what =
         "no line begins with '" + velk::StanzaHeader(interface) + "static' or '... dhcp'";
     finding.remedy = "add a stanza that begins with one";
@@ -70,7 +71,7 @@ Findings CheckMethod(const Lines& lines, const Stanza& stanza) {
         return {};
     }
     Finding finding = About(stanza.interface);
-    finding.effect = "and the addresses cannot be read";
+    finding.effect = "cannot be read";
     finding.what = Excerpt(method) + " is neither static nor dhcp";
     finding.line = stanza.header + 1;
     finding.remedy = "velkctl set " + stanza.interface + ".method static, or dhcp";
@@ -88,7 +89,7 @@ Findings CheckSecondStanza(const Lines& lines, const Stanza& stanza) {
     }
     Finding finding = About(stanza.interface);
     finding.severity = Severity::kWarning;
-    finding.effect = "and the addresses are not read from a second stanza";
+    finding.effect = "are not read from a second stanza";
     finding.what = "only the one on line " + std::to_string(stanza.header + 1) + " counts";
     finding.line = *second + 1;
     finding.remedy = "make one stanza of the two";

@@ -68,7 +68,7 @@ bool IsProtected(const struct stat& facts) {
 
 // The output of a tool that is there, or what is in its place. A shell writes into it.
 Finding JudgeResult(const struct stat& facts) {
-    Finding finding{.subject = "link-speed, and what is read from ifconfig,",
+    Finding finding{.subject = "link-speed and the address and netmask of a lease",
                     .effect = "cannot be read",
                     .file = kResultFile,
                     .remedy = RemovalOf(kResultFile, facts),

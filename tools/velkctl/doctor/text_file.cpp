@@ -1,6 +1,7 @@
 // text_file.cpp - a file of the device, read without trusting it.
 #include "velkctl/doctor/text_file.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -93,6 +94,21 @@ std::string_view Trimmed(std::string_view line) {
         return {};
     }
     return line.substr(begin, line.find_last_not_of(kSpace) - begin + 1);
+}
+
+std::string_view WithoutLineEnd(std::string_view line) {
+    line.remove_suffix(line.ends_with('\n') ? 1 : 0);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    return line;
+}
+
+size_t CountCarriageReturns(const Lines& lines) {
+    return static_cast<size_t>(std::ranges::count_if(
+        lines, [](const std::string& line) { return line.ends_with("\r\n"); }));
+}
+
+bool HasPlainLines(const TextFile& file) {
+    return file.state == FileState::kText && CountCarriageReturns(file.lines) == 0;
 }
 
 bool IsComment(std::string_view line) {

@@ -38,6 +38,16 @@ std::string Excerpt(std::string_view line);
 // A line without white space in front of it and behind it.
 std::string_view Trimmed(std::string_view line);
 
+// A line without the newline behind it, or the carriage return and newline.
+std::string_view WithoutLineEnd(std::string_view line);
+
+// How many lines end with a carriage return in front of the newline.
+size_t CountCarriageReturns(const Lines& lines);
+
+// A text that can be examined line by line. Behind a carriage return the library takes a word for
+// another one, and so would a check.
+bool HasPlainLines(const TextFile& file);
+
 // Says whether a "#" is the first thing on a line.
 bool IsComment(std::string_view line);
 

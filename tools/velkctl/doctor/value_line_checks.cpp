@@ -80,7 +80,7 @@ class ValueCheck {
         Findings findings;
         const std::string_view line = lines_[index];
         const std::string_view text = line.substr(line.find(value_.key) + value_.key.size());
-        if (text.substr(0, text.size() - 1) != Trimmed(text)) {
+        if (WithoutLineEnd(text) != Trimmed(text)) {
             findings.push_back(SpaceAround(index));
         }
         const std::optional<size_t> second =
@@ -137,18 +137,24 @@ class ValueCheck {
         const std::optional<size_t> unseen =
             FindLine(lines_, stanza_.header + 1, stanza_.end,
                      [this](std::string_view line) { return FirstWord(line) == value_.name; });
+        const bool is_last_stanza = stanza_.end == lines_.size();
         if (unseen) {
-            return {UnseenLine(*unseen)};
+            return {UnseenLine(*unseen, is_last_stanza)};
         }
-        if (stanza_.end == lines_.size()) {
+        if (is_last_stanza) {
             return {NoLineInLastStanza()};
         }
         return stray_ ? Findings{NoLineBeforeStray()} : Findings{};
     }
 
-    Finding UnseenLine(size_t index) const {
+    // A stanza that is not the last one gains a line of the library's own, beside this one.
+    Finding UnseenLine(size_t index, bool is_last_stanza) const {
         Finding finding = At(index);
         finding.effect = "can be neither read nor set";
+        if (!is_last_stanza) {
+            finding.effect = "cannot be read, and a set adds a second " + name_ + " line";
+            finding.hinders = Hinders::kNothing;
+        }
         finding.what = "no blank stands behind the word '" + name_ + "'";
         finding.remedy = "put one blank, no tab, between the word and the value";
         return finding;

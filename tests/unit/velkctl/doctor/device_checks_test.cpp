@@ -72,6 +72,34 @@ TEST_F(FilesCheck, TellsAFifoInTheFilesPlace) {
     EXPECT_EQ(FindingsInWords(velkctl::CheckDhcpConfig()), "");
 }
 
+TEST_F(FilesCheck, FindsWhatIsNoTextOrTooLarge) {
+    WriteFile("/etc/network/interfaces", std::string(2000000, '\0'));
+    WriteFile("/var/cron/tabs/root", std::string("a\0b\n", 4));
+    const std::string words = FindingsInWords(velkctl::CheckFiles());
+    EXPECT_TRUE(Holds(words,
+                      "problem: method, address, netmask and gateway cannot be examined: "
+                      "/etc/network/interfaces: the file is larger than 1 MiB\n"))
+        << words;
+    EXPECT_TRUE(Holds(words,
+                      "problem: ntp, ntp-server and web-update may be read and set wrongly: "
+                      "/var/cron/tabs/root: NUL bytes stand in the file; it is no text\n"))
+        << words;
+}
+
+TEST_F(FilesCheck, FindsLinesThatEndWithCarriageReturnsWhereTheyMatter) {
+    WriteFile("/sbin/dhclient-script", "if [ x$interface = xeth0 ]; then\r\nfi\r\n\n");
+    WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 10.0.0.1\r\n");
+    const std::string words = FindingsInWords(velkctl::CheckFiles());
+    EXPECT_TRUE(Holds(words,
+                      "problem: dhcp-dns may be read and set wrongly: /sbin/dhclient-script: 2 of "
+                      "its 3 lines end with CR LF\n"
+                      "  mend: sed -i 's/[[:cntrl:]]$//' /sbin/dhclient-script\n"))
+        << words;
+    EXPECT_FALSE(Holds(words, "/etc/resolv.dnsmasq.conf")) << words;
+    EXPECT_EQ(FindingsInWords(velkctl::CheckClientScript()), "")
+        << "its words are not what they seem";
+}
+
 TEST_F(FilesCheck, SaysNothingAboutFoldersThatAreThere) {
     EXPECT_EQ(FindingsInWords(velkctl::CheckFolders()), "");
 }
@@ -161,24 +189,26 @@ TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
     constexpr char kResult[] = "/var/tmp/get_result";
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
     EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()),
-              "problem: link-speed, and what is read from ifconfig, wait for ever when read: "
+              "problem: link-speed and the address and netmask of a lease wait for ever when read: "
               "/var/tmp/get_result: a FIFO stands where tools write their output\n"
               "  mend: rm /var/tmp/get_result\n");
     ASSERT_EQ(unlink(kResult), 0);
     ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()),
-              "problem: link-speed, and what is read from ifconfig, overwrite another file when "
-              "read: /var/tmp/get_result: a symbolic link stands where tools write their output\n"
-              "  mend: rm /var/tmp/get_result\n");
+    EXPECT_EQ(
+        FindingsInWords(velkctl::CheckResultFile()),
+        "problem: link-speed and the address and netmask of a lease overwrite another file when "
+        "read: /var/tmp/get_result: a symbolic link stands where tools write their output\n"
+        "  mend: rm /var/tmp/get_result\n");
 }
 
 TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
     WriteFile("/var/tmp/get_result", "x");
     WriteFile("/tmp/WlanAplFromWlanSock", "");
     WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
-    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckResultFile()),
-                      "warning: link-speed, and what is read from ifconfig, may not have been "
-                      "read: /var/tmp/get_result: a result was left behind, "));
+    EXPECT_TRUE(
+        Holds(FindingsInWords(velkctl::CheckResultFile()),
+              "warning: link-speed and the address and netmask of a lease may not have been "
+              "read: /var/tmp/get_result: a result was left behind, "));
     const std::string words = FindingsInWords(velkctl::CheckQueryRemains());
     EXPECT_TRUE(Holds(words,
                       "warning: wireless settings may not have been read: "
@@ -241,17 +271,48 @@ class DaemonCheck : public testkit::DeviceTest {
         velkctl::Report report(velkctl::Report::Form::kText);
         return FindingsInWords(velkctl::CheckDaemon(report));
     }
+    static SMsgConf WithChannel(uint16_t channel) {
+        SMsgConf conf{};
+        conf.channel = channel;
+        return conf;
+    }
     static void AttachAdapter() { WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n"); }
 };
 
-TEST_F(DaemonCheck, SaysNothingWithoutAnAdapter) {
-    EXPECT_EQ(Examine(), "");
+TEST_F(DaemonCheck, OnlyWarnsOfNoDaemonWithoutAnAdapter) {
+    WriteFile("/proc/bus/usb/devices", "S:  Product=Keyboard\n");
+    EXPECT_EQ(Examine(),
+              "warning: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is "
+              "missing, and no adapter is attached\n"
+              "  mend: plug an adapter in, and start the wireless daemon unless that does\n");
 }
 
 TEST_F(DaemonCheck, SaysNothingAboutADaemonThatAnswers) {
     AttachAdapter();
     testkit::FakeDaemon daemon;
+    daemon.SetConf(WithChannel(13));
     EXPECT_EQ(Examine(), "");
+}
+
+TEST_F(DaemonCheck, WarnsOfARecordWithoutAChannel) {
+    AttachAdapter();
+    testkit::FakeDaemon daemon;
+    daemon.SetConf(WithChannel(14));
+    EXPECT_EQ(Examine(),
+              "warning: the wireless daemon may not answer with its configuration: "
+              "/tmp/WlanAplToWlanSock: its record has the channel 14, which is none\n"
+              "  mend: set eth1.channel, or restart the wireless daemon\n");
+}
+
+TEST_F(DaemonCheck, WarnsOfAnAdapterThatIsNotAttached) {
+    EXPECT_EQ(FindingsInWords(velkctl::CheckAdapter()), "") << "the list itself is missing";
+    WriteFile("/proc/bus/usb/devices", "S:  Product=Keyboard\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckAdapter()),
+              "warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none "
+              "that is supported; what eth1 tells of adapter and connection is refused\n"
+              "  mend: plug in one that /usr/local/share/apps/wlan/supportlist.ini names\n");
+    AttachAdapter();
+    EXPECT_EQ(FindingsInWords(velkctl::CheckAdapter()), "");
 }
 
 TEST_F(DaemonCheck, FindsNoDaemon) {

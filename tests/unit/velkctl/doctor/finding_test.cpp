@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "velk.h"
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -11,12 +12,14 @@ using velkctl::Finding;
 using velkctl::Findings;
 using velkctl::Severity;
 
-const Finding kProblem{.subject = "eth1.gateway",
-                       .effect = "cannot be set",
-                       .what = "no \x1b line",
-                       .file = "/etc/network/interfaces",
-                       .line = 12,
-                       .remedy = "add one"};
+const Finding kProblem{
+    .subject = "eth1.gateway",
+    .effect = "cannot be set",
+    .what = "no \x1b line",
+    .file = "/etc/network/interfaces",
+    .line = 12,
+    .remedy = "add one",
+    .concerns = {{.id = VELK_CMD_GATEWAY, .interface = "eth1"}, {.id = VELK_CMD_IP_METHOD}}};
 const Finding kWarning{.severity = Severity::kWarning,
                        .subject = "grep",
                        .effect = "is not installed",
@@ -35,10 +38,11 @@ TEST(Finding, HasTheSameKeysInEveryObject) {
     EXPECT_EQ(velkctl::FindingInJson(kProblem).dump(),
               R"({"severity":"problem","subject":"eth1.gateway","effect":"cannot be set",)"
               R"("what":"no \\x1b line","file":"/etc/network/interfaces","line":12,)"
-              R"("remedy":"add one"})");
+              R"("remedy":"add one",)"
+              R"("settings":["eth0.method","eth1.method","eth1.gateway"]})");
     EXPECT_EQ(velkctl::FindingInJson(kWarning).dump(),
               R"({"severity":"warning","subject":"grep","effect":"is not installed",)"
-              R"("what":"no log","file":null,"line":null,"remedy":"install it"})");
+              R"("what":"no log","file":null,"line":null,"remedy":"install it","settings":[]})");
 }
 
 TEST(Finding, HasAPlaceAsCompilersWriteIt) {

@@ -34,7 +34,8 @@ TEST_F(InterfacesCheck, SaysNothingAboutAFileThatIsNotThere) {
 
 TEST_F(InterfacesCheck, FindsNoStanza) {
     EXPECT_EQ(Examine(kEth1),
-              "problem: eth0.method and the addresses can be neither read nor set: "
+              "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway can be neither "
+              "read nor set: "
               "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
               "dhcp'\n"
               "  mend: add a stanza that begins with one\n");
@@ -49,7 +50,8 @@ TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
         const std::string shown = header.front() == ' ' ? header.substr(1) : header;
         const std::string tab = "iface eth0\\x09inet dhcp";
         EXPECT_EQ(Examine(header + "\n" + kEth1),
-                  "problem: eth0.method and the addresses are not found in a stanza: "
+                  "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not found "
+                  "in a stanza: "
                   "/etc/network/interfaces:1: the library does not recognise the header '" +
                       (header.find('\t') == std::string::npos ? shown : tab) + "'\n" + mend);
     }
@@ -57,7 +59,8 @@ TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
 
 TEST_F(InterfacesCheck, FindsAnotherMethod) {
     EXPECT_EQ(Examine("iface eth0 inet manual\n" + std::string(kEth1)),
-              "problem: eth0.method and the addresses cannot be read: /etc/network/interfaces:1: "
+              "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway cannot be read: "
+              "/etc/network/interfaces:1: "
               "'manual' is neither static nor dhcp\n"
               "  mend: velkctl set eth0.method static, or dhcp\n");
 }
@@ -74,7 +77,8 @@ TEST_F(InterfacesCheck, FindsTheLinesThatALastStanzaCannotGain) {
 
 TEST_F(InterfacesCheck, FindsASecondStanza) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth0 inet static\n" + std::string(kEth1)),
-              "warning: eth0.method and the addresses are not read from a second stanza: "
+              "warning: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not read from "
+              "a second stanza: "
               "/etc/network/interfaces:2: only the one on line 1 counts\n"
               "  mend: make one stanza of the two\n");
 }
@@ -95,7 +99,12 @@ TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
 
 TEST_F(InterfacesCheck, FindsATabBehindAWord) {
     EXPECT_EQ(Examine("iface eth0 inet static\naddress\t10.0.0.1\n" + std::string(kEth1)),
-              "problem: eth0.address can be neither read nor set: /etc/network/interfaces:2: no "
+              "problem: eth0.address cannot be read, and a set adds a second address line: "
+              "/etc/network/interfaces:2: no blank stands behind the word 'address'\n"
+              "  mend: put one blank, no tab, between the word and the value\n");
+    EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\taddress\t10.0.0.1\n"
+                      "\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n"),
+              "problem: eth1.address can be neither read nor set: /etc/network/interfaces:3: no "
               "blank stands behind the word 'address'\n"
               "  mend: put one blank, no tab, between the word and the value\n");
 }
@@ -105,6 +114,10 @@ TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
               "warning: eth0.address is read with white space around it: "
               "/etc/network/interfaces:2: more than one blank stands around the value\n"
               "  mend: leave one blank before the value and none behind it\n");
+}
+
+TEST_F(InterfacesCheck, TakesACarriageReturnForNoBlank) {
+    EXPECT_EQ(Examine("iface eth0 inet static\r\n\taddress 10.0.0.1\r\n" + std::string(kEth1)), "");
 }
 
 TEST_F(InterfacesCheck, FindsAGatewayThatOutlivesTheFirst) {
