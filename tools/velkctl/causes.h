@@ -13,7 +13,8 @@ namespace velkctl {
 
 // Looks for what keeps a value that the library has just reported as set from being held, or from
 // being read back. The likeliest comes first: a problem before a warning, a line of a file before
-// all else. None when everything about the setting looks right.
+// all else. When everything about the setting looks right, what is left is where it is held: a line
+// of an address, or the wireless daemon, which is not asked.
 Findings CausesOf(const Setting& setting);
 
 // "/etc/network/interfaces:12: the stanza is the last one and has no gateway line; mend: add ..."
