@@ -76,7 +76,7 @@ HardwareOptions HardwareOf(const Session& session) {
 }
 
 int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd door) {
-    const StandIns stand_ins = ChooseStandIns(session.stand_in_folder);
+    const StandIns stand_ins = ChooseStandIns(session.stand_in_folder, session.real);
     session.device.files = stand_ins.files;
     if (session.real) {
         AddRealFiles(session.real_rootfs, session.device);

@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kProgramMode = 0755;
+constexpr char kAgentScript[] = "/etc/init.d/snmpd";
 constexpr char kToolFolder[] = "/usr/sbin";  // where scripts and sudo(8) expect the network tools
 
 // True when this user namespace knows no user but one, to whom files of all others are nobody's.
@@ -32,14 +33,17 @@ bool EthtoolWorks() {
     return PortsKeepSpeed() && access((fs::path(kToolFolder) / "ethtool").c_str(), X_OK) == 0;
 }
 
-void Add(const fs::path& script, StandIns& stand_ins) {
-    const std::string name = script.filename();
+void AddAs(const fs::path& path, const fs::path& script, StandIns& stand_ins) {
     SampleFile file;
-    file.path = fs::path(kStandInFolder) / name;
+    file.path = path;
     file.mode = kProgramMode;
     file.text = ReadText(script);
-    stand_ins.names.push_back(name);
+    stand_ins.names.push_back(script.filename());
     stand_ins.files.push_back(file);
+}
+
+void Add(const fs::path& script, StandIns& stand_ins) {
+    AddAs(fs::path(kStandInFolder) / script.filename(), script, stand_ins);
 }
 
 void AddTool(const fs::path& script, StandIns& stand_ins) {
@@ -53,7 +57,7 @@ void AddTool(const fs::path& script, StandIns& stand_ins) {
 
 }  // namespace
 
-StandIns ChooseStandIns(const std::string& folder) {
+StandIns ChooseStandIns(const std::string& folder, bool has_agent) {
     const fs::path scripts = folder;
     StandIns stand_ins;
     if (!SudoWorks()) {
@@ -65,6 +69,9 @@ StandIns ChooseStandIns(const std::string& folder) {
     if (!FindProgram("busybox").empty()) {
         AddTool(scripts / "ifconfig", stand_ins);
         AddTool(scripts / "route", stand_ins);
+    }
+    if (!has_agent) {
+        AddAs(kAgentScript, scripts / "snmpd", stand_ins);
     }
     return stand_ins;
 }

@@ -17,9 +17,9 @@ struct StandIns {
     std::vector<SampleFile> files;
 };
 
-// Those that this user needs on this machine, read from `folder`. Call it before anything is
-// mounted. Throws Failure.
-StandIns ChooseStandIns(const std::string& folder);
+// Those that this user needs on this machine, read from `folder`; one is for the SNMP agent, unless
+// the device has that. Call it before anything is mounted. Throws Failure.
+StandIns ChooseStandIns(const std::string& folder, bool has_agent);
 
 }  // namespace sandbox
 

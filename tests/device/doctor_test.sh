@@ -173,7 +173,7 @@ it 'finds the cause of what is refused and of what cannot be read without an ada
 script 'velk-sandbox adapter out; velkctl get eth1.mac-address; echo $?; velkctl get eth1.ssid; echo $?; velkctl doctor'
 status_is 0
 error_is "velkctl: eth1.mac-address: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)
-velkctl: eth1.ssid: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+velkctl: eth1.ssid: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; mend: plug an adapter in, and start the wireless daemon unless that does"
 output_is '4
 1
 warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none that is supported; what eth1 tells of adapter and connection is refused

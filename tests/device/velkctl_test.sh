@@ -609,11 +609,11 @@ it 'fails without a wireless daemon'
 for name in $configuration eth1.rate; do
     with_ports "$no_link" "$adapter" velkctl get "$name"
     status_is 1
-    error_is "velkctl: $name: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
 done
 with_ports "$no_link" "$adapter" velkctl set eth1.channel 6
 status_is 1
-error_is "velkctl: eth1.channel: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
 
 it 'refuses values that a wireless setting does not have'
 refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
@@ -673,7 +673,7 @@ done
 it 'reads a key from standard input'
 with_ports "$no_link" "$adapter" sh -c 'echo hunter22 | velkctl set eth1.psk -'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
 error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
@@ -692,7 +692,7 @@ it 'reads a key from a file'
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter22 >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2

@@ -11,13 +11,23 @@
 
 namespace velkctl {
 
-Findings CausesOf(const Setting& setting) {
-    Findings causes = ExamineFor(setting);
-    std::erase_if(causes,
+namespace {
+
+// What is wrong and keeps the setting from being read or set, the likeliest first.
+Findings HindrancesOf(const Setting& setting) {
+    Findings found = ExamineFor(setting);
+    std::erase_if(found,
                   [](const Finding& finding) { return finding.hinders == Hinders::kNothing; });
-    std::ranges::stable_sort(causes, {}, [](const Finding& finding) {
+    std::ranges::stable_sort(found, {}, [](const Finding& finding) {
         return std::tuple(finding.severity, finding.line == 0);
     });
+    return found;
+}
+
+}  // namespace
+
+Findings CausesOf(const Setting& setting) {
+    Findings causes = HindrancesOf(setting);
     if (causes.empty()) {
         // Nothing is wrong with it: what is left is where the value is held.
         Append(causes, ValueLineOf(setting));
@@ -35,7 +45,7 @@ std::string CauseInWords(const Finding& cause) {
 
 std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer) {
     const Findings causes =
-        answer.known_result() == LIB_VELK_FAILURE ? CausesOf(setting) : Findings();
+        answer.known_result() == LIB_VELK_FAILURE ? HindrancesOf(setting) : Findings();
     if (causes.empty()) {
         return DescribeFailure(what, answer);
     }
