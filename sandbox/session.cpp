@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <exception>
+#include <filesystem>
 #include <utility>
 
 #include <sys/wait.h>
@@ -76,7 +77,9 @@ HardwareOptions HardwareOf(const Session& session) {
 }
 
 int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd door) {
-    const StandIns stand_ins = ChooseStandIns(session.stand_in_folder, session.real);
+    const bool has_agent =
+        session.real || std::filesystem::exists(session.device.rootfs + kAgentScript);
+    const StandIns stand_ins = ChooseStandIns(session.stand_in_folder, has_agent);
     session.device.files = stand_ins.files;
     if (session.real) {
         AddRealFiles(session.real_rootfs, session.device);

@@ -15,7 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kProgramMode = 0755;
-constexpr char kAgentScript[] = "/etc/init.d/snmpd";
 constexpr char kToolFolder[] = "/usr/sbin";  // where scripts and sudo(8) expect the network tools
 
 // True when this user namespace knows no user but one, to whom files of all others are nobody's.

@@ -16,6 +16,7 @@ namespace {
 // What is wrong and keeps the setting from being read or set, the likeliest first.
 Findings HindrancesOf(const Setting& setting) {
     Findings found = ExamineFor(setting);
+    Append(found, CheckDaemonRuns(setting));
     std::erase_if(found,
                   [](const Finding& finding) { return finding.hinders == Hinders::kNothing; });
     std::ranges::stable_sort(found, {}, [](const Finding& finding) {

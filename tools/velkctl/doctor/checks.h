@@ -35,6 +35,8 @@ Findings CheckDaemon(Report& report);
 // What there is to say, without asking it, when the daemon does not hold what it was sent. None for
 // settings that are not its own.
 Findings DaemonBehind(const Setting& setting);
+// Whether the daemon runs that the setting is asked of. It is not asked.
+Findings CheckDaemonRuns(const Setting& setting);
 Findings CheckAdapter();
 
 // What keeps a restart of an interface from its effect, which the library does not notice: the

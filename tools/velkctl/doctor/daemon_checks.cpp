@@ -140,12 +140,13 @@ Findings CheckDaemon(Report& report) {
     return AskDaemon(report);
 }
 
+Findings CheckDaemonRuns(const Setting& setting) {
+    return Includes(WirelessSettings(), setting) ? FindAbsence() : Findings();
+}
+
 Findings DaemonBehind(const Setting& setting) {
     if (!Includes(WirelessConfiguration(), setting)) {
         return {};
-    }
-    if (Findings absence = FindAbsence(); !absence.empty()) {
-        return absence;
     }
     Finding finding = About("keeps another configuration");
     finding.what = "the wireless daemon was sent the value, and answers otherwise";
