@@ -35,16 +35,19 @@ struct WatchedFolder {
     std::vector<std::string> names;  // none: all of them
 };
 
-const WatchedFolder kFolders[] = {
-    {"/etc", {"dhclient-exit-hooks", "dhclient.conf", "resolv.dnsmasq.conf"}},
-    {"/etc/network", {"interfaces"}},
-    {"/proc/bus/usb", {"devices"}},
-    {"/sbin", {"dhclient-script"}},
-    {"/usr/local/share/apps/wlan", {"supportlist.ini"}},
-    {"/usr/local/share/etc/snmp", {"snmpd.conf"}},
-    {"/var/cron/tabs", {"root"}},
-    {"/var/libvelk", {}},
-};
+std::vector<WatchedFolder> WatchedFolders() {
+    return {
+        {"/etc", {"dhclient-exit-hooks", "dhclient.conf", "resolv.dnsmasq.conf"}},
+        {"/etc/network", {"interfaces"}},
+        {"/proc/bus/usb", {"devices"}},
+        {"/sbin", {"dhclient-script"}},
+        {"/usr/local/share/apps/wlan", {"supportlist.ini"}},
+        {"/usr/local/share/etc/snmp", {"snmpd.conf"}},
+        {"/var/cron/tabs", {"root"}},
+        {"/var/libvelk", {}},
+    };
+}
+
 constexpr uint32_t kChanges = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR;
 constexpr size_t kEventsSize = 16 * (sizeof(inotify_event) + NAME_MAX + 1);
 constexpr int kFilesDiffer = 1;  // diff's exit status
@@ -104,7 +107,7 @@ bool IsWatched(const WatchedFolder& folder, const std::string& name) {
 }
 
 Watch::Watch() : events_(inotify_init1(IN_CLOEXEC)) {
-    for (const WatchedFolder& folder : kFolders) {
+    for (const WatchedFolder& folder : WatchedFolders()) {
         Follow(folder);
     }
 }

@@ -353,8 +353,8 @@ refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h),
 
 it 'knows a setting and an interface where they do not belong'
 refused "'eth0.dns' is a setting; give a verb in front of it, such as get or describe" eth0.dns
-refused "unknown verb 'eth0.addres'; did you mean the setting eth0.address? Give a verb in front of it, such as get or describe" \
-    eth0.addres
+refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb in front of it, such as get or describe" \
+    eth0.addresx
 refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
 refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
 

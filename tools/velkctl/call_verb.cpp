@@ -40,10 +40,8 @@ std::optional<velk_command_type> ParseType(std::string_view word) {
 }
 
 std::string UnknownType(const Invocation& invocation) {
-    std::vector<std::string> words;
-    for (const TypeWord& row : kTypeWords) {
-        words.emplace_back(row.word);
-    }
+    std::vector<std::string> words(kTypeWords.size());
+    std::ranges::transform(kTypeWords, words.begin(), [](const TypeWord& row) { return row.word; });
     const std::string& word = invocation.words[0];
     return invocation.Shown(word) + " is not a command type" +
            DidYouMean(word, words, "give " + OneOf(words));

@@ -24,7 +24,8 @@ Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
 
 std::string BareValue(const Setting& setting, const Data& data, bool show_secrets) {
     const Json value = ValueInJson(setting, data, show_secrets);
-    return value.empty() || value == "" ? "" : ValueInWords(setting, data, show_secrets);
+    const bool is_empty = value.empty() || (value.is_string() && value.get<std::string>().empty());
+    return is_empty ? "" : ValueInWords(setting, data, show_secrets);
 }
 
 std::string UnreadableInWords(const Setting& setting, const Answer& answer) {

@@ -18,6 +18,22 @@ namespace {
 
 constexpr mode_t kShared = S_ISVTX | S_IWOTH;
 
+// What the size of an edit copy says about how far the edit came.
+std::string SizeBeside(const DeviceFile& edited, const struct stat& copy) {
+    if (copy.st_size == 0) {
+        return ", empty";
+    }
+    struct stat target {};
+    const bool is_shorter = stat(edited.path, &target) == 0 && copy.st_size < target.st_size;
+    return is_shorter ? ", shorter than the file" : "";
+}
+
+// What the library would have done next.
+std::string FinishingOf(const DeviceFile& edited, const std::string& path) {
+    const std::string target = edited.path;
+    return "diff " + target + " " + path + "; cat " + path + " > " + target + " && rm " + path;
+}
+
 // An edit copy that is there, or what is in its place. A set removes it first.
 Finding JudgeCopy(const DeviceFile& edited, const std::string& path, const struct stat& facts) {
     Finding finding{.subject = std::string(edited.subject),
@@ -43,14 +59,12 @@ Finding JudgeCopy(const DeviceFile& edited, const std::string& path, const struc
             KindOf(facts.st_mode) + " stands where the edit copy is made; the next set replaces it";
         return finding;
     }
-    struct stat target {};
-    const bool is_shorter = stat(edited.path, &target) == 0 && facts.st_size < target.st_size;
-    const std::string size = facts.st_size == 0 ? ", empty"
-                             : is_shorter       ? ", shorter than the file"
-                                                : "";
     finding.effect = "may not have been set";
-    finding.what = "an edit copy was left behind, " + AgeOf(facts) + " old" + size +
-                   "; the next set replaces it";
+    finding.what = "an edit copy was left behind, " + AgeOf(facts) + " old" +
+                   SizeBeside(edited, facts) + "; the next set replaces it";
+    if (facts.st_size > 0) {
+        finding.remedy += ", or finish the edit, if it is whole: " + FinishingOf(edited, path);
+    }
     return finding;
 }
 

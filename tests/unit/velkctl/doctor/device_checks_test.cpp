@@ -161,7 +161,9 @@ TEST_F(LeftoversCheck, TellsHowOldAnEditCopyIsAndThatItIsIncomplete) {
               "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
               "edit copy was left behind, 2 days old, shorter than the file; the next set "
               "replaces it\n"
-              "  mend: rm /var/tmp/root\n");
+              "  mend: rm /var/tmp/root, or finish the edit, if it is whole: diff "
+              "/var/cron/tabs/root /var/tmp/root; cat /var/tmp/root > /var/cron/tabs/root && rm "
+              "/var/tmp/root\n");
 }
 
 TEST_F(LeftoversCheck, FindsWhatASetReplaces) {
