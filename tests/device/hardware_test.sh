@@ -283,6 +283,8 @@ run velk-sandbox -- sh -c 'ls /run/velk-sandbox/bin; for tool in $(ls /run/velk-
     command -v $tool; [ $tool = sudo ] || readlink /usr/sbin/$tool; done'
 named=$(echo "$error" | sed -nE 's/ and /, /; s/^velk-sandbox: stand-ins take the place of (.*)\.$/\1/p' |
     sed 's/, /\n/g' | sort)
+has 'stand-ins' snmpd "$named" # which is no tool on the search path
+named=$(echo "$named" | grep -v snmpd)
 expected=$named
 for tool in $named; do
     expected=$expected$'\n'/run/velk-sandbox/bin/$tool

@@ -291,6 +291,19 @@ void* operator new[](size_t size) {
     return testkit::Allocate(size);
 }
 
+// A sanitizer has these beside its own of the others, of which the blocks would not be.
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return testkit::Allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    testkit::Free(memory);
+}
+
 void operator delete(void* memory) noexcept {
     testkit::Free(memory);
 }
