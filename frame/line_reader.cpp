@@ -62,7 +62,7 @@ bool LineReader::TakeLine(size_t searched, std::string_view& line) {
 
 std::string_view LineReader::TakeHeldUpTo(std::string_view start) {
     const std::string_view held(block_.get() + begin_, end_ - begin_);
-    if (held.starts_with(start)) {
+    if (held.empty() || held.starts_with(start)) {
         return {};
     }
     const std::string behind_newline = std::string("\n").append(start);
