@@ -98,7 +98,7 @@ class Watch {
     void LookAt(const inotify_event& event);
 
     velk::UniqueFd events_;
-    std::map<int, const WatchedFolder*> folders_;  // by the kernel's number
+    std::map<int, WatchedFolder> folders_;  // by the kernel's number
     std::map<fs::path, std::string> texts_;
 };
 
@@ -117,7 +117,7 @@ void Watch::Follow(const WatchedFolder& folder) {
     if (number == -1) {
         Fail(std::string("cannot watch ") + folder.path, errno);
     }
-    folders_[number] = &folder;
+    folders_[number] = folder;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder.path)) {
         if (entry.is_regular_file() && IsWatched(folder, entry.path().filename())) {
             texts_[entry.path()] = TextOf(entry.path());
@@ -140,10 +140,10 @@ void Watch::Next() {
 
 void Watch::LookAt(const inotify_event& event) {
     const auto folder = folders_.find(event.wd);
-    if (event.len == 0 || folder == folders_.end() || !IsWatched(*folder->second, event.name)) {
+    if (event.len == 0 || folder == folders_.end() || !IsWatched(folder->second, event.name)) {
         return;
     }
-    const fs::path path = fs::path(folder->second->path) / event.name;
+    const fs::path path = fs::path(folder->second.path) / event.name;
     std::string after = TextOf(path);
     std::string& before = texts_[path];
     if (before != after) {
