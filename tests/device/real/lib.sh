@@ -5,9 +5,10 @@
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
 
 if [ -z "${VELK_ON_REAL_DEVICE:-}" ]; then
+    lib_scenario=$(realpath "$0")
     cd "$VELK_SOURCE" || exit # which stays visible, wherever it lies
     lib_reason=$(velk-sandbox --quiet --real -- true 2>&1) || skip "no real device here: $lib_reason"
-    VELK_ON_REAL_DEVICE=1 velk-sandbox --quiet --real -- bash "$0"
+    VELK_ON_REAL_DEVICE=1 velk-sandbox --quiet --real -- bash "$lib_scenario"
     exit
 fi
 cd /tmp || exit

@@ -110,6 +110,12 @@ run crontab -n /var/cron/tabs/root
 status_is 0
 
 it 'leaves a resolver file that the forwarder takes'
+# Whatever the last restart made of eth0, the router is to be reached; and the forwarder, which looks
+# at the second of a change, is to see this one.
+velk-sandbox cable in
+ip link set eth0 up
+ip addr replace 192.168.0.10/24 dev eth0
+sleep 1
 velkctl set eth0.dns 192.168.0.1
 soon 5 getent ahostsv4 router.example
 run grep -vE '^nameserver [0-9.]+$' /etc/resolv.dnsmasq.conf
