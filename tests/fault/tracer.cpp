@@ -128,16 +128,18 @@ class Follower {
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
             run_.calls_that_change.push_back(CanChangeTheDevice(info));
             if (run_.calls_that_change.size() == cut_at_) {
-                Cut(pid);
+                Cut();
                 return;
             }
         }
         Continue(pid, 0);
     }
 
-    void Cut(pid_t pid) {
+    void Cut() {
         run_.was_cut = true;
-        run_.program = testkit::ReadFile("/proc/" + std::to_string(pid) + "/comm");
+        for (const pid_t process : processes_) {
+            run_.programs.insert(testkit::ReadFile("/proc/" + std::to_string(process) + "/comm"));
+        }
         for (const pid_t process : processes_) {
             kill(process, SIGKILL);
         }

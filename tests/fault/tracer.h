@@ -3,6 +3,7 @@
 #define TESTS_FAULT_TRACER_H_
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,8 @@ struct TracedRun {
     // makes it: after a cut, the device looks the same before and behind such a call.
     std::vector<bool> calls_that_change;
     bool was_cut = false;
-    std::string program;  // that was about to make the call at which the run was cut
+    // That were running when it was cut; which of two made the next call is a matter of chance.
+    std::set<std::string> programs;
 };
 
 // Runs `work` in a child process with the child's own descriptors and memory. With `cut_at`, the
