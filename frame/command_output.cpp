@@ -2,7 +2,8 @@
 #include "frame/command_output.h"
 
 #include <cerrno>
-#include <ctime>
+#include <chrono>
+#include <thread>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -18,7 +19,7 @@ constexpr mode_t kResultLockMode = 0666;  // readers of every user take the lock
 
 // flock(2) has no time-out, so a held lock is tried again: 300 times 10 ms are 3 seconds.
 constexpr int kLockTries = 300;
-constexpr timespec kLockPause{0, 10 * 1000 * 1000};
+constexpr std::chrono::milliseconds kLockPause{10};
 
 // Without following links and without O_CREAT first, for the reasons given at the set/restart lock.
 UniqueFd OpenLockFile() {
@@ -44,7 +45,7 @@ ResultFileLock::ResultFileLock() : fd_(OpenLockFile()) {
         if (flock(fd_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
             return;
         }
-        (void)nanosleep(&kLockPause, nullptr);
+        std::this_thread::sleep_for(kLockPause);  // whole, also when signals arrive
     }
 }
 

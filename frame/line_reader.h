@@ -10,13 +10,12 @@
 
 namespace velk {
 
-// Hands out the lines of a file as views into one block, so that a reader costs one heap request
-// and a file of any size costs the same little memory. Only a line longer than the block makes it
-// grow beyond that.
+// Hands out the lines of a file as views into one block, so that a reader of a small file costs one
+// heap request, of any other two, and a file of any size the same little memory. Only a line longer
+// than the block makes it grow beyond that.
 //
 // A line is what stands before a "\n"; a last line without one is a line too. Everything else,
-// "\r" and NUL included, belongs to the line. A read error after the first block ends the file; who
-// must not take a part for the whole asks read_error().
+// "\r" and NUL included, belongs to the line. A read error after the first block ends the file.
 class LineReader {
   public:
     // Opens the file close-on-exec and reads its first block. A file that opens but cannot be read
@@ -26,9 +25,6 @@ class LineReader {
     bool is_open() const { return error_ == 0; }
     // The errno of the failed open or first read; 0 when the file is open.
     int error() const { return error_; }
-
-    // The errno of the read that ended the file before its end; 0 when the end was reached.
-    int read_error() const { return read_error_; }
 
     // True when the open file has no bytes at all.
     bool is_empty() const { return is_empty_; }
@@ -57,7 +53,6 @@ class LineReader {
 
     UniqueFd fd_;
     int error_ = 0;
-    int read_error_ = 0;
     bool is_empty_ = false;
     bool at_end_ = false;
     std::unique_ptr<char[]> block_;

@@ -2,7 +2,6 @@
 #include "frame/shell.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -28,29 +27,14 @@ int CommandLine::Run() const {
     return SystemCommand(text_);
 }
 
-namespace {
-
-// In a host program that ignores SIGCHLD nobody keeps the exit status of a shell that has run:
-// system(3) waits for its end as ever and then fails with ECHILD.
-bool IsStatusAloneLost(int error) {
-    struct sigaction action {};
-    return error == ECHILD && sigaction(SIGCHLD, nullptr, &action) == 0 &&
-           (action.sa_handler == SIG_IGN || (action.sa_flags & SA_NOCLDWAIT) != 0);
-}
-
-}  // namespace
 }  // namespace velk
 
 int SystemCommand(const char* command) {
-    if (system(command) != -1) {
-        return LIB_VELK_SUCCESS;
+    if (system(command) == -1) {
+        velk::LogErrno("system errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
     }
-    const int error = errno;
-    if (velk::IsStatusAloneLost(error)) {
-        return LIB_VELK_SUCCESS;
-    }
-    velk::LogErrno("system errno=%d:%s", error);
-    return LIB_VELK_FAILURE;
+    return LIB_VELK_SUCCESS;
 }
 
 int FileCopyAndDelete(const std::string& source, const std::string& target) {

@@ -36,8 +36,8 @@ VELK_API void VkLibUnLock(int fd);
 // Runs one line, a NUL-terminated text, with system(3). Returns LIB_VELK_SUCCESS when a shell was
 // run, whatever the exit status of the command in it: callers learn of a failed command only by
 // what they read back. It shares the program's standard streams: what it complains about appears
-// there. Returns LIB_VELK_FAILURE, after logging "system" with errno, when system(3) itself failed.
-// That it lost the exit status because the program ignores SIGCHLD is no failure: the shell ran.
+// there. Returns LIB_VELK_FAILURE, after logging "system" with errno, when system(3) itself failed;
+// in a program that ignores SIGCHLD it always does, with ECHILD, although the line has run.
 //
 // Blocking: until the command has ended.
 VELK_API int SystemCommand(const char* command);
@@ -58,10 +58,10 @@ VELK_API int FileCopyAndDelete(const std::string& source, const std::string& tar
 // in place with FileCopyAndDelete(). What becomes of that is not noticed. Every line of an edited
 // file ends in a newline, also a last one that had none. A failure before the edit copy is put in
 // place leaves the file as it was; when the edit copy had been opened, it is left behind, empty as
-// a rule. When the file cannot be read to its end or the copy not be written in full,
-// "FileEdit read" or "FileEdit write" is logged with errno, the copy removed and LIB_VELK_FAILURE
-// returned. Two editors of one file at once would mix their copies: direct callers hold the lock of
-// VkLibLock().
+// a rule. When it cannot be written in full, "FileEdit write" is logged with errno, the copy removed
+// and LIB_VELK_FAILURE returned. A read that fails behind the file's first block counts as the end of
+// the file: what was read until then takes its place. Two editors of one file at once would mix their
+// copies: direct callers hold the lock of VkLibLock().
 
 // Says whether a text holds nothing but the digits '0' to '9': 1 or 0. A null pointer and the
 // empty text give 1. No sign, blank or decimal point is accepted. Never blocks, touches nothing.

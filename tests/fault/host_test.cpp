@@ -84,12 +84,21 @@ class HostTest : public testkit::DeviceTest {
 TEST_F(HostTest, ThatIgnoresItsChildrenCanSet) {
     EXPECT_TRUE(InAHost([] {
         (void)signal(SIGCHLD, SIG_IGN);
-        return AddressCanBeSet("10.1.2.3") &&
-               std::ranges::none_of(LibcRecorder::Get().Logs(), [](const std::string& line) {
-                   return line.starts_with("system errno");
-               });
+        return AddressCanBeSet("10.1.2.3");
     }));
     EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), testing::HasSubstr("10.1.2.3"));
+}
+
+// A shell whose end nobody keeps looks like one that was not run.
+TEST_F(HostTest, ThatIgnoresItsChildrenCannotUseTools) {
+    EXPECT_TRUE(InAHost([] {
+        (void)signal(SIGCHLD, SIG_IGN);
+        _velk_request own{};
+        const _velk_request request =
+            testkit::MakeRequest(VELK_SET, VELK_CMD_LINK_SPEED, "eth0", std::string_view("\1", 1));
+        return execute_velk_command(&request, &own) == -1 &&
+               LibcRecorder::Get().Logs().back() == "system errno=10:No child processes";
+    }));
 }
 
 const std::vector<long> kStartsOfProcesses{

@@ -114,6 +114,15 @@ TEST_F(CommandOutputTest, AChildThatIsLeftRunningDoesNotHoldTheLock) {
     EXPECT_EQ(flock(fd.get(), LOCK_EX | LOCK_NB), 0);
 }
 
+TEST_F(CommandOutputTest, SignalsDoNotShortenTheWaitForTheLock) {
+    const velk::UniqueFd holder(open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    ASSERT_EQ(flock(holder.get(), LOCK_EX), 0);
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().Script(Call::kNanosleep, {Fail(EINTR), Fail(EINTR)});
+    const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
+    EXPECT_EQ(libc().Texts(Call::kNanosleep).size(), 302U);
+}
+
 TEST_F(CommandOutputTest, AHeldLockIsWaitedForAFewSecondsAndThenDoneWithout) {
     const velk::UniqueFd holder(open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     ASSERT_EQ(flock(holder.get(), LOCK_EX), 0);
