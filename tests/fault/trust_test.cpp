@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "fault/requests.h"
@@ -145,6 +146,23 @@ TEST_F(TrustTest, NoSecretReachesTheLogOrTheShell) {
     }
 }
 
+TEST_F(TrustTest, NoSecretThatIsReadReachesTheLogOrTheShell) {
+    for (const uint32_t id : {VELK_CMD_PSK, VELK_CMD_WEP_KEY_1, VELK_CMD_WEP_KEY_2,
+                              VELK_CMD_WEP_KEY_3, VELK_CMD_WEP_KEY_4}) {
+        device_.emplace(Scene{});
+        const std::string secret = "zq7Xsecret9vW";
+        ASSERT_EQ(Execute(VELK_SET, id, "eth1", secret), 0);
+        ASSERT_EQ(Execute(VELK_GET, id, "eth1"), 0);
+        EXPECT_EQ(testkit::Data(response, secret.size()), secret) << "it is there to be leaked";
+        libc().PlanFault(testkit::Call::kSemUnlink, 1, testkit::Reach::kAllFrom, EPERM);
+        (void)Execute(VELK_GET, id, "eth1");
+        for (const std::string& line : libc().Story()) {
+            EXPECT_THAT(line, Not(HasSubstr(secret))) << id;
+        }
+        device_.reset();
+    }
+}
+
 TEST_F(TrustTest, NoSecretIsWrittenToAFile) {
     device_.emplace(Scene{});
     const Files before = ReadTargets();
@@ -157,10 +175,15 @@ TEST_F(TrustTest, NoSecretIsWrittenToAFile) {
 
 TEST_F(TrustTest, ALinkInALocksPlaceIsNotFollowed) {
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
+    ASSERT_EQ(chmod("/var/libvelk/victim", 0600), 0);
     for (const char* lock : {"/var/tmp/vklib_lock", "/var/tmp/get_result_lock"}) {
         ASSERT_EQ(symlink("/var/libvelk/victim", lock), 0);
     }
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
+    (void)Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
+    struct stat status {};
+    ASSERT_EQ(stat("/var/libvelk/victim", &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U) << "the lock's mode would be 0666";
     EXPECT_EQ(testkit::ReadFile("/var/libvelk/victim"), "keep me\n");
 }
 
@@ -171,6 +194,15 @@ TEST_F(TrustTest, ALinkInAnEditCopysPlaceIsReplaced) {
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
     EXPECT_EQ(testkit::ReadFile("/var/libvelk/victim"), "keep me\n");
     EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), HasSubstr("address 10.1.2.3\n"));
+}
+
+TEST_F(TrustTest, AFolderInAnEditCopysPlaceIsToldAndNothingChanges) {
+    device_.emplace(Scene{});
+    const Files before = ReadTargets();
+    ASSERT_EQ(mkdir("/var/tmp/interfaces", 0755), 0);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
+    EXPECT_TRUE(ReadTargets() == before);
+    EXPECT_EQ(rmdir("/var/tmp/interfaces"), 0) << "it is as it was, too";
 }
 
 }  // namespace
