@@ -1,5 +1,7 @@
 // gets.cpp - each kind of get against open, read, search and close by hand on the same file.
 #include <cstring>
+#include <functional>
+#include <string>
 
 #include <net/if.h>
 #include <sys/ioctl.h>
@@ -67,25 +69,23 @@ void ReadMacByHand() {
 void AddKernelGet() {
     Compare({.name = "get/mac",
              .ours = Timed(Get(VELK_CMD_MAC_ADDRESS, "eth0"), kCallsPerSample),
-             .other = Timed(ReadMacByHand, kCallsPerSample),
-             .prepare = [] { RunLine("ip link add eth0 type bridge"); }});
+             .other = Timed(ReadMacByHand, kCallsPerSample)});
 }
 
-void ReadLiveByHand() {
-    RunLine("ifconfig > /var/tmp/get_result");
-    char value[VELK_DATA_SIZE];
-    FindByHand("/var/tmp/get_result", "", "", value);
-    RunLine("rm /var/tmp/get_result");
+// What a tool tells: its line, its output and the removal of that.
+void AddToolGet(const char* name, const std::function<void()>& call, const std::string& tool) {
+    const auto by_hand = [tool] {
+        RunLine(tool + " > /var/tmp/get_result");
+        char value[VELK_DATA_SIZE];
+        FindByHand("/var/tmp/get_result", "", "", value);
+        RunLine("rm /var/tmp/get_result");
+    };
+    Compare({.name = name, .ours = Timed(call), .other = Timed(by_hand), .samples = 50});
 }
 
-void AddLiveGet() {
-    Compare({.name = "get/live_address",
-             .ours = Timed([] {
-                 char value[VELK_DATA_SIZE] = {};
-                 (void)GetIpAddress({"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, {}}, value);
-             }),
-             .other = Timed(ReadLiveByHand),
-             .samples = 50});
+void GetLiveAddress() {
+    char value[VELK_DATA_SIZE] = {};
+    (void)GetIpAddress({"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, {}}, value);
 }
 
 // Refused before anything is opened.
@@ -107,7 +107,8 @@ void AddGets() {
         AddFileGet(get);
     }
     AddKernelGet();
-    AddLiveGet();
+    AddToolGet("get/live_address", GetLiveAddress, "ifconfig");
+    AddToolGet("get/link_speed", Get(VELK_CMD_LINK_SPEED, "eth0"), "sudo ethtool eth0");
     AddRefusal();
 }
 

@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/floor.h"
 #include "bench/groups.h"
 #include "sandbox/device.h"
 
@@ -20,6 +21,7 @@ void EnterPrivateDevice() {
     // The device's tools, as velk-sandbox offers them.
     const std::string path = VELK_BINARY_DIR "/stand-ins:" + std::string(getenv("PATH"));
     setenv("PATH", path.c_str(), 1);
+    bench::RunLine("ip link add eth0 type bridge");  // the wired port
 }
 
 }  // namespace

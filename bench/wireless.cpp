@@ -27,6 +27,7 @@ struct Names {
 constexpr Names kLibrary = {"/tmp/WlanAplToWlanSock", "/tmp/WlanAplFromWlanSock",
                             "/WlanAplRecvSem"};
 constexpr Names kByHand = {"/tmp/to", "/tmp/from", nullptr};
+constexpr Names kByHandTold = {"/tmp/to-told", "/tmp/from-told", "/Told"};
 
 // Its length leaves out the NUL, as the library's names do.
 struct Address {
@@ -89,18 +90,32 @@ void StartDaemon(const Names& names) {
     std::thread(Serve, fd, names).detach();
 }
 
-void AskByHand() {
-    const int fd = BoundSocket(kByHand.reply);
-    Send(fd, kByHand.request);
+void AskByHand(const Names& names, sem_t* ready = nullptr) {
+    const int fd = BoundSocket(names.reply);
+    Send(fd, names.request);
+    if (ready != nullptr) {
+        sem_post(ready);
+    }
     Receive(fd);
     close(fd);
-    unlink(kByHand.reply);
+    unlink(names.reply);
+}
+
+void AskAndTellByHand() {
+    sem_t* ready = sem_open(kByHandTold.semaphore, O_CREAT, 0666, 0);
+    if (ready == SEM_FAILED) {
+        GiveUp(kByHandTold.semaphore);
+    }
+    AskByHand(kByHandTold, ready);
+    sem_close(ready);
+    sem_unlink(kByHandTold.semaphore);
 }
 
 void StartDaemons() {
     static const bool started = [] {
         StartDaemon(kLibrary);
         StartDaemon(kByHand);
+        StartDaemon(kByHandTold);
         return true;
     }();
     (void)started;
@@ -109,9 +124,14 @@ void StartDaemons() {
 }  // namespace
 
 void AddWireless() {
-    Compare({.name = "wireless/channel",
-             .ours = Timed(Get(VELK_CMD_SSID, "eth1"), 10),
-             .other = Timed(AskByHand, 10),
+    const Measured get = Timed(Get(VELK_CMD_SSID, "eth1"), 10);
+    Compare({.name = "wireless/round_trip",
+             .ours = get,
+             .other = Timed([] { AskByHand(kByHand); }, 10),
+             .prepare = StartDaemons});
+    Compare({.name = "wireless/round_trip_and_semaphore",
+             .ours = get,
+             .other = Timed(AskAndTellByHand, 10),
              .prepare = StartDaemons});
 }
 
