@@ -344,12 +344,13 @@ TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
     std::string_view line;
     while (edit.Next(line)) {
         edit.Keep(line);
-        edit.Write("new\n");
+        edit.Write("new line\n");
     }
     const size_t writes = libc().Events(Call::kWrite).size();
     EXPECT_EQ(writes, 1U) << "the test's own";
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(libc().Texts(Call::kWrite)[writes], "one\nnew\ntwo\nnew\nthree\nnew\n");
+    EXPECT_EQ(libc().Texts(Call::kWrite)[writes],
+              "one\nnew line\ntwo\nnew line\nthree\nnew line\n");
 }
 
 TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {

@@ -27,6 +27,19 @@ TEST(TakeWord, SkipsEveryKindOfWhiteSpace) {
     EXPECT_EQ(TakeWord(text), "");
 }
 
+TEST(TakeWord, EveryOtherByteBelongsToAWord) {
+    const std::string_view ends(" \t\n\v\f\r\0", 7);
+    for (int byte = 0; byte < 256; ++byte) {
+        const std::string line = std::string("x") + static_cast<char>(byte) + "y";
+        std::string_view text = line;
+        const bool is_end = ends.find(static_cast<char>(byte)) != std::string_view::npos;
+        EXPECT_EQ(TakeWord(text), is_end ? "x" : line) << "byte " << byte;
+        std::string_view rest = std::string_view(line).substr(1);
+        const bool is_skipped = is_end && byte != 0;
+        EXPECT_EQ(TakeWord(rest), is_skipped ? "y" : is_end ? "" : line.substr(1)) << byte;
+    }
+}
+
 TEST(TakeWord, OtherBlanksBelongToAWord) {
     std::string_view text = "a\xC2\xA0z \x85";  // a no-break space in UTF-8, a next-line in Latin-1
     EXPECT_EQ(TakeWord(text), "a\xC2\xA0z");
