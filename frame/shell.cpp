@@ -30,7 +30,7 @@ int CommandLine::Run() const {
 }  // namespace velk
 
 int SystemCommand(const char* command) {
-    if (system(command) == -1) {
+    if (system(command) == -1) {  // NOLINT(concurrency-mt-unsafe): with threads too, in glibc
         velk::LogErrno("system errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }

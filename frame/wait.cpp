@@ -7,7 +7,7 @@ namespace velk {
 
 void WaitSeconds(unsigned seconds) {
     while (seconds > 0) {
-        seconds = sleep(seconds);
+        seconds = sleep(seconds);  // NOLINT(concurrency-mt-unsafe): sends no SIGALRM on Linux
     }
 }
 
