@@ -9,7 +9,7 @@ namespace {
 constexpr uint8_t kYes = 1;
 constexpr uint8_t kNo = 0;
 
-constexpr std::array<CommandEntry, 35> kGetRows{{
+constexpr auto kGetRows = std::to_array<CommandEntry>({
     // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_ADMINISTRATOR, kYes, kNo, kNo, 0, GetSettingFile},
     {VELK_CMD_LOCATION, kYes, kNo, kNo, 0, GetSettingFile},
@@ -46,9 +46,9 @@ constexpr std::array<CommandEntry, 35> kGetRows{{
     {VELK_CMD_ACCESS_POINT, kNo, kNo, kYes, 0, GetWlanState},
     {VELK_CMD_SIGNAL, kNo, kNo, kYes, 0, GetWlanState},
     {VELK_CMD_WEB_UPDATE, kYes, kNo, kNo, 0, GetWebUp},
-}};
+});
 
-constexpr std::array<CommandEntry, 27> kSetRows{{
+constexpr auto kSetRows = std::to_array<CommandEntry>({
     // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_ADMINISTRATOR, kYes, kNo, kNo, 0, SetSettingFile},
     {VELK_CMD_LOCATION, kYes, kNo, kNo, 0, SetSettingFile},
@@ -77,12 +77,12 @@ constexpr std::array<CommandEntry, 27> kSetRows{{
     {VELK_CMD_WEP_DEFAULT_KEY, kNo, kNo, kYes, 0, SetWlanConf},
     {VELK_CMD_PSK, kNo, kNo, kYes, 0, SetWlanConf},
     {VELK_CMD_WEB_UPDATE, kYes, kNo, kNo, 0, SetWebUp},
-}};
+});
 
-constexpr std::array<CommandEntry, 1> kRestartRows{{
+constexpr auto kRestartRows = std::to_array<CommandEntry>({
     // id, no interface, eth0, eth1, spare, handler
     {VELK_CMD_RESTART, kNo, kYes, kYes, 0, Restart},
-}};
+});
 
 }  // namespace
 

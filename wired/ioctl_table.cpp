@@ -21,13 +21,13 @@ namespace {
 
 // The getters and setters share their names with functions that take other arguments; the rows'
 // types pick the right ones.
-constexpr std::array<IoctlEntry, 5> kRows{{
+constexpr auto kRows = std::to_array<IoctlEntry>({
     {VELK_CMD_MAC_ADDRESS, SIOCGIFHWADDR, GetMacAddress, 0, nullptr},
     {VELK_CMD_LINK_SPEED, SIOCETHTOOL, GetLinkSpeed, SIOCETHTOOL, SetLinkSpeed},
     {VELK_CMD_IP_ADDRESS, SIOCGIFADDR, GetIpAddress, SIOCSIFADDR, SetIpAddress},
     {VELK_CMD_NETMASK, SIOCGIFNETMASK, GetSubNetMask, SIOCSIFNETMASK, SetSubNetMask},
     {VELK_CMD_GATEWAY, 0, GetDefGateway, SIOCADDRT, SetDefGateway},
-}};
+});
 
 // A socket to make ioctls on; logs when there is none.
 UniqueFd OpenSocket() {

@@ -14,7 +14,7 @@ struct WlanConfEntry {
     int (*setter)(SMsgConf& conf, const char* in);
 };
 
-constexpr std::array<WlanConfEntry, 12> kFields{{
+constexpr auto kFields = std::to_array<WlanConfEntry>({
     {VELK_CMD_STANDARDS_ENABLED, GetDot11PhyConf, SetDot11PhyConf},
     {VELK_CMD_SERVICE_SET, GetServiceSet, SetServiceSet},
     {VELK_CMD_SSID, GetSsid, SetSsid},
@@ -27,7 +27,7 @@ constexpr std::array<WlanConfEntry, 12> kFields{{
     {VELK_CMD_WEP_KEY_4, GetWepKey4, SetWepKey4},
     {VELK_CMD_WEP_DEFAULT_KEY, GetWepDefault, SetWepDefault},
     {VELK_CMD_PSK, GetPsk, SetPsk},
-}};
+});
 
 // Null for an id that is no field of the configuration.
 const WlanConfEntry* FindField(uint32_t command_id) {

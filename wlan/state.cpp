@@ -19,7 +19,7 @@ struct WlanStateEntry {
     int (*getter)(const SMsgState& state, char* out);
 };
 
-constexpr std::array<WlanStateEntry, 7> kFacts{{
+constexpr auto kFacts = std::to_array<WlanStateEntry>({
     {VELK_CMD_HARDWARE_VERSION, GetHardwareVersion},
     {VELK_CMD_SOFTWARE_VERSION, GetSoftwareVersion},
     {VELK_CMD_STANDARD, GetDot11Phy},
@@ -27,7 +27,7 @@ constexpr std::array<WlanStateEntry, 7> kFacts{{
     {VELK_CMD_RATE, GetRate},
     {VELK_CMD_ACCESS_POINT, GetAccessPoint},
     {VELK_CMD_SIGNAL, GetSignal},
-}};
+});
 
 constexpr std::array kOneBasedCodes{Code{1, 0}, Code{2, 1}, Code{3, 2}};
 constexpr std::string_view kRevisionKey = "Rev= ";

@@ -70,6 +70,7 @@ TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoLines) {
     std::string_view line;
     EXPECT_FALSE(reader.Next(line));
     EXPECT_EQ(line, "");
+    EXPECT_THAT(libc().Events(testkit::Call::kRead), testing::IsEmpty());
 }
 
 TEST_F(LineReaderTest, AFolderCountsAsNotOpened) {

@@ -186,6 +186,12 @@ TEST_F(LockTest, AnUnexpectedLockErrorIsLogged) {
     EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock flock errno=37:No locks available"));
 }
 
+TEST_F(LockTest, DescriptorOneIsADescriptor) {
+    libc().Script(Call::kOpen, {testkit::Return(1)});
+    libc().Script(Call::kFlock, {testkit::Return(0)});
+    EXPECT_EQ(VkLibLock(), 1);
+}
+
 TEST_F(LockTest, DescriptorZeroCountsAsAFailedFirstOpen) {
     testkit::WriteFile(kLockFile, "");
     const StandardInputClosed closed;

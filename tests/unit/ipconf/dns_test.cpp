@@ -242,6 +242,15 @@ TEST_F(DnsTest, SetKeepsInodeOwnerAndMode) {
     EXPECT_EQ(after.st_uid, before.st_uid);
 }
 
+TEST_F(DnsTest, AFileThatIsMadeHasTheModeTheUmaskLeaves) {
+    const mode_t saved = umask(0);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", Slots("1.0.0.1")), 0);
+    umask(saved);
+    struct stat status {};
+    ASSERT_EQ(stat(kFile, &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0666U);
+}
+
 TEST_F(DnsTest, SetWritesInPlaceWithoutACopyOrAShell) {
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", Slots("1.0.0.1")), 0);
     EXPECT_THAT(libc().Commands(), IsEmpty());
