@@ -7,7 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <ctime>
-#include <sstream>
+#include <string_view>
 
 #include <fcntl.h>
 #include <limits.h>
@@ -113,12 +113,14 @@ std::optional<Answer> ChildCall::TakeAnswer() {
 std::vector<std::string> ChildCall::said() const {
     std::string text(kMostSaid, '\0');
     const ssize_t got = pread(said_.get(), text.data(), text.size(), 0);
-    std::istringstream stream(text.substr(0, got > 0 ? static_cast<size_t>(got) : 0));
+    std::string_view rest(text.data(), got > 0 ? static_cast<size_t>(got) : 0);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) {
+    while (!rest.empty()) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
         if (!line.empty() && std::ranges::find(lines, line) == lines.end()) {
-            lines.push_back(line);
+            lines.emplace_back(line);
         }
+        rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     }
     return lines;
 }

@@ -2,47 +2,22 @@
 #include "velkctl/command_line.h"
 
 #include <algorithm>
-#include <memory>
-#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "velkctl/catalogue.h"
-#include "velkctl/exit_meanings.h"
+#include "velkctl/help.h"
 #include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 #include "velkctl/verb_arguments.h"
 #include "velkctl/verbs.h"
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
 constexpr char kJsonFlag[] = "--json";
-constexpr char kToolName[] = "velkctl";
-constexpr char kHelpVerb[] = "help";
 constexpr std::string_view kSeeHelp = " ('velkctl --help' explains them)";
-constexpr char kVersion[] = "velkctl " VELKCTL_VERSION;
-
-// The usage line comes from the verb's row, not from what CLI11 knows of it.
-class HelpFormatter : public CLI::Formatter {
-  public:
-    explicit HelpFormatter(std::string usage) : usage_(std::move(usage)) {}
-
-    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
-        return "Usage: " + usage_ + "\n";
-    }
-
-  private:
-    std::string usage_;
-};
-
-void PrepareHelp(CLI::App& app, std::string usage, std::string footer) {
-    app.formatter(std::make_shared<HelpFormatter>(std::move(usage)));
-    app.set_help_flag("-h,--help", "show this help");
-    app.footer(std::move(footer));
-}
 
 std::vector<std::string> VerbNames() {
     std::vector<std::string> names;
@@ -53,50 +28,18 @@ std::vector<std::string> VerbNames() {
     return names;
 }
 
-std::string Row(std::string name, std::string_view words) {
-    name.resize(10, ' ');
-    return "  " + name.append(words) + "\n";
+// Says all that a run for help has to say.
+ExitStatus ShowHelp(const std::string& help, Report& report) {
+    report.set_verb("");  // none was run
+    report.Text(help);
+    report.Member("help", help);
+    return ExitStatus::kDone;
 }
 
-std::string ToolFooter() {
-    std::string footer = "Verbs:\n";
-    for (const Verb& verb : Verbs()) {
-        footer.append(Row(std::string(verb.name), verb.summary));
-    }
-    footer.append(Row(kHelpVerb, "show help for velkctl, or for the verb behind it"));
-    footer.append("\nExit status:\n");
-    for (const ExitMeaning& meaning : kExitMeanings) {
-        footer.append(Row(std::to_string(static_cast<int>(meaning.status)), meaning.words));
-    }
-    return footer +
-           "\n"
-           "'velkctl VERB --help' tells more about a verb, and has examples. 'velkctl list' names\n"
-           "the settings.";
-}
-
-// Parses; a status means that all is said and done. `prefix` begins complaints.
-std::optional<ExitStatus> Parse(CLI::App& app, Words arguments, const std::string& prefix,
-                                Report& report) {
-    const std::string last = arguments.empty() ? "" : arguments.back();
-    std::reverse(arguments.begin(), arguments.end());  // CLI11 takes the last one first
-    try {
-        app.parse(std::move(arguments));
-        return std::nullopt;
-    } catch (const CLI::CallForHelp&) {
-        report.set_verb("");  // none was run
-        report.Text(app.help());
-        report.Member("help", app.help());
-        return ExitStatus::kDone;
-    } catch (const CLI::CallForVersion&) {
-        report.Text(std::string(kVersion) + "\n");
-        report.Member("version", VELKCTL_VERSION);
-        return ExitStatus::kDone;
-    } catch (const CLI::ArgumentMismatch&) {
-        // An option takes whatever stands behind it, so only the last one can lack its value.
-        return report.Refuse(prefix + "option " + Quoted(last) + " needs a value behind it");
-    } catch (const CLI::Error& error) {
-        return report.Refuse(prefix + Printable(error.what()));
-    }
+ExitStatus ShowVersion(Report& report) {
+    report.Text("velkctl " VELKCTL_VERSION "\n");
+    report.Member("version", VELKCTL_VERSION);
+    return ExitStatus::kDone;
 }
 
 const Verb* FindVerb(std::string_view name) {
@@ -121,14 +64,15 @@ std::string UnknownVerb(std::string_view word) {
 }
 
 // Says about an option in front of the verb what would be right.
-std::string WrongOption(const CLI::App& app, std::string_view option) {
+std::string WrongOption(std::string_view option) {
+    const std::string_view name = WithoutValue(option);
     for (const Verb& verb : Verbs()) {
-        if (HasOption(verb, option)) {
-            return "option " + Quoted(option) +
+        if (HasOption(verb, name)) {
+            return "option " + Quoted(name) +
                    " stands in front of the verb; give it behind the verb";
         }
     }
-    return UnknownOption(app, option, kToolName);
+    return UnknownOption(Tool(), option);
 }
 
 // The arguments with "help" and "help VERB" in the words that mean the same: "--help" and
@@ -152,55 +96,48 @@ bool AsksTooMuchHelp(const Words& arguments) {
     return words.size() > 2 && words.front() == kHelpVerb;
 }
 
-ExitStatus RunVerb(const Verb& verb, const Words& given, Report& report) {
+ExitStatus RunVerb(const Verb& verb, Words given, Report& report) {
     report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
-    if (const std::string problem = ImpliedValueProblem(verb, given); !problem.empty()) {
-        return report.Refuse(prefix + problem);
+    const Arguments arguments = ReadArguments(verb, std::move(given));
+    if (!arguments.problem.empty()) {
+        return report.Refuse(prefix + arguments.problem);
     }
-    const Words arguments = SplitEmptyValues(verb, given.begin(), given.end());
-    CLI::App app(std::string(kToolName).append(" ").append(prefix).append(verb.summary));
-    PrepareHelp(app, Usage(verb), std::string(verb.help));
-    DeclareOptions(app, verb);
-    app.allow_extras();
-    if (const std::string problem = FlagProblem(app, verb, arguments); !problem.empty()) {
-        return report.Refuse(prefix + problem);
+    if (arguments.invocation.help) {
+        return ShowHelp(VerbHelp(verb), report);
     }
-    if (const auto status = Parse(app, arguments, prefix, report)) {
-        return *status;
-    }
-    Invocation invocation;
-    std::string problem = TakeOptions(app, verb, invocation);
-    if (problem.empty()) {
-        problem = TakeWords(app, verb, invocation);
-    }
-    return problem.empty() ? verb.run(invocation, report) : report.Refuse(prefix + problem);
+    const std::string problem = ArgumentsProblem(verb, arguments);
+    return problem.empty() ? verb.run(arguments.invocation, report)
+                           : report.Refuse(prefix + problem);
 }
 
-// Runs arguments with no verb in front: options of the tool itself, and a verb behind them at most.
-ExitStatus RunOwnOptions(const Words& arguments, Report& report) {
-    CLI::App app("Read and change the network settings of the device.");
-    PrepareHelp(app, std::string(kToolName) + " VERB [ARGUMENT...]", ToolFooter());
-    app.set_version_flag("--version", kVersion, "show the version");
-    app.add_flag(kJsonFlag)->description("answer as one JSON document");
-    app.prefix_command();  // what follows the verb is the verb's
-    const std::string problem = arguments.empty() ? "" : FlagProblem(app, arguments.front());
-    if (!problem.empty()) {
-        return report.Refuse(problem);
+bool StandsBeforeVerb(std::string_view argument) {
+    return argument.starts_with('-') && argument != "-" && argument != "--";
+}
+
+// Runs options of the tool itself and the verb behind them, either of which may be missing.
+ExitStatus RunArguments(const Words& arguments, Report& report) {
+    const auto word = std::ranges::find_if_not(arguments, StandsBeforeVerb);
+    const Arguments own = ReadArguments(Tool(), Words(arguments.begin(), word));
+    if (!own.problem.empty()) {
+        return report.Refuse(own.problem);
     }
-    if (const auto status = Parse(app, arguments, "", report)) {
-        return *status;
+    if (own.invocation.version) {
+        return ShowVersion(report);
     }
-    const Words rest = app.remaining();
-    if (rest.empty()) {
+    if (own.invocation.help) {
+        return ShowHelp(ToolHelp(), report);
+    }
+    if (!own.invocation.words.empty()) {
+        return report.Refuse(WrongOption(own.invocation.words.front()));
+    }
+    if (word == arguments.end()) {
         return report.Refuse("no verb given; give " + OneOf(VerbNames()) + std::string(kSeeHelp));
     }
-    if (const Verb* verb = FindVerb(rest.front()); verb != nullptr) {
-        return RunVerb(*verb, Words(rest.begin() + 1, rest.end()), report);
+    if (const Verb* verb = FindVerb(*word); verb != nullptr) {
+        return RunVerb(*verb, Words(word + 1, arguments.end()), report);
     }
-    const std::string_view word = WithoutValue(rest.front());
-    const bool is_option = word.starts_with('-') && word != "-" && word != "--";
-    return report.Refuse(is_option ? WrongOption(app, word) : UnknownVerb(word));
+    return report.Refuse(UnknownVerb(WithoutValue(*word)));
 }
 
 }  // namespace
@@ -216,11 +153,7 @@ ExitStatus RunCommandLine(const Words& given, Report& report) {
         // A word behind the verb is not repeated: it may be a key.
         return report.Refuse("help: arguments given behind the verb; usage: velkctl help [VERB]");
     }
-    const Words arguments = WithHelpAsOption(given);
-    const Verb* verb = arguments.empty() ? nullptr : FindVerb(arguments.front());
-    // A parser of the tool's own options would be a good part of what a get costs.
-    return verb == nullptr ? RunOwnOptions(arguments, report)
-                           : RunVerb(*verb, Words(arguments.begin() + 1, arguments.end()), report);
+    return RunArguments(WithHelpAsOption(given), report);
 }
 
 }  // namespace velkctl

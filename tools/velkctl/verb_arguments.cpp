@@ -2,55 +2,61 @@
 #include "velkctl/verb_arguments.h"
 
 #include <algorithm>
+#include <span>
+
+#include <getopt.h>
 
 #include "velkctl/catalogue.h"
+#include "velkctl/help.h"
 #include "velkctl/near_miss.h"
 #include "velkctl/terminal.h"
 
 namespace velkctl {
 namespace {
 
-// The flag that an argument such as "--help=no" or "-hello" would be taken for; empty when none.
-std::string FlagWithValue(const CLI::App& app, std::string_view argument) {
-    for (const CLI::Option* flag : app.get_options()) {
-        if (flag->get_items_expected_max() != 0) {
-            continue;
-        }
-        for (const std::string& name : flag->get_lnames()) {
-            if (argument.starts_with("--" + name + "=")) {
-                return "--" + name;
-            }
-        }
-        for (const std::string& name : flag->get_snames()) {
-            if (argument.starts_with("-" + name) && argument.size() > name.size() + 1) {
-                return "-" + name;
-            }
-        }
-    }
-    return {};
+template <typename Row>
+const Row* Find(std::span<const Row> rows, std::string_view name) {
+    const auto row = std::ranges::find(rows, name, &Row::name);
+    return row == rows.end() ? nullptr : &*row;
 }
 
-std::vector<std::string> OptionNames(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::Option* option : app.get_options()) {
-        for (const std::string& name : option->get_lnames()) {
-            names.push_back("--" + name);
-        }
+using Flag = bool Invocation::*;
+
+Flag FindFlag(const Verb& verb, std::string_view name) {
+    if (name == "--help" || name == "-h") {
+        return &Invocation::help;
+    }
+    const VerbFlag* row = Find(verb.flags, name);
+    return row == nullptr ? nullptr : row->target;
+}
+
+std::vector<std::string> OptionNames(const Verb& verb) {
+    std::vector<std::string> names{"--help"};
+    for (const VerbOption& option : verb.options) {
+        names.emplace_back(option.name);
+    }
+    for (const VerbFlag& flag : verb.flags) {
+        names.emplace_back(flag.name);
     }
     return names;
 }
 
-std::string CommandName(const Verb& verb) {
-    return std::string("velkctl ").append(verb.name);
+// The verb's options for getopt_long(3): without dashes, and with a zero behind them, as literals
+// have it.
+std::vector<option> OptionRows(const Verb& verb) {
+    std::vector<option> rows{{"help", no_argument, nullptr, 0}, {"h", no_argument, nullptr, 0}};
+    for (const VerbOption& row : verb.options) {
+        const int has_value = row.implied.empty() ? required_argument : optional_argument;
+        rows.push_back({row.name.data() + 2, has_value, nullptr, 0});
+    }
+    for (const VerbFlag& row : verb.flags) {
+        rows.push_back({row.name.data() + 2, no_argument, nullptr, 0});
+    }
+    rows.push_back({});
+    return rows;
 }
 
-const VerbOption* FindOption(const Verb& verb, std::string_view name) {
-    const auto row = std::find_if(verb.options.begin(), verb.options.end(),
-                                  [name](const VerbOption& option) { return option.name == name; });
-    return row == verb.options.end() ? nullptr : &*row;
-}
-
-bool LooksLikeOption(const std::string& word) {
+bool LooksLikeOption(std::string_view word) {
     return word.size() > 1 && word[0] == '-' && (word[1] < '0' || word[1] > '9');
 }
 
@@ -63,153 +69,107 @@ std::string DashHint(const Verb& verb) {
     return verb.run == RunSet ? "; put -- before a value that begins with a dash" : "";
 }
 
-// Says whether the second word of a verb may be a number: a value, or the id of a command.
-bool TakesNumber(const Verb& verb) {
-    return verb.run == RunSet || verb.run == RunCall;
+// Says whether the next word of a verb may be a number: a value, or the id of a command.
+bool TakesNumber(const Verb& verb, const Words& words_before) {
+    const bool is_second = 1 == std::ranges::count_if(words_before, [](const std::string& word) {
+                               return !LooksLikeOption(word);
+                           });
+    return is_second && (verb.run == RunSet || verb.run == RunCall);
 }
 
-// Says whether the arguments may hold a secret: beside the name or id of one, and behind a name
+// Says whether any of the words may be a secret: beside the name or id of one, and behind a name
 // that is misspelt.
-bool MayHoldSecret(const Verb& verb, const Words& arguments) {
-    const auto first = std::find_if_not(arguments.begin(), arguments.end(), LooksLikeOption);
-    if (verb.run == RunSet && first != arguments.end() && !FindSetting(Catalogue(), *first)) {
+bool MayHoldSecret(const Verb& verb, const Words& words) {
+    const auto first = std::ranges::find_if_not(words, LooksLikeOption);
+    if (verb.run == RunSet && first != words.end() && !FindSetting(Catalogue(), *first)) {
         return true;
     }
-    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-        return NamesSecret(Catalogue(), argument);
-    });
+    return std::ranges::any_of(
+        words, [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+}
+
+std::string TakesNoValue(std::string_view flag) {
+    return "option " + Quoted(flag) + " takes no value; leave it out";
+}
+
+std::string NeedsValue(std::string_view option) {
+    return "option " + Quoted(option) + " needs a value behind it";
+}
+
+// Takes an option, whose value is in optarg, and says what is wrong with it. `next` stands behind.
+std::string TakeOption(const Verb& verb, const VerbOption& option, const char* next,
+                       Arguments& read) {
+    const std::string name(option.name);
+    if (optarg == nullptr && next != nullptr && IsNumber(next) &&
+        !TakesNumber(verb, read.invocation.words)) {
+        // The number is not repeated: it may be a key.
+        return name + " takes its seconds behind '='; write " + name + "=SECONDS";
+    }
+    std::optional<std::string>& value = read.invocation.*option.target;
+    if (value) {
+        read.twice = option.name;
+    }
+    const bool is_empty = optarg == nullptr || *optarg == '\0';
+    value.emplace(is_empty ? option.implied : optarg);
+    return {};
+}
+
+// Takes what is no option of the verb, and says what is wrong with it.
+std::string TakeWord(std::string_view word, Arguments& read) {
+    if (word.starts_with("-h")) {
+        return TakesNoValue("-h");  // "-hello"
+    }
+    if (read.unknown.empty() && LooksLikeOption(word)) {
+        read.unknown = word;
+    }
+    read.invocation.words.emplace_back(word);
+    return {};
 }
 
 }  // namespace
 
-std::string Usage(const Verb& verb) {
-    std::string usage = CommandName(verb);
-    return verb.arguments.empty() ? usage : usage.append(" ").append(verb.arguments);
-}
-
-std::string UnknownOption(const CLI::App& app, std::string_view option, const std::string& command,
-                          bool may_be_key, const std::string& hint) {
-    return "unknown option" +
-           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(option)) +
-           DidYouMean(option, OptionNames(app),
-                      "'" + command + " --help' lists the options" + hint);
-}
-
-std::string_view WithoutValue(std::string_view argument) {
-    return argument.substr(0, argument.find('='));
-}
-
-std::string FlagProblem(const CLI::App& app, std::string_view argument) {
-    const std::string flag = FlagWithValue(app, argument);
-    return flag.empty() ? flag : "option " + Quoted(flag) + " takes no value; leave it out";
-}
-
-std::string FlagProblem(const CLI::App& app, const Verb& verb, const Words& arguments) {
-    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
-        if (*argument == "--") {
-            break;  // only words follow
-        }
-        if (FindOption(verb, *argument) != nullptr && argument + 1 != arguments.end()) {
-            ++argument;  // its value
-            continue;
-        }
-        std::string problem = FlagProblem(app, *argument);
-        if (!problem.empty()) {
-            return problem;
+Arguments ReadArguments(const Verb& verb, Words given) {
+    std::vector<char*> pointers{nullptr};  // in the place of the program's name
+    for (std::string& argument : given) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    char* const* argv = pointers.data();
+    const int argc = static_cast<int>(given.size()) + 1;
+    const std::vector<option> rows = OptionRows(verb);
+    // "-": words come in their order. There are no letters, so "-hello" is one option and not five.
+    const auto next = [&] { return getopt_long_only(argc, argv, "-", rows.data(), nullptr); };
+    opterr = 0;  // it says nothing itself
+    optind = 0;  // it has read other arguments before, in a test
+    Arguments read;
+    int found = 0;
+    for (int at = 1; read.problem.empty() && (found = next()) != -1; at = optind) {
+        const bool is_wrong = found == '?';
+        const std::string_view name = WithoutValue(argv[at]);
+        if (const Flag flag = FindFlag(verb, name)) {
+            read.invocation.*flag = true;
+            read.problem = is_wrong ? TakesNoValue(name) : "";
+        } else if (const VerbOption* option = Find(verb.options, name)) {
+            read.problem =
+                is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
+        } else {
+            optind = at + 1;  // behind the beginning of a name it may have taken a value
+            read.problem = TakeWord(argv[at], read);
         }
     }
-    return {};
+    Words& words = read.invocation.words;
+    words.insert(words.end(), argv + optind, argv + argc);  // those behind "--"
+    read.invocation.beside_secret = MayHoldSecret(verb, words);
+    return read;
 }
 
-std::string ImpliedValueProblem(const Verb& verb, const Words& arguments) {
-    size_t words = 0;
-    for (size_t i = 0; i + 1 < arguments.size() && arguments[i] != "--"; ++i) {
-        const VerbOption* option = FindOption(verb, arguments[i]);
-        const std::string& next = arguments[i + 1];
-        if (option == nullptr) {
-            words += LooksLikeOption(arguments[i]) ? 0 : 1;
-        } else if (option->implied.empty()) {
-            ++i;  // its value
-        } else if (IsNumber(next) && !(words == 1 && TakesNumber(verb))) {
-            // The number is not repeated: it may be a key.
-            return arguments[i] + " takes its seconds behind '='; write " + arguments[i] +
-                   "=SECONDS";
-        }
+std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
+    const Invocation& invocation = arguments.invocation;
+    if (!arguments.twice.empty()) {
+        return "option " + Quoted(arguments.twice) + " is given twice; give it once";
     }
-    return {};
-}
-
-Words SplitEmptyValues(const Verb& verb, Words::const_iterator begin, Words::const_iterator end) {
-    Words split;
-    for (auto argument = begin; argument != end; ++argument) {
-        const std::string_view name(argument->data(),
-                                    argument->size() - (argument->ends_with('=')));
-        if (FindOption(verb, name) == nullptr) {
-            split.push_back(*argument);
-            continue;
-        }
-        split.emplace_back(name);
-        const std::string_view implied = FindOption(verb, name)->implied;
-        if (!implied.empty()) {
-            split.emplace_back(implied);
-        } else if (name.size() < argument->size()) {
-            split.emplace_back();
-        } else if (argument + 1 != end) {
-            split.push_back(*++argument);
-        }
-    }
-    return split;
-}
-
-bool HasOption(const Verb& verb, std::string_view name) {
-    return FindOption(verb, name) != nullptr ||
-           std::ranges::any_of(verb.flags,
-                               [name](const VerbFlag& flag) { return flag.name == name; });
-}
-
-void DeclareOptions(CLI::App& app, const Verb& verb) {
-    for (const VerbOption& option : verb.options) {
-        const std::string help(option.help);
-        // Repeating is found by TakeOptions(), which says it better.
-        app.add_option(std::string(option.name), help)
-            ->type_name(std::string(option.value))
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    }
-    for (const VerbFlag& flag : verb.flags) {
-        app.add_flag(std::string(flag.name))->description(std::string(flag.help));
-    }
-}
-
-std::string TakeOptions(const CLI::App& app, const Verb& verb, Invocation& invocation) {
-    for (const VerbOption& option : verb.options) {
-        const Words& values = app.get_option(std::string(option.name))->results();
-        if (values.size() > 1) {
-            return "option " + Quoted(option.name) + " is given twice; give it once";
-        }
-        if (!values.empty()) {
-            invocation.*option.target = values.front();
-        }
-    }
-    for (const VerbFlag& flag : verb.flags) {
-        invocation.*flag.target = app.count(std::string(flag.name)) > 0;
-    }
-    return {};
-}
-
-std::string TakeWords(const CLI::App& app, const Verb& verb, Invocation& invocation) {
-    const Words arguments = app.remaining();
-    invocation.beside_secret = MayHoldSecret(verb, arguments);
-    bool only_words = false;
-    for (const std::string& argument : arguments) {
-        if (!only_words && argument == "--") {
-            only_words = true;
-            continue;
-        }
-        if (!only_words && LooksLikeOption(argument)) {
-            return UnknownOption(app, WithoutValue(argument), CommandName(verb),
-                                 invocation.beside_secret, DashHint(verb));
-        }
-        invocation.words.push_back(argument);
+    if (!arguments.unknown.empty()) {
+        return UnknownOption(verb, arguments.unknown, invocation.beside_secret);
     }
     if (invocation.words.size() < verb.min_words) {
         return "argument missing; usage: " + Usage(verb);
@@ -219,6 +179,22 @@ std::string TakeWords(const CLI::App& app, const Verb& verb, Invocation& invocat
                " is one argument too many; usage: " + Usage(verb);
     }
     return {};
+}
+
+std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key) {
+    const std::string_view name = WithoutValue(option);
+    return "unknown option" +
+           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(name)) +
+           DidYouMean(name, OptionNames(verb),
+                      "'" + CommandName(verb) + " --help' lists the options" + DashHint(verb));
+}
+
+bool HasOption(const Verb& verb, std::string_view name) {
+    return Find(verb.options, name) != nullptr || Find(verb.flags, name) != nullptr;
+}
+
+std::string_view WithoutValue(std::string_view argument) {
+    return argument.substr(0, argument.find('='));
 }
 
 }  // namespace velkctl

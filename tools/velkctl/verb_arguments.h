@@ -7,46 +7,32 @@
 #include <vector>
 
 #include "velkctl/verbs.h"
-#include <CLI/CLI.hpp>
 
 namespace velkctl {
 
 using Words = std::vector<std::string>;
 
-// "velkctl list"
-std::string Usage(const Verb& verb);
+struct Arguments {
+    Invocation invocation{};   // its words are all that is no option of the verb
+    std::string problem{};     // with how an option is given, even where help is asked for
+    std::string_view twice{};  // an option that is given again
+    std::string unknown{};     // the first of the words that looks like an option
+};
 
-// Complains about an option that the app, which is told of in the help of a command, does not have.
-std::string UnknownOption(const CLI::App& app, std::string_view option, const std::string& command,
-                          bool may_be_key = false, const std::string& hint = {});
+// Takes the arguments apart. Behind "--" nothing is an option, nor looks like one.
+Arguments ReadArguments(const Verb& verb, Words given);
 
-// An argument without what stands behind "=", which may be a secret.
-std::string_view WithoutValue(std::string_view argument);
+// The problem with the arguments of a verb that is to be run; empty when there is none.
+std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments);
 
-void DeclareOptions(CLI::App& app, const Verb& verb);
+// Complains about an option that a verb, or the tool itself, does not have.
+std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key = false);
 
 // Says whether the verb has an option or flag of this name.
 bool HasOption(const Verb& verb, std::string_view name);
 
-// Makes two arguments of "--text=": CLI11 takes the next argument for the value of an option whose
-// own is empty.
-Words SplitEmptyValues(const Verb& verb, Words::const_iterator begin, Words::const_iterator end);
-
-// The problem with "--wait 5", where 5 is a word of the verb and seems to be meant for the option;
-// empty when there is none.
-std::string ImpliedValueProblem(const Verb& verb, const Words& arguments);
-
-// The problem with an argument that gives a flag a value, such as "--help=no" or "-hello", which
-// CLI11 takes for the flag; empty when there is none. The second looks at all arguments of a verb.
-std::string FlagProblem(const CLI::App& app, std::string_view argument);
-std::string FlagProblem(const CLI::App& app, const Verb& verb, const Words& arguments);
-
-// The problem with the options given; empty when there is none.
-std::string TakeOptions(const CLI::App& app, const Verb& verb, Invocation& invocation);
-
-// The problem with the arguments that are no known options; empty when all are words. Behind "--"
-// everything is one.
-std::string TakeWords(const CLI::App& app, const Verb& verb, Invocation& invocation);
+// An argument without what stands behind "=", which may be a secret.
+std::string_view WithoutValue(std::string_view argument);
 
 }  // namespace velkctl
 

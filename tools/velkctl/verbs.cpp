@@ -31,6 +31,10 @@ constexpr std::array<VerbOption, 4> kCallOptions{{
     kTimeout,
 }};
 
+constexpr std::array<VerbFlag, 2> kToolFlags{{
+    {"--version", "show the version", &Invocation::version},
+    kJson,
+}};
 constexpr std::array kJsonFlags{kJson};
 constexpr std::array kSecretFlags{kJson, kShowSecrets};
 constexpr std::array<VerbFlag, 3> kGetFlags{{
@@ -174,10 +178,26 @@ constexpr std::array<Verb, 9> kVerbs{{
      2, 3, kCallOptions, kSecretFlags, RunCall},
 }};
 
+constexpr Verb kTool{
+    "",
+    "VERB [ARGUMENT...]",
+    "Read and change the network settings of the device.",
+    "'velkctl VERB --help' tells more about a verb, and has examples. 'velkctl list' names\n"
+    "the settings.",
+    0,
+    0,
+    {},
+    kToolFlags,
+    nullptr};
+
 }  // namespace
 
 std::span<const Verb> Verbs() {
     return kVerbs;
+}
+
+const Verb& Tool() {
+    return kTool;
 }
 
 std::string Invocation::Shown(std::string_view word) const {

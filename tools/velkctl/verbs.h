@@ -26,6 +26,8 @@ struct Invocation {
     bool bare_value = false;
     bool force = false;
     bool no_verify = false;
+    bool help = false;
+    bool version = false;
     bool beside_secret = false;  // any word may be one
 
     // A word, to be named in a message: 'word', or what stands in its place when it may be a key.
@@ -61,6 +63,9 @@ struct Verb {
 };
 
 std::span<const Verb> Verbs();
+
+// What velkctl takes without a verb, as a row like theirs.
+const Verb& Tool();
 
 ExitStatus RunGet(const Invocation& invocation, Report& report);
 ExitStatus RunSet(const Invocation& invocation, Report& report);
