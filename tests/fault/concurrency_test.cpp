@@ -38,7 +38,7 @@ struct Board {
     std::atomic<int> succeeded;
     std::atomic<int> refused;
     // The value of each setting that was stored last. Written by the holder of the lock.
-    char last[2][32];
+    char last[2][32] = {"0", "0"};
 };
 
 class SharedBoard {

@@ -177,10 +177,19 @@ TEST_F(HostTest, WithoutStandardInputFailsOnceWhereNobodyEverCalled) {
     }));
 }
 
+// False when the system does not allow that many.
+bool LimitDescriptors(int count) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == -1) {
+        return false;
+    }
+    limit.rlim_cur = static_cast<rlim_t>(count);
+    return setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
 // Fills the numbers below `count`; false when the system does not allow that many.
 bool OpenDescriptorsBelow(int count) {
-    const rlimit limit{static_cast<rlim_t>(count) + 100, static_cast<rlim_t>(count) + 100};
-    if (setrlimit(RLIMIT_NOFILE, &limit) == -1) {
+    if (!LimitDescriptors(count + 100)) {
         return false;
     }
     int fd = 0;
@@ -210,10 +219,8 @@ TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
 TEST_F(HostTest, WithoutAnyDescriptorLeftIsToldSo) {
     EXPECT_TRUE(InAHost([] {
         const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        const auto full = static_cast<rlim_t>(next) + 1;
-        const rlimit limit{full, full};
         _velk_request own{};
-        return next > 0 && setrlimit(RLIMIT_NOFILE, &limit) == 0 &&
+        return next > 0 && LimitDescriptors(next + 1) &&
                RequestAddress(VELK_SET, "10.1.2.3", own) == -1 &&
                RequestAddress(VELK_GET, "", own) == -1;
     }));
@@ -289,21 +296,23 @@ TEST_F(HostTest, WithASmallStackCanSetAndAskTheDaemon) {
 
 std::atomic<int> alarms = 0;
 
+// The handler stays: a signal may be on its way when its timer is stopped.
+void CountAlarms(int flags) {
+    alarms = 0;
+    struct sigaction action {};
+    action.sa_handler = [](int) { ++alarms; };
+    action.sa_flags = flags;
+    sigaction(SIGALRM, &action, nullptr);
+}
+
 // SIGALRM comes all the time while it lives.
 class AlarmStorm {
   public:
     explicit AlarmStorm(int flags) {
-        alarms = 0;
-        struct sigaction action {};
-        action.sa_handler = [](int) { ++alarms; };
-        action.sa_flags = flags;
-        sigaction(SIGALRM, &action, &before_);
+        CountAlarms(flags);
         Every(500);
     }
-    ~AlarmStorm() {
-        Every(0);
-        sigaction(SIGALRM, &before_, nullptr);
-    }
+    ~AlarmStorm() { Every(0); }
     AlarmStorm(const AlarmStorm&) = delete;
     AlarmStorm& operator=(const AlarmStorm&) = delete;
 
@@ -312,7 +321,6 @@ class AlarmStorm {
         const itimerval timer{{0, microseconds}, {0, microseconds}};
         setitimer(ITIMER_REAL, &timer, nullptr);
     }
-    struct sigaction before_ {};
 };
 
 TEST_F(HostTest, WithSignalsArrivingCanSet) {
@@ -334,11 +342,7 @@ TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
     testkit::FakeDaemon daemon;
     daemon.StaySilent();
     for (const int flags : {0, SA_RESTART}) {
-        struct sigaction action {};
-        struct sigaction before {};
-        action.sa_handler = [](int) {};
-        action.sa_flags = flags;
-        sigaction(SIGALRM, &action, &before);
+        CountAlarms(flags);
         LibcRecorder::Get().OnCall(testkit::Call::kSelect, [](const testkit::Event&) {
             const itimerval soon{{0, 20 * 1000}, {0, 20 * 1000}};
             setitimer(ITIMER_REAL, &soon, nullptr);
@@ -348,7 +352,6 @@ TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
         EXPECT_EQ(QuerySsid(response), -1);
         const itimerval never{};
         setitimer(ITIMER_REAL, &never, nullptr);
-        sigaction(SIGALRM, &before, nullptr);
         EXPECT_THAT(LibcRecorder::Get().Logs(),
                     Contains("RecvWlanResponseMessage select errno=4:Interrupted system call"));
         EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));

@@ -2,6 +2,7 @@
 #ifndef TESTS_FAULT_REQUESTS_H_
 #define TESTS_FAULT_REQUESTS_H_
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,11 @@ struct Request {
     std::string name;  // "set 102 eth0"
     _velk_request request;
 };
+
+// For GoogleTest, which would print the bytes between the members, too.
+inline void PrintTo(const Request& request, std::ostream* out) {
+    *out << request.name;
+}
 
 // The requests of one row of the dispatch tables and one interface it allows; one name.
 using Group = std::vector<Request>;

@@ -1,10 +1,11 @@
 // libc_recorder.cpp - records calls and answers them by script.
 #include "support/libc_recorder.h"
 
-#include <cstddef>
 #include <cstdlib>
 #include <new>
 #include <utility>
+
+#include <malloc.h>
 
 namespace testkit {
 namespace {
@@ -17,10 +18,11 @@ thread_local int allocations_made = 0;
 thread_local int allocations_held = 0;
 thread_local bool is_unrecorded = false;
 
-// Stands in front of every block, to know again at its end what was counted at its beginning.
-struct alignas(std::max_align_t) BlockHeader {
-    bool is_counted;
-};
+// Stands behind every block, to know again at its end what was counted at its beginning. Not in
+// front of it: a leak checker looks for pointers to where a block begins.
+bool& CountedMark(void* block) {
+    return static_cast<bool*>(block)[malloc_usable_size(block) - sizeof(bool)];
+}
 
 bool IsFaultDue() {
     if (is_uncounted || allocations_until_fault == 0) {
@@ -41,22 +43,21 @@ void* Allocate(size_t size) {
     if (IsFaultDue()) {
         throw std::bad_alloc();
     }
-    auto* header = static_cast<BlockHeader*>(malloc(sizeof(BlockHeader) + size));
-    if (header == nullptr) {
+    void* block = malloc(size + sizeof(bool));
+    if (block == nullptr) {
         throw std::bad_alloc();
     }
-    header->is_counted = is_counted;
+    CountedMark(block) = is_counted;
     allocations_held += is_counted ? 1 : 0;
-    return header + 1;
+    return block;
 }
 
 void Free(void* memory) {
     if (memory == nullptr) {
         return;
     }
-    BlockHeader* header = static_cast<BlockHeader*>(memory) - 1;
-    allocations_held -= header->is_counted ? 1 : 0;
-    free(header);
+    allocations_held -= CountedMark(memory) ? 1 : 0;
+    free(memory);
 }
 
 }  // namespace
