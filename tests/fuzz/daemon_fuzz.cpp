@@ -128,6 +128,59 @@ std::string WithoutField(const Row& row, std::string body) {
     return body.erase(row.offset, row.size);
 }
 
+std::string TextIn(const std::string& body, size_t offset, size_t size) {
+    const std::string field = body.substr(offset, size);
+    return field.substr(0, field.find('\0'));
+}
+
+std::string RevisionIn(const std::string& product) {
+    const size_t key = product.find("Rev= ");
+    return key == std::string::npos ? "" : product.substr(key + 5);
+}
+
+std::string MacIn(const std::string& body) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    for (const char c : body.substr(142, 6)) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += {kDigits[byte / 16], kDigits[byte % 16]};
+    }
+    return text;
+}
+
+// A number of the record, one higher; a get of an unknown one does not succeed.
+std::string CodeIn(const std::string& body, size_t offset) {
+    Check(body[offset] >= 0 && body[offset] <= 2 && body[offset + 1] == 0, "the code is known");
+    return {static_cast<char>(body[offset] + 1)};
+}
+
+// What a get of a fact gives, read from the bytes of the record.
+std::string FactIn(const std::string& body, uint32_t id) {
+    switch (id) {
+        case VELK_CMD_HARDWARE_VERSION:
+            return RevisionIn(TextIn(body, 0, 64));
+        case VELK_CMD_SOFTWARE_VERSION:
+            return TextIn(body, 64, 32);
+        case VELK_CMD_REGION:
+            return CodeIn(body, 96);
+        case VELK_CMD_ACCESS_POINT:
+            return MacIn(body);
+        case VELK_CMD_STANDARD:
+            return CodeIn(body, 152);
+        case VELK_CMD_RATE:
+            return body.substr(156, 4);
+        case VELK_CMD_SIGNAL:
+            return body.substr(160, 4);
+        default:
+            Check(false, "the row is that of a fact");
+            return "";
+    }
+}
+
+bool IsFilledUp(const std::string& data, const std::string& text) {
+    return data == text + std::string(data.size() - text.size(), '\0');
+}
+
 void RunGet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body) {
     const int result = turn.Execute(VELK_GET, row.id, "eth1");
     const std::string data = testkit::Data(turn.response);
@@ -139,7 +192,9 @@ void RunGet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body)
         memcpy(&length, &body[row.offset], sizeof(length));
         Check(length <= row.size - sizeof(length), "no text is longer than its field");
         const std::string text = body.substr(row.offset + sizeof(length), length);
-        Check(data == text + std::string(data.size() - length, '\0'), "the text is the field's");
+        Check(IsFilledUp(data, text), "the text is the field's");
+    } else if (row.size == 0) {
+        Check(IsFilledUp(data, FactIn(body, row.id)), "the fact is the record's");
     }
     const std::vector<std::string> sent = daemon.Received();
     Check(sent.size() == 1 && sent[0].size() == kMessage, "one query was sent");
