@@ -163,7 +163,7 @@ TEST_P(PowerCutTest, LeavesWholeFilesAndNothingThatBlocks) {
     CutAll(Moments::kThatDiffer);
 }
 
-// Also at the moments after which the device looks the same as before. Takes minutes.
+// Also at the moments after which the device looks the same as before. Takes twenty minutes.
 TEST_P(PowerCutTest, DISABLED_AtEverySystemCall) {
     CutAll(Moments::kAll);
 }

@@ -1,10 +1,7 @@
-// Many callers at once: one holder of the lock at a time, and nothing anybody was told is lost.
+// Many processes at once: one holder of the lock at a time, and nothing anybody was told is lost.
 #include <atomic>
-#include <csignal>
-#include <functional>
 #include <regex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -12,8 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/scene.h"
-#include "support/device_test.h"
+#include "fault/concurrency.h"
 
 namespace fault {
 namespace {
@@ -23,9 +19,6 @@ using testkit::Event;
 using testkit::LibcRecorder;
 
 constexpr int kProcesses = 32;
-constexpr int kRounds = 25;
-constexpr char kSettings[] = "/var/libvelk/libvelk";
-constexpr char kEditCopy[] = "/var/tmp/libvelk";
 
 // What the processes tell one another; in memory that they share.
 struct Board {
@@ -136,8 +129,6 @@ void Hammer(Board& board, int process) {
     }
 }
 
-class ConcurrencyTest : public testkit::DeviceTest {};
-
 TEST_F(ConcurrencyTest, ManyProcessesLoseNoUpdateOfOneFile) {
     testkit::WriteFile(kSettings, "ADMINISTRATOR=0\nLOCATION=0\n");
     SharedBoard board;
@@ -166,88 +157,6 @@ TEST_F(ConcurrencyTest, ManyProcessesLoseNoUpdateOfOneFile) {
     EXPECT_EQ(testkit::ReadFile(kSettings), std::string("ADMINISTRATOR=") + board->last[0] +
                                                 "\nLOCATION=" + board->last[1] + "\n");
     EXPECT_FALSE(testkit::Exists(kEditCopy));
-}
-
-// Threads of one process exclude each other as processes do. For the thread sanitizer too.
-TEST_F(ConcurrencyTest, ThreadsLoseNoUpdateEither) {
-    testkit::WriteFile(kSettings, "ADMINISTRATOR=0\nLOCATION=0\n");
-    std::atomic<int> wrong = 0;
-    std::atomic<int> stored = 0;
-    std::atomic<int> holders = 0;
-    libc().ScriptAlways(Call::kSystem, testkit::Return(0));
-    libc().OnCall(Call::kSystem, [&](const Event& event) {
-        const testkit::Unrecorded ours;
-        if (event.text.starts_with("cat ")) {
-            wrong += holders.fetch_add(1) == 0 ? 0 : 1;
-            testkit::WriteFile(kSettings, testkit::ReadFile(kEditCopy));
-            --holders;
-        } else if (event.text.starts_with("rm ")) {
-            unlink(kEditCopy);
-        }
-    });
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 8; ++number) {
-        threads.emplace_back([&, number] {
-            for (int round = 0; round < kRounds; ++round) {
-                const uint32_t id = number % 2 == 0 ? VELK_CMD_ADMINISTRATOR : VELK_CMD_LOCATION;
-                const bool is_set = number < 4;
-                const _velk_request request =
-                    testkit::MakeRequest(is_set ? VELK_SET : VELK_GET, id, "", "7");
-                _velk_request own;
-                const int result = execute_velk_command(&request, &own);
-                const bool is_expected = result == 0 || (is_set && result == LIB_VELK_LOCKED);
-                wrong += is_expected ? 0 : 1;
-                stored += is_set && result == 0 ? 1 : 0;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(wrong, 0);
-    EXPECT_GT(stored, 0);
-    const std::string text = testkit::ReadFile(kSettings);
-    EXPECT_TRUE(std::regex_match(text, std::regex("ADMINISTRATOR=[07]\nLOCATION=[07]\n"))) << text;
-    EXPECT_NE(text, "ADMINISTRATOR=0\nLOCATION=0\n");
-}
-
-// Runs a set in a child that is killed while its shell line would run.
-void KillWhileHoldingTheLock(const std::function<void()>& before_the_end) {
-    const pid_t child = fork();
-    if (child == 0) {
-        LibcRecorder::Get().OnCall(Call::kSystem, [&](const Event&) {
-            const testkit::Unrecorded ours;
-            before_the_end();
-            (void)raise(SIGKILL);
-        });
-        const _velk_request request =
-            testkit::MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.9.9.9");
-        _velk_request response;
-        (void)execute_velk_command(&request, &response);
-        _exit(0);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFSIGNALED(status)) << "it was to die while it held the lock";
-}
-
-TEST_F(ConcurrencyTest, AKilledHolderFreesTheLock) {
-    Device device({});
-    KillWhileHoldingTheLock([] {});
-    EXPECT_TRUE(testkit::Exists("/var/tmp/interfaces")) << "its edit copy stays";
-    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
-    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), 0);
-    EXPECT_STREQ(response.data, "10.1.2.3");
-    EXPECT_FALSE(testkit::Exists("/var/tmp/interfaces"));
-}
-
-TEST_F(ConcurrencyTest, SoItDoesWhenAToolOfItsRunsOn) {
-    Device device({});
-    KillWhileHoldingTheLock([] {
-        LibcRecorder::Get().Reset();
-        (void)!system("sleep 2 >/dev/null 2>&1 &");
-    });
-    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
 }
 
 }  // namespace

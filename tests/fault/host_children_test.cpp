@@ -1,0 +1,87 @@
+// Hosts that look after their children in their own way, or cannot have any.
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+
+#include "fault/host.h"
+
+namespace fault {
+namespace {
+
+using testkit::LibcRecorder;
+
+TEST_F(HostTest, ThatIgnoresItsChildrenCanSet) {
+    EXPECT_TRUE(InAHost([] {
+        (void)signal(SIGCHLD, SIG_IGN);
+        return AddressCanBeSet("10.1.2.3");
+    }));
+    EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), testing::HasSubstr("10.1.2.3"));
+}
+
+// A shell whose end nobody keeps looks like one that was not run.
+TEST_F(HostTest, ThatIgnoresItsChildrenCannotUseTools) {
+    EXPECT_TRUE(InAHost([] {
+        (void)signal(SIGCHLD, SIG_IGN);
+        _velk_request own{};
+        const _velk_request request =
+            testkit::MakeRequest(VELK_SET, VELK_CMD_LINK_SPEED, "eth0", std::string_view("\1", 1));
+        return execute_velk_command(&request, &own) == -1 &&
+               LibcRecorder::Get().Logs().back() == "system errno=10:No child processes";
+    }));
+}
+
+const std::vector<long> kStartsOfProcesses{
+    SYS_clone,
+    SYS_clone3,
+#ifdef SYS_vfork
+    SYS_vfork,
+#endif
+};
+
+// From now on these system calls of the process fail.
+bool Refuse(const std::vector<long>& calls, unsigned error) {
+    std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
+    for (const long call : calls) {
+        filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(call), 0, 1));
+        filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error));
+    }
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+// system(3) tells a process that cannot be started as a command that failed, and that is not
+// noticed: the edit stays unmade, and its copy stays for the next edit to replace.
+TEST_F(HostTest, WithoutRoomForAProcessChangesNothingAndIsNotTold) {
+    const Files before = ReadTargets();
+    EXPECT_TRUE(InAHost([] {
+        _velk_request own{};
+        return Refuse(kStartsOfProcesses, EAGAIN) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
+    }));
+    EXPECT_TRUE(ReadTargets() == before);
+    EXPECT_THAT(Leftovers(), testing::ElementsAre("/var/tmp/interfaces"));
+    EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
+}
+
+TEST_F(HostTest, WithoutAShellChangesNothingAndIsNotTold) {
+    const Files before = ReadTargets();
+    EXPECT_TRUE(InAHost([] {
+        _velk_request own{};
+        return Refuse({SYS_execve}, ENOENT) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
+    }));
+    EXPECT_TRUE(ReadTargets() == before);
+    EXPECT_THAT(Leftovers(), testing::ElementsAre("/var/tmp/interfaces"));
+    EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
+}
+
+}  // namespace
+}  // namespace fault

@@ -1,0 +1,91 @@
+// Hosts with too few descriptors, or too many.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "fault/host.h"
+
+namespace fault {
+namespace {
+
+TEST_F(HostTest, WithoutStandardDescriptorsCanSet) {
+    EXPECT_TRUE(InAHost([] {
+        for (const int fd : {0, 1, 2}) {
+            close(fd);
+        }
+        return AddressCanBeSet("10.1.2.3");
+    }));
+}
+
+TEST_F(HostTest, WithOneStandardDescriptorMissingCanSet) {
+    for (const int fd : {0, 1, 2}) {
+        EXPECT_TRUE(InAHost([fd] {
+            close(fd);
+            return AddressCanBeSet("10.1.2.3") && fcntl(fd, F_GETFD) == -1;
+        })) << fd;
+    }
+}
+
+// Descriptor 0 does not count as a lock. When the lock's file has to be made first, nothing is left
+// to try; the file is there then.
+TEST_F(HostTest, WithoutStandardInputFailsOnceWhereNobodyEverCalled) {
+    unlink("/var/tmp/vklib_lock");
+    EXPECT_TRUE(InAHost([] {
+        close(0);
+        _velk_request own{};
+        return RequestAddress(VELK_SET, "10.1.2.3", own) == -1 && AddressCanBeSet("10.1.2.3");
+    }));
+}
+
+// False when the system does not allow that many.
+bool LimitDescriptors(int count) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == -1) {
+        return false;
+    }
+    limit.rlim_cur = static_cast<rlim_t>(count);
+    return setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
+// Fills the numbers below `count`; false when the system does not allow that many.
+bool OpenDescriptorsBelow(int count) {
+    if (!LimitDescriptors(count + 100)) {
+        return false;
+    }
+    int fd = 0;
+    while (fd < count - 1) {
+        fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (fd == -1) {
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST_F(HostTest, WithManyDescriptorsCanSet) {
+    EXPECT_TRUE(InAHost([] { return OpenDescriptorsBelow(2000) && AddressCanBeSet("10.1.2.3"); }));
+}
+
+// select(2) knows no descriptor beyond 1023; nothing is written behind its set.
+TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
+    EXPECT_TRUE(InAHost([] {
+        _velk_request own{};
+        return QuerySsid(own) == 0 && OpenDescriptorsBelow(2000) && QuerySsid(own) == -1;
+    }));
+    EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));
+    EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
+}
+
+TEST_F(HostTest, WithoutAnyDescriptorLeftIsToldSo) {
+    EXPECT_TRUE(InAHost([] {
+        const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        _velk_request own{};
+        return next > 0 && LimitDescriptors(next + 1) &&
+               RequestAddress(VELK_SET, "10.1.2.3", own) == -1 &&
+               RequestAddress(VELK_GET, "", own) == -1;
+    }));
+}
+
+}  // namespace
+}  // namespace fault
