@@ -327,9 +327,9 @@ TEST_F(InterfacesWriterShellTest, AnAddressOnAFileOfManyBlocksArrivesWhole) {
 }
 
 TEST_F(InterfacesWriterShellTest, AFileThatCannotBeWrittenStaysAsItWasAndIsNotNoticed) {
-    ASSERT_EQ(mount(kFile, kFile, nullptr, MS_BIND, nullptr), 0);
+    ASSERT_EQ(mount(kFile, kFile, "none", MS_BIND, nullptr), 0);
     const bool is_read_only =
-        mount(nullptr, kFile, nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+        mount("none", kFile, "none", MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
     EXPECT_TRUE(is_read_only);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
     EXPECT_EQ(ReadFile(kFile), kText);

@@ -1,0 +1,31 @@
+# valgrind_test.sh - velkctl under valgrind. Run by scripts/valgrind.
+# shellcheck shell=bash
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+
+needs_sandbox
+
+watched() { # watched VALGRIND-OPTION... COMMAND...
+    on_device valgrind -q --vgdb=no --error-exitcode=9 --leak-check=full "$@"
+}
+
+# What valgrind has to say stands on standard error; velkctl itself says nothing there.
+is_clean() { # is_clean STATUS ARGUMENT...
+    it "makes no mistake in: velkctl ${*:2}"
+    watched "$VELK_BUILD/velkctl" "${@:2}"
+    status_is "$1"
+    error_is ''
+}
+
+is_clean 0 get eth0.address
+is_clean 0 get eth1.ssid
+is_clean 0 set eth0.address 10.1.2.3
+is_clean 0 set eth1.ssid next
+is_clean 0 show
+is_clean 1 doctor # finds what the sample device lacks
+
+it 'would tell of a mistake'
+watched --errors-for-leak-kinds=all bash -c true # keeps memory until its end
+status_is 9
+
+finish
