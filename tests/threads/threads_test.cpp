@@ -1,0 +1,152 @@
+// Many threads of one program call at once, with the real shell.
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <regex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "velk.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kThreads = 8;
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kTools[] = "/tmp/tools";
+
+void Write(const std::string& path, std::string_view text) {
+    std::ofstream(path) << text;
+}
+
+std::string Read(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string InterfacesWith(const std::string& address) {
+    return "auto eth0\niface eth0 inet static\n\taddress " + address +
+           "\n\tnetmask 255.255.255.0\n\tgateway 192.168.0.1\n";
+}
+
+int Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data,
+            _velk_request& response) {
+    _velk_request request{};
+    request.command_type = type;
+    request.command_id = id;
+    interface.copy(request.interface, sizeof(request.interface));
+    data.copy(request.data, sizeof(request.data));
+    return execute_velk_command(&request, &response);
+}
+
+void InThreads(const std::function<void(int)>& work) {
+    std::vector<std::thread> threads;
+    for (int number = 0; number < kThreads; ++number) {
+        threads.emplace_back(work, number);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+// The tests stand on a device of their own. No tool is in reach but these.
+class ThreadsTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        fs::create_directory(kTools);
+        for (const std::string tool : {"cat", "rm"}) {
+            std::error_code exists;
+            fs::create_symlink("/bin/" + tool, std::string(kTools) + "/" + tool, exists);
+        }
+        AddTool("sudo", "exec \"$@\"");
+        AddTool("ethtool", "echo Speed: 100Mb/s; echo Duplex: Full; echo Auto-negotiation: off");
+        setenv("PATH", kTools, 1);
+        Write(kInterfaces, InterfacesWith("192.168.0.10"));
+        Write("/var/libvelk/libvelk", "ADMINISTRATOR=Robin\nLOCATION=Cellar\n");
+    }
+
+  private:
+    static void AddTool(const std::string& name, const std::string& line) {
+        const std::string path = std::string(kTools) + "/" + name;
+        Write(path, "#!/bin/sh\n" + line + "\n");
+        fs::permissions(path, fs::perms::owner_all);
+    }
+};
+
+TEST_F(ThreadsTest, EachGetsItsOwnAnswer) {
+    struct Expected {
+        uint32_t id;
+        const char* interface;
+        const char* text;
+    };
+    static constexpr Expected kExpected[] = {
+        {VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10"},
+        {VELK_CMD_NETMASK, "eth0", "255.255.255.0"},
+        {VELK_CMD_ADMINISTRATOR, "", "Robin"},
+        {VELK_CMD_LOCATION, "", "Cellar"},
+    };
+    std::atomic<int> wrong = 0;
+    InThreads([&](int number) {
+        const Expected& expected = kExpected[static_cast<size_t>(number) % std::size(kExpected)];
+        for (int round = 0; round < 200; ++round) {
+            _velk_request response;
+            const int result = Execute(VELK_GET, expected.id, expected.interface, "", response);
+            wrong += result == 0 && std::string_view(response.data) == expected.text ? 0 : 1;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(ThreadsTest, WaitForOneAnothersTools) {
+    std::atomic<int> wrong = 0;
+    InThreads([&](int) {
+        _velk_request response;
+        const int result = Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0", "", response);
+        wrong += result == 0 && response.data[0] == VELK_LINK_100_FULL ? 0 : 1;
+    });
+    EXPECT_EQ(wrong, 0);
+    EXPECT_FALSE(fs::exists("/var/tmp/get_result"));
+}
+
+// A get beside a set may find the file empty while the shell copies it.
+bool MayBeRead(int result, const char* text) {
+    static const std::regex address("|192\\.168\\.0\\.10|10\\.0\\.[0-7]\\.[0-9]+");
+    return result == -1 || (result == 0 && std::regex_match(text, address));
+}
+
+TEST_F(ThreadsTest, SetOneFileOneAfterTheOther) {
+    std::atomic<int> wrong = 0;
+    std::vector<std::string> stored[kThreads];
+    InThreads([&](int number) {
+        for (int round = 0; round < 20; ++round) {
+            const std::string address =
+                "10.0." + std::to_string(number) + "." + std::to_string(round);
+            _velk_request response;
+            const int set = Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", address, response);
+            wrong += set == 0 || set == LIB_VELK_LOCKED ? 0 : 1;
+            if (set == 0) {
+                stored[number].push_back(address);
+            }
+            const int get = Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0", "", response);
+            wrong += MayBeRead(get, response.data) ? 0 : 1;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+    // One of the threads was the last to store.
+    const std::string text = Read(kInterfaces);
+    EXPECT_TRUE(std::ranges::any_of(stored, [&](const std::vector<std::string>& addresses) {
+        return !addresses.empty() && text == InterfacesWith(addresses.back());
+    })) << text;
+    EXPECT_FALSE(fs::exists("/var/tmp/interfaces"));
+}
+
+}  // namespace
