@@ -126,7 +126,10 @@ std::vector<int> FakeDaemon::types() const {
 // Goes on until it is stopped and no request is waiting, so that none is lost.
 void FakeDaemon::Serve() {
     const Unrecorded unrecorded;
-    while (ServeOne(5) || !stopping_) {
+    for (bool is_last = false; !is_last;) {
+        is_last = stopping_;  // what was sent before is served
+        while (ServeOne(5)) {
+        }
     }
 }
 

@@ -1,10 +1,12 @@
 // main.cpp - moves the unit tests onto a private device before the first one runs.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <string_view>
 
 #include <gmock/gmock.h>
+#include <sys/prctl.h>
 
 #include "sandbox/device.h"
 
@@ -37,6 +39,7 @@ bool EnterPrivateDevice() {
 int main(int argc, char** argv) {
     const bool listing = IsListing(argc, argv);
     ::testing::InitGoogleMock(&argc, argv);
+    (void)prctl(PR_SET_NAME, program_invocation_short_name);  // not valgrind's, as it would be
     if (!listing && !EnterPrivateDevice()) {
         return kSkipped;  // the tests write to the library's real paths
     }

@@ -121,7 +121,7 @@ TEST_F(RestartTest, TheWirelessInterfaceWithTheCableOut) {
     EXPECT_EQ(Restart("eth1"), 0);
     EXPECT_THAT(Story(), ElementsAre("system sudo ifdown eth1", "sleep 1", kAskLink, kRemove,
                                      "system sudo ifup eth1 &"));
-    EXPECT_THAT(ToldTheDaemon(), ElementsAre(1));
+    ASSERT_THAT(ToldTheDaemon(), ElementsAre(1));
     EXPECT_EQ(daemon.requests()[0], std::string("\1", 1) + std::string(239, '\0'));
     EXPECT_EQ(libc().Order({Call::kSystem, Call::kSendto}).back(), "sendto")
         << "the daemon is told when the interface is on its way up";
