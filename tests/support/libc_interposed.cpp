@@ -212,7 +212,10 @@ ssize_t __recvfrom_chk(int fd, void* buffer, size_t size, size_t /*room*/, int f
 }
 
 int select(int count, fd_set* reading, fd_set* writing, fd_set* failing, timeval* time_left) {
-    const std::string seconds = time_left == nullptr ? "" : std::to_string(time_left->tv_sec);
+    std::string seconds;
+    if (time_left != nullptr) {
+        seconds = std::to_string(time_left->tv_sec) + "." + std::to_string(time_left->tv_usec);
+    }
     return Answer({Call::kSelect, seconds, "select", count}, [&] {
         static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, timeval*)>("select");
         timeval none{};

@@ -288,6 +288,15 @@ TEST_F(FileEditTest, AnEditThatIsGivenUpLeavesTheFileAndItsCopyBehind) {
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
+TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
+    FileEdit edit(kTarget);
+    std::string_view line;
+    ASSERT_TRUE(edit.Next(line));
+    edit.Keep(line);
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\n");
+}
+
 TEST_F(FileEditTest, TheFileIsUntouchedUntilTheEnd) {
     FileEdit edit(kTarget);
     for (std::string_view line; edit.Next(line);) {

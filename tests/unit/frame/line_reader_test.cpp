@@ -131,6 +131,18 @@ TEST_F(LineReaderTest, ReadsNoFurtherThanNeeded) {
     EXPECT_EQ(libc().Events(Call::kRead).size(), 1U);
 }
 
+TEST_F(LineReaderTest, ALongFileIsReadInBlocksOfOneSize) {
+    std::string text;
+    while (text.size() < 1'000'000) {
+        text += "a line of a file that goes on and on\n";
+    }
+    testkit::WriteFile(kFile, text);
+    LineReader reader(kFile);
+    for (std::string_view line; reader.Next(line);) {
+    }
+    EXPECT_GE(libc().Events(Call::kRead).size(), text.size() / 65536);
+}
+
 TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
     const std::string first(4090, 'x');
     testkit::WriteFile(kFile, first + "\nthe block ends within this line\n");
@@ -245,7 +257,9 @@ TEST_F(LineReaderTest, TheEndOfTheFileStaysTheEnd) {
     std::string_view line;
     ASSERT_TRUE(reader.NextWithNewline(line));
     EXPECT_FALSE(reader.NextWithNewline(line));
+    const size_t reads = libc().Events(Call::kRead).size();
     EXPECT_FALSE(reader.NextWithNewline(line));
+    EXPECT_EQ(libc().Events(Call::kRead).size(), reads) << "it is not asked for again";
 }
 
 TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoLinesWithANewlineEither) {

@@ -40,6 +40,11 @@ TEST(ShellBlocks, OutsideBlocksEveryLineRuns) {
     EXPECT_EQ(Trace("eth1", {"a", "", "  b", "# c"}), "++++");
 }
 
+TEST(ShellBlocks, AnIfInACommentBeginsNoBlock) {
+    EXPECT_EQ(Trace("eth1", {"# if [ \"$interface\" = eth0 ]; then", "a", "then", "b"}), "++++");
+    EXPECT_EQ(Trace("eth1", {"a # if [ \"$interface\" = eth0 ]", "then", "b"}), "+++");
+}
+
 TEST(ShellBlocks, OutsideBlocksTheOtherKeywordsMeanNothing) {
     EXPECT_EQ(Trace("eth1", {"then", "else", "fi", "a", kIfThen, "b", "fi"}), "++++--+");
 }

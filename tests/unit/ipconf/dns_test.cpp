@@ -262,7 +262,9 @@ TEST_F(DnsTest, SetWritesInPlaceWithoutACopyOrAShell) {
 
 TEST_F(DnsTest, SetOnAFileThatCannotBeOpenedIsAFailure) {
     libc().Script(Call::kOpen, {Fail(EROFS)});
+    libc().ForgetEvents();
     EXPECT_EQ(SetDns(MakeRequest(VELK_SET, VELK_CMD_DNS, "eth0", Slots("1.0.0.1")), nullptr), -1);
+    EXPECT_THAT(libc().Events(Call::kWrite), IsEmpty());
 }
 
 TEST_F(DnsTest, AFailedWriteIsAFailure) {

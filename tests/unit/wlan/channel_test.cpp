@@ -164,7 +164,7 @@ TEST_F(ReceiveTest, AStaleReplySocketDoesNoHarm) {
 TEST_F(ReceiveTest, WithoutAReplyItGivesUpAfterSixtySeconds) {
     libc().Script(Call::kSelect, {Return(0)});
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
-    EXPECT_EQ(libc().Events(Call::kSelect)[0].text, "60");
+    EXPECT_EQ(libc().Events(Call::kSelect)[0].text, "60.0");
     EXPECT_THAT(libc().Logs(), ElementsAre("RecvWlanResponseMessage select timeout"));
     EXPECT_FALSE(testkit::Exists(kReplyPath));
     EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
