@@ -138,7 +138,16 @@ TEST_F(CommandOutputTest, ALockThatCannotBeHadIsDoneWithout) {
     CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
     EXPECT_THAT(LinesOf(output), ElementsAre("here"));
     EXPECT_TRUE(libc().Events(Call::kFlock).empty());
+    EXPECT_TRUE(libc().Events(Call::kFchmod).empty());
     EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(CommandOutputTest, ALinkInTheLocksPlaceIsNeverFollowed) {
+    { const CommandOutput output(CommandLine("true > %s", velk::kResultFile)); }
+    const std::vector<testkit::Event> opens = libc().Events(Call::kOpen);
+    ASSERT_GE(opens.size(), 2U);
+    EXPECT_EQ(opens[0].number, O_RDWR | O_NOFOLLOW | O_CLOEXEC);
+    EXPECT_EQ(opens[1].number, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC);
 }
 
 TEST_F(CommandOutputTest, OnlyAHeldLockIsWaitedFor) {

@@ -380,6 +380,19 @@ INSTANTIATE_TEST_SUITE_P(
                     Bytes(2, 1, "\xd9\xa1:30"), Bytes(2, 1, std::string("1\0:30", 5)),
                     Bytes(2, 1, std::string(510, '1')), Bytes(2, 1, std::string(509, '1') + ":")));
 
+std::vector<std::string> TimesWithAStrangeByte() {
+    std::vector<std::string> schedules;
+    for (int byte = 1; byte < 256; ++byte) {
+        const char c = static_cast<char>(byte);
+        if (c != ':' && (c < '0' || c > '9')) {
+            schedules.push_back(Bytes(2, 1, std::string("1") + c + ":30"));
+        }
+    }
+    return schedules;
+}
+INSTANTIATE_TEST_SUITE_P(TimeWithAStrangeByte, RefusedSchedule,
+                         testing::ValuesIn(TimesWithAStrangeByte()));
+
 INSTANTIATE_TEST_SUITE_P(TimeOfATypeThatDoesNotUseIt, RefusedSchedule,
                          testing::Values(Bytes(1, 6, ""), Bytes(1, 6, "x:y"), Bytes(99, 99, ""),
                                          Bytes(99, 99, "12:3a"), Bytes(99, 99, "-:-")));
