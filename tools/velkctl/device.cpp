@@ -8,6 +8,7 @@
 
 #include "velkctl/blocking.h"
 #include "velkctl/interruption.h"
+#include "velkctl/leftovers.h"
 #include "velkctl/library_call.h"
 #include "velkctl/lock_holder.h"
 #include "velkctl/stop_signals.h"
@@ -38,6 +39,7 @@ bool IsPlainRead(const Command& command) {
 }
 
 Answer ExecuteOnce(const Call& call) {
+    TellOfUnfinishedEdits(call.command, call.what, call.report);
     const bool is_here = !call.deadline && IsPlainRead(call.command);
     return is_here ? CallLibrary(call.command, call.data) : ExecuteWatched(call);
 }

@@ -18,8 +18,9 @@ enum class Change {
 struct DeviceFile {
     const char* path;
     Change change;
-    std::string_view subject;         // the settings that change it, as people are told
-    std::span<const uint32_t> holds;  // those that are held in it alone
+    std::string_view subject;              // the settings that change it, as people are told
+    std::span<const uint32_t> holds;       // those that are held in it alone
+    std::span<const uint32_t> changed_by;  // those whose set changes it
 };
 
 std::span<const DeviceFile> DeviceFiles();

@@ -1,5 +1,7 @@
-// leftovers.cpp - removes what a call leaves on the device that was ended in the middle.
+// leftovers.cpp - what a call leaves on the device that was ended in the middle.
 #include "velkctl/leftovers.h"
+
+#include <vector>
 
 #include <fcntl.h>
 #include <semaphore.h>
@@ -8,7 +10,7 @@
 
 #include "frame/unique_fd.h"
 #include "velk.h"
-#include "velkctl/device_files.h"
+#include "velkctl/edit_copy.h"
 #include "velkctl/places.h"
 #include "velkctl/unix_socket.h"
 
@@ -24,6 +26,18 @@ void RemoveQuery() {
     (void)sem_unlink(kSemaphoreName);
 }
 
+bool IsDispensable(EditState state) {
+    return state == EditState::kPart || state == EditState::kInPlace ||
+           state == EditState::kDiffers;
+}
+
+// Of files that were cut, and that the command edits.
+std::vector<EditCopy> CutEdits(const Command& command) {
+    std::vector<EditCopy> copies = FindEditCopies(command);
+    std::erase_if(copies, [](const EditCopy& copy) { return copy.state != EditState::kCut; });
+    return copies;
+}
+
 void RemoveToolOutput() {
     // Without O_CREAT: where nobody has ever read a tool's output, there is none.
     const velk::UniqueFd lock(open(kResultLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
@@ -32,15 +46,16 @@ void RemoveToolOutput() {
     }
 }
 
-// While the lock is held nobody edits: a copy that is there is one left behind.
-void RemoveEditCopies() {
+// While the lock is held nobody edits: a copy that is there is one left behind. What the command
+// did not make, and what a file has yet to get, stays.
+void RemoveEditCopies(const Command& command) {
     const int lock = VkLibLock();
     if (lock <= 0) {
         return;
     }
-    for (const DeviceFile& file : DeviceFiles()) {
-        if (file.change == Change::kByEdit) {
-            (void)unlink(EditCopyOf(file.path).c_str());
+    for (const EditCopy& copy : FindEditCopies(command)) {
+        if (IsDispensable(copy.state)) {
+            (void)unlink(copy.path.c_str());
         }
     }
     VkLibUnLock(lock);
@@ -55,8 +70,25 @@ void RemoveLeftovers(const Command& command, bool tools_ended) {
     RemoveToolOutput();
     // A tool may still be putting a copy in place, and without it would empty the device's file.
     if (command.type == VELK_SET && tools_ended) {
-        RemoveEditCopies();
+        RemoveEditCopies(command);
     }
+}
+
+void TellOfUnfinishedEdits(const Command& command, const std::string& what, Report& report) {
+    if (CutEdits(command).empty()) {
+        return;
+    }
+    const int lock = VkLibLock();
+    if (lock <= 0) {
+        return;  // an edit may be under way, and this command is refused
+    }
+    for (const EditCopy& copy : CutEdits(command)) {
+        report.Note(what + ": " + copy.file->path +
+                    " was cut while being copied, and this set replaces the edit copy that has the "
+                    "rest; such an edit is to be finished before a set: " +
+                    FinishingOf(copy));
+    }
+    VkLibUnLock(lock);
 }
 
 }  // namespace velkctl

@@ -35,6 +35,14 @@ std::string FileInLocks(dev_t device, ino_t inode) {
     return text.data();
 }
 
+std::optional<int> HoldingProcess() {
+    struct stat file {};
+    if (stat(kLockFile, &file) != 0) {
+        return std::nullopt;
+    }
+    return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
+}
+
 }  // namespace
 
 std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode) {
@@ -77,12 +85,7 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
 }
 
 std::optional<LockHolder> FindLockHolder() {
-    struct stat file {};
-    if (stat(kLockFile, &file) != 0) {
-        return std::nullopt;
-    }
-    const std::optional<int> process =
-        FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
+    const std::optional<int> process = HoldingProcess();
     if (!process) {
         return std::nullopt;
     }
@@ -101,6 +104,18 @@ std::optional<LockHolder> FindLockHolder() {
 std::string Words(const LockHolder& holder) {
     return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ", " +
            InWords(holder.seconds) + " old)";
+}
+
+std::string LockHolderInWords() {
+    const std::optional<int> process = HoldingProcess();
+    if (!process) {
+        return "";
+    }
+    const std::optional<LockHolder> holder = FindLockHolder();
+    if (!holder) {
+        return "a process that process " + std::to_string(*process) + " started before it ended";
+    }
+    return Words(*holder);
 }
 
 }  // namespace velkctl

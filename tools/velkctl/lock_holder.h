@@ -23,6 +23,10 @@ std::optional<LockHolder> FindLockHolder();
 // "process 1234 (name, 5 minutes old)"
 std::string Words(const LockHolder& holder);
 
+// Who holds the lock, also when that one has ended and a program it started holds it on; empty when
+// nobody does.
+std::string LockHolderInWords();
+
 // The process that /proc/locks names as the holder of the flock(2) on this file.
 std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode);
 

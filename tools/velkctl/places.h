@@ -2,9 +2,6 @@
 #ifndef VELKCTL_PLACES_H_
 #define VELKCTL_PLACES_H_
 
-#include <string>
-#include <string_view>
-
 #include "dhcp/config_blocks.h"
 #include "frame/command_output.h"
 #include "frame/crontab.h"
@@ -29,10 +26,6 @@ inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
 
 // Where files are changed in a copy before they are changed themselves.
 inline constexpr char kEditFolder[] = "/var/tmp";
-
-inline std::string EditCopyOf(std::string_view file) {
-    return std::string(kEditFolder).append(file.substr(file.rfind('/')));
-}
 
 // The output of a tool, and what keeps two readers of it apart.
 using velk::kResultFile;

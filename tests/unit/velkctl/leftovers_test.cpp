@@ -25,6 +25,7 @@ constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kToolOutput[] = "/var/tmp/get_result";
 constexpr char kToolOutputLock[] = "/var/tmp/get_result_lock";
+constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kEditCopy[] = "/var/tmp/interfaces";
 
 constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
@@ -38,6 +39,7 @@ class RemoveLeftoversTest : public testkit::DeviceTest {
         const velk::UniqueFd reply(BoundReplySocket());
         WriteFile(kToolOutput, "Link detected: yes\n");
         WriteFile(kToolOutputLock, "");
+        WriteFile(kInterfaces, "iface eth0 inet static\n");
         WriteFile(kEditCopy, "iface eth0 inet dhcp\n");
     }
     static int BoundReplySocket() {
@@ -82,19 +84,51 @@ TEST_F(RemoveLeftoversTest, TheQueryOfAnotherProgramIsLeftAlone) {
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
 
-TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopy) {
+TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyOfItsOwn) {
     LeaveEverything();
+    WriteFile("/etc/dhclient.conf", "timeout 9;\n");
     for (const char* copy : {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk",
                              "root", "a-file-of-somebody"}) {
-        WriteFile(std::string("/var/tmp/") + copy, "");
+        WriteFile(std::string("/var/tmp/") + copy, "timeout 10;\n");
     }
     RemoveLeftovers(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
+    EXPECT_FALSE(Exists("/var/tmp/dhclient.conf"));
     for (const char* copy :
-         {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk", "root"}) {
-        EXPECT_FALSE(Exists(std::string("/var/tmp/") + copy)) << copy;
+         {"dhclient-exit-hooks", "dhclient-script", "libvelk", "root", "a-file-of-somebody"}) {
+        EXPECT_TRUE(Exists(std::string("/var/tmp/") + copy)) << copy;
     }
-    EXPECT_TRUE(Exists("/var/tmp/a-file-of-somebody"));
+}
+
+TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyHoweverFarItCame) {
+    for (const char* copy : {"", "iface eth0", "iface eth0 inet static\n", "iface eth1\n"}) {
+        LeaveEverything();
+        WriteFile(kEditCopy, copy);
+        RemoveLeftovers(kChange, true);
+        EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore})) << copy;
+        unlink(kReplySocket);
+    }
+}
+
+TEST_F(RemoveLeftoversTest, TheRestOfAFileThatWasCutStays) {
+    for (const char* cut : {"", "iface eth0"}) {
+        LeaveEverything();
+        WriteFile(kInterfaces, cut);
+        RemoveLeftovers(kChange, true);
+        EXPECT_EQ(testkit::ReadFile(kEditCopy), "iface eth0 inet dhcp\n");
+        unlink(kReplySocket);
+    }
+    unlink(kInterfaces);
+    RemoveLeftovers(kChange, true);
+    EXPECT_TRUE(Exists(kEditCopy));
+}
+
+TEST_F(RemoveLeftoversTest, WhatNoEditHasMadeStays) {
+    WriteFile(kInterfaces, "iface eth0 inet static\n");
+    WriteFile("/tmp/mine", "iface eth0 inet dhcp\n");
+    ASSERT_EQ(symlink("/tmp/mine", kEditCopy), 0);
+    RemoveLeftovers(kChange, true);
+    EXPECT_TRUE(Exists(kEditCopy));
 }
 
 TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAToolMayBePuttingItInPlace) {
@@ -131,6 +165,45 @@ TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
     EXPECT_EQ(Left(), Paths{});
     EXPECT_FALSE(Exists(kToolOutputLock));
     EXPECT_FALSE(Exists("/var/tmp/vklib_lock"));
+}
+
+class UnfinishedEdits : public testkit::DeviceTest {
+  protected:
+    static std::string ToldOf(const Command& command) {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        testing::internal::CaptureStderr();
+        velkctl::TellOfUnfinishedEdits(command, "eth0.method", report);
+        return testing::internal::GetCapturedStderr();
+    }
+};
+
+TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
+    VkLibUnLock(VkLibLock());
+    WriteFile("/etc/dhclient.conf", "");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_EQ(ToldOf(kChange),
+              "velkctl: eth0.method: /etc/dhclient.conf was cut while being copied, and this set "
+              "replaces the edit copy that has the rest; such an edit is to be finished before a "
+              "set: (flock 9 && test -s /var/tmp/dhclient.conf && cat /var/tmp/dhclient.conf > "
+              "/etc/dhclient.conf && rm /var/tmp/dhclient.conf) 9< /var/tmp/vklib_lock\n");
+    EXPECT_EQ(ToldOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
+    EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotThoseThatLoseNothing) {
+    WriteFile("/etc/dhclient.conf", "timeout 9;\n");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_EQ(ToldOf(kChange), "");
+    WriteFile("/var/tmp/dhclient.conf", "");
+    EXPECT_EQ(ToldOf(kChange), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotThoseThatAreUnderWay) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    const int lock = VkLibLock();
+    EXPECT_EQ(ToldOf(kChange), "");
+    VkLibUnLock(lock);
 }
 
 }  // namespace

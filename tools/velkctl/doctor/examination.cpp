@@ -25,6 +25,7 @@ std::vector<Check> Checks() {
     return {
         {CheckFolders, Together(EditedSettings(), WirelessSettings())},
         {CheckFiles, Together(EditedSettings(), {{VELK_CMD_DNS}})},
+        {CheckEditCopies, EditedSettings()},
         {CheckInterfaces,
          {{VELK_CMD_IP_METHOD}, {VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}, {VELK_CMD_GATEWAY}}},
         {CheckExitHooks, {{VELK_CMD_APIPA}, {VELK_CMD_DHCP_NOTICE}, {VELK_CMD_DHCP_NTP}}},
@@ -36,7 +37,6 @@ std::vector<Check> Checks() {
         {CheckTools, {}},  // CheckToolsFor() a setting
         {CheckIfconfig, {{VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}}},
         {CheckLock, {}},
-        {CheckEditCopies, EditedSettings()},
         {CheckResultFile, {{VELK_CMD_LINK_SPEED}, {VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}}},
         {CheckQueryRemains, WirelessSettings()},
         {CheckAdapter, AdapterFacts()},
@@ -55,13 +55,13 @@ Findings ExamineDevice(Report& report) {
 }
 
 Findings ExamineFor(const Setting& setting) {
-    Findings findings;
+    // A tool that is missing comes before the edit that it left unfinished.
+    Findings findings = CheckToolsFor(setting);
     for (const Check& check : Checks()) {
         if (Includes(check.concerns, setting)) {
             Append(findings, check.look());
         }
     }
-    Append(findings, CheckToolsFor(setting));
     std::erase_if(findings,
                   [&](const Finding& finding) { return !Includes(finding.concerns, setting); });
     return findings;

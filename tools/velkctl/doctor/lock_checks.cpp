@@ -1,5 +1,4 @@
 // lock_checks.cpp - whether settings can be changed now, or who keeps them from it.
-#include <optional>
 #include <string>
 
 #include <fcntl.h>
@@ -8,7 +7,6 @@
 
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/file_facts.h"
-#include "velkctl/doctor/text_file.h"
 #include "velkctl/lock_holder.h"
 #include "velkctl/places.h"
 
@@ -17,20 +15,6 @@ namespace {
 
 constexpr mode_t kLockMode = 0666;
 constexpr mode_t kModeBits = 07777;
-
-// Who holds the lock; empty when nobody does.
-std::string Holder(const struct stat& facts) {
-    const TextFile locks = ReadTextFile("/proc/locks");
-    const std::optional<int> process = FlockHolder(locks.bytes, facts.st_dev, facts.st_ino);
-    if (!process) {
-        return "";
-    }
-    const std::optional<LockHolder> holder = FindLockHolder();
-    if (!holder) {
-        return "a process that process " + std::to_string(*process) + " started before it ended";
-    }
-    return Words(*holder);
-}
 
 // What every finding has in common.
 Finding About() {
@@ -67,7 +51,7 @@ Findings CheckLock() {
         return {finding};
     }
     Findings findings = CheckAccess(facts);
-    if (const std::string holder = Holder(facts); !holder.empty()) {
+    if (const std::string holder = LockHolderInWords(); !holder.empty()) {
         Finding finding = About();
         finding.severity = Severity::kWarning;
         finding.effect = "cannot be changed now";

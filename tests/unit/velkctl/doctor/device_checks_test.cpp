@@ -141,50 +141,8 @@ TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
 class LeftoversCheck : public testkit::DeviceTest {};
 
 TEST_F(LeftoversCheck, SaysNothingWhereNothingWasLeft) {
-    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()), "");
     EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()), "");
     EXPECT_EQ(FindingsInWords(velkctl::CheckQueryRemains()), "");
-}
-
-TEST_F(LeftoversCheck, TellsHowOldAnEditCopyIsAndThatItIsIncomplete) {
-    WriteFile("/var/cron/tabs/root", "0 * * * * true\n");
-    WriteFile("/var/tmp/root", "0 *");
-    WriteFile("/var/tmp/interfaces", "");
-    const timespec long_ago[2] = {{0, UTIME_NOW}, {time(nullptr) - 2 * 24 * 60 * 60 - 5, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, "/var/tmp/interfaces", long_ago, 0), 0);
-    ASSERT_EQ(utimensat(AT_FDCWD, "/var/tmp/root", long_ago, 0), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
-              "warning: method, address, netmask and gateway may not have been set: "
-              "/var/tmp/interfaces: an edit copy was left behind, 2 days old, empty; the next set "
-              "replaces it\n"
-              "  mend: rm /var/tmp/interfaces\n"
-              "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
-              "edit copy was left behind, 2 days old, shorter than the file; the next set "
-              "replaces it\n"
-              "  mend: rm /var/tmp/root, or finish the edit, if it is whole: diff "
-              "/var/cron/tabs/root /var/tmp/root; cat /var/tmp/root > /var/cron/tabs/root && rm "
-              "/var/tmp/root\n");
-}
-
-TEST_F(LeftoversCheck, FindsWhatASetReplaces) {
-    ASSERT_EQ(mkfifo("/var/tmp/dhclient.conf", 0600), 0);
-    ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
-              "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
-              "FIFO stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient.conf\n"
-              "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
-              "stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient-script\n");
-}
-
-TEST_F(LeftoversCheck, FindsAFolderInTheWayOfAnEditCopy) {
-    ASSERT_EQ(mkdir("/var/tmp/libvelk", 0700), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckEditCopies()),
-              "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
-              "stands where the edit copy is made\n"
-              "  mend: rm -r /var/tmp/libvelk\n");
-    ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
 }
 
 TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {

@@ -1,0 +1,180 @@
+// What the doctor says about edits that were left unfinished.
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "velkctl/causes.h"
+#include "velkctl/doctor/checks.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testkit::WriteFile;
+
+constexpr char kCrontab[] = "/var/cron/tabs/root";
+constexpr char kCopy[] = "/var/tmp/root";
+
+class EditCopyCheck : public testkit::DeviceTest {
+  protected:
+    static std::string Said() { return FindingsInWords(velkctl::CheckEditCopies()); }
+    static void WriteOld(const std::string& path, const std::string& text) {
+        WriteFile(path, text);
+        const timespec long_ago[2] = {{0, UTIME_NOW}, {time(nullptr) - 2 * 24 * 60 * 60 - 5, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), long_ago, 0), 0);
+    }
+};
+
+TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
+    WriteFile(kCrontab, "a\n");
+    EXPECT_EQ(Said(), "");
+}
+
+TEST_F(EditCopyCheck, MendsAFileThatWasCut) {
+    constexpr char kMend[] =
+        "  mend: (flock 9 && test -s /var/tmp/root && cat /var/tmp/root > /var/cron/tabs/root && "
+        "rm /var/tmp/root) 9< /var/tmp/vklib_lock\n";
+    VkLibUnLock(VkLibLock());
+    WriteOld(kCopy, "0 * * * * true\n");
+    for (const char* cut : {"", "0 * * *"}) {
+        WriteFile(kCrontab, cut);
+        EXPECT_EQ(Said(),
+                  std::string("problem: ntp, ntp-server and web-update may be lost: "
+                              "/var/cron/tabs/root: the file was cut while being copied; the rest "
+                              "is in its edit copy /var/tmp/root, 2 days old, which the next set "
+                              "replaces\n") +
+                      kMend);
+    }
+    WriteOld(kCopy, "0 * * * * true\n0 *");
+    WriteFile(kCrontab, "");
+    EXPECT_EQ(Said(),
+              std::string("problem: ntp, ntp-server and web-update may be lost: "
+                          "/var/cron/tabs/root: the file was cut while being copied; the rest is "
+                          "in its edit copy /var/tmp/root, 2 days old, which may lack its end, "
+                          "too, and which the next set replaces\n") +
+                  kMend);
+}
+
+TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
+    WriteFile("/etc/network/interfaces", "");
+    WriteOld("/var/tmp/interfaces", "iface eth0 inet static\n");
+    const auto setting = FindSetting(velkctl::Catalogue(), "eth0.method").value();
+    const velkctl::Findings causes = velkctl::CausesOf(setting);
+    ASSERT_FALSE(causes.empty());
+    EXPECT_EQ(CauseInWords(causes.front()),
+              "/etc/network/interfaces: the file was cut while being copied; the rest is in its "
+              "edit copy /var/tmp/interfaces, 2 days old, which the next set replaces; mend: test "
+              "-s /var/tmp/interfaces && cat /var/tmp/interfaces > /etc/network/interfaces && rm "
+              "/var/tmp/interfaces");
+}
+
+TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
+    WriteFile(kCrontab, "0 * * * * true\n5 * * * * true\n");
+    constexpr char kMend[] = "; the next set replaces it\n  mend: rm /var/tmp/root\n";
+    const std::string left =
+        "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an edit "
+        "copy was left behind, 2 days old, ";
+    WriteOld(kCopy, "");
+    EXPECT_EQ(Said(), left + "empty" + kMend);
+    for (const char* part : {"0 * * * * true\n", "0 * * * * false\n5 *"}) {
+        WriteOld(kCopy, part);
+        EXPECT_EQ(Said(), left + "that may not be whole" + kMend) << part;
+    }
+}
+
+TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
+    VkLibUnLock(VkLibLock());
+    WriteFile(kCrontab, "0 * * * * true\n");
+    WriteOld(kCopy, "5 * * * * true\n");
+    EXPECT_EQ(Said(),
+              "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
+              "edit copy was left behind, 2 days old, that differs from the file; the next set "
+              "replaces it\n"
+              "  mend: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
+              "to finish it, if 'diff /var/cron/tabs/root /var/tmp/root' shows what was wanted: "
+              "(flock 9 && test -s /var/tmp/root && cat /var/tmp/root > /var/cron/tabs/root && rm "
+              "/var/tmp/root) 9< /var/tmp/vklib_lock\n");
+}
+
+TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
+    WriteFile(kCrontab, std::string(1024 * 1024, 'a') + "\n");
+    WriteOld(kCopy, "a\n");
+    EXPECT_THAT(Said(), HasSubstr("2 days old, that cannot be compared with the file; the next "
+                                  "set replaces it\n  mend: to discard the edit: rm "
+                                  "/var/tmp/root; to finish it, if 'diff "));
+}
+
+TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
+    WriteFile(kCrontab, "0 * * * * true\n");
+    WriteOld(kCopy, "0 * * * * true\n");
+    EXPECT_EQ(Said(),
+              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: an edit "
+              "copy was left behind, 2 days old, the same as the file; the next set replaces it\n"
+              "  mend: rm /var/tmp/root\n");
+}
+
+TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
+    WriteFile(kCrontab, "");
+    WriteFile(kCopy, "0 * * * * true\n");
+    const int lock = VkLibLock();
+    EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now: "
+                                     "/var/tmp/root: an edit may be under way: the lock is held by "
+                                     "process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
+                                     "  mend: none while that one is at work\n"));
+    VkLibUnLock(lock);
+    EXPECT_THAT(Said(), HasSubstr("problem: "));
+}
+
+TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
+    WriteFile(kCrontab, "");
+    WriteFile(kCopy, "* * * * * evil\n");
+    if (chown(kCopy, 1234, 1234) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(Said(),
+              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
+              "user 1234 stands where the edit copy is made; the next set replaces it\n"
+              "  mend: rm /var/tmp/root\n");
+}
+
+TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
+    WriteFile(kCrontab, "");
+    WriteFile(kCopy, "* * * * * evil\n");
+    ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
+    EXPECT_EQ(Said(),
+              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
+              "user " +
+                  std::to_string(geteuid()) +
+                  " with another name stands where the edit copy is made; the next set replaces "
+                  "it\n"
+                  "  mend: rm /var/tmp/root\n");
+    ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
+}
+
+TEST_F(EditCopyCheck, FindsWhatASetReplaces) {
+    ASSERT_EQ(mkfifo("/var/tmp/dhclient.conf", 0600), 0);
+    ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
+    EXPECT_EQ(Said(),
+              "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
+              "FIFO stands where the edit copy is made; the next set replaces it\n"
+              "  mend: rm /var/tmp/dhclient.conf\n"
+              "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
+              "stands where the edit copy is made; the next set replaces it\n"
+              "  mend: rm /var/tmp/dhclient-script\n");
+}
+
+TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
+    ASSERT_EQ(mkdir("/var/tmp/libvelk", 0700), 0);
+    EXPECT_EQ(Said(),
+              "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
+              "stands where the edit copy is made\n"
+              "  mend: rm -r /var/tmp/libvelk\n");
+    ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
+}
+
+}  // namespace

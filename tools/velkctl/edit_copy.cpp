@@ -1,0 +1,117 @@
+// edit_copy.cpp - the copies in which the library edits files, and how far an edit came.
+#include "velkctl/edit_copy.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+#include <unistd.h>
+
+#include "velkctl/doctor/file_facts.h"
+#include "velkctl/doctor/text_file.h"
+#include "velkctl/places.h"
+
+namespace velkctl {
+namespace {
+
+std::string CopyPathOf(const DeviceFile& file) {
+    const std::string path = file.path;
+    return kEditFolder + path.substr(path.rfind('/'));
+}
+
+// Everybody may put a file there, or a link to one. The library makes its copy anew, so that a
+// copy with a second name is none.
+bool IsTrusted(const struct stat& facts, const char* file) {
+    if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1) {
+        return false;
+    }
+    struct stat edited {};
+    return facts.st_uid == geteuid() || (stat(file, &edited) == 0 && facts.st_uid == edited.st_uid);
+}
+
+bool IsEmpty(const TextFile& file) {
+    return file.state == FileState::kMissing ||
+           (file.state == FileState::kText && file.bytes.empty());
+}
+
+// The library ends every line of a copy, and puts it in place when it is whole. A copy without its
+// end was not put in place; where the file is empty, it is all there is.
+EditState StateBetween(const TextFile& copy, const TextFile& file) {
+    if (IsEmpty(copy)) {
+        return EditState::kPart;
+    }
+    if (IsEmpty(file)) {
+        return EditState::kCut;
+    }
+    if (copy.state != FileState::kText || file.state != FileState::kText) {
+        return EditState::kUncompared;
+    }
+    if (copy.bytes == file.bytes) {
+        return EditState::kInPlace;
+    }
+    if (!copy.bytes.ends_with('\n') || file.bytes.starts_with(copy.bytes)) {
+        return EditState::kPart;
+    }
+    return copy.bytes.starts_with(file.bytes) ? EditState::kCut : EditState::kDiffers;
+}
+
+std::optional<EditCopy> FindCopyOf(const DeviceFile& file) {
+    EditCopy copy{&file, CopyPathOf(file), {}, EditState::kForeign, false};
+    if (lstat(copy.path.c_str(), &copy.facts) == -1) {
+        return std::nullopt;
+    }
+    if (IsTrusted(copy.facts, file.path)) {
+        const TextFile text = ReadTextFile(copy.path);
+        copy.state = StateBetween(text, ReadTextFile(file.path));
+        copy.has_end = text.bytes.ends_with('\n');
+    }
+    return copy;
+}
+
+// With a path, flock(1) would make a lock file of its own mode, and the kernel may keep even root
+// from opening another user's that way. There is no lock to take where nobody has made one yet.
+std::string UnderLock(const std::string& commands) {
+    if (access(kLockFile, F_OK) == -1) {
+        return commands;
+    }
+    return "(flock 9 && " + commands + ") 9< " + kLockFile;
+}
+
+}  // namespace
+
+std::vector<EditCopy> FindEditCopies() {
+    std::vector<EditCopy> copies;
+    for (const DeviceFile& file : DeviceFiles()) {
+        if (file.change != Change::kByEdit) {
+            continue;
+        }
+        if (std::optional<EditCopy> copy = FindCopyOf(file)) {
+            copies.push_back(*copy);
+        }
+    }
+    return copies;
+}
+
+std::vector<EditCopy> FindEditCopies(const Command& command) {
+    if (command.type != VELK_SET) {
+        return {};
+    }
+    std::vector<EditCopy> copies = FindEditCopies();
+    std::erase_if(copies, [&](const EditCopy& copy) {
+        return std::ranges::find(copy.file->changed_by, command.id) == copy.file->changed_by.end();
+    });
+    return copies;
+}
+
+// The shell empties the file before cat starts: without the test, pasting the line once more, or
+// behind a set that has taken the copy along, would lose the file.
+std::string FinishingOf(const EditCopy& copy) {
+    return UnderLock("test -s " + copy.path + " && cat " + copy.path + " > " + copy.file->path +
+                     " && rm " + copy.path);
+}
+
+std::string DiscardingOf(const EditCopy& copy) {
+    return UnderLock(RemovalOf(copy.path, copy.facts));
+}
+
+}  // namespace velkctl
