@@ -192,6 +192,14 @@ TEST_F(LockTest, DescriptorOneIsADescriptor) {
     EXPECT_EQ(VkLibLock(), 1);
 }
 
+TEST_F(LockTest, SoItIsForTheSecondOpen) {
+    libc().Script(Call::kOpen, {Fail(ENOENT), testkit::Return(1)});
+    libc().Script(Call::kFchmod, {testkit::Return(0)});
+    libc().Script(Call::kFlock, {testkit::Return(0)});
+    EXPECT_EQ(VkLibLock(), 1);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
 TEST_F(LockTest, DescriptorZeroCountsAsAFailedFirstOpen) {
     testkit::WriteFile(kLockFile, "");
     const StandardInputClosed closed;
