@@ -132,6 +132,7 @@ TEST_F(AdapterTest, ALastLineWithoutATerminatorCounts) {
 TEST_F(AdapterTest, AHugeNumberIsTheSameOnEveryDevice) {
     EXPECT_EQ(AttachedWith("VID=100001a2b\nPID=3c4d\n", Device("1a2b", "3c4d")), 0);
     EXPECT_EQ(AttachedWith("VID=100001a2b\nPID=3c4d\n", Device("ffffffff", "3c4d")), 1);
+    EXPECT_EQ(AttachedWith("VID=ffffffff\nPID=fffffffe\n", Device("ffffffff", "fffffff")), 0);
 }
 
 TEST_F(AdapterTest, AFolderInAFilesPlaceIsAFileThatCannotBeRead) {
