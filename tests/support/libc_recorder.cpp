@@ -12,6 +12,7 @@ namespace {
 
 thread_local int allocations_until_fault = 0;  // 0: none is planned
 thread_local Reach allocation_fault_reach = Reach::kThatOne;
+thread_local bool has_allocation_failed = false;
 thread_local bool is_uncounted = false;
 thread_local bool is_counting = false;
 thread_local int allocations_made = 0;
@@ -32,6 +33,7 @@ bool IsFaultDue() {
         return false;
     }
     allocations_until_fault = allocation_fault_reach == Reach::kAllFrom ? 1 : 0;
+    has_allocation_failed = true;
     return true;
 }
 
@@ -109,14 +111,23 @@ void LibcRecorder::OnCall(Call call, std::function<void(const Event&)> hook) {
     answers_[call].hook = std::move(hook);
 }
 
-void LibcRecorder::OnEveryCall(std::function<void()> observer) {
+void LibcRecorder::OnEveryCall(std::function<void(const Event&)> observer) {
     const std::lock_guard guard(mutex_);
     observer_ = std::move(observer);
 }
 
 void LibcRecorder::PlanFault(Call call, int number, Reach reach, int error) {
+    PlanFault(call, number, reach, Fail(error));
+}
+
+void LibcRecorder::PlanFault(Call call, int number, Reach reach, Outcome answer) {
     const std::lock_guard guard(mutex_);
-    fault_ = {call, number, reach, error};
+    fault_ = {call, number, reach, answer};
+}
+
+bool LibcRecorder::HasFaultStruck() const {
+    const std::lock_guard guard(mutex_);
+    return fault_ && fault_->has_struck;
 }
 
 void LibcRecorder::ForgetFault() {
@@ -198,6 +209,7 @@ bool LibcRecorder::IsFaultDue(Call call) {
         return false;
     }
     fault_->calls_until = fault_->reach == Reach::kAllFrom ? 1 : 0;
+    fault_->has_struck = true;
     return true;
 }
 
@@ -206,7 +218,7 @@ LibcRecorder::Answers LibcRecorder::Reserve(const Event& event) {
     const std::lock_guard guard(mutex_);
     events_.push_back(event);
     if (IsFaultDue(event.call)) {
-        return {{}, Fail(fault_->error), nullptr, observer_};
+        return {{}, fault_->answer, nullptr, observer_};
     }
     Answers taken;
     taken.observer = observer_;
@@ -233,7 +245,7 @@ Outcome LibcRecorder::Take(const CallView& call) {
     const Answers answers = Reserve(event);
     if (answers.observer) {
         const Unrecorded unrecorded;
-        answers.observer();
+        answers.observer(event);
     }
     if (answers.hook) {
         answers.hook(event);
@@ -276,10 +288,15 @@ int AllocationCount::held() const {
 AllocationFault::AllocationFault(int number, Reach reach) {
     allocations_until_fault = number;
     allocation_fault_reach = reach;
+    has_allocation_failed = false;
 }
 
 AllocationFault::~AllocationFault() {
     allocations_until_fault = 0;
+}
+
+bool AllocationFault::has_struck() const {
+    return has_allocation_failed;
 }
 
 }  // namespace testkit

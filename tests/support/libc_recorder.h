@@ -91,11 +91,15 @@ class LibcRecorder {
     void OnCall(Call call, std::function<void(const Event&)> hook);
 
     // Runs before every call of whatever kind; its own calls pass through unseen.
-    void OnEveryCall(std::function<void()> observer);
+    void OnEveryCall(std::function<void(const Event&)> observer);
 
     // The call of this kind with this number (from 1, counted from now) fails, whatever is
     // scripted, and its hook does not run. One fault is planned at a time.
     void PlanFault(Call call, int number, Reach reach, int error);
+    // The same with an answer of its own: system(3) tells of a missing shell by no errno.
+    void PlanFault(Call call, int number, Reach reach, Outcome answer);
+    // The planned fault has hit a call.
+    bool HasFaultStruck() const;
 
     void ForgetFault();
 
@@ -126,13 +130,14 @@ class LibcRecorder {
         std::deque<Outcome> next;
         Outcome always;
         std::function<void(const Event&)> hook;
-        std::function<void()> observer;
+        std::function<void(const Event&)> observer;
     };
     struct Fault {
         Call call;
         int calls_until;
         Reach reach;
-        int error;
+        Outcome answer;
+        bool has_struck = false;
     };
     Answers Reserve(const Event& event);
     bool IsFaultDue(Call call);
@@ -141,7 +146,7 @@ class LibcRecorder {
     std::vector<Event> events_;
     std::map<Call, Answers> answers_;
     std::map<std::string, std::string, std::less<>> redirects_;
-    std::function<void()> observer_;
+    std::function<void(const Event&)> observer_;
     std::optional<Fault> fault_;
     bool never_waits_ = false;
 };
@@ -192,6 +197,9 @@ class AllocationFault {
     ~AllocationFault();
     AllocationFault(const AllocationFault&) = delete;
     AllocationFault& operator=(const AllocationFault&) = delete;
+
+    // An allocation has failed by it.
+    bool has_struck() const;
 };
 
 }  // namespace testkit

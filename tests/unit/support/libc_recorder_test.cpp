@@ -276,11 +276,19 @@ TEST_F(LibcScriptTest, APlannedFaultHitsOneCallAndNotItsHook) {
     EXPECT_EQ(hooks, 2);
 }
 
+TEST_F(LibcScriptTest, APlannedFaultCanAnswerWithoutAnError) {
+    libc().PlanFault(Call::kSystem, 1, testkit::Reach::kThatOne, Return(127 << 8));
+    EXPECT_EQ(plain_system("exit 3"), 127 << 8);
+    EXPECT_EQ(plain_system("exit 3"), 3 << 8);
+}
+
 TEST_F(LibcScriptTest, APlannedFaultHitsAllLaterCallsUntilItIsForgotten) {
     libc().ScriptAlways(Call::kFlock, Return(5));
     libc().PlanFault(Call::kFlock, 2, testkit::Reach::kAllFrom, ENOLCK);
     EXPECT_EQ(plain_flock(99, LOCK_UN), 5);
+    EXPECT_FALSE(libc().HasFaultStruck());
     EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
+    EXPECT_TRUE(libc().HasFaultStruck());
     EXPECT_EQ(plain_flock(99, LOCK_UN), -1);
     libc().ForgetFault();
     EXPECT_EQ(plain_flock(99, LOCK_UN), 5);
@@ -288,8 +296,9 @@ TEST_F(LibcScriptTest, APlannedFaultHitsAllLaterCallsUntilItIsForgotten) {
 
 TEST_F(LibcScriptTest, AnObserverSeesEveryCallAndIsNotSeenItself) {
     int calls = 0;
-    libc().OnEveryCall([&] {
+    libc().OnEveryCall([&](const Event& event) {
         ++calls;
+        EXPECT_EQ(event.number, event.call == Call::kFlock ? LOCK_UN : 0);
         plain_flock(99, LOCK_UN);
     });
     plain_flock(99, LOCK_UN);
