@@ -2,6 +2,7 @@
 #include "support/fake_shell.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 
 #include <unistd.h>
@@ -37,6 +38,10 @@ void FakeShell::LeavesNoFile(const std::string& tool) {
     tools_[tool].leaves_file = false;
 }
 
+void FakeShell::RunsForReal(const std::string& tool, const std::string& search_path) {
+    search_paths_[tool] = search_path;
+}
+
 std::vector<std::string> FakeShell::Lines() const {
     std::vector<std::string> lines;
     std::ifstream file(kLinesFile);
@@ -49,6 +54,12 @@ std::vector<std::string> FakeShell::Lines() const {
 void FakeShell::Run(const std::string& line) {
     const Unrecorded unrecorded;
     std::ofstream(kLinesFile, std::ios::app) << line << "\n";
+    for (const auto& [tool, search_path] : search_paths_) {
+        if (line.starts_with(tool)) {
+            (void)!system(("PATH=" + search_path + "; export PATH; " + line).c_str());
+            return;
+        }
+    }
     if (line.starts_with("rm ")) {
         unlink(line.substr(line.rfind(' ') + 1).c_str());
         return;

@@ -12,8 +12,8 @@ namespace testkit {
 
 // While it lives, no shell line is run. "TOOL > FILE" writes the tool's output into FILE, "rm FILE"
 // removes it and "cat FILE > FILE" copies; what goes to /dev/null is not run. A tool without output
-// leaves an empty file, as the shell does when a command cannot be found. Lines are recorded as
-// ever.
+// leaves an empty file, as the shell does when a command cannot be found. What RunsForReal() names
+// is run. Lines are recorded as ever.
 class FakeShell {
   public:
     FakeShell();
@@ -25,6 +25,9 @@ class FakeShell {
     void Prints(const std::string& tool, const std::vector<std::string>& outputs);
     // A line that begins with `tool` leaves no file at all.
     void LeavesNoFile(const std::string& tool);
+
+    // A line that begins with `tool` is run by the real shell, with this search path.
+    void RunsForReal(const std::string& tool, const std::string& search_path);
 
     // All lines so far, those that child processes ran among them: the recorder is theirs alone.
     std::vector<std::string> Lines() const;
@@ -40,6 +43,7 @@ class FakeShell {
     void Redirect(const std::string& command, const std::string& file);
 
     std::map<std::string, Tool> tools_;
+    std::map<std::string, std::string> search_paths_;  // of the tools that are run, by tool
 };
 
 }  // namespace testkit
