@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "fault/paths.h"
 #include "sandbox/sample_files.h"
 #include "support/device_test.h"
 
@@ -20,14 +21,30 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::array kTargets{
-    "/etc/dhclient-exit-hooks", "/etc/dhclient.conf",    "/etc/network/interfaces",
-    "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script", "/usr/local/share/etc/snmp/snmpd.conf",
-    "/var/cron/tabs/root",      "/var/libvelk/libvelk",
+    kExitHooks,
+    "/etc/dhclient.conf",
+    "/etc/network/interfaces",
+    kResolverFile,
+    "/sbin/dhclient-script",
+    "/tmp/oldIPAddress",
+    "/usr/local/share/etc/snmp/snmpd.conf",
+    "/var/cron/tabs/root",
+    "/var/libvelk/libvelk",
+    kClockLog,
 };
-constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
-constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kResultLog[] = "/var/libvelk/ntp.log";
+
+// Those that the sandbox's device has no samples of.
+const std::map<std::string, std::string> kOwnTexts{
+    {"/tmp/oldIPAddress", "10.0.0.5\n"},
+    {kClockLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
+};
+
+// The sample's wireless stanza has no values, and a stanza that is the last of the file gains none.
+constexpr char kWirelessValues[] =
+    "\taddress 192.168.1.10\n"
+    "\tnetmask 255.255.255.0\n"
+    "\tgateway 192.168.1.1\n";
 
 constexpr char kAddresses[] =
     "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:10\n"
@@ -35,6 +52,14 @@ constexpr char kAddresses[] =
     "\n"
     "eth1      Link encap:Ethernet  HWaddr 02:00:00:00:00:11\n"
     "          inet addr:10.0.1.5  Bcast:10.0.1.255  Mask:255.255.255.0\n";
+
+// Unlike what the tools of any scene without a cable print.
+constexpr char kOldResult[] =
+    "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:10\n"
+    "          inet addr:10.99.0.5  Bcast:10.99.255.255  Mask:255.255.0.0\n"
+    "\n"
+    "\tSpeed: 10Mb/s\n\tDuplex: Half\n\tAuto-negotiation: off\n"
+    "\tLink detected: yes\n";
 
 // The samples of the sandbox's device; only those at the library's own places, which are private.
 const std::map<std::string, std::string>& Samples() {
@@ -65,10 +90,15 @@ std::string Lengthened(const std::string& text) {
 }
 
 void WriteTarget(const std::string& path, const Scene& scene) {
+    if (kOwnTexts.contains(path)) {
+        testkit::WriteFile(path, kOwnTexts.at(path));
+        return;
+    }
     std::string text = Samples().at(path);
     if (path == kInterfaces) {
         text = scene.uses_dhcp ? Replaced(text, "inet static", "inet dhcp")
                                : Replaced(text, "inet dhcp", "inet static");
+        text += kWirelessValues;
     }
     testkit::WriteFile(path, scene.has_long_files ? Lengthened(text) : text);
 }
@@ -78,6 +108,7 @@ SMsgConf WirelessConfiguration() {
     conf.ssid_length = 4;
     memcpy(conf.ssid, "home", 4);
     conf.service_set = 1;
+    conf.dot11_phy_conf = 1;
     conf.channel = 6;
     conf.encryption = 1;
     conf.wep_default = 1;
@@ -138,6 +169,7 @@ std::vector<std::string> Leftovers() {
         }
     }
     std::erase(paths, "/tmp/WlanAplToWlanSock");  // the daemon's
+    std::erase(paths, "/tmp/oldIPAddress");       // a target
     std::ranges::sort(paths);
     return paths;
 }
@@ -159,7 +191,9 @@ void WriteFiles(const Scene& scene) {
     }
     testkit::WriteFile(kSupportList, Samples().at(kSupportList));
     testkit::WriteFile(kUsbDevices, scene.has_adapter ? Samples().at(kUsbDevices) : "");
-    testkit::WriteFile(kResultLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n");
+    if (scene.has_old_result) {
+        testkit::WriteFile(kResultFile, kOldResult);
+    }
 }
 
 Device::Device(const Scene& scene, const Files& files) {
@@ -170,12 +204,15 @@ Device::Device(const Scene& scene, const Files& files) {
     for (const auto& [path, text] : files) {
         if (text) {
             testkit::WriteFile(path, *text);
+        } else {
+            (void)unlink(path.c_str());
         }
     }
     libc.NeverWait();
     libc.ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
     libc.ScriptAlways(testkit::Call::kIoctl, testkit::Return(0));  // nobody has an eth0 here
     shell_.emplace();
+    shell_->RunsForReal("sudo sed", PathWithHarmlessSudo());
     shell_->Prints("ifconfig", {kAddresses});
     shell_->Prints("sudo /usr/sbin/ethtool",
                    {scene.has_cable ? "\tLink detected: yes\n" : "\tLink detected: no\n"});

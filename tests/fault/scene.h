@@ -17,13 +17,14 @@ struct Scene {
     bool has_cable = false;
     bool uses_dhcp = false;       // both interfaces; otherwise both are static
     bool has_long_files = false;  // longer than one block of reading and writing
+    bool has_old_result = false;  // what a tool printed before lies where tools print to
 };
 
 // Every combination of the first three, and one with long files.
 std::vector<Scene> AllScenes();
 std::string NameOf(const Scene& scene);
 
-// The files that requests change, and what stands in each; nothing for one that is missing.
+// The files that requests change or remove, and what stands in each; nothing for a missing one.
 using Files = std::map<std::string, std::optional<std::string>>;
 Files ReadTargets();
 
