@@ -14,30 +14,32 @@ namespace fault {
 struct Kind {
     const char* name;
     std::optional<testkit::Call> call;  // nothing: an allocation
-    int error;                          // what such a call plausibly fails with
+    testkit::Outcome answer;            // what such a call plausibly fails with
 };
 
-inline constexpr std::array kKinds{
-    Kind{"allocation", std::nullopt, ENOMEM},
-    Kind{"open", testkit::Call::kOpen, EMFILE},
-    Kind{"read", testkit::Call::kRead, EIO},
-    Kind{"write", testkit::Call::kWrite, ENOSPC},
-    Kind{"close", testkit::Call::kClose, EIO},
-    Kind{"unlink", testkit::Call::kUnlink, EPERM},
-    Kind{"fchmod", testkit::Call::kFchmod, EPERM},
-    Kind{"flock", testkit::Call::kFlock, ENOLCK},
-    Kind{"socket", testkit::Call::kSocket, EMFILE},
-    Kind{"ioctl", testkit::Call::kIoctl, ENODEV},
-    Kind{"connect", testkit::Call::kConnect, ECONNREFUSED},
-    Kind{"bind", testkit::Call::kBind, EADDRINUSE},
-    Kind{"send", testkit::Call::kSendto, EAGAIN},
-    Kind{"select", testkit::Call::kSelect, ENOMEM},
-    Kind{"receive", testkit::Call::kRecvfrom, EAGAIN},
-    Kind{"sem_open", testkit::Call::kSemOpen, EMFILE},
-    Kind{"sem_post", testkit::Call::kSemPost, EOVERFLOW},
-    Kind{"sem_close", testkit::Call::kSemClose, EINVAL},
-    Kind{"sem_unlink", testkit::Call::kSemUnlink, EACCES},
-    Kind{"system", testkit::Call::kSystem, EAGAIN},
+inline const std::array kKinds{
+    Kind{"allocation", std::nullopt, testkit::Fail(ENOMEM)},
+    Kind{"open", testkit::Call::kOpen, testkit::Fail(EMFILE)},
+    Kind{"read", testkit::Call::kRead, testkit::Fail(EIO)},
+    Kind{"write", testkit::Call::kWrite, testkit::Fail(ENOSPC)},
+    Kind{"close", testkit::Call::kClose, testkit::Fail(EIO)},
+    Kind{"unlink", testkit::Call::kUnlink, testkit::Fail(EPERM)},
+    Kind{"fchmod", testkit::Call::kFchmod, testkit::Fail(EPERM)},
+    Kind{"flock", testkit::Call::kFlock, testkit::Fail(ENOLCK)},
+    Kind{"socket", testkit::Call::kSocket, testkit::Fail(EMFILE)},
+    Kind{"ioctl", testkit::Call::kIoctl, testkit::Fail(ENODEV)},
+    Kind{"connect", testkit::Call::kConnect, testkit::Fail(ECONNREFUSED)},
+    Kind{"bind", testkit::Call::kBind, testkit::Fail(EADDRINUSE)},
+    Kind{"send", testkit::Call::kSendto, testkit::Fail(EAGAIN)},
+    Kind{"select", testkit::Call::kSelect, testkit::Fail(ENOMEM)},
+    Kind{"receive", testkit::Call::kRecvfrom, testkit::Fail(EAGAIN)},
+    Kind{"sem_open", testkit::Call::kSemOpen, testkit::Fail(EMFILE)},
+    Kind{"sem_post", testkit::Call::kSemPost, testkit::Fail(EOVERFLOW)},
+    Kind{"sem_close", testkit::Call::kSemClose, testkit::Fail(EINVAL)},
+    Kind{"sem_unlink", testkit::Call::kSemUnlink, testkit::Fail(EACCES)},
+    Kind{"system", testkit::Call::kSystem, testkit::Fail(EAGAIN)},
+    // What system(3) answers when it has no process or no shell: as a shell that ran nothing.
+    Kind{"fork or exec", testkit::Call::kSystem, testkit::Return(127 << 8)},
 };
 
 struct Fault {

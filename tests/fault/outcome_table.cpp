@@ -18,14 +18,16 @@ int At(const std::map<FilesAre, int>& counts, FilesAre key) {
 
 }  // namespace
 
-FilesAre Judge(const Reference& reference, const Files& files) {
-    if (reference.before == reference.outcome.files) {
+FilesAre Judge(const Reference& reference, const Outcome& outcome) {
+    if (!reference.ChangesSomething()) {
         return FilesAre::kNoneToChange;
     }
-    if (files == reference.before) {
+    if (outcome.files == reference.before && outcome.wireless == reference.wireless_before) {
         return FilesAre::kBefore;
     }
-    return files == reference.outcome.files ? FilesAre::kAfter : FilesAre::kBetween;
+    const Outcome& after = reference.outcome;
+    const bool is_done = outcome.files == after.files && outcome.wireless == after.wireless;
+    return is_done ? FilesAre::kAfter : FilesAre::kBetween;
 }
 
 OutcomeTable& OutcomeTable::Get() {
@@ -33,11 +35,11 @@ OutcomeTable& OutcomeTable::Get() {
     return table;
 }
 
-void OutcomeTable::Add(const Fault& fault, int result, FilesAre files) {
+void OutcomeTable::Add(const Fault& fault, const Reference& reference, const Outcome& outcome) {
     Row& row = rows_[fault.kind.name];
     ++row.injected;
-    ++row.results[result];
-    ++row.files[files];
+    ++row.results[outcome.result];
+    ++row.files[Judge(reference, outcome)];
 }
 
 void OutcomeTable::PrintRow(const std::string& name, const Row& row) {

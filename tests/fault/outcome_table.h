@@ -10,17 +10,17 @@
 
 namespace fault {
 
-// What became of the files of a request that changes some.
+// What became of the files of a request that changes some, or the wireless configuration.
 enum class FilesAre { kNoneToChange, kBefore, kAfter, kBetween };
 
-FilesAre Judge(const Reference& reference, const Files& files);
+FilesAre Judge(const Reference& reference, const Outcome& outcome);
 
 class OutcomeTable {
   public:
     static OutcomeTable& Get();
 
     void AddRequest() { ++requests_; }
-    void Add(const Fault& fault, int result, FilesAre files);
+    void Add(const Fault& fault, const Reference& reference, const Outcome& outcome);
     // Prints nothing when nothing was added.
     void Print() const;
 

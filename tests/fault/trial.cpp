@@ -2,6 +2,7 @@
 #include "fault/trial.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 #include "support/device_test.h"
@@ -42,7 +43,30 @@ std::vector<int> SortedDescriptors() {
     return numbers;
 }
 
+std::string WirelessOf(Device& device) {
+    const SMsgConf conf = device.daemon().conf();
+    return {reinterpret_cast<const char*>(&conf), sizeof(conf)};
+}
+
 }  // namespace
+
+int Reference::Made(const Kind& kind) const {
+    return kind.call ? static_cast<int>(log.Calls(*kind.call).size()) : outcome.allocations_made;
+}
+
+bool Reference::ChangesSomething() const {
+    return before != outcome.files || wireless_before != outcome.wireless;
+}
+
+Trial::Trial(const Scene& scene, const _velk_request& request, const Files& files,
+             const std::string& wireless)
+    : device_(scene, files), request_(request) {
+    if (!wireless.empty()) {
+        SMsgConf conf;
+        memcpy(&conf, wireless.data(), sizeof(conf));
+        device_.daemon().SetConf(conf);
+    }
+}
 
 // Nothing but the call itself: the test's own allocations must neither fail nor count.
 void Trial::Call(const Fault* fault, Outcome& outcome) {
@@ -54,6 +78,8 @@ void Trial::Call(const Fault* fault, Outcome& outcome) {
     outcome.result = execute_velk_command(&request_, &outcome.response);
     outcome.allocations_made = count.made();
     outcome.allocations_held = count.held();
+    outcome.has_fault_struck =
+        planned ? planned->has_struck() : LibcRecorder::Get().HasFaultStruck();
 }
 
 Outcome Trial::Run(const Fault* fault) {
@@ -65,6 +91,7 @@ Outcome Trial::Run(const Fault* fault) {
     const testkit::Unrecorded unrecorded;
     device_.daemon().ServePending();
     outcome.files = ReadTargets();
+    outcome.wireless = WirelessOf(device_);
     outcome.leftovers = Leftovers();
     outcome.descriptors_left = Added(descriptors, SortedDescriptors());
     outcome.semaphores_mapped = MappedSemaphores();
@@ -75,8 +102,10 @@ Outcome Trial::Run(const Fault* fault) {
 Reference Trial::RunWithoutFault() {
     Reference reference;
     reference.before = ReadTargets();
+    reference.wireless_before = WirelessOf(device_);
     LibcRecorder& libc = LibcRecorder::Get();
-    libc.OnEveryCall([&] {
+    libc.OnEveryCall([&](const testkit::Event& event) {
+        reference.log.Note(event);
         for (const auto& [path, text] : ReadTargets()) {
             reference.states[path].insert(text);
         }
@@ -85,10 +114,6 @@ Reference Trial::RunWithoutFault() {
     libc.OnEveryCall(nullptr);
     for (const auto& [path, text] : reference.outcome.files) {
         reference.states[path].insert(text);
-    }
-    for (const Kind& kind : kKinds) {
-        reference.made[kind.name] = kind.call ? static_cast<int>(libc.Events(*kind.call).size())
-                                              : reference.outcome.allocations_made;
     }
     reference.course = std::to_string(reference.outcome.result);
     reference.course += reference.outcome.files == reference.before ? " unchanged" : " changed";
@@ -104,7 +129,7 @@ Reference Trial::RunWithoutFault() {
 Outcome Trial::RunWith(const Fault& fault) {
     if (fault.kind.call) {
         LibcRecorder::Get().PlanFault(*fault.kind.call, fault.number, fault.reach,
-                                      fault.kind.error);
+                                      fault.kind.answer);
     }
     return Run(&fault);
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "fault/call_log.h"
 #include "fault/fault_kinds.h"
 #include "fault/scene.h"
 #include "velk.h"
@@ -19,29 +20,37 @@ struct Outcome {
     int result = 0;
     _velk_request response{};
     Files files;
+    std::string wireless;  // the daemon's stored configuration, byte by byte
     std::vector<std::string> leftovers;
     int allocations_made = 0;
     int allocations_held = 0;
     std::vector<int> descriptors_left;  // numbers that were not open before
     int semaphores_mapped = 0;
     bool is_lock_free = true;
+    bool has_fault_struck = false;
 };
 
 // The call as it goes when nothing fails.
 struct Reference {
     Files before;
+    std::string wireless_before;
     Outcome outcome;
-    std::string course;               // tells calls that go different ways apart
-    std::map<std::string, int> made;  // calls of each kind, by its name
+    std::string course;  // tells calls that go different ways apart
+    CallLog log;
     // Every text that stood in a file at any moment of the call.
     std::map<std::string, std::set<std::optional<std::string>>> states;
+
+    // How often a call of this kind can fail.
+    int Made(const Kind& kind) const;
+    bool ChangesSomething() const;
 };
 
 class Trial {
   public:
-    // On the scene's device, with these texts in its files where given.
-    Trial(const Scene& scene, const _velk_request& request, const Files& files = {})
-        : device_(scene, files), request_(request) {}
+    // On the scene's device, with these texts in its files and these bytes as the wireless daemon's
+    // configuration where given.
+    Trial(const Scene& scene, const _velk_request& request, const Files& files = {},
+          const std::string& wireless = {});
 
     Reference RunWithoutFault();
     Outcome RunWith(const Fault& fault);

@@ -1,0 +1,46 @@
+// The disk is full when the shell puts an edited file in place. See docs/reliability.md.
+#include <string>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include "fault/scene.h"
+#include "support/device_test.h"
+#include "support/mounted.h"
+
+namespace fault {
+namespace {
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kOldAddress[] = "\taddress 10.0.0.5\n";
+constexpr char kNewAddress[] = "\taddress 10.100.100.100\n";
+
+// With this address line at its end.
+std::string InterfacesOf(size_t size, const std::string& address) {
+    const std::string begin = "#";
+    const std::string end = "\niface eth0 inet static\n" + address;
+    return begin + std::string(size - begin.size() - end.size(), '-') + end;
+}
+
+class FullDiskTest : public testkit::DeviceTest {};
+
+// The file fills its disk; edited, it is longer.
+TEST_F(FullDiskTest, ACopyThatDoesNotFitIsCutAndNotTold) {
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const std::string edited = InterfacesOf(page + 1, kNewAddress);
+    const std::string before =
+        InterfacesOf(page + 1 - (sizeof(kNewAddress) - sizeof(kOldAddress)), kOldAddress);
+    Device device({});
+    device.UseRealTools();
+    const testkit::Emptied folder("/etc/network", ("size=" + std::to_string(page)).c_str());
+    testkit::WriteFile(kInterfaces, before);
+    ASSERT_EQ(testkit::ReadFile(kInterfaces), before);
+
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.100.100.100"), 0);
+
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), edited.substr(0, page));
+    EXPECT_THAT(Leftovers(), testing::IsEmpty()) << "the whole edit is gone, too";
+}
+
+}  // namespace
+}  // namespace fault
