@@ -16,8 +16,8 @@ namespace fuzz {
 void Check(bool holds, std::string_view what);
 
 // One input's turn: an empty recorder, a shell that runs in this process. When it ends, no
-// descriptor is left open, no result but a documented one was seen, and no shell line has a word of
-// the input outside quotes.
+// descriptor is left open, no result but a documented one was seen, and every shell line was one of
+// the library's.
 class Turn {
   public:
     Turn();
@@ -36,6 +36,7 @@ class Turn {
 
   private:
     int next_descriptor_;
+    std::vector<std::string> texts_;  // of the requests so far
     testkit::FakeShell shell_;
 };
 

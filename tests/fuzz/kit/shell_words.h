@@ -13,10 +13,6 @@ namespace fuzz {
 // would mean something to the shell.
 std::optional<std::vector<std::string>> ShellWords(std::string_view line);
 
-// True for a line that says what the library means it to say, whatever a request held: one with a
-// text of the request between single quotes has its words, and those are one sed(1) command.
-bool IsHarmless(const std::string& line);
-
 }  // namespace fuzz
 
 #endif  // TESTS_FUZZ_KIT_SHELL_WORDS_H_
