@@ -1,5 +1,5 @@
-// daemon_fuzz.cpp - every record the wireless daemon may send, over the real sockets: gets take no
-// byte from beyond a field, sets send back what they do not change.
+// daemon_fuzz.cpp - every record the wireless daemon may send, over the real sockets: gets give
+// what stands in a field and nothing beside it, sets send back what they do not change.
 //
 // An input is the row's letter, "g" or "s", the datagram's length, its bytes, then the value of a
 // set.
@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "frame/unique_fd.h"
+#include "fuzz/kit/daemon_record.h"
 #include "fuzz/kit/fuzz_device.h"
 
 namespace fuzz {
@@ -21,37 +22,6 @@ namespace {
 
 constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
 constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
-constexpr size_t kHeader = 4;  // in front of a message's body
-constexpr size_t kMessage = kHeader + sizeof(UMsgData);
-
-struct Row {
-    uint32_t id;
-    size_t offset, size;  // of the field in the configuration; no size for a fact
-};
-
-#define FIELD(member) offsetof(SMsgConf, member), sizeof(SMsgConf::member)
-const std::vector<Row> kRows = {
-    {VELK_CMD_STANDARDS_ENABLED, FIELD(dot11_phy_conf)},
-    {VELK_CMD_SERVICE_SET, FIELD(service_set)},
-    {VELK_CMD_SSID, 0, 34},
-    {VELK_CMD_CHANNEL, FIELD(channel)},
-    {VELK_CMD_ENCRYPTION, FIELD(encryption)},
-    {VELK_CMD_AUTHENTICATION, FIELD(auth)},
-    {VELK_CMD_WEP_KEY_1, 48, 30},
-    {VELK_CMD_WEP_KEY_2, 78, 30},
-    {VELK_CMD_WEP_KEY_3, 108, 30},
-    {VELK_CMD_WEP_KEY_4, 138, 30},
-    {VELK_CMD_WEP_DEFAULT_KEY, FIELD(wep_default)},
-    {VELK_CMD_PSK, 168, 66},
-    {VELK_CMD_HARDWARE_VERSION, 0, 0},
-    {VELK_CMD_SOFTWARE_VERSION, 0, 0},
-    {VELK_CMD_STANDARD, 0, 0},
-    {VELK_CMD_REGION, 0, 0},
-    {VELK_CMD_RATE, 0, 0},
-    {VELK_CMD_ACCESS_POINT, 0, 0},
-    {VELK_CMD_SIGNAL, 0, 0},
-};
-#undef FIELD
 
 sockaddr_un AddressOf(const char* path) {
     sockaddr_un address{};
@@ -124,98 +94,54 @@ std::string BodyOf(std::string reply) {
     return reply.substr(kHeader);
 }
 
-std::string WithoutField(const Row& row, std::string body) {
-    return body.erase(row.offset, row.size);
-}
-
-std::string TextIn(const std::string& body, size_t offset, size_t size) {
-    const std::string field = body.substr(offset, size);
-    return field.substr(0, field.find('\0'));
-}
-
-std::string RevisionIn(const std::string& product) {
-    const size_t key = product.find("Rev= ");
-    return key == std::string::npos ? "" : product.substr(key + 5);
-}
-
-std::string MacIn(const std::string& body) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string text;
-    for (const char c : body.substr(142, 6)) {
-        const auto byte = static_cast<unsigned char>(c);
-        text += {kDigits[byte / 16], kDigits[byte % 16]};
-    }
-    return text;
-}
-
-// A number of the record, one higher; a get of an unknown one does not succeed.
-std::string CodeIn(const std::string& body, size_t offset) {
-    Check(body[offset] >= 0 && body[offset] <= 2 && body[offset + 1] == 0, "the code is known");
-    return {static_cast<char>(body[offset] + 1)};
-}
-
-// What a get of a fact gives, read from the bytes of the record.
-std::string FactIn(const std::string& body, uint32_t id) {
-    switch (id) {
-        case VELK_CMD_HARDWARE_VERSION:
-            return RevisionIn(TextIn(body, 0, 64));
-        case VELK_CMD_SOFTWARE_VERSION:
-            return TextIn(body, 64, 32);
-        case VELK_CMD_REGION:
-            return CodeIn(body, 96);
-        case VELK_CMD_ACCESS_POINT:
-            return MacIn(body);
-        case VELK_CMD_STANDARD:
-            return CodeIn(body, 152);
-        case VELK_CMD_RATE:
-            return body.substr(156, 4);
-        case VELK_CMD_SIGNAL:
-            return body.substr(160, 4);
-        default:
-            Check(false, "the row is that of a fact");
-            return "";
-    }
-}
-
 bool IsFilledUp(const std::string& data, const std::string& text) {
     return data == text + std::string(data.size() - text.size(), '\0');
 }
 
-void RunGet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body) {
+void CheckGet(Turn& turn, const Row& row, const std::string& body) {
+    const Answer expected = AnswerFrom(row, body);
     const int result = turn.Execute(VELK_GET, row.id, "eth1");
-    const std::string data = testkit::Data(turn.response);
-    const size_t end = data.find_last_not_of('\0');
-    if (result != LIB_VELK_SUCCESS) {
-        Check(end == std::string::npos || end == 0, "a get that fails writes a byte at most");
-    } else if (row.size > sizeof(uint16_t)) {
-        uint16_t length = 0;
-        memcpy(&length, &body[row.offset], sizeof(length));
-        Check(length <= row.size - sizeof(length), "no text is longer than its field");
-        const std::string text = body.substr(row.offset + sizeof(length), length);
-        Check(IsFilledUp(data, text), "the text is the field's");
-    } else if (row.size == 0) {
-        Check(IsFilledUp(data, FactIn(body, row.id)), "the fact is the record's");
-    }
+    Check(result == (expected.succeeds ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE),
+          "a get succeeds as the record's field allows");
+    Check(IsFilledUp(testkit::Data(turn.response), expected.bytes),
+          "a get gives what stands in the record");
+}
+
+void RunGet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body) {
+    CheckGet(turn, row, body);
     const std::vector<std::string> sent = daemon.Received();
     Check(sent.size() == 1 && sent[0].size() == kMessage, "one query was sent");
 }
 
+// The part of a value that counts.
+std::string Counting(const Row& row, const std::string& value) {
+    if (row.field == Field::kText) {
+        return value.substr(0, value.find('\0'));
+    }
+    return {value.empty() ? '\0' : value[0]};
+}
+
 void RunSet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body,
             const std::string& value) {
+    const std::string counting = Counting(row, value);
+    const bool is_known =
+        row.field == Field::kText || row.bytes.find(counting) != std::string::npos;
     const int result = turn.Execute(VELK_SET, row.id, "eth1", value);
     const std::vector<std::string> sent = daemon.Received();
     if (result != LIB_VELK_SUCCESS) {
-        Check(sent.size() <= 1, "a set that fails stores nothing");
+        Check(sent.size() == 1, "a set that fails stores nothing");
+        Check(row.field == Field::kText || !is_known, "a known byte can be set");
         return;
     }
+    Check(is_known, "a set takes known bytes alone");
     Check(sent.size() == 2 && TypeOf(sent[1]) == VELK_WLAN_STORE, "the record was stored");
     const std::string stored = sent[1].substr(kHeader);
     Check(WithoutField(row, stored) == WithoutField(row, body),
           "the other fields are as they were");
+    const Answer kept = AnswerFrom(row, stored);
+    Check(kept.succeeds && kept.bytes == counting, "the field holds what was set");
     daemon.SetReply(std::string(kHeader, '\0') + stored);
-    Check(turn.Execute(VELK_GET, row.id, "eth1") == LIB_VELK_SUCCESS, "a set can be read");
-    const size_t size = row.size > sizeof(uint16_t) ? strnlen(value.c_str(), value.size()) : 1;
-    Check(testkit::Data(turn.response, size) == value.substr(0, size), "a get gives what was set");
+    CheckGet(turn, row, stored);
     (void)daemon.Received();
     Check(turn.Execute(VELK_SET, row.id, "eth1", value) == LIB_VELK_SUCCESS,
           "a set can be repeated");
@@ -240,7 +166,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::Turn turn;
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
     fuzz::Daemon daemon(reply);
-    if (is_set && row.size > 0) {
+    if (is_set && row.can_set) {
         const std::string value = rest.substr(length, VELK_DATA_SIZE);
         fuzz::RunSet(turn, daemon, row, fuzz::BodyOf(reply), value);
     } else {
