@@ -1,4 +1,4 @@
-// mutator.cpp - changes an input line by line, as people and programs change these files.
+// line_mutator.cpp - changes an input line by line, as people and programs change these files.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -54,6 +54,7 @@ const std::vector<std::string> kSamples = {
     "\tDuplex: Half",
     "\tAuto-negotiation: off",
     "\tLink detected: yes",
+    "\tLink detected: no",
     "eth0\t00000000\t0100A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0",
     "VID=1a2b",
     "PID=3c4d",
@@ -61,6 +62,7 @@ const std::vector<std::string> kSamples = {
     "S:  Product=QT4408RKM",
     " 1 Jan 00:00:00 ntpdate[99]: step time server 192.168.0.1 offset 0.1 sec",
     "kernel: eth0: link up",
+    "kernel: eth0: link down",
     "----",
     "#",
     "",
