@@ -58,10 +58,10 @@ VELK_API int FileCopyAndDelete(const std::string& source, const std::string& tar
 // in place with FileCopyAndDelete(). What becomes of that is not noticed. Every line of an edited
 // file ends in a newline, also a last one that had none. A failure before the edit copy is put in
 // place leaves the file as it was; when the edit copy had been opened, it is left behind, empty as
-// a rule. When it cannot be written in full, "FileEdit write" is logged with errno, the copy removed
-// and LIB_VELK_FAILURE returned. A read that fails behind the file's first block counts as the end of
-// the file: what was read until then takes its place. Two editors of one file at once would mix their
-// copies: direct callers hold the lock of VkLibLock().
+// a rule. When it cannot be written in full, "FileEdit write" is logged with errno, the copy
+// removed and LIB_VELK_FAILURE returned. A read that fails behind the file's first block counts as
+// the end of the file: what was read until then takes its place. Two editors of one file at once
+// would mix their copies: direct callers hold the lock of VkLibLock().
 
 // Says whether a text holds nothing but the digits '0' to '9': 1 or 0. A null pointer and the
 // empty text give 1. No sign, blank or decimal point is accepted. Never blocks, touches nothing.
