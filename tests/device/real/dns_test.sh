@@ -11,6 +11,7 @@ serve() { # serve SERVER ADDRESS
         --bind-interfaces --listen-address="$1" --pid-file="/run/dns.$1" \
         --local=/example/ --host-record="who.example,$2"
 }
+# A question that is lost is asked again after five seconds.
 ask() { getent ahostsv4 "$1" | sed -n 's/ *STREAM.*//p' | sort -u; }
 finds() { [ "$(ask "$1")" = "$2" ]; } # finds NAME ADDRESS
 answers() { finds who.example "$1"; }
@@ -19,19 +20,19 @@ serve 192.168.0.2 10.0.0.2
 serve 192.168.0.3 10.0.0.3
 
 it 'asks the server of the sample file'
-soon 5 finds router.example 192.168.0.1
+soon 20 finds router.example 192.168.0.1
 
 it 'asks the server that is set, without being restarted'
 forwarder=$(cat /run/dnsmasq.pid)
 run velkctl set eth0.dns 192.168.0.2
 status_is 0
-soon 5 answers 10.0.0.2
+soon 20 answers 10.0.0.2
 check 'forwarder' "$forwarder" "$(cat /run/dnsmasq.pid)"
 
 it 'asks another one that is set'
 run velkctl set eth0.dns 192.168.0.3
 status_is 0
-soon 5 answers 10.0.0.3
+soon 20 answers 10.0.0.3
 
 it 'asks the second one when the first is silent'
 run velkctl set eth0.dns 192.168.0.66 192.168.0.2
@@ -49,8 +50,8 @@ it 'asks the server of a lease, when DNS servers come from DHCP'
 velk-sandbox adapter out
 velkctl set eth0.method dhcp
 run velkctl restart eth0
-soon 5 has_lease eth0 0
-soon 5 grep '192.168.0.1$' /etc/resolv.dnsmasq.conf
-soon 5 getent ahostsv4 router.example
+soon 20 has_lease eth0 0
+soon 20 grep '192.168.0.1$' /etc/resolv.dnsmasq.conf
+soon 20 getent ahostsv4 router.example
 
 finish

@@ -154,7 +154,7 @@ TEST_P(LibcRecorderTest, SeesDatagramCalls) {
 TEST_P(LibcRecorderTest, SeesSelectAndSemaphores) {
     timeval no_time{};
     EXPECT_EQ(GetParam().select(0, &no_time), 0);
-    EXPECT_EQ(Only(Call::kSelect).text, "0");
+    EXPECT_EQ(Only(Call::kSelect).text, "0.0");
     sem_t* sem = GetParam().sem_open("/probe");
     EXPECT_NE(sem, nullptr);
     EXPECT_EQ(Only(Call::kSemOpen).text, "/probe 438 0");
