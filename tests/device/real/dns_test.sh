@@ -37,7 +37,7 @@ soon 20 answers 10.0.0.3
 it 'asks the second one when the first is silent'
 run velkctl set eth0.dns 192.168.0.66 192.168.0.2
 status_is 0
-soon 10 answers 10.0.0.2
+soon 20 answers 10.0.0.2
 
 it 'has no answer when there is no server'
 run velkctl set eth0.dns none

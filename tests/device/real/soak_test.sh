@@ -117,7 +117,7 @@ ip link set eth0 up
 ip addr replace 192.168.0.10/24 dev eth0
 sleep 1
 velkctl set eth0.dns 192.168.0.1
-soon 5 getent ahostsv4 router.example
+soon 20 getent ahostsv4 router.example
 run grep -vE '^nameserver [0-9.]+$' /etc/resolv.dnsmasq.conf
 output_is ''
 
