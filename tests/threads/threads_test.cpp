@@ -1,5 +1,4 @@
 // Many threads of one program call at once, with the real shell.
-#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
@@ -23,6 +22,7 @@ namespace fs = std::filesystem;
 constexpr int kThreads = 8;
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kTools[] = "/tmp/tools";
+constexpr char kCopied[] = "/tmp/copied";  // what cat(1) copied, one text behind the other
 
 void Write(const std::string& path, std::string_view text) {
     std::ofstream(path) << text;
@@ -33,9 +33,9 @@ std::string Read(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string InterfacesWith(const std::string& address) {
+std::string InterfacesWith(const std::string& address, const std::string& gateway) {
     return "auto eth0\niface eth0 inet static\n\taddress " + address +
-           "\n\tnetmask 255.255.255.0\n\tgateway 192.168.0.1\n";
+           "\n\tnetmask 255.255.255.0\n\tgateway " + gateway + "\n";
 }
 
 int Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data,
@@ -63,14 +63,12 @@ class ThreadsTest : public testing::Test {
   protected:
     void SetUp() override {
         fs::create_directory(kTools);
-        for (const std::string tool : {"cat", "rm"}) {
-            std::error_code exists;
-            fs::create_symlink("/bin/" + tool, std::string(kTools) + "/" + tool, exists);
-        }
+        AddTool("cat", "/bin/cat \"$1\" >>" + std::string(kCopied) + "; exec /bin/cat \"$1\"");
+        AddTool("rm", "exec /bin/rm \"$@\"");
         AddTool("sudo", "exec \"$@\"");
         AddTool("ethtool", "echo Speed: 100Mb/s; echo Duplex: Full; echo Auto-negotiation: off");
         setenv("PATH", kTools, 1);
-        Write(kInterfaces, InterfacesWith("192.168.0.10"));
+        Write(kInterfaces, InterfacesWith("192.168.0.10", "192.168.0.1"));
         Write("/var/libvelk/libvelk", "ADMINISTRATOR=Robin\nLOCATION=Cellar\n");
     }
 
@@ -123,29 +121,57 @@ bool MayBeRead(int result, const char* text) {
     return result == -1 || (result == 0 && std::regex_match(text, address));
 }
 
+// What was stored, one after the other, as the copies of the edits tell: each is the one before
+// with one of the two settings changed. An edit of a text that another thread has replaced
+// meanwhile would bring an old value back.
+std::vector<std::string> StoredInTurn(const std::string& copied) {
+    static const std::regex copy(
+        "auto eth0\niface eth0 inet static\n\taddress ([0-9.]+)"
+        "\n\tnetmask 255\\.255\\.255\\.0\n\tgateway ([0-9.]+)\n");
+    std::vector<std::string> stored;
+    std::string address = "192.168.0.10";
+    std::string gateway = "192.168.0.1";
+    std::string whole;
+    for (std::sregex_iterator found(copied.begin(), copied.end(), copy), end; found != end;
+         ++found) {
+        const bool has_new_address = (*found)[1] != address;
+        EXPECT_NE(has_new_address, (*found)[2] != gateway) << found->str();
+        address = (*found)[1];
+        gateway = (*found)[2];
+        stored.push_back(has_new_address ? address : gateway);
+        whole += found->str();
+    }
+    EXPECT_EQ(copied, whole) << "one is torn";
+    EXPECT_EQ(Read(kInterfaces), InterfacesWith(address, gateway));
+    return stored;
+}
+
 TEST_F(ThreadsTest, SetOneFileOneAfterTheOther) {
+    fs::remove(kCopied);
     std::atomic<int> wrong = 0;
-    std::vector<std::string> stored[kThreads];
+    std::vector<std::string> told[kThreads];  // that they were stored
     InThreads([&](int number) {
+        const uint32_t id = number % 2 == 0 ? VELK_CMD_IP_ADDRESS : VELK_CMD_GATEWAY;
         for (int round = 0; round < 20; ++round) {
             const std::string address =
                 "10.0." + std::to_string(number) + "." + std::to_string(round);
             _velk_request response;
-            const int set = Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", address, response);
+            const int set = Execute(VELK_SET, id, "eth0", address, response);
             wrong += set == 0 || set == LIB_VELK_LOCKED ? 0 : 1;
             if (set == 0) {
-                stored[number].push_back(address);
+                told[number].push_back(address);
             }
             const int get = Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0", "", response);
             wrong += MayBeRead(get, response.data) ? 0 : 1;
         }
     });
     EXPECT_EQ(wrong, 0);
-    // One of the threads was the last to store.
-    const std::string text = Read(kInterfaces);
-    EXPECT_TRUE(std::ranges::any_of(stored, [&](const std::vector<std::string>& addresses) {
-        return !addresses.empty() && text == InterfacesWith(addresses.back());
-    })) << text;
+    std::vector<std::string> all_told;
+    for (const std::vector<std::string>& one : told) {
+        all_told.insert(all_told.end(), one.begin(), one.end());
+    }
+    EXPECT_THAT(StoredInTurn(Read(kCopied)), testing::UnorderedElementsAreArray(all_told));
+    EXPECT_GT(all_told.size(), 0U);
     EXPECT_FALSE(fs::exists("/var/tmp/interfaces"));
 }
 
