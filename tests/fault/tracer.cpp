@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <iterator>
 #include <set>
 #include <system_error>
@@ -81,7 +82,7 @@ bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
 
 class Follower {
   public:
-    Follower(pid_t first, size_t cut_at) : cut_at_(cut_at), processes_{first} {
+    Follower(pid_t first, size_t cut_at) : first_(first), cut_at_(cut_at), processes_{first} {
         if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
@@ -104,6 +105,9 @@ class Follower {
     void Handle(pid_t pid, int status) {
         if (!WIFSTOPPED(status)) {
             processes_.erase(pid);
+            if (pid == first_ && WIFEXITED(status)) {
+                run_.result = static_cast<int8_t>(WEXITSTATUS(status));
+            }
             return;
         }
         const bool is_new = processes_.insert(pid).second;
@@ -149,6 +153,7 @@ class Follower {
         (void)ptrace(PTRACE_SYSCALL, pid, nullptr, static_cast<long>(signal));
     }
 
+    const pid_t first_;
     const size_t cut_at_;
     std::set<pid_t> processes_;
     TracedRun run_;
@@ -156,7 +161,7 @@ class Follower {
 
 }  // namespace
 
-TracedRun RunTraced(const std::function<void()>& work, size_t cut_at) {
+TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
@@ -166,8 +171,7 @@ TracedRun RunTraced(const std::function<void()>& work, size_t cut_at) {
             _exit(1);
         }
         (void)raise(SIGSTOP);
-        work();
-        _exit(0);
+        _exit(work());
     }
     int status = 0;
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
