@@ -1,4 +1,6 @@
 // Hosts with too few descriptors, or too many.
+#include <string_view>
+
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
@@ -23,6 +25,25 @@ TEST_F(HostTest, WithOneStandardDescriptorMissingCanSet) {
         EXPECT_TRUE(InAHost([fd] {
             close(fd);
             return AddressCanBeSet("10.1.2.3") && fcntl(fd, F_GETFD) == -1;
+        })) << fd;
+    }
+}
+
+// Here 0 is a number like any other.
+TEST_F(HostTest, WithoutStandardDescriptorsCanAskTheDaemon) {
+    EXPECT_TRUE(InAHost([] {
+        for (const int fd : {0, 1, 2}) {
+            close(fd);
+        }
+        _velk_request own{};
+        return QuerySsid(own) == 0 && std::string_view(own.data) == "home";
+    }));
+    for (const int fd : {0, 1, 2}) {
+        EXPECT_TRUE(InAHost([fd] {
+            close(fd);
+            _velk_request own{};
+            return QuerySsid(own) == 0 && std::string_view(own.data) == "home" &&
+                   fcntl(fd, F_GETFD) == -1;
         })) << fd;
     }
 }
@@ -78,6 +99,7 @@ TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
 }
 
 TEST_F(HostTest, WithoutAnyDescriptorLeftIsToldSo) {
+    const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
         _velk_request own{};
@@ -85,6 +107,8 @@ TEST_F(HostTest, WithoutAnyDescriptorLeftIsToldSo) {
                RequestAddress(VELK_SET, "10.1.2.3", own) == -1 &&
                RequestAddress(VELK_GET, "", own) == -1;
     }));
+    EXPECT_TRUE(ReadTargets() == before);
+    EXPECT_TRUE(Leftovers().empty());
 }
 
 }  // namespace

@@ -13,16 +13,18 @@
 namespace fault {
 namespace {
 
-// A thread on memory that shows how deep its stack went.
+// A thread on memory that shows how deep its stack went. Nothing may be read or written right below
+// it.
 class PaintedThread {
   public:
     explicit PaintedThread(size_t size)
         : size_(size),
-          memory_(static_cast<unsigned char*>(
-              mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+          guard_(mmap(nullptr, kGuardSize + size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)),
+          memory_(static_cast<unsigned char*>(guard_) + kGuardSize) {
+        EXPECT_EQ(mprotect(memory_, size_, PROT_READ | PROT_WRITE), 0);
         memset(memory_, kPaint, size_);
     }
-    ~PaintedThread() { munmap(memory_, size_); }
+    ~PaintedThread() { munmap(guard_, kGuardSize + size_); }
     PaintedThread(const PaintedThread&) = delete;
     PaintedThread& operator=(const PaintedThread&) = delete;
 
@@ -45,15 +47,19 @@ class PaintedThread {
 
   private:
     static constexpr unsigned char kPaint = 0xA5;
+    static constexpr size_t kGuardSize = 64 * 1024;  // whole pages, whatever their size
     const size_t size_;
+    void* const guard_;
     unsigned char* const memory_;
 };
 
 // The sanitizers need more than the library does.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr size_t kSmallStack = 1024 * 1024;
+constexpr size_t kUseLimit = kSmallStack;
 #else
 constexpr size_t kSmallStack = 64 * 1024;
+constexpr size_t kUseLimit = kSmallStack / 2;
 #endif
 
 TEST_F(HostTest, WithASmallStackCanSetAndAskTheDaemon) {
@@ -73,6 +79,7 @@ TEST_F(HostTest, WithASmallStackCanSetAndAskTheDaemon) {
         &answers));
     EXPECT_TRUE(answers.set);
     EXPECT_EQ(answers.query, 0);
+    EXPECT_LT(thread.used(), kUseLimit);
     printf("stack used, the test kit's part included: %zu of %zu bytes\n", thread.used(),
            kSmallStack);
 }

@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <sys/wait.h>
@@ -34,7 +35,8 @@ void KillWhileHoldingTheLock(const std::function<void()>& before_the_end) {
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFSIGNALED(status)) << "it was to die while it held the lock";
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
+        << "it was to die while it held the lock";
 }
 
 TEST_F(ConcurrencyTest, AKilledHolderFreesTheLock) {
@@ -51,9 +53,12 @@ TEST_F(ConcurrencyTest, SoItDoesWhenAToolOfItsRunsOn) {
     Device device({});
     KillWhileHoldingTheLock([] {
         LibcRecorder::Get().Reset();
-        (void)!system("sleep 2 >/dev/null 2>&1 &");
+        (void)!system("sleep 600 >/dev/null 2>&1 & echo $! >/run/tool");
     });
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
+    const pid_t tool = std::stoi(testkit::ReadFile("/run/tool"));
+    EXPECT_GT(tool, 1);
+    EXPECT_EQ(kill(tool, SIGKILL), 0) << "it was to run until now";
 }
 
 }  // namespace

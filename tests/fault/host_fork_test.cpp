@@ -1,0 +1,102 @@
+// Hosts that call in a child of fork(2), without a new program in it.
+#include <string_view>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "fault/host.h"
+
+namespace fault {
+namespace {
+
+using testkit::Call;
+using testkit::Event;
+using testkit::LibcRecorder;
+
+TEST_F(HostTest, ThatForksCanCallOnBothSides) {
+    _velk_request own{};
+    EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
+    EXPECT_EQ(QuerySsid(own), 0);
+    EXPECT_TRUE(InAHost([] {
+        _velk_request childs{};
+        return RequestAddress(VELK_GET, "", childs) == 0 &&
+               std::string_view(childs.data) == "10.1.2.3" && AddressCanBeSet("10.1.2.4") &&
+               QuerySsid(childs) == 0;
+    }));
+    EXPECT_EQ(RequestAddress(VELK_GET, "", own), 0);
+    EXPECT_STREQ(own.data, "10.1.2.4");
+    EXPECT_TRUE(AddressCanBeSet("10.1.2.5"));
+    EXPECT_EQ(QuerySsid(own), 0);
+}
+
+// A way for one to wait for the word of another, in whatever process.
+class Word {
+  public:
+    Word() { EXPECT_EQ(pipe(ends_), 0); }
+    ~Word() {
+        close(ends_[0]);
+        close(ends_[1]);
+    }
+    Word(const Word&) = delete;
+    Word& operator=(const Word&) = delete;
+
+    void Wait() const {
+        const testkit::Unrecorded ours;
+        char byte = 0;
+        EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    }
+    void Give() const {
+        const testkit::Unrecorded ours;
+        EXPECT_EQ(write(ends_[1], "", 1), 1);
+    }
+
+  private:
+    int ends_[2] = {-1, -1};
+};
+
+// Until the lock is free, ten seconds at most.
+int SetPatiently(const char* address) {
+    int result = LIB_VELK_LOCKED;
+    for (int tries = 0; tries < 1000 && result == LIB_VELK_LOCKED; ++tries) {
+        _velk_request own{};
+        result = RequestAddress(VELK_SET, address, own);
+        usleep(10 * 1000);
+    }
+    return result;
+}
+
+// The child has the descriptor of the lock, too, for good; the lock ends with the set nevertheless.
+TEST_F(HostTest, ThatForksWhileAThreadHoldsTheLockCanCallInTheChild) {
+    const Word is_held;
+    const Word may_end;
+    libc().OnCall(Call::kSystem, [&](const Event& event) {
+        if (event.text.starts_with("cat ")) {
+            is_held.Give();
+            may_end.Wait();
+        }
+    });
+    int set = 1;
+    std::thread holder([&] {
+        _velk_request own{};
+        set = RequestAddress(VELK_SET, "10.1.2.3", own);
+    });
+    is_held.Wait();
+    EXPECT_TRUE(InAHost([&] {
+        LibcRecorder::Get().OnCall(Call::kSystem, nullptr);
+        _velk_request own{};
+        const bool is_refused = RequestAddress(VELK_SET, "10.1.2.4", own) == LIB_VELK_LOCKED;
+        const bool can_get = RequestAddress(VELK_GET, "", own) == 0;
+        may_end.Give();
+        return is_refused && can_get && SetPatiently("10.1.2.4") == 0;
+    }));
+    holder.join();
+    EXPECT_EQ(set, 0);
+    _velk_request own{};
+    EXPECT_EQ(RequestAddress(VELK_GET, "", own), 0);
+    EXPECT_STREQ(own.data, "10.1.2.4");
+}
+
+}  // namespace
+}  // namespace fault
