@@ -22,6 +22,7 @@ namespace {
 constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
 constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/WlanAplRecvSem";
+constexpr int kPatience = 3;  // seconds for the library's word that it listens
 
 sockaddr_un AddressOf(const char* path) {
     sockaddr_un address{};
@@ -163,7 +164,7 @@ void FakeDaemon::Handle(const std::string& datagram) {
         }
         reply = raw_reply_.value_or(ReplyTo(type));
     }
-    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : 1)) {
+    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : kPatience)) {
         Reply(reply);
     }
 }

@@ -1,0 +1,164 @@
+// What a wireless query that is killed leaves to the next one: its question at the daemon, its
+// semaphore and its socket. The daemon lives on and goes its own way.
+#include <csignal>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "fault/scene.h"
+#include "support/device_test.h"
+
+namespace fault {
+namespace {
+
+using testkit::Call;
+using testkit::Event;
+using testkit::FakeDaemon;
+using testkit::LibcRecorder;
+
+constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
+constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
+constexpr char kProduct[] = "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04";
+
+class KilledQueryTest : public testkit::DeviceTest {
+  protected:
+    KilledQueryTest() {
+        WriteFiles({});
+        shell_.emplace();
+        shell_->Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
+        StartDaemon();
+    }
+    void TearDown() override {
+        daemon_.reset();
+        shell_.reset();
+        DeviceTest::TearDown();
+    }
+
+    void StartDaemon() {
+        daemon_.reset();
+        daemon_.emplace();
+        SMsgConf conf{};
+        conf.ssid_length = 4;
+        memcpy(conf.ssid, "home", 4);
+        conf.channel = 6;
+        daemon_->SetConf(conf);
+        SMsgState state{};
+        strcpy(state.product, kProduct);
+        daemon_->SetState(state);
+    }
+
+    // Runs a get in a child that sends itself this signal right before its first call of this kind.
+    static pid_t InterruptGetAt(Call call, uint32_t id, int signal) {
+        const pid_t child = fork();
+        if (child == 0) {
+            LibcRecorder::Get().OnCall(call, [signal](const Event&) { (void)raise(signal); });
+            const _velk_request request = testkit::MakeRequest(VELK_GET, id, "eth1");
+            _velk_request own{};
+            (void)execute_velk_command(&request, &own);
+            _exit(0);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, WUNTRACED), child);
+        EXPECT_EQ(signal == SIGSTOP ? WIFSTOPPED(status) : WIFSIGNALED(status), true) << status;
+        return child;
+    }
+    static void KillGetAt(Call call, uint32_t id) { (void)InterruptGetAt(call, id, SIGKILL); }
+
+    // Until the daemon, a thread of this process, has the semaphore in its hands.
+    static void AwaitDaemonAtTheSemaphore() {
+        for (int tries = 0; tries < 1000; ++tries) {
+            if (testkit::ReadFile("/proc/self/maps").find(kSemaphore) != std::string::npos) {
+                return;
+            }
+            usleep(10 * 1000);
+        }
+        FAIL() << "the daemon did not come";
+    }
+
+    void ExpectNothingLeft() {
+        EXPECT_FALSE(testkit::Exists(kReplySocket));
+        EXPECT_FALSE(testkit::Exists(kSemaphore));
+    }
+
+    std::optional<testkit::FakeShell> shell_;
+    std::optional<FakeDaemon> daemon_;
+};
+
+TEST_F(KilledQueryTest, LeavesNothingThatBlocksTheSameQuestion) {
+    for (const Call moment :
+         {Call::kSemOpen, Call::kConnect, Call::kSendto, Call::kBind, Call::kSemPost, Call::kSelect,
+          Call::kRecvfrom, Call::kSemClose, Call::kSemUnlink}) {
+        SCOPED_TRACE(static_cast<int>(moment));
+        KillGetAt(moment, VELK_CMD_SSID);
+        EXPECT_EQ(Execute(VELK_GET, VELK_CMD_SSID, "eth1"), 0);
+        EXPECT_STREQ(response.data, "home");
+        ExpectNothingLeft();
+        StartDaemon();
+    }
+}
+
+// The daemon still waits for the word that the killed query listens, and takes the next one's for
+// it. No reply tells which question it answers.
+TEST_F(KilledQueryTest, MayLeaveItsAnswerToAGetOfTheOtherRecord) {
+    KillGetAt(Call::kBind, VELK_CMD_RATE);
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
+    EXPECT_EQ(response.data[0], 0) << "what stands in the state where the channel would";
+    ExpectNothingLeft();
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
+    EXPECT_EQ(response.data[0], 6);
+}
+
+TEST_F(KilledQueryTest, LeavesNoAnswerWhereItsSemaphoreIsRemoved) {
+    KillGetAt(Call::kBind, VELK_CMD_RATE);
+    AwaitDaemonAtTheSemaphore();
+    EXPECT_EQ(unlink(kSemaphore), 0);
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
+    EXPECT_EQ(response.data[0], 6);
+    ExpectNothingLeft();
+}
+
+TEST_F(KilledQueryTest, MayLeaveItsAnswerToASetOfTheOtherRecord) {
+    KillGetAt(Call::kBind, VELK_CMD_RATE);
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_CHANNEL, "eth1", "\x0b"), 0);
+    ExpectNothingLeft();
+    daemon_->Stop();
+    EXPECT_THAT(daemon_->types(), testing::ElementsAre(4, 3, 2));
+    const SMsgConf stored = daemon_->conf();
+    EXPECT_EQ(stored.channel, 11);
+    EXPECT_EQ(memcmp(&stored, kProduct, strlen(kProduct)), 0) << "the rest is the state";
+}
+
+// Two at once, of which one is slow, come to the same: gets take no lock.
+TEST_F(KilledQueryTest, SoMayOneThatIsOvertaken) {
+    const pid_t slow = InterruptGetAt(Call::kBind, VELK_CMD_RATE, SIGSTOP);
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
+    EXPECT_EQ(response.data[0], 0);
+    EXPECT_EQ(kill(slow, SIGKILL), 0);
+    EXPECT_EQ(waitpid(slow, nullptr, 0), slow);
+}
+
+// A word that nobody waited for, as when the daemon was restarted meanwhile: a daemon that does not
+// try again answers the next query before it listens. That one gives up after its minute and clears
+// the semaphore away.
+TEST_F(KilledQueryTest, MayCostTheNextOneItsAnswer) {
+    daemon_->StaySilent();
+    KillGetAt(Call::kSelect, VELK_CMD_SSID);
+    StartDaemon();
+    libc().OnCall(Call::kBind, [&](const Event&) { daemon_->Stop(); });  // when it has answered
+    libc().Script(Call::kSelect, {testkit::Return(0)});
+    libc().ForgetEvents();
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_SSID, "eth1"), -1);
+    EXPECT_THAT(libc().Logs(), testing::Contains("RecvWlanResponseMessage select timeout"));
+    ExpectNothingLeft();
+    libc().OnCall(Call::kBind, nullptr);
+    StartDaemon();
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_SSID, "eth1"), 0);
+    EXPECT_STREQ(response.data, "home");
+}
+
+}  // namespace
+}  // namespace fault
