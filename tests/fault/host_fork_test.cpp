@@ -20,10 +20,10 @@ TEST_F(HostTest, ThatForksCanCallOnBothSides) {
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
     EXPECT_EQ(QuerySsid(own), 0);
     EXPECT_TRUE(InAHost([] {
-        _velk_request childs{};
-        return RequestAddress(VELK_GET, "", childs) == 0 &&
-               std::string_view(childs.data) == "10.1.2.3" && AddressCanBeSet("10.1.2.4") &&
-               QuerySsid(childs) == 0;
+        _velk_request answer{};
+        return RequestAddress(VELK_GET, "", answer) == 0 &&
+               std::string_view(answer.data) == "10.1.2.3" && AddressCanBeSet("10.1.2.4") &&
+               QuerySsid(answer) == 0;
     }));
     EXPECT_EQ(RequestAddress(VELK_GET, "", own), 0);
     EXPECT_STREQ(own.data, "10.1.2.4");
