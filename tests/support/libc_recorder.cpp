@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <malloc.h>
+#include <sanitizer/asan_interface.h>
 
 namespace testkit {
 namespace {
@@ -21,8 +22,21 @@ thread_local bool is_unrecorded = false;
 
 // Stands behind every block, to know again at its end what was counted at its beginning. Not in
 // front of it: a leak checker looks for pointers to where a block begins.
-bool& CountedMark(void* block) {
-    return static_cast<bool*>(block)[malloc_usable_size(block) - sizeof(bool)];
+bool* MarkBehind(void* block) {
+    return static_cast<bool*>(block) + malloc_usable_size(block) - sizeof(bool);
+}
+
+// Out of bounds for everybody else: the sanitizer is to tell of an access one byte behind a block.
+void PutMark(void* block, bool is_counted) {
+    bool* const mark = MarkBehind(block);
+    *mark = is_counted;
+    ASAN_POISON_MEMORY_REGION(mark, sizeof(*mark));
+}
+
+bool TakeMark(void* block) {
+    bool* const mark = MarkBehind(block);
+    ASAN_UNPOISON_MEMORY_REGION(mark, sizeof(*mark));
+    return *mark;
 }
 
 bool IsFaultDue() {
@@ -49,7 +63,7 @@ void* Allocate(size_t size) {
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    CountedMark(block) = is_counted;
+    PutMark(block, is_counted);
     allocations_held += is_counted ? 1 : 0;
     return block;
 }
@@ -58,7 +72,7 @@ void Free(void* memory) {
     if (memory == nullptr) {
         return;
     }
-    allocations_held -= CountedMark(memory) ? 1 : 0;
+    allocations_held -= TakeMark(memory) ? 1 : 0;
     free(memory);
 }
 
