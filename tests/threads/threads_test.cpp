@@ -6,6 +6,7 @@
 #include <functional>
 #include <iterator>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -125,21 +126,26 @@ bool MayBeRead(int result, const char* text) {
 // with one of the two settings changed. An edit of a text that another thread has replaced
 // meanwhile would bring an old value back.
 std::vector<std::string> StoredInTurn(const std::string& copied) {
-    static const std::regex copy(
-        "auto eth0\niface eth0 inet static\n\taddress ([0-9.]+)"
-        "\n\tnetmask 255\\.255\\.255\\.0\n\tgateway ([0-9.]+)\n");
     std::vector<std::string> stored;
     std::string address = "192.168.0.10";
     std::string gateway = "192.168.0.1";
+    std::string new_address;
+    std::string new_gateway;
     std::string whole;
-    for (std::sregex_iterator found(copied.begin(), copied.end(), copy), end; found != end;
-         ++found) {
-        const bool has_new_address = (*found)[1] != address;
-        EXPECT_NE(has_new_address, (*found)[2] != gateway) << found->str();
-        address = (*found)[1];
-        gateway = (*found)[2];
-        stored.push_back(has_new_address ? address : gateway);
-        whole += found->str();
+    std::istringstream words(copied);
+    for (std::string word; words >> word;) {
+        if (word == "address") {
+            words >> new_address;
+        }
+        if (word != "gateway") {
+            continue;
+        }
+        words >> new_gateway;  // the last word of a copy
+        whole += InterfacesWith(new_address, new_gateway);
+        EXPECT_NE(new_address != address, new_gateway != gateway) << new_address << new_gateway;
+        stored.push_back(new_address != address ? new_address : new_gateway);
+        address = new_address;
+        gateway = new_gateway;
     }
     EXPECT_EQ(copied, whole) << "one is torn";
     EXPECT_EQ(Read(kInterfaces), InterfacesWith(address, gateway));
