@@ -120,6 +120,7 @@ void AddGrowth() {
     }
     for (const char* what : {"get", "set"}) {
         AddPeak(what, kSizes[4]);
+        AddPeak(what, kSizes[5]);
     }
 }
 

@@ -29,6 +29,7 @@ void AddProcesses() {
     Add("process/get_and_empty_program", get, {Built("velk_bench_empty")});
     Add("process/version_and_empty_program", {Built(kVelkctl), "--version"},
         {Built("velk_bench_empty")});
+    Add("process/get_and_augeas", get, {Built("velk_bench_augeas")});
     Add("process/get_and_ifquery", get, {"ifquery", "eth0"});
     Add("process/get_and_awk", get, {"awk", kAwkProgram, "/etc/network/interfaces"});
     Add("process/set_and_bare_program",

@@ -18,6 +18,7 @@ constexpr int kSamples = 50;
 
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
+constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
 constexpr char kCrontab[] = "/var/cron/tabs/root";
 
 struct FileSet {
@@ -40,8 +41,16 @@ const std::vector<FileSet>& FileSets() {
          {VELK_METHOD_STATIC},
          {kInterfaces, kDhcpConfig},
          {}},
-        {"link_local", VELK_CMD_APIPA, "eth0", on, {"/etc/dhclient-exit-hooks"}, {}},
+        {"link_local", VELK_CMD_APIPA, "eth0", on, {kExitHooks}, {}},
         {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", on, {kDhcpConfig, "/sbin/dhclient-script"}, {}},
+        {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", on, {kDhcpConfig, kExitHooks}, {}},
+        {"dhcp_notice", VELK_CMD_DHCP_NOTICE, "eth0", on, {kExitHooks, kExitHooks}, {}},
+        {"web_update",
+         VELK_CMD_WEB_UPDATE,
+         "",
+         {VELK_SCHEDULE_DAILY, 0, '0', '8', ':', '3', '0'},
+         {kCrontab},
+         {}},
         {"ntp", VELK_CMD_NTP, "", on, {kCrontab}, {}},
         {"ntp_server", VELK_CMD_NTP_SERVER, "", "192.168.0.1", {kCrontab}, {}},
         {"administrator",

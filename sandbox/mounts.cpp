@@ -17,9 +17,9 @@ namespace {
 constexpr char kSource[] = "velk";  // what the device's mounts are called in /proc/mounts
 constexpr mode_t kModeBits = 07777;
 
-// Valgrind knows neither open_tree(2) nor move_mount(2). A place, too, is found again whatever
-// covers it, but what becomes of its flags it shares: enough for a device that leaves the machine
-// writable.
+// Valgrind knows neither open_tree(2) nor move_mount(2). A place stays reachable when something is
+// mounted over it, but unlike a clone it shares later changes of its mount's flags: enough for a
+// device that leaves the machine writable.
 velk::UniqueFd HoldByPlace(int folder, const std::string& name) {
     return velk::UniqueFd(openat(folder, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
 }

@@ -71,7 +71,7 @@ void EnterPrivateNamespaces() {
     if (unshare(kPrivateNamespaces) == -1) {
         FailToMake("mount and network namespaces");
     }
-    if (mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == -1) {
+    if (mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == -1) {  // valgrind reads texts
         Fail("cannot keep mounts private", errno);
     }
     if (sethostname(kHostName.data(), kHostName.size()) == -1) {

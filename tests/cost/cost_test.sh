@@ -38,6 +38,7 @@ get_costs() {
 
 # open, read, close; the line reader's block. A second read would mean reading on after the answer.
 get_costs 'address' 3 2000 1 104 eth0
+get_costs 'netmask' 3 2000 1 105 eth0
 get_costs 'gateway' 3 2000 1 106 eth0
 # Looks for a third server up to the end of the file, which takes a second read to see.
 get_costs 'dns' 4 3000 1 108 eth0

@@ -168,7 +168,7 @@ status_is 0
 output_is '0
 the copy is whole
 problem
-the file was cut while being copied; the rest is in its edit copy /var/tmp/interfaces, N old, which the next set replaces
+the file seems to have been cut while being copied; the rest is in its edit copy /var/tmp/interfaces, N old, which the next set replaces
 0
 0
 the file is whole
@@ -179,7 +179,7 @@ all is well'
 it 'notes a set that replaces what a file has lost'
 script "$cut_short"'
     velkctl set eth0.gateway 192.168.0.8 --json --no-verify | jq -r ".notes[]" | sed "s/; such .*//"'
-output_is 'eth0.gateway: /etc/network/interfaces was cut while being copied, and this set replaces the edit copy that has the rest'
+output_is 'eth0.gateway: /etc/network/interfaces seems to have been cut while being copied, and this set replaces the edit copy that has the rest'
 
 it 'discards an edit that was not copied, or finishes it, by the lines it prints'
 for verb in discard finish; do

@@ -276,10 +276,11 @@ refused "call: unknown option '--texts'; did you mean --text?" \
 it 'refuses a value for an option that takes none'
 refused "option '--help' takes no value; leave it out" --help=foo
 refused "option '--help' takes no value; leave it out" --help=
-refused "option '-h' takes no value; leave it out" -hfoo
+refused "unknown option '-hfoo'; 'velkctl --help' lists the options" -hfoo
 refused "option '--version' takes no value; leave it out" --version=foo
 refused "set: option '--help' takes no value; leave it out" set eth0.dns 1.1.1.1 --help=foo
-refused "set: option '-h' takes no value; leave it out" set eth0.dns -hallo
+refused "set: unknown option '-hallo'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+    set eth0.dns -hallo
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
 it 'refuses name and value as one word'

@@ -118,10 +118,6 @@ std::string LastWord(const std::string& line) {
     return line.substr(line.rfind(' ') + 1);
 }
 
-std::string CopyOf(const std::string& file) {
-    return "/var/tmp" + file.substr(file.rfind('/'));
-}
-
 // Edits that were begun are left as they are when memory runs out; results, too.
 bool IsScratchOf(const Reference& reference, const std::string& path) {
     return std::ranges::any_of(reference.log.Calls(Call::kOpen), [&](const LoggedCall& call) {
@@ -184,7 +180,7 @@ bool MayBeLeft(const std::string& path, const Fault& fault, const Reference& ref
         case Call::kSystem:
             return FilesOfFailedLines(fault, reference).contains(path);
         case Call::kUnlink:
-            return path == "/tmp/WlanAplFromWlanSock";
+            return path == kReplySocket;
         case Call::kSemUnlink:
             return path == "/dev/shm/sem.WlanAplRecvSem";
         default:

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "fault/paths.h"
 #include "fault/scene.h"
 #include "support/device_test.h"
 #include "support/mounted.h"
@@ -11,7 +12,6 @@
 namespace fault {
 namespace {
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kOldAddress[] = "\taddress 10.0.0.5\n";
 constexpr char kNewAddress[] = "\taddress 10.100.100.100\n";
 

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "fault/concurrency.h"
+#include "fault/paths.h"
 
 namespace fault {
 namespace {
@@ -40,7 +41,6 @@ TEST_F(GetBesideSetTest, FindsNoTextOfASettingThatMayBeMissing) {
 }
 
 TEST_F(GetBesideSetTest, FailsWhereTheValueMustBeThere) {
-    constexpr char kInterfaces[] = "/etc/network/interfaces";
     for (const uint32_t id : {VELK_CMD_IP_METHOD, VELK_CMD_NETMASK}) {
         testkit::WriteFile(kInterfaces,
                            "auto eth0\niface eth0 inet static\n\taddress 192.168.0.10\n"

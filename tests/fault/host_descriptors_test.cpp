@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "fault/host.h"
+#include "fault/paths.h"
 
 namespace fault {
 namespace {
@@ -94,7 +95,7 @@ TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
         _velk_request own{};
         return QuerySsid(own) == 0 && OpenDescriptorsBelow(2000) && QuerySsid(own) == -1;
     }));
-    EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));
+    EXPECT_FALSE(testkit::Exists(kReplySocket));
     EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
 }
 

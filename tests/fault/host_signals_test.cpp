@@ -6,6 +6,7 @@
 #include <sys/time.h>
 
 #include "fault/host.h"
+#include "fault/paths.h"
 #include "support/fake_daemon.h"
 
 namespace fault {
@@ -74,7 +75,7 @@ TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
         setitimer(ITIMER_REAL, &never, nullptr);
         EXPECT_THAT(LibcRecorder::Get().Logs(),
                     Contains("RecvWlanResponseMessage select errno=4:Interrupted system call"));
-        EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));
+        EXPECT_FALSE(testkit::Exists(kReplySocket));
         EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
     }
     daemon.Stop();

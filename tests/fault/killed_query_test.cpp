@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "fault/paths.h"
 #include "fault/scene.h"
 #include "support/device_test.h"
 
@@ -20,7 +21,6 @@ using testkit::Event;
 using testkit::FakeDaemon;
 using testkit::LibcRecorder;
 
-constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kProduct[] = "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04";
 

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "fault/paths.h"
 #include "fault/requests.h"
 #include "fault/tracer.h"
 #include "fault/trial.h"
@@ -13,9 +14,6 @@
 
 namespace fault {
 namespace {
-
-constexpr char kResolverFile[] = "/etc/resolv.dnsmasq.conf";
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 
 // The tools that put an edited file in place, and the library itself where it writes in place.
 const std::set<std::string> kCopiers{"sh\n", "cat\n"};
@@ -177,7 +175,7 @@ class PowerCut : public testkit::DeviceTest {
     // short again afterwards.
     static void CheckFinishingByHand(const WholeTexts& texts, const std::string& path,
                                      const std::string& text) {
-        const std::string copy = "/var/tmp" + path.substr(path.rfind('/'));
+        const std::string copy = CopyOf(path);
         const testkit::Unrecorded ours;
         EXPECT_EQ(system(("cat " + copy + " > " + path).c_str()), 0);
         EXPECT_TRUE(texts.HoldAsNew(path, testkit::ReadFile(path))) << copy << " is not whole";

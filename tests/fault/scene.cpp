@@ -32,7 +32,6 @@ constexpr std::array kTargets{
     "/var/libvelk/libvelk",
     kClockLog,
 };
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 
 // Those that the sandbox's device has no samples of.
 const std::map<std::string, std::string> kOwnTexts{

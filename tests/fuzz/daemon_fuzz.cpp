@@ -152,7 +152,6 @@ void RunSet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body,
 }  // namespace fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    constexpr size_t kHead = 3;
     if (size < kHead) {
         return 0;
     }

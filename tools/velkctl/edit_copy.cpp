@@ -2,7 +2,7 @@
 #include "velkctl/edit_copy.h"
 
 #include <algorithm>
-#include <iterator>
+#include <functional>
 #include <optional>
 
 #include <unistd.h>
@@ -56,16 +56,33 @@ EditState StateBetween(const TextFile& copy, const TextFile& file) {
 }
 
 std::optional<EditCopy> FindCopyOf(const DeviceFile& file) {
-    EditCopy copy{&file, CopyPathOf(file), {}, EditState::kForeign, false};
+    EditCopy copy{&file, CopyPathOf(file), {}, EditState::kForeign, {}};
     if (lstat(copy.path.c_str(), &copy.facts) == -1) {
         return std::nullopt;
     }
     if (IsTrusted(copy.facts, file.path)) {
         const TextFile text = ReadTextFile(copy.path);
-        copy.state = StateBetween(text, ReadTextFile(file.path));
-        copy.has_end = text.bytes.ends_with('\n');
+        copy.state = copy.facts.st_size == 0 ? EditState::kPart
+                                             : StateBetween(text, ReadTextFile(file.path));
+        if (text.state == FileState::kText) {
+            copy.has_end = text.bytes.ends_with('\n');
+        }
     }
     return copy;
+}
+
+// Those that are there of the edited files that are wanted.
+std::vector<EditCopy> FindCopies(const std::function<bool(const DeviceFile&)>& is_wanted) {
+    std::vector<EditCopy> copies;
+    for (const DeviceFile& file : DeviceFiles()) {
+        if (file.change != Change::kByEdit || !is_wanted(file)) {
+            continue;
+        }
+        if (std::optional<EditCopy> copy = FindCopyOf(file)) {
+            copies.push_back(*copy);
+        }
+    }
+    return copies;
 }
 
 // With a path, flock(1) would make a lock file of its own mode, and the kernel may keep even root
@@ -80,27 +97,16 @@ std::string UnderLock(const std::string& commands) {
 }  // namespace
 
 std::vector<EditCopy> FindEditCopies() {
-    std::vector<EditCopy> copies;
-    for (const DeviceFile& file : DeviceFiles()) {
-        if (file.change != Change::kByEdit) {
-            continue;
-        }
-        if (std::optional<EditCopy> copy = FindCopyOf(file)) {
-            copies.push_back(*copy);
-        }
-    }
-    return copies;
+    return FindCopies([](const DeviceFile&) { return true; });
 }
 
 std::vector<EditCopy> FindEditCopies(const Command& command) {
     if (command.type != VELK_SET) {
         return {};
     }
-    std::vector<EditCopy> copies = FindEditCopies();
-    std::erase_if(copies, [&](const EditCopy& copy) {
-        return std::ranges::find(copy.file->changed_by, command.id) == copy.file->changed_by.end();
+    return FindCopies([&](const DeviceFile& file) {
+        return std::ranges::find(file.changed_by, command.id) != file.changed_by.end();
     });
-    return copies;
 }
 
 // The shell empties the file before cat starts: without the test, pasting the line once more, or

@@ -2,6 +2,7 @@
 #ifndef VELKCTL_EDIT_COPY_H_
 #define VELKCTL_EDIT_COPY_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace velkctl {
 // How far the edit came, by what its copy and the file hold.
 enum class EditState {
     kForeign,     // no copy of this user's or of the file's owner: whatever it holds does not count
-    kCut,         // the file has nothing, or the front of the copy alone: it was cut while copied
+    kCut,         // the file has nothing, or the front of the copy alone: it seems cut while copied
     kPart,        // the copy may be a part of what was to be written
     kInPlace,     // the file holds the same
     kDiffers,     // the copy seems whole, and was not copied
@@ -28,7 +29,8 @@ struct EditCopy {
     std::string path;
     struct stat facts;  // as lstat(2) tells them
     EditState state;
-    bool has_end;  // its last line ends, as that of every whole copy does
+    // Its last line ends, as that of every whole copy does; nothing when it cannot be read.
+    std::optional<bool> has_end;
 };
 
 // Those that are there. Unless the lock is held, an edit may be under way in them.

@@ -47,7 +47,7 @@ void RemoveToolOutput() {
 }
 
 // While the lock is held nobody edits: a copy that is there is one left behind. What the command
-// did not make, and what a file has yet to get, stays.
+// did not make stays, and so does what a cut file has lost.
 void RemoveEditCopies(const Command& command) {
     const int lock = VkLibLock();
     if (lock <= 0) {
@@ -84,7 +84,8 @@ void TellOfUnfinishedEdits(const Command& command, const std::string& what, Repo
     }
     for (const EditCopy& copy : CutEdits(command)) {
         report.Note(what + ": " + copy.file->path +
-                    " was cut while being copied, and this set replaces the edit copy that has the "
+                    " seems to have been cut while being copied, and this set replaces the edit "
+                    "copy that has the "
                     "rest; such an edit is to be finished before a set: " +
                     FinishingOf(copy));
     }

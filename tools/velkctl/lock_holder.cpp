@@ -43,6 +43,20 @@ std::optional<int> HoldingProcess() {
     return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
 }
 
+// What is known of a process; nothing when it has ended.
+std::optional<LockHolder> Describe(int process) {
+    const std::string folder = "/proc/" + std::to_string(process);
+    std::string name = ReadTextFile(folder + "/comm").bytes;
+    const std::optional<long> seconds =
+        SecondsRunning(ReadTextFile(folder + "/stat").bytes, ReadTextFile("/proc/uptime").bytes,
+                       sysconf(_SC_CLK_TCK));
+    if (name.empty() || !seconds) {
+        return std::nullopt;
+    }
+    name.pop_back();  // the end of the line
+    return LockHolder{process, name, *seconds};
+}
+
 }  // namespace
 
 std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode) {
@@ -86,19 +100,7 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
 
 std::optional<LockHolder> FindLockHolder() {
     const std::optional<int> process = HoldingProcess();
-    if (!process) {
-        return std::nullopt;
-    }
-    const std::string folder = "/proc/" + std::to_string(*process);
-    std::string name = ReadTextFile(folder + "/comm").bytes;
-    const std::optional<long> seconds =
-        SecondsRunning(ReadTextFile(folder + "/stat").bytes, ReadTextFile("/proc/uptime").bytes,
-                       sysconf(_SC_CLK_TCK));
-    if (name.empty() || !seconds) {
-        return std::nullopt;  // the one that took the lock has ended, a child of it holds it
-    }
-    name.pop_back();  // the end of the line
-    return LockHolder{*process, name, *seconds};
+    return process ? Describe(*process) : std::nullopt;
 }
 
 std::string Words(const LockHolder& holder) {
@@ -111,11 +113,13 @@ std::string LockHolderInWords() {
     if (!process) {
         return "";
     }
-    const std::optional<LockHolder> holder = FindLockHolder();
-    if (!holder) {
-        return "a process that process " + std::to_string(*process) + " started before it ended";
+    if (const std::optional<LockHolder> holder = Describe(*process)) {
+        return Words(*holder);
     }
-    return Words(*holder);
+    if (HoldingProcess() != process) {
+        return "";  // it gave the lock back and ended meanwhile
+    }
+    return "a process that process " + std::to_string(*process) + " started before it ended";
 }
 
 }  // namespace velkctl

@@ -114,16 +114,12 @@ std::string TakeOption(const Verb& verb, const VerbOption& option, const char* n
     return {};
 }
 
-// Takes what is no option of the verb, and says what is wrong with it.
-std::string TakeWord(std::string_view word, Arguments& read) {
-    if (word.starts_with("-h")) {
-        return TakesNoValue("-h");  // "-hello"
-    }
+// Takes what is no option of the verb.
+void TakeWord(std::string_view word, Arguments& read) {
     if (read.unknown.empty() && LooksLikeOption(word)) {
         read.unknown = word;
     }
     read.invocation.words.emplace_back(word);
-    return {};
 }
 
 }  // namespace
@@ -154,7 +150,7 @@ Arguments ReadArguments(const Verb& verb, Words given) {
                 is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
         } else {
             optind = at + 1;  // behind the beginning of a name it may have taken a value
-            read.problem = TakeWord(argv[at], read);
+            TakeWord(argv[at], read);
         }
     }
     Words& words = read.invocation.words;

@@ -17,7 +17,6 @@ namespace {
 
 using testkit::Dice;
 
-constexpr size_t kHead = 3;  // the command's letter, get or set, the datagram's length
 constexpr size_t kRecord = kHead + kHeader;
 constexpr size_t kSeed = kHead + kMessage;  // an input without a value
 

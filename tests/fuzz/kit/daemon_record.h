@@ -9,6 +9,7 @@
 
 namespace fuzz {
 
+constexpr size_t kHead = 3;  // of an input: the command's letter, get or set, the datagram's length
 constexpr size_t kHeader = 4;  // in front of a message's body
 constexpr size_t kBody = 236;
 constexpr size_t kMessage = kHeader + kBody;

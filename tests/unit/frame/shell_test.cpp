@@ -54,6 +54,12 @@ TEST_F(ShellTest, AShellThatNobodyKeepsTheStatusOfIsAFailure) {
     EXPECT_THAT(libc().Logs(), ElementsAre("system errno=10:No child processes"));
 }
 
+TEST_F(ShellTest, AShellThatSomebodyElseWaitedForIsAFailure) {
+    libc().Script(Call::kSystem, {Fail(ECHILD)});
+    EXPECT_EQ(SystemCommand("true"), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("system errno=10:No child processes"));
+}
+
 TEST_F(ShellTest, FormatsTheCommandLine) {
     EXPECT_EQ(velk::CommandLine("true %s %d", "eth0", 5).Run(), 0);
     EXPECT_THAT(libc().Commands(), ElementsAre("true eth0 5"));

@@ -125,7 +125,8 @@ TEST_F(CommandLine, RefusesTheBeginningOfAnOption) {
 
 TEST_F(CommandLine, RefusesAValueOfAnyOfItsFlags) {
     Refuses({"--help=no"}, "option '--help' takes no value; leave it out");
-    Refuses({"-hello"}, "option '-h' takes no value; leave it out");
+    Refuses({"-hello"}, "unknown option '-hello'; 'velkctl --help' lists the options");
+    Refuses({"set", "location", "-help"}, "set: unknown option '-help'; did you mean --help?");
     Refuses({"--bogus", "--version=1"}, "option '--version' takes no value; leave it out");
     Refuses({"get", "ntp", "--json=no"}, "get: option '--json' takes no value; leave it out");
 }

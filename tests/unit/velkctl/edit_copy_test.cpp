@@ -68,9 +68,9 @@ TEST_F(EditCopyTest, TellsAnEditThatWasDoneFromOneThatWasNot) {
 TEST_F(EditCopyTest, KnowsWhenACopyLacksItsEnd) {
     (void)StateOf("a\nb", "");
     EXPECT_EQ(Found().state, EditState::kCut) << "there is nothing else";
-    EXPECT_FALSE(Found().has_end);
+    EXPECT_EQ(Found().has_end, false);
     (void)StateOf("a\nb\n", "");
-    EXPECT_TRUE(Found().has_end);
+    EXPECT_EQ(Found().has_end, true);
 }
 
 TEST_F(EditCopyTest, DoesNotJudgeWhatItCannotRead) {
@@ -78,6 +78,7 @@ TEST_F(EditCopyTest, DoesNotJudgeWhatItCannotRead) {
     EXPECT_EQ(StateOf("a\n", huge), EditState::kUncompared);
     EXPECT_EQ(StateOf(huge, "a\n"), EditState::kUncompared);
     EXPECT_EQ(StateOf(huge, ""), EditState::kCut);
+    EXPECT_EQ(Found().has_end, std::nullopt);
     ASSERT_EQ(unlink(kCrontab), 0);
     ASSERT_EQ(mkfifo(kCrontab, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kUncompared);

@@ -182,7 +182,8 @@ TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
     WriteFile("/etc/dhclient.conf", "");
     WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
     EXPECT_EQ(ToldOf(kChange),
-              "velkctl: eth0.method: /etc/dhclient.conf was cut while being copied, and this set "
+              "velkctl: eth0.method: /etc/dhclient.conf seems to have been cut while being copied, "
+              "and this set "
               "replaces the edit copy that has the rest; such an edit is to be finished before a "
               "set: (flock 9 && test -s /var/tmp/dhclient.conf && cat /var/tmp/dhclient.conf > "
               "/etc/dhclient.conf && rm /var/tmp/dhclient.conf) 9< /var/tmp/vklib_lock\n");

@@ -61,15 +61,23 @@ Finding Foreign(const EditCopy& copy) {
     return finding;
 }
 
+std::string DoubtsAbout(const EditCopy& copy) {
+    if (!copy.has_end) {
+        return "which could not be read, and ";
+    }
+    return *copy.has_end ? "" : "which may lack its end, too, and ";
+}
+
 Finding Cut(const EditCopy& copy) {
     Finding finding = About(copy);
     finding.severity = Severity::kProblem;
     finding.effect = "may be lost";
     finding.file = copy.file->path;
-    finding.what = "the file was cut while being copied; the rest is in its edit copy " +
-                   copy.path + ", " + AgeOf(copy.facts) + " old, " +
-                   (copy.has_end ? "" : "which may lack its end, too, and ") +
-                   "which the next set replaces";
+    finding.what =
+        "the file seems to have been cut while being copied; the rest is in its edit "
+        "copy " +
+        copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
+        "which the next set replaces";
     finding.remedy = FinishingOf(copy);
     finding.hinders = Hinders::kReading;
     return finding;

@@ -43,21 +43,25 @@ TEST_F(EditCopyCheck, MendsAFileThatWasCut) {
     WriteOld(kCopy, "0 * * * * true\n");
     for (const char* cut : {"", "0 * * *"}) {
         WriteFile(kCrontab, cut);
-        EXPECT_EQ(Said(),
-                  std::string("problem: ntp, ntp-server and web-update may be lost: "
-                              "/var/cron/tabs/root: the file was cut while being copied; the rest "
-                              "is in its edit copy /var/tmp/root, 2 days old, which the next set "
-                              "replaces\n") +
-                      kMend);
+        EXPECT_EQ(
+            Said(),
+            std::string(
+                "problem: ntp, ntp-server and web-update may be lost: "
+                "/var/cron/tabs/root: the file seems to have been cut while being copied; the rest "
+                "is in its edit copy /var/tmp/root, 2 days old, which the next set "
+                "replaces\n") +
+                kMend);
     }
     WriteOld(kCopy, "0 * * * * true\n0 *");
     WriteFile(kCrontab, "");
-    EXPECT_EQ(Said(),
-              std::string("problem: ntp, ntp-server and web-update may be lost: "
-                          "/var/cron/tabs/root: the file was cut while being copied; the rest is "
-                          "in its edit copy /var/tmp/root, 2 days old, which may lack its end, "
-                          "too, and which the next set replaces\n") +
-                  kMend);
+    EXPECT_EQ(
+        Said(),
+        std::string(
+            "problem: ntp, ntp-server and web-update may be lost: "
+            "/var/cron/tabs/root: the file seems to have been cut while being copied; the rest is "
+            "in its edit copy /var/tmp/root, 2 days old, which may lack its end, "
+            "too, and which the next set replaces\n") +
+            kMend);
 }
 
 TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
@@ -67,7 +71,8 @@ TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
     const velkctl::Findings causes = velkctl::CausesOf(setting);
     ASSERT_FALSE(causes.empty());
     EXPECT_EQ(CauseInWords(causes.front()),
-              "/etc/network/interfaces: the file was cut while being copied; the rest is in its "
+              "/etc/network/interfaces: the file seems to have been cut while being copied; the "
+              "rest is in its "
               "edit copy /var/tmp/interfaces, 2 days old, which the next set replaces; mend: test "
               "-s /var/tmp/interfaces && cat /var/tmp/interfaces > /etc/network/interfaces && rm "
               "/var/tmp/interfaces");

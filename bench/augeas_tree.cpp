@@ -1,0 +1,37 @@
+// augeas_tree.cpp - the interfaces file as Augeas holds it.
+#include "bench/augeas_tree.h"
+
+#include <string>
+
+#include "bench/floor.h"
+
+namespace bench {
+namespace {
+
+constexpr char kAddressPath[] = "/files/etc/network/interfaces/iface[. = 'eth0']/address";
+
+}  // namespace
+
+void Require(bool done, const char* what) {
+    if (!done) {
+        GiveUp(std::string("augeas: ") + what);
+    }
+}
+
+augeas* LoadTree() {
+    augeas* tree = aug_init(nullptr, nullptr, AUG_NO_MODL_AUTOLOAD | AUG_NO_LOAD);
+    Require(tree != nullptr, "init");
+    Require(aug_set(tree, "/augeas/load/Interfaces/lens", "Interfaces.lns") == 0 &&
+                aug_set(tree, "/augeas/load/Interfaces/incl", "/etc/network/interfaces") == 0,
+            "set up");
+    Require(aug_load(tree) == 0, "load");
+    return tree;
+}
+
+const char* AddressIn(augeas* tree) {
+    const char* value = nullptr;
+    Require(aug_get(tree, kAddressPath, &value) == 1 && value != nullptr, "get");
+    return value;
+}
+
+}  // namespace bench
