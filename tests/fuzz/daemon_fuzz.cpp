@@ -152,12 +152,12 @@ void RunSet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body,
 }  // namespace fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size < kHead) {
+    if (size < fuzz::kHead) {
         return 0;
     }
     const fuzz::Row& row = fuzz::kRows[static_cast<size_t>(data[0]) % fuzz::kRows.size()];
     const bool is_set = data[1] == 's';
-    const std::string rest(reinterpret_cast<const char*>(data) + kHead, size - kHead);
+    const std::string rest(reinterpret_cast<const char*>(data) + fuzz::kHead, size - fuzz::kHead);
     const size_t length = std::min<size_t>(data[2], rest.size());
     const std::string reply = rest.substr(0, length);
 
