@@ -40,7 +40,7 @@ const EditedFile kHookedNtpFile = {kExitHooks, {"/usr/bin/ntpdate"}, Change::kSw
 const EditedFile kNoticeFile = {
     kExitHooks, {"/sbin/printdhcpnotice.pl", "/sbin/printdhcpstart.pl"}, Change::kSwitch};
 const EditedFile kNtpFile = {kCrontab, {"ntpdate"}, Change::kSwitch};
-const EditedFile kNtpServerFile = {kCrontab, {"ntpdate"}, Change::kWhole};
+const EditedFile kNtpServerFile = {kCrontab, {"ntpdate"}, Change::kServer};
 const EditedFile kUpdaterFile = {kCrontab, {"web_contents_updater"}, Change::kMoves};
 const EditedFile kAdministratorFile = {kSettings, {"ADMINISTRATOR="}, Change::kMoves};
 const EditedFile kLocationFile = {kSettings, {"LOCATION="}, Change::kMoves};
@@ -79,6 +79,7 @@ std::string DataFor(Value value, std::string text) {
             for (size_t at = 0; slots.size() < 48; at = std::min(at, text.size())) {
                 const size_t end = std::min(text.find(',', at), text.size());
                 std::string slot = text.substr(at, std::min<size_t>(end - at, 16));
+                slot.resize(std::min(slot.find('\0'), slot.size()));
                 slot.resize(16);
                 slots += slot;
                 at = end + 1;

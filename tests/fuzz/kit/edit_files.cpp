@@ -2,6 +2,7 @@
 #include "fuzz/kit/edit_files.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "fuzz/kit/fuzz_device.h"
 #include "velk.h"
@@ -27,6 +28,47 @@ Texts Others(const EditedFile& file, Texts lines) {
 std::string WithoutMarks(std::string line) {
     std::erase(line, '#');
     return line;
+}
+
+// The word that is replaced is the line's last, behind the client's name and its options.
+bool EndsWithServer(const std::string& line) {
+    size_t at = line.find("ntpdate");
+    if (at == std::string::npos) {
+        return false;
+    }
+    at += std::string_view("ntpdate").size();
+    for (;;) {
+        const size_t end = line.find(' ', at);
+        const std::string word = line.substr(at, end - at);
+        if (isalnum(static_cast<unsigned char>(word[0])) != 0) {
+            return end == std::string::npos;
+        }
+        if (Has(word, ">") || end == std::string::npos) {
+            return false;
+        }
+        at = end + 1;
+    }
+}
+
+// Lines as they come to stand: one that ends with its server is followed by the next on the same.
+Texts WithJoins(const Texts& lines) {
+    Texts joined;
+    bool is_open = false;
+    for (const std::string& line : lines) {
+        if (is_open) {
+            joined.back() += "\n" + line;
+        } else {
+            joined.push_back(line);
+        }
+        is_open = EndsWithServer(line);
+    }
+    return joined;
+}
+
+// What follows a joined line's server is a line of its own, and stays unless it has a server too.
+void CheckServerLine(const std::string& old_line, const std::string& new_line) {
+    const std::string last = old_line.substr(old_line.rfind('\n') + 1);
+    Check(Has(last, "ntpdate") || new_line.ends_with(last), "a joined line is as it was");
 }
 
 size_t CountOf(const Texts& lines, std::string_view text) {
@@ -163,7 +205,8 @@ std::string CopyOf(const EditedFile& file) {
 }
 
 void CheckOnlyOwnLines(const EditedFile& file, std::string_view before, std::string_view after) {
-    const Texts old_lines = Lines(before);
+    const bool may_join = file.change == Change::kServer;
+    const Texts old_lines = may_join ? WithJoins(Lines(before)) : Lines(before);
     const Texts new_lines = Lines(after);
     if (file.change == Change::kMoves) {
         Check(Others(file, old_lines) == Others(file, new_lines), "other lines are as they were");
@@ -176,6 +219,8 @@ void CheckOnlyOwnLines(const EditedFile& file, std::string_view before, std::str
         } else if (file.change == Change::kSwitch) {
             Check(WithoutMarks(old_lines[i]) == WithoutMarks(new_lines[i]),
                   "a line is switched, not rewritten");
+        } else if (may_join) {
+            CheckServerLine(old_lines[i], new_lines[i]);
         }
     }
 }

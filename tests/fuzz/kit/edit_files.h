@@ -20,6 +20,7 @@ inline constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
 enum class Change {
     kSwitch,  // lines gain or lose a "#"
     kWhole,   // lines are rewritten where they stand
+    kServer,  // the same, but a server that ends its line takes the line's end with it
     kMoves    // lines come and go
 };
 
