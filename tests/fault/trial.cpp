@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "support/allocations.h"
 #include "support/device_test.h"
 
 namespace fault {

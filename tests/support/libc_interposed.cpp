@@ -22,6 +22,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include "support/allocations.h"
 #include "support/libc_recorder.h"
 
 namespace {

@@ -18,6 +18,8 @@
 #include <string_view>
 #include <vector>
 
+#include "support/allocations.h"
+
 namespace testkit {
 
 enum class Call {
@@ -54,9 +56,6 @@ struct Outcome {
 Outcome Pass();
 Outcome Fail(int error);      // -1 with errno
 Outcome Return(long result);  // the result alone, errno untouched
-
-// Which calls a planned fault hits: one alone, or it and all later ones of its kind.
-enum class Reach { kThatOne, kAllFrom };
 
 // One call as it came in. `text` is the shell line, the formatted log line, the path, the seconds.
 struct Event {
@@ -161,45 +160,6 @@ class Unrecorded {
 
   private:
     const bool outer_;
-};
-
-// While it lives, allocations of the calling thread are the test kit's own: they neither count nor
-// fail.
-class UncountedAllocations {
-  public:
-    UncountedAllocations();
-    ~UncountedAllocations();
-    UncountedAllocations(const UncountedAllocations&) = delete;
-    UncountedAllocations& operator=(const UncountedAllocations&) = delete;
-
-  private:
-    const bool outer_;
-};
-
-// While it lives, the calling thread's allocations are counted. One at a time in a thread.
-class AllocationCount {
-  public:
-    AllocationCount();
-    ~AllocationCount();
-    AllocationCount(const AllocationCount&) = delete;
-    AllocationCount& operator=(const AllocationCount&) = delete;
-
-    int made() const;
-    // Those that were not freed again.
-    int held() const;
-};
-
-// While it lives, the allocation with this number (from 1) of the calling thread fails; those of
-// the recorder itself are not counted.
-class AllocationFault {
-  public:
-    explicit AllocationFault(int number, Reach reach = Reach::kThatOne);
-    ~AllocationFault();
-    AllocationFault(const AllocationFault&) = delete;
-    AllocationFault& operator=(const AllocationFault&) = delete;
-
-    // An allocation has failed by it.
-    bool has_struck() const;
 };
 
 }  // namespace testkit

@@ -10,6 +10,7 @@
 #include <pthread.h>
 #include <sys/file.h>
 
+#include "support/allocations.h"
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 

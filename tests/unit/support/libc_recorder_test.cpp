@@ -314,30 +314,6 @@ TEST_F(LibcScriptTest, SelectNeedNotWait) {
     EXPECT_EQ(minute.tv_sec, 60) << "nothing of the time is used up";
 }
 
-TEST(AllocationCountTest, CountsWhatIsMadeAndWhatIsHeld) {
-    const testkit::AllocationCount count;
-    char* first = plain_allocate();
-    char* second = plain_allocate();
-    {
-        const testkit::UncountedAllocations ours;
-        delete[] plain_allocate();
-    }
-    EXPECT_EQ(count.made(), 2);
-    EXPECT_EQ(count.held(), 2);
-    delete[] first;
-    EXPECT_EQ(count.held(), 1);
-    delete[] second;
-    EXPECT_EQ(count.held(), 0);
-    EXPECT_EQ(count.made(), 2);
-}
-
-TEST(AllocationFaultTest, MayHitAllLaterAllocations) {
-    const testkit::AllocationFault fault(2, testkit::Reach::kAllFrom);
-    delete[] plain_allocate();
-    EXPECT_THROW(plain_allocate(), std::bad_alloc);
-    EXPECT_THROW(plain_allocate(), std::bad_alloc);
-}
-
 TEST_F(LibcScriptTest, TellsShellLinesSleepsAndLogLinesInTheirOrder) {
     EXPECT_EQ(plain_system("true"), 0);
     EXPECT_EQ(plain_sleep(3), 0U);

@@ -1,0 +1,156 @@
+// allocations.cpp - operator new and delete, counted and failing by plan.
+#include "support/allocations.h"
+
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+#include <malloc.h>
+#include <sanitizer/asan_interface.h>
+
+namespace testkit {
+namespace {
+
+thread_local int allocations_until_fault = 0;  // 0: none is planned
+thread_local Reach allocation_fault_reach = Reach::kThatOne;
+thread_local bool has_allocation_failed = false;
+thread_local bool is_uncounted = false;
+thread_local bool is_counting = false;
+thread_local int allocations_made = 0;
+thread_local int allocations_held = 0;
+
+// Stands behind every block, to know again at its end what was counted at its beginning. Not in
+// front of it: a leak checker looks for pointers to where a block begins.
+bool* MarkBehind(void* block) {
+    return static_cast<bool*>(block) + malloc_usable_size(block) - sizeof(bool);
+}
+
+// Out of bounds for everybody else: the sanitizer is to tell of an access one byte behind a block.
+void PutMark(void* block, bool is_counted) {
+    bool* const mark = MarkBehind(block);
+    *mark = is_counted;
+    ASAN_POISON_MEMORY_REGION(mark, sizeof(*mark));
+}
+
+bool TakeMark(void* block) {
+    bool* const mark = MarkBehind(block);
+    ASAN_UNPOISON_MEMORY_REGION(mark, sizeof(*mark));
+    return *mark;
+}
+
+bool IsFaultDue() {
+    if (is_uncounted || allocations_until_fault == 0) {
+        return false;
+    }
+    if (--allocations_until_fault > 0) {
+        return false;
+    }
+    allocations_until_fault = allocation_fault_reach == Reach::kAllFrom ? 1 : 0;
+    has_allocation_failed = true;
+    return true;
+}
+
+void* Allocate(size_t size) {
+    const bool is_counted = is_counting && !is_uncounted;
+    if (is_counted) {
+        ++allocations_made;
+    }
+    if (IsFaultDue()) {
+        throw std::bad_alloc();
+    }
+    void* block = malloc(size + sizeof(bool));
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    PutMark(block, is_counted);
+    allocations_held += is_counted ? 1 : 0;
+    return block;
+}
+
+void Free(void* memory) {
+    if (memory == nullptr) {
+        return;
+    }
+    allocations_held -= TakeMark(memory) ? 1 : 0;
+    free(memory);
+}
+
+}  // namespace
+
+UncountedAllocations::UncountedAllocations() : outer_(std::exchange(is_uncounted, true)) {
+}
+
+UncountedAllocations::~UncountedAllocations() {
+    is_uncounted = outer_;
+}
+
+AllocationCount::AllocationCount() {
+    is_counting = true;
+    allocations_made = 0;
+    allocations_held = 0;
+}
+
+AllocationCount::~AllocationCount() {
+    is_counting = false;
+}
+
+int AllocationCount::made() const {
+    return allocations_made;
+}
+
+int AllocationCount::held() const {
+    return allocations_held;
+}
+
+AllocationFault::AllocationFault(int number, Reach reach) {
+    allocations_until_fault = number;
+    allocation_fault_reach = reach;
+    has_allocation_failed = false;
+}
+
+AllocationFault::~AllocationFault() {
+    allocations_until_fault = 0;
+}
+
+bool AllocationFault::has_struck() const {
+    return has_allocation_failed;
+}
+
+}  // namespace testkit
+
+void* operator new(size_t size) {
+    return testkit::Allocate(size);
+}
+
+void* operator new[](size_t size) {
+    return testkit::Allocate(size);
+}
+
+// A sanitizer has these beside its own of the others, of which the blocks would not be.
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return testkit::Allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    testkit::Free(memory);
+}
+
+void operator delete(void* memory) noexcept {
+    testkit::Free(memory);
+}
+
+void operator delete[](void* memory) noexcept {
+    testkit::Free(memory);
+}
+
+void operator delete(void* memory, size_t) noexcept {
+    testkit::Free(memory);
+}
+
+void operator delete[](void* memory, size_t) noexcept {
+    testkit::Free(memory);
+}

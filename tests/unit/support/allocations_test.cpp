@@ -1,0 +1,49 @@
+// The test kit's allocations: what is counted, what fails, and where a block ends.
+#include "support/allocations.h"
+
+#include <cstddef>
+#include <new>
+
+#include <gtest/gtest.h>
+#include <sanitizer/asan_interface.h>
+
+#include "support/call_probe.h"
+
+namespace {
+
+TEST(AllocationCountTest, CountsWhatIsMadeAndWhatIsHeld) {
+    const testkit::AllocationCount count;
+    char* first = plain_allocate();
+    char* second = plain_allocate();
+    {
+        const testkit::UncountedAllocations ours;
+        delete[] plain_allocate();
+    }
+    EXPECT_EQ(count.made(), 2);
+    EXPECT_EQ(count.held(), 2);
+    delete[] first;
+    EXPECT_EQ(count.held(), 1);
+    delete[] second;
+    EXPECT_EQ(count.held(), 0);
+    EXPECT_EQ(count.made(), 2);
+}
+
+TEST(AllocationFaultTest, MayHitAllLaterAllocations) {
+    const testkit::AllocationFault fault(2, testkit::Reach::kAllFrom);
+    delete[] plain_allocate();
+    EXPECT_THROW(plain_allocate(), std::bad_alloc);
+    EXPECT_THROW(plain_allocate(), std::bad_alloc);
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+TEST(AllocationBoundsTest, AreThoseThatWereAskedFor) {
+    for (size_t size = 1; size <= 16; ++size) {
+        char* const block = new char[size];
+        EXPECT_FALSE(__asan_address_is_poisoned(block + size - 1)) << size;
+        EXPECT_TRUE(__asan_address_is_poisoned(block + size)) << size;
+        delete[] block;
+    }
+}
+#endif
+
+}  // namespace
