@@ -8,9 +8,9 @@ struct _velk_request;
 struct ifreq;
 
 // Functions below that run a tool and read its output let it write into /var/tmp/get_result, which
-// is removed with rm(1) after reading; it stays behind when there was nothing to read. They take
-// turns through an advisory lock on /var/tmp/get_result_lock (created with mode 0666): each run of
-// a tool may wait for others, 3 seconds at most, and then goes on without it.
+// is removed with rm(1) after reading; an empty one that was to tell of the link stays behind. They
+// take turns through an advisory lock on /var/tmp/get_result_lock (created with mode 0666): each
+// run of a tool may wait for others, 3 seconds at most, and then goes on without it.
 
 // ---- Link ------------------------------------------------------------------------------------
 
@@ -18,9 +18,9 @@ struct ifreq;
 // out. It never fails.
 //
 // Runs "sudo /usr/sbin/ethtool eth0 > /var/tmp/get_result" and looks for ethtool(8)'s "Link
-// detected:" line. A run without that line is repeated after sleep(1), 60 times at most; after
-// that IsWiredLinkedFromSyslog() decides. An empty result is logged as "IsWiredLinked ifstream",
-// giving up as "(ETHTOOL_RETRY - 1) == i)".
+// detected:" line. A run without that line is followed by sleep(1) and the next one; after 60 runs
+// IsWiredLinkedFromSyslog() decides. A missing or empty result is logged as "IsWiredLinked
+// ifstream", giving up as "(ETHTOOL_RETRY - 1) == i)".
 //
 // Blocking: one run of ethtool as a rule; when it has no answer, a minute of sleep and 62 runs of
 // tools, each with its turn to wait for.
@@ -28,7 +28,8 @@ VELK_API int IsWiredLinked();
 
 // The same answer from the kernel's last link message for eth0 in
 // /var/log/syslog/syslog_info.log.0 or, when that holds none, .1: lines with "eth0: link" that also
-// hold "link up" or "link down", found with grep(1). A file without any is logged as "Error ifs.".
+// hold "link up" or "link down", found with grep(1). 0 when neither file tells. A file in which
+// grep finds no "eth0: link" is logged as "Error ifs.".
 //
 // Blocking: two runs of grep at most, each with its turn to wait for.
 VELK_API int IsWiredLinkedFromSyslog();
@@ -37,12 +38,13 @@ VELK_API int IsWiredLinkedFromSyslog();
 
 // Reads the property of request.command_id for request.interface into the data area `out` (512
 // bytes): the MAC address (101), the link speed (201), and for direct callers also the live address
-// (104), mask (105) and default gateway (106). The formats stand at the functions below.
+// (104), mask (105) and default gateway (106). The formats stand at the functions below. An
+// interface name is cut to 15 bytes.
 //
-// Returns what the property's function returns, 0 with nothing written for any other id,
-// LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_FAILURE, logged as "socket", when no
-// socket can be had. For "eth1" alone: LIB_VELK_NO_ADAPTER when IsWlanAttached() finds no adapter,
-// then LIB_VELK_WIRED_LINKED when IsWiredLinked() finds a link.
+// Returns LIB_VELK_INVALID_PARAMETER for a null `out`. For "eth1" alone, whatever the id:
+// LIB_VELK_NO_ADAPTER when IsWlanAttached() finds no adapter, then LIB_VELK_WIRED_LINKED when
+// IsWiredLinked() finds a link. Then 0 with nothing written for any other id, LIB_VELK_FAILURE,
+// logged as "socket", when no socket can be had, and what the property's function returns.
 //
 // Blocking: as the property's function; for "eth1" IsWiredLinked() comes before it.
 VELK_API int GetIoctl(const _velk_request& request, char* out);
@@ -76,9 +78,9 @@ VELK_API int GetNetAddress(int socket, ifreq& ifr, int request, char* out);
 VELK_API int GetIpAddress(int socket, ifreq& ifr, int request, char* out);
 VELK_API int GetSubNetMask(int socket, ifreq& ifr, int request, char* out);
 
-// Changes one IPv4 address through the given ioctl, such as SIOCSIFADDR. `value` is dotted-quad
-// text; anything else leaves the address that `ifr` holds. LIB_VELK_FAILURE, logged as "ioctl",
-// when the kernel refuses. No command of the library uses it.
+// Changes one IPv4 address through the given ioctl, such as SIOCSIFADDR. `value` is an address in
+// any form that inet_aton(3) takes; anything else leaves the address that `ifr` holds.
+// LIB_VELK_FAILURE, logged as "ioctl", when the kernel refuses. No command of the library uses it.
 VELK_API int SetNetAddress(int socket, ifreq& ifr, int request, const char* value);
 
 // Changes the address: runs "sudo ifconfig INTERFACE VALUE", see ifconfig(8).
@@ -95,8 +97,10 @@ VELK_API int GetDefGateway(int socket, ifreq& ifr, int request, char* out);
 
 // Replaces the default gateway: runs "sudo route del default gw OLD" with what GetDefGateway()
 // found (nothing behind "gw" when there was none), then "sudo route add default gw VALUE", see
-// route(8). A routing table that cannot be read skips the deletion. When the shell for the deletion
-// cannot be run, nothing is added. Returns the result of the last command line.
+// route(8). A routing table that cannot be read is logged as "DelRoutingTable ifs" and skips the
+// deletion. When the shell for the deletion cannot be run, nothing is added; a value that makes the
+// second line too long is refused before the first is run. Returns the result of the last command
+// line.
 VELK_API int SetDefGateway(int socket, ifreq& ifr, int request, const char* value);
 
 // Writes one byte, enum velk_link_mode, from the output of "sudo ethtool INTERFACE >

@@ -18,9 +18,10 @@ struct _velk_request;
 // The kernel's list of attached devices, /proc/bus/usb/devices (the form of usbfs, kernel document
 // usb/proc_usb_info), is matched line by line against the text "QT4408RKM" and against every
 // adapter of the support list, /usr/local/share/apps/wlan/supportlist.ini: lines "VID=1a2b" and
-// "PID=3c4d" in hexadecimal, a vendor being in force for all products behind it. The number is read
-// from the line's fifth character on, so the key must stand in column one, and is compared as the
-// kernel writes it, in lower case with four digits at least: "Vendor=1a2b ProdID=3c4d". A support
+// "PID=3c4d" in hexadecimal, a vendor being in force for all products behind it; a product in front
+// of any has vendor 0. The number is read by strtoul(3) from the line's fifth character on, so the
+// key must stand in column one, and is compared as the kernel writes it, in lower case with four
+// digits at least: "Vendor=1a2b ProdID=3c4d". A support
 // list that cannot be read leaves the one text; a device list that cannot be read gives 0. Both
 // files are read afresh at every call. Logs nothing.
 //
@@ -31,7 +32,7 @@ VELK_API int IsWlanAttached();
 //
 // What the wireless daemon keeps, in its own layout and the device's byte order. A record that
 // comes from the daemon is data from outside: a length beyond its field makes a getter answer
-// LIB_VELK_FAILURE and write nothing.
+// LIB_VELK_FAILURE and write nothing, and a text without a NUL ends with its field.
 
 struct SWepKey {
     uint16_t length;  // 0, 5, 10, 13 or 26
@@ -145,9 +146,10 @@ VELK_API void DeleteSemaphore(const sem_t* sem);
 VELK_API int RecvWlanConf(UMsgData& out);
 
 // Reads the field of request.command_id out of the daemon's configuration into the data area `out`
-// (512 bytes, zeroed by the caller: most texts get no terminator). Returns what the field's getter
-// returns, 0 with nothing written for any other id, LIB_VELK_INVALID_PARAMETER for a null `out`,
-// LIB_VELK_FAILURE when the daemon does not answer. Blocking: up to 60 seconds.
+// (512 bytes, zeroed by the caller: most texts get no terminator). Returns
+// LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_FAILURE when the daemon cannot be reached
+// or does not answer, then what the field's getter returns, or 0 with nothing written for any other
+// id. Blocking: up to 60 seconds.
 VELK_API int GetWlanConf(const _velk_request& request, char* out);
 
 // Fetches the daemon's configuration, changes the field of request.command_id to the request's data
@@ -161,7 +163,8 @@ VELK_API int SetWlanConf(const _velk_request& request, char* out);
 // a null `out` and for a value of the record outside its range, nothing being written but where it
 // says so. A setter returns LIB_VELK_SUCCESS, or LIB_VELK_INVALID_PARAMETER for a null `in` and an
 // invalid value; the record is then unchanged. None blocks, logs or touches anything else.
-// "Byte" is the first data byte.
+// "Byte" is the first data byte. A getter needs as much room in `out` as it is said to write; text
+// in `in` ends with a NUL or after 512 bytes.
 
 // 802.11 standards enabled: byte 2 or 3 for the record's 0 or 1. An unknown value writes 3 and
 // fails.
@@ -188,10 +191,10 @@ VELK_API int SetWepDefault(SMsgConf& conf, const char* in);
 // Pre-shared key: text of 0 to 64 bytes, written with a terminator.
 VELK_API int GetPsk(const SMsgConf& conf, char* out);
 VELK_API int SetPsk(SMsgConf& conf, const char* in);
-// WEP key n, 1 to 4: text of 5 or 13 (ASCII), 10 or 26 (hexadecimal) bytes, or none to clear it;
-// the characters are not checked. Written without a terminator. The key in use, wep_default, cannot
-// be cleared while the encryption is WEP. An invalid key is refused first; then any other n gives
-// LIB_VELK_FAILURE.
+// WEP key n, 1 to 4: text of 5 or 13 (ASCII), 10 or 26 (hexadecimal) bytes, or none to clear its
+// length; the characters are not checked. Written without a terminator. The key in use,
+// wep_default, cannot be cleared while the encryption is WEP. An invalid key is refused first; then
+// any other n gives LIB_VELK_FAILURE.
 VELK_API int GetWepKey(const SMsgConf& conf, int n, char* out);
 VELK_API int SetWepKey(SMsgConf& conf, int n, const char* in);
 VELK_API int GetWepKey1(const SMsgConf& conf, char* out);
@@ -206,19 +209,20 @@ VELK_API int SetWepKey4(SMsgConf& conf, const char* in);
 // ---- State (commands 4, 5, 301, 305, 315 to 317) -----------------------------------------------
 
 // Reads the fact of request.command_id out of the daemon's state into the data area `out` (512
-// bytes, zeroed by the caller). Returns what the fact's getter returns, 0 with nothing written for
-// any other id, LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_NO_ADAPTER when no supported
-// adapter is attached, then LIB_VELK_WIRED_LINKED while the wired port has a link, LIB_VELK_FAILURE
-// when the daemon does not answer. Blocking: up to a minute for the link, see IsWiredLinked(), and
-// 60 seconds for the daemon.
+// bytes, zeroed by the caller). Returns LIB_VELK_INVALID_PARAMETER for a null `out`,
+// LIB_VELK_NO_ADAPTER when no supported adapter is attached, then LIB_VELK_WIRED_LINKED while the
+// wired port has a link, then LIB_VELK_FAILURE when the daemon cannot be reached or does not
+// answer, then what the fact's getter returns, or 0 with nothing written for any other id.
+// Blocking: up to a minute for the link, see IsWiredLinked(), and 60 seconds for the daemon.
 VELK_API int GetWlanState(const _velk_request& request, char* out);
 
 // One getter for each fact. Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for a null `out` and for
 // an unknown value of the record.
 
-// Hardware version: the text behind "Rev= " of the product line; nothing when it holds none.
+// Hardware version: the text behind "Rev= " of the product line, 60 bytes with its NUL at most;
+// nothing when it holds none.
 VELK_API int GetHardwareVersion(const SMsgState& state, char* out);
-// Software version: text.
+// Software version: text, 33 bytes with its NUL at most.
 VELK_API int GetSoftwareVersion(const SMsgState& state, char* out);
 // 802.11 standard in use: byte 1 to 3 for the record's 0 to 2. An unknown value writes 3 and fails.
 VELK_API int GetDot11Phy(const SMsgState& state, char* out);

@@ -180,6 +180,12 @@ TEST_F(AddressTest, ANameWithoutANulEndsAtItsField) {
     EXPECT_THAT(libc().Commands(), ElementsAre("sudo ifconfig eeeeeeeeeeeeeeee 1.2.3.4"));
 }
 
+TEST_F(AddressTest, AToolThatFailsIsNotNoticed) {
+    libc().Script(Call::kSystem, {testkit::Return(256), testkit::Return(256)});
+    EXPECT_EQ(SetIpAddress(-1, ifr, 0, "10.0.0.5"), 0);
+    EXPECT_EQ(SetSubNetMask(-1, ifr, 0, "255.0.0.0"), 0);
+}
+
 TEST_F(AddressTest, AShellThatCannotBeRunIsAFailure) {
     libc().Script(Call::kSystem, {Fail(EAGAIN), Fail(EAGAIN)});
     EXPECT_EQ(SetIpAddress(-1, ifr, 0, "10.0.0.5"), -1);

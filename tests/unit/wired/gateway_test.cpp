@@ -79,6 +79,12 @@ TEST_F(GatewayTest, RoutesToNetworksDoNotCount) {
     EXPECT_EQ(GetFrom(kHeader + Route("eth0", "000000000", "0100A8C0")), "unchanged");
 }
 
+TEST_F(GatewayTest, FlagsMetricAndMaskDoNotMatter) {
+    EXPECT_EQ(GetFrom(kHeader + "eth0\t00000000\t0100A8C0\t0000\t0\t0\t200\t00FFFFFF\t0\t0\t0\n" +
+                      Route("eth0", "00000000", "FE00000A")),
+              "192.168.0.1");
+}
+
 TEST_F(GatewayTest, AnAliasCountsForItsInterface) {
     EXPECT_EQ(GetFrom(kHeader + Route("eth0:1", "00000000", "0100A8C0") +
                       Route("eth0", "00000000", "FE00000A")),

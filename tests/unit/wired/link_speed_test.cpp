@@ -142,12 +142,16 @@ TEST_F(LinkSpeedTest, AMissingResultFileIsAnError) {
     shell.LeavesNoFile(kEthtool);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("ifstream"));
+    EXPECT_THAT(libc().Commands(), ElementsAre("sudo ethtool eth0 > /var/tmp/get_result"))
+        << "there is nothing to remove";
 }
 
 TEST_F(LinkSpeedTest, AShellThatCannotBeRunIsAnError) {
     libc().Script(Call::kSystem, {Fail(EAGAIN)});
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("system errno=11:Resource temporarily unavailable"));
+    EXPECT_THAT(libc().Commands(), ElementsAre("sudo ethtool eth0 > /var/tmp/get_result"))
+        << "there is nothing to remove";
 }
 
 TEST_F(LinkSpeedTest, HostileOutputsAreReadWithinTheirBounds) {
@@ -174,6 +178,11 @@ TEST_F(LinkSpeedTest, AnyOtherByteIsRefusedAndNothingIsRun) {
         }
     }
     EXPECT_THAT(libc().Commands(), IsEmpty());
+}
+
+TEST_F(LinkSpeedTest, AToolThatFailsIsNotNoticed) {
+    libc().Script(Call::kSystem, {testkit::Return(256)});
+    EXPECT_EQ(Set(1), 0);
 }
 
 TEST_F(LinkSpeedTest, AShellThatCannotBeRunFailsASet) {

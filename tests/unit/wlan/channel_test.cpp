@@ -176,6 +176,7 @@ TEST_F(ReceiveTest, AFailedSelectIsLogged) {
     EXPECT_THAT(libc().Logs(),
                 ElementsAre("RecvWlanResponseMessage select errno=4:Interrupted system call"));
     EXPECT_FALSE(testkit::Exists(kReplyPath));
+    EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
 }
 
 TEST_F(ReceiveTest, AFailedReceiveIsLogged) {
@@ -192,6 +193,7 @@ TEST_F(ReceiveTest, AFailedSocketIsLogged) {
     EXPECT_THAT(
         libc().Logs(),
         ElementsAre("RecvWlanResponseMessage socket:errno=23:Too many open files in system"));
+    EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
     EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
 }
 
@@ -202,6 +204,7 @@ TEST_F(ReceiveTest, AFailedBindIsLoggedAndLeavesTheSocketOpen) {
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_THAT(libc().Logs(),
                 ElementsAre("RecvWlanResponseMessage bind errno=98:Address already in use"));
+    EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
     EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
     EXPECT_EQ(libc().Events(Call::kUnlink).size(), 1U);
     std::vector<int> left;

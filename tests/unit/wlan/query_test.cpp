@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <iterator>
 #include <thread>
 
@@ -37,8 +38,11 @@ TEST_F(QueryTest, AsksAndGetsTheAnswer) {
     SMsgConf conf{};
     conf.channel = 11;
     daemon.SetConf(conf);
+    memset(&out, 0xEE, sizeof(out));
     EXPECT_EQ(velk::QueryWlanDaemon(VELK_WLAN_REPORT, out), 0);
     EXPECT_EQ(out.conf.channel, 11);
+    EXPECT_THAT(daemon.requests(),
+                ElementsAre(std::string("\3\0\0\0", 4) + std::string(236, '\0')));
     EXPECT_THAT(Order(), ElementsAre("sem_open", "sendto", "sem_post", "recvfrom", "sem_close",
                                      "sem_unlink"));
     EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));
