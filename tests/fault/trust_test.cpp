@@ -1,14 +1,17 @@
 // What nobody may reach through the library, as docs/security.md claims it.
 #include <cerrno>
-#include <cstring>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "fault/paths.h"
 #include "fault/requests.h"
 #include "fault/scene.h"
 #include "support/device_test.h"
@@ -16,6 +19,7 @@
 namespace fault {
 namespace {
 
+using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -39,26 +43,70 @@ class TrustTest : public testkit::DeviceTest {
     std::optional<Device> device_;
 };
 
-// The shell lines of a set do not depend on its data bytes, but for the identity strings, which are
-// escaped, and the few numbers of the link modes.
-TEST_F(TrustTest, DataBytesReachTheShellInIdentityStringsAlone) {
-    std::vector<std::string> reached;
-    for (const Group& group : SetRequests()) {
-        _velk_request request = group.front().request;
-        const std::string marker = "$(touch /tmp/owned)";
-        memset(request.data, 0, sizeof(request.data));
-        marker.copy(request.data, sizeof(request.data));
+// ---- data bytes
+
+const std::string kMarker = "$(touch /tmp/owned)";
+
+// Behind the last byte of the data that means something.
+size_t EndOfData(const _velk_request& request) {
+    return std::string_view(request.data, sizeof(request.data)).find_last_not_of('\0') + 1;
+}
+
+_velk_request WithMarkerAt(size_t place, _velk_request request) {
+    kMarker.copy(request.data + place, sizeof(request.data) - place);
+    return request;
+}
+
+// What a request answers, and the shell lines it runs on a device made for it.
+using Course = std::pair<int, std::vector<std::string>>;
+
+class DataBytesTest : public TrustTest {
+  protected:
+    Course CourseOf(const _velk_request& request) {
         device_.emplace(Scene{});
-        (void)Execute(request);
-        for (const std::string& line : libc().Commands()) {
-            if (line.find("touch") != std::string::npos) {
-                reached.push_back(group.front().name);
+        const int result = Execute(request);
+        Course course{result, libc().Commands()};
+        device_.reset();
+        return course;
+    }
+
+    bool ReachesAShell(const _velk_request& request) {
+        return testing::Value(CourseOf(request).second, Contains(HasSubstr("touch")));
+    }
+};
+
+// As the text itself, behind a text, and behind its NUL. The identity strings are escaped.
+TEST_F(DataBytesTest, DataBytesReachTheShellInIdentityStringsAlone) {
+    std::set<std::string> reached;
+    for (const Group& group : AllRequests()) {
+        for (const auto& [name, request] : group) {
+            const size_t end = EndOfData(request);
+            for (const size_t place : {size_t{0}, end, end + 1}) {
+                if (ReachesAShell(WithMarkerAt(place, request))) {
+                    reached.insert(name);
+                }
             }
         }
-        device_.reset();
     }
     EXPECT_THAT(reached, testing::ElementsAre("set 2", "set 3"));
 }
+
+// So that the requests above were not just refused for what they carry.
+TEST_F(DataBytesTest, BytesBehindTheDataChangeNoShellLine) {
+    for (const Group& group : AllRequests()) {
+        for (const auto& [name, request] : group) {
+            SCOPED_TRACE(name);
+            const size_t end = EndOfData(request);
+            const Course course = CourseOf(request);
+            EXPECT_EQ(CourseOf(WithMarkerAt(end + 1, request)), course);
+            if (end == 1) {  // a number: it needs no NUL
+                EXPECT_EQ(CourseOf(WithMarkerAt(end, request)), course);
+            }
+        }
+    }
+}
+
+// ---- interface names
 
 TEST_F(TrustTest, NoInterfaceNameOfTheCallersReachesTheShell) {
     for (const uint32_t type : {VELK_GET, VELK_SET, VELK_RESTART}) {
@@ -68,6 +116,8 @@ TEST_F(TrustTest, NoInterfaceNameOfTheCallersReachesTheShell) {
     }
     EXPECT_THAT(libc().Commands(), testing::IsEmpty());
 }
+
+// ---- identity strings
 
 // Through the real shell and the real sed: each value is one text to both, whatever is in it.
 class EscapeTest : public TrustTest {
@@ -178,7 +228,7 @@ TEST_F(TrustTest, NoSecretIsWrittenToAFile) {
 TEST_F(TrustTest, ALinkInALocksPlaceIsNotFollowed) {
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
     ASSERT_EQ(chmod("/var/libvelk/victim", 0600), 0);
-    for (const char* lock : {"/var/tmp/vklib_lock", "/var/tmp/get_result_lock"}) {
+    for (const char* lock : {kLock, kResultLock}) {
         ASSERT_EQ(symlink("/var/libvelk/victim", lock), 0);
     }
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
