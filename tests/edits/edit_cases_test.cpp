@@ -6,6 +6,7 @@
 
 #include "edits/edit_case.h"
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
 
 namespace edits {
@@ -15,10 +16,6 @@ namespace fs = std::filesystem;
 
 // Another one than a new file would get, so that replacing the file shows.
 constexpr mode_t kMode = 0640;
-
-std::string CopyPath(const CaseFile& file) {
-    return "/var/tmp/" + fs::path(file.path).filename().string();
-}
 
 std::optional<std::string> Contents(const std::string& path) {
     if (!testkit::Exists(path)) {
@@ -44,7 +41,8 @@ class EditTest : public testkit::DeviceTest {
         EXPECT_EQ(Execute(edit.request), edit.result);
         for (const CaseFile& file : edit.files) {
             EXPECT_EQ(Contents(file.path), file.after) << file.path;
-            EXPECT_EQ(Contents(CopyPath(file)), file.copy) << CopyPath(file);
+            const std::string copy = testkit::CopyOf(file.path);
+            EXPECT_EQ(Contents(copy), file.copy) << copy;
             if (file.before && file.after) {
                 EXPECT_EQ(testkit::IdentityOf(file.path), identities[file.path]) << file.path;
             }

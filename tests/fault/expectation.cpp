@@ -7,6 +7,7 @@
 #include <sys/file.h>
 
 #include "fault/paths.h"
+#include "support/edit_copy.h"
 
 namespace fault {
 namespace {
@@ -128,7 +129,7 @@ bool IsScratchOf(const Reference& reference, const std::string& path) {
 // The copy is made beside the file, also of one that cannot be read. Results that cannot be read
 // are not removed.
 bool IsLeftByUnreadable(const std::string& path, const LoggedCall& call) {
-    const bool is_copied = !IsEditCopy(call.file) && CopyOf(call.file) == path;
+    const bool is_copied = !IsEditCopy(call.file) && testkit::CopyOf(call.file) == path;
     return path == kResultFile ? call.file == kResultFile : is_copied;
 }
 

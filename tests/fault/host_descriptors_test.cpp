@@ -52,7 +52,7 @@ TEST_F(HostTest, WithoutStandardDescriptorsCanAskTheDaemon) {
 // Descriptor 0 does not count as a lock. When the lock's file has to be made first, nothing is left
 // to try; the file is there then.
 TEST_F(HostTest, WithoutStandardInputFailsOnceWhereNobodyEverCalled) {
-    unlink("/var/tmp/vklib_lock");
+    unlink(kLock);
     EXPECT_TRUE(InAHost([] {
         close(0);
         _velk_request own{};
@@ -96,7 +96,7 @@ TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
         return QuerySsid(own) == 0 && OpenDescriptorsBelow(2000) && QuerySsid(own) == -1;
     }));
     EXPECT_FALSE(testkit::Exists(kReplySocket));
-    EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
+    EXPECT_FALSE(testkit::Exists(kSemaphore));
 }
 
 TEST_F(HostTest, WithoutAnyDescriptorLeftIsToldSo) {

@@ -76,7 +76,7 @@ TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
         EXPECT_THAT(LibcRecorder::Get().Logs(),
                     Contains("RecvWlanResponseMessage select errno=4:Interrupted system call"));
         EXPECT_FALSE(testkit::Exists(kReplySocket));
-        EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
+        EXPECT_FALSE(testkit::Exists(kSemaphore));
     }
     daemon.Stop();
     LibcRecorder::Get().Reset();

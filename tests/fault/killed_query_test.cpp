@@ -21,7 +21,6 @@ using testkit::Event;
 using testkit::FakeDaemon;
 using testkit::LibcRecorder;
 
-constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kProduct[] = "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04";
 
 class KilledQueryTest : public testkit::DeviceTest {

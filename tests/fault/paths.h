@@ -2,8 +2,6 @@
 #ifndef TESTS_FAULT_PATHS_H_
 #define TESTS_FAULT_PATHS_H_
 
-#include <string>
-
 namespace fault {
 
 inline constexpr char kInterfaces[] = "/etc/network/interfaces";
@@ -11,15 +9,12 @@ inline constexpr char kLock[] = "/var/tmp/vklib_lock";
 inline constexpr char kResultFile[] = "/var/tmp/get_result";
 inline constexpr char kResultLock[] = "/var/tmp/get_result_lock";
 inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
+inline constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
 inline constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 inline constexpr char kClockLog[] = "/var/libvelk/ntp.log";
 inline constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
 inline constexpr char kResolverFile[] = "/etc/resolv.dnsmasq.conf";
-
-inline std::string CopyOf(const std::string& file) {
-    return "/var/tmp" + file.substr(file.rfind('/'));
-}
 
 }  // namespace fault
 

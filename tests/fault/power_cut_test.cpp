@@ -11,6 +11,7 @@
 #include "fault/tracer.h"
 #include "fault/trial.h"
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 
 namespace fault {
 namespace {
@@ -175,7 +176,7 @@ class PowerCut : public testkit::DeviceTest {
     // short again afterwards.
     static void CheckFinishingByHand(const WholeTexts& texts, const std::string& path,
                                      const std::string& text) {
-        const std::string copy = CopyOf(path);
+        const std::string copy = testkit::CopyOf(path);
         const testkit::Unrecorded ours;
         EXPECT_EQ(system(("cat " + copy + " > " + path).c_str()), 0);
         EXPECT_TRUE(texts.HoldAsNew(path, testkit::ReadFile(path))) << copy << " is not whole";
