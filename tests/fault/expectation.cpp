@@ -109,10 +109,22 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kFchmod:
         case Call::kSemClose:
         case Call::kSemUnlink:
+        case Call::kSleep:  // these three cannot fail
+        case Call::kNanosleep:
+        case Call::kSyslog:
             return Notice::kNone;
-        default:  // writing, and every step of a talk with the wireless daemon
+        case Call::kWrite:
+        case Call::kSocket:  // from here on the steps of a talk with the wireless daemon
+        case Call::kConnect:
+        case Call::kBind:
+        case Call::kSendto:
+        case Call::kSelect:
+        case Call::kRecvfrom:
+        case Call::kSemOpen:
+        case Call::kSemPost:
             return Notice::kTold;
     }
+    return Notice::kTold;
 }
 
 std::string LastWord(const std::string& line) {
@@ -171,22 +183,19 @@ bool MayBeLeft(const std::string& path, const Fault& fault, const Reference& ref
     if (!fault.kind.call) {
         return IsScratchOf(reference, path);
     }
-    switch (*fault.kind.call) {
-        case Call::kOpen:
-        case Call::kRead:
-            return IsScratchOf(reference, path) &&
-                   std::ranges::any_of(FailedCalls(fault, reference), [&](const LoggedCall& call) {
-                       return IsLeftByUnreadable(path, call);
-                   });
-        case Call::kSystem:
-            return FilesOfFailedLines(fault, reference).contains(path);
-        case Call::kUnlink:
-            return path == kReplySocket;
-        case Call::kSemUnlink:
-            return path == "/dev/shm/sem.WlanAplRecvSem";
-        default:
-            return false;
+    const Call call = *fault.kind.call;
+    if (call == Call::kOpen || call == Call::kRead) {
+        return IsScratchOf(reference, path) &&
+               std::ranges::any_of(FailedCalls(fault, reference), [&](const LoggedCall& failed) {
+                   return IsLeftByUnreadable(path, failed);
+               });
     }
+    if (call == Call::kSystem) {
+        return FilesOfFailedLines(fault, reference).contains(path);
+    }
+    const bool is_socket = call == Call::kUnlink && path == kReplySocket;
+    const bool is_semaphore = call == Call::kSemUnlink && path == kSemaphore;
+    return is_socket || is_semaphore;
 }
 
 bool IsEditCopy(const std::string& path) {
