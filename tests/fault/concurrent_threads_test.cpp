@@ -25,7 +25,7 @@ void Read(Board& board) {
     }
 }
 
-TEST_F(ConcurrencyTest, ThreadsLoseNoUpdateEither) {
+TEST_F(ConcurrencyTest, ManyThreadsLoseNoUpdateOfOneFile) {
     Board board{};
     MeetAt(board);
     std::vector<std::thread> threads;

@@ -32,7 +32,7 @@ class GetBesideSetTest : public ConcurrencyTest {
     _velk_request told_{};
 };
 
-TEST_F(GetBesideSetTest, FindsNoTextOfASettingThatMayBeMissing) {
+TEST_F(GetBesideSetTest, AGetFindsNoTextOfASettingThatMayBeMissing) {
     testkit::WriteFile(kSettings, SettingsText({"Robin", "Cellar"}));
     EXPECT_EQ(GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_LOCATION, "", "Attic"),
                              kSettings, testkit::MakeRequest(VELK_GET, VELK_CMD_ADMINISTRATOR, "")),
@@ -40,7 +40,7 @@ TEST_F(GetBesideSetTest, FindsNoTextOfASettingThatMayBeMissing) {
     EXPECT_STREQ(told_.data, "");
 }
 
-TEST_F(GetBesideSetTest, FailsWhereTheValueMustBeThere) {
+TEST_F(GetBesideSetTest, AGetFailsWhereTheValueMustBeThere) {
     for (const uint32_t id : {VELK_CMD_IP_METHOD, VELK_CMD_NETMASK}) {
         testkit::WriteFile(kInterfaces,
                            "auto eth0\niface eth0 inet static\n\taddress 192.168.0.10\n"

@@ -18,7 +18,7 @@ namespace {
 
 using testkit::LibcRecorder;
 
-TEST_F(HostTest, ThatIgnoresItsChildrenCanSet) {
+TEST_F(HostTest, AHostThatIgnoresItsChildrenCanSet) {
     EXPECT_TRUE(InAHost([] {
         (void)signal(SIGCHLD, SIG_IGN);
         return AddressCanBeSet("10.1.2.3");
@@ -27,7 +27,7 @@ TEST_F(HostTest, ThatIgnoresItsChildrenCanSet) {
 }
 
 // A shell whose end nobody keeps looks like one that was not run.
-TEST_F(HostTest, ThatIgnoresItsChildrenCannotUseTools) {
+TEST_F(HostTest, AHostThatIgnoresItsChildrenCannotUseTools) {
     EXPECT_TRUE(InAHost([] {
         (void)signal(SIGCHLD, SIG_IGN);
         _velk_request own{};
@@ -61,7 +61,7 @@ bool Refuse(const std::vector<long>& calls, unsigned error) {
 
 // system(3) tells a process that cannot be started as a command that failed, and that is not
 // noticed: the edit stays unmade, and its copy stays for the next edit to replace.
-TEST_F(HostTest, WithoutRoomForAProcessChangesNothingAndIsNotTold) {
+TEST_F(HostTest, AHostWithoutRoomForAProcessChangesNothingAndIsNotTold) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};
@@ -72,7 +72,7 @@ TEST_F(HostTest, WithoutRoomForAProcessChangesNothingAndIsNotTold) {
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 
-TEST_F(HostTest, WithoutAShellChangesNothingAndIsNotTold) {
+TEST_F(HostTest, AHostWithoutAShellChangesNothingAndIsNotTold) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};

@@ -12,7 +12,7 @@
 namespace fault {
 namespace {
 
-TEST_F(HostTest, WithoutStandardDescriptorsCanSet) {
+TEST_F(HostTest, AHostWithoutStandardDescriptorsCanSet) {
     EXPECT_TRUE(InAHost([] {
         for (const int fd : {0, 1, 2}) {
             close(fd);
@@ -21,7 +21,7 @@ TEST_F(HostTest, WithoutStandardDescriptorsCanSet) {
     }));
 }
 
-TEST_F(HostTest, WithOneStandardDescriptorMissingCanSet) {
+TEST_F(HostTest, AHostWithOneStandardDescriptorMissingCanSet) {
     for (const int fd : {0, 1, 2}) {
         EXPECT_TRUE(InAHost([fd] {
             close(fd);
@@ -31,7 +31,7 @@ TEST_F(HostTest, WithOneStandardDescriptorMissingCanSet) {
 }
 
 // Here 0 is a number like any other.
-TEST_F(HostTest, WithoutStandardDescriptorsCanAskTheDaemon) {
+TEST_F(HostTest, AHostWithoutStandardDescriptorsCanAskTheDaemon) {
     EXPECT_TRUE(InAHost([] {
         for (const int fd : {0, 1, 2}) {
             close(fd);
@@ -51,7 +51,7 @@ TEST_F(HostTest, WithoutStandardDescriptorsCanAskTheDaemon) {
 
 // Descriptor 0 does not count as a lock. When the lock's file has to be made first, nothing is left
 // to try; the file is there then.
-TEST_F(HostTest, WithoutStandardInputFailsOnceWhereNobodyEverCalled) {
+TEST_F(HostTest, AHostWithoutStandardInputFailsOnceWhereNobodyEverCalled) {
     unlink(kLock);
     EXPECT_TRUE(InAHost([] {
         close(0);
@@ -85,12 +85,12 @@ bool OpenDescriptorsBelow(int count) {
     return true;
 }
 
-TEST_F(HostTest, WithManyDescriptorsCanSet) {
+TEST_F(HostTest, AHostWithManyDescriptorsCanSet) {
     EXPECT_TRUE(InAHost([] { return OpenDescriptorsBelow(2000) && AddressCanBeSet("10.1.2.3"); }));
 }
 
 // select(2) knows no descriptor beyond 1023; nothing is written behind its set.
-TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
+TEST_F(HostTest, AHostWithManyDescriptorsCannotAskTheDaemon) {
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};
         return QuerySsid(own) == 0 && OpenDescriptorsBelow(2000) && QuerySsid(own) == -1;
@@ -99,7 +99,7 @@ TEST_F(HostTest, WithManyDescriptorsCannotAskTheDaemon) {
     EXPECT_FALSE(testkit::Exists(kSemaphore));
 }
 
-TEST_F(HostTest, WithoutAnyDescriptorLeftIsToldSo) {
+TEST_F(HostTest, AHostWithoutAnyDescriptorLeftIsToldSo) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);

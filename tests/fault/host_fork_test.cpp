@@ -15,7 +15,7 @@ using testkit::Call;
 using testkit::Event;
 using testkit::LibcRecorder;
 
-TEST_F(HostTest, ThatForksCanCallOnBothSides) {
+TEST_F(HostTest, AHostThatForksCanCallOnBothSides) {
     _velk_request own{};
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
     EXPECT_EQ(QuerySsid(own), 0);
@@ -68,7 +68,7 @@ int SetPatiently(const char* address) {
 }
 
 // The child has the descriptor of the lock, too, for good; the lock ends with the set nevertheless.
-TEST_F(HostTest, ThatForksWhileAThreadHoldsTheLockCanCallInTheChild) {
+TEST_F(HostTest, AHostThatForksWhileAThreadHoldsTheLockCanCallInTheChild) {
     const Word is_held;
     const Word may_end;
     libc().OnCall(Call::kSystem, [&](const Event& event) {

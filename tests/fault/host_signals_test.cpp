@@ -44,7 +44,7 @@ class AlarmStorm {
     }
 };
 
-TEST_F(HostTest, WithSignalsArrivingCanSet) {
+TEST_F(HostTest, AHostWithSignalsArrivingCanSet) {
     for (const int flags : {0, SA_RESTART}) {
         const AlarmStorm storm(flags);
         for (const char* address : {"10.1.2.3", "10.1.2.4", "10.1.2.5"}) {

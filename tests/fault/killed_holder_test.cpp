@@ -49,7 +49,7 @@ TEST_F(ConcurrencyTest, AKilledHolderFreesTheLock) {
     EXPECT_FALSE(testkit::Exists("/var/tmp/interfaces"));
 }
 
-TEST_F(ConcurrencyTest, SoItDoesWhenAToolOfItsRunsOn) {
+TEST_F(ConcurrencyTest, AKilledHolderFreesTheLockThoughAToolOfItsRunsOn) {
     Device device({});
     KillWhileHoldingTheLock([] {
         LibcRecorder::Get().Reset();

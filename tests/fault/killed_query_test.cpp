@@ -87,7 +87,7 @@ class KilledQueryTest : public testkit::DeviceTest {
     std::optional<FakeDaemon> daemon_;
 };
 
-TEST_F(KilledQueryTest, LeavesNothingThatBlocksTheSameQuestion) {
+TEST_F(KilledQueryTest, AKilledQueryLeavesNothingThatBlocksTheSameQuestion) {
     for (const Call moment :
          {Call::kSemOpen, Call::kConnect, Call::kSendto, Call::kBind, Call::kSemPost, Call::kSelect,
           Call::kRecvfrom, Call::kSemClose, Call::kSemUnlink}) {
@@ -102,7 +102,7 @@ TEST_F(KilledQueryTest, LeavesNothingThatBlocksTheSameQuestion) {
 
 // The daemon still waits for the word that the killed query listens, and takes the next one's for
 // it. No reply tells which question it answers.
-TEST_F(KilledQueryTest, MayLeaveItsAnswerToAGetOfTheOtherRecord) {
+TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
     EXPECT_EQ(response.data[0], 0) << "what stands in the state where the channel would";
@@ -111,7 +111,7 @@ TEST_F(KilledQueryTest, MayLeaveItsAnswerToAGetOfTheOtherRecord) {
     EXPECT_EQ(response.data[0], 6);
 }
 
-TEST_F(KilledQueryTest, LeavesNoAnswerWhereItsSemaphoreIsRemoved) {
+TEST_F(KilledQueryTest, AKilledQueryLeavesNoAnswerWhereItsSemaphoreIsRemoved) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     AwaitDaemonAtTheSemaphore();
     EXPECT_EQ(unlink(kSemaphore), 0);
@@ -120,7 +120,7 @@ TEST_F(KilledQueryTest, LeavesNoAnswerWhereItsSemaphoreIsRemoved) {
     ExpectNothingLeft();
 }
 
-TEST_F(KilledQueryTest, MayLeaveItsAnswerToASetOfTheOtherRecord) {
+TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToASetOfTheOtherRecord) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_CHANNEL, "eth1", "\x0b"), 0);
     ExpectNothingLeft();
@@ -132,7 +132,7 @@ TEST_F(KilledQueryTest, MayLeaveItsAnswerToASetOfTheOtherRecord) {
 }
 
 // Two at once, of which one is slow, come to the same: gets take no lock.
-TEST_F(KilledQueryTest, SoMayOneThatIsOvertaken) {
+TEST_F(KilledQueryTest, AnOvertakenQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
     const pid_t slow = InterruptGetAt(Call::kBind, VELK_CMD_RATE, SIGSTOP);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
     EXPECT_EQ(response.data[0], 0);
@@ -143,7 +143,7 @@ TEST_F(KilledQueryTest, SoMayOneThatIsOvertaken) {
 // A word that nobody waited for, as when the daemon was restarted meanwhile: a daemon that does not
 // try again answers the next query before it listens. That one gives up after its minute and clears
 // the semaphore away.
-TEST_F(KilledQueryTest, MayCostTheNextOneItsAnswer) {
+TEST_F(KilledQueryTest, AKilledQueryMayCostTheNextOneItsAnswer) {
     daemon_->StaySilent();
     KillGetAt(Call::kSelect, VELK_CMD_SSID);
     StartDaemon();

@@ -203,18 +203,18 @@ class PowerCut : public testkit::DeviceTest {
 
 class PowerCutTest : public PowerCut, public testing::WithParamInterface<Group> {};
 
-TEST_P(PowerCutTest, LeavesWholeFilesAndNothingThatBlocks) {
+TEST_P(PowerCutTest, ACutLeavesWholeFilesAndNothingThatBlocks) {
     CutAll(GetParam(), Moments::kThatDiffer);
 }
 
 // Also at the moments after which the device looks the same as before. For scripts/test --thorough:
 // it takes long.
-TEST_P(PowerCutTest, DISABLED_AtEverySystemCall) {
+TEST_P(PowerCutTest, DISABLED_ACutLeavesTheSameAtEverySystemCall) {
     CutAll(GetParam(), Moments::kAll);
 }
 
 // More than cat(1) copies at once.
-TEST_F(PowerCut, OfALongFileMayLeaveTheFirstPieces) {
+TEST_F(PowerCut, ACutMayLeaveTheFirstPiecesOfALongFile) {
     const std::string remark = "#" + std::string(20 * 1024, '-') + "\n";
     std::string& text = start_[kInterfaces].emplace();
     for (int count = 0; count < 20; ++count) {
