@@ -69,6 +69,8 @@ bool FileEdit::NextWith(std::string_view start, std::string_view& line) {
     }
 }
 
+// A run and the line behind it lie in the reader's one block, or the run has ended: Next() ends it
+// before the block is read anew. So their ends can be compared.
 void FileEdit::Keep(std::string_view line) {
     if (run_.end() != line.begin()) {
         EndRun();
