@@ -13,37 +13,26 @@ bool HasKeyword(std::string_view line, std::string_view keyword) {
 }  // namespace
 
 bool ShellBlocks::RunsNext(std::string_view line) {
-    switch (place_) {
-        case Place::kOutside:
-            if (!BeginsBlock(line)) {
-                return true;
-            }
-            place_ = Place::kCondition;
-            [[fallthrough]];  // "then" may stand on the same line
-        case Place::kCondition:
-            if (HasKeyword(line, "then")) {
-                place_ = Place::kThen;
-            }
-            break;
-        case Place::kThen:
-            if (HasKeyword(line, "else")) {
-                place_ = Place::kElse;
-            }
-            break;
-        case Place::kElse:
-            break;
+    if (place_ == Place::kOutside && BeginsBlock(line)) {
+        place_ = Place::kCondition;
+    }
+    if (place_ == Place::kOutside) {
+        return true;
     }
     if (HasKeyword(line, "fi")) {
         place_ = Place::kOutside;
+    } else if (place_ == Place::kCondition && HasKeyword(line, "then")) {
+        place_ = Place::kThen;  // on the line of the "if", too
+    } else if (place_ == Place::kThen && HasKeyword(line, "else")) {
+        place_ = Place::kElse;
     }
-    switch (place_) {
-        case Place::kThen:
-            return matches_;
-        case Place::kElse:
-            return !matches_;
-        default:
-            return true;
+    if (place_ == Place::kThen) {
+        return matches_;
     }
+    if (place_ == Place::kElse) {
+        return !matches_;
+    }
+    return true;
 }
 
 bool ShellBlocks::BeginsBlock(std::string_view line) {
