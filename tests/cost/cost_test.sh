@@ -8,14 +8,28 @@ LC_ALL=C
 export PATH LC_ALL
 failures=0
 
-# at_most WHAT LIMIT MEASURED
+# tell WHAT MEASURED LIMIT VERDICT
+tell() {
+    [ "$4" = ok ] || failures=$((failures + 1))
+    printf '%-45s %8s of %-8s %s\n' "$1" "${2:-none}" "$3" "$4"
+}
+
+# at_most WHAT LIMIT MEASURED: whatever costs nothing at all was not measured
 at_most() {
-    local verdict=ok
-    if ! [ "${3:-none}" -le "$2" ] 2>/dev/null; then
-        verdict='TOO MUCH'
-        failures=$((failures + 1))
+    local verdict='TOO MUCH'
+    if ! [ "${3:-0}" -gt 0 ] 2>/dev/null; then
+        verdict='NOT MEASURED'
+    elif [ "$3" -le "$2" ]; then
+        verdict=ok
     fi
-    printf '%-45s %8s of %-8s %s\n' "$1" "${3:-none}" "$2" "$verdict"
+    tell "$1" "$3" "$2" "$verdict"
+}
+
+# exactly WHAT NUMBER MEASURED: less is a reason to look, too, and to hold the better number
+exactly() {
+    local verdict=ok
+    [ "$3" = "$2" ] || verdict='NOT THAT'
+    tell "$1" "$3" "$2" "$verdict"
 }
 
 reason=$(velk-sandbox --quiet -- true 2>&1) || {
@@ -29,28 +43,35 @@ count() {
         "$@"' count "$@"
 }
 
-# get_costs NAME SYSTEM_CALLS INSTRUCTIONS HEAP_REQUESTS ID INTERFACE
+# get_costs NAME SYSTEM_CALLS INSTRUCTIONS HEAP_REQUESTS CALL...
 get_costs() {
-    at_most "get $1: system calls" "$2" "$(count system_calls get "$5" "$6")"
-    at_most "get $1: instructions" "$3" "$(count instructions get "$5" "$6")"
-    at_most "get $1: heap requests" "$4" "$(count heap_requests get "$5" "$6")"
+    exactly "get $1: system calls" "$2" "$(count system_calls "${@:5}")"
+    at_most "get $1: instructions" "$3" "$(count instructions "${@:5}")"
+    exactly "get $1: heap requests" "$4" "$(count heap_requests "${@:5}")"
 }
 
 # open, read, close; the line reader's block. A second read would mean reading on after the answer.
-get_costs 'address' 3 2000 1 104 eth0
-get_costs 'netmask' 3 2000 1 105 eth0
-get_costs 'gateway' 3 2000 1 106 eth0
+get_costs 'address' 3 2000 1 0 get 104 eth0
+get_costs 'netmask' 3 2000 1 0 get 105 eth0
+get_costs 'gateway' 3 2000 1 0 get 106 eth0
 # Looks for a third server up to the end of the file, which takes a second read to see.
-get_costs 'dns' 4 3000 1 108 eth0
+get_costs 'dns' 4 3000 1 0 get 108 eth0
 # The words of every line of blocks are looked at, and the interface's name is a text of its own.
-get_costs 'dhcp dns' 4 6500 2 107 eth0
+get_costs 'dhcp dns' 4 6500 2 0 get 107 eth0
 # Turned away before anything is opened.
-get_costs 'unknown id' 0 400 0 999 eth0
+get_costs 'unknown id' 0 400 0 -4 get 999 eth0
 
-# Lock, log line, and writing in place; the log's socket, which is not there, is tried each time.
-at_most 'set dns: system calls' 11 "$(count system_calls set 108 eth0 192.168.0.1)"
+# Lock, log line, and writing in place. Where there is no log its socket is tried each time; where
+# there is one, a call takes less.
+at_most 'set dns: system calls' 10 "$(count system_calls 0 set 108 eth0 192.168.0.1)"
 # Two shell lines; a shell and its tool for each.
-at_most 'set address: started programs' 4 "$(count started_programs set 104 eth0 192.168.0.10)"
+exactly 'set address: started programs' 4 "$(count started_programs 0 set 104 eth0 192.168.0.10)"
+
+# Half of a stack of 64 KiB, which small host programs give their threads. An edit with its shell
+# lines, a tool's output, and a talk with the wireless daemon.
+at_most 'set address: stack bytes' 32767 "$(count stack_use 0 set 104 eth0 192.168.0.10)"
+at_most 'get link speed: stack bytes' 32767 "$(count stack_use 0 get 201 eth0)"
+at_most 'get ssid: stack bytes' 32767 "$(count stack_use 0 get 303 eth1)"
 
 stripped=$(mktemp)
 trap 'rm -f "$stripped"' EXIT

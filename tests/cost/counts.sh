@@ -1,21 +1,27 @@
 # counts.sh - counts what calls of the library cost, on a device. Source it.
 # shellcheck shell=bash
+# CALL is what counted_calls(1) takes from its RESULT on. A call that is not answered so has no count:
+# nothing is printed, and the status is not 0.
+#
 # Counts of 100 calls, less those of none: what starting the program costs is gone, and a hundredth
 # leaves no room for what only the first call does.
+set -o pipefail
+
+# per_call COUNTER CALL...
+per_call() {
+    local many none
+    many=$("$1" 100 "${@:2}") && none=$("$1" 0 "${@:2}") && echo $(((many - none) / 100))
+}
 
 # system_calls CALL...
-system_calls() {
-    echo $((($(all_system_calls 100 "$@") - $(all_system_calls 0 "$@")) / 100))
-}
+system_calls() { per_call all_system_calls "$@"; }
 all_system_calls() { # all_system_calls COUNT CALL...
-    strace -c -U calls,name -o /tmp/calls counted_calls "$@" 2>/tmp/errors
+    strace -c -U calls,name -o /tmp/calls counted_calls "$@" 2>/tmp/errors || return
     awk '$2 == "total" { print $1 }' /tmp/calls
 }
 
 # heap_requests CALL...
-heap_requests() {
-    echo $((($(all_heap_requests 100 "$@") - $(all_heap_requests 0 "$@")) / 100))
-}
+heap_requests() { per_call all_heap_requests "$@"; }
 all_heap_requests() { # all_heap_requests COUNT CALL...
     valgrind --leak-check=no --undef-value-errors=no counted_calls "$@" 2>&1 |
         sed -n 's/.*total heap usage: \([0-9,]*\) allocs.*/\1/p' | tr -d ,
@@ -23,13 +29,15 @@ all_heap_requests() { # all_heap_requests COUNT CALL...
 
 # instructions CALL...: in user space, with every symbol resolved beforehand
 instructions() {
-    LD_BIND_NOW=1 valgrind --tool=callgrind --callgrind-out-file=/dev/null \
+    local many
+    many=$(LD_BIND_NOW=1 valgrind --tool=callgrind --callgrind-out-file=/dev/null \
         --toggle-collect=execute_velk_command counted_calls 100 "$@" 2>&1 |
-        sed -n 's/.*Collected : \([0-9]*\).*/\1/p' | awk '{ print int($1 / 100) }'
+        sed -n 's/.*Collected : \([0-9]*\).*/\1/p') && echo $((many / 100))
 }
 
 # started_programs CALL...: by one call
 started_programs() {
-    strace -f -e trace=execve -e signal=none -o /tmp/calls counted_calls 1 "$@" 2>/tmp/errors
-    grep -c 'execve(.*) = 0' /tmp/calls | awk '{ print $1 - 1 }' # less the program itself
+    local all
+    strace -f -e trace=execve -e signal=none -o /tmp/calls counted_calls 1 "$@" 2>/tmp/errors || return
+    all=$(grep -c 'execve(.*) = 0' /tmp/calls) && echo $((all - 1)) # less the program itself
 }
