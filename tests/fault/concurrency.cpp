@@ -60,15 +60,12 @@ void ConcurrencyTest::MeetAt(Board& board) {
     });
 }
 
-void ConcurrencyTest::ExpectNothingLost(const Board& board, int sets) {
-    EXPECT_EQ(board.stored + board.refused, sets);
-    EXPECT_GT(board.stored, 0);
+void ConcurrencyTest::ExpectNothingLost(const Board& board, int callers) {
+    EXPECT_EQ(board.stored, callers * kRounds);
     EXPECT_GT(board.refused, 0) << "nobody met anybody";
     EXPECT_EQ(board.crowded, 0);
     EXPECT_EQ(board.lost, 0);
     EXPECT_EQ(board.wrong, 0);
-    EXPECT_STRNE(board.last[0], "0");
-    EXPECT_STRNE(board.last[1], "0");
     EXPECT_EQ(testkit::ReadFile(kSettings), SettingsText({board.last[0], board.last[1]}));
     EXPECT_FALSE(testkit::Exists(testkit::CopyOf(kSettings)));
 }
@@ -82,6 +79,7 @@ int StoreOne(Board& board, size_t setting, const std::string& value) {
         ++board.stored;
     } else if (result == LIB_VELK_LOCKED) {
         ++board.refused;
+        usleep(500);
     } else {
         ++board.wrong;
     }

@@ -12,7 +12,7 @@
 namespace fault {
 
 inline constexpr char kSettings[] = "/var/libvelk/libvelk";
-inline constexpr int kRounds = 25;  // of each caller
+inline constexpr int kRounds = 4;  // of each caller: values that it stores
 
 // The two settings of the file, and the text that the file has with them.
 inline constexpr std::array<uint32_t, 2> kSettingIds{VELK_CMD_ADMINISTRATOR, VELK_CMD_LOCATION};
@@ -38,11 +38,11 @@ class ConcurrencyTest : public testkit::DeviceTest {
     // all threads and in processes forked from now on.
     void MeetAt(Board& board);
 
-    // When all callers are done.
-    static void ExpectNothingLost(const Board& board, int sets);
+    // When all callers have stored all their values.
+    static void ExpectNothingLost(const Board& board, int callers);
 };
 
-// Sets this setting; the result.
+// Sets this setting; the result. Who is refused waits a moment before he is back.
 int StoreOne(Board& board, size_t setting, const std::string& value);
 
 // Gets it beside the sets.
