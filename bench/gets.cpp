@@ -62,7 +62,9 @@ void ReadMacByHand() {
     const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     ifreq request{};
     strcpy(request.ifr_name, "eth0");
-    (void)ioctl(fd, SIOCGIFHWADDR, &request);
+    if (fd < 0 || ioctl(fd, SIOCGIFHWADDR, &request) != 0) {
+        GiveUp("the MAC address of eth0");
+    }
     close(fd);
 }
 
@@ -85,7 +87,10 @@ void AddToolGet(const char* name, const std::function<void()>& call, const std::
 
 void GetLiveAddress() {
     char value[VELK_DATA_SIZE] = {};
-    (void)GetIpAddress({"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, {}}, value);
+    if (GetIpAddress({"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, {}}, value) != LIB_VELK_SUCCESS ||
+        strcmp(value, "192.168.0.10") != 0) {
+        GiveUp("the live address of eth0");
+    }
 }
 
 // Refused before anything is opened.

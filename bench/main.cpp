@@ -22,6 +22,7 @@ void EnterPrivateDevice() {
     const std::string path = VELK_BINARY_DIR "/stand-ins:" + std::string(getenv("PATH"));
     setenv("PATH", path.c_str(), 1);
     bench::RunLine("ip link add eth0 type bridge");  // the wired port
+    bench::RunLine("ifconfig eth0 192.168.0.10");
 }
 
 }  // namespace
