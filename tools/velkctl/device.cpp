@@ -80,7 +80,9 @@ std::string WhoHoldsTheLock(int waited) {
 
 void Pause(Milliseconds time) {
     const auto seconds = std::chrono::floor<Seconds>(time);
-    const timespec pause{seconds.count(), std::chrono::nanoseconds(time - seconds).count()};
+    const auto nanoseconds = std::chrono::nanoseconds(time - seconds);
+    const timespec pause{static_cast<time_t>(seconds.count()),
+                         static_cast<long>(nanoseconds.count())};
     (void)nanosleep(&pause, nullptr);
 }
 

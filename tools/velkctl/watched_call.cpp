@@ -82,7 +82,7 @@ long LongestWait(const Call& call, const Blocking& blocking) {
     if (!call.deadline) {
         return blocking.seconds;
     }
-    const long left = std::chrono::ceil<Seconds>(TimeLeft(call)).count();
+    const auto left = static_cast<long>(std::chrono::ceil<Seconds>(TimeLeft(call)).count());
     return blocking.seconds == 0 ? left : std::min<long>(left, blocking.seconds);
 }
 
@@ -106,7 +106,8 @@ Outcome Await(const ChildCall& child, const StopSignals& signals, const Call& ca
         if (call.is_late()) {
             return Outcome::kTimedOut;
         }
-        const long elapsed = std::chrono::floor<Seconds>(Clock::now() - start).count();
+        const auto elapsed =
+            static_cast<long>(std::chrono::floor<Seconds>(Clock::now() - start).count());
         if (elapsed > 0) {
             progress.Show(ProgressLine(call.what, awaited, elapsed, longest));
         }
