@@ -170,7 +170,7 @@ TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
 TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
     constexpr std::string_view kEntry = "#0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n";
     WriteFile(kCrontab, kEntry);
-    const testkit::Mounted in_place(kCrontab, kCrontab, nullptr, MS_BIND, nullptr);
+    const testkit::Mounted in_place(kCrontab, kCrontab, "none", MS_BIND, nullptr);
     ASSERT_EQ(mount("none", kCrontab, "none", MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
     Set("ntp", "\x01");
     EXPECT_EQ(testkit::ReadFile(kCrontab), kEntry);
