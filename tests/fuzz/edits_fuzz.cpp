@@ -4,14 +4,16 @@
 // An input is the row's letter, "0" or "1" for the interface, the value up to the end of the line,
 // then the files' texts with "----" between them. Digits stand for the bytes of values that are no
 // text: "4" is the byte 4, "O" is 31.
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "fuzz/kit/edit_files.h"
 #include "fuzz/kit/fuzz_device.h"
+#include "fuzz/kit/lines.h"
+#include "fuzz/kit/usual_files.h"
 
 namespace fuzz {
 namespace {
@@ -27,13 +29,13 @@ struct Row {
     bool can_get;
 };
 
-const EditedFile kMethodFile = {kInterfaces, {"iface eth"}, Change::kWhole};
-const EditedFile kAddressFile = {kInterfaces, {"address "}, Change::kMoves};
-const EditedFile kNetmaskFile = {kInterfaces, {"netmask "}, Change::kMoves};
-const EditedFile kGatewayFile = {kInterfaces, {"gateway "}, Change::kMoves};
-const EditedFile kBlocksFile = {kDhcpConfig, {""}, Change::kSwitch};
-const EditedFile kNtpOptionFile = {kDhcpConfig, {"ntp-servers", ";"}, Change::kWhole};
-const EditedFile kDnsOptionFile = {kDhcpConfig, {"domain-name-servers", ";"}, Change::kWhole};
+const EditedFile kMethodFile = {kInterfaces, {"iface eth"}, Change::kMethod};
+const EditedFile kAddressFile = {kInterfaces, {"address "}, Change::kValue};
+const EditedFile kNetmaskFile = {kInterfaces, {"netmask "}, Change::kValue};
+const EditedFile kGatewayFile = {kInterfaces, {"gateway "}, Change::kValue};
+const EditedFile kBlocksFile = {kDhcpConfig, {""}, Change::kBlock};
+const EditedFile kNtpOptionFile = {kDhcpConfig, {"ntp-servers", ";"}, Change::kOption};
+const EditedFile kDnsOptionFile = {kDhcpConfig, {"domain-name-servers", ";"}, Change::kOption};
 const EditedFile kScriptFile = {kClientScript, {"make_resolv_conf"}, Change::kSwitch};
 const EditedFile kApipaFile = {kExitHooks, {"/usr/sbin/avahi-autoipd"}, Change::kSwitch};
 const EditedFile kHookedNtpFile = {kExitHooks, {"/usr/bin/ntpdate"}, Change::kSwitch};
@@ -42,9 +44,9 @@ const EditedFile kNoticeFile = {
 const EditedFile kNtpFile = {kCrontab, {"ntpdate"}, Change::kSwitch};
 const EditedFile kNtpServerFile = {kCrontab, {"ntpdate"}, Change::kServer};
 const EditedFile kUpdaterFile = {kCrontab, {"web_contents_updater"}, Change::kMoves};
-const EditedFile kAdministratorFile = {kSettings, {"ADMINISTRATOR="}, Change::kMoves};
-const EditedFile kLocationFile = {kSettings, {"LOCATION="}, Change::kMoves};
-const EditedFile kResolverFile = {kResolver, {""}, Change::kMoves};
+const EditedFile kAdministratorFile = {kSettings, {"ADMINISTRATOR="}, Change::kValue};
+const EditedFile kLocationFile = {kSettings, {"LOCATION="}, Change::kValue};
+const EditedFile kResolverFile = {kResolver, {}, Change::kWhole};
 
 const std::vector<Row> kRows = {
     {VELK_CMD_ADMINISTRATOR, false, Value::kText, {kAdministratorFile}, true},
@@ -67,29 +69,39 @@ char Byte(char digit) {
     return static_cast<char>(digit - '0');
 }
 
+// The servers between commas, each cut to its slot.
+std::string SlotsFor(std::string_view text) {
+    std::string slots;
+    for (size_t i = 0; i < kSlots; ++i) {
+        const std::string server(text.substr(0, text.find(',')));
+        text.remove_prefix(std::min(server.size() + 1, text.size()));
+        std::string slot = TextIn(server).substr(0, kSlotSize);
+        slot.resize(kSlotSize);
+        slots += slot;
+    }
+    return slots;
+}
+
+// Type, value and time; "9" is the type of no schedule.
+std::string ScheduleFor(std::string text) {
+    constexpr size_t kLongestTime = 100;
+    text.resize(std::max<size_t>(text.size(), 2), '0');
+    const char type = text[0] == '9' ? VELK_SCHEDULE_NONE : Byte(text[0]);
+    return std::string{type, Byte(text[1])} + text.substr(2, kLongestTime);
+}
+
 // The request's data for a value as the input spells it.
-std::string DataFor(Value value, std::string text) {
+std::string DataFor(Value value, const std::string& text) {
+    constexpr size_t kLongestText = 400;
     switch (value) {
         case Value::kText:
-            return text.substr(0, text.find('\0')).substr(0, 400);
+            return TextIn(text).substr(0, kLongestText);
         case Value::kByte:
-            return std::string(1, text.empty() ? '\0' : Byte(text[0]));
-        case Value::kServers: {
-            std::string slots;
-            for (size_t at = 0; slots.size() < 48; at = std::min(at, text.size())) {
-                const size_t end = std::min(text.find(',', at), text.size());
-                std::string slot = text.substr(at, std::min<size_t>(end - at, 16));
-                slot.resize(std::min(slot.find('\0'), slot.size()));
-                slot.resize(16);
-                slots += slot;
-                at = end + 1;
-            }
-            return slots;
-        }
+            return {text.empty() ? '\0' : Byte(text[0])};
+        case Value::kServers:
+            return SlotsFor(text);
         case Value::kSchedule:
-            text.resize(std::max<size_t>(text.size(), 2), '0');
-            return std::string{text[0] == '9' ? '\x63' : Byte(text[0]), Byte(text[1])} +
-                   text.substr(2, 100);
+            return ScheduleFor(text);
     }
     return "";
 }
@@ -97,18 +109,19 @@ std::string DataFor(Value value, std::string text) {
 class Edit {
   public:
     Edit(const Row& row, const std::string& interface, const std::string& data)
-        : row_(row), interface_(row.has_interface ? interface : ""), data_(data) {}
+        : row_(row), setting_{row.id, row.has_interface ? interface : "", data} {}
 
     void Run(const std::vector<std::string>& texts);
 
   private:
-    int Set(Turn& turn) { return turn.Execute(VELK_SET, row_.id, interface_, data_); }
+    int Set(Turn& turn) {
+        return turn.Execute(VELK_SET, setting_.id, setting_.interface, setting_.data);
+    }
     std::vector<std::string> Read() const;
     void CheckReadBack(Turn& turn);
 
     const Row& row_;
-    const std::string interface_;
-    const std::string data_;
+    const Setting setting_;
 };
 
 std::vector<std::string> Edit::Read() const {
@@ -120,9 +133,11 @@ std::vector<std::string> Edit::Read() const {
 }
 
 void Edit::CheckReadBack(Turn& turn) {
-    Check(turn.Execute(VELK_GET, row_.id, interface_) == LIB_VELK_SUCCESS, "a set can be read");
-    Check(testkit::Data(turn.response, data_.size()) == data_, "a get gives what was set");
-    Check(turn.response.data[data_.size()] == '\0', "and no more");
+    const std::string& data = setting_.data;
+    Check(turn.Execute(VELK_GET, setting_.id, setting_.interface) == LIB_VELK_SUCCESS,
+          "a set can be read");
+    Check(testkit::Data(turn.response, data.size()) == data, "a get gives what was set");
+    Check(turn.response.data[data.size()] == '\0', "and no more");
 }
 
 void Edit::Run(const std::vector<std::string>& texts) {
@@ -138,10 +153,11 @@ void Edit::Run(const std::vector<std::string>& texts) {
         return;
     }
     for (size_t i = 0; i < row_.files.size(); ++i) {
-        CheckOnlyOwnLines(row_.files[i], before[i], after[i]);
-        Check(!testkit::Exists(CopyOf(row_.files[i])), "the edit copy is gone");
+        CheckEdit(row_.files[i], setting_, before[i], after[i]);
+        const std::string copy = CopyOf(row_.files[i]);
+        Check(copy.empty() || !testkit::Exists(copy), "the edit copy is gone");
     }
-    if (!IsUsual({row_.id, interface_, data_}, before)) {
+    if (!IsUsual(setting_, before)) {
         return;
     }
     if (row_.can_get) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iomanip>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -14,15 +15,23 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 
+#include "fuzz/kit/edit_files.h"
+#include "fuzz/kit/file_answers.h"
 #include "fuzz/kit/fuzz_device.h"
+#include "fuzz/kit/lines.h"
+#include "fuzz/kit/tool_answers.h"
 
 namespace fuzz {
 namespace {
 
-constexpr char kRoutes[] = "/tmp/routes";  // in the place of /proc/net/route
+constexpr char kRoutes[] = "/tmp/routes";            // in the place of /proc/net/route
+constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // behind type and value, in front of its NUL
+constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
+constexpr char kDevices[] = "/proc/bus/usb/devices";
 
-enum class Answer {
-    kText,     // a part of a line of the last text
+// What holds for answers from texts in any form.
+enum class Form {
+    kText,     // a part of a line of a source
     kGateway,  // an address, or nothing
     kByte,     // 1 to `highest`
     kSchedule,
@@ -34,26 +43,27 @@ struct Row {
     uint32_t id;
     bool has_interface;
     std::vector<std::string> sources;
-    Answer answer;
-    char highest = 0;
+    Form form;
+    char highest;
+    std::optional<Answer> (*expected)(const std::string& interface, const Texts& texts);
 };
 
 const std::vector<Row> kRows = {
-    {VELK_CMD_ADMINISTRATOR, false, {"/var/libvelk/libvelk"}, Answer::kText},
-    {VELK_CMD_LOCATION, false, {"/var/libvelk/libvelk"}, Answer::kText},
-    {VELK_CMD_NTP, false, {"/var/cron/tabs/root"}, Answer::kByte, 2},
-    {VELK_CMD_DHCP_NTP, false, {"/etc/dhclient.conf"}, Answer::kByte, 2},
-    {VELK_CMD_NTP_SERVER, false, {"/var/cron/tabs/root"}, Answer::kText},
-    {VELK_CMD_NTP_RESULT, false, {"/var/libvelk/ntp.log"}, Answer::kByte, 3},
-    {VELK_CMD_WEB_UPDATE, false, {"/var/cron/tabs/root"}, Answer::kSchedule},
-    {VELK_CMD_IP_METHOD, true, {"/etc/network/interfaces"}, Answer::kByte, 2},
-    {VELK_CMD_APIPA, true, {"/etc/dhclient-exit-hooks"}, Answer::kByte, 2},
-    {VELK_CMD_IP_ADDRESS, true, {"/etc/network/interfaces"}, Answer::kText},
-    {VELK_CMD_DHCP_DNS, true, {"/etc/dhclient.conf"}, Answer::kByte, 2},
-    {VELK_CMD_DNS, true, {"/etc/resolv.dnsmasq.conf"}, Answer::kServers},
-    {VELK_CMD_LINK_SPEED, true, {"sudo ethtool"}, Answer::kByte, 5},
-    {VELK_CMD_GATEWAY, true, {kRoutes}, Answer::kGateway},
-    {VELK_CMD_NETMASK, true, {"/etc/network/interfaces", "ifconfig"}, Answer::kText},
+    {VELK_CMD_ADMINISTRATOR, false, {kSettings}, Form::kText, 0, AdministratorFrom},
+    {VELK_CMD_LOCATION, false, {kSettings}, Form::kText, 0, LocationFrom},
+    {VELK_CMD_NTP, false, {kCrontab}, Form::kByte, 2, NtpMethodFrom},
+    {VELK_CMD_DHCP_NTP, false, {kDhcpConfig}, Form::kByte, 2, DhcpNtpFrom},
+    {VELK_CMD_NTP_SERVER, false, {kCrontab}, Form::kText, 0, NtpServerFrom},
+    {VELK_CMD_NTP_RESULT, false, {"/var/libvelk/ntp.log"}, Form::kByte, 2, NtpResultFrom},
+    {VELK_CMD_WEB_UPDATE, false, {kCrontab}, Form::kSchedule, 0, ScheduleFrom},
+    {VELK_CMD_IP_METHOD, true, {kInterfaces}, Form::kByte, 2, IpMethodFrom},
+    {VELK_CMD_APIPA, true, {kExitHooks}, Form::kByte, 2, ApipaFrom},
+    {VELK_CMD_IP_ADDRESS, true, {kInterfaces, "ifconfig"}, Form::kText, 0, IpAddressFrom},
+    {VELK_CMD_DHCP_DNS, true, {kDhcpConfig}, Form::kByte, 2, DhcpDnsFrom},
+    {VELK_CMD_DNS, true, {kResolver}, Form::kServers, 0, DnsFrom},
+    {VELK_CMD_LINK_SPEED, true, {"sudo ethtool"}, Form::kByte, 5, LinkSpeedFrom},
+    {VELK_CMD_GATEWAY, true, {kRoutes}, Form::kGateway, 0, GatewayFrom},
+    {VELK_CMD_NETMASK, true, {kInterfaces, "ifconfig"}, Form::kText, 0, NetmaskFrom},
 };
 
 void Place(Turn& turn, const std::string& source, const std::string& text) {
@@ -64,71 +74,93 @@ void Place(Turn& turn, const std::string& source, const std::string& text) {
     }
 }
 
-std::string TextIn(const std::string& data) {
-    return data.substr(0, data.find('\0'));
-}
-
 bool IsZero(std::string_view bytes) {
-    return bytes.find_first_not_of('\0') == std::string_view::npos;
+    return IsOf(bytes, std::string_view("\0", 1));
 }
 
-void CheckAnswer(const Row& row, const std::string& data, const std::string& source) {
+// A text that fills the data area to its last byte may be cut.
+bool FillsData(const std::string& text) {
+    return text.size() >= VELK_DATA_SIZE - 1;
+}
+
+// The ':' is cut off behind an hour that fills the data area.
+void CheckSchedule(const std::string& data, const std::string& source) {
+    const char type = data[0];
+    Check((type >= VELK_SCHEDULE_HOURS && type <= VELK_SCHEDULE_MONTHLY) ||
+              type == VELK_SCHEDULE_NONE,
+          "a schedule's type");
+    Check(data.find(':', 2) != std::string::npos || source.size() >= kLongestTime,
+          "a schedule's time");
+}
+
+void CheckForm(const Row& row, const std::string& data, const std::string& source) {
     const std::string text = TextIn(data);
-    switch (row.answer) {
-        case Answer::kText:
-            Check(source.find(text) != std::string::npos, "the text is what the source says");
-            Check(text.find('\n') == std::string::npos, "the text is from one line");
+    switch (row.form) {
+        case Form::kText:
+            Check(Has(source, text), "the text is what the source says");
+            Check(!Has(text, "\n"), "the text is from one line");
             break;
-        case Answer::kGateway: {
+        case Form::kGateway: {
             in_addr address{};
             Check(text.empty() || inet_pton(AF_INET, text.c_str(), &address) == 1,
                   "the gateway is an address");
             break;
         }
-        case Answer::kByte:
+        case Form::kByte:
             Check(data[0] >= 1 && data[0] <= row.highest, "the byte is a documented one");
             Check(IsZero(std::string_view(data).substr(1)), "one byte alone is written");
             break;
-        case Answer::kSchedule: {
-            const char type = data[0];
-            Check((type >= 1 && type <= 4) || type == VELK_SCHEDULE_NONE, "a schedule's type");
-            Check(data.find(':', 2) != std::string::npos, "a schedule's time");
+        case Form::kSchedule:
+            CheckSchedule(data, source);
             break;
-        }
-        case Answer::kServers:
-            Check(IsZero(std::string_view(data).substr(48)), "three slots alone are written");
+        case Form::kServers:
+            Check(IsZero(std::string_view(data).substr(kSlots * kSlotSize)),
+                  "three slots alone are written");
             break;
     }
 }
 
-// The live values are those of an interface that gets its address by DHCP.
-constexpr char kDhcpInterfaces[] = "iface eth0 inet dhcp\niface eth1 inet dhcp\n";
+void CheckAnswer(const Row& row, const Answer& expected, int result, const std::string& data) {
+    Check((result == LIB_VELK_SUCCESS) == expected.succeeds, "a get succeeds as the text allows");
+    if (FillsData(expected.bytes)) {
+        return;
+    }
+    std::string bytes = expected.bytes;
+    bytes.resize(data.size());
+    Check(row.form == Form::kText ? TextIn(data) == TextIn(bytes) : data == bytes,
+          "a get gives what the text tells");
+}
 
-void RunGet(const Row& row, const std::string& interface, const std::vector<std::string>& texts) {
-    Turn turn;
+// What every get stands on: no cable, an adapter, and addresses that come by DHCP.
+void PlaceSurroundings(Turn& turn) {
     testkit::LibcRecorder::Get().Redirect("/proc/net/route", kRoutes);
-    testkit::WriteFile("/etc/network/interfaces", kDhcpInterfaces);
+    testkit::WriteFile(kInterfaces, "iface eth0 inet dhcp\niface eth1 inet dhcp\n");
+    testkit::WriteFile(kDevices, "S:  Product=QT4408RKM\n");
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
+}
+
+void RunGet(const Row& row, const std::string& interface, Texts texts) {
+    Turn turn;
+    PlaceSurroundings(turn);
+    texts.resize(row.sources.size());
     std::string all;
     for (size_t i = 0; i < row.sources.size(); ++i) {
-        const std::string text = i < texts.size() ? texts[i] : "";
-        Place(turn, row.sources[i], text);
-        all += text + "\n";
+        Place(turn, row.sources[i], texts[i]);
+        all += texts[i] + "\n";
     }
     const std::string name = row.has_interface ? interface : "";
     const int result = turn.Execute(VELK_GET, row.id, name);
     const std::string data = testkit::Data(turn.response);
     if (result == LIB_VELK_SUCCESS) {
-        CheckAnswer(row, data, all);
+        CheckForm(row, data, all);
     } else {
         Check(IsZero(data), "a get that fails writes nothing");
     }
+    if (const auto expected = row.expected(name, texts)) {
+        CheckAnswer(row, *expected, result, data);
+    }
     Check(turn.Execute(VELK_GET, row.id, name) == result, "a get has one answer");
     Check(testkit::Data(turn.response) == data, "a get has one text");
-}
-
-bool Holds(std::string_view line, std::string_view text) {
-    return line.find(text) != std::string_view::npos;
 }
 
 // As the kernel writes a device's ids.
@@ -145,14 +177,14 @@ unsigned long HexBehindKey(const std::string& line) {
 
 // True when the device list names the built-in adapter or one of the support list.
 bool IsListed(const std::string& support_list, const std::string& devices) {
-    bool is_listed = Holds(devices, "QT4408RKM");
+    bool is_listed = Has(devices, "QT4408RKM");
     unsigned long vendor = 0;
     for (const std::string& line : Lines(support_list)) {
-        if (Holds(line, "VID=")) {
+        if (Has(line, "VID=")) {
             vendor = HexBehindKey(line);
         }
-        if (Holds(line, "PID=")) {
-            is_listed = is_listed || Holds(devices, DeviceLine(vendor, HexBehindKey(line)));
+        if (Has(line, "PID=")) {
+            is_listed = is_listed || Has(devices, DeviceLine(vendor, HexBehindKey(line)));
         }
     }
     return is_listed;
@@ -161,34 +193,21 @@ bool IsListed(const std::string& support_list, const std::string& devices) {
 void RunAdapter(const std::vector<std::string>& texts) {
     const Turn turn;
     const std::string devices = texts.size() > 1 ? texts[1] : "";
-    testkit::WriteFile("/usr/local/share/apps/wlan/supportlist.ini", texts[0]);
-    testkit::WriteFile("/proc/bus/usb/devices", devices);
+    testkit::WriteFile(kSupportList, texts[0]);
+    testkit::WriteFile(kDevices, devices);
     Check(IsWlanAttached() == (IsListed(texts[0], devices) ? 1 : 0), "a listed device is attached");
-    testkit::WriteFile("/proc/bus/usb/devices", "");
+    testkit::WriteFile(kDevices, "");
     Check(IsWlanAttached() == 0, "no device, no adapter");
-}
-
-// The links that a text tells of, line by line: 1 or 0.
-std::vector<int> LinksIn(const std::string& text, std::string_view up, std::string_view down) {
-    std::vector<int> links;
-    for (const std::string& line : Lines(text)) {
-        if (Holds(line, up)) {
-            links.push_back(1);
-        } else if (Holds(line, down)) {
-            links.push_back(0);
-        }
-    }
-    return links;
 }
 
 // The tool's first word counts, without one the last of the first log file that has one.
 int LinkIn(const std::string& tool, const std::vector<std::string>& logs) {
-    const std::vector<int> shown = LinksIn(tool, "Link detected: yes", "Link detected: no");
+    const std::vector<int> shown = TellingsIn(tool, "Link detected: yes", "Link detected: no");
     if (!shown.empty()) {
         return shown.front();
     }
     for (const std::string& log : logs) {
-        const std::vector<int> logged = LinksIn(log, "link up", "link down");
+        const std::vector<int> logged = TellingsIn(log, "link up", "link down");
         if (!logged.empty()) {
             return logged.back();
         }
@@ -215,7 +234,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (head.size() < 2) {
         return 0;
     }
-    const std::vector<std::string> texts = fuzz::Sections(input);
+    const fuzz::Texts texts = fuzz::Sections(input);
     if (head[0] == 'y') {
         fuzz::RunLink(texts);
     } else if (head[0] == 'z') {

@@ -1,22 +1,19 @@
-// edit_files.cpp - the files that sets edit: whose lines are whose, and what a usual file is.
+// edit_files.cpp - the files that sets edit: whose lines are whose, and how a set may change them.
 #include "fuzz/kit/edit_files.h"
 
 #include <algorithm>
-#include <cctype>
+#include <optional>
 
+#include "fuzz/kit/blocks.h"
 #include "fuzz/kit/fuzz_device.h"
+#include "fuzz/kit/lines.h"
+#include "fuzz/kit/server_lines.h"
 #include "velk.h"
 
 namespace fuzz {
 namespace {
 
-using Texts = std::vector<std::string>;
-
-bool Has(std::string_view line, std::string_view text) {
-    return line.find(text) != std::string_view::npos;
-}
-
-bool IsOwn(const EditedFile& file, const std::string& line) {
+bool IsOwn(const EditedFile& file, std::string_view line) {
     return std::ranges::any_of(file.own, [&](const auto& text) { return Has(line, text); });
 }
 
@@ -25,238 +22,196 @@ Texts Others(const EditedFile& file, Texts lines) {
     return lines;
 }
 
-std::string WithoutMarks(std::string line) {
-    std::erase(line, '#');
-    return line;
-}
-
-// The word that is replaced is the line's last, behind the client's name and its options.
-bool EndsWithServer(const std::string& line) {
-    size_t at = line.find("ntpdate");
-    if (at == std::string::npos) {
-        return false;
+std::optional<Texts> LinesOfOthers(const EditedFile& file, const Setting& setting,
+                                   const Texts& lines) {
+    const auto owners = OwnersOf(file.path, setting.interface, lines);
+    if (!owners) {
+        return std::nullopt;
     }
-    at += std::string_view("ntpdate").size();
-    for (;;) {
-        const size_t end = line.find(' ', at);
-        const std::string word = line.substr(at, end - at);
-        if (isalnum(static_cast<unsigned char>(word[0])) != 0) {
-            return end == std::string::npos;
+    Texts others;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if ((*owners)[i] == Owner::kOther) {
+            others.push_back(lines[i]);
         }
-        if (Has(word, ">") || end == std::string::npos) {
-            return false;
-        }
-        at = end + 1;
     }
+    return others;
 }
 
-// Lines as they come to stand: one that ends with its server is followed by the next on the same.
-Texts WithJoins(const Texts& lines) {
-    Texts joined;
-    bool is_open = false;
-    for (const std::string& line : lines) {
-        if (is_open) {
-            joined.back() += "\n" + line;
-        } else {
-            joined.push_back(line);
-        }
-        is_open = EndsWithServer(line);
+bool IsOn(const EditedFile& file, const Setting& setting) {
+    return setting.data[0] == (file.change == Change::kBlock ? '\2' : '\1');
+}
+
+// One "#" more or less; less for each of the set's commands, which may stand on one line.
+bool IsSwitched(std::string old_line, const std::string& new_line, bool is_on, size_t commands) {
+    if (!is_on) {
+        return new_line == "#" + old_line;
     }
-    return joined;
-}
-
-// What follows a joined line's server is a line of its own, and stays unless it has a server too.
-void CheckServerLine(const std::string& old_line, const std::string& new_line) {
-    const std::string last = old_line.substr(old_line.rfind('\n') + 1);
-    Check(Has(last, "ntpdate") || new_line.ends_with(last), "a joined line is as it was");
-}
-
-size_t CountOf(const Texts& lines, std::string_view text) {
-    return static_cast<size_t>(
-        std::ranges::count_if(lines, [&](const auto& line) { return Has(line, text); }));
-}
-
-bool IsOf(std::string_view text, std::string_view characters) {
-    return text.find_first_not_of(characters) == std::string_view::npos;
-}
-
-constexpr char kDigits[] = "0123456789";
-constexpr char kAddressText[] = "0123456789.";
-
-// Switched off by a "#" in column one, or not at all.
-bool IsPlainlySwitched(const std::string& line) {
-    return line.find('#', 1) == std::string::npos || line.empty();
-}
-
-bool AllPlainlySwitched(const Texts& lines) {
-    return std::ranges::all_of(lines, IsPlainlySwitched);
-}
-
-bool IsSwitch(const Setting& setting) {
-    return setting.data == "\x01" || setting.data == "\x02";
-}
-
-// ---- one file each
-
-// One static stanza of the interface, which holds the key or is followed by another stanza.
-bool IsUsualStanza(const Setting& setting, std::string_view key, const std::string& text) {
-    const Texts lines = Lines(text);
-    const std::string header = "iface " + setting.interface + " inet ";
-    const auto is_header = [&](const auto& line) { return line.starts_with(header); };
-    const auto found = std::ranges::find_if(lines, is_header);
-    if (setting.data.empty() || std::ranges::count_if(lines, is_header) != 1 ||
-        !found->starts_with(header + "static")) {
-        return false;
-    }
-    return std::any_of(found + 1, lines.end(), [&](const auto& line) {
-        return line.starts_with("iface") || Has(line, key);
-    });
-}
-
-bool IsUsualMethod(const Setting& setting, const std::string& interfaces,
-                   const std::string& config) {
-    return AllPlainlySwitched(Lines(config)) &&
-           std::ranges::any_of(Lines(interfaces), [&](const auto& line) {
-               return line.starts_with("iface " + setting.interface + " inet ");
-           });
-}
-
-// No blocks, and every command of the set in a line of its own.
-bool AreUsualHooks(const std::string& text, std::string_view command) {
-    const Texts lines = Lines(text);
-    return AllPlainlySwitched(lines) && CountOf(lines, "if") == 0 && CountOf(lines, "fi") == 0 &&
-           CountOf(lines, std::string(command) + " ") == CountOf(lines, command) &&
-           std::ranges::all_of(lines, [&](const auto& line) {
-               return !Has(line, command) || WithoutMarks(line).starts_with(command);
-           });
-}
-
-// One statement on one line, which names the option as a word, last or before a comma, or not.
-bool IsUsualRequest(const std::string& text, const std::string& option) {
-    const Texts lines = Lines(text);
-    if (CountOf(lines, "#") + CountOf(lines, "interface") + CountOf(lines, "{") +
-                CountOf(lines, "}") !=
-            0 ||
-        CountOf(lines, "request") != 1 || CountOf(lines, ";") != 1) {
-        return false;
-    }
-    const auto line = *std::ranges::find_if(
-        lines, [](const auto& text_line) { return Has(text_line, "request"); });
-    if (!line.starts_with("request routers") || !line.ends_with(";") || Has(line, "\t") ||
-        line.find(';') != line.size() - 1) {
-        return false;
-    }
-    const std::string rest = line.substr(std::string("request routers").size());
-    const bool is_usual_rest = rest == ";" || rest == ", " + option + ";" ||
-                               rest == ", " + option + ", broadcast-address;";
-    return is_usual_rest && CountOf(lines, option) == (rest == ";" ? 0 : 1);
-}
-
-bool IsUsualNtpServer(const Setting& setting, const std::string& text) {
-    const Texts lines = Lines(text);
-    const bool is_address =
-        !setting.data.empty() && IsOf(setting.data, kAddressText) && setting.data.front() != '.';
-    return is_address && CountOf(lines, "ntpdate") > 0 &&
-           std::ranges::all_of(lines, [](const auto& line) {
-               return !Has(line, "ntpdate") ||
-                      line == "0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log";
-           });
-}
-
-bool AreUsualServers(const std::string& slots) {
-    bool ended = false;
-    for (size_t at = 0; at < slots.size(); at += 16) {
-        const std::string slot = slots.substr(at, 16);
-        const std::string text = slot.substr(0, slot.find('\0'));
-        if (!IsOf(text, kAddressText) || (ended && !text.empty())) {
-            return false;
-        }
-        ended = text.empty();
-    }
-    return true;
-}
-
-bool IsUsualSchedule(const std::string& data) {
-    const auto type = static_cast<unsigned char>(data[0]);
-    const auto value = static_cast<unsigned char>(data[1]);
-    const std::string time = data.substr(2);
-    if (time.size() != 5 || time[2] != ':' || !IsOf(time.substr(0, 2), kDigits)) {
-        return false;
-    }
-    switch (type) {
-        case VELK_SCHEDULE_HOURS:
-            return time == "00:00";
-        case VELK_SCHEDULE_DAILY:
-            return value == 1;
-        case VELK_SCHEDULE_WEEKLY:
-            return value >= 1 && value <= 7;
-        case VELK_SCHEDULE_MONTHLY:
+    for (; commands > 0 && Has(old_line, "#"); --commands) {
+        old_line.erase(old_line.find('#'), 1);
+        if (old_line == new_line) {
             return true;
-        default:
-            return type == VELK_SCHEDULE_NONE && value == VELK_SCHEDULE_NONE && time == "00:00";
+        }
     }
+    return false;
+}
+
+// Not just named in a comment or where it is defined: of the client's script a plain call counts.
+bool IsSurelyOwn(const EditedFile& file, const std::string& line) {
+    if (file.path != std::string_view(kClientScript)) {
+        return IsOwn(file, line);
+    }
+    const std::string call = line.substr(std::min(line.find_first_not_of("#\t"), line.size()));
+    return (call + " ").starts_with(file.own[0] + " ");
+}
+
+// On files as the device has them, the interface's lines are as the set told, the others as before.
+void CheckSwitchedAsTold(const EditedFile& file, const Setting& setting, const Texts& old_lines,
+                         const Texts& new_lines) {
+    const auto owners = OwnersOf(file.path, setting.interface, old_lines);
+    const bool is_switch = setting.data == "\1" || setting.data == "\2";
+    if (!owners || !is_switch || !std::ranges::all_of(old_lines, IsPlainlySwitched)) {
+        return;
+    }
+    for (size_t i = 0; i < old_lines.size(); ++i) {
+        const bool is_everyones = (*owners)[i] == Owner::kEveryone;
+        if ((*owners)[i] == Owner::kOther || (is_everyones && file.change == Change::kBlock)) {
+            Check(new_lines[i] == old_lines[i], "a line outside of the block is as it was");
+        } else if (IsSurelyOwn(file, old_lines[i])) {
+            Check(new_lines[i].starts_with('#') != IsOn(file, setting), "a line is switched");
+        }
+    }
+}
+
+// The interface's name stands in the header, the method behind it, and nothing more.
+void CheckMethodLine(const Setting& setting, const std::string& old_line,
+                     const std::string& new_line) {
+    const std::string header = "iface " + setting.interface + " inet ";
+    const std::string method = setting.data == "\1" ? "static" : "dhcp";
+    Check(new_line == (old_line.starts_with(header) ? header + method : old_line),
+          "the interface's headers alone have the method");
+}
+
+std::string LettersOf(std::string text) {
+    std::erase_if(text, [](char c) { return (c < 'a' || c > 'z') && (c < 'A' || c > 'Z'); });
+    return text;
+}
+
+// An option that comes stands behind a comma at the end of the statement. One that goes takes what
+// stood between it and its neighbour along.
+void CheckOptionLine(const std::string& option, const Setting& setting, std::string line,
+                     const std::string& new_line) {
+    if (line == new_line) {
+        return;
+    }
+    if (setting.data == "\1") {
+        Check(Has(line, ";"), "an option comes in front of a semicolon");
+        line.insert(line.find(';'), "," + option);
+        Check(new_line == line, "an option comes, and nothing else changes");
+        return;
+    }
+    Check(Has(line, option), "an option goes from where it was");
+    line.erase(line.find(option), option.size());
+    Check(new_line.size() <= line.size() && LettersOf(new_line) == LettersOf(line),
+          "an option goes, and no other name");
+}
+
+void CheckOwnLine(const EditedFile& file, const Setting& setting, const std::string& old_line,
+                  const std::string& new_line) {
+    switch (file.change) {
+        case Change::kSwitch:
+        case Change::kBlock:
+            Check(old_line == new_line ||
+                      IsSwitched(old_line, new_line, IsOn(file, setting), file.own.size()),
+                  "a line is switched, not rewritten");
+            return;
+        case Change::kMethod:
+            CheckMethodLine(setting, old_line, new_line);
+            return;
+        case Change::kOption:
+            CheckOptionLine(file.own[0], setting, old_line, new_line);
+            return;
+        default:
+            CheckServerLine(old_line, new_line, setting.data);
+            return;
+    }
+}
+
+void CheckLineByLine(const EditedFile& file, const Setting& setting, const Texts& old_lines,
+                     const Texts& new_lines) {
+    Check(old_lines.size() == new_lines.size(), "there are as many lines as before");
+    for (size_t i = 0; i < old_lines.size(); ++i) {
+        if (IsOwn(file, old_lines[i])) {
+            CheckOwnLine(file, setting, old_lines[i], new_lines[i]);
+        } else {
+            Check(old_lines[i] == new_lines[i], "another line is as it was");
+        }
+    }
+}
+
+// Own lines come and go; with a value each that comes holds it.
+void CheckMoves(const EditedFile& file, const Setting& setting, const Texts& old_lines,
+                const Texts& new_lines) {
+    Check(Others(file, old_lines) == Others(file, new_lines), "other lines are as they were");
+    for (const std::string& line : new_lines) {
+        const bool is_new = std::ranges::find(old_lines, line) == old_lines.end();
+        Check(
+            !is_new || file.change == Change::kMoves || line.ends_with(file.own[0] + setting.data),
+            "a line that comes holds key and value");
+    }
+}
+
+// A line for each slot up to the first empty one.
+std::string ServersText(const std::string& slots) {
+    std::string text;
+    for (size_t i = 0; i < kSlots; ++i) {
+        const std::string server = TextIn(slots.substr(i * kSlotSize, kSlotSize));
+        if (server.empty()) {
+            break;
+        }
+        text += "nameserver " + server + "\n";
+    }
+    return text;
 }
 
 }  // namespace
 
 std::string CopyOf(const EditedFile& file) {
     const std::string path = file.path;
-    return "/var/tmp" + path.substr(path.rfind('/'));
+    return file.change == Change::kWhole ? "" : "/var/tmp" + path.substr(path.rfind('/'));
 }
 
-void CheckOnlyOwnLines(const EditedFile& file, std::string_view before, std::string_view after) {
-    const bool may_join = file.change == Change::kServer;
-    const Texts old_lines = may_join ? WithJoins(Lines(before)) : Lines(before);
+bool IsPlainlySwitched(const std::string& line) {
+    return line.find('#', 1) == std::string::npos;
+}
+
+void CheckEdit(const EditedFile& file, const Setting& setting, std::string_view before,
+               std::string_view after) {
+    const Texts old_lines = Lines(before);
     const Texts new_lines = Lines(after);
-    if (file.change == Change::kMoves) {
-        Check(Others(file, old_lines) == Others(file, new_lines), "other lines are as they were");
-        return;
+    if (const auto others = LinesOfOthers(file, setting, old_lines)) {
+        Check(LinesOfOthers(file, setting, new_lines) == others,
+              "what is another interface's is as it was");
     }
-    Check(old_lines.size() == new_lines.size(), "there are as many lines as before");
-    for (size_t i = 0; i < old_lines.size(); ++i) {
-        if (!IsOwn(file, old_lines[i])) {
-            Check(old_lines[i] == new_lines[i], "another line is as it was");
-        } else if (file.change == Change::kSwitch) {
-            Check(WithoutMarks(old_lines[i]) == WithoutMarks(new_lines[i]),
-                  "a line is switched, not rewritten");
-        } else if (may_join) {
-            CheckServerLine(old_lines[i], new_lines[i]);
-        }
-    }
-}
-
-bool IsUsual(const Setting& setting, const std::vector<std::string>& files) {
-    switch (setting.id) {
-        case VELK_CMD_IP_ADDRESS:
-            return IsUsualStanza(setting, "address ", files[0]);
-        case VELK_CMD_NETMASK:
-            return IsUsualStanza(setting, "netmask ", files[0]);
-        case VELK_CMD_GATEWAY:
-            return IsUsualStanza(setting, "gateway ", files[0]);
-        case VELK_CMD_IP_METHOD:
-            return IsUsualMethod(setting, files[0], files[1]);
-        case VELK_CMD_APIPA:
-            return IsSwitch(setting) && AreUsualHooks(files[0], "/usr/sbin/avahi-autoipd") &&
-                   Has(files[0], "/usr/sbin/avahi-autoipd");
-        case VELK_CMD_DHCP_NOTICE:
-            return AreUsualHooks(files[0], "/sbin/printdhcpnotice.pl") &&
-                   AreUsualHooks(files[0], "/sbin/printdhcpstart.pl");
-        case VELK_CMD_DHCP_NTP:
-            return IsSwitch(setting) && IsUsualRequest(files[0], "ntp-servers") &&
-                   AreUsualHooks(files[1], "/usr/bin/ntpdate");
-        case VELK_CMD_DHCP_DNS:
-            return IsSwitch(setting) && IsUsualRequest(files[0], "domain-name-servers") &&
-                   AreUsualHooks(files[1], "make_resolv_conf");
-        case VELK_CMD_NTP:
-            return AllPlainlySwitched(Lines(files[0])) && Has(files[0], "ntpdate");
-        case VELK_CMD_NTP_SERVER:
-            return IsUsualNtpServer(setting, files[0]);
-        case VELK_CMD_DNS:
-            return AreUsualServers(setting.data);
-        case VELK_CMD_WEB_UPDATE:
-            return IsUsualSchedule(setting.data);
-        default:
-            return true;  // administrator and location take any text
+    switch (file.change) {
+        case Change::kSwitch:
+        case Change::kBlock:
+            CheckLineByLine(file, setting, old_lines, new_lines);
+            CheckSwitchedAsTold(file, setting, old_lines, new_lines);
+            return;
+        case Change::kMethod:
+        case Change::kOption:
+            CheckLineByLine(file, setting, old_lines, new_lines);
+            return;
+        case Change::kServer:
+            CheckLineByLine(file, setting, WithJoins(old_lines), new_lines);
+            return;
+        case Change::kValue:
+        case Change::kMoves:
+            CheckMoves(file, setting, old_lines, new_lines);
+            return;
+        case Change::kWhole:
+            Check(after == ServersText(setting.data), "the servers stand there, and nothing else");
+            return;
     }
 }
 

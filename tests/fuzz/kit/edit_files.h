@@ -1,7 +1,8 @@
-// edit_files.h - the files that sets edit: whose lines are whose, and what a usual file is.
+// edit_files.h - the files that sets edit: whose lines are whose, and how a set may change them.
 #ifndef TESTS_FUZZ_KIT_EDIT_FILES_H_
 #define TESTS_FUZZ_KIT_EDIT_FILES_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,14 +20,19 @@ inline constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
 
 enum class Change {
     kSwitch,  // lines gain or lose a "#"
-    kWhole,   // lines are rewritten where they stand
-    kServer,  // the same, but a server that ends its line takes the line's end with it
-    kMoves    // lines come and go
+    kBlock,   // so do all lines of the interface's block: they are on when it uses DHCP
+    kMethod,  // the interface's header lines get another method
+    kOption,  // the option comes into a request, or goes
+    kServer,  // the server is replaced; one that ends its line takes the line's end with it
+    kValue,   // a line with the key and the value comes or goes
+    kMoves,   // lines come and go
+    kWhole    // nothing stays of what was there
 };
 
 struct EditedFile {
     const char* path;
-    std::vector<std::string> own;  // a line that holds one of these may change
+    std::vector<std::string>
+        own;  // a line that holds one of these may change; the first is the key
     Change change;
 };
 
@@ -36,15 +42,19 @@ struct Setting {
     std::string data;
 };
 
+// The servers' slots in a setting's data.
+inline constexpr size_t kSlots = 3;
+inline constexpr size_t kSlotSize = 16;
+
+// Where the file is edited, in a copy; empty for one that is written in place.
 std::string CopyOf(const EditedFile& file);
 
-// Checks that all other lines are as they were, in their order, and own ones changed in their way.
-void CheckOnlyOwnLines(const EditedFile& file, std::string_view before, std::string_view after);
+// A "#" in column one switches a line off, and there is no other in it.
+bool IsPlainlySwitched(const std::string& line);
 
-// True when the files are such that the setting must be read back as it was set, and setting it
-// twice be the same as once. Other files have the same lines edited, but may hold them in forms
-// that the reading side sees differently.
-bool IsUsual(const Setting& setting, const std::vector<std::string>& files);
+// Checks that own lines alone changed, each in its way, and none that is another interface's.
+void CheckEdit(const EditedFile& file, const Setting& setting, std::string_view before,
+               std::string_view after);
 
 }  // namespace fuzz
 

@@ -1,15 +1,11 @@
 // fuzz_device.cpp - what every fuzz target stands on.
 #include "fuzz/kit/fuzz_device.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include "fuzz/kit/shell_lines.h"
 #include "sandbox/device.h"
@@ -19,12 +15,15 @@ namespace {
 
 constexpr int kSkipped = 77;  // as ctest is told
 
-// The lowest free number: it rises when a descriptor is left open.
-int NextDescriptor() {
+size_t CountDescriptors() {
     const testkit::Unrecorded unrecorded;
-    const int fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    close(fd);
-    return fd;
+    return testkit::OpenDescriptors().size();
+}
+
+// Empties the recorder, which the shell is to stand on; gives the number of open descriptors.
+size_t Begin() {
+    testkit::LibcRecorder::Get().Reset();
+    return CountDescriptors();
 }
 
 bool IsDocumented(int result) {
@@ -50,11 +49,11 @@ void Check(bool holds, std::string_view what) {
     }
 }
 
-Turn::Turn() : next_descriptor_((testkit::LibcRecorder::Get().Reset(), NextDescriptor())) {
+Turn::Turn() : descriptors_(Begin()) {
 }
 
 Turn::~Turn() {
-    Check(NextDescriptor() == next_descriptor_, "every descriptor is closed");
+    Check(CountDescriptors() == descriptors_, "every descriptor is closed");
     for (const std::string& line : testkit::LibcRecorder::Get().Commands()) {
         Check(IsKnownLine(line, texts_), "the shell line is one of the library's: " + line);
     }
@@ -77,34 +76,6 @@ int Turn::Execute(const _velk_request& request) {
 
 int Turn::Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data) {
     return Execute(testkit::MakeRequest(type, id, interface, data));
-}
-
-std::vector<std::string> Sections(std::string_view text) {
-    constexpr std::string_view kMark = "\n----\n";
-    std::vector<std::string> sections;
-    for (;;) {
-        const size_t end = text.find(kMark);
-        if (end == std::string_view::npos) {
-            sections.emplace_back(text);
-            return sections;
-        }
-        sections.emplace_back(text.substr(0, end + 1));
-        text.remove_prefix(end + kMark.size());
-    }
-}
-
-std::string TakeLine(std::string_view& text) {
-    const std::string line(text.substr(0, text.find('\n')));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    return line;
-}
-
-std::vector<std::string> Lines(std::string_view text) {
-    std::vector<std::string> lines;
-    while (!text.empty()) {
-        lines.push_back(TakeLine(text));
-    }
-    return lines;
 }
 
 }  // namespace fuzz

@@ -2,6 +2,7 @@
 #ifndef TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
 #define TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,18 +36,10 @@ class Turn {
     _velk_request response{};
 
   private:
-    int next_descriptor_;
+    size_t descriptors_;              // that were open when it began; set before the shell is there
     std::vector<std::string> texts_;  // of the requests so far
     testkit::FakeShell shell_;
 };
-
-// The text's parts between lines of four dashes.
-std::vector<std::string> Sections(std::string_view text);
-
-// What stands before the first newline, taken off the front with it.
-std::string TakeLine(std::string_view& text);
-
-std::vector<std::string> Lines(std::string_view text);
 
 }  // namespace fuzz
 

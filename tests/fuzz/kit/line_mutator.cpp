@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/kit/fuzz_device.h"
+#include "fuzz/kit/lines.h"
 #include "support/dice.h"
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t max_size);
@@ -28,6 +28,7 @@ const std::vector<std::string> kSamples = {
     "\tnetmask 255.255.255.0",
     "\tgateway 192.168.0.1",
     "if [ \"$interface\" = \"eth0\" ]; then",
+    "if [ \"$interface\" = \"eth1\" ]; then",
     "then",
     "else",
     "fi",
@@ -37,6 +38,7 @@ const std::vector<std::string> kSamples = {
     "\t/sbin/printdhcpstart.pl eth0",
     "\tmake_resolv_conf",
     "interface \"eth0\" {",
+    "interface \"eth1\" {",
     "interface \"eth1\" { request routers; }",
     "}",
     "request subnet-mask, domain-name-servers, ntp-servers;",
