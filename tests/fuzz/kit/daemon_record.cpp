@@ -34,6 +34,23 @@ size_t NumberIn(const std::string& field) {
     return static_cast<unsigned char>(field[0]) + 256U * static_cast<unsigned char>(field[1]);
 }
 
+std::string NumberText(size_t number) {
+    return {static_cast<char>(number & 0xFF), static_cast<char>(number / 256)};
+}
+
+bool IsWepKey(const Row& row) {
+    return row.id >= VELK_CMD_WEP_KEY_1 && row.id <= VELK_CMD_WEP_KEY_4;
+}
+
+// With WEP the record names the key in use.
+bool IsKeyInUse(const Row& row, const std::string& body) {
+    constexpr size_t kWep = 1;
+    constexpr size_t kEncryptionAt = 42;
+    constexpr size_t kDefaultKeyAt = 44;
+    return NumberIn(body.substr(kEncryptionAt)) == kWep &&
+           NumberIn(body.substr(kDefaultKeyAt)) == row.id - VELK_CMD_WEP_KEY_1 + 1;
+}
+
 Answer TextFrom(const std::string& field) {
     const size_t length = NumberIn(field);
     if (length > field.size() - kLengthSize) {
@@ -92,8 +109,33 @@ Answer AnswerFrom(const Row& row, const std::string& body) {
     return {};
 }
 
-std::string WithoutField(const Row& row, std::string body) {
-    return body.erase(row.offset, row.size);
+bool CanSet(const Row& row, const std::string& body, const std::string& value) {
+    if (row.field != Field::kText) {
+        return row.bytes.find(value) != std::string::npos;
+    }
+    if (!IsWepKey(row)) {
+        return value.size() <= row.size - kLengthSize;
+    }
+    if (value.empty()) {
+        return !IsKeyInUse(row, body);
+    }
+    return value.size() == 5 || value.size() == 10 || value.size() == 13 || value.size() == 26;
+}
+
+std::string BodyWith(const Row& row, std::string body, const std::string& value) {
+    if (row.field == Field::kCode) {
+        return body.replace(row.offset, row.size, NumberText(row.bytes.find(value)));
+    }
+    if (row.field == Field::kNumber) {
+        return body.replace(row.offset, row.size, NumberText(static_cast<size_t>(value[0])));
+    }
+    const size_t text = row.offset + kLengthSize;
+    if (!IsWepKey(row)) {
+        const size_t size = row.size - kLengthSize;
+        body.replace(text, size, size, '\0');
+    }
+    body.replace(text, value.size(), value);
+    return body.replace(row.offset, kLengthSize, NumberText(value.size()));
 }
 
 }  // namespace fuzz

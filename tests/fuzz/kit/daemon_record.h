@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/kit/answer.h"
+
 namespace fuzz {
 
 constexpr size_t kHead = 3;  // of an input: the command's letter, get or set, the datagram's length
@@ -37,15 +39,16 @@ struct Row {
 
 extern const std::vector<Row> kRows;
 
-struct Answer {
-    bool succeeds;
-    std::string bytes;  // what the data begin with; the others are zero
-};
-
 // What a get gives when the daemon sends this record.
 Answer AnswerFrom(const Row& row, const std::string& body);
 
-std::string WithoutField(const Row& row, std::string body);
+// True for a value that a set takes: a byte of the row's, or a text of a length that there is. The
+// key in use cannot be emptied.
+bool CanSet(const Row& row, const std::string& body, const std::string& value);
+
+// The record with the value in its field. Behind a key stands what is left of the one before;
+// behind other texts there are zeros.
+std::string BodyWith(const Row& row, std::string body, const std::string& value);
 
 }  // namespace fuzz
 
