@@ -1,10 +1,12 @@
 // replay_main.cpp - runs a target on every file of a corpus and on a fixed number of changes of
-// each, without a fuzzer: for the compilers that have none. REPLAY CORPUS_FOLDER
+// each, without a fuzzer: for the compilers that have none. REPLAY CORPUS_FOLDER. An input that
+// breaks something is left in the build folder as crash-TARGET-replay.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/device_test.h"
@@ -15,7 +17,7 @@ int LLVMFuzzerInitialize(int* argc, char*** argv);
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max_size, unsigned seed);
 
-// The fuzzer's own part of the mutator: here it changes one byte.
+// The fuzzer's own part of the mutator: here it adds a newline and counts one byte up.
 size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t max_size) {
     if (size < max_size) {
         data[size++] = '\n';
@@ -30,20 +32,36 @@ namespace {
 constexpr unsigned kChanges = 40;
 constexpr size_t kMaxSize = 4096;
 
+// Keeps the input that runs: when the process ends in it, the file is still there.
+class InputKeeper {
+  public:
+    explicit InputKeeper(std::string path) : path_(std::move(path)) {}
+
+    void Keep(const std::vector<uint8_t>& input) const {
+        testkit::WriteFile(path_, std::string(input.begin(), input.end()));
+    }
+    void Forget() const { std::filesystem::remove(path_); }
+
+  private:
+    const std::string path_;
+};
+
 // On a copy of just the bytes, so that a read beyond them shows.
-void Run(const std::vector<uint8_t>& input) {
+void Run(const InputKeeper& keeper, const std::vector<uint8_t>& input) {
+    keeper.Keep(input);
     const std::vector<uint8_t> copy(input);
     (void)LLVMFuzzerTestOneInput(copy.data(), copy.size());
+    keeper.Forget();
 }
 
-void RunWithChanges(const std::string& text) {
+void RunWithChanges(const InputKeeper& keeper, const std::string& text) {
     std::vector<uint8_t> input(text.begin(), text.end());
-    Run(input);
+    Run(keeper, input);
     for (unsigned seed = 0; seed < kChanges; ++seed) {
         const size_t size = std::min(input.size(), kMaxSize);
         input.resize(kMaxSize);
         input.resize(LLVMFuzzerCustomMutator(input.data(), size, kMaxSize, seed));
-        Run(input);
+        Run(keeper, input);
     }
 }
 
@@ -55,15 +73,17 @@ int main(int argc, char** argv) {
         return 2;
     }
     LLVMFuzzerInitialize(&argc, &argv);
+    const std::filesystem::path corpus = argv[1];
+    const InputKeeper keeper(VELK_BINARY_DIR "/crash-" + corpus.filename().string() + "-replay");
     std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+    for (const auto& entry : std::filesystem::directory_iterator(corpus)) {
         files.push_back(entry.path());
     }
     std::ranges::sort(files);
     for (const std::string& file : files) {
         printf("%s\n", file.c_str());
-        fflush(stdout);  // the last one named is the one that did not hold
-        RunWithChanges(testkit::ReadFile(file));
+        fflush(stdout);  // the last one named, or a change of it, is the one that did not hold
+        RunWithChanges(keeper, testkit::ReadFile(file));
     }
     return files.empty() ? 1 : 0;
 }

@@ -40,13 +40,15 @@ bool EndsWithServer(std::string_view line) {
     return false;
 }
 
-// `text` stands in the new line where the old one had another, or none.
-bool IsPutIn(const std::string& old_line, const std::string& new_line, const std::string& text) {
+// `text` stands in the new line where the old one had another word, or none.
+bool IsPutIn(std::string_view old_line, std::string_view new_line, std::string_view text) {
     for (size_t at = 0; at + text.size() <= new_line.size(); ++at) {
-        const std::string_view front = std::string_view(new_line).substr(0, at);
-        const std::string_view end = std::string_view(new_line).substr(at + text.size());
-        if (new_line.compare(at, text.size(), text) == 0 && old_line.starts_with(front) &&
-            old_line.ends_with(end) && front.size() + end.size() <= old_line.size()) {
+        const std::string_view front = new_line.substr(0, at);
+        const std::string_view end = new_line.substr(at + text.size());
+        const size_t kept = front.size() + end.size();
+        if (new_line.substr(at, text.size()) == text && kept <= old_line.size() &&
+            old_line.starts_with(front) && old_line.ends_with(end) &&
+            !Has(old_line.substr(at, old_line.size() - kept), " ")) {
             return true;
         }
     }
