@@ -22,15 +22,15 @@ Texts Others(const EditedFile& file, Texts lines) {
     return lines;
 }
 
-std::optional<Texts> LinesOfOthers(const EditedFile& file, const Setting& setting,
-                                   const Texts& lines) {
+bool IsOthers(const std::optional<std::vector<Owner>>& owners, size_t line) {
+    return owners && (*owners)[line] == Owner::kOther;
+}
+
+Texts LinesOfOthers(const EditedFile& file, const Setting& setting, const Texts& lines) {
     const auto owners = OwnersOf(file.path, setting.interface, lines);
-    if (!owners) {
-        return std::nullopt;
-    }
     Texts others;
     for (size_t i = 0; i < lines.size(); ++i) {
-        if ((*owners)[i] == Owner::kOther) {
+        if (IsOthers(owners, i)) {
             others.push_back(lines[i]);
         }
     }
@@ -64,7 +64,8 @@ bool IsSurelyOwn(const EditedFile& file, const std::string& line) {
     return (call + " ").starts_with(file.own[0] + " ");
 }
 
-// On files as the device has them, the interface's lines are as the set told, the others as before.
+// On files as the device has them, the interface's lines are as the set told; with blocks, lines
+// outside of them as before.
 void CheckSwitchedAsTold(const EditedFile& file, const Setting& setting, const Texts& old_lines,
                          const Texts& new_lines) {
     const auto owners = OwnersOf(file.path, setting.interface, old_lines);
@@ -73,10 +74,9 @@ void CheckSwitchedAsTold(const EditedFile& file, const Setting& setting, const T
         return;
     }
     for (size_t i = 0; i < old_lines.size(); ++i) {
-        const bool is_everyones = (*owners)[i] == Owner::kEveryone;
-        if ((*owners)[i] == Owner::kOther || (is_everyones && file.change == Change::kBlock)) {
+        if (file.change == Change::kBlock && (*owners)[i] == Owner::kEveryone) {
             Check(new_lines[i] == old_lines[i], "a line outside of the block is as it was");
-        } else if (IsSurelyOwn(file, old_lines[i])) {
+        } else if (!IsOthers(owners, i) && IsSurelyOwn(file, old_lines[i])) {
             Check(new_lines[i].starts_with('#') != IsOn(file, setting), "a line is switched");
         }
     }
@@ -138,9 +138,10 @@ void CheckOwnLine(const EditedFile& file, const Setting& setting, const std::str
 
 void CheckLineByLine(const EditedFile& file, const Setting& setting, const Texts& old_lines,
                      const Texts& new_lines) {
+    const auto owners = OwnersOf(file.path, setting.interface, old_lines);
     Check(old_lines.size() == new_lines.size(), "there are as many lines as before");
     for (size_t i = 0; i < old_lines.size(); ++i) {
-        if (IsOwn(file, old_lines[i])) {
+        if (IsOwn(file, old_lines[i]) && !IsOthers(owners, i)) {
             CheckOwnLine(file, setting, old_lines[i], new_lines[i]);
         } else {
             Check(old_lines[i] == new_lines[i], "another line is as it was");
@@ -152,6 +153,8 @@ void CheckLineByLine(const EditedFile& file, const Setting& setting, const Texts
 void CheckMoves(const EditedFile& file, const Setting& setting, const Texts& old_lines,
                 const Texts& new_lines) {
     Check(Others(file, old_lines) == Others(file, new_lines), "other lines are as they were");
+    Check(LinesOfOthers(file, setting, old_lines) == LinesOfOthers(file, setting, new_lines),
+          "the other interfaces' lines are as they were");
     for (const std::string& line : new_lines) {
         const bool is_new = std::ranges::find(old_lines, line) == old_lines.end();
         Check(
@@ -188,10 +191,6 @@ void CheckEdit(const EditedFile& file, const Setting& setting, std::string_view 
                std::string_view after) {
     const Texts old_lines = Lines(before);
     const Texts new_lines = Lines(after);
-    if (const auto others = LinesOfOthers(file, setting, old_lines)) {
-        Check(LinesOfOthers(file, setting, new_lines) == others,
-              "what is another interface's is as it was");
-    }
     switch (file.change) {
         case Change::kSwitch:
         case Change::kBlock:
