@@ -86,7 +86,7 @@ std::string SlotsFor(std::string_view text) {
 std::string ScheduleFor(std::string text) {
     constexpr size_t kLongestTime = 100;
     text.resize(std::max<size_t>(text.size(), 2), '0');
-    const char type = text[0] == '9' ? VELK_SCHEDULE_NONE : Byte(text[0]);
+    const char type = text[0] == '9' ? char{VELK_SCHEDULE_NONE} : Byte(text[0]);
     return std::string{type, Byte(text[1])} + text.substr(2, kLongestTime);
 }
 

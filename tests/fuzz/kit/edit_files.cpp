@@ -41,7 +41,7 @@ bool IsOn(const EditedFile& file, const Setting& setting) {
     return setting.data[0] == (file.change == Change::kBlock ? '\2' : '\1');
 }
 
-// One "#" more or less; less for each of the set's commands, which may stand on one line.
+// A "#" more, or one less for each of the set's commands: they may stand on one line.
 bool IsSwitched(std::string old_line, const std::string& new_line, bool is_on, size_t commands) {
     if (!is_on) {
         return new_line == "#" + old_line;
@@ -149,7 +149,7 @@ void CheckLineByLine(const EditedFile& file, const Setting& setting, const Texts
     }
 }
 
-// Own lines come and go; with a value each that comes holds it.
+// Own lines come and go; of a value's, each that comes holds it.
 void CheckMoves(const EditedFile& file, const Setting& setting, const Texts& old_lines,
                 const Texts& new_lines) {
     Check(Others(file, old_lines) == Others(file, new_lines), "other lines are as they were");

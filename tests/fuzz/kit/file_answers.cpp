@@ -39,9 +39,25 @@ Answer Schedule(char type, int value, const std::string& time) {
     return {true, std::string{type, static_cast<char>(value)} + time};
 }
 
-// A statement that names the option nowhere does not ask for it.
-std::optional<Answer> WithoutOption(const std::string& text, std::string_view option) {
-    return Has(text, option) ? std::nullopt : std::optional(OnOff(false));
+// The first request that is the interface's or everyone's, in a statement of one line.
+std::optional<Answer> RequestFrom(const std::string& interface, const std::string& text,
+                                  std::string_view option) {
+    static const std::regex kUsual(R"(\t?request ([a-z-]+, )*[a-z-]+;)");
+    constexpr size_t kLongest = 200;  // what a line of the device may have, and a match may cost
+    const Texts lines = Lines(text);
+    const auto owners = OwnersOf(kDhcpConfig, interface, lines);
+    if (!owners) {
+        return std::nullopt;
+    }
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const bool is_off = lines[i].starts_with('#') && !interface.empty();
+        if ((*owners)[i] == Owner::kOther || is_off || !Has(lines[i], "request")) {
+            continue;
+        }
+        const bool is_usual = lines[i].size() <= kLongest && std::regex_match(lines[i], kUsual);
+        return is_usual ? std::optional(OnOff(Has(lines[i], option))) : std::nullopt;
+    }
+    return OnOff(false);
 }
 
 bool IsComment(const std::string& line, std::string_view word) {
@@ -110,12 +126,12 @@ std::optional<Answer> ScheduleFrom(const std::string& /*interface*/, const Texts
     return std::nullopt;
 }
 
-std::optional<Answer> DhcpNtpFrom(const std::string& /*interface*/, const Texts& texts) {
-    return WithoutOption(texts[0], "ntp-servers");
+std::optional<Answer> DhcpNtpFrom(const std::string& interface, const Texts& texts) {
+    return RequestFrom(interface, texts[0], "ntp-servers");
 }
 
-std::optional<Answer> DhcpDnsFrom(const std::string& /*interface*/, const Texts& texts) {
-    return WithoutOption(texts[0], "domain-name-servers");
+std::optional<Answer> DhcpDnsFrom(const std::string& interface, const Texts& texts) {
+    return RequestFrom(interface, texts[0], "domain-name-servers");
 }
 
 // On when a command of the interface's is not switched off.
