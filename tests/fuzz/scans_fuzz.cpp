@@ -200,21 +200,6 @@ void RunAdapter(const std::vector<std::string>& texts) {
     Check(IsWlanAttached() == 0, "no device, no adapter");
 }
 
-// The tool's first word counts, without one the last of the first log file that has one.
-int LinkIn(const std::string& tool, const std::vector<std::string>& logs) {
-    const std::vector<int> shown = TellingsIn(tool, "Link detected: yes", "Link detected: no");
-    if (!shown.empty()) {
-        return shown.front();
-    }
-    for (const std::string& log : logs) {
-        const std::vector<int> logged = TellingsIn(log, "link up", "link down");
-        if (!logged.empty()) {
-            return logged.back();
-        }
-    }
-    return 0;
-}
-
 // What ethtool shows, and the two log files that count without.
 void RunLink(const std::vector<std::string>& texts) {
     Turn turn;

@@ -1,8 +1,9 @@
 // tool_answers.cpp - what gets are to make of what tools and the kernel tell.
 #include "fuzz/kit/tool_answers.h"
 
-#include <algorithm>
 #include <regex>
+#include <string_view>
+#include <vector>
 
 #include "fuzz/kit/file_answers.h"
 
@@ -46,16 +47,7 @@ std::string AddressOf(const std::string& digits) {
     return address;
 }
 
-}  // namespace
-
-std::optional<Answer> IpAddressFrom(const std::string& interface, const Texts& texts) {
-    return AddressFrom(interface, texts, "address ", "inet addr:");
-}
-
-std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& texts) {
-    return AddressFrom(interface, texts, "netmask ", "Mask:");
-}
-
+// What the text tells, line by line: 1 for `yes`, 0 for `no`.
 std::vector<int> TellingsIn(const std::string& text, std::string_view yes, std::string_view no) {
     std::vector<int> tellings;
     for (const std::string& line : Lines(text)) {
@@ -66,6 +58,30 @@ std::vector<int> TellingsIn(const std::string& text, std::string_view yes, std::
         }
     }
     return tellings;
+}
+
+}  // namespace
+
+std::optional<Answer> IpAddressFrom(const std::string& interface, const Texts& texts) {
+    return AddressFrom(interface, texts, "address ", "inet addr:");
+}
+
+std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& texts) {
+    return AddressFrom(interface, texts, "netmask ", "Mask:");
+}
+
+int LinkIn(const std::string& tool, const Texts& logs) {
+    const std::vector<int> shown = TellingsIn(tool, "Link detected: yes", "Link detected: no");
+    if (!shown.empty()) {
+        return shown.front();
+    }
+    for (const std::string& log : logs) {
+        const std::vector<int> logged = TellingsIn(log, "link up", "link down");
+        if (!logged.empty()) {
+            return logged.back();
+        }
+    }
+    return 0;
 }
 
 // The wired port's alone. The last word on each counts; the tool has each on a line of its own.

@@ -4,8 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "fuzz/kit/answer.h"
 #include "fuzz/kit/lines.h"
@@ -20,8 +18,9 @@ std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& tex
 std::optional<Answer> LinkSpeedFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> GatewayFrom(const std::string& interface, const Texts& routes);
 
-// What the text tells, line by line: 1 for `yes`, 0 for `no`.
-std::vector<int> TellingsIn(const std::string& text, std::string_view yes, std::string_view no);
+// The wired port's link, 1 or 0: the tool's first word counts, without one the last of the first
+// log that has one.
+int LinkIn(const std::string& tool, const Texts& logs);
 
 }  // namespace fuzz
 
