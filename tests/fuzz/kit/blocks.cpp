@@ -22,6 +22,7 @@ enum class Mark {
 const Texts kConfigOpenings = {"interface \"eth0\" {", "interface \"eth1\" {"};
 const Texts kScriptOpenings = {"if [ \"$interface\" = \"eth0\" ]; then",
                                "if [ \"$interface\" = \"eth1\" ]; then"};
+const Texts kKeywords = {"if", "then", "else", "fi"};
 
 bool IsOneOf(const Texts& texts, std::string_view text) {
     return std::ranges::find(texts, text) != texts.end();
@@ -45,7 +46,7 @@ bool HasKeyword(std::string_view line) {
     constexpr std::string_view kSeparators = " \t,;#";
     while (!line.empty()) {
         const std::string_view word = line.substr(0, line.find_first_of(kSeparators));
-        if (IsOneOf({"if", "then", "else", "fi"}, word)) {
+        if (IsOneOf(kKeywords, word)) {
             return true;
         }
         line.remove_prefix(std::min(word.size() + 1, line.size()));

@@ -36,7 +36,7 @@ class Turn {
     _velk_request response{};
 
   private:
-    size_t descriptors_;              // that were open when it began; set before the shell is there
+    std::ptrdiff_t descriptors_;      // that were open when it began; set before the shell is there
     std::vector<std::string> texts_;  // of the requests so far
     testkit::FakeShell shell_;
 };
