@@ -8,6 +8,7 @@
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
 #include "fuzz/kit/server_lines.h"
+#include "support/edit_copy.h"
 #include "velk.h"
 
 namespace fuzz {
@@ -179,8 +180,7 @@ std::string ServersText(const std::string& slots) {
 }  // namespace
 
 std::string CopyOf(const EditedFile& file) {
-    const std::string path = file.path;
-    return file.change == Change::kWhole ? "" : "/var/tmp" + path.substr(path.rfind('/'));
+    return file.change == Change::kWhole ? "" : testkit::CopyOf(file.path);
 }
 
 bool IsPlainlySwitched(const std::string& line) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "fuzz/kit/shell_words.h"
+#include "support/edit_copy.h"
 
 namespace fuzz {
 namespace {
@@ -49,7 +50,7 @@ const std::vector<std::string_view> kSubstitutions = {
 std::set<std::string> AllLines() {
     std::set<std::string> lines(kFixedLines.begin(), kFixedLines.end());
     for (const std::string& file : kEditedFiles) {
-        const std::string copy = "/var/tmp" + file.substr(file.rfind('/'));
+        const std::string copy = testkit::CopyOf(file);
         lines.insert(std::string("cat ").append(copy).append(" > ").append(file));
         lines.insert("rm " + copy);
     }
