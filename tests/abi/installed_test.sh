@@ -4,16 +4,8 @@
 set -u
 build=$1 root=$2 compiler=$3
 here=$(cd "$(dirname "$0")" && pwd)
-failures=0
-
-# check WHAT EXPECTED ACTUAL
-check() {
-    if [ "$2" != "$3" ]; then
-        failures=$((failures + 1))
-        printf 'FAILED: %s\n' "$1"
-        diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") | sed 's/^</expected:/; s/^>/actual:  /'
-    fi
-}
+# shellcheck source=tests/abi/check.sh
+. "$here/check.sh"
 
 install_part() { cmake --install "$build" --prefix "$root/$1" --component "$1" >/dev/null || exit 1; }
 
@@ -50,4 +42,4 @@ done
 run() { env LD_LIBRARY_PATH="$(dirname "$library")" "$@"; }
 run "$root/c99_client" || check 'a program with the installed library' 0 $?
 check 'velkctl' "velkctl $(pkg-config --modversion velk)" "$(run "$moved/bin/velkctl" --version)"
-[ "$failures" -eq 0 ]
+finish

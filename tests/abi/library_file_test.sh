@@ -3,16 +3,8 @@
 set -u
 library=$1
 folder=$(dirname "$0")
-failures=0
-
-# check WHAT EXPECTED ACTUAL
-check() {
-    if [ "$2" != "$3" ]; then
-        failures=$((failures + 1))
-        printf 'FAILED: %s\n' "$1"
-        diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") | sed 's/^</expected:/; s/^>/actual:  /'
-    fi
-}
+# shellcheck source=tests/abi/check.sh
+. "$folder/check.sh"
 
 dynamic() { readelf -dW "$library" | sed -n "s/.*($1).*\[\(.*\)\].*/\1/p"; }
 
@@ -25,4 +17,4 @@ check 'libraries it needs' "$(printf '%s\n' libc.so.6 libgcc_s.so.1 libstdc++.so
     "$(dynamic NEEDED | LC_ALL=C sort)"
 check 'the C door is unmangled' ' T execute_velk_command' \
     "$(nm -D --defined-only "$library" | sed -n 's/^[0-9a-f]*\( T execute_velk_command\).*/\1/p')"
-[ "$failures" -eq 0 ]
+finish
