@@ -226,6 +226,7 @@ TEST_F(TrustTest, NoSecretIsWrittenToAFile) {
 // ---- planted links
 
 TEST_F(TrustTest, ALinkInALocksPlaceIsNotFollowed) {
+    device_.emplace(Scene{});
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
     ASSERT_EQ(chmod("/var/libvelk/victim", 0600), 0);
     for (const char* lock : {kLock, kResultLock}) {

@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pthread.h>
 #include <semaphore.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -24,6 +25,12 @@ constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/WlanAplRecvSem";
 constexpr int kPatience = 3;  // seconds for the library's word that it listens
 
+// Held while a daemon's thread is at work, but not while it waits, and while a process is forked: a
+// child would find the locks of allocator and semaphores taken for good, which that thread holds.
+std::mutex work_or_fork;
+[[maybe_unused]] const int kForksWait = pthread_atfork(
+    [] { work_or_fork.lock(); }, [] { work_or_fork.unlock(); }, [] { work_or_fork.unlock(); });
+
 sockaddr_un AddressOf(const char* path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -32,7 +39,7 @@ sockaddr_un AddressOf(const char* path) {
 }
 
 // Waits until the library says that its reply socket exists; gives up when it does not.
-bool WaitUntilReady(int seconds) {
+bool WaitUntilReady(int seconds, std::unique_lock<std::mutex>& work) {
     sem_t* sem = sem_open(kSemaphore, 0, 0U, 0U);
     if (sem == SEM_FAILED) {
         return false;
@@ -40,7 +47,9 @@ bool WaitUntilReady(int seconds) {
     timespec deadline{};
     clock_gettime(CLOCK_REALTIME, &deadline);
     deadline.tv_sec += seconds;
+    work.unlock();
     const bool posted = sem_timedwait(sem, &deadline) == 0;
+    work.lock();
     sem_close(sem);
     return posted;
 }
@@ -61,6 +70,7 @@ FakeDaemon::FakeDaemon(Turn turn) : turn_(turn) {
         return;
     }
     thread_ = std::thread([this] { Serve(); });
+    serving_.wait(false);  // what starts a thread takes locks as well
 }
 
 void FakeDaemon::ServePending() {
@@ -127,6 +137,8 @@ std::vector<int> FakeDaemon::types() const {
 // Goes on until it is stopped and no request is waiting, so that none is lost.
 void FakeDaemon::Serve() {
     const Unrecorded unrecorded;
+    serving_ = true;
+    serving_.notify_one();
     for (bool is_last = false; !is_last;) {
         is_last = stopping_;  // what was sent before is served
         while (ServeOne(5)) {
@@ -140,13 +152,14 @@ bool FakeDaemon::ServeOne(int patience) {
     if (poll(&waiting, 1, patience) != 1) {
         return false;
     }
+    std::unique_lock work(work_or_fork);
     char buffer[1024];
     const ssize_t size = recv(socket_, buffer, sizeof(buffer), 0);
-    Handle(std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0));
+    Handle(std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0), work);
     return true;
 }
 
-void FakeDaemon::Handle(const std::string& datagram) {
+void FakeDaemon::Handle(const std::string& datagram, std::unique_lock<std::mutex>& work) {
     std::string reply;
     {
         const std::lock_guard guard(mutex_);
@@ -164,7 +177,7 @@ void FakeDaemon::Handle(const std::string& datagram) {
         }
         reply = raw_reply_.value_or(ReplyTo(type));
     }
-    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : kPatience)) {
+    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : kPatience, work)) {
         Reply(reply);
     }
 }

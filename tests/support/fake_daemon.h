@@ -48,7 +48,8 @@ class FakeDaemon {
   private:
     void Serve();
     bool ServeOne(int patience);
-    void Handle(const std::string& datagram);
+    // Lets go of its work's lock while it waits for the library.
+    void Handle(const std::string& datagram, std::unique_lock<std::mutex>& work);
     void Reply(const std::string& bytes);
     std::string ReplyTo(int type) const;
 
@@ -60,6 +61,7 @@ class FakeDaemon {
     std::optional<std::string> raw_reply_;
     bool is_silent_ = false;
     std::vector<std::string> requests_;
+    std::atomic<bool> serving_ = false;
     std::atomic<bool> stopping_ = false;
     std::thread thread_;
 };
