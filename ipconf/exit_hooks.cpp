@@ -86,8 +86,7 @@ int GetApipa(const _velk_request& request, char* out) {
     if (!hooks.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    // The answer unless a line says otherwise. It stands as well when memory runs out at a long
-    // one.
+    // The answer unless a line says otherwise, also when memory runs out at a long one.
     out[0] = VELK_OFF;
     velk::ShellBlocks blocks(velk::kInterfaceVariable, velk::FieldText(request.interface));
     for (std::string_view line; hooks.NextWithNewline(line);) {

@@ -83,8 +83,7 @@ int GetNtpMethod(const _velk_request& /*request*/, char* out) {
         velk::LogErrno("GetNtpMethod ifstream errno=%d:%s", crontab.error());
         return LIB_VELK_FAILURE;
     }
-    // The answer unless a line says otherwise. It stands as well when memory runs out at a long
-    // one.
+    // The answer unless a line says otherwise, also when memory runs out at a long one.
     out[0] = VELK_OFF;
     for (std::string_view line; crontab.Next(line);) {
         const size_t position = line.find(velk::kClient);
