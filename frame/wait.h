@@ -4,7 +4,8 @@
 
 namespace velk {
 
-// Sleeps the whole time, also when signals of the host program interrupt sleep(3).
+// Sleeps the whole time, measured by the monotonic clock. One sleep(3) call as a rule; the rest of
+// one that a signal of the host program interrupts is waited for until the deadline.
 void WaitSeconds(unsigned seconds);
 
 }  // namespace velk

@@ -111,6 +111,7 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kSemUnlink:
         case Call::kSleep:  // these three cannot fail
         case Call::kNanosleep:
+        case Call::kClockNanosleep:
         case Call::kSyslog:
             return Notice::kNone;
         case Call::kWrite:

@@ -278,6 +278,14 @@ int nanosleep(const timespec* pause, timespec* rest) {
     });
 }
 
+int clock_nanosleep(clockid_t clock, int flags, const timespec* time, timespec* rest) {
+    return Answer({Call::kClockNanosleep, "", "clock_nanosleep", flags}, [&] {
+        static auto* real =
+            Real<int (*)(clockid_t, int, const timespec*, timespec*)>("clock_nanosleep");
+        return real(clock, flags, time, rest);
+    });
+}
+
 int system(const char* command) {
     return Answer({Call::kSystem, command == nullptr ? "" : command, "system"}, [&] {
         static auto* real = Real<int (*)(const char*)>("system");
@@ -286,7 +294,10 @@ int system(const char* command) {
 }
 
 unsigned sleep(unsigned seconds) {
-    return Answer({Call::kSleep, std::to_string(seconds), "sleep"}, [] { return 0U; });
+    return Answer({Call::kSleep, std::to_string(seconds), "sleep"}, [&] {
+        static auto* real = Real<unsigned (*)(unsigned)>("sleep");
+        return LibcRecorder::Get().sleeps_for_real() ? real(seconds) : 0U;
+    });
 }
 
 void vsyslog(int priority, const char* format, va_list arguments) {

@@ -37,6 +37,7 @@ void LibcRecorder::Reset() {
     observer_ = nullptr;
     fault_.reset();
     never_waits_ = false;
+    sleeps_for_real_ = false;
 }
 
 void LibcRecorder::ForgetEvents() {
@@ -91,6 +92,16 @@ void LibcRecorder::NeverWait() {
 bool LibcRecorder::never_waits() const {
     const std::lock_guard guard(mutex_);
     return never_waits_;
+}
+
+void LibcRecorder::SleepForReal() {
+    const std::lock_guard guard(mutex_);
+    sleeps_for_real_ = true;
+}
+
+bool LibcRecorder::sleeps_for_real() const {
+    const std::lock_guard guard(mutex_);
+    return sleeps_for_real_;
 }
 
 void LibcRecorder::Redirect(const std::string& path, const std::string& other) {

@@ -2,8 +2,8 @@
 //
 // The test executable defines system(3), sleep(3), syslog(3), open(2) and their kin itself, and the
 // dynamic linker prefers the executable's definitions. Every call passes through to libc unless a
-// test scripts it, with two exceptions: sleep(3) returns at once, and a log line is kept but never
-// sent, so that the machine's own log stays as it is.
+// test scripts it, with two exceptions: sleep(3) returns at once unless SleepForReal() was called,
+// and a log line is kept but never sent, so that the machine's own log stays as it is.
 #ifndef TESTS_SUPPORT_LIBC_RECORDER_H_
 #define TESTS_SUPPORT_LIBC_RECORDER_H_
 
@@ -44,6 +44,7 @@ enum class Call {
     kSystem,
     kSleep,
     kNanosleep,
+    kClockNanosleep,
     kSyslog
 };
 
@@ -106,6 +107,10 @@ class LibcRecorder {
     void NeverWait();
     bool never_waits() const;
 
+    // From now on sleep(3) takes its time, and signals interrupt it.
+    void SleepForReal();
+    bool sleeps_for_real() const;
+
     // Opens of this path open the other one instead: for files that only the kernel can write.
     void Redirect(const std::string& path, const std::string& other);
 
@@ -148,6 +153,7 @@ class LibcRecorder {
     std::function<void(const Event&)> observer_;
     std::optional<Fault> fault_;
     bool never_waits_ = false;
+    bool sleeps_for_real_ = false;
 };
 
 // While it lives, the calling thread's calls pass through unseen: for a test's own helpers.

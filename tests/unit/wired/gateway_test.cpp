@@ -109,6 +109,12 @@ TEST_F(GatewayTest, LinesThatAreNoRoutesAreSkipped) {
     EXPECT_EQ(GetFrom("eth0\t00000000\t" + std::string(10 * 1024, '0')), "0.0.0.0");
 }
 
+TEST_F(GatewayTest, AGatewayMayBeginWith0x) {
+    EXPECT_EQ(GetFrom(Route("eth0", "00000000", "0x0100A8C0")), "192.168.0.1");
+    EXPECT_EQ(GetFrom(Route("eth0", "00000000", "0XFE00000A")), "10.0.0.254");
+    EXPECT_EQ(GetFrom(Route("eth0", "00000000", "0x123456789")), "unchanged");
+}
+
 TEST_F(GatewayTest, ANameWithoutANulEndsAtItsField) {
     EXPECT_EQ(GetFrom(Route("eth0eth0eth0eth0", "00000000", "0100A8C0"), "eth0eth0eth0eth0"),
               "192.168.0.1");
