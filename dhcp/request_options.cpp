@@ -78,7 +78,7 @@ std::string RequestLines::Edit(std::string_view line, const std::string& option,
 
 int GetDhcpServer(const std::string& nic, const std::string& option, bool& requested,
                   bool comment_aware) {
-    velk::LineReader config(velk::kDhcpConfigFile);
+    velk::LineReader config = velk::LineReader::OfFileNeverEmpty(velk::kDhcpConfigFile);
     if (!config.is_open()) {
         return LIB_VELK_FAILURE;
     }

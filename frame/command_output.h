@@ -6,33 +6,21 @@
 #include <string_view>
 
 #include "frame/line_reader.h"
+#include "frame/readers_turn.h"
+#include "frame/result_file.h"
 #include "frame/shell.h"
-#include "frame/unique_fd.h"
 
 namespace velk {
 
-// The file that every command line with output is redirected into; one name for all readers.
-constexpr char kResultFile[] = "/var/tmp/get_result";
-
-// Keeps two readers of the result file apart, so that neither reads the other's output. Gets run
-// without the set/restart lock, so this is a lock of their own: advisory, waited for at most a few
-// seconds and then done without, because a stale answer beats a device that no longer answers.
-class ResultFileLock {
-  public:
-    ResultFileLock();
-
-  private:
-    UniqueFd fd_;
-};
-
-// What one command line printed, from running it to removing the result file. A command line that
-// fails is not noticed: an empty result is all that tells.
+// The output of one command line, from running it to removing the result file. A command line that
+// fails is not noticed: its output is empty.
 class CommandOutput {
   public:
     // The line must redirect its output into kResultFile.
     explicit CommandOutput(const CommandLine& command);
 
-    // 0, or why the shell was not run, as CommandLine::Run() says it.
+    // 0, or why the shell was not run, as CommandLine::Run() says it. 0 also where the line was not
+    // run because the result file cannot be the caller's own.
     int run_result() const { return run_result_; }
     // The result file is there and can be read.
     bool is_open() const { return reader_.has_value() && reader_->is_open(); }
@@ -45,9 +33,11 @@ class CommandOutput {
     void Remove();
 
   private:
-    ResultFileLock lock_;
-    const int run_result_;
+    int Run(const CommandLine& command);
+
+    const ReadersTurn turn_;
     std::optional<LineReader> reader_;
+    const int run_result_;
 };
 
 }  // namespace velk

@@ -4,10 +4,15 @@
 #include <cerrno>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "frame/caller.h"
 #include "frame/file_io.h"
+#include "frame/lock.h"
 #include "frame/log.h"
+#include "frame/shell.h"
+#include "frame/target_guard.h"
 #include "velk.h"
 
 namespace velk {
@@ -15,6 +20,8 @@ namespace {
 
 constexpr char kCopyFolder[] = "/var/tmp/";
 constexpr mode_t kCopyMode = 0600;  // nobody else changes it, or reads a crontab in it
+// The real user's shell has to read it where the effective user is another.
+constexpr mode_t kCopyModeForTwoUsers = 0644;
 
 // Texts up to this size are gathered before they are written, so that a file of usual size is
 // written at once. Longer ones, runs of kept lines, are written from where they are.
@@ -24,8 +31,13 @@ std::string CopyPath(const std::string& target) {
     return kCopyFolder + target.substr(target.rfind('/') + 1);
 }
 
+// Its mode is the same whatever the umask: cat(1) must be able to read it.
 int CreateCopy(const std::string& path) {
-    return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kCopyMode);
+    const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCopyMode);
+    if (fd != -1) {
+        (void)fchmod(fd, HasTwoUsers() ? kCopyModeForTwoUsers : kCopyMode);
+    }
+    return fd;
 }
 
 // A new file always. Everybody may write the folder: what lies there already may be a link to any
@@ -89,15 +101,45 @@ int FileEdit::Finish() {
     EndRun();
     Flush();
     reader_.Close();
-    if (copy_.Reset() == -1 && write_error_ == 0) {
-        write_error_ = errno;
-    }
+    const UniqueFd whole_copy = CloseCopy();
     if (write_error_ != 0) {
         LogErrno("FileEdit write errno=%d:%s", write_error_);
         (void)unlink(copy_path_.c_str());  // half an edit is of no use, and the folder may be full
         return LIB_VELK_FAILURE;
     }
-    (void)FileCopyAndDelete(copy_path_, target_);
+    return PutInPlace(whole_copy.get());
+}
+
+// Closes the edit copy, which may show that it was not written in full. Returns another descriptor
+// of it: the text can be read through that whatever becomes of the name.
+UniqueFd FileEdit::CloseCopy() {
+    UniqueFd kept(fcntl(copy_.get(), F_DUPFD_CLOEXEC, 0));
+    const bool is_kept = kept.get() != -1;
+    if ((!is_kept || copy_.Reset() == -1) && write_error_ == 0) {
+        write_error_ = errno;
+    }
+    copy_.Reset();
+    return kept;
+}
+
+// The lines of FileCopyAndDelete(), with a look at the file between them.
+int FileEdit::PutInPlace(int whole_copy) {
+    const CommandLine copying = CopyingLine(copy_path_, target_);
+    TargetGuard guard(target_, whole_copy);
+    const InheritedLock lock;
+    (void)copying.Run();
+    if (const int error = guard.Mend(); error != 0) {
+        LogErrno("FileEdit mend errno=%d:%s", error);
+        return LIB_VELK_FAILURE;  // the edit copy has the only whole text, and stays
+    }
+    if (!copying.fits()) {
+        return LIB_VELK_SUCCESS;
+    }
+    (void)RemovingLine(copy_path_).Run();
+    if (guard.has_mended()) {
+        Log("FileEdit mended %s", target_.c_str());
+        (void)unlink(copy_path_.c_str());  // the line that removes it may have failed as well
+    }
     return LIB_VELK_SUCCESS;
 }
 

@@ -38,12 +38,16 @@ class FileEdit {
     // Adds any text to the edit copy as it stands.
     void Write(std::string_view text);
 
-    // Closes both files and puts the edit copy in place. Returns LIB_VELK_SUCCESS, whatever became
-    // of the copying; LIB_VELK_FAILURE, after logging it, when the edit copy could not be written
-    // in full: it is removed and the file left as it was.
+    // Closes both files and puts the edit copy in place. A file that the copying has cut is mended.
+    // Returns LIB_VELK_SUCCESS also where nothing was copied and the file is as it was.
+    // LIB_VELK_FAILURE, after logging it, when the edit copy could not be written in full: it is
+    // removed and the file left as it was; and when a cut file could not be mended: the edit copy
+    // stays.
     int Finish();
 
   private:
+    UniqueFd CloseCopy();
+    int PutInPlace(int whole_copy);
     void EndRun();
     void Add(std::string_view text);
     void WriteOut(std::string_view text);

@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -19,9 +22,18 @@ namespace {
 constexpr size_t kFirstSize = 4 * 1024;
 constexpr size_t kBlockSize = 64 * 1024;  // for files that are larger
 
+// The shell empties a file before it starts cat(1), which writes the new text: about a millisecond.
+constexpr std::chrono::milliseconds kPauseForText{1};
+constexpr int kPausesForText = 50;
+
 }  // namespace
 
-LineReader::LineReader(const char* path) : fd_(open(path, O_RDONLY | O_CLOEXEC)) {
+LineReader::LineReader(const char* path)
+    : LineReader(UniqueFd(open(path, O_RDONLY | O_CLOEXEC)), SIZE_MAX) {
+}
+
+LineReader::LineReader(UniqueFd fd, size_t longest_line)
+    : fd_(std::move(fd)), longest_line_(longest_line) {
     if (fd_.get() == -1) {
         error_ = errno;
         at_end_ = true;
@@ -30,10 +42,24 @@ LineReader::LineReader(const char* path) : fd_(open(path, O_RDONLY | O_CLOEXEC))
     // Not value-initialised: a get must not pay for clearing memory that read(2) fills.
     block_.reset(new char[kFirstSize]);
     size_ = kFirstSize;
+    ReadFirstBlock();
+}
+
+LineReader LineReader::OfFileNeverEmpty(const char* path) {
+    LineReader reader(path);
+    for (int pause = 0; reader.is_empty() && pause < kPausesForText; ++pause) {
+        std::this_thread::sleep_for(kPauseForText);
+        reader.ReadFirstBlock();
+    }
+    return reader;
+}
+
+void LineReader::ReadFirstBlock() {
+    at_end_ = false;
     if (!Fill()) {
         error_ = errno;
-        is_empty_ = error_ == 0;
     }
+    is_empty_ = at_end_ && error_ == 0;
 }
 
 bool LineReader::Next(std::string_view& line) {
@@ -79,6 +105,11 @@ std::string_view LineReader::TakeHeldUpTo(std::string_view start) {
 bool LineReader::NextFromFile(std::string_view& line) {
     for (;;) {
         const size_t held = end_ - begin_;
+        if (held >= longest_line_) {
+            at_end_ = true;
+            begin_ = end_;
+            return false;
+        }
         if (at_end_ || !Fill()) {
             return TakeRest(line);
         }

@@ -21,6 +21,13 @@ class LineReader {
     // Opens the file close-on-exec and reads its first block. A file that opens but cannot be read
     // (a directory) counts as not opened.
     explicit LineReader(const char* path);
+    // Reads from an open file. A line that has more than `longest_line` bytes,
+    // its newline among them, ends the file before it. At least the size of a block, 64 KB.
+    LineReader(UniqueFd fd, size_t longest_line);
+
+    // Opens a file that is never empty but for the moment in which a set replaces its text: an
+    // empty one is read again for up to 50 ms.
+    static LineReader OfFileNeverEmpty(const char* path);
 
     bool is_open() const { return error_ == 0; }
     // The errno of the failed open or first read; 0 when the file is open.
@@ -45,6 +52,7 @@ class LineReader {
     void Close() { fd_.Reset(); }
 
   private:
+    void ReadFirstBlock();
     bool NextFromFile(std::string_view& line);
     bool TakeLine(size_t searched, std::string_view& line);
     bool TakeRest(std::string_view& line);
@@ -52,6 +60,7 @@ class LineReader {
     void MakeRoom();
 
     UniqueFd fd_;
+    size_t longest_line_;
     int error_ = 0;
     bool is_empty_ = false;
     bool at_end_ = false;

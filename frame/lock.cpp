@@ -1,4 +1,7 @@
 // lock.cpp - the inter-process lock around set and restart commands.
+#include "frame/lock.h"
+
+#include <atomic>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -42,7 +45,36 @@ UniqueFd OpenLockFile() {
     return CreateLockFile();
 }
 
+// Of the process: the lock has one holder at a time.
+std::atomic<int> command_lock = -1;
+
 }  // namespace
+
+CommandLock::CommandLock(int lock) : fd_(lock) {
+    if (held()) {
+        command_lock = fd_;
+    }
+}
+
+CommandLock::~CommandLock() {
+    if (held()) {
+        command_lock = -1;
+        VkLibUnLock(fd_);
+    }
+}
+
+InheritedLock::InheritedLock() : fd_(command_lock) {
+    if (fd_ != -1) {
+        (void)fcntl(fd_, F_SETFD, 0);
+    }
+}
+
+InheritedLock::~InheritedLock() {
+    if (fd_ != -1) {
+        (void)fcntl(fd_, F_SETFD, FD_CLOEXEC);
+    }
+}
+
 }  // namespace velk
 
 int VkLibLock() {

@@ -9,19 +9,29 @@ namespace velk {
 class CommandLock {
   public:
     // Owns what VkLibLock() returned.
-    explicit CommandLock(int lock) : fd_(lock) {}
+    explicit CommandLock(int lock);
     CommandLock(const CommandLock&) = delete;
     CommandLock& operator=(const CommandLock&) = delete;
-    ~CommandLock() {
-        if (held()) {
-            VkLibUnLock(fd_);
-        }
-    }
+    ~CommandLock();
 
     bool held() const { return fd_ > 0; }
     // The result for the caller when it is not held; 0 is no error code and must not pass for
     // success.
     int refusal() const { return fd_ == 0 ? LIB_VELK_INVALID_PARAMETER : fd_; }
+
+  private:
+    const int fd_;
+};
+
+// While it lives, programs that are started inherit the lock that a CommandLock of this process
+// holds. A caller that is killed then leaves the lock to the tool that still copies a file, and
+// nobody edits that file before the tool has ended.
+class InheritedLock {
+  public:
+    InheritedLock();
+    InheritedLock(const InheritedLock&) = delete;
+    InheritedLock& operator=(const InheritedLock&) = delete;
+    ~InheritedLock();
 
   private:
     const int fd_;

@@ -27,6 +27,14 @@ int CommandLine::Run() const {
     return SystemCommand(text_);
 }
 
+CommandLine CopyingLine(const std::string& source, const std::string& target) {
+    return CommandLine("cat %s > %s", source.c_str(), target.c_str());
+}
+
+CommandLine RemovingLine(const std::string& source) {
+    return CommandLine("rm %s", source.c_str());
+}
+
 }  // namespace velk
 
 int SystemCommand(const char* command) {
@@ -38,10 +46,10 @@ int SystemCommand(const char* command) {
 }
 
 int FileCopyAndDelete(const std::string& source, const std::string& target) {
-    const velk::CommandLine copy("cat %s > %s", source.c_str(), target.c_str());
-    const int copied = copy.Run();
-    if (!copy.fits()) {
+    const velk::CommandLine copying = velk::CopyingLine(source, target);
+    const int copied = copying.Run();
+    if (!copying.fits()) {
         return copied;  // never remove an edit that could not even be tried
     }
-    return velk::CommandLine("rm %s", source.c_str()).Run();
+    return velk::RemovingLine(source).Run();
 }

@@ -3,6 +3,7 @@
 #define VELK_FRAME_SHELL_H_
 
 #include <cstddef>
+#include <string>
 
 namespace velk {
 
@@ -22,6 +23,10 @@ class CommandLine {
     char text_[256];
     int length_;  // that the line would have
 };
+
+// The two lines that put an edit copy in place, in this order.
+CommandLine CopyingLine(const std::string& source, const std::string& target);
+CommandLine RemovingLine(const std::string& source);
 
 }  // namespace velk
 

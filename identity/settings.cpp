@@ -72,7 +72,7 @@ int GetSettingFile(const _velk_request& request, char* out) {
         velk::Log("LIB_VELK_INVALID_PARAMETER = %d", static_cast<int>(request.command_id));
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader file(velk::kSettingsFile);
+    velk::LineReader file = velk::LineReader::OfFileNeverEmpty(velk::kSettingsFile);
     if (!file.is_open()) {
         velk::LogErrno("GetSettingFile ifstream errno=%d:%s", file.error());
         return LIB_VELK_FAILURE;

@@ -82,7 +82,7 @@ int GetApipa(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::LineReader hooks(velk::kExitHooks);
+    velk::LineReader hooks = velk::LineReader::OfFileNeverEmpty(velk::kExitHooks);
     if (!hooks.is_open()) {
         return LIB_VELK_FAILURE;
     }

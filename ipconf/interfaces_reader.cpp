@@ -24,7 +24,8 @@ int MethodNamed(std::string_view text) {
 // An interface's first stanza; later ones of the same interface are never looked at.
 class Stanza {
   public:
-    explicit Stanza(std::string_view interface) : file_(kInterfacesFile) {
+    explicit Stanza(std::string_view interface)
+        : file_(LineReader::OfFileNeverEmpty(kInterfacesFile)) {
         for (std::string_view line; file_.Next(line);) {
             if (const size_t length = HeaderLength(line, interface); length != 0) {
                 method_ = MethodNamed(line.substr(length));

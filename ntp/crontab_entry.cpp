@@ -78,7 +78,7 @@ int GetNtpMethod(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab(velk::kCrontab);
+    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
     if (!crontab.is_open()) {
         velk::LogErrno("GetNtpMethod ifstream errno=%d:%s", crontab.error());
         return LIB_VELK_FAILURE;
@@ -115,7 +115,7 @@ int GetNtpIp(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab(velk::kCrontab);
+    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
     if (!crontab.is_open()) {
         return LIB_VELK_FAILURE;
     }

@@ -187,7 +187,7 @@ int GetWebUp(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab(velk::kCrontab);
+    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
     if (!crontab.is_open()) {
         return LIB_VELK_FAILURE;
     }

@@ -1,6 +1,6 @@
 // gateway.cpp - reads the default gateway from the routing table and replaces it with route(8).
+#include <charconv>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,13 +29,16 @@ std::optional<in_addr> DefaultGatewayOn(std::string_view line) {
     if (TakeWord(line) != kDefaultDestination) {
         return std::nullopt;
     }
-    const std::string gateway(TakeWord(line));
-    char* end = nullptr;
-    const unsigned long long address = strtoull(gateway.c_str(), &end, 16);  // "0x" is allowed
-    if (end == gateway.c_str() || address > UINT32_MAX) {
+    std::string_view gateway = TakeWord(line);
+    if (gateway.starts_with("0x") || gateway.starts_with("0X")) {
+        gateway.remove_prefix(2);
+    }
+    uint32_t address = 0;
+    const auto parsed = std::from_chars(gateway.begin(), gateway.end(), address, 16);
+    if (parsed.ec != std::errc()) {
         return std::nullopt;
     }
-    return in_addr{static_cast<in_addr_t>(address)};
+    return in_addr{address};
 }
 
 }  // namespace

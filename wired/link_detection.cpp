@@ -2,8 +2,16 @@
 #include <optional>
 #include <string_view>
 
+#include <fcntl.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include "frame/command_output.h"
+#include "frame/data_area.h"
 #include "frame/log.h"
+#include "frame/unique_fd.h"
 #include "frame/wait.h"
 #include "frame/words.h"
 #include "velk.h"
@@ -62,6 +70,21 @@ std::optional<int> LinkFromLogFile(int number) {
     return linked;
 }
 
+// False on a device whose /var/tmp is read-only or missing: no tool can tell anything there.
+bool CanToolsLeaveResults() {
+    return faccessat(AT_FDCWD, "/var/tmp", W_OK, AT_EACCESS) == 0;
+}
+
+// The kernel's own flag, see netdevice(7). The wireless interface must stay unused while the cable
+// is in, also where tools cannot tell of it.
+int LinkFromKernel() {
+    const UniqueFd fd(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    ifreq ifr{};
+    PutFieldText(ifr.ifr_name, VELK_WIRED_INTERFACE);
+    const bool is_known = fd.get() != -1 && ioctl(fd.get(), SIOCGIFFLAGS, &ifr) == 0;
+    return is_known && (ifr.ifr_flags & IFF_RUNNING) != 0 ? 1 : 0;
+}
+
 }  // namespace
 }  // namespace velk
 
@@ -73,7 +96,8 @@ int IsWiredLinked() {
         velk::WaitSeconds(1);
     }
     velk::Log("(ETHTOOL_RETRY - 1) == i)");
-    return IsWiredLinkedFromSyslog();
+    const int linked = IsWiredLinkedFromSyslog();
+    return velk::CanToolsLeaveResults() ? linked : velk::LinkFromKernel();
 }
 
 int IsWiredLinkedFromSyslog() {

@@ -22,11 +22,11 @@ words='
         while kill -0 $own 2>/dev/null; do sleep 0.01; done
         wland --background --reply "$@"
     }
-    # What is left that a query, a tool or an edit leaves, if any; the locks always stay.
+    # What is left that a query, a tool or an edit leaves, if any; the lock always stays.
     left() {
         for path in /tmp/WlanAplFromWlanSock /dev/shm/sem.WlanAplRecvSem /var/tmp/*; do
             case $path in
-                */get_result_lock | */vklib_lock | */\*) ;;
+                */vklib_lock | */\*) ;;
                 *) [ ! -e "$path" ] || echo "left: $path" ;;
             esac
         done

@@ -57,7 +57,7 @@ const std::vector<LoggedCall>& CallLog::Calls(Call call) const {
     return found == calls_.end() ? none : found->second;
 }
 
-LoggedCall CallLog::Describe(const testkit::Event& event) const {
+LoggedCall CallLog::Describe(const testkit::Event& event) {
     LoggedCall call;
     call.number = event.number;
     if (event.call == Call::kSystem) {
@@ -66,8 +66,14 @@ LoggedCall CallLog::Describe(const testkit::Event& event) const {
     }
     if (event.call == Call::kOpen) {
         call.file = event.text;
+        closed_.erase(call.file);
+    } else if (event.call == Call::kWrite) {
+        call.file = FileOf(event.number);
     } else if (HasFile(event.call)) {
         call.file = FileOf(std::stoi(event.text));
+    }
+    if (event.call == Call::kClose) {
+        call.is_first = closed_.insert(call.file).second;
     }
     if (call.file == kResultFile) {
         call.line = printing_line_;

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,7 @@ struct LoggedCall {
     std::string file;      // that it opens, or has open
     std::string line;      // the shell line it runs, or that printed the file of results it reads
     int number = 0;        // as in testkit::Event
-    bool is_first = true;  // of the reads of one open file
+    bool is_first = true;  // of the reads of one open file, or of the closes since its last open
     // For a read in the middle of a file: what was read of the file before.
     std::optional<std::string> read_before;
 };
@@ -28,11 +29,12 @@ class CallLog {
     const std::vector<LoggedCall>& Calls(testkit::Call call) const;
 
   private:
-    LoggedCall Describe(const testkit::Event& event) const;
+    LoggedCall Describe(const testkit::Event& event);
     std::string FileOf(int fd) const;
 
     std::map<testkit::Call, std::vector<LoggedCall>> calls_;
     std::map<int, std::string> open_files_;
+    std::set<std::string> closed_;
     std::string opened_last_;
     std::string printing_line_;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <span>
 
+#include <fcntl.h>
 #include <sys/file.h>
 
 #include "fault/paths.h"
@@ -41,10 +42,11 @@ Notice NoticeOfUnreadable(const LoggedCall& call, const Fault& fault) {
     return AsksForTheLink(call.line) ? NoticeOfLinkTool(fault) : Notice::kTold;
 }
 
-// The lock's file is opened once more, to make it, when it cannot be opened. A get that cannot have
-// the lock of the results goes on without it.
+// The lock's file is opened once more, to make it, when it cannot be opened. A get goes on where it
+// cannot open the folder for its turn, or cannot make the file of results before the shell does.
 Notice NoticeOfOpen(const LoggedCall& call, const Fault& fault) {
-    if (call.file == kResultLock) {
+    const bool is_made = call.file == kResultFile && (call.number & O_CREAT) != 0;
+    if (call.file == kScratchFolder || is_made) {
         return Notice::kNone;
     }
     const bool is_first = fault.number == 1 && fault.reach == testkit::Reach::kThatOne;
@@ -58,11 +60,12 @@ Notice NoticeOfRead(const LoggedCall& call, const Fault& fault) {
     return call.read_before ? Notice::kCut : Notice::kNone;
 }
 
-// What the kernel could not write earlier, it may tell at the close.
+// The kernel may tell at the close that it could not write earlier. An edit copy is closed a second
+// time when its text has been put in place.
 Notice NoticeOfClose(const LoggedCall& call, const _velk_request& request) {
-    const bool is_written =
-        IsEditCopy(call.file) || (call.file == kResolverFile && request.command_type == VELK_SET);
-    return is_written ? Notice::kTold : Notice::kNone;
+    const bool is_edited = IsEditCopy(call.file) && call.is_first;
+    const bool is_resolver = call.file == kResolverFile && request.command_type == VELK_SET;
+    return is_edited || is_resolver ? Notice::kTold : Notice::kNone;
 }
 
 // With `is_told`, system(3) itself says that it failed; without, a shell seems to have run.
@@ -115,6 +118,7 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kSyslog:
             return Notice::kNone;
         case Call::kWrite:
+            return call.file == kResultFile ? Notice::kNone : Notice::kTold;
         case Call::kSocket:  // from here on the steps of a talk with the wireless daemon
         case Call::kConnect:
         case Call::kBind:
@@ -200,8 +204,7 @@ bool MayBeLeft(const std::string& path, const Fault& fault, const Reference& ref
 }
 
 bool IsEditCopy(const std::string& path) {
-    return path.starts_with("/var/tmp/") && path != kLock && path != kResultLock &&
-           path != kResultFile;
+    return path.starts_with("/var/tmp/") && path != kLock && path != kResultFile;
 }
 
 }  // namespace fault

@@ -7,7 +7,7 @@ namespace fault {
 inline constexpr char kInterfaces[] = "/etc/network/interfaces";
 inline constexpr char kLock[] = "/var/tmp/vklib_lock";
 inline constexpr char kResultFile[] = "/var/tmp/get_result";
-inline constexpr char kResultLock[] = "/var/tmp/get_result_lock";
+inline constexpr char kScratchFolder[] = "/var/tmp";
 inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";

@@ -39,8 +39,8 @@ std::vector<EditCopy> CutEdits(const Command& command) {
 }
 
 void RemoveToolOutput() {
-    // Without O_CREAT: where nobody has ever read a tool's output, there is none.
-    const velk::UniqueFd lock(open(kResultLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+    // Readers of a tool's output take turns by a lock on the folder.
+    const velk::UniqueFd lock(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (lock.get() != -1 && flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
         (void)unlink(kResultFile);
     }

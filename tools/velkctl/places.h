@@ -3,7 +3,7 @@
 #define VELKCTL_PLACES_H_
 
 #include "dhcp/config_blocks.h"
-#include "frame/command_output.h"
+#include "frame/result_file.h"
 #include "frame/crontab.h"
 #include "ipconf/interfaces_file.h"
 
@@ -27,9 +27,8 @@ inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
 // Where files are changed in a copy before they are changed themselves.
 inline constexpr char kEditFolder[] = "/var/tmp";
 
-// The output of a tool, and what keeps two readers of it apart.
+// The output of a tool. Two readers of it are kept apart by a lock on the folder.
 using velk::kResultFile;
-inline constexpr char kResultLockFile[] = "/var/tmp/get_result_lock";
 
 // Keeps two changes apart.
 inline constexpr char kLockFile[] = "/var/tmp/vklib_lock";

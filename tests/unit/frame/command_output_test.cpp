@@ -2,12 +2,12 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,14 +21,20 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
 using testkit::MakeRequest;
+using testkit::Pass;
 using testkit::Return;
 using velk::CommandLine;
 using velk::CommandOutput;
 
-constexpr char kLockFile[] = "/var/tmp/get_result_lock";
-
 class CommandOutputTest : public testkit::DeviceTest {
   protected:
+    static std::vector<std::string> FilesIn(const char* folder) {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename());
+        }
+        return names;
+    }
     static std::vector<std::string> LinesOf(CommandOutput& output) {
         std::vector<std::string> lines;
         for (std::string_view line; output.Next(line);) {
@@ -74,9 +80,9 @@ TEST_F(CommandOutputTest, ALineThatDoesNotFitIsNotRun) {
     EXPECT_FALSE(output.is_open());
 }
 
-TEST_F(CommandOutputTest, TheReadersLockIsHeldUntilTheEnd) {
+TEST_F(CommandOutputTest, TheTurnIsHeldUntilTheEnd) {
     const auto is_locked = [] {
-        const velk::UniqueFd fd(open(kLockFile, O_RDWR | O_CLOEXEC));
+        const velk::UniqueFd fd(open("/var/tmp", O_RDONLY | O_CLOEXEC));
         return flock(fd.get(), LOCK_EX | LOCK_NB) == -1;
     };
     bool locked_while_running = false;
@@ -93,75 +99,56 @@ TEST_F(CommandOutputTest, TheReadersLockIsHeldUntilTheEnd) {
     EXPECT_FALSE(is_locked());
 }
 
-TEST_F(CommandOutputTest, TheLockFileIsForEveryUserAndCloseOnExec) {
-    const mode_t saved = umask(077);
+TEST_F(CommandOutputTest, NothingButTheResultIsLeftInTheFolder) {
     { const CommandOutput output(CommandLine("true > %s", velk::kResultFile)); }
-    umask(saved);
-    struct stat status {};
-    ASSERT_EQ(stat(kLockFile, &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0666U);
-    for (const testkit::Event& event : libc().Events(Call::kOpen)) {
-        EXPECT_NE(event.number & O_CLOEXEC, 0) << event.text;
-    }
+    EXPECT_THAT(FilesIn("/var/tmp"), ElementsAre("get_result"));
+    CommandOutput(CommandLine("true > %s", velk::kResultFile)).Remove();
+    EXPECT_THAT(FilesIn("/var/tmp"), IsEmpty());
 }
 
-TEST_F(CommandOutputTest, AChildThatIsLeftRunningDoesNotHoldTheLock) {
-    {
-        const CommandOutput output(
-            CommandLine("sleep 5 >/dev/null 2>&1 & true > %s", velk::kResultFile));
-    }
-    const velk::UniqueFd fd(open(kLockFile, O_RDWR | O_CLOEXEC));
-    EXPECT_EQ(flock(fd.get(), LOCK_EX | LOCK_NB), 0);
-}
-
-TEST_F(CommandOutputTest, SignalsDoNotShortenTheWaitForTheLock) {
-    const velk::UniqueFd holder(open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-    ASSERT_EQ(flock(holder.get(), LOCK_EX), 0);
-    libc().ScriptAlways(Call::kNanosleep, Return(0));
-    libc().Script(Call::kNanosleep, {Fail(EINTR), Fail(EINTR)});
+TEST_F(CommandOutputTest, AShellThatDoesNotRunLeavesNothing) {
+    libc().Script(Call::kSystem, {Return(127 << 8)});
     const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
-    EXPECT_EQ(libc().Texts(Call::kNanosleep).size(), 302U);
+    EXPECT_EQ(output.run_result(), 0);
+    EXPECT_FALSE(output.is_open());
+    EXPECT_THAT(FilesIn("/var/tmp"), IsEmpty());
 }
 
-TEST_F(CommandOutputTest, AHeldLockIsWaitedForAFewSecondsAndThenDoneWithout) {
-    const velk::UniqueFd holder(open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-    ASSERT_EQ(flock(holder.get(), LOCK_EX), 0);
-    libc().ScriptAlways(Call::kNanosleep, Return(0));
-    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
-    EXPECT_THAT(LinesOf(output), ElementsAre("here"));
-    EXPECT_EQ(libc().Events(Call::kNanosleep).size(), 300U) << "of 10 ms: 3 seconds";
-    EXPECT_EQ(libc().Events(Call::kNanosleep)[0].text, "10000000");
+TEST_F(CommandOutputTest, AShellThatCannotBeRunLeavesNothing) {
+    libc().Script(Call::kSystem, {Fail(EAGAIN)});
+    const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
+    EXPECT_EQ(output.run_result(), -1);
+    EXPECT_THAT(FilesIn("/var/tmp"), IsEmpty());
 }
 
-TEST_F(CommandOutputTest, ALockThatCannotBeHadIsDoneWithout) {
-    libc().Script(Call::kOpen, {Fail(EACCES), Fail(EACCES)});
-    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
-    EXPECT_THAT(LinesOf(output), ElementsAre("here"));
-    EXPECT_TRUE(libc().Events(Call::kFlock).empty());
-    EXPECT_TRUE(libc().Events(Call::kFchmod).empty());
-    EXPECT_THAT(libc().Logs(), IsEmpty());
+TEST_F(CommandOutputTest, AFileThatCannotBeTheCallersIsNotWrittenTo) {
+    libc().Script(Call::kOpen, {Pass(), Fail(EEXIST)});
+    testkit::WriteFile("/var/tmp/other", "theirs");
+    ASSERT_EQ(link("/var/tmp/other", velk::kResultFile), 0);
+    libc().ScriptAlways(Call::kUnlink, Fail(EPERM));
+    const CommandOutput output(CommandLine("echo ours > %s", velk::kResultFile));
+    EXPECT_EQ(output.run_result(), 0);
+    EXPECT_FALSE(output.is_open());
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_EQ(testkit::ReadFile("/var/tmp/other"), "theirs");
 }
 
-TEST_F(CommandOutputTest, ALinkInTheLocksPlaceIsNeverFollowed) {
-    { const CommandOutput output(CommandLine("true > %s", velk::kResultFile)); }
-    const std::vector<testkit::Event> opens = libc().Events(Call::kOpen);
-    ASSERT_GE(opens.size(), 2U);
-    EXPECT_EQ(opens[0].number, O_RDWR | O_NOFOLLOW | O_CLOEXEC);
-    EXPECT_EQ(opens[1].number, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC);
+TEST_F(CommandOutputTest, ALineOf64KBIsRead) {
+    CommandOutput output(
+        CommandLine("{ printf %%065535d 0; echo; echo end; } > %s", velk::kResultFile));
+    EXPECT_THAT(LinesOf(output), ElementsAre(std::string(65535, '0'), "end"));
 }
 
-TEST_F(CommandOutputTest, OnlyAHeldLockIsWaitedFor) {
-    libc().ScriptAlways(Call::kFlock, Fail(ENOLCK));
-    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
-    EXPECT_THAT(LinesOf(output), ElementsAre("here"));
-    EXPECT_TRUE(libc().Events(Call::kNanosleep).empty());
+TEST_F(CommandOutputTest, ALongerLineEndsTheReading) {
+    CommandOutput output(
+        CommandLine("{ echo first; printf %%065536d 0; echo; echo end; } > %s", velk::kResultFile));
+    EXPECT_THAT(LinesOf(output), ElementsAre("first"));
 }
 
-TEST_F(CommandOutputTest, APlantedLinkIsNotFollowed) {
-    ASSERT_EQ(symlink("/var/tmp/elsewhere", kLockFile), 0);
-    CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
-    EXPECT_THAT(LinesOf(output), ElementsAre("here"));
-    EXPECT_FALSE(testkit::Exists("/var/tmp/elsewhere"));
+TEST_F(CommandOutputTest, AFileWithoutNewlinesIsNotReadToItsEnd) {
+    CommandOutput output(CommandLine("truncate -s 1G %s", velk::kResultFile));
+    EXPECT_THAT(LinesOf(output), IsEmpty());
+    EXPECT_LT(libc().Events(Call::kRead).size(), 5U);
 }
 
 TEST_F(CommandOutputTest, TheFileIsClosedBeforeItIsRemoved) {

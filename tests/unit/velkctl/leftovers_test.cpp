@@ -24,7 +24,7 @@ using velkctl::RemoveLeftovers;
 constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kToolOutput[] = "/var/tmp/get_result";
-constexpr char kToolOutputLock[] = "/var/tmp/get_result_lock";
+constexpr char kReadersFolder[] = "/var/tmp";  // on which readers of a tool's output take turns
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kEditCopy[] = "/var/tmp/interfaces";
 
@@ -38,7 +38,6 @@ class RemoveLeftoversTest : public testkit::DeviceTest {
         (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
         const velk::UniqueFd reply(BoundReplySocket());
         WriteFile(kToolOutput, "Link detected: yes\n");
-        WriteFile(kToolOutputLock, "");
         WriteFile(kInterfaces, "iface eth0 inet static\n");
         WriteFile(kEditCopy, "iface eth0 inet dhcp\n");
     }
@@ -147,7 +146,7 @@ TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
 
 TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
     LeaveEverything();
-    const velk::UniqueFd lock(open(kToolOutputLock, O_RDWR | O_CLOEXEC));
+    const velk::UniqueFd lock(open(kReadersFolder, O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(lock.get(), LOCK_EX | LOCK_NB), 0);
     RemoveLeftovers(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kToolOutput}));
@@ -163,7 +162,6 @@ TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
     RemoveLeftovers(kQuery, true);
     RemoveLeftovers({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
     EXPECT_EQ(Left(), Paths{});
-    EXPECT_FALSE(Exists(kToolOutputLock));
     EXPECT_FALSE(Exists("/var/tmp/vklib_lock"));
 }
 

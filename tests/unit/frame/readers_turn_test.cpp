@@ -1,0 +1,232 @@
+#include "frame/readers_turn.h"
+
+#include <cerrno>
+#include <csignal>
+#include <memory>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testkit::Call;
+using testkit::Event;
+using testkit::Fail;
+using testkit::Return;
+using velk::ReadersTurn;
+using velk::UniqueFd;
+
+UniqueFd OpenFolder() {
+    return UniqueFd(open("/var/tmp", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+bool IsFree() {
+    const UniqueFd folder = OpenFolder();
+    return flock(folder.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+// Somebody else who has the lock.
+class Holder {
+  public:
+    Holder() { EXPECT_EQ(flock(folder_.get(), LOCK_EX | LOCK_NB), 0); }
+    void Release() { EXPECT_EQ(flock(folder_.get(), LOCK_UN), 0); }
+
+  private:
+    const UniqueFd folder_ = OpenFolder();
+};
+
+class ReadersTurnTest : public testkit::DeviceTest {
+  protected:
+    size_t Pauses() { return libc().Events(Call::kNanosleep).size(); }
+};
+
+TEST_F(ReadersTurnTest, IsHeldForTheScope) {
+    {
+        const ReadersTurn turn;
+        EXPECT_FALSE(IsFree());
+    }
+    EXPECT_TRUE(IsFree());
+    EXPECT_EQ(Pauses(), 0U);
+}
+
+TEST_F(ReadersTurnTest, OpensTheFolderForReadingAndCloseOnExec) {
+    { const ReadersTurn turn; }
+    const std::vector<Event> opens = libc().Events(Call::kOpen);
+    ASSERT_THAT(opens, SizeIs(1));
+    EXPECT_EQ(opens[0].text, "/var/tmp");
+    EXPECT_EQ(opens[0].number, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+TEST_F(ReadersTurnTest, AWorkerForkedMeanwhileDoesNotKeepIt) {
+    pid_t worker = 0;
+    {
+        const ReadersTurn turn;
+        worker = fork();
+        if (worker == 0) {
+            pause();
+            _exit(0);
+        }
+    }
+    EXPECT_TRUE(IsFree());
+    { const ReadersTurn next; }
+    EXPECT_EQ(Pauses(), 0U);
+    kill(worker, SIGKILL);
+    waitpid(worker, nullptr, 0);
+}
+
+TEST_F(ReadersTurnTest, AToolThatIsLeftRunningDoesNotKeepIt) {
+    {
+        const ReadersTurn turn;
+        (void)!system("sleep 5 >/dev/null 2>&1 &");
+    }
+    EXPECT_TRUE(IsFree());
+}
+
+TEST_F(ReadersTurnTest, WaitsForAnotherReader) {
+    Holder holder;
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kNanosleep, [&](const Event&) {
+        if (Pauses() == 7) {
+            holder.Release();
+        }
+    });
+    const ReadersTurn turn;
+    EXPECT_EQ(Pauses(), 7U);
+    EXPECT_FALSE(IsFree());
+}
+
+TEST_F(ReadersTurnTest, GoesOnWhenNothingHasMovedFor3Seconds) {
+    const Holder holder;
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    const ReadersTurn turn;
+    EXPECT_THAT(libc().Texts(Call::kNanosleep), SizeIs(1500));
+    EXPECT_THAT(libc().Texts(Call::kNanosleep), Each("2000000")) << "1,500 of 2 ms: 3 seconds";
+}
+
+TEST_F(ReadersTurnTest, SignalsDoNotShortenTheWait) {
+    const Holder holder;
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().Script(Call::kNanosleep, {Fail(EINTR), Fail(EINTR)});
+    const ReadersTurn turn;
+    EXPECT_EQ(Pauses(), 1502U);
+}
+
+TEST_F(ReadersTurnTest, WaitsOnWhileResultsComeAndGo) {
+    const Holder holder;
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kNanosleep, [&](const Event&) {
+        const size_t pauses = Pauses();
+        const testkit::Unrecorded ours;
+        if (pauses == 1000) {
+            testkit::WriteFile("/var/tmp/get_result", "one");
+        } else if (pauses == 2000) {
+            testkit::WriteFile("/var/tmp/get_result", "longer");
+        } else if (pauses == 3000) {
+            unlink("/var/tmp/get_result");
+        }
+    });
+    const ReadersTurn turn;
+    EXPECT_EQ(Pauses(), 3000U + 1500U);
+}
+
+TEST_F(ReadersTurnTest, AReaderWhoWaitsAlreadyComesFirst) {
+    auto holder = std::make_unique<Holder>();
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    std::unique_ptr<ReadersTurn> second;
+    libc().OnCall(Call::kNanosleep, [&](const Event&) {
+        if (Pauses() == 1) {
+            holder.reset();  // nobody has the lock, and the first still waits
+            libc().OnCall(Call::kNanosleep, nullptr);
+            usleep(2000);  // places are numbered by milliseconds
+            second = std::make_unique<ReadersTurn>();
+        }
+    });
+    const ReadersTurn first;
+    EXPECT_EQ(Pauses(), 1U + 1500U) << "the second goes on without the lock in the end";
+    EXPECT_FALSE(IsFree());
+}
+
+TEST_F(ReadersTurnTest, AFolderThatCannotBeOpenedIsDoneWithout) {
+    libc().Script(Call::kOpen, {Fail(EACCES)});
+    { const ReadersTurn turn; }
+    EXPECT_TRUE(libc().Events(Call::kFlock).empty());
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(ReadersTurnTest, AFolderThatCannotBeLockedIsDoneWithout) {
+    libc().ScriptAlways(Call::kFlock, Fail(ENOLCK));
+    { const ReadersTurn turn; }
+    EXPECT_EQ(Pauses(), 0U);
+}
+
+// 32 processes that read all the time. Each keeps the result file busy for a moment, as a tool
+// does.
+class QueueTest : public testkit::DeviceTest {
+  protected:
+    static constexpr int kReaders = 32;
+    static constexpr int kTurns = 20;
+
+    struct Shared {
+        int inside;
+        int overlaps;
+        int turns[kReaders];
+    };
+    Shared& shared_ = *static_cast<Shared*>(
+        mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+
+    void TearDown() override {
+        munmap(&shared_, sizeof(Shared));
+        DeviceTest::TearDown();
+    }
+
+    void Read(int reader) {
+        const ReadersTurn turn;
+        const testkit::Unrecorded ours;
+        shared_.overlaps += __atomic_add_fetch(&shared_.inside, 1, __ATOMIC_SEQ_CST) == 1 ? 0 : 1;
+        testkit::WriteFile("/var/tmp/get_result", "busy");
+        usleep(1000);
+        unlink("/var/tmp/get_result");
+        ++shared_.turns[reader];
+        __atomic_sub_fetch(&shared_.inside, 1, __ATOMIC_SEQ_CST);
+    }
+};
+
+TEST_F(QueueTest, EachOfManyReadersHasItsTurnsAndNoTwoMeet) {
+    std::vector<pid_t> readers;
+    for (int reader = 0; reader < kReaders; ++reader) {
+        readers.push_back(fork());
+        if (readers.back() == 0) {
+            // Until the first has all its turns: the others must have got nearly as many by then.
+            while (shared_.turns[reader] < kTurns) {
+                Read(reader);
+            }
+            for (const int turns : shared_.turns) {
+                if (turns < kTurns - 5) {
+                    _exit(1);
+                }
+            }
+            _exit(0);
+        }
+    }
+    int unfair = 0;
+    for (const pid_t reader : readers) {
+        int status = 0;
+        waitpid(reader, &status, 0);
+        unfair += status == 0 ? 0 : 1;
+    }
+    EXPECT_EQ(shared_.overlaps, 0);
+    EXPECT_EQ(unfair, 0);
+}
+
+}  // namespace
