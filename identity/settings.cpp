@@ -7,6 +7,7 @@
 #include "frame/file_edit.h"
 #include "frame/line_reader.h"
 #include "frame/log.h"
+#include "identity/tool_locale.h"
 #include "velk.h"
 
 namespace velk {
@@ -52,6 +53,11 @@ void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) 
 // Hands the value on to the SNMP daemon: into every line of its configuration that has the
 // directive. Built as long as it gets: an escaped value has up to four times its length.
 void MirrorIntoSnmp(std::string_view directive, std::string_view value) {
+    const std::string_view locale = ToolLocale();
+    if (!KeepsEscapes(locale, value)) {
+        Log("SetSettingFile no SNMP line in the locale %.64s", locale.data());
+        return;
+    }
     const std::string shown = value.empty() ? "\"\"" : GetEscapeString(std::string(value));
     std::string line = "sudo sed -i 's/";
     line.append(directive).append(".*/").append(directive).append(" ").append(shown);

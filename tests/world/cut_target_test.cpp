@@ -1,0 +1,271 @@
+// A set whose copying ends in the middle: the file is whole afterwards, as before or as after.
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "world/calls.h"
+#include "world/child.h"
+#include "world/samples.h"
+
+namespace world {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char kCopy[] = "/var/tmp/interfaces";
+constexpr char kTools[] = "/run/tools";
+constexpr char kOld[] = "192.168.0.10";
+constexpr char kNew[] = "10.100.100.100";
+constexpr int kRounds = 200;
+
+class CutTargetTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        std::filesystem::create_directories(kTools);
+        std::filesystem::permissions(kTools, std::filesystem::perms(0755));
+    }
+    void TearDown() override {
+        std::filesystem::remove_all(kTools);
+        DeviceTest::TearDown();
+    }
+
+    // A program that stands in front of the one of that name.
+    static void MakeTool(const std::string& name, const std::string& script) {
+        const std::string path = std::string(kTools) + "/" + name;
+        testkit::WriteFile(path, "#!/bin/sh\n" + script);
+        std::filesystem::permissions(path, std::filesystem::perms(0755));
+    }
+    static int SetWithPath(const std::string& path) {
+        return InChild({}, [&] {
+            setenv("PATH", path.c_str(), 1);
+            return SetAddress(kNew) == 0 ? 0 : 1;
+        });
+    }
+    static std::string ToolsFirst() { return std::string(kTools) + ":/usr/bin:/bin"; }
+
+    static bool IsWhole() {
+        const std::string text = testkit::ReadFile(kInterfaces);
+        return text == InterfacesWith(kOld) || text == InterfacesWith(kNew);
+    }
+};
+
+TEST_F(CutTargetTest, ACatThatIsKilledLeavesTheNewText) {
+    MakeTool("cat", "kill -KILL $$\n");
+    EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_FALSE(testkit::Exists(kCopy));
+}
+
+TEST_F(CutTargetTest, ACatThatIsKilledHalfWayLeavesTheNewText) {
+    MakeTool("cat", "head -c 40 \"$1\"; kill -KILL $$\n");
+    EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+}
+
+TEST_F(CutTargetTest, AMissingCatLeavesTheNewText) {
+    MakeTool("rm", "exec /bin/rm \"$@\"\n");
+    EXPECT_EQ(SetWithPath(kTools), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_FALSE(testkit::Exists(kCopy));
+}
+
+TEST_F(CutTargetTest, ASearchPathWithoutToolsLeavesTheNewTextAndNoCopy) {
+    EXPECT_EQ(SetWithPath("/nowhere"), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_FALSE(testkit::Exists(kCopy)) << "rm is missing, too";
+}
+
+TEST_F(CutTargetTest, AFileThatWasEmptyGetsItsText) {
+    testkit::WriteFile("/var/libvelk/libvelk", "");
+    MakeTool("cat", "kill -KILL $$\n");
+    const int result = InChild({}, [&] {
+        setenv("PATH", ToolsFirst().c_str(), 1);
+        return Set(VELK_CMD_LOCATION, "", "Cellar");
+    });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(testkit::ReadFile("/var/libvelk/libvelk"), "LOCATION=Cellar\n");
+}
+
+TEST_F(CutTargetTest, TheFileIsMendedInPlace) {
+    MakeTool("cat", "kill -KILL $$\n");
+    const testkit::FileIdentity before = testkit::IdentityOf(kInterfaces);
+    EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
+    EXPECT_TRUE(testkit::IdentityOf(kInterfaces) == before);
+}
+
+TEST_F(CutTargetTest, AFileThatSomebodyElseHasChangedMeanwhileStays) {
+    MakeTool("cat", "echo 'not a piece of the copy'\n");
+    EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), "not a piece of the copy\n");
+}
+
+TEST_F(CutTargetTest, ALineThatCannotStartChangesNothing) {
+    libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(127 << 8));
+    EXPECT_EQ(SetAddress(kNew), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
+    EXPECT_TRUE(testkit::Exists(kCopy)) << "nothing removed it";
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(CutTargetTest, AMendedFileIsLoggedOnce) {
+    libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
+    libc().OnCall(testkit::Call::kSystem, [](const testkit::Event& event) {
+        if (event.text.starts_with("cat ")) {
+            testkit::WriteFile(kInterfaces, "");
+        }
+    });
+    EXPECT_EQ(SetAddress(kNew), 0);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "system rm /var/tmp/interfaces",
+                            "log FileEdit mended /etc/network/interfaces"));
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+}
+
+TEST_F(CutTargetTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+    libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
+    libc().OnCall(testkit::Call::kSystem, [this](const testkit::Event&) {
+        testkit::WriteFile(kInterfaces, "");
+        libc().Script(testkit::Call::kOpen, {testkit::Pass(), testkit::Fail(EROFS)});
+    });
+    EXPECT_EQ(SetAddress(kNew), -1);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "log FileEdit mend errno=30:Read-only file system"));
+    EXPECT_EQ(testkit::ReadFile(kCopy), InterfacesWith(kNew)) << "the only whole text";
+}
+
+// ---- ends at random moments, and limits
+
+// Ends one of the caller's child processes, a shell or a tool, at a random moment.
+void KillChildrenOf(pid_t caller) {
+    const std::string list =
+        "/proc/" + std::to_string(caller) + "/task/" + std::to_string(caller) + "/children";
+    for (unsigned moment = 0;; moment = (moment + 37) % 1500) {
+        usleep(moment);
+        pid_t child = 0;
+        std::ifstream(list) >> child;
+        if (child > 1) {
+            kill(child, SIGKILL);
+        }
+    }
+}
+
+TEST_F(CutTargetTest, ToolsKilledAtAnyMomentLeaveAWholeFile) {
+    const int result = InChild({}, [] {
+        const pid_t caller = getpid();
+        Child killer({}, [&] {
+            KillChildrenOf(caller);
+            return 0;
+        });
+        for (int i = 0; i < kRounds; ++i) {
+            (void)SetAddress(i % 2 == 0 ? kNew : kOld);
+            if (!IsWhole()) {
+                return 1;
+            }
+        }
+        return 0;
+    });
+    EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfaces);
+}
+
+void Ignore(int /*signal*/) {
+}
+
+TEST_F(CutTargetTest, OneInterruptionOfTheWholeGroupLeavesAWholeFile) {
+    const int result = InChild({}, [] {
+        setpgid(0, 0);
+        (void)signal(SIGINT, Ignore);
+        const pid_t group = getpid();
+        for (int i = 0; i < kRounds; ++i) {
+            Child interrupter({}, [&] {
+                usleep(static_cast<useconds_t>(i * 41 % 4000));
+                return kill(-group, SIGINT);
+            });
+            (void)SetAddress(i % 2 == 0 ? kNew : kOld);
+            (void)interrupter.Wait();
+            if (!IsWhole()) {
+                return 1;
+            }
+        }
+        return 0;
+    });
+    EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfaces);
+}
+
+TEST_F(CutTargetTest, NoLimitOfDescriptorsLeavesACutFile) {
+    for (rlim_t limit = 4; limit < 16; ++limit) {
+        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        (void)InChild({.limits = {{RLIMIT_NOFILE, limit}}}, [] { return SetAddress(kNew); });
+        EXPECT_TRUE(IsWhole()) << limit;
+    }
+}
+
+TEST_F(CutTargetTest, NoLimitOfProcessesLeavesACutFile) {
+    const Conditions poor{.user = kNobody, .limits = {{RLIMIT_NPROC, 1}}};
+    if (!IsPossible(poor)) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    ASSERT_EQ(chown(kInterfaces, kNobody, kNobody), 0);
+    for (rlim_t limit = 0; limit < 4; ++limit) {
+        (void)InChild({.user = kNobody, .limits = {{RLIMIT_NPROC, limit}}},
+                      [] { return SetAddress(kNew); });
+        EXPECT_TRUE(IsWhole()) << limit;
+    }
+}
+
+TEST_F(CutTargetTest, NoUmaskKeepsTheToolsFromTheCopy) {
+    if (!IsPossible({.user = kNobody})) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    ASSERT_EQ(chown(kInterfaces, kNobody, kNobody), 0);
+    for (const mode_t mask : {0777U, 0477U, 0U}) {
+        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        EXPECT_EQ(InChild({.user = kNobody, .umask = mask}, [] { return SetAddress(kNew); }), 0);
+        EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew)) << mask;
+    }
+}
+
+// The shell gives up the effective user: it must be able to read the copy as the real one.
+TEST_F(CutTargetTest, AHostWithTwoUsersSetsTheFile) {
+    if (!IsPossible({.user = kNobody})) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    ASSERT_EQ(chmod(kInterfaces, 0666), 0);
+    for (const mode_t mask : {0077U, 0777U}) {
+        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        EXPECT_EQ(
+            InChild({.umask = mask},
+                    [] {
+                        if (setresuid(kNobody, 0, 0) != 0) {
+                            return 1;
+                        }
+                        testkit::LibcRecorder::Get().OnCall(
+                            testkit::Call::kSystem, [](const testkit::Event& event) {
+                                struct stat facts {};
+                                if (event.text.starts_with("cat ") &&
+                                    (stat(kCopy, &facts) != 0 || (facts.st_mode & 07777) != 0644)) {
+                                    _exit(2);
+                                }
+                            });
+                        return SetAddress(kNew);
+                    }),
+            0)
+            << mask;
+        EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew)) << mask;
+    }
+    chmod(kInterfaces, 0644);
+}
+
+}  // namespace
+}  // namespace world

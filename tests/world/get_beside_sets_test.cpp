@@ -1,0 +1,75 @@
+// Gets beside two programs that set all the time: no get takes the moment in which the shell has
+// emptied a file for a setting that is off.
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "support/device_test.h"
+#include "world/calls.h"
+#include "world/child.h"
+#include "world/samples.h"
+
+namespace world {
+namespace {
+
+constexpr int kGets = 3000;
+
+// Sets the server back and forth for ever. The method stays as it is.
+int SetServers() {
+    for (int i = 0;; ++i) {
+        (void)Set(VELK_CMD_NTP_SERVER, "", i % 2 == 0 ? "a.example" : "b.example");
+    }
+}
+
+class GetBesideSetsTest : public testkit::DeviceTest {};
+
+TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
+    testkit::WriteFile("/var/cron/tabs/root",
+                       "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n");
+    const Child one({}, SetServers);
+    const Child other({}, SetServers);
+    for (int i = 0; i < kGets; ++i) {
+        ASSERT_EQ(Execute(VELK_GET, VELK_CMD_NTP, ""), 0) << "get " << i;
+        ASSERT_EQ(response.data[0], VELK_ON) << "get " << i;
+    }
+}
+
+// A file that stays empty is what it is.
+TEST_F(GetBesideSetsTest, AnEmptyFileIsReadAgainFor50MillisecondsAndThenTaken) {
+    testkit::WriteFile("/var/cron/tabs/root", "");
+    libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_NTP, ""), 0);
+    EXPECT_EQ(response.data[0], VELK_OFF);
+    EXPECT_EQ(libc().Texts(testkit::Call::kNanosleep), std::vector<std::string>(50, "1000000"));
+}
+
+TEST_F(GetBesideSetsTest, EachFileThatIsNeverEmptyIsReadAgain) {
+    const struct {
+        const char* file;
+        const char* text;
+        uint32_t id;
+        const char* interface;
+        std::string answer;
+    } kCases[] = {
+        {"/var/cron/tabs/root", "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n",
+         VELK_CMD_NTP, "", "\x01"},
+        {"/var/cron/tabs/root", "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n",
+         VELK_CMD_NTP_SERVER, "", "a.example"},
+        {"/etc/dhclient.conf", "interface \"eth0\" {\n\trequest domain-name-servers;\n}\n",
+         VELK_CMD_DHCP_DNS, "eth0", "\x01"},
+        {"/var/libvelk/libvelk", "LOCATION=Cellar\n", VELK_CMD_LOCATION, "", "Cellar"},
+        {kInterfaces, "iface eth0 inet dhcp\n", VELK_CMD_IP_METHOD, "eth0", "\x02"},
+    };
+    for (const auto& one : kCases) {
+        testkit::WriteFile(one.file, "");
+        libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
+        libc().OnCall(testkit::Call::kNanosleep, [&](const testkit::Event&) {
+            testkit::WriteFile(one.file, one.text);  // as the set's cat does
+        });
+        EXPECT_EQ(Execute(VELK_GET, one.id, one.interface), 0) << one.file;
+        EXPECT_EQ(std::string(response.data), one.answer) << one.file;
+    }
+}
+
+}  // namespace
+}  // namespace world

@@ -1,0 +1,197 @@
+// What other users plant at the name of the file into which tools print.
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+#include "world/child.h"
+
+namespace world {
+namespace {
+
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+constexpr char kResult[] = "/var/tmp/get_result";
+constexpr char kVictim[] = "/var/tmp/victim";
+constexpr char kRightSpeed[] = "Speed: 100Mb/s\nDuplex: Full\nAuto-negotiation: off\n";
+constexpr char kPlanted[] = "Speed: 10Mb/s\nDuplex: Half\nAuto-negotiation: off\n";
+
+class ResultFileTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        if (!IsPossible({.user = kNobody})) {
+            GTEST_SKIP() << "the private device has no other users";
+        }
+        ASSERT_EQ(chmod("/var/tmp", 01777), 0);
+        tools_.Prints("sudo ethtool eth0", {kRightSpeed});
+        tools_.Prints("sudo /usr/sbin/ethtool eth0", {"Link detected: yes\n"});
+    }
+
+    // Another user does it.
+    static void Plant(const std::function<int()>& planting) {
+        ASSERT_EQ(InChild({.user = kNobody}, planting), 0);
+    }
+    static int PlantFile() {
+        testkit::WriteFile(kResult, kPlanted);
+        return testkit::Exists(kResult) ? 0 : 1;
+    }
+    static int PlantFolder() {
+        return mkdir(kResult, 0777) + mkdir((std::string(kResult) + "/deep").c_str(), 0777);
+    }
+
+    // The get answers rightly, without waiting for anybody.
+    void ExpectTheRightSpeed() {
+        const auto start = steady_clock::now();
+        EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), 0);
+        EXPECT_EQ(response.data[0], VELK_LINK_100_FULL);
+        EXPECT_LT(steady_clock::now() - start, seconds(2));
+        EXPECT_FALSE(testkit::Exists(kResult));
+    }
+    // The get fails, without waiting for anybody and without a line being run.
+    void ExpectAFailureAtOnce() {
+        const auto start = steady_clock::now();
+        const int result = InChild({.user = kNobody}, [] {
+            const _velk_request request =
+                testkit::MakeRequest(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
+            _velk_request told;
+            const int answer = execute_velk_command(&request, &told);
+            const testkit::LibcRecorder& libc = testkit::LibcRecorder::Get();
+            const bool is_quiet =
+                libc.Commands().empty() && libc.Logs() == std::vector<std::string>{"ifstream"};
+            return answer == LIB_VELK_FAILURE && is_quiet ? 0 : 1;
+        });
+        EXPECT_EQ(result, 0);
+        EXPECT_LT(steady_clock::now() - start, seconds(2));
+    }
+
+  private:
+    testkit::FakeShell tools_;
+};
+
+TEST_F(ResultFileTest, AFileOfAnotherUserIsReplaced) {
+    Plant(PlantFile);
+    ExpectTheRightSpeed();
+}
+
+TEST_F(ResultFileTest, APipeIsRemovedAndNotWaitedFor) {
+    Plant([] { return mkfifo(kResult, 0666); });
+    ExpectTheRightSpeed();
+}
+
+TEST_F(ResultFileTest, APipeIsNotWaitedForWhenReadAlone) {
+    libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) {
+        unlink(kResult);
+        EXPECT_EQ(mkfifo(kResult, 0666), 0);
+    });
+    const auto start = steady_clock::now();
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
+    EXPECT_LT(steady_clock::now() - start, seconds(2));
+}
+
+TEST_F(ResultFileTest, ASymbolicLinkIsRemovedAndNotFollowed) {
+    testkit::WriteFile(kVictim, "keep me\n");
+    Plant([] { return symlink(kVictim, kResult); });
+    ExpectTheRightSpeed();
+    EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
+}
+
+TEST_F(ResultFileTest, AHardLinkIsRemovedAndNotWrittenTo) {
+    testkit::WriteFile(kVictim, "keep me\n");
+    ASSERT_EQ(link(kVictim, kResult), 0);
+    ExpectTheRightSpeed();
+    EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
+}
+
+TEST_F(ResultFileTest, AFolderIsMovedAway) {
+    Plant(PlantFolder);
+    ExpectTheRightSpeed();
+}
+
+TEST_F(ResultFileTest, AHugeFileIsNotRead) {
+    Plant([] {
+        const int fd = open(kResult, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+        return ftruncate(fd, 20LL << 30);
+    });
+    ExpectTheRightSpeed();
+}
+
+TEST_F(ResultFileTest, WhatCannotBeRemovedIsNotOpened) {
+    testkit::WriteFile(kResult, kPlanted);  // of root's, in a sticky folder
+    ExpectAFailureAtOnce();
+    EXPECT_EQ(testkit::ReadFile(kResult), kPlanted);
+}
+
+TEST_F(ResultFileTest, AFolderThatCannotBeRemovedIsAFailure) {
+    ASSERT_EQ(mkdir(kResult, 0755), 0);
+    ExpectAFailureAtOnce();
+    EXPECT_EQ(rmdir(kResult), 0);
+}
+
+TEST_F(ResultFileTest, OnesOwnOldFileIsWrittenAgain) {
+    testkit::WriteFile(kResult, kPlanted);
+    ExpectTheRightSpeed();
+}
+
+// Whoever plants all the time may make a get fail, and nothing else.
+TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
+    Child planter({.user = kNobody}, [] {
+        for (;;) {
+            (void)symlink(kVictim, kResult);
+            (void)mkfifo(kResult, 0666);
+        }
+        return 0;
+    });
+    testkit::WriteFile(kVictim, "keep me\n");
+    const auto start = steady_clock::now();
+    for (int i = 0; i < 300; ++i) {
+        const int result = Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
+        ASSERT_TRUE(result == -1 || response.data[0] == VELK_LINK_100_FULL) << result;
+    }
+    EXPECT_LT(steady_clock::now() - start, seconds(30));
+    EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
+}
+
+TEST_F(ResultFileTest, ARestartEndsWhateverIsPlanted) {
+    testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    for (const auto& planting : {std::function<int()>(PlantFile), std::function<int()>(PlantFolder),
+                                 std::function<int()>([] { return mkfifo(kResult, 0666); })}) {
+        Plant(planting);
+        const auto start = steady_clock::now();
+        EXPECT_EQ(Execute(VELK_RESTART, VELK_CMD_RESTART, "eth0"), 0);
+        EXPECT_LT(steady_clock::now() - start, seconds(2)) << "sleep(3) returns at once here";
+        EXPECT_EQ(libc().Texts(testkit::Call::kSleep),
+                  (std::vector<std::string>{"1", "5", "30", "30"}));
+        libc().ForgetEvents();
+    }
+}
+
+// A lock that another user keeps costs each run of a tool 3 seconds, and no value.
+TEST_F(ResultFileTest, ALockOfAnotherUserIsNotWaitedForForEver) {
+    Child holder({.user = kNobody}, [] {
+        const int fd = open("/var/tmp", O_RDONLY | O_CLOEXEC);
+        if (flock(fd, LOCK_EX) != 0) {
+            return 1;
+        }
+        testkit::WriteFile("/var/tmp/held", "");
+        pause();
+        return 0;
+    });
+    while (!testkit::Exists("/var/tmp/held")) {
+        usleep(1000);
+    }
+    libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
+    EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), 0);
+    EXPECT_EQ(response.data[0], VELK_LINK_100_FULL);
+    EXPECT_EQ(libc().Events(testkit::Call::kNanosleep).size(), 1500U);
+}
+
+}  // namespace
+}  // namespace world

@@ -1,0 +1,21 @@
+// samples.h - the file whose loss the tests of this ring look for.
+#ifndef TESTS_WORLD_SAMPLES_H_
+#define TESTS_WORLD_SAMPLES_H_
+
+#include <string>
+
+namespace world {
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+
+// The interfaces file with this address of eth0. All addresses of one length give files of one
+// size.
+inline std::string InterfacesWith(const std::string& address) {
+    return "auto lo\niface lo inet loopback\n\nauto eth0\niface eth0 inet static\n\taddress " +
+           address +
+           "\n\tnetmask 255.255.255.0\n\tgateway 192.168.0.1\n\nauto eth1\niface eth1 inet dhcp\n";
+}
+
+}  // namespace world
+
+#endif  // TESTS_WORLD_SAMPLES_H_
