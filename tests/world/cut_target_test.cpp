@@ -2,7 +2,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -147,25 +146,23 @@ TEST_F(CutTargetTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
 
 // ---- ends at random moments, and limits
 
-// Ends one of the caller's child processes, a shell or a tool, at a random moment.
-void KillChildrenOf(pid_t caller) {
-    const std::string list =
-        "/proc/" + std::to_string(caller) + "/task/" + std::to_string(caller) + "/children";
-    for (unsigned moment = 0;; moment = (moment + 37) % 1500) {
-        usleep(moment);
-        pid_t child = 0;
-        std::ifstream(list) >> child;
-        if (child > 1) {
-            kill(child, SIGKILL);
-        }
-    }
+void Ignore(int /*signal*/) {
+}
+
+// Makes a process group in which this signal ends none but the tools: exec(2) takes handlers away.
+void LeadGroupOfMortalTools(int number) {
+    setpgid(0, 0);
+    (void)signal(number, Ignore);
 }
 
 TEST_F(CutTargetTest, ToolsKilledAtAnyMomentLeaveAWholeFile) {
     const int result = InChild({}, [] {
-        const pid_t caller = getpid();
-        Child killer({}, [&] {
-            KillChildrenOf(caller);
+        LeadGroupOfMortalTools(SIGTERM);
+        const Child killer({}, [] {
+            for (unsigned moment = 0;; moment = (moment + 137) % 4000) {
+                usleep(moment);
+                (void)kill(0, SIGTERM);
+            }
             return 0;
         });
         for (int i = 0; i < kRounds; ++i) {
@@ -179,18 +176,13 @@ TEST_F(CutTargetTest, ToolsKilledAtAnyMomentLeaveAWholeFile) {
     EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfaces);
 }
 
-void Ignore(int /*signal*/) {
-}
-
 TEST_F(CutTargetTest, OneInterruptionOfTheWholeGroupLeavesAWholeFile) {
     const int result = InChild({}, [] {
-        setpgid(0, 0);
-        (void)signal(SIGINT, Ignore);
-        const pid_t group = getpid();
+        LeadGroupOfMortalTools(SIGINT);
         for (int i = 0; i < kRounds; ++i) {
             Child interrupter({}, [&] {
                 usleep(static_cast<useconds_t>(i * 41 % 4000));
-                return kill(-group, SIGINT);
+                return kill(0, SIGINT);
             });
             (void)SetAddress(i % 2 == 0 ? kNew : kOld);
             (void)interrupter.Wait();
