@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include <unistd.h>
+
 #include "support/device_test.h"
 
 namespace world {
@@ -16,6 +18,13 @@ inline int Set(uint32_t id, const std::string& interface, const std::string& dat
 
 inline int SetAddress(const std::string& address) {
     return Set(VELK_CMD_IP_ADDRESS, "eth0", address);
+}
+
+// Tools of a killed caller may still copy. Their end frees the lock.
+inline void WaitForFreeLock() {
+    while (!testkit::IsLockFree()) {
+        usleep(1000);
+    }
 }
 
 }  // namespace world

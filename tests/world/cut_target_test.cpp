@@ -34,6 +34,7 @@ class CutTargetTest : public testkit::DeviceTest {
         std::filesystem::permissions(kTools, std::filesystem::perms(0755));
     }
     void TearDown() override {
+        WaitForFreeLock();
         std::filesystem::remove_all(kTools);
         DeviceTest::TearDown();
     }
@@ -159,7 +160,7 @@ TEST_F(CutTargetTest, ToolsKilledAtAnyMomentLeaveAWholeFile) {
     const int result = InChild({}, [] {
         LeadGroupOfMortalTools(SIGTERM);
         const Child killer({}, [] {
-            for (unsigned moment = 0;; moment = (moment + 137) % 4000) {
+            for (unsigned moment = 0;; moment = (moment + 1337) % 9000) {
                 usleep(moment);
                 (void)kill(0, SIGTERM);
             }

@@ -22,7 +22,13 @@ int SetServers() {
     }
 }
 
-class GetBesideSetsTest : public testkit::DeviceTest {};
+class GetBesideSetsTest : public testkit::DeviceTest {
+  protected:
+    void TearDown() override {
+        WaitForFreeLock();
+        DeviceTest::TearDown();
+    }
+};
 
 TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
     testkit::WriteFile("/var/cron/tabs/root",
