@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "frame/unique_fd.h"
-#include "velk.h"
 #include "velkctl/edit_copy.h"
+#include "velkctl/library_lock.h"
 #include "velkctl/places.h"
 #include "velkctl/unix_socket.h"
 
@@ -49,8 +49,8 @@ void RemoveToolOutput() {
 // While the lock is held nobody edits: a copy that is there is one left behind. What the command
 // did not make stays, and so does what a cut file has lost.
 void RemoveEditCopies(const Command& command) {
-    const int lock = VkLibLock();
-    if (lock <= 0) {
+    const LibraryLock lock;
+    if (!lock.is_held()) {
         return;
     }
     for (const EditCopy& copy : FindEditCopies(command)) {
@@ -58,7 +58,6 @@ void RemoveEditCopies(const Command& command) {
             (void)unlink(copy.path.c_str());
         }
     }
-    VkLibUnLock(lock);
 }
 
 }  // namespace
@@ -78,8 +77,8 @@ void TellOfUnfinishedEdits(const Command& command, const std::string& what, Repo
     if (CutEdits(command).empty()) {
         return;
     }
-    const int lock = VkLibLock();
-    if (lock <= 0) {
+    const LibraryLock lock;
+    if (lock.is_busy()) {
         return;  // an edit may be under way, and this command is refused
     }
     for (const EditCopy& copy : CutEdits(command)) {
@@ -89,7 +88,6 @@ void TellOfUnfinishedEdits(const Command& command, const std::string& what, Repo
                     "rest; such an edit is to be finished before a set: " +
                     FinishingOf(copy));
     }
-    VkLibUnLock(lock);
 }
 
 }  // namespace velkctl

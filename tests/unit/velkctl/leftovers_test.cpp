@@ -25,6 +25,7 @@ constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kToolOutput[] = "/var/tmp/get_result";
 constexpr char kToolOutputLock[] = "/var/tmp/get_result_lock";
+constexpr char kLock[] = "/var/tmp/vklib_lock";
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kEditCopy[] = "/var/tmp/interfaces";
 
@@ -39,6 +40,7 @@ class RemoveLeftoversTest : public testkit::DeviceTest {
         const velk::UniqueFd reply(BoundReplySocket());
         WriteFile(kToolOutput, "Link detected: yes\n");
         WriteFile(kToolOutputLock, "");
+        WriteFile(kLock, "");
         WriteFile(kInterfaces, "iface eth0 inet static\n");
         WriteFile(kEditCopy, "iface eth0 inet dhcp\n");
     }
@@ -125,6 +127,7 @@ TEST_F(RemoveLeftoversTest, TheRestOfAFileThatWasCutStays) {
 
 TEST_F(RemoveLeftoversTest, WhatNoEditHasMadeStays) {
     WriteFile(kInterfaces, "iface eth0 inet static\n");
+    WriteFile(kLock, "");
     WriteFile("/tmp/mine", "iface eth0 inet dhcp\n");
     ASSERT_EQ(symlink("/tmp/mine", kEditCopy), 0);
     RemoveLeftovers(kChange, true);
@@ -143,6 +146,23 @@ TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
     RemoveLeftovers(kChange, true);
     VkLibUnLock(lock);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+// The library makes that file before its first edit copy.
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhereThereIsNoLockToTake) {
+    LeaveEverything();
+    unlink(kLock);
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_FALSE(Exists(kLock));
+}
+
+// A log that nobody reads stops its writers.
+TEST_F(RemoveLeftoversTest, NothingIsWrittenToTheSystemLog) {
+    LeaveEverything();
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
+    EXPECT_TRUE(libc().Logs().empty());
 }
 
 TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
@@ -164,7 +184,7 @@ TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
     RemoveLeftovers({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
     EXPECT_EQ(Left(), Paths{});
     EXPECT_FALSE(Exists(kToolOutputLock));
-    EXPECT_FALSE(Exists("/var/tmp/vklib_lock"));
+    EXPECT_FALSE(Exists(kLock));
 }
 
 class UnfinishedEdits : public testkit::DeviceTest {
@@ -189,6 +209,14 @@ TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
               "/etc/dhclient.conf && rm /var/tmp/dhclient.conf) 9< /var/tmp/vklib_lock\n");
     EXPECT_EQ(ToldOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
     EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
+TEST_F(UnfinishedEdits, AreToldOfWithoutTheSystemLog) {
+    WriteFile(kLock, "");
+    WriteFile("/etc/dhclient.conf", "");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_NE(ToldOf(kChange), "");
+    EXPECT_TRUE(libc().Logs().empty());
 }
 
 TEST_F(UnfinishedEdits, AreNotThoseThatLoseNothing) {
