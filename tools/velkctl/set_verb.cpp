@@ -12,6 +12,7 @@
 #include "velkctl/secret_source.h"
 #include "velkctl/setting_values.h"
 #include "velkctl/terminal.h"
+#include "velkctl/text_conflicts.h"
 #include "velkctl/verbs.h"
 #include "velkctl/verification.h"
 #include <nlohmann/json.hpp>
@@ -68,6 +69,9 @@ std::optional<Data> ValueToSend(const Setting& setting, const Invocation& invoca
     Parsed value = ParseValue(setting, words, invocation.force);
     if (value.ok() && !invocation.force) {
         value.problem = NetworkProblem(setting, value.data, device);
+    }
+    if (value.ok() && !invocation.force) {
+        value.problem = TextConflict(setting, value.data, device);
     }
     if (!value.ok()) {
         report.Refuse(Problem{setting.name() + ": " + value.problem, setting.name()});

@@ -119,6 +119,26 @@ TEST_F(FilesCheck, FindsDirectivesThatTheSnmpAgentsFileLacks) {
               "  mend: add a line \"syslocation unknown\"\n");
 }
 
+TEST_F(FilesCheck, FindsATextThatASetOfTheOtherOneCuts) {
+    constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
+    WriteFile(kIdentityFile, "ADMINISTRATOR=syscontact a\nLOCATION=syslocation b\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    WriteFile(kIdentityFile, "ADMINISTRATOR=see syslocation\nLOCATION=by syscontact\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()),
+              "problem: administrator is cut for the SNMP agent when location is set: "
+              "/var/libvelk/libvelk: the text holds 'syslocation', from which on that set replaces "
+              "a line\n"
+              "  mend: velkctl set administrator TEXT, without that word\n"
+              "problem: location is cut for the SNMP agent when administrator is set: "
+              "/var/libvelk/libvelk: the text holds 'syscontact', from which on that set replaces "
+              "a line\n"
+              "  mend: velkctl set location TEXT, without that word\n");
+    EXPECT_TRUE(libc().Logs().empty());
+    ASSERT_EQ(unlink(kIdentityFile), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
 class IfconfigCheck : public testkit::DeviceTest {};
 
 TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
