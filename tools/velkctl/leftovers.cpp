@@ -12,6 +12,7 @@
 #include "velkctl/edit_copy.h"
 #include "velkctl/library_lock.h"
 #include "velkctl/places.h"
+#include "velkctl/terminal.h"
 #include "velkctl/unix_socket.h"
 
 namespace velkctl {
@@ -84,9 +85,8 @@ void TellOfUnfinishedEdits(const Command& command, const std::string& what, Repo
     for (const EditCopy& copy : CutEdits(command)) {
         report.Note(what + ": " + copy.file->path +
                     " seems to have been cut while being copied, and this set replaces the edit "
-                    "copy that has the "
-                    "rest; such an edit is to be finished before a set: " +
-                    FinishingOf(copy));
+                    "copy that has the rest" +
+                    Printable(AdditionsOf(copy)) + "; before a set, " + FinishingOf(copy));
     }
 }
 
