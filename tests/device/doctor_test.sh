@@ -19,7 +19,7 @@ printf '\taddress 10.0.0.2\n\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n' \
 sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
 
 # Runs a script on such a device.
-script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$1"; }
+script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$stand_in_word$1"; }
 
 # Runs a script there, and the doctor behind it.
 examine() { script "$1
@@ -102,16 +102,14 @@ output_has '0 * * * * ntpdate -u10.0.0.9 > /var/libvelk/ntp.log'
 it 'finds an ifconfig of another form, and one that is missing'
 script '
     printf "#!/bin/sh\necho \"lo: flags=73\"; echo \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
-    chmod +x /tmp/ifconfig; PATH=/tmp:$PATH velkctl doctor'
+    chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig; velkctl doctor'
 status_is 1
 findings_are "problem: ifconfig prints addresses in a form that the library does not read: it prints 'inet 127.0.0.1  netmask 255.0.0.0', and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP interface read as none
 1 problem, 0 warnings"
-script '
-    doctor=$(command -v velkctl); for tool in sudo cat rm grep; do ln -s $(command -v $tool) /tmp; done
-    PATH=/tmp $doctor doctor'
+script ': >/tmp/none; stand_in ifconfig /tmp/none; velkctl doctor'
 status_is 1
 output_has 'problem: ifconfig is not installed: address and netmask of a DHCP interface cannot be read
-  mend: install it in a folder of PATH
+  mend: install it in a folder where velkctl looks, as /usr/bin
 '
 
 it 'tells who holds the lock, without taking it'

@@ -107,7 +107,7 @@ print(repr(shown.decode()), status)
 
 # Runs a script on a device.
 on_desk() {
-    on_device sh -c "$words$1"
+    on_device sh -c "$stand_in_word$words$1"
     lib_command=$1
 }
 
@@ -202,8 +202,9 @@ error_is ''
 output_is velk-lab
 
 it 'gives up a tool that hangs, and leaves it alone'
-on_desk 'mkdir /tmp/tools; PATH=/tmp/tools:$PATH
+on_desk 'mkdir /tmp/tools
     printf "#!/bin/sh\nsleep 5; echo went on >/tmp/note\n" >/tmp/tools/sudo; chmod +x /tmp/tools/sudo
+    stand_in sudo /tmp/tools/sudo
     velkctl get eth0.link-speed --timeout 1; status=$?; took 1 4; left
     for try in 1 2 3 4 5 6 7 8 9 10; do [ -e /tmp/note ] && break; sleep 1; done; cat /tmp/note
     exit $status'

@@ -20,7 +20,8 @@ it 'stores a text as it is, in its own file and in the SNMP daemon'"'"'s, and ru
 quotes=$(printf "%511s" '' | tr ' ' "'")
 while IFS= read -r value; do
     script '
-        velkctl set administrator "$1" && velkctl set location "$1" && velkctl get administrator &&
+        velkctl set administrator "$1" && velkctl set location "$1" &&
+        LC_ALL=C.UTF-8 velkctl get administrator &&
         head -n 2 /var/libvelk/libvelk && grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf
         ls /tmp | grep -i canary' "$value"
     error_is ''
