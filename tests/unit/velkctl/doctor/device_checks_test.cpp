@@ -237,6 +237,21 @@ TEST_F(LockCheck, FindsALockThatOthersCannotTake) {
               "  mend: chmod 666 /var/tmp/vklib_lock\n");
 }
 
+TEST_F(LockCheck, FindsALockThatItsOwnerCouldReplace) {
+    WriteFile("/var/tmp/vklib_lock", "");
+    ASSERT_EQ(chmod("/var/tmp/vklib_lock", 0666), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+    if (chown("/var/tmp/vklib_lock", 1234, 1234) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+              "warning: settings can be changed by two programs at once: /var/tmp/vklib_lock: the "
+              "lock file belongs to user 1234, who can remove it while it is locked and make it "
+              "anew\n"
+              "  mend: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
+              "as root and with mode 666, before programs of other users run\n");
+}
+
 TEST_F(LockCheck, FindsALinkInItsPlace) {
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/vklib_lock"), 0);
     EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
