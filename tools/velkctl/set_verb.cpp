@@ -7,6 +7,7 @@
 #include "velkctl/catalogue.h"
 #include "velkctl/causes.h"
 #include "velkctl/device.h"
+#include "velkctl/files_before.h"
 #include "velkctl/network_check.h"
 #include "velkctl/patience.h"
 #include "velkctl/secret_source.h"
@@ -105,15 +106,18 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const std::string name = setting->name();
+    const FilesBefore before(*setting);
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
-        report.Complain(Problem{DescribeFailure(name + ": could not be set", *setting, answer),
-                                name, answer.known_result()});
+        const std::string losses = answer.timed_out ? "" : before.Losses();
+        const std::string failure = DescribeFailure(name + ": could not be set", *setting, answer);
+        report.Complain(
+            Problem{failure + (losses.empty() ? "" : "; ") + losses, name, answer.known_result()});
         return StatusOf(answer);
     }
     const Verification verification = invocation.no_verify
                                           ? Verification{std::nullopt, ExitStatus::kDone}
-                                          : VerifySet(*setting, *value, device, report);
+                                          : VerifySet(*setting, *value, before, device, report);
     report.Member("setting", SetInJson(*setting, *value, verification.held));
     return verification.status;
 }
