@@ -33,4 +33,17 @@ script 'said=$( (ulimit -f 0; velkctl set eth0.dns 10.0.0.9) 2>&1); echo "$? $sa
 output_is "1 velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1); /etc/resolv.dnsmasq.conf is empty since this set, and no edit copy has the rest: restore it before the device starts anew
 0"
 
+# ---- a file that may not be written -------------------------------------------------------------
+
+it 'says that a value is not held where its file is mounted read-only, and how to mend that'
+script 'cp /etc/network/interfaces /run/before
+    mount --bind /etc/network/interfaces /etc/network/interfaces
+    mount -o remount,bind,ro /etc/network/interfaces
+    velkctl set eth0.gateway 192.168.0.9 2>/run/said; echo $?; grep velkctl: /run/said | tail -n 1
+    cmp /etc/network/interfaces /run/before && echo "as before"; ls /var/tmp'
+output_is "6
+velkctl: eth0.gateway: the library reported success, but the device holds '192.168.0.1'; likely cause: /etc/network/interfaces: this user may not write the file: Read-only file system; mend: mount it writable
+as before
+vklib_lock"
+
 finish
