@@ -60,7 +60,7 @@ StandIns ChooseStandIns(const std::string& folder, bool has_agent) {
     const fs::path scripts = folder;
     StandIns stand_ins;
     if (!SudoWorks()) {
-        Add(scripts / "sudo", stand_ins);
+        AddTool(scripts / "sudo", stand_ins);
     }
     if (!EthtoolWorks()) {
         AddTool(scripts / "ethtool", stand_ins);

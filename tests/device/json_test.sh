@@ -79,12 +79,14 @@ export PYTHON SCHEMA ANSWERS
 
 # What the device has none of here: the tools that a restart runs.
 tools='
-    sudo=$(command -v sudo)
+    sudo=$(readlink -f "$(command -v sudo)")
     mkdir /tmp/tools
-    printf "%s\n" "#!/bin/sh" "case \$1 in ifup | ifdown) exit ;; esac" "exec $sudo \"\$@\"" \
-        >/tmp/tools/sudo
+    : >/tmp/tools/real-sudo
+    mount --bind "$sudo" /tmp/tools/real-sudo
+    printf "%s\n" "#!/bin/sh" "case \$1 in ifup | ifdown) exit ;; esac" \
+        "exec /tmp/tools/real-sudo \"\$@\"" >/tmp/tools/sudo
     chmod +x /tmp/tools/sudo
-    PATH=/tmp/tools:$PATH
+    mount --bind /tmp/tools/sudo "$sudo"
 '
 
 # Holds what the lines of standard input are answered with on one device.

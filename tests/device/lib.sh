@@ -33,6 +33,16 @@ run() {
     error=$(cat "$lib_folder/err")
 }
 
+# A word for scripts on the device.
+# shellcheck disable=SC2016,SC2034  # for the shell on the device, in other files
+stand_in_word='
+    # Puts a program in the place of a tool, where every program finds it. velkctl does not look
+    # into the PATH of its caller.
+    stand_in() { # TOOL PROGRAM
+        mount --bind "$2" "$(readlink -f "$(command -v "$1")")"
+    }
+'
+
 # Runs a command on a device of its own.
 on_device() { run velk-sandbox --quiet -- "$@"; }
 

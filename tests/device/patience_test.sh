@@ -40,6 +40,33 @@ words='
     }
     interrupted_by() { python3 -c "$INTERRUPT" "$@"; }
     at_terminal() { TERM=linux python3 -c "$TERMINAL" "$@"; }
+    # Runs a command on the same device while nobody reads its system log and the queue is full.
+    with_stuck_log() { python3 -c "$STUCK_LOG" "$@"; }
+'
+
+# A /dev of its own, which the command and what that starts share.
+export STUCK_LOG='
+import os, socket, subprocess, sys
+if os.environ.get("LOG_IS_PRIVATE") != "yes":
+    os.environ["LOG_IS_PRIVATE"] = "yes"
+    os.execvp("unshare", ["unshare", "--mount", sys.executable, "-c", os.environ["STUCK_LOG"]] + sys.argv[1:])
+private = """
+    mkdir -p /run/stuck && mount -t tmpfs none /run/stuck && mkdir /run/stuck/shm &&
+    for node in null zero urandom; do : >/run/stuck/$node && mount --bind /dev/$node /run/stuck/$node; done &&
+    mount --bind /dev/shm /run/stuck/shm && mount --rbind /run/stuck /dev"""
+subprocess.run(["sh", "-c", private], check=True)
+log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+log.bind("/dev/log")
+writer = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+writer.connect("/dev/log")
+writer.setblocking(False)
+try:
+    while True:
+        writer.send(b"<13>nobody reads this")
+except BlockingIOError:
+    pass
+log.set_inheritable(True)
+os.execvp(sys.argv[1], sys.argv[1:])
 '
 
 # Runs a command, sends it a signal after a time, and says how it ended.
@@ -80,7 +107,7 @@ print(repr(shown.decode()), status)
 
 # Runs a script on a device.
 on_desk() {
-    on_device sh -c "$words$1"
+    on_device sh -c "$stand_in_word$words$1"
     lib_command=$1
 }
 
@@ -175,8 +202,9 @@ error_is ''
 output_is velk-lab
 
 it 'gives up a tool that hangs, and leaves it alone'
-on_desk 'mkdir /tmp/tools; PATH=/tmp/tools:$PATH
+on_desk 'mkdir /tmp/tools
     printf "#!/bin/sh\nsleep 5; echo went on >/tmp/note\n" >/tmp/tools/sudo; chmod +x /tmp/tools/sudo
+    stand_in sudo /tmp/tools/sudo
     velkctl get eth0.link-speed --timeout 1; status=$?; took 1 4; left
     for try in 1 2 3 4 5 6 7 8 9 10; do [ -e /tmp/note ] && break; sleep 1; done; cat /tmp/note
     exit $status'
@@ -269,6 +297,23 @@ output_is '7
 7
 7
 in time'
+
+it 'gives up a set while the system log is stuck'
+on_desk 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
+    with_stuck_log timeout -s KILL 20 velkctl set ntp off --timeout 2; status=$?; took 1 20; left
+    cmp /var/cron/tabs/root /run/before; exit $status'
+status_is 7
+output_is 'in time'
+error_is 'velkctl: ntp: could not be set: given up, it took too long; it may be half changed'
+
+it 'is ended by a signal while the system log is stuck'
+for signal in SIGINT SIGTERM; do
+    on_desk "velkctl set ntp on
+        with_stuck_log timeout -s KILL 20 python3 -c \"\$INTERRUPT\" $signal 0.5 velkctl set ntp off; took 0 20; left"
+    output_is "ended by $signal
+in time"
+    error_is 'velkctl: interrupted; ntp may be half changed'
+done
 
 it 'tells what tools say in words of its own'
 on_desk 'rm -f /var/libvelk/ntp.log

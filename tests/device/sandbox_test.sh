@@ -48,7 +48,7 @@ ends_all_processes() {
 entries() { find "$1/" -maxdepth 1 ! -name dhclient-script -printf '%f %y %l\n' 2>&1 | sort; }
 
 # Of these tools the device may have others.
-without_tools() { grep -vE '^(ethtool|ifconfig|route) '; }
+without_tools() { grep -vE '^(ethtool|ifconfig|route|sudo) '; }
 
 # The machine's own things that lie where the device has its own, and what else it may have touched.
 machine_state() {

@@ -20,7 +20,8 @@ it 'stores a text as it is, in its own file and in the SNMP daemon'"'"'s, and ru
 quotes=$(printf "%511s" '' | tr ' ' "'")
 while IFS= read -r value; do
     script '
-        velkctl set administrator "$1" && velkctl set location "$1" && velkctl get administrator &&
+        velkctl set administrator "$1" && velkctl set location "$1" &&
+        LC_ALL=C.UTF-8 velkctl get administrator &&
         head -n 2 /var/libvelk/libvelk && grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf
         ls /tmp | grep -i canary' "$value"
     error_is ''
@@ -72,6 +73,29 @@ error_is 'velkctl: administrator: control characters, such as the end of a line,
 output_is 'ADMINISTRATOR=Robin
 LOCATION=Second floor, by the window'
 
+it 'refuses a text at which a set of the other one would cut the SNMP daemon'"'"'s line'
+script '
+    velkctl set administrator "ask for syslocation at the desk"; echo $?
+    velkctl set location "by the syscontact"; echo $?
+    velkctl set --force administrator "ask for syslocation at the desk"; echo $?
+    velkctl set location "Room 5"; echo $?
+    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep "problem: administrator is"
+    velkctl set administrator Alice && velkctl set location "Room 5"; echo $?
+    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf'
+output_is "2
+2
+0
+2
+syscontact ask for syslocation at the desk
+syslocation Second floor, by the window
+problem: administrator is cut for the SNMP agent when location is set: /var/libvelk/libvelk: the text holds 'syslocation', from which on that set replaces a line
+0
+syscontact Alice
+syslocation Room 5"
+error_is "velkctl: administrator: the text holds 'syslocation', from which on a set of location would replace it in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force
+velkctl: location: the text holds 'syscontact', from which on a set of administrator would replace it in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force
+velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf; mend: velkctl set administrator TEXT first, without that word, or give --force"
+
 # ---- time -------------------------------------------------------------------------------------
 it 'switches time synchronisation off and on, and forgets the old result with it'
 script '
@@ -110,6 +134,28 @@ for value in 'a b' '-q' '$(reboot)' 'x;reboot' 'x>y' '' '*' 'x%y'; do
     status_is 2
     output_is 1
 done
+
+it 'refuses a time server whose text is a part of the command that cron runs'
+for value in ntp usr bin u d ntpdate; do
+    script 'velkctl set ntp-server "$1"; status=$?; grep -c "/usr/bin/ntpdate -u 192.168.0.1 >" /var/cron/tabs/root
+        ls /var/tmp; exit $status' "$value"
+    status_is 2
+    output_is 1
+    error_is "velkctl: ntp-server: '$value' occurs earlier on the line /var/cron/tabs/root:1, too, where the next set would replace it, in the command that cron runs; give the server's address or another name, or --force"
+done
+
+it 'sends such a server when it is forced to, refuses every other then, and the doctor tells of it'
+script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; echo $?
+    velkctl set ntp-server none; echo $?
+    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 1 "problem: ntp"'
+output_is "2
+2
+0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
+problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' stands in front of the server, too, and is replaced there
+  mend: write the server's address in its place with an editor, or a name that does not stand further in front on the line"
+present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs; mend: write another server into that line with an editor, or give --force"
+error_is "$present
+$present"
 
 it 'says that a crontab without an entry takes no server, and why'
 script 'sed -i /ntpdate/d /var/cron/tabs/root; velkctl set ntp-server time.example'

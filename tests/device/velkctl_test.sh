@@ -231,7 +231,7 @@ it 'refuses none among addresses'
 refused "eth0.dns: 'none' stands alone; give either addresses or none" set eth0.dns none 1.1.1.1
 
 it 'names a word in another script as it is written'
-refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
+LC_ALL=C.UTF-8 refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
     set eth0.dns café
 
 it 'keeps its complaint on one line, without control characters'
@@ -455,7 +455,7 @@ output_has 'lock file made'
 # noted. The device has this list of USB devices and no wireless daemon. Shows the notes behind the
 # command's output.
 with_ports() { # ETHTOOL-LINES USB-DEVICES COMMAND...
-    on_device sh -c '
+    on_device sh -c "$stand_in_word"'
         ip link del eth0 2>/dev/null
         ip link del eth1 2>/dev/null
         ip link add eth0 address 02:00:5e:10:0a:ff type veth \
@@ -465,7 +465,7 @@ with_ports() { # ETHTOOL-LINES USB-DEVICES COMMAND...
         printf "%s\n" "#!/bin/sh" "tool=\${1##*/}; shift" "echo \"\$tool \$*\" >>/tmp/tools/notes" \
             "[ \"\$tool \$*\" = \"ethtool eth0\" ] && cat /tmp/tools/port" "exit 0" >/tmp/tools/sudo
         chmod +x /tmp/tools/sudo
-        PATH=/tmp/tools:$PATH
+        stand_in sudo /tmp/tools/sudo
         printf "$2" >/proc/bus/usb/devices
         rm -f /tmp/WlanAplToWlanSock /var/tmp/vklib_lock
         shift 2

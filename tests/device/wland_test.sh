@@ -22,11 +22,11 @@ words='
         while kill -0 $own 2>/dev/null; do sleep 0.01; done
 
     mkdir /tmp/tools
-    PATH=/tmp/tools:$PATH
     # The only privileged line here asks for the cable.
     printf "%s\n" "#!/bin/sh" "[ \"\$*\" = \"/usr/sbin/ethtool eth0\" ] || exit" \
         "echo \" Link detected: \$(cat /tmp/tools/cable)\"" >/tmp/tools/sudo
     chmod +x /tmp/tools/sudo
+    stand_in sudo /tmp/tools/sudo
     echo no >/tmp/tools/cable
 
     # Waits up to five seconds until a command says yes.
@@ -146,7 +146,7 @@ elif verb == "occupy":
 
 # Runs a script on a device.
 on_desk() {
-    on_device sh -c "$words$1"
+    on_device sh -c "$stand_in_word$words$1"
     lib_command=$1
 }
 

@@ -4,29 +4,37 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <set>
+#include <span>
+#include <string_view>
 
 #include <unistd.h>
 
 #include "velkctl/doctor/file_facts.h"
-#include "velkctl/doctor/text_file.h"
 #include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
+
+constexpr mode_t kCopyMode = 0600;
+constexpr mode_t kModeBits = 07777;
+constexpr size_t kMostShown = 10;
 
 std::string CopyPathOf(const DeviceFile& file) {
     const std::string path = file.path;
     return kEditFolder + path.substr(path.rfind('/'));
 }
 
-// Everybody may put a file there, or a link to one. The library makes its copy anew, so that a
-// copy with a second name is none.
+// Everybody may put a file there, or a link to one, and may rename a file of root's into place. The
+// library makes its copy anew: with one name, and for its owner alone.
 bool IsTrusted(const struct stat& facts, const char* file) {
-    if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1) {
+    if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1 ||
+        (facts.st_mode & kModeBits) != kCopyMode) {
         return false;
     }
     struct stat edited {};
-    return facts.st_uid == geteuid() || (stat(file, &edited) == 0 && facts.st_uid == edited.st_uid);
+    return facts.st_uid == 0 || facts.st_uid == geteuid() ||
+           (stat(file, &edited) == 0 && facts.st_uid == edited.st_uid);
 }
 
 bool IsEmpty(const TextFile& file) {
@@ -55,18 +63,33 @@ EditState StateBetween(const TextFile& copy, const TextFile& file) {
     return copy.bytes.starts_with(file.bytes) ? EditState::kCut : EditState::kDiffers;
 }
 
+Lines LinesMissingFrom(const Lines& present, Lines lines) {
+    const std::set<std::string_view> known(present.begin(), present.end());
+    std::erase_if(lines, [&](const std::string& line) {
+        return Trimmed(line).empty() || known.contains(line);
+    });
+    return lines;
+}
+
+void Compare(EditCopy& copy) {
+    const TextFile text = ReadTextFile(copy.path);
+    const TextFile file = ReadTextFile(copy.file->path);
+    copy.state = copy.facts.st_size == 0 ? EditState::kPart : StateBetween(text, file);
+    if (text.state == FileState::kText) {
+        copy.has_end = text.bytes.ends_with('\n');
+    }
+    if (text.state == FileState::kText && (file.state == FileState::kText || IsEmpty(file))) {
+        copy.new_lines = LinesMissingFrom(file.lines, text.lines);
+    }
+}
+
 std::optional<EditCopy> FindCopyOf(const DeviceFile& file) {
-    EditCopy copy{&file, CopyPathOf(file), {}, EditState::kForeign, {}};
+    EditCopy copy{&file, CopyPathOf(file), {}, EditState::kForeign};
     if (lstat(copy.path.c_str(), &copy.facts) == -1) {
         return std::nullopt;
     }
     if (IsTrusted(copy.facts, file.path)) {
-        const TextFile text = ReadTextFile(copy.path);
-        copy.state = copy.facts.st_size == 0 ? EditState::kPart
-                                             : StateBetween(text, ReadTextFile(file.path));
-        if (text.state == FileState::kText) {
-            copy.has_end = text.bytes.ends_with('\n');
-        }
+        Compare(copy);
     }
     return copy;
 }
@@ -109,11 +132,25 @@ std::vector<EditCopy> FindEditCopies(const Command& command) {
     });
 }
 
-// The shell empties the file before cat starts: without the test, pasting the line once more, or
-// behind a set that has taken the copy along, would lose the file.
+std::string AdditionsOf(const EditCopy& copy) {
+    if (!copy.new_lines) {
+        return {};
+    }
+    const size_t count = copy.new_lines->size();
+    const size_t shown = std::min(count, kMostShown);
+    std::string lines;
+    for (const std::string& line : std::span(*copy.new_lines).first(shown)) {
+        lines.append(lines.empty() ? " " : ", ").append(Excerpt(line));
+    }
+    if (count > shown) {
+        lines.append(" and ").append(std::to_string(count - shown)).append(" more");
+    }
+    return "; the copy would add" + (count == 0 ? " no line" : lines);
+}
+
 std::string FinishingOf(const EditCopy& copy) {
-    return UnderLock("test -s " + copy.path + " && cat " + copy.path + " > " + copy.file->path +
-                     " && rm " + copy.path);
+    return "compare both files, as with 'diff " + std::string(copy.file->path) + " " + copy.path +
+           "', and if the copy is right, copy its text into the file by hand, as root";
 }
 
 std::string DiscardingOf(const EditCopy& copy) {

@@ -10,12 +10,13 @@
 
 #include "velkctl/command.h"
 #include "velkctl/device_files.h"
+#include "velkctl/doctor/text_file.h"
 
 namespace velkctl {
 
 // How far the edit came, by what its copy and the file hold.
 enum class EditState {
-    kForeign,     // no copy of this user's or of the file's owner: whatever it holds does not count
+    kForeign,     // not one that the library made: its contents do not count
     kCut,         // the file has nothing, or the front of the copy alone: it seems cut while copied
     kPart,        // the copy may be a part of what was to be written
     kInPlace,     // the file holds the same
@@ -30,7 +31,9 @@ struct EditCopy {
     struct stat facts;  // as lstat(2) tells them
     EditState state;
     // Its last line ends, as that of every whole copy does; nothing when it cannot be read.
-    std::optional<bool> has_end;
+    std::optional<bool> has_end{};
+    std::optional<Lines> new_lines{};  // in the copy and not in the file, blank ones left out;
+                                       // nothing if not compared
 };
 
 // Those that are there. Unless the lock is held, an edit may be under way in them.
@@ -38,9 +41,15 @@ std::vector<EditCopy> FindEditCopies();
 // Those of them that the command replaces.
 std::vector<EditCopy> FindEditCopies(const Command& command);
 
-// Shell lines that do what the library would have done next, and that give the edit up. They take
-// the lock, and wait for it.
+// "; the copy would add 'timeout 10;' and 3 more lines", with a few of those the file lacks. Empty
+// if they were not compared.
+std::string AdditionsOf(const EditCopy& copy);
+
+// How to finish the edit, in words. No line to paste: anybody may have had the file put there, and
+// nothing but its lines tells whether it is right.
 std::string FinishingOf(const EditCopy& copy);
+
+// A shell line that removes the copy. It takes the lock, and waits for it.
 std::string DiscardingOf(const EditCopy& copy);
 
 }  // namespace velkctl

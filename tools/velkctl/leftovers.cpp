@@ -9,9 +9,10 @@
 #include <unistd.h>
 
 #include "frame/unique_fd.h"
-#include "velk.h"
 #include "velkctl/edit_copy.h"
+#include "velkctl/library_lock.h"
 #include "velkctl/places.h"
+#include "velkctl/terminal.h"
 #include "velkctl/unix_socket.h"
 
 namespace velkctl {
@@ -49,8 +50,8 @@ void RemoveToolOutput() {
 // While the lock is held nobody edits: a copy that is there is one left behind. What the command
 // did not make stays, and so does what a cut file has lost.
 void RemoveEditCopies(const Command& command) {
-    const int lock = VkLibLock();
-    if (lock <= 0) {
+    const LibraryLock lock;
+    if (!lock.is_held()) {
         return;
     }
     for (const EditCopy& copy : FindEditCopies(command)) {
@@ -58,7 +59,6 @@ void RemoveEditCopies(const Command& command) {
             (void)unlink(copy.path.c_str());
         }
     }
-    VkLibUnLock(lock);
 }
 
 }  // namespace
@@ -78,18 +78,16 @@ void TellOfUnfinishedEdits(const Command& command, const std::string& what, Repo
     if (CutEdits(command).empty()) {
         return;
     }
-    const int lock = VkLibLock();
-    if (lock <= 0) {
+    const LibraryLock lock;
+    if (lock.is_busy()) {
         return;  // an edit may be under way, and this command is refused
     }
     for (const EditCopy& copy : CutEdits(command)) {
         report.Note(what + ": " + copy.file->path +
                     " seems to have been cut while being copied, and this set replaces the edit "
-                    "copy that has the "
-                    "rest; such an edit is to be finished before a set: " +
-                    FinishingOf(copy));
+                    "copy that has the rest" +
+                    Printable(AdditionsOf(copy)) + "; before a set, " + FinishingOf(copy));
     }
-    VkLibUnLock(lock);
 }
 
 }  // namespace velkctl

@@ -84,7 +84,8 @@ void Report::Finish(int status) {
     whole.update(document_->members);
     whole["notes"] = document_->notes;
     whole["errors"] = document_->errors;
-    Print(whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    // In ASCII alone, which every terminal shows and every reader of JSON takes.
+    Print(whole.dump(2, ' ', true, Json::error_handler_t::replace) + "\n");
 }
 
 }  // namespace velkctl

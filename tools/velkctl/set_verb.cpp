@@ -7,11 +7,13 @@
 #include "velkctl/catalogue.h"
 #include "velkctl/causes.h"
 #include "velkctl/device.h"
+#include "velkctl/files_before.h"
 #include "velkctl/network_check.h"
 #include "velkctl/patience.h"
 #include "velkctl/secret_source.h"
 #include "velkctl/setting_values.h"
 #include "velkctl/terminal.h"
+#include "velkctl/text_conflicts.h"
 #include "velkctl/verbs.h"
 #include "velkctl/verification.h"
 #include <nlohmann/json.hpp>
@@ -69,6 +71,9 @@ std::optional<Data> ValueToSend(const Setting& setting, const Invocation& invoca
     if (value.ok() && !invocation.force) {
         value.problem = NetworkProblem(setting, value.data, device);
     }
+    if (value.ok() && !invocation.force) {
+        value.problem = TextConflict(setting, value.data, device);
+    }
     if (!value.ok()) {
         report.Refuse(Problem{setting.name() + ": " + value.problem, setting.name()});
         return std::nullopt;
@@ -101,15 +106,18 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const std::string name = setting->name();
+    const FilesBefore before(*setting);
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
-        report.Complain(Problem{DescribeFailure(name + ": could not be set", *setting, answer),
-                                name, answer.known_result()});
+        const std::string losses = answer.timed_out ? "" : before.Losses();
+        const std::string failure = DescribeFailure(name + ": could not be set", *setting, answer);
+        report.Complain(
+            Problem{failure + (losses.empty() ? "" : "; ") + losses, name, answer.known_result()});
         return StatusOf(answer);
     }
     const Verification verification = invocation.no_verify
                                           ? Verification{std::nullopt, ExitStatus::kDone}
-                                          : VerifySet(*setting, *value, device, report);
+                                          : VerifySet(*setting, *value, before, device, report);
     report.Member("setting", SetInJson(*setting, *value, verification.held));
     return verification.status;
 }

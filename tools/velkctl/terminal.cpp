@@ -43,14 +43,56 @@ constexpr std::array<Utf8Form, 4> kUtf8Forms{{
     {0xf8U, 0xf0U, 4, 0x10000},
 }};
 constexpr uint32_t kDelete = 0x7f;
+constexpr uint32_t kHighestAscii = 0x7f;
 constexpr uint32_t kHighestCode = 0x10ffff;
+
+struct CodeRange {
+    uint32_t first;
+    uint32_t last;
+};
+
+// Those that Unicode calls default-ignorable, separators of lines, and annotations: a text would
+// look like another one, or its order would be another one than that of its bytes.
+constexpr std::array<CodeRange, 17> kUnseen{{
+    {0xad, 0xad},
+    {0x34f, 0x34f},
+    {0x61c, 0x61c},
+    {0x115f, 0x1160},
+    {0x17b4, 0x17b5},
+    {0x180b, 0x180f},
+    {0x200b, 0x200f},
+    {0x2028, 0x202e},
+    {0x2060, 0x206f},
+    {0x3164, 0x3164},
+    {0xfe00, 0xfe0f},
+    {0xfeff, 0xfeff},
+    {0xffa0, 0xffa0},
+    {0xfff0, 0xfffb},
+
+    {0x1bca0, 0x1bca3},
+    {0x1d173, 0x1d17a},
+    {0xe0000, 0xe0fff},
+}};
+
+bool shows_utf8 = true;
+
+bool IsUnseen(uint32_t code) {
+    return std::ranges::any_of(kUnseen, [code](const CodeRange& range) {
+        return code >= range.first && code <= range.last;
+    });
+}
 
 bool IsSurrogate(uint32_t code) {
     return code >= 0xd800 && code <= 0xdfff;
 }
 
+bool IsShown(uint32_t code) {
+    return code != kDelete && code <= kHighestCode && !IsSurrogate(code) && !IsUnseen(code) &&
+           (shows_utf8 || code <= kHighestAscii);
+}
+
 // The number of bytes of the character that the text begins with; 0 for bytes that are none and
-// for one that controls the terminal.
+// for one that is not to be shown.
 size_t CharacterLength(std::string_view text) {
     const auto first = static_cast<unsigned char>(text.front());
     const auto* form =
@@ -67,9 +109,7 @@ size_t CharacterLength(std::string_view text) {
         }
         code = (code << 6U) | (value & 0x3fU);
     }
-    const bool is_shown =
-        code >= form->lowest && code != kDelete && !IsSurrogate(code) && code <= kHighestCode;
-    return is_shown ? form->length : 0;
+    return code >= form->lowest && IsShown(code) ? form->length : 0;
 }
 
 // Reads a byte as AppendEscape() writes it, in front of the text.
@@ -112,6 +152,10 @@ bool IsControl(char byte) {
 }
 
 }  // namespace
+
+void ShowUtf8(bool is_shown) {
+    shows_utf8 = is_shown;
+}
 
 std::string Printable(std::string_view bytes) {
     return Escaped(bytes, DoubledBackslash);

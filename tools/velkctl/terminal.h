@@ -7,8 +7,13 @@
 
 namespace velkctl {
 
-// The bytes as one line of text in UTF-8: a byte that belongs to no character, or to one that
-// controls the terminal, is written \x1b, a backslash twice.
+// From now on shows characters beyond ASCII as they are, or byte by byte. On a terminal of another
+// character set their bytes could control it.
+void ShowUtf8(bool is_shown);
+
+// The bytes as one line of text in UTF-8. Of a character that controls the terminal, is not seen,
+// or turns the direction of others, every byte is written \x1b, as is a byte that belongs to no
+// character. A backslash is written twice.
 std::string Printable(std::string_view bytes);
 
 // The same for a value, which set takes again as it was shown: a backslash is written once, and

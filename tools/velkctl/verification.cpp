@@ -29,9 +29,11 @@ std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
     return "the device holds " + Quoted(setting.row->kind->Print(answer.data));
 }
 
-Verification NotHeld(const Setting& setting, const std::string& instead, const Findings& causes,
-                     Report& report) {
+// `instead` is what was found out, and `losses` names the files that have lost their text.
+Verification NotHeld(const Setting& setting, std::string instead, const std::string& losses,
+                     const Findings& causes, Report& report) {
     const std::string name = setting.name();
+    instead.append(losses.empty() ? "" : "; ").append(losses);
     const std::string likely_cause =
         causes.empty() ? "" : "; likely cause: " + CauseInWords(causes.front());
     report.Complain(
@@ -46,13 +48,14 @@ Verification NotReadInTime(const Setting& setting, const Answer& answer, Report&
 }
 
 // A value that cannot be read back: what keeps it from being set can be seen all the same.
-Verification JudgeUnseen(const Setting& setting, const std::string& why_unseen, Report& report) {
+Verification JudgeUnseen(const Setting& setting, const std::string& why_unseen,
+                         const std::string& losses, Report& report) {
     Findings causes = CausesOf(setting);
     std::erase_if(causes, [](const Finding& cause) {
         return cause.severity != Severity::kProblem || cause.hinders != Hinders::kSetting;
     });
-    if (!causes.empty()) {
-        return NotHeld(setting, "the device cannot hold the value", causes, report);
+    if (!causes.empty() || !losses.empty()) {
+        return NotHeld(setting, "the device cannot hold the value", losses, causes, report);
     }
     report.Note(setting.name() + ": set, but not checked: " + why_unseen);
     return {std::nullopt, ExitStatus::kDone};
@@ -60,10 +63,10 @@ Verification JudgeUnseen(const Setting& setting, const std::string& why_unseen, 
 
 }  // namespace
 
-Verification VerifySet(const Setting& setting, const Data& wanted, const Device& device,
-                       Report& report) {
+Verification VerifySet(const Setting& setting, const Data& wanted, const FilesBefore& before,
+                       const Device& device, Report& report) {
     if (!setting.can_get()) {
-        return JudgeUnseen(setting, "it cannot be read", report);
+        return JudgeUnseen(setting, "it cannot be read", before.Losses(), report);
     }
     const Answer answer = device.Get(setting);
     const ValueKind& kind = *setting.row->kind;
@@ -77,9 +80,10 @@ Verification VerifySet(const Setting& setting, const Data& wanted, const Device&
         return JudgeUnseen(
             setting,
             "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
-            report);
+            before.Losses(), report);
     }
-    return NotHeld(setting, WhatIsHeld(setting, answer), CausesOf(setting), report);
+    return NotHeld(setting, WhatIsHeld(setting, answer), before.Losses(), CausesOf(setting),
+                   report);
 }
 
 }  // namespace velkctl

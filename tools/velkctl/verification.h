@@ -8,6 +8,7 @@
 #include "velkctl/data.h"
 #include "velkctl/device.h"
 #include "velkctl/exit_status.h"
+#include "velkctl/files_before.h"
 #include "velkctl/report.h"
 
 namespace velkctl {
@@ -21,9 +22,10 @@ struct Verification {
 // value, complains, saying what it holds instead and the likely cause. The library cannot tell: it
 // does not learn whether its shell lines worked, and an edit that finds no line to change is no
 // failure to it. Where nothing is to be read, in settings that can only be set and addresses behind
-// a lease, what keeps them from being set is looked for; there is a note when nothing does.
-Verification VerifySet(const Setting& setting, const Data& wanted, const Device& device,
-                       Report& report);
+// a lease, what keeps them from being set is looked for; there is a note when nothing does. The
+// complaint also names the files that have lost their text since `before`.
+Verification VerifySet(const Setting& setting, const Data& wanted, const FilesBefore& before,
+                       const Device& device, Report& report);
 
 }  // namespace velkctl
 

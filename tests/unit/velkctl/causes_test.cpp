@@ -191,8 +191,9 @@ TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
     WriteFile(kIdentity, "ADMINISTRATOR=old\n");
     setenv("PATH", "/tmp", 1);
     Set("administrator", "new");
-    EXPECT_EQ(FirstOf("administrator"),
-              "cat is not installed; mend: install it in a folder of PATH");
+    EXPECT_EQ(
+        FirstOf("administrator"),
+        "cat is not installed; mend: install it in a folder where velkctl looks, as /usr/bin");
 }
 
 TEST_F(CausesTest, ALineOfAFileComesBeforeAllElseAndAProblemBeforeAWarning) {

@@ -31,8 +31,12 @@ class EditCopyTest : public testkit::DeviceTest {
         EXPECT_EQ(copies.size(), 1U);
         return copies.empty() ? EditCopy{} : copies.front();
     }
+    static void WriteCopy(std::string_view text) {
+        WriteFile(kCopy, text);
+        ASSERT_EQ(chmod(kCopy, 0600), 0);
+    }
     static EditState StateOf(std::string_view copy, std::string_view file) {
-        WriteFile(kCopy, copy);
+        WriteCopy(copy);
         WriteFile(kCrontab, file);
         return Found().state;
     }
@@ -93,16 +97,29 @@ TEST_F(EditCopyTest, DoesNotTrustLinksNorOtherKindsOfFiles) {
     ASSERT_EQ(mkfifo(kCopy, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kForeign);
     ASSERT_EQ(unlink(kCopy), 0);
-    WriteFile(kCopy, "a\n");
+    WriteCopy("a\n");
     EXPECT_EQ(Found().state, EditState::kCut);
     ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
     EXPECT_EQ(Found().state, EditState::kForeign);
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
+// A program of root's that was made to write somewhere else makes files of this mode as a rule.
+TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
+    WriteFile(kCrontab, "");
+    WriteCopy("a\n");
+    for (const mode_t mode : {0644U, 0640U, 0606U, 0700U, 0400U, 04600U, 01600U, 0U}) {
+        ASSERT_EQ(chmod(kCopy, mode), 0);
+        EXPECT_EQ(Found().state, EditState::kForeign) << std::oct << mode;
+        EXPECT_EQ(AdditionsOf(Found()), "") << std::oct << mode;
+    }
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    EXPECT_EQ(Found().state, EditState::kCut);
+}
+
 TEST_F(EditCopyTest, TrustsTheFilesOwnerAndNobodyElse) {
     WriteFile(kCrontab, "");
-    WriteFile(kCopy, "a\n");
+    WriteCopy("a\n");
     if (chown(kCopy, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
@@ -113,32 +130,48 @@ TEST_F(EditCopyTest, TrustsTheFilesOwnerAndNobodyElse) {
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
-TEST_F(EditCopyTest, ItsShellLinesTakeTheLock) {
+TEST_F(EditCopyTest, NamesTheLinesThatWouldBeAdded) {
+    (void)StateOf("a\n\tup id > /tmp/x\nb\n", "b\na\n");
+    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add 'up id > /tmp/x'");
+    (void)StateOf("b\n\x1b[1m\n", "");
+    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add 'b', '\x1b[1m'");
+    (void)StateOf("b\na\n", "a\nb\n");
+    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add no line");
+    (void)StateOf("1\n\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n \t\n12\n", "");
+    constexpr char kAdded[] =
+        "; the copy would add '1', '2', '3', '4', '5', '6', '7', '8', '9', '10' and 2 more";
+    EXPECT_EQ(AdditionsOf(Found()), kAdded);
+    ASSERT_EQ(unlink(kCrontab), 0);
+    EXPECT_EQ(AdditionsOf(Found()), kAdded);
+}
+
+TEST_F(EditCopyTest, NamesNoLinesWhereTheyCannotBeCompared) {
+    const std::string huge = std::string(1024 * 1024, 'a') + "\n";
+    (void)StateOf("a\n", huge);
+    EXPECT_EQ(AdditionsOf(Found()), "");
+    (void)StateOf(huge, "");
+    EXPECT_EQ(AdditionsOf(Found()), "");
+}
+
+TEST_F(EditCopyTest, TellsInWordsHowToFinishIt) {
+    (void)StateOf("a\n", "");
+    EXPECT_EQ(FinishingOf(Found()),
+              "compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
+              "copy is right, copy its text into the file by hand, as root");
+}
+
+TEST_F(EditCopyTest, TheShellLineThatDiscardsItTakesTheLock) {
     (void)StateOf("a\n", "");
     VkLibUnLock(VkLibLock());
-    EXPECT_EQ(FinishingOf(Found()),
-              "(flock 9 && test -s /var/tmp/root && cat /var/tmp/root > /var/cron/tabs/root && rm "
-              "/var/tmp/root) 9< /var/tmp/vklib_lock");
     EXPECT_EQ(DiscardingOf(Found()), "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock");
 }
 
-TEST_F(EditCopyTest, ItsShellLinesMakeNoLockWhereThereIsNone) {
+TEST_F(EditCopyTest, TheShellLineMakesNoLockWhereThereIsNone) {
     (void)StateOf("a\n", "");
     EXPECT_EQ(DiscardingOf(Found()), "rm /var/tmp/root");
     EXPECT_EQ(system(DiscardingOf(Found()).c_str()), 0);
     EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
     EXPECT_FALSE(testkit::Exists(kCopy));
-}
-
-TEST_F(EditCopyTest, FinishingItPutsItInPlaceOnce) {
-    (void)StateOf("a\nb\n", "");
-    VkLibUnLock(VkLibLock());
-    const std::string finishing = FinishingOf(Found());
-    EXPECT_EQ(system(finishing.c_str()), 0);
-    EXPECT_EQ(testkit::ReadFile(kCrontab), "a\nb\n");
-    EXPECT_FALSE(testkit::Exists(kCopy));
-    EXPECT_NE(system(finishing.c_str()), 0);
-    EXPECT_EQ(testkit::ReadFile(kCrontab), "a\nb\n");
 }
 
 // The copies that the library makes when it is told to.

@@ -2,12 +2,14 @@
 #include "velkctl/leftovers.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
 #include <semaphore.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 
 #include "frame/unique_fd.h"
@@ -25,11 +27,18 @@ constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kToolOutput[] = "/var/tmp/get_result";
 constexpr char kReadersFolder[] = "/var/tmp";  // on which readers of a tool's output take turns
+constexpr char kLock[] = "/var/tmp/vklib_lock";
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kEditCopy[] = "/var/tmp/interfaces";
 
 constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
 constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
+
+// As the library makes one.
+void WriteCopy(const std::string& path, std::string_view text) {
+    WriteFile(path, text);
+    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+}
 
 class RemoveLeftoversTest : public testkit::DeviceTest {
   protected:
@@ -38,8 +47,9 @@ class RemoveLeftoversTest : public testkit::DeviceTest {
         (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
         const velk::UniqueFd reply(BoundReplySocket());
         WriteFile(kToolOutput, "Link detected: yes\n");
+        WriteFile(kLock, "");
         WriteFile(kInterfaces, "iface eth0 inet static\n");
-        WriteFile(kEditCopy, "iface eth0 inet dhcp\n");
+        WriteCopy(kEditCopy, "iface eth0 inet dhcp\n");
     }
     static int BoundReplySocket() {
         const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -88,7 +98,7 @@ TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyOfItsOwn) {
     WriteFile("/etc/dhclient.conf", "timeout 9;\n");
     for (const char* copy : {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk",
                              "root", "a-file-of-somebody"}) {
-        WriteFile(std::string("/var/tmp/") + copy, "timeout 10;\n");
+        WriteCopy(std::string("/var/tmp/") + copy, "timeout 10;\n");
     }
     RemoveLeftovers(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
@@ -102,7 +112,7 @@ TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyOfItsOwn) {
 TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyHoweverFarItCame) {
     for (const char* copy : {"", "iface eth0", "iface eth0 inet static\n", "iface eth1\n"}) {
         LeaveEverything();
-        WriteFile(kEditCopy, copy);
+        WriteCopy(kEditCopy, copy);
         RemoveLeftovers(kChange, true);
         EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore})) << copy;
         unlink(kReplySocket);
@@ -124,6 +134,7 @@ TEST_F(RemoveLeftoversTest, TheRestOfAFileThatWasCutStays) {
 
 TEST_F(RemoveLeftoversTest, WhatNoEditHasMadeStays) {
     WriteFile(kInterfaces, "iface eth0 inet static\n");
+    WriteFile(kLock, "");
     WriteFile("/tmp/mine", "iface eth0 inet dhcp\n");
     ASSERT_EQ(symlink("/tmp/mine", kEditCopy), 0);
     RemoveLeftovers(kChange, true);
@@ -144,6 +155,23 @@ TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
 
+// The library makes that file before its first edit copy.
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhereThereIsNoLockToTake) {
+    LeaveEverything();
+    unlink(kLock);
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_FALSE(Exists(kLock));
+}
+
+// A log that nobody reads stops its writers.
+TEST_F(RemoveLeftoversTest, NothingIsWrittenToTheSystemLog) {
+    LeaveEverything();
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
 TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
     LeaveEverything();
     const velk::UniqueFd lock(open(kReadersFolder, O_RDONLY | O_CLOEXEC));
@@ -162,7 +190,7 @@ TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
     RemoveLeftovers(kQuery, true);
     RemoveLeftovers({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
     EXPECT_EQ(Left(), Paths{});
-    EXPECT_FALSE(Exists("/var/tmp/vklib_lock"));
+    EXPECT_FALSE(Exists(kLock));
 }
 
 class UnfinishedEdits : public testkit::DeviceTest {
@@ -178,28 +206,42 @@ class UnfinishedEdits : public testkit::DeviceTest {
 TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
     VkLibUnLock(VkLibLock());
     WriteFile("/etc/dhclient.conf", "");
-    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n\x1b[1m\n");
     EXPECT_EQ(ToldOf(kChange),
               "velkctl: eth0.method: /etc/dhclient.conf seems to have been cut while being copied, "
-              "and this set "
-              "replaces the edit copy that has the rest; such an edit is to be finished before a "
-              "set: (flock 9 && test -s /var/tmp/dhclient.conf && cat /var/tmp/dhclient.conf > "
-              "/etc/dhclient.conf && rm /var/tmp/dhclient.conf) 9< /var/tmp/vklib_lock\n");
+              "and this set replaces the edit copy that has the rest; the copy would add 'timeout "
+              "10;', '\\x1b[1m'; before a set, compare both files, as with 'diff "
+              "/etc/dhclient.conf /var/tmp/dhclient.conf', and if the copy is right, copy its text "
+              "into the file by hand, as root\n");
     EXPECT_EQ(ToldOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
     EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
 }
 
+TEST_F(UnfinishedEdits, AreToldOfWithoutTheSystemLog) {
+    WriteFile(kLock, "");
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_NE(ToldOf(kChange), "");
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
 TEST_F(UnfinishedEdits, AreNotThoseThatLoseNothing) {
     WriteFile("/etc/dhclient.conf", "timeout 9;\n");
-    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
     EXPECT_EQ(ToldOf(kChange), "");
-    WriteFile("/var/tmp/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "");
+    EXPECT_EQ(ToldOf(kChange), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotFilesThatTheLibraryDidNotMake) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
     EXPECT_EQ(ToldOf(kChange), "");
 }
 
 TEST_F(UnfinishedEdits, AreNotThoseThatAreUnderWay) {
     WriteFile("/etc/dhclient.conf", "");
-    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
     const int lock = VkLibLock();
     EXPECT_EQ(ToldOf(kChange), "");
     VkLibUnLock(lock);

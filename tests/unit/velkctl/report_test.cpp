@@ -93,7 +93,15 @@ TEST(Report, BytesThatAreNoTextDoNotBreakTheDocument) {
         report.Complain("\xff");
         return ExitStatus::kFailed;
     });
-    EXPECT_NE(said.out.find("\"message\": \"\xef\xbf\xbd\""), std::string::npos) << said.out;
+    EXPECT_NE(said.out.find("\"message\": \"\\ufffd\""), std::string::npos) << said.out;
+}
+
+TEST(Report, TheDocumentIsAscii) {
+    const Said said = What(Report::Form::kJson, [](Report& report) {
+        report.Complain("caf\xc3\xa9");
+        return ExitStatus::kFailed;
+    });
+    EXPECT_NE(said.out.find("\"message\": \"caf\\u00e9\""), std::string::npos) << said.out;
 }
 
 }  // namespace

@@ -36,6 +36,41 @@ TEST(Printable, EscapesControlCharactersOfUtf8) {
     EXPECT_EQ(Printable("\xc2\x9f\xc2\xa0"), "\\xc2\\x9f\xc2\xa0");
 }
 
+TEST(Printable, EscapesWhatTurnsTheDirectionOfText) {
+    EXPECT_EQ(Printable("a\xe2\x80\xae z"), "a\\xe2\\x80\\xae z");  // U+202E
+    for (const char* text : {"\xd8\x9c", "\xe2\x80\x8e", "\xe2\x80\x8f", "\xe2\x80\xaa",
+                             "\xe2\x80\xae", "\xe2\x81\xa6", "\xe2\x81\xa9"}) {
+        EXPECT_EQ(Printable(text).substr(0, 2), "\\x") << Printable(text);
+    }
+}
+
+TEST(Printable, EscapesWhatIsNotSeen) {
+    EXPECT_EQ(Printable("a\xe2\x80\x8b z"), "a\\xe2\\x80\\x8b z");  // U+200B
+    for (const char* text :
+         {"\xc2\xad", "\xcd\x8f", "\xe1\xa0\x8e", "\xe2\x80\x8b", "\xe2\x80\x8d", "\xe2\x80\xa8",
+          "\xe2\x81\xa0", "\xe3\x85\xa4", "\xef\xb8\x8f", "\xef\xbb\xbf", "\xef\xbf\xbb",
+          "\xf0\x9d\x85\xb3", "\xf3\xa0\x81\x81", "\xf3\xa0\xbf\xbf"}) {
+        EXPECT_EQ(Printable(text).substr(0, 2), "\\x") << Printable(text);
+    }
+    for (const char* text : {"\xc2\xac", "\xc2\xae", "\xe2\x80\x8a", "\xe2\x80\x90", "\xe2\x80\xaf",
+                             "\xe2\x81\xb0", "\xef\xbf\xbc", "\xf3\xb0\x80\x80"}) {
+        EXPECT_EQ(Printable(text), text) << "next to one";
+    }
+}
+
+class PrintableInAscii : public testing::Test {
+  protected:
+    PrintableInAscii() { velkctl::ShowUtf8(false); }
+    ~PrintableInAscii() override { velkctl::ShowUtf8(true); }
+};
+
+// Their bytes would be others there: the second one of U+00DB begins a command on 8-bit terminals.
+TEST_F(PrintableInAscii, EscapesEveryOtherCharacter) {
+    EXPECT_EQ(Printable("caf\xc3\xa9 \xc3\x9b\x31m~"), "caf\\xc3\\xa9 \\xc3\\x9b1m~");
+    EXPECT_EQ(PrintableValue("\xf0\x9f\x93\xb6"), "\\xf0\\x9f\\x93\\xb6");
+    EXPECT_EQ(UnprintedValue(PrintableValue("caf\xc3\xa9 \\xc3")), "caf\xc3\xa9 \\xc3");
+}
+
 TEST(Printable, EscapesWhatIsNoUtf8) {
     EXPECT_EQ(Printable("\xc3"), "\\xc3");                             // cut off
     EXPECT_EQ(Printable("\xe2\x82"), "\\xe2\\x82");                    // cut off

@@ -37,13 +37,15 @@ class VerifySetTest : public testkit::DeviceTest {
         velkctl::Report report(velkctl::Report::Form::kText);
         testing::internal::CaptureStderr();
         const velkctl::Verification verification =
-            VerifySet(setting, wanted, velkctl::Device(patience, report), report);
+            VerifySet(setting, wanted, before.value_or(velkctl::FilesBefore(setting)),
+                      velkctl::Device(patience, report), report);
         complaint = testing::internal::GetCapturedStderr();
         status = verification.status;
         return verification.held;
     }
 
     testkit::FakeShell shell;
+    std::optional<velkctl::FilesBefore> before;  // those of now if nothing else is said
     std::string complaint;
     ExitStatus status = ExitStatus::kDone;
 };
@@ -127,6 +129,34 @@ TEST_F(VerifySetTest, AFileWithNothingWrongIsNotNamed) {
     EXPECT_EQ(Verify("eth0.apipa", {"off"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.apipa: the library reported success, but the device holds 'on'\n");
+}
+
+TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamed) {
+    WriteFile(kInterfaces, "iface eth0 inet static\n\tgateway 10.0.0.1\n");
+    before.emplace(*FindSetting(Catalogue(), "eth0.gateway"));
+    WriteFile(kInterfaces, "");
+    EXPECT_EQ(Verify("eth0.gateway", {"10.0.0.2"}), false);
+    EXPECT_EQ(
+        complaint,
+        "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
+        "file, socket, time-out or unreadable value; /etc/network/interfaces is empty since this "
+        "set, and no edit "
+        "copy has the rest: restore it before the device starts anew; likely cause: "
+        "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
+        "mend: add a stanza that begins with one\n");
+}
+
+TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
+    WriteFile(kHooks,
+              "if [ \"$interface\" = \"eth0\" ]; then\n"
+              "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi");
+    before.emplace(*FindSetting(Catalogue(), "eth0.dhcp-notice"));
+    WriteFile(kHooks, "");
+    EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
+    EXPECT_NE(complaint.find("the device cannot hold the value; /etc/dhclient-exit-hooks is empty "
+                             "since this set, and no edit copy has the rest"),
+              std::string::npos)
+        << complaint;
 }
 
 TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {

@@ -13,11 +13,11 @@
 #include "velkctl/doctor/text_file.h"
 #include "velkctl/library_call.h"
 #include "velkctl/places.h"
+#include "velkctl/time_entry.h"
 
 namespace velkctl {
 namespace {
 
-constexpr std::string_view kClient = "ntpdate";
 constexpr char kSwitchAndServer[] = "ntp and ntp-server";
 constexpr char kProperEntry[] =
     "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log";
@@ -53,10 +53,6 @@ std::string ServerProblem(const std::string& line) {
         return "the server is its last word; setting it joins the entry with the next line";
     }
     std::string server;
-    (void)GetNtpdate(line, server);
-    if (!server.empty() && line.find(server) < line.find(kClient) + kClient.size()) {
-        return Excerpt(server) + " stands in front of the server, too, and is replaced there";
-    }
     (void)GetNtpdate(changed, server);
     if (server != kProbe) {
         return "a new server would be joined with another word of it";
@@ -104,7 +100,7 @@ Finding Remark(const std::string& line, size_t index) {
 
 // Says whether the entry runs on into another one, which begins with fields of time.
 bool HasSecondEntry(std::string_view line) {
-    const std::vector<std::string> words = WordsOf(line.substr(line.find(kClient)));
+    const std::vector<std::string> words = WordsOf(line.substr(line.find(kTimeClient)));
     int fields = 0;
     for (const std::string& word : words) {
         const bool is_field = word.find_first_not_of(kTimeCharacters) == std::string::npos;
@@ -116,11 +112,26 @@ bool HasSecondEntry(std::string_view line) {
     return false;
 }
 
+Finding EarlierText(const std::string& line, size_t index) {
+    std::string server;
+    (void)GetNtpdate(line, server);
+    Finding finding = At(index, {{.id = VELK_CMD_NTP_SERVER}});
+    finding.subject = "ntp-server";
+    finding.effect = "cannot be set";
+    finding.what = Excerpt(server) + " stands in front of the server, too, and is replaced there";
+    finding.remedy =
+        "write the server's address in its place with an editor, or a name that does not stand "
+        "further in front on the line";
+    return finding;
+}
+
 Findings CheckServer(const std::string& line, size_t index) {
     Finding finding = At(index, {{.id = VELK_CMD_NTP_SERVER}});
     finding.subject = "ntp-server";
     Findings findings;
-    if (const std::string problem = ServerProblem(line); !problem.empty()) {
+    if (IsServerFoundTooEarly(line)) {
+        findings.push_back(EarlierText(line, index));
+    } else if (const std::string problem = ServerProblem(line); !problem.empty()) {
         finding.effect = "cannot be set";
         finding.what = problem;
         findings.push_back(finding);
@@ -147,7 +158,7 @@ Findings CheckEntry(const std::string& line, size_t index) {
         return {Remark(line, index)};
     }
     Findings findings;
-    if (HasSecondMark(line, line.find(kClient))) {
+    if (HasSecondMark(line, line.find(kTimeClient))) {
         Finding finding = SecondMark("entry", kCrontab, index);
         finding.subject = "ntp";
         finding.concerns = {{.id = VELK_CMD_NTP}};
@@ -190,7 +201,7 @@ Findings CheckTimeEntry() {
     Findings findings;
     bool found = false;
     for (size_t i = 0; i < crontab.lines.size(); ++i) {
-        if (velk::Contains(crontab.lines[i], kClient)) {
+        if (velk::Contains(crontab.lines[i], kTimeClient)) {
             found = true;
             Append(findings, CheckEntry(crontab.lines[i], i));
         }

@@ -1,4 +1,6 @@
 // edit_copy_checks.cpp - edits that were left unfinished, and what stands in the way of others.
+#include <array>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -45,12 +47,19 @@ Finding InTheWay(const EditCopy& copy) {
     return finding;
 }
 
+std::string Octal(mode_t mode) {
+    std::array<char, 8> text{};
+    (void)snprintf(text.data(), text.size(), "%03o", mode & 07777U);
+    return text.data();
+}
+
 std::string KindAndOwnerOf(const struct stat& facts) {
     if (!S_ISREG(facts.st_mode)) {
         return KindOf(facts.st_mode);
     }
-    const std::string names = facts.st_nlink > 1 ? " with another name" : "";
-    return "a file of user " + std::to_string(facts.st_uid) + names;
+    const std::string names = facts.st_nlink > 1 ? " and another name" : "";
+    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + Octal(facts.st_mode) +
+           names + ", not made by the library,";
 }
 
 Finding Foreign(const EditCopy& copy) {
@@ -58,6 +67,9 @@ Finding Foreign(const EditCopy& copy) {
     finding.effect = "can still be set";
     finding.what = KindAndOwnerOf(copy.facts) +
                    " stands where the edit copy is made; the next set replaces it";
+    if (S_ISREG(copy.facts.st_mode)) {
+        finding.remedy = "look at it, use nothing of it, and remove it: " + DiscardingOf(copy);
+    }
     return finding;
 }
 
@@ -77,7 +89,7 @@ Finding Cut(const EditCopy& copy) {
         "the file seems to have been cut while being copied; the rest is in its edit "
         "copy " +
         copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
-        "which the next set replaces";
+        "which the next set replaces" + AdditionsOf(copy);
     finding.remedy = FinishingOf(copy);
     finding.hinders = Hinders::kReading;
     return finding;
@@ -104,9 +116,9 @@ Finding LeftBehind(const EditCopy& copy) {
     finding.what = "an edit copy was left behind, " + AgeOf(copy.facts) + " old" +
                    WhatIsLeft(copy) + "; the next set replaces it";
     if (copy.state == EditState::kDiffers || copy.state == EditState::kUncompared) {
-        finding.remedy = "to discard the edit: " + DiscardingOf(copy) +
-                         "; to finish it, if 'diff " + copy.file->path + " " + copy.path +
-                         "' shows what was wanted: " + FinishingOf(copy);
+        finding.what += AdditionsOf(copy);
+        finding.remedy =
+            "to discard the edit: " + DiscardingOf(copy) + "; to finish it, " + FinishingOf(copy);
     }
     return finding;
 }

@@ -1,6 +1,5 @@
 // identity_checks.cpp - whether administrator and location reach the SNMP agent.
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <string>
 #include <string_view>
@@ -9,21 +8,12 @@
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/text_file.h"
+#include "velkctl/identity_directives.h"
+#include "velkctl/library_call.h"
 #include "velkctl/places.h"
 
 namespace velkctl {
 namespace {
-
-struct Directive {
-    uint32_t id;
-    std::string_view setting;
-    std::string_view name;
-};
-
-constexpr std::array<Directive, 2> kDirectives{{
-    {VELK_CMD_ADMINISTRATOR, "administrator", "syscontact"},
-    {VELK_CMD_LOCATION, "location", "syslocation"},
-}};
 
 std::string Lower(std::string_view text) {
     std::string lower(text);
@@ -58,9 +48,36 @@ Findings CheckDirective(const TextFile& file, const Directive& directive) {
     return {finding};
 }
 
-}  // namespace
+Finding OtherDirectiveWithin(const Directive& own, const Directive& other) {
+    const std::string word(other.name);
+    return {.subject = std::string(own.setting),
+            .effect = "is cut for the SNMP agent when " + std::string(other.setting) + " is set",
+            .what = "the text holds '" + word + "', from which on that set replaces a line",
+            .file = kIdentityFile,
+            .remedy = "velkctl set " + std::string(own.setting) + " TEXT, without that word",
+            .concerns = {{.id = own.id}, {.id = other.id}}};
+}
 
-Findings CheckIdentity() {
+// A set of one text replaces every line of the agent's file from the directive's name on, also the
+// line of the other text.
+Findings CheckTexts() {
+    if (ReadTextFile(kIdentityFile).state != FileState::kText) {
+        return {};
+    }
+    Findings findings;
+    for (const Directive& own : kDirectives) {
+        const Answer answer = CallLibrary({VELK_GET, own.id, ""});
+        const std::string_view text(answer.data.data(), answer.data.size());
+        for (const Directive& other : kDirectives) {
+            if (own.id != other.id && velk::Contains(text, other.name)) {
+                findings.push_back(OtherDirectiveWithin(own, other));
+            }
+        }
+    }
+    return findings;
+}
+
+Findings CheckDirectives() {
     const TextFile file = ReadTextFile(kSnmpFile);
     if (file.state != FileState::kText) {
         return {};
@@ -69,6 +86,14 @@ Findings CheckIdentity() {
     for (const Directive& directive : kDirectives) {
         Append(findings, CheckDirective(file, directive));
     }
+    return findings;
+}
+
+}  // namespace
+
+Findings CheckIdentity() {
+    Findings findings = CheckDirectives();
+    Append(findings, CheckTexts());
     return findings;
 }
 

@@ -37,6 +37,22 @@ Findings CheckAccess(const struct stat& facts) {
     return {};
 }
 
+// In a folder that all share, a file's owner may remove it. Two programs then lock two files.
+Findings CheckOwner(const struct stat& facts) {
+    if (facts.st_uid == 0) {
+        return {};
+    }
+    Finding finding = About();
+    finding.severity = Severity::kWarning;
+    finding.effect = "can be changed by two programs at once";
+    finding.what = "the lock file belongs to user " + std::to_string(facts.st_uid) +
+                   ", who can remove it while it is locked and make it anew";
+    finding.remedy = std::string("chown -h root ") + kLockFile +
+                     ", and have an init script make it at boot, as root and with mode 666, before "
+                     "programs of other users run";
+    return {finding};
+}
+
 }  // namespace
 
 Findings CheckLock() {
@@ -51,6 +67,7 @@ Findings CheckLock() {
         return {finding};
     }
     Findings findings = CheckAccess(facts);
+    Append(findings, CheckOwner(facts));
     if (const std::string holder = LockHolderInWords(); !holder.empty()) {
         Finding finding = About();
         finding.severity = Severity::kWarning;

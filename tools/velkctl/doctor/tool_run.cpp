@@ -15,6 +15,7 @@
 
 #include "frame/file_io.h"
 #include "frame/unique_fd.h"
+#include "velkctl/environment.h"
 
 extern char** environ;
 
@@ -25,9 +26,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPause{10};
 constexpr size_t kMostOutput = 64 * 1024;
-
-// What a shell takes when PATH is not set.
-constexpr char kDefaultPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 
 bool IsExecutable(const std::string& path) {
     struct stat facts {};
@@ -139,7 +137,7 @@ std::optional<std::string> FindTool(std::string_view name, std::string_view fold
 
 std::optional<std::string> FindTool(std::string_view name) {
     const char* folders = getenv("PATH");
-    return FindTool(name, folders == nullptr ? kDefaultPath : folders);
+    return FindTool(name, folders == nullptr ? kToolFolders : folders);
 }
 
 ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest) {

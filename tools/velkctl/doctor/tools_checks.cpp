@@ -11,6 +11,7 @@
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/tool_run.h"
+#include "velkctl/environment.h"
 
 namespace velkctl {
 namespace {
@@ -85,9 +86,6 @@ std::vector<Tool> Tools() {
     };
 }
 
-// Where sudo looks, whatever the caller's PATH.
-constexpr char kSudoFolders[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
-
 // Asks sudo for the right to run tools, unless this is root, who has it. Once it does not answer it
 // is not asked again.
 class SudoRights {
@@ -119,15 +117,16 @@ Finding About(const Tool& tool) {
 
 Finding MissingTool(const Tool& tool) {
     Finding finding = About(tool);
-    const std::optional<std::string> elsewhere = FindTool(tool.name);
-    finding.effect = elsewhere ? "is not in a folder where sudo looks" : "is not installed";
+    const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
+    const std::string who = tool.by_sudo ? "sudo" : "velkctl";
+    finding.effect = elsewhere ? "is not in a folder where " + who + " looks" : "is not installed";
     if (tool.name.starts_with('/')) {
         finding.remedy = "install it, or a link to it, as " + tool.name;
     } else if (elsewhere) {
         finding.remedy = "ln -s " + *elsewhere + " /usr/local/sbin/" + tool.name;
     } else {
-        finding.remedy = tool.by_sudo ? "install it in a folder where sudo looks, as /usr/sbin"
-                                      : "install it in a folder of PATH";
+        finding.remedy = "install it in a folder where " + who + " looks, as " +
+                         (tool.by_sudo ? "/usr/sbin" : "/usr/bin");
     }
     return finding;
 }
@@ -136,12 +135,12 @@ Finding ForbiddenTool(const Tool& tool) {
     Finding finding = About(tool);
     finding.effect = "may not be run through sudo by this user without a password";
     finding.remedy = "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " +
-                     FindTool(tool.name, kSudoFolders).value_or(tool.name);
+                     FindTool(tool.name, kToolFolders).value_or(tool.name);
     return finding;
 }
 
 bool IsThere(const Tool& tool) {
-    return tool.by_sudo ? FindTool(tool.name, kSudoFolders).has_value()
+    return tool.by_sudo ? FindTool(tool.name, kToolFolders).has_value()
                         : FindTool(tool.name).has_value();
 }
 

@@ -67,10 +67,18 @@ TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
 }
 
 TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
-    EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '5' stands in front of "
-              "the server, too, and is replaced there\n" +
-                  std::string(kMend));
+    const auto finding = [](const std::string& server) {
+        return "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '" + server +
+               "' stands in front of the server, too, and is replaced there\n"
+               "  mend: write the server's address in its place with an editor, or a name that "
+               "does "
+               "not stand further in front on the line\n";
+    };
+    EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"), finding("5"));
+    EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n"),
+              finding("ntp"));
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -q q > /var/libvelk/ntp.log\n"), finding("q"))
+        << "within an option";
 }
 
 TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {

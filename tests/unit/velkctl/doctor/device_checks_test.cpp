@@ -119,6 +119,26 @@ TEST_F(FilesCheck, FindsDirectivesThatTheSnmpAgentsFileLacks) {
               "  mend: add a line \"syslocation unknown\"\n");
 }
 
+TEST_F(FilesCheck, FindsATextThatASetOfTheOtherOneCuts) {
+    constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
+    WriteFile(kIdentityFile, "ADMINISTRATOR=syscontact a\nLOCATION=syslocation b\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    WriteFile(kIdentityFile, "ADMINISTRATOR=see syslocation\nLOCATION=by syscontact\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()),
+              "problem: administrator is cut for the SNMP agent when location is set: "
+              "/var/libvelk/libvelk: the text holds 'syslocation', from which on that set replaces "
+              "a line\n"
+              "  mend: velkctl set administrator TEXT, without that word\n"
+              "problem: location is cut for the SNMP agent when administrator is set: "
+              "/var/libvelk/libvelk: the text holds 'syscontact', from which on that set replaces "
+              "a line\n"
+              "  mend: velkctl set location TEXT, without that word\n");
+    EXPECT_TRUE(libc().Logs().empty());
+    ASSERT_EQ(unlink(kIdentityFile), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
 class IfconfigCheck : public testkit::DeviceTest {};
 
 TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
@@ -215,6 +235,21 @@ TEST_F(LockCheck, FindsALockThatOthersCannotTake) {
               "warning: settings cannot be changed by every user: /var/tmp/vklib_lock: the lock "
               "file's mode is not 666\n"
               "  mend: chmod 666 /var/tmp/vklib_lock\n");
+}
+
+TEST_F(LockCheck, FindsALockThatItsOwnerCouldReplace) {
+    WriteFile("/var/tmp/vklib_lock", "");
+    ASSERT_EQ(chmod("/var/tmp/vklib_lock", 0666), 0);
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+    if (chown("/var/tmp/vklib_lock", 1234, 1234) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+              "warning: settings can be changed by two programs at once: /var/tmp/vklib_lock: the "
+              "lock file belongs to user 1234, who can remove it while it is locked and make it "
+              "anew\n"
+              "  mend: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
+              "as root and with mode 666, before programs of other users run\n");
 }
 
 TEST_F(LockCheck, FindsALinkInItsPlace) {

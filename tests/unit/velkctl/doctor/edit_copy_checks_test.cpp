@@ -23,8 +23,12 @@ constexpr char kCopy[] = "/var/tmp/root";
 class EditCopyCheck : public testkit::DeviceTest {
   protected:
     static std::string Said() { return FindingsInWords(velkctl::CheckEditCopies()); }
-    static void WriteOld(const std::string& path, const std::string& text) {
+    static void WriteCopy(const std::string& path, const std::string& text) {
         WriteFile(path, text);
+        ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+    }
+    static void WriteOld(const std::string& path, const std::string& text) {
+        WriteCopy(path, text);
         const timespec long_ago[2] = {{0, UTIME_NOW}, {time(nullptr) - 2 * 24 * 60 * 60 - 5, 0}};
         ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), long_ago, 0), 0);
     }
@@ -35,33 +39,29 @@ TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
     EXPECT_EQ(Said(), "");
 }
 
-TEST_F(EditCopyCheck, MendsAFileThatWasCut) {
+TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
     constexpr char kMend[] =
-        "  mend: (flock 9 && test -s /var/tmp/root && cat /var/tmp/root > /var/cron/tabs/root && "
-        "rm /var/tmp/root) 9< /var/tmp/vklib_lock\n";
+        "  mend: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
+        "copy is right, copy its text into the file by hand, as root\n";
+    const std::string found =
+        "problem: ntp, ntp-server and web-update may be lost: /var/cron/tabs/root: the file seems "
+        "to have been cut while being copied; the rest is in its edit copy /var/tmp/root, 2 days "
+        "old, ";
     VkLibUnLock(VkLibLock());
-    WriteOld(kCopy, "0 * * * * true\n");
+    WriteOld(kCopy, "0 * * * * true\n\x1b[1m\n");
     for (const char* cut : {"", "0 * * *"}) {
         WriteFile(kCrontab, cut);
-        EXPECT_EQ(
-            Said(),
-            std::string(
-                "problem: ntp, ntp-server and web-update may be lost: "
-                "/var/cron/tabs/root: the file seems to have been cut while being copied; the rest "
-                "is in its edit copy /var/tmp/root, 2 days old, which the next set "
-                "replaces\n") +
-                kMend);
+        EXPECT_EQ(Said(), found +
+                              "which the next set replaces; the copy would add '0 * * * * "
+                              "true', '\\x1b[1m'\n" +
+                              kMend);
     }
     WriteOld(kCopy, "0 * * * * true\n0 *");
     WriteFile(kCrontab, "");
-    EXPECT_EQ(
-        Said(),
-        std::string(
-            "problem: ntp, ntp-server and web-update may be lost: "
-            "/var/cron/tabs/root: the file seems to have been cut while being copied; the rest is "
-            "in its edit copy /var/tmp/root, 2 days old, which may lack its end, "
-            "too, and which the next set replaces\n") +
-            kMend);
+    EXPECT_EQ(Said(), found +
+                          "which may lack its end, too, and which the next set replaces; the "
+                          "copy would add '0 * * * * true', '0 *'\n" +
+                          kMend);
 }
 
 TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
@@ -72,10 +72,10 @@ TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
     ASSERT_FALSE(causes.empty());
     EXPECT_EQ(CauseInWords(causes.front()),
               "/etc/network/interfaces: the file seems to have been cut while being copied; the "
-              "rest is in its "
-              "edit copy /var/tmp/interfaces, 2 days old, which the next set replaces; mend: test "
-              "-s /var/tmp/interfaces && cat /var/tmp/interfaces > /etc/network/interfaces && rm "
-              "/var/tmp/interfaces");
+              "rest is in its edit copy /var/tmp/interfaces, 2 days old, which the next set "
+              "replaces; the copy would add 'iface eth0 inet static'; mend: compare both files, as "
+              "with 'diff /etc/network/interfaces /var/tmp/interfaces', and if the copy is right, "
+              "copy its text into the file by hand, as root");
 }
 
 TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
@@ -99,11 +99,10 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
               "edit copy was left behind, 2 days old, that differs from the file; the next set "
-              "replaces it\n"
+              "replaces it; the copy would add '5 * * * * true'\n"
               "  mend: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
-              "to finish it, if 'diff /var/cron/tabs/root /var/tmp/root' shows what was wanted: "
-              "(flock 9 && test -s /var/tmp/root && cat /var/tmp/root > /var/cron/tabs/root && rm "
-              "/var/tmp/root) 9< /var/tmp/vklib_lock\n");
+              "to finish it, compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', "
+              "and if the copy is right, copy its text into the file by hand, as root\n");
 }
 
 TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
@@ -111,7 +110,7 @@ TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
     WriteOld(kCopy, "a\n");
     EXPECT_THAT(Said(), HasSubstr("2 days old, that cannot be compared with the file; the next "
                                   "set replaces it\n  mend: to discard the edit: rm "
-                                  "/var/tmp/root; to finish it, if 'diff "));
+                                  "/var/tmp/root; to finish it, compare both files, as with "));
 }
 
 TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
@@ -125,7 +124,7 @@ TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
 
 TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
     WriteFile(kCrontab, "");
-    WriteFile(kCopy, "0 * * * * true\n");
+    WriteCopy(kCopy, "0 * * * * true\n");
     const int lock = VkLibLock();
     EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now: "
                                      "/var/tmp/root: an edit may be under way: the lock is held by "
@@ -137,28 +136,43 @@ TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
 
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
     WriteFile(kCrontab, "");
-    WriteFile(kCopy, "* * * * * evil\n");
+    WriteCopy(kCopy, "* * * * * evil\n");
     if (chown(kCopy, 1234, 1234) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
-              "user 1234 stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/root\n");
+              "user 1234 with mode 600, not made by the library, stands where the edit copy is "
+              "made; the next set replaces it\n"
+              "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
     WriteFile(kCrontab, "");
-    WriteFile(kCopy, "* * * * * evil\n");
+    WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
               "user " +
                   std::to_string(geteuid()) +
-                  " with another name stands where the edit copy is made; the next set replaces "
-                  "it\n"
-                  "  mend: rm /var/tmp/root\n");
+                  " with mode 600 and another name, not made by the library, stands where the edit "
+                  "copy is made; the next set replaces it\n"
+                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
+}
+
+// As one of root's that somebody has renamed from a folder of his own.
+TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
+    WriteFile(kCrontab, "");
+    WriteCopy(kCopy, "* * * * * evil\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(Said(),
+              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
+              "user " +
+                  std::to_string(geteuid()) +
+                  " with mode 644, not made by the library, stands where the edit copy is made; "
+                  "the next set replaces it\n"
+                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, FindsWhatASetReplaces) {

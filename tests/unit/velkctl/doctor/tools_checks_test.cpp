@@ -45,9 +45,10 @@ class ToolsCheck : public testkit::DeviceTest {
 TEST_F(ToolsCheck, TellsWhichToolIsMissing) {
     EXPECT_THAT(FindingsInWords(velkctl::CheckTools()), Not(HasSubstr("problem: rm ")));
     ASSERT_EQ(unlink("/tmp/rm"), 0);
-    EXPECT_THAT(FindingsInWords(velkctl::CheckTools()),
-                HasSubstr("problem: rm is not installed: edit copies and results stay behind in "
-                          "/var/tmp\n  mend: install it in a folder of PATH\n"));
+    EXPECT_THAT(
+        FindingsInWords(velkctl::CheckTools()),
+        HasSubstr("problem: rm is not installed: edit copies and results stay behind in "
+                  "/var/tmp\n  mend: install it in a folder where velkctl looks, as /usr/bin\n"));
 }
 
 TEST_F(ToolsCheck, SaysNothingOfARestartThatNeedsNothing) {
@@ -60,7 +61,7 @@ TEST_F(ToolsCheck, TellsWhichToolKeepsARestartFromItsEffect) {
     EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()),
               "problem: sudo is not installed: no interface can be restarted, link-speed can be "
               "neither read nor set\n"
-              "  mend: install it in a folder of PATH\n"
+              "  mend: install it in a folder where velkctl looks, as /usr/bin\n"
               "problem: ifup is not installed: no interface can be brought up again by a restart\n"
               "  mend: install it in a folder where sudo looks, as /usr/sbin\n");
 }

@@ -1,0 +1,27 @@
+// identity_directives.h - how administrator and location are named in the SNMP agent's file.
+#ifndef VELKCTL_IDENTITY_DIRECTIVES_H_
+#define VELKCTL_IDENTITY_DIRECTIVES_H_
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "velk.h"
+
+namespace velkctl {
+
+// A set replaces the rest of every line from the directive's name on, wherever on the line it is.
+struct Directive {
+    uint32_t id;
+    std::string_view setting;
+    std::string_view name;
+};
+
+inline constexpr std::array<Directive, 2> kDirectives{{
+    {VELK_CMD_ADMINISTRATOR, "administrator", "syscontact"},
+    {VELK_CMD_LOCATION, "location", "syslocation"},
+}};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_IDENTITY_DIRECTIVES_H_
