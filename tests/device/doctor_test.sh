@@ -160,7 +160,8 @@ script "$cut_short"'
     velkctl doctor --json >/run/said
     jq -r ".findings[0] | .severity, .what" /run/said | sed "s/[0-9]* seconds* old/N old/"
     mend=$(jq -r ".findings[0].remedy" /run/said)
-    flock /var/tmp/vklib_lock sh -c "sleep 0.5; wc -c </etc/network/interfaces" & sleep 0.2
+    flock /var/tmp/vklib_lock sh -c "sleep 0.5; wc -c </etc/network/interfaces" &
+    while flock -n /var/tmp/vklib_lock true; do sleep 0.05; done
     sh -c "$mend"; echo $?; cmp /etc/network/interfaces /run/whole && echo "the file is whole"
     sh -c "$mend"; echo $?; cmp /etc/network/interfaces /run/whole && ls /var/tmp
     velkctl doctor'

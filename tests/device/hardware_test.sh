@@ -345,7 +345,7 @@ status_is 0
 check 'processes left' '' "$(sleepers)"
 check 'interfaces of the machine' "$links_before" "$(links_of_machine)"
 
-starts_quickly
+starts_within 500
 
 # --- again, as an ordinary user ---
 
