@@ -12,8 +12,10 @@ mark=$((300000 + $$)) # for a `sleep` that is recognised among all processes
 on_real_device() { run velk-sandbox --quiet --real -- sh -c "$1"; }
 yes_if() { "$@" >/dev/null 2>&1 && echo yes || echo no; }
 
-it 'is for root alone'
-run setpriv --reuid 65534 --regid 65534 --clear-groups "$(command -v velk-sandbox)" --real -- true
+it 'is for root alone, which it says to others even below a folder that they may not enter'
+mkdir -m 755 "$lib_folder/program"
+install -m 755 "$(command -v velk-sandbox)" "$lib_folder/program"
+run env -C "$lib_folder/program" setpriv --reuid 65534 --regid 65534 --clear-groups ./velk-sandbox --real -- true
 status_is 125
 error_is "velk-sandbox: only root may make a device with the system's own tools"
 
@@ -57,6 +59,12 @@ status_is 0
 output_is /etc/velk-mine
 check 'folders of the machine' "$before" "$(listing)"
 check 'devices of the machine' no "$(yes_if test -e /dev/velk-mine)"
+
+it 'lets files be removed that lie on a file system of their own'
+run unshare --mount sh -c 'mount --bind /usr/sbin /usr/sbin &&
+    velk-sandbox --quiet --real -- rm /usr/sbin/ethtool'
+status_is 0
+error_is ''
 
 it 'shows no disk of the machine'
 on_real_device 'ls /dev'
