@@ -258,7 +258,7 @@ output_is velk
 
 it 'works from a checkout under /tmp, which stays visible and read-only'
 mkdir "$lib_folder/checkout"
-cp -R "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/checkout"
+cp -R --preserve=mode "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/checkout"
 cd "$lib_folder/checkout" || exit
 echo mine >file
 run ./velk-sandbox --quiet -- sh -c \
@@ -373,7 +373,7 @@ check 'error' "velk-sandbox: cannot read $lib_folder/alone/../share/velk-sandbox
 
 it 'finds them where they are installed'
 mkdir -p "$lib_folder/share/velk-sandbox"
-cp -R "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/share/velk-sandbox"
+cp -R --preserve=mode "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/share/velk-sandbox"
 run "$lib_folder/alone/velk-sandbox" --quiet -- head -n 1 /var/libvelk/libvelk
 output_is 'ADMINISTRATOR=Robin'
 
