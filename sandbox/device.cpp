@@ -72,8 +72,9 @@ void EnterDevice(const DeviceOptions& options) {
     const std::vector<KeptFolder> kept = HoldFolders(options.keep);
     DeviceTree tree;
     if (options.copy_machine) {
-        EnterOverlayRoot();
-        tree.Adopt("/");
+        for (const fs::path& folder : EnterOverlayRoot()) {
+            tree.Adopt(folder);
+        }
         RemoveMachineContents(plan);
     }
     ShowWritable(writable, plan);

@@ -25,7 +25,7 @@ constexpr char kObeyed[] = "obeyed";
 constexpr char kFirstProcess[] = "first process";  // the order to tell it
 constexpr size_t kMessageSize = 512;
 constexpr int kWaitingOrders = 8;
-constexpr timeval kPatience = {1, 0};  // with somebody who connects and then says nothing
+constexpr timeval kPatience = {5, 0};  // with somebody who connects and says nothing yet
 
 // A message, with a descriptor if there is one to go with it.
 struct Envelope {

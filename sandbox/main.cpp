@@ -57,11 +57,13 @@ std::vector<std::string> TakeCommand(std::vector<std::string>& words) {
     return command;
 }
 
-// Beside the program in a build folder, in the data folder once installed.
+// Beside the program in a build folder, in the data folder once installed. A user who may not look
+// there is refused later, with the reason.
 std::string DataFolder(const fs::path& program_folder, const char* name) {
     const fs::path installed = program_folder / "../share/velk-sandbox" / name;
     const fs::path built = program_folder / name;
-    return fs::is_directory(built) ? built : installed;
+    std::error_code unseen;
+    return fs::is_directory(built, unseen) ? built : installed;
 }
 
 std::vector<std::string> FoldersInUse(const fs::path& program_folder) {

@@ -78,12 +78,14 @@ bool TryOverlay(const fs::path& folder, const std::string& number) {
     return mount("velk", target.c_str(), "overlay", 0, options.c_str()) == 0;
 }
 
-// A file system that cannot be one half of an overlay stays what it is here: read-only.
-void CopyFileSystem(const fs::path& folder, const std::string& number) {
-    if (!TryOverlay(folder, number)) {
-        const velk::UniqueFd held = Hold(AT_FDCWD, folder);
-        (void)TryAttach(held, kNewRoot + folder.string());
+// A file system that cannot be one half of an overlay stays what it is here: read-only. False then.
+bool CopyFileSystem(const fs::path& folder, const std::string& number) {
+    if (TryOverlay(folder, number)) {
+        return true;
     }
+    const velk::UniqueFd held = Hold(AT_FDCWD, folder);
+    (void)TryAttach(held, kNewRoot + folder.string());
+    return false;
 }
 
 std::vector<Node> HoldNodes() {
@@ -128,7 +130,7 @@ void MoveToNewRoot() {
 
 }  // namespace
 
-void EnterOverlayRoot() {
+std::vector<fs::path> EnterOverlayRoot() {
     const std::vector<Node> nodes = HoldNodes();
     const std::set<fs::path> file_systems = FileSystemsBelowRoot();
     (void)MountMemory(kWorkshop, kFolderMode);
@@ -136,12 +138,16 @@ void EnterOverlayRoot() {
     if (!TryOverlay("/", "")) {
         Fail("cannot make an overlay of the root folder", errno);
     }
+    std::vector<fs::path> changeable{"/"};
     int number = 0;
     for (const fs::path& file_system : file_systems) {
-        CopyFileSystem(file_system, std::to_string(++number));
+        if (CopyFileSystem(file_system, std::to_string(++number))) {
+            changeable.push_back(file_system);
+        }
     }
     MoveToNewRoot();
     MakeDeviceNodes(nodes);
+    return changeable;
 }
 
 }  // namespace sandbox

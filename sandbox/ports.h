@@ -43,8 +43,7 @@ class Ports {
 // True when this user may make interfaces that keep a speed and a duplex, as ethtool(8) sets them.
 bool PortsKeepSpeed();
 
-// The best kind of interfaces to be had, none made yet. Call it in the device's network; the
-// process may find itself in another one afterwards.
+// The best kind of interfaces to be had, none made yet. Call it in the device's network.
 std::unique_ptr<Ports> ChoosePorts();
 
 }  // namespace sandbox

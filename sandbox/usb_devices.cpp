@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <utility>
@@ -27,6 +28,8 @@ void WriteDevices(const std::string& text) {
     std::ofstream file(kNewUsbDevices);
     file << text;
     file.close();
+    std::filesystem::permissions(kNewUsbDevices,
+                                 std::filesystem::status(kUsbDevices).permissions());
     if (!file || rename(kNewUsbDevices, kUsbDevices) == -1) {
         Fail(std::string("cannot write ") + kUsbDevices, errno);
     }

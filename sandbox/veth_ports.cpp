@@ -1,12 +1,10 @@
-// veth_ports.cpp - interfaces whose cable is another interface, in a network of this process.
+// veth_ports.cpp - interfaces whose cable is another interface, in a network of its own.
 #include "sandbox/veth_ports.h"
 
-#include <cerrno>
-
 #include <net/if.h>
-#include <sched.h>
 
 #include "sandbox/failure.h"
+#include "sandbox/network_visit.h"
 #include "sandbox/programs.h"
 
 namespace sandbox {
@@ -15,10 +13,8 @@ namespace {
 // The first process is on the device.
 constexpr char kDeviceNetwork[] = "/proc/1/ns/net";
 
-NetworkControl EnterNetworkOfCables() {
-    if (unshare(CLONE_NEWNET) == -1) {
-        Fail("cannot make a network for the cables", errno);
-    }
+NetworkControl ControlOf(const velk::UniqueFd& network) {
+    const NetworkVisit visit(network);
     return NetworkControl();
 }
 
@@ -34,10 +30,11 @@ void RunIp(std::vector<std::string> words) {
 
 }  // namespace
 
-VethPorts::VethPorts() : cables_(EnterNetworkOfCables()) {
+VethPorts::VethPorts() : network_(MakeNetwork()), cables_(ControlOf(network_)) {
 }
 
 void VethPorts::Make(const Port& port) {
+    const NetworkVisit visit(network_);
     RunIp({"add", port.cable, "type", "veth", "peer", "name", port.name, "netns", kDeviceNetwork});
     device_.SetHardwareAddress(port.name, port.last_byte);
     device_.BringUp(port.name);
@@ -45,6 +42,7 @@ void VethPorts::Make(const Port& port) {
 }
 
 void VethPorts::Remove(const Port& port) {
+    const NetworkVisit visit(network_);
     // Somebody on the device may have deleted the interface, and the cable with it.
     if (if_nametoindex(port.cable) != 0) {
         RunIp({"del", port.cable});

@@ -1,7 +1,8 @@
-// veth_ports.h - interfaces whose cable is another interface, in a network of this process.
+// veth_ports.h - interfaces whose cable is another interface, in a network of its own.
 #ifndef SANDBOX_VETH_PORTS_H_
 #define SANDBOX_VETH_PORTS_H_
 
+#include "frame/unique_fd.h"
 #include "sandbox/network_control.h"
 #include "sandbox/ports.h"
 
@@ -10,7 +11,6 @@ namespace sandbox {
 // Every user may have them on a device, but the kernel does not let their speed be set.
 class VethPorts : public Ports {
   public:
-    // Moves this process into the network where the cables end, which the device does not see.
     VethPorts();
 
     void Make(const Port& port) override;
@@ -18,6 +18,7 @@ class VethPorts : public Ports {
     void SetCarrier(const Port& port, bool carrier) override;
 
   private:
+    velk::UniqueFd network_;  // of the cables, which the device does not see
     NetworkControl device_;
     NetworkControl cables_;
 };

@@ -31,7 +31,8 @@ cmake --install "$build" --prefix "$moved" >/dev/null || exit 1
 library=$(find "$moved" -name libvelk.so.1)
 PKG_CONFIG_PATH=$(dirname "$library")/pkgconfig
 export PKG_CONFIG_PATH
-read -ra flags < <(pkg-config --cflags --libs velk)
+# shellcheck disable=SC2162 # pkg-config writes a backslash before a blank of the path
+read -a flags < <(pkg-config --cflags --libs velk)
 
 # shellcheck disable=SC2016 # the marks of an example, not commands
 sed -n '/^```c$/,/^```$/ { /^```/ !p }' "$here/../../README.md" >"$root/readme.c"

@@ -67,6 +67,15 @@ has() { # has WHAT PART WHOLE
     esac
 }
 
+# Waits up to a minute, as the machine may be busy, until a command says yes.
+wait_until() {
+    local end=$((SECONDS + 60))
+    until "$@" >/dev/null 2>&1; do
+        [ "$SECONDS" -le "$end" ] || return 1
+        sleep 0.05
+    done
+}
+
 skip() {
     printf 'SKIPPED: %s\n' "$1"
     exit 77
@@ -77,18 +86,18 @@ needs_sandbox() {
     lib_reason=$(velk-sandbox --quiet -- true 2>&1) || skip "no sandbox here: $lib_reason"
 }
 
-# Holds that a device is there and gone again within half a second; the fastest of five counts, as
-# the machine may be busy.
-starts_quickly() {
-    it 'starts in less than half a second'
-    lib_fastest=999999
-    for _ in 1 2 3 4 5; do
-        lib_start=$(date +%s%N)
-        on_device true
-        lib_took=$((($(date +%s%N) - lib_start) / 1000000))
-        [ "$lib_took" -lt "$lib_fastest" ] && lib_fastest=$lib_took
-    done
-    check "fast start ($lib_fastest ms)" yes "$([ "$lib_fastest" -lt 500 ] && echo yes || echo no)"
+# Holds that a device can be there and gone again within so many milliseconds. It has a minute to
+# show it once, as the machine may be busy.
+starts_within() { # starts_within MILLISECONDS [OPTION...]
+    it "starts within $1 ms"
+    lib_command="velk-sandbox ${*:2}"
+    wait_until started_within "$@"
+    check 'fast start' 0 $?
+}
+started_within() {
+    lib_start=$(date +%s%N)
+    velk-sandbox --quiet "${@:2}" -- true || return
+    [ $((($(date +%s%N) - lib_start) / 1000000)) -lt "$1" ]
 }
 
 # Runs a whole test file again as an ordinary user, when it runs as root. What that user needs is

@@ -14,13 +14,7 @@ name=outside.$$
 start_device() { # start_device NAME OPTION...
     velk-sandbox --quiet --name "$@" -- sh -c 'trap "exit 0" TERM; echo ready >/tmp/ready; sleep 60 & wait' &
     device=$!
-    wait_until_ready velk-sandbox enter --name "$1" -- test -e /tmp/ready
-}
-wait_until_ready() {
-    for _ in $(seq 100); do
-        "$@" 2>/dev/null && return
-        sleep 0.05
-    done
+    wait_until velk-sandbox enter --name "$1" -- test -e /tmp/ready
 }
 end_device() {
     kill -KILL "$device"
@@ -122,11 +116,11 @@ status_is 127
 it 'shows each change of a file as it happens'
 velk-sandbox watch --name "$name" >"$lib_folder/watched" 2>"$lib_folder/watch-errors" &
 watcher=$!
-wait_until_ready grep -q watching "$lib_folder/watch-errors"
+wait_until grep -q watching "$lib_folder/watch-errors"
 inside velkctl set eth0.dns 10.9.8.7
-wait_until_ready grep -q '^+nameserver' "$lib_folder/watched"
+wait_until grep -q '^+nameserver' "$lib_folder/watched"
 inside velkctl set ntp-server time.example
-wait_until_ready grep -q '^+0 \*' "$lib_folder/watched"
+wait_until grep -q '^+0 \*' "$lib_folder/watched"
 check 'changes' '--- /etc/resolv.dnsmasq.conf
 +++ /etc/resolv.dnsmasq.conf	TIME
 @@ -1,2 +1 @@
@@ -144,15 +138,15 @@ check 'changes' '--- /etc/resolv.dnsmasq.conf
 
 it 'shows files that come and go'
 inside sh -c 'echo one >/var/libvelk/ntp.log'
-wait_until_ready grep -q '^+one' "$lib_folder/watched"
+wait_until grep -q '^+one' "$lib_folder/watched"
 inside rm /var/libvelk/ntp.log
-wait_until_ready grep -q '^-one' "$lib_folder/watched"
+wait_until grep -q '^-one' "$lib_folder/watched"
 check 'line that comes and goes' '+one -one' "$(grep '^.one' "$lib_folder/watched" | paste -s -d ' ')"
 
 it 'ends its visitors when it is killed, and leaves no name'
-velk-sandbox enter --name "$name" -- sleep 60 2>/dev/null &
+velk-sandbox enter --name "$name" -- sh -c 'echo >/tmp/visited; exec sleep 60' 2>/dev/null &
 visitor=$!
-sleep 0.3
+wait_until velk-sandbox enter --name "$name" -- test -e /tmp/visited
 end_device
 wait "$visitor"
 check 'status of a visitor' 137 "$?"

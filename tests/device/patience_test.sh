@@ -38,6 +38,7 @@ words='
         passed=$((($(date +%s%N) - began) / 1000000))
         [ $passed -ge "${1}000" ] && [ $passed -le "${2}000" ] && echo "in time" || echo "$passed ms"
     }
+    asked=/tmp/WlanAplFromWlanSock # is there while the daemon is asked
     interrupted_by() { python3 -c "$INTERRUPT" "$@"; }
     at_terminal() { TERM=linux python3 -c "$TERMINAL" "$@"; }
     # Runs a command on the same device while nobody reads its system log and the queue is full.
@@ -69,12 +70,24 @@ log.set_inheritable(True)
 os.execvp(sys.argv[1], sys.argv[1:])
 '
 
-# Runs a command, sends it a signal after a time, and says how it ended.
+# Runs a command, sends it a signal after a time, counted from when it blocks signals if there is a
+# plus, or once a file is there, and says how it ended.
 export INTERRUPT='
-import signal, subprocess, sys, time
-name, seconds, *command = sys.argv[1:]
+import os, signal, subprocess, sys, time
+
+def blocked(process):
+    with open(f"/proc/{process}/status") as status:
+        return next(int(line.split()[1], 16) for line in status if line.startswith("SigBlk"))
+
+name, moment, *command = sys.argv[1:]
 program = subprocess.Popen(command)
-time.sleep(float(seconds))
+if moment.startswith("/"):
+    while not os.path.exists(moment):
+        time.sleep(0.01)
+else:
+    while moment.startswith("+") and blocked(program.pid) == 0:
+        time.sleep(0.01)
+    time.sleep(float(moment))
 program.send_signal(getattr(signal, name))
 status = program.wait()
 sys.stdout.flush()
@@ -82,25 +95,22 @@ print("ended by", signal.Signals(-status).name if status < 0 else status)
 '
 
 # Runs a command with errors, input and Ctrl-C at a terminal of its own, and shows what it wrote
-# there. Ctrl-C is typed after that many seconds, if any.
+# there. Ctrl-C is typed once it has written a certain text, if any.
 export TERMINAL='
-import os, pty, select, sys, time
+import os, pty, sys
 ctrl_c, *command = sys.argv[1:]
 process, terminal = pty.fork()
 if process == 0:
     os.execvp(command[0], command)
-end = time.monotonic() + float(ctrl_c) if ctrl_c != "-" else None
 shown = b""
 while True:
-    left = None if end is None else max(end - time.monotonic(), 0)
-    if not select.select([terminal], [], [], left)[0]:
-        os.write(terminal, b"\x03")
-        end = None
-        continue
     try:
         shown += os.read(terminal, 1000)
     except OSError:
         break
+    if ctrl_c != "-" and ctrl_c.encode() in shown:
+        os.write(terminal, b"\x03")
+        ctrl_c = "-"
 status = os.waitstatus_to_exitcode(os.waitpid(process, 0)[1])
 print(repr(shown.decode()), status)
 '
@@ -117,7 +127,7 @@ anonymous() { printf '%s\n' "$1" | sed -E 's/process [0-9]+/process N/; s/[0-9]+
 # ---- the lock ---------------------------------------------------------------------------------
 
 it 'says at once who holds the lock'
-on_desk 'hold_lock 20; velkctl set eth0.dns 10.0.0.1; status=$?; took 0 15; echo $holder; exit $status'
+on_desk 'hold_lock 100; velkctl set eth0.dns 10.0.0.1; status=$?; took 0 60; echo $holder; exit $status'
 status_is 3
 has 'standard output' 'in time' "$output"
 has 'standard error' "process ${output##*
@@ -135,7 +145,7 @@ check 'standard error' 'velkctl: waiting at most 30 s for the lock, held by proc
     "$(anonymous "$error")"
 
 it 'waits no longer than it is told'
-on_desk 'hold_lock 9; velkctl restart eth0 --wait=1; status=$?; took 1 6; exit $status'
+on_desk 'hold_lock 100; velkctl restart eth0 --wait=1; status=$?; took 1 60; exit $status'
 status_is 3
 output_is 'in time'
 check 'standard error' 'velkctl: waiting at most 1 s for the lock, held by process N (flock, M seconds old)
@@ -143,7 +153,7 @@ velkctl: eth0: could not be restarted: another program is changing settings now,
     "$(anonymous "$error")"
 
 it 'tells of the waiting within the document'
-on_desk 'hold_lock 9; velkctl call set 108 eth0 --text 10.0.0.1 --wait=1 --json >/tmp/answer
+on_desk 'hold_lock 100; velkctl call set 108 eth0 --text 10.0.0.1 --wait=1 --json >/tmp/answer
     status=$?; python3 -c "
 import json
 answer = json.load(open(\"/tmp/answer\"))
@@ -153,12 +163,12 @@ error_is ''
 output_is '1 waiting at most 1 s for the lock, held by proce -3'
 
 it 'stops waiting for the lock at a signal'
-on_desk 'hold_lock 9; interrupted_by SIGINT 0.5 velkctl set eth0.dns 10.0.0.1 --wait; took 0 5'
+on_desk 'hold_lock 100; interrupted_by SIGINT 0.5 velkctl set eth0.dns 10.0.0.1 --wait; took 0 25'
 output_is 'ended by SIGINT
 in time'
 
 it 'finishes its document when a signal ends its waiting for the lock'
-on_desk 'hold_lock 9; interrupted_by SIGTERM 0.5 velkctl set eth0.dns 10.0.0.1 --wait --json >/tmp/answer
+on_desk 'hold_lock 100; interrupted_by SIGTERM +0.5 velkctl set eth0.dns 10.0.0.1 --wait --json >/tmp/answer
     tail -n 1 /tmp/answer; head -n -1 /tmp/answer | python3 -c "
 import json, sys
 answer = json.load(sys.stdin)
@@ -168,7 +178,7 @@ output_is 'ended by SIGTERM
 143 interrupted'
 
 it 'reads settings while the lock is held'
-on_desk 'hold_lock 5; velkctl get eth0.method'
+on_desk 'hold_lock 100; velkctl get eth0.method'
 status_is 0
 error_is ''
 output_is static
@@ -176,7 +186,7 @@ output_is static
 # ---- given up ---------------------------------------------------------------------------------
 
 it 'gives up a question that nobody answers'
-on_desk 'reply silent; velkctl get eth1.ssid --timeout 1; status=$?; took 1 10; left; exit $status'
+on_desk 'reply silent; velkctl get eth1.ssid --timeout 1; status=$?; took 1 40; left; exit $status'
 status_is 7
 output_is 'in time'
 error_is 'velkctl: eth1.ssid: could not be read: given up, it took too long'
@@ -203,10 +213,10 @@ output_is velk-lab
 
 it 'gives up a tool that hangs, and leaves it alone'
 on_desk 'mkdir /tmp/tools
-    printf "#!/bin/sh\nsleep 5; echo went on >/tmp/note\n" >/tmp/tools/sudo; chmod +x /tmp/tools/sudo
-    stand_in sudo /tmp/tools/sudo
-    velkctl get eth0.link-speed --timeout 1; status=$?; took 1 4; left
-    for try in 1 2 3 4 5 6 7 8 9 10; do [ -e /tmp/note ] && break; sleep 1; done; cat /tmp/note
+    printf "#!/bin/sh\nuntil [ -e /tmp/go ]; do sleep 0.1; done\necho went on >/tmp/note\n" >/tmp/tools/sudo
+    chmod +x /tmp/tools/sudo; stand_in sudo /tmp/tools/sudo
+    velkctl get eth0.link-speed --timeout 1; status=$?; took 1 40; left
+    touch /tmp/go; until [ -s /tmp/note ]; do sleep 0.1; done; cat /tmp/note
     exit $status'
 status_is 7
 error_is 'velkctl: eth0.link-speed: could not be read: given up, it took too long'
@@ -225,7 +235,7 @@ status_is 2
 error_is "velkctl: --timeout: 'soon' is not a time; give whole seconds, 1 to 86400"
 
 it 'shows the rest of the settings when the daemon is silent'
-on_desk 'reply silent; velkctl show eth1 --timeout 1 >/tmp/shown; status=$?; took 1 20
+on_desk 'reply silent; velkctl show eth1 --timeout 1 >/tmp/shown; status=$?; took 1 60
     grep -c "did not answer before" /tmp/shown; grep -E "(method|given up)" /tmp/shown | tr -s " "
     left; exit $status'
 status_is 0
@@ -238,7 +248,7 @@ has 'standard output' '(given up, it took too long)' "$output"
 
 it 'leaves nothing behind when a signal ends it in a question'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
-    on_desk "reply silent; interrupted_by $signal 1 velkctl get eth1.ssid; took 1 10; left"
+    on_desk "reply silent; interrupted_by $signal \$asked velkctl get eth1.ssid; took 0 40; left"
     output_is "ended by $signal
 in time"
     error_is ''
@@ -246,19 +256,21 @@ done
 
 it 'says that a change may be half done when a signal ends it'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
-    on_desk "reply silent; interrupted_by $signal 1 velkctl set eth1.ssid x; left"
+    on_desk "reply silent; interrupted_by $signal \$asked velkctl set eth1.ssid x; left"
     output_is "ended by $signal"
     error_is 'velkctl: interrupted; eth1.ssid may be half changed'
 done
 
 it 'says that a restart may be half done when a signal ends it'
-on_desk 'interrupted_by SIGTERM 1 velkctl restart eth0 2>/tmp/errors; grep velkctl: /tmp/errors; left'
+on_desk 'mkdir /tmp/tools; printf "#!/bin/sh\n%s \"\$@\"\n[ \$1 != ifdown ] || : >/tmp/is-down\n" "$(command -v sudo)" \
+        >/tmp/tools/sudo; chmod +x /tmp/tools/sudo; PATH=/tmp/tools:$PATH
+    interrupted_by SIGTERM /tmp/is-down velkctl restart eth0 2>/tmp/errors; grep velkctl: /tmp/errors; left'
 output_is 'ended by SIGTERM
 velkctl: restart of eth0: ifdown: interface eth0 not configured
 velkctl: interrupted; restart of eth0 may be half done'
 
 it 'finishes its document when a signal ends it'
-on_desk 'reply silent; interrupted_by SIGTERM 1 velkctl set eth1.ssid x --json >/tmp/answer
+on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl set eth1.ssid x --json >/tmp/answer
     tail -n 1 /tmp/answer; head -n -1 /tmp/answer | python3 -c "
 import json, sys
 print(json.load(sys.stdin)[\"errors\"][0][\"message\"])"'
@@ -267,7 +279,7 @@ output_is 'ended by SIGTERM
 interrupted; eth1.ssid may be half changed'
 
 it 'shows what it has read when a signal ends it'
-on_desk 'reply silent; interrupted_by SIGTERM 1 velkctl get eth0.method eth1.ssid >/tmp/answer
+on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth1.ssid >/tmp/answer
     cat /tmp/answer'
 output_is 'eth0.method = static
 ended by SIGTERM'
@@ -277,7 +289,7 @@ for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "rm /etc/network/interfaces; mkfifo /etc/network/interfaces
         interrupted_by $signal 0.3 velkctl get eth0.method
         interrupted_by $signal 0.3 velkctl get eth0.address
-        interrupted_by $signal 0.3 velkctl set eth0.gateway 192.168.0.1; left; took 0 8"
+        interrupted_by $signal 0.3 velkctl set eth0.gateway 192.168.0.1; left; took 0 60"
     error_is ''
     output_is "ended by $signal
 ended by $signal
@@ -289,7 +301,7 @@ it 'gives up a file that keeps it waiting'
 on_desk 'rm /etc/network/interfaces; mkfifo /etc/network/interfaces
     velkctl get eth0.method --timeout 1; echo $?
     velkctl get eth0.address --timeout 1; echo $?
-    velkctl set eth0.gateway 192.168.0.1 --timeout 1; echo $?; left; took 0 10'
+    velkctl set eth0.gateway 192.168.0.1 --timeout 1; echo $?; left; took 0 60'
 error_is 'velkctl: eth0.method: could not be read: given up, it took too long
 velkctl: eth0.address: could not be read: given up, it took too long
 velkctl: eth0.gateway: could not be set: given up, it took too long; it may be half changed'
@@ -350,14 +362,15 @@ error_is ''
 output_is ''
 
 it 'takes the process that is at work with it when it is killed'
-on_desk 'reply silent; velkctl set eth1.ssid x & tool=$!; sleep 0.5; pgrep -c velkctl
-    kill -KILL $tool; sleep 1; pgrep -c velkctl; flock --nonblock /var/tmp/vklib_lock echo free'
+on_desk 'reply silent; velkctl set eth1.ssid x & tool=$!
+    until [ -e $asked ]; do sleep 0.01; done; pgrep -c velkctl
+    kill -KILL $tool; while pgrep velkctl; do sleep 0.1; done >/dev/null; pgrep -c velkctl; flock --nonblock /var/tmp/vklib_lock echo free'
 output_is '2
 0
 free'
 
 it 'tells of a library that was killed'
-on_desk 'reply silent; velkctl get eth1.ssid & sleep 0.5
+on_desk 'reply silent; velkctl get eth1.ssid & until [ -e $asked ]; do sleep 0.01; done
     kill -KILL $(pgrep -P $!); wait $!; status=$?; left; exit $status'
 status_is 1
 output_is ''
@@ -378,7 +391,7 @@ output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon 
 output_has " \\rvelk-lab\\r\\n' 0"
 
 it 'ends at once at Ctrl-C, with the line gone'
-on_desk 'reply silent; at_terminal 1.5 velkctl set eth1.ssid x; took 1 8; left'
+on_desk 'reply silent; at_terminal "1 s of" velkctl set eth1.ssid x; took 1 40; left'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer"
 output_has " \\rvelkctl: interrupted; eth1.ssid may be half changed\\r\\n' -2"
 output_has 'in time'
@@ -393,7 +406,7 @@ output_is "0
 velkctl: eth1.ssid: could not be read: given up, it took too long"
 
 it 'lets the shell see 130'
-on_desk 'reply silent; at_terminal 1 bash -c "trap : INT; velkctl get eth1.ssid; echo status \$?" | grep -o "status 130"'
+on_desk 'reply silent; at_terminal "1 s of" bash -c "trap : INT; velkctl get eth1.ssid; echo status \$?" | grep -o "status 130"'
 output_is 'status 130'
 
 finish

@@ -207,8 +207,10 @@ on_device velkctl get web-update
 output_is 'weekly sunday 01:30'
 
 # Asks the cron of the distribution, which lays its own copy below /var/spool, whether it takes the
-# device's crontab.
-cron_takes='mountpoint -q /var/spool/cron || mount -t tmpfs tmpfs /var/spool/cron
+# device's crontab. Only root can: cron gives the copy to a group, and the device of an ordinary user
+# has none but the user's.
+cron_takes='cron_takes() { true; }'
+[ "$(id -u)" != 0 ] || cron_takes='mountpoint -q /var/spool/cron || mount -t tmpfs tmpfs /var/spool/cron
 cron_takes() { crontab -n /var/cron/tabs/root >/tmp/said 2>&1; }'
 
 it 'writes every schedule as cron takes it, and reads it back'
@@ -234,11 +236,15 @@ error_is ''
 output_is "$schedules"
 
 it 'writes lines that cron would not take, when it is made to'
-script "$cron_takes"'
-    velkctl call set 11 "" --hex 01:00:30:3a:30 && ! cron_takes && grep updater /var/cron/tabs/root && cat /tmp/said'
+script 'velkctl call set 11 "" --hex 01:00:30:3a:30 && grep updater /var/cron/tabs/root'
 status_is 0
 output_has '00 */0 * * * perl /usr/bin/web_contents_updater.pl'
-output_has 'errors in crontab file'
+if [ "$(id -u)" = 0 ]; then
+    script "$cron_takes"'
+        velkctl call set 11 "" --hex 01:00:30:3a:30 && ! cron_takes && cat /tmp/said'
+    status_is 0
+    output_has 'errors in crontab file'
+fi
 
 it 'makes up for the days that a month lacks'
 script 'velkctl set web-update monthly 31 1:30 && grep updater /var/cron/tabs/root'

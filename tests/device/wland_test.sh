@@ -29,11 +29,11 @@ words='
     stand_in sudo /tmp/tools/sudo
     echo no >/tmp/tools/cable
 
-    # Waits up to five seconds until a command says yes.
+    # Waits up to a minute, as the machine may be busy, until a command says yes.
     wait_until() {
-        for try in $(seq 100); do
+        for try in $(seq 600); do
             "$@" && return
-            sleep 0.05
+            sleep 0.1
         done
         echo "never: $*"
         return 1
@@ -60,6 +60,7 @@ words='
     wait_in_vain() {
         velkctl call get 303 eth1 >/tmp/answer &
         query=$!
+        wait_until test -e /tmp/WlanAplFromWlanSock
         sleep 1
         kill -0 $query && echo waits
     }
@@ -100,7 +101,7 @@ def ask(kind):
     except socket.timeout:
         print("after the post")
     libc.sem_post(ready)
-    receiver.settimeout(3)
+    receiver.settimeout(60)
     reply = receiver.recv(4096)
     receiver.settimeout(0.3)
     try:
@@ -124,7 +125,7 @@ elif verb == "slow":
     receiver = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
     receiver.bind("/tmp/WlanAplFromWlanSock")
     libc.sem_post(ready)
-    receiver.settimeout(3)
+    receiver.settimeout(60)
     print(len(receiver.recv(4096)))
 elif verb == "make-semaphore":
     semaphore(0)
@@ -140,7 +141,7 @@ elif verb == "leave-socket":
 elif verb == "occupy":
     with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as other:
         other.bind("/tmp/WlanAplToWlanSock")
-        os.system("timeout 5 wland")
+        os.system("timeout 60 wland")
         print(os.path.exists("/tmp/WlanAplToWlanSock"))
 '
 
@@ -272,7 +273,7 @@ output_is 'wland: the wireless interface was restarted'
 # --- bad replies ---
 
 it 'can be silent'
-with_log '--verbose --reply silent' 'wait_in_vain; give_up; say_log; cat /tmp/answer'
+with_log '--verbose --reply silent' 'wait_in_vain; give_up; wait_until grep -q asked /tmp/log; say_log; cat /tmp/answer'
 error_is ''
 output_is 'waits
 wland: asked for the configuration'
@@ -321,7 +322,7 @@ output_is '303: -1
 it 'can reply late'
 with_wland '--reply late --delay 0.7' 'start=$(date +%s%N); get 303
     took=$((($(date +%s%N) - start) / 1000000))
-    [ $took -ge 700 ] && [ $took -lt 10000 ] && echo late || echo $took ms'
+    [ $took -ge 700 ] && [ $took -lt 50000 ] && echo late || echo $took ms'
 output_is '303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 late'
 
@@ -330,7 +331,7 @@ with_log '--reply late' 'wait_in_vain; give_up; say_log'
 output_is waits
 
 it 'says that nobody takes a late reply'
-with_log '--reply late --delay 1.2' 'wait_in_vain; give_up
+with_log '--reply late --delay 5' 'wait_in_vain; give_up
     wait_until grep late /tmp/log'
 output_is 'waits
 wland: late reply not taken: Connection refused'
@@ -359,8 +360,8 @@ late
 waits'
 
 it 'drops late replies that are due when it is told anew'
-with_log '--reply late --delay 1.5' 'wait_in_vain; give_up; wland --tell normal
-    get 303; sleep 1; say_log'
+with_log '--reply late --delay 5' 'wait_in_vain; give_up; wland --tell normal
+    get 303; sleep 5; say_log'
 output_is 'waits
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 wland: replies are normal'
@@ -368,7 +369,7 @@ wland: replies are normal'
 it 'keeps its delay when told of none'
 with_wland '--delay 0.6' 'wland --tell late; start=$(date +%s%N); get 303
     took=$((($(date +%s%N) - start) / 1000000))
-    [ $took -ge 600 ] && [ $took -lt 10000 ] && echo late || echo $took ms'
+    [ $took -ge 600 ] && [ $took -lt 50000 ] && echo late || echo $took ms'
 output_is '303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 late'
 

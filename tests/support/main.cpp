@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string_view>
 
@@ -19,6 +20,8 @@ bool IsListing(int argc, char** argv) {
 }
 
 constexpr int kSkipped = 77;  // as ctest is told
+// A device's programs find tools in all of these; the caller of the tests may lack some.
+constexpr char kSearchPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 
 // False, after saying why, where the kernel gives no private namespaces.
 bool EnterPrivateDevice() {
@@ -40,6 +43,7 @@ int main(int argc, char** argv) {
     const bool listing = IsListing(argc, argv);
     ::testing::InitGoogleMock(&argc, argv);
     (void)prctl(PR_SET_NAME, program_invocation_short_name);  // not valgrind's, as it would be
+    (void)setenv("PATH", kSearchPath, 1);
     if (!listing && !EnterPrivateDevice()) {
         return kSkipped;  // the tests write to the library's real paths
     }

@@ -25,7 +25,7 @@ run crontab -l
 output_has 'ntpdate -u time.example'
 rm -f /var/libvelk/ntp.log
 cron_at '2026-01-04 00:58:40'
-soon 8 grep 'adjust time server time.example' /var/libvelk/ntp.log
+soon grep 'adjust time server time.example' /var/libvelk/ntp.log
 end_cron
 run velkctl get ntp-result
 output_is reached
@@ -36,7 +36,7 @@ status_is 0
 run velkctl set web-update every 1h
 status_is 0
 cron_at '2026-01-04 00:58:40'
-soon 8 has_updated
+soon has_updated
 check 'ntp.log' absent "$([ -e /var/libvelk/ntp.log ] && echo present || echo absent)"
 end_cron
 
@@ -45,7 +45,7 @@ run velkctl set ntp on
 status_is 0
 velk-sandbox router out
 cron_at '2026-01-04 00:58:40'
-soon 12 grep 'no server suitable' /var/libvelk/ntp.log
+soon grep 'no server suitable' /var/libvelk/ntp.log
 end_cron
 velk-sandbox router in
 run velkctl get ntp-result
@@ -61,7 +61,7 @@ while IFS='|' read -r schedule moment; do
     run crontab -n /var/cron/tabs/root
     status_is 0
     cron_at "$moment"
-    soon 8 has_updated
+    soon has_updated
     end_cron
     check "updates by '$schedule'" 1 "$(updates)"
 done <<END

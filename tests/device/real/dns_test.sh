@@ -20,29 +20,29 @@ serve 192.168.0.2 10.0.0.2
 serve 192.168.0.3 10.0.0.3
 
 it 'asks the server of the sample file'
-soon 20 finds router.example 192.168.0.1
+soon finds router.example 192.168.0.1
 
 it 'asks the server that is set, without being restarted'
 forwarder=$(cat /run/dnsmasq.pid)
 run velkctl set eth0.dns 192.168.0.2
 status_is 0
-soon 20 answers 10.0.0.2
+soon answers 10.0.0.2
 check 'forwarder' "$forwarder" "$(cat /run/dnsmasq.pid)"
 
 it 'asks another one that is set'
 run velkctl set eth0.dns 192.168.0.3
 status_is 0
-soon 20 answers 10.0.0.3
+soon answers 10.0.0.3
 
 it 'asks the second one when the first is silent'
 run velkctl set eth0.dns 192.168.0.66 192.168.0.2
 status_is 0
-soon 20 answers 10.0.0.2
+soon answers 10.0.0.2
 
 it 'has no answer when there is no server'
 run velkctl set eth0.dns none
 status_is 0
-wait_until 5 grep -q 'no servers found' /var/log/dnsmasq.log
+wait_until grep -q 'no servers found' /var/log/dnsmasq.log
 run getent ahostsv4 who.example
 status_is 2
 
@@ -50,8 +50,8 @@ it 'asks the server of a lease, when DNS servers come from DHCP'
 velk-sandbox adapter out
 velkctl set eth0.method dhcp
 run velkctl restart eth0
-soon 20 has_lease eth0 0
-soon 20 grep '192.168.0.1$' /etc/resolv.dnsmasq.conf
-soon 20 getent ahostsv4 router.example
+soon has_lease eth0 0
+soon grep '192.168.0.1$' /etc/resolv.dnsmasq.conf
+soon getent ahostsv4 router.example
 
 finish

@@ -13,20 +13,10 @@ if [ -z "${VELK_ON_REAL_DEVICE:-}" ]; then
 fi
 cd /tmp || exit
 
-# Waits until a command says yes. False after so many seconds.
-wait_until() { # wait_until SECONDS COMMAND...
-    local end=$((SECONDS + $1))
-    shift
-    until "$@" >/dev/null 2>&1; do
-        [ "$SECONDS" -le "$end" ] || return 1
-        sleep 0.05
-    done
-}
-
-# Holds that a command says yes within so many seconds.
-soon() { # soon SECONDS COMMAND...
-    lib_command="${*:2}"
-    check "within $1 seconds" yes "$(wait_until "$@" && echo yes || echo no)"
+# Holds that a command says yes before long.
+soon() {
+    lib_command=$*
+    check 'before long' yes "$(wait_until "$@" && echo yes || echo no)"
 }
 
 # What the kernel holds: ADDRESS/BITS of an interface.

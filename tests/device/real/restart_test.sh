@@ -12,7 +12,7 @@ talk_to_noting_daemon() {
     local daemon
     daemon=$(cat /run/velk-sandbox/wland.pid)
     kill "$daemon"
-    wait_until 5 daemon_is_gone "$daemon"
+    wait_until daemon_is_gone "$daemon"
     wland --verbose --background --pid-file /run/velk-sandbox/wland.pid
 }
 daemon_is_gone() { ! kill -0 "$1"; }
@@ -21,11 +21,12 @@ forget() { busybox truncate -s 0 "$log"; }
 messages() { grep -c 'wland.*: the wireless interface was restarted' "$log"; }
 privileged() { sed -n 's/.* sudo: .*COMMAND=//p' "$log" | grep -v ethtool; }
 
-# Restarts with a fresh log. The log's own daemon takes a moment.
+# Restarts with a fresh log, and waits until the log's own daemon has written all of it.
 restart() {
     forget
     run velkctl restart eth1 "$@"
-    sleep 0.2
+    logger all-written
+    wait_until grep -q all-written "$log"
 }
 
 talk_to_noting_daemon
@@ -50,7 +51,7 @@ velk-sandbox cable out
 it 'with the cable out: takes the interface down and up in the background, and tells the daemon'
 restart
 status_is 0
-soon 5 has_lease eth1 1
+soon has_lease eth1 1
 check 'messages' 1 "$(messages)"
 check 'privileged commands' '/usr/sbin/ifdown eth1
 /usr/sbin/ifup eth1' "$(privileged)"
@@ -67,16 +68,17 @@ it 'with the cable out: gives up the old lease for a new one'
 forget_router_log
 restart
 status_is 0
-soon 5 has_lease eth1 1
+soon has_lease eth1 1
 check 'leases given up' 1 "$(grep -c 'DHCPRELEASE(r1)' /var/log/router.log)"
 check 'leases taken' 1 "$(grep -c 'DHCPACK(r1)' /var/log/router.log)"
 
 it 'without a daemon: fails, but restarts the interface'
-kill "$(cat /run/velk-sandbox/wland.pid)"
-sleep 0.2
+daemon=$(cat /run/velk-sandbox/wland.pid)
+kill "$daemon"
+wait_until daemon_is_gone "$daemon"
 restart
 status_is 1
-soon 5 has_lease eth1 1
+soon has_lease eth1 1
 
 it 'without an adapter: does nothing at all, whatever is wanted'
 velk-sandbox adapter out

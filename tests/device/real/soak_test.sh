@@ -64,7 +64,7 @@ velk-sandbox cable in
 it 'leaves no process'
 run ifdown --force eth1
 pkill dhclient
-soon 15 is_quiet
+soon is_quiet
 check 'processes' "$processes_before" "$(processes)"
 
 it 'leaves no edit copy but an empty one, which a refused switch leaves until the next set'
@@ -116,7 +116,7 @@ ip link set eth0 up
 ip addr replace 192.168.0.10/24 dev eth0
 sleep 1
 velkctl set eth0.dns 192.168.0.1
-soon 20 getent ahostsv4 router.example
+soon getent ahostsv4 router.example
 run grep -vE '^nameserver [0-9.]+$' /etc/resolv.dnsmasq.conf
 output_is ''
 
@@ -133,7 +133,7 @@ velkctl set eth0.link-speed auto
 velk-sandbox adapter out
 run velkctl restart eth0
 status_is 0
-soon 10 has_lease eth0 0
+soon has_lease eth0 0
 run grep -iE 'syntax|parse|error|semicolon' /var/log/syslog/syslog_info.log.0
 output_is ''
 

@@ -24,6 +24,12 @@ using velkctl::StopSignals;
 constexpr Command kGetDns{VELK_GET, VELK_CMD_DNS, "eth0"};
 constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
 
+void AwaitFile(const char* path) {
+    while (!Exists(path)) {
+        (void)usleep(1000);
+    }
+}
+
 class ChildCallTest : public testkit::DeviceTest {
   protected:
     const StopSignals signals;
@@ -70,16 +76,20 @@ TEST_F(ChildCallTest, LetsAToolEndByItself) {
     libc().OnCall(Call::kSystem, [](const Event&) {
         if (fork() == 0) {
             WriteFile("/tmp/began", "");
-            (void)usleep(300 * 1000);
+            AwaitFile("/tmp/waited-for");
             WriteFile("/tmp/ended", "");
             _exit(0);
         }
         (void)pause();
     });
     ChildCall child(kRestart, {}, signals);
-    while (!Exists("/tmp/began")) {
-        (void)usleep(1000);
-    }
+    AwaitFile("/tmp/began");
+    // The first pause of GiveUp() lasts until the tool has ended, however busy the machine is.
+    libc().OnCall(Call::kNanosleep, [](const Event&) {
+        WriteFile("/tmp/waited-for", "");
+        siginfo_t ended;
+        EXPECT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
+    });
     EXPECT_TRUE(child.GiveUp());
     EXPECT_TRUE(Exists("/tmp/ended"));
 }
@@ -96,9 +106,7 @@ TEST_F(ChildCallTest, DoesNotWaitForAToolThatGoesOn) {
         (void)pause();
     });
     ChildCall child(kRestart, {}, signals);
-    while (!Exists("/tmp/tool")) {
-        (void)usleep(1000);
-    }
+    AwaitFile("/tmp/tool");
     EXPECT_FALSE(child.GiveUp());
     EXPECT_EQ(libc().Texts(Call::kNanosleep), std::vector<std::string>(100, "10000000"));
     const pid_t tool = std::stoi(testkit::ReadFile("/tmp/tool"));
