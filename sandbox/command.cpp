@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "sandbox/printable.h"
 #include "sandbox/programs.h"
 #include "sandbox/stand_ins.h"
 
@@ -45,7 +46,7 @@ int ExitStatusOf(int wait_status) {
 }
 
 void Say(const std::string& text) {
-    (void)fprintf(stderr, "velk-sandbox: %s\n", text.c_str());
+    (void)fprintf(stderr, "velk-sandbox: %s\n", Printable(text).c_str());
 }
 
 int BecomeCommand(const std::vector<std::string>& command, const std::string& program_folder) {

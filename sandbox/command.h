@@ -19,7 +19,7 @@ enum ExitStatus {
 // What a shell would report for a status that wait(2) gave.
 int ExitStatusOf(int wait_status);
 
-// Says one line on standard error.
+// Says one line on standard error, as Printable() shows it.
 void Say(const std::string& text);
 
 // Becomes the command. An empty one stands for the user's shell. The stand-ins and then

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "sandbox/capabilities.h"
+#include "sandbox/device_nodes.h"
 #include "sandbox/device_tree.h"
 #include "sandbox/kept_folders.h"
 #include "sandbox/mounts.h"
@@ -70,6 +71,7 @@ void EnterDevice(const DeviceOptions& options) {
         ProtectMachine(writable);
     }
     const std::vector<KeptFolder> kept = HoldFolders(options.keep);
+    const std::vector<DeviceNode> nodes = HoldDeviceNodes();
     DeviceTree tree;
     if (options.copy_machine) {
         for (const fs::path& folder : EnterOverlayRoot()) {
@@ -82,9 +84,10 @@ void EnterDevice(const DeviceOptions& options) {
         MountProcesses(options.protect_machine);
     }
     MountDevices();
+    MountDeviceNodes(nodes);
+    tree.Adopt("/dev");
 
     CoverPlaces(plan, tree);
-    DetachLog();
     ShowHidden(kept, writable, plan);
     MakeContents(plan, tree);
     StepInto(here);

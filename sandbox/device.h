@@ -25,8 +25,7 @@ struct DeviceOptions {
     std::vector<std::string> keep;
     // Folders of the machine that stay visible and writable.
     std::vector<std::string> writable;
-    // The device gets a copy of the whole machine that it may change, and of the machine's devices
-    // only those that reach no hardware. Root only.
+    // The device gets a copy of the whole machine that it may change. Root only.
     bool copy_machine = false;
     // Everything of the machine that is not in `writable` becomes read-only.
     bool protect_machine = true;

@@ -5,19 +5,25 @@
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
-#include <set>
+#include <map>
+#include <utility>
 
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include "sandbox/failure.h"
+#include "sandbox/ownership.h"
 
 namespace sandbox {
 namespace {
 
 constexpr size_t kLongestName = 32;
-constexpr int kWaitingOrders = 8;
+// Whoever lists the devices takes a place in this queue, too, until the device looks into it.
+constexpr int kWaitingOrders = 128;
+// The longest wait for a place in the queue of a listener. It may be anybody.
+constexpr timeval kLongestWait = {2, 0};
 constexpr char kNameCharacters[] =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
 
@@ -43,8 +49,12 @@ Address AddressOf(const std::string& name) {
     return address;
 }
 
+bool CanBeName(const std::string& name) {
+    return name.size() <= kLongestName && name.find_first_not_of(kNameCharacters) == name.npos;
+}
+
 void RefuseName(const std::string& name) {
-    if (name.size() > kLongestName || name.find_first_not_of(kNameCharacters) != name.npos) {
+    if (!CanBeName(name)) {
         throw Failure("'" + name + "' cannot be a name; give at most " +
                       std::to_string(kLongestName) + " letters, digits, '.', '_' or '-'");
     }
@@ -56,6 +66,34 @@ velk::UniqueFd MakeSocket() {
         Fail("cannot make a socket", errno);
     }
     return made;
+}
+
+// No descriptor, with errno, if nobody listens there.
+velk::UniqueFd TryConnect(const std::string& name) {
+    const Address address = AddressOf(name);
+    velk::UniqueFd visitor = MakeSocket();
+    (void)setsockopt(visitor.get(), SOL_SOCKET, SO_SNDTIMEO, &kLongestWait, sizeof(kLongestWait));
+    if (connect(visitor.get(), address.get(), address.size) == -1) {
+        (void)visitor.Reset();
+    }
+    return visitor;
+}
+
+[[noreturn]] void RefuseForeignDevice(const std::string& name, uid_t owner) {
+    throw Failure("device " + name + " belongs to " + DescribeUser(owner) +
+                  ", not to you; nothing was sent to it");
+}
+
+[[noreturn]] void RefuseTakenName(const std::string& name) {
+    const velk::UniqueFd visitor = TryConnect(name);
+    if (visitor.get() == -1) {
+        throw Failure("the name " + name + " is taken; choose another one with --name");
+    }
+    if (!IsOwnPeer(visitor)) {
+        throw Failure("the name " + name + " is taken by " + DescribeUser(PeerUser(visitor)) +
+                      "; choose another one with --name");
+    }
+    throw Failure("a device named " + name + " is running already");
 }
 
 bool TryBind(const velk::UniqueFd& door, const std::string& name) {
@@ -78,10 +116,44 @@ void BindToFreeNumber(const velk::UniqueFd& door, std::string& name) {
     }
 }
 
+// The names that a device of this user could have, in order, with the user who listens there. The
+// kernel's list is text that others can write lines into, so only a connection proves a name.
+std::map<std::string, uid_t> Listeners() {
+    const std::string mark = std::string("@").append(Prefix());
+    std::map<std::string, uid_t> listeners;
+    std::ifstream sockets("/proc/net/unix");
+    for (std::string line; std::getline(sockets, line);) {
+        const size_t found = line.find(mark);
+        const std::string name = found == line.npos ? "" : line.substr(found + mark.size());
+        // A device with visitors is listed more than once.
+        if (name.empty() || !CanBeName(name) || listeners.contains(name)) {
+            continue;
+        }
+        if (const velk::UniqueFd visitor = TryConnect(name); visitor.get() != -1) {
+            listeners.emplace(name, PeerUser(visitor));
+        }
+    }
+    return listeners;
+}
+
+std::vector<std::string> OwnNames(const std::map<std::string, uid_t>& listeners) {
+    std::vector<std::string> names;
+    for (const auto& [name, user] : listeners) {
+        if (user == geteuid()) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
 std::string OnlyDevice() {
-    const std::vector<std::string> names = RunningDevices();
-    if (names.empty()) {
+    const std::map<std::string, uid_t> listeners = Listeners();
+    const std::vector<std::string> names = OwnNames(listeners);
+    if (listeners.empty()) {
         throw Failure("no device is running here");
+    }
+    if (names.empty()) {
+        RefuseForeignDevice(listeners.begin()->first, listeners.begin()->second);
     }
     if (names.size() > 1) {
         std::string list;
@@ -101,7 +173,7 @@ velk::UniqueFd OpenDoor(std::string& name) {
     if (name.empty()) {
         BindToFreeNumber(door, name);
     } else if (!TryBind(door, name)) {
-        throw Failure("a device named " + name + " is running already");
+        RefuseTakenName(name);
     }
     if (listen(door.get(), kWaitingOrders) == -1) {
         Fail("cannot listen at the device's door", errno);
@@ -112,24 +184,19 @@ velk::UniqueFd OpenDoor(std::string& name) {
 velk::UniqueFd KnockAtDoor(const std::string& name) {
     RefuseName(name);
     const std::string chosen = name.empty() ? OnlyDevice() : name;
-    const Address address = AddressOf(chosen);
-    velk::UniqueFd visitor = MakeSocket();
-    if (connect(visitor.get(), address.get(), address.size) == -1) {
-        throw Failure("no device named " + chosen + " is running");
+    velk::UniqueFd visitor = TryConnect(chosen);
+    if (visitor.get() == -1) {
+        throw Failure(errno == EAGAIN ? "device " + chosen + " is too busy to answer; try again"
+                                      : "no device named " + chosen + " is running");
+    }
+    if (!IsOwnPeer(visitor)) {
+        RefuseForeignDevice(chosen, PeerUser(visitor));
     }
     return visitor;
 }
 
 std::vector<std::string> RunningDevices() {
-    const std::string mark = std::string("@").append(Prefix());
-    std::set<std::string> names;  // a door that is in use is listed more than once
-    std::ifstream sockets("/proc/net/unix");
-    for (std::string line; std::getline(sockets, line);) {
-        if (const size_t found = line.find(mark); found != line.npos) {
-            names.insert(line.substr(found + mark.size()));
-        }
-    }
-    return {names.begin(), names.end()};
+    return OwnNames(Listeners());
 }
 
 }  // namespace sandbox

@@ -14,6 +14,7 @@
 
 #include "sandbox/door.h"
 #include "sandbox/failure.h"
+#include "sandbox/ownership.h"
 
 namespace sandbox {
 namespace {
@@ -94,14 +95,6 @@ velk::UniqueFd ReceiveDescriptor(const velk::UniqueFd& from) {
     return velk::UniqueFd(number);
 }
 
-// Anybody can knock at the door.
-bool IsOwner(const velk::UniqueFd& customer) {
-    ucred credentials = {};
-    socklen_t size = sizeof(credentials);
-    return getsockopt(customer.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 &&
-           credentials.uid == geteuid();
-}
-
 velk::UniqueFd Connect(const std::string& name) {
     if (!name.empty() || !IsOnDevice()) {
         return KnockAtDoor(name);
@@ -109,6 +102,10 @@ velk::UniqueFd Connect(const std::string& name) {
     velk::UniqueFd hardware = MakeSocket();
     if (connect(hardware.get(), Address(), sizeof(kAddress)) == -1) {
         Fail("cannot reach the device's hardware", errno);
+    }
+    if (!IsOwnPeer(hardware)) {
+        throw Failure("this device belongs to " + DescribeUser(PeerUser(hardware)) +
+                      ", not to you; nothing was sent to it");
     }
     return hardware;
 }
@@ -127,9 +124,13 @@ HardwareChannel::HardwareChannel(velk::UniqueFd door)
 void HardwareChannel::Answer(int listener,
                              const std::function<void(const std::string&)>& obey) const {
     const velk::UniqueFd customer(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+    // Anybody can knock at the door.
+    if (customer.get() == -1 || !IsOwnPeer(customer)) {
+        return;
+    }
     (void)setsockopt(customer.get(), SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof(kPatience));
     const std::string order = Receive(customer);
-    if (order.empty() || !IsOwner(customer)) {
+    if (order.empty()) {
         return;
     }
     try {
@@ -164,6 +165,7 @@ velk::UniqueFd AskForFirstProcess(const std::string& name) {
     if (process.get() == -1) {
         throw Failure("the device lets nobody in");
     }
+    RefuseForeignProcess(process);
     return process;
 }
 

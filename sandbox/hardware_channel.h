@@ -33,7 +33,8 @@ bool IsOnDevice();
 // that name, or to the only one that is running. Throws Failure.
 void GiveOrder(const std::string& order, const std::string& name);
 
-// Asks a device for its first process, as a pidfd. Throws Failure.
+// Asks a device for its first process, as a pidfd. Throws Failure, also for a process that this
+// user may not enter.
 velk::UniqueFd AskForFirstProcess(const std::string& name);
 
 }  // namespace sandbox

@@ -1,5 +1,6 @@
 // main.cpp - velk-sandbox: a device on your desk.
 #include <algorithm>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -199,6 +200,7 @@ int Run(std::vector<std::string> words) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    (void)setlocale(LC_CTYPE, "");  // for Printable()
     try {
         return Run({argv + 1, argv + argc});
     } catch (const std::exception& error) {

@@ -16,6 +16,7 @@ namespace {
 
 constexpr char kSource[] = "velk";  // what the device's mounts are called in /proc/mounts
 constexpr mode_t kModeBits = 07777;
+constexpr unsigned kFilesPerMegabyte = 256;  // empty files take memory, too
 
 // Valgrind knows neither open_tree(2) nor move_mount(2). A place stays reachable when something is
 // mounted over it, but unlike a clone it shares later changes of its mount's flags: enough for a
@@ -31,9 +32,10 @@ bool BindPlace(const velk::UniqueFd& held, const std::string& path) {
 
 }  // namespace
 
-dev_t MountMemory(const std::string& folder, mode_t mode) {
-    char options[32];
-    (void)snprintf(options, sizeof(options), "mode=%04o", mode & kModeBits);
+dev_t MountMemory(const std::string& folder, mode_t mode, unsigned megabytes) {
+    char options[64];
+    (void)snprintf(options, sizeof(options), "mode=%04o,size=%um,nr_inodes=%u", mode & kModeBits,
+                   megabytes, megabytes * kFilesPerMegabyte);
     if (mount(kSource, folder.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options) == -1) {
         Fail("cannot make " + folder + " private", errno);
     }

@@ -10,8 +10,12 @@
 
 namespace sandbox {
 
-// Mounts an empty file system that lives in memory. Returns its device number.
-dev_t MountMemory(const std::string& folder, mode_t mode);
+// A program of the device that never stops writing must not take the machine's memory.
+inline constexpr unsigned kUsualMegabytes = 64;
+
+// Mounts an empty file system that lives in memory and holds so much at most. Returns its device
+// number.
+dev_t MountMemory(const std::string& folder, mode_t mode, unsigned megabytes = kUsualMegabytes);
 
 // Mounts a file system of the kernel's, such as "proc". False, with errno, when it is refused.
 bool MountKernel(const char* type, const char* folder, unsigned long flags);

@@ -11,8 +11,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/mount.h>
@@ -30,18 +28,9 @@ namespace fs = std::filesystem;
 constexpr char kWorkshop[] = "/tmp";
 constexpr char kNewRoot[] = "/tmp/root";
 constexpr mode_t kFolderMode = 0755;
-constexpr const char* kNodes[] = {"null", "zero", "full", "random", "urandom", "tty", "net/tun"};
-constexpr std::pair<const char*, const char*> kDeviceLinks[] = {
-    {"/proc/self/fd", "/dev/fd"}, {"fd/0", "/dev/stdin"},    {"fd/1", "/dev/stdout"},
-    {"fd/2", "/dev/stderr"},      {"pts/ptmx", "/dev/ptmx"},
-};
+constexpr unsigned kMegabytes = 512;  // of changes, logs above all
 // The kernel's own file systems, and the places that are private anyway.
 constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", "/var/tmp"};
-
-struct Node {
-    std::string name;
-    velk::UniqueFd held;
-};
 
 bool IsCopied(const fs::path& path) {
     std::error_code error;
@@ -88,37 +77,6 @@ bool CopyFileSystem(const fs::path& folder, const std::string& number) {
     return false;
 }
 
-std::vector<Node> HoldNodes() {
-    std::vector<Node> nodes;
-    for (const std::string name : kNodes) {
-        velk::UniqueFd held = Hold(AT_FDCWD, "/dev/" + name);
-        if (held.get() == -1) {
-            Fail("cannot take hold of /dev/" + name, errno);
-        }
-        nodes.push_back({name, std::move(held)});
-    }
-    return nodes;
-}
-
-void MakeDeviceNodes(const std::vector<Node>& nodes) {
-    (void)MountMemory("/dev", kFolderMode);
-    for (const char* folder : {"/dev/net", "/dev/pts", "/dev/shm"}) {
-        fs::create_directory(folder);
-    }
-    for (const Node& node : nodes) {
-        const std::string path = "/dev/" + node.name;
-        const std::ofstream mount_point(path);
-        Attach(node.held, path);
-    }
-    for (const auto& [target, link] : kDeviceLinks) {
-        fs::create_symlink(target, link);
-    }
-    if (mount("velk", "/dev/pts", "devpts", MS_NOSUID | MS_NOEXEC,
-              "newinstance,ptmxmode=0666,mode=620") == -1) {
-        Fail("cannot make terminals private", errno);
-    }
-}
-
 // Nothing of the old root can be reached afterwards.
 void MoveToNewRoot() {
     fs::current_path(kNewRoot);
@@ -131,9 +89,8 @@ void MoveToNewRoot() {
 }  // namespace
 
 std::vector<fs::path> EnterOverlayRoot() {
-    const std::vector<Node> nodes = HoldNodes();
     const std::set<fs::path> file_systems = FileSystemsBelowRoot();
-    (void)MountMemory(kWorkshop, kFolderMode);
+    (void)MountMemory(kWorkshop, kFolderMode, kMegabytes);
     fs::create_directory(kNewRoot);
     if (!TryOverlay("/", "")) {
         Fail("cannot make an overlay of the root folder", errno);
@@ -146,7 +103,6 @@ std::vector<fs::path> EnterOverlayRoot() {
         }
     }
     MoveToNewRoot();
-    MakeDeviceNodes(nodes);
     return changeable;
 }
 

@@ -8,9 +8,8 @@
 namespace sandbox {
 
 // Moves this process, in mount namespaces of its own, onto a root folder that shows the machine's
-// files and keeps every change in memory. /proc and /sys are empty there and wait to be mounted;
-// /dev has the nodes that need no hardware. Returns the folders where a file system begins that may
-// be changed. Throws Failure.
+// files and keeps every change in memory. /dev, /proc and /sys are empty there and wait to be
+// mounted. Returns the folders where a file system begins that may be changed. Throws Failure.
 std::vector<std::filesystem::path> EnterOverlayRoot();
 
 }  // namespace sandbox

@@ -15,6 +15,22 @@ namespace {
 constexpr const char* kFolders[] = {"/usr/local/sbin/", "/usr/local/bin/", "/usr/sbin/",
                                     "/usr/bin/",        "/sbin/",          "/bin/"};
 
+class OutputTo {
+  public:
+    explicit OutputTo(int output) {
+        (void)posix_spawn_file_actions_init(&actions_);
+        (void)posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+    }
+    OutputTo(const OutputTo&) = delete;
+    OutputTo& operator=(const OutputTo&) = delete;
+    ~OutputTo() { (void)posix_spawn_file_actions_destroy(&actions_); }
+
+    const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+  private:
+    posix_spawn_file_actions_t actions_;
+};
+
 }  // namespace
 
 std::string FindProgram(const std::string& name) {
@@ -36,10 +52,12 @@ std::vector<char*> ArgumentsOf(std::vector<std::string>& words) {
     return arguments;
 }
 
-int RunProgram(std::vector<std::string> words) {
+int RunProgram(std::vector<std::string> words, int output) {
     const std::vector<char*> arguments = ArgumentsOf(words);
+    const OutputTo actions(output);
     pid_t program;
-    if (posix_spawn(&program, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0) {
+    if (posix_spawn(&program, arguments[0], actions.get(), nullptr, arguments.data(), environ) !=
+        0) {
         return kNotFound;
     }
     int status;

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace sandbox {
 
 // The path of a program in one of the system's folders, or an empty text.
@@ -13,9 +15,9 @@ std::string FindProgram(const std::string& name);
 // The words as execv(3) takes them. They must outlive what is returned.
 std::vector<char*> ArgumentsOf(std::vector<std::string>& words);
 
-// Runs a program, given by its path, to its end. Returns what a shell would report; 127 when it
-// cannot be run.
-int RunProgram(std::vector<std::string> words);
+// Runs a program, given by its path, to its end. `output` is its standard output. Returns what a
+// shell would report; 127 if it cannot be run.
+int RunProgram(std::vector<std::string> words, int output = STDOUT_FILENO);
 
 }  // namespace sandbox
 

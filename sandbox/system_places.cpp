@@ -20,7 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kLogSocket[] = "/dev/log";
 constexpr char kNetworkSettings[] = "/proc/sys/net";
 
 bool IsProcess(const fs::path& path) {
@@ -80,13 +79,6 @@ void MountProcesses(bool protect) {
 void MountDevices() {
     // Without it the device merely sees the names of the machine's interfaces there.
     (void)MountKernel("sysfs", "/sys", MS_RDONLY);
-}
-
-void DetachLog() {
-    // Where it is a link into /run, nothing is left to be reached.
-    if (fs::exists(kLogSocket)) {
-        Attach(HoldEntry("/dev/null"), kLogSocket);
-    }
 }
 
 }  // namespace sandbox

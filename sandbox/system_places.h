@@ -12,9 +12,6 @@ void MountProcesses(bool protect);
 // Mounts a /sys that shows the network interfaces of this network namespace, read-only.
 void MountDevices();
 
-// Sees to it that what is logged on the device does not reach the machine's log.
-void DetachLog();
-
 }  // namespace sandbox
 
 #endif  // SANDBOX_SYSTEM_PLACES_H_

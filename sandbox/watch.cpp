@@ -1,16 +1,18 @@
 // watch.cpp - shows what becomes of a device's files.
 //
 // It keeps a copy of each file in memory. diff(1) gets the copy and the new text as files that have
-// no name, so that nothing is written on the device it watches.
+// no name, and writes into another one, so that nothing is written on the device it watches.
 #include "sandbox/watch.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +25,7 @@
 #include "frame/unique_fd.h"
 #include "sandbox/command.h"
 #include "sandbox/failure.h"
+#include "sandbox/printable.h"
 #include "sandbox/programs.h"
 
 namespace sandbox {
@@ -66,6 +69,10 @@ std::string TimeOfDay() {
     return {text, strftime(text, sizeof(text), "%T", &parts)};
 }
 
+std::string PathOf(const velk::UniqueFd& file) {
+    return "/dev/fd/" + std::to_string(file.get());
+}
+
 // Left open for diff, which it finds under the descriptor's number.
 velk::UniqueFd NamelessFile(const std::string& text) {
     velk::UniqueFd file(memfd_create("velk-sandbox", 0));
@@ -76,15 +83,27 @@ velk::UniqueFd NamelessFile(const std::string& text) {
     return file;
 }
 
+// Programs of the device may have written anything into its files.
+void PrintLines(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        (void)puts(Printable(line).c_str());
+    }
+    (void)fflush(stdout);
+}
+
 void ShowDifference(const fs::path& path, const std::string& before, const std::string& after) {
     const velk::UniqueFd old_file = NamelessFile(before);
     const velk::UniqueFd new_file = NamelessFile(after);
-    const int result = RunProgram(
-        {FindProgram("diff"), "-u", "--label", path, "--label", path.string() + "\t" + TimeOfDay(),
-         "/dev/fd/" + std::to_string(old_file.get()), "/dev/fd/" + std::to_string(new_file.get())});
+    const velk::UniqueFd difference = NamelessFile("");
+    const std::string name = Printable(path.native());
+    const int result = RunProgram({FindProgram("diff"), "-a", "-u", "--label", name, "--label",
+                                   name + "\t" + TimeOfDay(), PathOf(old_file), PathOf(new_file)},
+                                  difference.get());
     if (result > kFilesDiffer) {
         throw Failure("diff(1) failed");
     }
+    PrintLines(TextOf(PathOf(difference)));
 }
 
 class Watch {

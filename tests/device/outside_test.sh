@@ -63,11 +63,18 @@ check 'name' listed "$(is_listed "$name")"
 run velk-sandbox --quiet --name "$name" -- true
 status_is 125
 error_is "velk-sandbox: a device named $name is running already"
-for bad in 'a/b' 'a b' 'ä' "$(printf '%33s' '' | tr ' ' x)"; do
+for bad in 'a/b' 'a b' "$(printf '%33s' '' | tr ' ' x)"; do
     run velk-sandbox --quiet --name "$bad" -- true
     status_is 125
     error_has "'$bad' cannot be a name"
 done
+
+it 'shows bytes that the terminal would obey, or that the locale lacks, in digits'
+run velk-sandbox enter --name $'\e[31mä\tb\n\xe2\x80\xaec'
+status_is 125
+error_has "'\\x1b[31m\\xc3\\xa4	b\\x0a\\xe2\\x80\\xaec' cannot be a name"
+run env LC_ALL=C.UTF-8 velk-sandbox enter --name $'\e[31mä\tb\n\xe2\x80\xaec'
+error_has "'\\x1b[31mä	b\\x0a\\xe2\\x80\\xaec' cannot be a name"
 
 it 'moves cable and adapter from outside'
 for position in out in; do
@@ -142,6 +149,14 @@ wait_until grep -q '^+one' "$lib_folder/watched"
 inside rm /var/libvelk/ntp.log
 wait_until grep -q '^-one' "$lib_folder/watched"
 check 'line that comes and goes' '+one -one' "$(grep '^.one' "$lib_folder/watched" | paste -s -d ' ')"
+
+it 'shows bytes of files, and of their names, that the terminal would obey in digits'
+inside sh -c 'printf "\033[31mred\tand\0more\r\n" >"$(printf "/var/libvelk/a\033[1m\nb")"'
+wait_until_ready grep -q red "$lib_folder/watched"
+check 'change' '--- /var/libvelk/a\x1b[1m\x0ab
++++ /var/libvelk/a\x1b[1m\x0ab	TIME
+@@ -0,0 +1 @@
++\x1b[31mred	and\x00more\x0d' "$(tail -n 4 "$lib_folder/watched" | sed -E 's/\t[0-9]{2}:[0-9]{2}:[0-9]{2}$/\tTIME/')"
 
 it 'ends its visitors when it is killed, and leaves no name'
 velk-sandbox enter --name "$name" -- sh -c 'echo >/tmp/visited; exec sleep 60' 2>/dev/null &

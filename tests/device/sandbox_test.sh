@@ -243,12 +243,55 @@ output_is "velk-sandbox
 velk-hardware$([ -x "$VELK_BUILD/wland" ] && printf '\nwland')
 this one"
 
+it 'has devices of its own alone: no disk, no log of the machine'
+on_device ls /dev
+output_is 'fd
+full
+net
+null
+ptmx
+pts
+random
+shm
+stderr
+stdin
+stdout
+tty
+urandom
+zero'
+on_device_sh 'stat -c "%F" /dev/* /dev/*/* | sort -u'
+output_is 'character special file
+directory
+symbolic link'
+on_device_sh 'echo text >/dev/null && head -c 3 /dev/zero | wc -c && echo text | cat /dev/fd/0'
+output_is '3
+text'
+error_is ''
+on_device_sh 'mode=$(stat -c %a /dev/null) && chmod "$mode" /dev/null'
+status_is 1
+error_has "changing permissions of '/dev/null': Read-only file system"
+
 it 'does not log to the machine'
 mkdir "$lib_folder/dev"
 on_other_mounts 'cd "$1" && mkdir shm && : >log && : >null &&
     mount --bind /dev/null null && mount --rbind . /dev && cd / &&
-    velk-sandbox --quiet -- stat -c %F /dev/log' "$lib_folder/dev"
-output_is 'character special file'
+    velk-sandbox --quiet -- ls /dev/log /dev/kmsg /dev/null' "$lib_folder/dev"
+output_is /dev/null
+error_is "ls: cannot access '/dev/log': No such file or directory
+ls: cannot access '/dev/kmsg': No such file or directory"
+
+it 'has memory of its own, so much and no more'
+on_device_sh 'sed -nE "s/^velk ([^ ]*) tmpfs .*(,size=[^,]*,nr_inodes=[^, ]*).*/\1\2/p" /proc/mounts'
+for place in /dev /dev/shm /etc /run /tmp /usr/sbin /var /var/log /var/tmp; do
+    output_has "$place,size=65536k,nr_inodes=16384"
+done
+check 'file systems without these limits' '' \
+    "$(echo "$output" | grep -v ',size=65536k,nr_inodes=16384$')"
+on_device_sh 'grep -c "^velk [^ ]* tmpfs .*" /proc/mounts'
+check 'file systems in memory' yes "$([ "$output" -ge 9 ] && echo yes)"
+on_device_sh 'head -c 70000000 /dev/zero >/var/log/syslog/loop; stat -c %s /var/log/syslog/loop'
+output_is 67108864
+error_has 'No space left on device'
 
 it 'is named velk'
 on_device hostname
@@ -440,7 +483,7 @@ if command -v script >/dev/null; then
         at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox" \
             'tty; echo answer-$((6 * 7))\n' 'sleep 10\n' '\003' 'echo still; exit 3\n'
         output_has answer-42
-        output_has /dev/pts/
+        output_has /dev/console
         output_has still
         status_is 3
         check 'complaints' '' "$(echo "$output" | grep -i -e 'job control' -e cannot -e "can't")"

@@ -84,6 +84,10 @@ tty
 urandom
 zero'
 
+it 'keeps so much of what is changed, and no more'
+on_real_device 'echo $(($(stat -f -c "%b * %S" /))) $(($(stat -f -c "%b * %S" /tmp))) $(stat -f -c %c /)'
+output_is '536870912 67108864 131072'
+
 it 'leaves a folder writable that is to be'
 run velk-sandbox --quiet --real --writable "$lib_folder" -- sh -c 'echo kept >"$1"/file' sh "$lib_folder"
 status_is 0
