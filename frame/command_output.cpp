@@ -13,7 +13,8 @@ constexpr size_t kLongestLine = 64 * 1024;
 
 }  // namespace
 
-CommandOutput::CommandOutput(const CommandLine& command) : run_result_(Run(command)) {
+CommandOutput::CommandOutput(const CommandLine& command, ReadersTurn::Patience patience)
+    : turn_(patience), run_result_(Run(command)) {
 }
 
 int CommandOutput::Run(const CommandLine& command) {

@@ -17,7 +17,8 @@ namespace velk {
 class CommandOutput {
   public:
     // The line must redirect its output into kResultFile.
-    explicit CommandOutput(const CommandLine& command);
+    explicit CommandOutput(const CommandLine& command,
+                           ReadersTurn::Patience patience = ReadersTurn::Patience::kThreeSeconds);
 
     // 0, or why the shell was not run, as CommandLine::Run() says it. 0 also where the line was not
     // run because the result file cannot be the caller's own.
@@ -25,6 +26,8 @@ class CommandOutput {
     // The result file is there and can be read.
     bool is_open() const { return reader_.has_value() && reader_->is_open(); }
     bool is_empty() const { return is_open() && reader_->is_empty(); }
+
+    ReadersTurn::Patience patience_left() const { return turn_.patience_left(); }
 
     bool Next(std::string_view& line) { return reader_->Next(line); }
 

@@ -76,8 +76,12 @@ class Standstill {
 
 }  // namespace
 
-ReadersTurn::ReadersTurn() : folder_(open(kFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (folder_.get() != -1 && !Takes(kWholeQueue)) {
+ReadersTurn::ReadersTurn(Patience patience)
+    : folder_(open(kFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), patience_left_(patience) {
+    if (folder_.get() == -1 || Takes(kWholeQueue)) {
+        return;
+    }
+    if (patience == Patience::kThreeSeconds) {
         Queue();
     }
 }
@@ -104,12 +108,23 @@ bool ReadersTurn::Takes(off_t place) const {
     return flock(folder_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-void ReadersTurn::Queue() const {
+// False when nothing has moved for too long.
+bool ReadersTurn::Waits(off_t place) const {
+    Standstill standstill(folder_.get());
+    while (!Takes(place)) {
+        if (standstill.HasLasted3Seconds()) {
+            return false;
+        }
+        std::this_thread::sleep_for(kPause);  // for the full pause, also when signals arrive
+    }
+    return true;
+}
+
+void ReadersTurn::Queue() {
     const off_t place = PlaceOfArrival();
     MarkPlace(place, F_RDLCK);
-    Standstill standstill(folder_.get());
-    while (!Takes(place) && !standstill.HasLasted3Seconds()) {
-        std::this_thread::sleep_for(kPause);  // for the full pause, also when signals arrive
+    if (!Waits(place)) {
+        patience_left_ = Patience::kNone;
     }
     MarkPlace(place, F_UNLCK);
 }

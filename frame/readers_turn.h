@@ -15,22 +15,30 @@ namespace velk {
 // folder cannot be locked, a reader goes on without its turn.
 class ReadersTurn {
   public:
+    enum class Patience { kThreeSeconds, kNone };
+
     // Waits for the turn. A reader that sees no change of the result file for 3 seconds goes on
-    // without it: a stale answer is better than a device that no longer answers.
-    ReadersTurn();
+    // without it: a stale answer is better than a device that no longer answers. Without patience
+    // it does so at once.
+    explicit ReadersTurn(Patience patience = Patience::kThreeSeconds);
     // Unlocks explicitly: a child process of the host that was forked meanwhile has the descriptor,
     // too, and would keep the lock.
     ~ReadersTurn();
     ReadersTurn(const ReadersTurn&) = delete;
     ReadersTurn& operator=(const ReadersTurn&) = delete;
 
+    // The patience for the next turn of a reader that has several: none if it has lost it.
+    Patience patience_left() const { return patience_left_; }
+
   private:
     bool IsAnybodyAhead(off_t place) const;
     bool Takes(off_t place) const;
-    void Queue() const;
+    bool Waits(off_t place) const;
+    void Queue();
     void MarkPlace(off_t place, short type) const;
 
     const UniqueFd folder_;
+    Patience patience_left_;
 };
 
 }  // namespace velk

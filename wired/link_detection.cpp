@@ -24,10 +24,12 @@ constexpr int kEthtoolRetry = 60;
 
 constexpr char kSyslogPrefix[] = "/var/log/syslog/syslog_info.log.";
 
-// The link state as one run of ethtool shows it; nothing when it shows none.
-std::optional<int> LinkFromEthtool() {
+// The link state as one run of ethtool shows it; nothing when it shows none. A turn that somebody
+// keeps for ever costs its 3 seconds in the first of the runs alone.
+std::optional<int> LinkFromEthtool(ReadersTurn::Patience& patience) {
     CommandOutput output(
-        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile));
+        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile), patience);
+    patience = output.patience_left();
     if (output.run_result() != LIB_VELK_SUCCESS) {
         return std::nullopt;
     }
@@ -89,8 +91,10 @@ int LinkFromKernel() {
 }  // namespace velk
 
 int IsWiredLinked() {
+    auto patience = velk::ReadersTurn::Patience::kThreeSeconds;
     for (int attempt = 0; attempt < velk::kEthtoolRetry; ++attempt) {
-        if (const std::optional<int> linked = velk::LinkFromEthtool(); linked.has_value()) {
+        const std::optional<int> linked = velk::LinkFromEthtool(patience);
+        if (linked.has_value()) {
             return *linked;
         }
         velk::WaitSeconds(1);

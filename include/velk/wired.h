@@ -9,8 +9,14 @@ struct ifreq;
 
 // Functions below that run a tool and read its output let it write into /var/tmp/get_result, which
 // is removed with rm(1) after reading; an empty one that was to tell of the link stays behind. They
-// take turns through an advisory lock on /var/tmp/get_result_lock (created with mode 0666): each
-// run of a tool may wait for others, 3 seconds at most, and then goes on without it.
+// take turns, in the order in which they came, through an advisory flock(2) on the folder /var/tmp
+// itself: each run of a tool may wait for others. A reader for whom nothing moves for 3 seconds goes
+// on without its turn.
+//
+// Only a regular file of the caller's with one name is written to or read at /var/tmp/get_result.
+// Where there is none, a new one of mode 0600 is made before the tool runs. Anything else that lies
+// there is removed first; where that is not possible, no tool is run, and the answer is the one for
+// a result that cannot be opened. A line that has more than 64 KB ends the reading.
 
 // ---- Link ------------------------------------------------------------------------------------
 
@@ -22,8 +28,12 @@ struct ifreq;
 // IsWiredLinkedFromSyslog() decides. A missing or empty result is logged as "IsWiredLinked
 // ifstream", giving up as "(ETHTOOL_RETRY - 1) == i)".
 //
+// Where /var/tmp cannot be written to, so that no tool can tell anything, the kernel's flag IFF_RUNNING
+// of eth0 decides after that minute, see netdevice(7).
+//
 // Blocking: one run of ethtool as a rule; when it has no answer, a minute of sleep and 62 runs of
-// tools, each with its turn to wait for.
+// tools, each with its turn to wait for. A turn that is kept by somebody for ever is waited for in
+// the first run of ethtool only.
 VELK_API int IsWiredLinked();
 
 // The same answer from the kernel's last link message for eth0 in

@@ -4,9 +4,9 @@
 namespace velkctl {
 namespace {
 
-// Link detection asks ethtool once a second for a minute and looks into two logs after that. Each
-// of these 62 runs of a tool may wait 3 seconds for its turn.
-constexpr int kLinkSeconds = 60 + 62 * 3;
+// Link detection asks ethtool once a second for a minute and looks into two logs after that. A turn
+// that another program keeps costs 3 seconds in the first run of ethtool and for each log.
+constexpr int kLinkSeconds = 60 + 3 * 3;
 // The library waits so long for one answer of the wireless daemon.
 constexpr int kDaemonSeconds = 60;
 // What a wired restart sleeps with an adapter attached and the cable in, and a wireless one.

@@ -157,6 +157,19 @@ TEST_F(ReadersTurnTest, AReaderWhoWaitsAlreadyComesFirst) {
     EXPECT_FALSE(IsFree());
 }
 
+TEST_F(ReadersTurnTest, WithoutPatienceItGoesOnAtOnce) {
+    const Holder holder;
+    const ReadersTurn turn(ReadersTurn::Patience::kNone);
+    EXPECT_EQ(Pauses(), 0U);
+}
+
+TEST_F(ReadersTurnTest, PatienceIsLostWhereNothingMoves) {
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    EXPECT_EQ(ReadersTurn().patience_left(), ReadersTurn::Patience::kThreeSeconds);
+    const Holder holder;
+    EXPECT_EQ(ReadersTurn().patience_left(), ReadersTurn::Patience::kNone);
+}
+
 TEST_F(ReadersTurnTest, AFolderThatCannotBeOpenedIsDoneWithout) {
     libc().Script(Call::kOpen, {Fail(EACCES)});
     { const ReadersTurn turn; }

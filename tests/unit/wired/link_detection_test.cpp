@@ -3,10 +3,14 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
 
+#include "frame/unique_fd.h"
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/mounted.h"
 
 namespace {
 
@@ -134,6 +138,59 @@ TEST_F(LinkDetectionTest, AMissingResultFileIsAFailedAttempt) {
     shell.LeavesNoFile(kEthtool);
     EXPECT_EQ(IsWiredLinked(), 0);
     EXPECT_EQ(Count(Call::kSyslog, "IsWiredLinked ifstream"), 60U);
+}
+
+TEST_F(LinkDetectionTest, ATurnThatSomebodyKeepsIsWaitedForOnce) {
+    const velk::UniqueFd folder(open("/var/tmp", O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(folder.get(), LOCK_EX), 0);
+    libc().ScriptAlways(Call::kNanosleep, testkit::Return(0));
+    shell.Prints(kEthtool, {"", "", kLinked});
+    EXPECT_EQ(IsWiredLinked(), 1);
+    EXPECT_EQ(libc().Events(Call::kNanosleep).size(), 1500U);
+}
+
+// A pair of connected ports in the private network, of which one is eth0.
+class WiredPort {
+  public:
+    WiredPort() {
+        Run("ip link add eth0 type veth peer name other && ip link set other up");
+        SetUp("up");
+    }
+    ~WiredPort() { Run("ip link delete eth0"); }
+    WiredPort(const WiredPort&) = delete;
+    WiredPort& operator=(const WiredPort&) = delete;
+
+    static void SetUp(const std::string& state) { Run("ip link set eth0 " + state); }
+
+  private:
+    static void Run(const std::string& line) {
+        const testkit::Unrecorded ours;
+        EXPECT_EQ(system(line.c_str()), 0) << line;
+    }
+};
+
+// Nobody can write results into a read-only folder.
+TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenTheKernelsFlagDecides) {
+    shell.LeavesNoFile(kEthtool);
+    const WiredPort port;
+    const testkit::Mounted folder("none", "/var/tmp", "tmpfs", MS_RDONLY, "");
+    EXPECT_EQ(IsWiredLinked(), 1);
+    EXPECT_EQ(libc().Texts(Call::kSleep).size(), 60U);
+    WiredPort::SetUp("down");
+    EXPECT_EQ(IsWiredLinked(), 0);
+}
+
+TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenAMissingPortHasNoLink) {
+    shell.LeavesNoFile(kEthtool);
+    const testkit::Mounted folder("none", "/var/tmp", "tmpfs", MS_RDONLY, "");
+    EXPECT_EQ(IsWiredLinked(), 0);
+}
+
+TEST_F(LinkDetectionTest, WhereResultsCanBeWrittenTheKernelIsNotAsked) {
+    shell.Prints(kEthtool, {""});
+    const WiredPort port;
+    EXPECT_EQ(IsWiredLinked(), 0);
+    EXPECT_TRUE(libc().Events(Call::kIoctl).empty());
 }
 
 TEST_F(LinkDetectionTest, AShellThatCannotBeRunIsAFailedAttempt) {
