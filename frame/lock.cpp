@@ -79,7 +79,7 @@ bool LockAttempt::Keep(int fd) {
     if (fstat(fd, &locked) == -1) {
         return false;
     }
-    if (geteuid() == 0 && locked.st_uid != 0) {
+    if (locked.st_uid != 0 && geteuid() == 0) {
         if (locked.st_nlink != 1) {
             error_ = EMLINK;
             return false;

@@ -70,9 +70,10 @@ TEST_F(WorldLockTest, EveryUserLocksTheFileThatRootHasTakenOver) {
 
 // Who holds the lock gives the file back before it is free, so that every round begins anew.
 int HoldAgainAndAgain(std::atomic<int>& holders, std::atomic<int>& rounds) {
-    for (int round = 0; round < 500; ++round) {
+    while (rounds < 500) {
         const int lock = VkLibLock();
         if (lock <= 0) {
+            usleep(20);
             continue;
         }
         if (holders.fetch_add(1) != 0) {
@@ -99,7 +100,6 @@ TEST_F(WorldLockTest, AUserWhoReplacesTheFileMakesNoSecondHolder) {
     for (const std::unique_ptr<Child>& caller : callers) {
         EXPECT_EQ(caller->Wait(), 0) << "two held the lock at once";
     }
-    EXPECT_GT(*rounds, 100);
 }
 
 void SetAddresses(int number) {
