@@ -1,23 +1,29 @@
 // channel.cpp - messages to and from the wireless daemon.
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <semaphore.h>
 #include <sys/select.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include "frame/log.h"
 #include "frame/unique_fd.h"
+#include "frame/wait.h"
 #include "velk.h"
+#include "wlan/reply_path.h"
 
 namespace velk {
 namespace {
 
 constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
 constexpr time_t kReplySeconds = 60;
+constexpr mode_t kReplyMode = 0600;  // other users send nothing that would pass for the daemon's
+constexpr int kBindTries = 100;
+constexpr unsigned kGraceSeconds = 1;
 
 struct Message {
     int16_t type;
@@ -46,6 +52,23 @@ UniqueFd OpenSocket() {
     return UniqueFd(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
 }
 
+// Returns 0 or the errno of the last bind(2). Another user may take the path after its removal;
+// then both are done again.
+int BindReplySocket(int fd) {
+    const Address self(kReplyPath);
+    int error = 0;
+    for (int tries = 0; tries < kBindTries; ++tries) {
+        if (bind(fd, self.get(), self.length) == 0) {
+            return 0;
+        }
+        error = errno;
+        if (OwnerOfReplyPath() != ReplyPathOwner::kOther || remove(kReplyPath) == -1) {
+            break;
+        }
+    }
+    return error;
+}
+
 // Tells the daemon that the reply socket exists. The reply is waited for even when that fails.
 void PostReady(const sem_t* ready) {
     int error = EINVAL;
@@ -54,6 +77,15 @@ void PostReady(const sem_t* ready) {
     }
     if (error != 0) {
         LogErrno("RecvWlanResponseMessage sem_post errno=%d:%s", error);
+    }
+}
+
+// The daemon has a question whose answer nobody will get. It must find the semaphore that nobody
+// has posted before that is removed: another user who has taken the path could make a posted one.
+// With the path in the hands of another query of the caller's there is no hurry.
+void WaitForDaemon() {
+    if (OwnerOfReplyPath() != ReplyPathOwner::kCaller) {
+        WaitSeconds(kGraceSeconds);
     }
 }
 
@@ -122,12 +154,13 @@ int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
         velk::LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    const velk::Address self(velk::kReplyPath);
-    if (bind(fd.get(), self.get(), self.length) == -1) {
-        velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", errno);
-        // The one failing path that leaves its socket open, kept as it is. It comes up when two
-        // queries race for the path.
-        (void)fd.Release();
+    if (fchmod(fd.get(), velk::kReplyMode) == -1) {  // bind(2) makes the file with this mode
+        velk::LogErrno("RecvWlanResponseMessage fchmod errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (const int error = velk::BindReplySocket(fd.get()); error != 0) {
+        velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", error);
+        velk::WaitForDaemon();
         return LIB_VELK_FAILURE;
     }
     velk::PostReady(ready);

@@ -2,28 +2,21 @@
 #include "wlan/query.h"
 
 #include "frame/log.h"
+#include "wlan/reply_path.h"
+#include "wlan/semaphore.h"
 
 namespace velk {
-namespace {
 
-// Tells the daemon when the reply socket exists; removed on every path.
-class ReadySemaphore {
-  public:
-    ReadySemaphore() : handle_(CreatSemaphore()) {}
-    ~ReadySemaphore() { DeleteSemaphore(handle_); }
-    ReadySemaphore(const ReadySemaphore&) = delete;
-    ReadySemaphore& operator=(const ReadySemaphore&) = delete;
-
-    const sem_t* handle() const { return handle_; }
-
-  private:
-    const sem_t* const handle_;
-};
-
-}  // namespace
-
+// The daemon sends its reply to any socket at the reply path once the semaphore is posted. Until
+// this program has bound that path nobody else may post, so another user's files go first.
 int QueryWlanDaemon(short type, UMsgData& out) {
+    if (!ClearReplyPath()) {
+        return LIB_VELK_FAILURE;
+    }
     const ReadySemaphore ready;
+    if (!ready.is_private()) {
+        return LIB_VELK_FAILURE;
+    }
     if (ready.handle() == nullptr) {
         Log("SendWlanRequestMessage CreatSemaphore");
     }

@@ -24,6 +24,12 @@ struct _velk_request;
 // "VkLibLock open2", "VkLibLock fchmod" or "VkLibLock flock" with errno when that call fails.
 // A lock file that is a symbolic link is refused.
 //
+// In a sticky folder the owner of a file can replace it while it is locked, and the next caller
+// would lock the new one. So root makes a lock file of another user's its own, with mode 0666; one
+// that has other names is refused. A file that is replaced while it is being locked is given up
+// after 100 tries. Both are logged as "VkLibLock open2", with EMLINK or ESTALE. Other users take
+// the file as it is.
+//
 // While a program holds it, its own set and restart requests get LIB_VELK_LOCKED too: the lock
 // belongs to the open file, see flock(2). Blocking: never waits for the lock.
 VELK_API int VkLibLock();

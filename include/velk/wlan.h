@@ -118,6 +118,14 @@ enum velk_wlan_message {
 // DeleteSemaphore() in any case, with a null handle too when CreatSemaphore() failed: both
 // functions that take one then log EINVAL and go on. One query at a time can be made on a device.
 // Every failure is logged with the function and the failed call, and errno where there is one.
+//
+// The daemon sends its reply, with the keys in it, to any socket at the reply path once the
+// semaphore is posted. So RecvWlanConf(), GetWlanConf(), SetWlanConf() and GetWlanState() first
+// remove what another user has at /tmp/WlanAplFromWlanSock, and use no semaphore that another user
+// has made or may post, or that is posted already: they replace it by one with mode 0600. Where
+// that cannot be done they send nothing: LIB_VELK_FAILURE, and "QueryWlanDaemon remove" or
+// "QueryWlanDaemon sem_open" with errno in the log. The daemon must run as root or as the caller.
+// Direct callers of the four functions below see to this themselves.
 
 // Sends one message to /tmp/WlanAplToWlanSock; a null `body` sends zeros. Returns LIB_VELK_SUCCESS
 // when the datagram was sent, LIB_VELK_FAILURE otherwise. Never waits for the daemon.
@@ -126,9 +134,12 @@ VELK_API int SendWlanRequestMessage(short type, const UMsgData* body);
 // Binds /tmp/WlanAplFromWlanSock afresh, posts `ready` to tell the daemon so, and waits for one
 // message, whose body goes into `out`. The type of the reply is not looked at; what a short reply
 // lacks is zero. Returns LIB_VELK_SUCCESS or LIB_VELK_FAILURE; `out` is written on success alone.
-// The socket and its path are gone afterwards, except that a failed bind(2) leaves the socket open.
+// The socket and its path are gone afterwards. The socket's file has mode 0600, whatever the umask:
+// only root and the caller send to it. A path that another user takes meanwhile is taken back, in
+// up to 100 tries.
 //
-// Blocking: up to 60 seconds.
+// Blocking: up to 60 seconds; 1 second when bind(2) fails and the path is not the caller's, so that
+// the daemon finds the semaphore unposted before the caller deletes it.
 VELK_API int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready);
 
 // Opens the semaphore "/WlanAplRecvSem", creating it with value 0 and mode 0666, narrowed by the

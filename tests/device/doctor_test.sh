@@ -193,14 +193,14 @@ output_is 'warning: method, address, netmask and gateway can still be set: /var/
 0'
 
 it 'tells of what is in the way of the output of tools'
-script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed --timeout 2; echo $?'
-findings_are 'problem: link-speed and the address and netmask of a lease wait for ever when read: /var/tmp/get_result: a FIFO stands where tools write their output
-1 problem, 0 warnings
-7'
-script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed >/dev/null; cat /run/other | grep -c Speed'
-findings_are 'problem: link-speed and the address and netmask of a lease overwrite another file when read: /var/tmp/get_result: a symbolic link stands where tools write their output
-1 problem, 0 warnings
-1'
+script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /var/tmp'
+findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a FIFO stands where tools write their output; the next reading removes it
+0 problems, 1 warning
+auto'
+script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /run/other'
+findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a symbolic link stands where tools write their output; the next reading removes it
+0 problems, 1 warning
+auto'
 
 it 'tells of what is in the way of a query, and does not ask the daemon then'
 script 'mkdir /dev/shm/sem.WlanAplRecvSem; velkctl doctor; ls -d /dev/shm/sem.WlanAplRecvSem'

@@ -26,7 +26,8 @@ std::map<int, std::string> OpenFiles() {
 }
 
 bool HasFile(Call call) {
-    return call == Call::kRead || call == Call::kClose || call == Call::kFlock;
+    return call == Call::kRead || call == Call::kClose || call == Call::kFchmod ||
+           call == Call::kFlock;
 }
 
 void DescribeRead(int fd, LoggedCall& call) {
@@ -45,6 +46,8 @@ void CallLog::Note(const testkit::Event& event) {
     open_files_ = OpenFiles();
     if (event.call == Call::kOpen) {
         opened_last_ = event.text;
+    } else if (event.call == Call::kSocket) {
+        opened_last_ = "socket";
     }
     if (event.call == Call::kSystem && event.text.ends_with(std::string("> ") + kResultFile)) {
         printing_line_ = event.text;

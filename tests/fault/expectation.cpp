@@ -108,8 +108,9 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
             return NoticeOfLine(call.line, fault.kind.answer.result == -1, fault);
         case Call::kIoctl:
             return Notice::kNoAddress;
-        case Call::kUnlink:
         case Call::kFchmod:
+            return call.file.starts_with("socket") ? Notice::kTold : Notice::kNone;
+        case Call::kUnlink:
         case Call::kSemClose:
         case Call::kSemUnlink:
         case Call::kSleep:  // these three cannot fail

@@ -77,6 +77,39 @@ class LockTest : public testkit::DeviceTest {
       private:
         const int saved_;
     };
+
+    // The lock file under descriptor 1.
+    class LockFileAsStandardOutput {
+      public:
+        LockFileAsStandardOutput() : saved_(fcntl(1, F_DUPFD_CLOEXEC, 100)) {
+            const testkit::Unrecorded ours;
+            const int fd = open(kLockFile, O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+            dup2(fd, 1);
+            close(fd);
+        }
+        ~LockFileAsStandardOutput() {
+            dup2(saved_, 1);
+            close(saved_);
+        }
+        LockFileAsStandardOutput(const LockFileAsStandardOutput&) = delete;
+        LockFileAsStandardOutput& operator=(const LockFileAsStandardOutput&) = delete;
+
+      private:
+        const int saved_;
+    };
+
+    // Another file of the same name.
+    static void ReplaceLockFile() {
+        testkit::WriteFile("/var/tmp/other_lock", "");
+        ASSERT_EQ(rename("/var/tmp/other_lock", kLockFile), 0);
+    }
+
+    // The lock file as another user has made it.
+    static bool GiveLockFileAway(mode_t mode) {
+        testkit::WriteFile(kLockFile, "");
+        return chmod(kLockFile, mode) == 0 && chown(kLockFile, kSomebody, kSomebody) == 0;
+    }
+    static constexpr uid_t kSomebody = 12345;
 };
 
 TEST_F(LockTest, TheFirstCallCreatesTheFileAndLogsNothing) {
@@ -115,7 +148,7 @@ TEST_F(LockTest, OpensWithoutCreatingFirst) {
     EXPECT_EQ(opens[0].text, kLockFile);
     EXPECT_EQ(opens[0].number, O_RDWR | O_NOFOLLOW | O_CLOEXEC);
     EXPECT_EQ(opens[1].text, kLockFile);
-    EXPECT_EQ(opens[1].number, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC);
+    EXPECT_EQ(opens[1].number, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC);
 }
 
 TEST_F(LockTest, LocksWithoutWaiting) {
@@ -187,15 +220,14 @@ TEST_F(LockTest, AnUnexpectedLockErrorIsLogged) {
 }
 
 TEST_F(LockTest, DescriptorOneIsADescriptor) {
+    const LockFileAsStandardOutput lock_file;
     libc().Script(Call::kOpen, {testkit::Return(1)});
-    libc().Script(Call::kFlock, {testkit::Return(0)});
     EXPECT_EQ(VkLibLock(), 1);
 }
 
 TEST_F(LockTest, SoItIsForTheSecondOpen) {
+    const LockFileAsStandardOutput lock_file;
     libc().Script(Call::kOpen, {Fail(ENOENT), testkit::Return(1)});
-    libc().Script(Call::kFchmod, {testkit::Return(0)});
-    libc().Script(Call::kFlock, {testkit::Return(0)});
     EXPECT_EQ(VkLibLock(), 1);
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
@@ -218,6 +250,128 @@ TEST_F(LockTest, DescriptorZeroCountsAsAFailedSecondOpen) {
     const std::vector<std::string> logs = libc().Logs();
     ASSERT_EQ(logs.size(), 1U);
     EXPECT_TRUE(logs[0].starts_with("VkLibLock open2 errno="));
+}
+
+TEST_F(LockTest, DescriptorZeroChangesNoModeOfAFileWithOtherNames) {
+    testkit::WriteFile("/var/tmp/victim", "");
+    ASSERT_EQ(chmod("/var/tmp/victim", 0600), 0);
+    ASSERT_EQ(link("/var/tmp/victim", kLockFile), 0);
+    const StandardInputClosed closed;
+    VkLibUnLock(VkLibLock());
+    EXPECT_EQ(ModeOf("/var/tmp/victim"), 0600U);
+}
+
+// ---- files that another user replaces
+
+TEST_F(LockTest, AFileThatIsPlantedBetweenTheOpensKeepsItsMode) {
+    testkit::WriteFile("/var/tmp/victim", "");
+    ASSERT_EQ(chmod("/var/tmp/victim", 0600), 0);
+    libc().OnCall(Call::kOpen, [](const Event& open) {
+        if ((open.number & O_CREAT) != 0) {
+            EXPECT_EQ(link("/var/tmp/victim", kLockFile), 0);
+        }
+    });
+    const int lock = VkLibLock();
+    EXPECT_GT(lock, 0);
+    EXPECT_EQ(ModeOf("/var/tmp/victim"), 0600U);
+    EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock indelible"));
+    VkLibUnLock(lock);
+}
+
+TEST_F(LockTest, AFileThatIsReplacedBeforeItIsLockedIsTriedAgain) {
+    testkit::WriteFile(kLockFile, "");
+    int replacements = 1;
+    libc().OnCall(Call::kFlock, [&](const Event&) {
+        if (replacements-- > 0) {
+            ReplaceLockFile();
+        }
+    });
+    const int lock = VkLibLock();
+    EXPECT_GT(lock, 0);
+    EXPECT_EQ(VkLibLock(), LIB_VELK_LOCKED) << "the file at the path is the locked one";
+    EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock indelible", "VkLibLock indelible"));
+    VkLibUnLock(lock);
+}
+
+TEST_F(LockTest, AFileThatIsReplacedEachTimeIsGivenUp) {
+    testkit::WriteFile(kLockFile, "");
+    libc().OnCall(Call::kFlock, [](const Event&) { ReplaceLockFile(); });
+    EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
+    EXPECT_EQ(libc().Events(Call::kFlock).size(), 100U);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("VkLibLock indelible", "VkLibLock open2 errno=116:Stale file handle"));
+}
+
+TEST_F(LockTest, AFileThatIsRemovedEachTimeIsGivenUp) {
+    testkit::WriteFile(kLockFile, "");
+    libc().OnCall(Call::kFlock, [](const Event&) { unlink(kLockFile); });
+    EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("VkLibLock indelible", "VkLibLock open2 errno=116:Stale file handle"));
+}
+
+TEST_F(LockTest, AFileThatComesAndGoesIsGivenUp) {
+    libc().OnCall(Call::kOpen, [](const Event& open) {
+        if ((open.number & O_CREAT) != 0) {
+            EXPECT_EQ(symlink("anywhere", kLockFile), 0);
+        } else {
+            (void)unlink(kLockFile);
+        }
+    });
+    EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
+    EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock open2 errno=17:File exists"));
+}
+
+TEST_F(LockTest, ADescriptorThatIsClosedBehindItsBackIsTriedAgain) {
+    testkit::WriteFile(kLockFile, "");
+    const StandardInputClosed closed;
+    libc().Script(Call::kOpen, {testkit::Return(0), testkit::Return(1000)});
+    libc().Script(Call::kFlock, {testkit::Return(0)});
+    libc().OnCall(Call::kFchmod, [](const Event& fchmod) { EXPECT_NE(fchmod.text, "1000"); });
+    const int lock = VkLibLock();
+    EXPECT_GT(lock, 0);
+    EXPECT_NE(lock, 1000);
+    VkLibUnLock(lock);
+}
+
+TEST_F(LockTest, RootTakesAnotherUsersFileOver) {
+    if (!GiveLockFileAway(04700)) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    const testkit::FileIdentity theirs = testkit::IdentityOf(kLockFile);
+    const int lock = VkLibLock();
+    EXPECT_GT(lock, 0);
+    const testkit::FileIdentity ours = testkit::IdentityOf(kLockFile);
+    EXPECT_EQ(ours.inode, theirs.inode) << "somebody else may be about to lock it";
+    EXPECT_EQ(ours.owner, 0U);
+    EXPECT_EQ(ours.group, 0U);
+    EXPECT_EQ(ModeOf(kLockFile), 0666U);
+    EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock indelible"));
+    VkLibUnLock(lock);
+}
+
+TEST_F(LockTest, AnotherUsersFileThatIsLockedIsLeftAlone) {
+    if (!GiveLockFileAway(0666)) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    const int theirs = open(kLockFile, O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(theirs, LOCK_EX), 0);
+    EXPECT_EQ(VkLibLock(), LIB_VELK_LOCKED);
+    EXPECT_EQ(testkit::IdentityOf(kLockFile).owner, kSomebody);
+    close(theirs);
+}
+
+// It may be a third user's file, to which the maker of the second name has no rights.
+TEST_F(LockTest, AnotherUsersFileWithOtherNamesIsRefusedAndLeftAlone) {
+    if (!GiveLockFileAway(0600)) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    ASSERT_EQ(link(kLockFile, "/var/tmp/theirs"), 0);
+    EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
+    EXPECT_EQ(testkit::IdentityOf(kLockFile).owner, kSomebody);
+    EXPECT_EQ(ModeOf(kLockFile), 0600U);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("VkLibLock indelible", "VkLibLock open2 errno=31:Too many links"));
 }
 
 TEST_F(LockTest, AChildProgramDoesNotInheritTheLock) {

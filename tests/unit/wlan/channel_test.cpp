@@ -1,12 +1,11 @@
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <iterator>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <sys/select.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "support/device_test.h"
@@ -22,6 +21,7 @@ using testkit::Fail;
 using testkit::Return;
 
 constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+constexpr uid_t kSomebody = 12345;
 
 class ChannelTest : public testkit::DeviceTest {
   protected:
@@ -197,9 +197,17 @@ TEST_F(ReceiveTest, AFailedSocketIsLogged) {
     EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
 }
 
-// The one path that leaves its socket open.
-TEST_F(ReceiveTest, AFailedBindIsLoggedAndLeavesTheSocketOpen) {
-    const std::vector<int> before = testkit::OpenDescriptors();
+TEST_F(ReceiveTest, AFailedModeChangeIsLoggedAndNoReplyIsAwaited) {
+    libc().Script(Call::kFchmod, {Fail(EPERM)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(libc().Logs(),
+                ElementsAre("RecvWlanResponseMessage fchmod errno=1:Operation not permitted"));
+    EXPECT_TRUE(libc().Events(Call::kBind).empty());
+    EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
+    EXPECT_EQ(libc().Events(Call::kClose).size(), 1U);
+}
+
+TEST_F(ReceiveTest, AFailedBindIsLogged) {
     libc().Script(Call::kBind, {Fail(EADDRINUSE)});
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_THAT(libc().Logs(),
@@ -207,12 +215,70 @@ TEST_F(ReceiveTest, AFailedBindIsLoggedAndLeavesTheSocketOpen) {
     EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
     EXPECT_TRUE(libc().Events(Call::kSemPost).empty());
     EXPECT_EQ(libc().Events(Call::kUnlink).size(), 1U);
-    std::vector<int> left;
-    const std::vector<int> after = testkit::OpenDescriptors();
-    std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
-                        std::back_inserter(left));
-    ASSERT_EQ(left.size(), 1U);
-    close(left[0]);
+}
+
+// The daemon must find the semaphore that nobody has posted before the caller deletes it.
+TEST_F(ReceiveTest, AfterAFailedBindTheDaemonIsGivenTime) {
+    libc().Script(Call::kBind, {Fail(EADDRINUSE)});
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(
+        libc().Story(),
+        ElementsAre("log RecvWlanResponseMessage bind errno=98:Address already in use", "sleep 1"));
+}
+
+TEST_F(ReceiveTest, APathOfAnotherQueryOfTheCallersTakesNoTime) {
+    libc().OnCall(Call::kBind, [](const Event&) { testkit::WriteFile(kReplyPath, ""); });
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("log RecvWlanResponseMessage bind errno=98:Address already in use"));
+    EXPECT_EQ(libc().Events(Call::kBind).size(), 1U);
+    EXPECT_TRUE(testkit::Exists(kReplyPath));
+}
+
+TEST_F(ReceiveTest, APathThatAnotherUserTakesIsTakenBack) {
+    int plants = 3;
+    libc().OnCall(Call::kBind, [&](const Event&) {
+        if (plants-- > 0) {
+            testkit::WriteFile(kReplyPath, "");
+            (void)!chown(kReplyPath, kSomebody, kSomebody);
+        }
+    });
+    testkit::WriteFile(kReplyPath, "");
+    if (chown(kReplyPath, kSomebody, kSomebody) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(ReceiveReply("TTzz"), 0);
+    EXPECT_EQ(libc().Events(Call::kBind).size(), 4U);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(ReceiveTest, APathThatAnotherUserTakesEachTimeIsGivenUp) {
+    libc().OnCall(Call::kBind, [&](const Event&) {
+        testkit::WriteFile(kReplyPath, "");
+        (void)!chown(kReplyPath, kSomebody, kSomebody);
+    });
+    testkit::WriteFile(kReplyPath, "");
+    if (chown(kReplyPath, kSomebody, kSomebody) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_EQ(libc().Events(Call::kBind).size(), 100U);
+    EXPECT_THAT(
+        libc().Story(),
+        ElementsAre("log RecvWlanResponseMessage bind errno=98:Address already in use", "sleep 1"));
+}
+
+TEST_F(ReceiveTest, AFolderOfAnotherUserIsGivenUpAtOnce) {
+    const std::string file = std::string(kReplyPath) + "/file";
+    ASSERT_EQ(mkdir(kReplyPath, 0755), 0);
+    testkit::WriteFile(file, "");
+    const bool is_given_away = chown(kReplyPath, kSomebody, kSomebody) == 0;
+    EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
+    EXPECT_EQ(libc().Events(Call::kBind).size(), 1U);
+    EXPECT_EQ(unlink(file.c_str()) + rmdir(kReplyPath), 0);
+    if (!is_given_away) {
+        GTEST_SKIP() << "only root may give files away";
+    }
 }
 
 TEST_F(ReceiveTest, AFailedPostIsLoggedAndTheReplyAwaited) {
@@ -237,6 +303,7 @@ TEST_F(ReceiveTest, ANullSemaphoreIsAnsweredAsInvalid) {
 TEST_F(ReceiveTest, ADescriptorThatNoSetCanHoldIsAFailedSelect) {
     // The number is all that counts, so that no limit of this process is in the way.
     libc().Script(Call::kSocket, {Return(FD_SETSIZE)});
+    libc().Script(Call::kFchmod, {Return(0)});
     libc().Script(Call::kBind, {Return(0)});
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_THAT(libc().Logs(),

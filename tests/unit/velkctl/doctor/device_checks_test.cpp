@@ -169,16 +169,36 @@ TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
     constexpr char kResult[] = "/var/tmp/get_result";
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
     EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()),
-              "problem: link-speed and the address and netmask of a lease wait for ever when read: "
-              "/var/tmp/get_result: a FIFO stands where tools write their output\n"
+              "warning: link-speed and the address and netmask of a lease may not have been read: "
+              "/var/tmp/get_result: a FIFO stands where tools write their output; the next reading "
+              "removes it\n"
               "  mend: rm /var/tmp/get_result\n");
     ASSERT_EQ(unlink(kResult), 0);
     ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
     EXPECT_EQ(
         FindingsInWords(velkctl::CheckResultFile()),
-        "problem: link-speed and the address and netmask of a lease overwrite another file when "
-        "read: /var/tmp/get_result: a symbolic link stands where tools write their output\n"
+        "warning: link-speed and the address and netmask of a lease may not have been read: "
+        "/var/tmp/get_result: a symbolic link stands where tools write their output; the next "
+        "reading removes it\n"
         "  mend: rm /var/tmp/get_result\n");
+}
+
+// In a folder that everybody may write, only root and the owner may remove a file.
+TEST_F(LeftoversCheck, FindsWhatTheCallerMayNotRemove) {
+    constexpr char kResult[] = "/var/tmp/get_result";
+    WriteFile(kResult, "x");
+    ASSERT_EQ(chmod("/var/tmp", 01777), 0);
+    std::string words;
+    const auto judge = [&] { words = FindingsInWords(velkctl::CheckResultFile()); };
+    if (setresuid(1234, 1234, 0) == -1) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    judge();
+    ASSERT_EQ(setresuid(0, 0, 0), 0);
+    EXPECT_EQ(words,
+              "problem: link-speed and the address and netmask of a lease cannot be read: "
+              "/var/tmp/get_result: a file stands where tools write their output\n"
+              "  mend: rm /var/tmp/get_result\n");
 }
 
 TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
