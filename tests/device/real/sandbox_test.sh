@@ -50,6 +50,12 @@ pong
 192.168.0.1
 adjust time server 192.168.0.1'
 
+it 'is up for a caller whose search path lacks the system folders, too'
+run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox --quiet --real -- pgrep -x 'cron|snmpd' -c
+status_is 0
+output_is 2
+error_is ''
+
 it 'changes nothing of the machine'
 listing() { find /etc /usr/sbin /var/lib -maxdepth 1 -printf '%p %s %t\n' | sort; }
 before=$(listing)
