@@ -6,7 +6,8 @@
 
 namespace velk {
 
-// The name of that locale by the environment of the host program, see locale(7): "C" if it sets none.
+// The name of that locale by the environment of the host program, see locale(7): "C" if it sets
+// none.
 std::string_view ToolLocale();
 
 // True if tools take every byte of an escaped text as it is meant. In encodings such as Shift_JIS,

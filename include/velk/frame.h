@@ -61,26 +61,27 @@ VELK_API int FileCopyAndDelete(const std::string& source, const std::string& tar
 
 // The functions of the other headers that say they edit a file do it through a copy in /var/tmp
 // named after the file: a new one is written line by line, whatever lay there is removed, and put
-// in place with the two lines of FileCopyAndDelete(). The copy has mode 0600 whatever the umask, 0644
-// in a program whose real and effective user differ, because the shell reads it as the real one.
-// Every line of an edited file ends in a newline, also a last one that had none.
+// in place with the two lines of FileCopyAndDelete(). The copy has mode 0600 whatever the umask,
+// 0644 in a program whose real and effective user differ, because the shell reads it as the real
+// one. Every line of an edited file ends in a newline, also a last one that had none.
 //
 // After the first line the file is looked at. One that was cut, empty or a shorter piece of the new
 // text, as when cat(1) is killed or cannot be started, is written from the copy, in place, and
 // flushed to the disk; this is logged as "FileEdit mended" with the path. Where that fails,
-// "FileEdit mend" is logged with errno, LIB_VELK_FAILURE returned, and the copy stays: it has the only
-// whole text. A file that is as it was stays so, and LIB_VELK_SUCCESS is returned. Through
+// "FileEdit mend" is logged with errno, LIB_VELK_FAILURE returned, and the copy stays: it has the
+// only whole text. A file that is as it was stays so, and LIB_VELK_SUCCESS is returned. Through
 // execute_velk_command() both lines inherit the set/restart lock: when the caller is killed, nobody
 // else sets before the tool has ended. No other program that is started inherits it.
 //
 // A failure before the edit copy is put in place leaves the file as it was; when the edit copy had
-// been opened, it is left behind, empty as a rule. When it cannot be written in full, "FileEdit write"
-// is logged with errno, the copy removed and LIB_VELK_FAILURE returned. A read that fails behind the
-// file's first block counts as the end of the file: what was read until then takes its place. Two
-// editors of one file at once would mix their copies: direct callers hold the lock of VkLibLock().
+// been opened, it is left behind, empty as a rule. When it cannot be written in full, "FileEdit
+// write" is logged with errno, the copy removed and LIB_VELK_FAILURE returned. A read that fails
+// behind the file's first block counts as the end of the file: what was read until then takes its
+// place. Two editors of one file at once would mix their copies: direct callers hold the lock of
+// VkLibLock().
 //
-// A get that meets an empty file, of those that are never empty but while a set replaces their text,
-// reads it again for up to 50 milliseconds: /etc/network/interfaces, /etc/dhclient.conf,
+// A get that meets an empty file, of those that are never empty but while a set replaces their
+// text, reads it again for up to 50 milliseconds: /etc/network/interfaces, /etc/dhclient.conf,
 // /etc/dhclient-exit-hooks, /var/cron/tabs/root and /var/libvelk/libvelk.
 
 // Says whether a text holds nothing but the digits '0' to '9': 1 or 0. A null pointer and the

@@ -26,10 +26,10 @@ VELK_API int GetSettingFile(const _velk_request& request, char* out);
 // /usr/local/share/etc/snmp/snmpd.conf, see snmpd.conf(5), that holds "syscontact" or "syslocation"
 // becomes the value, escaped with GetEscapeString(), or a pair of double quotes when it is empty. A
 // missing directive is not added. sed(1) runs in the program's locale: where a byte is no character
-// of it, that byte and what follows on the line stay. In a locale that is neither C, POSIX nor UTF-8
-// no SNMP line is run for a text with a byte above 0x7f, because the encoding may swallow its
-// escapes; this is logged as "SetSettingFile no SNMP line". The text is not checked: one with a newline
-// makes two lines, and leaves the SNMP daemon's file as it was. `out` is not used.
+// of it, that byte and what follows on the line stay. In a locale that is neither C, POSIX nor
+// UTF-8 no SNMP line is run for a text with a byte above 0x7f, because the encoding may swallow its
+// escapes; this is logged as "SetSettingFile no SNMP line". The text is not checked: one with a
+// newline makes two lines, and leaves the SNMP daemon's file as it was. `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS, whatever becomes of the SNMP daemon; LIB_VELK_INVALID_PARAMETER for
 // any other id; LIB_VELK_FAILURE when a file cannot be opened, logged as "SetSettingFile ifstream"

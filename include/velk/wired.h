@@ -10,8 +10,8 @@ struct ifreq;
 // Functions below that run a tool and read its output let it write into /var/tmp/get_result, which
 // is removed with rm(1) after reading; an empty one that was to tell of the link stays behind. They
 // take turns, in the order in which they came, through an advisory flock(2) on the folder /var/tmp
-// itself: each run of a tool may wait for others. A reader for whom nothing moves for 3 seconds goes
-// on without its turn.
+// itself: each run of a tool may wait for others. A reader for whom nothing moves for 3 seconds
+// goes on without its turn.
 //
 // Only a regular file of the caller's with one name is written to or read at /var/tmp/get_result.
 // Where there is none, a new one of mode 0600 is made before the tool runs. Anything else that lies
@@ -28,8 +28,8 @@ struct ifreq;
 // IsWiredLinkedFromSyslog() decides. A missing or empty result is logged as "IsWiredLinked
 // ifstream", giving up as "(ETHTOOL_RETRY - 1) == i)".
 //
-// Where /var/tmp cannot be written to, so that no tool can tell anything, the kernel's flag IFF_RUNNING
-// of eth0 decides after that minute, see netdevice(7).
+// Where /var/tmp cannot be written to, so that no tool can tell anything, the kernel's flag
+// IFF_RUNNING of eth0 decides after that minute, see netdevice(7).
 //
 // Blocking: one run of ethtool as a rule; when it has no answer, a minute of sleep and 62 runs of
 // tools, each with its turn to wait for. A turn that is kept by somebody for ever is waited for in

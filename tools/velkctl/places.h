@@ -3,8 +3,8 @@
 #define VELKCTL_PLACES_H_
 
 #include "dhcp/config_blocks.h"
-#include "frame/result_file.h"
 #include "frame/crontab.h"
+#include "frame/result_file.h"
 #include "ipconf/interfaces_file.h"
 
 namespace velkctl {

@@ -57,8 +57,7 @@ TEST(LongestCall, TheStateOfTheAdapterWaitsForTheLinkAndForTheDaemon) {
 TEST(LongestCall, ARestartWaitsForTheInterface) {
     EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth0"),
               "135 s for the interface to come up");
-    EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth1"),
-              "70 s for the interface to come up");
+    EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth1"), "70 s for the interface to come up");
 }
 
 TEST(LongestCall, ToolsOfTheirOwnSpeedAreNamed) {
