@@ -140,7 +140,7 @@ TEST_F(WorldLockTest, AUserWhoReplacesTheFileCutsNoEditedFile) {
 
 // Whatever another user left there before the reboot.
 TEST_F(WorldLockTest, TheBootScriptMakesTheFileRoots) {
-    const std::string script = VELK_SOURCE_DIR "/packaging/init.d/velk-lock start";
+    const std::string script = "'" VELK_SOURCE_DIR "/packaging/init.d/velk-lock' start";
     ASSERT_EQ(unlink(kLock), 0);
     ASSERT_EQ(InChild(kAsNobody, [] { return mkdir(kLock, 0700); }), 0);
     for (int boot = 0; boot < 2; ++boot) {
@@ -149,6 +149,21 @@ TEST_F(WorldLockTest, TheBootScriptMakesTheFileRoots) {
         EXPECT_EQ(file.owner, 0U);
         EXPECT_EQ(file.mode, S_IFREG | 0666U);
     }
+}
+
+// Somebody may hold the lock.
+TEST_F(WorldLockTest, TheBootScriptLeavesAFileOfRootsAsItIs) {
+    const int lock = VkLibLock();
+    ASSERT_GT(lock, 0);
+    ASSERT_EQ(fchmod(lock, 0600), 0);
+    const testkit::FileIdentity before = testkit::IdentityOf(kLock);
+    for (const std::string order : {"start", "restart", "force-reload"}) {
+        const std::string line = "'" VELK_SOURCE_DIR "/packaging/init.d/velk-lock' " + order;
+        EXPECT_EQ(system(line.c_str()), 0) << order;
+        EXPECT_EQ(testkit::IdentityOf(kLock).inode, before.inode) << order;
+        EXPECT_EQ(testkit::IdentityOf(kLock).mode, S_IFREG | 0666U) << order;
+    }
+    VkLibUnLock(lock);
 }
 
 }  // namespace
