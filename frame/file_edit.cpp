@@ -126,7 +126,7 @@ UniqueFd FileEdit::CloseCopy() {
 int FileEdit::PutInPlace(int whole_copy) {
     const CommandLine copying = CopyingLine(copy_path_, target_);
     TargetGuard guard(target_, whole_copy);
-    const InheritedLock lock;
+    InheritedLock lock;
     (void)copying.Run();
     if (const int error = guard.Mend(); error != 0) {
         LogErrno("FileEdit mend errno=%d:%s", error);
@@ -138,7 +138,11 @@ int FileEdit::PutInPlace(int whole_copy) {
     (void)RemovingLine(copy_path_).Run();
     if (guard.has_mended()) {
         Log("FileEdit mended %s", target_.c_str());
-        (void)unlink(copy_path_.c_str());  // the line that removes it may have failed as well
+        lock.LeaveToTools();
+    }
+    // The line that removes the copy may have failed as well, and cannot remove it as another user.
+    if (guard.has_mended() || HasTwoUsers()) {
+        (void)unlink(copy_path_.c_str());
     }
     return LIB_VELK_SUCCESS;
 }

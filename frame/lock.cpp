@@ -125,28 +125,42 @@ int LockAttempt::Fail() const {
     return LIB_VELK_FAILURE;
 }
 
-// Of the process: the lock has one holder at a time.
+// The descriptor of the one lock that the process holds, and that process: a child of fork(2) may
+// have closed it and given its number to another file.
 std::atomic<int> command_lock = -1;
+std::atomic<pid_t> command_lock_process = 0;
+std::atomic<bool> is_left_to_tools = false;
 
 }  // namespace
 
 CommandLock::CommandLock(int lock) : fd_(lock) {
     if (held()) {
+        is_left_to_tools = false;
+        command_lock_process = getpid();
         command_lock = fd_;
     }
 }
 
 CommandLock::~CommandLock() {
-    if (held()) {
-        command_lock = -1;
+    if (!held()) {
+        return;
+    }
+    command_lock = -1;
+    if (is_left_to_tools) {
+        (void)close(fd_);
+    } else {
         VkLibUnLock(fd_);
     }
 }
 
-InheritedLock::InheritedLock() : fd_(command_lock) {
+InheritedLock::InheritedLock() : fd_(command_lock_process == getpid() ? command_lock.load() : -1) {
     if (fd_ != -1) {
         (void)fcntl(fd_, F_SETFD, 0);
     }
+}
+
+void InheritedLock::LeaveToTools() {
+    is_left_to_tools = fd_ != -1;
 }
 
 InheritedLock::~InheritedLock() {

@@ -24,14 +24,19 @@ class CommandLock {
 };
 
 // While it lives, programs that are started inherit the lock that a CommandLock of this process
-// holds. A caller that is killed then leaves the lock to the tool that still copies a file, and
-// nobody edits that file before the tool has ended.
+// holds. In a host with threads, these are also the programs that other threads start meanwhile. A
+// caller that is killed then leaves the lock to the tool that still copies a file, and nobody edits
+// that file before the tool has ended.
 class InheritedLock {
   public:
     InheritedLock();
     InheritedLock(const InheritedLock&) = delete;
     InheritedLock& operator=(const InheritedLock&) = delete;
     ~InheritedLock();
+
+    // A tool may run on after the shell that started it has ended. From now on the end of the
+    // CommandLock gives up its own hold alone: the lock is free when that tool has ended, too.
+    void LeaveToTools();
 
   private:
     const int fd_;

@@ -22,9 +22,11 @@ namespace {
 constexpr char kFolder[] = "/var/tmp";
 
 // flock(2) has no time-out, so the lock is tried again after each pause. 1,500 pauses without any
-// change are 3 seconds.
+// change are 3 seconds. 7,500 are 15 seconds, the longest wait: whoever goes on without a turn
+// makes changes, too, and must not keep all others waiting.
 constexpr std::chrono::milliseconds kPause{2};
 constexpr int kPausesOfStandstill = 1500;
+constexpr int kPausesOfAll = 7500;
 
 constexpr off_t kWholeQueue = 0;  // the length that fcntl(2) takes for "up to the end"
 
@@ -37,19 +39,20 @@ off_t PlaceOfArrival() {
     return static_cast<off_t>((now.tv_sec * 1000LL + now.tv_nsec / 1000000) % kPlaces + 1);
 }
 
-// Counts the pauses since the result file was last replaced, written or removed.
-class Standstill {
+// Counts the pauses since the result file was last replaced, written or removed, and all of them.
+// Files of other users do not count: one who keeps the lock could make and remove them for ever.
+class WaitingTime {
   public:
-    explicit Standstill(int folder) : folder_(folder), seen_(Look()) {}
+    explicit WaitingTime(int folder) : folder_(folder), seen_(Look()) {}
 
-    // To be asked before each pause.
-    bool HasLasted3Seconds() {
+    // Says whether to go on without the turn. It is asked once before each pause.
+    bool IsOver() {
         const Facts now = Look();
         if (now != seen_) {
             seen_ = now;
             pauses_ = 0;
         }
-        return pauses_++ == kPausesOfStandstill;
+        return pauses_++ == kPausesOfStandstill || all_pauses_++ == kPausesOfAll;
     }
 
   private:
@@ -63,7 +66,8 @@ class Standstill {
 
     Facts Look() const {
         struct stat facts {};
-        if (fstatat(folder_, kResultFileName, &facts, AT_SYMLINK_NOFOLLOW) == -1) {
+        if (fstatat(folder_, kResultFileName, &facts, AT_SYMLINK_NOFOLLOW) == -1 ||
+            !IsOwnResultFile(facts)) {
             return {};
         }
         return {facts.st_ino, facts.st_size, facts.st_ctim.tv_sec, facts.st_ctim.tv_nsec};
@@ -72,6 +76,7 @@ class Standstill {
     const int folder_;
     Facts seen_;
     int pauses_ = 0;
+    int all_pauses_ = 0;
 };
 
 }  // namespace
@@ -108,11 +113,11 @@ bool ReadersTurn::Takes(off_t place) const {
     return flock(folder_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-// False when nothing has moved for too long.
+// False when nothing has moved for 3 seconds, or 15 seconds are over.
 bool ReadersTurn::Waits(off_t place) const {
-    Standstill standstill(folder_.get());
+    WaitingTime time(folder_.get());
     while (!Takes(place)) {
-        if (standstill.HasLasted3Seconds()) {
+        if (time.IsOver()) {
             return false;
         }
         std::this_thread::sleep_for(kPause);  // for the full pause, also when signals arrive

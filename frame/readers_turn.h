@@ -17,9 +17,9 @@ class ReadersTurn {
   public:
     enum class Patience { kThreeSeconds, kNone };
 
-    // Waits for the turn. A reader that sees no change of the result file for 3 seconds goes on
-    // without it: a stale answer is better than a device that no longer answers. Without patience
-    // it does so at once.
+    // Waits for the turn. A reader that sees no change of the result file for 3 seconds, or has
+    // waited for 15, goes on without it: a stale answer is better than a device that no longer
+    // answers. Without patience it does so at once.
     explicit ReadersTurn(Patience patience = Patience::kThreeSeconds);
     // Unlocks explicitly: a child process of the host that was forked meanwhile has the descriptor,
     // too, and would keep the lock.

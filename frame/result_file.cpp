@@ -17,9 +17,9 @@ namespace {
 constexpr mode_t kResultMode = 0600;  // whatever the umask
 constexpr int kTries = 16;            // against somebody who plants files all the time
 
-// The text of a new file. The shell empties the file before it starts the tool, so that this text
-// is only left where no shell was started.
-constexpr char kUnwritten = '\0';
+// The time of a new file. The shell sets it anew when it opens the file, so that this one is only
+// left where no shell was started.
+constexpr timespec kUnwritten[2] = {};
 
 // Makes a new file. Returns false with errno when that fails.
 bool CreateResultFile() {
@@ -29,13 +29,8 @@ bool CreateResultFile() {
         return false;
     }
     (void)fchmod(fd.get(), kResultMode);
-    (void)!write(fd.get(), &kUnwritten, sizeof(kUnwritten));
+    (void)futimens(fd.get(), kUnwritten);
     return true;
-}
-
-bool IsOwn(const struct stat& facts) {
-    const bool is_callers = facts.st_uid == geteuid() || facts.st_uid == getuid();
-    return S_ISREG(facts.st_mode) && facts.st_nlink == 1 && is_callers;
 }
 
 // A folder that is not empty is moved out of the way: to empty it might take for ever.
@@ -55,10 +50,8 @@ bool RemoveForeign(const struct stat& facts) {
     return S_ISDIR(facts.st_mode) ? RemoveFolder() : unlink(kResultFile) == 0;
 }
 
-bool IsUnwritten(int fd, const struct stat& facts) {
-    char text = '\1';
-    return facts.st_size == sizeof(kUnwritten) && pread(fd, &text, sizeof(text), 0) == 1 &&
-           text == kUnwritten;
+bool IsUnwritten(const struct stat& facts) {
+    return facts.st_size == 0 && facts.st_mtim.tv_sec == 0 && facts.st_mtim.tv_nsec == 0;
 }
 
 UniqueFd Refused(int error) {
@@ -67,6 +60,11 @@ UniqueFd Refused(int error) {
 }
 
 }  // namespace
+
+bool IsOwnResultFile(const struct stat& facts) {
+    const bool is_callers = facts.st_uid == geteuid() || facts.st_uid == getuid();
+    return S_ISREG(facts.st_mode) && facts.st_nlink == 1 && is_callers;
+}
 
 bool PrepareResultFile() {
     for (int i = 0; i < kTries; ++i) {
@@ -80,7 +78,7 @@ bool PrepareResultFile() {
         if (fstatat(AT_FDCWD, kResultFile, &facts, AT_SYMLINK_NOFOLLOW) == -1) {
             return true;  // nothing is there, and the shell will find out why nothing can be made
         }
-        if (IsOwn(facts)) {
+        if (IsOwnResultFile(facts)) {
             return true;
         }
         if (!RemoveForeign(facts) && errno != ENOENT) {
@@ -96,10 +94,10 @@ UniqueFd OpenResultFile() {
     if (fd.get() == -1 || fstat(fd.get(), &facts) == -1) {
         return UniqueFd();
     }
-    if (!IsOwn(facts)) {
+    if (!IsOwnResultFile(facts)) {
         return Refused(EPERM);
     }
-    if (IsUnwritten(fd.get(), facts)) {
+    if (IsUnwritten(facts)) {
         (void)unlink(kResultFile);
         return Refused(ENOENT);
     }

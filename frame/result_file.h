@@ -2,6 +2,8 @@
 #ifndef VELK_FRAME_RESULT_FILE_H_
 #define VELK_FRAME_RESULT_FILE_H_
 
+#include <sys/stat.h>
+
 #include "frame/unique_fd.h"
 
 namespace velk {
@@ -10,6 +12,9 @@ namespace velk {
 // somebody else, or be a link, a FIFO or a folder.
 constexpr char kResultFile[] = "/var/tmp/get_result";
 constexpr char kResultFileName[] = "get_result";
+
+// True for a regular file of the caller's own with one name.
+bool IsOwnResultFile(const struct stat& facts);
 
 // Sees to it that the shell writes into a regular file of the caller's own with this one name.
 // A file of this kind stays as it is; where there is none, a new one is made, so that nobody can

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <string_view>
+#include <thread>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,38 +18,52 @@ namespace {
 
 constexpr size_t kPieceSize = 4 * 1024;
 
-bool LookAt(const std::string& path, struct stat& facts) {
-    return fstatat(AT_FDCWD, path.c_str(), &facts, 0) == 0;
+// Returns 0 or errno.
+int LookAt(const std::string& path, struct stat& facts) {
+    return fstatat(AT_FDCWD, path.c_str(), &facts, 0) == 0 ? 0 : errno;
 }
 
 bool IsSameTime(const timespec& one, const timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-// The next piece of a file, empty at its end or when it cannot be read.
-std::string_view PieceAt(int fd, off_t offset, char (&buffer)[kPieceSize]) {
+// Sets `piece` to the next piece of a file, empty at its end. Returns 0 or errno.
+int ReadPiece(int fd, off_t offset, char (&buffer)[kPieceSize], std::string_view& piece) {
     const ssize_t count = pread(fd, buffer, sizeof(buffer), offset);
-    return {buffer, static_cast<size_t>(std::max<ssize_t>(count, 0))};
+    piece = {buffer, static_cast<size_t>(std::max<ssize_t>(count, 0))};
+    return count == -1 ? errno : 0;
 }
+
+// Kernels note the times of files in steps of up to 10 ms.
+constexpr std::chrono::milliseconds kTimeStep{20};
 
 }  // namespace
 
+// An empty file that the shell empties shows that by its time alone.
 TargetGuard::TargetGuard(const std::string& target, int copy) : target_(target), copy_(copy) {
-    (void)LookAt(target_, before_);
+    if (LookAt(target_, before_) == 0 && before_.st_size == 0) {
+        std::this_thread::sleep_for(kTimeStep);
+    }
 }
 
 int TargetGuard::Mend() {
     struct stat now {};
     struct stat copy {};
-    if (!LookAt(target_, now) || fstat(copy_, &copy) == -1) {
-        return 0;  // nothing was put in its place
+    if (const int error = LookAt(target_, now); error != 0) {
+        return error == ENOENT ? 0 : error;  // somebody has removed it
     }
-    const bool is_shorter = now.st_size < copy.st_size;
-    if (!is_shorter || IsAsItWas(now) || !IsPieceOfCopy(now.st_size)) {
+    if (fstat(copy_, &copy) == -1) {
+        return errno;
+    }
+    if (now.st_size >= copy.st_size || IsAsItWas(now)) {
         return 0;
     }
-    const int error = WriteCopyOver();
-    has_mended_ = error == 0;
+    bool is_piece = false;
+    int error = ComparePiece(now.st_size, is_piece);
+    if (error == 0 && is_piece) {
+        error = WriteCopyOver();
+        has_mended_ = error == 0;
+    }
     return error;
 }
 
@@ -56,18 +72,26 @@ bool TargetGuard::IsAsItWas(const struct stat& facts) const {
     return facts.st_size == before_.st_size && IsSameTime(facts.st_ctim, before_.st_ctim);
 }
 
-bool TargetGuard::IsPieceOfCopy(off_t size) const {
+// Says whether the file, of this size, has the front of the copy's text. Returns 0 or errno.
+int TargetGuard::ComparePiece(off_t size, bool& is_piece) const {
     const UniqueFd file(open(target_.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.get() == -1) {
+        return errno;
+    }
     char file_buffer[kPieceSize];
     char copy_buffer[kPieceSize];
-    for (off_t offset = 0; offset < size;) {
-        const std::string_view piece = PieceAt(file.get(), offset, file_buffer);
-        if (piece.empty() || !PieceAt(copy_, offset, copy_buffer).starts_with(piece)) {
-            return false;
+    std::string_view piece;
+    std::string_view of_copy;
+    is_piece = true;
+    for (off_t offset = 0; is_piece && offset < size; offset += static_cast<off_t>(piece.size())) {
+        int error = ReadPiece(file.get(), offset, file_buffer, piece);
+        error = error != 0 ? error : ReadPiece(copy_, offset, copy_buffer, of_copy);
+        if (error != 0) {
+            return error;
         }
-        offset += static_cast<off_t>(piece.size());
+        is_piece = !piece.empty() && of_copy.starts_with(piece);
     }
-    return true;
+    return 0;
 }
 
 // From the front and without emptying the file: a tool that still copies writes the same bytes.
@@ -78,12 +102,16 @@ int TargetGuard::WriteCopyOver() const {
     }
     char buffer[kPieceSize];
     off_t offset = 0;
-    for (std::string_view piece = PieceAt(copy_, offset, buffer); !piece.empty();
-         piece = PieceAt(copy_, offset, buffer)) {
+    for (std::string_view piece;; offset += static_cast<off_t>(piece.size())) {
+        if (const int error = ReadPiece(copy_, offset, buffer, piece); error != 0) {
+            return error;
+        }
+        if (piece.empty()) {
+            break;
+        }
         if (!WriteAll(file.get(), piece)) {
             return errno;
         }
-        offset += static_cast<off_t>(piece.size());
     }
     return fsync(file.get()) == 0 && file.Reset() == 0 ? 0 : errno;
 }

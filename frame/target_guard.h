@@ -25,7 +25,7 @@ class TargetGuard {
 
   private:
     bool IsAsItWas(const struct stat& facts) const;
-    bool IsPieceOfCopy(off_t size) const;
+    int ComparePiece(off_t size, bool& is_piece) const;
     int WriteCopyOver() const;
 
     const std::string& target_;

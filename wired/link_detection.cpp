@@ -72,9 +72,15 @@ std::optional<int> LinkFromLogFile(int number) {
     return linked;
 }
 
-// False on a device whose /var/tmp is read-only or missing: no tool can tell anything there.
+// False where /var/tmp is read-only or missing, or somebody's file lies at the name of the results
+// and cannot be removed: no tool can tell anything there.
 bool CanToolsLeaveResults() {
-    return faccessat(AT_FDCWD, "/var/tmp", W_OK, AT_EACCESS) == 0;
+    if (faccessat(AT_FDCWD, "/var/tmp", W_OK, AT_EACCESS) == -1) {
+        return false;
+    }
+    const bool can_leave = PrepareResultFile();
+    (void)OpenResultFile();  // removes a new one again
+    return can_leave;
 }
 
 // The kernel's own flag, see netdevice(7). The wireless interface must stay unused while the cable

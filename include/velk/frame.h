@@ -17,7 +17,7 @@ struct _velk_request;
 //
 // Returns a positive descriptor that holds the lock until VkLibUnLock(), LIB_VELK_LOCKED when
 // another open of the file holds it, LIB_VELK_FAILURE on any other failure. The descriptor is
-// close-on-exec, so a program started meanwhile never keeps the lock.
+// close-on-exec, so a program that you start meanwhile never keeps the lock.
 //
 // Side effects: creates the lock file with mode 0666, whatever the umask, when it is missing; it
 // is never removed. Logs "VkLibLock indelible" whenever the file is already there, and
@@ -71,7 +71,8 @@ VELK_API int FileCopyAndDelete(const std::string& source, const std::string& tar
 // "FileEdit mend" is logged with errno, LIB_VELK_FAILURE returned, and the copy stays: it has the
 // only whole text. A file that is as it was stays so, and LIB_VELK_SUCCESS is returned. Through
 // execute_velk_command() both lines inherit the set/restart lock: when the caller is killed, nobody
-// else sets before the tool has ended. No other program that is started inherits it.
+// else sets before the tool has ended. Nothing else that the library starts inherits it; in a
+// program with threads, what another thread starts at that moment does.
 //
 // A failure before the edit copy is put in place leaves the file as it was; when the edit copy had
 // been opened, it is left behind, empty as a rule. When it cannot be written in full, "FileEdit

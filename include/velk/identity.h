@@ -28,10 +28,10 @@ VELK_API int GetSettingFile(const _velk_request& request, char* out);
 // missing directive is not added. sed(1) runs in the program's locale: where a byte is no character
 // of it, that byte and what follows on the line stay. In a locale that is neither C, POSIX nor
 // UTF-8 no SNMP line is run for a text with a byte above 0x7f, because the encoding may swallow its
-// escapes; this is logged as "SetSettingFile no SNMP line". A program that passes on what others type must
-// refuse a text that holds "syscontact" or "syslocation": a set of the other setting would cut it.
-// The text is not checked: one with a
-// newline makes two lines, and leaves the SNMP daemon's file as it was. `out` is not used.
+// escapes; this is logged as "SetSettingFile no SNMP line". A program that passes on what others
+// type must refuse a text that holds "syscontact" or "syslocation": a set of the other setting
+// would cut it. The text is not checked: one with a newline makes two lines, and leaves the SNMP
+// daemon's file as it was. `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS, whatever becomes of the SNMP daemon; LIB_VELK_INVALID_PARAMETER for
 // any other id; LIB_VELK_FAILURE when a file cannot be opened, logged as "SetSettingFile ifstream"

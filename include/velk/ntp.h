@@ -72,9 +72,9 @@ VELK_API int SetNtpIp(const _velk_request& request, char* out);
 // LIB_VELK_SUCCESS.
 VELK_API int GetNtpdate(const std::string& line, std::string& server);
 
-// Replaces the first place at which the text of the line's server stands by `server`. A program that
-// passes on what others type must refuse a server whose text occurs earlier on the line, such as
-// "ntp" or "usr", and any set while the present server is such a one: the command that cron runs
+// Replaces the first place at which the text of the line's server stands by `server`. A program
+// that passes on what others type must refuse a server whose text occurs earlier on the line, such
+// as "ntp" or "usr", and any set while the present server is such a one: the command that cron runs
 // would be changed. A line
 // without a server gets it in front of the blank before the first ">", or of the ">" itself when no
 // blank stands between it and the line's first character. No blank is added: the server sticks to

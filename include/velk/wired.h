@@ -10,8 +10,8 @@ struct ifreq;
 // Functions below that run a tool and read its output let it write into /var/tmp/get_result, which
 // is removed with rm(1) after reading; an empty one that was to tell of the link stays behind. They
 // take turns, in the order in which they came, through an advisory flock(2) on the folder /var/tmp
-// itself: each run of a tool may wait for others. A reader for whom nothing moves for 3 seconds
-// goes on without its turn.
+// itself: each run of a tool may wait for others. A reader for whom nothing moves for 3 seconds, or
+// that has waited for 15, goes on without its turn.
 //
 // Only a regular file of the caller's with one name is written to or read at /var/tmp/get_result.
 // Where there is none, a new one of mode 0600 is made before the tool runs. Anything else that lies

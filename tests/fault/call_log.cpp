@@ -70,8 +70,6 @@ LoggedCall CallLog::Describe(const testkit::Event& event) {
     if (event.call == Call::kOpen) {
         call.file = event.text;
         closed_.erase(call.file);
-    } else if (event.call == Call::kWrite) {
-        call.file = FileOf(event.number);
     } else if (HasFile(event.call)) {
         call.file = FileOf(std::stoi(event.text));
     }

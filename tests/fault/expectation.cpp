@@ -119,7 +119,6 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kSyslog:
             return Notice::kNone;
         case Call::kWrite:
-            return call.file == kResultFile ? Notice::kNone : Notice::kTold;
         case Call::kSocket:  // from here on the steps of a talk with the wireless daemon
         case Call::kConnect:
         case Call::kBind:

@@ -20,11 +20,13 @@ inline int SetAddress(const std::string& address) {
     return Set(VELK_CMD_IP_ADDRESS, "eth0", address);
 }
 
-// Tools of a killed caller may still copy. Their end frees the lock.
+// Tools of a killed caller may still copy. Their end frees the lock, within a minute on any
+// machine.
 inline void WaitForFreeLock() {
-    while (!testkit::IsLockFree()) {
+    for (int i = 0; i < 60000 && !testkit::IsLockFree(); ++i) {
         usleep(1000);
     }
+    EXPECT_TRUE(testkit::IsLockFree());
 }
 
 }  // namespace world

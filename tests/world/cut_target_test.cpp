@@ -204,17 +204,41 @@ TEST_F(CutTargetTest, NoLimitOfDescriptorsLeavesACutFile) {
     }
 }
 
+// A user of this test's own: the limit counts all processes of a user.
 TEST_F(CutTargetTest, NoLimitOfProcessesLeavesACutFile) {
-    const Conditions poor{.user = kNobody, .limits = {{RLIMIT_NPROC, 1}}};
-    if (!IsPossible(poor)) {
+    constexpr uid_t kUser = 54321;
+    constexpr int kMended = 10;
+    if (!IsPossible({.user = kUser})) {
         GTEST_SKIP() << "the private device has no other users";
     }
-    ASSERT_EQ(chown(kInterfaces, kNobody, kNobody), 0);
-    for (rlim_t limit = 0; limit < 4; ++limit) {
-        (void)InChild({.user = kNobody, .limits = {{RLIMIT_NPROC, limit}}},
-                      [] { return SetAddress(kNew); });
+    ASSERT_EQ(chown(kInterfaces, kUser, kUser), 0);
+    int mended = 0;
+    for (rlim_t limit = 0; limit < 5; ++limit) {
+        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        const int result = InChild({.user = kUser, .limits = {{RLIMIT_NPROC, limit}}}, [] {
+            (void)SetAddress(kNew);
+            const std::vector<std::string> logs = testkit::LibcRecorder::Get().Logs();
+            return logs.empty() || !logs.back().starts_with("FileEdit mended") ? 0 : kMended;
+        });
+        mended += result == kMended ? 1 : 0;
         EXPECT_TRUE(IsWhole()) << limit;
     }
+    EXPECT_GT(mended, 0) << "with one of the limits the shell starts, and cat does not";
+}
+
+// The shell alone is killed. Its cat has opened both files already, and writes when it likes.
+TEST_F(CutTargetTest, ACatThatOutlivesItsShellKeepsOtherSetsWaiting) {
+    MakeTool("cat",
+             "exec 3<\"$1\"; kill -KILL $PPID; until [ -e /run/tools/go ]; do sleep 0.01; done\n"
+             "exec /bin/cat <&3\n");
+    EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(SetAddress(kOld), LIB_VELK_LOCKED) << "its text would be written over";
+    testkit::WriteFile("/run/tools/go", "");
+    WaitForFreeLock();
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(SetAddress(kOld), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
 }
 
 TEST_F(CutTargetTest, NoUmaskKeepsTheToolsFromTheCopy) {
@@ -256,6 +280,7 @@ TEST_F(CutTargetTest, AHostWithTwoUsersSetsTheFile) {
             0)
             << mask;
         EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew)) << mask;
+        EXPECT_FALSE(testkit::Exists(kCopy)) << "the real user may not remove it";
     }
     chmod(kInterfaces, 0644);
 }

@@ -1,6 +1,7 @@
 // An administrator's text that a tool reads in an encoding with characters of several bytes.
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -52,16 +53,29 @@ bool IsAscii(const std::string& text) {
 // Tools find the locale by this environment. The library reads it, too.
 class LocaleScope {
   public:
-    explicit LocaleScope(const char* locale) {
-        setenv("LOCPATH", kLocales, 1);
-        setenv("LC_ALL", locale, 1);
-    }
-    ~LocaleScope() {
-        unsetenv("LOCPATH");
-        unsetenv("LC_ALL");
-    }
-    LocaleScope(const LocaleScope&) = delete;
-    LocaleScope& operator=(const LocaleScope&) = delete;
+    explicit LocaleScope(const char* locale)
+        : path_("LOCPATH", kLocales), name_("LC_ALL", locale) {}
+
+  private:
+    class Variable {
+      public:
+        Variable(const char* name, const char* value) : name_(name) {
+            if (const char* before = getenv(name); before != nullptr) {
+                before_ = before;
+            }
+            setenv(name, value, 1);
+        }
+        ~Variable() { before_ ? setenv(name_, before_->c_str(), 1) : unsetenv(name_); }
+        Variable(const Variable&) = delete;
+        Variable& operator=(const Variable&) = delete;
+
+      private:
+        const char* const name_;
+        std::optional<std::string> before_;
+    };
+
+    const Variable path_;
+    const Variable name_;
 };
 
 class LocaleTest : public testkit::DeviceTest, public testing::WithParamInterface<Encoding> {

@@ -21,6 +21,8 @@ using std::chrono::steady_clock;
 
 constexpr char kResult[] = "/var/tmp/get_result";
 constexpr char kVictim[] = "/var/tmp/victim";
+// A call that waits for somebody would take longer, for ever as a rule.
+constexpr seconds kLongest{60};
 constexpr char kRightSpeed[] = "Speed: 100Mb/s\nDuplex: Full\nAuto-negotiation: off\n";
 constexpr char kPlanted[] = "Speed: 10Mb/s\nDuplex: Half\nAuto-negotiation: off\n";
 
@@ -52,7 +54,7 @@ class ResultFileTest : public testkit::DeviceTest {
         const auto start = steady_clock::now();
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), 0);
         EXPECT_EQ(response.data[0], VELK_LINK_100_FULL);
-        EXPECT_LT(steady_clock::now() - start, seconds(2));
+        EXPECT_LT(steady_clock::now() - start, kLongest);
         EXPECT_FALSE(testkit::Exists(kResult));
     }
     // The get fails, without waiting for anybody and without a line being run.
@@ -69,7 +71,7 @@ class ResultFileTest : public testkit::DeviceTest {
             return answer == LIB_VELK_FAILURE && is_quiet ? 0 : 1;
         });
         EXPECT_EQ(result, 0);
-        EXPECT_LT(steady_clock::now() - start, seconds(2));
+        EXPECT_LT(steady_clock::now() - start, kLongest);
     }
 
   private:
@@ -93,7 +95,7 @@ TEST_F(ResultFileTest, APipeIsNotWaitedForWhenReadAlone) {
     });
     const auto start = steady_clock::now();
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
-    EXPECT_LT(steady_clock::now() - start, seconds(2));
+    EXPECT_LT(steady_clock::now() - start, kLongest);
 }
 
 TEST_F(ResultFileTest, ASymbolicLinkIsRemovedAndNotFollowed) {
@@ -140,7 +142,7 @@ TEST_F(ResultFileTest, OnesOwnOldFileIsWrittenAgain) {
     ExpectTheRightSpeed();
 }
 
-// Whoever plants all the time may make a get fail, and nothing else.
+// Somebody who plants all the time may make a get fail, and nothing else.
 TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
     Child planter({.user = kNobody}, [] {
         for (;;) {
@@ -150,12 +152,10 @@ TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
         return 0;
     });
     testkit::WriteFile(kVictim, "keep me\n");
-    const auto start = steady_clock::now();
     for (int i = 0; i < 300; ++i) {
         const int result = Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
         ASSERT_TRUE(result == -1 || response.data[0] == VELK_LINK_100_FULL) << result;
     }
-    EXPECT_LT(steady_clock::now() - start, seconds(30));
     EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
 }
 
@@ -166,7 +166,7 @@ TEST_F(ResultFileTest, ARestartEndsWhateverIsPlanted) {
         Plant(planting);
         const auto start = steady_clock::now();
         EXPECT_EQ(Execute(VELK_RESTART, VELK_CMD_RESTART, "eth0"), 0);
-        EXPECT_LT(steady_clock::now() - start, seconds(2)) << "sleep(3) returns at once here";
+        EXPECT_LT(steady_clock::now() - start, kLongest) << "sleep(3) returns at once here";
         EXPECT_EQ(libc().Texts(testkit::Call::kSleep),
                   (std::vector<std::string>{"1", "5", "30", "30"}));
         libc().ForgetEvents();
@@ -191,6 +191,28 @@ TEST_F(ResultFileTest, ALockOfAnotherUserIsNotWaitedForForEver) {
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), 0);
     EXPECT_EQ(response.data[0], VELK_LINK_100_FULL);
     EXPECT_EQ(libc().Events(testkit::Call::kNanosleep).size(), 1500U);
+}
+
+// A lock that is kept for ever, and files that come and go.
+TEST_F(ResultFileTest, AKeptLockAndComingFilesHoldNoReaderForLong) {
+    Child holder({.user = kNobody}, [] {
+        const int fd = open("/var/tmp", O_RDONLY | O_CLOEXEC);
+        if (flock(fd, LOCK_EX) != 0) {
+            return 1;
+        }
+        for (;;) {
+            testkit::WriteFile("/var/tmp/held", "");
+            (void)mkfifo(kResult, 0666);
+            usleep(100000);
+            (void)unlink(kResult);
+        }
+    });
+    while (!testkit::Exists("/var/tmp/held")) {
+        usleep(1000);
+    }
+    libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
+    (void)Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
+    EXPECT_LE(libc().Events(testkit::Call::kNanosleep).size(), 7500U) << "of 2 ms";
 }
 
 }  // namespace

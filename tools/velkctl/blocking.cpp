@@ -5,8 +5,8 @@ namespace velkctl {
 namespace {
 
 // Link detection asks ethtool once a second for a minute and looks into two logs after that. A turn
-// that another program keeps costs 3 seconds in the first run of ethtool and for each log.
-constexpr int kLinkSeconds = 60 + 3 * 3;
+// that another program keeps costs 15 seconds in the first run of ethtool and for each log.
+constexpr int kLinkSeconds = 60 + 3 * 15;
 // The library waits so long for one answer of the wireless daemon.
 constexpr int kDaemonSeconds = 60;
 // What a wired restart sleeps with an adapter attached and the cable in, and a wireless one.

@@ -99,6 +99,27 @@ TEST_F(TargetGuardTest, AFileThatIsGoneStaysSo) {
     EXPECT_FALSE(testkit::Exists(kTarget));
 }
 
+TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
+    WriteFile(kTarget, "old\n");
+    WriteFile(kCopy, "new text\n");
+    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    TargetGuard guard(kTarget, copy.get());
+    WriteFile(kTarget, "new");
+    libc().Script(Call::kOpen, {Fail(EACCES)});
+    EXPECT_EQ(guard.Mend(), EACCES);
+    EXPECT_EQ(ReadFile(kTarget), "new");
+}
+
+TEST_F(TargetGuardTest, AnEmptyFileThatIsEmptiedIsMended) {
+    WriteFile(kTarget, "");
+    WriteFile(kCopy, "new\n");
+    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    TargetGuard guard(kTarget, copy.get());
+    WriteFile(kTarget, "");
+    EXPECT_EQ(guard.Mend(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "new\n");
+}
+
 TEST_F(TargetGuardTest, AFailureToMendIsToldByItsNumber) {
     for (const auto& [call, error] : {std::pair(Call::kOpen, EROFS), {Call::kWrite, ENOSPC}}) {
         WriteFile(kTarget, "old\n");

@@ -10,7 +10,7 @@ namespace {
 using velkctl::Blocking;
 using velkctl::LongestCall;
 
-// "129 s for the wireless daemon"
+// "165 s for the wireless daemon"
 std::string Longest(velk_command_type type, uint32_t id, std::string_view interface) {
     const Blocking blocking = LongestCall({type, id, interface});
     return std::to_string(blocking.seconds) + " s for " + std::string(blocking.awaited);
@@ -31,7 +31,7 @@ TEST(LongestCall, AFileTakesNoTime) {
 TEST(LongestCall, AnAddressOfTheAdapterWaitsForTheLink) {
     for (const auto id :
          {VELK_CMD_MAC_ADDRESS, VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
-        EXPECT_EQ(Longest(VELK_GET, id, "eth1"), "69 s for ethtool to tell the state of the link");
+        EXPECT_EQ(Longest(VELK_GET, id, "eth1"), "105 s for ethtool to tell the state of the link");
     }
 }
 
@@ -49,15 +49,16 @@ TEST(LongestCall, TheStateOfTheAdapterWaitsForTheLinkAndForTheDaemon) {
     for (const auto id : {VELK_CMD_HARDWARE_VERSION, VELK_CMD_SOFTWARE_VERSION, VELK_CMD_STANDARD,
                           VELK_CMD_REGION, VELK_CMD_RATE, VELK_CMD_ACCESS_POINT, VELK_CMD_SIGNAL}) {
         EXPECT_EQ(Longest(VELK_GET, id, "eth1"),
-                  "129 s for ethtool to tell the state of the link, then for the wireless daemon "
+                  "165 s for ethtool to tell the state of the link, then for the wireless daemon "
                   "to answer");
     }
 }
 
 TEST(LongestCall, ARestartWaitsForTheInterface) {
     EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth0"),
-              "135 s for the interface to come up");
-    EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth1"), "70 s for the interface to come up");
+              "171 s for the interface to come up");
+    EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth1"),
+              "106 s for the interface to come up");
 }
 
 TEST(LongestCall, ToolsOfTheirOwnSpeedAreNamed) {
