@@ -125,10 +125,8 @@ int LockAttempt::Fail() const {
     return LIB_VELK_FAILURE;
 }
 
-// The descriptor of the one lock that the process holds, and that process: a child of fork(2) may
-// have closed it and given its number to another file.
+// // The descriptor of the one lock that the process holds.
 std::atomic<int> command_lock = -1;
-std::atomic<pid_t> command_lock_process = 0;
 std::atomic<bool> is_left_to_tools = false;
 
 }  // namespace
@@ -136,7 +134,6 @@ std::atomic<bool> is_left_to_tools = false;
 CommandLock::CommandLock(int lock) : fd_(lock) {
     if (held()) {
         is_left_to_tools = false;
-        command_lock_process = getpid();
         command_lock = fd_;
     }
 }
@@ -153,7 +150,7 @@ CommandLock::~CommandLock() {
     }
 }
 
-InheritedLock::InheritedLock() : fd_(command_lock_process == getpid() ? command_lock.load() : -1) {
+InheritedLock::InheritedLock() : fd_(command_lock) {
     if (fd_ != -1) {
         (void)fcntl(fd_, F_SETFD, 0);
     }
