@@ -21,6 +21,13 @@ lib_failures=0
 lib_folder=$(mktemp -d)
 trap 'rm -rf "$lib_folder"' EXIT
 
+# Bash calls this for an unknown command, in a process of its own: a file carries it to finish.
+command_not_found_handle() {
+    printf 'FAILED: it %s\n  command not found: %s\n' "$lib_behaviour" "$*" >>"$lib_folder/not-found"
+    printf '%s: command not found\n' "$1" >&2
+    return 127
+}
+
 # Names the behaviour that the next checks hold.
 it() { lib_behaviour=$1; }
 
@@ -121,7 +128,15 @@ again_as_ordinary_user() { # again_as_ordinary_user FILE
     [ "$status" = 77 ] || status_is 0
 }
 
+# Counts the commands that were not found; the tests went on without them.
+count_unknown_commands() {
+    [ -e "$lib_folder/not-found" ] || return 0
+    cat "$lib_folder/not-found"
+    lib_failures=$((lib_failures + $(grep -c '^FAILED' "$lib_folder/not-found")))
+}
+
 finish() {
+    count_unknown_commands
     printf '%d checks, %d failed\n' "$lib_checks" "$lib_failures"
     [ "$lib_checks" -gt 0 ] && [ "$lib_failures" -eq 0 ]
     exit
