@@ -152,7 +152,7 @@ check 'line that comes and goes' '+one -one' "$(grep '^.one' "$lib_folder/watche
 
 it 'shows bytes of files, and of their names, that the terminal would obey in digits'
 inside sh -c 'printf "\033[31mred\tand\0more\r\n" >"$(printf "/var/libvelk/a\033[1m\nb")"'
-wait_until_ready grep -q red "$lib_folder/watched"
+wait_until grep -q red "$lib_folder/watched"
 check 'change' '--- /var/libvelk/a\x1b[1m\x0ab
 +++ /var/libvelk/a\x1b[1m\x0ab	TIME
 @@ -0,0 +1 @@

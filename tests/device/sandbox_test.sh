@@ -68,7 +68,7 @@ at_terminal() { # at_terminal PROGRAM LINE...
     output=$(for line; do
         sleep 0.5
         printf '%b' "$line"
-    done | timeout 20 script -qec "$program" /dev/null 2>&1)
+    done | timeout 60 script -qec "$program" /dev/null 2>&1)
     status=$?
 }
 
