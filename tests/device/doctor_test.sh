@@ -184,12 +184,12 @@ as before
 vklib_lock
 all is well"
 
-it 'takes no file for an edit copy that others may read, and no line of it'
+it 'has a file that others may read looked at where it may be the only whole text, and names no line of it'
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
     : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
-output_is 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a file of user 0 with mode 644, not made by the library, stands where the edit copy is made; the next set replaces it
-  mend: look at it, use nothing of it, and remove it: rm /var/tmp/interfaces
+output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program whose real and effective user differ, has more than /etc/network/interfaces; the next set replaces it
+  mend: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
 0'
 
 it 'tells of what is in the way of the output of tools'
