@@ -209,10 +209,10 @@ findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/s
 /dev/shm/sem.WlanAplRecvSem'
 
 it 'finds a tool that is not where sudo looks'
-script 'mv /sbin/ifup /tmp/ifup; PATH=$PATH:/tmp velkctl doctor'
+script 'mkdir /run/mine; mv /sbin/ifup /run/mine; PATH=$PATH:/run/mine velkctl doctor'
 status_is 1
 output_is 'problem: ifup is not in a folder where sudo looks: no interface can be brought up again by a restart
-  mend: ln -s /tmp/ifup /usr/local/sbin/ifup
+  mend: ln -s /run/mine/ifup /usr/local/sbin/ifup
 1 problem, 0 warnings'
 
 it 'tells of a wireless daemon that does not run'
