@@ -181,6 +181,9 @@ extern "C" {
  * the later one failing at once with LIB_VELK_LOCKED; gets take no such lock, and those that read a
  * tool's output wait for each other, see velk/wired.h. A thread that is cancelled meanwhile,
  * pthread_cancel(3), finishes the call first.
+ *
+ * A program with a limit on the size of files, RLIMIT_FSIZE, should ignore SIGXFSZ: an edit beyond
+ * the limit then fails with LIB_VELK_FAILURE instead of ending the program.
  */
 VELK_API int execute_velk_command(const _velk_request* request, _velk_request* response);
 

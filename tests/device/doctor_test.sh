@@ -184,12 +184,12 @@ as before
 vklib_lock
 all is well"
 
-it 'takes no file for an edit copy that others may read, and no line of it'
+it 'has a file that others may read looked at where it may be the only whole text, and names no line of it'
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
     : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
-output_is 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a file of user 0 with mode 644, not made by the library, stands where the edit copy is made; the next set replaces it
-  mend: look at it, use nothing of it, and remove it: rm /var/tmp/interfaces
+output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program whose real and effective user differ, has more than /etc/network/interfaces; the next set replaces it
+  mend: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
 0'
 
 it 'tells of what is in the way of the output of tools'
@@ -209,10 +209,10 @@ findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/s
 /dev/shm/sem.WlanAplRecvSem'
 
 it 'finds a tool that is not where sudo looks'
-script 'mv /sbin/ifup /tmp/ifup; PATH=$PATH:/tmp velkctl doctor'
+script 'mkdir /run/mine; mv /sbin/ifup /run/mine; PATH=$PATH:/run/mine velkctl doctor'
 status_is 1
 output_is 'problem: ifup is not in a folder where sudo looks: no interface can be brought up again by a restart
-  mend: ln -s /tmp/ifup /usr/local/sbin/ifup
+  mend: ln -s /run/mine/ifup /usr/local/sbin/ifup
 1 problem, 0 warnings'
 
 it 'tells of a wireless daemon that does not run'

@@ -42,12 +42,23 @@ output_is 'off
 ntp = on
 location = desk'
 
-it 'advises to link a tool that only its caller finds'
-script ': >/tmp/none; mkdir /tmp/mine; cp "$(command -v grep)" /tmp/mine; velkctl=$(command -v velkctl)
-    grep=$(command -v grep); stand_in grep /tmp/none; PATH=/tmp/mine:$PATH velkctl doctor >/run/said
-    PATH=/tmp/mine grep -A 1 "grep is" /run/said'
+# Makes a folder that only its caller names, where the only grep is, and shows the advice on that.
+advice_on_grep='
+    advice_on_grep() { # FOLDER
+        : >/tmp/none; mkdir "$1"; cp "$(command -v grep)" "$1"; stand_in grep /tmp/none
+        PATH=$1:$PATH velkctl doctor >/run/said; "$1/grep" -A 1 "grep is" /run/said
+    }
+'
+
+it 'advises to link a tool that only its caller finds, and root alone can change'
+script "$advice_on_grep"'advice_on_grep /run/mine'
 output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be told from the log when ethtool does not tell it
-  mend: ln -s /tmp/mine/grep /usr/local/sbin/grep'
+  mend: ln -s /run/mine/grep /usr/local/sbin/grep'
+
+it 'gives no line that lets in a tool from where everybody can put one'
+script "$advice_on_grep"'advice_on_grep /tmp/mine'
+output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be told from the log when ethtool does not tell it
+  mend: install it in a folder where velkctl looks, as /usr/bin'
 
 # ---- what it prints -----------------------------------------------------------------------------
 

@@ -3,6 +3,8 @@
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+# shellcheck source=tests/device/stuck_log.sh
+. "$VELK_SOURCE/tests/device/stuck_log.sh" || exit
 
 needs_sandbox
 command -v python3 >/dev/null || skip 'no python3 here, for signals and terminals'
@@ -41,33 +43,6 @@ words='
     asked=/tmp/WlanAplFromWlanSock # is there while the daemon is asked
     interrupted_by() { python3 -c "$INTERRUPT" "$@"; }
     at_terminal() { TERM=linux python3 -c "$TERMINAL" "$@"; }
-    # Runs a command on the same device while nobody reads its system log and the queue is full.
-    with_stuck_log() { python3 -c "$STUCK_LOG" "$@"; }
-'
-
-# A /dev of its own, which the command and what that starts share.
-export STUCK_LOG='
-import os, socket, subprocess, sys
-if os.environ.get("LOG_IS_PRIVATE") != "yes":
-    os.environ["LOG_IS_PRIVATE"] = "yes"
-    os.execvp("unshare", ["unshare", "--mount", sys.executable, "-c", os.environ["STUCK_LOG"]] + sys.argv[1:])
-private = """
-    mkdir -p /run/stuck && mount -t tmpfs none /run/stuck && mkdir /run/stuck/shm &&
-    for node in null zero urandom; do : >/run/stuck/$node && mount --bind /dev/$node /run/stuck/$node; done &&
-    mount --bind /dev/shm /run/stuck/shm && mount --rbind /run/stuck /dev"""
-subprocess.run(["sh", "-c", private], check=True)
-log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
-log.bind("/dev/log")
-writer = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
-writer.connect("/dev/log")
-writer.setblocking(False)
-try:
-    while True:
-        writer.send(b"<13>nobody reads this")
-except BlockingIOError:
-    pass
-log.set_inheritable(True)
-os.execvp(sys.argv[1], sys.argv[1:])
 '
 
 # Runs a command, sends it a signal after a time, counted from when it blocks signals if there is a
@@ -126,7 +101,7 @@ print(repr(shown.decode()), status)
 
 # Runs a script on a device.
 on_desk() {
-    on_device sh -c "$stand_in_word$words$1"
+    on_device sh -c "$stand_in_word$stuck_log_word$words$1"
     lib_command=$1
 }
 

@@ -34,6 +34,8 @@ bool IsOfLease(const Command& command) {
 }
 
 // Only what is read from files is spared a process: wherever a signal ends it, nothing is left.
+// One that fails may wait to log. Here a signal ends it as any program; with a deadline it is given
+// a process all the same.
 bool IsPlainRead(const Command& command) {
     return command.type == VELK_GET && LongestCall(command).awaited.empty() && !IsOfLease(command);
 }

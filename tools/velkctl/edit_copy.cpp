@@ -17,6 +17,9 @@ namespace velkctl {
 namespace {
 
 constexpr mode_t kCopyMode = 0600;
+// A host whose real and effective user differ makes its copies with it. Other programs of root's
+// make files of this mode as a rule: it proves nothing.
+constexpr mode_t kCopyModeForTwoUsers = 0644;
 constexpr mode_t kModeBits = 07777;
 constexpr size_t kMostShown = 10;
 
@@ -26,10 +29,9 @@ std::string CopyPathOf(const DeviceFile& file) {
 }
 
 // Everybody may put a file there, or a link to one, and may rename a file of root's into place. The
-// library makes its copy anew: with one name, and for its owner alone.
-bool IsTrusted(const struct stat& facts, const char* file) {
-    if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1 ||
-        (facts.st_mode & kModeBits) != kCopyMode) {
+// library makes its copy anew: with one name, and this mode.
+bool IsMadeWith(mode_t mode, const struct stat& facts, const char* file) {
+    if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1 || (facts.st_mode & kModeBits) != mode) {
         return false;
     }
     struct stat edited {};
@@ -71,6 +73,15 @@ Lines LinesMissingFrom(const Lines& present, Lines lines) {
     return lines;
 }
 
+// A file without proof is not compared line by line: nobody is to copy lines of it unread.
+EditState StateWithoutProof(const EditCopy& copy) {
+    if (!IsMadeWith(kCopyModeForTwoUsers, copy.facts, copy.file->path)) {
+        return EditState::kForeign;
+    }
+    const EditState state = StateBetween(ReadTextFile(copy.path), ReadTextFile(copy.file->path));
+    return state == EditState::kCut ? EditState::kUnproven : EditState::kForeign;
+}
+
 void Compare(EditCopy& copy) {
     const TextFile text = ReadTextFile(copy.path);
     const TextFile file = ReadTextFile(copy.file->path);
@@ -88,8 +99,10 @@ std::optional<EditCopy> FindCopyOf(const DeviceFile& file) {
     if (lstat(copy.path.c_str(), &copy.facts) == -1) {
         return std::nullopt;
     }
-    if (IsTrusted(copy.facts, file.path)) {
+    if (IsMadeWith(kCopyMode, copy.facts, file.path)) {
         Compare(copy);
+    } else {
+        copy.state = StateWithoutProof(copy);
     }
     return copy;
 }

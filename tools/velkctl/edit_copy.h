@@ -17,6 +17,8 @@ namespace velkctl {
 // How far the edit came, by what its copy and the file hold.
 enum class EditState {
     kForeign,     // not one that the library made: its contents do not count
+    kUnproven,    // the library may have made it in a host with two users; the file has nothing, or
+                  // the front of it alone
     kCut,         // the file has nothing, or the front of the copy alone: it seems cut while copied
     kPart,        // the copy may be a part of what was to be written
     kInPlace,     // the file holds the same

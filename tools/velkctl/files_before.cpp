@@ -22,8 +22,16 @@ std::string LossOf(const TextFile& before, const TextFile& after) {
 
 std::string WhereTheRestIs(const DeviceFile& file) {
     for (const EditCopy& copy : FindEditCopies()) {
-        if (copy.file == &file && copy.state == EditState::kCut) {
+        if (copy.file != &file) {
+            continue;
+        }
+        if (copy.state == EditState::kCut) {
             return "the rest is in its edit copy " + copy.path + ", see 'velkctl doctor'";
+        }
+        if (copy.state == EditState::kUnproven) {
+            return copy.path +
+                   " may be the only whole text; look at it before you remove it, see 'velkctl "
+                   "doctor'";
         }
     }
     return "no edit copy has the rest: restore it before the device starts anew";

@@ -15,11 +15,12 @@ struct Directive {
     uint32_t id;
     std::string_view setting;
     std::string_view name;
+    std::string_view key;  // of its line in the library's settings file
 };
 
 inline constexpr std::array<Directive, 2> kDirectives{{
-    {VELK_CMD_ADMINISTRATOR, "administrator", "syscontact"},
-    {VELK_CMD_LOCATION, "location", "syslocation"},
+    {VELK_CMD_ADMINISTRATOR, "administrator", "syscontact", "ADMINISTRATOR="},
+    {VELK_CMD_LOCATION, "location", "syslocation", "LOCATION="},
 }};
 
 }  // namespace velkctl

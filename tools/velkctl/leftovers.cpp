@@ -32,11 +32,24 @@ bool IsDispensable(EditState state) {
            state == EditState::kDiffers;
 }
 
-// Of files that were cut, and that the command edits.
+// Of files that were cut, or may have been, and that the command edits.
 std::vector<EditCopy> CutEdits(const Command& command) {
     std::vector<EditCopy> copies = FindEditCopies(command);
-    std::erase_if(copies, [](const EditCopy& copy) { return copy.state != EditState::kCut; });
+    std::erase_if(copies, [](const EditCopy& copy) {
+        return copy.state != EditState::kCut && copy.state != EditState::kUnproven;
+    });
     return copies;
+}
+
+std::string LossOf(const EditCopy& copy) {
+    if (copy.state == EditState::kUnproven) {
+        return "this set replaces " + copy.path + ", which may be the only whole text of " +
+               copy.file->path + "; look at it before a set";
+    }
+    return std::string(copy.file->path) +
+           " seems to have been cut while being copied, and this set replaces the edit copy that "
+           "has the rest" +
+           Printable(AdditionsOf(copy)) + "; before a set, " + FinishingOf(copy);
 }
 
 void RemoveToolOutput() {
@@ -83,10 +96,7 @@ void TellOfUnfinishedEdits(const Command& command, const std::string& what, Repo
         return;  // an edit may be under way, and this command is refused
     }
     for (const EditCopy& copy : CutEdits(command)) {
-        report.Note(what + ": " + copy.file->path +
-                    " seems to have been cut while being copied, and this set replaces the edit "
-                    "copy that has the rest" +
-                    Printable(AdditionsOf(copy)) + "; before a set, " + FinishingOf(copy));
+        report.Note(what + ": " + LossOf(copy));
     }
 }
 

@@ -108,13 +108,47 @@ TEST_F(EditCopyTest, DoesNotTrustLinksNorOtherKindsOfFiles) {
 TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     WriteFile(kCrontab, "");
     WriteCopy("a\n");
-    for (const mode_t mode : {0644U, 0640U, 0606U, 0700U, 0400U, 04600U, 01600U, 0U}) {
+    for (const mode_t mode : {0640U, 0606U, 0700U, 0400U, 04600U, 04644U, 01600U, 0U}) {
         ASSERT_EQ(chmod(kCopy, mode), 0);
         EXPECT_EQ(Found().state, EditState::kForeign) << std::oct << mode;
         EXPECT_EQ(AdditionsOf(Found()), "") << std::oct << mode;
     }
     ASSERT_EQ(chmod(kCopy, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kCut);
+}
+
+// A host whose real and effective user differ makes its copies with mode 644.
+TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
+    WriteCopy("a\nb\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    for (const char* cut : {"", "a\n", "a\nb"}) {
+        WriteFile(kCrontab, cut);
+        EXPECT_EQ(Found().state, EditState::kUnproven) << cut;
+        EXPECT_EQ(AdditionsOf(Found()), "") << cut;
+    }
+    ASSERT_EQ(unlink(kCrontab), 0);
+    EXPECT_EQ(Found().state, EditState::kUnproven);
+    for (const char* whole : {"a\nb\n", "b\n", "a\nb\nc\n"}) {
+        WriteFile(kCrontab, whole);
+        EXPECT_EQ(Found().state, EditState::kForeign) << whole;
+    }
+    WriteFile(kCrontab, "");
+    WriteFile(kCopy, "");
+    EXPECT_EQ(Found().state, EditState::kForeign) << "it has nothing";
+}
+
+TEST_F(EditCopyTest, HasNoDoubtAboutAFileOfMode644OfSomebodyElse) {
+    WriteFile(kCrontab, "");
+    WriteCopy("a\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
+    EXPECT_EQ(Found().state, EditState::kForeign);
+    ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
+    EXPECT_EQ(Found().state, EditState::kUnproven);
+    if (chown(kCopy, kSomebody, kSomebody) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(Found().state, EditState::kForeign);
 }
 
 TEST_F(EditCopyTest, TrustsTheFilesOwnerAndNobodyElse) {

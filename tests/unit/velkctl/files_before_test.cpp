@@ -56,11 +56,20 @@ TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and the rest is in its edit copy "
               "/var/tmp/interfaces, see 'velkctl doctor'");
-    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    ASSERT_EQ(chmod(kCopy, 0640), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
               "restore it before the device starts anew")
         << "it is not the library's";
+}
+
+// A host whose real and effective user differ makes its copies with mode 644.
+TEST_F(FilesBeforeTest, NamesACopyThatMayHaveTheRest) {
+    WriteFile(kCopy, "a\nc\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(Losses("a\nb\n", ""),
+              "/etc/network/interfaces is empty since this set, and /var/tmp/interfaces may be the "
+              "only whole text; look at it before you remove it, see 'velkctl doctor'");
 }
 
 TEST_F(FilesBeforeTest, TellsOfEveryFileOfTheSetting) {

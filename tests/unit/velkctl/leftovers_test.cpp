@@ -217,6 +217,17 @@ TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
     EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
 }
 
+// A host whose real and effective user differ makes its copies with mode 644.
+TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0644), 0);
+    EXPECT_EQ(ToldOf(kChange),
+              "velkctl: eth0.method: this set replaces /var/tmp/dhclient.conf, which may be the "
+              "only whole text of /etc/dhclient.conf; look at it before a set\n");
+    EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
 TEST_F(UnfinishedEdits, AreToldOfWithoutTheSystemLog) {
     WriteFile(kLock, "");
     WriteFile("/etc/dhclient.conf", "");
@@ -236,6 +247,7 @@ TEST_F(UnfinishedEdits, AreNotThoseThatLoseNothing) {
 TEST_F(UnfinishedEdits, AreNotFilesThatTheLibraryDidNotMake) {
     WriteFile("/etc/dhclient.conf", "");
     WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0640), 0);
     EXPECT_EQ(ToldOf(kChange), "");
 }
 

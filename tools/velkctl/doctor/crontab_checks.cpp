@@ -223,7 +223,7 @@ Findings CheckWebUpdate() {
     if (crontab.state != FileState::kText) {
         return {};
     }
-    bool is_first = true;  // the others are not read
+    bool is_first = true;  // the others are not read, by a get that never logs
     Findings findings;
     for (size_t i = 0; i < crontab.lines.size(); ++i) {
         if (!velk::Contains(crontab.lines[i], kUpdater)) {

@@ -53,13 +53,16 @@ std::string Octal(mode_t mode) {
     return text.data();
 }
 
+std::string OwnerAndModeOf(const struct stat& facts) {
+    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + Octal(facts.st_mode);
+}
+
 std::string KindAndOwnerOf(const struct stat& facts) {
     if (!S_ISREG(facts.st_mode)) {
         return KindOf(facts.st_mode);
     }
     const std::string names = facts.st_nlink > 1 ? " and another name" : "";
-    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + Octal(facts.st_mode) +
-           names + ", not made by the library,";
+    return OwnerAndModeOf(facts) + names + ", not made by the library,";
 }
 
 Finding Foreign(const EditCopy& copy) {
@@ -70,6 +73,19 @@ Finding Foreign(const EditCopy& copy) {
     if (S_ISREG(copy.facts.st_mode)) {
         finding.remedy = "look at it, use nothing of it, and remove it: " + DiscardingOf(copy);
     }
+    return finding;
+}
+
+// It may be the edit of a program with two users, or anybody's file that a program of root's made.
+Finding Unproven(const EditCopy& copy) {
+    Finding finding = About(copy);
+    finding.effect = "may be lost";
+    finding.what = OwnerAndModeOf(copy.facts) +
+                   ", perhaps the edit copy of a program whose real and effective user differ, has "
+                   "more than " +
+                   copy.file->path + "; the next set replaces it";
+    finding.remedy =
+        "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy);
     return finding;
 }
 
@@ -129,6 +145,9 @@ Finding Judge(const EditCopy& copy) {
     }
     if (S_ISDIR(copy.facts.st_mode) || !MayRemove(copy.path, copy.facts)) {
         return InTheWay(copy);
+    }
+    if (copy.state == EditState::kUnproven) {
+        return Unproven(copy);
     }
     return copy.state == EditState::kForeign ? Foreign(copy) : LeftBehind(copy);
 }

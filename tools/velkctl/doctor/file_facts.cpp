@@ -17,6 +17,13 @@ struct Unit {
 constexpr std::array<Unit, 4> kUnits{
     {{24 * 60 * 60, "day"}, {60 * 60, "hour"}, {60, "minute"}, {1, "second"}}};
 
+// A sticky folder does not count as safe: everybody may make a file there.
+bool IsChangedByRootOnly(const std::string& path, mode_t kind) {
+    struct stat facts {};
+    return lstat(path.c_str(), &facts) == 0 && (facts.st_mode & S_IFMT) == kind &&
+           facts.st_uid == 0 && (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
 }  // namespace
 
 std::string InWords(long long seconds) {
@@ -57,6 +64,19 @@ bool MayRemove(const std::string& path, const struct stat& facts) {
     }
     return (folder.st_mode & S_ISVTX) == 0 || facts.st_uid == geteuid() ||
            folder.st_uid == geteuid();
+}
+
+bool IsRootsAlone(const std::string& path) {
+    if (!path.starts_with('/')) {
+        return false;
+    }
+    for (size_t slash = 0; slash != std::string::npos; slash = path.find('/', slash + 1)) {
+        // A slash at its end would have lstat(2) follow a link.
+        if (!IsChangedByRootOnly(slash == 0 ? "/" : path.substr(0, slash), S_IFDIR)) {
+            return false;
+        }
+    }
+    return IsChangedByRootOnly(path, S_IFREG);
 }
 
 std::string RemovalOf(const std::string& path, const struct stat& facts) {

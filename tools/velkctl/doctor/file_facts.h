@@ -20,6 +20,10 @@ std::string KindOf(mode_t mode);
 // Says whether this user may remove it: where everybody may write, often only the owner may.
 bool MayRemove(const std::string& path, const struct stat& facts);
 
+// True if root alone can change the file or put another one in its place: file and folders are
+// root's and not writable by others, and none of them is a symbolic link.
+bool IsRootsAlone(const std::string& path);
+
 // "rm /var/tmp/interfaces"
 std::string RemovalOf(const std::string& path, const struct stat& facts);
 

@@ -9,7 +9,6 @@
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/text_file.h"
 #include "velkctl/identity_directives.h"
-#include "velkctl/library_call.h"
 #include "velkctl/places.h"
 
 namespace velkctl {
@@ -58,16 +57,25 @@ Finding OtherDirectiveWithin(const Directive& own, const Directive& other) {
             .concerns = {{.id = own.id}, {.id = other.id}}};
 }
 
+// The text of the setting, as the library reads it: the first line counts, cut to the data area. A
+// get would log a file that is gone meanwhile, and wait while nobody reads the system log.
+std::string_view TextOf(const TextFile& file, const Directive& directive) {
+    for (const std::string& line : file.lines) {
+        if (line.starts_with(directive.key)) {
+            const std::string_view text = std::string_view(line).substr(directive.key.size());
+            return text.substr(0, VELK_DATA_SIZE - 1);
+        }
+    }
+    return {};
+}
+
 // A set of one text replaces every line of the agent's file from the directive's name on, also the
 // line of the other text.
 Findings CheckTexts() {
-    if (ReadTextFile(kIdentityFile).state != FileState::kText) {
-        return {};
-    }
+    const TextFile file = ReadTextFile(kIdentityFile);
     Findings findings;
     for (const Directive& own : kDirectives) {
-        const Answer answer = CallLibrary({VELK_GET, own.id, ""});
-        const std::string_view text(answer.data.data(), answer.data.size());
+        const std::string_view text = TextOf(file, own);
         for (const Directive& other : kDirectives) {
             if (own.id != other.id && velk::Contains(text, other.name)) {
                 findings.push_back(OtherDirectiveWithin(own, other));

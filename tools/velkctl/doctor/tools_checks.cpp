@@ -8,8 +8,10 @@
 
 #include <unistd.h>
 
+#include "frame/words.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/file_facts.h"
 #include "velkctl/doctor/tool_run.h"
 #include "velkctl/environment.h"
 
@@ -115,6 +117,18 @@ Finding About(const Tool& tool) {
             .hinders = tool.hinders};
 }
 
+// Characters that no shell changes.
+bool IsPlainWord(std::string_view path) {
+    return std::ranges::all_of(path, [](char c) {
+        return velk::IsLetterOrDigit(c) || std::string_view("/._+-").find(c) != std::string::npos;
+    });
+}
+
+// The line is pasted by root: a tool that another user can change must not get into it.
+bool MayBeLinked(const std::optional<std::string>& path) {
+    return path && IsPlainWord(*path) && IsRootsAlone(*path);
+}
+
 Finding MissingTool(const Tool& tool) {
     Finding finding = About(tool);
     const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
@@ -122,7 +136,7 @@ Finding MissingTool(const Tool& tool) {
     finding.effect = elsewhere ? "is not in a folder where " + who + " looks" : "is not installed";
     if (tool.name.starts_with('/')) {
         finding.remedy = "install it, or a link to it, as " + tool.name;
-    } else if (elsewhere) {
+    } else if (MayBeLinked(elsewhere)) {
         finding.remedy = "ln -s " + *elsewhere + " /usr/local/sbin/" + tool.name;
     } else {
         finding.remedy = "install it in a folder where " + who + " looks, as " +

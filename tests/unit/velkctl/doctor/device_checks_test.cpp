@@ -139,6 +139,26 @@ TEST_F(FilesCheck, FindsATextThatASetOfTheOtherOneCuts) {
     EXPECT_TRUE(libc().Logs().empty());
 }
 
+// A get of the library would log that, and wait while nobody reads the system log.
+TEST_F(FilesCheck, LogsNothingOfATextThatIsGoneInTheMiddle) {
+    WriteFile("/usr/local/share/etc/snmp/snmpd.conf", "syscontact a\nsyslocation b\n");
+    WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=see syslocation\n");
+    libc().Script(testkit::Call::kOpen, {testkit::Pass(), testkit::Pass(), testkit::Fail(ENOENT)});
+    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckIdentity()), "the text holds 'syslocation'"));
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
+// As the library reads it: 511 bytes of the first line of a setting.
+TEST_F(FilesCheck, LooksOnlyAtTheTextThatIsRead) {
+    const std::string filler(511 - std::string_view("syslocation").size(), 'a');
+    WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=" + filler + "asyslocation\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=a\nADMINISTRATOR=syslocation\n");
+    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=" + filler + "syslocation\n");
+    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckIdentity()), "the text holds 'syslocation'"));
+}
+
 class IfconfigCheck : public testkit::DeviceTest {};
 
 TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {

@@ -165,14 +165,37 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
     WriteFile(kCrontab, "");
     WriteCopy(kCopy, "* * * * * evil\n");
-    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    ASSERT_EQ(chmod(kCopy, 0640), 0);
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
               "user " +
                   std::to_string(geteuid()) +
-                  " with mode 644, not made by the library, stands where the edit copy is made; "
+                  " with mode 640, not made by the library, stands where the edit copy is made; "
                   "the next set replaces it\n"
                   "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+}
+
+TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
+    VkLibUnLock(VkLibLock());
+    WriteFile(kCrontab, "0 *");
+    WriteCopy(kCopy, "0 * * * * true\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(
+        Said(),
+        "warning: ntp, ntp-server and web-update may be lost: /var/tmp/root: a file of user " +
+            std::to_string(geteuid()) +
+            " with mode 644, perhaps the edit copy of a program whose real and effective "
+            "user differ, has more than /var/cron/tabs/root; the next set replaces it\n"
+            "  mend: it may be the only whole text; look at it before you remove it: (flock 9 "
+            "&& rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
+}
+
+TEST_F(EditCopyCheck, OffersToDiscardAFileOfMode644WhereTheFileIsWhole) {
+    WriteFile(kCrontab, "0 * * * * true\n");
+    WriteCopy(kCopy, "* * * * * evil\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_THAT(Said(), HasSubstr("\n  mend: look at it, use nothing of it, and remove it: rm "
+                                  "/var/tmp/root\n"));
 }
 
 TEST_F(EditCopyCheck, FindsWhatASetReplaces) {

@@ -1,5 +1,6 @@
 // What the doctor says about the tools that the library runs.
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include <sys/stat.h>
@@ -72,7 +73,103 @@ TEST_F(ToolsCheck, FindsAToolThatSudoDoesNot) {
     EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()),
               "problem: ifdown is not in a folder where sudo looks: no interface can be brought "
               "down by a restart\n"
-              "  mend: ln -s /tmp/ifdown /usr/local/sbin/ifdown\n");
+              "  mend: install it in a folder where sudo looks, as /usr/sbin\n");
+}
+
+// A tool of root's in a folder that sudo does not search.
+class ToolElsewhere : public ToolsCheck {
+  protected:
+    void SetUp() override {
+        struct stat root {};
+        if (stat("/", &root) == -1 || root.st_uid != 0) {
+            GTEST_SKIP() << "the private device has no files of root's";
+        }
+        ASSERT_EQ(unlink("/usr/sbin/ifdown"), 0);
+        for (const char* folder : {kOuterFolder, kFolder}) {
+            ASSERT_EQ(mkdir(folder, 0755), 0);
+            ASSERT_EQ(chmod(folder, 0755), 0);
+        }
+        WriteTool(kTool);
+    }
+    static std::string RemedyWithPath(const std::string& path) {
+        setenv("PATH", (path + ":/tmp").c_str(), 1);
+        const velkctl::Findings findings = velkctl::RestartObstacles();
+        return findings.empty() ? "(none)" : findings.front().remedy;
+    }
+    static std::string Remedy() { return RemedyWithPath(kFolder); }
+
+    static constexpr char kOuterFolder[] = "/usr/local/tools";
+    static constexpr char kFolder[] = "/usr/local/tools/net";
+    static constexpr char kTool[] = "/usr/local/tools/net/ifdown";
+    static constexpr char kLink[] = "ln -s /usr/local/tools/net/ifdown /usr/local/sbin/ifdown";
+    static constexpr char kInstall[] = "install it in a folder where sudo looks, as /usr/sbin";
+
+  private:
+    const testkit::Emptied local_{"/usr/local", "mode=755"};
+};
+
+TEST_F(ToolElsewhere, IsLinkedWhereRootAloneCanChangeIt) {
+    EXPECT_EQ(Remedy(), kLink);
+}
+
+TEST_F(ToolElsewhere, IsNotLinkedWhereOthersCanWriteToIt) {
+    for (const mode_t mode : {0775U, 0757U}) {
+        ASSERT_EQ(chmod(kTool, mode), 0);
+        EXPECT_EQ(Remedy(), kInstall) << std::oct << mode;
+    }
+    ASSERT_EQ(chmod(kTool, 0755), 0);
+    EXPECT_EQ(Remedy(), kLink);
+}
+
+TEST_F(ToolElsewhere, IsNotLinkedWhereOthersCanReplaceIt) {
+    for (const char* folder : {kFolder, kOuterFolder}) {
+        for (const mode_t mode : {0775U, 0757U, 01777U}) {
+            ASSERT_EQ(chmod(folder, mode), 0);
+            EXPECT_EQ(Remedy(), kInstall) << folder << std::oct << mode;
+        }
+        ASSERT_EQ(chmod(folder, 0755), 0);
+        EXPECT_EQ(Remedy(), kLink);
+    }
+}
+
+TEST_F(ToolElsewhere, IsNotLinkedWhereItIsOfAnotherUser) {
+    for (const char* path : {kTool, kFolder, kOuterFolder}) {
+        if (chown(path, 1234, 0) == -1) {
+            GTEST_SKIP() << "only root may give files away";
+        }
+        EXPECT_EQ(Remedy(), kInstall) << path;
+        ASSERT_EQ(chown(path, 0, 0), 0);
+        EXPECT_EQ(Remedy(), kLink);
+    }
+}
+
+TEST_F(ToolElsewhere, IsNotLinkedWhereItsPathHasLinks) {
+    ASSERT_EQ(symlink(kFolder, "/usr/local/link"), 0);
+    EXPECT_EQ(RemedyWithPath("/usr/local/link"), kInstall);
+    ASSERT_EQ(mkdir("/usr/local/links", 0755), 0);
+    ASSERT_EQ(symlink(kTool, "/usr/local/links/ifdown"), 0);
+    EXPECT_EQ(RemedyWithPath("/usr/local/links"), kInstall);
+}
+
+TEST_F(ToolElsewhere, IsNotLinkedWhereTheShellWouldChangeItsPath) {
+    for (const std::string name : {"a b", "a;b", "$(a)", "a'", "*", "a\nb", "caf\xc3\xa9"}) {
+        const std::string folder = std::string(kOuterFolder) + "/" + name;
+        ASSERT_EQ(mkdir(folder.c_str(), 0755), 0);
+        WriteTool(folder + "/ifdown");
+        EXPECT_EQ(RemedyWithPath(folder), kInstall) << name;
+    }
+    const std::string plain = std::string(kOuterFolder) + "/A-z_0.9+";
+    ASSERT_EQ(mkdir(plain.c_str(), 0755), 0);
+    WriteTool(plain + "/ifdown");
+    EXPECT_EQ(RemedyWithPath(plain), "ln -s " + plain + "/ifdown /usr/local/sbin/ifdown");
+}
+
+TEST_F(ToolElsewhere, IsNotLinkedFromTheCurrentFolder) {
+    const std::string before = std::filesystem::current_path();
+    ASSERT_EQ(chdir(kFolder), 0);
+    EXPECT_EQ(RemedyWithPath(""), kInstall);
+    EXPECT_EQ(RemedyWithPath("."), kInstall);
+    ASSERT_EQ(chdir(before.c_str()), 0);
 }
 
 }  // namespace

@@ -1,0 +1,49 @@
+// A set in a host with a limit on the size of files: the file stays as it was.
+#include <csignal>
+#include <string>
+
+#include "support/device_test.h"
+#include "world/calls.h"
+#include "world/child.h"
+#include "world/samples.h"
+
+namespace world {
+namespace {
+
+constexpr char kCopy[] = "/var/tmp/interfaces";
+constexpr char kOld[] = "192.168.0.10";
+constexpr char kNew[] = "10.100.100.100";
+constexpr rlim_t kLimit = 100;  // less than the file has
+constexpr int kEndedBySizeSignal = 128 + SIGXFSZ;
+
+class FileSizeTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override { testkit::WriteFile(kInterfaces, InterfacesWith(kOld)); }
+
+    // Sets the address in a host with that limit, and with this action for SIGXFSZ. Returns 0 if
+    // the library answered -1.
+    static int SetWith(void (*action)(int)) {
+        return InChild({.limits = {{RLIMIT_CORE, 0}, {RLIMIT_FSIZE, kLimit}}}, [&] {
+            (void)signal(SIGXFSZ, action);
+            return SetAddress(kNew) == LIB_VELK_FAILURE ? 0 : 1;
+        });
+    }
+};
+
+TEST_F(FileSizeTest, TheSignalEndsAHostAndTheFileStays) {
+    EXPECT_EQ(SetWith(SIG_DFL), kEndedBySizeSignal);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
+    EXPECT_EQ(testkit::ReadFile(kCopy), InterfacesWith(kNew).substr(0, kLimit))
+        << "the edit copy stays as long as it got";
+    EXPECT_EQ(SetAddress(kNew), LIB_VELK_SUCCESS) << "and the next set replaces it";
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+}
+
+TEST_F(FileSizeTest, AHostThatIgnoresTheSignalIsToldAndTheFileStays) {
+    EXPECT_EQ(SetWith(SIG_IGN), 0);
+    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
+    EXPECT_FALSE(testkit::Exists(kCopy));
+}
+
+}  // namespace
+}  // namespace world
