@@ -3,9 +3,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <fstream>
 #include <map>
+#include <set>
+#include <thread>
 #include <utility>
 
 #include <sys/socket.h>
@@ -22,8 +25,10 @@ namespace {
 constexpr size_t kLongestName = 32;
 // Whoever lists the devices takes a place in this queue, too, until the device looks into it.
 constexpr int kWaitingOrders = 128;
-// The longest wait for a place in the queue of a listener. It may be anybody.
-constexpr timeval kLongestWait = {2, 0};
+// The longest wait for a place in the queue of a listener, or in those of all listeners together.
+// They may be anybody's.
+constexpr std::chrono::seconds kLongestWait(2);
+constexpr std::chrono::milliseconds kPause(10);
 constexpr char kNameCharacters[] =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
 
@@ -60,19 +65,21 @@ void RefuseName(const std::string& name) {
     }
 }
 
-velk::UniqueFd MakeSocket() {
-    velk::UniqueFd made(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+velk::UniqueFd MakeSocket(int flags = 0) {
+    velk::UniqueFd made(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0));
     if (made.get() == -1) {
         Fail("cannot make a socket", errno);
     }
     return made;
 }
 
-// No descriptor, with errno, if nobody listens there.
-velk::UniqueFd TryConnect(const std::string& name) {
+// No descriptor, with errno, if nobody listens there. With SOCK_NONBLOCK, it does not wait for a
+// place in the queue.
+velk::UniqueFd TryConnect(const std::string& name, int flags = 0) {
     const Address address = AddressOf(name);
-    velk::UniqueFd visitor = MakeSocket();
-    (void)setsockopt(visitor.get(), SOL_SOCKET, SO_SNDTIMEO, &kLongestWait, sizeof(kLongestWait));
+    velk::UniqueFd visitor = MakeSocket(flags);
+    constexpr timeval kWait = {kLongestWait.count(), 0};
+    (void)setsockopt(visitor.get(), SOL_SOCKET, SO_SNDTIMEO, &kWait, sizeof(kWait));
     if (connect(visitor.get(), address.get(), address.size) == -1) {
         (void)visitor.Reset();
     }
@@ -116,24 +123,43 @@ void BindToFreeNumber(const velk::UniqueFd& door, std::string& name) {
     }
 }
 
-// The names that a device of this user could have, in order, with the user who listens there. The
-// kernel's list is text that others can write lines into, so only a connection proves a name.
-std::map<std::string, uid_t> Listeners() {
+// The names that a device of this user could have, as far as the kernel lists them. Its list is
+// text that others can write lines into.
+std::set<std::string> ListedNames() {
     const std::string mark = std::string("@").append(Prefix());
-    std::map<std::string, uid_t> listeners;
+    std::set<std::string> names;
     std::ifstream sockets("/proc/net/unix");
     for (std::string line; std::getline(sockets, line);) {
         const size_t found = line.find(mark);
         const std::string name = found == line.npos ? "" : line.substr(found + mark.size());
-        // A device with visitors is listed more than once.
-        if (name.empty() || !CanBeName(name) || listeners.contains(name)) {
-            continue;
-        }
-        if (const velk::UniqueFd visitor = TryConnect(name); visitor.get() != -1) {
-            listeners.emplace(name, PeerUser(visitor));
+        if (!name.empty() && CanBeName(name)) {
+            names.insert(name);
         }
     }
-    return listeners;
+    return names;
+}
+
+// The listed names, in order, with the user who listens there: only a connection proves a name. A
+// name is left out if its queue stays full. Listeners of other users must not add up their waits.
+std::map<std::string, uid_t> Listeners() {
+    std::set<std::string> waiting = ListedNames();
+    std::map<std::string, uid_t> listeners;
+    const auto is_settled = [&listeners](const std::string& name) {
+        const velk::UniqueFd visitor = TryConnect(name, SOCK_NONBLOCK);
+        if (visitor.get() == -1) {
+            return errno != EAGAIN;
+        }
+        listeners.emplace(name, PeerUser(visitor));
+        return true;
+    };
+    const auto deadline = std::chrono::steady_clock::now() + kLongestWait;
+    for (;;) {
+        std::erase_if(waiting, is_settled);
+        if (waiting.empty() || std::chrono::steady_clock::now() >= deadline) {
+            return listeners;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
 }
 
 std::vector<std::string> OwnNames(const std::map<std::string, uid_t>& listeners) {
@@ -186,8 +212,10 @@ velk::UniqueFd KnockAtDoor(const std::string& name) {
     const std::string chosen = name.empty() ? OnlyDevice() : name;
     velk::UniqueFd visitor = TryConnect(chosen);
     if (visitor.get() == -1) {
-        throw Failure(errno == EAGAIN ? "device " + chosen + " is too busy to answer; try again"
-                                      : "no device named " + chosen + " is running");
+        throw Failure(errno == EAGAIN
+                          ? "device " + chosen +
+                                " is too busy to answer, and may be another user's; try again"
+                          : "no device named " + chosen + " is running");
     }
     if (!IsOwnPeer(visitor)) {
         RefuseForeignDevice(chosen, PeerUser(visitor));

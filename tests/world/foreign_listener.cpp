@@ -3,6 +3,9 @@
 // Usage: foreign_listener ADDRESS [PID]. ADDRESS is a path or a name in the network, as
 // "velk-sandbox/0/1". It prints "listening", then each message it receives, and answers each as a
 // device does, with a pidfd of PID.
+//
+// foreign_listener --full ADDRESS... listens everywhere there with a full queue, prints "listening"
+// and accepts nobody.
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
@@ -19,19 +22,31 @@ namespace {
 
 constexpr int kLongestQueue = 8;
 
-// -1 if it cannot listen.
-int Listen(const std::string& name) {
-    const int listener = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+// Calls bind or connect for the address.
+bool AtAddress(int (*call)(int, const sockaddr*, socklen_t), int descriptor,
+               const std::string& name) {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     // A path that begins with a NUL is a name in the network.
     const std::string path = name.front() == '/' ? name : '\0' + name;
     std::ranges::copy(path, address.sun_path);
     const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size());
-    const bool is_listening =
-        bind(listener, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
-        listen(listener, kLongestQueue) == 0;
-    return is_listening ? listener : -1;
+    return call(descriptor, reinterpret_cast<const sockaddr*>(&address), size) == 0;
+}
+
+int MakeSocket() {
+    return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+}
+
+// -1 if it cannot listen.
+int Listen(const std::string& name, int longest_queue) {
+    const int listener = MakeSocket();
+    return AtAddress(bind, listener, name) && listen(listener, longest_queue) == 0 ? listener : -1;
+}
+
+// The kernel lets one more wait than the length of the queue: this process itself.
+bool ListenWithFullQueue(const std::string& name) {
+    return Listen(name, 0) != -1 && AtAddress(connect, MakeSocket(), name);
 }
 
 void Answer(int customer, int process) {
@@ -71,13 +86,30 @@ void Serve(int listener, int process) {
     }
 }
 
+int RefuseToStart() {
+    (void)fprintf(stderr, "foreign_listener: cannot listen\n");
+    return EXIT_FAILURE;
+}
+
+int AcceptNobody(char** names) {
+    for (; *names != nullptr; ++names) {
+        if (!ListenWithFullQueue(*names)) {
+            return RefuseToStart();
+        }
+    }
+    Print("listening");
+    return pause();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int listener = argc < 2 ? -1 : Listen(argv[1]);
+    if (argc > 1 && strcmp(argv[1], "--full") == 0) {
+        return AcceptNobody(argv + 2);
+    }
+    const int listener = argc < 2 ? -1 : Listen(argv[1], kLongestQueue);
     if (listener == -1) {
-        (void)fprintf(stderr, "foreign_listener: cannot listen\n");
-        return EXIT_FAILURE;
+        return RefuseToStart();
     }
     const int process = argc < 3 ? -1 : static_cast<int>(syscall(SYS_pidfd_open, atoi(argv[2]), 0));
     Print("listening");

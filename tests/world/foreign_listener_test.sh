@@ -139,6 +139,26 @@ run velk-sandbox list
 output_is mine
 end_listener
 
+# One after the other, thirty waits of two seconds would take each command a minute.
+it 'waits for all full queues of others together'
+mapfile -t full_queues < <(printf 'velk-sandbox/0/full%d\n' {1..30})
+listen "${as_nobody[@]}" "$lib_folder/foreign_listener" --full "${full_queues[@]}"
+began=$SECONDS
+run velk-sandbox list
+check 'wait for full queues' 'under 30 s' "$([ $((SECONDS - began)) -lt 30 ] && echo 'under 30 s')"
+output_is mine
+error_is ''
+run velk-sandbox enter -- hostname
+output_is velk
+error_is ''
+
+it 'says that a full queue may be another user'"'"'s'
+run velk-sandbox enter --name full1 -- id
+status_is 125
+output_is ''
+error_is 'velk-sandbox: device full1 is too busy to answer, and may be another user'"'"'s; try again'
+end_listener
+
 it 'sends nothing to another user in the place of the hardware on a device'
 cd "$lib_folder" || exit # which the device shows
 run velk-sandbox --quiet -- sh -c 'rm /run/velk-sandbox/hardware && chmod 0777 /run/velk-sandbox
