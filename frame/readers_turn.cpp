@@ -59,8 +59,7 @@ class WaitingTime {
     struct Facts {
         ino_t inode = 0;
         off_t size = 0;
-        time_t second = 0;
-        long nanosecond = 0;
+        long long changed = 0;  // in nanoseconds
         bool operator==(const Facts&) const = default;
     };
 
@@ -70,7 +69,8 @@ class WaitingTime {
             !IsOwnResultFile(facts)) {
             return {};
         }
-        return {facts.st_ino, facts.st_size, facts.st_ctim.tv_sec, facts.st_ctim.tv_nsec};
+        return {facts.st_ino, facts.st_size,
+                facts.st_ctim.tv_sec * 1000000000LL + facts.st_ctim.tv_nsec};
     }
 
     const int folder_;

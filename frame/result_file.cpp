@@ -51,7 +51,7 @@ bool RemoveForeign(const struct stat& facts) {
 }
 
 bool IsUnwritten(const struct stat& facts) {
-    return facts.st_size == 0 && facts.st_mtim.tv_sec == 0 && facts.st_mtim.tv_nsec == 0;
+    return facts.st_size == 0 && facts.st_mtim.tv_sec == 0;
 }
 
 UniqueFd Refused(int error) {
@@ -90,10 +90,11 @@ bool PrepareResultFile() {
 
 UniqueFd OpenResultFile() {
     UniqueFd fd(open(kResultFile, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat facts {};
-    if (fd.get() == -1 || fstat(fd.get(), &facts) == -1) {
-        return UniqueFd();
+    if (fd.get() == -1) {
+        return fd;
     }
+    struct stat facts {};
+    (void)fstat(fd.get(), &facts);  // of an open file
     if (!IsOwnResultFile(facts)) {
         return Refused(EPERM);
     }

@@ -23,8 +23,8 @@ int LookAt(const std::string& path, struct stat& facts) {
     return fstatat(AT_FDCWD, path.c_str(), &facts, 0) == 0 ? 0 : errno;
 }
 
-bool IsSameTime(const timespec& one, const timespec& other) {
-    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+long long InNanoseconds(const timespec& time) {
+    return time.tv_sec * 1000000000LL + time.tv_nsec;
 }
 
 // Sets `piece` to the next piece of a file, empty at its end. Returns 0 or errno.
@@ -69,7 +69,8 @@ int TargetGuard::Mend() {
 
 // The shell's opening alone changes the time.
 bool TargetGuard::IsAsItWas(const struct stat& facts) const {
-    return facts.st_size == before_.st_size && IsSameTime(facts.st_ctim, before_.st_ctim);
+    return facts.st_size == before_.st_size &&
+           InNanoseconds(facts.st_ctim) == InNanoseconds(before_.st_ctim);
 }
 
 // Says whether the file, of this size, has the front of the copy's text. Returns 0 or errno.

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -483,6 +484,82 @@ TEST_F(FileEditTest, AFailingCopyingIsNotNoticed) {
     EXPECT_EQ(CopyThrough(), 0);
     EXPECT_THAT(libc().Logs(), ElementsAre("system errno=11:Resource temporarily unavailable",
                                            "system errno=11:Resource temporarily unavailable"));
+}
+
+// The tools leave the file empty, and the copy where it is.
+TEST_F(FileEditTest, AFileThatTheToolsCutIsMendedAndItsCopyRemoved) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    WriteFile(kTarget, "iface eth0 inet static\n\taddress 10.0.0.5\n");
+    libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
+        if (event.text.starts_with("cat ")) {
+            WriteFile(kTarget, "");
+        }
+    });
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.9"), 0);
+    EXPECT_EQ(ReadFile(kTarget), "iface eth0 inet static\n\taddress 10.0.0.9\n");
+    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mended /etc/network/interfaces"));
+}
+
+TEST_F(FileEditTest, AnEditWithoutTheLockIsMendedAsWell) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
+        if (event.text.starts_with("cat ")) {
+            WriteFile(kTarget, "");
+        }
+    });
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [this](const testkit::Event&) {
+        WriteFile(kTarget, "");
+        libc().Script(Call::kOpen, {Pass(), Fail(EROFS)});
+    });
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mend errno=30:Read-only file system"));
+    EXPECT_EQ(ReadFile(kCopy), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, WithoutADescriptorForTheCopyNothingIsChanged) {
+    FileEdit edit(kTarget);
+    edit.Write("new\n");
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
+    const rlimit none{0, saved.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_EQ(edit.Finish(), -1);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &saved), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, LinesThatDoNotFitAreNotRun) {
+    const std::string target = "/etc/network/" + std::string(200, 'x');
+    WriteFile(target, "one\n");
+    FileEdit edit(target);
+    edit.Write("new\n");
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_EQ(ReadFile(target), "one\n");
+}
+
+// The shell's rm runs as the real user, who may not remove it.
+TEST_F(FileEditTest, AHostWithTwoUsersLeavesNoCopy) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
+        struct stat facts {};
+        EXPECT_TRUE(!event.text.starts_with("cat ") || stat(kCopy, &facts) == 0);
+        EXPECT_TRUE(!event.text.starts_with("cat ") || (facts.st_mode & 07777) == 0644);
+    });
+    if (setresuid(1234, 0, 0) == -1) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(setresuid(0, 0, 0), 0);
+    EXPECT_FALSE(Exists(kCopy));
 }
 
 // ---- a copy that cannot be written

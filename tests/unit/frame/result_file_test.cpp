@@ -1,6 +1,7 @@
 #include "frame/result_file.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <string>
 
 #include <fcntl.h>
@@ -62,6 +63,50 @@ TEST_F(ResultFilePreparationTest, ALinkAPipeAndAFolderAreReplaced) {
     EXPECT_EQ(ReadFile(kVictim), "keep me\n");
 }
 
+TEST_F(ResultFilePreparationTest, AFolderThatIsNotEmptyIsMovedAway) {
+    ASSERT_EQ(mkdir(kResultFile, 0777), 0);
+    WriteFile(std::string(kResultFile) + "/inside", "");
+    EXPECT_TRUE(PrepareResultFile());
+    EXPECT_EQ(testkit::IdentityOf(kResultFile).mode, S_IFREG | 0600U);
+    for (const auto& entry : std::filesystem::directory_iterator("/var/tmp")) {
+        if (entry.is_directory()) {
+            EXPECT_TRUE(entry.path().string().starts_with(std::string(kResultFile) + "."));
+            std::filesystem::remove_all(entry.path());
+        }
+    }
+}
+
+TEST_F(ResultFilePreparationTest, AFileOfAnotherUserIsReplaced) {
+    WriteFile(kResultFile, "theirs\n");
+    if (chown(kResultFile, 1234, 1234) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(OpenResultFile().get(), -1);
+    EXPECT_TRUE(PrepareResultFile());
+    EXPECT_EQ(testkit::IdentityOf(kResultFile).owner, geteuid());
+}
+
+// The shell runs as the real user, so that what it leaves is his.
+TEST_F(ResultFilePreparationTest, AHostWithTwoUsersMakesNoFileAndTakesThatOfEither) {
+    if (setresuid(1234, 0, 0) == -1) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    EXPECT_TRUE(PrepareResultFile());
+    EXPECT_FALSE(Exists(kResultFile));
+    WriteFile(kResultFile, "ours\n");
+    EXPECT_NE(OpenResultFile().get(), -1);
+    EXPECT_EQ(chown(kResultFile, 1234, 1234), 0);
+    EXPECT_NE(OpenResultFile().get(), -1);
+    EXPECT_EQ(setresuid(0, 0, 0), 0);
+}
+
+TEST_F(ResultFilePreparationTest, WhatVanishesMeanwhileIsNoFailure) {
+    ASSERT_EQ(mkfifo(kResultFile, 0666), 0);
+    libc().Script(Call::kUnlink, {Fail(ENOENT)});
+    EXPECT_TRUE(PrepareResultFile());
+    EXPECT_EQ(testkit::IdentityOf(kResultFile).mode, S_IFREG | 0600U);
+}
+
 TEST_F(ResultFilePreparationTest, AFileWithASecondNameIsReplaced) {
     WriteFile(kVictim, "keep me\n");
     ASSERT_EQ(link(kVictim, kResultFile), 0);
@@ -111,6 +156,9 @@ TEST_F(ResultFilePreparationTest, ALinkIsNotOpened) {
     EXPECT_EQ(OpenResultFile().get(), -1);
     ASSERT_EQ(unlink(kResultFile), 0);
     ASSERT_EQ(link(kVictim, kResultFile), 0);
+    EXPECT_EQ(OpenResultFile().get(), -1);
+    ASSERT_EQ(unlink(kResultFile), 0);
+    ASSERT_EQ(mkfifo(kResultFile, 0666), 0);
     EXPECT_EQ(OpenResultFile().get(), -1);
 }
 

@@ -99,6 +99,44 @@ TEST_F(TargetGuardTest, AFileThatIsGoneStaysSo) {
     EXPECT_FALSE(testkit::Exists(kTarget));
 }
 
+TEST_F(TargetGuardTest, ACopyThatCannotBeReadIsAFailure) {
+    WriteFile(kCopy, "new text\n");
+    const UniqueFd write_only(open(kCopy, O_WRONLY | O_CLOEXEC));
+    for (const char* text : {"", "new"}) {
+        WriteFile(kTarget, "old\n");
+        TargetGuard guard(kTarget, write_only.get());
+        WriteFile(kTarget, text);
+        EXPECT_EQ(guard.Mend(), EBADF);
+    }
+    TargetGuard without_copy(kTarget, -1);
+    EXPECT_EQ(without_copy.Mend(), EBADF);
+}
+
+TEST_F(TargetGuardTest, ATargetThatCannotBeReadIsAFailure) {
+    WriteFile(kCopy, LongText('n'));
+    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    const std::string folder = "/etc/network";
+    WriteFile(kTarget, "old\n");
+    TargetGuard guard(folder, copy.get());
+    usleep(20000);
+    WriteFile(folder + "/another", "");
+    EXPECT_EQ(guard.Mend(), EISDIR);
+    unlink((folder + "/another").c_str());
+    const std::string below_a_file = kTarget + "/x";
+    TargetGuard misplaced(below_a_file, copy.get());
+    EXPECT_EQ(misplaced.Mend(), ENOTDIR);
+}
+
+TEST_F(TargetGuardTest, AFailingCloseIsAFailureToMend) {
+    WriteFile(kTarget, "old\n");
+    WriteFile(kCopy, "new text\n");
+    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    TargetGuard guard(kTarget, copy.get());
+    WriteFile(kTarget, "");
+    libc().Script(Call::kClose, {Pass(), Fail(ENOSPC)});
+    EXPECT_EQ(guard.Mend(), ENOSPC);
+}
+
 TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
     WriteFile(kTarget, "old\n");
     WriteFile(kCopy, "new text\n");

@@ -184,6 +184,8 @@ TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenAMissingPortHasNoLink) {
     shell.LeavesNoFile(kEthtool);
     const testkit::Mounted folder("none", "/var/tmp", "tmpfs", MS_RDONLY, "");
     EXPECT_EQ(IsWiredLinked(), 0);
+    libc().Script(Call::kSocket, {Fail(EMFILE)});
+    EXPECT_EQ(IsWiredLinked(), 0);
 }
 
 TEST_F(LinkDetectionTest, WhereResultsCanBeWrittenTheKernelIsNotAsked) {
