@@ -141,7 +141,22 @@ TEST_F(ReadersTurnTest, WaitsOnWhileResultsComeAndGo) {
     EXPECT_EQ(Pauses(), 3000U + 1500U);
 }
 
-// Whoever keeps the lock could make and remove files for ever.
+TEST_F(ReadersTurnTest, AResultOfTheSameSizeCounts) {
+    const Holder holder;
+    testkit::WriteFile("/var/tmp/get_result", "one");
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kNanosleep, [&](const Event&) {
+        if (Pauses() == 1000) {
+            const testkit::Unrecorded ours;
+            usleep(20000);  // file times have a resolution of some milliseconds
+            testkit::WriteFile("/var/tmp/get_result", "two");
+        }
+    });
+    const ReadersTurn turn;
+    EXPECT_EQ(Pauses(), 1000U + 1500U);
+}
+
+// Somebody who keeps the lock could make and remove files for ever.
 TEST_F(ReadersTurnTest, WhatIsNoFileOfTheCallersDoesNotCount) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
