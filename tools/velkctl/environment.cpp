@@ -84,7 +84,8 @@ void FixEnvironment() {
 }
 
 std::string CallersPath() {
-    return SavedPath().value_or(Variable("PATH"));
+    const std::string path = Variable("PATH");
+    return path == kToolFolders ? SavedPath().value_or(path) : path;
 }
 
 }  // namespace velkctl

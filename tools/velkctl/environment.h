@@ -19,7 +19,8 @@ bool HasUtf8Locale();
 // backslash for a part of the character before it, and a text would end its command.
 void FixEnvironment();
 
-// The PATH from before FixEnvironment(): for advice on a tool that lies elsewhere, not to run one.
+// The PATH from before FixEnvironment(), or the present one if that is not in force: for advice on
+// a tool that lies elsewhere, not to run one.
 std::string CallersPath();
 
 }  // namespace velkctl
