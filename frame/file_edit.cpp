@@ -40,8 +40,8 @@ int CreateCopy(const std::string& path) {
     return fd;
 }
 
-// A new file always. Everybody may write the folder: what lies there already may be a link to any
-// file of the system, or belong to somebody who changes the edit on its way.
+// Always makes a new file. Everybody may write the folder: what lies there already may be a link to
+// any file of the system, or belong to somebody who changes the edit on its way.
 int OpenCopy(const std::string& path) {
     const int fd = CreateCopy(path);
     if (fd != -1 || errno != EEXIST) {

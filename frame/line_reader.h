@@ -40,8 +40,8 @@ class LineReader {
     bool Next(std::string_view& line);
     // The same with a "\n" behind every line, also behind a last one that has none in the file.
     bool NextWithNewline(std::string_view& line) { return NextHeld(line) || NextFromFile(line); }
-    // That again, but only a line that is in the block already: earlier lines stay valid. False
-    // when the file must be read for the next one.
+    // Like NextWithNewline(), but only a line that is in the block already: earlier lines stay
+    // valid. False when the file must be read for the next one.
     bool NextHeld(std::string_view& line);
 
     // Takes the lines that are in the block already, with their newlines, up to the first one that

@@ -57,7 +57,7 @@ UniqueFd CreateLockFile(int exclusive) {
     return fd;
 }
 
-// Never through a link: anybody may plant one in this folder, to anywhere.
+// Follows no link: anybody may plant one in this folder, to anywhere.
 //
 // Opens without O_CREAT first: with fs.protected_regular the kernel refuses O_CREAT on a file that
 // another user made in a sticky directory. Descriptor 0 counts as a failure; it is held until the

@@ -45,7 +45,7 @@ class WaitingTime {
   public:
     explicit WaitingTime(int folder) : folder_(folder), seen_(Look()) {}
 
-    // Says whether to go on without the turn. It is asked once before each pause.
+    // Returns true if the reader goes on without its turn. Called once before each pause.
     bool IsOver() {
         const Facts now = Look();
         if (now != seen_) {
