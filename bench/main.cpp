@@ -8,13 +8,13 @@
 
 #include "bench/floor.h"
 #include "bench/groups.h"
-#include "sandbox/device.h"
+#include "sandbox/device/device.h"
 
 namespace {
 
 void EnterPrivateDevice() {
     sandbox::DeviceOptions options;
-    options.rootfs = VELK_SOURCE_DIR "/sandbox/rootfs";
+    options.rootfs = VELK_SOURCE_DIR "/sandbox/data/rootfs";
     options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
     options.writable = {VELK_BINARY_DIR};  // where the figures go
     sandbox::EnterDevice(options);

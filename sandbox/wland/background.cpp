@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "sandbox/failure.h"
+#include "sandbox/process/failure.h"
 #include "sandbox/wland/log.h"
 
 namespace wland {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "frame/unique_fd.h"
+#include "lib/base/unique_fd.h"
 
 namespace wland {
 

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "sandbox/failure.h"
+#include "sandbox/process/failure.h"
 #include "sandbox/wland/log.h"
 
 namespace wland {

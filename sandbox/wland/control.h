@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "frame/unique_fd.h"
+#include "lib/base/unique_fd.h"
 #include "sandbox/wland/reply.h"
 
 namespace wland {

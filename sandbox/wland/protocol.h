@@ -10,7 +10,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include "frame/unique_fd.h"
+#include "lib/base/unique_fd.h"
 #include "velk/wlan.h"
 
 namespace wland {

@@ -8,7 +8,7 @@
 
 #include <poll.h>
 
-#include "sandbox/failure.h"
+#include "sandbox/process/failure.h"
 #include "sandbox/wland/log.h"
 #include "sandbox/wland/ready_semaphore.h"
 #include "sandbox/wland/records.h"

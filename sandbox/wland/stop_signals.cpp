@@ -7,7 +7,7 @@
 #include <poll.h>
 #include <sys/signalfd.h>
 
-#include "sandbox/failure.h"
+#include "sandbox/process/failure.h"
 
 namespace wland {
 

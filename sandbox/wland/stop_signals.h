@@ -2,7 +2,7 @@
 #ifndef SANDBOX_WLAND_STOP_SIGNALS_H_
 #define SANDBOX_WLAND_STOP_SIGNALS_H_
 
-#include "frame/unique_fd.h"
+#include "lib/base/unique_fd.h"
 
 namespace wland {
 

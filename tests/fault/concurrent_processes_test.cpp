@@ -8,7 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/concurrency.h"
+#include "fault/kit/concurrency.h"
 
 namespace fault {
 namespace {

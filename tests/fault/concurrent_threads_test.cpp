@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/concurrency.h"
+#include "fault/kit/concurrency.h"
 
 namespace fault {
 namespace {

@@ -4,12 +4,12 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/answer_check.h"
-#include "fault/expectation.h"
-#include "fault/outcome_table.h"
-#include "fault/paths.h"
-#include "fault/requests.h"
-#include "fault/trial.h"
+#include "fault/kit/answer_check.h"
+#include "fault/kit/expectation.h"
+#include "fault/kit/outcome_table.h"
+#include "fault/kit/paths.h"
+#include "fault/kit/requests.h"
+#include "fault/kit/trial.h"
 #include "support/device_test.h"
 
 namespace fault {

@@ -1,8 +1,8 @@
 // A get at the moment at which another's set has emptied the file and not yet filled it.
 #include <gmock/gmock.h>
 
-#include "fault/concurrency.h"
-#include "fault/paths.h"
+#include "fault/kit/concurrency.h"
+#include "fault/kit/paths.h"
 
 namespace fault {
 namespace {

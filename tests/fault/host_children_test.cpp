@@ -11,7 +11,7 @@
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 
-#include "fault/host.h"
+#include "fault/kit/host.h"
 
 namespace fault {
 namespace {

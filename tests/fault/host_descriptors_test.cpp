@@ -6,8 +6,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "fault/host.h"
-#include "fault/paths.h"
+#include "fault/kit/host.h"
+#include "fault/kit/paths.h"
 
 namespace fault {
 namespace {

@@ -6,7 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/host.h"
+#include "fault/kit/host.h"
 
 namespace fault {
 namespace {

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <sys/time.h>
 
-#include "fault/host.h"
-#include "fault/paths.h"
+#include "fault/kit/host.h"
+#include "fault/kit/paths.h"
 #include "support/fake_daemon.h"
 
 namespace fault {

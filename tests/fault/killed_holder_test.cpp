@@ -8,8 +8,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/concurrency.h"
-#include "fault/scene.h"
+#include "fault/kit/concurrency.h"
+#include "fault/kit/scene.h"
 
 namespace fault {
 namespace {

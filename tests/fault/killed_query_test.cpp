@@ -9,8 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/paths.h"
-#include "fault/scene.h"
+#include "fault/kit/paths.h"
+#include "fault/kit/scene.h"
 #include "support/device_test.h"
 
 namespace fault {

@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/paths.h"
-#include "fault/scene.h"
+#include "fault/kit/paths.h"
+#include "fault/kit/scene.h"
 #include "support/device_test.h"
 
 namespace fault {

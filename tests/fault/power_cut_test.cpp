@@ -6,10 +6,10 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/paths.h"
-#include "fault/requests.h"
-#include "fault/tracer.h"
-#include "fault/trial.h"
+#include "fault/kit/paths.h"
+#include "fault/kit/requests.h"
+#include "fault/kit/tracer.h"
+#include "fault/kit/trial.h"
 #include "support/device_test.h"
 #include "support/edit_copy.h"
 

@@ -11,9 +11,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/paths.h"
-#include "fault/requests.h"
-#include "fault/scene.h"
+#include "fault/kit/paths.h"
+#include "fault/kit/requests.h"
+#include "fault/kit/scene.h"
 #include "support/device_test.h"
 
 namespace fault {

@@ -8,14 +8,14 @@
 #include <vector>
 
 #include "fuzz/kit/fuzz_device.h"
-#include "sandbox/sample_files.h"
+#include "sandbox/device/sample_files.h"
 
 namespace fuzz {
 namespace {
 
 // Read once: the folder they come from does not change.
 const std::vector<sandbox::SampleFile>& Samples() {
-    static const auto samples = sandbox::ReadSamples(VELK_SOURCE_DIR "/sandbox/rootfs");
+    static const auto samples = sandbox::ReadSamples(VELK_SOURCE_DIR "/sandbox/data/rootfs");
     return samples;
 }
 

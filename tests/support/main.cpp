@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <sys/prctl.h>
 
-#include "sandbox/device.h"
+#include "sandbox/device/device.h"
 
 namespace {
 

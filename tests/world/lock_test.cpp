@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/paths.h"
+#include "fault/kit/paths.h"
 #include "support/device_test.h"
 #include "world/child.h"
 #include "world/shared.h"

@@ -9,7 +9,7 @@
 #include <iterator>
 
 #include "fuzz/kit/shell_lines.h"
-#include "sandbox/device.h"
+#include "sandbox/device/device.h"
 
 namespace fuzz {
 namespace {

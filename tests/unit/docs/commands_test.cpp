@@ -14,11 +14,11 @@
 
 #include <gmock/gmock.h>
 
-#include "frame/dispatch_tables.h"
+#include "lib/entry/dispatch_tables.h"
 #include "support/device_test.h"
-#include "velkctl/catalogue.h"
-#include "velkctl/value_kind.h"
-#include "velkctl/verbs.h"
+#include "velkctl/cli/verbs.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 
 namespace {
 
@@ -342,14 +342,11 @@ std::optional<Command> FindCommand(const std::string& id) {
 const std::set<std::string>& Literals() {
     static const std::set<std::string> all = [] {
         std::set<std::string> literals;
-        for (const char* folder :
-             {"frame", "wlan", "wired", "identity", "ipconf", "dhcp", "ntp", "webup"}) {
-            for (const auto& file : fs::directory_iterator(fs::path(VELK_SOURCE_DIR) / folder)) {
-                for (const std::string& literal : Matches(testkit::ReadFile(file.path().string()),
-                                                          R"re("((?:[^"\\\n]|\\.)*)")re")) {
-                    literals.insert(
-                        std::regex_replace(literal, std::regex(R"re(\\(["\\]))re"), "$1"));
-                }
+        for (const auto& file :
+             fs::recursive_directory_iterator(fs::path(VELK_SOURCE_DIR) / "lib")) {
+            for (const std::string& literal :
+                 Matches(testkit::ReadFile(file.path().string()), R"re("((?:[^"\\\n]|\\.)*)")re")) {
+                literals.insert(std::regex_replace(literal, std::regex(R"re(\\(["\\]))re"), "$1"));
             }
         }
         return literals;

@@ -11,7 +11,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/text_file.h"
+#include "velkctl/files/text_file.h"
 
 namespace {
 

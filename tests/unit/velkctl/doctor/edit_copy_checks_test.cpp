@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
-#include "velkctl/causes.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/likely_cause.h"
 
 namespace {
 

@@ -1,0 +1,40 @@
+// command_output.cpp - runs a shell line and reads what it wrote into the result file.
+#include "lib/base/command_output.h"
+
+#include <utility>
+
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// No tool prints such a line. A planted file without a newline must not fill the memory.
+constexpr size_t kLongestLine = 64 * 1024;
+
+}  // namespace
+
+CommandOutput::CommandOutput(const CommandLine& command, ReadersTurn::Patience patience)
+    : turn_(patience), run_result_(Run(command)) {
+}
+
+int CommandOutput::Run(const CommandLine& command) {
+    if (!command.fits()) {
+        return command.Run();
+    }
+    if (!PrepareResultFile()) {
+        return LIB_VELK_SUCCESS;  // the same as a line that leaves no file
+    }
+    const int result = command.Run();
+    UniqueFd file = OpenResultFile();
+    if (result == LIB_VELK_SUCCESS) {
+        reader_.emplace(std::move(file), kLongestLine);
+    }
+    return result;
+}
+
+void CommandOutput::Remove() {
+    reader_.reset();
+    (void)CommandLine("rm %s", kResultFile).Run();
+}
+
+}  // namespace velk

@@ -1,0 +1,48 @@
+// command_output.h - runs a shell line and reads what it wrote into the result file.
+#ifndef VELK_BASE_COMMAND_OUTPUT_H_
+#define VELK_BASE_COMMAND_OUTPUT_H_
+
+#include <optional>
+#include <string_view>
+
+#include "lib/base/line_reader.h"
+#include "lib/base/readers_turn.h"
+#include "lib/base/result_file.h"
+#include "lib/base/shell.h"
+
+namespace velk {
+
+// The output of one command line, from running it to removing the result file. A command line that
+// fails is not noticed: its output is empty.
+class CommandOutput {
+  public:
+    // The line must redirect its output into kResultFile.
+    explicit CommandOutput(const CommandLine& command,
+                           ReadersTurn::Patience patience = ReadersTurn::Patience::kThreeSeconds);
+
+    // 0, or why the shell was not run, as CommandLine::Run() says it. 0 also where the line was not
+    // run because the result file cannot be the caller's own.
+    int run_result() const { return run_result_; }
+    // The result file is there and can be read.
+    bool is_open() const { return reader_.has_value() && reader_->is_open(); }
+    bool is_empty() const { return is_open() && reader_->is_empty(); }
+
+    ReadersTurn::Patience patience_left() const { return turn_.patience_left(); }
+
+    bool Next(std::string_view& line) { return reader_->Next(line); }
+
+    // Closes the result file and removes it. Without this call it stays for the next reader to
+    // overwrite.
+    void Remove();
+
+  private:
+    int Run(const CommandLine& command);
+
+    const ReadersTurn turn_;
+    std::optional<LineReader> reader_;
+    const int run_result_;
+};
+
+}  // namespace velk
+
+#endif  // VELK_BASE_COMMAND_OUTPUT_H_

@@ -1,0 +1,189 @@
+// lock.cpp - the inter-process lock around set and restart commands.
+#include "lib/base/lock.h"
+
+#include <atomic>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "lib/base/log.h"
+#include "lib/base/unique_fd.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kLockFile[] = "/var/tmp/vklib_lock";
+constexpr mode_t kLockMode = 0666;  // processes of every user take the lock
+constexpr int kTries = 100;
+constexpr int kReplaced = 0;  // by another user, while it was being locked
+
+// Takes the lock in one or more tries.
+class LockAttempt {
+  public:
+    // Returns a positive descriptor that holds the lock, a result code, or kReplaced.
+    int Try();
+    int Fail() const;
+
+  private:
+    UniqueFd Open();
+    bool Keep(int fd);
+    int Refuse(int error);
+
+    bool has_told_ = false;  // that the file exists
+    int error_ = 0;
+};
+
+bool HasOneName(int fd) {
+    struct stat facts {};
+    return fstat(fd, &facts) == 0 && facts.st_nlink == 1;
+}
+
+// Creates the lock file, its mode untouched by the umask. Not positive on failure. A file that
+// exists is opened only without O_EXCL, and the mode of one with other names is not changed:
+// another user may have planted a link to any file.
+UniqueFd CreateLockFile(int exclusive) {
+    UniqueFd fd(open(kLockFile, O_RDWR | O_CREAT | exclusive | O_NOFOLLOW | O_CLOEXEC, kLockMode));
+    if (fd.get() <= 0 || (exclusive == 0 && !HasOneName(fd.get()))) {
+        return fd;
+    }
+    if (fchmod(fd.get(), kLockMode) == -1) {
+        LogErrno("VkLibLock fchmod errno=%d:%s", errno);
+    }
+    return fd;
+}
+
+// Follows no link: anybody may plant one in this folder, to anywhere.
+//
+// Opens without O_CREAT first: with fs.protected_regular the kernel refuses O_CREAT on a file that
+// another user made in a sticky directory. Descriptor 0 counts as a failure; it is held until the
+// second open is done, so that the second one gets another number.
+UniqueFd LockAttempt::Open() {
+    UniqueFd existing(open(kLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+    error_ = errno;
+    if (existing.get() > 0) {
+        if (!std::exchange(has_told_, true)) {
+            Log("VkLibLock indelible");
+        }
+        return existing;
+    }
+    return CreateLockFile(existing.get() == 0 ? 0 : O_EXCL);
+}
+
+// Makes sure that the file stays the lock file as long as it is locked. In a sticky folder its
+// owner can replace it, and the next caller would lock the new one, so root takes it over from any
+// other user. A file with other names may be anybody's, and is not taken over.
+bool LockAttempt::Keep(int fd) {
+    struct stat locked {};
+    if (fstat(fd, &locked) == -1) {
+        return false;
+    }
+    if (locked.st_uid != 0 && geteuid() == 0) {
+        if (locked.st_nlink != 1) {
+            error_ = EMLINK;
+            return false;
+        }
+        (void)!fchown(fd, 0, 0);  // where it cannot be given away, it is taken as it is
+        (void)fchmod(fd, kLockMode);
+    }
+    error_ = ESTALE;
+    struct stat named {};
+    return lstat(kLockFile, &named) == 0 && named.st_dev == locked.st_dev &&
+           named.st_ino == locked.st_ino;
+}
+
+int LockAttempt::Try() {
+    UniqueFd fd = Open();
+    if (fd.get() <= 0) {
+        return Refuse(errno);
+    }
+    if (flock(fd.get(), LOCK_EX | LOCK_NB) == 0) {
+        return Keep(fd.get()) ? fd.Release() : kReplaced;
+    }
+    if (errno == EAGAIN) {
+        return LIB_VELK_LOCKED;
+    }
+    LogErrno("VkLibLock flock errno=%d:%s", errno);
+    return LIB_VELK_FAILURE;
+}
+
+// A file that another user has made since the first open is opened by the next try. The reason of
+// a file that cannot be opened is that of the first open.
+int LockAttempt::Refuse(int error) {
+    if (error != EEXIST || error_ == ENOENT) {
+        error_ = error;
+    }
+    return error == EEXIST ? kReplaced : Fail();
+}
+
+int LockAttempt::Fail() const {
+    LogErrno("VkLibLock open2 errno=%d:%s", error_);
+    return LIB_VELK_FAILURE;
+}
+
+// // The descriptor of the one lock that the process holds.
+std::atomic<int> command_lock = -1;
+std::atomic<bool> is_left_to_tools = false;
+
+}  // namespace
+
+CommandLock::CommandLock(int lock) : fd_(lock) {
+    if (held()) {
+        is_left_to_tools = false;
+        command_lock = fd_;
+    }
+}
+
+CommandLock::~CommandLock() {
+    if (!held()) {
+        return;
+    }
+    command_lock = -1;
+    if (is_left_to_tools) {
+        (void)close(fd_);
+    } else {
+        VkLibUnLock(fd_);
+    }
+}
+
+InheritedLock::InheritedLock() : fd_(command_lock) {
+    if (fd_ != -1) {
+        (void)fcntl(fd_, F_SETFD, 0);
+    }
+}
+
+void InheritedLock::LeaveToTools() {
+    is_left_to_tools = fd_ != -1;
+}
+
+InheritedLock::~InheritedLock() {
+    if (fd_ != -1) {
+        (void)fcntl(fd_, F_SETFD, FD_CLOEXEC);
+    }
+}
+
+}  // namespace velk
+
+int VkLibLock() {
+    velk::LockAttempt attempt;
+    for (int tries = 0; tries < velk::kTries; ++tries) {
+        if (const int result = attempt.Try(); result != velk::kReplaced) {
+            return result;
+        }
+    }
+    return attempt.Fail();
+}
+
+void VkLibUnLock(int fd) {
+    if (fd == -1) {
+        return;
+    }
+    const velk::UniqueFd owned(fd);
+    if (flock(fd, LOCK_UN) == -1) {
+        velk::LogErrno("flock errno=%d:%s", errno);
+    }
+}

@@ -1,0 +1,145 @@
+// readers_turn.cpp - keeps two readers of the result file apart.
+//
+// The queue is made of read locks on bytes of the folder, see F_OFD_SETLK in fcntl(2): a reader
+// that waits locks the byte that is numbered by its time of arrival. Nobody else reads or writes
+// these locks, they need no file, and the kernel drops them when their reader ends.
+#include "lib/base/readers_turn.h"
+
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include "lib/base/result_file.h"
+
+namespace velk {
+namespace {
+
+constexpr char kFolder[] = "/var/tmp";
+
+// flock(2) has no time-out, so the lock is tried again after each pause. 1,500 pauses without any
+// change are 3 seconds. 7,500 are 15 seconds, the longest wait: whoever goes on without a turn
+// makes changes, too, and must not keep all others waiting.
+constexpr std::chrono::milliseconds kPause{2};
+constexpr int kPausesOfStandstill = 1500;
+constexpr int kPausesOfAll = 7500;
+
+constexpr off_t kWholeQueue = 0;  // the length that fcntl(2) takes for "up to the end"
+
+// The time of arrival in milliseconds, never 0. It fits an off_t of 32 bits and starts again after
+// 24 days, which costs a reader who waits just then its place in the queue and nothing else.
+off_t PlaceOfArrival() {
+    constexpr long long kPlaces = 0x7FFFFFFE;
+    timespec now{};
+    (void)clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<off_t>((now.tv_sec * 1000LL + now.tv_nsec / 1000000) % kPlaces + 1);
+}
+
+// Counts the pauses since the result file was last replaced, written or removed, and all of them.
+// Files of other users do not count: one who keeps the lock could make and remove them for ever.
+class WaitingTime {
+  public:
+    explicit WaitingTime(int folder) : folder_(folder), seen_(Look()) {}
+
+    // Returns true if the reader goes on without its turn. Called once before each pause.
+    bool IsOver() {
+        const Facts now = Look();
+        if (now != seen_) {
+            seen_ = now;
+            pauses_ = 0;
+        }
+        return pauses_++ == kPausesOfStandstill || all_pauses_++ == kPausesOfAll;
+    }
+
+  private:
+    struct Facts {
+        ino_t inode = 0;
+        off_t size = 0;
+        long long changed = 0;  // in nanoseconds
+        bool operator==(const Facts&) const = default;
+    };
+
+    Facts Look() const {
+        struct stat facts {};
+        if (fstatat(folder_, kResultFileName, &facts, AT_SYMLINK_NOFOLLOW) == -1 ||
+            !IsOwnResultFile(facts)) {
+            return {};
+        }
+        return {facts.st_ino, facts.st_size,
+                facts.st_ctim.tv_sec * 1000000000LL + facts.st_ctim.tv_nsec};
+    }
+
+    const int folder_;
+    Facts seen_;
+    int pauses_ = 0;
+    int all_pauses_ = 0;
+};
+
+}  // namespace
+
+ReadersTurn::ReadersTurn(Patience patience)
+    : folder_(open(kFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), patience_left_(patience) {
+    if (folder_.get() == -1 || Takes(kWholeQueue)) {
+        return;
+    }
+    if (patience == Patience::kThreeSeconds) {
+        Queue();
+    }
+}
+
+ReadersTurn::~ReadersTurn() {
+    if (folder_.get() != -1) {
+        (void)flock(folder_.get(), LOCK_UN);
+    }
+}
+
+// Those ahead of a place have locked a byte in front of it.
+bool ReadersTurn::IsAnybodyAhead(off_t place) const {
+    struct flock ahead {};
+    ahead.l_type = F_WRLCK;
+    ahead.l_len = place;
+    return fcntl(folder_.get(), F_OFD_GETLK, &ahead) == 0 && ahead.l_type != F_UNLCK;
+}
+
+// True when nothing is to be waited for any more: the lock is held, or the folder cannot be locked.
+bool ReadersTurn::Takes(off_t place) const {
+    if (IsAnybodyAhead(place)) {
+        return false;
+    }
+    return flock(folder_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+// False when nothing has moved for 3 seconds, or 15 seconds are over.
+bool ReadersTurn::Waits(off_t place) const {
+    WaitingTime time(folder_.get());
+    while (!Takes(place)) {
+        if (time.IsOver()) {
+            return false;
+        }
+        std::this_thread::sleep_for(kPause);  // for the full pause, also when signals arrive
+    }
+    return true;
+}
+
+void ReadersTurn::Queue() {
+    const off_t place = PlaceOfArrival();
+    MarkPlace(place, F_RDLCK);
+    if (!Waits(place)) {
+        patience_left_ = Patience::kNone;
+    }
+    MarkPlace(place, F_UNLCK);
+}
+
+void ReadersTurn::MarkPlace(off_t place, short type) const {
+    struct flock mark {};
+    mark.l_type = type;
+    mark.l_start = place;
+    mark.l_len = 1;
+    (void)fcntl(folder_.get(), F_OFD_SETLK, &mark);
+}
+
+}  // namespace velk

@@ -1,0 +1,40 @@
+// unique_fd.h - the one owner of a file descriptor.
+#ifndef VELK_BASE_UNIQUE_FD_H_
+#define VELK_BASE_UNIQUE_FD_H_
+
+#include <utility>
+
+#include <unistd.h>
+
+namespace velk {
+
+// Closes its descriptor on every path. A negative number stands for none; 0 is a descriptor.
+class UniqueFd {
+  public:
+    explicit UniqueFd(int fd = -1) : fd_(fd) {}
+    UniqueFd(UniqueFd&& other) noexcept : fd_(other.Release()) {}
+    UniqueFd& operator=(UniqueFd&& other) noexcept {
+        Reset(other.Release());
+        return *this;
+    }
+    UniqueFd(const UniqueFd&) = delete;
+    UniqueFd& operator=(const UniqueFd&) = delete;
+    ~UniqueFd() { Reset(); }
+
+    int get() const { return fd_; }
+    int Release() { return std::exchange(fd_, -1); }
+
+    // Closes what it holds, then holds `fd`. Returns what close(2) returned, 0 when it held
+    // nothing.
+    int Reset(int fd = -1) {
+        const int old = std::exchange(fd_, fd);
+        return old >= 0 ? close(old) : 0;
+    }
+
+  private:
+    int fd_;
+};
+
+}  // namespace velk
+
+#endif  // VELK_BASE_UNIQUE_FD_H_

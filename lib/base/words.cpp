@@ -1,0 +1,44 @@
+// words.cpp - finds and cuts words in a line.
+#include "lib/base/words.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace velk {
+namespace {
+
+// isspace(3) in the C locale, whatever locale the host program has set.
+constexpr std::string_view kSpace = " \t\n\v\f\r";
+constexpr std::string_view kWordEnd(" \t\n\v\f\r\0", 7);
+
+constexpr std::string_view kWordStarts = " \t,#";   // what may stand before a word in a line
+constexpr std::string_view kWordStops = " \t,;\n";  // and behind it
+
+}  // namespace
+
+bool FindWord(std::string_view line, std::string_view word, bool comment_aware, size_t& position) {
+    position = line.find(word);
+    if (position == std::string_view::npos) {
+        return false;
+    }
+    if (comment_aware && line.find('#') <= position) {
+        return false;
+    }
+    if (position > 0 && !Contains(kWordStarts, line.substr(position - 1, 1))) {
+        return false;
+    }
+    const size_t end = position + word.size();
+    if (end >= line.size()) {
+        throw std::out_of_range("basic_string::at");
+    }
+    return Contains(kWordStops, line.substr(end, 1));
+}
+
+std::string_view TakeWord(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kSpace), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(kWordEnd));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+}  // namespace velk

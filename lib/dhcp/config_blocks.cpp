@@ -1,0 +1,43 @@
+// config_blocks.cpp - tells which lines of the DHCP client's configuration concern an interface.
+#include "lib/dhcp/config_blocks.h"
+
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// False for the opening line of another interface's block.
+bool Classify(std::string_view line, std::string_view nic, bool& in_block, bool& other_block,
+              bool comment_aware) {
+    if (in_block) {
+        in_block = !HasWord(line, kBlockEnd, comment_aware);
+        return true;
+    }
+    if (!HasWord(line, "interface", comment_aware)) {
+        return true;
+    }
+    if (Contains(line, nic)) {
+        in_block = true;
+        return true;
+    }
+    other_block = !Contains(line, kBlockEnd);  // unless the block ends on its first line
+    return false;
+}
+
+}  // namespace
+
+bool ConfigBlocks::Concerns(std::string_view line) {
+    if (other_block_) {
+        other_block_ = !HasWord(line, kBlockEnd, comment_aware_);
+        return false;
+    }
+    return Classify(line, nic_, in_block_, other_block_, comment_aware_);
+}
+
+}  // namespace velk
+
+bool IsNicName(const std::string& line, const std::string& nic, bool& in_block, bool& other_block,
+               bool comment_aware) {
+    return velk::Classify(line, nic, in_block, other_block, comment_aware);
+}

@@ -1,0 +1,100 @@
+// exit_hooks.cpp - switches commands in the script that the DHCP client runs after its lease
+// events.
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "lib/base/comment_switch.h"
+#include "lib/base/data_area.h"
+#include "lib/base/file_edit.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/shell_blocks.h"
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
+constexpr char kInterfaceVariable[] = "$interface";
+
+constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
+constexpr char kClockSetter[] = "/usr/bin/ntpdate";
+constexpr char kFinishNotice[] = "/sbin/printdhcpnotice.pl";
+constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
+
+// The line with the command on it switched; a byte that is no switch leaves it as it is.
+std::string SwitchCommand(std::string_view line, std::string_view command, char state) {
+    const size_t position = line.find(command);
+    const bool is_switch = state == VELK_ON || state == VELK_OFF;
+    if (position == std::string_view::npos || !is_switch) {
+        return std::string(line);
+    }
+    return SwitchLine(line, position, state == VELK_ON);
+}
+
+}  // namespace
+}  // namespace velk
+
+int SetDhclient(const _velk_request& request, const char* command) {
+    if (command == nullptr) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::FileEdit edit(velk::kExitHooks);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    const std::string_view interface = velk::FieldText(request.interface);
+    velk::ShellBlocks blocks(velk::kInterfaceVariable, interface);
+    for (std::string_view line; edit.Next(line);) {
+        const bool runs = blocks.RunsNext(line) || interface.empty();  // no interface means all
+        if (runs) {
+            edit.Write(velk::SwitchCommand(line, command, request.data[0]));
+        } else {
+            edit.Keep(line);
+        }
+    }
+    return edit.Finish();
+}
+
+int SetApipa(const _velk_request& request, char* /*out*/) {
+    return SetDhclient(request, velk::kLinkLocalDaemon);
+}
+
+int SetNtpdate(const _velk_request& request) {
+    return SetDhclient(request, velk::kClockSetter);
+}
+
+int SetPrintDHCPFinished(const _velk_request& request, char* /*out*/) {
+    const int difference =
+        strncmp(request.interface, VELK_WIRED_INTERFACE, sizeof(request.interface));
+    if (difference != 0) {
+        return difference;
+    }
+    const int result = SetDhclient(request, velk::kFinishNotice);
+    if (result != LIB_VELK_SUCCESS) {
+        return result;
+    }
+    return SetDhclient(request, velk::kStartNotice);
+}
+
+int GetApipa(const _velk_request& request, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::LineReader hooks = velk::LineReader::OfFileNeverEmpty(velk::kExitHooks);
+    if (!hooks.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    // The answer unless a line says otherwise, also when memory runs out at a long one.
+    out[0] = VELK_OFF;
+    velk::ShellBlocks blocks(velk::kInterfaceVariable, velk::FieldText(request.interface));
+    for (std::string_view line; hooks.NextWithNewline(line);) {
+        if (blocks.RunsNext(line) &&
+            velk::HasWord(line, velk::kLinkLocalDaemon, /*comment_aware=*/true)) {
+            out[0] = VELK_ON;
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}

@@ -1,0 +1,131 @@
+// request_options.cpp - which options the DHCP client requests, and for which interfaces it does.
+#include <string>
+#include <string_view>
+
+#include "lib/base/comment_switch.h"
+#include "lib/base/file_edit.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/words.h"
+#include "lib/dhcp/config_blocks.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr std::string_view kStatementEnd = ";";
+
+// The line without the option at `position`. A comma behind any place of the option on the line
+// counts, and takes the character behind the first place with it. Otherwise what is no letter in
+// front of the option goes too, but never the line's first character.
+std::string WithoutOption(std::string_view line, const std::string& option, size_t position) {
+    if (Contains(line, option + ",")) {
+        return std::string(line).erase(position, option.size() + 1);
+    }
+    const size_t behind = position + option.size();
+    while (position > 1 && !IsLetter(line[position - 1])) {
+        --position;
+    }
+    return std::string(line.substr(0, position)).append(line.substr(behind));
+}
+
+// The line with the option as the last one of the statement that ends at `end`.
+std::string WithOption(std::string_view line, const std::string& option, size_t end) {
+    return std::string(line).insert(end, "," + option);
+}
+
+// Finds the lines of the "request" statements that concern an interface. A statement may run over
+// several lines.
+class RequestLines {
+  public:
+    RequestLines(std::string_view nic, bool comment_aware)
+        : blocks_(nic, comment_aware), comment_aware_(comment_aware) {}
+
+    // Takes the next line, with its newline. A line outside the interface's block does not count
+    // when it holds a "#" anywhere.
+    bool Holds(std::string_view line) {
+        if (!blocks_.Concerns(line) || (!blocks_.in_block() && Contains(line, "#"))) {
+            return false;
+        }
+        in_request_ = in_request_ || HasWord(line, "request", comment_aware_);
+        return in_request_;
+    }
+
+    // The line taken last, with the option added or removed. A statement counts as ended only by a
+    // line that ends it without naming the option.
+    std::string Edit(std::string_view line, const std::string& option, bool add);
+
+  private:
+    ConfigBlocks blocks_;
+    const bool comment_aware_;
+    bool in_request_ = false;
+};
+
+std::string RequestLines::Edit(std::string_view line, const std::string& option, bool add) {
+    size_t position = 0;
+    if (FindWord(line, option, comment_aware_, position)) {
+        return add ? std::string(line) : WithoutOption(line, option, position);
+    }
+    const size_t end = line.find(kStatementEnd);
+    if (end == std::string_view::npos) {
+        return std::string(line);
+    }
+    in_request_ = false;
+    return add ? WithOption(line, option, end) : std::string(line);
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetDhcpServer(const std::string& nic, const std::string& option, bool& requested,
+                  bool comment_aware) {
+    velk::LineReader config = velk::LineReader::OfFileNeverEmpty(velk::kDhcpConfigFile);
+    if (!config.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    requested = false;
+    velk::RequestLines requests(nic, comment_aware);
+    for (std::string_view line; config.NextWithNewline(line);) {
+        if (!requests.Holds(line)) {
+            continue;
+        }
+        requested = velk::Contains(line, option);
+        if (requested || velk::Contains(line, velk::kStatementEnd)) {
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int SetDhcpServer(const std::string& nic, const std::string& option, bool add, bool comment_aware) {
+    velk::FileEdit edit(velk::kDhcpConfigFile);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::RequestLines requests(nic, comment_aware);
+    for (std::string_view line; edit.Next(line);) {
+        if (requests.Holds(line)) {
+            edit.Write(requests.Edit(line, option, add));
+        } else {
+            edit.Keep(line);
+        }
+    }
+    return edit.Finish();
+}
+
+int SetDhcpRequest(const std::string& nic, bool enable) {
+    velk::FileEdit edit(velk::kDhcpConfigFile);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
+    for (std::string_view line; edit.Next(line);) {
+        const bool concerns = blocks.Concerns(line);
+        // A block's closing line is in it no longer; one that closes nothing is switched with it.
+        if (concerns && (blocks.in_block() || velk::Contains(line, velk::kBlockEnd))) {
+            edit.Write(velk::SwitchLine(line, std::string_view::npos, enable));
+        } else {
+            edit.Keep(line);
+        }
+    }
+    return edit.Finish();
+}

@@ -1,0 +1,117 @@
+// settings.cpp - administrator and location, in the library's settings file and the SNMP daemon's.
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "lib/base/data_area.h"
+#include "lib/base/file_edit.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/log.h"
+#include "lib/identity/tool_locale.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kSettingsFile[] = "/var/libvelk/libvelk";
+constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
+constexpr char kSnmpRestart[] = "sudo /etc/init.d/snmpd restart > /dev/null 2>&1";
+
+struct IdentitySetting {
+    uint32_t command_id;
+    std::string_view key;        // what its lines begin with; the value follows
+    std::string_view directive;  // in the SNMP daemon's configuration
+};
+
+constexpr IdentitySetting kSettings[] = {
+    {VELK_CMD_ADMINISTRATOR, "ADMINISTRATOR=", "syscontact"},
+    {VELK_CMD_LOCATION, "LOCATION=", "syslocation"},
+};
+
+const IdentitySetting* FindSetting(uint32_t command_id) {
+    const auto* found = std::ranges::find(kSettings, command_id, &IdentitySetting::command_id);
+    return found == std::end(kSettings) ? nullptr : found;
+}
+
+// Writes the value into every line of the setting, or into a new last line when there is none.
+void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) {
+    const std::string value_line = std::string(key).append(value).append("\n");
+    bool found = false;
+    for (std::string_view line; edit.Next(line);) {
+        if (line.starts_with(key)) {
+            edit.Write(value_line);
+            found = true;
+        } else {
+            edit.Keep(line);
+        }
+    }
+    if (!found) {
+        edit.Write(value_line);
+    }
+}
+
+// Hands the value on to the SNMP daemon: into every line of its configuration that has the
+// directive. Built as long as it gets: an escaped value has up to four times its length.
+void MirrorIntoSnmp(std::string_view directive, std::string_view value) {
+    const std::string_view locale = ToolLocale();
+    if (!KeepsEscapes(locale, value)) {
+        Log("SetSettingFile no SNMP line in the locale %.64s", locale.data());
+        return;
+    }
+    const std::string shown = value.empty() ? "\"\"" : GetEscapeString(std::string(value));
+    std::string line = "sudo sed -i 's/";
+    line.append(directive).append(".*/").append(directive).append(" ").append(shown);
+    line.append("/' ").append(kSnmpFile);
+    (void)SystemCommand(line.c_str());
+    (void)SystemCommand(kSnmpRestart);
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetSettingFile(const _velk_request& request, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    const velk::IdentitySetting* setting = velk::FindSetting(request.command_id);
+    if (setting == nullptr) {
+        velk::Log("LIB_VELK_INVALID_PARAMETER = %d", static_cast<int>(request.command_id));
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::LineReader file = velk::LineReader::OfFileNeverEmpty(velk::kSettingsFile);
+    if (!file.is_open()) {
+        velk::LogErrno("GetSettingFile ifstream errno=%d:%s", file.error());
+        return LIB_VELK_FAILURE;
+    }
+    for (std::string_view line; file.Next(line);) {
+        if (line.starts_with(setting->key)) {
+            velk::PutText(out, line.substr(setting->key.size()));
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int SetSettingFile(const _velk_request& request, char* /*out*/) {
+    const velk::IdentitySetting* setting = velk::FindSetting(request.command_id);
+    if (setting == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::FileEdit edit(velk::kSettingsFile);
+    if (edit.target_error() != 0) {
+        velk::LogErrno("SetSettingFile ifstream errno=%d:%s", edit.target_error());
+    }
+    if (edit.copy_error() != 0) {
+        velk::LogErrno("SetSettingFile ofstream errno=%d:%s", edit.copy_error());
+    }
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    const std::string_view value = velk::FieldText(request.data);
+    velk::WriteSetting(edit, setting->key, value);
+    const int written = edit.Finish();
+    if (written == LIB_VELK_SUCCESS) {
+        velk::MirrorIntoSnmp(setting->directive, value);
+    }
+    return written;
+}

@@ -1,0 +1,89 @@
+// dns.cpp - the DNS servers in the DNS forwarder's configuration.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include <fcntl.h>
+
+#include "lib/base/file_io.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/unique_fd.h"
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kResolverFile[] = "/etc/resolv.dnsmasq.conf";
+constexpr mode_t kNewFileMode = 0666;  // narrowed by the caller's umask
+constexpr std::string_view kKeyword = "nameserver";
+constexpr size_t kSlots = 3;
+constexpr size_t kSlotSize = 16;
+
+using SlotArea = std::array<char, kSlots * kSlotSize>;
+
+// The address in a slot. A slot filled to its last byte is an address of that length, whatever lies
+// inside it.
+std::string_view SlotText(const char* slot) {
+    const bool filled = slot[kSlotSize - 1] != '\0';
+    return {slot, filled ? kSlotSize : strlen(slot)};
+}
+
+// Copies the address without a terminator. One longer than its slot runs on into the next; a
+// missing one leaves the slot empty, whatever ran on into it.
+void PutSlot(SlotArea& slots, size_t index, std::string_view address) {
+    const size_t offset = index * kSlotSize;
+    if (address.empty()) {
+        std::fill_n(&slots[offset], kSlotSize, '\0');
+        return;
+    }
+    address.copy(&slots[offset], slots.size() - offset);
+}
+
+// The file's new text, up to the first empty slot.
+std::string ServerLines(const char* slots) {
+    std::string text;
+    for (size_t i = 0; i < kSlots && slots[i * kSlotSize] != '\0'; ++i) {
+        text.append(kKeyword).append(" ").append(SlotText(&slots[i * kSlotSize])).append("\n");
+    }
+    return text;
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetDns(const _velk_request& /*request*/, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::LineReader file(velk::kResolverFile);
+    if (!file.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::SlotArea slots{};
+    std::string_view line;
+    for (size_t count = 0; count < velk::kSlots && file.Next(line);) {
+        if (!line.starts_with(velk::kKeyword)) {
+            continue;
+        }
+        (void)velk::TakeWord(line);  // the keyword, with whatever is written against it
+        velk::PutSlot(slots, count, velk::TakeWord(line));
+        ++count;
+    }
+    memcpy(out, slots.data(), slots.size());
+    return LIB_VELK_SUCCESS;
+}
+
+int SetDns(const _velk_request& request, char* /*out*/) {
+    const std::string text = velk::ServerLines(request.data);
+    velk::UniqueFd file(
+        open(velk::kResolverFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, velk::kNewFileMode));
+    if (file.get() == -1) {
+        return LIB_VELK_FAILURE;
+    }
+    const bool written = velk::WriteAll(file.get(), text);
+    const bool closed = file.Reset() == 0;
+    return written && closed ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE;
+}

@@ -1,0 +1,105 @@
+// interfaces_writer.cpp - changes an interface's method and its static addresses.
+#include <string>
+#include <string_view>
+
+#include "lib/base/data_area.h"
+#include "lib/base/file_edit.h"
+#include "lib/base/words.h"
+#include "lib/ipconf/interfaces_file.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// Writes the method into the header of every stanza of the interface; whatever else stood on the
+// header line is gone.
+int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view method) {
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    const std::string header = StanzaHeader(interface);
+    for (std::string_view line; edit.NextWith(header, line);) {
+        edit.Write(header);
+        edit.Write(method);
+        edit.Write("\n");
+    }
+    return edit.Finish();
+}
+
+int ChangeMethod(std::string_view interface, char method) {
+    FileEdit edit(kInterfacesFile);  // a refused method leaves the edit copy behind, empty
+    if (method != VELK_METHOD_STATIC && method != VELK_METHOD_DHCP) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    const bool is_dhcp = method == VELK_METHOD_DHCP;
+    const int written = WriteMethod(edit, interface, is_dhcp ? kDhcpMethod : kStaticMethod);
+    if (written != LIB_VELK_SUCCESS) {
+        return written;
+    }
+    return SetDhcpRequest(std::string(interface), is_dhcp);
+}
+
+// Copies a stanza's body up to the line of the key or the next stanza, and puts `value_line` in the
+// place of the one or in front of the other. An empty `value_line` removes the line of the key. A
+// stanza that is the file's last and holds no such line gains none.
+void EditBody(FileEdit& edit, std::string_view key, std::string_view value_line) {
+    for (std::string_view line; edit.Next(line);) {
+        if (line.starts_with(kStanzaStart)) {
+            edit.Write(value_line);
+            edit.Keep(line);
+            return;
+        }
+        if (Contains(line, key)) {
+            edit.Write(value_line);
+            return;
+        }
+        edit.Keep(line);
+    }
+}
+
+}  // namespace
+}  // namespace velk
+
+int SetIpSettingMethod(const _velk_request& request, char* /*out*/) {
+    const std::string_view interface = velk::FieldText(request.interface);
+    const char method = request.data[0];
+    const int result = velk::ChangeMethod(interface, method);
+    if (interface == VELK_WIRED_INTERFACE && method == VELK_METHOD_DHCP) {
+        (void)SystemCommand("rm -f /tmp/oldIPAddress");  // kept by a program beside the library
+    }
+    return result;
+}
+
+int SetAddressConf(const _velk_request& request, const char* key) {
+    if (key == nullptr) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::FileEdit edit(velk::kInterfacesFile);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    const std::string_view value = velk::FieldText(request.data);
+    const bool removes = value.empty() && std::string_view(key) == velk::kGatewayKey;
+    std::string value_line;
+    if (!removes) {
+        value_line.append("\t").append(key).append(value).append("\n");
+    }
+    const std::string header = velk::StanzaHeader(velk::FieldText(request.interface));
+    for (std::string_view line; edit.NextWith(header, line);) {
+        edit.Keep(line);
+        velk::EditBody(edit, key, value_line);
+    }
+    return edit.Finish();
+}
+
+int SetIpAddressConf(const _velk_request& request, char* /*out*/) {
+    return SetAddressConf(request, velk::kAddressKey);
+}
+
+int SetSubNetMaskConf(const _velk_request& request, char* /*out*/) {
+    return SetAddressConf(request, velk::kNetmaskKey);
+}
+
+int SetDefGatewayConf(const _velk_request& request, char* /*out*/) {
+    return SetAddressConf(request, velk::kGatewayKey);
+}

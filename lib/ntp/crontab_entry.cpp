@@ -1,0 +1,149 @@
+// crontab_entry.cpp - the crontab entry that sets the clock: whether it is active, and its server.
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "lib/base/comment_switch.h"
+#include "lib/base/crontab.h"
+#include "lib/base/data_area.h"
+#include "lib/base/file_edit.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/log.h"
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr std::string_view kClient = "ntpdate";
+
+// Where a line without a server gets one: behind the last word in front of the redirection.
+size_t PlaceForServer(std::string_view line) {
+    const size_t redirection = line.find('>');
+    if (redirection == std::string_view::npos) {
+        throw std::out_of_range("basic_string::at");
+    }
+    const size_t blank = line.rfind(' ', redirection);  // one in column one has no word in front
+    return blank == std::string_view::npos || blank == 0 ? redirection : blank;
+}
+
+int WriteMethod(FileEdit& edit, bool on) {
+    for (std::string_view line; edit.Next(line);) {
+        const size_t position = line.find(kClient);
+        if (position == std::string_view::npos) {
+            edit.Keep(line);
+        } else {
+            edit.Write(SwitchLine(line, position, on));
+        }
+    }
+    return edit.Finish();
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetNtpdate(const std::string& line, std::string& server) {
+    const size_t position = line.find(velk::kClient);
+    if (position == std::string::npos) {
+        return LIB_VELK_SUCCESS;
+    }
+    std::string_view rest = std::string_view(line).substr(position + velk::kClient.size());
+    while (!rest.empty()) {
+        const std::string_view word = rest.substr(0, rest.find(' '));
+        if (!word.empty() && velk::IsLetterOrDigit(word.front())) {
+            server = word;
+            return LIB_VELK_SUCCESS;
+        }
+        if (velk::Contains(word, ">")) {
+            return LIB_VELK_SUCCESS;
+        }
+        rest.remove_prefix(std::min(word.size() + 1, rest.size()));
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int ChangeNtpdate(std::string& line, const std::string& server) {
+    std::string old;
+    (void)GetNtpdate(line, old);
+    if (old.empty()) {
+        line.insert(velk::PlaceForServer(line), server);
+    } else {
+        line.replace(line.find(old), old.size(), server);
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int GetNtpMethod(const _velk_request& /*request*/, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    if (!crontab.is_open()) {
+        velk::LogErrno("GetNtpMethod ifstream errno=%d:%s", crontab.error());
+        return LIB_VELK_FAILURE;
+    }
+    // The answer unless a line says otherwise, also when memory runs out at a long one.
+    out[0] = VELK_OFF;
+    for (std::string_view line; crontab.Next(line);) {
+        const size_t position = line.find(velk::kClient);
+        if (position != std::string_view::npos && !velk::IsCommentedOut(line, position)) {
+            out[0] = VELK_ON;
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int SetNtpMethod(const _velk_request& request, char* /*out*/) {
+    velk::FileEdit edit(velk::kCrontab);  // a refused byte leaves the edit copy behind, empty
+    const char method = request.data[0];
+    if (method != VELK_ON && method != VELK_OFF) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    const int written = velk::WriteMethod(edit, method == VELK_ON);
+    if (written == LIB_VELK_SUCCESS && method == VELK_OFF) {
+        DeleteNtpLog();  // its result would be taken for a current one
+    }
+    return written;
+}
+
+int GetNtpIp(const _velk_request& /*request*/, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    if (!crontab.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    for (std::string_view line; crontab.Next(line);) {
+        if (velk::Contains(line, velk::kClient)) {
+            std::string server;
+            (void)GetNtpdate(std::string(line), server);
+            velk::PutText(out, server);
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int SetNtpIp(const _velk_request& request, char* /*out*/) {
+    velk::FileEdit edit(velk::kCrontab);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    const std::string server(velk::FieldText(request.data));
+    for (std::string_view line; edit.Next(line);) {
+        if (velk::Contains(line, velk::kClient)) {
+            std::string changed(line);
+            (void)ChangeNtpdate(changed, server);
+            edit.Write(changed);
+        } else {
+            edit.Keep(line);
+        }
+    }
+    return edit.Finish();
+}

@@ -1,0 +1,65 @@
+// adapter.cpp - detects a supported wireless adapter among the attached USB devices.
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lib/base/line_reader.h"
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
+constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
+constexpr char kBuiltInModel[] = "QT4408RKM";
+constexpr size_t kKeyLength = 4;  // of "VID=" and "PID="
+
+// The hexadecimal number behind a key at the start of the line.
+unsigned NumberBehindKey(std::string_view line) {
+    const std::string text(line.substr(kKeyLength));
+    const unsigned long number = strtoul(text.c_str(), nullptr, 16);
+    return static_cast<unsigned>(std::min<unsigned long>(number, UINT_MAX));
+}
+
+// The ids as the kernel lists them.
+std::string DeviceText(unsigned vendor, unsigned product) {
+    char text[sizeof("Vendor=01234567 ProdID=01234567")];
+    (void)snprintf(text, sizeof(text), "Vendor=%04x ProdID=%04x", vendor, product);
+    return text;
+}
+
+// The texts that tell a supported adapter. A vendor stays in force for every product behind it.
+std::vector<std::string> SupportedAdapters() {
+    std::vector<std::string> adapters{kBuiltInModel};
+    LineReader list(kSupportList);
+    unsigned vendor = 0;
+    for (std::string_view line; list.Next(line);) {
+        if (Contains(line, "VID=")) {
+            vendor = NumberBehindKey(line);
+        }
+        if (Contains(line, "PID=")) {
+            adapters.push_back(DeviceText(vendor, NumberBehindKey(line)));
+        }
+    }
+    return adapters;
+}
+
+}  // namespace
+}  // namespace velk
+
+int IsWlanAttached() {
+    const std::vector<std::string> adapters = velk::SupportedAdapters();
+    velk::LineReader devices(velk::kUsbDevices);
+    for (std::string_view line; devices.Next(line);) {
+        const auto is_on_line = [&](const std::string& text) { return velk::Contains(line, text); };
+        if (std::any_of(adapters.begin(), adapters.end(), is_on_line)) {
+            return 1;
+        }
+    }
+    return 0;
+}

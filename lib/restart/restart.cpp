@@ -1,0 +1,77 @@
+// restart.cpp - brings an interface down and up again so that changed settings take effect.
+#include <string>
+
+#include "lib/base/data_area.h"
+#include "lib/base/shell.h"
+#include "lib/base/wait.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kNotifyOnly = 2;  // first parameter byte of a wireless restart
+
+std::string InterfaceName(const _velk_request& request) {
+    return std::string(FieldText(request.interface));
+}
+
+int RunIfdown(const char* name) {
+    return CommandLine("sudo ifdown %s", name).Run();
+}
+
+int RunIfup(const char* name) {
+    return CommandLine("sudo ifup %s", name).Run();
+}
+
+int NotifyDaemon() {
+    return SendWlanRequestMessage(VELK_WLAN_RESTARTED, nullptr);
+}
+
+}  // namespace
+}  // namespace velk
+
+int Restart(const _velk_request& request, char* out) {
+    if (velk::FieldText(request.interface) == VELK_WIRED_INTERFACE) {
+        return RestartWired(request, out);
+    }
+    return RestartWireless(request, out);
+}
+
+int RestartWired(const _velk_request& request, char* /*out*/) {
+    const std::string name = velk::InterfaceName(request);
+    (void)velk::RunIfdown(name.c_str());
+    velk::WaitSeconds(1);
+    const int result = velk::RunIfup(name.c_str());
+    if (IsWlanAttached() == 0) {
+        return result;
+    }
+    velk::WaitSeconds(5);
+    if (IsWiredLinked() == 0) {
+        return result;
+    }
+    // With the cable in, the wireless interface follows, and twice: one pass is not enough.
+    for (int pass = 0; pass < 2; ++pass) {
+        velk::WaitSeconds(30);
+        (void)velk::RunIfdown(VELK_WIRELESS_INTERFACE);
+        (void)velk::RunIfup(VELK_WIRELESS_INTERFACE);
+    }
+    return result;
+}
+
+int RestartWireless(const _velk_request& request, char* /*out*/) {
+    if (IsWlanAttached() == 0) {
+        return LIB_VELK_NO_ADAPTER;
+    }
+    if (request.data[0] == velk::kNotifyOnly) {
+        return IsWiredLinked() != 0 ? LIB_VELK_SUCCESS : velk::NotifyDaemon();
+    }
+    const std::string name = velk::InterfaceName(request);
+    (void)velk::RunIfdown(name.c_str());
+    velk::WaitSeconds(1);
+    if (IsWiredLinked() != 0) {
+        return velk::CommandLine("sudo ifconfig %s up", name.c_str()).Run();
+    }
+    // In the background: the address may take its time.
+    (void)velk::CommandLine("sudo ifup %s &", name.c_str()).Run();
+    return velk::NotifyDaemon();
+}

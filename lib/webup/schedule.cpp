@@ -1,0 +1,219 @@
+// schedule.cpp - when the web contents updater runs: its lines in the crontab.
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "lib/base/crontab.h"
+#include "lib/base/data_area.h"
+#include "lib/base/file_edit.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr std::string_view kUpdater = "web_contents_updater";
+constexpr std::string_view kCommand = "perl /usr/bin/web_contents_updater.pl";
+constexpr std::string_view kAny = "*";
+constexpr std::string_view kEvery = "*/";
+
+// The data bytes of the command.
+constexpr size_t kTypeOffset = 0;
+constexpr size_t kValueOffset = 1;
+constexpr size_t kTimeOffset = 2;
+constexpr size_t kClearedSize = 18;  // what a get that fails leaves cleared
+
+struct Schedule {
+    uint8_t type;
+    uint8_t value;
+    std::string time;
+};
+
+// The five fields in front of a crontab line's command.
+struct CronFields {
+    std::string_view minute, hour, day, month, weekday;
+};
+
+// Takes the next field off the front; fields are separated by single blanks.
+std::string_view TakeField(std::string_view& line) {
+    const std::string_view field = line.substr(0, line.find(' '));
+    line.remove_prefix(std::min(field.size() + 1, line.size()));
+    return field;
+}
+
+CronFields SplitFields(std::string_view line) {
+    CronFields fields;
+    fields.minute = TakeField(line);
+    fields.hour = TakeField(line);
+    fields.day = TakeField(line);
+    fields.month = TakeField(line);
+    fields.weekday = TakeField(line);
+    return fields;
+}
+
+// The number that a field begins with, as much of it as the data byte holds; 0 when there is none.
+uint8_t LeadingNumber(std::string_view field) {
+    int number = 0;
+    (void)std::from_chars(field.begin(), field.end(), number);
+    return static_cast<uint8_t>(number);
+}
+
+// Nothing for a line that is not one of this library's.
+std::optional<Schedule> ScheduleOf(const CronFields& fields) {
+    if (fields.hour.starts_with(kEvery)) {
+        return Schedule{VELK_SCHEDULE_HOURS, LeadingNumber(fields.hour.substr(kEvery.size())),
+                        "00:00"};
+    }
+    const std::string time = std::string(fields.hour).append(":").append(fields.minute);
+    if (fields.day != kAny) {
+        return Schedule{VELK_SCHEDULE_MONTHLY, LeadingNumber(fields.day), time};
+    }
+    if (fields.month != kAny) {
+        return std::nullopt;
+    }
+    if (fields.weekday != kAny) {
+        const auto weekday = static_cast<uint8_t>(LeadingNumber(fields.weekday) + 1);
+        return Schedule{VELK_SCHEDULE_WEEKLY, weekday, time};
+    }
+    return Schedule{VELK_SCHEDULE_DAILY, 1, time};
+}
+
+// The schedule of the first line of the updater.
+std::optional<Schedule> ReadSchedule(LineReader& crontab) {
+    for (std::string_view line; crontab.Next(line);) {
+        if (Contains(line, kUpdater)) {
+            return ScheduleOf(SplitFields(line));
+        }
+    }
+    return Schedule{VELK_SCHEDULE_NONE, VELK_SCHEDULE_NONE, "00:00"};
+}
+
+void PutSchedule(char* out, const Schedule& schedule) {
+    out[kTypeOffset] = static_cast<char>(schedule.type);
+    out[kValueOffset] = static_cast<char>(schedule.value);
+    const size_t length = schedule.time.copy(out + kTimeOffset, VELK_DATA_SIZE - kTimeOffset - 1);
+    out[kTimeOffset + length] = '\0';
+}
+
+bool IsNumber(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+struct Time {
+    std::string_view hour, minute;
+};
+
+// Nothing when the text is not two numbers with a colon between them. Their ranges are not checked.
+std::optional<Time> ParseTime(std::string_view text) {
+    const size_t colon = text.find(':');
+    if (colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const Time time{text.substr(0, colon), text.substr(colon + 1)};
+    if (!IsNumber(time.hour) || !IsNumber(time.minute)) {
+        return std::nullopt;
+    }
+    return time;
+}
+
+std::string CronLine(const CronFields& fields) {
+    std::string line;
+    for (const std::string_view field :
+         {fields.minute, fields.hour, fields.day, fields.month, fields.weekday}) {
+        line.append(field).append(" ");
+    }
+    return line.append(kCommand).append("\n");
+}
+
+// In place of a month that lacks the day the updater runs on the first of the next. The second line
+// holds the months behind such months.
+std::string MonthlyLines(int day, const Time& time) {
+    const std::string number = std::to_string(day);
+    if (day <= 28) {
+        return CronLine({time.minute, time.hour, number, kAny, kAny});
+    }
+    const std::string first_and_day = "1," + number;
+    const bool is_31 = day == 31;
+    return CronLine({time.minute, time.hour, number, is_31 ? "1,8" : "1,4-12", kAny}) +
+           CronLine({time.minute, time.hour, first_and_day, is_31 ? "3,5,7,10,12" : "3", kAny});
+}
+
+// The crontab's lines for a schedule; nothing for a schedule that there is not.
+std::optional<std::string> LinesFor(int type, int value, const Time& time) {
+    switch (type) {
+        case VELK_SCHEDULE_HOURS: {
+            const std::string hours = std::string(kEvery).append(std::to_string(value));
+            return CronLine({"00", hours, kAny, kAny, kAny});
+        }
+        case VELK_SCHEDULE_DAILY:
+            return CronLine({time.minute, time.hour, kAny, kAny, kAny});
+        case VELK_SCHEDULE_WEEKLY: {
+            const std::string weekday = std::to_string(value - 1);
+            return CronLine({time.minute, time.hour, kAny, kAny, weekday});
+        }
+        case VELK_SCHEDULE_MONTHLY:
+            if (value < 1 || value > 31) {
+                return std::nullopt;
+            }
+            return MonthlyLines(value, time);
+        case VELK_SCHEDULE_NONE:
+            return "";
+        default:
+            return std::nullopt;
+    }
+}
+
+// Nothing for data that is not a schedule. The time counts for every type.
+std::optional<std::string> LinesFor(const _velk_request& request) {
+    const char* text = &request.data[kTimeOffset];
+    const std::optional<Time> time =
+        ParseTime({text, strnlen(text, sizeof(request.data) - kTimeOffset)});
+    if (!time) {
+        return std::nullopt;
+    }
+    return LinesFor(static_cast<unsigned char>(request.data[kTypeOffset]),
+                    static_cast<unsigned char>(request.data[kValueOffset]), *time);
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetWebUp(const _velk_request& /*request*/, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    if (!crontab.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    std::fill_n(out, velk::kClearedSize, '\0');
+    const std::optional<velk::Schedule> schedule = velk::ReadSchedule(crontab);
+    if (!schedule) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::PutSchedule(out, *schedule);
+    return LIB_VELK_SUCCESS;
+}
+
+int SetWebUp(const _velk_request& request, char* /*out*/) {
+    const std::optional<std::string> lines = velk::LinesFor(request);
+    if (!lines) {
+        return LIB_VELK_FAILURE;
+    }
+    velk::FileEdit edit(velk::kCrontab);
+    if (!edit.is_open()) {
+        return LIB_VELK_FAILURE;
+    }
+    for (std::string_view line; edit.Next(line);) {
+        if (!velk::Contains(line, velk::kUpdater)) {
+            edit.Keep(line);
+        }
+    }
+    edit.Write(*lines);
+    return edit.Finish();
+}

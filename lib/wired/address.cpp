@@ -1,0 +1,100 @@
+// address.cpp - hardware address, IPv4 address and mask of an interface, by ioctl(2) or
+// ifconfig(8).
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include <arpa/inet.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <sys/ioctl.h>
+
+#include "lib/base/data_area.h"
+#include "lib/base/log.h"
+#include "lib/base/mac_text.h"
+#include "lib/base/shell.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// False, after logging it, when the kernel refuses.
+bool AskKernel(int socket, ifreq& ifr, int request) {
+    if (ioctl(socket, static_cast<unsigned long>(request), &ifr) == -1) {
+        LogErrno("ioctl errno=%d:%s", errno);
+        return false;
+    }
+    return true;
+}
+
+// The union of an ifreq seen as an IPv4 socket address.
+sockaddr_in AddressIn(const ifreq& ifr) {
+    sockaddr_in address;
+    memcpy(&address, &ifr.ifr_addr, sizeof(address));
+    return address;
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetMacAddress(int socket, ifreq& ifr, int request, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    if (!velk::AskKernel(socket, ifr, request)) {
+        return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
+    }
+    uint8_t mac[6];
+    memcpy(mac, ifr.ifr_hwaddr.sa_data, sizeof(mac));
+    velk::PutMac(out, mac);
+    return LIB_VELK_SUCCESS;
+}
+
+int GetNetAddress(int socket, ifreq& ifr, int request, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    out[0] = '\0';
+    if (!velk::AskKernel(socket, ifr, request)) {
+        return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
+    }
+    const sockaddr_in address = velk::AddressIn(ifr);
+    inet_ntop(AF_INET, &address.sin_addr, out, INET_ADDRSTRLEN);
+    return LIB_VELK_SUCCESS;
+}
+
+int GetIpAddress(int socket, ifreq& ifr, int request, char* out) {
+    return GetNetAddress(socket, ifr, request, out);
+}
+
+int GetSubNetMask(int socket, ifreq& ifr, int request, char* out) {
+    return GetNetAddress(socket, ifr, request, out);
+}
+
+int SetNetAddress(int socket, ifreq& ifr, int request, const char* value) {
+    if (value == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    sockaddr_in address = velk::AddressIn(ifr);
+    address.sin_family = AF_INET;
+    (void)inet_aton(value, &address.sin_addr);  // not an address: the kernel gets the old bytes
+    memcpy(&ifr.ifr_addr, &address, sizeof(address));
+    return velk::AskKernel(socket, ifr, request) ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE;
+}
+
+int SetIpAddress(int /*socket*/, ifreq& ifr, int /*request*/, const char* value) {
+    if (value == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    const std::string name(velk::FieldText(ifr.ifr_name));
+    return velk::CommandLine("sudo ifconfig %s %s", name.c_str(), value).Run();
+}
+
+int SetSubNetMask(int /*socket*/, ifreq& ifr, int /*request*/, const char* value) {
+    if (value == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    const std::string name(velk::FieldText(ifr.ifr_name));
+    return velk::CommandLine("sudo ifconfig %s netmask %s", name.c_str(), value).Run();
+}

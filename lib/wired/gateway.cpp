@@ -1,0 +1,86 @@
+// gateway.cpp - reads the default gateway from the routing table and replaces it with route(8).
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <arpa/inet.h>
+#include <net/if.h>
+#include <netinet/in.h>
+
+#include "lib/base/data_area.h"
+#include "lib/base/line_reader.h"
+#include "lib/base/log.h"
+#include "lib/base/shell.h"
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kRoutingTable[] = "/proc/net/route";
+constexpr std::string_view kDefaultDestination = "00000000";
+
+// The gateway of a default route; nothing for any other line. The kernel prints the address as it
+// lies in memory, so the number read back is in network order already.
+std::optional<in_addr> DefaultGatewayOn(std::string_view line) {
+    (void)TakeWord(line);  // the interface
+    if (TakeWord(line) != kDefaultDestination) {
+        return std::nullopt;
+    }
+    std::string_view gateway = TakeWord(line);
+    if (gateway.starts_with("0x") || gateway.starts_with("0X")) {
+        gateway.remove_prefix(2);
+    }
+    uint32_t address = 0;
+    const auto parsed = std::from_chars(gateway.begin(), gateway.end(), address, 16);
+    if (parsed.ec != std::errc()) {
+        return std::nullopt;
+    }
+    return in_addr{address};
+}
+
+}  // namespace
+}  // namespace velk
+
+int GetDefGateway(int /*socket*/, ifreq& ifr, int /*request*/, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    velk::LineReader routes(velk::kRoutingTable);
+    if (!routes.is_open()) {
+        velk::Log("DelRoutingTable ifs");
+        return LIB_VELK_FAILURE;
+    }
+    const std::string_view name = velk::FieldText(ifr.ifr_name);
+    for (std::string_view line; routes.Next(line);) {
+        if (!line.starts_with(name)) {
+            continue;
+        }
+        if (const std::optional<in_addr> gateway = velk::DefaultGatewayOn(line)) {
+            inet_ntop(AF_INET, &*gateway, out, INET_ADDRSTRLEN);
+            break;
+        }
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int SetDefGateway(int socket, ifreq& ifr, int request, const char* value) {
+    if (value == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    const velk::CommandLine add("sudo route add default gw %s", value);
+    if (!add.fits()) {
+        return add.Run();  // refused before the old route is gone
+    }
+    char current[INET_ADDRSTRLEN] = "";
+    if (GetDefGateway(socket, ifr, request, current) == LIB_VELK_SUCCESS) {
+        // Without a default route the line names none and fails unseen.
+        const int deleted = velk::CommandLine("sudo route del default gw %s", current).Run();
+        if (deleted != LIB_VELK_SUCCESS) {
+            return deleted;
+        }
+    }
+    return add.Run();
+}

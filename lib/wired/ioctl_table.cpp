@@ -1,0 +1,93 @@
+// ioctl_table.cpp - the properties that the kernel holds, and the commands on them.
+#include "lib/wired/ioctl_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string>
+#include <string_view>
+
+#include <linux/sockios.h>
+#include <sys/socket.h>
+
+#include "lib/base/data_area.h"
+#include "lib/base/log.h"
+#include "lib/base/unique_fd.h"
+#include "lib/presence/wireless.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+// The getters and setters share their names with functions that take other arguments; the rows'
+// types pick the right ones.
+constexpr auto kRows = std::to_array<IoctlEntry>({
+    {VELK_CMD_MAC_ADDRESS, SIOCGIFHWADDR, GetMacAddress, 0, nullptr},
+    {VELK_CMD_LINK_SPEED, SIOCETHTOOL, GetLinkSpeed, SIOCETHTOOL, SetLinkSpeed},
+    {VELK_CMD_IP_ADDRESS, SIOCGIFADDR, GetIpAddress, SIOCSIFADDR, SetIpAddress},
+    {VELK_CMD_NETMASK, SIOCGIFNETMASK, GetSubNetMask, SIOCSIFNETMASK, SetSubNetMask},
+    {VELK_CMD_GATEWAY, 0, GetDefGateway, SIOCADDRT, SetDefGateway},
+});
+
+// A socket to make ioctls on; logs when there is none.
+UniqueFd OpenSocket() {
+    UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (fd.get() == -1) {
+        LogErrno("socket errno=%d:%s", errno);
+    }
+    return fd;
+}
+
+ifreq InterfaceRequest(const _velk_request& request) {
+    ifreq ifr{};
+    PutFieldText(ifr.ifr_name, FieldText(request.interface));
+    return ifr;
+}
+
+}  // namespace
+
+constinit const std::span<const IoctlEntry> kIoctlTable = kRows;
+
+}  // namespace velk
+
+int GetIoctl(const _velk_request& request, char* out) {
+    if (out == nullptr) {
+        return LIB_VELK_INVALID_PARAMETER;
+    }
+    if (velk::FieldText(request.interface) == VELK_WIRELESS_INTERFACE) {
+        if (const int refusal = velk::WirelessRefusal(); refusal != LIB_VELK_SUCCESS) {
+            return refusal;
+        }
+    }
+    const auto entry = std::find_if(
+        velk::kIoctlTable.begin(), velk::kIoctlTable.end(),
+        [&](const velk::IoctlEntry& row) { return row.command_id == request.command_id; });
+    if (entry == velk::kIoctlTable.end()) {
+        return LIB_VELK_SUCCESS;
+    }
+    const velk::UniqueFd socket = velk::OpenSocket();
+    if (socket.get() == -1) {
+        return LIB_VELK_FAILURE;
+    }
+    ifreq ifr = velk::InterfaceRequest(request);
+    return entry->get_handler(socket.get(), ifr, static_cast<int>(entry->get_request), out);
+}
+
+int SetIoctl(const _velk_request& request, char* /*out*/) {
+    const auto entry = std::find_if(
+        velk::kIoctlTable.begin(), velk::kIoctlTable.end(), [&](const velk::IoctlEntry& row) {
+            return row.command_id == request.command_id && row.set_handler != nullptr;
+        });
+    if (entry == velk::kIoctlTable.end()) {
+        return LIB_VELK_SUCCESS;
+    }
+    const velk::UniqueFd socket = velk::OpenSocket();
+    if (socket.get() == -1) {
+        return LIB_VELK_FAILURE;
+    }
+    ifreq ifr = velk::InterfaceRequest(request);
+    // The handlers read a text up to its NUL; a data area may lack one.
+    const std::string value(velk::FieldText(request.data));
+    return entry->set_handler(socket.get(), ifr, static_cast<int>(entry->set_request),
+                              value.c_str());
+}

@@ -1,0 +1,171 @@
+// channel.cpp - messages to and from the wireless daemon.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <semaphore.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "lib/base/log.h"
+#include "lib/base/unique_fd.h"
+#include "lib/base/wait.h"
+#include "lib/wlan/reply_path.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
+constexpr time_t kReplySeconds = 60;
+constexpr mode_t kReplyMode = 0600;  // other users send nothing that would pass for the daemon's
+constexpr int kBindTries = 100;
+constexpr unsigned kGraceSeconds = 1;
+
+struct Message {
+    int16_t type;
+    char zero[2];
+    UMsgData body;
+};
+static_assert(offsetof(Message, type) == 0);
+static_assert(offsetof(Message, body) == 4);
+static_assert(sizeof(Message) == 240);
+
+// The length counts the address family and the path without its NUL.
+struct Address {
+    template <size_t kSize>
+    explicit Address(const char (&path)[kSize])
+        : length(offsetof(sockaddr_un, sun_path) + kSize - 1) {
+        unix_address.sun_family = AF_UNIX;
+        memcpy(unix_address.sun_path, path, kSize);
+    }
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&unix_address); }
+
+    sockaddr_un unix_address{};
+    const socklen_t length;
+};
+
+UniqueFd OpenSocket() {
+    return UniqueFd(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+}
+
+// Returns 0 or the errno of the last bind(2). Another user may take the path after its removal;
+// then both are done again.
+int BindReplySocket(int fd) {
+    const Address self(kReplyPath);
+    int error = 0;
+    for (int tries = 0; tries < kBindTries; ++tries) {
+        if (bind(fd, self.get(), self.length) == 0) {
+            return 0;
+        }
+        error = errno;
+        if (OwnerOfReplyPath() != ReplyPathOwner::kOther || remove(kReplyPath) == -1) {
+            break;
+        }
+    }
+    return error;
+}
+
+// Tells the daemon that the reply socket exists. The reply is waited for even when that fails.
+void PostReady(const sem_t* ready) {
+    int error = EINVAL;
+    if (ready != nullptr) {
+        error = sem_post(const_cast<sem_t*>(ready)) == -1 ? errno : 0;
+    }
+    if (error != 0) {
+        LogErrno("RecvWlanResponseMessage sem_post errno=%d:%s", error);
+    }
+}
+
+// The daemon has a question whose answer nobody will get. It must find the semaphore that nobody
+// has posted before that is removed: another user who has taken the path could make a posted one.
+// With the path in the hands of another query of the caller's there is no hurry.
+void WaitForDaemon() {
+    if (OwnerOfReplyPath() != ReplyPathOwner::kCaller) {
+        WaitSeconds(kGraceSeconds);
+    }
+}
+
+// As select(2) on one descriptor; one that no fd_set can hold is an invalid argument.
+int WaitReadable(int fd) {
+    if (fd >= FD_SETSIZE) {
+        errno = EINVAL;
+        return -1;
+    }
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(fd, &readable);
+    timeval time_left{kReplySeconds, 0};
+    return select(fd + 1, &readable, nullptr, nullptr, &time_left);
+}
+
+int ReceiveReply(int fd, UMsgData& out) {
+    const int ready = WaitReadable(fd);
+    if (ready == -1) {
+        LogErrno("RecvWlanResponseMessage select errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (ready == 0) {
+        Log("RecvWlanResponseMessage select timeout");
+        return LIB_VELK_FAILURE;
+    }
+    Message reply{};  // what a short reply lacks stays zero
+    if (recvfrom(fd, &reply, sizeof(reply), MSG_DONTWAIT, nullptr, nullptr) == -1) {
+        Log("RecvWlanResponseMessage recvfrom size=0");
+        return LIB_VELK_FAILURE;
+    }
+    out = reply.body;
+    return LIB_VELK_SUCCESS;
+}
+
+}  // namespace
+}  // namespace velk
+
+int SendWlanRequestMessage(short type, const UMsgData* body) {
+    const velk::UniqueFd fd = velk::OpenSocket();
+    if (fd.get() == -1) {
+        velk::LogErrno("SendWlanRequestMessage socket:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    velk::Message message{};
+    message.type = type;
+    if (body != nullptr) {
+        message.body = *body;
+    }
+    const velk::Address daemon(velk::kRequestPath);
+    if (connect(fd.get(), daemon.get(), daemon.length) == -1) {
+        velk::LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (sendto(fd.get(), &message, sizeof(message), MSG_DONTWAIT, nullptr, 0) == -1) {
+        velk::LogErrno("SendWlanRequestMessage sendto:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    return LIB_VELK_SUCCESS;
+}
+
+int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
+    unlink(velk::kReplyPath);  // left behind by a program that crashed
+    velk::UniqueFd fd = velk::OpenSocket();
+    if (fd.get() == -1) {
+        velk::LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (fchmod(fd.get(), velk::kReplyMode) == -1) {  // bind(2) makes the file with this mode
+        velk::LogErrno("RecvWlanResponseMessage fchmod errno=%d:%s", errno);
+        return LIB_VELK_FAILURE;
+    }
+    if (const int error = velk::BindReplySocket(fd.get()); error != 0) {
+        velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", error);
+        velk::WaitForDaemon();
+        return LIB_VELK_FAILURE;
+    }
+    velk::PostReady(ready);
+    const int result = velk::ReceiveReply(fd.get(), out);
+    fd.Reset();
+    unlink(velk::kReplyPath);
+    return result;
+}

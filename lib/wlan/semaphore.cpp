@@ -1,0 +1,116 @@
+// semaphore.cpp - the semaphore that tells the wireless daemon when it may reply.
+#include "lib/wlan/semaphore.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <semaphore.h>
+#include <unistd.h>
+
+#include "lib/base/log.h"
+#include "velk.h"
+
+namespace velk {
+namespace {
+
+constexpr char kName[] = "/WlanAplRecvSem";
+constexpr char kFolder[] = "/dev/shm";
+constexpr char kFile[] = "/dev/shm/sem.WlanAplRecvSem";  // the C library's file of that name
+constexpr mode_t kMode = 0666;
+constexpr mode_t kPrivateMode = 0600;
+constexpr int kTries = 100;  // another user may make the file anew after each removal
+
+// A query goes on without a semaphore; the missing handle fails here instead of crashing.
+int Close(const sem_t* sem) {
+    if (sem == nullptr) {
+        errno = EINVAL;
+        return -1;
+    }
+    return sem_close(const_cast<sem_t*>(sem));
+}
+
+// A host with an open umask makes semaphores that everybody can post; those are not used.
+bool IsOwn(const struct stat& facts) {
+    return facts.st_uid == geteuid() && (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+}  // namespace
+
+ReadySemaphore::ReadySemaphore() : handle_(CreatSemaphore()) {
+    errno = EEXIST;
+    for (int tries = 0; tries < kTries && !is_private_; ++tries) {
+        is_private_ = TakeName();
+    }
+    if (!is_private_) {
+        LogErrno("QueryWlanDaemon sem_open errno=%d:%s", errno);
+        (void)Close(handle_);
+    }
+}
+
+ReadySemaphore::~ReadySemaphore() {
+    if (is_reserved_) {
+        (void)remove(kFile);
+    }
+    if (is_private_) {
+        DeleteSemaphore(handle_);
+    }
+}
+
+// Returns false with errno if somebody else had the name at that moment. Without a file of that
+// name the facts stay zero, like those of an empty file.
+bool ReadySemaphore::TakeName() {
+    struct stat facts {};
+    const int found = lstat(kFile, &facts);
+    if (handle_ == nullptr && found == -1) {
+        return Reserve();
+    }
+    if (IsOwn(facts) && (handle_ == nullptr || IsUnposted(facts))) {
+        return true;
+    }
+    (void)remove(kFile);
+    return Renew();
+}
+
+// A query that was killed may leave a posted semaphore. The size is looked at first because C
+// libraries map any file, and reading beyond its end would end the program.
+bool ReadySemaphore::IsUnposted(const struct stat& facts) const {
+    int value = 0;
+    return facts.st_size >= static_cast<off_t>(sizeof(sem_t)) &&
+           sem_getvalue(handle_, &value) == 0 && value == 0;
+}
+
+bool ReadySemaphore::Renew() {
+    (void)Close(handle_);
+    sem_t* sem = sem_open(kName, O_RDWR | O_CREAT | O_EXCL, kPrivateMode, 0U);
+    handle_ = sem == SEM_FAILED ? nullptr : sem;
+    return handle_ != nullptr;
+}
+
+// Without a semaphore of its own the query goes on, but nobody else may make one meanwhile: a link
+// keeps the name, and semaphores are opened through none. If no link can be made in a folder that
+// can be written, it is full or somebody else was faster, and nothing may be sent.
+bool ReadySemaphore::Reserve() {
+    is_reserved_ = symlink("none", kFile) == 0;
+    return is_reserved_ || access(kFolder, W_OK) == -1;
+}
+
+}  // namespace velk
+
+sem_t* CreatSemaphore() {
+    sem_t* sem = sem_open(velk::kName, O_RDWR | O_CREAT, velk::kMode, 0U);
+    if (sem == SEM_FAILED) {
+        velk::LogErrno("CreatSemaphore sem_open:errno=%d:%s", errno);
+        return nullptr;
+    }
+    return sem;
+}
+
+void DeleteSemaphore(const sem_t* sem) {
+    if (velk::Close(sem) == -1) {
+        velk::LogErrno("DeleteSemaphore sem_close errno=%d:%s", errno);
+    }
+    if (sem_unlink(velk::kName) == -1) {
+        velk::LogErrno("DeleteSemaphore sem_unlink errno=%d:%s", errno);
+    }
+}

@@ -1,0 +1,133 @@
+// ownership.cpp - tells this user's own devices from those of others.
+#include "sandbox/control/ownership.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <vector>
+
+#include <fcntl.h>
+#include <linux/nsfs.h>
+#include <pwd.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "sandbox/device/capabilities.h"
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+constexpr char kOwnUserNamespace[] = "/proc/self/ns/user";
+constexpr char kNoProcess[] = "the device lets nobody in";
+constexpr size_t kUsersOfProcess = 4;  // real, effective, saved and of files
+
+// The rest of the line with that label. An empty text if there is none.
+std::string Labelled(const std::string& path, const std::string& label) {
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with(label)) {
+            return line.substr(label.size());
+        }
+    }
+    return {};
+}
+
+// The process's number, 0 if it has ended or has none here, or if this is no pidfd.
+long NumberOf(const velk::UniqueFd& process) {
+    const std::string text = Labelled("/proc/self/fdinfo/" + std::to_string(process.get()), "Pid:");
+    return text.empty() ? 0 : std::max(std::stol(text), 0L);
+}
+
+// Its folder in /proc. The descriptor never leads to a later process of the same number.
+velk::UniqueFd FolderOf(const velk::UniqueFd& process) {
+    const long number = NumberOf(process);
+    const std::string path = "/proc/" + std::to_string(number);
+    velk::UniqueFd folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    // The number is the process's own as long as that has not been waited for.
+    if (number == 0 || folder.get() == -1 || NumberOf(process) != number) {
+        throw Failure(kNoProcess);
+    }
+    return folder;
+}
+
+std::string PathOf(const velk::UniqueFd& folder, const char* name) {
+    return "/proc/self/fd/" + std::to_string(folder.get()) + name;
+}
+
+// The folder's owner would not do: the kernel shows root there for a process of anybody's that
+// hides its memory.
+void RefuseForeignUser(const velk::UniqueFd& folder) {
+    std::istringstream text(Labelled(PathOf(folder, "/status"), "Uid:"));
+    const std::vector<uid_t> users{std::istream_iterator<uid_t>(text), {}};
+    const auto foreign = std::ranges::find_if(users, [](uid_t user) { return user != geteuid(); });
+    if (foreign != users.end()) {
+        throw Failure("the device offers a process of " + DescribeUser(*foreign) +
+                      "; it was not entered");
+    }
+    if (users.size() != kUsersOfProcess) {
+        throw Failure(kNoProcess);
+    }
+}
+
+bool IsOwnUserNamespace(const velk::UniqueFd& user_namespace) {
+    struct stat own;
+    struct stat other;
+    return stat(kOwnUserNamespace, &own) == 0 && fstat(user_namespace.get(), &other) == 0 &&
+           own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+}
+
+bool IsMadeByThisUser(const velk::UniqueFd& user_namespace) {
+    uid_t owner;
+    return ioctl(user_namespace.get(), NS_GET_OWNER_UID, &owner) == 0 && owner == geteuid();
+}
+
+// Root enters a device with all its rights, so nobody else may have any there.
+void RefuseForeignUserNamespace(const velk::UniqueFd& folder) {
+    const velk::UniqueFd user_namespace(
+        open(PathOf(folder, "/ns/user").c_str(), O_RDONLY | O_CLOEXEC));
+    if (user_namespace.get() == -1) {
+        Fail("cannot look at the device's user namespace", errno);
+    }
+    const bool is_own =
+        IsPrivileged() ? IsOwnUserNamespace(user_namespace) : IsMadeByThisUser(user_namespace);
+    if (!is_own) {
+        throw Failure(
+            "the device is in a user namespace that this user's devices are not in; "
+            "it was not entered");
+    }
+}
+
+}  // namespace
+
+uid_t PeerUser(const velk::UniqueFd& connection) {
+    ucred credentials;
+    socklen_t size = sizeof(credentials);
+    if (getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) == -1) {
+        Fail("cannot tell whose device this is", errno);
+    }
+    return credentials.uid;
+}
+
+bool IsOwnPeer(const velk::UniqueFd& connection) {
+    return PeerUser(connection) == geteuid();
+}
+
+std::string DescribeUser(uid_t user) {
+    const passwd* entry = getpwuid(user);
+    const std::string number = std::to_string(user);
+    return entry == nullptr ? "user " + number
+                            : std::string("user ") + entry->pw_name + " (" + number + ")";
+}
+
+void RefuseForeignProcess(const velk::UniqueFd& process) {
+    const velk::UniqueFd folder = FolderOf(process);
+    RefuseForeignUser(folder);
+    RefuseForeignUserNamespace(folder);
+}
+
+}  // namespace sandbox

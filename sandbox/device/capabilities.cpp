@@ -1,0 +1,89 @@
+// capabilities.cpp - what a device may not do to the machine it runs on.
+#include "sandbox/device/capabilities.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <fstream>
+#include <string>
+
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+constexpr int kMachineCapabilities[] = {CAP_SYS_TIME, CAP_SYS_MODULE, CAP_SYS_RAWIO, CAP_SYS_BOOT};
+
+struct CapabilitySets {
+    __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct words[_LINUX_CAPABILITY_U32S_3] = {};
+};
+
+// A capability set as the kernel shows it, for example "CapEff".
+uint64_t ShownSet(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with(name + ":")) {
+            return std::stoull(line.substr(name.size() + 1), nullptr, 16);
+        }
+    }
+    throw Failure("/proc/self/status does not show " + name);
+}
+
+bool Shows(const std::string& name, int capability) {
+    return (ShownSet(name) >> capability & 1) != 0;
+}
+
+void DropFromBoundingSet(int capability) {
+    if (prctl(PR_CAPBSET_READ, capability) == 1 && prctl(PR_CAPBSET_DROP, capability) == -1) {
+        Fail("cannot give up capability " + std::to_string(capability), errno);
+    }
+}
+
+// A set that cannot be shown must not pass for one that lacks the bit, hence no default value.
+void RefuseClock() {
+    for (const char* name : {"CapEff", "CapBnd"}) {
+        if (Shows(name, CAP_SYS_TIME)) {
+            throw Failure(std::string("the clock is still within reach: CAP_SYS_TIME is in ") +
+                          name);
+        }
+    }
+}
+
+}  // namespace
+
+bool IsPrivileged() {
+    return geteuid() == 0 && Shows("CapEff", CAP_SYS_ADMIN) && Shows("CapEff", CAP_SETPCAP);
+}
+
+void ClearMachineCapabilities() {
+    CapabilitySets sets;
+    if (syscall(SYS_capget, &sets.header, sets.words) == -1) {
+        Fail("cannot read capabilities", errno);
+    }
+    for (const int capability : kMachineCapabilities) {
+        (void)prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_LOWER, capability, 0, 0);
+        __user_cap_data_struct& word = sets.words[CAP_TO_INDEX(capability)];
+        const uint32_t others = ~CAP_TO_MASK(capability);
+        word.effective &= others;
+        word.permitted &= others;
+        word.inheritable &= others;
+    }
+    if (syscall(SYS_capset, &sets.header, sets.words) == -1) {
+        Fail("cannot give up capabilities", errno);
+    }
+}
+
+void DropMachineCapabilities() {
+    for (const int capability : kMachineCapabilities) {
+        DropFromBoundingSet(capability);
+    }
+    ClearMachineCapabilities();
+    RefuseClock();
+}
+
+}  // namespace sandbox

@@ -1,0 +1,83 @@
+// namespaces.cpp - the namespaces of a device, before anything is mounted in them.
+#include "sandbox/device/namespaces.h"
+
+#include <cerrno>
+#include <csignal>
+#include <string>
+#include <string_view>
+
+#include <fcntl.h>
+#include <linux/sched.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "lib/base/unique_fd.h"
+#include "sandbox/device/network_control.h"
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::string_view kHostName = "velk";
+constexpr int kPrivateNamespaces = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC;
+
+void WriteSetting(const char* path, const std::string& text) {
+    const velk::UniqueFd file(open(path, O_WRONLY | O_CLOEXEC));
+    const ssize_t size = static_cast<ssize_t>(text.size());
+    if (file.get() == -1 || write(file.get(), text.data(), text.size()) != size) {
+        Fail(std::string("cannot write ") + path, errno);
+    }
+}
+
+[[noreturn]] void FailToMake(const char* what) {
+    const int error = errno;
+    const std::string text = std::string("cannot make ") + what;
+    if (error == ENOSPC) {  // whose own text would speak of a full disk
+        throw Failure(text + ": the limit in /proc/sys/user is reached");
+    }
+    Fail(text, error);
+}
+
+}  // namespace
+
+void EnterUserNamespace() {
+    const std::string user = std::to_string(geteuid());
+    const std::string group = std::to_string(getegid());
+    if (unshare(CLONE_NEWUSER) == -1) {
+        FailToMake("a user namespace");
+    }
+    // The kernel takes a group map from an ordinary user only once setgroups(2) is out of use.
+    WriteSetting("/proc/self/setgroups", "deny");
+    WriteSetting("/proc/self/gid_map", "0 " + group + " 1");
+    WriteSetting("/proc/self/uid_map", "0 " + user + " 1");
+}
+
+pid_t ForkFirstProcess() {
+    // Not unshare(2) and fork(2): this process could then never start another child, and tools that
+    // need one at exit, such as a leak checker, would fail.
+    clone_args arguments{};
+    arguments.flags = CLONE_NEWPID;
+    arguments.exit_signal = SIGCHLD;
+    const long child = syscall(SYS_clone3, &arguments, sizeof(arguments));
+    if (child == -1) {
+        FailToMake("a PID namespace");
+    }
+    return static_cast<pid_t>(child);
+}
+
+void EnterPrivateNamespaces() {
+    if (unshare(kPrivateNamespaces) == -1) {
+        FailToMake("mount and network namespaces");
+    }
+    if (mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == -1) {  // valgrind reads texts
+        Fail("cannot keep mounts private", errno);
+    }
+    if (sethostname(kHostName.data(), kHostName.size()) == -1) {
+        Fail("cannot name the device", errno);
+    }
+    NetworkControl().BringUp("lo");
+}
+
+}  // namespace sandbox

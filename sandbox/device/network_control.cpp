@@ -1,0 +1,96 @@
+// network_control.cpp - changes interfaces as ifconfig(8) and ethtool(8) do, by netdevice(7).
+#include "sandbox/device/network_control.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <linux/ethtool.h>
+#include <linux/sockios.h>
+#include <net/if.h>
+#include <net/if_arp.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+constexpr unsigned char kLocallyAdministered = 0x02;
+
+ifreq RequestFor(const std::string& interface) {
+    ifreq request{};
+    strncpy(request.ifr_name, interface.c_str(), sizeof(request.ifr_name) - 1);
+    return request;
+}
+
+void Change(const velk::UniqueFd& any_socket, unsigned long what, ifreq& request) {
+    if (ioctl(any_socket.get(), what, &request) == -1) {
+        Fail(std::string("cannot set up ") + request.ifr_name, errno);
+    }
+}
+
+void SetUpFlag(const velk::UniqueFd& any_socket, const std::string& interface, bool up) {
+    ifreq request = RequestFor(interface);
+    Change(any_socket, SIOCGIFFLAGS, request);
+    const int flags = up ? request.ifr_flags | IFF_UP : request.ifr_flags & ~IFF_UP;
+    request.ifr_flags = static_cast<short>(flags);
+    Change(any_socket, SIOCSIFFLAGS, request);
+}
+
+void PutAddress(const in_addr& address, ifreq& request) {
+    sockaddr_in full{};
+    full.sin_family = AF_INET;
+    full.sin_addr = address;
+    memcpy(&request.ifr_addr, &full, sizeof(full));
+}
+
+}  // namespace
+
+NetworkControl::NetworkControl() : socket_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    if (socket_.get() == -1) {
+        Fail("cannot make a socket", errno);
+    }
+}
+
+void NetworkControl::BringUp(const std::string& interface) const {
+    SetUpFlag(socket_, interface, true);
+}
+
+void NetworkControl::BringDown(const std::string& interface) const {
+    SetUpFlag(socket_, interface, false);
+}
+
+void NetworkControl::SetHardwareAddress(const std::string& interface,
+                                        unsigned char last_byte) const {
+    ifreq request = RequestFor(interface);
+    request.ifr_hwaddr.sa_family = ARPHRD_ETHER;
+    request.ifr_hwaddr.sa_data[0] = kLocallyAdministered;
+    request.ifr_hwaddr.sa_data[5] = static_cast<char>(last_byte);
+    Change(socket_, SIOCSIFHWADDR, request);
+}
+
+void NetworkControl::SetAddress(const std::string& interface, const StaticAddress& address) const {
+    ifreq request = RequestFor(interface);
+    PutAddress(address.address, request);
+    Change(socket_, SIOCSIFADDR, request);
+    PutAddress(address.mask, request);
+    Change(socket_, SIOCSIFNETMASK, request);
+    in_addr broadcast = address.address;
+    broadcast.s_addr |= ~address.mask.s_addr;
+    PutAddress(broadcast, request);
+    Change(socket_, SIOCSIFBRDADDR, request);
+}
+
+void NetworkControl::SetUsualSpeed(const std::string& interface) const {
+    ethtool_cmd settings{};
+    settings.cmd = ETHTOOL_SSET;
+    settings.speed = SPEED_100;
+    settings.duplex = DUPLEX_FULL;
+    settings.autoneg = AUTONEG_ENABLE;
+    ifreq request = RequestFor(interface);
+    request.ifr_data = reinterpret_cast<char*>(&settings);
+    Change(socket_, SIOCETHTOOL, request);
+}
+
+}  // namespace sandbox

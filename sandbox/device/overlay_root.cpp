@@ -1,0 +1,109 @@
+// overlay_root.cpp - a copy of the whole machine that a device may change.
+//
+// The workshop, a file system in memory, holds the changes. It stands over /tmp of this process's
+// own mount namespace, so nothing is left of it on the machine, whatever way the device ends.
+#include "sandbox/device/overlay_root.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "sandbox/device/mounts.h"
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kWorkshop[] = "/tmp";
+constexpr char kNewRoot[] = "/tmp/root";
+constexpr mode_t kFolderMode = 0755;
+constexpr unsigned kMegabytes = 512;  // of changes, logs above all
+// The kernel's own file systems, and the places that are private anyway.
+constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", "/var/tmp"};
+
+bool IsCopied(const fs::path& path) {
+    std::error_code error;
+    return fs::is_directory(path, error) &&
+           std::ranges::none_of(kNotCopied, [&path](const fs::path& folder) {
+               return std::ranges::mismatch(folder, path).in1 == folder.end();
+           });
+}
+
+// The folders where the machine's file systems begin, outer ones first; the root is not among them.
+std::set<fs::path> FileSystemsBelowRoot() {
+    std::set<fs::path> folders;
+    std::ifstream mounts("/proc/self/mountinfo");
+    for (std::string line; std::getline(mounts, line);) {
+        std::istringstream words(line);
+        std::string number, parent, device, part, folder;
+        words >> number >> parent >> device >> part >> folder;
+        if (folder != "/" && IsCopied(folder)) {
+            folders.insert(folder);
+        }
+    }
+    return folders;
+}
+
+bool TryOverlay(const fs::path& folder, const std::string& number) {
+    const std::string upper = std::string(kWorkshop) + "/upper" + number;
+    const std::string work = std::string(kWorkshop) + "/work" + number;
+    fs::create_directory(upper);
+    fs::create_directory(work);
+    fs::permissions(upper, fs::status(folder).permissions());
+    const std::string options =
+        "lowerdir=" + folder.string() + ",upperdir=" + upper + ",workdir=" + work;
+    const std::string target = kNewRoot + (folder == "/" ? "" : folder.string());
+    return mount("velk", target.c_str(), "overlay", 0, options.c_str()) == 0;
+}
+
+// A file system that cannot be one half of an overlay stays what it is here: read-only. False then.
+bool CopyFileSystem(const fs::path& folder, const std::string& number) {
+    if (TryOverlay(folder, number)) {
+        return true;
+    }
+    const velk::UniqueFd held = Hold(AT_FDCWD, folder);
+    (void)TryAttach(held, kNewRoot + folder.string());
+    return false;
+}
+
+// Nothing of the old root can be reached afterwards.
+void MoveToNewRoot() {
+    fs::current_path(kNewRoot);
+    if (syscall(SYS_pivot_root, ".", ".") == -1 || umount2(".", MNT_DETACH) == -1) {
+        Fail("cannot change the root folder", errno);
+    }
+    fs::current_path("/");
+}
+
+}  // namespace
+
+std::vector<fs::path> EnterOverlayRoot() {
+    const std::set<fs::path> file_systems = FileSystemsBelowRoot();
+    (void)MountMemory(kWorkshop, kFolderMode, kMegabytes);
+    fs::create_directory(kNewRoot);
+    if (!TryOverlay("/", "")) {
+        Fail("cannot make an overlay of the root folder", errno);
+    }
+    std::vector<fs::path> changeable{"/"};
+    int number = 0;
+    for (const fs::path& file_system : file_systems) {
+        if (CopyFileSystem(file_system, std::to_string(++number))) {
+            changeable.push_back(file_system);
+        }
+    }
+    MoveToNewRoot();
+    return changeable;
+}
+
+}  // namespace sandbox

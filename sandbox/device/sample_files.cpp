@@ -1,0 +1,88 @@
+// sample_files.cpp - the device's files, as a folder of the machine holds them.
+#include "sandbox/device/sample_files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "lib/base/unique_fd.h"
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kCrontabs[] = "/var/cron/tabs";
+constexpr mode_t kOwnerOnly = 0700;
+constexpr mode_t kModeBits = 07777;
+
+// A crontab is its owner's alone on the device. Its sample is not: another user's sandbox must be
+// able to read it.
+mode_t ModeOnDevice(const fs::path& path, fs::perms found) {
+    const mode_t mode = static_cast<mode_t>(found) & kModeBits;
+    return path.parent_path() == kCrontabs ? mode & kOwnerOnly : mode;
+}
+
+SampleFile ReadSample(const fs::directory_entry& entry, const fs::path& rootfs) {
+    SampleFile file;
+    file.path = "/" / entry.path().lexically_relative(rootfs);
+    file.is_link = entry.is_symlink();
+    if (file.is_link) {
+        file.text = fs::read_symlink(entry.path());
+    } else {
+        file.text = ReadText(entry.path());
+        file.mode = ModeOnDevice(file.path, entry.status().permissions());
+    }
+    return file;
+}
+
+}  // namespace
+
+std::string ReadText(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        Fail("cannot read " + path.string(), errno);
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<SampleFile> ReadSamples(const std::string& rootfs) {
+    std::vector<SampleFile> files;
+    if (rootfs.empty()) {
+        return files;
+    }
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(rootfs, error), end; entry != end;
+         entry.increment(error)) {
+        if (!entry->is_directory() || entry->is_symlink()) {
+            files.push_back(ReadSample(*entry, rootfs));
+        }
+    }
+    if (error) {
+        Fail("cannot read " + rootfs, error.value());
+    }
+    std::ranges::sort(files, {}, &SampleFile::path);
+    return files;
+}
+
+void WriteSample(const SampleFile& file) {
+    if (file.is_link) {
+        fs::create_symlink(file.text, file.path);
+        return;
+    }
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    const velk::UniqueFd target(open(file.path.c_str(), flags, file.mode));
+    const ssize_t size = static_cast<ssize_t>(file.text.size());
+    if (target.get() == -1 || write(target.get(), file.text.data(), file.text.size()) != size ||
+        fchmod(target.get(), file.mode) == -1) {
+        Fail("cannot make " + file.path.string(), errno);
+    }
+}
+
+}  // namespace sandbox

@@ -1,0 +1,71 @@
+// usb_devices.cpp - the adapter's paragraph in the list of attached USB devices.
+#include "sandbox/hardware/usb_devices.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <utility>
+
+#include "sandbox/process/failure.h"
+
+namespace sandbox {
+namespace {
+
+constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
+constexpr char kNewUsbDevices[] = "/proc/bus/usb/devices.new";
+constexpr char kAdapterMark[] = "Driver=wlan";
+
+std::string ReadDevices() {
+    std::stringstream text;
+    text << std::ifstream(kUsbDevices).rdbuf();
+    return text.str();
+}
+
+// A reader sees the list as it was or as it is to be.
+void WriteDevices(const std::string& text) {
+    std::ofstream file(kNewUsbDevices);
+    file << text;
+    file.close();
+    std::filesystem::permissions(kNewUsbDevices,
+                                 std::filesystem::status(kUsbDevices).permissions());
+    if (!file || rename(kNewUsbDevices, kUsbDevices) == -1) {
+        Fail(std::string("cannot write ") + kUsbDevices, errno);
+    }
+}
+
+// The place and the size of the paragraph that holds the mark, with the blank line before it.
+std::pair<size_t, size_t> FindAdapter(const std::string& devices) {
+    const size_t mark = devices.find(kAdapterMark);
+    if (mark == std::string::npos) {
+        return {0, 0};
+    }
+    const size_t before = devices.rfind("\n\n", mark);
+    const size_t start = before == std::string::npos ? 0 : before + 1;
+    const size_t after = devices.find("\n\n", mark);
+    const size_t end = after == std::string::npos ? devices.size() : after + 1;
+    return {start, end - start};
+}
+
+}  // namespace
+
+void UsbDevices::TakeOutAdapter() {
+    std::string devices = ReadDevices();
+    const auto [start, size] = FindAdapter(devices);
+    if (size == 0) {
+        return;
+    }
+    std::string adapter = devices.substr(start, size);
+    WriteDevices(devices.erase(start, size));
+    adapter_ = std::move(adapter);
+}
+
+void UsbDevices::PutInAdapter() {
+    if (!adapter_.empty()) {
+        WriteDevices(ReadDevices() + adapter_);
+        adapter_.clear();
+    }
+}
+
+}  // namespace sandbox

@@ -1,0 +1,30 @@
+// wireless_daemon.cpp - the wireless daemon, which runs while the adapter is in.
+#include "sandbox/hardware/wireless_daemon.h"
+
+#include <unistd.h>
+
+#include "sandbox/process/daemon_process.h"
+#include "sandbox/process/failure.h"
+#include "sandbox/process/programs.h"
+
+namespace sandbox {
+namespace {
+
+constexpr char kPidFile[] = "/run/velk-sandbox/wland.pid";
+
+}  // namespace
+
+void WirelessDaemon::Start() const {
+    if (access(program_.c_str(), X_OK) == -1) {
+        return;
+    }
+    if (RunProgram({program_, "--background", "--pid-file", kPidFile}) != 0) {
+        throw Failure("the wireless daemon does not start");
+    }
+}
+
+void WirelessDaemon::Stop() const {
+    StopDaemon(kPidFile);
+}
+
+}  // namespace sandbox

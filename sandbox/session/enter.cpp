@@ -1,0 +1,92 @@
+// enter.cpp - a second terminal on a running device.
+#include "sandbox/session/enter.h"
+
+#include <cerrno>
+#include <csignal>
+#include <exception>
+#include <filesystem>
+
+#include <sched.h>
+#include <unistd.h>
+
+#include "lib/base/unique_fd.h"
+#include "sandbox/control/orders.h"
+#include "sandbox/device/capabilities.h"
+#include "sandbox/process/bound_child.h"
+#include "sandbox/process/failure.h"
+#include "sandbox/session/command.h"
+#include "sandbox/session/terminal.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kNamespaces = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWPID;
+
+// Root's devices have no user namespace of their own. This process's children are on the device.
+void EnterNamespaces(const velk::UniqueFd& first_process) {
+    const bool privileged = IsPrivileged();
+    if (privileged) {
+        DropMachineCapabilities();
+    }
+    if (setns(first_process.get(), kNamespaces | (privileged ? 0 : CLONE_NEWUSER)) == -1) {
+        Fail("cannot enter the device", errno);
+    }
+}
+
+void StandIn(const fs::path& folder) {
+    std::error_code error;
+    fs::current_path(folder, error);
+    if (error) {
+        fs::current_path("/");
+    }
+}
+
+// Runs a function in a child and returns its exit status. The child ends with this process.
+int RunInChild(const std::function<int()>& function) {
+    const pid_t child = ForkBoundChild(fork);
+    if (child != 0) {
+        return WaitForChild(child);
+    }
+    int status = kSandboxFailed;
+    try {
+        status = function();
+    } catch (const std::exception& error) {
+        Say(error.what());
+    }
+    _exit(status);
+}
+
+}  // namespace
+
+int RunThere(const std::string& device, const std::function<int()>& function) {
+    std::error_code no_folder;
+    const fs::path here = fs::current_path(no_folder);
+    const velk::UniqueFd first_process = AskForFirstProcess(device);
+    // Not in this process: whoever has entered a PID namespace can start no child once that has
+    // ended, and tools that need one at exit, such as a leak checker, would fail.
+    return RunInChild([&] {
+        EnterNamespaces(first_process);
+        StandIn(here);
+        return RunInChild([&function] {
+            DropMachineCapabilities();
+            return function();
+        });
+    });
+}
+
+int RunVisit(const Visit& visit) {
+    const Terminal terminal;
+    LeaveSignalsToCommand();
+    const int status = RunThere(visit.device, [&] {
+        if (visit.command.empty()) {
+            terminal.HandOver();
+        }
+        return BecomeCommand(visit.command, visit.program_folder);
+    });
+    terminal.TakeBack();
+    return status;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,184 @@
+// watch.cpp - shows what becomes of a device's files.
+//
+// It keeps a copy of each file in memory. diff(1) gets the copy and the new text as files that have
+// no name, and writes into another one, so that nothing is written on the device it watches.
+#include "sandbox/session/watch.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <limits.h>
+#include <sys/inotify.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "lib/base/unique_fd.h"
+#include "sandbox/process/failure.h"
+#include "sandbox/process/printable.h"
+#include "sandbox/process/programs.h"
+#include "sandbox/session/command.h"
+
+namespace sandbox {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct WatchedFolder {
+    const char* path;
+    std::vector<std::string> names;  // none: all of them
+};
+
+std::vector<WatchedFolder> WatchedFolders() {
+    return {
+        {"/etc", {"dhclient-exit-hooks", "dhclient.conf", "resolv.dnsmasq.conf"}},
+        {"/etc/network", {"interfaces"}},
+        {"/proc/bus/usb", {"devices"}},
+        {"/sbin", {"dhclient-script"}},
+        {"/usr/local/share/apps/wlan", {"supportlist.ini"}},
+        {"/usr/local/share/etc/snmp", {"snmpd.conf"}},
+        {"/var/cron/tabs", {"root"}},
+        {"/var/libvelk", {}},
+    };
+}
+
+constexpr uint32_t kChanges = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR;
+constexpr size_t kEventsSize = 16 * (sizeof(inotify_event) + NAME_MAX + 1);
+constexpr int kFilesDiffer = 1;  // diff's exit status
+
+// An empty text for a file that is not there.
+std::string TextOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string TimeOfDay() {
+    const time_t now = time(nullptr);
+    tm parts;
+    char text[16];
+    (void)localtime_r(&now, &parts);
+    return {text, strftime(text, sizeof(text), "%T", &parts)};
+}
+
+std::string PathOf(const velk::UniqueFd& file) {
+    return "/dev/fd/" + std::to_string(file.get());
+}
+
+// Left open for diff, which it finds under the descriptor's number.
+velk::UniqueFd NamelessFile(const std::string& text) {
+    velk::UniqueFd file(memfd_create("velk-sandbox", 0));
+    const ssize_t size = static_cast<ssize_t>(text.size());
+    if (file.get() == -1 || write(file.get(), text.data(), text.size()) != size) {
+        Fail("cannot keep a file's text", errno);
+    }
+    return file;
+}
+
+// Programs of the device may have written anything into its files.
+void PrintLines(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        (void)puts(Printable(line).c_str());
+    }
+    (void)fflush(stdout);
+}
+
+void ShowDifference(const fs::path& path, const std::string& before, const std::string& after) {
+    const velk::UniqueFd old_file = NamelessFile(before);
+    const velk::UniqueFd new_file = NamelessFile(after);
+    const velk::UniqueFd difference = NamelessFile("");
+    const std::string name = Printable(path.native());
+    const int result = RunProgram({FindProgram("diff"), "-a", "-u", "--label", name, "--label",
+                                   name + "\t" + TimeOfDay(), PathOf(old_file), PathOf(new_file)},
+                                  difference.get());
+    if (result > kFilesDiffer) {
+        throw Failure("diff(1) failed");
+    }
+    PrintLines(TextOf(PathOf(difference)));
+}
+
+class Watch {
+  public:
+    Watch();
+    // Waits for changes, and shows them.
+    void Next();
+
+  private:
+    void Follow(const WatchedFolder& folder);
+    void LookAt(const inotify_event& event);
+
+    velk::UniqueFd events_;
+    std::map<int, WatchedFolder> folders_;  // by the kernel's number
+    std::map<fs::path, std::string> texts_;
+};
+
+bool IsWatched(const WatchedFolder& folder, const std::string& name) {
+    return folder.names.empty() || std::ranges::find(folder.names, name) != folder.names.end();
+}
+
+Watch::Watch() : events_(inotify_init1(IN_CLOEXEC)) {
+    for (const WatchedFolder& folder : WatchedFolders()) {
+        Follow(folder);
+    }
+}
+
+void Watch::Follow(const WatchedFolder& folder) {
+    const int number = inotify_add_watch(events_.get(), folder.path, kChanges);
+    if (number == -1) {
+        Fail(std::string("cannot watch ") + folder.path, errno);
+    }
+    folders_[number] = folder;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder.path)) {
+        if (entry.is_regular_file() && IsWatched(folder, entry.path().filename())) {
+            texts_[entry.path()] = TextOf(entry.path());
+        }
+    }
+}
+
+void Watch::Next() {
+    alignas(inotify_event) char buffer[kEventsSize];
+    const ssize_t size = read(events_.get(), buffer, sizeof(buffer));
+    if (size == -1 && errno != EINTR) {
+        Fail("cannot learn of changes", errno);
+    }
+    for (ssize_t at = 0; at < size;) {
+        const auto* event = reinterpret_cast<const inotify_event*>(buffer + at);
+        LookAt(*event);
+        at += static_cast<ssize_t>(sizeof(*event) + event->len);
+    }
+}
+
+void Watch::LookAt(const inotify_event& event) {
+    const auto folder = folders_.find(event.wd);
+    if (event.len == 0 || folder == folders_.end() || !IsWatched(folder->second, event.name)) {
+        return;
+    }
+    const fs::path path = fs::path(folder->second.path) / event.name;
+    std::string after = TextOf(path);
+    std::string& before = texts_[path];
+    if (before != after) {
+        ShowDifference(path, before, after);
+        before = std::move(after);
+    }
+}
+
+}  // namespace
+
+void WatchFiles() {
+    Watch watch;
+    Say("watching the device's files; end with Ctrl-C");
+    for (;;) {
+        watch.Next();
+    }
+}
+
+}  // namespace sandbox

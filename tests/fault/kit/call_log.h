@@ -1,0 +1,44 @@
+// call_log.h - what each call of a request worked on, as the recorder alone does not tell.
+#ifndef TESTS_FAULT_KIT_CALL_LOG_H_
+#define TESTS_FAULT_KIT_CALL_LOG_H_
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "support/libc_recorder.h"
+
+namespace fault {
+
+struct LoggedCall {
+    std::string file;      // that it opens, or has open
+    std::string line;      // the shell line it runs, or that printed the file of results it reads
+    int number = 0;        // as in testkit::Event
+    bool is_first = true;  // of the reads of one open file, or of the closes since its last open
+    // For a read in the middle of a file: what was read of the file before.
+    std::optional<std::string> read_before;
+};
+
+// Takes every call, in front of it, from LibcRecorder::OnEveryCall().
+class CallLog {
+  public:
+    void Note(const testkit::Event& event);
+
+    const std::vector<LoggedCall>& Calls(testkit::Call call) const;
+
+  private:
+    LoggedCall Describe(const testkit::Event& event);
+    std::string FileOf(int fd) const;
+
+    std::map<testkit::Call, std::vector<LoggedCall>> calls_;
+    std::map<int, std::string> open_files_;
+    std::set<std::string> closed_;
+    std::string opened_last_;
+    std::string printing_line_;
+};
+
+}  // namespace fault
+
+#endif  // TESTS_FAULT_KIT_CALL_LOG_H_

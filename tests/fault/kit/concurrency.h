@@ -1,0 +1,53 @@
+// concurrency.h - what the tests of many callers at once stand on: the settings file, which is
+// stored through an edit copy, and a board that tells whether the holders of the lock met.
+#ifndef TESTS_FAULT_KIT_CONCURRENCY_H_
+#define TESTS_FAULT_KIT_CONCURRENCY_H_
+
+#include <array>
+#include <atomic>
+#include <string>
+
+#include "support/device_test.h"
+
+namespace fault {
+
+inline constexpr char kSettings[] = "/var/libvelk/libvelk";
+inline constexpr int kRounds = 4;  // of each caller: values that it stores
+
+// The two settings of the file, and the text that the file has with them.
+inline constexpr std::array<uint32_t, 2> kSettingIds{VELK_CMD_ADMINISTRATOR, VELK_CMD_LOCATION};
+inline std::string SettingsText(const std::array<std::string, 2>& values) {
+    return "ADMINISTRATOR=" + values[0] + "\nLOCATION=" + values[1] + "\n";
+}
+
+// What the callers tell one another. Processes have it in memory that they share.
+struct Board {
+    std::atomic<int> holders;
+    std::atomic<int> crowded;  // more than one holder
+    std::atomic<int> lost;     // an edit copy without what was stored last
+    std::atomic<int> wrong;    // an answer that is none of those expected
+    std::atomic<int> stored;
+    std::atomic<int> refused;
+    // The value of each setting that was stored last. Written by the holder of the lock.
+    char last[2][32] = {"0", "0"};
+};
+
+class ConcurrencyTest : public testkit::DeviceTest {
+  protected:
+    // Writes the settings file, and has the tools of every set be stand-ins that use the board, in
+    // all threads and in processes forked from now on.
+    void MeetAt(Board& board);
+
+    // When all callers have stored all their values.
+    static void ExpectNothingLost(const Board& board, int callers);
+};
+
+// Sets this setting; the result. Who is refused waits a moment before he is back.
+int StoreOne(Board& board, size_t setting, const std::string& value);
+
+// Gets it beside the sets.
+void ReadOne(Board& board, size_t setting);
+
+}  // namespace fault
+
+#endif  // TESTS_FAULT_KIT_CONCURRENCY_H_

@@ -1,0 +1,35 @@
+// host.h - a host program of the library, and what it asks for.
+#ifndef TESTS_FAULT_KIT_HOST_H_
+#define TESTS_FAULT_KIT_HOST_H_
+
+#include <functional>
+#include <optional>
+
+#include "fault/kit/scene.h"
+#include "support/device_test.h"
+
+namespace fault {
+
+// A get or a set of the address of eth0.
+int RequestAddress(uint32_t type, const char* address, _velk_request& response);
+
+// Sets an address with the real shell and tools and reads it back.
+bool AddressCanBeSet(const char* address);
+
+int QuerySsid(_velk_request& response);
+
+class HostTest : public testkit::DeviceTest {
+  protected:
+    HostTest();
+    void TearDown() override;
+
+    // Runs it in a host program of its own. True when it answers true.
+    static bool InAHost(const std::function<bool()>& call);
+
+  private:
+    std::optional<Device> device_;
+};
+
+}  // namespace fault
+
+#endif  // TESTS_FAULT_KIT_HOST_H_

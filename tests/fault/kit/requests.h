@@ -1,0 +1,35 @@
+// requests.h - the requests of every command, with data for each way it can go.
+#ifndef TESTS_FAULT_KIT_REQUESTS_H_
+#define TESTS_FAULT_KIT_REQUESTS_H_
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "velk.h"
+
+namespace fault {
+
+struct Request {
+    std::string name;  // "set 102 eth0"
+    _velk_request request;
+};
+
+// For GoogleTest, which would print the bytes between the members, too.
+inline void PrintTo(const Request& request, std::ostream* out) {
+    *out << request.name;
+}
+
+// The requests of one row of the dispatch tables and one interface it allows; one name.
+using Group = std::vector<Request>;
+
+// A group for every row and every interface it allows.
+std::vector<Group> AllRequests();
+std::vector<Group> SetRequests();
+
+// The name of its requests, as the name of a test: "set_102_eth0".
+std::string TestName(const Group& group);
+
+}  // namespace fault
+
+#endif  // TESTS_FAULT_KIT_REQUESTS_H_

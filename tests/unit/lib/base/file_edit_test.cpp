@@ -1,0 +1,681 @@
+#include "lib/base/file_edit.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testkit::Call;
+using testkit::Exists;
+using testkit::Fail;
+using testkit::Pass;
+using testkit::ReadFile;
+using testkit::Return;
+using testkit::WriteFile;
+using velk::FileEdit;
+
+constexpr char kTarget[] = "/etc/network/interfaces";
+constexpr char kCopy[] = "/var/tmp/interfaces";
+
+// Copies the file through an edit, line by line, and returns what Finish() does.
+int CopyThrough(const char* target = kTarget) {
+    FileEdit edit(target);
+    for (std::string_view line; edit.Next(line);) {
+        edit.Keep(line);
+    }
+    return edit.Finish();
+}
+
+// The same, with every line written as if it were new.
+int WriteThrough() {
+    FileEdit edit(kTarget);
+    for (std::string_view line; edit.Next(line);) {
+        edit.Write(line);
+    }
+    return edit.Finish();
+}
+
+// Lines of many lengths, of several blocks together.
+std::string ManyLines() {
+    std::string text;
+    for (int i = 0; i < 20000; ++i) {
+        text += "line " + std::to_string(i) + std::string(static_cast<size_t>(i) % 61, '.') + "\n";
+    }
+    return text;
+}
+
+// A tmpfs of one page over /var/tmp.
+class FullScratchFolder {
+  public:
+    FullScratchFolder()
+        : is_mounted_(mount("tmpfs", "/var/tmp", "tmpfs", 0, "size=4k,mode=1777") == 0) {}
+    ~FullScratchFolder() {
+        if (is_mounted_) {
+            umount2("/var/tmp", MNT_DETACH);
+        }
+    }
+    FullScratchFolder(const FullScratchFolder&) = delete;
+    FullScratchFolder& operator=(const FullScratchFolder&) = delete;
+
+    bool is_mounted() const { return is_mounted_; }
+
+  private:
+    const bool is_mounted_;
+};
+
+class FileEditTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override { WriteFile(kTarget, "one\ntwo\nthree\n"); }
+    void TearDown() override {
+        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        DeviceTest::TearDown();
+    }
+    testkit::FakeShell shell;
+};
+
+// ---- opening
+
+TEST_F(FileEditTest, OpensTheFileAndThenTheCopy) {
+    { const FileEdit edit(kTarget); }
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kTarget, kCopy));
+}
+
+TEST_F(FileEditTest, OpensBothCloseOnExec) {
+    { const FileEdit edit(kTarget); }
+    const std::vector<testkit::Event> opens = libc().Events(Call::kOpen);
+    ASSERT_THAT(opens, SizeIs(2));
+    EXPECT_EQ(opens[0].number & O_CLOEXEC, O_CLOEXEC);
+    EXPECT_EQ(opens[1].number & O_CLOEXEC, O_CLOEXEC);
+    EXPECT_EQ(opens[0].number & O_ACCMODE, O_RDONLY);
+    EXPECT_EQ(opens[1].number & O_ACCMODE, O_RDWR) << "the copy is read again where a file was cut";
+}
+
+TEST_F(FileEditTest, TheCopyIsNamedAfterTheFileAlone) {
+    WriteFile("/var/cron/tabs/root", "x\n");
+    { const FileEdit edit("/var/cron/tabs/root"); }
+    EXPECT_TRUE(Exists("/var/tmp/root"));
+}
+
+TEST_F(FileEditTest, BothOpenMeansOpen) {
+    const FileEdit edit(kTarget);
+    EXPECT_TRUE(edit.is_open());
+    EXPECT_EQ(edit.target_error(), 0);
+    EXPECT_EQ(edit.copy_error(), 0);
+}
+
+TEST_F(FileEditTest, AnOldCopyIsEmptied) {
+    WriteFile(kCopy, "left over from an edit that was given up\n");
+    const FileEdit edit(kTarget);
+    EXPECT_EQ(ReadFile(kCopy), "");
+}
+
+TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyMadeAllTheSame) {
+    unlink(kTarget);
+    const FileEdit edit(kTarget);
+    EXPECT_FALSE(edit.is_open());
+    EXPECT_EQ(edit.target_error(), ENOENT);
+    EXPECT_EQ(edit.copy_error(), 0);
+    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(Exists(kTarget)) << "an edit makes no new file";
+}
+
+TEST_F(FileEditTest, AFolderInTheFilesPlaceIsReported) {
+    unlink(kTarget);
+    ASSERT_EQ(mkdir(kTarget, 0755), 0);
+    {
+        const FileEdit edit(kTarget);
+        EXPECT_FALSE(edit.is_open());
+        EXPECT_EQ(edit.target_error(), EISDIR);
+        EXPECT_EQ(edit.copy_error(), 0);
+    }
+    rmdir(kTarget);
+}
+
+TEST_F(FileEditTest, AFolderInTheCopysPlaceIsReported) {
+    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    const FileEdit edit(kTarget);
+    EXPECT_FALSE(edit.is_open());
+    EXPECT_EQ(edit.target_error(), 0);
+    EXPECT_EQ(edit.copy_error(), EISDIR);
+}
+
+TEST_F(FileEditTest, BothErrorsAreReported) {
+    libc().Script(Call::kOpen, {Fail(EACCES), Fail(EROFS)});
+    const FileEdit edit(kTarget);
+    EXPECT_FALSE(edit.is_open());
+    EXPECT_EQ(edit.target_error(), EACCES);
+    EXPECT_EQ(edit.copy_error(), EROFS);
+}
+
+TEST_F(FileEditTest, ALinkInTheCopysPlaceIsReplaced) {
+    WriteFile("/etc/network/victim", "keep me\n");
+    ASSERT_EQ(symlink("/etc/network/victim", kCopy), 0);
+    {
+        const FileEdit edit(kTarget);
+        EXPECT_TRUE(edit.is_open());
+    }
+    EXPECT_EQ(ReadFile("/etc/network/victim"), "keep me\n");
+    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(std::filesystem::is_symlink(kCopy));
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, AHardLinkInTheCopysPlaceIsReplaced) {
+    WriteFile("/var/tmp/victim", "keep me\n");
+    ASSERT_EQ(link("/var/tmp/victim", kCopy), 0);
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile("/var/tmp/victim"), "keep me\n");
+}
+
+TEST_F(FileEditTest, ACopyOfSomebodyElsesIsReplaced) {
+    WriteFile(kCopy, "0 * * * * reboot\n");
+    const int theirs = open(kCopy, O_WRONLY | O_CLOEXEC);
+    {
+        FileEdit edit(kTarget);
+        edit.Write("one\n");
+        ASSERT_EQ(write(theirs, "evil", 4), 4);
+        EXPECT_EQ(edit.Finish(), 0);
+    }
+    close(theirs);
+    EXPECT_EQ(ReadFile(kTarget), "one\n");
+}
+
+TEST_F(FileEditTest, APipeInTheCopysPlaceIsReplaced) {
+    ASSERT_EQ(mkfifo(kCopy, 0666), 0);
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, TheCopyIsForNobodyElse) {
+    const mode_t saved = umask(0);
+    struct stat status {};
+    {
+        const FileEdit edit(kTarget);
+        EXPECT_EQ(stat(kCopy, &status), 0);
+    }
+    umask(saved);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
+TEST_F(FileEditTest, ACopyThatSomebodyMakesAnewIsNotTaken) {
+    WriteFile(kCopy, "");
+    int opened = 0;
+    libc().OnCall(Call::kUnlink, [&](const testkit::Event&) { ++opened; });
+    libc().Script(Call::kUnlink, {testkit::Return(0)});  // as if it came back at once
+    {
+        const FileEdit edit(kTarget);
+        EXPECT_EQ(edit.copy_error(), EEXIST);
+    }
+    EXPECT_EQ(opened, 1);
+}
+
+TEST_F(FileEditTest, ALinkToNothingIsReplacedToo) {
+    ASSERT_EQ(symlink("/etc/network/victim", kCopy), 0);
+    {
+        const FileEdit edit(kTarget);
+        EXPECT_TRUE(edit.is_open());
+    }
+    EXPECT_FALSE(Exists("/etc/network/victim"));
+}
+
+TEST_F(FileEditTest, ALinkInTheFilesPlaceIsFollowed) {
+    WriteFile("/etc/network/real", "one\n");
+    unlink(kTarget);
+    ASSERT_EQ(symlink("real", kTarget), 0);
+    FileEdit edit(kTarget);
+    std::string_view line;
+    EXPECT_TRUE(edit.Next(line));
+    EXPECT_EQ(line, "one\n");
+}
+
+// ---- reading and writing
+
+TEST_F(FileEditTest, EveryLineIsHandedOutWithItsNewline) {
+    WriteFile(kTarget, "one\n\n\ttwo\r\nlast");
+    FileEdit edit(kTarget);
+    std::vector<std::string> lines;
+    for (std::string_view line; edit.Next(line);) {
+        lines.emplace_back(line);
+    }
+    EXPECT_THAT(lines, ElementsAre("one\n", "\n", "\ttwo\r\n", "last\n"));
+}
+
+TEST_F(FileEditTest, TextsAreWrittenAsTheyStand) {
+    FileEdit edit(kTarget);
+    edit.Write("a");
+    edit.Write("");
+    edit.Write(std::string_view("b\0c", 3));
+    edit.Write("\n\n");
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), std::string("ab\0c\n\n", 6));
+}
+
+TEST_F(FileEditTest, NothingWrittenEmptiesTheFile) {
+    FileEdit edit(kTarget);
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "");
+}
+
+TEST_F(FileEditTest, AnEmptyFileStaysEmpty) {
+    WriteFile(kTarget, "");
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "");
+}
+
+TEST_F(FileEditTest, AnEditThatIsGivenUpLeavesTheFileAndItsCopyBehind) {
+    {
+        FileEdit edit(kTarget);
+        edit.Write("changed\n");
+    }
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_TRUE(Exists(kCopy));
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
+    FileEdit edit(kTarget);
+    std::string_view line;
+    ASSERT_TRUE(edit.Next(line));
+    edit.Keep(line);
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\n");
+}
+
+TEST_F(FileEditTest, TheFileIsUntouchedUntilTheEnd) {
+    FileEdit edit(kTarget);
+    for (std::string_view line; edit.Next(line);) {
+        edit.Write("changed " + std::string(line));
+        EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    }
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "changed one\nchanged two\nchanged three\n");
+}
+
+TEST_F(FileEditTest, AFileOfManyBlocksGoesThroughWhole) {
+    const std::string text = ManyLines();
+    WriteFile(kTarget, text);
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_TRUE(ReadFile(kTarget) == text);
+    EXPECT_EQ(WriteThrough(), 0);
+    EXPECT_TRUE(ReadFile(kTarget) == text);
+}
+
+TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
+    for (const size_t distance : {1U, 2U, 3U, 100U, 5000U}) {
+        WriteFile(kTarget, ManyLines());
+        std::string expected;
+        FileEdit edit(kTarget);
+        size_t count = 0;
+        for (std::string_view line; edit.Next(line);) {
+            if (++count % distance == 0) {
+                edit.Write("new line\n");
+                expected += "new line\n";
+            }
+            if (count % distance != 1) {  // some lines are left out
+                edit.Keep(line);
+                expected += line;
+            }
+        }
+        EXPECT_EQ(edit.Finish(), 0);
+        EXPECT_TRUE(ReadFile(kTarget) == expected) << distance;
+    }
+}
+
+TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
+    FileEdit edit(kTarget);
+    std::string_view line;
+    while (edit.Next(line)) {
+        edit.Keep(line.substr(0, 2));
+        edit.Write("!");
+    }
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "on!tw!th!");
+}
+
+TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
+    FileEdit edit(kTarget);
+    std::string_view line;
+    while (edit.Next(line)) {
+        edit.Keep(line);
+        edit.Write("new line\n");
+    }
+    const size_t writes = libc().Events(Call::kWrite).size();
+    EXPECT_EQ(writes, 1U) << "the test's own";
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(libc().Texts(Call::kWrite)[writes],
+              "one\nnew line\ntwo\nnew line\nthree\nnew line\n");
+}
+
+TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
+    const std::string text = ManyLines();
+    WriteFile(kTarget, text);
+    FileEdit edit(kTarget);
+    const size_t writes = libc().Events(Call::kWrite).size();
+    for (std::string_view line; edit.Next(line);) {
+        edit.Keep(line);
+    }
+    EXPECT_LE(libc().Events(Call::kWrite).size() - writes, text.size() / 65536 + 2);
+}
+
+TEST_F(FileEditTest, LinesInFrontOfOneWithAStartAreKept) {
+    WriteFile(kTarget, "one\n two\ntwo\ntwofold\nthree\nlast");
+    FileEdit edit(kTarget);
+    std::string_view line;
+    while (edit.NextWith("two", line)) {
+        edit.Write("found " + std::string(line));
+    }
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\n two\nfound two\nfound twofold\nthree\nlast\n");
+}
+
+TEST_F(FileEditTest, LinesWithAStartAreFoundInEveryBlock) {
+    for (const size_t length : {10U, 4091U, 4096U, 65000U, 70000U}) {
+        const std::string filler = std::string(length, 'x') + " start\n";
+        std::string text;
+        std::string expected;
+        for (int i = 0; i < 40; ++i) {
+            text += filler + "start " + std::to_string(i) + "\n" + filler;
+            expected += filler + "found start " + std::to_string(i) + "\n" + filler;
+        }
+        WriteFile(kTarget, text);
+        FileEdit edit(kTarget);
+        for (std::string_view line; edit.NextWith("start ", line);) {
+            edit.Write("found ");
+            edit.Keep(line);
+        }
+        EXPECT_EQ(edit.Finish(), 0);
+        EXPECT_TRUE(ReadFile(kTarget) == expected) << length;
+    }
+}
+
+TEST_F(FileEditTest, ALineLongerThanABlockGoesThroughWhole) {
+    for (const size_t size : {4095U, 4096U, 65534U, 65535U, 65536U, 65537U, 300000U}) {
+        const std::string text = "a\n" + std::string(size, 'x') + "\nb\n";
+        WriteFile(kTarget, text);
+        EXPECT_EQ(CopyThrough(), 0);
+        EXPECT_TRUE(ReadFile(kTarget) == text) << size;
+        WriteFile(kTarget, std::string(size, 'x'));
+        EXPECT_EQ(CopyThrough(), 0);
+        EXPECT_TRUE(ReadFile(kTarget) == std::string(size, 'x') + "\n") << size;
+    }
+}
+
+TEST_F(FileEditTest, AWriteThatTakesOnlyAPartIsGoneOnWith) {
+    bool is_first = true;
+    libc().OnCall(Call::kWrite, [&](const testkit::Event& event) {
+        if (is_first) {
+            is_first = false;
+            const testkit::Unrecorded quiet;
+            EXPECT_EQ(write(event.number, event.text.data(), 1), 1);
+        }
+    });
+    libc().Script(Call::kWrite, {Return(1)});
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, ASignalWhileWritingMakesNoDifference) {
+    libc().Script(Call::kWrite, {Fail(EINTR), Fail(EINTR)});
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(FileEditTest, AReadErrorInTheMiddleEndsTheFile) {
+    const std::string first = "one\n" + std::string(4091, '#') + "\n";  // a block of 4 KB
+    WriteFile(kTarget, first + "last\n");
+    libc().Script(Call::kRead, {Pass(), Fail(EIO)});
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_TRUE(ReadFile(kTarget) == first);
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(FileEditTest, AReadErrorAtTheEndMakesNoDifference) {
+    libc().Script(Call::kRead, {Pass(), Fail(EIO)});
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+// ---- putting the copy in place
+
+TEST_F(FileEditTest, TheCopyIsPutInPlaceByTheseLines) {
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_THAT(libc().Story(),
+                ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
+                            "system rm /var/tmp/interfaces"));
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, BothFilesAreClosedBeforeTheCopying) {
+    const size_t before = testkit::OpenDescriptors().size();
+    FileEdit edit(kTarget);
+    for (std::string_view line; edit.Next(line);) {
+        edit.Write(line);
+    }
+    EXPECT_EQ(testkit::OpenDescriptors().size(), before + 2);
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(testkit::OpenDescriptors().size(), before);
+    EXPECT_EQ(libc().Order({Call::kClose, Call::kSystem}),
+              (std::vector<std::string>{"close", "close", "system", "system", "close"}))
+        << "the last one is of the copy's text, which no tool inherits";
+}
+
+TEST_F(FileEditTest, AFailingCopyingIsNotNoticed) {
+    libc().Script(Call::kSystem, {Return(256), Return(256)});
+    EXPECT_EQ(CopyThrough(), 0);
+    libc().Script(Call::kSystem, {Fail(EAGAIN), Fail(EAGAIN)});
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_THAT(libc().Logs(), ElementsAre("system errno=11:Resource temporarily unavailable",
+                                           "system errno=11:Resource temporarily unavailable"));
+}
+
+// The tools leave the file empty, and the copy where it is.
+TEST_F(FileEditTest, AFileThatTheToolsCutIsMendedAndItsCopyRemoved) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    WriteFile(kTarget, "iface eth0 inet static\n\taddress 10.0.0.5\n");
+    libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
+        if (event.text.starts_with("cat ")) {
+            WriteFile(kTarget, "");
+        }
+    });
+    EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.9"), 0);
+    EXPECT_EQ(ReadFile(kTarget), "iface eth0 inet static\n\taddress 10.0.0.9\n");
+    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mended /etc/network/interfaces"));
+}
+
+TEST_F(FileEditTest, AnEditWithoutTheLockIsMendedAsWell) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
+        if (event.text.starts_with("cat ")) {
+            WriteFile(kTarget, "");
+        }
+    });
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [this](const testkit::Event&) {
+        WriteFile(kTarget, "");
+        libc().Script(Call::kOpen, {Pass(), Fail(EROFS)});
+    });
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mend errno=30:Read-only file system"));
+    EXPECT_EQ(ReadFile(kCopy), "one\ntwo\nthree\n");
+}
+
+TEST_F(FileEditTest, WithoutADescriptorForTheCopyNothingIsChanged) {
+    FileEdit edit(kTarget);
+    edit.Write("new\n");
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
+    const rlimit none{0, saved.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_EQ(edit.Finish(), -1);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &saved), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, LinesThatDoNotFitAreNotRun) {
+    const std::string target = "/etc/network/" + std::string(200, 'x');
+    WriteFile(target, "one\n");
+    FileEdit edit(target);
+    edit.Write("new\n");
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_EQ(ReadFile(target), "one\n");
+}
+
+// The shell's rm runs as the real user, who may not remove it.
+TEST_F(FileEditTest, AHostWithTwoUsersLeavesNoCopy) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
+        struct stat facts {};
+        EXPECT_TRUE(!event.text.starts_with("cat ") || stat(kCopy, &facts) == 0);
+        EXPECT_TRUE(!event.text.starts_with("cat ") || (facts.st_mode & 07777) == 0644);
+    });
+    if (setresuid(1234, 0, 0) == -1) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    EXPECT_EQ(CopyThrough(), 0);
+    EXPECT_EQ(setresuid(0, 0, 0), 0);
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+// ---- a copy that cannot be written
+
+TEST_F(FileEditTest, AFailedWriteLeavesTheFileAsItWas) {
+    libc().Script(Call::kWrite, {Fail(ENOSPC)});
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, AWriteThatFailsAfterAPartLeavesTheFileAsItWas) {
+    libc().Script(Call::kWrite, {Return(5), Fail(EIO)});
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=5:Input/output error"));
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, AWriteThatTakesNothingIsAFailureToo) {
+    libc().Script(Call::kWrite, {Return(0)});
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_THAT(libc().Logs(), SizeIs(1));
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, AFailedCloseLeavesTheFileAsItWas) {
+    libc().ScriptAlways(Call::kClose, Fail(ENOSPC));
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_FALSE(Exists(kCopy));
+}
+
+TEST_F(FileEditTest, TheFirstErrorIsTheOneLogged) {
+    libc().ScriptAlways(Call::kClose, Fail(EIO));
+    libc().Script(Call::kWrite, {Fail(ENOSPC)});
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit write errno=28:No space left on device"));
+}
+
+TEST_F(FileEditTest, NothingMoreIsWrittenAfterAFailure) {
+    WriteFile(kTarget, std::string(300000, 'x') + "\n" + std::string(300000, 'y') + "\nend\n");
+    const size_t before = libc().Events(Call::kWrite).size();
+    libc().Script(Call::kWrite, {Fail(ENOSPC)});
+    EXPECT_EQ(CopyThrough(), -1);
+    EXPECT_THAT(libc().Events(Call::kWrite), SizeIs(before + 1));
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_TRUE(ReadFile(kTarget).ends_with("\nend\n"));
+}
+
+TEST_F(FileEditTest, ACloseOfTheReadFileThatFailsIsNotNoticed) {
+    FileEdit edit(kTarget);
+    for (std::string_view line; edit.Next(line);) {
+        edit.Write(line);
+    }
+    libc().Script(Call::kClose, {Fail(EIO)});  // the read file is closed first
+    EXPECT_EQ(edit.Finish(), 0);
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+}
+
+// The same on a file system that really is full, with the real shell.
+class FullFolderTest : public testkit::DeviceTest {};
+
+TEST_F(FullFolderTest, AFileThatDoesNotFitStaysAsItWas) {
+    std::string text;
+    while (text.size() < 16 * 1024) {
+        text += "iface eth0 inet static\n";
+    }
+    WriteFile(kTarget, text);
+    {
+        const FullScratchFolder folder;
+        ASSERT_TRUE(folder.is_mounted());
+        EXPECT_EQ(CopyThrough(), -1);
+        EXPECT_THAT(libc().Story(),
+                    ElementsAre("log FileEdit write errno=28:No space left on device"));
+        EXPECT_FALSE(Exists(kCopy)) << "what was written is removed to make room again";
+    }
+    EXPECT_TRUE(ReadFile(kTarget) == text);
+}
+
+TEST_F(FullFolderTest, AFileThatFitsIsEdited) {
+    WriteFile(kTarget, "one\ntwo");
+    {
+        const FullScratchFolder folder;
+        ASSERT_TRUE(folder.is_mounted());
+        EXPECT_EQ(CopyThrough(), 0);
+        EXPECT_FALSE(Exists(kCopy));
+    }
+    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\n");
+}
+
+TEST_F(FullFolderTest, NoSetChangesAFileWhoseCopyDoesNotFit) {
+    const std::string text(16 * 1024, '#');
+    for (const char* file :
+         {"/etc/network/interfaces", "/etc/dhclient-exit-hooks", "/etc/dhclient.conf"}) {
+        WriteFile(file, text);
+    }
+    {
+        const FullScratchFolder folder;
+        ASSERT_TRUE(folder.is_mounted());
+        EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_METHOD, "eth0", "\x01"), -1);
+        EXPECT_EQ(Execute(VELK_SET, VELK_CMD_APIPA, "eth0", "\x01"), -1);
+        EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), -1);
+        EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DHCP_NOTICE, "eth0", "\x01"), -1);
+        EXPECT_EQ(SetDhcpRequest("eth0", true), -1);
+        EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", true, true), -1);
+        EXPECT_THAT(libc().Commands(), IsEmpty());
+    }
+    for (const char* file :
+         {"/etc/network/interfaces", "/etc/dhclient-exit-hooks", "/etc/dhclient.conf"}) {
+        EXPECT_TRUE(ReadFile(file) == text) << file;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,69 @@
+#include "lib/wlan/reply_path.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using velk::ReplyPathOwner;
+
+constexpr uid_t kSomebody = 12345;
+
+class ReplyPathTest : public testkit::DeviceTest {};
+
+TEST_F(ReplyPathTest, AFreePathIsNobodys) {
+    EXPECT_EQ(velk::OwnerOfReplyPath(), ReplyPathOwner::kNone);
+    EXPECT_TRUE(velk::ClearReplyPath());
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(ReplyPathTest, TheCallersOwnFileStays) {
+    testkit::WriteFile(velk::kReplyPath, "");
+    EXPECT_EQ(velk::OwnerOfReplyPath(), ReplyPathOwner::kCaller);
+    EXPECT_TRUE(velk::ClearReplyPath());
+    EXPECT_TRUE(testkit::Exists(velk::kReplyPath)) << "another query may wait at it";
+}
+
+TEST_F(ReplyPathTest, AnotherUsersFileIsRemoved) {
+    testkit::WriteFile(velk::kReplyPath, "");
+    if (chown(velk::kReplyPath, kSomebody, kSomebody) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_EQ(velk::OwnerOfReplyPath(), ReplyPathOwner::kOther);
+    EXPECT_TRUE(velk::ClearReplyPath());
+    EXPECT_FALSE(testkit::Exists(velk::kReplyPath));
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
+TEST_F(ReplyPathTest, AnotherUsersLinkIsRemovedAndNotFollowed) {
+    testkit::WriteFile("/tmp/victim", "");
+    ASSERT_EQ(symlink("/tmp/victim", velk::kReplyPath), 0);
+    if (lchown(velk::kReplyPath, kSomebody, kSomebody) == -1) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_TRUE(velk::ClearReplyPath());
+    EXPECT_FALSE(testkit::Exists(velk::kReplyPath));
+    EXPECT_TRUE(testkit::Exists("/tmp/victim"));
+}
+
+TEST_F(ReplyPathTest, AFolderThatIsNotEmptyIsLogged) {
+    const std::string file = std::string(velk::kReplyPath) + "/file";
+    ASSERT_EQ(mkdir(velk::kReplyPath, 0755), 0);
+    testkit::WriteFile(file, "");
+    if (chown(velk::kReplyPath, kSomebody, kSomebody) == -1) {
+        EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplyPath), 0);
+        GTEST_SKIP() << "only root may give files away";
+    }
+    EXPECT_FALSE(velk::ClearReplyPath());
+    EXPECT_THAT(libc().Logs(), ElementsAre("QueryWlanDaemon remove errno=39:Directory not empty"));
+    EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplyPath), 0);
+}
+
+}  // namespace

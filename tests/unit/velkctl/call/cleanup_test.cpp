@@ -1,0 +1,262 @@
+// What is removed after a call that was ended in the middle, and what stays.
+#include "velkctl/call/cleanup.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <fcntl.h>
+#include <semaphore.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include "lib/base/unique_fd.h"
+#include "support/device_test.h"
+
+namespace {
+
+using testkit::Exists;
+using testkit::WriteFile;
+using velkctl::Command;
+
+using velkctl::RemoveLeftovers;
+
+constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
+constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
+constexpr char kToolOutput[] = "/var/tmp/get_result";
+constexpr char kReadersFolder[] = "/var/tmp";  // on which readers of a tool's output take turns
+constexpr char kLock[] = "/var/tmp/vklib_lock";
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kEditCopy[] = "/var/tmp/interfaces";
+
+constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
+constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
+
+// As the library makes one.
+void WriteCopy(const std::string& path, std::string_view text) {
+    WriteFile(path, text);
+    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+}
+
+class RemoveLeftoversTest : public testkit::DeviceTest {
+  protected:
+    // What a killed call can leave, all of it.
+    void LeaveEverything() {
+        (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
+        const velk::UniqueFd reply(BoundReplySocket());
+        WriteFile(kToolOutput, "Link detected: yes\n");
+        WriteFile(kLock, "");
+        WriteFile(kInterfaces, "iface eth0 inet static\n");
+        WriteCopy(kEditCopy, "iface eth0 inet dhcp\n");
+    }
+    static int BoundReplySocket() {
+        const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::string(kReplySocket).copy(address.sun_path, sizeof(address.sun_path) - 1);
+        EXPECT_EQ(bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+        return fd;
+    }
+    static std::vector<std::string> Left() {
+        std::vector<std::string> left;
+        for (const char* path : {kReplySocket, kSemaphore, kToolOutput, kEditCopy}) {
+            if (Exists(path)) {
+                left.emplace_back(path);
+            }
+        }
+        return left;
+    }
+};
+
+using Paths = std::vector<std::string>;
+
+TEST_F(RemoveLeftoversTest, AQueryLeavesNoSocketAndNoSemaphore) {
+    LeaveEverything();
+    RemoveLeftovers(kQuery, true);
+    EXPECT_EQ(Left(), Paths{kEditCopy});
+}
+
+TEST_F(RemoveLeftoversTest, AQueryLeavesNoSemaphoreWhenItDidNotComeToTheSocket) {
+    LeaveEverything();
+    unlink(kReplySocket);
+    RemoveLeftovers(kQuery, true);
+    EXPECT_EQ(Left(), Paths{kEditCopy});
+}
+
+TEST_F(RemoveLeftoversTest, TheQueryOfAnotherProgramIsLeftAlone) {
+    LeaveEverything();
+    unlink(kReplySocket);
+    const velk::UniqueFd other(BoundReplySocket());
+    RemoveLeftovers(kQuery, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyOfItsOwn) {
+    LeaveEverything();
+    WriteFile("/etc/dhclient.conf", "timeout 9;\n");
+    for (const char* copy : {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk",
+                             "root", "a-file-of-somebody"}) {
+        WriteCopy(std::string("/var/tmp/") + copy, "timeout 10;\n");
+    }
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
+    EXPECT_FALSE(Exists("/var/tmp/dhclient.conf"));
+    for (const char* copy :
+         {"dhclient-exit-hooks", "dhclient-script", "libvelk", "root", "a-file-of-somebody"}) {
+        EXPECT_TRUE(Exists(std::string("/var/tmp/") + copy)) << copy;
+    }
+}
+
+TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyHoweverFarItCame) {
+    for (const char* copy : {"", "iface eth0", "iface eth0 inet static\n", "iface eth1\n"}) {
+        LeaveEverything();
+        WriteCopy(kEditCopy, copy);
+        RemoveLeftovers(kChange, true);
+        EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore})) << copy;
+        unlink(kReplySocket);
+    }
+}
+
+TEST_F(RemoveLeftoversTest, TheRestOfAFileThatWasCutStays) {
+    for (const char* cut : {"", "iface eth0"}) {
+        LeaveEverything();
+        WriteFile(kInterfaces, cut);
+        RemoveLeftovers(kChange, true);
+        EXPECT_EQ(testkit::ReadFile(kEditCopy), "iface eth0 inet dhcp\n");
+        unlink(kReplySocket);
+    }
+    unlink(kInterfaces);
+    RemoveLeftovers(kChange, true);
+    EXPECT_TRUE(Exists(kEditCopy));
+}
+
+TEST_F(RemoveLeftoversTest, WhatNoEditHasMadeStays) {
+    WriteFile(kInterfaces, "iface eth0 inet static\n");
+    WriteFile(kLock, "");
+    WriteFile("/tmp/mine", "iface eth0 inet dhcp\n");
+    ASSERT_EQ(symlink("/tmp/mine", kEditCopy), 0);
+    RemoveLeftovers(kChange, true);
+    EXPECT_TRUE(Exists(kEditCopy));
+}
+
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAToolMayBePuttingItInPlace) {
+    LeaveEverything();
+    RemoveLeftovers(kChange, false);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
+    LeaveEverything();
+    const int lock = VkLibLock();
+    RemoveLeftovers(kChange, true);
+    VkLibUnLock(lock);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+// The library makes that file before its first edit copy.
+TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhereThereIsNoLockToTake) {
+    LeaveEverything();
+    unlink(kLock);
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_FALSE(Exists(kLock));
+}
+
+// A log that nobody reads stops its writers.
+TEST_F(RemoveLeftoversTest, NothingIsWrittenToTheSystemLog) {
+    LeaveEverything();
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
+TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
+    LeaveEverything();
+    const velk::UniqueFd lock(open(kReadersFolder, O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(lock.get(), LOCK_EX | LOCK_NB), 0);
+    RemoveLeftovers(kChange, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kToolOutput}));
+}
+
+TEST_F(RemoveLeftoversTest, ARestartAsksNobodyAndEditsNothing) {
+    LeaveEverything();
+    RemoveLeftovers({VELK_RESTART, VELK_CMD_RESTART, "eth1"}, true);
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+}
+
+TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
+    RemoveLeftovers(kQuery, true);
+    RemoveLeftovers({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
+    EXPECT_EQ(Left(), Paths{});
+    EXPECT_FALSE(Exists(kLock));
+}
+
+class UnfinishedEdits : public testkit::DeviceTest {
+  protected:
+    static std::string ToldOf(const Command& command) {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        testing::internal::CaptureStderr();
+        velkctl::TellOfUnfinishedEdits(command, "eth0.method", report);
+        return testing::internal::GetCapturedStderr();
+    }
+};
+
+TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
+    VkLibUnLock(VkLibLock());
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n\x1b[1m\n");
+    EXPECT_EQ(ToldOf(kChange),
+              "velkctl: eth0.method: /etc/dhclient.conf seems to have been cut while being copied, "
+              "and this set replaces the edit copy that has the rest; the copy would add 'timeout "
+              "10;', '\\x1b[1m'; before a set, compare both files, as with 'diff "
+              "/etc/dhclient.conf /var/tmp/dhclient.conf', and if the copy is right, copy its text "
+              "into the file by hand, as root\n");
+    EXPECT_EQ(ToldOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
+    EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
+// A host whose real and effective user differ makes its copies with mode 644.
+TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0644), 0);
+    EXPECT_EQ(ToldOf(kChange),
+              "velkctl: eth0.method: this set replaces /var/tmp/dhclient.conf, which may be the "
+              "only whole text of /etc/dhclient.conf; look at it before a set\n");
+    EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
+TEST_F(UnfinishedEdits, AreToldOfWithoutTheSystemLog) {
+    WriteFile(kLock, "");
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_NE(ToldOf(kChange), "");
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
+TEST_F(UnfinishedEdits, AreNotThoseThatLoseNothing) {
+    WriteFile("/etc/dhclient.conf", "timeout 9;\n");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_EQ(ToldOf(kChange), "");
+    WriteCopy("/var/tmp/dhclient.conf", "");
+    EXPECT_EQ(ToldOf(kChange), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotFilesThatTheLibraryDidNotMake) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0640), 0);
+    EXPECT_EQ(ToldOf(kChange), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotThoseThatAreUnderWay) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    const int lock = VkLibLock();
+    EXPECT_EQ(ToldOf(kChange), "");
+    VkLibUnLock(lock);
+}
+
+}  // namespace

@@ -1,0 +1,187 @@
+// The device as the verbs see it: busy, slow, or ready at once.
+#include "velkctl/call/device.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testing::MatchesRegex;
+using testkit::Call;
+using testkit::Event;
+using testkit::Return;
+using velkctl::Answer;
+using velkctl::Command;
+using velkctl::Data;
+using velkctl::Device;
+using velkctl::ExitStatus;
+using velkctl::Patience;
+using velkctl::Report;
+
+constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
+constexpr Command kSetDns{VELK_SET, VELK_CMD_DNS, "eth0"};
+constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
+
+class VelkctlDeviceTest : public testkit::DeviceTest {
+  protected:
+    Answer Run(const Command& command, const Patience& patience, const std::string& what) {
+        Data data{};
+        (void)std::string("10.0.0.1").copy(data.data(), data.size());
+        Report report(Report::Form::kText);
+        testing::internal::CaptureStderr();
+        Answer answer = Device(patience, report).Execute(command, data, what);
+        error = testing::internal::GetCapturedStderr();
+        return answer;
+    }
+    std::string error;
+};
+
+TEST_F(VelkctlDeviceTest, ACommandThatFindsTheLockFreeDoesNotWait) {
+    const Answer answer = Run(kSetDns, {30, 0}, "eth0.dns");
+    EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
+    EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
+    EXPECT_TRUE(libc().Texts(Call::kNanosleep).empty());
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(VelkctlDeviceTest, WithoutPatienceALockedDeviceIsReportedAtOnce) {
+    const int lock = VkLibLock();
+    const Answer answer = Run(kSetDns, {}, "eth0.dns");
+    VkLibUnLock(lock);
+    EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
+    EXPECT_EQ(StatusOf(answer), ExitStatus::kLocked);
+    EXPECT_THAT(DescribeFailure("eth0.dns: could not be set", answer),
+                MatchesRegex("eth0.dns: could not be set: another program is changing settings "
+                             "now, try again, as --wait=SECONDS does \\(LIB_VELK_LOCKED, -3\\); "
+                             "process " +
+                             std::to_string(getpid()) +
+                             " \\(unit_tests, [0-9]+ [a-z]+ old\\) holds the lock"));
+    EXPECT_TRUE(libc().Texts(Call::kNanosleep).empty());
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(VelkctlDeviceTest, AHolderThatCannotBeFoundIsLeftOut) {
+    libc().Redirect("/proc/locks", "/tmp/missing");
+    const int lock = VkLibLock();
+    const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
+    VkLibUnLock(lock);
+    EXPECT_EQ(DescribeFailure("eth0.dns: could not be set", answer),
+              "eth0.dns: could not be set: another program is changing settings now, try again, "
+              "as --wait=SECONDS does (LIB_VELK_LOCKED, -3)");
+    EXPECT_EQ(error, "velkctl: waiting at most 1 s for the lock\n");
+}
+
+TEST_F(VelkctlDeviceTest, ALockThatIsHeldIsTriedLessAndLessOften) {
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    const int lock = VkLibLock();
+    const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
+    VkLibUnLock(lock);
+    EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
+    EXPECT_EQ(libc().Texts(Call::kNanosleep),
+              (std::vector<std::string>{"50000000", "100000000", "200000000", "250000000",
+                                        "250000000", "150000000"}));
+    EXPECT_FALSE(testkit::Exists(kResolver));
+    EXPECT_THAT(error,
+                MatchesRegex("velkctl: waiting at most 1 s for the lock, held by process [0-9]+ "
+                             "\\(unit_tests, [0-9]+ [a-z]+ old\\)\n"));
+}
+
+TEST_F(VelkctlDeviceTest, ALockThatIsGivenBackIsTaken) {
+    int lock = VkLibLock();
+    int pauses = 0;
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kNanosleep, [&](const Event&) {
+        if (++pauses == 3) {
+            VkLibUnLock(lock);
+        }
+    });
+    const Answer answer = Run(kSetDns, {30, 0}, "eth0.dns");
+    EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
+    EXPECT_EQ(answer.remark, "");
+    EXPECT_EQ(pauses, 3);
+    EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
+}
+
+TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitingToo) {
+    // The first pause outlasts the time. After a shorter one, a busy machine may end another try.
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kNanosleep, [](const Event&) { (void)usleep(2100 * 1000); });
+    const int lock = VkLibLock();
+    const Answer answer = Run(kSetDns, {30, 2}, "eth0.dns");
+    VkLibUnLock(lock);
+    EXPECT_FALSE(answer.timed_out);
+    EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
+    EXPECT_EQ(libc().Texts(Call::kNanosleep), std::vector<std::string>{"50000000"});
+    EXPECT_TRUE(error.starts_with("velkctl: waiting at most 2 s for the lock")) << error;
+}
+
+TEST_F(VelkctlDeviceTest, ARestartThatTakesTooLongIsGivenUp) {
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    const Answer answer = Run(kRestart, {0, 1}, "restart of eth0");
+    EXPECT_TRUE(answer.timed_out);
+    EXPECT_EQ(StatusOf(answer), ExitStatus::kTimedOut);
+    EXPECT_EQ(DescribeFailure("eth0: could not be restarted", answer),
+              "eth0: could not be restarted: given up, it took too long; it may be half done");
+    EXPECT_EQ(WhyNot(answer), "given up, it took too long");
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(VelkctlDeviceTest, AChangeThatTakesTooLongIsGivenUp) {
+    testkit::WriteFile("/etc/dhclient-exit-hooks", "/usr/sbin/avahi-autoipd eth0\n");
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    const Answer answer = Run({VELK_SET, VELK_CMD_APIPA, "eth0"}, {0, 1}, "eth0.apipa");
+    EXPECT_EQ(DescribeFailure("eth0.apipa: could not be set", answer),
+              "eth0.apipa: could not be set: given up, it took too long; it may be half changed");
+    EXPECT_FALSE(testkit::Exists("/var/tmp/dhclient-exit-hooks"));
+}
+
+TEST_F(VelkctlDeviceTest, AReadingThatTakesTooLongChangedNothing) {
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    const Answer answer = Run({VELK_GET, VELK_CMD_LINK_SPEED, "eth0"}, {0, 1}, "eth0.link-speed");
+    EXPECT_EQ(DescribeFailure("eth0.link-speed: could not be read", answer),
+              "eth0.link-speed: could not be read: given up, it took too long");
+}
+
+TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)raise(SIGKILL); });
+    const Answer answer = Run(kRestart, {}, "restart of eth0");
+    EXPECT_FALSE(answer.timed_out);
+    EXPECT_EQ(answer.result, LIB_VELK_FAILURE);
+    EXPECT_EQ(error,
+              "velkctl: restart of eth0: the library ended without an answer, by signal 9 "
+              "(Killed)\n");
+}
+
+TEST_F(VelkctlDeviceTest, WhatToolsSayIsPassedOn) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem,
+                  [](const Event&) { (void)write(STDERR_FILENO, "sudo: no\x1b\n", 10); });
+    EXPECT_EQ(Run(kRestart, {}, "restart of eth0").result, LIB_VELK_SUCCESS);
+    EXPECT_EQ(error, "velkctl: restart of eth0: sudo: no\\x1b\n");
+}
+
+TEST_F(VelkctlDeviceTest, AConfiguredAddressNeedsNoProcessAndALeaseDoes) {
+    constexpr Command kGetAddress{VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"};
+    testkit::WriteFile("/etc/network/interfaces", "iface eth0 inet static\naddress 10.0.0.5\n");
+    EXPECT_STREQ(Run(kGetAddress, {}, "eth0.address").data.data(), "10.0.0.5");
+    EXPECT_EQ(libc().Texts(Call::kOpen).size(), 2U) << "for the method and the address";
+    testkit::WriteFile("/etc/network/interfaces", "iface eth0 inet dhcp\n");
+    (void)Run(kGetAddress, {}, "eth0.address");
+    EXPECT_EQ(libc().Texts(Call::kOpen).size(), 3U) << "for the method";
+}
+
+TEST_F(VelkctlDeviceTest, WhatIsReadFromAFileNeedsNoProcess) {
+    testkit::WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    const Answer answer = Run({VELK_GET, VELK_CMD_DNS, "eth0"}, {}, "eth0.dns");
+    EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
+    // A child's calls would not be recorded here.
+    std::vector<std::string> opened = libc().Texts(Call::kOpen);
+    EXPECT_EQ(opened, std::vector<std::string>{kResolver});
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+// Which files have lost their text in a set.
+#include "velkctl/call/files_before.h"
+
+#include <string>
+#include <string_view>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::Catalogue;
+using velkctl::FilesBefore;
+using velkctl::FindSetting;
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
+constexpr char kCopy[] = "/var/tmp/interfaces";
+
+class FilesBeforeTest : public testkit::DeviceTest {
+  protected:
+    static FilesBefore Before() { return FilesBefore(*FindSetting(Catalogue(), "eth0.method")); }
+    // What is lost when the file changes in this way.
+    static std::string Losses(std::string_view before, std::string_view after) {
+        WriteFile(kInterfaces, before);
+        const FilesBefore files = Before();
+        WriteFile(kInterfaces, after);
+        return files.Losses();
+    }
+};
+
+TEST_F(FilesBeforeTest, AnEditLosesNothing) {
+    EXPECT_EQ(Losses("a\nb\n", "a\nb\n"), "");
+    EXPECT_EQ(Losses("a\nb\n", "a\n"), "") << "a line may be removed";
+    EXPECT_EQ(Losses("a\nb", "a\nb"), "");
+    EXPECT_EQ(Losses("a\nb", "a\nb\n"), "");
+    EXPECT_EQ(Losses("", ""), "");
+    EXPECT_EQ(Losses("", "a"), "");
+}
+
+TEST_F(FilesBeforeTest, TellsOfAFileThatIsEmptyOrCut) {
+    EXPECT_EQ(Losses("a\nb\n", ""),
+              "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
+              "restore it before the device starts anew");
+    EXPECT_EQ(Losses("a\nb\n", "a\nx"),
+              "/etc/network/interfaces was cut by this set, and no edit copy has the rest: restore "
+              "it before the device starts anew");
+}
+
+TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
+    WriteFile(kCopy, "a\nc\n");
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    EXPECT_EQ(Losses("a\nb\n", ""),
+              "/etc/network/interfaces is empty since this set, and the rest is in its edit copy "
+              "/var/tmp/interfaces, see 'velkctl doctor'");
+    ASSERT_EQ(chmod(kCopy, 0640), 0);
+    EXPECT_EQ(Losses("a\nb\n", ""),
+              "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
+              "restore it before the device starts anew")
+        << "it is not the library's";
+}
+
+// A host whose real and effective user differ makes its copies with mode 644.
+TEST_F(FilesBeforeTest, NamesACopyThatMayHaveTheRest) {
+    WriteFile(kCopy, "a\nc\n");
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(Losses("a\nb\n", ""),
+              "/etc/network/interfaces is empty since this set, and /var/tmp/interfaces may be the "
+              "only whole text; look at it before you remove it, see 'velkctl doctor'");
+}
+
+TEST_F(FilesBeforeTest, TellsOfEveryFileOfTheSetting) {
+    WriteFile(kInterfaces, "a\n");
+    WriteFile(kDhcpConfig, "b\n");
+    WriteFile("/var/cron/tabs/root", "c\n");
+    const FilesBefore files = Before();
+    WriteFile(kInterfaces, "");
+    WriteFile(kDhcpConfig, "");
+    WriteFile("/var/cron/tabs/root", "");
+    EXPECT_EQ(files.Losses(),
+              "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
+              "restore it before the device starts anew; /etc/dhclient.conf is empty since this "
+              "set, and no edit copy has the rest: restore it before the device starts anew");
+}
+
+TEST_F(FilesBeforeTest, SaysNothingOfWhatCannotBeRead) {
+    EXPECT_EQ(Before().Losses(), "");
+    WriteFile(kInterfaces, "a\n");
+    const FilesBefore files = Before();
+    ASSERT_EQ(unlink(kInterfaces), 0);
+    ASSERT_EQ(mkfifo(kInterfaces, 0600), 0);
+    EXPECT_EQ(files.Losses(), "");
+}
+
+}  // namespace

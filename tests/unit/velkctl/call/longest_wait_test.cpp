@@ -1,0 +1,76 @@
+// How long commands may take, and what they wait for.
+#include "velkctl/call/longest_wait.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using velkctl::Blocking;
+using velkctl::LongestCall;
+
+// "165 s for the wireless daemon"
+std::string Longest(velk_command_type type, uint32_t id, std::string_view interface) {
+    const Blocking blocking = LongestCall({type, id, interface});
+    return std::to_string(blocking.seconds) + " s for " + std::string(blocking.awaited);
+}
+
+TEST(LongestCall, AFileTakesNoTime) {
+    EXPECT_EQ(Longest(VELK_GET, VELK_CMD_DNS, "eth0"), "0 s for ");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_DNS, "eth1"), "0 s for ");
+    EXPECT_EQ(Longest(VELK_GET, VELK_CMD_ADMINISTRATOR, ""), "0 s for ");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_WEB_UPDATE, ""), "0 s for ");
+    EXPECT_EQ(Longest(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), "0 s for ");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth1"), "0 s for ");
+    EXPECT_EQ(Longest(VELK_GET, VELK_CMD_IP_METHOD, "eth1"), "0 s for ");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_APIPA, "eth1"), "0 s for ");
+    EXPECT_EQ(Longest(VELK_GET, VELK_CMD_MAC_ADDRESS, "eth0"), "0 s for ");
+}
+
+TEST(LongestCall, AnAddressOfTheAdapterWaitsForTheLink) {
+    for (const auto id :
+         {VELK_CMD_MAC_ADDRESS, VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
+        EXPECT_EQ(Longest(VELK_GET, id, "eth1"), "105 s for ethtool to tell the state of the link");
+    }
+}
+
+TEST(LongestCall, TheConfigurationOfTheAdapterWaitsForTheDaemon) {
+    for (const auto type : {VELK_GET, VELK_SET}) {
+        for (const auto id : {VELK_CMD_SERVICE_SET, VELK_CMD_SSID, VELK_CMD_CHANNEL,
+                              VELK_CMD_ENCRYPTION, VELK_CMD_AUTHENTICATION, VELK_CMD_WEP_KEY_4,
+                              VELK_CMD_WEP_DEFAULT_KEY, VELK_CMD_PSK, VELK_CMD_STANDARDS_ENABLED}) {
+            EXPECT_EQ(Longest(type, id, "eth1"), "60 s for the wireless daemon to answer");
+        }
+    }
+}
+
+TEST(LongestCall, TheStateOfTheAdapterWaitsForTheLinkAndForTheDaemon) {
+    for (const auto id : {VELK_CMD_HARDWARE_VERSION, VELK_CMD_SOFTWARE_VERSION, VELK_CMD_STANDARD,
+                          VELK_CMD_REGION, VELK_CMD_RATE, VELK_CMD_ACCESS_POINT, VELK_CMD_SIGNAL}) {
+        EXPECT_EQ(Longest(VELK_GET, id, "eth1"),
+                  "165 s for ethtool to tell the state of the link, then for the wireless daemon "
+                  "to answer");
+    }
+}
+
+TEST(LongestCall, ARestartWaitsForTheInterface) {
+    EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth0"),
+              "171 s for the interface to come up");
+    EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth1"),
+              "106 s for the interface to come up");
+}
+
+TEST(LongestCall, ToolsOfTheirOwnSpeedAreNamed) {
+    EXPECT_EQ(Longest(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), "0 s for ethtool to finish");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_LINK_SPEED, "eth0"), "0 s for ethtool to finish");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_ADMINISTRATOR, ""), "0 s for the SNMP daemon to restart");
+    EXPECT_EQ(Longest(VELK_SET, VELK_CMD_LOCATION, ""), "0 s for the SNMP daemon to restart");
+}
+
+TEST(LongestGet, IsThatOfReadingTheSetting) {
+    const auto setting = velkctl::FindSetting(velkctl::Catalogue(), "eth1.ssid");
+    EXPECT_EQ(velkctl::LongestGet(*setting).seconds, 60);
+}
+
+}  // namespace

@@ -1,0 +1,54 @@
+// The signals that end velkctl, while they are put off.
+#include "velkctl/call/stop_signals.h"
+
+#include <csignal>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using velkctl::StopSignals;
+
+TEST(StopSignalsTest, NoneHasComeBeforeOneComes) {
+    const StopSignals signals;
+    EXPECT_EQ(signals.Pending(), 0);
+}
+
+TEST(StopSignalsDeathTest, ASignalThatHasComeEndsTheProcessAfterwards) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        const auto put_off = [signal] {
+            const StopSignals signals;
+            (void)raise(signal);
+            fprintf(stderr, "pending: %d\n", signals.Pending() == signal);
+        };
+        EXPECT_EXIT(put_off(), testing::KilledBySignal(signal), "pending: 1");
+    }
+}
+
+TEST(StopSignalsDeathTest, AnIgnoredSignalStaysIgnored) {
+    const auto ignore = [] {
+        (void)signal(SIGHUP, SIG_IGN);
+        const StopSignals signals;
+        (void)raise(SIGHUP);
+        _exit(signals.Pending());
+    };
+    EXPECT_EXIT(ignore(), testing::ExitedWithCode(0), "");
+}
+
+TEST(StopSignalsDeathTest, AnotherSignalIsNotPutOff) {
+    const auto quit = [] {
+        const StopSignals signals;
+        (void)raise(SIGUSR1);
+    };
+    EXPECT_EXIT(quit(), testing::KilledBySignal(SIGUSR1), "");
+}
+
+TEST(EndByDeathTest, EndsTheProcessByTheSignalEvenWhenItIsPutOff) {
+    const auto end = [] {
+        const StopSignals signals;
+        velkctl::EndBy(SIGINT);
+    };
+    EXPECT_EXIT(end(), testing::KilledBySignal(SIGINT), "");
+}
+
+}  // namespace

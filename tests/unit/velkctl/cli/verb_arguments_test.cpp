@@ -1,0 +1,186 @@
+#include "velkctl/cli/verb_arguments.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using velkctl::Arguments;
+using velkctl::Verb;
+using velkctl::Words;
+
+const Verb& VerbOf(std::string_view name) {
+    return *std::ranges::find(velkctl::Verbs(), name, &Verb::name);
+}
+
+Arguments Read(std::string_view verb, const Words& words) {
+    return velkctl::ReadArguments(VerbOf(verb), words);
+}
+
+TEST(Arguments, AreOptionsAndWordsInAnyOrder) {
+    const Arguments read =
+        Read("call", {"--show-secrets", "set", "--text", "10.0.0.1", "108", "--json", "eth0"});
+    EXPECT_EQ(read.problem, "");
+    EXPECT_EQ(read.unknown, "");
+    EXPECT_EQ(read.invocation.text, "10.0.0.1");
+    EXPECT_EQ(read.invocation.hex, std::nullopt);
+    EXPECT_TRUE(read.invocation.show_secrets);
+    EXPECT_TRUE(read.invocation.json);
+    EXPECT_FALSE(read.invocation.help);
+    EXPECT_THAT(read.invocation.words, ElementsAre("set", "108", "eth0"));
+}
+
+TEST(Arguments, AreTakenInAnyOrderInAPosixEnvironmentToo) {
+    ASSERT_EQ(setenv("POSIXLY_CORRECT", "1", 1), 0);
+    const Arguments read = Read("get", {"eth0.dns", "--value", "ntp"});
+    ASSERT_EQ(unsetenv("POSIXLY_CORRECT"), 0);
+    EXPECT_TRUE(read.invocation.bare_value);
+    EXPECT_THAT(read.invocation.words, ElementsAre("eth0.dns", "ntp"));
+}
+
+TEST(Arguments, BehindTwoDashesAreWords) {
+    const Arguments read = Read("set", {"--force", "--", "location", "--json", "--", "-hello"});
+    EXPECT_EQ(read.problem, "");
+    EXPECT_EQ(read.unknown, "");
+    EXPECT_TRUE(read.invocation.force);
+    EXPECT_FALSE(read.invocation.json);
+    EXPECT_THAT(read.invocation.words, ElementsAre("location", "--json", "--", "-hello"));
+    EXPECT_THAT(Read("call", {"--", "set", "108", "--text="}).invocation.words,
+                ElementsAre("set", "108", "--text="));
+    EXPECT_THAT(Read("get", {"--"}).invocation.words, IsEmpty());
+}
+
+TEST(Arguments, WithADashAndADigitAreWords) {
+    const Arguments read = Read("set", {"ntp", "-5", "-52", "-5x", "-", ""});
+    EXPECT_EQ(read.unknown, "");
+    EXPECT_THAT(read.invocation.words, ElementsAre("ntp", "-5", "-52", "-5x", "-", ""));
+}
+
+TEST(Arguments, ThatBeginLikeAnOptionAreNoOption) {
+    for (const char* word : {"--jso", "--no", "-json", "--j", "-j", "---json", "--JSON", "-w",
+                             "--wai=5", "--=5", "-=", "-:x", "-Wjson"}) {
+        const Arguments read = Read("set", {"ntp", word, "on"});
+        EXPECT_EQ(read.problem, "");
+        EXPECT_EQ(read.unknown, word);
+        EXPECT_FALSE(read.invocation.json);
+        EXPECT_EQ(read.invocation.wait, std::nullopt);
+        EXPECT_THAT(read.invocation.words, ElementsAre("ntp", word, "on"));
+    }
+}
+
+TEST(Arguments, BehindTheBeginningOfAnOptionAreNotItsValue) {
+    const Arguments read = Read("get", {"--timeou", "eth1.psk", "--json"});
+    EXPECT_EQ(read.unknown, "--timeou");
+    EXPECT_EQ(read.invocation.timeout, std::nullopt);
+    EXPECT_TRUE(read.invocation.json);
+    EXPECT_THAT(read.invocation.words, ElementsAre("--timeou", "eth1.psk"));
+    EXPECT_EQ(Read("get", {"--timeou"}).problem, "");
+    EXPECT_EQ(Read("get", {"--timeou"}).unknown, "--timeou");
+}
+
+TEST(Arguments, NameTheFirstUnknownOption) {
+    const Arguments read = Read("get", {"-x", "--help", "--bogus=1", "--", "-y"});
+    EXPECT_EQ(read.unknown, "-x");
+    EXPECT_TRUE(read.invocation.help);
+    EXPECT_THAT(read.invocation.words, ElementsAre("-x", "--bogus=1", "-y"));
+}
+
+TEST(Arguments, AskForHelpInTwoWays) {
+    EXPECT_TRUE(Read("list", {"eth0", "--help"}).invocation.help);
+    EXPECT_TRUE(Read("list", {"-h", "eth0"}).invocation.help);
+    EXPECT_FALSE(Read("list", {"--", "-h"}).invocation.help);
+}
+
+TEST(Arguments, OfAFlagAreNoValues) {
+    const auto problem = [](const char* word) { return Read("get", {"ntp", word}).problem; };
+    EXPECT_EQ(problem("--json=no"), "option '--json' takes no value; leave it out");
+    EXPECT_EQ(problem("--json="), "option '--json' takes no value; leave it out");
+    EXPECT_EQ(problem("--help=no"), "option '--help' takes no value; leave it out");
+    EXPECT_EQ(problem("--value=x"), "option '--value' takes no value; leave it out");
+    EXPECT_EQ(problem("-h=x"), "option '-h' takes no value; leave it out");
+}
+
+TEST(Arguments, HaveNoFlagsInARow) {
+    for (const char* word : {"-hello", "-hq", "-help", "-hh", "-qh"}) {
+        const Arguments read = Read("get", {"ntp", word});
+        EXPECT_EQ(read.problem, "");
+        EXPECT_EQ(read.unknown, word);
+        EXPECT_FALSE(read.invocation.help);
+    }
+}
+
+TEST(Arguments, OfAnOptionStandBehindItOrBehindAnEqualsSign) {
+    const auto text = [](const Words& words) { return Read("call", words).invocation.text; };
+    EXPECT_EQ(text({"--text", "a"}), "a");
+    EXPECT_EQ(text({"--text=a"}), "a");
+    EXPECT_EQ(text({"--text=a=b"}), "a=b");
+    EXPECT_EQ(text({"--text", "a=b"}), "a=b");
+    EXPECT_EQ(text({"--text=", "a"}), "");
+    EXPECT_EQ(text({"--text", ""}), "");
+    EXPECT_EQ(text({"--text", "--hex"}), "--hex");
+    EXPECT_EQ(text({"--text", "--"}), "--");
+    EXPECT_EQ(text({"--text", "-hello"}), "-hello");
+    EXPECT_THAT(Read("call", {"--text=", "a"}).invocation.words, ElementsAre("a"));
+}
+
+TEST(Arguments, LackTheValueOfAnOptionThatStandsLast) {
+    EXPECT_EQ(Read("call", {"set", "--text"}).problem, "option '--text' needs a value behind it");
+    EXPECT_EQ(Read("get", {"--timeout"}).problem, "option '--timeout' needs a value behind it");
+    EXPECT_EQ(Read("set", {"ntp", "--wait"}).problem, "");
+}
+
+TEST(Arguments, ImplyTheSecondsOfWaiting) {
+    const auto wait = [](const char* word) {
+        return Read("set", {"ntp", word, "on"}).invocation.wait;
+    };
+    EXPECT_EQ(wait("--wait"), "30");
+    EXPECT_EQ(wait("--wait="), "30");
+    EXPECT_EQ(wait("--wait=5"), "5");
+    EXPECT_EQ(wait("--wait=soon"), "soon");
+}
+
+TEST(Arguments, MeanSecondsByANumberBehindWaiting) {
+    const std::string problem = "--wait takes its seconds behind '='; write --wait=SECONDS";
+    EXPECT_EQ(Read("restart", {"eth0", "--wait", "5"}).problem, problem);
+    EXPECT_EQ(Read("set", {"--wait", "5", "ntp", "on"}).problem, problem);
+    EXPECT_EQ(Read("set", {"eth1.channel", "6", "--wait", "5"}).problem, problem);
+    // The second word of these may be a number.
+    EXPECT_EQ(Read("set", {"eth1.channel", "--wait", "5"}).problem, "");
+    EXPECT_EQ(Read("call", {"get", "--wait", "108"}).problem, "");
+    EXPECT_EQ(Read("set", {"--", "--wait", "5"}).problem, "");
+}
+
+TEST(Arguments, NameAnOptionThatIsGivenTwice) {
+    EXPECT_EQ(Read("get", {"--timeout", "1", "--timeout=1"}).twice, "--timeout");
+    EXPECT_EQ(Read("set", {"--wait", "--wait"}).twice, "--wait");
+    EXPECT_EQ(Read("get", {"--json", "--json"}).twice, "");
+}
+
+TEST(Arguments, AreReadAnewEveryTime) {
+    EXPECT_NE(Read("call", {"-h=x", "get", "108", "--json"}).problem, "");
+    EXPECT_THAT(Read("get", {"--", "a", "b", "c"}).invocation.words, ElementsAre("a", "b", "c"));
+    const Arguments read = Read("get", {"ntp", "--json"});
+    EXPECT_TRUE(read.invocation.json);
+    EXPECT_THAT(read.invocation.words, ElementsAre("ntp"));
+    EXPECT_THAT(Read("list", {}).invocation.words, IsEmpty());
+}
+
+TEST(Option, IsKnownByItsWholeName) {
+    EXPECT_TRUE(velkctl::HasOption(VerbOf("call"), "--text"));
+    EXPECT_TRUE(velkctl::HasOption(VerbOf("call"), "--json"));
+    EXPECT_FALSE(velkctl::HasOption(VerbOf("call"), "--tex"));
+    EXPECT_FALSE(velkctl::HasOption(VerbOf("list"), "--text"));
+}
+
+TEST(Option, IsNamedWithoutItsValue) {
+    EXPECT_EQ(velkctl::WithoutValue("--text=a=b"), "--text");
+    EXPECT_EQ(velkctl::WithoutValue("--text"), "--text");
+    EXPECT_EQ(velkctl::WithoutValue("=a"), "");
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+// Which process holds the library's lock, from what the kernel tells of locks and processes.
+#include "velkctl/files/lock_holder.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using velkctl::FindLockHolder;
+using velkctl::FlockHolder;
+using velkctl::LockHolder;
+using velkctl::SecondsRunning;
+
+constexpr std::string_view kLocks =
+    "1: POSIX  ADVISORY  WRITE 9340 fe:00:404740 0 EOF\n"
+    "2: FLOCK  ADVISORY  WRITE 1234 00:2f:12 0 EOF\n"
+    "2: -> FLOCK  ADVISORY  WRITE 99 00:2f:13 0 EOF\n"
+    "3: FLOCK  ADVISORY  READ  77 103:00:13 0 EOF\n"
+    "4: FLOCK  ADVISORY  WRITE 0 00:2f:14 0 EOF\n"
+    "5: LEASE  ACTIVE    READ  55 00:2f:15 0 EOF\n";
+
+TEST(FlockHolder, IsTheProcessWithTheLockOnTheFile) {
+    EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 12), 1234);
+    EXPECT_EQ(FlockHolder(kLocks, makedev(0x103, 0), 13), 77);
+}
+
+TEST(FlockHolder, IsNotOneThatWaits) {
+    EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 13), std::nullopt);
+}
+
+TEST(FlockHolder, IsNotOneWithALockOfAnotherKind) {
+    EXPECT_EQ(FlockHolder(kLocks, makedev(0xfe, 0), 404740), std::nullopt);
+    EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 15), std::nullopt);
+}
+
+TEST(FlockHolder, IsUnknownWhenItIsOfAnotherNamespace) {
+    EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 14), std::nullopt);
+}
+
+TEST(FlockHolder, IsUnknownWithoutAReadableTable) {
+    EXPECT_EQ(FlockHolder("", makedev(0, 0x2f), 12), std::nullopt);
+    EXPECT_EQ(FlockHolder("\n\n2: FLOCK\n2: FLOCK  ADVISORY  WRITE\n", makedev(0, 0x2f), 12),
+              std::nullopt);
+    EXPECT_EQ(FlockHolder("2: FLOCK  ADVISORY  WRITE 1234 00:2f:12", makedev(0, 0x2f), 12), 1234);
+}
+
+constexpr std::string_view kStat =
+    "1234 (a name) with) blanks) S 1 1234 1234 0 -1 4194304 100 0 0 0 0 0 0 0 20 0 1 0 4250 "
+    "1000000 200 18446744073709551615\n";
+
+TEST(SecondsRunning, CountFromTheStartOfTheProcess) {
+    EXPECT_EQ(SecondsRunning(kStat, "45.90 80.00\n", 100), 3);
+    EXPECT_EQ(SecondsRunning(kStat, "100000.01 80.00\n", 100), 99958);
+}
+
+TEST(SecondsRunning, AreNeverNegative) {
+    EXPECT_EQ(SecondsRunning(kStat, "41.00 80.00\n", 100), 0);
+}
+
+TEST(SecondsRunning, AreUnknownWithoutReadableTexts) {
+    EXPECT_EQ(SecondsRunning("", "45.90 80.00\n", 100), std::nullopt);
+    EXPECT_EQ(SecondsRunning("1234 (name) S 1 1234\n", "45.90 80.00\n", 100), std::nullopt);
+    EXPECT_EQ(SecondsRunning(kStat, "", 100), std::nullopt);
+    EXPECT_EQ(SecondsRunning(kStat, "45.90 80.00\n", 0), std::nullopt);
+}
+
+TEST(LockHolderWords, NameTheProcessAndItsAge) {
+    EXPECT_EQ(velkctl::Words({1234, "velkctl", 3}), "process 1234 (velkctl, 3 seconds old)");
+}
+
+TEST(LockHolderWords, NeverControlTheTerminal) {
+    EXPECT_EQ(velkctl::Words({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
+}
+
+class FindLockHolderTest : public testkit::DeviceTest {};
+
+TEST_F(FindLockHolderTest, NamesTheProcessThatHoldsTheLock) {
+    const int lock = VkLibLock();
+    const std::optional<LockHolder> holder = FindLockHolder();
+    VkLibUnLock(lock);
+    ASSERT_TRUE(holder);
+    EXPECT_EQ(holder->process, getpid());
+    EXPECT_EQ(holder->name, "unit_tests");
+    EXPECT_LT(holder->seconds, 3600);
+}
+
+TEST_F(FindLockHolderTest, NamesNobodyWhileTheLockIsFree) {
+    EXPECT_FALSE(FindLockHolder());
+    VkLibUnLock(VkLibLock());
+    EXPECT_FALSE(FindLockHolder());
+}
+
+TEST_F(FindLockHolderTest, NamesNobodyWhenTheTableCannotBeRead) {
+    libc().Redirect("/proc/locks", "/tmp/missing");
+    const int lock = VkLibLock();
+    EXPECT_FALSE(FindLockHolder());
+    VkLibUnLock(lock);
+}
+
+}  // namespace

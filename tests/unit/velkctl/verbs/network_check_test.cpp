@@ -1,0 +1,111 @@
+// Whether an address, a mask or a gateway fits to what else is configured.
+#include "velkctl/verbs/network_check.h"
+
+#include <string>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::Catalogue;
+using velkctl::FindSetting;
+using velkctl::Setting;
+
+constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr char kStatic[] =
+    "iface eth0 inet static\n"
+    "address 192.168.0.10\n"
+    "netmask 255.255.255.0\n"
+    "gateway 192.168.0.1\n";
+
+class NetworkCheckTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        testkit::DeviceTest::SetUp();
+        WriteFile(kInterfaces, kStatic);
+    }
+    static std::string Problem(const std::string& name, const std::string& value) {
+        const Setting setting = *FindSetting(Catalogue(), name);
+        velkctl::Data data{};
+        (void)value.copy(data.data(), data.size());
+        velkctl::Report report(velkctl::Report::Form::kText);
+        return NetworkProblem(setting, data, velkctl::Device({}, report));
+    }
+};
+
+TEST_F(NetworkCheckTest, WhatFitsIsNoProblem) {
+    EXPECT_EQ(Problem("eth0.address", "192.168.0.11"), "");
+    EXPECT_EQ(Problem("eth0.address", "10.0.0.7"), "");
+    EXPECT_EQ(Problem("eth0.netmask", "255.255.0.0"), "");
+    EXPECT_EQ(Problem("eth0.gateway", "192.168.0.254"), "");
+    EXPECT_EQ(Problem("eth0.gateway", ""), "");
+}
+
+TEST_F(NetworkCheckTest, TheGatewayHasToBeInTheNetwork) {
+    EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"),
+              "10.0.0.1 is outside the network of the interface, 192.168.0.0/24; give another, set "
+              "the address and netmask first, or give --force");
+}
+
+TEST_F(NetworkCheckTest, TheGatewayIsNotTheInterfaceItself) {
+    EXPECT_EQ(Problem("eth0.gateway", "192.168.0.10"),
+              "192.168.0.10 is the address of the interface itself; give another, set the address "
+              "and netmask first, or give --force");
+    EXPECT_EQ(Problem("eth0.address", "192.168.0.1"),
+              "192.168.0.1 is the gateway of the interface; give another, set the netmask or "
+              "gateway first, or give --force");
+}
+
+TEST_F(NetworkCheckTest, TheFirstAndTheLastAddressAreNoHosts) {
+    EXPECT_EQ(Problem("eth0.address", "10.0.0.0"),
+              "10.0.0.0 is the address of the network 10.0.0.0/24 itself, with the netmask that "
+              "the interface has; give another, set the netmask or gateway first, or give --force");
+    EXPECT_EQ(Problem("eth0.address", "10.0.0.255"),
+              "10.0.0.255 is the broadcast address of the network 10.0.0.0/24, with the netmask "
+              "that the interface has; give another, set the netmask or gateway first, or give "
+              "--force");
+    EXPECT_EQ(Problem("eth0.gateway", "192.168.0.0"),
+              "192.168.0.0 is the address of the network 192.168.0.0/24 itself; give another, set "
+              "the address and netmask first, or give --force");
+    EXPECT_EQ(Problem("eth0.gateway", "192.168.0.255"),
+              "192.168.0.255 is the broadcast address of the network 192.168.0.0/24; give another, "
+              "set the address and netmask first, or give --force");
+}
+
+TEST_F(NetworkCheckTest, AMaskHasToSuitTheAddress) {
+    EXPECT_EQ(Problem("eth0.netmask", "255.255.255.254"), "");
+    EXPECT_EQ(Problem("eth0.netmask", "255.255.255.255"), "");
+    WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.64\n");
+    EXPECT_EQ(Problem("eth0.netmask", "255.255.255.192"),
+              "255.255.255.192 makes the address of the interface the address of the network "
+              "192.168.0.64/26 itself; give another, set the address first, or give --force");
+    WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.63\n");
+    EXPECT_EQ(Problem("eth0.netmask", "255.255.255.192"),
+              "255.255.255.192 makes the address of the interface the broadcast address of the "
+              "network 192.168.0.0/26; give another, set the address first, or give --force");
+}
+
+TEST_F(NetworkCheckTest, WhatIsNotConfiguredIsNotHeldAgainstAValue) {
+    WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.10\n");
+    EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
+    EXPECT_EQ(Problem("eth0.address", "10.0.0.0"), "");
+    WriteFile(kInterfaces, "iface eth0 inet static\nnetmask 255.255.255.0\n");
+    EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
+    EXPECT_EQ(Problem("eth0.netmask", "255.0.0.0"), "");
+    WriteFile(kInterfaces, "iface eth0 inet static\naddress 10.0.0.5\nnetmask 255.0.255.0\n");
+    EXPECT_EQ(Problem("eth0.gateway", "192.168.0.1"), "") << "a mask with a gap is none";
+}
+
+TEST_F(NetworkCheckTest, ALeaseIsNotHeldAgainstAValue) {
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\naddress 192.168.0.10\nnetmask 255.255.255.0\n");
+    EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
+    EXPECT_EQ(Problem("eth0.address", "192.168.0.255"), "");
+}
+
+TEST_F(NetworkCheckTest, OnlyAddressesAreLookedAt) {
+    EXPECT_EQ(Problem("eth0.dns", "192.168.0.255"), "");
+    EXPECT_EQ(Problem("ntp-server", "192.168.0.10"), "");
+}
+
+}  // namespace

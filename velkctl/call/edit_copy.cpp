@@ -1,0 +1,173 @@
+// edit_copy.cpp - the copies in which the library edits files, and how far an edit came.
+#include "velkctl/call/edit_copy.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <set>
+#include <span>
+#include <string_view>
+
+#include <unistd.h>
+
+#include "velkctl/files/file_facts.h"
+#include "velkctl/files/paths.h"
+
+namespace velkctl {
+namespace {
+
+constexpr mode_t kCopyMode = 0600;
+// A host whose real and effective user differ makes its copies with it. Other programs of root's
+// make files of this mode as a rule: it proves nothing.
+constexpr mode_t kCopyModeForTwoUsers = 0644;
+constexpr mode_t kModeBits = 07777;
+constexpr size_t kMostShown = 10;
+
+std::string CopyPathOf(const DeviceFile& file) {
+    const std::string path = file.path;
+    return kEditFolder + path.substr(path.rfind('/'));
+}
+
+// Everybody may put a file there, or a link to one, and may rename a file of root's into place. The
+// library makes its copy anew: with one name, and this mode.
+bool IsMadeWith(mode_t mode, const struct stat& facts, const char* file) {
+    if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1 || (facts.st_mode & kModeBits) != mode) {
+        return false;
+    }
+    struct stat edited {};
+    return facts.st_uid == 0 || facts.st_uid == geteuid() ||
+           (stat(file, &edited) == 0 && facts.st_uid == edited.st_uid);
+}
+
+bool IsEmpty(const TextFile& file) {
+    return file.state == FileState::kMissing ||
+           (file.state == FileState::kText && file.bytes.empty());
+}
+
+// The library ends every line of a copy, and puts it in place when it is whole. A copy without its
+// end was not put in place; where the file is empty, it is all there is.
+EditState StateBetween(const TextFile& copy, const TextFile& file) {
+    if (IsEmpty(copy)) {
+        return EditState::kPart;
+    }
+    if (IsEmpty(file)) {
+        return EditState::kCut;
+    }
+    if (copy.state != FileState::kText || file.state != FileState::kText) {
+        return EditState::kUncompared;
+    }
+    if (copy.bytes == file.bytes) {
+        return EditState::kInPlace;
+    }
+    if (!copy.bytes.ends_with('\n') || file.bytes.starts_with(copy.bytes)) {
+        return EditState::kPart;
+    }
+    return copy.bytes.starts_with(file.bytes) ? EditState::kCut : EditState::kDiffers;
+}
+
+Lines LinesMissingFrom(const Lines& present, Lines lines) {
+    const std::set<std::string_view> known(present.begin(), present.end());
+    std::erase_if(lines, [&](const std::string& line) {
+        return Trimmed(line).empty() || known.contains(line);
+    });
+    return lines;
+}
+
+// A file without proof is not compared line by line: nobody is to copy lines of it unread.
+EditState StateWithoutProof(const EditCopy& copy) {
+    if (!IsMadeWith(kCopyModeForTwoUsers, copy.facts, copy.file->path)) {
+        return EditState::kForeign;
+    }
+    const EditState state = StateBetween(ReadTextFile(copy.path), ReadTextFile(copy.file->path));
+    return state == EditState::kCut ? EditState::kUnproven : EditState::kForeign;
+}
+
+void Compare(EditCopy& copy) {
+    const TextFile text = ReadTextFile(copy.path);
+    const TextFile file = ReadTextFile(copy.file->path);
+    copy.state = copy.facts.st_size == 0 ? EditState::kPart : StateBetween(text, file);
+    if (text.state == FileState::kText) {
+        copy.has_end = text.bytes.ends_with('\n');
+    }
+    if (text.state == FileState::kText && (file.state == FileState::kText || IsEmpty(file))) {
+        copy.new_lines = LinesMissingFrom(file.lines, text.lines);
+    }
+}
+
+std::optional<EditCopy> FindCopyOf(const DeviceFile& file) {
+    EditCopy copy{&file, CopyPathOf(file), {}, EditState::kForeign};
+    if (lstat(copy.path.c_str(), &copy.facts) == -1) {
+        return std::nullopt;
+    }
+    if (IsMadeWith(kCopyMode, copy.facts, file.path)) {
+        Compare(copy);
+    } else {
+        copy.state = StateWithoutProof(copy);
+    }
+    return copy;
+}
+
+// Those that are there of the edited files that are wanted.
+std::vector<EditCopy> FindCopies(const std::function<bool(const DeviceFile&)>& is_wanted) {
+    std::vector<EditCopy> copies;
+    for (const DeviceFile& file : DeviceFiles()) {
+        if (file.change != Change::kByEdit || !is_wanted(file)) {
+            continue;
+        }
+        if (std::optional<EditCopy> copy = FindCopyOf(file)) {
+            copies.push_back(*copy);
+        }
+    }
+    return copies;
+}
+
+// With a path, flock(1) would make a lock file of its own mode, and the kernel may keep even root
+// from opening another user's that way. There is no lock to take where nobody has made one yet.
+std::string UnderLock(const std::string& commands) {
+    if (access(kLockFile, F_OK) == -1) {
+        return commands;
+    }
+    return "(flock 9 && " + commands + ") 9< " + kLockFile;
+}
+
+}  // namespace
+
+std::vector<EditCopy> FindEditCopies() {
+    return FindCopies([](const DeviceFile&) { return true; });
+}
+
+std::vector<EditCopy> FindEditCopies(const Command& command) {
+    if (command.type != VELK_SET) {
+        return {};
+    }
+    return FindCopies([&](const DeviceFile& file) {
+        return std::ranges::find(file.changed_by, command.id) != file.changed_by.end();
+    });
+}
+
+std::string AdditionsOf(const EditCopy& copy) {
+    if (!copy.new_lines) {
+        return {};
+    }
+    const size_t count = copy.new_lines->size();
+    const size_t shown = std::min(count, kMostShown);
+    std::string lines;
+    for (const std::string& line : std::span(*copy.new_lines).first(shown)) {
+        lines.append(lines.empty() ? " " : ", ").append(Excerpt(line));
+    }
+    if (count > shown) {
+        lines.append(" and ").append(std::to_string(count - shown)).append(" more");
+    }
+    return "; the copy would add" + (count == 0 ? " no line" : lines);
+}
+
+std::string FinishingOf(const EditCopy& copy) {
+    return "compare both files, as with 'diff " + std::string(copy.file->path) + " " + copy.path +
+           "', and if the copy is right, copy its text into the file by hand, as root";
+}
+
+std::string DiscardingOf(const EditCopy& copy) {
+    return UnderLock(RemovalOf(copy.path, copy.facts));
+}
+
+}  // namespace velkctl

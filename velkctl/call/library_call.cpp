@@ -1,0 +1,22 @@
+// library_call.cpp - the one way from velkctl to the device: a command of the library.
+#include "velkctl/call/library_call.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace velkctl {
+
+Answer CallLibrary(const Command& command, const Data& data) {
+    _velk_request request{};
+    (void)command.interface.copy(request.interface, sizeof(request.interface));
+    request.command_type = command.type;
+    request.command_id = command.id;
+    std::copy(data.begin(), data.end(), std::begin(request.data));
+
+    _velk_request response{};
+    Answer answer{execute_velk_command(&request, &response)};
+    std::copy(std::begin(response.data), std::end(response.data), answer.data.begin());
+    return answer;
+}
+
+}  // namespace velkctl

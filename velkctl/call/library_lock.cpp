@@ -1,0 +1,39 @@
+// library_lock.cpp - the lock between programs that change settings, taken without the library.
+#include "velkctl/call/library_lock.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include "velkctl/files/paths.h"
+
+namespace velkctl {
+namespace {
+
+// A file that was removed and made anew can be locked twice: only the lock of the one at the path
+// keeps other programs away.
+bool IsAtItsPath(int fd) {
+    struct stat opened {};
+    struct stat named {};
+    return fstat(fd, &opened) == 0 && lstat(kLockFile, &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+}  // namespace
+
+// Without O_CREAT: the library makes the file, with a mode for every user.
+LibraryLock::LibraryLock()
+    : fd_(open(kLockFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)), state_(TryToTake()) {
+}
+
+LibraryLock::State LibraryLock::TryToTake() {
+    if (fd_.get() == -1) {
+        return errno == ENOENT ? State::kNoFile : State::kBusy;
+    }
+    const bool is_locked = flock(fd_.get(), LOCK_EX | LOCK_NB) == 0;
+    return is_locked && IsAtItsPath(fd_.get()) ? State::kHeld : State::kBusy;
+}
+
+}  // namespace velkctl

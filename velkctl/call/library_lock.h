@@ -1,0 +1,31 @@
+// library_lock.h - the lock between programs that change settings, taken without the library.
+#ifndef VELKCTL_CALL_LIBRARY_LOCK_H_
+#define VELKCTL_CALL_LIBRARY_LOCK_H_
+
+#include "lib/base/unique_fd.h"
+
+namespace velkctl {
+
+// Tries once to take the lock, and gives it back at its end. The library's own functions write to
+// the system log, which stops their caller while nobody reads it: velkctl must end then, too.
+class LibraryLock {
+  public:
+    LibraryLock();
+
+    // True while no other program changes settings.
+    bool is_held() const { return state_ == State::kHeld; }
+    // True if another program may be changing settings. Without a lock file none is.
+    bool is_busy() const { return state_ == State::kBusy; }
+
+  private:
+    enum class State { kHeld, kBusy, kNoFile };
+
+    State TryToTake();
+
+    velk::UniqueFd fd_;
+    State state_;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CALL_LIBRARY_LOCK_H_

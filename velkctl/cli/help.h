@@ -1,0 +1,28 @@
+// help.h - the help texts of velkctl and of its verbs.
+#ifndef VELKCTL_CLI_HELP_H_
+#define VELKCTL_CLI_HELP_H_
+
+#include <string>
+#include <string_view>
+
+#include "velkctl/cli/verbs.h"
+
+namespace velkctl {
+
+// Asks for help in the place of a verb, or in front of one.
+inline constexpr std::string_view kHelpVerb = "help";
+
+// "velkctl list"
+std::string CommandName(const Verb& verb);
+
+// "velkctl list [eth0|eth1] [--json]"
+std::string Usage(const Verb& verb);
+
+std::string VerbHelp(const Verb& verb);
+
+// Of the tool itself, with its verbs and exit statuses.
+std::string ToolHelp();
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CLI_HELP_H_

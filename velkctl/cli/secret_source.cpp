@@ -1,0 +1,152 @@
+// secret_source.cpp - secrets that need not stand on a command line.
+#include "velkctl/cli/secret_source.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "lib/base/unique_fd.h"
+#include "velkctl/call/stop_signals.h"
+#include "velkctl/text/data.h"
+
+namespace velkctl {
+namespace {
+
+Secret Problem(std::string_view source, std::string_view what) {
+    return {{}, std::string(source).append(" ").append(what)};
+}
+
+Secret CannotRead(std::string_view source, int error) {
+    return Problem(source, std::string("cannot be read: ") + strerror(error) +
+                               "; '-' takes the value from standard input, @FILE from a file");
+}
+
+// Reads up to the end of the line and no further, which only single bytes allow. `read_byte` is
+// read(2) of one.
+template <typename ReadByte>
+Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
+    Secret secret;
+    char byte = '\0';
+    ssize_t got = 0;
+    while ((got = read_byte(byte)) == 1 && byte != '\n') {
+        if (secret.text.size() == longest) {
+            return Problem(source, "has a line of more than " + std::to_string(longest) +
+                                       " bytes; give the value alone");
+        }
+        secret.text.push_back(byte);
+    }
+    if (got == -1) {
+        return CannotRead(source, errno);
+    }
+    if (got == 0 && secret.text.empty()) {
+        return Problem(source, "is empty; give the value as one line");
+    }
+    return secret;
+}
+
+Secret ReadFile(const char* path, size_t longest) {
+    constexpr std::string_view kSource = "the file behind @";
+    const velk::UniqueFd file(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (file.get() == -1) {
+        return CannotRead(kSource, errno);
+    }
+    const auto read_byte = [&file](char& byte) { return read(file.get(), &byte, 1); };
+    Secret secret = ReadLine(kSource, longest, read_byte);
+    char more = '\0';
+    if (secret.problem.empty() && read_byte(more) == 1) {
+        return Problem(kSource, "has more than one line; give the value as the only one");
+    }
+    return secret;
+}
+
+// Standard input; what is typed there is not shown while this lives. A signal that would end
+// velkctl ends it when the terminal is as it was.
+class HiddenTyping {
+  public:
+    HiddenTyping()
+        : signal_fd_(signalfd(-1, &signals_.signals(), SFD_CLOEXEC)),
+          is_terminal_(tcgetattr(STDIN_FILENO, &before_) == 0) {
+        if (is_terminal_) {
+            termios hidden = before_;
+            hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+            (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+        }
+    }
+    ~HiddenTyping() {
+        if (is_terminal_) {
+            (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
+        }
+    }
+    HiddenTyping(const HiddenTyping&) = delete;
+    HiddenTyping& operator=(const HiddenTyping&) = delete;
+
+    bool is_terminal() const { return is_terminal_; }
+
+    // As read(2); a signal is as good as the end of the input.
+    ssize_t ReadByte(char& byte) const {
+        std::array<pollfd, 2> awaited{{{STDIN_FILENO, POLLIN, 0}, {signal_fd_.get(), POLLIN, 0}}};
+        (void)poll(awaited.data(), awaited.size(), -1);
+        return signals_.Pending() == 0 ? read(STDIN_FILENO, &byte, 1) : 0;
+    }
+
+  private:
+    const StopSignals signals_;  // let through last
+    const velk::UniqueFd signal_fd_;
+    termios before_{};
+    const bool is_terminal_;
+};
+
+// Shows a text to the person who types, and to nobody who reads velkctl's output.
+void ShowAtTerminal(const std::string& text) {
+    const velk::UniqueFd terminal(open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    const int fd = terminal.get() == -1 ? STDERR_FILENO : terminal.get();
+    (void)!write(fd, text.data(), text.size());
+}
+
+Secret Ask(const std::string& question, size_t longest = VELK_DATA_SIZE) {
+    const HiddenTyping hidden;
+    if (hidden.is_terminal()) {
+        ShowAtTerminal(question);
+    }
+    Secret secret = ReadLine("standard input", longest,
+                             [&hidden](char& byte) { return hidden.ReadByte(byte); });
+    if (hidden.is_terminal()) {
+        ShowAtTerminal("\n");  // in the place of the one that was typed
+    }
+    return secret;
+}
+
+}  // namespace
+
+Secret ReadSecret(const std::string& word, size_t longest) {
+    if (word == "-") {
+        return Ask("value: ", longest);
+    }
+    if (word.starts_with('@')) {
+        return ReadFile(word.c_str() + 1, longest);
+    }
+    return {word, {}};
+}
+
+bool CanAskForSecret() {
+    return isatty(STDIN_FILENO) == 1;
+}
+
+Secret AskForSecret(const std::string& name) {
+    Secret secret = Ask("new value of " + name + ": ");
+    if (!secret.problem.empty()) {
+        return secret;
+    }
+    const Secret again = Ask("the same again: ");
+    return again.text == secret.text ? secret
+                                     : Problem("the second value", "differs from the first");
+}
+
+}  // namespace velkctl

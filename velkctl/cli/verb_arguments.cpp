@@ -1,0 +1,196 @@
+// verb_arguments.cpp - what stands behind a verb: its options, and words that are none.
+#include "velkctl/cli/verb_arguments.h"
+
+#include <algorithm>
+#include <span>
+
+#include <getopt.h>
+
+#include "velkctl/cli/help.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/escaping.h"
+#include "velkctl/text/spelling.h"
+
+namespace velkctl {
+namespace {
+
+template <typename Row>
+const Row* Find(std::span<const Row> rows, std::string_view name) {
+    const auto row = std::ranges::find(rows, name, &Row::name);
+    return row == rows.end() ? nullptr : &*row;
+}
+
+using Flag = bool Invocation::*;
+
+Flag FindFlag(const Verb& verb, std::string_view name) {
+    if (name == "--help" || name == "-h") {
+        return &Invocation::help;
+    }
+    const VerbFlag* row = Find(verb.flags, name);
+    return row == nullptr ? nullptr : row->target;
+}
+
+std::vector<std::string> OptionNames(const Verb& verb) {
+    std::vector<std::string> names{"--help"};
+    for (const VerbOption& option : verb.options) {
+        names.emplace_back(option.name);
+    }
+    for (const VerbFlag& flag : verb.flags) {
+        names.emplace_back(flag.name);
+    }
+    return names;
+}
+
+// The verb's options for getopt_long(3): without dashes, and with a zero behind them, as literals
+// have it.
+std::vector<option> OptionRows(const Verb& verb) {
+    std::vector<option> rows{{"help", no_argument, nullptr, 0}, {"h", no_argument, nullptr, 0}};
+    for (const VerbOption& row : verb.options) {
+        const int has_value = row.implied.empty() ? required_argument : optional_argument;
+        rows.push_back({row.name.data() + 2, has_value, nullptr, 0});
+    }
+    for (const VerbFlag& row : verb.flags) {
+        rows.push_back({row.name.data() + 2, no_argument, nullptr, 0});
+    }
+    rows.push_back({});
+    return rows;
+}
+
+bool LooksLikeOption(std::string_view word) {
+    return word.size() > 1 && word[0] == '-' && (word[1] < '0' || word[1] > '9');
+}
+
+bool IsNumber(std::string_view word) {
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// What helps who means a word by it, and not an option.
+std::string DashHint(const Verb& verb) {
+    return verb.run == RunSet ? "; put -- before a value that begins with a dash" : "";
+}
+
+// Says whether the next word of a verb may be a number: a value, or the id of a command.
+bool TakesNumber(const Verb& verb, const Words& words_before) {
+    const bool is_second = 1 == std::ranges::count_if(words_before, [](const std::string& word) {
+                               return !LooksLikeOption(word);
+                           });
+    return is_second && (verb.run == RunSet || verb.run == RunCall);
+}
+
+// Says whether any of the words may be a secret: beside the name or id of one, and behind a name
+// that is misspelt.
+bool MayHoldSecret(const Verb& verb, const Words& words) {
+    const auto first = std::ranges::find_if_not(words, LooksLikeOption);
+    if (verb.run == RunSet && first != words.end() && !FindSetting(Catalogue(), *first)) {
+        return true;
+    }
+    return std::ranges::any_of(
+        words, [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+}
+
+std::string TakesNoValue(std::string_view flag) {
+    return "option " + Quoted(flag) + " takes no value; leave it out";
+}
+
+std::string NeedsValue(std::string_view option) {
+    return "option " + Quoted(option) + " needs a value behind it";
+}
+
+// Takes an option, whose value is in optarg, and says what is wrong with it. `next` stands behind.
+std::string TakeOption(const Verb& verb, const VerbOption& option, const char* next,
+                       Arguments& read) {
+    const std::string name(option.name);
+    if (optarg == nullptr && next != nullptr && IsNumber(next) &&
+        !TakesNumber(verb, read.invocation.words)) {
+        // The number is not repeated: it may be a key.
+        return name + " takes its seconds behind '='; write " + name + "=SECONDS";
+    }
+    std::optional<std::string>& value = read.invocation.*option.target;
+    if (value) {
+        read.twice = option.name;
+    }
+    const bool is_empty = optarg == nullptr || *optarg == '\0';
+    value.emplace(is_empty ? option.implied : optarg);
+    return {};
+}
+
+// Takes what is no option of the verb.
+void TakeWord(std::string_view word, Arguments& read) {
+    if (read.unknown.empty() && LooksLikeOption(word)) {
+        read.unknown = word;
+    }
+    read.invocation.words.emplace_back(word);
+}
+
+}  // namespace
+
+Arguments ReadArguments(const Verb& verb, Words given) {
+    std::vector<char*> pointers{nullptr};  // in the place of the program's name
+    for (std::string& argument : given) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    char* const* argv = pointers.data();
+    const int argc = static_cast<int>(given.size()) + 1;
+    const std::vector<option> rows = OptionRows(verb);
+    // "-": words come in their order. There are no letters, so "-hello" is one option and not five.
+    const auto next = [&] { return getopt_long_only(argc, argv, "-", rows.data(), nullptr); };
+    opterr = 0;  // it says nothing itself
+    optind = 0;  // it has read other arguments before, in a test
+    Arguments read;
+    int found = 0;
+    for (int at = 1; read.problem.empty() && (found = next()) != -1; at = optind) {
+        const bool is_wrong = found == '?';
+        const std::string_view name = WithoutValue(argv[at]);
+        if (const Flag flag = FindFlag(verb, name)) {
+            read.invocation.*flag = true;
+            read.problem = is_wrong ? TakesNoValue(name) : "";
+        } else if (const VerbOption* option = Find(verb.options, name)) {
+            read.problem =
+                is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
+        } else {
+            optind = at + 1;  // behind the beginning of a name it may have taken a value
+            TakeWord(argv[at], read);
+        }
+    }
+    Words& words = read.invocation.words;
+    words.insert(words.end(), argv + optind, argv + argc);  // those behind "--"
+    read.invocation.beside_secret = MayHoldSecret(verb, words);
+    return read;
+}
+
+std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
+    const Invocation& invocation = arguments.invocation;
+    if (!arguments.twice.empty()) {
+        return "option " + Quoted(arguments.twice) + " is given twice; give it once";
+    }
+    if (!arguments.unknown.empty()) {
+        return UnknownOption(verb, arguments.unknown, invocation.beside_secret);
+    }
+    if (invocation.words.size() < verb.min_words) {
+        return "argument missing; usage: " + Usage(verb);
+    }
+    if (invocation.words.size() > verb.max_words) {
+        return invocation.Shown(invocation.words[verb.max_words]) +
+               " is one argument too many; usage: " + Usage(verb);
+    }
+    return {};
+}
+
+std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key) {
+    const std::string_view name = WithoutValue(option);
+    return "unknown option" +
+           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(name)) +
+           DidYouMean(name, OptionNames(verb),
+                      "'" + CommandName(verb) + " --help' lists the options" + DashHint(verb));
+}
+
+bool HasOption(const Verb& verb, std::string_view name) {
+    return Find(verb.options, name) != nullptr || Find(verb.flags, name) != nullptr;
+}
+
+std::string_view WithoutValue(std::string_view argument) {
+    return argument.substr(0, argument.find('='));
+}
+
+}  // namespace velkctl

@@ -1,0 +1,86 @@
+// file_facts.cpp - what there is to say about a file that should not be there.
+#include "velkctl/files/file_facts.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+
+#include <unistd.h>
+
+namespace velkctl {
+namespace {
+
+struct Unit {
+    long long seconds;
+    const char* name;
+};
+constexpr std::array<Unit, 4> kUnits{
+    {{24 * 60 * 60, "day"}, {60 * 60, "hour"}, {60, "minute"}, {1, "second"}}};
+
+// A sticky folder does not count as safe: everybody may make a file there.
+bool IsChangedByRootOnly(const std::string& path, mode_t kind) {
+    struct stat facts {};
+    return lstat(path.c_str(), &facts) == 0 && (facts.st_mode & S_IFMT) == kind &&
+           facts.st_uid == 0 && (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+}  // namespace
+
+std::string InWords(long long seconds) {
+    const auto* unit = std::ranges::find_if(
+        kUnits, [&](const Unit& candidate) { return seconds >= candidate.seconds; });
+    const Unit& used = unit == kUnits.end() ? kUnits.back() : *unit;
+    const long long number = seconds / used.seconds;
+    return std::to_string(number) + " " + used.name + (number == 1 ? "" : "s");
+}
+
+std::string AgeOf(const struct stat& facts) {
+    // A clock that was set back since makes it young.
+    return InWords(std::max(0LL, static_cast<long long>(time(nullptr) - facts.st_mtime)));
+}
+
+std::string KindOf(mode_t mode) {
+    switch (mode & S_IFMT) {
+        case S_IFREG:
+            return "a file";
+        case S_IFLNK:
+            return "a symbolic link";
+        case S_IFDIR:
+            return "a folder";
+        case S_IFIFO:
+            return "a FIFO";
+        case S_IFSOCK:
+            return "a socket";
+        default:
+            return "a device";
+    }
+}
+
+bool MayRemove(const std::string& path, const struct stat& facts) {
+    const std::string name = path.substr(0, path.rfind('/'));
+    struct stat folder {};
+    if (geteuid() == 0 || stat(name.c_str(), &folder) == -1) {
+        return true;
+    }
+    return (folder.st_mode & S_ISVTX) == 0 || facts.st_uid == geteuid() ||
+           folder.st_uid == geteuid();
+}
+
+bool IsRootsAlone(const std::string& path) {
+    if (!path.starts_with('/')) {
+        return false;
+    }
+    for (size_t slash = 0; slash != std::string::npos; slash = path.find('/', slash + 1)) {
+        // A slash at its end would have lstat(2) follow a link.
+        if (!IsChangedByRootOnly(slash == 0 ? "/" : path.substr(0, slash), S_IFDIR)) {
+            return false;
+        }
+    }
+    return IsChangedByRootOnly(path, S_IFREG);
+}
+
+std::string RemovalOf(const std::string& path, const struct stat& facts) {
+    return (S_ISDIR(facts.st_mode) ? "rm -r " : "rm ") + path;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,170 @@
+// tool_run.cpp - runs a tool of the device for a moment, and finds it as a shell does.
+#include "velkctl/files/tool_run.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "lib/base/file_io.h"
+#include "lib/base/unique_fd.h"
+#include "velkctl/call/environment.h"
+
+extern char** environ;
+
+namespace velkctl {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kPause{10};
+constexpr size_t kMostOutput = 64 * 1024;
+
+bool IsExecutable(const std::string& path) {
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+           faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+std::optional<std::string> FindIn(std::string_view folders, std::string_view name) {
+    for (;;) {
+        const std::string_view folder = folders.substr(0, folders.find(':'));
+        // An empty one is the current folder.
+        const std::string path =
+            std::string(folder.empty() ? "." : folder).append("/").append(name);
+        if (IsExecutable(path)) {
+            return path;
+        }
+        if (folder.size() == folders.size()) {
+            return std::nullopt;
+        }
+        folders.remove_prefix(folder.size() + 1);
+    }
+}
+
+// What a started tool is to have for its standard streams, and a group of its own to be killed by.
+class SpawnPlan {
+  public:
+    explicit SpawnPlan(int output) {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+        posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawnattr_init(&attributes_);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP);
+        posix_spawnattr_setpgroup(&attributes_, 0);
+    }
+    ~SpawnPlan() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+    SpawnPlan(const SpawnPlan&) = delete;
+    SpawnPlan& operator=(const SpawnPlan&) = delete;
+
+    // -1 when it cannot be started.
+    pid_t Start(const std::string& path, const std::vector<std::string>& words) const {
+        std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
+        for (const std::string& word : words) {
+            arguments.push_back(const_cast<char*>(word.c_str()));
+        }
+        arguments.push_back(nullptr);
+        pid_t pid = -1;
+        const int error =
+            posix_spawn(&pid, path.c_str(), &actions_, &attributes_, arguments.data(), environ);
+        return error == 0 ? pid : -1;
+    }
+
+  private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+};
+
+// Reads up to the end of the output; false when that does not come in time.
+bool ReadOutput(int fd, Clock::time_point deadline, std::string& output) {
+    char block[4096];
+    for (;;) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        pollfd waited{fd, POLLIN, 0};
+        const int ready = left.count() > 0 ? poll(&waited, 1, static_cast<int>(left.count())) : 0;
+        if (ready == -1 && errno == EINTR) {
+            continue;
+        }
+        if (ready <= 0) {
+            return false;
+        }
+        const ssize_t count = velk::ReadSome(fd, block, sizeof(block));
+        if (count <= 0) {
+            return true;
+        }
+        if (output.size() < kMostOutput) {
+            output.append(block, static_cast<size_t>(count));
+        }
+    }
+}
+
+// Waits for the end of the tool; false when it does not come in time.
+bool AwaitEnd(pid_t pid, Clock::time_point deadline, int& status) {
+    for (;;) {
+        const pid_t ended = waitpid(pid, &status, WNOHANG);
+        if (ended == pid) {
+            return true;
+        }
+        if ((ended == -1 && errno != EINTR) || Clock::now() >= deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+}  // namespace
+
+std::optional<std::string> FindTool(std::string_view name, std::string_view folders) {
+    if (name.find('/') != std::string_view::npos) {
+        const std::string path(name);
+        return IsExecutable(path) ? std::optional(path) : std::nullopt;
+    }
+    return FindIn(folders, name);
+}
+
+std::optional<std::string> FindTool(std::string_view name) {
+    const char* folders = getenv("PATH");
+    return FindTool(name, folders == nullptr ? kToolFolders : folders);
+}
+
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest) {
+    const std::optional<std::string> path = FindTool(words.front());
+    int ends[2];
+    if (!path || pipe2(ends, O_CLOEXEC) == -1) {
+        return {};
+    }
+    const velk::UniqueFd read_end(ends[0]);
+    velk::UniqueFd write_end(ends[1]);
+    const pid_t pid = SpawnPlan(write_end.get()).Start(*path, words);
+    write_end.Reset();
+    if (pid == -1) {
+        return {};
+    }
+    ToolRun run;
+    const Clock::time_point deadline = Clock::now() + longest;
+    int status = 0;
+    run.ended = ReadOutput(read_end.get(), deadline, run.output) && AwaitEnd(pid, deadline, status);
+    if (!run.ended) {
+        (void)kill(-pid, SIGKILL);
+        // One that runs as root, as sudo does, may not be killed; it is not waited for.
+        (void)AwaitEnd(pid, Clock::now() + std::chrono::seconds(1), status);
+        return run;
+    }
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return run;
+}
+
+}  // namespace velkctl

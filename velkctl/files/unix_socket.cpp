@@ -1,0 +1,42 @@
+// unix_socket.cpp - whether a program listens at a socket of the file system.
+#include "velkctl/files/unix_socket.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include "lib/base/unique_fd.h"
+#include "velkctl/files/text_file.h"
+
+namespace velkctl {
+namespace {
+
+// What the kernel says to one who may not connect: a table with the path each was bound to. It does
+// not know whether the file there now is still the same one.
+bool IsListed(const std::string& path) {
+    const TextFile sockets = ReadTextFile("/proc/net/unix");
+    const std::string end = " " + path + "\n";
+    return std::ranges::any_of(sockets.lines,
+                               [&](const std::string& line) { return line.ends_with(end); });
+}
+
+}  // namespace
+
+bool IsBound(const std::string& path) {
+    const velk::UniqueFd probe(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    if (connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0) {
+        return true;
+    }
+    if (errno == EACCES) {
+        return IsListed(path);
+    }
+    // Any other refusal comes from somebody: one of another type, one that is connected.
+    return errno != ECONNREFUSED && errno != ENOENT;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,57 @@
+// progress.cpp - the line that tells a person at a terminal what is waited for.
+#include "velkctl/report/progress.h"
+
+#include <cstdio>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace velkctl {
+namespace {
+
+constexpr size_t kUsualWidth = 80;
+
+// A line as wide as the terminal would not be written over by the next one.
+size_t RoomForLine() {
+    winsize size{};
+    const bool is_known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return (is_known ? size.ws_col : kUsualWidth) - 1;
+}
+
+}  // namespace
+
+std::string ProgressLine(std::string_view what, std::string_view awaited, long seconds,
+                         long longest) {
+    std::string line(what);
+    line.append(": ").append(std::to_string(seconds)).append(" s");
+    if (longest > 0) {
+        line.append(" of at most ").append(std::to_string(longest)).append(" s");
+    }
+    return line.append(", waiting for ").append(awaited);
+}
+
+void ProgressDisplay::Show(std::string_view line) {
+    if (!is_shown_) {
+        return;
+    }
+    line = line.substr(0, RoomForLine());
+    std::string text(1, '\r');
+    text.append(line);
+    if (line.size() < width_) {
+        text.append(width_ - line.size(), ' ');
+    }
+    (void)fputs(text.c_str(), stderr);
+    width_ = line.size();
+}
+
+void ProgressDisplay::Clear() {
+    if (width_ == 0) {
+        return;
+    }
+    std::string text(1, '\r');
+    text.append(width_, ' ').append(1, '\r');
+    (void)fputs(text.c_str(), stderr);
+    width_ = 0;
+}
+
+}  // namespace velkctl

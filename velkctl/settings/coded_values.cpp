@@ -1,0 +1,126 @@
+// coded_values.cpp - values that are one byte out of a table.
+#include "velkctl/settings/coded_values.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "velkctl/text/escaping.h"
+#include "velkctl/text/spelling.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+constexpr size_t kLongestListing = 3;  // more numbers than this are told as "1 to 13"
+
+}  // namespace
+
+bool CodedKind::has_names() const {
+    return std::any_of(values_.begin(), values_.end(),
+                       [](const CodedValue& value) { return !value.name.empty(); });
+}
+
+bool CodedKind::takes_numbers() const {
+    return std::any_of(values_.begin(), values_.end(),
+                       [](const CodedValue& value) { return value.name.empty(); });
+}
+
+bool CodedKind::Matches(const CodedValue& value, std::string_view word) const {
+    return (!value.name.empty() && word == value.name) ||
+           (takes_numbers() && word == std::to_string(value.code));
+}
+
+// "100-full", "4", or "2 (wep)" where both are taken.
+std::string CodedKind::InWords(const CodedValue& value) const {
+    if (!takes_numbers()) {
+        return std::string(value.name);
+    }
+    const std::string number = std::to_string(value.code);
+    return value.name.empty() ? number : number + " (" + std::string(value.name) + ")";
+}
+
+std::string CodedKind::Wanted() const {
+    if (!has_names() && values_.size() > kLongestListing) {
+        return "a number from " + InWords(values_.front()) + " to " + InWords(values_.back());
+    }
+    std::vector<std::string> words;
+    for (const CodedValue& value : values_) {
+        words.push_back(InWords(value));
+    }
+    return OneOf(words);
+}
+
+Parsed CodedKind::Parse(std::span<const std::string> words) const {
+    if (std::string problem = OneWordProblem(words); !problem.empty()) {
+        return Unparsable(std::move(problem));
+    }
+    const std::string& word = words.front();
+    const auto value = std::find_if(values_.begin(), values_.end(),
+                                    [&](const CodedValue& known) { return Matches(known, word); });
+    if (value == values_.end()) {
+        return Unparsable(Quoted(word) + " is not one of its values" +
+                          DidYouMean(word, Values(), "give " + Wanted()));
+    }
+    Parsed parsed;
+    parsed.data[0] = static_cast<char>(value->code);
+    return parsed;
+}
+
+const CodedValue* CodedKind::Find(uint8_t code) const {
+    const auto value = std::find_if(values_.begin(), values_.end(),
+                                    [code](const CodedValue& known) { return known.code == code; });
+    return value == values_.end() ? nullptr : &*value;
+}
+
+Parsed CodedKind::Force(std::span<const std::string> words) const {
+    Parsed parsed = Parse(words);
+    if (parsed.ok() || words.size() != 1) {
+        return parsed;
+    }
+    uint8_t code = 0;
+    const std::string& word = words.front();
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, code);
+    if (error != std::errc() || stop != end) {
+        return parsed;
+    }
+    parsed.problem.clear();
+    parsed.data[0] = static_cast<char>(code);
+    return parsed;
+}
+
+std::vector<std::string> CodedKind::Values() const {
+    std::vector<std::string> values;
+    for (const CodedValue& value : values_) {
+        values.push_back(value.name.empty() ? std::to_string(value.code) : std::string(value.name));
+    }
+    return values;
+}
+
+std::vector<Meaning> CodedKind::Meanings() const {
+    std::vector<Meaning> meanings;
+    for (const CodedValue& value : values_) {
+        if (!value.meaning.empty()) {
+            meanings.push_back({value.name, value.meaning});
+        }
+    }
+    return meanings;
+}
+
+std::string CodedKind::Print(const Data& data) const {
+    const auto code = static_cast<uint8_t>(data[0]);
+    const CodedValue* value = Find(code);
+    return value == nullptr || value->name.empty() ? std::to_string(code)
+                                                   : std::string(value->name);
+}
+
+nlohmann::ordered_json CodedKind::ToJson(const Data& data) const {
+    const auto code = static_cast<uint8_t>(data[0]);
+    const CodedValue* value = Find(code);
+    if (value == nullptr || value->name.empty()) {
+        return code;
+    }
+    return value->name;
+}
+
+}  // namespace velkctl

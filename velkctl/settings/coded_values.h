@@ -1,0 +1,59 @@
+// coded_values.h - values that are one byte out of a table.
+#ifndef VELKCTL_SETTINGS_CODED_VALUES_H_
+#define VELKCTL_SETTINGS_CODED_VALUES_H_
+
+#include <array>
+#include <cstdint>
+
+#include "velkctl/settings/value_kind.h"
+
+namespace velkctl {
+
+struct CodedValue {
+    uint8_t code;
+    std::string_view name{};     // empty when it is written as its number
+    std::string_view meaning{};  // where the name does not say it
+};
+
+// The first data byte is one of the codes of a table. A code is written by its name; where some
+// codes have none, the number of any of them is taken too.
+class CodedKind final : public ValueKind {
+  public:
+    constexpr explicit CodedKind(std::span<const CodedValue> values) : values_(values) {}
+
+    std::string Wanted() const override;
+    std::string Example() const override { return Values().front(); }
+    Parsed Parse(std::span<const std::string> words) const override;
+    // The number of any byte.
+    Parsed Force(std::span<const std::string> words) const override;
+    std::vector<std::string> Values() const override;
+    std::vector<Meaning> Meanings() const override;
+    // A code that the table does not have is shown as its number.
+    std::string Print(const Data& data) const override;
+    // The name, or the number of a code without one.
+    nlohmann::ordered_json ToJson(const Data& data) const override;
+
+  private:
+    bool has_names() const;
+    bool takes_numbers() const;
+    bool Matches(const CodedValue& value, std::string_view word) const;
+    const CodedValue* Find(uint8_t code) const;
+    std::string InWords(const CodedValue& value) const;
+
+    std::span<const CodedValue> values_;
+};
+
+// A table of the numbers from `kFirst` to `kLast`.
+template <uint8_t kFirst, uint8_t kLast>
+constexpr std::array<CodedValue, kLast - kFirst + 1> NumberTable() {
+    std::array<CodedValue, kLast - kFirst + 1> table{};
+    uint8_t number = kFirst;
+    for (CodedValue& value : table) {
+        value.code = number++;
+    }
+    return table;
+}
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SETTINGS_CODED_VALUES_H_

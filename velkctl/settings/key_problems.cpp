@@ -1,0 +1,21 @@
+// key_problems.cpp - what is wrong with the text of a key, beside its length.
+#include "velkctl/settings/key_problems.h"
+
+#include "velkctl/text/escaping.h"
+
+namespace velkctl {
+
+std::string_view KeyProblem(std::string_view key) {
+    // It was copied from what get or show tell, and would take the place of the key.
+    return key == kMask ? "this is the mask that is shown in place of a key" : "";
+}
+
+std::string_view WepKeyProblem(std::string_view key) {
+    const bool is_hex = key.size() == 10 || key.size() == 26;
+    if (is_hex && key.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos) {
+        return "a key of 10 or 26 bytes consists of hex digits";
+    }
+    return KeyProblem(key);
+}
+
+}  // namespace velkctl

@@ -1,0 +1,33 @@
+// raw_values.cpp - values that are bytes and numbers as the device reports them.
+#include "velkctl/settings/raw_values.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include "velkctl/text/hex.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+uint16_t NumberAt(const Data& data, size_t offset) {
+    uint16_t number = 0;
+    memcpy(&number, &data[offset], sizeof(number));
+    return number;
+}
+
+}  // namespace
+
+std::string HexBytesKind::Print(const Data& data) const {
+    return ToHex({data.data(), count_});
+}
+
+std::string NumberPairKind::Print(const Data& data) const {
+    return std::to_string(NumberAt(data, 0)) + " " + std::to_string(NumberAt(data, 2));
+}
+
+nlohmann::ordered_json NumberPairKind::ToJson(const Data& data) const {
+    return {NumberAt(data, 0), NumberAt(data, 2)};
+}
+
+}  // namespace velkctl

@@ -1,0 +1,215 @@
+// schedule_value.cpp - when something is to be done again and again.
+#include "velkctl/settings/schedule_value.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <optional>
+
+#include "velkctl/text/escaping.h"
+#include "velkctl/text/spelling.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kWanted =
+    "'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
+constexpr std::string_view kOff = "off";
+constexpr std::string_view kRaw = "schedule";    // of a type that there is not
+constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
+constexpr size_t kTimeOffset = 2;
+
+constexpr std::string_view kEvery = "every";
+constexpr std::string_view kDaily = "daily";
+constexpr std::string_view kWeekly = "weekly";
+constexpr std::string_view kMonthly = "monthly";
+constexpr std::array kForms{kEvery, kDaily, kWeekly, kMonthly, kOff};
+constexpr std::array<std::string_view, 7> kWeekdays{"sunday",   "monday", "tuesday", "wednesday",
+                                                    "thursday", "friday", "saturday"};
+
+struct Schedule {
+    int type;
+    int value;
+    std::string time;
+};
+
+std::optional<int> ParseNumber(std::string_view text, int first, int last) {
+    int number = 0;
+    const auto [stop, error] = std::from_chars(text.begin(), text.end(), number);
+    const bool is_whole = error == std::errc() && stop == text.end() && text.front() != '-';
+    return is_whole && number >= first && number <= last ? std::optional(number) : std::nullopt;
+}
+
+// "8:05" and "08:05" alike, as two digits each.
+std::optional<std::string> ParseTime(std::string_view text) {
+    const size_t colon = text.find(':');
+    if (colon == std::string_view::npos || text.size() > kMidnight.size()) {
+        return std::nullopt;
+    }
+    const std::string_view minute = text.substr(colon + 1);
+    const std::optional<int> hours = ParseNumber(text.substr(0, colon), 0, 23);
+    const std::optional<int> minutes = ParseNumber(minute, 0, 59);
+    if (!hours || !minutes || minute.size() != 2) {
+        return std::nullopt;
+    }
+    return std::string(*hours < 10 ? "0" : "") + std::to_string(*hours) + ":" + std::string(minute);
+}
+
+std::optional<Schedule> ParseEvery(std::string_view period) {
+    if (!period.ends_with('h')) {
+        return std::nullopt;
+    }
+    period.remove_suffix(1);
+    const std::optional<int> hours = ParseNumber(period, 1, 23);
+    return hours ? std::optional(Schedule{VELK_SCHEDULE_HOURS, *hours, std::string(kMidnight)})
+                 : std::nullopt;
+}
+
+std::optional<int> ParseWeekday(std::string_view word) {
+    const auto* found = std::ranges::find(kWeekdays, word);
+    return found == kWeekdays.end()
+               ? std::nullopt
+               : std::optional(static_cast<int>(found - kWeekdays.begin()) + 1);
+}
+
+// A schedule with a day and a time; nothing without either.
+std::optional<Schedule> OnDay(int type, std::optional<int> day, const std::string& time_word) {
+    const std::optional<std::string> time = ParseTime(time_word);
+    return day && time ? std::optional(Schedule{type, *day, *time}) : std::nullopt;
+}
+
+std::optional<Schedule> ParseSchedule(std::span<const std::string> words) {
+    if (words.size() == 1 && words[0] == kOff) {
+        return Schedule{VELK_SCHEDULE_NONE, VELK_SCHEDULE_NONE, std::string(kMidnight)};
+    }
+    if (words.size() == 2 && words[0] == kEvery) {
+        return ParseEvery(words[1]);
+    }
+    if (words.size() == 2 && words[0] == kDaily) {
+        return OnDay(VELK_SCHEDULE_DAILY, 1, words[1]);
+    }
+    if (words.size() == 3 && words[0] == kWeekly) {
+        return OnDay(VELK_SCHEDULE_WEEKLY, ParseWeekday(words[1]), words[2]);
+    }
+    if (words.size() == 3 && words[0] == kMonthly) {
+        return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber(words[1], 1, 31), words[2]);
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> ToStrings(std::span<const std::string_view> words) {
+    return {words.begin(), words.end()};
+}
+
+// The end of a complaint about words that make no schedule: what a misspelt one may mean.
+std::string Guess(std::span<const std::string> words) {
+    const std::string give = "give " + std::string(kWanted);
+    if (words[0] == kWeekly && words.size() > 1) {
+        return DidYouMean(words[1], ToStrings(kWeekdays), give);
+    }
+    return std::ranges::find(kForms, words[0]) == kForms.end()
+               ? DidYouMean(words[0], ToStrings(kForms), give)
+               : "; " + give;
+}
+
+Parsed InData(const Schedule& schedule) {
+    Parsed parsed;
+    parsed.data[0] = static_cast<char>(schedule.type);
+    parsed.data[1] = static_cast<char>(schedule.value);
+    (void)schedule.time.copy(&parsed.data[kTimeOffset], schedule.time.size());
+    return parsed;
+}
+
+std::string WeekdayName(int number) {
+    const bool is_known = number >= 1 && number <= static_cast<int>(kWeekdays.size());
+    return is_known ? std::string(kWeekdays[static_cast<size_t>(number - 1)])
+                    : std::to_string(number);
+}
+
+// The time with a blank in front, if there is one.
+std::string TimeOf(const Data& data) {
+    const char* text = &data[kTimeOffset];
+    const std::string_view time(text, strnlen(text, data.size() - kTimeOffset));
+    return time.empty() ? std::string() : std::string(" ").append(PrintableValue(time));
+}
+
+std::string Joined(std::span<const std::string> words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text.append(text.empty() ? "" : " ").append(word);
+    }
+    return text;
+}
+
+// A schedule in quotes is one word of the command line.
+std::vector<std::string> TakenApart(std::span<const std::string> words) {
+    const std::string text = Joined(words);
+    std::vector<std::string> apart;
+    size_t begin = 0;
+    for (size_t blank = 0; (blank = text.find(' ', begin)) != std::string::npos;
+         begin = blank + 1) {
+        apart.push_back(text.substr(begin, blank - begin));
+    }
+    apart.push_back(text.substr(begin));
+    return apart;
+}
+
+}  // namespace
+
+std::string ScheduleKind::Wanted() const {
+    return std::string(kWanted);
+}
+
+Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
+    const std::vector<std::string> apart = TakenApart(words);
+    const std::optional<Schedule> schedule = ParseSchedule(apart);
+    if (!schedule) {
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(apart));
+    }
+    return InData(*schedule);
+}
+
+Parsed ScheduleKind::Force(std::span<const std::string> words) const {
+    if (words.size() != 4 || words[0] != kRaw || words[3].size() > VELK_DATA_SIZE - kTimeOffset) {
+        return Parse(words);
+    }
+    const std::optional<int> type = ParseNumber(words[1], 0, 255);
+    const std::optional<int> value = ParseNumber(words[2], 0, 255);
+    return type && value ? InData({*type, *value, words[3]}) : Parse(words);
+}
+
+std::vector<std::string> ScheduleKind::Values() const {
+    std::vector<std::string> values{std::string(kOff), std::string(kEvery), std::string(kDaily)};
+    for (const std::string_view weekday : kWeekdays) {
+        values.push_back(std::string(kWeekly) + " " + std::string(weekday));
+    }
+    values.emplace_back(kMonthly);
+    return values;
+}
+
+std::string ScheduleKind::Print(const Data& data) const {
+    const int type = static_cast<unsigned char>(data[0]);
+    const int value = static_cast<unsigned char>(data[1]);
+    const std::string time = TimeOf(data);
+    switch (type) {
+        case VELK_SCHEDULE_HOURS:
+            return "every " + std::to_string(value) + "h";
+        case VELK_SCHEDULE_DAILY:
+            return "daily" + time;
+        case VELK_SCHEDULE_WEEKLY:
+            return "weekly " + WeekdayName(value) + time;
+        case VELK_SCHEDULE_MONTHLY:
+            return "monthly " + std::to_string(value) + time;
+        case VELK_SCHEDULE_NONE:
+            return std::string(kOff);
+        default:
+            return std::string(kRaw) + " " + std::to_string(type) + " " + std::to_string(value) +
+                   time;
+    }
+}
+
+}  // namespace velkctl

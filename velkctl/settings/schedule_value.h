@@ -1,0 +1,27 @@
+// schedule_value.h - when something is to be done again and again.
+#ifndef VELKCTL_SETTINGS_SCHEDULE_VALUE_H_
+#define VELKCTL_SETTINGS_SCHEDULE_VALUE_H_
+
+#include "velkctl/settings/value_kind.h"
+
+namespace velkctl {
+
+// A schedule in words: "every 6h", "daily 08:30", "weekly sunday 08:30", "monthly 31 08:30" or
+// "off". What the device holds is shown as it stands, also a day or an hour that there is not.
+class ScheduleKind final : public ValueKind {
+  public:
+    constexpr ScheduleKind() = default;
+
+    std::string Wanted() const override;
+    std::string Example() const override { return "weekly sunday 08:30"; }
+    Parsed Parse(std::span<const std::string> words) const override;
+    // Also "schedule TYPE VALUE TIME" with any bytes and text, as an unknown type is shown.
+    Parsed Force(std::span<const std::string> words) const override;
+    // Without what stands behind the day.
+    std::vector<std::string> Values() const override;
+    std::string Print(const Data& data) const override;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SETTINGS_SCHEDULE_VALUE_H_

@@ -1,0 +1,133 @@
+// server_list.cpp - values that are a list of servers.
+#include "velkctl/settings/server_list.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+#include "velkctl/text/escaping.h"
+#include "velkctl/text/ipv4.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+constexpr size_t kSlots = 3;
+constexpr size_t kSlotSize = 16;
+
+// What is wrong with the word for one server, behind it in a message; empty when nothing is.
+std::string ServerProblem(const std::string& word) {
+    const std::optional<uint32_t> address = ParseIpv4(word);
+    const std::string problem = address ? std::string(HostAddressProblem(*address))
+                                        : NotIpv4Problem(word, "an IPv4 address");
+    if (problem.empty()) {
+        return {};
+    }
+    // A resolver may run on the device itself, but a forwarder there would ask itself for ever.
+    return problem + "; give one to three such as 192.168.0.1, or none" +
+           (address && IsLoopback(*address) ? ", or --force for a resolver on the device" : "");
+}
+
+// What is wrong with the words, at least one; empty when they make a server list.
+std::string ServerListProblem(std::span<const std::string> words) {
+    for (const std::string& word : words) {
+        if (word == kNone) {
+            return "'none' stands alone; give either addresses or none";
+        }
+        if (const std::string problem = ServerProblem(word); !problem.empty()) {
+            return Quoted(word) + " " + problem;
+        }
+    }
+    if (words.size() > kSlots) {
+        return std::to_string(words.size()) + " addresses given; give one to three, or none";
+    }
+    for (size_t i = 1; i < words.size(); ++i) {
+        const auto earlier = words.first(i);
+        if (std::ranges::find(earlier, words[i]) != earlier.end()) {
+            return Quoted(words[i]) + " is given twice; give every server once";
+        }
+    }
+    return {};
+}
+
+// A slot whose last byte is in use is a text of that length, whatever lies inside it.
+std::string_view SlotText(const Data& data, size_t index) {
+    const char* slot = &data[index * kSlotSize];
+    const bool filled = slot[kSlotSize - 1] != '\0';
+    return {slot, filled ? kSlotSize : strlen(slot)};
+}
+
+// A blank inside a slot must not look like the gap between two.
+std::string PrintableWord(std::string_view text) {
+    std::string word;
+    for (const char byte : PrintableValue(text)) {
+        word.append(byte == ' ' ? "\\x20" : std::string_view(&byte, 1));
+    }
+    return word;
+}
+
+// A line of the file without an address leaves a slot empty; the servers behind it count.
+std::vector<std::string_view> Servers(const Data& data) {
+    std::vector<std::string_view> servers;
+    for (size_t i = 0; i < kSlots; ++i) {
+        const std::string_view server = SlotText(data, i);
+        if (!server.empty()) {
+            servers.push_back(server);
+        }
+    }
+    return servers;
+}
+
+Parsed InSlots(std::span<const std::string> words) {
+    Parsed parsed;
+    for (size_t i = 0; i < words.size(); ++i) {
+        (void)words[i].copy(&parsed.data[i * kSlotSize], kSlotSize);
+    }
+    return parsed;
+}
+
+}  // namespace
+
+std::string ServerListKind::Wanted() const {
+    return "one to three IPv4 addresses such as 192.168.0.1, or none";
+}
+
+Parsed ServerListKind::Parse(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
+    if (words.size() == 1 && words.front() == kNone) {
+        return {};
+    }
+    const std::string problem = ServerListProblem(words);
+    return problem.empty() ? InSlots(words) : Unparsable(problem);
+}
+
+Parsed ServerListKind::Force(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
+    if (words.size() > kSlots) {
+        return Unparsable(std::to_string(words.size()) + " servers given; give at most three");
+    }
+    return InSlots(words);
+}
+
+std::string ServerListKind::Print(const Data& data) const {
+    std::string text;
+    for (const std::string_view server : Servers(data)) {
+        text.append(text.empty() ? "" : " ").append(PrintableWord(server));
+    }
+    return text.empty() ? std::string(kNone) : text;
+}
+
+nlohmann::ordered_json ServerListKind::ToJson(const Data& data) const {
+    nlohmann::ordered_json servers = nlohmann::ordered_json::array();
+    for (const std::string_view server : Servers(data)) {
+        servers.push_back(PrintableWord(server));
+    }
+    return servers;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,22 @@
+// server_list.h - values that are a list of servers.
+#ifndef VELKCTL_SETTINGS_SERVER_LIST_H_
+#define VELKCTL_SETTINGS_SERVER_LIST_H_
+
+#include "velkctl/settings/value_kind.h"
+
+namespace velkctl {
+
+// One to three IPv4 addresses, or "none", in slots of 16 bytes.
+class ServerListKind final : public ValueKind {
+  public:
+    std::string Wanted() const override;
+    std::string Example() const override { return "192.168.0.1 192.168.0.2"; }
+    Parsed Parse(std::span<const std::string> words) const override;
+    Parsed Force(std::span<const std::string> words) const override;
+    std::string Print(const Data& data) const override;
+    nlohmann::ordered_json ToJson(const Data& data) const override;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SETTINGS_SERVER_LIST_H_

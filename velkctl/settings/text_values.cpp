@@ -1,0 +1,62 @@
+// text_values.cpp - values that are a text.
+#include "velkctl/settings/text_values.h"
+
+#include "velkctl/text/escaping.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+
+// What is wrong with a text; empty when it is taken.
+std::string TextKind::Problem(std::string_view text) const {
+    const std::string_view own_problem = problem_ == nullptr ? "" : problem_(text);
+    if (!own_problem.empty()) {
+        return std::string(own_problem) + Give();
+    }
+    const size_t length = text.size();
+    if (!takes_length_(length)) {
+        return std::to_string(length) + (length == 1 ? " byte given" : " bytes given") + Give();
+    }
+    if (HasControls(text)) {
+        return "control characters, such as the end of a line, are not taken" + Give();
+    }
+    return {};
+}
+
+Parsed TextKind::Parse(std::span<const std::string> words) const {
+    Parsed parsed;
+    if (words.size() == 1 && words.front() == empty_) {
+        return parsed;
+    }
+    if (const std::string problem = OneWordProblem(words); !problem.empty()) {
+        return Unparsable(problem + (words.empty() ? "" : ", in quotes when it holds blanks"));
+    }
+    if (words.front() == kNone) {
+        // It clears other settings, and would be a text of four letters here.
+        return Unparsable(
+            "'none' would be a text here; give '' to clear the setting, or --force to set that "
+            "text");
+    }
+    const std::string text = UnprintedValue(words.front());
+    parsed.problem = Problem(text);
+    if (parsed.ok()) {
+        (void)text.copy(parsed.data.data(), parsed.data.size());
+    }
+    return parsed;
+}
+
+std::string TextKind::Print(const Data& data) const {
+    return PrintText(data, empty_);
+}
+
+std::vector<Meaning> TextKind::Meanings() const {
+    return empty_ == kNone ? std::vector<Meaning>{} : std::vector<Meaning>{{empty_, "clears it"}};
+}
+
+nlohmann::ordered_json TextKind::ToJson(const Data& data) const {
+    if (data[0] == '\0' && empty_ == kNone) {
+        return nullptr;
+    }
+    return PrintText(data, "");
+}
+
+}  // namespace velkctl

@@ -1,0 +1,45 @@
+// text_values.h - values that are a text.
+#ifndef VELKCTL_SETTINGS_TEXT_VALUES_H_
+#define VELKCTL_SETTINGS_TEXT_VALUES_H_
+
+#include "velkctl/settings/value_kind.h"
+
+namespace velkctl {
+
+// A text that ends at its NUL or with the data area. Secrets are of this kind: no problem repeats
+// the text or a part of it.
+class TextKind final : public ValueKind {
+  public:
+    // The empty text is written as `empty`; `wanted` says in words what `takes_length` takes, and
+    // `example` is one as a shell has it. `problem` says what else is wrong with a text, without
+    // repeating it.
+    constexpr TextKind(std::string_view empty, std::string_view wanted, std::string_view example,
+                       bool (*takes_length)(size_t length),
+                       std::string_view (*problem)(std::string_view text) = nullptr)
+        : empty_(empty),
+          wanted_(wanted),
+          example_(example),
+          takes_length_(takes_length),
+          problem_(problem) {}
+
+    std::string Wanted() const override { return std::string(wanted_); }
+    std::string Example() const override { return std::string(example_); }
+    Parsed Parse(std::span<const std::string> words) const override;
+    // How it is cleared, where none does not.
+    std::vector<Meaning> Meanings() const override;
+    std::string Print(const Data& data) const override;
+    nlohmann::ordered_json ToJson(const Data& data) const override;
+
+  private:
+    std::string Problem(std::string_view text) const;
+
+    std::string_view empty_;
+    std::string_view wanted_;
+    std::string_view example_;
+    bool (*takes_length_)(size_t length);
+    std::string_view (*problem_)(std::string_view text);
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_SETTINGS_TEXT_VALUES_H_

@@ -1,0 +1,30 @@
+// time_entry.cpp - the crontab's lines that run the time client, and the server in them.
+#include "velkctl/settings/time_entry.h"
+
+#include "lib/base/words.h"
+#include "velk.h"
+
+namespace velkctl {
+namespace {
+
+// The start of the first word behind the client that begins with a letter or a digit. It exists on
+// a line with a server.
+size_t ServerPlace(const std::string& line) {
+    const size_t rest = line.find(kTimeClient) + kTimeClient.size();
+    size_t place = rest;
+    while (place < line.size() &&
+           !(velk::IsLetterOrDigit(line[place]) && (place == rest || line[place - 1] == ' '))) {
+        ++place;
+    }
+    return place;
+}
+
+}  // namespace
+
+bool IsServerFoundTooEarly(const std::string& line) {
+    std::string server;
+    (void)GetNtpdate(line, server);
+    return !server.empty() && line.find(server) < ServerPlace(line);
+}
+
+}  // namespace velkctl

@@ -1,0 +1,49 @@
+// value_kind.cpp - one form that the values of settings have.
+#include "velkctl/settings/value_kind.h"
+
+#include <cstring>
+
+#include "velkctl/text/escaping.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+
+std::string ValueKind::OneWordProblem(std::span<const std::string> words) const {
+    if (words.empty()) {
+        return "no value given" + Give();
+    }
+    return words.size() == 1 ? "" : std::to_string(words.size()) + " values given" + Give();
+}
+
+Parsed ValueKind::Parse(std::span<const std::string> /*words*/) const {
+    return Unparsable("cannot be set, only read");
+}
+
+Parsed ValueKind::Force(std::span<const std::string> words) const {
+    Parsed parsed;
+    if (words.empty()) {
+        return Unparsable(OneWordProblem(words));
+    }
+    if (words.size() > 1) {
+        return Unparsable(std::to_string(words.size()) +
+                          " values given; give one, in quotes when it holds blanks");
+    }
+    if (words.front().size() > parsed.data.size()) {
+        return Unparsable(std::to_string(words.front().size()) +
+                          " bytes given; the data area holds 512");
+    }
+    (void)words.front().copy(parsed.data.data(), parsed.data.size());
+    return parsed;
+}
+
+nlohmann::ordered_json ValueKind::ToJson(const Data& data) const {
+    const std::string text = Print(data);
+    return text == kNone ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
+}
+
+std::string PrintText(const Data& data, std::string_view empty) {
+    const std::string_view text(data.data(), strnlen(data.data(), data.size()));
+    return text.empty() ? std::string(empty) : PrintableValue(text);
+}
+
+}  // namespace velkctl

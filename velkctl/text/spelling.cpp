@@ -1,0 +1,100 @@
+// spelling.cpp - guesses what a misspelt word means.
+#include "velkctl/text/spelling.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace velkctl {
+namespace {
+
+constexpr size_t kFarthest = 2;
+constexpr size_t kShortestBeginning = 3;
+constexpr size_t kMostGuesses = 4;   // more of them are no help
+constexpr size_t kLongestWord = 64;  // no name, option or value is that long
+
+char Small(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool AreAlike(char one, char other) {
+    return Small(one) == Small(other);
+}
+
+// How many letters must be changed, added, removed or swapped with their neighbour.
+size_t Distance(std::string_view from, std::string_view to) {
+    std::vector<std::vector<size_t>> steps(from.size() + 1, std::vector<size_t>(to.size() + 1));
+    for (size_t i = 0; i <= from.size(); ++i) {
+        for (size_t j = 0; j <= to.size(); ++j) {
+            if (i == 0 || j == 0) {
+                steps[i][j] = i + j;
+                continue;
+            }
+            const size_t changed = steps[i - 1][j - 1] + (AreAlike(from[i - 1], to[j - 1]) ? 0 : 1);
+            steps[i][j] = std::min({changed, steps[i - 1][j] + 1, steps[i][j - 1] + 1});
+            if (i > 1 && j > 1 && AreAlike(from[i - 1], to[j - 2]) &&
+                AreAlike(from[i - 2], to[j - 1])) {
+                steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return steps[from.size()][to.size()];
+}
+
+// The candidates with the fewest letters wrong.
+std::vector<std::string> Misspelt(std::string_view word, std::span<const std::string> candidates) {
+    std::vector<std::string> nearest;
+    size_t fewest = kFarthest;
+    for (const std::string& candidate : candidates) {
+        const size_t distance = Distance(word, candidate);
+        if (distance > fewest || 2 * distance >= candidate.size()) {
+            continue;
+        }
+        if (distance < fewest) {
+            nearest.clear();
+            fewest = distance;
+        }
+        nearest.push_back(candidate);
+    }
+    return nearest;
+}
+
+std::vector<std::string> BegunWith(std::string_view word, std::span<const std::string> candidates) {
+    std::vector<std::string> begun;
+    if (word.size() >= kShortestBeginning) {
+        std::ranges::copy_if(candidates, std::back_inserter(begun),
+                             [word](const std::string& text) { return text.starts_with(word); });
+    }
+    return begun;
+}
+
+}  // namespace
+
+std::vector<std::string> NearMisses(std::string_view word,
+                                    std::span<const std::string> candidates) {
+    if (word.size() > kLongestWord) {
+        return {};
+    }
+    std::vector<std::string> meant = Misspelt(word, candidates);
+    if (meant.empty()) {
+        meant = BegunWith(word, candidates);
+    }
+    return meant.size() > kMostGuesses ? std::vector<std::string>{} : meant;
+}
+
+std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,
+                       std::string_view otherwise) {
+    const std::vector<std::string> meant = NearMisses(word, candidates);
+    return meant.empty() ? std::string("; ").append(otherwise)
+                         : "; did you mean " + OneOf(meant) + "?";
+}
+
+std::string OneOf(std::span<const std::string> words) {
+    std::string text;
+    for (const std::string& word : words) {
+        const bool last = &word == &words.back();
+        text.append(text.empty() ? "" : last ? " or " : ", ").append(word);
+    }
+    return text;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,151 @@
+// call_verb.cpp - the verb that runs a command of the library as it stands.
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
+#include "velkctl/cli/secret_source.h"
+#include "velkctl/cli/verbs.h"
+#include "velkctl/report/result_codes.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/escaping.h"
+#include "velkctl/text/hex.h"
+#include "velkctl/text/spelling.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+// 512 bytes as hex digits, with much room for what stands between them.
+constexpr size_t kLongestDataText = 4096;
+
+struct TypeWord {
+    std::string_view word;
+    velk_command_type type;
+};
+
+constexpr std::array<TypeWord, 3> kTypeWords{{
+    {"get", VELK_GET},
+    {"set", VELK_SET},
+    {"restart", VELK_RESTART},
+}};
+
+std::optional<velk_command_type> ParseType(std::string_view word) {
+    const auto* row = std::ranges::find(kTypeWords, word, &TypeWord::word);
+    return row == kTypeWords.end() ? std::nullopt : std::optional(row->type);
+}
+
+std::string UnknownType(const Invocation& invocation) {
+    std::vector<std::string> words(kTypeWords.size());
+    std::ranges::transform(kTypeWords, words.begin(), [](const TypeWord& row) { return row.word; });
+    const std::string& word = invocation.words[0];
+    return invocation.Shown(word) + " is not a command type" +
+           DidYouMean(word, words, "give " + OneOf(words));
+}
+
+Parsed ParseText(const std::string& text) {
+    Parsed parsed;
+    if (text.size() > parsed.data.size()) {
+        return Unparsable(std::to_string(text.size()) +
+                          " bytes are too many; the data area holds 512");
+    }
+    (void)text.copy(parsed.data.data(), parsed.data.size());
+    return parsed;
+}
+
+// The data bytes that an option gives; the bytes may be a key, and so stand elsewhere.
+Parsed ParseSource(const std::string& word, Parsed (*parse)(const std::string& text)) {
+    const Secret source = ReadSecret(word, kLongestDataText);
+    return source.problem.empty() ? parse(source.text) : Unparsable(source.problem);
+}
+
+Parsed ParseHexText(const std::string& text) {
+    return ParseHex(text);
+}
+
+// The data bytes that --text or --hex gives; all zero without them.
+Parsed ParseData(const Invocation& invocation) {
+    if (invocation.text && invocation.hex) {
+        return Unparsable("--text and --hex exclude each other; give one of them");
+    }
+    Parsed parsed;
+    if (invocation.text) {
+        parsed = ParseSource(*invocation.text, ParseText);
+    } else if (invocation.hex) {
+        parsed = ParseSource(*invocation.hex, ParseHexText);
+    }
+    if (!parsed.ok()) {
+        parsed.problem.insert(0, invocation.text ? "--text: " : "--hex: ");
+    }
+    return parsed;
+}
+
+std::string MaskedDump(const Data& data) {
+    return data == Data{} ? "" : std::string(kMask).append("\n");
+}
+
+void TellData(const Data& data, bool masked, Report& report) {
+    report.Text(masked ? MaskedDump(data) : Dump(data));
+    report.Member("data", masked && data != Data{} ? Json(kMask) : Json(ToHex(UsedBytes(data))));
+}
+
+// The result is what was asked for, whatever it is; in a document, a failure is among the errors
+// too.
+void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
+    if (answer.timed_out) {
+        report.Complain(DescribeFailure("call", answer));
+        return;
+    }
+    std::string result = DescribeResult(answer.result);
+    if (!answer.remark.empty()) {
+        result.append("; ").append(answer.remark);
+    }
+    report.Text(result + "\n");
+    report.Member("result", ResultInJson(answer.result));
+    if (!answer.ok() && report.is_json()) {
+        report.Complain(Problem{"call: " + result, {}, answer.result});
+    }
+    if (command.type == VELK_GET) {
+        TellData(answer.data, masked, report);
+    }
+}
+
+}  // namespace
+
+ExitStatus RunCall(const Invocation& invocation, Report& report) {
+    const std::optional<Patience> patience = PatienceOf(invocation, report);
+    if (!patience) {
+        return ExitStatus::kInvalid;
+    }
+    const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
+    if (!type) {
+        return report.Refuse("call: " + UnknownType(invocation));
+    }
+    const std::optional<uint32_t> id = ParseId(invocation.words[1]);
+    if (!id) {
+        return report.Refuse("call: " + invocation.Shown(invocation.words[1]) +
+                             " is not a command id; give a decimal number such as 108");
+    }
+    const std::string interface = invocation.words.size() > 2 ? invocation.words[2] : "";
+    if (interface.size() > VELK_INTERFACE_SIZE) {
+        return report.Refuse("call: " + invocation.Shown(interface) +
+                             " is too long for an interface; give eth0, eth1 or another name of "
+                             "at most 16 bytes");
+    }
+    const Parsed data = ParseData(invocation);
+    if (!data.ok()) {
+        return report.Refuse("call: " + data.problem);
+    }
+    const bool masked = NamesSecret(Catalogue(), invocation.words[1]) && !invocation.show_secrets;
+    const Command command{*type, *id, interface};
+    const Answer answer =
+        Device(*patience, report).Execute(command, data.data, "command " + std::to_string(*id));
+    Tell(command, answer, masked, report);
+    return StatusOf(answer);
+}
+
+}  // namespace velkctl

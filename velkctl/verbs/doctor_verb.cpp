@@ -1,0 +1,23 @@
+// doctor_verb.cpp - the verb that looks for what the library will not be able to do.
+#include "velkctl/cli/verbs.h"
+#include "velkctl/doctor/examination.h"
+#include "velkctl/doctor/finding.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+
+ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
+    const Findings findings = ExamineDevice(report);
+    report.Text(FindingsInWords(findings) + Summary(findings) + "\n");
+    Json list = Json::array();
+    for (const Finding& finding : findings) {
+        list.push_back(FindingInJson(finding));
+    }
+    const size_t problems = CountOf(findings, Severity::kProblem);
+    report.Member("findings", std::move(list));
+    report.Member("problems", problems);
+    report.Member("warnings", findings.size() - problems);
+    return problems == 0 ? ExitStatus::kDone : ExitStatus::kFailed;
+}
+
+}  // namespace velkctl
