@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "lib/base/paths.h"
 #include "velk.h"
 
 namespace velk {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/readers_turn.h"
 #include "lib/base/result_file.h"
 #include "lib/base/shell.h"

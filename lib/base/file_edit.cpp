@@ -11,6 +11,7 @@
 #include "lib/base/file_io.h"
 #include "lib/base/lock.h"
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/target_guard.h"
 #include "velk.h"
@@ -18,7 +19,6 @@
 namespace velk {
 namespace {
 
-constexpr char kCopyFolder[] = "/var/tmp/";
 constexpr mode_t kCopyMode = 0600;  // nobody else changes it, or reads a crontab in it
 // The real user's shell has to read it where the effective user is another.
 constexpr mode_t kCopyModeForTwoUsers = 0644;
@@ -28,7 +28,7 @@ constexpr mode_t kCopyModeForTwoUsers = 0644;
 constexpr size_t kGatheredSize = 4 * 1024;
 
 std::string CopyPath(const std::string& target) {
-    return kCopyFolder + target.substr(target.rfind('/') + 1);
+    return kEditFolder + target.substr(target.rfind('/'));
 }
 
 // Its mode is the same whatever the umask: cat(1) must be able to read it.

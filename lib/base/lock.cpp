@@ -11,13 +11,13 @@
 #include <unistd.h>
 
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "velk.h"
 
 namespace velk {
 namespace {
 
-constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 constexpr mode_t kLockMode = 0666;  // processes of every user take the lock
 constexpr int kTries = 100;
 constexpr int kReplaced = 0;  // by another user, while it was being locked

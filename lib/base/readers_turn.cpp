@@ -14,12 +14,11 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/result_file.h"
 
 namespace velk {
 namespace {
-
-constexpr char kFolder[] = "/var/tmp";
 
 // flock(2) has no time-out, so the lock is tried again after each pause. 1,500 pauses without any
 // change are 3 seconds. 7,500 are 15 seconds, the longest wait: whoever goes on without a turn
@@ -82,7 +81,7 @@ class WaitingTime {
 }  // namespace
 
 ReadersTurn::ReadersTurn(Patience patience)
-    : folder_(open(kFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), patience_left_(patience) {
+    : folder_(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), patience_left_(patience) {
     if (folder_.get() == -1 || Takes(kWholeQueue)) {
         return;
     }

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "lib/base/caller.h"
+#include "lib/base/paths.h"
 
 namespace velk {
 namespace {

@@ -10,7 +10,6 @@ namespace velk {
 
 // One name for all readers. Everybody may write the folder, so what lies there may belong to
 // somebody else, or be a link, a FIFO or a folder.
-constexpr char kResultFile[] = "/var/tmp/get_result";
 constexpr char kResultFileName[] = "get_result";
 
 // True for a regular file of the caller's own with one name.

@@ -4,6 +4,7 @@
 
 #include "lib/base/comment_switch.h"
 #include "lib/base/file_edit.h"
+#include "lib/base/paths.h"
 #include "lib/base/shell_blocks.h"
 #include "lib/base/words.h"
 #include "velk.h"
@@ -11,7 +12,6 @@
 namespace velk {
 namespace {
 
-constexpr char kClientScript[] = "/sbin/dhclient-script";
 constexpr char kInterfaceVariable[] = "interface";  // with or without braces around it
 
 // The shell function that rewrites the resolver's configuration. As a word it is a call of it: the

@@ -7,7 +7,6 @@
 
 namespace velk {
 
-constexpr char kDhcpConfigFile[] = "/etc/dhclient.conf";
 constexpr std::string_view kBlockEnd = "}";
 
 // Follows the blocks of dhclient.conf(5): the statements of an interface stand between a line with

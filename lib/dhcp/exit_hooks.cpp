@@ -8,6 +8,7 @@
 #include "lib/base/data_area.h"
 #include "lib/base/file_edit.h"
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/shell_blocks.h"
 #include "lib/base/words.h"
 #include "velk.h"
@@ -15,13 +16,7 @@
 namespace velk {
 namespace {
 
-constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
 constexpr char kInterfaceVariable[] = "$interface";
-
-constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
-constexpr char kClockSetter[] = "/usr/bin/ntpdate";
-constexpr char kFinishNotice[] = "/sbin/printdhcpnotice.pl";
-constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
 
 // The line with the command on it switched; a byte that is no switch leaves it as it is.
 std::string SwitchCommand(std::string_view line, std::string_view command, char state) {

@@ -5,6 +5,7 @@
 #include "lib/base/comment_switch.h"
 #include "lib/base/file_edit.h"
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
 #include "velk.h"

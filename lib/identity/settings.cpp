@@ -7,14 +7,13 @@
 #include "lib/base/file_edit.h"
 #include "lib/base/line_reader.h"
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/identity/tool_locale.h"
 #include "velk.h"
 
 namespace velk {
 namespace {
 
-constexpr char kSettingsFile[] = "/var/libvelk/libvelk";
-constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
 constexpr char kSnmpRestart[] = "sudo /etc/init.d/snmpd restart > /dev/null 2>&1";
 
 struct IdentitySetting {
@@ -78,7 +77,7 @@ int GetSettingFile(const _velk_request& request, char* out) {
         velk::Log("LIB_VELK_INVALID_PARAMETER = %d", static_cast<int>(request.command_id));
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader file = velk::LineReader::OfFileNeverEmpty(velk::kSettingsFile);
+    velk::LineReader file = velk::LineReader::OfFileNeverEmpty(velk::kIdentityFile);
     if (!file.is_open()) {
         velk::LogErrno("GetSettingFile ifstream errno=%d:%s", file.error());
         return LIB_VELK_FAILURE;
@@ -97,7 +96,7 @@ int SetSettingFile(const _velk_request& request, char* /*out*/) {
     if (setting == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::FileEdit edit(velk::kSettingsFile);
+    velk::FileEdit edit(velk::kIdentityFile);
     if (edit.target_error() != 0) {
         velk::LogErrno("SetSettingFile ifstream errno=%d:%s", edit.target_error());
     }

@@ -9,6 +9,7 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "lib/base/words.h"
 #include "velk.h"
@@ -16,7 +17,6 @@
 namespace velk {
 namespace {
 
-constexpr char kResolverFile[] = "/etc/resolv.dnsmasq.conf";
 constexpr mode_t kNewFileMode = 0666;  // narrowed by the caller's umask
 constexpr std::string_view kKeyword = "nameserver";
 constexpr size_t kSlots = 3;

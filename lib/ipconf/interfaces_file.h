@@ -8,8 +8,6 @@
 
 namespace velk {
 
-constexpr char kInterfacesFile[] = "/etc/network/interfaces";
-
 // A line that begins so ends the stanza before it.
 constexpr std::string_view kStanzaStart = "iface";
 constexpr std::string_view kFamily = " inet ";  // behind the interface's name

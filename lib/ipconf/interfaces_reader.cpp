@@ -4,6 +4,7 @@
 
 #include "lib/base/data_area.h"
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
 #include "velk.h"

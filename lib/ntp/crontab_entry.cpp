@@ -5,11 +5,11 @@
 #include <string_view>
 
 #include "lib/base/comment_switch.h"
-#include "lib/base/crontab.h"
 #include "lib/base/data_area.h"
 #include "lib/base/file_edit.h"
 #include "lib/base/line_reader.h"
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 

@@ -2,13 +2,12 @@
 #include <string_view>
 
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "velk.h"
 
 namespace velk {
 namespace {
-
-constexpr char kResultLog[] = "/var/libvelk/ntp.log";
 
 // The client's lines begin with a time stamp. What stands further in front than this is not its
 // word about a server.
@@ -25,7 +24,7 @@ int GetNtpCommunicate(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader log(velk::kResultLog);
+    velk::LineReader log(velk::kNtpLog);
     if (!log.is_open()) {
         out[0] = VELK_NTP_NO_RESULT;
         return LIB_VELK_SUCCESS;
@@ -38,5 +37,5 @@ int GetNtpCommunicate(const _velk_request& /*request*/, char* out) {
 }
 
 void DeleteNtpLog() {
-    (void)velk::CommandLine("rm %s", velk::kResultLog).Run();
+    (void)velk::CommandLine("rm %s", velk::kNtpLog).Run();
 }

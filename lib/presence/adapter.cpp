@@ -8,14 +8,13 @@
 #include <vector>
 
 #include "lib/base/line_reader.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 
 namespace velk {
 namespace {
 
-constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
-constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
 constexpr char kBuiltInModel[] = "QT4408RKM";
 constexpr size_t kKeyLength = 4;  // of "VID=" and "PID="
 

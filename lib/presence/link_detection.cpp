@@ -11,6 +11,7 @@
 #include "lib/base/command_output.h"
 #include "lib/base/data_area.h"
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "lib/base/wait.h"
 #include "lib/base/words.h"
@@ -21,8 +22,6 @@ namespace {
 
 // ethtool(8) may have no answer while the driver starts, so it is asked once a second for a minute.
 constexpr int kEthtoolRetry = 60;
-
-constexpr char kSyslogPrefix[] = "/var/log/syslog/syslog_info.log.";
 
 // The link state as one run of ethtool shows it; nothing when it shows none. A turn that somebody
 // keeps for ever costs its 3 seconds in the first of the runs alone.
@@ -75,7 +74,7 @@ std::optional<int> LinkFromLogFile(int number) {
 // False where /var/tmp is read-only or missing, or somebody's file lies at the name of the results
 // and cannot be removed: no tool can tell anything there.
 bool CanToolsLeaveResults() {
-    if (faccessat(AT_FDCWD, "/var/tmp", W_OK, AT_EACCESS) == -1) {
+    if (faccessat(AT_FDCWD, kEditFolder, W_OK, AT_EACCESS) == -1) {
         return false;
     }
     const bool can_leave = PrepareResultFile();

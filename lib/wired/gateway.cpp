@@ -12,6 +12,7 @@
 #include "lib/base/data_area.h"
 #include "lib/base/line_reader.h"
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/words.h"
 #include "velk.h"
@@ -19,7 +20,6 @@
 namespace velk {
 namespace {
 
-constexpr char kRoutingTable[] = "/proc/net/route";
 constexpr std::string_view kDefaultDestination = "00000000";
 
 // The gateway of a default route; nothing for any other line. The kernel prints the address as it

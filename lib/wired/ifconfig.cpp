@@ -5,6 +5,7 @@
 #include "lib/base/command_output.h"
 #include "lib/base/data_area.h"
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 

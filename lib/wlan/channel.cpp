@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "lib/base/wait.h"
 #include "lib/wlan/reply_path.h"
@@ -19,7 +20,6 @@
 namespace velk {
 namespace {
 
-constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
 constexpr time_t kReplySeconds = 60;
 constexpr mode_t kReplyMode = 0600;  // other users send nothing that would pass for the daemon's
 constexpr int kBindTries = 100;
@@ -55,14 +55,14 @@ UniqueFd OpenSocket() {
 // Returns 0 or the errno of the last bind(2). Another user may take the path after its removal;
 // then both are done again.
 int BindReplySocket(int fd) {
-    const Address self(kReplyPath);
+    const Address self(kReplySocket);
     int error = 0;
     for (int tries = 0; tries < kBindTries; ++tries) {
         if (bind(fd, self.get(), self.length) == 0) {
             return 0;
         }
         error = errno;
-        if (OwnerOfReplyPath() != ReplyPathOwner::kOther || remove(kReplyPath) == -1) {
+        if (OwnerOfReplyPath() != ReplyPathOwner::kOther || remove(kReplySocket) == -1) {
             break;
         }
     }
@@ -135,7 +135,7 @@ int SendWlanRequestMessage(short type, const UMsgData* body) {
     if (body != nullptr) {
         message.body = *body;
     }
-    const velk::Address daemon(velk::kRequestPath);
+    const velk::Address daemon(velk::kRequestSocket);
     if (connect(fd.get(), daemon.get(), daemon.length) == -1) {
         velk::LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
@@ -148,7 +148,7 @@ int SendWlanRequestMessage(short type, const UMsgData* body) {
 }
 
 int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
-    unlink(velk::kReplyPath);  // left behind by a program that crashed
+    unlink(velk::kReplySocket);  // left behind by a program that crashed
     velk::UniqueFd fd = velk::OpenSocket();
     if (fd.get() == -1) {
         velk::LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
@@ -166,6 +166,6 @@ int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
     velk::PostReady(ready);
     const int result = velk::ReceiveReply(fd.get(), out);
     fd.Reset();
-    unlink(velk::kReplyPath);
+    unlink(velk::kReplySocket);
     return result;
 }

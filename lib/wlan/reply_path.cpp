@@ -8,19 +8,20 @@
 #include <unistd.h>
 
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 
 namespace velk {
 
 ReplyPathOwner OwnerOfReplyPath() {
     struct stat facts {};
-    if (lstat(kReplyPath, &facts) == -1) {
+    if (lstat(kReplySocket, &facts) == -1) {
         return ReplyPathOwner::kNone;
     }
     return facts.st_uid == geteuid() ? ReplyPathOwner::kCaller : ReplyPathOwner::kOther;
 }
 
 bool ClearReplyPath() {
-    if (OwnerOfReplyPath() != ReplyPathOwner::kOther || remove(kReplyPath) == 0) {
+    if (OwnerOfReplyPath() != ReplyPathOwner::kOther || remove(kReplySocket) == 0) {
         return true;
     }
     LogErrno("QueryWlanDaemon remove errno=%d:%s", errno);

@@ -4,8 +4,6 @@
 
 namespace velk {
 
-inline constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
-
 // Who made the file at the path. Nobody but its owner and root can remove it from a sticky folder.
 enum class ReplyPathOwner { kNone, kCaller, kOther };
 ReplyPathOwner OwnerOfReplyPath();

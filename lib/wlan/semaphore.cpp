@@ -9,14 +9,12 @@
 #include <unistd.h>
 
 #include "lib/base/log.h"
+#include "lib/base/paths.h"
 #include "velk.h"
 
 namespace velk {
 namespace {
 
-constexpr char kName[] = "/WlanAplRecvSem";
-constexpr char kFolder[] = "/dev/shm";
-constexpr char kFile[] = "/dev/shm/sem.WlanAplRecvSem";  // the C library's file of that name
 constexpr mode_t kMode = 0666;
 constexpr mode_t kPrivateMode = 0600;
 constexpr int kTries = 100;  // another user may make the file anew after each removal
@@ -50,7 +48,7 @@ ReadySemaphore::ReadySemaphore() : handle_(CreatSemaphore()) {
 
 ReadySemaphore::~ReadySemaphore() {
     if (is_reserved_) {
-        (void)remove(kFile);
+        (void)remove(kSemaphoreFile);
     }
     if (is_private_) {
         DeleteSemaphore(handle_);
@@ -61,14 +59,14 @@ ReadySemaphore::~ReadySemaphore() {
 // name the facts stay zero, like those of an empty file.
 bool ReadySemaphore::TakeName() {
     struct stat facts {};
-    const int found = lstat(kFile, &facts);
+    const int found = lstat(kSemaphoreFile, &facts);
     if (handle_ == nullptr && found == -1) {
         return Reserve();
     }
     if (IsOwn(facts) && (handle_ == nullptr || IsUnposted(facts))) {
         return true;
     }
-    (void)remove(kFile);
+    (void)remove(kSemaphoreFile);
     return Renew();
 }
 
@@ -82,7 +80,7 @@ bool ReadySemaphore::IsUnposted(const struct stat& facts) const {
 
 bool ReadySemaphore::Renew() {
     (void)Close(handle_);
-    sem_t* sem = sem_open(kName, O_RDWR | O_CREAT | O_EXCL, kPrivateMode, 0U);
+    sem_t* sem = sem_open(kSemaphoreName, O_RDWR | O_CREAT | O_EXCL, kPrivateMode, 0U);
     handle_ = sem == SEM_FAILED ? nullptr : sem;
     return handle_ != nullptr;
 }
@@ -91,14 +89,14 @@ bool ReadySemaphore::Renew() {
 // keeps the name, and semaphores are opened through none. If no link can be made in a folder that
 // can be written, it is full or somebody else was faster, and nothing may be sent.
 bool ReadySemaphore::Reserve() {
-    is_reserved_ = symlink("none", kFile) == 0;
-    return is_reserved_ || access(kFolder, W_OK) == -1;
+    is_reserved_ = symlink("none", kSemaphoreFile) == 0;
+    return is_reserved_ || access(kSemaphoreFolder, W_OK) == -1;
 }
 
 }  // namespace velk
 
 sem_t* CreatSemaphore() {
-    sem_t* sem = sem_open(velk::kName, O_RDWR | O_CREAT, velk::kMode, 0U);
+    sem_t* sem = sem_open(velk::kSemaphoreName, O_RDWR | O_CREAT, velk::kMode, 0U);
     if (sem == SEM_FAILED) {
         velk::LogErrno("CreatSemaphore sem_open:errno=%d:%s", errno);
         return nullptr;
@@ -110,7 +108,7 @@ void DeleteSemaphore(const sem_t* sem) {
     if (velk::Close(sem) == -1) {
         velk::LogErrno("DeleteSemaphore sem_close errno=%d:%s", errno);
     }
-    if (sem_unlink(velk::kName) == -1) {
+    if (sem_unlink(velk::kSemaphoreName) == -1) {
         velk::LogErrno("DeleteSemaphore sem_unlink errno=%d:%s", errno);
     }
 }

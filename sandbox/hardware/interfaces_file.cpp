@@ -6,10 +6,10 @@
 
 #include <arpa/inet.h>
 
+#include "lib/base/paths.h"
+
 namespace sandbox {
 namespace {
-
-constexpr char kInterfacesFile[] = "/etc/network/interfaces";
 
 struct Reading {
     bool in_stanza = false;
@@ -34,7 +34,7 @@ void ReadLine(const std::string& line, const std::string& interface, Reading& re
 }  // namespace
 
 std::optional<StaticAddress> ReadStaticAddress(const std::string& interface) {
-    std::ifstream file(kInterfacesFile);
+    std::ifstream file(velk::kInterfacesFile);
     Reading reading;
     for (std::string line; std::getline(file, line);) {
         ReadLine(line, interface, reading);

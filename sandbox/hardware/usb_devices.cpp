@@ -8,18 +8,18 @@
 #include <sstream>
 #include <utility>
 
+#include "lib/base/paths.h"
 #include "sandbox/process/failure.h"
 
 namespace sandbox {
 namespace {
 
-constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
 constexpr char kNewUsbDevices[] = "/proc/bus/usb/devices.new";
 constexpr char kAdapterMark[] = "Driver=wlan";
 
 std::string ReadDevices() {
     std::stringstream text;
-    text << std::ifstream(kUsbDevices).rdbuf();
+    text << std::ifstream(velk::kUsbDevices).rdbuf();
     return text.str();
 }
 
@@ -29,9 +29,9 @@ void WriteDevices(const std::string& text) {
     file << text;
     file.close();
     std::filesystem::permissions(kNewUsbDevices,
-                                 std::filesystem::status(kUsbDevices).permissions());
-    if (!file || rename(kNewUsbDevices, kUsbDevices) == -1) {
-        Fail(std::string("cannot write ") + kUsbDevices, errno);
+                                 std::filesystem::status(velk::kUsbDevices).permissions());
+    if (!file || rename(kNewUsbDevices, velk::kUsbDevices) == -1) {
+        Fail(std::string("cannot write ") + velk::kUsbDevices, errno);
     }
 }
 

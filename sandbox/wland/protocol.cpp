@@ -7,14 +7,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/wland/log.h"
 
 namespace wland {
 namespace {
 
-constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
 constexpr mode_t kEverybody = 0666;
 
 // True of a daemon that is not this program, too: its socket must not be taken from it.
@@ -47,24 +46,24 @@ int SendTo(const Address& address, std::string_view bytes) {
 }
 
 RequestSocket::RequestSocket() : fd_(OpenSocket()) {
-    const Address address(kRequestPath);
+    const Address address(velk::kRequestSocket);
     if (IsServed(address)) {
         throw sandbox::Failure("another one is running");
     }
-    (void)unlink(kRequestPath);
+    (void)unlink(velk::kRequestSocket);
     if (bind(fd_.get(), address.get(), address.length()) == -1) {
-        sandbox::Fail(std::string("cannot make ") + kRequestPath, errno);
+        sandbox::Fail(std::string("cannot make ") + velk::kRequestSocket, errno);
     }
     // bind(2) alone would leave the mode to the caller's umask.
-    if (chmod(kRequestPath, kEverybody) == -1) {
+    if (chmod(velk::kRequestSocket, kEverybody) == -1) {
         const int error = errno;
-        (void)unlink(kRequestPath);
-        sandbox::Fail(std::string("cannot open ") + kRequestPath + " to everybody", error);
+        (void)unlink(velk::kRequestSocket);
+        sandbox::Fail(std::string("cannot open ") + velk::kRequestSocket + " to everybody", error);
     }
 }
 
 RequestSocket::~RequestSocket() {
-    (void)unlink(kRequestPath);
+    (void)unlink(velk::kRequestSocket);
 }
 
 std::optional<Message> RequestSocket::Receive() const {
@@ -82,7 +81,7 @@ std::optional<Message> RequestSocket::Receive() const {
 }
 
 int SendReply(std::string_view bytes) {
-    return SendTo(Address(kReplyPath), bytes);
+    return SendTo(Address(velk::kReplySocket), bytes);
 }
 
 }  // namespace wland

@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <ctime>
 
+#include "lib/base/paths.h"
+
 namespace wland {
 namespace {
-
-constexpr char kName[] = "/WlanAplRecvSem";
 
 timespec In(std::chrono::milliseconds limit) {
     constexpr long kSecond = 1000 * 1000 * 1000;
@@ -22,7 +22,7 @@ timespec In(std::chrono::milliseconds limit) {
 
 }  // namespace
 
-ReadySemaphore::ReadySemaphore() : handle_(sem_open(kName, 0)), error_(errno) {
+ReadySemaphore::ReadySemaphore() : handle_(sem_open(velk::kSemaphoreName, 0)), error_(errno) {
 }
 
 ReadySemaphore::~ReadySemaphore() {

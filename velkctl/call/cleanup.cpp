@@ -8,10 +8,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "velkctl/call/edit_copy.h"
 #include "velkctl/call/library_lock.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/unix_socket.h"
 #include "velkctl/text/escaping.h"
 
@@ -20,11 +20,11 @@ namespace {
 
 // A semaphore that was posted already would have the daemon answer the next query too early.
 void RemoveQuery() {
-    if (IsBound(kReplySocket)) {
+    if (IsBound(velk::kReplySocket)) {
         return;
     }
-    (void)unlink(kReplySocket);
-    (void)sem_unlink(kSemaphoreName);
+    (void)unlink(velk::kReplySocket);
+    (void)sem_unlink(velk::kSemaphoreName);
 }
 
 bool IsDispensable(EditState state) {
@@ -54,9 +54,9 @@ std::string LossOf(const EditCopy& copy) {
 
 void RemoveToolOutput() {
     // Readers of a tool's output take turns by a lock on the folder.
-    const velk::UniqueFd lock(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const velk::UniqueFd lock(open(velk::kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (lock.get() != -1 && flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
-        (void)unlink(kResultFile);
+        (void)unlink(velk::kResultFile);
     }
 }
 

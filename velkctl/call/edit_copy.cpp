@@ -10,8 +10,8 @@
 
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velkctl/files/file_facts.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -25,7 +25,7 @@ constexpr size_t kMostShown = 10;
 
 std::string CopyPathOf(const DeviceFile& file) {
     const std::string path = file.path;
-    return kEditFolder + path.substr(path.rfind('/'));
+    return velk::kEditFolder + path.substr(path.rfind('/'));
 }
 
 // Everybody may put a file there, or a link to one, and may rename a file of root's into place. The
@@ -124,10 +124,10 @@ std::vector<EditCopy> FindCopies(const std::function<bool(const DeviceFile&)>& i
 // With a path, flock(1) would make a lock file of its own mode, and the kernel may keep even root
 // from opening another user's that way. There is no lock to take where nobody has made one yet.
 std::string UnderLock(const std::string& commands) {
-    if (access(kLockFile, F_OK) == -1) {
+    if (access(velk::kLockFile, F_OK) == -1) {
         return commands;
     }
-    return "(flock 9 && " + commands + ") 9< " + kLockFile;
+    return "(flock 9 && " + commands + ") 9< " + velk::kLockFile;
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include "velkctl/files/paths.h"
+#include "lib/base/paths.h"
 
 namespace velkctl {
 namespace {
@@ -17,7 +17,7 @@ namespace {
 bool IsAtItsPath(int fd) {
     struct stat opened {};
     struct stat named {};
-    return fstat(fd, &opened) == 0 && lstat(kLockFile, &named) == 0 &&
+    return fstat(fd, &opened) == 0 && lstat(velk::kLockFile, &named) == 0 &&
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
@@ -25,7 +25,8 @@ bool IsAtItsPath(int fd) {
 
 // Without O_CREAT: the library makes the file, with a mode for every user.
 LibraryLock::LibraryLock()
-    : fd_(open(kLockFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)), state_(TryToTake()) {
+    : fd_(open(velk::kLockFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)),
+      state_(TryToTake()) {
 }
 
 LibraryLock::State LibraryLock::TryToTake() {

@@ -3,11 +3,11 @@
 #include <string>
 #include <string_view>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/script_blocks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 
 namespace velkctl {
@@ -68,11 +68,11 @@ Findings CheckCalls(const Script& script, const std::string& interface) {
 }  // namespace
 
 Findings CheckClientScript() {
-    TextFile file = ReadTextFile(kClientScript);
+    TextFile file = ReadTextFile(velk::kClientScript);
     if (!HasPlainLines(file)) {
         return {};
     }
-    const Script script{.path = kClientScript,
+    const Script script{.path = velk::kClientScript,
                         .variable = "interface",
                         .subject = "dhcp-dns",
                         .concerns = {{.id = VELK_CMD_DHCP_DNS}},

@@ -6,12 +6,12 @@
 #include <string_view>
 
 #include "lib/base/comment_switch.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 #include "velkctl/call/library_call.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/script_blocks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/time_entry.h"
 
@@ -34,7 +34,7 @@ constexpr std::string_view kTimeCharacters = "0123456789*/,-";
 
 // What every finding on a line has in common.
 Finding At(size_t index, Concerns concerns) {
-    return {.file = kCrontab,
+    return {.file = velk::kCrontab,
             .line = index + 1,
             .remedy = kProperEntry,
             .concerns = std::move(concerns),
@@ -159,18 +159,18 @@ Findings CheckEntry(const std::string& line, size_t index) {
     }
     Findings findings;
     if (HasSecondMark(line, line.find(kTimeClient))) {
-        Finding finding = SecondMark("entry", kCrontab, index);
+        Finding finding = SecondMark("entry", velk::kCrontab, index);
         finding.subject = "ntp";
         finding.concerns = {{.id = VELK_CMD_NTP}};
         findings.push_back(finding);
     }
     Append(findings, CheckServer(line, index));
-    if (!velk::Contains(line, kNtpLog)) {
+    if (!velk::Contains(line, velk::kNtpLog)) {
         Finding finding = At(index, {{.id = VELK_CMD_NTP_RESULT}});
         finding.severity = Severity::kWarning;
         finding.subject = "ntp-result";
         finding.effect = "does not tell of this entry";
-        finding.what = std::string("its output does not go to ") + kNtpLog;
+        finding.what = std::string("its output does not go to ") + velk::kNtpLog;
         finding.hinders = Hinders::kReading;
         findings.push_back(finding);
     }
@@ -194,7 +194,7 @@ bool IsOwnUpdate(std::string_view line) {
 }  // namespace
 
 Findings CheckTimeEntry() {
-    const TextFile crontab = ReadTextFile(kCrontab);
+    const TextFile crontab = ReadTextFile(velk::kCrontab);
     if (crontab.state != FileState::kText) {
         return {};
     }
@@ -210,7 +210,7 @@ Findings CheckTimeEntry() {
         findings.push_back({.subject = kSwitchAndServer,
                             .effect = "cannot be set",
                             .what = "no entry runs ntpdate",
-                            .file = kCrontab,
+                            .file = velk::kCrontab,
                             .remedy = kProperEntry,
                             .concerns = {{.id = VELK_CMD_NTP}, {.id = VELK_CMD_NTP_SERVER}},
                             .hinders = Hinders::kSetting});
@@ -219,7 +219,7 @@ Findings CheckTimeEntry() {
 }
 
 Findings CheckWebUpdate() {
-    const TextFile crontab = ReadTextFile(kCrontab);
+    const TextFile crontab = ReadTextFile(velk::kCrontab);
     if (crontab.state != FileState::kText) {
         return {};
     }

@@ -4,10 +4,10 @@
 
 #include <sys/stat.h>
 
+#include "lib/base/paths.h"
 #include "velk.h"
 #include "velkctl/call/device.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/files/unix_socket.h"
 
@@ -20,9 +20,9 @@ constexpr int kLastChannel = 13;
 
 // Opening a FIFO would wait. What is wrong with the lists is told as of other files.
 bool CanLookForAdapter() {
-    const FileState list = ReadTextFile(kSupportList).state;
+    const FileState list = ReadTextFile(velk::kSupportList).state;
     const bool is_readable = list == FileState::kText || list == FileState::kMissing;
-    return is_readable && ReadTextFile(kUsbDevices).state == FileState::kText;
+    return is_readable && ReadTextFile(velk::kUsbDevices).state == FileState::kText;
 }
 
 bool IsAdapterAttached() {
@@ -33,21 +33,21 @@ bool IsAdapterAttached() {
 Finding About(std::string effect) {
     return {.subject = "the wireless daemon",
             .effect = std::move(effect),
-            .file = kRequestSocket,
+            .file = velk::kRequestSocket,
             .remedy = "restart the wireless daemon",
             .concerns = WirelessSettings(),
             .hinders = Hinders::kSetting};
 }
 
 bool Listens(const struct stat& socket) {
-    return S_ISSOCK(socket.st_mode) && IsBound(kRequestSocket);
+    return S_ISSOCK(socket.st_mode) && IsBound(velk::kRequestSocket);
 }
 
 // Without an adapter it may well be that nobody wants the daemon, and its configuration is all that
 // is missed.
 Findings FindAbsence() {
     struct stat socket {};
-    const bool is_there = lstat(kRequestSocket, &socket) == 0;
+    const bool is_there = lstat(velk::kRequestSocket, &socket) == 0;
     if (is_there && Listens(socket)) {
         return {};
     }
@@ -121,8 +121,8 @@ Findings CheckAdapter() {
              .effect = "is not attached",
              .what = "the list has none that is supported; what eth1 tells of adapter and "
                      "connection is refused",
-             .file = kUsbDevices,
-             .remedy = std::string("plug in one that ") + kSupportList + " names",
+             .file = velk::kUsbDevices,
+             .remedy = std::string("plug in one that ") + velk::kSupportList + " names",
              .concerns = AdapterFacts(),
              .hinders = Hinders::kReading}};
 }
@@ -131,7 +131,7 @@ Findings CheckDaemon(Report& report) {
     if (Findings absence = FindAbsence(); !absence.empty()) {
         return absence;
     }
-    if (IsBound(kReplySocket)) {
+    if (IsBound(velk::kReplySocket)) {
         return Busy();
     }
     if (CountOf(CheckQueryRemains(), Severity::kProblem) > 0) {

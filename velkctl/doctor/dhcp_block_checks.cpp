@@ -4,11 +4,11 @@
 #include <string_view>
 
 #include "lib/base/comment_switch.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
 #include "velk.h"
 #include "velkctl/doctor/dhcp_checks.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -43,7 +43,7 @@ class BlockCheck {
     // What every finding has in common. The method itself is read from its stanza.
     Finding About() const {
         return {.subject = interface_ + ".method",
-                .file = kDhcpConfigFile,
+                .file = velk::kDhcpConfigFile,
                 .concerns = {{.id = VELK_CMD_IP_METHOD, .interface = interface_}}};
     }
 

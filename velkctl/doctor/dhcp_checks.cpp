@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 
 namespace velkctl {
@@ -20,7 +20,7 @@ constexpr std::string_view kInterface = "interface";
 Finding At(size_t index) {
     return {.subject = "method, dhcp-dns and dhcp-ntp",
             .effect = "are switched for the wrong lines",
-            .file = kDhcpConfigFile,
+            .file = velk::kDhcpConfigFile,
             .line = index + 1,
             .remedy = "write the closing brace on a line of its own",
             // The method is read from its stanza.
@@ -79,7 +79,7 @@ Findings CheckBlockLines(const Lines& lines) {
 }  // namespace
 
 Findings CheckDhcpConfig() {
-    const TextFile file = ReadTextFile(kDhcpConfigFile);
+    const TextFile file = ReadTextFile(velk::kDhcpConfigFile);
     if (!HasPlainLines(file)) {
         return {};
     }

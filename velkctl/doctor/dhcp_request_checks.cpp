@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
 #include "velk.h"
 #include "velkctl/doctor/dhcp_checks.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -78,7 +78,7 @@ class RequestCheck {
     // What every finding has in common.
     Finding About() const {
         return {.subject = option_.setting,
-                .file = kDhcpConfigFile,
+                .file = velk::kDhcpConfigFile,
                 .concerns = {{.id = option_.id, .interface = option_.interface}},
                 .hinders = Hinders::kSetting};
     }

@@ -9,9 +9,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/device_files.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 
 namespace velkctl {
@@ -34,19 +34,19 @@ constexpr Loss kEverything{.path = "",
 
 // Of files that hold no setting themselves.
 constexpr std::array<Loss, 3> kLosses{{
-    {.path = kSnmpFile, .effect = "do not reach the SNMP agent"},
-    {.path = kSupportList,
+    {.path = velk::kSnmpFile, .effect = "do not reach the SNMP agent"},
+    {.path = velk::kSupportList,
      .effect = "are not recognised but for the built-in one",
      .severity = Severity::kWarning},
-    {.path = kUsbDevices, .effect = "are never found", .severity = Severity::kWarning},
+    {.path = velk::kUsbDevices, .effect = "are never found", .severity = Severity::kWarning},
 }};
 
 // Of files that are missing. The library makes the resolver's, and reads some settings without the
 // others.
 constexpr std::array<Loss, 3> kLossesByAbsence{{
-    {.path = kDhcpConfigFile, .effect = "cannot be set", .hinders = Hinders::kSetting},
-    {.path = kClientScript, .effect = "cannot be set", .hinders = Hinders::kSetting},
-    {.path = kResolverFile,
+    {.path = velk::kDhcpConfigFile, .effect = "cannot be set", .hinders = Hinders::kSetting},
+    {.path = velk::kClientScript, .effect = "cannot be set", .hinders = Hinders::kSetting},
+    {.path = velk::kResolverFile,
      .effect = "cannot be read until it is set",
      .severity = Severity::kWarning,
      .hinders = Hinders::kReading},

@@ -11,10 +11,10 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velkctl/doctor/affected_settings.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/device_files.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -37,10 +37,10 @@ std::array<Folder, 4> Folders() {
                            .concerns = WirelessSettings(),
                            .hinders = Hinders::kSetting};
     return {
-        MakeFolder(kEditFolder, {.subject = "all settings in files",
-                                 .effect = "cannot be set",
-                                 .concerns = EditedSettings(),
-                                 .hinders = Hinders::kSetting}),
+        MakeFolder(velk::kEditFolder, {.subject = "all settings in files",
+                                       .effect = "cannot be set",
+                                       .concerns = EditedSettings(),
+                                       .hinders = Hinders::kSetting}),
         MakeFolder("/var/libvelk", {.subject = "ntp-result",
                                     .effect = "cannot be cleared when ntp is set to off",
                                     .concerns = {{.id = VELK_CMD_NTP_RESULT}}}),

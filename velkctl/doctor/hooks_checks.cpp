@@ -4,20 +4,15 @@
 #include <string_view>
 
 #include "lib/base/comment_switch.h"
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/script_blocks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 
 namespace velkctl {
 namespace {
-
-constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
-constexpr char kClockSetter[] = "/usr/bin/ntpdate";
-constexpr char kFinishNotice[] = "/sbin/printdhcpnotice.pl";
-constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
 
 // Switched for one interface.
 constexpr std::array<uint32_t, 2> kInBlocks{VELK_CMD_APIPA, VELK_CMD_DHCP_NOTICE};
@@ -31,11 +26,11 @@ struct Switched {
 
 std::array<Switched, 5> SwitchedCommands() {
     return {{
-        {VELK_CMD_APIPA, "eth0.apipa", kLinkLocalDaemon, VELK_WIRED_INTERFACE},
-        {VELK_CMD_APIPA, "eth1.apipa", kLinkLocalDaemon, VELK_WIRELESS_INTERFACE},
-        {VELK_CMD_DHCP_NTP, "dhcp-ntp", kClockSetter},
-        {VELK_CMD_DHCP_NOTICE, "eth0.dhcp-notice", kFinishNotice, VELK_WIRED_INTERFACE},
-        {VELK_CMD_DHCP_NOTICE, "eth0.dhcp-notice", kStartNotice, VELK_WIRED_INTERFACE},
+        {VELK_CMD_APIPA, "eth0.apipa", velk::kLinkLocalDaemon, VELK_WIRED_INTERFACE},
+        {VELK_CMD_APIPA, "eth1.apipa", velk::kLinkLocalDaemon, VELK_WIRELESS_INTERFACE},
+        {VELK_CMD_DHCP_NTP, "dhcp-ntp", velk::kClockSetter},
+        {VELK_CMD_DHCP_NOTICE, "eth0.dhcp-notice", velk::kFinishNotice, VELK_WIRED_INTERFACE},
+        {VELK_CMD_DHCP_NOTICE, "eth0.dhcp-notice", velk::kStartNotice, VELK_WIRED_INTERFACE},
     }};
 }
 
@@ -94,11 +89,11 @@ Findings CheckSwitched(const Script& script, const Switched& switched) {
 }  // namespace
 
 Findings CheckExitHooks() {
-    TextFile file = ReadTextFile(kExitHooks);
+    TextFile file = ReadTextFile(velk::kExitHooks);
     if (!HasPlainLines(file)) {
         return {};
     }
-    const Script script{.path = kExitHooks,
+    const Script script{.path = velk::kExitHooks,
                         .variable = "$interface",
                         .subject = "apipa and dhcp-notice",
                         .concerns = ConcernsOf(kInBlocks),

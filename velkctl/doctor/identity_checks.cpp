@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/identity_directives.h"
 
@@ -26,7 +26,7 @@ Findings CheckDirective(const TextFile& file, const Directive& directive) {
     Finding finding{.subject = std::string(directive.setting),
                     .effect = "does not reach the SNMP agent",
                     .what = "no line has the directive " + name,
-                    .file = kSnmpFile,
+                    .file = velk::kSnmpFile,
                     .remedy = "add a line \"" + name + " unknown\"",
                     .concerns = {{.id = directive.id}}};
     for (size_t i = 0; i < file.lines.size(); ++i) {
@@ -52,7 +52,7 @@ Finding OtherDirectiveWithin(const Directive& own, const Directive& other) {
     return {.subject = std::string(own.setting),
             .effect = "is cut for the SNMP agent when " + std::string(other.setting) + " is set",
             .what = "the text holds '" + word + "', from which on that set replaces a line",
-            .file = kIdentityFile,
+            .file = velk::kIdentityFile,
             .remedy = "velkctl set " + std::string(own.setting) + " TEXT, without that word",
             .concerns = {{.id = own.id}, {.id = other.id}}};
 }
@@ -72,7 +72,7 @@ std::string_view TextOf(const TextFile& file, const Directive& directive) {
 // A set of one text replaces every line of the agent's file from the directive's name on, also the
 // line of the other text.
 Findings CheckTexts() {
-    const TextFile file = ReadTextFile(kIdentityFile);
+    const TextFile file = ReadTextFile(velk::kIdentityFile);
     Findings findings;
     for (const Directive& own : kDirectives) {
         const std::string_view text = TextOf(file, own);
@@ -86,7 +86,7 @@ Findings CheckTexts() {
 }
 
 Findings CheckDirectives() {
-    const TextFile file = ReadTextFile(kSnmpFile);
+    const TextFile file = ReadTextFile(velk::kSnmpFile);
     if (file.state != FileState::kText) {
         return {};
     }

@@ -4,11 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "lib/base/paths.h"
+#include "lib/ipconf/interfaces_file.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/stanza.h"
 #include "velkctl/doctor/value_line_checks.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 
 namespace velkctl {
@@ -22,7 +23,7 @@ constexpr std::array<uint32_t, 4> kInStanza{VELK_CMD_IP_METHOD, VELK_CMD_IP_ADDR
 Finding About(const std::string& interface) {
     return {.subject = interface + ".method, " + interface + ".address, " + interface +
                        ".netmask and " + interface + ".gateway",
-            .file = kInterfacesFile,
+            .file = velk::kInterfacesFile,
             .concerns = ConcernsOf(kInStanza, interface),
             .hinders = Hinders::kSetting};
 }
@@ -112,7 +113,7 @@ Findings CheckInterface(const Lines& lines, const std::string& interface) {
 }  // namespace
 
 Findings CheckInterfaces() {
-    const TextFile file = ReadTextFile(kInterfacesFile);
+    const TextFile file = ReadTextFile(velk::kInterfacesFile);
     if (file.state != FileState::kText) {
         return {};
     }

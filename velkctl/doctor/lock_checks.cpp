@@ -5,10 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/file_facts.h"
 #include "velkctl/files/lock_holder.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -18,13 +18,13 @@ constexpr mode_t kModeBits = 07777;
 
 // What every finding has in common.
 Finding About() {
-    return {.subject = "settings", .effect = "cannot be changed", .file = kLockFile};
+    return {.subject = "settings", .effect = "cannot be changed", .file = velk::kLockFile};
 }
 
 Findings CheckAccess(const struct stat& facts) {
     Finding finding = About();
-    finding.remedy = std::string("chmod 666 ") + kLockFile;
-    if (faccessat(AT_FDCWD, kLockFile, R_OK | W_OK, AT_EACCESS) == -1) {
+    finding.remedy = std::string("chmod 666 ") + velk::kLockFile;
+    if (faccessat(AT_FDCWD, velk::kLockFile, R_OK | W_OK, AT_EACCESS) == -1) {
         finding.what = "this user may not open the lock file";
         return {finding};
     }
@@ -47,7 +47,7 @@ Findings CheckOwner(const struct stat& facts) {
     finding.effect = "can be changed by two programs at once";
     finding.what = "the lock file belongs to user " + std::to_string(facts.st_uid) +
                    ", who can remove it while it is locked and make it anew";
-    finding.remedy = std::string("chown -h root ") + kLockFile +
+    finding.remedy = std::string("chown -h root ") + velk::kLockFile +
                      ", and have an init script make it at boot, as root and with mode 666, before "
                      "programs of other users run";
     return {finding};
@@ -57,13 +57,13 @@ Findings CheckOwner(const struct stat& facts) {
 
 Findings CheckLock() {
     struct stat facts {};
-    if (lstat(kLockFile, &facts) == -1) {
+    if (lstat(velk::kLockFile, &facts) == -1) {
         return {};  // made by the first set
     }
     if (S_ISLNK(facts.st_mode) || S_ISDIR(facts.st_mode)) {
         Finding finding = About();
         finding.what = KindOf(facts.st_mode) + " stands where the lock file is made";
-        finding.remedy = RemovalOf(kLockFile, facts);
+        finding.remedy = RemovalOf(velk::kLockFile, facts);
         return {finding};
     }
     Findings findings = CheckAccess(facts);

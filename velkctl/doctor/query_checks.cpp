@@ -5,9 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/file_facts.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/unix_socket.h"
 
 namespace velkctl {
@@ -33,12 +33,12 @@ Finding LeftBehind(Finding finding, const std::string& what) {
 
 // A reply socket that no process has bound.
 Finding JudgeReplySocket(const struct stat& facts) {
-    Finding finding = At(kReplySocket, facts);
+    Finding finding = At(velk::kReplySocket, facts);
     if (S_ISDIR(facts.st_mode)) {
         finding.what = "a folder stands where the reply socket is made";
         return finding;
     }
-    if (!MayRemove(kReplySocket, facts)) {
+    if (!MayRemove(velk::kReplySocket, facts)) {
         finding.what = KindOf(facts.st_mode) +
                        " of another user, that this one may not remove, stands where the reply "
                        "socket is made";
@@ -49,7 +49,7 @@ Finding JudgeReplySocket(const struct stat& facts) {
 }
 
 Finding JudgeSemaphore(const struct stat& facts) {
-    Finding finding = At(kSemaphoreFile, facts);
+    Finding finding = At(velk::kSemaphoreFile, facts);
     if (!S_ISREG(facts.st_mode)) {
         finding.what = KindOf(facts.st_mode) + " stands where the semaphore is made";
         return finding;
@@ -59,7 +59,7 @@ Finding JudgeSemaphore(const struct stat& facts) {
         finding.what = "an empty file stands where the semaphore is made";
         return finding;
     }
-    if (faccessat(AT_FDCWD, kSemaphoreFile, R_OK | W_OK, AT_EACCESS) == -1) {
+    if (faccessat(AT_FDCWD, velk::kSemaphoreFile, R_OK | W_OK, AT_EACCESS) == -1) {
         finding.what = "a semaphore of another user, " + AgeOf(facts) + " old, is in the way";
         return finding;
     }
@@ -70,15 +70,15 @@ Finding JudgeSemaphore(const struct stat& facts) {
 }  // namespace
 
 Findings CheckQueryRemains() {
-    if (IsBound(kReplySocket)) {
+    if (IsBound(velk::kReplySocket)) {
         return {};  // a query is under way
     }
     Findings findings;
     struct stat facts {};
-    if (lstat(kReplySocket, &facts) == 0) {
+    if (lstat(velk::kReplySocket, &facts) == 0) {
         findings.push_back(JudgeReplySocket(facts));
     }
-    if (lstat(kSemaphoreFile, &facts) == 0) {
+    if (lstat(velk::kSemaphoreFile, &facts) == 0) {
         findings.push_back(JudgeSemaphore(facts));
     }
     return findings;

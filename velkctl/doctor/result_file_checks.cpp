@@ -2,10 +2,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/file_facts.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -20,8 +20,8 @@ Finding JudgeResult(const struct stat& facts) {
     Finding finding{.severity = Severity::kWarning,
                     .subject = "link-speed and the address and netmask of a lease",
                     .effect = "may not have been read",
-                    .file = kResultFile,
-                    .remedy = RemovalOf(kResultFile, facts),
+                    .file = velk::kResultFile,
+                    .remedy = RemovalOf(velk::kResultFile, facts),
                     .concerns = {{.id = VELK_CMD_LINK_SPEED},
                                  {.id = VELK_CMD_IP_ADDRESS},
                                  {.id = VELK_CMD_NETMASK}},
@@ -32,7 +32,7 @@ Finding JudgeResult(const struct stat& facts) {
         return finding;
     }
     finding.what = KindOf(facts.st_mode) + " stands where tools write their output";
-    if (MayRemove(kResultFile, facts)) {
+    if (MayRemove(velk::kResultFile, facts)) {
         finding.what += "; the next reading removes it";
         return finding;
     }
@@ -46,7 +46,7 @@ Finding JudgeResult(const struct stat& facts) {
 
 Findings CheckResultFile() {
     struct stat facts {};
-    return lstat(kResultFile, &facts) == 0 ? Findings{JudgeResult(facts)} : Findings{};
+    return lstat(velk::kResultFile, &facts) == 0 ? Findings{JudgeResult(facts)} : Findings{};
 }
 
 }  // namespace velkctl

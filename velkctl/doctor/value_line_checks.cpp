@@ -7,9 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
+#include "lib/ipconf/interfaces_file.h"
 #include "velk.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 
 namespace velkctl {
@@ -63,7 +64,7 @@ class ValueCheck {
     // What every finding on this line has in common.
     Finding At(size_t index) const {
         return {.subject = stanza_.interface + "." + name_,
-                .file = kInterfacesFile,
+                .file = velk::kInterfacesFile,
                 .line = index + 1,
                 .concerns = {{.id = value_.id, .interface = stanza_.interface}},
                 .hinders = Hinders::kSetting};
@@ -199,7 +200,7 @@ Findings CheckValueLines(const Lines& lines, const Stanza& stanza) {
 
 Findings ValueLineOf(const Setting& setting) {
     const auto* value = std::ranges::find(kValueLines, setting.row->id, &ValueLine::id);
-    const TextFile file = ReadTextFile(kInterfacesFile);
+    const TextFile file = ReadTextFile(velk::kInterfacesFile);
     const std::optional<Stanza> stanza = FindStanza(file.lines, std::string(setting.interface));
     if (value == kValueLines.end() || !stanza) {
         return {};
@@ -212,7 +213,7 @@ Findings ValueLineOf(const Setting& setting) {
              .subject = setting.name(),
              .effect = "still has a line",
              .what = "it is read from " + Excerpt(file.lines[*index]),
-             .file = kInterfacesFile,
+             .file = velk::kInterfacesFile,
              .line = *index + 1,
              .remedy = "remove that line, or set it once more",
              .concerns = {{.id = value->id, .interface = stanza->interface}},

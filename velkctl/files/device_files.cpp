@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "lib/base/paths.h"
 #include "velk.h"
-#include "velkctl/files/paths.h"
 
 namespace velkctl {
 namespace {
@@ -24,20 +24,20 @@ constexpr std::array<uint32_t, 3> kInCrontab{VELK_CMD_NTP, VELK_CMD_NTP_SERVER,
 constexpr std::array<uint32_t, 2> kInIdentityFile{VELK_CMD_ADMINISTRATOR, VELK_CMD_LOCATION};
 
 constexpr std::array<DeviceFile, 10> kFiles{{
-    {kInterfacesFile, Change::kByEdit, "method, address, netmask and gateway", kInStanzas,
+    {velk::kInterfacesFile, Change::kByEdit, "method, address, netmask and gateway", kInStanzas,
      kInStanzas},
-    {kExitHooks, Change::kByEdit, "apipa, dhcp-notice and dhcp-ntp", kInExitHooks,
+    {velk::kExitHooks, Change::kByEdit, "apipa, dhcp-notice and dhcp-ntp", kInExitHooks,
      kChangeExitHooks},
-    {kDhcpConfigFile, Change::kByEdit, "method, dhcp-dns and dhcp-ntp", kInDhcpConfig,
+    {velk::kDhcpConfigFile, Change::kByEdit, "method, dhcp-dns and dhcp-ntp", kInDhcpConfig,
      kChangeDhcpConfig},
-    {kClientScript, Change::kByEdit, "dhcp-dns", {}, kChangeClientScript},
-    {kResolverFile, Change::kWhole, "dns", kInResolverFile, kInResolverFile},
-    {kCrontab, Change::kByEdit, "ntp, ntp-server and web-update", kInCrontab, kInCrontab},
-    {kIdentityFile, Change::kByEdit, "administrator and location", kInIdentityFile,
+    {velk::kClientScript, Change::kByEdit, "dhcp-dns", {}, kChangeClientScript},
+    {velk::kResolverFile, Change::kWhole, "dns", kInResolverFile, kInResolverFile},
+    {velk::kCrontab, Change::kByEdit, "ntp, ntp-server and web-update", kInCrontab, kInCrontab},
+    {velk::kIdentityFile, Change::kByEdit, "administrator and location", kInIdentityFile,
      kInIdentityFile},
-    {kSnmpFile, Change::kBySudo, "administrator and location", {}, kInIdentityFile},
-    {kSupportList, Change::kNever, "wireless adapters", {}, {}},
-    {kUsbDevices, Change::kNever, "wireless adapters", {}, {}},
+    {velk::kSnmpFile, Change::kBySudo, "administrator and location", {}, kInIdentityFile},
+    {velk::kSupportList, Change::kNever, "wireless adapters", {}, {}},
+    {velk::kUsbDevices, Change::kNever, "wireless adapters", {}, {}},
 }};
 
 }  // namespace

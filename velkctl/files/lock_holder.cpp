@@ -10,9 +10,9 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velkctl/files/file_facts.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/text/escaping.h"
 
@@ -37,7 +37,7 @@ std::string FileInLocks(dev_t device, ino_t inode) {
 
 std::optional<int> HoldingProcess() {
     struct stat file {};
-    if (stat(kLockFile, &file) != 0) {
+    if (stat(velk::kLockFile, &file) != 0) {
         return std::nullopt;
     }
     return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);

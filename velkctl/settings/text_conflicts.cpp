@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk.h"
-#include "velkctl/files/paths.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/identity_directives.h"
 #include "velkctl/settings/time_entry.h"
@@ -22,7 +22,7 @@ std::string TextIn(const Data& data) {
 }
 
 std::string PlaceInCrontab(size_t index) {
-    return std::string(kCrontab) + ":" + std::to_string(index + 1);
+    return std::string(velk::kCrontab) + ":" + std::to_string(index + 1);
 }
 
 std::string PresentServerProblem(const std::string& line, size_t index) {
@@ -53,7 +53,7 @@ std::string ServerConflict(std::string line, const std::string& server, size_t i
 }
 
 std::string TimeServerConflict(const std::string& server) {
-    const TextFile crontab = ReadTextFile(kCrontab);
+    const TextFile crontab = ReadTextFile(velk::kCrontab);
     for (size_t i = 0; i < crontab.lines.size(); ++i) {
         if (!velk::Contains(crontab.lines[i], kTimeClient)) {
             continue;
@@ -78,8 +78,8 @@ std::string OtherTextProblem(const Directive& own, const Directive& other, const
     }
     const std::string name(other.setting);
     return "the present " + name + " holds '" + std::string(own.name) +
-           "', from which on this set would replace it in " + kSnmpFile + "; mend: velkctl set " +
-           (Holds(own, other, device) ? "--force " : "") + name +
+           "', from which on this set would replace it in " + velk::kSnmpFile +
+           "; mend: velkctl set " + (Holds(own, other, device) ? "--force " : "") + name +
            " TEXT first, without that word, or give --force";
 }
 
@@ -87,7 +87,7 @@ std::string IdentityConflict(const Directive& own, const std::string& text, cons
     for (const Directive& word : kDirectives) {
         if (velk::Contains(text, word.name)) {
             return "the text holds '" + std::string(word.name) + "', from which on a set of " +
-                   std::string(word.setting) + " would replace it in " + kSnmpFile +
+                   std::string(word.setting) + " would replace it in " + velk::kSnmpFile +
                    "; give other words, or --force";
         }
     }

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "support/device_test.h"
 
 namespace {
@@ -25,45 +26,45 @@ TEST_F(ReplyPathTest, AFreePathIsNobodys) {
 }
 
 TEST_F(ReplyPathTest, TheCallersOwnFileStays) {
-    testkit::WriteFile(velk::kReplyPath, "");
+    testkit::WriteFile(velk::kReplySocket, "");
     EXPECT_EQ(velk::OwnerOfReplyPath(), ReplyPathOwner::kCaller);
     EXPECT_TRUE(velk::ClearReplyPath());
-    EXPECT_TRUE(testkit::Exists(velk::kReplyPath)) << "another query may wait at it";
+    EXPECT_TRUE(testkit::Exists(velk::kReplySocket)) << "another query may wait at it";
 }
 
 TEST_F(ReplyPathTest, AnotherUsersFileIsRemoved) {
-    testkit::WriteFile(velk::kReplyPath, "");
-    if (chown(velk::kReplyPath, kSomebody, kSomebody) == -1) {
+    testkit::WriteFile(velk::kReplySocket, "");
+    if (chown(velk::kReplySocket, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(velk::OwnerOfReplyPath(), ReplyPathOwner::kOther);
     EXPECT_TRUE(velk::ClearReplyPath());
-    EXPECT_FALSE(testkit::Exists(velk::kReplyPath));
+    EXPECT_FALSE(testkit::Exists(velk::kReplySocket));
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(ReplyPathTest, AnotherUsersLinkIsRemovedAndNotFollowed) {
     testkit::WriteFile("/tmp/victim", "");
-    ASSERT_EQ(symlink("/tmp/victim", velk::kReplyPath), 0);
-    if (lchown(velk::kReplyPath, kSomebody, kSomebody) == -1) {
+    ASSERT_EQ(symlink("/tmp/victim", velk::kReplySocket), 0);
+    if (lchown(velk::kReplySocket, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_TRUE(velk::ClearReplyPath());
-    EXPECT_FALSE(testkit::Exists(velk::kReplyPath));
+    EXPECT_FALSE(testkit::Exists(velk::kReplySocket));
     EXPECT_TRUE(testkit::Exists("/tmp/victim"));
 }
 
 TEST_F(ReplyPathTest, AFolderThatIsNotEmptyIsLogged) {
-    const std::string file = std::string(velk::kReplyPath) + "/file";
-    ASSERT_EQ(mkdir(velk::kReplyPath, 0755), 0);
+    const std::string file = std::string(velk::kReplySocket) + "/file";
+    ASSERT_EQ(mkdir(velk::kReplySocket, 0755), 0);
     testkit::WriteFile(file, "");
-    if (chown(velk::kReplyPath, kSomebody, kSomebody) == -1) {
-        EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplyPath), 0);
+    if (chown(velk::kReplySocket, kSomebody, kSomebody) == -1) {
+        EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplySocket), 0);
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_FALSE(velk::ClearReplyPath());
     EXPECT_THAT(libc().Logs(), ElementsAre("QueryWlanDaemon remove errno=39:Directory not empty"));
-    EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplyPath), 0);
+    EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplySocket), 0);
 }
 
 }  // namespace
