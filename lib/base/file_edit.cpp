@@ -9,7 +9,7 @@
 
 #include "lib/base/caller.h"
 #include "lib/base/file_io.h"
-#include "lib/base/lock.h"
+#include "lib/base/inherited_lock.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"

@@ -6,9 +6,9 @@
 #include <pthread.h>
 
 #include "lib/base/data_area.h"
-#include "lib/base/lock.h"
 #include "lib/base/log.h"
 #include "lib/entry/dispatch_tables.h"
+#include "lib/entry/lock.h"
 #include "velk.h"
 
 namespace velk {

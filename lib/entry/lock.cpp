@@ -1,7 +1,6 @@
 // lock.cpp - the inter-process lock around set and restart commands.
-#include "lib/base/lock.h"
+#include "lib/entry/lock.h"
 
-#include <atomic>
 #include <cerrno>
 #include <utility>
 
@@ -10,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/inherited_lock.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
@@ -125,16 +125,11 @@ int LockAttempt::Fail() const {
     return LIB_VELK_FAILURE;
 }
 
-// // The descriptor of the one lock that the process holds.
-std::atomic<int> command_lock = -1;
-std::atomic<bool> is_left_to_tools = false;
-
 }  // namespace
 
 CommandLock::CommandLock(int lock) : fd_(lock) {
     if (held()) {
-        is_left_to_tools = false;
-        command_lock = fd_;
+        LendLock(fd_);
     }
 }
 
@@ -142,27 +137,10 @@ CommandLock::~CommandLock() {
     if (!held()) {
         return;
     }
-    command_lock = -1;
-    if (is_left_to_tools) {
+    if (EndLending()) {
         (void)close(fd_);
     } else {
         VkLibUnLock(fd_);
-    }
-}
-
-InheritedLock::InheritedLock() : fd_(command_lock) {
-    if (fd_ != -1) {
-        (void)fcntl(fd_, F_SETFD, 0);
-    }
-}
-
-void InheritedLock::LeaveToTools() {
-    is_left_to_tools = fd_ != -1;
-}
-
-InheritedLock::~InheritedLock() {
-    if (fd_ != -1) {
-        (void)fcntl(fd_, F_SETFD, FD_CLOEXEC);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "lib/base/lock.h"
+#include "lib/entry/lock.h"
 
 #include <cerrno>
 
