@@ -10,16 +10,25 @@
 #include <string_view>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace edits {
 namespace {
 
+using testkit::kClientScript;
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kNtpLog;
+using testkit::kOldAddressFile;
+
 namespace fs = std::filesystem;
 
 constexpr std::array kDeviceFiles{
-    "/etc/network/interfaces", "/etc/dhclient.conf",  "/etc/dhclient-exit-hooks",
-    "/sbin/dhclient-script",   "/var/cron/tabs/root", "/var/libvelk/libvelk",
-    "/var/libvelk/ntp.log",    "/tmp/oldIPAddress",
+    kInterfacesFile, kDhcpConfigFile, kExitHooks, kClientScript,
+    kCrontab,        kIdentityFile,   kNtpLog,    kOldAddressFile,
 };
 constexpr std::string_view kSectionMark = "--- ";
 constexpr std::string_view kNoNewline = "\\c";
