@@ -7,20 +7,23 @@
 #include "fault/kit/answer_check.h"
 #include "fault/kit/expectation.h"
 #include "fault/kit/outcome_table.h"
-#include "fault/kit/paths.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/trial.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kExitHooks;
+using testkit::kStartNotice;
 
 // The notices are switched by two edits of one file. When the copying of the first one cannot be
 // run, the second goes on from the file as it was.
 std::optional<std::string> HooksWithTheSecondNoticeAlone(const Scene& scene,
                                                          const _velk_request& request) {
     const Device device(scene);
-    EXPECT_EQ(SetDhclient(request, "/sbin/printdhcpstart.pl"), 0);
+    EXPECT_EQ(SetDhclient(request, kStartNotice), 0);
     return ReadTargets().at(kExitHooks);
 }
 

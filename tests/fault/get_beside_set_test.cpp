@@ -2,13 +2,15 @@
 #include <gmock/gmock.h>
 
 #include "fault/kit/concurrency.h"
-#include "fault/kit/paths.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
 using testkit::Event;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
 
 // Both ask within the shell line that copies; a get asks for no lock.
 class GetBesideSetTest : public ConcurrencyTest {
@@ -33,21 +35,22 @@ class GetBesideSetTest : public ConcurrencyTest {
 };
 
 TEST_F(GetBesideSetTest, AGetFindsNoTextOfASettingThatMayBeMissing) {
-    testkit::WriteFile(kSettings, SettingsText({"Robin", "Cellar"}));
-    EXPECT_EQ(GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_LOCATION, "", "Attic"),
-                             kSettings, testkit::MakeRequest(VELK_GET, VELK_CMD_ADMINISTRATOR, "")),
-              0);
+    testkit::WriteFile(kIdentityFile, SettingsText({"Robin", "Cellar"}));
+    EXPECT_EQ(
+        GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_LOCATION, "", "Attic"),
+                       kIdentityFile, testkit::MakeRequest(VELK_GET, VELK_CMD_ADMINISTRATOR, "")),
+        0);
     EXPECT_STREQ(told_.data, "");
 }
 
 TEST_F(GetBesideSetTest, AGetFailsWhereTheValueMustBeThere) {
     for (const uint32_t id : {VELK_CMD_IP_METHOD, VELK_CMD_NETMASK}) {
-        testkit::WriteFile(kInterfaces,
+        testkit::WriteFile(kInterfacesFile,
                            "auto eth0\niface eth0 inet static\n\taddress 192.168.0.10\n"
                            "\tnetmask 255.255.255.0\n");
         EXPECT_EQ(
             GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"),
-                           kInterfaces, testkit::MakeRequest(VELK_GET, id, "eth0")),
+                           kInterfacesFile, testkit::MakeRequest(VELK_GET, id, "eth0")),
             -1)
             << id;
     }

@@ -12,10 +12,13 @@
 #include <sys/syscall.h>
 
 #include "fault/kit/host.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
 using testkit::LibcRecorder;
 
 TEST_F(HostTest, AHostThatIgnoresItsChildrenCanSet) {
@@ -23,7 +26,7 @@ TEST_F(HostTest, AHostThatIgnoresItsChildrenCanSet) {
         (void)signal(SIGCHLD, SIG_IGN);
         return AddressCanBeSet("10.1.2.3");
     }));
-    EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), testing::HasSubstr("10.1.2.3"));
+    EXPECT_THAT(testkit::ReadFile(kInterfacesFile), testing::HasSubstr("10.1.2.3"));
 }
 
 // A shell whose end nobody keeps looks like one that was not run.
@@ -68,7 +71,7 @@ TEST_F(HostTest, AHostWithoutRoomForAProcessChangesNothingAndIsNotTold) {
         return Refuse(kStartsOfProcesses, EAGAIN) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::ElementsAre("/var/tmp/interfaces"));
+    EXPECT_THAT(Leftovers(), testing::ElementsAre(kInterfacesCopy));
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 
@@ -79,7 +82,7 @@ TEST_F(HostTest, AHostWithoutAShellChangesNothingAndIsNotTold) {
         return Refuse({SYS_execve}, ENOENT) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::ElementsAre("/var/tmp/interfaces"));
+    EXPECT_THAT(Leftovers(), testing::ElementsAre(kInterfacesCopy));
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 

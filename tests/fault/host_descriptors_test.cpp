@@ -7,10 +7,14 @@
 #include <unistd.h>
 
 #include "fault/kit/host.h"
-#include "fault/kit/paths.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kLockFile;
+using testkit::kReplySocket;
+using testkit::kSemaphoreFile;
 
 TEST_F(HostTest, AHostWithoutStandardDescriptorsCanSet) {
     EXPECT_TRUE(InAHost([] {
@@ -52,7 +56,7 @@ TEST_F(HostTest, AHostWithoutStandardDescriptorsCanAskTheDaemon) {
 // Descriptor 0 does not count as a lock. When the lock's file has to be made first, nothing is left
 // to try; the file is there then.
 TEST_F(HostTest, AHostWithoutStandardInputFailsOnceWhereNobodyEverCalled) {
-    unlink(kLock);
+    unlink(kLockFile);
     EXPECT_TRUE(InAHost([] {
         close(0);
         _velk_request own{};
@@ -96,7 +100,7 @@ TEST_F(HostTest, AHostWithManyDescriptorsCannotAskTheDaemon) {
         return QuerySsid(own) == 0 && OpenDescriptorsBelow(2000) && QuerySsid(own) == -1;
     }));
     EXPECT_FALSE(testkit::Exists(kReplySocket));
-    EXPECT_FALSE(testkit::Exists(kSemaphore));
+    EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
 }
 
 TEST_F(HostTest, AHostWithoutAnyDescriptorLeftIsToldSo) {

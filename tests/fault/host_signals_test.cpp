@@ -6,13 +6,15 @@
 #include <sys/time.h>
 
 #include "fault/kit/host.h"
-#include "fault/kit/paths.h"
 #include "support/fake_daemon.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testing::Contains;
+using testkit::kReplySocket;
+using testkit::kSemaphoreFile;
 using testkit::LibcRecorder;
 
 std::atomic<int> alarms = 0;
@@ -76,7 +78,7 @@ TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
         EXPECT_THAT(LibcRecorder::Get().Logs(),
                     Contains("RecvWlanResponseMessage select errno=4:Interrupted system call"));
         EXPECT_FALSE(testkit::Exists(kReplySocket));
-        EXPECT_FALSE(testkit::Exists(kSemaphore));
+        EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
     }
     daemon.Stop();
     LibcRecorder::Get().Reset();

@@ -9,9 +9,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
@@ -19,6 +19,8 @@ namespace {
 using testkit::Call;
 using testkit::Event;
 using testkit::FakeDaemon;
+using testkit::kReplySocket;
+using testkit::kSemaphoreFile;
 using testkit::LibcRecorder;
 
 constexpr char kProduct[] = "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04";
@@ -70,7 +72,7 @@ class KilledQueryTest : public testkit::DeviceTest {
     // Until the daemon, a thread of this process, has the semaphore in its hands.
     static void AwaitDaemonAtTheSemaphore() {
         for (int tries = 0; tries < 1000; ++tries) {
-            if (testkit::ReadFile("/proc/self/maps").find(kSemaphore) != std::string::npos) {
+            if (testkit::ReadFile("/proc/self/maps").find(kSemaphoreFile) != std::string::npos) {
                 return;
             }
             usleep(10 * 1000);
@@ -80,7 +82,7 @@ class KilledQueryTest : public testkit::DeviceTest {
 
     void ExpectNothingLeft() {
         EXPECT_FALSE(testkit::Exists(kReplySocket));
-        EXPECT_FALSE(testkit::Exists(kSemaphore));
+        EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
     }
 
     std::optional<testkit::FakeShell> shell_;
@@ -114,7 +116,7 @@ TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
 TEST_F(KilledQueryTest, AKilledQueryLeavesNoAnswerWhereItsSemaphoreIsRemoved) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     AwaitDaemonAtTheSemaphore();
-    EXPECT_EQ(unlink(kSemaphore), 0);
+    EXPECT_EQ(unlink(kSemaphoreFile), 0);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
     EXPECT_EQ(response.data[0], 6);
     ExpectNothingLeft();

@@ -4,15 +4,16 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testing::ElementsAre;
 using testkit::Call;
+using testkit::kResultFile;
 
 class MissingShellTest : public testkit::DeviceTest {
   protected:

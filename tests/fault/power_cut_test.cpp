@@ -6,15 +6,18 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/tracer.h"
 #include "fault/kit/trial.h"
 #include "support/device_test.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kInterfacesFile;
+using testkit::kResolverFile;
 
 // The tools that put an edited file in place, and the library itself where it writes in place.
 const std::set<std::string> kCopiers{"sh\n", "cat\n"};
@@ -216,7 +219,7 @@ TEST_P(PowerCutTest, DISABLED_ACutLeavesTheSameAtEverySystemCall) {
 // More than cat(1) copies at once.
 TEST_F(PowerCut, ACutMayLeaveTheFirstPiecesOfALongFile) {
     const std::string remark = "#" + std::string(20 * 1024, '-') + "\n";
-    std::string& text = start_[kInterfaces].emplace();
+    std::string& text = start_[kInterfacesFile].emplace();
     for (int count = 0; count < 20; ++count) {
         text += remark;
     }

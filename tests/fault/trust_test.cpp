@@ -11,13 +11,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+using testkit::kLockFile;
+using testkit::kSnmpFile;
 
 using testing::Contains;
 using testing::HasSubstr;
@@ -136,7 +141,7 @@ class EscapeTest : public TrustTest {
                 sed_status_ = system((path + command).c_str());
             }
         }
-        const std::string text = testkit::ReadFile("/usr/local/share/etc/snmp/snmpd.conf");
+        const std::string text = testkit::ReadFile(kSnmpFile);
         const size_t at = text.find("syscontact ");
         const size_t end = text.find("\nsyslocation");
         device_.reset();
@@ -229,7 +234,7 @@ TEST_F(TrustTest, ALinkInTheLocksPlaceIsNotFollowed) {
     device_.emplace(Scene{});
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
     ASSERT_EQ(chmod("/var/libvelk/victim", 0600), 0);
-    ASSERT_EQ(symlink("/var/libvelk/victim", kLock), 0);
+    ASSERT_EQ(symlink("/var/libvelk/victim", kLockFile), 0);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
     struct stat status {};
     ASSERT_EQ(stat("/var/libvelk/victim", &status), 0);
@@ -240,19 +245,19 @@ TEST_F(TrustTest, ALinkInTheLocksPlaceIsNotFollowed) {
 TEST_F(TrustTest, ALinkInAnEditCopysPlaceIsReplaced) {
     device_.emplace(Scene{});
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
-    ASSERT_EQ(symlink("/var/libvelk/victim", "/var/tmp/interfaces"), 0);
+    ASSERT_EQ(symlink("/var/libvelk/victim", kInterfacesCopy), 0);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
     EXPECT_EQ(testkit::ReadFile("/var/libvelk/victim"), "keep me\n");
-    EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), HasSubstr("address 10.1.2.3\n"));
+    EXPECT_THAT(testkit::ReadFile(kInterfacesFile), HasSubstr("address 10.1.2.3\n"));
 }
 
 TEST_F(TrustTest, AFolderInAnEditCopysPlaceIsToldAndNothingChanges) {
     device_.emplace(Scene{});
     const Files before = ReadTargets();
-    ASSERT_EQ(mkdir("/var/tmp/interfaces", 0755), 0);
+    ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_EQ(rmdir("/var/tmp/interfaces"), 0) << "it is as it was, too";
+    EXPECT_EQ(rmdir(kInterfacesCopy), 0) << "it is as it was, too";
 }
 
 }  // namespace

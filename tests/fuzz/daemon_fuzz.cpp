@@ -16,12 +16,13 @@
 #include "fuzz/kit/daemon_record.h"
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
 
-constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+using testkit::kReplySocket;
+using testkit::kRequestSocket;
 
 sockaddr_un AddressOf(const char* path) {
     sockaddr_un address{};
@@ -52,9 +53,9 @@ class Daemon {
 
 Daemon::Daemon(std::string reply) : reply_(std::move(reply)) {
     const testkit::Unrecorded unrecorded;
-    unlink(kRequestPath);
+    unlink(kRequestSocket);
     socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    const sockaddr_un address = AddressOf(kRequestPath);
+    const sockaddr_un address = AddressOf(kRequestSocket);
     Check(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0,
           "the daemon has its socket");
     testkit::LibcRecorder::Get().OnCall(testkit::Call::kSelect, [this](const auto&) { Send(); });
@@ -67,7 +68,7 @@ Daemon::~Daemon() {
 
 void Daemon::Send() {
     const testkit::Unrecorded unrecorded;
-    const sockaddr_un address = AddressOf(kReplyPath);
+    const sockaddr_un address = AddressOf(kReplySocket);
     (void)sendto(socket_, reply_.data(), reply_.size(), 0,
                  reinterpret_cast<const sockaddr*>(&address), sizeof(address));
 }
@@ -100,7 +101,7 @@ bool IsFilledUp(const std::string& data, const std::string& text) {
 
 // No key or pass phrase is ever logged, nor run. One that is a single character again and again, as
 // the mutator makes them, stands in no line by chance.
-void CheckSecretStaysSecret(const Row& row, const std::string& text) {
+void CheckSecretStaysSecret(const RecordRow& row, const std::string& text) {
     constexpr size_t kTellingLength = 5;
     const bool is_secret = row.field == Field::kText && row.id != VELK_CMD_SSID;
     if (!is_secret || text.size() < kTellingLength ||
@@ -112,7 +113,7 @@ void CheckSecretStaysSecret(const Row& row, const std::string& text) {
     }
 }
 
-void CheckGet(Turn& turn, const Row& row, const std::string& body) {
+void CheckGet(Turn& turn, const RecordRow& row, const std::string& body) {
     const Answer expected = AnswerFrom(row, body);
     const int result = turn.Execute(VELK_GET, row.id, "eth1");
     Check(result == (expected.succeeds ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE),
@@ -122,21 +123,21 @@ void CheckGet(Turn& turn, const Row& row, const std::string& body) {
     CheckSecretStaysSecret(row, expected.bytes);
 }
 
-void RunGet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body) {
+void RunGet(Turn& turn, Daemon& daemon, const RecordRow& row, const std::string& body) {
     CheckGet(turn, row, body);
     const std::vector<std::string> sent = daemon.Received();
     Check(sent.size() == 1 && sent[0].size() == kMessage, "one query was sent");
 }
 
 // The part of a value that counts.
-std::string Counting(const Row& row, const std::string& value) {
+std::string Counting(const RecordRow& row, const std::string& value) {
     if (row.field == Field::kText) {
         return TextIn(value);
     }
     return {value.empty() ? '\0' : value[0]};
 }
 
-void RunSet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body,
+void RunSet(Turn& turn, Daemon& daemon, const RecordRow& row, const std::string& body,
             const std::string& value) {
     const std::string counting = Counting(row, value);
     const int result = turn.Execute(VELK_SET, row.id, "eth1", value);
@@ -166,13 +167,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < fuzz::kHead) {
         return 0;
     }
-    const fuzz::Row& row = fuzz::kRows[static_cast<size_t>(data[0]) % fuzz::kRows.size()];
+    const fuzz::RecordRow& row =
+        fuzz::kRecordRows[static_cast<size_t>(data[0]) % fuzz::kRecordRows.size()];
     const bool is_set = data[1] == 's';
     const std::string rest(reinterpret_cast<const char*>(data) + fuzz::kHead, size - fuzz::kHead);
     const size_t length = std::min<size_t>(data[2], rest.size());
     const std::string reply = rest.substr(0, length);
 
-    testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    testkit::WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
     fuzz::Turn turn;
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
     fuzz::Daemon daemon(reply);

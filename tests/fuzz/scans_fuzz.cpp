@@ -20,14 +20,24 @@
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
 #include "fuzz/kit/tool_answers.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
 
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kNtpLog;
+using testkit::kResolverFile;
+using testkit::kRoutingTable;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
+
 constexpr char kRoutes[] = "/tmp/routes";            // in the place of /proc/net/route
 constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // behind type and value, in front of its NUL
-constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
-constexpr char kDevices[] = "/proc/bus/usb/devices";
 
 // What holds for answers from texts in any form.
 enum class Form {
@@ -49,21 +59,21 @@ struct Row {
 };
 
 const std::vector<Row> kRows = {
-    {VELK_CMD_ADMINISTRATOR, false, {kSettings}, Form::kText, 0, AdministratorFrom},
-    {VELK_CMD_LOCATION, false, {kSettings}, Form::kText, 0, LocationFrom},
+    {VELK_CMD_ADMINISTRATOR, false, {kIdentityFile}, Form::kText, 0, AdministratorFrom},
+    {VELK_CMD_LOCATION, false, {kIdentityFile}, Form::kText, 0, LocationFrom},
     {VELK_CMD_NTP, false, {kCrontab}, Form::kByte, 2, NtpMethodFrom},
-    {VELK_CMD_DHCP_NTP, false, {kDhcpConfig}, Form::kByte, 2, DhcpNtpFrom},
+    {VELK_CMD_DHCP_NTP, false, {kDhcpConfigFile}, Form::kByte, 2, DhcpNtpFrom},
     {VELK_CMD_NTP_SERVER, false, {kCrontab}, Form::kText, 0, NtpServerFrom},
-    {VELK_CMD_NTP_RESULT, false, {"/var/libvelk/ntp.log"}, Form::kByte, 2, NtpResultFrom},
+    {VELK_CMD_NTP_RESULT, false, {kNtpLog}, Form::kByte, 2, NtpResultFrom},
     {VELK_CMD_WEB_UPDATE, false, {kCrontab}, Form::kSchedule, 0, ScheduleFrom},
-    {VELK_CMD_IP_METHOD, true, {kInterfaces}, Form::kByte, 2, IpMethodFrom},
+    {VELK_CMD_IP_METHOD, true, {kInterfacesFile}, Form::kByte, 2, IpMethodFrom},
     {VELK_CMD_APIPA, true, {kExitHooks}, Form::kByte, 2, ApipaFrom},
-    {VELK_CMD_IP_ADDRESS, true, {kInterfaces, "ifconfig"}, Form::kText, 0, IpAddressFrom},
-    {VELK_CMD_DHCP_DNS, true, {kDhcpConfig}, Form::kByte, 2, DhcpDnsFrom},
-    {VELK_CMD_DNS, true, {kResolver}, Form::kServers, 0, DnsFrom},
+    {VELK_CMD_IP_ADDRESS, true, {kInterfacesFile, "ifconfig"}, Form::kText, 0, IpAddressFrom},
+    {VELK_CMD_DHCP_DNS, true, {kDhcpConfigFile}, Form::kByte, 2, DhcpDnsFrom},
+    {VELK_CMD_DNS, true, {kResolverFile}, Form::kServers, 0, DnsFrom},
     {VELK_CMD_LINK_SPEED, true, {"sudo ethtool"}, Form::kByte, 5, LinkSpeedFrom},
     {VELK_CMD_GATEWAY, true, {kRoutes}, Form::kGateway, 0, GatewayFrom},
-    {VELK_CMD_NETMASK, true, {kInterfaces, "ifconfig"}, Form::kText, 0, NetmaskFrom},
+    {VELK_CMD_NETMASK, true, {kInterfacesFile, "ifconfig"}, Form::kText, 0, NetmaskFrom},
 };
 
 void Place(Turn& turn, const std::string& source, const std::string& text) {
@@ -133,9 +143,9 @@ void CheckAnswer(const Row& row, const Answer& expected, int result, const std::
 
 // What every get stands on: no cable, an adapter, and addresses that come by DHCP.
 void PlaceSurroundings(Turn& turn) {
-    testkit::LibcRecorder::Get().Redirect("/proc/net/route", kRoutes);
-    testkit::WriteFile(kInterfaces, "iface eth0 inet dhcp\niface eth1 inet dhcp\n");
-    testkit::WriteFile(kDevices, "S:  Product=QT4408RKM\n");
+    testkit::LibcRecorder::Get().Redirect(kRoutingTable, kRoutes);
+    testkit::WriteFile(kInterfacesFile, "iface eth0 inet dhcp\niface eth1 inet dhcp\n");
+    testkit::WriteFile(kUsbDevices, "S:  Product=QT4408RKM\n");
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
 }
 
@@ -194,9 +204,9 @@ void RunAdapter(const std::vector<std::string>& texts) {
     const Turn turn;
     const std::string devices = texts.size() > 1 ? texts[1] : "";
     testkit::WriteFile(kSupportList, texts[0]);
-    testkit::WriteFile(kDevices, devices);
+    testkit::WriteFile(kUsbDevices, devices);
     Check(IsWlanAttached() == (IsListed(texts[0], devices) ? 1 : 0), "a listed device is attached");
-    testkit::WriteFile(kDevices, "");
+    testkit::WriteFile(kUsbDevices, "");
     Check(IsWlanAttached() == 0, "no device, no adapter");
 }
 

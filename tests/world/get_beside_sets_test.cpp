@@ -6,12 +6,18 @@
 #include <gmock/gmock.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"
 #include "world/samples.h"
 
 namespace world {
 namespace {
+
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
 
 constexpr int kGets = 3000;
 
@@ -31,8 +37,7 @@ class GetBesideSetsTest : public testkit::DeviceTest {
 };
 
 TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
-    testkit::WriteFile("/var/cron/tabs/root",
-                       "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n");
+    testkit::WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n");
     const Child one({}, SetServers);
     const Child other({}, SetServers);
     int given_up = 0;
@@ -51,7 +56,7 @@ TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
 
 // A file that stays empty is what it is.
 TEST_F(GetBesideSetsTest, AnEmptyFileIsReadAgainFor50MillisecondsAndThenTaken) {
-    testkit::WriteFile("/var/cron/tabs/root", "");
+    testkit::WriteFile(kCrontab, "");
     libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_NTP, ""), 0);
     EXPECT_EQ(response.data[0], VELK_OFF);
@@ -66,14 +71,14 @@ TEST_F(GetBesideSetsTest, EachFileThatIsNeverEmptyIsReadAgain) {
         const char* interface;
         std::string answer;
     } kCases[] = {
-        {"/var/cron/tabs/root", "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n",
-         VELK_CMD_NTP, "", "\x01"},
-        {"/var/cron/tabs/root", "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n",
-         VELK_CMD_NTP_SERVER, "", "a.example"},
-        {"/etc/dhclient.conf", "interface \"eth0\" {\n\trequest domain-name-servers;\n}\n",
+        {kCrontab, "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n", VELK_CMD_NTP, "",
+         "\x01"},
+        {kCrontab, "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n", VELK_CMD_NTP_SERVER, "",
+         "a.example"},
+        {kDhcpConfigFile, "interface \"eth0\" {\n\trequest domain-name-servers;\n}\n",
          VELK_CMD_DHCP_DNS, "eth0", "\x01"},
-        {"/var/libvelk/libvelk", "LOCATION=Cellar\n", VELK_CMD_LOCATION, "", "Cellar"},
-        {kInterfaces, "iface eth0 inet dhcp\n", VELK_CMD_IP_METHOD, "eth0", "\x02"},
+        {kIdentityFile, "LOCATION=Cellar\n", VELK_CMD_LOCATION, "", "Cellar"},
+        {kInterfacesFile, "iface eth0 inet dhcp\n", VELK_CMD_IP_METHOD, "eth0", "\x02"},
     };
     for (const auto& one : kCases) {
         testkit::WriteFile(one.file, "");

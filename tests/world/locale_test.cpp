@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace world {
 namespace {
@@ -14,9 +15,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
+using testkit::kIdentityFile;
+using testkit::kSnmpFile;
 
-constexpr char kSettings[] = "/var/libvelk/libvelk";
-constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
 constexpr char kSnmpBefore[] = "syscontact Robin\nsyslocation Cellar\n";
 constexpr char kPlanted[] = "/tmp/owned";
 constexpr char kLocales[] = "/run/locales";
@@ -98,7 +99,7 @@ class LocaleTest : public testkit::DeviceTest, public testing::WithParamInterfac
 
     // Sets the administrator. The SNMP line for sed(1) runs, without sudo(8) and nothing else.
     void SetAdministrator(const std::string& value) {
-        testkit::WriteFile(kSettings, "ADMINISTRATOR=\n");
+        testkit::WriteFile(kIdentityFile, "ADMINISTRATOR=\n");
         testkit::WriteFile(kSnmpFile, kSnmpBefore);
         libc().ForgetEvents();
         libc().ScriptAlways(Call::kSystem, testkit::Return(0));

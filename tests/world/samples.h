@@ -6,8 +6,6 @@
 
 namespace world {
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-
 // The interfaces file with this address of eth0. All addresses of one length give files of one
 // size.
 inline std::string InterfacesWith(const std::string& address) {

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "fault/kit/paths.h"
 #include "support/device_test.h"
 
 namespace fault {

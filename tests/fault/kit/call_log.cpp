@@ -6,13 +6,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
+using testkit::kResultFile;
 
 std::map<int, std::string> OpenFiles() {
     std::map<int, std::string> files;

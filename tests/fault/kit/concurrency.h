@@ -11,7 +11,6 @@
 
 namespace fault {
 
-inline constexpr char kSettings[] = "/var/libvelk/libvelk";
 inline constexpr int kRounds = 4;  // of each caller: values that it stores
 
 // The two settings of the file, and the text that the file has with them.

@@ -7,13 +7,22 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
-#include "fault/kit/paths.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
+using testkit::kEditFolder;
+using testkit::kLockFile;
+using testkit::kNtpLog;
+using testkit::kReplySocket;
+using testkit::kResolverFile;
+using testkit::kResultFile;
+using testkit::kSemaphoreFile;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
 
 // Those that fail: one, or it and all later ones.
 std::span<const LoggedCall> FailedCalls(const Fault& fault, const Reference& reference) {
@@ -36,7 +45,7 @@ Notice NoticeOfUnreadable(const LoggedCall& call, const Fault& fault) {
     if (call.file == kSupportList || call.file == kUsbDevices) {
         return Notice::kNoAdapter;
     }
-    if (call.file == kClockLog) {
+    if (call.file == kNtpLog) {
         return Notice::kNoResult;
     }
     return AsksForTheLink(call.line) ? NoticeOfLinkTool(fault) : Notice::kTold;
@@ -46,11 +55,11 @@ Notice NoticeOfUnreadable(const LoggedCall& call, const Fault& fault) {
 // cannot open the folder for its turn, or cannot make the file of results before the shell does.
 Notice NoticeOfOpen(const LoggedCall& call, const Fault& fault) {
     const bool is_made = call.file == kResultFile && (call.number & O_CREAT) != 0;
-    if (call.file == kScratchFolder || is_made) {
+    if (call.file == kEditFolder || is_made) {
         return Notice::kNone;
     }
     const bool is_first = fault.number == 1 && fault.reach == testkit::Reach::kThatOne;
-    return call.file == kLock && is_first ? Notice::kNone : NoticeOfUnreadable(call, fault);
+    return call.file == kLockFile && is_first ? Notice::kNone : NoticeOfUnreadable(call, fault);
 }
 
 Notice NoticeOfRead(const LoggedCall& call, const Fault& fault) {
@@ -102,8 +111,8 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kClose:
             return NoticeOfClose(call, request);
         case Call::kFlock:
-            return call.file == kLock && (call.number & LOCK_EX) != 0 ? Notice::kTold
-                                                                      : Notice::kNone;
+            return call.file == kLockFile && (call.number & LOCK_EX) != 0 ? Notice::kTold
+                                                                          : Notice::kNone;
         case Call::kSystem:
             return NoticeOfLine(call.line, fault.kind.answer.result == -1, fault);
         case Call::kIoctl:
@@ -199,12 +208,12 @@ bool MayBeLeft(const std::string& path, const Fault& fault, const Reference& ref
         return FilesOfFailedLines(fault, reference).contains(path);
     }
     const bool is_socket = call == Call::kUnlink && path == kReplySocket;
-    const bool is_semaphore = call == Call::kSemUnlink && path == kSemaphore;
+    const bool is_semaphore = call == Call::kSemUnlink && path == kSemaphoreFile;
     return is_socket || is_semaphore;
 }
 
 bool IsEditCopy(const std::string& path) {
-    return path.starts_with("/var/tmp/") && path != kLock && path != kResultFile;
+    return path.starts_with("/var/tmp/") && path != kLockFile && path != kResultFile;
 }
 
 }  // namespace fault

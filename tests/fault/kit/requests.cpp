@@ -65,7 +65,7 @@ Group GroupOf(uint32_t type, const char* type_name, uint32_t id, std::string_vie
                              (interface.empty() ? "" : " ") + std::string(interface);
     const Texts no_data{""};
     Group group;
-    for (const std::string& data : type == VELK_GET ? no_data : kData.at(id)) {
+    for (const std::string& data : HasData(id) && type != VELK_GET ? kData.at(id) : no_data) {
         group.push_back({name, testkit::MakeRequest(type, id, interface, data)});
     }
     return group;
@@ -89,6 +89,10 @@ std::vector<Group> GroupsOf(uint32_t type, const char* type_name,
 }
 
 }  // namespace
+
+bool HasData(uint32_t id) {
+    return kData.contains(id);
+}
 
 std::vector<Group> AllRequests() {
     std::vector<Group> all = GroupsOf(VELK_GET, "get", velk::kGetTable);

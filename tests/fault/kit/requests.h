@@ -23,6 +23,9 @@ inline void PrintTo(const Request& request, std::ostream* out) {
 // The requests of one row of the dispatch tables and one interface it allows; one name.
 using Group = std::vector<Request>;
 
+// True if the set or restart command has data here.
+bool HasData(uint32_t id);
+
 // A group for every row and every interface it allows.
 std::vector<Group> AllRequests();
 std::vector<Group> SetRequests();

@@ -11,32 +11,41 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "sandbox/device/sample_files.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
+using testkit::kClientScript;
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kEditFolder;
+using testkit::kExitHooks;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kNtpLog;
+using testkit::kOldAddressFile;
+using testkit::kRequestSocket;
+using testkit::kResolverFile;
+using testkit::kResultFile;
+using testkit::kSemaphoreFolder;
+using testkit::kSnmpFile;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
+
 namespace fs = std::filesystem;
 
 constexpr std::array kTargets{
-    kExitHooks,
-    "/etc/dhclient.conf",
-    "/etc/network/interfaces",
-    kResolverFile,
-    "/sbin/dhclient-script",
-    "/tmp/oldIPAddress",
-    "/usr/local/share/etc/snmp/snmpd.conf",
-    "/var/cron/tabs/root",
-    "/var/libvelk/libvelk",
-    kClockLog,
+    kExitHooks,      kDhcpConfigFile, kInterfacesFile, kResolverFile, kClientScript,
+    kOldAddressFile, kSnmpFile,       kCrontab,        kIdentityFile, kNtpLog,
 };
 
 // Those that the sandbox's device has no samples of.
 const std::map<std::string, std::string> kOwnTexts{
-    {"/tmp/oldIPAddress", "10.0.0.5\n"},
-    {kClockLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
+    {kOldAddressFile, "10.0.0.5\n"},
+    {kNtpLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
 };
 
 // The sample's wireless stanza has no values, and a stanza that is the last of the file gains none.
@@ -94,7 +103,7 @@ void WriteTarget(const std::string& path, const Scene& scene) {
         return;
     }
     std::string text = Samples().at(path);
-    if (path == kInterfaces) {
+    if (path == kInterfacesFile) {
         text = scene.uses_dhcp ? Replaced(text, "inet static", "inet dhcp")
                                : Replaced(text, "inet dhcp", "inet static");
         text += kWirelessValues;
@@ -159,7 +168,7 @@ Files ReadTargets() {
 
 std::vector<std::string> Leftovers() {
     std::vector<std::string> paths;
-    for (const char* folder : {"/tmp", "/var/tmp", "/dev/shm"}) {
+    for (const char* folder : {"/tmp", kEditFolder, kSemaphoreFolder}) {
         for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
             const bool is_lock = entry.path().string().ends_with("_lock");
             if (!entry.is_directory() && !is_lock) {
@@ -167,8 +176,8 @@ std::vector<std::string> Leftovers() {
             }
         }
     }
-    std::erase(paths, "/tmp/WlanAplToWlanSock");  // the daemon's
-    std::erase(paths, "/tmp/oldIPAddress");       // a target
+    std::erase(paths, kRequestSocket);   // the daemon's
+    std::erase(paths, kOldAddressFile);  // a target
     std::ranges::sort(paths);
     return paths;
 }

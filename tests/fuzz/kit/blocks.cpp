@@ -4,9 +4,15 @@
 #include <algorithm>
 
 #include "fuzz/kit/edit_files.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
+
+using testkit::kClientScript;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kInterfacesFile;
 
 using Owners = std::vector<Owner>;
 
@@ -155,10 +161,10 @@ Owners StanzaOwners(const std::string& interface, const Texts& lines) {
 
 std::optional<std::vector<Owner>> OwnersOf(std::string_view path, const std::string& interface,
                                            const Texts& lines) {
-    if (path == kInterfaces) {
+    if (path == kInterfacesFile) {
         return StanzaOwners(interface, lines);
     }
-    if (!interface.empty() && path == kDhcpConfig) {
+    if (!interface.empty() && path == kDhcpConfigFile) {
         return BlockOwners(interface, lines, ConfigMark);
     }
     if (!interface.empty() && (path == kExitHooks || path == kClientScript)) {

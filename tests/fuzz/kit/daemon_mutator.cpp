@@ -34,7 +34,7 @@ size_t OneOf(Dice& dice, const std::vector<size_t>& numbers) {
 }
 
 // The field that the command is about.
-void ChangeField(std::string& input, const Row& row, Dice& dice) {
+void ChangeField(std::string& input, const RecordRow& row, Dice& dice) {
     const size_t offset = kRecord + row.offset;
     if (row.field == Field::kCode || row.field == Field::kNumber) {
         PutNumber(input, offset, OneOf(dice, {0, 1, 2, 3, 4, 5, 0xFF, 0x100, 0xFFFF}));
@@ -48,7 +48,7 @@ void ChangeField(std::string& input, const Row& row, Dice& dice) {
 }
 
 // What a set is to put there.
-void ChangeValue(std::string& input, const Row& row, Dice& dice) {
+void ChangeValue(std::string& input, const RecordRow& row, Dice& dice) {
     if (row.field == Field::kText) {
         const size_t size = row.size - kLengthSize;
         const size_t length = OneOf(dice, {0, 5, 10, 13, 26, size - 1, size, size + 1, 512});
@@ -61,10 +61,10 @@ void ChangeValue(std::string& input, const Row& row, Dice& dice) {
 }
 
 void Change(std::string& input, Dice& dice) {
-    const Row& row = kRows[static_cast<unsigned char>(input[0]) % kRows.size()];
+    const RecordRow& row = kRecordRows[static_cast<unsigned char>(input[0]) % kRecordRows.size()];
     switch (dice.Below(8)) {
         case 0:
-            input[0] = Byte(dice.Below(kRows.size()));
+            input[0] = Byte(dice.Below(kRecordRows.size()));
             return;
         case 1:
             input[1] = dice.OneIn(2) ? 'g' : 's';

@@ -28,7 +28,7 @@ enum class Field {
 };
 
 // A command and the field that it is about.
-struct Row {
+struct RecordRow {
     uint32_t id;
     bool can_set;
     Field field;
@@ -37,18 +37,18 @@ struct Row {
     char if_unknown;    // the byte beside the failure of a number without one
 };
 
-extern const std::vector<Row> kRows;
+extern const std::vector<RecordRow> kRecordRows;
 
 // What a get gives when the daemon sends this record.
-Answer AnswerFrom(const Row& row, const std::string& body);
+Answer AnswerFrom(const RecordRow& row, const std::string& body);
 
 // True for a value that a set takes: a byte of the row's, or a text of a length that there is. The
 // key in use cannot be emptied.
-bool CanSet(const Row& row, const std::string& body, const std::string& value);
+bool CanSet(const RecordRow& row, const std::string& body, const std::string& value);
 
 // The record with the value in its field. Behind a key stands what is left of the one before;
 // behind other texts there are zeros.
-std::string BodyWith(const Row& row, std::string body, const std::string& value);
+std::string BodyWith(const RecordRow& row, std::string body, const std::string& value);
 
 }  // namespace fuzz
 

@@ -9,6 +9,7 @@
 #include "fuzz/kit/lines.h"
 #include "fuzz/kit/server_lines.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace fuzz {
@@ -58,7 +59,7 @@ bool IsSwitched(std::string old_line, const std::string& new_line, bool is_on, s
 
 // Not just named in a comment or where it is defined: of the client's script a plain call counts.
 bool IsSurelyOwn(const EditedFile& file, const std::string& line) {
-    if (file.path != std::string_view(kClientScript)) {
+    if (file.path != std::string_view(testkit::kClientScript)) {
         return IsOwn(file, line);
     }
     const std::string call = line.substr(std::min(line.find_first_not_of("#\t"), line.size()));

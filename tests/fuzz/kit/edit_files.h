@@ -10,14 +10,6 @@
 
 namespace fuzz {
 
-inline constexpr char kInterfaces[] = "/etc/network/interfaces";
-inline constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-inline constexpr char kClientScript[] = "/sbin/dhclient-script";
-inline constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
-inline constexpr char kCrontab[] = "/var/cron/tabs/root";
-inline constexpr char kSettings[] = "/var/libvelk/libvelk";
-inline constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
-
 enum class Change {
     kSwitch,  // lines gain or lose a "#"
     kBlock,   // so do all lines of the interface's block: they are on when it uses DHCP

@@ -6,10 +6,15 @@
 
 #include "fuzz/kit/blocks.h"
 #include "fuzz/kit/edit_files.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace fuzz {
 namespace {
+
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kLinkLocalDaemon;
 
 Answer OnOff(bool is_on) {
     return {true, is_on ? "\1" : "\2"};
@@ -45,7 +50,7 @@ std::optional<Answer> RequestFrom(const std::string& interface, const std::strin
     static const std::regex kUsual(R"(\t?request ([a-z-]+, )*[a-z-]+;)");
     constexpr size_t kLongest = 200;  // what a line of the device may have, and a match may cost
     const Texts lines = Lines(text);
-    const auto owners = OwnersOf(kDhcpConfig, interface, lines);
+    const auto owners = OwnersOf(kDhcpConfigFile, interface, lines);
     if (!owners) {
         return std::nullopt;
     }
@@ -145,7 +150,7 @@ std::optional<Answer> ApipaFrom(const std::string& interface, const Texts& texts
     bool is_on = false;
     for (size_t i = 0; i < lines.size(); ++i) {
         std::smatch parts;
-        if (!Has(lines[i], "/usr/sbin/avahi-autoipd")) {
+        if (!Has(lines[i], kLinkLocalDaemon)) {
             continue;
         }
         if (!BeginsWith(lines[i], kUsual, parts)) {

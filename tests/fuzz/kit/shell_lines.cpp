@@ -8,9 +8,18 @@
 
 #include "fuzz/kit/shell_words.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
+
+using testkit::kClientScript;
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kSnmpFile;
 
 const std::vector<std::string> kFixedLines = {
     "grep \"eth0: link\" /var/log/syslog/syslog_info.log.0 > /var/tmp/get_result",
@@ -37,11 +46,9 @@ const std::vector<std::string> kFixedLines = {
 
 // Each is edited in a copy that takes its place.
 const std::vector<std::string> kEditedFiles = {
-    "/etc/dhclient-exit-hooks", "/etc/dhclient.conf",  "/etc/network/interfaces",
-    "/sbin/dhclient-script",    "/var/cron/tabs/root", "/var/libvelk/libvelk",
+    kExitHooks, kDhcpConfigFile, kInterfacesFile, kClientScript, kCrontab, kIdentityFile,
 };
 
-constexpr std::string_view kSnmpFile = "/usr/local/share/etc/snmp/snmpd.conf";
 const std::vector<std::string_view> kSubstitutions = {
     "s/syscontact.*/syscontact ",
     "s/syslocation.*/syslocation ",

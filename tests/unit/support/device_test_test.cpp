@@ -9,6 +9,8 @@
 #include <gtest/gtest-spi.h>
 #include <unistd.h>
 
+#include "support/paths.h"
+
 namespace {
 
 using testkit::DeviceTest;
@@ -79,10 +81,10 @@ TEST_F(PrivateDeviceTest, ALeakedDescriptorFailsTheTest) {
 
 TEST_F(PrivateDeviceTest, AnEarlierTestsFilesAreGone) {
     testkit::WriteFile("/var/tmp/left", "x");
-    testkit::WriteFile("/etc/resolv.dnsmasq.conf", "x");
+    testkit::WriteFile(testkit::kResolverFile, "x");
     const PrivateDeviceTest_AnEarlierTestsFilesAreGone_Test next;
     EXPECT_FALSE(testkit::Exists("/var/tmp/left"));
-    EXPECT_FALSE(testkit::Exists("/etc/resolv.dnsmasq.conf"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResolverFile));
 }
 
 TEST_F(PrivateDeviceTest, ALockLeftTakenFailsTheTest) {

@@ -15,6 +15,7 @@
 
 #include "support/call_probe.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -241,8 +242,8 @@ TEST_F(LibcScriptTest, AScriptedCloseFailureClosesAllTheSame) {
 
 TEST_F(LibcScriptTest, OpensAnotherFileInTheOnesPlace) {
     testkit::WriteFile("/var/tmp/other", "1234");
-    libc().Redirect("/proc/net/route", "/var/tmp/other");
-    const int fd = large_open("/proc/net/route", O_RDONLY);
+    libc().Redirect(testkit::kRoutingTable, "/var/tmp/other");
+    const int fd = large_open(testkit::kRoutingTable, O_RDONLY);
     EXPECT_EQ(plain_read(fd, 16), 4);
     plain_close(fd);
 }
