@@ -15,13 +15,12 @@
 #include "sandbox/control/control_socket.h"
 #include "sandbox/control/ownership.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
 
-constexpr char kFolder[] = "/run/velk-sandbox";
 constexpr mode_t kFolderMode = 0755;
-constexpr sockaddr_un kAddress = {AF_UNIX, "/run/velk-sandbox/hardware"};
 constexpr char kObeyed[] = "obeyed";
 constexpr char kFirstProcess[] = "first process";  // the order to tell it
 constexpr size_t kMessageSize = 512;
@@ -43,6 +42,13 @@ struct Envelope {
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
     msghdr header = {};
 };
+
+const sockaddr_un kAddress = [] {
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    memcpy(address.sun_path, kHardwareSocket, sizeof(kHardwareSocket));
+    return address;
+}();
 
 const sockaddr* Address() {
     return reinterpret_cast<const sockaddr*>(&kAddress);
@@ -114,10 +120,10 @@ velk::UniqueFd Connect(const std::string& name) {
 
 HardwareChannel::HardwareChannel(velk::UniqueFd door)
     : inside_(MakeSocket()), door_(std::move(door)) {
-    (void)mkdir(kFolder, kFolderMode);
+    (void)mkdir(kRunFolder, kFolderMode);
     if (bind(inside_.get(), Address(), sizeof(kAddress)) == -1 ||
         listen(inside_.get(), kWaitingOrders) == -1) {
-        Fail(std::string("cannot listen at ") + kAddress.sun_path, errno);
+        Fail(std::string("cannot listen at ") + kHardwareSocket, errno);
     }
 }
 
@@ -147,7 +153,7 @@ void HardwareChannel::Answer(int listener,
 
 bool IsOnDevice() {
     struct stat status;
-    return stat(kFolder, &status) == 0;
+    return stat(kRunFolder, &status) == 0;
 }
 
 void GiveOrder(const std::string& order, const std::string& name) {

@@ -3,44 +3,55 @@
 
 #include <algorithm>
 
+#include "lib/base/paths.h"
+
 namespace sandbox {
 namespace {
 
 namespace fs = std::filesystem;
 
 struct Folder {
-    const char* path;
+    fs::path path;
     mode_t mode;
 };
 
-constexpr Folder kPlaces[] = {
-    {"/dev/shm", 01777}, {"/proc/bus", 0755}, {"/run", 0755}, {"/tmp", 01777}, {"/var/tmp", 01777},
-};
+// Returns the folder that holds a file of the device.
+fs::path FolderOf(const char* file) {
+    return fs::path(file).parent_path();
+}
 
-// A network hook of the machine's, for one, must not run on the device.
-constexpr Folder kFolders[] = {
-    {"/etc/network", 0755},
-    {"/etc/network/if-down.d", 0755},
-    {"/etc/network/if-post-down.d", 0755},
-    {"/etc/network/if-pre-up.d", 0755},
-    {"/etc/network/if-up.d", 0755},
-    {"/proc/bus/usb", 0755},
-    {"/run/lock", 01777},
-    {"/run/network", 0755},
-    {"/usr/local/share/apps/wlan", 0755},
-    {"/usr/local/share/etc/snmp", 0755},
-    {"/var/cron/tabs", 0700},
-    {"/var/lib/dhcp", 0755},
-    {"/var/libvelk", 0755},
-    {"/var/log/syslog", 0755},
-};
+std::vector<Folder> TmpfsFolders() {
+    return {
+        {velk::kSemaphoreFolder, 01777}, {"/proc/bus", 0755}, {"/run", 0755}, {"/tmp", 01777},
+        {velk::kEditFolder, 01777},
+    };
+}
+
+// The network hooks of the machine must not run on the device, so their folders are empty.
+std::vector<Folder> DeviceFolders() {
+    const fs::path network = FolderOf(velk::kInterfacesFile);
+    return {
+        {network, 0755},
+        {network / "if-down.d", 0755},
+        {network / "if-post-down.d", 0755},
+        {network / "if-pre-up.d", 0755},
+        {network / "if-up.d", 0755},
+        {FolderOf(velk::kUsbDevices), 0755},
+        {"/run/lock", 01777},
+        {"/run/network", 0755},
+        {FolderOf(velk::kSupportList), 0755},
+        {FolderOf(velk::kSnmpFile), 0755},
+        {FolderOf(velk::kCrontab), 0700},
+        {"/var/lib/dhcp", 0755},
+        {FolderOf(velk::kIdentityFile), 0755},
+        {FolderOf(velk::kSyslogPrefix), 0755},
+    };
+}
 
 // In folders that the device shares with the machine. An agent of the machine's, for one, must not
 // be restarted from a device.
-constexpr const char* kFiles[] = {
-    "/etc/dhclient-exit-hooks", "/etc/dhclient.conf",    "/etc/init.d/snmpd",
-    "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script",
-};
+constexpr const char* kFiles[] = {velk::kClientScript, velk::kDhcpConfigFile, velk::kExitHooks,
+                                  velk::kResolverFile, velk::kSnmpScript};
 
 bool IsWithin(const fs::path& path, const fs::path& folder) {
     return std::ranges::mismatch(folder, path).in1 == folder.end();
@@ -50,10 +61,10 @@ bool IsWithin(const fs::path& path, const fs::path& folder) {
 
 Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_files) {
     Plan plan;
-    for (const Folder& place : kPlaces) {
+    for (const Folder& place : TmpfsFolders()) {
         plan.places.emplace(fs::weakly_canonical(place.path), place.mode);
     }
-    for (const Folder& folder : kFolders) {
+    for (const Folder& folder : DeviceFolders()) {
         plan.folders.emplace(DeviceTree::Resolve(folder.path), folder.mode);
     }
     for (const char* file : kFiles) {

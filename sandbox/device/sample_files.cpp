@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "sandbox/process/failure.h"
 
@@ -18,7 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kCrontabs[] = "/var/cron/tabs";
 constexpr mode_t kOwnerOnly = 0700;
 constexpr mode_t kModeBits = 07777;
 
@@ -26,7 +26,7 @@ constexpr mode_t kModeBits = 07777;
 // able to read it.
 mode_t ModeOnDevice(const fs::path& path, fs::perms found) {
     const mode_t mode = static_cast<mode_t>(found) & kModeBits;
-    return path.parent_path() == kCrontabs ? mode & kOwnerOnly : mode;
+    return path.parent_path() == fs::path(velk::kCrontab).parent_path() ? mode & kOwnerOnly : mode;
 }
 
 SampleFile ReadSample(const fs::directory_entry& entry, const fs::path& rootfs) {

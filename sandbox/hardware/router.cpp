@@ -16,9 +16,10 @@
 #include "sandbox/hardware/netns_scope.h"
 #include "sandbox/hardware/time_server.h"
 #include "sandbox/process/daemon_process.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/programs.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
@@ -26,7 +27,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kNameFolder[] = "/run/netns";
-constexpr char kPidFile[] = "/run/velk-sandbox/router.pid";  // of the DHCP and DNS server
 constexpr char kName[] = "/run/netns/router";
 
 void PutUp(TapPorts& ports, const NetworkControl& network, const Port& port, const char* address) {
@@ -62,7 +62,7 @@ pid_t StartTimeServer() {
         try {
             ServeTime();
         } catch (const std::exception& error) {
-            Say(error.what());
+            PrintFailure(error);
         }
         _exit(EXIT_FAILURE);
     }
@@ -91,7 +91,7 @@ void Router::Build(const std::string& folder) {
     NameNetwork();
     time_server_ = StartTimeServer();
     // In the background, it returns when the servers answer.
-    if (RunProgram({FindProgram("dnsmasq"), std::string("--pid-file=") + kPidFile,
+    if (RunProgram({FindProgram("dnsmasq"), std::string("--pid-file=") + kRouterPidFile,
                     "--conf-file=" + folder + "/dnsmasq.conf"}) != 0) {
         throw Failure("the router's DHCP and DNS server does not start");
     }
@@ -105,7 +105,7 @@ void Router::EndTimeServer() const {
 }
 
 Router::~Router() {
-    StopDaemon(kPidFile);
+    StopDaemon(kRouterPidFile);
     EndTimeServer();
     ForgetName();
 }

@@ -14,7 +14,6 @@
 namespace sandbox {
 namespace {
 
-constexpr char kNewUsbDevices[] = "/proc/bus/usb/devices.new";
 constexpr char kAdapterMark[] = "Driver=wlan";
 
 std::string ReadDevices() {
@@ -25,12 +24,12 @@ std::string ReadDevices() {
 
 // A reader sees the list as it was or as it is to be.
 void WriteDevices(const std::string& text) {
-    std::ofstream file(kNewUsbDevices);
+    const std::string copy = std::string(velk::kUsbDevices) + ".new";
+    std::ofstream file(copy);
     file << text;
     file.close();
-    std::filesystem::permissions(kNewUsbDevices,
-                                 std::filesystem::status(velk::kUsbDevices).permissions());
-    if (!file || rename(kNewUsbDevices, velk::kUsbDevices) == -1) {
+    std::filesystem::permissions(copy, std::filesystem::status(velk::kUsbDevices).permissions());
+    if (!file || rename(copy.c_str(), velk::kUsbDevices) == -1) {
         Fail(std::string("cannot write ") + velk::kUsbDevices, errno);
     }
 }

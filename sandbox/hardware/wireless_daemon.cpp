@@ -6,25 +6,20 @@
 #include "sandbox/process/daemon_process.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/programs.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
-namespace {
-
-constexpr char kPidFile[] = "/run/velk-sandbox/wland.pid";
-
-}  // namespace
-
 void WirelessDaemon::Start() const {
     if (access(program_.c_str(), X_OK) == -1) {
         return;
     }
-    if (RunProgram({program_, "--background", "--pid-file", kPidFile}) != 0) {
+    if (RunProgram({program_, "--background", "--pid-file", kDaemonPidFile}) != 0) {
         throw Failure("the wireless daemon does not start");
     }
 }
 
 void WirelessDaemon::Stop() const {
-    StopDaemon(kPidFile);
+    StopDaemon(kDaemonPidFile);
 }
 
 }  // namespace sandbox

@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include "lib/base/unique_fd.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
-#include "sandbox/session/command.h"
 
 namespace sandbox {
 namespace {

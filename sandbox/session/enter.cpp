@@ -13,8 +13,9 @@
 #include "sandbox/control/orders.h"
 #include "sandbox/device/capabilities.h"
 #include "sandbox/process/bound_child.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
-#include "sandbox/session/command.h"
+#include "sandbox/session/exec_command.h"
 #include "sandbox/session/terminal.h"
 
 namespace sandbox {
@@ -53,7 +54,7 @@ int RunInChild(const std::function<int()>& function) {
     try {
         status = function();
     } catch (const std::exception& error) {
-        Say(error.what());
+        PrintFailure(error);
     }
     _exit(status);
 }
@@ -83,7 +84,7 @@ int RunVisit(const Visit& visit) {
         if (visit.command.empty()) {
             terminal.HandOver();
         }
-        return BecomeCommand(visit.command, visit.program_folder);
+        return ExecCommand(visit.command, visit.program_folder);
     });
     terminal.TakeBack();
     return status;

@@ -13,7 +13,7 @@
 #include "sandbox/control/control_socket.h"
 #include "sandbox/control/orders.h"
 #include "sandbox/hardware/hardware_process.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/session/enter.h"
 #include "sandbox/session/session.h"
 #include "sandbox/session/watch.h"
@@ -191,7 +191,7 @@ int Run(std::vector<std::string> words) {
     } catch (const CLI::Success& answer) {
         return app.exit(answer);
     } catch (const CLI::ParseError& error) {
-        sandbox::Say(error.what());
+        sandbox::PrintMessage(error.what());
         return sandbox::kUsageError;
     }
     return request.instead ? request.instead() : sandbox::RunSession(session);
@@ -204,7 +204,7 @@ int main(int argc, char** argv) {
     try {
         return Run({argv + 1, argv + argc});
     } catch (const std::exception& error) {
-        sandbox::Say(error.what());
+        sandbox::PrintFailure(error);
         return sandbox::kSandboxFailed;
     }
 }

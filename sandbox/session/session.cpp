@@ -13,12 +13,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "sandbox/control/control_socket.h"
 #include "sandbox/device/namespaces.h"
 #include "sandbox/hardware/hardware_process.h"
 #include "sandbox/process/bound_child.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/exit_status.h"
+#include "sandbox/session/exec_command.h"
 #include "sandbox/session/real_tools.h"
 #include "sandbox/session/stand_ins.h"
 #include "sandbox/session/terminal.h"
@@ -36,7 +38,8 @@ std::string Listed(const std::vector<std::string>& names) {
 }
 
 void Greet(const Session& session, const std::vector<std::string>& stand_ins) {
-    Say("a device of its own. Its settings, network, processes, /tmp, /var/tmp, /dev/shm and /run "
+    PrintMessage(
+        "a device of its own. Its settings, network, processes, /tmp, /var/tmp, /dev/shm and /run "
         "are private and end with it;");
     const std::vector<std::string>& writable = session.device.writable;
     std::string rest =
@@ -44,10 +47,10 @@ void Greet(const Session& session, const std::vector<std::string>& stand_ins) {
     for (const std::string& folder : writable) {
         rest.append(folder == writable.front() ? ", except " : ", ").append(folder);
     }
-    Say(rest + ". Leave with \"exit\".");
-    Say("from other terminals it is reached by the name of " + session.name + ".");
+    PrintMessage(rest + ". Leave with \"exit\".");
+    PrintMessage("from other terminals it is reached by the name of " + session.name + ".");
     if (!stand_ins.empty()) {
-        Say("stand-ins take the place of " + Listed(stand_ins) + ".");
+        PrintMessage("stand-ins take the place of " + Listed(stand_ins) + ".");
     }
 }
 
@@ -78,7 +81,7 @@ HardwareOptions HardwareOf(const Session& session) {
 
 int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd door) {
     const bool has_agent =
-        session.real || std::filesystem::exists(session.device.rootfs + kAgentScript);
+        session.real || std::filesystem::exists(session.device.rootfs + velk::kSnmpScript);
     const StandIns stand_ins = ChooseStandIns(session.stand_in_folder, has_agent);
     session.device.files = stand_ins.files;
     if (session.real) {
@@ -92,7 +95,7 @@ int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd d
     if (!session.quiet) {
         Greet(session, stand_ins.names);
         if (!trouble.empty()) {
-            Say(trouble);
+            PrintMessage(trouble);
         }
     }
     const pid_t command = fork();
@@ -104,7 +107,7 @@ int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd d
         if (session.command.empty()) {
             terminal.HandOver();
         }
-        _exit(BecomeCommand(session.command, session.program_folder));
+        _exit(ExecCommand(session.command, session.program_folder));
     }
     return ReapUntil(command);
 }
@@ -114,7 +117,7 @@ int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd d
     try {
         status = RunFirstProcess(session, terminal, std::move(door));
     } catch (const std::exception& error) {
-        Say(error.what());
+        PrintFailure(error);
     }
     _exit(status);
 }

@@ -6,8 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "sandbox/hardware/ports.h"
 #include "sandbox/process/programs.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
@@ -70,7 +72,7 @@ StandIns ChooseStandIns(const std::string& folder, bool has_agent) {
         AddTool(scripts / "route", stand_ins);
     }
     if (!has_agent) {
-        AddAs(kAgentScript, scripts / "snmpd", stand_ins);
+        AddAs(velk::kSnmpScript, scripts / "snmpd", stand_ins);
     }
     return stand_ins;
 }

@@ -9,12 +9,6 @@
 
 namespace sandbox {
 
-// Comes first on the device's search path.
-inline constexpr char kStandInFolder[] = "/run/velk-sandbox/bin";
-
-// Restarts the SNMP agent.
-inline constexpr char kAgentScript[] = "/etc/init.d/snmpd";
-
 struct StandIns {
     std::vector<std::string> names;
     std::vector<SampleFile> files;

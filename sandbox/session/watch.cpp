@@ -22,33 +22,40 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/printable.h"
 #include "sandbox/process/programs.h"
-#include "sandbox/session/command.h"
 
 namespace sandbox {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kWatchedFiles[] = {
+    velk::kInterfacesFile, velk::kDhcpConfigFile, velk::kExitHooks,
+    velk::kClientScript,   velk::kResolverFile,   velk::kSnmpFile,
+    velk::kCrontab,        velk::kSupportList,    velk::kUsbDevices,
+};
+
 struct WatchedFolder {
-    const char* path;
-    std::vector<std::string> names;  // none: all of them
+    fs::path path;
+    std::vector<std::string> names;  // empty: every file of the folder
 };
 
 std::vector<WatchedFolder> WatchedFolders() {
-    return {
-        {"/etc", {"dhclient-exit-hooks", "dhclient.conf", "resolv.dnsmasq.conf"}},
-        {"/etc/network", {"interfaces"}},
-        {"/proc/bus/usb", {"devices"}},
-        {"/sbin", {"dhclient-script"}},
-        {"/usr/local/share/apps/wlan", {"supportlist.ini"}},
-        {"/usr/local/share/etc/snmp", {"snmpd.conf"}},
-        {"/var/cron/tabs", {"root"}},
-        {"/var/libvelk", {}},
-    };
+    std::map<fs::path, std::vector<std::string>> files;
+    for (const fs::path file : kWatchedFiles) {
+        files[file.parent_path()].push_back(file.filename());
+    }
+    files[fs::path(velk::kIdentityFile).parent_path()] = {};
+    std::vector<WatchedFolder> folders;
+    for (const auto& [path, names] : files) {
+        folders.push_back({path, names});
+    }
+    return folders;
 }
 
 constexpr uint32_t kChanges = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR;
@@ -132,9 +139,9 @@ Watch::Watch() : events_(inotify_init1(IN_CLOEXEC)) {
 }
 
 void Watch::Follow(const WatchedFolder& folder) {
-    const int number = inotify_add_watch(events_.get(), folder.path, kChanges);
+    const int number = inotify_add_watch(events_.get(), folder.path.c_str(), kChanges);
     if (number == -1) {
-        Fail(std::string("cannot watch ") + folder.path, errno);
+        Fail("cannot watch " + folder.path.string(), errno);
     }
     folders_[number] = folder;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder.path)) {
@@ -162,7 +169,7 @@ void Watch::LookAt(const inotify_event& event) {
     if (event.len == 0 || folder == folders_.end() || !IsWatched(folder->second, event.name)) {
         return;
     }
-    const fs::path path = fs::path(folder->second.path) / event.name;
+    const fs::path path = folder->second.path / event.name;
     std::string after = TextOf(path);
     std::string& before = texts_[path];
     if (before != after) {
@@ -175,7 +182,7 @@ void Watch::LookAt(const inotify_event& event) {
 
 void WatchFiles() {
     Watch watch;
-    Say("watching the device's files; end with Ctrl-C");
+    PrintMessage("watching the device's files; end with Ctrl-C");
     for (;;) {
         watch.Next();
     }
