@@ -15,7 +15,7 @@ namespace {
 void EnterPrivateDevice() {
     sandbox::DeviceOptions options;
     options.rootfs = VELK_SOURCE_DIR "/sandbox/data/rootfs";
-    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
+    options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
     options.writable = {VELK_BINARY_DIR};  // where the figures go
     sandbox::EnterDevice(options);
     // The device's tools, as velk-sandbox offers them.

@@ -1,4 +1,4 @@
-// device_layout.cpp - what a device consists of.
+// device_layout.cpp - the folders and files of a device.
 #include "sandbox/device/device_layout.h"
 
 #include <algorithm>
@@ -48,8 +48,8 @@ std::vector<Folder> DeviceFolders() {
     };
 }
 
-// In folders that the device shares with the machine. An agent of the machine's, for one, must not
-// be restarted from a device.
+// Files in folders that the device shares with the machine. The machine's own files of these names
+// must not be used on the device: for example, it must not restart the machine's SNMP agent.
 constexpr const char* kFiles[] = {velk::kClientScript, velk::kDhcpConfigFile, velk::kExitHooks,
                                   velk::kResolverFile, velk::kSnmpScript};
 
@@ -59,61 +59,62 @@ bool IsWithin(const fs::path& path, const fs::path& folder) {
 
 }  // namespace
 
-Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_files) {
-    Plan plan;
-    for (const Folder& place : TmpfsFolders()) {
-        plan.places.emplace(fs::weakly_canonical(place.path), place.mode);
+DeviceLayout MakeDeviceLayout(const std::string& rootfs,
+                              const std::vector<SampleFile>& more_files) {
+    DeviceLayout layout;
+    for (const Folder& folder : TmpfsFolders()) {
+        layout.tmpfs_folders.emplace(fs::weakly_canonical(folder.path), folder.mode);
     }
     for (const Folder& folder : DeviceFolders()) {
-        plan.folders.emplace(DeviceTree::Resolve(folder.path), folder.mode);
+        layout.folders.emplace(DeviceTree::Resolve(folder.path), folder.mode);
     }
     for (const char* file : kFiles) {
-        plan.files.push_back(DeviceTree::Resolve(file));
+        layout.files.push_back(DeviceTree::Resolve(file));
     }
-    plan.samples = ReadSamples(rootfs);
-    plan.samples.insert(plan.samples.end(), more_files.begin(), more_files.end());
-    for (SampleFile& sample : plan.samples) {
+    layout.samples = ReadSamples(rootfs);
+    layout.samples.insert(layout.samples.end(), more_files.begin(), more_files.end());
+    for (SampleFile& sample : layout.samples) {
         sample.path = DeviceTree::Resolve(sample.path);
-        plan.files.push_back(sample.path);
+        layout.files.push_back(sample.path);
     }
-    return plan;
+    return layout;
 }
 
-bool IsHidden(const fs::path& path, const Plan& plan) {
-    return !plan.places.contains(path) && std::ranges::any_of(plan.places, [&](const auto& place) {
-        return IsWithin(path, place.first);
-    });
+bool IsHidden(const fs::path& path, const DeviceLayout& layout) {
+    return !layout.tmpfs_folders.contains(path) &&
+           std::ranges::any_of(layout.tmpfs_folders,
+                               [&](const auto& folder) { return IsWithin(path, folder.first); });
 }
 
-void RemoveMachineContents(const Plan& plan) {
-    for (const auto& [folder, mode] : plan.folders) {
+void RemoveMachineContents(const DeviceLayout& layout) {
+    for (const auto& [folder, mode] : layout.folders) {
         fs::remove_all(folder);
     }
-    for (const fs::path& file : plan.files) {
+    for (const fs::path& file : layout.files) {
         fs::remove_all(file);
     }
 }
 
-void CoverPlaces(const Plan& plan, DeviceTree& tree) {
-    for (const auto& [place, mode] : plan.places) {
-        tree.Cover(place, mode);
+void MountTmpfsFolders(const DeviceLayout& layout, DeviceTree& tree) {
+    for (const auto& [folder, mode] : layout.tmpfs_folders) {
+        tree.MountTmpfsAt(folder, mode);
     }
 }
 
-void MakeContents(const Plan& plan, DeviceTree& tree) {
-    for (const auto& [folder, mode] : plan.folders) {
-        tree.Claim(folder);
+void MakeFoldersAndFiles(const DeviceLayout& layout, DeviceTree& tree) {
+    for (const auto& [folder, mode] : layout.folders) {
+        tree.Hide(folder);
     }
-    for (const fs::path& file : plan.files) {
-        tree.Claim(file);
+    for (const fs::path& file : layout.files) {
+        tree.Hide(file);
     }
-    for (const auto& [folder, mode] : plan.folders) {
+    for (const auto& [folder, mode] : layout.folders) {
         tree.MakeFolder(folder, mode);
     }
-    for (const fs::path& file : plan.files) {
+    for (const fs::path& file : layout.files) {
         tree.MakePrivate(file.parent_path());
     }
-    for (const SampleFile& sample : plan.samples) {
+    for (const SampleFile& sample : layout.samples) {
         WriteSample(sample);
     }
 }

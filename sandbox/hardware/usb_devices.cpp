@@ -1,4 +1,4 @@
-// usb_devices.cpp - the adapter's paragraph in the list of attached USB devices.
+// usb_devices.cpp - adds and removes the wireless adapter in the list of USB devices.
 #include "sandbox/hardware/usb_devices.h"
 
 #include <cerrno>
@@ -22,7 +22,7 @@ std::string ReadDevices() {
     return text.str();
 }
 
-// A reader sees the list as it was or as it is to be.
+// Replaces the file by rename(2), so that readers see the old list or the new one.
 void WriteDevices(const std::string& text) {
     const std::string copy = std::string(velk::kUsbDevices) + ".new";
     std::ofstream file(copy);
@@ -34,7 +34,7 @@ void WriteDevices(const std::string& text) {
     }
 }
 
-// The place and the size of the paragraph that holds the mark, with the blank line before it.
+// Returns position and size of the adapter's paragraph, including the blank line before it.
 std::pair<size_t, size_t> FindAdapter(const std::string& devices) {
     const size_t mark = devices.find(kAdapterMark);
     if (mark == std::string::npos) {
@@ -49,7 +49,7 @@ std::pair<size_t, size_t> FindAdapter(const std::string& devices) {
 
 }  // namespace
 
-void UsbDevices::TakeOutAdapter() {
+void UsbDevices::RemoveAdapter() {
     std::string devices = ReadDevices();
     const auto [start, size] = FindAdapter(devices);
     if (size == 0) {
@@ -60,7 +60,7 @@ void UsbDevices::TakeOutAdapter() {
     adapter_ = std::move(adapter);
 }
 
-void UsbDevices::PutInAdapter() {
+void UsbDevices::RestoreAdapter() {
     if (!adapter_.empty()) {
         WriteDevices(ReadDevices() + adapter_);
         adapter_.clear();

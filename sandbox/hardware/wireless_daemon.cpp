@@ -1,4 +1,4 @@
-// wireless_daemon.cpp - the wireless daemon, which runs while the adapter is in.
+// wireless_daemon.cpp - starts and stops the wireless daemon.
 #include "sandbox/hardware/wireless_daemon.h"
 
 #include <unistd.h>
@@ -14,7 +14,7 @@ void WirelessDaemon::Start() const {
         return;
     }
     if (RunProgram({program_, "--background", "--pid-file", kDaemonPidFile}) != 0) {
-        throw Failure("the wireless daemon does not start");
+        throw Failure("the wireless daemon did not start");
     }
 }
 

@@ -19,11 +19,15 @@ void PrintMessage(const std::string& text) {
     (void)fprintf(stderr, "velk-sandbox: %s\n", Printable(text).c_str());
 }
 
+void PrintDetail(const std::string& text) {
+    (void)fprintf(stderr, "  %s\n", Printable(text).c_str());
+}
+
 void PrintFailure(const std::exception& error) {
     PrintMessage(error.what());
     const auto* failure = dynamic_cast<const Failure*>(&error);
     if (failure != nullptr && !failure->fix().empty()) {
-        (void)fprintf(stderr, "  fix: %s\n", Printable(failure->fix()).c_str());
+        PrintDetail("fix: " + failure->fix());
     }
 }
 

@@ -22,6 +22,9 @@ int ExitStatusOf(int wait_status);
 // Prints one line on standard error, filtered by Printable().
 void PrintMessage(const std::string& text);
 
+// Prints an indented line that adds to the last message.
+void PrintDetail(const std::string& text);
+
 // Prints a message. A Failure with advice gets a second line: "  fix: ADVICE".
 void PrintFailure(const std::exception& error);
 

@@ -1,4 +1,4 @@
-// stand_ins.h - scripts on the device in place of tools that do not work there.
+// stand_ins.h - scripts that replace tools which do not work on a device.
 #ifndef SANDBOX_SESSION_STAND_INS_H_
 #define SANDBOX_SESSION_STAND_INS_H_
 
@@ -14,8 +14,9 @@ struct StandIns {
     std::vector<SampleFile> files;
 };
 
-// Those that this user needs on this machine, read from `folder`; one is for the SNMP agent, unless
-// the device has its own. Call it before anything is mounted. Throws Failure.
+// Chooses the stand-ins that this user needs on this machine and reads them from `folder`.
+// `has_agent` is true if the device has a script for the SNMP agent. Call it before any mount.
+// Throws Failure.
 StandIns ChooseStandIns(const std::string& folder, bool has_agent);
 
 }  // namespace sandbox

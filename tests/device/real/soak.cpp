@@ -234,7 +234,7 @@ bool Send(Sender& sender, std::chrono::seconds time, Counts& counts) {
     return early.descriptors > 0 && IsFlat(early, late);
 }
 
-[[noreturn]] void BeWorker(int number, int seconds, int seed, int report) {
+[[noreturn]] void RunWorker(int number, int seconds, int seed, int report) {
     Sender sender(static_cast<unsigned>(seed + number), number == 0);
     Counts counts{};
     const bool well = Send(sender, std::chrono::seconds(seconds), counts);
@@ -252,7 +252,7 @@ int main(int argc, char** argv) {
     }
     for (int number = 0; number < kProcesses; ++number) {
         if (fork() == 0) {
-            BeWorker(number, atoi(argv[1]), atoi(argv[2]), ends[1]);
+            RunWorker(number, atoi(argv[1]), atoi(argv[2]), ends[1]);
         }
     }
     (void)close(ends[1]);

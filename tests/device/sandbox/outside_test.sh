@@ -35,11 +35,13 @@ it 'says that there is no device, or none of that name'
 for arguments in 'cable in' 'adapter out' 'router in' 'enter' 'watch'; do
     alone "velk-sandbox $arguments"
     status_is 125
-    error_is 'velk-sandbox: no device is running here'
+    error_is 'velk-sandbox: no device is running
+  fix: start one with velk-sandbox'
     # shellcheck disable=SC2086  # words
     run velk-sandbox $arguments --name "$name.none"
     status_is 125
-    error_is "velk-sandbox: no device named $name.none is running"
+    error_is "velk-sandbox: no device named $name.none is running
+  fix: see the names with velk-sandbox list"
 done
 
 it 'reaches the only device without a name, and asks for one when there are several'
@@ -55,26 +57,28 @@ velk
 1
 two
 125'
-error_has 'velk-sandbox: several devices are running: 1, two; choose one with --name'
+error_has 'velk-sandbox: several devices are running: 1, two
+  fix: choose one with --name'
 
 it 'takes a name only once, and none that cannot be one'
 start_device "$name"
 check 'name' listed "$(is_listed "$name")"
 run velk-sandbox --quiet --name "$name" -- true
 status_is 125
-error_is "velk-sandbox: a device named $name is running already"
+error_is "velk-sandbox: a device named $name is already running
+  fix: choose another name with --name"
 for bad in 'a/b' 'a b' "$(printf '%33s' '' | tr ' ' x)"; do
     run velk-sandbox --quiet --name "$bad" -- true
     status_is 125
-    error_has "'$bad' cannot be a name"
+    error_has "'$bad' is not a valid name"
 done
 
 it 'shows bytes that the terminal would obey, or that the locale lacks, in digits'
 run velk-sandbox enter --name $'\e[31mä\tb\n\xe2\x80\xaec'
 status_is 125
-error_has "'\\x1b[31m\\xc3\\xa4	b\\x0a\\xe2\\x80\\xaec' cannot be a name"
+error_has "'\\x1b[31m\\xc3\\xa4	b\\x0a\\xe2\\x80\\xaec' is not a valid name"
 run env LC_ALL=C.UTF-8 velk-sandbox enter --name $'\e[31mä\tb\n\xe2\x80\xaec'
-error_has "'\\x1b[31mä	b\\x0a\\xe2\\x80\\xaec' cannot be a name"
+error_has "'\\x1b[31mä	b\\x0a\\xe2\\x80\\xaec' is not a valid name"
 
 it 'moves cable and adapter from outside'
 for position in out in; do
@@ -93,7 +97,8 @@ done
 it 'says that this device has no router'
 run velk-sandbox router in --name "$name"
 status_is 125
-error_is 'velk-sandbox: this device has no router; one made with --real has'
+error_is 'velk-sandbox: this device has no router
+  fix: start the device with --real'
 
 it 'lets others in: same files, same network, same processes, and no clock'
 inside sh -c 'hostname; id -u; cat /tmp/ready; velkctl set location attic; pwd

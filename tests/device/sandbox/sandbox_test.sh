@@ -404,7 +404,8 @@ done
 it 'does not start with the whole machine writable'
 run velk-sandbox --writable / -- true
 status_is 125
-error_is 'velk-sandbox: the machine as a whole cannot stay writable'
+error_is 'velk-sandbox: the root folder cannot stay writable
+  fix: give --writable a folder below /'
 
 it 'says that the files of the device are missing'
 mkdir "$lib_folder/alone"
@@ -425,18 +426,20 @@ run unshare -r sh -c 'echo 0 >/proc/sys/user/max_mnt_namespaces || exit 99
     exec velk-sandbox -- true'
 if [ "$status" != 99 ]; then # as on a device, where that setting can only be read
     status_is 125
-    error_is "velk-sandbox: cannot make mount and network namespaces: the limit in /proc/sys/user is reached"
+    error_is "velk-sandbox: cannot make mount and network namespaces: the limit in /proc/sys/user is reached
+  fix: raise the max_*_namespaces limits in /proc/sys/user"
 fi
 
 it 'says at the start what it is, unless told to be quiet'
 run velk-sandbox -- true
 output_is ''
 error_has '/var/tmp'
-error_has 'the rest of the machine is read-only. Leave with "exit".'
-error_has 'from other terminals it is reached by the name of '
-check 'lines of errors' 3 "$(echo "$error" | grep -vc '^velk-sandbox: stand-ins take the place of ')"
+error_has '  read-only: the rest of the machine'
+error_has 'velk-sandbox: simulated device '
+error_has '; leave it with "exit"'
+check 'lines of errors' 3 "$(echo "$error" | grep -vc '^  stand-ins: ')"
 run velk-sandbox --writable "$lib_folder" -- true
-error_has "read-only, except $lib_folder."
+error_has "read-only: the rest of the machine, except $lib_folder"
 on_device true
 error_is ''
 

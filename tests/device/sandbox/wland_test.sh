@@ -263,7 +263,7 @@ with_log --verbose 'echo yes >/tmp/tools/cable; get 316
 output_is '316: -6
 316: -5
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
-wland: asked for the configuration
+wland: received a query for the configuration
 wland: replied with 240 bytes'
 
 it 'says that the interface was restarted'
@@ -273,10 +273,10 @@ output_is 'wland: the wireless interface was restarted'
 # --- bad replies ---
 
 it 'can be silent'
-with_log '--verbose --reply silent' 'wait_in_vain; give_up; wait_until grep -q asked /tmp/log; say_log; cat /tmp/answer'
+with_log '--verbose --reply silent' 'wait_in_vain; give_up; wait_until grep -q received /tmp/log; say_log; cat /tmp/answer'
 error_is ''
 output_is 'waits
-wland: asked for the configuration'
+wland: received a query for the configuration'
 
 it 'answers a query after one that was killed while it waited'
 with_wland '--reply silent' 'wait_in_vain; give_up
@@ -334,11 +334,11 @@ it 'says that nobody takes a late reply'
 with_log '--reply late --delay 5' 'wait_in_vain; give_up
     wait_until grep late /tmp/log'
 output_is 'waits
-wland: late reply not taken: Connection refused'
+wland: late reply not delivered: Connection refused'
 
 it 'says that nobody waits for its reply'
 with_log '' "$talk"'talk message 3; wait_until grep "no reply" /tmp/log'
-output_is 'wland: no reply sent, no semaphore: No such file or directory'
+output_is 'wland: no reply sent: cannot open the semaphore: No such file or directory'
 
 # --- told while it runs ---
 
@@ -364,7 +364,7 @@ with_log '--reply late --delay 5' 'wait_in_vain; give_up; wland --tell normal
     get 303; sleep 5; say_log'
 output_is 'waits
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
-wland: replies are normal'
+wland: the reply mode is normal'
 
 it 'keeps its delay when told of none'
 with_wland '--delay 0.6' 'wland --tell late; start=$(date +%s%N); get 303
@@ -377,7 +377,7 @@ it 'has none to tell'
 on_desk 'wland --tell normal'
 status_is 1
 output_is ''
-error_is 'wland: none is running'
+error_is 'wland: the daemon is not running'
 
 # --- at its sockets ---
 
@@ -446,7 +446,7 @@ ends with 0
 
 /tmp:
 tools'
-    error_is 'wland: none is running'
+    error_is 'wland: the daemon is not running'
 done
 
 it 'ends while it waits for a program to be ready'
@@ -480,8 +480,8 @@ with_wland '' 'for options in "" --background; do
         wland --pid-file /tmp/other $options; echo $?
     done
     get 303; ls /tmp'
-error_is 'wland: another one is running
-wland: another one is running'
+error_is 'wland: the daemon is already running
+wland: the daemon is already running'
 output_is '1
 1
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
@@ -491,7 +491,7 @@ tools'
 
 it 'leaves the socket of another daemon alone'
 on_desk "$talk"'talk occupy'
-error_is 'wland: another one is running'
+error_is 'wland: the daemon is already running'
 output_is True
 
 it 'takes the place of one that was killed'
