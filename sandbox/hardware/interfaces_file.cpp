@@ -1,4 +1,4 @@
-// interfaces_file.cpp - the addresses that /etc/network/interfaces gives.
+// interfaces_file.cpp - reads static addresses from /etc/network/interfaces.
 #include "sandbox/hardware/interfaces_file.h"
 
 #include <fstream>

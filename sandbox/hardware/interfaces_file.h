@@ -1,4 +1,4 @@
-// interfaces_file.h - the addresses that /etc/network/interfaces gives.
+// interfaces_file.h - reads static addresses from /etc/network/interfaces.
 #ifndef SANDBOX_HARDWARE_INTERFACES_FILE_H_
 #define SANDBOX_HARDWARE_INTERFACES_FILE_H_
 
@@ -9,7 +9,8 @@
 
 namespace sandbox {
 
-// The static IPv4 address of an interface; nothing when it has none, or not as address and netmask.
+// Returns the static IPv4 address of an interface, or nothing unless the file has its address and
+// netmask.
 std::optional<StaticAddress> ReadStaticAddress(const std::string& interface);
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// daemon_process.cpp - a daemon on the device that keeps its number in a file.
+// daemon_process.cpp - stops a daemon of the device by its PID file.
 #include "sandbox/process/daemon_process.h"
 
 #include <csignal>
@@ -13,7 +13,7 @@ namespace {
 constexpr int kEndSteps = 200;
 constexpr useconds_t kEndStep = 10'000;
 
-// Zero when it is not running.
+// Returns 0 if it is not running.
 pid_t RunningDaemon(const char* pid_file) {
     pid_t daemon = 0;
     std::ifstream(pid_file) >> daemon;

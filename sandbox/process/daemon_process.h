@@ -1,10 +1,10 @@
-// daemon_process.h - a daemon on the device that keeps its number in a file.
+// daemon_process.h - stops a daemon of the device by its PID file.
 #ifndef SANDBOX_PROCESS_DAEMON_PROCESS_H_
 #define SANDBOX_PROCESS_DAEMON_PROCESS_H_
 
 namespace sandbox {
 
-// Ends it and removes the file. Returns when it has ended, or was not running.
+// Ends the daemon and removes the PID file. Does nothing if it is not running.
 void StopDaemon(const char* pid_file);
 
 }  // namespace sandbox

@@ -26,7 +26,7 @@ constexpr char kSearchPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bi
 // False, after saying why, where the kernel gives no private namespaces.
 bool EnterPrivateDevice() {
     sandbox::DeviceOptions options;
-    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
+    options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
     options.protect_machine = false;  // counters and reports of the test run go to the build folder
     try {
         sandbox::EnterDevice(options);

@@ -50,7 +50,7 @@ bool ListenWithFullQueue(const std::string& name) {
 }
 
 void Answer(int customer, int process) {
-    char text[] = "obeyed";
+    char text[] = "done";
     iovec part = {text, strlen(text)};
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(process))] = {};
     msghdr message = {};

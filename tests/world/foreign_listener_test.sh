@@ -102,10 +102,11 @@ ran_nothing
 it 'gives a new device another number, and says who has taken a name'
 run velk-sandbox -- true
 status_is 0
-error_has 'by the name of 2.'
+error_has 'simulated device 2;'
 run velk-sandbox --name 1 -- true
 status_is 125
-error_is 'velk-sandbox: the name 1 is taken by user nobody (65534); choose another one with --name'
+error_is 'velk-sandbox: the name 1 is taken by user nobody (65534)
+  fix: choose another name with --name'
 heard_nothing
 
 it 'finds its own device beside the foreign one'
@@ -156,7 +157,8 @@ it 'says that a full queue may be another user'"'"'s'
 run velk-sandbox enter --name full1 -- id
 status_is 125
 output_is ''
-error_is 'velk-sandbox: device full1 is too busy to answer, and may be another user'"'"'s; try again'
+error_is "velk-sandbox: device full1 does not answer; it may be another user's
+  fix: try again"
 end_listener
 
 it 'sends nothing to another user in the place of the hardware on a device'
@@ -181,7 +183,7 @@ for arguments in 'watch --name deceived' 'enter --name deceived -- id'; do
     run velk-sandbox $arguments
     status_is 125
     output_is ''
-    error_is 'velk-sandbox: the device offers a process of user nobody (65534); it was not entered'
+    error_is 'velk-sandbox: the device sent a process of user nobody (65534); it was not entered'
 done
 check 'heard by the listener' $'listening\nfirst process\nfirst process' "$(cat "$heard")"
 ran_nothing
@@ -194,7 +196,7 @@ if gets_namespaces env; then
     run velk-sandbox enter --name deceived -- id
     status_is 125
     output_is ''
-    error_is 'velk-sandbox: the device is in a user namespace that this user'"'"'s devices are not in; it was not entered'
+    error_is 'velk-sandbox: the device is in a foreign user namespace; it was not entered'
     ran_nothing
     end_listener
 else
@@ -209,7 +211,7 @@ kill "$gone"
 wait "$gone" 2>/dev/null
 run velk-sandbox enter --name deceived -- id
 status_is 125
-error_is 'velk-sandbox: the device lets nobody in'
+error_is 'velk-sandbox: the device did not send its first process'
 end_listener
 
 it 'protects ordinary users alike'
@@ -222,7 +224,7 @@ end_listener
 listen "${as_nobody[@]}" "$lib_folder/foreign_listener" velk-sandbox/65534/1 "$trapped"
 run "${as_nobody[@]}" "$lib_folder/velk-sandbox" enter -- id
 status_is 125
-error_is 'velk-sandbox: the device offers a process of user root (0); it was not entered'
+error_is 'velk-sandbox: the device sent a process of user root (0); it was not entered'
 ran_nothing
 end_listener
 

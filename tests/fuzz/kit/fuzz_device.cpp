@@ -86,7 +86,7 @@ int Turn::Execute(uint32_t type, uint32_t id, std::string_view interface, std::s
 // Called by the fuzzer, once and first.
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     sandbox::DeviceOptions options;
-    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR, std::filesystem::current_path()};
+    options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR, std::filesystem::current_path()};
     options.protect_machine = false;  // corpora and findings go to real folders
     try {
         sandbox::EnterDevice(options);

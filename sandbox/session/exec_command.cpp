@@ -1,30 +1,28 @@
-// command.cpp - the command that runs on the device.
-#include "sandbox/session/command.h"
+// exec_command.cpp - executes the user's command on the device.
+#include "sandbox/session/exec_command.h"
 
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include "sandbox/process/printable.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/programs.h"
-#include "sandbox/session/stand_ins.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
 
-// The system tools lie here; an ordinary user's search path often lacks these folders.
+// The folders of system tools. The search path of an ordinary user often lacks them.
 constexpr const char* kSystemFolders[] = {"/usr/local/sbin", "/usr/sbin", "/sbin"};
 constexpr char kDefaultPath[] = "/usr/local/bin:/usr/bin:/bin";
 constexpr char kDefaultShell[] = "/bin/sh";
 
-std::string Environment(const char* name, const char* otherwise) {
+std::string Environment(const char* name, const char* fallback) {
     const char* value = getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
+    return value != nullptr && *value != '\0' ? value : fallback;
 }
 
 std::string SearchPath(const std::string& program_folder) {
@@ -40,16 +38,7 @@ std::string SearchPath(const std::string& program_folder) {
 
 }  // namespace
 
-int ExitStatusOf(int wait_status) {
-    return WIFSIGNALED(wait_status) ? kSignalBase + WTERMSIG(wait_status)
-                                    : WEXITSTATUS(wait_status);
-}
-
-void Say(const std::string& text) {
-    (void)fprintf(stderr, "velk-sandbox: %s\n", Printable(text).c_str());
-}
-
-int BecomeCommand(const std::vector<std::string>& command, const std::string& program_folder) {
+int ExecCommand(const std::vector<std::string>& command, const std::string& program_folder) {
     std::vector<std::string> words = command;
     if (words.empty()) {
         words = {Environment("SHELL", kDefaultShell)};
@@ -61,7 +50,7 @@ int BecomeCommand(const std::vector<std::string>& command, const std::string& pr
     (void)execvp(arguments[0], arguments.data());
 
     const int error = errno;
-    Say(words[0] + ": " + strerror(error));
+    PrintMessage(words[0] + ": " + strerror(error));
     return error == ENOENT ? kNotFound : kCannotExecute;
 }
 
