@@ -13,7 +13,7 @@
 namespace velkctl {
 namespace {
 
-// In the order in which they count.
+// In their order of precedence.
 constexpr std::array kLocaleVariables{"LC_ALL", "LC_CTYPE", "LANG"};
 
 constexpr std::array<std::string_view, 9> kShellVariables{

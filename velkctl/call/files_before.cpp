@@ -1,4 +1,4 @@
-// files_before.cpp - what the files that a set changes held before it.
+// files_before.cpp - the contents of a setting's files before a set.
 #include "velkctl/call/files_before.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace velkctl {
 namespace {
 
-// The library ends the last line of what it writes.
+// The library writes a newline after the last line: a file without it was cut.
 std::string LossOf(const TextFile& before, const TextFile& after) {
     if (before.bytes.empty() || after.state != FileState::kText) {
         return {};
@@ -20,7 +20,7 @@ std::string LossOf(const TextFile& before, const TextFile& after) {
                                                                         : "";
 }
 
-std::string WhereTheRestIs(const DeviceFile& file) {
+std::string PlaceOfTheRest(const DeviceFile& file) {
     for (const EditCopy& copy : FindEditCopies()) {
         if (copy.file != &file) {
             continue;
@@ -30,11 +30,11 @@ std::string WhereTheRestIs(const DeviceFile& file) {
         }
         if (copy.state == EditState::kUnproven) {
             return copy.path +
-                   " may be the only whole text; look at it before you remove it, see 'velkctl "
+                   " may be the only complete text; look at it before you remove it, see 'velkctl "
                    "doctor'";
         }
     }
-    return "no edit copy has the rest: restore it before the device starts anew";
+    return "no edit copy has the rest: restore it before the device restarts";
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ std::string FilesBefore::Losses() const {
         const std::string loss = LossOf(text, ReadTextFile(file->path));
         if (!loss.empty()) {
             losses.append(losses.empty() ? "" : "; ").append(file->path).append(" ").append(loss);
-            losses.append(", and ").append(WhereTheRestIs(*file));
+            losses.append(", and ").append(PlaceOfTheRest(*file));
         }
     }
     return losses;

@@ -1,8 +1,8 @@
-// interruption.cpp - ends velkctl by a signal, with the last things said.
+// interruption.cpp - ends velkctl by a signal, after its last messages.
 #include "velkctl/call/interruption.h"
 
 #include "velkctl/call/stop_signals.h"
-#include "velkctl/text/escaping.h"
+#include "velkctl/report/output.h"
 
 namespace velkctl {
 
@@ -12,9 +12,9 @@ void EndInterrupted(int signal, const std::string& state, Report& report) {
     } else if (report.is_json()) {
         report.Complain("interrupted");
     }
-    report.Finish(StatusAfter(signal));
+    report.Finish(StatusOfSignal(signal));
     (void)FinishPrinting();
-    EndBy(signal);
+    EndBySignal(signal);
 }
 
 }  // namespace velkctl

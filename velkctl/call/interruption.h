@@ -1,4 +1,4 @@
-// interruption.h - ends velkctl by a signal, with the last things said.
+// interruption.h - ends velkctl by a signal, after its last messages.
 #ifndef VELKCTL_CALL_INTERRUPTION_H_
 #define VELKCTL_CALL_INTERRUPTION_H_
 
@@ -8,8 +8,8 @@
 
 namespace velkctl {
 
-// Ends velkctl by the signal, with the output so far. `state` is how far it came: "eth0.dns is
-// changed already"; empty when nothing was changed, which a person need not be told.
+// Prints the output so far and ends velkctl by the signal. `state` is the state of the change:
+// "eth0.dns is already changed"; empty if nothing was changed, which needs no message.
 [[noreturn]] void EndInterrupted(int signal, const std::string& state, Report& report);
 
 }  // namespace velkctl

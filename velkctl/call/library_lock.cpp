@@ -12,8 +12,8 @@
 namespace velkctl {
 namespace {
 
-// A file that was removed and made anew can be locked twice: only the lock of the one at the path
-// keeps other programs away.
+// After a removal and a new creation of the file, two files can be locked. Only the lock of the
+// file at the path keeps other programs away.
 bool IsAtItsPath(int fd) {
     struct stat opened {};
     struct stat named {};

@@ -1,27 +1,27 @@
-// longest_wait.cpp - how long commands may take, and what they wait for.
+// longest_wait.cpp - the longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 
 namespace velkctl {
 namespace {
 
-// Link detection asks ethtool once a second for a minute and looks into two logs after that. A turn
-// that another program keeps costs 15 seconds in the first run of ethtool and for each log.
+// Link detection runs ethtool once a second for a minute, then reads two logs. Another program that
+// keeps its turn costs 15 seconds in the first run of ethtool and for each log.
 constexpr int kLinkSeconds = 60 + 3 * 15;
-// The library waits so long for one answer of the wireless daemon.
+// The library waits for one answer of the wireless daemon for this time.
 constexpr int kDaemonSeconds = 60;
-// What a wired restart sleeps with an adapter attached and the cable in, and a wireless one.
+// The sleeps of a wired restart with an adapter attached and the cable in, and of a wireless one.
 constexpr int kWiredRestartSeconds = 66;
 constexpr int kWirelessRestartSeconds = 1;
 
-constexpr std::string_view kLink = "ethtool to tell the state of the link";
+constexpr std::string_view kLink = "ethtool to report the link state";
 constexpr std::string_view kDaemon = "the wireless daemon to answer";
 constexpr std::string_view kLinkAndDaemon =
-    "ethtool to tell the state of the link, then for the wireless daemon to answer";
+    "ethtool to report the link state, then for the wireless daemon to answer";
 constexpr std::string_view kRestart = "the interface to come up";
 constexpr std::string_view kLinkMode = "ethtool to finish";
 constexpr std::string_view kSnmp = "the SNMP daemon to restart";
 
-Blocking OfWireless(uint32_t id) {
+LongestWait OfWireless(uint32_t id) {
     switch (id) {
         case VELK_CMD_SOFTWARE_VERSION:
         case VELK_CMD_HARDWARE_VERSION:
@@ -37,13 +37,13 @@ Blocking OfWireless(uint32_t id) {
         case VELK_CMD_GATEWAY:
             return {kLinkSeconds, kLink};
         default:
-            return id >= VELK_CMD_STANDARD ? Blocking{kDaemonSeconds, kDaemon} : Blocking{};
+            return id >= VELK_CMD_STANDARD ? LongestWait{kDaemonSeconds, kDaemon} : LongestWait{};
     }
 }
 
 }  // namespace
 
-Blocking LongestCall(const Command& command) {
+LongestWait LongestWaitOf(const Command& command) {
     const bool is_wireless = command.interface == VELK_WIRELESS_INTERFACE;
     if (command.type == VELK_RESTART) {
         return {kLinkSeconds + (is_wireless ? kWirelessRestartSeconds : kWiredRestartSeconds),
@@ -63,8 +63,8 @@ Blocking LongestCall(const Command& command) {
     return OfWireless(command.id);
 }
 
-Blocking LongestGet(const Setting& setting) {
-    return LongestCall({VELK_GET, setting.row->id, setting.interface});
+LongestWait LongestWaitOf(const Setting& setting) {
+    return LongestWaitOf({VELK_GET, setting.row->id, setting.interface});
 }
 
 }  // namespace velkctl

@@ -2,20 +2,12 @@
 #ifndef VELKCTL_CALL_TIME_LIMITS_H_
 #define VELKCTL_CALL_TIME_LIMITS_H_
 
-#include <optional>
-
-#include "velkctl/cli/verbs.h"
-#include "velkctl/report/report.h"
-
 namespace velkctl {
 
-struct Patience {
-    int wait_seconds = 0;     // how long to try again while another program holds the lock
-    int timeout_seconds = 0;  // when to give a command up altogether; 0: never
+struct TimeLimits {
+    int wait_seconds = 0;     // for the lock, while another program holds it
+    int timeout_seconds = 0;  // for one command; 0: no limit
 };
-
-// What --wait and --timeout ask for; nothing, after refusing them, when they are no numbers.
-std::optional<Patience> PatienceOf(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

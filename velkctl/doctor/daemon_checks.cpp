@@ -81,7 +81,7 @@ Findings JudgeAnswer(const Answer& answer) {
     }
     if (StatusOf(answer) != ExitStatus::kDone) {
         Finding finding = About("does not answer as it should");
-        finding.what = WhyNot(answer);
+        finding.what = FailureReason(answer);
         return {finding};
     }
     return {};
@@ -102,7 +102,7 @@ Findings JudgeChannel(const Answer& answer) {
 }
 
 Findings AskDaemon(Report& report) {
-    const Device device(Patience{.timeout_seconds = kSeconds}, report);
+    const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
     const auto ask = [&](uint32_t id, const std::string& name) {
         return device.Execute({VELK_GET, id, VELK_WIRELESS_INTERFACE}, {}, name);
     };

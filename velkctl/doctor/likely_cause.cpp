@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/examination.h"
@@ -37,21 +38,25 @@ Findings CausesOf(const Setting& setting) {
     return causes;
 }
 
-std::string CauseInWords(const Finding& cause) {
+void AddLikelyCause(Problem& problem, const Finding& cause) {
     const std::string place = PlaceOf(cause);
     const std::string found =
         place.empty() ? cause.subject + " " + cause.effect : place + ": " + cause.what;
-    return Printable(found).append("; mend: ").append(Printable(cause.remedy));
+    problem.detail.append(problem.detail.empty() ? "" : "; ");
+    problem.detail.append("likely cause: ").append(Printable(found));
+    problem.remedy = Printable(cause.remedy);
+    problem.file = Printable(cause.file);
+    problem.line = cause.line;
 }
 
-std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer) {
+Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer) {
+    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
     const Findings causes =
         answer.known_result() == LIB_VELK_FAILURE ? HindrancesOf(setting) : Findings();
-    if (causes.empty()) {
-        return DescribeFailure(what, answer);
+    if (!causes.empty()) {
+        AddLikelyCause(problem, causes.front());
     }
-    return std::string(what).append(" (LIB_VELK_FAILURE, -1); likely cause: ") +
-           CauseInWords(causes.front());
+    return problem;
 }
 
 }  // namespace velkctl

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
 #include "velkctl/doctor/finding.h"
 #include "velkctl/settings/catalogue.h"
 
@@ -17,11 +17,11 @@ namespace velkctl {
 // of an address, or the wireless daemon, which is not asked.
 Findings CausesOf(const Setting& setting);
 
-// "/etc/network/interfaces:12: the stanza is the last one and has no gateway line; mend: add ..."
-std::string CauseInWords(const Finding& cause);
+// Adds a likely cause to a problem: its description, remedy and place.
+void AddLikelyCause(Problem& problem, const Finding& cause);
 
-// DescribeFailure(), with the likely cause of a failure that has no name of its own.
-std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer);
+// Returns ProblemOf() the setting. A plain failure gets its likely cause, if one is found.
+Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer);
 
 }  // namespace velkctl
 

@@ -21,7 +21,7 @@ bool AnswersWithLease(const Setting& setting, const Device& device) {
 // What the setting answers instead, in words that give no secret away.
 std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
     if (!answer.ok()) {
-        return "it cannot be read back: " + WhyNot(answer);
+        return "it cannot be read back: " + FailureReason(answer);
     }
     if (setting.row->secret) {
         return "the device holds another value";
@@ -30,20 +30,21 @@ std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
 }
 
 // `instead` is what was found out, and `losses` names the files that have lost their text.
-Verification NotHeld(const Setting& setting, std::string instead, const std::string& losses,
+Verification NotHeld(const Setting& setting, const std::string& instead, const std::string& losses,
                      const Findings& causes, Report& report) {
     const std::string name = setting.name();
-    instead.append(losses.empty() ? "" : "; ").append(losses);
-    const std::string likely_cause =
-        causes.empty() ? "" : "; likely cause: " + CauseInWords(causes.front());
-    report.Complain(
-        Problem{name + ": the library reported success, but " + instead + likely_cause, name});
+    Problem problem{name + ": the library reported success, but " + instead, name};
+    problem.detail = losses;
+    if (!causes.empty()) {
+        AddLikelyCause(problem, causes.front());
+    }
+    report.Complain(problem);
     return {false, ExitStatus::kNotHeld};
 }
 
 Verification NotReadInTime(const Setting& setting, const Answer& answer, Report& report) {
     const std::string name = setting.name();
-    report.Complain(Problem{DescribeFailure(name + ": set, but not read back", answer), name});
+    report.Complain(ProblemOf(name + ": set, but not read back", name, answer));
     return {std::nullopt, StatusOf(answer)};
 }
 

@@ -1,4 +1,4 @@
-// result_codes.cpp - the library's results: their names, what they mean, how velkctl ends on them.
+// result_codes.cpp - the results of the library: names, meanings and exit statuses.
 #include "velkctl/report/result_codes.h"
 
 #include <algorithm>
@@ -9,7 +9,8 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kUnknownName = "unknown result";
-constexpr std::string_view kUnknownWords = "velkctl does not know what it means";
+constexpr std::string_view kUnknownDescription = "a result that velkctl does not know";
+constexpr std::string_view kUnknownRemedy = "use a velkctl as new as the library";
 
 }  // namespace
 
@@ -17,19 +18,17 @@ ResultCode FindResultCode(int code) {
     const auto* row = std::find_if(kResultCodes.begin(), kResultCodes.end(),
                                    [code](const ResultCode& known) { return known.code == code; });
     if (row == kResultCodes.end()) {
-        return {code, kUnknownName, kUnknownWords, "use a velkctl that is as new as the library",
-                ExitStatus::kFailed};
+        return {code, kUnknownName, kUnknownDescription, kUnknownRemedy, ExitStatus::kFailed};
     }
     return *row;
 }
 
+std::string ResultName(int code) {
+    return std::string(FindResultCode(code).name) + " (" + std::to_string(code) + ")";
+}
+
 std::string DescribeResult(int code) {
-    const ResultCode row = FindResultCode(code);
-    return std::string(row.name)
-        .append(" (")
-        .append(std::to_string(code))
-        .append("): ")
-        .append(row.words);
+    return ResultName(code).append(": ").append(FindResultCode(code).description);
 }
 
 nlohmann::ordered_json ResultInJson(int code) {
@@ -37,19 +36,8 @@ nlohmann::ordered_json ResultInJson(int code) {
     nlohmann::ordered_json result;
     result["code"] = code;
     result["name"] = row.name;
-    result["words"] = row.words;
+    result["description"] = row.description;
     return result;
-}
-
-std::string DescribeFailure(std::string_view what, int code) {
-    const ResultCode row = FindResultCode(code);
-    std::string text(what);
-    // A plain failure has no words that would say more than `what` does.
-    if (code != LIB_VELK_FAILURE) {
-        text.append(": ").append(row.words);
-    }
-    text.append(row.hint);
-    return text.append(" (").append(row.name).append(", ").append(std::to_string(code)).append(")");
 }
 
 }  // namespace velkctl

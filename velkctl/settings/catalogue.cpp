@@ -120,7 +120,7 @@ std::vector<std::string> FullNames(std::span<const CatalogueRow> rows,
 
 // The full names that a misspelt one may mean, with its interface or without.
 std::vector<std::string> GuessedNames(std::span<const CatalogueRow> rows, std::string_view name) {
-    std::vector<std::string> meant = NearMisses(name, FullNames(rows));
+    std::vector<std::string> meant = SpellingSuggestions(name, FullNames(rows));
     if (!meant.empty()) {
         return meant;
     }
@@ -128,7 +128,7 @@ std::vector<std::string> GuessedNames(std::span<const CatalogueRow> rows, std::s
     for (const CatalogueRow& row : rows) {
         short_names.emplace_back(row.name);
     }
-    for (const std::string& near : NearMisses(WithoutInterface(name), short_names)) {
+    for (const std::string& near : SpellingSuggestions(WithoutInterface(name), short_names)) {
         for (std::string& full_name : FullNames(rows, near)) {
             meant.push_back(std::move(full_name));
         }

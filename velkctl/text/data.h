@@ -1,4 +1,4 @@
-// data.h - the data bytes of a command, and what became of making them from words.
+// data.h - the data bytes of a command and the result of parsing them.
 #ifndef VELKCTL_TEXT_DATA_H_
 #define VELKCTL_TEXT_DATA_H_
 
@@ -10,10 +10,10 @@
 
 namespace velkctl {
 
-// Always whole: what is not filled is zero.
+// Unused bytes are zero.
 using Data = std::array<char, VELK_DATA_SIZE>;
 
-// Data bytes, or the problem that kept them from being made: what is wrong and what would be right.
+// Data bytes, or the problem with the words they come from, with the remedy.
 struct Parsed {
     Data data{};
     std::string problem{};

@@ -1,4 +1,4 @@
-// explain_verb.cpp - the verb that tells what results and exit statuses mean.
+// explain_verb.cpp - the verb that explains results and exit statuses.
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "velkctl/cli/verbs.h"
-#include "velkctl/report/exit_meanings.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view kPrefix = "LIB_VELK_";
 
-// The names of the results, with and without their prefix.
+// Returns the names of the results, with and without their prefix.
 std::vector<std::string> ResultNames() {
     std::vector<std::string> names;
     for (const ResultCode& row : kResultCodes) {
@@ -45,7 +45,7 @@ std::optional<int> ParseNumber(std::string_view word) {
 
 void ExplainResult(int code, Report& report) {
     const ResultCode row = FindResultCode(code);
-    report.Text(DescribeResult(code) + "\n  what to do: " + std::string(row.remedy) +
+    report.Text(DescribeResult(code) + "\n  fix: " + std::string(row.remedy) +
                 "\n  exit status of velkctl: " + std::to_string(static_cast<int>(row.status)) +
                 "\n");
     Json explained = ResultInJson(code);
@@ -57,7 +57,7 @@ void ExplainResult(int code, Report& report) {
 void ExplainStatus(const ExitMeaning& meaning, Report& report) {
     const int number = static_cast<int>(meaning.status);
     std::string text = "exit status " + std::to_string(number) + " of velkctl: ";
-    text.append(meaning.words).append("\n  what to do: ").append(meaning.remedy).append("\n");
+    text.append(meaning.description).append("\n  fix: ").append(meaning.remedy).append("\n");
     Json results = Json::array();
     for (const ResultCode& row : kResultCodes) {
         if (row.status == meaning.status) {
@@ -68,7 +68,7 @@ void ExplainStatus(const ExitMeaning& meaning, Report& report) {
     report.Text(text);
     Json explained;
     explained["status"] = number;
-    explained["words"] = meaning.words;
+    explained["description"] = meaning.description;
     explained["remedy"] = meaning.remedy;
     explained["results"] = std::move(results);
     report.Member("exit_status", std::move(explained));
@@ -88,12 +88,12 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     }
     const auto* meaning =
         std::ranges::find(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
-    // A name means the result alone.
+    // A name is always a result.
     const bool is_status = number && meaning != kExitMeanings.end();
     if (*code > 0 && !is_status) {
-        return report.Refuse("explain: " + Quoted(word) +
-                             " is no exit status of velkctl; give 0 to 7, or a result of the "
-                             "library, which is 0 or negative");
+        return report.Refuse(
+            "explain: " + Quoted(word) +
+            " is not an exit status; give 0 to 7, or a result, which is 0 or negative");
     }
     if (*code <= 0) {
         ExplainResult(*code, report);

@@ -1,4 +1,4 @@
-// network_check.cpp - whether an interface's addresses fit together.
+// network_check.cpp - checks that the addresses of an interface fit together.
 #include "velkctl/verbs/network_check.h"
 
 #include <bit>
@@ -12,7 +12,7 @@
 namespace velkctl {
 namespace {
 
-// What is configured, and the value in the place of what it would replace.
+// The configuration, with the new value in its place.
 struct Network {
     std::optional<uint32_t> address;
     std::optional<uint32_t> mask;
@@ -37,8 +37,8 @@ std::optional<uint32_t> AddressIn(const Data& data) {
 }
 
 std::optional<Answer> Read(uint32_t id, const Setting& setting, const Device& device) {
-    const std::string what = setting.name() + ": looking at the other settings";
-    Answer answer = device.Execute({VELK_GET, id, setting.interface}, {}, what);
+    const std::string subject = setting.name() + ": reading the other settings";
+    Answer answer = device.Execute({VELK_GET, id, setting.interface}, {}, subject);
     return answer.ok() ? std::optional(std::move(answer)) : std::nullopt;
 }
 
@@ -63,8 +63,8 @@ Network NetworkWith(const Setting& setting, const Data& value, const Device& dev
     return network;
 }
 
-// What an address is in its network that no host can have; empty when a host can have it. In
-// networks of one or two addresses all are for hosts.
+// Returns the special role of an address in its network; empty if a host can have it. In networks
+// of one or two addresses, hosts can have all.
 std::string ReservedAs(uint32_t address, uint32_t mask) {
     if (std::popcount(mask) > 30) {
         return {};
@@ -117,7 +117,7 @@ std::string ProblemOf(uint32_t id, const Network& network) {
     }
 }
 
-std::string_view WhatToSetFirst(uint32_t id) {
+std::string_view RemedyOf(uint32_t id) {
     switch (id) {
         case VELK_CMD_IP_ADDRESS:
             return "give another, set the netmask or gateway first";
@@ -139,7 +139,7 @@ std::string NetworkProblem(const Setting& setting, const Data& value, const Devi
     if (problem.empty()) {
         return {};
     }
-    return Dotted(*AddressIn(value)) + " " + problem + "; " + std::string(WhatToSetFirst(id)) +
+    return Dotted(*AddressIn(value)) + " " + problem + "; " + std::string(RemedyOf(id)) +
            ", or give --force";
 }
 

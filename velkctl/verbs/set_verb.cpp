@@ -6,7 +6,6 @@
 
 #include "velkctl/call/device.h"
 #include "velkctl/call/files_before.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
@@ -21,17 +20,17 @@
 namespace velkctl {
 namespace {
 
-using Words = std::span<const std::string>;
+using WordSpan = std::span<const std::string>;
 
-Parsed ParseWords(const Setting& setting, Words words, bool force) {
+Parsed ParseWords(const Setting& setting, WordSpan words, bool force) {
     const ValueKind& kind = *setting.row->kind;
     const Parsed parsed = kind.Parse(words);
     return parsed.ok() || !force ? parsed : kind.Force(words);
 }
 
-// The data bytes of the words; those of a secret may say where it is to be found, and without any
-// it is asked for.
-Parsed ParseValue(const Setting& setting, Words words, bool force) {
+// Returns the data bytes of the words. The word of a secret may name its source; without a word,
+// the user is asked for it.
+Parsed ParseValue(const Setting& setting, WordSpan words, bool force) {
     if (!setting.row->secret || words.size() > 1 || (words.empty() && !CanAskForSecret())) {
         return ParseWords(setting, words, force);
     }
@@ -40,14 +39,14 @@ Parsed ParseValue(const Setting& setting, Words words, bool force) {
                                   : Unparsable(secret.problem);
 }
 
-// Says whether the name of a secret stands where its value should: the first word is the secret.
-bool IsSwapped(Words words) {
+// True if a later word is the name of a secret: then the first word is probably the secret.
+bool IsSwapped(WordSpan words) {
     return std::any_of(words.begin() + 1, words.end(),
                        [](const std::string& word) { return NamesSecret(Catalogue(), word); });
 }
 
-// A setting that may be changed; complains when there is none.
-std::optional<Setting> FindChangeable(Words words, Report& report) {
+// Returns the setting of this name. Reports a name that is unknown or cannot be set.
+std::optional<Setting> FindChangeable(WordSpan words, Report& report) {
     const std::string& name = words.front();
     const std::optional<Setting> setting = FindSetting(Catalogue(), name);
     if (!setting) {
@@ -63,10 +62,10 @@ std::optional<Setting> FindChangeable(Words words, Report& report) {
     return setting;
 }
 
-// The data bytes to send; nothing, after refusing them, when they are nonsense.
+// Returns the data bytes to send. Refuses a value that is not valid and returns nothing.
 std::optional<Data> ValueToSend(const Setting& setting, const Invocation& invocation,
                                 const Device& device, Report& report) {
-    const Words words = Words(invocation.words).subspan(1);
+    const WordSpan words = WordSpan(invocation.words).subspan(1);
     Parsed value = ParseValue(setting, words, invocation.force);
     if (value.ok() && !invocation.force) {
         value.problem = NetworkProblem(setting, value.data, device);
@@ -92,15 +91,11 @@ Json SetInJson(const Setting& setting, const Data& data, std::optional<bool> hel
 }  // namespace
 
 ExitStatus RunSet(const Invocation& invocation, Report& report) {
-    const std::optional<Patience> patience = PatienceOf(invocation, report);
-    if (!patience) {
-        return ExitStatus::kInvalid;
-    }
     const std::optional<Setting> setting = FindChangeable(invocation.words, report);
     if (!setting) {
         return ExitStatus::kInvalid;
     }
-    const Device device(*patience, report);
+    const Device device(invocation.limits, report);
     const std::optional<Data> value = ValueToSend(*setting, invocation, device, report);
     if (!value) {
         return ExitStatus::kInvalid;
@@ -109,10 +104,10 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const FilesBefore before(*setting);
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
+        Problem problem = ProblemWithCause(name + ": could not be set", *setting, answer);
         const std::string losses = answer.timed_out ? "" : before.Losses();
-        const std::string failure = DescribeFailure(name + ": could not be set", *setting, answer);
-        report.Complain(
-            Problem{failure + (losses.empty() ? "" : "; ") + losses, name, answer.known_result()});
+        problem.detail.append(losses.empty() || problem.detail.empty() ? "" : "; ").append(losses);
+        report.Complain(problem);
         return StatusOf(answer);
     }
     const Verification verification = invocation.no_verify

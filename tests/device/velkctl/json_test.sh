@@ -1,5 +1,5 @@
-# json_test.sh - what velkctl answers to programs: one document for every run, as the schema says,
-# with every secret masked.
+# json_test.sh - the JSON of velkctl: one document for every run, as the schema describes it, with
+# every secret masked.
 # shellcheck shell=bash
 # shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the device
 # shellcheck source=tests/device/lib.sh
@@ -21,13 +21,13 @@ import json, os, shlex, subprocess, sys
 import jsonschema
 
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-described = "name id interface get set secret help wanted values longest_seconds"
+described = "name id interface get set secret description expected values longest_seconds"
 member_orders = {
     "settings": {"get": "name value error", "show": "name value error",
                  "list": described, "describe": described},
     "setting": {"set": "name value held"},
-    "result": {"explain": "code name words remedy exit_status", "call": "code name words"},
-    "exit_status": {"explain": "status words remedy results"},
+    "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
+    "exit_status": {"explain": "status description remedy results"},
     "findings": {"doctor": "severity subject effect what file line remedy settings"},
     "errors": {},
 }
@@ -47,7 +47,7 @@ def wrong(document, finished):
     for member, orders in member_orders.items():
         things = document.get(member, [])
         for thing in things if isinstance(things, list) else [things]:
-            order = orders.get(document["verb"], "message setting result")
+            order = orders.get(document["verb"], "message detail cause remedy setting result")
             if " ".join(thing) != order:
                 yield member + " in another order: " + " ".join(thing)
 
@@ -140,7 +140,7 @@ on_device sh -c 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0
 status_is 0
 error_is ''
 output_is '{
-  "schema": 1,
+  "schema": 2,
   "verb": "set",
   "status": 0,
   "setting": {
@@ -289,8 +289,8 @@ run "$PYTHON" -c '
 import json, os
 import jsonschema
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-base = {"schema": 1, "status": 0, "notes": [], "errors": []}
-error = {"message": "", "setting": None, "result": None}
+base = {"schema": 2, "status": 0, "notes": [], "errors": []}
+error = {"message": "", "detail": None, "cause": None, "remedy": None, "setting": None, "result": None}
 wrong = [
     {**base, "verb": "get"},
     {**base, "verb": "get", "settings": [{"name": "ntp", "value": "on"}]},
@@ -300,9 +300,9 @@ wrong = [
     {**base, "verb": "restart", "interface": "eth0", "errors": [error]},
     {**base, "verb": "doctor", "findings": [{"severity": "bad"}]},
     {**base, "verb": "call", "result": {"code": 0}},
-    {**base, "verb": "explain", "result": {"code": 0, "name": "", "words": ""}},
+    {**base, "verb": "explain", "result": {"code": 0, "name": "", "description": ""}},
     {**base, "verb": None, "status": 8},
-    {**base, "verb": None, "schema": 2},
+    {**base, "verb": None, "schema": 1},
     {"verb": None},
 ]
 print([schema.is_valid(document) for document in wrong].count(True), "of", len(wrong), "taken")

@@ -46,7 +46,7 @@ TEST(StopSignalsDeathTest, AnotherSignalIsNotPutOff) {
 TEST(EndByDeathTest, EndsTheProcessByTheSignalEvenWhenItIsPutOff) {
     const auto end = [] {
         const StopSignals signals;
-        velkctl::EndBy(SIGINT);
+        velkctl::EndBySignal(SIGINT);
     };
     EXPECT_EXIT(end(), testing::KilledBySignal(SIGINT), "");
 }

@@ -70,10 +70,13 @@ TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
     const auto setting = FindSetting(velkctl::Catalogue(), "eth0.method").value();
     const velkctl::Findings causes = velkctl::CausesOf(setting);
     ASSERT_FALSE(causes.empty());
-    EXPECT_EQ(CauseInWords(causes.front()),
-              "/etc/network/interfaces: the file seems to have been cut while being copied; the "
+    velkctl::Problem problem{"eth0.method: could not be read"};
+    AddLikelyCause(problem, causes.front());
+    EXPECT_EQ(OneLine(problem),
+              "eth0.method: could not be read; likely cause: /etc/network/interfaces: the file "
+              "seems to have been cut while being copied; the "
               "rest is in its edit copy /var/tmp/interfaces, 2 days old, which the next set "
-              "replaces; the copy would add 'iface eth0 inet static'; mend: compare both files, as "
+              "replaces; the copy would add 'iface eth0 inet static'; fix: compare both files, as "
               "with 'diff /etc/network/interfaces /var/tmp/interfaces', and if the copy is right, "
               "copy its text into the file by hand, as root");
 }

@@ -23,6 +23,14 @@ using velkctl::Setting;
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
 
+// Returns the text with the indented lines of a message joined to its first line.
+std::string Unfolded(std::string text) {
+    for (size_t at = text.find("\n  "); at != std::string::npos; at = text.find("\n  ", at)) {
+        text.replace(at, 3, "; ");
+    }
+    return text;
+}
+
 class VerifySetTest : public testkit::DeviceTest {
   protected:
     // Verifies that the setting holds this value, as words; keeps what is complained about.
@@ -33,13 +41,13 @@ class VerifySetTest : public testkit::DeviceTest {
         return Verify(setting, wanted.data);
     }
     std::optional<bool> Verify(const Setting& setting, const Data& wanted,
-                               const velkctl::Patience& patience = {}) {
+                               const velkctl::TimeLimits& limits = {}) {
         velkctl::Report report(velkctl::Report::Form::kText);
         testing::internal::CaptureStderr();
         const velkctl::Verification verification =
             VerifySet(setting, wanted, before.value_or(velkctl::FilesBefore(setting)),
-                      velkctl::Device(patience, report), report);
-        complaint = testing::internal::GetCapturedStderr();
+                      velkctl::Device(limits, report), report);
+        complaint = Unfolded(testing::internal::GetCapturedStderr());
         status = verification.status;
         return verification.held;
     }
@@ -74,7 +82,7 @@ TEST_F(VerifySetTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
     EXPECT_EQ(
         complaint,
         "velkctl: eth0.dhcp-notice: the library reported success, but the device cannot hold "
-        "the value; likely cause: /etc/dhclient-exit-hooks: the file is missing; mend: put the "
+        "the value; likely cause: /etc/dhclient-exit-hooks: the file is missing; fix: put the "
         "device's own file there\n");
 }
 
@@ -85,7 +93,7 @@ TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
               "likely cause: /etc/network/interfaces:1: the stanza is the last one and has no "
-              "gateway line; mend: add a line \"gateway 192.168.0.1\" to it\n");
+              "gateway line; fix: add a line \"gateway 192.168.0.1\" to it\n");
 }
 
 TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
@@ -98,7 +106,7 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
                       ": the library reported success, but it cannot be read back: file, socket, "
                       "time-out or unreadable value; likely cause: /etc/network/interfaces: no "
                       "line begins "
-                      "with 'iface eth0 inet static' or '... dhcp'; mend: add a stanza that begins "
+                      "with 'iface eth0 inet static' or '... dhcp'; fix: add a stanza that begins "
                       "with one\n");
     }
 }
@@ -110,7 +118,7 @@ TEST_F(VerifySetTest, AnotherAddressIsShown) {
         complaint,
         "velkctl: eth0.address: the library reported success, but the device holds "
         "'ether 02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: 'hwaddress ether "
-        "02:00:00:00:00:01' comes first and holds 'address '; mend: word it otherwise, or move it "
+        "02:00:00:00:00:01' comes first and holds 'address '; fix: word it otherwise, or move it "
         "below the line with the value\n");
 }
 
@@ -120,7 +128,7 @@ TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
     EXPECT_EQ(complaint,
               "velkctl: eth1.apipa: the library reported success, but the device holds 'off'; "
               "likely cause: /etc/dhclient-exit-hooks: no line that runs for eth1 has "
-              "/usr/sbin/avahi-autoipd; mend: add the line that runs /usr/sbin/avahi-autoipd, with "
+              "/usr/sbin/avahi-autoipd; fix: add the line that runs /usr/sbin/avahi-autoipd, with "
               "a '#' before it for off\n");
 }
 
@@ -141,9 +149,9 @@ TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamed) {
         "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
         "file, socket, time-out or unreadable value; /etc/network/interfaces is empty since this "
         "set, and no edit "
-        "copy has the rest: restore it before the device starts anew; likely cause: "
+        "copy has the rest: restore it before the device restarts; likely cause: "
         "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
-        "mend: add a stanza that begins with one\n");
+        "fix: add a stanza that begins with one\n");
 }
 
 TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
@@ -172,12 +180,11 @@ TEST_F(VerifySetTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
-    EXPECT_EQ(
-        complaint,
-        "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
-        "value; likely cause: "
-        "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; mend: "
-        "add a line \"gateway 192.168.0.1\" to it\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
+              "value; likely cause: "
+              "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; fix: "
+              "add a line \"gateway 192.168.0.1\" to it\n");
 }
 
 TEST_F(VerifySetTest, AReadingThatTakesTooLongProvesNothing) {
@@ -186,8 +193,7 @@ TEST_F(VerifySetTest, AReadingThatTakesTooLongProvesNothing) {
     const Data wanted = setting.row->kind->Parse(std::vector<std::string>{"auto"}).data;
     EXPECT_EQ(Verify(setting, wanted, {.timeout_seconds = 1}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kTimedOut);
-    EXPECT_EQ(complaint,
-              "velkctl: eth0.link-speed: set, but not read back: given up, it took too long\n");
+    EXPECT_EQ(complaint, "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s\n");
 }
 
 TEST_F(VerifySetTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {

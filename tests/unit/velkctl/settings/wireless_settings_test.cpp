@@ -10,7 +10,7 @@
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
 #include "velkctl/cli/command_line.h"
-#include "velkctl/text/escaping.h"
+#include "velkctl/report/output.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ class WirelessSettings : public testkit::DeviceTest {
     void Refuses(const std::vector<std::string>& arguments, const std::string& message) {
         EXPECT_EQ(Run(arguments), ExitStatus::kInvalid);
         EXPECT_EQ(output, "");
-        EXPECT_EQ(error, "velkctl: " + message + "\n");
+        EXPECT_EQ(error, "velkctl: " + velkctl::InLines({message}) + "\n");
         EXPECT_THAT(daemon.requests(), IsEmpty());
         EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
     }
@@ -168,9 +168,10 @@ TEST_F(WirelessSettings, SaysThatTheWepKeyInUseCannotBeCleared) {
     daemon.SetConf(conf);
     EXPECT_EQ(Run({"set", "eth1.wep-key-1", "none"}), ExitStatus::kInvalid);
     EXPECT_EQ(error,
-              "velkctl: eth1.wep-key-1: could not be set: "
-              "the library does not take this command, interface or value "
-              "(LIB_VELK_INVALID_PARAMETER, -4)\n");
+              "velkctl: eth1.wep-key-1: could not be set\n"
+              "  the library does not take this command, interface or value\n"
+              "  fix: run 'velkctl describe NAME' for the interfaces and values of a setting\n"
+              "  result: LIB_VELK_INVALID_PARAMETER (-4)\n");
     EXPECT_THAT(daemon.types(), ElementsAre(VELK_WLAN_REPORT));
 }
 
@@ -317,8 +318,10 @@ TEST_F(WirelessSettings, RestartNeedsAnAdapter) {
     testkit::WriteFile("/proc/bus/usb/devices", "");
     EXPECT_EQ(Run({"restart", "eth1"}), ExitStatus::kNoAdapter);
     EXPECT_EQ(error,
-              "velkctl: eth1: could not be restarted: no supported wireless adapter is attached "
-              "(LIB_VELK_NO_ADAPTER, -5)\n");
+              "velkctl: eth1: could not be restarted\n"
+              "  no supported wireless adapter is attached\n"
+              "  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini\n"
+              "  result: LIB_VELK_NO_ADAPTER (-5)\n");
     EXPECT_THAT(shell.Lines(), IsEmpty());
 }
 

@@ -55,13 +55,13 @@ TEST(ParseHex, NoDigitsAreNoBytes) {
 
 TEST(ParseHex, ADigitAloneIsNoByte) {
     EXPECT_EQ(ParseHex("313").problem,
-              "the digit at character 3 stands alone; "
+              "the digit at character 3 has no second one; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("3 1").problem,
-              "the digit at character 1 stands alone; "
+              "the digit at character 1 has no second one; "
               "give two hex digits for each byte, such as 31:30");
     EXPECT_EQ(ParseHex("31:a").problem,
-              "the digit at character 4 stands alone; "
+              "the digit at character 4 has no second one; "
               "give two hex digits for each byte, such as 31:30");
 }
 
@@ -93,8 +93,8 @@ TEST(ParseHex, FiveHundredAndTwelveBytesFillTheDataArea) {
 }
 
 TEST(ParseHex, OneMoreIsRefused) {
-    EXPECT_EQ(ParseHex(Repeat("41:", 513)).problem, "more than 512 bytes; the data area holds 512");
-    EXPECT_EQ(ParseHex(Repeat("00", 513)).problem, "more than 512 bytes; the data area holds 512");
+    EXPECT_EQ(ParseHex(Repeat("41:", 513)).problem, "more than 512 bytes; give at most 512");
+    EXPECT_EQ(ParseHex(Repeat("00", 513)).problem, "more than 512 bytes; give at most 512");
 }
 
 TEST(Dump, AllZeroIsNothing) {

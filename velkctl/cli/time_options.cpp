@@ -1,5 +1,5 @@
-// time_limits.cpp - how long a user wants to wait.
-#include "velkctl/call/time_limits.h"
+// time_options.cpp - reads the values of --wait and --timeout.
+#include "velkctl/cli/time_options.h"
 
 #include <charconv>
 #include <string>
@@ -9,8 +9,9 @@ namespace {
 
 constexpr int kLongest = 24 * 60 * 60;
 
-// Sets `seconds` to what an option asks for; false, after refusing it, when that is no number.
-bool TakeSeconds(const char* option, const std::optional<std::string>& word,
+// Sets `seconds` to the value of an option, if it was given. Refuses a value that is not valid and
+// returns false.
+bool ReadSeconds(const char* option, const std::optional<std::string>& word,
                  const Invocation& invocation, Report& report, int& seconds) {
     if (!word) {
         return true;
@@ -27,14 +28,13 @@ bool TakeSeconds(const char* option, const std::optional<std::string>& word,
 
 }  // namespace
 
-std::optional<Patience> PatienceOf(const Invocation& invocation, Report& report) {
-    Patience patience;
-    if (!TakeSeconds("--wait", invocation.wait, invocation, report, patience.wait_seconds) ||
-        !TakeSeconds("--timeout", invocation.timeout, invocation, report,
-                     patience.timeout_seconds)) {
+std::optional<TimeLimits> ReadTimeOptions(const Invocation& invocation, Report& report) {
+    TimeLimits limits;
+    if (!ReadSeconds("--wait", invocation.wait, invocation, report, limits.wait_seconds) ||
+        !ReadSeconds("--timeout", invocation.timeout, invocation, report, limits.timeout_seconds)) {
         return std::nullopt;
     }
-    return patience;
+    return limits;
 }
 
 }  // namespace velkctl
