@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "lib/base/paths.h"
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -14,8 +14,8 @@ constexpr size_t kLongestLine = 64 * 1024;
 
 }  // namespace
 
-CommandOutput::CommandOutput(const CommandLine& command, ReadersTurn::Patience patience)
-    : turn_(patience), run_result_(Run(command)) {
+CommandOutput::CommandOutput(const CommandLine& command, ReadersTurn::WaitMode wait_mode)
+    : turn_(wait_mode), run_result_(Run(command)) {
 }
 
 int CommandOutput::Run(const CommandLine& command) {

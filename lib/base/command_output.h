@@ -19,7 +19,7 @@ class CommandOutput {
   public:
     // The line must redirect its output into kResultFile.
     explicit CommandOutput(const CommandLine& command,
-                           ReadersTurn::Patience patience = ReadersTurn::Patience::kThreeSeconds);
+                           ReadersTurn::WaitMode wait_mode = ReadersTurn::WaitMode::kInQueue);
 
     // 0, or why the shell was not run, as CommandLine::Run() says it. 0 also where the line was not
     // run because the result file cannot be the caller's own.
@@ -28,9 +28,9 @@ class CommandOutput {
     bool is_open() const { return reader_.has_value() && reader_->is_open(); }
     bool is_empty() const { return is_open() && reader_->is_empty(); }
 
-    ReadersTurn::Patience patience_left() const { return turn_.patience_left(); }
+    ReadersTurn::WaitMode next_wait_mode() const { return turn_.next_wait_mode(); }
 
-    bool Next(std::string_view& line) { return reader_->Next(line); }
+    bool ReadLine(std::string_view& line) { return reader_->ReadLine(line); }
 
     // Closes the result file and removes it. Without this call it stays for the next reader to
     // overwrite.

@@ -7,14 +7,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "lib/base/caller.h"
 #include "lib/base/file_io.h"
 #include "lib/base/inherited_lock.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/target_guard.h"
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -60,18 +59,18 @@ FileEdit::FileEdit(const std::string& target)
       copy_error_(copy_.get() == -1 ? errno : 0) {
 }
 
-bool FileEdit::Next(std::string_view& line) {
-    if (reader_.NextHeld(line)) {
+bool FileEdit::ReadLine(std::string_view& line) {
+    if (reader_.TakeBufferedLine(line)) {
         return true;
     }
     EndRun();  // the reader is about to read over it
-    return reader_.NextWithNewline(line);
+    return reader_.ReadFullLine(line);
 }
 
-bool FileEdit::NextWith(std::string_view start, std::string_view& line) {
+bool FileEdit::KeepLinesBefore(std::string_view start, std::string_view& line) {
     for (;;) {
-        Keep(reader_.TakeHeldUpTo(start));
-        if (!Next(line)) {
+        Keep(reader_.TakeBufferedLinesBefore(start));
+        if (!ReadLine(line)) {
             return false;
         }
         if (line.starts_with(start)) {
@@ -81,8 +80,8 @@ bool FileEdit::NextWith(std::string_view start, std::string_view& line) {
     }
 }
 
-// A run and the line behind it lie in the reader's one block, or the run has ended: Next() ends it
-// before the block is read anew. So their ends can be compared.
+// A run and the line behind it lie in the reader's one block, or the run has ended: ReadLine() ends
+// it before the block is read anew. So their ends can be compared.
 void FileEdit::Keep(std::string_view line) {
     if (run_.end() != line.begin()) {
         EndRun();
@@ -128,7 +127,7 @@ int FileEdit::PutInPlace(int whole_copy) {
     TargetGuard guard(target_, whole_copy);
     InheritedLock lock;
     (void)copying.Run();
-    if (const int error = guard.Mend(); error != 0) {
+    if (const int error = guard.Repair(); error != 0) {
         LogErrno("FileEdit mend errno=%d:%s", error);
         return LIB_VELK_FAILURE;  // the edit copy has the only whole text, and stays
     }
@@ -136,12 +135,12 @@ int FileEdit::PutInPlace(int whole_copy) {
         return LIB_VELK_SUCCESS;
     }
     (void)RemovingLine(copy_path_).Run();
-    if (guard.has_mended()) {
+    if (guard.has_repaired()) {
         Log("FileEdit mended %s", target_.c_str());
         lock.LeaveToTools();
     }
     // The line that removes the copy may have failed as well, and cannot remove it as another user.
-    if (guard.has_mended() || HasTwoUsers()) {
+    if (guard.has_repaired() || HasTwoUsers()) {
         (void)unlink(copy_path_.c_str());
     }
     return LIB_VELK_SUCCESS;

@@ -28,11 +28,11 @@ class FileEdit {
 
     // Sets `line` to the file's next line with its "\n", valid until the next call. A last line
     // without one is given one. False at the end of the file.
-    bool Next(std::string_view& line);
+    bool ReadLine(std::string_view& line);
     // Keeps the lines up to the next one that begins with `start`, and sets `line` to that one.
-    bool NextWith(std::string_view start, std::string_view& line);
+    bool KeepLinesBefore(std::string_view start, std::string_view& line);
 
-    // Adds the line that Next() handed out last, or its front, to the edit copy. Lines kept one
+    // Adds the line that ReadLine() handed out last, or its front, to the edit copy. Lines kept one
     // after the other are written as one piece.
     void Keep(std::string_view line);
     // Adds any text to the edit copy as it stands.

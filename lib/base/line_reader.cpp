@@ -62,15 +62,15 @@ void LineReader::ReadFirstBlock() {
     is_empty_ = at_end_ && error_ == 0;
 }
 
-bool LineReader::Next(std::string_view& line) {
-    if (!NextWithNewline(line)) {
+bool LineReader::ReadLine(std::string_view& line) {
+    if (!ReadFullLine(line)) {
         return false;
     }
     line.remove_suffix(1);
     return true;
 }
 
-bool LineReader::NextHeld(std::string_view& line) {
+bool LineReader::TakeBufferedLine(std::string_view& line) {
     return begin_ < end_ && TakeLine(begin_, line);
 }
 
@@ -86,7 +86,7 @@ bool LineReader::TakeLine(size_t searched, std::string_view& line) {
     return true;
 }
 
-std::string_view LineReader::TakeHeldUpTo(std::string_view start) {
+std::string_view LineReader::TakeBufferedLinesBefore(std::string_view start) {
     const std::string_view held(block_.get() + begin_, end_ - begin_);
     if (held.empty() || held.starts_with(start)) {
         return {};
@@ -102,7 +102,7 @@ std::string_view LineReader::TakeHeldUpTo(std::string_view start) {
     return lines;
 }
 
-bool LineReader::NextFromFile(std::string_view& line) {
+bool LineReader::LoadLine(std::string_view& line) {
     for (;;) {
         const size_t held = end_ - begin_;
         if (held >= longest_line_) {

@@ -37,23 +37,23 @@ class LineReader {
     bool is_empty() const { return is_empty_; }
 
     // Sets `line` to the next line, valid until the next call; false at the end of the file.
-    bool Next(std::string_view& line);
+    bool ReadLine(std::string_view& line);
     // The same with a "\n" behind every line, also behind a last one that has none in the file.
-    bool NextWithNewline(std::string_view& line) { return NextHeld(line) || NextFromFile(line); }
-    // Like NextWithNewline(), but only a line that is in the block already: earlier lines stay
+    bool ReadFullLine(std::string_view& line) { return TakeBufferedLine(line) || LoadLine(line); }
+    // Like ReadFullLine(), but only a line that is in the block already: earlier lines stay
     // valid. False when the file must be read for the next one.
-    bool NextHeld(std::string_view& line);
+    bool TakeBufferedLine(std::string_view& line);
 
     // Takes the lines that are in the block already, with their newlines, up to the first one that
     // begins with `start`. Faster than line by line; empty when the next line is no such line.
-    std::string_view TakeHeldUpTo(std::string_view start);
+    std::string_view TakeBufferedLinesBefore(std::string_view start);
 
     // Gives the descriptor back early; to be called when no more lines are wanted.
     void Close() { fd_.Reset(); }
 
   private:
     void ReadFirstBlock();
-    bool NextFromFile(std::string_view& line);
+    bool LoadLine(std::string_view& line);
     bool TakeLine(size_t searched, std::string_view& line);
     bool TakeRest(std::string_view& line);
     bool Fill();

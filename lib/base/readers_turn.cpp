@@ -80,12 +80,12 @@ class WaitingTime {
 
 }  // namespace
 
-ReadersTurn::ReadersTurn(Patience patience)
-    : folder_(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), patience_left_(patience) {
+ReadersTurn::ReadersTurn(WaitMode wait_mode)
+    : folder_(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), next_wait_mode_(wait_mode) {
     if (folder_.get() == -1 || Takes(kWholeQueue)) {
         return;
     }
-    if (patience == Patience::kThreeSeconds) {
+    if (wait_mode == WaitMode::kInQueue) {
         Queue();
     }
 }
@@ -128,7 +128,7 @@ void ReadersTurn::Queue() {
     const off_t place = PlaceOfArrival();
     MarkPlace(place, F_RDLCK);
     if (!Waits(place)) {
-        patience_left_ = Patience::kNone;
+        next_wait_mode_ = WaitMode::kNoWait;
     }
     MarkPlace(place, F_UNLCK);
 }

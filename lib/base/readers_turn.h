@@ -15,20 +15,20 @@ namespace velk {
 // folder cannot be locked, a reader goes on without its turn.
 class ReadersTurn {
   public:
-    enum class Patience { kThreeSeconds, kNone };
+    enum class WaitMode { kInQueue, kNoWait };
 
     // Waits for the turn. A reader that sees no change of the result file for 3 seconds, or has
     // waited for 15, goes on without it: a stale answer is better than a device that no longer
-    // answers. Without patience it does so at once.
-    explicit ReadersTurn(Patience patience = Patience::kThreeSeconds);
+    // answers. Without wait_mode it does so at once.
+    explicit ReadersTurn(WaitMode wait_mode = WaitMode::kInQueue);
     // Unlocks explicitly: a child process of the host that was forked meanwhile has the descriptor,
     // too, and would keep the lock.
     ~ReadersTurn();
     ReadersTurn(const ReadersTurn&) = delete;
     ReadersTurn& operator=(const ReadersTurn&) = delete;
 
-    // The patience for the next turn of a reader that has several: none if it has lost it.
-    Patience patience_left() const { return patience_left_; }
+    // The wait_mode for the next turn of a reader that has several: none if it has lost it.
+    WaitMode next_wait_mode() const { return next_wait_mode_; }
 
   private:
     bool IsAnybodyAhead(off_t place) const;
@@ -38,7 +38,7 @@ class ReadersTurn {
     void MarkPlace(off_t place, short type) const;
 
     const UniqueFd folder_;
-    Patience patience_left_;
+    WaitMode next_wait_mode_;
 };
 
 }  // namespace velk

@@ -9,8 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "lib/base/caller.h"
 #include "lib/base/paths.h"
+#include "lib/base/shell.h"
 
 namespace velk {
 namespace {

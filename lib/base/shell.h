@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+#include <unistd.h>
+
 namespace velk {
 
 // A shell line in its 256-byte buffer. A line that does not fit is never run: a cut command line
@@ -23,6 +25,12 @@ class CommandLine {
     char text_[256];
     int length_;  // that the line would have
 };
+
+// True in a host whose real and effective user differ. Shells give up the effective user, so the
+// real one must be able to read the files that the library makes for them.
+inline bool HasTwoUsers() {
+    return getuid() != geteuid();
+}
 
 // The two lines that put an edit copy in place, in this order.
 CommandLine CopyingLine(const std::string& source, const std::string& target);

@@ -46,7 +46,7 @@ TargetGuard::TargetGuard(const std::string& target, int copy) : target_(target),
     }
 }
 
-int TargetGuard::Mend() {
+int TargetGuard::Repair() {
     struct stat now {};
     struct stat copy {};
     if (const int error = LookAt(target_, now); error != 0) {
@@ -62,7 +62,7 @@ int TargetGuard::Mend() {
     int error = ComparePiece(now.st_size, is_piece);
     if (error == 0 && is_piece) {
         error = WriteCopyOver();
-        has_mended_ = error == 0;
+        has_repaired_ = error == 0;
     }
     return error;
 }

@@ -19,9 +19,9 @@ class TargetGuard {
     // After the copying: writes the edit copy over a file that is a shorter piece of it, in place,
     // and flushes it. A file that is as it was, or that has its new text, stays so. Returns 0,
     // or the errno that kept a cut file from being mended.
-    int Mend();
+    int Repair();
     // The file was cut, and is whole again.
-    bool has_mended() const { return has_mended_; }
+    bool has_repaired() const { return has_repaired_; }
 
   private:
     bool IsAsItWas(const struct stat& facts) const;
@@ -31,7 +31,7 @@ class TargetGuard {
     const std::string& target_;
     const int copy_;
     struct stat before_ {};
-    bool has_mended_ = false;
+    bool has_repaired_ = false;
 };
 
 }  // namespace velk

@@ -2,7 +2,7 @@
 #include "lib/dhcp/config_blocks.h"
 
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/dhcp.h"
 
 namespace velk {
 namespace {
@@ -37,7 +37,9 @@ bool ConfigBlocks::Concerns(std::string_view line) {
 
 }  // namespace velk
 
+using namespace velk;
+
 bool IsNicName(const std::string& line, const std::string& nic, bool& in_block, bool& other_block,
                bool comment_aware) {
-    return velk::Classify(line, nic, in_block, other_block, comment_aware);
+    return Classify(line, nic, in_block, other_block, comment_aware);
 }

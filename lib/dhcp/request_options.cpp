@@ -8,7 +8,8 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
-#include "velk.h"
+#include "velk/dhcp.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -77,20 +78,22 @@ std::string RequestLines::Edit(std::string_view line, const std::string& option,
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetDhcpServer(const std::string& nic, const std::string& option, bool& requested,
                   bool comment_aware) {
-    velk::LineReader config = velk::LineReader::OfFileNeverEmpty(velk::kDhcpConfigFile);
+    LineReader config = LineReader::OfFileNeverEmpty(kDhcpConfigFile);
     if (!config.is_open()) {
         return LIB_VELK_FAILURE;
     }
     requested = false;
-    velk::RequestLines requests(nic, comment_aware);
-    for (std::string_view line; config.NextWithNewline(line);) {
+    RequestLines requests(nic, comment_aware);
+    for (std::string_view line; config.ReadFullLine(line);) {
         if (!requests.Holds(line)) {
             continue;
         }
-        requested = velk::Contains(line, option);
-        if (requested || velk::Contains(line, velk::kStatementEnd)) {
+        requested = Contains(line, option);
+        if (requested || Contains(line, kStatementEnd)) {
             break;
         }
     }
@@ -98,12 +101,12 @@ int GetDhcpServer(const std::string& nic, const std::string& option, bool& reque
 }
 
 int SetDhcpServer(const std::string& nic, const std::string& option, bool add, bool comment_aware) {
-    velk::FileEdit edit(velk::kDhcpConfigFile);
+    FileEdit edit(kDhcpConfigFile);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    velk::RequestLines requests(nic, comment_aware);
-    for (std::string_view line; edit.Next(line);) {
+    RequestLines requests(nic, comment_aware);
+    for (std::string_view line; edit.ReadLine(line);) {
         if (requests.Holds(line)) {
             edit.Write(requests.Edit(line, option, add));
         } else {
@@ -114,16 +117,16 @@ int SetDhcpServer(const std::string& nic, const std::string& option, bool add, b
 }
 
 int SetDhcpRequest(const std::string& nic, bool enable) {
-    velk::FileEdit edit(velk::kDhcpConfigFile);
+    FileEdit edit(kDhcpConfigFile);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    velk::ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
-    for (std::string_view line; edit.Next(line);) {
+    ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
+    for (std::string_view line; edit.ReadLine(line);) {
         const bool concerns = blocks.Concerns(line);
         // A block's closing line is in it no longer; one that closes nothing is switched with it.
-        if (concerns && (blocks.in_block() || velk::Contains(line, velk::kBlockEnd))) {
-            edit.Write(velk::SwitchLine(line, std::string_view::npos, enable));
+        if (concerns && (blocks.in_block() || Contains(line, kBlockEnd))) {
+            edit.Write(SwitchLine(line, std::string_view::npos, enable));
         } else {
             edit.Keep(line);
         }

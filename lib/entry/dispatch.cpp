@@ -10,6 +10,8 @@
 #include "lib/entry/dispatch_tables.h"
 #include "lib/entry/lock.h"
 #include "velk.h"
+#include "velk/frame.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -84,19 +86,21 @@ int Run(const _velk_request& request, char* out) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int execute_velk_command(const _velk_request* request, _velk_request* response) {
     if (request == nullptr || response == nullptr) {
-        velk::Log("paramater");
+        Log("paramater");
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::StartResponse(*request, *response);
-    const velk::UncancellableScope uncancellable;
+    StartResponse(*request, *response);
+    const UncancellableScope uncancellable;
     try {
-        return velk::Run(*request, response->data);
+        return Run(*request, response->data);
     } catch (const std::exception& error) {
-        velk::Log("execute_velk_command exception %s", error.what());
+        Log("execute_velk_command exception %s", error.what());
     } catch (...) {
-        velk::Log("execute_velk_command exception");
+        Log("execute_velk_command exception");
     }
     return LIB_VELK_FAILURE;
 }

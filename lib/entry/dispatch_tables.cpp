@@ -3,6 +3,16 @@
 
 #include <array>
 
+#include "velk/dhcp.h"
+#include "velk/frame.h"
+#include "velk/identity.h"
+#include "velk/ipconf.h"
+#include "velk/ntp.h"
+#include "velk/request.h"
+#include "velk/webup.h"
+#include "velk/wired.h"
+#include "velk/wlan.h"
+
 namespace velk {
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 

@@ -13,7 +13,8 @@
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
-#include "velk.h"
+#include "velk/frame.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -146,10 +147,12 @@ CommandLock::~CommandLock() {
 
 }  // namespace velk
 
+using namespace velk;
+
 int VkLibLock() {
-    velk::LockAttempt attempt;
-    for (int tries = 0; tries < velk::kTries; ++tries) {
-        if (const int result = attempt.Try(); result != velk::kReplaced) {
+    LockAttempt attempt;
+    for (int tries = 0; tries < kTries; ++tries) {
+        if (const int result = attempt.Try(); result != kReplaced) {
             return result;
         }
     }
@@ -160,8 +163,8 @@ void VkLibUnLock(int fd) {
     if (fd == -1) {
         return;
     }
-    const velk::UniqueFd owned(fd);
+    const UniqueFd owned(fd);
     if (flock(fd, LOCK_UN) == -1) {
-        velk::LogErrno("flock errno=%d:%s", errno);
+        LogErrno("flock errno=%d:%s", errno);
     }
 }

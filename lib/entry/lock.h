@@ -1,8 +1,7 @@
 // lock.h - holds the inter-process lock for the length of a scope.
+#include "velk/request.h"
 #ifndef VELK_ENTRY_LOCK_H_
 #define VELK_ENTRY_LOCK_H_
-
-#include "velk.h"
 
 namespace velk {
 

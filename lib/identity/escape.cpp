@@ -2,7 +2,7 @@
 #include <string>
 #include <string_view>
 
-#include "velk.h"
+#include "velk/identity.h"
 
 namespace velk {
 namespace {
@@ -22,9 +22,11 @@ constexpr Escape kEscapes[] = {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 std::string GetEscapeString(const std::string& text) {
     std::string escaped = text;
-    for (const velk::Escape& escape : velk::kEscapes) {
+    for (const Escape& escape : kEscapes) {
         escaped = ReplaceAll(std::move(escaped), escape.text, escape.replacement);
     }
     return escaped;

@@ -7,7 +7,9 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
-#include "velk.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -27,7 +29,7 @@ class Stanza {
   public:
     explicit Stanza(std::string_view interface)
         : file_(LineReader::OfFileNeverEmpty(kInterfacesFile)) {
-        for (std::string_view line; file_.Next(line);) {
+        for (std::string_view line; file_.ReadLine(line);) {
             if (const size_t length = HeaderLength(line, interface); length != 0) {
                 method_ = MethodNamed(line.substr(length));
                 return;
@@ -41,7 +43,7 @@ class Stanza {
 
     // Writes what follows the key on the first line of the body that holds it, if there is one.
     void PutValue(std::string_view key, char* out) {
-        for (std::string_view line; file_.Next(line) && !line.starts_with(kStanzaStart);) {
+        for (std::string_view line; file_.ReadLine(line) && !line.starts_with(kStanzaStart);) {
             const size_t position = line.find(key);
             if (position != std::string_view::npos) {
                 PutText(out, line.substr(position + key.size()));
@@ -79,15 +81,17 @@ int GetAddress(const _velk_request& request, std::string_view key, LiveGetter ge
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetIpSetting(const std::string& interface) {
-    return velk::Stanza(interface).method();
+    return Stanza(interface).method();
 }
 
 int GetIpSettingMethod(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    const int method = velk::Stanza(velk::FieldText(request.interface)).method();
+    const int method = Stanza(FieldText(request.interface)).method();
     if (method == LIB_VELK_FAILURE) {
         return LIB_VELK_FAILURE;
     }
@@ -99,7 +103,7 @@ int GetAddressConf(const _velk_request& request, const char* key, char* out) {
     if (key == nullptr || out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::Stanza stanza(velk::FieldText(request.interface));
+    Stanza stanza(FieldText(request.interface));
     if (!stanza.is_open()) {
         return LIB_VELK_FAILURE;
     }
@@ -108,13 +112,13 @@ int GetAddressConf(const _velk_request& request, const char* key, char* out) {
 }
 
 int GetIpAddressConf(const _velk_request& request, char* out) {
-    return velk::GetAddress(request, velk::kAddressKey, GetIpAddress, out);
+    return GetAddress(request, kAddressKey, GetIpAddress, out);
 }
 
 int GetSubNetMaskConf(const _velk_request& request, char* out) {
-    return velk::GetAddress(request, velk::kNetmaskKey, GetSubNetMask, out);
+    return GetAddress(request, kNetmaskKey, GetSubNetMask, out);
 }
 
 int GetDefGatewayConf(const _velk_request& request, char* out) {
-    return velk::GetAddress(request, velk::kGatewayKey, GetIoctl, out);
+    return GetAddress(request, kGatewayKey, GetIoctl, out);
 }

@@ -4,7 +4,8 @@
 #include "lib/base/line_reader.h"
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"
-#include "velk.h"
+#include "velk/ntp.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -20,22 +21,24 @@ bool TellsOfServer(std::string_view line) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetNtpCommunicate(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader log(velk::kNtpLog);
+    LineReader log(kNtpLog);
     if (!log.is_open()) {
         out[0] = VELK_NTP_NO_RESULT;
         return LIB_VELK_SUCCESS;
     }
     out[0] = VELK_NTP_NOT_REACHED;
-    for (std::string_view line; log.Next(line);) {  // the last line decides
-        out[0] = velk::TellsOfServer(line) ? VELK_NTP_REACHED : VELK_NTP_NOT_REACHED;
+    for (std::string_view line; log.ReadLine(line);) {  // the last line decides
+        out[0] = TellsOfServer(line) ? VELK_NTP_REACHED : VELK_NTP_NOT_REACHED;
     }
     return LIB_VELK_SUCCESS;
 }
 
 void DeleteNtpLog() {
-    (void)velk::CommandLine("rm %s", velk::kNtpLog).Run();
+    (void)CommandLine("rm %s", kNtpLog).Run();
 }

@@ -10,7 +10,7 @@
 #include "lib/base/line_reader.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
@@ -37,7 +37,7 @@ std::vector<std::string> SupportedAdapters() {
     std::vector<std::string> adapters{kBuiltInModel};
     LineReader list(kSupportList);
     unsigned vendor = 0;
-    for (std::string_view line; list.Next(line);) {
+    for (std::string_view line; list.ReadLine(line);) {
         if (Contains(line, "VID=")) {
             vendor = NumberBehindKey(line);
         }
@@ -51,11 +51,13 @@ std::vector<std::string> SupportedAdapters() {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int IsWlanAttached() {
-    const std::vector<std::string> adapters = velk::SupportedAdapters();
-    velk::LineReader devices(velk::kUsbDevices);
-    for (std::string_view line; devices.Next(line);) {
-        const auto is_on_line = [&](const std::string& text) { return velk::Contains(line, text); };
+    const std::vector<std::string> adapters = SupportedAdapters();
+    LineReader devices(kUsbDevices);
+    for (std::string_view line; devices.ReadLine(line);) {
+        const auto is_on_line = [&](const std::string& text) { return Contains(line, text); };
         if (std::any_of(adapters.begin(), adapters.end(), is_on_line)) {
             return 1;
         }

@@ -15,7 +15,8 @@
 #include "lib/base/unique_fd.h"
 #include "lib/base/wait.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -25,10 +26,11 @@ constexpr int kEthtoolRetry = 60;
 
 // The link state as one run of ethtool shows it; nothing when it shows none. A turn that somebody
 // keeps for ever costs its 3 seconds in the first of the runs alone.
-std::optional<int> LinkFromEthtool(ReadersTurn::Patience& patience) {
+std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
     CommandOutput output(
-        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile), patience);
-    patience = output.patience_left();
+        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile),
+        wait_mode);
+    wait_mode = output.next_wait_mode();
     if (output.run_result() != LIB_VELK_SUCCESS) {
         return std::nullopt;
     }
@@ -37,7 +39,7 @@ std::optional<int> LinkFromEthtool(ReadersTurn::Patience& patience) {
         return std::nullopt;
     }
     std::optional<int> linked;
-    for (std::string_view line; !linked.has_value() && output.Next(line);) {
+    for (std::string_view line; !linked.has_value() && output.ReadLine(line);) {
         if (Contains(line, "Link detected: yes")) {
             linked = 1;
         } else if (Contains(line, "Link detected: no")) {
@@ -60,7 +62,7 @@ std::optional<int> LinkFromLogFile(int number) {
         return std::nullopt;
     }
     std::optional<int> linked;
-    for (std::string_view line; output.Next(line);) {
+    for (std::string_view line; output.ReadLine(line);) {
         if (Contains(line, "link up")) {
             linked = 1;
         } else if (Contains(line, "link down")) {
@@ -95,23 +97,25 @@ int LinkFromKernel() {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int IsWiredLinked() {
-    auto patience = velk::ReadersTurn::Patience::kThreeSeconds;
-    for (int attempt = 0; attempt < velk::kEthtoolRetry; ++attempt) {
-        const std::optional<int> linked = velk::LinkFromEthtool(patience);
+    auto wait_mode = ReadersTurn::WaitMode::kInQueue;
+    for (int attempt = 0; attempt < kEthtoolRetry; ++attempt) {
+        const std::optional<int> linked = LinkFromEthtool(wait_mode);
         if (linked.has_value()) {
             return *linked;
         }
-        velk::WaitSeconds(1);
+        WaitSeconds(1);
     }
-    velk::Log("(ETHTOOL_RETRY - 1) == i)");
+    Log("(ETHTOOL_RETRY - 1) == i)");
     const int linked = IsWiredLinkedFromSyslog();
-    return velk::CanToolsLeaveResults() ? linked : velk::LinkFromKernel();
+    return CanToolsLeaveResults() ? linked : LinkFromKernel();
 }
 
 int IsWiredLinkedFromSyslog() {
-    if (const std::optional<int> linked = velk::LinkFromLogFile(0); linked.has_value()) {
+    if (const std::optional<int> linked = LinkFromLogFile(0); linked.has_value()) {
         return *linked;
     }
-    return velk::LinkFromLogFile(1).value_or(0);
+    return LinkFromLogFile(1).value_or(0);
 }

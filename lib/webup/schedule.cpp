@@ -12,7 +12,8 @@
 #include "lib/base/line_reader.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/webup.h"
 
 namespace velk {
 namespace {
@@ -22,10 +23,7 @@ constexpr std::string_view kCommand = "perl /usr/bin/web_contents_updater.pl";
 constexpr std::string_view kAny = "*";
 constexpr std::string_view kEvery = "*/";
 
-// The data bytes of the command.
-constexpr size_t kTypeOffset = 0;
-constexpr size_t kValueOffset = 1;
-constexpr size_t kTimeOffset = 2;
+constexpr size_t kTimeOffset = VELK_SCHEDULE_TIME_OFFSET;
 constexpr size_t kClearedSize = 18;  // what a get that fails leaves cleared
 
 struct Schedule {
@@ -85,7 +83,7 @@ std::optional<Schedule> ScheduleOf(const CronFields& fields) {
 
 // The schedule of the first line of the updater.
 std::optional<Schedule> ReadSchedule(LineReader& crontab) {
-    for (std::string_view line; crontab.Next(line);) {
+    for (std::string_view line; crontab.ReadLine(line);) {
         if (Contains(line, kUpdater)) {
             return ScheduleOf(SplitFields(line));
         }
@@ -94,8 +92,8 @@ std::optional<Schedule> ReadSchedule(LineReader& crontab) {
 }
 
 void PutSchedule(char* out, const Schedule& schedule) {
-    out[kTypeOffset] = static_cast<char>(schedule.type);
-    out[kValueOffset] = static_cast<char>(schedule.value);
+    out[VELK_SCHEDULE_TYPE_OFFSET] = static_cast<char>(schedule.type);
+    out[VELK_SCHEDULE_VALUE_OFFSET] = static_cast<char>(schedule.value);
     const size_t length = schedule.time.copy(out + kTimeOffset, VELK_DATA_SIZE - kTimeOffset - 1);
     out[kTimeOffset + length] = '\0';
 }
@@ -176,41 +174,43 @@ std::optional<std::string> LinesFor(const _velk_request& request) {
     if (!time) {
         return std::nullopt;
     }
-    return LinesFor(static_cast<unsigned char>(request.data[kTypeOffset]),
-                    static_cast<unsigned char>(request.data[kValueOffset]), *time);
+    return LinesFor(static_cast<unsigned char>(request.data[VELK_SCHEDULE_TYPE_OFFSET]),
+                    static_cast<unsigned char>(request.data[VELK_SCHEDULE_VALUE_OFFSET]), *time);
 }
 
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetWebUp(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    LineReader crontab = LineReader::OfFileNeverEmpty(kCrontab);
     if (!crontab.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    std::fill_n(out, velk::kClearedSize, '\0');
-    const std::optional<velk::Schedule> schedule = velk::ReadSchedule(crontab);
+    std::fill_n(out, kClearedSize, '\0');
+    const std::optional<Schedule> schedule = ReadSchedule(crontab);
     if (!schedule) {
         return LIB_VELK_FAILURE;
     }
-    velk::PutSchedule(out, *schedule);
+    PutSchedule(out, *schedule);
     return LIB_VELK_SUCCESS;
 }
 
 int SetWebUp(const _velk_request& request, char* /*out*/) {
-    const std::optional<std::string> lines = velk::LinesFor(request);
+    const std::optional<std::string> lines = LinesFor(request);
     if (!lines) {
         return LIB_VELK_FAILURE;
     }
-    velk::FileEdit edit(velk::kCrontab);
+    FileEdit edit(kCrontab);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    for (std::string_view line; edit.Next(line);) {
-        if (!velk::Contains(line, velk::kUpdater)) {
+    for (std::string_view line; edit.ReadLine(line);) {
+        if (!Contains(line, kUpdater)) {
             edit.Keep(line);
         }
     }

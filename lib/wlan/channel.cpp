@@ -15,7 +15,8 @@
 #include "lib/base/unique_fd.h"
 #include "lib/base/wait.h"
 #include "lib/wlan/reply_path.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
@@ -124,48 +125,50 @@ int ReceiveReply(int fd, UMsgData& out) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int SendWlanRequestMessage(short type, const UMsgData* body) {
-    const velk::UniqueFd fd = velk::OpenSocket();
+    const UniqueFd fd = OpenSocket();
     if (fd.get() == -1) {
-        velk::LogErrno("SendWlanRequestMessage socket:errno=%d:%s", errno);
+        LogErrno("SendWlanRequestMessage socket:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    velk::Message message{};
+    Message message{};
     message.type = type;
     if (body != nullptr) {
         message.body = *body;
     }
-    const velk::Address daemon(velk::kRequestSocket);
+    const Address daemon(kRequestSocket);
     if (connect(fd.get(), daemon.get(), daemon.length) == -1) {
-        velk::LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
+        LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
     if (sendto(fd.get(), &message, sizeof(message), MSG_DONTWAIT, nullptr, 0) == -1) {
-        velk::LogErrno("SendWlanRequestMessage sendto:errno=%d:%s", errno);
+        LogErrno("SendWlanRequestMessage sendto:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
     return LIB_VELK_SUCCESS;
 }
 
 int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
-    unlink(velk::kReplySocket);  // left behind by a program that crashed
-    velk::UniqueFd fd = velk::OpenSocket();
+    unlink(kReplySocket);  // left behind by a program that crashed
+    UniqueFd fd = OpenSocket();
     if (fd.get() == -1) {
-        velk::LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
+        LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    if (fchmod(fd.get(), velk::kReplyMode) == -1) {  // bind(2) makes the file with this mode
-        velk::LogErrno("RecvWlanResponseMessage fchmod errno=%d:%s", errno);
+    if (fchmod(fd.get(), kReplyMode) == -1) {  // bind(2) makes the file with this mode
+        LogErrno("RecvWlanResponseMessage fchmod errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    if (const int error = velk::BindReplySocket(fd.get()); error != 0) {
-        velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", error);
-        velk::WaitForDaemon();
+    if (const int error = BindReplySocket(fd.get()); error != 0) {
+        LogErrno("RecvWlanResponseMessage bind errno=%d:%s", error);
+        WaitForDaemon();
         return LIB_VELK_FAILURE;
     }
-    velk::PostReady(ready);
-    const int result = velk::ReceiveReply(fd.get(), out);
+    PostReady(ready);
+    const int result = ReceiveReply(fd.get(), out);
     fd.Reset();
-    unlink(velk::kReplySocket);
+    unlink(kReplySocket);
     return result;
 }

@@ -4,6 +4,8 @@
 #include "lib/base/log.h"
 #include "lib/wlan/reply_path.h"
 #include "lib/wlan/semaphore.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 

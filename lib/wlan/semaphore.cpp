@@ -10,7 +10,7 @@
 
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
-#include "velk.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
@@ -95,20 +95,22 @@ bool ReadySemaphore::Reserve() {
 
 }  // namespace velk
 
+using namespace velk;
+
 sem_t* CreatSemaphore() {
-    sem_t* sem = sem_open(velk::kSemaphoreName, O_RDWR | O_CREAT, velk::kMode, 0U);
+    sem_t* sem = sem_open(kSemaphoreName, O_RDWR | O_CREAT, kMode, 0U);
     if (sem == SEM_FAILED) {
-        velk::LogErrno("CreatSemaphore sem_open:errno=%d:%s", errno);
+        LogErrno("CreatSemaphore sem_open:errno=%d:%s", errno);
         return nullptr;
     }
     return sem;
 }
 
 void DeleteSemaphore(const sem_t* sem) {
-    if (velk::Close(sem) == -1) {
-        velk::LogErrno("DeleteSemaphore sem_close errno=%d:%s", errno);
+    if (Close(sem) == -1) {
+        LogErrno("DeleteSemaphore sem_close errno=%d:%s", errno);
     }
-    if (sem_unlink(velk::kSemaphoreName) == -1) {
-        velk::LogErrno("DeleteSemaphore sem_unlink errno=%d:%s", errno);
+    if (sem_unlink(kSemaphoreName) == -1) {
+        LogErrno("DeleteSemaphore sem_unlink errno=%d:%s", errno);
     }
 }

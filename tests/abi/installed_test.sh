@@ -18,7 +18,7 @@ files_of() {
 rm -rf "$root"
 check 'files of the library' "$(printf '%s\n' libvelk.so.1 velk.conf)" "$(files_of library)"
 check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
-    libvelk.3 libvelk.so ntp.h velk.h velk.pc webup.h wired.h wlan.h)" "$(files_of development)"
+    libvelk.3 libvelk.so ntp.h request.h velk.h velk.pc webup.h wired.h wlan.h)" "$(files_of development)"
 check 'files of the tools' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
     velkctl.schema.json)" "$(files_of tools)"
 check 'files of the sandbox' "$(printf '%s\n' velk-sandbox velk-sandbox.1 wland)" "$(files_of sandbox)"

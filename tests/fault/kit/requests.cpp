@@ -7,6 +7,7 @@
 
 #include "lib/entry/dispatch_tables.h"
 #include "support/device_test.h"
+#include "velk.h"
 
 namespace fault {
 namespace {

@@ -266,7 +266,7 @@ const std::array<Table, 3> kTables{{
 
 // The enumerators of the public header, by the number that they have there.
 std::map<uint32_t, std::string> Enumerators() {
-    const std::string header = testkit::ReadFile(VELK_SOURCE_DIR "/include/velk.h");
+    const std::string header = testkit::ReadFile(VELK_SOURCE_DIR "/include/velk/request.h");
     const std::regex definition("(VELK_CMD_[A-Z0-9_]+) = ([0-9]+)");
     std::map<uint32_t, std::string> names;
     for (std::sregex_iterator match(header.begin(), header.end(), definition), end; match != end;

@@ -37,7 +37,7 @@ class CommandOutputTest : public testkit::DeviceTest {
     }
     static std::vector<std::string> LinesOf(CommandOutput& output) {
         std::vector<std::string> lines;
-        for (std::string_view line; output.Next(line);) {
+        for (std::string_view line; output.ReadLine(line);) {
             lines.emplace_back(line);
         }
         return lines;

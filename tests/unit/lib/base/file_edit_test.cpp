@@ -36,7 +36,7 @@ constexpr char kCopy[] = "/var/tmp/interfaces";
 // Copies the file through an edit, line by line, and returns what Finish() does.
 int CopyThrough(const char* target = kTarget) {
     FileEdit edit(target);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Keep(line);
     }
     return edit.Finish();
@@ -45,7 +45,7 @@ int CopyThrough(const char* target = kTarget) {
 // The same, with every line written as if it were new.
 int WriteThrough() {
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     return edit.Finish();
@@ -240,7 +240,7 @@ TEST_F(FileEditTest, ALinkInTheFilesPlaceIsFollowed) {
     ASSERT_EQ(symlink("real", kTarget), 0);
     FileEdit edit(kTarget);
     std::string_view line;
-    EXPECT_TRUE(edit.Next(line));
+    EXPECT_TRUE(edit.ReadLine(line));
     EXPECT_EQ(line, "one\n");
 }
 
@@ -250,7 +250,7 @@ TEST_F(FileEditTest, EveryLineIsHandedOutWithItsNewline) {
     WriteFile(kTarget, "one\n\n\ttwo\r\nlast");
     FileEdit edit(kTarget);
     std::vector<std::string> lines;
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         lines.emplace_back(line);
     }
     EXPECT_THAT(lines, ElementsAre("one\n", "\n", "\ttwo\r\n", "last\n"));
@@ -292,7 +292,7 @@ TEST_F(FileEditTest, AnEditThatIsGivenUpLeavesTheFileAndItsCopyBehind) {
 TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
     FileEdit edit(kTarget);
     std::string_view line;
-    ASSERT_TRUE(edit.Next(line));
+    ASSERT_TRUE(edit.ReadLine(line));
     edit.Keep(line);
     EXPECT_EQ(edit.Finish(), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\n");
@@ -300,7 +300,7 @@ TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
 
 TEST_F(FileEditTest, TheFileIsUntouchedUntilTheEnd) {
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write("changed " + std::string(line));
         EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
     }
@@ -323,7 +323,7 @@ TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
         std::string expected;
         FileEdit edit(kTarget);
         size_t count = 0;
-        for (std::string_view line; edit.Next(line);) {
+        for (std::string_view line; edit.ReadLine(line);) {
             if (++count % distance == 0) {
                 edit.Write("new line\n");
                 expected += "new line\n";
@@ -341,7 +341,7 @@ TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
 TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
     FileEdit edit(kTarget);
     std::string_view line;
-    while (edit.Next(line)) {
+    while (edit.ReadLine(line)) {
         edit.Keep(line.substr(0, 2));
         edit.Write("!");
     }
@@ -352,7 +352,7 @@ TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
 TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
     FileEdit edit(kTarget);
     std::string_view line;
-    while (edit.Next(line)) {
+    while (edit.ReadLine(line)) {
         edit.Keep(line);
         edit.Write("new line\n");
     }
@@ -368,7 +368,7 @@ TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
     WriteFile(kTarget, text);
     FileEdit edit(kTarget);
     const size_t writes = libc().Events(Call::kWrite).size();
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Keep(line);
     }
     EXPECT_LE(libc().Events(Call::kWrite).size() - writes, text.size() / 65536 + 2);
@@ -378,7 +378,7 @@ TEST_F(FileEditTest, LinesInFrontOfOneWithAStartAreKept) {
     WriteFile(kTarget, "one\n two\ntwo\ntwofold\nthree\nlast");
     FileEdit edit(kTarget);
     std::string_view line;
-    while (edit.NextWith("two", line)) {
+    while (edit.KeepLinesBefore("two", line)) {
         edit.Write("found " + std::string(line));
     }
     EXPECT_EQ(edit.Finish(), 0);
@@ -396,7 +396,7 @@ TEST_F(FileEditTest, LinesWithAStartAreFoundInEveryBlock) {
         }
         WriteFile(kTarget, text);
         FileEdit edit(kTarget);
-        for (std::string_view line; edit.NextWith("start ", line);) {
+        for (std::string_view line; edit.KeepLinesBefore("start ", line);) {
             edit.Write("found ");
             edit.Keep(line);
         }
@@ -466,7 +466,7 @@ TEST_F(FileEditTest, TheCopyIsPutInPlaceByTheseLines) {
 TEST_F(FileEditTest, BothFilesAreClosedBeforeTheCopying) {
     const size_t before = testkit::OpenDescriptors().size();
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     EXPECT_EQ(testkit::OpenDescriptors().size(), before + 2);
@@ -616,7 +616,7 @@ TEST_F(FileEditTest, NothingMoreIsWrittenAfterAFailure) {
 
 TEST_F(FileEditTest, ACloseOfTheReadFileThatFailsIsNotNoticed) {
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     libc().Script(Call::kClose, {Fail(EIO)});  // the read file is closed first

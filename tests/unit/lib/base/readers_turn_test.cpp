@@ -198,17 +198,17 @@ TEST_F(ReadersTurnTest, AReaderWhoWaitsAlreadyComesFirst) {
     EXPECT_FALSE(IsFree());
 }
 
-TEST_F(ReadersTurnTest, WithoutPatienceItGoesOnAtOnce) {
+TEST_F(ReadersTurnTest, WithoutWaitingItGoesOnAtOnce) {
     const Holder holder;
-    const ReadersTurn turn(ReadersTurn::Patience::kNone);
+    const ReadersTurn turn(ReadersTurn::WaitMode::kNoWait);
     EXPECT_EQ(Pauses(), 0U);
 }
 
-TEST_F(ReadersTurnTest, PatienceIsLostWhereNothingMoves) {
+TEST_F(ReadersTurnTest, WaitingEndsForGoodWhereNothingMoves) {
     libc().ScriptAlways(Call::kNanosleep, Return(0));
-    EXPECT_EQ(ReadersTurn().patience_left(), ReadersTurn::Patience::kThreeSeconds);
+    EXPECT_EQ(ReadersTurn().next_wait_mode(), ReadersTurn::WaitMode::kInQueue);
     const Holder holder;
-    EXPECT_EQ(ReadersTurn().patience_left(), ReadersTurn::Patience::kNone);
+    EXPECT_EQ(ReadersTurn().next_wait_mode(), ReadersTurn::WaitMode::kNoWait);
 }
 
 TEST_F(ReadersTurnTest, AFolderThatCannotBeOpenedIsDoneWithout) {

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "velk.h"
 
 namespace {
 

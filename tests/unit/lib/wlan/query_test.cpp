@@ -11,6 +11,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
+#include "velk.h"
 
 namespace {
 

@@ -1,7 +1,9 @@
 // wireless.cpp - when the wireless interface may be asked about.
-#include "lib/presence/wireless.h"
+#include "lib/presence/wireless_refusal.h"
 
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
+#include "velk/wlan.h"
 
 namespace velk {
 

@@ -1,4 +1,4 @@
-#include "lib/presence/wireless.h"
+#include "lib/presence/wireless_refusal.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,6 @@
-// mac_text.cpp - a hardware address as text.
-#include "lib/base/mac_text.h"
+// data_area.cpp - reads and writes the fixed byte fields of requests and records within their
+// bounds.
+#include "lib/base/data_area.h"
 
 #include <cstdio>
 

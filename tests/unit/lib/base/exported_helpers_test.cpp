@@ -1,12 +1,50 @@
+#include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
 
-#include "velk.h"
+#include "support/device_test.h"
+#include "velk/frame.h"
+#include "velk/ipconf.h"
 
 namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testkit::Call;
+using testkit::Fail;
+using testkit::Pass;
+using testkit::ReadFile;
+using testkit::WriteFile;
+
+constexpr char kSource[] = "/var/tmp/root";
+constexpr char kTarget[] = "/var/cron/tabs/root";
+
+TEST(IsStrNum, ANullPointerAndTheEmptyTextCount) {
+    EXPECT_EQ(isStrNum(nullptr), 1U);
+    EXPECT_EQ(isStrNum(""), 1U);
+}
+
+TEST(IsStrNum, OnlyDigitsCount) {
+    EXPECT_EQ(isStrNum("007"), 1U);
+    EXPECT_EQ(isStrNum("0123456789"), 1U);
+    EXPECT_EQ(isStrNum("12a"), 0U);
+    EXPECT_EQ(isStrNum("a12"), 0U);
+    EXPECT_EQ(isStrNum("-1"), 0U);
+    EXPECT_EQ(isStrNum("+1"), 0U);
+    EXPECT_EQ(isStrNum("1 "), 0U);
+    EXPECT_EQ(isStrNum("1.5"), 0U);
+}
+
+TEST(IsStrNum, TheCharactersBesideTheDigitsDoNotCount) {
+    EXPECT_EQ(isStrNum("/"), 0U);
+    EXPECT_EQ(isStrNum(":"), 0U);
+    EXPECT_EQ(isStrNum("\xB2"), 0U);  // superscript two in Latin-1
+}
 
 constexpr uint32_t kNowhere = 0xffffffff;
 
@@ -176,6 +214,68 @@ TEST(IsSearchWord, AnAbsentWordIsNowhere) {
 TEST(IsSearchWord, TheEmptyWordStandsAtTheStart) {
     EXPECT_EQ(SearchWord("", ""), (Answer{true, 0}));
     EXPECT_EQ(SearchWord("#", ""), (Answer{true, 0}));
+}
+
+class FileCopyAndDeleteTest : public testkit::DeviceTest {
+  protected:
+    void TearDown() override {
+        (void)!system("rm -f /var/cron/tabs/root");
+        DeviceTest::TearDown();
+    }
+};
+
+TEST_F(FileCopyAndDeleteTest, RunsTheTwoLines) {
+    WriteFile(kSource, "new\n");
+    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), 0);
+    EXPECT_THAT(libc().Commands(),
+                ElementsAre("cat /var/tmp/root > /var/cron/tabs/root", "rm /var/tmp/root"));
+    EXPECT_EQ(ReadFile(kTarget), "new\n");
+    EXPECT_FALSE(testkit::Exists(kSource));
+}
+
+TEST_F(FileCopyAndDeleteTest, KeepsTheTargetsInodeAndMode) {
+    WriteFile(kTarget, "old, and longer than the new text\n");
+    chmod(kTarget, 0640);
+    struct stat before {};
+    stat(kTarget, &before);
+    WriteFile(kSource, "new\n");
+    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), 0);
+    struct stat after {};
+    stat(kTarget, &after);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_uid, before.st_uid);
+    EXPECT_EQ(ReadFile(kTarget), "new\n");
+}
+
+TEST_F(FileCopyAndDeleteTest, AMissingSourceLeavesTheTargetEmpty) {
+    WriteFile(kTarget, "old\n");
+    EXPECT_EQ(FileCopyAndDelete("/var/tmp/missing", kTarget), 0);
+    EXPECT_EQ(ReadFile(kTarget), "");
+}
+
+TEST_F(FileCopyAndDeleteTest, AFailedCopyIsNotSeen) {
+    WriteFile(kSource, "new\n");
+    libc().Script(Call::kSystem, {Fail(ENOMEM), Pass()});
+    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), 0);
+    EXPECT_FALSE(testkit::Exists(kSource));
+}
+
+TEST_F(FileCopyAndDeleteTest, GivesTheResultOfTheRemoval) {
+    WriteFile(kSource, "new\n");
+    libc().Script(Call::kSystem, {Pass(), Fail(ENOMEM)});
+    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), -1);
+    EXPECT_EQ(ReadFile(kTarget), "new\n");
+    EXPECT_TRUE(testkit::Exists(kSource));
+}
+
+TEST_F(FileCopyAndDeleteTest, PathsThatDoNotFitAreRefusedAndNothingIsRemoved) {
+    const std::string source = "/var/tmp/" + std::string(120, 's');
+    WriteFile(source, "edit");
+    const std::string target = "/var/tmp/" + std::string(120, 't');
+    EXPECT_EQ(FileCopyAndDelete(source, target), LIB_VELK_INVALID_PARAMETER);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_EQ(ReadFile(source), "edit");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // wireless.h - when the wireless interface may be asked about.
-#ifndef VELK_PRESENCE_WIRELESS_H_
-#define VELK_PRESENCE_WIRELESS_H_
+#ifndef VELK_PRESENCE_WIRELESS_REFUSAL_H_
+#define VELK_PRESENCE_WIRELESS_REFUSAL_H_
 
 namespace velk {
 
@@ -10,4 +10,4 @@ int WirelessRefusal();
 
 }  // namespace velk
 
-#endif  // VELK_PRESENCE_WIRELESS_H_
+#endif  // VELK_PRESENCE_WIRELESS_REFUSAL_H_
