@@ -59,8 +59,8 @@ std::string UnknownVerb(std::string_view word) {
         return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
                "? Give a verb before it, such as get or describe";
     }
-    return "unknown verb " + Quoted(word) + DidYouMean(word, names, "give " + OneOf(names)) +
-           std::string(kSeeHelp);
+    return "unknown verb " + Quoted(word) +
+           DidYouMean(word, names, "give " + OneOf(names) + std::string(kSeeHelp));
 }
 
 // Returns the message about an option that is not valid before the verb.

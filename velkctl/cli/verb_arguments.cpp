@@ -189,7 +189,7 @@ std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
 std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key) {
     const std::string_view name = WithoutValue(option);
     return "unknown option" +
-           (may_be_key ? ", not shown because it may be a key" : " " + Quoted(name)) +
+           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(name)) +
            DidYouMean(name, OptionNames(verb),
                       "'" + CommandName(verb) + " --help' lists the options" + DashHint(verb));
 }

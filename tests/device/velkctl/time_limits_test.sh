@@ -116,7 +116,11 @@ status_is 3
 has 'standard output' 'in time' "$output"
 has 'standard error' "process ${output##*
 } (flock, " "$error"
-check 'standard error' 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
+check 'standard error' 'velkctl: eth0.dns: could not be set
+  another program is changing settings
+  process N (flock, M seconds old) holds the lock
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)' \
     "$(anonymous "$error")"
 
 it 'waits until the lock is free'
@@ -133,7 +137,11 @@ on_desk 'hold_lock 100; velkctl restart eth0 --wait=1; status=$?; took 1 60; exi
 status_is 3
 output_is 'in time'
 check 'standard error' 'velkctl: waiting at most 1 s for the lock, held by process N (flock, M seconds old)
-velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) still holds the lock after 1 s' \
+velkctl: eth0: could not be restarted
+  another program is changing settings
+  process N (flock, M seconds old) still holds the lock after 1 s
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)' \
     "$(anonymous "$error")"
 
 it 'tells of the waiting within the document'
@@ -173,20 +181,23 @@ it 'gives up a question that nobody answers'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1; status=$?; took 1 40; left; exit $status'
 status_is 7
 output_is 'in time'
-error_is 'velkctl: eth1.ssid: could not be read: given up, it took too long'
+error_is 'velkctl: eth1.ssid: could not be read
+  no answer after 1 s'
 
 it 'gives up when the daemon is stopped'
 on_desk 'velk-sandbox cable out; daemon=$(cat /run/velk-sandbox/wland.pid); kill -STOP $daemon
     velkctl get eth1.signal --timeout 1; status=$?; left; kill -CONT $daemon; exit $status'
 status_is 7
 output_is ''
-error_is 'velkctl: eth1.signal: could not be read: given up, it took too long'
+error_is 'velkctl: eth1.signal: could not be read
+  no answer after 1 s'
 
 it 'says that a change that was given up may be half done'
 on_desk 'reply silent; velkctl set eth1.ssid x --timeout 1; status=$?; left; exit $status'
 status_is 7
 output_is ''
-error_is 'velkctl: eth1.ssid: could not be set: given up, it took too long; it may be half changed'
+error_is 'velkctl: eth1.ssid: could not be set
+  no answer after 1 s; eth1.ssid may be incomplete; run it again'
 
 it 'asks again after it gave up'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1 2>/dev/null; wland --tell normal
@@ -203,7 +214,8 @@ on_desk 'mkdir /tmp/tools
     touch /tmp/go; until [ -s /tmp/note ]; do sleep 0.1; done; cat /tmp/note
     exit $status'
 status_is 7
-error_is 'velkctl: eth0.link-speed: could not be read: given up, it took too long'
+error_is 'velkctl: eth0.link-speed: could not be read
+  no answer after 1 s'
 output_is 'in time
 went on'
 
@@ -220,13 +232,13 @@ error_is "velkctl: --timeout: 'soon' is not a time; give whole seconds, 1 to 864
 
 it 'shows the rest of the settings when the daemon is silent'
 on_desk 'reply silent; velkctl show eth1 --timeout 1 >/tmp/shown; status=$?; took 1 60
-    grep -c "did not answer before" /tmp/shown; grep -E "(method|given up)" /tmp/shown | tr -s " "
+    grep -c "daemon does not answer" /tmp/shown; grep -E "(method|no answer)" /tmp/shown | tr -s " "
     left; exit $status'
 status_is 0
 error_is ''
 has 'standard output' 'in time' "$output"
 has 'standard output' 'eth1.method dhcp' "$output"
-has 'standard output' '(given up, it took too long)' "$output"
+has 'standard output' '(no answer after 1 s)' "$output"
 
 # ---- signals ----------------------------------------------------------------------------------
 
@@ -242,7 +254,7 @@ it 'says that a change may be half done when a signal ends it'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "reply silent; interrupted_by $signal \$asked velkctl set eth1.ssid x; left"
     output_is "ended by $signal"
-    error_is 'velkctl: interrupted; eth1.ssid may be half changed'
+    error_is 'velkctl: interrupted; eth1.ssid may be incomplete; run it again'
 done
 
 it 'says that a restart may be half done when a signal ends it'
@@ -253,7 +265,7 @@ on_desk 'mkdir /tmp/tools; : >/tmp/tools/real-sudo
     interrupted_by SIGTERM /tmp/is-down velkctl restart eth0 2>/tmp/errors; grep velkctl: /tmp/errors; left'
 output_is 'ended by SIGTERM
 velkctl: restart of eth0: ifdown: interface eth0 not configured
-velkctl: interrupted; restart of eth0 may be half done'
+velkctl: interrupted; restart of eth0 may be incomplete; run it again'
 
 it 'finishes its document when a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl set eth1.ssid x --json >/tmp/answer
@@ -262,7 +274,7 @@ import json, sys
 print(json.load(sys.stdin)[\"errors\"][0][\"message\"])"'
 error_is ''
 output_is 'ended by SIGTERM
-interrupted; eth1.ssid may be half changed'
+interrupted; eth1.ssid may be incomplete; run it again'
 
 it 'shows what it has read when a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth1.ssid >/tmp/answer
@@ -288,9 +300,12 @@ on_desk 'rm /etc/network/interfaces; mkfifo /etc/network/interfaces
     velkctl get eth0.method --timeout 1; echo $?
     velkctl get eth0.address --timeout 1; echo $?
     velkctl set eth0.gateway 192.168.0.1 --timeout 1; echo $?; left; took 0 60'
-error_is 'velkctl: eth0.method: could not be read: given up, it took too long
-velkctl: eth0.address: could not be read: given up, it took too long
-velkctl: eth0.gateway: could not be set: given up, it took too long; it may be half changed'
+error_is 'velkctl: eth0.method: could not be read
+  no answer after 1 s
+velkctl: eth0.address: could not be read
+  no answer after 1 s
+velkctl: eth0.gateway: could not be set
+  no answer after 1 s; eth0.gateway may be incomplete; run it again'
 output_is '7
 7
 7
@@ -302,7 +317,8 @@ on_desk 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     cmp /var/cron/tabs/root /run/before; exit $status'
 status_is 7
 output_is 'in time'
-error_is 'velkctl: ntp: could not be set: given up, it took too long; it may be half changed'
+error_is 'velkctl: ntp: could not be set
+  no answer after 2 s; ntp may be incomplete; run it again'
 
 it 'is ended by a signal while the system log is stuck'
 for signal in SIGINT SIGTERM; do
@@ -310,7 +326,7 @@ for signal in SIGINT SIGTERM; do
         with_stuck_log timeout -s KILL 60 python3 -c \"\$INTERRUPT\" $signal +0.5 velkctl set ntp off; took 0 60; left"
     output_is "ended by $signal
 in time"
-    error_is 'velkctl: interrupted; ntp may be half changed'
+    error_is 'velkctl: interrupted; ntp may be incomplete; run it again'
 done
 
 it 'tells what tools say in words of its own'
@@ -361,7 +377,9 @@ on_desk 'reply silent; velkctl get eth1.ssid & until [ -e $asked ]; do sleep 0.0
 status_is 1
 output_is ''
 error_is "velkctl: eth1.ssid: the library ended without an answer, by signal 9 (Killed)
-velkctl: eth1.ssid: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+velkctl: eth1.ssid: could not be read
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)"
 
 # ---- at a terminal ----------------------------------------------------------------------------
 
@@ -369,7 +387,7 @@ it 'shows at a terminal what it waits for, and takes that away again'
 on_desk 'reply silent; at_terminal - velkctl get eth1.ssid --timeout 3'
 status_is 0
 output_has "'\\reth1.ssid: 1 s of at most 3 s, waiting for the wireless daemon to answer\\reth1.ssid: 2 s of at most 3 s, waiting for the wireless daemon to answer\\r  "
-output_has " \\rvelkctl: eth1.ssid: could not be read: given up, it took too long\\r\\n' 7"
+output_has " \\rvelkctl: eth1.ssid: could not be read\\r\\n  no answer after 3 s\\r\\n' 7"
 
 it 'takes the line away before the answer'
 on_desk 'reply late --delay 1.5; at_terminal - velkctl get eth1.ssid'
@@ -379,7 +397,7 @@ output_has " \\rvelk-lab\\r\\n' 0"
 it 'ends at once at Ctrl-C, with the line gone'
 on_desk 'reply silent; at_terminal "1 s of" velkctl set eth1.ssid x; took 1 40; left'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer"
-output_has " \\rvelkctl: interrupted; eth1.ssid may be half changed\\r\\n' -2"
+output_has " \\rvelkctl: interrupted; eth1.ssid may be incomplete; run it again\\r\\n' -2"
 output_has 'in time'
 
 it 'shows nothing of it in a document, a quick answer or a pipe'
@@ -389,7 +407,8 @@ on_desk 'reply silent; at_terminal - velkctl get eth1.ssid --timeout 2 --json | 
 error_is ''
 output_is "0
 'static\\r\\n' 0
-velkctl: eth1.ssid: could not be read: given up, it took too long"
+velkctl: eth1.ssid: could not be read
+  no answer after 2 s"
 
 it 'lets the shell see 130'
 on_desk 'reply silent; at_terminal "1 s of" bash -c "trap : INT; velkctl get eth1.ssid; echo status \$?" | grep -o "status 130"'

@@ -28,13 +28,19 @@ without_resolver() { # COMMAND...
     on_device sh -c 'rm /etc/resolv.dnsmasq.conf && exec "$@"' sh "$@"
 }
 
-# Holds that velkctl refuses these arguments with this message, with nothing changed or printed.
+# Checks the error of the last run, with the indented lines of each message joined to its first one.
+error_unfolds_to() { # MESSAGE
+    error=${error//$'\n  '/; }
+    error_is "$1"
+}
+
+# Checks that velkctl refuses these arguments with this message, with nothing changed or printed.
 refused() { # MESSAGE ARGUMENT...
     lib_message=$1
     shift
     with_resolver 'nameserver 9.9.9.9\n' velkctl "$@"
     status_is 2
-    error_is "velkctl: $lib_message"
+    error_unfolds_to "velkctl: $lib_message"
     output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --'
@@ -112,14 +118,23 @@ it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
+error_is "velkctl: eth0.dns: could not be read
+  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
+  fix: put the device's own file there
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'says of each setting that it could not be read'
 without_resolver velkctl get eth0.dns eth1.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there
-velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
+error_is "velkctl: eth0.dns: could not be read
+  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
+  fix: put the device's own file there
+  result: LIB_VELK_FAILURE (-1)
+velkctl: eth1.dns: could not be read
+  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
+  fix: put the device's own file there
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'reads no setting when one of the names is wrong'
 refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
@@ -188,12 +203,17 @@ it 'says that a setting could not be set'
 without_resolver sh -c 'mkdir /etc/resolv.dnsmasq.conf && velkctl set eth0.dns 1.1.1.1'
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there; mend: put the device's own file in its place"
+error_is "velkctl: eth0.dns: could not be set
+  likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there
+  fix: put the device's own file in its place
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'changes nothing while another program holds the lock'
 with_resolver 'nameserver 9.9.9.9\n' flock -x /var/tmp/vklib_lock velkctl set eth0.dns 1.1.1.1
 status_is 3
-error_has 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process '
+error_has 'velkctl: eth0.dns: could not be set
+  another program is changing settings
+  process '
 output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --
@@ -257,9 +277,9 @@ refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dn
 refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses a verb that there is not'
-refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" \
+refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)"
+refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
 
 it 'refuses an option that there is not'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
@@ -390,15 +410,15 @@ nameserver 0000000000000000
 lock file made'
 
 it 'refuses 513 bytes'
-refused 'call: --text: 513 bytes are too many; the data area holds 512' \
+refused 'call: --text: 513 bytes are too many; give at most 512' \
     call set 108 eth0 --text "$(printf '%0513d' 0)"
-refused 'call: --hex: more than 512 bytes; the data area holds 512' \
+refused 'call: --hex: more than 512 bytes; give at most 512' \
     call set 108 eth0 --hex "$(printf '%01026d' 0)"
 
 it 'refuses hex digits that make no bytes'
-refused "call: --hex: the digit at character 3 stands alone; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: the digit at character 3 has no second one; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0a1
-refused "call: --hex: the digit at character 1 stands alone; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: the digit at character 1 has no second one; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex '0 a'
 refused "call: --hex: character 2 is not a hex digit; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0x31
@@ -410,8 +430,8 @@ refused "call: option '--text' is given twice; give it once" \
     call set 108 eth0 --text a --text b
 
 it 'refuses an option without its value'
-refused "call: option '--text' needs a value behind it" call set 108 eth0 --text
-refused "call: option '--hex' needs a value behind it" call set 108 eth0 --hex
+refused "call: option '--text' needs a value" call set 108 eth0 --text
+refused "call: option '--hex' needs a value" call set 108 eth0 --hex
 
 it 'refuses what is no command'
 refused "call: 'put' is not a command type; give get, set or restart" call put 108 eth0
@@ -442,7 +462,7 @@ with_resolver 'nameserver 9.9.9.9\n' \
     flock -x /var/tmp/vklib_lock velkctl call set 108 eth0 --text 1.1.1.1
 status_is 3
 error_is ''
-output_has 'LIB_VELK_LOCKED (-3): another program is changing settings now, try again; process '
+output_has 'LIB_VELK_LOCKED (-3): another program is changing settings; process '
 output_has ' old) holds the lock
 -- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
@@ -525,7 +545,9 @@ END
 it 'says that a speed could not be read'
 with_ports '\tSpeed: 1000Mb/s\n\tAuto-negotiation: off\n' '' velkctl get eth0.link-speed
 status_is 1
-error_is "velkctl: eth0.link-speed: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth0.link-speed: could not be read
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'forces the link speed and looks whether the port has taken it'
 while read -r name speed duplex negotiation options; do
@@ -556,7 +578,7 @@ refused_unsent() { # MESSAGE ARGUMENT...
     shift
     with_ports "$no_link" "$adapter" velkctl "$@"
     status_is 2
-    error_is "velkctl: $lib_message"
+    error_unfolds_to "velkctl: $lib_message"
     output_is '-- run'
 }
 
@@ -593,7 +615,10 @@ it 'says that there is no adapter'
 for name in $state_settings; do
     with_ports "$no_link" '' velkctl get "$name"
     status_is 4
-    error_is "velkctl: $name: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)"
+    error_is "velkctl: $name: could not be read
+  no supported wireless adapter is attached
+  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
+  result: LIB_VELK_NO_ADAPTER (-5)"
     output_is '-- run'
 done
 
@@ -601,7 +626,10 @@ it 'says that the cable is in the wired port'
 for name in $state_settings; do
     with_ports "$link" "$adapter" velkctl get "$name"
     status_is 5
-    error_is "velkctl: $name: could not be read: refused while the cable is in the wired port (LIB_VELK_WIRED_LINKED, -6)"
+    error_is "velkctl: $name: could not be read
+  refused while the cable is in the wired port
+  fix: pull the cable; wireless works only without it
+  result: LIB_VELK_WIRED_LINKED (-6)"
     output_is '-- run
 ethtool eth0'
 done
@@ -610,11 +638,17 @@ it 'fails without a wireless daemon'
 for name in $configuration eth1.rate; do
     with_ports "$no_link" "$adapter" velkctl get "$name"
     status_is 1
-    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+    error_is "velkctl: $name: could not be read
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 done
 with_ports "$no_link" "$adapter" velkctl set eth1.channel 6
 status_is 1
-error_is "velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.channel: could not be set
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'refuses values that a wireless setting does not have'
 refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
@@ -674,13 +708,18 @@ done
 it 'reads a key from standard input'
 with_ports "$no_link" "$adapter" sh -c 'echo hunter22 | velkctl set eth1.psk -'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.psk: could not be set
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
-error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
+error_is 'velkctl: eth1.wep-key-1: 6 bytes given
+  give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c 'printf "hunter\r\n" | velkctl set eth1.psk -'
 status_is 2
-error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken; give a text of 1 to 64 bytes, or none'
+error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken
+  give a text of 1 to 64 bytes, or none'
 refused_unsent 'eth1.psk: standard input is empty; give the value as one line' set eth1.psk -
 
 it 'leaves the lines behind the key to others'
@@ -693,17 +732,22 @@ it 'reads a key from a file'
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter22 >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.psk: could not be set
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2
-error_is 'velkctl: eth1.wep-key-3: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
+error_is 'velkctl: eth1.wep-key-3: 6 bytes given
+  give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c \
     'printf "hunter22\nhunter23\n" >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 2
-error_is 'velkctl: eth1.psk: the file behind @ has more than one line; give the value as the only one'
+error_is 'velkctl: eth1.psk: the file after @ has more than one line
+  give the value as the only one'
 no_secret
-refused_unsent "eth1.psk: the file behind @ cannot be read: No such file or directory; '-' takes the value from standard input, @FILE from a file" \
+refused_unsent "eth1.psk: the file after @ cannot be read: No such file or directory; - reads the value from standard input, @FILE from a file" \
     set eth1.psk @/tmp/hunter22
 
 it 'takes - and @ as they stand where nothing is secret'
@@ -741,15 +785,22 @@ ethtool eth0
 lock file made'
 with_ports "$no_link" "$adapter" velkctl restart --notify-only eth1
 status_is 1 # there is no daemon
-error_is "velkctl: eth1: could not be restarted; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth1: could not be restarted
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'restarts nothing without an adapter, or while the lock is held'
 with_ports "$no_link" '' velkctl restart eth1
 status_is 4
-error_is 'velkctl: eth1: could not be restarted: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)'
+error_is 'velkctl: eth1: could not be restarted
+  no supported wireless adapter is attached
+  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
+  result: LIB_VELK_NO_ADAPTER (-5)'
 with_ports "$link" '' flock -x /var/tmp/vklib_lock velkctl restart eth0
 status_is 3
-error_has 'velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process '
+error_has 'velkctl: eth0: could not be restarted
+  another program is changing settings
+  process '
 output_is '-- run
 lock file made'
 
@@ -772,24 +823,24 @@ output_has '
   get       show the value of settings
   set       change a setting
   show      show all settings, or those of an interface
-  restart   bring an interface down and up again, so that changed settings take effect
-  list      name all settings, or those of an interface, and say what can be done with them
-  describe  say what a setting is
-  explain   say what a result of the library or an exit status means and what to do about it
-  doctor    look for what the library will not be able to do, and say how to mend it
-  call      run a command of the library as it stands
-  help      show help for velkctl, or for the verb behind it
+  restart   bring an interface down and up to apply its settings
+  list      list all settings, or those of an interface
+  describe  describe a setting and its values
+  explain   explain a result of the library or an exit status
+  doctor    look for problems with files, tools and daemons, and for their fixes
+  call      run a command of the library without checks
+  help      show help for velkctl or for a verb
 '
 output_has '
 Exit status:
   0         done
-  1         failed, or the doctor found something
-  2         wrong usage, or a name or value that is not taken
+  1         failed, or the doctor found a problem
+  2         wrong usage, or a name or value that is not valid
   3         another program is changing settings
   4         no supported wireless adapter is attached
   5         refused while the cable is in the wired port
   6         set, but the device does not hold the value
-  7         given up because it took too long
+  7         no answer before the timeout
 '
 general_help=$output
 for words in -h help 'help help' 'help --help'; do
@@ -822,12 +873,12 @@ run velkctl call --help
 output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]
 '
 output_has '
-  --text TEXT                 data bytes as text, at most 512; - or @FILE reads them
-  --hex HEX                   data bytes as pairs of hex digits, with blanks or colons between; - or @FILE reads them
-  --wait                      while another program changes settings, try again for 30 s, or --wait=SECONDS
-  --timeout SECONDS           give up when it takes longer
-  --json                      answer as one JSON document
-  --show-secrets              show keys, which are masked otherwise
+  --text TEXT         data bytes as text, at most 512; or - or @FILE
+  --hex HEX           data bytes as pairs of hex digits; or - or @FILE
+  --wait              try again for 30 s while settings are locked; or --wait=N
+  --timeout SECONDS   stop if there is no answer in this time
+  --json              print one JSON document
+  --show-secrets      show keys instead of asterisks
 '
 
 it 'gives its version'

@@ -7,6 +7,12 @@
 needs_sandbox
 command -v python3 >/dev/null || skip 'no python3 here, for terminals'
 
+# Checks the error of the last run, with the indented lines of each message joined to its first one.
+error_unfolds_to() { # MESSAGE
+    error=${error//$'\n  '/; }
+    error_is "$1"
+}
+
 # Types lines at a terminal of the command's own, each when a question (": ") is there, and shows what
 # stood on it. The line ^C is typed as the key.
 export TYPIST='
@@ -82,8 +88,8 @@ check 'no escapes' 0 "$(printf '%s' "$output" | grep -c "$(printf '\033')")"
 it 'asks a daemon that does not answer once'
 on_device sh -c 'velk-sandbox cable out; kill -STOP $(cat /run/velk-sandbox/wland.pid)
     velkctl show eth1 --timeout 1; kill -CONT $(cat /run/velk-sandbox/wland.pid)'
-output_has 'eth1.hardware-version   (given up, it took too long)
-eth1.software-version   (not asked: the wireless daemon did not answer before)
+output_has 'eth1.hardware-version   (no answer after 1 s)
+eth1.software-version   (skipped: the wireless daemon does not answer)
 '
 output_has 'eth1.method             dhcp
 '
@@ -95,13 +101,15 @@ check 'settings' 10 "$(printf '%s\n' "$output" | grep -c '^eth0\.')"
 check 'lines' 10 "$(printf '%s\n' "$output" | wc -l)"
 on_device velkctl list eth2
 status_is 2
-error_is "velkctl: list: 'eth2' is not an interface of the device; did you mean eth0 or eth1?"
+error_is "velkctl: list: 'eth2' is not an interface of the device
+  did you mean eth0 or eth1?"
 
 it 'refuses an interface that there is not'
 on_device velkctl show eth2
 status_is 2
 output_is ''
-error_is "velkctl: show: 'eth2' is not an interface of the device; did you mean eth0 or eth1?"
+error_is "velkctl: show: 'eth2' is not an interface of the device
+  did you mean eth0 or eth1?"
 
 # ---- get, set ---------------------------------------------------------------------------------
 it 'shows bare values for scripts'
@@ -137,7 +145,8 @@ a\x5cxff
 it 'refuses a gateway outside the network, unless forced'
 on_device sh -c 'velkctl set eth0.gateway 10.0.0.1; echo $?; velkctl get eth0.gateway
     velkctl set eth0.gateway 10.0.0.1 --force; echo $?; velkctl get eth0.gateway'
-error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24; give another, set the address and netmask first, or give --force'
+error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24
+  give another, set the address and netmask first, or give --force'
 output_is '2
 192.168.0.1
 0
@@ -152,8 +161,13 @@ output_is 'nonsense
 1
 1.2.3.4.5
 every 200h'
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'; likely cause: /var/cron/tabs/root:1: 'a' stands in front of the server, too, and is replaced there; mend: write the server's address in its place with an editor, or a name that does not stand further in front on the line
-velkctl: eth0.method: could not be set: the library does not take this command, interface or value (LIB_VELK_INVALID_PARAMETER, -4)"
+error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'
+  likely cause: /var/cron/tabs/root:1: 'a' stands in front of the server, too, and is replaced there
+  fix: write the server's address in its place with an editor, or a name that does not stand further in front on the line
+velkctl: eth0.method: could not be set
+  the library does not take this command, interface or value
+  fix: run 'velkctl describe NAME' for the interfaces and values of a setting
+  result: LIB_VELK_INVALID_PARAMETER (-4)"
 
 it 'does not read back when told so'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
@@ -166,21 +180,21 @@ status_is 2
 error_is "velkctl: get: unknown setting 'eth0.gateways'; did you mean eth0.gateway?"
 on_device velkctl gte eth0.dns
 status_is 2
-error_is "velkctl: unknown verb 'gte'; did you mean get? ('velkctl --help' explains them)"
+error_is "velkctl: unknown verb 'gte'; did you mean get?"
 
 # ---- secrets at a terminal --------------------------------------------------------------------
 it 'asks for a secret twice, and does not show it'
 typing 'hunter2222
 hunter2222' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
-the same again: 
+repeat the value: 
 ended with 0'
 
 it 'takes no secret that was typed in two ways'
 typing 'hunter2222
 hunter2223' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
-the same again: 
+repeat the value: 
 velkctl: eth1.psk: the second value differs from the first
 ended with 2'
 
@@ -213,8 +227,8 @@ output_is 'eth1.psk
   pre-shared key: a text of 1 to 64 bytes, or none; secret
   command 314: get and set
   takes a text of 1 to 64 bytes, or none
-  a secret: masked unless --show-secrets is given; -, @FILE or a prompt take it
-  reading it may take 60 seconds: it waits for the wireless daemon to answer
+  a secret: masked without --show-secrets; give it as -, @FILE or at the prompt
+  reading takes at most 60 s: it waits for the wireless daemon to answer
   example: velkctl get eth1.psk
   example: velkctl set eth1.psk -'
 
@@ -273,8 +287,8 @@ it 'explains a result by number and by name'
 for word in -3 LIB_VELK_LOCKED LOCKED; do
     on_device velkctl explain "$word"
     status_is 0
-    output_is "LIB_VELK_LOCKED (-3): another program is changing settings now, try again
-  what to do: '--wait' tries again until the other program is done
+    output_is "LIB_VELK_LOCKED (-3): another program is changing settings
+  fix: try again, or let --wait=SECONDS try again
   exit status of velkctl: 3"
 done
 
@@ -282,20 +296,20 @@ it 'explains an exit status by number, with the result that leads to it'
 on_device velkctl explain 3
 status_is 0
 output_is "exit status 3 of velkctl: another program is changing settings
-  what to do: '--wait' tries again until the other program is done
-  result of the library: LIB_VELK_LOCKED (-3): another program is changing settings now, try again"
+  fix: try again, or let --wait=SECONDS try again
+  result of the library: LIB_VELK_LOCKED (-3): another program is changing settings"
 on_device velkctl explain 6
 output_is "exit status 6 of velkctl: set, but the device does not hold the value
-  what to do: the message has the likely cause; 'velkctl doctor' looks for more"
+  fix: read the likely cause in the message; 'velkctl doctor' looks for more"
 
 it 'explains 0, which is both'
 on_device velkctl explain 0
 status_is 0
 output_is 'LIB_VELK_SUCCESS (0): done
-  what to do: nothing; that a set succeeded does not prove that the device holds the value
+  fix: none needed; a successful set does not prove that the device holds the value
   exit status of velkctl: 0
 exit status 0 of velkctl: done
-  what to do: nothing
+  fix: none needed
   result of the library: LIB_VELK_SUCCESS (0): done'
 
 it 'refuses to explain what is neither'
@@ -303,22 +317,22 @@ explained() { # WORD MESSAGE
     on_device velkctl explain "$1"
     status_is 2
     output_is ''
-    error_is "velkctl: explain: $2"
+    error_unfolds_to "velkctl: explain: $2"
 }
 neither='is neither a result nor an exit status'
 explained nothing "'nothing' $neither; give a number such as -3 or 3, or a name such as LOCKED"
 explained '' "'' $neither; give a number such as -3 or 3, or a name such as LOCKED"
 explained LOKED "'LOKED' $neither; did you mean LOCKED?"
 explained lib_velk_failure "'lib_velk_failure' $neither; did you mean LIB_VELK_FAILURE?"
-explained 8 "'8' is no exit status of velkctl; give 0 to 7, or a result of the library, which is 0 or negative"
+explained 8 "'8' is not an exit status; give 0 to 7, or a result, which is 0 or negative"
 
 # ---- wrong words ------------------------------------------------------------------------------
-# Holds that velkctl refuses these arguments with this one line, and prints nothing else.
+# Checks that velkctl refuses these arguments with this message and prints nothing else.
 refused() { # MESSAGE ARGUMENT...
     run velkctl "${@:2}"
     status_is 2
     output_is ''
-    error_is "velkctl: $1"
+    error_unfolds_to "velkctl: $1"
 }
 
 it 'guesses what a misspelt option or value means'
@@ -330,7 +344,7 @@ refused "eth0.method: 'dhcpp' is not one of its values; did you mean dhcp?" set 
 refused "eth0.link-speed: '100full' is not one of its values; did you mean 100-full or 10-full?" \
     set eth0.link-speed 100full
 refused "ntp: 'ON' is not one of its values; did you mean on?" set ntp ON
-refused "unknown verb 'hlep'; did you mean help? ('velkctl --help' explains them)" hlep
+refused "unknown verb 'hlep'; did you mean help?" hlep
 refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
     get eth1.wep-key-5
 
@@ -338,7 +352,7 @@ it 'guesses what a word that was cut short means'
 refused "restart: unknown option '--notify'; did you mean --notify-only?" restart eth1 --notify
 refused "eth0.link-speed: '100' is not one of its values; did you mean 100-full or 100-half?" \
     set eth0.link-speed 100
-refused "unknown verb 'desc'; did you mean describe? ('velkctl --help' explains them)" desc ntp
+refused "unknown verb 'desc'; did you mean describe?" desc ntp
 
 it 'gives the names of an id'
 refused "get: unknown setting '108'; give eth0.dns or eth1.dns" get 108
@@ -352,26 +366,26 @@ refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h),
     set web-update every 24h
 
 it 'knows a setting and an interface where they do not belong'
-refused "'eth0.dns' is a setting; give a verb in front of it, such as get or describe" eth0.dns
-refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb in front of it, such as get or describe" \
+refused "'eth0.dns' is a setting; give a verb before it, such as get or describe" eth0.dns
+refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb before it, such as get or describe" \
     eth0.addresx
 refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
 refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
 
 it 'refuses a word behind the verb that help is for'
-refused 'help: arguments given behind the verb; usage: velkctl help [VERB]' help get extra
+refused 'help: too many arguments; usage: velkctl help [VERB]' help get extra
 
 it 'takes no mask for a key'
 refused 'eth1.psk: this is the mask that is shown in place of a key; give a text of 1 to 64 bytes, or none' \
     set eth1.psk '********'
 
 it 'says where an option of a verb belongs'
-refused "option '--timeout' stands in front of the verb; give it behind the verb" \
+refused "'--timeout' is an option of a verb; give it after the verb" \
     --timeout 5 get eth0.dns
-refused "option '--wait' stands in front of the verb; give it behind the verb" --wait=5 set ntp on
+refused "'--wait' is an option of a verb; give it after the verb" --wait=5 set ntp on
 
 it 'says how --wait takes its seconds'
-seconds="--wait takes its seconds behind '='; write --wait=SECONDS"
+seconds="--wait takes its seconds after '='; write --wait=SECONDS"
 refused "restart: $seconds" restart --wait 5 eth0
 refused "restart: $seconds" restart eth0 --wait 5
 refused "set: $seconds" set --wait 5 ntp on
@@ -408,11 +422,11 @@ refused 'ntp: no value given; give on or off' set --force ntp
 
 it 'takes an unreadable word for what it is'
 verbs='get, set, show, restart, list, describe, explain, doctor, call or help'
-refused "unknown verb '\\xff\\x1b'; give $verbs ('velkctl --help' explains them)" \
+refused "unknown verb '\\xff\\x1b'; give $verbs; see 'velkctl --help'" \
     $'\xff\e'
-refused "unknown verb ''; give $verbs ('velkctl --help' explains them)" ''
+refused "unknown verb ''; give $verbs; see 'velkctl --help'" ''
 for word in - --; do
-    refused "unknown verb '$word'; give $verbs ('velkctl --help' explains them)" "$word" get ntp
+    refused "unknown verb '$word'; give $verbs; see 'velkctl --help'" "$word" get ntp
 done
 refused "ntp: '$(printf '%0512d' 0)...' is not one of its values; give on or off" \
     set ntp "$(printf '%0513d' 0)"
@@ -444,9 +458,11 @@ LIB_VELK_SUCCESS (0): done
 another-long-key
 LIB_VELK_SUCCESS (0): done
 abcdefgh'
-error_is "velkctl: call: --hex: more than 512 bytes; the data area holds 512
-velkctl: call: --hex: the file behind @ has more than one line; give the value as the only one
-velkctl: call: --text: the file behind @ cannot be read: No such file or directory; '-' takes the value from standard input, @FILE from a file
+error_unfolds_to "velkctl: call: --hex: more than 512 bytes; give at most 512
+velkctl: call: --hex: the file after @ has more than one line
+  give the value as the only one
+velkctl: call: --text: the file after @ cannot be read: No such file or directory
+  - reads the value from standard input, @FILE from a file
 velkctl: call: --text: standard input is empty; give the value as one line"
 
 finish
