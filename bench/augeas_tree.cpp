@@ -1,4 +1,4 @@
-// augeas_tree.cpp - the interfaces file as Augeas holds it.
+// augeas_tree.cpp - the interfaces file in Augeas.
 #include "bench/augeas_tree.h"
 
 #include <string>

@@ -1,4 +1,4 @@
-// gets.cpp - each kind of get against open, read, search and close by hand on the same file.
+// gets.cpp - compares each kind of get with open, read, search and close by hand on the same file.
 #include <cstring>
 #include <functional>
 #include <string>
@@ -31,7 +31,7 @@ struct FileGet {
     const char* key;
 };
 
-// What is searched by hand is what the library has to find in the device's own files.
+// The texts searched by hand are those that the library must find in the device's files.
 constexpr FileGet kFileGets[] = {
     {"method", VELK_CMD_IP_METHOD, "eth0", kInterfaces, "iface eth0 ", "inet "},
     {"address", VELK_CMD_IP_ADDRESS, "eth0", kInterfaces, kWiredHeader, "address "},
@@ -74,7 +74,7 @@ void AddKernelGet() {
              .other = Timed(ReadMacByHand, kCallsPerSample)});
 }
 
-// What a tool tells: its line, its output and the removal of that.
+// A get by a tool: its shell line, reading its output, and removing the output.
 void AddToolGet(const char* name, const std::function<void()>& call, const std::string& tool) {
     const auto by_hand = [tool] {
         RunLine(tool + " > /var/tmp/get_result");
@@ -93,7 +93,7 @@ void GetLiveAddress() {
     }
 }
 
-// Refused before anything is opened.
+// A get that is refused before any file is opened.
 void AddRefusal() {
     const auto by_hand = [] {
         char value[VELK_DATA_SIZE];

@@ -1,4 +1,4 @@
-// growth.cpp - files of 1 KB to 100 MB with the stanza at their end.
+// growth.cpp - gets and sets in files of 1 KB to 100 MB, with the stanza at the end.
 #include <algorithm>
 #include <functional>
 #include <string>
@@ -29,7 +29,7 @@ constexpr Size kSizes[] = {
     {"1KB", 1000},        {"10KB", 10 * 1000},        {"100KB", 100 * 1000},
     {"1MB", 1000 * 1000}, {"10MB", 10 * 1000 * 1000}, {"100MB", 100 * 1000 * 1000}};
 
-// Stanzas of other interfaces, with a comment each, up to the size; then eth0's.
+// Returns stanzas of other interfaces, each with a comment, up to the size, and the stanza of eth0.
 std::string LongFile(size_t bytes) {
     std::string text;
     for (int i = 10; text.size() + sizeof(kStanza) < bytes; ++i) {
@@ -56,7 +56,7 @@ int SamplesFor(size_t bytes) {
     return bytes > 10'000'000 ? 11 : 60;
 }
 
-// Finds the interface and stops: what one would do from a shell.
+// Finds the interface and stops, as a user would with grep.
 void AddGrep(const Size& size) {
     Compare({.name = std::string("growth/grep/") + size.name,
              .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
@@ -88,7 +88,7 @@ void AddSet(const Size& size) {
              .restore = WriteUsualFile});
 }
 
-// The kernel counts pages in batches, so one run is as good as a guess.
+// The kernel counts pages in batches, so a single run is not exact.
 double MedianPeak(const char* what) {
     std::vector<double> peaks;
     for (int i = 0; i < 15; ++i) {
@@ -97,7 +97,7 @@ double MedianPeak(const char* what) {
     return Median(peaks);
 }
 
-// The peak of a program that makes one call, in KB, beyond that of one with a file of usual size.
+// Returns the peak memory of a program that makes one call, in KB, minus that with a small file.
 void AddPeak(const char* what, const Size& size) {
     const auto more_memory = [what, size] {
         WriteUsualFile();

@@ -1,4 +1,4 @@
-// loading.cpp - dlopen(3) and the first get in a C++ program, against a library of one function.
+// loading.cpp - compares dlopen(3) and the first get with those of a library of one function.
 #include "bench/comparison.h"
 #include "bench/groups.h"
 #include "bench/process.h"

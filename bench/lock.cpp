@@ -1,4 +1,4 @@
-// lock.cpp - taking the lock and giving it back against open, flock and close.
+// lock.cpp - compares taking and releasing the lock with open, flock and close.
 #include "bench/comparison.h"
 #include "bench/floor.h"
 #include "bench/groups.h"

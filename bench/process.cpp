@@ -1,4 +1,4 @@
-// process.cpp - programs run as a user runs them.
+// process.cpp - runs programs in the way a user does.
 #include "bench/process.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// process.h - programs run as a user runs them.
+// process.h - runs programs in the way a user does.
 #ifndef BENCH_PROCESS_H_
 #define BENCH_PROCESS_H_
 
@@ -10,14 +10,14 @@ namespace bench {
 
 using Arguments = std::vector<std::string>;
 
-// A call that runs a program, found as a shell finds it, and waits for it. What it prints is thrown
-// away; another exit status than 0 ends this program.
+// Returns a call that runs a program, found in the search path, and waits for it. Its output is
+// discarded. An exit status other than 0 ends this program.
 std::function<void()> Process(const Arguments& arguments);
 
 // Runs a program and returns the number that it prints.
 double NumberFrom(const Arguments& arguments);
 
-// A program of the build folder.
+// Returns the path of a program in the build folder.
 std::string Built(const std::string& name);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// processes.cpp - velkctl against other programs, from start to end.
+// processes.cpp - compares whole runs of velkctl with those of other programs.
 #include "bench/comparison.h"
 #include "bench/groups.h"
 #include "bench/process.h"

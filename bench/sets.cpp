@@ -1,4 +1,5 @@
-// sets.cpp - each kind of set against copying the same bytes and running the very same shell lines.
+// sets.cpp - compares each kind of set with copying the same bytes and running the same shell
+// lines.
 #include <functional>
 #include <string>
 #include <vector>
@@ -27,7 +28,7 @@ struct FileSet {
     const char* interface;
     std::string data;
     std::vector<std::string> edited;
-    std::vector<std::string> lines;  // run behind the edits
+    std::vector<std::string> lines;  // run after the edits
 };
 
 const std::vector<FileSet>& FileSets() {
@@ -73,14 +74,13 @@ void AddFileSet(const FileSet& set) {
             RunLine(line);
         }
     };
-    Compare(
-        {.name = std::string("set/") + set.name,
-         .ours = Timed(Set(set.id, set.interface, set.data)),
-         .other = Timed(by_hand),
-         .samples = set.lines.empty() ? kSamples : kSamples / 5});  // those lines take their time
+    Compare({.name = std::string("set/") + set.name,
+             .ours = Timed(Set(set.id, set.interface, set.data)),
+             .other = Timed(by_hand),
+             .samples = set.lines.empty() ? kSamples : kSamples / 5});  // those lines are slow
 }
 
-// Without a shell line: what is left is the lock, a log line and writing in place.
+// A set without a shell line: the lock, a log line and a write in place.
 void AddDnsSet() {
     std::string slots = "192.168.0.1";
     slots.resize(16);
@@ -95,7 +95,7 @@ void AddDnsSet() {
              .other = Timed(by_hand, 50)});
 }
 
-// A program that holds 256 MB: starting a shell from it must not cost a copy of its page tables.
+// A program with 256 MB: starting a shell from it must not copy its page tables.
 void AddLargeHost() {
     constexpr size_t kSize = size_t{256} << 20;
     const Measured set = Timed(Set(VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10"));

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# installed_test.sh BUILD FOLDER COMPILER - what is installed by which part, into FOLDER, and that
-# programs build and run with what is installed alone.
+# installed_test.sh BUILD FOLDER COMPILER - checks the installed files of each component, and that
+# programs build and run with only the installed files. Installs into FOLDER.
 set -u
 build=$1 root=$2 compiler=$3
 here=$(cd "$(dirname "$0")" && pwd)
@@ -9,23 +9,23 @@ here=$(cd "$(dirname "$0")" && pwd)
 
 install_part() { cmake --install "$build" --prefix "$root/$1" --component "$1" >/dev/null || exit 1; }
 
-# The names of the files that a part installs, but those of the sandbox's devices.
+# Prints the names of the files that a component installs, without the files of simulated devices.
 files_of() {
     install_part "$1"
     find "$root/$1" -path '*/velk-sandbox/*' -prune -o ! -type d -printf '%f\n' | LC_ALL=C sort
 }
 
 rm -rf "$root"
-check 'what the library is' "$(printf '%s\n' libvelk.so.1 velk.conf)" "$(files_of library)"
-check 'what development needs' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
+check 'files of the library' "$(printf '%s\n' libvelk.so.1 velk.conf)" "$(files_of library)"
+check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
     libvelk.3 libvelk.so ntp.h velk.h velk.pc webup.h wired.h wlan.h)" "$(files_of development)"
-check 'what the tools are' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
+check 'files of the tools' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
     velkctl.schema.json)" "$(files_of tools)"
-check 'what the sandbox is' "$(printf '%s\n' velk-sandbox velk-sandbox.1 wland)" "$(files_of sandbox)"
+check 'files of the sandbox' "$(printf '%s\n' velk-sandbox velk-sandbox.1 wland)" "$(files_of sandbox)"
 mkdir -p "$root/Unspecified"
-check 'what belongs to no part' '' "$(files_of Unspecified)"
+check 'files of no component' '' "$(files_of Unspecified)"
 
-# The parts together, elsewhere than configured.
+# All components together, in another folder than the configured one.
 moved=$root/moved
 cmake --install "$build" --prefix "$moved" >/dev/null || exit 1
 library=$(find "$moved" -name libvelk.so.1)
@@ -34,7 +34,7 @@ export PKG_CONFIG_PATH
 # shellcheck disable=SC2162 # pkg-config writes a backslash before a blank of the path
 read -a flags < <(pkg-config --cflags --libs velk)
 
-# shellcheck disable=SC2016 # the marks of an example, not commands
+# shellcheck disable=SC2016 # backquotes that mark an example
 sed -n '/^```c$/,/^```$/ { /^```/ !p }' "$here/../../README.md" >"$root/readme.c"
 cp "$here/c99_client.c" "$root"
 for program in c99_client readme; do

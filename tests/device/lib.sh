@@ -88,10 +88,11 @@ skip() {
     exit 77
 }
 
-# Checks that `ls /dev`, run before, listed only the private entries of a device, and ENTRY...
-output_is_private_dev() { # output_is_private_dev [ENTRY...]
+# Checks that /dev of a device made with OPTION has only the entries of every device, and ENTRY.
+dev_is_private() { # dev_is_private OPTION ENTRY
+    run velk-sandbox --quiet ${1:+"$1"} -- ls /dev
     output_is "$(printf '%s\n' fd full net null ptmx pts random shm stderr stdin stdout tty urandom \
-        zero "$@" | sort)"
+        zero ${2:+"$2"} | sort)"
 }
 
 # Skips the whole file, with the reason, if the kernel refuses private namespaces.

@@ -74,8 +74,7 @@ status_is 0
 error_is ''
 
 it 'has private device nodes only: no disk of the machine'
-on_real_device 'ls /dev'
-output_is_private_dev log
+dev_is_private --real log
 
 it 'limits the size of all changes'
 on_real_device 'echo $(($(stat -f -c "%b * %S" /))) $(($(stat -f -c "%b * %S" /tmp))) $(stat -f -c %c /)'
