@@ -7,7 +7,7 @@
 namespace bench {
 
 // Ends the program if a call of Augeas failed.
-void Require(bool done, const char* what);
+void Require(bool done, const char* step);
 
 // Loads only this file: loading all files that Augeas supports takes seconds.
 augeas* LoadTree();

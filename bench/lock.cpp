@@ -2,13 +2,14 @@
 #include "bench/comparison.h"
 #include "bench/floor.h"
 #include "bench/groups.h"
+#include "lib/base/paths.h"
 #include "velk.h"
 
 namespace bench {
 
 void AddLock() {
     const auto ours = [] { VkLibUnLock(VkLibLock()); };
-    const auto by_hand = [] { LockByHand("/var/tmp/vklib_lock"); };
+    const auto by_hand = [] { LockByHand(velk::kLockFile); };
     Compare({.name = "lock", .ours = Timed(ours, 50), .other = Timed(by_hand, 50)});
 }
 

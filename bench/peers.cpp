@@ -45,8 +45,7 @@ void AddPeers() {
 
     const Measured set = Timed(Set(VELK_CMD_GATEWAY, "eth0", "192.168.0.1"));
     Compare({.name = "peer/set/cold", .ours = set, .other = Timed(ColdSet), .samples = 30});
-    // Augeas reads a file again after another program changed it, so the library is not called
-    // here.
+    // The library changes the file between the samples of Augeas, which reads a changed file again.
     Compare({.name = "peer/set/open_handle",
              .ours = set,
              .other = Timed([] { SetIn(OpenTree()); }),

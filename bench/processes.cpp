@@ -2,6 +2,7 @@
 #include "bench/comparison.h"
 #include "bench/groups.h"
 #include "bench/process.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
@@ -31,7 +32,7 @@ void AddProcesses() {
         {Built("velk_bench_empty")});
     Add("process/get_and_augeas", get, {Built("velk_bench_augeas")});
     Add("process/get_and_ifquery", get, {"ifquery", "eth0"});
-    Add("process/get_and_awk", get, {"awk", kAwkProgram, "/etc/network/interfaces"});
+    Add("process/get_and_awk", get, {"awk", kAwkProgram, velk::kInterfacesFile});
     Add("process/set_and_bare_program",
         {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"},
         {Built("velk_bench_peak"), "set"});

@@ -11,16 +11,12 @@
 #include "bench/floor.h"
 #include "bench/groups.h"
 #include "bench/request.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
 
 constexpr int kSamples = 50;
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
-constexpr char kCrontab[] = "/var/cron/tabs/root";
 
 struct FileSet {
     const char* name;
@@ -34,31 +30,36 @@ struct FileSet {
 const std::vector<FileSet>& FileSets() {
     static const std::string on(1, VELK_ON);
     static const std::vector<FileSet> sets = {
-        {"address", VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10", {kInterfaces}, {}},
-        {"gateway", VELK_CMD_GATEWAY, "eth0", "192.168.0.1", {kInterfaces}, {}},
+        {"address", VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10", {velk::kInterfacesFile}, {}},
+        {"gateway", VELK_CMD_GATEWAY, "eth0", "192.168.0.1", {velk::kInterfacesFile}, {}},
         {"method",
          VELK_CMD_IP_METHOD,
          "eth0",
          {VELK_METHOD_STATIC},
-         {kInterfaces, kDhcpConfig},
+         {velk::kInterfacesFile, velk::kDhcpConfigFile},
          {}},
-        {"link_local", VELK_CMD_APIPA, "eth0", on, {kExitHooks}, {}},
-        {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", on, {kDhcpConfig, "/sbin/dhclient-script"}, {}},
-        {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", on, {kDhcpConfig, kExitHooks}, {}},
-        {"dhcp_notice", VELK_CMD_DHCP_NOTICE, "eth0", on, {kExitHooks, kExitHooks}, {}},
+        {"link_local", VELK_CMD_APIPA, "eth0", on, {velk::kExitHooks}, {}},
+        {"dhcp_dns",
+         VELK_CMD_DHCP_DNS,
+         "eth1",
+         on,
+         {velk::kDhcpConfigFile, velk::kClientScript},
+         {}},
+        {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", on, {velk::kDhcpConfigFile, velk::kExitHooks}, {}},
+        {"dhcp_notice", VELK_CMD_DHCP_NOTICE, "eth0", on, {velk::kExitHooks, velk::kExitHooks}, {}},
         {"web_update",
          VELK_CMD_WEB_UPDATE,
          "",
          {VELK_SCHEDULE_DAILY, 0, '0', '8', ':', '3', '0'},
-         {kCrontab},
+         {velk::kCrontab},
          {}},
-        {"ntp", VELK_CMD_NTP, "", on, {kCrontab}, {}},
-        {"ntp_server", VELK_CMD_NTP_SERVER, "", "192.168.0.1", {kCrontab}, {}},
+        {"ntp", VELK_CMD_NTP, "", on, {velk::kCrontab}, {}},
+        {"ntp_server", VELK_CMD_NTP_SERVER, "", "192.168.0.1", {velk::kCrontab}, {}},
         {"administrator",
          VELK_CMD_ADMINISTRATOR,
          "",
          "Robin",
-         {"/var/libvelk/libvelk"},
+         {velk::kIdentityFile},
          {"sudo sed -i 's/syscontact.*/syscontact Robin/' /usr/local/share/etc/snmp/snmpd.conf",
           "sudo /etc/init.d/snmpd restart > /dev/null 2>&1 || :"}},
     };
@@ -86,9 +87,9 @@ void AddDnsSet() {
     slots.resize(16);
     slots += "192.168.0.2";
     const auto by_hand = [] {
-        LockByHand("/var/tmp/vklib_lock");
+        LockByHand(velk::kLockFile);
         syslog(LOG_NOTICE, "VkLibLock indelible");
-        WriteByHand("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver 192.168.0.2\n");
+        WriteByHand(velk::kResolverFile, "nameserver 192.168.0.1\nnameserver 192.168.0.2\n");
     };
     Compare({.name = "set/dns",
              .ours = Timed(Set(VELK_CMD_DNS, "eth0", slots), 50),

@@ -13,6 +13,7 @@
 #include "bench/floor.h"
 #include "bench/groups.h"
 #include "bench/request.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
@@ -24,8 +25,7 @@ struct Names {
     const char* reply;
     const char* semaphore;  // posted once the reply socket exists; null: it always exists
 };
-constexpr Names kLibrary = {"/tmp/WlanAplToWlanSock", "/tmp/WlanAplFromWlanSock",
-                            "/WlanAplRecvSem"};
+constexpr Names kLibrary = {velk::kRequestSocket, velk::kReplySocket, velk::kSemaphoreName};
 constexpr Names kByHand = {"/tmp/to", "/tmp/from", nullptr};
 constexpr Names kByHandTold = {"/tmp/to-told", "/tmp/from-told", "/Told"};
 
