@@ -1,8 +1,9 @@
 // time_limits.cpp - how long a user wants to wait.
 #include "velkctl/call/time_limits.h"
 
-#include <charconv>
 #include <string>
+
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
@@ -15,9 +16,8 @@ bool TakeSeconds(const char* option, const std::optional<std::string>& word,
     if (!word) {
         return true;
     }
-    const char* end = word->data() + word->size();
-    const auto [stop, error] = std::from_chars(word->data(), end, seconds);
-    if (error == std::errc() && stop == end && seconds >= 1 && seconds <= kLongest) {
+    if (const std::optional<int> number = ParseNumber(*word, 1, kLongest)) {
+        seconds = *number;
         return true;
     }
     report.Refuse(std::string(option) + ": " + invocation.Shown(*word) +

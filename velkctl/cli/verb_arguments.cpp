@@ -9,16 +9,11 @@
 #include "velkctl/cli/help.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
-
-template <typename Row>
-const Row* Find(std::span<const Row> rows, std::string_view name) {
-    const auto row = std::ranges::find(rows, name, &Row::name);
-    return row == rows.end() ? nullptr : &*row;
-}
 
 using Flag = bool Invocation::*;
 
@@ -26,7 +21,7 @@ Flag FindFlag(const Verb& verb, std::string_view name) {
     if (name == "--help" || name == "-h") {
         return &Invocation::help;
     }
-    const VerbFlag* row = Find(verb.flags, name);
+    const VerbFlag* row = FindRow(verb.flags, name, &VerbFlag::name);
     return row == nullptr ? nullptr : row->target;
 }
 
@@ -81,11 +76,10 @@ bool TakesNumber(const Verb& verb, const Words& words_before) {
 // that is misspelt.
 bool MayHoldSecret(const Verb& verb, const Words& words) {
     const auto first = std::ranges::find_if_not(words, LooksLikeOption);
-    if (verb.run == RunSet && first != words.end() && !FindSetting(Catalogue(), *first)) {
+    if (verb.run == RunSet && first != words.end() && !FindSetting(*first)) {
         return true;
     }
-    return std::ranges::any_of(
-        words, [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
 }
 
 std::string TakesNoValue(std::string_view flag) {
@@ -145,7 +139,7 @@ Arguments ReadArguments(const Verb& verb, Words given) {
         if (const Flag flag = FindFlag(verb, name)) {
             read.invocation.*flag = true;
             read.problem = is_wrong ? TakesNoValue(name) : "";
-        } else if (const VerbOption* option = Find(verb.options, name)) {
+        } else if (const VerbOption* option = FindRow(verb.options, name, &VerbOption::name)) {
             read.problem =
                 is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
         } else {
@@ -186,7 +180,8 @@ std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be
 }
 
 bool HasOption(const Verb& verb, std::string_view name) {
-    return Find(verb.options, name) != nullptr || Find(verb.flags, name) != nullptr;
+    return FindRow(verb.options, name, &VerbOption::name) != nullptr ||
+           FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
 }
 
 std::string_view WithoutValue(std::string_view argument) {

@@ -149,8 +149,8 @@ constexpr std::array<Verb, 9> kVerbs{{
      RunExplain},
     {"doctor",
      "[--json]",
-     "look for what the library will not be able to do, and say how to mend it",
-     "Changes nothing. The exit status is 0 when all is well, else 1.\n"
+     "find problems that keep the library from working, with their fixes",
+     "Changes nothing. The exit status is 0 without problems, else 1.\n"
      "\n"
      "Example:\n"
      "  velkctl doctor",

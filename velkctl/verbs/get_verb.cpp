@@ -16,9 +16,9 @@ namespace {
 
 // A setting that may be read; complains when there is none.
 std::optional<Setting> FindReadable(const std::string& name, bool may_be_key, Report& report) {
-    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    const std::optional<Setting> setting = FindSetting(name);
     if (!setting) {
-        report.Complain("get: " + UnknownSetting(Catalogue(), name, may_be_key));
+        report.Complain("get: " + UnknownSetting(name, may_be_key));
         return std::nullopt;
     }
     if (!setting->can_get()) {

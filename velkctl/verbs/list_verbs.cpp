@@ -8,6 +8,7 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -35,8 +36,8 @@ Json InJson(const Setting& setting) {
 
 // The settings that a full name, a name without its interface or an id stands for.
 std::vector<Setting> FindAll(std::string_view word) {
-    std::vector<Setting> settings = SettingsOf(Catalogue());
-    const std::optional<uint32_t> id = ParseId(word);
+    std::vector<Setting> settings = Settings();
+    const std::optional<uint32_t> id = ParseNumber<uint32_t>(word);
     std::erase_if(settings, [&](const Setting& setting) {
         return setting.name() != word && setting.row->name != word && setting.row->id != id;
     });
@@ -96,7 +97,7 @@ std::string InWords(const Setting& setting) {
 }  // namespace
 
 ExitStatus RunList(const Invocation& invocation, Report& report) {
-    std::vector<Setting> settings = SettingsOf(Catalogue());
+    std::vector<Setting> settings = Settings();
     if (!invocation.words.empty()) {
         const std::string& interface = invocation.words.front();
         if (interface != VELK_WIRED_INTERFACE && interface != VELK_WIRELESS_INTERFACE) {
@@ -123,7 +124,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
     const std::vector<Setting> settings = FindAll(word);
     if (settings.empty()) {
-        return report.Refuse("describe: " + UnknownSetting(Catalogue(), word));
+        return report.Refuse("describe: " + UnknownSetting(word));
     }
     Json described = Json::array();
     for (const Setting& setting : settings) {

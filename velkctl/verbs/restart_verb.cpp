@@ -23,9 +23,8 @@ constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
 // Why the interface was not restarted although the library says so, who does not learn whether the
 // tools did what it had them do; empty when nothing speaks against it.
 std::string WhyNotRestarted(const Answer& answer) {
-    const Findings obstacles = RestartObstacles();
-    if (CountOf(obstacles, Severity::kProblem) > 0) {
-        return "; likely cause: " + CauseInWords(obstacles.front());
+    if (const Findings missing = CheckRestartTools(); !missing.empty()) {
+        return LikelyCauseText(missing);
     }
     const bool has_failed = std::ranges::any_of(
         answer.said, [](const std::string& line) { return line.starts_with(kIfupFailed); });

@@ -100,7 +100,7 @@ it 'says that a gateway did not get into the last stanza of the file, and why'
 script 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
 status_is 6
 output_is ''
-error_is 'velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'; likely cause: /etc/network/interfaces:13: the stanza is the last one and has no gateway line; mend: add a line "gateway 192.168.0.1" to it'
+error_is 'velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'; likely cause: /etc/network/interfaces:13: the stanza is the last one and has no gateway line; fix: add a line "gateway 192.168.0.1" to it'
 
 it 'says that an address cannot be checked behind a lease'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&

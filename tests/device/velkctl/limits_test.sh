@@ -35,14 +35,14 @@ output_is "1 velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the
 
 # ---- a file that may not be written -------------------------------------------------------------
 
-it 'says that a value is not held where its file is mounted read-only, and how to mend that'
+it 'says that a value is not held where its file is mounted read-only, and its fix'
 script 'cp /etc/network/interfaces /run/before
     mount --bind /etc/network/interfaces /etc/network/interfaces
     mount -o remount,bind,ro /etc/network/interfaces
     velkctl set eth0.gateway 192.168.0.9 2>/run/said; echo $?; grep velkctl: /run/said | tail -n 1
     cmp /etc/network/interfaces /run/before && echo "as before"; ls /var/tmp'
 output_is "6
-velkctl: eth0.gateway: the library reported success, but the device holds '192.168.0.1'; likely cause: /etc/network/interfaces: this user may not write the file: Read-only file system; mend: mount it writable
+velkctl: eth0.gateway: the library reported success, but the device holds '192.168.0.1'; likely cause: /etc/network/interfaces: this user may not write the file: Read-only file system; fix: mount it writable
 as before
 vklib_lock"
 

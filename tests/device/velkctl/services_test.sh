@@ -94,7 +94,7 @@ syscontact Alice
 syslocation Room 5"
 error_is "velkctl: administrator: the text holds 'syslocation', from which on a set of location would replace it in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force
 velkctl: location: the text holds 'syscontact', from which on a set of administrator would replace it in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force
-velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf; mend: velkctl set administrator TEXT first, without that word, or give --force"
+velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set administrator TEXT first, without that word, or give --force"
 
 # ---- time -------------------------------------------------------------------------------------
 it 'switches time synchronisation off and on, and forgets the old result with it'
@@ -152,21 +152,21 @@ output_is "2
 2
 0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
 problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' stands in front of the server, too, and is replaced there
-  mend: write the server's address in its place with an editor, or a name that does not stand further in front on the line"
-present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs; mend: write another server into that line with an editor, or give --force"
+  fix: write the server's address in its place with an editor, or a name that does not stand further in front on the line"
+present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs; fix: write another server into that line with an editor, or give --force"
 error_is "$present
 $present"
 
 it 'says that a crontab without an entry takes no server, and why'
 script 'sed -i /ntpdate/d /var/cron/tabs/root; velkctl set ntp-server time.example'
 status_is 6
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: /var/cron/tabs/root: no entry runs ntpdate; mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
+error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: /var/cron/tabs/root: no entry runs ntpdate; fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 
 it 'says that an entry without server or redirection cannot be changed, and leaves the crontab'
 script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root
     velkctl set ntp-server time.example; status=$?; cat /var/cron/tabs/root; exit $status'
 status_is 1
-error_is "velkctl: ntp-server: could not be set (LIB_VELK_FAILURE, -1); likely cause: /var/cron/tabs/root:1: it has neither a server nor a '>' to put one before; mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
+error_is "velkctl: ntp-server: could not be set (LIB_VELK_FAILURE, -1); likely cause: /var/cron/tabs/root:1: it has neither a server nor a '>' to put one before; fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 output_is '0 * * * * /usr/bin/ntpdate -u'
 
 # ---- DHCP options -----------------------------------------------------------------------------
@@ -199,7 +199,7 @@ on'
 it 'says that nothing is asked for an interface whose block is switched off'
 script 'velkctl set eth0.dhcp-dns on'
 status_is 6
-error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'; likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts; mend: velkctl set eth0.method dhcp, when DHCP is wanted"
+error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'; likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts; fix: velkctl set eth0.method dhcp, when DHCP is wanted"
 
 # ---- web update -------------------------------------------------------------------------------
 it 'shows when the web contents are updated'

@@ -37,7 +37,7 @@ it 'says why a set failed'
 script 'rm -f /var/cron/tabs/root /var/tmp/vklib_lock
     with_stuck_log timeout -k 60 60 velkctl set ntp on --timeout 30'
 status_is 1
-error_is "velkctl: ntp: could not be set (LIB_VELK_FAILURE, -1); likely cause: /var/cron/tabs/root: the file is missing; mend: put the device's own file there"
+error_is "velkctl: ntp: could not be set (LIB_VELK_FAILURE, -1); likely cause: /var/cron/tabs/root: the file is missing; fix: put the device's own file there"
 
 it 'says why a value is not held'
 script 'velkctl set web-update daily 08:30; rm /var/tmp/vklib_lock; file=/var/cron/tabs/root
@@ -45,7 +45,7 @@ script 'velkctl set web-update daily 08:30; rm /var/tmp/vklib_lock; file=/var/cr
     with_stuck_log timeout -k 60 60 velkctl set web-update daily 09:30 --timeout 30 2>/run/said
     status=$?; tail -n 1 /run/said; exit $status'
 status_is 6
-output_is "velkctl: web-update: the library reported success, but the device holds 'daily 08:30'; likely cause: /var/cron/tabs/root: this user may not write the file: Read-only file system; mend: mount it writable"
+output_is "velkctl: web-update: the library reported success, but the device holds 'daily 08:30'; likely cause: /var/cron/tabs/root: this user may not write the file: Read-only file system; fix: mount it writable"
 
 it 'examines the device as ever'
 script 'rm -f /var/cron/tabs/root; velkctl doctor >/run/expected

@@ -112,14 +112,14 @@ it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
+error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; fix: put the device's own file there"
 
 it 'says of each setting that it could not be read'
 without_resolver velkctl get eth0.dns eth1.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there
-velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
+error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; fix: put the device's own file there
+velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; fix: put the device's own file there"
 
 it 'reads no setting when one of the names is wrong'
 refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
@@ -188,7 +188,7 @@ it 'says that a setting could not be set'
 without_resolver sh -c 'mkdir /etc/resolv.dnsmasq.conf && velkctl set eth0.dns 1.1.1.1'
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there; mend: put the device's own file in its place"
+error_is "velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there; fix: put the device's own file in its place"
 
 it 'changes nothing while another program holds the lock'
 with_resolver 'nameserver 9.9.9.9\n' flock -x /var/tmp/vklib_lock velkctl set eth0.dns 1.1.1.1
@@ -610,11 +610,11 @@ it 'fails without a wireless daemon'
 for name in $configuration eth1.rate; do
     with_ports "$no_link" "$adapter" velkctl get "$name"
     status_is 1
-    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; fix: start the wireless daemon"
 done
 with_ports "$no_link" "$adapter" velkctl set eth1.channel 6
 status_is 1
-error_is "velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; fix: start the wireless daemon"
 
 it 'refuses values that a wireless setting does not have'
 refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
@@ -674,7 +674,7 @@ done
 it 'reads a key from standard input'
 with_ports "$no_link" "$adapter" sh -c 'echo hunter22 | velkctl set eth1.psk -'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; fix: start the wireless daemon"
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
 error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
@@ -693,7 +693,7 @@ it 'reads a key from a file'
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter22 >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; fix: start the wireless daemon"
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2
@@ -776,7 +776,7 @@ output_has '
   list      name all settings, or those of an interface, and say what can be done with them
   describe  say what a setting is
   explain   say what a result of the library or an exit status means and what to do about it
-  doctor    look for what the library will not be able to do, and say how to mend it
+  doctor    find problems that keep the library from working, with their fixes
   call      run a command of the library as it stands
   help      show help for velkctl, or for the verb behind it
 '

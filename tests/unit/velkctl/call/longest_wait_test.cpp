@@ -69,7 +69,7 @@ TEST(LongestCall, ToolsOfTheirOwnSpeedAreNamed) {
 }
 
 TEST(LongestGet, IsThatOfReadingTheSetting) {
-    const auto setting = velkctl::FindSetting(velkctl::Catalogue(), "eth1.ssid");
+    const auto setting = velkctl::FindSetting("eth1.ssid");
     EXPECT_EQ(velkctl::LongestGet(*setting).seconds, 60);
 }
 

@@ -22,7 +22,7 @@ constexpr char kCopy[] = "/var/tmp/root";
 
 class EditCopyCheck : public testkit::DeviceTest {
   protected:
-    static std::string Said() { return FindingsInWords(velkctl::CheckEditCopies()); }
+    static std::string Said() { return FormatFindings(velkctl::CheckEditCopies()); }
     static void WriteCopy(const std::string& path, const std::string& text) {
         WriteFile(path, text);
         ASSERT_EQ(chmod(path.c_str(), 0600), 0);
@@ -40,8 +40,8 @@ TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
 }
 
 TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
-    constexpr char kMend[] =
-        "  mend: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
+    constexpr char kFix[] =
+        "  fix: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
         "copy is right, copy its text into the file by hand, as root\n";
     const std::string found =
         "problem: ntp, ntp-server and web-update may be lost: /var/cron/tabs/root: the file seems "
@@ -54,41 +54,42 @@ TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
         EXPECT_EQ(Said(), found +
                               "which the next set replaces; the copy would add '0 * * * * "
                               "true', '\\x1b[1m'\n" +
-                              kMend);
+                              kFix);
     }
     WriteOld(kCopy, "0 * * * * true\n0 *");
     WriteFile(kCrontab, "");
     EXPECT_EQ(Said(), found +
                           "which may lack its end, too, and which the next set replaces; the "
                           "copy would add '0 * * * * true', '0 *'\n" +
-                          kMend);
+                          kFix);
 }
 
 TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
     WriteFile("/etc/network/interfaces", "");
     WriteOld("/var/tmp/interfaces", "iface eth0 inet static\n");
-    const auto setting = FindSetting(velkctl::Catalogue(), "eth0.method").value();
-    const velkctl::Findings causes = velkctl::CausesOf(setting);
+    const auto setting = velkctl::FindSetting("eth0.method").value();
+    const velkctl::Findings causes = velkctl::LikelyCauses(setting);
     ASSERT_FALSE(causes.empty());
-    EXPECT_EQ(CauseInWords(causes.front()),
-              "/etc/network/interfaces: the file seems to have been cut while being copied; the "
+    EXPECT_EQ(LikelyCauseText(causes),
+              "; likely cause: /etc/network/interfaces: the file seems to have been cut while "
+              "being copied; the "
               "rest is in its edit copy /var/tmp/interfaces, 2 days old, which the next set "
-              "replaces; the copy would add 'iface eth0 inet static'; mend: compare both files, as "
+              "replaces; the copy would add 'iface eth0 inet static'; fix: compare both files, as "
               "with 'diff /etc/network/interfaces /var/tmp/interfaces', and if the copy is right, "
               "copy its text into the file by hand, as root");
 }
 
 TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
     WriteFile(kCrontab, "0 * * * * true\n5 * * * * true\n");
-    constexpr char kMend[] = "; the next set replaces it\n  mend: rm /var/tmp/root\n";
+    constexpr char kFix[] = "; the next set replaces it\n  fix: rm /var/tmp/root\n";
     const std::string left =
         "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an edit "
         "copy was left behind, 2 days old, ";
     WriteOld(kCopy, "");
-    EXPECT_EQ(Said(), left + "empty" + kMend);
+    EXPECT_EQ(Said(), left + "empty" + kFix);
     for (const char* part : {"0 * * * * true\n", "0 * * * * false\n5 *"}) {
         WriteOld(kCopy, part);
-        EXPECT_EQ(Said(), left + "that may not be whole" + kMend) << part;
+        EXPECT_EQ(Said(), left + "that may not be whole" + kFix) << part;
     }
 }
 
@@ -100,7 +101,7 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
               "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
               "edit copy was left behind, 2 days old, that differs from the file; the next set "
               "replaces it; the copy would add '5 * * * * true'\n"
-              "  mend: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
+              "  fix: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
               "to finish it, compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', "
               "and if the copy is right, copy its text into the file by hand, as root\n");
 }
@@ -109,7 +110,7 @@ TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
     WriteFile(kCrontab, std::string(1024 * 1024, 'a') + "\n");
     WriteOld(kCopy, "a\n");
     EXPECT_THAT(Said(), HasSubstr("2 days old, that cannot be compared with the file; the next "
-                                  "set replaces it\n  mend: to discard the edit: rm "
+                                  "set replaces it\n  fix: to discard the edit: rm "
                                   "/var/tmp/root; to finish it, compare both files, as with "));
 }
 
@@ -119,7 +120,7 @@ TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: an edit "
               "copy was left behind, 2 days old, the same as the file; the next set replaces it\n"
-              "  mend: rm /var/tmp/root\n");
+              "  fix: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
@@ -129,7 +130,7 @@ TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
     EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now: "
                                      "/var/tmp/root: an edit may be under way: the lock is held by "
                                      "process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
-                                     "  mend: none while that one is at work\n"));
+                                     "  fix: none while that one is at work\n"));
     VkLibUnLock(lock);
     EXPECT_THAT(Said(), HasSubstr("problem: "));
 }
@@ -144,7 +145,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
               "user 1234 with mode 600, not made by the library, stands where the edit copy is "
               "made; the next set replaces it\n"
-              "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+              "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
@@ -157,7 +158,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
                   std::to_string(geteuid()) +
                   " with mode 600 and another name, not made by the library, stands where the edit "
                   "copy is made; the next set replaces it\n"
-                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+                  "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
@@ -172,7 +173,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
                   std::to_string(geteuid()) +
                   " with mode 640, not made by the library, stands where the edit copy is made; "
                   "the next set replaces it\n"
-                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+                  "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
@@ -186,7 +187,7 @@ TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
             std::to_string(geteuid()) +
             " with mode 644, perhaps the edit copy of a program whose real and effective "
             "user differ, has more than /var/cron/tabs/root; the next set replaces it\n"
-            "  mend: it may be the only whole text; look at it before you remove it: (flock 9 "
+            "  fix: it may be the only whole text; look at it before you remove it: (flock 9 "
             "&& rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
 }
 
@@ -194,7 +195,7 @@ TEST_F(EditCopyCheck, OffersToDiscardAFileOfMode644WhereTheFileIsWhole) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
-    EXPECT_THAT(Said(), HasSubstr("\n  mend: look at it, use nothing of it, and remove it: rm "
+    EXPECT_THAT(Said(), HasSubstr("\n  fix: look at it, use nothing of it, and remove it: rm "
                                   "/var/tmp/root\n"));
 }
 
@@ -204,10 +205,10 @@ TEST_F(EditCopyCheck, FindsWhatASetReplaces) {
     EXPECT_EQ(Said(),
               "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
               "FIFO stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient.conf\n"
+              "  fix: rm /var/tmp/dhclient.conf\n"
               "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
               "stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient-script\n");
+              "  fix: rm /var/tmp/dhclient-script\n");
 }
 
 TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
@@ -215,7 +216,7 @@ TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
     EXPECT_EQ(Said(),
               "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
               "stands where the edit copy is made\n"
-              "  mend: rm -r /var/tmp/libvelk\n");
+              "  fix: rm -r /var/tmp/libvelk\n");
     ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
 }
 
