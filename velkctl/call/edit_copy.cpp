@@ -141,9 +141,7 @@ std::vector<EditCopy> FindEditCopies(const Command& command) {
     if (command.type != VELK_SET) {
         return {};
     }
-    return FindCopies([&](const DeviceFile& file) {
-        return std::ranges::find(file.changed_by, command.id) != file.changed_by.end();
-    });
+    return FindCopies([&](const DeviceFile& file) { return IsChangedBy(file, command.id); });
 }
 
 std::string AdditionsOf(const EditCopy& copy) {

@@ -9,8 +9,8 @@
 #include <sys/stat.h>
 
 #include "velkctl/call/command.h"
-#include "velkctl/files/device_files.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 

@@ -4,11 +4,9 @@
 
 #include <string>
 
-namespace velkctl {
+#include "velkctl/files/tool_run.h"
 
-// The folders in which velkctl and its tools look for programs. sudo uses the same ones.
-inline constexpr char kToolFolders[] =
-    "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+namespace velkctl {
 
 // True if the locale of the environment has UTF-8 for its characters. Call it before
 // FixEnvironment().

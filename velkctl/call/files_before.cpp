@@ -1,8 +1,6 @@
 // files_before.cpp - the contents of a setting's files before a set.
 #include "velkctl/call/files_before.h"
 
-#include <algorithm>
-
 #include "velkctl/call/edit_copy.h"
 
 namespace velkctl {
@@ -41,7 +39,7 @@ std::string PlaceOfTheRest(const DeviceFile& file) {
 
 FilesBefore::FilesBefore(const Setting& setting) {
     for (const DeviceFile& file : DeviceFiles()) {
-        if (std::ranges::find(file.changed_by, setting.row->id) != file.changed_by.end()) {
+        if (IsChangedBy(file, setting.row->id)) {
             files_.push_back({&file, ReadTextFile(file.path)});
         }
     }

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/files/device_files.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 

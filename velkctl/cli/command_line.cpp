@@ -12,6 +12,7 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -44,17 +45,16 @@ ExitStatus ShowVersion(Report& report) {
 }
 
 const Verb* FindVerb(std::string_view name) {
-    const auto verb = std::ranges::find(Verbs(), name, &Verb::name);
-    return verb == Verbs().end() ? nullptr : &*verb;
+    return FindRow(Verbs(), name, &Verb::name);
 }
 
 // Returns the message about a word that is not a verb. `word` has no part after "=".
 std::string UnknownVerb(std::string_view word) {
-    if (FindSetting(Catalogue(), word)) {
+    if (FindSetting(word)) {
         return Quoted(word) + " is a setting; give a verb before it, such as get or describe";
     }
     const std::vector<std::string> names = VerbNames();
-    const std::vector<std::string> settings = NamesMeant(Catalogue(), word);
+    const std::vector<std::string> settings = NamesMeant(word);
     if (SpellingSuggestions(word, names).empty() && !settings.empty()) {
         return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
                "? Give a verb before it, such as get or describe";

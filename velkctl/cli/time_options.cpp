@@ -1,8 +1,9 @@
 // time_options.cpp - reads the values of --wait and --timeout.
 #include "velkctl/cli/time_options.h"
 
-#include <charconv>
 #include <string>
+
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
@@ -16,9 +17,8 @@ bool ReadSeconds(const char* option, const std::optional<std::string>& word,
     if (!word) {
         return true;
     }
-    const char* end = word->data() + word->size();
-    const auto [stop, error] = std::from_chars(word->data(), end, seconds);
-    if (error == std::errc() && stop == end && seconds >= 1 && seconds <= kLongest) {
+    if (const std::optional<int> number = ParseNumber(*word, 1, kLongest)) {
+        seconds = *number;
         return true;
     }
     report.Refuse(std::string(option) + ": " + invocation.Shown(*word) +

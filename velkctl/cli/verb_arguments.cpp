@@ -9,16 +9,11 @@
 #include "velkctl/cli/help.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
-
-template <typename Row>
-const Row* Find(std::span<const Row> rows, std::string_view name) {
-    const auto row = std::ranges::find(rows, name, &Row::name);
-    return row == rows.end() ? nullptr : &*row;
-}
 
 using Flag = bool Invocation::*;
 
@@ -26,7 +21,7 @@ Flag FindFlag(const Verb& verb, std::string_view name) {
     if (name == "--help" || name == "-h") {
         return &Invocation::help;
     }
-    const VerbFlag* row = Find(verb.flags, name);
+    const VerbFlag* row = FindRow(verb.flags, name, &VerbFlag::name);
     return row == nullptr ? nullptr : row->target;
 }
 
@@ -79,11 +74,10 @@ bool TakesNumber(const Verb& verb, const std::vector<std::string>& words_before)
 // True if a word may be a secret: next to the name or id of one, or after a misspelt name.
 bool MayHoldSecret(const Verb& verb, const std::vector<std::string>& words) {
     const auto first = std::ranges::find_if_not(words, LooksLikeOption);
-    if (verb.words.takes_value && first != words.end() && !FindSetting(Catalogue(), *first)) {
+    if (verb.words.takes_value && first != words.end() && !FindSetting(*first)) {
         return true;
     }
-    return std::ranges::any_of(
-        words, [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
 }
 
 std::string TakesNoValue(std::string_view flag) {
@@ -151,7 +145,7 @@ Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
         if (const Flag flag = FindFlag(verb, name)) {
             read.invocation.*flag = true;
             read.problem = is_wrong ? TakesNoValue(name) : "";
-        } else if (const VerbOption* option = Find(verb.options, name)) {
+        } else if (const VerbOption* option = FindRow(verb.options, name, &VerbOption::name)) {
             read.problem =
                 is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
         } else {
@@ -195,7 +189,8 @@ std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be
 }
 
 bool HasOption(const Verb& verb, std::string_view name) {
-    return Find(verb.options, name) != nullptr || Find(verb.flags, name) != nullptr;
+    return FindRow(verb.options, name, &VerbOption::name) != nullptr ||
+           FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
 }
 
 std::string_view WithoutValue(std::string_view argument) {

@@ -1,80 +1,113 @@
-// affected_settings.cpp - groups of settings that findings are about.
+// affected_settings.cpp - the settings that a finding is about.
 #include "velkctl/doctor/affected_settings.h"
 
 #include <algorithm>
 
-#include "velk.h"
-#include "velkctl/files/device_files.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
 
-Concerns WirelessSettingsOf(bool (*is_wanted)(const CatalogueRow& row)) {
-    Concerns concerns;
-    for (const CatalogueRow& row : Catalogue()) {
-        if (row.interfaces == kEth1 && is_wanted(row)) {
-            concerns.push_back({.id = row.id});
-        }
-    }
-    return concerns;
+template <typename Condition>
+AffectedSettings SettingsWhere(Condition condition) {
+    AffectedSettings settings = Settings();
+    std::erase_if(settings, [&](const Setting& setting) { return !condition(setting); });
+    return settings;
 }
 
-// The daemon's configuration can be set, what it reports of the adapter cannot.
-bool IsConfiguration(const CatalogueRow& row) {
-    return (row.directions & kSet) != 0;
+bool IsHeldIn(const Setting& setting, std::string_view file) {
+    const char* holder = setting.row->held_in.line.file;
+    return holder != nullptr && holder == file;
+}
+
+bool IsOfDaemon(const Setting& setting) {
+    return setting.row->held_in.holder == Holder::kDaemon;
 }
 
 }  // namespace
 
-bool Includes(const Concerns& concerns, const Setting& setting) {
-    return std::ranges::any_of(concerns, [&](const Concern& concern) {
-        return concern.id == setting.row->id &&
-               (concern.interface.empty() || concern.interface == setting.interface);
+bool Includes(const AffectedSettings& affected, const Setting& setting) {
+    return std::ranges::any_of(affected, [&](const Setting& other) {
+        return other.row->id == setting.row->id && other.interface == setting.interface;
     });
 }
 
-Concerns ConcernsOf(std::span<const uint32_t> ids, const std::string& interface) {
-    Concerns concerns;
-    for (const uint32_t id : ids) {
-        concerns.push_back({.id = id, .interface = interface});
-    }
-    return concerns;
-}
-
-std::vector<std::string> SettingNames(const Concerns& concerns) {
+std::vector<std::string> NamesOf(const AffectedSettings& affected) {
     std::vector<std::string> names;
-    for (const Setting& setting : SettingsOf(Catalogue())) {
-        if (Includes(concerns, setting)) {
-            names.push_back(setting.name());
-        }
+    for (const Setting& setting :
+         SettingsWhere([&](const Setting& known) { return Includes(affected, known); })) {
+        names.push_back(setting.name());
     }
     return names;
 }
 
-Concerns WirelessSettings() {
-    return WirelessSettingsOf([](const CatalogueRow&) { return true; });
+AffectedSettings Together(AffectedSettings all, const AffectedSettings& more) {
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
 }
 
-Concerns WirelessConfiguration() {
-    return WirelessSettingsOf(IsConfiguration);
+AffectedSettings SettingsOf(uint32_t id, std::string_view interface) {
+    return SettingsWhere([&](const Setting& setting) {
+        return setting.row->id == id && (interface.empty() || setting.interface == interface);
+    });
 }
 
-Concerns AdapterFacts() {
-    Concerns facts =
-        WirelessSettingsOf([](const CatalogueRow& row) { return !IsConfiguration(row); });
-    facts.push_back({.id = VELK_CMD_MAC_ADDRESS, .interface = VELK_WIRELESS_INTERFACE});
-    return facts;
+AffectedSettings SettingsHeldIn(std::string_view file) {
+    return SettingsWhere([&](const Setting& setting) { return IsHeldIn(setting, file); });
 }
 
-Concerns EditedSettings() {
-    Concerns concerns;
+AffectedSettings SettingsWithKey(std::string_view key) {
+    return SettingsWhere(
+        [&](const Setting& setting) { return setting.row->held_in.line.key == key; });
+}
+
+AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interface) {
+    return SettingsWhere([&](const Setting& setting) {
+        return IsHeldIn(setting, file) && setting.interface == interface;
+    });
+}
+
+AffectedSettings SettingsChanging(std::string_view file) {
+    AffectedSettings settings;
+    for (const SettingLine& line : LinesOfSettings(file)) {
+        settings.push_back(line.setting);
+    }
+    return settings;
+}
+
+AffectedSettings SettingsReadWith(std::string_view tool) {
+    return SettingsWhere([&](const Setting& setting) {
+        const std::string_view own = setting.row->held_in.tool;
+        return tool.empty() ? !own.empty() : own == tool;
+    });
+}
+
+AffectedSettings WirelessSettings() {
+    return SettingsWhere(IsOfDaemon);
+}
+
+AffectedSettings WirelessConfiguration() {
+    return SettingsWhere(
+        [](const Setting& setting) { return IsOfDaemon(setting) && setting.can_set(); });
+}
+
+// The kernel knows no hardware address of an interface without an adapter.
+AffectedSettings AdapterFacts() {
+    return SettingsWhere([](const Setting& setting) {
+        const bool is_of_kernel = setting.row->held_in.holder == Holder::kKernel;
+        return (IsOfDaemon(setting) && !setting.can_set()) ||
+               (is_of_kernel && setting.interface == VELK_WIRELESS_INTERFACE);
+    });
+}
+
+AffectedSettings EditedSettings() {
+    AffectedSettings settings;
     for (const DeviceFile& file : DeviceFiles()) {
-        const Concerns more = ConcernsOf(file.holds);
         if (file.change == Change::kByEdit) {
-            concerns.insert(concerns.end(), more.begin(), more.end());
+            settings = Together(std::move(settings), file.holds);
         }
     }
-    return concerns;
+    return settings;
 }
 
 }  // namespace velkctl

@@ -1,40 +1,48 @@
-// affected_settings.h - groups of settings that findings are about.
+// affected_settings.h - the settings that a finding is about.
 #ifndef VELKCTL_DOCTOR_AFFECTED_SETTINGS_H_
 #define VELKCTL_DOCTOR_AFFECTED_SETTINGS_H_
 
 #include <cstdint>
-#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 
-// A setting that a finding is about.
-struct Concern {
-    uint32_t id;
-    std::string interface {};  // empty: whichever it is asked for
-};
-using Concerns = std::vector<Concern>;
+using AffectedSettings = std::vector<Setting>;
 
-bool Includes(const Concerns& concerns, const Setting& setting);
+bool Includes(const AffectedSettings& affected, const Setting& setting);
 
-// The full names of the settings, in the order of the catalogue: "eth0.method".
-std::vector<std::string> SettingNames(const Concerns& concerns);
+// Returns their full names in the order of the catalogue: "eth0.method".
+std::vector<std::string> NamesOf(const AffectedSettings& affected);
 
-// The settings with these ids, on the interface or, when it is empty, on whichever.
-Concerns ConcernsOf(std::span<const uint32_t> ids, const std::string& interface = "");
+AffectedSettings Together(AffectedSettings all, const AffectedSettings& more);
 
-// What is asked of the wireless daemon.
-Concerns WirelessSettings();
-// Of these, its configuration, which it tells and keeps with or without an adapter.
-Concerns WirelessConfiguration();
-// What is refused while no adapter is attached.
-Concerns AdapterFacts();
+// Returns the setting with this id on the interface; on each of its interfaces if that is empty.
+AffectedSettings SettingsOf(uint32_t id, std::string_view interface = "");
 
-// What stands in files that are changed through an edit copy.
-Concerns EditedSettings();
+// Return the settings held in the file: all, those with this key, those of this interface.
+AffectedSettings SettingsHeldIn(std::string_view file);
+AffectedSettings SettingsWithKey(std::string_view key);
+AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interface);
+
+// Returns the settings that change the file when set.
+AffectedSettings SettingsChanging(std::string_view file);
+
+// Returns the settings that are read with the tool; with any tool if it is empty.
+AffectedSettings SettingsReadWith(std::string_view tool = "");
+
+// Returns the settings that the wireless daemon answers for.
+AffectedSettings WirelessSettings();
+// Returns those of its configuration, which it keeps with and without an adapter.
+AffectedSettings WirelessConfiguration();
+// Returns the settings that are refused while no adapter is attached.
+AffectedSettings AdapterFacts();
+
+// Returns the settings in files that are changed through an edit copy.
+AffectedSettings EditedSettings();
 
 }  // namespace velkctl
 

@@ -1,4 +1,4 @@
-// checks.h - what the doctor looks at, one subject each. None changes anything.
+// checks.h - the doctor's checks, one subject each. None changes anything.
 #ifndef VELKCTL_DOCTOR_CHECKS_H_
 #define VELKCTL_DOCTOR_CHECKS_H_
 
@@ -9,8 +9,15 @@
 
 namespace velkctl {
 
-// Whether the library's files and folders are there and may be written. The other checks of files
-// say nothing about those that cannot be read.
+// Runs every check, the wireless daemon's last.
+Findings ExamineDevice(Report& report);
+
+// Returns the findings that affect the setting. Runs only the checks that can have one, and does
+// not ask the wireless daemon.
+Findings ExamineFor(const Setting& setting);
+
+// The library's files and folders: whether they exist and can be written. The other checks of files
+// return nothing if the file cannot be read.
 Findings CheckFiles();
 Findings CheckFolders();
 
@@ -22,29 +29,31 @@ Findings CheckTimeEntry();     // ntpdate in the crontab
 Findings CheckWebUpdate();     // the updater in the crontab
 Findings CheckIdentity();      // the SNMP agent's configuration
 
+// The line that an address is read from, though nothing is wrong with it. Nothing for other
+// settings.
+Findings ValueLineOf(const Setting& setting);
+
 Findings CheckTools();
-// Those that the setting needs.
 Findings CheckToolsFor(const Setting& setting);
+// The tools without which an interface cannot be restarted. The library ignores their exit status.
+Findings CheckRestartTools();
+
 Findings CheckIfconfig();
+// Returns a finding if the library cannot read this output of ifconfig.
+Findings CheckIfconfigOutput(std::string_view output);
+
 Findings CheckEditCopies();    // in /var/tmp
 Findings CheckResultFile();    // in /var/tmp
 Findings CheckQueryRemains();  // reply socket and semaphore
 Findings CheckLock();
-// Asks the daemon, for a few seconds at most.
-Findings CheckDaemon(Report& report);
-// What there is to say, without asking it, when the daemon does not hold what it was sent. None for
-// settings that are not its own.
-Findings DaemonBehind(const Setting& setting);
-// Whether the daemon runs that the setting is asked of. It is not asked.
-Findings CheckDaemonRuns(const Setting& setting);
 Findings CheckAdapter();
 
-// What keeps a restart of an interface from its effect, which the library does not notice: the
-// tools that bring it down and up.
-Findings RestartObstacles();
-
-// Says whether what ifconfig printed can be read back: the finding when it cannot.
-Findings JudgeIfconfigOutput(std::string_view output);
+// Asks the daemon, for a few seconds at most.
+Findings CheckDaemon(Report& report);
+// The setting's daemon, without asking it: it does not run.
+Findings CheckDaemonRuns(const Setting& setting);
+// The setting's daemon, without asking it: it answers with another value than it was sent.
+Findings DaemonDiffers(const Setting& setting);
 
 }  // namespace velkctl
 

@@ -1,31 +1,23 @@
 // dhcp_checks.cpp - whether the library finds its way about the DHCP client's configuration.
 #include "velkctl/doctor/dhcp_checks.h"
 
-#include <string>
-#include <string_view>
-
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
-#include "velk.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/text_file.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::string_view kInterface = "interface";
 
-// What every finding on a block that is not what it seems has in common.
-Finding At(size_t index) {
+// About a block that is not as the library reads it. The method is read from its stanza.
+Finding AboutBlocks() {
     return {.subject = "method, dhcp-dns and dhcp-ntp",
-            .effect = "are switched for the wrong lines",
             .file = velk::kDhcpConfigFile,
-            .line = index + 1,
             .remedy = "write the closing brace on a line of its own",
-            // The method is read from its stanza.
-            .concerns = {{.id = VELK_CMD_DHCP_DNS}, {.id = VELK_CMD_DHCP_NTP}},
-            .hinders = Hinders::kSetting};
+            .affected = SettingsHeldIn(velk::kDhcpConfigFile),
+            .impact = Impact::kSetting};
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {
@@ -38,18 +30,17 @@ bool OpensBrace(const Lines& lines, size_t index) {
 
 // A line at which the library takes a block to begin.
 Findings CheckOpening(const Lines& lines, size_t index) {
-    Finding finding = At(index);
+    const Finding about = AboutBlocks().At(index);
     if (IsComment(lines[index]) && !OpensBrace(lines, index)) {
-        finding.effect = "are not found, or switched for the wrong lines";
-        finding.what =
-            "the remark " + Excerpt(lines[index]) + " is taken for the opening line of a block";
-        finding.remedy = "word it without 'interface'";
-        return {finding};
+        return {about.Problem(
+            "are not found, or switched for the wrong lines",
+            "the remark " + Excerpt(lines[index]) + " is taken for the opening line of a block",
+            "word it without 'interface'")};
     }
     if (velk::Contains(lines[index], velk::kBlockEnd)) {
-        finding.what =
-            "the block ends where it begins; its interface's lines run on to the next '}'";
-        return {finding};
+        return {about.Problem(
+            "are switched for the wrong lines",
+            "the block ends where it begins; its interface's lines run on to the next '}'")};
     }
     return {};
 }
@@ -69,9 +60,8 @@ Findings CheckBlockLines(const Lines& lines) {
         }
     }
     if (blocks.in_block()) {
-        Finding finding = At(begin);
-        finding.what = "no line with '}' as a word ends the block";
-        findings.push_back(finding);
+        findings.push_back(AboutBlocks().At(begin).Problem(
+            "are switched for the wrong lines", "no line with '}' as a word ends the block"));
     }
     return findings;
 }
@@ -85,7 +75,7 @@ Findings CheckDhcpConfig() {
     }
     Findings findings = CheckBlockLines(file.lines);
     if (!findings.empty()) {
-        return findings;  // what is below them is not what it seems, to the library
+        return findings;  // the library misreads the lines below them
     }
     Append(findings, CheckDhcpBlock(file.lines, VELK_WIRED_INTERFACE));
     Append(findings, CheckDhcpBlock(file.lines, VELK_WIRELESS_INTERFACE));

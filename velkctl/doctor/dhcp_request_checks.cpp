@@ -1,14 +1,11 @@
 // dhcp_request_checks.cpp - whether the options that the DHCP client requests can be switched.
-#include <array>
 #include <optional>
-#include <string>
-#include <string_view>
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
-#include "velk.h"
 #include "velkctl/doctor/dhcp_checks.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
@@ -16,24 +13,20 @@ namespace {
 constexpr std::string_view kRequest = "request";
 constexpr std::string_view kStatementEnd = ";";
 
-// An option of the request statements, as the setting that switches it sees them.
-struct Option {
-    uint32_t id;
-    std::string setting;
-    std::string interface;  // empty: of all
-    std::string name;
-    bool comment_aware;
-};
-
+// The request statements, as the setting that switches the option reads them.
 class RequestCheck {
   public:
-    RequestCheck(const Lines& lines, const Option& option) : lines_(lines), option_(option) {}
+    RequestCheck(const Lines& lines, const SettingLine& option)
+        : lines_(lines),
+          option_(option.key),
+          interface_(option.setting.interface),
+          about_(About(option.setting, velk::kDhcpConfigFile, Impact::kSetting)) {}
 
     Findings Run() {
-        velk::ConfigBlocks blocks(option_.interface, option_.comment_aware);
+        velk::ConfigBlocks blocks(interface_, comment_aware());
         for (size_t i = 0; i < lines_.size(); ++i) {
-            const bool concerns = blocks.Concerns(lines_[i]);
-            if (concerns && (blocks.in_block() || !velk::Contains(lines_[i], "#"))) {
+            const bool is_in_scope = blocks.Concerns(lines_[i]);
+            if (is_in_scope && (blocks.in_block() || !velk::Contains(lines_[i], "#"))) {
                 TakeLine(i);
             }
         }
@@ -41,18 +34,20 @@ class RequestCheck {
             AddUnended();
         }
         if (!begin_) {
-            AddAbsent();
+            findings_.push_back(Absence());
         }
         return std::move(findings_);
     }
 
   private:
+    bool comment_aware() const { return !interface_.empty(); }
+
     bool Has(size_t index, std::string_view word) const {
-        return velk::HasWord(lines_[index], word, option_.comment_aware);
+        return velk::HasWord(lines_[index], word, comment_aware());
     }
 
-    // A line in scope. What the library takes for a part of the statement goes on, once it has met
-    // the option, up to a line that ends a statement without naming it.
+    // A line in scope. Once the library has met the option, the statement runs on for it to a line
+    // that ends a statement without the option.
     void TakeLine(size_t index) {
         if (is_open_ && Has(index, velk::kBlockEnd)) {
             AddUnended();
@@ -61,71 +56,48 @@ class RequestCheck {
         if (Has(index, kRequest)) {
             begin_ = index;
             is_open_ = true;
-            is_held_ = true;
+            runs_on_ = true;
         }
-        if (!is_held_) {
+        if (!runs_on_) {
             return;
         }
         const bool ends = velk::Contains(lines_[index], kStatementEnd);
-        const bool has_option = Has(index, option_.name);
+        const bool has_option = Has(index, option_);
         if (ends && !has_option && !is_open_) {
-            AddStray(index);
+            findings_.push_back(
+                about_.At(index)
+                    .With(Impact::kNothing)
+                    .Problem("would break the file when set to on once more",
+                             option_ + " is added to " + Excerpt(lines_[index]) +
+                                 ", too, while the request statement above has it already",
+                             "move the request statement below it"));
         }
-        is_held_ = has_option || !ends;
+        runs_on_ = has_option || !ends;
         is_open_ = is_open_ && !ends;
     }
 
-    // What every finding has in common.
-    Finding About() const {
-        return {.subject = option_.setting,
-                .file = velk::kDhcpConfigFile,
-                .concerns = {{.id = option_.id, .interface = option_.interface}},
-                .hinders = Hinders::kSetting};
-    }
-
     void AddUnended() {
-        Finding finding = About();
-        finding.effect = "is switched in the wrong statement";
-        finding.what = "no ';' ends this request statement";
-        finding.line = *begin_ + 1;
-        finding.remedy = "write one behind its last option";
-        findings_.push_back(finding);
+        findings_.push_back(about_.At(*begin_).Problem("is switched in the wrong statement",
+                                                       "no ';' ends this request statement",
+                                                       "write one behind its last option"));
     }
 
-    void AddStray(size_t index) {
-        Finding finding = About();
-        finding.effect = "would break the file when set to on once more";
-        finding.what = option_.name + " is added to " + Excerpt(lines_[index]) +
-                       ", too, while the request statement above has it already";
-        finding.line = index + 1;
-        finding.remedy = "move the request statement below it";
-        finding.hinders = Hinders::kNothing;
-        findings_.push_back(finding);
-    }
-
-    void AddAbsent() {
-        Finding finding = About();
+    Finding Absence() const {
         if (const std::optional<size_t> block = SwitchedOffBlock()) {
-            finding.severity = Severity::kWarning;
-            finding.effect = "cannot be set while the method is static";
-            finding.what =
-                "the interface's block is switched off, and no other request statement counts";
-            finding.line = *block + 1;
-            finding.remedy =
-                "velkctl set " + option_.interface + ".method dhcp, when DHCP is wanted";
-        } else {
-            const std::string reach =
-                option_.interface.empty() ? "" : " that counts for " + option_.interface;
-            finding.effect = "cannot be set";
-            finding.what = "there is no request statement" + reach;
-            finding.remedy = "add one: request subnet-mask, broadcast-address, routers;";
+            return about_.At(*block).Warning(
+                "cannot be set while the method is static",
+                "the interface's block is switched off, and no other request statement counts",
+                "velkctl set " + interface_ + ".method dhcp, when DHCP is wanted");
         }
-        findings_.push_back(finding);
+        return about_.Problem("cannot be set",
+                              "there is no request statement" +
+                                  (interface_.empty() ? "" : " that counts for " + interface_),
+                              "add one: request subnet-mask, broadcast-address, routers;");
     }
 
-    // A block of the interface that would have a request statement, were it on.
+    // Returns the interface's block that is off and has a request statement.
     std::optional<size_t> SwitchedOffBlock() const {
-        velk::ConfigBlocks blocks(option_.interface, /*comment_aware=*/false);
+        velk::ConfigBlocks blocks(interface_, /*comment_aware=*/false);
         std::optional<size_t> begin;
         for (size_t i = 0; i < lines_.size(); ++i) {
             const bool was_in_block = blocks.in_block();
@@ -142,24 +114,23 @@ class RequestCheck {
     }
 
     const Lines& lines_;
-    const Option& option_;
+    const std::string option_;
+    const std::string interface_;  // empty: the option of all interfaces
+    const Finding about_;
     std::optional<size_t> begin_{};  // of the last request statement
-    bool is_open_ = false;           // no ";" yet
-    bool is_held_ = false;           // the library takes the next line for a part of it
+    bool is_open_ = false;           // the statement has no ";" yet
+    bool runs_on_ = false;           // for the library, the next line is a part of it
     Findings findings_{};
 };
 
 }  // namespace
 
 Findings CheckDhcpRequests(const Lines& lines) {
-    const std::array<Option, 3> options{{
-        {VELK_CMD_DHCP_DNS, "eth0.dhcp-dns", VELK_WIRED_INTERFACE, "domain-name-servers", true},
-        {VELK_CMD_DHCP_DNS, "eth1.dhcp-dns", VELK_WIRELESS_INTERFACE, "domain-name-servers", true},
-        {VELK_CMD_DHCP_NTP, "dhcp-ntp", "", "ntp-servers", false},
-    }};
     Findings findings;
-    for (const Option& option : options) {
-        Append(findings, RequestCheck(lines, option).Run());
+    for (const SettingLine& option : LinesOfSettings(velk::kDhcpConfigFile)) {
+        if (!option.key.empty()) {
+            Append(findings, RequestCheck(lines, option).Run());
+        }
     }
     return findings;
 }

@@ -1,8 +1,6 @@
-// edit_copy_checks.cpp - edits that were left unfinished, and what stands in the way of others.
+// edit_copy_checks.cpp - edits that were left unfinished, and files in the way of others.
 #include <array>
 #include <cstdio>
-#include <string>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,77 +14,59 @@
 namespace velkctl {
 namespace {
 
-// What every finding of an edit copy has in common; nothing is wrong with the settings yet.
-Finding About(const EditCopy& copy) {
-    return {.severity = Severity::kWarning,
-            .subject = std::string(copy.file->subject),
+// The settings can still be read and set.
+Finding AboutCopy(const EditCopy& copy) {
+    return {.subject = copy.file->subject,
             .file = copy.path,
             .remedy = DiscardingOf(copy),
-            .concerns = ConcernsOf(copy.file->holds)};
+            .affected = copy.file->holds};
 }
 
 Finding UnderWay(const EditCopy& copy, const std::string& holder) {
-    Finding finding = About(copy);
-    finding.effect = "may be changing now";
-    finding.what = "an edit may be under way: the lock is held by " + holder;
-    finding.remedy = "none while that one is at work";
-    return finding;
+    return AboutCopy(copy).Warning("may be changing now",
+                                   "an edit may be under way: the lock is held by " + holder,
+                                   "none while that one is at work");
 }
 
-// What keeps the library from making its edit copy, which removes what it may first.
+// The library cannot remove it, and so cannot make its edit copy.
 Finding InTheWay(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.severity = Severity::kProblem;
-    finding.effect = "cannot be set";
-    finding.what =
-        S_ISDIR(copy.facts.st_mode)
-            ? "a folder stands where the edit copy is made"
-            : KindOf(copy.facts.st_mode) + " of another user, " + AgeOf(copy.facts) +
-                  " old, that this one may not remove, stands where the edit copy is made";
-    finding.hinders = Hinders::kSetting;
-    return finding;
-}
-
-std::string Octal(mode_t mode) {
-    std::array<char, 8> text{};
-    (void)snprintf(text.data(), text.size(), "%03o", mode & 07777U);
-    return text.data();
+    const std::string kind = S_ISDIR(copy.facts.st_mode)
+                                 ? "a folder"
+                                 : KindOf(copy.facts.st_mode) + " of another user, " +
+                                       AgeOf(copy.facts) + " old, that this one may not remove,";
+    return AboutCopy(copy)
+        .With(Impact::kSetting)
+        .Problem("cannot be set", kind + " stands where the edit copy is made");
 }
 
 std::string OwnerAndModeOf(const struct stat& facts) {
-    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + Octal(facts.st_mode);
-}
-
-std::string KindAndOwnerOf(const struct stat& facts) {
-    if (!S_ISREG(facts.st_mode)) {
-        return KindOf(facts.st_mode);
-    }
-    const std::string names = facts.st_nlink > 1 ? " and another name" : "";
-    return OwnerAndModeOf(facts) + names + ", not made by the library,";
+    std::array<char, 8> mode{};
+    (void)snprintf(mode.data(), mode.size(), "%03o", facts.st_mode & 07777U);
+    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + mode.data();
 }
 
 Finding Foreign(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.effect = "can still be set";
-    finding.what = KindAndOwnerOf(copy.facts) +
-                   " stands where the edit copy is made; the next set replaces it";
-    if (S_ISREG(copy.facts.st_mode)) {
-        finding.remedy = "look at it, use nothing of it, and remove it: " + DiscardingOf(copy);
+    constexpr std::string_view kEffect = "can still be set";
+    const std::string place = " stands where the edit copy is made; the next set replaces it";
+    if (!S_ISREG(copy.facts.st_mode)) {
+        return AboutCopy(copy).Warning(kEffect, KindOf(copy.facts.st_mode) + place);
     }
-    return finding;
+    return AboutCopy(copy).Warning(
+        kEffect,
+        OwnerAndModeOf(copy.facts) + (copy.facts.st_nlink > 1 ? " and another name" : "") +
+            ", not made by the library," + place,
+        "look at it, use nothing of it, and remove it: " + DiscardingOf(copy));
 }
 
-// It may be the edit of a program with two users, or anybody's file that a program of root's made.
+// It may be the edit of a program with two users, or any user's file made by a program of root's.
 Finding Unproven(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.effect = "may be lost";
-    finding.what = OwnerAndModeOf(copy.facts) +
-                   ", perhaps the edit copy of a program whose real and effective user differ, has "
-                   "more than " +
-                   copy.file->path + "; the next set replaces it";
-    finding.remedy =
-        "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy);
-    return finding;
+    return AboutCopy(copy).Warning(
+        "may be lost",
+        OwnerAndModeOf(copy.facts) +
+            ", perhaps the edit copy of a program whose real and effective user differ, has more "
+            "than " +
+            copy.file->path + "; the next set replaces it",
+        "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy));
 }
 
 std::string DoubtsAbout(const EditCopy& copy) {
@@ -97,22 +77,18 @@ std::string DoubtsAbout(const EditCopy& copy) {
 }
 
 Finding Cut(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.severity = Severity::kProblem;
-    finding.effect = "may be lost";
-    finding.file = copy.file->path;
-    finding.what =
-        "the file seems to have been cut while being copied; the rest is in its edit "
-        "copy " +
-        copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
-        "which the next set replaces" + AdditionsOf(copy);
-    finding.remedy = FinishingOf(copy);
-    finding.hinders = Hinders::kReading;
-    return finding;
+    return AboutCopy(copy)
+        .In(copy.file->path)
+        .With(Impact::kReading)
+        .Problem("may be lost",
+                 "the file seems to have been cut while being copied; the rest is in its edit "
+                 "copy " +
+                     copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
+                     "which the next set replaces" + AdditionsOf(copy),
+                 FinishingOf(copy));
 }
 
-// What the edit copy holds, beside the file.
-std::string WhatIsLeft(const EditCopy& copy) {
+std::string Compared(const EditCopy& copy) {
     switch (copy.state) {
         case EditState::kPart:
             return copy.facts.st_size == 0 ? ", empty" : ", that may not be whole";
@@ -126,20 +102,18 @@ std::string WhatIsLeft(const EditCopy& copy) {
 }
 
 Finding LeftBehind(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.effect =
-        copy.state == EditState::kInPlace ? "can still be set" : "may not have been set";
-    finding.what = "an edit copy was left behind, " + AgeOf(copy.facts) + " old" +
-                   WhatIsLeft(copy) + "; the next set replaces it";
-    if (copy.state == EditState::kDiffers || copy.state == EditState::kUncompared) {
-        finding.what += AdditionsOf(copy);
-        finding.remedy =
-            "to discard the edit: " + DiscardingOf(copy) + "; to finish it, " + FinishingOf(copy);
-    }
-    return finding;
+    const bool can_be_finished =
+        copy.state == EditState::kDiffers || copy.state == EditState::kUncompared;
+    return AboutCopy(copy).Warning(
+        copy.state == EditState::kInPlace ? "can still be set" : "may not have been set",
+        "an edit copy was left behind, " + AgeOf(copy.facts) + " old" + Compared(copy) +
+            "; the next set replaces it" + (can_be_finished ? AdditionsOf(copy) : ""),
+        can_be_finished
+            ? "to discard the edit: " + DiscardingOf(copy) + "; to finish it, " + FinishingOf(copy)
+            : "");
 }
 
-Finding Judge(const EditCopy& copy) {
+Finding CheckCopy(const EditCopy& copy) {
     if (copy.state == EditState::kCut) {
         return Cut(copy);
     }
@@ -162,7 +136,7 @@ Findings CheckEditCopies() {
         if (!holder.empty() && S_ISREG(copy.facts.st_mode)) {
             findings.push_back(UnderWay(copy, holder));
         } else if (faccessat(AT_FDCWD, copy.path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
-            findings.push_back(Judge(copy));  // an edit that has ended meanwhile left none
+            findings.push_back(CheckCopy(copy));  // an edit that has ended since left none
         }
     }
     return findings;

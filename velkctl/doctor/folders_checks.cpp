@@ -1,10 +1,6 @@
 // folders_checks.cpp - whether the folders that the library works in are there and have space.
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
-#include <string>
-#include <string_view>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,46 +8,35 @@
 #include <unistd.h>
 
 #include "lib/base/paths.h"
-#include "velkctl/doctor/affected_settings.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/device_files.h"
 
 namespace velkctl {
 namespace {
 
 constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
 
-struct Folder {
-    std::string path;
-    Finding about;  // what a finding on it has in common
-};
-
-Folder MakeFolder(const std::string& path, Finding about) {
-    about.file = path;
-    return {path, std::move(about)};
-}
-
-std::array<Folder, 4> Folders() {
+// Returns findings without a text, one of each folder, with their effect.
+Findings AboutFolders() {
     const Finding wireless{.subject = "wireless settings",
                            .effect = "can be neither read nor set",
-                           .concerns = WirelessSettings(),
-                           .hinders = Hinders::kSetting};
-    return {
-        MakeFolder(velk::kEditFolder, {.subject = "all settings in files",
-                                       .effect = "cannot be set",
-                                       .concerns = EditedSettings(),
-                                       .hinders = Hinders::kSetting}),
-        MakeFolder("/var/libvelk", {.subject = "ntp-result",
-                                    .effect = "cannot be cleared when ntp is set to off",
-                                    .concerns = {{.id = VELK_CMD_NTP_RESULT}}}),
-        MakeFolder("/tmp", wireless),
-        MakeFolder("/dev/shm", wireless),
-    };
+                           .affected = WirelessSettings(),
+                           .impact = Impact::kSetting};
+    return {{.subject = "all settings in files",
+             .effect = "cannot be set",
+             .file = velk::kEditFolder,
+             .affected = EditedSettings(),
+             .impact = Impact::kSetting},
+            {.subject = "ntp-result",
+             .effect = "cannot be cleared when ntp is set to off",
+             .file = "/var/libvelk",
+             .affected = SettingsHeldIn(velk::kNtpLog)},
+            wireless.In("/tmp"),
+            wireless.In(velk::kSemaphoreFolder)};
 }
 
-Findings CheckSpace(const Folder& folder) {
+Findings CheckSpace(const Finding& about) {
     struct statvfs facts {};
-    if (statvfs(folder.path.c_str(), &facts) == -1 || facts.f_blocks == 0) {
+    if (statvfs(about.file.c_str(), &facts) == -1 || facts.f_blocks == 0) {
         return {};  // 0: a file system without a limit
     }
     const unsigned long long free = 1ULL * facts.f_bavail * facts.f_frsize;
@@ -59,37 +44,33 @@ Findings CheckSpace(const Folder& folder) {
     if (free >= kLeastFree && has_files) {
         return {};
     }
-    Finding finding = folder.about;
-    finding.what = has_files
-                       ? "the file system is full: " + std::to_string(free) + " bytes are free"
-                       : "the file system is full: it takes no more files";
-    finding.remedy = "remove what is not needed there";
-    return {finding};
+    return {about.Problem(
+        about.effect,
+        "the file system is full: " + (has_files ? std::to_string(free) + " bytes are free"
+                                                 : std::string("it takes no more files")),
+        "remove what is not needed there")};
 }
 
-Findings CheckFolder(const Folder& folder) {
+Findings CheckFolder(const Finding& about) {
     struct stat facts {};
-    if (stat(folder.path.c_str(), &facts) == -1 || !S_ISDIR(facts.st_mode)) {
-        Finding finding = folder.about;
-        finding.what = "the folder is missing";
-        finding.remedy = "mkdir -p " + folder.path;
-        return {finding};
+    const char* path = about.file.c_str();
+    if (stat(path, &facts) == -1 || !S_ISDIR(facts.st_mode)) {
+        return {about.Problem(about.effect, "the folder is missing", "mkdir -p " + about.file)};
     }
-    if (faccessat(AT_FDCWD, folder.path.c_str(), W_OK | X_OK, AT_EACCESS) == -1) {
-        Finding finding = folder.about;
-        finding.what = std::string("this user may not write the folder: ") + strerror(errno);
-        finding.remedy = "run the program as a user that may, or let this one write it";
-        return {finding};
+    if (faccessat(AT_FDCWD, path, W_OK | X_OK, AT_EACCESS) == -1) {
+        return {about.Problem(about.effect,
+                              std::string("this user may not write the folder: ") + strerror(errno),
+                              "run the program as a user that may, or let this one write it")};
     }
-    return CheckSpace(folder);
+    return CheckSpace(about);
 }
 
 }  // namespace
 
 Findings CheckFolders() {
     Findings findings;
-    for (const Folder& folder : Folders()) {
-        Append(findings, CheckFolder(folder));
+    for (const Finding& about : AboutFolders()) {
+        Append(findings, CheckFolder(about));
     }
     return findings;
 }

@@ -1,9 +1,5 @@
-// ifconfig_checks.cpp - whether the library can read what ifconfig prints.
-#include <string>
-#include <string_view>
-
+// ifconfig_checks.cpp - whether the library can read the output of ifconfig.
 #include "lib/base/words.h"
-#include "velk.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/files/tool_run.h"
@@ -11,58 +7,48 @@
 namespace velkctl {
 namespace {
 
-constexpr std::string_view kAddress = "inet addr:";
-constexpr std::string_view kNetmask = "Mask:";
 constexpr std::string_view kAnyAddress = "inet ";
 
-bool IsReadable(std::string_view output) {
-    return velk::Contains(output, kAddress) && velk::Contains(output, kNetmask);
-}
-
-// The line with an address on it.
-std::string_view AddressLine(std::string_view output) {
-    const size_t position = output.find(kAnyAddress);
-    const std::string_view rest = output.substr(position);
-    return rest.substr(0, rest.find('\n'));
+Finding AboutTool() {
+    return {.subject = std::string(kInterfaceTool),
+            .affected = SettingsReadWith(kInterfaceTool),
+            .impact = Impact::kReading};
 }
 
 }  // namespace
 
-Findings JudgeIfconfigOutput(std::string_view output) {
-    if (IsReadable(output) || !velk::Contains(output, kAnyAddress)) {
+Findings CheckIfconfigOutput(std::string_view output) {
+    const bool is_readable =
+        velk::Contains(output, "inet addr:") && velk::Contains(output, "Mask:");
+    const size_t position = output.find(kAnyAddress);
+    if (is_readable || position == std::string_view::npos) {
         return {};
     }
-    return {
-        {.subject = "ifconfig",
-         .effect = "prints addresses in a form that the library does not read",
-         .what = "it prints " + Excerpt(AddressLine(output)) +
-                 ", and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP "
-                 "interface read as none",
-         .remedy = "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does",
-         .concerns = {{.id = VELK_CMD_IP_ADDRESS}, {.id = VELK_CMD_NETMASK}},
-         .hinders = Hinders::kReading}};
+    const std::string_view rest = output.substr(position);
+    return {AboutTool().Problem(
+        "prints addresses in a form that the library does not read",
+        "it prints " + Excerpt(rest.substr(0, rest.find('\n'))) +
+            ", and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP "
+            "interface read as none",
+        "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does")};
 }
 
 Findings CheckIfconfig() {
-    if (!FindTool("ifconfig")) {
-        return {};  // told as a tool that is missing
+    if (!FindTool(kInterfaceTool)) {
+        return {};  // CheckTools() finds it
     }
-    for (const char* interface : {"lo", "eth0"}) {
-        const ToolRun run = RunTool({"ifconfig", interface});
+    for (const std::string interface : {"lo", VELK_WIRED_INTERFACE}) {
+        const ToolRun run = RunTool({std::string(kInterfaceTool), interface});
         if (!run.ended) {
-            return {
-                {.subject = "ifconfig",
-                 .effect = "does not end",
-                 .what = "'ifconfig " + std::string(interface) + "' ran for more than 5 seconds",
-                 .remedy = "find out what it waits for",
-                 .concerns = {{.id = VELK_CMD_IP_ADDRESS}, {.id = VELK_CMD_NETMASK}},
-                 .hinders = Hinders::kReading}};
+            return {AboutTool().Problem("does not end",
+                                        "'ifconfig " + interface + "' ran for more than 5 seconds",
+                                        "find out what it waits for")};
         }
         if (velk::Contains(run.output, kAnyAddress)) {
-            return JudgeIfconfigOutput(run.output);
+            return CheckIfconfigOutput(run.output);
         }
     }
-    return {};  // no address to be seen in any form
+    return {};  // neither interface has an address
 }
 
 }  // namespace velkctl

@@ -1,116 +1,95 @@
 // interfaces_checks.cpp - whether the library finds its way about /etc/network/interfaces.
-#include <array>
-#include <optional>
-#include <string>
-#include <string_view>
+#include "velkctl/doctor/interfaces_checks.h"
 
 #include "lib/base/paths.h"
 #include "lib/ipconf/interfaces_file.h"
-#include "velk.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/stanza.h"
-#include "velkctl/doctor/value_line_checks.h"
-#include "velkctl/files/text_file.h"
 
 namespace velkctl {
 namespace {
 
-// All that stands in a stanza.
-constexpr std::array<uint32_t, 4> kInStanza{VELK_CMD_IP_METHOD, VELK_CMD_IP_ADDRESS,
-                                            VELK_CMD_NETMASK, VELK_CMD_GATEWAY};
-
-// What every finding on a stanza as a whole has in common.
-Finding About(const std::string& interface) {
+Finding AboutStanza(const std::string& interface) {
     return {.subject = interface + ".method, " + interface + ".address, " + interface +
                        ".netmask and " + interface + ".gateway",
             .file = velk::kInterfacesFile,
-            .concerns = ConcernsOf(kInStanza, interface),
-            .hinders = Hinders::kSetting};
+            .affected = SettingsHeldIn(velk::kInterfacesFile, interface),
+            .impact = Impact::kSetting};
 }
 
 bool HasKnownMethod(std::string_view method) {
     return method.starts_with(velk::kStaticMethod) || method.starts_with(velk::kDhcpMethod);
 }
 
+// True if ifup takes the line for a header and the library does not.
 bool IsAlmostHeader(std::string_view line, std::string_view interface) {
     const std::vector<std::string> words = WordsOf(line);
     return words.size() >= 3 && words[0] == velk::kStanzaStart && words[1] == interface &&
            words[2] == "inet" && !line.starts_with(velk::StanzaHeader(interface));
 }
 
-// Headers that ifup knows and the library does not.
 Findings CheckHeaders(const Lines& lines, const std::string& interface) {
     Findings findings;
     for (size_t i = 0; i < lines.size(); ++i) {
-        if (!IsAlmostHeader(lines[i], interface)) {
-            continue;
+        if (IsAlmostHeader(lines[i], interface)) {
+            findings.push_back(AboutStanza(interface).At(i).Problem(
+                "are not found in a stanza",
+                "the library does not recognise the header " + Excerpt(lines[i]),
+                "write \"" + velk::StanzaHeader(interface) +
+                    "static\" or \"... dhcp\" in the first column, with single blanks"));
         }
-        Finding finding = About(interface);
-        finding.effect = "are not found in a stanza";
-        finding.what = "the library does not recognise the header " + Excerpt(lines[i]);
-        finding.line = i + 1;
-        finding.remedy = "write \"" + velk::StanzaHeader(interface) +
-                         "static\" or \"... dhcp\" in the first column, with single blanks";
-        findings.push_back(finding);
     }
     return findings;
 }
 
-Finding NoStanza(const std::string& interface) {
-    Finding finding = About(interface);
-    finding.effect = "can be neither read nor set";
-    finding.what =
-        "no line begins with '" + velk::StanzaHeader(interface) + "static' or '... dhcp'";
-    finding.remedy = "add a stanza that begins with one";
-    return finding;
-}
-
-Findings CheckMethod(const Lines& lines, const Stanza& stanza) {
-    const std::string header = velk::StanzaHeader(stanza.interface);
-    const std::string_view method = std::string_view(lines[stanza.header]).substr(header.size());
-    if (HasKnownMethod(method)) {
-        return {};
-    }
-    Finding finding = About(stanza.interface);
-    finding.effect = "cannot be read";
-    finding.what = Excerpt(method) + " is neither static nor dhcp";
-    finding.line = stanza.header + 1;
-    finding.remedy = "velkctl set " + stanza.interface + ".method static, or dhcp";
-    finding.hinders = Hinders::kReading;
-    return {finding};
-}
-
-// A method and addresses are set in every stanza of the interface and read from the first.
-Findings CheckSecondStanza(const Lines& lines, const Stanza& stanza) {
-    const auto second = FindLine(lines, stanza.header + 1, lines.size(),
-                                 [start = velk::StanzaHeader(stanza.interface)](
-                                     std::string_view line) { return line.starts_with(start); });
-    if (!second) {
-        return {};
-    }
-    Finding finding = About(stanza.interface);
-    finding.severity = Severity::kWarning;
-    finding.effect = "are not read from a second stanza";
-    finding.what = "only the one on line " + std::to_string(stanza.header + 1) + " counts";
-    finding.line = *second + 1;
-    finding.remedy = "make one stanza of the two";
-    finding.hinders = Hinders::kNothing;
-    return {finding};
-}
-
 Findings CheckInterface(const Lines& lines, const std::string& interface) {
+    const Finding about = AboutStanza(interface);
+    const std::string header = velk::StanzaHeader(interface);
     Findings findings = CheckHeaders(lines, interface);
     const std::optional<Stanza> stanza = FindStanza(lines, interface);
     if (!stanza) {
-        return findings.empty() ? Findings{NoStanza(interface)} : findings;
+        return findings.empty() ? Findings{about.Problem(
+                                      "can be neither read nor set",
+                                      "no line begins with '" + header + "static' or '... dhcp'",
+                                      "add a stanza that begins with one")}
+                                : findings;
     }
-    Append(findings, CheckMethod(lines, *stanza));
+    const std::string_view method = std::string_view(lines[stanza->header]).substr(header.size());
+    if (!HasKnownMethod(method)) {
+        findings.push_back(about.At(stanza->header)
+                               .With(Impact::kReading)
+                               .Problem("cannot be read",
+                                        Excerpt(method) + " is neither static nor dhcp",
+                                        "velkctl set " + interface + ".method static, or dhcp"));
+    }
     Append(findings, CheckValueLines(lines, *stanza));
-    Append(findings, CheckSecondStanza(lines, *stanza));
+    // Method and addresses are set in every stanza of the interface and read from the first.
+    if (const auto second =
+            FindLine(lines, stanza->header + 1, lines.size(),
+                     [&](std::string_view line) { return line.starts_with(header); })) {
+        findings.push_back(
+            about.At(*second)
+                .With(Impact::kNothing)
+                .Warning("are not read from a second stanza",
+                         "only the one on line " + std::to_string(stanza->header + 1) + " counts",
+                         "make one stanza of the two"));
+    }
     return findings;
 }
 
 }  // namespace
+
+std::optional<Stanza> FindStanza(const Lines& lines, const std::string& interface) {
+    const auto starts_with = [](std::string_view start) {
+        return [start](std::string_view line) { return line.starts_with(start); };
+    };
+    const std::string start = velk::StanzaHeader(interface);
+    const auto header = FindLine(lines, 0, lines.size(), starts_with(start));
+    if (!header) {
+        return std::nullopt;
+    }
+    const auto end = FindLine(lines, *header + 1, lines.size(), starts_with(velk::kStanzaStart));
+    return Stanza{interface, *header, end.value_or(lines.size())};
+}
 
 Findings CheckInterfaces() {
     const TextFile file = ReadTextFile(velk::kInterfacesFile);

@@ -1,4 +1,4 @@
-// likely_cause.h - why a setting does not hold what was set.
+// likely_cause.h - the reason why a setting does not hold the value that was set.
 #ifndef VELKCTL_DOCTOR_LIKELY_CAUSE_H_
 #define VELKCTL_DOCTOR_LIKELY_CAUSE_H_
 
@@ -11,11 +11,11 @@
 
 namespace velkctl {
 
-// Looks for what keeps a value that the library has just reported as set from being held, or from
-// being read back. The likeliest comes first: a problem before a warning, a line of a file before
-// all else. When everything about the setting looks right, what is left is where it is held: a line
-// of an address, or the wireless daemon, which is not asked.
-Findings CausesOf(const Setting& setting);
+// Returns the findings that keep a value, reported as set by the library, from being held or read
+// back. The likeliest comes first: a problem before a warning, a line of a file before other
+// findings. If nothing is found, returns where the value is held: the line of an address, or the
+// wireless daemon, which is not asked.
+Findings LikelyCauses(const Setting& setting);
 
 // Adds a likely cause to a problem: its description, remedy and place.
 void AddLikelyCause(Problem& problem, const Finding& cause);

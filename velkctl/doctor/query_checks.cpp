@@ -1,6 +1,4 @@
-// query_checks.cpp - what lies where a query meets the wireless daemon.
-#include <string>
-
+// query_checks.cpp - remains of a query to the wireless daemon that hinder the next one.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,57 +11,49 @@
 namespace velkctl {
 namespace {
 
-Finding At(const char* path, const struct stat& facts) {
+constexpr std::string_view kUnusable = "can be neither read nor set";
+constexpr std::string_view kMaybeUnread = "may not have been read";
+
+Finding AboutRemains(const char* path, const struct stat& facts) {
     return {.subject = "wireless settings",
-            .effect = "can be neither read nor set",
             .file = path,
             .remedy = RemovalOf(path, facts),
-            .concerns = WirelessSettings(),
-            .hinders = Hinders::kSetting};
-}
-
-// A warning instead, about what the next query does away with.
-Finding LeftBehind(Finding finding, const std::string& what) {
-    finding.severity = Severity::kWarning;
-    finding.effect = "may not have been read";
-    finding.what = what;
-    finding.hinders = Hinders::kNothing;
-    return finding;
+            .affected = WirelessSettings(),
+            .impact = Impact::kSetting};
 }
 
 // A reply socket that no process has bound.
-Finding JudgeReplySocket(const struct stat& facts) {
-    Finding finding = At(velk::kReplySocket, facts);
+Finding CheckReplySocket(const struct stat& facts) {
+    const Finding about = AboutRemains(velk::kReplySocket, facts);
     if (S_ISDIR(facts.st_mode)) {
-        finding.what = "a folder stands where the reply socket is made";
-        return finding;
+        return about.Problem(kUnusable, "a folder stands where the reply socket is made");
     }
     if (!MayRemove(velk::kReplySocket, facts)) {
-        finding.what = KindOf(facts.st_mode) +
-                       " of another user, that this one may not remove, stands where the reply "
-                       "socket is made";
-        return finding;
+        return about.Problem(kUnusable, KindOf(facts.st_mode) +
+                                            " of another user, that this one may not remove, "
+                                            "stands where the reply socket is made");
     }
-    return LeftBehind(finding, "a reply socket that nobody listens at was left behind, " +
+    return about.With(Impact::kNothing)
+        .Warning(kMaybeUnread, "a reply socket that nobody listens at was left behind, " +
                                    AgeOf(facts) + " old; the next query replaces it");
 }
 
-Finding JudgeSemaphore(const struct stat& facts) {
-    Finding finding = At(velk::kSemaphoreFile, facts);
+Finding CheckSemaphore(const struct stat& facts) {
+    const Finding about = AboutRemains(velk::kSemaphoreFile, facts);
     if (!S_ISREG(facts.st_mode)) {
-        finding.what = KindOf(facts.st_mode) + " stands where the semaphore is made";
-        return finding;
+        return about.Problem(kUnusable,
+                             KindOf(facts.st_mode) + " stands where the semaphore is made");
     }
-    if (facts.st_size == 0) {
-        finding.effect = "end the program that reads them";  // by SIGBUS
-        finding.what = "an empty file stands where the semaphore is made";
-        return finding;
+    if (facts.st_size == 0) {  // the program ends by SIGBUS
+        return about.Problem("end the program that reads them",
+                             "an empty file stands where the semaphore is made");
     }
     if (faccessat(AT_FDCWD, velk::kSemaphoreFile, R_OK | W_OK, AT_EACCESS) == -1) {
-        finding.what = "a semaphore of another user, " + AgeOf(facts) + " old, is in the way";
-        return finding;
+        return about.Problem(
+            kUnusable, "a semaphore of another user, " + AgeOf(facts) + " old, is in the way");
     }
-    return LeftBehind(finding, "a semaphore was left behind, " + AgeOf(facts) +
+    return about.With(Impact::kNothing)
+        .Warning(kMaybeUnread, "a semaphore was left behind, " + AgeOf(facts) +
                                    " old; the next query may be answered before it listens");
 }
 
@@ -76,10 +66,10 @@ Findings CheckQueryRemains() {
     Findings findings;
     struct stat facts {};
     if (lstat(velk::kReplySocket, &facts) == 0) {
-        findings.push_back(JudgeReplySocket(facts));
+        findings.push_back(CheckReplySocket(facts));
     }
     if (lstat(velk::kSemaphoreFile, &facts) == 0) {
-        findings.push_back(JudgeSemaphore(facts));
+        findings.push_back(CheckSemaphore(facts));
     }
     return findings;
 }

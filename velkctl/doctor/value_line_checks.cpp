@@ -1,37 +1,16 @@
 // value_line_checks.cpp - whether the library finds the lines of a stanza that hold addresses.
-#include "velkctl/doctor/value_line_checks.h"
-
 #include <algorithm>
 #include <array>
-#include <optional>
-#include <string>
-#include <string_view>
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "lib/ipconf/interfaces_file.h"
-#include "velk.h"
-#include "velkctl/files/text_file.h"
+#include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/interfaces_checks.h"
 
 namespace velkctl {
 namespace {
 
-// A line of a stanza that the library reads and sets.
-struct ValueLine {
-    uint32_t id;
-    std::string_view key;   // with the blank that the library looks for
-    std::string_view name;  // its first word, and the last part of the setting's name
-    std::string_view example;
-};
-
-constexpr std::array<ValueLine, 3> kValueLines{{
-    {VELK_CMD_IP_ADDRESS, velk::kAddressKey, "address", "address 192.168.0.10"},
-    {VELK_CMD_NETMASK, velk::kNetmaskKey, "netmask", "netmask 255.255.255.0"},
-    {VELK_CMD_GATEWAY, velk::kGatewayKey, "gateway", "gateway 192.168.0.1"},
-}};
-
-// With one of these ifup takes a stanza for ended; the library does with "iface" in the first
-// column alone.
+// Words that end a stanza for ifup. The library ends it with "iface" in the first column alone.
 constexpr std::array<std::string_view, 5> kStarts{"iface", "auto", "mapping", "source",
                                                   "source-directory"};
 constexpr std::string_view kAllow = "allow-";
@@ -45,179 +24,142 @@ bool EndsStanzaForIfup(std::string_view line) {
     return word.starts_with(kAllow) || std::ranges::find(kStarts, word) != kStarts.end();
 }
 
+auto HasKey(const Setting& setting) {
+    return [key = setting.row->held_in.line.key](std::string_view line) {
+        return velk::Contains(line, key);
+    };
+}
+
+// The check of one setting's line in a stanza.
 class ValueCheck {
   public:
-    ValueCheck(const Lines& lines, const Stanza& stanza, const ValueLine& value)
+    ValueCheck(const Lines& lines, const Stanza& stanza, const Setting& setting)
         : lines_(lines),
           stanza_(stanza),
-          value_(value),
-          name_(value.name),
-          line_to_add_("a line \"" + std::string(value.example) + "\""),
-          stray_(FindLine(lines, stanza.header + 1, stanza.end, EndsStanzaForIfup)) {}
+          setting_(setting),
+          name_(setting.row->name),
+          line_to_add_("add a line \"" + name_ + " " + setting.row->kind->Example() + "\""),
+          about_(About(setting, velk::kInterfacesFile, Impact::kSetting)),
+          stray_(Find(EndsStanzaForIfup)) {}
 
     Findings Run() const {
-        const std::optional<size_t> found = FindValueLine(lines_, stanza_, value_.key);
-        return found ? JudgeLine(*found) : JudgeAbsence();
+        const std::optional<size_t> found = Find(HasKey(setting_));
+        return found ? CheckLine(*found) : CheckAbsence();
     }
 
   private:
-    // What every finding on this line has in common.
-    Finding At(size_t index) const {
-        return {.subject = stanza_.interface + "." + name_,
-                .file = velk::kInterfacesFile,
-                .line = index + 1,
-                .concerns = {{.id = value_.id, .interface = stanza_.interface}},
-                .hinders = Hinders::kSetting};
+    template <typename Condition>
+    std::optional<size_t> Find(Condition condition) const {
+        return FindLine(lines_, stanza_.header + 1, stanza_.end, condition);
     }
 
-    // The line that the library takes for the value's.
-    Findings JudgeLine(size_t index) const {
-        if (FirstWord(lines_[index]) != value_.name) {
-            return {OtherLine(index)};
+    // `index` is the line that the library takes for the value's.
+    Findings CheckLine(size_t index) const {
+        const std::string_view key = setting_.row->held_in.line.key;
+        const std::string_view line = lines_[index];
+        const Finding about = about_.At(index);
+        if (FirstWord(line) != name_) {
+            return {
+                about.With(Impact::kReading)
+                    .Problem("is read and set in the wrong line",
+                             Excerpt(line) + " comes first and holds '" + std::string(key) + "'",
+                             "word it otherwise, or move it below the line with the value")};
         }
         if (stray_ && *stray_ < index) {
-            return {LineOutside(index)};
+            return {about.With(Impact::kNothing)
+                        .Problem("does not reach the interface",
+                                 "the line stands behind " + Excerpt(lines_[*stray_]) +
+                                     ", outside the stanza",
+                                 "move it up, below line " + std::to_string(stanza_.header + 1))};
         }
         Findings findings;
-        const std::string_view line = lines_[index];
-        const std::string_view text = line.substr(line.find(value_.key) + value_.key.size());
+        const std::string_view text = line.substr(line.find(key) + key.size());
         if (WithoutLineEnd(text) != Trimmed(text)) {
-            findings.push_back(SpaceAround(index));
+            findings.push_back(about.With(Impact::kReading)
+                                   .Warning("is read with white space around it",
+                                            "more than one blank stands around the value",
+                                            "leave one blank before the value and none behind it"));
         }
-        const std::optional<size_t> second =
-            FindLine(lines_, index + 1, stanza_.end,
-                     [this](std::string_view other) { return velk::Contains(other, value_.key); });
-        if (second && value_.id == VELK_CMD_GATEWAY) {
-            findings.push_back(SecondLine(index, *second));
+        // A set to none removes the first line alone.
+        const auto second = FindLine(lines_, index + 1, stanza_.end, HasKey(setting_));
+        if (second && setting_.row->id == VELK_CMD_GATEWAY) {
+            findings.push_back(
+                about_.At(*second).Warning("cannot be set to none at once",
+                                           Excerpt(lines_[*second]) + " counts when line " +
+                                               std::to_string(index + 1) + " is removed",
+                                           "remove it"));
         }
         return findings;
     }
 
-    Finding OtherLine(size_t index) const {
-        Finding finding = At(index);
-        finding.effect = "is read and set in the wrong line";
-        finding.what =
-            Excerpt(lines_[index]) + " comes first and holds '" + std::string(value_.key) + "'";
-        finding.remedy = "word it otherwise, or move it below the line with the value";
-        finding.hinders = Hinders::kReading;
-        return finding;
-    }
-
-    Finding LineOutside(size_t index) const {
-        Finding finding = At(index);
-        finding.effect = "does not reach the interface";
-        finding.what =
-            "the line stands behind " + Excerpt(lines_[*stray_]) + ", outside the stanza";
-        finding.remedy = "move it up, below line " + std::to_string(stanza_.header + 1);
-        finding.hinders = Hinders::kNothing;
-        return finding;
-    }
-
-    Finding SpaceAround(size_t index) const {
-        Finding finding = At(index);
-        finding.severity = Severity::kWarning;
-        finding.effect = "is read with white space around it";
-        finding.what = "more than one blank stands around the value";
-        finding.remedy = "leave one blank before the value and none behind it";
-        finding.hinders = Hinders::kReading;
-        return finding;
-    }
-
-    // None takes away the first line alone.
-    Finding SecondLine(size_t first, size_t second) const {
-        Finding finding = At(second);
-        finding.severity = Severity::kWarning;
-        finding.effect = "cannot be set to none at once";
-        finding.what = Excerpt(lines_[second]) + " counts when line " + std::to_string(first + 1) +
-                       " is removed";
-        finding.remedy = "remove it";
-        return finding;
-    }
-
-    Findings JudgeAbsence() const {
+    // A stanza that is not the last one gains a line at its end, the last one none.
+    Findings CheckAbsence() const {
         const std::optional<size_t> unseen =
-            FindLine(lines_, stanza_.header + 1, stanza_.end,
-                     [this](std::string_view line) { return FirstWord(line) == value_.name; });
-        const bool is_last_stanza = stanza_.end == lines_.size();
+            Find([this](std::string_view line) { return FirstWord(line) == name_; });
+        const bool is_last = stanza_.end == lines_.size();
         if (unseen) {
-            return {UnseenLine(*unseen, is_last_stanza)};
+            return {about_.At(*unseen)
+                        .With(is_last ? Impact::kSetting : Impact::kNothing)
+                        .Problem(is_last
+                                     ? "can be neither read nor set"
+                                     : "cannot be read, and a set adds a second " + name_ + " line",
+                                 "no blank stands behind the word '" + name_ + "'",
+                                 "put one blank, no tab, between the word and the value")};
         }
-        if (is_last_stanza) {
-            return {NoLineInLastStanza()};
+        if (is_last) {
+            return {about_.At(stanza_.header)
+                        .Problem("cannot be set",
+                                 "the stanza is the last one and has no " + name_ + " line",
+                                 line_to_add_ + " to it")};
         }
-        return stray_ ? Findings{NoLineBeforeStray()} : Findings{};
-    }
-
-    // A stanza that is not the last one gains a line of the library's own, beside this one.
-    Finding UnseenLine(size_t index, bool is_last_stanza) const {
-        Finding finding = At(index);
-        finding.effect = "can be neither read nor set";
-        if (!is_last_stanza) {
-            finding.effect = "cannot be read, and a set adds a second " + name_ + " line";
-            finding.hinders = Hinders::kNothing;
+        if (!stray_) {
+            return {};
         }
-        finding.what = "no blank stands behind the word '" + name_ + "'";
-        finding.remedy = "put one blank, no tab, between the word and the value";
-        return finding;
-    }
-
-    Finding NoLineInLastStanza() const {
-        Finding finding = At(stanza_.header);
-        finding.effect = "cannot be set";
-        finding.what = "the stanza is the last one and has no " + name_ + " line";
-        finding.remedy = "add " + line_to_add_ + " to it";
-        return finding;
-    }
-
-    Finding NoLineBeforeStray() const {
-        Finding finding = At(stanza_.header);
-        finding.severity = Severity::kWarning;
-        finding.effect = "would be set in the wrong place";
-        finding.what = "the stanza has no " + name_ + " line; a new one would stand behind " +
-                       Excerpt(lines_[*stray_]) + ", outside the stanza";
-        finding.remedy = "add " + line_to_add_ + " below it before setting it";
-        finding.hinders = Hinders::kNothing;
-        return finding;
+        return {about_.At(stanza_.header)
+                    .With(Impact::kNothing)
+                    .Warning("would be set in the wrong place",
+                             "the stanza has no " + name_ + " line; a new one would stand behind " +
+                                 Excerpt(lines_[*stray_]) + ", outside the stanza",
+                             line_to_add_ + " below it before setting it")};
     }
 
     const Lines& lines_;
     const Stanza& stanza_;
-    const ValueLine& value_;
+    const Setting& setting_;
     const std::string name_;
     const std::string line_to_add_;
-    const std::optional<size_t> stray_;
+    const Finding about_;
+    const std::optional<size_t> stray_;  // the line that ends the stanza for ifup
 };
 
 }  // namespace
 
 Findings CheckValueLines(const Lines& lines, const Stanza& stanza) {
     Findings findings;
-    for (const ValueLine& value : kValueLines) {
-        Append(findings, ValueCheck(lines, stanza, value).Run());
+    for (const Setting& setting : SettingsHeldIn(velk::kInterfacesFile, stanza.interface)) {
+        if (!setting.row->held_in.line.key.empty()) {
+            Append(findings, ValueCheck(lines, stanza, setting).Run());
+        }
     }
     return findings;
 }
 
 Findings ValueLineOf(const Setting& setting) {
-    const auto* value = std::ranges::find(kValueLines, setting.row->id, &ValueLine::id);
+    const bool has_line = Includes(SettingsHeldIn(velk::kInterfacesFile), setting) &&
+                          !setting.row->held_in.line.key.empty();
     const TextFile file = ReadTextFile(velk::kInterfacesFile);
     const std::optional<Stanza> stanza = FindStanza(file.lines, std::string(setting.interface));
-    if (value == kValueLines.end() || !stanza) {
+    if (!has_line || !stanza) {
         return {};
     }
-    const std::optional<size_t> index = FindValueLine(file.lines, *stanza, value->key);
+    const auto index = FindLine(file.lines, stanza->header + 1, stanza->end, HasKey(setting));
     if (!index) {
         return {};
     }
-    return {{.severity = Severity::kWarning,
-             .subject = setting.name(),
-             .effect = "still has a line",
-             .what = "it is read from " + Excerpt(file.lines[*index]),
-             .file = velk::kInterfacesFile,
-             .line = *index + 1,
-             .remedy = "remove that line, or set it once more",
-             .concerns = {{.id = value->id, .interface = stanza->interface}},
-             .hinders = Hinders::kReading}};
+    return {About(setting, velk::kInterfacesFile, Impact::kReading)
+                .At(*index)
+                .Warning("still has a line", "it is read from " + Excerpt(file.lines[*index]),
+                         "remove that line, or set it once more")};
 }
 
 }  // namespace velkctl

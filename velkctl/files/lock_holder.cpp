@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
 
 #include <sys/stat.h>
@@ -15,17 +14,10 @@
 #include "velkctl/files/file_facts.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
-
-// The number a word begins with.
-template <typename Number>
-std::optional<Number> NumberIn(std::string_view word) {
-    Number number{};
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    return error == std::errc() ? std::optional(number) : std::nullopt;
-}
 
 // A file as /proc/locks names it: "fe:00:404740".
 std::string FileInLocks(dev_t device, ino_t inode) {
@@ -71,7 +63,7 @@ std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode
         }
         (void)velk::TakeWord(line);  // ADVISORY
         (void)velk::TakeWord(line);  // WRITE
-        const std::optional<int> process = NumberIn<int>(velk::TakeWord(line));
+        const std::optional<int> process = ParseNumber<int>(velk::TakeWord(line));
         if (velk::TakeWord(line) == file && process.value_or(0) > 0) {
             return process;
         }
@@ -90,8 +82,9 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
     for (int field = 0; field < kFieldsBetween; ++field) {
         (void)velk::TakeWord(stat);
     }
-    const auto start = NumberIn<long long>(velk::TakeWord(stat));
-    const auto now = NumberIn<long>(velk::TakeWord(uptime));
+    const auto start = ParseNumber<long long>(velk::TakeWord(stat));
+    const std::string_view up = velk::TakeWord(uptime);  // "1234.56"
+    const auto now = ParseNumber<long>(up.substr(0, up.find('.')));
     if (!start || !now) {
         return std::nullopt;
     }

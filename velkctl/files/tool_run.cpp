@@ -15,7 +15,6 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/unique_fd.h"
-#include "velkctl/call/environment.h"
 
 extern char** environ;
 

@@ -10,6 +10,10 @@
 
 namespace velkctl {
 
+// The folders where velkctl and its tools look for programs. sudo looks in the same ones.
+inline constexpr char kToolFolders[] =
+    "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
 // Where the tool is in these folders, in the form of PATH; nothing when it is in none. A name with
 // a slash is its own place.
 std::optional<std::string> FindTool(std::string_view name, std::string_view folders);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "velkctl/text/find_row.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -15,9 +16,8 @@ constexpr std::string_view kUnknownRemedy = "use a velkctl as new as the library
 }  // namespace
 
 ResultCode FindResultCode(int code) {
-    const auto* row = std::find_if(kResultCodes.begin(), kResultCodes.end(),
-                                   [code](const ResultCode& known) { return known.code == code; });
-    if (row == kResultCodes.end()) {
+    const ResultCode* row = FindRow(kResultCodes, code, &ResultCode::code);
+    if (row == nullptr) {
         return {code, kUnknownName, kUnknownDescription, kUnknownRemedy, ExitStatus::kFailed};
     }
     return *row;

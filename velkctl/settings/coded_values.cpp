@@ -2,9 +2,10 @@
 #include "velkctl/settings/coded_values.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -67,9 +68,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
 }
 
 const CodedValue* CodedKind::Find(uint8_t code) const {
-    const auto value = std::find_if(values_.begin(), values_.end(),
-                                    [code](const CodedValue& known) { return known.code == code; });
-    return value == values_.end() ? nullptr : &*value;
+    return FindRow(values_, code, &CodedValue::code);
 }
 
 Parsed CodedKind::Force(std::span<const std::string> words) const {
@@ -77,15 +76,10 @@ Parsed CodedKind::Force(std::span<const std::string> words) const {
     if (parsed.ok() || words.size() != 1) {
         return parsed;
     }
-    uint8_t code = 0;
-    const std::string& word = words.front();
-    const char* end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, code);
-    if (error != std::errc() || stop != end) {
-        return parsed;
+    if (const std::optional<uint8_t> code = ParseNumber<uint8_t>(words.front())) {
+        parsed.problem.clear();
+        parsed.data[0] = static_cast<char>(*code);
     }
-    parsed.problem.clear();
-    parsed.data[0] = static_cast<char>(code);
     return parsed;
 }
 

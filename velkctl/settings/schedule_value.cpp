@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstring>
 #include <optional>
 
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
@@ -34,13 +34,6 @@ struct Schedule {
     std::string time;
 };
 
-std::optional<int> ParseNumber(std::string_view text, int first, int last) {
-    int number = 0;
-    const auto [stop, error] = std::from_chars(text.begin(), text.end(), number);
-    const bool is_whole = error == std::errc() && stop == text.end() && text.front() != '-';
-    return is_whole && number >= first && number <= last ? std::optional(number) : std::nullopt;
-}
-
 // "8:05" and "08:05" alike, as two digits each.
 std::optional<std::string> ParseTime(std::string_view text) {
     const size_t colon = text.find(':');
@@ -48,8 +41,8 @@ std::optional<std::string> ParseTime(std::string_view text) {
         return std::nullopt;
     }
     const std::string_view minute = text.substr(colon + 1);
-    const std::optional<int> hours = ParseNumber(text.substr(0, colon), 0, 23);
-    const std::optional<int> minutes = ParseNumber(minute, 0, 59);
+    const std::optional<int> hours = ParseNumber<uint8_t>(text.substr(0, colon), 0, 23);
+    const std::optional<int> minutes = ParseNumber<uint8_t>(minute, 0, 59);
     if (!hours || !minutes || minute.size() != 2) {
         return std::nullopt;
     }
@@ -61,7 +54,7 @@ std::optional<Schedule> ParseEvery(std::string_view period) {
         return std::nullopt;
     }
     period.remove_suffix(1);
-    const std::optional<int> hours = ParseNumber(period, 1, 23);
+    const std::optional<int> hours = ParseNumber<uint8_t>(period, 1, 23);
     return hours ? std::optional(Schedule{VELK_SCHEDULE_HOURS, *hours, std::string(kMidnight)})
                  : std::nullopt;
 }
@@ -93,7 +86,7 @@ std::optional<Schedule> ParseSchedule(std::span<const std::string> words) {
         return OnDay(VELK_SCHEDULE_WEEKLY, ParseWeekday(words[1]), words[2]);
     }
     if (words.size() == 3 && words[0] == kMonthly) {
-        return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber(words[1], 1, 31), words[2]);
+        return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber<uint8_t>(words[1], 1, 31), words[2]);
     }
     return std::nullopt;
 }
@@ -177,8 +170,8 @@ Parsed ScheduleKind::Force(std::span<const std::string> words) const {
     if (words.size() != 4 || words[0] != kRaw || words[3].size() > VELK_DATA_SIZE - kTimeOffset) {
         return Parse(words);
     }
-    const std::optional<int> type = ParseNumber(words[1], 0, 255);
-    const std::optional<int> value = ParseNumber(words[2], 0, 255);
+    const std::optional<int> type = ParseNumber<uint8_t>(words[1], 0, 255);
+    const std::optional<int> value = ParseNumber<uint8_t>(words[2], 0, 255);
     return type && value ? InData({*type, *value, words[3]}) : Parse(words);
 }
 

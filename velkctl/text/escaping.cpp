@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <optional>
 #include <system_error>
 
 #include "velkctl/text/data.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
@@ -111,11 +111,10 @@ std::optional<char> LeadingEscape(std::string_view text) {
     if (text.size() < kEscapeLength || !text.starts_with("\\x")) {
         return std::nullopt;
     }
-    uint8_t byte = 0;
-    const char* end = text.data() + kEscapeLength;
-    const auto [stop, error] = std::from_chars(text.data() + 2, end, byte, 16);
-    return error == std::errc() && stop == end ? std::optional(static_cast<char>(byte))
-                                               : std::nullopt;
+    size_t end = 0;
+    const auto byte = LeadingNumber<uint8_t>(text.substr(2, kEscapeLength - 2), end, 16);
+    const bool is_whole = byte && end == kEscapeLength - 2;
+    return is_whole ? std::optional(static_cast<char>(*byte)) : std::nullopt;
 }
 
 std::string_view DoubledBackslash(std::string_view /*text*/) {

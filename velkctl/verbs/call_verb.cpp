@@ -12,7 +12,9 @@
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -34,8 +36,8 @@ constexpr std::array<TypeWord, 3> kTypeWords{{
 }};
 
 std::optional<velk_command_type> ParseType(std::string_view word) {
-    const auto* row = std::ranges::find(kTypeWords, word, &TypeWord::word);
-    return row == kTypeWords.end() ? std::nullopt : std::optional(row->type);
+    const TypeWord* row = FindRow(kTypeWords, word, &TypeWord::word);
+    return row == nullptr ? std::nullopt : std::optional(row->type);
 }
 
 std::string UnknownType(const Invocation& invocation) {
@@ -118,7 +120,7 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     if (!type) {
         return report.Refuse("call: " + UnknownType(invocation));
     }
-    const std::optional<uint32_t> id = ParseId(invocation.words[1]);
+    const std::optional<uint32_t> id = ParseNumber<uint32_t>(invocation.words[1]);
     if (!id) {
         return report.Refuse("call: " + invocation.Shown(invocation.words[1]) +
                              " is not a command id; give a decimal number such as 108");
@@ -133,7 +135,7 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     if (!data.ok()) {
         return report.Refuse("call: " + data.problem);
     }
-    const bool masked = NamesSecret(Catalogue(), invocation.words[1]) && !invocation.show_secrets;
+    const bool masked = NamesSecret(invocation.words[1]) && !invocation.show_secrets;
     const Command command{*type, *id, interface};
     const Answer answer = Device(invocation.limits, report)
                               .Execute(command, data.data, "command " + std::to_string(*id));

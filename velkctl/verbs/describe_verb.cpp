@@ -7,6 +7,7 @@
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -15,8 +16,8 @@ namespace {
 
 // Returns the settings with this full name, name without interface, or id.
 std::vector<Setting> FindAll(std::string_view word) {
-    std::vector<Setting> settings = SettingsOf(Catalogue());
-    const std::optional<uint32_t> id = ParseId(word);
+    std::vector<Setting> settings = Settings();
+    const std::optional<uint32_t> id = ParseNumber<uint32_t>(word);
     std::erase_if(settings, [&](const Setting& setting) {
         return setting.name() != word && setting.row->name != word && setting.row->id != id;
     });
@@ -79,7 +80,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
     const std::vector<Setting> settings = FindAll(word);
     if (settings.empty()) {
-        return report.Refuse("describe: " + UnknownSetting(Catalogue(), word));
+        return report.Refuse("describe: " + UnknownSetting(word));
     }
     Json described = Json::array();
     for (const Setting& setting : settings) {

@@ -1,6 +1,5 @@
 // explain_verb.cpp - the verb that explains results and exit statuses.
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +9,8 @@
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -35,12 +36,6 @@ std::optional<int> CodeOfName(std::string_view word) {
         }
     }
     return std::nullopt;
-}
-
-std::optional<int> ParseNumber(std::string_view word) {
-    int number = 0;
-    const auto [stop, error] = std::from_chars(word.begin(), word.end(), number);
-    return error == std::errc() && stop == word.end() ? std::optional(number) : std::nullopt;
 }
 
 void ExplainResult(int code, Report& report) {
@@ -78,7 +73,7 @@ void ExplainStatus(const ExitMeaning& meaning, Report& report) {
 
 ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
-    const std::optional<int> number = ParseNumber(word);
+    const std::optional<int> number = ParseNumber<int>(word);
     const std::optional<int> code = number ? number : CodeOfName(word);
     if (!code) {
         return report.Refuse("explain: " + Quoted(word) +
@@ -87,9 +82,9 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
                                         "give a number such as -3 or 3, or a name such as LOCKED"));
     }
     const auto* meaning =
-        std::ranges::find(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
+        FindRow(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
     // A name is always a result.
-    const bool is_status = number && meaning != kExitMeanings.end();
+    const bool is_status = number && meaning != nullptr;
     if (*code > 0 && !is_status) {
         return report.Refuse(
             "explain: " + Quoted(word) +

@@ -15,9 +15,9 @@ namespace {
 
 // Returns the setting of this name. Reports a name that is unknown or cannot be read.
 std::optional<Setting> FindReadable(const std::string& name, bool may_be_key, Report& report) {
-    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    const std::optional<Setting> setting = FindSetting(name);
     if (!setting) {
-        report.Complain("get: " + UnknownSetting(Catalogue(), name, may_be_key));
+        report.Complain("get: " + UnknownSetting(name, may_be_key));
         return std::nullopt;
     }
     if (!setting->can_get()) {

@@ -17,7 +17,7 @@ std::string Directions(const Setting& setting) {
 }  // namespace
 
 ExitStatus RunList(const Invocation& invocation, Report& report) {
-    std::vector<Setting> settings = SettingsOf(Catalogue());
+    std::vector<Setting> settings = Settings();
     if (!invocation.words.empty()) {
         std::erase_if(settings, [&](const Setting& setting) {
             return setting.interface != invocation.words.front();

@@ -22,7 +22,7 @@ constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
 // Adds the likely reason the restart had no effect. Returns false if none is found. The library
 // ignores the tools' exit status, so its success proves nothing.
 bool AddReason(const Answer& answer, Problem& problem) {
-    const Findings obstacles = RestartObstacles();
+    const Findings obstacles = CheckRestartTools();
     if (CountOf(obstacles, Severity::kProblem) > 0) {
         AddLikelyCause(problem, obstacles.front());
         return true;

@@ -6,12 +6,12 @@
 
 #include "velkctl/call/device.h"
 #include "velkctl/call/files_before.h"
+#include "velkctl/call/text_conflicts.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/read_back.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/settings/text_conflicts.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/network_check.h"
 #include "velkctl/verbs/setting_values.h"
@@ -42,17 +42,17 @@ Parsed ParseValue(const Setting& setting, WordSpan words, bool force) {
 // True if a later word is the name of a secret: then the first word is probably the secret.
 bool IsSwapped(WordSpan words) {
     return std::any_of(words.begin() + 1, words.end(),
-                       [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+                       [](const std::string& word) { return NamesSecret(word); });
 }
 
 // Returns the setting of this name. Reports a name that is unknown or cannot be set.
 std::optional<Setting> FindChangeable(WordSpan words, Report& report) {
     const std::string& name = words.front();
-    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    const std::optional<Setting> setting = FindSetting(name);
     if (!setting) {
         report.Complain("set: " + (IsSwapped(words)
                                        ? "the name of the setting comes first, then its value"
-                                       : UnknownSetting(Catalogue(), name)));
+                                       : UnknownSetting(name)));
         return std::nullopt;
     }
     if (!setting->can_set()) {
@@ -110,11 +110,11 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         report.Complain(problem);
         return StatusOf(answer);
     }
-    const Verification verification = invocation.no_verify
-                                          ? Verification{std::nullopt, ExitStatus::kDone}
-                                          : VerifySet(*setting, *value, before, device, report);
-    report.Member("setting", SetInJson(*setting, *value, verification.held));
-    return verification.status;
+    const ReadBack read_back = invocation.no_verify
+                                   ? ReadBack{std::nullopt, ExitStatus::kDone}
+                                   : ReadSettingBack(*setting, *value, before, device, report);
+    report.Member("setting", SetInJson(*setting, *value, read_back.held));
+    return read_back.status;
 }
 
 }  // namespace velkctl

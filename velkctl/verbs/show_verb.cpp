@@ -42,7 +42,7 @@ class Table {
 };
 
 std::vector<Setting> Readable(std::optional<std::string_view> interface) {
-    std::vector<Setting> settings = SettingsOf(Catalogue());
+    std::vector<Setting> settings = Settings();
     std::erase_if(settings, [&](const Setting& setting) {
         return !setting.can_get() || (interface && setting.interface != *interface);
     });

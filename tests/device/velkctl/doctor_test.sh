@@ -26,24 +26,24 @@ examine() { script "$1
     velkctl doctor"; }
 
 # What is said besides the remedies.
-findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  mend: ')"; }
+findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  fix: ')"; }
 
-it 'says what the sample device lacks, and how to mend it'
+it 'names the lines that the sample device lacks, and their fix'
 on_device sh -c 'velkctl doctor | grep -A 1 "^[a-z]*: eth[01]\."'
 output_is 'problem: eth1.address cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no address line
-  mend: add a line "address 192.168.0.10" to it
+  fix: add a line "address 192.168.0.10" to it
 problem: eth1.netmask cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no netmask line
-  mend: add a line "netmask 255.255.255.0" to it
+  fix: add a line "netmask 255.255.255.0" to it
 problem: eth1.gateway cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
-  mend: add a line "gateway 192.168.0.1" to it
+  fix: add a line "gateway 192.168.0.1" to it
 warning: eth0.dhcp-dns cannot be set while the method is static: /etc/dhclient.conf:7: the interface'"'"'s block is switched off, and no other request statement counts
-  mend: velkctl set eth0.method dhcp, when DHCP is wanted'
+  fix: velkctl set eth0.method dhcp, when DHCP is wanted'
 
 it 'finds nothing on a device that has it all'
 examine ''
 status_is 0
 error_is ''
-output_is 'all is well'
+output_is 'no problems found'
 
 it 'answers in JSON'
 script "
@@ -53,13 +53,13 @@ import json, sys
 answer = json.load(sys.stdin)
 print(answer[\"verb\"], answer[\"status\"], answer[\"problems\"], answer[\"warnings\"])
 for finding in answer[\"findings\"]:
-    print(\" \".join(finding), finding[\"severity\"], finding[\"file\"], finding[\"line\"])
+    print(\" \".join(finding), finding[\"severity\"], finding[\"cause\"][\"file\"], finding[\"cause\"][\"line\"])
 '"
 status_is 0
 error_is ''
 output_is 'doctor 1 1 1
-severity subject effect what file line remedy settings problem /var/libvelk/libvelk None
-severity subject effect what file line remedy settings warning /var/tmp/root None'
+severity subject effect description cause remedy settings problem /var/libvelk/libvelk None
+severity subject effect description cause remedy settings warning /var/tmp/root None'
 
 it 'ends with 0 when there are only warnings, in JSON too'
 examine 'touch -d "3 hours ago" /var/tmp/get_result; velkctl doctor --json >/dev/null && echo done'
@@ -74,7 +74,7 @@ examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf
     mkfifo /var/cron/tabs/root; ln -s /usr/lib/os-release /etc/dhclient.conf'
 status_is 1
 output_has 'problem: method, address, netmask and gateway can be neither read nor set: /etc/network/interfaces: the file is missing
-  mend: put the device'"'"'s own file there
+  fix: put the device'"'"'s own file there
 '
 output_has 'problem: ntp, ntp-server and web-update can be neither read nor set: /var/cron/tabs/root: a folder, a FIFO or a device stands there
 '
@@ -110,7 +110,7 @@ findings_are "problem: ifconfig prints addresses in a form that the library does
 script ': >/tmp/none; stand_in ifconfig /tmp/none; velkctl doctor'
 status_is 1
 output_has 'problem: ifconfig is not installed: address and netmask of a DHCP interface cannot be read
-  mend: install it in a folder where velkctl looks, as /usr/bin
+  fix: install it in a folder where velkctl looks, as /usr/bin
 '
 
 it 'tells who holds the lock, without taking it'
@@ -158,7 +158,7 @@ it 'tells of an edit that a power cut left with an empty file, and of all that i
 script "$cut_short"'
     wc -c </etc/network/interfaces; cmp /var/tmp/interfaces /run/whole && echo "the copy is whole"
     velkctl doctor --json >/run/said
-    jq -r ".findings[0] | .severity, .what, .remedy" /run/said | sed "s/[0-9]* seconds* old/N old/"
+    jq -r ".findings[0] | .severity, .description, .remedy" /run/said | sed "s/[0-9]* seconds* old/N old/"
     velkctl doctor --json | grep -c "cat .* > "'
 output_is '0
 the copy is whole
@@ -175,21 +175,21 @@ output_is 'eth0.gateway: /etc/network/interfaces seems to have been cut while be
 it 'discards an edit that was not copied by the line it prints, and names what it would change'
 script 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     umask 077; sed "s/^0/5/" /run/before >/var/tmp/root
-    velkctl doctor --json >/run/said; jq -r ".findings[0] | .severity, .what" /run/said | sed "s/.*; the copy/the copy/"
+    velkctl doctor --json >/run/said; jq -r ".findings[0] | .severity, .description" /run/said | sed "s/.*; the copy/the copy/"
     sh -c "$(jq -r ".findings[0].remedy" /run/said | grep -o "to discard.*" | grep -o "(flock[^)]*) 9< [a-z_/]*" | head -1)"
     cmp -s /var/cron/tabs/root /run/before && echo "as before"; ls /var/tmp; velkctl doctor'
 output_is "warning
 the copy would add '5 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp...'
 as before
 vklib_lock
-all is well"
+no problems found"
 
 it 'has a file that others may read looked at where it may be the only whole text, and names no line of it'
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
     : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
 output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program whose real and effective user differ, has more than /etc/network/interfaces; the next set replaces it
-  mend: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
+  fix: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
 0'
 
 it 'tells of what is in the way of the output of tools'
@@ -212,7 +212,7 @@ it 'finds a tool that is not where sudo looks'
 script 'mkdir /run/mine; mv /sbin/ifup /run/mine; PATH=$PATH:/run/mine velkctl doctor'
 status_is 1
 output_is 'problem: ifup is not in a folder where sudo looks: no interface can be brought up again by a restart
-  mend: ln -s /run/mine/ifup /usr/local/sbin/ifup
+  fix: ln -s /run/mine/ifup /usr/local/sbin/ifup
 1 problem, 0 warnings'
 
 it 'tells of a wireless daemon that does not run'
@@ -225,13 +225,13 @@ it 'finds the cause of what is refused and of what cannot be read without an ada
 script 'velk-sandbox adapter out; velkctl get eth1.mac-address; echo $?; velkctl get eth1.ssid; echo $?; velkctl doctor'
 status_is 0
 error_is "velkctl: eth1.mac-address: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)
-velkctl: eth1.ssid: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; mend: plug an adapter in, and start the wireless daemon unless that does"
+velkctl: eth1.ssid: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; fix: plug an adapter in, and start the wireless daemon unless that does"
 output_is '4
 1
 warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none that is supported; what eth1 tells of adapter and connection is refused
-  mend: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
+  fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
 warning: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
-  mend: plug an adapter in, and start the wireless daemon unless that does
+  fix: plug an adapter in, and start the wireless daemon unless that does
 0 problems, 2 warnings'
 script 'velk-sandbox adapter out; velkctl doctor --json |
     jq -r ".findings[] | .settings | [length, index(\"eth1.mac-address\"), index(\"eth1.ssid\")] | @json"'
@@ -252,7 +252,7 @@ it 'names the daemon as the cause when it answers otherwise than it was told'
 for way in empty garbage; do
     script "wland --tell $way; velkctl set eth1.ssid foo"
     status_is 6
-    has 'standard error' "; likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise; mend: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
+    has 'standard error' "; likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise; fix: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
 done
 
 it 'tells of a tab behind a word as a set then does'
@@ -260,20 +260,20 @@ script 'sed -i "/iface eth0/,/iface eth1/s/address 192.*/address\t1.2.3.4/" /etc
     velkctl doctor | sed "s/interfaces:[0-9]*/interfaces:N/"; velkctl set eth0.address 10.0.0.7; echo $?
     grep "address" /etc/network/interfaces | head -2'
 output_is "problem: eth0.address cannot be read, and a set adds a second address line: /etc/network/interfaces:N: no blank stands behind the word 'address'
-  mend: put one blank, no tab, between the word and the value
+  fix: put one blank, no tab, between the word and the value
 1 problem, 0 warnings
 0
 	address	1.2.3.4
 	address 10.0.0.7"
 
-it 'tells of lines that end with CR LF, and mends them as it says'
+it 'finds lines that end with CR LF, and its fix repairs them'
 examine 'sed -i "s/$/\r/" /etc/network/interfaces /etc/dhclient-exit-hooks'
 status_is 1
 check 'findings' 'problem: method, address, netmask and gateway may be read and set wrongly: /etc/network/interfaces: N of its N lines end with CR LF
 problem: apipa, dhcp-notice and dhcp-ntp may be read and set wrongly: /etc/dhclient-exit-hooks: N of its N lines end with CR LF
-2 problems, 0 warnings' "$(grep -v '^  mend: ' <<<"$output" | sed 's/[0-9]* of its [0-9]* lines/N of its N lines/')"
-script 'sed -i "s/$/\r/" /etc/network/interfaces; velkctl doctor | sed -n "s/^  mend: //p" | sh && velkctl doctor'
-output_is 'all is well'
+2 problems, 0 warnings' "$(grep -v '^  fix: ' <<<"$output" | sed 's/[0-9]* of its [0-9]* lines/N of its N lines/')"
+script 'sed -i "s/$/\r/" /etc/network/interfaces; velkctl doctor | sed -n "s/^  fix: //p" | sh && velkctl doctor'
+output_is 'no problems found'
 
 it 'does not end well on files that are no text, or too large to look at'
 examine 'head -c 2000000 /dev/zero >/etc/network/interfaces; printf "\000\n" >>/var/cron/tabs/root'

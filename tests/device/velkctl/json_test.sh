@@ -28,7 +28,7 @@ member_orders = {
     "setting": {"set": "name value held"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
-    "findings": {"doctor": "severity subject effect what file line remedy settings"},
+    "findings": {"doctor": "severity subject effect description cause remedy settings"},
     "errors": {},
 }
 

@@ -514,8 +514,7 @@ TEST(CommandReference, SectionsOfWhatAdapterAndCableDecideHaveTheirResults) {
 
 // What is wrong with the arguments of "velkctl get" or "velkctl set"; empty when nothing is.
 std::string ProblemWith(const Words& arguments) {
-    const std::optional<velkctl::Setting> setting =
-        velkctl::FindSetting(velkctl::Catalogue(), arguments.at(1));
+    const std::optional<velkctl::Setting> setting = velkctl::FindSetting(arguments.at(1));
     if (!setting) {
         return "no such setting";
     }

@@ -220,7 +220,7 @@ class EditsOfTheLibrary : public EditCopyTest {
         WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=a\nLOCATION=b\n");
     }
     std::set<std::string> MadeBy(const std::string& name, const std::vector<std::string>& words) {
-        const velkctl::Setting setting = FindSetting(velkctl::Catalogue(), name).value();
+        const velkctl::Setting setting = velkctl::FindSetting(name).value();
         const velkctl::Data data = setting.row->kind->Parse(words).data;
         libc().ForgetEvents();
         EXPECT_EQ(Execute(VELK_SET, setting.row->id, setting.interface, {data.data(), data.size()}),
@@ -235,7 +235,7 @@ class EditsOfTheLibrary : public EditCopyTest {
         return made;
     }
     static std::set<std::string> FoundFor(const std::string& name) {
-        const velkctl::Setting setting = FindSetting(velkctl::Catalogue(), name).value();
+        const velkctl::Setting setting = velkctl::FindSetting(name).value();
         std::set<std::string> found;
         for (const EditCopy& copy :
              FindEditCopies(Command{VELK_SET, setting.row->id, setting.interface})) {

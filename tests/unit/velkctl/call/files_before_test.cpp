@@ -22,7 +22,7 @@ constexpr char kCopy[] = "/var/tmp/interfaces";
 
 class FilesBeforeTest : public testkit::DeviceTest {
   protected:
-    static FilesBefore Before() { return FilesBefore(*FindSetting(Catalogue(), "eth0.method")); }
+    static FilesBefore Before() { return FilesBefore(*FindSetting("eth0.method")); }
     // Returns the losses of this change of the file.
     static std::string Losses(std::string_view before, std::string_view after) {
         WriteFile(kInterfaces, before);

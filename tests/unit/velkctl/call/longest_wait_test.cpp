@@ -69,7 +69,7 @@ TEST(LongestWaitOf, ToolsOfUnknownSpeedAreNamed) {
 }
 
 TEST(LongestWaitOf, OfASettingIsThatOfReadingIt) {
-    const auto setting = velkctl::FindSetting(velkctl::Catalogue(), "eth1.ssid");
+    const auto setting = velkctl::FindSetting("eth1.ssid");
     EXPECT_EQ(velkctl::LongestWaitOf(*setting).seconds, 60);
 }
 

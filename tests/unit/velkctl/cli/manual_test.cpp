@@ -18,7 +18,7 @@ namespace {
 using velkctl::Catalogue;
 using velkctl::ExitStatus;
 using velkctl::Setting;
-using velkctl::SettingsOf;
+using velkctl::Settings;
 using velkctl::Verb;
 using velkctl::Verbs;
 
@@ -184,7 +184,7 @@ std::map<std::string, std::string> SettingsInPage() {
 
 TEST(Manual, NamesEverySettingWithItsIdAndDirections) {
     std::map<std::string, std::string> expected;
-    for (const Setting& setting : SettingsOf(Catalogue())) {
+    for (const Setting& setting : Settings()) {
         expected[setting.name()] = std::to_string(setting.row->id) +
                                    (setting.can_get() ? " get" : "") +
                                    (setting.can_set() ? " set" : "");

@@ -9,22 +9,22 @@ namespace {
 
 using velkctl::CheckTimeEntry;
 using velkctl::CheckWebUpdate;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class CrontabCheck : public testkit::DeviceTest {
   protected:
     static std::string ExamineTime(std::string_view text) {
         testkit::WriteFile("/var/cron/tabs/root", text);
-        return FindingsInWords(CheckTimeEntry());
+        return FormatFindings(CheckTimeEntry());
     }
     static std::string ExamineUpdate(std::string_view text) {
         testkit::WriteFile("/var/cron/tabs/root", text);
-        return FindingsInWords(CheckWebUpdate());
+        return FormatFindings(CheckWebUpdate());
     }
 };
 
 constexpr char kMend[] =
-    "  mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
+    "  fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
 
 TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
     EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n"), "");
@@ -70,7 +70,7 @@ TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
     const auto finding = [](const std::string& server) {
         return "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '" + server +
                "' stands in front of the server, too, and is replaced there\n"
-               "  mend: write the server's address in its place with an editor, or a name that "
+               "  fix: write the server's address in its place with an editor, or a name that "
                "does "
                "not stand further in front on the line\n";
     };
@@ -86,7 +86,7 @@ TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {
               "problem: ntp-server is joined with another entry: /var/cron/tabs/root:1: two "
               "entries stand on one line, as a set makes of a server that is the last word of its "
               "line\n"
-              "  mend: put the second one on a line of its own, and write: 0 * * * * "
+              "  fix: put the second one on a line of its own, and write: 0 * * * * "
               "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
 }
 
@@ -102,10 +102,10 @@ TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
                           "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
               "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
               "the clock' is taken for an entry\n"
-              "  mend: word it without 'ntpdate'\n"
+              "  fix: word it without 'ntpdate'\n"
               "problem: ntp cannot be switched on: /var/cron/tabs/root:2: two '#' stand before the "
               "entry, and switching on takes one away\n"
-              "  mend: leave one '#', in the first column\n");
+              "  fix: leave one '#', in the first column\n");
 }
 
 TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
@@ -121,7 +121,7 @@ TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
     EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
               "problem: web-update cannot be read: /var/cron/tabs/root:1: the schedule is not one "
               "of this library's\n"
-              "  mend: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+              "  fix: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
 }
 
 TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
@@ -133,7 +133,7 @@ TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
                   "/var/cron/tabs/root:1: '" +
                       line +
                       "' is not as the library writes it\n"
-                      "  mend: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+                      "  fix: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
     }
 }
 

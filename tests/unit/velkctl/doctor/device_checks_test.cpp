@@ -17,7 +17,7 @@ namespace {
 
 using testkit::WriteFile;
 using velkctl::FileState;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 using velkctl::ReadTextFile;
 
 bool Holds(const std::string& whole, const std::string& part) {
@@ -47,11 +47,11 @@ TEST_F(TextFileTest, DoesNotWaitForAFifoNorReadAFolderOrAHugeFile) {
 class FilesCheck : public testkit::DeviceTest {};
 
 TEST_F(FilesCheck, TellsWhichSettingsAMissingFileTakesAlong) {
-    const std::string words = FindingsInWords(velkctl::CheckFiles());
+    const std::string words = FormatFindings(velkctl::CheckFiles());
     EXPECT_TRUE(Holds(words,
                       "problem: method, address, netmask and gateway can be neither read nor set: "
                       "/etc/network/interfaces: the file is missing\n"
-                      "  mend: put the device's own file there\n"))
+                      "  fix: put the device's own file there\n"))
         << words;
     EXPECT_TRUE(Holds(words,
                       "problem: administrator and location can be neither read nor set: "
@@ -66,16 +66,16 @@ TEST_F(FilesCheck, TellsWhichSettingsAMissingFileTakesAlong) {
 
 TEST_F(FilesCheck, TellsAFifoInTheFilesPlace) {
     ASSERT_EQ(mkfifo("/etc/dhclient.conf", 0600), 0);
-    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckFiles()),
+    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckFiles()),
                       "problem: method, dhcp-dns and dhcp-ntp can be neither read nor set: "
                       "/etc/dhclient.conf: a folder, a FIFO or a device stands there\n"));
-    EXPECT_EQ(FindingsInWords(velkctl::CheckDhcpConfig()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckDhcpConfig()), "");
 }
 
 TEST_F(FilesCheck, FindsWhatIsNoTextOrTooLarge) {
     WriteFile("/etc/network/interfaces", std::string(2000000, '\0'));
     WriteFile("/var/cron/tabs/root", std::string("a\0b\n", 4));
-    const std::string words = FindingsInWords(velkctl::CheckFiles());
+    const std::string words = FormatFindings(velkctl::CheckFiles());
     EXPECT_TRUE(Holds(words,
                       "problem: method, address, netmask and gateway cannot be examined: "
                       "/etc/network/interfaces: the file is larger than 1 MiB\n"))
@@ -89,53 +89,53 @@ TEST_F(FilesCheck, FindsWhatIsNoTextOrTooLarge) {
 TEST_F(FilesCheck, FindsLinesThatEndWithCarriageReturnsWhereTheyMatter) {
     WriteFile("/sbin/dhclient-script", "if [ x$interface = xeth0 ]; then\r\nfi\r\n\n");
     WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 10.0.0.1\r\n");
-    const std::string words = FindingsInWords(velkctl::CheckFiles());
+    const std::string words = FormatFindings(velkctl::CheckFiles());
     EXPECT_TRUE(Holds(words,
                       "problem: dhcp-dns may be read and set wrongly: /sbin/dhclient-script: 2 of "
                       "its 3 lines end with CR LF\n"
-                      "  mend: sed -i 's/[[:cntrl:]]$//' /sbin/dhclient-script\n"))
+                      "  fix: sed -i 's/[[:cntrl:]]$//' /sbin/dhclient-script\n"))
         << words;
     EXPECT_FALSE(Holds(words, "/etc/resolv.dnsmasq.conf")) << words;
-    EXPECT_EQ(FindingsInWords(velkctl::CheckClientScript()), "")
+    EXPECT_EQ(FormatFindings(velkctl::CheckClientScript()), "")
         << "its words are not what they seem";
 }
 
 TEST_F(FilesCheck, SaysNothingAboutFoldersThatAreThere) {
-    EXPECT_EQ(FindingsInWords(velkctl::CheckFolders()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckFolders()), "");
 }
 
 TEST_F(FilesCheck, FindsDirectivesThatTheSnmpAgentsFileLacks) {
     constexpr char kSnmp[] = "/usr/local/share/etc/snmp/snmpd.conf";
     WriteFile(kSnmp, "syscontact a\nsyslocation b\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile(kSnmp, "sysContact a\n# syslocation b\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()),
               "problem: administrator does not reach the SNMP agent: "
               "/usr/local/share/etc/snmp/snmpd.conf:1: 'sysContact a' is not written in small "
               "letters\n"
-              "  mend: write syscontact\n"
+              "  fix: write syscontact\n"
               "problem: location does not reach the SNMP agent: "
               "/usr/local/share/etc/snmp/snmpd.conf: no line has the directive syslocation\n"
-              "  mend: add a line \"syslocation unknown\"\n");
+              "  fix: add a line \"syslocation unknown\"\n");
 }
 
 TEST_F(FilesCheck, FindsATextThatASetOfTheOtherOneCuts) {
     constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
     WriteFile(kIdentityFile, "ADMINISTRATOR=syscontact a\nLOCATION=syslocation b\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile(kIdentityFile, "ADMINISTRATOR=see syslocation\nLOCATION=by syscontact\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()),
               "problem: administrator is cut for the SNMP agent when location is set: "
               "/var/libvelk/libvelk: the text holds 'syslocation', from which on that set replaces "
               "a line\n"
-              "  mend: velkctl set administrator TEXT, without that word\n"
+              "  fix: velkctl set administrator TEXT, without that word\n"
               "problem: location is cut for the SNMP agent when administrator is set: "
               "/var/libvelk/libvelk: the text holds 'syscontact', from which on that set replaces "
               "a line\n"
-              "  mend: velkctl set location TEXT, without that word\n");
+              "  fix: velkctl set location TEXT, without that word\n");
     EXPECT_TRUE(libc().Logs().empty());
     ASSERT_EQ(unlink(kIdentityFile), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     EXPECT_TRUE(libc().Logs().empty());
 }
 
@@ -144,7 +144,7 @@ TEST_F(FilesCheck, LogsNothingOfATextThatIsGoneInTheMiddle) {
     WriteFile("/usr/local/share/etc/snmp/snmpd.conf", "syscontact a\nsyslocation b\n");
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=see syslocation\n");
     libc().Script(testkit::Call::kOpen, {testkit::Pass(), testkit::Pass(), testkit::Fail(ENOENT)});
-    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckIdentity()), "the text holds 'syslocation'"));
+    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckIdentity()), "the text holds 'syslocation'"));
     EXPECT_TRUE(libc().Logs().empty());
 }
 
@@ -152,55 +152,55 @@ TEST_F(FilesCheck, LogsNothingOfATextThatIsGoneInTheMiddle) {
 TEST_F(FilesCheck, LooksOnlyAtTheTextThatIsRead) {
     const std::string filler(511 - std::string_view("syslocation").size(), 'a');
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=" + filler + "asyslocation\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=a\nADMINISTRATOR=syslocation\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckIdentity()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=" + filler + "syslocation\n");
-    EXPECT_TRUE(Holds(FindingsInWords(velkctl::CheckIdentity()), "the text holds 'syslocation'"));
+    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckIdentity()), "the text holds 'syslocation'"));
 }
 
 class IfconfigCheck : public testkit::DeviceTest {};
 
 TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
-    EXPECT_EQ(FindingsInWords(velkctl::JudgeIfconfigOutput(
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput(
                   "lo  Link encap:Local Loopback\n    inet addr:127.0.0.1  Mask:255.0.0.0\n")),
               "");
-    EXPECT_EQ(FindingsInWords(velkctl::JudgeIfconfigOutput("")), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput("")), "");
 }
 
 TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
-    EXPECT_EQ(FindingsInWords(velkctl::JudgeIfconfigOutput(
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput(
                   "lo: flags=73<UP>\n        inet 127.0.0.1  netmask 255.0.0.0\n")),
               "problem: ifconfig prints addresses in a form that the library does not read: it "
               "prints 'inet 127.0.0.1  netmask 255.0.0.0', and 'inet addr:' and 'Mask:' are looked "
               "for; address and netmask of a DHCP interface read as none\n"
-              "  mend: install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's "
+              "  fix: install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's "
               "does\n");
 }
 
 class LeftoversCheck : public testkit::DeviceTest {};
 
 TEST_F(LeftoversCheck, SaysNothingWhereNothingWasLeft) {
-    EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()), "");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckQueryRemains()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()), "");
 }
 
 TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
     constexpr char kResult[] = "/var/tmp/get_result";
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckResultFile()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
               "warning: link-speed and the address and netmask of a lease may not have been read: "
               "/var/tmp/get_result: a FIFO stands where tools write their output; the next reading "
               "removes it\n"
-              "  mend: rm /var/tmp/get_result\n");
+              "  fix: rm /var/tmp/get_result\n");
     ASSERT_EQ(unlink(kResult), 0);
     ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
     EXPECT_EQ(
-        FindingsInWords(velkctl::CheckResultFile()),
+        FormatFindings(velkctl::CheckResultFile()),
         "warning: link-speed and the address and netmask of a lease may not have been read: "
         "/var/tmp/get_result: a symbolic link stands where tools write their output; the next "
         "reading removes it\n"
-        "  mend: rm /var/tmp/get_result\n");
+        "  fix: rm /var/tmp/get_result\n");
 }
 
 // In a folder that everybody may write, only root and the owner may remove a file.
@@ -209,7 +209,7 @@ TEST_F(LeftoversCheck, FindsWhatTheCallerMayNotRemove) {
     WriteFile(kResult, "x");
     ASSERT_EQ(chmod("/var/tmp", 01777), 0);
     std::string words;
-    const auto judge = [&] { words = FindingsInWords(velkctl::CheckResultFile()); };
+    const auto judge = [&] { words = FormatFindings(velkctl::CheckResultFile()); };
     if (setresuid(1234, 1234, 0) == -1) {
         GTEST_SKIP() << "the private device has no other users";
     }
@@ -218,7 +218,7 @@ TEST_F(LeftoversCheck, FindsWhatTheCallerMayNotRemove) {
     EXPECT_EQ(words,
               "problem: link-speed and the address and netmask of a lease cannot be read: "
               "/var/tmp/get_result: a file stands where tools write their output\n"
-              "  mend: rm /var/tmp/get_result\n");
+              "  fix: rm /var/tmp/get_result\n");
 }
 
 TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
@@ -226,10 +226,10 @@ TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
     WriteFile("/tmp/WlanAplFromWlanSock", "");
     WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
     EXPECT_TRUE(
-        Holds(FindingsInWords(velkctl::CheckResultFile()),
+        Holds(FormatFindings(velkctl::CheckResultFile()),
               "warning: link-speed and the address and netmask of a lease may not have been "
               "read: /var/tmp/get_result: a result was left behind, "));
-    const std::string words = FindingsInWords(velkctl::CheckQueryRemains());
+    const std::string words = FormatFindings(velkctl::CheckQueryRemains());
     EXPECT_TRUE(Holds(words,
                       "warning: wireless settings may not have been read: "
                       "/tmp/WlanAplFromWlanSock: a reply socket that nobody listens at was left "
@@ -243,23 +243,23 @@ TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
 
 TEST_F(LeftoversCheck, FindsASemaphoreThatEndsTheProgram) {
     WriteFile("/dev/shm/sem.WlanAplRecvSem", "");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckQueryRemains()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()),
               "problem: wireless settings end the program that reads them: "
               "/dev/shm/sem.WlanAplRecvSem: an empty file stands where the semaphore is made\n"
-              "  mend: rm /dev/shm/sem.WlanAplRecvSem\n");
+              "  fix: rm /dev/shm/sem.WlanAplRecvSem\n");
 }
 
 class LockCheck : public testkit::DeviceTest {};
 
 TEST_F(LockCheck, SaysNothingAboutAFreeLock) {
-    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckLock()), "");
     VkLibUnLock(VkLibLock());
-    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckLock()), "");
 }
 
 TEST_F(LockCheck, TellsWhoHoldsIt) {
     const int lock = VkLibLock();
-    const std::string words = FindingsInWords(velkctl::CheckLock());
+    const std::string words = FormatFindings(velkctl::CheckLock());
     VkLibUnLock(lock);
     EXPECT_TRUE(Holds(words,
                       "warning: settings cannot be changed now: /var/tmp/vklib_lock: the lock is "
@@ -271,40 +271,40 @@ TEST_F(LockCheck, TellsWhoHoldsIt) {
 TEST_F(LockCheck, FindsALockThatOthersCannotTake) {
     WriteFile("/var/tmp/vklib_lock", "");
     ASSERT_EQ(chmod("/var/tmp/vklib_lock", 0600), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckLock()),
               "warning: settings cannot be changed by every user: /var/tmp/vklib_lock: the lock "
               "file's mode is not 666\n"
-              "  mend: chmod 666 /var/tmp/vklib_lock\n");
+              "  fix: chmod 666 /var/tmp/vklib_lock\n");
 }
 
 TEST_F(LockCheck, FindsALockThatItsOwnerCouldReplace) {
     WriteFile("/var/tmp/vklib_lock", "");
     ASSERT_EQ(chmod("/var/tmp/vklib_lock", 0666), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckLock()), "");
     if (chown("/var/tmp/vklib_lock", 1234, 1234) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
-    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckLock()),
               "warning: settings can be changed by two programs at once: /var/tmp/vklib_lock: the "
               "lock file belongs to user 1234, who can remove it while it is locked and make it "
               "anew\n"
-              "  mend: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
+              "  fix: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
               "as root and with mode 666, before programs of other users run\n");
 }
 
 TEST_F(LockCheck, FindsALinkInItsPlace) {
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/vklib_lock"), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::CheckLock()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckLock()),
               "problem: settings cannot be changed: /var/tmp/vklib_lock: a symbolic link stands "
               "where the lock file is made\n"
-              "  mend: rm /var/tmp/vklib_lock\n");
+              "  fix: rm /var/tmp/vklib_lock\n");
 }
 
 class DaemonCheck : public testkit::DeviceTest {
   protected:
     static std::string Examine() {
         velkctl::Report report(velkctl::Report::Form::kText);
-        return FindingsInWords(velkctl::CheckDaemon(report));
+        return FormatFindings(velkctl::CheckDaemon(report));
     }
     static SMsgConf WithChannel(uint16_t channel) {
         SMsgConf conf{};
@@ -319,7 +319,7 @@ TEST_F(DaemonCheck, OnlyWarnsOfNoDaemonWithoutAnAdapter) {
     EXPECT_EQ(Examine(),
               "warning: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is "
               "missing, and no adapter is attached\n"
-              "  mend: plug an adapter in, and start the wireless daemon unless that does\n");
+              "  fix: plug an adapter in, and start the wireless daemon unless that does\n");
 }
 
 TEST_F(DaemonCheck, SaysNothingAboutADaemonThatAnswers) {
@@ -336,18 +336,18 @@ TEST_F(DaemonCheck, WarnsOfARecordWithoutAChannel) {
     EXPECT_EQ(Examine(),
               "warning: the wireless daemon may not answer with its configuration: "
               "/tmp/WlanAplToWlanSock: its record has the channel 14, which is none\n"
-              "  mend: set eth1.channel, or restart the wireless daemon\n");
+              "  fix: set eth1.channel, or restart the wireless daemon\n");
 }
 
 TEST_F(DaemonCheck, WarnsOfAnAdapterThatIsNotAttached) {
-    EXPECT_EQ(FindingsInWords(velkctl::CheckAdapter()), "") << "the list itself is missing";
+    EXPECT_EQ(FormatFindings(velkctl::CheckAdapter()), "") << "the list itself is missing";
     WriteFile("/proc/bus/usb/devices", "S:  Product=Keyboard\n");
-    EXPECT_EQ(FindingsInWords(velkctl::CheckAdapter()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckAdapter()),
               "warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none "
               "that is supported; what eth1 tells of adapter and connection is refused\n"
-              "  mend: plug in one that /usr/local/share/apps/wlan/supportlist.ini names\n");
+              "  fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names\n");
     AttachAdapter();
-    EXPECT_EQ(FindingsInWords(velkctl::CheckAdapter()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckAdapter()), "");
 }
 
 TEST_F(DaemonCheck, FindsNoDaemon) {
@@ -355,12 +355,12 @@ TEST_F(DaemonCheck, FindsNoDaemon) {
     EXPECT_EQ(Examine(),
               "problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is "
               "missing\n"
-              "  mend: start the wireless daemon\n");
+              "  fix: start the wireless daemon\n");
     WriteFile("/tmp/WlanAplToWlanSock", "");
     EXPECT_EQ(Examine(),
               "problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: nobody listens "
               "at its socket\n"
-              "  mend: start the wireless daemon\n");
+              "  fix: start the wireless daemon\n");
 }
 
 }  // namespace

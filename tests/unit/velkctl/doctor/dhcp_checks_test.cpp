@@ -8,13 +8,13 @@
 namespace {
 
 using velkctl::CheckDhcpConfig;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class DhcpCheck : public testkit::DeviceTest {
   protected:
     static std::string Examine(std::string_view text) {
         testkit::WriteFile("/etc/dhclient.conf", text);
-        return FindingsInWords(CheckDhcpConfig());
+        return FormatFindings(CheckDhcpConfig());
     }
 };
 
@@ -29,11 +29,11 @@ TEST_F(DhcpCheck, FindsNoBlockAndNoRequest) {
     EXPECT_EQ(Examine(kEth0),
               "warning: eth1.method switches nothing here: /etc/dhclient.conf: there is no block "
               "of the interface\n"
-              "  mend: add one: \"interface \"eth1\" {\", its statements, \"}\", each on a line of "
+              "  fix: add one: \"interface \"eth1\" {\", its statements, \"}\", each on a line of "
               "its own\n"
               "problem: eth1.dhcp-dns cannot be set: /etc/dhclient.conf: there is no request "
               "statement that counts for eth1\n"
-              "  mend: add one: request subnet-mask, broadcast-address, routers;\n");
+              "  fix: add one: request subnet-mask, broadcast-address, routers;\n");
 }
 
 TEST_F(DhcpCheck, TakesARequestOutsideTheBlocksForAll) {
@@ -45,17 +45,17 @@ TEST_F(DhcpCheck, FindsABlockThatIsSwitchedOff) {
               "warning: eth0.dhcp-dns cannot be set while the method is static: "
               "/etc/dhclient.conf:1: the interface's block is switched off, and no other request "
               "statement counts\n"
-              "  mend: velkctl set eth0.method dhcp, when DHCP is wanted\n");
+              "  fix: velkctl set eth0.method dhcp, when DHCP is wanted\n");
 }
 
 TEST_F(DhcpCheck, FindsARequestWithoutAnEnd) {
     EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest routers\n}\n" + std::string(kEth1)),
               "problem: eth0.dhcp-dns is switched in the wrong statement: /etc/dhclient.conf:2: no "
               "';' ends this request statement\n"
-              "  mend: write one behind its last option\n"
+              "  fix: write one behind its last option\n"
               "problem: dhcp-ntp is switched in the wrong statement: /etc/dhclient.conf:2: no ';' "
               "ends this request statement\n"
-              "  mend: write one behind its last option\n");
+              "  fix: write one behind its last option\n");
 }
 
 TEST_F(DhcpCheck, FindsAStatementThatWouldGainTheOption) {
@@ -64,7 +64,7 @@ TEST_F(DhcpCheck, FindsAStatementThatWouldGainTheOption) {
               "problem: dhcp-ntp would break the file when set to on once more: "
               "/etc/dhclient.conf:3: ntp-servers is added to 'send host-name \"x\";', too, while "
               "the request statement above has it already\n"
-              "  mend: move the request statement below it\n");
+              "  fix: move the request statement below it\n");
 }
 
 TEST_F(DhcpCheck, FindsRemarksThatSwitchingOnWouldBringToLife) {
@@ -72,15 +72,15 @@ TEST_F(DhcpCheck, FindsRemarksThatSwitchingOnWouldBringToLife) {
                       std::string(kEth1)),
               "problem: eth0.method would break the file when set to dhcp: /etc/dhclient.conf:2: "
               "the '#' of '# all of it' is taken away\n"
-              "  mend: put the remark above the block\n"
+              "  fix: put the remark above the block\n"
               "problem: eth0.method would break the file when set to dhcp: /etc/dhclient.conf:3: "
               "the '#' of the remark in 'request routers; # and more' is taken away\n"
-              "  mend: put the remark above the block\n");
+              "  fix: put the remark above the block\n");
     EXPECT_EQ(
         Examine("request routers;\n#interface \"eth0\" {\n# all of it\n#}\n" + std::string(kEth1)),
         "warning: eth0.method may break the file when set to dhcp: /etc/dhclient.conf:3: the "
         "'#' of '# all of it' is taken away, and it looks like a remark\n"
-        "  mend: put the remark above the block\n");
+        "  fix: put the remark above the block\n");
 }
 
 TEST_F(DhcpCheck, FindsAnOpeningLineThatIsNotRecognised) {
@@ -88,13 +88,13 @@ TEST_F(DhcpCheck, FindsAnOpeningLineThatIsNotRecognised) {
                       std::string(kEth1)),
               "problem: eth0.method switches a line that is not its own: /etc/dhclient.conf:4: a "
               "'}' outside the blocks of interfaces\n"
-              "  mend: move these braces into a file of their own, and include it here\n"
+              "  fix: move these braces into a file of their own, and include it here\n"
               "problem: eth0.method does not switch the interface's block: /etc/dhclient.conf:2: "
               "the library does not recognise the opening line 'interface\"eth0\" {'\n"
-              "  mend: write: interface \"eth0\" {\n"
+              "  fix: write: interface \"eth0\" {\n"
               "problem: eth1.method switches a line that is not its own: /etc/dhclient.conf:4: a "
               "'}' outside the blocks of interfaces\n"
-              "  mend: move these braces into a file of their own, and include it here\n");
+              "  fix: move these braces into a file of their own, and include it here\n");
 }
 
 TEST_F(DhcpCheck, FindsARemarkThatIsTakenForABlock) {
@@ -102,7 +102,7 @@ TEST_F(DhcpCheck, FindsARemarkThatIsTakenForABlock) {
               "problem: method, dhcp-dns and dhcp-ntp are not found, or switched for the wrong "
               "lines: /etc/dhclient.conf:1: the remark '# for every interface' is taken for the "
               "opening line of a block\n"
-              "  mend: word it without 'interface'\n");
+              "  fix: word it without 'interface'\n");
 }
 
 TEST_F(DhcpCheck, FindsBlocksThatDoNotEndWhereTheySeemTo) {
@@ -110,11 +110,11 @@ TEST_F(DhcpCheck, FindsBlocksThatDoNotEndWhereTheySeemTo) {
               "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines: "
               "/etc/dhclient.conf:1: the block ends where it begins; its interface's lines run on "
               "to the next '}'\n"
-              "  mend: write the closing brace on a line of its own\n");
+              "  fix: write the closing brace on a line of its own\n");
     EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest routers;}\n"),
               "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines: "
               "/etc/dhclient.conf:1: no line with '}' as a word ends the block\n"
-              "  mend: write the closing brace on a line of its own\n");
+              "  fix: write the closing brace on a line of its own\n");
 }
 
 }  // namespace

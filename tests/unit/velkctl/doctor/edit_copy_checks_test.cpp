@@ -22,7 +22,7 @@ constexpr char kCopy[] = "/var/tmp/root";
 
 class EditCopyCheck : public testkit::DeviceTest {
   protected:
-    static std::string Said() { return FindingsInWords(velkctl::CheckEditCopies()); }
+    static std::string Said() { return FormatFindings(velkctl::CheckEditCopies()); }
     static void WriteCopy(const std::string& path, const std::string& text) {
         WriteFile(path, text);
         ASSERT_EQ(chmod(path.c_str(), 0600), 0);
@@ -40,8 +40,8 @@ TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
 }
 
 TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
-    constexpr char kMend[] =
-        "  mend: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
+    constexpr char kFix[] =
+        "  fix: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
         "copy is right, copy its text into the file by hand, as root\n";
     const std::string found =
         "problem: ntp, ntp-server and web-update may be lost: /var/cron/tabs/root: the file seems "
@@ -54,21 +54,21 @@ TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
         EXPECT_EQ(Said(), found +
                               "which the next set replaces; the copy would add '0 * * * * "
                               "true', '\\x1b[1m'\n" +
-                              kMend);
+                              kFix);
     }
     WriteOld(kCopy, "0 * * * * true\n0 *");
     WriteFile(kCrontab, "");
     EXPECT_EQ(Said(), found +
                           "which may lack its end, too, and which the next set replaces; the "
                           "copy would add '0 * * * * true', '0 *'\n" +
-                          kMend);
+                          kFix);
 }
 
 TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
     WriteFile("/etc/network/interfaces", "");
     WriteOld("/var/tmp/interfaces", "iface eth0 inet static\n");
-    const auto setting = FindSetting(velkctl::Catalogue(), "eth0.method").value();
-    const velkctl::Findings causes = velkctl::CausesOf(setting);
+    const auto setting = velkctl::FindSetting("eth0.method").value();
+    const velkctl::Findings causes = velkctl::LikelyCauses(setting);
     ASSERT_FALSE(causes.empty());
     velkctl::Problem problem{"eth0.method: could not be read"};
     AddLikelyCause(problem, causes.front());
@@ -83,15 +83,15 @@ TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
 
 TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
     WriteFile(kCrontab, "0 * * * * true\n5 * * * * true\n");
-    constexpr char kMend[] = "; the next set replaces it\n  mend: rm /var/tmp/root\n";
+    constexpr char kFix[] = "; the next set replaces it\n  fix: rm /var/tmp/root\n";
     const std::string left =
         "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an edit "
         "copy was left behind, 2 days old, ";
     WriteOld(kCopy, "");
-    EXPECT_EQ(Said(), left + "empty" + kMend);
+    EXPECT_EQ(Said(), left + "empty" + kFix);
     for (const char* part : {"0 * * * * true\n", "0 * * * * false\n5 *"}) {
         WriteOld(kCopy, part);
-        EXPECT_EQ(Said(), left + "that may not be whole" + kMend) << part;
+        EXPECT_EQ(Said(), left + "that may not be whole" + kFix) << part;
     }
 }
 
@@ -103,7 +103,7 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
               "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
               "edit copy was left behind, 2 days old, that differs from the file; the next set "
               "replaces it; the copy would add '5 * * * * true'\n"
-              "  mend: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
+              "  fix: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
               "to finish it, compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', "
               "and if the copy is right, copy its text into the file by hand, as root\n");
 }
@@ -112,7 +112,7 @@ TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
     WriteFile(kCrontab, std::string(1024 * 1024, 'a') + "\n");
     WriteOld(kCopy, "a\n");
     EXPECT_THAT(Said(), HasSubstr("2 days old, that cannot be compared with the file; the next "
-                                  "set replaces it\n  mend: to discard the edit: rm "
+                                  "set replaces it\n  fix: to discard the edit: rm "
                                   "/var/tmp/root; to finish it, compare both files, as with "));
 }
 
@@ -122,7 +122,7 @@ TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: an edit "
               "copy was left behind, 2 days old, the same as the file; the next set replaces it\n"
-              "  mend: rm /var/tmp/root\n");
+              "  fix: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
@@ -132,7 +132,7 @@ TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
     EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now: "
                                      "/var/tmp/root: an edit may be under way: the lock is held by "
                                      "process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
-                                     "  mend: none while that one is at work\n"));
+                                     "  fix: none while that one is at work\n"));
     VkLibUnLock(lock);
     EXPECT_THAT(Said(), HasSubstr("problem: "));
 }
@@ -147,7 +147,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
               "user 1234 with mode 600, not made by the library, stands where the edit copy is "
               "made; the next set replaces it\n"
-              "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+              "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
@@ -160,7 +160,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
                   std::to_string(geteuid()) +
                   " with mode 600 and another name, not made by the library, stands where the edit "
                   "copy is made; the next set replaces it\n"
-                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+                  "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
@@ -175,7 +175,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
                   std::to_string(geteuid()) +
                   " with mode 640, not made by the library, stands where the edit copy is made; "
                   "the next set replaces it\n"
-                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+                  "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
@@ -189,7 +189,7 @@ TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
             std::to_string(geteuid()) +
             " with mode 644, perhaps the edit copy of a program whose real and effective "
             "user differ, has more than /var/cron/tabs/root; the next set replaces it\n"
-            "  mend: it may be the only whole text; look at it before you remove it: (flock 9 "
+            "  fix: it may be the only whole text; look at it before you remove it: (flock 9 "
             "&& rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
 }
 
@@ -197,7 +197,7 @@ TEST_F(EditCopyCheck, OffersToDiscardAFileOfMode644WhereTheFileIsWhole) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
-    EXPECT_THAT(Said(), HasSubstr("\n  mend: look at it, use nothing of it, and remove it: rm "
+    EXPECT_THAT(Said(), HasSubstr("\n  fix: look at it, use nothing of it, and remove it: rm "
                                   "/var/tmp/root\n"));
 }
 
@@ -207,10 +207,10 @@ TEST_F(EditCopyCheck, FindsWhatASetReplaces) {
     EXPECT_EQ(Said(),
               "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
               "FIFO stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient.conf\n"
+              "  fix: rm /var/tmp/dhclient.conf\n"
               "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
               "stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient-script\n");
+              "  fix: rm /var/tmp/dhclient-script\n");
 }
 
 TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
@@ -218,7 +218,7 @@ TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
     EXPECT_EQ(Said(),
               "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
               "stands where the edit copy is made\n"
-              "  mend: rm -r /var/tmp/libvelk\n");
+              "  fix: rm -r /var/tmp/libvelk\n");
     ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
 }
 

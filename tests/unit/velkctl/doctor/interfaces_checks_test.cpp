@@ -8,13 +8,13 @@
 namespace {
 
 using velkctl::CheckInterfaces;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class InterfacesCheck : public testkit::DeviceTest {
   protected:
     static std::string Examine(std::string_view text) {
         testkit::WriteFile("/etc/network/interfaces", text);
-        return FindingsInWords(CheckInterfaces());
+        return FormatFindings(CheckInterfaces());
     }
 };
 
@@ -29,7 +29,7 @@ TEST_F(InterfacesCheck, SaysNothingAboutCompleteStanzas) {
 }
 
 TEST_F(InterfacesCheck, SaysNothingAboutAFileThatIsNotThere) {
-    EXPECT_EQ(FindingsInWords(CheckInterfaces()), "");
+    EXPECT_EQ(FormatFindings(CheckInterfaces()), "");
 }
 
 TEST_F(InterfacesCheck, FindsNoStanza) {
@@ -38,12 +38,12 @@ TEST_F(InterfacesCheck, FindsNoStanza) {
               "read nor set: "
               "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
               "dhcp'\n"
-              "  mend: add a stanza that begins with one\n");
+              "  fix: add a stanza that begins with one\n");
 }
 
 TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
-    const std::string mend =
-        "  mend: write \"iface eth0 inet static\" or \"... dhcp\" in the first column, with single "
+    const std::string fix =
+        "  fix: write \"iface eth0 inet static\" or \"... dhcp\" in the first column, with single "
         "blanks\n";
     for (const std::string header :
          {" iface eth0 inet dhcp", "iface  eth0 inet dhcp", "iface eth0\tinet dhcp"}) {
@@ -53,7 +53,7 @@ TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
                   "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not found "
                   "in a stanza: "
                   "/etc/network/interfaces:1: the library does not recognise the header '" +
-                      (header.find('\t') == std::string::npos ? shown : tab) + "'\n" + mend);
+                      (header.find('\t') == std::string::npos ? shown : tab) + "'\n" + fix);
     }
 }
 
@@ -62,17 +62,17 @@ TEST_F(InterfacesCheck, FindsAnotherMethod) {
               "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway cannot be read: "
               "/etc/network/interfaces:1: "
               "'manual' is neither static nor dhcp\n"
-              "  mend: velkctl set eth0.method static, or dhcp\n");
+              "  fix: velkctl set eth0.method static, or dhcp\n");
 }
 
 TEST_F(InterfacesCheck, FindsTheLinesThatALastStanzaCannotGain) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\tnetmask 255.0.0.0"),
               "problem: eth1.address cannot be set: /etc/network/interfaces:2: the stanza is the "
               "last one and has no address line\n"
-              "  mend: add a line \"address 192.168.0.10\" to it\n"
+              "  fix: add a line \"address 192.168.0.10\" to it\n"
               "problem: eth1.gateway cannot be set: /etc/network/interfaces:2: the stanza is the "
               "last one and has no gateway line\n"
-              "  mend: add a line \"gateway 192.168.0.1\" to it\n");
+              "  fix: add a line \"gateway 192.168.0.1\" to it\n");
 }
 
 TEST_F(InterfacesCheck, FindsASecondStanza) {
@@ -80,7 +80,7 @@ TEST_F(InterfacesCheck, FindsASecondStanza) {
               "warning: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not read from "
               "a second stanza: "
               "/etc/network/interfaces:2: only the one on line 1 counts\n"
-              "  mend: make one stanza of the two\n");
+              "  fix: make one stanza of the two\n");
 }
 
 TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
@@ -90,30 +90,30 @@ TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
               "problem: eth0.address is read and set in the wrong line: "
               "/etc/network/interfaces:2: 'hwaddress ether 02:00:00:00:00:01' comes first and "
               "holds 'address '\n"
-              "  mend: word it otherwise, or move it below the line with the value\n"
+              "  fix: word it otherwise, or move it below the line with the value\n"
               "problem: eth0.gateway is read and set in the wrong line: "
               "/etc/network/interfaces:4: '# the gateway is not set' comes first and holds "
               "'gateway '\n"
-              "  mend: word it otherwise, or move it below the line with the value\n");
+              "  fix: word it otherwise, or move it below the line with the value\n");
 }
 
 TEST_F(InterfacesCheck, FindsATabBehindAWord) {
     EXPECT_EQ(Examine("iface eth0 inet static\naddress\t10.0.0.1\n" + std::string(kEth1)),
               "problem: eth0.address cannot be read, and a set adds a second address line: "
               "/etc/network/interfaces:2: no blank stands behind the word 'address'\n"
-              "  mend: put one blank, no tab, between the word and the value\n");
+              "  fix: put one blank, no tab, between the word and the value\n");
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\taddress\t10.0.0.1\n"
                       "\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n"),
               "problem: eth1.address can be neither read nor set: /etc/network/interfaces:3: no "
               "blank stands behind the word 'address'\n"
-              "  mend: put one blank, no tab, between the word and the value\n");
+              "  fix: put one blank, no tab, between the word and the value\n");
 }
 
 TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
     EXPECT_EQ(Examine("iface eth0 inet static\n\taddress  10.0.0.1\r\n" + std::string(kEth1)),
               "warning: eth0.address is read with white space around it: "
               "/etc/network/interfaces:2: more than one blank stands around the value\n"
-              "  mend: leave one blank before the value and none behind it\n");
+              "  fix: leave one blank before the value and none behind it\n");
 }
 
 TEST_F(InterfacesCheck, TakesACarriageReturnForNoBlank) {
@@ -125,7 +125,7 @@ TEST_F(InterfacesCheck, FindsAGatewayThatOutlivesTheFirst) {
                       std::string(kEth1)),
               "warning: eth0.gateway cannot be set to none at once: /etc/network/interfaces:3: "
               "'gateway 10.0.0.2' counts when line 2 is removed\n"
-              "  mend: remove it\n");
+              "  fix: remove it\n");
 }
 
 TEST_F(InterfacesCheck, FindsWhereANewLineWouldLeaveTheStanza) {
@@ -134,7 +134,7 @@ TEST_F(InterfacesCheck, FindsWhereANewLineWouldLeaveTheStanza) {
                 std::string(kEth1)),
         "warning: eth0.gateway would be set in the wrong place: /etc/network/interfaces:1: the "
         "stanza has no gateway line; a new one would stand behind 'auto eth1', outside the stanza\n"
-        "  mend: add a line \"gateway 192.168.0.1\" below it before setting it\n");
+        "  fix: add a line \"gateway 192.168.0.1\" below it before setting it\n");
 }
 
 TEST_F(InterfacesCheck, FindsALineThatHasLeftTheStanza) {
@@ -143,7 +143,7 @@ TEST_F(InterfacesCheck, FindsALineThatHasLeftTheStanza) {
                       std::string(kEth1)),
               "problem: eth0.gateway does not reach the interface: /etc/network/interfaces:5: the "
               "line stands behind 'allow-hotplug eth1', outside the stanza\n"
-              "  mend: move it up, below line 1\n");
+              "  fix: move it up, below line 1\n");
 }
 
 TEST_F(InterfacesCheck, ShowsControlCharactersAsText) {

@@ -11,14 +11,14 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
-#include "velkctl/doctor/examination.h"
+#include "velkctl/doctor/checks.h"
 
 namespace {
 
 using testkit::WriteFile;
-using velkctl::CausesOf;
 using velkctl::Findings;
-using velkctl::Hinders;
+using velkctl::Impact;
+using velkctl::LikelyCauses;
 using velkctl::Setting;
 using velkctl::Severity;
 
@@ -31,7 +31,7 @@ constexpr char kIdentity[] = "/var/libvelk/libvelk";
 constexpr char kEth1[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
 
 Setting Find(const std::string& name) {
-    return FindSetting(velkctl::Catalogue(), name).value();
+    return velkctl::FindSetting(name).value();
 }
 
 // "/etc/network/interfaces:12: the stanza is ...; fix: add ..."
@@ -54,7 +54,7 @@ class CausesTest : public testkit::DeviceTest {
     }
     // The likeliest cause, in words.
     static std::string FirstOf(const std::string& name) {
-        const Findings causes = CausesOf(Find(name));
+        const Findings causes = LikelyCauses(Find(name));
         return causes.empty() ? "" : CauseText(causes.front());
     }
 
@@ -202,21 +202,21 @@ TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
 TEST_F(CausesTest, ALineOfAFileComesBeforeAllElseAndAProblemBeforeAWarning) {
     WriteFile(kInterfaces, "iface eth1 inet static\n\tgateway  10.0.0.1\n\tgateway 10.0.0.2\n");
     setenv("PATH", "/tmp", 1);
-    const Findings causes = CausesOf(Find("eth1.gateway"));
+    const Findings causes = LikelyCauses(Find("eth1.gateway"));
     ASSERT_EQ(causes.size(), 3U);
     EXPECT_EQ(causes[0].subject, "cat");
     EXPECT_EQ(causes[0].severity, Severity::kProblem);
     EXPECT_EQ(causes[1].line, 2U);
     EXPECT_EQ(causes[2].line, 3U);
     WriteFile(kInterfaces, "iface eth1 inet static\n");
-    EXPECT_EQ(CausesOf(Find("eth1.gateway"))[0].line, 1U);
-    EXPECT_EQ(CausesOf(Find("eth1.gateway"))[1].subject, "cat");
+    EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[0].line, 1U);
+    EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[1].subject, "cat");
 }
 
 TEST_F(CausesTest, TellWhetherASetIsKeptFromItsEffect) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
-    EXPECT_EQ(CausesOf(Find("eth1.gateway")).front().hinders, Hinders::kSetting);
-    EXPECT_EQ(CausesOf(Find("eth1.address")).front().hinders, Hinders::kReading);
+    EXPECT_EQ(LikelyCauses(Find("eth1.gateway")).front().impact, Impact::kSetting);
+    EXPECT_EQ(LikelyCauses(Find("eth1.address")).front().impact, Impact::kReading);
 }
 
 TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
@@ -228,8 +228,8 @@ TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
               "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers "
               "otherwise; fix: 'velkctl doctor' asks it; restart the wireless daemon");
     EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
-    for (const Setting& setting : velkctl::SettingsOf(velkctl::Catalogue())) {
-        const Findings causes = CausesOf(setting);
+    for (const Setting& setting : velkctl::Settings()) {
+        const Findings causes = LikelyCauses(setting);
         EXPECT_EQ(!causes.empty() && causes.front().subject == "the wireless daemon",
                   setting.row->interfaces == velkctl::kEth1 && setting.can_set())
             << setting.name();
@@ -254,19 +254,19 @@ TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {
 }
 
 TEST_F(CausesTest, OnlyWhatConcernsTheSettingIsFound) {
-    EXPECT_EQ(FindingsInWords(velkctl::ExamineFor(Find("web-update"))),
+    EXPECT_EQ(FormatFindings(velkctl::ExamineFor(Find("web-update"))),
               "problem: ntp, ntp-server and web-update can be neither read nor set: "
               "/var/cron/tabs/root: the file is missing\n"
-              "  mend: put the device's own file there\n");
-    for (const Setting& setting : velkctl::SettingsOf(velkctl::Catalogue())) {
+              "  fix: put the device's own file there\n");
+    for (const Setting& setting : velkctl::Settings()) {
         for (const velkctl::Finding& finding : velkctl::ExamineFor(setting)) {
-            EXPECT_TRUE(Includes(finding.concerns, setting)) << setting.name();
+            EXPECT_TRUE(Includes(finding.affected, setting)) << setting.name();
         }
     }
 }
 
 TEST_F(CausesTest, AreWordsThatCannotControlTheTerminal) {
-    EXPECT_EQ(CauseText({.what = "\x1b[2J", .file = "/f", .line = 3, .remedy = "\x07"}),
+    EXPECT_EQ(CauseText({.description = "\x1b[2J", .file = "/f", .line = 3, .remedy = "\x07"}),
               "/f:3: \\x1b[2J; fix: \\x07");
 }
 

@@ -31,11 +31,11 @@ std::string Unfolded(std::string text) {
     return text;
 }
 
-class VerifySetTest : public testkit::DeviceTest {
+class ReadBackTest : public testkit::DeviceTest {
   protected:
     // Verifies that the setting holds this value, as words; keeps what is complained about.
     std::optional<bool> Verify(const std::string& name, const std::vector<std::string>& words) {
-        const Setting setting = *FindSetting(Catalogue(), name);
+        const Setting setting = *FindSetting(name);
         const velkctl::Parsed wanted = setting.row->kind->Parse(words);
         EXPECT_EQ(wanted.problem, "");
         return Verify(setting, wanted.data);
@@ -44,12 +44,12 @@ class VerifySetTest : public testkit::DeviceTest {
                                const velkctl::TimeLimits& limits = {}) {
         velkctl::Report report(velkctl::Report::Form::kText);
         testing::internal::CaptureStderr();
-        const velkctl::Verification verification =
-            VerifySet(setting, wanted, before.value_or(velkctl::FilesBefore(setting)),
-                      velkctl::Device(limits, report), report);
+        const velkctl::ReadBack read_back =
+            ReadSettingBack(setting, wanted, before.value_or(velkctl::FilesBefore(setting)),
+                            velkctl::Device(limits, report), report);
         complaint = Unfolded(testing::internal::GetCapturedStderr());
-        status = verification.status;
-        return verification.held;
+        status = read_back.status;
+        return read_back.held;
     }
 
     testkit::FakeShell shell;
@@ -58,7 +58,7 @@ class VerifySetTest : public testkit::DeviceTest {
     ExitStatus status = ExitStatus::kDone;
 };
 
-TEST_F(VerifySetTest, AHeldValueIsDone) {
+TEST_F(ReadBackTest, AHeldValueIsDone) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 10.0.0.5\n\tnetmask 255.0.0.0\n");
     EXPECT_EQ(Verify("eth0.method", {"static"}), true);
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), true);
@@ -67,7 +67,7 @@ TEST_F(VerifySetTest, AHeldValueIsDone) {
     EXPECT_EQ(complaint, "");
 }
 
-TEST_F(VerifySetTest, ASettingThatCannotBeReadIsNotChecked) {
+TEST_F(ReadBackTest, ASettingThatCannotBeReadIsNotChecked) {
     WriteFile(kHooks,
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi\n");
@@ -76,7 +76,7 @@ TEST_F(VerifySetTest, ASettingThatCannotBeReadIsNotChecked) {
     EXPECT_EQ(complaint, "velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
 }
 
-TEST_F(VerifySetTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
+TEST_F(ReadBackTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(
@@ -86,7 +86,7 @@ TEST_F(VerifySetTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
         "device's own file there\n");
 }
 
-TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
+TEST_F(ReadBackTest, AMissingLineOfTheLastStanzaIsNamed) {
     WriteFile(kInterfaces, "iface eth1 inet static\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
@@ -96,7 +96,7 @@ TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
               "gateway line; fix: add a line \"gateway 192.168.0.1\" to it\n");
 }
 
-TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
+TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
     WriteFile(kInterfaces, "iface lo inet loopback\n");
     for (const auto& [name, value] :
          {std::pair("eth0.method", "dhcp"), std::pair("eth0.address", "10.0.0.5")}) {
@@ -111,7 +111,7 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
     }
 }
 
-TEST_F(VerifySetTest, AnotherAddressIsShown) {
+TEST_F(ReadBackTest, AnotherAddressIsShown) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), false);
     EXPECT_EQ(
@@ -122,7 +122,7 @@ TEST_F(VerifySetTest, AnotherAddressIsShown) {
         "below the line with the value\n");
 }
 
-TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
+TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
     WriteFile(kHooks, "exit 0\n");
     EXPECT_EQ(Verify("eth1.apipa", {"on"}), false);
     EXPECT_EQ(complaint,
@@ -132,16 +132,16 @@ TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
               "a '#' before it for off\n");
 }
 
-TEST_F(VerifySetTest, AFileWithNothingWrongIsNotNamed) {
+TEST_F(ReadBackTest, AFileWithNothingWrongIsNotNamed) {
     WriteFile(kHooks, "/usr/sbin/avahi-autoipd eth0\n");
     EXPECT_EQ(Verify("eth0.apipa", {"off"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.apipa: the library reported success, but the device holds 'on'\n");
 }
 
-TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamed) {
+TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\tgateway 10.0.0.1\n");
-    before.emplace(*FindSetting(Catalogue(), "eth0.gateway"));
+    before.emplace(*FindSetting("eth0.gateway"));
     WriteFile(kInterfaces, "");
     EXPECT_EQ(Verify("eth0.gateway", {"10.0.0.2"}), false);
     EXPECT_EQ(
@@ -154,11 +154,11 @@ TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamed) {
         "fix: add a stanza that begins with one\n");
 }
 
-TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
+TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
     WriteFile(kHooks,
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi");
-    before.emplace(*FindSetting(Catalogue(), "eth0.dhcp-notice"));
+    before.emplace(*FindSetting("eth0.dhcp-notice"));
     WriteFile(kHooks, "");
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
     EXPECT_NE(complaint.find("the device cannot hold the value; /etc/dhclient-exit-hooks is empty "
@@ -167,7 +167,7 @@ TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
         << complaint;
 }
 
-TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
+TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), std::nullopt);
     EXPECT_EQ(
@@ -176,7 +176,7 @@ TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
         "shown\n");
 }
 
-TEST_F(VerifySetTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
+TEST_F(ReadBackTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
@@ -187,16 +187,16 @@ TEST_F(VerifySetTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
               "add a line \"gateway 192.168.0.1\" to it\n");
 }
 
-TEST_F(VerifySetTest, AReadingThatTakesTooLongProvesNothing) {
+TEST_F(ReadBackTest, AReadingThatTakesTooLongProvesNothing) {
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) { (void)pause(); });
-    const Setting setting = *FindSetting(Catalogue(), "eth0.link-speed");
+    const Setting setting = *FindSetting("eth0.link-speed");
     const Data wanted = setting.row->kind->Parse(std::vector<std::string>{"auto"}).data;
     EXPECT_EQ(Verify(setting, wanted, {.timeout_seconds = 1}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kTimedOut);
     EXPECT_EQ(complaint, "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s\n");
 }
 
-TEST_F(VerifySetTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
+TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
     shell.Prints("sudo ethtool", {"Speed: 10Mb/s\nDuplex: Half\nAuto-negotiation: off\n"});
     EXPECT_EQ(Verify("eth0.link-speed", {"100-full"}), false);
     EXPECT_EQ(complaint,
@@ -204,9 +204,9 @@ TEST_F(VerifySetTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
               "'10-half'\n");
 }
 
-TEST_F(VerifySetTest, ASecretStaysOne) {
+TEST_F(ReadBackTest, ASecretStaysOne) {
     // A setting of the test's own: what it holds is a secret, and not the one that was set.
-    CatalogueRow row = *FindSetting(Catalogue(), "eth0.address")->row;
+    CatalogueRow row = *FindSetting("eth0.address")->row;
     row.secret = true;
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress hunter2\n");
     EXPECT_EQ(Verify({&row, "eth0"}, row.kind->Parse(std::vector<std::string>{"10.0.0.5"}).data),

@@ -15,7 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 using testkit::WriteFile;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 // A device with tools in /tmp, the one folder of PATH, and with little where sudo looks.
 class ToolsCheck : public testkit::DeviceTest {
@@ -44,36 +44,36 @@ class ToolsCheck : public testkit::DeviceTest {
 };
 
 TEST_F(ToolsCheck, TellsWhichToolIsMissing) {
-    EXPECT_THAT(FindingsInWords(velkctl::CheckTools()), Not(HasSubstr("problem: rm ")));
+    EXPECT_THAT(FormatFindings(velkctl::CheckTools()), Not(HasSubstr("problem: rm ")));
     ASSERT_EQ(unlink("/tmp/rm"), 0);
     EXPECT_THAT(
-        FindingsInWords(velkctl::CheckTools()),
+        FormatFindings(velkctl::CheckTools()),
         HasSubstr("problem: rm is not installed: edit copies and results stay behind in "
-                  "/var/tmp\n  mend: install it in a folder where velkctl looks, as /usr/bin\n"));
+                  "/var/tmp\n  fix: install it in a folder where velkctl looks, as /usr/bin\n"));
 }
 
 TEST_F(ToolsCheck, SaysNothingOfARestartThatNeedsNothing) {
-    EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()), "");
 }
 
 TEST_F(ToolsCheck, TellsWhichToolKeepsARestartFromItsEffect) {
     ASSERT_EQ(unlink("/usr/sbin/ifup"), 0);
     ASSERT_EQ(unlink("/tmp/sudo"), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),
               "problem: sudo is not installed: no interface can be restarted, link-speed can be "
               "neither read nor set\n"
-              "  mend: install it in a folder where velkctl looks, as /usr/bin\n"
+              "  fix: install it in a folder where velkctl looks, as /usr/bin\n"
               "problem: ifup is not installed: no interface can be brought up again by a restart\n"
-              "  mend: install it in a folder where sudo looks, as /usr/sbin\n");
+              "  fix: install it in a folder where sudo looks, as /usr/sbin\n");
 }
 
 TEST_F(ToolsCheck, FindsAToolThatSudoDoesNot) {
     ASSERT_EQ(unlink("/usr/sbin/ifdown"), 0);
     WriteTool("/tmp/ifdown");
-    EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()),
+    EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),
               "problem: ifdown is not in a folder where sudo looks: no interface can be brought "
               "down by a restart\n"
-              "  mend: install it in a folder where sudo looks, as /usr/sbin\n");
+              "  fix: install it in a folder where sudo looks, as /usr/sbin\n");
 }
 
 // A tool of root's in a folder that sudo does not search.
@@ -93,7 +93,7 @@ class ToolElsewhere : public ToolsCheck {
     }
     static std::string RemedyWithPath(const std::string& path) {
         setenv("PATH", (path + ":/tmp").c_str(), 1);
-        const velkctl::Findings findings = velkctl::RestartObstacles();
+        const velkctl::Findings findings = velkctl::CheckRestartTools();
         return findings.empty() ? "(none)" : findings.front().remedy;
     }
     static std::string Remedy() { return RemedyWithPath(kFolder); }

@@ -26,7 +26,7 @@ class NetworkCheckTest : public testkit::DeviceTest {
         WriteFile(kInterfaces, kStatic);
     }
     static std::string Problem(const std::string& name, const std::string& value) {
-        const Setting setting = *FindSetting(Catalogue(), name);
+        const Setting setting = *FindSetting(name);
         velkctl::Data data{};
         (void)value.copy(data.data(), data.size());
         velkctl::Report report(velkctl::Report::Form::kText);

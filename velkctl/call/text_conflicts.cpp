@@ -1,7 +1,6 @@
 // text_conflicts.cpp - values that would have a set change the wrong text of a file.
-#include "velkctl/settings/text_conflicts.h"
+#include "velkctl/call/text_conflicts.h"
 
-#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
@@ -10,7 +9,7 @@
 #include "lib/base/words.h"
 #include "velk.h"
 #include "velkctl/files/text_file.h"
-#include "velkctl/settings/identity_directives.h"
+#include "velkctl/settings/device_files.h"
 #include "velkctl/settings/time_entry.h"
 #include "velkctl/text/escaping.h"
 
@@ -30,7 +29,7 @@ std::string PresentServerProblem(const std::string& line, size_t index) {
     (void)GetNtpdate(line, server);
     return "the present server " + Quoted(Trimmed(server)) + " occurs earlier on the line " +
            PlaceInCrontab(index) + ", too, where this set would replace it, in the command that " +
-           "cron runs; mend: write another server into that line with an editor, or give --force";
+           "cron runs; fix: write another server into that line with an editor, or give --force";
 }
 
 std::string NewServerProblem(const std::string& server, size_t index) {
@@ -65,33 +64,38 @@ std::string TimeServerConflict(const std::string& server) {
     return {};
 }
 
-bool Holds(const Directive& setting, const Directive& word, const Device& device) {
-    const std::string what = std::string(setting.setting) + ": looking at the present text";
-    const Answer answer = device.Execute({VELK_GET, setting.id, ""}, {}, what);
-    return answer.ok() && velk::Contains(TextIn(answer.data), word.name);
+// True if the setting's present text has the other one's directive in it.
+bool Holds(const Setting& setting, const SettingLine& other, const Device& device) {
+    const Answer answer = device.Execute({VELK_GET, setting.row->id, ""}, {},
+                                         setting.name() + ": looking at the present text");
+    return answer.ok() && velk::Contains(TextIn(answer.data), other.key);
 }
 
 // Empty if the set leaves the other setting's line in the agent's file alone.
-std::string OtherTextProblem(const Directive& own, const Directive& other, const Device& device) {
-    if (!Holds(other, own, device)) {
+std::string OtherTextProblem(const SettingLine& own, const SettingLine& other,
+                             const Device& device) {
+    if (!Holds(other.setting, own, device)) {
         return {};
     }
-    const std::string name(other.setting);
-    return "the present " + name + " holds '" + std::string(own.name) +
+    const std::string name = other.setting.name();
+    return "the present " + name + " holds '" + std::string(own.key) +
            "', from which on this set would replace it in " + velk::kSnmpFile +
-           "; mend: velkctl set " + (Holds(own, other, device) ? "--force " : "") + name +
+           "; fix: velkctl set " + (Holds(own.setting, other, device) ? "--force " : "") + name +
            " TEXT first, without that word, or give --force";
 }
 
-std::string IdentityConflict(const Directive& own, const std::string& text, const Device& device) {
-    for (const Directive& word : kDirectives) {
-        if (velk::Contains(text, word.name)) {
-            return "the text holds '" + std::string(word.name) + "', from which on a set of " +
-                   std::string(word.setting) + " would replace it in " + velk::kSnmpFile +
+std::string IdentityConflict(const Setting& setting, const std::string& text,
+                             const Device& device) {
+    const std::vector<SettingLine> directives = LinesOfSettings(velk::kSnmpFile);
+    for (const SettingLine& directive : directives) {
+        if (velk::Contains(text, directive.key)) {
+            return "the text holds '" + std::string(directive.key) + "', from which on a set of " +
+                   directive.setting.name() + " would replace it in " + velk::kSnmpFile +
                    "; give other words, or --force";
         }
     }
-    return OtherTextProblem(own, kDirectives[own.id == kDirectives[0].id ? 1 : 0], device);
+    const bool is_first = directives[0].setting.row->id == setting.row->id;
+    return OtherTextProblem(directives[is_first ? 0 : 1], directives[is_first ? 1 : 0], device);
 }
 
 }  // namespace
@@ -100,9 +104,9 @@ std::string TextConflict(const Setting& setting, const Data& value, const Device
     if (setting.row->id == VELK_CMD_NTP_SERVER) {
         return TimeServerConflict(TextIn(value));
     }
-    const auto* directive = std::ranges::find(kDirectives, setting.row->id, &Directive::id);
-    return directive == kDirectives.end() ? ""
-                                          : IdentityConflict(*directive, TextIn(value), device);
+    return setting.row->held_in.second_line.file == velk::kSnmpFile
+               ? IdentityConflict(setting, TextIn(value), device)
+               : "";
 }
 
 }  // namespace velkctl

@@ -1,5 +1,5 @@
 // Values that velkctl refuses because a set would change the wrong text.
-#include "velkctl/settings/text_conflicts.h"
+#include "velkctl/call/text_conflicts.h"
 
 #include <string>
 
@@ -19,7 +19,7 @@ constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
 class TextConflictTest : public testkit::DeviceTest {
   protected:
     static std::string Problem(const std::string& name, const std::string& value) {
-        const Setting setting = *FindSetting(Catalogue(), name);
+        const Setting setting = *FindSetting(name);
         velkctl::Data data{};
         (void)value.copy(data.data(), data.size());
         velkctl::Report report(velkctl::Report::Form::kText);
@@ -58,7 +58,7 @@ TEST_F(TextConflictTest, APresentServerThatIsAPartOfTheCommandKeepsEveryOtherAwa
     for (const char* server : {"10.0.0.1", ""}) {
         EXPECT_EQ(Problem("ntp-server", server),
                   "the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, "
-                  "where this set would replace it, in the command that cron runs; mend: write "
+                  "where this set would replace it, in the command that cron runs; fix: write "
                   "another server into that line with an editor, or give --force");
     }
 }
@@ -99,13 +99,13 @@ TEST_F(TextConflictTest, APresentTextThatTheSetWouldCutIsOne) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("location", "Room 5"),
               "the present administrator holds 'syslocation', from which on this set would replace "
-              "it in /usr/local/share/etc/snmp/snmpd.conf; mend: velkctl set administrator TEXT "
+              "it in /usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set administrator TEXT "
               "first, without that word, or give --force");
     EXPECT_EQ(Problem("administrator", "Alice"), "") << "it takes the word away";
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("administrator", "Bob"),
               "the present location holds 'syscontact', from which on this set would replace it in "
-              "/usr/local/share/etc/snmp/snmpd.conf; mend: velkctl set location TEXT first, "
+              "/usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set location TEXT first, "
               "without that word, or give --force");
 }
 
@@ -113,7 +113,7 @@ TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherAreLeftByForceAlone
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("location", "Room 5"),
               "the present administrator holds 'syslocation', from which on this set would replace "
-              "it in /usr/local/share/etc/snmp/snmpd.conf; mend: velkctl set --force administrator "
+              "it in /usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set --force administrator "
               "TEXT first, without that word, or give --force");
 }
 

@@ -1,0 +1,22 @@
+// text_conflicts.h - values that would have a set change the wrong text of a file.
+#ifndef VELKCTL_CALL_TEXT_CONFLICTS_H_
+#define VELKCTL_CALL_TEXT_CONFLICTS_H_
+
+#include <string>
+
+#include "velkctl/call/device.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data.h"
+
+namespace velkctl {
+
+// The library replaces the first occurrence of a text on a line. Returns the reason why this set,
+// or the next one, would replace another text: a time server whose name is a part of the command
+// before it, or a word of the SNMP agent's file within administrator or location. Compares the new
+// value and the present ones. Returns an empty text if every set finds the right place, or if the
+// files cannot be read.
+std::string TextConflict(const Setting& setting, const Data& value, const Device& device);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CALL_TEXT_CONFLICTS_H_
