@@ -43,16 +43,14 @@ struct Envelope {
     msghdr header = {};
 };
 
-const sockaddr_un kAddress = [] {
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    memcpy(address.sun_path, kHardwareSocket, sizeof(kHardwareSocket));
-    return address;
-}();
+// The address of the socket for processes on the device.
+struct InsideAddress {
+    InsideAddress() { memcpy(full.sun_path, kHardwareSocket, sizeof(kHardwareSocket)); }
 
-const sockaddr* Address() {
-    return reinterpret_cast<const sockaddr*>(&kAddress);
-}
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&full); }
+
+    sockaddr_un full = {AF_UNIX, {}};
+};
 
 velk::UniqueFd MakeSocket() {
     velk::UniqueFd made(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
@@ -118,7 +116,7 @@ velk::UniqueFd Connect(const std::string& name) {
         return ConnectToDevice(name);
     }
     velk::UniqueFd hardware = MakeSocket();
-    if (connect(hardware.get(), Address(), sizeof(kAddress)) == -1) {
+    if (connect(hardware.get(), InsideAddress().get(), sizeof(sockaddr_un)) == -1) {
         Fail("cannot connect to the hardware process", errno);
     }
     if (!IsOwnPeer(hardware)) {
@@ -132,8 +130,9 @@ velk::UniqueFd Connect(const std::string& name) {
 
 OrderSocket::OrderSocket(velk::UniqueFd control_socket)
     : inside_(MakeSocket()), control_socket_(std::move(control_socket)) {
+    const InsideAddress address;
     (void)mkdir(kRunFolder, kFolderMode);
-    if (bind(inside_.get(), Address(), sizeof(kAddress)) == -1 ||
+    if (bind(inside_.get(), address.get(), sizeof(address.full)) == -1 ||
         listen(inside_.get(), kQueueLength) == -1) {
         Fail(std::string("cannot listen at ") + kHardwareSocket, errno);
     }

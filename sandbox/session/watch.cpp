@@ -52,6 +52,7 @@ std::vector<WatchedFolder> WatchedFolders() {
     }
     files[fs::path(velk::kIdentityFile).parent_path()] = {};
     std::vector<WatchedFolder> folders;
+    folders.reserve(files.size());
     for (const auto& [path, names] : files) {
         folders.push_back({path, names});
     }
