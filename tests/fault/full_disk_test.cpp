@@ -18,7 +18,7 @@ using testkit::kInterfacesFile;
 constexpr char kOldAddress[] = "\taddress 10.0.0.5\n";
 constexpr char kNewAddress[] = "\taddress 10.100.100.100\n";
 
-// With this address line at its end.
+// Returns the interfaces file with this address line at its end.
 std::string InterfacesOf(size_t size, const std::string& address) {
     const std::string begin = "#";
     const std::string end = "\niface eth0 inet static\n" + address;
@@ -27,8 +27,8 @@ std::string InterfacesOf(size_t size, const std::string& address) {
 
 class FullDiskTest : public testkit::DeviceTest {};
 
-// The file fills its disk; edited, it is longer.
-TEST_F(FullDiskTest, ACopyThatDoesNotFitIsCutToldAndKept) {
+// The file fills its disk, and the edited text is longer.
+TEST_F(FullDiskTest, ACopyThatDoesNotFitIsCutReportedAndKept) {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const std::string edited = InterfacesOf(page + 1, kNewAddress);
     const std::string before =

@@ -1,4 +1,4 @@
-// Hosts that look after their children in their own way, or cannot have any.
+// Hosts that handle their children in their own way, or cannot have any.
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -29,7 +29,7 @@ TEST_F(HostTest, AHostThatIgnoresItsChildrenCanSet) {
     EXPECT_THAT(testkit::ReadFile(kInterfacesFile), testing::HasSubstr("10.1.2.3"));
 }
 
-// A shell whose end nobody keeps looks like one that was not run.
+// If the host ignores its children, the exit status of a shell is lost: it seems not to have run.
 TEST_F(HostTest, AHostThatIgnoresItsChildrenCannotUseTools) {
     EXPECT_TRUE(InAHost([] {
         (void)signal(SIGCHLD, SIG_IGN);
@@ -49,7 +49,7 @@ const std::vector<long> kStartsOfProcesses{
 #endif
 };
 
-// From now on these system calls of the process fail.
+// Makes these system calls of the process fail from now on.
 bool Refuse(const std::vector<long>& calls, unsigned error) {
     std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
     for (const long call : calls) {
@@ -62,8 +62,8 @@ bool Refuse(const std::vector<long>& calls, unsigned error) {
            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-// system(3) tells a process that cannot be started as a command that failed, and that is not
-// noticed: the edit stays unmade, and its copy stays for the next edit to replace.
+// system(3) reports a process that cannot be started like a command that failed, and the library
+// does not notice. The edit is not made. Its copy remains until the next edit replaces it.
 TEST_F(HostTest, AHostWithoutRoomForAProcessChangesNothingAndIsNotTold) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {

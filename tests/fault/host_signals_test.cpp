@@ -28,7 +28,7 @@ void CountAlarms(int flags) {
     sigaction(SIGALRM, &action, nullptr);
 }
 
-// SIGALRM comes all the time while it lives.
+// Sends SIGALRM to the process repeatedly during its lifetime.
 class AlarmStorm {
   public:
     explicit AlarmStorm(int flags) {
@@ -57,8 +57,8 @@ TEST_F(HostTest, AHostWithSignalsArrivingCanSet) {
     EXPECT_THAT(libc().Logs(), testing::Not(Contains(testing::HasSubstr("Interrupted"))));
 }
 
-// The wait for the daemon is the one thing that a signal ends. Nothing is changed or left behind,
-// and the same query can be made again.
+// A signal ends only the wait for the daemon. Nothing is changed, nothing remains, and the same
+// query can be made again.
 TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
     LibcRecorder::Get().Reset();
     testkit::EmptyDevice();

@@ -45,7 +45,7 @@ const _velk_request kSetAddress =
 const _velk_request kSetLinkSpeed =
     testkit::MakeRequest(VELK_SET, VELK_CMD_LINK_SPEED, "eth0", "\x01");
 
-// Leaves a process behind that a shell line has started, and notes its number.
+// Leaves a process running that a shell line has started, and stores its number.
 void LeaveToolRunning() {
     LibcRecorder::Get().Reset();
     (void)!system("sleep 600 >/dev/null 2>&1 & echo $! >/run/tool");

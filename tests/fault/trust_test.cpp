@@ -1,4 +1,4 @@
-// What nobody may reach through the library, as docs/security.md claims it.
+// Tests of the claims in docs/security.md: no caller may reach these things through the library.
 #include <cerrno>
 #include <optional>
 #include <set>
@@ -52,7 +52,7 @@ class TrustTest : public testkit::DeviceTest {
 
 const std::string kMarker = "$(touch /tmp/owned)";
 
-// Behind the last byte of the data that means something.
+// Returns the offset after the last byte of the data that has a meaning.
 size_t EndOfData(const _velk_request& request) {
     return std::string_view(request.data, sizeof(request.data)).find_last_not_of('\0') + 1;
 }
@@ -62,7 +62,7 @@ _velk_request WithMarkerAt(size_t place, _velk_request request) {
     return request;
 }
 
-// What a request answers, and the shell lines it runs on a device made for it.
+// The result of a request, and the shell lines that it runs on a device made for it.
 using Course = std::pair<int, std::vector<std::string>>;
 
 class DataBytesTest : public TrustTest {
@@ -80,7 +80,7 @@ class DataBytesTest : public TrustTest {
     }
 };
 
-// As the text itself, behind a text, and behind its NUL. The identity strings are escaped.
+// Tried as the text itself, after a text, and after its NUL. The identity strings are escaped.
 TEST_F(DataBytesTest, DataBytesReachTheShellInIdentityStringsAlone) {
     std::set<std::string> reached;
     for (const Group& group : AllRequests()) {
@@ -96,7 +96,7 @@ TEST_F(DataBytesTest, DataBytesReachTheShellInIdentityStringsAlone) {
     EXPECT_THAT(reached, testing::ElementsAre("set 2", "set 3"));
 }
 
-// So that the requests above were not just refused for what they carry.
+// Shows that the requests above are not merely refused because of their data.
 TEST_F(DataBytesTest, BytesBehindTheDataChangeNoShellLine) {
     for (const Group& group : AllRequests()) {
         for (const auto& [name, request] : group) {
@@ -124,10 +124,10 @@ TEST_F(TrustTest, NoInterfaceNameOfTheCallersReachesTheShell) {
 
 // ---- identity strings
 
-// Through the real shell and the real sed: each value is one text to both, whatever is in it.
+// Uses the real shell and the real sed: each value, with any bytes, is one text to both.
 class EscapeTest : public TrustTest {
   protected:
-    // What the SNMP daemon's configuration holds after a set of the administrator.
+    // Returns the contact line of the SNMP daemon's configuration after a set of the administrator.
     std::string ContactAfter(const std::string& value) {
         device_.emplace(Scene{});
         device_->UseRealTools();
@@ -148,7 +148,7 @@ class EscapeTest : public TrustTest {
         return at == std::string::npos ? text : text.substr(at, end - at);
     }
 
-    int sed_status_ = -1;  // as system(3) tells it; -1: sed was not run
+    int sed_status_ = -1;  // as system(3) returns it; -1 if sed was not run
 };
 
 TEST_F(EscapeTest, NoValueLeavesTheQuotes) {
@@ -161,7 +161,7 @@ TEST_F(EscapeTest, NoValueLeavesTheQuotes) {
     }
 }
 
-TEST_F(EscapeTest, TheShellsOwnCharactersArriveAsTheyAre) {
+TEST_F(EscapeTest, TheShellsOwnCharactersArriveUnchanged) {
     for (const char* value :
          {"O'Neil & Co/IT", "a\"b", "a$HOME`x`", "#!*?[]{}()<>|;~", "back\\slash"}) {
         EXPECT_EQ(ContactAfter(value), std::string("syscontact ") + value);
@@ -173,7 +173,7 @@ TEST_F(EscapeTest, EveryByteArrives) {
     EXPECT_EQ(sed_status_, 0);
 }
 
-// sed(1) finds its command unfinished and runs none of it.
+// sed(1) rejects the unfinished command and changes nothing.
 TEST_F(EscapeTest, ANewlineLeavesTheDaemonsFileAsItWas) {
     for (const char* value : {"a\nb", "\\\n/w /tmp/owned\n", "\n!touch /tmp/owned\n", "x/\nq"}) {
         EXPECT_EQ(ContactAfter(value), "syscontact Robin") << value;

@@ -1,5 +1,5 @@
-// daemon_fuzz.cpp - every record the wireless daemon may send, over the real sockets: gets give
-// what stands in a field and nothing beside it, sets send back what they do not change.
+// daemon_fuzz.cpp - every record that the wireless daemon may send, over the real sockets: a get
+// returns its field and nothing more, a set sends the other fields back unchanged.
 //
 // An input is the row's letter, "g" or "s", the datagram's length, its bytes, then the value of a
 // set.
@@ -39,7 +39,7 @@ class Daemon {
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
 
-    // What the library has sent since the last call.
+    // Returns the datagrams that the library has sent since the last call.
     std::vector<std::string> Received();
 
     void SetReply(const std::string& reply) { reply_ = reply; }
@@ -89,7 +89,8 @@ int TypeOf(const std::string& message) {
     return type;
 }
 
-// What the library makes of a reply: a short one is filled up, a long one cut.
+// Returns the body that the library takes from a reply: it fills up a short one and cuts a long
+// one.
 std::string BodyOf(std::string reply) {
     reply.resize(kMessage);
     return reply.substr(kHeader);
@@ -99,8 +100,8 @@ bool IsFilledUp(const std::string& data, const std::string& text) {
     return data == text + std::string(data.size() - text.size(), '\0');
 }
 
-// No key or pass phrase is ever logged, nor run. One that is a single character again and again, as
-// the mutator makes them, stands in no line by chance.
+// No key or pass phrase is ever logged, nor run. The mutator makes secrets of one repeated
+// character, which no line has by chance.
 void CheckSecretStaysSecret(const RecordRow& row, const std::string& text) {
     constexpr size_t kTellingLength = 5;
     const bool is_secret = row.field == Field::kText && row.id != VELK_CMD_SSID;
@@ -119,7 +120,7 @@ void CheckGet(Turn& turn, const RecordRow& row, const std::string& body) {
     Check(result == (expected.succeeds ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE),
           "a get succeeds as the record's field allows");
     Check(IsFilledUp(testkit::Data(turn.response), expected.bytes),
-          "a get gives what stands in the record");
+          "a get returns the field of the record");
     CheckSecretStaysSecret(row, expected.bytes);
 }
 
@@ -129,7 +130,7 @@ void RunGet(Turn& turn, Daemon& daemon, const RecordRow& row, const std::string&
     Check(sent.size() == 1 && sent[0].size() == kMessage, "one query was sent");
 }
 
-// The part of a value that counts.
+// Returns the part of a value that the library uses.
 std::string Counting(const RecordRow& row, const std::string& value) {
     if (row.field == Field::kText) {
         return TextIn(value);

@@ -1,9 +1,9 @@
-// edits_fuzz.cpp - every set that edits a file, on any file: nothing but its own lines changes; on
-// files as the device has them, the set is read back, and a second one changes nothing.
+// edits_fuzz.cpp - every set that edits a file, on any file: only its own lines change. On files in
+// the device's usual form, the set is read back, and a second set changes nothing.
 //
 // An input is the row's letter, "0" or "1" for the interface, the value up to the end of the line,
-// then the files' texts with "----" between them. Digits stand for the bytes of values that are no
-// text: "4" is the byte 4, "O" is 31.
+// then the files' texts with "----" between them. The bytes of values that are no text are digits:
+// "4" is the byte 4, "O" is 31.
 #include <algorithm>
 #include <cstdint>
 #include <string>
@@ -23,7 +23,7 @@ char Byte(char digit) {
     return static_cast<char>(digit - '0');
 }
 
-// The servers between commas, each cut to its slot.
+// Returns the slots for servers between commas, each cut to its slot.
 std::string SlotsFor(std::string_view text) {
     std::string slots;
     for (size_t i = 0; i < kSlots; ++i) {
@@ -36,7 +36,7 @@ std::string SlotsFor(std::string_view text) {
     return slots;
 }
 
-// Type, value and time; "9" is the type of no schedule.
+// Returns type, value and time; "9" is the type of no schedule.
 std::string ScheduleFor(std::string text) {
     constexpr size_t kLongestTime = 100;
     text.resize(std::max<size_t>(text.size(), 2), '0');
@@ -44,7 +44,7 @@ std::string ScheduleFor(std::string text) {
     return std::string{type, Byte(text[1])} + text.substr(2, kLongestTime);
 }
 
-// The request's data for a value as the input spells it.
+// Returns the request's data for a value in the input's spelling.
 std::string DataFor(Value value, const std::string& text) {
     constexpr size_t kLongestText = 400;
     switch (value) {
@@ -90,7 +90,7 @@ void Edit::CheckReadBack(Turn& turn) {
     const std::string& data = setting_.data;
     Check(turn.Execute(VELK_GET, setting_.id, setting_.interface) == LIB_VELK_SUCCESS,
           "a set can be read");
-    Check(testkit::Data(turn.response, data.size()) == data, "a get gives what was set");
+    Check(testkit::Data(turn.response, data.size()) == data, "a get returns the value of the set");
     Check(turn.response.data[data.size()] == '\0', "and no more");
 }
 

@@ -1,4 +1,4 @@
-// scans_fuzz.cpp - every file read and every tool's output scanned, whatever it says.
+// scans_fuzz.cpp - every file and every tool's output that a get reads, with any text.
 //
 // An input is the row's letter, "0" or "1" for the interface and the rest of a line that is not
 // looked at, then the row's texts with "----" between them.
@@ -37,9 +37,9 @@ using testkit::kSupportList;
 using testkit::kUsbDevices;
 
 constexpr char kRoutes[] = "/tmp/routes";            // in the place of /proc/net/route
-constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // behind type and value, in front of its NUL
+constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // after type and value, before the NUL
 
-// What holds for answers from texts in any form.
+// The rule that holds for answers from texts in any form.
 enum class Form {
     kText,     // a part of a line of a source
     kGateway,  // an address, or nothing
@@ -48,7 +48,7 @@ enum class Form {
     kServers
 };
 
-// A source of what a get reads: a file, or what a tool prints when `path` names none.
+// A get and its sources: paths of files, or names of tools that print the text.
 struct Row {
     uint32_t id;
     bool has_interface;
@@ -93,7 +93,7 @@ bool FillsData(const std::string& text) {
     return text.size() >= VELK_DATA_SIZE - 1;
 }
 
-// The ':' is cut off behind an hour that fills the data area.
+// After an hour that fills the data area the ':' is cut off.
 void CheckSchedule(const std::string& data, const std::string& source) {
     const char type = data[0];
     Check((type >= VELK_SCHEDULE_HOURS && type <= VELK_SCHEDULE_MONTHLY) ||
@@ -107,7 +107,7 @@ void CheckForm(const Row& row, const std::string& data, const std::string& sourc
     const std::string text = TextIn(data);
     switch (row.form) {
         case Form::kText:
-            Check(Has(source, text), "the text is what the source says");
+            Check(Has(source, text), "the text is that of the source");
             Check(!Has(text, "\n"), "the text is from one line");
             break;
         case Form::kGateway: {
@@ -138,10 +138,10 @@ void CheckAnswer(const Row& row, const Answer& expected, int result, const std::
     std::string bytes = expected.bytes;
     bytes.resize(data.size());
     Check(row.form == Form::kText ? TextIn(data) == TextIn(bytes) : data == bytes,
-          "a get gives what the text tells");
+          "a get returns the value of the text");
 }
 
-// What every get stands on: no cable, an adapter, and addresses that come by DHCP.
+// The same surroundings for every get: no cable, an adapter, and addresses from DHCP.
 void PlaceSurroundings(Turn& turn) {
     testkit::LibcRecorder::Get().Redirect(kRoutingTable, kRoutes);
     testkit::WriteFile(kInterfacesFile, "iface eth0 inet dhcp\niface eth1 inet dhcp\n");
@@ -173,7 +173,7 @@ void RunGet(const Row& row, const std::string& interface, Texts texts) {
     Check(testkit::Data(turn.response) == data, "a get has one text");
 }
 
-// As the kernel writes a device's ids.
+// Returns a line with a device's ids in the kernel's form.
 std::string DeviceLine(unsigned long vendor, unsigned long product) {
     std::ostringstream text;
     text << std::hex << std::setfill('0') << "Vendor=" << std::setw(4) << vendor
@@ -181,7 +181,7 @@ std::string DeviceLine(unsigned long vendor, unsigned long product) {
     return text.str();
 }
 
-unsigned long HexBehindKey(const std::string& line) {
+unsigned long HexAfterKey(const std::string& line) {
     return std::min(strtoul(line.substr(4).c_str(), nullptr, 16), 0xFFFFFFFFUL);
 }
 
@@ -191,10 +191,10 @@ bool IsListed(const std::string& support_list, const std::string& devices) {
     unsigned long vendor = 0;
     for (const std::string& line : Lines(support_list)) {
         if (Has(line, "VID=")) {
-            vendor = HexBehindKey(line);
+            vendor = HexAfterKey(line);
         }
         if (Has(line, "PID=")) {
-            is_listed = is_listed || Has(devices, DeviceLine(vendor, HexBehindKey(line)));
+            is_listed = is_listed || Has(devices, DeviceLine(vendor, HexAfterKey(line)));
         }
     }
     return is_listed;
@@ -210,14 +210,14 @@ void RunAdapter(const std::vector<std::string>& texts) {
     Check(IsWlanAttached() == 0, "no device, no adapter");
 }
 
-// What ethtool shows, and the two log files that count without.
+// Checks the link with ethtool's output and, if it has no answer, with two log files.
 void RunLink(const std::vector<std::string>& texts) {
     Turn turn;
     const std::vector<std::string> logs = {texts.size() > 1 ? texts[1] : "",
                                            texts.size() > 2 ? texts[2] : ""};
     turn.shell().Prints("sudo /usr/sbin/ethtool", {texts[0]});
     turn.shell().Prints("grep", logs);
-    Check(IsWiredLinked() == LinkIn(texts[0], logs), "the link is as tool or log tells");
+    Check(IsWiredLinked() == LinkIn(texts[0], logs), "the link is that of tool or log");
 }
 
 }  // namespace

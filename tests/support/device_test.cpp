@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The library's folders; what an earlier test left there is removed.
+// The library's folders. Files that an earlier test left there are removed.
 constexpr const char* kScratchFolders[] = {"/tmp",
                                            kEditFolder,
                                            kSemaphoreFolder,
@@ -81,7 +81,7 @@ std::vector<int> OpenDescriptors() {
             numbers.push_back(number);
         }
     }
-    // The listing's own descriptor is the one that is gone now.
+    // The listing's own descriptor is closed now.
     std::erase_if(numbers, [](int number) { return fcntl(number, F_GETFD) == -1; });
     return numbers;
 }

@@ -68,7 +68,7 @@ FakeDaemon::FakeDaemon(Turn turn) : turn_(turn) {
         return;
     }
     thread_ = std::thread([this] { Serve(); });
-    serving_.wait(false);  // what starts a thread takes locks as well
+    serving_.wait(false);  // starting a thread takes locks as well
 }
 
 void FakeDaemon::ServePending() {
@@ -132,13 +132,13 @@ std::vector<int> FakeDaemon::types() const {
     return types;
 }
 
-// Goes on until it is stopped and no request is waiting, so that none is lost.
+// Runs until it is stopped and no request is waiting, so that none is lost.
 void FakeDaemon::Serve() {
     const Unrecorded unrecorded;
     serving_ = true;
     serving_.notify_one();
     for (bool is_last = false; !is_last;) {
-        is_last = stopping_;  // what was sent before is served
+        is_last = stopping_;  // datagrams sent earlier are still served
         while (ServeOne(5)) {
         }
     }

@@ -19,7 +19,7 @@ bool IsListing(int argc, char** argv) {
     });
 }
 
-constexpr int kSkipped = 77;  // as ctest is told
+constexpr int kSkipped = 77;  // as SKIP_RETURN_CODE in CMakeLists.txt
 // A device's programs find tools in all of these; the caller of the tests may lack some.
 constexpr char kSearchPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 

@@ -1,4 +1,5 @@
-// A set whose copying ends in the middle: the file is whole afterwards, as before or as after.
+// If the copying of a set ends in the middle, the file is complete afterwards: the old or the new
+// text.
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -43,7 +44,7 @@ class CutTargetTest : public testkit::DeviceTest {
         DeviceTest::TearDown();
     }
 
-    // A program that stands in front of the one of that name.
+    // Makes a program that is found before the real one with that name.
     static void MakeTool(const std::string& name, const std::string& script) {
         const std::string path = std::string(kTools) + "/" + name;
         testkit::WriteFile(path, "#!/bin/sh\n" + script);
@@ -100,14 +101,14 @@ TEST_F(CutTargetTest, AFileThatWasEmptyGetsItsText) {
     EXPECT_EQ(testkit::ReadFile(kIdentityFile), "LOCATION=Cellar\n");
 }
 
-TEST_F(CutTargetTest, TheFileIsMendedInPlace) {
+TEST_F(CutTargetTest, TheFileIsRepairedInPlace) {
     MakeTool("cat", "kill -KILL $$\n");
     const testkit::FileIdentity before = testkit::IdentityOf(kInterfacesFile);
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
     EXPECT_TRUE(testkit::IdentityOf(kInterfacesFile) == before);
 }
 
-TEST_F(CutTargetTest, AFileThatSomebodyElseHasChangedMeanwhileStays) {
+TEST_F(CutTargetTest, AFileThatAnotherProgramHasChangedMeanwhileIsKept) {
     MakeTool("cat", "echo 'not a piece of the copy'\n");
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
     EXPECT_EQ(testkit::ReadFile(kInterfacesFile), "not a piece of the copy\n");
@@ -121,7 +122,7 @@ TEST_F(CutTargetTest, ALineThatCannotStartChangesNothing) {
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(CutTargetTest, AMendedFileIsLoggedOnce) {
+TEST_F(CutTargetTest, ARepairedFileIsLoggedOnce) {
     libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
@@ -136,7 +137,7 @@ TEST_F(CutTargetTest, AMendedFileIsLoggedOnce) {
     EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
 }
 
-TEST_F(CutTargetTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+TEST_F(CutTargetTest, ACutFileThatCannotBeRepairedIsReportedAndItsCopyRemains) {
     libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
     libc().OnCall(testkit::Call::kSystem, [this](const testkit::Event&) {
         testkit::WriteFile(kInterfacesFile, "");
@@ -211,23 +212,23 @@ TEST_F(CutTargetTest, NoLimitOfDescriptorsLeavesACutFile) {
 // A user of this test's own: the limit counts all processes of a user.
 TEST_F(CutTargetTest, NoLimitOfProcessesLeavesACutFile) {
     constexpr uid_t kUser = 54321;
-    constexpr int kMended = 10;
+    constexpr int kRepaired = 10;
     if (!IsPossible({.user = kUser})) {
         GTEST_SKIP() << "the private device has no other users";
     }
     ASSERT_EQ(chown(kInterfacesFile, kUser, kUser), 0);
-    int mended = 0;
+    int repaired = 0;
     for (rlim_t limit = 0; limit < 5; ++limit) {
         testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld));
         const int result = InChild({.user = kUser, .limits = {{RLIMIT_NPROC, limit}}}, [] {
             (void)SetAddress(kNew);
             const std::vector<std::string> logs = testkit::LibcRecorder::Get().Logs();
-            return logs.empty() || !logs.back().starts_with("FileEdit mended") ? 0 : kMended;
+            return logs.empty() || !logs.back().starts_with("FileEdit mended") ? 0 : kRepaired;
         });
-        mended += result == kMended ? 1 : 0;
+        repaired += result == kRepaired ? 1 : 0;
         EXPECT_TRUE(IsWhole()) << limit;
     }
-    EXPECT_GT(mended, 0) << "with one of the limits the shell starts, and cat does not";
+    EXPECT_GT(repaired, 0) << "with one of the limits the shell starts, and cat does not";
 }
 
 // The shell alone is killed. Its cat has already opened both files and writes later. It keeps low

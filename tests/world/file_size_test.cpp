@@ -1,4 +1,4 @@
-// A set in a host with a limit on the size of files: the file stays as it was.
+// A set in a host with a limit on the size of files leaves the file unchanged.
 #include <csignal>
 #include <string>
 
@@ -33,7 +33,7 @@ class FileSizeTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(FileSizeTest, TheSignalEndsAHostAndTheFileStays) {
+TEST_F(FileSizeTest, TheSignalEndsAHostAndTheFileIsKept) {
     EXPECT_EQ(SetWith(SIG_DFL), kEndedBySizeSignal);
     EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kOld));
     EXPECT_EQ(testkit::ReadFile(kInterfacesCopy), InterfacesWith(kNew).substr(0, kLimit))
@@ -42,7 +42,7 @@ TEST_F(FileSizeTest, TheSignalEndsAHostAndTheFileStays) {
     EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
 }
 
-TEST_F(FileSizeTest, AHostThatIgnoresTheSignalIsToldAndTheFileStays) {
+TEST_F(FileSizeTest, AHostThatIgnoresTheSignalGetsAFailureAndTheFileIsKept) {
     EXPECT_EQ(SetWith(SIG_IGN), 0);
     EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kOld));
     EXPECT_FALSE(testkit::Exists(kInterfacesCopy));

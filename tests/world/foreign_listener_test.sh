@@ -14,7 +14,7 @@ if [ -z "${VELK_IN_OWN_NETWORK:-}" ]; then
     VELK_IN_OWN_NETWORK=1 exec unshare --net --pid --fork --kill-child --mount-proc bash "$0"
 fi
 
-# What the other user needs is copied to a folder that he can read.
+# The other user can read only copies of the programs in this folder.
 cp "$VELK_BUILD/tests/world/foreign_listener" "$VELK_BUILD/velk-sandbox" "$lib_folder" || exit
 chmod -R a+rX "$lib_folder"
 heard=$lib_folder/heard
@@ -26,7 +26,7 @@ trap 'kill "${processes[@]}" 2>/dev/null; rm -rf "$lib_folder"' EXIT
 # No function: a process in the background is to be the program itself.
 as_nobody=(setpriv --reuid 65534 --regid 65534 --clear-groups)
 
-# Starts a listener, in the background, and waits for it; what it hears goes into the file `heard`.
+# Starts a listener in the background and waits for it; its input goes into the file `heard`.
 listen() { # listen COMMAND...
     : >"$heard" # of the listener before
     "$@" >"$heard" &
@@ -120,7 +120,7 @@ run velk-sandbox cable out
 status_is 0
 heard_nothing
 
-it 'lists its own devices alone, whatever the names of others are'
+it 'lists only its own devices, with any names of others'
 run velk-sandbox list
 output_is mine
 error_is ''
@@ -175,7 +175,7 @@ run velk-sandbox --quiet -- sh -c 'rm /run/velk-sandbox/hardware && chmod 0777 /
 output_is $'125\nlistening'
 error_is 'velk-sandbox: this device belongs to user nobody (65534), not to you; nothing was sent to it'
 
-# As if a program of root's had been talked into listening for somebody else.
+# Simulates a program of root's that listens for somebody else.
 it 'enters no process of another user that a listener of its own hands over'
 listen "$lib_folder/foreign_listener" velk-sandbox/0/deceived "$trapped"
 for arguments in 'watch --name deceived' 'enter --name deceived -- id'; do

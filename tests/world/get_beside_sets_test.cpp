@@ -1,5 +1,5 @@
-// Gets beside two programs that set all the time: no get takes the moment in which the shell has
-// emptied a file for a setting that is off.
+// Gets beside two programs that set all the time: no get reads a setting as off because the shell
+// has just emptied its file.
 #include <chrono>
 #include <string>
 
@@ -21,7 +21,7 @@ using testkit::kInterfacesFile;
 
 constexpr int kGets = 3000;
 
-// Sets the server back and forth for ever. The method stays as it is.
+// Sets two servers in turn for ever. The method stays unchanged.
 int SetServers() {
     for (int i = 0;; ++i) {
         (void)Set(VELK_CMD_NTP_SERVER, "", i % 2 == 0 ? "a.example" : "b.example");
@@ -54,7 +54,7 @@ TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
     EXPECT_LT(given_up, kGets);
 }
 
-// A file that stays empty is what it is.
+// A file that stays empty is taken as empty.
 TEST_F(GetBesideSetsTest, AnEmptyFileIsReadAgainFor50MillisecondsAndThenTaken) {
     testkit::WriteFile(kCrontab, "");
     libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));

@@ -37,7 +37,7 @@ TEST_F(KilledCallerTest, AnotherSetAtOnceLosesNothing) {
     }
 }
 
-// What a restart leaves running would keep the lock for minutes.
+// A tool that a restart leaves running would keep the lock for minutes.
 TEST_F(KilledCallerTest, NoOtherToolInheritsTheLock) {
     testkit::WriteFile(kUsbDevices, "S:  Product=QT4408RKM\n");
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) {
@@ -62,7 +62,7 @@ TEST_F(KilledCallerTest, TheLinesThatCopyInheritTheLock) {
     EXPECT_EQ(inherited, 2);
 }
 
-// The daemon of the SNMP restart lives on. The settings file's own two lines inherit the lock.
+// The daemon of the SNMP restart keeps running. The settings file's own two lines inherit the lock.
 TEST_F(KilledCallerTest, TheSnmpLinesDoNotInheritTheLock) {
     testkit::WriteFile(kIdentityFile, "");
     std::vector<std::string> holders;

@@ -97,7 +97,7 @@ class LocaleTest : public testkit::DeviceTest, public testing::WithParamInterfac
         ASSERT_EQ(system(question.c_str()), 0) << "the locale was not made";
     }
 
-    // Sets the administrator. The SNMP line for sed(1) runs, without sudo(8) and nothing else.
+    // Sets the administrator. Only the SNMP line for sed(1) runs, without sudo(8).
     void SetAdministrator(const std::string& value) {
         testkit::WriteFile(kIdentityFile, "ADMINISTRATOR=\n");
         testkit::WriteFile(kSnmpFile, kSnmpBefore);
@@ -114,7 +114,7 @@ class LocaleTest : public testkit::DeviceTest, public testing::WithParamInterfac
         }
     }
 
-    // The text arrives whole where the library hands it on, and nothing happens where not.
+    // The text arrives complete, or the library does not pass it on and nothing happens.
     void ExpectNoCommand(const std::string& value) {
         SetAdministrator(value);
         const bool is_handed_on = GetParam().is_safe || IsAscii(value);
@@ -142,7 +142,7 @@ TEST_P(LocaleTest, NoPairOfBytesBecomesACommand) {
     }
 }
 
-// The byte in front of the slash may take its backslash; what follows would be flags of the
+// The byte in front of the slash may take its backslash; the bytes after it would be flags of the
 // command.
 TEST_P(LocaleTest, NoByteInFrontOfASlashEndsTheCommandOfSed) {
     for (const char byte : EveryByte()) {

@@ -1,4 +1,4 @@
-// The set/restart lock where another user has made its file and replaces it at any moment.
+// Another user has made the file of the set/restart lock, and replaces it at any moment.
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -68,7 +68,7 @@ TEST_F(WorldLockTest, EveryUserLocksTheFileThatRootHasTakenOver) {
     EXPECT_EQ(InChild(as_third, can_lock), 0);
 }
 
-// Who holds the lock gives the file back before it is free, so that every round begins anew.
+// The holder gives the file back before he releases the lock, so that every round begins anew.
 int HoldAgainAndAgain(std::atomic<int>& holders, std::atomic<int>& rounds) {
     while (rounds < 500) {
         const int lock = VkLibLock();
@@ -138,7 +138,7 @@ TEST_F(WorldLockTest, AUserWhoReplacesTheFileCutsNoEditedFile) {
     }
 }
 
-// Whatever another user left there before the reboot.
+// The boot script replaces any file that another user left there before the reboot.
 TEST_F(WorldLockTest, TheBootScriptMakesTheFileRoots) {
     const std::string script = "'" VELK_SOURCE_DIR "/packaging/init.d/velk-lock' start";
     ASSERT_EQ(unlink(kLockFile), 0);
@@ -151,7 +151,7 @@ TEST_F(WorldLockTest, TheBootScriptMakesTheFileRoots) {
     }
 }
 
-// Somebody may hold the lock.
+// Another program may hold the lock.
 TEST_F(WorldLockTest, TheBootScriptLeavesAFileOfRootsAsItIs) {
     const int lock = VkLibLock();
     ASSERT_GT(lock, 0);

@@ -1,4 +1,4 @@
-// What other users plant at the name of the file into which tools print.
+// Other users plant things under the name of the file into which tools print.
 #include <chrono>
 #include <functional>
 #include <string>
@@ -25,7 +25,7 @@ using std::chrono::seconds;
 using std::chrono::steady_clock;
 
 constexpr char kVictim[] = "/var/tmp/victim";
-// A call that waits for somebody would take longer, for ever as a rule.
+// A call that waits for another process would take longer, and usually never end.
 constexpr seconds kLongest{60};
 constexpr char kRightSpeed[] = "Speed: 100Mb/s\nDuplex: Full\nAuto-negotiation: off\n";
 constexpr char kPlanted[] = "Speed: 10Mb/s\nDuplex: Half\nAuto-negotiation: off\n";
@@ -41,7 +41,7 @@ class ResultFileTest : public testkit::DeviceTest {
         tools_.Prints("sudo /usr/sbin/ethtool eth0", {"Link detected: yes\n"});
     }
 
-    // Another user does it.
+    // Runs the function as another user.
     static void Plant(const std::function<int()>& planting) {
         ASSERT_EQ(InChild({.user = kNobody}, planting), 0);
     }
@@ -53,7 +53,7 @@ class ResultFileTest : public testkit::DeviceTest {
         return mkdir(kResultFile, 0777) + mkdir((std::string(kResultFile) + "/deep").c_str(), 0777);
     }
 
-    // The get answers rightly, without waiting for anybody.
+    // Checks that the get has the right answer and waits for nobody.
     void ExpectTheRightSpeed() {
         const auto start = steady_clock::now();
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), 0);
@@ -61,14 +61,14 @@ class ResultFileTest : public testkit::DeviceTest {
         EXPECT_LT(steady_clock::now() - start, kLongest);
         EXPECT_FALSE(testkit::Exists(kResultFile));
     }
-    // The get fails, without waiting for anybody and without a line being run.
+    // Checks that the get fails, waits for nobody and runs no shell line.
     void ExpectAFailureAtOnce() {
         const auto start = steady_clock::now();
         const int result = InChild({.user = kNobody}, [] {
             const _velk_request request =
                 testkit::MakeRequest(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
-            _velk_request told;
-            const int answer = execute_velk_command(&request, &told);
+            _velk_request answered;
+            const int answer = execute_velk_command(&request, &answered);
             const testkit::LibcRecorder& libc = testkit::LibcRecorder::Get();
             const bool is_quiet =
                 libc.Commands().empty() && libc.Logs() == std::vector<std::string>{"ifstream"};
@@ -92,7 +92,7 @@ TEST_F(ResultFileTest, APipeIsRemovedAndNotWaitedFor) {
     ExpectTheRightSpeed();
 }
 
-TEST_F(ResultFileTest, APipeIsNotWaitedForWhenReadAlone) {
+TEST_F(ResultFileTest, APipeIsNotWaitedForIfOnlyRead) {
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) {
         unlink(kResultFile);
         EXPECT_EQ(mkfifo(kResultFile, 0666), 0);
@@ -129,7 +129,7 @@ TEST_F(ResultFileTest, AHugeFileIsNotRead) {
     ExpectTheRightSpeed();
 }
 
-TEST_F(ResultFileTest, WhatCannotBeRemovedIsNotOpened) {
+TEST_F(ResultFileTest, AFileThatCannotBeRemovedIsNotOpened) {
     testkit::WriteFile(kResultFile, kPlanted);  // of root's, in a sticky folder
     ExpectAFailureAtOnce();
     EXPECT_EQ(testkit::ReadFile(kResultFile), kPlanted);
@@ -141,13 +141,13 @@ TEST_F(ResultFileTest, AFolderThatCannotBeRemovedIsAFailure) {
     EXPECT_EQ(rmdir(kResultFile), 0);
 }
 
-TEST_F(ResultFileTest, OnesOwnOldFileIsWrittenAgain) {
+TEST_F(ResultFileTest, TheCallersOwnOldFileIsWrittenAgain) {
     testkit::WriteFile(kResultFile, kPlanted);
     ExpectTheRightSpeed();
 }
 
-// Somebody who plants all the time may make a get fail, and nothing else.
-TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
+// A user who plants without a pause may make a get fail, and nothing else.
+TEST_F(ResultFileTest, AUserWhoPlantsWithoutAPauseInjectsNoValue) {
     Child planter({.user = kNobody}, [] {
         for (;;) {
             (void)symlink(kVictim, kResultFile);
@@ -163,7 +163,7 @@ TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
     EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
 }
 
-TEST_F(ResultFileTest, ARestartEndsWhateverIsPlanted) {
+TEST_F(ResultFileTest, ARestartEndsWithAnyPlantedFile) {
     testkit::WriteFile(kUsbDevices, "S:  Product=QT4408RKM\n");
     for (const auto& planting : {std::function<int()>(PlantFile), std::function<int()>(PlantFolder),
                                  std::function<int()>([] { return mkfifo(kResultFile, 0666); })}) {

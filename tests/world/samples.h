@@ -1,4 +1,4 @@
-// samples.h - the file whose loss the tests of this ring look for.
+// samples.h - the file that the tests of this ring must find complete.
 #ifndef TESTS_WORLD_SAMPLES_H_
 #define TESTS_WORLD_SAMPLES_H_
 

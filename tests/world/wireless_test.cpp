@@ -1,4 +1,4 @@
-// Wireless keys on a device with a user who wants them.
+// Tests that another user of the device cannot obtain wireless keys.
 #include <atomic>
 #include <cstring>
 #include <optional>
@@ -36,7 +36,7 @@ constexpr char kKey[] = "zq7Xsecret9vW";
 
 const Conditions kAsNobody{.user = kNobody};
 
-// What the other user does.
+// The actions of the other user.
 
 sockaddr_un ReplyAddress() {
     sockaddr_un address{};
@@ -64,14 +64,14 @@ bool PostSemaphore() {
     return sem != SEM_FAILED && sem_post(sem) == 0;
 }
 
-// Says whether a record with the key has come.
+// Returns true if a record with the key has come.
 bool HasKey(int fd) {
     char record[240];
     const ssize_t size = recv(fd, record, sizeof(record), 0);
     return size > 0 && memmem(record, static_cast<size_t>(size), kKey, strlen(kKey)) != nullptr;
 }
 
-// Sits at path and semaphore before the query and waits.
+// Takes path and semaphore before the query and waits.
 int Squat(std::atomic<bool>& is_there, std::atomic<bool>& is_over) {
     const int fd = OpenSocket();
     if (!Bind(fd) || !MakePostedSemaphore()) {
@@ -119,7 +119,7 @@ int Inject() {
     }
 }
 
-// Another umask while it lives.
+// Sets another umask during its lifetime.
 class OpenUmask {
   public:
     OpenUmask() : saved_(umask(0)) {}
@@ -156,7 +156,7 @@ class WorldWirelessTest : public testkit::DeviceTest {
 
     int QueryKey() { return Execute(VELK_GET, VELK_CMD_PSK, "eth1"); }
 
-    // Runs as nobody at the moment of each call of this kind; what it returns is kept.
+    // Runs `work` as nobody at each call of this kind and keeps its result.
     void AsNobodyAt(Call call, const std::function<int()>& work) {
         libc().OnCall(call, [this, work](const Event&) { nobody_ = InChild(kAsNobody, work); });
     }
@@ -182,7 +182,7 @@ TEST_F(WorldWirelessTest, ASquatterIsRemovedAndGetsNoKey) {
     }
 }
 
-// A reply that such a user took away would show as a query that waits its whole minute.
+// If such a user took a reply away, the query would wait for a whole minute.
 TEST_F(WorldWirelessTest, AUserWhoRacesForPathAndSemaphoreGetsNoKey) {
     const Shared<std::atomic<int>> keys;
     const Child racer(kAsNobody, [&] { return Race(*keys); });
@@ -267,7 +267,7 @@ TEST_F(WorldWirelessTest, NoRecordOfAnotherUserIsStored) {
     EXPECT_EQ(stored.channel, 13);
 }
 
-TEST_F(WorldWirelessTest, TheReplySocketIsTheCallersAloneWhateverTheUmask) {
+TEST_F(WorldWirelessTest, TheReplySocketIsTheCallersAloneWithAnyUmask) {
     const OpenUmask umask;
     mode_t mode = 0;
     libc().OnCall(Call::kSemPost,

@@ -1,4 +1,4 @@
-// call_log.cpp - what each call of a request worked on.
+// call_log.cpp - the file or shell line of each call of a request.
 #include "fault/kit/call_log.h"
 
 #include <climits>
@@ -86,7 +86,8 @@ LoggedCall CallLog::Describe(const testkit::Event& event) {
     return call;
 }
 
-// As it was open in front of the call before this one, or opened by that; a close has happened.
+// Returns the file that was open before the previous call, or that it opened: a close has already
+// happened.
 std::string CallLog::FileOf(int fd) const {
     const auto found = open_files_.find(fd);
     return found == open_files_.end() ? opened_last_ : found->second;

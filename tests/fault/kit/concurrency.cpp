@@ -16,15 +16,15 @@ using testkit::Call;
 using testkit::Event;
 using testkit::kIdentityFile;
 
-// What this thread stores now, for the stand-ins of its tools.
+// The value that this thread stores now, for its fake tools.
 struct Store {
     size_t setting;
     std::string value;
 };
 thread_local Store own_store;
 
-// Stands in for the copying of the edit: only the holder of the lock comes here. The edit holds its
-// value beside what was stored last in the other setting.
+// Replaces the copying of the edit: only the holder of the lock comes here. The edit has its own
+// value, and for the other setting the value stored last.
 void CopyAsHolder(Board& board) {
     if (board.holders.fetch_add(1) != 0) {
         ++board.crowded;
@@ -40,8 +40,7 @@ void CopyAsHolder(Board& board) {
     --board.holders;
 }
 
-// Stands in for the removal of the edit's copy, the last step under the lock that concerns the
-// file.
+// Replaces the removal of the edit copy, the last step under the lock that concerns the file.
 void EndAsHolder(Board& board) {
     unlink(testkit::CopyOf(kIdentityFile).c_str());
     strcpy(board.last[own_store.setting], own_store.value.c_str());

@@ -18,7 +18,7 @@ const Texts kSwitches{"\x01", "\x02"};
 const Texts kTexts{"O'Neil & Co/IT", ""};
 const Texts kWepKeys{"vwxyz", "four"};
 
-// What a set or restart can be given. A value that is refused stands last where one can be.
+// The data for each set and restart. A value that is refused comes last.
 const std::map<uint32_t, Texts> kData{
     {VELK_CMD_RESTART, {std::string(1, '\0'), "\x02"}},
     {VELK_CMD_ADMINISTRATOR, kTexts},

@@ -42,13 +42,13 @@ constexpr std::array kTargets{
     kOldAddressFile, kSnmpFile,       kCrontab,        kIdentityFile, kNtpLog,
 };
 
-// Those that the sandbox's device has no samples of.
+// Files that the simulated device has no samples of.
 const std::map<std::string, std::string> kOwnTexts{
     {kOldAddressFile, "10.0.0.5\n"},
     {kNtpLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
 };
 
-// The sample's wireless stanza has no values, and a stanza that is the last of the file gains none.
+// The sample's wireless stanza has no values, and the last stanza of a file gains none.
 constexpr char kWirelessValues[] =
     "\taddress 192.168.1.10\n"
     "\tnetmask 255.255.255.0\n"
@@ -61,7 +61,7 @@ constexpr char kAddresses[] =
     "eth1      Link encap:Ethernet  HWaddr 02:00:00:00:00:11\n"
     "          inet addr:10.0.1.5  Bcast:10.0.1.255  Mask:255.255.255.0\n";
 
-// Unlike what the tools of any scene without a cable print.
+// Differs from the output of the tools in any scene without a cable.
 constexpr char kOldResult[] =
     "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:10\n"
     "          inet addr:10.99.0.5  Bcast:10.99.255.255  Mask:255.255.0.0\n"
@@ -90,8 +90,8 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-// More than one block in front of what the sample holds, in comments that every reader passes by.
-// Few lines: some editors make a copy of each, and every copy is a fault of its own.
+// Puts more than one block of comments in front of the sample's text; every reader skips them. They
+// are few lines: some edits copy each line, and every copy is a fault of its own.
 std::string Lengthened(const std::string& text) {
     const std::string comment = "#" + std::string(20 * 1024, '-') + "\n";
     return comment + comment + comment + comment + text;

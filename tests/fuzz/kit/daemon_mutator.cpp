@@ -1,5 +1,5 @@
-// daemon_mutator.cpp - changes an input of the daemon's target: mostly the field that the input's
-// command is about, to a value that counts.
+// daemon_mutator.cpp - changes an input of the daemon's target: mostly the field of the input's
+// command, to a value with an effect.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -33,7 +33,7 @@ size_t OneOf(Dice& dice, const std::vector<size_t>& numbers) {
     return numbers[dice.Below(numbers.size())];
 }
 
-// The field that the command is about.
+// Changes the field of the command.
 void ChangeField(std::string& input, const RecordRow& row, Dice& dice) {
     const size_t offset = kRecord + row.offset;
     if (row.field == Field::kCode || row.field == Field::kNumber) {
@@ -47,7 +47,7 @@ void ChangeField(std::string& input, const RecordRow& row, Dice& dice) {
     }
 }
 
-// What a set is to put there.
+// Changes the value of a set.
 void ChangeValue(std::string& input, const RecordRow& row, Dice& dice) {
     if (row.field == Field::kText) {
         const size_t size = row.size - kLengthSize;

@@ -1,4 +1,4 @@
-// daemon_record.cpp - what gets and sets make of the wireless daemon's record, told from its bytes.
+// daemon_record.cpp - the expected gets and sets of the wireless daemon's record, from its bytes.
 #include "fuzz/kit/daemon_record.h"
 
 #include "velk.h"

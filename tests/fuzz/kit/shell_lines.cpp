@@ -64,11 +64,11 @@ std::set<std::string> AllLines() {
     return lines;
 }
 
-// What sed(1) makes of the end of a substitution; nothing when that is not just a text. A line end
-// in the text is refused by sed itself.
+// Returns the text that sed(1) reads from the end of a substitution; nothing if the end has more
+// than a text. sed itself refuses a line end in the text.
 std::optional<std::string> Replacement(std::string_view end) {
     if (end == "\"\"/") {
-        return "";  // how the SNMP daemon is told of an empty text
+        return "";  // the SNMP daemon's notation of an empty text
     }
     std::string text;
     for (; !end.empty() && end != "/"; end.remove_prefix(1)) {

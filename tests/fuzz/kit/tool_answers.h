@@ -1,4 +1,4 @@
-// tool_answers.h - what gets are to make of what tools and the kernel tell.
+// tool_answers.h - the expected answers of gets that ask tools and the kernel.
 #ifndef TESTS_FUZZ_KIT_TOOL_ANSWERS_H_
 #define TESTS_FUZZ_KIT_TOOL_ANSWERS_H_
 
@@ -10,9 +10,9 @@
 
 namespace fuzz {
 
-// Each takes the interface's name and the texts that are read, and gives nothing where a text is in
-// a form that tools and kernel do not have. The first two read the interfaces file, then what
-// ifconfig prints.
+// Each takes the interface's name and the texts that are read. It returns nothing for a text in a
+// form that tools and kernel do not print. The first two take the interfaces file, then the output
+// of ifconfig.
 std::optional<Answer> IpAddressFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> LinkSpeedFrom(const std::string& interface, const Texts& texts);

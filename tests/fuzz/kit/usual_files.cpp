@@ -1,4 +1,4 @@
-// usual_files.cpp - which files are as the device has them.
+// usual_files.cpp - recognises files in the device's usual form.
 #include "fuzz/kit/usual_files.h"
 
 #include <algorithm>
@@ -53,7 +53,8 @@ bool IsUsualMethod(const Setting& setting, const std::string& interfaces,
            });
 }
 
-// No blocks, and each of the set's commands at the start of a line, behind a "#" or not.
+// True if there are no blocks and each of the set's commands starts its line, with or without a
+// "#".
 bool AreUsualHooks(const std::string& text, const std::string& command) {
     const Texts lines = Lines(text);
     return AllPlainlySwitched(lines) && CountOf(lines, "if") == 0 && CountOf(lines, "fi") == 0 &&

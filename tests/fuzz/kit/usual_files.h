@@ -1,4 +1,4 @@
-// usual_files.h - which files are as the device has them.
+// usual_files.h - recognises files in the device's usual form.
 #ifndef TESTS_FUZZ_KIT_USUAL_FILES_H_
 #define TESTS_FUZZ_KIT_USUAL_FILES_H_
 

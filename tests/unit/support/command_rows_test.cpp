@@ -1,4 +1,5 @@
-// command_rows_test.cpp - each set command has its rows in the tables of the fault and fuzz rings.
+// command_rows_test.cpp - each set command must have rows in the tables of the fault and fuzz
+// rings.
 #include <algorithm>
 
 #include <gtest/gtest.h>
