@@ -1,4 +1,4 @@
-// What is removed after a call that was ended in the middle, and what stays.
+// The files that are removed after a call that was ended early, and those that stay.
 #include "velkctl/call/cleanup.h"
 
 #include <string>
