@@ -170,7 +170,7 @@ compare both files, as with '"'diff /etc/network/interfaces /var/tmp/interfaces'
 it 'notes a set that replaces what a file has lost'
 script "$cut_short"'
     velkctl set eth0.gateway 192.168.0.8 --json --no-verify | jq -r ".notes[]" | sed "s/; the copy .*//"'
-output_is 'eth0.gateway: this set replaces the edit copy /var/tmp/interfaces; /etc/network/interfaces seems cut by an interrupted edit; the copy has the rest'
+output_is 'eth0.gateway: this set replaces the edit copy /var/tmp/interfaces; /etc/network/interfaces seems cut by an interrupted edit'
 
 it 'discards an edit that was not copied by the line it prints, and names what it would change'
 script 'velkctl set ntp on; cp /var/cron/tabs/root /run/before

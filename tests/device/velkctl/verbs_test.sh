@@ -458,7 +458,7 @@ LIB_VELK_SUCCESS (0): done
 another-long-key
 LIB_VELK_SUCCESS (0): done
 abcdefgh'
-error_unfolds_to "velkctl: call: --hex: more than 512 bytes; give at most 512
+error_is "velkctl: call: --hex: more than 512 bytes; give at most 512
 velkctl: call: --hex: the file after @ has more than one line
   give the value as the only one
 velkctl: call: --text: the file after @ cannot be read: No such file or directory

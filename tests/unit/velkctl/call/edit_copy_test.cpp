@@ -117,7 +117,7 @@ TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
-// A host whose real and effective user differ makes its copies with mode 644.
+// A host with different real and effective users makes its copies with mode 644.
 TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
     WriteCopy("a\nb\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
