@@ -827,7 +827,7 @@ output_has '
   list      list all settings, or those of an interface
   describe  describe a setting and its values
   explain   explain a result of the library or an exit status
-  doctor    look for problems with files, tools and daemons, and for their fixes
+  doctor    look for problems with files, tools and daemons
   call      run a command of the library without checks
   help      show help for velkctl or for a verb
 '
