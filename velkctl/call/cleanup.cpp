@@ -32,7 +32,7 @@ bool IsDispensable(EditState state) {
            state == EditState::kDiffers;
 }
 
-// Returns the edit copies of the command whose files were cut, or may have been.
+// Returns the edit copies of the command with files that were cut, or may have been.
 std::vector<EditCopy> CutEdits(const Command& command) {
     std::vector<EditCopy> copies = FindEditCopies(command);
     std::erase_if(copies, [](const EditCopy& copy) {

@@ -17,7 +17,7 @@ namespace velkctl {
 namespace {
 
 constexpr mode_t kCopyMode = 0600;
-// The mode in a host whose real and effective user differ. It proves nothing: other programs of
+// The mode in a host with different real and effective users. It proves nothing: other programs of
 // root usually make files of this mode.
 constexpr mode_t kCopyModeForTwoUsers = 0644;
 constexpr mode_t kModeBits = 07777;

@@ -56,11 +56,11 @@ constexpr std::array<Verb, 9> kVerbs{{
      "NAME... [OPTION...]",
      "show the value of settings",
      "One name prints the bare value, several names print lines \"name = value\". A key\n"
-     "(eth1.psk and the WEP keys) is shown as ********, or none if it is not set, unless\n"
-     "--show-secrets is given.\n"
+     "(eth1.psk and the WEP keys) is shown as ********, or none if it is not set,\n"
+     "unless --show-secrets is given.\n"
      "\n"
-     "In a value, \\xff is a byte that is not text. \\x5c is a backslash before text that\n"
-     "looks like such a byte.\n"
+     "In a value, \\xff is a byte that is not text. \\x5c is a backslash before text\n"
+     "that looks like such a byte.\n"
      "\n"
      "Examples:\n"
      "  velkctl get eth0.dns\n"
@@ -82,9 +82,10 @@ constexpr std::array<Verb, 9> kVerbs{{
      "velkctl checks the value first and reads it back after the set. Exit status 6:\n"
      "the library reported success, but the device does not hold the value.\n"
      "\n"
-     "Other users can see the command line. For a key, such as eth1.psk, - reads a line\n"
-     "of standard input and @FILE the only line of a file; without a value, velkctl\n"
-     "asks for it at a terminal. A key that begins with @ needs one of these ways.\n"
+     "Other users can see the command line. For a key, such as eth1.psk, - reads a\n"
+     "line of standard input and @FILE the only line of a file; without a value,\n"
+     "velkctl asks for it at a terminal. A key that begins with @ needs one of these\n"
+     "ways.\n"
      "\n"
      "Examples:\n"
      "  velkctl set eth0.address 192.168.0.10\n"
@@ -135,8 +136,8 @@ constexpr std::array<Verb, 9> kVerbs{{
     {"describe",
      "NAME|ID [--json]",
      "describe a setting and its values",
-     "A name without its interface, or the id of a command, selects the setting of every\n"
-     "interface.\n"
+     "A name without its interface, or the id of a command, selects the setting of\n"
+     "every interface.\n"
      "\n"
      "Examples:\n"
      "  velkctl describe eth0.gateway\n"
@@ -161,7 +162,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      RunExplain},
     {"doctor",
      "[--json]",
-     "look for problems with files, tools and daemons, and for their fixes",
+     "look for problems with files, tools and daemons",
      "Changes nothing. The exit status is 0 if there is no problem, else 1.\n"
      "\n"
      "Example:\n"
@@ -174,8 +175,8 @@ constexpr std::array<Verb, 9> kVerbs{{
      "get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]",
      "run a command of the library without checks",
      "ID is the decimal number of the command. INTERFACE is sent as given, empty by\n"
-     "default. Prints the result and, for a get, the data bytes up to the last one that\n"
-     "is not zero. Keys are masked.\n"
+     "default. Prints the result and, for a get, the data bytes up to the last one\n"
+     "that is not zero. Keys are masked.\n"
      "\n"
      "Other users can see the command line. As TEXT or HEX, - reads a line of standard\n"
      "input and @FILE the only line of a file. A text that is - or begins with @ needs\n"

@@ -19,7 +19,7 @@ constexpr char kNotifyOnly = 2;  // first data byte of a restart of eth1
 // The last message of ifup(8) if the interface did not come up.
 constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
 
-// Adds the likely reason the restart had no effect. Returns false if none is found. The library
+// Adds the likely reason for a restart without effect. Returns false if none is found. The library
 // ignores the tools' exit status, so its success proves nothing.
 bool AddReason(const Answer& answer, Problem& problem) {
     const Findings obstacles = CheckRestartTools();

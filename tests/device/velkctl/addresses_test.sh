@@ -6,10 +6,10 @@
 
 needs_sandbox
 
-# Runs a script on a device; the file's own text stands in tests of the editors.
+# Runs a script on a device; other tests check the text of the file.
 script() { on_device sh -c "$1"; }
 
-it 'shows what the file holds'
+it 'shows the contents of the file'
 on_device velkctl get eth0.method eth0.address eth0.netmask eth0.gateway eth1.method
 status_is 0
 error_is ''
@@ -74,7 +74,7 @@ eth0.netmask = 255.255.255.0
 eth0.gateway = 172.16.5.1
 	address 192.168.0.10'
 
-it 'answers with the configured address of a static port, whatever the kernel holds'
+it 'answers with the configured address of a static port, also if the kernel has another'
 script 'ifconfig eth0 172.16.5.6 && velkctl get eth0.address'
 status_is 0
 error_is ''
@@ -104,14 +104,14 @@ error_is 'velkctl: eth1.gateway: the library reported success, but the device ho
   likely cause: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
   fix: add a line "gateway 192.168.0.1" to it'
 
-it 'says that an address cannot be checked behind a lease'
+it 'notes that an address is not checked while a lease is shown'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&
     grep address /etc/network/interfaces'
 status_is 0
 output_is '	address 10.0.0.7'
 error_is 'velkctl: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown'
 
-it 'refuses nonsense before it reaches a file'
+it 'refuses values that are not valid before they reach a file'
 for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.255.0' \
     'eth0.gateway 0.0.0.0' 'eth0.method bootp' 'eth0.apipa yes' 'eth1.dhcp-notice on' \
     'eth0.address 10.0.0.1 10.0.0.2'; do
@@ -122,7 +122,7 @@ for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.2
         exit \$status"
     status_is 2
     output_is ''
-    check 'one line of error' 1 "$(printf '%s\n' "${error//$'\n  '/; }" | grep -c '^velkctl: eth[01].*; give \|^velkctl: set: unknown')"
+    check 'one message' 1 "$(printf '%s\n' "${error//$'\n  '/; }" | grep -c '^velkctl: eth[01].*; give \|^velkctl: set: unknown')"
 done
 
 it 'refuses an address with a second line in it'

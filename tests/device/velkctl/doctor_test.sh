@@ -170,7 +170,7 @@ compare both files, as with '"'diff /etc/network/interfaces /var/tmp/interfaces'
 it 'notes a set that replaces what a file has lost'
 script "$cut_short"'
     velkctl set eth0.gateway 192.168.0.8 --json --no-verify | jq -r ".notes[]" | sed "s/; the copy .*//"'
-output_is 'eth0.gateway: /etc/network/interfaces seems to have been cut while being copied, and this set replaces the edit copy that has the rest'
+output_is 'eth0.gateway: this set replaces the edit copy /var/tmp/interfaces; /etc/network/interfaces seems cut by an interrupted edit'
 
 it 'discards an edit that was not copied by the line it prints, and names what it would change'
 script 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
@@ -224,8 +224,14 @@ findings_are 'problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock:
 it 'finds the cause of what is refused and of what cannot be read without an adapter'
 script 'velk-sandbox adapter out; velkctl get eth1.mac-address; echo $?; velkctl get eth1.ssid; echo $?; velkctl doctor'
 status_is 0
-error_is "velkctl: eth1.mac-address: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)
-velkctl: eth1.ssid: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; fix: plug an adapter in, and start the wireless daemon unless that does"
+error_is "velkctl: eth1.mac-address: could not be read
+  no supported wireless adapter is attached
+  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
+  result: LIB_VELK_NO_ADAPTER (-5)
+velkctl: eth1.ssid: could not be read
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  fix: plug an adapter in, and start the wireless daemon unless that does
+  result: LIB_VELK_FAILURE (-1)"
 output_is '4
 1
 warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none that is supported; what eth1 tells of adapter and connection is refused
@@ -252,7 +258,9 @@ it 'names the daemon as the cause when it answers otherwise than it was told'
 for way in empty garbage; do
     script "wland --tell $way; velkctl set eth1.ssid foo"
     status_is 6
-    has 'standard error' "; likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise; fix: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
+    has 'standard error' "
+  likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise
+  fix: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
 done
 
 it 'tells of a tab behind a word as a set then does'

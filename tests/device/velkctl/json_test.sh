@@ -33,7 +33,7 @@ member_orders = {
 }
 
 def wrong(document, finished):
-    """What is wrong with a document, in words."""
+    """The problems with a document, as texts."""
     if finished.stderr:
         yield "on standard error: " + finished.stderr.decode()
     if not finished.stdout.endswith(b"}\n"):
@@ -51,7 +51,7 @@ def wrong(document, finished):
             if " ".join(thing) != order:
                 yield member + " in another order: " + " ".join(thing)
 
-def told(error):
+def summary(error):
     return (error["setting"] or "-") + " " + (error["result"] or {"name": "-"})["name"]
 
 for line in sys.stdin.read().splitlines():
@@ -72,12 +72,12 @@ for line in sys.stdin.read().splitlines():
     for problem in wrong(document, finished):
         print("  wrong:", problem)
     members = " ".join(list(document)[3:-2])
-    errors = "".join("; " + told(error) for error in document["errors"])
+    errors = "".join("; " + summary(error) for error in document["errors"])
     print(str(document["status"]), line, "->", (members or "nothing") + errors)
 '
 export PYTHON SCHEMA ANSWERS
 
-# What the device has none of here: the tools that a restart runs.
+# The tools that a restart runs, which this device lacks.
 tools='
     sudo=$(readlink -f "$(command -v sudo)")
     mkdir /tmp/tools
@@ -89,7 +89,7 @@ tools='
     mount --bind /tmp/tools/sudo "$sudo"
 '
 
-# Holds what the lines of standard input are answered with on one device.
+# Checks the answers to the lines of standard input, all on one device.
 answers() {
     lines=$(cat)
     commands=$(sed -E 's/ -> .*//; s/^[0-9] //' <<<"$lines")
@@ -129,7 +129,7 @@ answers <<'END'
 0 call set 108 eth0 --text 10.0.0.1 -> result
 END
 
-it 'answers with what the doctor has found, which is no error of its own'
+it 'answers with the findings of the doctor, which are no errors'
 answers <<'END'
 !rm /etc/dhclient.conf
 1 doctor -> findings problems warnings
@@ -380,7 +380,7 @@ on_device sh -c "$tools"'
     try call set 314 eth1 --texts $psk
     try call set 314 $psk
     try call set 314 eth1 $psk
-    # Not held, locked and silent: what goes wrong repeats no secret either.
+    # Not held, locked and silent: no failure repeats a secret.
     exec 9>>/var/tmp/vklib_lock && flock -x 9
     try set eth1.psk $psk
     try call set 314 eth1 --text $psk

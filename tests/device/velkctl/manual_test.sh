@@ -13,7 +13,7 @@ if command -v mandoc >/dev/null; then
         run mandoc -T lint "$pages/$page"
         check "findings in $page" '' "$(grep -v 'referenced manual not found' <<<"$output")"
     done
-    it 'would see a line that is too long, and what is no macro'
+    it 'would report a line that is too long and an unknown macro'
     printf '.Dd November 21, 2026\n.Dt X 1\n.Os\n.Sh NAME\n.Xx\n%s\n' \
         "$(printf 'word %.0s' {1..30})" >"$lib_folder/bad.1"
     run mandoc -T lint "$lib_folder/bad.1"
@@ -77,7 +77,7 @@ awk -v folder="$lib_folder" '
     /^```$/ { block = "" }
     block != "" { print > block }' "$VELK_SOURCE/docs/commands.md"
 
-it 'has examples in docs/commands.md that print on a fresh device what stands there'
+it 'has examples in docs/commands.md that print their output on a fresh device'
 blocks=("$lib_folder"/console.*)
 check 'there are examples' yes "$([ "${#blocks[@]}" -gt 30 ] && echo yes)"
 for block in "${blocks[@]}"; do

@@ -10,7 +10,7 @@ needs_sandbox
 script() { on_device sh -c "$1" sh "${@:2}"; }
 
 # ---- identity ---------------------------------------------------------------------------------
-it 'shows who looks after the device and where it stands'
+it 'shows the administrator and the location'
 on_device velkctl get administrator location
 status_is 0
 output_is 'administrator = Robin
@@ -132,14 +132,14 @@ output_is 'time.example
 none
 0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log'
 
-it 'refuses what the shell of cron would take for more than a name'
+it 'refuses a name with characters for the shell of cron'
 for value in 'a b' '-q' '$(reboot)' 'x;reboot' 'x>y' '' '*' 'x%y'; do
     script 'velkctl set ntp-server "$1"; status=$?; cat /var/cron/tabs/root | grep -c "192.168.0.1 >"; exit $status' "$value"
     status_is 2
     output_is 1
 done
 
-it 'refuses a time server whose text is a part of the command that cron runs'
+it 'refuses a time server with a text that is a part of the command that cron runs'
 for value in ntp usr bin u d ntpdate; do
     script 'velkctl set ntp-server "$1"; status=$?; grep -c "/usr/bin/ntpdate -u 192.168.0.1 >" /var/cron/tabs/root
         ls /var/tmp; exit $status' "$value"
@@ -149,7 +149,7 @@ for value in ntp usr bin u d ntpdate; do
   give the server's address or another name, or --force"
 done
 
-it 'sends such a server when it is forced to, refuses every other then, and the doctor tells of it'
+it 'sends such a server when it is forced to, refuses every other then, and the doctor reports it'
 script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; echo $?
     velkctl set ntp-server none; echo $?
     grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 1 "problem: ntp"'
@@ -207,7 +207,7 @@ off
 26:#		make_resolv_conf
 on'
 
-it 'says that nothing is asked for an interface whose block is switched off'
+it 'reports an interface without requests, its block being switched off'
 script 'velkctl set eth0.dhcp-dns on'
 status_is 6
 error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'

@@ -11,7 +11,7 @@ command -v python3 >/dev/null || skip 'no python3 here, for the log'
 
 script() { on_device sh -c "$stuck_log_word$1"; }
 
-# timeout(1) says 124 of a command that its first signal ended, 137 of one that it had to kill.
+# timeout(1) returns 124 if its first signal ended the command, 137 if it killed the command.
 it 'is ended by a signal in a get that waits to log'
 script 'rm /var/cron/tabs/root /var/libvelk/libvelk
     for setting in ntp location; do
@@ -27,7 +27,7 @@ status_is 7
 error_is 'velkctl: ntp: could not be read
   no answer after 1 s'
 
-it 'reads what needs no log'
+it 'reads settings without the log'
 script 'with_stuck_log timeout -k 60 60 velkctl get eth0.address'
 status_is 0
 error_is ''

@@ -9,7 +9,7 @@
 needs_sandbox
 command -v python3 >/dev/null || skip 'no python3 here, for signals and terminals'
 
-# What the scripts on the device are written in.
+# The shell functions of the scripts on the device.
 words='
     # Another program that changes settings; $holder is its number.
     hold_lock() { # SECONDS
@@ -24,7 +24,7 @@ words='
         while kill -0 $own 2>/dev/null; do sleep 0.01; done
         wland --background --reply "$@"
     }
-    # What is left that a query, a tool or an edit leaves, if any; the lock always stays.
+    # Lists the files that a query, a tool or an edit left, if any; the lock always stays.
     left() {
         for path in /tmp/WlanAplFromWlanSock /dev/shm/sem.WlanAplRecvSem /var/tmp/*; do
             case $path in
@@ -78,7 +78,7 @@ sys.stdout.flush()
 print("ended by", signal.Signals(-status).name if status < 0 else status)
 '
 
-# Runs a command with errors, input and Ctrl-C at a terminal of its own, and shows what it wrote
+# Runs a command with errors, input and Ctrl-C at a terminal of its own, and shows its output
 # there. Ctrl-C is typed once it has written a certain text, if any.
 export TERMINAL='
 import os, pty, sys
@@ -132,7 +132,7 @@ output_is 'in time
 check 'standard error' 'velkctl: waiting at most 30 s for the lock, held by process N (flock, M seconds old)' \
     "$(anonymous "$error")"
 
-it 'waits no longer than it is told'
+it 'waits no longer than --wait'
 on_desk 'hold_lock 100; velkctl restart eth0 --wait=1; status=$?; took 1 60; exit $status'
 status_is 3
 output_is 'in time'
@@ -144,7 +144,7 @@ velkctl: eth0: could not be restarted
   result: LIB_VELK_LOCKED (-3)' \
     "$(anonymous "$error")"
 
-it 'tells of the waiting within the document'
+it 'notes the waiting within the document'
 on_desk 'hold_lock 100; velkctl call set 108 eth0 --text 10.0.0.1 --wait=1 --json >/tmp/answer
     status=$?; python3 -c "
 import json
@@ -175,7 +175,7 @@ status_is 0
 error_is ''
 output_is static
 
-# ---- given up ---------------------------------------------------------------------------------
+# ---- timeout ----------------------------------------------------------------------------------
 
 it 'gives up a question that nobody answers'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1; status=$?; took 1 40; left; exit $status'
@@ -192,21 +192,21 @@ output_is ''
 error_is 'velkctl: eth1.signal: could not be read
   no answer after 1 s'
 
-it 'says that a change that was given up may be half done'
+it 'says that a change that was stopped may be incomplete'
 on_desk 'reply silent; velkctl set eth1.ssid x --timeout 1; status=$?; left; exit $status'
 status_is 7
 output_is ''
 error_is 'velkctl: eth1.ssid: could not be set
   no answer after 1 s; eth1.ssid may be incomplete; run it again'
 
-it 'asks again after it gave up'
+it 'asks again after a timeout'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1 2>/dev/null; wland --tell normal
     velkctl get eth1.ssid --timeout 30'
 status_is 0
 error_is ''
 output_is velk-lab
 
-it 'gives up a tool that hangs, and leaves it alone'
+it 'stops waiting for a tool that hangs, and leaves it alone'
 on_desk 'mkdir /tmp/tools
     printf "#!/bin/sh\nuntil [ -e /tmp/go ]; do sleep 0.1; done\necho went on >/tmp/note\n" >/tmp/tools/sudo
     chmod +x /tmp/tools/sudo; stand_in sudo /tmp/tools/sudo
@@ -219,13 +219,13 @@ error_is 'velkctl: eth0.link-speed: could not be read
 output_is 'in time
 went on'
 
-it 'gives nothing up that is in time'
+it 'stops no command that is in time'
 on_desk 'velkctl set eth0.dns 10.0.0.1 --timeout 20 && velkctl get eth0.dns --timeout 20
     velkctl set eth0.dns 10.0.0.300 --timeout 20; echo $?'
 output_is '10.0.0.1
 2'
 
-it 'refuses a time that is none'
+it 'refuses a time that is not valid'
 on_desk 'velkctl get eth0.dns --timeout soon'
 status_is 2
 error_is "velkctl: --timeout: 'soon' is not a time; give whole seconds, 1 to 86400"
@@ -242,7 +242,7 @@ has 'standard output' '(no answer after 1 s)' "$output"
 
 # ---- signals ----------------------------------------------------------------------------------
 
-it 'leaves nothing behind when a signal ends it in a question'
+it 'leaves no files if a signal ends it during a query'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "reply silent; interrupted_by $signal \$asked velkctl get eth1.ssid; took 0 40; left"
     output_is "ended by $signal
@@ -250,14 +250,14 @@ in time"
     error_is ''
 done
 
-it 'says that a change may be half done when a signal ends it'
+it 'says that a change may be incomplete if a signal ends it'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "reply silent; interrupted_by $signal \$asked velkctl set eth1.ssid x; left"
     output_is "ended by $signal"
     error_is 'velkctl: interrupted; eth1.ssid may be incomplete; run it again'
 done
 
-it 'says that a restart may be half done when a signal ends it'
+it 'says that a restart may be incomplete if a signal ends it'
 on_desk 'mkdir /tmp/tools; : >/tmp/tools/real-sudo
     mount --bind "$(readlink -f "$(command -v sudo)")" /tmp/tools/real-sudo
     printf "%s\n" "#!/bin/sh" "/tmp/tools/real-sudo \"\$@\"" "[ \$1 != ifdown ] || : >/tmp/is-down" >/tmp/tools/sudo
@@ -276,7 +276,7 @@ error_is ''
 output_is 'ended by SIGTERM
 interrupted; eth1.ssid may be incomplete; run it again'
 
-it 'shows what it has read when a signal ends it'
+it 'shows the settings it has read if a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth1.ssid >/tmp/answer
     cat /tmp/answer'
 output_is 'eth0.method = static
@@ -329,7 +329,7 @@ in time"
     error_is 'velkctl: interrupted; ntp may be incomplete; run it again'
 done
 
-it 'tells what tools say in words of its own'
+it 'passes on the output of tools as notes'
 on_desk 'rm -f /var/libvelk/ntp.log
     velkctl set ntp off; echo $?; velkctl set ntp off --json >/tmp/answer
     python3 -c "import json; print(*json.load(open(\"/tmp/answer\"))[\"notes\"])"'
@@ -343,7 +343,7 @@ on_desk 'reply silent; (trap "" HUP INT
 output_is 'ended by 7'
 
 # Ends changes at random moments: however far they came, the files are whole and nothing is left.
-it 'leaves files whole and nothing behind at whatever moment it is ended'
+it 'leaves complete files and no others at every moment of its end'
 on_desk 'cp /etc/network/interfaces /tmp/static
     velkctl set eth0.method dhcp; cp /etc/network/interfaces /tmp/dhcp
     for signal in SIGINT SIGTERM; do
@@ -371,7 +371,7 @@ output_is '2
 0
 free'
 
-it 'tells of a library that was killed'
+it 'reports a library that was killed'
 on_desk 'reply silent; velkctl get eth1.ssid & until [ -e $asked ]; do sleep 0.01; done
     kill -KILL $(pgrep -P $!); wait $!; status=$?; left; exit $status'
 status_is 1
@@ -383,7 +383,7 @@ velkctl: eth1.ssid: could not be read
 
 # ---- at a terminal ----------------------------------------------------------------------------
 
-it 'shows at a terminal what it waits for, and takes that away again'
+it 'shows a progress line at a terminal and removes it'
 on_desk 'reply silent; at_terminal - velkctl get eth1.ssid --timeout 3'
 status_is 0
 output_has "'\\reth1.ssid: 1 s of at most 3 s, waiting for the wireless daemon to answer\\reth1.ssid: 2 s of at most 3 s, waiting for the wireless daemon to answer\\r  "

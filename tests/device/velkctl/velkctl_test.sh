@@ -1,4 +1,4 @@
-# velkctl_test.sh - the command-line tool, as people and scripts use it.
+# velkctl_test.sh - the command-line tool for people and scripts.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -6,8 +6,8 @@
 
 needs_sandbox
 
-# Runs a command on a device whose resolver file holds this text (\n and the like as printf writes
-# them) and where no set has run yet. Shows the file behind the command's output, and the lock file.
+# Runs a command on a device whose resolver file holds this text (with escapes as in printf
+# format) and where no set has run yet. Shows the file after the command's output, and the lock file.
 with_resolver() { # TEXT COMMAND...
     on_device sh -c '
         resolver=/etc/resolv.dnsmasq.conf
@@ -84,7 +84,7 @@ output_is 'none
 # nothing yet
 --'
 
-it 'shows the server behind a line without an address'
+it 'shows the server after a line without an address'
 with_resolver 'nameserver\nnameserver 2.2.2.2\n' velkctl get eth0.dns
 status_is 0
 output_is '2.2.2.2
@@ -174,19 +174,19 @@ output_is '-- /etc/resolv.dnsmasq.conf
 --
 lock file made'
 
-it 'takes addresses behind --'
+it 'takes addresses after --'
 with_resolver 'nameserver 9.9.9.9\n' velkctl set -- eth0.dns 1.1.1.1
 status_is 0
 output_has 'nameserver 1.1.1.1
 --'
 
-it 'reads back what it set, on either interface'
+it 'reads back the value it set, on either interface'
 on_device sh -c 'velkctl set eth0.dns 1.2.3.4 5.6.7.8 && velkctl get eth0.dns eth1.dns'
 status_is 0
 output_is 'eth0.dns = 1.2.3.4 5.6.7.8
 eth1.dns = 1.2.3.4 5.6.7.8'
 
-it 'sets what get has shown'
+it 'sets a value as get shows it'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && before=$(velkctl get eth0.dns) &&
     velkctl set eth0.dns none && velkctl get eth0.dns &&
     velkctl set eth0.dns $before && velkctl get eth0.dns'
@@ -234,7 +234,7 @@ it 'refuses four addresses'
 refused 'eth0.dns: 4 addresses given; give one to three, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
-it 'refuses what is no address'
+it 'refuses a value that is not an address'
 for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost 1.1.1.1,2.2.2.2 '1.1.1.1 2.2.2.2' \
     '[1.1.1.1]' '{}' %% ++ -5 list ''; do
     refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
@@ -276,7 +276,7 @@ refused "get: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" get eth2.dn
 refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dns 1.1.1.1
 refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
-it 'refuses a verb that there is not'
+it 'refuses an unknown verb'
 refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'" \
     put eth0.dns 1.1.1.1
 refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
@@ -313,7 +313,7 @@ refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart
     call set 108 eth0 x
 
 # ---- list -------------------------------------------------------------------------------------
-it 'lists each setting with its directions and what it is'
+it 'lists each setting with its directions and description'
 on_device velkctl list
 status_is 0
 error_is ''
@@ -356,7 +356,7 @@ status_is 1
 error_is ''
 output_is 'LIB_VELK_FAILURE (-1): file, socket, time-out or unreadable value'
 
-it 'sends text as it stands'
+it 'sends text unchanged'
 for text in 10.0.0.1 '[a,b]' '{}' %% nonsense; do
     with_resolver 'nameserver 9.9.9.9\n' velkctl call set 108 eth0 --text "$text"
     status_is 0
@@ -368,7 +368,7 @@ nameserver $text
 lock file made"
 done
 
-it 'takes text behind an equals sign, and a text that looks like an option'
+it 'takes text after an equals sign, and a text that looks like an option'
 with_resolver '' velkctl call --text=10.0.0.1 set 108 eth0
 output_has 'nameserver 10.0.0.1
 --'
@@ -433,7 +433,7 @@ it 'refuses an option without its value'
 refused "call: option '--text' needs a value" call set 108 eth0 --text
 refused "call: option '--hex' needs a value" call set 108 eth0 --hex
 
-it 'refuses what is no command'
+it 'refuses a command that is not valid'
 refused "call: 'put' is not a command type; give get, set or restart" call put 108 eth0
 for id in dns 108x 0x6c -1 4294967296 ''; do
     refused "call: '$id' is not a command id; give a decimal number such as 108" \
@@ -472,7 +472,7 @@ output_has 'lock file made'
 # ---- the wired port and the adapter -----------------------------------------------------------
 # Runs a command on a device with an eth0 and an eth1 of its own, where ethtool shows these lines (as
 # printf writes them) of the wired port, and nothing that is run with sudo does anything but to be
-# noted. The device has this list of USB devices and no wireless daemon. Shows the notes behind the
+# noted. The device has this list of USB devices and no wireless daemon. Shows the notes after the
 # command's output.
 with_ports() { # ETHTOOL-LINES USB-DEVICES COMMAND...
     on_device sh -c "$stand_in_word"'
@@ -572,7 +572,7 @@ with_ports "$link" '' velkctl set eth0.link-speed 10-half
 status_is 6
 error_is "velkctl: eth0.link-speed: the library reported success, but the device holds 'auto'"
 
-# Holds that velkctl refuses these arguments with this message, with nothing run, locked or printed.
+# Checks that velkctl refuses these arguments with this message, with nothing run, locked or printed.
 refused_unsent() { # MESSAGE ARGUMENT...
     lib_message=$1
     shift
@@ -598,7 +598,7 @@ refused_unsent 'eth0.link-speed: 2 values given; give auto, 100-full, 100-half, 
 refused_unsent "set: unknown setting 'eth1.link-speed'; give eth0.link-speed" \
     set eth1.link-speed auto
 
-it 'does not set what can only be read'
+it 'does not set a setting that can only be read'
 for name in eth0.mac-address eth1.mac-address eth1.hardware-version eth1.software-version \
     eth1.standard eth1.region eth1.rate eth1.access-point eth1.signal; do
     refused_unsent "$name: cannot be set, only read" set "$name" 1
@@ -673,7 +673,7 @@ refused_unsent 'eth1.ssid: control characters, such as the end of a line, are no
     set eth1.ssid $'net\n'
 
 # ---- secrets ----------------------------------------------------------------------------------
-# Holds that nothing of the secret is in what velkctl wrote.
+# Checks that the output of velkctl has no part of the secret.
 no_secret() {
     case $output$error in
         *hunter*) check 'output' 'no secret' "$output$error" ;;
@@ -681,7 +681,7 @@ no_secret() {
     esac
 }
 
-it 'tells the length of a wrong key, not the key'
+it 'reports the length of a wrong key, not the key'
 refused_unsent 'eth1.psk: 66 bytes given; give a text of 1 to 64 bytes, or none' \
     set eth1.psk "hunter$(printf '%060d' 0)"
 refused_unsent 'eth1.psk: 0 bytes given; give a text of 1 to 64 bytes, or none' set eth1.psk ''
@@ -690,7 +690,7 @@ refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none,
 refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none' \
     set eth1.wep-key-4 hunter
 
-it 'never repeats a key, wherever it stands'
+it 'never repeats a key at any place'
 for arguments in 'set eth1.psk hunter22' 'set eth1.psk -hunter22' 'set eth1.psk --hunter=2' \
     'set eth1.psk @hunter22' 'set eth1.psk=hunter22' 'set hunter22 eth1.psk' \
     'set eth1.pks -hunter22' 'set eth1.wep-key-2 hunter' 'eth1.psk=hunter22' 'get eth1.psk=hunter22' \
@@ -722,7 +722,7 @@ error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are 
   give a text of 1 to 64 bytes, or none'
 refused_unsent 'eth1.psk: standard input is empty; give the value as one line' set eth1.psk -
 
-it 'leaves the lines behind the key to others'
+it 'leaves the lines after the key unread'
 with_ports "$no_link" "$adapter" sh -c \
     'printf "hunter\nrest\n" | { velkctl set eth1.wep-key-1 - 2>/dev/null; cat; }'
 output_is 'rest
@@ -750,7 +750,7 @@ no_secret
 refused_unsent "eth1.psk: the file after @ cannot be read: No such file or directory; - reads the value from standard input, @FILE from a file" \
     set eth1.psk @/tmp/hunter22
 
-it 'takes - and @ as they stand where nothing is secret'
+it 'takes - and @ literally for a setting that is no secret'
 refused_unsent "eth1.channel: '-' is not one of its values; give a number from 1 to 13" \
     set eth1.channel -
 refused_unsent "eth1.channel: '@/etc/hostname' is not one of its values; give a number from 1 to 13" \
@@ -776,7 +776,7 @@ ethtool eth0
 ifconfig eth1 up
 lock file made'
 
-it 'tells the wireless daemon alone'
+it 'notifies the wireless daemon only'
 with_ports "$link" "$adapter" velkctl restart eth1 --notify-only
 status_is 0
 error_is ''
@@ -804,7 +804,7 @@ error_has 'velkctl: eth0: could not be restarted
 output_is '-- run
 lock file made'
 
-it 'refuses to restart what is no interface'
+it 'refuses to restart an unknown interface'
 refused_unsent "restart: 'eth2' is not an interface of the device; did you mean eth0 or eth1?" restart eth2
 refused_unsent "restart: '' is not an interface of the device; give eth0 or eth1" restart ''
 refused_unsent 'restart: --notify-only is for eth1; leave it out for eth0' \
@@ -827,7 +827,7 @@ output_has '
   list      list all settings, or those of an interface
   describe  describe a setting and its values
   explain   explain a result of the library or an exit status
-  doctor    look for problems with files, tools and daemons, and for their fixes
+  doctor    look for problems with files, tools and daemons
   call      run a command of the library without checks
   help      show help for velkctl or for a verb
 '

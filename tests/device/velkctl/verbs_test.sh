@@ -1,4 +1,4 @@
-# verbs_test.sh - what velkctl's verbs tell people, at a terminal too.
+# verbs_test.sh - the text output of velkctl's verbs, also at a terminal.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -13,8 +13,8 @@ error_unfolds_to() { # MESSAGE
     error_is "$1"
 }
 
-# Types lines at a terminal of the command's own, each when a question (": ") is there, and shows what
-# stood on it. The line ^C is typed as the key.
+# Types lines at a terminal of the command's own, each at a question (": "), and shows the
+# terminal's text. The line ^C is typed as the key.
 export TYPIST='
 import os, pty, sys, termios
 typed = os.environ["TYPED"].splitlines()
@@ -74,7 +74,7 @@ on_device velkctl show eth1 --show-secrets
 status_is 0
 check 'no mask' 0 "$(printf '%s\n' "$output" | grep -c '\*\*\*\*')"
 
-it 'colours what cannot be read, at a terminal alone, and not against NO_COLOR'
+it 'colours unreadable settings, at a terminal only, and not with NO_COLOR'
 typing '' env TERM=linux velkctl show eth1
 output_has 'eth1.signal             <esc>[33m(refused while the cable is in the wired port)<esc>[0m'
 for plain in TERM=linux\ NO_COLOR=1 TERM=dumb; do
@@ -118,7 +118,7 @@ status_is 0
 output_is '192.168.0.10
 255.255.255.0'
 
-it 'shows one bare line for each name, empty for what is empty or cannot be read'
+it 'shows one bare line for each name, empty for an empty or unreadable value'
 on_device sh -c 'velkctl set location "" && velkctl set eth0.gateway none && velkctl set eth0.dns none
     velkctl get --value eth0.gateway location eth1.signal eth0.dns ntp 2>/dev/null; echo $?
     test -z "$(velkctl get --value location)" && echo empty; velkctl get location eth0.gateway'
@@ -132,7 +132,7 @@ empty
 location = '"''"'
 eth0.gateway = none'
 
-it 'tells a byte and the text that looks like it apart'
+it 'distinguishes a byte from the text that looks like it'
 on_device sh -c 'for text in "a\xff" "a\x5cxff"; do
         velkctl set location "$text" && velkctl get location && grep LOCATION /var/libvelk/libvelk | od -An -c
     done'
@@ -169,12 +169,12 @@ velkctl: eth0.method: could not be set
   fix: run 'velkctl describe NAME' for the interfaces and values of a setting
   result: LIB_VELK_INVALID_PARAMETER (-4)"
 
-it 'does not read back when told so'
+it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
 status_is 0
 error_is ''
 
-it 'guesses what a misspelt word means'
+it 'suggests a correction of a misspelt word'
 on_device velkctl get eth0.gateways
 status_is 2
 error_is "velkctl: get: unknown setting 'eth0.gateways'; did you mean eth0.gateway?"
@@ -198,7 +198,7 @@ repeat the value:
 velkctl: eth1.psk: the second value differs from the first
 ended with 2'
 
-it 'does not show what is typed for -'
+it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 
 ended with 0'
@@ -214,7 +214,7 @@ status_is 2
 error_is 'velkctl: eth1.psk: no value given; give a text of 1 to 64 bytes, or none'
 
 # ---- describe, explain ------------------------------------------------------------------------
-it 'says what a setting is'
+it 'describes a setting'
 on_device velkctl describe eth0.dhcp-notice
 status_is 0
 output_is 'eth0.dhcp-notice
@@ -232,7 +232,7 @@ output_is 'eth1.psk
   example: velkctl get eth1.psk
   example: velkctl set eth1.psk -'
 
-it 'says what the values of a setting mean'
+it 'describes the values of a setting'
 on_device velkctl describe eth0.method
 output_is 'eth0.method
   where the address comes from: static or dhcp
@@ -267,7 +267,7 @@ on_device sh -c 'velk-sandbox cable out
     done >/tmp/examples
     wc -l </tmp/examples
     while IFS= read -r line; do
-        # What they make of the files of this device is not the matter here.
+        # Their result with the files of this device does not matter here.
         echo 12345 | sh -c "$line --no-verify" 2>&1 || echo "$line"
     done </tmp/examples'
 status_is 0
@@ -278,7 +278,7 @@ it 'describes the setting of every interface by its short name'
 on_device velkctl describe gateway
 check 'both' 'eth0.gateway eth1.gateway' "$(printf '%s\n' "$output" | grep '^eth' | xargs)"
 
-it 'refuses to describe what there is not'
+it 'refuses to describe an unknown setting'
 on_device velkctl describe 8
 status_is 2
 error_is "velkctl: describe: unknown setting '8'; 'velkctl list' names them all"
@@ -312,7 +312,7 @@ exit status 0 of velkctl: done
   fix: none needed
   result of the library: LIB_VELK_SUCCESS (0): done'
 
-it 'refuses to explain what is neither'
+it 'refuses to explain any other word'
 explained() { # WORD MESSAGE
     on_device velkctl explain "$1"
     status_is 2
@@ -326,7 +326,7 @@ explained LOKED "'LOKED' $neither; did you mean LOCKED?"
 explained lib_velk_failure "'lib_velk_failure' $neither; did you mean LIB_VELK_FAILURE?"
 explained 8 "'8' is not an exit status; give 0 to 7, or a result, which is 0 or negative"
 
-# ---- wrong words ------------------------------------------------------------------------------
+# ---- wrong usage ------------------------------------------------------------------------------
 # Checks that velkctl refuses these arguments with this message and prints nothing else.
 refused() { # MESSAGE ARGUMENT...
     run velkctl "${@:2}"
@@ -335,7 +335,7 @@ refused() { # MESSAGE ARGUMENT...
     error_unfolds_to "velkctl: $1"
 }
 
-it 'guesses what a misspelt option or value means'
+it 'suggests a correction of a misspelt option or value'
 refused "get: unknown option '--jsno'; did you mean --json?" get eth0.dns --jsno
 refused "get: unknown option '-json'; did you mean --json?" get eth0.dns -json
 refused "unknown option '--verison'; did you mean --version?" --verison
@@ -348,7 +348,7 @@ refused "unknown verb 'hlep'; did you mean help?" hlep
 refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
     get eth1.wep-key-5
 
-it 'guesses what a word that was cut short means'
+it 'suggests a completion of an abbreviated word'
 refused "restart: unknown option '--notify'; did you mean --notify-only?" restart eth1 --notify
 refused "eth0.link-speed: '100' is not one of its values; did you mean 100-full or 100-half?" \
     set eth0.link-speed 100
@@ -358,7 +358,7 @@ it 'gives the names of an id'
 refused "get: unknown setting '108'; give eth0.dns or eth1.dns" get 108
 refused "get: unknown setting '999'; 'velkctl list' names them all" get 999
 
-it 'guesses at the words of a schedule'
+it 'suggests a correction of a schedule'
 refused "web-update: 'dialy 08:30' is not a schedule; did you mean daily?" set web-update dialy 08:30
 refused "web-update: 'weekly sundax 08:30' is not a schedule; did you mean sunday?" \
     set web-update weekly sundax 08:30
@@ -372,7 +372,7 @@ refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Giv
 refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
 refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
 
-it 'refuses a word behind the verb that help is for'
+it 'refuses a word after help VERB'
 refused 'help: too many arguments; usage: velkctl help [VERB]' help get extra
 
 it 'takes no mask for a key'
@@ -420,7 +420,7 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
     set eth0.dns --force
 refused 'ntp: no value given; give on or off' set --force ntp
 
-it 'takes an unreadable word for what it is'
+it 'refuses a word that is no text'
 verbs='get, set, show, restart, list, describe, explain, doctor, call or help'
 refused "unknown verb '\\xff\\x1b'; give $verbs; see 'velkctl --help'" \
     $'\xff\e'
@@ -458,7 +458,7 @@ LIB_VELK_SUCCESS (0): done
 another-long-key
 LIB_VELK_SUCCESS (0): done
 abcdefgh'
-error_unfolds_to "velkctl: call: --hex: more than 512 bytes; give at most 512
+error_is "velkctl: call: --hex: more than 512 bytes; give at most 512
 velkctl: call: --hex: the file after @ has more than one line
   give the value as the only one
 velkctl: call: --text: the file after @ cannot be read: No such file or directory

@@ -1,4 +1,4 @@
-// What is removed after a call that was ended in the middle, and what stays.
+// The files that are removed after a call that was ended early, and those that stay.
 #include "velkctl/call/cleanup.h"
 
 #include <string>
@@ -217,7 +217,7 @@ TEST_F(UnfinishedEdits, AreNotedBeforeTheyAreLost) {
     EXPECT_EQ(NotesOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
 }
 
-// A host whose real and effective user differ makes its copies with mode 644.
+// A host with different real and effective users makes its copies with mode 644.
 TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
     WriteFile("/etc/dhclient.conf", "");
     WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");

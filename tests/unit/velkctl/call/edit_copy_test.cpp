@@ -1,4 +1,4 @@
-// Which edit copies velkctl finds, what it makes of them, and the shell lines about them.
+// The edit copies that velkctl finds, their states, and the shell lines about them.
 #include "velkctl/call/edit_copy.h"
 
 #include <set>
@@ -48,7 +48,7 @@ TEST_F(EditCopyTest, NoneIsFoundWhereNoneLies) {
     EXPECT_TRUE(FindEditCopies().empty());
 }
 
-TEST_F(EditCopyTest, TellsAFileThatWasCut) {
+TEST_F(EditCopyTest, RecognisesAFileThatWasCut) {
     EXPECT_EQ(StateOf("a\nb\n", ""), EditState::kCut);
     EXPECT_EQ(StateOf("a\nb\n", "a\n"), EditState::kCut);
     EXPECT_EQ(StateOf("a\nb\n", "a\nb"), EditState::kCut);
@@ -56,7 +56,7 @@ TEST_F(EditCopyTest, TellsAFileThatWasCut) {
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
-TEST_F(EditCopyTest, TellsACopyThatMayBeAPart) {
+TEST_F(EditCopyTest, RecognisesACopyThatMayBeIncomplete) {
     EXPECT_EQ(StateOf("", "a\nb\n"), EditState::kPart);
     EXPECT_EQ(StateOf("", ""), EditState::kPart);
     EXPECT_EQ(StateOf("a\n", "a\nb\n"), EditState::kPart);
@@ -64,7 +64,7 @@ TEST_F(EditCopyTest, TellsACopyThatMayBeAPart) {
     EXPECT_EQ(StateOf("a\nb", "a\n"), EditState::kPart) << "it was never copied";
 }
 
-TEST_F(EditCopyTest, TellsAnEditThatWasDoneFromOneThatWasNot) {
+TEST_F(EditCopyTest, DistinguishesADoneEditFromAnUndoneOne) {
     EXPECT_EQ(StateOf("a\nb\n", "a\nb\n"), EditState::kInPlace);
     EXPECT_EQ(StateOf("a\nc\n", "a\nb\n"), EditState::kDiffers);
 }
@@ -77,7 +77,7 @@ TEST_F(EditCopyTest, KnowsWhenACopyLacksItsEnd) {
     EXPECT_EQ(Found().has_end, true);
 }
 
-TEST_F(EditCopyTest, DoesNotJudgeWhatItCannotRead) {
+TEST_F(EditCopyTest, DoesNotCompareUnreadableFiles) {
     const std::string huge = std::string(1024 * 1024, 'a') + "\n";
     EXPECT_EQ(StateOf("a\n", huge), EditState::kUncompared);
     EXPECT_EQ(StateOf(huge, "a\n"), EditState::kUncompared);
@@ -117,7 +117,7 @@ TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
-// A host whose real and effective user differ makes its copies with mode 644.
+// A host with different real and effective users makes its copies with mode 644.
 TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
     WriteCopy("a\nb\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
@@ -187,7 +187,7 @@ TEST_F(EditCopyTest, NamesNoLinesWhereTheyCannotBeCompared) {
     EXPECT_EQ(AdditionsOf(Found()), "");
 }
 
-TEST_F(EditCopyTest, TellsInWordsHowToFinishIt) {
+TEST_F(EditCopyTest, HasAdviceToFinishIt) {
     (void)StateOf("a\n", "");
     EXPECT_EQ(FinishingOf(Found()),
               "compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
@@ -208,7 +208,7 @@ TEST_F(EditCopyTest, TheShellLineMakesNoLockWhereThereIsNone) {
     EXPECT_FALSE(testkit::Exists(kCopy));
 }
 
-// The copies that the library makes when it is told to.
+// The copies that the library makes on request.
 class EditsOfTheLibrary : public EditCopyTest {
   protected:
     void SetUp() override {
@@ -282,7 +282,7 @@ TEST_F(EditsOfTheLibrary, AreThoseThatAreFoundForACommand) {
     }
 }
 
-TEST_F(EditsOfTheLibrary, AreNoneOfWhatIsReadOrRestarted) {
+TEST_F(EditsOfTheLibrary, AreNotThoseOfReadsAndRestarts) {
     LeaveThemAll();
     EXPECT_TRUE(FindEditCopies({VELK_GET, VELK_CMD_GATEWAY, "eth0"}).empty());
     EXPECT_TRUE(FindEditCopies({VELK_RESTART, VELK_CMD_RESTART, "eth0"}).empty());

@@ -63,7 +63,7 @@ TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
         << "it is not the library's";
 }
 
-// A host whose real and effective user differ makes its copies with mode 644.
+// A host with different real and effective users makes its copies with mode 644.
 TEST_F(FilesBeforeTest, NamesACopyThatMayHaveTheRest) {
     WriteFile(kCopy, "a\nc\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);

@@ -19,7 +19,7 @@ constexpr char kHint[] = "; - reads the value from standard input, @FILE from a 
 
 class ReadSecretTest : public testkit::DeviceTest {
   protected:
-    // Reads "-" with a file as standard input; `rest` is what is left of it.
+    // Reads "-" with a file as standard input; `rest` is its unread part.
     Secret FromStandardInput(const std::string& path, std::string* rest = nullptr) {
         const int saved = dup(STDIN_FILENO);
         const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -48,14 +48,14 @@ TEST_F(ReadSecretTest, AnyOtherWordIsTheSecret) {
     }
 }
 
-TEST_F(ReadSecretTest, AFileGivesItsLine) {
+TEST_F(ReadSecretTest, AFileHasOneLine) {
     EXPECT_EQ(FromFile("hunter2\n").text, "hunter2");
     EXPECT_EQ(FromFile("hunter2").text, "hunter2");
     EXPECT_EQ(FromFile(" a b \n").text, " a b ");
     EXPECT_EQ(FromFile("hunter2\n").problem, "");
 }
 
-TEST_F(ReadSecretTest, WhatIsReadIsTakenAsItStands) {
+TEST_F(ReadSecretTest, TheLineIsTakenUnchanged) {
     EXPECT_EQ(FromFile("-\n").text, "-");
     EXPECT_EQ(FromFile("@/etc/passwd\n").text, "@/etc/passwd");
     EXPECT_EQ(FromFile("a\r\n").text, "a\r");
@@ -94,14 +94,14 @@ TEST_F(ReadSecretTest, ALineHasAtMost512Bytes) {
               "the file after @ has a line of more than 512 bytes; give the value alone");
 }
 
-TEST_F(ReadSecretTest, ALineMayBeLetBeLonger) {
+TEST_F(ReadSecretTest, TheLongestLineIsAParameter) {
     WriteFile(kFile, std::string(600, 'x'));
     EXPECT_EQ(ReadSecret("@/tmp/secret", 600).text, std::string(600, 'x'));
     EXPECT_EQ(ReadSecret("@/tmp/secret", 599).problem,
               "the file after @ has a line of more than 599 bytes; give the value alone");
 }
 
-TEST_F(ReadSecretTest, StandardInputGivesOneLineAndKeepsTheRest) {
+TEST_F(ReadSecretTest, StandardInputIsReadUpToOneLine) {
     WriteFile(kFile, "hunter2\nmore\n");
     std::string rest;
     const Secret secret = FromStandardInput(kFile, &rest);

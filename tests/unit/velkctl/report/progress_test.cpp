@@ -1,4 +1,4 @@
-// The line at a terminal that tells what is waited for.
+// The progress line at a terminal.
 #include "velkctl/report/progress.h"
 
 #include <string>
@@ -10,7 +10,7 @@ namespace {
 using velkctl::ProgressDisplay;
 using velkctl::ProgressLine;
 
-TEST(ProgressLineTest, TellsHowLongAndForWhat) {
+TEST(ProgressLineTest, HasTheTimeAndTheReason) {
     EXPECT_EQ(ProgressLine("eth1.signal", "the wireless daemon to answer", 12, 122),
               "eth1.signal: 12 s of at most 122 s, waiting for the wireless daemon to answer");
 }

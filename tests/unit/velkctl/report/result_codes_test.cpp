@@ -69,7 +69,7 @@ TEST(ResultCodes, NoTwoRowsShareANameOrDescription) {
     }
 }
 
-TEST(ResultCodes, ExitStatusesAreTheOnesScriptsRelyOn) {
+TEST(ResultCodes, HaveTheExitStatusesThatScriptsRelyOn) {
     const auto status_of = [](int code) { return static_cast<int>(FindResultCode(code).status); };
     EXPECT_EQ(status_of(0), 0);
     EXPECT_EQ(status_of(-1), 1);
@@ -87,7 +87,7 @@ TEST(ResultCodes, AnUnknownResultIsAFailure) {
     }
 }
 
-TEST(DescribeResult, GivesNameNumberAndMeaning) {
+TEST(DescribeResult, HasNameNumberAndDescription) {
     EXPECT_EQ(DescribeResult(0), "LIB_VELK_SUCCESS (0): done");
     EXPECT_EQ(DescribeResult(-1),
               "LIB_VELK_FAILURE (-1): file, socket, time-out or unreadable value");

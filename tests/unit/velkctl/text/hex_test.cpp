@@ -32,7 +32,7 @@ TEST(ParseHex, ReadsPairsOfDigits) {
     EXPECT_EQ(parsed.data, DataOf("10."));
 }
 
-TEST(ParseHex, BlanksTabsAndColonsMayStandBetweenBytes) {
+TEST(ParseHex, AllowsBlanksTabsAndColonsBetweenBytes) {
     EXPECT_EQ(ParseHex("31 30:2e\t31").data, DataOf("10.1"));
     EXPECT_EQ(ParseHex("  31: :30 ").data, DataOf("10"));
     EXPECT_TRUE(ParseHex("  31: :30 ").ok());
@@ -65,7 +65,7 @@ TEST(ParseHex, ADigitAloneIsNoByte) {
               "give two hex digits for each byte, such as 31:30");
 }
 
-TEST(ParseHex, TellsWhereThereIsNoDigit) {
+TEST(ParseHex, HasThePositionOfAWrongDigit) {
     EXPECT_EQ(ParseHex("0x31").problem,
               "character 2 is not a hex digit; "
               "give two hex digits for each byte, such as 31:30");

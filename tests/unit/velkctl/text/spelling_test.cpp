@@ -46,7 +46,7 @@ TEST(SpellingSuggestions, TakesNoneWhenTooManyAre) {
     EXPECT_EQ(SpellingSuggestions("abc9", Words{"abc1", "abc2", "abc3", "abc4", "abc5"}), Words{});
 }
 
-TEST(SpellingSuggestions, TakesWhatTheWordIsTheBeginningOf) {
+TEST(SpellingSuggestions, IncludeWordsThatBeginWithIt) {
     EXPECT_EQ(SpellingSuggestions("eth0.gate", kNames), Words{"eth0.gateway"});
     EXPECT_EQ(SpellingSuggestions("eth0", kNames), (Words{"eth0.address", "eth0.gateway"}));
     EXPECT_EQ(SpellingSuggestions("res", kNames), Words{"restart"});
@@ -60,11 +60,11 @@ TEST(SpellingSuggestions, DoesNotGuessAtHalfAWord) {
     EXPECT_EQ(SpellingSuggestions("1", Words{"10", "11", "2"}), Words{});
 }
 
-TEST(SpellingSuggestions, DoesNotLookAtWhatIsFarTooLong) {
+TEST(SpellingSuggestions, AreEmptyForAVeryLongWord) {
     EXPECT_EQ(SpellingSuggestions(std::string(100000, 'x'), kNames), Words{});
 }
 
-TEST(DidYouMean, NamesWhatIsNearOrSaysWhatElseIsRight) {
+TEST(DidYouMean, HasASuggestionOrTheOtherText) {
     EXPECT_EQ(DidYouMean("restat", kNames, "give a verb"), "; did you mean restart?");
     EXPECT_EQ(DidYouMean("bet", kNames, "give a verb"), "; did you mean get or set?");
     EXPECT_EQ(DidYouMean("nonsense", kNames, "give a verb"), "; give a verb");

@@ -1,4 +1,4 @@
-// Whether an address, a mask or a gateway fits to what else is configured.
+// Conflicts of an address, a mask or a gateway with the configuration.
 #include "velkctl/verbs/network_check.h"
 
 #include <string>
@@ -34,7 +34,7 @@ class NetworkCheckTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(NetworkCheckTest, WhatFitsIsNoProblem) {
+TEST_F(NetworkCheckTest, AFittingValueIsNoProblem) {
     EXPECT_EQ(Problem("eth0.address", "192.168.0.11"), "");
     EXPECT_EQ(Problem("eth0.address", "10.0.0.7"), "");
     EXPECT_EQ(Problem("eth0.netmask", "255.255.0.0"), "");
@@ -86,7 +86,7 @@ TEST_F(NetworkCheckTest, AMaskHasToSuitTheAddress) {
               "network 192.168.0.0/26; give another, set the address first, or give --force");
 }
 
-TEST_F(NetworkCheckTest, WhatIsNotConfiguredIsNotHeldAgainstAValue) {
+TEST_F(NetworkCheckTest, AMissingSettingIsNoConflict) {
     WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.10\n");
     EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
     EXPECT_EQ(Problem("eth0.address", "10.0.0.0"), "");
