@@ -32,7 +32,7 @@ std::string WhereTheRestIs(const DeviceFile& file) {
                    "doctor'";
         }
     }
-    return "no edit copy has the rest: restore it before the device starts anew";
+    return "no edit copy has the rest: restore it before the device is restarted";
 }
 
 }  // namespace

@@ -44,11 +44,13 @@ std::string LikelyCauseText(const Findings& causes) {
     return "; likely cause: " + Printable(found) + "; fix: " + Printable(cause.remedy);
 }
 
-std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer) {
+std::string DescribeFailureAndCause(std::string_view failure, const Setting& setting,
+                                    const Answer& answer) {
     const Findings causes =
         answer.known_result() == LIB_VELK_FAILURE ? FindingsAgainst(setting) : Findings();
-    return causes.empty() ? DescribeFailure(what, answer)
-                          : std::string(what) + " (LIB_VELK_FAILURE, -1)" + LikelyCauseText(causes);
+    return causes.empty()
+               ? DescribeFailure(failure, answer)
+               : std::string(failure) + " (LIB_VELK_FAILURE, -1)" + LikelyCauseText(causes);
 }
 
 }  // namespace velkctl

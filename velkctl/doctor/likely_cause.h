@@ -21,9 +21,10 @@ Findings LikelyCauses(const Setting& setting);
 // is the last one and has no gateway line; fix: add ..."; empty if there is none.
 std::string LikelyCauseText(const Findings& causes);
 
-// Like DescribeFailure() of the answer, with the likely cause of a failure whose result code names
-// none.
-std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer);
+// Returns DescribeFailure() of the answer. For a plain failure, which has no reason in its result
+// code, adds the likely cause.
+std::string DescribeFailureAndCause(std::string_view failure, const Setting& setting,
+                                    const Answer& answer);
 
 }  // namespace velkctl
 

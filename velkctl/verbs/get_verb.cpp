@@ -39,7 +39,8 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
         shown.push_back(ReadingInJson(
             setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
     } else {
-        const std::string message = DescribeFailure(name + ": could not be read", setting, answer);
+        const std::string message =
+            DescribeFailureAndCause(name + ": could not be read", setting, answer);
         report.Text(invocation.bare_value ? "\n" : "");  // lines go by the order of the names
         report.Complain(Problem{message, name, answer.known_result()});
         shown.push_back(ReadingInJson(setting, nullptr, message));

@@ -110,7 +110,8 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
         const std::string losses = answer.timed_out ? "" : before.Losses();
-        const std::string failure = DescribeFailure(name + ": could not be set", *setting, answer);
+        const std::string failure =
+            DescribeFailureAndCause(name + ": could not be set", *setting, answer);
         report.Complain(
             Problem{failure + (losses.empty() ? "" : "; ") + losses, name, answer.known_result()});
         return StatusOf(answer);

@@ -30,7 +30,7 @@ output_is 'velkctl: cannot write to standard output: File too large
 
 it 'says that a file is empty now, where it is written in place'
 script 'said=$( (ulimit -f 0; velkctl set eth0.dns 10.0.0.9) 2>&1); echo "$? $said"; wc -c </etc/resolv.dnsmasq.conf'
-output_is "1 velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1); /etc/resolv.dnsmasq.conf is empty since this set, and no edit copy has the rest: restore it before the device starts anew
+output_is "1 velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1); /etc/resolv.dnsmasq.conf is empty since this set, and no edit copy has the rest: restore it before the device is restarted
 0"
 
 # ---- a file that may not be written -------------------------------------------------------------

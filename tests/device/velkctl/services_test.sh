@@ -151,8 +151,8 @@ script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; ec
 output_is "2
 2
 0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
-problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' stands in front of the server, too, and is replaced there
-  fix: write the server's address in its place with an editor, or a name that does not stand further in front on the line"
+problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' occurs earlier on the line, too, and is replaced there
+  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line"
 present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs; fix: write another server into that line with an editor, or give --force"
 error_is "$present
 $present"

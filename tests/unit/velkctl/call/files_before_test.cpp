@@ -44,10 +44,10 @@ TEST_F(FilesBeforeTest, AnEditLosesNothing) {
 TEST_F(FilesBeforeTest, TellsOfAFileThatIsEmptyOrCut) {
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
-              "restore it before the device starts anew");
+              "restore it before the device is restarted");
     EXPECT_EQ(Losses("a\nb\n", "a\nx"),
               "/etc/network/interfaces was cut by this set, and no edit copy has the rest: restore "
-              "it before the device starts anew");
+              "it before the device is restarted");
 }
 
 TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
@@ -59,7 +59,7 @@ TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
     ASSERT_EQ(chmod(kCopy, 0640), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
-              "restore it before the device starts anew")
+              "restore it before the device is restarted")
         << "it is not the library's";
 }
 
@@ -82,8 +82,8 @@ TEST_F(FilesBeforeTest, TellsOfEveryFileOfTheSetting) {
     WriteFile("/var/cron/tabs/root", "");
     EXPECT_EQ(files.Losses(),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
-              "restore it before the device starts anew; /etc/dhclient.conf is empty since this "
-              "set, and no edit copy has the rest: restore it before the device starts anew");
+              "restore it before the device is restarted; /etc/dhclient.conf is empty since this "
+              "set, and no edit copy has the rest: restore it before the device is restarted");
 }
 
 TEST_F(FilesBeforeTest, SaysNothingOfWhatCannotBeRead) {

@@ -25,7 +25,7 @@ constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
 
 class ReadBackTest : public testkit::DeviceTest {
   protected:
-    // Verifies that the setting holds this value, as words; keeps what is complained about.
+    // Verifies that the setting holds this value, as words; keeps the complaint.
     std::optional<bool> Verify(const std::string& name, const std::vector<std::string>& words) {
         const Setting setting = *FindSetting(name);
         const velkctl::Parsed wanted = setting.row->kind->Parse(words);
@@ -141,7 +141,7 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
         "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
         "file, socket, time-out or unreadable value; /etc/network/interfaces is empty since this "
         "set, and no edit "
-        "copy has the rest: restore it before the device starts anew; likely cause: "
+        "copy has the rest: restore it before the device is restarted; likely cause: "
         "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
         "fix: add a stanza that begins with one\n");
 }
@@ -198,7 +198,7 @@ TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
 }
 
 TEST_F(ReadBackTest, ASecretStaysOne) {
-    // A setting of the test's own: what it holds is a secret, and not the one that was set.
+    // A setting of the test's own. It holds a secret, and another one than was set.
     CatalogueRow row = *FindSetting("eth0.address")->row;
     row.secret = true;
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress hunter2\n");
