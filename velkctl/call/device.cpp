@@ -66,7 +66,7 @@ bool IsLocked(const Answer& answer) {
 void NoteLockHolder(int seconds, Report& report) {
     const std::optional<LockHolder> holder = FindLockHolder();
     report.Note("waiting at most " + std::to_string(seconds) + " s for the lock" +
-                (holder ? ", held by " + Words(*holder) : ""));
+                (holder ? ", held by " + DescribeHolder(*holder) : ""));
 }
 
 // Returns who holds the lock; empty if unknown.
@@ -75,9 +75,9 @@ std::string LockHolderRemark(int waited) {
     if (!holder) {
         return "";
     }
-    return Words(*holder) + (waited == 0
-                                 ? " holds the lock"
-                                 : " still holds the lock after " + std::to_string(waited) + " s");
+    return DescribeHolder(*holder) +
+           (waited == 0 ? " holds the lock"
+                        : " still holds the lock after " + std::to_string(waited) + " s");
 }
 
 void Pause(Milliseconds time) {

@@ -11,10 +11,10 @@
 namespace velkctl {
 
 // The library replaces the first occurrence of a text on a line. Returns the reason why this set,
-// or the next one, would replace another text: a time server whose name is a part of the command
-// before it, or a word of the SNMP agent's file within administrator or location. Compares the new
-// value and the present ones. Returns an empty text if every set finds the right place, or if the
-// files cannot be read.
+// or the next one, would replace another text: the name of a time server is also a part of the
+// command before it, or administrator or location has a word of the SNMP agent's file in it.
+// Compares the new value and the present ones. Returns an empty text if every set finds the right
+// place, or if the files cannot be read.
 std::string TextConflict(const Setting& setting, const Data& value, const Device& device);
 
 }  // namespace velkctl

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
@@ -28,6 +29,9 @@ Findings CheckClientScript();  // /sbin/dhclient-script
 Findings CheckTimeEntry();     // ntpdate in the crontab
 Findings CheckWebUpdate();     // the updater in the crontab
 Findings CheckIdentity();      // the SNMP agent's configuration
+
+// The "request" statements of /etc/dhclient.conf, a part of its check.
+Findings CheckDhcpRequests(const Lines& lines);
 
 // The line that an address is read from, though nothing is wrong with it. Nothing for other
 // settings.

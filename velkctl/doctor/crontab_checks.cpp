@@ -99,9 +99,9 @@ Findings CheckServer(const std::string& line, size_t index) {
     if (IsServerFoundTooEarly(line)) {
         findings.push_back(about.Problem(
             "cannot be set",
-            Excerpt(ServerIn(line)) + " stands in front of the server, too, and is replaced there",
-            "write the server's address in its place with an editor, or a name that does not stand "
-            "further in front on the line"));
+            Excerpt(ServerIn(line)) + " occurs earlier on the line, too, and is replaced there",
+            "write the server's address in its place with an editor, or a name that does not occur "
+            "earlier on the line"));
     } else if (const std::string problem = ServerProblem(line); !problem.empty()) {
         findings.push_back(about.Problem("cannot be set", problem));
     }
@@ -112,8 +112,8 @@ Findings CheckServer(const std::string& line, size_t index) {
     if (HasSecondEntry(line)) {
         findings.push_back(about.Problem(
             "is joined with another entry",
-            "two entries stand on one line, as a set makes of a server that is the last word of "
-            "its line",
+            "two entries are on one line, as after a set of a server that is the last word of its "
+            "line",
             std::string("put the second one on a line of its own, and ") + kProperEntry));
     }
     return findings;
@@ -133,7 +133,7 @@ Findings CheckEntry(const std::string& line, size_t index) {
         findings.push_back(AboutEntry("ntp-result", SettingsHeldIn(velk::kNtpLog))
                                .At(index)
                                .With(Impact::kReading)
-                               .Warning("does not tell of this entry",
+                               .Warning("does not cover this entry",
                                         std::string("its output does not go to ") + velk::kNtpLog));
     }
     return findings;
@@ -189,7 +189,7 @@ Findings CheckTimeEntry() {
 Findings CheckWebUpdate() {
     const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
     const Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
-    const std::string remedy = "set web-update anew: velkctl set web-update weekly sunday 08:30";
+    const std::string remedy = "set it again: velkctl set web-update weekly sunday 08:30";
     const TextFile crontab = ReadTextFile(velk::kCrontab);
     Findings findings;
     bool is_first = true;  // the library reads no other one

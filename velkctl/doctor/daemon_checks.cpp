@@ -26,11 +26,11 @@ bool IsAdapterAttached() {
     return CanLookForAdapter() && IsWlanAttached() != 0;
 }
 
-Finding AboutDaemon() {
+Finding AboutDaemon(AffectedSettings affected = WirelessSettings()) {
     return {.subject = "the wireless daemon",
             .file = velk::kRequestSocket,
             .remedy = "restart the wireless daemon",
-            .affected = WirelessSettings(),
+            .affected = std::move(affected),
             .impact = Impact::kSetting};
 }
 
@@ -43,12 +43,11 @@ Findings CheckListener() {
     }
     constexpr std::string_view kEffect = "does not run";
     const std::string description =
-        is_there ? "nobody listens at its socket" : "its socket is missing";
+        is_there ? "no process listens at its socket" : "its socket is missing";
     if (IsAdapterAttached()) {
         return {AboutDaemon().Problem(kEffect, description, "start the wireless daemon")};
     }
-    return {AboutDaemon()
-                .Affecting(WirelessConfiguration())
+    return {AboutDaemon(WirelessConfiguration())
                 .Warning(kEffect, description + ", and no adapter is attached",
                          "plug an adapter in, and start the wireless daemon unless that does")};
 }
@@ -59,7 +58,7 @@ Findings CheckAnswer(const Answer& answer) {
             "does not answer", "nothing came within " + std::to_string(kSeconds) + " seconds")};
     }
     if (StatusOf(answer) != ExitStatus::kDone) {
-        return {AboutDaemon().Problem("does not answer as it should", FailureReason(answer))};
+        return {AboutDaemon().Problem("answers with an error", FailureReason(answer))};
     }
     return {};
 }
@@ -70,12 +69,12 @@ Findings CheckChannel(const Answer& answer) {
     if (!answer.ok() || (channel >= kFirstChannel && channel <= kLastChannel)) {
         return CheckAnswer(answer);
     }
-    return {
-        AboutDaemon()
-            .With(Impact::kNothing)
-            .Warning("may not answer with its configuration",
-                     "its record has the channel " + std::to_string(channel) + ", which is none",
-                     "set eth1.channel, or restart the wireless daemon")};
+    return {AboutDaemon()
+                .With(Impact::kNothing)
+                .Warning("may not answer with its configuration",
+                         "its record has the channel " + std::to_string(channel) +
+                             ", which is not valid",
+                         "set eth1.channel, or restart the wireless daemon")};
 }
 
 Findings AskDaemon(Report& report) {
@@ -98,8 +97,8 @@ Findings CheckAdapter() {
                         .affected = AdapterFacts(),
                         .impact = Impact::kReading};
     return {about.Warning("is not attached",
-                          "the list has none that is supported; what eth1 tells of adapter and "
-                          "connection is refused",
+                          "the list has no supported adapter; the settings of eth1 about adapter "
+                          "and connection are refused",
                           std::string("plug in one that ") + velk::kSupportList + " names")};
 }
 
@@ -125,9 +124,10 @@ Findings DaemonDiffers(const Setting& setting) {
     if (!Includes(WirelessConfiguration(), setting)) {
         return {};
     }
-    return {AboutDaemon().Problem("keeps another configuration",
-                                  "the wireless daemon was sent the value, and answers otherwise",
-                                  "'velkctl doctor' asks it; restart the wireless daemon")};
+    return {AboutDaemon().Problem(
+        "keeps another configuration",
+        "the wireless daemon was sent the value, and answers with another one",
+        "'velkctl doctor' asks it; restart the wireless daemon")};
 }
 
 }  // namespace velkctl

@@ -4,7 +4,7 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
-#include "velkctl/doctor/dhcp_checks.h"
+#include "velkctl/doctor/checks.h"
 #include "velkctl/settings/device_files.h"
 
 namespace velkctl {
@@ -79,7 +79,7 @@ class RequestCheck {
     void AddUnended() {
         findings_.push_back(about_.At(*begin_).Problem("is switched in the wrong statement",
                                                        "no ';' ends this request statement",
-                                                       "write one behind its last option"));
+                                                       "write one after its last option"));
     }
 
     Finding Absence() const {

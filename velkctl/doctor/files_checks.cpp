@@ -65,7 +65,7 @@ class FileCheck {
             }
             case FileState::kNotRegular:
                 return {Found(loss_.severity, loss_.effect,
-                              "a folder, a FIFO or a device stands there")};
+                              "a folder, a FIFO or a device is in its place")};
             case FileState::kUnreadable:
                 return {Unreadable(text.error)};
             case FileState::kTooLarge:
@@ -102,7 +102,7 @@ class FileCheck {
         Findings findings = CheckWriting();
         if (text.bytes.find('\0') != std::string::npos) {
             findings.push_back(Found(loss_.severity, "may be read and set wrongly",
-                                     "NUL bytes stand in the file; it is no text"));
+                                     "the file has NUL bytes; it is no text"));
         }
         // The other files are read word by word, or number by number.
         const size_t count = CountCarriageReturns(text.lines);

@@ -62,18 +62,6 @@ Finding Finding::At(size_t index) const {
     return finding;
 }
 
-Finding Finding::In(std::string_view new_file) const {
-    Finding finding = *this;
-    finding.file = new_file;
-    return finding;
-}
-
-Finding Finding::Affecting(AffectedSettings settings) const {
-    Finding finding = *this;
-    finding.affected = std::move(settings);
-    return finding;
-}
-
 Finding Finding::With(Impact new_impact) const {
     Finding finding = *this;
     finding.impact = new_impact;

@@ -46,8 +46,6 @@ struct Finding {
 
     // Return a copy with one member changed. `index` counts lines from 0.
     Finding At(size_t index) const;
-    Finding In(std::string_view file) const;
-    Finding Affecting(AffectedSettings settings) const;
     Finding With(Impact impact) const;
 };
 

@@ -17,10 +17,13 @@ constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
 
 // Returns findings without a text, one of each folder, with their effect.
 Findings AboutFolders() {
-    const Finding wireless{.subject = "wireless settings",
-                           .effect = "can be neither read nor set",
-                           .affected = WirelessSettings(),
-                           .impact = Impact::kSetting};
+    const auto wireless = [](const char* path) {
+        return Finding{.subject = "wireless settings",
+                       .effect = "can be neither read nor set",
+                       .file = path,
+                       .affected = WirelessSettings(),
+                       .impact = Impact::kSetting};
+    };
     return {{.subject = "all settings in files",
              .effect = "cannot be set",
              .file = velk::kEditFolder,
@@ -30,8 +33,8 @@ Findings AboutFolders() {
              .effect = "cannot be cleared when ntp is set to off",
              .file = "/var/libvelk",
              .affected = SettingsHeldIn(velk::kNtpLog)},
-            wireless.In("/tmp"),
-            wireless.In(velk::kSemaphoreFolder)};
+            wireless("/tmp"),
+            wireless(velk::kSemaphoreFolder)};
 }
 
 Findings CheckSpace(const Finding& about) {
@@ -48,7 +51,7 @@ Findings CheckSpace(const Finding& about) {
         about.effect,
         "the file system is full: " + (has_files ? std::to_string(free) + " bytes are free"
                                                  : std::string("it takes no more files")),
-        "remove what is not needed there")};
+        "remove files that are not needed there")};
 }
 
 Findings CheckFolder(const Finding& about) {

@@ -19,7 +19,7 @@ Findings CheckLine(const Finding& about, const std::string& line, const SettingL
     if (is_on && is_read && !velk::HasWord(line, switched.key, /*comment_aware=*/true)) {
         return {about.With(Impact::kReading)
                     .Problem("is shown as off although it is on",
-                             "no blank stands before or behind the command's name",
+                             "there is no blank before or after the command's name",
                              "write " + std::string(switched.key) + " between blanks")};
     }
     return {};

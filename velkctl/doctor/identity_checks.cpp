@@ -70,13 +70,14 @@ Findings CheckTexts() {
             if (setting.row == other.row || !velk::Contains(TextOf(file, key), directive)) {
                 continue;
             }
+            const Finding about{.subject = setting.name(),
+                                .file = velk::kIdentityFile,
+                                .affected = {setting, other}};
             findings.push_back(
-                About(setting, velk::kIdentityFile, Impact::kNothing)
-                    .Affecting({setting, other})
-                    .Problem("is cut for the SNMP agent when " + other.name() + " is set",
-                             "the text holds '" + std::string(directive) +
-                                 "', from which on that set replaces a line",
-                             "velkctl set " + setting.name() + " TEXT, without that word"));
+                about.Problem("is cut for the SNMP agent when " + other.name() + " is set",
+                              "the text holds '" + std::string(directive) +
+                                  "', from which on that set replaces a line",
+                              "velkctl set " + setting.name() + " TEXT, without that word"));
         }
     }
     return findings;

@@ -38,7 +38,7 @@ Findings CheckLock() {
     }
     if (S_ISLNK(facts.st_mode) || S_ISDIR(facts.st_mode)) {
         return {about.Problem(kCannotBeChanged,
-                              KindOf(facts.st_mode) + " stands where the lock file is made",
+                              KindOf(facts.st_mode) + " is in the place of the lock file",
                               RemovalOf(velk::kLockFile, facts))};
     }
     Findings findings = CheckAccess(about, facts);
@@ -48,12 +48,12 @@ Findings CheckLock() {
         findings.push_back(about.Warning(
             "can be changed by two programs at once",
             "the lock file belongs to user " + std::to_string(facts.st_uid) +
-                ", who can remove it while it is locked and make it anew",
+                ", who can remove it while it is locked and make a new one",
             std::string("chown -h root ") + velk::kLockFile +
                 ", and have an init script make it at boot, as root and with mode 666, before "
                 "programs of other users run"));
     }
-    if (const std::string holder = LockHolderInWords(); !holder.empty()) {
+    if (const std::string holder = DescribeLockHolder(); !holder.empty()) {
         findings.push_back(about.Warning("cannot be changed now", "the lock is held by " + holder,
                                          "wait for it, as 'velkctl set --wait' does, or end it"));
     }

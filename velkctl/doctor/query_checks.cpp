@@ -26,34 +26,34 @@ Finding AboutRemains(const char* path, const struct stat& facts) {
 Finding CheckReplySocket(const struct stat& facts) {
     const Finding about = AboutRemains(velk::kReplySocket, facts);
     if (S_ISDIR(facts.st_mode)) {
-        return about.Problem(kUnusable, "a folder stands where the reply socket is made");
+        return about.Problem(kUnusable, "a folder is in the place of the reply socket");
     }
     if (!MayRemove(velk::kReplySocket, facts)) {
         return about.Problem(kUnusable, KindOf(facts.st_mode) +
                                             " of another user, that this one may not remove, "
-                                            "stands where the reply socket is made");
+                                            "is in the place of the reply socket");
     }
     return about.With(Impact::kNothing)
-        .Warning(kMaybeUnread, "a reply socket that nobody listens at was left behind, " +
-                                   AgeOf(facts) + " old; the next query replaces it");
+        .Warning(kMaybeUnread, "a reply socket without a process was left, " + AgeOf(facts) +
+                                   " old; the next query replaces it");
 }
 
 Finding CheckSemaphore(const struct stat& facts) {
     const Finding about = AboutRemains(velk::kSemaphoreFile, facts);
     if (!S_ISREG(facts.st_mode)) {
         return about.Problem(kUnusable,
-                             KindOf(facts.st_mode) + " stands where the semaphore is made");
+                             KindOf(facts.st_mode) + " is in the place of the semaphore");
     }
     if (facts.st_size == 0) {  // the program ends by SIGBUS
         return about.Problem("end the program that reads them",
-                             "an empty file stands where the semaphore is made");
+                             "an empty file is in the place of the semaphore");
     }
     if (faccessat(AT_FDCWD, velk::kSemaphoreFile, R_OK | W_OK, AT_EACCESS) == -1) {
         return about.Problem(
             kUnusable, "a semaphore of another user, " + AgeOf(facts) + " old, is in the way");
     }
     return about.With(Impact::kNothing)
-        .Warning(kMaybeUnread, "a semaphore was left behind, " + AgeOf(facts) +
+        .Warning(kMaybeUnread, "a semaphore was left, " + AgeOf(facts) +
                                    " old; the next query may be answered before it listens");
 }
 

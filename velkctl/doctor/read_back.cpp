@@ -1,4 +1,4 @@
-// read_back.cpp - whether the device holds what was set.
+// read_back.cpp - whether the device holds the value that was set.
 #include "velkctl/doctor/read_back.h"
 
 #include "velkctl/call/command.h"

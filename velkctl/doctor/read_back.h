@@ -1,4 +1,4 @@
-// read_back.h - whether the device holds what was set.
+// read_back.h - whether the device holds the value that was set.
 #ifndef VELKCTL_DOCTOR_READ_BACK_H_
 #define VELKCTL_DOCTOR_READ_BACK_H_
 

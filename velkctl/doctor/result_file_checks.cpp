@@ -19,11 +19,11 @@ Findings CheckResultFile() {
                         .file = velk::kResultFile,
                         .remedy = RemovalOf(velk::kResultFile, facts),
                         .affected = SettingsReadWith()};
-    const std::string in_the_way = KindOf(facts.st_mode) + " stands where tools write their output";
+    const std::string in_the_way =
+        KindOf(facts.st_mode) + " is in the place of the output of tools";
     if (S_ISREG(facts.st_mode) && facts.st_nlink == 1 && facts.st_uid == geteuid()) {
-        return {about.Warning(
-            "may not have been read",
-            "a result was left behind, " + AgeOf(facts) + " old; the next one overwrites it")};
+        return {about.Warning("may not have been read", "a result was left, " + AgeOf(facts) +
+                                                            " old; the next one overwrites it")};
     }
     if (MayRemove(velk::kResultFile, facts)) {
         return {

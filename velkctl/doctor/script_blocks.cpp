@@ -21,10 +21,9 @@ bool HasKeyword(std::string_view line, std::string_view keyword) {
 // A line within a branch.
 Findings CheckInner(const Finding& about, std::string_view line) {
     if (HasKeyword(line, "elif")) {
-        return {about.Problem(kForAnother,
-                              "the library takes what is below 'elif' for a part of the branch "
-                              "above",
-                              "write 'else', or a block of its own for each interface")};
+        return {about.Problem(
+            kForAnother, "the library takes the lines below 'elif' for a part of the branch above",
+            "write 'else', or a block of its own for each interface")};
     }
     if (HasKeyword(line, "if")) {
         return {about.Problem(
@@ -50,7 +49,7 @@ Findings CheckOuter(const Script& script, const Finding& about, std::string_view
     if (is_unknown_if || HasKeyword(line, "case")) {
         return {about.Problem(
             "would be switched for every interface",
-            "the library does not see that " + Excerpt(line) + " tells interfaces apart",
+            "the library does not see that " + Excerpt(line) + " depends on the interface",
             "write: if [ \"$interface\" = \"eth0\" ]; then")};
     }
     return {};
@@ -101,7 +100,7 @@ Findings CheckMarks(const Finding& about, std::string_view line, size_t position
     }
     return {about.Problem(
         "cannot be switched on",
-        "two '#' stand before the " + std::string(noun) + ", and switching on takes one away",
+        "there are two '#' before the " + std::string(noun) + ", and switching on takes one away",
         "leave one '#', in the first column")};
 }
 

@@ -68,7 +68,7 @@ class ValueCheck {
         if (stray_ && *stray_ < index) {
             return {about.With(Impact::kNothing)
                         .Problem("does not reach the interface",
-                                 "the line stands behind " + Excerpt(lines_[*stray_]) +
+                                 "the line is below " + Excerpt(lines_[*stray_]) +
                                      ", outside the stanza",
                                  "move it up, below line " + std::to_string(stanza_.header + 1))};
         }
@@ -77,8 +77,8 @@ class ValueCheck {
         if (WithoutLineEnd(text) != Trimmed(text)) {
             findings.push_back(about.With(Impact::kReading)
                                    .Warning("is read with white space around it",
-                                            "more than one blank stands around the value",
-                                            "leave one blank before the value and none behind it"));
+                                            "there is more than one blank around the value",
+                                            "leave one blank before the value and none after it"));
         }
         // A set to none removes the first line alone.
         const auto second = FindLine(lines_, index + 1, stanza_.end, HasKey(setting_));
@@ -103,7 +103,7 @@ class ValueCheck {
                         .Problem(is_last
                                      ? "can be neither read nor set"
                                      : "cannot be read, and a set adds a second " + name_ + " line",
-                                 "no blank stands behind the word '" + name_ + "'",
+                                 "no blank follows the word '" + name_ + "'",
                                  "put one blank, no tab, between the word and the value")};
         }
         if (is_last) {
@@ -118,7 +118,7 @@ class ValueCheck {
         return {about_.At(stanza_.header)
                     .With(Impact::kNothing)
                     .Warning("would be set in the wrong place",
-                             "the stanza has no " + name_ + " line; a new one would stand behind " +
+                             "the stanza has no " + name_ + " line; a new one would be below " +
                                  Excerpt(lines_[*stray_]) + ", outside the stanza",
                              line_to_add_ + " below it before setting it")};
     }

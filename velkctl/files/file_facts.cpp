@@ -1,4 +1,4 @@
-// file_facts.cpp - what there is to say about a file that should not be there.
+// file_facts.cpp - age, kind and removal of a file that should not be there.
 #include "velkctl/files/file_facts.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ bool IsChangedByRootOnly(const std::string& path, mode_t kind) {
 
 }  // namespace
 
-std::string InWords(long long seconds) {
+std::string FormatDuration(long long seconds) {
     const auto* unit = std::ranges::find_if(
         kUnits, [&](const Unit& candidate) { return seconds >= candidate.seconds; });
     const Unit& used = unit == kUnits.end() ? kUnits.back() : *unit;
@@ -35,8 +35,8 @@ std::string InWords(long long seconds) {
 }
 
 std::string AgeOf(const struct stat& facts) {
-    // A clock that was set back since makes it young.
-    return InWords(std::max(0LL, static_cast<long long>(time(nullptr) - facts.st_mtime)));
+    // A clock that was set back since would make it negative.
+    return FormatDuration(std::max(0LL, static_cast<long long>(time(nullptr) - facts.st_mtime)));
 }
 
 std::string KindOf(mode_t mode) {

@@ -1,4 +1,4 @@
-// lock_holder.cpp - which process keeps others from changing settings.
+// lock_holder.cpp - the process that holds the lock between programs that change settings.
 #include "velkctl/files/lock_holder.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@
 namespace velkctl {
 namespace {
 
-// A file as /proc/locks names it: "fe:00:404740".
+// Returns a file as /proc/locks names it: "fe:00:404740".
 std::string FileInLocks(dev_t device, ino_t inode) {
     std::array<char, 64> text{};
     (void)snprintf(text.data(), text.size(), "%02x:%02x:%llu", major(device), minor(device),
@@ -35,7 +35,7 @@ std::optional<int> HoldingProcess() {
     return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
 }
 
-// What is known of a process; nothing when it has ended.
+// Returns name and age of a process; nothing if it has ended.
 std::optional<LockHolder> Describe(int process) {
     const std::string folder = "/proc/" + std::to_string(process);
     std::string name = ReadTextFile(folder + "/comm").bytes;
@@ -57,7 +57,7 @@ std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode
         std::string_view line = locks.substr(0, locks.find('\n'));
         locks.remove_prefix(std::min(line.size() + 1, locks.size()));
         (void)velk::TakeWord(line);  // a running number
-        // One that waits has "->" in front of its kind.
+        // A waiting process has "->" before its kind.
         if (velk::TakeWord(line) != "FLOCK") {
             continue;
         }
@@ -96,18 +96,18 @@ std::optional<LockHolder> FindLockHolder() {
     return process ? Describe(*process) : std::nullopt;
 }
 
-std::string Words(const LockHolder& holder) {
+std::string DescribeHolder(const LockHolder& holder) {
     return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ", " +
-           InWords(holder.seconds) + " old)";
+           FormatDuration(holder.seconds) + " old)";
 }
 
-std::string LockHolderInWords() {
+std::string DescribeLockHolder() {
     const std::optional<int> process = HoldingProcess();
     if (!process) {
         return "";
     }
     if (const std::optional<LockHolder> holder = Describe(*process)) {
-        return Words(*holder);
+        return DescribeHolder(*holder);
     }
     if (HoldingProcess() != process) {
         return "";  // it gave the lock back and ended meanwhile

@@ -57,7 +57,7 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"administrator", VELK_CMD_ADMINISTRATOR, kNoInterface, kGet | kSet, &kFreeText, kOpen,
      kAdministratorLines, "who looks after the device: a text, '' when empty"},
     {"location", VELK_CMD_LOCATION, kNoInterface, kGet | kSet, &kFreeText, kOpen, kLocationLines,
-     "where the device stands: a text, '' when empty"},
+     "location of the device: a text, '' when empty"},
     {"ntp", VELK_CMD_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeEntry,
      "set the clock from a time server: on or off"},
     {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeServerLines,

@@ -12,7 +12,7 @@
 namespace velkctl {
 namespace {
 
-constexpr size_t kLongestListing = 3;  // more numbers than this are told as "1 to 13"
+constexpr size_t kLongestListing = 3;  // more numbers than this are listed as "1 to 13"
 
 }  // namespace
 
@@ -32,7 +32,7 @@ bool CodedKind::Matches(const CodedValue& value, std::string_view word) const {
 }
 
 // "100-full", "4", or "2 (wep)" where both are taken.
-std::string CodedKind::InWords(const CodedValue& value) const {
+std::string CodedKind::WordFor(const CodedValue& value) const {
     if (!takes_numbers()) {
         return std::string(value.name);
     }
@@ -42,11 +42,11 @@ std::string CodedKind::InWords(const CodedValue& value) const {
 
 std::string CodedKind::Wanted() const {
     if (!has_names() && values_.size() > kLongestListing) {
-        return "a number from " + InWords(values_.front()) + " to " + InWords(values_.back());
+        return "a number from " + WordFor(values_.front()) + " to " + WordFor(values_.back());
     }
     std::vector<std::string> words;
     for (const CodedValue& value : values_) {
-        words.push_back(InWords(value));
+        words.push_back(WordFor(value));
     }
     return OneOf(words);
 }

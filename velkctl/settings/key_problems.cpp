@@ -1,4 +1,4 @@
-// key_problems.cpp - what is wrong with the text of a key, beside its length.
+// key_problems.cpp - problems with the text of a key other than its length.
 #include "velkctl/settings/key_problems.h"
 
 #include "velkctl/text/escaping.h"
@@ -6,7 +6,7 @@
 namespace velkctl {
 
 std::string_view KeyProblem(std::string_view key) {
-    // It was copied from what get or show tell, and would take the place of the key.
+    // Copied from the output of get or show, it would replace the key.
     return key == kMask ? "this is the mask that is shown in place of a key" : "";
 }
 

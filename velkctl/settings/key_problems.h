@@ -1,4 +1,4 @@
-// key_problems.h - what is wrong with the text of a key, beside its length.
+// key_problems.h - problems with the text of a key other than its length.
 #ifndef VELKCTL_SETTINGS_KEY_PROBLEMS_H_
 #define VELKCTL_SETTINGS_KEY_PROBLEMS_H_
 
@@ -6,7 +6,7 @@
 
 namespace velkctl {
 
-// Empty when nothing is wrong. A problem repeats nothing of the key.
+// Return the problem with a key, without a part of the key; empty if none.
 std::string_view KeyProblem(std::string_view key);
 std::string_view WepKeyProblem(std::string_view key);
 

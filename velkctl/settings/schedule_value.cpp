@@ -1,4 +1,4 @@
-// schedule_value.cpp - when something is to be done again and again.
+// schedule_value.cpp - values that are a schedule: hourly, daily, weekly or monthly.
 #include "velkctl/settings/schedule_value.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view kWanted =
     "'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
 constexpr std::string_view kOff = "off";
-constexpr std::string_view kRaw = "schedule";    // of a type that there is not
+constexpr std::string_view kRaw = "schedule";    // of an unknown type
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
 constexpr size_t kTimeOffset = 2;
 
@@ -34,7 +34,7 @@ struct Schedule {
     std::string time;
 };
 
-// "8:05" and "08:05" alike, as two digits each.
+// Returns "08:05", also for "8:05".
 std::optional<std::string> ParseTime(std::string_view text) {
     const size_t colon = text.find(':');
     if (colon == std::string_view::npos || text.size() > kMidnight.size()) {
@@ -66,7 +66,7 @@ std::optional<int> ParseWeekday(std::string_view word) {
                : std::optional(static_cast<int>(found - kWeekdays.begin()) + 1);
 }
 
-// A schedule with a day and a time; nothing without either.
+// Returns a schedule with a day and a time; nothing without either.
 std::optional<Schedule> OnDay(int type, std::optional<int> day, const std::string& time_word) {
     const std::optional<std::string> time = ParseTime(time_word);
     return day && time ? std::optional(Schedule{type, *day, *time}) : std::nullopt;
@@ -95,7 +95,7 @@ std::vector<std::string> ToStrings(std::span<const std::string_view> words) {
     return {words.begin(), words.end()};
 }
 
-// The end of a complaint about words that make no schedule: what a misspelt one may mean.
+// Returns the end of a message about words that make no schedule: the ones they may mean.
 std::string Guess(std::span<const std::string> words) {
     const std::string give = "give " + std::string(kWanted);
     if (words[0] == kWeekly && words.size() > 1) {
@@ -120,7 +120,7 @@ std::string WeekdayName(int number) {
                     : std::to_string(number);
 }
 
-// The time with a blank in front, if there is one.
+// Returns the time after a blank; empty if none.
 std::string TimeOf(const Data& data) {
     const char* text = &data[kTimeOffset];
     const std::string_view time(text, strnlen(text, data.size() - kTimeOffset));

@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kSlots = 3;
 constexpr size_t kSlotSize = 16;
 
-// What is wrong with the word for one server, behind it in a message; empty when nothing is.
+// Returns the problem with the word for one server, to follow it in a message; empty if none.
 std::string ServerProblem(const std::string& word) {
     const std::optional<uint32_t> address = ParseIpv4(word);
     const std::string problem = address ? std::string(HostAddressProblem(*address))
@@ -29,11 +29,11 @@ std::string ServerProblem(const std::string& word) {
            (address && IsLoopback(*address) ? ", or --force for a resolver on the device" : "");
 }
 
-// What is wrong with the words, at least one; empty when they make a server list.
+// Returns the problem with the words, at least one; empty if they make a server list.
 std::string ServerListProblem(std::span<const std::string> words) {
     for (const std::string& word : words) {
         if (word == kNone) {
-            return "'none' stands alone; give either addresses or none";
+            return "'none' takes no other value; give either addresses or none";
         }
         if (const std::string problem = ServerProblem(word); !problem.empty()) {
             return Quoted(word) + " " + problem;
@@ -51,7 +51,7 @@ std::string ServerListProblem(std::span<const std::string> words) {
     return {};
 }
 
-// A slot whose last byte is in use is a text of that length, whatever lies inside it.
+// A slot with a last byte other than NUL is a text of full length, also with NULs inside.
 std::string_view SlotText(const Data& data, size_t index) {
     const char* slot = &data[index * kSlotSize];
     const bool filled = slot[kSlotSize - 1] != '\0';
@@ -67,7 +67,7 @@ std::string PrintableWord(std::string_view text) {
     return word;
 }
 
-// A line of the file without an address leaves a slot empty; the servers behind it count.
+// A line of the file without an address leaves a slot empty; the servers after it count.
 std::vector<std::string_view> Servers(const Data& data) {
     std::vector<std::string_view> servers;
     for (size_t i = 0; i < kSlots; ++i) {

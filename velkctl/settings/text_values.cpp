@@ -6,7 +6,7 @@
 
 namespace velkctl {
 
-// What is wrong with a text; empty when it is taken.
+// Returns the problem with a text; empty if it is accepted.
 std::string TextKind::Problem(std::string_view text) const {
     const std::string_view own_problem = problem_ == nullptr ? "" : problem_(text);
     if (!own_problem.empty()) {

@@ -74,7 +74,7 @@ inline constexpr CodedKind kChannel{kChannelTable};
 inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable};
 
 // ---- Texts -------------------------------------------------------------------------------------
-// What is only shown, such as a version or a MAC address.
+// A text that can only be read, such as a version or a MAC address.
 inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes", "",
                                      [](size_t length) { return length < VELK_DATA_SIZE; }};
 inline constexpr TextKind kFreeText{"''", "a text of at most 511 bytes", "'a text'",

@@ -1,4 +1,4 @@
-// doctor_verb.cpp - the verb that looks for what the library will not be able to do.
+// doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
 #include <nlohmann/json.hpp>

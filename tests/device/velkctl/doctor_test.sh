@@ -1,4 +1,4 @@
-# doctor_test.sh - what velkctl doctor says about devices in good and bad shape.
+# doctor_test.sh - the findings of velkctl doctor on devices in good and bad shape.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -21,7 +21,7 @@ sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
 # Runs a script on such a device.
 script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$stand_in_word$1"; }
 
-# Runs a script there, and the doctor behind it.
+# Runs a script there, and the doctor after it.
 examine() { script "$1
     velkctl doctor"; }
 
@@ -65,7 +65,7 @@ it 'ends with 0 when there are only warnings, in JSON too'
 examine 'touch -d "3 hours ago" /var/tmp/get_result; velkctl doctor --json >/dev/null && echo done'
 status_is 0
 findings_are 'done
-warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a result was left behind, 3 hours old; the next one overwrites it
+warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a result was left, 3 hours old; the next one overwrites it
 0 problems, 1 warning'
 
 it 'tells of files that are missing, no files, or not to be written'
@@ -76,7 +76,7 @@ status_is 1
 output_has 'problem: method, address, netmask and gateway can be neither read nor set: /etc/network/interfaces: the file is missing
   fix: put the device'"'"'s own file there
 '
-output_has 'problem: ntp, ntp-server and web-update can be neither read nor set: /var/cron/tabs/root: a folder, a FIFO or a device stands there
+output_has 'problem: ntp, ntp-server and web-update can be neither read nor set: /var/cron/tabs/root: a folder, a FIFO or a device is in its place
 '
 output_has "problem: method, dhcp-dns and dhcp-ntp cannot be set: /etc/dhclient.conf: this user may not write the file: $why
 "
@@ -127,9 +127,9 @@ free'
 it 'tells of what is in the way in /var/tmp, and a set does as it says'
 examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk'
 status_is 1
-findings_are 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a FIFO stands where the edit copy is made; the next set replaces it
-warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a symbolic link stands where the edit copy is made; the next set replaces it
-problem: administrator and location cannot be set: /var/tmp/libvelk: a folder stands where the edit copy is made
+findings_are 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a FIFO is in the place of the edit copy; the next set replaces it
+warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a symbolic link is in the place of the edit copy; the next set replaces it
+problem: administrator and location cannot be set: /var/tmp/libvelk: a folder is in the place of the edit copy
 1 problem, 2 warnings'
 script 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk
     echo left >/var/tmp/dhclient-exit-hooks; chown 1234 /var/tmp/dhclient-exit-hooks
@@ -194,17 +194,17 @@ output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/i
 
 it 'tells of what is in the way of the output of tools'
 script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /var/tmp'
-findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a FIFO stands where tools write their output; the next reading removes it
+findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a FIFO is in the place of the output of tools; the next reading removes it
 0 problems, 1 warning
 auto'
 script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /run/other'
-findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a symbolic link stands where tools write their output; the next reading removes it
+findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a symbolic link is in the place of the output of tools; the next reading removes it
 0 problems, 1 warning
 auto'
 
 it 'tells of what is in the way of a query, and does not ask the daemon then'
 script 'mkdir /dev/shm/sem.WlanAplRecvSem; velkctl doctor; ls -d /dev/shm/sem.WlanAplRecvSem'
-findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/sem.WlanAplRecvSem: a folder stands where the semaphore is made
+findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/sem.WlanAplRecvSem: a folder is in the place of the semaphore
 1 problem, 0 warnings
 /dev/shm/sem.WlanAplRecvSem'
 
@@ -234,7 +234,7 @@ velkctl: eth1.ssid: could not be read
   result: LIB_VELK_FAILURE (-1)"
 output_is '4
 1
-warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none that is supported; what eth1 tells of adapter and connection is refused
+warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has no supported adapter; the settings of eth1 about adapter and connection are refused
   fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
 warning: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
   fix: plug an adapter in, and start the wireless daemon unless that does
@@ -247,11 +247,11 @@ output_is '[8,0,null]
 it 'tells of a daemon whose record is no configuration, and of one whose record cannot be read'
 examine 'wland --tell empty'
 status_is 0
-findings_are 'warning: the wireless daemon may not answer with its configuration: /tmp/WlanAplToWlanSock: its record has the channel 0, which is none
+findings_are 'warning: the wireless daemon may not answer with its configuration: /tmp/WlanAplToWlanSock: its record has the channel 0, which is not valid
 0 problems, 1 warning'
 examine 'wland --tell garbage'
 status_is 1
-findings_are 'problem: the wireless daemon does not answer as it should: /tmp/WlanAplToWlanSock: file, socket, time-out or unreadable value
+findings_are 'problem: the wireless daemon answers with an error: /tmp/WlanAplToWlanSock: file, socket, time-out or unreadable value
 1 problem, 0 warnings'
 
 it 'names the daemon as the cause when it answers otherwise than it was told'
@@ -259,7 +259,7 @@ for way in empty garbage; do
     script "wland --tell $way; velkctl set eth1.ssid foo"
     status_is 6
     has 'standard error' "
-  likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise
+  likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers with another one
   fix: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
 done
 
@@ -267,7 +267,7 @@ it 'tells of a tab behind a word as a set then does'
 script 'sed -i "/iface eth0/,/iface eth1/s/address 192.*/address\t1.2.3.4/" /etc/network/interfaces
     velkctl doctor | sed "s/interfaces:[0-9]*/interfaces:N/"; velkctl set eth0.address 10.0.0.7; echo $?
     grep "address" /etc/network/interfaces | head -2'
-output_is "problem: eth0.address cannot be read, and a set adds a second address line: /etc/network/interfaces:N: no blank stands behind the word 'address'
+output_is "problem: eth0.address cannot be read, and a set adds a second address line: /etc/network/interfaces:N: no blank follows the word 'address'
   fix: put one blank, no tab, between the word and the value
 1 problem, 0 warnings
 0
@@ -287,7 +287,7 @@ it 'does not end well on files that are no text, or too large to look at'
 examine 'head -c 2000000 /dev/zero >/etc/network/interfaces; printf "\000\n" >>/var/cron/tabs/root'
 status_is 1
 findings_are 'problem: method, address, netmask and gateway cannot be examined: /etc/network/interfaces: the file is larger than 1 MiB
-problem: ntp, ntp-server and web-update may be read and set wrongly: /var/cron/tabs/root: NUL bytes stand in the file; it is no text
+problem: ntp, ntp-server and web-update may be read and set wrongly: /var/cron/tabs/root: the file has NUL bytes; it is no text
 2 problems, 0 warnings'
 
 it 'gives a daemon that is silent a few seconds'
@@ -300,7 +300,7 @@ findings_are 'problem: the wireless daemon does not answer: /tmp/WlanAplToWlanSo
 it 'survives a semaphore that would end it'
 examine ': >/dev/shm/sem.WlanAplRecvSem'
 status_is 1
-findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: an empty file stands where the semaphore is made
+findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore
 1 problem, 0 warnings'
 
 it 'shows what files have in them as text, whatever it is'

@@ -98,7 +98,7 @@ error_is "velkctl: administrator: the text holds 'syslocation', from which on a 
 velkctl: location: the text holds 'syscontact', from which on a set of administrator would replace it in /usr/local/share/etc/snmp/snmpd.conf
   give other words, or --force
 velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf
-  mend: velkctl set administrator TEXT first, without that word, or give --force"
+  fix: velkctl set administrator TEXT first, without that word, or give --force"
 
 # ---- time -------------------------------------------------------------------------------------
 it 'switches time synchronisation off and on, and forgets the old result with it'
@@ -156,10 +156,10 @@ script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; ec
 output_is "2
 2
 0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
-problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' stands in front of the server, too, and is replaced there
-  mend: write the server's address in its place with an editor, or a name that does not stand further in front on the line"
+problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' occurs earlier on the line, too, and is replaced there
+  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line"
 present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs
-  mend: write another server into that line with an editor, or give --force"
+  fix: write another server into that line with an editor, or give --force"
 error_is "$present
 $present"
 

@@ -204,7 +204,7 @@ without_resolver sh -c 'mkdir /etc/resolv.dnsmasq.conf && velkctl set eth0.dns 1
 status_is 1
 output_is ''
 error_is "velkctl: eth0.dns: could not be set
-  likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there
+  likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device is in its place
   fix: put the device's own file in its place
   result: LIB_VELK_FAILURE (-1)"
 
@@ -248,7 +248,7 @@ refused "eth1.dns: '1.1.1.256' is not an IPv4 address; give one to three such as
     set eth1.dns 1.1.1.1 1.1.1.256 3.3.3.3
 
 it 'refuses none among addresses'
-refused "eth0.dns: 'none' stands alone; give either addresses or none" set eth0.dns none 1.1.1.1
+refused "eth0.dns: 'none' takes no other value; give either addresses or none" set eth0.dns none 1.1.1.1
 
 it 'names a word in another script as it is written'
 LC_ALL=C.UTF-8 refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \

@@ -162,8 +162,8 @@ output_is 'nonsense
 1.2.3.4.5
 every 200h'
 error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'
-  likely cause: /var/cron/tabs/root:1: 'a' stands in front of the server, too, and is replaced there
-  fix: write the server's address in its place with an editor, or a name that does not stand further in front on the line
+  likely cause: /var/cron/tabs/root:1: 'a' occurs earlier on the line, too, and is replaced there
+  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line
 velkctl: eth0.method: could not be set
   the library does not take this command, interface or value
   fix: run 'velkctl describe NAME' for the interfaces and values of a setting
@@ -253,7 +253,7 @@ output_is 'ntp-result
   example: velkctl get ntp-result'
 on_device velkctl describe location
 output_is "location
-  where the device stands: a text, '' when empty
+  location of the device: a text, '' when empty
   command 3: get and set
   takes a text of at most 511 bytes
     ''  clears it

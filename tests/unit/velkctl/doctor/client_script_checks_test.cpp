@@ -1,4 +1,4 @@
-// What the doctor says about /sbin/dhclient-script.
+// The doctor's findings about /sbin/dhclient-script.
 #include <string>
 #include <string_view>
 
@@ -46,8 +46,8 @@ TEST_F(ClientScriptCheck, FindsADefinitionThatIsTakenForACall) {
 TEST_F(ClientScriptCheck, FindsTwoMarks) {
     EXPECT_EQ(Examine("if [ \"$interface\" = eth0 ]; then\n##make_resolv_conf\nelse\n"
                       "make_resolv_conf\nfi\n"),
-              "problem: eth0.dhcp-dns cannot be switched on: /sbin/dhclient-script:2: two '#' "
-              "stand before the call, and switching on takes one away\n"
+              "problem: eth0.dhcp-dns cannot be switched on: /sbin/dhclient-script:2: there are "
+              "two '#' before the call, and switching on takes one away\n"
               "  fix: leave one '#', in the first column\n");
 }
 

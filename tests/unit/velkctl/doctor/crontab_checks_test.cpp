@@ -1,4 +1,4 @@
-// What the doctor says about the entries of the crontab.
+// The doctor's findings about the entries of the crontab.
 #include <string>
 #include <string_view>
 
@@ -47,7 +47,7 @@ TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
               "problem: ntp-server cannot be set: /var/cron/tabs/root:1: the server is its last "
               "word; setting it joins the entry with the next line\n" +
                   std::string(kMend) +
-                  "warning: ntp-result does not tell of this entry: /var/cron/tabs/root:1: its "
+                  "warning: ntp-result does not cover this entry: /var/cron/tabs/root:1: its "
                   "output does not go to /var/libvelk/ntp.log\n" +
                   kMend);
 }
@@ -57,7 +57,7 @@ TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
               "problem: ntp-server cannot be set: /var/cron/tabs/root:1: it has neither a server "
               "nor a '>' to put one before\n" +
                   std::string(kMend) +
-                  "warning: ntp-result does not tell of this entry: /var/cron/tabs/root:1: its "
+                  "warning: ntp-result does not cover this entry: /var/cron/tabs/root:1: its "
                   "output does not go to /var/libvelk/ntp.log\n" +
                   kMend);
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
@@ -69,10 +69,9 @@ TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
 TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
     const auto finding = [](const std::string& server) {
         return "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '" + server +
-               "' stands in front of the server, too, and is replaced there\n"
-               "  fix: write the server's address in its place with an editor, or a name that "
-               "does "
-               "not stand further in front on the line\n";
+               "' occurs earlier on the line, too, and is replaced there\n"
+               "  fix: write the server's address in its place with an editor, or a name that does "
+               "not occur earlier on the line\n";
     };
     EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"), finding("5"));
     EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n"),
@@ -82,12 +81,12 @@ TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
 }
 
 TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {
-    EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server is joined with another entry: /var/cron/tabs/root:1: two "
-              "entries stand on one line, as a set makes of a server that is the last word of its "
-              "line\n"
-              "  fix: put the second one on a line of its own, and write: 0 * * * * "
-              "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
+    EXPECT_EQ(
+        ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
+        "problem: ntp-server is joined with another entry: /var/cron/tabs/root:1: two entries are "
+        "on one line, as after a set of a server that is the last word of its line\n"
+        "  fix: put the second one on a line of its own, and write: 0 * * * * "
+        "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
 }
 
 TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
@@ -98,14 +97,15 @@ TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
 }
 
 TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
-    EXPECT_EQ(ExamineTime("# ntpdate sets the clock\n"
-                          "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
-              "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
-              "the clock' is taken for an entry\n"
-              "  fix: word it without 'ntpdate'\n"
-              "problem: ntp cannot be switched on: /var/cron/tabs/root:2: two '#' stand before the "
-              "entry, and switching on takes one away\n"
-              "  fix: leave one '#', in the first column\n");
+    EXPECT_EQ(
+        ExamineTime("# ntpdate sets the clock\n"
+                    "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
+        "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
+        "the clock' is taken for an entry\n"
+        "  fix: word it without 'ntpdate'\n"
+        "problem: ntp cannot be switched on: /var/cron/tabs/root:2: there are two '#' before the "
+        "entry, and switching on takes one away\n"
+        "  fix: leave one '#', in the first column\n");
 }
 
 TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
@@ -121,7 +121,7 @@ TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
     EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
               "problem: web-update cannot be read: /var/cron/tabs/root:1: the schedule is not one "
               "of this library's\n"
-              "  fix: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+              "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
 }
 
 TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
@@ -133,7 +133,7 @@ TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
                   "/var/cron/tabs/root:1: '" +
                       line +
                       "' is not as the library writes it\n"
-                      "  fix: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+                      "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
     }
 }
 

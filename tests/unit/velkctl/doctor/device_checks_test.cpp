@@ -1,4 +1,4 @@
-// What the doctor says about files, folders, leftovers, the lock and the wireless daemon.
+// The doctor's findings about files, folders, remains, the lock and the wireless daemon.
 #include <string>
 
 #include <fcntl.h>
@@ -68,7 +68,7 @@ TEST_F(FilesCheck, TellsAFifoInTheFilesPlace) {
     ASSERT_EQ(mkfifo("/etc/dhclient.conf", 0600), 0);
     EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckFiles()),
                       "problem: method, dhcp-dns and dhcp-ntp can be neither read nor set: "
-                      "/etc/dhclient.conf: a folder, a FIFO or a device stands there\n"));
+                      "/etc/dhclient.conf: a folder, a FIFO or a device is in its place\n"));
     EXPECT_EQ(FormatFindings(velkctl::CheckDhcpConfig()), "");
 }
 
@@ -82,7 +82,7 @@ TEST_F(FilesCheck, FindsWhatIsNoTextOrTooLarge) {
         << words;
     EXPECT_TRUE(Holds(words,
                       "problem: ntp, ntp-server and web-update may be read and set wrongly: "
-                      "/var/cron/tabs/root: NUL bytes stand in the file; it is no text\n"))
+                      "/var/cron/tabs/root: the file has NUL bytes; it is no text\n"))
         << words;
 }
 
@@ -188,17 +188,18 @@ TEST_F(LeftoversCheck, SaysNothingWhereNothingWasLeft) {
 TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
     constexpr char kResult[] = "/var/tmp/get_result";
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
-    EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read: "
-              "/var/tmp/get_result: a FIFO stands where tools write their output; the next reading "
-              "removes it\n"
-              "  fix: rm /var/tmp/get_result\n");
+    EXPECT_EQ(
+        FormatFindings(velkctl::CheckResultFile()),
+        "warning: link-speed and the address and netmask of a lease may not have been read: "
+        "/var/tmp/get_result: a FIFO is in the place of the output of tools; the next reading "
+        "removes it\n"
+        "  fix: rm /var/tmp/get_result\n");
     ASSERT_EQ(unlink(kResult), 0);
     ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
     EXPECT_EQ(
         FormatFindings(velkctl::CheckResultFile()),
         "warning: link-speed and the address and netmask of a lease may not have been read: "
-        "/var/tmp/get_result: a symbolic link stands where tools write their output; the next "
+        "/var/tmp/get_result: a symbolic link is in the place of the output of tools; the next "
         "reading removes it\n"
         "  fix: rm /var/tmp/get_result\n");
 }
@@ -217,7 +218,7 @@ TEST_F(LeftoversCheck, FindsWhatTheCallerMayNotRemove) {
     ASSERT_EQ(setresuid(0, 0, 0), 0);
     EXPECT_EQ(words,
               "problem: link-speed and the address and netmask of a lease cannot be read: "
-              "/var/tmp/get_result: a file stands where tools write their output\n"
+              "/var/tmp/get_result: a file is in the place of the output of tools\n"
               "  fix: rm /var/tmp/get_result\n");
 }
 
@@ -228,16 +229,15 @@ TEST_F(LeftoversCheck, FindsAResultAReplySocketAndASemaphore) {
     EXPECT_TRUE(
         Holds(FormatFindings(velkctl::CheckResultFile()),
               "warning: link-speed and the address and netmask of a lease may not have been "
-              "read: /var/tmp/get_result: a result was left behind, "));
+              "read: /var/tmp/get_result: a result was left, "));
     const std::string words = FormatFindings(velkctl::CheckQueryRemains());
     EXPECT_TRUE(Holds(words,
                       "warning: wireless settings may not have been read: "
-                      "/tmp/WlanAplFromWlanSock: a reply socket that nobody listens at was left "
-                      "behind, "))
+                      "/tmp/WlanAplFromWlanSock: a reply socket without a process was left, "))
         << words;
     EXPECT_TRUE(Holds(words,
                       "warning: wireless settings may not have been read: "
-                      "/dev/shm/sem.WlanAplRecvSem: a semaphore was left behind, "))
+                      "/dev/shm/sem.WlanAplRecvSem: a semaphore was left, "))
         << words;
 }
 
@@ -245,7 +245,7 @@ TEST_F(LeftoversCheck, FindsASemaphoreThatEndsTheProgram) {
     WriteFile("/dev/shm/sem.WlanAplRecvSem", "");
     EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()),
               "problem: wireless settings end the program that reads them: "
-              "/dev/shm/sem.WlanAplRecvSem: an empty file stands where the semaphore is made\n"
+              "/dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore\n"
               "  fix: rm /dev/shm/sem.WlanAplRecvSem\n");
 }
 
@@ -284,19 +284,19 @@ TEST_F(LockCheck, FindsALockThatItsOwnerCouldReplace) {
     if (chown("/var/tmp/vklib_lock", 1234, 1234) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
-    EXPECT_EQ(FormatFindings(velkctl::CheckLock()),
-              "warning: settings can be changed by two programs at once: /var/tmp/vklib_lock: the "
-              "lock file belongs to user 1234, who can remove it while it is locked and make it "
-              "anew\n"
-              "  fix: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
-              "as root and with mode 666, before programs of other users run\n");
+    EXPECT_EQ(
+        FormatFindings(velkctl::CheckLock()),
+        "warning: settings can be changed by two programs at once: /var/tmp/vklib_lock: the "
+        "lock file belongs to user 1234, who can remove it while it is locked and make a new one\n"
+        "  fix: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
+        "as root and with mode 666, before programs of other users run\n");
 }
 
 TEST_F(LockCheck, FindsALinkInItsPlace) {
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/vklib_lock"), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckLock()),
-              "problem: settings cannot be changed: /var/tmp/vklib_lock: a symbolic link stands "
-              "where the lock file is made\n"
+              "problem: settings cannot be changed: /var/tmp/vklib_lock: a symbolic link is in the "
+              "place of the lock file\n"
               "  fix: rm /var/tmp/vklib_lock\n");
 }
 
@@ -335,7 +335,7 @@ TEST_F(DaemonCheck, WarnsOfARecordWithoutAChannel) {
     daemon.SetConf(WithChannel(14));
     EXPECT_EQ(Examine(),
               "warning: the wireless daemon may not answer with its configuration: "
-              "/tmp/WlanAplToWlanSock: its record has the channel 14, which is none\n"
+              "/tmp/WlanAplToWlanSock: its record has the channel 14, which is not valid\n"
               "  fix: set eth1.channel, or restart the wireless daemon\n");
 }
 
@@ -343,8 +343,8 @@ TEST_F(DaemonCheck, WarnsOfAnAdapterThatIsNotAttached) {
     EXPECT_EQ(FormatFindings(velkctl::CheckAdapter()), "") << "the list itself is missing";
     WriteFile("/proc/bus/usb/devices", "S:  Product=Keyboard\n");
     EXPECT_EQ(FormatFindings(velkctl::CheckAdapter()),
-              "warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none "
-              "that is supported; what eth1 tells of adapter and connection is refused\n"
+              "warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has no "
+              "supported adapter; the settings of eth1 about adapter and connection are refused\n"
               "  fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names\n");
     AttachAdapter();
     EXPECT_EQ(FormatFindings(velkctl::CheckAdapter()), "");
@@ -358,8 +358,8 @@ TEST_F(DaemonCheck, FindsNoDaemon) {
               "  fix: start the wireless daemon\n");
     WriteFile("/tmp/WlanAplToWlanSock", "");
     EXPECT_EQ(Examine(),
-              "problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: nobody listens "
-              "at its socket\n"
+              "problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: no process "
+              "listens at its socket\n"
               "  fix: start the wireless daemon\n");
 }
 

@@ -1,4 +1,4 @@
-// What the doctor says about /etc/dhclient.conf.
+// The doctor's findings about /etc/dhclient.conf.
 #include <string>
 #include <string_view>
 
@@ -52,10 +52,10 @@ TEST_F(DhcpCheck, FindsARequestWithoutAnEnd) {
     EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest routers\n}\n" + std::string(kEth1)),
               "problem: eth0.dhcp-dns is switched in the wrong statement: /etc/dhclient.conf:2: no "
               "';' ends this request statement\n"
-              "  fix: write one behind its last option\n"
+              "  fix: write one after its last option\n"
               "problem: dhcp-ntp is switched in the wrong statement: /etc/dhclient.conf:2: no ';' "
               "ends this request statement\n"
-              "  fix: write one behind its last option\n");
+              "  fix: write one after its last option\n");
 }
 
 TEST_F(DhcpCheck, FindsAStatementThatWouldGainTheOption) {

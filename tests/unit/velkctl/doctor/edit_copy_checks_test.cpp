@@ -1,4 +1,4 @@
-// What the doctor says about edits that were left unfinished.
+// The doctor's findings about edits that were left unfinished.
 #include <string>
 #include <vector>
 
@@ -86,7 +86,7 @@ TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
     constexpr char kFix[] = "; the next set replaces it\n  fix: rm /var/tmp/root\n";
     const std::string left =
         "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an edit "
-        "copy was left behind, 2 days old, ";
+        "copy was left, 2 days old, ";
     WriteOld(kCopy, "");
     EXPECT_EQ(Said(), left + "empty" + kFix);
     for (const char* part : {"0 * * * * true\n", "0 * * * * false\n5 *"}) {
@@ -101,7 +101,7 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
     WriteOld(kCopy, "5 * * * * true\n");
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
-              "edit copy was left behind, 2 days old, that differs from the file; the next set "
+              "edit copy was left, 2 days old, that differs from the file; the next set "
               "replaces it; the copy would add '5 * * * * true'\n"
               "  fix: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
               "to finish it, compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', "
@@ -121,7 +121,7 @@ TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
     WriteOld(kCopy, "0 * * * * true\n");
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: an edit "
-              "copy was left behind, 2 days old, the same as the file; the next set replaces it\n"
+              "copy was left, 2 days old, the same as the file; the next set replaces it\n"
               "  fix: rm /var/tmp/root\n");
 }
 
@@ -145,8 +145,8 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
     }
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
-              "user 1234 with mode 600, not made by the library, stands where the edit copy is "
-              "made; the next set replaces it\n"
+              "user 1234 with mode 600, not made by the library, is in the place of the edit copy; "
+              "the next set replaces it\n"
               "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
@@ -158,8 +158,8 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
               "user " +
                   std::to_string(geteuid()) +
-                  " with mode 600 and another name, not made by the library, stands where the edit "
-                  "copy is made; the next set replaces it\n"
+                  " with mode 600 and another name, not made by the library, is in the place of "
+                  "the edit copy; the next set replaces it\n"
                   "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
@@ -173,7 +173,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
               "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
               "user " +
                   std::to_string(geteuid()) +
-                  " with mode 640, not made by the library, stands where the edit copy is made; "
+                  " with mode 640, not made by the library, is in the place of the edit copy; "
                   "the next set replaces it\n"
                   "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
@@ -206,10 +206,10 @@ TEST_F(EditCopyCheck, FindsWhatASetReplaces) {
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
     EXPECT_EQ(Said(),
               "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
-              "FIFO stands where the edit copy is made; the next set replaces it\n"
+              "FIFO is in the place of the edit copy; the next set replaces it\n"
               "  fix: rm /var/tmp/dhclient.conf\n"
               "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
-              "stands where the edit copy is made; the next set replaces it\n"
+              "is in the place of the edit copy; the next set replaces it\n"
               "  fix: rm /var/tmp/dhclient-script\n");
 }
 
@@ -217,7 +217,7 @@ TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
     ASSERT_EQ(mkdir("/var/tmp/libvelk", 0700), 0);
     EXPECT_EQ(Said(),
               "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
-              "stands where the edit copy is made\n"
+              "is in the place of the edit copy\n"
               "  fix: rm -r /var/tmp/libvelk\n");
     ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
 }

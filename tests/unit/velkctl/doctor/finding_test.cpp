@@ -1,4 +1,4 @@
-// How a finding of the doctor is told.
+// The text and the JSON of a finding of the doctor.
 #include "velkctl/doctor/finding.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What the doctor says about /etc/dhclient-exit-hooks.
+// The doctor's findings about /etc/dhclient-exit-hooks.
 #include <string>
 #include <string_view>
 
@@ -55,8 +55,8 @@ TEST_F(HooksCheck, FindsServicesThatNoLineRuns) {
 
 TEST_F(HooksCheck, FindsTwoMarks) {
     EXPECT_EQ(Examine(WithServices("# #/usr/bin/ntpdate -u 10.0.0.2\n")),
-              "problem: dhcp-ntp cannot be switched on: /etc/dhclient-exit-hooks:1: two '#' stand "
-              "before the command, and switching on takes one away\n"
+              "problem: dhcp-ntp cannot be switched on: /etc/dhclient-exit-hooks:1: there are two "
+              "'#' before the command, and switching on takes one away\n"
               "  fix: leave one '#', in the first column\n");
 }
 
@@ -64,7 +64,7 @@ TEST_F(HooksCheck, FindsACommandThatIsShownAsOff) {
     EXPECT_EQ(Examine(WithServices("if [ $interface = eth1 ]; then\n"
                                    "'/usr/sbin/avahi-autoipd' -k\nfi\n")),
               "problem: eth1.apipa is shown as off although it is on: "
-              "/etc/dhclient-exit-hooks:2: no blank stands before or behind the command's name\n"
+              "/etc/dhclient-exit-hooks:2: there is no blank before or after the command's name\n"
               "  fix: write /usr/sbin/avahi-autoipd between blanks\n");
 }
 
@@ -78,7 +78,7 @@ TEST_F(HooksCheck, FindsNestedBlocks) {
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" = eth0 ]; then\n\t:\n"
                                    "elif [ \"$interface\" = eth1 ]; then\n\t:\nfi\n")),
               "problem: apipa and dhcp-notice may be switched for another interface: "
-              "/etc/dhclient-exit-hooks:3: the library takes what is below 'elif' for a part of "
+              "/etc/dhclient-exit-hooks:3: the library takes the lines below 'elif' for a part of "
               "the branch above\n"
               "  fix: write 'else', or a block of its own for each interface\n");
 }
@@ -91,12 +91,12 @@ TEST_F(HooksCheck, FindsConditionsThatAreReadOtherwise) {
     EXPECT_EQ(Examine(WithServices("if [ ${interface} = eth0 ]; then\n:\nfi\n")),
               "problem: apipa and dhcp-notice would be switched for every interface: "
               "/etc/dhclient-exit-hooks:1: the library does not see that 'if [ ${interface} = eth0 "
-              "]; then' tells interfaces apart\n"
+              "]; then' depends on the interface\n"
               "  fix: write: if [ \"$interface\" = \"eth0\" ]; then\n");
     EXPECT_EQ(Examine(WithServices("case $interface in\nesac\n")),
               "problem: apipa and dhcp-notice would be switched for every interface: "
               "/etc/dhclient-exit-hooks:1: the library does not see that 'case $interface in' "
-              "tells interfaces apart\n"
+              "depends on the interface\n"
               "  fix: write: if [ \"$interface\" = \"eth0\" ]; then\n");
 }
 

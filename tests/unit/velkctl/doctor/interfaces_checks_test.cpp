@@ -1,4 +1,4 @@
-// What the doctor says about /etc/network/interfaces.
+// The doctor's findings about /etc/network/interfaces.
 #include <string>
 #include <string_view>
 
@@ -100,20 +100,20 @@ TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
 TEST_F(InterfacesCheck, FindsATabBehindAWord) {
     EXPECT_EQ(Examine("iface eth0 inet static\naddress\t10.0.0.1\n" + std::string(kEth1)),
               "problem: eth0.address cannot be read, and a set adds a second address line: "
-              "/etc/network/interfaces:2: no blank stands behind the word 'address'\n"
+              "/etc/network/interfaces:2: no blank follows the word 'address'\n"
               "  fix: put one blank, no tab, between the word and the value\n");
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\taddress\t10.0.0.1\n"
                       "\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n"),
               "problem: eth1.address can be neither read nor set: /etc/network/interfaces:3: no "
-              "blank stands behind the word 'address'\n"
+              "blank follows the word 'address'\n"
               "  fix: put one blank, no tab, between the word and the value\n");
 }
 
 TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
     EXPECT_EQ(Examine("iface eth0 inet static\n\taddress  10.0.0.1\r\n" + std::string(kEth1)),
               "warning: eth0.address is read with white space around it: "
-              "/etc/network/interfaces:2: more than one blank stands around the value\n"
-              "  fix: leave one blank before the value and none behind it\n");
+              "/etc/network/interfaces:2: there is more than one blank around the value\n"
+              "  fix: leave one blank before the value and none after it\n");
 }
 
 TEST_F(InterfacesCheck, TakesACarriageReturnForNoBlank) {
@@ -133,7 +133,7 @@ TEST_F(InterfacesCheck, FindsWhereANewLineWouldLeaveTheStanza) {
         Examine("iface eth0 inet static\n\taddress 10.0.0.1\n\tnetmask 255.0.0.0\nauto eth1\n" +
                 std::string(kEth1)),
         "warning: eth0.gateway would be set in the wrong place: /etc/network/interfaces:1: the "
-        "stanza has no gateway line; a new one would stand behind 'auto eth1', outside the stanza\n"
+        "stanza has no gateway line; a new one would be below 'auto eth1', outside the stanza\n"
         "  fix: add a line \"gateway 192.168.0.1\" below it before setting it\n");
 }
 
@@ -142,7 +142,7 @@ TEST_F(InterfacesCheck, FindsALineThatHasLeftTheStanza) {
                       "allow-hotplug eth1\n\tgateway 10.0.0.254\n" +
                       std::string(kEth1)),
               "problem: eth0.gateway does not reach the interface: /etc/network/interfaces:5: the "
-              "line stands behind 'allow-hotplug eth1', outside the stanza\n"
+              "line is below 'allow-hotplug eth1', outside the stanza\n"
               "  fix: move it up, below line 1\n");
 }
 

@@ -1,5 +1,4 @@
-// What is found out about a setting that does not hold what was set, on a private device whose
-// files are such.
+// The likely causes of a setting that does not hold the value that was set, on a private device.
 #include "velkctl/doctor/likely_cause.h"
 
 #include <cstdlib>
@@ -149,9 +148,10 @@ TEST_F(CausesTest, TheClockNeedsAnEntry) {
     EXPECT_EQ(FirstOf("ntp"), "") << "the next set of it would do";
     WriteFile(kCrontab, "###0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n");
     Set("ntp", "\x01");
-    EXPECT_EQ(FirstOf("ntp"),
-              "/var/cron/tabs/root:1: two '#' stand before the entry, and switching on takes one "
-              "away; fix: leave one '#', in the first column");
+    EXPECT_EQ(
+        FirstOf("ntp"),
+        "/var/cron/tabs/root:1: there are two '#' before the entry, and switching on takes one "
+        "away; fix: leave one '#', in the first column");
 }
 
 TEST_F(CausesTest, ATimeServerNeedsAPlace) {
@@ -166,8 +166,8 @@ TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
     WriteFile(kCrontab, "0 * * * * ntpdate 10.0.0.1\n5 4 * * * true\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
-              "/var/cron/tabs/root:1: two entries stand on one line, as a set makes of a server "
-              "that is the last word of its line; fix: put the second one on a line of its own, "
+              "/var/cron/tabs/root:1: two entries are on one line, as after a set of a server that "
+              "is the last word of its line; fix: put the second one on a line of its own, "
               "and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
@@ -187,8 +187,8 @@ TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {
     WriteFile(kIdentity, "");
     const testkit::Emptied small("/var/tmp", "size=32k");
     EXPECT_EQ(FirstOf("location"),
-              "/var/tmp: the file system is full: 32768 bytes are free; fix: remove what is not "
-              "needed there");
+              "/var/tmp: the file system is full: 32768 bytes are free; fix: remove files that are "
+              "not needed there");
 }
 
 TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
@@ -225,8 +225,8 @@ TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
               "plug an adapter in, and start the wireless daemon unless that does");
     testkit::FakeDaemon daemon;
     EXPECT_EQ(FirstOf("eth1.ssid"),
-              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers "
-              "otherwise; fix: 'velkctl doctor' asks it; restart the wireless daemon");
+              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers with "
+              "another one; fix: 'velkctl doctor' asks it; restart the wireless daemon");
     EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
     for (const Setting& setting : velkctl::Settings()) {
         const Findings causes = LikelyCauses(setting);
@@ -241,7 +241,7 @@ TEST_F(CausesTest, ATabIsNoCauseWhereASetAddsALine) {
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
     EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:2: no blank stands behind the word 'gateway'; fix: put one "
+              "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: put one "
               "blank, no tab, between the word and the value");
 }
 

@@ -33,7 +33,7 @@ std::string Unfolded(std::string text) {
 
 class ReadBackTest : public testkit::DeviceTest {
   protected:
-    // Verifies that the setting holds this value, as words; keeps what is complained about.
+    // Verifies that the setting holds this value, as words; keeps the complaint.
     std::optional<bool> Verify(const std::string& name, const std::vector<std::string>& words) {
         const Setting setting = *FindSetting(name);
         const velkctl::Parsed wanted = setting.row->kind->Parse(words);
@@ -205,7 +205,7 @@ TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
 }
 
 TEST_F(ReadBackTest, ASecretStaysOne) {
-    // A setting of the test's own: what it holds is a secret, and not the one that was set.
+    // A setting of the test's own. It holds a secret, and another one than was set.
     CatalogueRow row = *FindSetting("eth0.address")->row;
     row.secret = true;
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress hunter2\n");

@@ -1,4 +1,4 @@
-// What the doctor says about the tools that the library runs.
+// The doctor's findings about the tools that the library runs.
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -48,8 +48,8 @@ TEST_F(ToolsCheck, TellsWhichToolIsMissing) {
     ASSERT_EQ(unlink("/tmp/rm"), 0);
     EXPECT_THAT(
         FormatFindings(velkctl::CheckTools()),
-        HasSubstr("problem: rm is not installed: edit copies and results stay behind in "
-                  "/var/tmp\n  fix: install it in a folder where velkctl looks, as /usr/bin\n"));
+        HasSubstr("problem: rm is not installed: edit copies and results stay in /var/tmp\n  fix: "
+                  "install it in a folder where velkctl looks, as /usr/bin\n"));
 }
 
 TEST_F(ToolsCheck, SaysNothingOfARestartThatNeedsNothing) {

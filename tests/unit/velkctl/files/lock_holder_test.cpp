@@ -1,4 +1,4 @@
-// Which process holds the library's lock, from what the kernel tells of locks and processes.
+// The process that holds the library's lock, from the kernel's tables of locks and processes.
 #include "velkctl/files/lock_holder.h"
 
 #include <optional>
@@ -71,11 +71,12 @@ TEST(SecondsRunning, AreUnknownWithoutReadableTexts) {
 }
 
 TEST(LockHolderWords, NameTheProcessAndItsAge) {
-    EXPECT_EQ(velkctl::Words({1234, "velkctl", 3}), "process 1234 (velkctl, 3 seconds old)");
+    EXPECT_EQ(velkctl::DescribeHolder({1234, "velkctl", 3}),
+              "process 1234 (velkctl, 3 seconds old)");
 }
 
 TEST(LockHolderWords, NeverControlTheTerminal) {
-    EXPECT_EQ(velkctl::Words({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
+    EXPECT_EQ(velkctl::DescribeHolder({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
 }
 
 class FindLockHolderTest : public testkit::DeviceTest {};

@@ -227,7 +227,7 @@ TEST(Catalogue, KeysAreSecret) {
                                                  "eth1.wep-key-3", "eth1.wep-key-4", "eth1.psk"}));
 }
 
-// What a shell makes of words without quotes in quotes, or with single ones.
+// Returns the words that a shell makes of a text without quotes, or in single ones.
 std::vector<std::string> WordsOf(const std::string& text) {
     if (text.starts_with("'")) {
         return {text.substr(1, text.size() - 2)};

@@ -63,7 +63,7 @@ TEST(ServerListParse, FourAddressesAreTooMany) {
 }
 
 TEST(ServerListParse, NoneStandsAlone) {
-    const std::string problem = "'none' stands alone; give either addresses or none";
+    const std::string problem = "'none' takes no other value; give either addresses or none";
     EXPECT_EQ(Problem({"none", "1.1.1.1"}), problem);
     EXPECT_EQ(Problem({"1.1.1.1", "none"}), problem);
     EXPECT_EQ(Problem({"none", "none"}), problem);

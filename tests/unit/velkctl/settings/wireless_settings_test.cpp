@@ -1,4 +1,4 @@
-// The wireless settings through the whole tool, with a daemon behind the library.
+// The wireless settings through the whole tool, with a daemon that the library asks.
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -58,8 +58,8 @@ class WirelessSettings : public testkit::DeviceTest {
         EXPECT_EQ(output, "");
         EXPECT_EQ(error, "");
     }
-    // What the daemon keeps. It reads its messages in order: an answer means that it has stored
-    // all.
+    // Returns the daemon's record. It reads its messages in order: an answer means that it has
+    // stored all.
     SMsgConf Stored() {
         (void)Get("eth1.channel");
         return daemon.conf();
@@ -254,7 +254,7 @@ TEST_F(Secrets, OtherSettingsTakeSuchWordsAsTheyStand) {
     EXPECT_EQ(std::string(conf.ssid, conf.ssid_length), "-");
 }
 
-// Wrong usages with the secret wherever it could stand by mistake.
+// Wrong usages with the secret in every place where it could be by mistake.
 TEST_F(Secrets, AreNotRepeatedInAnyMessage) {
     const std::vector<std::vector<std::string>> usages{
         {"set", "eth1.psk", "-hunter22"},
