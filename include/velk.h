@@ -25,7 +25,7 @@ extern "C" {
  *
  * request   the command; only read. Must not overlap the response.
  * response  cleared, then filled: interface, command_type and command_id of the request (the name
- *           cut to 15 bytes and NUL), and in data what the command's get writes. The header is
+ *           cut to 15 bytes and NUL), and in data the bytes of a get. The header is
  *           filled in for every outcome but a null pointer; data stays zero unless written to.
  *
  * Returns the command's own result (see the function of the command), or
@@ -37,10 +37,10 @@ extern "C" {
  *                               exception. No exception leaves this function.
  *
  * Side effects: a set or restart holds an flock(2) on /var/tmp/vklib_lock for the length of the
- * call (see VkLibLock()) and changes what its command says. What the functions of
- * the commands say they log goes to syslog(3) at LOG_NOTICE, as do a null pointer ("paramater"), an
- * unknown type ("command_type = %d"), an interface that does not fit ("paramater matching") and a
- * lock that could not be had ("lockking").
+ * call (see VkLibLock()) and makes the changes of its command. The log lines
+ * of the commands go to syslog(3) at LOG_NOTICE, as do those for a null pointer ("paramater"), an
+ * unknown type ("command_type = %d"), an interface that is not allowed ("paramater matching") and a
+ * lock that could not be taken ("lockking").
  *
  * Blocking: taking the lock never waits. Otherwise as long as the command says.
  *

@@ -11,7 +11,7 @@
 
 namespace velk {
 
-// The text in a fixed field: up to its NUL, or the whole field when it holds none.
+// Returns the text in a fixed field: up to its NUL, or the whole field if it has none.
 template <size_t kSize>
 std::string_view FieldText(const char (&field)[kSize]) {
     return {field, strnlen(field, kSize)};

@@ -9,8 +9,8 @@
 
 namespace velk {
 
-// A shell line in its 256-byte buffer. A line that does not fit is never run: a cut command line
-// could name another file or another address.
+// A shell line in its 256-byte buffer. A line that does not fit is never run: a truncated command
+// line could name another file or another address.
 class CommandLine {
   public:
     [[gnu::format(printf, 2, 3)]] explicit CommandLine(const char* format, ...);
@@ -23,11 +23,11 @@ class CommandLine {
 
   private:
     char text_[256];
-    int length_;  // that the line would have
+    int length_;  // of the line, also if it does not fit
 };
 
-// True in a host whose real and effective user differ. Shells give up the effective user, so the
-// real one must be able to read the files that the library makes for them.
+// Returns true in a host with different real and effective users. Shells give up the effective
+// user, so the real one must be able to read the files that the library makes for them.
 inline bool HasTwoUsers() {
     return getuid() != geteuid();
 }

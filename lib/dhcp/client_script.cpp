@@ -15,8 +15,8 @@ namespace {
 
 constexpr char kInterfaceVariable[] = "interface";  // with or without braces around it
 
-// The shell function that rewrites the resolver's configuration. As a word it is a call of it: the
-// line that defines it has "(" right behind the name.
+// The shell function that rewrites the resolver's configuration. As a word it is a call: in its
+// definition "(" follows the name directly.
 constexpr char kResolverUpdate[] = "make_resolv_conf";
 
 }  // namespace

@@ -1,4 +1,4 @@
-// commands.cpp - the commands on what the DHCP client requests.
+// commands.cpp - the commands on the options that the DHCP client requests.
 #include <string>
 
 #include "lib/base/data_area.h"
@@ -9,7 +9,7 @@
 namespace velk {
 namespace {
 
-// An option that the client can request. With `comment_aware` its name behind a "#" does not count,
+// An option that the client can request. With `comment_aware` its name after a "#" does not count,
 // see SetDhcpServer().
 struct Option {
     const char* name;

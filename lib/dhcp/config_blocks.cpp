@@ -1,4 +1,4 @@
-// config_blocks.cpp - tells which lines of the DHCP client's configuration concern an interface.
+// config_blocks.cpp - finds the lines of the DHCP client's configuration that concern an interface.
 #include "lib/dhcp/config_blocks.h"
 
 #include "lib/base/words.h"
@@ -7,7 +7,7 @@
 namespace velk {
 namespace {
 
-// False for the opening line of another interface's block.
+// Returns false for the opening line of another interface's block.
 bool Classify(std::string_view line, std::string_view nic, bool& in_block, bool& other_block,
               bool comment_aware) {
     if (in_block) {

@@ -19,7 +19,7 @@ namespace {
 
 constexpr char kInterfaceVariable[] = "$interface";
 
-// The line with the command on it switched; a byte that is no switch leaves it as it is.
+// Returns the line with the command switched. A byte that is no switch leaves the line unchanged.
 std::string SwitchCommand(std::string_view line, std::string_view command, char state) {
     const size_t position = line.find(command);
     const bool is_switch = state == VELK_ON || state == VELK_OFF;
@@ -84,7 +84,7 @@ int GetApipa(const _velk_request& request, char* out) {
     if (!hooks.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    // The answer unless a line says otherwise, also when memory runs out at a long one.
+    // The default is set first: reading a long line may run out of memory.
     out[0] = VELK_OFF;
     ShellBlocks blocks(kInterfaceVariable, FieldText(request.interface));
     for (std::string_view line; hooks.ReadFullLine(line);) {

@@ -1,4 +1,4 @@
-// request_options.cpp - which options the DHCP client requests, and for which interfaces it does.
+// request_options.cpp - the options that the DHCP client requests for an interface.
 #include <string>
 #include <string_view>
 
@@ -16,9 +16,9 @@ namespace {
 
 constexpr std::string_view kStatementEnd = ";";
 
-// The line without the option at `position`. A comma behind any place of the option on the line
-// counts, and takes the character behind the first place with it. Otherwise what is no letter in
-// front of the option goes too, but never the line's first character.
+// Returns the line without the option at `position`. If a comma follows the option anywhere on the
+// line, the character after its first place is removed too. Otherwise all characters before the
+// option that are no letters are removed too, but never the line's first character.
 std::string WithoutOption(std::string_view line, const std::string& option, size_t position) {
     if (Contains(line, option + ",")) {
         return std::string(line).erase(position, option.size() + 1);
@@ -30,7 +30,7 @@ std::string WithoutOption(std::string_view line, const std::string& option, size
     return std::string(line.substr(0, position)).append(line.substr(behind));
 }
 
-// The line with the option as the last one of the statement that ends at `end`.
+// Returns the line with the option as the last one of the statement that ends at `end`.
 std::string WithOption(std::string_view line, const std::string& option, size_t end) {
     return std::string(line).insert(end, "," + option);
 }
@@ -42,8 +42,8 @@ class RequestLines {
     RequestLines(std::string_view nic, bool comment_aware)
         : blocks_(nic, comment_aware), comment_aware_(comment_aware) {}
 
-    // Takes the next line, with its newline. A line outside the interface's block does not count
-    // when it holds a "#" anywhere.
+    // Takes the next line, with its newline. Returns true if it belongs to a statement. A line
+    // outside the interface's block does not count if it holds a "#" anywhere.
     bool Holds(std::string_view line) {
         if (!blocks_.Concerns(line) || (!blocks_.in_block() && Contains(line, "#"))) {
             return false;
@@ -52,8 +52,8 @@ class RequestLines {
         return in_request_;
     }
 
-    // The line taken last, with the option added or removed. A statement counts as ended only by a
-    // line that ends it without naming the option.
+    // Returns the last line with the option added or removed. A statement counts as ended only
+    // by a line that ends it without naming the option.
     std::string Edit(std::string_view line, const std::string& option, bool add);
 
   private:
@@ -124,7 +124,7 @@ int SetDhcpRequest(const std::string& nic, bool enable) {
     ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
     for (std::string_view line; edit.ReadLine(line);) {
         const bool concerns = blocks.Concerns(line);
-        // A block's closing line is in it no longer; one that closes nothing is switched with it.
+        // A closing line is not in its block but is switched with it, also one that closes nothing.
         if (concerns && (blocks.in_block() || Contains(line, kBlockEnd))) {
             edit.Write(SwitchLine(line, std::string_view::npos, enable));
         } else {

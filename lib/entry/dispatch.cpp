@@ -16,8 +16,8 @@
 namespace velk {
 namespace {
 
-// Puts off pthread_cancel(3) to the end of the call: a thread that ended in the middle would leave
-// a file half written, and unwinding through a destructor would end the whole program.
+// Delays pthread_cancel(3) to the end of the call. A thread that ended in the middle would leave a
+// file half written, and unwinding through a destructor would end the whole program.
 class UncancellableScope {
   public:
     UncancellableScope() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state_); }

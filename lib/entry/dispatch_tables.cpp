@@ -1,4 +1,4 @@
-// dispatch_tables.cpp - which function runs a command, and for which interfaces.
+// dispatch_tables.cpp - the function of each command, and the interfaces that it takes.
 #include "lib/entry/dispatch_tables.h"
 
 #include <array>

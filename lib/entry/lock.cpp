@@ -21,7 +21,7 @@ namespace {
 
 constexpr mode_t kLockMode = 0666;  // processes of every user take the lock
 constexpr int kTries = 100;
-constexpr int kReplaced = 0;  // by another user, while it was being locked
+constexpr int kReplaced = 0;  // another user replaced the file while it was being locked
 
 // Takes the lock in one or more tries.
 class LockAttempt {
@@ -35,7 +35,7 @@ class LockAttempt {
     bool Keep(int fd);
     int Refuse(int error);
 
-    bool has_told_ = false;  // that the file exists
+    bool has_logged_ = false;  // whether "indelible" is logged already
     int error_ = 0;
 };
 
@@ -58,7 +58,7 @@ UniqueFd CreateLockFile(int exclusive) {
     return fd;
 }
 
-// Follows no link: anybody may plant one in this folder, to anywhere.
+// Follows no link: any user may plant one in this folder.
 //
 // Opens without O_CREAT first: with fs.protected_regular the kernel refuses O_CREAT on a file that
 // another user made in a sticky directory. Descriptor 0 counts as a failure; it is held until the
@@ -67,7 +67,7 @@ UniqueFd LockAttempt::Open() {
     UniqueFd existing(open(kLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     error_ = errno;
     if (existing.get() > 0) {
-        if (!std::exchange(has_told_, true)) {
+        if (!std::exchange(has_logged_, true)) {
             Log("VkLibLock indelible");
         }
         return existing;
@@ -75,9 +75,9 @@ UniqueFd LockAttempt::Open() {
     return CreateLockFile(existing.get() == 0 ? 0 : O_EXCL);
 }
 
-// Makes sure that the file stays the lock file as long as it is locked. In a sticky folder its
-// owner can replace it, and the next caller would lock the new one, so root takes it over from any
-// other user. A file with other names may be anybody's, and is not taken over.
+// Ensures that the file stays the lock file as long as it is locked. In a sticky folder its owner
+// can replace it, and the next caller would lock the new one. So root takes over another user's
+// file. A file with other names may be any user's file and is not taken over.
 bool LockAttempt::Keep(int fd) {
     struct stat locked {};
     if (fstat(fd, &locked) == -1) {
@@ -88,7 +88,7 @@ bool LockAttempt::Keep(int fd) {
             error_ = EMLINK;
             return false;
         }
-        (void)!fchown(fd, 0, 0);  // where it cannot be given away, it is taken as it is
+        (void)!fchown(fd, 0, 0);  // if this fails, the file is used as it is
         (void)fchmod(fd, kLockMode);
     }
     error_ = ESTALE;
@@ -112,7 +112,7 @@ int LockAttempt::Try() {
     return LIB_VELK_FAILURE;
 }
 
-// A file that another user has made since the first open is opened by the next try. The reason of
+// If another user created the file after the first open, the next try opens it. The logged errno of
 // a file that cannot be opened is that of the first open.
 int LockAttempt::Refuse(int error) {
     if (error != EEXIST || error_ == ENOENT) {

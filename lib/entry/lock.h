@@ -7,15 +7,15 @@ namespace velk {
 
 class CommandLock {
   public:
-    // Owns what VkLibLock() returned.
+    // Owns the result of VkLibLock().
     explicit CommandLock(int lock);
     CommandLock(const CommandLock&) = delete;
     CommandLock& operator=(const CommandLock&) = delete;
     ~CommandLock();
 
     bool held() const { return fd_ > 0; }
-    // The result for the caller when it is not held; 0 is no error code and must not pass for
-    // success.
+    // Returns the error code if the lock is not held. 0 is no error code and must not be returned
+    // as success.
     int refusal() const { return fd_ == 0 ? LIB_VELK_INVALID_PARAMETER : fd_; }
 
   private:

@@ -34,7 +34,7 @@ std::string GetEscapeString(const std::string& text) {
 
 std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
     if (from.empty()) {
-        return text;  // would be found without end
+        return text;  // the search would never end
     }
     for (size_t position = text.find(from); position != std::string::npos;
          position = text.find(from, position + to.size())) {

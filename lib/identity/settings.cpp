@@ -20,7 +20,7 @@ constexpr char kSnmpRestart[] = "sudo /etc/init.d/snmpd restart > /dev/null 2>&1
 
 struct IdentitySetting {
     uint32_t command_id;
-    std::string_view key;        // what its lines begin with; the value follows
+    std::string_view key;        // at the start of its lines; the value follows
     std::string_view directive;  // in the SNMP daemon's configuration
 };
 
@@ -34,7 +34,7 @@ const IdentitySetting* FindSetting(uint32_t command_id) {
     return found == std::end(kSettings) ? nullptr : found;
 }
 
-// Writes the value into every line of the setting, or into a new last line when there is none.
+// Writes the value into every line of the setting, or into a new last line if there is none.
 void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) {
     const std::string value_line = std::string(key).append(value).append("\n");
     bool found = false;
@@ -51,8 +51,8 @@ void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) 
     }
 }
 
-// Hands the value on to the SNMP daemon: into every line of its configuration that has the
-// directive. Built as long as it gets: an escaped value has up to four times its length.
+// Copies the value into every line of the SNMP daemon's configuration that has the directive. The
+// command line has no fixed size: escaping makes a value up to four times as long.
 void MirrorIntoSnmp(std::string_view directive, std::string_view value) {
     const std::string_view locale = ToolLocale();
     if (!KeepsEscapes(locale, value)) {

@@ -25,15 +25,15 @@ constexpr size_t kSlotSize = VELK_DNS_SLOT_SIZE;
 
 using SlotArea = std::array<char, kSlots * kSlotSize>;
 
-// The address in a slot. A slot filled to its last byte is an address of that length, whatever lies
-// inside it.
+// Returns the address in a slot. A slot filled to its last byte is an address of that length, even
+// with a NUL inside.
 std::string_view SlotText(const char* slot) {
     const bool filled = slot[kSlotSize - 1] != '\0';
     return {slot, filled ? kSlotSize : strlen(slot)};
 }
 
-// Copies the address without a terminator. One longer than its slot runs on into the next; a
-// missing one leaves the slot empty, whatever ran on into it.
+// Copies the address without a terminator. An address longer than its slot continues in the next
+// one. A missing address empties the slot.
 void PutSlot(SlotArea& slots, size_t index, std::string_view address) {
     const size_t offset = index * kSlotSize;
     if (address.empty()) {
@@ -43,7 +43,7 @@ void PutSlot(SlotArea& slots, size_t index, std::string_view address) {
     address.copy(&slots[offset], slots.size() - offset);
 }
 
-// The file's new text, up to the first empty slot.
+// Returns the file's new text, up to the first empty slot.
 std::string ServerLines(const char* slots) {
     std::string text;
     for (size_t i = 0; i < kSlots && slots[i * kSlotSize] != '\0'; ++i) {
@@ -71,7 +71,7 @@ int GetDns(const _velk_request& /*request*/, char* out) {
         if (!line.starts_with(kKeyword)) {
             continue;
         }
-        (void)TakeWord(line);  // the keyword, with whatever is written against it
+        (void)TakeWord(line);  // the keyword, with any text attached to it
         PutSlot(slots, count, TakeWord(line));
         ++count;
     }

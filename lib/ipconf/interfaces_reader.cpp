@@ -24,7 +24,7 @@ int MethodNamed(std::string_view text) {
     return LIB_VELK_FAILURE;
 }
 
-// An interface's first stanza; later ones of the same interface are never looked at.
+// An interface's first stanza. Later ones of the same interface are ignored.
 class Stanza {
   public:
     explicit Stanza(std::string_view interface)
@@ -41,7 +41,7 @@ class Stanza {
     // VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE for anything else.
     int method() const { return method_; }
 
-    // Writes what follows the key on the first line of the body that holds it, if there is one.
+    // Writes the text after the key from the first line of the body with the key, if any.
     void PutValue(std::string_view key, char* out) {
         for (std::string_view line; file_.ReadLine(line) && !line.starts_with(kStanzaStart);) {
             const size_t position = line.find(key);
@@ -59,7 +59,7 @@ class Stanza {
 
 using LiveGetter = int (*)(const _velk_request& request, char* out);
 
-// The configured value of a static interface, the live one of a DHCP interface.
+// Writes the configured value of a static interface, the live value of a DHCP interface.
 int GetAddress(const _velk_request& request, std::string_view key, LiveGetter get_live, char* out) {
     const std::string_view interface = FieldText(request.interface);
     {
@@ -71,9 +71,9 @@ int GetAddress(const _velk_request& request, std::string_view key, LiveGetter ge
         if (stanza.method() != VELK_METHOD_DHCP) {
             return LIB_VELK_FAILURE;
         }
-    }  // closed before what may take a minute
+    }  // closed first: the rest may take a minute
     if (interface == VELK_WIRELESS_INTERFACE && IsWiredLinked() != 0) {
-        return LIB_VELK_SUCCESS;  // with the cable in, a wireless lease means nothing
+        return LIB_VELK_SUCCESS;  // with the cable in, a wireless lease is meaningless
     }
     return get_live(request, out);
 }

@@ -15,8 +15,8 @@
 namespace velk {
 namespace {
 
-// Writes the method into the header of every stanza of the interface; whatever else stood on the
-// header line is gone.
+// Writes the method into the header of every stanza of the interface. Anything else on the header
+// line is removed.
 int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view method) {
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
@@ -31,7 +31,7 @@ int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view met
 }
 
 int ChangeMethod(std::string_view interface, char method) {
-    FileEdit edit(kInterfacesFile);  // a refused method leaves the edit copy behind, empty
+    FileEdit edit(kInterfacesFile);  // after a refused method an empty edit copy remains
     if (method != VELK_METHOD_STATIC && method != VELK_METHOD_DHCP) {
         return LIB_VELK_INVALID_PARAMETER;
     }
@@ -43,9 +43,9 @@ int ChangeMethod(std::string_view interface, char method) {
     return SetDhcpRequest(std::string(interface), is_dhcp);
 }
 
-// Copies a stanza's body up to the line of the key or the next stanza, and puts `value_line` in the
-// place of the one or in front of the other. An empty `value_line` removes the line of the key. A
-// stanza that is the file's last and holds no such line gains none.
+// Copies a stanza's body up to the line of the key or to the next stanza. `value_line` replaces the
+// line of the key or is inserted before the next stanza. If it is empty, the line of the key is
+// removed. The last stanza of the file gets no new line.
 void EditBody(FileEdit& edit, std::string_view key, std::string_view value_line) {
     for (std::string_view line; edit.ReadLine(line);) {
         if (line.starts_with(kStanzaStart)) {
@@ -71,7 +71,7 @@ int SetIpSettingMethod(const _velk_request& request, char* /*out*/) {
     const char method = request.data[0];
     const int result = ChangeMethod(interface, method);
     if (interface == VELK_WIRED_INTERFACE && method == VELK_METHOD_DHCP) {
-        (void)SystemCommand("rm -f /tmp/oldIPAddress");  // kept by a program beside the library
+        (void)SystemCommand("rm -f /tmp/oldIPAddress");  // another program of the device keeps it
     }
     return result;
 }

@@ -19,13 +19,13 @@ namespace {
 
 constexpr std::string_view kClient = "ntpdate";
 
-// Where a line without a server gets one: behind the last word in front of the redirection.
+// Returns the position for a new server: after the last word before the redirection.
 size_t PlaceForServer(std::string_view line) {
     const size_t redirection = line.find('>');
     if (redirection == std::string_view::npos) {
         throw std::out_of_range("basic_string::at");
     }
-    const size_t blank = line.rfind(' ', redirection);  // one in column one has no word in front
+    const size_t blank = line.rfind(' ', redirection);  // no word precedes one in column one
     return blank == std::string_view::npos || blank == 0 ? redirection : blank;
 }
 
@@ -86,7 +86,7 @@ int GetNtpMethod(const _velk_request& /*request*/, char* out) {
         LogErrno("GetNtpMethod ifstream errno=%d:%s", crontab.error());
         return LIB_VELK_FAILURE;
     }
-    // The answer unless a line says otherwise, also when memory runs out at a long one.
+    // The default is set first: reading a long line may run out of memory.
     out[0] = VELK_OFF;
     for (std::string_view line; crontab.ReadLine(line);) {
         const size_t position = line.find(kClient);
@@ -99,7 +99,7 @@ int GetNtpMethod(const _velk_request& /*request*/, char* out) {
 }
 
 int SetNtpMethod(const _velk_request& request, char* /*out*/) {
-    FileEdit edit(kCrontab);  // a refused byte leaves the edit copy behind, empty
+    FileEdit edit(kCrontab);  // after a refused byte an empty edit copy remains
     const char method = request.data[0];
     if (method != VELK_ON && method != VELK_OFF) {
         return LIB_VELK_INVALID_PARAMETER;
@@ -109,7 +109,7 @@ int SetNtpMethod(const _velk_request& request, char* /*out*/) {
     }
     const int written = WriteMethod(edit, method == VELK_ON);
     if (written == LIB_VELK_SUCCESS && method == VELK_OFF) {
-        DeleteNtpLog();  // its result would be taken for a current one
+        DeleteNtpLog();  // its result would look like a current one
     }
     return written;
 }

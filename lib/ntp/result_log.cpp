@@ -1,4 +1,4 @@
-// result_log.cpp - what the time client said when it ran last.
+// result_log.cpp - the result of the time client's last run.
 #include <string_view>
 
 #include "lib/base/line_reader.h"
@@ -10,11 +10,11 @@
 namespace velk {
 namespace {
 
-// The client's lines begin with a time stamp. What stands further in front than this is not its
-// word about a server.
+// The client's lines begin with a time stamp. A text before this position is not a report about a
+// server.
 constexpr size_t kFirstPlace = 11;
 
-bool TellsOfServer(std::string_view line) {
+bool ReportsServer(std::string_view line) {
     return line.find("time server", kFirstPlace) != std::string_view::npos;
 }
 
@@ -34,7 +34,7 @@ int GetNtpCommunicate(const _velk_request& /*request*/, char* out) {
     }
     out[0] = VELK_NTP_NOT_REACHED;
     for (std::string_view line; log.ReadLine(line);) {  // the last line decides
-        out[0] = TellsOfServer(line) ? VELK_NTP_REACHED : VELK_NTP_NOT_REACHED;
+        out[0] = ReportsServer(line) ? VELK_NTP_REACHED : VELK_NTP_NOT_REACHED;
     }
     return LIB_VELK_SUCCESS;
 }

@@ -18,21 +18,21 @@ namespace {
 constexpr char kBuiltInModel[] = "QT4408RKM";
 constexpr size_t kKeyLength = 4;  // of "VID=" and "PID="
 
-// The hexadecimal number behind a key at the start of the line.
+// Returns the hexadecimal number after a key at the start of the line.
 unsigned NumberBehindKey(std::string_view line) {
     const std::string text(line.substr(kKeyLength));
     const unsigned long number = strtoul(text.c_str(), nullptr, 16);
     return static_cast<unsigned>(std::min<unsigned long>(number, UINT_MAX));
 }
 
-// The ids as the kernel lists them.
+// Returns the ids in the kernel's form.
 std::string DeviceText(unsigned vendor, unsigned product) {
     char text[sizeof("Vendor=01234567 ProdID=01234567")];
     (void)snprintf(text, sizeof(text), "Vendor=%04x ProdID=%04x", vendor, product);
     return text;
 }
 
-// The texts that tell a supported adapter. A vendor stays in force for every product behind it.
+// Returns the texts that identify supported adapters. A vendor applies to all products after it.
 std::vector<std::string> SupportedAdapters() {
     std::vector<std::string> adapters{kBuiltInModel};
     LineReader list(kSupportList);

@@ -1,4 +1,4 @@
-// link_detection.cpp - tells whether a cable is plugged into the wired port.
+// link_detection.cpp - detects a cable in the wired port.
 #include <optional>
 #include <string_view>
 
@@ -24,8 +24,8 @@ namespace {
 // ethtool(8) may have no answer while the driver starts, so it is asked once a second for a minute.
 constexpr int kEthtoolRetry = 60;
 
-// The link state as one run of ethtool shows it; nothing when it shows none. A turn that somebody
-// keeps for ever costs its 3 seconds in the first of the runs alone.
+// Returns the link state that one run of ethtool shows, if any. The wait for a turn that another
+// program never gives back is paid in the first run only.
 std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
     CommandOutput output(
         CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile),
@@ -50,7 +50,7 @@ std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
     return linked;
 }
 
-// The last link message of the kernel in one rotated log file; nothing when it holds none.
+// Returns the link state of the last link message in one rotated log file, if any.
 std::optional<int> LinkFromLogFile(int number) {
     CommandOutput output(CommandLine("grep \"%s: link\" %s%d > %s", VELK_WIRED_INTERFACE,
                                      kSyslogPrefix, number, kResultFile));
@@ -73,8 +73,8 @@ std::optional<int> LinkFromLogFile(int number) {
     return linked;
 }
 
-// False where /var/tmp is read-only or missing, or somebody's file lies at the name of the results
-// and cannot be removed: no tool can tell anything there.
+// Returns false if no tool can write a result: /var/tmp is read-only or missing, or another user's
+// file has the result's name and cannot be removed.
 bool CanToolsLeaveResults() {
     if (faccessat(AT_FDCWD, kEditFolder, W_OK, AT_EACCESS) == -1) {
         return false;
@@ -84,8 +84,8 @@ bool CanToolsLeaveResults() {
     return can_leave;
 }
 
-// The kernel's own flag, see netdevice(7). The wireless interface must stay unused while the cable
-// is in, also where tools cannot tell of it.
+// Returns the link state from the kernel's flag, see netdevice(7). The wireless interface must stay
+// unused while the cable is in, even where the tools cannot report it.
 int LinkFromKernel() {
     const UniqueFd fd(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ifreq ifr{};

@@ -1,4 +1,4 @@
-// wireless.cpp - when the wireless interface may be asked about.
+// wireless.cpp - refuses commands on the wireless interface.
 #include "lib/presence/wireless_refusal.h"
 
 #include "velk/request.h"

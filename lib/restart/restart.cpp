@@ -52,7 +52,7 @@ int RestartWired(const _velk_request& request, char* /*out*/) {
     if (IsWiredLinked() == 0) {
         return result;
     }
-    // With the cable in, the wireless interface follows, and twice: one pass is not enough.
+    // With the cable in, the wireless interface is restarted too, twice: one pass is not enough.
     for (int pass = 0; pass < 2; ++pass) {
         WaitSeconds(30);
         (void)RunIfdown(VELK_WIRELESS_INTERFACE);

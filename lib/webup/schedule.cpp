@@ -24,7 +24,7 @@ constexpr std::string_view kAny = "*";
 constexpr std::string_view kEvery = "*/";
 
 constexpr size_t kTimeOffset = VELK_SCHEDULE_TIME_OFFSET;
-constexpr size_t kClearedSize = 18;  // what a get that fails leaves cleared
+constexpr size_t kClearedSize = 18;  // cleared even if the get fails
 
 struct Schedule {
     uint8_t type;
@@ -32,7 +32,7 @@ struct Schedule {
     std::string time;
 };
 
-// The five fields in front of a crontab line's command.
+// The five fields before a crontab line's command.
 struct CronFields {
     std::string_view minute, hour, day, month, weekday;
 };
@@ -54,14 +54,14 @@ CronFields SplitFields(std::string_view line) {
     return fields;
 }
 
-// The number that a field begins with, as much of it as the data byte holds; 0 when there is none.
+// Returns the number at the start of a field, cut to the data byte; 0 if there is none.
 uint8_t LeadingNumber(std::string_view field) {
     int number = 0;
     (void)std::from_chars(field.begin(), field.end(), number);
     return static_cast<uint8_t>(number);
 }
 
-// Nothing for a line that is not one of this library's.
+// Returns no value for a line that this library does not write.
 std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     if (fields.hour.starts_with(kEvery)) {
         return Schedule{VELK_SCHEDULE_HOURS, LeadingNumber(fields.hour.substr(kEvery.size())),
@@ -81,7 +81,7 @@ std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     return Schedule{VELK_SCHEDULE_DAILY, 1, time};
 }
 
-// The schedule of the first line of the updater.
+// Returns the schedule in the first line of the updater.
 std::optional<Schedule> ReadSchedule(LineReader& crontab) {
     for (std::string_view line; crontab.ReadLine(line);) {
         if (Contains(line, kUpdater)) {
@@ -106,7 +106,7 @@ struct Time {
     std::string_view hour, minute;
 };
 
-// Nothing when the text is not two numbers with a colon between them. Their ranges are not checked.
+// Returns no value if the text is not two numbers separated by a colon. Ranges are not checked.
 std::optional<Time> ParseTime(std::string_view text) {
     const size_t colon = text.find(':');
     if (colon == std::string_view::npos) {
@@ -128,8 +128,8 @@ std::string CronLine(const CronFields& fields) {
     return line.append(kCommand).append("\n");
 }
 
-// In place of a month that lacks the day the updater runs on the first of the next. The second line
-// holds the months behind such months.
+// In place of a month that lacks the day the updater runs on the first day of the next month. The
+// second line holds the months that follow such a month.
 std::string MonthlyLines(int day, const Time& time) {
     const std::string number = std::to_string(day);
     if (day <= 28) {
@@ -141,7 +141,7 @@ std::string MonthlyLines(int day, const Time& time) {
            CronLine({time.minute, time.hour, first_and_day, is_31 ? "3,5,7,10,12" : "3", kAny});
 }
 
-// The crontab's lines for a schedule; nothing for a schedule that there is not.
+// Returns the crontab's lines for a schedule; no value if the schedule is not valid.
 std::optional<std::string> LinesFor(int type, int value, const Time& time) {
     switch (type) {
         case VELK_SCHEDULE_HOURS: {
@@ -166,7 +166,7 @@ std::optional<std::string> LinesFor(int type, int value, const Time& time) {
     }
 }
 
-// Nothing for data that is not a schedule. The time counts for every type.
+// Returns no value for data that is not a schedule. The time is checked for every type.
 std::optional<std::string> LinesFor(const _velk_request& request) {
     const char* text = &request.data[kTimeOffset];
     const std::optional<Time> time =

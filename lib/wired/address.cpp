@@ -19,7 +19,7 @@
 namespace velk {
 namespace {
 
-// False, after logging it, when the kernel refuses.
+// Returns false, after a log line, if the kernel refuses.
 bool AskKernel(int socket, ifreq& ifr, int request) {
     if (ioctl(socket, static_cast<unsigned long>(request), &ifr) == -1) {
         LogErrno("ioctl errno=%d:%s", errno);
@@ -28,7 +28,7 @@ bool AskKernel(int socket, ifreq& ifr, int request) {
     return true;
 }
 
-// The union of an ifreq seen as an IPv4 socket address.
+// Returns the union of an ifreq as an IPv4 socket address.
 sockaddr_in AddressIn(const ifreq& ifr) {
     sockaddr_in address;
     memcpy(&address, &ifr.ifr_addr, sizeof(address));
@@ -45,7 +45,7 @@ int GetMacAddress(int socket, ifreq& ifr, int request, char* out) {
         return LIB_VELK_INVALID_PARAMETER;
     }
     if (!AskKernel(socket, ifr, request)) {
-        return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
+        return LIB_VELK_SUCCESS;  // a missing address is the empty text
     }
     uint8_t mac[6];
     memcpy(mac, ifr.ifr_hwaddr.sa_data, sizeof(mac));
@@ -59,7 +59,7 @@ int GetNetAddress(int socket, ifreq& ifr, int request, char* out) {
     }
     out[0] = '\0';
     if (!AskKernel(socket, ifr, request)) {
-        return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
+        return LIB_VELK_SUCCESS;  // a missing address is the empty text
     }
     const sockaddr_in address = AddressIn(ifr);
     inet_ntop(AF_INET, &address.sin_addr, out, INET_ADDRSTRLEN);

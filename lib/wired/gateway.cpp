@@ -23,8 +23,8 @@ namespace {
 
 constexpr std::string_view kDefaultDestination = "00000000";
 
-// The gateway of a default route; nothing for any other line. The kernel prints the address as it
-// lies in memory, so the number read back is in network order already.
+// Returns the gateway of a default route; no value for any other line. The kernel prints the
+// address as it is in memory, so the parsed number is already in network order.
 std::optional<in_addr> DefaultGatewayOn(std::string_view line) {
     (void)TakeWord(line);  // the interface
     if (TakeWord(line) != kDefaultDestination) {
@@ -75,11 +75,11 @@ int SetDefGateway(int socket, ifreq& ifr, int request, const char* value) {
     }
     const CommandLine add("sudo route add default gw %s", value);
     if (!add.fits()) {
-        return add.Run();  // refused before the old route is gone
+        return add.Run();  // refused before the old route is removed
     }
     char current[INET_ADDRSTRLEN] = "";
     if (GetDefGateway(socket, ifr, request, current) == LIB_VELK_SUCCESS) {
-        // Without a default route the line names none and fails unseen.
+        // Without a default route the line names no gateway; its failure is not detected.
         const int deleted = CommandLine("sudo route del default gw %s", current).Run();
         if (deleted != LIB_VELK_SUCCESS) {
             return deleted;

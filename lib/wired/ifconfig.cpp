@@ -33,7 +33,7 @@ class BlockScanner {
     bool inside_ = false;
 };
 
-// Writes what follows the key, up to the first blank.
+// Writes the text after the key, up to the first blank.
 void PutValue(std::string_view line, std::string_view key, char* out) {
     const size_t found = line.find(key);
     if (found == std::string_view::npos) {

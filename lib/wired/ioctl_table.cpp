@@ -30,7 +30,7 @@ constexpr auto kRows = std::to_array<IoctlEntry>({
     {VELK_CMD_GATEWAY, 0, GetDefGateway, SIOCADDRT, SetDefGateway},
 });
 
-// A socket to make ioctls on; logs when there is none.
+// Returns a socket for ioctls; logs a failure.
 UniqueFd OpenSocket() {
     UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (fd.get() == -1) {

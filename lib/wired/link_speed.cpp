@@ -24,7 +24,7 @@ constexpr std::array kModeOptions{
     "speed 10 duplex half autoneg off",
 };
 
-// What ethtool shows of a port, named after the kernel's ethtool_cmd record.
+// The settings that ethtool shows, named after the fields of the kernel's ethtool_cmd record.
 struct LinkSettings {
     int autoneg = 0;
     int speed = 0;
@@ -50,7 +50,7 @@ void LinkSettings::Read(std::string_view line) {
     }
 }
 
-// The mode 1 to 5; 0 for settings that no mode stands for.
+// Returns the mode 1 to 5; 0 for settings without a mode.
 int LinkSettings::Mode() const {
     if (autoneg == 1) {
         return VELK_LINK_AUTO;

@@ -22,7 +22,7 @@ namespace velk {
 namespace {
 
 constexpr time_t kReplySeconds = 60;
-constexpr mode_t kReplyMode = 0600;  // other users send nothing that would pass for the daemon's
+constexpr mode_t kReplyMode = 0600;  // no other user can send a false reply
 constexpr int kBindTries = 100;
 constexpr unsigned kGraceSeconds = 1;
 
@@ -53,8 +53,8 @@ UniqueFd OpenSocket() {
     return UniqueFd(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
 }
 
-// Returns 0 or the errno of the last bind(2). Another user may take the path after its removal;
-// then both are done again.
+// Returns 0 or the errno of the last bind(2). If another user takes the path after its removal,
+// both steps are repeated.
 int BindReplySocket(int fd) {
     const Address self(kReplySocket);
     int error = 0;
@@ -70,7 +70,8 @@ int BindReplySocket(int fd) {
     return error;
 }
 
-// Tells the daemon that the reply socket exists. The reply is waited for even when that fails.
+// Signals the daemon that the reply socket exists. The caller waits for the reply even if this
+// fails.
 void PostReady(const sem_t* ready) {
     int error = EINVAL;
     if (ready != nullptr) {
@@ -81,16 +82,16 @@ void PostReady(const sem_t* ready) {
     }
 }
 
-// The daemon has a question whose answer nobody will get. It must find the semaphore that nobody
-// has posted before that is removed: another user who has taken the path could make a posted one.
-// With the path in the hands of another query of the caller's there is no hurry.
+// The daemon has received a request, but nobody will read its reply. It must find this unposted
+// semaphore before the semaphore is removed: another user who has taken the path could create a
+// posted one. If another query of the caller has the path, no wait is needed.
 void WaitForDaemon() {
     if (OwnerOfReplyPath() != ReplyPathOwner::kCaller) {
         WaitSeconds(kGraceSeconds);
     }
 }
 
-// As select(2) on one descriptor; one that no fd_set can hold is an invalid argument.
+// Returns the result of select(2) on one descriptor; EINVAL for one too large for an fd_set.
 int WaitReadable(int fd) {
     if (fd >= FD_SETSIZE) {
         errno = EINVAL;
@@ -113,7 +114,7 @@ int ReceiveReply(int fd, UMsgData& out) {
         Log("RecvWlanResponseMessage select timeout");
         return LIB_VELK_FAILURE;
     }
-    Message reply{};  // what a short reply lacks stays zero
+    Message reply{};  // a short reply leaves the rest zero
     if (recvfrom(fd, &reply, sizeof(reply), MSG_DONTWAIT, nullptr, nullptr) == -1) {
         Log("RecvWlanResponseMessage recvfrom size=0");
         return LIB_VELK_FAILURE;
@@ -151,7 +152,7 @@ int SendWlanRequestMessage(short type, const UMsgData* body) {
 }
 
 int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
-    unlink(kReplySocket);  // left behind by a program that crashed
+    unlink(kReplySocket);  // a program that crashed may have left it
     UniqueFd fd = OpenSocket();
     if (fd.get() == -1) {
         LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);

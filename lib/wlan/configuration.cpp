@@ -30,7 +30,7 @@ constexpr auto kFields = std::to_array<WlanConfEntry>({
     {VELK_CMD_PSK, GetPsk, SetPsk},
 });
 
-// Null for an id that is no field of the configuration.
+// Returns null for an id that is no field of the configuration.
 const WlanConfEntry* FindField(uint32_t command_id) {
     const auto* field = std::find_if(kFields.begin(), kFields.end(),
                                      [&](const auto& row) { return row.command_id == command_id; });

@@ -15,7 +15,7 @@ constexpr std::array kSecurityCodes{Code{1, 0}, Code{2, 1}, Code{3, 2}, Code{4, 
 
 constexpr uint16_t kEncryptionWep = 1;
 
-// Numbers that are the same in record and request. The low byte is passed on whatever it is.
+// Writes a number that is the same in record and request. The low byte is not checked.
 int PutNumber(uint16_t value, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
@@ -36,7 +36,8 @@ int TakeNumber(const char* in, unsigned char highest, uint16_t& value) {
     return LIB_VELK_SUCCESS;
 }
 
-// A text of the record, without a terminator. A length beyond the field is the daemon's error.
+// Writes a text of the record without a terminator. A length beyond the field is the daemon's
+// error.
 template <size_t kSize>
 int PutBytes(uint16_t length, const char (&field)[kSize], char* out) {
     if (out == nullptr || length > kSize) {
@@ -67,8 +68,7 @@ bool IsWepKeyNumber(int n) {
     return n >= 1 && n <= VELK_WEP_KEYS;
 }
 
-// ASCII keys have 5 or 13 characters, hexadecimal ones 10 or 26; none clears the key, which the key
-// in use must not be.
+// An empty text clears the key. The key in use must not be cleared.
 bool IsWepKeyLength(const SMsgConf& conf, int n, size_t length) {
     if (length == 0) {
         return conf.encryption != kEncryptionWep || conf.wep_default != n;
@@ -175,7 +175,7 @@ int SetWepKey(SMsgConf& conf, int n, const char* in) {
     }
     SWepKey& slot = conf.wep_key[n - 1];
     slot.length = static_cast<uint16_t>(length);
-    memcpy(slot.key, in, length);  // the tail of an older key stays; the length bounds what counts
+    memcpy(slot.key, in, length);  // the rest of an older key stays; only `length` bytes count
     return LIB_VELK_SUCCESS;
 }
 

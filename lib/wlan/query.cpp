@@ -10,7 +10,7 @@
 namespace velk {
 
 // The daemon sends its reply to any socket at the reply path once the semaphore is posted. Until
-// this program has bound that path nobody else may post, so another user's files go first.
+// this program has bound that path nobody else may post, so another user's files are removed first.
 int QueryWlanDaemon(short type, UMsgData& out) {
     if (!ClearReplyPath()) {
         return LIB_VELK_FAILURE;

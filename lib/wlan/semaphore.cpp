@@ -1,4 +1,4 @@
-// semaphore.cpp - the semaphore that tells the wireless daemon when it may reply.
+// semaphore.cpp - the semaphore that lets the wireless daemon reply.
 #include "lib/wlan/semaphore.h"
 
 #include <cerrno>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr mode_t kMode = 0666;
 constexpr mode_t kPrivateMode = 0600;
-constexpr int kTries = 100;  // another user may make the file anew after each removal
+constexpr int kTries = 100;  // another user may create the file again after each removal
 
 // A query goes on without a semaphore; the missing handle fails here instead of crashing.
 int Close(const sem_t* sem) {
@@ -55,8 +55,8 @@ ReadySemaphore::~ReadySemaphore() {
     }
 }
 
-// Returns false with errno if somebody else had the name at that moment. Without a file of that
-// name the facts stay zero, like those of an empty file.
+// Returns false with errno if another user has the name at this moment. Without a file of that name
+// the facts stay zero, like those of an empty file.
 bool ReadySemaphore::TakeName() {
     struct stat facts {};
     const int found = lstat(kSemaphoreFile, &facts);
@@ -70,8 +70,8 @@ bool ReadySemaphore::TakeName() {
     return Renew();
 }
 
-// A query that was killed may leave a posted semaphore. The size is looked at first because C
-// libraries map any file, and reading beyond its end would end the program.
+// A query that was killed may leave a posted semaphore. The size is checked first because C
+// libraries map any file, and reading beyond its end would crash the program.
 bool ReadySemaphore::IsUnposted(const struct stat& facts) const {
     int value = 0;
     return facts.st_size >= static_cast<off_t>(sizeof(sem_t)) &&
@@ -85,9 +85,9 @@ bool ReadySemaphore::Renew() {
     return handle_ != nullptr;
 }
 
-// Without a semaphore of its own the query goes on, but nobody else may make one meanwhile: a link
-// keeps the name, and semaphores are opened through none. If no link can be made in a folder that
-// can be written, it is full or somebody else was faster, and nothing may be sent.
+// The query goes on without a semaphore of its own, but nobody else may create one meanwhile. A
+// link keeps the name, because semaphores are not opened through links. If no link can be made in a
+// folder that can be written, it is full or another user was faster: nothing may be sent.
 bool ReadySemaphore::Reserve() {
     is_reserved_ = symlink("none", kSemaphoreFile) == 0;
     return is_reserved_ || access(kSemaphoreFolder, W_OK) == -1;

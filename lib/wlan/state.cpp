@@ -32,7 +32,7 @@ constexpr auto kFacts = std::to_array<WlanStateEntry>({
 constexpr std::array kOneBasedCodes{Code{1, 0}, Code{2, 1}, Code{3, 2}};
 constexpr std::string_view kRevisionKey = "Rev= ";
 
-// A coded fact; an unknown value is answered with a byte of its own beside the failure.
+// Writes a coded fact. An unknown value writes `byte_if_unknown` and fails.
 int PutFact(uint16_t value, char byte_if_unknown, char* out) {
     const int result = PutCode(kOneBasedCodes, value, out);
     if (result != LIB_VELK_SUCCESS && out != nullptr) {
@@ -41,7 +41,7 @@ int PutFact(uint16_t value, char byte_if_unknown, char* out) {
     return result;
 }
 
-// Bytes that are passed on as the daemon reports them.
+// Writes the bytes of the daemon's report unchanged.
 template <typename Field>
 int PutRaw(const Field& field, char* out) {
     if (out == nullptr) {

@@ -48,7 +48,7 @@ TEST(IsStrNum, TheCharactersBesideTheDigitsDoNotCount) {
 
 constexpr uint32_t kNowhere = 0xffffffff;
 
-// What a search answers: the result and the position it leaves.
+// The result of a search and the position after it.
 struct Answer {
     bool found;
     uint32_t position;

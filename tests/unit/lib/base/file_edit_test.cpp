@@ -33,7 +33,7 @@ using velk::FileEdit;
 constexpr char kTarget[] = "/etc/network/interfaces";
 constexpr char kCopy[] = "/var/tmp/interfaces";
 
-// Copies the file through an edit, line by line, and returns what Finish() does.
+// Copies the file through an edit, line by line, and returns the result of Finish().
 int CopyThrough(const char* target = kTarget) {
     FileEdit edit(target);
     for (std::string_view line; edit.ReadLine(line);) {

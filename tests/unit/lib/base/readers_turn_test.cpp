@@ -231,7 +231,7 @@ class QueueTest : public testkit::DeviceTest {
     static constexpr int kReaders = 32;
     static constexpr int kTurns = 20;
 
-    // Beside a reader that waits, those that had come before are served, and those that came in the
+    // Beside a reader that waits, those that came before are served, and those that came in the
     // same millisecond. A reader that does not queue lets many pass, or passes many.
     static constexpr int kMostPassed = 5 * kReaders;
 

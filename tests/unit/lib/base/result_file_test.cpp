@@ -87,7 +87,7 @@ TEST_F(ResultFilePreparationTest, AFileOfAnotherUserIsReplaced) {
     EXPECT_EQ(testkit::IdentityOf(kResultFile).owner, geteuid());
 }
 
-// The shell runs as the real user, so that what it leaves is his.
+// The shell runs as the real user, so the file that it leaves is his.
 TEST_F(ResultFilePreparationTest, AHostWithTwoUsersMakesNoFileAndTakesThatOfEither) {
     if (setresuid(1234, 0, 0) == -1) {
         GTEST_SKIP() << "the private device has no other users";

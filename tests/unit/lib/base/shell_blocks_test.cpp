@@ -155,7 +155,7 @@ TEST(ShellBlocks, AnElifIsALineLikeAnyOther) {
               "----+++");
 }
 
-// ---- behind "else"
+// ---- after "else"
 
 TEST(ShellBlocks, OnlyAFiEndsAnElseBranch) {
     EXPECT_EQ(Trace("eth0", {kIfThen, "else", "a", "then", "b", "else", "c", "fi", "d"}),

@@ -30,7 +30,8 @@ std::string LongText(char letter) {
 
 class TargetGuardTest : public testkit::DeviceTest {
   protected:
-    // What becomes of the file when it has this text after the copying. Its time changes.
+    // Returns the file's text after the guard, if it has this text after the copying. Its time
+    // changes.
     std::string MendedFrom(const std::string& old_text, const std::string& new_text,
                            const std::string& text_after_copying) {
         WriteFile(kTarget, old_text);

@@ -66,7 +66,7 @@ TEST(TakeWord, HasNoWordsInNothing) {
     EXPECT_EQ(TakeWord(text), "");
 }
 
-// Where the word stands, -1 when it does not stand anywhere as a word.
+// Returns the position of the word, -1 if it is nowhere a word.
 long Place(std::string_view line, std::string_view word, bool comment_aware = true) {
     size_t position = 77;
     return FindWord(line, word, comment_aware, position) ? static_cast<long>(position) : -1;

@@ -49,7 +49,7 @@ class ClientScriptTest : public testkit::DeviceTest {
     testkit::FakeShell shell;
 };
 
-// ---- what is switched
+// ---- the switched lines
 
 TEST_F(ClientScriptTest, ACallOutsideBlocksIsSwitchedForEveryInterface) {
     for (const char* nic : {"eth0", "eth1", "wlan0", ""}) {

@@ -48,7 +48,7 @@ class DhcpCommandsTest : public testkit::DeviceTest {
     static int Set(uint32_t id, std::string_view interface, int byte) {
         return SetDhcp(MakeRequest(VELK_SET, id, interface, Byte(byte)), nullptr);
     }
-    // What a getter writes: 1 or 2, or "unchanged" when it wrote nothing.
+    // Returns the byte of a getter: 1 or 2, or "unchanged" if it wrote nothing.
     static std::string Got(uint32_t id, std::string_view interface, int result = 0) {
         char out[VELK_DATA_SIZE] = "?unchanged";
         EXPECT_EQ(GetDhcp(MakeRequest(VELK_GET, id, interface), out), result);

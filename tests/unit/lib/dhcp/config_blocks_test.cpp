@@ -12,7 +12,7 @@ namespace {
 
 using velk::ConfigBlocks;
 
-// What IsNicName() answers, and the flags it leaves.
+// The result of IsNicName() and its flags after the call.
 struct Answer {
     bool concerns;
     bool in_block;

@@ -43,7 +43,7 @@ class ExitHooksTest : public testkit::DeviceTest {
         rmdir(kCopy);  // of the tests that put a folder in the copy's place
         DeviceTest::TearDown();
     }
-    // Whether the link-local daemon is told to be on: 1 or 2.
+    // Returns whether the link-local daemon is switched on: 1 or 2.
     static int Apipa(std::string_view script, std::string_view interface = "eth0") {
         WriteFile(kHooks, script);
         char out[VELK_DATA_SIZE] = "?unchanged";

@@ -38,7 +38,7 @@ class RequestOptionsTest : public testkit::DeviceTest {
         WriteFile(kConfig, text);
         bool requested = false;
         EXPECT_EQ(GetDhcpServer(nic, option, requested, comment_aware), 0);
-        bool again = true;  // the answer does not depend on what stood there
+        bool again = true;  // the answer does not depend on the old value
         EXPECT_EQ(GetDhcpServer(nic, option, again, comment_aware), 0);
         EXPECT_EQ(requested, again);
         return requested;

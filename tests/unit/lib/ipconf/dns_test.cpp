@@ -31,14 +31,14 @@ std::string Slots(const std::string& first, const std::string& second = "",
 
 class DnsTest : public testkit::DeviceTest {
   protected:
-    // What a get answers for a file with this text.
+    // Returns the answer of a get for a file with this text.
     std::string GetFrom(std::string_view text) {
         WriteFile(kFile, text);
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_DNS, "eth0"), 0);
         EXPECT_EQ(Data(response).substr(48), std::string(464, '\0')) << "48 bytes at most";
         return Data(response, 48);
     }
-    // What a set leaves in the file.
+    // Returns the file's text after a set.
     std::string SetFrom(std::string_view data) {
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", data), 0);
         return ReadFile(kFile);

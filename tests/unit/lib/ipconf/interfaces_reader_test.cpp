@@ -64,7 +64,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
         WriteFile(kFile, text);
         return GetIpSetting(interface);
     }
-    // What a direct call finds behind a key; "unchanged" when it writes nothing.
+    // Returns the value of a direct call for a key; "unchanged" if it writes nothing.
     static std::string Value(std::string_view text, const char* key,
                              const std::string& interface = "eth0") {
         WriteFile(kFile, text);
@@ -72,7 +72,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
         EXPECT_EQ(GetAddressConf(MakeRequest(VELK_GET, 104, interface), key, out), 0);
         return out;
     }
-    // What a get answers as text.
+    // Returns the answer of a get as text.
     std::string Get(uint32_t id, std::string_view interface = "eth0") {
         EXPECT_EQ(Execute(VELK_GET, id, interface), 0);
         return Data(response).c_str();

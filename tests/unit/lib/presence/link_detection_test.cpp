@@ -26,7 +26,7 @@ constexpr char kGrep0[] = "grep \"eth0: link\" /var/log/syslog/syslog_info.log.0
 constexpr char kGrep1[] = "grep \"eth0: link\" /var/log/syslog/syslog_info.log.1";
 constexpr char kRemove[] = "rm /var/tmp/get_result";
 
-// What ethtool prints; newer versions add lines, the wanted one stays.
+// The output of ethtool. Newer versions add lines; the needed one stays.
 constexpr char kLinked[] =
     "Settings for eth0:\n"
     "\tSpeed: 100Mb/s\n"

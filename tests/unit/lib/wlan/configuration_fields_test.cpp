@@ -1,4 +1,4 @@
-// Every field alone: every byte and every length, and what a setter must leave alone.
+// Every field alone: every byte and every length, and the bytes that a setter must not change.
 #include <cstring>
 #include <map>
 #include <string>

@@ -103,8 +103,8 @@ TEST_F(QueryTest, NothingIsSentWhileAnotherUserKeepsTheReplyPath) {
     EXPECT_THAT(Order(), IsEmpty());
 }
 
-// Two at once may take each other's reply away, but neither crashes, hangs on to anything or leaves
-// anything behind.
+// Two at once may take each other's reply away, but neither crashes, keeps a file open or leaves
+// a file in place.
 TEST_F(QueryTest, TwoAtOnceDoNoHarm) {
     libc().ScriptAlways(Call::kSelect, Return(1));  // a reply that was taken away is not awaited
     const auto query = [] {
