@@ -72,7 +72,7 @@ static_assert(sizeof(SMsgConf) == 236);
 
 struct SMsgState {
     char product[64];           // the adapter's USB product line, with "Rev= " and its revision
-    char software_version[32];  // of the daemon or its driver
+    char software_version[32];  // the version of the daemon or its driver
     uint16_t region;
     char unused_98[44];
     uint8_t access_point[6];  // MAC address

@@ -95,7 +95,7 @@ UniqueFd OpenResultFile() {
         return fd;
     }
     struct stat facts {};
-    (void)fstat(fd.get(), &facts);  // of an open file
+    (void)fstat(fd.get(), &facts);  // cannot fail on an open file
     if (!IsOwnResultFile(facts)) {
         return Refused(EPERM);
     }

@@ -23,7 +23,7 @@ class CommandLine {
 
   private:
     char text_[256];
-    int length_;  // of the line, also if it does not fit
+    int length_;  // the length of the whole line, also if it does not fit
 };
 
 // Returns true in a host with different real and effective users. Shells give up the effective

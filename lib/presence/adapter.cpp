@@ -16,7 +16,7 @@ namespace velk {
 namespace {
 
 constexpr char kBuiltInModel[] = "QT4408RKM";
-constexpr size_t kKeyLength = 4;  // of "VID=" and "PID="
+constexpr size_t kKeyLength = 4;  // the length of "VID=" and "PID="
 
 // Returns the hexadecimal number after a key at the start of the line.
 unsigned NumberBehindKey(std::string_view line) {

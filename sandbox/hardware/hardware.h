@@ -20,7 +20,8 @@ struct HardwareOptions {
     std::string program_folder;  // holds the wireless daemon
     std::string router_folder;   // the router's configuration; empty: no router
     bool router_in = false;      // at the start
-    bool sets_address = true;    // of eth0 at the start; false: the device's own tools set it
+    bool sets_address =
+        true;  // sets the address of eth0 at the start; if false, the device's tools do
 };
 
 class Hardware {

@@ -12,7 +12,7 @@ namespace sandbox {
 struct Port {
     const char* name;
     const char* cable;
-    unsigned char last_byte;  // of the hardware address
+    unsigned char last_byte;  // the last byte of the hardware address
 };
 
 inline constexpr Port kWiredPort = {"eth0", "cable0", 0x10};

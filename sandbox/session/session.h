@@ -14,7 +14,7 @@ struct Session {
     std::vector<std::string> command;  // empty: the user's shell
     std::string program_folder;        // holds velkctl
     std::string stand_in_folder;       // scripts that replace tools which do not work on a device
-    std::string name;                  // of the device; empty: the first free number
+    std::string name;                  // the name of the device; if empty, the first free number
     bool quiet = false;
     bool real = false;          // use the system's own tools and simulate a router
     std::string real_rootfs;    // more files of such a device

@@ -23,7 +23,8 @@ enum class ReplyMode {
 
 struct Behaviour {
     ReplyMode mode = ReplyMode::kNormal;
-    std::chrono::milliseconds delay{61 * 1000};  // of late replies: longer than any program waits
+    std::chrono::milliseconds delay{
+        61 * 1000};  // the delay of late replies, longer than any program waits
 };
 
 // In the order of the modes.

@@ -237,7 +237,7 @@ class CaseParser {
     const std::string name_;
     int number_ = 0;
     EditCase case_;
-    size_t size_ = 0;  // of the request's data
+    size_t size_ = 0;  // the length of the request's data
     std::map<std::string, std::string> sections_;
     std::string* section_ = nullptr;  // the section that the lines belong to
     bool takes_text_ = false;

@@ -44,7 +44,7 @@ class FakeShell {
     void Redirect(const std::string& command, const std::string& file);
 
     std::map<std::string, Tool> tools_;
-    std::map<std::string, std::string> search_paths_;  // of the tools that are run, by tool
+    std::map<std::string, std::string> search_paths_;  // the PATH that each tool gets
 };
 
 }  // namespace testkit

@@ -28,7 +28,7 @@ as_nobody=(setpriv --reuid 65534 --regid 65534 --clear-groups)
 
 # Starts a listener in the background and waits for it; its input goes into the file `heard`.
 listen() { # listen COMMAND...
-    : >"$heard" # of the listener before
+    : >"$heard" # left by the listener before
     "$@" >"$heard" &
     listener=$!
     processes+=("$listener")

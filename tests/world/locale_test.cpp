@@ -24,7 +24,7 @@ constexpr char kLocales[] = "/run/locales";
 
 struct Encoding {
     const char* locale;
-    const char* source;   // of localedef(1); null for a locale that every C library has
+    const char* source;   // the source for localedef(1); null for a locale of every C library
     const char* charmap;  // null as well
     bool is_safe;
 };

@@ -130,7 +130,7 @@ TEST_F(ResultFileTest, AHugeFileIsNotRead) {
 }
 
 TEST_F(ResultFileTest, AFileThatCannotBeRemovedIsNotOpened) {
-    testkit::WriteFile(kResultFile, kPlanted);  // of root's, in a sticky folder
+    testkit::WriteFile(kResultFile, kPlanted);  // a file of root in a sticky folder
     ExpectAFailureAtOnce();
     EXPECT_EQ(testkit::ReadFile(kResultFile), kPlanted);
 }

@@ -117,7 +117,7 @@ class RequestCheck {
     const std::string option_;
     const std::string interface_;  // empty: the option of all interfaces
     const Finding about_;
-    std::optional<size_t> begin_{};  // of the last request statement
+    std::optional<size_t> begin_{};  // the start of the last request statement
     bool is_open_ = false;           // the statement has no ";" yet
     bool runs_on_ = false;           // for the library, the next line is a part of it
     Findings findings_{};

@@ -15,7 +15,7 @@ namespace velkctl {
 
 struct ReadBack {
     std::optional<bool> held;  // nothing if that cannot be read
-    ExitStatus status;         // of velkctl
+    ExitStatus status;         // the exit status of velkctl
 };
 
 // Reads a setting back that the library has just reported as set. Complains if the device does not

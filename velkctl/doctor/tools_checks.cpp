@@ -21,7 +21,7 @@ constexpr bool kForRestart = true;
 struct Tool {
     std::string name;
     bool by_sudo;
-    std::string consequence;  // of its absence
+    std::string consequence;  // the consequence if it is missing
     Severity severity = Severity::kProblem;
     AffectedSettings affected{};
     Impact impact = Impact::kNothing;

@@ -22,7 +22,7 @@ enum class FileState {
 struct TextFile {
     FileState state = FileState::kMissing;
     int error = 0;        // errno of a missing or unreadable one
-    std::string bytes{};  // of a text
+    std::string bytes{};  // the text, if the file is one
     Lines lines{};        // each ends with a newline, as the library reads them
 };
 

@@ -27,7 +27,7 @@ class ProgressDisplay {
 
   private:
     const bool is_shown_;
-    size_t width_ = 0;  // of the line on the screen
+    size_t width_ = 0;  // the width of the line on the screen
 };
 
 }  // namespace velkctl

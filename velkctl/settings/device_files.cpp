@@ -12,7 +12,7 @@ namespace {
 struct FileRow {
     const char* path;
     Change change;
-    std::string_view subject{};  // of a file without settings
+    std::string_view subject{};  // the subject of a file without settings
 };
 
 constexpr std::array<FileRow, 10> kFiles{{

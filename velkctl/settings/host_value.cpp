@@ -13,7 +13,7 @@
 namespace velkctl {
 namespace {
 
-constexpr size_t kLongestName = 253;  // of a host, see hostname(7)
+constexpr size_t kLongestName = 253;  // the longest host name, see hostname(7)
 constexpr size_t kLongestLabel = 63;
 
 bool IsNameCharacter(char c) {

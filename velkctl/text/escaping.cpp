@@ -15,7 +15,7 @@ namespace velkctl {
 namespace {
 
 constexpr size_t kLongestQuote = VELK_DATA_SIZE;  // no value or name is longer
-constexpr size_t kEscapeLength = 4;               // of "\\x1b"
+constexpr size_t kEscapeLength = 4;               // the length of "\\x1b"
 
 void AppendEscape(std::string& text, char byte) {
     text.append("\\x").append(ToHex({&byte, 1}));

@@ -7,7 +7,7 @@
 
 namespace velkctl {
 
-// Returns the first row whose member has this value; nullptr if none.
+// Returns the first row with this value of the member; nullptr if none.
 template <typename Rows, typename Id, typename Member>
 auto FindRow(const Rows& rows, const Id& id, Member member) {
     const auto row = std::ranges::find(rows, id, member);

@@ -9,8 +9,9 @@
 
 namespace velkctl {
 
-// Returns the number at the start of the text and sets `end` behind its last digit; nothing if the
-// text begins with none, or with one that the type does not hold. "+1" and " 1" begin with none.
+// Returns the number at the start of the text and sets `end` to the position after its last digit;
+// nothing if the text begins with none, or with one that the type does not hold. "+1" and " 1"
+// begin with none.
 template <typename Number>
 std::optional<Number> LeadingNumber(std::string_view text, size_t& end, int base = 10) {
     Number number{};

@@ -25,7 +25,7 @@ script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$stand_in_word
 examine() { script "$1
     velkctl doctor"; }
 
-# What is said besides the remedies.
+# Prints the output without the remedies.
 findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  fix: ')"; }
 
 it 'names the lines that the sample device lacks, and their fix'
@@ -139,8 +139,8 @@ output_is '1
 libvelk
 0'
 
-# A set whose power goes while cat copies: the shell has emptied the file. The set is done once in full
-# before, to know what it writes. Killed in this order, the library does not come to remove its copy.
+# Simulates a power cut while cat copies: the shell has emptied the file. A first whole set gives the
+# text to write. Killed in this order, the library cannot remove its copy.
 cut_short='
     mkdir /tmp/slow; printf "#!/bin/sh\necho \$\$ >/tmp/slow/pid; exec sleep 60\n" >/tmp/slow/cat
     chmod +x /tmp/slow/cat

@@ -6,8 +6,8 @@
 
 needs_sandbox
 
-# Runs a command on a device whose resolver file holds this text (with escapes as in printf
-# format) and where no set has run yet. Shows the file after the command's output, and the lock file.
+# Runs a command on a device with this text in the resolver file (escapes as in printf), before any
+# set. Shows the file after the command's output, and the lock file.
 with_resolver() { # TEXT COMMAND...
     on_device sh -c '
         resolver=/etc/resolv.dnsmasq.conf

@@ -13,10 +13,10 @@
 namespace fault {
 
 struct LoggedCall {
-    std::string file;      // that it opens, or has open
+    std::string file;      // the file that the call opens or uses
     std::string line;      // the shell line it runs, or that printed the file of results it reads
     int number = 0;        // as in testkit::Event
-    bool is_first = true;  // of the reads of one open file, or of the closes since its last open
+    bool is_first = true;  // the first read of an open file, or the first close since its last open
     // For a read in the middle of a file: the part of the file read so far.
     std::optional<std::string> read_before;
 };

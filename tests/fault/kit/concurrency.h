@@ -11,7 +11,7 @@
 
 namespace fault {
 
-inline constexpr int kRounds = 4;  // of each caller: values that it stores
+inline constexpr int kRounds = 4;  // the number of values that each caller stores
 
 // The two settings of the file, and the text that the file has with them.
 inline constexpr std::array<uint32_t, 2> kSettingIds{VELK_CMD_ADMINISTRATOR, VELK_CMD_LOCATION};

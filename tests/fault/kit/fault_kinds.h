@@ -44,7 +44,7 @@ inline const std::array kKinds{
 
 struct Fault {
     Kind kind;
-    int number;  // of the call, from 1
+    int number;  // the number of the call, from 1
     testkit::Reach reach;
 };
 

@@ -11,11 +11,12 @@
 
 namespace fuzz {
 
-constexpr size_t kHead = 3;  // of an input: the command's letter, get or set, the datagram's length
+constexpr size_t kHead =
+    3;  // each input begins with the command's letter, get or set, the datagram's length
 constexpr size_t kHeader = 4;  // in front of a message's body
 constexpr size_t kBody = 236;
 constexpr size_t kMessage = kHeader + kBody;
-constexpr size_t kLengthSize = 2;  // of the length in front of a text
+constexpr size_t kLengthSize = 2;  // the size of the length before a text
 
 enum class Field {
     kText,      // its length, then so many bytes
@@ -33,7 +34,7 @@ struct RecordRow {
     bool can_set;
     Field field;
     size_t offset, size;
-    std::string bytes;  // that a set takes; for a code, at the place of its number
+    std::string bytes;  // the data of a set; a code is at the index of its number
     char if_unknown;    // the byte beside the failure of a number without one
 };
 

@@ -36,8 +36,8 @@ class Turn {
     _velk_request response{};
 
   private:
-    std::ptrdiff_t descriptors_;      // that were open when it began; set before the shell is there
-    std::vector<std::string> texts_;  // of the requests so far
+    std::ptrdiff_t descriptors_;      // open at the start, before the shell exists
+    std::vector<std::string> texts_;  // the texts of the requests so far
     testkit::FakeShell shell_;
 };
 

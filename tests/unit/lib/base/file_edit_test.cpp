@@ -83,7 +83,7 @@ class FileEditTest : public testkit::DeviceTest {
   protected:
     void SetUp() override { WriteFile(kTarget, "one\ntwo\nthree\n"); }
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     testkit::FakeShell shell;

@@ -81,7 +81,7 @@ TEST_F(LineReaderTest, AFolderCountsAsNotOpened) {
 
 TEST_F(LineReaderTest, AnEmptyFileIsOpen) {
     testkit::WriteFile(kFile, "");
-    errno = EIO;  // of some earlier call
+    errno = EIO;  // left by an earlier call
     EXPECT_TRUE(LineReader(kFile).is_open());
 }
 

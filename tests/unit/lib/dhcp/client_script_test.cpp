@@ -35,7 +35,7 @@ constexpr char kBothBranches[] =
 class ClientScriptTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     // The script after a switch.

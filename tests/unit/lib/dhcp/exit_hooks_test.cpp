@@ -40,7 +40,7 @@ _velk_request Switch(std::string_view interface, char state) {
 class ExitHooksTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     // Returns whether the link-local daemon is switched on: 1 or 2.

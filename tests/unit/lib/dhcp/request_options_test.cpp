@@ -30,7 +30,7 @@ constexpr bool kOff = false;
 class RequestOptionsTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static bool Requests(std::string_view text, const std::string& option = "ntp-servers",

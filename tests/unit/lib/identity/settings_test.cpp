@@ -39,7 +39,7 @@ constexpr uint32_t kLocation = VELK_CMD_LOCATION;
 class SettingsTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static std::string Got(uint32_t id, std::string_view file) {

@@ -53,7 +53,7 @@ class InterfacesWriterTest : public testkit::DeviceTest {
         WriteFile(kOldAddress, "192.168.0.9\n");
     }
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         rmdir(kClientCopy);
         DeviceTest::TearDown();
     }

@@ -205,7 +205,7 @@ INSTANTIATE_TEST_SUITE_P(WithoutServerAndRedirection, UnchangeableLine,
 class CrontabEntryTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static _velk_request Method(char byte) {

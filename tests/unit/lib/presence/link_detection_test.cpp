@@ -155,6 +155,7 @@ class WiredPort {
     WiredPort() {
         Run("ip link add eth0 type veth peer name other && ip link set other up");
         SetUp("up");
+        WaitForLink();
     }
     ~WiredPort() { Run("ip link delete eth0"); }
     WiredPort(const WiredPort&) = delete;
@@ -163,6 +164,11 @@ class WiredPort {
     static void SetUp(const std::string& state) { Run("ip link set eth0 " + state); }
 
   private:
+    // The kernel sets the flag of a port that is up some time later.
+    static void WaitForLink() {
+        Run("for try in $(seq 200); do ip link show eth0 | grep -q 'state UP' && exit 0; "
+            "sleep 0.05; done; exit 1");
+    }
     static void Run(const std::string& line) {
         const testkit::Unrecorded ours;
         EXPECT_EQ(system(line.c_str()), 0) << line;

@@ -40,7 +40,7 @@ std::string Area(const std::string& bytes) {
 class ScheduleTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static int Set(const std::string& data) {
