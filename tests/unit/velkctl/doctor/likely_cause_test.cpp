@@ -246,7 +246,7 @@ TEST_F(CausesTest, ATabIsNoCauseWhereASetAddsALine) {
 }
 
 TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {
-    // No SNMP agent's file, a copy left behind, a lock that others cannot take.
+    // No SNMP agent's file, an old edit copy, a lock that others cannot take.
     WriteFile(kIdentity, "ADMINISTRATOR=x\n");
     WriteFile("/var/tmp/libvelk", "");
     WriteFile("/var/tmp/vklib_lock", "");
