@@ -24,7 +24,7 @@ is_clean 0 set eth1.ssid next
 is_clean 0 show
 is_clean 1 doctor # the sample device lacks some tools
 
-it 'would tell of a mistake'
+it 'would report a mistake'
 watched --errors-for-leak-kinds=all bash -c true # keeps memory until its end
 status_is 9
 

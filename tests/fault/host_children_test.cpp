@@ -64,7 +64,7 @@ bool Refuse(const std::vector<long>& calls, unsigned error) {
 
 // system(3) reports a process that cannot be started like a command that failed, and the library
 // does not notice. The edit is not made. Its copy remains until the next edit replaces it.
-TEST_F(HostTest, AHostWithoutRoomForAProcessChangesNothingAndIsNotTold) {
+TEST_F(HostTest, ASetWithoutAFreeProcessChangesNothingAndReturnsSuccess) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};
@@ -75,7 +75,7 @@ TEST_F(HostTest, AHostWithoutRoomForAProcessChangesNothingAndIsNotTold) {
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 
-TEST_F(HostTest, AHostWithoutAShellChangesNothingAndIsNotTold) {
+TEST_F(HostTest, ASetWithoutAShellChangesNothingAndReturnsSuccess) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};

@@ -55,7 +55,7 @@ TEST_F(HostTest, AHostWithoutStandardDescriptorsCanAskTheDaemon) {
 
 // The library does not take descriptor 0 as a lock. If it has to make the lock's file first, it
 // does not try again; the file exists then.
-TEST_F(HostTest, AHostWithoutStandardInputFailsOnceWhereNobodyEverCalled) {
+TEST_F(HostTest, AHostWithoutStandardInputFailsOnceIfTheLockFileIsMissing) {
     unlink(kLockFile);
     EXPECT_TRUE(InAHost([] {
         close(0);
@@ -103,7 +103,7 @@ TEST_F(HostTest, AHostWithManyDescriptorsCannotAskTheDaemon) {
     EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
 }
 
-TEST_F(HostTest, AHostWithoutAnyDescriptorLeftIsToldSo) {
+TEST_F(HostTest, ARequestWithoutAFreeDescriptorFails) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);

@@ -97,7 +97,7 @@ TEST_F(DataBytesTest, DataBytesReachTheShellInIdentityStringsAlone) {
 }
 
 // Shows that the requests above are not merely refused because of their data.
-TEST_F(DataBytesTest, BytesBehindTheDataChangeNoShellLine) {
+TEST_F(DataBytesTest, BytesAfterTheDataChangeNoShellLine) {
     for (const Group& group : AllRequests()) {
         for (const auto& [name, request] : group) {
             SCOPED_TRACE(name);
@@ -251,7 +251,7 @@ TEST_F(TrustTest, ALinkInAnEditCopysPlaceIsReplaced) {
     EXPECT_THAT(testkit::ReadFile(kInterfacesFile), HasSubstr("address 10.1.2.3\n"));
 }
 
-TEST_F(TrustTest, AFolderInAnEditCopysPlaceIsToldAndNothingChanges) {
+TEST_F(TrustTest, AFolderInAnEditCopysPlaceFailsTheSetAndNothingChanges) {
     device_.emplace(Scene{});
     const Files before = ReadTargets();
     ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);

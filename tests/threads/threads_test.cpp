@@ -81,7 +81,7 @@ class ThreadsTest : public testing::Test {
     }
 };
 
-TEST_F(ThreadsTest, EachGetsItsOwnAnswer) {
+TEST_F(ThreadsTest, EachThreadGetsItsOwnAnswer) {
     struct Expected {
         uint32_t id;
         const char* interface;
@@ -105,7 +105,7 @@ TEST_F(ThreadsTest, EachGetsItsOwnAnswer) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(ThreadsTest, WaitForOneAnothersTools) {
+TEST_F(ThreadsTest, ThreadsWaitForEachOthersTools) {
     std::atomic<int> wrong = 0;
     InThreads([&](int) {
         _velk_request response;
@@ -155,7 +155,7 @@ std::vector<std::string> StoredInOrder(const std::string& copied) {
     return stored;
 }
 
-TEST_F(ThreadsTest, SetOneFileOneAfterTheOther) {
+TEST_F(ThreadsTest, ThreadsEditOneFileInTurn) {
     fs::remove(kCopied);
     std::atomic<int> wrong = 0;
     std::vector<std::string> reported[kThreads];  // as stored

@@ -71,7 +71,7 @@ printf '#!/bin/sh\ntouch %s\n' "$proof" >"$lib_folder/script"
 chmod 0755 "$lib_folder/script"
 ran_nothing() { check 'program of the other user' 'not run' "$([ -e "$proof" ] && echo run || echo 'not run')"; }
 
-it 'has a trap that works'
+it 'has a working trap'
 start_trap "${as_nobody[@]}"
 if gets_namespaces "${as_nobody[@]}"; then
     run nsenter --target "$trapped" --user --mount --preserve-credentials -- id
@@ -214,7 +214,7 @@ status_is 125
 error_is 'velk-sandbox: the device did not send its first process'
 end_listener
 
-it 'protects ordinary users alike'
+it 'protects ordinary users too'
 listen "$lib_folder/foreign_listener" velk-sandbox/65534/1 "$trapped"
 run "${as_nobody[@]}" "$lib_folder/velk-sandbox" enter -- id
 status_is 125

@@ -19,7 +19,7 @@ eth0.netmask = 255.255.255.0
 eth0.gateway = 192.168.0.1
 eth1.method = dhcp'
 
-it 'takes a static port to other addresses, and its gateway away'
+it 'changes the addresses of a static port, and removes its gateway'
 script '
     velkctl set eth0.address 10.1.2.3 && velkctl set eth0.netmask 255.255.0.0 &&
     velkctl set eth0.gateway 10.1.0.1 && velkctl get eth0.gateway &&
@@ -44,7 +44,7 @@ iface eth0 inet static
 auto eth1
 vklib_lock'
 
-it 'takes a port from static to DHCP and back, its block in the DHCP configuration with it'
+it 'changes a port from static to DHCP and back, with its block in the DHCP configuration'
 script '
     before=$(cat /etc/network/interfaces /etc/dhclient.conf)
     velkctl set eth0.method dhcp && velkctl get eth0.method
@@ -131,7 +131,7 @@ script 'velkctl set eth0.address "10.0.0.1
 status_is 2
 output_is 0
 
-it 'switches the link-local address of each port for itself'
+it 'switches the link-local address of each port separately'
 script '
     velkctl get eth0.apipa eth1.apipa && velkctl set eth0.apipa off &&
     velkctl set eth1.apipa on && velkctl get eth0.apipa eth1.apipa &&
@@ -152,7 +152,7 @@ velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read'
 output_is '2
 0'
 
-it 'forgets the old address of a wired port that goes to DHCP'
+it 'removes the old address of a wired port that changes to DHCP'
 script 'echo 192.168.0.10 >/tmp/oldIPAddress; velkctl set eth1.method dhcp; ls /tmp/oldIPAddress
     velkctl set eth0.method dhcp; ls /tmp/oldIPAddress 2>/dev/null || echo gone'
 output_is '/tmp/oldIPAddress

@@ -165,7 +165,7 @@ eth1
 eth0 eth1'
 
 # ---- as a whole -------------------------------------------------------------------------------
-it 'asks velkctl for nothing that it would have to ask the device'
+it 'asks velkctl for nothing that needs the device'
 on_device bash -c '
     mkdir /tmp/bin
     printf "%s\n" "#!/bin/sh" "echo \"\$*\" >>/tmp/asked" "exec $(command -v velkctl) \"\$@\"" \

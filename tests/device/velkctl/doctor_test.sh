@@ -39,7 +39,7 @@ problem: eth1.gateway cannot be set: /etc/network/interfaces:13: the stanza is t
 warning: eth0.dhcp-dns cannot be set while the method is static: /etc/dhclient.conf:7: the interface'"'"'s block is switched off, and no other request statement counts
   fix: velkctl set eth0.method dhcp, when DHCP is wanted'
 
-it 'finds nothing on a device that has it all'
+it 'finds nothing on a complete device'
 examine ''
 status_is 0
 error_is ''
@@ -68,7 +68,7 @@ findings_are 'done
 warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a result was left, 3 hours old; the next one overwrites it
 0 problems, 1 warning'
 
-it 'tells of files that are missing, no files, or not to be written'
+it 'reports files that are missing, of another kind or not writable'
 why=$([ "$(id -u)" = 0 ] && echo 'Read-only file system' || echo 'Permission denied')
 examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf
     mkfifo /var/cron/tabs/root; ln -s /usr/lib/os-release /etc/dhclient.conf'
@@ -81,13 +81,13 @@ output_has 'problem: ntp, ntp-server and web-update can be neither read nor set:
 output_has "problem: method, dhcp-dns and dhcp-ntp cannot be set: /etc/dhclient.conf: this user may not write the file: $why
 "
 
-it 'tells of a full folder for edit copies'
+it 'reports a full folder for edit copies'
 examine 'dd if=/dev/zero of=/var/tmp/filler bs=1M 2>/dev/null'
 if [ "$status" = 1 ]; then # where the folder has a limit
     output_has 'problem: all settings in files cannot be set: /var/tmp: the file system is full: '
 fi
 
-it 'agrees with what a set really does'
+it 'agrees with the result of a set'
 examine 'sed -i "/^	gateway 10/d" /etc/network/interfaces
     velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.9 2>/dev/null; echo $?'
 status_is 1
@@ -113,7 +113,7 @@ output_has 'problem: ifconfig is not installed: address and netmask of a DHCP in
   fix: install it in a folder where velkctl looks, as /usr/bin
 '
 
-it 'tells who holds the lock, without taking it'
+it 'names the holder of the lock, without taking the lock'
 script '
     velkctl set ntp on
     flock /var/tmp/vklib_lock sh -c "velkctl doctor"
@@ -124,7 +124,7 @@ output_has ' (flock, '
 output_has '0 problems, 1 warning
 free'
 
-it 'tells of what is in the way in /var/tmp, and a set does as it says'
+it 'reports obstacles in /var/tmp, and a set behaves as reported'
 examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk'
 status_is 1
 findings_are 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a FIFO is in the place of the edit copy; the next set replaces it
@@ -154,7 +154,7 @@ cut_short='
     while ! flock -n /var/tmp/vklib_lock true; do sleep 0.05; done
     '
 
-it 'tells of an edit that a power cut left with an empty file, and of all that its copy would add'
+it 'reports an edit that a power cut left with an empty file, and the lines that its copy would add'
 script "$cut_short"'
     wc -c </etc/network/interfaces; cmp /var/tmp/interfaces /run/whole && echo "the copy is whole"
     velkctl doctor --json >/run/said
@@ -167,12 +167,12 @@ the file seems to have been cut while being copied; the rest is in its edit copy
 compare both files, as with '"'diff /etc/network/interfaces /var/tmp/interfaces'"', and if the copy is right, copy its text into the file by hand, as root
 0'
 
-it 'notes a set that replaces what a file has lost'
+it 'notes a set that replaces the lost text of a file'
 script "$cut_short"'
     velkctl set eth0.gateway 192.168.0.8 --json --no-verify | jq -r ".notes[]" | sed "s/; the copy .*//"'
 output_is 'eth0.gateway: this set replaces the edit copy /var/tmp/interfaces; /etc/network/interfaces seems cut by an interrupted edit'
 
-it 'discards an edit that was not copied by the line it prints, and names what it would change'
+it 'prints a line that discards an edit that was not copied, and names the changes of the edit'
 script 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     umask 077; sed "s/^0/5/" /run/before >/var/tmp/root
     velkctl doctor --json >/run/said; jq -r ".findings[0] | .severity, .description" /run/said | sed "s/.*; the copy/the copy/"
@@ -184,7 +184,7 @@ as before
 vklib_lock
 no problems found"
 
-it 'has a file that others may read looked at where it may be the only whole text, and names no line of it'
+it 'advises to look at a file that others may read if it may be the only complete text, and names no line of it'
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
     : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
@@ -192,7 +192,7 @@ output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/i
   fix: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
 0'
 
-it 'tells of what is in the way of the output of tools'
+it 'reports obstacles for the output of tools'
 script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /var/tmp'
 findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a FIFO is in the place of the output of tools; the next reading removes it
 0 problems, 1 warning
@@ -202,7 +202,7 @@ findings_are 'warning: link-speed and the address and netmask of a lease may not
 0 problems, 1 warning
 auto'
 
-it 'tells of what is in the way of a query, and does not ask the daemon then'
+it 'reports obstacles for a query, and then does not ask the daemon'
 script 'mkdir /dev/shm/sem.WlanAplRecvSem; velkctl doctor; ls -d /dev/shm/sem.WlanAplRecvSem'
 findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/sem.WlanAplRecvSem: a folder is in the place of the semaphore
 1 problem, 0 warnings
@@ -215,13 +215,13 @@ output_is 'problem: ifup is not in a folder where sudo looks: no interface can b
   fix: ln -s /run/mine/ifup /usr/local/sbin/ifup
 1 problem, 0 warnings'
 
-it 'tells of a wireless daemon that does not run'
+it 'reports a wireless daemon that does not run'
 examine 'rm /tmp/WlanAplToWlanSock'
 status_is 1
 findings_are 'problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing
 1 problem, 0 warnings'
 
-it 'finds the cause of what is refused and of what cannot be read without an adapter'
+it 'finds the cause of settings that are refused or cannot be read without an adapter'
 script 'velk-sandbox adapter out; velkctl get eth1.mac-address; echo $?; velkctl get eth1.ssid; echo $?; velkctl doctor'
 status_is 0
 error_is "velkctl: eth1.mac-address: could not be read
@@ -244,7 +244,7 @@ script 'velk-sandbox adapter out; velkctl doctor --json |
 output_is '[8,0,null]
 [12,null,1]'
 
-it 'tells of a daemon whose record is no configuration, and of one whose record cannot be read'
+it 'reports a daemon with a record that is no configuration, and one with a record that cannot be read'
 examine 'wland --tell empty'
 status_is 0
 findings_are 'warning: the wireless daemon may not answer with its configuration: /tmp/WlanAplToWlanSock: its record has the channel 0, which is not valid
@@ -254,7 +254,7 @@ status_is 1
 findings_are 'problem: the wireless daemon answers with an error: /tmp/WlanAplToWlanSock: file, socket, time-out or unreadable value
 1 problem, 0 warnings'
 
-it 'names the daemon as the cause when it answers otherwise than it was told'
+it 'names the daemon as the cause when its answer differs from the value it was sent'
 for way in empty garbage; do
     script "wland --tell $way; velkctl set eth1.ssid foo"
     status_is 6
@@ -263,7 +263,7 @@ for way in empty garbage; do
   fix: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
 done
 
-it 'tells of a tab behind a word as a set then does'
+it 'reports a tab after a word, as a set then does'
 script 'sed -i "/iface eth0/,/iface eth1/s/address 192.*/address\t1.2.3.4/" /etc/network/interfaces
     velkctl doctor | sed "s/interfaces:[0-9]*/interfaces:N/"; velkctl set eth0.address 10.0.0.7; echo $?
     grep "address" /etc/network/interfaces | head -2'
@@ -283,14 +283,14 @@ problem: apipa, dhcp-notice and dhcp-ntp may be read and set wrongly: /etc/dhcli
 script 'sed -i "s/$/\r/" /etc/network/interfaces; velkctl doctor | sed -n "s/^  fix: //p" | sh && velkctl doctor'
 output_is 'no problems found'
 
-it 'does not end well on files that are no text, or too large to look at'
+it 'fails on files that are no text or too large to examine'
 examine 'head -c 2000000 /dev/zero >/etc/network/interfaces; printf "\000\n" >>/var/cron/tabs/root'
 status_is 1
 findings_are 'problem: method, address, netmask and gateway cannot be examined: /etc/network/interfaces: the file is larger than 1 MiB
 problem: ntp, ntp-server and web-update may be read and set wrongly: /var/cron/tabs/root: the file has NUL bytes; it is no text
 2 problems, 0 warnings'
 
-it 'gives a daemon that is silent a few seconds'
+it 'waits a few seconds for a silent daemon'
 examine 'wland --tell silent'
 status_is 1
 error_is ''
@@ -303,7 +303,7 @@ status_is 1
 findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore
 1 problem, 0 warnings'
 
-it 'shows what files have in them as text, whatever it is'
+it 'shows any contents of files as text'
 examine 'printf "# \033[2Jntpdate \377\n" >>/var/cron/tabs/root
     head -c 300000 /dev/zero >>/etc/dhclient-exit-hooks'
 status_is 1

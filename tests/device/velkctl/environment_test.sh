@@ -55,7 +55,7 @@ script "$advice_on_grep"'advice_on_grep /run/mine'
 output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be read from the log when ethtool does not report it
   fix: ln -s /run/mine/grep /usr/local/sbin/grep'
 
-it 'gives no line that lets in a tool from where everybody can put one'
+it 'prints no line that links a tool from a folder that everybody can write to'
 script "$advice_on_grep"'advice_on_grep /tmp/mine'
 output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be read from the log when ethtool does not report it
   fix: install it in a folder where velkctl looks, as /usr/bin'

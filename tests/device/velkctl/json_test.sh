@@ -249,7 +249,7 @@ answers <<'END'
 1 call get 108 eth0 -> result data; - LIB_VELK_FAILURE
 END
 
-it 'answers with a document when it has waited long enough'
+it 'answers with a document at the timeout'
 answers <<'END'
 !own=$(cat /run/velk-sandbox/wland.pid) && kill $own && while kill -0 $own 2>/dev/null; do sleep 0.01; done
 !wland --reply silent --background
@@ -284,7 +284,7 @@ explain
 doctor
 call'
 
-it 'has a schema that takes no document with a member left out'
+it 'has a schema that refuses a document without one of its members'
 run "$PYTHON" -c '
 import json, os
 import jsonschema
@@ -313,7 +313,7 @@ output_is '0 of 12 taken
 good: True'
 
 # ---- values -----------------------------------------------------------------------------------
-it 'has values as programs want them'
+it 'has values in a form for programs'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && velkctl set eth0.gateway none
     velk-sandbox cable out
     velkctl get --json eth0.dns eth0.gateway eth0.method eth1.channel eth1.signal location eth1.psk \

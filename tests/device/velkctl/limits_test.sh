@@ -21,7 +21,7 @@ output_is "1 velkctl: ntp: could not be set
   result: LIB_VELK_FAILURE (-1)
 as before"
 
-it 'finishes its document there'
+it 'finishes its document where no byte may be written'
 script '(ulimit -f 0; velkctl set ntp off --json) | jq -c "[.status, .errors[0].result.code]"'
 output_is '[1,-1]'
 

@@ -8,7 +8,7 @@
 pages=$VELK_SOURCE/docs/man
 
 if command -v mandoc >/dev/null; then
-    it 'has manual pages that mandoc takes without a word but on pages that are not installed here'
+    it 'has manual pages that mandoc accepts without warnings, except on pages that are not installed here'
     for page in velkctl.1 libvelk.3 velk-sandbox.1; do
         run mandoc -T lint "$pages/$page"
         check "findings in $page" '' "$(grep -v 'referenced manual not found' <<<"$output")"
@@ -19,7 +19,7 @@ if command -v mandoc >/dev/null; then
     run mandoc -T lint "$lib_folder/bad.1"
     output_has 'longer than 80 bytes'
     output_has 'unknown macro'
-    it 'shows pages as people read them'
+    it 'has pages that mandoc prints as readable text'
     run mandoc -T ascii "$pages/velkctl.1"
     plain=${output//?$'\b'/} # bold and underlined letters are struck twice
     has 'the page' 'eth0.dns, eth1.dns (108, get and set)' "$plain"

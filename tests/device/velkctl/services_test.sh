@@ -121,7 +121,7 @@ script 'echo "21 Nov 05:31:05 ntpdate[127]: no server suitable for synchronizati
     velkctl get ntp-result'
 output_is 'not-reached'
 
-it 'changes the time server, and takes it away'
+it 'changes the time server, and removes it'
 script 'velkctl set ntp-server time.example && velkctl get ntp-server && grep ntpdate /var/cron/tabs/root
     velkctl set ntp-server none && velkctl get ntp-server && velkctl set ntp-server 10.0.0.1 &&
     grep ntpdate /var/cron/tabs/root'
@@ -149,7 +149,7 @@ for value in ntp usr bin u d ntpdate; do
   give the server's address or another name, or --force"
 done
 
-it 'sends such a server when it is forced to, refuses every other then, and the doctor reports it'
+it 'sends a server that is a part of the command when forced, then refuses every other, and the doctor reports it'
 script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; echo $?
     velkctl set ntp-server none; echo $?
     grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 1 "problem: ntp"'
@@ -248,7 +248,7 @@ status_is 0
 error_is ''
 output_is "$schedules"
 
-it 'writes lines that cron would not take, when it is made to'
+it 'writes lines that cron would not take, when forced'
 script 'velkctl call set 11 "" --hex 01:00:30:3a:30 && grep updater /var/cron/tabs/root'
 status_is 0
 output_has '00 */0 * * * perl /usr/bin/web_contents_updater.pl'
@@ -259,7 +259,7 @@ if [ "$(id -u)" = 0 ]; then
     output_has 'errors in crontab file'
 fi
 
-it 'makes up for the days that a month lacks'
+it 'adds a second line for months that are too short'
 script 'velkctl set web-update monthly 31 1:30 && grep updater /var/cron/tabs/root'
 output_is '30 01 31 1,8 * perl /usr/bin/web_contents_updater.pl
 30 01 1,31 3,5,7,10,12 * perl /usr/bin/web_contents_updater.pl'
@@ -269,7 +269,7 @@ script 'velkctl set web-update daily 4:05 && velkctl set web-update off && cat /
 output_is '0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
 15 3 * * * /usr/sbin/logrotate /etc/logrotate.conf'
 
-it 'refuses a schedule that there is not'
+it 'refuses an unknown schedule'
 for words in 'daily' 'daily 24:00' 'daily 12:3a' 'daily 1:5' 'every 0h' 'every 24h' 'every 6' 'weekly 08:30' \
     'monthly 0 08:30' 'monthly 32 08:30' 'monthly 08:30' 'nonsense' 'off now'; do
     script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?

@@ -21,7 +21,7 @@ error_is ''
 output_is '124
 124'
 
-it 'gives up a get that waits to log'
+it 'stops a get that waits to log at the timeout'
 script 'rm /var/cron/tabs/root; with_stuck_log timeout -k 60 60 velkctl get ntp --timeout 1'
 status_is 7
 error_is 'velkctl: ntp: could not be read
@@ -53,7 +53,7 @@ output_is "velkctl: web-update: the library reported success, but the device hol
   likely cause: /var/cron/tabs/root: this user may not write the file: Read-only file system
   fix: mount it writable"
 
-it 'examines the device as ever'
+it 'examines the device without the log'
 script 'rm -f /var/cron/tabs/root; velkctl doctor >/run/expected
     with_stuck_log timeout -k 60 60 velkctl doctor | diff /run/expected -'
 error_is ''

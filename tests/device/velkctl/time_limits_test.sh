@@ -177,14 +177,14 @@ output_is static
 
 # ---- timeout ----------------------------------------------------------------------------------
 
-it 'gives up a question that nobody answers'
+it 'stops a query without an answer at the timeout'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1; status=$?; took 1 40; left; exit $status'
 status_is 7
 output_is 'in time'
 error_is 'velkctl: eth1.ssid: could not be read
   no answer after 1 s'
 
-it 'gives up when the daemon is stopped'
+it 'stops a query at the timeout while the daemon is suspended'
 on_desk 'velk-sandbox cable out; daemon=$(cat /run/velk-sandbox/wland.pid); kill -STOP $daemon
     velkctl get eth1.signal --timeout 1; status=$?; left; kill -CONT $daemon; exit $status'
 status_is 7
@@ -206,7 +206,7 @@ status_is 0
 error_is ''
 output_is velk-lab
 
-it 'stops waiting for a tool that hangs, and leaves it alone'
+it 'stops waiting for a tool that hangs, and does not end it'
 on_desk 'mkdir /tmp/tools
     printf "#!/bin/sh\nuntil [ -e /tmp/go ]; do sleep 0.1; done\necho went on >/tmp/note\n" >/tmp/tools/sudo
     chmod +x /tmp/tools/sudo; stand_in sudo /tmp/tools/sudo
@@ -282,7 +282,7 @@ on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth
 output_is 'eth0.method = static
 ended by SIGTERM'
 
-it 'is ended by a signal in a file that keeps it waiting'
+it 'is ended by a signal while it waits for a file'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "rm /etc/network/interfaces; mkfifo /etc/network/interfaces
         interrupted_by $signal 0.3 velkctl get eth0.method
@@ -295,7 +295,7 @@ ended by $signal
 in time"
 done
 
-it 'gives up a file that keeps it waiting'
+it 'stops waiting for a file at the timeout'
 on_desk 'rm /etc/network/interfaces; mkfifo /etc/network/interfaces
     velkctl get eth0.method --timeout 1; echo $?
     velkctl get eth0.address --timeout 1; echo $?
@@ -311,7 +311,7 @@ output_is '7
 7
 in time'
 
-it 'gives up a set while the system log is stuck'
+it 'stops a set at the timeout while the system log is stuck'
 on_desk 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     with_stuck_log timeout -s KILL 60 velkctl set ntp off --timeout 2; status=$?; took 1 60; left
     cmp /var/cron/tabs/root /run/before; exit $status'
@@ -337,13 +337,13 @@ error_is "velkctl: ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file o
 output_is "0
 ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
 
-it 'goes on when the signal is ignored'
+it 'continues when the signal is ignored'
 on_desk 'reply silent; (trap "" HUP INT
         exec python3 -c "$INTERRUPT" SIGHUP 0.5 velkctl get eth1.ssid --timeout 1); left'
 output_is 'ended by 7'
 
 # Ends changes at random moments: however far they came, the files are whole and nothing is left.
-it 'leaves complete files and no others at every moment of its end'
+it 'leaves complete files only, whenever a signal ends it'
 on_desk 'cp /etc/network/interfaces /tmp/static
     velkctl set eth0.method dhcp; cp /etc/network/interfaces /tmp/dhcp
     for signal in SIGINT SIGTERM; do
@@ -363,7 +363,7 @@ on_desk 'cp /etc/network/interfaces /tmp/static
 error_is ''
 output_is ''
 
-it 'takes the process that is at work with it when it is killed'
+it 'ends its working process when it is killed'
 on_desk 'reply silent; velkctl set eth1.ssid x & tool=$!
     until [ -e $asked ]; do sleep 0.01; done; pgrep -c velkctl
     kill -KILL $tool; while pgrep velkctl; do sleep 0.1; done >/dev/null; pgrep -c velkctl; flock --nonblock /var/tmp/vklib_lock echo free'
@@ -389,18 +389,18 @@ status_is 0
 output_has "'\\reth1.ssid: 1 s of at most 3 s, waiting for the wireless daemon to answer\\reth1.ssid: 2 s of at most 3 s, waiting for the wireless daemon to answer\\r  "
 output_has " \\rvelkctl: eth1.ssid: could not be read\\r\\n  no answer after 3 s\\r\\n' 7"
 
-it 'takes the line away before the answer'
+it 'removes the progress line before the answer'
 on_desk 'reply late --delay 1.5; at_terminal - velkctl get eth1.ssid'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer\\r  "
 output_has " \\rvelk-lab\\r\\n' 0"
 
-it 'ends at once at Ctrl-C, with the line gone'
+it 'ends at once at Ctrl-C, and removes the progress line'
 on_desk 'reply silent; at_terminal "1 s of" velkctl set eth1.ssid x; took 1 40; left'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer"
 output_has " \\rvelkctl: interrupted; eth1.ssid may be incomplete; run it again\\r\\n' -2"
 output_has 'in time'
 
-it 'shows nothing of it in a document, a quick answer or a pipe'
+it 'shows no progress line in a document, a quick answer or a pipe'
 on_desk 'reply silent; at_terminal - velkctl get eth1.ssid --timeout 2 --json | grep -c waiting
     at_terminal - velkctl get eth0.method
     velkctl get eth1.ssid --timeout 2 2>&1 | cat'
@@ -410,7 +410,7 @@ output_is "0
 velkctl: eth1.ssid: could not be read
   no answer after 2 s"
 
-it 'lets the shell see 130'
+it 'exits with 130 for the shell at Ctrl-C'
 on_desk 'reply silent; at_terminal "1 s of" bash -c "trap : INT; velkctl get eth1.ssid; echo status \$?" | grep -o "status 130"'
 output_is 'status 130'
 

@@ -140,7 +140,7 @@ it 'reads no setting when one of the names is wrong'
 refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
     get eth0.dns eth0.dsn
 
-it 'fails when its output gets lost'
+it 'fails when its output cannot be written'
 on_device sh -c 'velkctl list >/dev/full'
 status_is 1
 error_is 'velkctl: cannot write to standard output: No space left on device'
@@ -254,7 +254,7 @@ it 'names a word in another script as it is written'
 LC_ALL=C.UTF-8 refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
     set eth0.dns café
 
-it 'keeps its complaint on one line, without control characters'
+it 'prints a problem on one line, without control characters'
 refused "eth0.dns: '\\x1b[31m\\x0a1.1.1.1' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
     set eth0.dns $'\e[31m\n1.1.1.1'
 
@@ -266,7 +266,7 @@ it 'refuses a missing name'
 refused 'get: argument missing; usage: velkctl get NAME... [OPTION...]' get
 refused 'set: argument missing; usage: velkctl set NAME VALUE... [OPTION...]' set
 
-it 'refuses a name that there is not'
+it 'refuses an unknown name'
 refused "get: unknown setting 'nonsense'; 'velkctl list' names them all" get nonsense
 refused "set: unknown setting 'nonsense'; 'velkctl list' names them all" set nonsense 1.1.1.1
 refused "set: unknown setting ''; 'velkctl list' names them all" set '' 1.1.1.1
@@ -281,7 +281,7 @@ refused "unknown verb 'put'; give get, set, show, restart, list, describe, expla
     put eth0.dns 1.1.1.1
 refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
 
-it 'refuses an option that there is not'
+it 'refuses an unknown option'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
     --quick set eth0.dns 1.1.1.1
 refused "set: unknown option '--quick'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
@@ -507,7 +507,7 @@ error_is ''
 output_is '02005E100AFF
 -- run'
 
-it 'shows none for a port that is not there'
+it 'shows none for a missing port'
 with_ports "$link" '' sh -c 'ip link del eth0 && velkctl get eth0.mac-address'
 status_is 0
 output_has 'none
@@ -549,7 +549,7 @@ error_is "velkctl: eth0.link-speed: could not be read
   fix: run 'velkctl doctor' to look for the cause
   result: LIB_VELK_FAILURE (-1)"
 
-it 'forces the link speed and looks whether the port has taken it'
+it 'sets the link speed and checks that the port has taken it'
 while read -r name speed duplex negotiation options; do
     with_ports "\\tSpeed: $speed\\n\\tDuplex: $duplex\\n\\tAuto-negotiation: $negotiation\\n" '' \
         velkctl set eth0.link-speed "$name"
@@ -582,7 +582,7 @@ refused_unsent() { # MESSAGE ARGUMENT...
     output_is '-- run'
 }
 
-it 'refuses a link speed that there is not'
+it 'refuses an unknown link speed'
 for word in 1 0 full ''; do
     refused_unsent "eth0.link-speed: '$word' is not one of its values; give auto, 100-full, 100-half, 10-full or 10-half" \
         set eth0.link-speed "$word"

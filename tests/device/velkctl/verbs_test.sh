@@ -85,7 +85,7 @@ done
 on_device velkctl show eth1
 check 'no escapes' 0 "$(printf '%s' "$output" | grep -c "$(printf '\033')")"
 
-it 'asks a daemon that does not answer once'
+it 'asks a silent daemon only once'
 on_device sh -c 'velk-sandbox cable out; kill -STOP $(cat /run/velk-sandbox/wland.pid)
     velkctl show eth1 --timeout 1; kill -CONT $(cat /run/velk-sandbox/wland.pid)'
 output_has 'eth1.hardware-version   (no answer after 1 s)
@@ -104,7 +104,7 @@ status_is 2
 error_is "velkctl: list: 'eth2' is not an interface of the device
   did you mean eth0 or eth1?"
 
-it 'refuses an interface that there is not'
+it 'refuses an unknown interface'
 on_device velkctl show eth2
 status_is 2
 output_is ''
@@ -152,7 +152,7 @@ output_is '2
 0
 10.0.0.1'
 
-it 'sends nonsense as it is when forced'
+it 'sends values that are not valid unchanged when forced'
 on_device sh -c 'velkctl set eth0.address nonsense --force; velkctl get eth0.address
     velkctl set ntp-server "a b" --force; grep -c "ntpdate -u a b >" /var/cron/tabs/root
     velkctl set eth0.method 3 --force; velkctl set eth0.dns 1.2.3.4.5 --force; velkctl get eth0.dns
@@ -190,7 +190,7 @@ output_is 'new value of eth1.psk:
 repeat the value: 
 ended with 0'
 
-it 'takes no secret that was typed in two ways'
+it 'refuses a secret if the two typed texts differ'
 typing 'hunter2222
 hunter2223' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
@@ -208,7 +208,7 @@ typing '^C' sh -c 'trap : INT; velkctl set eth1.psk; echo "status $?"; stty -a |
 output_has 'status 130
  echo '
 
-it 'asks nobody where there is no terminal'
+it 'asks no question without a terminal'
 on_device velkctl set eth1.psk
 status_is 2
 error_is 'velkctl: eth1.psk: no value given; give a text of 1 to 64 bytes, or none'
@@ -302,7 +302,7 @@ on_device velkctl explain 6
 output_is "exit status 6 of velkctl: set, but the device does not hold the value
   fix: read the likely cause in the message; 'velkctl doctor' looks for more"
 
-it 'explains 0, which is both'
+it 'explains 0 as a result and as an exit status'
 on_device velkctl explain 0
 status_is 0
 output_is 'LIB_VELK_SUCCESS (0): done
@@ -365,7 +365,7 @@ refused "web-update: 'weekly sundax 08:30' is not a schedule; did you mean sunda
 refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'" \
     set web-update every 24h
 
-it 'knows a setting and an interface where they do not belong'
+it 'recognises a setting and an interface in the wrong place'
 refused "'eth0.dns' is a setting; give a verb before it, such as get or describe" eth0.dns
 refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb before it, such as get or describe" \
     eth0.addresx
@@ -394,7 +394,7 @@ refused "call: $seconds" call get 108 --wait 5
 refused "eth1.channel: '99' is not one of its values; give a number from 1 to 13" \
     set eth1.channel --wait 99
 
-it 'repeats no word beside a key, and says so'
+it 'repeats no word next to a key, and says so'
 hidden='not repeated here as it may be a key'
 refused "set: unknown option, $hidden; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth1.psk --hunter2
@@ -403,7 +403,7 @@ refused "list: a word, $hidden, is one argument too many; usage: velkctl list [e
     list eth1.psk some-key
 refused "get: unknown setting, $hidden; 'velkctl list' names them all" get eth1.psk secretpass
 
-it 'does not take none for a text'
+it 'does not accept none as a text unless forced'
 for name in location administrator eth1.ssid; do
     refused "$name: 'none' would be a text here; give '' to clear the setting, or --force to set that text" \
         set "$name" none

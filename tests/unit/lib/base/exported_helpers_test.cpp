@@ -71,7 +71,7 @@ Answer SearchWord(const std::string& line, const char* word) {
     return {found, position};
 }
 
-TEST(IsSearchString, FindsAKeywordBehindASemicolonAndABlank) {
+TEST(IsSearchString, FindsAKeywordAfterASemicolonAndABlank) {
     EXPECT_EQ(SearchString("if [ \"$interface\" = eth0 ]; then\n", "then", true),
               (Answer{true, 28}));
     EXPECT_EQ(SearchString("if [ \"$interface\" = eth0 ]; then\n", "if", true), (Answer{true, 0}));
@@ -145,7 +145,7 @@ TEST(IsSearchString, AHashFurtherLeftHidesAWordFromTheFlagAlone) {
     EXPECT_EQ(SearchString("a # b request x\n", "request", false), (Answer{true, 6}));
 }
 
-TEST(IsSearchString, AHashBehindTheWordHidesNothing) {
+TEST(IsSearchString, AHashAfterTheWordHidesNothing) {
     EXPECT_EQ(SearchString("request x # y\n", "request", true), (Answer{true, 0}));
 }
 
@@ -190,7 +190,7 @@ TEST(IsSearchWord, AHashInFrontHidesTheWord) {
     EXPECT_EQ(SearchWord("a#b fi\n", "fi"), (Answer{false, 4}));
 }
 
-TEST(IsSearchWord, AHashBehindHidesNothing) {
+TEST(IsSearchWord, AHashAfterTheWordHidesNothing) {
     EXPECT_EQ(SearchWord("fi # x\n", "fi"), (Answer{true, 0}));
     EXPECT_EQ(SearchWord("fi#\n", "fi"), (Answer{true, 0}));
     EXPECT_EQ(SearchWord("fi # fi\n", "fi"), (Answer{true, 0}));
@@ -211,7 +211,7 @@ TEST(IsSearchWord, AnAbsentWordIsNowhere) {
     EXPECT_EQ(SearchWord("", "else"), (Answer{false, kNowhere}));
 }
 
-TEST(IsSearchWord, TheEmptyWordStandsAtTheStart) {
+TEST(IsSearchWord, TheEmptyWordIsFoundAtTheStart) {
     EXPECT_EQ(SearchWord("", ""), (Answer{true, 0}));
     EXPECT_EQ(SearchWord("#", ""), (Answer{true, 0}));
 }

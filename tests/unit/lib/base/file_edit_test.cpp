@@ -112,7 +112,7 @@ TEST_F(FileEditTest, TheCopyIsNamedAfterTheFileAlone) {
     EXPECT_TRUE(Exists("/var/tmp/root"));
 }
 
-TEST_F(FileEditTest, BothOpenMeansOpen) {
+TEST_F(FileEditTest, TheEditIsOpenIfBothFilesAre) {
     const FileEdit edit(kTarget);
     EXPECT_TRUE(edit.is_open());
     EXPECT_EQ(edit.target_error(), 0);
@@ -125,7 +125,7 @@ TEST_F(FileEditTest, AnOldCopyIsEmptied) {
     EXPECT_EQ(ReadFile(kCopy), "");
 }
 
-TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyMadeAllTheSame) {
+TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyIsStillMade) {
     unlink(kTarget);
     const FileEdit edit(kTarget);
     EXPECT_FALSE(edit.is_open());
@@ -202,7 +202,7 @@ TEST_F(FileEditTest, APipeInTheCopysPlaceIsReplaced) {
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
 
-TEST_F(FileEditTest, TheCopyIsForNobodyElse) {
+TEST_F(FileEditTest, OnlyTheOwnerMayReadOrWriteTheCopy) {
     const mode_t saved = umask(0);
     struct stat status {};
     {
@@ -213,7 +213,7 @@ TEST_F(FileEditTest, TheCopyIsForNobodyElse) {
     EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
-TEST_F(FileEditTest, ACopyThatSomebodyMakesAnewIsNotTaken) {
+TEST_F(FileEditTest, ACopyThatAppearsAfterTheRemovalIsNotOpened) {
     WriteFile(kCopy, "");
     int opened = 0;
     libc().OnCall(Call::kUnlink, [&](const testkit::Event&) { ++opened; });
@@ -256,7 +256,7 @@ TEST_F(FileEditTest, EveryLineIsHandedOutWithItsNewline) {
     EXPECT_THAT(lines, ElementsAre("one\n", "\n", "\ttwo\r\n", "last\n"));
 }
 
-TEST_F(FileEditTest, TextsAreWrittenAsTheyStand) {
+TEST_F(FileEditTest, TextsAreWrittenUnchanged) {
     FileEdit edit(kTarget);
     edit.Write("a");
     edit.Write("");
@@ -266,7 +266,7 @@ TEST_F(FileEditTest, TextsAreWrittenAsTheyStand) {
     EXPECT_EQ(ReadFile(kTarget), std::string("ab\0c\n\n", 6));
 }
 
-TEST_F(FileEditTest, NothingWrittenEmptiesTheFile) {
+TEST_F(FileEditTest, AnEditThatWritesNothingEmptiesTheFile) {
     FileEdit edit(kTarget);
     EXPECT_EQ(edit.Finish(), 0);
     EXPECT_EQ(ReadFile(kTarget), "");
@@ -278,7 +278,7 @@ TEST_F(FileEditTest, AnEmptyFileStaysEmpty) {
     EXPECT_EQ(ReadFile(kTarget), "");
 }
 
-TEST_F(FileEditTest, AnEditThatIsGivenUpLeavesTheFileAndItsCopyBehind) {
+TEST_F(FileEditTest, AnEditThatIsNotFinishedLeavesTheFileUnchangedAndKeepsTheCopy) {
     {
         FileEdit edit(kTarget);
         edit.Write("changed\n");
@@ -317,7 +317,7 @@ TEST_F(FileEditTest, AFileOfManyBlocksGoesThroughWhole) {
     EXPECT_TRUE(ReadFile(kTarget) == text);
 }
 
-TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
+TEST_F(FileEditTest, KeptAndNewLinesAreWrittenInOrder) {
     for (const size_t distance : {1U, 2U, 3U, 100U, 5000U}) {
         WriteFile(kTarget, ManyLines());
         std::string expected;
@@ -374,7 +374,7 @@ TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
     EXPECT_LE(libc().Events(Call::kWrite).size() - writes, text.size() / 65536 + 2);
 }
 
-TEST_F(FileEditTest, LinesInFrontOfOneWithAStartAreKept) {
+TEST_F(FileEditTest, LinesBeforeALineWithTheGivenStartAreKept) {
     WriteFile(kTarget, "one\n two\ntwo\ntwofold\nthree\nlast");
     FileEdit edit(kTarget);
     std::string_view line;
@@ -385,7 +385,7 @@ TEST_F(FileEditTest, LinesInFrontOfOneWithAStartAreKept) {
     EXPECT_EQ(ReadFile(kTarget), "one\n two\nfound two\nfound twofold\nthree\nlast\n");
 }
 
-TEST_F(FileEditTest, LinesWithAStartAreFoundInEveryBlock) {
+TEST_F(FileEditTest, LinesWithTheGivenStartAreFoundInEveryBlock) {
     for (const size_t length : {10U, 4091U, 4096U, 65000U, 70000U}) {
         const std::string filler = std::string(length, 'x') + " start\n";
         std::string text;
@@ -417,7 +417,7 @@ TEST_F(FileEditTest, ALineLongerThanABlockGoesThroughWhole) {
     }
 }
 
-TEST_F(FileEditTest, AWriteThatTakesOnlyAPartIsGoneOnWith) {
+TEST_F(FileEditTest, AShortWriteIsContinued) {
     bool is_first = true;
     libc().OnCall(Call::kWrite, [&](const testkit::Event& event) {
         if (is_first) {
@@ -487,7 +487,7 @@ TEST_F(FileEditTest, AFailingCopyingIsNotNoticed) {
 }
 
 // The tools leave the file empty, and the copy where it is.
-TEST_F(FileEditTest, AFileThatTheToolsCutIsMendedAndItsCopyRemoved) {
+TEST_F(FileEditTest, AFileThatTheToolsCutIsRepairedAndItsCopyRemoved) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     WriteFile(kTarget, "iface eth0 inet static\n\taddress 10.0.0.5\n");
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
@@ -501,7 +501,7 @@ TEST_F(FileEditTest, AFileThatTheToolsCutIsMendedAndItsCopyRemoved) {
     EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mended /etc/network/interfaces"));
 }
 
-TEST_F(FileEditTest, AnEditWithoutTheLockIsMendedAsWell) {
+TEST_F(FileEditTest, AnEditWithoutTheLockIsRepairedToo) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
@@ -512,7 +512,7 @@ TEST_F(FileEditTest, AnEditWithoutTheLockIsMendedAsWell) {
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
 
-TEST_F(FileEditTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+TEST_F(FileEditTest, ACutFileThatCannotBeRepairedIsLoggedAndItsCopyStays) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [this](const testkit::Event&) {
         WriteFile(kTarget, "");
@@ -655,7 +655,7 @@ TEST_F(FullFolderTest, AFileThatFitsIsEdited) {
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\n");
 }
 
-TEST_F(FullFolderTest, NoSetChangesAFileWhoseCopyDoesNotFit) {
+TEST_F(FullFolderTest, NoSetChangesAFileIfItsCopyDoesNotFit) {
     const std::string text(16 * 1024, '#');
     for (const char* file :
          {"/etc/network/interfaces", "/etc/dhclient-exit-hooks", "/etc/dhclient.conf"}) {

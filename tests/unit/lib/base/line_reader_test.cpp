@@ -116,7 +116,7 @@ TEST_F(LineReaderTest, ASignalWhileReadingMakesNoDifference) {
     EXPECT_THAT(Lines(), ElementsAre("one", "two", "three"));
 }
 
-TEST_F(LineReaderTest, AReadErrorBehindTheFirstBlockEndsTheFile) {
+TEST_F(LineReaderTest, AReadErrorAfterTheFirstBlockEndsTheFile) {
     testkit::WriteFile(kFile, "one\ntwo\nthr");
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
     EXPECT_THAT(Lines(), ElementsAre("one", "two", "thr"));
@@ -143,7 +143,7 @@ TEST_F(LineReaderTest, ALongFileIsReadInBlocksOfOneSize) {
     EXPECT_GE(libc().Events(Call::kRead).size(), text.size() / 65536);
 }
 
-TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
+TEST_F(LineReaderTest, TakesBufferedLinesOnlyWhileACompleteOneIsLeft) {
     const std::string first(4090, 'x');
     testkit::WriteFile(kFile, first + "\nthe block ends within this line\n");
     LineReader reader(kFile);
@@ -158,7 +158,7 @@ TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
     EXPECT_FALSE(reader.TakeBufferedLine(line));
 }
 
-TEST_F(LineReaderTest, HeldLinesAreTakenUpToOneWithAStart) {
+TEST_F(LineReaderTest, BufferedLinesAreTakenUpToALineWithTheGivenStart) {
     testkit::WriteFile(kFile, "one\n two\ntwofold\ntwo\nlast");
     LineReader reader(kFile);
     std::string_view line;
@@ -173,7 +173,7 @@ TEST_F(LineReaderTest, HeldLinesAreTakenUpToOneWithAStart) {
     EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "");
 }
 
-TEST_F(LineReaderTest, AFileThatIsNotOpenHoldsNothingToTake) {
+TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoBufferedLines) {
     unlink(kFile);
     LineReader reader(kFile);
     EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "");

@@ -107,7 +107,7 @@ TEST_F(ReadersTurnTest, WaitsForAnotherReader) {
     EXPECT_FALSE(IsFree());
 }
 
-TEST_F(ReadersTurnTest, GoesOnWhenNothingHasMovedFor3Seconds) {
+TEST_F(ReadersTurnTest, GoesOnAfter3SecondsWithoutAChange) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     const ReadersTurn turn;
@@ -123,7 +123,7 @@ TEST_F(ReadersTurnTest, SignalsDoNotShortenTheWait) {
     EXPECT_EQ(Pauses(), 1502U);
 }
 
-TEST_F(ReadersTurnTest, WaitsOnWhileResultsComeAndGo) {
+TEST_F(ReadersTurnTest, KeepsWaitingWhileResultsChange) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
@@ -157,7 +157,7 @@ TEST_F(ReadersTurnTest, AResultOfTheSameSizeCounts) {
 }
 
 // Somebody who keeps the lock could make and remove files for ever.
-TEST_F(ReadersTurnTest, WhatIsNoFileOfTheCallersDoesNotCount) {
+TEST_F(ReadersTurnTest, AResultThatIsNotTheCallersFileDoesNotCount) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
@@ -204,21 +204,21 @@ TEST_F(ReadersTurnTest, WithoutWaitingItGoesOnAtOnce) {
     EXPECT_EQ(Pauses(), 0U);
 }
 
-TEST_F(ReadersTurnTest, WaitingEndsForGoodWhereNothingMoves) {
+TEST_F(ReadersTurnTest, AfterAWaitWithoutProgressTheNextReadersDoNotWait) {
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     EXPECT_EQ(ReadersTurn().next_wait_mode(), ReadersTurn::WaitMode::kInQueue);
     const Holder holder;
     EXPECT_EQ(ReadersTurn().next_wait_mode(), ReadersTurn::WaitMode::kNoWait);
 }
 
-TEST_F(ReadersTurnTest, AFolderThatCannotBeOpenedIsDoneWithout) {
+TEST_F(ReadersTurnTest, GoesOnWithoutATurnIfTheFolderCannotBeOpened) {
     libc().Script(Call::kOpen, {Fail(EACCES)});
     { const ReadersTurn turn; }
     EXPECT_TRUE(libc().Events(Call::kFlock).empty());
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(ReadersTurnTest, AFolderThatCannotBeLockedIsDoneWithout) {
+TEST_F(ReadersTurnTest, GoesOnWithoutATurnIfTheFolderCannotBeLocked) {
     libc().ScriptAlways(Call::kFlock, Fail(ENOLCK));
     { const ReadersTurn turn; }
     EXPECT_EQ(Pauses(), 0U);

@@ -43,7 +43,7 @@ TEST_F(ShellTest, AShellThatCannotBeRunIsLogged) {
 }
 
 // In a program that ignores its children system(3) finds none, although the shell ran to its end.
-TEST_F(ShellTest, AShellThatNobodyKeepsTheStatusOfIsAFailure) {
+TEST_F(ShellTest, AShellIsAFailureIfTheHostIgnoresItsChildren) {
     struct sigaction before {};
     struct sigaction ignore {};
     ignore.sa_flags = SA_NOCLDWAIT;
@@ -54,7 +54,7 @@ TEST_F(ShellTest, AShellThatNobodyKeepsTheStatusOfIsAFailure) {
     EXPECT_THAT(libc().Logs(), ElementsAre("system errno=10:No child processes"));
 }
 
-TEST_F(ShellTest, AShellThatSomebodyElseWaitedForIsAFailure) {
+TEST_F(ShellTest, AShellIsAFailureIfAnotherThreadReapedIt) {
     libc().Script(Call::kSystem, {Fail(ECHILD)});
     EXPECT_EQ(SystemCommand("true"), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("system errno=10:No child processes"));

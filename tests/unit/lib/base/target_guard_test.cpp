@@ -128,7 +128,7 @@ TEST_F(TargetGuardTest, ATargetThatCannotBeReadIsAFailure) {
     EXPECT_EQ(misplaced.Repair(), ENOTDIR);
 }
 
-TEST_F(TargetGuardTest, AFailingCloseIsAFailureToMend) {
+TEST_F(TargetGuardTest, AFailingCloseFailsTheRepair) {
     WriteFile(kTarget, "old\n");
     WriteFile(kCopy, "new text\n");
     const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
@@ -149,7 +149,7 @@ TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
     EXPECT_EQ(ReadFile(kTarget), "new");
 }
 
-TEST_F(TargetGuardTest, AnEmptyFileThatIsEmptiedIsMended) {
+TEST_F(TargetGuardTest, AFileThatWasEmptyBeforeAndAfterTheCopyingIsRepaired) {
     WriteFile(kTarget, "");
     WriteFile(kCopy, "new\n");
     const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
@@ -159,7 +159,7 @@ TEST_F(TargetGuardTest, AnEmptyFileThatIsEmptiedIsMended) {
     EXPECT_EQ(ReadFile(kTarget), "new\n");
 }
 
-TEST_F(TargetGuardTest, AFailureToMendIsToldByItsNumber) {
+TEST_F(TargetGuardTest, AFailedRepairReturnsItsErrno) {
     for (const auto& [call, error] : {std::pair(Call::kOpen, EROFS), {Call::kWrite, ENOSPC}}) {
         WriteFile(kTarget, "old\n");
         WriteFile(kCopy, "new text\n");

@@ -72,7 +72,7 @@ TEST_F(DhcpCommandsTest, EachIdReadsItsOption) {
     EXPECT_EQ(Got(kDns, "eth1"), "\x02");
 }
 
-TEST_F(DhcpCommandsTest, TheWorkersReadTheirOptionWhateverTheId) {
+TEST_F(DhcpCommandsTest, TheWorkersReadTheirOptionForAnyId) {
     WriteFile(kConfig, "request ntp-servers;\n");
     char out[VELK_DATA_SIZE] = "";
     for (const uint32_t id : {kNtp, kDns, 0U}) {
@@ -389,7 +389,7 @@ TEST_F(DhcpCommandsTest, AScriptThatCannotBeWrittenIsAFailureAfterTheFirstFile) 
     EXPECT_EQ(ReadFile(kScript), kScriptText);
 }
 
-TEST_F(DhcpCommandsTest, WhatIsSetIsReadBack) {
+TEST_F(DhcpCommandsTest, ASetValueIsReadBack) {
     WriteFile(kConfig,
               "interface \"eth0\" {\nrequest a;\n}\ninterface \"eth1\" {\nrequest a;\n}\n");
     WriteFile(kHooks, kHooksText);

@@ -82,7 +82,7 @@ TEST_F(ExitHooksTest, ACommentedDaemonLineIsOff) {
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd -D # x\n"), 1);
 }
 
-TEST_F(ExitHooksTest, TheDaemonMustStandAsAWord) {
+TEST_F(ExitHooksTest, TheDaemonMustBeAWholeWord) {
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd\n"), 1);
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd;\n"), 1);
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd,\n"), 1);
@@ -201,7 +201,7 @@ TEST_F(ExitHooksTest, AnyCommandMayBeSwitched) {
     EXPECT_EQ(Switched("#/bin/a x\n#/bin/b y\n", "/bin/a", kOn), "/bin/a x\n#/bin/b y\n");
 }
 
-TEST_F(ExitHooksTest, TheEmptyCommandStandsOnEveryLine) {
+TEST_F(ExitHooksTest, TheEmptyCommandIsFoundOnEveryLine) {
     EXPECT_EQ(Switched("a\n\n#b\n", "", kOff), "#a\n#\n#b\n");
     EXPECT_EQ(Switched("#a\n#\nb # c\n", "", kOn), "a\n\nb # c\n");
 }
@@ -338,7 +338,7 @@ TEST_F(ExitHooksTest, AFailureAtTheStartNoticeIsPassedOn) {
               "/sbin/printdhcpstart.pl $interface\n");
 }
 
-TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndNothingElse) {
+TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndChangeNothing) {
     WriteFile(kHooks, kNotices);
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth1", kOff), nullptr), Gt(0));
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth00", kOff), nullptr), Gt(0));

@@ -129,7 +129,7 @@ TEST_F(LockTest, TheUmaskCannotNarrowTheMode) {
     VkLibUnLock(lock);
 }
 
-TEST_F(LockTest, EveryCallThatFindsTheFileSaysSo) {
+TEST_F(LockTest, EveryCallThatFindsTheFileLogsIt) {
     VkLibUnLock(VkLibLock());
     VkLibUnLock(VkLibLock());
     VkLibUnLock(VkLibLock());
@@ -220,13 +220,13 @@ TEST_F(LockTest, AnUnexpectedLockErrorIsLogged) {
     EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock flock errno=37:No locks available"));
 }
 
-TEST_F(LockTest, DescriptorOneIsADescriptor) {
+TEST_F(LockTest, DescriptorOneIsAccepted) {
     const LockFileAsStandardOutput lock_file;
     libc().Script(Call::kOpen, {testkit::Return(1)});
     EXPECT_EQ(VkLibLock(), 1);
 }
 
-TEST_F(LockTest, SoItIsForTheSecondOpen) {
+TEST_F(LockTest, DescriptorOneIsAcceptedFromTheSecondOpen) {
     const LockFileAsStandardOutput lock_file;
     libc().Script(Call::kOpen, {Fail(ENOENT), testkit::Return(1)});
     EXPECT_EQ(VkLibLock(), 1);
@@ -294,7 +294,7 @@ TEST_F(LockTest, AFileThatIsReplacedBeforeItIsLockedIsTriedAgain) {
     VkLibUnLock(lock);
 }
 
-TEST_F(LockTest, AFileThatIsReplacedEachTimeIsGivenUp) {
+TEST_F(LockTest, AFileThatIsReplacedEachTimeIsAFailure) {
     testkit::WriteFile(kLockFile, "");
     libc().OnCall(Call::kFlock, [](const Event&) { ReplaceLockFile(); });
     EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
@@ -303,7 +303,7 @@ TEST_F(LockTest, AFileThatIsReplacedEachTimeIsGivenUp) {
                 ElementsAre("VkLibLock indelible", "VkLibLock open2 errno=116:Stale file handle"));
 }
 
-TEST_F(LockTest, AFileThatIsRemovedEachTimeIsGivenUp) {
+TEST_F(LockTest, AFileThatIsRemovedEachTimeIsAFailure) {
     testkit::WriteFile(kLockFile, "");
     libc().OnCall(Call::kFlock, [](const Event&) { unlink(kLockFile); });
     EXPECT_EQ(VkLibLock(), LIB_VELK_FAILURE);
@@ -311,7 +311,7 @@ TEST_F(LockTest, AFileThatIsRemovedEachTimeIsGivenUp) {
                 ElementsAre("VkLibLock indelible", "VkLibLock open2 errno=116:Stale file handle"));
 }
 
-TEST_F(LockTest, AFileThatComesAndGoesIsGivenUp) {
+TEST_F(LockTest, AFileThatAppearsAndDisappearsIsAFailure) {
     libc().OnCall(Call::kOpen, [](const Event& open) {
         if ((open.number & O_CREAT) != 0) {
             EXPECT_EQ(symlink("anywhere", kLockFile), 0);
@@ -323,7 +323,7 @@ TEST_F(LockTest, AFileThatComesAndGoesIsGivenUp) {
     EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock open2 errno=17:File exists"));
 }
 
-TEST_F(LockTest, ADescriptorThatIsClosedBehindItsBackIsTriedAgain) {
+TEST_F(LockTest, ADescriptorThatIsClosedMeanwhileIsOpenedAgain) {
     testkit::WriteFile(kLockFile, "");
     const StandardInputClosed closed;
     libc().Script(Call::kOpen, {testkit::Return(0), testkit::Return(1000)});
@@ -401,7 +401,7 @@ TEST_F(LockTest, AFailedUnlockIsLoggedAndTheDescriptorClosed) {
     EXPECT_EQ(fcntl(lock, F_GETFD), -1);
 }
 
-TEST_F(LockTest, CommandLockGivesBackWhatItOwns) {
+TEST_F(LockTest, CommandLockReleasesItsLock) {
     {
         const velk::CommandLock lock(VkLibLock());
         EXPECT_TRUE(lock.held());

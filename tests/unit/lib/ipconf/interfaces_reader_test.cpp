@@ -88,7 +88,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
 
 // ---- method
 
-TEST_F(InterfacesReaderTest, TellsTheMethodOfEachInterface) {
+TEST_F(InterfacesReaderTest, ReturnsTheMethodOfEachInterface) {
     EXPECT_EQ(Setting("iface eth0 inet static\niface eth1 inet dhcp\n", "eth0"), 1);
     EXPECT_EQ(Setting("iface eth0 inet static\niface eth1 inet dhcp\n", "eth1"), 2);
 }
@@ -188,7 +188,7 @@ TEST_F(InterfacesReaderTest, ANameWithoutANulEndsAtItsField) {
 
 // ---- values by key
 
-TEST_F(InterfacesReaderTest, CopiesWhatFollowsTheKey) {
+TEST_F(InterfacesReaderTest, CopiesTheTextAfterTheKey) {
     EXPECT_EQ(Value(kStatic, "address "), "192.168.0.10");
     EXPECT_EQ(Value(kStatic, "netmask "), "255.255.255.0");
     EXPECT_EQ(Value(kStatic, "gateway "), "192.168.0.1");
@@ -205,7 +205,7 @@ TEST_F(InterfacesReaderTest, TheMethodDoesNotMatterToAKey) {
     EXPECT_EQ(Value("iface eth0 inet manual\naddress 1.1.1.1\n", "address "), "1.1.1.1");
 }
 
-TEST_F(InterfacesReaderTest, AValueIsTheRestOfTheLineAsItStands) {
+TEST_F(InterfacesReaderTest, AValueIsTheRestOfTheLineUnchanged) {
     EXPECT_EQ(Value("iface eth0 inet static\n  address  1.1.1.1  \n", "address "), " 1.1.1.1  ");
     EXPECT_EQ(Value("iface eth0 inet static\naddress 1.1.1.1 # x\n", "address "), "1.1.1.1 # x");
     EXPECT_EQ(Value("iface eth0 inet static\naddress 1.1.1.1\r\n", "address "), "1.1.1.1\r");
@@ -418,7 +418,7 @@ TEST_F(InterfacesReaderTest, AFailureOfTheLiveValueIsPassedOn) {
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_GATEWAY, "eth0"), -1);
 }
 
-TEST_F(InterfacesReaderTest, AMethodThatCannotBeToldFailsAllThreeValues) {
+TEST_F(InterfacesReaderTest, AnUnknownMethodFailsAllThreeValues) {
     for (const char* text : {"iface eth0 inet manual\naddress 1\n", "", "auto eth0\n",
                              " iface eth0 inet static\naddress 1\n"}) {
         WriteFile(kFile, text);

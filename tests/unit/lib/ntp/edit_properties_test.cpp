@@ -289,7 +289,7 @@ std::string RandomSchedule(Dice& dice) {
     return data.append(std::to_string(dice.Below(60)));
 }
 
-TEST_F(CrontabPropertiesTest, AScheduleLeavesOtherLinesInTheirOrderAndStandsLast) {
+TEST_F(CrontabPropertiesTest, AScheduleIsAppendedAndKeepsTheOrderOfOtherLines) {
     Dice dice(909);
     for (int round = 0; round < kRounds; ++round) {
         const std::string before = RandomCrontab(dice, {.marks = true, .joins = true});
@@ -312,7 +312,7 @@ TEST_F(CrontabPropertiesTest, AScheduleLeavesOtherLinesInTheirOrderAndStandsLast
     }
 }
 
-TEST_F(CrontabPropertiesTest, WhatIsScheduledIsReadBack) {
+TEST_F(CrontabPropertiesTest, ASetScheduleIsReadBack) {
     Dice dice(910);
     for (int round = 0; round < kRounds; ++round) {
         const std::string data = RandomSchedule(dice);

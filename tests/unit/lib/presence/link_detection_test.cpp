@@ -64,7 +64,7 @@ TEST_F(LinkDetectionTest, NoLinkIsFoundAtTheFirstAttempt) {
                                             "system " + std::string(kRemove)));
 }
 
-TEST_F(LinkDetectionTest, TheFirstLineThatTellsDecides) {
+TEST_F(LinkDetectionTest, TheFirstLineWithALinkStateDecides) {
     shell.Prints(kEthtool, {"Link detected: no\nLink detected: yes\n"});
     EXPECT_EQ(IsWiredLinked(), 0);
     shell.Prints(kEthtool, {"Link detected: yes\nLink detected: no\n"});
@@ -234,7 +234,7 @@ TEST_F(LinkFromSyslogTest, RunsExactlyTheseLines) {
                             "rm /var/tmp/get_result"));
 }
 
-TEST_F(LinkFromSyslogTest, TheSecondFileIsNotAskedWhenTheFirstTells) {
+TEST_F(LinkFromSyslogTest, TheSecondFileIsNotSearchedIfTheFirstHasALinkState) {
     shell.Prints(kGrep0, {"eth0: link down\n"});
     shell.Prints(kGrep1, {"eth0: link up\n"});
     EXPECT_EQ(IsWiredLinkedFromSyslog(), 0);
@@ -254,7 +254,7 @@ TEST_F(LinkFromSyslogTest, NoMessageAnywhereIsNoLink) {
     EXPECT_THAT(libc().Logs(), ElementsAre("Error ifs.", "Error ifs."));
 }
 
-TEST_F(LinkFromSyslogTest, LinesThatTellNeitherAreNoLink) {
+TEST_F(LinkFromSyslogTest, LinesWithoutALinkStateAreNoLink) {
     shell.Prints(kGrep0, {"eth0: link is\n"});
     shell.Prints(kGrep1, {"eth0: link is\n"});
     EXPECT_EQ(IsWiredLinkedFromSyslog(), 0);

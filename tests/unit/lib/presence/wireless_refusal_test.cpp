@@ -17,19 +17,19 @@ class WirelessRefusalTest : public testkit::DeviceTest {
     testkit::FakeShell shell;
 };
 
-TEST_F(WirelessRefusalTest, TheAdapterIsLookedForFirst) {
+TEST_F(WirelessRefusalTest, AMissingAdapterIsReportedBeforeTheCable) {
     shell.Prints(kEthtool, {"Link detected: yes\n"});
     EXPECT_EQ(velk::WirelessRefusal(), -5);
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
 
-TEST_F(WirelessRefusalTest, ThenTheCable) {
+TEST_F(WirelessRefusalTest, AConnectedCableIsReportedIfTheAdapterIsThere) {
     WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
     shell.Prints(kEthtool, {"Link detected: yes\n"});
     EXPECT_EQ(velk::WirelessRefusal(), -6);
 }
 
-TEST_F(WirelessRefusalTest, WithAnAdapterAndNoCableThereIsNone) {
+TEST_F(WirelessRefusalTest, NothingIsRefusedWithAnAdapterAndWithoutACable) {
     WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
     shell.Prints(kEthtool, {"Link detected: no\n"});
     EXPECT_EQ(velk::WirelessRefusal(), 0);

@@ -83,7 +83,7 @@ TEST_P(ByteFieldTest, EveryValidByteIsStoredAndEveryOtherRefused) {
     }
 }
 
-TEST_P(ByteFieldTest, WhatIsSetIsReadBack) {
+TEST_P(ByteFieldTest, ASetValueIsReadBack) {
     for (const auto& [byte, value] : GetParam().values) {
         SMsgConf conf = Patterned();
         const char in[1] = {static_cast<char>(byte)};
@@ -130,7 +130,7 @@ TEST(ConfigurationFields, UnknownStandardsAreAnsweredWithThreeBesideTheFailure) 
     }
 }
 
-TEST(ConfigurationFields, NumbersPassOnTheirLowByteWhateverItIs) {
+TEST(ConfigurationFields, NumbersReturnTheirLowByteOfAnyValue) {
     SMsgConf conf = Patterned();
     conf.channel = 0x1263;
     conf.wep_default = 0xFF00;

@@ -245,14 +245,14 @@ TEST_F(UnfinishedEdits, AreNotNotedIfNothingIsLost) {
     EXPECT_EQ(NotesOf(kChange), "");
 }
 
-TEST_F(UnfinishedEdits, AreNotFilesOfOtherPrograms) {
+TEST_F(UnfinishedEdits, ExcludeFilesOfOtherPrograms) {
     WriteFile("/etc/dhclient.conf", "");
     WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
     ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0640), 0);
     EXPECT_EQ(NotesOf(kChange), "");
 }
 
-TEST_F(UnfinishedEdits, AreNotNotedWhileTheyAreUnderWay) {
+TEST_F(UnfinishedEdits, AreNotNotedWhileTheLockIsHeld) {
     WriteFile("/etc/dhclient.conf", "");
     WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
     const int lock = VkLibLock();

@@ -42,7 +42,7 @@ class EditCopyTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(EditCopyTest, NoneIsFoundWhereNoneLies) {
+TEST_F(EditCopyTest, FindsNoneAmongOtherFiles) {
     WriteFile(kCrontab, "a\n");
     WriteFile("/var/tmp/a-file-of-somebody", "a\n");
     EXPECT_TRUE(FindEditCopies().empty());
@@ -251,7 +251,7 @@ class EditsOfTheLibrary : public EditCopyTest {
     }
 };
 
-TEST_F(EditsOfTheLibrary, AreThoseThatAreFoundForACommand) {
+TEST_F(EditsOfTheLibrary, HaveTheCopiesThatAreFoundForACommand) {
     struct Row {
         const char* name;
         std::vector<std::string> words;
@@ -282,7 +282,7 @@ TEST_F(EditsOfTheLibrary, AreThoseThatAreFoundForACommand) {
     }
 }
 
-TEST_F(EditsOfTheLibrary, AreNotThoseOfReadsAndRestarts) {
+TEST_F(EditsOfTheLibrary, AreNotFoundForReadsAndRestarts) {
     LeaveThemAll();
     EXPECT_TRUE(FindEditCopies({VELK_GET, VELK_CMD_GATEWAY, "eth0"}).empty());
     EXPECT_TRUE(FindEditCopies({VELK_RESTART, VELK_CMD_RESTART, "eth0"}).empty());

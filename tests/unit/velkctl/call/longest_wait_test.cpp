@@ -68,7 +68,7 @@ TEST(LongestWaitOf, ToolsOfUnknownSpeedAreNamed) {
     EXPECT_EQ(Longest(VELK_SET, VELK_CMD_LOCATION, ""), "0 s for the SNMP daemon to restart");
 }
 
-TEST(LongestWaitOf, OfASettingIsThatOfReadingIt) {
+TEST(LongestWaitOf, ASettingWaitsAsLongAsReadingIt) {
     const auto setting = velkctl::FindSetting("eth1.ssid");
     EXPECT_EQ(velkctl::LongestWaitOf(*setting).seconds, 60);
 }

@@ -27,14 +27,14 @@ class TextConflictTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(TextConflictTest, AnOrdinaryServerIsNone) {
+TEST_F(TextConflictTest, AnOrdinaryServerIsNoConflict) {
     WriteFile(kCrontab, kEntry);
     for (const char* server : {"time.example", "10.0.0.9", "python3", ""}) {
         EXPECT_EQ(Problem("ntp-server", server), "") << server;
     }
 }
 
-TEST_F(TextConflictTest, AServerThatIsAPartOfTheCommandIsOne) {
+TEST_F(TextConflictTest, AServerThatIsAPartOfTheCommandIsAConflict) {
     WriteFile(kCrontab, std::string("15 3 * * * true\n") + kEntry);
     EXPECT_EQ(Problem("ntp-server", "ntp"),
               "'ntp' occurs earlier on the line /var/cron/tabs/root:2, too, where the next set "
@@ -45,7 +45,7 @@ TEST_F(TextConflictTest, AServerThatIsAPartOfTheCommandIsOne) {
     }
 }
 
-TEST_F(TextConflictTest, EveryEntryCounts) {
+TEST_F(TextConflictTest, EveryEntryIsChecked) {
     WriteFile(kCrontab, std::string("0 1 * * * ntpdate 10.0.0.1 > /dev/null\n#") + kEntry);
     EXPECT_EQ(Problem("ntp-server", "usr"),
               "'usr' occurs earlier on the line /var/cron/tabs/root:2, too, where the next set "
@@ -53,7 +53,7 @@ TEST_F(TextConflictTest, EveryEntryCounts) {
               "another name, or --force");
 }
 
-TEST_F(TextConflictTest, APresentServerThatIsAPartOfTheCommandKeepsEveryOtherAway) {
+TEST_F(TextConflictTest, APresentServerThatIsAPartOfTheCommandConflictsWithEveryOther) {
     WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n");
     for (const char* server : {"10.0.0.1", ""}) {
         EXPECT_EQ(Problem("ntp-server", server),
@@ -63,26 +63,26 @@ TEST_F(TextConflictTest, APresentServerThatIsAPartOfTheCommandKeepsEveryOtherAwa
     }
 }
 
-TEST_F(TextConflictTest, AnEntryWithoutAServerIsLookedAtWithTheNewOne) {
+TEST_F(TextConflictTest, AnEntryWithoutAServerIsCheckedForTheNewOne) {
     WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u  > /var/libvelk/ntp.log\n");
     EXPECT_EQ(Problem("ntp-server", "10.0.0.1"), "");
     EXPECT_NE(Problem("ntp-server", "ntp"), "");
 }
 
-TEST_F(TextConflictTest, ACrontabWithoutAPlaceForAServerIsNone) {
+TEST_F(TextConflictTest, ACrontabWithoutAPlaceForAServerIsNoConflict) {
     EXPECT_EQ(Problem("ntp-server", "ntp"), "") << "there is no crontab";
     WriteFile(kCrontab, "0 * * * * ntpdate -u\n15 3 * * * true\n");
     EXPECT_EQ(Problem("ntp-server", "ntp"), "") << "the set fails";
 }
 
-TEST_F(TextConflictTest, OrdinaryTextsAreNone) {
+TEST_F(TextConflictTest, OrdinaryTextsAreNoConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("administrator", "O'Neil & Co"), "");
     EXPECT_EQ(Problem("location", "Room 5, Syslocation and SYSCONTACT"), "");
     EXPECT_EQ(Problem("location", ""), "");
 }
 
-TEST_F(TextConflictTest, ATextWithADirectiveIsOne) {
+TEST_F(TextConflictTest, ATextWithADirectiveIsAConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("administrator", "ask for syslocation at the desk"),
               "the text holds 'syslocation', from which on a set of location would replace it in "
@@ -95,7 +95,7 @@ TEST_F(TextConflictTest, ATextWithADirectiveIsOne) {
               "in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force");
 }
 
-TEST_F(TextConflictTest, APresentTextThatTheSetWouldCutIsOne) {
+TEST_F(TextConflictTest, APresentTextThatTheSetWouldCutIsAConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("location", "Room 5"),
               "the present administrator holds 'syslocation', from which on this set would replace "
@@ -109,7 +109,7 @@ TEST_F(TextConflictTest, APresentTextThatTheSetWouldCutIsOne) {
               "without that word, or give --force");
 }
 
-TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherAreLeftByForceAlone) {
+TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherNeedForce) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("location", "Room 5"),
               "the present administrator holds 'syslocation', from which on this set would replace "
@@ -117,7 +117,7 @@ TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherAreLeftByForceAlone
               "TEXT first, without that word, or give --force");
 }
 
-TEST_F(TextConflictTest, OtherSettingsHaveNone) {
+TEST_F(TextConflictTest, OtherSettingsHaveNoConflicts) {
     WriteFile(kCrontab, kEntry);
     EXPECT_EQ(Problem("eth0.dns", "ntp"), "");
     EXPECT_EQ(Problem("eth1.ssid", "syscontact"), "");

@@ -120,7 +120,7 @@ TEST_F(ReadSecretTest, EmptyStandardInputIsNoSecret) {
               "standard input is empty; give the value as one line");
 }
 
-TEST_F(ReadSecretTest, StandardInputThatCannotBeRead) {
+TEST_F(ReadSecretTest, StandardInputThatCannotBeReadIsReported) {
     EXPECT_EQ(FromStandardInput("/tmp").problem,
               std::string("standard input cannot be read: Is a directory") + kHint);
 }

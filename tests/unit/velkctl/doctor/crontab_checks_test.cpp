@@ -66,7 +66,7 @@ TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
                   std::string(kMend));
 }
 
-TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
+TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
     const auto finding = [](const std::string& server) {
         return "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '" + server +
                "' occurs earlier on the line, too, and is replaced there\n"

@@ -46,7 +46,7 @@ TEST_F(TextFileTest, DoesNotWaitForAFifoNorReadAFolderOrAHugeFile) {
 
 class FilesCheck : public testkit::DeviceTest {};
 
-TEST_F(FilesCheck, TellsWhichSettingsAMissingFileTakesAlong) {
+TEST_F(FilesCheck, NamesTheSettingsThatAMissingFileAffects) {
     const std::string words = FormatFindings(velkctl::CheckFiles());
     EXPECT_TRUE(Holds(words,
                       "problem: method, address, netmask and gateway can be neither read nor set: "
@@ -64,7 +64,7 @@ TEST_F(FilesCheck, TellsWhichSettingsAMissingFileTakesAlong) {
                       "file is missing\n"));
 }
 
-TEST_F(FilesCheck, TellsAFifoInTheFilesPlace) {
+TEST_F(FilesCheck, FindsAFifoInTheFilesPlace) {
     ASSERT_EQ(mkfifo("/etc/dhclient.conf", 0600), 0);
     EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckFiles()),
                       "problem: method, dhcp-dns and dhcp-ntp can be neither read nor set: "
@@ -72,7 +72,7 @@ TEST_F(FilesCheck, TellsAFifoInTheFilesPlace) {
     EXPECT_EQ(FormatFindings(velkctl::CheckDhcpConfig()), "");
 }
 
-TEST_F(FilesCheck, FindsWhatIsNoTextOrTooLarge) {
+TEST_F(FilesCheck, FindsFilesThatAreNotTextOrTooLarge) {
     WriteFile("/etc/network/interfaces", std::string(2000000, '\0'));
     WriteFile("/var/cron/tabs/root", std::string("a\0b\n", 4));
     const std::string words = FormatFindings(velkctl::CheckFiles());
@@ -185,7 +185,7 @@ TEST_F(LeftoversCheck, SaysNothingWhereNothingWasLeft) {
     EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()), "");
 }
 
-TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
+TEST_F(LeftoversCheck, FindsEntriesThatToolsCannotWriteInto) {
     constexpr char kResult[] = "/var/tmp/get_result";
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
     EXPECT_EQ(
@@ -205,7 +205,7 @@ TEST_F(LeftoversCheck, FindsWhatToolsCannotWriteInto) {
 }
 
 // In a folder that everybody may write, only root and the owner may remove a file.
-TEST_F(LeftoversCheck, FindsWhatTheCallerMayNotRemove) {
+TEST_F(LeftoversCheck, FindsFilesThatTheCallerMayNotRemove) {
     constexpr char kResult[] = "/var/tmp/get_result";
     WriteFile(kResult, "x");
     ASSERT_EQ(chmod("/var/tmp", 01777), 0);
@@ -257,7 +257,7 @@ TEST_F(LockCheck, SaysNothingAboutAFreeLock) {
     EXPECT_EQ(FormatFindings(velkctl::CheckLock()), "");
 }
 
-TEST_F(LockCheck, TellsWhoHoldsIt) {
+TEST_F(LockCheck, NamesTheHolderOfTheLock) {
     const int lock = VkLibLock();
     const std::string words = FormatFindings(velkctl::CheckLock());
     VkLibUnLock(lock);

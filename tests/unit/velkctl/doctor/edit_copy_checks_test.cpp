@@ -39,7 +39,7 @@ TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
     EXPECT_EQ(Said(), "");
 }
 
-TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
+TEST_F(EditCopyCheck, FindsAFileThatWasCut) {
     constexpr char kFix[] =
         "  fix: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
         "copy is right, copy its text into the file by hand, as root\n";
@@ -64,7 +64,7 @@ TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
                           kFix);
 }
 
-TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
+TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfAFailedReading) {
     WriteFile("/etc/network/interfaces", "");
     WriteOld("/var/tmp/interfaces", "iface eth0 inet static\n");
     const auto setting = velkctl::FindSetting("eth0.method").value();
@@ -116,7 +116,7 @@ TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
                                   "/var/tmp/root; to finish it, compare both files, as with "));
 }
 
-TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
+TEST_F(EditCopyCheck, FindsTheCopyOfAFinishedEdit) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteOld(kCopy, "0 * * * * true\n");
     EXPECT_EQ(Said(),
@@ -178,7 +178,7 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
                   "  fix: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
 }
 
-TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
+TEST_F(EditCopyCheck, AdvisesToLookAtAFileThatMayBeTheOnlyCompleteText) {
     VkLibUnLock(VkLibLock());
     WriteFile(kCrontab, "0 *");
     WriteCopy(kCopy, "0 * * * * true\n");
@@ -201,7 +201,7 @@ TEST_F(EditCopyCheck, OffersToDiscardAFileOfMode644WhereTheFileIsWhole) {
                                   "/var/tmp/root\n"));
 }
 
-TEST_F(EditCopyCheck, FindsWhatASetReplaces) {
+TEST_F(EditCopyCheck, FindsEntriesThatTheNextSetReplaces) {
     ASSERT_EQ(mkfifo("/var/tmp/dhclient.conf", 0600), 0);
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
     EXPECT_EQ(Said(),

@@ -97,7 +97,7 @@ TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
               "  fix: word it otherwise, or move it below the line with the value\n");
 }
 
-TEST_F(InterfacesCheck, FindsATabBehindAWord) {
+TEST_F(InterfacesCheck, FindsATabAfterAWord) {
     EXPECT_EQ(Examine("iface eth0 inet static\naddress\t10.0.0.1\n" + std::string(kEth1)),
               "problem: eth0.address cannot be read, and a set adds a second address line: "
               "/etc/network/interfaces:2: no blank follows the word 'address'\n"
@@ -116,7 +116,7 @@ TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
               "  fix: leave one blank before the value and none after it\n");
 }
 
-TEST_F(InterfacesCheck, TakesACarriageReturnForNoBlank) {
+TEST_F(InterfacesCheck, DoesNotTakeACarriageReturnAsABlank) {
     EXPECT_EQ(Examine("iface eth0 inet static\r\n\taddress 10.0.0.1\r\n" + std::string(kEth1)), "");
 }
 

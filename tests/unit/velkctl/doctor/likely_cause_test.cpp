@@ -40,10 +40,10 @@ std::string CauseText(const velkctl::Finding& cause) {
     return problem.detail.substr(std::string("likely cause: ").size()) + "; fix: " + problem.remedy;
 }
 
-class CausesTest : public testkit::DeviceTest {
+class LikelyCausesTest : public testkit::DeviceTest {
   protected:
-    CausesTest() : path_(getenv("PATH")) {}
-    ~CausesTest() override { setenv("PATH", path_.c_str(), 1); }
+    LikelyCausesTest() : path_(getenv("PATH")) {}
+    ~LikelyCausesTest() override { setenv("PATH", path_.c_str(), 1); }
 
     // Sets it with the library, which is to report success.
     void Set(const std::string& name, std::string_view bytes) {
@@ -61,7 +61,7 @@ class CausesTest : public testkit::DeviceTest {
     const std::string path_;
 };
 
-TEST_F(CausesTest, AnInterfaceWithoutAStanzaHoldsNothing) {
+TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
     WriteFile(kInterfaces, "iface lo inet loopback\n");
     WriteFile(kDhcpConfig, "");
     Set("eth0.method", "\x01");
@@ -74,7 +74,7 @@ TEST_F(CausesTest, AnInterfaceWithoutAStanzaHoldsNothing) {
     }
 }
 
-TEST_F(CausesTest, TheLastStanzaGainsNoLine) {
+TEST_F(LikelyCausesTest, TheLastStanzaGainsNoLine) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n" + std::string(kEth1));
     Set("eth1.gateway", "10.0.0.1");
     EXPECT_EQ(FirstOf("eth1.gateway"),
@@ -87,7 +87,7 @@ TEST_F(CausesTest, TheLastStanzaGainsNoLine) {
     EXPECT_EQ(FirstOf("eth1.method"), "");
 }
 
-TEST_F(CausesTest, ASecondGatewayOutlivesTheFirst) {
+TEST_F(LikelyCausesTest, ASecondGatewayOutlivesTheFirst) {
     WriteFile(kInterfaces,
               "iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n"
               "\tgateway 10.0.0.3\n" +
@@ -102,7 +102,7 @@ TEST_F(CausesTest, ASecondGatewayOutlivesTheFirst) {
               "line, or set it once more");
 }
 
-TEST_F(CausesTest, AHookThatIsNotThereCannotBeSwitched) {
+TEST_F(LikelyCausesTest, AHookThatIsNotThereCannotBeSwitched) {
     WriteFile(kHooks, "exit 0\n");
     Set("eth1.apipa", "\x01");
     EXPECT_EQ(FirstOf("eth1.apipa"),
@@ -110,7 +110,7 @@ TEST_F(CausesTest, AHookThatIsNotThereCannotBeSwitched) {
               "fix: add the line that runs /usr/sbin/avahi-autoipd, with a '#' before it for off");
 }
 
-TEST_F(CausesTest, AnOptionNeedsARequestStatement) {
+TEST_F(LikelyCausesTest, AnOptionNeedsARequestStatement) {
     WriteFile(kDhcpConfig, "timeout 10;\n");
     WriteFile(kHooks, "/usr/bin/ntpdate -u 10.0.0.1\n");
     WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
@@ -124,7 +124,7 @@ TEST_F(CausesTest, AnOptionNeedsARequestStatement) {
               "one: request subnet-mask, broadcast-address, routers;");
 }
 
-TEST_F(CausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
+TEST_F(LikelyCausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
     WriteFile(kDhcpConfig, "#interface \"eth0\" {\n#\trequest routers;\n#}\n");
     WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
     Set("eth0.dhcp-dns", "\x01");
@@ -133,7 +133,7 @@ TEST_F(CausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
               "statement counts; fix: velkctl set eth0.method dhcp, when DHCP is wanted");
 }
 
-TEST_F(CausesTest, TheClockNeedsAnEntry) {
+TEST_F(LikelyCausesTest, TheTimeSettingsNeedACrontabEntry) {
     WriteFile(kCrontab, "0 * * * * true\n");
     Set("ntp", "\x01");
     Set("ntp-server", "10.0.0.9");
@@ -154,7 +154,7 @@ TEST_F(CausesTest, TheClockNeedsAnEntry) {
         "away; fix: leave one '#', in the first column");
 }
 
-TEST_F(CausesTest, ATimeServerNeedsAPlace) {
+TEST_F(LikelyCausesTest, ATimeServerNeedsAPlace) {
     WriteFile(kCrontab, "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
@@ -162,7 +162,7 @@ TEST_F(CausesTest, ATimeServerNeedsAPlace) {
               "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
-TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
+TEST_F(LikelyCausesTest, ATimeServerAtTheEndOfItsLineJoinsTwoEntries) {
     WriteFile(kCrontab, "0 * * * * ntpdate 10.0.0.1\n5 4 * * * true\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
@@ -171,7 +171,7 @@ TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
               "and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
-TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
+TEST_F(LikelyCausesTest, AFileThatCannotBeWrittenIsFound) {
     constexpr std::string_view kEntry = "#0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n";
     WriteFile(kCrontab, kEntry);
     const testkit::Mounted in_place(kCrontab, kCrontab, "none", MS_BIND, nullptr);
@@ -183,7 +183,7 @@ TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
               "mount it writable");
 }
 
-TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {
+TEST_F(LikelyCausesTest, AFullFolderForEditCopiesIsFound) {
     WriteFile(kIdentity, "");
     const testkit::Emptied small("/var/tmp", "size=32k");
     EXPECT_EQ(FirstOf("location"),
@@ -191,7 +191,7 @@ TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {
               "not needed there");
 }
 
-TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
+TEST_F(LikelyCausesTest, AMissingToolIsFound) {
     WriteFile(kIdentity, "ADMINISTRATOR=old\n");
     setenv("PATH", "/tmp", 1);
     Set("administrator", "new");
@@ -199,7 +199,7 @@ TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
               "cat is not installed; fix: install it in a folder where velkctl looks, as /usr/bin");
 }
 
-TEST_F(CausesTest, ALineOfAFileComesBeforeAllElseAndAProblemBeforeAWarning) {
+TEST_F(LikelyCausesTest, ProblemsPrecedeWarningsAndLinesOfAFileComeFirst) {
     WriteFile(kInterfaces, "iface eth1 inet static\n\tgateway  10.0.0.1\n\tgateway 10.0.0.2\n");
     setenv("PATH", "/tmp", 1);
     const Findings causes = LikelyCauses(Find("eth1.gateway"));
@@ -213,13 +213,13 @@ TEST_F(CausesTest, ALineOfAFileComesBeforeAllElseAndAProblemBeforeAWarning) {
     EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[1].subject, "cat");
 }
 
-TEST_F(CausesTest, TellWhetherASetIsKeptFromItsEffect) {
+TEST_F(LikelyCausesTest, EachCauseHasItsImpact) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(LikelyCauses(Find("eth1.gateway")).front().impact, Impact::kSetting);
     EXPECT_EQ(LikelyCauses(Find("eth1.address")).front().impact, Impact::kReading);
 }
 
-TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
+TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
     EXPECT_EQ(FirstOf("eth1.ssid"),
               "/tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; fix: "
               "plug an adapter in, and start the wireless daemon unless that does");
@@ -236,7 +236,7 @@ TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
     }
 }
 
-TEST_F(CausesTest, ATabIsNoCauseWhereASetAddsALine) {
+TEST_F(LikelyCausesTest, ATabIsNoCauseIfASetAddsALine) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n" + std::string(kEth1));
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
@@ -245,7 +245,7 @@ TEST_F(CausesTest, ATabIsNoCauseWhereASetAddsALine) {
               "blank, no tab, between the word and the value");
 }
 
-TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {
+TEST_F(LikelyCausesTest, AFindingThatDoesNotAffectTheSettingIsNoCause) {
     // No SNMP agent's file, an old edit copy, a lock that others cannot take.
     WriteFile(kIdentity, "ADMINISTRATOR=x\n");
     WriteFile("/var/tmp/libvelk", "");
@@ -253,7 +253,7 @@ TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {
     EXPECT_EQ(FirstOf("administrator"), "");
 }
 
-TEST_F(CausesTest, OnlyWhatConcernsTheSettingIsFound) {
+TEST_F(LikelyCausesTest, OnlyFindingsThatAffectTheSettingAreReturned) {
     EXPECT_EQ(FormatFindings(velkctl::ExamineFor(Find("web-update"))),
               "problem: ntp, ntp-server and web-update can be neither read nor set: "
               "/var/cron/tabs/root: the file is missing\n"
@@ -265,7 +265,7 @@ TEST_F(CausesTest, OnlyWhatConcernsTheSettingIsFound) {
     }
 }
 
-TEST_F(CausesTest, AreWordsThatCannotControlTheTerminal) {
+TEST_F(LikelyCausesTest, TextsEscapeControlCharacters) {
     EXPECT_EQ(CauseText({.description = "\x1b[2J", .file = "/f", .line = 3, .remedy = "\x07"}),
               "/f:3: \\x1b[2J; fix: \\x07");
 }

@@ -58,7 +58,7 @@ class ReadBackTest : public testkit::DeviceTest {
     ExitStatus status = ExitStatus::kDone;
 };
 
-TEST_F(ReadBackTest, AHeldValueIsDone) {
+TEST_F(ReadBackTest, AHeldValueIsNotReported) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 10.0.0.5\n\tnetmask 255.0.0.0\n");
     EXPECT_EQ(Verify("eth0.method", {"static"}), true);
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), true);
@@ -76,7 +76,7 @@ TEST_F(ReadBackTest, ASettingThatCannotBeReadIsNotChecked) {
     EXPECT_EQ(complaint, "velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
 }
 
-TEST_F(ReadBackTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
+TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenIfTheValueCannotBeRead) {
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(
@@ -176,7 +176,7 @@ TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
         "shown\n");
 }
 
-TEST_F(ReadBackTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
+TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
@@ -204,7 +204,7 @@ TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
               "'10-half'\n");
 }
 
-TEST_F(ReadBackTest, ASecretStaysOne) {
+TEST_F(ReadBackTest, ASecretIsNotShown) {
     // A setting of the test's own. It holds a secret, and another one than was set.
     CatalogueRow row = *FindSetting("eth0.address")->row;
     row.secret = true;

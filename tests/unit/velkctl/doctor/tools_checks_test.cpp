@@ -43,7 +43,7 @@ class ToolsCheck : public testkit::DeviceTest {
     const testkit::Emptied sbin_{"/usr/sbin"};
 };
 
-TEST_F(ToolsCheck, TellsWhichToolIsMissing) {
+TEST_F(ToolsCheck, NamesTheMissingTool) {
     EXPECT_THAT(FormatFindings(velkctl::CheckTools()), Not(HasSubstr("problem: rm ")));
     ASSERT_EQ(unlink("/tmp/rm"), 0);
     EXPECT_THAT(
@@ -56,7 +56,7 @@ TEST_F(ToolsCheck, SaysNothingOfARestartThatNeedsNothing) {
     EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()), "");
 }
 
-TEST_F(ToolsCheck, TellsWhichToolKeepsARestartFromItsEffect) {
+TEST_F(ToolsCheck, NamesTheToolsThatARestartLacks) {
     ASSERT_EQ(unlink("/usr/sbin/ifup"), 0);
     ASSERT_EQ(unlink("/tmp/sudo"), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),

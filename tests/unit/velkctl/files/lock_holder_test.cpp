@@ -30,16 +30,16 @@ TEST(FlockHolder, IsTheProcessWithTheLockOnTheFile) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0x103, 0), 13), 77);
 }
 
-TEST(FlockHolder, IsNotOneThatWaits) {
+TEST(FlockHolder, IsNotAProcessThatWaits) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 13), std::nullopt);
 }
 
-TEST(FlockHolder, IsNotOneWithALockOfAnotherKind) {
+TEST(FlockHolder, IsNotAProcessWithALockOfAnotherKind) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0xfe, 0), 404740), std::nullopt);
     EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 15), std::nullopt);
 }
 
-TEST(FlockHolder, IsUnknownWhenItIsOfAnotherNamespace) {
+TEST(FlockHolder, IsUnknownInAnotherNamespace) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 14), std::nullopt);
 }
 

@@ -46,7 +46,7 @@ TEST_F(ToolRunTest, FindsAToolAsAShellDoes) {
     EXPECT_EQ(FindTool("sh", "/missing"), std::nullopt);
 }
 
-TEST_F(ToolRunTest, KeepsWhatAToolPrintsAndHowItEnds) {
+TEST_F(ToolRunTest, KeepsTheOutputAndTheExitStatusOfATool) {
     WriteTool("/tmp/velk-tool", "echo \"$1\"; echo error >&2; cat; exit 3\n");
     const ToolRun run = RunTool({"/tmp/velk-tool", "a b"});
     EXPECT_TRUE(run.ended);

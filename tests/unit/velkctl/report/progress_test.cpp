@@ -15,7 +15,7 @@ TEST(ProgressLineTest, HasTheTimeAndTheReason) {
               "eth1.signal: 12 s of at most 122 s, waiting for the wireless daemon to answer");
 }
 
-TEST(ProgressLineTest, LeavesOutAnEndThatNobodyKnows) {
+TEST(ProgressLineTest, LeavesOutAnUnknownEnd) {
     EXPECT_EQ(ProgressLine("location", "the SNMP daemon to restart", 2, 0),
               "location: 2 s, waiting for the SNMP daemon to restart");
 }
@@ -43,7 +43,7 @@ TEST(ProgressDisplayTest, CutsALineThatWouldNotFit) {
               "\r" + std::string(79, 'x') + "\r" + std::string(79, ' ') + "\r");
 }
 
-TEST(ProgressDisplayTest, WritesNothingWhereNobodyLooks) {
+TEST(ProgressDisplayTest, WritesNothingIfItIsDisabled) {
     testing::internal::CaptureStderr();
     {
         ProgressDisplay display(false);
@@ -52,7 +52,7 @@ TEST(ProgressDisplayTest, WritesNothingWhereNobodyLooks) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(ProgressDisplayTest, WritesNothingWhenThereWasNothingToShow) {
+TEST(ProgressDisplayTest, WritesNothingIfNothingWasShown) {
     testing::internal::CaptureStderr();
     { const ProgressDisplay display(true); }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");

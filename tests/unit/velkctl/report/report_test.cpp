@@ -97,7 +97,7 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
 )");
 }
 
-TEST(Report, AnEmptyDocumentIsWholeToo) {
+TEST(Report, AnEmptyDocumentIsCompleteToo) {
     const Said said = OutputOf(Report::Form::kJson, [](Report&) { return ExitStatus::kDone; });
     EXPECT_EQ(said.out,
               "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
@@ -122,7 +122,7 @@ TEST(Report, LongMessagesAreBrokenAtTheirSemicolons) {
               "a\n  " + name + "\n  " + name + "; b");
 }
 
-TEST(Report, AFixStaysWhole) {
+TEST(Report, AFixIsNotBrokenAtItsSemicolons) {
     const std::string fix = "fix: if true; then " + std::string(80, 'x') + "; fi";
     EXPECT_EQ(InLines({.message = "a; b; " + fix}), "a\n  b\n  " + fix);
 }

@@ -101,7 +101,7 @@ TEST(UnknownSetting, GivesTheNamesOnOtherInterfaces) {
               "unknown setting 'eth0.eth0.link-speed'; give eth0.link-speed");
 }
 
-TEST(UnknownSetting, GuessesWhichNameAMisspeltOneMeans) {
+TEST(UnknownSetting, SuggestsACorrectionOfAMisspeltName) {
     EXPECT_EQ(UnknownSetting("eth0.dsn"), "unknown setting 'eth0.dsn'; did you mean eth0.dns?");
     EXPECT_EQ(UnknownSetting("eth1.pks"), "unknown setting 'eth1.pks'; did you mean eth1.psk?");
     EXPECT_EQ(UnknownSetting("link-sped"),
@@ -114,7 +114,7 @@ TEST(UnknownSetting, KnowsAnInterface) {
               "'eth1' is an interface, not a setting; 'velkctl show eth1' shows its settings");
 }
 
-TEST(UnknownInterface, GuessesWhatAMisspeltOneMeans) {
+TEST(UnknownInterface, SuggestsACorrectionOfAMisspeltName) {
     EXPECT_EQ(UnknownInterface("eht1", "'eht1'"),
               "'eht1' is not an interface of the device; did you mean eth1?");
     EXPECT_EQ(UnknownInterface("ETH0", "'ETH0'"),
@@ -131,7 +131,7 @@ TEST(UnknownSetting, PointsToTheListOtherwise) {
     EXPECT_EQ(UnknownSetting("\x1b"), "unknown setting '\\x1b'; 'velkctl list' names them all");
 }
 
-TEST(UnknownSetting, NeitherRepeatsNorGuessesAtWhatMayBeAKey) {
+TEST(UnknownSetting, NeitherRepeatsNorCorrectsAWordThatMayBeAKey) {
     for (const char* word : {"secretpass", "eth0.dsn", "dns", "a=b"}) {
         EXPECT_EQ(
             UnknownSetting(word, /*may_be_key=*/true),
@@ -140,7 +140,7 @@ TEST(UnknownSetting, NeitherRepeatsNorGuessesAtWhatMayBeAKey) {
     }
 }
 
-TEST(UnknownSetting, NeverRepeatsWhatStandsBehindAnEqualsSign) {
+TEST(UnknownSetting, NeverRepeatsTheTextAfterAnEqualsSign) {
     EXPECT_EQ(UnknownSetting("eth1.psk=hunter2"),
               "'eth1.psk' is followed by '='; give the name alone, and a value as an argument of "
               "its own");
@@ -240,7 +240,7 @@ std::vector<std::string> WordsOf(const std::string& text) {
     return words;
 }
 
-TEST(Catalogue, WhatCanBeSetSaysWhatItTakesWithAnExampleThatItTakes) {
+TEST(Catalogue, EverySettingToSetDescribesItsValuesWithAValidExample) {
     for (const CatalogueRow& row : Catalogue()) {
         if ((row.directions & kSet) == 0) {
             continue;

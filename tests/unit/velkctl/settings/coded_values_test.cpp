@@ -67,12 +67,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Spelling{kChannel, "13", 13}, Spelling{kStandardsEnabled, "2", 2},
                     Spelling{kStandardsEnabled, "3", 3}));
 
-TEST(CodedKindParse, WhereSomeCodesHaveNoNameTheNumberOfANamedOneGoesToo) {
+TEST(CodedKindParse, TakesTheNumberOfANamedCodeIfSomeCodesHaveNoName) {
     EXPECT_EQ(kEncryption.Parse(Words{"2"}).data, DataOf(2));
     EXPECT_TRUE(kEncryption.Parse(Words{"2"}).ok());
 }
 
-TEST(CodedKindParse, WhereAllCodesHaveNamesNumbersAreRefused) {
+TEST(CodedKindParse, RefusesNumbersIfAllCodesHaveNames) {
     EXPECT_EQ(Problem(kServiceSet, {"1"}),
               "'1' is not one of its values; give infrastructure or ad-hoc");
     EXPECT_EQ(Problem(kLinkMode, {"2"}),
@@ -80,7 +80,7 @@ TEST(CodedKindParse, WhereAllCodesHaveNamesNumbersAreRefused) {
               "give auto, 100-full, 100-half, 10-full or 10-half");
 }
 
-TEST(CodedKindParse, NamesTheValuesThatAreRight) {
+TEST(CodedKindParse, ListsTheValidValues) {
     EXPECT_EQ(Problem(kChannel, {"14"}),
               "'14' is not one of its values; give a number from 1 to 13");
     EXPECT_EQ(Problem(kOneToFour, {"wep"}),
@@ -90,14 +90,14 @@ TEST(CodedKindParse, NamesTheValuesThatAreRight) {
     EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not one of its values; give 1, 2 (wep), 3 or 4");
 }
 
-TEST(CodedKindParse, GuessesWhatAMisspeltNameMeans) {
+TEST(CodedKindParse, SuggestsACorrectionOfAMisspeltName) {
     EXPECT_EQ(Problem(kLinkMode, {"100-ful"}),
               "'100-ful' is not one of its values; did you mean 100-full?");
     EXPECT_EQ(Problem(kServiceSet, {"AdHoc"}),
               "'AdHoc' is not one of its values; did you mean ad-hoc?");
 }
 
-TEST(CodedKind, SaysWhatItsNamesMean) {
+TEST(CodedKind, DescribesTheMeaningOfItsNames) {
     const auto meanings = kServiceSet.Meanings();
     ASSERT_EQ(meanings.size(), 2U);
     EXPECT_EQ(meanings[1].value, "ad-hoc");
@@ -106,7 +106,7 @@ TEST(CodedKind, SaysWhatItsNamesMean) {
     EXPECT_EQ(kEncryption.Meanings().size(), 0U);
 }
 
-TEST(CodedKindParse, WantsOneWord) {
+TEST(CodedKindParse, TakesExactlyOneWord) {
     EXPECT_EQ(Problem(kChannel, {}), "no value given; give a number from 1 to 13");
     EXPECT_EQ(Problem(kStandardsEnabled, {"2", "3"}), "2 values given; give 2 or 3");
 }
@@ -143,7 +143,7 @@ TEST(CodedKindPrint, TheFirstByteCounts) {
     EXPECT_EQ(kChannel.Print(data), "3");
 }
 
-TEST(CodedKind, AnyTableWillDo) {
+TEST(CodedKind, WorksWithAnyTable) {
     static constexpr std::array<CodedValue, 2> kTable{{{200, "on"}, {7}}};
     constexpr CodedKind kKind{kTable};
     EXPECT_EQ(kKind.Parse(Words{"on"}).data, DataOf(200));

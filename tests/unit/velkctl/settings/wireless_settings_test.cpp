@@ -118,7 +118,7 @@ TEST_F(WirelessSettings, ShowsTheState) {
     EXPECT_EQ(Get("eth1.signal"), "70 65535\n");
 }
 
-TEST_F(WirelessSettings, ShowsWhatIsEmpty) {
+TEST_F(WirelessSettings, ShowsEmptyValues) {
     EXPECT_EQ(Get("eth1.ssid"), "''\n");
     EXPECT_EQ(Get("eth1.psk"), "none\n");
     EXPECT_EQ(Get("eth1.wep-key-4"), "none\n");
@@ -245,7 +245,7 @@ TEST_F(Secrets, AreReadFromAFile) {
     EXPECT_EQ(Stored().psk_length, 0);
 }
 
-TEST_F(Secrets, OtherSettingsTakeSuchWordsAsTheyStand) {
+TEST_F(Secrets, OtherSettingsTakeSuchWordsLiterally) {
     Set("eth1.ssid", "@/tmp/key");
     SMsgConf conf = Stored();
     EXPECT_EQ(std::string(conf.ssid, conf.ssid_length), "@/tmp/key");
@@ -300,7 +300,7 @@ TEST_F(WirelessSettings, RestartBringsTheInterfaceDownAndUp) {
     EXPECT_TRUE(testkit::Exists("/var/tmp/vklib_lock"));
 }
 
-TEST_F(WirelessSettings, RestartCanTellTheDaemonAlone) {
+TEST_F(WirelessSettings, NotifyOnlyRunsNoTools) {
     EXPECT_EQ(Run({"restart", "--notify-only", "eth1"}), ExitStatus::kDone);
     EXPECT_EQ(output + error, "");
     EXPECT_THAT(shell.Lines(), Not(testing::Contains(HasSubstr("ifdown"))));

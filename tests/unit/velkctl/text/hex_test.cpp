@@ -47,7 +47,7 @@ TEST(ParseHex, ZeroBytesKeepTheirPlace) {
     EXPECT_EQ(ParseHex("00 41 00 42").data, DataOf(std::string("\0A\0B", 4)));
 }
 
-TEST(ParseHex, NoDigitsAreNoBytes) {
+TEST(ParseHex, ATextWithoutDigitsHasNoBytes) {
     EXPECT_TRUE(ParseHex("").ok());
     EXPECT_EQ(ParseHex("").data, Data{});
     EXPECT_TRUE(ParseHex(" : ").ok());
@@ -80,7 +80,7 @@ TEST(ParseHex, HasThePositionOfAWrongDigit) {
               "give two hex digits for each byte, such as 31:30");
 }
 
-TEST(ParseHex, TheNeighboursOfTheDigitsAreNone) {
+TEST(ParseHex, CharactersNextToTheDigitsAreRefused) {
     for (const char* text : {"1/", "1;", "1@", "1G", "1`", "1g"}) {
         EXPECT_FALSE(ParseHex(text).ok()) << text;
     }
@@ -92,12 +92,12 @@ TEST(ParseHex, FiveHundredAndTwelveBytesFillTheDataArea) {
     EXPECT_EQ(parsed.data, DataOf(std::string(512, 'A')));
 }
 
-TEST(ParseHex, OneMoreIsRefused) {
+TEST(ParseHex, FiveHundredAndThirteenBytesAreRefused) {
     EXPECT_EQ(ParseHex(Repeat("41:", 513)).problem, "more than 512 bytes; give at most 512");
     EXPECT_EQ(ParseHex(Repeat("00", 513)).problem, "more than 512 bytes; give at most 512");
 }
 
-TEST(Dump, AllZeroIsNothing) {
+TEST(Dump, AllZeroBytesPrintNothing) {
     EXPECT_EQ(Dump(Data{}), "");
 }
 

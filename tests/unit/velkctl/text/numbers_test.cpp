@@ -25,7 +25,7 @@ TEST(ParseNumber, KeepsWithinItsLimits) {
     EXPECT_EQ(ParseNumber("8", -3, 7), std::nullopt);
 }
 
-TEST(LeadingNumber, EndsBehindItsLastDigit) {
+TEST(LeadingNumber, EndsAfterItsLastDigit) {
     size_t end = 0;
     EXPECT_EQ(velkctl::LeadingNumber<int>("12 a", end), 12);
     EXPECT_EQ(end, 2U);

@@ -14,35 +14,35 @@ using Words = std::vector<std::string>;
 
 const Words kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
 
-TEST(SpellingSuggestions, FindsOneLetterWrongMissingTooManyOrSwapped) {
+TEST(SpellingSuggestions, FindOneLetterWrongMissingTooManyOrSwapped) {
     for (const char* word : {"rastart", "estart", "restarrt", "restatr"}) {
         EXPECT_EQ(SpellingSuggestions(word, kNames), Words{"restart"}) << word;
     }
 }
 
-TEST(SpellingSuggestions, FindsTwo) {
+TEST(SpellingSuggestions, FindTwoErrors) {
     EXPECT_EQ(SpellingSuggestions("eth0.adess", kNames), Words{"eth0.address"});
     EXPECT_EQ(SpellingSuggestions("eht0.gatewya", kNames), Words{"eth0.gateway"});
     EXPECT_EQ(SpellingSuggestions("eth0.gtwy", kNames), Words{});
 }
 
-TEST(SpellingSuggestions, TakesSmallLettersForCapitalOnes) {
+TEST(SpellingSuggestions, IgnoreCase) {
     EXPECT_EQ(SpellingSuggestions("RESTART", kNames), Words{"restart"});
     EXPECT_EQ(SpellingSuggestions("loked", Words{"LOCKED"}), Words{"LOCKED"});
     EXPECT_EQ(SpellingSuggestions("OLcked", Words{"LOCKED"}), Words{"LOCKED"});
 }
 
-TEST(SpellingSuggestions, TakesTheNearest) {
+TEST(SpellingSuggestions, AreTheNearestWords) {
     EXPECT_EQ(SpellingSuggestions("sett", kNames), Words{"set"});
     EXPECT_EQ(SpellingSuggestions("gett", kNames), Words{"get"});
 }
 
-TEST(SpellingSuggestions, TakesAllThatAreEquallyNear) {
+TEST(SpellingSuggestions, AreAllEquallyNearWords) {
     EXPECT_EQ(SpellingSuggestions("bet", kNames), (Words{"get", "set"}));
     EXPECT_EQ(SpellingSuggestions("abc5", Words{"abc1", "abc2", "abc3", "abc4"}).size(), 4U);
 }
 
-TEST(SpellingSuggestions, TakesNoneWhenTooManyAre) {
+TEST(SpellingSuggestions, AreEmptyIfTooManyWordsAreEquallyNear) {
     EXPECT_EQ(SpellingSuggestions("abc9", Words{"abc1", "abc2", "abc3", "abc4", "abc5"}), Words{});
 }
 
@@ -53,7 +53,7 @@ TEST(SpellingSuggestions, IncludeWordsThatBeginWithIt) {
     EXPECT_EQ(SpellingSuggestions("re", kNames), Words{});
 }
 
-TEST(SpellingSuggestions, DoesNotGuessAtHalfAWord) {
+TEST(SpellingSuggestions, AreEmptyForAWordTooShortToCompare) {
     for (const char* word : {"", "a", "xyz", "gxx", "st"}) {
         EXPECT_EQ(SpellingSuggestions(word, Words{"get"}), Words{}) << word;
     }

@@ -97,7 +97,7 @@ TEST_F(NetworkCheckTest, AMissingSettingIsNoConflict) {
     EXPECT_EQ(Problem("eth0.gateway", "192.168.0.1"), "") << "a mask with a gap is none";
 }
 
-TEST_F(NetworkCheckTest, ALeaseIsNotHeldAgainstAValue) {
+TEST_F(NetworkCheckTest, TheFileOfAnInterfaceWithDhcpIsNotCompared) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\naddress 192.168.0.10\nnetmask 255.255.255.0\n");
     EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
     EXPECT_EQ(Problem("eth0.address", "192.168.0.255"), "");
