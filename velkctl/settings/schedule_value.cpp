@@ -135,16 +135,16 @@ std::string Joined(std::span<const std::string> words) {
 }
 
 // A schedule in quotes is one word of the command line.
-std::vector<std::string> TakenApart(std::span<const std::string> words) {
+std::vector<std::string> SplitAtBlanks(std::span<const std::string> words) {
     const std::string text = Joined(words);
-    std::vector<std::string> apart;
+    std::vector<std::string> split;
     size_t begin = 0;
     for (size_t blank = 0; (blank = text.find(' ', begin)) != std::string::npos;
          begin = blank + 1) {
-        apart.push_back(text.substr(begin, blank - begin));
+        split.push_back(text.substr(begin, blank - begin));
     }
-    apart.push_back(text.substr(begin));
-    return apart;
+    split.push_back(text.substr(begin));
+    return split;
 }
 
 }  // namespace
@@ -157,10 +157,10 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     if (words.empty()) {
         return Unparsable(OneWordProblem(words));
     }
-    const std::vector<std::string> apart = TakenApart(words);
-    const std::optional<Schedule> schedule = ParseSchedule(apart);
+    const std::vector<std::string> split = SplitAtBlanks(words);
+    const std::optional<Schedule> schedule = ParseSchedule(split);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(apart));
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(split));
     }
     return InData(*schedule);
 }

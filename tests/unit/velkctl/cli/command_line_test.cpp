@@ -17,7 +17,7 @@ class CommandLine : public testing::Test {
     ExitStatus Run(const std::vector<std::string>& arguments) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        Report report(velkctl::FormAskedFor(arguments));
+        Report report(velkctl::RequestedForm(arguments));
         const ExitStatus status = velkctl::RunCommandLine(arguments, report);
         report.Finish(status);
         (void)velkctl::FinishPrinting();
