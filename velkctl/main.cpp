@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
     const bool has_utf8_locale = velkctl::HasUtf8Locale();
     velkctl::FixEnvironment();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-    velkctl::Report report(velkctl::FormAskedFor(arguments));
+    velkctl::Report report(velkctl::RequestedForm(arguments));
     velkctl::ShowUtf8(has_utf8_locale || report.is_json());
     const velkctl::ExitStatus status = Run(arguments, report);
     report.Finish(status);

@@ -23,12 +23,13 @@ using testkit::kIdentityFile;
 using testkit::kInterfacesFile;
 using testkit::kNtpLog;
 using testkit::kOldAddressFile;
+using testkit::kResolverFile;
 
 namespace fs = std::filesystem;
 
 constexpr std::array kDeviceFiles{
-    kInterfacesFile, kDhcpConfigFile, kExitHooks, kClientScript,
-    kCrontab,        kIdentityFile,   kNtpLog,    kOldAddressFile,
+    kInterfacesFile, kDhcpConfigFile, kExitHooks,      kClientScript, kCrontab,
+    kIdentityFile,   kNtpLog,         kOldAddressFile, kResolverFile,
 };
 constexpr std::string_view kSectionMark = "--- ";
 constexpr std::string_view kNoNewline = "\\c";

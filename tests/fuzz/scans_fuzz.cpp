@@ -16,65 +16,21 @@
 #include <netinet/in.h>
 
 #include "fuzz/kit/edit_files.h"
-#include "fuzz/kit/file_answers.h"
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
+#include "fuzz/kit/scan_rows.h"
 #include "fuzz/kit/tool_answers.h"
 #include "support/paths.h"
 
 namespace fuzz {
 namespace {
 
-using testkit::kCrontab;
-using testkit::kDhcpConfigFile;
-using testkit::kExitHooks;
-using testkit::kIdentityFile;
 using testkit::kInterfacesFile;
-using testkit::kNtpLog;
-using testkit::kResolverFile;
 using testkit::kRoutingTable;
 using testkit::kSupportList;
 using testkit::kUsbDevices;
 
-constexpr char kRoutes[] = "/tmp/routes";            // in the place of /proc/net/route
 constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // after type and value, before the NUL
-
-// The rule that holds for answers from texts in any form.
-enum class Form {
-    kText,     // a part of a line of a source
-    kGateway,  // an address, or nothing
-    kByte,     // 1 to `highest`
-    kSchedule,
-    kServers
-};
-
-// A get and its sources: paths of files, or names of tools that print the text.
-struct Row {
-    uint32_t id;
-    bool has_interface;
-    std::vector<std::string> sources;
-    Form form;
-    char highest;
-    std::optional<Answer> (*expected)(const std::string& interface, const Texts& texts);
-};
-
-const std::vector<Row> kRows = {
-    {VELK_CMD_ADMINISTRATOR, false, {kIdentityFile}, Form::kText, 0, AdministratorFrom},
-    {VELK_CMD_LOCATION, false, {kIdentityFile}, Form::kText, 0, LocationFrom},
-    {VELK_CMD_NTP, false, {kCrontab}, Form::kByte, 2, NtpMethodFrom},
-    {VELK_CMD_DHCP_NTP, false, {kDhcpConfigFile}, Form::kByte, 2, DhcpNtpFrom},
-    {VELK_CMD_NTP_SERVER, false, {kCrontab}, Form::kText, 0, NtpServerFrom},
-    {VELK_CMD_NTP_RESULT, false, {kNtpLog}, Form::kByte, 2, NtpResultFrom},
-    {VELK_CMD_WEB_UPDATE, false, {kCrontab}, Form::kSchedule, 0, ScheduleFrom},
-    {VELK_CMD_IP_METHOD, true, {kInterfacesFile}, Form::kByte, 2, IpMethodFrom},
-    {VELK_CMD_APIPA, true, {kExitHooks}, Form::kByte, 2, ApipaFrom},
-    {VELK_CMD_IP_ADDRESS, true, {kInterfacesFile, "ifconfig"}, Form::kText, 0, IpAddressFrom},
-    {VELK_CMD_DHCP_DNS, true, {kDhcpConfigFile}, Form::kByte, 2, DhcpDnsFrom},
-    {VELK_CMD_DNS, true, {kResolverFile}, Form::kServers, 0, DnsFrom},
-    {VELK_CMD_LINK_SPEED, true, {"sudo ethtool"}, Form::kByte, 5, LinkSpeedFrom},
-    {VELK_CMD_GATEWAY, true, {kRoutes}, Form::kGateway, 0, GatewayFrom},
-    {VELK_CMD_NETMASK, true, {kInterfacesFile, "ifconfig"}, Form::kText, 0, NetmaskFrom},
-};
 
 void Place(Turn& turn, const std::string& source, const std::string& text) {
     if (source.starts_with('/')) {
@@ -103,7 +59,7 @@ void CheckSchedule(const std::string& data, const std::string& source) {
           "a schedule's time");
 }
 
-void CheckForm(const Row& row, const std::string& data, const std::string& source) {
+void CheckForm(const ScanRow& row, const std::string& data, const std::string& source) {
     const std::string text = TextIn(data);
     switch (row.form) {
         case Form::kText:
@@ -130,7 +86,7 @@ void CheckForm(const Row& row, const std::string& data, const std::string& sourc
     }
 }
 
-void CheckAnswer(const Row& row, const Answer& expected, int result, const std::string& data) {
+void CheckAnswer(const ScanRow& row, const Answer& expected, int result, const std::string& data) {
     Check((result == LIB_VELK_SUCCESS) == expected.succeeds, "a get succeeds as the text allows");
     if (FillsData(expected.bytes)) {
         return;
@@ -149,7 +105,7 @@ void PlaceSurroundings(Turn& turn) {
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
 }
 
-void RunGet(const Row& row, const std::string& interface, Texts texts) {
+void RunGet(const ScanRow& row, const std::string& interface, Texts texts) {
     Turn turn;
     PlaceSurroundings(turn);
     texts.resize(row.sources.size());
@@ -236,7 +192,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzz::RunAdapter(texts);
     } else {
         const size_t letter = static_cast<unsigned char>(head[0]);
-        const fuzz::Row& row = fuzz::kRows[(letter - 'a') % fuzz::kRows.size()];
+        const fuzz::ScanRow& row = fuzz::kScanRows[(letter - 'a') % fuzz::kScanRows.size()];
         fuzz::RunGet(row, head[1] == '1' ? "eth1" : "eth0", texts);
     }
     return 0;

@@ -25,7 +25,7 @@ constexpr Milliseconds kFirstPause{50};
 constexpr Milliseconds kLongestPause{250};  // the longest delay before a signal is handled
 
 // A configured address is in a file; the address of a lease needs a tool.
-bool IsOfLease(const Command& command) {
+bool IsLeaseAddress(const Command& command) {
     if (!IsAddressCommand(command.id)) {
         return false;
     }
@@ -38,7 +38,7 @@ bool IsOfLease(const Command& command) {
 // while it writes to the system log.
 bool IsPlainRead(const Command& command) {
     return command.type == VELK_GET && LongestWaitOf(command).awaited.empty() &&
-           !IsOfLease(command);
+           !IsLeaseAddress(command);
 }
 
 Answer ExecuteOnce(const Call& call) {

@@ -18,7 +18,8 @@ std::string LossOf(const TextFile& before, const TextFile& after) {
                                                                         : "";
 }
 
-std::string PlaceOfTheRest(const DeviceFile& file) {
+// Returns the place of the lost text, to end a message.
+std::string EditCopyAdvice(const DeviceFile& file) {
     for (const EditCopy& copy : FindEditCopies()) {
         if (copy.file != &file) {
             continue;
@@ -51,7 +52,7 @@ std::string FilesBefore::Losses() const {
         const std::string loss = LossOf(text, ReadTextFile(file->path));
         if (!loss.empty()) {
             losses.append(losses.empty() ? "" : "; ").append(file->path).append(" ").append(loss);
-            losses.append(", and ").append(PlaceOfTheRest(*file));
+            losses.append(", and ").append(EditCopyAdvice(*file));
         }
     }
     return losses;

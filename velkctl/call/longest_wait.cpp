@@ -1,6 +1,9 @@
 // longest_wait.cpp - the longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 
+#include "lib/base/paths.h"
+#include "velkctl/text/find_row.h"
+
 namespace velkctl {
 namespace {
 
@@ -21,46 +24,44 @@ constexpr std::string_view kRestart = "the interface to come up";
 constexpr std::string_view kLinkMode = "ethtool to finish";
 constexpr std::string_view kSnmp = "the SNMP daemon to restart";
 
-LongestWait OfWireless(uint32_t id) {
-    switch (id) {
-        case VELK_CMD_SOFTWARE_VERSION:
-        case VELK_CMD_HARDWARE_VERSION:
-        case VELK_CMD_STANDARD:
-        case VELK_CMD_REGION:
-        case VELK_CMD_RATE:
-        case VELK_CMD_ACCESS_POINT:
-        case VELK_CMD_SIGNAL:
-            return {kLinkSeconds + kDaemonSeconds, kLinkAndDaemon};
-        case VELK_CMD_MAC_ADDRESS:
-        case VELK_CMD_IP_ADDRESS:
-        case VELK_CMD_NETMASK:
-        case VELK_CMD_GATEWAY:
-            return {kLinkSeconds, kLink};
-        default:
-            return id >= VELK_CMD_STANDARD ? LongestWait{kDaemonSeconds, kDaemon} : LongestWait{};
+// An address of the adapter is read after link detection. So is its MAC address.
+bool IsReadAfterLinkDetection(const CatalogueRow& row) {
+    return IsAddressCommand(row.id) || row.held_in.holder == Holder::kKernel;
+}
+
+// The daemon's state, which only a get takes, is read after link detection; its configuration is
+// not.
+LongestWait OfWireless(const CatalogueRow& row, uint32_t type) {
+    if (row.held_in.holder == Holder::kDaemon) {
+        return (row.directions & kSet) != 0
+                   ? LongestWait{kDaemonSeconds, kDaemon}
+                   : LongestWait{kLinkSeconds + kDaemonSeconds, kLinkAndDaemon};
     }
+    return type == VELK_GET && IsReadAfterLinkDetection(row) ? LongestWait{kLinkSeconds, kLink}
+                                                             : LongestWait{};
+}
+
+LongestWait OfSetting(const CatalogueRow& row, const Command& command) {
+    if (row.held_in.holder == Holder::kTool) {
+        return {0, kLinkMode};
+    }
+    if (command.type == VELK_SET && row.held_in.second_line.file == velk::kSnmpFile) {
+        return {0, kSnmp};
+    }
+    return command.interface == VELK_WIRELESS_INTERFACE ? OfWireless(row, command.type)
+                                                        : LongestWait{};
 }
 
 }  // namespace
 
 LongestWait LongestWaitOf(const Command& command) {
-    const bool is_wireless = command.interface == VELK_WIRELESS_INTERFACE;
     if (command.type == VELK_RESTART) {
+        const bool is_wireless = command.interface == VELK_WIRELESS_INTERFACE;
         return {kLinkSeconds + (is_wireless ? kWirelessRestartSeconds : kWiredRestartSeconds),
                 kRestart};
     }
-    if (command.id == VELK_CMD_LINK_SPEED) {
-        return {0, kLinkMode};
-    }
-    const bool is_identity =
-        command.id == VELK_CMD_ADMINISTRATOR || command.id == VELK_CMD_LOCATION;
-    if (command.type == VELK_SET && is_identity) {
-        return {0, kSnmp};
-    }
-    if (!is_wireless || (command.type == VELK_SET && IsAddressCommand(command.id))) {
-        return {};
-    }
-    return OfWireless(command.id);
+    const CatalogueRow* row = FindRow(Catalogue(), command.id, &CatalogueRow::id);
+    return row == nullptr ? LongestWait{} : OfSetting(*row, command);
 }
 
 LongestWait LongestWaitOf(const Setting& setting) {

@@ -50,7 +50,7 @@ bool CanBeIncomplete(const Command& command) {
     return command.type != VELK_GET;
 }
 
-std::string StateInTheMiddle(const Call& call) {
+std::string StateIfInterrupted(const Call& call) {
     return CanBeIncomplete(call.command) ? call.subject + " " + std::string(kIncomplete) : "";
 }
 
@@ -82,7 +82,7 @@ long SecondsToShow(const Call& call, const LongestWait& longest) {
 }
 
 // Waits for the answer, a signal or the deadline. An answer goes before the others.
-Outcome Await(const ChildCall& child, const StopSignals& signals, const Call& call) {
+Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals, const Call& call) {
     const LongestWait longest = LongestWaitOf(call.command);
     const std::string_view awaited = longest.awaited.empty() ? kAnyWait : longest.awaited;
     const long seconds_to_show = SecondsToShow(call, longest);
@@ -115,7 +115,7 @@ bool HasAnswer(const ChildCall& child, Milliseconds limit) {
 }
 
 // True if the command waits only for files and the tools that copy them.
-bool IsShort(const Command& command) {
+bool WaitsForFilesOnly(const Command& command) {
     return LongestWaitOf(command).awaited.empty();
 }
 
@@ -145,7 +145,7 @@ Answer AnswerOf(ChildCall& child, const Call& call) {
 }
 
 Answer TimedOut(const Call& call) {
-    return {.result = LIB_VELK_FAILURE, .timed_out = true, .remark = StateInTheMiddle(call)};
+    return {.result = LIB_VELK_FAILURE, .timed_out = true, .remark = StateIfInterrupted(call)};
 }
 
 }  // namespace
@@ -158,8 +158,9 @@ Answer ExecuteWatched(const Call& call) {
                          ": cannot start a process: " + strerror(child.start_error()));
         return {LIB_VELK_FAILURE};
     }
-    Outcome outcome = Await(child, signals, call);
-    if (outcome == Outcome::kInterrupted && IsShort(call.command) && HasAnswer(child, kGrace)) {
+    Outcome outcome = WaitForOutcome(child, signals, call);
+    if (outcome == Outcome::kInterrupted && WaitsForFilesOnly(call.command) &&
+        HasAnswer(child, kGrace)) {
         outcome = Outcome::kAnswered;
     }
     if (outcome == Outcome::kAnswered) {
@@ -173,7 +174,7 @@ Answer ExecuteWatched(const Call& call) {
     (void)PassOnToolOutput(child, call);
     CleanUp(call.command, tools_ended);
     if (outcome == Outcome::kInterrupted) {
-        EndInterrupted(signals.Pending(), StateInTheMiddle(call), call.report);
+        EndInterrupted(signals.Pending(), StateIfInterrupted(call), call.report);
     }
     return TimedOut(call);
 }

@@ -147,7 +147,7 @@ ExitStatus RunArguments(const std::vector<std::string>& arguments, Report& repor
 
 }  // namespace
 
-Report::Form FormAskedFor(const std::vector<std::string>& arguments) {
+Report::Form RequestedForm(const std::vector<std::string>& arguments) {
     const auto end = std::find(arguments.begin(), arguments.end(), "--");
     return std::find(arguments.begin(), end, kJsonFlag) == end ? Report::Form::kText
                                                                : Report::Form::kJson;

@@ -11,7 +11,7 @@
 namespace velkctl {
 
 // Returns kJson if the arguments have --json at any place, even if they are not valid.
-Report::Form FormAskedFor(const std::vector<std::string>& arguments);
+Report::Form RequestedForm(const std::vector<std::string>& arguments);
 
 // Runs the arguments after the program's name. Reports a usage that is not valid and does nothing
 // else.

@@ -16,6 +16,7 @@ constexpr std::string_view kPrefix = "velkctl: ";
 constexpr std::string_view kSeparator = "; ";
 constexpr std::string_view kNewLine = "\n  ";
 constexpr std::string_view kFix = "fix: ";
+constexpr std::string_view kAdvice = "give ";  // begins the advice of a message
 
 Json TextOrNull(const std::string& text) {
     return text.empty() ? Json(nullptr) : Json(text);
@@ -45,8 +46,8 @@ Json ErrorOf(const Problem& problem) {
     return error;
 }
 
-// Breaks a text that is too long for one line of a terminal at its semicolons. A fix stays whole:
-// it may be a line for the shell.
+// Breaks a text that is too long for one line of a terminal at its semicolons. Advice on a line of
+// its own is marked as the fix. A fix stays whole: it may be a line for the shell.
 std::string Broken(std::string_view text, size_t indent) {
     std::string lines;
     while (indent + text.size() > kColumns && !text.starts_with(kFix)) {
@@ -57,6 +58,10 @@ std::string Broken(std::string_view text, size_t indent) {
         lines.append(text.substr(0, end)).append(kNewLine);
         text.remove_prefix(end + kSeparator.size());
         indent = kNewLine.size() - 1;
+        if (text.starts_with(kAdvice)) {
+            lines.append(kFix);
+            indent += kFix.size();
+        }
     }
     return lines.append(text);
 }

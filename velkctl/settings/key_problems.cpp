@@ -1,6 +1,7 @@
 // key_problems.cpp - problems with the text of a key other than its length.
 #include "velkctl/settings/key_problems.h"
 
+#include "velk/request.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -11,7 +12,7 @@ std::string_view KeyProblem(std::string_view key) {
 }
 
 std::string_view WepKeyProblem(std::string_view key) {
-    const bool is_hex = key.size() == 10 || key.size() == 26;
+    const bool is_hex = key.size() == VELK_WEP_SHORT_HEX_KEY || key.size() == VELK_WEP_LONG_HEX_KEY;
     if (is_hex && key.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos) {
         return "a key of 10 or 26 bytes consists of hex digits";
     }

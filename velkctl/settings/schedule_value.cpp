@@ -18,7 +18,6 @@ constexpr std::string_view kWanted =
 constexpr std::string_view kOff = "off";
 constexpr std::string_view kRaw = "schedule";    // a schedule of an unknown type
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
-constexpr size_t kTimeOffset = 2;
 
 constexpr std::string_view kEvery = "every";
 constexpr std::string_view kDaily = "daily";
@@ -108,9 +107,9 @@ std::string Guess(std::span<const std::string> words) {
 
 Parsed InData(const Schedule& schedule) {
     Parsed parsed;
-    parsed.data[0] = static_cast<char>(schedule.type);
-    parsed.data[1] = static_cast<char>(schedule.value);
-    (void)schedule.time.copy(&parsed.data[kTimeOffset], schedule.time.size());
+    parsed.data[VELK_SCHEDULE_TYPE_OFFSET] = static_cast<char>(schedule.type);
+    parsed.data[VELK_SCHEDULE_VALUE_OFFSET] = static_cast<char>(schedule.value);
+    (void)schedule.time.copy(&parsed.data[VELK_SCHEDULE_TIME_OFFSET], schedule.time.size());
     return parsed;
 }
 
@@ -122,8 +121,8 @@ std::string WeekdayName(int number) {
 
 // Returns the time after a blank; empty if none.
 std::string TimeOf(const Data& data) {
-    const char* text = &data[kTimeOffset];
-    const std::string_view time(text, strnlen(text, data.size() - kTimeOffset));
+    const char* text = &data[VELK_SCHEDULE_TIME_OFFSET];
+    const std::string_view time(text, strnlen(text, data.size() - VELK_SCHEDULE_TIME_OFFSET));
     return time.empty() ? std::string() : std::string(" ").append(PrintableValue(time));
 }
 
@@ -136,16 +135,16 @@ std::string Joined(std::span<const std::string> words) {
 }
 
 // A schedule in quotes is one word of the command line.
-std::vector<std::string> TakenApart(std::span<const std::string> words) {
+std::vector<std::string> SplitAtBlanks(std::span<const std::string> words) {
     const std::string text = Joined(words);
-    std::vector<std::string> apart;
+    std::vector<std::string> split;
     size_t begin = 0;
     for (size_t blank = 0; (blank = text.find(' ', begin)) != std::string::npos;
          begin = blank + 1) {
-        apart.push_back(text.substr(begin, blank - begin));
+        split.push_back(text.substr(begin, blank - begin));
     }
-    apart.push_back(text.substr(begin));
-    return apart;
+    split.push_back(text.substr(begin));
+    return split;
 }
 
 }  // namespace
@@ -158,16 +157,17 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     if (words.empty()) {
         return Unparsable(OneWordProblem(words));
     }
-    const std::vector<std::string> apart = TakenApart(words);
-    const std::optional<Schedule> schedule = ParseSchedule(apart);
+    const std::vector<std::string> split = SplitAtBlanks(words);
+    const std::optional<Schedule> schedule = ParseSchedule(split);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(apart));
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(split));
     }
     return InData(*schedule);
 }
 
 Parsed ScheduleKind::Force(std::span<const std::string> words) const {
-    if (words.size() != 4 || words[0] != kRaw || words[3].size() > VELK_DATA_SIZE - kTimeOffset) {
+    if (words.size() != 4 || words[0] != kRaw ||
+        words[3].size() > VELK_DATA_SIZE - VELK_SCHEDULE_TIME_OFFSET) {
         return Parse(words);
     }
     const std::optional<int> type = ParseNumber<uint8_t>(words[1], 0, 255);
@@ -185,8 +185,8 @@ std::vector<std::string> ScheduleKind::Values() const {
 }
 
 std::string ScheduleKind::Print(const Data& data) const {
-    const int type = static_cast<unsigned char>(data[0]);
-    const int value = static_cast<unsigned char>(data[1]);
+    const int type = static_cast<unsigned char>(data[VELK_SCHEDULE_TYPE_OFFSET]);
+    const int value = static_cast<unsigned char>(data[VELK_SCHEDULE_VALUE_OFFSET]);
     const std::string time = TimeOf(data);
     switch (type) {
         case VELK_SCHEDULE_HOURS:

@@ -59,7 +59,8 @@ inline constexpr std::array<CodedValue, 4> kEncryptionTable{{
 }};
 inline constexpr auto kOneToThreeTable = NumberTable<1, 3>();
 inline constexpr auto kOneToFourTable = NumberTable<1, 4>();
-inline constexpr auto kChannelTable = NumberTable<1, 13>();
+inline constexpr auto kWepKeyNumberTable = NumberTable<1, VELK_WEP_KEYS>();
+inline constexpr auto kChannelTable = NumberTable<1, VELK_CHANNELS>();
 inline constexpr auto kStandardsEnabledTable = NumberTable<2, 3>();
 
 inline constexpr CodedKind kSwitch{kSwitchTable};
@@ -70,6 +71,7 @@ inline constexpr CodedKind kServiceSet{kServiceSetTable};
 inline constexpr CodedKind kEncryption{kEncryptionTable};
 inline constexpr CodedKind kOneToThree{kOneToThreeTable};
 inline constexpr CodedKind kOneToFour{kOneToFourTable};
+inline constexpr CodedKind kWepKeyNumber{kWepKeyNumberTable};
 inline constexpr CodedKind kChannel{kChannelTable};
 inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable};
 
@@ -80,15 +82,18 @@ inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes", "",
 inline constexpr TextKind kFreeText{"''", "a text of at most 511 bytes", "'a text'",
                                     [](size_t length) { return length < VELK_DATA_SIZE; }};
 inline constexpr TextKind kSsid{"''", "a text of at most 32 bytes", "'my network'",
-                                [](size_t length) { return length <= 32; }};
+                                [](size_t length) { return length <= VELK_SSID_SIZE; }};
 // The empty word, which a script's unset variable gives, does not clear a key. An example takes the
 // key from standard input.
 inline constexpr TextKind kPsk{kNone, "a text of 1 to 64 bytes, or none", "-",
-                               [](size_t length) { return length >= 1 && length <= 64; },
+                               [](size_t length) { return length >= 1 && length <= VELK_PSK_SIZE; },
                                KeyProblem};
 inline constexpr TextKind kWepKey{
     kNone, "a text of 5 or 13 bytes, 10 or 26 hex digits, or none", "-",
-    [](size_t length) { return length == 5 || length == 10 || length == 13 || length == 26; },
+    [](size_t length) {
+        return length == VELK_WEP_SHORT_KEY || length == VELK_WEP_LONG_KEY ||
+               length == VELK_WEP_SHORT_HEX_KEY || length == VELK_WEP_LONG_HEX_KEY;
+    },
     WepKeyProblem};
 
 // ---- Raw values --------------------------------------------------------------------------------

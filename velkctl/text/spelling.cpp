@@ -42,7 +42,8 @@ size_t Distance(std::string_view from, std::string_view to) {
 }
 
 // Returns the candidates with the fewest wrong letters.
-std::vector<std::string> Misspelt(std::string_view word, std::span<const std::string> candidates) {
+std::vector<std::string> NearestSpellings(std::string_view word,
+                                          std::span<const std::string> candidates) {
     std::vector<std::string> nearest;
     size_t fewest = kFarthest;
     for (const std::string& candidate : candidates) {
@@ -59,7 +60,8 @@ std::vector<std::string> Misspelt(std::string_view word, std::span<const std::st
     return nearest;
 }
 
-std::vector<std::string> BegunWith(std::string_view word, std::span<const std::string> candidates) {
+std::vector<std::string> StartingWith(std::string_view word,
+                                      std::span<const std::string> candidates) {
     std::vector<std::string> begun;
     if (word.size() >= kShortestBeginning) {
         std::ranges::copy_if(candidates, std::back_inserter(begun),
@@ -75,9 +77,9 @@ std::vector<std::string> SpellingSuggestions(std::string_view word,
     if (word.size() > kLongestWord) {
         return {};
     }
-    std::vector<std::string> meant = Misspelt(word, candidates);
+    std::vector<std::string> meant = NearestSpellings(word, candidates);
     if (meant.empty()) {
-        meant = BegunWith(word, candidates);
+        meant = StartingWith(word, candidates);
     }
     return meant.size() > kMostGuesses ? std::vector<std::string>{} : meant;
 }

@@ -14,8 +14,6 @@
 namespace velkctl {
 namespace {
 
-constexpr char kNotifyOnly = 2;  // first data byte of a restart of eth1
-
 // The last message of ifup(8) if the interface did not come up.
 constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
 
@@ -54,7 +52,7 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
             return report.Refuse("restart: --notify-only is for eth1; leave it out for " +
                                  interface);
         }
-        data[0] = kNotifyOnly;
+        data[0] = VELK_RESTART_NOTIFY_ONLY;
     }
     const Answer answer =
         Device(invocation.limits, report)

@@ -30,7 +30,7 @@ std::string BareValue(const Setting& setting, const Data& data, bool show_secret
     return is_empty ? "" : ValueText(setting, data, show_secrets);
 }
 
-std::string NotRead(const Setting& setting) {
+std::string CouldNotBeRead(const Setting& setting) {
     return setting.name() + ": could not be read";
 }
 

@@ -20,7 +20,7 @@ Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 std::string BareValue(const Setting& setting, const Data& data, bool show_secrets);
 
 // Returns the first line of the failure to read a setting: "eth0.dns: could not be read".
-std::string NotRead(const Setting& setting);
+std::string CouldNotBeRead(const Setting& setting);
 
 // {"name": ..., "value": ..., "error": null}
 Json ReadingInJson(const Setting& setting, Json value, Json error);

@@ -76,7 +76,7 @@ class SettingsTable {
                 ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_), nullptr));
         } else {
             table_.Failure(setting.name(), FailureReason(answer));
-            const Problem problem = ProblemOf(NotRead(setting), setting.name(), answer);
+            const Problem problem = ProblemOf(CouldNotBeRead(setting), setting.name(), answer);
             shown_.push_back(ReadingInJson(setting, nullptr, OneLine(problem)));
         }
     }

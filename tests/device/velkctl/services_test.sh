@@ -70,7 +70,7 @@ script 'velkctl set administrator "two
 lines"; status=$?; cat /var/libvelk/libvelk; exit $status'
 status_is 2
 error_is 'velkctl: administrator: control characters, such as the end of a line, are not taken
-  give a text of at most 511 bytes'
+  fix: give a text of at most 511 bytes'
 output_is 'ADMINISTRATOR=Robin
 LOCATION=Second floor, by the window'
 
@@ -94,9 +94,9 @@ problem: administrator is cut for the SNMP agent when location is set: /var/libv
 syscontact Alice
 syslocation Room 5"
 error_is "velkctl: administrator: the text holds 'syslocation', from which on a set of location would replace it in /usr/local/share/etc/snmp/snmpd.conf
-  give other words, or --force
+  fix: give other words, or --force
 velkctl: location: the text holds 'syscontact', from which on a set of administrator would replace it in /usr/local/share/etc/snmp/snmpd.conf
-  give other words, or --force
+  fix: give other words, or --force
 velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf
   fix: velkctl set administrator TEXT first, without that word, or give --force"
 
@@ -146,7 +146,7 @@ for value in ntp usr bin u d ntpdate; do
     status_is 2
     output_is 1
     error_is "velkctl: ntp-server: '$value' occurs earlier on the line /var/cron/tabs/root:1, too, where the next set would replace it, in the command that cron runs
-  give the server's address or another name, or --force"
+  fix: give the server's address or another name, or --force"
 done
 
 it 'sends a server that is a part of the command when forced, then refuses every other, and the doctor reports it'
@@ -277,7 +277,7 @@ for words in 'daily' 'daily 24:00' 'daily 12:3a' 'daily 1:5' 'every 0h' 'every 2
     status_is 2
     output_is ''
     error_is "velkctl: web-update: '$words' is not a schedule
-  give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'"
+  fix: give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'"
 done
 for words in 'weekly Sunday 08:30' 'Daily 08:30'; do
     script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?

@@ -30,6 +30,7 @@ without_resolver() { # COMMAND...
 
 # Checks the error of the last run, with the indented lines of each message joined to its first one.
 error_unfolds_to() { # MESSAGE
+    error=${error//$'\n  fix: give'/; give}
     error=${error//$'\n  '/; }
     error_is "$1"
 }
@@ -715,11 +716,11 @@ error_is "velkctl: eth1.psk: could not be set
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
 error_is 'velkctl: eth1.wep-key-1: 6 bytes given
-  give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
+  fix: give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c 'printf "hunter\r\n" | velkctl set eth1.psk -'
 status_is 2
 error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken
-  give a text of 1 to 64 bytes, or none'
+  fix: give a text of 1 to 64 bytes, or none'
 refused_unsent 'eth1.psk: standard input is empty; give the value as one line' set eth1.psk -
 
 it 'leaves the lines after the key unread'
@@ -740,12 +741,12 @@ with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2
 error_is 'velkctl: eth1.wep-key-3: 6 bytes given
-  give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
+  fix: give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c \
     'printf "hunter22\nhunter23\n" >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 2
 error_is 'velkctl: eth1.psk: the file after @ has more than one line
-  give the value as the only one'
+  fix: give the value as the only one'
 no_secret
 refused_unsent "eth1.psk: the file after @ cannot be read: No such file or directory; - reads the value from standard input, @FILE from a file" \
     set eth1.psk @/tmp/hunter22

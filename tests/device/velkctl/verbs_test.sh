@@ -9,6 +9,7 @@ command -v python3 >/dev/null || skip 'no python3 here, for terminals'
 
 # Checks the error of the last run, with the indented lines of each message joined to its first one.
 error_unfolds_to() { # MESSAGE
+    error=${error//$'\n  fix: give'/; give}
     error=${error//$'\n  '/; }
     error_is "$1"
 }
@@ -146,7 +147,7 @@ it 'refuses a gateway outside the network, unless forced'
 on_device sh -c 'velkctl set eth0.gateway 10.0.0.1; echo $?; velkctl get eth0.gateway
     velkctl set eth0.gateway 10.0.0.1 --force; echo $?; velkctl get eth0.gateway'
 error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24
-  give another, set the address and netmask first, or give --force'
+  fix: give another, set the address and netmask first, or give --force'
 output_is '2
 192.168.0.1
 0
@@ -460,7 +461,7 @@ LIB_VELK_SUCCESS (0): done
 abcdefgh'
 error_is "velkctl: call: --hex: more than 512 bytes; give at most 512
 velkctl: call: --hex: the file after @ has more than one line
-  give the value as the only one
+  fix: give the value as the only one
 velkctl: call: --text: the file after @ cannot be read: No such file or directory
   - reads the value from standard input, @FILE from a file
 velkctl: call: --text: standard input is empty; give the value as one line"

@@ -17,7 +17,7 @@ class CommandLine : public testing::Test {
     ExitStatus Run(const std::vector<std::string>& arguments) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        Report report(velkctl::FormAskedFor(arguments));
+        Report report(velkctl::RequestedForm(arguments));
         const ExitStatus status = velkctl::RunCommandLine(arguments, report);
         report.Finish(status);
         (void)velkctl::FinishPrinting();
@@ -130,7 +130,7 @@ TEST_F(CommandLine, RefusesAValueOfAnyOfItsFlags) {
 
 TEST_F(CommandLine, RefusesUnknownVerbs) {
     const std::string verbs =
-        "\n  give get, set, show, restart, list, describe, explain, doctor, call or help"
+        "\n  fix: give get, set, show, restart, list, describe, explain, doctor, call or help"
         "\n  see 'velkctl --help'";
     Refuses({}, "no verb given" + verbs);
     for (const char* word : {"", "-", "--", "x=secret"}) {

@@ -118,6 +118,8 @@ TEST(Report, LongMessagesAreBrokenAtTheirSemicolons) {
               name + ": is not valid; give on or off");
     EXPECT_EQ(InLines({.message = name + ": is not valid; no; give on or off, or another one"}),
               name + ": is not valid\n  no; give on or off, or another one");
+    EXPECT_EQ(InLines({.message = name + ": is no valid value of it at all; give on or off"}),
+              name + ": is no valid value of it at all\n  fix: give on or off");
     EXPECT_EQ(InLines({.message = "a", .detail = name + "; " + name + "; b"}),
               "a\n  " + name + "\n  " + name + "; b");
 }

@@ -40,7 +40,7 @@ class WirelessSettings : public testkit::DeviceTest {
     ExitStatus Run(const std::vector<std::string>& arguments) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        velkctl::Report report(velkctl::FormAskedFor(arguments));
+        velkctl::Report report(velkctl::RequestedForm(arguments));
         const ExitStatus status = velkctl::RunCommandLine(arguments, report);
         report.Finish(status);
         (void)velkctl::FinishPrinting();
