@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velk.h"
+#include "velk/request.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/text/data.h"

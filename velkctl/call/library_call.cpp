@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "velk.h"
+
 namespace velkctl {
 
 Answer CallLibrary(const Command& command, const Data& data) {

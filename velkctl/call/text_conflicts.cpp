@@ -7,7 +7,7 @@
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/ntp.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/settings/time_entry.h"

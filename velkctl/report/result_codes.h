@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "velk.h"
+#include "velk/request.h"
 #include "velkctl/report/exit_status.h"
 #include <nlohmann/json_fwd.hpp>
 

@@ -2,7 +2,7 @@
 #include "velkctl/settings/time_entry.h"
 
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/ntp.h"
 
 namespace velkctl {
 namespace {

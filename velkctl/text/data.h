@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velkctl {
 

@@ -6,7 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "velk.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velk.h"
+#include "velk/identity.h"
 
 namespace {
 

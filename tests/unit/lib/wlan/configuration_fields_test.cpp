@@ -6,7 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace {
 
