@@ -8,6 +8,7 @@
 #include <semaphore.h>
 
 #include "velk/export.h"
+#include "velk/request.h"
 
 struct _velk_request;
 
@@ -40,19 +41,19 @@ struct SWepKey {
 };
 
 struct SMsgConf {
-    uint16_t ssid_length;  // 0 to 32
-    char ssid[32];         // not NUL-terminated
-    uint16_t service_set;  // 0 ad hoc, 1 infrastructure
+    uint16_t ssid_length;       // 0 to 32
+    char ssid[VELK_SSID_SIZE];  // not NUL-terminated
+    uint16_t service_set;       // 0 ad hoc, 1 infrastructure
     uint16_t dot11_phy_conf;
     uint16_t channel;  // 1 to 13
     uint16_t auth;
     uint16_t encryption;   // 1 is WEP; the other values are the daemon's
     uint16_t wep_default;  // number of the WEP key in use, 1 to 4
     char unused_46[2];     // sent back as it came
-    SWepKey wep_key[4];
-    uint16_t psk_length;  // 0 to 64
-    char psk[64];         // not NUL-terminated
-    char unused_234[2];   // sent back as it came
+    SWepKey wep_key[VELK_WEP_KEYS];
+    uint16_t psk_length;      // 0 to 64
+    char psk[VELK_PSK_SIZE];  // not NUL-terminated
+    char unused_234[2];       // sent back as it came
 };
 static_assert(sizeof(SWepKey) == 30);
 static_assert(offsetof(SMsgConf, ssid_length) == 0);
