@@ -15,9 +15,8 @@ AffectedSettings SettingsWhere(Condition condition) {
     return settings;
 }
 
-bool IsHeldIn(const Setting& setting, std::string_view file) {
-    const char* holder = setting.row->held_in.line.file;
-    return holder != nullptr && holder == file;
+bool IsOn(const Setting& setting, std::string_view interface) {
+    return interface.empty() || setting.interface == interface;
 }
 
 bool IsOfDaemon(const Setting& setting) {
@@ -47,24 +46,20 @@ AffectedSettings Together(AffectedSettings all, const AffectedSettings& more) {
 }
 
 AffectedSettings SettingsOf(uint32_t id, std::string_view interface) {
-    return SettingsWhere([&](const Setting& setting) {
-        return setting.row->id == id && (interface.empty() || setting.interface == interface);
-    });
+    return SettingsWhere(
+        [&](const Setting& setting) { return setting.row->id == id && IsOn(setting, interface); });
 }
 
-AffectedSettings SettingsHeldIn(std::string_view file) {
-    return SettingsWhere([&](const Setting& setting) { return IsHeldIn(setting, file); });
+AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interface) {
+    return SettingsWhere([&](const Setting& setting) {
+        const char* holder = setting.row->held_in.line.file;
+        return holder != nullptr && holder == file && IsOn(setting, interface);
+    });
 }
 
 AffectedSettings SettingsWithKey(std::string_view key) {
     return SettingsWhere(
         [&](const Setting& setting) { return setting.row->held_in.line.key == key; });
-}
-
-AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interface) {
-    return SettingsWhere([&](const Setting& setting) {
-        return IsHeldIn(setting, file) && setting.interface == interface;
-    });
 }
 
 AffectedSettings SettingsChanging(std::string_view file) {

@@ -23,10 +23,10 @@ AffectedSettings Together(AffectedSettings all, const AffectedSettings& more);
 // Returns the setting with this id on the interface; on each of its interfaces if that is empty.
 AffectedSettings SettingsOf(uint32_t id, std::string_view interface = "");
 
-// Return the settings held in the file: all, those with this key, those of this interface.
-AffectedSettings SettingsHeldIn(std::string_view file);
+// Returns the settings held in the file; of one interface, unless that is empty.
+AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interface = "");
+// Returns the settings held in a line with this key.
 AffectedSettings SettingsWithKey(std::string_view key);
-AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interface);
 
 // Returns the settings that change the file when set.
 AffectedSettings SettingsChanging(std::string_view file);

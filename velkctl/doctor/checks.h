@@ -2,13 +2,17 @@
 #ifndef VELKCTL_DOCTOR_CHECKS_H_
 #define VELKCTL_DOCTOR_CHECKS_H_
 
+#include <array>
 #include <string_view>
 
 #include "velkctl/doctor/finding.h"
 #include "velkctl/files/text_file.h"
-#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
+
+inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
+                                                        VELK_WIRELESS_INTERFACE};
 
 // Runs every check, the wireless daemon's last.
 Findings ExamineDevice(Report& report);
@@ -30,8 +34,10 @@ Findings CheckTimeEntry();     // ntpdate in the crontab
 Findings CheckWebUpdate();     // the updater in the crontab
 Findings CheckIdentity();      // the SNMP agent's configuration
 
-// The "request" statements of /etc/dhclient.conf, a part of its check.
-Findings CheckDhcpRequests(const Lines& lines);
+// Returns a finding if a second "#" before the position would keep the line switched off. `noun` is
+// the command, call or entry that the line is.
+Findings CheckMarks(const Finding& about, std::string_view line, size_t position,
+                    std::string_view noun);
 
 // The line that an address is read from, though nothing is wrong with it. Nothing for other
 // settings.

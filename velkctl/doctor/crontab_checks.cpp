@@ -5,9 +5,9 @@
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
+#include "velk/ntp.h"
 #include "velkctl/call/library_call.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/script_blocks.h"
 #include "velkctl/settings/time_entry.h"
 
 namespace velkctl {
@@ -152,19 +152,9 @@ bool IsOwnUpdate(std::string_view line) {
     return WithoutLineEnd(line) == kUpdateCommand;
 }
 
-bool IsScheduleReadable() {
-    return CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
-}
-
 // Returns the indexes of the crontab's lines with this text.
 std::vector<size_t> LinesWith(const Lines& lines, std::string_view text) {
-    std::vector<size_t> indexes;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        if (velk::Contains(lines[i], text)) {
-            indexes.push_back(i);
-        }
-    }
-    return indexes;
+    return IndexesOf(lines, [text](std::string_view line) { return velk::Contains(line, text); });
 }
 
 }  // namespace
@@ -179,33 +169,32 @@ Findings CheckTimeEntry() {
         return {AboutEntry("ntp and ntp-server", SettingsWithKey(kTimeClient))
                     .Problem("cannot be set", "no entry runs ntpdate")};
     }
-    Findings findings;
-    for (const size_t index : entries) {
-        Append(findings, CheckEntry(crontab.lines[index], index));
-    }
-    return findings;
+    return FindingsOfEach(entries,
+                          [&](size_t index) { return CheckEntry(crontab.lines[index], index); });
 }
 
 Findings CheckWebUpdate() {
     const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
-    const Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
-    const std::string remedy = "set it again: velkctl set web-update weekly sunday 08:30";
+    Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
+    about.remedy = "set it again: velkctl set web-update weekly sunday 08:30";
     const TextFile crontab = ReadTextFile(velk::kCrontab);
-    Findings findings;
-    bool is_first = true;  // the library reads no other one
-    for (const size_t index : LinesWith(crontab.lines, settings.front().row->held_in.line.key)) {
-        const std::string& line = crontab.lines[index];
-        if (is_first && !IsScheduleReadable()) {
-            findings.push_back(about.At(index).Problem(
-                "cannot be read", "the schedule is not one of this library's", remedy));
-        } else if (!IsOwnUpdate(line)) {
-            findings.push_back(about.At(index).Warning(
-                "is read wrongly, and a set replaces the line",
-                Excerpt(line) + " is not as the library writes it", remedy));
+    const std::vector<size_t> updates =
+        LinesWith(crontab.lines, settings.front().row->held_in.line.key);
+    // The library reads the first one alone.
+    const bool is_readable =
+        updates.empty() ||
+        CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
+    return FindingsOfEach(updates, [&](size_t index) -> Findings {
+        if (index == updates.front() && !is_readable) {
+            return {about.At(index).Problem("cannot be read",
+                                            "the schedule is not one of this library's")};
         }
-        is_first = false;
-    }
-    return findings;
+        const std::string& line = crontab.lines[index];
+        return IsOwnUpdate(line) ? Findings()
+                                 : Findings{about.At(index).Warning(
+                                       "is read wrongly, and a set replaces the line",
+                                       Excerpt(line) + " is not as the library writes it")};
+    });
 }
 
 }  // namespace velkctl

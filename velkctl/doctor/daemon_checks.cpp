@@ -2,10 +2,9 @@
 #include <sys/stat.h>
 
 #include "lib/base/paths.h"
-#include "velk.h"
+#include "velk/wlan.h"
 #include "velkctl/call/device.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/text_file.h"
 #include "velkctl/files/unix_socket.h"
 
 namespace velkctl {
@@ -41,15 +40,14 @@ Findings CheckListener() {
     if (is_there && S_ISSOCK(socket.st_mode) && IsBound(velk::kRequestSocket)) {
         return {};
     }
-    constexpr std::string_view kEffect = "does not run";
     const std::string description =
         is_there ? "no process listens at its socket" : "its socket is missing";
-    if (IsAdapterAttached()) {
-        return {AboutDaemon().Problem(kEffect, description, "start the wireless daemon")};
-    }
-    return {AboutDaemon(WirelessConfiguration())
-                .Warning(kEffect, description + ", and no adapter is attached",
-                         "plug an adapter in, and start the wireless daemon unless that does")};
+    return {IsAdapterAttached()
+                ? AboutDaemon().Problem("does not run", description, "start the wireless daemon")
+                : AboutDaemon(WirelessConfiguration())
+                      .Warning("does not run", description + ", and no adapter is attached",
+                               "plug an adapter in, and start the wireless daemon unless that "
+                               "does")};
 }
 
 Findings CheckAnswer(const Answer& answer) {

@@ -1,4 +1,7 @@
-// dhcp_checks.cpp - whether the library finds its way about the DHCP client's configuration.
+// dhcp_checks.cpp - whether the library finds its way about the DHCP client's configuration: the
+// blocks of its interfaces, and the options that it requests.
+#include <optional>
+
 #include "lib/base/comment_switch.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
@@ -9,6 +12,8 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kInterface = "interface";
+constexpr std::string_view kRequest = "request";
+constexpr std::string_view kStatementEnd = ";";
 
 // About a block that is not as the library reads it. The method is read from its stanza.
 Finding AboutBlocks() {
@@ -20,11 +25,8 @@ Finding AboutBlocks() {
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {
-    if (velk::Contains(lines[index], "{") || index + 1 == lines.size()) {
-        return velk::Contains(lines[index], "{");
-    }
-    const std::string_view next = Trimmed(lines[index + 1]);
-    return next == "{" || next == "#{";
+    const std::string_view next = index + 1 < lines.size() ? Trimmed(lines[index + 1]) : "";
+    return velk::Contains(lines[index], "{") || next == "{" || next == "#{";
 }
 
 // A line at which the library takes a block to begin.
@@ -83,20 +85,24 @@ Findings CheckMember(const Finding& about, std::string_view line, bool is_off) {
     if (!is_comment || !is_off) {
         return {about.Problem("would break the file when set to dhcp", mark)};
     }
-    return LooksLikeRemark(line) ? Findings{about.Warning("may break the file when set to dhcp",
-                                                          mark + ", and it looks like a remark")}
-                                 : Findings{};
+    if (LooksLikeRemark(line)) {
+        return {about.Warning("may break the file when set to dhcp",
+                              mark + ", and it looks like a remark")};
+    }
+    return {};
 }
 
 Finding Absence(const Finding& about, const Lines& lines, const std::string& interface) {
     const std::string opening = "interface \"" + interface + "\" {";
-    for (size_t i = 0; i < lines.size(); ++i) {
-        if (velk::Contains(lines[i], "interface") && velk::Contains(lines[i], interface)) {
-            return about.At(i).Problem(
-                "does not switch the interface's block",
-                "the library does not recognise the opening line " + Excerpt(lines[i]),
-                "write: " + opening);
-        }
+    const std::vector<size_t> similar = IndexesOf(lines, [&](std::string_view line) {
+        return velk::Contains(line, kInterface) && velk::Contains(line, interface);
+    });
+    if (!similar.empty()) {
+        return about.At(similar.front())
+            .Problem("does not switch the interface's block",
+                     "the library does not recognise the opening line " +
+                         Excerpt(lines[similar.front()]),
+                     "write: " + opening);
     }
     return about.Warning(
         "switches nothing here", "there is no block of the interface",
@@ -135,6 +141,116 @@ Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     return findings;
 }
 
+// The request statements, as the setting that switches the option reads them.
+class RequestCheck {
+  public:
+    RequestCheck(const Lines& lines, const SettingLine& option)
+        : lines_(lines),
+          option_(option.key),
+          interface_(option.setting.interface),
+          about_(About(option.setting, velk::kDhcpConfigFile, Impact::kSetting)) {}
+
+    Findings Run() {
+        velk::ConfigBlocks blocks(interface_, comment_aware());
+        for (size_t i = 0; i < lines_.size(); ++i) {
+            const bool is_in_scope = blocks.Concerns(lines_[i]);
+            if (is_in_scope && (blocks.in_block() || !velk::Contains(lines_[i], "#"))) {
+                TakeLine(i);
+            }
+        }
+        if (is_open_) {
+            AddUnended();
+        }
+        if (!begin_) {
+            findings_.push_back(Absence());
+        }
+        return std::move(findings_);
+    }
+
+  private:
+    bool comment_aware() const { return !interface_.empty(); }
+
+    bool Has(size_t index, std::string_view word) const {
+        return velk::HasWord(lines_[index], word, comment_aware());
+    }
+
+    // A line in scope. Once the library has met the option, the statement runs on for it to a line
+    // that ends a statement without the option.
+    void TakeLine(size_t index) {
+        if (is_open_ && Has(index, velk::kBlockEnd)) {
+            AddUnended();
+            is_open_ = false;
+        }
+        if (Has(index, kRequest)) {
+            begin_ = index;
+            is_open_ = true;
+            runs_on_ = true;
+        }
+        if (!runs_on_) {
+            return;
+        }
+        const bool ends = velk::Contains(lines_[index], kStatementEnd);
+        const bool has_option = Has(index, option_);
+        if (ends && !has_option && !is_open_) {
+            findings_.push_back(
+                about_.At(index)
+                    .With(Impact::kNothing)
+                    .Problem("would break the file when set to on once more",
+                             option_ + " is added to " + Excerpt(lines_[index]) +
+                                 ", too, while the request statement above has it already",
+                             "move the request statement below it"));
+        }
+        runs_on_ = has_option || !ends;
+        is_open_ = is_open_ && !ends;
+    }
+
+    void AddUnended() {
+        findings_.push_back(about_.At(*begin_).Problem("is switched in the wrong statement",
+                                                       "no ';' ends this request statement",
+                                                       "write one after its last option"));
+    }
+
+    Finding Absence() const {
+        if (const std::optional<size_t> block = SwitchedOffBlock()) {
+            return about_.At(*block).Warning(
+                "cannot be set while the method is static",
+                "the interface's block is switched off, and no other request statement counts",
+                "velkctl set " + interface_ + ".method dhcp, when DHCP is wanted");
+        }
+        return about_.Problem("cannot be set",
+                              "there is no request statement" +
+                                  (interface_.empty() ? "" : " that counts for " + interface_),
+                              "add one: request subnet-mask, broadcast-address, routers;");
+    }
+
+    // Returns the interface's block that is off and has a request statement.
+    std::optional<size_t> SwitchedOffBlock() const {
+        velk::ConfigBlocks blocks(interface_, /*comment_aware=*/false);
+        std::optional<size_t> begin;
+        for (size_t i = 0; i < lines_.size(); ++i) {
+            const bool was_in_block = blocks.in_block();
+            (void)blocks.Concerns(lines_[i]);
+            if (!was_in_block && blocks.in_block() && IsComment(lines_[i])) {
+                begin = i;
+            }
+            if (begin && blocks.in_block() &&
+                velk::HasWord(lines_[i], kRequest, /*comment_aware=*/false)) {
+                return begin;
+            }
+        }
+        return std::nullopt;
+    }
+
+    const Lines& lines_;
+    const std::string option_;
+    const std::string interface_;  // empty: the option of all interfaces
+    const Finding about_;
+    std::optional<size_t> begin_{};  // the start of the last request statement
+    bool is_open_ = false;           // the statement has no ";" yet
+    bool runs_on_ = false;           // for the library, the next line is a part of it
+    Findings findings_{};
+};
+
 }  // namespace
 
 Findings CheckDhcpConfig() {
@@ -146,9 +262,13 @@ Findings CheckDhcpConfig() {
     if (!findings.empty()) {
         return findings;  // the library misreads the lines below them
     }
-    Append(findings, CheckBlockOf(file.lines, VELK_WIRED_INTERFACE));
-    Append(findings, CheckBlockOf(file.lines, VELK_WIRELESS_INTERFACE));
-    Append(findings, CheckDhcpRequests(file.lines));
+    Append(findings, FindingsOfEach(kInterfaces, [&](const std::string& interface) {
+               return CheckBlockOf(file.lines, interface);
+           }));
+    Append(findings,
+           FindingsOfEach(LinesOfSettings(velk::kDhcpConfigFile), [&](const SettingLine& option) {
+               return option.key.empty() ? Findings() : RequestCheck(file.lines, option).Run();
+           }));
     return findings;
 }
 

@@ -15,17 +15,17 @@ namespace velkctl {
 namespace {
 
 // The settings can still be read and set.
-Finding AboutCopy(const EditCopy& copy, const std::string& file) {
+Finding AboutCopy(const EditCopy& copy) {
     return {.subject = copy.file->subject,
-            .file = file,
+            .file = copy.path,
             .remedy = DiscardingOf(copy),
             .affected = copy.file->holds};
 }
 
 Finding UnderWay(const EditCopy& copy, const std::string& holder) {
-    return AboutCopy(copy, copy.path)
-        .Warning("may be changing now", "an edit may be under way: the lock is held by " + holder,
-                 "none while that one is at work");
+    return AboutCopy(copy).Warning("may be changing now",
+                                   "an edit may be under way: the lock is held by " + holder,
+                                   "none while that one is at work");
 }
 
 // The library cannot remove it, and so cannot make its edit copy.
@@ -34,7 +34,7 @@ Finding InTheWay(const EditCopy& copy) {
                                  ? "a folder"
                                  : KindOf(copy.facts.st_mode) + " of another user, " +
                                        AgeOf(copy.facts) + " old, that this one may not remove,";
-    return AboutCopy(copy, copy.path)
+    return AboutCopy(copy)
         .With(Impact::kSetting)
         .Problem("cannot be set", kind + " is in the place of the edit copy");
 }
@@ -46,29 +46,25 @@ std::string OwnerAndModeOf(const struct stat& facts) {
 }
 
 Finding Foreign(const EditCopy& copy) {
-    constexpr std::string_view kEffect = "can still be set";
-    const std::string place = " is in the place of the edit copy; the next set replaces it";
-    if (!S_ISREG(copy.facts.st_mode)) {
-        return AboutCopy(copy, copy.path).Warning(kEffect, KindOf(copy.facts.st_mode) + place);
-    }
-    return AboutCopy(copy, copy.path)
-        .Warning(kEffect,
-                 OwnerAndModeOf(copy.facts) + (copy.facts.st_nlink > 1 ? " and another name" : "") +
-                     ", not made by the library," + place,
-                 "look at it, use nothing of it, and remove it: " + DiscardingOf(copy));
+    const bool is_file = S_ISREG(copy.facts.st_mode);
+    const std::string name = copy.facts.st_nlink > 1 ? " and another name" : "";
+    const std::string kind = is_file
+                                 ? OwnerAndModeOf(copy.facts) + name + ", not made by the library,"
+                                 : KindOf(copy.facts.st_mode);
+    return AboutCopy(copy).Warning(
+        "can still be set", kind + " is in the place of the edit copy; the next set replaces it",
+        is_file ? "look at it, use nothing of it, and remove it: " + DiscardingOf(copy) : "");
 }
 
 // It may be the edit of a program with two users, or any user's file made by a program of root's.
 Finding Unproven(const EditCopy& copy) {
-    return AboutCopy(copy, copy.path)
-        .Warning("may be lost",
-                 OwnerAndModeOf(copy.facts) +
-                     ", perhaps the edit copy of a program whose real and effective user differ, "
-                     "has more "
-                     "than " +
-                     copy.file->path + "; the next set replaces it",
-                 "it may be the only whole text; look at it before you remove it: " +
-                     DiscardingOf(copy));
+    return AboutCopy(copy).Warning(
+        "may be lost",
+        OwnerAndModeOf(copy.facts) +
+            ", perhaps the edit copy of a program whose real and effective user differ, "
+            "has more than " +
+            copy.file->path + "; the next set replaces it",
+        "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy));
 }
 
 std::string DoubtsAbout(const EditCopy& copy) {
@@ -79,14 +75,14 @@ std::string DoubtsAbout(const EditCopy& copy) {
 }
 
 Finding Cut(const EditCopy& copy) {
-    return AboutCopy(copy, copy.file->path)
-        .With(Impact::kReading)
-        .Problem("may be lost",
-                 "the file seems to have been cut while being copied; the rest is in its edit "
-                 "copy " +
-                     copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
-                     "which the next set replaces" + AdditionsOf(copy),
-                 FinishingOf(copy));
+    Finding about = AboutCopy(copy).With(Impact::kReading);
+    about.file = copy.file->path;
+    return about.Problem(
+        "may be lost",
+        "the file seems to have been cut while being copied; the rest is in its edit copy " +
+            copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
+            "which the next set replaces" + AdditionsOf(copy),
+        FinishingOf(copy));
 }
 
 std::string Compared(const EditCopy& copy) {
@@ -103,15 +99,19 @@ std::string Compared(const EditCopy& copy) {
 }
 
 Finding LeftBehind(const EditCopy& copy) {
-    const bool can_be_finished =
-        copy.state == EditState::kDiffers || copy.state == EditState::kUncompared;
-    return AboutCopy(copy, copy.path)
-        .Warning(copy.state == EditState::kInPlace ? "can still be set" : "may not have been set",
-                 "an edit copy was left, " + AgeOf(copy.facts) + " old" + Compared(copy) +
-                     "; the next set replaces it" + (can_be_finished ? AdditionsOf(copy) : ""),
-                 can_be_finished ? "to discard the edit: " + DiscardingOf(copy) +
-                                       "; to finish it, " + FinishingOf(copy)
-                                 : "");
+    const Finding about = AboutCopy(copy);
+    const std::string left = "an edit copy was left, " + AgeOf(copy.facts) + " old" +
+                             Compared(copy) + "; the next set replaces it";
+    switch (copy.state) {
+        case EditState::kInPlace:
+            return about.Warning("can still be set", left);
+        case EditState::kPart:
+            return about.Warning("may not have been set", left);
+        default:
+            return about.Warning("may not have been set", left + AdditionsOf(copy),
+                                 "to discard the edit: " + DiscardingOf(copy) + "; to finish it, " +
+                                     FinishingOf(copy));
+    }
 }
 
 Finding CheckCopy(const EditCopy& copy) {

@@ -1,15 +1,17 @@
-// files_checks.cpp - whether the library's files are there and may be written.
+// files_checks.cpp - whether the library's files and the folders that it works in are there and may
+// be written.
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <span>
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/text_file.h"
-#include "velkctl/settings/device_files.h"
 #include "velkctl/text/find_row.h"
 
 namespace velkctl {
@@ -39,120 +41,156 @@ constexpr std::array<Loss, 3> kLossesByAbsence{{
     {velk::kResolverFile, "cannot be read until it is set", Severity::kWarning, Impact::kReading},
 }};
 
-// The check of one file.
-class FileCheck {
-  public:
-    explicit FileCheck(const DeviceFile& file)
-        : file_(file),
-          loss_(LossIn(kLosses, kEverything)),
-          about_{.severity = loss_.severity,
-                 .subject = file.subject,
-                 .file = file.path,
-                 .remedy = "put the device's own file in its place",
-                 .affected = file.holds,
-                 .impact = loss_.impact} {}
+constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
 
-    Findings Run() const {
-        const TextFile text = ReadTextFile(file_.path);
-        switch (text.state) {
-            case FileState::kText:
-                return CheckText(text);
-            case FileState::kMissing: {
-                const Loss loss = LossIn(kLossesByAbsence, loss_);
-                return {Found(loss.severity, loss.effect, "the file is missing",
-                              "put the device's own file there")
-                            .With(loss.impact)};
-            }
-            case FileState::kNotRegular:
-                return {Found(loss_.severity, loss_.effect,
-                              "a folder, a FIFO or a device is in its place")};
-            case FileState::kUnreadable:
-                return {Unreadable(text.error)};
-            case FileState::kTooLarge:
-                return {Found(loss_.severity, "cannot be examined", "the file is larger than 1 MiB")
-                            .With(Impact::kNothing)};
-        }
+Loss LossOf(std::string_view path, std::span<const Loss> losses, const Loss& otherwise) {
+    const Loss* loss = FindRow(losses, path, &Loss::path);
+    return loss == nullptr ? otherwise : *loss;
+}
+
+Finding AboutFile(const DeviceFile& file, const Loss& loss) {
+    return {.severity = loss.severity,
+            .subject = file.subject,
+            .effect = std::string(loss.effect),
+            .file = file.path,
+            .remedy = "put the device's own file in its place",
+            .affected = file.holds,
+            .impact = loss.impact};
+}
+
+std::string Refusal(std::string_view action, int error) {
+    return std::string("this user may not ").append(action).append(": ") + strerror(error);
+}
+
+std::string WritingRemedy(const std::string& path, int error) {
+    switch (error) {
+        case EROFS:
+            return "mount it writable";
+        case EPERM:  // also for root
+            return "chattr -i " + path;
+        default:
+            return "run the program as a user that may, or let this one write the file";
+    }
+}
+
+Findings CheckWriting(const Finding& about) {
+    if (faccessat(AT_FDCWD, about.file.c_str(), W_OK, AT_EACCESS) == 0) {
         return {};
     }
+    const int error = errno;
+    return {about.With(Impact::kSetting)
+                .Problem("cannot be set", Refusal("write the file", error),
+                         WritingRemedy(about.file, error))};
+}
 
-  private:
-    template <size_t size>
-    Loss LossIn(const std::array<Loss, size>& losses, const Loss& otherwise) const {
-        const Loss* loss = FindRow(losses, std::string_view(file_.path), &Loss::path);
-        return loss == nullptr ? otherwise : *loss;
+Findings CheckText(const DeviceFile& file, Finding about, const TextFile& text) {
+    const bool is_written = file.change == Change::kByEdit || file.change == Change::kWhole;
+    Findings findings = is_written ? CheckWriting(about) : Findings();
+    about.effect = "may be read and set wrongly";
+    if (text.bytes.find('\0') != std::string::npos) {
+        findings.push_back(about.Because("the file has NUL bytes; it is no text"));
     }
-
-    Finding Found(Severity severity, std::string_view effect, std::string_view description,
-                  std::string_view remedy = "") const {
-        return severity == Severity::kProblem ? about_.Problem(effect, description, remedy)
-                                              : about_.Warning(effect, description, remedy);
+    // The other files are read word by word, or number by number.
+    const size_t count = CountCarriageReturns(text.lines);
+    if (file.change == Change::kByEdit && count > 0) {
+        findings.push_back(about.With(Impact::kReading)
+                               .Because(std::to_string(count) + " of its " +
+                                            std::to_string(text.lines.size()) +
+                                            " lines end with CR LF",
+                                        "sed -i 's/[[:cntrl:]]$//' " + about.file));
     }
+    return findings;
+}
 
-    Finding Unreadable(int error) const {
-        const std::string reason =
-            std::string("this user may not read the file: ") + strerror(error);
-        return file_.change == Change::kBySudo
-                   ? about_.Warning("may not reach the SNMP agent", reason + "; not examined",
-                                    "run the doctor as a user that may")
-                   : Found(loss_.severity, loss_.effect, reason,
-                           "run the program as a user that may, or let this one read the file");
+Finding Unreadable(const DeviceFile& file, const Finding& about, int error) {
+    const std::string reason = Refusal("read the file", error);
+    return file.change == Change::kBySudo
+               ? about.Warning("may not reach the SNMP agent", reason + "; not examined",
+                               "run the doctor as a user that may")
+               : about.Because(reason,
+                               "run the program as a user that may, or let this one read the file");
+}
+
+Findings CheckFile(const DeviceFile& file) {
+    const Loss loss = LossOf(file.path, kLosses, kEverything);
+    const Finding about = AboutFile(file, loss);
+    const TextFile text = ReadTextFile(file.path);
+    switch (text.state) {
+        case FileState::kText:
+            return CheckText(file, about, text);
+        case FileState::kMissing:
+            return {AboutFile(file, LossOf(file.path, kLossesByAbsence, loss))
+                        .Because("the file is missing", "put the device's own file there")};
+        case FileState::kNotRegular:
+            return {about.Because("a folder, a FIFO or a device is in its place")};
+        case FileState::kUnreadable:
+            return {Unreadable(file, about, text.error)};
+        case FileState::kTooLarge:
+            return {AboutFile(file, {"", "cannot be examined", loss.severity})
+                        .Because("the file is larger than 1 MiB")};
     }
+    return {};
+}
 
-    Findings CheckText(const TextFile& text) const {
-        Findings findings = CheckWriting();
-        if (text.bytes.find('\0') != std::string::npos) {
-            findings.push_back(Found(loss_.severity, "may be read and set wrongly",
-                                     "the file has NUL bytes; it is no text"));
-        }
-        // The other files are read word by word, or number by number.
-        const size_t count = CountCarriageReturns(text.lines);
-        if (file_.change == Change::kByEdit && count > 0) {
-            findings.push_back(
-                about_.With(Impact::kReading)
-                    .Problem("may be read and set wrongly",
-                             std::to_string(count) + " of its " +
-                                 std::to_string(text.lines.size()) + " lines end with CR LF",
-                             std::string("sed -i 's/[[:cntrl:]]$//' ") + file_.path));
-        }
-        return findings;
+// Returns findings without a text, one of each folder, with their effect.
+Findings AboutFolders() {
+    const Finding wireless{.subject = "wireless settings",
+                           .effect = "can be neither read nor set",
+                           .file = "/tmp",
+                           .affected = WirelessSettings(),
+                           .impact = Impact::kSetting};
+    Finding semaphores = wireless;
+    semaphores.file = velk::kSemaphoreFolder;
+    return {{.subject = "all settings in files",
+             .effect = "cannot be set",
+             .file = velk::kEditFolder,
+             .affected = EditedSettings(),
+             .impact = Impact::kSetting},
+            {.subject = "ntp-result",
+             .effect = "cannot be cleared when ntp is set to off",
+             .file = "/var/libvelk",
+             .affected = SettingsHeldIn(velk::kNtpLog)},
+            wireless,
+            semaphores};
+}
+
+Findings CheckSpace(const Finding& about) {
+    struct statvfs facts {};
+    if (statvfs(about.file.c_str(), &facts) == -1 || facts.f_blocks == 0) {
+        return {};  // 0: a file system without a limit
     }
-
-    Findings CheckWriting() const {
-        const bool is_written = file_.change == Change::kByEdit || file_.change == Change::kWhole;
-        if (!is_written || faccessat(AT_FDCWD, file_.path, W_OK, AT_EACCESS) == 0) {
-            return {};
-        }
-        const int error = errno;
-        return {about_.With(Impact::kSetting)
-                    .Problem("cannot be set",
-                             std::string("this user may not write the file: ") + strerror(error),
-                             WritingRemedy(error))};
+    const unsigned long long free = 1ULL * facts.f_bavail * facts.f_frsize;
+    const bool has_files = facts.f_files == 0 || facts.f_favail > 0;
+    if (free >= kLeastFree && has_files) {
+        return {};
     }
+    const std::string rest =
+        has_files ? std::to_string(free) + " bytes are free" : "it takes no more files";
+    return {about.Because("the file system is full: " + rest,
+                          "remove files that are not needed there")};
+}
 
-    std::string WritingRemedy(int error) const {
-        switch (error) {
-            case EROFS:
-                return "mount it writable";
-            case EPERM:  // also for root
-                return std::string("chattr -i ") + file_.path;
-            default:
-                return "run the program as a user that may, or let this one write the file";
-        }
+Findings CheckFolder(const Finding& about) {
+    struct stat facts {};
+    const char* path = about.file.c_str();
+    if (stat(path, &facts) == -1 || !S_ISDIR(facts.st_mode)) {
+        return {about.Because("the folder is missing", "mkdir -p " + about.file)};
     }
-
-    const DeviceFile& file_;
-    const Loss loss_;
-    const Finding about_;
-};
+    if (faccessat(AT_FDCWD, path, W_OK | X_OK, AT_EACCESS) == -1) {
+        return {about.Because(Refusal("write the folder", errno),
+                              "run the program as a user that may, or let this one write it")};
+    }
+    return CheckSpace(about);
+}
 
 }  // namespace
 
 Findings CheckFiles() {
-    Findings findings;
-    for (const DeviceFile& file : DeviceFiles()) {
-        Append(findings, FileCheck(file).Run());
-    }
-    return findings;
+    return FindingsOfEach(DeviceFiles(), CheckFile);
+}
+
+Findings CheckFolders() {
+    return FindingsOfEach(AboutFolders(), CheckFolder);
 }
 
 }  // namespace velkctl

@@ -41,11 +41,9 @@ Json CauseInJson(const Finding& finding) {
 
 Finding Finding::Problem(std::string_view new_effect, std::string_view new_description,
                          std::string_view new_remedy) const {
-    Finding finding = *this;
+    Finding finding = Because(new_description, new_remedy);
     finding.severity = Severity::kProblem;
     finding.effect = new_effect;
-    finding.description = new_description;
-    finding.remedy = new_remedy.empty() ? remedy : new_remedy;
     return finding;
 }
 
@@ -53,6 +51,13 @@ Finding Finding::Warning(std::string_view new_effect, std::string_view new_descr
                          std::string_view new_remedy) const {
     Finding finding = Problem(new_effect, new_description, new_remedy);
     finding.severity = Severity::kWarning;
+    return finding;
+}
+
+Finding Finding::Because(std::string_view new_description, std::string_view new_remedy) const {
+    Finding finding = *this;
+    finding.description = new_description;
+    finding.remedy = new_remedy.empty() ? remedy : new_remedy;
     return finding;
 }
 

@@ -43,6 +43,8 @@ struct Finding {
                     std::string_view remedy = "") const;
     Finding Warning(std::string_view effect, std::string_view description,
                     std::string_view remedy = "") const;
+    // The same with the severity and the effect that it has.
+    Finding Because(std::string_view description, std::string_view remedy = "") const;
 
     // Return a copy with one member changed. `index` counts lines from 0.
     Finding At(size_t index) const;
@@ -55,6 +57,16 @@ Finding About(const Setting& setting, std::string_view file, Impact impact);
 using Findings = std::vector<Finding>;
 
 void Append(Findings& all, Findings more);
+
+// Returns the findings of the check about each of the items.
+template <typename Items, typename Check>
+Findings FindingsOfEach(const Items& items, Check check) {
+    Findings findings;
+    for (const auto& item : items) {
+        Append(findings, check(item));
+    }
+    return findings;
+}
 
 // Returns "/etc/network/interfaces:12", as compilers point at a line; empty without a file.
 std::string LocationOf(const Finding& finding);

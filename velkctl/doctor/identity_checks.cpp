@@ -5,17 +5,14 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/text_file.h"
-#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
 
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](unsigned char c) { return static_cast<char>(tolower(c)); });
-    return lower;
+// `text` is in small letters.
+bool ContainsInAnyCase(std::string_view line, std::string_view text) {
+    const auto lower = [](unsigned char c) { return static_cast<char>(tolower(c)); };
+    return !std::ranges::search(line, text, {}, lower).empty();
 }
 
 Findings CheckDirective(const TextFile& file, const SettingLine& directive) {
@@ -26,7 +23,7 @@ Findings CheckDirective(const TextFile& file, const SettingLine& directive) {
                                   "add a line \"" + name + " unknown\"");
     for (size_t i = 0; i < file.lines.size(); ++i) {
         const std::string_view line = Trimmed(file.lines[i]);
-        if (line.starts_with('#') || !velk::Contains(Lower(line), name)) {
+        if (line.starts_with('#') || !ContainsInAnyCase(line, name)) {
             continue;
         }
         if (velk::Contains(line, name)) {
@@ -36,17 +33,6 @@ Findings CheckDirective(const TextFile& file, const SettingLine& directive) {
                                     "write " + name);
     }
     return {found};
-}
-
-Findings CheckDirectives() {
-    const TextFile file = ReadTextFile(velk::kSnmpFile);
-    Findings findings;
-    for (const SettingLine& directive : LinesOfSettings(velk::kSnmpFile)) {
-        if (file.state == FileState::kText) {
-            Append(findings, CheckDirective(file, directive));
-        }
-    }
-    return findings;
 }
 
 // Returns the text after the key, as the library reads it: the first line counts, cut to the data
@@ -70,14 +56,14 @@ Findings CheckTexts() {
             if (setting.row == other.row || !velk::Contains(TextOf(file, key), directive)) {
                 continue;
             }
-            const Finding about{.subject = setting.name(),
-                                .file = velk::kIdentityFile,
-                                .affected = {setting, other}};
             findings.push_back(
-                about.Problem("is cut for the SNMP agent when " + other.name() + " is set",
-                              "the text holds '" + std::string(directive) +
-                                  "', from which on that set replaces a line",
-                              "velkctl set " + setting.name() + " TEXT, without that word"));
+                {.subject = setting.name(),
+                 .effect = "is cut for the SNMP agent when " + other.name() + " is set",
+                 .description = "the text holds '" + std::string(directive) +
+                                "', from which on that set replaces a line",
+                 .file = velk::kIdentityFile,
+                 .remedy = "velkctl set " + setting.name() + " TEXT, without that word",
+                 .affected = {setting, other}});
         }
     }
     return findings;
@@ -86,7 +72,13 @@ Findings CheckTexts() {
 }  // namespace
 
 Findings CheckIdentity() {
-    Findings findings = CheckDirectives();
+    const TextFile agent = ReadTextFile(velk::kSnmpFile);
+    Findings findings;
+    if (agent.state == FileState::kText) {
+        findings = FindingsOfEach(
+            LinesOfSettings(velk::kSnmpFile),
+            [&](const SettingLine& directive) { return CheckDirective(agent, directive); });
+    }
     Append(findings, CheckTexts());
     return findings;
 }

@@ -14,12 +14,10 @@ namespace {
 constexpr mode_t kLockMode = 0666;
 constexpr mode_t kModeBits = 07777;
 
-constexpr std::string_view kCannotBeChanged = "cannot be changed";
-
 Findings CheckAccess(const Finding& about, const struct stat& facts) {
     const std::string remedy = std::string("chmod 666 ") + velk::kLockFile;
     if (faccessat(AT_FDCWD, velk::kLockFile, R_OK | W_OK, AT_EACCESS) == -1) {
-        return {about.Problem(kCannotBeChanged, "this user may not open the lock file", remedy)};
+        return {about.Because("this user may not open the lock file", remedy)};
     }
     if ((facts.st_mode & kModeBits) != kLockMode) {
         return {about.Warning("cannot be changed by every user", "the lock file's mode is not 666",
@@ -31,14 +29,14 @@ Findings CheckAccess(const Finding& about, const struct stat& facts) {
 }  // namespace
 
 Findings CheckLock() {
-    const Finding about{.subject = "settings", .file = velk::kLockFile};
+    const Finding about{
+        .subject = "settings", .effect = "cannot be changed", .file = velk::kLockFile};
     struct stat facts {};
     if (lstat(velk::kLockFile, &facts) == -1) {
         return {};  // the first set makes it
     }
     if (S_ISLNK(facts.st_mode) || S_ISDIR(facts.st_mode)) {
-        return {about.Problem(kCannotBeChanged,
-                              KindOf(facts.st_mode) + " is in the place of the lock file",
+        return {about.Because(KindOf(facts.st_mode) + " is in the place of the lock file",
                               RemovalOf(velk::kLockFile, facts))};
     }
     Findings findings = CheckAccess(about, facts);

@@ -41,6 +41,18 @@ std::string_view Trimmed(std::string_view line);
 // Returns a line without its newline, or carriage return and newline.
 std::string_view WithoutLineEnd(std::string_view line);
 
+// Returns the indexes of the lines for which the condition is true. Asks about each, in order.
+template <typename Condition>
+std::vector<size_t> IndexesOf(const Lines& lines, Condition condition) {
+    std::vector<size_t> indexes;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (condition(lines[i])) {
+            indexes.push_back(i);
+        }
+    }
+    return indexes;
+}
+
 // Returns the number of lines that end with carriage return and newline.
 size_t CountCarriageReturns(const Lines& lines);
 

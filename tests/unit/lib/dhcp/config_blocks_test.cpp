@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velk/ipconf.h"
+#include "velk/dhcp.h"
 #include "velk/request.h"
 
 namespace {
