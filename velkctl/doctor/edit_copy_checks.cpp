@@ -61,7 +61,7 @@ Finding Unproven(const EditCopy& copy) {
     return AboutCopy(copy).Warning(
         "may be lost",
         OwnerAndModeOf(copy.facts) +
-            ", perhaps the edit copy of a program whose real and effective user differ, "
+            ", perhaps the edit copy of a program with two users, a real and an effective one, "
             "has more than " +
             copy.file->path + "; the next set replaces it",
         "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy));

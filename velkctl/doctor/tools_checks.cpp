@@ -189,7 +189,7 @@ Findings CheckIfconfig() {
         if (!run.ended) {
             return {AboutTool().Problem("does not end",
                                         "'ifconfig " + interface + "' ran for more than 5 seconds",
-                                        "find out what it waits for")};
+                                        "find out why it does not end")};
         }
         if (velk::Contains(run.output, kAnyAddress)) {
             return CheckIfconfigOutput(run.output);

@@ -188,7 +188,7 @@ it 'advises to look at a file that others may read if it may be the only complet
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
     : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
-output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program whose real and effective user differ, has more than /etc/network/interfaces; the next set replaces it
+output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program with two users, a real and an effective one, has more than /etc/network/interfaces; the next set replaces it
   fix: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
 0'
 

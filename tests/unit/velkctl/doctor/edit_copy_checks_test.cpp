@@ -187,8 +187,8 @@ TEST_F(EditCopyCheck, AdvisesToLookAtAFileThatMayBeTheOnlyCompleteText) {
         Said(),
         "warning: ntp, ntp-server and web-update may be lost: /var/tmp/root: a file of user " +
             std::to_string(geteuid()) +
-            " with mode 644, perhaps the edit copy of a program whose real and effective "
-            "user differ, has more than /var/cron/tabs/root; the next set replaces it\n"
+            " with mode 644, perhaps the edit copy of a program with two users, a real and an "
+            "effective one, has more than /var/cron/tabs/root; the next set replaces it\n"
             "  fix: it may be the only whole text; look at it before you remove it: (flock 9 "
             "&& rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
 }
