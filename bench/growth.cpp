@@ -7,8 +7,8 @@
 #include "bench/comparison.h"
 #include "bench/floor.h"
 #include "bench/groups.h"
-#include "bench/process.h"
 #include "bench/request.h"
+#include "bench/run_program.h"
 #include "lib/base/paths.h"
 
 namespace bench {

@@ -1,4 +1,4 @@
-// frame.h - the lock, the shell helpers of all commands, and interface restart.
+// frame.h - functions of lib/entry, lib/restart and lib/base: lock, shell lines, interface restart.
 #ifndef VELK_FRAME_H_
 #define VELK_FRAME_H_
 

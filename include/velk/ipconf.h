@@ -107,6 +107,8 @@ VELK_API int SetDefGatewayConf(const _velk_request& request, char* out);
 
 // ---- Exit hooks of the DHCP client -------------------------------------------------------------
 //
+// Source: lib/dhcp/exit_hooks.cpp.
+//
 // /etc/dhclient-exit-hooks is a shell script that the DHCP client's script runs after its lease
 // events, see dhclient-script(8). A feature is a command line that must be there already: it is
 // switched off by a "#" in column one and on by deleting the line's first "#". Lines between
@@ -133,7 +135,7 @@ VELK_API int SetNtpdate(const _velk_request& request);
 // SetDhclient() for the programs that print a notice when DHCP has finished,
 // "/sbin/printdhcpnotice.pl", and when it starts, "/sbin/printdhcpstart.pl". The second is not
 // touched when the first fails. `out` is not used. Only for "eth0": for any other interface nothing
-// is done and the difference of the names, as of strcmp(3), is returned.
+// is done, and the result is that of strcmp(3) on its name and "eth0".
 VELK_API int SetPrintDHCPFinished(const _velk_request& request, char* out);
 
 // Writes into out[0] whether the link-local daemon is switched on for the request's interface:
@@ -143,6 +145,8 @@ VELK_API int SetPrintDHCPFinished(const _velk_request& request, char* out);
 VELK_API int GetApipa(const _velk_request& request, char* out);
 
 // ---- Text search -------------------------------------------------------------------------------
+//
+// Source: lib/base/exported_helpers.cpp.
 
 // Sets `pos` to the first place of `word` in `line`, to 0xffffffff if there is none. Returns true
 // if it is a word there: at the start or after a blank, a tab, a comma or a "#", and before a

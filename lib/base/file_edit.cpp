@@ -13,6 +13,7 @@
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/target_guard.h"
+#include "lib/base/users.h"
 #include "velk/request.h"
 
 namespace velk {

@@ -18,7 +18,7 @@ namespace velk {
 // edit replaces it.
 class FileEdit {
   public:
-    // Opens the file, then a new edit copy, whether or not the file opened.
+    // Opens the file, then creates a new edit copy, even if the file could not be opened.
     explicit FileEdit(const std::string& target);
 
     bool is_open() const { return target_error() == 0 && copy_error() == 0; }

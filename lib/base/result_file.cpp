@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "lib/base/paths.h"
-#include "lib/base/shell.h"
+#include "lib/base/users.h"
 
 namespace velk {
 namespace {

@@ -22,8 +22,8 @@ bool IsOwnResultFile(const struct stat& facts);
 bool PrepareResultFile();
 
 // Opens the result file for reading, without following a link and without waiting for a writer.
-// Returns -1 with errno if that fails or the file is not the caller's own. Also if no shell has
-// written into the file that PrepareResultFile() created; that file is removed.
+// Returns -1 with errno on failure, or if the file is not the caller's own. Returns -1 too if no
+// shell has written into the file that PrepareResultFile() created, and removes that file.
 UniqueFd OpenResultFile();
 
 }  // namespace velk

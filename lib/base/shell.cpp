@@ -1,4 +1,4 @@
-// shell.cpp - shell lines, and putting an edited copy in place with them.
+// shell.cpp - formatted shell lines, and those that put an edit copy in place.
 #include "lib/base/shell.h"
 
 #include <cerrno>

@@ -1,11 +1,9 @@
-// shell.h - one formatted shell line.
+// shell.h - formatted shell lines, and those that put an edit copy in place.
 #ifndef VELK_BASE_SHELL_H_
 #define VELK_BASE_SHELL_H_
 
 #include <cstddef>
 #include <string>
-
-#include <unistd.h>
 
 namespace velk {
 
@@ -25,12 +23,6 @@ class CommandLine {
     char text_[256];
     int length_;  // the length of the whole line, also if it does not fit
 };
-
-// Returns true in a host with different real and effective users. Shells give up the effective
-// user, so the real one must be able to read the files that the library makes for them.
-inline bool HasTwoUsers() {
-    return getuid() != geteuid();
-}
 
 // The two lines that put an edit copy in place, in this order.
 CommandLine CopyingLine(const std::string& source, const std::string& target);

@@ -124,7 +124,8 @@ int SetDhcpRequest(const std::string& nic, bool enable) {
     ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
     for (std::string_view line; edit.ReadLine(line);) {
         const bool concerns = blocks.Concerns(line);
-        // A closing line is not in its block but is switched with it, also one that closes nothing.
+        // A line with "}" is switched together with its block, although it is not part of it. So
+        // is a "}" that ends no block.
         if (concerns && (blocks.in_block() || Contains(line, kBlockEnd))) {
             edit.Write(SwitchLine(line, std::string_view::npos, enable));
         } else {

@@ -1,10 +1,12 @@
-// lock.h - holds the inter-process lock for the length of a scope.
-#include "velk/request.h"
+// lock.h - the inter-process lock around set and restart commands.
 #ifndef VELK_ENTRY_LOCK_H_
 #define VELK_ENTRY_LOCK_H_
 
+#include "velk/request.h"
+
 namespace velk {
 
+// Holds the lock until the end of a scope.
 class CommandLock {
   public:
     // Owns the result of VkLibLock().

@@ -19,7 +19,7 @@ constexpr char kBuiltInModel[] = "QT4408RKM";
 constexpr size_t kKeyLength = 4;  // the length of "VID=" and "PID="
 
 // Returns the hexadecimal number after a key at the start of the line.
-unsigned NumberBehindKey(std::string_view line) {
+unsigned NumberAfterKey(std::string_view line) {
     const std::string text(line.substr(kKeyLength));
     const unsigned long number = strtoul(text.c_str(), nullptr, 16);
     return static_cast<unsigned>(std::min<unsigned long>(number, UINT_MAX));
@@ -39,10 +39,10 @@ std::vector<std::string> SupportedAdapters() {
     unsigned vendor = 0;
     for (std::string_view line; list.ReadLine(line);) {
         if (Contains(line, "VID=")) {
-            vendor = NumberBehindKey(line);
+            vendor = NumberAfterKey(line);
         }
         if (Contains(line, "PID=")) {
-            adapters.push_back(DeviceText(vendor, NumberBehindKey(line)));
+            adapters.push_back(DeviceText(vendor, NumberAfterKey(line)));
         }
     }
     return adapters;

@@ -24,8 +24,8 @@ namespace {
 // ethtool(8) may have no answer while the driver starts, so it is asked once a second for a minute.
 constexpr int kEthtoolRetry = 60;
 
-// Returns the link state that one run of ethtool shows, if any. The wait for a turn that another
-// program never gives back is paid in the first run only.
+// Returns the link state from one run of ethtool; nothing if it shows none. If another program
+// never ends its turn, only the first run waits for it.
 std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
     CommandOutput output(
         CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile),

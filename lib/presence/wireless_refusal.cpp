@@ -1,4 +1,4 @@
-// wireless.cpp - refuses commands on the wireless interface.
+// wireless_refusal.cpp - refuses commands on the wireless interface.
 #include "lib/presence/wireless_refusal.h"
 
 #include "velk/request.h"

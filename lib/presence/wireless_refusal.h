@@ -1,4 +1,4 @@
-// wireless.h - refuses commands on the wireless interface.
+// wireless_refusal.h - refuses commands on the wireless interface.
 #ifndef VELK_PRESENCE_WIRELESS_REFUSAL_H_
 #define VELK_PRESENCE_WIRELESS_REFUSAL_H_
 

@@ -1,5 +1,6 @@
-// address.cpp - hardware address, IPv4 address and mask of an interface, by ioctl(2) or
-// ifconfig(8).
+// address.cpp - hardware address, IPv4 address and mask of an interface: read by ioctl(2), set with
+// ifconfig(8). Only SetNetAddress() sets one by ioctl(2). ifconfig.cpp reads the live address of a
+// command.
 #include <cerrno>
 #include <cstdint>
 #include <cstring>

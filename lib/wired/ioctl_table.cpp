@@ -1,4 +1,4 @@
-// ioctl_table.cpp - the properties that the kernel holds, and the commands on them.
+// ioctl_table.cpp - the functions that read and change a property that the kernel holds.
 #include "lib/wired/ioctl_table.h"
 
 #include <algorithm>

@@ -1,7 +1,8 @@
 // query.h - one question to the wireless daemon and its answer.
-#include "velk/wlan.h"
 #ifndef VELK_WLAN_QUERY_H_
 #define VELK_WLAN_QUERY_H_
+
+#include "velk/wlan.h"
 
 namespace velk {
 

@@ -1,4 +1,4 @@
-// semaphore.cpp - the semaphore that lets the wireless daemon reply.
+// semaphore.cpp - the semaphore of one query, which no other user can post.
 #include "lib/wlan/semaphore.h"
 
 #include <cerrno>

@@ -3,7 +3,7 @@
 
 #include <fstream>
 
-#include "sandbox/hardware/interfaces_file.h"
+#include "sandbox/hardware/static_address.h"
 #include "sandbox/hardware/tap_ports.h"
 #include "sandbox/process/failure.h"
 

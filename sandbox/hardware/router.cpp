@@ -15,9 +15,9 @@
 
 #include "sandbox/hardware/netns_scope.h"
 #include "sandbox/hardware/time_server.h"
-#include "sandbox/process/daemon_process.h"
-#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/messages.h"
+#include "sandbox/process/pid_file.h"
 #include "sandbox/process/programs.h"
 #include "sandbox/process/run_paths.h"
 

@@ -3,8 +3,8 @@
 
 #include <unistd.h>
 
-#include "sandbox/process/daemon_process.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/pid_file.h"
 #include "sandbox/process/programs.h"
 #include "sandbox/process/run_paths.h"
 

@@ -15,6 +15,7 @@
 #include "sandbox/process/bound_child.h"
 #include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/session/exec_command.h"
 #include "sandbox/session/terminal.h"
 

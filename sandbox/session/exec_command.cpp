@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "sandbox/process/exit_status.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/process/programs.h"
 #include "sandbox/process/run_paths.h"
 

@@ -14,6 +14,7 @@
 #include "sandbox/control/orders.h"
 #include "sandbox/hardware/hardware_process.h"
 #include "sandbox/process/exit_status.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/session/enter.h"
 #include "sandbox/session/session.h"
 #include "sandbox/session/watch.h"

@@ -20,6 +20,7 @@
 #include "sandbox/hardware/hardware_process.h"
 #include "sandbox/process/bound_child.h"
 #include "sandbox/process/exit_status.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/session/exec_command.h"
 #include "sandbox/session/real_tools.h"
 #include "sandbox/session/stand_ins.h"

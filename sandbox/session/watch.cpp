@@ -24,8 +24,8 @@
 
 #include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
-#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/process/printable.h"
 #include "sandbox/process/programs.h"
 

@@ -31,7 +31,7 @@ bool ApplyOrder(const std::string& order, Behaviour& behaviour) {
 
 }  // namespace
 
-ControlSocket::ControlSocket() : fd_(OpenSocket()) {
+ReplyModeSocket::ReplyModeSocket() : fd_(OpenSocket()) {
     const Address address(kControlSocket);
     if (bind(fd_.get(), address.get(), address.length()) == -1) {
         if (errno == EADDRINUSE) {
@@ -41,7 +41,7 @@ ControlSocket::ControlSocket() : fd_(OpenSocket()) {
     }
 }
 
-bool ControlSocket::Take(Behaviour& behaviour) const {
+bool ReplyModeSocket::Take(Behaviour& behaviour) const {
     bool is_changed = false;
     char order[64];
     for (;;) {
@@ -53,7 +53,7 @@ bool ControlSocket::Take(Behaviour& behaviour) const {
     }
 }
 
-void SendOrder(const std::string& mode, std::optional<std::chrono::milliseconds> delay) {
+void SetReplyMode(const std::string& mode, std::optional<std::chrono::milliseconds> delay) {
     std::string order = mode;
     if (delay) {
         order.append(" ").append(std::to_string(delay->count()));

@@ -13,10 +13,10 @@ namespace wland {
 
 // The socket has an abstract name. Only one process of a network namespace can have it, and the
 // kernel removes it when that process ends. So it also shows whether another daemon is running.
-class ControlSocket {
+class ReplyModeSocket {
   public:
     // Throws sandbox::Failure.
-    ControlSocket();
+    ReplyModeSocket();
 
     int fd() const { return fd_.get(); }
 
@@ -29,7 +29,7 @@ class ControlSocket {
 
 // Changes the reply mode of the running daemon, from its next request on. Without a delay, the
 // present delay is kept. Throws sandbox::Failure.
-void SendOrder(const std::string& mode, std::optional<std::chrono::milliseconds> delay);
+void SetReplyMode(const std::string& mode, std::optional<std::chrono::milliseconds> delay);
 
 }  // namespace wland
 

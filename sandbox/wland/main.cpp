@@ -116,7 +116,7 @@ int Run(int argc, char** argv) {
     if (options.tell.empty()) {
         Serve(options);
     } else {
-        wland::SendOrder(options.tell, options.Delay());
+        wland::SetReplyMode(options.tell, options.Delay());
     }
     return 0;
 }

@@ -41,7 +41,7 @@ class Server {
 
     const StopSignals& stop_;
     Behaviour behaviour_;
-    ControlSocket control_;  // first, because it detects a second daemon
+    ReplyModeSocket control_;  // first, because it detects a second daemon
     RequestSocket requests_;
     SMsgConf conf_;
     std::deque<LateReply> late_replies_;

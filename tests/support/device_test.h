@@ -51,7 +51,8 @@ std::string Data(const _velk_request& response, size_t size = VELK_DATA_SIZE);
 // process could not move onto a private device.
 class DeviceTest : public ::testing::Test {
   protected:
-    // Empties device and recorder already here, so that a derived fixture's members may script.
+    // Empties the device and the recorder, so that members of a derived fixture can already script
+    // calls.
     DeviceTest();
     void TearDown() override;
 

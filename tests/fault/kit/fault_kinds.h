@@ -38,7 +38,8 @@ inline const std::array kKinds{
     Kind{"sem_close", testkit::Call::kSemClose, testkit::Fail(EINVAL)},
     Kind{"sem_unlink", testkit::Call::kSemUnlink, testkit::Fail(EACCES)},
     Kind{"system", testkit::Call::kSystem, testkit::Fail(EAGAIN)},
-    // The answer of system(3) without a process or a shell: that of a shell that ran nothing.
+    // system(3) returns this if it cannot start a process or a shell: the status of a shell that
+    // could not run the line.
     Kind{"fork or exec", testkit::Call::kSystem, testkit::Return(127 << 8)},
 };
 

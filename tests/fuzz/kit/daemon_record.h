@@ -35,7 +35,7 @@ struct RecordRow {
     Field field;
     size_t offset, size;
     std::string bytes;  // the data of a set; a code is at the index of its number
-    char if_unknown;    // the byte beside the failure of a number without one
+    char if_unknown;    // the data byte of a failed get if the number is unknown
 };
 
 extern const std::vector<RecordRow> kRecordRows;

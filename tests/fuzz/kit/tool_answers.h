@@ -18,8 +18,8 @@ std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& tex
 std::optional<Answer> LinkSpeedFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> GatewayFrom(const std::string& interface, const Texts& routes);
 
-// The wired port's link, 1 or 0: the tool's first word counts, without one the last of the first
-// log that has one.
+// The wired port's link, 1 or 0: the first state in the tool's output; if it has none, the last
+// state in the first log that has one. It is 0 if no log has one.
 int LinkIn(const std::string& tool, const Texts& logs);
 
 }  // namespace fuzz

@@ -1,5 +1,5 @@
-// interfaces_file.cpp - reads static addresses from /etc/network/interfaces.
-#include "sandbox/hardware/interfaces_file.h"
+// static_address.cpp - reads static addresses from /etc/network/interfaces.
+#include "sandbox/hardware/static_address.h"
 
 #include <fstream>
 #include <sstream>

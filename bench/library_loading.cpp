@@ -1,7 +1,8 @@
-// loading.cpp - compares dlopen(3) and the first get with those of a library of one function.
+// library_loading.cpp - compares dlopen(3) and the first get with those of a library of one
+// function.
 #include "bench/comparison.h"
 #include "bench/groups.h"
-#include "bench/process.h"
+#include "bench/run_program.h"
 
 namespace bench {
 namespace {

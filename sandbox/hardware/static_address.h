@@ -1,6 +1,6 @@
-// interfaces_file.h - reads static addresses from /etc/network/interfaces.
-#ifndef SANDBOX_HARDWARE_INTERFACES_FILE_H_
-#define SANDBOX_HARDWARE_INTERFACES_FILE_H_
+// static_address.h - reads static addresses from /etc/network/interfaces.
+#ifndef SANDBOX_HARDWARE_STATIC_ADDRESS_H_
+#define SANDBOX_HARDWARE_STATIC_ADDRESS_H_
 
 #include <optional>
 #include <string>
@@ -15,4 +15,4 @@ std::optional<StaticAddress> ReadStaticAddress(const std::string& interface);
 
 }  // namespace sandbox
 
-#endif  // SANDBOX_HARDWARE_INTERFACES_FILE_H_
+#endif  // SANDBOX_HARDWARE_STATIC_ADDRESS_H_

@@ -1,5 +1,5 @@
-// daemon_process.cpp - stops a daemon of the device by its PID file.
-#include "sandbox/process/daemon_process.h"
+// pid_file.cpp - stops a daemon of the device by its PID file.
+#include "sandbox/process/pid_file.h"
 
 #include <csignal>
 #include <cstdio>

@@ -1,5 +1,5 @@
-// process.cpp - runs programs in the way a user does.
-#include "bench/process.h"
+// run_program.cpp - runs programs in the way a user does.
+#include "bench/run_program.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,5 @@
-// loader.cpp - a C++ program that loads a library and makes its first get; prints the nanoseconds.
+// loader_program.cpp - a C++ program that loads a library, makes its first get and prints the time
+// of both in nanoseconds.
 #include <chrono>
 #include <iostream>
 

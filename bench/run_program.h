@@ -1,6 +1,6 @@
-// process.h - runs programs in the way a user does.
-#ifndef BENCH_PROCESS_H_
-#define BENCH_PROCESS_H_
+// run_program.h - runs programs in the way a user does.
+#ifndef BENCH_RUN_PROGRAM_H_
+#define BENCH_RUN_PROGRAM_H_
 
 #include <functional>
 #include <string>
@@ -22,4 +22,4 @@ std::string Built(const std::string& name);
 
 }  // namespace bench
 
-#endif  // BENCH_PROCESS_H_
+#endif  // BENCH_RUN_PROGRAM_H_

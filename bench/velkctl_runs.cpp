@@ -1,7 +1,7 @@
-// processes.cpp - compares whole runs of velkctl with those of other programs.
+// velkctl_runs.cpp - compares whole runs of velkctl with those of other programs.
 #include "bench/comparison.h"
 #include "bench/groups.h"
-#include "bench/process.h"
+#include "bench/run_program.h"
 #include "lib/base/paths.h"
 
 namespace bench {
