@@ -11,8 +11,8 @@ namespace {
 
 // `text` is in small letters.
 bool ContainsInAnyCase(std::string_view line, std::string_view text) {
-    const auto lower = [](unsigned char c) { return static_cast<char>(tolower(c)); };
-    return !std::ranges::search(line, text, {}, lower).empty();
+    const auto is_same = [](unsigned char letter, char small) { return tolower(letter) == small; };
+    return std::search(line.begin(), line.end(), text.begin(), text.end(), is_same) != line.end();
 }
 
 Findings CheckDirective(const TextFile& file, const SettingLine& directive) {

@@ -165,6 +165,7 @@ std::vector<std::string> GuessedNames(std::string_view name) {
         return meant;
     }
     std::vector<std::string> short_names;
+    short_names.reserve(kRows.size());
     for (const CatalogueRow& row : kRows) {
         short_names.emplace_back(row.name);
     }

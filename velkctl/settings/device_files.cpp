@@ -87,8 +87,8 @@ std::vector<SettingLine> LinesOfSettings(std::string_view path) {
             }
         }
     }
-    std::ranges::stable_partition(
-        lines, [](const SettingLine& line) { return !line.setting.interface.empty(); });
+    std::stable_partition(lines.begin(), lines.end(),
+                          [](const SettingLine& line) { return !line.setting.interface.empty(); });
     return lines;
 }
 
