@@ -27,9 +27,8 @@ constexpr int kEthtoolRetry = 60;
 // Returns the link state from one run of ethtool; nothing if it shows none. If another program
 // never ends its turn, only the first run waits for it.
 std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
-    CommandOutput output(
-        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile),
-        wait_mode);
+    const CommandLine command("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile);
+    CommandOutput output(command, wait_mode);
     wait_mode = output.next_wait_mode();
     if (output.run_result() != LIB_VELK_SUCCESS) {
         return std::nullopt;
