@@ -35,7 +35,7 @@ class ChildCall {
     // The signal that ended the process; 0 if it ended by itself.
     int end_signal() const { return end_signal_; }
     // The output of the tools so far, without repeated lines and cut after 8 KiB.
-    std::vector<std::string> said() const;
+    std::vector<std::string> tool_output() const;
 
     // Kills the process and lets its tools end by themselves. Returns false if a tool still runs
     // after a second.
@@ -45,7 +45,7 @@ class ChildCall {
     void Reap();
 
     velk::UniqueFd answer_;
-    velk::UniqueFd said_;
+    velk::UniqueFd output_;
     pid_t process_ = -1;
     int start_error_ = 0;
     int end_signal_ = 0;

@@ -13,7 +13,6 @@
 #include "velkctl/call/edit_copy.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/files/unix_socket.h"
-#include "velkctl/text/escaping.h"
 
 namespace velkctl {
 namespace {
@@ -30,28 +29,6 @@ void RemoveQuery() {
 bool IsDispensable(EditState state) {
     return state == EditState::kPart || state == EditState::kInPlace ||
            state == EditState::kDiffers;
-}
-
-// Returns the edit copies of the command with files that were cut, or may have been.
-std::vector<EditCopy> CutEdits(const Command& command) {
-    std::vector<EditCopy> copies = FindEditCopies(command);
-    std::erase_if(copies, [](const EditCopy& copy) {
-        return copy.state != EditState::kCut && copy.state != EditState::kUnproven;
-    });
-    return copies;
-}
-
-Problem LossOf(const EditCopy& copy, const std::string& subject) {
-    if (copy.state == EditState::kUnproven) {
-        return {.message = subject + ": this set replaces " + copy.path,
-                .detail = "it may be the only complete text of " + std::string(copy.file->path),
-                .remedy = "look at it before a set"};
-    }
-    return {.message = subject + ": this set replaces the edit copy " + copy.path,
-            .detail = std::string(copy.file->path) +
-                      " seems cut by an interrupted edit; the copy has the rest" +
-                      Printable(AdditionsOf(copy)),
-            .remedy = "before a set, " + FinishingOf(copy)};
 }
 
 void RemoveToolOutput() {
@@ -87,19 +64,6 @@ void CleanUp(const Command& command, bool tools_ended) {
     // file of the device.
     if (command.type == VELK_SET && tools_ended) {
         RemoveEditCopies(command);
-    }
-}
-
-void NoteUnfinishedEdits(const Command& command, const std::string& subject, Report& report) {
-    if (CutEdits(command).empty()) {
-        return;
-    }
-    const LibraryLock lock;
-    if (lock.is_busy()) {
-        return;  // an edit may be under way; the library will refuse this command
-    }
-    for (const EditCopy& copy : CutEdits(command)) {
-        report.Note(LossOf(copy, subject));
     }
 }
 

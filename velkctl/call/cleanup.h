@@ -2,10 +2,7 @@
 #ifndef VELKCTL_CALL_CLEANUP_H_
 #define VELKCTL_CALL_CLEANUP_H_
 
-#include <string>
-
 #include "velkctl/call/command.h"
-#include "velkctl/report/report.h"
 
 namespace velkctl {
 
@@ -16,10 +13,6 @@ namespace velkctl {
 //
 // `tools_ended` is true if no program of the call is running.
 void CleanUp(const Command& command, bool tools_ended);
-
-// Warns before a set overwrites the edit copy of an interrupted edit: that copy may hold the only
-// complete text. `subject` is the name of the command in messages.
-void NoteUnfinishedEdits(const Command& command, const std::string& subject, Report& report);
 
 }  // namespace velkctl
 

@@ -11,7 +11,7 @@
 #include "velk/request.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
@@ -21,19 +21,13 @@ struct Command {
     std::string_view interface;  // at most VELK_INTERFACE_SIZE bytes
 };
 
-// True for the commands of the address, netmask and gateway. With method static they read the
-// configuration, with method dhcp the lease.
-constexpr bool IsAddressCommand(uint32_t id) {
-    return id == VELK_CMD_IP_ADDRESS || id == VELK_CMD_NETMASK || id == VELK_CMD_GATEWAY;
-}
-
 struct Answer {
     int result;
     Data data{};
-    bool timed_out = false;           // no answer came in time; `result` has no meaning
-    int timeout_seconds = 0;          // the limit, if timed out; 0: unknown
-    std::string remark{};             // more about a failure
-    std::vector<std::string> said{};  // the output of the tools that the library ran
+    bool timed_out = false;                  // no answer came in time; `result` has no meaning
+    int timeout_seconds = 0;                 // the limit, if timed out; 0: unknown
+    std::string remark{};                    // more about a failure
+    std::vector<std::string> tool_output{};  // the output of the tools that the library ran
 
     bool ok() const { return !timed_out && result == LIB_VELK_SUCCESS; }
     std::optional<int> known_result() const {

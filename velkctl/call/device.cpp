@@ -6,11 +6,10 @@
 #include <ctime>
 #include <optional>
 
-#include "velkctl/call/cleanup.h"
-#include "velkctl/call/interruption.h"
 #include "velkctl/call/library_call.h"
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/call/unfinished_edits.h"
 #include "velkctl/call/watched_call.h"
 #include "velkctl/files/lock_holder.h"
 
@@ -41,8 +40,10 @@ bool IsPlainRead(const Command& command) {
            !IsLeaseAddress(command);
 }
 
-Answer ExecuteOnce(const Call& call) {
-    NoteUnfinishedEdits(call.command, call.subject, call.report);
+Answer ExecuteOnce(const PendingCall& call) {
+    if (call.command.type == VELK_SET) {
+        NoteUnfinishedEdits(call.command, call.subject, call.report);
+    }
     const bool is_here = !call.deadline && IsPlainRead(call.command);
     return is_here ? CallLibrary(call.command, call.data) : ExecuteWatched(call);
 }
@@ -90,7 +91,7 @@ void Pause(Milliseconds time) {
 
 // Tries again until the lock is free or the time is over. At the deadline the answer is that of the
 // lock: the command has done nothing.
-Answer TryAgain(const Call& call, int seconds, Answer answer) {
+Answer TryAgain(const PendingCall& call, int seconds, Answer answer) {
     NoteLockHolder(seconds, call.report);
     const StopSignals signals;
     Milliseconds left = Seconds(seconds);
@@ -121,7 +122,7 @@ Answer Device::Set(const Setting& setting, const Data& value) const {
 }
 
 Answer Device::Execute(const Command& command, const Data& data, const std::string& subject) const {
-    const Call call{command, data, subject, DeadlineOf(limits_), report_};
+    const PendingCall call{command, data, subject, DeadlineOf(limits_), report_};
     Answer answer = ExecuteOnce(call);
     const int wait = SecondsForLock(limits_);
     if (IsLocked(answer) && wait > 0) {

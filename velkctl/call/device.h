@@ -8,7 +8,7 @@
 #include "velkctl/call/time_limits.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -144,7 +144,7 @@ std::vector<EditCopy> FindEditCopies(const Command& command) {
     return FindCopies([&](const DeviceFile& file) { return IsChangedBy(file, command.id); });
 }
 
-std::string AdditionsOf(const EditCopy& copy) {
+std::string DescribeNewLines(const EditCopy& copy) {
     if (!copy.new_lines) {
         return {};
     }
@@ -160,13 +160,13 @@ std::string AdditionsOf(const EditCopy& copy) {
     return "; the copy would add" + (count == 0 ? " no line" : lines);
 }
 
-std::string FinishingOf(const EditCopy& copy) {
+std::string AdviceToFinish(const EditCopy& copy) {
     return "compare both files, as with 'diff " + std::string(copy.file->path) + " " + copy.path +
            "', and if the copy is right, copy its text into the file by hand, as root";
 }
 
-std::string DiscardingOf(const EditCopy& copy) {
-    return UnderLock(RemovalOf(copy.path, copy.facts));
+std::string DiscardCommand(const EditCopy& copy) {
+    return UnderLock(RemoveCommand(copy.path, copy.facts));
 }
 
 }  // namespace velkctl

@@ -45,14 +45,14 @@ std::vector<EditCopy> FindEditCopies(const Command& command);
 
 // "; the copy would add 'timeout 10;' and 3 more lines": some of the lines that the file lacks.
 // Empty if they were not compared.
-std::string AdditionsOf(const EditCopy& copy);
+std::string DescribeNewLines(const EditCopy& copy);
 
 // Returns the advice to finish the edit. It is no line to paste: any user may have made the copy,
 // so a person must read it first.
-std::string FinishingOf(const EditCopy& copy);
+std::string AdviceToFinish(const EditCopy& copy);
 
 // Returns a shell line that removes the copy. It waits for the lock and takes it.
-std::string DiscardingOf(const EditCopy& copy);
+std::string DiscardCommand(const EditCopy& copy);
 
 }  // namespace velkctl
 

@@ -3,7 +3,7 @@
 #define VELKCTL_CALL_LIBRARY_CALL_H_
 
 #include "velkctl/call/command.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -1,9 +1,12 @@
-// stop_signals.cpp - holds back the signals that end velkctl while the library is working.
+// stop_signals.cpp - holds back the signals that end velkctl while the library is working, and ends
+// it by a signal afterwards.
 #include "velkctl/call/stop_signals.h"
 
 #include <array>
 
 #include <unistd.h>
+
+#include "velkctl/report/output.h"
 
 namespace velkctl {
 namespace {
@@ -58,6 +61,17 @@ void EndBySignal(int signal) {
     (void)sigprocmask(SIG_UNBLOCK, &only, nullptr);
     _exit(StatusOfSignal(
         signal));  // a signal of its own does not end the first process of a PID namespace
+}
+
+void EndInterrupted(int signal, const std::string& state, Report& report) {
+    if (!state.empty()) {
+        report.Complain("interrupted; " + state);
+    } else if (report.is_json()) {
+        report.Complain("interrupted");
+    }
+    report.Finish(StatusOfSignal(signal));
+    (void)FinishPrinting();
+    EndBySignal(signal);
 }
 
 }  // namespace velkctl

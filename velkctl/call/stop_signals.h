@@ -1,8 +1,12 @@
-// stop_signals.h - holds back the signals that end velkctl while the library is working.
+// stop_signals.h - holds back the signals that end velkctl while the library is working, and ends
+// it by a signal afterwards.
 #ifndef VELKCTL_CALL_STOP_SIGNALS_H_
 #define VELKCTL_CALL_STOP_SIGNALS_H_
 
 #include <csignal>
+#include <string>
+
+#include "velkctl/report/report.h"
 
 namespace velkctl {
 
@@ -32,6 +36,10 @@ int StatusOfSignal(int signal);
 
 // Ends the process by the signal.
 [[noreturn]] void EndBySignal(int signal);
+
+// Prints the output so far and ends velkctl by the signal. `state` is the state of the change:
+// "eth0.dns is already changed"; empty if nothing was changed, which needs no message.
+[[noreturn]] void EndInterrupted(int signal, const std::string& state, Report& report);
 
 }  // namespace velkctl
 

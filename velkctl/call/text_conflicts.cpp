@@ -16,6 +16,12 @@
 namespace velkctl {
 namespace {
 
+struct Conflict {
+    std::string problem;
+    std::string reason;
+    std::string remedy;
+};
+
 std::string TextIn(const Data& data) {
     return {data.data(), strnlen(data.data(), data.size())};
 }
@@ -24,44 +30,46 @@ std::string PlaceInCrontab(size_t index) {
     return std::string(velk::kCrontab) + ":" + std::to_string(index + 1);
 }
 
-std::string PresentServerProblem(const std::string& line, size_t index) {
+Conflict PresentServerConflict(const std::string& line, size_t index) {
     std::string server;
     (void)GetNtpdate(line, server);
-    return "the present server " + Quoted(Trimmed(server)) + " occurs earlier on the line " +
-           PlaceInCrontab(index) + ", too, where this set would replace it, in the command that " +
-           "cron runs; fix: write another server into that line with an editor, or give --force";
+    return Conflict{"the present server " + Quoted(Trimmed(server)) + " also occurs earlier in " +
+                        PlaceInCrontab(index),
+                    "this set would replace it there, in the command that cron runs",
+                    "write another server into that line with an editor, or give --force"};
 }
 
-std::string NewServerProblem(const std::string& server, size_t index) {
-    return Quoted(server) + " occurs earlier on the line " + PlaceInCrontab(index) +
-           ", too, where the next set would replace it, in the command that cron runs; give the " +
-           "server's address or another name, or --force";
+Conflict NewServerConflict(const std::string& server, size_t index) {
+    return Conflict{Quoted(server) + " also occurs earlier in " + PlaceInCrontab(index),
+                    "the next set would replace it there, in the command that cron runs",
+                    "give the server's address or another name, or --force"};
 }
 
-// Empty if a server can be set on the line, and if the line has no place for one.
-std::string ServerConflict(std::string line, const std::string& server, size_t index) {
+// Nothing if a server can be set on the line, and if the line has no place for one.
+std::optional<Conflict> ServerConflict(std::string line, const std::string& server, size_t index) {
     if (IsServerFoundTooEarly(line)) {
-        return PresentServerProblem(line, index);
+        return PresentServerConflict(line, index);
     }
     try {
         (void)ChangeNtpdate(line, server);
     } catch (const std::out_of_range&) {
-        return {};
+        return std::nullopt;
     }
-    return IsServerFoundTooEarly(line) ? NewServerProblem(server, index) : "";
+    return IsServerFoundTooEarly(line) ? std::optional(NewServerConflict(server, index))
+                                       : std::nullopt;
 }
 
-std::string TimeServerConflict(const std::string& server) {
+std::optional<Conflict> TimeServerConflict(const std::string& server) {
     const TextFile crontab = ReadTextFile(velk::kCrontab);
     for (size_t i = 0; i < crontab.lines.size(); ++i) {
         if (!velk::Contains(crontab.lines[i], kTimeClient)) {
             continue;
         }
-        if (std::string problem = ServerConflict(crontab.lines[i], server, i); !problem.empty()) {
-            return problem;
+        if (std::optional<Conflict> conflict = ServerConflict(crontab.lines[i], server, i)) {
+            return conflict;
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 // True if the setting's present text has the other one's directive in it.
@@ -71,42 +79,58 @@ bool Holds(const Setting& setting, const SettingLine& other, const Device& devic
     return answer.ok() && velk::Contains(TextIn(answer.data), other.key);
 }
 
-// Empty if the set leaves the other setting's line in the agent's file alone.
-std::string OtherTextProblem(const SettingLine& own, const SettingLine& other,
-                             const Device& device) {
+// Nothing if the set leaves the other setting's line in the agent's file alone.
+std::optional<Conflict> OtherTextConflict(const SettingLine& own, const SettingLine& other,
+                                          const Device& device) {
     if (!Holds(other.setting, own, device)) {
-        return {};
+        return std::nullopt;
     }
     const std::string name = other.setting.name();
-    return "the present " + name + " holds '" + std::string(own.key) +
-           "', from which on this set would replace it in " + velk::kSnmpFile +
-           "; fix: velkctl set " + (Holds(own.setting, other, device) ? "--force " : "") + name +
-           " TEXT first, without that word, or give --force";
+    const std::string force = Holds(own.setting, other, device) ? "--force " : "";
+    return Conflict{
+        "the present " + name + " contains '" + std::string(own.key) + "'",
+        std::string("this set would replace the line from there on in ") + velk::kSnmpFile,
+        "give --force, or first, without that word: velkctl set " + force + name + " TEXT"};
 }
 
-std::string IdentityConflict(const Setting& setting, const std::string& text,
-                             const Device& device) {
+std::optional<Conflict> IdentityConflict(const Setting& setting, const std::string& text,
+                                         const Device& device) {
     const std::vector<SettingLine> directives = LinesOfSettings(velk::kSnmpFile);
     for (const SettingLine& directive : directives) {
         if (velk::Contains(text, directive.key)) {
-            return "the text holds '" + std::string(directive.key) + "', from which on a set of " +
-                   directive.setting.name() + " would replace it in " + velk::kSnmpFile +
-                   "; give other words, or --force";
+            return Conflict{"the text contains '" + std::string(directive.key) + "'",
+                            "a set of " + directive.setting.name() +
+                                " replaces the line from there on in " + velk::kSnmpFile,
+                            "give other words, or --force"};
         }
     }
     const bool is_first = directives[0].setting.row->id == setting.row->id;
-    return OtherTextProblem(directives[is_first ? 0 : 1], directives[is_first ? 1 : 0], device);
+    return OtherTextConflict(directives[is_first ? 0 : 1], directives[is_first ? 1 : 0], device);
+}
+
+std::optional<Conflict> FindConflict(const Setting& setting, const std::string& text,
+                                     const Device& device) {
+    if (setting.row->id == VELK_CMD_NTP_SERVER) {
+        return TimeServerConflict(text);
+    }
+    return setting.row->held_in.second_line.file == velk::kSnmpFile
+               ? IdentityConflict(setting, text, device)
+               : std::nullopt;
 }
 
 }  // namespace
 
-std::string TextConflict(const Setting& setting, const Data& value, const Device& device) {
-    if (setting.row->id == VELK_CMD_NTP_SERVER) {
-        return TimeServerConflict(TextIn(value));
+std::optional<Problem> TextConflict(const Setting& setting, const Data& value,
+                                    const Device& device) {
+    const std::optional<Conflict> conflict = FindConflict(setting, TextIn(value), device);
+    if (!conflict) {
+        return std::nullopt;
     }
-    return setting.row->held_in.second_line.file == velk::kSnmpFile
-               ? IdentityConflict(setting, TextIn(value), device)
-               : "";
+    const std::string name = setting.name();
+    return Problem{.message = name + ": " + conflict->problem,
+                   .setting = name,
+                   .detail = conflict->reason,
+                   .remedy = conflict->remedy};
 }
 
 }  // namespace velkctl

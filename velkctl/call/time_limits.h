@@ -1,4 +1,7 @@
 // time_limits.h - how long a user wants to wait.
+//
+// cli/time_options.cpp parses the options. device.cpp applies the limits: the deadline of a command
+// ends its process in watched_call.cpp.
 #ifndef VELKCTL_CALL_TIME_LIMITS_H_
 #define VELKCTL_CALL_TIME_LIMITS_H_
 

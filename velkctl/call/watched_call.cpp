@@ -14,7 +14,6 @@
 #include "lib/base/unique_fd.h"
 #include "velkctl/call/child_call.h"
 #include "velkctl/call/cleanup.h"
-#include "velkctl/call/interruption.h"
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/report/output.h"
@@ -37,7 +36,7 @@ constexpr Milliseconds kGrace{1000};
 enum class Outcome { kAnswered, kInterrupted, kTimedOut };
 
 // Returns the state of the device after a change; empty if nothing was changed.
-std::string StateAfter(const Call& call, const Answer& answer) {
+std::string StateAfter(const PendingCall& call, const Answer& answer) {
     if (call.command.type == VELK_GET || !answer.ok()) {
         return "";
     }
@@ -50,17 +49,17 @@ bool CanBeIncomplete(const Command& command) {
     return command.type != VELK_GET;
 }
 
-std::string StateIfInterrupted(const Call& call) {
+std::string StateIfInterrupted(const PendingCall& call) {
     return CanBeIncomplete(call.command) ? call.subject + " " + std::string(kIncomplete) : "";
 }
 
-Clock::duration TimeLeft(const Call& call) {
+Clock::duration TimeLeft(const PendingCall& call) {
     return std::max(*call.deadline - Clock::now(), Clock::duration::zero());
 }
 
 // Returns the time-out for poll(2), which ends at the deadline or, if the time is shown, at the
 // next full second. -1: no limit.
-int PollTime(const Call& call, Clock::duration elapsed, bool is_shown) {
+int PollTime(const PendingCall& call, Clock::duration elapsed, bool is_shown) {
     std::optional<Clock::duration> left;
     if (call.deadline) {
         left = TimeLeft(call);
@@ -73,7 +72,7 @@ int PollTime(const Call& call, Clock::duration elapsed, bool is_shown) {
 }
 
 // Returns the longest time that a person has to wait; 0 if unknown.
-long SecondsToShow(const Call& call, const LongestWait& longest) {
+long SecondsToShow(const PendingCall& call, const LongestWait& longest) {
     if (!call.deadline) {
         return longest.seconds;
     }
@@ -81,8 +80,9 @@ long SecondsToShow(const Call& call, const LongestWait& longest) {
     return longest.seconds == 0 ? left : std::min<long>(left, longest.seconds);
 }
 
-// Waits for the answer, a signal or the deadline. An answer goes before the others.
-Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals, const Call& call) {
+// Waits for the answer, a signal or the deadline. If several have come, the answer counts.
+Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals,
+                       const PendingCall& call) {
     const LongestWait longest = LongestWaitOf(call.command);
     const std::string_view awaited = longest.awaited.empty() ? kAnyWait : longest.awaited;
     const long seconds_to_show = SecondsToShow(call, longest);
@@ -119,19 +119,19 @@ bool WaitsForFilesOnly(const Command& command) {
     return LongestWaitOf(command).awaited.empty();
 }
 
-std::vector<std::string> PassOnToolOutput(const ChildCall& child, const Call& call) {
-    std::vector<std::string> said = child.said();
-    for (const std::string& line : said) {
+std::vector<std::string> PassOnToolOutput(const ChildCall& child, const PendingCall& call) {
+    std::vector<std::string> output = child.tool_output();
+    for (const std::string& line : output) {
         call.report.Note(call.subject + ": " + Printable(line));
     }
-    return said;
+    return output;
 }
 
-Answer AnswerOf(ChildCall& child, const Call& call) {
+Answer AnswerOf(ChildCall& child, const PendingCall& call) {
     std::optional<Answer> answer = child.TakeAnswer();
-    std::vector<std::string> said = PassOnToolOutput(child, call);
+    std::vector<std::string> output = PassOnToolOutput(child, call);
     if (answer) {
-        answer->said = std::move(said);
+        answer->tool_output = std::move(output);
         return *answer;
     }
     CleanUp(call.command, false);
@@ -144,13 +144,13 @@ Answer AnswerOf(ChildCall& child, const Call& call) {
     return {LIB_VELK_FAILURE};
 }
 
-Answer TimedOut(const Call& call) {
+Answer TimedOut(const PendingCall& call) {
     return {.result = LIB_VELK_FAILURE, .timed_out = true, .remark = StateIfInterrupted(call)};
 }
 
 }  // namespace
 
-Answer ExecuteWatched(const Call& call) {
+Answer ExecuteWatched(const PendingCall& call) {
     const StopSignals signals;
     ChildCall child(call.command, call.data, signals);
     if (child.start_error() != 0) {

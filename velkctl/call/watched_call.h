@@ -8,12 +8,12 @@
 
 #include "velkctl/call/command.h"
 #include "velkctl/report/report.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
 // A command that is running, and the data to report about it.
-struct Call {
+struct PendingCall {
     const Command& command;
     const Data& data;
     const std::string& subject;  // its name in messages: "eth1.signal"
@@ -26,7 +26,7 @@ struct Call {
 // Runs the command in a process of its own. The deadline or a signal ends that process and cleans
 // up after it. After a signal velkctl ends, and this function does not return. The output of the
 // device's tools becomes notes.
-Answer ExecuteWatched(const Call& call);
+Answer ExecuteWatched(const PendingCall& call);
 
 }  // namespace velkctl
 

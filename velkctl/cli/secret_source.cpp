@@ -14,18 +14,18 @@
 
 #include "lib/base/unique_fd.h"
 #include "velkctl/call/stop_signals.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 namespace {
 
-Secret Problem(std::string_view source, std::string_view text) {
+Secret BadSource(std::string_view source, std::string_view text) {
     return {{}, std::string(source).append(" ").append(text)};
 }
 
 Secret CannotRead(std::string_view source, int error) {
-    return Problem(source, std::string("cannot be read: ") + strerror(error) +
-                               "; - reads the value from standard input, @FILE from a file");
+    return BadSource(source, std::string("cannot be read: ") + strerror(error) +
+                                 "; - reads the value from standard input, @FILE from a file");
 }
 
 // Reads one line byte by byte, so that the rest of the input stays unread. `read_byte` is read(2)
@@ -37,8 +37,8 @@ Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
     ssize_t got = 0;
     while ((got = read_byte(byte)) == 1 && byte != '\n') {
         if (secret.text.size() == longest) {
-            return Problem(source, "has a line of more than " + std::to_string(longest) +
-                                       " bytes; give the value alone");
+            return BadSource(source, "has a line of more than " + std::to_string(longest) +
+                                         " bytes; give the value alone");
         }
         secret.text.push_back(byte);
     }
@@ -46,7 +46,7 @@ Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
         return CannotRead(source, errno);
     }
     if (got == 0 && secret.text.empty()) {
-        return Problem(source, "is empty; give the value as one line");
+        return BadSource(source, "is empty; give the value as one line");
     }
     return secret;
 }
@@ -61,7 +61,7 @@ Secret ReadFile(const char* path, size_t longest) {
     Secret secret = ReadLine(kSource, longest, read_byte);
     char more = '\0';
     if (secret.problem.empty() && read_byte(more) == 1) {
-        return Problem(kSource, "has more than one line; give the value as the only one");
+        return BadSource(kSource, "has more than one line; give the value as the only one");
     }
     return secret;
 }
@@ -146,7 +146,7 @@ Secret AskForSecret(const std::string& name) {
     }
     const Secret again = Ask("repeat the value: ");
     return again.text == secret.text ? secret
-                                     : Problem("the second value", "differs from the first");
+                                     : BadSource("the second value", "differs from the first");
 }
 
 }  // namespace velkctl

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

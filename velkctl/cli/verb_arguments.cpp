@@ -80,6 +80,11 @@ bool MayHoldSecret(const Verb& verb, const std::vector<std::string>& words) {
     return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
 }
 
+// Returns the word to follow its noun in a message, or a remark in its place.
+std::string AfterNoun(std::string_view word, bool may_be_key) {
+    return may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(word);
+}
+
 std::string TakesNoValue(std::string_view flag) {
     return "option " + Quoted(flag) + " takes no value; leave it out";
 }
@@ -171,8 +176,9 @@ std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
         return "argument missing; usage: " + Usage(verb);
     }
     if (invocation.words.size() > verb.words.most) {
-        return invocation.Shown(invocation.words[verb.words.most]) +
-               " is one argument too many; usage: " + Usage(verb);
+        return "unexpected argument" +
+               AfterNoun(invocation.words[verb.words.most], invocation.beside_secret) +
+               "; usage: " + Usage(verb);
     }
     if (verb.words.first_is_interface && !invocation.words.empty()) {
         return InterfaceProblem(invocation);
@@ -182,8 +188,7 @@ std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
 
 std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key) {
     const std::string_view name = WithoutValue(option);
-    return "unknown option" +
-           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(name)) +
+    return "unknown option" + AfterNoun(name, may_be_key) +
            DidYouMean(name, OptionNames(verb),
                       "'" + CommandName(verb) + " --help' lists the options" + DashHint(verb));
 }

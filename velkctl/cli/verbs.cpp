@@ -14,7 +14,7 @@ constexpr size_t kAnyNumber = std::numeric_limits<size_t>::max();
 constexpr VerbOption kWait{"--wait", "",
                            "try again for 30 s while settings are locked; or --wait=N",
                            &Invocation::wait, "30"};
-constexpr VerbOption kTimeout{"--timeout", "SECONDS", "stop if there is no answer in this time",
+constexpr VerbOption kTimeout{"--timeout", "SECONDS", "stop if no answer comes within SECONDS",
                               &Invocation::timeout};
 constexpr VerbFlag kJson{"--json", "print one JSON document", &Invocation::json};
 constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisks",
@@ -38,7 +38,7 @@ constexpr std::array kSecretFlags{kJson, kShowSecrets};
 constexpr std::array<VerbFlag, 3> kGetFlags{{
     kJson,
     kShowSecrets,
-    {"--value", "print bare values, one a line; an empty line for none", &Invocation::bare_value},
+    {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
 constexpr std::array<VerbFlag, 3> kSetFlags{{
     kJson,
@@ -172,7 +172,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      kJsonFlags,
      RunDoctor},
     {"call",
-     "get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]",
+     "get|set|restart ID [INTERFACE] [OPTION...]",
      "run a command of the library without checks",
      "ID is the decimal number of the command. INTERFACE is sent as given, empty by\n"
      "default. Prints the result and, for a get, the data bytes up to the last one\n"

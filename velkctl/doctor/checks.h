@@ -14,13 +14,6 @@ namespace velkctl {
 inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
                                                         VELK_WIRELESS_INTERFACE};
 
-// Runs every check, the wireless daemon's last.
-Findings ExamineDevice(Report& report);
-
-// Returns the findings that affect the setting. Runs only the checks that can have one, and does
-// not ask the wireless daemon.
-Findings ExamineFor(const Setting& setting);
-
 // The library's files and folders: whether they exist and can be written. The other checks of files
 // return nothing if the file cannot be read.
 Findings CheckFiles();
@@ -39,13 +32,12 @@ Findings CheckIdentity();      // the SNMP agent's configuration
 Findings CheckMarks(const Finding& about, std::string_view line, size_t position,
                     std::string_view noun);
 
-// The line that an address is read from, though nothing is wrong with it. Nothing for other
-// settings.
+// Returns the line that an address is read from, even if it is correct. Empty for other settings.
 Findings ValueLineOf(const Setting& setting);
 
 Findings CheckTools();
 Findings CheckToolsFor(const Setting& setting);
-// The tools without which an interface cannot be restarted. The library ignores their exit status.
+// Checks the tools that restart an interface. The library ignores their exit status.
 Findings CheckRestartTools();
 
 Findings CheckIfconfig();
@@ -58,11 +50,12 @@ Findings CheckQueryRemains();  // reply socket and semaphore
 Findings CheckLock();
 Findings CheckAdapter();
 
-// Asks the daemon, for a few seconds at most.
+// Queries the daemon, for a few seconds at most.
 Findings CheckDaemon(Report& report);
-// The setting's daemon, without asking it: it does not run.
+// Returns a finding if the wireless daemon of the setting is not running. Does not query it.
 Findings CheckDaemonRuns(const Setting& setting);
-// The setting's daemon, without asking it: it answers with another value than it was sent.
+// Returns the finding that the daemon of the setting answers with another value than it was sent.
+// Does not query it.
 Findings DaemonDiffers(const Setting& setting);
 
 }  // namespace velkctl

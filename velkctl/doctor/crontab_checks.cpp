@@ -1,4 +1,4 @@
-// crontab_checks.cpp - whether the crontab's entries are such as the library changes them.
+// crontab_checks.cpp - checks that the library can read and change the crontab's entries.
 #include <algorithm>
 #include <array>
 #include <stdexcept>
@@ -29,8 +29,8 @@ bool IsTimeField(std::string_view word) {
     return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
 }
 
-Finding AboutEntry(std::string subject, AffectedSettings affected) {
-    return {.subject = std::move(subject),
+Finding AboutEntry(AffectedSettings affected) {
+    return {.subject = SubjectOf(affected),
             .file = velk::kCrontab,
             .remedy = kProperEntry,
             .affected = std::move(affected),
@@ -49,13 +49,13 @@ std::string ServerProblem(const std::string& line) {
     try {
         (void)ChangeNtpdate(changed, std::string(kProbe));
     } catch (const std::out_of_range&) {
-        return "it has neither a server nor a '>' to put one before";
+        return "it has no server, and no '>' before which one could be put";
     }
     if (!changed.ends_with('\n')) {
         return "the server is its last word; setting it joins the entry with the next line";
     }
     return ServerIn(changed) == kProbe ? ""
-                                       : "a new server would be joined with another word of it";
+                                       : "a new server would be joined to another word on the line";
 }
 
 // Returns a redirection or the argument of an option that is taken for the server; empty if none.
@@ -94,12 +94,13 @@ bool HasSecondEntry(std::string_view line) {
 }
 
 Findings CheckServer(const std::string& line, size_t index) {
-    const Finding about = AboutEntry("ntp-server", SettingsOf(VELK_CMD_NTP_SERVER)).At(index);
+    const Finding about = AboutEntry(SettingsOf(VELK_CMD_NTP_SERVER)).At(index);
     Findings findings;
     if (IsServerFoundTooEarly(line)) {
         findings.push_back(about.Problem(
             "cannot be set",
-            Excerpt(ServerIn(line)) + " occurs earlier on the line, too, and is replaced there",
+            Excerpt(ServerIn(line)) +
+                " also occurs earlier on the line, and a set replaces it there",
             "write the server's address in its place with an editor, or a name that does not occur "
             "earlier on the line"));
     } else if (const std::string problem = ServerProblem(line); !problem.empty()) {
@@ -121,19 +122,19 @@ Findings CheckServer(const std::string& line, size_t index) {
 
 Findings CheckEntry(const std::string& line, size_t index) {
     if (IsRemark(line)) {
-        return {AboutEntry("ntp and ntp-server", SettingsWithKey(kTimeClient))
+        return {AboutEntry(SettingsWithKey(kTimeClient))
                     .At(index)
-                    .Problem("change a remark", Excerpt(line) + " is taken for an entry",
-                             "word it without 'ntpdate'")};
+                    .Problem("would change a comment", Excerpt(line) + " is taken for an entry",
+                             "remove the word 'ntpdate' from the comment")};
     }
-    Findings findings = CheckMarks(AboutEntry("ntp", SettingsOf(VELK_CMD_NTP)).At(index), line,
+    Findings findings = CheckMarks(AboutEntry(SettingsOf(VELK_CMD_NTP)).At(index), line,
                                    line.find(kTimeClient), "entry");
     Append(findings, CheckServer(line, index));
     if (!velk::Contains(line, velk::kNtpLog)) {
-        findings.push_back(AboutEntry("ntp-result", SettingsHeldIn(velk::kNtpLog))
+        findings.push_back(AboutEntry(SettingsHeldIn(velk::kNtpLog))
                                .At(index)
                                .With(Impact::kReading)
-                               .Warning("does not cover this entry",
+                               .Warning("does not see this entry's result",
                                         std::string("its output does not go to ") + velk::kNtpLog));
     }
     return findings;
@@ -166,7 +167,7 @@ Findings CheckTimeEntry() {
     }
     const std::vector<size_t> entries = LinesWith(crontab.lines, kTimeClient);
     if (entries.empty()) {
-        return {AboutEntry("ntp and ntp-server", SettingsWithKey(kTimeClient))
+        return {AboutEntry(SettingsWithKey(kTimeClient))
                     .Problem("cannot be set", "no entry runs ntpdate")};
     }
     return FindingsOfEach(entries,

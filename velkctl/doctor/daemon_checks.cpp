@@ -46,8 +46,8 @@ Findings CheckListener() {
                 ? AboutDaemon().Problem("does not run", description, "start the wireless daemon")
                 : AboutDaemon(WirelessConfiguration())
                       .Warning("does not run", description + ", and no adapter is attached",
-                               "plug an adapter in, and start the wireless daemon unless that "
-                               "does")};
+                               "plug in an adapter; if that does not start the wireless daemon, "
+                               "start it")};
 }
 
 Findings CheckAnswer(const Answer& answer) {
@@ -61,27 +61,25 @@ Findings CheckAnswer(const Answer& answer) {
     return {};
 }
 
-// A record without a channel, as an empty answer makes one, is no configuration.
+// The record of an empty answer has no channel. It is not a configuration.
 Findings CheckChannel(const Answer& answer) {
     const auto channel = static_cast<unsigned char>(answer.data[0]);
     if (!answer.ok() || (channel >= kFirstChannel && channel <= kLastChannel)) {
         return CheckAnswer(answer);
     }
-    return {AboutDaemon()
-                .With(Impact::kNothing)
-                .Warning("may not answer with its configuration",
-                         "its record has the channel " + std::to_string(channel) +
-                             ", which is not valid",
-                         "set eth1.channel, or restart the wireless daemon")};
+    return {
+        AboutDaemon()
+            .With(Impact::kNothing)
+            .Warning("may not answer with its configuration",
+                     "its record has channel " + std::to_string(channel) + ", which is not valid",
+                     "set eth1.channel, or restart the wireless daemon")};
 }
 
 Findings AskDaemon(Report& report) {
     const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
-    const auto ask = [&](uint32_t id, const std::string& name) {
-        return device.Execute({VELK_GET, id, VELK_WIRELESS_INTERFACE}, {}, name);
-    };
-    Findings findings = CheckAnswer(ask(VELK_CMD_SSID, "eth1.ssid"));
-    return findings.empty() ? CheckChannel(ask(VELK_CMD_CHANNEL, "eth1.channel")) : findings;
+    const auto ask = [&](uint32_t id) { return device.Get(SettingsOf(id).front()); };
+    Findings findings = CheckAnswer(ask(VELK_CMD_SSID));
+    return findings.empty() ? CheckChannel(ask(VELK_CMD_CHANNEL)) : findings;
 }
 
 }  // namespace
@@ -122,10 +120,9 @@ Findings DaemonDiffers(const Setting& setting) {
     if (!Includes(WirelessConfiguration(), setting)) {
         return {};
     }
-    return {AboutDaemon().Problem(
-        "keeps another configuration",
-        "the wireless daemon was sent the value, and answers with another one",
-        "'velkctl doctor' asks it; restart the wireless daemon")};
+    return {AboutDaemon().Problem("keeps another configuration",
+                                  "the wireless daemon was sent the value, but returns another one",
+                                  "restart the wireless daemon; 'velkctl doctor' queries it")};
 }
 
 }  // namespace velkctl

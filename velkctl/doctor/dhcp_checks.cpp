@@ -1,5 +1,5 @@
-// dhcp_checks.cpp - whether the library finds its way about the DHCP client's configuration: the
-// blocks of its interfaces, and the options that it requests.
+// dhcp_checks.cpp - checks that the library can find the blocks of /etc/dhclient.conf and the
+// options that the client requests.
 #include <optional>
 
 #include "lib/base/comment_switch.h"
@@ -17,7 +17,7 @@ constexpr std::string_view kStatementEnd = ";";
 
 // About a block that is not as the library reads it. The method is read from its stanza.
 Finding AboutBlocks() {
-    return {.subject = "method, dhcp-dns and dhcp-ntp",
+    return {.subject = SubjectOf(SettingsChanging(velk::kDhcpConfigFile)),
             .file = velk::kDhcpConfigFile,
             .remedy = "write the closing brace on a line of its own",
             .affected = SettingsHeldIn(velk::kDhcpConfigFile),
@@ -35,13 +35,14 @@ Findings CheckOpening(const Lines& lines, size_t index) {
     if (IsComment(lines[index]) && !OpensBrace(lines, index)) {
         return {about.Problem(
             "are not found, or switched for the wrong lines",
-            "the remark " + Excerpt(lines[index]) + " is taken for the opening line of a block",
-            "word it without 'interface'")};
+            "the library takes the comment " + Excerpt(lines[index]) + " for the start of a block",
+            "remove the word 'interface' from the comment")};
     }
     if (velk::Contains(lines[index], velk::kBlockEnd)) {
         return {about.Problem(
             "are switched for the wrong lines",
-            "the block ends where it begins; its interface's lines run on to the next '}'")};
+            "the block ends on its first line, so all lines up to the next '}' count as the "
+            "interface's")};
     }
     return {};
 }
@@ -80,14 +81,14 @@ Findings CheckMember(const Finding& about, std::string_view line, bool is_off) {
         return {};
     }
     const bool is_comment = line.starts_with('#');
-    const std::string mark = "the '#' of " + std::string(is_comment ? "" : "the remark in ") +
-                             Excerpt(line) + " is taken away";
+    const std::string mark = "the '#' of " + std::string(is_comment ? "" : "the comment in ") +
+                             Excerpt(line) + " is removed";
     if (!is_comment || !is_off) {
         return {about.Problem("would break the file when set to dhcp", mark)};
     }
     if (LooksLikeRemark(line)) {
         return {about.Warning("may break the file when set to dhcp",
-                              mark + ", and it looks like a remark")};
+                              mark + ", and it looks like a comment")};
     }
     return {};
 }
@@ -114,7 +115,7 @@ Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     // The method itself is read from its stanza.
     const Finding about{.subject = interface + ".method",
                         .file = velk::kDhcpConfigFile,
-                        .remedy = "put the remark above the block",
+                        .remedy = "put the comment above the block",
                         .affected = SettingsOf(VELK_CMD_IP_METHOD, interface)};
     velk::ConfigBlocks blocks(interface, /*comment_aware=*/false);
     Findings findings;
@@ -192,13 +193,13 @@ class RequestCheck {
         const bool ends = velk::Contains(lines_[index], kStatementEnd);
         const bool has_option = Has(index, option_);
         if (ends && !has_option && !is_open_) {
-            findings_.push_back(
-                about_.At(index)
-                    .With(Impact::kNothing)
-                    .Problem("would break the file when set to on once more",
-                             option_ + " is added to " + Excerpt(lines_[index]) +
-                                 ", too, while the request statement above has it already",
-                             "move the request statement below it"));
+            findings_.push_back(about_.At(index)
+                                    .With(Impact::kNothing)
+                                    .Problem("would break the file when set to on once more",
+                                             option_ + " is also added to " +
+                                                 Excerpt(lines_[index]) +
+                                                 ", although the request statement above has it",
+                                             "move the request statement below it"));
         }
         runs_on_ = has_option || !ends;
         is_open_ = is_open_ && !ends;
@@ -215,7 +216,7 @@ class RequestCheck {
             return about_.At(*block).Warning(
                 "cannot be set while the method is static",
                 "the interface's block is switched off, and no other request statement counts",
-                "velkctl set " + interface_ + ".method dhcp, when DHCP is wanted");
+                "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");
         }
         return about_.Problem("cannot be set",
                               "there is no request statement" +

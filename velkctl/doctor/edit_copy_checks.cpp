@@ -1,4 +1,4 @@
-// edit_copy_checks.cpp - edits that were left unfinished, and files in the way of others.
+// edit_copy_checks.cpp - unfinished edits, and files in the place of edit copies.
 #include <array>
 #include <cstdio>
 
@@ -18,14 +18,14 @@ namespace {
 Finding AboutCopy(const EditCopy& copy) {
     return {.subject = copy.file->subject,
             .file = copy.path,
-            .remedy = DiscardingOf(copy),
+            .remedy = DiscardCommand(copy),
             .affected = copy.file->holds};
 }
 
 Finding UnderWay(const EditCopy& copy, const std::string& holder) {
     return AboutCopy(copy).Warning("may be changing now",
                                    "an edit may be under way: the lock is held by " + holder,
-                                   "none while that one is at work");
+                                   "wait until that process has ended");
 }
 
 // The library cannot remove it, and so cannot make its edit copy.
@@ -33,7 +33,7 @@ Finding InTheWay(const EditCopy& copy) {
     const std::string kind = S_ISDIR(copy.facts.st_mode)
                                  ? "a folder"
                                  : KindOf(copy.facts.st_mode) + " of another user, " +
-                                       AgeOf(copy.facts) + " old, that this one may not remove,";
+                                       AgeOf(copy.facts) + " old, that this user may not remove,";
     return AboutCopy(copy)
         .With(Impact::kSetting)
         .Problem("cannot be set", kind + " is in the place of the edit copy");
@@ -53,7 +53,7 @@ Finding Foreign(const EditCopy& copy) {
                                  : KindOf(copy.facts.st_mode);
     return AboutCopy(copy).Warning(
         "can still be set", kind + " is in the place of the edit copy; the next set replaces it",
-        is_file ? "look at it, use nothing of it, and remove it: " + DiscardingOf(copy) : "");
+        is_file ? "look at it, do not use its text, and remove it: " + DiscardCommand(copy) : "");
 }
 
 // It may be the edit of a program with two users, or any user's file made by a program of root's.
@@ -64,14 +64,15 @@ Finding Unproven(const EditCopy& copy) {
             ", perhaps the edit copy of a program with two users, a real and an effective one, "
             "has more than " +
             copy.file->path + "; the next set replaces it",
-        "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy));
+        "it may be the only complete text; look at it before you remove it: " +
+            DiscardCommand(copy));
 }
 
 std::string DoubtsAbout(const EditCopy& copy) {
     if (!copy.has_end) {
-        return "which could not be read, and ";
+        return "; it could not be read";
     }
-    return *copy.has_end ? "" : "which may lack its end, too, and ";
+    return *copy.has_end ? "" : "; its end may be missing too";
 }
 
 Finding Cut(const EditCopy& copy) {
@@ -79,26 +80,26 @@ Finding Cut(const EditCopy& copy) {
     about.file = copy.file->path;
     return about.Problem(
         "may be lost",
-        "the file seems to have been cut while being copied; the rest is in its edit copy " +
-            copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
-            "which the next set replaces" + AdditionsOf(copy),
-        FinishingOf(copy));
+        "the file seems to have been cut while being copied; the rest is in the edit copy " +
+            copy.path + ", " + AgeOf(copy.facts) + " old" + DoubtsAbout(copy) +
+            "; the next set replaces it" + DescribeNewLines(copy),
+        AdviceToFinish(copy));
 }
 
 std::string Compared(const EditCopy& copy) {
     switch (copy.state) {
         case EditState::kPart:
-            return copy.facts.st_size == 0 ? ", empty" : ", that may not be whole";
+            return copy.facts.st_size == 0 ? ", empty" : ", which may be incomplete";
         case EditState::kInPlace:
             return ", the same as the file";
         case EditState::kUncompared:
-            return ", that cannot be compared with the file";
+            return ", which cannot be compared with the file";
         default:
-            return ", that differs from the file";
+            return ", which differs from the file";
     }
 }
 
-Finding LeftBehind(const EditCopy& copy) {
+Finding LeftOver(const EditCopy& copy) {
     const Finding about = AboutCopy(copy);
     const std::string left = "an edit copy was left, " + AgeOf(copy.facts) + " old" +
                              Compared(copy) + "; the next set replaces it";
@@ -108,9 +109,9 @@ Finding LeftBehind(const EditCopy& copy) {
         case EditState::kPart:
             return about.Warning("may not have been set", left);
         default:
-            return about.Warning("may not have been set", left + AdditionsOf(copy),
-                                 "to discard the edit: " + DiscardingOf(copy) + "; to finish it, " +
-                                     FinishingOf(copy));
+            return about.Warning("may not have been set", left + DescribeNewLines(copy),
+                                 "to discard the edit: " + DiscardCommand(copy) +
+                                     "; to finish it, " + AdviceToFinish(copy));
     }
 }
 
@@ -124,7 +125,7 @@ Finding CheckCopy(const EditCopy& copy) {
     if (copy.state == EditState::kUnproven) {
         return Unproven(copy);
     }
-    return copy.state == EditState::kForeign ? Foreign(copy) : LeftBehind(copy);
+    return copy.state == EditState::kForeign ? Foreign(copy) : LeftOver(copy);
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 // examination.cpp - runs the doctor's checks, for the whole device or for one setting.
+#include "velkctl/doctor/examination.h"
+
 #include <vector>
 
 #include "lib/base/paths.h"
@@ -13,7 +15,7 @@ struct Check {
     AffectedSettings affected;  // the settings that it can find something about
 };
 
-// In the order of the output. The wireless daemon is asked after all of them, because a query
+// In the order of the output. The wireless daemon is queried after all of them, because a query
 // removes remains that some of them look for.
 std::vector<Check> Checks() {
     return {

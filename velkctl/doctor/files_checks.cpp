@@ -1,5 +1,4 @@
-// files_checks.cpp - whether the library's files and the folders that it works in are there and may
-// be written.
+// files_checks.cpp - checks that the files and folders of the library exist and can be written.
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -30,7 +29,7 @@ constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem
 // Files that hold no setting themselves.
 constexpr std::array<Loss, 3> kLosses{{
     {velk::kSnmpFile, "do not reach the SNMP agent"},
-    {velk::kSupportList, "are not recognised but for the built-in one", Severity::kWarning},
+    {velk::kSupportList, "are not recognised, except the built-in one", Severity::kWarning},
     {velk::kUsbDevices, "are never found", Severity::kWarning},
 }};
 
@@ -69,7 +68,7 @@ std::string WritingRemedy(const std::string& path, int error) {
         case EPERM:  // also for root
             return "chattr -i " + path;
         default:
-            return "run the program as a user that may, or let this one write the file";
+            return "run the program as a user who may write it, or let this user write it";
     }
 }
 
@@ -88,7 +87,7 @@ Findings CheckText(const DeviceFile& file, Finding about, const TextFile& text) 
     Findings findings = is_written ? CheckWriting(about) : Findings();
     about.effect = "may be read and set wrongly";
     if (text.bytes.find('\0') != std::string::npos) {
-        findings.push_back(about.Because("the file has NUL bytes; it is no text"));
+        findings.push_back(about.Because("the file has NUL bytes, so it is not text"));
     }
     // The other files are read word by word, or number by number.
     const size_t count = CountCarriageReturns(text.lines);
@@ -106,9 +105,9 @@ Finding Unreadable(const DeviceFile& file, const Finding& about, int error) {
     const std::string reason = Refusal("read the file", error);
     return file.change == Change::kBySudo
                ? about.Warning("may not reach the SNMP agent", reason + "; not examined",
-                               "run the doctor as a user that may")
-               : about.Because(reason,
-                               "run the program as a user that may, or let this one read the file");
+                               "run the doctor as a user who may read it")
+               : about.Because(
+                     reason, "run the program as a user who may read it, or let this user read it");
 }
 
 Findings CheckFile(const DeviceFile& file) {
@@ -139,6 +138,7 @@ Findings AboutFolders() {
                            .file = "/tmp",
                            .affected = WirelessSettings(),
                            .impact = Impact::kSetting};
+    const AffectedSettings results = SettingsHeldIn(velk::kNtpLog);
     Finding semaphores = wireless;
     semaphores.file = velk::kSemaphoreFolder;
     return {{.subject = "all settings in files",
@@ -146,10 +146,10 @@ Findings AboutFolders() {
              .file = velk::kEditFolder,
              .affected = EditedSettings(),
              .impact = Impact::kSetting},
-            {.subject = "ntp-result",
+            {.subject = SubjectOf(results),
              .effect = "cannot be cleared when ntp is set to off",
              .file = "/var/libvelk",
-             .affected = SettingsHeldIn(velk::kNtpLog)},
+             .affected = results},
             wireless,
             semaphores};
 }
@@ -165,7 +165,7 @@ Findings CheckSpace(const Finding& about) {
         return {};
     }
     const std::string rest =
-        has_files ? std::to_string(free) + " bytes are free" : "it takes no more files";
+        has_files ? std::to_string(free) + " bytes are free" : "no more files can be made";
     return {about.Because("the file system is full: " + rest,
                           "remove files that are not needed there")};
 }
@@ -177,8 +177,9 @@ Findings CheckFolder(const Finding& about) {
         return {about.Because("the folder is missing", "mkdir -p " + about.file)};
     }
     if (faccessat(AT_FDCWD, path, W_OK | X_OK, AT_EACCESS) == -1) {
-        return {about.Because(Refusal("write the folder", errno),
-                              "run the program as a user that may, or let this one write it")};
+        return {
+            about.Because(Refusal("write the folder", errno),
+                          "run the program as a user who may write it, or let this user write it")};
     }
     return CheckSpace(about);
 }

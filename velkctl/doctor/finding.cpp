@@ -1,4 +1,4 @@
-// finding.cpp - something about the device that the library cannot work with.
+// finding.cpp - a problem of the device that affects the library, found by the doctor.
 #include "velkctl/doctor/finding.h"
 
 #include <algorithm>
@@ -21,10 +21,10 @@ std::string Counted(size_t number, std::string_view noun) {
 
 std::string Format(const Finding& finding) {
     const std::string location = LocationOf(finding);
-    const std::string found = finding.subject + " " + finding.effect + ": " + location +
-                              (location.empty() ? "" : ": ") + finding.description;
-    return std::string(NameOf(finding.severity)) + ": " + Printable(found) +
-           "\n  fix: " + Printable(finding.remedy) + "\n";
+    const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
+    return std::string(NameOf(finding.severity)) + ": " +
+           Printable(finding.subject + " " + finding.effect) + "\n  " +
+           InLinesOf80(Printable(reason), 2) + "\n  fix: " + Printable(finding.remedy) + "\n";
 }
 
 Json CauseInJson(const Finding& finding) {

@@ -1,4 +1,4 @@
-// finding.h - something about the device that the library cannot work with.
+// finding.h - a problem of the device that affects the library, found by the doctor.
 #ifndef VELKCTL_DOCTOR_FINDING_H_
 #define VELKCTL_DOCTOR_FINDING_H_
 
@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "velkctl/doctor/affected_settings.h"
 #include "velkctl/report/report.h"
+#include "velkctl/settings/affected_settings.h"
 
 namespace velkctl {
 
@@ -23,7 +23,7 @@ enum class Impact {
     kSetting,  // a value that is set has no effect
 };
 
-// "eth1.gateway cannot be set: /etc/network/interfaces:12: the stanza is the last one and ..."
+// "eth1.gateway cannot be set", "/etc/network/interfaces:12: the stanza is the last one and ..."
 //
 // A check says subject, file, affected settings and impact once, in a finding without a text, and
 // makes each of its findings from that one: about.At(index).Problem(...).
@@ -71,7 +71,8 @@ Findings FindingsOfEach(const Items& items, Check check) {
 // Returns "/etc/network/interfaces:12", as compilers point at a line; empty without a file.
 std::string LocationOf(const Finding& finding);
 
-// Returns two lines of text for each, with control characters escaped.
+// Returns the text of each: subject and effect, indented location and description, then the remedy.
+// Control characters are escaped.
 std::string FormatFindings(const Findings& findings);
 
 // Returns {"severity": "problem", "subject": ..., "effect": ..., "description": ..., "cause":

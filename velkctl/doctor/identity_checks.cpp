@@ -59,10 +59,10 @@ Findings CheckTexts() {
             findings.push_back(
                 {.subject = setting.name(),
                  .effect = "is cut for the SNMP agent when " + other.name() + " is set",
-                 .description = "the text holds '" + std::string(directive) +
-                                "', from which on that set replaces a line",
+                 .description = "the text contains '" + std::string(directive) + "': a set of " +
+                                other.name() + " replaces the line from there on",
                  .file = velk::kIdentityFile,
-                 .remedy = "velkctl set " + setting.name() + " TEXT, without that word",
+                 .remedy = "without that word: velkctl set " + setting.name() + " TEXT",
                  .affected = {setting, other}});
         }
     }

@@ -1,5 +1,5 @@
-// interfaces_checks.cpp - whether the library finds its way about /etc/network/interfaces: the
-// stanzas of its interfaces, and their lines that hold addresses.
+// interfaces_checks.cpp - checks that the library can find the stanzas of /etc/network/interfaces
+// and their lines with addresses.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -93,10 +93,10 @@ class ValueCheck {
         const std::string_view line = lines_[index];
         const Finding about = about_.At(index).With(Impact::kReading);
         if (FirstWord(line) != name_) {
-            return {
-                about.Problem("is read and set in the wrong line",
-                              Excerpt(line) + " comes first and holds '" + std::string(key) + "'",
-                              "word it otherwise, or move it below the line with the value")};
+            return {about.Problem("is read and set in the wrong line",
+                                  "the library takes " + Excerpt(line) +
+                                      " for it, as it contains '" + std::string(key) + "'",
+                                  "reword it, or move it below the line with the value")};
         }
         if (stray_ && *stray_ < index) {
             return {about.With(Impact::kNothing)
@@ -115,11 +115,11 @@ class ValueCheck {
         // A set to none removes the first line alone.
         const auto second = FindLine(lines_, index + 1, stanza_.end, HasKey(setting_));
         if (second && setting_.row->id == VELK_CMD_GATEWAY) {
-            findings.push_back(
-                about_.At(*second).Warning("cannot be set to none at once",
-                                           Excerpt(lines_[*second]) + " counts when line " +
-                                               std::to_string(index + 1) + " is removed",
-                                           "remove it"));
+            findings.push_back(about_.At(*second).Warning(
+                "cannot be set to none in one set",
+                "after line " + std::to_string(index + 1) + " is removed, " +
+                    Excerpt(lines_[*second]) + " still applies",
+                "remove " + Excerpt(lines_[*second])));
         }
         return findings;
     }
@@ -145,10 +145,11 @@ class ValueCheck {
         if (!stray_) {
             return {};
         }
-        return {about.Warning("would be set in the wrong place",
-                              "the stanza has no " + name_ + " line; a new one would be below " +
-                                  Excerpt(lines_[*stray_]) + ", outside the stanza",
-                              line_to_add_ + " below it before setting it")};
+        return {about.Warning(
+            "would be set in the wrong place",
+            "the stanza has no " + name_ + " line; a new one would be below " +
+                Excerpt(lines_[*stray_]) + ", outside the stanza",
+            line_to_add_ + " below line " + std::to_string(stanza_.header + 1) + ", then set it")};
     }
 
     const Lines& lines_;
@@ -192,7 +193,7 @@ Findings CheckMethod(const Finding& about, std::string_view method, const std::s
     }
     return {about.With(Impact::kReading)
                 .Problem("cannot be read", Excerpt(method) + " is neither static nor dhcp",
-                         "velkctl set " + interface + ".method static, or dhcp")};
+                         "choose a method: velkctl set " + interface + ".method static")};
 }
 
 Findings CheckInterface(const Lines& lines, const std::string& interface) {
@@ -254,7 +255,7 @@ Findings ValueLineOf(const Setting& setting) {
     return {About(setting, velk::kInterfacesFile, Impact::kReading)
                 .At(*index)
                 .Warning("still has a line", "it is read from " + Excerpt(file.lines[*index]),
-                         "remove that line, or set it once more")};
+                         "remove that line, or set it again")};
 }
 
 }  // namespace velkctl

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/examination.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {

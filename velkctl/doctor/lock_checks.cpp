@@ -37,7 +37,7 @@ Findings CheckLock() {
     }
     if (S_ISLNK(facts.st_mode) || S_ISDIR(facts.st_mode)) {
         return {about.Because(KindOf(facts.st_mode) + " is in the place of the lock file",
-                              RemovalOf(velk::kLockFile, facts))};
+                              RemoveCommand(velk::kLockFile, facts))};
     }
     Findings findings = CheckAccess(about, facts);
     if (facts.st_uid != 0) {

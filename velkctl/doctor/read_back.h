@@ -9,7 +9,7 @@
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
@@ -21,9 +21,9 @@ struct ReadBack {
 // Reads a setting back that the library has just reported as set. Complains if the device does not
 // hold the value, with the value that it holds, the likely cause and the files that have lost their
 // text since `before`. The library cannot notice: it ignores the exit status of its shell lines,
-// and an edit that finds no line to change is no failure to it. A setting that cannot be read, and
-// an address while a lease is shown, are only examined for findings that keep them from being set;
-// without such a finding a note says that the value was not checked.
+// and an edit that finds no line to change is no failure to it. A setting that cannot be read, or
+// an address while a lease is shown, cannot be compared. For these it looks only for findings that
+// prevent the set. If there are none, a note says that the value was not checked.
 ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
                          const Device& device, Report& report);
 

@@ -18,7 +18,7 @@ Finding AboutRemains(const char* path, const struct stat& facts) {
     return {.subject = "wireless settings",
             .effect = "can be neither read nor set",
             .file = path,
-            .remedy = RemovalOf(path, facts),
+            .remedy = RemoveCommand(path, facts),
             .affected = WirelessSettings(),
             .impact = Impact::kSetting};
 }
@@ -30,7 +30,7 @@ Finding CheckReplySocket(const Finding& about, const struct stat& facts) {
     }
     if (!MayRemove(about.file, facts)) {
         return about.Because(KindOf(facts.st_mode) +
-                             " of another user, that this one may not remove, "
+                             " of another user, that this user may not remove, "
                              "is in the place of the reply socket");
     }
     return about.With(Impact::kNothing)

@@ -35,8 +35,7 @@ Findings CheckInner(const Finding& about, std::string_view line) {
     }
     if (HasKeyword(line, "if")) {
         return {about.Problem(
-            kForAnother,
-            "an 'if' within a block; the library takes the block for ended at the first 'fi'",
+            kForAnother, "an 'if' within a block; for the library the block ends at the first 'fi'",
             "write it without an 'if', as in: [ CONDITION ] && COMMAND")};
     }
     return {};
@@ -180,20 +179,21 @@ Findings CheckScript(Script script, Check check) {
 }  // namespace
 
 Findings CheckExitHooks() {
-    return CheckScript({{.subject = "apipa and dhcp-notice",
+    const AffectedSettings affected = SettingsHeldIn(velk::kExitHooks);
+    return CheckScript({{.subject = SubjectOf(affected),
                          .file = velk::kExitHooks,
-                         .affected = SettingsHeldIn(velk::kExitHooks),
+                         .affected = affected,
                          .impact = Impact::kSetting},
                         "$interface"},
                        CheckCommands);
 }
 
 Findings CheckClientScript() {
-    return CheckScript({{.subject = "dhcp-dns",
-                         .file = velk::kClientScript,
-                         .affected = SettingsChanging(velk::kClientScript)},
-                        "interface"},
-                       CheckCalls);
+    const AffectedSettings affected = SettingsChanging(velk::kClientScript);
+    return CheckScript(
+        {{.subject = SubjectOf(affected), .file = velk::kClientScript, .affected = affected},
+         "interface"},
+        CheckCalls);
 }
 
 Findings CheckMarks(const Finding& about, std::string_view line, size_t position,
@@ -203,7 +203,7 @@ Findings CheckMarks(const Finding& about, std::string_view line, size_t position
     }
     return {about.Problem(
         "cannot be switched on",
-        "there are two '#' before the " + std::string(noun) + ", and switching on takes one away",
+        "there are two '#' before the " + std::string(noun) + "; switching on removes only one",
         "leave one '#', in the first column")};
 }
 

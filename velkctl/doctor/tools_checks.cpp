@@ -1,6 +1,7 @@
-// tools_checks.cpp - whether the tools that the library runs are there and may be run, and whether
-// it can read the output of ifconfig.
+// tools_checks.cpp - checks that the tools of the library exist and may be run, and that it can
+// read the output of ifconfig.
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -14,6 +15,8 @@
 
 namespace velkctl {
 namespace {
+
+constexpr std::chrono::seconds kLongestRun{5};
 
 constexpr bool kBySudo = true;
 constexpr bool kDirectly = false;
@@ -74,7 +77,7 @@ class SudoRights {
         if (!asks_) {
             return false;
         }
-        const ToolRun run = RunTool({"sudo", "-n", "-l", tool});
+        const ToolRun run = RunTool({"sudo", "-n", "-l", tool}, kLongestRun);
         asks_ = run.ended;
         return run.ended && run.status != 0;
     }
@@ -95,16 +98,17 @@ std::string RemedyOf(const Tool& tool, const std::optional<std::string>& elsewhe
         return "install it, or a link to it, as " + tool.name;
     }
     // Root pastes the line: a tool that another user can change must not get into it.
-    if (elsewhere && IsPlainWord(*elsewhere) && IsRootsAlone(*elsewhere)) {
+    if (elsewhere && IsPlainWord(*elsewhere) && OnlyRootCanChange(*elsewhere)) {
         return "ln -s " + *elsewhere + " /usr/local/sbin/" + tool.name;
     }
-    return std::string("install it in a folder where ") +
-           (tool.by_sudo ? "sudo looks, as /usr/sbin" : "velkctl looks, as /usr/bin");
+    return std::string("install it in a folder that ") +
+           (tool.by_sudo ? "sudo searches, such as /usr/sbin"
+                         : "velkctl searches, such as /usr/bin");
 }
 
 std::string AbsenceOf(const Tool& tool, bool is_elsewhere) {
-    return is_elsewhere ? std::string("is not in a folder where ") +
-                              (tool.by_sudo ? "sudo" : "velkctl") + " looks"
+    return is_elsewhere ? std::string("is in none of the folders that ") +
+                              (tool.by_sudo ? "sudo" : "velkctl") + " searches"
                         : "is not installed";
 }
 
@@ -175,8 +179,8 @@ Findings CheckIfconfigOutput(std::string_view output) {
     return {AboutTool().Problem(
         "prints addresses in a form that the library does not read",
         "it prints " + Excerpt(rest.substr(0, rest.find('\n'))) +
-            ", and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP "
-            "interface read as none",
+            ", but the library looks for 'inet addr:' and 'Mask:'; address and netmask of a DHCP "
+            "interface are read as empty",
         "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does")};
 }
 
@@ -185,10 +189,11 @@ Findings CheckIfconfig() {
         return {};  // CheckTools() finds it
     }
     for (const std::string interface : {"lo", VELK_WIRED_INTERFACE}) {
-        const ToolRun run = RunTool({std::string(kInterfaceTool), interface});
+        const ToolRun run = RunTool({std::string(kInterfaceTool), interface}, kLongestRun);
         if (!run.ended) {
             return {AboutTool().Problem("does not end",
-                                        "'ifconfig " + interface + "' ran for more than 5 seconds",
+                                        "'ifconfig " + interface + "' ran for more than " +
+                                            std::to_string(kLongestRun.count()) + " seconds",
                                         "find out why it does not end")};
         }
         if (velk::Contains(run.output, kAnyAddress)) {

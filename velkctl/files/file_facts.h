@@ -8,9 +8,6 @@
 
 namespace velkctl {
 
-// Returns "5 seconds", "3 minutes", "2 days".
-std::string FormatDuration(long long seconds);
-
 // Returns the time since the file was changed, as FormatDuration() does.
 std::string AgeOf(const struct stat& facts);
 
@@ -22,10 +19,10 @@ bool MayRemove(const std::string& path, const struct stat& facts);
 
 // True if root alone can change the file or put another one in its place: file and folders are
 // root's and not writable by others, and none of them is a symbolic link.
-bool IsRootsAlone(const std::string& path);
+bool OnlyRootCanChange(const std::string& path);
 
 // Returns "rm /var/tmp/interfaces".
-std::string RemovalOf(const std::string& path, const struct stat& facts);
+std::string RemoveCommand(const std::string& path, const struct stat& facts);
 
 }  // namespace velkctl
 

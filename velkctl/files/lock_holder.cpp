@@ -11,8 +11,8 @@
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velkctl/files/file_facts.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/text/duration.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 
@@ -112,7 +112,7 @@ std::string DescribeLockHolder() {
     if (HoldingProcess() != process) {
         return "";  // it gave the lock back and ended meanwhile
     }
-    return "a process that process " + std::to_string(*process) + " started before it ended";
+    return "a child of process " + std::to_string(*process) + ", which has ended";
 }
 
 }  // namespace velkctl

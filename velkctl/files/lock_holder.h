@@ -13,7 +13,7 @@ namespace velkctl {
 struct LockHolder {
     int process;
     std::string name;
-    long seconds;  // since it was started; the kernel does not know since when it holds the lock
+    long seconds;  // since the process started; the kernel does not record when it took the lock
 };
 
 // Returns the process that holds the library's lock; nothing if none, or if it is unknown, as with

@@ -26,11 +26,8 @@ struct ToolRun {
     std::string output{};  // standard output, at most 64 KiB of it
 };
 
-inline constexpr std::chrono::milliseconds kLongestToolRun{5000};
-
 // Runs a tool without input and without standard error. A tool that takes longer is killed.
-ToolRun RunTool(const std::vector<std::string>& words,
-                std::chrono::milliseconds longest = kLongestToolRun);
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest);
 
 }  // namespace velkctl
 

@@ -44,7 +44,7 @@ inline constexpr std::array<ExitMeaning, 8> kExitMeanings{{
     {ExitStatus::kNotHeld, "set, but the device does not hold the value",
      "read the likely cause in the message; 'velkctl doctor' looks for more"},
     {ExitStatus::kTimedOut, "no answer before the timeout",
-     "give a longer --timeout; 'velkctl doctor' looks for a daemon without an answer"},
+     "give a longer --timeout; 'velkctl doctor' checks if the daemon answers"},
 }};
 
 }  // namespace velkctl

@@ -17,6 +17,7 @@ constexpr std::string_view kSeparator = "; ";
 constexpr std::string_view kNewLine = "\n  ";
 constexpr std::string_view kFix = "fix: ";
 constexpr std::string_view kAdvice = "give ";  // begins the advice of a message
+constexpr std::string_view kContrast = ", but ";
 
 Json TextOrNull(const std::string& text) {
     return text.empty() ? Json(nullptr) : Json(text);
@@ -46,17 +47,47 @@ Json ErrorOf(const Problem& problem) {
     return error;
 }
 
-// Breaks a text that is too long for one line of a terminal at its semicolons. Advice on a line of
-// its own is marked as the fix. A fix stays whole: it may be a line for the shell.
-std::string Broken(std::string_view text, size_t indent) {
+// An apostrophe follows a letter.
+bool OpensQuote(std::string_view text, size_t at) {
+    return text[at] == '\'' && (at == 0 || text[at - 1] == ' ');
+}
+
+bool ClosesQuote(std::string_view text, size_t at) {
+    return text[at] == '\'' && (at + 1 == text.size() ||
+                                std::string_view(" ,;:)").find(text[at + 1]) != std::string::npos);
+}
+
+// Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if
+// it has neither. A quotation stays whole.
+std::string_view FirstClause(std::string_view text) {
+    bool is_quoted = false;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (is_quoted) {
+            is_quoted = !ClosesQuote(text, at);
+            continue;
+        }
+        is_quoted = OpensQuote(text, at);
+        if (text.substr(at).starts_with(kSeparator)) {
+            return text.substr(0, at);
+        }
+        if (text.substr(at).starts_with(kContrast)) {
+            return text.substr(0, at + 1);
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string InLinesOf80(std::string_view text, size_t indent) {
     std::string lines;
     while (indent + text.size() > kColumns && !text.starts_with(kFix)) {
-        const size_t end = text.find(kSeparator);
-        if (end == std::string_view::npos) {
+        const std::string_view clause = FirstClause(text);
+        if (clause.size() == text.size()) {
             break;
         }
-        lines.append(text.substr(0, end)).append(kNewLine);
-        text.remove_prefix(end + kSeparator.size());
+        lines.append(clause).append(kNewLine);
+        text.remove_prefix(clause.size() + (clause.ends_with(',') ? 1 : kSeparator.size()));
         indent = kNewLine.size() - 1;
         if (text.starts_with(kAdvice)) {
             lines.append(kFix);
@@ -65,8 +96,6 @@ std::string Broken(std::string_view text, size_t indent) {
     }
     return lines.append(text);
 }
-
-}  // namespace
 
 std::string OneLine(const Problem& problem) {
     std::string text = problem.message;
@@ -84,9 +113,9 @@ std::string OneLine(const Problem& problem) {
 }
 
 std::string InLines(const Problem& problem) {
-    std::string text = Broken(problem.message, kPrefix.size());
+    std::string text = InLinesOf80(problem.message, kPrefix.size());
     if (!problem.detail.empty()) {
-        text.append(kNewLine).append(Broken(problem.detail, kNewLine.size() - 1));
+        text.append(kNewLine).append(InLinesOf80(problem.detail, kNewLine.size() - 1));
     }
     if (!problem.remedy.empty()) {
         text.append(kNewLine).append(kFix).append(problem.remedy);

@@ -24,6 +24,12 @@ struct Problem {
     size_t line = 0;     // 0: no line of the file
 };
 
+// Breaks a text that is too long for one line of a terminal at its semicolons and before "but".
+// Advice on a line of its own is marked as the fix. A fix stays whole: it may be a line for the
+// shell. `indent` is the width of the text before it on its line; the next lines are indented by
+// two.
+std::string InLinesOf80(std::string_view text, size_t indent);
+
 // "eth1.rate: could not be read; no supported wireless adapter is attached; fix: attach an adapter
 // of ... (LIB_VELK_NO_ADAPTER, -5)"
 std::string OneLine(const Problem& problem);

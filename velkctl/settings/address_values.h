@@ -43,8 +43,7 @@ constexpr std::string_view MaskProblem(uint32_t mask) {
     if (IsMask(mask)) {
         return {};
     }
-    return mask == 0 ? "is not a mask, as it has no ones"
-                     : "is not a mask, as its ones are not contiguous";
+    return mask == 0 ? "is not a mask: it has no ones" : "is not a mask: a zero precedes a one";
 }
 
 }  // namespace velkctl

@@ -6,8 +6,8 @@
 
 #include "lib/base/paths.h"
 #include "lib/ipconf/interfaces_file.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/settings/time_entry.h"
-#include "velkctl/settings/value_kinds.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/find_row.h"
 #include "velkctl/text/numbers.h"
@@ -19,9 +19,13 @@ namespace {
 constexpr bool kOpen = false;
 constexpr bool kSecret = true;
 
-constexpr HeldIn InFile(const char* file, std::string_view key = "", FileLine second_line = {},
-                        std::string_view lease_tool = "") {
-    return {Holder::kFile, {file, key}, second_line, lease_tool};
+constexpr HeldIn InFile(const char* file, std::string_view key = "", FileLine second_line = {}) {
+    return {Holder::kFile, {file, key}, second_line};
+}
+
+// A line of an address. While a lease is shown, the tool reads it.
+constexpr HeldIn InAddressLine(std::string_view key, std::string_view tool = "") {
+    return {Holder::kFile, {velk::kInterfacesFile, key}, {}, tool, /*is_of_lease=*/true};
 }
 
 constexpr HeldIn kAdministratorLines =
@@ -32,11 +36,9 @@ constexpr HeldIn kTimeEntry = InFile(velk::kCrontab, kTimeClient);
 constexpr HeldIn kUpdateEntry = InFile(velk::kCrontab, "web_contents_updater");
 constexpr HeldIn kTimeLog = InFile(velk::kNtpLog);
 constexpr HeldIn kMethodLines = InFile(velk::kInterfacesFile, "", {velk::kDhcpConfigFile});
-constexpr HeldIn kAddressLine =
-    InFile(velk::kInterfacesFile, velk::kAddressKey, {}, kInterfaceTool);
-constexpr HeldIn kNetmaskLine =
-    InFile(velk::kInterfacesFile, velk::kNetmaskKey, {}, kInterfaceTool);
-constexpr HeldIn kGatewayLine = InFile(velk::kInterfacesFile, velk::kGatewayKey);
+constexpr HeldIn kAddressLine = InAddressLine(velk::kAddressKey, kInterfaceTool);
+constexpr HeldIn kNetmaskLine = InAddressLine(velk::kNetmaskKey, kInterfaceTool);
+constexpr HeldIn kGatewayLine = InAddressLine(velk::kGatewayKey);
 constexpr HeldIn kNameServerLines =
     InFile(velk::kDhcpConfigFile, "domain-name-servers", {velk::kClientScript, "make_resolv_conf"});
 constexpr HeldIn kTimeServerLines =
@@ -49,15 +51,14 @@ constexpr HeldIn kInKernel{.holder = Holder::kKernel};
 constexpr HeldIn kByEthtool{.holder = Holder::kTool, .tool = kLinkTool};
 constexpr HeldIn kInDaemon{.holder = Holder::kDaemon};
 
-constexpr std::string_view kWepKeyHelp =
-    "WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret";
+constexpr std::string_view kWepKeyHelp = "WEP key, or none; secret";
 
 constexpr std::array<CatalogueRow, 36> kRows{{
     // name, id, interfaces, directions, value kind, secret, held in, help
     {"administrator", VELK_CMD_ADMINISTRATOR, kNoInterface, kGet | kSet, &kFreeText, kOpen,
-     kAdministratorLines, "who looks after the device: a text, '' when empty"},
+     kAdministratorLines, "name of the administrator: a text, '' if empty"},
     {"location", VELK_CMD_LOCATION, kNoInterface, kGet | kSet, &kFreeText, kOpen, kLocationLines,
-     "location of the device: a text, '' when empty"},
+     "location of the device: a text, '' if empty"},
     {"ntp", VELK_CMD_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeEntry,
      "set the clock from a time server: on or off"},
     {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeServerLines,
@@ -65,30 +66,29 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen, kTimeEntry,
      "time server: a host name or address, or none"},
     {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen, kTimeLog,
-     "last time synchronisation: reached, not-reached or no-result"},
+     "result of the last time synchronisation"},
     {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen, kUpdateEntry,
-     "when the web contents are updated: every 6h, daily 08:30, weekly sunday 08:30, "
-     "monthly 31 08:30 or off"},
+     "schedule of the web update; see describe"},
     {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen, kInKernel,
      "hardware address: 12 hex digits"},
     {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen, kMethodLines,
      "where the address comes from: static or dhcp"},
     {"apipa", VELK_CMD_APIPA, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kLinkLocalLine,
-     "link-local address when no DHCP server answers: on or off"},
+     "link-local address if DHCP fails: on or off"},
     {"address", VELK_CMD_IP_ADDRESS, kEth0 | kEth1, kGet | kSet, &kAddress, kOpen, kAddressLine,
-     "IPv4 address; with method dhcp that of the lease"},
+     "IPv4 address; with dhcp that of the lease"},
     {"netmask", VELK_CMD_NETMASK, kEth0 | kEth1, kGet | kSet, &kNetmask, kOpen, kNetmaskLine,
-     "IPv4 mask; with method dhcp that of the lease"},
+     "IPv4 mask; with dhcp that of the lease"},
     {"gateway", VELK_CMD_GATEWAY, kEth0 | kEth1, kGet | kSet, &kGateway, kOpen, kGatewayLine,
-     "default gateway: an IPv4 address, or none; with method dhcp that of the lease"},
+     "default gateway: an IPv4 address, or none"},
     {"dhcp-dns", VELK_CMD_DHCP_DNS, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kNameServerLines,
      "take DNS servers from DHCP: on or off"},
     {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen, kResolver,
-     "DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list"},
+     "DNS servers of eth0 and eth1; see describe"},
     {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen, kNoticeLines,
-     "print a notice when DHCP starts and has finished: on or off"},
+     "print notices of the DHCP client: on or off"},
     {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen, kByEthtool,
-     "speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half"},
+     "speed in Mbit/s and duplex; see describe"},
     {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
      "revision of the adapter"},
     {"software-version", VELK_CMD_SOFTWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
@@ -98,7 +98,7 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"service-set", VELK_CMD_SERVICE_SET, kEth1, kGet | kSet, &kServiceSet, kOpen, kInDaemon,
      "kind of network: infrastructure or ad-hoc"},
     {"ssid", VELK_CMD_SSID, kEth1, kGet | kSet, &kSsid, kOpen, kInDaemon,
-     "name of the network: a text of at most 32 bytes, '' when empty"},
+     "name of the network: a text, '' if empty"},
     {"channel", VELK_CMD_CHANNEL, kEth1, kGet | kSet, &kChannel, kOpen, kInDaemon,
      "channel: 1 to 13"},
     {"region", VELK_CMD_REGION, kEth1, kGet, &kOneToThree, kOpen, kInDaemon,
@@ -118,11 +118,11 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"wep-default-key", VELK_CMD_WEP_DEFAULT_KEY, kEth1, kGet | kSet, &kWepKeyNumber, kOpen,
      kInDaemon, "number of the WEP key in use: 1 to 4"},
     {"psk", VELK_CMD_PSK, kEth1, kGet | kSet, &kPsk, kSecret, kInDaemon,
-     "pre-shared key: a text of 1 to 64 bytes, or none; secret"},
+     "pre-shared key, or none; secret"},
     {"rate", VELK_CMD_RATE, kEth1, kGet, &kRate, kOpen, kInDaemon,
      "transmission rate: 4 bytes as 8 hex digits"},
     {"access-point", VELK_CMD_ACCESS_POINT, kEth1, kGet, &kShownText, kOpen, kInDaemon,
-     "hardware address of the access point: 12 hex digits"},
+     "address of the access point: 12 hex digits"},
     {"signal", VELK_CMD_SIGNAL, kEth1, kGet, &kSignal, kOpen, kInDaemon,
      "signal strength: two numbers"},
     {"standards-enabled", VELK_CMD_STANDARDS_ENABLED, kEth1, kGet | kSet, &kStandardsEnabled, kOpen,
@@ -206,6 +206,11 @@ std::optional<Setting> FindSetting(std::string_view name) {
     return setting == nullptr ? std::nullopt : std::optional(*setting);
 }
 
+bool IsAddressCommand(uint32_t id) {
+    const CatalogueRow* row = FindRow(kRows, id, &CatalogueRow::id);
+    return row != nullptr && row->held_in.is_of_lease;
+}
+
 bool NamesSecret(std::string_view word) {
     const std::vector<Setting> settings = Settings();
     const std::optional<uint32_t> id = ParseNumber<uint32_t>(word);
@@ -228,7 +233,7 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
     if (equals != std::string_view::npos) {
         // The text after the "=" may be a secret.
         return Quoted(name.substr(0, equals)) +
-               " is followed by '='; give the name alone, and a value as an argument of its own";
+               " is followed by '='; give the name alone, and the value as a separate argument";
     }
     const std::vector<std::string> right = FullNames(WithoutInterface(name));
     if (!right.empty()) {

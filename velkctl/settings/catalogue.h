@@ -22,8 +22,8 @@ inline constexpr unsigned kEth1 = 4U;
 inline constexpr unsigned kGet = 1U;
 inline constexpr unsigned kSet = 2U;
 
-// A line of a file. The library finds it by `key`, a key, command or option on it; empty where a
-// setting has no line of its own.
+// A line of a file. The library finds it by a key, a command or an option on the line. `key` is
+// empty if the setting has no line of its own.
 struct FileLine {
     const char* file = nullptr;
     std::string_view key{};
@@ -40,8 +40,10 @@ enum class Holder {
 struct HeldIn {
     Holder holder = Holder::kFile;
     FileLine line{};
-    FileLine second_line{};   // changed with it by a set
-    std::string_view tool{};  // reads the setting: that of a lease, if a file holds it, too
+    FileLine second_line{};  // changed with it by a set
+    // The tool that reads it; for a setting in a file, only while a lease is shown.
+    std::string_view tool{};
+    bool is_of_lease = false;  // with method dhcp the value of the lease is read
 };
 
 // Tools that read settings.
@@ -77,6 +79,10 @@ std::vector<Setting> Settings();
 // Returns the setting with this full name; nothing if none.
 std::optional<Setting> FindSetting(std::string_view name);
 
+// True for the commands of the address, netmask and gateway. With method static they read the
+// configuration, with method dhcp the lease.
+bool IsAddressCommand(uint32_t id);
+
 // True if the word is the full name or the id of a secret.
 bool NamesSecret(std::string_view word);
 
@@ -87,7 +93,8 @@ std::vector<std::string> NamesMeant(std::string_view name);
 // instead. A name that may be a key is neither repeated nor compared.
 std::string UnknownSetting(std::string_view name, bool may_be_key = false);
 
-// Returns the message about a word that is neither eth0 nor eth1, which it calls `shown`.
+// Returns the message about a word that is neither eth0 nor eth1. The message calls the word
+// `shown`.
 std::string UnknownInterface(std::string_view word, const std::string& shown);
 
 }  // namespace velkctl

@@ -59,7 +59,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
     const auto value = std::find_if(values_.begin(), values_.end(),
                                     [&](const CodedValue& known) { return Matches(known, word); });
     if (value == values_.end()) {
-        return Unparsable(Quoted(word) + " is not one of its values" +
+        return Unparsable(Quoted(word) + " is not valid" +
                           DidYouMean(word, Values(), "give " + Wanted()));
     }
     Parsed parsed;

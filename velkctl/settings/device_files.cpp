@@ -32,8 +32,23 @@ bool IsIn(const FileLine& line, std::string_view path) {
     return line.file != nullptr && line.file == path;
 }
 
-// Returns "method, dhcp-dns and dhcp-ntp", each name once.
-std::string NamesOf(const std::vector<Setting>& settings) {
+DeviceFile MakeDeviceFile(const FileRow& row) {
+    DeviceFile file{row.path, row.change, std::string(row.subject), {}, {}};
+    for (const auto& [setting, key] : LinesOfSettings(row.path)) {
+        file.changed_by.push_back(setting);
+        if (IsIn(setting.row->held_in.line, row.path)) {
+            file.holds.push_back(setting);
+        }
+    }
+    if (!file.changed_by.empty()) {
+        file.subject = SubjectOf(file.changed_by);
+    }
+    return file;
+}
+
+}  // namespace
+
+std::string SubjectOf(const std::vector<Setting>& settings) {
     std::vector<std::string_view> names;
     for (const Setting& setting : settings) {
         if (std::ranges::find(names, setting.row->name) == names.end()) {
@@ -47,22 +62,6 @@ std::string NamesOf(const std::vector<Setting>& settings) {
     }
     return text;
 }
-
-DeviceFile MakeDeviceFile(const FileRow& row) {
-    DeviceFile file{row.path, row.change, std::string(row.subject), {}, {}};
-    for (const auto& [setting, key] : LinesOfSettings(row.path)) {
-        file.changed_by.push_back(setting);
-        if (IsIn(setting.row->held_in.line, row.path)) {
-            file.holds.push_back(setting);
-        }
-    }
-    if (!file.changed_by.empty()) {
-        file.subject = NamesOf(file.changed_by);
-    }
-    return file;
-}
-
-}  // namespace
 
 const std::vector<DeviceFile>& DeviceFiles() {
     static const std::vector<DeviceFile> files = [] {

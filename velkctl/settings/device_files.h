@@ -17,6 +17,10 @@ enum class Change {
     kBySudo,
 };
 
+// Returns the names of the settings without their interfaces, each once: "method, dhcp-dns and
+// dhcp-ntp".
+std::string SubjectOf(const std::vector<Setting>& settings);
+
 struct DeviceFile {
     const char* path;
     Change change;

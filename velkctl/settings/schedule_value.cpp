@@ -14,7 +14,7 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kWanted =
-    "'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
+    "every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
 constexpr std::string_view kOff = "off";
 constexpr std::string_view kRaw = "schedule";    // a schedule of an unknown type
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
@@ -182,6 +182,10 @@ std::vector<std::string> ScheduleKind::Values() const {
     }
     values.emplace_back(kMonthly);
     return values;
+}
+
+std::vector<Meaning> ScheduleKind::Meanings() const {
+    return {{kEvery, "1h to 23h"}};
 }
 
 std::string ScheduleKind::Print(const Data& data) const {

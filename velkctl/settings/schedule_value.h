@@ -19,6 +19,7 @@ class ScheduleKind final : public ValueKind {
     Parsed Force(std::span<const std::string> words) const override;
     // The first words of each form, up to the day.
     std::vector<std::string> Values() const override;
+    std::vector<Meaning> Meanings() const override;
     std::string Print(const Data& data) const override;
 };
 

@@ -40,6 +40,11 @@ class TextKind final : public ValueKind {
     std::string_view (*problem_)(std::string_view text);
 };
 
+// Return the problem with the text of a key other than its length, without a part of the key; empty
+// if none.
+std::string_view KeyProblem(std::string_view key);
+std::string_view WepKeyProblem(std::string_view key);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_SETTINGS_TEXT_VALUES_H_

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 #include <nlohmann/json_fwd.hpp>
 
 namespace velkctl {
@@ -28,11 +28,11 @@ class ValueKind {
     // Returns one value as it is written in a shell; empty for a kind that can only be read.
     virtual std::string Example() const { return {}; }
 
-    // A kind that has no Parse() of its own is for settings that can only be read. A problem never
-    // repeats the words of a kind that serves for secrets.
+    // A kind that has no Parse() of its own is for settings that can only be read. If a kind is
+    // used for secrets, its problems never repeat the words.
     virtual Parsed Parse(std::span<const std::string> words) const;
 
-    // Returns the data bytes also of words that Parse() refuses, if they fit the form at all.
+    // Like Parse(), but also accepts values that Parse() refuses, if they fit the form.
     virtual Parsed Force(std::span<const std::string> words) const;
 
     // Returns one line without its end, with control characters escaped.

@@ -7,7 +7,7 @@
 #include <optional>
 #include <system_error>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/hex.h"
 #include "velkctl/text/numbers.h"
 

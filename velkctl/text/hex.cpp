@@ -33,8 +33,8 @@ Parsed NotADigit(size_t at) {
 }
 
 Parsed SingleDigit(size_t at) {
-    return Unparsable("the digit at character " + std::to_string(at + 1) +
-                      " has no second one; give two hex digits for each byte, such as 31:30");
+    return Unparsable("odd number of hex digits at character " + std::to_string(at + 1) +
+                      "; give two hex digits for each byte, such as 31:30");
 }
 
 void AppendHexColumns(std::string& dump, std::string_view line) {

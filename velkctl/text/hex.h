@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

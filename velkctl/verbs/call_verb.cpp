@@ -16,6 +16,7 @@
 #include "velkctl/text/hex.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
+#include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -84,17 +85,13 @@ Parsed ParseData(const Invocation& invocation) {
     return parsed;
 }
 
-std::string MaskedDump(const Data& data) {
-    return data == Data{} ? "" : std::string(kMask).append("\n");
-}
-
-void ReportData(const Data& data, bool masked, Report& report) {
-    report.Text(masked ? MaskedDump(data) : Dump(data));
-    report.Member("data", masked && data != Data{} ? Json(kMask) : Json(ToHex(UsedBytes(data))));
+void ReportData(const Data& data, bool is_masked, Report& report) {
+    report.Text(is_masked ? std::string(kMask) + "\n" : Dump(data));
+    report.Member("data", is_masked ? Json(kMask) : Json(ToHex(UsedBytes(data))));
 }
 
 // A failure is a normal answer of this verb. In JSON it is also one of the errors.
-void ReportAnswer(const Command& command, const Answer& answer, bool masked, Report& report) {
+void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, Report& report) {
     if (answer.timed_out) {
         report.Complain(ProblemOf("call: command " + std::to_string(command.id), "", answer));
         return;
@@ -109,7 +106,7 @@ void ReportAnswer(const Command& command, const Answer& answer, bool masked, Rep
         report.Complain(ProblemOf("call: command " + std::to_string(command.id), "", answer));
     }
     if (command.type == VELK_GET) {
-        ReportData(answer.data, masked, report);
+        ReportData(answer.data, is_masked, report);
     }
 }
 
@@ -135,11 +132,12 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     if (!data.ok()) {
         return report.Refuse("call: " + data.problem);
     }
-    const bool masked = NamesSecret(invocation.words[1]) && !invocation.show_secrets;
     const Command command{*type, *id, interface};
     const Answer answer = Device(invocation.limits, report)
                               .Execute(command, data.data, "command " + std::to_string(*id));
-    ReportAnswer(command, answer, masked, report);
+    const bool is_secret = NamesSecret(invocation.words[1]);
+    ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),
+                 report);
     return StatusOf(answer);
 }
 

@@ -69,7 +69,7 @@ std::string Describe(const Setting& setting) {
     }
     if (setting.can_get() && longest.seconds > 0) {
         text.append("\n  reading takes at most ").append(std::to_string(longest.seconds));
-        text.append(" s: it waits for ").append(longest.awaited);
+        text.append(" s; it waits\n    for ").append(longest.awaited);
     }
     return text + Examples(setting) + "\n";
 }

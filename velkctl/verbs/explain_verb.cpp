@@ -22,7 +22,7 @@ constexpr std::string_view kPrefix = "LIB_VELK_";
 // Returns the names of the results, with and without their prefix.
 std::vector<std::string> ResultNames() {
     std::vector<std::string> names;
-    for (const ResultCode& row : kResultCodes) {
+    for (const ResultCode& row : ResultCodes()) {
         names.emplace_back(row.name);
         names.emplace_back(row.name.substr(kPrefix.size()));
     }
@@ -30,7 +30,7 @@ std::vector<std::string> ResultNames() {
 }
 
 std::optional<int> CodeOfName(std::string_view word) {
-    for (const ResultCode& row : kResultCodes) {
+    for (const ResultCode& row : ResultCodes()) {
         if (word == row.name || word == row.name.substr(kPrefix.size())) {
             return row.code;
         }
@@ -40,9 +40,9 @@ std::optional<int> CodeOfName(std::string_view word) {
 
 void ExplainResult(int code, Report& report) {
     const ResultCode row = FindResultCode(code);
-    report.Text(DescribeResult(code) + "\n  fix: " + std::string(row.remedy) +
-                "\n  exit status of velkctl: " + std::to_string(static_cast<int>(row.status)) +
-                "\n");
+    report.Text(ResultName(code) + "\n  " + std::string(row.description) +
+                "\n  fix: " + std::string(row.remedy) + "\n  exit status of velkctl: " +
+                std::to_string(static_cast<int>(row.status)) + "\n");
     Json explained = ResultInJson(code);
     explained["remedy"] = row.remedy;
     explained["exit_status"] = static_cast<int>(row.status);
@@ -51,12 +51,17 @@ void ExplainResult(int code, Report& report) {
 
 void ExplainStatus(const ExitMeaning& meaning, Report& report) {
     const int number = static_cast<int>(meaning.status);
-    std::string text = "exit status " + std::to_string(number) + " of velkctl: ";
-    text.append(meaning.description).append("\n  fix: ").append(meaning.remedy).append("\n");
+    std::string text = "exit status " + std::to_string(number) + " of velkctl";
+    text.append("\n  ")
+        .append(meaning.description)
+        .append("\n  fix: ")
+        .append(meaning.remedy)
+        .append("\n");
     Json results = Json::array();
-    for (const ResultCode& row : kResultCodes) {
+    for (const ResultCode& row : ResultCodes()) {
         if (row.status == meaning.status) {
-            text.append("  result of the library: ").append(DescribeResult(row.code)).append("\n");
+            text.append("  result of the library: ").append(ResultName(row.code));
+            text.append("\n    ").append(row.description).append("\n");
             results.push_back(ResultInJson(row.code));
         }
     }

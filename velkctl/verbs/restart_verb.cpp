@@ -25,8 +25,9 @@ bool AddReason(const Answer& answer, Problem& problem) {
         AddLikelyCause(problem, obstacles.front());
         return true;
     }
-    if (std::ranges::any_of(
-            answer.said, [](const std::string& line) { return line.starts_with(kIfupFailed); })) {
+    if (std::ranges::any_of(answer.tool_output, [](const std::string& line) {
+            return line.starts_with(kIfupFailed);
+        })) {
         problem.detail = "ifup failed, see its messages";
         return true;
     }

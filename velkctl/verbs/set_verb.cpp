@@ -62,19 +62,27 @@ std::optional<Setting> FindChangeable(WordSpan words, Report& report) {
     return setting;
 }
 
+// Returns the conflict of a valid value with other settings or with the files; nothing if none.
+std::optional<Problem> FindConflict(const Setting& setting, const Data& value,
+                                    const Device& device) {
+    std::optional<Problem> problem = NetworkProblem(setting, value, device);
+    return problem ? problem : TextConflict(setting, value, device);
+}
+
 // Returns the data bytes to send. Refuses a value that is not valid and returns nothing.
 std::optional<Data> ValueToSend(const Setting& setting, const Invocation& invocation,
                                 const Device& device, Report& report) {
     const WordSpan words = WordSpan(invocation.words).subspan(1);
-    Parsed value = ParseValue(setting, words, invocation.force);
-    if (value.ok() && !invocation.force) {
-        value.problem = NetworkProblem(setting, value.data, device);
-    }
-    if (value.ok() && !invocation.force) {
-        value.problem = TextConflict(setting, value.data, device);
-    }
+    const Parsed value = ParseValue(setting, words, invocation.force);
     if (!value.ok()) {
         report.Refuse(Problem{setting.name() + ": " + value.problem, setting.name()});
+        return std::nullopt;
+    }
+    if (invocation.force) {
+        return value.data;
+    }
+    if (const std::optional<Problem> conflict = FindConflict(setting, value.data, device)) {
+        report.Refuse(*conflict);
         return std::nullopt;
     }
     return value.data;

@@ -6,22 +6,19 @@
 
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 
 std::string ValueText(const Setting& setting, const Data& data, bool show_secrets) {
-    if (setting.row->secret && !show_secrets) {
-        return std::string(data == Data{} ? kNone : kMask);
-    }
-    return setting.row->kind->Print(data);
+    return IsMasked(setting.row->secret, show_secrets, data) ? std::string(kMask)
+                                                             : setting.row->kind->Print(data);
 }
 
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
-    if (setting.row->secret && !show_secrets) {
-        return data == Data{} ? Json(nullptr) : Json(kMask);
-    }
-    return setting.row->kind->ToJson(data);
+    return IsMasked(setting.row->secret, show_secrets, data) ? Json(kMask)
+                                                             : setting.row->kind->ToJson(data);
 }
 
 std::string BareValue(const Setting& setting, const Data& data, bool show_secrets) {

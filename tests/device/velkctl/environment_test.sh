@@ -46,19 +46,21 @@ location = desk'
 advice_on_grep='
     advice_on_grep() { # FOLDER
         : >/tmp/none; mkdir "$1"; cp "$(command -v grep)" "$1"; stand_in grep /tmp/none
-        PATH=$1:$PATH velkctl doctor >/run/said; "$1/grep" -A 1 "grep is" /run/said
+        PATH=$1:$PATH velkctl doctor >/run/said; "$1/grep" -A 2 "grep is" /run/said
     }
 '
 
 it 'advises to link a tool that only its caller finds, and root alone can change'
 script "$advice_on_grep"'advice_on_grep /run/mine'
-output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be read from the log when ethtool does not report it
+output_is 'warning: grep is in none of the folders that velkctl searches
+  the link cannot be read from the log when ethtool does not report it
   fix: ln -s /run/mine/grep /usr/local/sbin/grep'
 
 it 'prints no line that links a tool from a folder that everybody can write to'
 script "$advice_on_grep"'advice_on_grep /tmp/mine'
-output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be read from the log when ethtool does not report it
-  fix: install it in a folder where velkctl looks, as /usr/bin'
+output_is 'warning: grep is in none of the folders that velkctl searches
+  the link cannot be read from the log when ethtool does not report it
+  fix: install it in a folder that velkctl searches, such as /usr/bin'
 
 # ---- output -------------------------------------------------------------------------------------
 

@@ -44,10 +44,11 @@ it 'says that a value is not held where its file is mounted read-only, and the f
 script 'cp /etc/network/interfaces /run/before
     mount --bind /etc/network/interfaces /etc/network/interfaces
     mount -o remount,bind,ro /etc/network/interfaces
-    velkctl set eth0.gateway 192.168.0.9 2>/run/said; echo $?; tail -n 3 /run/said
+    velkctl set eth0.gateway 192.168.0.9 2>/run/said; echo $?; tail -n 4 /run/said
     cmp /etc/network/interfaces /run/before && echo "as before"; ls /var/tmp'
 output_is "6
-velkctl: eth0.gateway: the library reported success, but the device holds '192.168.0.1'
+velkctl: eth0.gateway: the library reported success,
+  but the device holds '192.168.0.1'
   likely cause: /etc/network/interfaces: this user may not write the file: Read-only file system
   fix: mount it writable
 as before

@@ -80,7 +80,7 @@ script '
     velkctl set location "by the syscontact"; echo $?
     velkctl set --force administrator "ask for syslocation at the desk"; echo $?
     velkctl set location "Room 5"; echo $?
-    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep "problem: administrator is"
+    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep -A 1 "problem: administrator is"
     velkctl set administrator Alice && velkctl set location "Room 5"; echo $?
     grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf'
 output_is "2
@@ -89,16 +89,20 @@ output_is "2
 2
 syscontact ask for syslocation at the desk
 syslocation Second floor, by the window
-problem: administrator is cut for the SNMP agent when location is set: /var/libvelk/libvelk: the text holds 'syslocation', from which on that set replaces a line
+problem: administrator is cut for the SNMP agent when location is set
+  /var/libvelk/libvelk: the text contains 'syslocation': a set of location replaces the line from there on
 0
 syscontact Alice
 syslocation Room 5"
-error_is "velkctl: administrator: the text holds 'syslocation', from which on a set of location would replace it in /usr/local/share/etc/snmp/snmpd.conf
+error_is "velkctl: administrator: the text contains 'syslocation'
+  a set of location replaces the line from there on in /usr/local/share/etc/snmp/snmpd.conf
   fix: give other words, or --force
-velkctl: location: the text holds 'syscontact', from which on a set of administrator would replace it in /usr/local/share/etc/snmp/snmpd.conf
+velkctl: location: the text contains 'syscontact'
+  a set of administrator replaces the line from there on in /usr/local/share/etc/snmp/snmpd.conf
   fix: give other words, or --force
-velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf
-  fix: velkctl set administrator TEXT first, without that word, or give --force"
+velkctl: location: the present administrator contains 'syslocation'
+  this set would replace the line from there on in /usr/local/share/etc/snmp/snmpd.conf
+  fix: give --force, or first, without that word: velkctl set administrator TEXT"
 
 # ---- time -------------------------------------------------------------------------------------
 it 'switches time synchronisation off and on, and forgets the old result with it'
@@ -145,20 +149,23 @@ for value in ntp usr bin u d ntpdate; do
         ls /var/tmp; exit $status' "$value"
     status_is 2
     output_is 1
-    error_is "velkctl: ntp-server: '$value' occurs earlier on the line /var/cron/tabs/root:1, too, where the next set would replace it, in the command that cron runs
+    error_is "velkctl: ntp-server: '$value' also occurs earlier in /var/cron/tabs/root:1
+  the next set would replace it there, in the command that cron runs
   fix: give the server's address or another name, or --force"
 done
 
 it 'sends a server that is a part of the command when forced, then refuses every other, and the doctor reports it'
 script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; echo $?
     velkctl set ntp-server none; echo $?
-    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 1 "problem: ntp"'
+    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 2 "problem: ntp"'
 output_is "2
 2
 0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
-problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' occurs earlier on the line, too, and is replaced there
+problem: ntp-server cannot be set
+  /var/cron/tabs/root:1: 'ntp' also occurs earlier on the line, and a set replaces it there
   fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line"
-present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs
+present="velkctl: ntp-server: the present server 'ntp' also occurs earlier in /var/cron/tabs/root:1
+  this set would replace it there, in the command that cron runs
   fix: write another server into that line with an editor, or give --force"
 error_is "$present
 $present"
@@ -175,7 +182,7 @@ script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root
     velkctl set ntp-server time.example; status=$?; cat /var/cron/tabs/root; exit $status'
 status_is 1
 error_is "velkctl: ntp-server: could not be set
-  likely cause: /var/cron/tabs/root:1: it has neither a server nor a '>' to put one before
+  likely cause: /var/cron/tabs/root:1: it has no server, and no '>' before which one could be put
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log
   result: LIB_VELK_FAILURE (-1)"
 output_is '0 * * * * /usr/bin/ntpdate -u'
@@ -212,7 +219,7 @@ script 'velkctl set eth0.dhcp-dns on'
 status_is 6
 error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'
   likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts
-  fix: velkctl set eth0.method dhcp, when DHCP is wanted"
+  fix: if DHCP is wanted: velkctl set eth0.method dhcp"
 
 # ---- web update -------------------------------------------------------------------------------
 it 'shows when the web contents are updated'
@@ -277,7 +284,7 @@ for words in 'daily' 'daily 24:00' 'daily 12:3a' 'daily 1:5' 'every 0h' 'every 2
     status_is 2
     output_is ''
     error_is "velkctl: web-update: '$words' is not a schedule
-  fix: give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'"
+  fix: give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off"
 done
 for words in 'weekly Sunday 08:30' 'Daily 08:30'; do
     script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?

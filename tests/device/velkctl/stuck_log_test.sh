@@ -47,9 +47,10 @@ it 'says why a value is not held'
 script 'velkctl set web-update daily 08:30; rm /var/tmp/vklib_lock; file=/var/cron/tabs/root
     mount --bind $file $file && mount -o remount,bind,ro $file
     with_stuck_log timeout -k 60 60 velkctl set web-update daily 09:30 --timeout 30 2>/run/said
-    status=$?; tail -n 3 /run/said; exit $status'
+    status=$?; tail -n 4 /run/said; exit $status'
 status_is 6
-output_is "velkctl: web-update: the library reported success, but the device holds 'daily 08:30'
+output_is "velkctl: web-update: the library reported success,
+  but the device holds 'daily 08:30'
   likely cause: /var/cron/tabs/root: this user may not write the file: Read-only file system
   fix: mount it writable"
 

@@ -1,4 +1,4 @@
-# patience_test.sh - velkctl while the device is busy, slow, or its user in a hurry.
+# time_limits_test.sh - velkctl while the device is busy, slow, or its user in a hurry.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh

@@ -30,6 +30,7 @@ without_resolver() { # COMMAND...
 
 # Checks the error of the last run, with the indented lines of each message joined to its first one.
 error_unfolds_to() { # MESSAGE
+    error=${error//$',\n  but'/, but}
     error=${error//$'\n  fix: give'/; give}
     error=${error//$'\n  '/; }
     error_is "$1"
@@ -305,12 +306,12 @@ refused "set: unknown option '-hallo'; 'velkctl set --help' lists the options; p
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
 it 'refuses name and value as one word'
-refused "set: 'eth0.dns' is followed by '='; give the name alone, and a value as an argument of its own" \
+refused "set: 'eth0.dns' is followed by '='; give the name alone, and the value as a separate argument" \
     set eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
-refused "list: 'eth0.dns' is one argument too many; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
-refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
+refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
+refused "call: unexpected argument 'x'; usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]" \
     call set 108 eth0 x
 
 # ---- list -------------------------------------------------------------------------------------
@@ -320,14 +321,14 @@ status_is 0
 error_is ''
 output_has 'eth0.mac-address        get      hardware address: 12 hex digits
 '
-output_has 'eth0.dns                get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
-eth1.dns                get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
+output_has 'eth0.dns                get set  DNS servers of eth0 and eth1; see describe
+eth1.dns                get set  DNS servers of eth0 and eth1; see describe
 '
-output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half
+output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex; see describe
 '
-output_has 'eth1.wep-key-1          get set  WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret
+output_has 'eth1.wep-key-1          get set  WEP key, or none; secret
 '
-output_has 'eth1.psk                get set  pre-shared key: a text of 1 to 64 bytes, or none; secret
+output_has 'eth1.psk                get set  pre-shared key, or none; secret
 '
 
 # ---- call -------------------------------------------------------------------------------------
@@ -417,9 +418,9 @@ refused 'call: --hex: more than 512 bytes; give at most 512' \
     call set 108 eth0 --hex "$(printf '%01026d' 0)"
 
 it 'refuses hex digits that make no bytes'
-refused "call: --hex: the digit at character 3 has no second one; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: odd number of hex digits at character 3; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0a1
-refused "call: --hex: the digit at character 1 has no second one; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: odd number of hex digits at character 1; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex '0 a'
 refused "call: --hex: character 2 is not a hex digit; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0x31
@@ -440,7 +441,7 @@ for id in dns 108x 0x6c -1 4294967296 ''; do
     refused "call: '$id' is not a command id; give a decimal number such as 108" \
         call set "$id" eth0
 done
-refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
+refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]" \
     call set
 refused "call: 'eth0eth0eth0eth01' is too long for an interface; give eth0, eth1 or another name of at most 16 bytes" \
     call set 108 eth0eth0eth0eth01
@@ -571,7 +572,8 @@ END
 it 'says that the port has not taken the link speed'
 with_ports "$link" '' velkctl set eth0.link-speed 10-half
 status_is 6
-error_is "velkctl: eth0.link-speed: the library reported success, but the device holds 'auto'"
+error_is "velkctl: eth0.link-speed: the library reported success,
+  but the device holds 'auto'"
 
 # Checks that velkctl refuses these arguments with this message, with nothing run, locked or printed.
 refused_unsent() { # MESSAGE ARGUMENT...
@@ -585,11 +587,11 @@ refused_unsent() { # MESSAGE ARGUMENT...
 
 it 'refuses an unknown link speed'
 for word in 1 0 full ''; do
-    refused_unsent "eth0.link-speed: '$word' is not one of its values; give auto, 100-full, 100-half, 10-full or 10-half" \
+    refused_unsent "eth0.link-speed: '$word' is not valid; give auto, 100-full, 100-half, 10-full or 10-half" \
         set eth0.link-speed "$word"
 done
 for word in 1000-full 100-FULL; do
-    refused_unsent "eth0.link-speed: '$word' is not one of its values; did you mean 100-full?" \
+    refused_unsent "eth0.link-speed: '$word' is not valid; did you mean 100-full?" \
         set eth0.link-speed "$word"
 done
 refused_unsent 'eth0.link-speed: no value given; give auto, 100-full, 100-half, 10-full or 10-half' \
@@ -652,23 +654,23 @@ error_is "velkctl: eth1.channel: could not be set
   result: LIB_VELK_FAILURE (-1)"
 
 it 'refuses values that a wireless setting does not have'
-refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
+refused_unsent "eth1.service-set: '1' is not valid; give infrastructure or ad-hoc" \
     set eth1.service-set 1
 for word in 0 14 01 +1 wep ''; do
-    refused_unsent "eth1.channel: '$word' is not one of its values; give a number from 1 to 13" \
+    refused_unsent "eth1.channel: '$word' is not valid; give a number from 1 to 13" \
         set eth1.channel "$word"
 done
-refused_unsent "eth1.encryption: '5' is not one of its values; give 1, 2 (wep), 3 or 4" \
+refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4" \
     set eth1.encryption 5
-refused_unsent "eth1.authentication: '0' is not one of its values; give a number from 1 to 4" \
+refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4" \
     set eth1.authentication 0
-refused_unsent "eth1.wep-default-key: '5' is not one of its values; give a number from 1 to 4" \
+refused_unsent "eth1.wep-default-key: '5' is not valid; give a number from 1 to 4" \
     set eth1.wep-default-key 5
-refused_unsent "eth1.standards-enabled: '1' is not one of its values; give 2 or 3" \
+refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3" \
     set eth1.standards-enabled 1
 refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
     set eth1.ssid "$(printf '%033d' 0)"
-refused_unsent 'eth1.ssid: 2 values given; give a text of at most 32 bytes, in quotes when it holds blanks' \
+refused_unsent 'eth1.ssid: 2 values given; give a text of at most 32 bytes, in quotes if it has blanks' \
     set eth1.ssid my network
 refused_unsent 'eth1.ssid: control characters, such as the end of a line, are not taken; give a text of at most 32 bytes' \
     set eth1.ssid $'net\n'
@@ -686,7 +688,7 @@ it 'reports the length of a wrong key, not the key'
 refused_unsent 'eth1.psk: 66 bytes given; give a text of 1 to 64 bytes, or none' \
     set eth1.psk "hunter$(printf '%060d' 0)"
 refused_unsent 'eth1.psk: 0 bytes given; give a text of 1 to 64 bytes, or none' set eth1.psk ''
-refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none, in quotes when it holds blanks' \
+refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none, in quotes if it has blanks' \
     set eth1.psk hunter two
 refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none' \
     set eth1.wep-key-4 hunter
@@ -752,9 +754,9 @@ refused_unsent "eth1.psk: the file after @ cannot be read: No such file or direc
     set eth1.psk @/tmp/hunter22
 
 it 'takes - and @ literally for a setting that is no secret'
-refused_unsent "eth1.channel: '-' is not one of its values; give a number from 1 to 13" \
+refused_unsent "eth1.channel: '-' is not valid; give a number from 1 to 13" \
     set eth1.channel -
-refused_unsent "eth1.channel: '@/etc/hostname' is not one of its values; give a number from 1 to 13" \
+refused_unsent "eth1.channel: '@/etc/hostname' is not valid; give a number from 1 to 13" \
     set eth1.channel @/etc/hostname
 
 # ---- restart ----------------------------------------------------------------------------------
@@ -811,7 +813,7 @@ refused_unsent "restart: '' is not an interface of the device; give eth0 or eth1
 refused_unsent 'restart: --notify-only is for eth1; leave it out for eth0' \
     restart eth0 --notify-only
 refused_unsent 'restart: argument missing; usage: velkctl restart eth0|eth1 [OPTION...]' restart
-refused_unsent "restart: 'eth0' is one argument too many; usage: velkctl restart eth0|eth1 [OPTION...]" \
+refused_unsent "restart: unexpected argument 'eth0'; usage: velkctl restart eth0|eth1 [OPTION...]" \
     restart eth1 eth0
 
 # ---- help -------------------------------------------------------------------------------------
@@ -871,13 +873,13 @@ done
 
 it 'explains the options of call'
 run velkctl call --help
-output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]
+output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]
 '
 output_has '
   --text TEXT         data bytes as text, at most 512; or - or @FILE
   --hex HEX           data bytes as pairs of hex digits; or - or @FILE
   --wait              try again for 30 s while settings are locked; or --wait=N
-  --timeout SECONDS   stop if there is no answer in this time
+  --timeout SECONDS   stop if no answer comes within SECONDS
   --json              print one JSON document
   --show-secrets      show keys instead of asterisks
 '

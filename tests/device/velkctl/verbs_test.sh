@@ -146,8 +146,9 @@ a\x5cxff
 it 'refuses a gateway outside the network, unless forced'
 on_device sh -c 'velkctl set eth0.gateway 10.0.0.1; echo $?; velkctl get eth0.gateway
     velkctl set eth0.gateway 10.0.0.1 --force; echo $?; velkctl get eth0.gateway'
-error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24
-  fix: give another, set the address and netmask first, or give --force'
+error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface
+  the network of the interface is 192.168.0.0/24
+  fix: give another value, or set the address and netmask first, or give --force'
 output_is '2
 192.168.0.1
 0
@@ -163,7 +164,7 @@ output_is 'nonsense
 1.2.3.4.5
 every 200h'
 error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'
-  likely cause: /var/cron/tabs/root:1: 'a' occurs earlier on the line, too, and is replaced there
+  likely cause: /var/cron/tabs/root:1: 'a' also occurs earlier on the line, and a set replaces it there
   fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line
 velkctl: eth0.method: could not be set
   the library does not take this command, interface or value
@@ -219,17 +220,18 @@ it 'describes a setting'
 on_device velkctl describe eth0.dhcp-notice
 status_is 0
 output_is 'eth0.dhcp-notice
-  print a notice when DHCP starts and has finished: on or off
+  print notices of the DHCP client: on or off
   command 109: set
   takes on or off
   example: velkctl set eth0.dhcp-notice on'
 on_device velkctl describe 314
 output_is 'eth1.psk
-  pre-shared key: a text of 1 to 64 bytes, or none; secret
+  pre-shared key, or none; secret
   command 314: get and set
   takes a text of 1 to 64 bytes, or none
   a secret: masked without --show-secrets; give it as -, @FILE or at the prompt
-  reading takes at most 60 s: it waits for the wireless daemon to answer
+  reading takes at most 60 s; it waits
+    for the wireless daemon to answer
   example: velkctl get eth1.psk
   example: velkctl set eth1.psk -'
 
@@ -245,7 +247,7 @@ output_is 'eth0.method
   example: velkctl set eth0.method static'
 on_device velkctl describe ntp-result
 output_is 'ntp-result
-  last time synchronisation: reached, not-reached or no-result
+  result of the last time synchronisation
   command 10: get
   shows reached, not-reached or no-result
     reached      a server answered; the clock was set
@@ -254,7 +256,7 @@ output_is 'ntp-result
   example: velkctl get ntp-result'
 on_device velkctl describe location
 output_is "location
-  location of the device: a text, '' when empty
+  location of the device: a text, '' if empty
   command 3: get and set
   takes a text of at most 511 bytes
     ''  clears it
@@ -288,7 +290,8 @@ it 'explains a result by number and by name'
 for word in -3 LIB_VELK_LOCKED LOCKED; do
     on_device velkctl explain "$word"
     status_is 0
-    output_is "LIB_VELK_LOCKED (-3): another program is changing settings
+    output_is "LIB_VELK_LOCKED (-3)
+  another program is changing settings
   fix: try again, or let --wait=SECONDS try again
   exit status of velkctl: 3"
 done
@@ -296,22 +299,28 @@ done
 it 'explains an exit status by number, with the result that leads to it'
 on_device velkctl explain 3
 status_is 0
-output_is "exit status 3 of velkctl: another program is changing settings
+output_is "exit status 3 of velkctl
+  another program is changing settings
   fix: try again, or let --wait=SECONDS try again
-  result of the library: LIB_VELK_LOCKED (-3): another program is changing settings"
+  result of the library: LIB_VELK_LOCKED (-3)
+    another program is changing settings"
 on_device velkctl explain 6
-output_is "exit status 6 of velkctl: set, but the device does not hold the value
+output_is "exit status 6 of velkctl
+  set, but the device does not hold the value
   fix: read the likely cause in the message; 'velkctl doctor' looks for more"
 
 it 'explains 0 as a result and as an exit status'
 on_device velkctl explain 0
 status_is 0
-output_is 'LIB_VELK_SUCCESS (0): done
-  fix: none needed; a successful set does not prove that the device holds the value
+output_is 'LIB_VELK_SUCCESS (0)
+  done
+  fix: none needed; success of a set does not prove that the value is held
   exit status of velkctl: 0
-exit status 0 of velkctl: done
+exit status 0 of velkctl
+  done
   fix: none needed
-  result of the library: LIB_VELK_SUCCESS (0): done'
+  result of the library: LIB_VELK_SUCCESS (0)
+    done'
 
 it 'refuses to explain any other word'
 explained() { # WORD MESSAGE
@@ -341,17 +350,17 @@ refused "get: unknown option '--jsno'; did you mean --json?" get eth0.dns --jsno
 refused "get: unknown option '-json'; did you mean --json?" get eth0.dns -json
 refused "unknown option '--verison'; did you mean --version?" --verison
 refused "set: unknown option '--no-verfy'; did you mean --no-verify?" set ntp on --no-verfy=1
-refused "eth0.method: 'dhcpp' is not one of its values; did you mean dhcp?" set eth0.method dhcpp
-refused "eth0.link-speed: '100full' is not one of its values; did you mean 100-full or 10-full?" \
+refused "eth0.method: 'dhcpp' is not valid; did you mean dhcp?" set eth0.method dhcpp
+refused "eth0.link-speed: '100full' is not valid; did you mean 100-full or 10-full?" \
     set eth0.link-speed 100full
-refused "ntp: 'ON' is not one of its values; did you mean on?" set ntp ON
+refused "ntp: 'ON' is not valid; did you mean on?" set ntp ON
 refused "unknown verb 'hlep'; did you mean help?" hlep
 refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
     get eth1.wep-key-5
 
 it 'suggests a completion of an abbreviated word'
 refused "restart: unknown option '--notify'; did you mean --notify-only?" restart eth1 --notify
-refused "eth0.link-speed: '100' is not one of its values; did you mean 100-full or 100-half?" \
+refused "eth0.link-speed: '100' is not valid; did you mean 100-full or 100-half?" \
     set eth0.link-speed 100
 refused "unknown verb 'desc'; did you mean describe?" desc ntp
 
@@ -363,7 +372,7 @@ it 'suggests a correction of a schedule'
 refused "web-update: 'dialy 08:30' is not a schedule; did you mean daily?" set web-update dialy 08:30
 refused "web-update: 'weekly sundax 08:30' is not a schedule; did you mean sunday?" \
     set web-update weekly sundax 08:30
-refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'" \
+refused "web-update: 'every 24h' is not a schedule; give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off" \
     set web-update every 24h
 
 it 'recognises a setting and an interface in the wrong place'
@@ -392,7 +401,7 @@ refused "restart: $seconds" restart eth0 --wait 5
 refused "set: $seconds" set --wait 5 ntp on
 refused "set: $seconds" set eth1.psk some-key --wait 12345678
 refused "call: $seconds" call get 108 --wait 5
-refused "eth1.channel: '99' is not one of its values; give a number from 1 to 13" \
+refused "eth1.channel: '99' is not valid; give a number from 1 to 13" \
     set eth1.channel --wait 99
 
 it 'repeats no word next to a key, and says so'
@@ -400,7 +409,7 @@ hidden='not repeated here as it may be a key'
 refused "set: unknown option, $hidden; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth1.psk --hunter2
 refused "set: unknown option, $hidden; did you mean --wait?" set eth1.psk a-key --wiat
-refused "list: a word, $hidden, is one argument too many; usage: velkctl list [eth0|eth1] [--json]" \
+refused "list: unexpected argument, $hidden; usage: velkctl list [eth0|eth1] [--json]" \
     list eth1.psk some-key
 refused "get: unknown setting, $hidden; 'velkctl list' names them all" get eth1.psk secretpass
 
@@ -429,7 +438,7 @@ refused "unknown verb ''; give $verbs; see 'velkctl --help'" ''
 for word in - --; do
     refused "unknown verb '$word'; give $verbs; see 'velkctl --help'" "$word" get ntp
 done
-refused "ntp: '$(printf '%0512d' 0)...' is not one of its values; give on or off" \
+refused "ntp: '$(printf '%0512d' 0)...' is not valid; give on or off" \
     set ntp "$(printf '%0513d' 0)"
 refused "get: unknown setting '-'; 'velkctl list' names them all" get -
 refused "get: unknown setting ''; 'velkctl list' names them all" get ''

@@ -125,7 +125,7 @@ TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {
     {
         ChildCall child(kRestart, {}, signals);
         EXPECT_TRUE(child.TakeAnswer());
-        EXPECT_EQ(child.said(), (std::vector<std::string>{"to output", "to errors"}))
+        EXPECT_EQ(child.tool_output(), (std::vector<std::string>{"to output", "to errors"}))
             << "each line once";
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
@@ -141,7 +141,7 @@ TEST_F(ChildCallTest, KeepsTheBeginningOfALongOutput) {
     });
     ChildCall child(kRestart, {}, signals);
     EXPECT_TRUE(child.TakeAnswer());
-    EXPECT_EQ(child.said().size(), 1366U) << "of 8192 bytes";
+    EXPECT_EQ(child.tool_output().size(), 1366U) << "of 8192 bytes";
 }
 
 TEST_F(ChildCallTest, EndsWithItsOwner) {

@@ -23,8 +23,8 @@ TEST(ProblemOf, HasTheReasonTheRemedyAndTheResult) {
               "eth0.dns: could not be set; another program is changing settings; fix: try again, "
               "or let --wait=SECONDS try again (LIB_VELK_LOCKED, -3)");
     EXPECT_EQ(OneLine(NotSet({-9})),
-              "eth0.dns: could not be set; a result that velkctl does not know; fix: use a velkctl "
-              "as new as the library (unknown result, -9)");
+              "eth0.dns: could not be set; a result that velkctl does not know; fix: install the "
+              "velkctl that belongs to this library (unknown result, -9)");
     EXPECT_EQ(NotSet({-3}).setting, "eth0.dns");
 }
 

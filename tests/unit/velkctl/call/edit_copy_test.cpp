@@ -111,7 +111,7 @@ TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     for (const mode_t mode : {0640U, 0606U, 0700U, 0400U, 04600U, 04644U, 01600U, 0U}) {
         ASSERT_EQ(chmod(kCopy, mode), 0);
         EXPECT_EQ(Found().state, EditState::kForeign) << std::oct << mode;
-        EXPECT_EQ(AdditionsOf(Found()), "") << std::oct << mode;
+        EXPECT_EQ(DescribeNewLines(Found()), "") << std::oct << mode;
     }
     ASSERT_EQ(chmod(kCopy, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kCut);
@@ -124,7 +124,7 @@ TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
     for (const char* cut : {"", "a\n", "a\nb"}) {
         WriteFile(kCrontab, cut);
         EXPECT_EQ(Found().state, EditState::kUnproven) << cut;
-        EXPECT_EQ(AdditionsOf(Found()), "") << cut;
+        EXPECT_EQ(DescribeNewLines(Found()), "") << cut;
     }
     ASSERT_EQ(unlink(kCrontab), 0);
     EXPECT_EQ(Found().state, EditState::kUnproven);
@@ -166,30 +166,30 @@ TEST_F(EditCopyTest, TrustsTheFilesOwnerAndNobodyElse) {
 
 TEST_F(EditCopyTest, NamesTheLinesThatWouldBeAdded) {
     (void)StateOf("a\n\tup id > /tmp/x\nb\n", "b\na\n");
-    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add 'up id > /tmp/x'");
+    EXPECT_EQ(DescribeNewLines(Found()), "; the copy would add 'up id > /tmp/x'");
     (void)StateOf("b\n\x1b[1m\n", "");
-    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add 'b', '\x1b[1m'");
+    EXPECT_EQ(DescribeNewLines(Found()), "; the copy would add 'b', '\x1b[1m'");
     (void)StateOf("b\na\n", "a\nb\n");
-    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add no line");
+    EXPECT_EQ(DescribeNewLines(Found()), "; the copy would add no line");
     (void)StateOf("1\n\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n \t\n12\n", "");
     constexpr char kAdded[] =
         "; the copy would add '1', '2', '3', '4', '5', '6', '7', '8', '9', '10' and 2 more";
-    EXPECT_EQ(AdditionsOf(Found()), kAdded);
+    EXPECT_EQ(DescribeNewLines(Found()), kAdded);
     ASSERT_EQ(unlink(kCrontab), 0);
-    EXPECT_EQ(AdditionsOf(Found()), kAdded);
+    EXPECT_EQ(DescribeNewLines(Found()), kAdded);
 }
 
 TEST_F(EditCopyTest, NamesNoLinesWhereTheyCannotBeCompared) {
     const std::string huge = std::string(1024 * 1024, 'a') + "\n";
     (void)StateOf("a\n", huge);
-    EXPECT_EQ(AdditionsOf(Found()), "");
+    EXPECT_EQ(DescribeNewLines(Found()), "");
     (void)StateOf(huge, "");
-    EXPECT_EQ(AdditionsOf(Found()), "");
+    EXPECT_EQ(DescribeNewLines(Found()), "");
 }
 
 TEST_F(EditCopyTest, HasAdviceToFinishIt) {
     (void)StateOf("a\n", "");
-    EXPECT_EQ(FinishingOf(Found()),
+    EXPECT_EQ(AdviceToFinish(Found()),
               "compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
               "copy is right, copy its text into the file by hand, as root");
 }
@@ -197,13 +197,13 @@ TEST_F(EditCopyTest, HasAdviceToFinishIt) {
 TEST_F(EditCopyTest, TheShellLineThatDiscardsItTakesTheLock) {
     (void)StateOf("a\n", "");
     VkLibUnLock(VkLibLock());
-    EXPECT_EQ(DiscardingOf(Found()), "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock");
+    EXPECT_EQ(DiscardCommand(Found()), "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock");
 }
 
 TEST_F(EditCopyTest, TheShellLineMakesNoLockWhereThereIsNone) {
     (void)StateOf("a\n", "");
-    EXPECT_EQ(DiscardingOf(Found()), "rm /var/tmp/root");
-    EXPECT_EQ(system(DiscardingOf(Found()).c_str()), 0);
+    EXPECT_EQ(DiscardCommand(Found()), "rm /var/tmp/root");
+    EXPECT_EQ(system(DiscardCommand(Found()).c_str()), 0);
     EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
     EXPECT_FALSE(testkit::Exists(kCopy));
 }

@@ -23,7 +23,8 @@ class TextConflictTest : public testkit::DeviceTest {
         velkctl::Data data{};
         (void)value.copy(data.data(), data.size());
         velkctl::Report report(velkctl::Report::Form::kText);
-        return TextConflict(setting, data, velkctl::Device({}, report));
+        const auto problem = TextConflict(setting, data, velkctl::Device({}, report));
+        return problem ? OneLine(*problem) : "";
     }
 };
 
@@ -37,9 +38,10 @@ TEST_F(TextConflictTest, AnOrdinaryServerIsNoConflict) {
 TEST_F(TextConflictTest, AServerThatIsAPartOfTheCommandIsAConflict) {
     WriteFile(kCrontab, std::string("15 3 * * * true\n") + kEntry);
     EXPECT_EQ(Problem("ntp-server", "ntp"),
-              "'ntp' occurs earlier on the line /var/cron/tabs/root:2, too, where the next set "
-              "would replace it, in the command that cron runs; give the server's address or "
-              "another name, or --force");
+              "ntp-server: 'ntp' also occurs earlier in /var/cron/tabs/root:2; the next set would "
+              "replace it "
+              "there, in the command that cron runs; fix: give the server's address or another "
+              "name, or --force");
     for (const char* server : {"usr", "bin", "u", "d", "ntpdate"}) {
         EXPECT_NE(Problem("ntp-server", server), "") << server;
     }
@@ -48,18 +50,20 @@ TEST_F(TextConflictTest, AServerThatIsAPartOfTheCommandIsAConflict) {
 TEST_F(TextConflictTest, EveryEntryIsChecked) {
     WriteFile(kCrontab, std::string("0 1 * * * ntpdate 10.0.0.1 > /dev/null\n#") + kEntry);
     EXPECT_EQ(Problem("ntp-server", "usr"),
-              "'usr' occurs earlier on the line /var/cron/tabs/root:2, too, where the next set "
-              "would replace it, in the command that cron runs; give the server's address or "
-              "another name, or --force");
+              "ntp-server: 'usr' also occurs earlier in /var/cron/tabs/root:2; the next set would "
+              "replace it "
+              "there, in the command that cron runs; fix: give the server's address or another "
+              "name, or --force");
 }
 
 TEST_F(TextConflictTest, APresentServerThatIsAPartOfTheCommandConflictsWithEveryOther) {
     WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n");
     for (const char* server : {"10.0.0.1", ""}) {
         EXPECT_EQ(Problem("ntp-server", server),
-                  "the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, "
-                  "where this set would replace it, in the command that cron runs; fix: write "
-                  "another server into that line with an editor, or give --force");
+                  "ntp-server: the present server 'ntp' also occurs earlier in "
+                  "/var/cron/tabs/root:1; this set "
+                  "would replace it there, in the command that cron runs; fix: write another "
+                  "server into that line with an editor, or give --force");
     }
 }
 
@@ -85,36 +89,42 @@ TEST_F(TextConflictTest, OrdinaryTextsAreNoConflict) {
 TEST_F(TextConflictTest, ATextWithADirectiveIsAConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("administrator", "ask for syslocation at the desk"),
-              "the text holds 'syslocation', from which on a set of location would replace it in "
-              "/usr/local/share/etc/snmp/snmpd.conf; give other words, or --force");
+              "administrator: the text contains 'syslocation'; a set of location replaces the line "
+              "from there on "
+              "in /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
     EXPECT_EQ(Problem("location", "ask for syslocation at the desk"),
-              "the text holds 'syslocation', from which on a set of location would replace it in "
-              "/usr/local/share/etc/snmp/snmpd.conf; give other words, or --force");
+              "location: the text contains 'syslocation'; a set of location replaces the line from "
+              "there on "
+              "in /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
     EXPECT_EQ(Problem("location", "mysyscontacts"),
-              "the text holds 'syscontact', from which on a set of administrator would replace it "
-              "in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force");
+              "location: the text contains 'syscontact'; a set of administrator replaces the line "
+              "from there "
+              "on in /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
 }
 
 TEST_F(TextConflictTest, APresentTextThatTheSetWouldCutIsAConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("location", "Room 5"),
-              "the present administrator holds 'syslocation', from which on this set would replace "
-              "it in /usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set administrator TEXT "
-              "first, without that word, or give --force");
+              "location: the present administrator contains 'syslocation'; this set would replace "
+              "the line "
+              "from there on in /usr/local/share/etc/snmp/snmpd.conf; fix: give --force, or first, "
+              "without that word: velkctl set administrator TEXT");
     EXPECT_EQ(Problem("administrator", "Alice"), "") << "it takes the word away";
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("administrator", "Bob"),
-              "the present location holds 'syscontact', from which on this set would replace it in "
-              "/usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set location TEXT first, "
-              "without that word, or give --force");
+              "administrator: the present location contains 'syscontact'; this set would replace "
+              "the line from "
+              "there on in /usr/local/share/etc/snmp/snmpd.conf; fix: give --force, or first, "
+              "without that word: velkctl set location TEXT");
 }
 
 TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherNeedForce) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("location", "Room 5"),
-              "the present administrator holds 'syslocation', from which on this set would replace "
-              "it in /usr/local/share/etc/snmp/snmpd.conf; fix: velkctl set --force administrator "
-              "TEXT first, without that word, or give --force");
+              "location: the present administrator contains 'syslocation'; this set would replace "
+              "the line "
+              "from there on in /usr/local/share/etc/snmp/snmpd.conf; fix: give --force, or first, "
+              "without that word: velkctl set --force administrator TEXT");
 }
 
 TEST_F(TextConflictTest, OtherSettingsHaveNoConflicts) {

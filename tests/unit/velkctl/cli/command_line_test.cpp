@@ -43,7 +43,7 @@ TEST_F(CommandLine, ShowsTheHelpOfAVerb) {
         "Options:\n"
         "  -h,--help           show this help\n"
         "  --wait              try again for 30 s while settings are locked; or --wait=N\n"
-        "  --timeout SECONDS   stop if there is no answer in this time\n"
+        "  --timeout SECONDS   stop if no answer comes within SECONDS\n"
         "  --json              print one JSON document\n"
         "  --notify-only       eth1: notify the wireless daemon only; eth1 stays up\n"
         "\n"

@@ -23,7 +23,7 @@ class CrontabCheck : public testkit::DeviceTest {
     }
 };
 
-constexpr char kMend[] =
+constexpr char kFix[] =
     "  fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
 
 TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
@@ -33,43 +33,48 @@ TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
 
 TEST_F(CrontabCheck, FindsNoTimeEntry) {
     EXPECT_EQ(ExamineTime("0 * * * * true\n"),
-              "problem: ntp and ntp-server cannot be set: /var/cron/tabs/root: no entry runs "
-              "ntpdate\n" +
-                  std::string(kMend));
+              "problem: ntp and ntp-server cannot be set\n"
+              "  /var/cron/tabs/root: no entry runs ntpdate\n" +
+                  std::string(kFix));
 }
 
 TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 2>/var/libvelk/ntp.log 10.0.0.1\n"),
-              "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: "
-              "'2>/var/libvelk/ntp.log' is taken for it\n" +
-                  std::string(kMend));
+              "problem: ntp-server is read and set in the wrong place\n"
+              "  /var/cron/tabs/root:1: '2>/var/libvelk/ntp.log' is taken for it\n" +
+                  std::string(kFix));
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.1\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: the server is its last "
-              "word; setting it joins the entry with the next line\n" +
-                  std::string(kMend) +
-                  "warning: ntp-result does not cover this entry: /var/cron/tabs/root:1: its "
-                  "output does not go to /var/libvelk/ntp.log\n" +
-                  kMend);
+              "problem: ntp-server cannot be set\n"
+              "  /var/cron/tabs/root:1: the server is its last word\n"
+              "  setting it joins the entry with the next line\n" +
+                  std::string(kFix) +
+                  "warning: ntp-result does not see this entry's result\n"
+                  "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
+                  kFix);
 }
 
 TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
-    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: it has neither a server "
-              "nor a '>' to put one before\n" +
-                  std::string(kMend) +
-                  "warning: ntp-result does not cover this entry: /var/cron/tabs/root:1: its "
-                  "output does not go to /var/libvelk/ntp.log\n" +
-                  kMend);
-    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: a new server would be "
-              "joined with another word of it\n" +
-                  std::string(kMend));
+    EXPECT_EQ(
+        ExamineTime("0 * * * * ntpdate -u\n"),
+        "problem: ntp-server cannot be set\n"
+        "  /var/cron/tabs/root:1: it has no server, and no '>' before which one could be put\n" +
+            std::string(kFix) +
+            "warning: ntp-result does not see this entry's result\n"
+            "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
+            kFix);
+    EXPECT_EQ(
+        ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
+        "problem: ntp-server cannot be set\n"
+        "  /var/cron/tabs/root:1: a new server would be joined to another word on the line\n" +
+            std::string(kFix));
 }
 
 TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
     const auto finding = [](const std::string& server) {
-        return "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '" + server +
-               "' occurs earlier on the line, too, and is replaced there\n"
+        return "problem: ntp-server cannot be set\n"
+               "  /var/cron/tabs/root:1: '" +
+               server +
+               "' also occurs earlier on the line, and a set replaces it there\n"
                "  fix: write the server's address in its place with an editor, or a name that does "
                "not occur earlier on the line\n";
     };
@@ -81,31 +86,31 @@ TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
 }
 
 TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {
-    EXPECT_EQ(
-        ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
-        "problem: ntp-server is joined with another entry: /var/cron/tabs/root:1: two entries are "
-        "on one line, as after a set of a server that is the last word of its line\n"
-        "  fix: put the second one on a line of its own, and write: 0 * * * * "
-        "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
+              "problem: ntp-server is joined with another entry\n"
+              "  /var/cron/tabs/root:1: two entries are on one line, as after a set of a server "
+              "that is the last word of its line\n"
+              "  fix: put the second one on a line of its own, and write: 0 * * * * "
+              "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
 }
 
 TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate -t 5 10.0.0.1 > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: the "
-              "option '-t 5' is taken for it\n" +
-                  std::string(kMend));
+              "problem: ntp-server is read and set in the wrong place\n"
+              "  /var/cron/tabs/root:1: the option '-t 5' is taken for it\n" +
+                  std::string(kFix));
 }
 
 TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
-    EXPECT_EQ(
-        ExamineTime("# ntpdate sets the clock\n"
-                    "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
-        "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
-        "the clock' is taken for an entry\n"
-        "  fix: word it without 'ntpdate'\n"
-        "problem: ntp cannot be switched on: /var/cron/tabs/root:2: there are two '#' before the "
-        "entry, and switching on takes one away\n"
-        "  fix: leave one '#', in the first column\n");
+    EXPECT_EQ(ExamineTime("# ntpdate sets the clock\n"
+                          "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
+              "problem: ntp and ntp-server would change a comment\n"
+              "  /var/cron/tabs/root:1: '# ntpdate sets the clock' is taken for an entry\n"
+              "  fix: remove the word 'ntpdate' from the comment\n"
+              "problem: ntp cannot be switched on\n"
+              "  /var/cron/tabs/root:2: there are two '#' before the entry\n"
+              "  switching on removes only one\n"
+              "  fix: leave one '#', in the first column\n");
 }
 
 TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
@@ -119,8 +124,8 @@ TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
 
 TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
     EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
-              "problem: web-update cannot be read: /var/cron/tabs/root:1: the schedule is not one "
-              "of this library's\n"
+              "problem: web-update cannot be read\n"
+              "  /var/cron/tabs/root:1: the schedule is not one of this library's\n"
               "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
 }
 
@@ -129,8 +134,8 @@ TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
                                    "30  01 * * 0 perl /usr/bin/web_contents_updater.pl",
                                    "30 01 * * 0 perl /usr/bin/web_contents_updater.pl -v"}) {
         EXPECT_EQ(ExamineUpdate(line + "\n"),
-                  "warning: web-update is read wrongly, and a set replaces the line: "
-                  "/var/cron/tabs/root:1: '" +
+                  "warning: web-update is read wrongly, and a set replaces the line\n"
+                  "  /var/cron/tabs/root:1: '" +
                       line +
                       "' is not as the library writes it\n"
                       "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");

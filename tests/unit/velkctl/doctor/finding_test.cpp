@@ -26,11 +26,13 @@ const Finding kWarning{.severity = Severity::kWarning,
                        .description = "no log",
                        .remedy = "install it"};
 
-TEST(Finding, IsTwoLinesOfText) {
+TEST(Finding, HasSubjectReasonAndFixOnLinesOfTheirOwn) {
     EXPECT_EQ(velkctl::FormatFindings({kProblem, kWarning}),
-              "problem: eth1.gateway cannot be set: /etc/network/interfaces:12: no \\x1b line\n"
+              "problem: eth1.gateway cannot be set\n"
+              "  /etc/network/interfaces:12: no \\x1b line\n"
               "  fix: add one\n"
-              "warning: grep is not installed: no log\n"
+              "warning: grep is not installed\n"
+              "  no log\n"
               "  fix: install it\n");
 }
 

@@ -10,7 +10,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
-#include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/examination.h"
 
 namespace {
 
@@ -93,13 +93,14 @@ TEST_F(LikelyCausesTest, ASecondGatewayOutlivesTheFirst) {
               "\tgateway 10.0.0.3\n" +
                   std::string(kEth1));
     Set("eth0.gateway", "");
-    EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:3: 'gateway 10.0.0.3' counts when line 2 is removed; fix: "
-              "remove it");
+    EXPECT_EQ(
+        FirstOf("eth0.gateway"),
+        "/etc/network/interfaces:3: after line 2 is removed, 'gateway 10.0.0.3' still applies; "
+        "fix: remove 'gateway 10.0.0.3'");
     Set("eth0.gateway", "");
     EXPECT_EQ(FirstOf("eth0.gateway"),
               "/etc/network/interfaces:2: it is read from 'gateway 10.0.0.3'; fix: remove that "
-              "line, or set it once more");
+              "line, or set it again");
 }
 
 TEST_F(LikelyCausesTest, AHookThatIsNotThereCannotBeSwitched) {
@@ -130,7 +131,7 @@ TEST_F(LikelyCausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
     Set("eth0.dhcp-dns", "\x01");
     EXPECT_EQ(FirstOf("eth0.dhcp-dns"),
               "/etc/dhclient.conf:1: the interface's block is switched off, and no other request "
-              "statement counts; fix: velkctl set eth0.method dhcp, when DHCP is wanted");
+              "statement counts; fix: if DHCP is wanted: velkctl set eth0.method dhcp");
 }
 
 TEST_F(LikelyCausesTest, TheTimeSettingsNeedACrontabEntry) {
@@ -148,18 +149,17 @@ TEST_F(LikelyCausesTest, TheTimeSettingsNeedACrontabEntry) {
     EXPECT_EQ(FirstOf("ntp"), "") << "the next set of it would do";
     WriteFile(kCrontab, "###0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n");
     Set("ntp", "\x01");
-    EXPECT_EQ(
-        FirstOf("ntp"),
-        "/var/cron/tabs/root:1: there are two '#' before the entry, and switching on takes one "
-        "away; fix: leave one '#', in the first column");
+    EXPECT_EQ(FirstOf("ntp"),
+              "/var/cron/tabs/root:1: there are two '#' before the entry; switching on removes "
+              "only one; fix: leave one '#', in the first column");
 }
 
 TEST_F(LikelyCausesTest, ATimeServerNeedsAPlace) {
     WriteFile(kCrontab, "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
-              "/var/cron/tabs/root:1: a new server would be joined with another word of it; fix: "
-              "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
+              "/var/cron/tabs/root:1: a new server would be joined to another word on the line; "
+              "fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
 TEST_F(LikelyCausesTest, ATimeServerAtTheEndOfItsLineJoinsTwoEntries) {
@@ -196,7 +196,8 @@ TEST_F(LikelyCausesTest, AMissingToolIsFound) {
     setenv("PATH", "/tmp", 1);
     Set("administrator", "new");
     EXPECT_EQ(FirstOf("administrator"),
-              "cat is not installed; fix: install it in a folder where velkctl looks, as /usr/bin");
+              "cat is not installed; fix: install it in a folder that velkctl searches, such as "
+              "/usr/bin");
 }
 
 TEST_F(LikelyCausesTest, ProblemsPrecedeWarningsAndLinesOfAFileComeFirst) {
@@ -222,11 +223,11 @@ TEST_F(LikelyCausesTest, EachCauseHasItsImpact) {
 TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
     EXPECT_EQ(FirstOf("eth1.ssid"),
               "/tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; fix: "
-              "plug an adapter in, and start the wireless daemon unless that does");
+              "plug in an adapter; if that does not start the wireless daemon, start it");
     testkit::FakeDaemon daemon;
     EXPECT_EQ(FirstOf("eth1.ssid"),
-              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers with "
-              "another one; fix: 'velkctl doctor' asks it; restart the wireless daemon");
+              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, but returns another "
+              "one; fix: restart the wireless daemon; 'velkctl doctor' queries it");
     EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
     for (const Setting& setting : velkctl::Settings()) {
         const Findings causes = LikelyCauses(setting);
@@ -255,8 +256,8 @@ TEST_F(LikelyCausesTest, AFindingThatDoesNotAffectTheSettingIsNoCause) {
 
 TEST_F(LikelyCausesTest, OnlyFindingsThatAffectTheSettingAreReturned) {
     EXPECT_EQ(FormatFindings(velkctl::ExamineFor(Find("web-update"))),
-              "problem: ntp, ntp-server and web-update can be neither read nor set: "
-              "/var/cron/tabs/root: the file is missing\n"
+              "problem: ntp, ntp-server and web-update can be neither read nor set\n"
+              "  /var/cron/tabs/root: the file is missing\n"
               "  fix: put the device's own file there\n");
     for (const Setting& setting : velkctl::Settings()) {
         for (const velkctl::Finding& finding : velkctl::ExamineFor(setting)) {

@@ -26,7 +26,7 @@ constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
 // Returns the text with the indented lines of a message joined to its first line.
 std::string Unfolded(std::string text) {
     for (size_t at = text.find("\n  "); at != std::string::npos; at = text.find("\n  ", at)) {
-        text.replace(at, 3, "; ");
+        text.replace(at, 3, at > 0 && text[at - 1] == ',' ? " " : "; ");
     }
     return text;
 }
@@ -114,12 +114,11 @@ TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
 TEST_F(ReadBackTest, AnotherAddressIsShown) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), false);
-    EXPECT_EQ(
-        complaint,
-        "velkctl: eth0.address: the library reported success, but the device holds "
-        "'ether 02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: 'hwaddress ether "
-        "02:00:00:00:00:01' comes first and holds 'address '; fix: word it otherwise, or move it "
-        "below the line with the value\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.address: the library reported success, but the device holds 'ether "
+              "02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: the library takes "
+              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: reword "
+              "it, or move it below the line with the value\n");
 }
 
 TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {

@@ -48,8 +48,9 @@ TEST_F(ToolsCheck, NamesTheMissingTool) {
     ASSERT_EQ(unlink("/tmp/rm"), 0);
     EXPECT_THAT(
         FormatFindings(velkctl::CheckTools()),
-        HasSubstr("problem: rm is not installed: edit copies and results stay in /var/tmp\n  fix: "
-                  "install it in a folder where velkctl looks, as /usr/bin\n"));
+        HasSubstr("problem: rm is not installed\n"
+                  "  edit copies and results stay in /var/tmp\n"
+                  "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"));
 }
 
 TEST_F(ToolsCheck, SaysNothingOfARestartThatNeedsNothing) {
@@ -60,20 +61,21 @@ TEST_F(ToolsCheck, NamesTheToolsThatARestartLacks) {
     ASSERT_EQ(unlink("/usr/sbin/ifup"), 0);
     ASSERT_EQ(unlink("/tmp/sudo"), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),
-              "problem: sudo is not installed: no interface can be restarted, link-speed can be "
-              "neither read nor set\n"
-              "  fix: install it in a folder where velkctl looks, as /usr/bin\n"
-              "problem: ifup is not installed: no interface can be brought up again by a restart\n"
-              "  fix: install it in a folder where sudo looks, as /usr/sbin\n");
+              "problem: sudo is not installed\n"
+              "  no interface can be restarted, link-speed can be neither read nor set\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "problem: ifup is not installed\n"
+              "  no interface can be brought up again by a restart\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n");
 }
 
 TEST_F(ToolsCheck, FindsAToolThatSudoDoesNot) {
     ASSERT_EQ(unlink("/usr/sbin/ifdown"), 0);
     WriteTool("/tmp/ifdown");
     EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),
-              "problem: ifdown is not in a folder where sudo looks: no interface can be brought "
-              "down by a restart\n"
-              "  fix: install it in a folder where sudo looks, as /usr/sbin\n");
+              "problem: ifdown is in none of the folders that sudo searches\n"
+              "  no interface can be brought down by a restart\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n");
 }
 
 // A tool of root's in a folder that sudo does not search.
@@ -102,7 +104,8 @@ class ToolElsewhere : public ToolsCheck {
     static constexpr char kFolder[] = "/usr/local/tools/net";
     static constexpr char kTool[] = "/usr/local/tools/net/ifdown";
     static constexpr char kLink[] = "ln -s /usr/local/tools/net/ifdown /usr/local/sbin/ifdown";
-    static constexpr char kInstall[] = "install it in a folder where sudo looks, as /usr/sbin";
+    static constexpr char kInstall[] =
+        "install it in a folder that sudo searches, such as /usr/sbin";
 
   private:
     const testkit::Emptied local_{"/usr/local", "mode=755"};
@@ -170,6 +173,26 @@ TEST_F(ToolElsewhere, IsNotLinkedFromTheCurrentFolder) {
     EXPECT_EQ(RemedyWithPath(""), kInstall);
     EXPECT_EQ(RemedyWithPath("."), kInstall);
     ASSERT_EQ(chdir(before.c_str()), 0);
+}
+
+class IfconfigCheck : public testkit::DeviceTest {};
+
+TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput(
+                  "lo  Link encap:Local Loopback\n    inet addr:127.0.0.1  Mask:255.0.0.0\n")),
+              "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput("")), "");
+}
+
+TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
+    EXPECT_EQ(
+        FormatFindings(velkctl::CheckIfconfigOutput(
+            "lo: flags=73<UP>\n        inet 127.0.0.1  netmask 255.0.0.0\n")),
+        "problem: ifconfig prints addresses in a form that the library does not read\n"
+        "  it prints 'inet 127.0.0.1  netmask 255.0.0.0',\n"
+        "  but the library looks for 'inet addr:' and 'Mask:'\n"
+        "  address and netmask of a DHCP interface are read as empty\n"
+        "  fix: install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does\n");
 }
 
 }  // namespace

@@ -97,6 +97,25 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
 )");
 }
 
+TEST(Report, BreaksALongTextAtSemicolonsAndBeforeBut) {
+    const std::string reason(40, 'a');
+    EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + reason, 2), reason + "\n  " + reason);
+    EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + std::string(36, 'b'), 2),
+              reason + "; " + std::string(36, 'b'));
+    EXPECT_EQ(velkctl::InLinesOf80(reason + ", but " + reason, 2), reason + ",\n  but " + reason);
+    EXPECT_EQ(velkctl::InLinesOf80(reason + "; give " + reason, 2),
+              reason + "\n  fix: give " + reason);
+}
+
+TEST(Report, BreaksNoQuotationAndNoFix) {
+    const std::string quoted =
+        "the interface's line 'request routers; # " + std::string(50, 'a') + "'";
+    EXPECT_EQ(velkctl::InLinesOf80(quoted, 2), quoted);
+    EXPECT_EQ(velkctl::InLinesOf80(quoted + "; it is off", 2), quoted + "\n  it is off");
+    const std::string fix = "fix: rm " + std::string(80, 'a') + "; true";
+    EXPECT_EQ(velkctl::InLinesOf80(fix, 2), fix);
+}
+
 TEST(Report, AnEmptyDocumentIsCompleteToo) {
     const Said said = OutputOf(Report::Form::kJson, [](Report&) { return ExitStatus::kDone; });
     EXPECT_EQ(said.out,

@@ -13,7 +13,7 @@ namespace {
 using velkctl::DescribeResult;
 using velkctl::ExitStatus;
 using velkctl::FindResultCode;
-using velkctl::kResultCodes;
+using velkctl::ResultCodes;
 
 constexpr std::array kAllResults{LIB_VELK_SUCCESS,    LIB_VELK_FAILURE,
                                  LIB_VELK_LOCKED,     LIB_VELK_INVALID_PARAMETER,
@@ -40,10 +40,10 @@ size_t PlaceInList(velk_result result) {
 }
 
 TEST(ResultCodes, EveryResultOfTheLibraryHasOneRow) {
-    ASSERT_EQ(kResultCodes.size(), kAllResults.size());
+    ASSERT_EQ(ResultCodes().size(), kAllResults.size());
     for (size_t i = 0; i < kAllResults.size(); ++i) {
         EXPECT_EQ(PlaceInList(kAllResults[i]), i);
-        EXPECT_EQ(kResultCodes[i].code, kAllResults[i]);
+        EXPECT_EQ(ResultCodes()[i].code, kAllResults[i]);
     }
 }
 
@@ -57,9 +57,9 @@ TEST(ResultCodes, NamesAreThoseOfTheHeader) {
 }
 
 TEST(ResultCodes, NoTwoRowsShareANameOrDescription) {
-    for (const auto& row : kResultCodes) {
+    for (const auto& row : ResultCodes()) {
         EXPECT_FALSE(row.description.empty()) << row.name;
-        EXPECT_EQ(std::count_if(kResultCodes.begin(), kResultCodes.end(),
+        EXPECT_EQ(std::count_if(ResultCodes().begin(), ResultCodes().end(),
                                 [&row](const auto& other) {
                                     return other.name == row.name ||
                                            other.description == row.description;

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/ipv4.h"
 
 namespace {
@@ -111,11 +111,10 @@ TEST(AddressKindParse, RefusesTextThatIsNoAddress) {
 
 TEST(AddressKindParse, SaysWhyAMaskIsNotValid) {
     EXPECT_EQ(Problem(kNetmask, {"255.0.255.0"}),
-              "'255.0.255.0' is not a mask, as its ones are not contiguous; give an IPv4 mask such "
-              "as 255.255.255.0");
-    EXPECT_EQ(
-        Problem(kNetmask, {"0.0.0.0"}),
-        "'0.0.0.0' is not a mask, as it has no ones; give an IPv4 mask such as 255.255.255.0");
+              "'255.0.255.0' is not a mask: a zero precedes a one; give an IPv4 mask such as "
+              "255.255.255.0");
+    EXPECT_EQ(Problem(kNetmask, {"0.0.0.0"}),
+              "'0.0.0.0' is not a mask: it has no ones; give an IPv4 mask such as 255.255.255.0");
     EXPECT_EQ(Problem(kNetmask, {"24"}),
               "'24' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
 }

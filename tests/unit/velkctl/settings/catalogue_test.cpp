@@ -141,11 +141,11 @@ TEST(UnknownSetting, NeitherRepeatsNorCorrectsAWordThatMayBeAKey) {
 }
 
 TEST(UnknownSetting, NeverRepeatsTheTextAfterAnEqualsSign) {
-    EXPECT_EQ(UnknownSetting("eth1.psk=hunter2"),
-              "'eth1.psk' is followed by '='; give the name alone, and a value as an argument of "
-              "its own");
+    EXPECT_EQ(
+        UnknownSetting("eth1.psk=hunter2"),
+        "'eth1.psk' is followed by '='; give the name alone, and the value as a separate argument");
     EXPECT_EQ(UnknownSetting("=a=b"),
-              "'' is followed by '='; give the name alone, and a value as an argument of its own");
+              "'' is followed by '='; give the name alone, and the value as a separate argument");
 }
 
 TEST(NamesSecret, KnowsTheNameAndTheIdOfASecret) {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
@@ -73,28 +73,22 @@ TEST(CodedKindParse, TakesTheNumberOfANamedCodeIfSomeCodesHaveNoName) {
 }
 
 TEST(CodedKindParse, RefusesNumbersIfAllCodesHaveNames) {
-    EXPECT_EQ(Problem(kServiceSet, {"1"}),
-              "'1' is not one of its values; give infrastructure or ad-hoc");
+    EXPECT_EQ(Problem(kServiceSet, {"1"}), "'1' is not valid; give infrastructure or ad-hoc");
     EXPECT_EQ(Problem(kLinkMode, {"2"}),
-              "'2' is not one of its values; "
-              "give auto, 100-full, 100-half, 10-full or 10-half");
+              "'2' is not valid; give auto, 100-full, 100-half, 10-full or 10-half");
 }
 
 TEST(CodedKindParse, ListsTheValidValues) {
-    EXPECT_EQ(Problem(kChannel, {"14"}),
-              "'14' is not one of its values; give a number from 1 to 13");
-    EXPECT_EQ(Problem(kOneToFour, {"wep"}),
-              "'wep' is not one of its values; give a number from 1 to 4");
-    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not one of its values; give 1, 2 or 3");
-    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not one of its values; give 2 or 3");
-    EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not one of its values; give 1, 2 (wep), 3 or 4");
+    EXPECT_EQ(Problem(kChannel, {"14"}), "'14' is not valid; give a number from 1 to 13");
+    EXPECT_EQ(Problem(kOneToFour, {"wep"}), "'wep' is not valid; give a number from 1 to 4");
+    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3");
+    EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not valid; give 1, 2 (wep), 3 or 4");
 }
 
 TEST(CodedKindParse, SuggestsACorrectionOfAMisspeltName) {
-    EXPECT_EQ(Problem(kLinkMode, {"100-ful"}),
-              "'100-ful' is not one of its values; did you mean 100-full?");
-    EXPECT_EQ(Problem(kServiceSet, {"AdHoc"}),
-              "'AdHoc' is not one of its values; did you mean ad-hoc?");
+    EXPECT_EQ(Problem(kLinkMode, {"100-ful"}), "'100-ful' is not valid; did you mean 100-full?");
+    EXPECT_EQ(Problem(kServiceSet, {"AdHoc"}), "'AdHoc' is not valid; did you mean ad-hoc?");
 }
 
 TEST(CodedKind, DescribesTheMeaningOfItsNames) {
@@ -112,8 +106,7 @@ TEST(CodedKindParse, TakesExactlyOneWord) {
 }
 
 TEST(CodedKindParse, ShowsControlCharactersEscaped) {
-    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}),
-              "'\\x1b\\x0a' is not one of its values; give 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}), "'\\x1b\\x0a' is not valid; give 2 or 3");
 }
 
 TEST(CodedKindParse, TakesOneSpellingOnly) {
@@ -148,7 +141,7 @@ TEST(CodedKind, WorksWithAnyTable) {
     constexpr CodedKind kKind{kTable};
     EXPECT_EQ(kKind.Parse(Words{"on"}).data, DataOf(200));
     EXPECT_EQ(kKind.Print(DataOf(200)), "on");
-    EXPECT_EQ(Problem(kKind, {"off"}), "'off' is not one of its values; give 200 (on) or 7");
+    EXPECT_EQ(Problem(kKind, {"off"}), "'off' is not valid; give 200 (on) or 7");
 }
 
 }  // namespace

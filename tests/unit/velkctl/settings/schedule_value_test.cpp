@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
@@ -16,9 +16,7 @@ using velkctl::kSchedule;
 using velkctl::Parsed;
 using Words = std::vector<std::string>;
 
-constexpr char kGive[] =
-    "give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or "
-    "'off'";
+constexpr char kGive[] = "give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
 
 Data DataOf(int type, int value, const std::string& time) {
     Data data{};

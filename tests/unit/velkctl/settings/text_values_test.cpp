@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -83,7 +83,7 @@ TEST(TextKindParse, LengthsAreCountedInBytes) {
 TEST(TextKindParse, TakesExactlyOneWord) {
     EXPECT_EQ(Problem(kSsid, {}), "no value given; give a text of at most 32 bytes");
     EXPECT_EQ(Problem(kSsid, {"my", "own", "net"}),
-              "3 values given; give a text of at most 32 bytes, in quotes when it holds blanks");
+              "3 values given; give a text of at most 32 bytes, in quotes if it has blanks");
 }
 
 TEST(TextKindParse, RefusesControlCharacters) {

@@ -177,9 +177,9 @@ TEST_F(WirelessSettings, SaysThatTheWepKeyInUseCannotBeCleared) {
 
 TEST_F(WirelessSettings, RefusedValuesAreNotSent) {
     Refuses({"set", "eth1.channel", "14"},
-            "eth1.channel: '14' is not one of its values; give a number from 1 to 13");
+            "eth1.channel: '14' is not valid; give a number from 1 to 13");
     Refuses({"set", "eth1.service-set", "1"},
-            "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc");
+            "eth1.service-set: '1' is not valid; give infrastructure or ad-hoc");
     Refuses({"set", "eth1.ssid", std::string(33, 'x')},
             "eth1.ssid: 33 bytes given; give a text of at most 32 bytes");
     Refuses({"set", "eth1.psk", std::string(65, 'x')},

@@ -55,14 +55,14 @@ TEST(ParseHex, ATextWithoutDigitsHasNoBytes) {
 
 TEST(ParseHex, ADigitAloneIsNoByte) {
     EXPECT_EQ(ParseHex("313").problem,
-              "the digit at character 3 has no second one; "
-              "give two hex digits for each byte, such as 31:30");
+              "odd number of hex digits at character 3; give two hex digits for each byte, such as "
+              "31:30");
     EXPECT_EQ(ParseHex("3 1").problem,
-              "the digit at character 1 has no second one; "
-              "give two hex digits for each byte, such as 31:30");
+              "odd number of hex digits at character 1; give two hex digits for each byte, such as "
+              "31:30");
     EXPECT_EQ(ParseHex("31:a").problem,
-              "the digit at character 4 has no second one; "
-              "give two hex digits for each byte, such as 31:30");
+              "odd number of hex digits at character 4; give two hex digits for each byte, such as "
+              "31:30");
 }
 
 TEST(ParseHex, HasThePositionOfAWrongDigit) {

@@ -1,13 +1,12 @@
-// value_kinds.h - the kinds of values that the settings of the catalogue have.
-#ifndef VELKCTL_SETTINGS_VALUE_KINDS_H_
-#define VELKCTL_SETTINGS_VALUE_KINDS_H_
+// kinds_of_settings.h - the kinds of values that the settings of the catalogue have.
+#ifndef VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_
+#define VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_
 
 #include <array>
 
 #include "velkctl/settings/address_values.h"
 #include "velkctl/settings/coded_values.h"
 #include "velkctl/settings/host_value.h"
-#include "velkctl/settings/key_problems.h"
 #include "velkctl/settings/raw_values.h"
 #include "velkctl/settings/schedule_value.h"
 #include "velkctl/settings/server_list.h"
@@ -102,4 +101,4 @@ inline constexpr NumberPairKind kSignal{};
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_SETTINGS_VALUE_KINDS_H_
+#endif  // VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_

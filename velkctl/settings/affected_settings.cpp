@@ -1,5 +1,5 @@
 // affected_settings.cpp - the settings that a finding is about.
-#include "velkctl/doctor/affected_settings.h"
+#include "velkctl/settings/affected_settings.h"
 
 #include <algorithm>
 

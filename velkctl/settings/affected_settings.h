@@ -1,6 +1,6 @@
 // affected_settings.h - the settings that a finding is about.
-#ifndef VELKCTL_DOCTOR_AFFECTED_SETTINGS_H_
-#define VELKCTL_DOCTOR_AFFECTED_SETTINGS_H_
+#ifndef VELKCTL_SETTINGS_AFFECTED_SETTINGS_H_
+#define VELKCTL_SETTINGS_AFFECTED_SETTINGS_H_
 
 #include <cstdint>
 #include <string>
@@ -46,4 +46,4 @@ AffectedSettings EditedSettings();
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_DOCTOR_AFFECTED_SETTINGS_H_
+#endif  // VELKCTL_SETTINGS_AFFECTED_SETTINGS_H_

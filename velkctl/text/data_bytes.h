@@ -1,6 +1,6 @@
-// data.h - the data bytes of a command and the result of parsing them.
-#ifndef VELKCTL_TEXT_DATA_H_
-#define VELKCTL_TEXT_DATA_H_
+// data_bytes.h - the data bytes of a command and the result of parsing them.
+#ifndef VELKCTL_TEXT_DATA_BYTES_H_
+#define VELKCTL_TEXT_DATA_BYTES_H_
 
 #include <array>
 #include <string>
@@ -27,4 +27,4 @@ inline Parsed Unparsable(std::string problem) {
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_TEXT_DATA_H_
+#endif  // VELKCTL_TEXT_DATA_BYTES_H_
