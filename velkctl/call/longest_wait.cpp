@@ -1,8 +1,8 @@
 // longest_wait.cpp - the longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
-#include "velkctl/text/find_row.h"
 
 namespace velkctl {
 namespace {
@@ -60,7 +60,7 @@ LongestWait LongestWaitOf(const Command& command) {
         return {kLinkSeconds + (is_wireless ? kWirelessRestartSeconds : kWiredRestartSeconds),
                 kRestart};
     }
-    const CatalogueRow* row = FindRow(Catalogue(), command.id, &CatalogueRow::id);
+    const CatalogueRow* row = velk::FindRow(Catalogue(), command.id, &CatalogueRow::id);
     return row == nullptr ? LongestWait{} : OfSetting(*row, command);
 }
 

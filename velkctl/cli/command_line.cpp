@@ -6,13 +6,13 @@
 #include <string_view>
 #include <utility>
 
+#include "lib/base/find_row.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -45,7 +45,7 @@ ExitStatus ShowVersion(Report& report) {
 }
 
 const Verb* FindVerb(std::string_view name) {
-    return FindRow(Verbs(), name, &Verb::name);
+    return velk::FindRow(Verbs(), name, &Verb::name);
 }
 
 // Returns the message about a word that is not a verb. `word` has no part after "=".

@@ -6,10 +6,10 @@
 
 #include <getopt.h>
 
+#include "lib/base/find_row.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
@@ -21,7 +21,7 @@ Flag FindFlag(const Verb& verb, std::string_view name) {
     if (name == "--help" || name == "-h") {
         return &Invocation::help;
     }
-    const VerbFlag* row = FindRow(verb.flags, name, &VerbFlag::name);
+    const VerbFlag* row = velk::FindRow(verb.flags, name, &VerbFlag::name);
     return row == nullptr ? nullptr : row->target;
 }
 
@@ -150,7 +150,8 @@ Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
         if (const Flag flag = FindFlag(verb, name)) {
             read.invocation.*flag = true;
             read.problem = is_wrong ? TakesNoValue(name) : "";
-        } else if (const VerbOption* option = FindRow(verb.options, name, &VerbOption::name)) {
+        } else if (const VerbOption* option =
+                       velk::FindRow(verb.options, name, &VerbOption::name)) {
             read.problem =
                 is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
         } else {
@@ -194,8 +195,8 @@ std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be
 }
 
 bool HasOption(const Verb& verb, std::string_view name) {
-    return FindRow(verb.options, name, &VerbOption::name) != nullptr ||
-           FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
+    return velk::FindRow(verb.options, name, &VerbOption::name) != nullptr ||
+           velk::FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
 }
 
 std::string_view WithoutValue(std::string_view argument) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk/ntp.h"
@@ -13,15 +14,15 @@
 namespace velkctl {
 namespace {
 
-constexpr char kProperEntry[] =
-    "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log";
+constexpr auto kProperEntry =
+    velk::JoinText("write: 0 * * * * ", velk::kClockSetter, " -u SERVER > ", velk::kNtpLog);
 constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
 
 // Options of ntpdate that take an argument.
 constexpr std::array<std::string_view, 7> kOptionsWithWord{"-a", "-e", "-k", "-o",
                                                            "-p", "-t", "-U"};
 
-constexpr std::string_view kUpdateCommand = "perl /usr/bin/web_contents_updater.pl";
+constexpr auto kUpdateCommand = velk::JoinText("perl ", velk::kWebUpdater);
 constexpr int kTimeFields = 5;
 constexpr std::string_view kTimeCharacters = "0123456789*/,-";
 
@@ -32,7 +33,7 @@ bool IsTimeField(std::string_view word) {
 Finding AboutEntry(AffectedSettings affected) {
     return {.subject = SubjectOf(affected),
             .file = velk::kCrontab,
-            .remedy = kProperEntry,
+            .remedy = kProperEntry.c_str(),
             .affected = std::move(affected),
             .impact = Impact::kSetting};
 }
@@ -115,7 +116,7 @@ Findings CheckServer(const std::string& line, size_t index) {
             "is joined with another entry",
             "two entries are on one line, as after a set of a server that is the last word of its "
             "line",
-            std::string("put the second one on a line of its own, and ") + kProperEntry));
+            std::string("put the second one on a line of its own, and ") + kProperEntry.c_str()));
     }
     return findings;
 }

@@ -55,7 +55,7 @@ Findings CheckBlockLines(const Lines& lines) {
     size_t begin = 0;
     for (size_t i = 0; i < lines.size(); ++i) {
         const bool was_in_block = blocks.in_block();
-        (void)blocks.Concerns(lines[i]);
+        (void)blocks.IsInScope(lines[i]);
         if (!was_in_block && blocks.in_block()) {
             begin = i;
             Append(findings, CheckOpening(lines, i));
@@ -123,7 +123,7 @@ Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     bool has_block = false;
     for (size_t i = 0; i < lines.size(); ++i) {
         const bool was_in_block = blocks.in_block();
-        const bool is_in_scope = blocks.Concerns(lines[i]);
+        const bool is_in_scope = blocks.IsInScope(lines[i]);
         if (!was_in_block && blocks.in_block()) {
             has_block = true;
             is_off = velk::IsCommentedOut(lines[i], std::string_view::npos);
@@ -154,7 +154,7 @@ class RequestCheck {
     Findings Run() {
         velk::ConfigBlocks blocks(interface_, comment_aware());
         for (size_t i = 0; i < lines_.size(); ++i) {
-            const bool is_in_scope = blocks.Concerns(lines_[i]);
+            const bool is_in_scope = blocks.IsInScope(lines_[i]);
             if (is_in_scope && (blocks.in_block() || !velk::Contains(lines_[i], "#"))) {
                 TakeLine(i);
             }
@@ -230,7 +230,7 @@ class RequestCheck {
         std::optional<size_t> begin;
         for (size_t i = 0; i < lines_.size(); ++i) {
             const bool was_in_block = blocks.in_block();
-            (void)blocks.Concerns(lines_[i]);
+            (void)blocks.IsInScope(lines_[i]);
             if (!was_in_block && blocks.in_block() && IsComment(lines_[i])) {
                 begin = i;
             }

@@ -9,9 +9,9 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/text/find_row.h"
 
 namespace velkctl {
 namespace {
@@ -43,7 +43,7 @@ constexpr std::array<Loss, 3> kLossesByAbsence{{
 constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
 
 Loss LossOf(std::string_view path, std::span<const Loss> losses, const Loss& otherwise) {
-    const Loss* loss = FindRow(losses, path, &Loss::path);
+    const Loss* loss = velk::FindRow(losses, path, &Loss::path);
     return loss == nullptr ? otherwise : *loss;
 }
 
@@ -148,7 +148,7 @@ Findings AboutFolders() {
              .impact = Impact::kSetting},
             {.subject = SubjectOf(results),
              .effect = "cannot be cleared when ntp is set to off",
-             .file = "/var/libvelk",
+             .file = velk::kLibraryFolder,
              .affected = results},
             wireless,
             semaphores};

@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <array>
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/settings/time_entry.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 
@@ -202,12 +202,12 @@ std::vector<Setting> Settings() {
 
 std::optional<Setting> FindSetting(std::string_view name) {
     const std::vector<Setting> settings = Settings();
-    const Setting* setting = FindRow(settings, name, &Setting::name);
+    const Setting* setting = velk::FindRow(settings, name, &Setting::name);
     return setting == nullptr ? std::nullopt : std::optional(*setting);
 }
 
 bool IsAddressCommand(uint32_t id) {
-    const CatalogueRow* row = FindRow(kRows, id, &CatalogueRow::id);
+    const CatalogueRow* row = velk::FindRow(kRows, id, &CatalogueRow::id);
     return row != nullptr && row->held_in.is_of_lease;
 }
 

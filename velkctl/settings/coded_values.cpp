@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "lib/base/find_row.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
@@ -68,7 +68,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
 }
 
 const CodedValue* CodedKind::Find(uint8_t code) const {
-    return FindRow(values_, code, &CodedValue::code);
+    return velk::FindRow(values_, code, &CodedValue::code);
 }
 
 Parsed CodedKind::Force(std::span<const std::string> words) const {

@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "lib/base/find_row.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/hex.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
@@ -37,7 +37,7 @@ constexpr std::array<TypeWord, 3> kTypeWords{{
 }};
 
 std::optional<velk_command_type> ParseType(std::string_view word) {
-    const TypeWord* row = FindRow(kTypeWords, word, &TypeWord::word);
+    const TypeWord* row = velk::FindRow(kTypeWords, word, &TypeWord::word);
     return row == nullptr ? std::nullopt : std::optional(row->type);
 }
 

@@ -1,11 +1,11 @@
 // find_row.h - looks a row of a table up.
-#ifndef VELKCTL_TEXT_FIND_ROW_H_
-#define VELKCTL_TEXT_FIND_ROW_H_
+#ifndef VELK_BASE_FIND_ROW_H_
+#define VELK_BASE_FIND_ROW_H_
 
 #include <algorithm>
 #include <ranges>
 
-namespace velkctl {
+namespace velk {
 
 // Returns the first row with this value of the member; nullptr if none.
 template <typename Rows, typename Id, typename Member>
@@ -14,6 +14,6 @@ auto FindRow(const Rows& rows, const Id& id, Member member) {
     return row == std::ranges::end(rows) ? nullptr : &*row;
 }
 
-}  // namespace velkctl
+}  // namespace velk
 
-#endif  // VELKCTL_TEXT_FIND_ROW_H_
+#endif  // VELK_BASE_FIND_ROW_H_
