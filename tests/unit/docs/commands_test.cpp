@@ -16,6 +16,7 @@
 
 #include "lib/entry/dispatch_tables.h"
 #include "support/device_test.h"
+#include "support/words.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/value_kind.h"
@@ -30,8 +31,8 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testkit::Words;
 using velk::CommandEntry;
-using Words = std::vector<std::string>;
 
 // ---- Text --------------------------------------------------------------------------------------
 

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ using velkctl::ExitStatus;
 using velkctl::Report;
 using velkctl::TimeLimits;
 
-constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
+constexpr auto& kResolver = testkit::kResolverFile;
 constexpr Command kSetDns{VELK_SET, VELK_CMD_DNS, "eth0"};
 constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
 

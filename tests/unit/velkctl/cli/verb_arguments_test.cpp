@@ -6,13 +6,15 @@
 
 #include <gmock/gmock.h>
 
+#include "support/words.h"
+
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testkit::Words;
 using velkctl::Arguments;
 using velkctl::Verb;
-using Words = std::vector<std::string>;
 
 const Verb& VerbOf(std::string_view name) {
     return *std::ranges::find(velkctl::Verbs(), name, &Verb::name);

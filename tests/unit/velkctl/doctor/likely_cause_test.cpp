@@ -10,10 +10,12 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 #include "velkctl/doctor/examination.h"
 
 namespace {
 
+using testkit::kCrontab;
 using testkit::WriteFile;
 using velkctl::Findings;
 using velkctl::Impact;
@@ -21,11 +23,10 @@ using velkctl::LikelyCauses;
 using velkctl::Setting;
 using velkctl::Severity;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
-constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kIdentity[] = "/var/libvelk/libvelk";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kHooks = testkit::kExitHooks;
+constexpr auto& kDhcpConfig = testkit::kDhcpConfigFile;
+constexpr auto& kIdentity = testkit::kIdentityFile;
 
 constexpr char kEth1[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
 

@@ -9,6 +9,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -20,8 +21,8 @@ using velkctl::ExitStatus;
 using velkctl::FindSetting;
 using velkctl::Setting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kHooks = testkit::kExitHooks;
 
 // Returns the text with the indented lines of a message joined to its first line.
 std::string Unfolded(std::string text) {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "velkctl/doctor/checks.h"
 
 namespace {
@@ -24,7 +25,7 @@ TEST_F(RemainsCheck, SaysNothingWhereNothingWasLeft) {
 }
 
 TEST_F(RemainsCheck, FindsEntriesThatToolsCannotWriteInto) {
-    constexpr char kResult[] = "/var/tmp/get_result";
+    constexpr auto& kResult = testkit::kResultFile;
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
               "warning: link-speed and the address and netmask of a lease may not have been read\n"
@@ -42,7 +43,7 @@ TEST_F(RemainsCheck, FindsEntriesThatToolsCannotWriteInto) {
 
 // In a folder that everybody may write, only root and the owner may remove a file.
 TEST_F(RemainsCheck, FindsFilesThatTheCallerMayNotRemove) {
-    constexpr char kResult[] = "/var/tmp/get_result";
+    constexpr auto& kResult = testkit::kResultFile;
     WriteFile(kResult, "x");
     ASSERT_EQ(chmod("/var/tmp", 01777), 0);
     std::string words;

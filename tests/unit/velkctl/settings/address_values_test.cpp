@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/ipv4.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::AddressKind;
 using velkctl::Data;
 using velkctl::IsMask;
@@ -18,7 +20,6 @@ using velkctl::kAddress;
 using velkctl::kGateway;
 using velkctl::kNetmask;
 using velkctl::ParseIpv4;
-using Words = std::vector<std::string>;
 
 Data DataOf(std::string_view text) {
     Data data{};

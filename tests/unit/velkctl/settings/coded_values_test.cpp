@@ -6,10 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::CodedKind;
 using velkctl::CodedValue;
 using velkctl::Data;
@@ -21,7 +23,6 @@ using velkctl::kOneToThree;
 using velkctl::kServiceSet;
 using velkctl::kStandardsEnabled;
 using velkctl::Parsed;
-using Words = std::vector<std::string>;
 
 Data DataOf(int code) {
     Data data{};

@@ -6,14 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::kHost;
 using velkctl::Parsed;
-using Words = std::vector<std::string>;
 
 Data DataOf(const std::string& bytes) {
     Data data{};

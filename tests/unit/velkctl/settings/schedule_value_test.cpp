@@ -7,14 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::kSchedule;
 using velkctl::Parsed;
-using Words = std::vector<std::string>;
 
 constexpr char kGive[] = "give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
 

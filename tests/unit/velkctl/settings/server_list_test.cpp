@@ -6,12 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
+
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::Parsed;
 using velkctl::ServerListKind;
-using Words = std::vector<std::string>;
 
 constexpr ServerListKind kServerList{};
 

@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::kPsk;
 using velkctl::kShownText;
@@ -18,7 +20,6 @@ using velkctl::kSsid;
 using velkctl::kWepKey;
 using velkctl::Parsed;
 using velkctl::TextKind;
-using Words = std::vector<std::string>;
 
 Data DataOf(const std::string& bytes) {
     Data data{};

@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
+
 namespace {
 
+using testkit::Words;
 using velkctl::DidYouMean;
 using velkctl::OneOf;
 using velkctl::SpellingSuggestions;
-using Words = std::vector<std::string>;
 
 const Words kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
 

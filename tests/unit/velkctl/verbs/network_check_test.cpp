@@ -4,6 +4,7 @@
 #include <string>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ using velkctl::Catalogue;
 using velkctl::FindSetting;
 using velkctl::Setting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kStatic[] =
     "iface eth0 inet static\n"
     "address 192.168.0.10\n"
