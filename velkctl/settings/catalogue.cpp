@@ -206,6 +206,19 @@ std::optional<Setting> FindSetting(std::string_view name) {
     return setting == nullptr ? std::nullopt : std::optional(*setting);
 }
 
+std::optional<Setting> FindSetting(uint32_t id, std::string_view interface) {
+    for (const Setting& setting : Settings()) {
+        if (setting.row->id == id && setting.interface == interface) {
+            return setting;
+        }
+    }
+    return std::nullopt;
+}
+
+bool IsSameSetting(const Setting& one, const Setting& other) {
+    return one.row->id == other.row->id && one.interface == other.interface;
+}
+
 bool IsAddressCommand(uint32_t id) {
     const CatalogueRow* row = FindRow(kRows, id, &CatalogueRow::id);
     return row != nullptr && row->held_in.is_of_lease;

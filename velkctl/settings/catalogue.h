@@ -79,6 +79,12 @@ std::vector<Setting> Settings();
 // Returns the setting with this full name; nothing if none.
 std::optional<Setting> FindSetting(std::string_view name);
 
+// Returns the setting of this command on an interface; nothing if none.
+std::optional<Setting> FindSetting(uint32_t id, std::string_view interface);
+
+// True for two copies of one setting.
+bool IsSameSetting(const Setting& one, const Setting& other);
+
 // True for the commands of the address, netmask and gateway. With method static they read the
 // configuration, with method dhcp the lease.
 bool IsAddressCommand(uint32_t id);

@@ -65,7 +65,8 @@ std::optional<Setting> FindChangeable(WordSpan words, Report& report) {
 // Returns the conflict of a valid value with other settings or with the files; nothing if none.
 std::optional<Problem> FindConflict(const Setting& setting, const Data& value,
                                     const Device& device) {
-    std::optional<Problem> problem = NetworkProblem(setting, value, device);
+    const SettingChange change{setting, value};
+    std::optional<Problem> problem = NetworkProblem(change, PlannedValues(device, {&change, 1}));
     return problem ? problem : TextConflict(setting, value, device);
 }
 
