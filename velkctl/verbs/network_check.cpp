@@ -18,14 +18,6 @@ struct Network {
     std::optional<uint32_t> gateway;
 };
 
-std::string Dotted(uint32_t address) {
-    std::string text;
-    for (unsigned shift = 32; shift > 0; shift -= 8) {
-        text.append(text.empty() ? "" : ".").append(std::to_string(address >> (shift - 8) & 0xffU));
-    }
-    return text;
-}
-
 // "192.168.0.0/24"
 std::string Range(uint32_t address, uint32_t mask) {
     return Dotted(address & mask) + "/" + std::to_string(std::popcount(mask));

@@ -237,7 +237,7 @@ refused 'eth0.dns: 4 addresses given; give one to three, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
 it 'refuses a value that is not an address'
-for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost 1.1.1.1,2.2.2.2 '1.1.1.1 2.2.2.2' \
+for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost '1.1.1.1;2.2.2.2' \
     '[1.1.1.1]' '{}' %% ++ -5 list ''; do
     refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
         set eth0.dns 1.1.1.1 "$word"
