@@ -68,16 +68,17 @@ bool TakesNumber(const Verb& verb, const std::vector<std::string>& words_before)
     const bool is_second = 1 == std::ranges::count_if(words_before, [](const std::string& word) {
                                return !LooksLikeOption(word);
                            });
-    return is_second && verb.words.second_is_number;
+    return is_second && verb.words.second_is_number && !IsAssignment(words_before.front());
 }
 
 // True if a word may be a secret: next to the name or id of one, or after a misspelt name.
 bool MayHoldSecret(const Verb& verb, const std::vector<std::string>& words) {
     const auto first = std::ranges::find_if_not(words, LooksLikeOption);
-    if (verb.words.takes_value && first != words.end() && !FindSetting(*first)) {
+    if (verb.words.takes_value && first != words.end() && !FindSetting(WithoutValue(*first))) {
         return true;
     }
-    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
+    return std::ranges::any_of(
+        words, [](const std::string& word) { return NamesSecret(WithoutValue(word)); });
 }
 
 // Returns the word to follow its noun in a message, or a remark in its place.
@@ -201,6 +202,10 @@ bool HasOption(const Verb& verb, std::string_view name) {
 
 std::string_view WithoutValue(std::string_view argument) {
     return argument.substr(0, argument.find('='));
+}
+
+bool IsAssignment(std::string_view word) {
+    return word.find('=') != std::string_view::npos;
 }
 
 }  // namespace velkctl

@@ -59,12 +59,17 @@ constexpr std::array<Verb, 9> kVerbs{{
      "(eth1.psk and the WEP keys) is shown as ********, or none if it is not set,\n"
      "unless --show-secrets is given.\n"
      "\n"
+     "An interface selects all of its settings, a pattern in quotes all that match it.\n"
+     "A setting of only one interface can be named without it.\n"
+     "\n"
      "In a value, \\xff is a byte that is not text. \\x5c is a backslash before text\n"
      "that looks like such a byte.\n"
      "\n"
      "Examples:\n"
      "  velkctl get eth0.dns\n"
      "  velkctl get eth0.dns eth0.link-speed\n"
+     "  velkctl get eth0\n"
+     "  velkctl get 'eth*.address'\n"
      "  velkctl get --value eth0.address eth0.netmask\n"
      "  velkctl get eth1.psk --show-secrets",
      {.least = 1, .most = kAnyNumber},
@@ -72,9 +77,14 @@ constexpr std::array<Verb, 9> kVerbs{{
      kGetFlags,
      RunGet},
     {"set",
-     "NAME VALUE... [OPTION...]",
-     "change a setting",
-     "Write the value as get shows it. Put -- before a value that begins with a dash.\n"
+     "NAME VALUE...|NAME=VALUE... [OPTION...]",
+     "change settings",
+     "Several settings are written as NAME=VALUE. All values are checked first, also\n"
+     "against each other; if one is not valid, none is set. A failure stops the run;\n"
+     "velkctl then names the settings that are set.\n"
+     "\n"
+     "Write the value as get shows it. A list may have commas, and an address the\n"
+     "length of its netmask after it. Put -- before a value that begins with a dash.\n"
      "'velkctl describe NAME' lists the values of a setting. '' clears a text, none\n"
      "clears any other setting that can be empty. In a text, \\xff is the byte of that\n"
      "number, and \\x5cxff the four characters.\n"
@@ -89,6 +99,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      "\n"
      "Examples:\n"
      "  velkctl set eth0.address 192.168.0.10\n"
+     "  velkctl set eth0.address=192.168.0.10/24 eth0.gateway=192.168.0.1\n"
      "  velkctl set eth0.dns 192.168.0.1 192.168.0.2\n"
      "  velkctl set web-update weekly sunday 08:30\n"
      "  velkctl set eth1.ssid 'my network' --wait\n"
@@ -98,15 +109,18 @@ constexpr std::array<Verb, 9> kVerbs{{
      kSetFlags,
      RunSet},
     {"show",
-     "[eth0|eth1] [OPTION...]",
+     "[NAME...] [OPTION...]",
      "show all settings, or those of an interface",
+     "NAME is an interface, a setting, or a pattern in quotes.\n"
+     "\n"
      "A setting that cannot be read is shown with the reason. Colours are used on\n"
      "terminals only, and not if NO_COLOR is set.\n"
      "\n"
      "Examples:\n"
      "  velkctl show\n"
-     "  velkctl show eth0 --json",
-     {.most = 1, .first_is_interface = true},
+     "  velkctl show eth0 --json\n"
+     "  velkctl show 'eth*.dns' ntp-server",
+     {.most = kAnyNumber},
      kReadOptions,
      kSecretFlags,
      RunShow},

@@ -146,6 +146,15 @@ std::string_view WithoutInterface(std::string_view name) {
     return dot == std::string_view::npos ? name : name.substr(dot + 1);
 }
 
+std::vector<std::string> InterfaceNames() {
+    return {VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
+}
+
+// True for a misspelt interface.
+bool IsNearInterface(std::string_view word) {
+    return !SpellingSuggestions(word, InterfaceNames()).empty();
+}
+
 // Returns the full names of all settings, or of those with this name or id.
 std::vector<std::string> FullNames(std::optional<std::string_view> word = std::nullopt) {
     const std::optional<uint32_t> id = word ? ParseNumber<uint32_t>(*word) : std::nullopt;
@@ -202,8 +211,25 @@ std::vector<Setting> Settings() {
 
 std::optional<Setting> FindSetting(std::string_view name) {
     const std::vector<Setting> settings = Settings();
-    const Setting* setting = velk::FindRow(settings, name, &Setting::name);
-    return setting == nullptr ? std::nullopt : std::optional(*setting);
+    if (const Setting* setting = velk::FindRow(settings, name, &Setting::name)) {
+        return *setting;
+    }
+    const auto has_name = [name](const Setting& setting) { return setting.row->name == name; };
+    const auto setting = std::ranges::find_if(settings, has_name);
+    return std::ranges::count_if(settings, has_name) == 1 ? std::optional(*setting) : std::nullopt;
+}
+
+std::optional<Setting> FindSetting(uint32_t id, std::string_view interface) {
+    for (const Setting& setting : Settings()) {
+        if (setting.row->id == id && setting.interface == interface) {
+            return setting;
+        }
+    }
+    return std::nullopt;
+}
+
+bool IsSameSetting(const Setting& one, const Setting& other) {
+    return one.row->id == other.row->id && one.interface == other.interface;
 }
 
 bool IsAddressCommand(uint32_t id) {
@@ -215,7 +241,8 @@ bool NamesSecret(std::string_view word) {
     const std::vector<Setting> settings = Settings();
     const std::optional<uint32_t> id = ParseNumber<uint32_t>(word);
     return std::any_of(settings.begin(), settings.end(), [&](const Setting& setting) {
-        return setting.row->secret && (setting.name() == word || setting.row->id == id);
+        return setting.row->secret &&
+               (setting.name() == word || setting.row->name == word || setting.row->id == id);
     });
 }
 
@@ -232,16 +259,21 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
     const size_t equals = name.find('=');
     if (equals != std::string_view::npos) {
         // The text after the "=" may be a secret.
-        return Quoted(name.substr(0, equals)) +
-               " is followed by '='; give the name alone, and the value as a separate argument";
+        return Quoted(name.substr(0, equals)) + " is followed by '='; give the name alone";
     }
     const std::vector<std::string> right = FullNames(WithoutInterface(name));
+    if (right.size() > 1 && velk::FindRow(kRows, name, &CatalogueRow::name) != nullptr) {
+        return Quoted(name) + " is a setting of both interfaces; give " + OneOf(right);
+    }
     if (!right.empty()) {
         return "unknown setting " + Quoted(name) + "; give " + OneOf(right);
     }
     if (name == VELK_WIRED_INTERFACE || name == VELK_WIRELESS_INTERFACE) {
         return Quoted(name) + " is an interface, not a setting; 'velkctl show " +
                std::string(name) + "' shows its settings";
+    }
+    if (IsNearInterface(name)) {
+        return UnknownInterface(name, Quoted(name));
     }
     if (const std::vector<std::string> meant = GuessedNames(name); !meant.empty()) {
         return "unknown setting " + Quoted(name) + "; did you mean " + OneOf(meant) + "?";
@@ -250,7 +282,7 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
 }
 
 std::string UnknownInterface(std::string_view word, const std::string& shown) {
-    const std::vector<std::string> interfaces{VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
+    const std::vector<std::string> interfaces = InterfaceNames();
     return shown + " is not an interface of the device" +
            DidYouMean(word, interfaces, "give " + OneOf(interfaces));
 }

@@ -20,8 +20,16 @@ inline constexpr HostKind kHost{};
 inline constexpr ScheduleKind kSchedule{};
 
 // ---- Addresses ---------------------------------------------------------------------------------
-inline constexpr AddressKind kAddress{"an IPv4 address", "192.168.0.10", HostAddressProblem};
-inline constexpr AddressKind kNetmask{"an IPv4 mask", "255.255.255.0", MaskProblem};
+inline constexpr AddressKind kAddress{"an IPv4 address",
+                                      "192.168.0.10",
+                                      HostAddressProblem,
+                                      /*takes_none=*/false,
+                                      {"192.168.0.10/24", "sets the netmask, too"}};
+inline constexpr AddressKind kNetmask{
+    "an IPv4 mask",       "255.255.255.0",
+    MaskProblem,
+    /*takes_none=*/false, {"24", "the mask with this number of ones"},
+    MaskOfPrefix};
 inline constexpr AddressKind kGateway{"an IPv4 address", "192.168.0.1", HostAddressProblem,
                                       /*takes_none=*/true};
 

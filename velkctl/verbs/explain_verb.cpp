@@ -9,6 +9,7 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/result_codes.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
@@ -80,6 +81,10 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
     const std::optional<int> number = ParseNumber<int>(word);
     const std::optional<int> code = number ? number : CodeOfName(word);
+    if (!code && FindSetting(word)) {
+        return report.Refuse("explain: " + Quoted(word) + " is a setting; 'velkctl describe " +
+                             FindSetting(word)->name() + "' describes it");
+    }
     if (!code) {
         return report.Refuse("explain: " + Quoted(word) +
                              " is neither a result nor an exit status" +

@@ -5,27 +5,18 @@
 #include <optional>
 #include <string_view>
 
-#include "velkctl/call/command.h"
 #include "velkctl/settings/address_values.h"
 #include "velkctl/text/ipv4.h"
 
 namespace velkctl {
 namespace {
 
-// The configuration, with the new value in its place.
+// The configuration as it will be.
 struct Network {
     std::optional<uint32_t> address;
     std::optional<uint32_t> mask;
     std::optional<uint32_t> gateway;
 };
-
-std::string Dotted(uint32_t address) {
-    std::string text;
-    for (unsigned shift = 32; shift > 0; shift -= 8) {
-        text.append(text.empty() ? "" : ".").append(std::to_string(address >> (shift - 8) & 0xffU));
-    }
-    return text;
-}
 
 // "192.168.0.0/24"
 std::string Range(uint32_t address, uint32_t mask) {
@@ -36,24 +27,15 @@ std::optional<uint32_t> AddressIn(const Data& data) {
     return ParseIpv4(PrintText(data, ""));
 }
 
-std::optional<Answer> Read(uint32_t id, const Setting& setting, const Device& device) {
-    const std::string subject = setting.name() + ": reading the other settings";
-    Answer answer = device.Execute({VELK_GET, id, setting.interface}, {}, subject);
-    return answer.ok() ? std::optional(std::move(answer)) : std::nullopt;
+bool IsStatic(const Setting& setting, const PlannedValues& planned) {
+    const std::optional<Data> method = planned.Get(VELK_CMD_IP_METHOD, setting.interface);
+    return method && (*method)[0] == VELK_METHOD_STATIC;
 }
 
-bool IsStatic(const Setting& setting, const Device& device) {
-    const std::optional<Answer> method = Read(VELK_CMD_IP_METHOD, setting, device);
-    return method && method->data[0] == VELK_METHOD_STATIC;
-}
-
-Network NetworkWith(const Setting& setting, const Data& value, const Device& device) {
+Network NetworkOf(const Setting& setting, const PlannedValues& planned) {
     const auto address_of = [&](uint32_t id) -> std::optional<uint32_t> {
-        if (id == setting.row->id) {
-            return AddressIn(value);
-        }
-        const std::optional<Answer> answer = Read(id, setting, device);
-        return answer ? AddressIn(answer->data) : std::nullopt;
+        const std::optional<Data> data = planned.Get(id, setting.interface);
+        return data ? AddressIn(*data) : std::nullopt;
     };
     Network network{address_of(VELK_CMD_IP_ADDRESS), address_of(VELK_CMD_NETMASK),
                     address_of(VELK_CMD_GATEWAY)};
@@ -149,21 +131,22 @@ std::string_view RemedyOf(uint32_t id) {
 
 }  // namespace
 
-std::optional<Problem> NetworkProblem(const Setting& setting, const Data& value,
-                                      const Device& device) {
+std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned) {
+    const Setting& setting = change.setting;
     const uint32_t id = setting.row->id;
-    if (!IsAddressCommand(id) || !AddressIn(value) || !IsStatic(setting, device)) {
+    if (!IsAddressCommand(id) || !AddressIn(change.value) || !IsStatic(setting, planned)) {
         return std::nullopt;
     }
-    const Conflict conflict = ConflictOf(id, NetworkWith(setting, value, device));
+    const Conflict conflict = ConflictOf(id, NetworkOf(setting, planned));
     if (conflict.problem.empty()) {
         return std::nullopt;
     }
     const std::string name = setting.name();
-    return Problem{.message = name + ": " + Dotted(*AddressIn(value)) + " " + conflict.problem,
-                   .setting = name,
-                   .detail = conflict.reason,
-                   .remedy = std::string(RemedyOf(id)) + ", or give --force"};
+    return Problem{
+        .message = name + ": " + Dotted(*AddressIn(change.value)) + " " + conflict.problem,
+        .setting = name,
+        .detail = conflict.reason,
+        .remedy = std::string(RemedyOf(id)) + ", or give --force"};
 }
 
 }  // namespace velkctl

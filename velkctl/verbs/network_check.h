@@ -4,18 +4,16 @@
 
 #include <optional>
 
-#include "velkctl/call/device.h"
+#include "velkctl/call/planned_values.h"
 #include "velkctl/report/report.h"
-#include "velkctl/settings/catalogue.h"
-#include "velkctl/text/data_bytes.h"
+#include "velkctl/settings/setting_change.h"
 
 namespace velkctl {
 
-// Returns the conflict of a value with the configuration of the interface: an address that no host
-// of its network can have, or that the gateway has; a gateway outside the network. Nothing if there
-// is no conflict or if it is unknown.
-std::optional<Problem> NetworkProblem(const Setting& setting, const Data& value,
-                                      const Device& device);
+// Returns the conflict of a value with the configuration of the interface as it will be: an address
+// that no host of its network can have, or that the gateway has; a gateway outside the network.
+// Nothing if there is no conflict or if it is unknown. `planned` has the changed value.
+std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned);
 
 }  // namespace velkctl
 

@@ -1,7 +1,6 @@
 // show_verb.cpp - the verb that shows all readable settings.
 #include <chrono>
 #include <cstdlib>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +10,7 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/verbs/selected_settings.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -40,14 +40,6 @@ class Table {
     const bool colours_;
     const Report& report_;
 };
-
-std::vector<Setting> Readable(std::optional<std::string_view> interface) {
-    std::vector<Setting> settings = Settings();
-    std::erase_if(settings, [&](const Setting& setting) {
-        return !setting.can_get() || (interface && setting.interface != *interface);
-    });
-    return settings;
-}
 
 bool IsWireless(const Setting& setting) {
     return setting.row->interfaces == kEth1;
@@ -100,11 +92,14 @@ class SettingsTable {
 }  // namespace
 
 ExitStatus RunShow(const Invocation& invocation, Report& report) {
-    std::optional<std::string_view> interface;
-    if (!invocation.words.empty()) {
-        interface = invocation.words.front();
+    Invocation selection = invocation;
+    if (selection.words.empty()) {
+        selection.words = {"*"};
     }
-    const std::vector<Setting> settings = Readable(interface);
+    const std::vector<Setting> settings = SelectReadable("show", selection, report);
+    if (settings.empty()) {
+        return ExitStatus::kInvalid;
+    }
     const Table table(NameWidth(settings), report);
     const Device device(invocation.limits, report);
     SettingsTable shown(invocation.show_secrets, device, table);

@@ -87,6 +87,19 @@ ad-hoc
 (nothing)
 (nothing)'
 
+it 'offers values after NAME=, and more names with their ='
+offered set eth0.method = '' -- set eth0.method = s -- set eth0.method = dhcp ntp = '' -- \
+    set eth0.method = dhcp eth0.d -- set ntp = on ntp -- set eth1.psk =@ /tmp/keys/p -- \
+    set eth1.psk = @ /tmp/keys/p -- set eth1.ssid = @ /tmp/keys/p
+output_is 'static dhcp
+static
+on off
+eth0.dhcp-dns= eth0.dns= eth0.dhcp-notice=
+ntp-server=
+/tmp/keys/psk
+/tmp/keys/psk
+(nothing)'
+
 it 'offers a schedule word by word'
 offered set web-update '' -- set web-update weekly s -- set web-update weekly sunday '' -- \
     set web-update daily '' -- set web-update of
@@ -127,11 +140,11 @@ output_is '@/tmp/keys/psk
 
 # ---- the other verbs --------------------------------------------------------------------------
 it 'offers the interfaces to show, list and restart'
-offered show '' -- list '' -- restart eth1 -- show eth0 '' -- list eth0 '' -- restart eth0 ''
+offered show '' -- list '' -- restart eth1 -- show eth0 nt -- list eth0 '' -- restart eth0 ''
 output_is 'eth0 eth1
 eth0 eth1
 eth1
-(nothing)
+ntp ntp-server ntp-result
 (nothing)
 (nothing)'
 
@@ -237,6 +250,9 @@ velkctl get eth1.psk |
 velkctl get --show-secrets |
 velkctl set eth0.method |
 velkctl set eth0.method static |
+velkctl set ntp=on eth0.method=|
+velkctl set ntp=on eth0.method=static |
+velkctl set eth1.psk=@/tmp/keys/secret |
 velkctl set --wait=5 eth0.method |
 velkctl set web-update weekly thursday |
 velkctl set eth1.psk @/tmp/keys/secret |
@@ -248,7 +264,8 @@ velkctl call set 314 eth1 --text @/tmp/keys/secret |
 velkctl show eth|'
 }
 lines=('velkctl des' 'velkctl get eth1.ps' 'velkctl get --sh' 'velkctl set eth0.me'
-    'velkctl set eth0.method s' 'velkctl set --wait=5 eth0.me' 'velkctl set web-update weekly th'
+    'velkctl set eth0.method s' 'velkctl set ntp=on eth0.me' 'velkctl set ntp=on eth0.method=s'
+    'velkctl set eth1.psk=@/tmp/keys/se' 'velkctl set --wait=5 eth0.me' 'velkctl set web-update weekly th'
     'velkctl set eth1.psk @/tmp/keys/se' 'velkctl restart eth1 --no' 'velkctl call get 303 '
     'velkctl explain LIB_VELK_LO' 'velkctl help des'
     'velkctl call set 314 eth1 --text @/tmp/keys/se' 'velkctl show ')

@@ -23,7 +23,7 @@ import jsonschema
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
 described = "name id interface get set secret description expected values longest_seconds"
 member_orders = {
-    "settings": {"get": "name value error", "show": "name value error",
+    "settings": {"get": "name value error", "show": "name value error", "set": "name value held set",
                  "list": described, "describe": described},
     "setting": {"set": "name value held"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
@@ -113,6 +113,12 @@ answers <<'END'
 0 set --force eth0.gateway 9.9.9.9 -> setting
 0 set eth0.gateway none -> setting
 0 set -- location --json -> setting
+0 set ntp=on eth0.dns=1.1.1.1,2.2.2.2 -> settings
+0 set ntp=on -> settings
+0 set eth0.address 192.168.0.12/24 -> setting settings
+0 get 'eth0.*' ntp -> settings
+0 get eth0 -> settings
+0 show 'eth*.dns' ntp -> settings
 0 show -> settings
 0 show eth0 -> settings
 0 restart eth1 --notify-only -> interface
@@ -171,6 +177,8 @@ answers <<'END'
 2 set -> nothing; - -
 2 set nonsense 1 -> nothing; - -
 2 set eth0.mac-address 1 -> nothing; eth0.mac-address -
+2 set eth0.mac-address=1 ntp=maybe 1 -> nothing; eth0.mac-address -; - -; ntp -
+2 get 'eth9.*' -> nothing; - -
 2 set eth0.dns 1.1.1.1 --wait=0 -> nothing; - -
 2 show eth9 -> nothing; - -
 2 show --timeout -> nothing; - -
@@ -219,6 +227,7 @@ answers <<'END'
 4 get eth1.signal eth1.rate eth0.dns -> settings; eth1.signal LIB_VELK_NO_ADAPTER; eth1.rate LIB_VELK_NO_ADAPTER
 1 get eth1.ssid -> settings; eth1.ssid LIB_VELK_FAILURE
 1 set eth1.ssid lab -> nothing; eth1.ssid LIB_VELK_FAILURE
+1 set eth1.ssid=lab ntp=on -> settings; eth1.ssid LIB_VELK_FAILURE
 0 show eth1 -> settings
 4 restart eth1 -> interface; - LIB_VELK_NO_ADAPTER
 4 call get 101 eth1 -> result data; - LIB_VELK_NO_ADAPTER
@@ -236,6 +245,7 @@ it 'answers with a document when the device does not hold the value'
 answers <<'END'
 !sed -i /ntpdate/d /var/cron/tabs/root
 6 set ntp-server time.example -> setting; ntp-server -
+6 set ntp-server=time.example eth0.dns=none -> settings; ntp-server -
 6 set ntp on -> setting; ntp -
 0 set ntp-server time.example --no-verify -> setting
 END
@@ -275,6 +285,7 @@ error_is ''
 output_is 'get
 get
 show
+set
 set
 restart
 list

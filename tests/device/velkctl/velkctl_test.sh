@@ -237,7 +237,7 @@ refused 'eth0.dns: 4 addresses given; give one to three, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
 it 'refuses a value that is not an address'
-for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost 1.1.1.1,2.2.2.2 '1.1.1.1 2.2.2.2' \
+for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost '1.1.1.1;2.2.2.2' \
     '[1.1.1.1]' '{}' %% ++ -5 list ''; do
     refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
         set eth0.dns 1.1.1.1 "$word"
@@ -266,7 +266,7 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
 
 it 'refuses a missing name'
 refused 'get: argument missing; usage: velkctl get NAME... [OPTION...]' get
-refused 'set: argument missing; usage: velkctl set NAME VALUE... [OPTION...]' set
+refused 'set: argument missing; usage: velkctl set NAME VALUE...|NAME=VALUE... [OPTION...]' set
 
 it 'refuses an unknown name'
 refused "get: unknown setting 'nonsense'; 'velkctl list' names them all" get nonsense
@@ -276,7 +276,7 @@ refused "set: unknown setting ''; 'velkctl list' names them all" set '' 1.1.1.1
 it 'refuses an interface that the setting is not for'
 refused "get: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" get eth2.dns
 refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dns 1.1.1.1
-refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
+refused "set: 'dns' is a setting of both interfaces; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses an unknown verb'
 refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'" \
@@ -305,9 +305,8 @@ refused "set: unknown option '-hallo'; 'velkctl set --help' lists the options; p
     set eth0.dns -hallo
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
-it 'refuses name and value as one word'
-refused "set: 'eth0.dns' is followed by '='; give the name alone, and the value as a separate argument" \
-    set eth0.dns=1.1.1.1
+it 'refuses a value after a name that is read'
+refused "get: 'eth0.dns' is followed by '='; give the name alone" get eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
 refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
@@ -695,7 +694,8 @@ refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5 or 13 bytes, 10 
 
 it 'never repeats a key at any place'
 for arguments in 'set eth1.psk hunter22' 'set eth1.psk -hunter22' 'set eth1.psk --hunter=2' \
-    'set eth1.psk @hunter22' 'set eth1.psk=hunter22' 'set hunter22 eth1.psk' \
+    'set eth1.psk @hunter22' 'set eth1.psk=hunter22 hunter23' 'set psk=hunter22 hunter=23' \
+    'set eth1.psk=@hunter22' 'set eth1.pks=hunter22' 'set hunter22 eth1.psk' \
     'set eth1.pks -hunter22' 'set eth1.wep-key-2 hunter' 'eth1.psk=hunter22' 'get eth1.psk=hunter22' \
     'call set 314 eth1 hunter22' 'call set 314 hunter22hunter22hunter22' \
     'call set 314 eth1 --hunter22' 'call set 314 eth1 --hex hunter22' \
@@ -824,7 +824,7 @@ error_is ''
 output_has 'Usage: velkctl VERB [ARGUMENT...]'
 output_has '
   get       show the value of settings
-  set       change a setting
+  set       change settings
   show      show all settings, or those of an interface
   restart   bring an interface down and up to apply its settings
   list      list all settings, or those of an interface

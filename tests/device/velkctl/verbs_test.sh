@@ -379,7 +379,7 @@ it 'recognises a setting and an interface in the wrong place'
 refused "'eth0.dns' is a setting; give a verb before it, such as get or describe" eth0.dns
 refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb before it, such as get or describe" \
     eth0.addresx
-refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
+refused "set: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" set eth0 x
 refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
 
 it 'refuses a word after help VERB'

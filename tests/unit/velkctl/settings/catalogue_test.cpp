@@ -93,7 +93,8 @@ TEST(Setting, KnowsItsDirections) {
 
 TEST(UnknownSetting, GivesTheNamesOnOtherInterfaces) {
     EXPECT_EQ(UnknownSetting("eth2.dns"), "unknown setting 'eth2.dns'; give eth0.dns or eth1.dns");
-    EXPECT_EQ(UnknownSetting("dns"), "unknown setting 'dns'; give eth0.dns or eth1.dns");
+    EXPECT_EQ(UnknownSetting("dns"),
+              "'dns' is a setting of both interfaces; give eth0.dns or eth1.dns");
     EXPECT_EQ(UnknownSetting("eth1.link-speed"),
               "unknown setting 'eth1.link-speed'; give eth0.link-speed");
     EXPECT_EQ(UnknownSetting("eth0.location"), "unknown setting 'eth0.location'; give location");
@@ -112,6 +113,8 @@ TEST(UnknownSetting, SuggestsACorrectionOfAMisspeltName) {
 TEST(UnknownSetting, KnowsAnInterface) {
     EXPECT_EQ(UnknownSetting("eth1"),
               "'eth1' is an interface, not a setting; 'velkctl show eth1' shows its settings");
+    EXPECT_EQ(UnknownSetting("eth2"),
+              "'eth2' is not an interface of the device; did you mean eth0 or eth1?");
 }
 
 TEST(UnknownInterface, SuggestsACorrectionOfAMisspeltName) {
@@ -141,19 +144,17 @@ TEST(UnknownSetting, NeitherRepeatsNorCorrectsAWordThatMayBeAKey) {
 }
 
 TEST(UnknownSetting, NeverRepeatsTheTextAfterAnEqualsSign) {
-    EXPECT_EQ(
-        UnknownSetting("eth1.psk=hunter2"),
-        "'eth1.psk' is followed by '='; give the name alone, and the value as a separate argument");
-    EXPECT_EQ(UnknownSetting("=a=b"),
-              "'' is followed by '='; give the name alone, and the value as a separate argument");
+    EXPECT_EQ(UnknownSetting("eth1.psk=hunter2"),
+              "'eth1.psk' is followed by '='; give the name alone");
+    EXPECT_EQ(UnknownSetting("=a=b"), "'' is followed by '='; give the name alone");
 }
 
 TEST(NamesSecret, KnowsTheNameAndTheIdOfASecret) {
     EXPECT_TRUE(NamesSecret("eth1.psk"));
+    EXPECT_TRUE(NamesSecret("psk"));
     EXPECT_TRUE(NamesSecret("314"));
     EXPECT_TRUE(NamesSecret("00314"));
-    for (const char* word :
-         {"", "psk", "eth0.psk", "eth1.psks", "301", "1314", "314 ", "-314", "0x13a"}) {
+    for (const char* word : {"", "eth0.psk", "eth1.psks", "301", "1314", "314 ", "-314", "0x13a"}) {
         EXPECT_FALSE(NamesSecret(word)) << word;
     }
 }

@@ -11,7 +11,6 @@ namespace {
 using testkit::WriteFile;
 using velkctl::Catalogue;
 using velkctl::FindSetting;
-using velkctl::Setting;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kStatic[] =
@@ -27,11 +26,11 @@ class NetworkCheckTest : public testkit::DeviceTest {
         WriteFile(kInterfaces, kStatic);
     }
     static std::string Problem(const std::string& name, const std::string& value) {
-        const Setting setting = *FindSetting(name);
-        velkctl::Data data{};
-        (void)value.copy(data.data(), data.size());
+        velkctl::SettingChange change{*FindSetting(name)};
+        (void)value.copy(change.value.data(), change.value.size());
         velkctl::Report report(velkctl::Report::Form::kText);
-        const auto problem = NetworkProblem(setting, data, velkctl::Device({}, report));
+        const velkctl::Device device({}, report);
+        const auto problem = NetworkProblem(change, velkctl::PlannedValues(device, {&change, 1}));
         return problem ? OneLine(*problem) : "";
     }
 };
