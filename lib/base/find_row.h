@@ -3,15 +3,19 @@
 #define VELK_BASE_FIND_ROW_H_
 
 #include <algorithm>
-#include <ranges>
+#include <functional>
+#include <iterator>
 
 namespace velk {
 
-// Returns the first row with this value of the member; nullptr if none.
+// Returns the first row with this value of the member; nullptr if none. Inlined, because a call for
+// each table makes the library larger.
 template <typename Rows, typename Id, typename Member>
-auto FindRow(const Rows& rows, const Id& id, Member member) {
-    const auto row = std::ranges::find(rows, id, member);
-    return row == std::ranges::end(rows) ? nullptr : &*row;
+[[gnu::always_inline]] inline auto FindRow(const Rows& rows, const Id& id, Member member) {
+    const auto row = std::find_if(std::begin(rows), std::end(rows), [&](const auto& entry) {
+        return std::invoke(member, entry) == id;
+    });
+    return row == std::end(rows) ? nullptr : &*row;
 }
 
 }  // namespace velk

@@ -14,16 +14,14 @@
 #include <fnmatch.h>
 #include <gmock/gmock.h>
 
-#include "support/paths.h"
 #include "velk.h"
 
 namespace {
 
-using testkit::kInterfacesFile;
-
 namespace fs = std::filesystem;
 
 constexpr int kThreads = 8;
+constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kTools[] = "/tmp/tools";
 constexpr char kCopied[] = "/tmp/copied";  // all texts that cat(1) copied, in order
 
@@ -71,7 +69,7 @@ class ThreadsTest : public testing::Test {
         AddTool("sudo", "exec \"$@\"");
         AddTool("ethtool", "echo Speed: 100Mb/s; echo Duplex: Full; echo Auto-negotiation: off");
         setenv("PATH", kTools, 1);
-        Write(kInterfacesFile, InterfacesWith("192.168.0.10", "192.168.0.1"));
+        Write(kInterfaces, InterfacesWith("192.168.0.10", "192.168.0.1"));
         Write("/var/libvelk/libvelk", "ADMINISTRATOR=Robin\nLOCATION=Cellar\n");
     }
 
@@ -153,7 +151,7 @@ std::vector<std::string> StoredInOrder(const std::string& copied) {
         gateway = new_gateway;
     }
     EXPECT_EQ(copied, whole) << "one is torn";
-    EXPECT_EQ(Read(kInterfacesFile), InterfacesWith(address, gateway));
+    EXPECT_EQ(Read(kInterfaces), InterfacesWith(address, gateway));
     return stored;
 }
 
