@@ -80,11 +80,21 @@ bool HasNameOfSecret(const Words& words) {
     return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
 }
 
+// True for the names of more settings: "eth0.address 10.0.0.1 eth0.gateway 10.0.0.2".
+bool HasMoreNames(const Words& value) {
+    return value.size() > 1 && std::any_of(value.begin() + 1, value.end(), [](const auto& word) {
+               return FindSetting(WithoutValue(word)).has_value();
+           });
+}
+
 Requests RequestOf(const Words& words) {
     Requests requests;
     const std::optional<Setting> setting = FindSetting(words.front());
     const Words value(words.begin() + 1, words.end());
-    if (setting) {
+    if (setting && HasMoreNames(value)) {
+        Refuse(requests, *setting,
+               "another setting follows the value; give NAME=VALUE for each of several settings");
+    } else if (setting) {
         AddValue(requests, *setting, value);
     } else {
         // If the name of a secret comes later, the first word is probably the secret.

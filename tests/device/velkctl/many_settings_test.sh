@@ -57,6 +57,12 @@ status_is 0
 error_is ''
 output_is '172.16.5.1'
 
+it 'says how several settings are written'
+changes_nothing 'velkctl set eth0.address 10.0.0.9 eth0.netmask 255.255.255.0'
+status_is 2
+error_is 'velkctl: eth0.address: another setting follows the value
+  fix: give NAME=VALUE for each of several settings'
+
 it 'lists all problems in JSON'
 script 'velkctl set eth0.address=1 ntp=maybe --json | grep "\"\(status\|setting\)\""'
 status_is 0

@@ -82,6 +82,16 @@ TEST(ChangeWords, HaveAllTheirProblemsReported) {
                     "eth0.method: 'bootp' is not valid; give static or dhcp"));
 }
 
+TEST(ChangeWords, AreOneSettingUnlessEachHasItsValue) {
+    const std::string problem =
+        "eth0.address: another setting follows the value; give NAME=VALUE for each of several "
+        "settings";
+    EXPECT_THAT(Problems({"eth0.address", "10.0.0.1", "eth0.netmask", "24"}), ElementsAre(problem));
+    EXPECT_THAT(Problems({"eth0.address", "10.0.0.1", "eth0.netmask=24"}), ElementsAre(problem));
+    EXPECT_THAT(Changes({"location", "ntp"}), ElementsAre("location ntp"));
+    EXPECT_THAT(Changes({"location", "ntp=on"}), ElementsAre("location ntp=on"));
+}
+
 TEST(ChangeWords, HaveAnEmptyValueIfItIsRefused) {
     const RequestedChanges read = Read({"eth0.address=300.1.1.1", "eth0.gateway=10.0.0.1"});
     ASSERT_EQ(read.changes.size(), 2U);
