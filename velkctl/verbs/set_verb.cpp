@@ -13,18 +13,22 @@
 namespace velkctl {
 namespace {
 
-// Returns the changes to make, sorted. Reports all problems of the words; then returns nothing.
+// Returns the changes to make, sorted. Asks for secrets only if the other values have no problem.
+// Reports all problems; then returns nothing.
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
     RequestedChanges requested = ReadChanges(invocation);
     std::vector<Problem>& problems = requested.problems;
-    SortChanges(requested.changes);
     if (!invocation.force) {
         const std::vector<Problem> conflicts = FindConflicts(requested.changes, problems, device);
         problems.insert(problems.end(), conflicts.begin(), conflicts.end());
     }
+    if (problems.empty()) {
+        AskForSecrets(requested, invocation.force);
+    }
     for (const Problem& problem : problems) {
         report.Complain(problem);
     }
+    SortChanges(requested.changes);
     return problems.empty() ? std::move(requested.changes) : ChangeSet();
 }
 

@@ -112,6 +112,12 @@ output_is 'eth1.psk = hunter22
 eth1.wep-key-1 = abcde
 eth1.ssid = lab'
 
+it 'reads no secret from standard input if another value is refused'
+script 'echo hunter22 | { velkctl set psk=- eth0.gateway=10.0.0.1 2>/dev/null; echo $?; cat; }'
+status_is 0
+output_is '2
+hunter22'
+
 # ---- lists and prefix lengths -----------------------------------------------------------------
 it 'takes a list as get prints it, and with commas'
 script 'velkctl set eth0.dns 1.1.1.1,2.2.2.2 && velkctl get eth0.dns &&

@@ -4,7 +4,9 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "support/device_test.h"
 
@@ -113,7 +115,18 @@ TEST(ChangeWords, AreForcedIfTheyFitTheForm) {
                 ElementsAre("eth0.gateway nonsense"));
 }
 
-class ChangeWordsOnDevice : public testkit::DeviceTest {};
+class ChangeWordsOnDevice : public testkit::DeviceTest {
+  protected:
+    static void AskForSecretsWithoutInput(RequestedChanges& read) {
+        const int saved = dup(STDIN_FILENO);
+        const int empty = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        EXPECT_EQ(dup2(empty, STDIN_FILENO), STDIN_FILENO);
+        AskForSecrets(read, /*force=*/false);
+        EXPECT_EQ(dup2(saved, STDIN_FILENO), STDIN_FILENO);
+        close(empty);
+        close(saved);
+    }
+};
 
 TEST_F(ChangeWordsOnDevice, NameTheFileOfASecret) {
     testkit::WriteFile("/tmp/key", "hunter22\n");
@@ -122,11 +135,17 @@ TEST_F(ChangeWordsOnDevice, NameTheFileOfASecret) {
     EXPECT_STREQ(read.changes[1].value.data(), "hunter22");
 }
 
-TEST_F(ChangeWordsOnDevice, AskForASecretOnlyIfTheOthersHaveNoProblem) {
-    EXPECT_THAT(Problems({"psk=", "ntp=maybe"}),
-                ElementsAre("ntp: 'maybe' is not valid; give on or off"));
-    EXPECT_THAT(Problems({"psk=", "ntp=on"}),
-                ElementsAre("eth1.psk: no value given; give a text of 1 to 64 bytes, or none"));
+TEST_F(ChangeWordsOnDevice, LeaveASecretOpenThatAPersonGives) {
+    RequestedChanges read = Read({"psk=", "wep-key-1=-", "ntp=on"});
+    EXPECT_EQ(read.changes.size(), 1U);
+    ASSERT_EQ(read.open.size(), 2U);
+    AskForSecretsWithoutInput(read);
+    EXPECT_THAT(read.open, IsEmpty());
+    ASSERT_EQ(read.problems.size(), 2U);
+    EXPECT_EQ(OneLine(read.problems[0]),
+              "eth1.psk: no value given; give a text of 1 to 64 bytes, or none");
+    EXPECT_EQ(OneLine(read.problems[1]),
+              "eth1.wep-key-1: standard input is empty; give the value as one line");
 }
 
 }  // namespace
