@@ -112,6 +112,17 @@ output_is 'eth1.psk = hunter22
 eth1.wep-key-1 = abcde
 eth1.ssid = lab'
 
+it 'clears the key in use once another is in use'
+script 'velk-sandbox cable out
+    velkctl set encryption=wep wep-default-key=1 wep-key-1=abcde &&
+    velkctl set wep-key-1=none wep-default-key=2 wep-key-2=fghij &&
+    velkctl get wep-key-1 wep-key-2 wep-default-key'
+status_is 0
+error_is ''
+output_is 'eth1.wep-key-1 = none
+eth1.wep-key-2 = ********
+eth1.wep-default-key = 2'
+
 it 'reads no secret from standard input if another value is refused'
 script 'echo hunter22 | { velkctl set psk=- eth0.gateway=10.0.0.1 2>/dev/null; echo $?; cat; }'
 status_is 0
