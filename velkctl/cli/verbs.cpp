@@ -229,7 +229,7 @@ const Verb& Tool() {
 }
 
 std::string Invocation::Shown(std::string_view word) const {
-    return beside_secret ? "a word, not repeated here as it may be a key," : Quoted(word);
+    return QuotedUnlessKey(word, beside_secret);
 }
 
 }  // namespace velkctl

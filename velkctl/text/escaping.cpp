@@ -190,4 +190,8 @@ std::string Quoted(std::string_view word) {
         .append(is_cut ? "...'" : "'");
 }
 
+std::string QuotedUnlessKey(std::string_view word, bool may_be_key) {
+    return may_be_key ? "a word, not repeated here as it may be a key," : Quoted(word);
+}
+
 }  // namespace velkctl

@@ -32,6 +32,9 @@ inline constexpr std::string_view kMask = "********";
 // Returns 'word' for a message. A word longer than any value is cut.
 std::string Quoted(std::string_view word);
 
+// Returns the same, or a placeholder for a word that may be a key.
+std::string QuotedUnlessKey(std::string_view word, bool may_be_key);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_TEXT_ESCAPING_H_

@@ -72,7 +72,8 @@ void NoteStop(const ChangeSet& changes, size_t failed, Report& report) {
 
 void SortChanges(ChangeSet& changes) {
     std::ranges::sort(changes, {}, [](const SettingChange& change) {
-        return std::tuple(change.setting.interface, change.setting.row);
+        const bool is_cleared_key = change.setting.row->secret && change.value == Data{};
+        return std::tuple(change.setting.interface, is_cleared_key, change.setting.row);
     });
 }
 

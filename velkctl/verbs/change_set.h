@@ -16,8 +16,8 @@ namespace velkctl {
 using ChangeSet = std::vector<SettingChange>;
 
 // Sorts the changes: those of the device, then those of eth0 and eth1, each in the order of the
-// catalogue. It has the method before the addresses, which are read back by method, and the WEP
-// keys before the number of the key in use.
+// catalogue. It has the method before the addresses, which are read back by method. Keys that are
+// cleared come last: the library does not clear the WEP key in use.
 void SortChanges(ChangeSet& changes);
 
 // Returns the conflicts of the values with each other, with the other settings as they will be, and

@@ -15,27 +15,22 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// A setting and the words of its new value.
-struct Request {
-    Setting setting;
-    Words words;
-
-    bool is_secret() const { return setting.row->secret; }
-    // True if a person or standard input gives the value.
-    bool is_asked_for() const {
-        return is_secret() && (words.empty() || (words.size() == 1 && words.front() == "-"));
-    }
-};
-
 struct Requests {
-    std::vector<Request> rows{};
+    std::vector<ChangeRequest> rows{};
     std::vector<Problem> problems{};
 };
+
+// True if a person or standard input gives the value.
+bool IsAskedFor(const ChangeRequest& request) {
+    const Words& words = request.words;
+    return request.setting.row->secret &&
+           (words.empty() || (words.size() == 1 && words.front() == "-"));
+}
 
 // ---- From words to requests --------------------------------------------------------------------
 
 bool Has(const Requests& requests, const Setting& setting) {
-    return std::ranges::any_of(requests.rows, [&setting](const Request& request) {
+    return std::ranges::any_of(requests.rows, [&setting](const ChangeRequest& request) {
         return IsSameSetting(request.setting, setting);
     });
 }
@@ -80,11 +75,21 @@ bool HasNameOfSecret(const Words& words) {
     return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
 }
 
+// True for the names of more settings: "eth0.address 10.0.0.1 eth0.gateway 10.0.0.2".
+bool HasMoreNames(const Words& value) {
+    return value.size() > 1 && std::any_of(value.begin() + 1, value.end(), [](const auto& word) {
+               return FindSetting(WithoutValue(word)).has_value();
+           });
+}
+
 Requests RequestOf(const Words& words) {
     Requests requests;
     const std::optional<Setting> setting = FindSetting(words.front());
     const Words value(words.begin() + 1, words.end());
-    if (setting) {
+    if (setting && HasMoreNames(value)) {
+        Refuse(requests, *setting,
+               "another setting follows the value; give NAME=VALUE for each of several settings");
+    } else if (setting) {
         AddValue(requests, *setting, value);
     } else {
         // If the name of a secret comes later, the first word is probably the secret.
@@ -101,9 +106,7 @@ void AddAssignment(Requests& requests, const std::string& word, bool may_be_key)
     const std::string name(WithoutValue(word));
     const std::optional<Setting> setting = FindSetting(name);
     if (!IsAssignment(word)) {
-        const std::string shown =
-            may_be_key ? "a word, not repeated here as it may be a key," : Quoted(word);
-        requests.problems.push_back(Problem{"set: " + shown +
+        requests.problems.push_back(Problem{"set: " + QuotedUnlessKey(word, may_be_key) +
                                             " has no '='; give NAME=VALUE, "
                                             "with quotes around a value that has blanks"});
     } else if (!setting) {
@@ -135,9 +138,9 @@ Parsed ParseWords(const Setting& setting, std::span<const std::string> words, bo
 
 // Returns the data bytes of the words. The word of a secret may name its source; without a word,
 // the user is asked for it.
-Parsed ParseValue(const Request& request, bool force) {
+Parsed ParseValue(const ChangeRequest& request, bool force) {
     const auto& [setting, words] = request;
-    if (!request.is_secret() || words.size() > 1 || (words.empty() && !CanAskForSecret())) {
+    if (!setting.row->secret || words.size() > 1 || (words.empty() && !CanAskForSecret())) {
         return ParseWords(setting, words, force);
     }
     const Secret secret = words.empty() ? AskForSecret(setting.name()) : ReadSecret(words.front());
@@ -145,7 +148,7 @@ Parsed ParseValue(const Request& request, bool force) {
                                   : Unparsable(secret.problem);
 }
 
-void Take(const Request& request, bool force, RequestedChanges& read) {
+void Take(const ChangeRequest& request, bool force, RequestedChanges& read) {
     const Parsed parsed = ParseValue(request, force);
     if (!parsed.ok()) {
         const std::string name = request.setting.name();
@@ -159,18 +162,21 @@ void Take(const Request& request, bool force, RequestedChanges& read) {
 RequestedChanges ReadChanges(const Invocation& invocation) {
     const Words& words = invocation.words;
     const Requests requests = IsAssignment(words.front()) ? RequestsOf(words) : RequestOf(words);
-    RequestedChanges read{{}, requests.problems};
-    for (const Request& request : requests.rows) {
-        if (!request.is_asked_for()) {
-            Take(request, invocation.force, read);
-        }
-    }
-    for (const Request& request : requests.rows) {
-        if (request.is_asked_for() && read.problems.empty()) {
+    RequestedChanges read{{}, requests.problems, {}};
+    for (const ChangeRequest& request : requests.rows) {
+        if (IsAskedFor(request)) {
+            read.open.push_back(request);
+        } else {
             Take(request, invocation.force, read);
         }
     }
     return read;
+}
+
+void AskForSecrets(RequestedChanges& requested, bool force) {
+    for (const ChangeRequest& request : std::exchange(requested.open, {})) {
+        Take(request, force, requested);
+    }
 }
 
 }  // namespace velkctl

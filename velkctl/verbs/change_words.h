@@ -7,19 +7,30 @@
 
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/change_set.h"
 
 namespace velkctl {
 
+// A setting and the words of its new value.
+struct ChangeRequest {
+    Setting setting;
+    std::vector<std::string> words;
+};
+
 struct RequestedChanges {
     ChangeSet changes{};  // the value of a refused one is empty
     std::vector<Problem> problems{};
+    std::vector<ChangeRequest> open{};  // secrets that a person or standard input gives
 };
 
 // Reads "NAME VALUE..." or, if the first word has an "=", any number of "NAME=VALUE". A prefix
-// length after an address is a change of the netmask. Reads secrets from their sources, those on
-// standard input last and only if there is no problem yet.
+// length after an address is a change of the netmask. Reads secrets from files; leaves the others
+// open.
 RequestedChanges ReadChanges(const Invocation& invocation);
+
+// Reads the open secrets from standard input, or asks for them, and adds their changes.
+void AskForSecrets(RequestedChanges& requested, bool force);
 
 }  // namespace velkctl
 

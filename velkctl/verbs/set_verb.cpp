@@ -13,19 +13,27 @@
 namespace velkctl {
 namespace {
 
-// Returns the changes to make, sorted. Reports all problems of the words; then returns nothing.
+void AddConflicts(RequestedChanges& requested, bool force, const Device& device) {
+    std::vector<Problem>& problems = requested.problems;
+    const std::vector<Problem> conflicts =
+        force ? std::vector<Problem>() : FindConflicts(requested.changes, problems, device);
+    problems.insert(problems.end(), conflicts.begin(), conflicts.end());
+}
+
+// Returns the changes to make, sorted. Asks for secrets only if the other values have no problem.
+// Reports all problems; then returns nothing.
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
     RequestedChanges requested = ReadChanges(invocation);
-    std::vector<Problem>& problems = requested.problems;
-    SortChanges(requested.changes);
-    if (!invocation.force) {
-        const std::vector<Problem> conflicts = FindConflicts(requested.changes, problems, device);
-        problems.insert(problems.end(), conflicts.begin(), conflicts.end());
+    AddConflicts(requested, invocation.force, device);
+    if (requested.problems.empty() && !requested.open.empty()) {
+        AskForSecrets(requested, invocation.force);
+        AddConflicts(requested, invocation.force, device);
     }
-    for (const Problem& problem : problems) {
+    for (const Problem& problem : requested.problems) {
         report.Complain(problem);
     }
-    return problems.empty() ? std::move(requested.changes) : ChangeSet();
+    SortChanges(requested.changes);
+    return requested.problems.empty() ? std::move(requested.changes) : ChangeSet();
 }
 
 Json HeldInJson(const MadeChange& made) {

@@ -54,8 +54,13 @@ script 'velkctl set eth0.method dhcp && ifconfig eth0 172.16.5.6 netmask 255.255
     route add default gw 172.16.5.1 &&
     velkctl set eth0.address=172.16.5.1 eth0.method=static && velkctl get eth0.address'
 status_is 0
-error_is ''
 output_is '172.16.5.1'
+
+it 'says how several settings are written'
+changes_nothing 'velkctl set eth0.address 10.0.0.9 eth0.netmask 255.255.255.0'
+status_is 2
+error_is 'velkctl: eth0.address: another setting follows the value
+  fix: give NAME=VALUE for each of several settings'
 
 it 'lists all problems in JSON'
 script 'velkctl set eth0.address=1 ntp=maybe --json | grep "\"\(status\|setting\)\""'
@@ -90,11 +95,11 @@ output_is '      "name": "location",
 
 it 'sets values that are not valid, and does not read back, if it is told so'
 script 'velkctl set eth0.gateway=10.0.0.1 eth0.dns=127.0.0.1 --force --no-verify &&
-    velkctl get eth0.gateway eth0.dns'
+    velkctl get eth0.gateway && cat /etc/resolv.dnsmasq.conf'
 status_is 0
 error_is ''
-output_is 'eth0.gateway = 10.0.0.1
-eth0.dns = 127.0.0.1'
+output_is '10.0.0.1
+nameserver 127.0.0.1'
 
 it 'reads secrets from their sources'
 script 'velk-sandbox cable out
@@ -105,6 +110,23 @@ error_is ''
 output_is 'eth1.psk = hunter22
 eth1.wep-key-1 = abcde
 eth1.ssid = lab'
+
+it 'clears the key in use once another is in use'
+script 'velk-sandbox cable out
+    velkctl set encryption=wep wep-default-key=1 wep-key-1=abcde &&
+    velkctl set wep-key-1=none wep-default-key=2 wep-key-2=fghij &&
+    velkctl get wep-key-1 wep-key-2 wep-default-key'
+status_is 0
+error_is ''
+output_is 'eth1.wep-key-1 = none
+eth1.wep-key-2 = ********
+eth1.wep-default-key = 2'
+
+it 'reads no secret from standard input if another value is refused'
+script 'echo hunter22 | { velkctl set psk=- eth0.gateway=10.0.0.1 2>/dev/null; echo $?; cat; }'
+status_is 0
+output_is '2
+hunter22'
 
 # ---- lists and prefix lengths -----------------------------------------------------------------
 it 'takes a list as get prints it, and with commas'

@@ -200,6 +200,20 @@ repeat the value:
 velkctl: eth1.psk: the second value differs from the first
 ended with 2'
 
+it 'asks for the secrets among several settings'
+typing 'hunter2222
+hunter2222
+abcde
+abcde' sh -c 'velkctl set psk= ssid=lab wep-key-2= --json >/dev/null &&
+    velkctl get wep-key-2 && velkctl get ssid'
+output_is 'new value of eth1.psk: 
+repeat the value: 
+new value of eth1.wep-key-2: 
+repeat the value: 
+********
+lab
+ended with 0'
+
 it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 

@@ -64,6 +64,7 @@ class ChangeSetTest : public testkit::DeviceTest {
 
 TEST_F(ChangeSetTest, IsSortedByInterfaceAndThenAsTheCatalogue) {
     ChangeSet changes = ChangesOf({{"eth1.wep-default-key", "1"},
+                                   {"eth1.wep-key-2", "none"},
                                    {"eth1.wep-key-1", "abcde"},
                                    {"eth0.gateway", "10.0.0.1"},
                                    {"eth1.method", "static"},
@@ -75,7 +76,7 @@ TEST_F(ChangeSetTest, IsSortedByInterfaceAndThenAsTheCatalogue) {
         names.push_back(change.setting.name());
     }
     EXPECT_THAT(names, ElementsAre("ntp", "eth0.address", "eth0.gateway", "eth1.method",
-                                   "eth1.wep-key-1", "eth1.wep-default-key"));
+                                   "eth1.wep-key-1", "eth1.wep-default-key", "eth1.wep-key-2"));
 }
 
 TEST_F(ChangeSetTest, IsCheckedAgainstItsOwnValues) {

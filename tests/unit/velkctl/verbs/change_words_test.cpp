@@ -4,7 +4,9 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "support/device_test.h"
 
@@ -82,6 +84,16 @@ TEST(ChangeWords, HaveAllTheirProblemsReported) {
                     "eth0.method: 'bootp' is not valid; give static or dhcp"));
 }
 
+TEST(ChangeWords, AreOneSettingUnlessEachHasItsValue) {
+    const std::string problem =
+        "eth0.address: another setting follows the value; give NAME=VALUE for each of several "
+        "settings";
+    EXPECT_THAT(Problems({"eth0.address", "10.0.0.1", "eth0.netmask", "24"}), ElementsAre(problem));
+    EXPECT_THAT(Problems({"eth0.address", "10.0.0.1", "eth0.netmask=24"}), ElementsAre(problem));
+    EXPECT_THAT(Changes({"location", "ntp"}), ElementsAre("location ntp"));
+    EXPECT_THAT(Changes({"location", "ntp=on"}), ElementsAre("location ntp=on"));
+}
+
 TEST(ChangeWords, HaveAnEmptyValueIfItIsRefused) {
     const RequestedChanges read = Read({"eth0.address=300.1.1.1", "eth0.gateway=10.0.0.1"});
     ASSERT_EQ(read.changes.size(), 2U);
@@ -103,7 +115,18 @@ TEST(ChangeWords, AreForcedIfTheyFitTheForm) {
                 ElementsAre("eth0.gateway nonsense"));
 }
 
-class ChangeWordsOnDevice : public testkit::DeviceTest {};
+class ChangeWordsOnDevice : public testkit::DeviceTest {
+  protected:
+    static void AskForSecretsWithoutInput(RequestedChanges& read) {
+        const int saved = dup(STDIN_FILENO);
+        const int empty = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        EXPECT_EQ(dup2(empty, STDIN_FILENO), STDIN_FILENO);
+        AskForSecrets(read, /*force=*/false);
+        EXPECT_EQ(dup2(saved, STDIN_FILENO), STDIN_FILENO);
+        close(empty);
+        close(saved);
+    }
+};
 
 TEST_F(ChangeWordsOnDevice, NameTheFileOfASecret) {
     testkit::WriteFile("/tmp/key", "hunter22\n");
@@ -112,11 +135,17 @@ TEST_F(ChangeWordsOnDevice, NameTheFileOfASecret) {
     EXPECT_STREQ(read.changes[1].value.data(), "hunter22");
 }
 
-TEST_F(ChangeWordsOnDevice, AskForASecretOnlyIfTheOthersHaveNoProblem) {
-    EXPECT_THAT(Problems({"psk=", "ntp=maybe"}),
-                ElementsAre("ntp: 'maybe' is not valid; give on or off"));
-    EXPECT_THAT(Problems({"psk=", "ntp=on"}),
-                ElementsAre("eth1.psk: no value given; give a text of 1 to 64 bytes, or none"));
+TEST_F(ChangeWordsOnDevice, LeaveASecretOpenThatAPersonGives) {
+    RequestedChanges read = Read({"psk=", "wep-key-1=-", "ntp=on"});
+    EXPECT_EQ(read.changes.size(), 1U);
+    ASSERT_EQ(read.open.size(), 2U);
+    AskForSecretsWithoutInput(read);
+    EXPECT_THAT(read.open, IsEmpty());
+    ASSERT_EQ(read.problems.size(), 2U);
+    EXPECT_EQ(OneLine(read.problems[0]),
+              "eth1.psk: no value given; give a text of 1 to 64 bytes, or none");
+    EXPECT_EQ(OneLine(read.problems[1]),
+              "eth1.wep-key-1: standard input is empty; give the value as one line");
 }
 
 }  // namespace
