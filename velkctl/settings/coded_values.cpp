@@ -110,11 +110,7 @@ std::string CodedKind::Print(const Data& data) const {
 
 nlohmann::ordered_json CodedKind::ToJson(const Data& data) const {
     const auto code = static_cast<uint8_t>(data[0]);
-    const CodedValue* value = Find(code);
-    if (value == nullptr || value->name.empty()) {
-        return code;
-    }
-    return value->name;
+    return has_names() ? nlohmann::ordered_json(Print(data)) : nlohmann::ordered_json(code);
 }
 
 }  // namespace velkctl

@@ -116,7 +116,7 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         const std::string losses = answer.timed_out ? "" : before.Losses();
         problem.detail.append(losses.empty() || problem.detail.empty() ? "" : "; ").append(losses);
         report.Complain(problem);
-        return StatusOf(answer);
+        return StatusWithCause(*setting, answer);
     }
     const ReadBack read_back = invocation.no_verify
                                    ? ReadBack{std::nullopt, ExitStatus::kDone}

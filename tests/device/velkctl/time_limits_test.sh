@@ -279,7 +279,7 @@ interrupted; eth1.ssid may be incomplete; run it again'
 it 'shows the settings it has read if a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth1.ssid >/tmp/answer
     cat /tmp/answer'
-output_is 'eth0.method = static
+output_is 'eth0.method  static
 ended by SIGTERM'
 
 it 'is ended by a signal while it waits for a file'

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "velkctl/settings/kinds_of_settings.h"
+#include <nlohmann/json.hpp>
 
 namespace {
 
@@ -128,6 +129,22 @@ TEST(CodedKindPrint, AnUnknownCodeIsItsNumber) {
     EXPECT_EQ(kLinkMode.Print(DataOf(6)), "6");
     EXPECT_EQ(kChannel.Print(DataOf(14)), "14");
     EXPECT_EQ(kChannel.Print(DataOf(255)), "255");
+}
+
+TEST(CodedKind, HasOneJsonTypeForAllItsCodes) {
+    EXPECT_EQ(kEncryption.ToJson(DataOf(2)).dump(), "\"wep\"");
+    EXPECT_EQ(kEncryption.ToJson(DataOf(3)).dump(), "\"3\"");
+    EXPECT_EQ(kEncryption.ToJson(DataOf(9)).dump(), "\"9\"");
+    EXPECT_EQ(kLinkMode.ToJson(DataOf(0)).dump(), "\"0\"");
+    EXPECT_EQ(kChannel.ToJson(DataOf(6)).dump(), "6");
+    EXPECT_EQ(kChannel.ToJson(DataOf(255)).dump(), "255");
+}
+
+TEST(CodedKind, SaysThatTheDaemonDefinesItsCodes) {
+    EXPECT_EQ(kEncryption.Coding(),
+              "the wireless daemon defines the meaning of 1, 3 and 4; see its manual");
+    EXPECT_EQ(kOneToFour.Coding(), "the wireless daemon defines the meaning; see its manual");
+    EXPECT_EQ(kChannel.Coding(), "");
 }
 
 TEST(CodedKindPrint, TheFirstByteCounts) {
