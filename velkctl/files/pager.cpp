@@ -57,6 +57,12 @@ bool IsTooLong(std::string_view text) {
     return size && size->rows > 0 && LinesOnScreen(text, size->columns) >= size->rows;
 }
 
+// Returns the status of the program at the other end. It may end before it has read everything.
+int WriteAndClose(std::string_view text, FILE* pipe) {
+    (void)fwrite(text.data(), 1, text.size(), pipe);
+    return pclose(pipe);
+}
+
 bool PrintThrough(const std::string& pager, std::string_view text) {
     // less then starts no shell and no editor: velkctl may run with more rights than its user.
     (void)setenv("LESSSECURE", "1", 1);
@@ -65,12 +71,8 @@ bool PrintThrough(const std::string& pager, std::string_view text) {
     }
     (void)fflush(stdout);
     FILE* pipe = popen(pager.c_str(), "we");
-    if (pipe == nullptr) {
-        return false;
-    }
     const IgnoredSignals ignored;
-    (void)fwrite(text.data(), 1, text.size(), pipe);
-    return pclose(pipe) == 0;
+    return pipe != nullptr && WriteAndClose(text, pipe) == 0;
 }
 
 }  // namespace

@@ -80,6 +80,24 @@ eth0.dns          192.168.0.1 192.168.0.2
 eth0.mac-address  02:00:00:00:00:10
 eth0.dns          192.168.0.1 192.168.0.2'
 
+it 'says which values the wireless daemon defines'
+on_device sh -c 'for name in standard region encryption authentication rate signal standards-enabled
+    do velkctl describe eth1.$name | grep -c "^  the wireless daemon defines the meaning"; done | sort | uniq -c
+    velkctl describe eth1.encryption; velkctl set eth1.encryption wpa2'
+output_is '      7 1
+eth1.encryption
+  encryption: 1, 2 (wep), 3 or 4
+  command 306: get and set
+  takes 1, 2 (wep), 3 or 4
+  the wireless daemon defines the meaning of 1, 3 and 4; see its manual
+  reading takes at most 60 s; it waits
+    for the wireless daemon to answer
+  example: velkctl get eth1.encryption
+  example: velkctl set eth1.encryption 1'
+error_is "velkctl: eth1.encryption: 'wpa2' is not valid
+  fix: give 1, 2 (wep), 3 or 4
+  the wireless daemon defines the meaning of 1, 3 and 4; see its manual"
+
 # ---- the width of a terminal -------------------------------------------------------------------
 it 'cuts help texts at the width of the terminal'
 for columns in 40 80 100; do

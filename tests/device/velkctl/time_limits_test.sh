@@ -42,7 +42,7 @@ words='
     }
     asked=/tmp/WlanAplFromWlanSock # is there while the daemon is asked
     interrupted_by() { python3 -c "$INTERRUPT" "$@"; }
-    at_terminal() { TERM=linux python3 -c "$TERMINAL" "$@"; }
+    at_terminal() { TERM=linux NO_COLOR=1 python3 -c "$TERMINAL" "$@"; }
 '
 
 # Runs a command, sends it a signal after a time, counted from when it blocks signals if there is a

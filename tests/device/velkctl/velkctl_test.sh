@@ -661,13 +661,14 @@ for word in 0 14 01 +1 wep ''; do
     refused_unsent "eth1.channel: '$word' is not valid; give a number from 1 to 13" \
         set eth1.channel "$word"
 done
-refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4" \
+by_daemon='the wireless daemon defines the meaning; see its manual'
+refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4; the wireless daemon defines the meaning of 1, 3 and 4; see its manual" \
     set eth1.encryption 5
-refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4" \
+refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4; $by_daemon" \
     set eth1.authentication 0
 refused_unsent "eth1.wep-default-key: '5' is not valid; give a number from 1 to 4" \
     set eth1.wep-default-key 5
-refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3" \
+refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3; $by_daemon" \
     set eth1.standards-enabled 1
 refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
     set eth1.ssid "$(printf '%033d' 0)"

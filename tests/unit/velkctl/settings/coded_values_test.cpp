@@ -24,6 +24,8 @@ using velkctl::kStandardsEnabled;
 using velkctl::Parsed;
 using Words = std::vector<std::string>;
 
+const std::string kDaemons = "; the wireless daemon defines the meaning; see its manual";
+
 Data DataOf(int code) {
     Data data{};
     data[0] = static_cast<char>(code);
@@ -81,10 +83,13 @@ TEST(CodedKindParse, RefusesNumbersIfAllCodesHaveNames) {
 
 TEST(CodedKindParse, ListsTheValidValues) {
     EXPECT_EQ(Problem(kChannel, {"14"}), "'14' is not valid; give a number from 1 to 13");
-    EXPECT_EQ(Problem(kOneToFour, {"wep"}), "'wep' is not valid; give a number from 1 to 4");
-    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3");
-    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3");
-    EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not valid; give 1, 2 (wep), 3 or 4");
+    EXPECT_EQ(Problem(kOneToFour, {"wep"}),
+              "'wep' is not valid; give a number from 1 to 4" + kDaemons);
+    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3" + kDaemons);
+    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3" + kDaemons);
+    EXPECT_EQ(Problem(kEncryption, {"5"}),
+              "'5' is not valid; give 1, 2 (wep), 3 or 4; "
+              "the wireless daemon defines the meaning of 1, 3 and 4; see its manual");
 }
 
 TEST(CodedKindParse, SuggestsACorrectionOfAMisspeltName) {
@@ -107,7 +112,8 @@ TEST(CodedKindParse, TakesExactlyOneWord) {
 }
 
 TEST(CodedKindParse, ShowsControlCharactersEscaped) {
-    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}), "'\\x1b\\x0a' is not valid; give 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}),
+              "'\\x1b\\x0a' is not valid; give 2 or 3" + kDaemons);
 }
 
 TEST(CodedKindParse, TakesOneSpellingOnly) {
