@@ -20,6 +20,9 @@ constexpr VerbFlag kJson{"--json", "print one JSON document", &Invocation::json}
 constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisks",
                                 &Invocation::show_secrets};
 
+constexpr VerbFlag kNoPager{"--no-pager", "do not show a long output page by page",
+                            &Invocation::no_pager};
+
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
 constexpr std::array<VerbOption, 4> kCallOptions{{
@@ -35,6 +38,8 @@ constexpr std::array<VerbFlag, 2> kToolFlags{{
 }};
 constexpr std::array kJsonFlags{kJson};
 constexpr std::array kSecretFlags{kJson, kShowSecrets};
+constexpr std::array kShowFlags{kJson, kShowSecrets, kNoPager};
+constexpr std::array kListFlags{kJson, kNoPager};
 constexpr std::array<VerbFlag, 3> kGetFlags{{
     kJson,
     kShowSecrets,
@@ -55,7 +60,7 @@ constexpr std::array<Verb, 9> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
-     "One name prints the bare value, several names print lines \"name = value\". A key\n"
+     "One name prints the bare value, several names print a table like show. A key\n"
      "(eth1.psk and the WEP keys) is shown as ********, or none if it is not set,\n"
      "unless --show-secrets is given.\n"
      "\n"
@@ -113,8 +118,8 @@ constexpr std::array<Verb, 9> kVerbs{{
      "show all settings, or those of an interface",
      "NAME is an interface, a setting, or a pattern in quotes.\n"
      "\n"
-     "A setting that cannot be read is shown with the reason. Colours are used on\n"
-     "terminals only, and not if NO_COLOR is set.\n"
+     "A setting that cannot be read is shown with the reason. At a terminal, a long\n"
+     "output goes through the program in PAGER, or through less.\n"
      "\n"
      "Examples:\n"
      "  velkctl show\n"
@@ -122,7 +127,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      "  velkctl show 'eth*.dns' ntp-server",
      {.most = kAnyNumber},
      kReadOptions,
-     kSecretFlags,
+     kShowFlags,
      RunShow},
     {"restart",
      "eth0|eth1 [OPTION...]",
@@ -138,14 +143,14 @@ constexpr std::array<Verb, 9> kVerbs{{
      kRestartFlags,
      RunRestart},
     {"list",
-     "[eth0|eth1] [--json]",
+     "[eth0|eth1] [OPTION...]",
      "list all settings, or those of an interface",
      "Examples:\n"
      "  velkctl list\n"
      "  velkctl list eth0",
      {.most = 1, .first_is_interface = true},
      {},
-     kJsonFlags,
+     kListFlags,
      RunList},
     {"describe",
      "NAME|ID [--json]",
@@ -211,6 +216,13 @@ constexpr Verb kTool{
     "",
     "VERB [ARGUMENT...]",
     "Read and change the network settings of the device.",
+    "Examples:\n"
+    "  velkctl show                             all values\n"
+    "  velkctl get eth0.address                 one value\n"
+    "  velkctl set eth0.address 192.168.0.10    change it in the configuration\n"
+    "  velkctl restart eth0                     apply the changes\n"
+    "  velkctl doctor                           find the cause of a failure\n"
+    "\n"
     "'velkctl VERB --help' describes a verb, with examples. 'velkctl list' lists the\n"
     "settings.",
     {},

@@ -28,6 +28,7 @@ struct Invocation {
     bool bare_value = false;
     bool force = false;
     bool no_verify = false;
+    bool no_pager = false;
     bool help = false;
     bool version = false;
     bool beside_secret = false;  // any word may be a secret

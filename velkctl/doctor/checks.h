@@ -52,6 +52,8 @@ Findings CheckAdapter();
 
 // Queries the daemon, for a few seconds at most.
 Findings CheckDaemon(Report& report);
+// True if the daemon is not running and no adapter is attached.
+bool DaemonLacksAdapter();
 // Returns a finding if the wireless daemon of the setting is not running. Does not query it.
 Findings CheckDaemonRuns(const Setting& setting);
 // Returns the finding that the daemon of the setting answers with another value than it was sent.

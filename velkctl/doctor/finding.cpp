@@ -5,6 +5,9 @@
 #include <iterator>
 #include <utility>
 
+#include <unistd.h>
+
+#include "velkctl/report/output.h"
 #include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>
 
@@ -15,6 +18,11 @@ std::string_view NameOf(Severity severity) {
     return severity == Severity::kProblem ? "problem" : "warning";
 }
 
+std::string NameInColour(Severity severity) {
+    const Colour colour = severity == Severity::kProblem ? Colour::kRed : Colour::kYellow;
+    return Coloured(NameOf(severity), colour, STDOUT_FILENO);
+}
+
 std::string Counted(size_t number, std::string_view noun) {
     return std::to_string(number).append(" ").append(noun).append(number == 1 ? "" : "s");
 }
@@ -22,7 +30,7 @@ std::string Counted(size_t number, std::string_view noun) {
 std::string Format(const Finding& finding) {
     const std::string location = LocationOf(finding);
     const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
-    return std::string(NameOf(finding.severity)) + ": " +
+    return NameInColour(finding.severity) + ": " +
            Printable(finding.subject + " " + finding.effect) + "\n  " +
            InLinesOf80(Printable(reason), 2) + "\n  fix: " + Printable(finding.remedy) + "\n";
 }

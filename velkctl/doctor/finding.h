@@ -72,7 +72,7 @@ Findings FindingsOfEach(const Items& items, Check check) {
 std::string LocationOf(const Finding& finding);
 
 // Returns the text of each: subject and effect, indented location and description, then the remedy.
-// Control characters are escaped.
+// Control characters are escaped. At a terminal, the severity has a colour.
 std::string FormatFindings(const Findings& findings);
 
 // Returns {"severity": "problem", "subject": ..., "effect": ..., "description": ..., "cause":

@@ -46,12 +46,24 @@ void AddLikelyCause(Problem& problem, const Finding& cause) {
     problem.line = cause.line;
 }
 
+std::optional<Finding> LikelyCauseOf(const Setting& setting, const Answer& answer) {
+    if (answer.known_result() != LIB_VELK_FAILURE) {
+        return std::nullopt;
+    }
+    const Findings causes = FindingsAgainst(setting);
+    return causes.empty() ? std::nullopt : std::optional(causes.front());
+}
+
+ExitStatus StatusWithCause(const Setting& setting, const Answer& answer) {
+    const bool has_no_adapter = answer.known_result() == LIB_VELK_FAILURE &&
+                                Includes(WirelessConfiguration(), setting) && DaemonLacksAdapter();
+    return has_no_adapter ? ExitStatus::kNoAdapter : StatusOf(answer);
+}
+
 Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer) {
     Problem problem = ProblemOf(std::move(message), setting.name(), answer);
-    const Findings causes =
-        answer.known_result() == LIB_VELK_FAILURE ? FindingsAgainst(setting) : Findings();
-    if (!causes.empty()) {
-        AddLikelyCause(problem, causes.front());
+    if (const std::optional<Finding> cause = LikelyCauseOf(setting, answer)) {
+        AddLikelyCause(problem, *cause);
     }
     return problem;
 }

@@ -2,11 +2,13 @@
 #ifndef VELKCTL_DOCTOR_LIKELY_CAUSE_H_
 #define VELKCTL_DOCTOR_LIKELY_CAUSE_H_
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "velkctl/call/command.h"
 #include "velkctl/doctor/finding.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
@@ -19,6 +21,13 @@ Findings LikelyCauses(const Setting& setting);
 
 // Adds a likely cause to a problem: its description, remedy and place.
 void AddLikelyCause(Problem& problem, const Finding& cause);
+
+// Returns the likely cause of a plain failure; nothing if none is found.
+std::optional<Finding> LikelyCauseOf(const Setting& setting, const Answer& answer);
+
+// Returns the exit status after the answer: that of a missing adapter also if the wireless daemon
+// does not run because of it, which is a plain failure to the library.
+ExitStatus StatusWithCause(const Setting& setting, const Answer& answer);
 
 // Returns ProblemOf() the setting. A plain failure gets its likely cause, if one is found.
 Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer);

@@ -10,7 +10,7 @@
 namespace velkctl {
 namespace {
 
-constexpr int kSchema = 2;  // raised if a change can break a program that reads the document
+constexpr int kSchema = 3;  // raised if a change can break a program that reads the document
 constexpr size_t kColumns = 80;
 constexpr std::string_view kPrefix = "velkctl: ";
 constexpr std::string_view kSeparator = "; ";
@@ -31,20 +31,6 @@ Json CauseOf(const Problem& problem) {
     cause["file"] = problem.file;
     cause["line"] = problem.line == 0 ? Json(nullptr) : Json(problem.line);
     return cause;
-}
-
-Json ErrorOf(const Problem& problem) {
-    Json error;
-    error["message"] = problem.message;
-    error["detail"] = TextOrNull(problem.detail);
-    error["cause"] = CauseOf(problem);
-    error["remedy"] = TextOrNull(problem.remedy);
-    error["setting"] = TextOrNull(problem.setting);
-    error["result"] = nullptr;
-    if (problem.result) {
-        error["result"] = ResultInJson(*problem.result);
-    }
-    return error;
 }
 
 // An apostrophe follows a letter.
@@ -78,6 +64,20 @@ std::string_view FirstClause(std::string_view text) {
 }
 
 }  // namespace
+
+Json ProblemInJson(const Problem& problem) {
+    Json error;
+    error["message"] = problem.message;
+    error["detail"] = TextOrNull(problem.detail);
+    error["cause"] = CauseOf(problem);
+    error["remedy"] = TextOrNull(problem.remedy);
+    error["setting"] = TextOrNull(problem.setting);
+    error["result"] = nullptr;
+    if (problem.result) {
+        error["result"] = ResultInJson(*problem.result);
+    }
+    return error;
+}
 
 std::string InLinesOf80(std::string_view text, size_t indent) {
     std::string lines;
@@ -153,7 +153,7 @@ void Report::Note(std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
     } else {
-        PrintError(note);
+        PrintError(note, Tone::kNote);
     }
 }
 
@@ -163,7 +163,7 @@ void Report::Note(const Problem& problem) {
 
 void Report::Complain(const Problem& problem) {
     if (is_json()) {
-        document_->errors.push_back(ErrorOf(problem));
+        document_->errors.push_back(ProblemInJson(problem));
     } else {
         PrintError(InLines(problem));
     }

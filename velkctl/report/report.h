@@ -37,10 +37,14 @@ std::string OneLine(const Problem& problem);
 // The same for people: the failure on the first line; reason, fix and result on indented lines.
 std::string InLines(const Problem& problem);
 
+// {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
+// "setting": ..., "result": ...}. A member that is unknown is null.
+Json ProblemInJson(const Problem& problem);
+
 // Text is printed at once: answers to standard output, problems and notes to standard error. JSON
 // is printed at the end, as docs/velkctl.schema.json describes it:
 //
-//   {"schema": 2, "verb": "get", "status": 0, ..., "notes": [], "errors": []}
+//   {"schema": 3, "verb": "get", "status": 0, ..., "notes": [], "errors": []}
 class Report {
   public:
     enum class Form { kText, kJson };

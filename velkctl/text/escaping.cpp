@@ -150,6 +150,10 @@ void ShowUtf8(bool is_shown) {
     shows_utf8 = is_shown;
 }
 
+bool ShowsUtf8() {
+    return shows_utf8;
+}
+
 std::string Printable(std::string_view bytes) {
     return Escaped(bytes, DoubledBackslash);
 }

@@ -23,6 +23,9 @@ std::string PrintableValue(std::string_view bytes);
 // Returns the bytes of such a value.
 std::string UnprintedValue(std::string_view text);
 
+// True if characters beyond ASCII are shown.
+bool ShowsUtf8();
+
 // True if the text has a character that controls the terminal, such as a newline.
 bool HasControls(std::string_view text);
 

@@ -32,7 +32,7 @@ MadeChange ReportFailure(const Setting& setting, const Answer& answer, const Fil
     const std::string losses = answer.timed_out ? "" : before.Losses();
     problem.detail.append(losses.empty() || problem.detail.empty() ? "" : "; ").append(losses);
     report.Complain(problem);
-    return {.status = StatusOf(answer)};
+    return {.status = StatusWithCause(setting, answer)};
 }
 
 MadeChange MakeChange(const SettingChange& change, bool read_back, const Device& device,

@@ -27,9 +27,9 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
         const Problem problem = ProblemWithCause(CouldNotBeRead(setting), setting, answer);
         report.Text(invocation.bare_value ? "\n" : "");  // every name has its line
         report.Complain(problem);
-        shown.push_back(ReadingInJson(setting, nullptr, OneLine(problem)));
+        shown.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
     }
-    return StatusOf(answer);
+    return StatusWithCause(setting, answer);
 }
 
 }  // namespace
@@ -41,11 +41,12 @@ ExitStatus RunGet(const Invocation& invocation, Report& report) {
     }
     const bool is_one_name = invocation.words.size() == 1 && !IsPattern(invocation.words.front());
     const bool bare = is_one_name || invocation.bare_value;
+    const size_t width = NameWidth(settings);
     const Device device(invocation.limits, report);
     Json shown = Json::array();
     ExitStatus first_failure = ExitStatus::kDone;
     for (const Setting& setting : settings) {
-        const std::string prefix = bare ? "" : setting.name() + " = ";
+        const std::string prefix = bare ? "" : NameColumn(setting, width);
         const ExitStatus status = Show(setting, prefix, invocation, device, shown, report);
         if (first_failure == ExitStatus::kDone) {
             first_failure = status;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "velkctl/call/longest_wait.h"
+#include "velkctl/text/columns.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
@@ -62,9 +63,8 @@ size_t NameWidth(const std::vector<Setting>& settings) {
     return width;
 }
 
-std::string Padded(std::string text, size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
+std::string NameColumn(const Setting& setting, size_t width) {
+    return Padded(setting.name(), width) + "  ";
 }
 
 }  // namespace velkctl

@@ -22,7 +22,7 @@ std::string BareValue(const Setting& setting, const Data& data, bool show_secret
 // Returns the first line of the failure to read a setting: "eth0.dns: could not be read".
 std::string CouldNotBeRead(const Setting& setting);
 
-// {"name": ..., "value": ..., "error": null}
+// {"name": ..., "value": ..., "error": null}. The error is that of ProblemInJson().
 Json ReadingInJson(const Setting& setting, Json value, Json error);
 
 // Returns the facts about a setting that list and describe print in JSON.
@@ -31,8 +31,8 @@ Json SettingInJson(const Setting& setting);
 // Returns the length of the longest name.
 size_t NameWidth(const std::vector<Setting>& settings);
 
-// Returns the text with blanks after it, for a column.
-std::string Padded(std::string text, size_t width);
+// Returns the name as the first column of a table: "eth0.dns  ".
+std::string NameColumn(const Setting& setting, size_t width);
 
 }  // namespace velkctl
 

@@ -13,11 +13,11 @@ it 'shows the contents of the file'
 on_device velkctl get eth0.method eth0.address eth0.netmask eth0.gateway eth1.method
 status_is 0
 error_is ''
-output_is 'eth0.method = static
-eth0.address = 192.168.0.10
-eth0.netmask = 255.255.255.0
-eth0.gateway = 192.168.0.1
-eth1.method = dhcp'
+output_is 'eth0.method   static
+eth0.address  192.168.0.10
+eth0.netmask  255.255.255.0
+eth0.gateway  192.168.0.1
+eth1.method   dhcp'
 
 it 'changes the addresses of a static port, and removes its gateway'
 script '
@@ -28,9 +28,9 @@ script '
 status_is 0
 error_is ''
 output_is '10.1.0.1
-eth0.address = 10.1.2.3
-eth0.netmask = 255.255.0.0
-eth0.gateway = none
+eth0.address  10.1.2.3
+eth0.netmask  255.255.0.0
+eth0.gateway  none
 # Interfaces of the device: eth0 is the wired port, eth1 the wireless adapter.
 
 auto lo
@@ -56,8 +56,8 @@ status_is 0
 error_is ''
 output_is 'dhcp
 7:interface "eth0" {
-eth0.method = static
-eth0.address = 192.168.0.10
+eth0.method   static
+eth0.address  192.168.0.10
 7:#interface "eth0" {
 as before'
 
@@ -69,9 +69,9 @@ script '
     grep address /etc/network/interfaces'
 status_is 0
 error_is ''
-output_is 'eth0.address = 172.16.5.6
-eth0.netmask = 255.255.255.0
-eth0.gateway = 172.16.5.1
+output_is 'eth0.address  172.16.5.6
+eth0.netmask  255.255.255.0
+eth0.gateway  172.16.5.1
 	address 192.168.0.10'
 
 it 'answers with the configured address of a static port, also if the kernel has another'
@@ -84,17 +84,17 @@ it 'answers with nothing for the adapter while the cable is in'
 script 'ifconfig eth1 172.16.5.6 && velkctl get eth1.address eth1.netmask eth1.gateway'
 status_is 0
 error_is ''
-output_is 'eth1.address = none
-eth1.netmask = none
-eth1.gateway = none'
+output_is 'eth1.address  none
+eth1.netmask  none
+eth1.gateway  none'
 
 it 'answers with the live values of the adapter once the cable is out'
 script 'velk-sandbox cable out && ifconfig eth1 172.16.5.6 netmask 255.255.0.0 &&
     velkctl get eth1.address eth1.netmask'
 status_is 0
 error_is ''
-output_is 'eth1.address = 172.16.5.6
-eth1.netmask = 255.255.0.0'
+output_is 'eth1.address  172.16.5.6
+eth1.netmask  255.255.0.0'
 
 it 'says that a gateway did not get into the last stanza of the file, and why'
 script 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
@@ -138,10 +138,10 @@ script '
     sh -n /etc/dhclient-exit-hooks'
 status_is 0
 error_is ''
-output_is 'eth0.apipa = on
-eth1.apipa = off
-eth0.apipa = off
-eth1.apipa = on'
+output_is 'eth0.apipa  on
+eth1.apipa  off
+eth0.apipa  off
+eth1.apipa  on'
 
 it 'switches both notices of the wired port'
 script 'velkctl set eth0.dhcp-notice off && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks &&

@@ -262,7 +262,7 @@ velkctl: eth1.ssid: could not be read
   fix: plug in an adapter; if that does not start the wireless daemon, start it
   result: LIB_VELK_FAILURE (-1)"
 output_is '4
-1
+4
 warning: wireless adapter is not attached
   /proc/bus/usb/devices: the list has no supported adapter
   the settings of eth1 about adapter and connection are refused

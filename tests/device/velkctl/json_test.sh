@@ -146,7 +146,7 @@ on_device sh -c 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0
 status_is 0
 error_is ''
 output_is '{
-  "schema": 2,
+  "schema": 3,
   "verb": "set",
   "status": 0,
   "setting": {
@@ -225,9 +225,9 @@ answers <<'END'
 !velk-sandbox adapter out
 4 get eth1.mac-address -> settings; eth1.mac-address LIB_VELK_NO_ADAPTER
 4 get eth1.signal eth1.rate eth0.dns -> settings; eth1.signal LIB_VELK_NO_ADAPTER; eth1.rate LIB_VELK_NO_ADAPTER
-1 get eth1.ssid -> settings; eth1.ssid LIB_VELK_FAILURE
-1 set eth1.ssid lab -> nothing; eth1.ssid LIB_VELK_FAILURE
-1 set eth1.ssid=lab ntp=on -> settings; eth1.ssid LIB_VELK_FAILURE
+4 get eth1.ssid -> settings; eth1.ssid LIB_VELK_FAILURE
+4 set eth1.ssid lab -> nothing; eth1.ssid LIB_VELK_FAILURE
+4 set eth1.ssid=lab ntp=on -> settings; eth1.ssid LIB_VELK_FAILURE
 0 show eth1 -> settings
 4 restart eth1 -> interface; - LIB_VELK_NO_ADAPTER
 4 call get 101 eth1 -> result data; - LIB_VELK_NO_ADAPTER
@@ -300,7 +300,7 @@ run "$PYTHON" -c '
 import json, os
 import jsonschema
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-base = {"schema": 2, "status": 0, "notes": [], "errors": []}
+base = {"schema": 3, "status": 0, "notes": [], "errors": []}
 error = {"message": "", "detail": None, "cause": None, "remedy": None, "setting": None, "result": None}
 wrong = [
     {**base, "verb": "get"},

@@ -42,7 +42,7 @@ words='
     }
     asked=/tmp/WlanAplFromWlanSock # is there while the daemon is asked
     interrupted_by() { python3 -c "$INTERRUPT" "$@"; }
-    at_terminal() { TERM=linux python3 -c "$TERMINAL" "$@"; }
+    at_terminal() { TERM=linux NO_COLOR=1 python3 -c "$TERMINAL" "$@"; }
 '
 
 # Runs a command, sends it a signal after a time, counted from when it blocks signals if there is a
@@ -279,7 +279,7 @@ interrupted; eth1.ssid may be incomplete; run it again'
 it 'shows the settings it has read if a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth1.ssid >/tmp/answer
     cat /tmp/answer'
-output_is 'eth0.method = static
+output_is 'eth0.method  static
 ended by SIGTERM'
 
 it 'is ended by a signal while it waits for a file'

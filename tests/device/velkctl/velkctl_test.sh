@@ -112,9 +112,9 @@ on_device sh -c 'echo "nameserver 1.1.1.1" >/etc/resolv.dnsmasq.conf
     velkctl get eth1.dns eth0.dns eth1.dns'
 status_is 0
 error_is ''
-output_is 'eth1.dns = 1.1.1.1
-eth0.dns = 1.1.1.1
-eth1.dns = 1.1.1.1'
+output_is 'eth1.dns  1.1.1.1
+eth0.dns  1.1.1.1
+eth1.dns  1.1.1.1'
 
 it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
@@ -185,8 +185,8 @@ output_has 'nameserver 1.1.1.1
 it 'reads back the value it set, on either interface'
 on_device sh -c 'velkctl set eth0.dns 1.2.3.4 5.6.7.8 && velkctl get eth0.dns eth1.dns'
 status_is 0
-output_is 'eth0.dns = 1.2.3.4 5.6.7.8
-eth1.dns = 1.2.3.4 5.6.7.8'
+output_is 'eth0.dns  1.2.3.4 5.6.7.8
+eth1.dns  1.2.3.4 5.6.7.8'
 
 it 'sets a value as get shows it'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && before=$(velkctl get eth0.dns) &&
@@ -309,7 +309,7 @@ it 'refuses a value after a name that is read'
 refused "get: 'eth0.dns' is followed by '='; give the name alone" get eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
-refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
+refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [OPTION...]" list eth0 eth0.dns
 refused "call: unexpected argument 'x'; usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]" \
     call set 108 eth0 x
 
@@ -318,10 +318,11 @@ it 'lists each setting with its directions and description'
 on_device velkctl list
 status_is 0
 error_is ''
-output_has 'eth0.mac-address        get      hardware address: 12 hex digits
+output_has 'eth0.mac-address        get      hardware address: 6 bytes in hex
 '
 output_has 'eth0.dns                get set  DNS servers of eth0 and eth1; see describe
-eth1.dns                get set  DNS servers of eth0 and eth1; see describe
+'
+output_has 'eth1.dns                get set  DNS servers of eth0 and eth1; see describe
 '
 output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex; see describe
 '
@@ -505,7 +506,7 @@ it 'shows the hardware address of the wired port'
 with_ports "$link" '' velkctl get eth0.mac-address
 status_is 0
 error_is ''
-output_is '02005E100AFF
+output_is '02:00:5E:10:0A:FF
 -- run'
 
 it 'shows none for a missing port'
@@ -518,7 +519,7 @@ it 'shows the hardware address of the adapter while the cable is out'
 with_ports "$no_link" "$adapter" velkctl get eth1.mac-address
 status_is 0
 error_is ''
-output_is '02005E100B01
+output_is '02:00:5E:10:0B:01
 -- run
 ethtool eth0'
 
@@ -659,13 +660,14 @@ for word in 0 14 01 +1 wep ''; do
     refused_unsent "eth1.channel: '$word' is not valid; give a number from 1 to 13" \
         set eth1.channel "$word"
 done
-refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4" \
+by_daemon='the wireless daemon defines the meaning; see its manual'
+refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4; the wireless daemon defines the meaning of 1, 3 and 4; see its manual" \
     set eth1.encryption 5
-refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4" \
+refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4; $by_daemon" \
     set eth1.authentication 0
 refused_unsent "eth1.wep-default-key: '5' is not valid; give a number from 1 to 4" \
     set eth1.wep-default-key 5
-refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3" \
+refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3; $by_daemon" \
     set eth1.standards-enabled 1
 refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
     set eth1.ssid "$(printf '%033d' 0)"

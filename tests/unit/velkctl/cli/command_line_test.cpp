@@ -79,6 +79,13 @@ TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
     EXPECT_EQ(help.substr(help.find("  7 ")),
               "  7         no answer before the timeout\n"
               "\n"
+              "Examples:\n"
+              "  velkctl show                             all values\n"
+              "  velkctl get eth0.address                 one value\n"
+              "  velkctl set eth0.address 192.168.0.10    change it in the configuration\n"
+              "  velkctl restart eth0                     apply the changes\n"
+              "  velkctl doctor                           find the cause of a failure\n"
+              "\n"
               "'velkctl VERB --help' describes a verb, with examples. 'velkctl list' lists the\n"
               "settings.\n");
     for (const std::vector<std::string>& arguments :
@@ -91,16 +98,16 @@ TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
 TEST_F(CommandLine, HasHelpAndVersionAsDocuments) {
     EXPECT_EQ(Run({"--version", "--json"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find("\"version\"")),
-              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  ");
+              "{\n  \"schema\": 3,\n  \"verb\": null,\n  \"status\": 0,\n  ");
     EXPECT_EQ(Run({"get", "--json", "-h"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find(':', output.find("\"help\""))),
-              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"help\"");
+              "{\n  \"schema\": 3,\n  \"verb\": null,\n  \"status\": 0,\n  \"help\"");
 }
 
 TEST_F(CommandLine, TakesJsonBeforeTheVerbToo) {
     EXPECT_EQ(Run({"--json", "--json", "describe", "ntp"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find("\"status\"")),
-              "{\n  \"schema\": 2,\n  \"verb\": \"describe\",\n  ");
+              "{\n  \"schema\": 3,\n  \"verb\": \"describe\",\n  ");
 }
 
 TEST_F(CommandLine, RefusesOptionsOfVerbsBeforeThem) {

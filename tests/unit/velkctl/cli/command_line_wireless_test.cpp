@@ -112,7 +112,7 @@ TEST_F(WirelessSettings, ShowsTheState) {
     EXPECT_EQ(Get("eth1.hardware-version"), "1.04\n");
     EXPECT_EQ(Get("eth1.software-version"), "2.1b\n");
     EXPECT_EQ(Get("eth1.region"), "3\n");
-    EXPECT_EQ(Get("eth1.access-point"), "001A2B3C4D5E\n");
+    EXPECT_EQ(Get("eth1.access-point"), "00:1A:2B:3C:4D:5E\n");
     EXPECT_EQ(Get("eth1.standard"), "2\n");
     EXPECT_EQ(Get("eth1.rate"), "3600ff01\n");
     EXPECT_EQ(Get("eth1.signal"), "70 65535\n");
@@ -207,7 +207,7 @@ TEST_F(Secrets, AreMasked) {
     EXPECT_EQ(Get("eth1.wep-key-2"), "********\n");
     EXPECT_EQ(Get("eth1.psk"), "********\n");
     EXPECT_EQ(Run({"get", "eth1.psk", "eth1.wep-key-1"}), ExitStatus::kDone);
-    EXPECT_EQ(output, "eth1.psk = ********\neth1.wep-key-1 = none\n");
+    EXPECT_EQ(output, "eth1.psk        ********\neth1.wep-key-1  none\n");
 }
 
 TEST_F(Secrets, AreShownToThoseWhoAsk) {
@@ -216,7 +216,7 @@ TEST_F(Secrets, AreShownToThoseWhoAsk) {
     EXPECT_EQ(Run({"get", "eth1.psk", "eth1.wep-key-2", "eth1.wep-key-1", "--show-secrets"}),
               ExitStatus::kDone);
     EXPECT_EQ(output,
-              "eth1.psk = hunter22\neth1.wep-key-2 = hunter22hunte\neth1.wep-key-1 = none\n");
+              "eth1.psk        hunter22\neth1.wep-key-2  hunter22hunte\neth1.wep-key-1  none\n");
     output.clear();
 }
 

@@ -58,7 +58,7 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
     const Said said = OutputOf(Report::Form::kJson, SayAll);
     EXPECT_EQ(said.err, "");
     EXPECT_EQ(said.out, R"({
-  "schema": 2,
+  "schema": 3,
   "verb": "get",
   "status": 2,
   "settings": [
@@ -119,7 +119,7 @@ TEST(Report, BreaksNoQuotationAndNoFix) {
 TEST(Report, AnEmptyDocumentIsCompleteToo) {
     const Said said = OutputOf(Report::Form::kJson, [](Report&) { return ExitStatus::kDone; });
     EXPECT_EQ(said.out,
-              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
+              "{\n  \"schema\": 3,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
               "  \"errors\": []\n}\n");
 }
 
