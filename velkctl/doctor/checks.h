@@ -19,7 +19,10 @@ inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
 Findings CheckFiles();
 Findings CheckFolders();
 
-Findings CheckInterfaces();    // /etc/network/interfaces
+Findings CheckInterfaces();  // /etc/network/interfaces
+// The same for one setting of the file. The fix for a missing line has the value; a placeholder if
+// it is empty.
+Findings CheckInterfacesFor(const Setting& setting, std::string_view value);
 Findings CheckExitHooks();     // /etc/dhclient-exit-hooks
 Findings CheckDhcpConfig();    // /etc/dhclient.conf
 Findings CheckClientScript();  // /sbin/dhclient-script

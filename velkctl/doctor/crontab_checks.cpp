@@ -30,11 +30,9 @@ bool IsTimeField(std::string_view word) {
 }
 
 Finding AboutEntry(AffectedSettings affected) {
-    return {.subject = SubjectOf(affected),
-            .file = velk::kCrontab,
-            .remedy = kProperEntry,
-            .affected = std::move(affected),
-            .impact = Impact::kSetting};
+    Finding about = About(std::move(affected), velk::kCrontab, Impact::kSetting);
+    about.remedy = kProperEntry;
+    return about;
 }
 
 std::string ServerIn(const std::string& line) {
@@ -177,7 +175,7 @@ Findings CheckTimeEntry() {
 Findings CheckWebUpdate() {
     const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
     Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
-    about.remedy = "set it again: velkctl set web-update weekly sunday 08:30";
+    about.remedy = "set it again: velkctl set web-update SCHEDULE";
     const TextFile crontab = ReadTextFile(velk::kCrontab);
     const std::vector<size_t> updates =
         LinesWith(crontab.lines, settings.front().row->held_in.line.key);

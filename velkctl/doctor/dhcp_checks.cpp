@@ -17,11 +17,11 @@ constexpr std::string_view kStatementEnd = ";";
 
 // About a block that is not as the library reads it. The method is read from its stanza.
 Finding AboutBlocks() {
-    return {.subject = SubjectOf(SettingsChanging(velk::kDhcpConfigFile)),
-            .file = velk::kDhcpConfigFile,
-            .remedy = "write the closing brace on a line of its own",
-            .affected = SettingsHeldIn(velk::kDhcpConfigFile),
-            .impact = Impact::kSetting};
+    Finding about =
+        About(SettingsChanging(velk::kDhcpConfigFile), velk::kDhcpConfigFile, Impact::kSetting);
+    about.affected = SettingsHeldIn(velk::kDhcpConfigFile);
+    about.remedy = "write the closing brace on a line of its own";
+    return about;
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {
@@ -113,10 +113,9 @@ Finding Absence(const Finding& about, const Lines& lines, const std::string& int
 // The interface's block, which is switched with the method.
 Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     // The method itself is read from its stanza.
-    const Finding about{.subject = interface + ".method",
-                        .file = velk::kDhcpConfigFile,
-                        .remedy = "put the comment above the block",
-                        .affected = SettingsOf(VELK_CMD_IP_METHOD, interface)};
+    Finding about =
+        About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing);
+    about.remedy = "put the comment above the block";
     velk::ConfigBlocks blocks(interface, /*comment_aware=*/false);
     Findings findings;
     bool is_off = false;
@@ -213,7 +212,7 @@ class RequestCheck {
 
     Finding Absence() const {
         if (const std::optional<size_t> block = SwitchedOffBlock()) {
-            return about_.At(*block).Warning(
+            return about_.At(*block).Note(
                 "cannot be set while the method is static",
                 "the interface's block is switched off, and no other request statement counts",
                 "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");

@@ -133,25 +133,16 @@ Findings CheckFile(const DeviceFile& file) {
 
 // Returns findings without a text, one of each folder, with their effect.
 Findings AboutFolders() {
-    const Finding wireless{.subject = "wireless settings",
-                           .effect = "can be neither read nor set",
-                           .file = "/tmp",
-                           .affected = WirelessSettings(),
-                           .impact = Impact::kSetting};
-    const AffectedSettings results = SettingsHeldIn(velk::kNtpLog);
-    Finding semaphores = wireless;
-    semaphores.file = velk::kSemaphoreFolder;
+    Finding results = About(SettingsHeldIn(velk::kNtpLog), "/var/libvelk", Impact::kNothing);
+    results.effect = "cannot be cleared when ntp is set to off";
     return {{.subject = "all settings in files",
              .effect = "cannot be set",
              .file = velk::kEditFolder,
              .affected = EditedSettings(),
              .impact = Impact::kSetting},
-            {.subject = SubjectOf(results),
-             .effect = "cannot be cleared when ntp is set to off",
-             .file = "/var/libvelk",
-             .affected = results},
-            wireless,
-            semaphores};
+            results,
+            AboutWireless("/tmp"),
+            AboutWireless(velk::kSemaphoreFolder)};
 }
 
 Findings CheckSpace(const Finding& about) {

@@ -179,19 +179,14 @@ Findings CheckScript(Script script, Check check) {
 }  // namespace
 
 Findings CheckExitHooks() {
-    const AffectedSettings affected = SettingsHeldIn(velk::kExitHooks);
-    return CheckScript({{.subject = SubjectOf(affected),
-                         .file = velk::kExitHooks,
-                         .affected = affected,
-                         .impact = Impact::kSetting},
-                        "$interface"},
-                       CheckCommands);
+    return CheckScript(
+        {About(SettingsHeldIn(velk::kExitHooks), velk::kExitHooks, Impact::kSetting), "$interface"},
+        CheckCommands);
 }
 
 Findings CheckClientScript() {
-    const AffectedSettings affected = SettingsChanging(velk::kClientScript);
     return CheckScript(
-        {{.subject = SubjectOf(affected), .file = velk::kClientScript, .affected = affected},
+        {About(SettingsChanging(velk::kClientScript), velk::kClientScript, Impact::kNothing),
          "interface"},
         CheckCalls);
 }
