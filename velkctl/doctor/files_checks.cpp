@@ -1,4 +1,5 @@
 // files_checks.cpp - checks that the files and folders of the library exist and can be written.
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -179,6 +180,18 @@ Findings CheckFolder(const Finding& about) {
 
 Findings CheckFiles() {
     return FindingsOfEach(DeviceFiles(), CheckFile);
+}
+
+// A file or two may be missing on a damaged device.
+std::string DescribeOtherMachine() {
+    const std::vector<DeviceFile>& files = DeviceFiles();
+    const auto missing = static_cast<size_t>(std::ranges::count_if(files, [](const auto& file) {
+        return ReadTextFile(file.path).state == FileState::kMissing;
+    }));
+    return missing * 2 <= files.size()
+               ? ""
+               : "this does not look like the device (" + std::to_string(missing) +
+                     " of its files are missing); velk-sandbox makes a simulated one";
 }
 
 Findings CheckFolders() {

@@ -79,6 +79,16 @@ warning: address, netmask and link-speed may not have been read
   the next one overwrites it
 0 problems, 1 warning'
 
+it 'says first that a machine without most of the files is not the device'
+script 'cd /etc; rm network/interfaces dhclient.conf dhclient-exit-hooks /sbin/dhclient-script resolv.dnsmasq.conf
+    velkctl doctor | head -1; velkctl doctor --json | jq .device
+    rm /var/cron/tabs/root; velkctl doctor | head -2; velkctl doctor --json | jq .device'
+check 'first lines' 'true
+this does not look like the device (6 of its files are missing)
+  velk-sandbox makes a simulated one
+false' "$(tail -n +2 <<<"$output")"
+has 'first line of a device' 'problem: ' "${output%%$'\n'*}"
+
 it 'reports files that are missing, of another kind or not writable'
 why=$([ "$(id -u)" = 0 ] && echo 'Read-only file system' || echo 'Permission denied')
 examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf
@@ -143,6 +153,31 @@ output_has 'warning: settings cannot be changed now
 output_has ' (flock, '
 output_has '0 problems, 1 warning
 free'
+
+it 'names the processes that hold the lock of a process that has ended'
+script '
+    velkctl set ntp on
+    (flock 9; exec sleep 60) 9<>/var/tmp/vklib_lock & holder=$!
+    while flock -n /var/tmp/vklib_lock true || ! grep -q sleep /proc/$holder/comm; do sleep 0.05; done
+    velkctl doctor | sed "s/process $holder/process N/; s/[0-9]* seconds* old/N old/"
+    velkctl set ntp off 2>&1 | sed "s/process $holder/process N/; s/[0-9]* seconds* old/N old/"
+    velkctl set ntp off --wait=1 2>&1 | sed "s/process $holder/process N/; s/[0-9]* seconds* old/N old/"
+    kill $holder'
+output_is "warning: settings cannot be changed now
+  /var/tmp/vklib_lock: the lock is held by process N (sleep, N old)
+  fix: wait for it, as 'velkctl set --wait' does, or end it
+0 problems, 1 warning
+velkctl: ntp: could not be set
+  another program is changing settings
+  process N (sleep, N old) holds the lock
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)
+velkctl: waiting at most 1 s for the lock, held by process N (sleep, N old)
+velkctl: ntp: could not be set
+  another program is changing settings
+  process N (sleep, N old) still holds the lock after 1 s
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)"
 
 it 'reports obstacles in /var/tmp, and a set behaves as reported'
 examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk'
