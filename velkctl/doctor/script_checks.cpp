@@ -57,7 +57,8 @@ Findings CheckOuter(const Script& script, const Finding& about, std::string_view
         return {about.Problem(
             "would be switched for every interface",
             "the library does not see that " + Excerpt(line) + " depends on the interface",
-            "write: if [ \"$interface\" = \"eth0\" ]; then")};
+            is_unknown_if ? "write $interface instead of ${interface}"
+                          : "for each interface write: if [ \"$interface\" = \"NAME\" ]; then")};
     }
     return {};
 }

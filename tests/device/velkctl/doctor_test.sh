@@ -40,6 +40,15 @@ output_is 'warning: eth1.address, eth1.netmask and eth1.gateway cannot be set
   fix: below line 12 add "address ADDRESS", "netmask NETMASK", "gateway GATEWAY"
 0 problems, 1 warning'
 
+it 'finds what the demonstration damages'
+on_device "$VELK_SOURCE/scripts/demo" --on-device
+status_is 0
+output_has '  fix: below line 12 add "gateway 10.0.0.1"
+(exit status 6)
+$ velkctl doctor
+warning: eth1.address, eth1.netmask and eth1.gateway cannot be set
+'
+
 it 'names the value that was given in the fix for a set'
 script 'sed -i "/^iface lo/d" /etc/network/interfaces; velkctl set eth1.address 10.0.0.7'
 status_is 6

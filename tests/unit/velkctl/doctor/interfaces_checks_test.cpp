@@ -90,6 +90,10 @@ TEST_F(InterfacesCheck, NamesTheGivenValueInTheFixForASet) {
     EXPECT_EQ(FormatFindings(CheckInterfacesFor(gateway, "10.0.0.1")),
               start + "\"gateway 10.0.0.1\"\n");
     EXPECT_EQ(FormatFindings(CheckInterfacesFor(gateway, "")), start + "\"gateway GATEWAY\"\n");
+    WriteFile("/etc/network/interfaces", "iface eth1 inet dhcp\n\tgateway\t10.0.0.2\n");
+    const std::string text = FormatFindings(CheckInterfacesFor(gateway, "10.0.0.1"));
+    EXPECT_NE(text.find("  fix: instead of line 2 write \"gateway 10.0.0.1\"\n"), std::string::npos)
+        << text;
 }
 
 TEST_F(InterfacesCheck, ExaminesNoLinesForTheMethod) {
