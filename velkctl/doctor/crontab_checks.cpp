@@ -29,8 +29,8 @@ bool IsTimeField(std::string_view word) {
     return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
 }
 
-Finding AboutEntry(AffectedSettings affected) {
-    Finding about = About(std::move(affected), velk::kCrontab, Impact::kSetting);
+Finding AboutEntry(const AffectedSettings& affected) {
+    Finding about = About(affected, velk::kCrontab, Impact::kSetting);
     about.remedy = kProperEntry;
     return about;
 }

@@ -88,10 +88,10 @@ Finding Finding::With(Impact new_impact) const {
     return finding;
 }
 
-Finding About(AffectedSettings settings, std::string_view file, Impact impact) {
+Finding About(const AffectedSettings& settings, std::string_view file, Impact impact) {
     return {.subject = SubjectOf(settings),
             .file = std::string(file),
-            .affected = std::move(settings),
+            .affected = settings,
             .impact = impact};
 }
 

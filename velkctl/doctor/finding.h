@@ -56,7 +56,7 @@ struct Finding {
 };
 
 // Return a finding without a text about these settings.
-Finding About(AffectedSettings settings, std::string_view file, Impact impact);
+Finding About(const AffectedSettings& settings, std::string_view file, Impact impact);
 Finding About(const Setting& setting, std::string_view file, Impact impact);
 // The same about all wireless settings, which a file or folder keeps from being read and set.
 Finding AboutWireless(std::string_view file);

@@ -151,16 +151,22 @@ class StanzaCheck {
                                      ", outside the stanza",
                                  "move it up, " + BelowLine(stanza_.header))};
         }
-        Findings findings;
-        const std::string_view text = line.substr(line.find(key) + key.size());
-        if (WithoutLineEnd(text) != Trimmed(text)) {
-            findings.push_back(
-                about.Warning("is read with white space around it",
-                              "there is more than one blank around the value",
-                              InsteadOfLine(index) + LineFor(setting, Trimmed(text))));
-        }
+        Findings findings = CheckBlanks(setting, index);
         Append(findings, CheckSecond(setting, index));
         return findings;
+    }
+
+    Findings CheckBlanks(const Setting& setting, size_t index) const {
+        const std::string_view line = lines_[index];
+        const std::string_view key = setting.row->held_in.line.key;
+        const std::string_view text = line.substr(line.find(key) + key.size());
+        if (WithoutLineEnd(text) == Trimmed(text)) {
+            return {};
+        }
+        return {AboutLine(setting, index, Impact::kReading)
+                    .Warning("is read with white space around it",
+                             "there is more than one blank around the value",
+                             InsteadOfLine(index) + LineFor(setting, Trimmed(text)))};
     }
 
     // A set to none removes the first line alone.
@@ -217,10 +223,9 @@ class StanzaCheck {
                 .At(stanza_.header);
         const std::string lack = "has no " + OneOf(names) + " line";
         if (is_last()) {
-            const std::string description = "the stanza is the last one and " + lack;
-            return {stanza_.has_lease && !scope_.is_set
-                        ? about.Warning("cannot be set", description, remedy)
-                        : about.Problem("cannot be set", description, remedy)};
+            const bool is_needed = scope_.is_set || !stanza_.has_lease;
+            return {about.Of(is_needed ? Severity::kProblem : Severity::kWarning, "cannot be set")
+                        .Because("the stanza is the last one and " + lack, remedy)};
         }
         if (!stray_) {
             return {};
