@@ -221,18 +221,22 @@ class StanzaCheck {
         const Finding about =
             About(missing, velk::kInterfacesFile, is_last() ? Impact::kSetting : Impact::kNothing)
                 .At(stanza_.header);
-        const std::string lack = "has no " + OneOf(names) + " line";
         if (is_last()) {
+            const std::string description =
+                names.size() == 1
+                    ? "the stanza is the last one and has no " + names.front() + " line"
+                    : "the last stanza lacks " + AllOf(names);
             const bool is_needed = scope_.is_set || !stanza_.has_lease;
             return {about.Of(is_needed ? Severity::kProblem : Severity::kWarning, "cannot be set")
-                        .Because("the stanza is the last one and " + lack, remedy)};
+                        .Because(description, remedy)};
         }
         if (!stray_) {
             return {};
         }
         return {about.Warning("would be set in the wrong place",
-                              "the stanza " + lack + "; a new one would be below " +
-                                  Excerpt(lines_[*stray_]) + ", outside the stanza",
+                              "the stanza has no " + OneOf(names) +
+                                  " line; a new one would be below " + Excerpt(lines_[*stray_]) +
+                                  ", outside the stanza",
                               remedy)};
     }
 

@@ -36,7 +36,7 @@ it 'warns of a stanza on DHCP that can gain no static lines, in one finding'
 script 'sed -i "/^iface lo/d" /etc/network/interfaces; velkctl doctor'
 status_is 0
 output_is 'warning: eth1.address, eth1.netmask and eth1.gateway cannot be set
-  /etc/network/interfaces:12: the stanza is the last one and has no address, netmask or gateway line
+  /etc/network/interfaces:12: the last stanza lacks address, netmask and gateway
   fix: below line 12 add "address ADDRESS", "netmask NETMASK", "gateway GATEWAY"
 0 problems, 1 warning'
 
@@ -127,7 +127,7 @@ examine 'sed -i "/^iface lo/d" /etc/network/interfaces
 status_is 1
 findings_are '6
 problem: eth1.address, eth1.netmask and eth1.gateway cannot be set
-  /etc/network/interfaces:12: the stanza is the last one and has no address, netmask or gateway line
+  /etc/network/interfaces:12: the last stanza lacks address, netmask and gateway
 1 problem, 0 warnings'
 examine 'printf "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n" >/var/cron/tabs/root
     velkctl set ntp-server 10.0.0.9 2>/dev/null; cat /var/cron/tabs/root'

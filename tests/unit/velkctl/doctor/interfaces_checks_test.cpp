@@ -66,16 +66,14 @@ TEST_F(InterfacesCheck, FindsAnotherMethod) {
 TEST_F(InterfacesCheck, FindsTheLinesThatALastStanzaCannotGain) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\tnetmask 255.0.0.0"),
               "problem: eth1.address and eth1.gateway cannot be set\n"
-              "  /etc/network/interfaces:2: the stanza is the last one and has no address or "
-              "gateway line\n"
+              "  /etc/network/interfaces:2: the last stanza lacks address and gateway\n"
               "  fix: below line 2 add \"address ADDRESS\", \"gateway GATEWAY\"\n");
 }
 
 TEST_F(InterfacesCheck, WarnsOfTheLinesThatAnInterfaceOnDhcpDoesNotNeedYet) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet dhcp\n"),
               "warning: eth1.address, eth1.netmask and eth1.gateway cannot be set\n"
-              "  /etc/network/interfaces:2: the stanza is the last one and has no address, netmask "
-              "or gateway line\n"
+              "  /etc/network/interfaces:2: the last stanza lacks address, netmask and gateway\n"
               "  fix: below line 2 add \"address ADDRESS\", \"netmask NETMASK\", \"gateway "
               "GATEWAY\"\n");
 }
