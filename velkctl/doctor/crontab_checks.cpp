@@ -30,12 +30,10 @@ bool IsTimeField(std::string_view word) {
     return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
 }
 
-Finding AboutEntry(AffectedSettings affected) {
-    return {.subject = SubjectOf(affected),
-            .file = velk::kCrontab,
-            .remedy = kProperEntry.c_str(),
-            .affected = std::move(affected),
-            .impact = Impact::kSetting};
+Finding AboutEntry(const AffectedSettings& affected) {
+    Finding about = About(affected, velk::kCrontab, Impact::kSetting);
+    about.remedy = kProperEntry.c_str();
+    return about;
 }
 
 std::string ServerIn(const std::string& line) {
@@ -178,7 +176,7 @@ Findings CheckTimeEntry() {
 Findings CheckWebUpdate() {
     const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
     Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
-    about.remedy = "set it again: velkctl set web-update weekly sunday 08:30";
+    about.remedy = "set it again: velkctl set web-update SCHEDULE";
     const TextFile crontab = ReadTextFile(velk::kCrontab);
     const std::vector<size_t> updates =
         LinesWith(crontab.lines, settings.front().row->held_in.line.key);

@@ -1,4 +1,5 @@
 // files_checks.cpp - checks that the files and folders of the library exist and can be written.
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -133,25 +134,16 @@ Findings CheckFile(const DeviceFile& file) {
 
 // Returns findings without a text, one of each folder, with their effect.
 Findings AboutFolders() {
-    const Finding wireless{.subject = "wireless settings",
-                           .effect = "can be neither read nor set",
-                           .file = "/tmp",
-                           .affected = WirelessSettings(),
-                           .impact = Impact::kSetting};
-    const AffectedSettings results = SettingsHeldIn(velk::kNtpLog);
-    Finding semaphores = wireless;
-    semaphores.file = velk::kSemaphoreFolder;
+    Finding results = About(SettingsHeldIn(velk::kNtpLog), velk::kLibraryFolder, Impact::kNothing);
+    results.effect = "cannot be cleared when ntp is set to off";
     return {{.subject = "all settings in files",
              .effect = "cannot be set",
              .file = velk::kEditFolder,
              .affected = EditedSettings(),
              .impact = Impact::kSetting},
-            {.subject = SubjectOf(results),
-             .effect = "cannot be cleared when ntp is set to off",
-             .file = velk::kLibraryFolder,
-             .affected = results},
-            wireless,
-            semaphores};
+            results,
+            AboutWireless("/tmp"),
+            AboutWireless(velk::kSemaphoreFolder)};
 }
 
 Findings CheckSpace(const Finding& about) {
@@ -188,6 +180,18 @@ Findings CheckFolder(const Finding& about) {
 
 Findings CheckFiles() {
     return FindingsOfEach(DeviceFiles(), CheckFile);
+}
+
+// A file or two may be missing on a damaged device.
+std::string DescribeOtherMachine() {
+    const std::vector<DeviceFile>& files = DeviceFiles();
+    const auto missing = static_cast<size_t>(std::ranges::count_if(files, [](const auto& file) {
+        return ReadTextFile(file.path).state == FileState::kMissing;
+    }));
+    return missing * 2 <= files.size()
+               ? ""
+               : "this does not look like the device (" + std::to_string(missing) +
+                     " of its files are missing); velk-sandbox makes a simulated one";
 }
 
 Findings CheckFolders() {

@@ -14,6 +14,7 @@ namespace velkctl {
 enum class Severity {
     kProblem,  // the library does not do, or does not do right, the command it is given
     kWarning,  // it works, or will again
+    kNote,     // nothing is wrong, but a set made now has no effect; the doctor does not show it
 };
 
 // The effect of a finding on the settings that it affects.
@@ -43,16 +44,22 @@ struct Finding {
                     std::string_view remedy = "") const;
     Finding Warning(std::string_view effect, std::string_view description,
                     std::string_view remedy = "") const;
+    Finding Note(std::string_view effect, std::string_view description,
+                 std::string_view remedy = "") const;
     // The same with the severity and the effect that it has.
     Finding Because(std::string_view description, std::string_view remedy = "") const;
 
-    // Return a copy with one member changed. `index` counts lines from 0.
+    // Return a copy with these members changed. `index` counts lines from 0.
     Finding At(size_t index) const;
     Finding With(Impact impact) const;
+    Finding Of(Severity severity, std::string_view effect) const;
 };
 
-// Returns a finding without a text about one setting.
+// Return a finding without a text about these settings.
+Finding About(const AffectedSettings& settings, std::string_view file, Impact impact);
 Finding About(const Setting& setting, std::string_view file, Impact impact);
+// The same about all wireless settings, which a file or folder keeps from being read and set.
+Finding AboutWireless(std::string_view file);
 
 using Findings = std::vector<Finding>;
 

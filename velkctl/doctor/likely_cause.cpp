@@ -14,8 +14,8 @@ namespace velkctl {
 namespace {
 
 // Returns the findings that keep the setting from being read or set, the likeliest first.
-Findings FindingsAgainst(const Setting& setting) {
-    Findings found = ExamineFor(setting);
+Findings FindingsAgainst(const Setting& setting, std::string_view value = {}) {
+    Findings found = ExamineFor(setting, value);
     Append(found, CheckDaemonRuns(setting));
     std::erase_if(found, [](const Finding& finding) { return finding.impact == Impact::kNothing; });
     std::ranges::stable_sort(found, {}, [](const Finding& finding) {
@@ -26,8 +26,8 @@ Findings FindingsAgainst(const Setting& setting) {
 
 }  // namespace
 
-Findings LikelyCauses(const Setting& setting) {
-    Findings causes = FindingsAgainst(setting);
+Findings LikelyCauses(const Setting& setting, std::string_view value) {
+    Findings causes = FindingsAgainst(setting, value);
     if (causes.empty()) {
         Append(causes, ValueLineOf(setting));
         Append(causes, DaemonDiffers(setting));

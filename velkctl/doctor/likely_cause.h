@@ -16,8 +16,8 @@ namespace velkctl {
 // Returns the findings that keep a value, reported as set by the library, from being held or read
 // back. The likeliest comes first: a problem before a warning, a line of a file before other
 // findings. If nothing is found, returns where the value is held: the line of an address, or the
-// wireless daemon, which is not asked.
-Findings LikelyCauses(const Setting& setting);
+// wireless daemon, which is not asked. `value` is the value that was set, for the fix.
+Findings LikelyCauses(const Setting& setting, std::string_view value = {});
 
 // Adds a likely cause to a problem: its description, remedy and place.
 void AddLikelyCause(Problem& problem, const Finding& cause);

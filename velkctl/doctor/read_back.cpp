@@ -50,8 +50,7 @@ ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& rep
 
 // Checks a value that cannot be read back by looking for findings that keep it from being set.
 ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
-                     Report& report) {
-    Findings causes = LikelyCauses(setting);
+                     Findings causes, Report& report) {
     std::erase_if(causes, [](const Finding& cause) {
         return cause.severity != Severity::kProblem || cause.impact != Impact::kSetting;
     });
@@ -66,11 +65,12 @@ ReadBack CheckUnread(const Setting& setting, const std::string& reason, const st
 
 ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
                          const Device& device, Report& report) {
+    const ValueKind& kind = *setting.row->kind;
+    const auto causes = [&] { return LikelyCauses(setting, kind.Print(wanted)); };
     if (!setting.can_get()) {
-        return CheckUnread(setting, "it cannot be read", before.Losses(), report);
+        return CheckUnread(setting, "it cannot be read", before.Losses(), causes(), report);
     }
     const Answer answer = device.Get(setting);
-    const ValueKind& kind = *setting.row->kind;
     if (answer.ok() && kind.Print(answer.data) == kind.Print(wanted)) {
         return {true, ExitStatus::kDone};
     }
@@ -81,10 +81,9 @@ ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const Files
         return CheckUnread(
             setting,
             "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
-            before.Losses(), report);
+            before.Losses(), causes(), report);
     }
-    return NotHeld(setting, HeldValue(setting, answer), before.Losses(), LikelyCauses(setting),
-                   report);
+    return NotHeld(setting, HeldValue(setting, answer), before.Losses(), causes(), report);
 }
 
 }  // namespace velkctl

@@ -182,7 +182,7 @@ Findings CheckIfconfigOutput(std::string_view output) {
         "it prints " + Excerpt(rest.substr(0, rest.find('\n'))) +
             ", but the library looks for 'inet addr:' and 'Mask:'; address and netmask of a DHCP "
             "interface are read as empty",
-        "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does")};
+        "install an ifconfig that prints 'inet addr:ADDRESS', as busybox's does")};
 }
 
 Findings CheckIfconfig() {

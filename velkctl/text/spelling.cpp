@@ -70,6 +70,16 @@ std::vector<std::string> StartingWith(std::string_view word,
     return begun;
 }
 
+// `before_last` is put before the last word, if there are several.
+std::string Joined(std::span<const std::string> words, std::string_view before_last) {
+    std::string text;
+    for (const std::string& word : words) {
+        const bool is_last = &word == &words.back();
+        text.append(text.empty() ? "" : is_last ? before_last : ", ").append(word);
+    }
+    return text;
+}
+
 }  // namespace
 
 std::vector<std::string> SpellingSuggestions(std::string_view word,
@@ -92,12 +102,11 @@ std::string DidYouMean(std::string_view word, std::span<const std::string> candi
 }
 
 std::string OneOf(std::span<const std::string> words) {
-    std::string text;
-    for (const std::string& word : words) {
-        const bool last = &word == &words.back();
-        text.append(text.empty() ? "" : last ? " or " : ", ").append(word);
-    }
-    return text;
+    return Joined(words, " or ");
+}
+
+std::string AllOf(std::span<const std::string> words) {
+    return Joined(words, " and ");
 }
 
 }  // namespace velkctl

@@ -22,6 +22,8 @@ std::string DidYouMean(std::string_view word, std::span<const std::string> candi
 
 // "auto, 100-full or 10-full"
 std::string OneOf(std::span<const std::string> words);
+// "address, netmask and gateway"
+std::string AllOf(std::span<const std::string> words);
 
 }  // namespace velkctl
 

@@ -23,7 +23,6 @@ namespace {
 // A daemon without an answer for this time is not asked again.
 constexpr std::chrono::seconds kSilent{10};
 
-
 bool IsWireless(const Setting& setting) {
     return setting.row->interfaces == kEth1;
 }

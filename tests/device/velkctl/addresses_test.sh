@@ -24,24 +24,18 @@ script '
     velkctl set eth0.address 10.1.2.3 && velkctl set eth0.netmask 255.255.0.0 &&
     velkctl set eth0.gateway 10.1.0.1 && velkctl get eth0.gateway &&
     velkctl set eth0.gateway none && velkctl get eth0.address eth0.netmask eth0.gateway &&
-    sed -n "/eth0/,/auto eth1/p" /etc/network/interfaces && ls /var/tmp'
+    sed -n "/iface eth0/,/iface eth1/p" /etc/network/interfaces && ls /var/tmp'
 status_is 0
 error_is ''
 output_is '10.1.0.1
 eth0.address  10.1.2.3
 eth0.netmask  255.255.0.0
 eth0.gateway  none
-# Interfaces of the device: eth0 is the wired port, eth1 the wireless adapter.
-
-auto lo
-iface lo inet loopback
-
-auto eth0
 iface eth0 inet static
 	address 10.1.2.3
 	netmask 255.255.0.0
 
-auto eth1
+iface eth1 inet dhcp
 vklib_lock'
 
 it 'changes a port from static to DHCP and back, with its block in the DHCP configuration'
@@ -97,12 +91,13 @@ output_is 'eth1.address  172.16.5.6
 eth1.netmask  255.255.0.0'
 
 it 'says that a gateway did not get into the last stanza of the file, and why'
-script 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
+script 'sed -i "/^iface lo/d" /etc/network/interfaces
+    velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
 status_is 6
 output_is ''
 error_is 'velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'
-  likely cause: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
-  fix: add a line "gateway 192.168.0.1" to it'
+  likely cause: /etc/network/interfaces:12: the stanza is the last one and has no gateway line
+  fix: below line 12 add "gateway 10.0.0.1"'
 
 it 'notes that an address is not checked while a lease is shown'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&

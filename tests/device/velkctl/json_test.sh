@@ -138,7 +138,7 @@ END
 it 'answers with the findings of the doctor, which are no errors'
 answers <<'END'
 !rm /etc/dhclient.conf
-1 doctor -> findings problems warnings
+1 doctor -> device findings problems warnings
 END
 
 it 'says in a note that a value was set but not checked'

@@ -67,8 +67,10 @@ TEST_F(VelkctlDeviceTest, WithoutWaitALockedDeviceIsReportedAtOnce) {
 }
 
 TEST_F(VelkctlDeviceTest, AnUnknownHolderIsNotNamed) {
-    libc().Redirect("/proc/locks", "/tmp/missing");
     const int lock = VkLibLock();
+    libc().Redirect("/proc/locks", "/tmp/missing");
+    libc().Redirect("/proc/" + std::to_string(getpid()) + "/fdinfo/" + std::to_string(lock),
+                    "/tmp/missing");
     const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
     VkLibUnLock(lock);
     EXPECT_EQ(OneLine(ProblemOf("eth0.dns: could not be set", "eth0.dns", answer)),

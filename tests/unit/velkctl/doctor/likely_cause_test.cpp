@@ -70,7 +70,8 @@ TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
     for (const char* name : {"eth0.method", "eth0.address", "eth0.netmask", "eth0.gateway"}) {
         EXPECT_EQ(FirstOf(name),
                   "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
-                  "dhcp'; fix: add a stanza that begins with one")
+                  "dhcp'; fix: add \"iface eth0 inet static\", and below it address, netmask and "
+                  "gateway")
             << name;
     }
 }
@@ -80,10 +81,10 @@ TEST_F(LikelyCausesTest, TheLastStanzaGainsNoLine) {
     Set("eth1.gateway", "10.0.0.1");
     EXPECT_EQ(FirstOf("eth1.gateway"),
               "/etc/network/interfaces:2: the stanza is the last one and has no gateway line; fix: "
-              "add a line \"gateway 192.168.0.1\" to it");
+              "below line 2 add \"gateway GATEWAY\"");
     EXPECT_EQ(FirstOf("eth1.netmask"),
               "/etc/network/interfaces:2: the stanza is the last one and has no netmask line; fix: "
-              "add a line \"netmask 255.255.255.0\" to it");
+              "below line 2 add \"netmask NETMASK\"");
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     EXPECT_EQ(FirstOf("eth1.method"), "");
 }
@@ -243,8 +244,8 @@ TEST_F(LikelyCausesTest, ATabIsNoCauseIfASetAddsALine) {
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
     EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: put one "
-              "blank, no tab, between the word and the value");
+              "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: instead of "
+              "line 2 write \"gateway 10.0.0.1\"");
 }
 
 TEST_F(LikelyCausesTest, AFindingThatDoesNotAffectTheSettingIsNoCause) {

@@ -94,7 +94,7 @@ TEST_F(ReadBackTest, AMissingLineOfTheLastStanzaIsNamed) {
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
               "likely cause: /etc/network/interfaces:1: the stanza is the last one and has no "
-              "gateway line; fix: add a line \"gateway 192.168.0.1\" to it\n");
+              "gateway line; fix: below line 1 add \"gateway 10.0.0.1\"\n");
 }
 
 TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
@@ -107,8 +107,8 @@ TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
                       ": the library reported success, but it cannot be read back: file, socket, "
                       "time-out or unreadable value; likely cause: /etc/network/interfaces: no "
                       "line begins "
-                      "with 'iface eth0 inet static' or '... dhcp'; fix: add a stanza that begins "
-                      "with one\n");
+                      "with 'iface eth0 inet static' or '... dhcp'; fix: add \"iface eth0 inet "
+                      "static\", and below it address, netmask and gateway\n");
     }
 }
 
@@ -118,8 +118,8 @@ TEST_F(ReadBackTest, AnotherAddressIsShown) {
     EXPECT_EQ(complaint,
               "velkctl: eth0.address: the library reported success, but the device holds 'ether "
               "02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: the library takes "
-              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: reword "
-              "it, or move it below the line with the value\n");
+              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: above "
+              "line 2 add \"address 10.0.0.5\"\n");
 }
 
 TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
@@ -151,7 +151,7 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
         "set, and no edit "
         "copy has the rest: restore it before the device restarts; likely cause: "
         "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
-        "fix: add a stanza that begins with one\n");
+        "fix: add \"iface eth0 inet static\", and below it address, netmask and gateway\n");
 }
 
 TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
@@ -184,7 +184,7 @@ TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {
               "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
               "value; likely cause: "
               "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; fix: "
-              "add a line \"gateway 192.168.0.1\" to it\n");
+              "below line 1 add \"gateway 10.0.0.1\"\n");
 }
 
 TEST_F(ReadBackTest, AReadingThatTakesTooLongProvesNothing) {

@@ -28,14 +28,14 @@ TEST_F(RemainsCheck, FindsEntriesThatToolsCannotWriteInto) {
     constexpr auto& kResult = testkit::kResultFile;
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "warning: address, netmask and link-speed may not have been read\n"
               "  /var/tmp/get_result: a FIFO is in the place of the output of tools\n"
               "  the next reading removes it\n"
               "  fix: rm /var/tmp/get_result\n");
     ASSERT_EQ(unlink(kResult), 0);
     ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "warning: address, netmask and link-speed may not have been read\n"
               "  /var/tmp/get_result: a symbolic link is in the place of the output of tools\n"
               "  the next reading removes it\n"
               "  fix: rm /var/tmp/get_result\n");
@@ -54,7 +54,7 @@ TEST_F(RemainsCheck, FindsFilesThatTheCallerMayNotRemove) {
     judge();
     ASSERT_EQ(setresuid(0, 0, 0), 0);
     EXPECT_EQ(words,
-              "problem: link-speed and the address and netmask of a lease cannot be read\n"
+              "problem: address, netmask and link-speed cannot be read\n"
               "  /var/tmp/get_result: a file is in the place of the output of tools\n"
               "  fix: rm /var/tmp/get_result\n");
 }
@@ -63,10 +63,9 @@ TEST_F(RemainsCheck, FindsAResultAReplySocketAndASemaphore) {
     WriteFile("/var/tmp/get_result", "x");
     WriteFile("/tmp/WlanAplFromWlanSock", "");
     WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
-    EXPECT_TRUE(
-        Holds(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read\n"
-              "  /var/tmp/get_result: a result was left, "));
+    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckResultFile()),
+                      "warning: address, netmask and link-speed may not have been read\n"
+                      "  /var/tmp/get_result: a result was left, "));
     const std::string words = FormatFindings(velkctl::CheckQueryRemains());
     EXPECT_TRUE(Holds(words,
                       "warning: wireless settings may not have been read\n"
