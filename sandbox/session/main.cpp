@@ -200,7 +200,7 @@ int Run(std::vector<std::string> words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    (void)setlocale(LC_CTYPE, "");  // for Printable()
+    (void)setlocale(LC_CTYPE, "");  // for TerminalLine()
     try {
         return Run({argv + 1, argv + argc});
     } catch (const std::exception& error) {

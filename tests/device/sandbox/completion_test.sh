@@ -18,7 +18,10 @@ offered() {
     on_device bash -c '
         mkdir -p /tmp/work/keys && touch /tmp/work/list && cd /tmp/work
         velk-sandbox --quiet --name inner sleep 60 &
-        until [ "$(velk-sandbox list 2>/dev/null)" = inner ]; do sleep 0.05; done
+        for try in $(seq 600); do
+            [ "$(velk-sandbox list 2>/dev/null)" != inner ] || break
+            sleep 0.05
+        done
         eval "$BASH_COMPLETION_FILE"
         _of_tool() { COMPREPLY=("${#COMP_WORDS[@]}:$COMP_CWORD:$1:$2:$3"); }
         complete -F _of_tool tool
