@@ -613,7 +613,8 @@ done
 
 if command -v script >/dev/null; then
     it 'runs an interactive shell at a terminal'
-    for shell in /bin/sh /bin/bash; do
+    ln -s "$(readlink -f /bin/sh)" "$lib_folder/ash" # /bin/sh itself would become bash
+    for shell in /bin/sh /bin/bash "$lib_folder/ash"; do
         at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox" \
             'tty; echo answer-$((6 * 7))\n' 'sleep 10\n' '\003' 'echo still; exit 3\n'
         output_has answer-42
@@ -624,13 +625,16 @@ if command -v script >/dev/null; then
     done
 
     it 'leaves the shell with Ctrl-D and returns the status of its last command'
-    for shell in /bin/bash /bin/sh; do
-        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox --quiet" 'false\n' 'true\n' '\004'
+    # Bash loses a key that comes before its prompt, so the key is typed again.
+    for shell in /bin/bash "$lib_folder/ash"; do
+        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox --quiet" 'false\n' 'true\n' \
+            '\004' '\004' '\004'
         status_is 0
-        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox --quiet" '(exit 5)\n' '\004'
+        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox --quiet" '(exit 5)\n' \
+            '\004' '\004' '\004'
         status_is 5
     done
-    at_terminal 'sh -c "env HOME=/nonexistent velk-sandbox --quiet; echo left-\$?"' '\004'
+    at_terminal 'sh -c "env HOME=/nonexistent velk-sandbox --quiet; echo left-\$?"' '\004' '\004' '\004'
     output_has left-0
 
     it 'takes the terminal back from a killed shell'
