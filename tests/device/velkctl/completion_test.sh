@@ -3,12 +3,12 @@
 # shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+# shellcheck source=tests/device/typist.sh
+. "$VELK_SOURCE/tests/device/typist.sh" || exit
 
 needs_sandbox
 
-BASH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/velkctl.bash")
-ZSH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/_velkctl")
-export BASH_COMPLETION_FILE ZSH_COMPLETION_FILE
+load_completions velkctl
 
 # Completes lines on one device: `offered WORD... -- WORD...`, where the last word of each line is
 # the one being completed. Shows the candidates, one a line.
@@ -202,46 +202,6 @@ list --json
 set --help'
 
 # ---- at a terminal ----------------------------------------------------------------------------
-# Types a line and a tab into an interactive shell, and shows the resulting line. A complete
-# word is followed by a blank.
-TYPIST='
-import os, pty, re, select, sys, time
-
-shell, lines = sys.argv[1], sys.argv[2:]
-show = {"bash": "show() { printf \"\\n<%s>\\n\" \"$READLINE_LINE\"; READLINE_LINE=; }\n"
-                "bind -x \"\\\"\\C-t\\\": show\"\n",
-        "zsh": "show() { print -r; print -r -- \"<$BUFFER>\"; BUFFER=; }\n"
-               "zle -N show; bindkey \"^T\" show\n"}
-load = {"bash": "eval \"$BASH_COMPLETION_FILE\"\n",
-        "zsh": "mkdir /tmp/completion; print -r -- \"$ZSH_COMPLETION_FILE\" >/tmp/completion/_velkctl\n"
-               "fpath=(/tmp/completion $fpath); autoload -Uz compinit; compinit -D -u\n"}
-arguments = {"bash": ["bash", "--norc", "--noprofile", "-i"], "zsh": ["zsh", "-f", "-i"]}[shell]
-
-child, terminal = pty.fork()
-if child == 0:
-    os.environ.update(TERM="dumb", PS1="> ", HISTFILE="/dev/null")
-    os.execvp(arguments[0], arguments)
-
-def read_until(pattern):
-    seen, end = "", time.monotonic() + 20
-    while not re.search(pattern, seen) and time.monotonic() < end:
-        if select.select([terminal], [], [], 0.1)[0]:
-            try:
-                seen += os.read(terminal, 4096).decode(errors="replace")
-            except OSError:
-                break
-    return seen
-
-os.write(terminal, (load[shell] + show[shell] + "echo re\"\"ady\n").encode())
-read_until("ready\r")
-for line in lines:
-    os.write(terminal, (line + "\t").encode())
-    os.write(terminal, b"\x14")  # read when the completion is done
-    found = re.search("<(.*)>\r", read_until("<.*>\r"))
-    print(found.group(1) + "|" if found else "nothing came")
-'
-export TYPIST
-
 types_in() { # SHELL LINE...
     on_device sh -c 'mkdir -p /tmp/keys && touch /tmp/keys/secret && exec python3 -c "$TYPIST" "$@"' sh "$@"
     status_is 0
