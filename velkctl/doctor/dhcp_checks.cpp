@@ -21,7 +21,7 @@ Finding AboutBlocks() {
             .file = velk::kDhcpConfigFile,
             .remedy = "write the closing brace on a line of its own",
             .affected = SettingsHeldIn(velk::kDhcpConfigFile),
-            .impact = Impact::kSetting};
+            .impact = Impact::kBoth};
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {

@@ -19,7 +19,8 @@ struct Check {
 // removes remains that some of them look for.
 std::vector<Check> Checks() {
     return {
-        {CheckFolders, Together(EditedSettings(), WirelessSettings())},
+        {CheckFolders,
+         Together(EditedSettings(), Together(SettingsReadWith(kLinkTool), WirelessSettings()))},
         {CheckFiles, Together(EditedSettings(), SettingsHeldIn(velk::kResolverFile))},
         {CheckEditCopies, EditedSettings()},
         {CheckInterfaces, SettingsHeldIn(velk::kInterfacesFile)},

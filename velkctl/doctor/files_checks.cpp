@@ -24,7 +24,7 @@ struct Loss {
     Impact impact = Impact::kNothing;
 };
 
-constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kSetting};
+constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kBoth};
 
 // Files that hold no setting themselves.
 constexpr std::array<Loss, 3> kLosses{{
@@ -35,7 +35,7 @@ constexpr std::array<Loss, 3> kLosses{{
 
 // Missing files. The library makes the resolver's file, and reads some settings without the others.
 constexpr std::array<Loss, 3> kLossesByAbsence{{
-    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kSetting},
+    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kBoth},
     {velk::kClientScript, "cannot be set", Severity::kProblem, Impact::kSetting},
     {velk::kResolverFile, "cannot be read until it is set", Severity::kWarning, Impact::kReading},
 }};
@@ -137,8 +137,9 @@ Findings AboutFolders() {
                            .effect = "can be neither read nor set",
                            .file = "/tmp",
                            .affected = WirelessSettings(),
-                           .impact = Impact::kSetting};
+                           .impact = Impact::kBoth};
     const AffectedSettings results = SettingsHeldIn(velk::kNtpLog);
+    const AffectedSettings link = SettingsReadWith(kLinkTool);
     Finding semaphores = wireless;
     semaphores.file = velk::kSemaphoreFolder;
     return {{.subject = "all settings in files",
@@ -146,6 +147,11 @@ Findings AboutFolders() {
              .file = velk::kEditFolder,
              .affected = EditedSettings(),
              .impact = Impact::kSetting},
+            {.subject = SubjectOf(link),
+             .effect = "cannot be read",
+             .file = velk::kEditFolder,
+             .affected = link,
+             .impact = Impact::kReading},
             {.subject = SubjectOf(results),
              .effect = "cannot be cleared when ntp is set to off",
              .file = "/var/libvelk",

@@ -131,7 +131,9 @@ class ValueCheck {
             about_.At(stanza_.header).With(is_last ? Impact::kSetting : Impact::kNothing);
         if (const auto unseen =
                 Find([this](std::string_view line) { return FirstWord(line) == name_; })) {
-            return {about.At(*unseen).Problem(
+            const Finding of_line =
+                about.At(*unseen).With(is_last ? Impact::kBoth : Impact::kNothing);
+            return {of_line.Problem(
                 is_last ? "can be neither read nor set"
                         : "cannot be read, and a set adds a second " + name_ + " line",
                 "no blank follows the word '" + name_ + "'",
@@ -201,7 +203,7 @@ Findings CheckInterface(const Lines& lines, const std::string& interface) {
                                    ".netmask and " + interface + ".gateway",
                         .file = velk::kInterfacesFile,
                         .affected = SettingsHeldIn(velk::kInterfacesFile, interface),
-                        .impact = Impact::kSetting};
+                        .impact = Impact::kBoth};
     const std::string header = velk::StanzaHeader(interface);
     Findings findings = CheckHeaders(about, lines, interface);
     const std::optional<Stanza> stanza = FindStanza(lines, interface);

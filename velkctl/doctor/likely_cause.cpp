@@ -24,6 +24,20 @@ Findings FindingsAgainst(const Setting& setting) {
     return found;
 }
 
+Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer,
+                         bool (*hinders)(Impact impact)) {
+    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
+    if (answer.known_result() != LIB_VELK_FAILURE) {
+        return problem;
+    }
+    const Findings found = FindingsAgainst(setting);
+    const auto cause = std::ranges::find_if(found, hinders, &Finding::impact);
+    if (cause != found.end()) {
+        AddLikelyCause(problem, *cause);
+    }
+    return problem;
+}
+
 }  // namespace
 
 Findings LikelyCauses(const Setting& setting) {
@@ -46,14 +60,12 @@ void AddLikelyCause(Problem& problem, const Finding& cause) {
     problem.line = cause.line;
 }
 
-Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer) {
-    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
-    const Findings causes =
-        answer.known_result() == LIB_VELK_FAILURE ? FindingsAgainst(setting) : Findings();
-    if (!causes.empty()) {
-        AddLikelyCause(problem, causes.front());
-    }
-    return problem;
+Problem ProblemOfGet(std::string message, const Setting& setting, const Answer& answer) {
+    return ProblemWithCause(std::move(message), setting, answer, HindersReading);
+}
+
+Problem ProblemOfSet(std::string message, const Setting& setting, const Answer& answer) {
+    return ProblemWithCause(std::move(message), setting, answer, HindersSetting);
 }
 
 }  // namespace velkctl

@@ -20,8 +20,11 @@ Findings LikelyCauses(const Setting& setting);
 // Adds a likely cause to a problem: its description, remedy and place.
 void AddLikelyCause(Problem& problem, const Finding& cause);
 
-// Returns ProblemOf() the setting. A plain failure gets its likely cause, if one is found.
-Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer);
+// Return ProblemOf() the setting for a failed get or set. A plain failure gets its likely cause, if
+// one is found. No get is blamed on a finding that hinders only a set, and no set on one that
+// hinders only a get.
+Problem ProblemOfGet(std::string message, const Setting& setting, const Answer& answer);
+Problem ProblemOfSet(std::string message, const Setting& setting, const Answer& answer);
 
 }  // namespace velkctl
 

@@ -53,7 +53,7 @@ ReadBack CheckUnread(const Setting& setting, const std::string& reason, const st
                      Report& report) {
     Findings causes = LikelyCauses(setting);
     std::erase_if(causes, [](const Finding& cause) {
-        return cause.severity != Severity::kProblem || cause.impact != Impact::kSetting;
+        return cause.severity != Severity::kProblem || !HindersSetting(cause.impact);
     });
     if (!causes.empty() || !losses.empty()) {
         return NotHeld(setting, "the device cannot hold the value", losses, causes, report);

@@ -20,7 +20,7 @@ Finding AboutRemains(const char* path, const struct stat& facts) {
             .file = path,
             .remedy = RemoveCommand(path, facts),
             .affected = WirelessSettings(),
-            .impact = Impact::kSetting};
+            .impact = Impact::kBoth};
 }
 
 // A reply socket that no process has bound.

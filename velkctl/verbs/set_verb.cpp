@@ -112,7 +112,7 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const FilesBefore before(*setting);
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
-        Problem problem = ProblemWithCause(name + ": could not be set", *setting, answer);
+        Problem problem = ProblemOfSet(name + ": could not be set", *setting, answer);
         const std::string losses = answer.timed_out ? "" : before.Losses();
         problem.detail.append(losses.empty() || problem.detail.empty() ? "" : "; ").append(losses);
         report.Complain(problem);
