@@ -26,7 +26,7 @@ std::string HeldValue(const Setting& setting, const Answer& answer) {
     if (setting.row->secret) {
         return "the device holds another value";
     }
-    return "the device holds " + Quoted(setting.row->kind->Print(answer.data));
+    return "the device holds " + QuotedWhole(setting.row->kind->Print(answer.data));
 }
 
 // `difference` says how the device differs, `losses` names the files that have lost their text.

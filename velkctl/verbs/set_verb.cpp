@@ -15,6 +15,7 @@
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/network_check.h"
 #include "velkctl/verbs/setting_values.h"
+#include "velkctl/verbs/wireless_key_check.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -66,6 +67,7 @@ std::optional<Setting> FindChangeable(WordSpan words, Report& report) {
 std::optional<Problem> FindConflict(const Setting& setting, const Data& value,
                                     const Device& device) {
     std::optional<Problem> problem = NetworkProblem(setting, value, device);
+    problem = problem ? problem : ClearedKeyProblem(setting, value, device);
     return problem ? problem : TextConflict(setting, value, device);
 }
 
@@ -109,6 +111,9 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const std::string name = setting->name();
+    if (const std::optional<Problem> doubt = UnusualKeyNote(*setting, *value)) {
+        report.Note(*doubt);
+    }
     const FilesBefore before(*setting);
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {

@@ -1,0 +1,25 @@
+// wireless_key_check.h - checks a wireless key against the configuration and the standard.
+#ifndef VELKCTL_VERBS_WIRELESS_KEY_CHECK_H_
+#define VELKCTL_VERBS_WIRELESS_KEY_CHECK_H_
+
+#include <optional>
+
+#include "velkctl/call/device.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
+
+namespace velkctl {
+
+// Returns the conflict of clearing the WEP key in use, which the library refuses. Nothing if there
+// is no conflict or if it is unknown.
+std::optional<Problem> ClearedKeyProblem(const Setting& setting, const Data& value,
+                                         const Device& device);
+
+// Returns the doubt about a pre-shared key that the library takes and WPA does not; nothing if
+// none. Does not repeat the key.
+std::optional<Problem> UnusualKeyNote(const Setting& setting, const Data& value);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_VERBS_WIRELESS_KEY_CHECK_H_
