@@ -38,6 +38,9 @@ fixed() { # fixed FINDING BREAK [HAND]
     [ "$status" != 0 ] || printf '%s\n' "$output" >>"$found"
 }
 
+# An ordinary user cannot break the device in every way.
+fixed_by_root() { [ "$(id -u)" != 0 ] || fixed "$@"; }
+
 interfaces=/etc/network/interfaces
 
 # ---- files and folders --------------------------------------------------------------------------
@@ -49,7 +52,7 @@ fixed 'end with CR LF' "sed -i 's/\$/\\r/' $interfaces"
 fixed 'may not write the file' "mount --bind -o ro $interfaces $interfaces" \
     "mount -o remount,bind,rw $interfaces"
 fixed 'folder is missing' 'rm -r /var/libvelk'
-fixed 'may not write the folder' 'mount -t tmpfs -o ro none /var/libvelk' \
+fixed_by_root 'may not write the folder' 'mount -t tmpfs -o ro none /var/libvelk' \
     'mount -o remount,rw /var/libvelk'
 fixed 'file system is full' 'mount -t tmpfs -o size=128k none /var/tmp
     dd if=/dev/zero of=/var/tmp/filler bs=1k count=100 2>/dev/null' 'rm /var/tmp/filler'
@@ -150,7 +153,7 @@ hold="flock --no-fork $lock sleep 60 >/dev/null 2>&1 & echo \$! >/run/holder
 release="kill \$(cat /run/holder); until flock -n $lock true; do sleep 0.05; done"
 fixed 'mode is not 666' ": >$lock; chmod 600 $lock"
 fixed 'is in the place of the lock' "mkdir $lock"
-fixed 'lock file belongs to' ": >$lock; chmod 666 $lock; chown 1 $lock"
+fixed_by_root 'lock file belongs to' ": >$lock; chmod 666 $lock; chown 1 $lock"
 fixed 'lock is held by' ": >$lock; chmod 666 $lock; chown 0 $lock; $hold" "$release"
 fixed 'edit may be under way' "umask 077; cp $crontab /var/tmp/root; sed -i s/5/6/ /var/tmp/root
     : >$lock; chmod 666 $lock; $hold" "rm /var/tmp/root; $release"
@@ -171,16 +174,19 @@ fixed 'adapter is not attached' 'velk-sandbox adapter out' 'velk-sandbox adapter
 fixed 'nothing came within' 'wland --tell silent' "wland --tell normal"
 fixed 'answers with an error' 'wland --tell garbage' "wland --tell normal"
 fixed 'its record has channel' 'wland --tell empty' "wland --tell normal"
-fixed 'in none of the folders' 'mkdir /run/mine; mv /sbin/ifup /run/mine; mount -t tmpfs none /usr/local/sbin'
+fixed_by_root 'in none of the folders' 'mkdir /run/mine; mv /sbin/ifup /run/mine; mount -t tmpfs none /usr/local/sbin'
 fixed 'is not installed' ': >/tmp/none; stand_in ifconfig /tmp/none' 'umount "$(readlink -f /sbin/ifconfig)"'
 fixed 'library looks for .inet addr' 'printf "#!/bin/sh\necho \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
     chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig' 'umount "$(readlink -f /sbin/ifconfig)"'
 fixed 'ran for more than' 'printf "#!/bin/sh\nexec sleep 60\n" >/tmp/ifconfig
     chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig' 'umount "$(readlink -f /sbin/ifconfig)"'
 
-python3 "$fixes/uncovered.py" "$VELK_SOURCE/velkctl/doctor" "$found" "$fixes/exceptions.txt" \
-    >"$lib_folder/uncovered"
-it 'has a case for every finding'
-check 'places without a case' '' "$(cat "$lib_folder/uncovered")"
+if [ "$(id -u)" = 0 ]; then
+    it 'has a case for every finding'
+    run python3 "$fixes/uncovered.py" "$VELK_SOURCE/velkctl/doctor" "$found" "$fixes/exceptions.txt"
+    status_is 0
+    error_is ''
+    output_is ''
+fi
 
 finish
