@@ -30,7 +30,7 @@ Finding AboutDaemon(AffectedSettings affected = WirelessSettings()) {
             .file = velk::kRequestSocket,
             .remedy = "restart the wireless daemon",
             .affected = std::move(affected),
-            .impact = Impact::kSetting};
+            .impact = Impact::kBoth};
 }
 
 bool IsSocketThere() {

@@ -19,7 +19,7 @@ constexpr std::string_view kStatementEnd = ";";
 // About a block that is not as the library reads it. The method is read from its stanza.
 Finding AboutBlocks() {
     Finding about =
-        About(SettingsChanging(velk::kDhcpConfigFile), velk::kDhcpConfigFile, Impact::kSetting);
+        About(SettingsChanging(velk::kDhcpConfigFile), velk::kDhcpConfigFile, Impact::kBoth);
     about.affected = SettingsHeldIn(velk::kDhcpConfigFile);
     about.remedy = "write the closing brace on a line of its own";
     return about;

@@ -23,7 +23,8 @@ std::vector<Check> Checks(const Setting* setting = nullptr, std::string_view val
         return setting == nullptr ? CheckInterfaces() : CheckInterfacesFor(*setting, value);
     };
     return {
-        {CheckFolders, Together(EditedSettings(), WirelessSettings())},
+        {CheckFolders,
+         Together(EditedSettings(), Together(SettingsReadWith(kLinkTool), WirelessSettings()))},
         {CheckFiles, Together(EditedSettings(), SettingsHeldIn(velk::kResolverFile))},
         {CheckEditCopies, EditedSettings()},
         {check_interfaces, SettingsHeldIn(velk::kInterfacesFile)},

@@ -25,7 +25,7 @@ struct Loss {
     Impact impact = Impact::kNothing;
 };
 
-constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kSetting};
+constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kBoth};
 
 // Files that hold no setting themselves.
 constexpr std::array<Loss, 3> kLosses{{
@@ -36,7 +36,7 @@ constexpr std::array<Loss, 3> kLosses{{
 
 // Missing files. The library makes the resolver's file, and reads some settings without the others.
 constexpr std::array<Loss, 3> kLossesByAbsence{{
-    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kSetting},
+    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kBoth},
     {velk::kClientScript, "cannot be set", Severity::kProblem, Impact::kSetting},
     {velk::kResolverFile, "cannot be read until it is set", Severity::kWarning, Impact::kReading},
 }};
@@ -136,11 +136,14 @@ Findings CheckFile(const DeviceFile& file) {
 Findings AboutFolders() {
     Finding results = About(SettingsHeldIn(velk::kNtpLog), velk::kLibraryFolder, Impact::kNothing);
     results.effect = "cannot be cleared when ntp is set to off";
+    Finding link = About(SettingsReadWith(kLinkTool), velk::kEditFolder, Impact::kReading);
+    link.effect = "cannot be read";
     return {{.subject = "all settings in files",
              .effect = "cannot be set",
              .file = velk::kEditFolder,
              .affected = EditedSettings(),
              .impact = Impact::kSetting},
+            link,
             results,
             AboutWireless("/tmp"),
             AboutWireless(velk::kSemaphoreFolder)};

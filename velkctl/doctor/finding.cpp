@@ -112,7 +112,7 @@ Finding AboutWireless(std::string_view file) {
             .effect = "can be neither read nor set",
             .file = std::string(file),
             .affected = WirelessSettings(),
-            .impact = Impact::kSetting};
+            .impact = Impact::kBoth};
 }
 
 void Append(Findings& all, Findings more) {

@@ -20,9 +20,18 @@ enum class Severity {
 // The effect of a finding on the settings that it affects.
 enum class Impact {
     kNothing,  // a value is set and read back
-    kReading,  // another value is read than was set
+    kReading,  // a value cannot be read, or another one is read than was set
     kSetting,  // a value that is set has no effect
+    kBoth,     // a value can be neither read nor set
 };
+
+// Return true if the impact keeps a value from being read, or from being set.
+constexpr bool HindersReading(Impact impact) {
+    return impact == Impact::kReading || impact == Impact::kBoth;
+}
+constexpr bool HindersSetting(Impact impact) {
+    return impact == Impact::kSetting || impact == Impact::kBoth;
+}
 
 // "eth1.gateway cannot be set", "/etc/network/interfaces:12: the stanza is the last one and ..."
 //

@@ -202,7 +202,7 @@ class StanzaCheck {
         const std::string name(setting.row->name);
         std::string_view value = lines_[index];
         (void)velk::TakeWord(value);
-        return AboutLine(setting, index, is_last() ? Impact::kSetting : Impact::kNothing)
+        return AboutLine(setting, index, is_last() ? Impact::kBoth : Impact::kNothing)
             .Problem(is_last() ? "can be neither read nor set"
                                : "cannot be read, and a set adds a second " + name + " line",
                      "no blank follows the word '" + name + "'",
@@ -285,7 +285,7 @@ Findings CheckMethod(const Finding& about, const Stanza& stanza, const std::stri
 
 Findings CheckInterface(const Lines& lines, const std::string& interface, const Scope& scope) {
     const Finding about = About(SettingsHeldIn(velk::kInterfacesFile, interface),
-                                velk::kInterfacesFile, Impact::kSetting);
+                                velk::kInterfacesFile, Impact::kBoth);
     const std::string header = velk::StanzaHeader(interface);
     Findings findings = CheckHeaders(about, lines, interface);
     const std::optional<Stanza> stanza = FindStanza(lines, interface);

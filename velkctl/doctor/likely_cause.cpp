@@ -24,6 +24,26 @@ Findings FindingsAgainst(const Setting& setting, std::string_view value = {}) {
     return found;
 }
 
+// Returns the first finding of this impact after a plain failure; nothing if there is none.
+std::optional<Finding> CauseOf(const Setting& setting, const Answer& answer,
+                               bool (*hinders)(Impact impact)) {
+    if (answer.known_result() != LIB_VELK_FAILURE) {
+        return std::nullopt;
+    }
+    const Findings found = FindingsAgainst(setting);
+    const auto cause = std::ranges::find_if(found, hinders, &Finding::impact);
+    return cause == found.end() ? std::nullopt : std::optional(*cause);
+}
+
+Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer,
+                         bool (*hinders)(Impact impact)) {
+    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
+    if (const std::optional<Finding> cause = CauseOf(setting, answer, hinders)) {
+        AddLikelyCause(problem, *cause);
+    }
+    return problem;
+}
+
 }  // namespace
 
 Findings LikelyCauses(const Setting& setting, std::string_view value) {
@@ -46,12 +66,8 @@ void AddLikelyCause(Problem& problem, const Finding& cause) {
     problem.line = cause.line;
 }
 
-std::optional<Finding> LikelyCauseOf(const Setting& setting, const Answer& answer) {
-    if (answer.known_result() != LIB_VELK_FAILURE) {
-        return std::nullopt;
-    }
-    const Findings causes = FindingsAgainst(setting);
-    return causes.empty() ? std::nullopt : std::optional(causes.front());
+std::optional<Finding> LikelyCauseOfGet(const Setting& setting, const Answer& answer) {
+    return CauseOf(setting, answer, HindersReading);
 }
 
 ExitStatus StatusWithCause(const Setting& setting, const Answer& answer) {
@@ -60,12 +76,12 @@ ExitStatus StatusWithCause(const Setting& setting, const Answer& answer) {
     return has_no_adapter ? ExitStatus::kNoAdapter : StatusOf(answer);
 }
 
-Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer) {
-    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
-    if (const std::optional<Finding> cause = LikelyCauseOf(setting, answer)) {
-        AddLikelyCause(problem, *cause);
-    }
-    return problem;
+Problem ProblemOfGet(std::string message, const Setting& setting, const Answer& answer) {
+    return ProblemWithCause(std::move(message), setting, answer, HindersReading);
+}
+
+Problem ProblemOfSet(std::string message, const Setting& setting, const Answer& answer) {
+    return ProblemWithCause(std::move(message), setting, answer, HindersSetting);
 }
 
 }  // namespace velkctl

@@ -22,15 +22,18 @@ Findings LikelyCauses(const Setting& setting, std::string_view value = {});
 // Adds a likely cause to a problem: its description, remedy and place.
 void AddLikelyCause(Problem& problem, const Finding& cause);
 
-// Returns the likely cause of a plain failure; nothing if none is found.
-std::optional<Finding> LikelyCauseOf(const Setting& setting, const Answer& answer);
+// Returns the likely cause of a get that failed plainly; nothing if none is found.
+std::optional<Finding> LikelyCauseOfGet(const Setting& setting, const Answer& answer);
 
 // Returns the exit status after the answer: that of a missing adapter also if the wireless daemon
 // does not run because of it, which is a plain failure to the library.
 ExitStatus StatusWithCause(const Setting& setting, const Answer& answer);
 
-// Returns ProblemOf() the setting. A plain failure gets its likely cause, if one is found.
-Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer);
+// Return ProblemOf() the setting for a failed get or set. A plain failure gets its likely cause, if
+// one is found. No get is blamed on a finding that hinders only a set, and no set on one that
+// hinders only a get.
+Problem ProblemOfGet(std::string message, const Setting& setting, const Answer& answer);
+Problem ProblemOfSet(std::string message, const Setting& setting, const Answer& answer);
 
 }  // namespace velkctl
 

@@ -26,7 +26,7 @@ std::string HeldValue(const Setting& setting, const Answer& answer) {
     if (setting.row->secret) {
         return "the device holds another value";
     }
-    return "the device holds " + Quoted(setting.row->kind->Print(answer.data));
+    return "the device holds " + QuotedWhole(setting.row->kind->Print(answer.data));
 }
 
 // `difference` says how the device differs, `losses` names the files that have lost their text.
@@ -52,7 +52,7 @@ ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& rep
 ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
                      Findings causes, Report& report) {
     std::erase_if(causes, [](const Finding& cause) {
-        return cause.severity != Severity::kProblem || cause.impact != Impact::kSetting;
+        return cause.severity != Severity::kProblem || !HindersSetting(cause.impact);
     });
     if (!causes.empty() || !losses.empty()) {
         return NotHeld(setting, "the device cannot hold the value", losses, causes, report);

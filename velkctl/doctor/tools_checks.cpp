@@ -40,7 +40,7 @@ std::vector<Tool> Tools() {
     const AffectedSettings link_speed = SettingsReadWith(kLinkTool);
     return {
         {"sudo", kDirectly, "no interface can be restarted, link-speed can be neither read nor set",
-         kProblem, link_speed, Impact::kSetting, kForRestart},
+         kProblem, link_speed, Impact::kBoth, kForRestart},
         {"cat", kDirectly, "no setting in a file can be set", kProblem, EditedSettings(),
          Impact::kSetting},
         {"rm", kDirectly, std::string("edit copies and results stay in ") + velk::kEditFolder},
@@ -52,7 +52,7 @@ std::vector<Tool> Tools() {
         {"route", kBySudo,
          "the running default gateway cannot be changed, only the one in the file", kWarning},
         {"ethtool", kBySudo, "eth0.link-speed can be neither read nor set", kProblem, link_speed,
-         Impact::kSetting},
+         Impact::kBoth},
         {velk::kEthtool, kBySudo, "it takes a minute to find out whether the cable is in"},
         {.name = "ifup",
          .by_sudo = kBySudo,

@@ -167,23 +167,45 @@ std::vector<std::string> FullNames(std::optional<std::string_view> word = std::n
     return names;
 }
 
-// Returns the full names that a misspelt one may mean, with its interface or without.
-std::vector<std::string> GuessedNames(std::string_view name) {
-    std::vector<std::string> meant = SpellingSuggestions(name, FullNames());
-    if (!meant.empty()) {
-        return meant;
-    }
-    std::vector<std::string> short_names;
-    short_names.reserve(kRows.size());
+std::vector<std::string> ShortNames() {
+    std::vector<std::string> names;
+    names.reserve(kRows.size());
     for (const CatalogueRow& row : kRows) {
-        short_names.emplace_back(row.name);
+        names.emplace_back(row.name);
     }
-    for (const std::string& near : SpellingSuggestions(WithoutInterface(name), short_names)) {
-        for (std::string& full_name : FullNames(near)) {
-            meant.push_back(std::move(full_name));
+    return names;
+}
+
+// Returns the full names of the settings with these names without interface.
+std::vector<std::string> FullNamesOf(std::span<const std::string> short_names) {
+    std::vector<std::string> names;
+    for (const std::string& short_name : short_names) {
+        for (std::string& name : FullNames(short_name)) {
+            names.push_back(std::move(name));
         }
     }
-    return meant;
+    return names;
+}
+
+// Returns the full names that another program's name may mean: those on its interface, or all if
+// there is none on it.
+std::vector<std::string> NamesElsewhere(std::string_view name) {
+    const std::string_view own = WithoutInterface(name);
+    const std::string_view start = name.substr(0, name.size() - own.size());
+    std::vector<std::string> names = FullNamesOf(OtherNamesOf(own, ShortNames()));
+    std::vector<std::string> on_interface = names;
+    std::erase_if(on_interface, [start](const std::string& n) { return !n.starts_with(start); });
+    return on_interface.empty() ? names : on_interface;
+}
+
+// Returns the full names that a misspelt one may mean, with its interface or without.
+std::vector<std::string> GuessedNames(std::string_view name) {
+    if (std::vector<std::string> meant = NamesElsewhere(name); !meant.empty()) {
+        return meant;
+    }
+    std::vector<std::string> meant = SpellingSuggestions(name, FullNames());
+    return meant.empty() ? FullNamesOf(SpellingSuggestions(WithoutInterface(name), ShortNames()))
+                         : meant;
 }
 
 }  // namespace

@@ -85,6 +85,18 @@ Parsed ParseData(const Invocation& invocation) {
     return parsed;
 }
 
+// Returns the reason why a command is refused without an interface; empty if it takes none.
+std::string MissingInterface(uint32_t id) {
+    std::vector<std::string> interfaces;
+    for (const Setting& setting : Settings()) {
+        if (setting.row->id == id && !setting.interface.empty()) {
+            interfaces.emplace_back(setting.interface);
+        }
+    }
+    return interfaces.empty() ? ""
+                              : std::to_string(id) + " needs an interface: " + OneOf(interfaces);
+}
+
 void ReportData(const Data& data, bool is_masked, Report& report) {
     report.Text(is_masked ? std::string(kMask) + "\n" : Dump(data));
     report.Member("data", is_masked ? Json(kMask) : Json(ToHex(UsedBytes(data))));
@@ -133,8 +145,11 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
         return report.Refuse("call: " + data.problem);
     }
     const Command command{*type, *id, interface};
-    const Answer answer = Device(invocation.limits, report)
-                              .Execute(command, data.data, "command " + std::to_string(*id));
+    Answer answer = Device(invocation.limits, report)
+                        .Execute(command, data.data, "command " + std::to_string(*id));
+    if (interface.empty() && answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
+        answer.remark = MissingInterface(*id);
+    }
     const bool is_secret = NamesSecret(invocation.words[1]);
     ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),
                  report);

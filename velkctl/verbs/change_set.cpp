@@ -12,6 +12,7 @@
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/read_back.h"
 #include "velkctl/verbs/network_check.h"
+#include "velkctl/verbs/wireless_key_check.h"
 
 namespace velkctl {
 namespace {
@@ -23,12 +24,13 @@ bool Has(const std::vector<Problem>& problems, const Setting& setting) {
 std::optional<Problem> FindConflict(const SettingChange& change, const PlannedValues& planned,
                                     const Device& device) {
     std::optional<Problem> problem = NetworkProblem(change, planned);
+    problem = problem ? problem : ClearedKeyProblem(change, planned);
     return problem ? problem : TextConflict(change.setting, change.value, device);
 }
 
 MadeChange ReportFailure(const Setting& setting, const Answer& answer, const FilesBefore& before,
                          Report& report) {
-    Problem problem = ProblemWithCause(setting.name() + ": could not be set", setting, answer);
+    Problem problem = ProblemOfSet(setting.name() + ": could not be set", setting, answer);
     const std::string losses = answer.timed_out ? "" : before.Losses();
     problem.detail.append(losses.empty() || problem.detail.empty() ? "" : "; ").append(losses);
     report.Complain(problem);
@@ -37,6 +39,9 @@ MadeChange ReportFailure(const Setting& setting, const Answer& answer, const Fil
 
 MadeChange MakeChange(const SettingChange& change, bool read_back, const Device& device,
                       Report& report) {
+    if (const std::optional<Problem> doubt = UnusualKeyNote(change)) {
+        report.Note(*doubt);
+    }
     const FilesBefore before(change.setting);
     const Answer answer = device.Set(change.setting, change.value);
     if (!answer.ok()) {

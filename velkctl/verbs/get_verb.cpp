@@ -24,7 +24,7 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
         shown.push_back(ReadingInJson(
             setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
     } else {
-        const Problem problem = ProblemWithCause(CouldNotBeRead(setting), setting, answer);
+        const Problem problem = ProblemOfGet(CouldNotBeRead(setting), setting, answer);
         report.Text(invocation.bare_value ? "\n" : "");  // every name has its line
         report.Complain(problem);
         shown.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));

@@ -44,7 +44,7 @@ ReadFailure ReadFailureOf(const Setting& setting, const Answer& answer) {
         default:
             break;
     }
-    if (const std::optional<Finding> cause = LikelyCauseOf(setting, answer)) {
+    if (const std::optional<Finding> cause = LikelyCauseOfGet(setting, answer)) {
         return Unreadable(Printable(InWords(*cause)));
     }
     return {"unreadable: run 'velkctl doctor'", "cannot be read: run 'velkctl doctor'"};

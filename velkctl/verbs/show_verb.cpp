@@ -105,7 +105,7 @@ class SettingReader {
                 ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_), nullptr));
         } else {
             rows.AddFailure(setting, ReadFailureOf(setting, answer));
-            AddError(setting, ProblemWithCause(CouldNotBeRead(setting), setting, answer));
+            AddError(setting, ProblemOfGet(CouldNotBeRead(setting), setting, answer));
         }
     }
 

@@ -203,6 +203,12 @@ repeat the value:
 lab
 ended with 0'
 
+it 'does not ask again after an empty line'
+typing $'\n' velkctl set eth1.psk
+output_is 'new value of eth1.psk: 
+velkctl: eth1.psk: 0 bytes given; give a text of 1 to 64 bytes, or none
+ended with 2'
+
 it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 
@@ -274,7 +280,7 @@ on_device sh -c 'velk-sandbox cable out
     wc -l </tmp/examples
     while IFS= read -r line; do
         # Their result with the files of this device does not matter here.
-        echo 12345 | sh -c "$line --no-verify" 2>&1 || echo "$line"
+        echo 1234567890123 | sh -c "$line --no-verify" 2>&1 || echo "$line"
     done </tmp/examples'
 status_is 0
 error_is ''
@@ -441,7 +447,7 @@ refused "unknown verb ''; give $verbs; see 'velkctl --help'" ''
 for word in - --; do
     refused "unknown verb '$word'; give $verbs; see 'velkctl --help'" "$word" get ntp
 done
-refused "ntp: '$(printf '%0512d' 0)...' is not valid; give on or off" \
+refused "ntp: '$(printf '%040d' 0)...' is not valid; give on or off" \
     set ntp "$(printf '%0513d' 0)"
 refused "get: unknown setting '-'; 'velkctl list' names them all" get -
 refused "get: unknown setting ''; 'velkctl list' names them all" get ''

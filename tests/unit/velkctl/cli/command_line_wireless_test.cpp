@@ -168,11 +168,11 @@ TEST_F(WirelessSettings, SaysThatTheWepKeyInUseCannotBeCleared) {
     daemon.SetConf(conf);
     EXPECT_EQ(Run({"set", "eth1.wep-key-1", "none"}), ExitStatus::kInvalid);
     EXPECT_EQ(error,
-              "velkctl: eth1.wep-key-1: could not be set\n"
-              "  the library does not take this command, interface or value\n"
-              "  fix: run 'velkctl describe NAME' for the interfaces and values of a setting\n"
-              "  result: LIB_VELK_INVALID_PARAMETER (-4)\n");
-    EXPECT_THAT(daemon.types(), ElementsAre(VELK_WLAN_REPORT));
+              "velkctl: eth1.wep-key-1: the key in use cannot be cleared\n"
+              "  eth1.encryption is wep, and eth1.wep-default-key names it\n"
+              "  fix: set eth1.wep-default-key or eth1.encryption first\n");
+    EXPECT_THAT(daemon.types(), ElementsAre(VELK_WLAN_REPORT, VELK_WLAN_REPORT))
+        << "it was sent no configuration";
 }
 
 TEST_F(WirelessSettings, RefusedValuesAreNotSent) {

@@ -193,6 +193,43 @@ TEST_F(LikelyCausesTest, AFullFolderForEditCopiesIsFound) {
               "not needed there");
 }
 
+TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFileThatCannotBeWritten) {
+    WriteFile(kInterfaces, "iface lo inet loopback\n");
+    const testkit::Mounted in_place(kInterfaces, kInterfaces, "none", MS_BIND, nullptr);
+    ASSERT_EQ(mount("none", kInterfaces, "none", MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    const Setting address = Find("eth0.address");
+    const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
+    const velkctl::Problem of_get = ProblemOfGet("", address, failed);
+    EXPECT_EQ(of_get.detail,
+              "likely cause: /etc/network/interfaces: no line begins with 'iface eth0 inet static' "
+              "or '... dhcp'");
+    EXPECT_EQ(ProblemOfSet("", address, failed).detail,
+              "likely cause: /etc/network/interfaces: this user may not write the file: Read-only "
+              "file system");
+}
+
+TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFullFolderForEditCopies) {
+    const testkit::Emptied small("/var/tmp", "size=32k");
+    const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
+    EXPECT_EQ(ProblemOfGet("", Find("administrator"), failed).detail,
+              "likely cause: /var/libvelk/libvelk: the file is missing");
+    EXPECT_EQ(ProblemOfGet("", Find("eth0.link-speed"), failed).detail,
+              "likely cause: /var/tmp: the file system is full: 32768 bytes are free")
+        << "the output of ethtool goes there";
+    WriteFile(kIdentity, "");
+    EXPECT_EQ(ProblemOfGet("", Find("administrator"), failed).detail, "");
+    EXPECT_EQ(ProblemOfSet("", Find("administrator"), failed).detail,
+              "likely cause: /var/tmp: the file system is full: 32768 bytes are free");
+}
+
+TEST_F(LikelyCausesTest, AFailedSetIsNotBlamedOnWhatOnlyHindersAGet) {
+    WriteFile(kInterfaces, "iface eth0 inet bootp\n\taddress 10.0.0.2\n" + std::string(kEth1));
+    const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
+    EXPECT_EQ(ProblemOfGet("", Find("eth0.address"), failed).detail,
+              "likely cause: /etc/network/interfaces:1: 'bootp' is neither static nor dhcp");
+    EXPECT_EQ(ProblemOfSet("", Find("eth0.address"), failed).detail, "");
+}
+
 TEST_F(LikelyCausesTest, AMissingToolIsFound) {
     WriteFile(kIdentity, "ADMINISTRATOR=old\n");
     setenv("PATH", "/tmp", 1);

@@ -110,6 +110,21 @@ TEST(UnknownSetting, SuggestsACorrectionOfAMisspeltName) {
     EXPECT_EQ(UnknownSetting("DNS"), "unknown setting 'DNS'; did you mean eth0.dns or eth1.dns?");
 }
 
+TEST(UnknownSetting, SuggestsTheNameForAWordOfOtherPrograms) {
+    EXPECT_EQ(UnknownSetting("eth0.mask"),
+              "unknown setting 'eth0.mask'; did you mean eth0.netmask?");
+    EXPECT_EQ(UnknownSetting("eth0.gw"), "unknown setting 'eth0.gw'; did you mean eth0.gateway?");
+    EXPECT_EQ(UnknownSetting("eth1.ip"), "unknown setting 'eth1.ip'; did you mean eth1.address?");
+    EXPECT_EQ(UnknownSetting("eth0.speed"),
+              "unknown setting 'eth0.speed'; did you mean eth0.link-speed?");
+    EXPECT_EQ(UnknownSetting("eth0.dhcp"),
+              "unknown setting 'eth0.dhcp'; did you mean eth0.method?");
+    EXPECT_EQ(UnknownSetting("eth0.password"),
+              "unknown setting 'eth0.password'; did you mean eth1.psk?");
+    EXPECT_EQ(UnknownSetting("nameserver"),
+              "unknown setting 'nameserver'; did you mean eth0.dns or eth1.dns?");
+}
+
 TEST(UnknownSetting, KnowsAnInterface) {
     EXPECT_EQ(UnknownSetting("eth1"),
               "'eth1' is an interface, not a setting; 'velkctl show eth1' shows its settings");

@@ -110,6 +110,10 @@ TEST(ScheduleKindParse, RepeatsTheTextThatIsNoSchedule) {
               "'weekly 7 08:30' is not a schedule; " + std::string(kGive));
     EXPECT_EQ(kSchedule.Parse(Words{"daily", "\x1b\n"}).problem,
               "'daily \\x1b\\x0a' is not a schedule; " + std::string(kGive));
+    for (const std::string word : {"none", "never"}) {
+        EXPECT_EQ(kSchedule.Parse(Words{word}).problem,
+                  "'" + word + "' is not a schedule; did you mean off?");
+    }
     EXPECT_EQ(kSchedule.Parse(Words{""}).problem, "'' is not a schedule; " + std::string(kGive));
 }
 

@@ -73,6 +73,14 @@ TEST(TextKindParse, ReportsTheLengthAndTheValidOnes) {
               "512 bytes given; give a text of at most 511 bytes");
 }
 
+TEST(TextKindParse, NamesTheCarriageReturnOfALine) {
+    for (const TextKind* kind : {&kSsid, &kPsk, &kWepKey}) {
+        EXPECT_TRUE(Problem(*kind, {"abcde\r"})
+                        .starts_with("it ends with CR (carriage return), as in a CR LF file; give "
+                                     "a text of "));
+    }
+}
+
 TEST(TextKindParse, LengthsAreCountedInBytes) {
     std::string text;
     for (int i = 0; i < 17; ++i) {

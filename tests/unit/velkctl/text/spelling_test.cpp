@@ -28,6 +28,16 @@ TEST(SpellingSuggestions, FindTwoErrors) {
     EXPECT_EQ(SpellingSuggestions("eth0.gtwy", kNames), Words{});
 }
 
+TEST(SpellingSuggestions, KnowTheWordsOfOtherPrograms) {
+    const Words names{"address", "netmask", "method", "dhcp-dns", "psk", "wep-key-1", "off"};
+    EXPECT_EQ(SpellingSuggestions("mask", names), Words{"netmask"});
+    EXPECT_EQ(SpellingSuggestions("IP", names), Words{"address"});
+    EXPECT_EQ(SpellingSuggestions("dhcp", names), Words{"method"});
+    EXPECT_EQ(SpellingSuggestions("key", names), (Words{"psk", "wep-key-1"}));
+    EXPECT_EQ(SpellingSuggestions("none", names), Words{"off"});
+    EXPECT_EQ(SpellingSuggestions("mask", Words{"flask"}), Words{"flask"}) << "not one of them";
+}
+
 TEST(SpellingSuggestions, IgnoreCase) {
     EXPECT_EQ(SpellingSuggestions("RESTART", kNames), Words{"restart"});
     EXPECT_EQ(SpellingSuggestions("loked", Words{"LOCKED"}), Words{"LOCKED"});
