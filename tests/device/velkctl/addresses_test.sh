@@ -117,7 +117,7 @@ for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.2
         exit \$status"
     status_is 2
     output_is ''
-    check 'one message' 1 "$(printf '%s\n' "${error//$'\n  '/; }" | grep -c '^velkctl: eth[01].*; \(fix: \)\?give \|^velkctl: set: unknown')"
+    check 'one message' 1 "$(printf '%s\n' "${error//$'\n  '/; }" | grep -c '^velkctl: eth[01].*; \(fix: \)\?\(give\|did you mean\) \|^velkctl: set: unknown')"
 done
 
 it 'refuses an address with a second line in it'
