@@ -1,6 +1,7 @@
 // interface_state.cpp - the state of a network interface in the kernel.
 #include "velkctl/call/interface_state.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -29,11 +30,9 @@ std::string DottedDecimal(const sockaddr* address) {
     return text.data();
 }
 
-void TakeAddress(const ifaddrs& entry, InterfaceState& state) {
-    state.address = DottedDecimal(entry.ifa_addr);
-    if (entry.ifa_netmask != nullptr) {
-        state.netmask = DottedDecimal(entry.ifa_netmask);
-    }
+InterfaceAddress AddressOf(const ifaddrs& entry) {
+    return {DottedDecimal(entry.ifa_addr),
+            entry.ifa_netmask == nullptr ? "" : DottedDecimal(entry.ifa_netmask)};
 }
 
 void TakeFlags(unsigned flags, InterfaceState& state) {
@@ -44,22 +43,24 @@ void TakeFlags(unsigned flags, InterfaceState& state) {
 
 }  // namespace
 
+bool InterfaceState::Has(const std::string& address) const {
+    return std::ranges::any_of(addresses,
+                               [&](const InterfaceAddress& own) { return own.address == address; });
+}
+
 InterfaceState FindInterfaceState(const ifaddrs* list, const std::string& name) {
     InterfaceState state;
-    const ifaddrs* alias = nullptr;
+    std::vector<InterfaceAddress> of_aliases;
     for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-        if (entry->ifa_name == name) {
+        const bool is_own = entry->ifa_name == name;
+        if (is_own) {
             TakeFlags(entry->ifa_flags, state);
-            if (IsIpv4(entry->ifa_addr) && !state.has_address()) {
-                TakeAddress(*entry, state);
-            }
-        } else if (IsAliasOf(entry->ifa_name, name) && IsIpv4(entry->ifa_addr)) {
-            alias = entry;
+        }
+        if (IsIpv4(entry->ifa_addr) && (is_own || IsAliasOf(entry->ifa_name, name))) {
+            (is_own ? state.addresses : of_aliases).push_back(AddressOf(*entry));
         }
     }
-    if (alias != nullptr && !state.has_address()) {
-        TakeAddress(*alias, state);
-    }
+    state.addresses.insert(state.addresses.end(), of_aliases.begin(), of_aliases.end());
     return state;
 }
 

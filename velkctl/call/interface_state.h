@@ -3,21 +3,28 @@
 #define VELKCTL_CALL_INTERFACE_STATE_H_
 
 #include <string>
+#include <vector>
 
 #include <ifaddrs.h>
 
 namespace velkctl {
 
+struct InterfaceAddress {
+    std::string address;
+    std::string netmask;  // empty if unknown
+};
+
 struct InterfaceState {
     bool exists = false;
     bool is_up = false;
     bool has_link = false;  // a cable or a radio link; false while the interface is down
-    // The first IPv4 address, or that of an alias such as eth0:avahi if the interface itself has
-    // none. Empty: no address.
-    std::string address{};
-    std::string netmask{};
+    // The IPv4 addresses: those of the interface, then those of aliases such as eth0:avahi.
+    std::vector<InterfaceAddress> addresses{};
 
-    bool has_address() const { return !address.empty(); }
+    bool has_address() const { return !addresses.empty(); }
+    bool Has(const std::string& address) const;
+    // Returns the first address; empty if it has none.
+    std::string address() const { return has_address() ? addresses.front().address : ""; }
 };
 
 // Asks the kernel. Reads no file and runs no tool, so it never waits.

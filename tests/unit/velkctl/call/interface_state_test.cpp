@@ -83,8 +83,10 @@ TEST(InterfaceStateTest, AnInterfaceHasItsAddressAndNetmask) {
     EXPECT_TRUE(state.exists);
     EXPECT_TRUE(state.is_up);
     EXPECT_TRUE(state.has_link);
-    EXPECT_EQ(state.address, "192.168.0.10") << "the first one";
-    EXPECT_EQ(state.netmask, "255.255.255.0");
+    EXPECT_EQ(state.address(), "192.168.0.10") << "the first one";
+    EXPECT_EQ(state.addresses.front().netmask, "255.255.255.0");
+    EXPECT_TRUE(state.Has("10.0.0.5"));
+    EXPECT_FALSE(state.Has("127.0.0.1"));
 }
 
 TEST(InterfaceStateTest, AnInterfaceWithoutAnIpv4AddressHasNone) {
@@ -96,7 +98,7 @@ TEST(InterfaceStateTest, AnInterfaceWithoutAnIpv4AddressHasNone) {
     EXPECT_TRUE(state.is_up);
     EXPECT_FALSE(state.has_link);
     EXPECT_FALSE(state.has_address());
-    EXPECT_EQ(state.netmask, "");
+    EXPECT_EQ(state.address(), "");
 }
 
 TEST(InterfaceStateTest, AnInterfaceThatIsDownHasNoLink) {
@@ -108,15 +110,15 @@ TEST(InterfaceStateTest, AnInterfaceThatIsDownHasNoLink) {
     EXPECT_FALSE(state.has_link);
 }
 
-TEST(InterfaceStateTest, AnAliasCountsIfTheInterfaceHasNoAddress) {
+TEST(InterfaceStateTest, TheAddressOfAnAliasComesLast) {
     InterfaceList list;
     list.AddInterface("eth0", kUp);
     list.AddIpv6("eth0:x", kUp);
     list.AddAddress("eth0:avahi", kUp, "169.254.7.1", nullptr);
-    EXPECT_EQ(FindInterfaceState(list.first(), "eth0").address, "169.254.7.1");
-    EXPECT_EQ(FindInterfaceState(list.first(), "eth0").netmask, "");
+    EXPECT_EQ(FindInterfaceState(list.first(), "eth0").address(), "169.254.7.1");
+    EXPECT_EQ(FindInterfaceState(list.first(), "eth0").addresses.front().netmask, "");
     list.AddAddress("eth0", kUp, "192.168.0.109", "255.255.255.0");
-    EXPECT_EQ(FindInterfaceState(list.first(), "eth0").address, "192.168.0.109");
+    EXPECT_EQ(FindInterfaceState(list.first(), "eth0").address(), "192.168.0.109");
 }
 
 TEST(InterfaceStateTest, TheKernelIsAsked) {
