@@ -109,7 +109,9 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const std::string name = setting->name();
-    const FilesBefore before(*setting);
+    // A value that is not valid may be read as another one: no sign of another program.
+    const FilesBefore before =
+        invocation.force ? FilesBefore(*setting) : FilesBefore(*setting, device);
     const Answer answer = device.Set(*setting, *value);
     if (!answer.ok()) {
         Problem problem = ProblemWithCause(name + ": could not be set", *setting, answer);

@@ -409,7 +409,7 @@ hidden='not repeated here as it may be a key'
 refused "set: unknown option, $hidden; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth1.psk --hunter2
 refused "set: unknown option, $hidden; did you mean --wait?" set eth1.psk a-key --wiat
-refused "list: unexpected argument, $hidden; usage: velkctl list [eth0|eth1] [--json]" \
+refused "list: unexpected argument, $hidden; usage: velkctl list [eth0|eth1] [OPTION...]" \
     list eth1.psk some-key
 refused "get: unknown setting, $hidden; 'velkctl list' names them all" get eth1.psk secretpass
 

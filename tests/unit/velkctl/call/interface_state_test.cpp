@@ -1,13 +1,10 @@
 // The state of a network interface, from lists as getifaddrs(3) makes them.
 #include "velkctl/call/interface_state.h"
 
-#include <list>
-#include <string>
-
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <net/if.h>
-#include <netinet/in.h>
+
+#include "support/fake_interfaces.h"
 
 namespace {
 
@@ -18,51 +15,8 @@ using velkctl::ReadInterfaceState;
 
 constexpr unsigned kUp = IFF_UP | IFF_RUNNING;
 
-// A list of interfaces and addresses in the order of their addition.
-class InterfaceList {
-  public:
-    // An interface without an address, as the first entries of the list are.
-    void AddInterface(const std::string& name, unsigned flags) {
-        Add(name, flags, nullptr, nullptr);
-    }
-    void AddAddress(const std::string& label, unsigned flags, const char* address,
-                    const char* netmask) {
-        Add(label, flags, MakeAddress(address),
-            netmask == nullptr ? nullptr : MakeAddress(netmask));
-    }
-    void AddIpv6(const std::string& name, unsigned flags) {
-        sockaddr* address = MakeAddress("0.0.0.0");
-        address->sa_family = AF_INET6;
-        Add(name, flags, address, nullptr);
-    }
-    const ifaddrs* first() const { return entries_.empty() ? nullptr : &entries_.front(); }
-
-  private:
-    sockaddr* MakeAddress(const char* text) {
-        sockaddr_in& address = addresses_.emplace_back();
-        address.sin_family = AF_INET;
-        (void)inet_pton(AF_INET, text, &address.sin_addr);
-        return reinterpret_cast<sockaddr*>(&address);
-    }
-    void Add(const std::string& name, unsigned flags, sockaddr* address, sockaddr* netmask) {
-        ifaddrs* last = entries_.empty() ? nullptr : &entries_.back();
-        ifaddrs& entry = entries_.emplace_back();
-        entry.ifa_name = names_.emplace_back(name).data();
-        entry.ifa_flags = flags;
-        entry.ifa_addr = address;
-        entry.ifa_netmask = netmask;
-        if (last != nullptr) {
-            last->ifa_next = &entry;
-        }
-    }
-
-    std::list<std::string> names_;
-    std::list<sockaddr_in> addresses_;
-    std::list<ifaddrs> entries_;
-};
-
 TEST(InterfaceStateTest, AnInterfaceThatIsNotListedDoesNotExist) {
-    InterfaceList list;
+    testkit::FakeInterfaces list;
     EXPECT_FALSE(FindInterfaceState(list.first(), "eth1").exists);
     list.AddInterface("eth0", kUp);
     list.AddAddress("eth0", kUp, "192.168.0.10", "255.255.255.0");
@@ -73,7 +27,7 @@ TEST(InterfaceStateTest, AnInterfaceThatIsNotListedDoesNotExist) {
 }
 
 TEST(InterfaceStateTest, AnInterfaceHasItsAddressAndNetmask) {
-    InterfaceList list;
+    testkit::FakeInterfaces list;
     list.AddInterface("lo", kUp);
     list.AddInterface("eth0", kUp);
     list.AddAddress("lo", kUp, "127.0.0.1", "255.0.0.0");
@@ -90,7 +44,7 @@ TEST(InterfaceStateTest, AnInterfaceHasItsAddressAndNetmask) {
 }
 
 TEST(InterfaceStateTest, AnInterfaceWithoutAnIpv4AddressHasNone) {
-    InterfaceList list;
+    testkit::FakeInterfaces list;
     list.AddInterface("eth0", IFF_UP);
     list.AddIpv6("eth0", IFF_UP);
     list.AddAddress("eth01", kUp, "10.0.0.5", "255.0.0.0");
@@ -102,7 +56,7 @@ TEST(InterfaceStateTest, AnInterfaceWithoutAnIpv4AddressHasNone) {
 }
 
 TEST(InterfaceStateTest, AnInterfaceThatIsDownHasNoLink) {
-    InterfaceList list;
+    testkit::FakeInterfaces list;
     list.AddInterface("eth0", IFF_RUNNING);
     const InterfaceState state = FindInterfaceState(list.first(), "eth0");
     EXPECT_TRUE(state.exists);
@@ -111,7 +65,7 @@ TEST(InterfaceStateTest, AnInterfaceThatIsDownHasNoLink) {
 }
 
 TEST(InterfaceStateTest, TheAddressOfAnAliasComesLast) {
-    InterfaceList list;
+    testkit::FakeInterfaces list;
     list.AddInterface("eth0", kUp);
     list.AddIpv6("eth0:x", kUp);
     list.AddAddress("eth0:avahi", kUp, "169.254.7.1", nullptr);
