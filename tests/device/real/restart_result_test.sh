@@ -1,10 +1,16 @@
 # restart_result_test.sh - the answer of a restart: the address of the interface, or the reason for none.
 # shellcheck shell=bash
+# shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 
 # Prints the running programs that a restart starts, and the DHCP clients.
-at_work() { ps -eo stat=,comm= | grep -v '^Z' | grep -E ' (ifup|sudo|dhclient)$'; }
+at_work() {
+    local name
+    for name in ifup sudo dhclient; do
+        pgrep --list-name --runstates D,R,S,T --exact "$name"
+    done
+}
 nothing_at_work() { [ -z "$(at_work)" ]; }
 
 it 'prints the address that a cable keeps the wireless interface from'
