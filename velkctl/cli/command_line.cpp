@@ -94,6 +94,13 @@ bool HasWordAfterHelp(const std::vector<std::string>& arguments) {
     return words.size() > 2 && words.front() == kHelpVerb;
 }
 
+Report::Detail DetailOf(const Invocation& invocation) {
+    if (invocation.verbose) {
+        return Report::Detail::kVerbose;
+    }
+    return invocation.quiet ? Report::Detail::kQuiet : Report::Detail::kUsual;
+}
+
 ExitStatus RunVerb(const Verb& verb, std::vector<std::string> given, Report& report) {
     report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
@@ -113,6 +120,7 @@ ExitStatus RunVerb(const Verb& verb, std::vector<std::string> given, Report& rep
         return ExitStatus::kInvalid;
     }
     arguments.invocation.limits = *limits;
+    report.set_detail(DetailOf(arguments.invocation));
     return verb.run(arguments.invocation, report);
 }
 

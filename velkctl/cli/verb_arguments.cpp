@@ -174,6 +174,9 @@ std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
     if (!arguments.unknown.empty()) {
         return UnknownOption(verb, arguments.unknown, invocation.beside_secret);
     }
+    if (invocation.quiet && invocation.verbose) {
+        return "--quiet and --verbose exclude each other; give one of them";
+    }
     if (invocation.words.size() < verb.words.least) {
         return "argument missing; usage: " + Usage(verb);
     }

@@ -17,6 +17,8 @@ constexpr VerbOption kWait{"--wait", "",
 constexpr VerbOption kTimeout{"--timeout", "SECONDS", "stop if no answer comes within SECONDS",
                               &Invocation::timeout};
 constexpr VerbFlag kJson{"--json", "print one JSON document", &Invocation::json};
+constexpr VerbFlag kQuiet{"--quiet", "print only values and problems", &Invocation::quiet};
+constexpr VerbFlag kVerbose{"--verbose", "print also the output of tools", &Invocation::verbose};
 constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisks",
                                 &Invocation::show_secrets};
 
@@ -36,22 +38,28 @@ constexpr std::array<VerbFlag, 2> kToolFlags{{
     {"--version", "show the version", &Invocation::version},
     kJson,
 }};
-constexpr std::array kJsonFlags{kJson};
-constexpr std::array kSecretFlags{kJson, kShowSecrets};
-constexpr std::array kShowFlags{kJson, kShowSecrets, kNoPager};
-constexpr std::array kListFlags{kJson, kNoPager};
-constexpr std::array<VerbFlag, 3> kGetFlags{{
+constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
+constexpr std::array kSecretFlags{kJson, kQuiet, kVerbose, kShowSecrets};
+constexpr std::array kShowFlags{kJson, kQuiet, kVerbose, kShowSecrets, kNoPager};
+constexpr std::array kListFlags{kJson, kQuiet, kVerbose, kNoPager};
+constexpr std::array<VerbFlag, 5> kGetFlags{{
     kJson,
+    kQuiet,
+    kVerbose,
     kShowSecrets,
     {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
-constexpr std::array<VerbFlag, 3> kSetFlags{{
+constexpr std::array<VerbFlag, 5> kSetFlags{{
     kJson,
+    kQuiet,
+    kVerbose,
     {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
 }};
-constexpr std::array<VerbFlag, 2> kRestartFlags{{
+constexpr std::array<VerbFlag, 4> kRestartFlags{{
     kJson,
+    kQuiet,
+    kVerbose,
     {"--notify-only", "eth1: notify the wireless daemon only; eth1 stays up",
      &Invocation::notify_only},
 }};
@@ -132,6 +140,9 @@ constexpr std::array<Verb, 9> kVerbs{{
     {"restart",
      "eth0|eth1 [OPTION...]",
      "bring an interface down and up to apply its settings",
+     "Prints the address that the interface has then. Exit status 6: it is not up, or\n"
+     "has no address.\n"
+     "\n"
      "Restarting eth0 takes more than a minute if a wireless adapter is attached and\n"
      "the cable is in.\n"
      "\n"
@@ -153,7 +164,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      kListFlags,
      RunList},
     {"describe",
-     "NAME|ID [--json]",
+     "NAME|ID [OPTION...]",
      "describe a setting and its values",
      "A name without its interface, or the id of a command, selects the setting of\n"
      "every interface.\n"
@@ -166,7 +177,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      kJsonFlags,
      RunDescribe},
     {"explain",
-     "RESULT|STATUS [--json]",
+     "RESULT|STATUS [OPTION...]",
      "explain a result of the library or an exit status",
      "A result is 0, a negative number or a name, with or without LIB_VELK_. An exit\n"
      "status of velkctl is a number from 0 to 7. 0 is both.\n"
@@ -180,7 +191,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      kJsonFlags,
      RunExplain},
     {"doctor",
-     "[--json]",
+     "[OPTION...]",
      "look for problems with files, tools and daemons",
      "Changes nothing. The exit status is 0 if there is no problem, else 1.\n"
      "\n"

@@ -26,6 +26,8 @@ struct Invocation {
     bool show_secrets = false;
     bool notify_only = false;
     bool bare_value = false;
+    bool quiet = false;
+    bool verbose = false;
     bool force = false;
     bool no_verify = false;
     bool no_pager = false;

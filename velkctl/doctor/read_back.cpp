@@ -48,6 +48,20 @@ ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& rep
     return {std::nullopt, StatusOf(answer)};
 }
 
+// True if the device holds a value that is neither the one before the set nor the one that was set:
+// only another program can have set it, after this set.
+bool IsSetByAnother(const Setting& setting, const Answer& answer, const FilesBefore& before) {
+    return answer.ok() && !setting.row->secret && before.value() && before.Losses().empty() &&
+           setting.row->kind->Print(answer.data) != *before.value();
+}
+
+// The set was done. The later one counts, as it would have a minute later.
+ReadBack SetByAnother(const Setting& setting, const Answer& answer, Report& report) {
+    report.Note(setting.name() + ": set, but another program has set it to " +
+                Quoted(setting.row->kind->Print(answer.data)) + " since");
+    return {false, ExitStatus::kDone};
+}
+
 // Checks a value that cannot be read back by looking for findings that keep it from being set.
 ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
                      Findings causes, Report& report) {
@@ -82,6 +96,9 @@ ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const Files
             setting,
             "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
             before.Losses(), causes(), report);
+    }
+    if (IsSetByAnother(setting, answer, before)) {
+        return SetByAnother(setting, answer, report);
     }
     return NotHeld(setting, HeldValue(setting, answer), before.Losses(), causes(), report);
 }

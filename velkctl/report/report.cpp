@@ -143,16 +143,35 @@ void Report::Text(std::string_view text) const {
     }
 }
 
+void Report::Inform(std::string_view text) const {
+    if (detail_ != Detail::kQuiet) {
+        Text(text);
+    }
+}
+
 void Report::Member(std::string_view key, Json value) {
     if (is_json()) {
         document_->members[std::string(key)] = std::move(value);
     }
 }
 
+void Report::KeepToolOutput(std::vector<std::string> lines) {
+    tool_output_ = std::move(lines);
+    if (is_verbose()) {
+        ShowToolOutput();
+    }
+}
+
+void Report::ShowToolOutput() {
+    for (const std::string& line : std::exchange(tool_output_, {})) {
+        Note(line);
+    }
+}
+
 void Report::Note(std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
-    } else {
+    } else if (detail_ != Detail::kQuiet) {
         PrintError(note, Tone::kNote);
     }
 }
@@ -162,6 +181,7 @@ void Report::Note(const Problem& problem) {
 }
 
 void Report::Complain(const Problem& problem) {
+    ShowToolOutput();
     if (is_json()) {
         document_->errors.push_back(ProblemInJson(problem));
     } else {

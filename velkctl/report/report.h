@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/report/exit_status.h"
 #include <nlohmann/json_fwd.hpp>
@@ -54,15 +55,30 @@ class Report {
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
 
+    // The amount of output in text. A document has all of it, and tools' output with kVerbose.
+    enum class Detail { kQuiet, kUsual, kVerbose };
+
     bool is_json() const { return form_ == Form::kJson; }
+    void set_detail(Detail detail) { detail_ = detail; }
+    bool is_verbose() const { return detail_ == Detail::kVerbose; }
+    // True if a terminal may show how long a command has been waiting.
+    bool shows_progress() const { return !is_json() && detail_ != Detail::kQuiet; }
     void set_verb(std::string_view verb) { verb_ = verb; }
 
     // Prints a text as it is. Does nothing in JSON.
     void Text(std::string_view text) const;
+    // The same for a text that nobody asked for. Does nothing with kQuiet.
+    void Inform(std::string_view text) const;
     // Adds a member to the document, in the order of the calls. Does nothing in text.
     void Member(std::string_view key, Json value);
 
-    // Adds information for a person that a script can ignore.
+    // Keeps the lines that tools printed, in the place of earlier ones. Complain() adds them as
+    // notes before its problem; otherwise they are not shown. With kVerbose adds them at once.
+    void KeepToolOutput(std::vector<std::string> lines);
+    // Adds the kept lines as notes.
+    void ShowToolOutput();
+
+    // Adds information for a person that a script can ignore. With kQuiet only to the document.
     void Note(std::string_view note);
     void Note(const Problem& problem);
     void Complain(const Problem& problem);
@@ -80,7 +96,9 @@ class Report {
     struct Document;
 
     const Form form_;
+    Detail detail_ = Detail::kUsual;
     std::string verb_;
+    std::vector<std::string> tool_output_;
     std::unique_ptr<Document> document_;
 };
 

@@ -112,6 +112,9 @@ void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, 
     if (!answer.remark.empty()) {
         result.append("; ").append(answer.remark);
     }
+    if (!answer.ok()) {
+        report.ShowToolOutput();
+    }
     report.Text(result + "\n");
     report.Member("result", ResultInJson(answer.result));
     if (!answer.ok() && report.is_json()) {

@@ -37,17 +37,19 @@ MadeChange ReportFailure(const Setting& setting, const Answer& answer, const Fil
     return {.status = StatusWithCause(setting, answer)};
 }
 
-MadeChange MakeChange(const SettingChange& change, bool read_back, const Device& device,
+MadeChange MakeChange(const SettingChange& change, ChangeOptions options, const Device& device,
                       Report& report) {
     if (const std::optional<Problem> doubt = UnusualKeyNote(change)) {
         report.Note(*doubt);
     }
-    const FilesBefore before(change.setting);
+    // A value that is not valid may be read as another one: no sign of another program.
+    const FilesBefore before =
+        options.forced ? FilesBefore(change.setting) : FilesBefore(change.setting, device);
     const Answer answer = device.Set(change.setting, change.value);
     if (!answer.ok()) {
         return ReportFailure(change.setting, answer, before, report);
     }
-    if (!read_back) {
+    if (!options.read_back) {
         return {.is_set = true};
     }
     const ReadBack found = ReadSettingBack(change.setting, change.value, before, device, report);
@@ -97,11 +99,11 @@ std::vector<Problem> FindConflicts(const ChangeSet& changes, const std::vector<P
     return conflicts;
 }
 
-std::vector<MadeChange> MakeChanges(const ChangeSet& changes, bool read_back, const Device& device,
-                                    Report& report) {
+std::vector<MadeChange> MakeChanges(const ChangeSet& changes, ChangeOptions options,
+                                    const Device& device, Report& report) {
     std::vector<MadeChange> made;
     for (const SettingChange& change : changes) {
-        made.push_back(MakeChange(change, read_back, device, report));
+        made.push_back(MakeChange(change, options, device, report));
         if (made.back().status != ExitStatus::kDone) {
             NoteStop(changes, made.size() - 1, report);
             break;

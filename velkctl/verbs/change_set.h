@@ -25,6 +25,11 @@ void SortChanges(ChangeSet& changes);
 std::vector<Problem> FindConflicts(const ChangeSet& changes, const std::vector<Problem>& known,
                                    const Device& device);
 
+struct ChangeOptions {
+    bool read_back = true;
+    bool forced = false;  // the values were not checked
+};
+
 // The result of one change.
 struct MadeChange {
     bool is_set = false;         // the library reported success
@@ -35,8 +40,8 @@ struct MadeChange {
 // Makes the changes in their order and reads each back, if wanted. Stops at the first failure, and
 // reports it with the changes that were made before it and those that were not. Returns the results
 // up to there.
-std::vector<MadeChange> MakeChanges(const ChangeSet& changes, bool read_back, const Device& device,
-                                    Report& report);
+std::vector<MadeChange> MakeChanges(const ChangeSet& changes, ChangeOptions options,
+                                    const Device& device, Report& report);
 
 }  // namespace velkctl
 

@@ -70,8 +70,8 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const bool is_single = !IsAssignment(invocation.words.front());
-    const std::vector<MadeChange> made =
-        MakeChanges(changes, !invocation.no_verify, device, report);
+    const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
+    const std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));
     }

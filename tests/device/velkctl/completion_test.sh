@@ -47,11 +47,11 @@ describe doctor
 it 'offers the options of the verb, and those in front of it'
 offered - -- get eth0.dns - -- set --no -- restart eth1 --n -- list - -- explain -
 output_is '-h --help --version --json
--h --help --timeout --json --show-secrets --value
+-h --help --timeout --json --quiet --verbose --show-secrets --value
 --no-verify
 --notify-only
--h --help --json --no-pager
--h --help --json'
+-h --help --json --quiet --verbose --no-pager
+-h --help --json --quiet --verbose'
 
 # ---- settings ---------------------------------------------------------------------------------
 it 'offers readable settings for get, also after other names'

@@ -231,7 +231,7 @@ answers <<'END'
 0 show eth1 -> settings
 4 restart eth1 -> interface; - LIB_VELK_NO_ADAPTER
 4 call get 101 eth1 -> result data; - LIB_VELK_NO_ADAPTER
-0 restart eth0 -> interface
+0 restart eth0 -> interface state
 END
 
 it 'answers with a document while the cable is in'

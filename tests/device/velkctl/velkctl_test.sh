@@ -284,10 +284,10 @@ refused "unknown verb 'put'; give get, set, show, restart, list, describe, expla
 refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
 
 it 'refuses an unknown option'
-refused "unknown option '--quick'; 'velkctl --help' lists the options" \
-    --quick set eth0.dns 1.1.1.1
-refused "set: unknown option '--quick'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
-    set --quick eth0.dns 1.1.1.1
+refused "unknown option '--hurry'; 'velkctl --help' lists the options" \
+    --hurry set eth0.dns 1.1.1.1
+refused "set: unknown option '--hurry'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+    set --hurry eth0.dns 1.1.1.1
 refused "set: unknown option '-q'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth0.dns 1.1.1.1 -q
 refused "get: unknown option '--version'; 'velkctl get --help' lists the options" \
@@ -766,20 +766,23 @@ refused_unsent "eth1.channel: '@/etc/hostname' is not valid; give a number from 
     set eth1.channel @/etc/hostname
 
 # ---- restart ----------------------------------------------------------------------------------
+bring_up='ip link set eth0 up; ip link set eth1 up; ip addr add 192.168.0.10/24 dev eth0;'
 it 'restarts the wired port'
-with_ports "$link" '' velkctl restart eth0
+with_ports "$link" '' sh -c "$bring_up velkctl restart eth0"
 status_is 0
 error_is ''
-output_is '-- run
+output_is 'eth0: 192.168.0.10 (static)
+-- run
 ifdown eth0
 ifup eth0
 lock file made'
 
 it 'brings the adapter up alone while the cable is in'
-with_ports "$link" "$adapter" velkctl restart eth1
+with_ports "$link" "$adapter" sh -c "$bring_up velkctl restart eth1"
 status_is 0
 error_is ''
-output_is '-- run
+output_is 'eth1: up, without an address while the cable is in
+-- run
 ifdown eth1
 ethtool eth0
 ifconfig eth1 up
@@ -887,6 +890,8 @@ output_has '
   --wait              try again for 30 s while settings are locked; or --wait=N
   --timeout SECONDS   stop if no answer comes within SECONDS
   --json              print one JSON document
+  --quiet             print only values and problems
+  --verbose           print also the output of tools
   --show-secrets      show keys instead of asterisks
 '
 

@@ -5,9 +5,11 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <net/if.h>
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "support/fake_interfaces.h"
 #include "support/fake_shell.h"
 #include "velkctl/cli/command_line.h"
 #include "velkctl/report/output.h"
@@ -74,6 +76,7 @@ class WirelessSettings : public testkit::DeviceTest {
     }
 
     testkit::FakeDaemon daemon;
+    testkit::FakeInterfaces interfaces;
     testkit::FakeShell shell;
     std::string output;
     std::string error;
@@ -296,8 +299,11 @@ TEST_F(Secrets, AreNotRepeatedInAnyMessage) {
 }
 
 TEST_F(WirelessSettings, RestartBringsTheInterfaceDownAndUp) {
+    interfaces.AddInterface("eth1", IFF_UP | IFF_RUNNING);
+    interfaces.AddAddress("eth1", IFF_UP | IFF_RUNNING, "192.168.1.110", "255.255.255.0");
+    testkit::WriteFile("/etc/network/interfaces", "iface eth1 inet dhcp\n");
     EXPECT_EQ(Run({"restart", "eth1"}), ExitStatus::kDone);
-    EXPECT_EQ(output + error, "");
+    EXPECT_EQ(output + error, "eth1: 192.168.1.110 from DHCP\n");
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifdown eth1"));
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifup eth1 &"));
     EXPECT_TRUE(testkit::Exists("/var/tmp/vklib_lock"));
@@ -311,10 +317,31 @@ TEST_F(WirelessSettings, NotifyOnlyRunsNoTools) {
 }
 
 TEST_F(WirelessSettings, RestartOfTheWiredPort) {
+    interfaces.AddInterface("eth0", IFF_UP | IFF_RUNNING);
+    interfaces.AddAddress("eth0", IFF_UP | IFF_RUNNING, "192.168.0.10", "255.255.255.0");
+    testkit::WriteFile("/etc/network/interfaces",
+                       "iface eth0 inet static\n\taddress 192.168.0.10\n");
     EXPECT_EQ(Run({"restart", "eth0"}), ExitStatus::kDone);
-    EXPECT_EQ(output + error, "");
+    EXPECT_EQ(output + error, "eth0: 192.168.0.10 (static)\n");
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifdown eth0"));
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifup eth0"));
+    EXPECT_EQ(Run({"restart", "eth0", "--quiet"}), ExitStatus::kDone);
+    EXPECT_EQ(output + error, "");
+}
+
+TEST_F(WirelessSettings, RestartWithoutAnAddressIsReported) {
+    interfaces.AddInterface("eth0", IFF_UP | IFF_RUNNING);
+    testkit::WriteFile("/etc/network/interfaces", "iface eth0 inet dhcp\n");
+    EXPECT_EQ(Run({"restart", "eth0", "--timeout", "1"}), ExitStatus::kNotHeld);
+    EXPECT_EQ(output + error,
+              "velkctl: eth0: up, but it has no address\n  no DHCP server answered\n"
+              "  fix: start one, then run 'velkctl restart eth0' again\n");
+}
+
+TEST_F(WirelessSettings, RestartWithoutAStanza) {
+    interfaces.AddInterface("eth0", IFF_UP | IFF_RUNNING);
+    EXPECT_EQ(Run({"restart", "eth0"}), ExitStatus::kDone);
+    EXPECT_EQ(output + error, "eth0: up, without an address: neither static nor DHCP\n");
 }
 
 TEST_F(WirelessSettings, RestartNeedsAnAdapter) {

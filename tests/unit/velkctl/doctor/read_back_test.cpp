@@ -22,6 +22,7 @@ using velkctl::FindSetting;
 using velkctl::Setting;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kResolver = testkit::kResolverFile;
 constexpr auto& kHooks = testkit::kExitHooks;
 
 // Returns the text with the indented lines of a message joined to its first line.
@@ -51,6 +52,12 @@ class ReadBackTest : public testkit::DeviceTest {
         complaint = Unfolded(testing::internal::GetCapturedStderr());
         status = read_back.status;
         return read_back.held;
+    }
+
+    // Reads files and value as before a set.
+    void Remember(const std::string& name) {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        before.emplace(*FindSetting(name), velkctl::Device({}, report));
     }
 
     testkit::FakeShell shell;
@@ -193,7 +200,9 @@ TEST_F(ReadBackTest, AReadingThatTakesTooLongProvesNothing) {
     const Data wanted = setting.row->kind->Parse(std::vector<std::string>{"auto"}).data;
     EXPECT_EQ(Verify(setting, wanted, {.timeout_seconds = 1}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kTimedOut);
-    EXPECT_EQ(complaint, "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s; waited "
+              "for ethtool to finish; fix: run it again with a longer --timeout\n");
 }
 
 TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
@@ -202,6 +211,40 @@ TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
     EXPECT_EQ(complaint,
               "velkctl: eth0.link-speed: the library reported success, but the device holds "
               "'10-half'\n");
+}
+
+TEST_F(ReadBackTest, AValueOfAnotherProgramIsNoFailure) {
+    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    Remember("eth0.dns");
+    WriteFile(kResolver, "nameserver 10.0.0.3\n");
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
+    EXPECT_EQ(status, ExitStatus::kDone);
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.dns: set, but another program has set it to '10.0.0.3' since\n");
+}
+
+TEST_F(ReadBackTest, TheValueFromBeforeIsNotThatOfAnotherProgram) {
+    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    Remember("eth0.dns");
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.dns: the library reported success, but the device holds '10.0.0.1'\n");
+}
+
+TEST_F(ReadBackTest, WithoutAValueFromBeforeNoProgramIsAccused) {
+    Remember("eth0.dns");
+    EXPECT_FALSE(before->value());
+    WriteFile(kResolver, "nameserver 10.0.0.3\n");
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+}
+
+TEST_F(ReadBackTest, TheValueOfAToolIsNotReadBefore) {
+    Remember("eth0.link-speed");
+    EXPECT_FALSE(before->value());
+    Remember("eth0.dhcp-notice");
+    EXPECT_FALSE(before->value());
 }
 
 TEST_F(ReadBackTest, ASecretIsNotShown) {

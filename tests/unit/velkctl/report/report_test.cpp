@@ -161,4 +161,52 @@ TEST(Report, TheDocumentIsAscii) {
     EXPECT_NE(said.out.find("\"message\": \"caf\\u00e9\""), std::string::npos) << said.out;
 }
 
+ExitStatus SayAllWith(Report::Detail detail, Report& report) {
+    report.set_detail(detail);
+    report.KeepToolOutput({"ntp: earlier"});
+    report.KeepToolOutput({"ntp: rm: first", "ntp: rm: second"});
+    report.Inform("eth0: 10.0.0.1\n");
+    return SayAll(report);
+}
+
+TEST(ReportTest, ToolOutputComesBeforeTheFirstProblem) {
+    const Said said = OutputOf(Report::Form::kText, [](Report& report) {
+        return SayAllWith(Report::Detail::kUsual, report);
+    });
+    EXPECT_TRUE(said.out.starts_with("eth0: 10.0.0.1\n")) << said.out;
+    EXPECT_TRUE(
+        said.err.starts_with("velkctl: it took long\nvelkctl: ntp: rm: first\nvelkctl: "
+                             "ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
+        << said.err;
+}
+
+TEST(ReportTest, QuietOmitsAllButValuesAndProblems) {
+    const Said said = OutputOf(Report::Form::kText, [](Report& report) {
+        EXPECT_TRUE(report.shows_progress());
+        const ExitStatus status = SayAllWith(Report::Detail::kQuiet, report);
+        EXPECT_FALSE(report.shows_progress());
+        return status;
+    });
+    EXPECT_TRUE(said.out.starts_with("eth0.dns = 10.0.0.1\n")) << said.out;
+    EXPECT_TRUE(said.err.starts_with("velkctl: eth0.dns: could not be read\n")) << said.err;
+}
+
+TEST(ReportTest, QuietKeepsTheNotesOfADocument) {
+    const Said said = OutputOf(Report::Form::kJson, [](Report& report) {
+        return SayAllWith(Report::Detail::kQuiet, report);
+    });
+    EXPECT_NE(said.out.find("it took long"), std::string::npos) << said.out;
+    EXPECT_EQ(said.err, "");
+}
+
+TEST(ReportTest, VerboseShowsToolOutputAtOnce) {
+    const Said said = OutputOf(Report::Form::kText, [](Report& report) {
+        return SayAllWith(Report::Detail::kVerbose, report);
+    });
+    EXPECT_TRUE(
+        said.err.starts_with("velkctl: ntp: earlier\nvelkctl: ntp: rm: first\n"
+                             "velkctl: ntp: rm: second\nvelkctl: it took long\n"))
+        << said.err;
+}
+
 }  // namespace

@@ -52,7 +52,7 @@ class ChangeSetTest : public testkit::DeviceTest {
     }
     std::vector<MadeChange> Make(const ChangeSet& changes) {
         testing::internal::CaptureStderr();
-        std::vector<MadeChange> made = MakeChanges(changes, /*read_back=*/true, device, report);
+        std::vector<MadeChange> made = MakeChanges(changes, {}, device, report);
         error = testing::internal::GetCapturedStderr();
         return made;
     }
