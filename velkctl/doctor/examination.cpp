@@ -6,6 +6,7 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/settings/time_entry.h"
 
 namespace velkctl {
@@ -50,6 +51,7 @@ Findings ExamineDevice(Report& report) {
     for (const Check& check : Checks()) {
         Append(findings, check.run());
     }
+    Append(findings, CheckValues(findings, report));
     Append(findings, CheckDaemon(report));
     std::erase_if(findings,
                   [](const Finding& finding) { return finding.severity == Severity::kNote; });

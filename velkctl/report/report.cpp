@@ -43,8 +43,8 @@ bool ClosesQuote(std::string_view text, size_t at) {
                                 std::string_view(" ,;:)").find(text[at + 1]) != std::string::npos);
 }
 
-// Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if
-// it has neither. A quotation stays whole.
+}  // namespace
+
 std::string_view FirstClause(std::string_view text) {
     bool is_quoted = false;
     for (size_t at = 0; at < text.size(); ++at) {
@@ -62,8 +62,6 @@ std::string_view FirstClause(std::string_view text) {
     }
     return text;
 }
-
-}  // namespace
 
 Json ProblemInJson(const Problem& problem) {
     Json error;

@@ -25,6 +25,10 @@ struct Problem {
     size_t line = 0;     // 0: no line of the file
 };
 
+// Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if
+// it has neither. A quotation stays whole.
+std::string_view FirstClause(std::string_view text);
+
 // Breaks a text that is too long for one line of a terminal at its semicolons and before "but".
 // Advice on a line of its own is marked as the fix. A fix stays whole: it may be a line for the
 // shell. `indent` is the width of the text before it on its line; the next lines are indented by

@@ -23,17 +23,26 @@ constexpr HeldIn InFile(const char* file, std::string_view key = "", FileLine se
     return {Holder::kFile, {file, key}, second_line};
 }
 
+constexpr HeldIn InEffect(TakesEffect takes_effect, HeldIn held_in) {
+    held_in.takes_effect = takes_effect;
+    return held_in;
+}
+
 // A line of an address. While a lease is shown, the tool reads it.
 constexpr HeldIn InAddressLine(std::string_view key, std::string_view tool = "") {
     return {Holder::kFile, {velk::kInterfacesFile, key}, {}, tool, /*is_of_lease=*/true};
 }
 
+// A set restarts the SNMP agent.
 constexpr HeldIn kAdministratorLines =
-    InFile(velk::kIdentityFile, "ADMINISTRATOR=", {velk::kSnmpFile, "syscontact"});
+    InEffect(TakesEffect::kAtOnce,
+             InFile(velk::kIdentityFile, "ADMINISTRATOR=", {velk::kSnmpFile, "syscontact"}));
 constexpr HeldIn kLocationLines =
-    InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"});
-constexpr HeldIn kTimeEntry = InFile(velk::kCrontab, kTimeClient);
-constexpr HeldIn kUpdateEntry = InFile(velk::kCrontab, "web_contents_updater");
+    InEffect(TakesEffect::kAtOnce,
+             InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"}));
+constexpr HeldIn kTimeEntry = InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, kTimeClient));
+constexpr HeldIn kUpdateEntry =
+    InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, "web_contents_updater"));
 constexpr HeldIn kTimeLog = InFile(velk::kNtpLog);
 constexpr HeldIn kMethodLines = InFile(velk::kInterfacesFile, "", {velk::kDhcpConfigFile});
 constexpr HeldIn kAddressLine = InAddressLine(velk::kAddressKey, kInterfaceTool);
@@ -46,9 +55,12 @@ constexpr HeldIn kTimeServerLines =
 constexpr HeldIn kLinkLocalLine = InFile(velk::kExitHooks, velk::kLinkLocalDaemon);
 constexpr HeldIn kNoticeLines =
     InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice});
-constexpr HeldIn kResolver = InFile(velk::kResolverFile);
+// The DNS forwarder reads its file again when it changes.
+constexpr HeldIn kResolver = InEffect(TakesEffect::kAtOnce, InFile(velk::kResolverFile));
 constexpr HeldIn kInKernel{.holder = Holder::kKernel};
-constexpr HeldIn kByEthtool{.holder = Holder::kTool, .tool = kLinkTool};
+constexpr HeldIn kByEthtool{
+    .holder = Holder::kTool, .tool = kLinkTool, .takes_effect = TakesEffect::kAtOnce};
+// A restart has the daemon use the configuration that it was sent.
 constexpr HeldIn kInDaemon{.holder = Holder::kDaemon};
 
 constexpr std::string_view kWepKeyHelp = "WEP key, or none; secret";
@@ -213,6 +225,18 @@ std::vector<std::string> GuessedNames(std::string_view name) {
 std::string Setting::name() const {
     const std::string own(row->name);
     return interface.empty() ? own : std::string(interface).append(".").append(own);
+}
+
+std::string EffectTime(const Setting& setting) {
+    switch (setting.row->held_in.takes_effect) {
+        case TakesEffect::kAtOnce:
+            return "at once";
+        case TakesEffect::kWithCron:
+            return "at the next run of cron";
+        default:
+            return "at the next restart of " +
+                   (setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface));
+    }
 }
 
 std::span<const CatalogueRow> Catalogue() {

@@ -36,6 +36,13 @@ enum class Holder {
     kDaemon,  // the wireless daemon
 };
 
+// The time when a change takes effect.
+enum class TakesEffect {
+    kAtOnce,
+    kAtRestart,  // when the interface is restarted
+    kWithCron,
+};
+
 // Where a setting is held.
 struct HeldIn {
     Holder holder = Holder::kFile;
@@ -44,6 +51,7 @@ struct HeldIn {
     // The tool that reads it; for a setting in a file, only while a lease is shown.
     std::string_view tool{};
     bool is_of_lease = false;  // with method dhcp the value of the lease is read
+    TakesEffect takes_effect = TakesEffect::kAtRestart;
 };
 
 // Tools that read settings.
@@ -70,6 +78,9 @@ struct Setting {
     bool can_set() const { return (row->directions & kSet) != 0; }
     std::string name() const;
 };
+
+// Returns the time when a change of the setting takes effect: "at the next restart of eth0".
+std::string EffectTime(const Setting& setting);
 
 std::span<const CatalogueRow> Catalogue();
 

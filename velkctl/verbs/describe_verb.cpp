@@ -70,6 +70,9 @@ std::string Describe(const Setting& setting) {
         text.append("\n  a secret: masked without --show-secrets; give it as -, @FILE or at the ");
         text.append("prompt");
     }
+    if (setting.can_set()) {
+        text.append("\n  takes effect ").append(EffectTime(setting));
+    }
     if (setting.can_get() && longest.seconds > 0) {
         text.append("\n  reading takes at most ").append(std::to_string(longest.seconds));
         text.append(" s; it waits\n    for ").append(longest.awaited);

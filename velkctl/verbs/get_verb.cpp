@@ -5,6 +5,7 @@
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_patterns.h"
 #include "velkctl/verbs/selected_settings.h"
@@ -21,8 +22,13 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
     if (answer.ok()) {
         const auto value = invocation.bare_value ? BareValue : ValueText;
         report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "\n");
-        shown.push_back(ReadingInJson(
-            setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
+        const std::optional<Finding> invalid = InvalidValue(setting, answer.data);
+        if (invalid) {
+            report.Note(NoteOf(*invalid));
+        }
+        shown.push_back(ReadingInJson(setting,
+                                      ValueInJson(setting, answer.data, invocation.show_secrets),
+                                      nullptr, !invalid));
     } else {
         const Problem problem = ProblemOfGet(CouldNotBeRead(setting), setting, answer);
         report.Text(invocation.bare_value ? "\n" : "");  // every name has its line

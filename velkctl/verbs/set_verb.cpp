@@ -46,6 +46,7 @@ Json SettingInJson(const SettingChange& change, const MadeChange& made) {
     object["name"] = change.setting.name();
     object["value"] = ValueInJson(change.setting, change.value, false);
     object["held"] = HeldInJson(made);
+    object["takes_effect"] = EffectTime(change.setting);
     return object;
 }
 

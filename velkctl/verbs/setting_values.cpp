@@ -32,11 +32,12 @@ std::string CouldNotBeRead(const Setting& setting) {
     return setting.name() + ": could not be read";
 }
 
-Json ReadingInJson(const Setting& setting, Json value, Json error) {
+Json ReadingInJson(const Setting& setting, Json value, Json error, Json valid) {
     Json object;
     object["name"] = setting.name();
     object["value"] = std::move(value);
     object["error"] = std::move(error);
+    object["valid"] = std::move(valid);
     return object;
 }
 
@@ -52,6 +53,7 @@ Json SettingInJson(const Setting& setting) {
     object["expected"] = setting.can_set() ? Json(setting.row->kind->Wanted()) : Json(nullptr);
     object["values"] = setting.row->kind->Values();
     object["longest_seconds"] = LongestWaitOf(setting).seconds;
+    object["takes_effect"] = setting.can_set() ? Json(EffectTime(setting)) : Json(nullptr);
     return object;
 }
 

@@ -9,6 +9,7 @@
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/read_failure.h"
@@ -100,9 +101,11 @@ class SettingReader {
             answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
         daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
         if (answer.ok()) {
-            rows.AddValue(setting, ValueText(setting, answer.data, show_secrets_));
-            read_.push_back(
-                ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_), nullptr));
+            const bool is_valid = !InvalidValue(setting, answer.data);
+            rows.AddValue(setting, ValueText(setting, answer.data, show_secrets_) +
+                                       (is_valid ? "" : "  (not valid)"));
+            read_.push_back(ReadingInJson(
+                setting, ValueInJson(setting, answer.data, show_secrets_), nullptr, is_valid));
         } else {
             rows.AddFailure(setting, ReadFailureOf(setting, answer));
             AddError(setting, ProblemOfGet(CouldNotBeRead(setting), setting, answer));

@@ -21,11 +21,12 @@ import json, os, shlex, subprocess, sys
 import jsonschema
 
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-described = "name id interface get set secret description expected values longest_seconds"
+described = "name id interface get set secret description expected values longest_seconds takes_effect"
 member_orders = {
-    "settings": {"get": "name value error", "show": "name value error", "set": "name value held set",
+    "settings": {"get": "name value error valid", "show": "name value error valid",
+                 "set": "name value held takes_effect set",
                  "list": described, "describe": described},
-    "setting": {"set": "name value held"},
+    "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
     "findings": {"doctor": "severity subject effect description cause remedy settings"},
@@ -152,7 +153,8 @@ output_is '{
   "setting": {
     "name": "eth0.address",
     "value": "10.0.0.1",
-    "held": null
+    "held": null,
+    "takes_effect": "at the next restart of eth0"
   },
   "notes": [
     "eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown"
@@ -328,8 +330,8 @@ it 'has values in a form for programs'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && velkctl set eth0.gateway none
     velk-sandbox cable out
     velkctl get --json eth0.dns eth0.gateway eth0.method eth1.channel eth1.signal location eth1.psk \
-        eth1.wep-key-2 | grep \"value\" -A 3 | tr -d " \n"'
-output_is '"value":["1.1.1.1","2.2.2.2"],--"value":null,"error":null},{--"value":"static","error":null},{--"value":6,"error":null},{--"value":[52,95],--"value":"Secondfloor,bythewindow","error":null},{--"value":"********","error":null},{--"value":null,"error":null}],'
+        eth1.wep-key-2 | grep \"value\" -A 4 | tr -d " \n"'
+output_is '"value":["1.1.1.1","2.2.2.2"],"error":null,--"value":null,"error":null,"valid":true},{--"value":"static","error":null,"valid":true},{--"value":6,"error":null,"valid":true},{--"value":[52,95],"error":null,--"value":"Secondfloor,bythewindow","error":null,"valid":true},{--"value":"********","error":null,"valid":true},{--"value":null,"error":null,"valid":true}],'
 
 # ---- secrets ----------------------------------------------------------------------------------
 it 'shows a secret to those who ask for it with --show-secrets alone'

@@ -152,13 +152,22 @@ output_is 'nonsense
 1
 1.2.3.4.5
 every 200h'
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'
+error_is "velkctl: eth0.address: 'nonsense' is not an IPv4 address
+  it is read from /etc/network/interfaces:8
+  fix: velkctl set eth0.address VALUE
+velkctl: ntp-server: the library reported success, but the device holds 'a'
   likely cause: /var/cron/tabs/root:1: 'a' also occurs earlier on the line, and a set replaces it there
   fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line
 velkctl: eth0.method: could not be set
   the library does not take this command, interface or value
   fix: run 'velkctl describe NAME' for the interfaces and values of a setting
-  result: LIB_VELK_INVALID_PARAMETER (-4)"
+  result: LIB_VELK_INVALID_PARAMETER (-4)
+velkctl: eth0.dns: '1.2.3.4.5' is not an IPv4 address
+  it is read from /etc/resolv.dnsmasq.conf:1
+  fix: velkctl set eth0.dns VALUE
+velkctl: web-update: 'every 200h' is not a schedule
+  it is read from /var/cron/tabs/root:3
+  fix: velkctl set web-update VALUE"
 
 it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
@@ -232,6 +241,7 @@ output_is 'eth0.dhcp-notice
   print notices of the DHCP client: on or off
   command 109: set
   takes on or off
+  takes effect at the next restart of eth0
   example: velkctl set eth0.dhcp-notice on'
 on_device velkctl describe 314
 output_is 'eth1.psk
@@ -239,6 +249,7 @@ output_is 'eth1.psk
   command 314: get and set
   takes a text of 1 to 64 bytes, or none
   a secret: masked without --show-secrets; give it as -, @FILE or at the prompt
+  takes effect at the next restart of eth1
   reading takes at most 60 s; it waits
     for the wireless daemon to answer
   example: velkctl get eth1.psk
@@ -252,6 +263,7 @@ output_is 'eth0.method
   takes static or dhcp
     static  address, netmask and gateway are those that are set
     dhcp    a DHCP server gives them
+  takes effect at the next restart of eth0
   example: velkctl get eth0.method
   example: velkctl set eth0.method static'
 on_device velkctl describe ntp-result
@@ -269,6 +281,7 @@ output_is "location
   command 3: get and set
   takes a text of at most 511 bytes
     ''  clears it
+  takes effect at once
   example: velkctl get location
   example: velkctl set location 'a text'"
 

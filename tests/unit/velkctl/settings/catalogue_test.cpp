@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <set>
 #include <span>
 #include <sstream>
@@ -230,6 +231,29 @@ TEST(Catalogue, IdsAreThoseOfTheLibrary) {
               (std::vector<uint32_t>{2,   3,   6,   7,   9,   10,  11,  101, 102, 103, 104, 105,
                                      106, 107, 108, 109, 201, 4,   5,   301, 302, 303, 304, 305,
                                      306, 307, 308, 309, 310, 311, 312, 314, 315, 316, 317, 318}));
+}
+
+TEST(EffectTime, IsThatOfTheProgramThatUsesTheSetting) {
+    std::map<std::string, std::vector<std::string>> times;
+    for (const Setting& setting : Settings()) {
+        if (setting.can_set()) {
+            times[EffectTime(setting)].push_back(setting.name());
+        }
+    }
+    EXPECT_EQ(
+        times,
+        (std::map<std::string, std::vector<std::string>>{
+            {"at once", {"administrator", "location", "eth0.dns", "eth1.dns", "eth0.link-speed"}},
+            {"at the next run of cron", {"ntp", "ntp-server", "web-update"}},
+            {"at the next restart of eth0 or eth1", {"dhcp-ntp"}},
+            {"at the next restart of eth0",
+             {"eth0.method", "eth0.apipa", "eth0.address", "eth0.netmask", "eth0.gateway",
+              "eth0.dhcp-dns", "eth0.dhcp-notice"}},
+            {"at the next restart of eth1",
+             {"eth1.method", "eth1.apipa", "eth1.address", "eth1.netmask", "eth1.gateway",
+              "eth1.dhcp-dns", "eth1.service-set", "eth1.ssid", "eth1.channel", "eth1.encryption",
+              "eth1.authentication", "eth1.wep-key-1", "eth1.wep-key-2", "eth1.wep-key-3",
+              "eth1.wep-key-4", "eth1.wep-default-key", "eth1.psk", "eth1.standards-enabled"}}}));
 }
 
 TEST(Catalogue, KeysAreSecret) {

@@ -1,0 +1,140 @@
+// value_checks.cpp - checks the values that the device has with the checks of a set.
+#include "velkctl/doctor/value_checks.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lib/base/words.h"
+#include "velkctl/call/device.h"
+#include "velkctl/doctor/checks.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/text/ipv4.h"
+
+namespace velkctl {
+namespace {
+
+// A get that fails may wait for the system log.
+constexpr int kSeconds = 5;
+
+// Returns the printed value as the words of a set.
+std::vector<std::string> AsWords(const Setting& setting, const std::string& printed) {
+    const bool is_list = setting.row->id == VELK_CMD_DNS;
+    return is_list ? WordsOf(printed) : std::vector<std::string>{printed};
+}
+
+// Returns the first word that is refused; the first of all if the words are refused together.
+std::string RefusedWord(const ValueKind& kind, const std::vector<std::string>& words) {
+    const auto word = std::ranges::find_if(words, [&](const std::string& one) {
+        return !kind.Parse({&one, 1}).ok();
+    });
+    return word == words.end() ? words.front() : *word;
+}
+
+// Returns the number of the first line with this text; 0 if none.
+size_t FindText(const std::string& file, std::string_view text) {
+    const Lines lines = ReadTextFile(file).lines;
+    const auto line = std::ranges::find_if(
+        lines, [&](std::string_view one) { return velk::Contains(one, text); });
+    return line == lines.end() ? 0 : static_cast<size_t>(line - lines.begin()) + 1;
+}
+
+// Returns the number of the line that the value is read from; 0 if unknown.
+size_t LineOf(const Setting& setting, const std::string& refused) {
+    const HeldIn& held_in = setting.row->held_in;
+    if (held_in.is_of_lease) {
+        const Findings line = ValueLineOf(setting);
+        const bool has_value = !line.empty() && velk::Contains(line.front().description, refused);
+        return has_value ? line.front().line : 0;  // 0 if it is of a lease
+    }
+    const bool has_key = !held_in.line.key.empty();
+    return FindText(held_in.line.file, has_key ? held_in.line.key : refused);
+}
+
+// Returns a finding without a text about the line that the value is read from.
+Finding AboutValue(const Setting& setting, const std::string& refused) {
+    const char* file = setting.row->held_in.line.file;
+    Finding about = About(setting, "", Impact::kNothing);
+    about.line = file == nullptr ? 0 : LineOf(setting, refused);
+    about.file = about.line == 0 ? "" : file;
+    return about;
+}
+
+// A forwarder on the device itself needs a server that a set takes with --force alone.
+bool MayBeWanted(const Setting& setting, const std::vector<std::string>& words) {
+    return setting.row->id == VELK_CMD_DNS &&
+           std::ranges::all_of(words,
+                               [](const std::string& word) { return ParseIpv4(word).has_value(); });
+}
+
+// True for a value that is read from a file, and not from a lease.
+bool IsInFile(const Setting& setting, const Device& device) {
+    const HeldIn& held_in = setting.row->held_in;
+    if (held_in.holder != Holder::kFile || !setting.can_get() || !setting.can_set()) {
+        return false;
+    }
+    if (!held_in.is_of_lease) {
+        return true;
+    }
+    const Answer method = device.Get(SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front());
+    return method.ok() && method.data[0] == VELK_METHOD_STATIC;
+}
+
+bool IsReadWrongly(const Findings& known, const Setting& setting) {
+    return std::ranges::any_of(known, [&](const Finding& finding) {
+        return finding.impact == Impact::kReading && Includes(finding.affected, setting);
+    });
+}
+
+// eth0 and eth1 have one list of servers.
+bool IsSecondView(const Setting& setting) {
+    return setting.row->id == VELK_CMD_DNS && setting.interface == VELK_WIRELESS_INTERFACE;
+}
+
+Findings CheckValue(const Setting& setting, const Device& device) {
+    if (IsSecondView(setting) || !IsInFile(setting, device)) {
+        return {};
+    }
+    const Answer answer = device.Get(setting);
+    const std::optional<Finding> invalid =
+        answer.ok() ? InvalidValue(setting, answer.data) : std::nullopt;
+    return invalid ? Findings{*invalid} : Findings{};
+}
+
+}  // namespace
+
+std::optional<Finding> InvalidValue(const Setting& setting, const Data& value) {
+    const ValueKind& kind = *setting.row->kind;
+    const std::string printed = kind.Print(value);
+    if (!setting.can_set() || setting.row->secret || printed == kNone) {
+        return std::nullopt;
+    }
+    const std::vector<std::string> words = AsWords(setting, printed);
+    const Parsed parsed = kind.Parse(words);
+    if (parsed.ok()) {
+        return std::nullopt;
+    }
+    Finding about = AboutValue(setting, RefusedWord(kind, words));
+    about.severity = MayBeWanted(setting, words) ? Severity::kWarning : Severity::kProblem;
+    about.effect = "has a value that is not valid";
+    return about.Because(FirstClause(parsed.problem), "velkctl set " + setting.name() + " VALUE");
+}
+
+Problem NoteOf(const Finding& invalid_value) {
+    const std::string location = LocationOf(invalid_value);
+    return {.message = invalid_value.subject + ": " + invalid_value.description,
+            .setting = invalid_value.subject,
+            .detail = location.empty() ? "" : "it is read from " + location,
+            .remedy = invalid_value.remedy};
+}
+
+Findings CheckValues(const Findings& known, Report& report) {
+    const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
+    AffectedSettings settings = Settings();
+    std::erase_if(settings, [&](const Setting& setting) { return IsReadWrongly(known, setting); });
+    return FindingsOfEach(settings,
+                          [&](const Setting& setting) { return CheckValue(setting, device); });
+}
+
+}  // namespace velkctl
