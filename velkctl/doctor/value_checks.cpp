@@ -8,8 +8,11 @@
 
 #include "lib/base/words.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/network_check.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/ipv4.h"
 
 namespace velkctl {
@@ -52,15 +55,6 @@ size_t LineOf(const Setting& setting, const std::string& refused) {
     return FindText(held_in.line.file, has_key ? held_in.line.key : refused);
 }
 
-// Returns a finding without a text about the line that the value is read from.
-Finding AboutValue(const Setting& setting, const std::string& refused) {
-    const char* file = setting.row->held_in.line.file;
-    Finding about = About(setting, "", Impact::kNothing);
-    about.line = file == nullptr ? 0 : LineOf(setting, refused);
-    about.file = about.line == 0 ? "" : file;
-    return about;
-}
-
 // A forwarder on the device itself needs a server that a set takes with --force alone.
 bool MayBeWanted(const Setting& setting, const std::vector<std::string>& words) {
     return setting.row->id == VELK_CMD_DNS &&
@@ -79,6 +73,12 @@ bool IsInFile(const Setting& setting, const Device& device) {
     }
     const Answer method = device.Get(SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front());
     return method.ok() && method.data[0] == VELK_METHOD_STATIC;
+}
+
+// A text may have any bytes.
+bool IsText(const Setting& setting) {
+    const ValueKind* kind = setting.row->kind;
+    return kind == &kFreeText || kind == &kSsid || setting.row->secret;
 }
 
 bool IsReadWrongly(const Findings& known, const Setting& setting) {
@@ -104,10 +104,18 @@ Findings CheckValue(const Setting& setting, const Device& device) {
 
 }  // namespace
 
+Finding AboutValue(const Setting& setting, const std::string& text) {
+    const char* file = setting.row->held_in.line.file;
+    Finding about = About(setting, "", Impact::kNothing);
+    about.line = file == nullptr ? 0 : LineOf(setting, text);
+    about.file = about.line == 0 ? "" : file;
+    return about;
+}
+
 std::optional<Finding> InvalidValue(const Setting& setting, const Data& value) {
     const ValueKind& kind = *setting.row->kind;
     const std::string printed = kind.Print(value);
-    if (!setting.can_set() || setting.row->secret || printed == kNone) {
+    if (!setting.can_set() || IsText(setting) || printed == kNone) {
         return std::nullopt;
     }
     const std::vector<std::string> words = AsWords(setting, printed);
@@ -133,8 +141,10 @@ Findings CheckValues(const Findings& known, Report& report) {
     const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
     AffectedSettings settings = Settings();
     std::erase_if(settings, [&](const Setting& setting) { return IsReadWrongly(known, setting); });
-    return FindingsOfEach(settings,
-                          [&](const Setting& setting) { return CheckValue(setting, device); });
+    Findings findings = FindingsOfEach(
+        settings, [&](const Setting& setting) { return CheckValue(setting, device); });
+    Append(findings, NetworkMismatches(PlannedValues(device, {})));
+    return findings;
 }
 
 }  // namespace velkctl

@@ -11,11 +11,15 @@
 
 namespace velkctl {
 
+// Returns a finding without a text, with the line of the file that the setting's value is read
+// from. `text` is the value, or one word of it.
+Finding AboutValue(const Setting& setting, const std::string& text);
+
 // Returns the finding that a set would refuse this value of the setting, with the line of the file
-// that the value is read from. Nothing if the value is valid, empty or secret.
+// that the value is read from. Nothing if the value is valid, empty or a text.
 std::optional<Finding> InvalidValue(const Setting& setting, const Data& value);
 
-// The same as a note for a reader of the value.
+// Returns the finding about an invalid value as a note.
 Problem NoteOf(const Finding& invalid_value);
 
 // Checks each value in the device's files, and the values of the interfaces against each other.

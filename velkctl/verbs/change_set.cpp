@@ -10,8 +10,8 @@
 #include "velkctl/call/planned_values.h"
 #include "velkctl/call/text_conflicts.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/network_check.h"
 #include "velkctl/doctor/read_back.h"
-#include "velkctl/verbs/network_check.h"
 #include "velkctl/verbs/wireless_key_check.h"
 
 namespace velkctl {

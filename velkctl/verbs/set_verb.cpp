@@ -5,6 +5,7 @@
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/doctor/set_notes.h"
 #include "velkctl/verbs/change_set.h"
 #include "velkctl/verbs/change_words.h"
 #include "velkctl/verbs/setting_values.h"
@@ -40,6 +41,14 @@ Json HeldInJson(const MadeChange& made) {
     return made.held ? Json(*made.held) : Json(nullptr);
 }
 
+std::vector<Setting> SettingsOf(const ChangeSet& changes) {
+    std::vector<Setting> settings;
+    for (const SettingChange& change : changes) {
+        settings.push_back(change.setting);
+    }
+    return settings;
+}
+
 // A setting of the form "NAME VALUE...".
 Json SettingInJson(const SettingChange& change, const MadeChange& made) {
     Json object;
@@ -72,12 +81,16 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     }
     const bool is_single = !IsAssignment(invocation.words.front());
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
+    const SetNotes notes(SettingsOf(changes), device, !invocation.force && !invocation.no_verify);
     const std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));
     }
     if (!is_single || changes.size() > 1) {
         report.Member("settings", SettingsInJson(changes, made));
+    }
+    if (made.back().status == ExitStatus::kDone) {
+        notes.Print(report);
     }
     return made.back().status;
 }

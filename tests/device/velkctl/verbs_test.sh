@@ -172,7 +172,7 @@ velkctl: web-update: 'every 200h' is not a schedule
 it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
 status_is 0
-error_is ''
+error_is 'velkctl: eth1.dhcp-dns: is off now, switched by eth1.method'
 
 it 'suggests a correction of a misspelt word'
 on_device velkctl get eth0.gateways
@@ -188,6 +188,7 @@ typing 'hunter2222
 hunter2222' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
 repeat the value: 
+velkctl: eth1.psk: takes effect at the next restart of eth1
 ended with 0'
 
 it 'refuses a secret if the two typed texts differ'
@@ -221,6 +222,7 @@ ended with 2'
 it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 
+velkctl: eth1.psk: takes effect at the next restart of eth1
 ended with 0'
 
 it 'leaves the terminal as it was when Ctrl-C ends the question'

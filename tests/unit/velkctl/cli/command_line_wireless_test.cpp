@@ -63,7 +63,7 @@ class WirelessSettings : public testkit::DeviceTest {
     // Returns the daemon's record. It reads its messages in order: an answer means that it has
     // stored all.
     SMsgConf Stored() {
-        (void)Get("eth1.channel");
+        (void)Get("eth1.ssid");
         return daemon.conf();
     }
     // Holds that a value is refused without a word to the daemon.

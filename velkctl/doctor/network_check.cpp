@@ -1,10 +1,13 @@
-// network_check.cpp - checks that the addresses of an interface fit together.
-#include "velkctl/verbs/network_check.h"
+// network_check.cpp - checks that the addresses of the interfaces fit together.
+#include "velkctl/doctor/network_check.h"
 
 #include <bit>
 #include <optional>
 #include <string_view>
+#include <vector>
 
+#include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/settings/address_values.h"
 #include "velkctl/text/ipv4.h"
 
@@ -27,14 +30,14 @@ std::optional<uint32_t> AddressIn(const Data& data) {
     return ParseIpv4(PrintText(data, ""));
 }
 
-bool IsStatic(const Setting& setting, const PlannedValues& planned) {
-    const std::optional<Data> method = planned.Get(VELK_CMD_IP_METHOD, setting.interface);
+bool IsStatic(std::string_view interface, const PlannedValues& planned) {
+    const std::optional<Data> method = planned.Get(VELK_CMD_IP_METHOD, interface);
     return method && (*method)[0] == VELK_METHOD_STATIC;
 }
 
-Network NetworkOf(const Setting& setting, const PlannedValues& planned) {
+Network NetworkOf(std::string_view interface, const PlannedValues& planned) {
     const auto address_of = [&](uint32_t id) -> std::optional<uint32_t> {
-        const std::optional<Data> data = planned.Get(id, setting.interface);
+        const std::optional<Data> data = planned.Get(id, interface);
         return data ? AddressIn(*data) : std::nullopt;
     };
     Network network{address_of(VELK_CMD_IP_ADDRESS), address_of(VELK_CMD_NETMASK),
@@ -129,15 +132,111 @@ std::string_view RemedyOf(uint32_t id) {
     }
 }
 
+// The network of an interface with a static address.
+struct StaticNetwork {
+    std::string interface;
+    Network network;
+};
+
+std::vector<StaticNetwork> StaticNetworks(const PlannedValues& planned) {
+    std::vector<StaticNetwork> networks;
+    for (const std::string interface : kInterfaces) {
+        if (IsStatic(interface, planned)) {
+            networks.push_back({interface, NetworkOf(interface, planned)});
+        }
+    }
+    return networks;
+}
+
+// Returns a finding with the place of the value and its fix.
+Finding AboutAddress(uint32_t id, std::string_view interface, uint32_t address) {
+    const Setting setting = SettingsOf(id, interface).front();
+    Finding about = AboutValue(setting, Dotted(address));
+    about.remedy = "velkctl set " + setting.name() + " VALUE";
+    return about;
+}
+
+Findings MismatchOf(const Finding& about, uint32_t address, const Conflict& conflict) {
+    if (conflict.problem.empty()) {
+        return {};
+    }
+    const std::string reason = conflict.reason.empty() ? "" : ", and " + conflict.reason;
+    return {about.Problem(conflict.problem, "it is " + Dotted(address) + reason)};
+}
+
+Findings GatewayMismatch(const StaticNetwork& own) {
+    const Network& network = own.network;
+    if (!network.gateway) {
+        return {};
+    }
+    return MismatchOf(AboutAddress(VELK_CMD_GATEWAY, own.interface, *network.gateway),
+                      *network.gateway, GatewayConflict(network));
+}
+
+Findings AddressMismatch(const StaticNetwork& own) {
+    const Network& network = own.network;
+    if (!network.address || !network.mask) {
+        return {};
+    }
+    return MismatchOf(AboutAddress(VELK_CMD_IP_ADDRESS, own.interface, *network.address),
+                      *network.address, ReservedConflict(*network.address, *network.mask));
+}
+
+Findings CheckNetwork(const StaticNetwork& own) {
+    Findings findings = AddressMismatch(own);
+    Append(findings, GatewayMismatch(own));
+    return findings;
+}
+
+Findings CheckOneAddressOfTwo(const std::vector<StaticNetwork>& networks) {
+    if (networks.size() < 2 || !networks[0].network.address ||
+        networks[0].network.address != networks[1].network.address) {
+        return {};
+    }
+    const uint32_t address = *networks[1].network.address;
+    return {AboutAddress(VELK_CMD_IP_ADDRESS, networks[1].interface, address)
+                .Problem("is also the address of " + networks[0].interface,
+                         "both are " + Dotted(address))};
+}
+
+// A forwarder that asks the device asks itself. With --force, a resolver may run there.
+Findings CheckServer(const std::string& server, const std::vector<StaticNetwork>& networks) {
+    const std::optional<uint32_t> address = ParseIpv4(server);
+    return FindingsOfEach(networks, [&](const StaticNetwork& own) -> Findings {
+        if (!address || address != own.network.address) {
+            return {};
+        }
+        return {AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
+                    .Warning("names the device itself",
+                             server + " is the address of " + own.interface)};
+    });
+}
+
 }  // namespace
+
+Findings NetworkMismatches(const PlannedValues& planned) {
+    const std::vector<StaticNetwork> networks = StaticNetworks(planned);
+    Findings findings = FindingsOfEach(networks, CheckNetwork);
+    Append(findings, CheckOneAddressOfTwo(networks));
+    const Setting dns = SettingsOf(VELK_CMD_DNS, VELK_WIRED_INTERFACE).front();
+    const std::optional<Data> servers = planned.Get(dns);
+    if (servers) {
+        const std::vector<std::string> words = WordsOf(dns.row->kind->Print(*servers));
+        Append(findings, FindingsOfEach(words, [&](const std::string& server) {
+                   return CheckServer(server, networks);
+               }));
+    }
+    return findings;
+}
 
 std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned) {
     const Setting& setting = change.setting;
     const uint32_t id = setting.row->id;
-    if (!IsAddressCommand(id) || !AddressIn(change.value) || !IsStatic(setting, planned)) {
+    if (!IsAddressCommand(id) || !AddressIn(change.value) ||
+        !IsStatic(setting.interface, planned)) {
         return std::nullopt;
     }
-    const Conflict conflict = ConflictOf(id, NetworkOf(setting, planned));
+    const Conflict conflict = ConflictOf(id, NetworkOf(setting.interface, planned));
     if (conflict.problem.empty()) {
         return std::nullopt;
     }
