@@ -139,7 +139,7 @@ _velkctl_candidates() { # WORD VERB WORD...
             _velkctl_pick interface any
             case $current in ?*) _velkctl_pick name get ;; esac
             ;;
-        restart | list) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
+        restart | list | status) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
         describe)
             [ "$count" -eq 0 ] || return
             case $current in

@@ -64,7 +64,7 @@ constexpr std::array<VerbFlag, 4> kRestartFlags{{
      &Invocation::notify_only},
 }};
 
-constexpr std::array<Verb, 9> kVerbs{{
+constexpr std::array<Verb, 10> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -190,6 +190,20 @@ constexpr std::array<Verb, 9> kVerbs{{
      {},
      kJsonFlags,
      RunExplain},
+    {"status",
+     "[eth0|eth1] [OPTION...]",
+     "compare the configuration with the running state",
+     "Shows link, DHCP client, address and gateway of each interface, the wireless\n"
+     "adapter and daemon, and who holds the lock. The exit status is 0 if all is as\n"
+     "configured, else 1. eth1 is not compared while the cable is in.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl status\n"
+     "  velkctl status eth0 --json",
+     {.most = 1, .first_is_interface = true},
+     kReadOptions,
+     kJsonFlags,
+     RunStatus},
     {"doctor",
      "[OPTION...]",
      "look for problems with files, tools and daemons",

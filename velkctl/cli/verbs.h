@@ -88,6 +88,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report);
 ExitStatus RunRestart(const Invocation& invocation, Report& report);
 ExitStatus RunCall(const Invocation& invocation, Report& report);
 ExitStatus RunExplain(const Invocation& invocation, Report& report);
+ExitStatus RunStatus(const Invocation& invocation, Report& report);
 ExitStatus RunDoctor(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl

@@ -29,6 +29,7 @@ member_orders = {
     "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
+    "states": {"status": "name configured running differs"},
     "findings": {"doctor": "severity subject effect description cause remedy settings"},
     "errors": {},
 }
@@ -132,6 +133,7 @@ answers <<'END'
 0 explain -99 -> result
 0 explain 3 -> exit_status
 0 explain 0 -> result exit_status
+0 status eth1 -> states
 0 call get 108 eth0 -> result data
 0 call set 108 eth0 --text 10.0.0.1 -> result
 END
@@ -294,6 +296,7 @@ list
 describe
 explain
 explain
+status
 doctor
 call'
 

@@ -279,9 +279,9 @@ refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dn
 refused "set: 'dns' is a setting of both interfaces; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses an unknown verb'
-refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'" \
+refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, status, doctor, call or help; see 'velkctl --help'" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
+refused "no verb given; give get, set, show, restart, list, describe, explain, status, doctor, call or help; see 'velkctl --help'"
 
 it 'refuses an unknown option'
 refused "unknown option '--hurry'; 'velkctl --help' lists the options" \
@@ -839,6 +839,7 @@ output_has '
   list      list all settings, or those of an interface
   describe  describe a setting and its values
   explain   explain a result of the library or an exit status
+  status    compare the configuration with the running state
   doctor    look for problems with files, tools and daemons
   call      run a command of the library without checks
   help      show help for velkctl or for a verb

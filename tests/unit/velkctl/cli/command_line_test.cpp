@@ -142,7 +142,8 @@ TEST_F(CommandLine, RefusesAValueOfAnyOfItsFlags) {
 
 TEST_F(CommandLine, RefusesUnknownVerbs) {
     const std::string verbs =
-        "\n  fix: give get, set, show, restart, list, describe, explain, doctor, call or help"
+        "\n  fix: give get, set, show, restart, list, describe, explain, status, doctor, call or "
+        "help"
         "\n  see 'velkctl --help'";
     Refuses({}, "no verb given" + verbs);
     for (const char* word : {"", "-", "--", "x=secret"}) {
