@@ -455,7 +455,7 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
 refused 'ntp: no value given; give on or off' set --force ntp
 
 it 'refuses a word that is no text'
-verbs='get, set, show, restart, list, describe, explain, doctor, call or help'
+verbs='get, set, show, restart, list, describe, explain, status, doctor, call or help'
 refused "unknown verb '\\xff\\x1b'; give $verbs; see 'velkctl --help'" \
     $'\xff\e'
 refused "unknown verb ''; give $verbs; see 'velkctl --help'" ''
