@@ -14,6 +14,7 @@
 #include "velkctl/files/lock_holder.h"
 #include "velkctl/files/unix_socket.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/text/columns.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
