@@ -104,8 +104,8 @@ class SettingReader {
             const bool is_valid = !InvalidValue(setting, answer.data);
             rows.AddValue(setting, ValueText(setting, answer.data, show_secrets_) +
                                        (is_valid ? "" : "  (not valid)"));
-            read_.push_back(ReadingInJson(
-                setting, ValueInJson(setting, answer.data, show_secrets_), nullptr, is_valid));
+            read_.push_back(ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_),
+                                          nullptr, is_valid));
         } else {
             rows.AddFailure(setting, ReadFailureOf(setting, answer));
             AddError(setting, ProblemOfGet(CouldNotBeRead(setting), setting, answer));
