@@ -202,6 +202,10 @@ Findings CheckOneAddressOfTwo(const std::vector<StaticNetwork>& networks) {
 // A forwarder that asks the device asks itself. With --force, a resolver may run there.
 Findings CheckServer(const std::string& server, const std::vector<StaticNetwork>& networks) {
     const std::optional<uint32_t> address = ParseIpv4(server);
+    if (address && IsLoopback(*address)) {
+        return {AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
+                    .Warning("names the device itself", server + " is a loopback address")};
+    }
     return FindingsOfEach(networks, [&](const StaticNetwork& own) -> Findings {
         if (!address || address != own.network.address) {
             return {};

@@ -13,6 +13,7 @@
 #include "velkctl/doctor/network_check.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/kinds_of_settings.h"
+#include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 
 namespace velkctl {
@@ -55,11 +56,21 @@ size_t LineOf(const Setting& setting, const std::string& refused) {
     return FindText(held_in.line.file, has_key ? held_in.line.key : refused);
 }
 
-// A forwarder on the device itself needs a server that a set takes with --force alone.
-bool MayBeWanted(const Setting& setting, const std::vector<std::string>& words) {
+// A set takes such servers with --force: a resolver may run on the device.
+bool AreAddresses(const Setting& setting, const std::vector<std::string>& words) {
     return setting.row->id == VELK_CMD_DNS &&
            std::ranges::all_of(words,
                                [](const std::string& word) { return ParseIpv4(word).has_value(); });
+}
+
+// Cron takes times that a set does not write, such as 8:5.
+Severity SeverityOf(const Setting& setting) {
+    return setting.row->id == VELK_CMD_WEB_UPDATE ? Severity::kWarning : Severity::kProblem;
+}
+
+// True if both words mean the same: 8:30 is 08:30.
+bool IsSameTime(const Setting& setting, const Parsed& parsed) {
+    return parsed.ok() && setting.row->id == VELK_CMD_WEB_UPDATE;
 }
 
 // True for a value that is read from a file, and not from a lease.
@@ -120,13 +131,16 @@ std::optional<Finding> InvalidValue(const Setting& setting, const Data& value) {
     }
     const std::vector<std::string> words = AsWords(setting, printed);
     const Parsed parsed = kind.Parse(words);
-    if (parsed.ok()) {
+    const std::string written = parsed.ok() ? kind.Print(parsed.data) : "";
+    if (written == printed || IsSameTime(setting, parsed) || AreAddresses(setting, words)) {
         return std::nullopt;
     }
     Finding about = AboutValue(setting, RefusedWord(kind, words));
-    about.severity = MayBeWanted(setting, words) ? Severity::kWarning : Severity::kProblem;
+    about.severity = SeverityOf(setting);
     about.effect = "has a value that is not valid";
-    return about.Because(FirstClause(parsed.problem), "velkctl set " + setting.name() + " VALUE");
+    const std::string fix = "velkctl set " + setting.name() + " ";
+    return parsed.ok() ? about.Because(Quoted(printed) + " is short for " + written, fix + written)
+                       : about.Because(FirstClause(parsed.problem), fix + "VALUE");
 }
 
 Problem NoteOf(const Finding& invalid_value) {

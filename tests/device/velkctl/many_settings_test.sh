@@ -25,10 +25,10 @@ script 'velkctl set eth0.gateway=10.0.0.1 eth0.netmask=255.0.0.0 eth0.address=10
     velkctl get eth0.address eth0.netmask eth0.gateway location'
 status_is 0
 error_is ''
-output_is 'eth0.address = 10.0.0.9
-eth0.netmask = 255.0.0.0
-eth0.gateway = 10.0.0.1
-location = a=b'
+output_is 'eth0.address  10.0.0.9
+eth0.netmask  255.0.0.0
+eth0.gateway  10.0.0.1
+location      a=b'
 
 it 'reports all problems of a call, and changes nothing'
 changes_nothing 'velkctl set eth0.address=192.168.0.300 eth0.gateway=10.0.0.1 eth1.dsn=1.1.1.1 \
@@ -74,8 +74,8 @@ script 'sed -i /ntpdate/d /var/cron/tabs/root
     velkctl set eth0.address=192.168.0.9 ntp-server=time.example location=here administrator=me
     status=$?; velkctl get location eth0.address; exit $status'
 status_is 6
-output_is 'location = here
-eth0.address = 192.168.0.10'
+output_is 'location      here
+eth0.address  192.168.0.10'
 error_has 'velkctl: set: stopped at ntp-server
   set: administrator, location; not set: eth0.address'
 
@@ -107,9 +107,9 @@ script 'velk-sandbox cable out
     velkctl set psk=@/tmp/psk wep-key-1=- ssid=lab && velkctl get psk wep-key-1 ssid --show-secrets'
 status_is 0
 error_is ''
-output_is 'eth1.psk = hunter22
-eth1.wep-key-1 = abcde
-eth1.ssid = lab'
+output_is 'eth1.psk        hunter22
+eth1.wep-key-1  abcde
+eth1.ssid       lab'
 
 it 'clears the key in use once another is in use'
 script 'velk-sandbox cable out
@@ -118,9 +118,9 @@ script 'velk-sandbox cable out
     velkctl get wep-key-1 wep-key-2 wep-default-key'
 status_is 0
 error_is ''
-output_is 'eth1.wep-key-1 = none
-eth1.wep-key-2 = ********
-eth1.wep-default-key = 2'
+output_is 'eth1.wep-key-1        none
+eth1.wep-key-2        ********
+eth1.wep-default-key  2'
 
 it 'reads no secret from standard input if another value is refused'
 script 'echo hunter22 | { velkctl set psk=- eth0.gateway=10.0.0.1 2>/dev/null; echo $?; cat; }'
@@ -144,8 +144,8 @@ script 'velkctl set eth0.address 192.168.0.77/25 && velkctl get eth0.address eth
     velkctl set eth0.netmask=/16 && velkctl get eth0.netmask'
 status_is 0
 error_is ''
-output_is 'eth0.address = 192.168.0.77
-eth0.netmask = 255.255.255.128
+output_is 'eth0.address  192.168.0.77
+eth0.netmask  255.255.255.128
 255.255.255.0
 255.255.0.0'
 
@@ -163,8 +163,8 @@ it 'gets the settings of an interface and those that match a pattern'
 script 'velkctl get "eth*.dns" && velkctl get eth0 | wc -l && velkctl get --value "nt[p]"'
 status_is 0
 error_is ''
-output_is 'eth0.dns = 192.168.0.1 192.168.0.2
-eth1.dns = 192.168.0.1 192.168.0.2
+output_is 'eth0.dns  192.168.0.1 192.168.0.2
+eth1.dns  192.168.0.1 192.168.0.2
 9
 on'
 
@@ -187,8 +187,8 @@ script 'velkctl set channel 11 && velkctl get channel && velkctl get link-speed 
 status_is 0
 error_is ''
 output_is '11
-eth0.link-speed = auto
-eth1.ssid = velk-lab
+eth0.link-speed  auto
+eth1.ssid        velk-lab
 eth1.psk'
 
 it 'names both interfaces if both have the setting'

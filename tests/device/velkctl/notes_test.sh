@@ -26,17 +26,17 @@ check 'invalid values' 0 "$(grep -c '"valid": false' "$lib_folder/out")"
 it 'notes that a set would refuse the value that get shows'
 script "$spoil"'velkctl get eth0.address eth0.netmask eth1.dns ntp-server web-update'
 status_is 0
-output_is 'eth0.address = 999.1.1.1
-eth0.netmask = 24
-eth1.dns = foo
-ntp-server = bad;host
-web-update = daily 25:0'
+output_is 'eth0.address  999.1.1.1
+eth0.netmask  24
+eth1.dns      foo
+ntp-server    bad;host
+web-update    daily 25:0'
 error_is "velkctl: eth0.address: '999.1.1.1' is not an IPv4 address
   it is read from /etc/network/interfaces:8
   fix: velkctl set eth0.address VALUE
-velkctl: eth0.netmask: '24' is not an IPv4 mask
+velkctl: eth0.netmask: '24' is short for 255.255.255.0
   it is read from /etc/network/interfaces:9
-  fix: velkctl set eth0.netmask VALUE
+  fix: velkctl set eth0.netmask 255.255.255.0
 velkctl: eth1.dns: 'foo' is not an IPv4 address
   it is read from /etc/resolv.dnsmasq.conf:1
   fix: velkctl set eth1.dns VALUE
@@ -52,7 +52,7 @@ script "$spoil"'velkctl get eth0.netmask --json'
 status_is 0
 error_is ''
 output_has '"valid": false'
-output_has "\"eth0.netmask: '24' is not an IPv4 mask; it is read from /etc/network/interfaces:9; fix: velkctl set eth0.netmask VALUE\""
+output_has "\"eth0.netmask: '24' is short for 255.255.255.0; it is read from /etc/network/interfaces:9; fix: velkctl set eth0.netmask 255.255.255.0\""
 
 it 'marks the value in the table of show'
 script "$spoil"'velkctl show | grep -F "(not valid)"'
@@ -65,8 +65,8 @@ it 'has the doctor name the values and their lines'
 script "$spoil"'velkctl doctor'
 status_is 1
 output_has "problem: eth0.netmask has a value that is not valid
-  /etc/network/interfaces:9: '24' is not an IPv4 mask
-  fix: velkctl set eth0.netmask VALUE
+  /etc/network/interfaces:9: '24' is short for 255.255.255.0
+  fix: velkctl set eth0.netmask 255.255.255.0
 "
 output_has "problem: ntp-server has a value that is not valid
   /var/cron/tabs/root:1: 'bad;host' is not a host name

@@ -68,15 +68,15 @@ TEST_F(ValueChecksTest, AnAddressAndAMaskAreChecked) {
               "  /etc/network/interfaces:2: '999.1.1.1' is not an IPv4 address\n"
               "  fix: velkctl set eth0.address VALUE\n"
               "problem: eth0.netmask has a value that is not valid\n"
-              "  /etc/network/interfaces:3: '24' is not an IPv4 mask\n"
-              "  fix: velkctl set eth0.netmask VALUE\n"
+              "  /etc/network/interfaces:3: '24' is short for 255.255.255.0\n"
+              "  fix: velkctl set eth0.netmask 255.255.255.0\n"
               "problem: eth0.gateway has a value that is not valid\n"
               "  /etc/network/interfaces:4: '10.0.0' is not an IPv4 address\n"
               "  fix: velkctl set eth0.gateway VALUE\n");
     EXPECT_EQ(NoteAbout("eth0.netmask"),
-              "eth0.netmask: '24' is not an IPv4 mask\n"
+              "eth0.netmask: '24' is short for 255.255.255.0\n"
               "  it is read from /etc/network/interfaces:3\n"
-              "  fix: velkctl set eth0.netmask VALUE");
+              "  fix: velkctl set eth0.netmask 255.255.255.0");
 }
 
 TEST_F(ValueChecksTest, TheLinesOfAnInterfaceWithDhcpAreNotChecked) {
@@ -106,17 +106,12 @@ TEST_F(ValueChecksTest, EachServerIsCheckedOnce) {
               "  fix: velkctl set eth1.dns VALUE");
 }
 
-TEST_F(ValueChecksTest, AServerThatNeedsForceIsAWarning) {
+TEST_F(ValueChecksTest, AServerThatASetTakesWithForceIsNoNote) {
     WriteFile(kResolver, "nameserver 127.0.0.1\n");
+    EXPECT_EQ(NoteAbout("eth0.dns"), "");
     EXPECT_EQ(Found(),
-              "warning: eth0.dns has a value that is not valid\n"
-              "  /etc/resolv.dnsmasq.conf:1: '127.0.0.1' is a loopback address, where the device "
-              "reaches only itself\n"
-              "  fix: velkctl set eth0.dns VALUE\n");
-    WriteFile(kResolver, "nameserver 10.0.0.1\nnameserver 10.0.0.1\n");
-    EXPECT_EQ(Found(),
-              "warning: eth0.dns has a value that is not valid\n"
-              "  /etc/resolv.dnsmasq.conf:1: '10.0.0.1' is given twice\n"
+              "warning: eth0.dns names the device itself\n"
+              "  /etc/resolv.dnsmasq.conf:1: 127.0.0.1 is a loopback address\n"
               "  fix: velkctl set eth0.dns VALUE\n");
 }
 
@@ -128,9 +123,14 @@ TEST_F(ValueChecksTest, TheCrontabIsChecked) {
               "problem: ntp-server has a value that is not valid\n"
               "  /var/cron/tabs/root:2: 'bad;host' is not a host name\n"
               "  fix: velkctl set ntp-server VALUE\n"
-              "problem: web-update has a value that is not valid\n"
+              "warning: web-update has a value that is not valid\n"
               "  /var/cron/tabs/root:1: 'daily 25:0' is not a schedule\n"
               "  fix: velkctl set web-update VALUE\n");
+}
+
+TEST_F(ValueChecksTest, AnHourOfOneDigitIsNoFinding) {
+    WriteFile(kCrontab, "30 8 * * * perl /usr/bin/web_contents_updater.pl\n");
+    EXPECT_EQ(Found(), "");
 }
 
 TEST_F(ValueChecksTest, ASettingThatIsReadWronglyIsLeftOut) {
