@@ -15,7 +15,7 @@ script 'sed -i "/iface eth0/d" /etc/network/interfaces
 status_is 1
 error_is "velkctl: eth0.address: could not be read
   likely cause: /etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'
-  fix: add "iface eth0 inet static", and below it address, netmask and gateway
+  fix: add \"iface eth0 inet static\", and below it address, netmask and gateway
   result: LIB_VELK_FAILURE (-1)"
 
 it 'does not blame a failed get on the full folder of edit copies'

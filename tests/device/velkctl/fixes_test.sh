@@ -20,8 +20,8 @@ for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
     printf '#!/bin/sh\n' >"$healthy$tool"
     chmod 755 "$healthy$tool"
 done
-printf '%s\n' 'iface lo inet loopback' '' 'auto eth0' 'iface eth0 inet static' '	address 192.168.0.10' \
-    '	netmask 255.255.255.0' '	gateway 192.168.0.1' '' 'auto eth1' 'iface eth1 inet dhcp' \
+printf '%s\n' 'iface lo inet loopback' '' 'auto eth0' 'iface eth0 inet static' '	address 10.0.0.10' \
+    '	netmask 255.255.255.0' '	gateway 10.0.0.1' '' 'auto eth1' 'iface eth1 inet dhcp' \
     '	address 10.0.0.2' '	netmask 255.0.0.0' '	gateway 10.0.0.1' \
     >"$healthy/etc/network/interfaces"
 sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
@@ -29,7 +29,8 @@ sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
 keep_own='mkdir /run/own; cd /; cp -RL --parents etc/network etc/dhclient* etc/resolv* sbin/dhclient-script \
     var/cron var/libvelk usr/local/share /run/own 2>/dev/null; cd /run; '
 
-# Breaks a device by a script, and applies the fix of the finding that FINDING describes.
+# Breaks a device by a script, and applies the fix of the finding that FINDING describes. HAND is a script
+# for a fix in words, or the value that takes the place of VALUE in the fix.
 fixed() { # fixed FINDING BREAK [HAND]
     it "fixes '$1'"
     run velk-sandbox --quiet --rootfs "$healthy" -- sh -c 'exec python3 -c "$APPLY_FIX" "$@"' \
@@ -165,6 +166,17 @@ semaphore=/dev/shm/sem.WlanAplRecvSem
 fixed 'is in the place of the semaphore' "mkdir $semaphore"
 fixed 'an empty file is in the place' ": >$semaphore"
 fixed 'a semaphore was left' "head -c 32 /dev/zero >$semaphore; chmod 666 $semaphore"
+
+# ---- values ------------------------------------------------------------------------------------
+resolver=/etc/resolv.dnsmasq.conf
+fixed 'is short for' "sed -i '0,/netmask/s/netmask .*/netmask 24/' $interfaces"
+fixed 'is not an IPv4 address' "echo 'nameserver foo' >$resolver" 192.0.2.1
+fixed 'is outside the network' "sed -i '0,/gateway/s/gateway .*/gateway 172.16.0.1/' $interfaces" 10.0.0.1
+fixed 'is the broadcast address' "sed -i '0,/address/s/address .*/address 10.0.0.255/' $interfaces" 10.0.0.10
+fixed 'is also the address of eth0' "velkctl set eth1.method static
+    sed -i 's/address .*/address 10.0.0.10/' $interfaces" 10.0.0.2
+fixed 'is the address of eth0' "echo 'nameserver 10.0.0.10' >$resolver" 192.0.2.1
+fixed 'is a loopback address' "echo 'nameserver 127.0.0.1' >$resolver" 192.0.2.1
 
 # ---- daemon, adapter and tools ------------------------------------------------------------------
 restart_daemon='velk-sandbox adapter out; velk-sandbox adapter in'

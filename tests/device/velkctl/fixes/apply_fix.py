@@ -94,7 +94,7 @@ def put_own_file(path):
 
 
 def apply(finding, hand):
-    remedy = with_values(finding["remedy"])
+    remedy = with_values(finding["remedy"]).replace("VALUE", hand or "VALUE")
     cause = finding["cause"] or {"file": "", "line": None}
     if remedy.startswith("put the device's own file"):
         return put_own_file(cause["file"])

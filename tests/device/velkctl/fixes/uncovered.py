@@ -34,7 +34,7 @@ def literals(text):
 
 
 def places(folder):
-    for path in sorted(Path(folder).glob("*_checks.cpp")):
+    for path in sorted(Path(folder).glob("*_check*.cpp")):
         source = path.read_text()
         for call in CALL.finditer(source):
             if source[:call.start()].endswith("Finding "):
