@@ -72,7 +72,7 @@ std::optional<Stanza> FindStanza(const Lines& lines, const std::string& interfac
 // The settings of a stanza that are examined.
 struct Scope {
     AffectedSettings settings;
-    bool is_set = false;       // for a set that had no effect, not by the doctor
+    bool is_set = false;       // for a set without effect, not by the doctor
     std::string_view value{};  // the value of that set, for the fix; empty: a placeholder
 };
 
