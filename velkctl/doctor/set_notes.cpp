@@ -112,7 +112,9 @@ void SetNotes::Print(Report& report) const {
         return;
     }
     for (const Setting& setting : settings_) {
-        report.Note(setting.name() + ": takes effect " + EffectTime(setting));
+        report.Note(Problem{.message = setting.name() + ": takes effect " + EffectMoment(setting),
+                            .setting = setting.name(),
+                            .detail = EffectCondition(setting)});
     }
 }
 

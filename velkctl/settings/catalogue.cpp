@@ -41,6 +41,8 @@ constexpr HeldIn kLocationLines =
     InEffect(TakesEffect::kAtOnce,
              InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"}));
 constexpr HeldIn kTimeEntry = InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, kTimeClient));
+constexpr HeldIn kTimeServerEntry =
+    InEffect(TakesEffect::kWithNtp, InFile(velk::kCrontab, kTimeClient));
 constexpr HeldIn kUpdateEntry =
     InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, "web_contents_updater"));
 constexpr HeldIn kTimeLog = InFile(velk::kNtpLog);
@@ -49,14 +51,17 @@ constexpr HeldIn kAddressLine = InAddressLine(velk::kAddressKey, kInterfaceTool)
 constexpr HeldIn kNetmaskLine = InAddressLine(velk::kNetmaskKey, kInterfaceTool);
 constexpr HeldIn kGatewayLine = InAddressLine(velk::kGatewayKey);
 constexpr HeldIn kNameServerLines =
-    InFile(velk::kDhcpConfigFile, "domain-name-servers", {velk::kClientScript, "make_resolv_conf"});
+    InEffect(TakesEffect::kOffAtLease, InFile(velk::kDhcpConfigFile, "domain-name-servers",
+                                              {velk::kClientScript, "make_resolv_conf"}));
 constexpr HeldIn kTimeServerLines =
-    InFile(velk::kDhcpConfigFile, "ntp-servers", {velk::kExitHooks, velk::kClockSetter});
-constexpr HeldIn kLinkLocalLine = InFile(velk::kExitHooks, velk::kLinkLocalDaemon);
+    InEffect(TakesEffect::kOffAtLease,
+             InFile(velk::kDhcpConfigFile, "ntp-servers", {velk::kExitHooks, velk::kClockSetter}));
+constexpr HeldIn kLinkLocalLine =
+    InEffect(TakesEffect::kAtLease, InFile(velk::kExitHooks, velk::kLinkLocalDaemon));
 constexpr HeldIn kNoticeLines =
-    InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice});
-// The DNS forwarder reads its file again when it changes.
-constexpr HeldIn kResolver = InEffect(TakesEffect::kAtOnce, InFile(velk::kResolverFile));
+    InEffect(TakesEffect::kAtLease,
+             InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice}));
+constexpr HeldIn kResolver = InEffect(TakesEffect::kWithForwarder, InFile(velk::kResolverFile));
 constexpr HeldIn kInKernel{.holder = Holder::kKernel};
 constexpr HeldIn kByEthtool{
     .holder = Holder::kTool, .tool = kLinkTool, .takes_effect = TakesEffect::kAtOnce};
@@ -75,7 +80,7 @@ constexpr std::array<CatalogueRow, 36> kRows{{
      "set the clock from a time server: on or off"},
     {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeServerLines,
      "take time servers from DHCP: on or off"},
-    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen, kTimeEntry,
+    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen, kTimeServerEntry,
      "time server: a host name or address, or none"},
     {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen, kTimeLog,
      "result of the last time synchronisation"},
@@ -220,6 +225,14 @@ std::vector<std::string> GuessedNames(std::string_view name) {
                          : meant;
 }
 
+// A restart of eth1 with the cable in neither runs ifup nor notifies the wireless daemon.
+bool NeedsCableOut(const Setting& setting) {
+    const TakesEffect time = setting.row->held_in.takes_effect;
+    return setting.interface == VELK_WIRELESS_INTERFACE &&
+           (time == TakesEffect::kAtRestart || time == TakesEffect::kAtLease ||
+            time == TakesEffect::kOffAtLease);
+}
+
 }  // namespace
 
 std::string Setting::name() const {
@@ -227,16 +240,42 @@ std::string Setting::name() const {
     return interface.empty() ? own : std::string(interface).append(".").append(own);
 }
 
-std::string EffectTime(const Setting& setting) {
+std::string EffectMoment(const Setting& setting) {
+    const std::string restarted =
+        setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface);
     switch (setting.row->held_in.takes_effect) {
         case TakesEffect::kAtOnce:
             return "at once";
         case TakesEffect::kWithCron:
+        case TakesEffect::kWithNtp:
             return "at the next run of cron";
+        case TakesEffect::kWithForwarder:
+            return "when the DNS forwarder reads its file again";
+        case TakesEffect::kAtLease:
+            return "at the next lease or restart of " + restarted;
         default:
-            return "at the next restart of " +
-                   (setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface));
+            return "at the next restart of " + restarted;
     }
+}
+
+std::string EffectCondition(const Setting& setting) {
+    const HeldIn& held_in = setting.row->held_in;
+    std::string conditions;
+    const auto append = [&](bool applies, std::string_view condition) {
+        if (applies) {
+            conditions.append(conditions.empty() ? "" : ", ").append(condition);
+        }
+    };
+    append(held_in.is_of_lease, "with method static");
+    append(NeedsCableOut(setting), "without the cable in eth0");
+    append(held_in.takes_effect == TakesEffect::kOffAtLease, "off at the next lease");
+    append(held_in.takes_effect == TakesEffect::kWithNtp, "once ntp is on");
+    return conditions;
+}
+
+std::string EffectTime(const Setting& setting) {
+    const std::string condition = EffectCondition(setting);
+    return EffectMoment(setting) + (condition.empty() ? "" : ", " + condition);
 }
 
 std::span<const CatalogueRow> Catalogue() {

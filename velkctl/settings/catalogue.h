@@ -39,8 +39,12 @@ enum class Holder {
 // The time when a change takes effect.
 enum class TakesEffect {
     kAtOnce,
-    kAtRestart,  // when the interface is restarted
-    kWithCron,
+    kAtRestart,      // when the interface is restarted
+    kAtLease,        // the DHCP client's script reads it at each event of a lease
+    kOffAtLease,     // the same if switched off; the client asks for the option after a restart
+    kWithCron,       // cron reads its file each minute
+    kWithNtp,        // the same, but the entry may be switched off
+    kWithForwarder,  // the DNS forwarder watches its file
 };
 
 // Where a setting is held.
@@ -80,6 +84,10 @@ struct Setting {
 };
 
 // Returns the time when a change of the setting takes effect: "at the next restart of eth0".
+std::string EffectMoment(const Setting& setting);
+// Returns the conditions for it: "with method static". Empty if it has none.
+std::string EffectCondition(const Setting& setting);
+// Returns both: "at the next restart of eth0, with method static".
 std::string EffectTime(const Setting& setting);
 
 std::span<const CatalogueRow> Catalogue();

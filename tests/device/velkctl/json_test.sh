@@ -156,7 +156,7 @@ output_is '{
     "name": "eth0.address",
     "value": "10.0.0.1",
     "held": null,
-    "takes_effect": "at the next restart of eth0"
+    "takes_effect": "at the next restart of eth0, with method static"
   },
   "notes": [
     "eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown"

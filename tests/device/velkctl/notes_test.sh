@@ -153,26 +153,43 @@ output_has 'warning: eth0.dns names the device itself
 it 'says at a terminal when a set takes effect'
 at_terminal() { script "script -qec '$1' /dev/null | tr -d '\\r'"; }
 at_terminal 'velkctl set eth0.address 192.168.0.99'
-output_is 'velkctl: eth0.address: takes effect at the next restart of eth0'
+output_is 'velkctl: eth0.address: takes effect at the next restart of eth0
+  with method static'
+at_terminal 'velkctl set eth0.method static'
+output_is 'velkctl: eth0.method: takes effect at the next restart of eth0'
 at_terminal 'velkctl set eth0.dns 192.168.0.1'
-output_is 'velkctl: eth0.dns: takes effect at once'
+output_is 'velkctl: eth0.dns: takes effect when the DNS forwarder reads its file again'
 at_terminal 'velkctl set ntp-server 192.168.0.2'
-output_is 'velkctl: ntp-server: takes effect at the next run of cron'
+output_is 'velkctl: ntp-server: takes effect at the next run of cron
+  once ntp is on'
+at_terminal 'velkctl set eth1.ssid lab'
+output_is 'velkctl: eth1.ssid: takes effect at the next restart of eth1
+  without the cable in eth0'
 
 it 'describes when a change takes effect'
-script 'velkctl describe address; velkctl describe eth0.dns; velkctl describe ntp'
+script 'velkctl describe address; velkctl describe eth0.dns; velkctl describe ntp
+    velkctl describe eth0.apipa; velkctl describe eth0.dhcp-dns'
 status_is 0
 output_has '
-  takes effect at the next restart of eth0
+  takes effect at the next restart of eth0,
+    with method static
 '
 output_has '
-  takes effect at the next restart of eth1
+  takes effect at the next restart of eth1,
+    with method static, without the cable in eth0
 '
 output_has '
-  takes effect at once
+  takes effect when the DNS forwarder reads its file again
 '
 output_has '
   takes effect at the next run of cron
+'
+output_has '
+  takes effect at the next lease or restart of eth0
+'
+output_has '
+  takes effect at the next restart of eth0,
+    off at the next lease
 '
 
 finish

@@ -90,7 +90,8 @@ eth1.encryption
   command 306: get and set
   takes 1, 2 (wep), 3 or 4
   the wireless daemon defines the meaning of 1, 3 and 4; see its manual
-  takes effect at the next restart of eth1
+  takes effect at the next restart of eth1,
+    without the cable in eth0
   reading takes at most 60 s; it waits
     for the wireless daemon to answer
   example: velkctl get eth1.encryption

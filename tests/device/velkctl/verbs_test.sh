@@ -189,6 +189,7 @@ hunter2222' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
 repeat the value: 
 velkctl: eth1.psk: takes effect at the next restart of eth1
+  without the cable in eth0
 ended with 0'
 
 it 'refuses a secret if the two typed texts differ'
@@ -223,6 +224,7 @@ it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 
 velkctl: eth1.psk: takes effect at the next restart of eth1
+  without the cable in eth0
 ended with 0'
 
 it 'leaves the terminal as it was when Ctrl-C ends the question'
@@ -243,7 +245,7 @@ output_is 'eth0.dhcp-notice
   print notices of the DHCP client: on or off
   command 109: set
   takes on or off
-  takes effect at the next restart of eth0
+  takes effect at the next lease or restart of eth0
   example: velkctl set eth0.dhcp-notice on'
 on_device velkctl describe 314
 output_is 'eth1.psk
@@ -251,7 +253,8 @@ output_is 'eth1.psk
   command 314: get and set
   takes a text of 1 to 64 bytes, or none
   a secret: masked without --show-secrets; give it as -, @FILE or at the prompt
-  takes effect at the next restart of eth1
+  takes effect at the next restart of eth1,
+    without the cable in eth0
   reading takes at most 60 s; it waits
     for the wireless daemon to answer
   example: velkctl get eth1.psk
