@@ -3,6 +3,7 @@
 
 #include "velkctl/call/command.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -86,6 +87,9 @@ ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const Files
     }
     const Answer answer = device.Get(setting);
     if (answer.ok() && kind.Print(answer.data) == kind.Print(wanted)) {
+        if (const std::optional<Problem> note = NoteAfterSet(setting, wanted)) {
+            report.Note(*note);
+        }
         return {true, ExitStatus::kDone};
     }
     if (answer.timed_out) {

@@ -1,4 +1,5 @@
 // get_verb.cpp - the verb that shows the values of settings.
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +23,12 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
     if (answer.ok()) {
         const auto value = invocation.bare_value ? BareValue : ValueText;
         report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "\n");
-        const std::optional<Finding> invalid = InvalidValue(setting, answer.data);
-        if (invalid) {
-            report.Note(NoteOf(*invalid));
+        if (const std::optional<Problem> note = NoteAboutValue(setting, answer.data, device)) {
+            report.Note(*note);
         }
         shown.push_back(ReadingInJson(setting,
                                       ValueInJson(setting, answer.data, invocation.show_secrets),
-                                      nullptr, !invalid));
+                                      nullptr, !InvalidValue(setting, answer.data)));
     } else {
         const Problem problem = ProblemOfGet(CouldNotBeRead(setting), setting, answer);
         report.Text(invocation.bare_value ? "\n" : "");  // every name has its line

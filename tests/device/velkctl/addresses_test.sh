@@ -102,6 +102,12 @@ script 'sed -i "/^iface lo/d" /etc/network/interfaces
 status_is 6
 output_is ''
 error_is 'velkctl: eth1.dhcp-dns: is off now, switched by eth1.method
+velkctl: eth1.address cannot be set
+  the stanza is the last one and has no address line
+  fix: below line 12 add "address ADDRESS"
+velkctl: eth1.netmask cannot be set
+  the stanza is the last one and has no netmask line
+  fix: below line 12 add "netmask NETMASK"
 velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'
   likely cause: /etc/network/interfaces:12: the stanza is the last one and has no gateway line
   fix: below line 12 add "gateway 10.0.0.1"'

@@ -167,12 +167,15 @@ velkctl: eth0.dns: '1.2.3.4.5' is not an IPv4 address
   fix: velkctl set eth0.dns VALUE
 velkctl: web-update: 'every 200h' is not a schedule
   it is read from /var/cron/tabs/root:3
-  fix: velkctl set web-update VALUE"
+  fix: velkctl set web-update SCHEDULE"
 
 it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
 status_is 0
-error_is 'velkctl: eth1.dhcp-dns: is off now, switched by eth1.method'
+error_is 'velkctl: eth1.dhcp-dns: is off now, switched by eth1.method
+velkctl: eth1.address and eth1.netmask are missing
+  eth1.method is static, and ifup needs them
+  fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK'
 
 it 'suggests a correction of a misspelt word'
 on_device velkctl get eth0.gateways

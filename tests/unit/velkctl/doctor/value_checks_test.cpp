@@ -125,11 +125,13 @@ TEST_F(ValueChecksTest, TheCrontabIsChecked) {
               "  fix: velkctl set ntp-server VALUE\n"
               "warning: web-update has a value that is not valid\n"
               "  /var/cron/tabs/root:1: 'daily 25:0' is not a schedule\n"
-              "  fix: velkctl set web-update VALUE\n");
+              "  fix: velkctl set web-update SCHEDULE\n");
 }
 
 TEST_F(ValueChecksTest, AnHourOfOneDigitIsNoFinding) {
     WriteFile(kCrontab, "30 8 * * * perl /usr/bin/web_contents_updater.pl\n");
+    EXPECT_EQ(Found(), "");
+    WriteFile(kCrontab, "5 8 * * 1 perl /usr/bin/web_contents_updater.pl\n");
     EXPECT_EQ(Found(), "");
 }
 
@@ -138,6 +140,14 @@ TEST_F(ValueChecksTest, ASettingThatIsReadWronglyIsLeftOut) {
     const Setting setting = *FindSetting("web-update");
     EXPECT_NE(Found({About(setting, kCrontab, Impact::kNothing)}), "");
     EXPECT_EQ(Found({About(setting, kCrontab, Impact::kReading)}), "");
+}
+
+TEST_F(ValueChecksTest, ASettingThatIsSetInTheWrongPlaceIsLeftOut) {
+    WriteFile(kCrontab, "0 * * * * ntpdate -u bad;host\n");
+    const Setting setting = *FindSetting("ntp-server");
+    const Finding about = About(setting, kCrontab, Impact::kSetting);
+    EXPECT_NE(Found({about}), "") << "the file cannot be written";
+    EXPECT_EQ(Found({about.At(0)}), "");
 }
 
 TEST_F(ValueChecksTest, AValueOfTheDaemonHasNoFile) {
