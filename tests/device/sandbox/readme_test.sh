@@ -34,4 +34,11 @@ replay
 output_is "$session"
 error_is ''
 
+it 'restarts eth0 without waiting for a DHCP server if the adapter is out'
+if command -v ifup >/dev/null; then
+    on_device timeout 60 sh -c 'velk-sandbox adapter out && velkctl restart eth0'
+    status_is 0
+    output_is 'eth0: 192.168.0.10 (static)'
+fi
+
 finish
