@@ -226,6 +226,9 @@ std::string Row(const State& state) {
 }  // namespace
 
 ExitStatus RunStatus(const Invocation& invocation, Report& report) {
+    if (const std::string other_machine = DescribeOtherMachine(); !other_machine.empty()) {
+        report.Text(InLinesOf80(other_machine, 0) + "\n");
+    }
     const Device device(invocation.limits, report);
     const States states =
         ReadStates(invocation.words.empty() ? "" : invocation.words.front(), device);

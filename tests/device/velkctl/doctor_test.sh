@@ -98,6 +98,18 @@ this does not look like the device (6 of its files are missing)
 false' "$(tail -n +2 <<<"$output")"
 has 'first line of a device' 'problem: ' "${output%%$'\n'*}"
 
+it 'prints no fix for a machine that is not the device'
+script 'cd /etc; rm network/interfaces dhclient.conf dhclient-exit-hooks /sbin/dhclient-script resolv.dnsmasq.conf
+    velkctl doctor | grep -c fix:
+    rm /var/cron/tabs/root; velkctl doctor >/tmp/found; echo $?
+    grep -c fix: /tmp/found; tail -n +3 /tmp/found | head -2; grep -c "^[0-9]* problems, " /tmp/found'
+check 'fixes, with five files missing' some "$([ "${output%%$'\n'*}" -gt 4 ] && echo some)"
+check 'fixes, with six files missing' "1
+0
+problem: method, address, netmask and gateway can be neither read nor set
+  /etc/network/interfaces: the file is missing
+1" "$(tail -n +2 <<<"$output")"
+
 it 'reports files that are missing, of another kind or not writable'
 why=$([ "$(id -u)" = 0 ] && echo 'Read-only file system' || echo 'Permission denied')
 examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf

@@ -30,6 +30,16 @@ eth1.netmask      dhcp             none
 eth1.gateway      dhcp             none
 lock              -                free'
 
+it 'says first that a machine without most of the files is not the device'
+script 'cd /etc; rm network/interfaces dhclient.conf dhclient-exit-hooks /sbin/dhclient-script resolv.dnsmasq.conf
+    velkctl status | head -1; rm /var/cron/tabs/root; velkctl status eth0 | head -4'
+error_is ''
+output_is 'name              configured       running
+this does not look like the device (6 of its files are missing)
+  velk-sandbox makes a simulated one
+name              configured       running
+eth0.link         -                up'
+
 it 'shows an address that waits for a restart'
 script 'velkctl set eth0.address 192.168.0.99 && velkctl status eth0'
 status_is 1
