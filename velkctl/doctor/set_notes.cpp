@@ -12,6 +12,7 @@
 #include "velkctl/doctor/network_check.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
@@ -22,16 +23,14 @@ AffectedSettings SettingsBeside(const Setting& setting) {
     return file == nullptr ? AffectedSettings() : SettingsHeldIn(file);
 }
 
-// Returns the settings that a set may switch without being asked to.
-AffectedSettings OthersOf(const std::vector<Setting>& settings) {
-    AffectedSettings others;
+// Returns the settings that sets of these may switch.
+AffectedSettings SettingsBeside(const std::vector<Setting>& settings) {
+    AffectedSettings beside;
     for (const Setting& setting : settings) {
-        others = Together(std::move(others), SettingsBeside(setting));
+        beside = Together(std::move(beside), SettingsBeside(setting));
     }
-    std::erase_if(others, [&](const Setting& other) {
-        return !other.can_get() || Includes(settings, other);
-    });
-    return others;
+    std::erase_if(beside, [](const Setting& other) { return !other.can_get(); });
+    return beside;
 }
 
 // Returns the printed value; empty if it cannot be read.
@@ -48,11 +47,11 @@ std::vector<PrintedSetting> ValuesOf(const AffectedSettings& settings, const Dev
     return values;
 }
 
-// Returns the name of the setting that may have switched the other one.
+// Returns the name of the setting that may have switched the other one; empty if none of them may.
 std::string SwitchOf(const Setting& other, const std::vector<Setting>& settings) {
     const auto cause = std::ranges::find_if(
         settings, [&](const Setting& setting) { return Includes(SettingsBeside(setting), other); });
-    return cause->name();
+    return cause == settings.end() ? "" : cause->name();
 }
 
 // True if the value is compared with those of other settings.
@@ -94,55 +93,72 @@ void NoteIfUndone(const Setting& setting, const Device& device, Report& report) 
                         .remedy = "set it again after 'velkctl set " + method_name + " dhcp'"});
 }
 
-}  // namespace
-
-SetNotes::SetNotes(std::vector<Setting> settings, const Device& device, bool reads_others)
-    : settings_(std::move(settings)),
-      device_(device),
-      reads_others_(reads_others),
-      others_(reads_others ? ValuesOf(OthersOf(settings_), device) : std::vector<PrintedSetting>()),
-      mismatches_(reads_others ? Mismatches(settings_, device) : Findings()) {
+// "eth0.address takes effect at once", with the names of all settings that do so at the same time.
+std::string EffectOf(const std::vector<Setting>& settings, const Setting& one) {
+    std::vector<std::string> names;
+    for (const Setting& setting : settings) {
+        if (EffectTime(setting) == EffectTime(one)) {
+            names.push_back(setting.name());
+        }
+    }
+    return AllOf(names) + (names.size() == 1 ? " takes" : " take") + " effect " + EffectMoment(one);
 }
 
-void SetNotes::Print(Report& report) const {
-    if (reads_others_) {
-        PrintOthers(report);
-    }
-    if (report.is_json() || !IsTerminal(STDERR_FILENO)) {
-        return;
-    }
-    for (const Setting& setting : settings_) {
-        report.Note(Problem{.message = setting.name() + ": takes effect " + EffectMoment(setting),
-                            .setting = setting.name(),
-                            .detail = EffectCondition(setting)});
-    }
-}
-
-void SetNotes::PrintOthers(Report& report) const {
-    PrintSwitched(report);
-    PrintMismatches(report);
-    for (const Setting& setting : settings_) {
-        NoteIfUndone(setting, device_, report);
-    }
-}
-
-void SetNotes::PrintSwitched(Report& report) const {
-    for (const PrintedSetting& other : others_) {
-        const std::string value = PresentValue(other.setting, device_);
-        if (value != other.value) {
-            report.Note(other.setting.name() + ": is " + value + " now, switched by " +
-                        SwitchOf(other.setting, settings_));
+// One note for each time and its condition.
+void NoteEffects(const std::vector<Setting>& settings, Report& report) {
+    std::vector<std::string> noted;
+    for (const Setting& setting : settings) {
+        const std::string time = EffectTime(setting);
+        if (std::ranges::find(noted, time) == noted.end()) {
+            report.Note(Problem{.message = EffectOf(settings, setting),
+                                .detail = EffectCondition(setting)});
+            noted.push_back(time);
         }
     }
 }
 
-void SetNotes::PrintMismatches(Report& report) const {
-    for (const Finding& mismatch : Mismatches(settings_, device_)) {
+}  // namespace
+
+SetNotes::SetNotes(const std::vector<Setting>& settings, const Device& device, bool compares)
+    : device_(device),
+      compares_(compares),
+      beside_(ValuesOf(SettingsBeside(settings), device)),
+      mismatches_(compares ? Mismatches(settings, device) : Findings()) {
+}
+
+void SetNotes::Print(const std::vector<Setting>& done, Report& report) const {
+    PrintSwitched(done, report);
+    if (compares_) {
+        PrintMismatches(done, report);
+    }
+    if (!report.is_json() && IsTerminal(STDERR_FILENO)) {
+        NoteEffects(done, report);
+    }
+}
+
+void SetNotes::PrintSwitched(const std::vector<Setting>& done, Report& report) const {
+    for (const PrintedSetting& other : beside_) {
+        const std::string cause = SwitchOf(other.setting, done);
+        if (cause.empty() || Includes(done, other.setting)) {
+            continue;
+        }
+        const std::string value = PresentValue(other.setting, device_);
+        if (!value.empty() && value != other.value) {
+            report.Note(other.setting.name() + ": is " + value + " now, switched by " + cause);
+        }
+    }
+}
+
+void SetNotes::PrintMismatches(const std::vector<Setting>& done, Report& report) const {
+    for (const Finding& mismatch : Mismatches(done, device_)) {
         const bool is_old = std::ranges::any_of(
             mismatches_, [&](const Finding& old) { return IsSame(old, mismatch); });
         if (!is_old) {
             report.Note(NoteOfMismatch(mismatch));
         }
+    }
+    for (const Setting& setting : done) {
+        NoteIfUndone(setting, device_, report);
     }
 }
 

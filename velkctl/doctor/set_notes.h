@@ -22,23 +22,21 @@ struct PrintedSetting {
 // outlive it.
 class SetNotes {
   public:
-    // `settings` are those that are set. Without `reads_others`, no other setting is read or noted.
-    SetNotes(std::vector<Setting> settings, const Device& device, bool reads_others);
+    // `settings` are those of the call. Without `compares`, no addresses are compared.
+    SetNotes(const std::vector<Setting>& settings, const Device& device, bool compares);
 
-    // Notes, after the set: other settings that it switched, addresses that do not fit each other
-    // since then, a value that the next change of another setting undoes and, at a terminal, when
-    // the set takes effect.
-    void Print(Report& report) const;
+    // Notes, after the set of `done`: other settings that it switched, addresses that do not fit
+    // each other since then, a value that the next change of another setting undoes and, at a
+    // terminal, when the set takes effect. `done` has the settings of the call that were set.
+    void Print(const std::vector<Setting>& done, Report& report) const;
 
   private:
-    void PrintOthers(Report& report) const;
-    void PrintSwitched(Report& report) const;
-    void PrintMismatches(Report& report) const;
+    void PrintSwitched(const std::vector<Setting>& done, Report& report) const;
+    void PrintMismatches(const std::vector<Setting>& done, Report& report) const;
 
-    const std::vector<Setting> settings_;
     const Device& device_;
-    const bool reads_others_;
-    const std::vector<PrintedSetting> others_;
+    const bool compares_;
+    const std::vector<PrintedSetting> beside_;  // all that the call may switch
     const Findings mismatches_;
 };
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kSchema = 3;  // raised if a change can break a program that reads the document
 constexpr size_t kColumns = 80;
-constexpr std::string_view kPrefix = "velkctl: ";
+constexpr std::string_view kNote = "note: ";
 constexpr std::string_view kSeparator = "; ";
 constexpr std::string_view kNewLine = "\n  ";
 constexpr std::string_view kFix = "fix: ";
@@ -110,8 +110,8 @@ std::string OneLine(const Problem& problem) {
     return text;
 }
 
-std::string InLines(const Problem& problem) {
-    std::string text = InLinesOf80(problem.message, kPrefix.size());
+std::string InLines(const Problem& problem, size_t indent) {
+    std::string text = InLinesOf80(problem.message, indent);
     if (!problem.detail.empty()) {
         text.append(kNewLine).append(InLinesOf80(problem.detail, kNewLine.size() - 1));
     }
@@ -170,12 +170,12 @@ void Report::Note(std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
     } else if (detail_ != Detail::kQuiet) {
-        PrintError(note, Tone::kNote);
+        PrintError(std::string(kNote).append(note), Tone::kNote);
     }
 }
 
 void Report::Note(const Problem& problem) {
-    Note(is_json() ? OneLine(problem) : InLines(problem));
+    Note(is_json() ? OneLine(problem) : InLines(problem, kErrorIndent + kNote.size()));
 }
 
 void Report::Complain(const Problem& problem) {

@@ -49,6 +49,17 @@ std::vector<Setting> SettingsOf(const ChangeSet& changes) {
     return settings;
 }
 
+// Returns the settings that hold their new value, as far as is known.
+std::vector<Setting> SettingsSet(const ChangeSet& changes, const std::vector<MadeChange>& made) {
+    std::vector<Setting> settings;
+    for (size_t i = 0; i < made.size(); ++i) {
+        if (made[i].has_effect()) {
+            settings.push_back(changes[i].setting);
+        }
+    }
+    return settings;
+}
+
 // A setting of the form "NAME VALUE...".
 Json SettingInJson(const SettingChange& change, const MadeChange& made) {
     Json object;
@@ -89,9 +100,7 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     if (!is_single || changes.size() > 1) {
         report.Member("settings", SettingsInJson(changes, made));
     }
-    if (made.back().status == ExitStatus::kDone) {
-        notes.Print(report);
-    }
+    notes.Print(SettingsSet(changes, made), report);
     return made.back().status;
 }
 

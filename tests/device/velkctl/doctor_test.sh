@@ -193,7 +193,7 @@ velkctl: ntp: could not be set
   process N (sleep, N old) holds the lock
   fix: try again, or let --wait=SECONDS try again
   result: LIB_VELK_LOCKED (-3)
-velkctl: waiting at most 1 s for the lock, held by process N (sleep, N old)
+velkctl: note: waiting at most 1 s for the lock, held by process N (sleep, N old)
 velkctl: ntp: could not be set
   another program is changing settings
   process N (sleep, N old) still holds the lock after 1 s

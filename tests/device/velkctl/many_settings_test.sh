@@ -76,8 +76,34 @@ script 'sed -i /ntpdate/d /var/cron/tabs/root
 status_is 6
 output_is 'location      here
 eth0.address  192.168.0.10'
-error_has 'velkctl: set: stopped at ntp-server
-  set: administrator, location; not set: eth0.address'
+error_has 'velkctl: note: set: stopped at ntp-server
+  set: administrator, location; not set: ntp-server, eth0.address'
+
+it 'names a setting that is refused among those that are not set'
+script 'velk-sandbox cable out; velk-sandbox adapter out
+    velkctl set ssid=x eth0.dns=5.5.5.5; status=$?; velkctl get eth0.dns; exit $status'
+status_is 4
+output_is '5.5.5.5'
+error_has 'velkctl: note: set: stopped at eth1.ssid
+  set: eth0.dns; not set: eth1.ssid'
+
+it 'notes the switched settings of a call that stops'
+script 'velkctl set eth0.method dhcp --quiet
+    velkctl set eth0.method=static eth0.dhcp-dns=on'
+status_is 6
+error_has 'velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+
+it 'notes the switched settings with --force and --no-verify'
+script 'velkctl set eth0.method dhcp --force; velkctl set eth0.method static --no-verify'
+status_is 0
+error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+
+it 'says once for each time when the settings take effect'
+script "script -qec 'velkctl set eth0.netmask=255.255.255.0 eth0.address=192.168.0.9 ntp=on' /dev/null |
+    tr -d '\\r'"
+output_is 'velkctl: note: ntp takes effect at the next run of cron
+velkctl: note: eth0.address and eth0.netmask take effect at the next restart of eth0'
 
 it 'shows in JSON how far it came'
 script 'sed -i /ntpdate/d /var/cron/tabs/root

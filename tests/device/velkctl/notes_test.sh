@@ -31,19 +31,19 @@ eth0.netmask  24
 eth1.dns      foo
 ntp-server    bad;host
 web-update    daily 25:0'
-error_is "velkctl: eth0.address: '999.1.1.1' is not an IPv4 address
+error_is "velkctl: note: eth0.address: '999.1.1.1' is not an IPv4 address
   it is read from /etc/network/interfaces:8
   fix: velkctl set eth0.address VALUE
-velkctl: eth0.netmask: '24' is short for 255.255.255.0
+velkctl: note: eth0.netmask: '24' is short for 255.255.255.0
   it is read from /etc/network/interfaces:9
   fix: velkctl set eth0.netmask 255.255.255.0
-velkctl: eth1.dns: 'foo' is not an IPv4 address
+velkctl: note: eth1.dns: 'foo' is not an IPv4 address
   it is read from /etc/resolv.dnsmasq.conf:1
   fix: velkctl set eth1.dns VALUE
-velkctl: ntp-server: 'bad;host' is not a host name
+velkctl: note: ntp-server: 'bad;host' is not a host name
   it is read from /var/cron/tabs/root:1
   fix: velkctl set ntp-server VALUE
-velkctl: web-update: 'daily 25:0' is not a schedule
+velkctl: note: web-update: 'daily 25:0' is not a schedule
   it is read from /var/cron/tabs/root:3
   fix: velkctl set web-update SCHEDULE"
 
@@ -152,7 +152,7 @@ it 'notes that a change of the method undoes dhcp-dns off'
 script 'velkctl set eth0.dhcp-dns off'
 status_is 0
 output_is ''
-error_is "velkctl: eth0.dhcp-dns: is off while eth0.method is static
+error_is "velkctl: note: eth0.dhcp-dns: is off while eth0.method is static
   dhcp may switch it on again
   fix: set it again after 'velkctl set eth0.method dhcp'"
 
@@ -164,20 +164,20 @@ error_is ''
 it 'notes the other settings that a change of the method switches'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.method static'
 status_is 0
-error_is 'velkctl: eth0.dhcp-dns: is on now, switched by eth0.method
-velkctl: eth0.dhcp-dns: is off now, switched by eth0.method'
+error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
 script 'velkctl set eth0.method dhcp --json'
 output_has '"eth0.dhcp-dns: is on now, switched by eth0.method"'
 
 it 'notes that a new address or mask puts the gateway outside the network'
 script 'velkctl set eth0.address 10.0.0.5'
 status_is 0
-error_is 'velkctl: eth0.gateway is outside the network of the interface
+error_is 'velkctl: note: eth0.gateway is outside the network of the interface
   it is 192.168.0.1, and the network of the interface is 10.0.0.0/24
   fix: velkctl set eth0.gateway VALUE'
 script 'velkctl set eth0.netmask 255.255.255.252'
 status_is 0
-error_is 'velkctl: eth0.gateway is outside the network of the interface
+error_is 'velkctl: note: eth0.gateway is outside the network of the interface
   it is 192.168.0.1, and the network of the interface is 192.168.0.8/30
   fix: velkctl set eth0.gateway VALUE'
 
@@ -193,13 +193,13 @@ script '
     velkctl set eth1.address 192.168.0.10
     velkctl set eth1.dns 192.168.0.10'
 status_is 0
-error_is 'velkctl: eth1.address is also the address of eth0
+error_is 'velkctl: note: eth1.address is also the address of eth0
   both are 192.168.0.10
   fix: velkctl set eth1.address VALUE
-velkctl: eth0.dns names the device itself
+velkctl: note: eth0.dns names the device itself
   192.168.0.10 is the address of eth0
   fix: velkctl set eth0.dns VALUE
-velkctl: eth0.dns names the device itself
+velkctl: note: eth0.dns names the device itself
   192.168.0.10 is the address of eth1
   fix: velkctl set eth0.dns VALUE'
 
@@ -289,17 +289,17 @@ output_has 'warning: eth0.dns names the device itself
 it 'says at a terminal when a set takes effect'
 at_terminal() { script "script -qec '$1' /dev/null | tr -d '\\r'"; }
 at_terminal 'velkctl set eth0.address 192.168.0.99'
-output_is 'velkctl: eth0.address: takes effect at the next restart of eth0
+output_is 'velkctl: note: eth0.address takes effect at the next restart of eth0
   with method static'
 at_terminal 'velkctl set eth0.method static'
-output_is 'velkctl: eth0.method: takes effect at the next restart of eth0'
+output_is 'velkctl: note: eth0.method takes effect at the next restart of eth0'
 at_terminal 'velkctl set eth0.dns 192.168.0.1'
-output_is 'velkctl: eth0.dns: takes effect when the DNS forwarder reads its file again'
+output_is 'velkctl: note: eth0.dns takes effect when the DNS forwarder reads its file again'
 at_terminal 'velkctl set ntp-server 192.168.0.2'
-output_is 'velkctl: ntp-server: takes effect at the next run of cron
+output_is 'velkctl: note: ntp-server takes effect at the next run of cron
   once ntp is on'
 at_terminal 'velkctl set eth1.ssid lab'
-output_is 'velkctl: eth1.ssid: takes effect at the next restart of eth1
+output_is 'velkctl: note: eth1.ssid takes effect at the next restart of eth1
   without the cable in eth0'
 
 it 'describes when a change takes effect'

@@ -113,7 +113,7 @@ at_terminal 40 100 'velkctl list' $plain
 output_has 'eth1.service-set        get set  kind...'
 
 it 'cuts reasons at the width of the terminal, but no value'
-script='velkctl set location "a text that is longer than forty columns, and not cut" && rm /etc/dhclient-exit-hooks
+script='velkctl set --quiet location "a text that is longer than forty columns, and not cut" && rm /etc/dhclient-exit-hooks
     sed -i "/iface eth0/d" /etc/network/interfaces; velkctl show'
 at_terminal 40 100 "$script" $plain
 output_has 'location                a text that is longer than forty columns, and not cut'

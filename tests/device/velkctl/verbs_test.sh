@@ -152,7 +152,7 @@ output_is 'nonsense
 1
 1.2.3.4.5
 every 200h'
-error_is "velkctl: eth0.address: 'nonsense' is not an IPv4 address
+error_is "velkctl: note: eth0.address: 'nonsense' is not an IPv4 address
   it is read from /etc/network/interfaces:8
   fix: velkctl set eth0.address VALUE
 velkctl: ntp-server: the library reported success, but the device holds 'a'
@@ -162,18 +162,18 @@ velkctl: eth0.method: could not be set
   the library does not take this command, interface or value
   fix: run 'velkctl describe NAME' for the interfaces and values of a setting
   result: LIB_VELK_INVALID_PARAMETER (-4)
-velkctl: eth0.dns: '1.2.3.4.5' is not an IPv4 address
+velkctl: note: eth0.dns: '1.2.3.4.5' is not an IPv4 address
   it is read from /etc/resolv.dnsmasq.conf:1
   fix: velkctl set eth0.dns VALUE
-velkctl: web-update: 'every 200h' is not a schedule
+velkctl: note: web-update: 'every 200h' is not a schedule
   it is read from /var/cron/tabs/root:3
   fix: velkctl set web-update SCHEDULE"
 
 it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
 status_is 0
-error_is 'velkctl: eth1.dhcp-dns: is off now, switched by eth1.method
-velkctl: eth1.address and eth1.netmask are missing
+error_is 'velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method
+velkctl: note: eth1.address and eth1.netmask are missing
   eth1.method is static, and ifup needs them
   fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK'
 
@@ -191,7 +191,7 @@ typing 'hunter2222
 hunter2222' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
 repeat the value: 
-velkctl: eth1.psk: takes effect at the next restart of eth1
+velkctl: note: eth1.psk takes effect at the next restart of eth1
   without the cable in eth0
 ended with 0'
 
@@ -226,7 +226,7 @@ ended with 2'
 it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 
-velkctl: eth1.psk: takes effect at the next restart of eth1
+velkctl: note: eth1.psk takes effect at the next restart of eth1
   without the cable in eth0
 ended with 0'
 
@@ -301,7 +301,7 @@ on_device sh -c 'velk-sandbox cable out
     wc -l </tmp/examples
     while IFS= read -r line; do
         # Their result with the files of this device does not matter here.
-        echo 1234567890123 | sh -c "$line --no-verify" 2>&1 || echo "$line"
+        echo 1234567890123 | sh -c "$line --no-verify --quiet" 2>&1 || echo "$line"
     done </tmp/examples'
 status_is 0
 error_is ''

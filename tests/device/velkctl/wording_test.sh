@@ -24,7 +24,7 @@ output_is 'none'
 it 'notes a pre-shared key that WPA does not take, and sets it'
 script 'printf hunter2 | velkctl set eth1.psk -; velkctl get --show-secrets eth1.psk'
 status_is 0
-error_is 'velkctl: eth1.psk: the key has 7 bytes
+error_is 'velkctl: note: eth1.psk: the key has 7 bytes
   WPA takes a passphrase of 8 to 63 characters or 64 hex digits'
 output_is 'hunter2'
 

@@ -46,7 +46,7 @@ TEST(Report, GoesOutAsTextLineByLine) {
     const Said said = OutputOf(Report::Form::kText, SayAll);
     EXPECT_EQ(said.out, "eth0.dns = 10.0.0.1\n");
     EXPECT_EQ(said.err,
-              "velkctl: it took long\n"
+              "velkctl: note: it took long\n"
               "velkctl: eth0.dns: could not be read\n"
               "  likely cause: no file\n"
               "  fix: make one\n"
@@ -174,9 +174,9 @@ TEST(ReportTest, ToolOutputComesBeforeTheFirstProblem) {
         return SayAllWith(Report::Detail::kUsual, report);
     });
     EXPECT_TRUE(said.out.starts_with("eth0: 10.0.0.1\n")) << said.out;
-    EXPECT_TRUE(
-        said.err.starts_with("velkctl: it took long\nvelkctl: ntp: rm: first\nvelkctl: "
-                             "ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
+    EXPECT_TRUE(said.err.starts_with(
+        "velkctl: note: it took long\nvelkctl: note: ntp: rm: first\n"
+        "velkctl: note: ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
         << said.err;
 }
 
@@ -204,8 +204,8 @@ TEST(ReportTest, VerboseShowsToolOutputAtOnce) {
         return SayAllWith(Report::Detail::kVerbose, report);
     });
     EXPECT_TRUE(
-        said.err.starts_with("velkctl: ntp: earlier\nvelkctl: ntp: rm: first\n"
-                             "velkctl: ntp: rm: second\nvelkctl: it took long\n"))
+        said.err.starts_with("velkctl: note: ntp: earlier\nvelkctl: note: ntp: rm: first\n"
+                             "velkctl: note: ntp: rm: second\nvelkctl: note: it took long\n"))
         << said.err;
 }
 
