@@ -29,21 +29,22 @@ struct Problem {
 // it has neither. A quotation stays whole.
 std::string_view FirstClause(std::string_view text);
 
-// Breaks a text that is too long for one line of a terminal at its semicolons and before "but".
-// Advice on a line of its own is marked as the fix. A fix stays whole: it may be a line for the
-// shell. `indent` is the width of the text before it on its line; the next lines are indented by
-// two.
+// Breaks a text that is too long for one line of a terminal at its semicolons and before "but". A
+// fix stays whole: it may be a line for the shell. `indent` is the width of the text before it on
+// its line; the next lines are indented by two.
 std::string InLinesOf80(std::string_view text, size_t indent);
 
 // "eth1.rate: could not be read; no supported wireless adapter is attached; fix: attach an adapter
 // of ... (LIB_VELK_NO_ADAPTER, -5)"
 std::string OneLine(const Problem& problem);
 
-// The same for people: the failure on the first line; reason, fix and result on indented lines.
+// The same for people: the failure on the first line; reason, fix and result on indented lines. A
+// message with advice at its end stays on one line if it fits.
 std::string InLines(const Problem& problem);
 
 // {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
-// "setting": ..., "result": ...}. A member that is unknown is null.
+// "setting": ..., "result": ...}. A member that is unknown is null. Advice at the end of the
+// message, as in "...; give on or off", is the remedy.
 Json ProblemInJson(const Problem& problem);
 
 // Text is printed at once: answers to standard output, problems and notes to standard error. JSON
