@@ -92,8 +92,10 @@ bool IsUndecided(const Setting& setting, const Answer& answer, const FilesBefore
 
 // The set was done. The later one counts, as it would have a minute later.
 ReadBack SetByAnother(const Setting& setting, const Answer& answer, Report& report) {
-    report.Note(setting.name() + ": set, but another program has set it to " +
-                Quoted(setting.row->kind->Print(answer.data)) + " since");
+    const std::string name = setting.name();
+    report.Note(Problem{.message = name + ": set, but another program has set it to " +
+                                   Quoted(setting.row->kind->Print(answer.data)) + " since",
+                        .setting = name});
     return {false, ExitStatus::kDone};
 }
 

@@ -85,7 +85,7 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen, kTimeLog,
      "result of the last time synchronisation"},
     {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen, kUpdateEntry,
-     "schedule of the web update; see describe"},
+     "schedule of the web update"},
     {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kMacAddress, kOpen, kInKernel,
      "hardware address: 6 bytes in hex"},
     {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen, kMethodLines,
@@ -101,11 +101,11 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"dhcp-dns", VELK_CMD_DHCP_DNS, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kNameServerLines,
      "take DNS servers from DHCP: on or off"},
     {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen, kResolver,
-     "DNS servers of eth0 and eth1; see describe"},
+     "DNS servers of eth0 and eth1: up to three"},
     {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen, kNoticeLines,
      "print notices of the DHCP client: on or off"},
     {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen, kByEthtool,
-     "speed in Mbit/s and duplex; see describe"},
+     "speed in Mbit/s and duplex, or auto"},
     {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
      "revision of the adapter"},
     {"software-version", VELK_CMD_SOFTWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
@@ -202,6 +202,10 @@ std::vector<std::string> FullNamesOf(std::span<const std::string> short_names) {
         }
     }
     return names;
+}
+
+bool IsGlob(std::string_view word) {
+    return word.find_first_of("*?[") != std::string_view::npos;
 }
 
 // Returns the full names that another program's name may mean: those on its interface, or all if
@@ -346,6 +350,9 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
         // The text after the "=" may be a secret.
         return Quoted(name.substr(0, equals)) + " is followed by '='; give the name alone";
     }
+    if (IsGlob(name)) {
+        return Quoted(name) + " is a pattern, for get and show only; give one name";
+    }
     const std::vector<std::string> right = FullNames(WithoutInterface(name));
     if (right.size() > 1 && velk::FindRow(kRows, name, &CatalogueRow::name) != nullptr) {
         return Quoted(name) + " is a setting of both interfaces; give " + OneOf(right);
@@ -367,6 +374,9 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
 }
 
 std::string UnknownInterface(std::string_view word, const std::string& shown) {
+    if (IsGlob(word)) {
+        return shown + " is a pattern, for get and show only; give one interface";
+    }
     const std::vector<std::string> interfaces = InterfaceNames();
     return shown + " is not an interface of the device" +
            DidYouMean(word, interfaces, "give " + OneOf(interfaces));

@@ -104,4 +104,14 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     return made.back().status;
 }
 
+// Of the form "NAME VALUE..." the value may be an option that is not known.
+void CheckWordsOfSet(const Invocation& invocation, Report& report) {
+    if (!IsAssignment(invocation.words.front())) {
+        return;
+    }
+    for (const Problem& problem : ReadChanges(invocation).problems) {
+        report.Complain(problem);
+    }
+}
+
 }  // namespace velkctl

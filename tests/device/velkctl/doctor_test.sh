@@ -317,7 +317,8 @@ error_is "velkctl: eth1.mac-address: could not be read
   fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
   result: LIB_VELK_NO_ADAPTER (-5)
 velkctl: eth1.ssid: could not be read
-  likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  no adapter is attached
   fix: plug in an adapter; if that does not start the wireless daemon, start it
   result: LIB_VELK_FAILURE (-1)"
 output_is '4
@@ -327,7 +328,7 @@ warning: wireless adapter is not attached
   the settings of eth1 about adapter and connection are refused
   fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
 warning: the wireless daemon does not run
-  /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  /tmp/WlanAplToWlanSock: its socket is missing; no adapter is attached
   fix: plug in an adapter; if that does not start the wireless daemon, start it
 0 problems, 2 warnings'
 script 'velk-sandbox adapter out; velkctl doctor --json |

@@ -89,8 +89,7 @@ TEST_F(ValueChecksTest, ALeaseHasNoLine) {
     Data value{};
     (void)std::string("127.0.0.1").copy(value.data(), value.size());
     EXPECT_EQ(NoteAbout("eth0.address", value),
-              "eth0.address: '127.0.0.1' is a loopback address, where the device "
-              "reaches only itself\n"
+              "eth0.address: '127.0.0.1' is a loopback address\n"
               "  fix: velkctl set eth0.address VALUE");
 }
 
