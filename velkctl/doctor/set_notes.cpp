@@ -104,14 +104,25 @@ std::string EffectOf(const std::vector<Setting>& settings, const Setting& one) {
     return AllOf(names) + (names.size() == 1 ? " takes" : " take") + " effect " + EffectMoment(one);
 }
 
+// Returns the condition of the effect; empty if it is known to be met.
+std::string OpenCondition(const Setting& setting, const Device& device) {
+    const bool is_address = IsAddressCommand(setting.row->id);
+    const bool is_met = (is_address && setting.interface == VELK_WIRED_INTERFACE &&
+                         PresentValue(SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front(),
+                                      device) == "static") ||
+                        (setting.row->id == VELK_CMD_NTP_SERVER &&
+                         PresentValue(SettingsOf(VELK_CMD_NTP, "").front(), device) == "on");
+    return is_met ? "" : EffectCondition(setting);
+}
+
 // One note for each time and its condition.
-void NoteEffects(const std::vector<Setting>& settings, Report& report) {
+void NoteEffects(const std::vector<Setting>& settings, const Device& device, Report& report) {
     std::vector<std::string> noted;
     for (const Setting& setting : settings) {
         const std::string time = EffectTime(setting);
         if (std::ranges::find(noted, time) == noted.end()) {
             report.Note(Problem{.message = EffectOf(settings, setting),
-                                .detail = EffectCondition(setting)});
+                                .detail = OpenCondition(setting, device)});
             noted.push_back(time);
         }
     }
@@ -132,7 +143,7 @@ void SetNotes::Print(const std::vector<Setting>& done, Report& report) const {
         PrintMismatches(done, report);
     }
     if (!report.is_json() && IsTerminal(STDERR_FILENO)) {
-        NoteEffects(done, report);
+        NoteEffects(done, device_, report);
     }
 }
 

@@ -104,7 +104,8 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     return made.back().status;
 }
 
-// Of the form "NAME VALUE..." the value may be an option that is not known.
+// Reports the problems of words with unknown options beside them. In the form "NAME VALUE..." such
+// an option may be the value, so only the other form is checked.
 void CheckWordsOfSet(const Invocation& invocation, Report& report) {
     if (!IsAssignment(invocation.words.front())) {
         return;

@@ -289,14 +289,18 @@ output_has 'warning: eth0.dns names the device itself
 it 'says at a terminal when a set takes effect'
 at_terminal() { script "script -qec '$1' /dev/null | tr -d '\\r'"; }
 at_terminal 'velkctl set eth0.address 192.168.0.99'
-output_is 'velkctl: note: eth0.address takes effect at the next restart of eth0
+output_is 'velkctl: note: eth0.address takes effect at the next restart of eth0'
+at_terminal 'velkctl set eth0.method dhcp >/dev/null 2>&1; velkctl set eth0.address 192.168.0.98'
+output_has 'velkctl: note: eth0.address takes effect at the next restart of eth0
   with method static'
 at_terminal 'velkctl set eth0.method static'
 output_is 'velkctl: note: eth0.method takes effect at the next restart of eth0'
 at_terminal 'velkctl set eth0.dns 192.168.0.1'
 output_is 'velkctl: note: eth0.dns takes effect when the DNS forwarder reads its file again'
 at_terminal 'velkctl set ntp-server 192.168.0.2'
-output_is 'velkctl: note: ntp-server takes effect at the next run of cron
+output_is 'velkctl: note: ntp-server takes effect at the next run of cron'
+at_terminal 'velkctl set ntp off >/dev/null 2>&1; velkctl set ntp-server 192.168.0.3'
+output_has 'velkctl: note: ntp-server takes effect at the next run of cron
   once ntp is on'
 at_terminal 'velkctl set eth1.ssid lab'
 output_is 'velkctl: note: eth1.ssid takes effect at the next restart of eth1

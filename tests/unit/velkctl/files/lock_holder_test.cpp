@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
