@@ -155,7 +155,9 @@ void SetNotes::PrintSwitched(const std::vector<Setting>& done, Report& report) c
         }
         const std::string value = PresentValue(other.setting, device_);
         if (!value.empty() && value != other.value) {
-            report.Note(other.setting.name() + ": is " + value + " now, switched by " + cause);
+            std::string text = other.setting.name();
+            text.append(": is ").append(value).append(" now, switched by ").append(cause);
+            report.Note(text);
         }
     }
 }

@@ -17,10 +17,10 @@ functions='
     link() { ethtool eth0 | sed -n "s/.*Link detected: //p"; }
     # Prints the result and the data bytes of a get, without blanks.
     get() {
-        velkctl call get "$1" "$2" | sed -E "1s/.*\((.*)\).*/\1/; s/^[0-9a-f]{8}  ?//
+        velkctl call get "$1" "$2" | sed -E "1{/\(-?[0-9]+\)/!d}; s/.*\((-?[0-9]+)\).*/\1/; s/^[0-9a-f]{8}  ?//
             s/  *\|.*//; /^[0-9a-f]{8}\$/d; 2,\$s/ //g" | paste -s -d " "
     }
-    set_speed() { velkctl call set 201 eth0 --hex "$1" | sed -E "s/.*\((.*)\).*/\1/"; }
+    set_speed() { velkctl call set 201 eth0 --hex "$1" | sed -nE "s/.*\((-?[0-9]+)\).*/\1/p"; }
     daemons() { cat /proc/[0-9]*/comm 2>/dev/null | grep -cx wland; }
 '
 

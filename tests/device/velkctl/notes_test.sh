@@ -85,19 +85,19 @@ script 'sed -i "/^iface eth0/a\\\\thwaddress ether 02:00:00:00:00:01" /etc/netwo
     velkctl get eth0.address'
 status_is 0
 output_is 'ether 02:00:00:00:00:01'
-error_is "velkctl: eth0.address is read and set in the wrong line
+error_is "velkctl: note: eth0.address is read and set in the wrong line
   /etc/network/interfaces:8: the library takes 'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '
   fix: move it below line 9"
 script 'sed -i "/^iface eth0/a\\\\t# my address is" /etc/network/interfaces; velkctl get eth0.address'
 error_has "  fix: remove the word 'address' from the comment"
 script 'sed -i "s/ntpdate -u/ntpdate -t 5/" /var/cron/tabs/root; velkctl get ntp-server'
 output_is 5
-error_is "velkctl: ntp-server is read and set in the wrong place
+error_is "velkctl: note: ntp-server is read and set in the wrong place
   /var/cron/tabs/root:1: the option '-t 5' is taken for it
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 script 'sed -i "1i # ntpdate sets the clock" /var/cron/tabs/root; velkctl get ntp-server'
 output_is sets
-error_is "velkctl: ntp and ntp-server would change a comment
+error_is "velkctl: note: ntp and ntp-server would change a comment
   /var/cron/tabs/root:1: '# ntpdate sets the clock' is taken for an entry
   fix: remove the word 'ntpdate' from the comment"
 
@@ -105,7 +105,7 @@ it 'notes the fault of the line before that of the value'
 script 'sed -i "s/ntpdate -u .*/ntpdate -u bad;host/" /var/cron/tabs/root
     velkctl get ntp-server; velkctl doctor'
 status_is 1
-error_is 'velkctl: ntp-server cannot be set
+error_is 'velkctl: note: ntp-server cannot be set
   /var/cron/tabs/root:1: the server is its last word
   setting it joins the entry with the next line
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log'
@@ -113,7 +113,7 @@ check 'findings about values' 0 "$(grep -c 'not valid' "$lib_folder/out")"
 
 it 'escapes the bytes of a value once'
 script 'sed -i "s/ntpdate -u .*/ntpdate -u a\\tb > x/" /var/cron/tabs/root; velkctl get ntp-server; velkctl doctor'
-error_has "velkctl: ntp-server: 'a\\x09b' is not a host name
+error_has "velkctl: note: ntp-server: 'a\\x09b' is not a host name
 "
 output_has ": 'a\\x09b' is not a host name
 "
@@ -205,7 +205,7 @@ velkctl: note: eth0.dns names the device itself
 
 it 'notes a DNS server that is the present address of an interface with DHCP'
 script 'velkctl set eth0.method dhcp 2>/dev/null && velkctl set eth0.dns 192.168.0.10; velkctl doctor'
-error_is 'velkctl: eth0.dns names the device itself
+error_is 'velkctl: note: eth0.dns names the device itself
   192.168.0.10 is the address of eth0
   fix: velkctl set eth0.dns VALUE'
 output_has 'warning: eth0.dns names the device itself
@@ -215,11 +215,11 @@ it 'notes the address and mask that a static interface lacks'
 script 'velkctl set eth1.method static && velkctl set eth1.address 10.0.0.4
     velkctl doctor; velkctl set eth1.netmask 255.0.0.0; velkctl doctor'
 status_is 0
-error_is 'velkctl: eth1.dhcp-dns: is off now, switched by eth1.method
-velkctl: eth1.address and eth1.netmask are missing
+error_is 'velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method
+velkctl: note: eth1.address and eth1.netmask are missing
   eth1.method is static, and ifup needs them
   fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK
-velkctl: eth1.netmask is missing
+velkctl: note: eth1.netmask is missing
   eth1.method is static, and ifup needs it
   fix: velkctl set eth1.netmask=NETMASK'
 output_is 'problem: eth1.netmask is missing
@@ -228,12 +228,12 @@ output_is 'problem: eth1.netmask is missing
 1 problem, 0 warnings
 no problems found'
 script 'sed -i "/^iface lo/i auto lo" /etc/network/interfaces; velkctl set eth1.method static'
-error_has 'velkctl: eth1.netmask is missing
+error_has 'velkctl: note: eth1.netmask is missing
   eth1.method is static, and ifup needs it
   fix: below line 12 add "netmask NETMASK"'
 script 'sed -i "/^iface lo/d" /etc/network/interfaces; velkctl set eth1.method static'
 status_is 0
-error_has 'velkctl: eth1.netmask cannot be set
+error_has 'velkctl: note: eth1.netmask cannot be set
   the stanza is the last one and has no netmask line
   fix: below line 12 add "netmask NETMASK"'
 
@@ -244,7 +244,8 @@ status_is 0
 output_is '2
 192.168.0.10'
 error_is 'velkctl: eth1.address: 192.168.0.5 is also the new value of eth0.address
-  fix: give each interface an address of its own, or give --force'
+  fix: give each interface an address of its own, or give --force
+velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method'
 script 'velkctl set eth0.address=192.168.0.5 eth1.address=192.168.0.5'
 status_is 0
 
@@ -252,7 +253,7 @@ it 'notes another line of the setting that ifup may take'
 script 'sed -i "s/^.address 192.*/&\n\taddress 10.9.9.9/" /etc/network/interfaces
     velkctl set eth0.address 192.168.0.77; velkctl doctor'
 status_is 0
-error_is "velkctl: eth0.address has a second line
+error_is "velkctl: note: eth0.address has a second line
   /etc/network/interfaces:9: ifup may take 'address 10.9.9.9'
   a set changes line 8 alone
   fix: remove 'address 10.9.9.9'"
@@ -264,7 +265,7 @@ output_is "warning: eth0.address has a second line
 script 'sed -i "s/^.address 192/\taddress\t192/" /etc/network/interfaces
     velkctl set eth0.address 192.168.0.77; velkctl doctor'
 status_is 0
-error_is "velkctl: eth0.address has a second line
+error_is "velkctl: note: eth0.address has a second line
   /etc/network/interfaces:8: ifup may take 'address\x09192.168.0.10'
   a set changes line 12 alone
   fix: remove 'address\x09192.168.0.10'"
