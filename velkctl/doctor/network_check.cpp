@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "lib/base/paths.h"
-#include "velkctl/call/interface_state.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/settings/address_values.h"
 #include "velkctl/text/ipv4.h"
 

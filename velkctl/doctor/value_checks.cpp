@@ -108,8 +108,7 @@ bool IsInFile(const Setting& setting, const Device& device) {
     if (!held_in.is_of_lease) {
         return true;
     }
-    const Answer method = device.Get(SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front());
-    return method.ok() && method.data[0] == VELK_METHOD_STATIC;
+    return device.HasStaticMethod(setting.interface);
 }
 
 // A text may have any bytes.

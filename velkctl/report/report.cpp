@@ -24,10 +24,6 @@ constexpr std::string_view kContrast = ", but ";
 constexpr std::array<std::string_view, 9> kAdvice{
     "fix: ", "give ", "did you mean ", "leave ", "put ", "set ", "usage: ", "write ", "'velkctl "};
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
-}
-
 Json CauseOf(const Problem& problem) {
     if (problem.file.empty()) {
         return nullptr;
@@ -108,6 +104,10 @@ std::string_view FirstClause(std::string_view text) {
         }
     }
     return text;
+}
+
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(text);
 }
 
 Json ProblemInJson(const Problem& given) {

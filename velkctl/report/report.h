@@ -44,6 +44,9 @@ std::string OneLine(const Problem& problem);
 // result on indented lines. A message with advice at its end stays on one line if it fits.
 std::string InLines(const Problem& problem, size_t indent = kErrorIndent);
 
+// Returns the text; null if it is empty.
+Json TextOrNull(const std::string& text);
+
 // {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
 // "setting": ..., "result": ...}. A member that is unknown is null. Advice at the end of the
 // message, as in "...; give on or off", is the remedy.

@@ -151,7 +151,7 @@ struct InterfaceFlag {
     std::string_view interface;
 };
 
-constexpr std::array<InterfaceFlag, 3> kInterfaces{{
+constexpr std::array<InterfaceFlag, 3> kInterfaceFlags{{
     {kNoInterface, ""},
     {kEth0, VELK_WIRED_INTERFACE},
     {kEth1, VELK_WIRELESS_INTERFACE},
@@ -289,7 +289,7 @@ std::span<const CatalogueRow> Catalogue() {
 std::vector<Setting> Settings() {
     std::vector<Setting> settings;
     for (const CatalogueRow& row : kRows) {
-        for (const InterfaceFlag& known : kInterfaces) {
+        for (const InterfaceFlag& known : kInterfaceFlags) {
             if ((row.interfaces & known.flag) != 0) {
                 settings.push_back({&row, known.interface});
             }

@@ -2,6 +2,7 @@
 #ifndef VELKCTL_SETTINGS_CATALOGUE_H_
 #define VELKCTL_SETTINGS_CATALOGUE_H_
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -104,6 +105,9 @@ std::optional<Setting> FindSetting(uint32_t id, std::string_view interface);
 
 // True for two copies of one setting.
 bool IsSameSetting(const Setting& one, const Setting& other);
+
+inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
+                                                        VELK_WIRELESS_INTERFACE};
 
 // True for the commands of the address, netmask and gateway. With method static they read the
 // configuration, with method dhcp the lease.

@@ -8,11 +8,11 @@
 
 #include "velkctl/call/files_before.h"
 #include "velkctl/call/planned_values.h"
-#include "velkctl/call/text_conflicts.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/network_check.h"
 #include "velkctl/doctor/read_back.h"
-#include "velkctl/verbs/wireless_key_check.h"
+#include "velkctl/doctor/text_conflicts.h"
+#include "velkctl/doctor/wireless_key_check.h"
 
 namespace velkctl {
 namespace {

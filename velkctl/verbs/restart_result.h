@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/call/interface_state.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {

@@ -5,9 +5,9 @@
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
-#include "velkctl/doctor/set_notes.h"
 #include "velkctl/verbs/change_set.h"
 #include "velkctl/verbs/change_words.h"
+#include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 

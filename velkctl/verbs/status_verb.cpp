@@ -6,12 +6,12 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/call/device.h"
-#include "velkctl/call/dhcp_client.h"
-#include "velkctl/call/interface_state.h"
-#include "velkctl/call/running_gateway.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/files/dhcp_client.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/files/lock_holder.h"
+#include "velkctl/files/running_gateway.h"
 #include "velkctl/files/unix_socket.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/columns.h"
@@ -47,9 +47,7 @@ struct Interface {
 };
 
 std::string Configured(uint32_t id, const std::string& interface, const Device& device) {
-    const Setting setting = SettingsOf(id, interface).front();
-    const Answer answer = device.Get(setting);
-    return answer.ok() ? setting.row->kind->Print(answer.data) : "";
+    return device.PrintedValue(SettingsOf(id, interface).front());
 }
 
 State Compared(const Interface& interface, std::string_view part, const std::string& configured,
@@ -202,11 +200,7 @@ States ReadStates(const std::string& wanted, const Device& device) {
     return states;
 }
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
-}
-
-Json StateInJson(const State& state) {
+Json RowInJson(const State& state) {
     Json object;
     object["name"] = state.name;
     object["configured"] = TextOrNull(state.configured);
@@ -236,7 +230,7 @@ ExitStatus RunStatus(const Invocation& invocation, Report& report) {
     Json list = Json::array();
     for (const State& state : states) {
         report.Text(Row(state));
-        list.push_back(StateInJson(state));
+        list.push_back(RowInJson(state));
     }
     const bool differs = std::ranges::any_of(states, &State::differs);
     report.Member("states", std::move(list));

@@ -850,12 +850,12 @@ output_has '
 output_has '
 Exit status:
   0         done
-  1         failed, or the doctor found a problem
+  1         failed, or a problem or difference was found
   2         wrong usage, or a name or value that is not valid
   3         another program is changing settings
   4         no supported wireless adapter is attached
   5         refused while the cable is in the wired port
-  6         set, but the device does not hold the value
+  6         done, but the device lacks the value or address
   7         no answer before the timeout
 '
 general_help=$output

@@ -337,7 +337,7 @@ output_is "exit status 3 of velkctl
     another program is changing settings"
 on_device velkctl explain 6
 output_is "exit status 6 of velkctl
-  set, but the device does not hold the value
+  done, but the device lacks the value or address
   fix: read the likely cause in the message; 'velkctl doctor' looks for more"
 
 it 'explains 0 as a result and as an exit status'

@@ -1,6 +1,6 @@
 // set_notes.h - notes about the effects of a set on other settings and on the device.
-#ifndef VELKCTL_DOCTOR_SET_NOTES_H_
-#define VELKCTL_DOCTOR_SET_NOTES_H_
+#ifndef VELKCTL_VERBS_SET_NOTES_H_
+#define VELKCTL_VERBS_SET_NOTES_H_
 
 #include <string>
 #include <vector>
@@ -42,4 +42,4 @@ class SetNotes {
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_DOCTOR_SET_NOTES_H_
+#endif  // VELKCTL_VERBS_SET_NOTES_H_

@@ -1,5 +1,5 @@
 // set_notes.cpp - notes about the effects of a set on other settings and on the device.
-#include "velkctl/doctor/set_notes.h"
+#include "velkctl/verbs/set_notes.h"
 
 #include <algorithm>
 #include <optional>
@@ -33,16 +33,10 @@ AffectedSettings SettingsBeside(const std::vector<Setting>& settings) {
     return beside;
 }
 
-// Returns the printed value; empty if it cannot be read.
-std::string PresentValue(const Setting& setting, const Device& device) {
-    const Answer answer = device.Get(setting);
-    return answer.ok() ? setting.row->kind->Print(answer.data) : "";
-}
-
 std::vector<PrintedSetting> ValuesOf(const AffectedSettings& settings, const Device& device) {
     std::vector<PrintedSetting> values;
     for (const Setting& setting : settings) {
-        values.push_back({setting, PresentValue(setting, device)});
+        values.push_back({setting, device.PrintedValue(setting)});
     }
     return values;
 }
@@ -82,9 +76,9 @@ void NoteIfUndone(const Setting& setting, const Device& device, Report& report) 
     if (setting.row->id != VELK_CMD_DHCP_DNS) {
         return;
     }
-    const Setting method = SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front();
-    const std::string method_name = method.name();
-    if (PresentValue(method, device) != "static" || PresentValue(setting, device) != "off") {
+    const std::string method_name =
+        SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front().name();
+    if (!device.HasStaticMethod(setting.interface) || device.PrintedValue(setting) != "off") {
         return;
     }
     report.Note(Problem{.message = setting.name() + ": is off while " + method_name + " is static",
@@ -106,12 +100,12 @@ std::string EffectOf(const std::vector<Setting>& settings, const Setting& one) {
 
 // Returns the condition of the effect; empty if it is known to be met.
 std::string OpenCondition(const Setting& setting, const Device& device) {
-    const bool is_address = IsAddressCommand(setting.row->id);
-    const bool is_met = (is_address && setting.interface == VELK_WIRED_INTERFACE &&
-                         PresentValue(SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front(),
-                                      device) == "static") ||
-                        (setting.row->id == VELK_CMD_NTP_SERVER &&
-                         PresentValue(SettingsOf(VELK_CMD_NTP, "").front(), device) == "on");
+    const bool is_wired_address =
+        IsAddressCommand(setting.row->id) && setting.interface == VELK_WIRED_INTERFACE;
+    const bool is_met = is_wired_address
+                            ? device.HasStaticMethod(setting.interface)
+                            : setting.row->id == VELK_CMD_NTP_SERVER &&
+                                  device.PrintedValue(SettingsOf(VELK_CMD_NTP, "").front()) == "on";
     return is_met ? "" : EffectCondition(setting);
 }
 
@@ -153,7 +147,7 @@ void SetNotes::PrintSwitched(const std::vector<Setting>& done, Report& report) c
         if (cause.empty() || Includes(done, other.setting)) {
             continue;
         }
-        const std::string value = PresentValue(other.setting, device_);
+        const std::string value = device_.PrintedValue(other.setting);
         if (!value.empty() && value != other.value) {
             std::string text = other.setting.name();
             text.append(": is ").append(value).append(" now, switched by ").append(cause);

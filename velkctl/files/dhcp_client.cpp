@@ -1,5 +1,5 @@
 // dhcp_client.cpp - the DHCP client of an interface, and its lease.
-#include "velkctl/call/dhcp_client.h"
+#include "velkctl/files/dhcp_client.h"
 
 #include <algorithm>
 #include <array>

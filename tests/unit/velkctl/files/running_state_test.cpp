@@ -4,8 +4,8 @@
 #include <string>
 
 #include "support/device_test.h"
-#include "velkctl/call/dhcp_client.h"
-#include "velkctl/call/running_gateway.h"
+#include "velkctl/files/dhcp_client.h"
+#include "velkctl/files/running_gateway.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // dhcp_client.h - the DHCP client of an interface, and its lease.
-#ifndef VELKCTL_CALL_DHCP_CLIENT_H_
-#define VELKCTL_CALL_DHCP_CLIENT_H_
+#ifndef VELKCTL_FILES_DHCP_CLIENT_H_
+#define VELKCTL_FILES_DHCP_CLIENT_H_
 
 #include <ctime>
 #include <optional>
@@ -41,4 +41,4 @@ std::optional<Lease> LeaseIn(const Lines& lines, std::string_view interface, tim
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_CALL_DHCP_CLIENT_H_
+#endif  // VELKCTL_FILES_DHCP_CLIENT_H_
