@@ -94,6 +94,13 @@ _velkctl_files() { # BEGINNING
     done
 }
 
+# Prints the matching files, one a line.
+_velkctl_documents() { # BEGINNING
+    _velkctl_files "$1" | while IFS= read -r file; do
+        printf '%s\n' "${file#@}"
+    done
+}
+
 # Prints the values of a setting for NAME=VALUE, or files after "@" for a secret, one a line.
 _velkctl_assigned() { # NAME VALUE
     case $2 in
@@ -134,6 +141,16 @@ _velkctl_candidates() { # WORD VERB WORD...
                 _velkctl_values "$@"
             fi
             ;;
+        apply)
+            if [[ $current == *=* || ${1-} == *=* ]]; then
+                _velkctl_assignments "$current" "$@"
+            elif [ "$count" -eq 0 ]; then
+                _velkctl_assignments "$current"
+                _velkctl_documents "$current"
+            fi
+            ;;
+        import) [ "$count" -gt 0 ] || _velkctl_documents "$current" ;;
+        diff) [ "$count" -gt 1 ] || _velkctl_documents "$current" ;;
         help) [ "$count" -gt 0 ] || _velkctl_verbs ;;
         show)
             _velkctl_pick interface any
@@ -190,7 +207,7 @@ _velkctl_sort_words() {
         elif [ -z "$only_words" ] && [[ $word == -?* ]]; then
             case $word in
                 --) only_words=1 ;;
-                --text | --hex | --timeout) takes_value=$word ;;
+                --text | --hex | --timeout | --restart | --only) takes_value=$word ;;
             esac
         elif [ -z "$verb" ]; then
             verb=$word
@@ -209,8 +226,12 @@ _velkctl() {
     current=${words[${#words[@]} - 1]}
     COMPREPLY=()
     if [ -n "$awaiting" ]; then
-        [[ $awaiting != --timeout && $current == @* ]] || return 0
-        found=$(_velkctl_files "${current#@}")
+        case $awaiting:$current in
+            --restart:*) found=$(printf '%s\n' auto never eth0 eth1) ;;
+            --only:*) found=$(_velkctl_pick interface any && _velkctl_pick name set) ;;
+            --text:@* | --hex:@*) found=$(_velkctl_files "${current#@}") ;;
+            *) return 0 ;;
+        esac
     elif [[ $current == -* && -z $no_options && ! ($verb == explain && $current == -[0-9]*) ]]; then
         found=$(_velkctl_options ${verb:+"$verb"})
     elif [ -z "$verb" ]; then

@@ -12,6 +12,7 @@
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>

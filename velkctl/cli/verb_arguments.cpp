@@ -9,6 +9,7 @@
 #include "lib/base/find_row.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
 
@@ -210,14 +211,6 @@ std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be
 bool HasOption(const Verb& verb, std::string_view name) {
     return velk::FindRow(verb.options, name, &VerbOption::name) != nullptr ||
            velk::FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
-}
-
-std::string_view WithoutValue(std::string_view argument) {
-    return argument.substr(0, argument.find('='));
-}
-
-bool IsAssignment(std::string_view word) {
-    return word.find('=') != std::string_view::npos;
 }
 
 }  // namespace velkctl

@@ -27,6 +27,15 @@ constexpr VerbFlag kNoPager{"--no-pager", "do not show a long output page by pag
 
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
+constexpr VerbOption kRestart{"--restart", "WHICH",
+                              "the interfaces to restart: auto, never, eth0 or eth0,eth1",
+                              &Invocation::restart};
+constexpr VerbOption kOnly{"--only", "NAMES", "only these settings, with commas between the names",
+                           &Invocation::only};
+
+constexpr std::array kApplyOptions{kRestart, kWait, kTimeout};
+constexpr std::array kImportOptions{kOnly, kRestart, kWait, kTimeout};
+constexpr std::array kDiffOptions{kOnly, kTimeout};
 constexpr std::array<VerbOption, 4> kCallOptions{{
     {"--text", "TEXT", "data bytes as text, at most 512; or - or @FILE", &Invocation::text},
     {"--hex", "HEX", "data bytes as pairs of hex digits; or - or @FILE", &Invocation::hex},
@@ -58,6 +67,13 @@ constexpr std::array<VerbFlag, 5> kSetFlags{{
     {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
 }};
+constexpr std::array<VerbFlag, 4> kExportFlags{{
+    kJson,
+    kQuiet,
+    kVerbose,
+    {"--include-secrets", "write keys, too; keep such a document private",
+     &Invocation::include_secrets},
+}};
 constexpr std::array<VerbFlag, 4> kRestartFlags{{
     kJson,
     kQuiet,
@@ -66,7 +82,7 @@ constexpr std::array<VerbFlag, 4> kRestartFlags{{
      &Invocation::notify_only},
 }};
 
-constexpr std::array<Verb, 10> kVerbs{{
+constexpr std::array<Verb, 14> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -158,6 +174,69 @@ constexpr std::array<Verb, 10> kVerbs{{
      kChangeOptions,
      kRestartFlags,
      RunRestart},
+    {"apply",
+     "FILE|-|NAME=VALUE... [OPTION...]",
+     "change settings as one change, and restart",
+     "FILE is a JSON document as export writes it, - reads it from standard input. All\n"
+     "values are checked first; if one is not valid, nothing is changed. Only settings\n"
+     "with another value on the device are set. Then the interfaces that need it are\n"
+     "restarted, and all values are compared with the device once more.\n"
+     "\n"
+     "If a step fails, all files and values are put back, and the interfaces are\n"
+     "restarted again. If the method leaves dhcp, the DHCP client is ended first.\n"
+     "\n"
+     "With method dhcp, the address, netmask and gateway in a document are skipped.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl apply eth0.method=static eth0.address=192.168.0.10/24\n"
+     "  velkctl apply network.json --restart never\n"
+     "  velkctl apply - --json <network.json",
+     {.least = 1, .most = kAnyNumber, .takes_value = true},
+     kApplyOptions,
+     kJsonFlags,
+     RunApply},
+    {"export",
+     "[OPTION...]",
+     "print all settings as one JSON document",
+     "apply, import and diff take the document. Its settings are those that can be\n"
+     "changed, its facts all other values. Keys are left out unless --include-secrets\n"
+     "is given. Settings that cannot be read are left out; that is an error unless the\n"
+     "adapter is missing or the cable is in.\n"
+     "\n"
+     "Example:\n"
+     "  velkctl export >network.json",
+     {},
+     kReadOptions,
+     kExportFlags,
+     RunExport},
+    {"import",
+     "FILE|- [OPTION...]",
+     "apply a document that export has written",
+     "Like apply, and can select settings. Settings that the document does not have,\n"
+     "such as keys, are left alone.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl import network.json\n"
+     "  velkctl import network.json --only eth0,ntp-server\n"
+     "  velkctl import - --only 'eth*.dns' <network.json",
+     {.least = 1, .most = 1},
+     kImportOptions,
+     kJsonFlags,
+     RunImport},
+    {"diff",
+     "FILE|- [FILE] [OPTION...]",
+     "compare a document with the device or with another one",
+     "Prints the settings that differ, with the value of the first document and the\n"
+     "other one. The exit status is 0 if there are none, else 6. Of the device, only\n"
+     "settings in the document are compared. Keys are shown as ********.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl diff network.json\n"
+     "  velkctl diff before.json after.json --only eth0",
+     {.least = 1, .most = 2},
+     kDiffOptions,
+     kJsonFlags,
+     RunDiff},
     {"list",
      "[eth0|eth1] [OPTION...]",
      "list all settings, or those of an interface",

@@ -22,6 +22,8 @@ struct Invocation {
     std::optional<std::string> wait{};     // seconds, unparsed
     std::optional<std::string> timeout{};  // seconds, unparsed
     TimeLimits limits{};                   // the same, parsed
+    std::optional<std::string> restart{};  // auto, never or interfaces
+    std::optional<std::string> only{};     // names and patterns, with commas between them
     bool json = false;
     bool show_secrets = false;
     bool notify_only = false;
@@ -31,6 +33,7 @@ struct Invocation {
     bool force = false;
     bool no_verify = false;
     bool no_pager = false;
+    bool include_secrets = false;
     bool help = false;
     bool version = false;
     bool beside_secret = false;  // any word may be a secret
@@ -96,6 +99,10 @@ ExitStatus RunCall(const Invocation& invocation, Report& report);
 ExitStatus RunExplain(const Invocation& invocation, Report& report);
 ExitStatus RunStatus(const Invocation& invocation, Report& report);
 ExitStatus RunDoctor(const Invocation& invocation, Report& report);
+ExitStatus RunApply(const Invocation& invocation, Report& report);
+ExitStatus RunImport(const Invocation& invocation, Report& report);
+ExitStatus RunExport(const Invocation& invocation, Report& report);
+ExitStatus RunDiff(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

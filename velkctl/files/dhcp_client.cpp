@@ -117,6 +117,7 @@ DhcpClient ReadDhcpClient(const std::string& interface) {
         const TextFile file = ReadTextFile(LeaseFileOf(command_line, interface));
         if (IsDhcpClientFor(command_line, interface)) {
             client.is_running = true;
+            client.process_id = process.id;
             client.is_lease_known |= file.state == FileState::kText;
         }
         const std::optional<Lease> lease = LeaseIn(file.lines, interface, now);

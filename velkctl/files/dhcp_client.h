@@ -21,6 +21,7 @@ struct Lease {
 
 struct DhcpClient {
     bool is_running = false;
+    int process_id = 0;            // one of those that run; 0: none
     bool is_lease_known = false;   // false if its lease file cannot be read
     std::optional<Lease> lease{};  // nothing if it has none, or it has expired
 };

@@ -31,6 +31,9 @@ Json CauseOf(const Problem& problem) {
     Json cause;
     cause["file"] = problem.file;
     cause["line"] = problem.line == 0 ? Json(nullptr) : Json(problem.line);
+    if (!problem.pointer.empty()) {
+        cause["pointer"] = problem.pointer;
+    }
     return cause;
 }
 

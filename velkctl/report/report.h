@@ -21,8 +21,9 @@ struct Problem {
     std::optional<int> result{};  // the result of the library, if the library reported the failure
     std::string detail{};         // the reason
     std::string remedy{};
-    std::string file{};  // the place of the likely cause; empty: unknown
-    size_t line = 0;     // 0: no line of the file
+    std::string file{};     // the place of the likely cause; empty: unknown
+    size_t line = 0;        // 0: no line of the file
+    std::string pointer{};  // the JSON pointer to a value in the file; empty: none
 };
 
 // Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if

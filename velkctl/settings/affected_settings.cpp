@@ -62,6 +62,11 @@ AffectedSettings SettingsWithKey(std::string_view key) {
         [&](const Setting& setting) { return setting.row->held_in.line.key == key; });
 }
 
+AffectedSettings SettingsBeside(const Setting& setting) {
+    const char* file = setting.row->held_in.second_line.file;
+    return file == nullptr ? AffectedSettings() : SettingsHeldIn(file);
+}
+
 AffectedSettings SettingsChanging(std::string_view file) {
     AffectedSettings settings;
     for (const SettingLine& line : LinesOfSettings(file)) {

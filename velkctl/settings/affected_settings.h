@@ -28,6 +28,9 @@ AffectedSettings SettingsHeldIn(std::string_view file, std::string_view interfac
 // Returns the settings held in a line with this key.
 AffectedSettings SettingsWithKey(std::string_view key);
 
+// Returns the settings in the second file that a set of this one changes.
+AffectedSettings SettingsBeside(const Setting& setting);
+
 // Returns the settings that change the file when set.
 AffectedSettings SettingsChanging(std::string_view file);
 

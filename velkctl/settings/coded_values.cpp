@@ -117,4 +117,12 @@ nlohmann::ordered_json CodedKind::ToJson(const Data& data) const {
     return has_names() ? nlohmann::ordered_json(Print(data)) : nlohmann::ordered_json(code);
 }
 
+Parsed CodedKind::FromJson(const nlohmann::ordered_json& value) const {
+    if (has_names() ? !value.is_string() : !value.is_number_integer()) {
+        return WrongType(value, has_names() ? "string" : "number");
+    }
+    const std::string word = has_names() ? value.get<std::string>() : value.dump();
+    return Parse({&word, 1});
+}
+
 }  // namespace velkctl

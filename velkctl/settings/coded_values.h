@@ -34,6 +34,7 @@ class CodedKind final : public ValueKind {
     std::string Print(const Data& data) const override;
     // A text if the table has names, else a number. The type does not depend on the value.
     nlohmann::ordered_json ToJson(const Data& data) const override;
+    Parsed FromJson(const nlohmann::ordered_json& value) const override;
 
   private:
     bool has_names() const;

@@ -166,4 +166,14 @@ nlohmann::ordered_json ServerListKind::ToJson(const Data& data) const {
     return servers;
 }
 
+Parsed ServerListKind::FromJson(const nlohmann::ordered_json& value) const {
+    if (!value.is_array()) {
+        return WrongType(value, "array");
+    }
+    if (!std::ranges::all_of(value, [](const auto& server) { return server.is_string(); })) {
+        return Unparsable("an element of it is not a string" + Give());
+    }
+    return value.empty() ? Parsed() : Parse(value.get<std::vector<std::string>>());
+}
+
 }  // namespace velkctl

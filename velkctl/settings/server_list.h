@@ -15,6 +15,7 @@ class ServerListKind final : public ValueKind {
     Parsed Force(std::span<const std::string> words) const override;
     std::string Print(const Data& data) const override;
     nlohmann::ordered_json ToJson(const Data& data) const override;
+    Parsed FromJson(const nlohmann::ordered_json& value) const override;
 };
 
 }  // namespace velkctl

@@ -28,9 +28,8 @@ std::string TextKind::Problem(std::string_view text) const {
 }
 
 Parsed TextKind::Parse(std::span<const std::string> words) const {
-    Parsed parsed;
     if (words.size() == 1 && words.front() == empty_) {
-        return parsed;
+        return {};
     }
     if (const std::string problem = OneWordProblem(words); !problem.empty()) {
         return Unparsable(problem + (words.empty() ? "" : ", in quotes if it has blanks"));
@@ -41,12 +40,24 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
             "'none' would be a text here; give '' to clear the setting, or --force to set that "
             "text");
     }
-    const std::string text = UnprintedValue(words.front());
+    return ParseText(words.front());
+}
+
+Parsed TextKind::ParseText(std::string_view word) const {
+    const std::string text = UnprintedValue(word);
+    Parsed parsed;
     parsed.problem = Problem(text);
     if (parsed.ok()) {
         (void)text.copy(parsed.data.data(), parsed.data.size());
     }
     return parsed;
+}
+
+Parsed TextKind::FromJson(const nlohmann::ordered_json& value) const {
+    if (value == ToJson(Data{})) {
+        return {};
+    }
+    return value.is_string() ? ParseText(value.get<std::string>()) : WrongType(value, "string");
 }
 
 std::string TextKind::Print(const Data& data) const {

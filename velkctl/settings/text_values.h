@@ -29,8 +29,11 @@ class TextKind final : public ValueKind {
     std::vector<Meaning> Meanings() const override;
     std::string Print(const Data& data) const override;
     nlohmann::ordered_json ToJson(const Data& data) const override;
+    // A text is taken as it is: "none" has four letters here.
+    Parsed FromJson(const nlohmann::ordered_json& value) const override;
 
   private:
+    Parsed ParseText(std::string_view word) const;
     std::string Problem(std::string_view text) const;
 
     std::string_view empty_;

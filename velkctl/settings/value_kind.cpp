@@ -40,6 +40,19 @@ nlohmann::ordered_json ValueKind::ToJson(const Data& data) const {
     return text == kNone ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
 }
 
+Parsed ValueKind::FromJson(const nlohmann::ordered_json& value) const {
+    if (!value.is_null() && !value.is_string()) {
+        return WrongType(value, "string");
+    }
+    const std::string word = value.is_null() ? std::string(kNone) : value.get<std::string>();
+    return Parse({&word, 1});
+}
+
+Parsed ValueKind::WrongType(const nlohmann::ordered_json& value, std::string_view type) const {
+    std::string problem = "its JSON type is ";
+    return Unparsable(problem.append(value.type_name()).append(", not ").append(type) + Give());
+}
+
 std::string PrintText(const Data& data, std::string_view empty) {
     const std::string_view text(data.data(), strnlen(data.data(), data.size()));
     return text.empty() ? std::string(empty) : PrintableValue(text);

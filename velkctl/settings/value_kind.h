@@ -35,6 +35,9 @@ class ValueKind {
     // Like Parse(), but also accepts values that Parse() refuses, if they fit the form.
     virtual Parsed Force(std::span<const std::string> words) const;
 
+    // Returns the data bytes of a value of ToJson(). Its texts have no NUL.
+    virtual Parsed FromJson(const nlohmann::ordered_json& value) const;
+
     // Returns one line without its end, with control characters escaped.
     virtual std::string Print(const Data& data) const = 0;
 
@@ -61,6 +64,10 @@ class ValueKind {
 
     // Returns the problem with words that are not exactly one; empty if they are.
     std::string OneWordProblem(std::span<const std::string> words) const;
+
+    // Returns the problem of a JSON value of another type: "its JSON type is number, not string;
+    // give on or off".
+    Parsed WrongType(const nlohmann::ordered_json& value, std::string_view type) const;
 };
 
 // The word for an empty value, unless a kind has its own.

@@ -8,7 +8,7 @@
 
 #include "lib/base/find_row.h"
 #include "velkctl/call/device.h"
-#include "velkctl/cli/secret_source.h"
+#include "velkctl/changes/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"

@@ -17,12 +17,6 @@
 namespace velkctl {
 namespace {
 
-// Returns the settings in the second file that a set of this one changes.
-AffectedSettings SettingsBeside(const Setting& setting) {
-    const char* file = setting.row->held_in.second_line.file;
-    return file == nullptr ? AffectedSettings() : SettingsHeldIn(file);
-}
-
 // Returns the settings that sets of these may switch.
 AffectedSettings SettingsBeside(const std::vector<Setting>& settings) {
     AffectedSettings beside;

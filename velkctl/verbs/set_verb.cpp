@@ -3,10 +3,10 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
-#include "velkctl/cli/verb_arguments.h"
+#include "velkctl/changes/change_set.h"
+#include "velkctl/changes/change_words.h"
 #include "velkctl/cli/verbs.h"
-#include "velkctl/verbs/change_set.h"
-#include "velkctl/verbs/change_words.h"
+#include "velkctl/text/assignment.h"
 #include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
@@ -24,7 +24,7 @@ void AddConflicts(RequestedChanges& requested, bool force, const Device& device)
 // Returns the changes to make, sorted. Asks for secrets only if the other values have no problem.
 // Reports all problems; then returns nothing.
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
-    RequestedChanges requested = ReadChanges(invocation);
+    RequestedChanges requested = ReadChanges(invocation.words, invocation.force);
     AddConflicts(requested, invocation.force, device);
     if (requested.problems.empty() && !requested.open.empty()) {
         AskForSecrets(requested, invocation.force);
@@ -110,7 +110,7 @@ void CheckWordsOfSet(const Invocation& invocation, Report& report) {
     if (!IsAssignment(invocation.words.front())) {
         return;
     }
-    for (const Problem& problem : ReadChanges(invocation).problems) {
+    for (const Problem& problem : ReadChanges(invocation.words, invocation.force).problems) {
         report.Complain(problem);
     }
 }

@@ -37,11 +37,11 @@ offered() {
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
 offered '' -- s -- li -- nonsense '' -- help d -- help get ''
-output_is 'get set show restart list describe explain status doctor call help
+output_is 'get set show restart apply export import diff list describe explain status doctor call help
 set show status
 list
 (nothing)
-describe doctor
+diff describe doctor
 (nothing)'
 
 it 'offers the options of the verb, and those in front of it'
@@ -52,6 +52,26 @@ output_is '-h --help --version --json --quiet --verbose
 --notify-only
 -h --help --json --quiet --verbose --no-pager
 -h --help --json --quiet --verbose'
+
+it 'offers documents and settings to apply, and documents to import and compare'
+offered apply eth0.me -- apply eth0.method=s -- apply ntp=on eth0.me -- apply /tmp/keys/p -- apply x y \
+    -- import /tmp/keys/w -- import a '' -- diff /tmp/keys/m -- diff a /tmp/keys/p -- diff a b '' -- export e
+output_is 'eth0.method=
+eth0.method=static
+eth0.method=
+/tmp/keys/psk
+(nothing)
+/tmp/keys/wep\ key
+(nothing)
+/tmp/keys/more/
+/tmp/keys/psk
+(nothing)
+(nothing)'
+offered apply --restart '' -- import --only eth0.d -- import --only eth1.w -- diff --timeout ''
+output_is 'auto never eth0 eth1
+eth0.dhcp-dns eth0.dns eth0.dhcp-notice
+eth1.wep-key-1 eth1.wep-key-2 eth1.wep-key-3 eth1.wep-key-4 eth1.wep-default-key
+(nothing)'
 
 # ---- settings ---------------------------------------------------------------------------------
 it 'offers readable settings for get, also after other names'

@@ -839,6 +839,10 @@ output_has '
   set       change settings
   show      show all settings, or those of an interface
   restart   bring an interface down and up to apply its settings
+  apply     change settings as one change, and restart
+  export    print all settings as one JSON document
+  import    apply a document that export has written
+  diff      compare a document with the device or with another one
   list      list all settings, or those of an interface
   describe  describe a setting and its values
   explain   explain a result of the library or an exit status
@@ -867,7 +871,7 @@ for words in -h help 'help help' 'help --help'; do
 done
 
 it 'explains each verb, with an example'
-for verb in get set show restart list describe explain doctor call; do
+for verb in get set show restart apply export import diff list describe explain doctor call; do
     run velkctl "$verb" --help
     status_is 0
     error_is ''

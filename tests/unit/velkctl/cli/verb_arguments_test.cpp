@@ -196,16 +196,4 @@ TEST(Option, IsKnownByItsWholeName) {
     EXPECT_FALSE(velkctl::HasOption(VerbOf("list"), "--text"));
 }
 
-TEST(Assignment, HasAnEqualsSign) {
-    EXPECT_TRUE(velkctl::IsAssignment("ntp=on"));
-    EXPECT_TRUE(velkctl::IsAssignment("ntp="));
-    EXPECT_FALSE(velkctl::IsAssignment("ntp"));
-}
-
-TEST(Option, IsNamedWithoutItsValue) {
-    EXPECT_EQ(velkctl::WithoutValue("--text=a=b"), "--text");
-    EXPECT_EQ(velkctl::WithoutValue("--text"), "--text");
-    EXPECT_EQ(velkctl::WithoutValue("=a"), "");
-}
-
 }  // namespace

@@ -59,4 +59,48 @@ TEST(EverySetting, HasOneJsonTypeBesidesNull) {
     }
 }
 
+// The data bytes that set accepts, as get --json shows them.
+TEST(EverySetting, TakesTheJsonValueThatItShows) {
+    int taken = 0;
+    for (const CatalogueRow& row : Catalogue()) {
+        for (const Data& data : Samples()) {
+            const std::string word = row.kind->Print(data);
+            const velkctl::Parsed accepted = row.kind->Parse({&word, 1});
+            if (!accepted.ok()) {
+                continue;
+            }
+            const nlohmann::ordered_json value = row.kind->ToJson(accepted.data);
+            const velkctl::Parsed parsed = row.kind->FromJson(value);
+            EXPECT_EQ(parsed.problem, "") << row.name << " " << value;
+            EXPECT_EQ(row.kind->ToJson(parsed.data), value) << row.name;
+            ++taken;
+        }
+    }
+    EXPECT_GT(taken, 100);
+}
+
+TEST(EverySetting, RefusesAJsonValueOfAnotherType) {
+    for (const CatalogueRow& row : Catalogue()) {
+        for (const char* text : {"true", "1.5", "{}", "[{}]", "[1]", "18446744073709551615"}) {
+            const nlohmann::ordered_json value = nlohmann::ordered_json::parse(text);
+            EXPECT_NE(row.kind->FromJson(value).problem, "") << row.name << " " << text;
+        }
+    }
+}
+
+// Words of a command line have other meanings here.
+TEST(AText, IsTakenAsItIsFromJson) {
+    const auto print = [](std::string_view name, const nlohmann::ordered_json& value) {
+        const velkctl::Setting setting = *velkctl::FindSetting(name);
+        const velkctl::Parsed parsed = setting.row->kind->FromJson(value);
+        return parsed.ok() ? std::string(parsed.data.data()) : parsed.problem;
+    };
+    EXPECT_EQ(print("ssid", "none"), "none");
+    EXPECT_EQ(print("ssid", "''"), "''");
+    EXPECT_EQ(print("ssid", "\\xc3\\xa4"), "\xC3\xA4");
+    EXPECT_EQ(print("psk", "none"), "none");
+    EXPECT_EQ(print("psk", nullptr), "");
+    EXPECT_EQ(print("psk", ""), "0 bytes given; give a text of 1 to 64 bytes, or none");
+}
+
 }  // namespace

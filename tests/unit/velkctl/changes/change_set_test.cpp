@@ -1,5 +1,5 @@
 // Changes that are checked and made together.
-#include "velkctl/verbs/change_set.h"
+#include "velkctl/changes/change_set.h"
 
 #include <string>
 #include <vector>

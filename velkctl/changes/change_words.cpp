@@ -1,13 +1,13 @@
 // change_words.cpp - reads the changes that the words of a command line ask for.
-#include "velkctl/verbs/change_words.h"
+#include "velkctl/changes/change_words.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "velkctl/cli/secret_source.h"
-#include "velkctl/cli/verb_arguments.h"
+#include "velkctl/changes/secret_source.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -197,9 +197,8 @@ class ChangeReader {
 
 }  // namespace
 
-RequestedChanges ReadChanges(const Invocation& invocation) {
-    const Words& words = invocation.words;
-    ChangeReader reader(invocation.force);
+RequestedChanges ReadChanges(const Words& words, bool force) {
+    ChangeReader reader(force);
     if (HasBlankAtEquals(words)) {
         reader.RefuseBlank(words.front());
     } else if (IsAssignment(words.front())) {

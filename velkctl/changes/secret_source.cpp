@@ -1,5 +1,5 @@
 // secret_source.cpp - reads secrets that are not on the command line.
-#include "velkctl/cli/secret_source.h"
+#include "velkctl/changes/secret_source.h"
 
 #include <array>
 #include <cerrno>

@@ -1,5 +1,5 @@
 // change_set.cpp - changes that are checked together before the first of them is made.
-#include "velkctl/verbs/change_set.h"
+#include "velkctl/changes/change_set.h"
 
 #include <algorithm>
 #include <span>

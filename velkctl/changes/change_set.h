@@ -1,6 +1,6 @@
 // change_set.h - changes that are checked together before the first of them is made.
-#ifndef VELKCTL_VERBS_CHANGE_SET_H_
-#define VELKCTL_VERBS_CHANGE_SET_H_
+#ifndef VELKCTL_CHANGES_CHANGE_SET_H_
+#define VELKCTL_CHANGES_CHANGE_SET_H_
 
 #include <optional>
 #include <vector>
@@ -48,4 +48,4 @@ std::vector<MadeChange> MakeChanges(const ChangeSet& changes, ChangeOptions opti
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_VERBS_CHANGE_SET_H_
+#endif  // VELKCTL_CHANGES_CHANGE_SET_H_

@@ -1,6 +1,6 @@
 // restart_result.h - whether a restarted interface is up with its address.
-#ifndef VELKCTL_VERBS_RESTART_RESULT_H_
-#define VELKCTL_VERBS_RESTART_RESULT_H_
+#ifndef VELKCTL_CHANGES_RESTART_RESULT_H_
+#define VELKCTL_CHANGES_RESTART_RESULT_H_
 
 #include <string>
 #include <vector>
@@ -22,8 +22,9 @@ struct RestartFacts {
     std::string interface;
     InterfaceState state{};
     AddressSource source = AddressSource::kUnknown;
-    std::string configured{};                // the static address; empty: unknown
-    bool is_cable_in = false;                // in eth0; then eth1 comes up without an address
+    std::string configured{};  // the static address; empty: unknown
+    bool is_cable_in = false;  // in eth0; then eth1 comes up without an address
+    int left_client = 0;       // with method static, a DHCP client of the interface; 0: none runs
     std::vector<std::string> tool_output{};  // from ifdown, ifup and the DHCP client
 };
 
@@ -47,4 +48,4 @@ Json StateInJson(const RestartFacts& facts);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_VERBS_RESTART_RESULT_H_
+#endif  // VELKCTL_CHANGES_RESTART_RESULT_H_

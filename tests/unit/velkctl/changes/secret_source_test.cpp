@@ -1,4 +1,4 @@
-#include "velkctl/cli/secret_source.h"
+#include "velkctl/changes/secret_source.h"
 
 #include <string>
 

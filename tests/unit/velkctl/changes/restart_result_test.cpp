@@ -1,5 +1,5 @@
 // Whether a restarted interface is up with its address.
-#include "velkctl/verbs/restart_result.h"
+#include "velkctl/changes/restart_result.h"
 
 #include <string>
 #include <vector>
@@ -45,6 +45,18 @@ TEST(RestartResultTest, AnAddressFromDhcp) {
     EXPECT_EQ(Judged(facts), "eth0: 192.168.0.109 from DHCP");
     facts.tool_output = {kOnEth0, kNoOffers, kBound};
     EXPECT_EQ(Judged(facts), "eth0: 192.168.0.109 from DHCP");
+}
+
+TEST(RestartResultTest, ADhcpClientThatIsLeftWithMethodStatic) {
+    RestartFacts facts = Up(AddressSource::kStatic, {"192.168.0.10"});
+    facts.configured = "192.168.0.10";
+    facts.left_client = 77;
+    EXPECT_EQ(
+        Judged(facts),
+        "eth0: up, but a DHCP client still runs for it; process 77 may replace the configured "
+        "address later; fix: 'sudo kill 77', then run 'velkctl restart eth0' again");
+    facts.left_client = 0;
+    EXPECT_EQ(Judged(facts), "eth0: 192.168.0.10 (static)");
 }
 
 TEST(RestartResultTest, NoAddressFromDhcp) {

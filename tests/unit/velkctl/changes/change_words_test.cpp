@@ -1,5 +1,5 @@
 // The changes that the words of "velkctl set" ask for.
-#include "velkctl/verbs/change_words.h"
+#include "velkctl/changes/change_words.h"
 
 #include <string>
 #include <vector>
@@ -18,10 +18,7 @@ using velkctl::RequestedChanges;
 using Words = std::vector<std::string>;
 
 RequestedChanges Read(const Words& words, bool force = false) {
-    velkctl::Invocation invocation;
-    invocation.words = words;
-    invocation.force = force;
-    return ReadChanges(invocation);
+    return velkctl::ReadChanges(words, force);
 }
 
 // "eth0.address 10.0.0.1" for each change.

@@ -1,5 +1,5 @@
 // restart_result.cpp - whether a restarted interface is up with its address.
-#include "velkctl/verbs/restart_result.h"
+#include "velkctl/changes/restart_result.h"
 
 #include <algorithm>
 #include <string_view>
@@ -125,7 +125,19 @@ std::string OtherAddresses(const RestartFacts& facts) {
     return others;
 }
 
+// The client of a method before keeps its lease up to date: it gives the interface its address
+// again and, when the lease ends, takes the configured one away.
+RestartResult JudgeLeftClient(const RestartFacts& facts) {
+    const std::string process = std::to_string(facts.left_client);
+    return Bad(facts, "up, but a DHCP client still runs for it",
+               "process " + process + " may replace the configured address later",
+               "'sudo kill " + process + "', then " + RunAgain(facts));
+}
+
 RestartResult JudgeStatic(const RestartFacts& facts) {
+    if (facts.left_client != 0) {
+        return JudgeLeftClient(facts);
+    }
     if (facts.configured.empty() || !facts.state.Has(facts.configured)) {
         return Bad(facts, "up, but its address is " + facts.state.address(),
                    facts.configured.empty() ? "its configured address cannot be read"

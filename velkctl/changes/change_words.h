@@ -1,14 +1,13 @@
 // change_words.h - reads the changes that the words of a command line ask for.
-#ifndef VELKCTL_VERBS_CHANGE_WORDS_H_
-#define VELKCTL_VERBS_CHANGE_WORDS_H_
+#ifndef VELKCTL_CHANGES_CHANGE_WORDS_H_
+#define VELKCTL_CHANGES_CHANGE_WORDS_H_
 
 #include <string>
 #include <vector>
 
-#include "velkctl/cli/verbs.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/verbs/change_set.h"
 
 namespace velkctl {
 
@@ -27,11 +26,11 @@ struct RequestedChanges {
 // Reads "NAME VALUE..." or, if the first word has an "=", any number of "NAME=VALUE". A prefix
 // length after an address is a change of the netmask. Reads secrets from files; leaves the others
 // open.
-RequestedChanges ReadChanges(const Invocation& invocation);
+RequestedChanges ReadChanges(const std::vector<std::string>& words, bool force);
 
 // Reads the open secrets from standard input, or asks for them, and adds their changes.
 void AskForSecrets(RequestedChanges& requested, bool force);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_VERBS_CHANGE_WORDS_H_
+#endif  // VELKCTL_CHANGES_CHANGE_WORDS_H_

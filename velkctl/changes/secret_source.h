@@ -1,6 +1,6 @@
 // secret_source.h - reads secrets that are not on the command line.
-#ifndef VELKCTL_CLI_SECRET_SOURCE_H_
-#define VELKCTL_CLI_SECRET_SOURCE_H_
+#ifndef VELKCTL_CHANGES_SECRET_SOURCE_H_
+#define VELKCTL_CHANGES_SECRET_SOURCE_H_
 
 #include <string>
 
@@ -27,4 +27,4 @@ Secret AskForSecret(const std::string& name);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_CLI_SECRET_SOURCE_H_
+#endif  // VELKCTL_CHANGES_SECRET_SOURCE_H_

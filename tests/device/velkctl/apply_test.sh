@@ -1,0 +1,182 @@
+# apply_test.sh - settings as one change: apply, export, import and diff.
+# shellcheck shell=bash
+# shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
+# shellcheck source=tests/device/lib.sh
+. "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+
+needs_sandbox
+
+state_word='state() { cat /etc/network/interfaces /etc/dhclient* /etc/resolv.dnsmasq.conf \
+    /etc/snmp/* /var/cron/tabs/root /var/libvelk/libvelk 2>/dev/null | cksum; }
+'
+# With an adapter, a restart of eth0 takes more than a minute.
+script() { on_device sh -c "velk-sandbox adapter out; $state_word$1"; }
+wireless_script() { on_device sh -c "velk-sandbox cable out; $state_word$1"; }
+# Runs a script and checks that it changes no file of the settings.
+changes_nothing() { # SCRIPT
+    script 'before=$(state); '"$1"'; status=$?; [ "$before" = "$(state)" ] || echo changed
+        exit $status'
+}
+
+# ---- apply ------------------------------------------------------------------------------------
+it 'sets the differences, restarts and says so'
+script 'velkctl apply eth0.address=192.168.0.77/24 eth0.gateway=192.168.0.1 location=here --json >/tmp/out
+    echo $?; grep -c "\"old\"" /tmp/out; velkctl get eth0.address location; tail -1 /etc/resolv.dnsmasq.conf >&2'
+output_is '0
+2
+eth0.address  192.168.0.77
+location      here'
+script 'velkctl apply location=here; velkctl apply location=here; velkctl apply eth0.gateway=none'
+status_is 0
+error_is ''
+output_has 'applied 1 setting
+nothing to change
+applied 1 setting, restarted eth0 ('
+
+it 'reads a document from a file and from standard input'
+script 'echo "{\"schema\": 1, \"settings\": {\"location\": \"a\", \"ntp\": \"off\"}}" >/tmp/a=b
+    velkctl apply /tmp/a=b && echo "{\"schema\": 1, \"settings\": {\"location\": \"b\"}}" |
+        velkctl apply - && velkctl get location ntp'
+status_is 0
+output_is 'applied 2 settings
+applied 1 setting
+location  b
+ntp       off'
+
+it 'reports all errors of a document, each with its place, and changes nothing'
+changes_nothing 'echo "{\"schema\": 1, \"settings\": {\"eth0.address\": \"192.168.0.300\",
+    \"eth0.gatway\": null, \"ntp\": true, \"location\": \"new\", \"location\": \"x\"}, \"facs\": {}}" |
+    velkctl apply -'
+status_is 2
+output_is ''
+error_is "velkctl: standard input: given twice; at /settings/location; give it once
+velkctl: standard input: unknown member; at /facs; did you mean facts?
+velkctl: standard input: unknown setting 'eth0.gatway'
+  at /settings/eth0.gatway
+  fix: did you mean eth0.gateway?
+velkctl: eth0.address: '192.168.0.300' is not an IPv4 address
+  at /settings/eth0.address in standard input
+  fix: give an IPv4 address such as 192.168.0.10
+velkctl: ntp: its JSON type is boolean, not string
+  at /settings/ntp in standard input
+  fix: give on or off"
+changes_nothing 'printf "{\n \"schema\": 1,\n}" | velkctl apply -'
+status_is 2
+error_is "velkctl: standard input: not JSON at line 3, column 1
+  fix: correct the text there; 'velkctl export' prints a document"
+
+it 'refuses words that are neither a document nor NAME=VALUE'
+changes_nothing 'velkctl apply location here'
+status_is 2
+error_is 'velkctl: apply: several words given; give one document or NAME=VALUE words'
+changes_nothing 'velkctl apply ntp=on --restart sometimes'
+status_is 2
+error_has "velkctl: --restart: 'sometimes' is not valid"
+changes_nothing 'velkctl apply /tmp/none.json'
+status_is 2
+error_has 'velkctl: /tmp/none.json: cannot be read
+  No such file or directory'
+
+it 'puts everything back if a step fails'
+script 'rm /etc/dhclient-exit-hooks; before=$(state)
+    velkctl apply location=there eth0.address=192.168.0.77 eth0.apipa=off
+    status=$?; [ "$before" = "$(state)" ] || echo changed; exit $status'
+status_is 1
+output_is ''
+error_has 'velkctl: note: all settings are as before'
+
+it 'puts everything back if the restarted interface is not as configured'
+changes_nothing 'printf "#!/bin/sh\necho ifup: failed to bring up \$1 >&2\n" >/tmp/ifup
+    chmod +x /tmp/ifup; mount --bind /tmp/ifup "$(command -v ifup)"
+    velkctl apply eth0.address=192.168.0.77 --json >/tmp/out; code=$?
+    grep taken_back /tmp/out; exit $code'
+status_is 1
+output_is '  "taken_back": true,'
+
+it 'restarts what the caller names'
+script 'velkctl apply eth0.gateway=none --restart never && velkctl apply ntp=off --restart eth0'
+status_is 0
+output_has 'applied 1 setting
+applied 1 setting, restarted eth0 ('
+
+# ---- export and import ------------------------------------------------------------------------
+it 'changes nothing when an export is imported'
+changes_nothing 'velkctl export >/tmp/net.json && velkctl import /tmp/net.json && velkctl diff /tmp/net.json'
+status_is 0
+output_is 'nothing to change'
+script 'velkctl set --force eth0.gateway 10.9.9.9 && velkctl export | velkctl import -'
+status_is 0
+output_is 'nothing to change'
+
+it 'gives the document back after an import'
+script 'velkctl export --quiet >/tmp/before.json
+    velkctl apply eth0.address=192.168.0.80 eth0.netmask=255.255.0.0 eth0.gateway=none \
+        eth0.dns=192.168.0.5,192.168.0.6 location="a \"b\" \\" administrator= ntp=off \
+        ntp-server=time.example web-update="monthly 31 08:30" eth0.apipa=off --quiet &&
+    velkctl export --quiet >/tmp/first.json && velkctl import /tmp/before.json --quiet &&
+    velkctl export --quiet | cmp - /tmp/before.json &&
+    velkctl import /tmp/first.json --quiet && velkctl export --quiet | cmp - /tmp/first.json'
+status_is 0
+error_is ''
+output_is ''
+
+it 'imports only the settings that are asked for'
+script 'velkctl export >/tmp/net.json
+    velkctl set location=x administrator=y eth0.gateway=192.168.0.2 --quiet
+    velkctl import /tmp/net.json --only location,eth0.gate* --restart never &&
+    velkctl diff /tmp/net.json'
+status_is 6
+output_is 'applied 2 settings
+administrator: "Robin" -> "y"'
+changes_nothing 'velkctl export --quiet >/tmp/net.json; velkctl import /tmp/net.json --only eth0.adress,eth9*'
+status_is 2
+error_is "velkctl: import: --only: unknown setting 'eth0.adress'
+  fix: did you mean eth0.address?
+velkctl: import: --only: 'eth9*' matches no setting
+  fix: 'velkctl list' names them all"
+
+it 'leaves keys out of an export, and alone in an import'
+wireless_script 'velkctl set eth1.psk=secretkey --quiet && velkctl export >/tmp/net.json &&
+    grep -c secretkey /tmp/net.json; velkctl export --include-secrets >/tmp/all.json
+    grep -c secretkey /tmp/all.json
+    velkctl import /tmp/net.json && velkctl set eth1.psk=other-key --quiet
+    velkctl import /tmp/net.json && velkctl diff /tmp/all.json
+    velkctl import /tmp/all.json --restart never && velkctl diff /tmp/all.json && velkctl get eth1.psk --show-secrets'
+output_is '0
+1
+nothing to change
+nothing to change
+eth1.psk: "********" -> "********"
+applied 1 setting
+secretkey'
+
+it 'names the settings of eth1 that it leaves out'
+script 'velkctl export >/dev/null'
+status_is 0
+error_has ' settings of eth1 are left out
+  they need a wireless adapter'
+
+# ---- DHCP -------------------------------------------------------------------------------------
+it 'skips the addresses of an interface that gets them from DHCP'
+script 'velkctl export --quiet >/tmp/net.json; velkctl set eth0.method dhcp --quiet
+    velkctl apply eth0.address=10.0.0.1; velkctl diff /tmp/net.json --only eth0.gateway'
+status_is 0
+output_is 'nothing to change'
+error_is 'velkctl: note: eth0.address: not applied, as its value comes from DHCP
+velkctl: note: eth0.gateway: not compared, as its value comes from DHCP'
+
+# ---- diff -------------------------------------------------------------------------------------
+it 'compares two documents'
+script 'echo "{\"schema\": 1, \"settings\": {\"location\": \"a\", \"ntp\": \"on\"}}" >/tmp/a
+    echo "{\"schema\": 1, \"settings\": {\"ntp\": \"off\", \"eth0.dns\": []}}" >/tmp/b
+    velkctl diff /tmp/a /tmp/b; echo $?; velkctl diff /tmp/a /tmp/a; echo $?
+    velkctl diff /tmp/a /tmp/b --only ntp-server; echo $?; velkctl diff /tmp/a /tmp/none 2>/dev/null'
+status_is 2
+output_is 'location: "a" -> (not in it)
+ntp: "on" -> "off"
+eth0.dns: (not in it) -> []
+6
+0
+0'
+
+finish

@@ -1,0 +1,39 @@
+// change_record.h - the state before a change, to put it back.
+#ifndef VELKCTL_CHANGES_CHANGE_RECORD_H_
+#define VELKCTL_CHANGES_CHANGE_RECORD_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "velkctl/call/device.h"
+#include "velkctl/changes/change_set.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+
+namespace velkctl {
+
+// Begin() comes first. A function that returns a problem has done nothing.
+class ChangeRecord {
+  public:
+    // Keeps the files that the steps touch and the old values of their settings.
+    virtual std::optional<Problem> Begin(const ChangeSet& steps,
+                                         const std::vector<std::string>& restarts,
+                                         const Device& device) = 0;
+    // Keeps the files as they are after one more step.
+    virtual void StepMade() = 0;
+    // Writes the touched files to disk.
+    virtual std::optional<Problem> Flush() = 0;
+    // The change is done.
+    virtual std::optional<Problem> Finish() = 0;
+    // Puts the files and values back, and reports each that could not be. Returns kFailed if all
+    // are back.
+    virtual ExitStatus TakeBack(const Device& device, Report& report) = 0;
+
+  protected:
+    ~ChangeRecord() = default;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CHANGES_CHANGE_RECORD_H_

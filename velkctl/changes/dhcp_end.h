@@ -1,0 +1,25 @@
+// dhcp_end.h - ends the DHCP client of an interface before it gets another method.
+#ifndef VELKCTL_CHANGES_DHCP_END_H_
+#define VELKCTL_CHANGES_DHCP_END_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "velkctl/call/device.h"
+#include "velkctl/report/report.h"
+
+namespace velkctl {
+
+// True if the method of the interface is dhcp and a client runs for it.
+bool HasDhcpClient(const std::string& interface, const Device& device);
+
+// Takes the interface down, which ends its client. To be called while the configuration still has
+// the method dhcp: after a set of the method, ifdown reads static, and leaves the client running.
+// Such a client later gives the interface its lease again, or takes the address and route away.
+// Returns the problem if a client still runs.
+std::optional<Problem> EndDhcpClient(const std::string& interface);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CHANGES_DHCP_END_H_

@@ -1,0 +1,215 @@
+// apply_verb.cpp - the verbs that change many settings as one change: apply and import.
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "velkctl/call/device.h"
+#include "velkctl/changes/apply.h"
+#include "velkctl/changes/apply_plan.h"
+#include "velkctl/changes/change_words.h"
+#include "velkctl/changes/memory_record.h"
+#include "velkctl/cli/verbs.h"
+#include "velkctl/documents/settings_document.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/text/assignment.h"
+#include "velkctl/text/escaping.h"
+#include "velkctl/text/spelling.h"
+#include "velkctl/verbs/document_settings.h"
+#include "velkctl/verbs/setting_values.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+// ---- The wanted values -------------------------------------------------------------------------
+
+struct WantedValues {
+    ChangeSet changes{};
+    std::vector<Problem> problems{};
+};
+
+bool Holds(const Device& device, const DocumentSetting& row) {
+    const Answer present = device.Get(row.setting);
+    return present.ok() && row.setting.row->kind->ToJson(present.data) == row.value;
+}
+
+// A value that no set accepts is left out if the device has it already: an export has all values of
+// its device.
+WantedValues WantedBy(const SettingsDocument& document, const Device& device) {
+    WantedValues wanted{.problems = document.problems};
+    for (const DocumentSetting& row : document.settings) {
+        if (row.parsed.ok()) {
+            wanted.changes.push_back({row.setting, row.parsed.data});
+        } else if (!Holds(device, row)) {
+            wanted.problems.push_back(ProblemOf(row, document.name));
+        }
+    }
+    return wanted;
+}
+
+// Asks for secrets only if the other values have no problem.
+WantedValues WantedBy(const std::vector<std::string>& words) {
+    RequestedChanges requested = ReadChanges(words, /*force=*/false);
+    if (requested.problems.empty()) {
+        AskForSecrets(requested, /*force=*/false);
+    }
+    return {std::move(requested.changes), std::move(requested.problems)};
+}
+
+// ---- Options -----------------------------------------------------------------------------------
+
+// Reads "auto", "never", "eth0" or "eth0,eth1". Refuses another value and returns nothing.
+std::optional<RestartChoice> ReadRestart(const Invocation& invocation, Report& report) {
+    const std::string word = invocation.restart.value_or("auto");
+    RestartChoice choice{.is_automatic = word == "auto"};
+    if (choice.is_automatic || word == "never") {
+        return choice;
+    }
+    choice.interfaces = SplitAtCommas(word);
+    const bool is_valid = std::ranges::all_of(choice.interfaces, [](const std::string& name) {
+        return std::ranges::find(kInterfaces, name) != kInterfaces.end();
+    });
+    if (!is_valid) {
+        report.Complain(
+            "--restart: " + Quoted(word) + " is not valid; give " +
+            OneOf(std::vector<std::string>{"auto", "never", "eth0", "eth1", "eth0,eth1"}));
+        return std::nullopt;
+    }
+    return choice;
+}
+
+// ---- Output ------------------------------------------------------------------------------------
+
+Json ChangesInJson(const ApplyPlan& plan) {
+    Json changes = Json::array();
+    for (const auto& [change, old_value] : plan.changes) {
+        const Setting& setting = change.setting;
+        Json object;
+        object["name"] = setting.name();
+        object["old"] = old_value ? ValueInJson(setting, *old_value, false) : Json(nullptr);
+        object["new"] = ValueInJson(setting, change.value, false);
+        changes.push_back(std::move(object));
+    }
+    return changes;
+}
+
+Json RestartsInJson(const std::vector<DoneRestart>& restarts) {
+    Json list = Json::array();
+    for (const DoneRestart& restart : restarts) {
+        Json object;
+        object["interface"] = restart.interface;
+        object["seconds"] = restart.seconds;
+        object["state"] = restart.state;
+        list.push_back(std::move(object));
+    }
+    return list;
+}
+
+// "applied 3 settings, restarted eth0 (12 s)"
+std::string Summary(const ApplyPlan& plan, const ApplyResult& result) {
+    const size_t count = plan.changes.size();
+    std::string text = "applied " + std::to_string(count);
+    text.append(count == 1 ? " setting" : " settings");
+    for (const DoneRestart& restart : result.restarts) {
+        text.append(", restarted ").append(restart.interface).append(" (");
+        text.append(std::to_string(restart.seconds)).append(" s)");
+    }
+    return text;
+}
+
+void NoteSkipped(const ApplyPlan& plan, Report& report) {
+    if (!plan.skipped.empty()) {
+        const bool is_one = plan.skipped.size() == 1;
+        report.Note(Problem{.message = AllOf(NamesOf(plan.skipped)) +
+                                       (is_one ? ": not applied, as its value comes from DHCP"
+                                               : ": not applied, as their values come from DHCP")});
+    }
+}
+
+ExitStatus ReportProblems(const std::vector<Problem>& problems, ExitStatus status, Report& report) {
+    for (const Problem& problem : problems) {
+        report.Complain(problem);
+    }
+    return status;
+}
+
+// ---- The change --------------------------------------------------------------------------------
+
+ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
+                    Report& report) {
+    MemoryRecord record;
+    const ApplyResult result = Apply(plan, record, invocation.limits, device, report);
+    report.Member("restarts", RestartsInJson(result.restarts));
+    report.Member("taken_back", result.is_taken_back);
+    if (result.status == ExitStatus::kDone) {
+        report.Inform(Summary(plan, result) + "\n");
+    } else if (result.is_taken_back && result.status == ExitStatus::kFailed) {
+        report.Note("all settings are as before");
+    }
+    return result.status;
+}
+
+ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
+                       const Invocation& invocation, const Device& device, Report& report) {
+    const ApplyPlan plan = MakePlan(wanted.changes, choice, device);
+    report.Member("changes", ChangesInJson(plan));
+    report.Member("skipped", NamesOf(plan.skipped));
+    if (!plan.problems.empty()) {
+        return ReportProblems(plan.problems, plan.status, report);
+    }
+    NoteSkipped(plan, report);
+    if (plan.changes.empty()) {
+        report.Member("restarts", Json::array());
+        report.Member("taken_back", false);
+        report.Inform("nothing to change\n");
+        return ExitStatus::kDone;
+    }
+    for (const Problem& note : plan.notes) {
+        report.Note(note);
+    }
+    return CarryOut(plan, invocation, device, report);
+}
+
+// True for NAME=VALUE. The name of a file may have an "=" after a slash.
+bool IsWordOfSetting(std::string_view word) {
+    return IsAssignment(word) && WithoutValue(word).find('/') == std::string_view::npos;
+}
+
+ExitStatus RunWith(const WantedValues& wanted, const Invocation& invocation, const Device& device,
+                   Report& report) {
+    const std::optional<RestartChoice> choice = ReadRestart(invocation, report);
+    if (!choice || !wanted.problems.empty()) {
+        return ReportProblems(wanted.problems, ExitStatus::kInvalid, report);
+    }
+    return ApplyWanted(wanted, *choice, invocation, device, report);
+}
+
+ExitStatus RunDocument(std::string_view verb, const Invocation& invocation, const Device& device,
+                       Report& report) {
+    const std::optional<SettingsDocument> document =
+        OpenDocument(verb, invocation.words.front(), invocation.only, report);
+    return document ? RunWith(WantedBy(*document, device), invocation, device, report)
+                    : ExitStatus::kInvalid;
+}
+
+}  // namespace
+
+ExitStatus RunApply(const Invocation& invocation, Report& report) {
+    const Device device(invocation.limits, report);
+    if (IsWordOfSetting(invocation.words.front())) {
+        return RunWith(WantedBy(invocation.words), invocation, device, report);
+    }
+    if (invocation.words.size() > 1) {
+        return report.Refuse("apply: several words given; give one document or NAME=VALUE words");
+    }
+    return RunDocument("apply", invocation, device, report);
+}
+
+ExitStatus RunImport(const Invocation& invocation, Report& report) {
+    const Device device(invocation.limits, report);
+    return RunDocument("import", invocation, device, report);
+}
+
+}  // namespace velkctl
