@@ -26,6 +26,7 @@ Findings CheckInterfacesFor(const Setting& setting, std::string_view value);
 Findings CheckExitHooks();     // /etc/dhclient-exit-hooks
 Findings CheckDhcpConfig();    // /etc/dhclient.conf
 Findings CheckClientScript();  // /sbin/dhclient-script
+Findings CheckDhcpClients();   // those that run
 Findings CheckTimeEntry();     // ntpdate in the crontab
 Findings CheckWebUpdate();     // the updater in the crontab
 Findings CheckIdentity();      // the SNMP agent's configuration

@@ -32,6 +32,7 @@ std::vector<Check> Checks(const Setting* setting = nullptr, std::string_view val
         {CheckExitHooks, SettingsChanging(velk::kExitHooks)},
         {CheckDhcpConfig, SettingsChanging(velk::kDhcpConfigFile)},
         {CheckClientScript, SettingsChanging(velk::kClientScript)},
+        {CheckDhcpClients, {}},  // it keeps nothing from being set
         {CheckTimeEntry, Together(SettingsWithKey(kTimeClient), SettingsHeldIn(velk::kNtpLog))},
         {CheckWebUpdate, SettingsOf(VELK_CMD_WEB_UPDATE)},
         {CheckIdentity, SettingsHeldIn(velk::kIdentityFile)},

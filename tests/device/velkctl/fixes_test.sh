@@ -190,6 +190,10 @@ fixed 'eth1.address and eth1.netmask are missing' "sed -i '/iface eth1/,\$d' $in
     printf 'iface eth1 inet static\n\niface lo inet loopback\n' >>$interfaces"
 fixed 'is a loopback address' "echo 'nameserver 127.0.0.1' >$resolver" 192.0.2.1
 
+fixed 'DHCP client, process .* still runs' \
+    'bash -c "exec -a dhclient sh -c \"kill -STOP \\\$\\\$; :\" eth0" & echo $! >/run/client; sleep 0.5' \
+    'kill -9 "$(cat /run/client)"'
+
 # ---- two faults of one line -------------------------------------------------------------------
 all_fixed 'a server that is not valid and the last word of its line' \
     "sed -i 's/ntpdate -u .*/ntpdate -u bad;host/' $crontab"

@@ -30,6 +30,10 @@ member_orders = {
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
     "states": {"status": "name configured running differs"},
+    "changes": {"apply": "name old new", "import": "name old new"},
+    "restarts": {"apply": "interface seconds state"},
+    "document": {"export": "schema settings facts"},
+    "differences": {"diff": "name first second only_in"},
     "findings": {"doctor": "severity subject effect description cause remedy settings"},
     "errors": {},
 }
@@ -201,6 +205,16 @@ answers <<'END'
 2 explain nonsense -> nothing; - -
 2 explain 99 -> nothing; - -
 2 doctor eth0 -> nothing; - -
+2 apply -> nothing; - -
+2 apply a b -> nothing; - -
+2 apply /tmp/none -> nothing; - -
+2 apply ntp=on --restart eth9 -> nothing; - -
+2 apply eth0.dns=1 eth1.zz=1 -> nothing; eth0.dns -; - -
+2 apply eth0.dns=1.1.1.1 eth1.dns=2.2.2.2 -> changes skipped; eth0.dns -; eth1.dns -
+2 import /dev/null -> nothing; - -
+2 import /tmp/none --only eth9.x -> nothing; - -
+2 diff /tmp/none /dev/null -> nothing; - -; - -
+2 export eth0 -> nothing; - -
 2 call put 1 -> nothing; - -
 2 call get dns -> nothing; - -
 2 call get 108 a-name-that-is-too-long -> nothing; - -
@@ -267,6 +281,14 @@ END
 it 'answers with a document when no adapter is attached'
 answers <<'END'
 !velk-sandbox adapter out
+0 apply eth0.gateway=none location=here -> changes skipped restarts taken_back
+0 apply location=here -> changes skipped restarts taken_back
+4 apply eth1.ssid=lab -> changes skipped; eth1.ssid LIB_VELK_FAILURE
+0 export -> document unread
+!velkctl export --quiet >/tmp/net.json; velkctl set location there
+6 diff /tmp/net.json -> differences
+0 import /tmp/net.json -> changes skipped restarts taken_back
+0 diff /tmp/net.json -> differences
 4 get eth1.mac-address -> settings; eth1.mac-address LIB_VELK_NO_ADAPTER
 4 get eth1.signal eth1.rate eth0.dns -> settings; eth1.signal LIB_VELK_NO_ADAPTER; eth1.rate LIB_VELK_NO_ADAPTER
 4 get eth1.ssid -> settings; eth1.ssid LIB_VELK_FAILURE
@@ -332,6 +354,10 @@ show
 set
 set
 restart
+apply
+import
+export
+diff
 list
 describe
 explain
