@@ -30,6 +30,8 @@ struct Invocation {
     bool verbose = false;
     bool force = false;
     bool no_verify = false;
+    bool no_journal = false;
+    bool boot = false;
     bool no_pager = false;
     bool help = false;
     bool version = false;
@@ -96,6 +98,9 @@ ExitStatus RunCall(const Invocation& invocation, Report& report);
 ExitStatus RunExplain(const Invocation& invocation, Report& report);
 ExitStatus RunStatus(const Invocation& invocation, Report& report);
 ExitStatus RunDoctor(const Invocation& invocation, Report& report);
+ExitStatus RunUndo(const Invocation& invocation, Report& report);
+ExitStatus RunHistory(const Invocation& invocation, Report& report);
+ExitStatus RunRecover(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 
