@@ -16,6 +16,10 @@ inline constexpr char kCrontab[] = "/var/cron/tabs/root";
 inline constexpr char kNtpLog[] = "/var/libvelk/ntp.log";
 inline constexpr char kLibraryFolder[] = "/var/libvelk";
 
+// The journal of velkctl and the lock between its runs.
+inline constexpr char kJournalFolder[] = "/var/libvelk/journal";
+inline constexpr char kJournalLock[] = "/var/libvelk/journal/lock";
+
 // Programs that the DHCP client's exit hooks start.
 inline constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
 inline constexpr char kClockSetter[] = "/usr/bin/ntpdate";

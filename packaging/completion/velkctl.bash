@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 #
 # The names and values come from velkctl's "--help", "list" and "describe", which read nothing of the
-# device and never wait.
+# device and never wait. The ids of changes come from "history", which reads the journal alone.
 
 # Prints the verbs, one a line.
 _velkctl_verbs() {
@@ -57,6 +57,11 @@ _velkctl_pick() { # name|id|interface get|set|any [ID]
         picked="$picked$word "
         printf '%s\n' "$word"
     done
+}
+
+# Prints the ids of the changes in the journal, the last one first.
+_velkctl_changes() {
+    velkctl history --no-pager 2>/dev/null | sed -n 's/^\([a-z0-9]\{4\}\)  .*/\1/p'
 }
 
 _velkctl_is_secret() { # NAME
@@ -168,6 +173,7 @@ _velkctl_candidates() { # WORD VERB WORD...
             [ "$count" -gt 0 ] || printf '%s\n' LIB_VELK_SUCCESS LIB_VELK_FAILURE LIB_VELK_LOCKED \
                 LIB_VELK_INVALID_PARAMETER LIB_VELK_NO_ADAPTER LIB_VELK_WIRED_LINKED
             ;;
+        undo) [ "$count" -gt 0 ] || _velkctl_changes ;;
         call)
             case $count:${1-} in
                 0:) printf '%s\n' get set restart ;;

@@ -29,6 +29,7 @@ constexpr const char* kScratchFolders[] = {"/tmp",
                                            "/usr/local/share/etc/snmp",
                                            "/var/cron/tabs",
                                            "/var/libvelk",
+                                           kJournalFolder,
                                            "/var/log/syslog"};
 constexpr const char* kDeviceFiles[] = {kDhcpConfigFile, kExitHooks, kResolverFile, kClientScript};
 

@@ -40,10 +40,7 @@ bool IsPlainRead(const Command& command) {
            !IsLeaseAddress(command);
 }
 
-Answer ExecuteOnce(const PendingCall& call) {
-    if (call.command.type == VELK_SET) {
-        NoteUnfinishedEdits(call.command, call.subject, call.report);
-    }
+Answer Call(const PendingCall& call) {
     const bool is_here = !call.deadline && IsPlainRead(call.command);
     return is_here ? CallLibrary(call.command, call.data) : ExecuteWatched(call);
 }
@@ -89,32 +86,16 @@ void Pause(Milliseconds time) {
     (void)nanosleep(&pause, nullptr);
 }
 
-// Tries again until the lock is free or the time is over. At the deadline the answer is that of the
-// lock: the command has done nothing.
-Answer TryAgain(const PendingCall& call, int seconds, Answer answer) {
-    NoteLockHolder(seconds, call.report);
-    const StopSignals signals;
-    Milliseconds left = Seconds(seconds);
-    for (Milliseconds pause = kFirstPause; IsLocked(answer) && left > Milliseconds::zero();
-         pause = std::min(pause * 2, kLongestPause)) {
-        const Milliseconds now = std::min(pause, left);
-        Pause(now);
-        left -= now;
-        if (const int signal = signals.Pending(); signal != 0) {
-            EndInterrupted(signal, "", call.report);
-        }
-        if (call.is_late()) {
-            break;
-        }
-        answer = ExecuteOnce(call);
-    }
-    return answer;
-}
-
 }  // namespace
 
 Answer Device::Get(const Setting& setting) const {
     return Execute({VELK_GET, setting.row->id, setting.interface}, {}, setting.name());
+}
+
+Answer Device::GetWithin(const Setting& setting, int seconds) const {
+    const int own = limits_.timeout_seconds;
+    const TimeLimits limits{.timeout_seconds = own == 0 ? seconds : std::min(own, seconds)};
+    return Device(limits, report_).Get(setting);
 }
 
 std::string Device::PrintedValue(const Setting& setting) const {
@@ -139,6 +120,44 @@ Answer Device::Restart(const std::string& interface, const Data& data) const {
     const Command command{VELK_RESTART, VELK_CMD_RESTART, interface};
     const std::string subject = "restart of " + interface;
     return Run({command, data, subject, DeadlineOf(limits_), report_, true});
+}
+
+Answer Device::ExecuteOnce(const PendingCall& call) const {
+    if (call.command.type != VELK_SET) {
+        return Call(call);
+    }
+    NoteUnfinishedEdits(call.command, call.subject, call.report);
+    if (watcher_ == nullptr) {
+        return Call(call);
+    }
+    if (!watcher_->BeforeAttempt()) {
+        return {LIB_VELK_LOCKED};
+    }
+    Answer answer = Call(call);
+    watcher_->AfterAttempt(answer);
+    return answer;
+}
+
+// Tries again until the lock is free or the time is over. At the deadline the answer is that of the
+// lock: the command has done nothing.
+Answer Device::TryAgain(const PendingCall& call, int seconds, Answer answer) const {
+    NoteLockHolder(seconds, call.report);
+    const StopSignals signals;
+    Milliseconds left = Seconds(seconds);
+    for (Milliseconds pause = kFirstPause; IsLocked(answer) && left > Milliseconds::zero();
+         pause = std::min(pause * 2, kLongestPause)) {
+        const Milliseconds now = std::min(pause, left);
+        Pause(now);
+        left -= now;
+        if (const int signal = signals.Pending(); signal != 0) {
+            EndInterrupted(signal, "", call.report);
+        }
+        if (call.is_late()) {
+            break;
+        }
+        answer = ExecuteOnce(call);
+    }
+    return answer;
 }
 
 Answer Device::Run(const PendingCall& call) const {

@@ -14,6 +14,19 @@
 
 namespace velkctl {
 
+// Is called around each attempt of a set. An attempt is refused while another program changes
+// settings; with --wait the next one follows.
+class SetWatcher {
+  public:
+    // Returns false while another program changes settings: the attempt is then refused without the
+    // library.
+    virtual bool BeforeAttempt() = 0;
+    virtual void AfterAttempt(const Answer& answer) = 0;
+
+  protected:
+    ~SetWatcher() = default;
+};
+
 // The only path from a verb to the library. Applies --wait and --timeout and cleans up after a
 // signal.
 //
@@ -24,7 +37,11 @@ class Device {
   public:
     Device(const TimeLimits& limits, Report& report) : limits_(limits), report_(report) {}
 
+    void WatchSets(SetWatcher& watcher) { watcher_ = &watcher; }
+
     Answer Get(const Setting& setting) const;
+    // The same, but stops after so many seconds at the latest.
+    Answer GetWithin(const Setting& setting, int seconds) const;
     Answer Set(const Setting& setting, const Data& value) const;
 
     // Returns the value as text; empty if it cannot be read.
@@ -42,9 +59,12 @@ class Device {
 
   private:
     Answer Run(const PendingCall& call) const;
+    Answer ExecuteOnce(const PendingCall& call) const;
+    Answer TryAgain(const PendingCall& call, int seconds, Answer answer) const;
 
     const TimeLimits limits_;
     Report& report_;
+    SetWatcher* watcher_ = nullptr;
 };
 
 }  // namespace velkctl

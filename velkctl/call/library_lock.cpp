@@ -2,6 +2,8 @@
 #include "velkctl/call/library_lock.h"
 
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -11,6 +13,8 @@
 
 namespace velkctl {
 namespace {
+
+constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 20'000'000};
 
 // After a removal and a new creation of the file, two files can be locked. Only the lock of the
 // file at the path keeps other programs away.
@@ -35,6 +39,17 @@ LibraryLock::State LibraryLock::TryToTake() {
     }
     const bool is_locked = flock(fd_.get(), LOCK_EX | LOCK_NB) == 0;
     return is_locked && IsStillAtPath(fd_.get()) ? State::kHeld : State::kBusy;
+}
+
+bool AwaitLibraryLock(int seconds) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    while (LibraryLock().is_busy()) {
+        if (std::chrono::steady_clock::now() >= end) {
+            return false;
+        }
+        (void)nanosleep(&kPause, nullptr);
+    }
+    return true;
 }
 
 }  // namespace velkctl

@@ -16,6 +16,8 @@ class LibraryLock {
     bool is_held() const { return state_ == State::kHeld; }
     // True if another program may be changing settings. Without a lock file none is.
     bool is_busy() const { return state_ == State::kBusy; }
+    // False if this user cannot open the lock file. The library cannot, either.
+    bool can_be_awaited() const { return fd_.get() != -1; }
 
   private:
     enum class State { kHeld, kBusy, kNoFile };
@@ -25,6 +27,10 @@ class LibraryLock {
     velk::UniqueFd fd_;
     State state_;
 };
+
+// Waits until no other program changes settings. Returns false if one still does after so many
+// seconds.
+bool AwaitLibraryLock(int seconds);
 
 }  // namespace velkctl
 

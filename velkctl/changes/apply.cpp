@@ -25,9 +25,9 @@ class Run {
         : plan_(plan), record_(record), limits_(limits), device_(device), report_(report) {}
 
     ApplyResult Finish() {
-        if (const auto problem = record_.Begin(AllSteps(), plan_.restarts, device_)) {
-            report_.Complain(*problem);
-            result_.status = ExitStatus::kFailed;
+        if (const auto failure = record_.Begin(AllSteps(), plan_.restarts, device_)) {
+            report_.Complain(failure->problem);
+            result_.status = failure->status;
             return std::move(result_);
         }
         const bool is_done = EndClients() && MakeSteps() && SwitchBack() && Pass(record_.Flush()) &&

@@ -60,12 +60,25 @@ constexpr std::array<VerbFlag, 5> kGetFlags{{
     kShowSecrets,
     {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
-constexpr std::array<VerbFlag, 5> kSetFlags{{
+constexpr std::array<VerbFlag, 6> kSetFlags{{
     kJson,
     kQuiet,
     kVerbose,
     {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
+    {"--no-journal", "keep no record; undo cannot take the set back", &Invocation::no_journal},
+}};
+constexpr std::array<VerbFlag, 4> kUndoFlags{{
+    kJson,
+    kQuiet,
+    kVerbose,
+    {"--force", "also replace values that were set since", &Invocation::force},
+}};
+constexpr std::array<VerbFlag, 4> kRecoverFlags{{
+    kJson,
+    kQuiet,
+    kVerbose,
+    {"--boot", "at the start of the device, before networking", &Invocation::boot},
 }};
 constexpr std::array<VerbFlag, 4> kExportFlags{{
     kJson,
@@ -82,7 +95,7 @@ constexpr std::array<VerbFlag, 4> kRestartFlags{{
      &Invocation::notify_only},
 }};
 
-constexpr std::array<Verb, 14> kVerbs{{
+constexpr std::array<Verb, 17> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -123,6 +136,7 @@ constexpr std::array<Verb, 14> kVerbs{{
      "\n"
      "velkctl checks the value first and reads it back after the set. Exit status 6:\n"
      "the library reported success, but the device does not hold the value.\n"
+     "'velkctl undo' takes a set back.\n"
      "\n"
      "Other users can see the command line. For a key, such as eth1.psk, - reads a\n"
      "line of standard input and @FILE the only line of a file; without a value,\n"
@@ -264,7 +278,7 @@ constexpr std::array<Verb, 14> kVerbs{{
      "RESULT|STATUS [OPTION...]",
      "explain a result of the library or an exit status",
      "A result is 0, a negative number or a name, with or without LIB_VELK_. An exit\n"
-     "status of velkctl is a number from 0 to 7. 0 is both.\n"
+     "status of velkctl is a number from 0 to 9. 0 is both.\n"
      "\n"
      "Examples:\n"
      "  velkctl explain -3\n"
@@ -299,6 +313,51 @@ constexpr std::array<Verb, 14> kVerbs{{
      {},
      kJsonFlags,
      RunDoctor},
+    {"undo",
+     "[ID] [OPTION...]",
+     "take back a change of settings",
+     "Takes back the last change, or the one with the ID that history shows. An undo\n"
+     "is a change too: undo of an undo makes the change again.\n"
+     "\n"
+     "Files get their former bytes. If another program has written a file\n"
+     "since, only the settings get their old values. If one of them was set since,\n"
+     "nothing is changed: status 1. --force replaces it. Exit status 9: something\n"
+     "could not be put back.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl undo\n"
+     "  velkctl undo k7f2",
+     {.most = 1},
+     kChangeOptions,
+     kUndoFlags,
+     RunUndo},
+    {"history",
+     "[OPTION...]",
+     "list the changes that undo can take back",
+     "The last change comes first. velkctl keeps 16 changes, or 256 KB of them. Keys\n"
+     "are shown as ********.\n"
+     "\n"
+     "Example:\n"
+     "  velkctl history",
+     {},
+     {},
+     kListFlags,
+     RunHistory},
+    {"recover",
+     "[OPTION...]",
+     "take back changes that were interrupted",
+     "A change is interrupted if velkctl was killed, or the power failed. --boot is\n"
+     "for a script that runs before networking: it takes back the changes from before\n"
+     "the start, and leaves the values of the wireless daemon to a later recover.\n"
+     "Exit status 9: something could not be put back.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl recover\n"
+     "  velkctl recover --boot",
+     {},
+     kChangeOptions,
+     kRecoverFlags,
+     RunRecover},
     {"call",
      "get|set|restart ID [INTERFACE] [OPTION...]",
      "run a command of the library without checks",

@@ -32,6 +32,8 @@ struct Invocation {
     bool verbose = false;
     bool force = false;
     bool no_verify = false;
+    bool no_journal = false;
+    bool boot = false;
     bool no_pager = false;
     bool include_secrets = false;
     bool help = false;
@@ -103,6 +105,9 @@ ExitStatus RunApply(const Invocation& invocation, Report& report);
 ExitStatus RunImport(const Invocation& invocation, Report& report);
 ExitStatus RunExport(const Invocation& invocation, Report& report);
 ExitStatus RunDiff(const Invocation& invocation, Report& report);
+ExitStatus RunUndo(const Invocation& invocation, Report& report);
+ExitStatus RunHistory(const Invocation& invocation, Report& report);
+ExitStatus RunRecover(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

@@ -20,6 +20,7 @@ enum class ExitStatus : int {
     kWiredLinked = 5,
     kNotHeld = 6,
     kTimedOut = 7,
+    kPartlyBack = 9,
 };
 
 // The remedies of the results that have an exit status of their own.
@@ -35,7 +36,7 @@ struct ExitMeaning {
     std::string_view remedy;
 };
 
-inline constexpr std::array<ExitMeaning, 8> kExitMeanings{{
+inline constexpr std::array<ExitMeaning, 9> kExitMeanings{{
     {ExitStatus::kDone, "done", "none needed"},
     {ExitStatus::kFailed, "failed, or a problem or difference was found",
      "read the message; 'velkctl doctor' looks for the cause"},
@@ -48,6 +49,8 @@ inline constexpr std::array<ExitMeaning, 8> kExitMeanings{{
      "read the likely cause in the message; 'velkctl doctor' looks for more"},
     {ExitStatus::kTimedOut, "no answer before the timeout",
      "give a longer --timeout; 'velkctl doctor' checks if the daemon answers"},
+    {ExitStatus::kPartlyBack, "a change was taken back only in part",
+     "read the message; it names each setting and file that is left"},
 }};
 
 }  // namespace velkctl

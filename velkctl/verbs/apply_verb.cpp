@@ -9,7 +9,7 @@
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/change_words.h"
-#include "velkctl/changes/memory_record.h"
+#include "velkctl/changes/journal_record.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/documents/settings_document.h"
 #include "velkctl/settings/affected_settings.h"
@@ -139,7 +139,7 @@ ExitStatus ReportProblems(const std::vector<Problem>& problems, ExitStatus statu
 
 ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
                     Report& report) {
-    MemoryRecord record;
+    JournalRecord record(invocation.limits.wait_seconds);
     const ApplyResult result = Apply(plan, record, invocation.limits, device, report);
     report.Member("restarts", RestartsInJson(result.restarts));
     report.Member("taken_back", result.is_taken_back);

@@ -1,4 +1,5 @@
 // set_verb.cpp - the verb that changes settings.
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -6,6 +7,7 @@
 #include "velkctl/changes/change_set.h"
 #include "velkctl/changes/change_words.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/set_record.h"
 #include "velkctl/text/assignment.h"
 #include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
@@ -85,7 +87,7 @@ Json SettingsInJson(const ChangeSet& changes, std::vector<MadeChange> made) {
 }  // namespace
 
 ExitStatus RunSet(const Invocation& invocation, Report& report) {
-    const Device device(invocation.limits, report);
+    Device device(invocation.limits, report);
     const ChangeSet changes = CheckedChanges(invocation, device, report);
     if (changes.empty()) {
         return ExitStatus::kInvalid;
@@ -93,7 +95,17 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const bool is_single = !IsAssignment(invocation.words.front());
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
     const SetNotes notes(SettingsOf(changes), device, !invocation.force && !invocation.no_verify);
+    std::optional<SetRecord> record;
+    if (!invocation.no_journal) {
+        record.emplace(changes, invocation.limits.wait_seconds, device, report);
+    }
+    if (record && record->is_refused()) {
+        return ExitStatus::kLocked;
+    }
     const std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
+    if (record) {
+        record->Finish();
+    }
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));
     }

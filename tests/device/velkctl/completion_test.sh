@@ -37,7 +37,7 @@ offered() {
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
 offered '' -- s -- li -- nonsense '' -- help d -- help get ''
-output_is 'get set show restart apply export import diff list describe explain status doctor call help
+output_is 'get set show restart apply export import diff list describe explain status doctor undo history recover call help
 set show status
 list
 (nothing)
@@ -48,7 +48,7 @@ it 'offers the options of the verb, and those in front of it'
 offered - -- get eth0.dns - -- set --no -- restart eth1 --n -- list - -- explain -
 output_is '-h --help --version --json --quiet --verbose
 -h --help --timeout --json --quiet --verbose --show-secrets --value
---no-verify
+--no-verify --no-journal
 --notify-only
 -h --help --json --quiet --verbose --no-pager
 -h --help --json --quiet --verbose'

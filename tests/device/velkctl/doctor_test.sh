@@ -229,7 +229,7 @@ cut_short='
     velkctl set eth0.gateway 192.168.0.9; cp /etc/network/interfaces /run/whole
     cat /run/before >/etc/network/interfaces
     unshare --mount sh -c "mount --bind /tmp/slow/cat $(readlink -f "$(command -v cat)") &&
-        exec velkctl set eth0.gateway 192.168.0.9" & set=$!
+        exec velkctl set eth0.gateway 192.168.0.9 --no-journal" & set=$!
     while [ ! -s /tmp/slow/pid ]; do sleep 0.05; done
     kill -KILL $set $(pgrep -P $set) $(cat /tmp/slow/pid); wait $set 2>/dev/null
     while ! flock -n /var/tmp/vklib_lock true; do sleep 0.05; done

@@ -364,6 +364,9 @@ explain
 explain
 status
 doctor
+undo
+history
+recover
 call'
 
 it 'has an example in velkctl(1) that the schema takes'

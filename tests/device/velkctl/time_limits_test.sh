@@ -258,7 +258,7 @@ done
 
 it 'says that a change may be incomplete if a signal ends it'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
-    on_desk "reply silent; interrupted_by $signal \$asked velkctl set eth1.ssid x; left"
+    on_desk "reply silent; interrupted_by $signal \$asked velkctl set eth1.ssid x --no-journal; left"
     output_is "ended by $signal"
     error_is 'velkctl: interrupted; eth1.ssid may be incomplete; run it again'
 done
@@ -273,7 +273,7 @@ output_is 'ended by SIGTERM
 velkctl: interrupted; restart of eth0 may be incomplete; run it again'
 
 it 'finishes its document when a signal ends it'
-on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl set eth1.ssid x --json >/tmp/answer
+on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl set eth1.ssid x --no-journal --json >/tmp/answer
     tail -n 1 /tmp/answer; head -n -1 /tmp/answer | python3 -c "
 import json, sys
 print(json.load(sys.stdin)[\"errors\"][0][\"message\"])"'
@@ -426,7 +426,7 @@ output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon 
 output_has " \\rvelk-lab\\r\\n' 0"
 
 it 'ends at once at Ctrl-C, and removes the progress line'
-on_desk 'reply silent; at_terminal "1 s of" velkctl set eth1.ssid x; took 1 40; left'
+on_desk 'reply silent; at_terminal "1 s of" velkctl set eth1.ssid x --no-journal; took 1 40; left'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer"
 output_has " \\rvelkctl: interrupted; eth1.ssid may be incomplete; run it again\\r\\n' -2"
 output_has 'in time'

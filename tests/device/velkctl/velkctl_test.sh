@@ -565,6 +565,7 @@ while read -r name speed duplex negotiation options; do
     status_is 0
     error_is ''
     output_is "-- run
+ethtool eth0
 ethtool -s eth0 $options
 ethtool eth0
 lock file made"
@@ -848,6 +849,9 @@ output_has '
   explain   explain a result of the library or an exit status
   status    compare the configuration with the running state
   doctor    look for problems with files, tools and daemons
+  undo      take back a change of settings
+  history   list the changes that undo can take back
+  recover   take back changes that were interrupted
   call      run a command of the library without checks
   help      show help for velkctl or for a verb
 '
@@ -861,6 +865,7 @@ Exit status:
   5         refused while the cable is in the wired port
   6         done, but the device lacks the value or address
   7         no answer before the timeout
+  9         a change was taken back only in part
 '
 general_help=$output
 for words in -h help 'help help' 'help --help'; do

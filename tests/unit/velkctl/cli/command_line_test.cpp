@@ -85,6 +85,7 @@ TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
               "\n");
     EXPECT_EQ(help.substr(help.find("  7 ")),
               "  7         no answer before the timeout\n"
+              "  9         a change was taken back only in part\n"
               "\n"
               "Examples:\n"
               "  velkctl show                             all values\n"

@@ -75,9 +75,10 @@ TEST(Schema, HasEveryVerbAndNoOther) {
 }
 
 TEST(Schema, HasEveryExitStatus) {
-    const Json status = Schema()["properties"]["status"]["anyOf"][0];
-    EXPECT_EQ(status["minimum"], static_cast<int>(velkctl::ExitStatus::kDone));
-    EXPECT_EQ(status["maximum"], static_cast<int>(velkctl::ExitStatus::kTimedOut));
+    const Json statuses = Schema()["properties"]["status"]["anyOf"];
+    EXPECT_EQ(statuses[0]["minimum"], static_cast<int>(velkctl::ExitStatus::kDone));
+    EXPECT_EQ(statuses[0]["maximum"], static_cast<int>(velkctl::ExitStatus::kTimedOut));
+    EXPECT_EQ(statuses[1]["const"], static_cast<int>(velkctl::ExitStatus::kPartlyBack));
 }
 
 TEST(Schema, AsksForTheMembersOfASettingInTheirOrder) {

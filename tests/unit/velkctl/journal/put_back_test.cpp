@@ -1,0 +1,241 @@
+// Puts the files and values of a change back.
+#include "velkctl/journal/put_back.h"
+
+#include <cerrno>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "support/paths.h"
+
+namespace {
+
+using testkit::ReadFile;
+using testkit::WriteFile;
+using velkctl::Data;
+using velkctl::EntryState;
+using velkctl::FileCase;
+using velkctl::FileImage;
+using velkctl::FindSetting;
+using velkctl::JournalEntry;
+using velkctl::PutBackOptions;
+using velkctl::PutBackResult;
+
+using namespace std::string_literals;
+
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr char kCopy[] = "/var/tmp/interfaces";
+
+Data DataOf(std::string_view text) {
+    Data data{};
+    text.copy(data.data(), data.size());
+    return data;
+}
+
+FileImage ImageOf(const char* path, std::string bytes) {
+    return {.path = path, .exists = true, .bytes = std::move(bytes), .mode = 0640};
+}
+
+// The text of the interfaces file with an address of eth0.
+std::string TextWith(std::string_view address) {
+    return "# ours\niface eth0 inet static\n\taddress " + std::string(address) +
+           "\n\tnetmask 255.255.255.0\n";
+}
+
+class PutBackTest : public testkit::DeviceTest {
+  protected:
+    // A change of the address from .1 to .2.
+    static JournalEntry Change() {
+        JournalEntry entry{.state = EntryState::kDone};
+        entry.steps = {
+            {*FindSetting("eth0.address"), DataOf("192.168.0.2"), DataOf("192.168.0.1")}};
+        entry.before = {ImageOf(kInterfaces, TextWith("192.168.0.1"))};
+        entry.after = {ImageOf(kInterfaces, TextWith("192.168.0.2"))};
+        return entry;
+    }
+    static FileCase CaseOf(std::string_view bytes, const JournalEntry& entry = Change()) {
+        WriteFile(kInterfaces, bytes);
+        return CompareFile(velkctl::ReadFileImage(kInterfaces), entry);
+    }
+    PutBackResult Run(const JournalEntry& entry, PutBackOptions options = {}) {
+        return PutBack(entry, options, device);
+    }
+    static std::vector<std::string> Texts(const std::vector<velkctl::Problem>& problems) {
+        std::vector<std::string> texts;
+        for (const velkctl::Problem& problem : problems) {
+            texts.push_back(problem.message + "; " + problem.detail);
+        }
+        return texts;
+    }
+
+    velkctl::Report report{velkctl::Report::Form::kText};
+    const velkctl::Device device{{}, report};
+};
+
+TEST_F(PutBackTest, KnowsTheFileFromBeforeAndAfter) {
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.1")), FileCase::kOld);
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.2")), FileCase::kNew);
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.3")), FileCase::kOther);
+    JournalEntry entry = Change();
+    AddAfter(entry, ImageOf(kInterfaces, TextWith("192.168.0.4")));
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kNew) << "after an earlier step";
+}
+
+TEST_F(PutBackTest, KnowsAFileThatIsCutAtAnyPlace) {
+    for (const char* address : {"192.168.0.1", "192.168.0.2"}) {
+        const std::string text = TextWith(address);
+        for (size_t length = 0; length < text.size(); ++length) {
+            const std::string part = text.substr(0, length);
+            EXPECT_EQ(CaseOf(part), FileCase::kCut) << length;
+            EXPECT_EQ(CaseOf(part + std::string(text.size() - length, '\0')), FileCase::kCut);
+        }
+        EXPECT_EQ(CaseOf(text + std::string(512, '\0')), FileCase::kCut);
+        EXPECT_EQ(CaseOf(text + "x"), FileCase::kOther);
+    }
+}
+
+TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
+    JournalEntry entry = Change();
+    entry.after.clear();
+    WriteFile(kCopy, TextWith("192.168.0.2"));
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther) << "the change is closed";
+    entry.state = EntryState::kApplying;
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kNew);
+    EXPECT_EQ(CaseOf("# ours\niface eth0 inet static\n\taddress 192.168.0.2", entry),
+              FileCase::kCut);
+    EXPECT_EQ(CaseOf("# other\n", entry), FileCase::kOther);
+    WriteFile(kCopy, "");
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther);
+}
+
+TEST_F(PutBackTest, TakesAnUnreadableFileForThatOfAnother) {
+    ASSERT_EQ(mkfifo(kInterfaces, 0600), 0);
+    EXPECT_EQ(CompareFile(velkctl::ReadFileImage(kInterfaces), Change()), FileCase::kOther);
+    ASSERT_EQ(unlink(kInterfaces), 0);
+    EXPECT_EQ(CompareFile(velkctl::ReadFileImage(kInterfaces), Change()), FileCase::kOther);
+    JournalEntry entry = Change();
+    entry.before.front().error = EACCES;
+    EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther);
+}
+
+TEST_F(PutBackTest, GivesAFileItsBytesInPlace) {
+    for (const std::string& now : {TextWith("192.168.0.2"), ""s, "# ou"s, "# ou\0\0"s}) {
+        WriteFile(kInterfaces, now);
+        ASSERT_EQ(chmod(kInterfaces, 0604), 0);
+        const testkit::FileIdentity identity = testkit::IdentityOf(kInterfaces);
+        const PutBackResult result = Run(Change());
+        EXPECT_TRUE(result.is_whole());
+        EXPECT_TRUE(result.has_changed);
+        EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
+        EXPECT_EQ(testkit::IdentityOf(kInterfaces), identity);
+    }
+    const PutBackResult again = Run(Change());
+    EXPECT_TRUE(again.is_whole());
+    EXPECT_FALSE(again.has_changed);
+}
+
+TEST_F(PutBackTest, KeepsTheTextOfAnotherProgram) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
+    const PutBackResult result = Run(Change());
+    EXPECT_TRUE(result.is_whole());
+    EXPECT_TRUE(result.has_changed);
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1") + "# theirs\n");
+    EXPECT_FALSE(Run(Change()).has_changed);
+}
+
+TEST_F(PutBackTest, KeepsTheValueOfAnotherProgram) {
+    WriteFile(kInterfaces, TextWith("192.168.0.3"));
+    EXPECT_EQ(Texts(FindObstacles(Change(), device)),
+              std::vector{"eth0.address: not put back; another program has set it since"s});
+    PutBackResult result = Run(Change());
+    EXPECT_FALSE(result.has_changed);
+    EXPECT_EQ(Texts(result.left),
+              std::vector{"eth0.address: not put back; another program has set it since"s});
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.3"));
+    result = Run(Change(), {.force = true});
+    EXPECT_TRUE(result.is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
+    EXPECT_TRUE(FindObstacles(Change(), device).empty());
+}
+
+TEST_F(PutBackTest, NamesASettingWithoutAnOldValue) {
+    JournalEntry entry = Change();
+    entry.steps.front().old_value.reset();
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    EXPECT_TRUE(FindObstacles(entry, device).empty()) << "bytes put it back";
+    WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
+    const std::vector expected{"eth0.address: not put back; its old value is not known"s};
+    EXPECT_EQ(Texts(FindObstacles(entry, device)), expected);
+    EXPECT_EQ(Texts(Run(entry).left), expected);
+}
+
+TEST_F(PutBackTest, NamesASettingThatCannotBeRead) {
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"eth0.address: not put back; it cannot be read: file, socket, time-out "
+                          "or unreadable value"s});
+}
+
+TEST_F(PutBackTest, NamesASettingThatCannotBeSet) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
+    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"eth0.address: not put back; file, socket, time-out or unreadable "
+                          "value"s});
+    ASSERT_EQ(rmdir(kCopy), 0);
+}
+
+TEST_F(PutBackTest, MakesAndRemovesAFile) {
+    JournalEntry entry = Change();
+    entry.steps.clear();
+    entry.before = {{.path = testkit::kResolverFile}};
+    entry.after = {ImageOf(testkit::kResolverFile, "nameserver 1.1.1.1\n")};
+    WriteFile(testkit::kResolverFile, "nameserver 1.1.1.1\n");
+    EXPECT_TRUE(Run(entry).is_whole());
+    EXPECT_FALSE(testkit::Exists(testkit::kResolverFile));
+    std::swap(entry.before, entry.after);
+    EXPECT_EQ(Run(entry).left.size(), 0U);
+}
+
+TEST_F(PutBackTest, NamesAFileThatCannotBeWritten) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    libc().Script(testkit::Call::kWrite, {testkit::Fail(ENOSPC)});
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"/etc/network/interfaces: not put back; No space left on device"s});
+    EXPECT_TRUE(Run(Change()).is_whole()) << "a later try finds it cut";
+}
+
+TEST_F(PutBackTest, DoesNothingWhileAnotherProgramChangesSettings) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    const int lock = VkLibLock();
+    const PutBackResult result = Run(Change());
+    VkLibUnLock(lock);
+    EXPECT_TRUE(result.is_locked);
+    EXPECT_FALSE(result.is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2"));
+}
+
+TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
+    JournalEntry entry;
+    entry.steps = {{*FindSetting("eth1.ssid"), DataOf("new"), DataOf("old")},
+                   {*FindSetting("eth1.psk"), DataOf("newer key"), Data{}}};
+    const PutBackResult result = Run(entry, {.skip_daemon = true});
+    EXPECT_TRUE(result.waits_for_daemon);
+    EXPECT_FALSE(result.is_whole());
+    EXPECT_TRUE(result.left.empty());
+    EXPECT_EQ(Run(entry).left.size(), 2U) << "no daemon runs";
+}
+
+TEST_F(PutBackTest, RestartsTheSnmpAgentAfterItsFileIsPutBack) {
+    JournalEntry entry;
+    entry.before = {ImageOf(testkit::kSnmpFile, "syslocation here\n")};
+    entry.after = {ImageOf(testkit::kSnmpFile, "syslocation there\n")};
+    WriteFile(testkit::kSnmpFile, "syslocation there\n");
+    EXPECT_TRUE(Run(entry).is_whole());
+    EXPECT_EQ(ReadFile(testkit::kSnmpFile), "syslocation here\n");
+}
+
+}  // namespace

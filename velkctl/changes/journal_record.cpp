@@ -1,0 +1,66 @@
+// journal_record.cpp - the state before a change, kept in the journal.
+#include "velkctl/changes/journal_record.h"
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/put_back.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::chrono::milliseconds kPause{250};
+
+std::optional<Problem> ProblemOf(std::string message, int error) {
+    return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
+}
+
+BeginFailure FailureOf(int error) {
+    return {JournalProblem("apply: the change was not begun", error), StatusOfJournal(error)};
+}
+
+}  // namespace
+
+// Tries again while another program changes settings.
+int JournalRecord::BeginEntry(const ChangePlan& plan, const Device& device) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds_);
+    int error = change_.Begin(plan, device);
+    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(kPause);
+        error = change_.Begin(plan, device);
+    }
+    return error;
+}
+
+std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
+                                                 const std::vector<std::string>& restarts,
+                                                 const Device& device) {
+    if (!lock_.is_held()) {
+        return FailureOf(lock_.error());
+    }
+    const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
+    if (const int error = BeginEntry(plan, device); error != 0) {
+        return FailureOf(error);
+    }
+    const int error = change_.Advance(EntryState::kApplying);
+    return error == 0 ? std::nullopt : std::optional(FailureOf(error));
+}
+
+std::optional<Problem> JournalRecord::Flush() {
+    return ProblemOf("apply: the files could not be written to disk", change_.FlushFiles());
+}
+
+std::optional<Problem> JournalRecord::Finish() {
+    const int error = change_.RecordFiles();
+    return ProblemOf("apply: the change could not be recorded",
+                     error != 0 ? error : change_.Advance(EntryState::kConfirmed));
+}
+
+ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
+    return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
+                                                                     : ExitStatus::kPartlyBack;
+}
+
+}  // namespace velkctl

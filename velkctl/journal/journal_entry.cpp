@@ -1,0 +1,273 @@
+// journal_entry.cpp - one change of settings as the journal keeps it.
+#include "velkctl/journal/journal_entry.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+#include <utility>
+
+#include "lib/base/find_row.h"
+#include "velkctl/settings/device_files.h"
+#include "velkctl/text/hex.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kSchema = 1;
+
+struct StateRow {
+    EntryState state;
+    std::string_view name;
+};
+
+constexpr std::array<StateRow, 8> kStates{{
+    {EntryState::kPrepared, "prepared"},
+    {EntryState::kApplying, "applying"},
+    {EntryState::kWaiting, "waiting"},
+    {EntryState::kConfirmed, "confirmed"},
+    {EntryState::kDone, "done"},
+    {EntryState::kReverting, "reverting"},
+    {EntryState::kReverted, "reverted"},
+    {EntryState::kStuck, "stuck"},
+}};
+
+struct KindRow {
+    EntryKind kind;
+    std::string_view name;
+};
+
+constexpr std::array<KindRow, 3> kKinds{{
+    {EntryKind::kPlainSet, "set"},
+    {EntryKind::kApply, "apply"},
+    {EntryKind::kUndo, "undo"},
+}};
+
+Json ValueToJson(const std::optional<Data>& value) {
+    return value ? Json(ToHex(UsedBytes(*value))) : Json(nullptr);
+}
+
+std::optional<Data> ValueFromJson(const Json& value) {
+    if (value.is_null()) {
+        return std::nullopt;
+    }
+    return ParseHex(value.get<std::string>()).data;
+}
+
+Json StepToJson(const Step& step) {
+    return {{"name", step.setting.name()},
+            {"old", ValueToJson(step.old_value)},
+            {"new", ValueToJson(step.new_value)}};
+}
+
+Json ImageToJson(const FileImage& image) {
+    return {{"path", image.path},   {"existed", image.exists}, {"mode", image.mode},
+            {"owner", image.owner}, {"group", image.group},    {"error", image.error}};
+}
+
+Json HeaderToJson(const JournalEntry& entry) {
+    Json header{{"schema", kSchema},
+                {"id", entry.id},
+                {"kind", NameOf(entry.kind)},
+                {"undoes", entry.undoes},
+                {"time", entry.time},
+                {"boot_id", entry.boot_id},
+                {"boot_time", entry.boot_time},
+                {"user", entry.user},
+                {"restarts", entry.restarts},
+                {"steps", Json::array()},
+                {"files", Json::array()}};
+    for (const Step& step : entry.steps) {
+        header["steps"].push_back(StepToJson(step));
+    }
+    for (const FileImage& image : entry.before) {
+        header["files"].push_back(ImageToJson(image));
+    }
+    return header;
+}
+
+// The facts, a NUL, then the bytes of the file as they are.
+std::string EncodeImage(FrameKind kind, const FileImage& image) {
+    return EncodeFrame(kind, ImageToJson(image).dump().append(1, '\0').append(image.bytes));
+}
+
+// The journal restores no other file, so that nobody can use it to write one.
+bool IsDeviceFile(std::string_view path) {
+    return std::ranges::any_of(DeviceFiles(), [path](const DeviceFile& file) {
+        return file.path == path && file.change != Change::kNever;
+    });
+}
+
+Json Parse(std::string_view text) {
+    return Json::parse(text.begin(), text.end());
+}
+
+FileImage DecodeImage(std::string_view payload) {
+    const size_t end = payload.find('\0');
+    const Json facts = Parse(payload.substr(0, end));
+    FileImage image{facts.at("path").get<std::string>()};
+    image.exists = facts.at("existed").get<bool>();
+    image.mode = facts.at("mode").get<mode_t>();
+    image.owner = facts.at("owner").get<uid_t>();
+    image.group = facts.at("group").get<gid_t>();
+    image.error = facts.at("error").get<int>();
+    image.bytes = end == std::string_view::npos ? "" : payload.substr(end + 1);
+    return image;
+}
+
+EntryState StateNamed(std::string_view name) {
+    const StateRow* row = velk::FindRow(kStates, name, &StateRow::name);
+    if (row == nullptr) {
+        throw std::invalid_argument("state");
+    }
+    return row->state;
+}
+
+EntryKind KindNamed(std::string_view name) {
+    const KindRow* row = velk::FindRow(kKinds, name, &KindRow::name);
+    if (row == nullptr) {
+        throw std::invalid_argument("kind");
+    }
+    return row->kind;
+}
+
+Step StepFromJson(const Json& json) {
+    const std::optional<Setting> setting = FindSetting(json.at("name").get<std::string>());
+    if (!setting) {
+        throw std::invalid_argument("step");
+    }
+    return {*setting, ValueFromJson(json.at("new")), ValueFromJson(json.at("old"))};
+}
+
+void ReadFacts(const Json& header, JournalEntry& entry) {
+    entry.id = header.at("id").get<std::string>();
+    entry.time = header.at("time").get<int64_t>();
+    entry.user = header.at("user").get<uid_t>();
+}
+
+void ReadHeader(const Json& header, JournalEntry& entry) {
+    ReadFacts(header, entry);
+    entry.kind = KindNamed(header.at("kind").get<std::string>());
+    entry.undoes = header.at("undoes").get<std::string>();
+    entry.boot_id = header.at("boot_id").get<std::string>();
+    entry.boot_time = header.at("boot_time").get<int64_t>();
+    entry.restarts = header.at("restarts").get<std::vector<std::string>>();
+    for (const Json& step : header.at("steps")) {
+        entry.steps.push_back(StepFromJson(step));
+    }
+}
+
+FileImage CheckedImage(const Frame& frame) {
+    FileImage image = DecodeImage(frame.payload);
+    if (!IsDeviceFile(image.path)) {
+        throw std::invalid_argument("file");
+    }
+    return image;
+}
+
+size_t StepsFromJson(const Json& json, const JournalEntry& entry) {
+    return std::min(json.at("made").get<size_t>(), entry.steps.size());
+}
+
+void ReadFrame(const Frame& frame, JournalEntry& entry) {
+    switch (frame.kind) {
+        case FrameKind::kHeader:
+            ReadHeader(Parse(frame.payload), entry);
+            break;
+        case FrameKind::kImageBefore:
+            entry.before.push_back(CheckedImage(frame));
+            break;
+        case FrameKind::kState:
+            entry.state = StateNamed(Parse(frame.payload).at("state").get<std::string>());
+            break;
+        case FrameKind::kImageAfter:
+            AddAfter(entry, CheckedImage(frame));
+            break;
+        case FrameKind::kSteps:
+            entry.steps.resize(StepsFromJson(Parse(frame.payload), entry));
+            break;
+    }
+}
+
+bool HasState(const FrameList& list) {
+    return std::ranges::any_of(list.frames,
+                               [](const Frame& frame) { return frame.kind == FrameKind::kState; });
+}
+
+void DecodeFramesInto(const FrameList& list, DecodedEntry& decoded) {
+    const Json header = Parse(list.frames.front().payload);
+    if (header.at("schema").get<int>() > kSchema) {
+        decoded.health = EntryHealth::kLater;
+        ReadFacts(header, decoded.entry);
+        return;
+    }
+    if (!HasState(list)) {
+        return;
+    }
+    for (const Frame& frame : list.frames) {
+        ReadFrame(frame, decoded.entry);
+    }
+    decoded.health = EntryHealth::kWhole;
+}
+
+}  // namespace
+
+std::string_view NameOf(EntryState state) {
+    return velk::FindRow(kStates, state, &StateRow::state)->name;
+}
+
+std::string_view NameOf(EntryKind kind) {
+    return velk::FindRow(kKinds, kind, &KindRow::kind)->name;
+}
+
+std::string EncodeState(EntryState state) {
+    return EncodeFrame(FrameKind::kState, Json{{"state", NameOf(state)}}.dump());
+}
+
+std::string EncodeSteps(size_t made) {
+    return EncodeFrame(FrameKind::kSteps, Json{{"made", made}}.dump());
+}
+
+void AddAfter(JournalEntry& entry, FileImage image) {
+    const auto same = std::ranges::find(entry.after, image.path, &FileImage::path);
+    if (same == entry.after.end()) {
+        entry.after.push_back(std::move(image));
+        return;
+    }
+    entry.between.push_back(std::exchange(*same, std::move(image)));
+}
+
+std::string EncodeAfter(const std::vector<FileImage>& images) {
+    std::string frames;
+    for (const FileImage& image : images) {
+        frames.append(EncodeImage(FrameKind::kImageAfter, image));
+    }
+    return frames;
+}
+
+std::string EncodeEntry(const JournalEntry& entry) {
+    std::string frames = EncodeFrame(FrameKind::kHeader, HeaderToJson(entry).dump());
+    for (const FileImage& image : entry.before) {
+        frames.append(EncodeImage(FrameKind::kImageBefore, image));
+    }
+    return frames.append(EncodeAfter(entry.after)).append(EncodeState(entry.state));
+}
+
+DecodedEntry DecodeEntry(std::string_view bytes) {
+    const FrameList list = DecodeFrames(bytes);
+    DecodedEntry decoded;
+    decoded.valid_length = list.valid_length;
+    if (list.frames.empty()) {
+        return decoded;
+    }
+    try {
+        DecodeFramesInto(list, decoded);
+    } catch (const std::exception&) {
+        decoded.health = EntryHealth::kDamaged;
+    }
+    return decoded;
+}
+
+}  // namespace velkctl

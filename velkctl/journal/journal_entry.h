@@ -1,0 +1,94 @@
+// journal_entry.h - one change of settings as the journal keeps it.
+#ifndef VELKCTL_JOURNAL_JOURNAL_ENTRY_H_
+#define VELKCTL_JOURNAL_JOURNAL_ENTRY_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "velkctl/files/file_image.h"
+#include "velkctl/journal/frames.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
+
+namespace velkctl {
+
+// A plain set: prepared, applying, done. An apply: prepared, applying, waiting, confirmed. A change
+// that is taken back: reverting, then reverted, or stuck if a part could not be put back.
+enum class EntryState {
+    kPrepared,
+    kApplying,
+    kWaiting,
+    kConfirmed,
+    kDone,
+    kReverting,
+    kReverted,
+    kStuck,
+};
+
+enum class EntryKind { kPlainSet, kApply, kUndo };
+
+std::string_view NameOf(EntryState state);
+std::string_view NameOf(EntryKind kind);
+
+// One setting of a change.
+struct Step {
+    Setting setting;
+    std::optional<Data> new_value{};  // nothing in an undo of an unknown value
+    std::optional<Data> old_value{};  // nothing if it could not be read
+};
+
+struct JournalEntry {
+    std::string id{};  // four letters and digits: "k7f2"
+    EntryKind kind = EntryKind::kPlainSet;
+    std::string undoes{};   // the id of the entry that an undo takes back
+    int64_t time = 0;       // seconds of the wall clock, for people only
+    std::string boot_id{};  // identifies the running system
+    int64_t boot_time = 0;  // milliseconds since its boot
+    uid_t user = 0;
+    std::vector<Step> steps{};
+    std::vector<std::string> restarts{};  // the interfaces that the change restarts
+    std::vector<FileImage> before{};      // the files that the change touches
+    std::vector<FileImage> after{};       // the same files after the steps so far; empty: unknown
+    std::vector<FileImage> between{};     // the same files after earlier steps
+    EntryState state = EntryState::kPrepared;
+
+    // True if nothing is left to do for it.
+    bool is_closed() const {
+        return state == EntryState::kDone || state == EntryState::kConfirmed ||
+               state == EntryState::kReverted;
+    }
+};
+
+// The frames of a new entry: header, images, state.
+std::string EncodeEntry(const JournalEntry& entry);
+std::string EncodeState(EntryState state);
+std::string EncodeAfter(const std::vector<FileImage>& images);
+// The number of steps that were made, if not all.
+std::string EncodeSteps(size_t made);
+
+// Makes the image the latest one of its file after the change.
+void AddAfter(JournalEntry& entry, FileImage image);
+
+enum class EntryHealth {
+    kWhole,
+    kTorn,     // its beginning was not written in full: nothing was begun
+    kLater,    // a later velkctl has made it
+    kDamaged,  // its frames are whole and make no sense
+};
+
+struct DecodedEntry {
+    EntryHealth health = EntryHealth::kTorn;
+    JournalEntry entry{};  // for kLater only the id, time and user
+    size_t valid_length = 0;
+};
+
+DecodedEntry DecodeEntry(std::string_view bytes);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_JOURNAL_JOURNAL_ENTRY_H_

@@ -1,0 +1,99 @@
+// journal_folder.h - the folder of journal entries: its lock, its files and its limits.
+#ifndef VELKCTL_JOURNAL_JOURNAL_FOLDER_H_
+#define VELKCTL_JOURNAL_JOURNAL_FOLDER_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lib/base/unique_fd.h"
+#include "velkctl/journal/journal_entry.h"
+
+namespace velkctl {
+
+// The oldest closed entries beyond these limits are removed. The newest entry always stays.
+inline constexpr size_t kMostEntries = 16;
+inline constexpr size_t kMostBytes = size_t{256} * 1024;
+
+// The lock between runs of velkctl that change settings. Plain sets share it; apply, undo and
+// recover hold it alone. The lock of the library is another one.
+class JournalLock {
+  public:
+    enum class Use { kShared, kAlone };
+
+    // Makes the folder if it is missing. Waits at most so many seconds for other runs.
+    JournalLock(Use use, int wait_seconds);
+
+    bool is_held() const { return error_ == 0; }
+    // EWOULDBLOCK: another run holds it. Otherwise errno of the folder or of the lock file.
+    int error() const { return error_; }
+
+  private:
+    velk::UniqueFd fd_;
+    int error_;
+};
+
+// The file of an entry that is being written or continued. While it is open, other runs see that
+// its change is under way. A process that is killed leaves it free.
+class EntryFile {
+  public:
+    // Makes the file of a new entry and writes the entry. Sets the id of the entry. Nothing is on
+    // disk before the first Sync().
+    explicit EntryFile(JournalEntry& entry);
+    // Opens the file of an entry at the end of its valid frames.
+    EntryFile(const std::string& path, size_t valid_length);
+
+    // 0, or errno of the first failure. After one, readers see the entry as before that call.
+    int error() const { return error_; }
+    const std::string& path() const { return path_; }
+
+    void Append(const std::string& frames);
+    // Writes the file to disk, and the folder the first time.
+    void Sync();
+    // Removes the file, for a change that has changed nothing.
+    void Remove();
+
+  private:
+    void Take(const std::string& path, int flags);
+
+    std::string path_;
+    velk::UniqueFd fd_;
+    int error_ = 0;
+    bool is_folder_synced_ = false;
+};
+
+// An entry in the folder.
+struct StoredEntry {
+    std::string path{};
+    size_t size = 0;
+    int error = 0;  // errno if it cannot be read
+    bool is_in_use = false;
+    DecodedEntry decoded{};
+
+    bool is_whole() const { return error == 0 && decoded.health == EntryHealth::kWhole; }
+    // True if its change was begun and neither finished nor taken back, and no run is at work on
+    // it.
+    bool is_interrupted() const { return is_whole() && !is_in_use && !decoded.entry.is_closed(); }
+};
+
+struct JournalListing {
+    int error = 0;                       // errno if the folder exists and cannot be read
+    std::vector<StoredEntry> entries{};  // the oldest first
+};
+
+JournalListing ReadJournal();
+
+// Returns the newest entry alone; nothing if there is none.
+std::optional<StoredEntry> ReadLastEntry();
+
+// Removes the oldest closed entries beyond the limits, so that there is room for a new one of so
+// many bytes.
+void PruneJournal(size_t room);
+
+// Removes the entries with a torn beginning: nothing was begun for them. The caller holds the lock
+// alone.
+void RemoveTornEntries(const JournalListing& listing);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_JOURNAL_JOURNAL_FOLDER_H_

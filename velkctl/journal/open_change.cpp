@@ -1,0 +1,186 @@
+// open_change.cpp - the journal entry of a change that is under way.
+#include "velkctl/journal/open_change.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+
+#include <unistd.h>
+
+#include "velkctl/call/library_lock.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/device_files.h"
+
+namespace velkctl {
+namespace {
+
+constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
+// A silent daemon does not delay the change for longer: it is likely to fail anyway.
+constexpr int kDaemonSeconds = 5;
+constexpr int64_t kMilliseconds = 1000;
+constexpr int64_t kNanosecondsOfOne = 1'000'000;
+
+int64_t MillisecondsSinceBoot() {
+    timespec now{};
+    (void)clock_gettime(CLOCK_BOOTTIME, &now);
+    return now.tv_sec * kMilliseconds + now.tv_nsec / kNanosecondsOfOne;
+}
+
+bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
+    return std::ranges::any_of(
+        steps, [&](const Step& step) { return IsChangedBy(file, step.setting.row->id); });
+}
+
+std::vector<FileImage> ImagesBefore(const std::vector<Step>& steps) {
+    std::vector<FileImage> images;
+    for (const DeviceFile& file : DeviceFiles()) {
+        if (IsTouched(file, steps)) {
+            images.push_back(ReadFileImage(file.path));
+        }
+    }
+    return images;
+}
+
+// With method dhcp an address is that of the lease, which is no value to put back.
+std::optional<Data> ConfiguredValue(const Setting& setting, const Device& device) {
+    const bool is_of_lease =
+        setting.row->held_in.is_of_lease && !device.HasStaticMethod(setting.interface);
+    if (!setting.can_get() || is_of_lease) {
+        return std::nullopt;
+    }
+    const bool is_of_daemon = setting.row->held_in.holder == Holder::kDaemon;
+    const Answer answer =
+        is_of_daemon ? device.GetWithin(setting, kDaemonSeconds) : device.Get(setting);
+    return answer.ok() ? std::optional(answer.data) : std::nullopt;
+}
+
+JournalEntry NewEntry(const ChangePlan& plan) {
+    JournalEntry entry{.kind = plan.kind, .undoes = plan.undoes};
+    entry.time = time(nullptr);
+    entry.boot_id = RunningBootId();
+    entry.boot_time = MillisecondsSinceBoot();
+    entry.user = getuid();
+    entry.restarts = plan.restarts;
+    return entry;
+}
+
+size_t SizeOf(const std::vector<FileImage>& images) {
+    size_t size = 0;
+    for (const FileImage& image : images) {
+        size += image.bytes.size();
+    }
+    return size;
+}
+
+// Returns the id of the newest entry if it was interrupted; else nothing.
+std::string FindInterrupted() {
+    const std::optional<StoredEntry> last = ReadLastEntry();
+    return last && last->is_interrupted() ? last->decoded.entry.id : "";
+}
+
+const FileImage* FindImage(const std::vector<FileImage>& images, const std::string& path) {
+    const auto image = std::ranges::find(images, path, &FileImage::path);
+    return image == images.end() ? nullptr : &*image;
+}
+
+}  // namespace
+
+std::string RunningBootId() {
+    return std::string(Trimmed(ReadTextFile(kBootIdFile).bytes));
+}
+
+std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes) {
+    std::vector<Step> steps;
+    steps.reserve(changes.size());
+    for (const SettingChange& change : changes) {
+        steps.push_back({change.setting, change.value});
+    }
+    return steps;
+}
+
+OpenChange::OpenChange(const StoredEntry& stored)
+    : entry_(stored.decoded.entry),
+      file_(std::make_unique<EntryFile>(stored.path, stored.decoded.valid_length)) {
+}
+
+int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
+    JournalEntry entry = NewEntry(plan);
+    {
+        const LibraryLock lock;
+        if (lock.is_busy()) {
+            return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
+        }
+        entry.before = ImagesBefore(plan.steps);
+    }
+    for (const Step& step : plan.steps) {
+        entry.steps.push_back(
+            {step.setting, step.new_value, ConfiguredValue(step.setting, device)});
+    }
+    interrupted_ = FindInterrupted();
+    PruneJournal(2 * SizeOf(entry.before));
+    auto file = std::make_unique<EntryFile>(entry);
+    if (file->error() != 0) {
+        return file->error();
+    }
+    entry_ = std::move(entry);
+    file_ = std::move(file);
+    return 0;
+}
+
+int OpenChange::Advance(EntryState state) {
+    file_->Append(EncodeState(state));
+    file_->Sync();
+    if (file_->error() == 0) {
+        entry_.state = state;
+    }
+    return file_->error();
+}
+
+int OpenChange::Expect(const std::vector<FileImage>& images) {
+    file_->Append(EncodeAfter(images));
+    for (const FileImage& image : images) {
+        AddAfter(entry_, image);
+    }
+    return file_->error();
+}
+
+int OpenChange::RecordFiles() {
+    std::vector<FileImage> changed;
+    for (const FileImage& before : entry_.before) {
+        const FileImage* after = FindImage(entry_.after, before.path);
+        FileImage now = ReadFileImage(before.path);
+        if (!now.HasContentsOf(after == nullptr ? before : *after)) {
+            changed.push_back(std::move(now));
+        }
+    }
+    return changed.empty() ? 0 : Expect(changed);
+}
+
+void OpenChange::RecordSteps(size_t made) {
+    if (made < entry_.steps.size()) {
+        file_->Append(EncodeSteps(made));
+        entry_.steps.resize(made);
+    }
+}
+
+int OpenChange::FlushFiles() const {
+    int first = 0;
+    for (const FileImage& image : entry_.before) {
+        const int error = FlushFile(image.path);
+        first = first != 0 ? first : error;
+    }
+    return first;
+}
+
+bool OpenChange::HasChangedNoFile() const {
+    return std::ranges::all_of(entry_.after, [&](const FileImage& after) {
+        return after.HasContentsOf(*FindImage(entry_.before, after.path));
+    });
+}
+
+void OpenChange::Discard() {
+    file_->Remove();
+    file_.reset();
+}
+
+}  // namespace velkctl

@@ -1,0 +1,55 @@
+// set_record.h - the journal entry of a plain set.
+#ifndef VELKCTL_JOURNAL_SET_RECORD_H_
+#define VELKCTL_JOURNAL_SET_RECORD_H_
+
+#include <vector>
+
+#include "velkctl/call/device.h"
+#include "velkctl/journal/open_change.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/setting_change.h"
+
+namespace velkctl {
+
+// Begins the entry of these changes before the first attempt to make one, and records the files
+// after each. A journal that cannot be written is noted, and the set goes on: a device with a full
+// disk must remain reachable. During its lifetime no other run applies, undoes or recovers.
+class SetRecord final : public SetWatcher {
+  public:
+    // Watches the sets of the device, which must outlive it.
+    SetRecord(const std::vector<SettingChange>& changes, int wait_seconds, Device& device,
+              Report& report);
+
+    // True if another run of velkctl holds the journal. It is reported, and no set may be made.
+    bool is_refused() const { return is_refused_; }
+
+    bool BeforeAttempt() override;
+    void AfterAttempt(const Answer& answer) override;
+
+    // Closes the entry. Removes it if nothing has changed.
+    void Finish();
+
+  private:
+    void GiveUp(int error);
+    // Returns false while another program changes settings.
+    bool Begin();
+    void NoteInterrupted() const;
+    // Counts the steps that have changed something.
+    void CountStep(const Answer& answer);
+    void Close();
+
+    const ChangePlan plan_;
+    const Device& device_;
+    Report& report_;
+    const JournalLock lock_;
+    bool is_refused_ = false;
+    bool is_given_up_ = false;
+    size_t attempted_ = 0;            // the changes that were not refused for the lock
+    size_t made_ = 0;                 // the changes up to the last one that may have an effect
+    bool has_changed_value_ = false;  // one held by the wireless daemon or the port
+    OpenChange change_;
+};
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_JOURNAL_SET_RECORD_H_
