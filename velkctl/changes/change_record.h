@@ -13,13 +13,19 @@
 
 namespace velkctl {
 
+// The reason why a change may not begin.
+struct BeginFailure {
+    Problem problem;
+    ExitStatus status = ExitStatus::kFailed;
+};
+
 // Begin() comes first. A function that returns a problem has done nothing.
 class ChangeRecord {
   public:
     // Keeps the files that the steps touch and the old values of their settings.
-    virtual std::optional<Problem> Begin(const ChangeSet& steps,
-                                         const std::vector<std::string>& restarts,
-                                         const Device& device) = 0;
+    virtual std::optional<BeginFailure> Begin(const ChangeSet& steps,
+                                              const std::vector<std::string>& restarts,
+                                              const Device& device) = 0;
     // Keeps the files as they are after one more step.
     virtual void StepMade() = 0;
     // Writes the touched files to disk.

@@ -24,9 +24,9 @@ Problem FileProblem(const std::string& path, const std::string& failure, int err
 
 }  // namespace
 
-std::optional<Problem> MemoryRecord::Begin(const ChangeSet& steps,
-                                           const std::vector<std::string>& /*restarts*/,
-                                           const Device& device) {
+std::optional<BeginFailure> MemoryRecord::Begin(const ChangeSet& steps,
+                                                const std::vector<std::string>& /*restarts*/,
+                                                const Device& device) {
     for (const SettingChange& step : steps) {
         const Answer answer = step.setting.row->held_in.holder == Holder::kFile
                                   ? Answer{LIB_VELK_FAILURE}
@@ -40,7 +40,7 @@ std::optional<Problem> MemoryRecord::Begin(const ChangeSet& steps,
             files_.push_back(ReadFileImage(file.path));
         }
         if (!files_.empty() && files_.back().error != 0) {
-            return FileProblem(file.path, "cannot be kept", files_.back().error);
+            return BeginFailure{FileProblem(file.path, "cannot be kept", files_.back().error)};
         }
     }
     return std::nullopt;

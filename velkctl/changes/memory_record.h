@@ -11,8 +11,9 @@ namespace velkctl {
 
 class MemoryRecord final : public ChangeRecord {
   public:
-    std::optional<Problem> Begin(const ChangeSet& steps, const std::vector<std::string>& restarts,
-                                 const Device& device) override;
+    std::optional<BeginFailure> Begin(const ChangeSet& steps,
+                                      const std::vector<std::string>& restarts,
+                                      const Device& device) override;
     void StepMade() override {}
     std::optional<Problem> Flush() override;
     std::optional<Problem> Finish() override { return std::nullopt; }

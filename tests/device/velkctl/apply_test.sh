@@ -69,6 +69,11 @@ it 'refuses words that are neither a document nor NAME=VALUE'
 changes_nothing 'velkctl apply location here'
 status_is 2
 error_is 'velkctl: apply: several words given; give one document or NAME=VALUE words'
+changes_nothing 'velkctl apply eth0.dsn=1.1.1.1 eth0.dns'
+status_is 2
+error_is "velkctl: apply: unknown setting 'eth0.dsn'; did you mean eth0.dns?
+velkctl: apply: 'eth0.dns' has no '='
+  fix: give NAME=VALUE, with quotes around a value that has blanks"
 changes_nothing 'velkctl apply ntp=on --restart sometimes'
 status_is 2
 error_has "velkctl: --restart: 'sometimes' is not valid"

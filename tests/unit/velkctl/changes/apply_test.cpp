@@ -16,6 +16,7 @@ using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::ApplyPlan;
 using velkctl::ApplyResult;
+using velkctl::BeginFailure;
 using velkctl::ChangeSet;
 using velkctl::Device;
 using velkctl::ExitStatus;
@@ -30,10 +31,12 @@ class NotingRecord final : public velkctl::ChangeRecord {
   public:
     explicit NotingRecord(std::string failing = "") : failing_(std::move(failing)) {}
 
-    std::optional<Problem> Begin(const ChangeSet& steps, const std::vector<std::string>& restarts,
-                                 const Device& /*device*/) override {
-        return Note("begin " + std::to_string(steps.size()) + " " +
-                    std::to_string(restarts.size()));
+    std::optional<BeginFailure> Begin(const ChangeSet& steps,
+                                      const std::vector<std::string>& restarts,
+                                      const Device& /*device*/) override {
+        const auto problem =
+            Note("begin " + std::to_string(steps.size()) + " " + std::to_string(restarts.size()));
+        return problem ? std::optional(BeginFailure{*problem, ExitStatus::kLocked}) : std::nullopt;
     }
     void StepMade() override { (void)Note("step"); }
     std::optional<Problem> Flush() override { return Note("flush"); }
@@ -98,7 +101,7 @@ TEST_F(ApplyTest, MakesTheStepsBetweenTheStatesOfItsRecord) {
 TEST_F(ApplyTest, ChangesNothingWithoutARecord) {
     NotingRecord record("begin");
     const std::string before = ReadFile(kInterfaces);
-    EXPECT_EQ(Run(Plan({{"eth0.address", "192.168.0.11"}}), record).status, ExitStatus::kFailed);
+    EXPECT_EQ(Run(Plan({{"eth0.address", "192.168.0.11"}}), record).status, ExitStatus::kLocked);
     EXPECT_THAT(record.calls, ElementsAre("begin 1 0"));
     EXPECT_EQ(ReadFile(kInterfaces), before);
     EXPECT_EQ(error, "velkctl: begin 1 0\n");
@@ -136,8 +139,8 @@ TEST_F(ApplyTest, RestartsAndTakesBackAnInterfaceThatIsNotUp) {
 // Another program sets the first value while the second one is set.
 class ForeignSet final : public velkctl::ChangeRecord {
   public:
-    std::optional<Problem> Begin(const ChangeSet&, const std::vector<std::string>&,
-                                 const Device&) override {
+    std::optional<BeginFailure> Begin(const ChangeSet&, const std::vector<std::string>&,
+                                      const Device&) override {
         return std::nullopt;
     }
     void StepMade() override {}

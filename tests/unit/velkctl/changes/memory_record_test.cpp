@@ -49,10 +49,11 @@ TEST_F(MemoryRecordTest, PutsTheFilesBackAsTheyWere) {
 TEST_F(MemoryRecordTest, DoesNotBeginWithAFileThatCannotBeKept) {
     WriteFile(kInterfaces, "x\n");
     ASSERT_EQ(mkdir(kResolver, 0755), 0);
-    const auto problem = record.Begin(steps, {}, device);
+    const auto failure = record.Begin(steps, {}, device);
     ASSERT_EQ(rmdir(kResolver), 0);
-    ASSERT_TRUE(problem);
-    EXPECT_EQ(OneLine(*problem), "/etc/resolv.dnsmasq.conf: cannot be kept; Invalid argument");
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(OneLine(failure->problem),
+              "/etc/resolv.dnsmasq.conf: cannot be kept; Invalid argument");
 }
 
 TEST_F(MemoryRecordTest, NamesWhatItCannotPutBack) {
