@@ -161,6 +161,40 @@ status_is 0
 error_has ' settings of eth1 are left out
   they need a wireless adapter'
 
+it 'reports a setting that it cannot export'
+script 'rm /etc/dhclient.conf; velkctl export --json | grep -A 4 \"unread\"'
+output_is '  "unread": [
+    "dhcp-ntp",
+    "eth1.mac-address",
+    "eth0.dhcp-dns",
+    "eth1.dhcp-dns",'
+script 'rm /etc/dhclient.conf; velkctl export >/tmp/net.json; echo $?; velkctl import /tmp/net.json'
+status_is 0
+output_is '1
+nothing to change'
+error_has 'velkctl: dhcp-ntp: could not be read
+  likely cause: /etc/dhclient.conf: the file is missing'
+
+# ---- eth1 -------------------------------------------------------------------------------------
+it 'does not restart eth1 while that has no effect'
+script 'velkctl apply eth1.method=static eth1.address=10.0.0.1/8'
+status_is 0
+output_is 'applied 3 settings'
+error_is 'velkctl: note: eth1: not restarted; no adapter is attached
+  its settings take effect at its next restart'
+on_device velkctl apply eth1.method=static eth1.address=10.0.0.1/8
+status_is 0
+error_has 'velkctl: note: eth1: not restarted; the cable is in eth0'
+
+it 'fails before the first set if the daemon cannot be asked'
+changes_nothing 'velkctl apply location=x eth1.ssid=lab eth1.channel=3'
+status_is 4
+error_is 'velkctl: eth1.ssid: could not be compared
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  no adapter is attached
+  fix: plug in an adapter; if that does not start the wireless daemon, start it
+  result: LIB_VELK_FAILURE (-1)'
+
 # ---- DHCP -------------------------------------------------------------------------------------
 it 'skips the addresses of an interface that gets them from DHCP'
 script 'velkctl export --quiet >/tmp/net.json; velkctl set eth0.method dhcp --quiet
@@ -183,5 +217,20 @@ eth0.dns: (not in it) -> []
 6
 0
 0'
+
+it 'compares a document with the device as far as that can be read'
+script 'echo "{\"schema\": 1, \"settings\": {\"eth1.ssid\": \"a\", \"eth0.dhcp-notice\": \"on\",
+        \"channel\": 77}}" | velkctl diff -'
+status_is 4
+output_is ''
+error_has 'velkctl: note: eth0.dhcp-notice: not compared, as it cannot be read'
+error_has 'velkctl: eth1.ssid: could not be read'
+wireless_script 'echo "{\"schema\": 1, \"settings\": {\"channel\": 77}}" | velkctl diff - --json | grep -A 5 differences'
+output_is '  "differences": [
+    {
+      "name": "eth1.channel",
+      "first": 77,
+      "second": 6,
+      "only_in": null'
 
 finish
