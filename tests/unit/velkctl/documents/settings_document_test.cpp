@@ -129,6 +129,14 @@ TEST(Document, IsAnObjectWithSchemaAndSettings) {
                     "net.json: not an object; at /facts; give an object with names and values"));
 }
 
+TEST(Document, MayHaveAValueThatIsNestedDeeply) {
+    const std::string nested = std::string(30000, '[') + std::string(30000, ']');
+    EXPECT_THAT(Problems(Whole("{\"eth0.dns\": " + nested + ", \"ntp\": \"on\"}")),
+                ElementsAre("eth0.dns: an element of it is not a string; at /settings/eth0.dns in "
+                            "net.json; give one to three IPv4 addresses such as 192.168.0.1, or "
+                            "none"));
+}
+
 TEST(Document, NeverRepeatsASecret) {
     EXPECT_THAT(
         Problems(Whole(R"({"eth1.psk": "********", "eth1.wep-key-1": "four", "psk": 1})")),
