@@ -45,14 +45,14 @@ ntp       off'
 
 it 'reports all errors of a document, each with its place, and changes nothing'
 changes_nothing 'echo "{\"schema\": 1, \"settings\": {\"eth0.address\": \"192.168.0.300\",
-    \"eth0.gatway\": null, \"ntp\": true, \"location\": \"new\", \"location\": \"x\"}, \"facs\": {}}" |
+    \"eth0.gatewayz\": null, \"ntp\": true, \"location\": \"new\", \"location\": \"x\"}, \"facs\": {}}" |
     velkctl apply -'
 status_is 2
 output_is ''
 error_is "velkctl: standard input: given twice; at /settings/location; give it once
 velkctl: standard input: unknown member; at /facs; did you mean facts?
-velkctl: standard input: unknown setting 'eth0.gatway'
-  at /settings/eth0.gatway
+velkctl: standard input: unknown setting 'eth0.gatewayz'
+  at /settings/eth0.gatewayz
   fix: did you mean eth0.gateway?
 velkctl: eth0.address: '192.168.0.300' is not an IPv4 address
   at /settings/eth0.address in standard input
@@ -133,9 +133,9 @@ script 'velkctl export >/tmp/net.json
 status_is 6
 output_is 'applied 2 settings
 administrator: "Robin" -> "y"'
-changes_nothing 'velkctl export --quiet >/tmp/net.json; velkctl import /tmp/net.json --only eth0.adress,eth9*'
+changes_nothing 'velkctl export --quiet >/tmp/net.json; velkctl import /tmp/net.json --only eth0.addresz,eth9*'
 status_is 2
-error_is "velkctl: import: --only: unknown setting 'eth0.adress'
+error_is "velkctl: import: --only: unknown setting 'eth0.addresz'
   fix: did you mean eth0.address?
 velkctl: import: --only: 'eth9*' matches no setting
   fix: 'velkctl list' names them all"
@@ -154,6 +154,17 @@ nothing to change
 eth1.psk: "********" -> "********"
 applied 1 setting
 secretkey'
+
+it 'shows no key'
+wireless_script 'for form in "" --json; do
+        velkctl apply eth1.psk=planted-one --restart never $form
+        velkctl export --include-secrets >/tmp/all.json
+        velkctl apply eth1.psk=planted-two --restart never $form
+        velkctl diff /tmp/all.json $form
+        sed -i "s/planted-one/********/" /tmp/all.json; velkctl import /tmp/all.json $form
+    done >/tmp/said 2>&1
+    grep -c "\*\*\*\*" /tmp/said; grep planted /tmp/said'
+output_is '7'
 
 it 'names the settings of eth1 that it leaves out'
 script 'velkctl export >/dev/null'

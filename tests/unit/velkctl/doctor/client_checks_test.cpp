@@ -16,7 +16,7 @@ using velkctl::Findings;
 
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 
-// The machine around the test may have clients of its own, whose processes the test sees.
+// The test also sees clients of the machine around it.
 class ClientChecks : public testkit::DeviceTest {
   protected:
     const LeftClient client;

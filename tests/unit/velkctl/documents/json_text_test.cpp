@@ -11,7 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using velkctl::MemberPointer;
 using velkctl::ReadJsonText;
-using velkctl::TextPlace;
 
 // "LINE:COLUMN" of the error, or the value.
 std::string Read(const std::string& text) {
