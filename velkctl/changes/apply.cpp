@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <set>
 
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
@@ -60,7 +61,7 @@ class Run {
         for (const std::string& interface : plan_.restarts) {
             if (SetsMethod(plan_, interface, VELK_METHOD_STATIC) &&
                 HasDhcpClient(interface, device_)) {
-                taken_down_.push_back(interface);
+                taken_down_.insert(interface);
                 if (!Pass(EndDhcpClient(interface))) {
                     return false;
                 }
@@ -100,7 +101,7 @@ class Run {
     bool Restart() {
         for (const std::string& interface : plan_.restarts) {
             const auto start = std::chrono::steady_clock::now();
-            taken_down_.push_back(interface);
+            taken_down_.insert(interface);
             const RestartOutcome outcome = RestartInterface(interface, limits_, device_);
             const auto time = std::chrono::steady_clock::now() - start;
             const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
@@ -135,9 +136,6 @@ class Run {
             }
         }
         result_.status = record_.TakeBack(device_, report_);
-        std::ranges::sort(taken_down_);
-        const auto [end, last] = std::ranges::unique(taken_down_);
-        taken_down_.erase(end, last);
         for (const std::string& interface : taken_down_) {
             (void)Pass(RestartInterface(interface, limits_, device_).problem);
         }
@@ -149,7 +147,7 @@ class Run {
     const Device& device_;
     Report& report_;
     ApplyResult result_;
-    std::vector<std::string> taken_down_;  // interfaces that are or were down
+    std::set<std::string> taken_down_;  // interfaces that are or were down
 };
 
 }  // namespace

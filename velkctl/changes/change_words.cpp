@@ -46,10 +46,6 @@ void Refuse(const Setting& setting, const std::string& problem, RequestedChanges
     read.problems.push_back(Problem{name + ": " + problem, name});
 }
 
-void Refuse(const std::string& problem, RequestedChanges& read) {
-    read.problems.push_back(Problem{"set: " + problem});
-}
-
 void Take(const ChangeRequest& request, bool force, RequestedChanges& read) {
     const Parsed parsed = ParseValue(request, force);
     if (!parsed.ok()) {
@@ -91,7 +87,7 @@ bool HasBlankAtEquals(const Words& words) {
 // Reads the words in their order, so that the problems have it too.
 class ChangeReader {
   public:
-    explicit ChangeReader(bool force) : force_(force) {}
+    ChangeReader(std::string_view verb, bool force) : verb_(verb), force_(force) {}
 
     // Reads "NAME VALUE...".
     void AddOne(const Words& words) {
@@ -99,10 +95,9 @@ class ChangeReader {
         const Words value(words.begin() + 1, words.end());
         if (!setting) {
             // If the name of a secret comes later, the first word is probably the secret.
-            Refuse(HasNameOfSecret(value) ? "the name of the setting comes after its value; "
-                                            "give the name first"
-                                          : UnknownSetting(words.front()),
-                   read_);
+            RefuseWord(HasNameOfSecret(value) ? "the name of the setting comes after its value; "
+                                                "give the name first"
+                                              : UnknownSetting(words.front()));
         } else if (HasMoreNames(value)) {
             Refuse(*setting,
                    "another setting follows the value; give NAME=VALUE for each of several "
@@ -124,23 +119,25 @@ class ChangeReader {
 
     void RefuseBlank(std::string_view word) {
         const std::string name(WithoutValue(word));
-        Refuse(name + ": there is a blank at the '='; write " + name + "=VALUE without blanks",
-               read_);
+        RefuseWord(name + ": there is a blank at the '='; write " + name + "=VALUE without blanks");
     }
 
     RequestedChanges TakeChanges() { return std::move(read_); }
 
   private:
+    void RefuseWord(const std::string& problem) {
+        read_.problems.push_back(Problem{verb_ + ": " + problem});
+    }
+
     // `may_be_key` is true after the name of a secret: the word may be a part of its value.
     void AddAssignment(const std::string& word, bool may_be_key) {
         const std::string name(WithoutValue(word));
         const std::optional<Setting> setting = FindSetting(name);
         if (!IsAssignment(word)) {
-            Refuse(QuotedUnlessKey(word, may_be_key) +
-                       " has no '='; give NAME=VALUE, with quotes around a value that has blanks",
-                   read_);
+            RefuseWord(QuotedUnlessKey(word, may_be_key) +
+                       " has no '='; give NAME=VALUE, with quotes around a value that has blanks");
         } else if (!setting) {
-            Refuse(UnknownSetting(name, may_be_key), read_);
+            RefuseWord(UnknownSetting(name, may_be_key));
         } else {
             const std::string value = word.substr(name.size() + 1);
             const bool is_asked_for = setting->row->secret && value.empty();
@@ -191,14 +188,15 @@ class ChangeReader {
         }
     }
 
+    const std::string verb_;
     const bool force_;
     RequestedChanges read_;
 };
 
 }  // namespace
 
-RequestedChanges ReadChanges(const Words& words, bool force) {
-    ChangeReader reader(force);
+RequestedChanges ReadChanges(std::string_view verb, const Words& words, bool force) {
+    ChangeReader reader(verb, force);
     if (HasBlankAtEquals(words)) {
         reader.RefuseBlank(words.front());
     } else if (IsAssignment(words.front())) {

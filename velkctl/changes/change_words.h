@@ -3,6 +3,7 @@
 #define VELKCTL_CHANGES_CHANGE_WORDS_H_
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkctl/changes/change_set.h"
@@ -25,8 +26,9 @@ struct RequestedChanges {
 
 // Reads "NAME VALUE..." or, if the first word has an "=", any number of "NAME=VALUE". A prefix
 // length after an address is a change of the netmask. Reads secrets from files; leaves the others
-// open.
-RequestedChanges ReadChanges(const std::vector<std::string>& words, bool force);
+// open. `verb` begins the messages about words that name no setting.
+RequestedChanges ReadChanges(std::string_view verb, const std::vector<std::string>& words,
+                             bool force);
 
 // Reads the open secrets from standard input, or asks for them, and adds their changes.
 void AskForSecrets(RequestedChanges& requested, bool force);

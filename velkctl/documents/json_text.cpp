@@ -8,6 +8,9 @@
 namespace velkctl {
 namespace {
 
+// No value of a setting is nested deeper. A copy of a value takes stack for each of its levels.
+constexpr size_t kMostLevels = 8;
+
 // False for the second and later bytes of a character in UTF-8.
 bool BeginsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
@@ -54,7 +57,9 @@ class Builder final : public nlohmann::json_sax<Json> {
     }
 
     JsonText TakeText() {
-        read_.value = read_.error ? Json() : std::move(read_.value);
+        if (read_.error) {
+            read_.value.reset();
+        }
         return std::move(read_);
     }
 
@@ -81,8 +86,10 @@ class Builder final : public nlohmann::json_sax<Json> {
     // Returns the value in its place; a second member of one name in a place that is thrown away.
     Json* Put(Json value) {
         if (levels_.empty()) {
-            read_.value = std::move(value);
-            return &read_.value;
+            return &read_.value.emplace(std::move(value));
+        }
+        if (levels_.size() >= kMostLevels) {
+            return Drop(std::move(value));
         }
         Json& parent = *levels_.back().value;
         if (parent.is_array()) {
@@ -91,10 +98,14 @@ class Builder final : public nlohmann::json_sax<Json> {
         }
         if (parent.contains(levels_.back().member)) {
             NoteDoubled();
-            dropped_.push_back(std::make_unique<Json>(std::move(value)));
-            return dropped_.back().get();
+            return Drop(std::move(value));
         }
         return &(parent[levels_.back().member] = std::move(value));
+    }
+
+    Json* Drop(Json value) {
+        dropped_.push_back(std::make_unique<Json>(std::move(value)));
+        return dropped_.back().get();
     }
 
     bool Add(Json value) {

@@ -21,12 +21,13 @@ struct TextPlace {
 };
 
 struct JsonText {
-    Json value{};                        // null if the text is not valid
+    std::optional<Json> value{};         // nothing if the text is not valid
     std::optional<TextPlace> error{};    // the first character that is not valid
     std::vector<std::string> doubled{};  // the JSON pointers to members that occur twice
 };
 
-// Reads the text. Of a member that occurs twice, the first one is kept.
+// Reads the text. Of a member that occurs twice, the first one is kept. A value that is nested in
+// eight others is left out.
 JsonText ReadJsonText(std::string_view text);
 
 // Returns the pointer to a member of the object at `pointer`: "/settings/eth0.dns".

@@ -72,8 +72,8 @@ class DocumentReader {
         for (const std::string& pointer : text.doubled) {
             Refuse(pointer, "given twice; give it once");
         }
-        if (text.value.is_object()) {
-            ReadMembers(text.value);
+        if (text.value && text.value->is_object()) {
+            ReadMembers(*text.value);
         } else {
             Refuse("", "a document is an object; give {\"schema\": 1, \"settings\": {...}}");
         }

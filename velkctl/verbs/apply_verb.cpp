@@ -51,7 +51,7 @@ WantedValues WantedBy(const SettingsDocument& document, const Device& device) {
 
 // Asks for secrets only if the other values have no problem.
 WantedValues WantedBy(const std::vector<std::string>& words) {
-    RequestedChanges requested = ReadChanges(words, /*force=*/false);
+    RequestedChanges requested = ReadChanges("apply", words, /*force=*/false);
     if (requested.problems.empty()) {
         AskForSecrets(requested, /*force=*/false);
     }

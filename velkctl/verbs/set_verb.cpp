@@ -26,7 +26,7 @@ void AddConflicts(RequestedChanges& requested, bool force, const Device& device)
 // Returns the changes to make, sorted. Asks for secrets only if the other values have no problem.
 // Reports all problems; then returns nothing.
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
-    RequestedChanges requested = ReadChanges(invocation.words, invocation.force);
+    RequestedChanges requested = ReadChanges("set", invocation.words, invocation.force);
     AddConflicts(requested, invocation.force, device);
     if (requested.problems.empty() && !requested.open.empty()) {
         AskForSecrets(requested, invocation.force);
@@ -122,7 +122,7 @@ void CheckWordsOfSet(const Invocation& invocation, Report& report) {
     if (!IsAssignment(invocation.words.front())) {
         return;
     }
-    for (const Problem& problem : ReadChanges(invocation.words, invocation.force).problems) {
+    for (const Problem& problem : ReadChanges("set", invocation.words, invocation.force).problems) {
         report.Complain(problem);
     }
 }

@@ -45,14 +45,14 @@ ntp       off'
 
 it 'reports all errors of a document, each with its place, and changes nothing'
 changes_nothing 'echo "{\"schema\": 1, \"settings\": {\"eth0.address\": \"192.168.0.300\",
-    \"eth0.gatway\": null, \"ntp\": true, \"location\": \"new\", \"location\": \"x\"}, \"facs\": {}}" |
+    \"eth0.gatewayz\": null, \"ntp\": true, \"location\": \"new\", \"location\": \"x\"}, \"facs\": {}}" |
     velkctl apply -'
 status_is 2
 output_is ''
 error_is "velkctl: standard input: given twice; at /settings/location; give it once
 velkctl: standard input: unknown member; at /facs; did you mean facts?
-velkctl: standard input: unknown setting 'eth0.gatway'
-  at /settings/eth0.gatway
+velkctl: standard input: unknown setting 'eth0.gatewayz'
+  at /settings/eth0.gatewayz
   fix: did you mean eth0.gateway?
 velkctl: eth0.address: '192.168.0.300' is not an IPv4 address
   at /settings/eth0.address in standard input
@@ -69,6 +69,11 @@ it 'refuses words that are neither a document nor NAME=VALUE'
 changes_nothing 'velkctl apply location here'
 status_is 2
 error_is 'velkctl: apply: several words given; give one document or NAME=VALUE words'
+changes_nothing 'velkctl apply eth0.dsn=1.1.1.1 eth0.dns'
+status_is 2
+error_is "velkctl: apply: unknown setting 'eth0.dsn'; did you mean eth0.dns?
+velkctl: apply: 'eth0.dns' has no '='
+  fix: give NAME=VALUE, with quotes around a value that has blanks"
 changes_nothing 'velkctl apply ntp=on --restart sometimes'
 status_is 2
 error_has "velkctl: --restart: 'sometimes' is not valid"
@@ -128,9 +133,9 @@ script 'velkctl export >/tmp/net.json
 status_is 6
 output_is 'applied 2 settings
 administrator: "Robin" -> "y"'
-changes_nothing 'velkctl export --quiet >/tmp/net.json; velkctl import /tmp/net.json --only eth0.adress,eth9*'
+changes_nothing 'velkctl export --quiet >/tmp/net.json; velkctl import /tmp/net.json --only eth0.addresz,eth9*'
 status_is 2
-error_is "velkctl: import: --only: unknown setting 'eth0.adress'
+error_is "velkctl: import: --only: unknown setting 'eth0.addresz'
   fix: did you mean eth0.address?
 velkctl: import: --only: 'eth9*' matches no setting
   fix: 'velkctl list' names them all"
@@ -150,11 +155,56 @@ eth1.psk: "********" -> "********"
 applied 1 setting
 secretkey'
 
+it 'shows no key'
+wireless_script 'for form in "" --json; do
+        velkctl apply eth1.psk=planted-one --restart never $form
+        velkctl export --include-secrets >/tmp/all.json
+        velkctl apply eth1.psk=planted-two --restart never $form
+        velkctl diff /tmp/all.json $form
+        sed -i "s/planted-one/********/" /tmp/all.json; velkctl import /tmp/all.json $form
+    done >/tmp/said 2>&1
+    grep -c "\*\*\*\*" /tmp/said; grep planted /tmp/said'
+output_is '7'
+
 it 'names the settings of eth1 that it leaves out'
 script 'velkctl export >/dev/null'
 status_is 0
 error_has ' settings of eth1 are left out
   they need a wireless adapter'
+
+it 'reports a setting that it cannot export'
+script 'rm /etc/dhclient.conf; velkctl export --json | grep -A 4 \"unread\"'
+output_is '  "unread": [
+    "dhcp-ntp",
+    "eth1.mac-address",
+    "eth0.dhcp-dns",
+    "eth1.dhcp-dns",'
+script 'rm /etc/dhclient.conf; velkctl export >/tmp/net.json; echo $?; velkctl import /tmp/net.json'
+status_is 0
+output_is '1
+nothing to change'
+error_has 'velkctl: dhcp-ntp: could not be read
+  likely cause: /etc/dhclient.conf: the file is missing'
+
+# ---- eth1 -------------------------------------------------------------------------------------
+it 'does not restart eth1 while that has no effect'
+script 'velkctl apply eth1.method=static eth1.address=10.0.0.1/8'
+status_is 0
+output_is 'applied 3 settings'
+error_is 'velkctl: note: eth1: not restarted; no adapter is attached
+  its settings take effect at its next restart'
+on_device velkctl apply eth1.method=static eth1.address=10.0.0.1/8
+status_is 0
+error_has 'velkctl: note: eth1: not restarted; the cable is in eth0'
+
+it 'fails before the first set if the daemon cannot be asked'
+changes_nothing 'velkctl apply location=x eth1.ssid=lab eth1.channel=3'
+status_is 4
+error_is 'velkctl: eth1.ssid: could not be compared
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  no adapter is attached
+  fix: plug in an adapter; if that does not start the wireless daemon, start it
+  result: LIB_VELK_FAILURE (-1)'
 
 # ---- DHCP -------------------------------------------------------------------------------------
 it 'skips the addresses of an interface that gets them from DHCP'
@@ -178,5 +228,20 @@ eth0.dns: (not in it) -> []
 6
 0
 0'
+
+it 'compares a document with the device as far as that can be read'
+script 'echo "{\"schema\": 1, \"settings\": {\"eth1.ssid\": \"a\", \"eth0.dhcp-notice\": \"on\",
+        \"channel\": 77}}" | velkctl diff -'
+status_is 4
+output_is ''
+error_has 'velkctl: note: eth0.dhcp-notice: not compared, as it cannot be read'
+error_has 'velkctl: eth1.ssid: could not be read'
+wireless_script 'echo "{\"schema\": 1, \"settings\": {\"channel\": 77}}" | velkctl diff - --json | grep -A 5 differences'
+output_is '  "differences": [
+    {
+      "name": "eth1.channel",
+      "first": 77,
+      "second": 6,
+      "only_in": null'
 
 finish

@@ -11,7 +11,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::ApplyPlan;

@@ -18,7 +18,7 @@ using velkctl::RequestedChanges;
 using Words = std::vector<std::string>;
 
 RequestedChanges Read(const Words& words, bool force = false) {
-    return velkctl::ReadChanges(words, force);
+    return velkctl::ReadChanges("set", words, force);
 }
 
 // "eth0.address 10.0.0.1" for each change.

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "support/device_test.h"
+#include "support/left_client.h"
 
 namespace {
 
@@ -19,10 +20,21 @@ class DhcpEnd : public testkit::DeviceTest {
     const velkctl::Device device{{}, report};
 };
 
-TEST_F(DhcpEnd, NeedsAClientThatRunsAndTheMethodDhcp) {
-    WriteFile(kInterfaces, "iface eth0 inet static\niface eth1 inet dhcp\n");
+TEST_F(DhcpEnd, IsNeededWhileAClientRuns) {
+    const testkit::LeftClient client;
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\n");
+    EXPECT_TRUE(velkctl::HasDhcpClient("eth0", device));
+    WriteFile(kInterfaces, "iface eth0 inet static\n");
     EXPECT_FALSE(velkctl::HasDhcpClient("eth0", device));
-    EXPECT_FALSE(velkctl::HasDhcpClient("eth1", device)) << "no client runs";
+}
+
+TEST_F(DhcpEnd, ReportsAClientThatDoesNotEnd) {
+    const testkit::LeftClient client;
+    const auto problem = velkctl::EndDhcpClient("eth0");
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(problem->message, "eth0: its DHCP client could not be ended");
+    EXPECT_TRUE(problem->detail.starts_with("'sudo ifdown eth0' has left process "));
+    EXPECT_TRUE(problem->remedy.starts_with("sudo kill "));
 }
 
 TEST_F(DhcpEnd, IsDoneIfNoClientRuns) {

@@ -77,18 +77,18 @@ TEST(Document, WithAnErrorInItsSyntaxHasThePlace) {
 
 TEST(Document, HasAllItsProblemsAtOnceEachWithItsPlace) {
     EXPECT_THAT(
-        Problems(R"({"schema": 2, "setings": {}, "ntp": 1, "settings": {
-                     "eth0.adress": "10.0.0.1", "eth0.address": "300.1.1.1", "ntp": 1,
+        Problems(R"({"schema": 2, "settingz": {}, "ntp": 1, "settings": {
+                     "eth0.addresz": "10.0.0.1", "eth0.address": "300.1.1.1", "ntp": 1,
                      "eth0.dns": "1.1.1.1", "eth1.dns": [1], "channel": "6", "eth1.channel": 7,
                      "eth0.mac-address": "x", "location": null, "location": "x",
                      "eth0.apipa": true, "eth1.ssid": "a\u0000b", "eth0.netmask": {}}})"),
         ElementsAre(
             "net.json: given twice; at /settings/location; give it once",
-            "net.json: unknown member; at /setings; did you mean settings?",
+            "net.json: unknown member; at /settingz; did you mean settings?",
             "net.json: unknown member; at /ntp; give schema, settings or facts",
             "net.json: this velkctl knows only schema 1; at /schema; give a document of its own "
             "export",
-            "net.json: unknown setting 'eth0.adress'; at /settings/eth0.adress; did you mean "
+            "net.json: unknown setting 'eth0.addresz'; at /settings/eth0.addresz; did you mean "
             "eth0.address?",
             "net.json: given twice, with its short name and its full name; at "
             "/settings/eth1.channel; give it once",
@@ -127,6 +127,14 @@ TEST(Document, IsAnObjectWithSchemaAndSettings) {
         Problems(R"({"schema": 1, "settings": 3, "facts": []})"),
         ElementsAre("net.json: not an object; at /settings; give an object with names and values",
                     "net.json: not an object; at /facts; give an object with names and values"));
+}
+
+TEST(Document, MayHaveAValueThatIsNestedDeeply) {
+    const std::string nested = std::string(30000, '[') + std::string(30000, ']');
+    EXPECT_THAT(Problems(Whole("{\"eth0.dns\": " + nested + ", \"ntp\": \"on\"}")),
+                ElementsAre("eth0.dns: an element of it is not a string; at /settings/eth0.dns in "
+                            "net.json; give one to three IPv4 addresses such as 192.168.0.1, or "
+                            "none"));
 }
 
 TEST(Document, NeverRepeatsASecret) {
