@@ -94,6 +94,9 @@ Answer Device::Get(const Setting& setting) const {
 
 Answer Device::GetWithin(const Setting& setting, int seconds) const {
     const int own = limits_.timeout_seconds;
+    if (own == 0 && IsPlainRead({VELK_GET, setting.row->id, setting.interface})) {
+        return Get(setting);
+    }
     const TimeLimits limits{.timeout_seconds = own == 0 ? seconds : std::min(own, seconds)};
     return Device(limits, report_).Get(setting);
 }

@@ -40,7 +40,8 @@ class Device {
     void WatchSets(SetWatcher& watcher) { watcher_ = &watcher; }
 
     Answer Get(const Setting& setting) const;
-    // The same, but stops after so many seconds at the latest.
+    // The same, but stops after so many seconds at the latest. A plain read of files is limited by
+    // --timeout alone: a limit would cost it a process.
     Answer GetWithin(const Setting& setting, int seconds) const;
     Answer Set(const Setting& setting, const Data& value) const;
 

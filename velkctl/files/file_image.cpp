@@ -43,10 +43,8 @@ int CheckRoom(const std::string& folder, size_t size) {
 
 // A new file gets its owner before its bytes, which may be secret.
 int AdoptOwner(int fd, const FileImage& image) {
-    if (fchown(fd, image.owner, image.group) == -1 && geteuid() == 0) {
-        return errno;
-    }
-    return fchmod(fd, image.mode) == 0 ? 0 : errno;
+    const bool is_owned = fchown(fd, image.owner, image.group) == 0 || geteuid() != 0;
+    return is_owned && fchmod(fd, image.mode) == 0 ? 0 : errno;
 }
 
 // Between the two steps the file is empty, then a beginning of the image: a reader of the journal

@@ -15,8 +15,8 @@ namespace velkctl {
 namespace {
 
 constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
-// A silent daemon does not delay the change for longer: it is likely to fail anyway.
-constexpr int kDaemonSeconds = 5;
+// A daemon or log that is stuck does not delay the change for longer: it is likely to fail anyway.
+constexpr int kReadSeconds = 5;
 constexpr int64_t kMilliseconds = 1000;
 constexpr int64_t kNanosecondsOfOne = 1'000'000;
 
@@ -48,9 +48,7 @@ std::optional<Data> ConfiguredValue(const Setting& setting, const Device& device
     if (!setting.can_get() || is_of_lease) {
         return std::nullopt;
     }
-    const bool is_of_daemon = setting.row->held_in.holder == Holder::kDaemon;
-    const Answer answer =
-        is_of_daemon ? device.GetWithin(setting, kDaemonSeconds) : device.Get(setting);
+    const Answer answer = device.GetWithin(setting, kReadSeconds);
     return answer.ok() ? std::optional(answer.data) : std::nullopt;
 }
 

@@ -1,5 +1,4 @@
 // set_verb.cpp - the verb that changes settings.
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,6 +83,23 @@ Json SettingsInJson(const ChangeSet& changes, std::vector<MadeChange> made) {
     return settings;
 }
 
+// Makes the changes, with an entry in the journal if wanted. Returns nothing if another run of
+// velkctl is changing settings; it is reported.
+std::vector<MadeChange> MakeRecorded(const ChangeSet& changes, const Invocation& invocation,
+                                     Device& device, Report& report) {
+    const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
+    if (invocation.no_journal) {
+        return MakeChanges(changes, options, device, report);
+    }
+    SetRecord record(changes, invocation.limits.wait_seconds, device, report);
+    if (record.is_refused()) {
+        return {};
+    }
+    std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
+    record.Finish();
+    return made;
+}
+
 }  // namespace
 
 ExitStatus RunSet(const Invocation& invocation, Report& report) {
@@ -93,18 +109,10 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const bool is_single = !IsAssignment(invocation.words.front());
-    const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
     const SetNotes notes(SettingsOf(changes), device, !invocation.force && !invocation.no_verify);
-    std::optional<SetRecord> record;
-    if (!invocation.no_journal) {
-        record.emplace(changes, invocation.limits.wait_seconds, device, report);
-    }
-    if (record && record->is_refused()) {
+    const std::vector<MadeChange> made = MakeRecorded(changes, invocation, device, report);
+    if (made.empty()) {
         return ExitStatus::kLocked;
-    }
-    const std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
-    if (record) {
-        record->Finish();
     }
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));

@@ -158,6 +158,27 @@ output_is '700
 0
   eth1.psk  ******** -> ********'
 
+it 'names a value that it does not know'
+script 'velkctl set eth0.dhcp-notice off --quiet; history; velkctl history --json | grep -c "\"old\": null"
+    before=$(state); echo "# theirs" >>/etc/dhclient-exit-hooks; velkctl undo 2>/dev/null; echo "status $?"
+    velkctl undo --force; echo "status $?"; sed -i \$d /etc/dhclient-exit-hooks
+    [ "$before" = "$(state)" ] && velkctl undo --quiet; echo "status $?"'
+output_is 'ID  done
+  eth0.dhcp-notice  unknown -> off
+1
+status 1
+status 9
+status 0'
+error_is 'velkctl: eth0.dhcp-notice: not put back
+  its old value is not known'
+
+it 'says that the journal cannot be read'
+script 'touch $journal; velkctl history'
+status_is 1
+error_is 'velkctl: history: the journal cannot be read
+  /var/libvelk/journal: Not a directory
+  fix: make /var/libvelk/journal a folder that can be written'
+
 it 'keeps the sixteen last changes'
 script 'for i in 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25 26 27 28; do
         velkctl set eth0.address 192.168.0.$i --no-verify --quiet
@@ -306,23 +327,30 @@ open(sys.argv[1], "wb").write(start + header + entry[12 + length:])
 END
     }
     with_restart; velkctl restart eth0; velkctl undo --quiet; echo "status $?"
-    ifconfig eth0 | grep -o "inet [0-9.]*"'
-output_is 'eth0: 192.168.0.77
+    ifconfig eth0 | grep -o "192\.168\.0\.[0-9]*" | head -n 1'
+output_is 'eth0: 192.168.0.77 (static)
 status 0
-inet 192.168.0.10'
+192.168.0.10'
 
 it 'says why a file of the journal is no entry'
 script 'mkdir -m 700 $journal && mkdir $journal/000001-bbbb && echo torn >$journal/000002-cccc
     velkctl set eth0.address 192.168.0.77 --quiet
     { head -c -1 $journal/000003-*; } >$journal/000004-dddd
-    velkctl history | sed -n "s/  [-0-9]* [0-9:]*//; /^[bcd]/p"
-    velkctl recover 2>&1; entries | wc -l'
-output_is 'cccc  not begun
+    # The state frame of a done change alone, with its checksum.
+    tail -c 28 $journal/000003-* >$journal/000005-ffff
+    velkctl history | sed -n "s/  [-0-9]* [0-9:]*//; /^[bcdf][bcdf]/p"
+    velkctl recover 2>&1 | sed -E "s/ of [-0-9: ]+ is/ is/"; velkctl get eth0.address; entries | wc -l'
+output_is 'ffff  damaged
+dddd  set  interrupted
+cccc  not begun
 bbbb  Is a directory
 velkctl: note: recover: /var/libvelk/journal/000001-bbbb is left as it is
   Is a directory
-change dddd
-3'
+velkctl: note: recover: /var/libvelk/journal/000005-ffff is left as it is
+  damaged
+change dddd is put back
+192.168.0.10
+4'
 
 it 'waits for no answer of a silent daemon for its old value'
 script 'velk-sandbox cable out; killall -STOP wland; start=$(date +%s)

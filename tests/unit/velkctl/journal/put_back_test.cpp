@@ -188,6 +188,32 @@ TEST_F(PutBackTest, NamesASettingThatCannotBeSet) {
     ASSERT_EQ(rmdir(kCopy), 0);
 }
 
+TEST_F(PutBackTest, NamesASettingThatTheDeviceDoesNotTake) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
+    libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"eth0.address: not put back; the library reported success, but the "
+                          "device holds another value"s});
+}
+
+TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
+    WriteFile(kInterfaces, TextWith("192.168.0.1"));
+    // The library's lock is opened twice, then the file is read.
+    libc().PlanFault(testkit::Call::kOpen, 4, testkit::Reach::kThatOne, EIO);
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"/etc/network/interfaces: not put back; Input/output error"s});
+}
+
+TEST_F(PutBackTest, ReportsAnInterfaceThatCannotBeRestarted) {
+    JournalEntry entry = Change();
+    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kDone);
+    entry.restarts = {"eth2"};
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kInvalid);
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
+        "velkctl: eth2: could not be restarted\n"));
+}
+
 TEST_F(PutBackTest, MakesAndRemovesAFile) {
     JournalEntry entry = Change();
     entry.steps.clear();
