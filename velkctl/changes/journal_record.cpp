@@ -44,8 +44,11 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     if (const int error = BeginEntry(plan, device); error != 0) {
         return FailureOf(error);
     }
-    const int error = change_.Advance(EntryState::kApplying);
-    return error == 0 ? std::nullopt : std::optional(FailureOf(error));
+    if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
+        change_.Discard();
+        return FailureOf(error);
+    }
+    return std::nullopt;
 }
 
 std::optional<Problem> JournalRecord::Flush() {
