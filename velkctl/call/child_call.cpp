@@ -32,7 +32,7 @@ static_assert(sizeof(Message) <= PIPE_BUF);
 using Milliseconds = std::chrono::milliseconds;
 
 // The pause between two looks at the tools that are to end.
-constexpr Milliseconds kToolPause{10};
+constexpr Milliseconds kEndPause{10};
 // A tool that is asked to end has this time.
 constexpr Milliseconds kEndTime{1000};
 constexpr int kNoSignal = 0;
@@ -152,7 +152,7 @@ std::vector<Process> ChildCall::Descendants() const {
 // Sends the signal to all tools, again to those that were started meanwhile. Returns true as soon
 // as no tool is left.
 bool ChildCall::TryToEnd(int signal, Milliseconds longest) const {
-    for (Milliseconds left = longest;; left -= kToolPause) {
+    for (Milliseconds left = longest;; left -= kEndPause) {
         const std::vector<Process> tools = Descendants();
         if (tools.empty() || left <= Milliseconds::zero()) {
             return tools.empty();
@@ -160,7 +160,7 @@ bool ChildCall::TryToEnd(int signal, Milliseconds longest) const {
         for (const Process& tool : tools) {
             (void)kill(tool.id, signal);
         }
-        Pause(kToolPause);
+        Pause(kEndPause);
     }
 }
 

@@ -59,8 +59,8 @@ void EndBySignal(int signal) {
     (void)::signal(signal, SIG_DFL);
     (void)raise(signal);
     (void)sigprocmask(SIG_UNBLOCK, &only, nullptr);
-    _exit(StatusOfSignal(
-        signal));  // a signal of its own does not end the first process of a PID namespace
+    // The first process of a PID namespace survives a signal that it sends to itself.
+    _exit(StatusOfSignal(signal));
 }
 
 void EndInterrupted(int signal, const std::string& state, Report& report) {

@@ -118,7 +118,7 @@ Secret Ask(const std::string& question, size_t longest = VELK_DATA_SIZE) {
     Secret secret = ReadLine("standard input", longest,
                              [&hidden](char& byte) { return hidden.ReadByte(byte); });
     if (hidden.is_terminal()) {
-        ShowAtTerminal("\n");  // the typed one was not shown
+        ShowAtTerminal("\n");  // the newline that was typed was not shown
     }
     return secret;
 }

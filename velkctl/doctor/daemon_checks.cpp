@@ -86,7 +86,9 @@ Findings CheckChannel(const Answer& answer) {
 
 Findings AskDaemon(Report& report) {
     const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
-    const auto ask = [&](uint32_t id) { return device.Get(SettingsOf(id).front()); };
+    const auto ask = [&](uint32_t id) {
+        return device.Get(SettingOf(id, VELK_WIRELESS_INTERFACE));
+    };
     Findings findings = CheckAnswer(ask(VELK_CMD_SSID));
     return findings.empty() ? CheckChannel(ask(VELK_CMD_CHANNEL)) : findings;
 }
@@ -133,9 +135,10 @@ Findings DaemonDiffers(const Setting& setting) {
     if (!Includes(WirelessConfiguration(), setting)) {
         return {};
     }
-    return {AboutDaemon().Problem("keeps another configuration",
-                                  "the wireless daemon was sent the value, but returns another one",
-                                  "restart the wireless daemon; 'velkctl doctor' queries it")};
+    return {
+        AboutDaemon().Problem("keeps another configuration",
+                              "the wireless daemon was sent the value, but returns another one",
+                              "set it again; if it differs again, restart the wireless daemon")};
 }
 
 }  // namespace velkctl

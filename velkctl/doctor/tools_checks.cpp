@@ -17,8 +17,6 @@
 namespace velkctl {
 namespace {
 
-constexpr std::chrono::seconds kLongestRun{5};
-
 constexpr bool kBySudo = true;
 constexpr bool kDirectly = false;
 constexpr bool kForRestart = true;
@@ -78,7 +76,7 @@ class SudoRights {
         if (!asks_) {
             return false;
         }
-        const ToolRun run = RunTool({"sudo", "-n", "-l", tool}, kLongestRun);
+        const ToolRun run = RunTool({"sudo", "-n", "-l", tool});
         asks_ = run.ended;
         return run.ended && run.status != 0;
     }
@@ -190,7 +188,7 @@ Findings CheckIfconfig() {
         return {};  // CheckTools() finds it
     }
     for (const std::string interface : {"lo", VELK_WIRED_INTERFACE}) {
-        const ToolRun run = RunTool({std::string(kInterfaceTool), interface}, kLongestRun);
+        const ToolRun run = RunTool({std::string(kInterfaceTool), interface});
         if (!run.ended) {
             return {AboutTool().Problem("does not end",
                                         "'ifconfig " + interface + "' ran for more than " +

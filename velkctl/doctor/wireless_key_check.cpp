@@ -5,12 +5,11 @@
 #include <string_view>
 
 #include "velkctl/call/command.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/hex.h"
 
 namespace velkctl {
 namespace {
-
-constexpr int kWep = 2;  // the value of encryption
 
 // The lengths of a WPA key: of a passphrase, and of a key in hex digits.
 constexpr size_t kShortestPassphrase = 8;

@@ -208,15 +208,19 @@ void Report::KeepToolOutput(std::vector<std::string> lines) {
 
 void Report::ShowToolOutput() {
     for (const std::string& line : std::exchange(tool_output_, {})) {
-        Note(line);
+        AddNote("", line);
     }
 }
 
 void Report::Note(std::string_view note) {
+    AddNote(kNote, note);
+}
+
+void Report::AddNote(std::string_view mark, std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
     } else if (detail_ != Detail::kQuiet) {
-        PrintError(std::string(kNote).append(note), Tone::kNote);
+        PrintError(std::string(mark).append(note), Tone::kNote);
     }
 }
 

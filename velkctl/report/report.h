@@ -77,15 +77,16 @@ class Report {
 
     // Prints a text as it is. Does nothing in JSON.
     void Text(std::string_view text) const;
-    // The same for a text that nobody asked for. Does nothing with kQuiet.
+    // The same for a text that is no requested value. Does nothing with kQuiet.
     void Inform(std::string_view text) const;
     // Adds a member to the document, in the order of the calls. Does nothing in text.
     void Member(std::string_view key, Json value);
 
-    // Keeps the lines that tools printed, in the place of earlier ones. Complain() adds them as
-    // notes before its problem; otherwise they are not shown. With kVerbose adds them at once.
+    // Keeps the lines that tools printed, in the place of earlier ones. Complain() shows them
+    // before its problem; otherwise they are not shown. With kVerbose shows them at once.
     void KeepToolOutput(std::vector<std::string> lines);
-    // Adds the kept lines as notes.
+    // Shows the kept lines: in text without a mark, in JSON among the notes. With kQuiet only in
+    // the document.
     void ShowToolOutput();
 
     // Adds information for a person that a script can ignore. In text it is marked as a note. With
@@ -105,6 +106,9 @@ class Report {
 
   private:
     struct Document;
+
+    // Adds a note. In text `mark` comes before it.
+    void AddNote(std::string_view mark, std::string_view note);
 
     const Form form_;
     Detail detail_ = Detail::kUsual;

@@ -3,6 +3,7 @@
 #define VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_
 
 #include <array>
+#include <cstdint>
 
 #include "velkctl/settings/address_values.h"
 #include "velkctl/settings/coded_values.h"
@@ -58,9 +59,10 @@ inline constexpr std::array<CodedValue, 2> kServiceSetTable{{
     {1, "infrastructure", "a network with an access point"},
     {2, "ad-hoc", "a network without one"},
 }};
+inline constexpr uint8_t kWep = 2;
 inline constexpr std::array<CodedValue, 4> kEncryptionTable{{
     {1},
-    {2, "wep"},
+    {kWep, "wep"},
     {3},
     {4},
 }};

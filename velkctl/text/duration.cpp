@@ -1,4 +1,4 @@
-// duration.cpp - times as a person says them.
+// duration.cpp - durations in words.
 #include "velkctl/text/duration.h"
 
 #include <algorithm>

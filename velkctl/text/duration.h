@@ -1,4 +1,4 @@
-// duration.h - times as a person says them.
+// duration.h - durations in words.
 #ifndef VELKCTL_TEXT_DURATION_H_
 #define VELKCTL_TEXT_DURATION_H_
 

@@ -13,7 +13,7 @@ namespace velkctl {
 // nothing if the text begins with none, or with one that the type does not hold. "+1" and " 1"
 // begin with none.
 template <typename Number>
-std::optional<Number> LeadingNumber(std::string_view text, size_t& end, int base = 10) {
+std::optional<Number> ParseLeadingNumber(std::string_view text, size_t& end, int base = 10) {
     Number number{};
     const auto [stop, error] =
         std::from_chars(text.data(), text.data() + text.size(), number, base);
@@ -28,7 +28,7 @@ std::optional<Number> ParseNumber(std::string_view text,
                                   Number least = std::numeric_limits<Number>::min(),
                                   Number most = std::numeric_limits<Number>::max()) {
     size_t end = 0;
-    const std::optional<Number> number = LeadingNumber<Number>(text, end);
+    const std::optional<Number> number = ParseLeadingNumber<Number>(text, end);
     const bool is_taken = number && end == text.size() && *number >= least && *number <= most;
     return is_taken ? number : std::nullopt;
 }

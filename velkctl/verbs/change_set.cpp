@@ -17,7 +17,7 @@
 namespace velkctl {
 namespace {
 
-bool Has(const std::vector<Problem>& problems, const Setting& setting) {
+bool HasProblem(const std::vector<Problem>& problems, const Setting& setting) {
     return std::ranges::find(problems, setting.name(), &Problem::setting) != problems.end();
 }
 
@@ -57,7 +57,7 @@ MadeChange MakeChange(const SettingChange& change, ChangeOptions options, const 
 }
 
 // "eth0.address, eth0.netmask", or "none"
-std::string NamesOf(std::span<const SettingChange> changes) {
+std::string NamesInText(std::span<const SettingChange> changes) {
     std::string names;
     for (const SettingChange& change : changes) {
         names.append(names.empty() ? "" : ", ").append(change.setting.name());
@@ -72,8 +72,8 @@ void NoteStop(const ChangeSet& changes, const std::vector<MadeChange>& made, Rep
         const size_t last = made.size() - 1;
         const size_t set = made[last].has_effect() ? made.size() : last;
         report.Note(Problem{.message = "set: stopped at " + changes[last].setting.name(),
-                            .detail = "set: " + NamesOf(all.first(set)) +
-                                      "; not set: " + NamesOf(all.subspan(set))});
+                            .detail = "set: " + NamesInText(all.first(set)) +
+                                      "; not set: " + NamesInText(all.subspan(set))});
     }
 }
 
@@ -91,7 +91,7 @@ std::vector<Problem> FindConflicts(const ChangeSet& changes, const std::vector<P
     const PlannedValues planned(device, changes);
     std::vector<Problem> conflicts;
     for (const SettingChange& change : changes) {
-        const bool is_checked = !Has(known, change.setting);
+        const bool is_checked = !HasProblem(known, change.setting);
         const std::optional<Problem> conflict =
             is_checked ? FindConflict(change, planned, device) : std::nullopt;
         if (conflict) {

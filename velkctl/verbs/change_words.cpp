@@ -60,11 +60,12 @@ void Take(const ChangeRequest& request, bool force, RequestedChanges& read) {
 
 // ---- From words to changes ---------------------------------------------------------------------
 
-bool Has(const RequestedChanges& read, const Setting& setting) {
+bool IsRequested(const RequestedChanges& read, const Setting& setting) {
     const auto is_same = [&setting](const auto& row) {
         return IsSameSetting(row.setting, setting);
     };
-    return std::ranges::any_of(read.changes, is_same) || std::ranges::any_of(read.open, is_same);
+    return std::ranges::any_of(read.changes, is_same) ||
+           std::ranges::any_of(read.unread_secrets, is_same);
 }
 
 bool HasNameOfSecret(const Words& words) {
@@ -171,7 +172,7 @@ class ChangeReader {
             Refuse(setting,
                    "cannot be set, only read; 'velkctl get " + setting.name() + "' reads it",
                    read_);
-        } else if (Has(read_, setting)) {
+        } else if (IsRequested(read_, setting)) {
             const bool is_mask = setting.row->id == VELK_CMD_NETMASK;
             Refuse(setting,
                    is_mask ? "given twice; the prefix length after an address counts too; give it "
@@ -185,7 +186,7 @@ class ChangeReader {
 
     void AddNew(const ChangeRequest& request) {
         if (IsAskedFor(request)) {
-            read_.open.push_back(request);
+            read_.unread_secrets.push_back(request);
         } else {
             Take(request, force_, read_);
         }
@@ -211,7 +212,7 @@ RequestedChanges ReadChanges(const Invocation& invocation) {
 }
 
 void AskForSecrets(RequestedChanges& requested, bool force) {
-    for (const ChangeRequest& request : std::exchange(requested.open, {})) {
+    for (const ChangeRequest& request : std::exchange(requested.unread_secrets, {})) {
         Take(request, force, requested);
     }
 }

@@ -21,15 +21,16 @@ struct ChangeRequest {
 struct RequestedChanges {
     ChangeSet changes{};  // the value of a refused one is empty
     std::vector<Problem> problems{};
-    std::vector<ChangeRequest> open{};  // secrets that a person or standard input gives
+    // The secrets that a person or standard input gives.
+    std::vector<ChangeRequest> unread_secrets{};
 };
 
 // Reads "NAME VALUE..." or, if the first word has an "=", any number of "NAME=VALUE". A prefix
 // length after an address is a change of the netmask. Reads secrets from files; leaves the others
-// open.
+// unread.
 RequestedChanges ReadChanges(const Invocation& invocation);
 
-// Reads the open secrets from standard input, or asks for them, and adds their changes.
+// Reads the unread secrets from standard input, or asks for them, and adds their changes.
 void AskForSecrets(RequestedChanges& requested, bool force);
 
 }  // namespace velkctl

@@ -102,7 +102,7 @@ RestartResult JudgeWithoutAddress(const RestartFacts& facts) {
     return Bad(facts, message, "no DHCP server answered", "start one, then " + RunAgain(facts));
 }
 
-// Without an answer of a server, an address is an earlier one, if not one that APIPA chose.
+// If no server answered, the address is an earlier one, or one that APIPA chose.
 RestartResult JudgeDhcp(const RestartFacts& facts) {
     const std::string address = facts.state.address();
     if (IsLinkLocal(address)) {
@@ -126,7 +126,7 @@ std::string OtherAddresses(const RestartFacts& facts) {
 }
 
 RestartResult JudgeStatic(const RestartFacts& facts) {
-    if (facts.configured.empty() || !facts.state.Has(facts.configured)) {
+    if (!facts.state.Has(facts.configured)) {
         return Bad(facts, "up, but its address is " + facts.state.address(),
                    facts.configured.empty() ? "its configured address cannot be read"
                                             : "its configured address is " + facts.configured,
@@ -150,7 +150,7 @@ RestartResult JudgeAddress(const RestartFacts& facts) {
 
 RestartResult JudgeRestart(const RestartFacts& facts) {
     if (HasIfupFailed(facts)) {
-        return Bad(facts, "ifup failed, see its messages", Described(facts.state));
+        return Bad(facts, "ifup failed (its messages are above)", Described(facts.state));
     }
     if (!facts.state.is_up) {
         return Bad(facts, "not up after the restart",

@@ -26,7 +26,7 @@ void AddConflicts(RequestedChanges& requested, bool force, const Device& device)
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
     RequestedChanges requested = ReadChanges(invocation);
     AddConflicts(requested, invocation.force, device);
-    if (requested.problems.empty() && !requested.open.empty()) {
+    if (requested.problems.empty() && !requested.unread_secrets.empty()) {
         AskForSecrets(requested, invocation.force);
         AddConflicts(requested, invocation.force, device);
     }
@@ -41,7 +41,7 @@ Json HeldInJson(const MadeChange& made) {
     return made.held ? Json(*made.held) : Json(nullptr);
 }
 
-std::vector<Setting> SettingsOf(const ChangeSet& changes) {
+std::vector<Setting> SettingsToSet(const ChangeSet& changes) {
     std::vector<Setting> settings;
     for (const SettingChange& change : changes) {
         settings.push_back(change.setting);
@@ -50,7 +50,8 @@ std::vector<Setting> SettingsOf(const ChangeSet& changes) {
 }
 
 // Returns the settings that hold their new value, as far as is known.
-std::vector<Setting> SettingsSet(const ChangeSet& changes, const std::vector<MadeChange>& made) {
+std::vector<Setting> SettingsThatHold(const ChangeSet& changes,
+                                      const std::vector<MadeChange>& made) {
     std::vector<Setting> settings;
     for (size_t i = 0; i < made.size(); ++i) {
         if (made[i].has_effect()) {
@@ -92,7 +93,8 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     }
     const bool is_single = !IsAssignment(invocation.words.front());
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
-    const SetNotes notes(SettingsOf(changes), device, !invocation.force && !invocation.no_verify);
+    const SetNotes notes(SettingsToSet(changes), device,
+                         !invocation.force && !invocation.no_verify);
     const std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));
@@ -100,7 +102,7 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     if (!is_single || changes.size() > 1) {
         report.Member("settings", SettingsInJson(changes, made));
     }
-    notes.Print(SettingsSet(changes, made), report);
+    notes.Print(SettingsThatHold(changes, made), report);
     return made.back().status;
 }
 

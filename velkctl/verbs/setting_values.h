@@ -12,8 +12,8 @@
 
 namespace velkctl {
 
-// Returns a value for people, or for JSON. A secret is masked unless it may be shown; an empty one
-// is recognisable.
+// Returns a value for people, or for JSON. A secret is masked unless it is empty or may be
+// shown.
 std::string ValueText(const Setting& setting, const Data& data, bool show_secrets);
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 

@@ -355,7 +355,7 @@ for way in empty garbage; do
     has 'standard error' "
   likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value,
   but returns another one
-  fix: restart the wireless daemon; 'velkctl doctor' queries it" "$error"
+  fix: set it again; if it differs again, restart the wireless daemon" "$error"
 done
 
 it 'reports a tab after a word, as a set then does'

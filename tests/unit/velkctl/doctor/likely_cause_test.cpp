@@ -266,7 +266,7 @@ TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
     testkit::FakeDaemon daemon;
     EXPECT_EQ(FirstOf("eth1.ssid"),
               "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, but returns another "
-              "one; fix: restart the wireless daemon; 'velkctl doctor' queries it");
+              "one; fix: set it again; if it differs again, restart the wireless daemon");
     EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
     for (const Setting& setting : velkctl::Settings()) {
         const Findings causes = LikelyCauses(setting);

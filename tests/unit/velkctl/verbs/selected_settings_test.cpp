@@ -6,11 +6,13 @@
 
 #include <gmock/gmock.h>
 
+#include "support/words.h"
+
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Words = std::vector<std::string>;
+using testkit::Words;
 
 class SelectedSettings : public testing::Test {
   protected:
