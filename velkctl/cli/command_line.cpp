@@ -11,6 +11,7 @@
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
@@ -33,7 +34,7 @@ std::vector<std::string> VerbNames() {
 
 ExitStatus ShowHelp(const std::string& help, Report& report) {
     report.set_verb("");  // none was run
-    report.Text(help);
+    report.Text(FittedToTerminal(help));
     report.Member("help", help);
     return ExitStatus::kDone;
 }

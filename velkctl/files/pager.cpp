@@ -77,6 +77,10 @@ bool PrintThrough(const std::string& pager, std::string_view text) {
 
 }  // namespace
 
+bool HasPager() {
+    return IsTerminal(STDOUT_FILENO) && !PagerCommand().empty();
+}
+
 void PrintPaged(std::string_view text) {
     const std::string pager = IsTooLong(text) ? PagerCommand() : "";
     if (pager.empty() || !PrintThrough(pager, text)) {

@@ -6,6 +6,9 @@
 
 namespace velkctl {
 
+// True if standard output is a terminal with a program for long texts.
+bool HasPager();
+
 // Prints a text. If standard output is a terminal that is too small for it, prints through the
 // program that PAGER names, or through less if it is installed. PAGER=cat or an empty one means no
 // program. If the program fails, prints the text itself.

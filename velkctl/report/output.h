@@ -29,6 +29,9 @@ struct TerminalSize {
 // Returns the size of the terminal; nothing if it is unknown or there is no terminal.
 std::optional<TerminalSize> TerminalSizeOf(int fd);
 
+// Returns the text in lines for the terminal that standard output is; else the text itself.
+std::string FittedToTerminal(std::string_view text);
+
 enum class Colour {
     kBold,
     kRed,

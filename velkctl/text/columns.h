@@ -19,6 +19,11 @@ std::string Cut(std::string_view text, size_t width);
 // newline. A word that is too long has a line of its own.
 std::string InLinesOf(std::span<const std::string> words, size_t width, size_t indent);
 
+// Returns the text with lines that do not exceed the width. A longer line is broken at its blanks
+// and continues with a deeper indent. A command that a person may copy stays whole, as does a long
+// word.
+std::string Wrapped(std::string_view text, size_t width);
+
 // Returns the number of lines that the text takes on a terminal with this number of columns.
 // Escapes of colours count as characters.
 size_t LinesOnScreen(std::string_view text, size_t columns);
