@@ -17,7 +17,7 @@ struct JoinedText {
     char bytes[Size];
 };
 
-// Returns the texts one after another; each loses its NUL.
+// Returns the texts one after another, without the NULs between them.
 template <size_t... Sizes>
 consteval auto JoinText(const char (&... texts)[Sizes]) {
     JoinedText<(Sizes + ...) - sizeof...(Sizes) + 1> joined{};

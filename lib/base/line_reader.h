@@ -10,7 +10,7 @@
 
 namespace velk {
 
-// Returns the lines of a file as views into one block. A small file costs one heap request, a
+// Reads the lines of a file as views into one block. A small file costs one heap request, a
 // larger one two, and the memory does not depend on the file's size. Only a line longer than the
 // block makes the block grow.
 //
@@ -46,7 +46,7 @@ class LineReader {
     bool TakeBufferedLine(std::string_view& line);
 
     // Returns the complete lines in the block, with their newlines, before the first one that
-    // begins with `start`. Never reads the file. Faster than line by line.
+    // begins with `start`. Never reads the file. It is faster than line by line.
     std::string_view TakeBufferedLinesBefore(std::string_view start);
 
     // Closes the file early. No more lines may be read after it.

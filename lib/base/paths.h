@@ -48,6 +48,7 @@ inline constexpr char kResultFile[] = "/var/tmp/get_result";
 inline constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 
 // The sockets and the semaphore of a query to the wireless daemon.
+inline constexpr char kSocketFolder[] = "/tmp";
 inline constexpr char kRequestSocket[] = "/tmp/WlanAplToWlanSock";
 inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphoreName[] = "/WlanAplRecvSem";  // for sem_open(3)

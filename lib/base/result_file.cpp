@@ -34,7 +34,7 @@ bool CreateResultFile() {
     return true;
 }
 
-// A folder that is not empty is renamed: emptying it might take for ever.
+// A folder that is not empty is renamed, because emptying it may never end.
 bool RemoveFolder() {
     if (rmdir(kResultFile) == 0) {
         return true;

@@ -39,7 +39,7 @@ constexpr std::chrono::milliseconds kTimeStep{20};
 
 }  // namespace
 
-// If the shell empties an empty file, only the file's time changes.
+// If the shell empties an empty file, only the file's time changes. The pause ensures that it does.
 TargetGuard::TargetGuard(const std::string& target, int copy) : target_(target), copy_(copy) {
     if (ReadFacts(target_, before_) == 0 && before_.st_size == 0) {
         std::this_thread::sleep_for(kTimeStep);

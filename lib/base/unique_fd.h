@@ -8,7 +8,7 @@
 
 namespace velk {
 
-// Closes its descriptor on every path. A negative number means none; 0 is a descriptor.
+// Closes its descriptor when its scope ends. A negative number means none; 0 is a descriptor.
 class UniqueFd {
   public:
     explicit UniqueFd(int fd = -1) : fd_(fd) {}

@@ -11,7 +11,7 @@ inline bool Contains(std::string_view line, std::string_view text) {
     return line.find(text) != std::string_view::npos;
 }
 
-// isalpha(3) and isalnum(3) in the C locale: the host program may have set another.
+// Like isalpha(3) and isalnum(3) in the C locale; the host program may have set another.
 constexpr bool IsLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }

@@ -9,7 +9,7 @@
 namespace velk {
 namespace {
 
-// An option that the client can request. With `comment_aware` its name after a "#" does not count,
+// An option that the client can request. With `comment_aware`, its name after a "#" does not count;
 // see SetDhcpServer().
 struct Option {
     const char* name;

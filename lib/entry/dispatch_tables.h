@@ -21,7 +21,7 @@ struct CommandEntry {
     CommandHandler handler;
 };
 
-// Searched in their order; the first row with the id counts.
+// The first row with the id counts.
 extern const std::span<const CommandEntry> kGetTable;
 extern const std::span<const CommandEntry> kSetTable;
 extern const std::span<const CommandEntry> kRestartTable;

@@ -12,7 +12,7 @@ struct Escape {
     const char* replacement;
 };
 
-// In this order: backslashes first, so that those of the other rows are not doubled.
+// Backslashes come first, so that those of the other rows are not doubled.
 constexpr Escape kEscapes[] = {
     {"\\", "\\\\"}, {"&", "\\&"}, {"\"", "\\\""},
     {"'", "'\\''"},  // ends the shell's quotes, gives a quote, and begins them again

@@ -74,7 +74,7 @@ int RestartWireless(const _velk_request& request, char* /*out*/) {
     if (IsWiredLinked() != 0) {
         return CommandLine("sudo ifconfig %s up", name.c_str()).Run();
     }
-    // In the background: the address may take its time.
+    // It runs in the background, because getting an address may take long.
     (void)CommandLine("sudo ifup %s &", name.c_str()).Run();
     return NotifyDaemon();
 }

@@ -22,7 +22,7 @@ struct IoctlEntry {
     IoctlSetHandler set_handler;  // null: the property cannot be changed
 };
 
-// Searched in its order; the first row that fits counts.
+// The first row with the id counts.
 extern const std::span<const IoctlEntry> kIoctlTable;
 
 }  // namespace velk

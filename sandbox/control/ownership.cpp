@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/numbers.h"
 #include "sandbox/device/capabilities.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/proc_fields.h"
@@ -30,7 +31,7 @@ constexpr size_t kUsersOfProcess = 4;  // real, effective, saved and file system
 // the descriptor is not a pidfd.
 long NumberOf(const velk::UniqueFd& process) {
     const std::string path = "/proc/self/fdinfo/" + std::to_string(process.get());
-    return std::max(FirstNumber<long>(ProcField(path, "Pid")).value_or(0), 0L);
+    return std::max(velk::ParseLeadingNumber<long>(ProcField(path, "Pid")).value_or(0), 0L);
 }
 
 // Opens the process's folder in /proc. It never becomes the folder of a later process with the same

@@ -23,8 +23,8 @@ fs::path FolderOf(const char* file) {
 
 std::vector<Folder> TmpfsFolders() {
     return {
-        {velk::kSemaphoreFolder, 01777}, {"/proc/bus", 0755}, {"/run", 0755}, {"/tmp", 01777},
-        {velk::kEditFolder, 01777},
+        {velk::kSemaphoreFolder, 01777}, {"/proc/bus", 0755},        {"/run", 0755},
+        {velk::kSocketFolder, 01777},    {velk::kEditFolder, 01777},
     };
 }
 

@@ -71,7 +71,7 @@ class HelpFormatter : public CLI::Formatter {
         return option->get_items_expected_max() == 0 ? "" : " " + option->get_type_name();
     }
 
-    // The usage line shows them.
+    // The usage line shows the positionals.
     std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
 
     std::string make_footer(const CLI::App* app) const override {

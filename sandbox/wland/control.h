@@ -20,7 +20,7 @@ class ReplyModeSocket {
 
     int fd() const { return fd_.get(); }
 
-    // Applies the orders received since the last call to `behaviour`. True if it changed.
+    // Applies the orders received since the last call to `behaviour`. Returns true if it changed.
     bool Take(Behaviour& behaviour) const;
 
   private:

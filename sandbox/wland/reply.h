@@ -27,7 +27,7 @@ struct Behaviour {
         61 * 1000};  // the delay of late replies, longer than any program waits
 };
 
-// In the order of the modes.
+// Returns the names in the order of the modes.
 const std::vector<std::string>& ReplyModeNames();
 std::optional<ReplyMode> FindReplyMode(std::string_view name);
 

@@ -13,7 +13,7 @@ class StopSignals {
     // Throws sandbox::Failure.
     StopSignals();
 
-    // Readable once a signal has arrived.
+    // Returns a descriptor that is readable once a signal has arrived.
     int fd() const { return fd_.get(); }
     bool HasArrived() const;
 

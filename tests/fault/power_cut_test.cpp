@@ -220,10 +220,10 @@ TEST_P(PowerCutTest, DISABLED_ACutLeavesTheSameAtEverySystemCall) {
 
 // More than cat(1) copies at once.
 TEST_F(PowerCut, ACutMayLeaveTheFirstPiecesOfALongFile) {
-    const std::string remark = "#" + std::string(20 * 1024, '-') + "\n";
+    const std::string comment = "#" + std::string(20 * 1024, '-') + "\n";
     std::string& text = start_[kInterfacesFile].emplace();
     for (int count = 0; count < 20; ++count) {
-        text += remark;
+        text += comment;
     }
     text += "auto eth0\niface eth0 inet static\n\taddress 192.168.0.10\n";
     const Request request{"set 104 eth0, 400 KB",

@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // The library's folders. Files that an earlier test left there are removed.
-constexpr const char* kScratchFolders[] = {"/tmp",
+constexpr const char* kScratchFolders[] = {kSocketFolder,
                                            kEditFolder,
                                            kSemaphoreFolder,
                                            "/etc/network",
@@ -28,7 +28,7 @@ constexpr const char* kScratchFolders[] = {"/tmp",
                                            "/usr/local/share/apps/wlan",
                                            "/usr/local/share/etc/snmp",
                                            "/var/cron/tabs",
-                                           "/var/libvelk",
+                                           kLibraryFolder,
                                            "/var/log/syslog"};
 constexpr const char* kDeviceFiles[] = {kDhcpConfigFile, kExitHooks, kResolverFile, kClientScript};
 
@@ -38,7 +38,7 @@ void EmptyDevice() {
     std::error_code ignored;
     for (const char* folder : kScratchFolders) {
         for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
-            // Folders here are the checkout, kept visible when it lies below /tmp.
+            // A folder here belongs to the checkout, which stays visible if it is below /tmp.
             if (!entry.is_directory()) {
                 fs::remove(entry.path(), ignored);
             }

@@ -1,4 +1,4 @@
-// edit_properties.h - shared by the tests that edit files made at random.
+// edit_properties.h - helpers of the tests that edit files made at random.
 #ifndef TESTS_SUPPORT_EDIT_PROPERTIES_H_
 #define TESTS_SUPPORT_EDIT_PROPERTIES_H_
 

@@ -45,6 +45,7 @@ inline constexpr char kResultFile[] = "/var/tmp/get_result";
 inline constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 
 // The query to the wireless daemon.
+inline constexpr char kSocketFolder[] = "/tmp";
 inline constexpr char kRequestSocket[] = "/tmp/WlanAplToWlanSock";
 inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphoreName[] = "/WlanAplRecvSem";

@@ -36,8 +36,8 @@ class Child {
     Child& operator=(const Child&) = delete;
 
     pid_t pid() const { return pid_; }
-    // Waits for its end. Returns the result of `work`, 128 plus the signal that ended the child, or
-    // kImpossible.
+    // Waits for the end of the child. Returns the result of `work`, 128 plus the signal that ended
+    // the child, or kImpossible.
     int Wait();
     // Ends the child, but not the processes that it started.
     void Kill();

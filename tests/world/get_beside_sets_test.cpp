@@ -21,7 +21,7 @@ using testkit::kInterfacesFile;
 
 constexpr int kGets = 3000;
 
-// Sets two servers in turn for ever. The method stays unchanged.
+// Sets two servers in turn until the process is killed. The method stays unchanged.
 int SetServers() {
     for (int i = 0;; ++i) {
         (void)Set(VELK_CMD_NTP_SERVER, "", i % 2 == 0 ? "a.example" : "b.example");

@@ -145,7 +145,7 @@ Findings AboutFolders() {
              .impact = Impact::kSetting},
             link,
             results,
-            AboutWireless("/tmp"),
+            AboutWireless(velk::kSocketFolder),
             AboutWireless(velk::kSemaphoreFolder)};
 }
 

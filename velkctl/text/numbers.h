@@ -2,24 +2,15 @@
 #ifndef VELKCTL_TEXT_NUMBERS_H_
 #define VELKCTL_TEXT_NUMBERS_H_
 
-#include <charconv>
 #include <limits>
 #include <optional>
 #include <string_view>
 
+#include "lib/base/numbers.h"
+
 namespace velkctl {
 
-// Returns the number at the start of the text and sets `end` to the position after its last digit;
-// nothing if the text begins with none, or with one that the type does not hold. "+1" and " 1"
-// begin with none.
-template <typename Number>
-std::optional<Number> ParseLeadingNumber(std::string_view text, size_t& end, int base = 10) {
-    Number number{};
-    const auto [stop, error] =
-        std::from_chars(text.data(), text.data() + text.size(), number, base);
-    end = static_cast<size_t>(stop - text.data());
-    return error == std::errc() ? std::optional(number) : std::nullopt;
-}
+using velk::ParseLeadingNumber;
 
 // Returns the number that the whole text is; nothing if it is anything else or not within the
 // limits.

@@ -27,7 +27,7 @@ int QuerySsid(_velk_request& response) {
 HostTest::HostTest() {
     device_.emplace(Scene{});
     device_->UseRealTools();
-    VkLibUnLock(VkLibLock());  // its file is there from an earlier call
+    VkLibUnLock(VkLibLock());  // an earlier call has made its file
     libc().ForgetEvents();
 }
 

@@ -54,7 +54,7 @@ TEST_F(SendTest, AMessageWithoutABodyCarriesZeros) {
 TEST_F(SendTest, TheAddressLengthIsThePathsPlusTwo) {
     EXPECT_EQ(SendWlanRequestMessage(3, nullptr), 0);
     const Event call = libc().Events(Call::kConnect)[0];
-    EXPECT_EQ(call.text, "/tmp/WlanAplToWlanSock");
+    EXPECT_EQ(call.text, testkit::kRequestSocket);
     EXPECT_EQ(call.number, 22 + 2);
 }
 
