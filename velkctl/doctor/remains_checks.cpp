@@ -15,7 +15,8 @@ namespace {
 constexpr std::string_view kMaybeUnread = "may not have been read";
 
 Finding AboutRemains(const char* path, const struct stat& facts) {
-    Finding about = AboutWireless(path);
+    Finding about = About(WirelessSettings(), path, Impact::kBoth);
+    about.effect = "can be neither read nor set";
     about.remedy = RemoveCommand(path, facts);
     return about;
 }

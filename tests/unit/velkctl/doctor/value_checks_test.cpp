@@ -4,10 +4,12 @@
 #include <string>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "velkctl/call/device.h"
 
 namespace {
 
+using testkit::kCrontab;
 using testkit::WriteFile;
 using velkctl::Data;
 using velkctl::Finding;
@@ -17,9 +19,8 @@ using velkctl::FormatFindings;
 using velkctl::Impact;
 using velkctl::Setting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
-constexpr char kCrontab[] = "/var/cron/tabs/root";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kResolver = testkit::kResolverFile;
 
 class ValueChecksTest : public testkit::DeviceTest {
   protected:
