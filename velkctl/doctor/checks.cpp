@@ -34,7 +34,7 @@ std::vector<Check> Checks(const Setting* setting, std::string_view value) {
         {CheckTimeEntry, Together(SettingsWithKey(kTimeClient), SettingsHeldIn(velk::kNtpLog))},
         {CheckWebUpdate, SettingsOf(VELK_CMD_WEB_UPDATE)},
         {CheckIdentity, SettingsHeldIn(velk::kIdentityFile)},
-        {CheckTools},  // CheckToolsFor() a setting
+        {CheckTools},  // ExamineFor() a setting runs CheckToolsFor() instead
         {CheckIfconfig, SettingsReadWith(kInterfaceTool)},
         {CheckLock},
         {CheckResultFile, SettingsReadWith()},

@@ -16,7 +16,7 @@ namespace {
 
 constexpr auto kProperEntry =
     velk::JoinText("write: 0 * * * * ", velk::kClockSetter, " -u SERVER > ", velk::kNtpLog);
-constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
+constexpr std::string_view kProbe = "192.0.2.1";  // reserved for documentation
 
 // Options of ntpdate that take an argument.
 constexpr std::array<std::string_view, 7> kOptionsWithWord{"-a", "-e", "-k", "-o",
@@ -31,9 +31,7 @@ bool IsTimeField(std::string_view word) {
 }
 
 Finding AboutEntry(const AffectedSettings& affected) {
-    Finding about = About(affected, velk::kCrontab, Impact::kSetting);
-    about.remedy = kProperEntry.c_str();
-    return about;
+    return About(affected, velk::kCrontab, Impact::kSetting).FixedBy(kProperEntry);
 }
 
 std::string ServerIn(const std::string& line) {
@@ -73,7 +71,7 @@ std::string FalseServer(const std::string& line) {
     return is_argument ? "the option " + Excerpt(before + " " + *found) : "";
 }
 
-// True for a line that would run nothing without its "#".
+// True for a comment. Without its "#", it is no entry that cron could run.
 bool IsCommentText(std::string_view line) {
     const std::string_view text = Trimmed(line);
     const size_t begin = text.find_first_not_of("# \t");
@@ -181,8 +179,8 @@ Findings CheckTimeEntry() {
 
 Findings CheckWebUpdate() {
     const Setting setting = SettingsOf(VELK_CMD_WEB_UPDATE).front();
-    Finding about = About(setting, velk::kCrontab, Impact::kReading);
-    about.remedy = "set it again: velkctl set web-update SCHEDULE";
+    const Finding about = About({setting}, velk::kCrontab, Impact::kReading)
+                              .FixedBy("set it again: velkctl set web-update SCHEDULE");
     const Lines lines = ReadTextFile(velk::kCrontab).lines;
     const std::vector<size_t> updates = LinesWith(lines, setting.row->held_in.line.key);
     return FindingsOfEach(updates, [&](size_t index) -> Findings {

@@ -26,7 +26,7 @@ Finding AboutBlocks() {
     return about;
 }
 
-// A line of the file, as the library meets it.
+// A line of the file, and its place in the blocks as the library finds them.
 struct Place {
     size_t index;
     size_t begin;      // the index of the line that opened the last block
@@ -115,7 +115,7 @@ Findings CheckMember(const Finding& about, std::string_view line, bool is_off) {
     return {};
 }
 
-Finding Absence(const Finding& about, const Lines& lines, const std::string& interface) {
+Finding NoBlock(const Finding& about, const Lines& lines, const std::string& interface) {
     const std::string opening = "interface \"" + interface + "\" {";
     const std::vector<size_t> similar = IndexesOf(lines, [&](std::string_view line) {
         return velk::Contains(line, kInterface) && velk::Contains(line, interface);
@@ -150,15 +150,15 @@ Findings CheckPlace(const Finding& about, const Lines& lines, const Place& place
 // The interface's block, which is switched with the method.
 Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     // The method itself is read from its stanza.
-    Finding about =
-        About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing);
-    about.remedy = "put the comment above the block";
+    const Finding about =
+        About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing)
+            .FixedBy("put the comment above the block");
     const std::vector<Place> places = PlacesOf(lines, interface, /*comment_aware=*/false);
     Findings findings = FindingsOfEach(places, [&](const Place& place) {
         return CheckPlace(about.At(place.index), lines, place);
     });
     if (std::ranges::none_of(places, &Place::is_in_block)) {
-        findings.push_back(Absence(about, lines, interface));
+        findings.push_back(NoBlock(about, lines, interface));
     }
     return findings;
 }
@@ -170,7 +170,7 @@ class RequestCheck {
         : lines_(lines),
           option_(option.key),
           interface_(option.setting.interface),
-          about_(About(option.setting, velk::kDhcpConfigFile, Impact::kSetting)) {}
+          about_(About({option.setting}, velk::kDhcpConfigFile, Impact::kSetting)) {}
 
     Findings Run() {
         for (const Place& place : PlacesOf(lines_, interface_, !interface_.empty())) {
@@ -183,7 +183,7 @@ class RequestCheck {
             AddUnended();
         }
         if (!begin_) {
-            findings_.push_back(Absence());
+            findings_.push_back(NoStatement());
         }
         return std::move(findings_);
     }
@@ -235,7 +235,7 @@ class RequestCheck {
                                                        "write one after its last option"));
     }
 
-    Finding Absence() const {
+    Finding NoStatement() const {
         const std::vector<Place> places = PlacesOf(lines_, interface_, /*comment_aware=*/false);
         const auto place = std::ranges::find_if(places, [&](const Place& one) {
             return one.is_open && IsComment(lines_[one.begin]) &&

@@ -23,8 +23,7 @@ Finding AboutFile(const DeviceFile& file) {
     about.severity = file.change == Change::kNever ? Severity::kWarning : Severity::kProblem;
     about.subject = file.subject;
     about.effect = file.loss;
-    about.remedy = "put the device's own file in its place";
-    return about;
+    return about.FixedBy("put the device's own file in its place");
 }
 
 // The library makes a file that it writes as a whole.

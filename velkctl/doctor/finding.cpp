@@ -75,9 +75,14 @@ Json CauseInJson(const Finding& finding) {
 }  // namespace
 
 Finding Finding::Because(std::string_view reason, std::string_view fix) const {
-    Finding finding = *this;
+    Finding finding = FixedBy(fix.empty() ? remedy : fix);
     finding.description = reason;
-    finding.remedy = fix.empty() ? remedy : fix;
+    return finding;
+}
+
+Finding Finding::FixedBy(std::string_view fix) const {
+    Finding finding = *this;
+    finding.remedy = fix;
     return finding;
 }
 
@@ -105,10 +110,6 @@ Finding About(const AffectedSettings& settings, std::string_view file, Impact im
             .file = std::string(file),
             .affected = settings,
             .impact = impact};
-}
-
-Finding About(const Setting& setting, std::string_view file, Impact impact) {
-    return About(AffectedSettings{setting}, file, impact);
 }
 
 std::string PlaceholderOf(const Setting& setting) {

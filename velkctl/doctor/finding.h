@@ -64,11 +64,11 @@ struct Finding {
     Finding At(size_t index) const;
     Finding With(Impact new_impact) const;
     Finding Of(Severity new_severity, std::string_view new_effect) const;
+    Finding FixedBy(std::string_view fix) const;
 };
 
-// Return a finding without a text. Its subject names the settings, or the group that they are.
+// Returns a finding without a text. Its subject names the settings, or the group that they are.
 Finding About(const AffectedSettings& settings, std::string_view file, Impact impact);
-Finding About(const Setting& setting, std::string_view file, Impact impact);
 
 // Returns the setting's name in capitals, for a value in a fix: "ADDRESS".
 std::string PlaceholderOf(const Setting& setting);

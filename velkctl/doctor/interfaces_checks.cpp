@@ -125,7 +125,7 @@ class StanzaCheck {
     bool is_last() const { return stanza_.end == lines_.size(); }
 
     Finding AboutLine(const Setting& setting, size_t index, Impact impact) const {
-        return About(setting, velk::kInterfacesFile, impact).At(index);
+        return About({setting}, velk::kInterfacesFile, impact).At(index);
     }
 
     // `index` is the line that the library takes for the value's.
@@ -174,8 +174,8 @@ class StanzaCheck {
         }
         const std::string first = "line " + std::to_string(index + 1);
         const std::string line = Excerpt(lines_[*second]);
-        Finding about = AboutLine(setting, *second, Impact::kNothing);
-        about.remedy = "remove " + line;
+        const Finding about =
+            AboutLine(setting, *second, Impact::kNothing).FixedBy("remove " + line);
         if (setting.row->id != VELK_CMD_GATEWAY) {
             return {about.Warning("has a second line",
                                   "ifup may take " + line + "; a set changes " + first + " alone")};
@@ -219,8 +219,9 @@ class StanzaCheck {
             remedy.append(names.empty() ? "" : ", ").append(LineFor(setting));
             names.emplace_back(setting.row->name);
         }
-        Finding about = About(missing, velk::kInterfacesFile, Impact::kNothing).At(stanza_.header);
-        about.remedy = remedy;
+        const Finding about = About(missing, velk::kInterfacesFile, Impact::kNothing)
+                                  .At(stanza_.header)
+                                  .FixedBy(remedy);
         if (is_last()) {
             return {Unaddable(about, names)};
         }
@@ -351,7 +352,7 @@ Findings ValueLineOf(const Setting& setting) {
         return {};
     }
     const auto index = FindLine(lines, stanza->header + 1, stanza->end, HasKey(setting));
-    return index ? Findings{About(setting, velk::kInterfacesFile, Impact::kReading)
+    return index ? Findings{About({setting}, velk::kInterfacesFile, Impact::kReading)
                                 .At(*index)
                                 .Warning("still has a line",
                                          "it is read from " + Excerpt(lines[*index]),

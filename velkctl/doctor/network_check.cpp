@@ -148,9 +148,7 @@ std::vector<Network> StaticNetworks(const PlannedValues& planned) {
 // Returns a finding with the place of the value and its fix.
 Finding AboutAddress(uint32_t id, std::string_view interface, uint32_t address) {
     const Setting setting = NetworkSetting(id, interface);
-    Finding about = AboutValue(setting, Dotted(address));
-    about.remedy = "velkctl set " + setting.name() + " VALUE";
-    return about;
+    return AboutValue(setting, Dotted(address)).FixedBy("velkctl set " + setting.name() + " VALUE");
 }
 
 Findings MismatchOf(uint32_t id, const Network& network, std::optional<uint32_t> address,
@@ -216,8 +214,7 @@ Findings CheckMissing(const std::string& interface, const PlannedValues& planned
             missing.push_back(setting);
         } else if (of_line->severity == Severity::kWarning) {
             // A set would add the line in the wrong place.
-            findings.push_back(Missing({setting}));
-            findings.back().remedy = of_line->remedy;
+            findings.push_back(Missing({setting}).FixedBy(of_line->remedy));
         } else if (of_line->impact == Impact::kSetting) {
             findings.push_back(*of_line);  // a set would not add the line
         }
@@ -234,7 +231,7 @@ bool HasAddress(const std::string& interface, uint32_t address,
                           : own->address == address;
 }
 
-// The DNS forwarder of the device must not forward to itself.
+// The DNS forwarder would query itself, unless a resolver runs on the device.
 Findings CheckServer(const std::string& server, const std::vector<Network>& networks) {
     const std::optional<uint32_t> address = ParseIpv4(server);
     if (!address) {

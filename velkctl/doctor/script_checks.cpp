@@ -119,7 +119,7 @@ Findings CheckCommands(const Script& script, const SettingLine& switched) {
     const std::string command(switched.key);
     const std::string interface(switched.setting.interface);
     // A setting of the device is switched here and read from another file.
-    const Finding about = About(switched.setting, velk::kExitHooks,
+    const Finding about = About({switched.setting}, velk::kExitHooks,
                                 interface.empty() ? Impact::kNothing : Impact::kSetting);
     const std::vector<size_t> indexes = LinesThatRun(
         script, interface, [&](std::string_view line) { return velk::Contains(line, command); });
@@ -158,7 +158,7 @@ Findings CheckCall(const Finding& about, std::string_view line, std::string_view
 Findings CheckCalls(const Script& script, const SettingLine& switched) {
     const std::string interface(switched.setting.interface);
     // The setting is read from the DHCP client's configuration.
-    const Finding about = About(switched.setting, velk::kClientScript, Impact::kNothing);
+    const Finding about = About({switched.setting}, velk::kClientScript, Impact::kNothing);
     const std::vector<size_t> indexes = LinesThatRun(script, interface, [&](std::string_view line) {
         return PositionOf(switched.key, line) != std::string_view::npos;
     });

@@ -66,7 +66,8 @@ size_t LineOf(const Setting& setting, const std::string& refused) {
     return lines.empty() ? 0 : lines.front() + 1;
 }
 
-// A set takes such servers with --force: a resolver may run on the device.
+// True for DNS servers that are addresses. CheckServer() in network_check warns of an address of
+// the device itself, which `set` takes with --force.
 bool AreAddresses(const Setting& setting, const std::vector<std::string>& words) {
     return setting.row->id == VELK_CMD_DNS &&
            std::ranges::all_of(words,
@@ -77,7 +78,7 @@ bool IsSchedule(const Setting& setting) {
     return setting.row->id == VELK_CMD_WEB_UPDATE;
 }
 
-// Cron takes numbers of one digit, a set takes minutes of two: 5:5 is 05:05.
+// Cron accepts a minute of one digit, a set only two: 5:5 in the crontab is 05:05.
 bool IsScheduleOfCron(const Setting& setting, std::string printed) {
     if (!IsSchedule(setting)) {
         return false;
@@ -166,7 +167,7 @@ Findings CheckValue(const Setting& setting, const Device& device) {
 Finding AboutValue(const Setting& setting, const std::string& text) {
     const std::string_view file = FileOf(setting);
     const size_t line = file.empty() ? 0 : LineOf(setting, text);
-    Finding about = About(setting, line == 0 ? "" : file, Impact::kNothing);
+    Finding about = About({setting}, line == 0 ? "" : file, Impact::kNothing);
     about.line = line;
     return about;
 }

@@ -138,14 +138,14 @@ TEST_F(ValueChecksTest, AnHourOfOneDigitIsNoFinding) {
 TEST_F(ValueChecksTest, ASettingThatIsReadWronglyIsLeftOut) {
     WriteFile(kCrontab, "@daily perl /usr/bin/web_contents_updater.pl\n");
     const Setting setting = *FindSetting("web-update");
-    EXPECT_NE(Found({About(setting, kCrontab, Impact::kNothing)}), "");
-    EXPECT_EQ(Found({About(setting, kCrontab, Impact::kReading)}), "");
+    EXPECT_NE(Found({About({setting}, kCrontab, Impact::kNothing)}), "");
+    EXPECT_EQ(Found({About({setting}, kCrontab, Impact::kReading)}), "");
 }
 
 TEST_F(ValueChecksTest, ASettingThatIsSetInTheWrongPlaceIsLeftOut) {
     WriteFile(kCrontab, "0 * * * * ntpdate -u bad;host\n");
     const Setting setting = *FindSetting("ntp-server");
-    const Finding about = About(setting, kCrontab, Impact::kSetting);
+    const Finding about = About({setting}, kCrontab, Impact::kSetting);
     EXPECT_NE(Found({about}), "") << "the file cannot be written";
     EXPECT_EQ(Found({about.At(0)}), "");
 }
