@@ -242,13 +242,11 @@ Findings CheckServer(const std::string& server, const std::vector<Network>& netw
     if (IsLoopback(*address)) {
         return {about.Warning(kEffect, server + " is a loopback address")};
     }
-    Findings findings;
-    for (const std::string interface : kInterfaces) {
-        if (HasAddress(interface, *address, networks)) {
-            findings.push_back(about.Warning(kEffect, server + " is the address of " + interface));
-        }
-    }
-    return findings;
+    return FindingsOfEach(kInterfaces, [&](const std::string& interface) {
+        const std::string reason = server + " is the address of " + interface;
+        return HasAddress(interface, *address, networks) ? Findings{about.Warning(kEffect, reason)}
+                                                         : Findings();
+    });
 }
 
 // Values that are set one after the other have this conflict in between, so it is a problem only
