@@ -62,16 +62,6 @@ std::string Format(const Finding& finding) {
            (finding.remedy.empty() ? "" : "  fix: " + Printable(finding.remedy) + "\n");
 }
 
-Json CauseInJson(const Finding& finding) {
-    if (finding.file.empty()) {
-        return nullptr;
-    }
-    Json cause;
-    cause["file"] = Printable(finding.file);
-    cause["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
-    return cause;
-}
-
 }  // namespace
 
 Finding Finding::Because(std::string_view reason, std::string_view fix) const {
@@ -141,7 +131,7 @@ Json FindingInJson(const Finding& finding) {
     json["subject"] = Printable(finding.subject);
     json["effect"] = Printable(finding.effect);
     json["description"] = Printable(finding.description);
-    json["cause"] = CauseInJson(finding);
+    json["cause"] = CauseInJson(Printable(finding.file), finding.line);
     json["remedy"] = Printable(finding.remedy);
     json["settings"] = NamesOf(finding.affected);
     return json;
