@@ -42,4 +42,9 @@ std::optional<Data> PlannedValues::Get(uint32_t id, std::string_view interface) 
     return setting ? Get(*setting) : std::nullopt;
 }
 
+bool PlannedValues::HasStaticMethod(std::string_view interface) const {
+    const std::optional<Data> method = Get(VELK_CMD_IP_METHOD, interface);
+    return method && IsStaticMethod(*method);
+}
+
 }  // namespace velkctl

@@ -12,6 +12,13 @@
 
 namespace velkctl {
 
+// Runs every check, the wireless daemon's last.
+Findings ExamineDevice(Report& report);
+
+// Returns the findings that affect the setting. Runs only the checks that can have one, and does
+// not query the wireless daemon. `value` is the value that was set, for the fix; empty if unknown.
+Findings ExamineFor(const Setting& setting, std::string_view value = {});
+
 // The library's files and folders: whether they exist and can be written. The other checks of files
 // return nothing if the file cannot be read.
 Findings CheckFiles();

@@ -33,15 +33,14 @@ Finding AboutDaemon(AffectedSettings affected = WirelessSettings()) {
             .impact = Impact::kBoth};
 }
 
-bool IsSocketThere() {
-    struct stat socket {};
-    return lstat(velk::kRequestSocket, &socket) == 0;
+// Returns the kind of file in the place of the daemon's socket; 0 if none.
+mode_t KindOfSocket() {
+    struct stat facts {};
+    return lstat(velk::kRequestSocket, &facts) == 0 ? facts.st_mode & S_IFMT : 0;
 }
 
 bool IsListening() {
-    struct stat socket {};
-    const bool is_socket = lstat(velk::kRequestSocket, &socket) == 0 && S_ISSOCK(socket.st_mode);
-    return is_socket && IsBound(velk::kRequestSocket);
+    return KindOfSocket() == S_IFSOCK && IsBound(velk::kRequestSocket);
 }
 
 // Without an adapter the device may need no daemon; then only its configuration is affected.
@@ -50,7 +49,7 @@ Findings CheckListener() {
         return {};
     }
     const std::string description =
-        IsSocketThere() ? "no process listens at its socket" : "its socket is missing";
+        KindOfSocket() == 0 ? "its socket is missing" : "no process listens at its socket";
     return {IsAdapterAttached()
                 ? AboutDaemon().Problem("does not run", description, "start the wireless daemon")
                 : AboutDaemon(WirelessConfiguration())

@@ -6,11 +6,9 @@
 #include <utility>
 
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/examination.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
-
 namespace {
 
 // Returns the findings that keep the setting from being read or set, the likeliest first.

@@ -1,10 +1,9 @@
 // wireless_key_check.cpp - checks a wireless key against the configuration and the standard.
-#include "velkctl/doctor/wireless_key_check.h"
-
 #include <cstring>
 #include <string_view>
 
 #include "velkctl/call/command.h"
+#include "velkctl/doctor/set_checks.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/hex.h"
 

@@ -102,6 +102,10 @@ std::string_view WithoutLineEnd(std::string_view line) {
     return line;
 }
 
+std::vector<size_t> LinesWith(const Lines& lines, std::string_view text) {
+    return IndexesOf(lines, [text](std::string_view line) { return velk::Contains(line, text); });
+}
+
 size_t CountCarriageReturns(const Lines& lines) {
     return static_cast<size_t>(std::ranges::count_if(
         lines, [](const std::string& line) { return line.ends_with("\r\n"); }));

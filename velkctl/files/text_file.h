@@ -53,6 +53,9 @@ std::vector<size_t> IndexesOf(const Lines& lines, Condition condition) {
     return indexes;
 }
 
+// Returns the indexes of the lines with this text.
+std::vector<size_t> LinesWith(const Lines& lines, std::string_view text);
+
 // Returns the number of lines that end with carriage return and newline.
 size_t CountCarriageReturns(const Lines& lines);
 

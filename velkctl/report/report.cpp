@@ -24,16 +24,6 @@ constexpr std::string_view kContrast = ", but ";
 constexpr std::array<std::string_view, 9> kAdvice{
     "fix: ", "give ", "did you mean ", "leave ", "put ", "set ", "usage: ", "write ", "'velkctl "};
 
-Json CauseOf(const Problem& problem) {
-    if (problem.file.empty()) {
-        return nullptr;
-    }
-    Json cause;
-    cause["file"] = problem.file;
-    cause["line"] = problem.line == 0 ? Json(nullptr) : Json(problem.line);
-    return cause;
-}
-
 // An apostrophe follows a letter.
 bool OpensQuote(std::string_view text, size_t at) {
     return text[at] == '\'' && (at == 0 || text[at - 1] == ' ');
@@ -106,6 +96,16 @@ std::string_view FirstClause(std::string_view text) {
     return text;
 }
 
+Json CauseInJson(const std::string& file, size_t line) {
+    if (file.empty()) {
+        return nullptr;
+    }
+    Json cause;
+    cause["file"] = file;
+    cause["line"] = line == 0 ? Json(nullptr) : Json(line);
+    return cause;
+}
+
 Json TextOrNull(const std::string& text) {
     return text.empty() ? Json(nullptr) : Json(text);
 }
@@ -115,7 +115,7 @@ Json ProblemInJson(const Problem& given) {
     Json error;
     error["message"] = problem.message;
     error["detail"] = TextOrNull(problem.detail);
-    error["cause"] = CauseOf(problem);
+    error["cause"] = CauseInJson(problem.file, problem.line);
     error["remedy"] = TextOrNull(problem.remedy);
     error["setting"] = TextOrNull(problem.setting);
     error["result"] = nullptr;

@@ -47,6 +47,9 @@ std::string InLines(const Problem& problem, size_t indent = kErrorIndent);
 // Returns the text; null if it is empty.
 Json TextOrNull(const std::string& text);
 
+// Returns {"file": ..., "line": ...}; null without a file, its `line` null without a line.
+Json CauseInJson(const std::string& file, size_t line);
+
 // {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
 // "setting": ..., "result": ...}. A member that is unknown is null. Advice at the end of the
 // message, as in "...; give on or off", is the remedy.

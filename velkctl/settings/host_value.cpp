@@ -117,7 +117,7 @@ Parsed HostKind::Parse(std::span<const std::string> words) const {
         return parsed;
     }
     if (word == kOff) {
-        // Other settings take 'off'. Here it would be the name of a host.
+        // Other settings are switched off by "off". Here it would be the name of a host.
         return Unparsable(
             "'off' would be a host name here; give none to clear the setting, or --force to set "
             "that name");

@@ -9,10 +9,8 @@
 #include "velkctl/call/files_before.h"
 #include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/likely_cause.h"
-#include "velkctl/doctor/network_check.h"
 #include "velkctl/doctor/read_back.h"
-#include "velkctl/doctor/text_conflicts.h"
-#include "velkctl/doctor/wireless_key_check.h"
+#include "velkctl/doctor/set_checks.h"
 
 namespace velkctl {
 namespace {
@@ -25,7 +23,7 @@ std::optional<Problem> FindConflict(const SettingChange& change, const PlannedVa
                                     const Device& device) {
     std::optional<Problem> problem = NetworkProblem(change, planned);
     problem = problem ? problem : ClearedKeyProblem(change, planned);
-    return problem ? problem : TextConflict(change.setting, change.value, device);
+    return problem ? problem : TextConflict(change, device);
 }
 
 MadeChange ReportFailure(const Setting& setting, const Answer& answer, const FilesBefore& before,

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "velkctl/call/planned_values.h"
-#include "velkctl/doctor/network_check.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/spelling.h"

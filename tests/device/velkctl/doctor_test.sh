@@ -6,15 +6,7 @@
 
 needs_sandbox
 
-# A device with the tools that the sample one lacks, and with DHCP on eth0.
-healthy=$lib_folder/rootfs
-cp -R "$VELK_BUILD/rootfs" "$healthy"
-for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
-    mkdir -p "$healthy${tool%/*}"
-    printf '#!/bin/sh\n' >"$healthy$tool"
-    chmod 755 "$healthy$tool"
-done
-sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
+make_healthy_rootfs
 
 # Runs a script on such a device.
 script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$stand_in_word$1"; }
@@ -147,9 +139,8 @@ status_is 1
 output_has '0 * * * * ntpdate -u10.0.0.9 > /var/libvelk/ntp.log'
 
 it 'finds an ifconfig of another form, and one that is missing'
-script '
-    printf "#!/bin/sh\necho \"lo: flags=73\"; echo \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
-    chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig; velkctl doctor'
+script 'stand_in_script ifconfig "echo \"lo: flags=73\"" "echo \"    inet 127.0.0.1  netmask 255.0.0.0\""
+    velkctl doctor'
 status_is 1
 findings_are "problem: ifconfig prints addresses in a form that the library does not read
   it prints 'inet 127.0.0.1  netmask 255.0.0.0',

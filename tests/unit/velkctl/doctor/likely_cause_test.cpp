@@ -11,7 +11,7 @@
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
 #include "support/paths.h"
-#include "velkctl/doctor/examination.h"
+#include "velkctl/doctor/checks.h"
 
 namespace {
 
