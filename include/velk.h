@@ -16,6 +16,7 @@
 #include <stdint.h>
 
 #include "velk/export.h"
+#include "velk/version.h"
 
 /* Sizes of the two byte fields of _velk_request. */
 #define VELK_INTERFACE_SIZE 16

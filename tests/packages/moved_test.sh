@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# moved_test.sh BUILD SOURCE - a build folder may be moved or copied, a checkout too: programs load the
+# library beside them, and the next build starts anew.
+set -u
+build=$1 source=$2
+here=$(cd "$(dirname "$0")" && pwd)
+# shellcheck source=tests/abi/check.sh
+. "$here/../abi/check.sh"
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+
+check 'run path' "\$ORIGIN:\$ORIGIN/../$(sed -n 's/^CMAKE_INSTALL_LIBDIR:PATH=//p' "$build/CMakeCache.txt")" \
+    "$(readelf -dW "$build/velkctl" | sed -n 's/.*(RUNPATH).*\[\(.*\)\]/\1/p')"
+
+mkdir "$folder/copy"
+cp "$build/velkctl" "$build/libvelk.so.1" "$folder/copy"
+library() { ldd "$1" | sed -n 's/.*libvelk\.so\.1 => \(.*\) (0x.*/\1/p'; }
+check 'library of a copy' "$folder/copy/libvelk.so.1" "$(library "$folder/copy/velkctl")"
+# Neither the place of the build nor the current folder stands in for a missing library.
+rm "$folder/copy/libvelk.so.1"
+check 'library of a copy without one' 'not found' "$(cd "$build" && ldd "$folder/copy/velkctl" | sed -n 's/.*libvelk\.so\.1 => //p')"
+
+# The cache of a copied checkout names the place that it was copied from.
+cd "$source" || exit
+mkdir -p "$folder/checkout/build/release"
+git ls-files -z --cached --others --exclude-standard |
+    xargs -0 cp --no-dereference --parents -t "$folder/checkout" || exit
+echo 'CMAKE_HOME_DIRECTORY:INTERNAL=/elsewhere/checkout' >"$folder/checkout/build/release/CMakeCache.txt"
+"$folder/checkout/scripts/build" release --target help >"$folder/log" 2>&1 ||
+    check 'scripts/build in a copied checkout' built "$(cat "$folder/log")"
+finish
