@@ -16,7 +16,7 @@ files_of() {
 
 rm -rf "$root"
 type=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
-check 'what the library is' "$(printf '%s\n' libvelk.so.1 velk.conf)" "$(files_of library)"
+check 'what the library is' "$(printf '%s\n' libvelk.so.1 sudoers velk.conf)" "$(files_of library)"
 check 'what development needs' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
     libvelk.3 libvelk.pc libvelk.so ntp.h velk.h velk.pc velkConfig.cmake velkConfigVersion.cmake \
     "velkTargets-$(tr '[:upper:]' '[:lower:]' <<<"$type").cmake" velkTargets.cmake version.h webup.h \
