@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# in_fresh_system.sh VERSION - tries the packages beside it, and their earlier versions in earlier/, on this
+# system, which has what they depend on. scripts/test-packages runs it in a fresh one.
+set -u
+version=$1
+cd /packages || exit
+# shellcheck source=tests/abi/check.sh
+. ./check.sh
+
+apt() { apt-get -qq -o Dpkg::Use-Pty=0 --no-download "$@" >>/tmp/apt.log 2>&1 || {
+    cat /tmp/apt.log
+    check "apt-get $*" 0 failed
+}; }
+installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'velk-*' 2>/dev/null | LC_ALL=C sort; }
+all_at() { # all_at VERSION
+    printf "%s $1 install ok installed\n" libvelk-dev libvelk1 velk-sandbox velk-tools
+}
+# What the system consists of, but for what apt and dpkg note and the caches that they write.
+files() {
+    find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path /packages -o -path /var/lib/dpkg \
+        -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune -o -print | LC_ALL=C sort
+}
+as_user() { setpriv --reuid 65534 --regid 65534 --clear-groups --inh-caps=-all "$@"; }
+
+files >/tmp/before
+apt install --no-install-recommends ./earlier/*.deb
+check 'the earlier versions' "$(all_at "$version~0")" "$(installed)"
+apt install --no-install-recommends ./*.deb
+check 'the upgraded versions' "$(all_at "$version")" "$(installed)"
+
+check 'velkctl --version' "velkctl $version" "$(velkctl --version)"
+grep -q '^eth0\.dns ' <<<"$(velkctl list)" || check 'velkctl list' 'a line of eth0.dns' "$(velkctl list)"
+answer=$(velk-sandbox --quiet -- cat /etc/resolv.dnsmasq.conf | sed -n 's/^nameserver //p' | paste -sd ' ')
+check 'velk-sandbox -- velkctl get eth0.dns' "$answer" "$(velk-sandbox --quiet -- velkctl get eth0.dns)"
+# Some kernels keep ordinary users from making namespaces.
+if as_user unshare --user true 2>/dev/null; then
+    check 'the same as an ordinary user' "$answer" "$(cd / && as_user velk-sandbox --quiet -- velkctl get eth0.dns)"
+else
+    echo 'not run as an ordinary user: this kernel refuses user namespaces'
+fi
+check 'flags, all of which the compiler knows' '-lvelk' "$(pkg-config --cflags --libs libvelk | xargs)"
+# shellcheck disable=SC2046 # flags
+gcc -std=c99 -Wall -Werror -o /tmp/client c99_client.c $(pkg-config --cflags --libs libvelk) && /tmp/client
+check 'a C program' 0 $?
+
+: >/var/tmp/vklib_lock
+apt remove libvelk1 libvelk-dev velk-tools velk-sandbox
+apt purge libvelk1 libvelk-dev velk-tools velk-sandbox
+check 'packages after the purge' '' "$(installed)"
+check 'files after the purge' '' "$(files | diff /tmp/before -)"
+finish && echo 'the packages install, run, upgrade and go without a trace'
