@@ -18,6 +18,7 @@ check "CMake's package" "set(PACKAGE_VERSION \"$version\")" \
 for page in libvelk.3 velkctl.1 velk-sandbox.1; do
     check "$page" ".Os libvelk $version" "$(grep '^\.Os' "$build/packaging/$page")"
 done
+check "Debian's packages" "libvelk ($version)" "$(sed -n '1s/).*/)/p' "$source/debian/changelog")"
 # A released version has its place in the list of changes; what is not released, has none yet.
 released=$(sed -n 's/^## \([0-9][0-9.]*\).*/\1/p' "$source/CHANGELOG.md" | head -n 1)
 [ -z "$released" ] || check 'the newest release in CHANGELOG.md' "$version" "$released"
