@@ -7,10 +7,12 @@ cd /packages || exit
 # shellcheck source=tests/abi/check.sh
 . ./check.sh
 
-apt() { apt-get -qq -o Dpkg::Use-Pty=0 --no-download "$@" >>/tmp/apt.log 2>&1 || {
+apt() {
+    apt-get -qq -o Dpkg::Use-Pty=0 --no-download "$@" >/tmp/apt.log 2>&1 && return
     cat /tmp/apt.log
-    check "apt-get $*" 0 failed
-}; }
+    echo "FAILED: apt-get $*"
+    exit 1
+}
 installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'velk-*' 2>/dev/null | LC_ALL=C sort; }
 all_at() { # all_at VERSION
     printf "%s $1 install ok installed\n" libvelk-dev libvelk1 velk-sandbox velk-tools
