@@ -8,7 +8,7 @@ cd /packages || exit
 . ./check.sh
 
 apt() {
-    apt-get -qq -o Dpkg::Use-Pty=0 --no-download "$@" >/tmp/apt.log 2>&1 && return
+    apt-get -qq -o Dpkg::Use-Pty=0 "$@" >/tmp/apt.log 2>&1 && return
     cat /tmp/apt.log
     echo "FAILED: apt-get $*"
     exit 1
@@ -17,7 +17,7 @@ installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'v
 all_at() { # all_at VERSION
     printf "%s $1 install ok installed\n" libvelk-dev libvelk1 velk-sandbox velk-tools
 }
-# What the system consists of, but for what apt and dpkg note and the caches that they write.
+# All files of the system, without the records and caches of apt and dpkg.
 files() {
     find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path /packages -o -path /var/lib/dpkg \
         -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune -o -print | LC_ALL=C sort
@@ -47,7 +47,7 @@ check 'a C program' 0 $?
 
 : >/var/tmp/vklib_lock
 apt remove libvelk1 libvelk-dev velk-tools velk-sandbox
-apt purge libvelk1 libvelk-dev velk-tools velk-sandbox
+apt purge libvelk1 # the one of which something is left
 check 'packages after the purge' '' "$(installed)"
 check 'files after the purge' '' "$(files | diff /tmp/before -)"
 finish && echo 'the packages install, run, upgrade and go without a trace'

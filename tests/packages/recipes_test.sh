@@ -17,7 +17,7 @@ configures() { # configures RECIPE OPTION...
     rm -rf "$folder/build"
 }
 
-# What Buildroot's make would hold, without Buildroot.
+# The variables of the recipe, as make reads them, without Buildroot.
 cat >"$folder/Makefile" <<END
 BR2_EXTERNAL_VELK_PATH = $source/packaging/buildroot
 cmake-package =

@@ -1,5 +1,5 @@
-// sudo_commands.cpp - changes eth0 by the functions that no command of the library uses: address, mask and
-// gateway at once, through sudo.
+// sudo_commands.cpp - changes eth0 through sudo by the functions that no command of the library
+// uses: address, mask and gateway at once.
 #include <cstdio>
 #include <cstring>
 
