@@ -2,6 +2,7 @@
 # moved_test.sh BUILD SOURCE - a build folder may be moved or copied, a checkout too: programs load the
 # library beside them, and the next build starts anew.
 set -u
+export LC_ALL=C
 build=$1 source=$2
 here=$(cd "$(dirname "$0")" && pwd)
 # shellcheck source=tests/abi/check.sh
@@ -21,10 +22,8 @@ rm "$folder/copy/libvelk.so.1"
 check 'library of a copy without one' 'not found' "$(cd "$build" && ldd "$folder/copy/velkctl" | sed -n 's/.*libvelk\.so\.1 => //p')"
 
 # The cache of a copied checkout names the place that it was copied from.
-cd "$source" || exit
 mkdir -p "$folder/checkout/build/release"
-git ls-files -z --cached --others --exclude-standard |
-    xargs -0 cp --no-dereference --parents -t "$folder/checkout" || exit
+find "$source" -mindepth 1 -maxdepth 1 ! -name build ! -name .git -exec cp -R -t "$folder/checkout" {} + || exit
 echo 'CMAKE_HOME_DIRECTORY:INTERNAL=/elsewhere/checkout' >"$folder/checkout/build/release/CMakeCache.txt"
 "$folder/checkout/scripts/build" release --target help >"$folder/log" 2>&1 ||
     check 'scripts/build in a copied checkout' built "$(cat "$folder/log")"

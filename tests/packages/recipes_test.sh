@@ -8,6 +8,9 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../abi/check.sh"
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+# Neither make nor Buildroot takes a path with a blank.
+ln -s "$source" "$folder/source"
+source=$folder/source
 
 # Options that the build does not know make CMake warn.
 configures() { # configures RECIPE OPTION...

@@ -6,6 +6,10 @@
 
 install -m 440 "$VELK_SOURCE/packaging/sudoers.d/velk" /etc/sudoers.d/velk
 echo 'Defaults logfile=/tmp/sudo.log, loglinelen=0' >/etc/sudoers.d/log
+# An ordinary user may not be able to look into the build folder.
+mkdir -m 755 /tmp/programs
+install -m 755 -t /tmp/programs "$VELK_BUILD"/{velkctl,sudo_commands,libvelk.so.1}
+PATH=/tmp/programs:$PATH
 # The settings' files are edited without sudo.
 chown nobody /etc/network/interfaces /etc/dhclient.conf /var/libvelk /var/libvelk/libvelk
 as_user() { run setpriv --reuid nobody --regid nogroup --init-groups "$@"; }

@@ -2,6 +2,7 @@
 # sudoers_test.sh SOURCE - the rules for sudo allow the commands that the library runs and nothing else. Only
 # root may ask sudo in the name of others; the rules hold in a private mount namespace.
 set -u
+export LC_ALL=C PATH=$PATH:/usr/sbin:/sbin
 source=$1
 here=$(cd "$(dirname "$0")" && pwd)
 # shellcheck source=tests/abi/check.sh
