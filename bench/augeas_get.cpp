@@ -1,4 +1,4 @@
-// augeas_get.cpp - a program that asks Augeas for an address and prints it.
+// augeas_get.cpp - a program that gets an address from Augeas and prints it.
 #include <cstdio>
 
 #include "bench/augeas_tree.h"

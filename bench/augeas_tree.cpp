@@ -1,9 +1,10 @@
-// augeas_tree.cpp - the interfaces file as Augeas holds it.
+// augeas_tree.cpp - the interfaces file in Augeas.
 #include "bench/augeas_tree.h"
 
 #include <string>
 
 #include "bench/floor.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
@@ -12,9 +13,9 @@ constexpr char kAddressPath[] = "/files/etc/network/interfaces/iface[. = 'eth0']
 
 }  // namespace
 
-void Require(bool done, const char* what) {
+void Require(bool done, const char* step) {
     if (!done) {
-        GiveUp(std::string("augeas: ") + what);
+        GiveUp(std::string("augeas: ") + step);
     }
 }
 
@@ -22,7 +23,7 @@ augeas* LoadTree() {
     augeas* tree = aug_init(nullptr, nullptr, AUG_NO_MODL_AUTOLOAD | AUG_NO_LOAD);
     Require(tree != nullptr, "init");
     Require(aug_set(tree, "/augeas/load/Interfaces/lens", "Interfaces.lns") == 0 &&
-                aug_set(tree, "/augeas/load/Interfaces/incl", "/etc/network/interfaces") == 0,
+                aug_set(tree, "/augeas/load/Interfaces/incl", velk::kInterfacesFile) == 0,
             "set up");
     Require(aug_load(tree) == 0, "load");
     return tree;

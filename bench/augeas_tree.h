@@ -1,5 +1,4 @@
-// augeas_tree.h - the interfaces file as Augeas, the editing library that one would take otherwise,
-// holds it.
+// augeas_tree.h - the interfaces file in Augeas, a general library for editing configuration files.
 #ifndef BENCH_AUGEAS_TREE_H_
 #define BENCH_AUGEAS_TREE_H_
 
@@ -7,13 +6,13 @@
 
 namespace bench {
 
-// Ends the program when a step of Augeas failed.
-void Require(bool done, const char* what);
+// Ends the program if a call of Augeas failed.
+void Require(bool done, const char* step);
 
-// Told to load this one file: all the files it knows would take it seconds.
+// Loads only this file: loading all files that Augeas supports takes seconds.
 augeas* LoadTree();
 
-// The address of eth0.
+// Returns the address of eth0.
 const char* AddressIn(augeas* tree);
 
 }  // namespace bench

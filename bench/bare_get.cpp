@@ -1,4 +1,4 @@
-// bare_get.cpp - the least of a C++ program that asks the library for an address and prints it.
+// bare_get.cpp - a minimal C++ program that gets an address from the library and prints it.
 #include <iostream>
 
 #include "velk.h"

@@ -1,4 +1,4 @@
-// comparison.cpp - measures two ways of doing one task against each other, turn by turn.
+// comparison.cpp - compares two implementations of one task, in alternating samples.
 #include "bench/comparison.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 void Run(benchmark::State& state, const Comparison& comparison) {
     comparison.prepare();
     (void)comparison.ours();
-    (void)comparison.other();  // the first of each is warm-up
+    (void)comparison.other();  // the first call of each is warm-up
     std::vector<double> ours;
     std::vector<double> other;
     std::vector<double> ratios;

@@ -1,4 +1,4 @@
-// comparison.h - measures two ways of doing one task against each other, turn by turn.
+// comparison.h - compares two implementations of one task, in alternating samples.
 #ifndef BENCH_COMPARISON_H_
 #define BENCH_COMPARISON_H_
 
@@ -8,10 +8,10 @@
 
 namespace bench {
 
-// Does a task and says how many seconds it took.
+// Performs a task and returns its duration in seconds.
 using Measured = std::function<double()>;
 
-// The seconds one call takes, as the mean of `calls` in a row.
+// Measures the duration of one call as the mean of `calls` consecutive calls.
 Measured Timed(std::function<void()> call, int calls = 1);
 
 double Median(std::vector<double> values);
@@ -22,12 +22,12 @@ struct Comparison {
     Measured other;
     int samples = 200;
     std::function<void()> prepare = [] {};  // before the first sample
-    std::function<void()> restore = [] {};  // behind the last
+    std::function<void()> restore = [] {};  // after the last sample
 };
 
-// Registers a benchmark that takes samples of both in turn, so that whatever else the machine does
-// meets both alike. Its time is ours; its counters are the medians of both in nanoseconds and of
-// "ratio", ours by the other, over the pairs of neighbouring samples.
+// Registers a benchmark that alternates samples of both, so that other load affects both equally.
+// Its time is that of `ours`. Its counters are the medians of both in nanoseconds, and "ratio": the
+// median of ours / other over pairs of neighbouring samples.
 void Compare(const Comparison& comparison);
 
 // Registers a benchmark that only reports a number.

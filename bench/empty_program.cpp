@@ -1,4 +1,4 @@
-// empty_program.cpp - what starting any C++ program costs.
+// empty_program.cpp - the cost of starting a C++ program.
 #include <iostream>
 
 int main() {

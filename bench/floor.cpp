@@ -1,4 +1,4 @@
-// floor.cpp - the least that has to be done for a task, written by hand.
+// floor.cpp - minimal implementations of tasks, written by hand.
 #include "bench/floor.h"
 
 #include <cstdio>
@@ -45,8 +45,8 @@ bool StartsWith(const char* line, const char* stop, std::string_view start) {
 
 }  // namespace
 
-void GiveUp(const std::string& what) {
-    fprintf(stderr, "velk_bench: failed: %s\n", what.c_str());
+void GiveUp(const std::string& message) {
+    fprintf(stderr, "velk_bench: failed: %s\n", message.c_str());
     _exit(1);
 }
 

@@ -1,4 +1,4 @@
-// gets.cpp - each kind of get against open, read, search and close by hand on the same file.
+// gets.cpp - compares each kind of get with open, read, search and close by hand on the same file.
 #include <cstring>
 #include <functional>
 #include <string>
@@ -12,6 +12,7 @@
 #include "bench/floor.h"
 #include "bench/groups.h"
 #include "bench/request.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
@@ -19,7 +20,6 @@ namespace {
 constexpr int kCallsPerSample = 50;
 constexpr int kCallsOfNoCost = 2000;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kWiredHeader[] = "iface eth0 inet ";
 
 struct FileGet {
@@ -31,21 +31,21 @@ struct FileGet {
     const char* key;
 };
 
-// What is searched by hand is what the library has to find in the device's own files.
+// The texts searched by hand are those that the library must find in the device's files.
 constexpr FileGet kFileGets[] = {
-    {"method", VELK_CMD_IP_METHOD, "eth0", kInterfaces, "iface eth0 ", "inet "},
-    {"address", VELK_CMD_IP_ADDRESS, "eth0", kInterfaces, kWiredHeader, "address "},
-    {"netmask", VELK_CMD_NETMASK, "eth0", kInterfaces, kWiredHeader, "netmask "},
-    {"gateway", VELK_CMD_GATEWAY, "eth0", kInterfaces, kWiredHeader, "gateway "},
-    {"link_local", VELK_CMD_APIPA, "eth0", "/etc/dhclient-exit-hooks", "eth0", "avahi-autoipd"},
-    {"dns", VELK_CMD_DNS, "eth0", "/etc/resolv.dnsmasq.conf", "nameserver", "nameserver "},
-    {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", "/etc/dhclient.conf", "\"eth1\"",
+    {"method", VELK_CMD_IP_METHOD, "eth0", velk::kInterfacesFile, "iface eth0 ", "inet "},
+    {"address", VELK_CMD_IP_ADDRESS, "eth0", velk::kInterfacesFile, kWiredHeader, "address "},
+    {"netmask", VELK_CMD_NETMASK, "eth0", velk::kInterfacesFile, kWiredHeader, "netmask "},
+    {"gateway", VELK_CMD_GATEWAY, "eth0", velk::kInterfacesFile, kWiredHeader, "gateway "},
+    {"link_local", VELK_CMD_APIPA, "eth0", velk::kExitHooks, "eth0", "avahi-autoipd"},
+    {"dns", VELK_CMD_DNS, "eth0", velk::kResolverFile, "nameserver", "nameserver "},
+    {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", velk::kDhcpConfigFile, "\"eth1\"",
      "domain-name-servers"},
-    {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", "/etc/dhclient.conf", "\"eth1\"", "ntp-servers"},
-    {"administrator", VELK_CMD_ADMINISTRATOR, "", "/var/libvelk/libvelk", "ADMINISTRATOR", "="},
-    {"ntp", VELK_CMD_NTP, "", "/var/cron/tabs/root", "ntpdate", " "},
-    {"ntp_server", VELK_CMD_NTP_SERVER, "", "/var/cron/tabs/root", "ntpdate", " -u "},
-    {"web_update", VELK_CMD_WEB_UPDATE, "", "/var/cron/tabs/root", "web_contents", "updater"},
+    {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", velk::kDhcpConfigFile, "\"eth1\"", "ntp-servers"},
+    {"administrator", VELK_CMD_ADMINISTRATOR, "", velk::kIdentityFile, "ADMINISTRATOR", "="},
+    {"ntp", VELK_CMD_NTP, "", velk::kCrontab, "ntpdate", " "},
+    {"ntp_server", VELK_CMD_NTP_SERVER, "", velk::kCrontab, "ntpdate", " -u "},
+    {"web_update", VELK_CMD_WEB_UPDATE, "", velk::kCrontab, "web_contents", "updater"},
 };
 
 void AddFileGet(const FileGet& get) {
@@ -74,12 +74,12 @@ void AddKernelGet() {
              .other = Timed(ReadMacByHand, kCallsPerSample)});
 }
 
-// What a tool tells: its line, its output and the removal of that.
+// A get by a tool: its shell line, reading its output, and removing the output.
 void AddToolGet(const char* name, const std::function<void()>& call, const std::string& tool) {
     const auto by_hand = [tool] {
         RunLine(tool + " > /var/tmp/get_result");
         char value[VELK_DATA_SIZE];
-        FindByHand("/var/tmp/get_result", "", "", value);
+        FindByHand(velk::kResultFile, "", "", value);
         RunLine("rm /var/tmp/get_result");
     };
     Compare({.name = name, .ours = Timed(call), .other = Timed(by_hand), .samples = 50});
@@ -93,11 +93,11 @@ void GetLiveAddress() {
     }
 }
 
-// Refused before anything is opened.
+// A get that is refused before any file is opened.
 void AddRefusal() {
     const auto by_hand = [] {
         char value[VELK_DATA_SIZE];
-        FindByHand(kInterfaces, kWiredHeader, "address ", value);
+        FindByHand(velk::kInterfacesFile, kWiredHeader, "address ", value);
     };
     Compare({.name = "get/unknown_id",
              .ours = Timed(Request(VELK_GET, 999, "eth0", {}, LIB_VELK_INVALID_PARAMETER),

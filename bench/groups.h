@@ -1,4 +1,4 @@
-// groups.h - what is measured, one function a subject.
+// groups.h - the groups of benchmarks, one function each.
 #ifndef BENCH_GROUPS_H_
 #define BENCH_GROUPS_H_
 

@@ -1,4 +1,4 @@
-// growth.cpp - files of 1 KB to 100 MB with the stanza at their end.
+// growth.cpp - gets and sets in files of 1 KB to 100 MB, with the stanza at the end.
 #include <algorithm>
 #include <functional>
 #include <string>
@@ -7,13 +7,13 @@
 #include "bench/comparison.h"
 #include "bench/floor.h"
 #include "bench/groups.h"
-#include "bench/process.h"
 #include "bench/request.h"
+#include "bench/run_program.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kHeader[] = "iface eth0 inet ";
 constexpr char kStanza[] =
     "iface eth0 inet static\n"
@@ -29,7 +29,7 @@ constexpr Size kSizes[] = {
     {"1KB", 1000},        {"10KB", 10 * 1000},        {"100KB", 100 * 1000},
     {"1MB", 1000 * 1000}, {"10MB", 10 * 1000 * 1000}, {"100MB", 100 * 1000 * 1000}};
 
-// Stanzas of other interfaces, with a comment each, up to the size; then eth0's.
+// Returns stanzas of other interfaces, each with a comment, up to the size, and the stanza of eth0.
 std::string LongFile(size_t bytes) {
     std::string text;
     for (int i = 10; text.size() + sizeof(kStanza) < bytes; ++i) {
@@ -41,11 +41,11 @@ std::string LongFile(size_t bytes) {
 }
 
 std::function<void()> WriteLongFile(size_t bytes) {
-    return [bytes] { WriteByHand(kInterfaces, LongFile(bytes)); };
+    return [bytes] { WriteByHand(velk::kInterfacesFile, LongFile(bytes)); };
 }
 
 void WriteUsualFile() {
-    WriteByHand(kInterfaces, kStanza);
+    WriteByHand(velk::kInterfacesFile, kStanza);
 }
 
 int CallsFor(size_t bytes) {
@@ -56,11 +56,11 @@ int SamplesFor(size_t bytes) {
     return bytes > 10'000'000 ? 11 : 60;
 }
 
-// Finds the interface and stops: what one would do from a shell.
+// Finds the interface and stops, as a user would with grep.
 void AddGrep(const Size& size) {
     Compare({.name = std::string("growth/grep/") + size.name,
              .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
-             .other = Timed(Process({"grep", "-F", "-m1", kHeader, kInterfaces})),
+             .other = Timed(Process({"grep", "-F", "-m1", kHeader, velk::kInterfacesFile})),
              .samples = SamplesFor(size.bytes),
              .prepare = WriteLongFile(size.bytes),
              .restore = WriteUsualFile});
@@ -69,7 +69,7 @@ void AddGrep(const Size& size) {
 void AddGet(const Size& size) {
     const auto by_hand = [] {
         char value[VELK_DATA_SIZE];
-        CutByHand(kInterfaces, kHeader, "address ", value);
+        CutByHand(velk::kInterfacesFile, kHeader, "address ", value);
     };
     Compare({.name = std::string("growth/get/") + size.name,
              .ours = Timed(Get(VELK_CMD_IP_ADDRESS, "eth0"), CallsFor(size.bytes)),
@@ -82,32 +82,33 @@ void AddGet(const Size& size) {
 void AddSet(const Size& size) {
     Compare({.name = std::string("growth/set/") + size.name,
              .ours = Timed(Set(VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10")),
-             .other = Timed([] { EditByHand(kInterfaces); }),
+             .other = Timed([] { EditByHand(velk::kInterfacesFile); }),
              .samples = SamplesFor(size.bytes),
              .prepare = WriteLongFile(size.bytes),
              .restore = WriteUsualFile});
 }
 
-// The kernel counts pages in batches, so one run is as good as a guess.
-double MedianPeak(const char* what) {
+// The kernel counts pages in batches, so a single run is not exact.
+double MedianPeak(const char* call) {
     std::vector<double> peaks;
     for (int i = 0; i < 15; ++i) {
-        peaks.push_back(NumberFrom({Built("velk_bench_peak"), what}));
+        peaks.push_back(NumberFrom({Built("velk_bench_peak"), call}));
     }
     return Median(peaks);
 }
 
-// The peak of a program that makes one call, in KB, beyond that of one with a file of usual size.
-void AddPeak(const char* what, const Size& size) {
-    const auto more_memory = [what, size] {
+// Reports the peak memory of a program that makes one call, in KB, minus that with a file of usual
+// size.
+void AddPeak(const char* call, const Size& size) {
+    const auto more_memory = [call, size] {
         WriteUsualFile();
-        const double usual = MedianPeak(what);
-        WriteByHand(kInterfaces, LongFile(size.bytes));
-        const double large = MedianPeak(what);
+        const double usual = MedianPeak(call);
+        WriteByHand(velk::kInterfacesFile, LongFile(size.bytes));
+        const double large = MedianPeak(call);
         WriteUsualFile();
         return large - usual;
     };
-    Report(std::string("growth/peak/") + what + "/" + size.name, "more_kb", more_memory);
+    Report(std::string("growth/peak/") + call + "/" + size.name, "more_kb", more_memory);
 }
 
 }  // namespace
@@ -118,9 +119,9 @@ void AddGrowth() {
         AddGrep(size);
         AddSet(size);
     }
-    for (const char* what : {"get", "set"}) {
-        AddPeak(what, kSizes[4]);
-        AddPeak(what, kSizes[5]);
+    for (const char* call : {"get", "set"}) {
+        AddPeak(call, kSizes[4]);
+        AddPeak(call, kSizes[5]);
     }
 }
 

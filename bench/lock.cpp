@@ -1,14 +1,15 @@
-// lock.cpp - taking the lock and giving it back against open, flock and close.
+// lock.cpp - compares taking and releasing the lock with open, flock and close.
 #include "bench/comparison.h"
 #include "bench/floor.h"
 #include "bench/groups.h"
+#include "lib/base/paths.h"
 #include "velk.h"
 
 namespace bench {
 
 void AddLock() {
     const auto ours = [] { VkLibUnLock(VkLibLock()); };
-    const auto by_hand = [] { LockByHand("/var/tmp/vklib_lock"); };
+    const auto by_hand = [] { LockByHand(velk::kLockFile); };
     Compare({.name = "lock", .ours = Timed(ours, 50), .other = Timed(by_hand, 50)});
 }
 

@@ -1,4 +1,4 @@
-// main.cpp - measures the library on a private device, against the least that has to be done.
+// main.cpp - measures the library on a simulated device.
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -15,10 +15,10 @@ namespace {
 void EnterPrivateDevice() {
     sandbox::DeviceOptions options;
     options.rootfs = VELK_SOURCE_DIR "/sandbox/data/rootfs";
-    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
-    options.writable = {VELK_BINARY_DIR};  // where the figures go
+    options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
+    options.writable = {VELK_BINARY_DIR};  // for the results
     sandbox::EnterDevice(options);
-    // The device's tools, as velk-sandbox offers them.
+    // The stand-ins of velk-sandbox.
     const std::string path = VELK_BINARY_DIR "/stand-ins:" + std::string(getenv("PATH"));
     setenv("PATH", path.c_str(), 1);
     bench::RunLine("ip link add eth0 type bridge");  // the wired port

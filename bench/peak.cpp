@@ -1,4 +1,4 @@
-// peak.cpp - makes one call and prints the most memory this program ever held, in KB.
+// peak.cpp - makes one call and prints the peak memory of this program in KB.
 #include <cstdio>
 #include <cstring>
 
@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
     if (execute_velk_command(&request, &response) != LIB_VELK_SUCCESS) {
         return 1;
     }
-    // Not getrusage(2): its figure is at least that of the program this one was started from.
+    // Not getrusage(2): its value is at least that of the parent before exec.
     FILE* status = fopen("/proc/self/status", "r");
     char line[256];
     long peak = 0;

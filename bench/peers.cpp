@@ -1,4 +1,4 @@
-// peers.cpp - the library against Augeas.
+// peers.cpp - compares the library with Augeas.
 #include "bench/augeas_tree.h"
 #include "bench/comparison.h"
 #include "bench/groups.h"
@@ -14,7 +14,7 @@ augeas* OpenTree() {
     return tree;
 }
 
-// Another value each time: it writes nothing when nothing changes.
+// Sets another value each time, as Augeas does not write an unchanged file.
 void SetIn(augeas* tree) {
     static bool odd = false;
     odd = !odd;
@@ -45,7 +45,7 @@ void AddPeers() {
 
     const Measured set = Timed(Set(VELK_CMD_GATEWAY, "eth0", "192.168.0.1"));
     Compare({.name = "peer/set/cold", .ours = set, .other = Timed(ColdSet), .samples = 30});
-    // It reads its file again when another program has changed it: this one does not stand beside.
+    // The library changes the file between the samples of Augeas, which reads a changed file again.
     Compare({.name = "peer/set/open_handle",
              .ours = set,
              .other = Timed([] { SetIn(OpenTree()); }),

@@ -1,5 +1,4 @@
-// probe_library.cpp - the least of a C++ library that answers the loader's get, with std::string
-// alone.
+// probe_library.cpp - a minimal C++ library that answers the loader's get, using only std::string.
 #include <cstring>
 #include <string>
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""report.py FIGURES COUNTS FOLDER - sets what was measured against its goals.
+"""report.py FIGURES COUNTS FOLDER - compares the measurements with their goals.
 
-FIGURES is the JSON of velk_bench, COUNTS what tests/cost/cost_test.sh printed. Prints the table of
+FIGURES is the JSON of velk_bench, COUNTS the output of tests/cost/cost_test.sh. Prints the table of
 goals and writes performance.md (the tables), performance.json and performance.svg into FOLDER.
 """
 import json
@@ -9,7 +9,7 @@ import re
 import sys
 from pathlib import Path
 
-# What is measured, its goal, and the benchmark that measures it. All are ratios, ours by the other.
+# Description, goal and benchmark of each measurement. All are ratios: ours / other.
 GOALS = [
     ("get of a static address, against open, read, search, close", 1.15, "get/address"),
     ("get of a static mask, against the same", 1.15, "get/netmask"),
@@ -30,9 +30,9 @@ GOALS = [
     ("velkctl get, against a bare program with the same call", 1.05, "process/get_and_bare_program"),
     ("set from a program of 256 MB, against one from a small one", 1.1, "set/from_large_host"),
 ]
-# Counts that are held by the cost test, as far as they are goals.
+# Counts of the cost test that are goals.
 COUNTED_GOALS = [
-    *(f"get {what}: {count}" for what in ("address", "netmask", "gateway")
+    *(f"get {label}: {count}" for label in ("address", "netmask", "gateway")
       for count in ("system calls", "instructions", "heap requests")),
     "get unknown id: system calls",
     "set address: started programs",
@@ -43,7 +43,7 @@ PEAKS = [f"growth/peak/{call}/{size}" for call in ("get", "set") for size in ("1
 
 
 def read_figures(path):
-    """Benchmark name to its counters."""
+    """Return a dictionary from benchmark name to counters."""
     figures = {}
     for run in json.loads(Path(path).read_text())["benchmarks"]:
         name = run["name"].split("/iterations:")[0]
@@ -52,9 +52,9 @@ def read_figures(path):
 
 
 def read_counts(path):
-    """What was counted to (count, limit)."""
+    """Return a dictionary from label to (count, limit)."""
     rows = re.findall(r"^(\S.*?): +(.*?) +(\d+) of (\d+)", Path(path).read_text(), re.MULTILINE)
-    return {f"{call}: {what}": (int(count), int(limit)) for call, what, count, limit in rows}
+    return {f"{call}: {label}": (int(count), int(limit)) for call, label, count, limit in rows}
 
 
 def ratio_text(ratio):
@@ -62,17 +62,17 @@ def ratio_text(ratio):
 
 
 def goal_rows(figures, counts):
-    for what, goal, name in GOALS:
+    for label, goal, name in GOALS:
         ratio = figures[name]["ratio"]
-        yield what, ratio_text(goal), ratio_text(ratio), ratio <= goal
-    for what in COUNTED_GOALS:
-        count, limit = counts[what]
-        yield what, f"{limit}", f"{count}", count <= limit
+        yield label, ratio_text(goal), ratio_text(ratio), ratio <= goal
+    for label in COUNTED_GOALS:
+        count, limit = counts[label]
+        yield label, f"{limit}", f"{count}", count <= limit
     for name in PEAKS:
         more = figures[name]["more_kb"]
         call, size = name.split("/")[2:]
-        what = f"peak memory of a {call}, {size} over a usual file, KB"
-        yield what, f"{PEAK_GOAL_KB}", f"{more:.0f}", more <= PEAK_GOAL_KB
+        label = f"peak memory of a {call}, {size} over a usual file, KB"
+        yield label, f"{PEAK_GOAL_KB}", f"{more:.0f}", more <= PEAK_GOAL_KB
 
 
 def time_text(nanoseconds):
@@ -83,17 +83,17 @@ def time_text(nanoseconds):
 
 
 def growth_rows(figures):
-    """What a MB takes in files of a MB and more."""
+    """Yield the time per MB in files of 1 MB and more."""
     for size, megabytes in (("1MB", 1), ("10MB", 10), ("100MB", 100)):
-        get, grep, edit = (figures[f"growth/{what}/{size}"] for what in ("get", "grep", "set"))
+        get, grep, edit = (figures[f"growth/{label}/{size}"] for label in ("get", "grep", "set"))
         nanoseconds = (get["ours_ns"], get["other_ns"], grep["other_ns"], edit["ours_ns"], edit["other_ns"])
         yield size, *(time_text(each / megabytes) for each in nanoseconds)
 
 
 def tables(figures, counts):
-    lines = ["| what | goal, at most | measured | |", "|---|---|---|---|"]
-    for what, goal, measured, is_met in goal_rows(figures, counts):
-        lines.append(f"| {what} | {goal} | {measured} | {'met' if is_met else 'missed'} |")
+    lines = ["| measurement | goal, at most | measured | |", "|---|---|---|---|"]
+    for label, goal, measured, is_met in goal_rows(figures, counts):
+        lines.append(f"| {label} | {goal} | {measured} | {'met' if is_met else 'missed'} |")
     lines += ["", "| benchmark | ours | other | ratio |", "|---|---|---|---|"]
     for name, figure in figures.items():
         if "ratio" in figure:
@@ -107,7 +107,7 @@ def tables(figures, counts):
 
 
 def plot(figures):
-    """Bars of the ratios to the floors, a line at 1."""
+    """Return an SVG bar chart of the ratios, with a line at 1."""
     shown = {
         name: figure["ratio"]
         for name, figure in figures.items()
@@ -118,7 +118,7 @@ def plot(figures):
     parts = [
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{width:.0f}" height="{height}" font-family="sans-serif" font-size="12">',
         '<rect width="100%" height="100%" fill="white"/>',
-        f'<text x="{left}" y="16">time by that of the least that has to be done (1 = the floor)</text>',
+        f'<text x="{left}" y="16">time relative to minimal hand-written code (1 = equal)</text>',
     ]
     for index, (name, ratio) in enumerate(shown.items()):
         y = 26 + index * row
@@ -135,9 +135,9 @@ def main(figures_path, counts_path, folder):
     figures = read_figures(figures_path)
     counts = read_counts(counts_path)
     folder = Path(folder)
-    for what, goal, measured, is_met in goal_rows(figures, counts):
-        print(f"{what:62} {goal:>8} {measured:>8}  {'met' if is_met else 'MISSED'}")
-    summary = {"ratios": figures, "counts": {what: count for what, (count, _) in counts.items()}}
+    for label, goal, measured, is_met in goal_rows(figures, counts):
+        print(f"{label:62} {goal:>8} {measured:>8}  {'met' if is_met else 'MISSED'}")
+    summary = {"ratios": figures, "counts": {label: count for label, (count, _) in counts.items()}}
     (folder / "performance.md").write_text(tables(figures, counts))
     (folder / "performance.json").write_text(json.dumps(summary, indent=1) + "\n")
     (folder / "performance.svg").write_text(plot(figures))

@@ -1,4 +1,4 @@
-// request.cpp - requests to the library, whose results are checked.
+// request.cpp - requests to the library, with a check of the result.
 #include "bench/request.h"
 
 #include <string>

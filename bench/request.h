@@ -1,4 +1,4 @@
-// request.h - requests to the library, whose results are checked.
+// request.h - requests to the library, with a check of the result.
 #ifndef BENCH_REQUEST_H_
 #define BENCH_REQUEST_H_
 
@@ -10,8 +10,8 @@
 
 namespace bench {
 
-// A call that runs the request, made ready beforehand, and ends the program when its result is
-// another than `expected`.
+// Returns a call that executes a prepared request. It ends the program if the result is not
+// `expected`.
 std::function<void()> Request(uint32_t type, uint32_t id, std::string_view interface,
                               std::string_view data = {}, int expected = LIB_VELK_SUCCESS);
 

@@ -1,4 +1,5 @@
-// sets.cpp - each kind of set against copying the same bytes and running the very same shell lines.
+// sets.cpp - compares each kind of set with copying the same bytes and running the same shell
+// lines.
 #include <functional>
 #include <string>
 #include <vector>
@@ -10,16 +11,12 @@
 #include "bench/floor.h"
 #include "bench/groups.h"
 #include "bench/request.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
 
 constexpr int kSamples = 50;
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
-constexpr char kCrontab[] = "/var/cron/tabs/root";
 
 struct FileSet {
     const char* name;
@@ -27,37 +24,42 @@ struct FileSet {
     const char* interface;
     std::string data;
     std::vector<std::string> edited;
-    std::vector<std::string> lines;  // run behind the edits
+    std::vector<std::string> lines;  // run after the edits
 };
 
 const std::vector<FileSet>& FileSets() {
     static const std::string on(1, VELK_ON);
     static const std::vector<FileSet> sets = {
-        {"address", VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10", {kInterfaces}, {}},
-        {"gateway", VELK_CMD_GATEWAY, "eth0", "192.168.0.1", {kInterfaces}, {}},
+        {"address", VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10", {velk::kInterfacesFile}, {}},
+        {"gateway", VELK_CMD_GATEWAY, "eth0", "192.168.0.1", {velk::kInterfacesFile}, {}},
         {"method",
          VELK_CMD_IP_METHOD,
          "eth0",
          {VELK_METHOD_STATIC},
-         {kInterfaces, kDhcpConfig},
+         {velk::kInterfacesFile, velk::kDhcpConfigFile},
          {}},
-        {"link_local", VELK_CMD_APIPA, "eth0", on, {kExitHooks}, {}},
-        {"dhcp_dns", VELK_CMD_DHCP_DNS, "eth1", on, {kDhcpConfig, "/sbin/dhclient-script"}, {}},
-        {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", on, {kDhcpConfig, kExitHooks}, {}},
-        {"dhcp_notice", VELK_CMD_DHCP_NOTICE, "eth0", on, {kExitHooks, kExitHooks}, {}},
+        {"link_local", VELK_CMD_APIPA, "eth0", on, {velk::kExitHooks}, {}},
+        {"dhcp_dns",
+         VELK_CMD_DHCP_DNS,
+         "eth1",
+         on,
+         {velk::kDhcpConfigFile, velk::kClientScript},
+         {}},
+        {"dhcp_ntp", VELK_CMD_DHCP_NTP, "", on, {velk::kDhcpConfigFile, velk::kExitHooks}, {}},
+        {"dhcp_notice", VELK_CMD_DHCP_NOTICE, "eth0", on, {velk::kExitHooks, velk::kExitHooks}, {}},
         {"web_update",
          VELK_CMD_WEB_UPDATE,
          "",
          {VELK_SCHEDULE_DAILY, 0, '0', '8', ':', '3', '0'},
-         {kCrontab},
+         {velk::kCrontab},
          {}},
-        {"ntp", VELK_CMD_NTP, "", on, {kCrontab}, {}},
-        {"ntp_server", VELK_CMD_NTP_SERVER, "", "192.168.0.1", {kCrontab}, {}},
+        {"ntp", VELK_CMD_NTP, "", on, {velk::kCrontab}, {}},
+        {"ntp_server", VELK_CMD_NTP_SERVER, "", "192.168.0.1", {velk::kCrontab}, {}},
         {"administrator",
          VELK_CMD_ADMINISTRATOR,
          "",
          "Robin",
-         {"/var/libvelk/libvelk"},
+         {velk::kIdentityFile},
          {"sudo sed -i 's/syscontact.*/syscontact Robin/' /usr/local/share/etc/snmp/snmpd.conf",
           "sudo /etc/init.d/snmpd restart > /dev/null 2>&1 || :"}},
     };
@@ -73,29 +75,28 @@ void AddFileSet(const FileSet& set) {
             RunLine(line);
         }
     };
-    Compare(
-        {.name = std::string("set/") + set.name,
-         .ours = Timed(Set(set.id, set.interface, set.data)),
-         .other = Timed(by_hand),
-         .samples = set.lines.empty() ? kSamples : kSamples / 5});  // those lines take their time
+    Compare({.name = std::string("set/") + set.name,
+             .ours = Timed(Set(set.id, set.interface, set.data)),
+             .other = Timed(by_hand),
+             .samples = set.lines.empty() ? kSamples : kSamples / 5});  // those lines are slow
 }
 
-// Without a shell line: what is left is the lock, a log line and writing in place.
+// A set without a shell line: the lock, a log line and a write in place.
 void AddDnsSet() {
     std::string slots = "192.168.0.1";
     slots.resize(16);
     slots += "192.168.0.2";
     const auto by_hand = [] {
-        LockByHand("/var/tmp/vklib_lock");
+        LockByHand(velk::kLockFile);
         syslog(LOG_NOTICE, "VkLibLock indelible");
-        WriteByHand("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver 192.168.0.2\n");
+        WriteByHand(velk::kResolverFile, "nameserver 192.168.0.1\nnameserver 192.168.0.2\n");
     };
     Compare({.name = "set/dns",
              .ours = Timed(Set(VELK_CMD_DNS, "eth0", slots), 50),
              .other = Timed(by_hand, 50)});
 }
 
-// A program that holds 256 MB: starting a shell from it must not cost a copy of its page tables.
+// A program with 256 MB: starting a shell from it must not copy its page tables.
 void AddLargeHost() {
     constexpr size_t kSize = size_t{256} << 20;
     const Measured set = Timed(Set(VELK_CMD_IP_ADDRESS, "eth0", "192.168.0.10"));

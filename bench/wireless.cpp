@@ -1,4 +1,4 @@
-// wireless.cpp - a question to the wireless daemon against a bare datagram there and back.
+// wireless.cpp - compares a query to the wireless daemon with a plain exchange of two datagrams.
 #include <cstddef>
 #include <cstring>
 #include <thread>
@@ -13,6 +13,7 @@
 #include "bench/floor.h"
 #include "bench/groups.h"
 #include "bench/request.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
@@ -22,14 +23,13 @@ constexpr size_t kDatagramSize = 240;
 struct Names {
     const char* request;
     const char* reply;
-    const char* semaphore;  // posted when the reply socket is there; null: it always is
+    const char* semaphore;  // posted once the reply socket exists; null: it always exists
 };
-constexpr Names kLibrary = {"/tmp/WlanAplToWlanSock", "/tmp/WlanAplFromWlanSock",
-                            "/WlanAplRecvSem"};
+constexpr Names kLibrary = {velk::kRequestSocket, velk::kReplySocket, velk::kSemaphoreName};
 constexpr Names kByHand = {"/tmp/to", "/tmp/from", nullptr};
 constexpr Names kByHandTold = {"/tmp/to-told", "/tmp/from-told", "/Told"};
 
-// Its length leaves out the NUL, as the library's names do.
+// Its length excludes the NUL, as in the library.
 struct Address {
     explicit Address(const char* path) {
         address.sun_family = AF_UNIX;
@@ -74,7 +74,7 @@ void WaitUntilReady(const char* name) {
     sem_close(ready);
 }
 
-// The least of a daemon: it answers every question with zeros.
+// A minimal daemon: it answers every query with zeros.
 void Serve(int fd, const Names& names) {
     for (;;) {
         Receive(fd);
@@ -86,7 +86,7 @@ void Serve(int fd, const Names& names) {
 }
 
 void StartDaemon(const Names& names) {
-    const int fd = BoundSocket(names.request);  // now, so that nobody asks before it is there
+    const int fd = BoundSocket(names.request);  // before the first query
     std::thread(Serve, fd, names).detach();
 }
 

@@ -6,6 +6,7 @@
 
 #include "velkctl/call/environment.h"
 #include "velkctl/cli/command_line.h"
+#include "velkctl/report/output.h"
 #include "velkctl/text/escaping.h"
 
 namespace {
@@ -22,12 +23,12 @@ velkctl::ExitStatus Run(const std::vector<std::string>& arguments, velkctl::Repo
 }  // namespace
 
 int main(int argc, char** argv) {
-    // A write beyond the limit on file sizes then fails, and the library keeps the file as it was.
+    // A write beyond the file size limit then fails, and the library keeps the file unchanged.
     (void)signal(SIGXFSZ, SIG_IGN);
     const bool has_utf8_locale = velkctl::HasUtf8Locale();
     velkctl::FixEnvironment();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-    velkctl::Report report(velkctl::FormAskedFor(arguments));
+    velkctl::Report report(velkctl::RequestedForm(arguments));
     velkctl::ShowUtf8(has_utf8_locale || report.is_json());
     const velkctl::ExitStatus status = Run(arguments, report);
     report.Finish(status);

@@ -1,4 +1,4 @@
-// dhcp.h - what the DHCP client requests from a DHCP server.
+// dhcp.h - the options that the DHCP client requests from a DHCP server.
 #ifndef VELK_DHCP_H_
 #define VELK_DHCP_H_
 
@@ -16,12 +16,12 @@ struct _velk_request;
 // 107) into out[0]: VELK_ON or VELK_OFF. Only the request statement is looked at, see
 // GetDhcpServer().
 //
-// Returns what the option's function returns; LIB_VELK_INVALID_PARAMETER for a null `out` and for
+// Returns the result of the option's function; LIB_VELK_INVALID_PARAMETER for a null `out` and for
 // any other id.
 VELK_API int GetDhcp(const _velk_request& request, char* out);
 
-// Switches what GetDhcp() reads by request.data[0]: VELK_ON on, any other byte off. `out` is not
-// used. Returns what the option's function returns; LIB_VELK_INVALID_PARAMETER for any other id.
+// Switches the option of GetDhcp() by request.data[0]: VELK_ON on, any other byte off. `out` is not
+// used. Returns the result of the option's function; LIB_VELK_INVALID_PARAMETER for any other id.
 VELK_API int SetDhcp(const _velk_request& request, char* out);
 
 // GetDhcpServer() of "ntp-servers" and "domain-name-servers" for the request's interface, into
@@ -39,7 +39,7 @@ VELK_API int GetDhcpDns(const _velk_request& request, char* out);
 // Side effects: edits /etc/dhclient.conf and /etc/dhclient-exit-hooks.
 VELK_API int SetDhcpNtps(const _velk_request& request, char* out);
 
-// The same for "domain-name-servers" and the resolver update in the client's script, with
+// Like SetDhcpNtps() for "domain-name-servers" and the resolver update in the client's script, with
 // SetDnsDhcpScript(). Side effects: edits /etc/dhclient.conf and /sbin/dhclient-script.
 VELK_API int SetDhcpDns(const _velk_request& request, char* out);
 
@@ -48,18 +48,18 @@ VELK_API int SetDhcpDns(const _velk_request& request, char* out);
 // The DHCP client's configuration is /etc/dhclient.conf, see dhclient.conf(5), one statement or
 // brace a line. An interface's block begins at a line with the word "interface" and its name and
 // ends at a line with "}"; lines outside blocks are for every interface. `nic` is the interface's
-// name; the empty name stands for every block, and for the file's lines up to the first "}".
+// name; the empty name means every block, and for the file's lines up to the first "}".
 //
 // A "request" statement names the options that the client asks for, separated by commas, and ends
-// at a line with ";". Words are told apart as IsSearchString() does; with `comment_aware` a word
-// behind a "#" does not count.
+// at a line with ";". Words are separated as in IsSearchString(); with `comment_aware` a word
+// after a "#" does not count.
 //
-// Editing is done as velk/frame.h says, and takes effect with the next lease. Blocking: as long as
-// reading or rewriting one small file.
+// Editing is done as velk/frame.h describes, and takes effect with the next lease. Blocking: as
+// long as reading or rewriting one small file.
 
-// Tells whether `line`, which must end in a newline, may concern the interface: false for the line
-// that opens another interface's block. It keeps two flags from line to line: `in_block`, that the
-// line lies in the interface's block (to begin with: `nic` is empty), and `other_block`, that
+// Returns whether `line`, which must end in a newline, may concern the interface: false for the
+// line that opens another interface's block. It keeps two flags from line to line: `in_block`, that
+// the line lies in the interface's block (to begin with: `nic` is empty), and `other_block`, that
 // another interface's block has begun and not ended on the same line (to begin with: false). The
 // caller clears `other_block` at the line with the word "}" and does not offer the lines up to
 // there. Throws as IsSearchString() does.
@@ -74,18 +74,18 @@ VELK_API int GetDhcpServer(const std::string& nic, const std::string& option, bo
                            bool comment_aware);
 
 // Adds `option` as the last one to every request statement that concerns the interface, or removes
-// it. A statement ends for this function only at a line that holds ";" and not the option: behind
-// one that names it already, the next such line gains the option too, and behind one that it is
-// removed from, it is removed up to and including such a line.
+// it. A statement ends for this function only at a line that holds ";" and not the option. After
+// a statement that names it already, the next such line gains the option too. After a statement
+// that it is removed from, it is removed up to and including such a line.
 //
 // Returns LIB_VELK_SUCCESS, also without any request statement; LIB_VELK_FAILURE when a file cannot
 // be opened. Side effects: edits /etc/dhclient.conf.
 VELK_API int SetDhcpServer(const std::string& nic, const std::string& option, bool add,
                            bool comment_aware);
 
-// Switches the interface's blocks on, deleting the first "#" of each of their lines wherever it
-// stands, or off, putting a "#" into column one of each line that holds none. A line outside blocks
-// that holds "}" is switched too. Results and side effects as SetDhcpServer().
+// Switches the interface's blocks on, deleting the first "#" of each of their lines at any
+// position, or off, putting a "#" into column one of each line that holds none. A line outside
+// blocks that holds "}" is switched too. Results and side effects as SetDhcpServer().
 VELK_API int SetDhcpRequest(const std::string& nic, bool enable);
 
 // ---- The client's script -----------------------------------------------------------------------

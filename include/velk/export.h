@@ -1,8 +1,8 @@
-/* export.h - marks what libvelk.so shows to its callers. */
+/* export.h - marks the functions that libvelk.so exports. */
 #ifndef VELK_EXPORT_H_
 #define VELK_EXPORT_H_
 
-/* The library is built with hidden visibility: only what carries this mark is exported. */
+/* The library is built with hidden visibility: only functions with this mark are exported. */
 #define VELK_API __attribute__((visibility("default")))
 
 #endif /* VELK_EXPORT_H_ */

@@ -1,4 +1,4 @@
-// identity.h - who looks after the device and where it stands.
+// identity.h - the administrator and the location of the device.
 #ifndef VELK_IDENTITY_H_
 #define VELK_IDENTITY_H_
 
@@ -9,7 +9,7 @@
 struct _velk_request;
 
 // Administrator (command 2) and location (command 3) are texts of at most 512 bytes, of which a get
-// gives back 511. They stand in
+// gives back 511. They are in
 // the settings file /var/libvelk/libvelk, which must be there already, in lines that begin with
 // "ADMINISTRATOR=" and "LOCATION="; the value is the rest of the line, as it is.
 
@@ -26,29 +26,29 @@ VELK_API int GetSettingFile(const _velk_request& request, char* out);
 // /usr/local/share/etc/snmp/snmpd.conf, see snmpd.conf(5), that holds "syscontact" or "syslocation"
 // becomes the value, escaped with GetEscapeString(), or a pair of double quotes when it is empty. A
 // missing directive is not added. sed(1) runs in the program's locale: where a byte is no character
-// of it, that byte and what follows on the line stay. In a locale that is neither C, POSIX nor
+// of it, that byte and the rest of the line stay. In a locale that is neither C, POSIX nor
 // UTF-8 no SNMP line is run for a text with a byte above 0x7f, because the encoding may swallow its
-// escapes; this is logged as "SetSettingFile no SNMP line". A program that passes on what others
-// type must refuse a text that holds "syscontact" or "syslocation": a set of the other setting
+// escapes; this is logged as "SetSettingFile no SNMP line". A program that takes texts from
+// its users must refuse a text that holds "syscontact" or "syslocation": a set of the other setting
 // would cut it. The text is not checked: one with a newline makes two lines, and leaves the SNMP
 // daemon's file as it was. `out` is not used.
 //
-// Returns LIB_VELK_SUCCESS, whatever becomes of the SNMP daemon; LIB_VELK_INVALID_PARAMETER for
+// Returns LIB_VELK_SUCCESS, even if an SNMP step fails; LIB_VELK_INVALID_PARAMETER for
 // any other id; LIB_VELK_FAILURE when a file cannot be opened, logged as "SetSettingFile ifstream"
 // (the settings file) or "SetSettingFile ofstream" (its edit copy) with errno. The SNMP daemon is
 // then left alone.
-// Side effects: edits /var/libvelk/libvelk as velk/frame.h says, then runs "sudo sed -i ..." on
-// the SNMP daemon's file and "sudo /etc/init.d/snmpd restart > /dev/null 2>&1".
-// Blocking: as long as these take; the restart of the SNMP daemon is waited for.
+// Side effects: edits /var/libvelk/libvelk as velk/frame.h describes, then runs "sudo sed -i ..."
+// on the SNMP daemon's file and "sudo /etc/init.d/snmpd restart > /dev/null 2>&1". Blocking: as
+// long as these take; the restart of the SNMP daemon is waited for.
 VELK_API int SetSettingFile(const _velk_request& request, char* out);
 
-// The text with backslashes, ampersands, both kinds of quotes and slashes escaped, so that it
-// stands for itself in the replacement of "sed 's/.../.../'" between single quotes of sh(1). Up to
-// four times as long as the text.
+// Returns the text with backslashes, ampersands, both kinds of quotes and slashes escaped, so that
+// it is literal in the replacement of "sed 's/.../.../'" between single quotes of sh(1). Up to four
+// times as long as the text.
 VELK_API std::string GetEscapeString(const std::string& text);
 
-// The text with every `from` replaced by `to`, from left to right; what was put in is not searched
-// again. An empty `from` is found nowhere.
+// Returns the text with every `from` replaced by `to`, from left to right; replacements are not
+// searched again. An empty `from` is found nowhere.
 VELK_API std::string ReplaceAll(std::string text, const std::string& from, const std::string& to);
 
 #endif  // VELK_IDENTITY_H_

@@ -1,5 +1,5 @@
-// ipconf.h - the device's IP configuration: methods and addresses of the interfaces, what the DHCP
-// client does after its lease events, DNS servers.
+// ipconf.h - the device's IP configuration: methods and addresses of the interfaces, the DHCP
+// client's actions after its lease events, DNS servers.
 #ifndef VELK_IPCONF_H_
 #define VELK_IPCONF_H_
 
@@ -13,42 +13,44 @@ struct _velk_request;
 // ---- Commands ----------------------------------------------------------------------------------
 
 // Reads the setting of request.command_id for request.interface into the data area `out` (512
-// bytes): method (102), APIPA (103), address (104), mask (105) or gateway (106). The formats stand
-// at the functions below.
+// bytes): method (102), APIPA (103), address (104), mask (105) or gateway (106). The functions
+// below describe the formats.
 //
-// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for a null `out` and for
+// Returns the result of the setting's function; LIB_VELK_INVALID_PARAMETER for a null `out` and for
 // any other id. Blocking: as the setting's function.
 VELK_API int GetInterfaces(const _velk_request& request, char* out);
 
-// Changes the setting of request.command_id for request.interface to what request.data holds: those
-// of GetInterfaces() and the DHCP notices (109). One call makes one change: a new method leaves the
-// addresses and the hooks alone, a new address leaves the method alone. `out` is not used.
+// Changes the setting of request.command_id for request.interface to the value in request.data:
+// those of GetInterfaces() and the DHCP notices (109). One call makes one change: a new method
+// leaves the addresses and the hooks alone, a new address leaves the method alone. `out` is not
+// used.
 //
-// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for any other id.
+// Returns the result of the setting's function; LIB_VELK_INVALID_PARAMETER for any other id.
 // Blocking: as the setting's function.
 VELK_API int SetInterfaces(const _velk_request& request, char* out);
 
 // ---- Method and addresses ----------------------------------------------------------------------
 //
-// They stand in the interface's stanza in /etc/network/interfaces, see interfaces(5). A stanza
+// They are in the interface's stanza in /etc/network/interfaces, see interfaces(5). A stanza
 // begins at a line that begins with "iface NAME inet " and reaches to the next line that begins
 // with "iface"; everything between, comments and "auto" lines included, belongs to it. A value
-// stands behind its key ("address ", "netmask ", "gateway ") wherever the line holds it. The
+// follows its key ("address ", "netmask ", "gateway ") at any position of its line. The
 // readers know an interface's first stanza only.
 
-// Edits take effect when the interface is restarted. Files are edited as velk/frame.h says.
+// Edits take effect when the interface is restarted. Files are edited as velk/frame.h describes.
 
-// Says how the interface is configured: VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE
-// when the file cannot be read, holds no stanza of the interface, or names another method. Only the
-// beginning of the method's word is compared. Blocking: as long as reading one small file.
+// Returns how the interface is configured: VELK_METHOD_STATIC, VELK_METHOD_DHCP, or
+// LIB_VELK_FAILURE when the file cannot be read, holds no stanza of the interface, or names another
+// method. Only the beginning of the method's word is compared. Blocking: as long as reading one
+// small file.
 VELK_API int GetIpSetting(const std::string& interface);
 
 // Writes GetIpSetting() of the request's interface into out[0] and returns LIB_VELK_SUCCESS.
-// LIB_VELK_FAILURE, with nothing written, for a null `out` and when the method cannot be told.
+// LIB_VELK_FAILURE, with nothing written, for a null `out` and if the method is not known.
 VELK_API int GetIpSettingMethod(const _velk_request& request, char* out);
 
-// Copies what follows `key` on the first line of the interface's stanza that holds it into the data
-// area `out` (512 bytes), as a NUL-terminated text of at most 511 bytes. Without such a line
+// Copies the text after `key` on the first line of the interface's stanza that holds it into the
+// data area `out` (512 bytes), as a NUL-terminated text of at most 511 bytes. Without such a line
 // nothing is written.
 //
 // Returns LIB_VELK_SUCCESS, also without a value; LIB_VELK_FAILURE for a null `key` or `out` and
@@ -56,15 +58,15 @@ VELK_API int GetIpSettingMethod(const _velk_request& request, char* out);
 VELK_API int GetAddressConf(const _velk_request& request, const char* key, char* out);
 
 // Read the address, mask and gateway of the request's interface as dotted-quad text (16 bytes with
-// the NUL; a static value is copied as it stands in the file, up to 511 bytes and the NUL) into the
+// the NUL; a static value is copied as it is in the file, up to 511 bytes and the NUL) into the
 // data area `out`. A static interface answers as configured, also when the kernel holds another
 // value; a DHCP interface answers its live values: address and mask from ifconfig(8), see
 // GetIpAddress(), the gateway from the routing table, see GetIoctl(), for which the request must
-// carry VELK_CMD_GATEWAY. A missing value is told by an empty text.
+// carry VELK_CMD_GATEWAY. A missing value is an empty text.
 //
-// Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE when GetIpSetting() cannot tell the method and, for a
+// Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE if GetIpSetting() does not find the method and, for a
 // static interface, for a null `out`; for a DHCP
-// interface what the function of the live value returns. "eth1" on DHCP answers with nothing while
+// interface the result of the function of the live value. "eth1" on DHCP answers with nothing while
 // IsWiredLinked() finds a link.
 // Blocking: as long as reading one small file; for a DHCP interface as the function of the live
 // value, and for "eth1" IsWiredLinked() before it.
@@ -73,7 +75,7 @@ VELK_API int GetSubNetMaskConf(const _velk_request& request, char* out);
 VELK_API int GetDefGatewayConf(const _velk_request& request, char* out);
 
 // Changes the method of the request's interface to request.data[0], VELK_METHOD_STATIC or
-// VELK_METHOD_DHCP, in all its stanzas; what followed the method on their first lines is gone,
+// VELK_METHOD_DHCP, in all its stanzas; text after the method on their first lines is removed,
 // their other lines stay. Then SetDhcpRequest() switches the interface's block in the DHCP client's
 // configuration on for DHCP and off for a static address. Takes effect when the interface is
 // restarted. `out` is not used.
@@ -82,17 +84,17 @@ VELK_API int GetDefGatewayConf(const _velk_request& request, char* out);
 // a file cannot be opened. The method stays changed when only the DHCP client's configuration
 // cannot be edited.
 // Side effects: edits /etc/network/interfaces and /etc/dhclient.conf. For "eth0" and
-// VELK_METHOD_DHCP "rm -f /tmp/oldIPAddress" is run last, whatever the result.
+// VELK_METHOD_DHCP "rm -f /tmp/oldIPAddress" is run last, with any result.
 // Blocking: as long as rewriting two small files and five shell lines take.
 VELK_API int SetIpSettingMethod(const _velk_request& request, char* out);
 
 // Puts a tab, `key` and the text of request.data in the place of the first line that holds `key` in
-// the interface's stanza or, when there is none, in front of the next line that begins with
+// the interface's stanza or, if there is none, before the next line that begins with
 // "iface". A stanza that is the last of the file and holds no such line gains none; the result is
 // LIB_VELK_SUCCESS all the same. A later stanza of the interface is edited too, except one that
 // follows directly on a stanza of it without the key. An empty text with the key "gateway " removes
 // the line; with another key it writes a line without a value. The text is not checked: it is
-// written as it stands.
+// written unchanged.
 //
 // Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for a null `key` and when a file cannot be opened.
 // Side effects: edits /etc/network/interfaces. Blocking: as long as rewriting one small file.
@@ -105,11 +107,13 @@ VELK_API int SetDefGatewayConf(const _velk_request& request, char* out);
 
 // ---- Exit hooks of the DHCP client -------------------------------------------------------------
 //
+// Source: lib/dhcp/exit_hooks.cpp.
+//
 // /etc/dhclient-exit-hooks is a shell script that the DHCP client's script runs after its lease
 // events, see dhclient-script(8). A feature is a command line that must be there already: it is
 // switched off by a "#" in column one and on by deleting the line's first "#". Lines between
 // "if" with "$interface" and "fi" count only where they run for the interface, see the branches of
-// sh(1): the interface's name on the "if" line, whatever the comparison, means its "then" branch.
+// sh(1): the interface's name on the "if" line, with any comparison, means its "then" branch.
 // Blocks do not nest. The switch byte is VELK_ON or VELK_OFF.
 
 // Switches every line that holds `command` and runs for the request's interface, without an
@@ -131,7 +135,7 @@ VELK_API int SetNtpdate(const _velk_request& request);
 // SetDhclient() for the programs that print a notice when DHCP has finished,
 // "/sbin/printdhcpnotice.pl", and when it starts, "/sbin/printdhcpstart.pl". The second is not
 // touched when the first fails. `out` is not used. Only for "eth0": for any other interface nothing
-// is done and the difference of the names, as strcmp(3) tells it, is returned.
+// is done, and the result is that of strcmp(3) on its name and "eth0".
 VELK_API int SetPrintDHCPFinished(const _velk_request& request, char* out);
 
 // Writes into out[0] whether the link-local daemon is switched on for the request's interface:
@@ -141,31 +145,32 @@ VELK_API int SetPrintDHCPFinished(const _velk_request& request, char* out);
 VELK_API int GetApipa(const _velk_request& request, char* out);
 
 // ---- Text search -------------------------------------------------------------------------------
+//
+// Source: lib/base/exported_helpers.cpp.
 
-// Looks for the first place at which `word` stands in `line` and sets `pos` to it, to 0xffffffff
-// when there is none. True when it stands there as a word: at the start or behind a blank, a tab, a
-// comma or a "#", and in front of a blank, a tab, a newline, a semicolon or a comma. A later place
-// is never looked at. With `comment_flag` a word behind a "#" does not count. A null `word` gives
-// false and leaves `pos` as it was.
+// Sets `pos` to the first place of `word` in `line`, to 0xffffffff if there is none. Returns true
+// if it is a word there: at the start or after a blank, a tab, a comma or a "#", and before a
+// blank, a tab, a newline, a semicolon or a comma. Later places are ignored. With `comment_flag` a
+// word after a "#" does not count. A null `word` gives false and leaves `pos` unchanged.
 //
 // The line must end in a newline. Where the word is the end of the text,
 // std::out_of_range("basic_string::at") is thrown.
 VELK_API bool IsSearchString(const std::string& line, const char* word, uint32_t& pos,
                              bool comment_flag);
 
-// The same without looking at what stands around the word, and never in a comment: true when no "#"
-// stands in front of the first place. Throws nothing.
+// Like IsSearchString(), but ignores the characters around the word, and never in a comment: true
+// if no "#" precedes the first place. Throws nothing.
 VELK_API bool IsSearchWord(const std::string& line, const char* word, uint32_t& pos);
 
 // ---- DNS servers -------------------------------------------------------------------------------
 
 // DNS servers (command 108). They are the "nameserver" lines of /etc/resolv.dnsmasq.conf, which
 // the DNS forwarder dnsmasq(8) reads as its upstream servers in the form of resolv.conf(5). The
-// file is shared: eth0 and eth1 answer alike.
+// file is shared: eth0 and eth1 give the same answer.
 //
 // The data area holds three slots of 16 bytes, 48 bytes in all, each one server address as text,
-// such as "192.168.0.1". A text shorter than 16 bytes ends with a NUL; a slot whose 16th byte is
-// not NUL is a text of exactly 16 bytes. An empty slot (first byte NUL) ends the list.
+// such as "192.168.0.1". A text shorter than 16 bytes ends with a NUL; a slot without a NUL in its
+// 16th byte is a text of exactly 16 bytes. An empty slot (first byte NUL) ends the list.
 
 // Reads the first three servers into the slots of `out` (at least 48 bytes). A line counts when it
 // begins with "nameserver"; its second word is the address. A counted line without an address
@@ -178,7 +183,7 @@ VELK_API bool IsSearchWord(const std::string& line, const char* word, uint32_t& 
 VELK_API int GetDns(const _velk_request& request, char* out);
 
 // Replaces all servers by those in the slots of the request's data, up to the first empty slot.
-// `out` is not used. The texts are written as they stand, one "nameserver ADDRESS" line each.
+// `out` is not used. The texts are written unchanged, one "nameserver ADDRESS" line each.
 //
 // Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE when the file cannot be opened or written.
 // Side effects: /etc/resolv.dnsmasq.conf is rewritten in place (created when missing); everything

@@ -15,35 +15,35 @@ struct _velk_request;
 //   0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
 //
 // Every line that holds "ntpdate" is taken for such an entry, a comment too. It is active when no
-// "#" stands in front of "ntpdate".
+// "#" precedes "ntpdate".
 //
-// Editing is done as velk/frame.h says, and takes effect when cron(8) reads the crontab again.
+// Editing is done as velk/frame.h describes, and takes effect when cron(8) reads the crontab again.
 // Blocking: as long as reading or rewriting one small file.
 
 // ---- Commands ----------------------------------------------------------------------------------
 
 // Reads the setting of request.command_id into the data area `out` (512 bytes): method (6), server
-// (9) or last result (10). The formats stand at the functions below.
+// (9) or last result (10). The functions below describe the formats.
 //
-// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for a null `out` and for
+// Returns the result of the setting's function; LIB_VELK_INVALID_PARAMETER for a null `out` and for
 // any other id.
 VELK_API int GetNtp(const _velk_request& request, char* out);
 
-// Changes the setting of request.command_id to what request.data holds: method (6) or server (9).
+// Changes the setting of request.command_id to the value in request.data: method (6) or server (9).
 // `out` is not used.
 //
-// Returns what the setting's function returns; LIB_VELK_INVALID_PARAMETER for any other id.
+// Returns the result of the setting's function; LIB_VELK_INVALID_PARAMETER for any other id.
 VELK_API int SetNtp(const _velk_request& request, char* out);
 
 // ---- The crontab entry -------------------------------------------------------------------------
 
-// Writes into out[0] whether some entry is active: VELK_ON, or VELK_OFF when none is or there is
-// none. Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out`; LIB_VELK_FAILURE,
+// Writes into out[0] whether some entry is active: VELK_ON, or VELK_OFF if none is or there is no
+// entry. Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out`; LIB_VELK_FAILURE,
 // logged as "GetNtpMethod ifstream" with errno, when the crontab cannot be read.
 VELK_API int GetNtpMethod(const _velk_request& request, char* out);
 
-// Switches every entry by request.data[0]: VELK_ON deletes the line's first "#" when one stands in
-// front of "ntpdate", VELK_OFF puts one into column one when none does, and removes the result log
+// Switches every entry by request.data[0]: VELK_ON deletes the line's first "#" if one
+// precedes "ntpdate", VELK_OFF puts one into column one if none does, and removes the result log
 // with DeleteNtpLog(). `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS, also without an entry; LIB_VELK_INVALID_PARAMETER for any other byte,
@@ -62,38 +62,38 @@ VELK_API int GetNtpIp(const _velk_request& request, char* out);
 // redirection must be there. `out` is not used.
 //
 // Returns LIB_VELK_SUCCESS, also without an entry; LIB_VELK_FAILURE when a file cannot be opened.
-// Throws what ChangeNtpdate() throws, with the crontab as it was.
+// Throws the exceptions of ChangeNtpdate(); the crontab is then unchanged.
 // Side effects: edits /var/cron/tabs/root.
 VELK_API int SetNtpIp(const _velk_request& request, char* out);
 
-// Sets `server` to the server of a line: behind "ntpdate", the first word that begins with a letter
-// or a digit, as long as no word with ">" stands before it. Words are separated by blanks alone; a
-// newline belongs to its word. Leaves `server` as it was when there is none. Returns
+// Sets `server` to the server of a line: after "ntpdate", the first word that begins with a letter
+// or a digit, unless a word with ">" comes first. Words are separated by blanks alone; a
+// newline belongs to its word. Leaves `server` unchanged if there is none. Returns
 // LIB_VELK_SUCCESS.
 VELK_API int GetNtpdate(const std::string& line, std::string& server);
 
-// Replaces the first place at which the text of the line's server stands by `server`. A program
-// that passes on what others type must refuse a server whose text occurs earlier on the line, such
-// as "ntp" or "usr", and any set while the present server is such a one: the command that cron runs
+// Replaces the first occurrence of the text of the line's server by `server`. A program that takes
+// servers from its users must refuse a server with a text that occurs earlier on the line, such as
+// "ntp" or "usr", and any set while the present server is such a text: the command that cron runs
 // would be changed. A line
-// without a server gets it in front of the blank before the first ">", or of the ">" itself when no
-// blank stands between it and the line's first character. No blank is added: the server sticks to
-// the word in front unless two blanks stand before the ">". Behind the bare client it is still read
-// back then. Returns LIB_VELK_SUCCESS.
+// without a server gets it before the blank that precedes the first ">", or before the ">" itself
+// if there is no blank between it and the line's first character. No blank is added: the server is
+// joined to the preceding word unless two blanks precede the ">". After the bare client it is still
+// read back then. Returns LIB_VELK_SUCCESS.
 //
 // Throws std::out_of_range("basic_string::at") when the line has neither a server nor ">".
 VELK_API int ChangeNtpdate(std::string& line, const std::string& server);
 
 // ---- The result log ----------------------------------------------------------------------------
 
-// Writes into out[0] what the last line of the result log tells: VELK_NTP_REACHED when it holds
+// Writes into out[0] the result in the last line of the result log: VELK_NTP_REACHED if it holds
 // "time server" from its 12th character on, else VELK_NTP_NOT_REACHED, also for an empty log;
 // VELK_NTP_NO_RESULT when there is no log. Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER
 // for a null `out`.
 VELK_API int GetNtpCommunicate(const _velk_request& request, char* out);
 
-// Removes the result log with "rm /var/libvelk/ntp.log". What becomes of it is not
-// told; without a log rm(1) complains on the program's standard error.
+// Removes the result log with "rm /var/libvelk/ntp.log". The result is not reported;
+// without a log rm(1) writes an error to the program's standard error.
 VELK_API void DeleteNtpLog();
 
 #endif  // VELK_NTP_H_

@@ -15,12 +15,12 @@ struct _velk_request;
 //   byte 2  the time: hour and minute in decimal with ":" between them, such as "08:30", and a NUL
 
 // Reads the schedule of the updater's first line into the data area `out` (512 bytes), with the
-// time as it stands in the file, cut to 509 bytes, and of a number what the byte holds. Without
-// such a line that is VELK_SCHEDULE_NONE; with it and with VELK_SCHEDULE_HOURS the time is "00:00".
+// time as it is in the file, cut to 509 bytes, and a number cut to its byte. Without such a line
+// that is VELK_SCHEDULE_NONE; with it and with VELK_SCHEDULE_HOURS the time is "00:00".
 //
 // Returns LIB_VELK_SUCCESS; LIB_VELK_INVALID_PARAMETER for a null `out`; LIB_VELK_FAILURE when the
-// crontab cannot be read or the line names a month but no day, which no schedule of this library
-// does. Blocking: as long as reading one small file.
+// crontab cannot be read or the line names a month but no day, a schedule that this library never
+// writes. Blocking: as long as reading one small file.
 VELK_API int GetWebUp(const _velk_request& request, char* out);
 
 // Replaces the updater's lines by those of the schedule in request.data, as the last ones of the
@@ -31,8 +31,8 @@ VELK_API int GetWebUp(const _velk_request& request, char* out);
 //
 // Returns LIB_VELK_SUCCESS; LIB_VELK_FAILURE, with the crontab as it was, for a malformed time, an
 // unknown type, a day of the month outside 1 to 31, and when a file cannot be opened.
-// Side effects: edits /var/cron/tabs/root as velk/frame.h says. Blocking: as long as rewriting one
-// small file.
+// Side effects: edits /var/cron/tabs/root as velk/frame.h describes. Blocking: as long as rewriting
+// one small file.
 VELK_API int SetWebUp(const _velk_request& request, char* out);
 
 #endif  // VELK_WEBUP_H_

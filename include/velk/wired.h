@@ -1,4 +1,4 @@
-// wired.h - what the kernel and its tools say of an interface: link, addresses, gateway, speed.
+// wired.h - the state of an interface in the kernel: link, addresses, gateway, speed.
 #ifndef VELK_WIRED_H_
 #define VELK_WIRED_H_
 
@@ -8,37 +8,37 @@ struct _velk_request;
 struct ifreq;
 
 // Functions below that run a tool and read its output let it write into /var/tmp/get_result, which
-// is removed with rm(1) after reading; an empty one that was to tell of the link stays behind. They
+// is removed with rm(1) after reading; an empty one of a link query remains. They
 // take turns, in the order in which they came, through an advisory flock(2) on the folder /var/tmp
 // itself: each run of a tool may wait for others. A reader for whom nothing moves for 3 seconds, or
 // that has waited for 15, goes on without its turn.
 //
 // Only a regular file of the caller's with one name is written to or read at /var/tmp/get_result.
-// Where there is none, a new one of mode 0600 is made before the tool runs. Anything else that lies
-// there is removed first; where that is not possible, no tool is run, and the answer is the one for
-// a result that cannot be opened. A line that has more than 64 KB ends the reading.
+// If there is none, a new one of mode 0600 is made before the tool runs. Anything else at
+// that path is removed first; if that is not possible, no tool is run, and the answer is the one
+// for a result that cannot be opened. A line that has more than 64 KB ends the reading.
 
 // ---- Link ------------------------------------------------------------------------------------
 
-// Says whether the wired port eth0 has a link: 1, or 0 when it has none or nothing could be found
-// out. It never fails.
+// Returns whether the wired port eth0 has a link: 1, or 0 when it has none or nothing could be
+// found out. It never fails.
 //
 // Runs "sudo /usr/sbin/ethtool eth0 > /var/tmp/get_result" and looks for ethtool(8)'s "Link
 // detected:" line. A run without that line is followed by sleep(1) and the next one; after 60 runs
 // IsWiredLinkedFromSyslog() decides. A missing or empty result is logged as "IsWiredLinked
 // ifstream", giving up as "(ETHTOOL_RETRY - 1) == i)".
 //
-// Where /var/tmp cannot be written to, so that no tool can tell anything, the kernel's flag
+// Where /var/tmp cannot be written to, so that no tool can write a result, the kernel's flag
 // IFF_RUNNING of eth0 decides after that minute, see netdevice(7).
 //
 // Blocking: one run of ethtool as a rule; when it has no answer, a minute of sleep and 62 runs of
-// tools, each with its turn to wait for. A turn that is kept by somebody for ever is waited for in
-// the first run of ethtool only.
+// tools, each with its turn to wait for. A turn that another program never gives back is waited for
+// in the first run of ethtool only.
 VELK_API int IsWiredLinked();
 
-// The same answer from the kernel's last link message for eth0 in
+// Returns the link state of the kernel's last link message for eth0 in
 // /var/log/syslog/syslog_info.log.0 or, when that holds none, .1: lines with "eth0: link" that also
-// hold "link up" or "link down", found with grep(1). 0 when neither file tells. A file in which
+// hold "link up" or "link down", found with grep(1). 0 if neither file has one. A file in which
 // grep finds no "eth0: link" is logged as "Error ifs.".
 //
 // Blocking: two runs of grep at most, each with its turn to wait for.
@@ -48,32 +48,32 @@ VELK_API int IsWiredLinkedFromSyslog();
 
 // Reads the property of request.command_id for request.interface into the data area `out` (512
 // bytes): the MAC address (101), the link speed (201), and for direct callers also the live address
-// (104), mask (105) and default gateway (106). The formats stand at the functions below. An
+// (104), mask (105) and default gateway (106). The functions below describe the formats. An
 // interface name is cut to 15 bytes.
 //
-// Returns LIB_VELK_INVALID_PARAMETER for a null `out`. For "eth1" alone, whatever the id:
+// Returns LIB_VELK_INVALID_PARAMETER for a null `out`. For "eth1" alone, with any id:
 // LIB_VELK_NO_ADAPTER when IsWlanAttached() finds no adapter, then LIB_VELK_WIRED_LINKED when
 // IsWiredLinked() finds a link. Then 0 with nothing written for any other id, LIB_VELK_FAILURE,
-// logged as "socket", when no socket can be had, and what the property's function returns.
+// logged as "socket", if no socket can be opened, and the result of the property's function.
 //
 // Blocking: as the property's function; for "eth1" IsWiredLinked() comes before it.
 VELK_API int GetIoctl(const _velk_request& request, char* out);
 
-// Changes the property of request.command_id for request.interface to what request.data holds: one
-// byte for the link speed (201), and for direct callers a dotted-quad text, ended by its NUL or by
-// the end of the data, for the live address (104), mask (105) and default gateway (106). `out` is
-// not used. An interface name is cut to 15 bytes.
+// Changes the property of request.command_id for request.interface to the value in request.data:
+// one byte for the link speed (201), and for direct callers a dotted-quad text, ended by its NUL or
+// by the end of the data, for the live address (104), mask (105) and default gateway (106). `out`
+// is not used. An interface name is cut to 15 bytes.
 //
-// Returns what the property's function returns, 0 for any other id, LIB_VELK_FAILURE, logged as
-// "socket", when no socket can be had. Blocking: as the property's function.
+// Returns the result of the property's function, 0 for any other id, LIB_VELK_FAILURE, logged as
+// "socket", if no socket can be opened. Blocking: as the property's function.
 VELK_API int SetIoctl(const _velk_request& request, char* out);
 
 // ---- The properties ----------------------------------------------------------------------------
 //
 // Common to all of them: `socket` is any IPv4 socket, `ifr` carries the interface's name and is
 // scratch space otherwise, `request` is the code for ioctl(2), see netdevice(7). Each returns
-// LIB_VELK_SUCCESS when it has done what it says, and LIB_VELK_INVALID_PARAMETER for a null `out`
-// or `value`. Values are NUL-terminated and go into the command line as they stand; one that makes
+// LIB_VELK_SUCCESS on success, and LIB_VELK_INVALID_PARAMETER for a null `out`
+// or `value`. Values are NUL-terminated and go into the command line unchanged; one that makes
 // it longer than 255 bytes gives LIB_VELK_INVALID_PARAMETER with a log line, and nothing is run.
 // Commands are run by SystemCommand(): LIB_VELK_FAILURE when the shell cannot be run, while a tool
 // that fails is not noticed. Blocking: a system call, or the tools that are named.
@@ -105,12 +105,12 @@ VELK_API int SetSubNetMask(int socket, ifreq& ifr, int request, const char* valu
 // LIB_VELK_FAILURE, logged as "DelRoutingTable ifs", when the table cannot be read.
 VELK_API int GetDefGateway(int socket, ifreq& ifr, int request, char* out);
 
-// Replaces the default gateway: runs "sudo route del default gw OLD" with what GetDefGateway()
-// found (nothing behind "gw" when there was none), then "sudo route add default gw VALUE", see
-// route(8). A routing table that cannot be read is logged as "DelRoutingTable ifs" and skips the
-// deletion. When the shell for the deletion cannot be run, nothing is added; a value that makes the
-// second line too long is refused before the first is run. Returns the result of the last command
-// line.
+// Replaces the default gateway: runs "sudo route del default gw OLD" with the result of
+// GetDefGateway() (nothing after "gw" if there was none), then "sudo route add default gw VALUE",
+// see route(8). A routing table that cannot be read is logged as "DelRoutingTable ifs" and skips
+// the deletion. When the shell for the deletion cannot be run, nothing is added; a value that makes
+// the second line too long is refused before the first is run. Returns the result of the last
+// command line.
 VELK_API int SetDefGateway(int socket, ifreq& ifr, int request, const char* value);
 
 // Writes one byte, enum velk_link_mode, from the output of "sudo ethtool INTERFACE >
@@ -126,7 +126,7 @@ VELK_API int SetLinkSpeed(int socket, ifreq& ifr, int request, const char* value
 
 // ---- Read-back from ifconfig ------------------------------------------------------------------
 
-// Writes the value behind `key` in the block of request.interface in the output of "ifconfig >
+// Writes the value after `key` in the block of request.interface in the output of "ifconfig >
 // /var/tmp/get_result" into the data area `out` (512 bytes): the rest of the line up to its first
 // blank, cut to 511 bytes and NUL. The output form is that of net-tools before 2.0 and of busybox,
 // "inet addr:192.168.0.10  Bcast:192.168.0.255  Mask:255.255.255.0". The last match counts, and the

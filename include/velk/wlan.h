@@ -8,19 +8,20 @@
 #include <semaphore.h>
 
 #include "velk/export.h"
+#include "velk/request.h"
 
 struct _velk_request;
 
 // ---- Detection ---------------------------------------------------------------------------------
 
-// Says whether a supported USB wireless adapter is attached: 1 or 0. It never fails.
+// Returns whether a supported USB wireless adapter is attached: 1 or 0. It never fails.
 //
 // The kernel's list of attached devices, /proc/bus/usb/devices (the form of usbfs, kernel document
 // usb/proc_usb_info), is matched line by line against the text "QT4408RKM" and against every
 // adapter of the support list, /usr/local/share/apps/wlan/supportlist.ini: lines "VID=1a2b" and
-// "PID=3c4d" in hexadecimal, a vendor being in force for all products behind it; a product in front
-// of any has vendor 0. The number is read by strtoul(3) from the line's fifth character on, so the
-// key must stand in column one, and is compared as the kernel writes it, in lower case with four
+// "PID=3c4d" in hexadecimal. A vendor applies to all products after it; a product before any
+// vendor has vendor 0. The number is read by strtoul(3) from the line's fifth character on, so the
+// key must be in column one, and is compared as the kernel writes it, in lower case with four
 // digits at least: "Vendor=1a2b ProdID=3c4d". A support
 // list that cannot be read leaves the one text; a device list that cannot be read gives 0. Both
 // files are read afresh at every call. Logs nothing.
@@ -30,29 +31,29 @@ VELK_API int IsWlanAttached();
 
 // ---- Records -----------------------------------------------------------------------------------
 //
-// What the wireless daemon keeps, in its own layout and the device's byte order. A record that
+// The records of the wireless daemon, in its own layout and the device's byte order. A record that
 // comes from the daemon is data from outside: a length beyond its field makes a getter answer
 // LIB_VELK_FAILURE and write nothing, and a text without a NUL ends with its field.
 
 struct SWepKey {
     uint16_t length;  // 0, 5, 10, 13 or 26
-    char key[28];     // not NUL-terminated; behind the length lies what an older key left
+    char key[28];     // not NUL-terminated; bytes after the length are left from an older key
 };
 
 struct SMsgConf {
-    uint16_t ssid_length;  // 0 to 32
-    char ssid[32];         // not NUL-terminated
-    uint16_t service_set;  // 0 ad hoc, 1 infrastructure
+    uint16_t ssid_length;       // 0 to 32
+    char ssid[VELK_SSID_SIZE];  // not NUL-terminated
+    uint16_t service_set;       // 0 ad hoc, 1 infrastructure
     uint16_t dot11_phy_conf;
     uint16_t channel;  // 1 to 13
     uint16_t auth;
     uint16_t encryption;   // 1 is WEP; the other values are the daemon's
     uint16_t wep_default;  // number of the WEP key in use, 1 to 4
     char unused_46[2];     // sent back as it came
-    SWepKey wep_key[4];
-    uint16_t psk_length;  // 0 to 64
-    char psk[64];         // not NUL-terminated
-    char unused_234[2];   // sent back as it came
+    SWepKey wep_key[VELK_WEP_KEYS];
+    uint16_t psk_length;      // 0 to 64
+    char psk[VELK_PSK_SIZE];  // not NUL-terminated
+    char unused_234[2];       // sent back as it came
 };
 static_assert(sizeof(SWepKey) == 30);
 static_assert(offsetof(SMsgConf, ssid_length) == 0);
@@ -72,7 +73,7 @@ static_assert(sizeof(SMsgConf) == 236);
 
 struct SMsgState {
     char product[64];           // the adapter's USB product line, with "Rev= " and its revision
-    char software_version[32];  // of the daemon or its driver
+    char software_version[32];  // the version of the daemon or its driver
     uint16_t region;
     char unused_98[44];
     uint8_t access_point[6];  // MAC address
@@ -121,7 +122,7 @@ enum velk_wlan_message {
 //
 // The daemon sends its reply, with the keys in it, to any socket at the reply path once the
 // semaphore is posted. So RecvWlanConf(), GetWlanConf(), SetWlanConf() and GetWlanState() first
-// remove what another user has at /tmp/WlanAplFromWlanSock, and use no semaphore that another user
+// remove another user's file at /tmp/WlanAplFromWlanSock, and use no semaphore that another user
 // has made or may post, or that is posted already: they replace it by one with mode 0600. Where
 // that cannot be done they send nothing: LIB_VELK_FAILURE, and "QueryWlanDaemon remove" or
 // "QueryWlanDaemon sem_open" with errno in the log. The daemon must run as root or as the caller.
@@ -131,12 +132,12 @@ enum velk_wlan_message {
 // when the datagram was sent, LIB_VELK_FAILURE otherwise. Never waits for the daemon.
 VELK_API int SendWlanRequestMessage(short type, const UMsgData* body);
 
-// Binds /tmp/WlanAplFromWlanSock afresh, posts `ready` to tell the daemon so, and waits for one
-// message, whose body goes into `out`. The type of the reply is not looked at; what a short reply
-// lacks is zero. Returns LIB_VELK_SUCCESS or LIB_VELK_FAILURE; `out` is written on success alone.
-// The socket and its path are gone afterwards. The socket's file has mode 0600, whatever the umask:
-// only root and the caller send to it. A path that another user takes meanwhile is taken back, in
-// up to 100 tries.
+// Binds /tmp/WlanAplFromWlanSock afresh, posts `ready` to signal that to the daemon, and waits for
+// one message. Its body goes into `out`. The type of the reply is not checked; bytes that a short
+// reply lacks are zero. Returns LIB_VELK_SUCCESS or LIB_VELK_FAILURE; `out` is written on success
+// alone. The socket and its path are gone afterwards. The socket's file has mode 0600 with any
+// umask: only root and the caller send to it. A path that another user takes meanwhile is taken
+// back, in up to 100 tries.
 //
 // Blocking: up to 60 seconds; 1 second when bind(2) fails and the path is not the caller's, so that
 // the daemon finds the semaphore unposted before the caller deletes it.
@@ -147,7 +148,7 @@ VELK_API int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready);
 // Returns its handle, or null.
 VELK_API sem_t* CreatSemaphore();
 
-// Closes the handle and removes the name; both are tried whatever happens.
+// Closes the handle and removes the name; the second is done even if the first fails.
 VELK_API void DeleteSemaphore(const sem_t* sem);
 
 // ---- Configuration (commands 302 to 304, 306 to 312, 314, 318) ---------------------------------
@@ -159,21 +160,21 @@ VELK_API int RecvWlanConf(UMsgData& out);
 // Reads the field of request.command_id out of the daemon's configuration into the data area `out`
 // (512 bytes, zeroed by the caller: most texts get no terminator). Returns
 // LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_FAILURE when the daemon cannot be reached
-// or does not answer, then what the field's getter returns, or 0 with nothing written for any other
-// id. Blocking: up to 60 seconds.
+// or does not answer, then the result of the field's getter, or 0 with nothing written for any
+// other id. Blocking: up to 60 seconds.
 VELK_API int GetWlanConf(const _velk_request& request, char* out);
 
 // Fetches the daemon's configuration, changes the field of request.command_id to the request's data
 // and sends the whole record back; for any other id the record goes back unchanged. `out` is not
-// used. Returns what the field's setter returns when that is not 0 (nothing is sent then),
+// used. Returns the result of the field's setter if that is not 0 (nothing is sent then),
 // LIB_VELK_FAILURE when the daemon does not answer or cannot be reached. Fetching and sending are
 // not one step for the daemon. Blocking: up to 60 seconds.
 VELK_API int SetWlanConf(const _velk_request& request, char* out);
 
 // One getter and setter for each field. A getter returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for
-// a null `out` and for a value of the record outside its range, nothing being written but where it
-// says so. A setter returns LIB_VELK_SUCCESS, or LIB_VELK_INVALID_PARAMETER for a null `in` and an
-// invalid value; the record is then unchanged. None blocks, logs or touches anything else.
+// a null `out` and for a value of the record outside its range, nothing being written unless stated
+// otherwise. A setter returns LIB_VELK_SUCCESS, or LIB_VELK_INVALID_PARAMETER for a null `in` and
+// an invalid value; the record is then unchanged. None blocks, logs or touches anything else.
 // "Byte" is the first data byte. A getter needs as much room in `out` as it is said to write; text
 // in `in` ends with a NUL or after 512 bytes.
 
@@ -187,7 +188,7 @@ VELK_API int SetServiceSet(SMsgConf& conf, const char* in);
 // SSID: text of 0 to 32 bytes, written without a terminator.
 VELK_API int GetSsid(const SMsgConf& conf, char* out);
 VELK_API int SetSsid(SMsgConf& conf, const char* in);
-// Channel: byte 1 to 13. The getter writes the low byte whatever it is.
+// Channel: byte 1 to 13. The getter writes the low byte unchecked.
 VELK_API int GetChannel(const SMsgConf& conf, char* out);
 VELK_API int SetChannel(SMsgConf& conf, const char* in);
 // Encryption: byte 1 to 4 for the record's 0 to 3; 2 is WEP.
@@ -196,7 +197,7 @@ VELK_API int SetEncryption(SMsgConf& conf, const char* in);
 // Authentication: byte 1 to 4 for the record's 0 to 3.
 VELK_API int GetAuth(const SMsgConf& conf, char* out);
 VELK_API int SetAuth(SMsgConf& conf, const char* in);
-// Default WEP key: byte 1 to 4. The getter writes the low byte whatever it is.
+// Default WEP key: byte 1 to 4. The getter writes the low byte unchecked.
 VELK_API int GetWepDefault(const SMsgConf& conf, char* out);
 VELK_API int SetWepDefault(SMsgConf& conf, const char* in);
 // Pre-shared key: text of 0 to 64 bytes, written with a terminator.
@@ -223,15 +224,15 @@ VELK_API int SetWepKey4(SMsgConf& conf, const char* in);
 // bytes, zeroed by the caller). Returns LIB_VELK_INVALID_PARAMETER for a null `out`,
 // LIB_VELK_NO_ADAPTER when no supported adapter is attached, then LIB_VELK_WIRED_LINKED while the
 // wired port has a link, then LIB_VELK_FAILURE when the daemon cannot be reached or does not
-// answer, then what the fact's getter returns, or 0 with nothing written for any other id.
+// answer, then the result of the fact's getter, or 0 with nothing written for any other id.
 // Blocking: up to a minute for the link, see IsWiredLinked(), and 60 seconds for the daemon.
 VELK_API int GetWlanState(const _velk_request& request, char* out);
 
 // One getter for each fact. Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for a null `out` and for
 // an unknown value of the record.
 
-// Hardware version: the text behind "Rev= " of the product line, 60 bytes with its NUL at most;
-// nothing when it holds none.
+// Hardware version: the text after "Rev= " in the product line, 60 bytes with its NUL at most;
+// nothing is written if there is none.
 VELK_API int GetHardwareVersion(const SMsgState& state, char* out);
 // Software version: text, 33 bytes with its NUL at most.
 VELK_API int GetSoftwareVersion(const SMsgState& state, char* out);

@@ -1,21 +1,21 @@
-// command_output.cpp - runs a shell line and reads what it wrote into the result file.
+// command_output.cpp - runs a shell line and reads its output from the result file.
 #include "lib/base/command_output.h"
 
 #include <utility>
 
 #include "lib/base/paths.h"
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
-// No tool prints such a line. A planted file without a newline must not fill the memory.
+// No tool prints a longer line. A planted file without a newline must not fill the memory.
 constexpr size_t kLongestLine = 64 * 1024;
 
 }  // namespace
 
-CommandOutput::CommandOutput(const CommandLine& command, ReadersTurn::Patience patience)
-    : turn_(patience), run_result_(Run(command)) {
+CommandOutput::CommandOutput(const CommandLine& command, ReadersTurn::WaitMode wait_mode)
+    : turn_(wait_mode), run_result_(Run(command)) {
 }
 
 int CommandOutput::Run(const CommandLine& command) {
@@ -23,7 +23,7 @@ int CommandOutput::Run(const CommandLine& command) {
         return command.Run();
     }
     if (!PrepareResultFile()) {
-        return LIB_VELK_SUCCESS;  // the same as a line that leaves no file
+        return LIB_VELK_SUCCESS;  // the same as for a line that creates no file
     }
     const int result = command.Run();
     UniqueFd file = OpenResultFile();

@@ -1,4 +1,4 @@
-// command_output.h - runs a shell line and reads what it wrote into the result file.
+// command_output.h - runs a shell line and reads its output from the result file.
 #ifndef VELK_BASE_COMMAND_OUTPUT_H_
 #define VELK_BASE_COMMAND_OUTPUT_H_
 
@@ -13,24 +13,24 @@
 
 namespace velk {
 
-// The output of one command line, from running it to removing the result file. A command line that
-// fails is not noticed: its output is empty.
+// The output of one command line, from running it to removing the result file. A failing command is
+// not detected: its output is empty.
 class CommandOutput {
   public:
     // The line must redirect its output into kResultFile.
     explicit CommandOutput(const CommandLine& command,
-                           ReadersTurn::Patience patience = ReadersTurn::Patience::kThreeSeconds);
+                           ReadersTurn::WaitMode wait_mode = ReadersTurn::WaitMode::kInQueue);
 
-    // 0, or why the shell was not run, as CommandLine::Run() says it. 0 also where the line was not
-    // run because the result file cannot be the caller's own.
+    // Returns 0, or the result of CommandLine::Run() if the shell was not run. Also 0 if the line
+    // was not run because the result file cannot be the caller's own.
     int run_result() const { return run_result_; }
-    // The result file is there and can be read.
+    // Returns true if the result file exists and can be read.
     bool is_open() const { return reader_.has_value() && reader_->is_open(); }
     bool is_empty() const { return is_open() && reader_->is_empty(); }
 
-    ReadersTurn::Patience patience_left() const { return turn_.patience_left(); }
+    ReadersTurn::WaitMode next_wait_mode() const { return turn_.next_wait_mode(); }
 
-    bool Next(std::string_view& line) { return reader_->Next(line); }
+    bool ReadLine(std::string_view& line) { return reader_->ReadLine(line); }
 
     // Closes the result file and removes it. Without this call it stays for the next reader to
     // overwrite.

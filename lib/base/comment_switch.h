@@ -8,11 +8,11 @@
 
 namespace velk {
 
-// True when a "#" stands in front of `position` or there. With npos any "#" counts.
+// Returns true if the line has a "#" at or before `position`. With npos any "#" counts.
 bool IsCommentedOut(std::string_view line, size_t position);
 
-// The line with what is at `position` switched on or off: on deletes the first "#", off puts one
-// into column one, before the indentation. A line that is switched so already stays as it is.
+// Returns the line with the text at `position` switched on or off. On deletes the first "#"; off
+// puts one into column one, before the indentation. A line already in that state is unchanged.
 std::string SwitchLine(std::string_view line, size_t position, bool on);
 
 }  // namespace velk

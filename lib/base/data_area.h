@@ -3,14 +3,15 @@
 #define VELK_BASE_DATA_AREA_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 
-// The text in a fixed field: up to its NUL, or the whole field when it holds none.
+// Returns the text in a fixed field: up to its NUL, or the whole field if it has none.
 template <size_t kSize>
 std::string_view FieldText(const char (&field)[kSize]) {
     return {field, strnlen(field, kSize)};
@@ -27,6 +28,9 @@ void PutFieldText(char (&field)[kSize], std::string_view text) {
 inline void PutText(char* out, std::string_view text) {
     PutFieldText(*reinterpret_cast<char(*)[VELK_DATA_SIZE]>(out), text);
 }
+
+// Writes 12 upper-case hexadecimal digits without separators, and a NUL.
+void PutMac(char* out, const uint8_t (&mac)[6]);
 
 }  // namespace velk
 

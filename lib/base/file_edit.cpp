@@ -7,31 +7,31 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "lib/base/caller.h"
 #include "lib/base/file_io.h"
-#include "lib/base/lock.h"
+#include "lib/base/inherited_lock.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/target_guard.h"
-#include "velk.h"
+#include "lib/base/users.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
-constexpr mode_t kCopyMode = 0600;  // nobody else changes it, or reads a crontab in it
-// The real user's shell has to read it where the effective user is another.
+constexpr mode_t kCopyMode = 0600;  // no other user changes it, or reads a crontab in it
+// The real user's shell must read it if the effective user is another.
 constexpr mode_t kCopyModeForTwoUsers = 0644;
 
 // Texts up to this size are gathered before they are written, so that a file of usual size is
-// written at once. Longer ones, runs of kept lines, are written from where they are.
+// written at once. Longer ones, runs of kept lines, are written directly.
 constexpr size_t kGatheredSize = 4 * 1024;
 
 std::string CopyPath(const std::string& target) {
     return kEditFolder + target.substr(target.rfind('/'));
 }
 
-// Its mode is the same whatever the umask: cat(1) must be able to read it.
+// Its mode does not depend on the umask: cat(1) must be able to read it.
 int CreateCopy(const std::string& path) {
     const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCopyMode);
     if (fd != -1) {
@@ -40,8 +40,8 @@ int CreateCopy(const std::string& path) {
     return fd;
 }
 
-// Always makes a new file. Everybody may write the folder: what lies there already may be a link to
-// any file of the system, or belong to somebody who changes the edit on its way.
+// Always creates a new file. All users may write to the folder: an existing file may be a link to
+// any file of the system, or belong to a user who changes the edit before it is put in place.
 int OpenCopy(const std::string& path) {
     const int fd = CreateCopy(path);
     if (fd != -1 || errno != EEXIST) {
@@ -60,18 +60,18 @@ FileEdit::FileEdit(const std::string& target)
       copy_error_(copy_.get() == -1 ? errno : 0) {
 }
 
-bool FileEdit::Next(std::string_view& line) {
-    if (reader_.NextHeld(line)) {
+bool FileEdit::ReadLine(std::string_view& line) {
+    if (reader_.TakeBufferedLine(line)) {
         return true;
     }
-    EndRun();  // the reader is about to read over it
-    return reader_.NextWithNewline(line);
+    EndRun();  // the reader is about to overwrite it
+    return reader_.ReadFullLine(line);
 }
 
-bool FileEdit::NextWith(std::string_view start, std::string_view& line) {
+bool FileEdit::KeepLinesBefore(std::string_view start, std::string_view& line) {
     for (;;) {
-        Keep(reader_.TakeHeldUpTo(start));
-        if (!Next(line)) {
+        Keep(reader_.TakeBufferedLinesBefore(start));
+        if (!ReadLine(line)) {
             return false;
         }
         if (line.starts_with(start)) {
@@ -81,8 +81,8 @@ bool FileEdit::NextWith(std::string_view start, std::string_view& line) {
     }
 }
 
-// A run and the line behind it lie in the reader's one block, or the run has ended: Next() ends it
-// before the block is read anew. So their ends can be compared.
+// A run and the line after it are in the reader's one block, or the run has ended: ReadLine() ends
+// it before the block is overwritten. So their ends can be compared.
 void FileEdit::Keep(std::string_view line) {
     if (run_.end() != line.begin()) {
         EndRun();
@@ -104,14 +104,14 @@ int FileEdit::Finish() {
     const UniqueFd whole_copy = CloseCopy();
     if (write_error_ != 0) {
         LogErrno("FileEdit write errno=%d:%s", write_error_);
-        (void)unlink(copy_path_.c_str());  // half an edit is of no use, and the folder may be full
+        (void)unlink(copy_path_.c_str());  // half an edit is useless, and the folder may be full
         return LIB_VELK_FAILURE;
     }
     return PutInPlace(whole_copy.get());
 }
 
-// Closes the edit copy, which may show that it was not written in full. Returns another descriptor
-// of it: the text can be read through that whatever becomes of the name.
+// Closes the edit copy; an error shows that it was not written in full. Returns another descriptor
+// of it: the text can be read through that even if the name is removed.
 UniqueFd FileEdit::CloseCopy() {
     UniqueFd kept(fcntl(copy_.get(), F_DUPFD_CLOEXEC, 0));
     const bool is_kept = kept.get() != -1;
@@ -122,26 +122,27 @@ UniqueFd FileEdit::CloseCopy() {
     return kept;
 }
 
-// The lines of FileCopyAndDelete(), with a look at the file between them.
+// Runs the lines of FileCopyAndDelete(), and checks the file between them.
 int FileEdit::PutInPlace(int whole_copy) {
     const CommandLine copying = CopyingLine(copy_path_, target_);
     TargetGuard guard(target_, whole_copy);
     InheritedLock lock;
     (void)copying.Run();
-    if (const int error = guard.Mend(); error != 0) {
+    if (const int error = guard.Repair(); error != 0) {
         LogErrno("FileEdit mend errno=%d:%s", error);
-        return LIB_VELK_FAILURE;  // the edit copy has the only whole text, and stays
+        return LIB_VELK_FAILURE;  // the edit copy stays: it has the only whole text
     }
     if (!copying.fits()) {
         return LIB_VELK_SUCCESS;
     }
     (void)RemovingLine(copy_path_).Run();
-    if (guard.has_mended()) {
+    if (guard.has_repaired()) {
         Log("FileEdit mended %s", target_.c_str());
         lock.LeaveToTools();
     }
-    // The line that removes the copy may have failed as well, and cannot remove it as another user.
-    if (guard.has_mended() || HasTwoUsers()) {
+    // The line that removes the copy may have failed as well: another user's shell cannot remove
+    // it.
+    if (guard.has_repaired() || HasTwoUsers()) {
         (void)unlink(copy_path_.c_str());
     }
     return LIB_VELK_SUCCESS;

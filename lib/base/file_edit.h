@@ -10,15 +10,15 @@
 
 namespace velk {
 
-// One rewrite of a file: its lines are handed out, what is written goes into the edit copy
+// One rewrite of a file. Its lines are read, new text is written into the edit copy
 // /var/tmp/<base name>, and Finish() copies that over the file. Copying in place keeps the file's
-// inode, owner and mode, and a file that programs have open stays theirs.
+// inode, owner and mode, and programs that have the file open see the new text.
 //
-// An edit that is given up before Finish() leaves the file as it was, and its edit copy behind for
-// the next edit to replace.
+// An edit that ends before Finish() leaves the file unchanged. Its edit copy remains until the next
+// edit replaces it.
 class FileEdit {
   public:
-    // Opens the file, then a new edit copy, whether or not the file opened.
+    // Opens the file, then creates a new edit copy, even if the file could not be opened.
     explicit FileEdit(const std::string& target);
 
     bool is_open() const { return target_error() == 0 && copy_error() == 0; }
@@ -27,22 +27,23 @@ class FileEdit {
     int copy_error() const { return copy_error_; }
 
     // Sets `line` to the file's next line with its "\n", valid until the next call. A last line
-    // without one is given one. False at the end of the file.
-    bool Next(std::string_view& line);
-    // Keeps the lines up to the next one that begins with `start`, and sets `line` to that one.
-    bool NextWith(std::string_view start, std::string_view& line);
+    // without one gets one. Returns false at the end of the file.
+    bool ReadLine(std::string_view& line);
+    // Keeps the lines before the next one that begins with `start`, and sets `line` to that line.
+    // Returns false if no line begins so.
+    bool KeepLinesBefore(std::string_view start, std::string_view& line);
 
-    // Adds the line that Next() handed out last, or its front, to the edit copy. Lines kept one
-    // after the other are written as one piece.
+    // Adds the last line that was read, or its front, to the edit copy. Lines kept one after the
+    // other are written as one piece.
     void Keep(std::string_view line);
-    // Adds any text to the edit copy as it stands.
+    // Adds any text to the edit copy unchanged.
     void Write(std::string_view text);
 
-    // Closes both files and puts the edit copy in place. A file that the copying has cut is mended.
-    // Returns LIB_VELK_SUCCESS also where nothing was copied and the file is as it was.
-    // LIB_VELK_FAILURE, after logging it, when the edit copy could not be written in full: it is
-    // removed and the file left as it was; and when a cut file could not be mended: the edit copy
-    // stays.
+    // Closes both files and puts the edit copy in place. A file that the copying has truncated is
+    // repaired. Returns LIB_VELK_SUCCESS also if nothing was copied and the file is unchanged.
+    // Returns LIB_VELK_FAILURE, after a log line, in two cases. If the edit copy could not be
+    // written in full, it is removed and the file is unchanged. If a truncated file could not be
+    // repaired, the edit copy stays.
     int Finish();
 
   private:
@@ -58,8 +59,8 @@ class FileEdit {
     LineReader reader_;
     UniqueFd copy_;
     const int copy_error_;
-    std::string_view run_;  // of kept lines, in the reader's block
-    std::string pending_;   // in front of it, and not in the edit copy yet
+    std::string_view run_;  // the last kept lines, in the reader's block
+    std::string pending_;   // the text before run_ that is not written yet
     int write_error_ = 0;
 };
 

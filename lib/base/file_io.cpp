@@ -22,7 +22,7 @@ bool WriteAll(int fd, std::string_view text) {
             continue;
         }
         if (count == 0) {
-            errno = EIO;  // what write(2) has no word for
+            errno = EIO;  // write(2) sets none
         }
         if (count <= 0) {
             return false;

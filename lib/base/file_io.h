@@ -9,10 +9,10 @@
 
 namespace velk {
 
-// Reads what is there, at most `size` bytes, as read(2) does but never interrupted by a signal.
+// Reads at most `size` bytes like read(2), but is never interrupted by a signal.
 ssize_t ReadSome(int fd, char* buffer, size_t size);
 
-// Writes the whole text; false, with errno saying why, when that fails.
+// Writes the whole text. Returns false with errno on failure.
 bool WriteAll(int fd, std::string_view text);
 
 }  // namespace velk

@@ -17,7 +17,7 @@
 namespace velk {
 namespace {
 
-// Enough for a configuration file of usual size, and little enough that the heap of a small program
+// Enough for a configuration file of usual size, and small enough that the heap of a small program
 // neither grows nor shrinks for it.
 constexpr size_t kFirstSize = 4 * 1024;
 constexpr size_t kBlockSize = 64 * 1024;  // for files that are larger
@@ -62,19 +62,19 @@ void LineReader::ReadFirstBlock() {
     is_empty_ = at_end_ && error_ == 0;
 }
 
-bool LineReader::Next(std::string_view& line) {
-    if (!NextWithNewline(line)) {
+bool LineReader::ReadLine(std::string_view& line) {
+    if (!ReadFullLine(line)) {
         return false;
     }
     line.remove_suffix(1);
     return true;
 }
 
-bool LineReader::NextHeld(std::string_view& line) {
+bool LineReader::TakeBufferedLine(std::string_view& line) {
     return begin_ < end_ && TakeLine(begin_, line);
 }
 
-// Hands out the next line when its "\n" stands at `searched` or behind it.
+// Sets `line` to the next line if its "\n" is at `searched` or later.
 bool LineReader::TakeLine(size_t searched, std::string_view& line) {
     const void* newline = memchr(&block_[searched], '\n', end_ - searched);
     if (newline == nullptr) {
@@ -86,23 +86,23 @@ bool LineReader::TakeLine(size_t searched, std::string_view& line) {
     return true;
 }
 
-std::string_view LineReader::TakeHeldUpTo(std::string_view start) {
+std::string_view LineReader::TakeBufferedLinesBefore(std::string_view start) {
     const std::string_view held(block_.get() + begin_, end_ - begin_);
     if (held.empty() || held.starts_with(start)) {
         return {};
     }
-    const std::string behind_newline = std::string("\n").append(start);
+    const std::string after_newline = std::string("\n").append(start);
     const void* found =
-        memmem(held.data(), held.size(), behind_newline.data(), behind_newline.size());
+        memmem(held.data(), held.size(), after_newline.data(), after_newline.size());
     const size_t last = found == nullptr
                             ? held.rfind('\n')
                             : static_cast<size_t>(static_cast<const char*>(found) - held.data());
-    const std::string_view lines = held.substr(0, last + 1);  // none when there is no newline
+    const std::string_view lines = held.substr(0, last + 1);  // empty if there is no newline
     begin_ += lines.size();
     return lines;
 }
 
-bool LineReader::NextFromFile(std::string_view& line) {
+bool LineReader::LoadLine(std::string_view& line) {
     for (;;) {
         const size_t held = end_ - begin_;
         if (held >= longest_line_) {
@@ -113,14 +113,14 @@ bool LineReader::NextFromFile(std::string_view& line) {
         if (at_end_ || !Fill()) {
             return TakeRest(line);
         }
-        if (TakeLine(begin_ + held, line)) {  // what was held has no "\n"
+        if (TakeLine(begin_ + held, line)) {  // the bytes before have no "\n"
             return true;
         }
     }
 }
 
-// Hands out what no "\n" ends. There is room for one: the read that found the end of the file was
-// offered at least a byte.
+// Sets `line` to the rest of the file, which has no "\n". There is room for one: the read that
+// found the end of the file asked for at least a byte.
 bool LineReader::TakeRest(std::string_view& line) {
     const size_t held = end_ - begin_;
     if (held == 0) {
@@ -132,8 +132,7 @@ bool LineReader::TakeRest(std::string_view& line) {
     return true;
 }
 
-// Reads one more block behind what is held. False, with errno saying why (0: end of file), when
-// nothing came.
+// Reads more bytes into the block. Returns false with errno (0: end of file) if there are none.
 bool LineReader::Fill() {
     MakeRoom();
     const ssize_t count = ReadSome(fd_.get(), &block_[end_], size_ - end_);
@@ -148,8 +147,8 @@ bool LineReader::Fill() {
     return false;
 }
 
-// Moves what is held to the front of the block. A larger one takes the place of the first block
-// when the file has filled it, and of any block that a line fills.
+// Moves the unread bytes to the front of the block. A larger block replaces the first block once
+// the file has filled it, and any block that a line fills.
 void LineReader::MakeRoom() {
     const size_t held = end_ - begin_;
     const bool is_first_filled = size_ < kBlockSize && end_ == size_;

@@ -7,8 +7,8 @@ namespace velk {
 // Writes one line to syslog(3) at priority LOG_NOTICE.
 [[gnu::format(printf, 1, 2)]] void Log(const char* format, ...);
 
-// Writes one line whose format ends in "errno=%d:%s": the number and its text. The caller saves
-// errno right behind the call that failed, before anything else can change it.
+// Writes one line with a format that ends in "errno=%d:%s", the number and its text. The caller
+// saves errno directly after the call that failed, before anything else can change it.
 void LogErrno(const char* format, int error);
 
 }  // namespace velk

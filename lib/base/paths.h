@@ -21,6 +21,9 @@ inline constexpr char kClockSetter[] = "/usr/bin/ntpdate";
 inline constexpr char kFinishNotice[] = "/sbin/printdhcpnotice.pl";
 inline constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
 
+// The init script of the SNMP agent.
+inline constexpr char kSnmpScript[] = "/etc/init.d/snmpd";
+
 // The wireless adapters that the device supports, and the attached USB devices.
 inline constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";

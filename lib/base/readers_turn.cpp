@@ -21,16 +21,16 @@ namespace velk {
 namespace {
 
 // flock(2) has no time-out, so the lock is tried again after each pause. 1,500 pauses without any
-// change are 3 seconds. 7,500 are 15 seconds, the longest wait: whoever goes on without a turn
-// makes changes, too, and must not keep all others waiting.
+// change are 3 seconds. 7,500 are 15 seconds, the longest wait: a reader that goes on without its
+// turn also makes changes and must not keep all others waiting.
 constexpr std::chrono::milliseconds kPause{2};
 constexpr int kPausesOfStandstill = 1500;
 constexpr int kPausesOfAll = 7500;
 
 constexpr off_t kWholeQueue = 0;  // the length that fcntl(2) takes for "up to the end"
 
-// The time of arrival in milliseconds, never 0. It fits an off_t of 32 bits and starts again after
-// 24 days, which costs a reader who waits just then its place in the queue and nothing else.
+// Returns the time of arrival in milliseconds, never 0. It fits an off_t of 32 bits and restarts
+// after 24 days. A reader that waits at that moment loses its place in the queue and nothing else.
 off_t PlaceOfArrival() {
     constexpr long long kPlaces = 0x7FFFFFFE;
     timespec now{};
@@ -38,8 +38,8 @@ off_t PlaceOfArrival() {
     return static_cast<off_t>((now.tv_sec * 1000LL + now.tv_nsec / 1000000) % kPlaces + 1);
 }
 
-// Counts the pauses since the result file was last replaced, written or removed, and all of them.
-// Files of other users do not count: one who keeps the lock could make and remove them for ever.
+// Counts all pauses, and those since the result file was last replaced, written or removed. Files
+// of other users do not count: a user who keeps the lock could create and remove them for ever.
 class WaitingTime {
   public:
     explicit WaitingTime(int folder) : folder_(folder), seen_(Look()) {}
@@ -80,12 +80,12 @@ class WaitingTime {
 
 }  // namespace
 
-ReadersTurn::ReadersTurn(Patience patience)
-    : folder_(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), patience_left_(patience) {
-    if (folder_.get() == -1 || Takes(kWholeQueue)) {
+ReadersTurn::ReadersTurn(WaitMode wait_mode)
+    : folder_(open(kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)), next_wait_mode_(wait_mode) {
+    if (folder_.get() == -1 || TryTake(kWholeQueue)) {
         return;
     }
-    if (patience == Patience::kThreeSeconds) {
+    if (wait_mode == WaitMode::kInQueue) {
         Queue();
     }
 }
@@ -96,7 +96,7 @@ ReadersTurn::~ReadersTurn() {
     }
 }
 
-// Those ahead of a place have locked a byte in front of it.
+// Readers ahead of a place have locked a byte before it.
 bool ReadersTurn::IsAnybodyAhead(off_t place) const {
     struct flock ahead {};
     ahead.l_type = F_WRLCK;
@@ -104,18 +104,18 @@ bool ReadersTurn::IsAnybodyAhead(off_t place) const {
     return fcntl(folder_.get(), F_OFD_GETLK, &ahead) == 0 && ahead.l_type != F_UNLCK;
 }
 
-// True when nothing is to be waited for any more: the lock is held, or the folder cannot be locked.
-bool ReadersTurn::Takes(off_t place) const {
+// Returns true if the wait is over: the lock is held, or the folder cannot be locked.
+bool ReadersTurn::TryTake(off_t place) const {
     if (IsAnybodyAhead(place)) {
         return false;
     }
     return flock(folder_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-// False when nothing has moved for 3 seconds, or 15 seconds are over.
-bool ReadersTurn::Waits(off_t place) const {
+// Returns false if nothing changed for 3 seconds, or after 15 seconds.
+bool ReadersTurn::WaitForTurn(off_t place) const {
     WaitingTime time(folder_.get());
-    while (!Takes(place)) {
+    while (!TryTake(place)) {
         if (time.IsOver()) {
             return false;
         }
@@ -127,8 +127,8 @@ bool ReadersTurn::Waits(off_t place) const {
 void ReadersTurn::Queue() {
     const off_t place = PlaceOfArrival();
     MarkPlace(place, F_RDLCK);
-    if (!Waits(place)) {
-        patience_left_ = Patience::kNone;
+    if (!WaitForTurn(place)) {
+        next_wait_mode_ = WaitMode::kNoWait;
     }
     MarkPlace(place, F_UNLCK);
 }

@@ -9,20 +9,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "lib/base/caller.h"
 #include "lib/base/paths.h"
+#include "lib/base/users.h"
 
 namespace velk {
 namespace {
 
-constexpr mode_t kResultMode = 0600;  // whatever the umask
-constexpr int kTries = 16;            // against somebody who plants files all the time
+constexpr mode_t kResultMode = 0600;  // with any umask
+constexpr int kTries = 16;            // another user may plant files all the time
 
-// The time of a new file. The shell sets it anew when it opens the file, so that this one is only
-// left where no shell was started.
+// The time of a new file. The shell changes it when it opens the file, so it only remains if no
+// shell was started.
 constexpr timespec kUnwritten[2] = {};
 
-// Makes a new file. Returns false with errno when that fails.
+// Creates a new file. Returns false with errno on failure.
 bool CreateResultFile() {
     const UniqueFd fd(
         open(kResultFile, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kResultMode));
@@ -34,7 +34,7 @@ bool CreateResultFile() {
     return true;
 }
 
-// A folder that is not empty is moved out of the way: to empty it might take for ever.
+// A folder that is not empty is renamed: emptying it might take for ever.
 bool RemoveFolder() {
     if (rmdir(kResultFile) == 0) {
         return true;
@@ -69,15 +69,15 @@ bool IsOwnResultFile(const struct stat& facts) {
 
 bool PrepareResultFile() {
     for (int i = 0; i < kTries; ++i) {
-        // The shell of a caller with two users runs as the real one, who could not write into a new
-        // file of the effective one.
+        // The shell of a caller with two users runs as the real user, who could not write into a
+        // new file of the effective user.
         const bool is_made = !HasTwoUsers() && CreateResultFile();
         if (is_made) {
             return true;
         }
         struct stat facts {};
         if (fstatat(AT_FDCWD, kResultFile, &facts, AT_SYMLINK_NOFOLLOW) == -1) {
-            return true;  // nothing is there, and the shell will find out why nothing can be made
+            return true;  // no file is there; the shell reports why it cannot be created
         }
         if (IsOwnResultFile(facts)) {
             return true;
@@ -95,7 +95,7 @@ UniqueFd OpenResultFile() {
         return fd;
     }
     struct stat facts {};
-    (void)fstat(fd.get(), &facts);  // of an open file
+    (void)fstat(fd.get(), &facts);  // cannot fail on an open file
     if (!IsOwnResultFile(facts)) {
         return Refused(EPERM);
     }

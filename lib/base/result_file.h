@@ -8,22 +8,22 @@
 
 namespace velk {
 
-// One name for all readers. Everybody may write the folder, so what lies there may belong to
-// somebody else, or be a link, a FIFO or a folder.
+// One name for all readers. All users may write to the folder, so the file may belong to another
+// user, or be a link, a FIFO or a folder.
 constexpr char kResultFileName[] = "get_result";
 
-// True for a regular file of the caller's own with one name.
+// Returns true for a regular file of the caller's own with one name.
 bool IsOwnResultFile(const struct stat& facts);
 
-// Sees to it that the shell writes into a regular file of the caller's own with this one name.
-// A file of this kind stays as it is; where there is none, a new one is made, so that nobody can
-// plant another just before the shell opens it. Anything else is removed. Returns false where that
-// is not possible: then no command line must be run.
+// Ensures that the shell writes into a regular file of the caller's own with this one name. Such a
+// file stays as it is. If there is none, a new one is created, so that no user can plant another
+// before the shell opens it. Anything else is removed. Returns false if that is not possible: then
+// no command line may be run.
 bool PrepareResultFile();
 
 // Opens the result file for reading, without following a link and without waiting for a writer.
-// Returns -1 with errno when that fails, when the file is not the caller's own, or when no shell
-// has written into the one that PrepareResultFile() made, which is removed.
+// Returns -1 with errno on failure, or if the file is not the caller's own. Returns -1 too if no
+// shell has written into the file that PrepareResultFile() created, and removes that file.
 UniqueFd OpenResultFile();
 
 }  // namespace velk

@@ -1,4 +1,4 @@
-// shell.cpp - shell lines, and putting an edited copy in place with them.
+// shell.cpp - formatted shell lines, and those that put an edit copy in place.
 #include "lib/base/shell.h"
 
 #include <cerrno>
@@ -7,7 +7,8 @@
 #include <cstdlib>
 
 #include "lib/base/log.h"
-#include "velk.h"
+#include "velk/frame.h"
+#include "velk/request.h"
 
 namespace velk {
 
@@ -37,19 +38,12 @@ CommandLine RemovingLine(const std::string& source) {
 
 }  // namespace velk
 
+using namespace velk;
+
 int SystemCommand(const char* command) {
     if (system(command) == -1) {  // NOLINT(concurrency-mt-unsafe): with threads too, in glibc
-        velk::LogErrno("system errno=%d:%s", errno);
+        LogErrno("system errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
     return LIB_VELK_SUCCESS;
-}
-
-int FileCopyAndDelete(const std::string& source, const std::string& target) {
-    const velk::CommandLine copying = velk::CopyingLine(source, target);
-    const int copied = copying.Run();
-    if (!copying.fits()) {
-        return copied;  // never remove an edit that could not even be tried
-    }
-    return velk::RemovingLine(source).Run();
 }

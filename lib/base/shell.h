@@ -1,4 +1,4 @@
-// shell.h - one formatted shell line.
+// shell.h - formatted shell lines, and those that put an edit copy in place.
 #ifndef VELK_BASE_SHELL_H_
 #define VELK_BASE_SHELL_H_
 
@@ -7,8 +7,8 @@
 
 namespace velk {
 
-// A shell line in its 256-byte buffer. A line that does not fit is never run: a cut command line
-// could name another file or another address.
+// A shell line in its 256-byte buffer. A line that does not fit is never run: a truncated command
+// line could name another file or another address.
 class CommandLine {
   public:
     [[gnu::format(printf, 2, 3)]] explicit CommandLine(const char* format, ...);
@@ -21,7 +21,7 @@ class CommandLine {
 
   private:
     char text_[256];
-    int length_;  // that the line would have
+    int length_;  // the length of the whole line, also if it does not fit
 };
 
 // The two lines that put an edit copy in place, in this order.

@@ -1,4 +1,4 @@
-// shell_blocks.cpp - tells which lines of a shell script run for an interface.
+// shell_blocks.cpp - finds the lines of a shell script that run for an interface.
 #include "lib/base/shell_blocks.h"
 
 #include "lib/base/words.h"

@@ -1,4 +1,4 @@
-// shell_blocks.h - tells which lines of a shell script run for an interface.
+// shell_blocks.h - finds the lines of a shell script that run for an interface.
 #ifndef VELK_BASE_SHELL_BLOCKS_H_
 #define VELK_BASE_SHELL_BLOCKS_H_
 
@@ -7,21 +7,21 @@
 
 namespace velk {
 
-// Follows the if / then / else / fi blocks that tell the interfaces apart in the scripts of the
-// DHCP client. It knows one level: within a block another "if" is a line like any other, and the
-// first "fi" ends the block. Keywords in comments do not count.
+// Follows the if / then / else / fi blocks that select an interface in the scripts of the DHCP
+// client. It knows one level: within a block another "if" is an ordinary line, and the first "fi"
+// ends the block. Keywords in comments do not count.
 //
 // A block begins at an "if" line that names the script's interface variable. Its condition matches
-// when the interface is named there too, however the two are compared.
+// if the line also names the interface; the comparison operator is ignored.
 class ShellBlocks {
   public:
-    // `variable` is what a condition must name to begin a block.
+    // A condition must name `variable` to begin a block.
     ShellBlocks(std::string_view variable, std::string_view interface)
         : variable_(variable), interface_(interface) {}
 
-    // Takes the next line, with its newline. True when it runs for the interface: outside blocks,
-    // in the "then" branch of a condition that matches, in the "else" branch of one that does not.
-    // Lines up to "then" and the "fi" line count as outside.
+    // Takes the next line, with its newline. Returns true if it runs for the interface: outside
+    // blocks, in the "then" branch of a condition that matches, in the "else" branch of one that
+    // does not. Lines up to "then" and the "fi" line count as outside.
     bool RunsNext(std::string_view line);
 
   private:

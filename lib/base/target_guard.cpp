@@ -1,4 +1,4 @@
-// target_guard.cpp - mends a file that was cut while its edit copy was copied over it.
+// target_guard.cpp - repairs a file that was truncated while its edit copy was copied over it.
 #include "lib/base/target_guard.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace {
 constexpr size_t kPieceSize = 4 * 1024;
 
 // Returns 0 or errno.
-int LookAt(const std::string& path, struct stat& facts) {
+int ReadFacts(const std::string& path, struct stat& facts) {
     return fstatat(AT_FDCWD, path.c_str(), &facts, 0) == 0 ? 0 : errno;
 }
 
@@ -39,18 +39,18 @@ constexpr std::chrono::milliseconds kTimeStep{20};
 
 }  // namespace
 
-// An empty file that the shell empties shows that by its time alone.
+// If the shell empties an empty file, only the file's time changes.
 TargetGuard::TargetGuard(const std::string& target, int copy) : target_(target), copy_(copy) {
-    if (LookAt(target_, before_) == 0 && before_.st_size == 0) {
+    if (ReadFacts(target_, before_) == 0 && before_.st_size == 0) {
         std::this_thread::sleep_for(kTimeStep);
     }
 }
 
-int TargetGuard::Mend() {
+int TargetGuard::Repair() {
     struct stat now {};
     struct stat copy {};
-    if (const int error = LookAt(target_, now); error != 0) {
-        return error == ENOENT ? 0 : error;  // somebody has removed it
+    if (const int error = ReadFacts(target_, now); error != 0) {
+        return error == ENOENT ? 0 : error;  // another program has removed it
     }
     if (fstat(copy_, &copy) == -1) {
         return errno;
@@ -62,18 +62,18 @@ int TargetGuard::Mend() {
     int error = ComparePiece(now.st_size, is_piece);
     if (error == 0 && is_piece) {
         error = WriteCopyOver();
-        has_mended_ = error == 0;
+        has_repaired_ = error == 0;
     }
     return error;
 }
 
-// The shell's opening alone changes the time.
+// Opening by the shell already changes the time.
 bool TargetGuard::IsAsItWas(const struct stat& facts) const {
     return facts.st_size == before_.st_size &&
            InNanoseconds(facts.st_ctim) == InNanoseconds(before_.st_ctim);
 }
 
-// Says whether the file, of this size, has the front of the copy's text. Returns 0 or errno.
+// Sets `is_piece` to true if the file, of this size, begins like the copy. Returns 0 or errno.
 int TargetGuard::ComparePiece(off_t size, bool& is_piece) const {
     const UniqueFd file(open(target_.c_str(), O_RDONLY | O_CLOEXEC));
     if (file.get() == -1) {
@@ -95,7 +95,7 @@ int TargetGuard::ComparePiece(off_t size, bool& is_piece) const {
     return 0;
 }
 
-// From the front and without emptying the file: a tool that still copies writes the same bytes.
+// Does not empty the file first: a tool that still copies writes the same bytes.
 int TargetGuard::WriteCopyOver() const {
     UniqueFd file(open(target_.c_str(), O_WRONLY | O_CLOEXEC));
     if (file.get() == -1) {

@@ -1,4 +1,4 @@
-// target_guard.h - mends a file that was cut while its edit copy was copied over it.
+// target_guard.h - repairs a file that was truncated while its edit copy was copied over it.
 #ifndef VELK_BASE_TARGET_GUARD_H_
 #define VELK_BASE_TARGET_GUARD_H_
 
@@ -8,20 +8,19 @@
 
 namespace velk {
 
-// The shell empties the file before cat(1) runs. A cat that is killed, or for which there is no
-// process, no memory or no program, leaves the file empty or short. The guard holds what the file
-// was like before, and compares.
+// The shell empties the file before cat(1) runs. If cat is killed or cannot be started, the file
+// stays empty or short. The guard compares the file with its state before the copying.
 class TargetGuard {
   public:
     // `copy` is a descriptor of the whole edit copy, readable.
     TargetGuard(const std::string& target, int copy);
 
-    // After the copying: writes the edit copy over a file that is a shorter piece of it, in place,
-    // and flushes it. A file that is as it was, or that has its new text, stays so. Returns 0,
-    // or the errno that kept a cut file from being mended.
-    int Mend();
-    // The file was cut, and is whole again.
-    bool has_mended() const { return has_mended_; }
+    // Called after the copying. Writes the edit copy over a file that is a shorter piece of it, in
+    // place, and flushes it. A file that is unchanged or has its new text is not written. Returns
+    // 0, or the errno of a repair that failed.
+    int Repair();
+    // Returns true if the file was truncated and is whole again.
+    bool has_repaired() const { return has_repaired_; }
 
   private:
     bool IsAsItWas(const struct stat& facts) const;
@@ -31,7 +30,7 @@ class TargetGuard {
     const std::string& target_;
     const int copy_;
     struct stat before_ {};
-    bool has_mended_ = false;
+    bool has_repaired_ = false;
 };
 
 }  // namespace velk

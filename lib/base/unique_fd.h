@@ -8,7 +8,7 @@
 
 namespace velk {
 
-// Closes its descriptor on every path. A negative number stands for none; 0 is a descriptor.
+// Closes its descriptor on every path. A negative number means none; 0 is a descriptor.
 class UniqueFd {
   public:
     explicit UniqueFd(int fd = -1) : fd_(fd) {}
@@ -24,8 +24,8 @@ class UniqueFd {
     int get() const { return fd_; }
     int Release() { return std::exchange(fd_, -1); }
 
-    // Closes what it holds, then holds `fd`. Returns what close(2) returned, 0 when it held
-    // nothing.
+    // Closes its descriptor, then holds `fd`. Returns the result of close(2), or 0 if there was
+    // none.
     int Reset(int fd = -1) {
         const int old = std::exchange(fd_, fd);
         return old >= 0 ? close(old) : 0;

@@ -10,7 +10,7 @@ namespace velk {
 namespace {
 
 // Sleeps the full time unless a signal handler of the host program runs. The result of sleep(3)
-// drops the fraction of a second that is left, so errno is needed to tell.
+// drops the remaining fraction of a second, so errno is checked too.
 bool SleepsUndisturbed(unsigned seconds) {
     errno = 0;
     // NOLINTNEXTLINE(concurrency-mt-unsafe): sends no SIGALRM on Linux

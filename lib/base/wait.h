@@ -4,8 +4,8 @@
 
 namespace velk {
 
-// Sleeps the whole time, measured by the monotonic clock. One sleep(3) call as a rule; the rest of
-// one that a signal of the host program interrupts is waited for until the deadline.
+// Sleeps the whole time by the monotonic clock, normally with one sleep(3) call. If a signal of the
+// host program interrupts it, the rest is waited for until the deadline.
 void WaitSeconds(unsigned seconds);
 
 }  // namespace velk

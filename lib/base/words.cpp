@@ -7,12 +7,12 @@
 namespace velk {
 namespace {
 
-// isspace(3) in the C locale, whatever locale the host program has set.
+// isspace(3) in the C locale: the host program may have set another.
 constexpr std::string_view kSpace = " \t\n\v\f\r";
 constexpr std::string_view kWordEnd(" \t\n\v\f\r\0", 7);
 
-constexpr std::string_view kWordStarts = " \t,#";   // what may stand before a word in a line
-constexpr std::string_view kWordStops = " \t,;\n";  // and behind it
+constexpr std::string_view kWordStarts = " \t,#";   // a word in a line follows one of these
+constexpr std::string_view kWordStops = " \t,;\n";  // and one of these follows it
 
 }  // namespace
 

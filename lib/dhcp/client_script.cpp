@@ -7,31 +7,34 @@
 #include "lib/base/paths.h"
 #include "lib/base/shell_blocks.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/dhcp.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
 constexpr char kInterfaceVariable[] = "interface";  // with or without braces around it
 
-// The shell function that rewrites the resolver's configuration. As a word it is a call of it: the
-// line that defines it has "(" right behind the name.
+// The shell function that rewrites the resolver's configuration. As a word it is a call: in its
+// definition "(" follows the name directly.
 constexpr char kResolverUpdate[] = "make_resolv_conf";
 
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int SetDnsDhcpScript(const std::string& nic, bool enable) {
-    velk::FileEdit edit(velk::kClientScript);
+    FileEdit edit(kClientScript);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    velk::ShellBlocks blocks(velk::kInterfaceVariable, nic);
-    for (std::string_view line; edit.Next(line);) {
+    ShellBlocks blocks(kInterfaceVariable, nic);
+    for (std::string_view line; edit.ReadLine(line);) {
         size_t position = 0;
         if (blocks.RunsNext(line) &&
-            velk::FindWord(line, velk::kResolverUpdate, /*comment_aware=*/false, position)) {
-            edit.Write(velk::SwitchLine(line, position, enable));
+            FindWord(line, kResolverUpdate, /*comment_aware=*/false, position)) {
+            edit.Write(SwitchLine(line, position, enable));
         } else {
             edit.Keep(line);
         }

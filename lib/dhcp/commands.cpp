@@ -1,13 +1,15 @@
-// commands.cpp - the commands on what the DHCP client requests.
+// commands.cpp - the commands on the options that the DHCP client requests.
 #include <string>
 
 #include "lib/base/data_area.h"
-#include "velk.h"
+#include "velk/dhcp.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
-// An option that the client can request. With `comment_aware` its name behind a "#" does not count,
+// An option that the client can request. With `comment_aware` its name after a "#" does not count,
 // see SetDhcpServer().
 struct Option {
     const char* name;
@@ -44,6 +46,8 @@ int SetOption(const _velk_request& request, const Option& option) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetDhcp(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
@@ -70,22 +74,22 @@ int SetDhcp(const _velk_request& request, char* out) {
 }
 
 int GetDhcpNtps(const _velk_request& request, char* out) {
-    return velk::GetOption(request, velk::kTimeServers, out);
+    return GetOption(request, kTimeServers, out);
 }
 
 int GetDhcpDns(const _velk_request& request, char* out) {
-    return velk::GetOption(request, velk::kNameServers, out);
+    return GetOption(request, kNameServers, out);
 }
 
 int SetDhcpNtps(const _velk_request& request, char* /*out*/) {
-    const int result = velk::SetOption(request, velk::kTimeServers);
+    const int result = SetOption(request, kTimeServers);
     return result == LIB_VELK_SUCCESS ? SetNtpdate(request) : result;
 }
 
 int SetDhcpDns(const _velk_request& request, char* /*out*/) {
-    const int result = velk::SetOption(request, velk::kNameServers);
+    const int result = SetOption(request, kNameServers);
     if (result != LIB_VELK_SUCCESS) {
         return result;
     }
-    return SetDnsDhcpScript(velk::InterfaceOf(request), velk::IsOn(request));
+    return SetDnsDhcpScript(InterfaceOf(request), IsOn(request));
 }

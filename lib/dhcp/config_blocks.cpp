@@ -1,13 +1,13 @@
-// config_blocks.cpp - tells which lines of the DHCP client's configuration concern an interface.
+// config_blocks.cpp - finds the lines of the DHCP client's configuration that concern an interface.
 #include "lib/dhcp/config_blocks.h"
 
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/dhcp.h"
 
 namespace velk {
 namespace {
 
-// False for the opening line of another interface's block.
+// Returns false for the opening line of another interface's block.
 bool Classify(std::string_view line, std::string_view nic, bool& in_block, bool& other_block,
               bool comment_aware) {
     if (in_block) {
@@ -37,7 +37,9 @@ bool ConfigBlocks::Concerns(std::string_view line) {
 
 }  // namespace velk
 
+using namespace velk;
+
 bool IsNicName(const std::string& line, const std::string& nic, bool& in_block, bool& other_block,
                bool comment_aware) {
-    return velk::Classify(line, nic, in_block, other_block, comment_aware);
+    return Classify(line, nic, in_block, other_block, comment_aware);
 }

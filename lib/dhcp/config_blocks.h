@@ -1,4 +1,4 @@
-// config_blocks.h - tells which lines of the DHCP client's configuration concern an interface.
+// config_blocks.h - finds the lines of the DHCP client's configuration that concern an interface.
 #ifndef VELK_DHCP_CONFIG_BLOCKS_H_
 #define VELK_DHCP_CONFIG_BLOCKS_H_
 
@@ -9,19 +9,19 @@ namespace velk {
 
 constexpr std::string_view kBlockEnd = "}";
 
-// Follows the blocks of dhclient.conf(5): the statements of an interface stand between a line with
-// "interface" and its name and a line with "}", those outside are for all interfaces. Without an
-// interface name every block is the wanted one, and the file begins inside one.
+// Follows the blocks of dhclient.conf(5). The statements of an interface are between a line with
+// "interface" and its name and a line with "}". Statements outside blocks are for all interfaces.
+// With an empty name every block counts as the interface's, and the file begins inside one.
 class ConfigBlocks {
   public:
-    // With `comment_aware`, words behind a "#" do not count.
+    // With `comment_aware`, words after a "#" do not count.
     ConfigBlocks(std::string_view nic, bool comment_aware)
         : nic_(nic), comment_aware_(comment_aware), in_block_(nic.empty()) {}
 
-    // Takes the next line, with its newline. False for the lines of other interfaces' blocks.
+    // Takes the next line, with its newline. Returns false in other interfaces' blocks.
     bool Concerns(std::string_view line);
 
-    // The line taken last lies in the interface's block. No longer true at its closing line.
+    // Returns true if the last line is in the interface's block; false at its closing line.
     bool in_block() const { return in_block_; }
 
   private:

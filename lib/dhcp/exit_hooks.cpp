@@ -11,14 +11,15 @@
 #include "lib/base/paths.h"
 #include "lib/base/shell_blocks.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
 constexpr char kInterfaceVariable[] = "$interface";
 
-// The line with the command on it switched; a byte that is no switch leaves it as it is.
+// Returns the line with the command switched. A byte that is no switch leaves the line unchanged.
 std::string SwitchCommand(std::string_view line, std::string_view command, char state) {
     const size_t position = line.find(command);
     const bool is_switch = state == VELK_ON || state == VELK_OFF;
@@ -31,20 +32,22 @@ std::string SwitchCommand(std::string_view line, std::string_view command, char 
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int SetDhclient(const _velk_request& request, const char* command) {
     if (command == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::FileEdit edit(velk::kExitHooks);
+    FileEdit edit(kExitHooks);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    const std::string_view interface = velk::FieldText(request.interface);
-    velk::ShellBlocks blocks(velk::kInterfaceVariable, interface);
-    for (std::string_view line; edit.Next(line);) {
+    const std::string_view interface = FieldText(request.interface);
+    ShellBlocks blocks(kInterfaceVariable, interface);
+    for (std::string_view line; edit.ReadLine(line);) {
         const bool runs = blocks.RunsNext(line) || interface.empty();  // no interface means all
         if (runs) {
-            edit.Write(velk::SwitchCommand(line, command, request.data[0]));
+            edit.Write(SwitchCommand(line, command, request.data[0]));
         } else {
             edit.Keep(line);
         }
@@ -53,11 +56,11 @@ int SetDhclient(const _velk_request& request, const char* command) {
 }
 
 int SetApipa(const _velk_request& request, char* /*out*/) {
-    return SetDhclient(request, velk::kLinkLocalDaemon);
+    return SetDhclient(request, kLinkLocalDaemon);
 }
 
 int SetNtpdate(const _velk_request& request) {
-    return SetDhclient(request, velk::kClockSetter);
+    return SetDhclient(request, kClockSetter);
 }
 
 int SetPrintDHCPFinished(const _velk_request& request, char* /*out*/) {
@@ -66,27 +69,26 @@ int SetPrintDHCPFinished(const _velk_request& request, char* /*out*/) {
     if (difference != 0) {
         return difference;
     }
-    const int result = SetDhclient(request, velk::kFinishNotice);
+    const int result = SetDhclient(request, kFinishNotice);
     if (result != LIB_VELK_SUCCESS) {
         return result;
     }
-    return SetDhclient(request, velk::kStartNotice);
+    return SetDhclient(request, kStartNotice);
 }
 
 int GetApipa(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::LineReader hooks = velk::LineReader::OfFileNeverEmpty(velk::kExitHooks);
+    LineReader hooks = LineReader::OfFileNeverEmpty(kExitHooks);
     if (!hooks.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    // The answer unless a line says otherwise, also when memory runs out at a long one.
+    // The default is set first: reading a long line may run out of memory.
     out[0] = VELK_OFF;
-    velk::ShellBlocks blocks(velk::kInterfaceVariable, velk::FieldText(request.interface));
-    for (std::string_view line; hooks.NextWithNewline(line);) {
-        if (blocks.RunsNext(line) &&
-            velk::HasWord(line, velk::kLinkLocalDaemon, /*comment_aware=*/true)) {
+    ShellBlocks blocks(kInterfaceVariable, FieldText(request.interface));
+    for (std::string_view line; hooks.ReadFullLine(line);) {
+        if (blocks.RunsNext(line) && HasWord(line, kLinkLocalDaemon, /*comment_aware=*/true)) {
             out[0] = VELK_ON;
             break;
         }

@@ -1,4 +1,4 @@
-// request_options.cpp - which options the DHCP client requests, and for which interfaces it does.
+// request_options.cpp - the options that the DHCP client requests for an interface.
 #include <string>
 #include <string_view>
 
@@ -8,16 +8,17 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
-#include "velk.h"
+#include "velk/dhcp.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
 constexpr std::string_view kStatementEnd = ";";
 
-// The line without the option at `position`. A comma behind any place of the option on the line
-// counts, and takes the character behind the first place with it. Otherwise what is no letter in
-// front of the option goes too, but never the line's first character.
+// Returns the line without the option at `position`. If a comma follows the option anywhere on the
+// line, the character after its first place is removed too. Otherwise all characters before the
+// option that are no letters are removed too, but never the line's first character.
 std::string WithoutOption(std::string_view line, const std::string& option, size_t position) {
     if (Contains(line, option + ",")) {
         return std::string(line).erase(position, option.size() + 1);
@@ -29,7 +30,7 @@ std::string WithoutOption(std::string_view line, const std::string& option, size
     return std::string(line.substr(0, position)).append(line.substr(behind));
 }
 
-// The line with the option as the last one of the statement that ends at `end`.
+// Returns the line with the option as the last one of the statement that ends at `end`.
 std::string WithOption(std::string_view line, const std::string& option, size_t end) {
     return std::string(line).insert(end, "," + option);
 }
@@ -41,8 +42,8 @@ class RequestLines {
     RequestLines(std::string_view nic, bool comment_aware)
         : blocks_(nic, comment_aware), comment_aware_(comment_aware) {}
 
-    // Takes the next line, with its newline. A line outside the interface's block does not count
-    // when it holds a "#" anywhere.
+    // Takes the next line, with its newline. Returns true if it belongs to a statement. A line
+    // outside the interface's block does not count if it holds a "#" anywhere.
     bool Holds(std::string_view line) {
         if (!blocks_.Concerns(line) || (!blocks_.in_block() && Contains(line, "#"))) {
             return false;
@@ -51,8 +52,8 @@ class RequestLines {
         return in_request_;
     }
 
-    // The line taken last, with the option added or removed. A statement counts as ended only by a
-    // line that ends it without naming the option.
+    // Returns the last line with the option added or removed. A statement counts as ended only
+    // by a line that ends it without naming the option.
     std::string Edit(std::string_view line, const std::string& option, bool add);
 
   private:
@@ -77,20 +78,22 @@ std::string RequestLines::Edit(std::string_view line, const std::string& option,
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetDhcpServer(const std::string& nic, const std::string& option, bool& requested,
                   bool comment_aware) {
-    velk::LineReader config = velk::LineReader::OfFileNeverEmpty(velk::kDhcpConfigFile);
+    LineReader config = LineReader::OfFileNeverEmpty(kDhcpConfigFile);
     if (!config.is_open()) {
         return LIB_VELK_FAILURE;
     }
     requested = false;
-    velk::RequestLines requests(nic, comment_aware);
-    for (std::string_view line; config.NextWithNewline(line);) {
+    RequestLines requests(nic, comment_aware);
+    for (std::string_view line; config.ReadFullLine(line);) {
         if (!requests.Holds(line)) {
             continue;
         }
-        requested = velk::Contains(line, option);
-        if (requested || velk::Contains(line, velk::kStatementEnd)) {
+        requested = Contains(line, option);
+        if (requested || Contains(line, kStatementEnd)) {
             break;
         }
     }
@@ -98,12 +101,12 @@ int GetDhcpServer(const std::string& nic, const std::string& option, bool& reque
 }
 
 int SetDhcpServer(const std::string& nic, const std::string& option, bool add, bool comment_aware) {
-    velk::FileEdit edit(velk::kDhcpConfigFile);
+    FileEdit edit(kDhcpConfigFile);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    velk::RequestLines requests(nic, comment_aware);
-    for (std::string_view line; edit.Next(line);) {
+    RequestLines requests(nic, comment_aware);
+    for (std::string_view line; edit.ReadLine(line);) {
         if (requests.Holds(line)) {
             edit.Write(requests.Edit(line, option, add));
         } else {
@@ -114,16 +117,17 @@ int SetDhcpServer(const std::string& nic, const std::string& option, bool add, b
 }
 
 int SetDhcpRequest(const std::string& nic, bool enable) {
-    velk::FileEdit edit(velk::kDhcpConfigFile);
+    FileEdit edit(kDhcpConfigFile);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    velk::ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
-    for (std::string_view line; edit.Next(line);) {
+    ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
+    for (std::string_view line; edit.ReadLine(line);) {
         const bool concerns = blocks.Concerns(line);
-        // A block's closing line is in it no longer; one that closes nothing is switched with it.
-        if (concerns && (blocks.in_block() || velk::Contains(line, velk::kBlockEnd))) {
-            edit.Write(velk::SwitchLine(line, std::string_view::npos, enable));
+        // A line with "}" is switched together with its block, although it is not part of it. So
+        // is a "}" that ends no block.
+        if (concerns && (blocks.in_block() || Contains(line, kBlockEnd))) {
+            edit.Write(SwitchLine(line, std::string_view::npos, enable));
         } else {
             edit.Keep(line);
         }

@@ -6,16 +6,18 @@
 #include <pthread.h>
 
 #include "lib/base/data_area.h"
-#include "lib/base/lock.h"
 #include "lib/base/log.h"
 #include "lib/entry/dispatch_tables.h"
+#include "lib/entry/lock.h"
 #include "velk.h"
+#include "velk/frame.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
-// Puts off pthread_cancel(3) to the end of the call: a thread that ended in the middle would leave
-// a file half written, and unwinding through a destructor would end the whole program.
+// Delays pthread_cancel(3) to the end of the call. A thread that ended in the middle would leave a
+// file half written, and unwinding through a destructor would end the whole program.
 class UncancellableScope {
   public:
     UncancellableScope() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state_); }
@@ -84,19 +86,21 @@ int Run(const _velk_request& request, char* out) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int execute_velk_command(const _velk_request* request, _velk_request* response) {
     if (request == nullptr || response == nullptr) {
-        velk::Log("paramater");
+        Log("paramater");
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::StartResponse(*request, *response);
-    const velk::UncancellableScope uncancellable;
+    StartResponse(*request, *response);
+    const UncancellableScope uncancellable;
     try {
-        return velk::Run(*request, response->data);
+        return Run(*request, response->data);
     } catch (const std::exception& error) {
-        velk::Log("execute_velk_command exception %s", error.what());
+        Log("execute_velk_command exception %s", error.what());
     } catch (...) {
-        velk::Log("execute_velk_command exception");
+        Log("execute_velk_command exception");
     }
     return LIB_VELK_FAILURE;
 }

@@ -1,7 +1,17 @@
-// dispatch_tables.cpp - which function runs a command, and for which interfaces.
+// dispatch_tables.cpp - the function of each command, and the interfaces that it takes.
 #include "lib/entry/dispatch_tables.h"
 
 #include <array>
+
+#include "velk/dhcp.h"
+#include "velk/frame.h"
+#include "velk/identity.h"
+#include "velk/ipconf.h"
+#include "velk/ntp.h"
+#include "velk/request.h"
+#include "velk/webup.h"
+#include "velk/wired.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {

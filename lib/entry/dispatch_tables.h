@@ -1,11 +1,11 @@
-// dispatch_tables.h - which function runs a command, and for which interfaces.
+// dispatch_tables.h - the function of each command, and the interfaces that it takes.
 #ifndef VELK_ENTRY_DISPATCH_TABLES_H_
 #define VELK_ENTRY_DISPATCH_TABLES_H_
 
 #include <cstdint>
 #include <span>
 
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 

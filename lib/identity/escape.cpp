@@ -2,7 +2,7 @@
 #include <string>
 #include <string_view>
 
-#include "velk.h"
+#include "velk/identity.h"
 
 namespace velk {
 namespace {
@@ -22,9 +22,11 @@ constexpr Escape kEscapes[] = {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 std::string GetEscapeString(const std::string& text) {
     std::string escaped = text;
-    for (const velk::Escape& escape : velk::kEscapes) {
+    for (const Escape& escape : kEscapes) {
         escaped = ReplaceAll(std::move(escaped), escape.text, escape.replacement);
     }
     return escaped;
@@ -32,7 +34,7 @@ std::string GetEscapeString(const std::string& text) {
 
 std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
     if (from.empty()) {
-        return text;  // would be found without end
+        return text;  // the search would never end
     }
     for (size_t position = text.find(from); position != std::string::npos;
          position = text.find(from, position + to.size())) {

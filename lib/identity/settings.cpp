@@ -9,7 +9,9 @@
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/identity/tool_locale.h"
-#include "velk.h"
+#include "velk/frame.h"
+#include "velk/identity.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
@@ -18,7 +20,7 @@ constexpr char kSnmpRestart[] = "sudo /etc/init.d/snmpd restart > /dev/null 2>&1
 
 struct IdentitySetting {
     uint32_t command_id;
-    std::string_view key;        // what its lines begin with; the value follows
+    std::string_view key;        // at the start of its lines; the value follows
     std::string_view directive;  // in the SNMP daemon's configuration
 };
 
@@ -32,11 +34,11 @@ const IdentitySetting* FindSetting(uint32_t command_id) {
     return found == std::end(kSettings) ? nullptr : found;
 }
 
-// Writes the value into every line of the setting, or into a new last line when there is none.
+// Writes the value into every line of the setting, or into a new last line if there is none.
 void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) {
     const std::string value_line = std::string(key).append(value).append("\n");
     bool found = false;
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         if (line.starts_with(key)) {
             edit.Write(value_line);
             found = true;
@@ -49,8 +51,8 @@ void WriteSetting(FileEdit& edit, std::string_view key, std::string_view value) 
     }
 }
 
-// Hands the value on to the SNMP daemon: into every line of its configuration that has the
-// directive. Built as long as it gets: an escaped value has up to four times its length.
+// Copies the value into every line of the SNMP daemon's configuration that has the directive. The
+// command line has no fixed size: escaping makes a value up to four times as long.
 void MirrorIntoSnmp(std::string_view directive, std::string_view value) {
     const std::string_view locale = ToolLocale();
     if (!KeepsEscapes(locale, value)) {
@@ -68,23 +70,25 @@ void MirrorIntoSnmp(std::string_view directive, std::string_view value) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetSettingFile(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const velk::IdentitySetting* setting = velk::FindSetting(request.command_id);
+    const IdentitySetting* setting = FindSetting(request.command_id);
     if (setting == nullptr) {
-        velk::Log("LIB_VELK_INVALID_PARAMETER = %d", static_cast<int>(request.command_id));
+        Log("LIB_VELK_INVALID_PARAMETER = %d", static_cast<int>(request.command_id));
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader file = velk::LineReader::OfFileNeverEmpty(velk::kIdentityFile);
+    LineReader file = LineReader::OfFileNeverEmpty(kIdentityFile);
     if (!file.is_open()) {
-        velk::LogErrno("GetSettingFile ifstream errno=%d:%s", file.error());
+        LogErrno("GetSettingFile ifstream errno=%d:%s", file.error());
         return LIB_VELK_FAILURE;
     }
-    for (std::string_view line; file.Next(line);) {
+    for (std::string_view line; file.ReadLine(line);) {
         if (line.starts_with(setting->key)) {
-            velk::PutText(out, line.substr(setting->key.size()));
+            PutText(out, line.substr(setting->key.size()));
             break;
         }
     }
@@ -92,25 +96,25 @@ int GetSettingFile(const _velk_request& request, char* out) {
 }
 
 int SetSettingFile(const _velk_request& request, char* /*out*/) {
-    const velk::IdentitySetting* setting = velk::FindSetting(request.command_id);
+    const IdentitySetting* setting = FindSetting(request.command_id);
     if (setting == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::FileEdit edit(velk::kIdentityFile);
+    FileEdit edit(kIdentityFile);
     if (edit.target_error() != 0) {
-        velk::LogErrno("SetSettingFile ifstream errno=%d:%s", edit.target_error());
+        LogErrno("SetSettingFile ifstream errno=%d:%s", edit.target_error());
     }
     if (edit.copy_error() != 0) {
-        velk::LogErrno("SetSettingFile ofstream errno=%d:%s", edit.copy_error());
+        LogErrno("SetSettingFile ofstream errno=%d:%s", edit.copy_error());
     }
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    const std::string_view value = velk::FieldText(request.data);
-    velk::WriteSetting(edit, setting->key, value);
+    const std::string_view value = FieldText(request.data);
+    WriteSetting(edit, setting->key, value);
     const int written = edit.Finish();
     if (written == LIB_VELK_SUCCESS) {
-        velk::MirrorIntoSnmp(setting->directive, value);
+        MirrorIntoSnmp(setting->directive, value);
     }
     return written;
 }

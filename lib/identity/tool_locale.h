@@ -6,13 +6,13 @@
 
 namespace velk {
 
-// The name of that locale by the environment of the host program, see locale(7): "C" if it sets
-// none.
+// Returns the name of that locale from the environment of the host program, see locale(7); "C" if
+// the environment names none.
 std::string_view ToolLocale();
 
-// True if tools take every byte of an escaped text as it is meant. In encodings such as Shift_JIS,
-// GBK and Big5 a byte above 0x7f and the backslash behind it are one character: what the backslash
-// was to escape would then end the command of sed(1). C, POSIX and UTF-8 know no such characters.
+// Returns true if tools read the escaped form of `text` as `text`. In encodings such as Shift_JIS,
+// GBK and Big5 a byte above 0x7f and the backslash after it are one character: the escaped
+// character would then end the command of sed(1). C, POSIX and UTF-8 have no such characters.
 bool KeepsEscapes(std::string_view locale, std::string_view text);
 
 }  // namespace velk

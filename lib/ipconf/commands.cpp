@@ -1,5 +1,6 @@
 // commands.cpp - the commands on an interface's IP configuration.
-#include "velk.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
 
 int GetInterfaces(const _velk_request& request, char* out) {
     if (out == nullptr) {

@@ -8,14 +8,14 @@
 
 namespace velk {
 
-// A line that begins so ends the stanza before it.
+// A line with this start ends the stanza before it.
 constexpr std::string_view kStanzaStart = "iface";
-constexpr std::string_view kFamily = " inet ";  // behind the interface's name
+constexpr std::string_view kFamily = " inet ";  // after the interface's name
 
-// The length of "iface NAME inet " at the front of a line, where the method stands; 0 for a line
-// that is no header of the interface. Compared where it stands: a get has no need of the text.
+// Returns the length of "iface NAME inet " at the start of a line, the position of the method; 0 if
+// the line is no header of the interface. Needs no copy of the text, unlike StanzaHeader().
 inline size_t HeaderLength(std::string_view line, std::string_view interface) {
-    constexpr size_t kName = kStanzaStart.size() + 1;  // where it begins, behind a blank
+    constexpr size_t kName = kStanzaStart.size() + 1;  // the name begins after a blank
     const bool is_header = line.starts_with(kStanzaStart) &&
                            line.substr(kStanzaStart.size()).starts_with(' ') &&
                            line.substr(kName).starts_with(interface) &&
@@ -23,7 +23,7 @@ inline size_t HeaderLength(std::string_view line, std::string_view interface) {
     return is_header ? kName + interface.size() + kFamily.size() : 0;
 }
 
-// The front of such a line as a text of its own.
+// Returns the start of such a line as a new text.
 inline std::string StanzaHeader(std::string_view interface) {
     return std::string(kStanzaStart).append(" ").append(interface).append(kFamily);
 }
@@ -31,7 +31,7 @@ inline std::string StanzaHeader(std::string_view interface) {
 constexpr std::string_view kStaticMethod = "static";
 constexpr std::string_view kDhcpMethod = "dhcp";
 
-// What the value lines hold in front of their values.
+// The keys before the values in the value lines.
 constexpr char kAddressKey[] = "address ";
 constexpr char kNetmaskKey[] = "netmask ";
 constexpr char kGatewayKey[] = "gateway ";

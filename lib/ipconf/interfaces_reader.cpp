@@ -7,7 +7,9 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
-#include "velk.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -22,12 +24,12 @@ int MethodNamed(std::string_view text) {
     return LIB_VELK_FAILURE;
 }
 
-// An interface's first stanza; later ones of the same interface are never looked at.
+// An interface's first stanza. Later ones of the same interface are ignored.
 class Stanza {
   public:
     explicit Stanza(std::string_view interface)
         : file_(LineReader::OfFileNeverEmpty(kInterfacesFile)) {
-        for (std::string_view line; file_.Next(line);) {
+        for (std::string_view line; file_.ReadLine(line);) {
             if (const size_t length = HeaderLength(line, interface); length != 0) {
                 method_ = MethodNamed(line.substr(length));
                 return;
@@ -39,9 +41,9 @@ class Stanza {
     // VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE for anything else.
     int method() const { return method_; }
 
-    // Writes what follows the key on the first line of the body that holds it, if there is one.
+    // Writes the text after the key from the first line of the body with the key, if any.
     void PutValue(std::string_view key, char* out) {
-        for (std::string_view line; file_.Next(line) && !line.starts_with(kStanzaStart);) {
+        for (std::string_view line; file_.ReadLine(line) && !line.starts_with(kStanzaStart);) {
             const size_t position = line.find(key);
             if (position != std::string_view::npos) {
                 PutText(out, line.substr(position + key.size()));
@@ -57,7 +59,7 @@ class Stanza {
 
 using LiveGetter = int (*)(const _velk_request& request, char* out);
 
-// The configured value of a static interface, the live one of a DHCP interface.
+// Writes the configured value of a static interface, the live value of a DHCP interface.
 int GetAddress(const _velk_request& request, std::string_view key, LiveGetter get_live, char* out) {
     const std::string_view interface = FieldText(request.interface);
     {
@@ -69,9 +71,9 @@ int GetAddress(const _velk_request& request, std::string_view key, LiveGetter ge
         if (stanza.method() != VELK_METHOD_DHCP) {
             return LIB_VELK_FAILURE;
         }
-    }  // closed before what may take a minute
+    }  // closed first: the rest may take a minute
     if (interface == VELK_WIRELESS_INTERFACE && IsWiredLinked() != 0) {
-        return LIB_VELK_SUCCESS;  // with the cable in, a wireless lease means nothing
+        return LIB_VELK_SUCCESS;  // with the cable in, a wireless lease is meaningless
     }
     return get_live(request, out);
 }
@@ -79,15 +81,17 @@ int GetAddress(const _velk_request& request, std::string_view key, LiveGetter ge
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetIpSetting(const std::string& interface) {
-    return velk::Stanza(interface).method();
+    return Stanza(interface).method();
 }
 
 int GetIpSettingMethod(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    const int method = velk::Stanza(velk::FieldText(request.interface)).method();
+    const int method = Stanza(FieldText(request.interface)).method();
     if (method == LIB_VELK_FAILURE) {
         return LIB_VELK_FAILURE;
     }
@@ -99,7 +103,7 @@ int GetAddressConf(const _velk_request& request, const char* key, char* out) {
     if (key == nullptr || out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::Stanza stanza(velk::FieldText(request.interface));
+    Stanza stanza(FieldText(request.interface));
     if (!stanza.is_open()) {
         return LIB_VELK_FAILURE;
     }
@@ -108,13 +112,13 @@ int GetAddressConf(const _velk_request& request, const char* key, char* out) {
 }
 
 int GetIpAddressConf(const _velk_request& request, char* out) {
-    return velk::GetAddress(request, velk::kAddressKey, GetIpAddress, out);
+    return GetAddress(request, kAddressKey, GetIpAddress, out);
 }
 
 int GetSubNetMaskConf(const _velk_request& request, char* out) {
-    return velk::GetAddress(request, velk::kNetmaskKey, GetSubNetMask, out);
+    return GetAddress(request, kNetmaskKey, GetSubNetMask, out);
 }
 
 int GetDefGatewayConf(const _velk_request& request, char* out) {
-    return velk::GetAddress(request, velk::kGatewayKey, GetIoctl, out);
+    return GetAddress(request, kGatewayKey, GetIoctl, out);
 }

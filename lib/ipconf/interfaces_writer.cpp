@@ -7,19 +7,22 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
-#include "velk.h"
+#include "velk/dhcp.h"
+#include "velk/frame.h"
+#include "velk/ipconf.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
-// Writes the method into the header of every stanza of the interface; whatever else stood on the
-// header line is gone.
+// Writes the method into the header of every stanza of the interface. Anything else on the header
+// line is removed.
 int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view method) {
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
     const std::string header = StanzaHeader(interface);
-    for (std::string_view line; edit.NextWith(header, line);) {
+    for (std::string_view line; edit.KeepLinesBefore(header, line);) {
         edit.Write(header);
         edit.Write(method);
         edit.Write("\n");
@@ -28,7 +31,7 @@ int WriteMethod(FileEdit& edit, std::string_view interface, std::string_view met
 }
 
 int ChangeMethod(std::string_view interface, char method) {
-    FileEdit edit(kInterfacesFile);  // a refused method leaves the edit copy behind, empty
+    FileEdit edit(kInterfacesFile);  // after a refused method an empty edit copy remains
     if (method != VELK_METHOD_STATIC && method != VELK_METHOD_DHCP) {
         return LIB_VELK_INVALID_PARAMETER;
     }
@@ -40,11 +43,11 @@ int ChangeMethod(std::string_view interface, char method) {
     return SetDhcpRequest(std::string(interface), is_dhcp);
 }
 
-// Copies a stanza's body up to the line of the key or the next stanza, and puts `value_line` in the
-// place of the one or in front of the other. An empty `value_line` removes the line of the key. A
-// stanza that is the file's last and holds no such line gains none.
+// Copies a stanza's body up to the line of the key or to the next stanza. `value_line` replaces the
+// line of the key or is inserted before the next stanza. If it is empty, the line of the key is
+// removed. The last stanza of the file gets no new line.
 void EditBody(FileEdit& edit, std::string_view key, std::string_view value_line) {
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         if (line.starts_with(kStanzaStart)) {
             edit.Write(value_line);
             edit.Keep(line);
@@ -61,12 +64,14 @@ void EditBody(FileEdit& edit, std::string_view key, std::string_view value_line)
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int SetIpSettingMethod(const _velk_request& request, char* /*out*/) {
-    const std::string_view interface = velk::FieldText(request.interface);
+    const std::string_view interface = FieldText(request.interface);
     const char method = request.data[0];
-    const int result = velk::ChangeMethod(interface, method);
+    const int result = ChangeMethod(interface, method);
     if (interface == VELK_WIRED_INTERFACE && method == VELK_METHOD_DHCP) {
-        (void)SystemCommand("rm -f /tmp/oldIPAddress");  // kept by a program beside the library
+        (void)SystemCommand("rm -f /tmp/oldIPAddress");  // another program of the device keeps it
     }
     return result;
 }
@@ -75,32 +80,32 @@ int SetAddressConf(const _velk_request& request, const char* key) {
     if (key == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::FileEdit edit(velk::kInterfacesFile);
+    FileEdit edit(kInterfacesFile);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    const std::string_view value = velk::FieldText(request.data);
-    const bool removes = value.empty() && std::string_view(key) == velk::kGatewayKey;
+    const std::string_view value = FieldText(request.data);
+    const bool removes = value.empty() && std::string_view(key) == kGatewayKey;
     std::string value_line;
     if (!removes) {
         value_line.append("\t").append(key).append(value).append("\n");
     }
-    const std::string header = velk::StanzaHeader(velk::FieldText(request.interface));
-    for (std::string_view line; edit.NextWith(header, line);) {
+    const std::string header = StanzaHeader(FieldText(request.interface));
+    for (std::string_view line; edit.KeepLinesBefore(header, line);) {
         edit.Keep(line);
-        velk::EditBody(edit, key, value_line);
+        EditBody(edit, key, value_line);
     }
     return edit.Finish();
 }
 
 int SetIpAddressConf(const _velk_request& request, char* /*out*/) {
-    return SetAddressConf(request, velk::kAddressKey);
+    return SetAddressConf(request, kAddressKey);
 }
 
 int SetSubNetMaskConf(const _velk_request& request, char* /*out*/) {
-    return SetAddressConf(request, velk::kNetmaskKey);
+    return SetAddressConf(request, kNetmaskKey);
 }
 
 int SetDefGatewayConf(const _velk_request& request, char* /*out*/) {
-    return SetAddressConf(request, velk::kGatewayKey);
+    return SetAddressConf(request, kGatewayKey);
 }

@@ -1,5 +1,6 @@
 // commands.cpp - the commands on time synchronisation.
-#include "velk.h"
+#include "velk/ntp.h"
+#include "velk/request.h"
 
 int GetNtp(const _velk_request& request, char* out) {
     if (out == nullptr) {

@@ -11,25 +11,26 @@
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/ntp.h"
+#include "velk/request.h"
 
 namespace velk {
 namespace {
 
 constexpr std::string_view kClient = "ntpdate";
 
-// Where a line without a server gets one: behind the last word in front of the redirection.
+// Returns the position for a new server: after the last word before the redirection.
 size_t PlaceForServer(std::string_view line) {
     const size_t redirection = line.find('>');
     if (redirection == std::string_view::npos) {
         throw std::out_of_range("basic_string::at");
     }
-    const size_t blank = line.rfind(' ', redirection);  // one in column one has no word in front
+    const size_t blank = line.rfind(' ', redirection);  // no word precedes one in column one
     return blank == std::string_view::npos || blank == 0 ? redirection : blank;
 }
 
 int WriteMethod(FileEdit& edit, bool on) {
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         const size_t position = line.find(kClient);
         if (position == std::string_view::npos) {
             edit.Keep(line);
@@ -43,19 +44,21 @@ int WriteMethod(FileEdit& edit, bool on) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetNtpdate(const std::string& line, std::string& server) {
-    const size_t position = line.find(velk::kClient);
+    const size_t position = line.find(kClient);
     if (position == std::string::npos) {
         return LIB_VELK_SUCCESS;
     }
-    std::string_view rest = std::string_view(line).substr(position + velk::kClient.size());
+    std::string_view rest = std::string_view(line).substr(position + kClient.size());
     while (!rest.empty()) {
         const std::string_view word = rest.substr(0, rest.find(' '));
-        if (!word.empty() && velk::IsLetterOrDigit(word.front())) {
+        if (!word.empty() && IsLetterOrDigit(word.front())) {
             server = word;
             return LIB_VELK_SUCCESS;
         }
-        if (velk::Contains(word, ">")) {
+        if (Contains(word, ">")) {
             return LIB_VELK_SUCCESS;
         }
         rest.remove_prefix(std::min(word.size() + 1, rest.size()));
@@ -67,7 +70,7 @@ int ChangeNtpdate(std::string& line, const std::string& server) {
     std::string old;
     (void)GetNtpdate(line, old);
     if (old.empty()) {
-        line.insert(velk::PlaceForServer(line), server);
+        line.insert(PlaceForServer(line), server);
     } else {
         line.replace(line.find(old), old.size(), server);
     }
@@ -78,16 +81,16 @@ int GetNtpMethod(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    LineReader crontab = LineReader::OfFileNeverEmpty(kCrontab);
     if (!crontab.is_open()) {
-        velk::LogErrno("GetNtpMethod ifstream errno=%d:%s", crontab.error());
+        LogErrno("GetNtpMethod ifstream errno=%d:%s", crontab.error());
         return LIB_VELK_FAILURE;
     }
-    // The answer unless a line says otherwise, also when memory runs out at a long one.
+    // The default is set first: reading a long line may run out of memory.
     out[0] = VELK_OFF;
-    for (std::string_view line; crontab.Next(line);) {
-        const size_t position = line.find(velk::kClient);
-        if (position != std::string_view::npos && !velk::IsCommentedOut(line, position)) {
+    for (std::string_view line; crontab.ReadLine(line);) {
+        const size_t position = line.find(kClient);
+        if (position != std::string_view::npos && !IsCommentedOut(line, position)) {
             out[0] = VELK_ON;
             break;
         }
@@ -96,7 +99,7 @@ int GetNtpMethod(const _velk_request& /*request*/, char* out) {
 }
 
 int SetNtpMethod(const _velk_request& request, char* /*out*/) {
-    velk::FileEdit edit(velk::kCrontab);  // a refused byte leaves the edit copy behind, empty
+    FileEdit edit(kCrontab);  // after a refused byte an empty edit copy remains
     const char method = request.data[0];
     if (method != VELK_ON && method != VELK_OFF) {
         return LIB_VELK_INVALID_PARAMETER;
@@ -104,9 +107,9 @@ int SetNtpMethod(const _velk_request& request, char* /*out*/) {
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    const int written = velk::WriteMethod(edit, method == VELK_ON);
+    const int written = WriteMethod(edit, method == VELK_ON);
     if (written == LIB_VELK_SUCCESS && method == VELK_OFF) {
-        DeleteNtpLog();  // its result would be taken for a current one
+        DeleteNtpLog();  // its result would look like a current one
     }
     return written;
 }
@@ -115,15 +118,15 @@ int GetNtpIp(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    LineReader crontab = LineReader::OfFileNeverEmpty(kCrontab);
     if (!crontab.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    for (std::string_view line; crontab.Next(line);) {
-        if (velk::Contains(line, velk::kClient)) {
+    for (std::string_view line; crontab.ReadLine(line);) {
+        if (Contains(line, kClient)) {
             std::string server;
             (void)GetNtpdate(std::string(line), server);
-            velk::PutText(out, server);
+            PutText(out, server);
             break;
         }
     }
@@ -131,13 +134,13 @@ int GetNtpIp(const _velk_request& /*request*/, char* out) {
 }
 
 int SetNtpIp(const _velk_request& request, char* /*out*/) {
-    velk::FileEdit edit(velk::kCrontab);
+    FileEdit edit(kCrontab);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    const std::string server(velk::FieldText(request.data));
-    for (std::string_view line; edit.Next(line);) {
-        if (velk::Contains(line, velk::kClient)) {
+    const std::string server(FieldText(request.data));
+    for (std::string_view line; edit.ReadLine(line);) {
+        if (Contains(line, kClient)) {
             std::string changed(line);
             (void)ChangeNtpdate(changed, server);
             edit.Write(changed);

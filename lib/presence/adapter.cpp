@@ -10,39 +10,39 @@
 #include "lib/base/line_reader.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
 
 constexpr char kBuiltInModel[] = "QT4408RKM";
-constexpr size_t kKeyLength = 4;  // of "VID=" and "PID="
+constexpr size_t kKeyLength = 4;  // the length of "VID=" and "PID="
 
-// The hexadecimal number behind a key at the start of the line.
-unsigned NumberBehindKey(std::string_view line) {
+// Returns the hexadecimal number after a key at the start of the line.
+unsigned NumberAfterKey(std::string_view line) {
     const std::string text(line.substr(kKeyLength));
     const unsigned long number = strtoul(text.c_str(), nullptr, 16);
     return static_cast<unsigned>(std::min<unsigned long>(number, UINT_MAX));
 }
 
-// The ids as the kernel lists them.
+// Returns the ids in the kernel's form.
 std::string DeviceText(unsigned vendor, unsigned product) {
     char text[sizeof("Vendor=01234567 ProdID=01234567")];
     (void)snprintf(text, sizeof(text), "Vendor=%04x ProdID=%04x", vendor, product);
     return text;
 }
 
-// The texts that tell a supported adapter. A vendor stays in force for every product behind it.
+// Returns the texts that identify supported adapters. A vendor applies to all products after it.
 std::vector<std::string> SupportedAdapters() {
     std::vector<std::string> adapters{kBuiltInModel};
     LineReader list(kSupportList);
     unsigned vendor = 0;
-    for (std::string_view line; list.Next(line);) {
+    for (std::string_view line; list.ReadLine(line);) {
         if (Contains(line, "VID=")) {
-            vendor = NumberBehindKey(line);
+            vendor = NumberAfterKey(line);
         }
         if (Contains(line, "PID=")) {
-            adapters.push_back(DeviceText(vendor, NumberBehindKey(line)));
+            adapters.push_back(DeviceText(vendor, NumberAfterKey(line)));
         }
     }
     return adapters;
@@ -51,11 +51,13 @@ std::vector<std::string> SupportedAdapters() {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int IsWlanAttached() {
-    const std::vector<std::string> adapters = velk::SupportedAdapters();
-    velk::LineReader devices(velk::kUsbDevices);
-    for (std::string_view line; devices.Next(line);) {
-        const auto is_on_line = [&](const std::string& text) { return velk::Contains(line, text); };
+    const std::vector<std::string> adapters = SupportedAdapters();
+    LineReader devices(kUsbDevices);
+    for (std::string_view line; devices.ReadLine(line);) {
+        const auto is_on_line = [&](const std::string& text) { return Contains(line, text); };
         if (std::any_of(adapters.begin(), adapters.end(), is_on_line)) {
             return 1;
         }

@@ -1,4 +1,4 @@
-// link_detection.cpp - tells whether a cable is plugged into the wired port.
+// link_detection.cpp - detects a cable in the wired port.
 #include <optional>
 #include <string_view>
 
@@ -15,7 +15,8 @@
 #include "lib/base/unique_fd.h"
 #include "lib/base/wait.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -23,12 +24,12 @@ namespace {
 // ethtool(8) may have no answer while the driver starts, so it is asked once a second for a minute.
 constexpr int kEthtoolRetry = 60;
 
-// The link state as one run of ethtool shows it; nothing when it shows none. A turn that somebody
-// keeps for ever costs its 3 seconds in the first of the runs alone.
-std::optional<int> LinkFromEthtool(ReadersTurn::Patience& patience) {
-    CommandOutput output(
-        CommandLine("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile), patience);
-    patience = output.patience_left();
+// Returns the link state from one run of ethtool; nothing if it shows none. If another program
+// never ends its turn, only the first run waits for it.
+std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
+    const CommandLine command("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile);
+    CommandOutput output(command, wait_mode);
+    wait_mode = output.next_wait_mode();
     if (output.run_result() != LIB_VELK_SUCCESS) {
         return std::nullopt;
     }
@@ -37,7 +38,7 @@ std::optional<int> LinkFromEthtool(ReadersTurn::Patience& patience) {
         return std::nullopt;
     }
     std::optional<int> linked;
-    for (std::string_view line; !linked.has_value() && output.Next(line);) {
+    for (std::string_view line; !linked.has_value() && output.ReadLine(line);) {
         if (Contains(line, "Link detected: yes")) {
             linked = 1;
         } else if (Contains(line, "Link detected: no")) {
@@ -48,7 +49,7 @@ std::optional<int> LinkFromEthtool(ReadersTurn::Patience& patience) {
     return linked;
 }
 
-// The last link message of the kernel in one rotated log file; nothing when it holds none.
+// Returns the link state of the last link message in one rotated log file, if any.
 std::optional<int> LinkFromLogFile(int number) {
     CommandOutput output(CommandLine("grep \"%s: link\" %s%d > %s", VELK_WIRED_INTERFACE,
                                      kSyslogPrefix, number, kResultFile));
@@ -60,7 +61,7 @@ std::optional<int> LinkFromLogFile(int number) {
         return std::nullopt;
     }
     std::optional<int> linked;
-    for (std::string_view line; output.Next(line);) {
+    for (std::string_view line; output.ReadLine(line);) {
         if (Contains(line, "link up")) {
             linked = 1;
         } else if (Contains(line, "link down")) {
@@ -71,8 +72,8 @@ std::optional<int> LinkFromLogFile(int number) {
     return linked;
 }
 
-// False where /var/tmp is read-only or missing, or somebody's file lies at the name of the results
-// and cannot be removed: no tool can tell anything there.
+// Returns false if no tool can write a result: /var/tmp is read-only or missing, or another user's
+// file has the result's name and cannot be removed.
 bool CanToolsLeaveResults() {
     if (faccessat(AT_FDCWD, kEditFolder, W_OK, AT_EACCESS) == -1) {
         return false;
@@ -82,8 +83,8 @@ bool CanToolsLeaveResults() {
     return can_leave;
 }
 
-// The kernel's own flag, see netdevice(7). The wireless interface must stay unused while the cable
-// is in, also where tools cannot tell of it.
+// Returns the link state from the kernel's flag, see netdevice(7). The wireless interface must stay
+// unused while the cable is in, even where the tools cannot report it.
 int LinkFromKernel() {
     const UniqueFd fd(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ifreq ifr{};
@@ -95,23 +96,25 @@ int LinkFromKernel() {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int IsWiredLinked() {
-    auto patience = velk::ReadersTurn::Patience::kThreeSeconds;
-    for (int attempt = 0; attempt < velk::kEthtoolRetry; ++attempt) {
-        const std::optional<int> linked = velk::LinkFromEthtool(patience);
+    auto wait_mode = ReadersTurn::WaitMode::kInQueue;
+    for (int attempt = 0; attempt < kEthtoolRetry; ++attempt) {
+        const std::optional<int> linked = LinkFromEthtool(wait_mode);
         if (linked.has_value()) {
             return *linked;
         }
-        velk::WaitSeconds(1);
+        WaitSeconds(1);
     }
-    velk::Log("(ETHTOOL_RETRY - 1) == i)");
+    Log("(ETHTOOL_RETRY - 1) == i)");
     const int linked = IsWiredLinkedFromSyslog();
-    return velk::CanToolsLeaveResults() ? linked : velk::LinkFromKernel();
+    return CanToolsLeaveResults() ? linked : LinkFromKernel();
 }
 
 int IsWiredLinkedFromSyslog() {
-    if (const std::optional<int> linked = velk::LinkFromLogFile(0); linked.has_value()) {
+    if (const std::optional<int> linked = LinkFromLogFile(0); linked.has_value()) {
         return *linked;
     }
-    return velk::LinkFromLogFile(1).value_or(0);
+    return LinkFromLogFile(1).value_or(0);
 }

@@ -4,12 +4,13 @@
 #include "lib/base/data_area.h"
 #include "lib/base/shell.h"
 #include "lib/base/wait.h"
-#include "velk.h"
+#include "velk/frame.h"
+#include "velk/request.h"
+#include "velk/wired.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
-
-constexpr char kNotifyOnly = 2;  // first parameter byte of a wireless restart
 
 std::string InterfaceName(const _velk_request& request) {
     return std::string(FieldText(request.interface));
@@ -30,30 +31,32 @@ int NotifyDaemon() {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int Restart(const _velk_request& request, char* out) {
-    if (velk::FieldText(request.interface) == VELK_WIRED_INTERFACE) {
+    if (FieldText(request.interface) == VELK_WIRED_INTERFACE) {
         return RestartWired(request, out);
     }
     return RestartWireless(request, out);
 }
 
 int RestartWired(const _velk_request& request, char* /*out*/) {
-    const std::string name = velk::InterfaceName(request);
-    (void)velk::RunIfdown(name.c_str());
-    velk::WaitSeconds(1);
-    const int result = velk::RunIfup(name.c_str());
+    const std::string name = InterfaceName(request);
+    (void)RunIfdown(name.c_str());
+    WaitSeconds(1);
+    const int result = RunIfup(name.c_str());
     if (IsWlanAttached() == 0) {
         return result;
     }
-    velk::WaitSeconds(5);
+    WaitSeconds(5);
     if (IsWiredLinked() == 0) {
         return result;
     }
-    // With the cable in, the wireless interface follows, and twice: one pass is not enough.
+    // With the cable in, the wireless interface is restarted too, twice: one pass is not enough.
     for (int pass = 0; pass < 2; ++pass) {
-        velk::WaitSeconds(30);
-        (void)velk::RunIfdown(VELK_WIRELESS_INTERFACE);
-        (void)velk::RunIfup(VELK_WIRELESS_INTERFACE);
+        WaitSeconds(30);
+        (void)RunIfdown(VELK_WIRELESS_INTERFACE);
+        (void)RunIfup(VELK_WIRELESS_INTERFACE);
     }
     return result;
 }
@@ -62,16 +65,16 @@ int RestartWireless(const _velk_request& request, char* /*out*/) {
     if (IsWlanAttached() == 0) {
         return LIB_VELK_NO_ADAPTER;
     }
-    if (request.data[0] == velk::kNotifyOnly) {
-        return IsWiredLinked() != 0 ? LIB_VELK_SUCCESS : velk::NotifyDaemon();
+    if (request.data[0] == VELK_RESTART_NOTIFY_ONLY) {
+        return IsWiredLinked() != 0 ? LIB_VELK_SUCCESS : NotifyDaemon();
     }
-    const std::string name = velk::InterfaceName(request);
-    (void)velk::RunIfdown(name.c_str());
-    velk::WaitSeconds(1);
+    const std::string name = InterfaceName(request);
+    (void)RunIfdown(name.c_str());
+    WaitSeconds(1);
     if (IsWiredLinked() != 0) {
-        return velk::CommandLine("sudo ifconfig %s up", name.c_str()).Run();
+        return CommandLine("sudo ifconfig %s up", name.c_str()).Run();
     }
     // In the background: the address may take its time.
-    (void)velk::CommandLine("sudo ifup %s &", name.c_str()).Run();
-    return velk::NotifyDaemon();
+    (void)CommandLine("sudo ifup %s &", name.c_str()).Run();
+    return NotifyDaemon();
 }

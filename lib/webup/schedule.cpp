@@ -12,7 +12,8 @@
 #include "lib/base/line_reader.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/webup.h"
 
 namespace velk {
 namespace {
@@ -22,11 +23,8 @@ constexpr std::string_view kCommand = "perl /usr/bin/web_contents_updater.pl";
 constexpr std::string_view kAny = "*";
 constexpr std::string_view kEvery = "*/";
 
-// The data bytes of the command.
-constexpr size_t kTypeOffset = 0;
-constexpr size_t kValueOffset = 1;
-constexpr size_t kTimeOffset = 2;
-constexpr size_t kClearedSize = 18;  // what a get that fails leaves cleared
+constexpr size_t kTimeOffset = VELK_SCHEDULE_TIME_OFFSET;
+constexpr size_t kClearedSize = 18;  // cleared even if the get fails
 
 struct Schedule {
     uint8_t type;
@@ -34,7 +32,7 @@ struct Schedule {
     std::string time;
 };
 
-// The five fields in front of a crontab line's command.
+// The five fields before a crontab line's command.
 struct CronFields {
     std::string_view minute, hour, day, month, weekday;
 };
@@ -56,14 +54,14 @@ CronFields SplitFields(std::string_view line) {
     return fields;
 }
 
-// The number that a field begins with, as much of it as the data byte holds; 0 when there is none.
+// Returns the number at the start of a field, cut to the data byte; 0 if there is none.
 uint8_t LeadingNumber(std::string_view field) {
     int number = 0;
     (void)std::from_chars(field.begin(), field.end(), number);
     return static_cast<uint8_t>(number);
 }
 
-// Nothing for a line that is not one of this library's.
+// Returns no value for a line that this library does not write.
 std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     if (fields.hour.starts_with(kEvery)) {
         return Schedule{VELK_SCHEDULE_HOURS, LeadingNumber(fields.hour.substr(kEvery.size())),
@@ -83,9 +81,9 @@ std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     return Schedule{VELK_SCHEDULE_DAILY, 1, time};
 }
 
-// The schedule of the first line of the updater.
+// Returns the schedule in the first line of the updater.
 std::optional<Schedule> ReadSchedule(LineReader& crontab) {
-    for (std::string_view line; crontab.Next(line);) {
+    for (std::string_view line; crontab.ReadLine(line);) {
         if (Contains(line, kUpdater)) {
             return ScheduleOf(SplitFields(line));
         }
@@ -94,8 +92,8 @@ std::optional<Schedule> ReadSchedule(LineReader& crontab) {
 }
 
 void PutSchedule(char* out, const Schedule& schedule) {
-    out[kTypeOffset] = static_cast<char>(schedule.type);
-    out[kValueOffset] = static_cast<char>(schedule.value);
+    out[VELK_SCHEDULE_TYPE_OFFSET] = static_cast<char>(schedule.type);
+    out[VELK_SCHEDULE_VALUE_OFFSET] = static_cast<char>(schedule.value);
     const size_t length = schedule.time.copy(out + kTimeOffset, VELK_DATA_SIZE - kTimeOffset - 1);
     out[kTimeOffset + length] = '\0';
 }
@@ -108,7 +106,7 @@ struct Time {
     std::string_view hour, minute;
 };
 
-// Nothing when the text is not two numbers with a colon between them. Their ranges are not checked.
+// Returns no value if the text is not two numbers separated by a colon. Ranges are not checked.
 std::optional<Time> ParseTime(std::string_view text) {
     const size_t colon = text.find(':');
     if (colon == std::string_view::npos) {
@@ -130,8 +128,8 @@ std::string CronLine(const CronFields& fields) {
     return line.append(kCommand).append("\n");
 }
 
-// In place of a month that lacks the day the updater runs on the first of the next. The second line
-// holds the months behind such months.
+// In place of a month that lacks the day the updater runs on the first day of the next month. The
+// second line holds the months that follow such a month.
 std::string MonthlyLines(int day, const Time& time) {
     const std::string number = std::to_string(day);
     if (day <= 28) {
@@ -143,7 +141,7 @@ std::string MonthlyLines(int day, const Time& time) {
            CronLine({time.minute, time.hour, first_and_day, is_31 ? "3,5,7,10,12" : "3", kAny});
 }
 
-// The crontab's lines for a schedule; nothing for a schedule that there is not.
+// Returns the crontab's lines for a schedule; no value if the schedule is not valid.
 std::optional<std::string> LinesFor(int type, int value, const Time& time) {
     switch (type) {
         case VELK_SCHEDULE_HOURS: {
@@ -168,7 +166,7 @@ std::optional<std::string> LinesFor(int type, int value, const Time& time) {
     }
 }
 
-// Nothing for data that is not a schedule. The time counts for every type.
+// Returns no value for data that is not a schedule. The time is checked for every type.
 std::optional<std::string> LinesFor(const _velk_request& request) {
     const char* text = &request.data[kTimeOffset];
     const std::optional<Time> time =
@@ -176,41 +174,43 @@ std::optional<std::string> LinesFor(const _velk_request& request) {
     if (!time) {
         return std::nullopt;
     }
-    return LinesFor(static_cast<unsigned char>(request.data[kTypeOffset]),
-                    static_cast<unsigned char>(request.data[kValueOffset]), *time);
+    return LinesFor(static_cast<unsigned char>(request.data[VELK_SCHEDULE_TYPE_OFFSET]),
+                    static_cast<unsigned char>(request.data[VELK_SCHEDULE_VALUE_OFFSET]), *time);
 }
 
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetWebUp(const _velk_request& /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader crontab = velk::LineReader::OfFileNeverEmpty(velk::kCrontab);
+    LineReader crontab = LineReader::OfFileNeverEmpty(kCrontab);
     if (!crontab.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    std::fill_n(out, velk::kClearedSize, '\0');
-    const std::optional<velk::Schedule> schedule = velk::ReadSchedule(crontab);
+    std::fill_n(out, kClearedSize, '\0');
+    const std::optional<Schedule> schedule = ReadSchedule(crontab);
     if (!schedule) {
         return LIB_VELK_FAILURE;
     }
-    velk::PutSchedule(out, *schedule);
+    PutSchedule(out, *schedule);
     return LIB_VELK_SUCCESS;
 }
 
 int SetWebUp(const _velk_request& request, char* /*out*/) {
-    const std::optional<std::string> lines = velk::LinesFor(request);
+    const std::optional<std::string> lines = LinesFor(request);
     if (!lines) {
         return LIB_VELK_FAILURE;
     }
-    velk::FileEdit edit(velk::kCrontab);
+    FileEdit edit(kCrontab);
     if (!edit.is_open()) {
         return LIB_VELK_FAILURE;
     }
-    for (std::string_view line; edit.Next(line);) {
-        if (!velk::Contains(line, velk::kUpdater)) {
+    for (std::string_view line; edit.ReadLine(line);) {
+        if (!Contains(line, kUpdater)) {
             edit.Keep(line);
         }
     }

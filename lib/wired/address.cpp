@@ -1,5 +1,6 @@
-// address.cpp - hardware address, IPv4 address and mask of an interface, by ioctl(2) or
-// ifconfig(8).
+// address.cpp - hardware address, IPv4 address and mask of an interface: read by ioctl(2), set with
+// ifconfig(8). Only SetNetAddress() sets one by ioctl(2). ifconfig.cpp reads the live address of a
+// command.
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -12,14 +13,14 @@
 
 #include "lib/base/data_area.h"
 #include "lib/base/log.h"
-#include "lib/base/mac_text.h"
 #include "lib/base/shell.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
 
-// False, after logging it, when the kernel refuses.
+// Returns false, after a log line, if the kernel refuses.
 bool AskKernel(int socket, ifreq& ifr, int request) {
     if (ioctl(socket, static_cast<unsigned long>(request), &ifr) == -1) {
         LogErrno("ioctl errno=%d:%s", errno);
@@ -28,7 +29,7 @@ bool AskKernel(int socket, ifreq& ifr, int request) {
     return true;
 }
 
-// The union of an ifreq seen as an IPv4 socket address.
+// Returns the union of an ifreq as an IPv4 socket address.
 sockaddr_in AddressIn(const ifreq& ifr) {
     sockaddr_in address;
     memcpy(&address, &ifr.ifr_addr, sizeof(address));
@@ -38,16 +39,18 @@ sockaddr_in AddressIn(const ifreq& ifr) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetMacAddress(int socket, ifreq& ifr, int request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    if (!velk::AskKernel(socket, ifr, request)) {
-        return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
+    if (!AskKernel(socket, ifr, request)) {
+        return LIB_VELK_SUCCESS;  // a missing address is the empty text
     }
     uint8_t mac[6];
     memcpy(mac, ifr.ifr_hwaddr.sa_data, sizeof(mac));
-    velk::PutMac(out, mac);
+    PutMac(out, mac);
     return LIB_VELK_SUCCESS;
 }
 
@@ -56,10 +59,10 @@ int GetNetAddress(int socket, ifreq& ifr, int request, char* out) {
         return LIB_VELK_INVALID_PARAMETER;
     }
     out[0] = '\0';
-    if (!velk::AskKernel(socket, ifr, request)) {
-        return LIB_VELK_SUCCESS;  // a missing address is told by the empty text
+    if (!AskKernel(socket, ifr, request)) {
+        return LIB_VELK_SUCCESS;  // a missing address is the empty text
     }
-    const sockaddr_in address = velk::AddressIn(ifr);
+    const sockaddr_in address = AddressIn(ifr);
     inet_ntop(AF_INET, &address.sin_addr, out, INET_ADDRSTRLEN);
     return LIB_VELK_SUCCESS;
 }
@@ -76,25 +79,25 @@ int SetNetAddress(int socket, ifreq& ifr, int request, const char* value) {
     if (value == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    sockaddr_in address = velk::AddressIn(ifr);
+    sockaddr_in address = AddressIn(ifr);
     address.sin_family = AF_INET;
     (void)inet_aton(value, &address.sin_addr);  // not an address: the kernel gets the old bytes
     memcpy(&ifr.ifr_addr, &address, sizeof(address));
-    return velk::AskKernel(socket, ifr, request) ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE;
+    return AskKernel(socket, ifr, request) ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE;
 }
 
 int SetIpAddress(int /*socket*/, ifreq& ifr, int /*request*/, const char* value) {
     if (value == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const std::string name(velk::FieldText(ifr.ifr_name));
-    return velk::CommandLine("sudo ifconfig %s %s", name.c_str(), value).Run();
+    const std::string name(FieldText(ifr.ifr_name));
+    return CommandLine("sudo ifconfig %s %s", name.c_str(), value).Run();
 }
 
 int SetSubNetMask(int /*socket*/, ifreq& ifr, int /*request*/, const char* value) {
     if (value == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const std::string name(velk::FieldText(ifr.ifr_name));
-    return velk::CommandLine("sudo ifconfig %s netmask %s", name.c_str(), value).Run();
+    const std::string name(FieldText(ifr.ifr_name));
+    return CommandLine("sudo ifconfig %s netmask %s", name.c_str(), value).Run();
 }

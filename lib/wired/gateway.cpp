@@ -15,15 +15,16 @@
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
 
 constexpr std::string_view kDefaultDestination = "00000000";
 
-// The gateway of a default route; nothing for any other line. The kernel prints the address as it
-// lies in memory, so the number read back is in network order already.
+// Returns the gateway of a default route; no value for any other line. The kernel prints the
+// address as it is in memory, so the parsed number is already in network order.
 std::optional<in_addr> DefaultGatewayOn(std::string_view line) {
     (void)TakeWord(line);  // the interface
     if (TakeWord(line) != kDefaultDestination) {
@@ -44,21 +45,23 @@ std::optional<in_addr> DefaultGatewayOn(std::string_view line) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetDefGateway(int /*socket*/, ifreq& ifr, int /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::LineReader routes(velk::kRoutingTable);
+    LineReader routes(kRoutingTable);
     if (!routes.is_open()) {
-        velk::Log("DelRoutingTable ifs");
+        Log("DelRoutingTable ifs");
         return LIB_VELK_FAILURE;
     }
-    const std::string_view name = velk::FieldText(ifr.ifr_name);
-    for (std::string_view line; routes.Next(line);) {
+    const std::string_view name = FieldText(ifr.ifr_name);
+    for (std::string_view line; routes.ReadLine(line);) {
         if (!line.starts_with(name)) {
             continue;
         }
-        if (const std::optional<in_addr> gateway = velk::DefaultGatewayOn(line)) {
+        if (const std::optional<in_addr> gateway = DefaultGatewayOn(line)) {
             inet_ntop(AF_INET, &*gateway, out, INET_ADDRSTRLEN);
             break;
         }
@@ -70,14 +73,14 @@ int SetDefGateway(int socket, ifreq& ifr, int request, const char* value) {
     if (value == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const velk::CommandLine add("sudo route add default gw %s", value);
+    const CommandLine add("sudo route add default gw %s", value);
     if (!add.fits()) {
-        return add.Run();  // refused before the old route is gone
+        return add.Run();  // refused before the old route is removed
     }
     char current[INET_ADDRSTRLEN] = "";
     if (GetDefGateway(socket, ifr, request, current) == LIB_VELK_SUCCESS) {
-        // Without a default route the line names none and fails unseen.
-        const int deleted = velk::CommandLine("sudo route del default gw %s", current).Run();
+        // Without a default route the line names no gateway; its failure is not detected.
+        const int deleted = CommandLine("sudo route del default gw %s", current).Run();
         if (deleted != LIB_VELK_SUCCESS) {
             return deleted;
         }

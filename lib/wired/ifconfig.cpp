@@ -7,7 +7,8 @@
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -32,7 +33,7 @@ class BlockScanner {
     bool inside_ = false;
 };
 
-// Writes what follows the key, up to the first blank.
+// Writes the text after the key, up to the first blank.
 void PutValue(std::string_view line, std::string_view key, char* out) {
     const size_t found = line.find(key);
     if (found == std::string_view::npos) {
@@ -45,22 +46,24 @@ void PutValue(std::string_view line, std::string_view key, char* out) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetNetAddress(const _velk_request& request, const char* key, char* out) {
     if (key == nullptr || out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    velk::CommandOutput output(velk::CommandLine("ifconfig > %s", velk::kResultFile));
+    CommandOutput output(CommandLine("ifconfig > %s", kResultFile));
     if (output.run_result() != LIB_VELK_SUCCESS) {
         return LIB_VELK_FAILURE;
     }
     if (!output.is_open()) {
-        velk::Log("ifstream");
+        Log("ifstream");
         return LIB_VELK_FAILURE;
     }
-    velk::BlockScanner scanner(velk::FieldText(request.interface));
-    for (std::string_view line; output.Next(line);) {
+    BlockScanner scanner(FieldText(request.interface));
+    for (std::string_view line; output.ReadLine(line);) {
         if (scanner.IsInBlock(line)) {
-            velk::PutValue(line, key, out);
+            PutValue(line, key, out);
         }
     }
     output.Remove();

@@ -1,4 +1,4 @@
-// ioctl_table.cpp - the properties that the kernel holds, and the commands on them.
+// ioctl_table.cpp - the functions that read and change a property that the kernel holds.
 #include "lib/wired/ioctl_table.h"
 
 #include <algorithm>
@@ -13,8 +13,9 @@
 #include "lib/base/data_area.h"
 #include "lib/base/log.h"
 #include "lib/base/unique_fd.h"
-#include "lib/presence/wireless.h"
-#include "velk.h"
+#include "lib/presence/wireless_refusal.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -29,7 +30,7 @@ constexpr auto kRows = std::to_array<IoctlEntry>({
     {VELK_CMD_GATEWAY, 0, GetDefGateway, SIOCADDRT, SetDefGateway},
 });
 
-// A socket to make ioctls on; logs when there is none.
+// Returns a socket for ioctls; logs a failure.
 UniqueFd OpenSocket() {
     UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (fd.get() == -1) {
@@ -50,44 +51,46 @@ constinit const std::span<const IoctlEntry> kIoctlTable = kRows;
 
 }  // namespace velk
 
+using namespace velk;
+
 int GetIoctl(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    if (velk::FieldText(request.interface) == VELK_WIRELESS_INTERFACE) {
-        if (const int refusal = velk::WirelessRefusal(); refusal != LIB_VELK_SUCCESS) {
+    if (FieldText(request.interface) == VELK_WIRELESS_INTERFACE) {
+        if (const int refusal = WirelessRefusal(); refusal != LIB_VELK_SUCCESS) {
             return refusal;
         }
     }
-    const auto entry = std::find_if(
-        velk::kIoctlTable.begin(), velk::kIoctlTable.end(),
-        [&](const velk::IoctlEntry& row) { return row.command_id == request.command_id; });
-    if (entry == velk::kIoctlTable.end()) {
+    const auto entry =
+        std::find_if(kIoctlTable.begin(), kIoctlTable.end(),
+                     [&](const IoctlEntry& row) { return row.command_id == request.command_id; });
+    if (entry == kIoctlTable.end()) {
         return LIB_VELK_SUCCESS;
     }
-    const velk::UniqueFd socket = velk::OpenSocket();
+    const UniqueFd socket = OpenSocket();
     if (socket.get() == -1) {
         return LIB_VELK_FAILURE;
     }
-    ifreq ifr = velk::InterfaceRequest(request);
+    ifreq ifr = InterfaceRequest(request);
     return entry->get_handler(socket.get(), ifr, static_cast<int>(entry->get_request), out);
 }
 
 int SetIoctl(const _velk_request& request, char* /*out*/) {
-    const auto entry = std::find_if(
-        velk::kIoctlTable.begin(), velk::kIoctlTable.end(), [&](const velk::IoctlEntry& row) {
+    const auto entry =
+        std::find_if(kIoctlTable.begin(), kIoctlTable.end(), [&](const IoctlEntry& row) {
             return row.command_id == request.command_id && row.set_handler != nullptr;
         });
-    if (entry == velk::kIoctlTable.end()) {
+    if (entry == kIoctlTable.end()) {
         return LIB_VELK_SUCCESS;
     }
-    const velk::UniqueFd socket = velk::OpenSocket();
+    const UniqueFd socket = OpenSocket();
     if (socket.get() == -1) {
         return LIB_VELK_FAILURE;
     }
-    ifreq ifr = velk::InterfaceRequest(request);
+    ifreq ifr = InterfaceRequest(request);
     // The handlers read a text up to its NUL; a data area may lack one.
-    const std::string value(velk::FieldText(request.data));
+    const std::string value(FieldText(request.data));
     return entry->set_handler(socket.get(), ifr, static_cast<int>(entry->set_request),
                               value.c_str());
 }

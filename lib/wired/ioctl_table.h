@@ -1,4 +1,4 @@
-// ioctl_table.h - which functions read and change a property that the kernel holds.
+// ioctl_table.h - the functions that read and change a property that the kernel holds.
 #ifndef VELK_WIRED_IOCTL_TABLE_H_
 #define VELK_WIRED_IOCTL_TABLE_H_
 

@@ -9,7 +9,8 @@
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wired.h"
 
 namespace velk {
 namespace {
@@ -23,7 +24,7 @@ constexpr std::array kModeOptions{
     "speed 10 duplex half autoneg off",
 };
 
-// What ethtool shows of a port, named after the kernel's ethtool_cmd record.
+// The settings that ethtool shows, named after the fields of the kernel's ethtool_cmd record.
 struct LinkSettings {
     int autoneg = 0;
     int speed = 0;
@@ -49,7 +50,7 @@ void LinkSettings::Read(std::string_view line) {
     }
 }
 
-// The mode 1 to 5; 0 for settings that no mode stands for.
+// Returns the mode 1 to 5; 0 for settings without a mode.
 int LinkSettings::Mode() const {
     if (autoneg == 1) {
         return VELK_LINK_AUTO;
@@ -66,28 +67,29 @@ int LinkSettings::Mode() const {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetLinkSpeed(int /*socket*/, ifreq& ifr, int /*request*/, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const std::string name(velk::FieldText(ifr.ifr_name));
-    velk::CommandOutput output(
-        velk::CommandLine("sudo ethtool %s > %s", name.c_str(), velk::kResultFile));
+    const std::string name(FieldText(ifr.ifr_name));
+    CommandOutput output(CommandLine("sudo ethtool %s > %s", name.c_str(), kResultFile));
     if (output.run_result() != LIB_VELK_SUCCESS) {
         return LIB_VELK_FAILURE;
     }
     if (!output.is_open()) {
-        velk::Log("ifstream");
+        Log("ifstream");
         return LIB_VELK_FAILURE;
     }
-    velk::LinkSettings settings;
-    for (std::string_view line; output.Next(line);) {
+    LinkSettings settings;
+    for (std::string_view line; output.ReadLine(line);) {
         settings.Read(line);
     }
     output.Remove();
     const int mode = settings.Mode();
     if (mode == 0) {
-        velk::Log("ecmd.autoneg=%d, ecmd.speed=%d", settings.autoneg, settings.speed);
+        Log("ecmd.autoneg=%d, ecmd.speed=%d", settings.autoneg, settings.speed);
         return LIB_VELK_FAILURE;
     }
     out[0] = static_cast<char>(mode);
@@ -102,7 +104,6 @@ int SetLinkSpeed(int /*socket*/, ifreq& ifr, int /*request*/, const char* value)
     if (mode < VELK_LINK_AUTO || mode > VELK_LINK_10_HALF) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const std::string name(velk::FieldText(ifr.ifr_name));
-    return velk::CommandLine("sudo ethtool -s %s %s", name.c_str(), velk::kModeOptions[mode - 1U])
-        .Run();
+    const std::string name(FieldText(ifr.ifr_name));
+    return CommandLine("sudo ethtool -s %s %s", name.c_str(), kModeOptions[mode - 1U]).Run();
 }

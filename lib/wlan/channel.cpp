@@ -15,13 +15,14 @@
 #include "lib/base/unique_fd.h"
 #include "lib/base/wait.h"
 #include "lib/wlan/reply_path.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
 
 constexpr time_t kReplySeconds = 60;
-constexpr mode_t kReplyMode = 0600;  // other users send nothing that would pass for the daemon's
+constexpr mode_t kReplyMode = 0600;  // no other user can send a false reply
 constexpr int kBindTries = 100;
 constexpr unsigned kGraceSeconds = 1;
 
@@ -52,8 +53,8 @@ UniqueFd OpenSocket() {
     return UniqueFd(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
 }
 
-// Returns 0 or the errno of the last bind(2). Another user may take the path after its removal;
-// then both are done again.
+// Returns 0 or the errno of the last bind(2). If another user takes the path after its removal,
+// both steps are repeated.
 int BindReplySocket(int fd) {
     const Address self(kReplySocket);
     int error = 0;
@@ -69,7 +70,8 @@ int BindReplySocket(int fd) {
     return error;
 }
 
-// Tells the daemon that the reply socket exists. The reply is waited for even when that fails.
+// Signals the daemon that the reply socket exists. The caller waits for the reply even if this
+// fails.
 void PostReady(const sem_t* ready) {
     int error = EINVAL;
     if (ready != nullptr) {
@@ -80,16 +82,16 @@ void PostReady(const sem_t* ready) {
     }
 }
 
-// The daemon has a question whose answer nobody will get. It must find the semaphore that nobody
-// has posted before that is removed: another user who has taken the path could make a posted one.
-// With the path in the hands of another query of the caller's there is no hurry.
+// The daemon has received a request, but nobody will read its reply. It must find this unposted
+// semaphore before the semaphore is removed: another user who has taken the path could create a
+// posted one. If another query of the caller has the path, no wait is needed.
 void WaitForDaemon() {
     if (OwnerOfReplyPath() != ReplyPathOwner::kCaller) {
         WaitSeconds(kGraceSeconds);
     }
 }
 
-// As select(2) on one descriptor; one that no fd_set can hold is an invalid argument.
+// Returns the result of select(2) on one descriptor; EINVAL for one too large for an fd_set.
 int WaitReadable(int fd) {
     if (fd >= FD_SETSIZE) {
         errno = EINVAL;
@@ -112,7 +114,7 @@ int ReceiveReply(int fd, UMsgData& out) {
         Log("RecvWlanResponseMessage select timeout");
         return LIB_VELK_FAILURE;
     }
-    Message reply{};  // what a short reply lacks stays zero
+    Message reply{};  // a short reply leaves the rest zero
     if (recvfrom(fd, &reply, sizeof(reply), MSG_DONTWAIT, nullptr, nullptr) == -1) {
         Log("RecvWlanResponseMessage recvfrom size=0");
         return LIB_VELK_FAILURE;
@@ -124,48 +126,50 @@ int ReceiveReply(int fd, UMsgData& out) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int SendWlanRequestMessage(short type, const UMsgData* body) {
-    const velk::UniqueFd fd = velk::OpenSocket();
+    const UniqueFd fd = OpenSocket();
     if (fd.get() == -1) {
-        velk::LogErrno("SendWlanRequestMessage socket:errno=%d:%s", errno);
+        LogErrno("SendWlanRequestMessage socket:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    velk::Message message{};
+    Message message{};
     message.type = type;
     if (body != nullptr) {
         message.body = *body;
     }
-    const velk::Address daemon(velk::kRequestSocket);
+    const Address daemon(kRequestSocket);
     if (connect(fd.get(), daemon.get(), daemon.length) == -1) {
-        velk::LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
+        LogErrno("SendWlanRequestMessage connect:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
     if (sendto(fd.get(), &message, sizeof(message), MSG_DONTWAIT, nullptr, 0) == -1) {
-        velk::LogErrno("SendWlanRequestMessage sendto:errno=%d:%s", errno);
+        LogErrno("SendWlanRequestMessage sendto:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
     return LIB_VELK_SUCCESS;
 }
 
 int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready) {
-    unlink(velk::kReplySocket);  // left behind by a program that crashed
-    velk::UniqueFd fd = velk::OpenSocket();
+    unlink(kReplySocket);  // a program that crashed may have left it
+    UniqueFd fd = OpenSocket();
     if (fd.get() == -1) {
-        velk::LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
+        LogErrno("RecvWlanResponseMessage socket:errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    if (fchmod(fd.get(), velk::kReplyMode) == -1) {  // bind(2) makes the file with this mode
-        velk::LogErrno("RecvWlanResponseMessage fchmod errno=%d:%s", errno);
+    if (fchmod(fd.get(), kReplyMode) == -1) {  // bind(2) makes the file with this mode
+        LogErrno("RecvWlanResponseMessage fchmod errno=%d:%s", errno);
         return LIB_VELK_FAILURE;
     }
-    if (const int error = velk::BindReplySocket(fd.get()); error != 0) {
-        velk::LogErrno("RecvWlanResponseMessage bind errno=%d:%s", error);
-        velk::WaitForDaemon();
+    if (const int error = BindReplySocket(fd.get()); error != 0) {
+        LogErrno("RecvWlanResponseMessage bind errno=%d:%s", error);
+        WaitForDaemon();
         return LIB_VELK_FAILURE;
     }
-    velk::PostReady(ready);
-    const int result = velk::ReceiveReply(fd.get(), out);
+    PostReady(ready);
+    const int result = ReceiveReply(fd.get(), out);
     fd.Reset();
-    unlink(velk::kReplySocket);
+    unlink(kReplySocket);
     return result;
 }

@@ -1,7 +1,7 @@
 // codes.cpp - the wireless daemon's coded values and the bytes that requests use for them.
 #include "lib/wlan/codes.h"
 
-#include "velk.h"
+#include "velk/request.h"
 
 namespace velk {
 

@@ -12,12 +12,12 @@ struct Code {
     uint16_t value;  // in the daemon's record
 };
 
-// Writes the byte of a value; LIB_VELK_FAILURE, with nothing written, for a null `out` and for a
-// value without a byte.
+// Writes the byte of a value. Returns LIB_VELK_FAILURE, with nothing written, for a null `out` and
+// for a value without a byte.
 int PutCode(std::span<const Code> codes, uint16_t value, char* out);
 
-// Stores the value of a byte; LIB_VELK_INVALID_PARAMETER, with nothing stored, for a null `in` and
-// for a byte without a value.
+// Stores the value of a byte. Returns LIB_VELK_INVALID_PARAMETER, with nothing stored, for a null
+// `in` and for a byte without a value.
 int TakeCode(std::span<const Code> codes, const char* in, uint16_t& value);
 
 }  // namespace velk

@@ -3,7 +3,8 @@
 #include <array>
 
 #include "lib/wlan/query.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
@@ -29,7 +30,7 @@ constexpr auto kFields = std::to_array<WlanConfEntry>({
     {VELK_CMD_PSK, GetPsk, SetPsk},
 });
 
-// Null for an id that is no field of the configuration.
+// Returns null for an id that is no field of the configuration.
 const WlanConfEntry* FindField(uint32_t command_id) {
     const auto* field = std::find_if(kFields.begin(), kFields.end(),
                                      [&](const auto& row) { return row.command_id == command_id; });
@@ -39,8 +40,10 @@ const WlanConfEntry* FindField(uint32_t command_id) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int RecvWlanConf(UMsgData& out) {
-    return velk::QueryWlanDaemon(VELK_WLAN_REPORT, out);
+    return QueryWlanDaemon(VELK_WLAN_REPORT, out);
 }
 
 int GetWlanConf(const _velk_request& request, char* out) {
@@ -51,7 +54,7 @@ int GetWlanConf(const _velk_request& request, char* out) {
     if (const int received = RecvWlanConf(data); received != LIB_VELK_SUCCESS) {
         return received;
     }
-    const velk::WlanConfEntry* field = velk::FindField(request.command_id);
+    const WlanConfEntry* field = FindField(request.command_id);
     return field == nullptr ? LIB_VELK_SUCCESS : field->getter(data.conf, out);
 }
 
@@ -60,7 +63,7 @@ int SetWlanConf(const _velk_request& request, char* /*out*/) {
     if (const int received = RecvWlanConf(data); received != LIB_VELK_SUCCESS) {
         return received;
     }
-    if (const velk::WlanConfEntry* field = velk::FindField(request.command_id)) {
+    if (const WlanConfEntry* field = FindField(request.command_id)) {
         const int changed = field->setter(data.conf, request.data);
         if (changed != LIB_VELK_SUCCESS) {
             return changed;

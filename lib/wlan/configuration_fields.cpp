@@ -3,7 +3,8 @@
 #include <cstring>
 
 #include "lib/wlan/codes.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
@@ -13,9 +14,8 @@ constexpr std::array kServiceSetCodes{Code{1, 1}, Code{2, 0}};
 constexpr std::array kSecurityCodes{Code{1, 0}, Code{2, 1}, Code{3, 2}, Code{4, 3}};
 
 constexpr uint16_t kEncryptionWep = 1;
-constexpr int kWepKeys = 4;
 
-// Numbers that are the same in record and request. The low byte is passed on whatever it is.
+// Writes a number that is the same in record and request. The low byte is not checked.
 int PutNumber(uint16_t value, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
@@ -36,7 +36,8 @@ int TakeNumber(const char* in, unsigned char highest, uint16_t& value) {
     return LIB_VELK_SUCCESS;
 }
 
-// A text of the record, without a terminator. A length beyond the field is the daemon's error.
+// Writes a text of the record without a terminator. A length beyond the field is the daemon's
+// error.
 template <size_t kSize>
 int PutBytes(uint16_t length, const char (&field)[kSize], char* out) {
     if (out == nullptr || length > kSize) {
@@ -64,23 +65,25 @@ int TakeText(const char* in, uint16_t& length, char (&field)[kSize]) {
 }
 
 bool IsWepKeyNumber(int n) {
-    return n >= 1 && n <= kWepKeys;
+    return n >= 1 && n <= VELK_WEP_KEYS;
 }
 
-// ASCII keys have 5 or 13 characters, hexadecimal ones 10 or 26; none clears the key, which the key
-// in use must not be.
+// An empty text clears the key. The key in use must not be cleared.
 bool IsWepKeyLength(const SMsgConf& conf, int n, size_t length) {
     if (length == 0) {
         return conf.encryption != kEncryptionWep || conf.wep_default != n;
     }
-    return length == 5 || length == 10 || length == 13 || length == 26;
+    return length == VELK_WEP_SHORT_KEY || length == VELK_WEP_LONG_KEY ||
+           length == VELK_WEP_SHORT_HEX_KEY || length == VELK_WEP_LONG_HEX_KEY;
 }
 
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetDot11PhyConf(const SMsgConf& conf, char* out) {
-    const int result = velk::PutCode(velk::kDot11PhyCodes, conf.dot11_phy_conf, out);
+    const int result = PutCode(kDot11PhyCodes, conf.dot11_phy_conf, out);
     if (result != LIB_VELK_SUCCESS && out != nullptr) {
         out[0] = 3;
     }
@@ -88,59 +91,59 @@ int GetDot11PhyConf(const SMsgConf& conf, char* out) {
 }
 
 int SetDot11PhyConf(SMsgConf& conf, const char* in) {
-    return velk::TakeCode(velk::kDot11PhyCodes, in, conf.dot11_phy_conf);
+    return TakeCode(kDot11PhyCodes, in, conf.dot11_phy_conf);
 }
 
 int GetServiceSet(const SMsgConf& conf, char* out) {
-    return velk::PutCode(velk::kServiceSetCodes, conf.service_set, out);
+    return PutCode(kServiceSetCodes, conf.service_set, out);
 }
 
 int SetServiceSet(SMsgConf& conf, const char* in) {
-    return velk::TakeCode(velk::kServiceSetCodes, in, conf.service_set);
+    return TakeCode(kServiceSetCodes, in, conf.service_set);
 }
 
 int GetSsid(const SMsgConf& conf, char* out) {
-    return velk::PutBytes(conf.ssid_length, conf.ssid, out);
+    return PutBytes(conf.ssid_length, conf.ssid, out);
 }
 
 int SetSsid(SMsgConf& conf, const char* in) {
-    return velk::TakeText(in, conf.ssid_length, conf.ssid);
+    return TakeText(in, conf.ssid_length, conf.ssid);
 }
 
 int GetChannel(const SMsgConf& conf, char* out) {
-    return velk::PutNumber(conf.channel, out);
+    return PutNumber(conf.channel, out);
 }
 
 int SetChannel(SMsgConf& conf, const char* in) {
-    return velk::TakeNumber(in, 13, conf.channel);
+    return TakeNumber(in, VELK_CHANNELS, conf.channel);
 }
 
 int GetEncryption(const SMsgConf& conf, char* out) {
-    return velk::PutCode(velk::kSecurityCodes, conf.encryption, out);
+    return PutCode(kSecurityCodes, conf.encryption, out);
 }
 
 int SetEncryption(SMsgConf& conf, const char* in) {
-    return velk::TakeCode(velk::kSecurityCodes, in, conf.encryption);
+    return TakeCode(kSecurityCodes, in, conf.encryption);
 }
 
 int GetAuth(const SMsgConf& conf, char* out) {
-    return velk::PutCode(velk::kSecurityCodes, conf.auth, out);
+    return PutCode(kSecurityCodes, conf.auth, out);
 }
 
 int SetAuth(SMsgConf& conf, const char* in) {
-    return velk::TakeCode(velk::kSecurityCodes, in, conf.auth);
+    return TakeCode(kSecurityCodes, in, conf.auth);
 }
 
 int GetWepDefault(const SMsgConf& conf, char* out) {
-    return velk::PutNumber(conf.wep_default, out);
+    return PutNumber(conf.wep_default, out);
 }
 
 int SetWepDefault(SMsgConf& conf, const char* in) {
-    return velk::TakeNumber(in, velk::kWepKeys, conf.wep_default);
+    return TakeNumber(in, VELK_WEP_KEYS, conf.wep_default);
 }
 
 int GetPsk(const SMsgConf& conf, char* out) {
-    const int result = velk::PutBytes(conf.psk_length, conf.psk, out);
+    const int result = PutBytes(conf.psk_length, conf.psk, out);
     if (result == LIB_VELK_SUCCESS) {
         out[conf.psk_length] = '\0';
     }
@@ -148,31 +151,31 @@ int GetPsk(const SMsgConf& conf, char* out) {
 }
 
 int SetPsk(SMsgConf& conf, const char* in) {
-    return velk::TakeText(in, conf.psk_length, conf.psk);
+    return TakeText(in, conf.psk_length, conf.psk);
 }
 
 int GetWepKey(const SMsgConf& conf, int n, char* out) {
-    if (!velk::IsWepKeyNumber(n)) {
+    if (!IsWepKeyNumber(n)) {
         return LIB_VELK_FAILURE;
     }
     const SWepKey& slot = conf.wep_key[n - 1];
-    return velk::PutBytes(slot.length, slot.key, out);
+    return PutBytes(slot.length, slot.key, out);
 }
 
 int SetWepKey(SMsgConf& conf, int n, const char* in) {
     if (in == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    const size_t length = velk::TextLength(in);
-    if (!velk::IsWepKeyLength(conf, n, length)) {
+    const size_t length = TextLength(in);
+    if (!IsWepKeyLength(conf, n, length)) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    if (!velk::IsWepKeyNumber(n)) {
+    if (!IsWepKeyNumber(n)) {
         return LIB_VELK_FAILURE;
     }
     SWepKey& slot = conf.wep_key[n - 1];
     slot.length = static_cast<uint16_t>(length);
-    memcpy(slot.key, in, length);  // the tail of an older key stays; the length bounds what counts
+    memcpy(slot.key, in, length);  // the rest of an older key stays; only `length` bytes count
     return LIB_VELK_SUCCESS;
 }
 

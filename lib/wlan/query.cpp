@@ -4,11 +4,13 @@
 #include "lib/base/log.h"
 #include "lib/wlan/reply_path.h"
 #include "lib/wlan/semaphore.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 
 // The daemon sends its reply to any socket at the reply path once the semaphore is posted. Until
-// this program has bound that path nobody else may post, so another user's files go first.
+// this program has bound that path nobody else may post, so another user's files are removed first.
 int QueryWlanDaemon(short type, UMsgData& out) {
     if (!ClearReplyPath()) {
         return LIB_VELK_FAILURE;

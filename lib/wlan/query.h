@@ -2,12 +2,12 @@
 #ifndef VELK_WLAN_QUERY_H_
 #define VELK_WLAN_QUERY_H_
 
-#include "velk.h"
+#include "velk/wlan.h"
 
 namespace velk {
 
-// Sends a message without a body and waits for the reply. Returns LIB_VELK_SUCCESS, or what sending
-// or receiving returned. The semaphore is gone afterwards.
+// Sends a message without a body and waits for the reply. Returns LIB_VELK_SUCCESS, or the result
+// of sending or receiving. The semaphore is removed.
 int QueryWlanDaemon(short type, UMsgData& out);
 
 }  // namespace velk

@@ -4,7 +4,8 @@
 
 namespace velk {
 
-// Who made the file at the path. Nobody but its owner and root can remove it from a sticky folder.
+// The owner of the file at the path. Nobody but its owner and root can remove it from a sticky
+// folder.
 enum class ReplyPathOwner { kNone, kCaller, kOther };
 ReplyPathOwner OwnerOfReplyPath();
 

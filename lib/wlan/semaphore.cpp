@@ -1,4 +1,4 @@
-// semaphore.cpp - the semaphore that tells the wireless daemon when it may reply.
+// semaphore.cpp - the semaphore of one query, which no other user can post.
 #include "lib/wlan/semaphore.h"
 
 #include <cerrno>
@@ -10,14 +10,14 @@
 
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
-#include "velk.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
 
 constexpr mode_t kMode = 0666;
 constexpr mode_t kPrivateMode = 0600;
-constexpr int kTries = 100;  // another user may make the file anew after each removal
+constexpr int kTries = 100;  // another user may create the file again after each removal
 
 // A query goes on without a semaphore; the missing handle fails here instead of crashing.
 int Close(const sem_t* sem) {
@@ -55,8 +55,8 @@ ReadySemaphore::~ReadySemaphore() {
     }
 }
 
-// Returns false with errno if somebody else had the name at that moment. Without a file of that
-// name the facts stay zero, like those of an empty file.
+// Returns false with errno if another user has the name at this moment. Without a file of that name
+// the facts stay zero, like those of an empty file.
 bool ReadySemaphore::TakeName() {
     struct stat facts {};
     const int found = lstat(kSemaphoreFile, &facts);
@@ -70,8 +70,8 @@ bool ReadySemaphore::TakeName() {
     return Renew();
 }
 
-// A query that was killed may leave a posted semaphore. The size is looked at first because C
-// libraries map any file, and reading beyond its end would end the program.
+// A query that was killed may leave a posted semaphore. The size is checked first because C
+// libraries map any file, and reading beyond its end would crash the program.
 bool ReadySemaphore::IsUnposted(const struct stat& facts) const {
     int value = 0;
     return facts.st_size >= static_cast<off_t>(sizeof(sem_t)) &&
@@ -85,9 +85,9 @@ bool ReadySemaphore::Renew() {
     return handle_ != nullptr;
 }
 
-// Without a semaphore of its own the query goes on, but nobody else may make one meanwhile: a link
-// keeps the name, and semaphores are opened through none. If no link can be made in a folder that
-// can be written, it is full or somebody else was faster, and nothing may be sent.
+// The query goes on without a semaphore of its own, but nobody else may create one meanwhile. A
+// link keeps the name, because semaphores are not opened through links. If no link can be made in a
+// folder that can be written, it is full or another user was faster: nothing may be sent.
 bool ReadySemaphore::Reserve() {
     is_reserved_ = symlink("none", kSemaphoreFile) == 0;
     return is_reserved_ || access(kSemaphoreFolder, W_OK) == -1;
@@ -95,20 +95,22 @@ bool ReadySemaphore::Reserve() {
 
 }  // namespace velk
 
+using namespace velk;
+
 sem_t* CreatSemaphore() {
-    sem_t* sem = sem_open(velk::kSemaphoreName, O_RDWR | O_CREAT, velk::kMode, 0U);
+    sem_t* sem = sem_open(kSemaphoreName, O_RDWR | O_CREAT, kMode, 0U);
     if (sem == SEM_FAILED) {
-        velk::LogErrno("CreatSemaphore sem_open:errno=%d:%s", errno);
+        LogErrno("CreatSemaphore sem_open:errno=%d:%s", errno);
         return nullptr;
     }
     return sem;
 }
 
 void DeleteSemaphore(const sem_t* sem) {
-    if (velk::Close(sem) == -1) {
-        velk::LogErrno("DeleteSemaphore sem_close errno=%d:%s", errno);
+    if (Close(sem) == -1) {
+        LogErrno("DeleteSemaphore sem_close errno=%d:%s", errno);
     }
-    if (sem_unlink(velk::kSemaphoreName) == -1) {
-        velk::LogErrno("DeleteSemaphore sem_unlink errno=%d:%s", errno);
+    if (sem_unlink(kSemaphoreName) == -1) {
+        LogErrno("DeleteSemaphore sem_unlink errno=%d:%s", errno);
     }
 }

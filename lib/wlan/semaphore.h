@@ -7,11 +7,11 @@
 
 namespace velk {
 
-// Tells the daemon when the reply socket exists. The daemon sends its reply, with the keys in it,
+// Signals the daemon that the reply socket exists. The daemon sends its reply, with the keys in it,
 // once the semaphore is posted, to any socket at the reply path. So no other user may post it, or
 // make one of that name.
 //
-// The name is gone after the object on every path.
+// The destructor removes the name on every path.
 class ReadySemaphore {
   public:
     ReadySemaphore();
@@ -19,9 +19,9 @@ class ReadySemaphore {
     ReadySemaphore(const ReadySemaphore&) = delete;
     ReadySemaphore& operator=(const ReadySemaphore&) = delete;
 
-    // False, after a log line, if another user keeps the name. Nothing may be sent then.
+    // Returns false, after a log line, if another user keeps the name. Nothing may be sent then.
     bool is_private() const { return is_private_; }
-    // Null if the semaphore could not be opened.
+    // Returns null if the semaphore could not be opened.
     const sem_t* handle() const { return handle_; }
 
   private:

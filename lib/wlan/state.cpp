@@ -5,11 +5,11 @@
 #include <string_view>
 
 #include "lib/base/data_area.h"
-#include "lib/base/mac_text.h"
-#include "lib/presence/wireless.h"
+#include "lib/presence/wireless_refusal.h"
 #include "lib/wlan/codes.h"
 #include "lib/wlan/query.h"
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace velk {
 namespace {
@@ -32,7 +32,7 @@ constexpr auto kFacts = std::to_array<WlanStateEntry>({
 constexpr std::array kOneBasedCodes{Code{1, 0}, Code{2, 1}, Code{3, 2}};
 constexpr std::string_view kRevisionKey = "Rev= ";
 
-// A coded fact; an unknown value is answered with a byte of its own beside the failure.
+// Writes a coded fact. An unknown value writes `byte_if_unknown` and fails.
 int PutFact(uint16_t value, char byte_if_unknown, char* out) {
     const int result = PutCode(kOneBasedCodes, value, out);
     if (result != LIB_VELK_SUCCESS && out != nullptr) {
@@ -41,7 +41,7 @@ int PutFact(uint16_t value, char byte_if_unknown, char* out) {
     return result;
 }
 
-// Bytes that are passed on as the daemon reports them.
+// Writes the bytes of the daemon's report unchanged.
 template <typename Field>
 int PutRaw(const Field& field, char* out) {
     if (out == nullptr) {
@@ -54,32 +54,34 @@ int PutRaw(const Field& field, char* out) {
 }  // namespace
 }  // namespace velk
 
+using namespace velk;
+
 int GetWlanState(const _velk_request& request, char* out) {
     if (out == nullptr) {
         return LIB_VELK_INVALID_PARAMETER;
     }
-    if (const int refusal = velk::WirelessRefusal(); refusal != LIB_VELK_SUCCESS) {
+    if (const int refusal = WirelessRefusal(); refusal != LIB_VELK_SUCCESS) {
         return refusal;
     }
     UMsgData data;
-    const int received = velk::QueryWlanDaemon(VELK_WLAN_STATE, data);
+    const int received = QueryWlanDaemon(VELK_WLAN_STATE, data);
     if (received != LIB_VELK_SUCCESS) {
         return received;
     }
-    const auto* fact = std::find_if(velk::kFacts.begin(), velk::kFacts.end(), [&](const auto& row) {
+    const auto* fact = std::find_if(kFacts.begin(), kFacts.end(), [&](const auto& row) {
         return row.command_id == request.command_id;
     });
-    return fact == velk::kFacts.end() ? LIB_VELK_SUCCESS : fact->getter(data.state, out);
+    return fact == kFacts.end() ? LIB_VELK_SUCCESS : fact->getter(data.state, out);
 }
 
 int GetHardwareVersion(const SMsgState& state, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    const std::string_view product = velk::FieldText(state.product);
-    const size_t key = product.find(velk::kRevisionKey);
+    const std::string_view product = FieldText(state.product);
+    const size_t key = product.find(kRevisionKey);
     if (key != std::string_view::npos) {
-        velk::PutText(out, product.substr(key + velk::kRevisionKey.size()));
+        PutText(out, product.substr(key + kRevisionKey.size()));
     }
     return LIB_VELK_SUCCESS;
 }
@@ -88,30 +90,30 @@ int GetSoftwareVersion(const SMsgState& state, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::PutText(out, velk::FieldText(state.software_version));
+    PutText(out, FieldText(state.software_version));
     return LIB_VELK_SUCCESS;
 }
 
 int GetDot11Phy(const SMsgState& state, char* out) {
-    return velk::PutFact(state.dot11_phy, 3, out);
+    return PutFact(state.dot11_phy, 3, out);
 }
 
 int GetRegion(const SMsgState& state, char* out) {
-    return velk::PutFact(state.region, 1, out);
+    return PutFact(state.region, 1, out);
 }
 
 int GetRate(const SMsgState& state, char* out) {
-    return velk::PutRaw(state.rate, out);
+    return PutRaw(state.rate, out);
 }
 
 int GetAccessPoint(const SMsgState& state, char* out) {
     if (out == nullptr) {
         return LIB_VELK_FAILURE;
     }
-    velk::PutMac(out, state.access_point);
+    PutMac(out, state.access_point);
     return LIB_VELK_SUCCESS;
 }
 
 int GetSignal(const SMsgState& state, char* out) {
-    return velk::PutRaw(state.signal, out);
+    return PutRaw(state.signal, out);
 }

@@ -1,10 +1,10 @@
 # velkctl.bash - completes the words of velkctl.
 # shellcheck shell=bash
 #
-# The names and values are velkctl's own: it is asked with "--help", "list" and "describe", which
-# read nothing of the device and never wait.
+# The names and values come from velkctl's "--help", "list" and "describe", which read nothing of the
+# device and never wait.
 
-# Says the verbs, one a line.
+# Prints the verbs, one a line.
 _velkctl_verbs() {
     velkctl --help 2>/dev/null | while IFS= read -r line; do
         case $line in
@@ -15,7 +15,7 @@ _velkctl_verbs() {
     done
 }
 
-# Says the options of a verb, or those in front of it, one a line.
+# Prints the options of a verb, or those before it, one a line.
 _velkctl_options() { # [VERB]
     velkctl "$@" --help 2>/dev/null | while IFS= read -r line; do
         [[ $line =~ ^\ \ ((-[a-z]),)?(--[a-z-]+)(\ |$) ]] || continue
@@ -23,7 +23,7 @@ _velkctl_options() { # [VERB]
     done
 }
 
-# Says the settings, one a line: name, id, interface or null, whether it can be read, and set.
+# Prints the settings, one a line: name, id, interface or null, readable, changeable.
 _velkctl_settings() {
     local key value name='' id='' interface='' get=''
     velkctl list --json 2>/dev/null | while read -r key value; do
@@ -40,7 +40,7 @@ _velkctl_settings() {
     done
 }
 
-# Says a part of every setting that fits, one a line, each once.
+# Prints a field of every matching setting, one a line, each once.
 _velkctl_pick() { # name|id|interface get|set|any [ID]
     local name id interface get set picked=' ' word
     _velkctl_settings | while read -r name id interface get set; do
@@ -63,11 +63,11 @@ _velkctl_is_secret() { # NAME
     [[ $(velkctl describe "$1" --json 2>/dev/null) == *'"secret": true'* ]]
 }
 
-# Says the next words of a setting's values, behind the words that are there already.
+# Prints the next words of a setting's values, after the words already given.
 _velkctl_values() { # NAME WORD...
-    local name=$1 line in_values='' behind last=''
+    local name=$1 line in_values='' given last=''
     shift
-    behind="$*${1+ }"
+    given="$*${1+ }"
     velkctl describe "$name" --json 2>/dev/null | while read -r line; do
         case $line in
             '"values": [') in_values=1 ;;
@@ -77,8 +77,8 @@ _velkctl_values() { # NAME WORD...
                 line=${line%,}
                 line=${line#\"}
                 line=${line%\"}
-                case $line in "$behind"*) ;; *) continue ;; esac
-                line=${line#"$behind"}
+                case $line in "$given"*) ;; *) continue ;; esac
+                line=${line#"$given"}
                 line=${line%% *}
                 [ "$line" = "$last" ] || printf '%s\n' "$line"
                 last=$line
@@ -87,15 +87,15 @@ _velkctl_values() { # NAME WORD...
     done
 }
 
-# Says the files that may be meant, behind the sign for them, one a line.
+# Prints the matching files after "@", one a line.
 _velkctl_files() { # BEGINNING
     compgen -f -- "$1" | while IFS= read -r file; do
         printf '@%q%s\n' "$file" "$([ -d "$file" ] && echo /)"
     done
 }
 
-# Says what may stand in the place of a word behind the words of a verb, one a line. The word
-# itself only decides of what sort the candidates are.
+# Prints the candidates for a word after the words of a verb, one a line. The word itself only selects
+# their kind.
 _velkctl_candidates() { # WORD VERB WORD...
     local current=$1 verb=${2-} count
     shift 2
@@ -134,8 +134,8 @@ _velkctl_candidates() { # WORD VERB WORD...
     esac
 }
 
-# Puts the command line's words together again, which bash takes apart at "=", ":" and "@": all up
-# to the one being completed into `words`.
+# Joins the pieces of the command line, which bash splits at "=", ":" and "@". Sets `words` to all
+# words up to the one being completed.
 _velkctl_join_words() {
     local i piece glue=''
     words=()
@@ -150,7 +150,7 @@ _velkctl_join_words() {
     done
 }
 
-# Finds the verb, the words behind it that are no options, and the option whose value comes next.
+# Finds the verb, the words after it that are no options, and the option that still needs its value.
 _velkctl_sort_words() {
     local word takes_value='' only_words=''
     verb=
@@ -192,8 +192,7 @@ _velkctl() {
     else
         found=$(_velkctl_candidates "$current" "$verb" ${plain[@]+"${plain[@]}"})
     fi
-    # What is replaced is a piece of the word, which is the second argument; without any it is the
-    # last one of those that bash took apart.
+    # The second argument is the piece of the word to replace; without it, the last piece of the word.
     piece=${COMP_WORDS[COMP_CWORD]}
     [[ $piece != [=:@] ]] || piece=
     piece=${2-$piece}

@@ -1,4 +1,4 @@
-// control_socket.cpp - how the machine's other processes reach a running device.
+// control_socket.cpp - the socket of a running device, for processes outside of it.
 #include "sandbox/control/control_socket.h"
 
 #include <algorithm>
@@ -23,12 +23,13 @@ namespace sandbox {
 namespace {
 
 constexpr size_t kLongestName = 32;
-// Whoever lists the devices takes a place in this queue, too, until the device looks into it.
-constexpr int kWaitingOrders = 128;
-// The longest wait for a place in the queue of a listener, or in those of all listeners together.
-// They may be anybody's.
+// A listing of the devices takes a place in this queue, too, until the device accepts it.
+constexpr int kQueueLength = 128;
+// The longest wait for a place in the queue of one listener, or of all listeners together. Other
+// users can listen and never accept.
 constexpr std::chrono::seconds kLongestWait(2);
 constexpr std::chrono::milliseconds kPause(10);
+constexpr char kChooseAnotherName[] = "choose another name with --name";
 constexpr char kNameCharacters[] =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
 
@@ -39,12 +40,12 @@ struct Address {
     const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&full); }
 };
 
-// Every user has devices of their own, whatever others call theirs.
+// The names of different users never collide.
 std::string Prefix() {
     return std::string("velk-sandbox/").append(std::to_string(geteuid())).append("/");
 }
 
-// A path that begins with a NUL is a name in the network.
+// A path that begins with a NUL is an abstract name, see unix(7).
 Address AddressOf(const std::string& name) {
     Address address;
     const std::string path = Prefix() + name;
@@ -54,14 +55,15 @@ Address AddressOf(const std::string& name) {
     return address;
 }
 
-bool CanBeName(const std::string& name) {
+bool IsValidName(const std::string& name) {
     return name.size() <= kLongestName && name.find_first_not_of(kNameCharacters) == name.npos;
 }
 
-void RefuseName(const std::string& name) {
-    if (!CanBeName(name)) {
-        throw Failure("'" + name + "' cannot be a name; give at most " +
-                      std::to_string(kLongestName) + " letters, digits, '.', '_' or '-'");
+void CheckName(const std::string& name) {
+    if (!IsValidName(name)) {
+        throw Failure(
+            "'" + name + "' is not a valid name",
+            "use at most " + std::to_string(kLongestName) + " letters, digits, '.', '_' or '-'");
     }
 }
 
@@ -73,17 +75,17 @@ velk::UniqueFd MakeSocket(int flags = 0) {
     return made;
 }
 
-// No descriptor, with errno, if nobody listens there. With SOCK_NONBLOCK, it does not wait for a
-// place in the queue.
+// Returns no descriptor, with errno, if the connection fails. With SOCK_NONBLOCK, does not wait for
+// a place in the queue.
 velk::UniqueFd TryConnect(const std::string& name, int flags = 0) {
     const Address address = AddressOf(name);
-    velk::UniqueFd visitor = MakeSocket(flags);
+    velk::UniqueFd connection = MakeSocket(flags);
     constexpr timeval kWait = {kLongestWait.count(), 0};
-    (void)setsockopt(visitor.get(), SOL_SOCKET, SO_SNDTIMEO, &kWait, sizeof(kWait));
-    if (connect(visitor.get(), address.get(), address.size) == -1) {
-        (void)visitor.Reset();
+    (void)setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &kWait, sizeof(kWait));
+    if (connect(connection.get(), address.get(), address.size) == -1) {
+        (void)connection.Reset();
     }
-    return visitor;
+    return connection;
 }
 
 [[noreturn]] void RefuseForeignDevice(const std::string& name, uid_t owner) {
@@ -92,39 +94,39 @@ velk::UniqueFd TryConnect(const std::string& name, int flags = 0) {
 }
 
 [[noreturn]] void RefuseTakenName(const std::string& name) {
-    const velk::UniqueFd visitor = TryConnect(name);
-    if (visitor.get() == -1) {
-        throw Failure("the name " + name + " is taken; choose another one with --name");
+    const velk::UniqueFd connection = TryConnect(name);
+    if (connection.get() == -1) {
+        throw Failure("the name " + name + " is taken", kChooseAnotherName);
     }
-    if (!IsOwnPeer(visitor)) {
-        throw Failure("the name " + name + " is taken by " + DescribeUser(PeerUser(visitor)) +
-                      "; choose another one with --name");
+    if (!IsOwnPeer(connection)) {
+        throw Failure("the name " + name + " is taken by " + DescribeUser(PeerUser(connection)),
+                      kChooseAnotherName);
     }
-    throw Failure("a device named " + name + " is running already");
+    throw Failure("a device named " + name + " is already running", kChooseAnotherName);
 }
 
-bool TryBind(const velk::UniqueFd& door, const std::string& name) {
+bool TryBind(const velk::UniqueFd& control_socket, const std::string& name) {
     const Address address = AddressOf(name);
-    if (bind(door.get(), address.get(), address.size) == 0) {
+    if (bind(control_socket.get(), address.get(), address.size) == 0) {
         return true;
     }
     if (errno != EADDRINUSE) {
-        Fail("cannot name the device", errno);
+        Fail("cannot bind the control socket", errno);
     }
     return false;
 }
 
-void BindToFreeNumber(const velk::UniqueFd& door, std::string& name) {
+void BindToFreeNumber(const velk::UniqueFd& control_socket, std::string& name) {
     for (int number = 1;; ++number) {
         name = std::to_string(number);
-        if (TryBind(door, name)) {
+        if (TryBind(control_socket, name)) {
             return;
         }
     }
 }
 
-// The names that a device of this user could have, as far as the kernel lists them. Its list is
-// text that others can write lines into.
+// Returns the names in the kernel's list that a device of this user could have. Other users can add
+// lines to that list: a name in it may contain a line end.
 std::set<std::string> ListedNames() {
     const std::string mark = std::string("@").append(Prefix());
     std::set<std::string> names;
@@ -132,29 +134,30 @@ std::set<std::string> ListedNames() {
     for (std::string line; std::getline(sockets, line);) {
         const size_t found = line.find(mark);
         const std::string name = found == line.npos ? "" : line.substr(found + mark.size());
-        if (!name.empty() && CanBeName(name)) {
+        if (!name.empty() && IsValidName(name)) {
             names.insert(name);
         }
     }
     return names;
 }
 
-// The listed names, in order, with the user who listens there: only a connection proves a name. A
-// name is left out if its queue stays full. Listeners of other users must not add up their waits.
+// Returns the listed names with the user who listens at each. Only a connection proves a name.
+// Names with a full queue are left out. All queues share one deadline, so that many listeners of
+// another user do not multiply the wait.
 std::map<std::string, uid_t> Listeners() {
     std::set<std::string> waiting = ListedNames();
     std::map<std::string, uid_t> listeners;
-    const auto is_settled = [&listeners](const std::string& name) {
-        const velk::UniqueFd visitor = TryConnect(name, SOCK_NONBLOCK);
-        if (visitor.get() == -1) {
+    const auto is_decided = [&listeners](const std::string& name) {
+        const velk::UniqueFd connection = TryConnect(name, SOCK_NONBLOCK);
+        if (connection.get() == -1) {
             return errno != EAGAIN;
         }
-        listeners.emplace(name, PeerUser(visitor));
+        listeners.emplace(name, PeerUser(connection));
         return true;
     };
     const auto deadline = std::chrono::steady_clock::now() + kLongestWait;
     for (;;) {
-        std::erase_if(waiting, is_settled);
+        std::erase_if(waiting, is_decided);
         if (waiting.empty() || std::chrono::steady_clock::now() >= deadline) {
             return listeners;
         }
@@ -176,7 +179,7 @@ std::string OnlyDevice() {
     const std::map<std::string, uid_t> listeners = Listeners();
     const std::vector<std::string> names = OwnNames(listeners);
     if (listeners.empty()) {
-        throw Failure("no device is running here");
+        throw Failure("no device is running", "start one with velk-sandbox");
     }
     if (names.empty()) {
         RefuseForeignDevice(listeners.begin()->first, listeners.begin()->second);
@@ -186,41 +189,43 @@ std::string OnlyDevice() {
         for (const std::string& name : names) {
             list.append(list.empty() ? "" : ", ").append(name);
         }
-        throw Failure("several devices are running: " + list + "; choose one with --name");
+        throw Failure("several devices are running: " + list, "choose one with --name");
     }
     return names.front();
 }
 
 }  // namespace
 
-velk::UniqueFd OpenDoor(std::string& name) {
-    RefuseName(name);
-    velk::UniqueFd door = MakeSocket();
+velk::UniqueFd OpenControlSocket(std::string& name) {
+    CheckName(name);
+    velk::UniqueFd control_socket = MakeSocket();
     if (name.empty()) {
-        BindToFreeNumber(door, name);
-    } else if (!TryBind(door, name)) {
+        BindToFreeNumber(control_socket, name);
+    } else if (!TryBind(control_socket, name)) {
         RefuseTakenName(name);
     }
-    if (listen(door.get(), kWaitingOrders) == -1) {
-        Fail("cannot listen at the device's door", errno);
+    if (listen(control_socket.get(), kQueueLength) == -1) {
+        Fail("cannot listen on the control socket", errno);
     }
-    return door;
+    return control_socket;
 }
 
-velk::UniqueFd KnockAtDoor(const std::string& name) {
-    RefuseName(name);
+velk::UniqueFd ConnectToDevice(const std::string& name) {
+    CheckName(name);
     const std::string chosen = name.empty() ? OnlyDevice() : name;
-    velk::UniqueFd visitor = TryConnect(chosen);
-    if (visitor.get() == -1) {
-        throw Failure(errno == EAGAIN
-                          ? "device " + chosen +
-                                " is too busy to answer, and may be another user's; try again"
-                          : "no device named " + chosen + " is running");
+    velk::UniqueFd connection = TryConnect(chosen);
+    if (connection.get() == -1) {
+        if (errno == EAGAIN) {
+            throw Failure("device " + chosen + " does not answer; it may be another user's",
+                          "try again");
+        }
+        throw Failure("no device named " + chosen + " is running",
+                      "see the names with velk-sandbox list");
     }
-    if (!IsOwnPeer(visitor)) {
-        RefuseForeignDevice(chosen, PeerUser(visitor));
+    if (!IsOwnPeer(connection)) {
+        RefuseForeignDevice(chosen, PeerUser(connection));
     }
-    return visitor;
+    return connection;
 }
 
 std::vector<std::string> RunningDevices() {

@@ -1,7 +1,7 @@
-// control_socket.h - how the machine's other processes reach a running device.
+// control_socket.h - the socket of a running device, for processes outside of it.
 //
-// A door is a socket whose name lives in the machine's network, not in its file system: it goes
-// with the device, whatever way that ends.
+// Its name is abstract: it belongs to the network namespace, not to the file system. The kernel
+// removes it with the last process that has it open.
 #ifndef SANDBOX_CONTROL_CONTROL_SOCKET_H_
 #define SANDBOX_CONTROL_CONTROL_SOCKET_H_
 
@@ -12,16 +12,15 @@
 
 namespace sandbox {
 
-// Opens the door of a new device. Without a name it gets the first free number, and `name` is set
-// to that. Throws Failure, also when the name is taken, by a device of this user or by another
-// user.
-velk::UniqueFd OpenDoor(std::string& name);
+// Opens the control socket of a new device. If `name` is empty, sets it to the first free number.
+// Throws Failure, also if the name is taken.
+velk::UniqueFd OpenControlSocket(std::string& name);
 
-// A connection to this user's device of that name. Without a name: to the only one that is running.
-// Throws Failure, also when another user listens there: then nothing has been sent.
-velk::UniqueFd KnockAtDoor(const std::string& name);
+// Connects to this user's device of that name, or to the only running one if `name` is empty.
+// Throws Failure, also if another user listens at that name. In that case nothing was sent.
+velk::UniqueFd ConnectToDevice(const std::string& name);
 
-// The names of this user's running devices, in order. Those that others have taken are left out.
+// Returns the sorted names of this user's running devices, without names that other users took.
 std::vector<std::string> RunningDevices();
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// orders.cpp - how orders reach the hardware process.
+// orders.cpp - orders to the hardware process of a device.
 #include "sandbox/control/orders.h"
 
 #include <cerrno>
@@ -15,20 +15,19 @@
 #include "sandbox/control/control_socket.h"
 #include "sandbox/control/ownership.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
 
-constexpr char kFolder[] = "/run/velk-sandbox";
 constexpr mode_t kFolderMode = 0755;
-constexpr sockaddr_un kAddress = {AF_UNIX, "/run/velk-sandbox/hardware"};
-constexpr char kObeyed[] = "obeyed";
-constexpr char kFirstProcess[] = "first process";  // the order to tell it
+constexpr char kDone[] = "done";
+constexpr char kFirstProcess[] = "first process";  // the order that requests it
 constexpr size_t kMessageSize = 512;
-constexpr int kWaitingOrders = 8;
-constexpr timeval kPatience = {5, 0};  // with somebody who connects and says nothing yet
+constexpr int kQueueLength = 8;
+constexpr timeval kReceiveLimit = {5, 0};  // for a client that connects and sends nothing
 
-// A message, with a descriptor if there is one to go with it.
+// A message with an optional descriptor.
 struct Envelope {
     explicit Envelope(size_t text_size) : text(text_size, '\0') {
         part = {text.data(), text.size()};
@@ -44,9 +43,14 @@ struct Envelope {
     msghdr header = {};
 };
 
-const sockaddr* Address() {
-    return reinterpret_cast<const sockaddr*>(&kAddress);
-}
+// The address of the socket for processes on the device.
+struct InsideAddress {
+    InsideAddress() { memcpy(full.sun_path, kHardwareSocket, sizeof(kHardwareSocket)); }
+
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&full); }
+
+    sockaddr_un full = {AF_UNIX, {}};
+};
 
 velk::UniqueFd MakeSocket() {
     velk::UniqueFd made(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
@@ -56,7 +60,7 @@ velk::UniqueFd MakeSocket() {
     return made;
 }
 
-// An empty text when there is no message.
+// Returns an empty text if no message arrives.
 std::string Receive(const velk::UniqueFd& from) {
     char message[kMessageSize];
     const ssize_t size = recv(from.get(), message, sizeof(message), 0);
@@ -70,10 +74,10 @@ bool Send(const velk::UniqueFd& to, const std::string& message) {
 void SendFirstProcess(const velk::UniqueFd& to) {
     const velk::UniqueFd process(static_cast<int>(syscall(SYS_pidfd_open, 1, 0)));
     if (process.get() == -1) {
-        Fail("cannot take hold of the device's first process", errno);
+        Fail("cannot open the device's first process", errno);
     }
-    Envelope envelope(sizeof(kObeyed) - 1);
-    memcpy(envelope.text.data(), kObeyed, envelope.text.size());
+    Envelope envelope(sizeof(kDone) - 1);
+    memcpy(envelope.text.data(), kDone, envelope.text.size());
     cmsghdr* const descriptor = CMSG_FIRSTHDR(&envelope.header);
     const int number = process.get();
     descriptor->cmsg_level = SOL_SOCKET;
@@ -83,7 +87,7 @@ void SendFirstProcess(const velk::UniqueFd& to) {
     (void)sendmsg(to.get(), &envelope.header, MSG_NOSIGNAL);
 }
 
-// No descriptor when there is none in the message.
+// Returns no descriptor if the message has none.
 velk::UniqueFd ReceiveDescriptor(const velk::UniqueFd& from) {
     Envelope envelope(kMessageSize);
     int number = -1;
@@ -95,13 +99,25 @@ velk::UniqueFd ReceiveDescriptor(const velk::UniqueFd& from) {
     return velk::UniqueFd(number);
 }
 
+// A failure is sent as one or two lines: its message, and its advice if there is any.
+std::string Encode(const Failure& failure) {
+    const std::string message = failure.what();
+    return failure.fix().empty() ? message : message + "\n" + failure.fix();
+}
+
+Failure Decode(const std::string& answer) {
+    const size_t end = answer.find('\n');
+    return end == std::string::npos ? Failure(answer)
+                                    : Failure(answer.substr(0, end), answer.substr(end + 1));
+}
+
 velk::UniqueFd Connect(const std::string& name) {
     if (!name.empty() || !IsOnDevice()) {
-        return KnockAtDoor(name);
+        return ConnectToDevice(name);
     }
     velk::UniqueFd hardware = MakeSocket();
-    if (connect(hardware.get(), Address(), sizeof(kAddress)) == -1) {
-        Fail("cannot reach the device's hardware", errno);
+    if (connect(hardware.get(), InsideAddress().get(), sizeof(sockaddr_un)) == -1) {
+        Fail("cannot connect to the hardware process", errno);
     }
     if (!IsOwnPeer(hardware)) {
         throw Failure("this device belongs to " + DescribeUser(PeerUser(hardware)) +
@@ -112,58 +128,59 @@ velk::UniqueFd Connect(const std::string& name) {
 
 }  // namespace
 
-HardwareChannel::HardwareChannel(velk::UniqueFd door)
-    : inside_(MakeSocket()), door_(std::move(door)) {
-    (void)mkdir(kFolder, kFolderMode);
-    if (bind(inside_.get(), Address(), sizeof(kAddress)) == -1 ||
-        listen(inside_.get(), kWaitingOrders) == -1) {
-        Fail(std::string("cannot listen at ") + kAddress.sun_path, errno);
+OrderSocket::OrderSocket(velk::UniqueFd control_socket)
+    : inside_(MakeSocket()), control_socket_(std::move(control_socket)) {
+    const InsideAddress address;
+    (void)mkdir(kRunFolder, kFolderMode);
+    if (bind(inside_.get(), address.get(), sizeof(address.full)) == -1 ||
+        listen(inside_.get(), kQueueLength) == -1) {
+        Fail(std::string("cannot listen at ") + kHardwareSocket, errno);
     }
 }
 
-void HardwareChannel::Answer(int listener,
-                             const std::function<void(const std::string&)>& obey) const {
-    const velk::UniqueFd customer(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
-    // Anybody can knock at the door.
-    if (customer.get() == -1 || !IsOwnPeer(customer)) {
+void OrderSocket::Answer(int listener,
+                         const std::function<void(const std::string&)>& execute) const {
+    const velk::UniqueFd client(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+    // Any user can connect to the control socket.
+    if (client.get() == -1 || !IsOwnPeer(client)) {
         return;
     }
-    (void)setsockopt(customer.get(), SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof(kPatience));
-    const std::string order = Receive(customer);
+    (void)setsockopt(client.get(), SOL_SOCKET, SO_RCVTIMEO, &kReceiveLimit, sizeof(kReceiveLimit));
+    const std::string order = Receive(client);
     if (order.empty()) {
         return;
     }
     try {
         if (order == kFirstProcess) {
-            SendFirstProcess(customer);
+            SendFirstProcess(client);
             return;
         }
-        obey(order);
-        (void)Send(customer, kObeyed);
+        execute(order);
+        (void)Send(client, kDone);
     } catch (const Failure& failure) {
-        (void)Send(customer, failure.what());
+        (void)Send(client, Encode(failure));
     }
 }
 
 bool IsOnDevice() {
     struct stat status;
-    return stat(kFolder, &status) == 0;
+    return stat(kRunFolder, &status) == 0;
 }
 
-void GiveOrder(const std::string& order, const std::string& name) {
+void SendOrder(const std::string& order, const std::string& name) {
     const velk::UniqueFd hardware = Connect(name);
     const std::string answer = Send(hardware, order) ? Receive(hardware) : "";
-    if (answer != kObeyed) {
-        throw Failure(answer.empty() ? "the device's hardware gave no answer" : answer);
+    if (answer != kDone) {
+        throw Decode(answer.empty() ? "the hardware process did not answer" : answer);
     }
 }
 
-velk::UniqueFd AskForFirstProcess(const std::string& name) {
-    const velk::UniqueFd hardware = KnockAtDoor(name);
+velk::UniqueFd RequestFirstProcess(const std::string& name) {
+    const velk::UniqueFd hardware = ConnectToDevice(name);
     velk::UniqueFd process =
         Send(hardware, kFirstProcess) ? ReceiveDescriptor(hardware) : velk::UniqueFd();
     if (process.get() == -1) {
-        throw Failure("the device lets nobody in");
+        throw Failure("the device did not send its first process");
     }
     RefuseForeignProcess(process);
     return process;

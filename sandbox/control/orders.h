@@ -1,4 +1,4 @@
-// orders.h - how orders reach the hardware process.
+// orders.h - orders to the hardware process of a device.
 #ifndef SANDBOX_CONTROL_ORDERS_H_
 #define SANDBOX_CONTROL_ORDERS_H_
 
@@ -9,33 +9,33 @@
 
 namespace sandbox {
 
-// The end that takes orders: at a socket under /run, for those on the device, and at the device's
-// door, for those outside. A device has one.
-class HardwareChannel {
+// The receiving end of orders: a socket under /run for processes on the device, and the control
+// socket for processes outside. A device has one.
+class OrderSocket {
   public:
-    explicit HardwareChannel(velk::UniqueFd door);
+    explicit OrderSocket(velk::UniqueFd control_socket);
 
-    int inside() const { return inside_.get(); }  // both are readable when there is an order
-    int outside() const { return door_.get(); }
-    // Takes one order from one of these and answers it, with the message of the Failure that `obey`
-    // throws if it does.
-    void Answer(int listener, const std::function<void(const std::string&)>& obey) const;
+    // Both descriptors are readable if an order arrived.
+    int inside() const { return inside_.get(); }
+    int outside() const { return control_socket_.get(); }
+    // Receives one order from one of the two descriptors, executes it and sends the result.
+    void Answer(int listener, const std::function<void(const std::string&)>& execute) const;
 
   private:
     velk::UniqueFd inside_;
-    velk::UniqueFd door_;
+    velk::UniqueFd control_socket_;
 };
 
-// True when this process is on a device, whose hardware then takes its orders.
+// True if this process is on a device.
 bool IsOnDevice();
 
-// Gives an order and waits until it is obeyed: to the device this process is on, or to the one of
-// that name, or to the only one that is running. Throws Failure.
-void GiveOrder(const std::string& order, const std::string& name);
+// Sends an order to the device of that name and waits for the result. An empty name means the
+// device of this process, or the only running one. Throws Failure.
+void SendOrder(const std::string& order, const std::string& name);
 
-// Asks a device for its first process, as a pidfd. Throws Failure, also for a process that this
-// user may not enter.
-velk::UniqueFd AskForFirstProcess(const std::string& name);
+// Requests the first process of a device, as a pidfd. Throws Failure, also if this user must not
+// enter that process.
+velk::UniqueFd RequestFirstProcess(const std::string& name);
 
 }  // namespace sandbox
 

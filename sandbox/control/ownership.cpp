@@ -1,4 +1,4 @@
-// ownership.cpp - tells this user's own devices from those of others.
+// ownership.cpp - distinguishes this user's devices from those of other users.
 #include "sandbox/control/ownership.h"
 
 #include <algorithm>
@@ -23,10 +23,10 @@ namespace sandbox {
 namespace {
 
 constexpr char kOwnUserNamespace[] = "/proc/self/ns/user";
-constexpr char kNoProcess[] = "the device lets nobody in";
-constexpr size_t kUsersOfProcess = 4;  // real, effective, saved and of files
+constexpr char kNoProcess[] = "the device did not send its first process";
+constexpr size_t kUsersOfProcess = 4;  // real, effective, saved and file system user
 
-// The rest of the line with that label. An empty text if there is none.
+// Returns the rest of the line that begins with the label, or an empty text.
 std::string Labelled(const std::string& path, const std::string& label) {
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);) {
@@ -37,18 +37,20 @@ std::string Labelled(const std::string& path, const std::string& label) {
     return {};
 }
 
-// The process's number, 0 if it has ended or has none here, or if this is no pidfd.
+// Returns the process ID. Returns 0 if the process has ended, is in another PID namespace, or if
+// the descriptor is not a pidfd.
 long NumberOf(const velk::UniqueFd& process) {
     const std::string text = Labelled("/proc/self/fdinfo/" + std::to_string(process.get()), "Pid:");
     return text.empty() ? 0 : std::max(std::stol(text), 0L);
 }
 
-// Its folder in /proc. The descriptor never leads to a later process of the same number.
+// Opens the process's folder in /proc. It never becomes the folder of a later process with the same
+// ID.
 velk::UniqueFd FolderOf(const velk::UniqueFd& process) {
     const long number = NumberOf(process);
     const std::string path = "/proc/" + std::to_string(number);
     velk::UniqueFd folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    // The number is the process's own as long as that has not been waited for.
+    // The ID belongs to this process until it is waited for, so check it again after open(2).
     if (number == 0 || folder.get() == -1 || NumberOf(process) != number) {
         throw Failure(kNoProcess);
     }
@@ -59,14 +61,14 @@ std::string PathOf(const velk::UniqueFd& folder, const char* name) {
     return "/proc/self/fd/" + std::to_string(folder.get()) + name;
 }
 
-// The folder's owner would not do: the kernel shows root there for a process of anybody's that
-// hides its memory.
+// The owner of the folder is not sufficient: the kernel shows root for processes of any user that
+// are not dumpable.
 void RefuseForeignUser(const velk::UniqueFd& folder) {
     std::istringstream text(Labelled(PathOf(folder, "/status"), "Uid:"));
     const std::vector<uid_t> users{std::istream_iterator<uid_t>(text), {}};
     const auto foreign = std::ranges::find_if(users, [](uid_t user) { return user != geteuid(); });
     if (foreign != users.end()) {
-        throw Failure("the device offers a process of " + DescribeUser(*foreign) +
+        throw Failure("the device sent a process of " + DescribeUser(*foreign) +
                       "; it was not entered");
     }
     if (users.size() != kUsersOfProcess) {
@@ -86,19 +88,17 @@ bool IsMadeByThisUser(const velk::UniqueFd& user_namespace) {
     return ioctl(user_namespace.get(), NS_GET_OWNER_UID, &owner) == 0 && owner == geteuid();
 }
 
-// Root enters a device with all its rights, so nobody else may have any there.
+// Root enters a device with all its rights, so no other user may have rights over its namespaces.
 void RefuseForeignUserNamespace(const velk::UniqueFd& folder) {
     const velk::UniqueFd user_namespace(
         open(PathOf(folder, "/ns/user").c_str(), O_RDONLY | O_CLOEXEC));
     if (user_namespace.get() == -1) {
-        Fail("cannot look at the device's user namespace", errno);
+        Fail("cannot open the device's user namespace", errno);
     }
     const bool is_own =
         IsPrivileged() ? IsOwnUserNamespace(user_namespace) : IsMadeByThisUser(user_namespace);
     if (!is_own) {
-        throw Failure(
-            "the device is in a user namespace that this user's devices are not in; "
-            "it was not entered");
+        throw Failure("the device is in a foreign user namespace; it was not entered");
     }
 }
 
@@ -108,7 +108,7 @@ uid_t PeerUser(const velk::UniqueFd& connection) {
     ucred credentials;
     socklen_t size = sizeof(credentials);
     if (getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) == -1) {
-        Fail("cannot tell whose device this is", errno);
+        Fail("cannot determine the owner of the device", errno);
     }
     return credentials.uid;
 }

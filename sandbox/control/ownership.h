@@ -1,6 +1,6 @@
-// ownership.h - tells this user's own devices from those of others.
+// ownership.h - distinguishes this user's devices from those of other users.
 //
-// Any user of the machine may take the name of a device and wait there for whoever asks for it.
+// Any user of the machine can listen at the name of a device.
 #ifndef SANDBOX_CONTROL_OWNERSHIP_H_
 #define SANDBOX_CONTROL_OWNERSHIP_H_
 
@@ -12,18 +12,18 @@
 
 namespace sandbox {
 
-// The user at the other end of a connection, as the kernel noted it when the connection was made.
-// The one who connects learns who listens. Throws Failure.
+// Returns the user at the other end of a connection. The kernel recorded it at connect(2). Throws
+// Failure.
 uid_t PeerUser(const velk::UniqueFd& connection);
 
-// True if that is the user of this process.
+// True if the user at the other end is the user of this process.
 bool IsOwnPeer(const velk::UniqueFd& connection);
 
-// For a message: "user nobody (65534)".
+// Returns a text for messages, such as "user nobody (65534)".
 std::string DescribeUser(uid_t user);
 
-// Throws Failure unless the process, given as a pidfd, is one that this user may enter: it runs as
-// this user, and no other user has rights over its namespaces.
+// Throws Failure unless this user may enter the process, given as a pidfd: it runs as this user,
+// and no other user has rights over its namespaces.
 void RefuseForeignProcess(const velk::UniqueFd& process);
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// bind_folders.cpp - folders of the machine that stay what they are on the device.
+// bind_folders.cpp - folders of the machine that are bind-mounted on the device.
 #include "sandbox/device/bind_folders.h"
 
 #include <cerrno>
@@ -14,33 +14,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-KeptFolder HoldFolder(const std::string& folder) {
+BindFolder OpenBindFolder(const std::string& folder) {
     std::error_code error;
     fs::path path = fs::canonical(folder, error);
     if (error) {
-        Fail("cannot keep " + folder, error.value());
+        Fail("cannot open " + folder, error.value());
     }
-    velk::UniqueFd held = Hold(AT_FDCWD, path);
-    if (held.get() == -1) {
-        Fail("cannot keep " + folder, errno);
+    velk::UniqueFd mount_fd = OpenMount(AT_FDCWD, path);
+    if (mount_fd.get() == -1) {
+        Fail("cannot open " + folder, errno);
     }
-    return {std::move(path), std::move(held)};
+    return {std::move(path), std::move(mount_fd)};
 }
 
 }  // namespace
 
-std::vector<KeptFolder> HoldFolders(const std::vector<std::string>& folders) {
-    std::vector<KeptFolder> kept;
-    kept.reserve(folders.size());
+std::vector<BindFolder> OpenBindFolders(const std::vector<std::string>& folders) {
+    std::vector<BindFolder> bind_folders;
+    bind_folders.reserve(folders.size());
     for (const std::string& folder : folders) {
-        kept.push_back(HoldFolder(folder));
+        bind_folders.push_back(OpenBindFolder(folder));
     }
-    return kept;
+    return bind_folders;
 }
 
-void ShowFolders(const std::vector<KeptFolder>& folders,
-                 const std::function<bool(const fs::path&)>& wanted) {
-    for (const KeptFolder& folder : folders) {
+void BindMountFolders(const std::vector<BindFolder>& folders,
+                      const std::function<bool(const fs::path&)>& wanted) {
+    for (const BindFolder& folder : folders) {
         if (!wanted(folder.path)) {
             continue;
         }
@@ -49,7 +49,7 @@ void ShowFolders(const std::vector<KeptFolder>& folders,
         if (error) {
             Fail("cannot make " + folder.path.string(), error.value());
         }
-        Attach(folder.held, folder.path);
+        AttachMount(folder.mount_fd, folder.path);
     }
 }
 

@@ -1,4 +1,4 @@
-// bind_folders.h - folders of the machine that stay what they are on the device.
+// bind_folders.h - folders of the machine that are bind-mounted on the device.
 #ifndef SANDBOX_DEVICE_BIND_FOLDERS_H_
 #define SANDBOX_DEVICE_BIND_FOLDERS_H_
 
@@ -11,17 +11,17 @@
 
 namespace sandbox {
 
-struct KeptFolder {
+struct BindFolder {
     std::filesystem::path path;  // without symlinks
-    velk::UniqueFd held;
+    velk::UniqueFd mount_fd;
 };
 
-// Takes hold of folders as they are now. Throws Failure for one that is not there.
-std::vector<KeptFolder> HoldFolders(const std::vector<std::string>& folders);
+// Opens the mounts of folders in their present state. Throws Failure if a folder does not exist.
+std::vector<BindFolder> OpenBindFolders(const std::vector<std::string>& folders);
 
-// Lets each folder that is `wanted` appear at its path again, which is made when it has gone.
-void ShowFolders(const std::vector<KeptFolder>& folders,
-                 const std::function<bool(const std::filesystem::path&)>& wanted);
+// Bind-mounts each folder for which `wanted` is true at its own path. Makes a missing path.
+void BindMountFolders(const std::vector<BindFolder>& folders,
+                      const std::function<bool(const std::filesystem::path&)>& wanted);
 
 }  // namespace sandbox
 

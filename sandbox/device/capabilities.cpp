@@ -1,4 +1,4 @@
-// capabilities.cpp - what a device may not do to the machine it runs on.
+// capabilities.cpp - drops the capabilities that reach the machine itself.
 #include "sandbox/device/capabilities.h"
 
 #include <cerrno>
@@ -23,7 +23,7 @@ struct CapabilitySets {
     __user_cap_data_struct words[_LINUX_CAPABILITY_U32S_3] = {};
 };
 
-// A capability set as the kernel shows it, for example "CapEff".
+// Reads a capability set, such as "CapEff", from /proc/self/status.
 uint64_t ShownSet(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -40,16 +40,15 @@ bool Shows(const std::string& name, int capability) {
 
 void DropFromBoundingSet(int capability) {
     if (prctl(PR_CAPBSET_READ, capability) == 1 && prctl(PR_CAPBSET_DROP, capability) == -1) {
-        Fail("cannot give up capability " + std::to_string(capability), errno);
+        Fail("cannot drop capability " + std::to_string(capability), errno);
     }
 }
 
-// A set that cannot be shown must not pass for one that lacks the bit, hence no default value.
-void RefuseClock() {
+// Throws Failure if the clock can be set. An unreadable set throws, too: it proves nothing.
+void CheckClock() {
     for (const char* name : {"CapEff", "CapBnd"}) {
         if (Shows(name, CAP_SYS_TIME)) {
-            throw Failure(std::string("the clock is still within reach: CAP_SYS_TIME is in ") +
-                          name);
+            throw Failure(std::string("the clock can still be set: CAP_SYS_TIME is in ") + name);
         }
     }
 }
@@ -74,7 +73,7 @@ void ClearMachineCapabilities() {
         word.inheritable &= others;
     }
     if (syscall(SYS_capset, &sets.header, sets.words) == -1) {
-        Fail("cannot give up capabilities", errno);
+        Fail("cannot drop capabilities", errno);
     }
 }
 
@@ -83,7 +82,7 @@ void DropMachineCapabilities() {
         DropFromBoundingSet(capability);
     }
     ClearMachineCapabilities();
-    RefuseClock();
+    CheckClock();
 }
 
 }  // namespace sandbox

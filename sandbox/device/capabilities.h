@@ -1,17 +1,17 @@
-// capabilities.h - what a device may not do to the machine it runs on.
+// capabilities.h - drops the capabilities that reach the machine itself.
 #ifndef SANDBOX_DEVICE_CAPABILITIES_H_
 #define SANDBOX_DEVICE_CAPABILITIES_H_
 
 namespace sandbox {
 
-// True when this process may make namespaces and give up capabilities for good.
+// True if this process may make namespaces and drop capabilities permanently.
 bool IsPrivileged();
 
-// Takes the capabilities that reach the machine itself out of the sets this process has.
+// Removes the capabilities that reach the machine itself from the sets of this process.
 void ClearMachineCapabilities();
 
-// Does so for good, with the bounding set, and throws Failure unless the kernel confirms that the
-// clock is out of reach.
+// Removes them from the bounding set, too, so that no program gets them back. Throws Failure unless
+// the kernel confirms that CAP_SYS_TIME is dropped.
 void DropMachineCapabilities();
 
 }  // namespace sandbox

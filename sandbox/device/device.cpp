@@ -1,4 +1,4 @@
-// device.cpp - moves a process onto a device of its own, step by step.
+// device.cpp - moves a process onto a simulated device.
 #include "sandbox/device/device.h"
 
 #include <algorithm>
@@ -21,29 +21,29 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void ProtectMachine(const std::vector<KeptFolder>& writable) {
-    if (std::ranges::find(writable, "/", &KeptFolder::path) != writable.end()) {
-        throw Failure("the machine as a whole cannot stay writable");
+void ProtectMachine(const std::vector<BindFolder>& writable) {
+    if (std::ranges::find(writable, "/", &BindFolder::path) != writable.end()) {
+        throw Failure("the root folder cannot stay writable", "give --writable a folder below /");
     }
     MakeReadOnly("/");
 }
 
-void ShowWritable(const std::vector<KeptFolder>& writable, const Plan& plan) {
-    ShowFolders(writable, [&plan](const fs::path& path) {
-        return !IsHidden(path, plan) && !plan.places.contains(path);
+void ShowWritable(const std::vector<BindFolder>& writable, const DeviceLayout& layout) {
+    BindMountFolders(writable, [&layout](const fs::path& path) {
+        return !IsHidden(path, layout) && !layout.tmpfs_folders.contains(path);
     });
 }
 
-// The writable ones come last: a kept folder within one of them is to be writable, too.
-void ShowHidden(const std::vector<KeptFolder>& kept, const std::vector<KeptFolder>& writable,
-                const Plan& plan) {
-    const auto is_hidden = [&plan](const fs::path& path) { return IsHidden(path, plan); };
-    ShowFolders(kept, is_hidden);
-    ShowFolders(writable, is_hidden);
+// The writable folders come last, so that a bind folder inside one of them is writable, too.
+void ShowHidden(const std::vector<BindFolder>& bind_folders,
+                const std::vector<BindFolder>& writable, const DeviceLayout& layout) {
+    const auto is_hidden = [&layout](const fs::path& path) { return IsHidden(path, layout); };
+    BindMountFolders(bind_folders, is_hidden);
+    BindMountFolders(writable, is_hidden);
 }
 
-// A process keeps the folder it stands in even when another one covers it: step into that one.
-void StepInto(const fs::path& folder) {
+// A current folder survives a mount over it. Changing to the same path enters the new mount.
+void ChangeFolder(const fs::path& folder) {
     if (folder.empty() || chdir(folder.c_str()) == -1) {
         fs::current_path("/");
     }
@@ -62,35 +62,35 @@ void GiveUpPrivileges() {
 void EnterDevice(const DeviceOptions& options) {
     std::error_code no_folder;
     const fs::path here = fs::current_path(no_folder);
-    const Plan plan = MakePlan(options.rootfs, options.files);
+    const DeviceLayout layout = MakeDeviceLayout(options.rootfs, options.files);
     GiveUpPrivileges();
     EnterPrivateNamespaces();
 
-    const std::vector<KeptFolder> writable = HoldFolders(options.writable);
+    const std::vector<BindFolder> writable = OpenBindFolders(options.writable);
     if (options.protect_machine) {
         ProtectMachine(writable);
     }
-    const std::vector<KeptFolder> kept = HoldFolders(options.keep);
-    const std::vector<DeviceNode> nodes = HoldDeviceNodes();
+    const std::vector<BindFolder> bind_folders = OpenBindFolders(options.bind_folders);
+    const std::vector<DeviceNode> nodes = OpenDeviceNodes();
     DeviceTree tree;
     if (options.copy_machine) {
         for (const fs::path& folder : EnterOverlayRoot()) {
-            tree.Adopt(folder);
+            tree.AddFileSystem(folder);
         }
-        RemoveMachineContents(plan);
+        RemoveMachineContents(layout);
     }
-    ShowWritable(writable, plan);
+    ShowWritable(writable, layout);
     if (options.own_processes) {
-        MountProcesses(options.protect_machine);
+        MountProc(options.protect_machine);
     }
-    MountDevices();
+    MountSys();
     MountDeviceNodes(nodes);
-    tree.Adopt("/dev");
+    tree.AddFileSystem("/dev");
 
-    CoverPlaces(plan, tree);
-    ShowHidden(kept, writable, plan);
-    MakeContents(plan, tree);
-    StepInto(here);
+    MountTmpfsFolders(layout, tree);
+    ShowHidden(bind_folders, writable, layout);
+    MakeFoldersAndFiles(layout, tree);
+    ChangeFolder(here);
 }
 
 }  // namespace sandbox

@@ -1,9 +1,8 @@
-// device.h - moves a process onto a device of its own.
+// device.h - moves a process onto a simulated device.
 //
-// The process gets private mount, network, host name and IPC namespaces in which the places the
-// library reads and writes hold the device's files. What it changes there nobody else sees, and it
-// is gone with the last process of the device. This guards against accidents, not against a
-// program that wants to get out.
+// The process gets private mount, network, host name and IPC namespaces. The paths that the library
+// reads and writes hold the device's files. Changes are private and end with the last process of
+// the device. This guards against accidents, not against a program that tries to escape.
 #ifndef SANDBOX_DEVICE_DEVICE_H_
 #define SANDBOX_DEVICE_DEVICE_H_
 
@@ -16,32 +15,32 @@
 namespace sandbox {
 
 struct DeviceOptions {
-    // Folder whose files become the device's, each under its own absolute path. Empty: the places
-    // are there, without files.
+    // Folder of the device's files. Each file appears under its own absolute path. Empty: the
+    // device has its folders, but no files.
     std::string rootfs;
-    // More of the device's files. They come before what the machine has at their paths.
+    // More files of the device. They replace files of the machine at the same paths.
     std::vector<SampleFile> files;
-    // Folders that stay visible although one of the private places hides them.
-    std::vector<std::string> keep;
+    // Folders that stay visible even below a private folder.
+    std::vector<std::string> bind_folders;
     // Folders of the machine that stay visible and writable.
     std::vector<std::string> writable;
     // The device gets a copy of the whole machine that it may change. Root only.
     bool copy_machine = false;
     // Everything of the machine that is not in `writable` becomes read-only.
     bool protect_machine = true;
-    // The caller is the first process of a new PID namespace: it gets a /proc of that namespace.
+    // The caller is the first process of a new PID namespace and gets the /proc of it.
     bool own_processes = false;
 };
 
-// Gives up what no device needs, setting the clock above all, for good: the clock is the one thing
-// here that would be the machine's. Anyone but root moves into a user namespace to do so, and is
-// root there. EnterDevice() begins with this; call it alone to fork before moving.
+// Drops the capabilities that a device must not have, above all the right to set the clock, which
+// the device shares with the machine. An ordinary user first enters a user namespace and is root
+// there. EnterDevice() calls this first. Call it separately to fork before EnterDevice().
 // Throws Failure. The process must have one thread.
 void GiveUpPrivileges();
 
-// Moves the calling process onto a device. Afterwards it stands in the folder it stood in, or in
-// "/" where that is hidden. Throws Failure with a plain reason when the kernel refuses; the process
-// is then fit for nothing but ending. The process must have one thread.
+// Moves the calling process onto a device. The current folder stays the same, or becomes "/" if it
+// is hidden on the device. Throws Failure if the kernel refuses; the process must then end. The
+// process must have one thread.
 void EnterDevice(const DeviceOptions& options);
 
 }  // namespace sandbox

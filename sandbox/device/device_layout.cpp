@@ -1,7 +1,9 @@
-// device_layout.cpp - what a device consists of.
+// device_layout.cpp - the folders and files of a device.
 #include "sandbox/device/device_layout.h"
 
 #include <algorithm>
+
+#include "lib/base/paths.h"
 
 namespace sandbox {
 namespace {
@@ -9,38 +11,47 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Folder {
-    const char* path;
+    fs::path path;
     mode_t mode;
 };
 
-constexpr Folder kPlaces[] = {
-    {"/dev/shm", 01777}, {"/proc/bus", 0755}, {"/run", 0755}, {"/tmp", 01777}, {"/var/tmp", 01777},
-};
+// Returns the folder that holds a file of the device.
+fs::path FolderOf(const char* file) {
+    return fs::path(file).parent_path();
+}
 
-// A network hook of the machine's, for one, must not run on the device.
-constexpr Folder kFolders[] = {
-    {"/etc/network", 0755},
-    {"/etc/network/if-down.d", 0755},
-    {"/etc/network/if-post-down.d", 0755},
-    {"/etc/network/if-pre-up.d", 0755},
-    {"/etc/network/if-up.d", 0755},
-    {"/proc/bus/usb", 0755},
-    {"/run/lock", 01777},
-    {"/run/network", 0755},
-    {"/usr/local/share/apps/wlan", 0755},
-    {"/usr/local/share/etc/snmp", 0755},
-    {"/var/cron/tabs", 0700},
-    {"/var/lib/dhcp", 0755},
-    {"/var/libvelk", 0755},
-    {"/var/log/syslog", 0755},
-};
+std::vector<Folder> TmpfsFolders() {
+    return {
+        {velk::kSemaphoreFolder, 01777}, {"/proc/bus", 0755}, {"/run", 0755}, {"/tmp", 01777},
+        {velk::kEditFolder, 01777},
+    };
+}
 
-// In folders that the device shares with the machine. An agent of the machine's, for one, must not
-// be restarted from a device.
-constexpr const char* kFiles[] = {
-    "/etc/dhclient-exit-hooks", "/etc/dhclient.conf",    "/etc/init.d/snmpd",
-    "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script",
-};
+// The network hooks of the machine must not run on the device, so their folders are empty.
+std::vector<Folder> DeviceFolders() {
+    const fs::path network = FolderOf(velk::kInterfacesFile);
+    return {
+        {network, 0755},
+        {network / "if-down.d", 0755},
+        {network / "if-post-down.d", 0755},
+        {network / "if-pre-up.d", 0755},
+        {network / "if-up.d", 0755},
+        {FolderOf(velk::kUsbDevices), 0755},
+        {"/run/lock", 01777},
+        {"/run/network", 0755},
+        {FolderOf(velk::kSupportList), 0755},
+        {FolderOf(velk::kSnmpFile), 0755},
+        {FolderOf(velk::kCrontab), 0700},
+        {"/var/lib/dhcp", 0755},
+        {FolderOf(velk::kIdentityFile), 0755},
+        {FolderOf(velk::kSyslogPrefix), 0755},
+    };
+}
+
+// Files in folders that the device shares with the machine. The machine's own files of these names
+// must not be used on the device: for example, it must not restart the machine's SNMP agent.
+constexpr const char* kFiles[] = {velk::kClientScript, velk::kDhcpConfigFile, velk::kExitHooks,
+                                  velk::kResolverFile, velk::kSnmpScript};
 
 bool IsWithin(const fs::path& path, const fs::path& folder) {
     return std::ranges::mismatch(folder, path).in1 == folder.end();
@@ -48,61 +59,62 @@ bool IsWithin(const fs::path& path, const fs::path& folder) {
 
 }  // namespace
 
-Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_files) {
-    Plan plan;
-    for (const Folder& place : kPlaces) {
-        plan.places.emplace(fs::weakly_canonical(place.path), place.mode);
+DeviceLayout MakeDeviceLayout(const std::string& rootfs,
+                              const std::vector<SampleFile>& more_files) {
+    DeviceLayout layout;
+    for (const Folder& folder : TmpfsFolders()) {
+        layout.tmpfs_folders.emplace(fs::weakly_canonical(folder.path), folder.mode);
     }
-    for (const Folder& folder : kFolders) {
-        plan.folders.emplace(DeviceTree::Resolve(folder.path), folder.mode);
+    for (const Folder& folder : DeviceFolders()) {
+        layout.folders.emplace(DeviceTree::Resolve(folder.path), folder.mode);
     }
     for (const char* file : kFiles) {
-        plan.files.push_back(DeviceTree::Resolve(file));
+        layout.files.push_back(DeviceTree::Resolve(file));
     }
-    plan.samples = ReadSamples(rootfs);
-    plan.samples.insert(plan.samples.end(), more_files.begin(), more_files.end());
-    for (SampleFile& sample : plan.samples) {
+    layout.samples = ReadSamples(rootfs);
+    layout.samples.insert(layout.samples.end(), more_files.begin(), more_files.end());
+    for (SampleFile& sample : layout.samples) {
         sample.path = DeviceTree::Resolve(sample.path);
-        plan.files.push_back(sample.path);
+        layout.files.push_back(sample.path);
     }
-    return plan;
+    return layout;
 }
 
-bool IsHidden(const fs::path& path, const Plan& plan) {
-    return !plan.places.contains(path) && std::ranges::any_of(plan.places, [&](const auto& place) {
-        return IsWithin(path, place.first);
-    });
+bool IsHidden(const fs::path& path, const DeviceLayout& layout) {
+    return !layout.tmpfs_folders.contains(path) &&
+           std::ranges::any_of(layout.tmpfs_folders,
+                               [&](const auto& folder) { return IsWithin(path, folder.first); });
 }
 
-void RemoveMachineContents(const Plan& plan) {
-    for (const auto& [folder, mode] : plan.folders) {
+void RemoveMachineContents(const DeviceLayout& layout) {
+    for (const auto& [folder, mode] : layout.folders) {
         fs::remove_all(folder);
     }
-    for (const fs::path& file : plan.files) {
+    for (const fs::path& file : layout.files) {
         fs::remove_all(file);
     }
 }
 
-void CoverPlaces(const Plan& plan, DeviceTree& tree) {
-    for (const auto& [place, mode] : plan.places) {
-        tree.Cover(place, mode);
+void MountTmpfsFolders(const DeviceLayout& layout, DeviceTree& tree) {
+    for (const auto& [folder, mode] : layout.tmpfs_folders) {
+        tree.MountTmpfsAt(folder, mode);
     }
 }
 
-void MakeContents(const Plan& plan, DeviceTree& tree) {
-    for (const auto& [folder, mode] : plan.folders) {
-        tree.Claim(folder);
+void MakeFoldersAndFiles(const DeviceLayout& layout, DeviceTree& tree) {
+    for (const auto& [folder, mode] : layout.folders) {
+        tree.Hide(folder);
     }
-    for (const fs::path& file : plan.files) {
-        tree.Claim(file);
+    for (const fs::path& file : layout.files) {
+        tree.Hide(file);
     }
-    for (const auto& [folder, mode] : plan.folders) {
+    for (const auto& [folder, mode] : layout.folders) {
         tree.MakeFolder(folder, mode);
     }
-    for (const fs::path& file : plan.files) {
+    for (const fs::path& file : layout.files) {
         tree.MakePrivate(file.parent_path());
     }
-    for (const SampleFile& sample : plan.samples) {
+    for (const SampleFile& sample : layout.samples) {
         WriteSample(sample);
     }
 }

@@ -1,4 +1,4 @@
-// device_layout.h - what a device consists of.
+// device_layout.h - the folders and files of a device.
 #ifndef SANDBOX_DEVICE_DEVICE_LAYOUT_H_
 #define SANDBOX_DEVICE_DEVICE_LAYOUT_H_
 
@@ -16,30 +16,31 @@ namespace sandbox {
 
 using Modes = std::map<std::filesystem::path, mode_t>;
 
-// All paths are resolved, which takes the machine's own links: plan before anything is mounted.
-struct Plan {
-    Modes places;   // empty at the start, whatever the machine has there
-    Modes folders;  // the device's; of the machine's folders of the same names nothing shows
+// All paths are resolved through the machine's symlinks, so make the layout before any mount.
+struct DeviceLayout {
+    Modes tmpfs_folders;  // empty at the start
+    Modes folders;        // replace folders of the machine at the same paths
     std::vector<std::filesystem::path>
-        files;  // the same for files, whether there is a sample or not
+        files;  // replace files of the machine, with or without sample
     std::vector<SampleFile> samples;
 };
 
-// Plans a device with the files under `rootfs`, if that is not empty, and `more_files`.
-Plan MakePlan(const std::string& rootfs, const std::vector<SampleFile>& more_files);
+// Makes the layout of a device with `more_files` and the files under `rootfs`. An empty `rootfs`
+// means no files.
+DeviceLayout MakeDeviceLayout(const std::string& rootfs, const std::vector<SampleFile>& more_files);
 
-// True when one of the private places hides `path`. The place itself is not hidden: it is private.
-bool IsHidden(const std::filesystem::path& path, const Plan& plan);
+// True if `path` is below a tmpfs folder. The tmpfs folder itself is not hidden.
+bool IsHidden(const std::filesystem::path& path, const DeviceLayout& layout);
 
-// Removes what a copy of the machine has at the paths of the device's folders and files. Nothing of
-// the machine itself may be mounted within the copy yet.
-void RemoveMachineContents(const Plan& plan);
+// Removes the device's folders and files from a copy of the machine. Must run before any folder of
+// the machine is mounted inside the copy.
+void RemoveMachineContents(const DeviceLayout& layout);
 
-// Puts the private places over the machine's.
-void CoverPlaces(const Plan& plan, DeviceTree& tree);
+// Mounts the tmpfs folders over those of the machine.
+void MountTmpfsFolders(const DeviceLayout& layout, DeviceTree& tree);
 
 // Makes the device's folders and files.
-void MakeContents(const Plan& plan, DeviceTree& tree);
+void MakeFoldersAndFiles(const DeviceLayout& layout, DeviceTree& tree);
 
 }  // namespace sandbox
 

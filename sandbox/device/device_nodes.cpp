@@ -1,4 +1,4 @@
-// device_nodes.cpp - a /dev that reaches no hardware of the machine, nor its log.
+// device_nodes.cpp - a /dev without the hardware and the log of the machine.
 #include "sandbox/device/device_nodes.h"
 
 #include <cerrno>
@@ -32,64 +32,64 @@ constexpr std::pair<const char*, const char*> kLinks[] = {
     {"fd/2", "/dev/stderr"},      {"pts/ptmx", "/dev/ptmx"},
 };
 
-void HoldNode(const std::string& machine_path, const std::string& path,
+void OpenNode(const std::string& machine_path, const std::string& path,
               std::vector<DeviceNode>& nodes) {
-    velk::UniqueFd held = Hold(AT_FDCWD, machine_path);
-    if (held.get() == -1 && errno != ENOENT) {
-        Fail("cannot take hold of " + machine_path, errno);
+    velk::UniqueFd mount_fd = OpenMount(AT_FDCWD, machine_path);
+    if (mount_fd.get() == -1 && errno != ENOENT) {
+        Fail("cannot open " + machine_path, errno);
     }
-    if (held.get() != -1) {
-        nodes.push_back({path, std::move(held)});
+    if (mount_fd.get() != -1) {
+        nodes.push_back({path, std::move(mount_fd)});
     }
 }
 
-// The terminal's own name means nothing among the device's pseudo-terminals. Without a name, tty(1)
-// and others would take it for no terminal.
-void HoldTerminal(std::vector<DeviceNode>& nodes) {
+// The terminal's own name does not exist among the device's pseudo-terminals. Without any name,
+// tty(1) and other programs would not recognise it as a terminal.
+void OpenConsole(std::vector<DeviceNode>& nodes) {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (const char* terminal = ttyname(fd); terminal != nullptr) {
-            HoldNode(terminal, kConsole, nodes);
+            OpenNode(terminal, kConsole, nodes);
             return;
         }
     }
 }
 
-void ShowNode(const DeviceNode& node) {
+void MountNode(const DeviceNode& node) {
     { const std::ofstream mount_point(node.path); }
-    Attach(node.held, node.path);
+    AttachMount(node.mount_fd, node.path);
 }
 
-void MountTerminals() {
+void MountPseudoTerminals() {
     if (mount("velk", "/dev/pts", "devpts", MS_NOSUID | MS_NOEXEC,
               "newinstance,ptmxmode=0666,mode=620") == -1) {
-        Fail("cannot make terminals private", errno);
+        Fail("cannot mount /dev/pts", errno);
     }
 }
 
 }  // namespace
 
-std::vector<DeviceNode> HoldDeviceNodes() {
+std::vector<DeviceNode> OpenDeviceNodes() {
     std::vector<DeviceNode> nodes;
     for (const char* node : kNodes) {
-        HoldNode(node, node, nodes);
+        OpenNode(node, node, nodes);
     }
-    HoldTerminal(nodes);
+    OpenConsole(nodes);
     return nodes;
 }
 
 void MountDeviceNodes(const std::vector<DeviceNode>& nodes) {
-    (void)MountMemory("/dev", kFolderMode);
+    (void)MountTmpfs("/dev", kFolderMode);
     for (const auto& [folder, mode] : kFolders) {
         fs::create_directory(folder);
         fs::permissions(folder, mode);
     }
     for (const DeviceNode& node : nodes) {
-        ShowNode(node);
+        MountNode(node);
     }
     for (const auto& [target, link] : kLinks) {
         fs::create_symlink(target, link);
     }
-    MountTerminals();
+    MountPseudoTerminals();
 }
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// device_nodes.h - a /dev that reaches no hardware of the machine, nor its log.
+// device_nodes.h - a /dev without the hardware and the log of the machine.
 #ifndef SANDBOX_DEVICE_DEVICE_NODES_H_
 #define SANDBOX_DEVICE_DEVICE_NODES_H_
 
@@ -11,17 +11,15 @@ namespace sandbox {
 
 struct DeviceNode {
     std::string path;
-    velk::UniqueFd held;
+    velk::UniqueFd mount_fd;
 };
 
-// Takes hold of the machine's nodes that a device has too, and of this process's terminal, if it
-// has one, as /dev/console. Leaves out a node that the machine lacks. Call it while the machine's
-// /dev is there, and after that was made read-only if the device must not change the modes of the
-// nodes.
-std::vector<DeviceNode> HoldDeviceNodes();
+// Opens the nodes that a device shares with the machine, and the terminal of this process as
+// /dev/console. Skips nodes that the machine lacks. Must run before /dev is replaced. If /dev is
+// made read-only first, the device cannot change the modes of the nodes.
+std::vector<DeviceNode> OpenDeviceNodes();
 
-// Mounts a /dev with these nodes, pseudo-terminals of its own and an empty /dev/shm. Throws
-// Failure.
+// Mounts a /dev with these nodes, private pseudo-terminals and an empty /dev/shm. Throws Failure.
 void MountDeviceNodes(const std::vector<DeviceNode>& nodes);
 
 }  // namespace sandbox

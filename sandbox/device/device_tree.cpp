@@ -1,4 +1,4 @@
-// device_tree.cpp - the part of the file tree that belongs to the device.
+// device_tree.cpp - makes room for the device's files in the file tree of the machine.
 #include "sandbox/device/device_tree.h"
 
 #include <cerrno>
@@ -30,7 +30,7 @@ bool IsMissing(const fs::path& path) {
 }
 
 void MakeDirectory(const fs::path& folder, mode_t mode) {
-    // mkdir(2) alone would leave the mode to the caller's umask.
+    // mkdir(2) alone would apply the caller's umask.
     if (mkdir(folder.c_str(), mode) == -1 || chmod(folder.c_str(), mode) == -1) {
         Fail("cannot make " + folder.string(), errno);
     }
@@ -52,19 +52,19 @@ std::vector<std::string> EntriesOf(int folder) {
     return names;
 }
 
-// An entry removed meanwhile is no loss, and one that this user cannot even look at would be of no
-// use on the device.
-void PassOverOrFail(const fs::path& path, int error) {
+// Ignores entries that were removed in the meantime, and entries that this user may not read: they
+// would be of no use on the device.
+void IgnoreOrFail(const fs::path& path, int error) {
     if (error != ENOENT && error != EACCES) {
-        Fail("cannot take hold of " + path.string(), error);
+        Fail("cannot open " + path.string(), error);
     }
 }
 
-void RepeatLink(int folder, const std::string& name, const fs::path& path) {
+void CopyLink(int folder, const std::string& name, const fs::path& path) {
     char target[PATH_MAX];
     const ssize_t size = readlinkat(folder, name.c_str(), target, sizeof(target) - 1);
     if (size == -1) {
-        PassOverOrFail(path, errno);
+        IgnoreOrFail(path, errno);
         return;
     }
     target[size] = '\0';
@@ -81,27 +81,27 @@ void MakeMountPoint(const fs::path& path, bool is_folder) {
     }
 }
 
-// Lets an entry of a folder, open as `folder`, appear at `path`.
-void ShowEntry(int folder, const std::string& name, const fs::path& path) {
+// Bind-mounts an entry of the open folder `folder` at `path`. Symlinks are copied.
+void BindEntry(int folder, const std::string& name, const fs::path& path) {
     struct stat status;
     if (fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == -1) {
-        PassOverOrFail(path, errno);
+        IgnoreOrFail(path, errno);
         return;
     }
     if (S_ISLNK(status.st_mode)) {
-        RepeatLink(folder, name, path);
+        CopyLink(folder, name, path);
         return;
     }
-    const velk::UniqueFd held = Hold(folder, name);
-    if (held.get() == -1) {
-        PassOverOrFail(path, errno);
+    const velk::UniqueFd mount_fd = OpenMount(folder, name);
+    if (mount_fd.get() == -1) {
+        IgnoreOrFail(path, errno);
         return;
     }
     MakeMountPoint(path, S_ISDIR(status.st_mode));
-    if (!TryAttach(held, path)) {
+    if (!TryAttachMount(mount_fd, path)) {
         const int error = errno;
         (void)remove(path.c_str());
-        PassOverOrFail(path, error);
+        IgnoreOrFail(path, error);
     }
 }
 
@@ -111,10 +111,10 @@ fs::path DeviceTree::Resolve(const fs::path& path) {
     return fs::weakly_canonical(path.parent_path()) / path.filename();
 }
 
-void DeviceTree::Adopt(const fs::path& folder) {
+void DeviceTree::AddFileSystem(const fs::path& folder) {
     struct stat status;
     if (stat(folder.c_str(), &status) == -1) {
-        Fail("cannot look at " + folder.string(), errno);
+        Fail("cannot read " + folder.string(), errno);
     }
     devices_.insert(status.st_dev);
 }
@@ -124,12 +124,12 @@ bool DeviceTree::IsPrivate(const fs::path& folder) const {
     return stat(folder.c_str(), &status) == 0 && devices_.contains(status.st_dev);
 }
 
-void DeviceTree::Cover(const fs::path& folder, mode_t mode) {
+void DeviceTree::MountTmpfsAt(const fs::path& folder, mode_t mode) {
     if (IsMissing(folder)) {
         MakeFolder(folder, mode);
         return;
     }
-    devices_.insert(MountMemory(folder, mode));
+    devices_.insert(MountTmpfs(folder, mode));
 }
 
 void DeviceTree::MakePrivate(const fs::path& folder) {
@@ -151,17 +151,17 @@ void DeviceTree::MakeFolder(const fs::path& folder, mode_t mode) {
 
 void DeviceTree::Mirror(const fs::path& folder) {
     if (folder == folder.root_path()) {
-        throw Failure("the device needs a folder in /, which cannot be replaced");
+        throw Failure("cannot add a file or folder to /: the root folder cannot be mirrored");
     }
     const velk::UniqueFd original(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat status;
     if (original.get() == -1 || fstat(original.get(), &status) == -1) {
-        Fail("cannot look into " + folder.string(), errno);
+        Fail("cannot read " + folder.string(), errno);
     }
-    devices_.insert(MountMemory(folder, status.st_mode));
+    devices_.insert(MountTmpfs(folder, status.st_mode));
     for (const std::string& name : EntriesOf(original.get())) {
-        if (!claimed_.contains(folder / name)) {
-            ShowEntry(original.get(), name, folder / name);
+        if (!hidden_.contains(folder / name)) {
+            BindEntry(original.get(), name, folder / name);
         }
     }
 }

@@ -1,4 +1,4 @@
-// device_tree.h - the part of the file tree that belongs to the device.
+// device_tree.h - makes room for the device's files in the file tree of the machine.
 #ifndef SANDBOX_DEVICE_DEVICE_TREE_H_
 #define SANDBOX_DEVICE_DEVICE_TREE_H_
 
@@ -9,28 +9,27 @@
 
 namespace sandbox {
 
-// Makes room for the device's files among the machine's. A folder of the machine that has to hold
-// one becomes a mirror: a folder in memory in which each entry of the original appears, but which
-// takes new files and lets them be written, renamed and removed like any others.
+// A folder of the machine that holds a file of the device becomes a mirror: a tmpfs in which each
+// entry of the original is bind-mounted, and in which files can be made, renamed and removed.
 //
-// Every path is absolute and free of symlinks in its folders; see Resolve().
+// Every path is absolute and has no symlinks in its folders; see Resolve().
 class DeviceTree {
   public:
-    // The path with the symlinks of its folder followed, those of its last component not.
+    // Follows the symlinks of the folder, but not that of the last component.
     static std::filesystem::path Resolve(const std::filesystem::path& path);
 
-    // Takes the file system of this folder for the device's own: it is a copy of the machine's.
-    void Adopt(const std::filesystem::path& folder);
+    // Adds the file system of this folder to the private ones.
+    void AddFileSystem(const std::filesystem::path& folder);
 
-    // What the machine has under this path never shows on the device. Say so before anything below
-    // the same folder is made.
-    void Claim(const std::filesystem::path& path) { claimed_.insert(path); }
+    // Hides the machine's entry at this path. Must be called before anything in the same folder is
+    // made.
+    void Hide(const std::filesystem::path& path) { hidden_.insert(path); }
 
-    // Puts an empty folder in memory over one of the machine's, or makes the folder.
-    void Cover(const std::filesystem::path& folder, mode_t mode);
+    // Mounts a tmpfs over a folder of the machine. Makes the folder if it is missing.
+    void MountTmpfsAt(const std::filesystem::path& folder, mode_t mode);
 
     void MakeFolder(const std::filesystem::path& folder, mode_t mode);
-    // Sees to it that files made in the folder are the device's own.
+    // Mirrors the folder unless it is private already, or makes it.
     void MakePrivate(const std::filesystem::path& folder);
 
     bool IsPrivate(const std::filesystem::path& path) const;
@@ -38,8 +37,8 @@ class DeviceTree {
   private:
     void Mirror(const std::filesystem::path& folder);
 
-    std::set<std::filesystem::path> claimed_;
-    std::set<dev_t> devices_;  // of the folders in memory
+    std::set<std::filesystem::path> hidden_;
+    std::set<dev_t> devices_;  // private file systems
 };
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// mounts.cpp - the kernel's mount calls, failing with plain words.
+// mounts.cpp - the mount calls of the kernel, with error messages.
 #include "sandbox/device/mounts.h"
 
 #include <cerrno>
@@ -14,34 +14,34 @@
 namespace sandbox {
 namespace {
 
-constexpr char kSource[] = "velk";  // what the device's mounts are called in /proc/mounts
+constexpr char kSource[] = "velk";  // source of the device's mounts in /proc/mounts
 constexpr mode_t kModeBits = 07777;
-constexpr unsigned kFilesPerMegabyte = 256;  // empty files take memory, too
+constexpr unsigned kFilesPerMegabyte = 256;  // empty files use memory, too
 
-// Valgrind knows neither open_tree(2) nor move_mount(2). A place stays reachable when something is
-// mounted over it, but unlike a clone it shares later changes of its mount's flags: enough for a
+// Replaces open_tree(2), which Valgrind does not support. The descriptor stays valid under later
+// mounts. Unlike a clone, it shares later changes of the mount's flags, which is sufficient for a
 // device that leaves the machine writable.
-velk::UniqueFd HoldByPlace(int folder, const std::string& name) {
+velk::UniqueFd OpenByPath(int folder, const std::string& name) {
     return velk::UniqueFd(openat(folder, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
 }
 
-bool BindPlace(const velk::UniqueFd& held, const std::string& path) {
-    const std::string place = "/proc/self/fd/" + std::to_string(held.get());
-    return mount(place.c_str(), path.c_str(), "none", MS_BIND | MS_REC, nullptr) == 0;
+bool BindByPath(const velk::UniqueFd& mount_fd, const std::string& path) {
+    const std::string source = "/proc/self/fd/" + std::to_string(mount_fd.get());
+    return mount(source.c_str(), path.c_str(), "none", MS_BIND | MS_REC, nullptr) == 0;
 }
 
 }  // namespace
 
-dev_t MountMemory(const std::string& folder, mode_t mode, unsigned megabytes) {
+dev_t MountTmpfs(const std::string& folder, mode_t mode, unsigned megabytes) {
     char options[64];
     (void)snprintf(options, sizeof(options), "mode=%04o,size=%um,nr_inodes=%u", mode & kModeBits,
                    megabytes, megabytes * kFilesPerMegabyte);
     if (mount(kSource, folder.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options) == -1) {
-        Fail("cannot make " + folder + " private", errno);
+        Fail("cannot mount a tmpfs at " + folder, errno);
     }
     struct stat status;
     if (stat(folder.c_str(), &status) == -1) {
-        Fail("cannot look at " + folder, errno);
+        Fail("cannot read " + folder, errno);
     }
     return status.st_dev;
 }
@@ -50,22 +50,22 @@ bool MountKernel(const char* type, const char* folder, unsigned long flags) {
     return mount(kSource, folder, type, MS_NOSUID | MS_NODEV | MS_NOEXEC | flags, nullptr) == 0;
 }
 
-velk::UniqueFd Hold(int folder, const std::string& name) {
+velk::UniqueFd OpenMount(int folder, const std::string& name) {
     const unsigned flags = OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_RECURSIVE | AT_SYMLINK_NOFOLLOW;
-    velk::UniqueFd held(open_tree(folder, name.c_str(), flags));
-    return held.get() == -1 && errno == ENOSYS ? HoldByPlace(folder, name) : std::move(held);
+    velk::UniqueFd mount_fd(open_tree(folder, name.c_str(), flags));
+    return mount_fd.get() == -1 && errno == ENOSYS ? OpenByPath(folder, name) : std::move(mount_fd);
 }
 
-bool TryAttach(const velk::UniqueFd& held, const std::string& path) {
-    if (move_mount(held.get(), "", AT_FDCWD, path.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0) {
+bool TryAttachMount(const velk::UniqueFd& mount_fd, const std::string& path) {
+    if (move_mount(mount_fd.get(), "", AT_FDCWD, path.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0) {
         return true;
     }
-    return errno == ENOSYS && BindPlace(held, path);
+    return errno == ENOSYS && BindByPath(mount_fd, path);
 }
 
-void Attach(const velk::UniqueFd& held, const std::string& path) {
-    if (!TryAttach(held, path)) {
-        Fail("cannot show " + path, errno);
+void AttachMount(const velk::UniqueFd& mount_fd, const std::string& path) {
+    if (!TryAttachMount(mount_fd, path)) {
+        Fail("cannot mount " + path, errno);
     }
 }
 

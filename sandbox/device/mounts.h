@@ -1,4 +1,4 @@
-// mounts.h - the kernel's mount calls, failing with plain words.
+// mounts.h - the mount calls of the kernel, with error messages.
 #ifndef SANDBOX_DEVICE_MOUNTS_H_
 #define SANDBOX_DEVICE_MOUNTS_H_
 
@@ -10,27 +10,26 @@
 
 namespace sandbox {
 
-// A program of the device that never stops writing must not take the machine's memory.
+// Size limit of a tmpfs, so that a runaway program cannot fill the memory of the machine.
 inline constexpr unsigned kUsualMegabytes = 64;
 
-// Mounts an empty file system that lives in memory and holds so much at most. Returns its device
-// number.
-dev_t MountMemory(const std::string& folder, mode_t mode, unsigned megabytes = kUsualMegabytes);
+// Mounts an empty tmpfs of at most this size. Returns its device number.
+dev_t MountTmpfs(const std::string& folder, mode_t mode, unsigned megabytes = kUsualMegabytes);
 
-// Mounts a file system of the kernel's, such as "proc". False, with errno, when it is refused.
+// Mounts a file system of the kernel, such as "proc". Returns false, with errno, if that fails.
 bool MountKernel(const char* type, const char* folder, unsigned long flags);
 
-// Takes hold of a file or folder with everything mounted below it, as it is now: whatever is
-// mounted over it later, or made of its flags, leaves the hold alone. No descriptor, with errno,
-// when that fails. `folder` is AT_FDCWD or an open folder that `name` is relative to.
-velk::UniqueFd Hold(int folder, const std::string& name);
+// Opens a detached clone of the mount of a file or folder, with all mounts below it. Later mounts
+// over it, and later changes of its flags, do not affect the clone. `folder` is AT_FDCWD or an open
+// folder that `name` is relative to. Returns no descriptor, with errno, if that fails.
+velk::UniqueFd OpenMount(int folder, const std::string& name);
 
-// Lets what is held appear at `path`, which exists and is of the same kind. Failing throws, or is
-// told with errno.
-bool TryAttach(const velk::UniqueFd& held, const std::string& path);
-void Attach(const velk::UniqueFd& held, const std::string& path);
+// Attaches the clone at `path`, which must exist and be of the same kind. TryAttachMount() returns
+// false, with errno, if that fails. AttachMount() throws Failure.
+bool TryAttachMount(const velk::UniqueFd& mount_fd, const std::string& path);
+void AttachMount(const velk::UniqueFd& mount_fd, const std::string& path);
 
-// Makes everything mounted at `path` and below read-only.
+// Makes all mounts at `path` and below read-only.
 void MakeReadOnly(const std::string& path);
 
 }  // namespace sandbox

@@ -31,11 +31,12 @@ void WriteSetting(const char* path, const std::string& text) {
     }
 }
 
-[[noreturn]] void FailToMake(const char* what) {
+[[noreturn]] void FailToMake(const char* namespaces) {
     const int error = errno;
-    const std::string text = std::string("cannot make ") + what;
-    if (error == ENOSPC) {  // whose own text would speak of a full disk
-        throw Failure(text + ": the limit in /proc/sys/user is reached");
+    const std::string text = std::string("cannot make ") + namespaces;
+    if (error == ENOSPC) {  // its own text, "No space left on device", would mislead
+        throw Failure(text + ": the limit in /proc/sys/user is reached",
+                      "raise the max_*_namespaces limits in /proc/sys/user");
     }
     Fail(text, error);
 }
@@ -48,15 +49,15 @@ void EnterUserNamespace() {
     if (unshare(CLONE_NEWUSER) == -1) {
         FailToMake("a user namespace");
     }
-    // The kernel takes a group map from an ordinary user only once setgroups(2) is out of use.
+    // The kernel accepts a group map from an ordinary user only if setgroups(2) is denied.
     WriteSetting("/proc/self/setgroups", "deny");
     WriteSetting("/proc/self/gid_map", "0 " + group + " 1");
     WriteSetting("/proc/self/uid_map", "0 " + user + " 1");
 }
 
 pid_t ForkFirstProcess() {
-    // Not unshare(2) and fork(2): this process could then never start another child, and tools that
-    // need one at exit, such as a leak checker, would fail.
+    // With unshare(2) and fork(2), this process could never fork again. Tools that fork at exit,
+    // such as a leak checker, would fail.
     clone_args arguments{};
     arguments.flags = CLONE_NEWPID;
     arguments.exit_signal = SIGCHLD;
@@ -71,8 +72,9 @@ void EnterPrivateNamespaces() {
     if (unshare(kPrivateNamespaces) == -1) {
         FailToMake("mount and network namespaces");
     }
-    if (mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == -1) {  // valgrind reads texts
-        Fail("cannot keep mounts private", errno);
+    if (mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) ==
+        -1) {  // Valgrind reads the strings
+        Fail("cannot make mounts private", errno);
     }
     if (sethostname(kHostName.data(), kHostName.size()) == -1) {
         Fail("cannot name the device", errno);

@@ -6,13 +6,13 @@
 
 namespace sandbox {
 
-// Makes this process root of a new user namespace, whoever it was outside.
+// Enters a new user namespace, in which this process is root.
 void EnterUserNamespace();
 
-// fork(2) into a new PID namespace. The kernel ends all its processes when the first one ends.
+// Forks the first process of a new PID namespace. If it ends, the kernel ends all others.
 pid_t ForkFirstProcess();
 
-// Enters mount, network, host name and IPC namespaces. No mount made from here on is seen outside.
+// Enters private mount, network, host name and IPC namespaces. Later mounts are not seen outside.
 void EnterPrivateNamespaces();
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// network_control.cpp - changes interfaces as ifconfig(8) and ethtool(8) do, by netdevice(7).
+// network_control.cpp - configures network interfaces with netdevice(7) calls.
 #include "sandbox/device/network_control.h"
 
 #include <cerrno>
@@ -24,9 +24,9 @@ ifreq RequestFor(const std::string& interface) {
     return request;
 }
 
-void Change(const velk::UniqueFd& any_socket, unsigned long what, ifreq& request) {
-    if (ioctl(any_socket.get(), what, &request) == -1) {
-        Fail(std::string("cannot set up ") + request.ifr_name, errno);
+void Change(const velk::UniqueFd& any_socket, unsigned long call, ifreq& request) {
+    if (ioctl(any_socket.get(), call, &request) == -1) {
+        Fail(std::string("cannot configure ") + request.ifr_name, errno);
     }
 }
 

@@ -1,4 +1,4 @@
-// network_control.h - changes interfaces as ifconfig(8) and ethtool(8) do, by netdevice(7).
+// network_control.h - configures network interfaces with netdevice(7) calls.
 #ifndef SANDBOX_DEVICE_NETWORK_CONTROL_H_
 #define SANDBOX_DEVICE_NETWORK_CONTROL_H_
 
@@ -15,18 +15,18 @@ struct StaticAddress {
     in_addr mask = {};
 };
 
-// Acts on the network its maker was in, whatever network that process enters afterwards. Failing
-// throws Failure.
+// Acts on the network namespace in which it was made, even after the process enters another one.
+// All functions throw Failure.
 class NetworkControl {
   public:
     NetworkControl();
 
     void BringUp(const std::string& interface) const;
     void BringDown(const std::string& interface) const;
-    // 02:00:00:00:00 and the last byte; while the interface is down.
+    // Sets the address 02:00:00:00:00:XX. The interface must be down.
     void SetHardwareAddress(const std::string& interface, unsigned char last_byte) const;
     void SetAddress(const std::string& interface, const StaticAddress& address) const;
-    // 100 Mbit/s, full duplex, negotiated.
+    // Sets 100 Mbit/s, full duplex, with negotiation.
     void SetUsualSpeed(const std::string& interface) const;
 
   private:

@@ -1,7 +1,7 @@
-// overlay_root.cpp - a copy of the whole machine that a device may change.
+// overlay_root.cpp - a private overlay of the whole file tree of the machine.
 //
-// The workshop, a file system in memory, holds the changes. It stands over /tmp of this process's
-// own mount namespace, so nothing is left of it on the machine, whatever way the device ends.
+// A tmpfs holds the changes. It is mounted over /tmp in the private mount namespace of this
+// process, so the kernel removes it when the device ends.
 #include "sandbox/device/overlay_root.h"
 
 #include <algorithm>
@@ -25,11 +25,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kWorkshop[] = "/tmp";
+constexpr char kChangesFolder[] = "/tmp";
 constexpr char kNewRoot[] = "/tmp/root";
 constexpr mode_t kFolderMode = 0755;
-constexpr unsigned kMegabytes = 512;  // of changes, logs above all
-// The kernel's own file systems, and the places that are private anyway.
+constexpr unsigned kMegabytes = 512;  // limit of all changes
+// The file systems of the kernel, and the folders that are private in any case.
 constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", "/var/tmp"};
 
 bool IsCopied(const fs::path& path) {
@@ -40,7 +40,7 @@ bool IsCopied(const fs::path& path) {
            });
 }
 
-// The folders where the machine's file systems begin, outer ones first; the root is not among them.
+// Returns the mount points of the machine, outer ones first, without the root.
 std::set<fs::path> FileSystemsBelowRoot() {
     std::set<fs::path> folders;
     std::ifstream mounts("/proc/self/mountinfo");
@@ -56,8 +56,8 @@ std::set<fs::path> FileSystemsBelowRoot() {
 }
 
 bool TryOverlay(const fs::path& folder, const std::string& number) {
-    const std::string upper = std::string(kWorkshop) + "/upper" + number;
-    const std::string work = std::string(kWorkshop) + "/work" + number;
+    const std::string upper = std::string(kChangesFolder) + "/upper" + number;
+    const std::string work = std::string(kChangesFolder) + "/work" + number;
     fs::create_directory(upper);
     fs::create_directory(work);
     fs::permissions(upper, fs::status(folder).permissions());
@@ -67,17 +67,17 @@ bool TryOverlay(const fs::path& folder, const std::string& number) {
     return mount("velk", target.c_str(), "overlay", 0, options.c_str()) == 0;
 }
 
-// A file system that cannot be one half of an overlay stays what it is here: read-only. False then.
+// Returns false if a file system cannot be part of an overlay. It is then mounted read-only.
 bool CopyFileSystem(const fs::path& folder, const std::string& number) {
     if (TryOverlay(folder, number)) {
         return true;
     }
-    const velk::UniqueFd held = Hold(AT_FDCWD, folder);
-    (void)TryAttach(held, kNewRoot + folder.string());
+    const velk::UniqueFd mount_fd = OpenMount(AT_FDCWD, folder);
+    (void)TryAttachMount(mount_fd, kNewRoot + folder.string());
     return false;
 }
 
-// Nothing of the old root can be reached afterwards.
+// The old root is unmounted, so it cannot be reached afterwards.
 void MoveToNewRoot() {
     fs::current_path(kNewRoot);
     if (syscall(SYS_pivot_root, ".", ".") == -1 || umount2(".", MNT_DETACH) == -1) {
@@ -90,7 +90,7 @@ void MoveToNewRoot() {
 
 std::vector<fs::path> EnterOverlayRoot() {
     const std::set<fs::path> file_systems = FileSystemsBelowRoot();
-    (void)MountMemory(kWorkshop, kFolderMode, kMegabytes);
+    (void)MountTmpfs(kChangesFolder, kFolderMode, kMegabytes);
     fs::create_directory(kNewRoot);
     if (!TryOverlay("/", "")) {
         Fail("cannot make an overlay of the root folder", errno);

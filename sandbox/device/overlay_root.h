@@ -1,4 +1,4 @@
-// overlay_root.h - a copy of the whole machine that a device may change.
+// overlay_root.h - a private overlay of the whole file tree of the machine.
 #ifndef SANDBOX_DEVICE_OVERLAY_ROOT_H_
 #define SANDBOX_DEVICE_OVERLAY_ROOT_H_
 
@@ -7,9 +7,10 @@
 
 namespace sandbox {
 
-// Moves this process, in mount namespaces of its own, onto a root folder that shows the machine's
-// files and keeps every change in memory. /dev, /proc and /sys are empty there and wait to be
-// mounted. Returns the folders where a file system begins that may be changed. Throws Failure.
+// Changes the root folder of this process to an overlay: it shows the machine's files and keeps all
+// changes in memory. The process must be in a private mount namespace. /dev, /proc and /sys are
+// empty there; the caller mounts them. Returns the mount points of the writable file systems.
+// Throws Failure.
 std::vector<std::filesystem::path> EnterOverlayRoot();
 
 }  // namespace sandbox

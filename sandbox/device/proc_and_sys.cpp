@@ -1,5 +1,4 @@
-// proc_and_sys.cpp - the kernel's own file trees, of the device's namespaces instead of the
-// machine's.
+// proc_and_sys.cpp - /proc and /sys of the device's namespaces.
 #include "sandbox/device/proc_and_sys.h"
 
 #include <cctype>
@@ -26,7 +25,7 @@ bool IsProcess(const fs::path& path) {
     return isdigit(static_cast<unsigned char>(path.filename().native().front())) != 0;
 }
 
-// Folders, and files that somebody may write. Links lead to processes or to other entries.
+// True for folders and writable files. Links point to processes or to other entries.
 bool ReachesMachine(const fs::directory_entry& entry) {
     constexpr fs::perms kWritable =
         fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
@@ -45,39 +44,39 @@ std::vector<std::string> MachineEntries() {
     return entries;
 }
 
-velk::UniqueFd HoldEntry(const std::string& path) {
-    velk::UniqueFd held = Hold(AT_FDCWD, path);
-    if (held.get() == -1) {
-        Fail("cannot take hold of " + path, errno);
+velk::UniqueFd OpenEntry(const std::string& path) {
+    velk::UniqueFd mount_fd = OpenMount(AT_FDCWD, path);
+    if (mount_fd.get() == -1) {
+        Fail("cannot open " + path, errno);
     }
-    return held;
+    return mount_fd;
 }
 
 void ProtectMachineEntries() {
-    // The settings under here are those of the device's network.
-    const velk::UniqueFd network = HoldEntry(kNetworkSettings);
+    // These settings belong to the network namespace of the device and stay writable.
+    const velk::UniqueFd network = OpenEntry(kNetworkSettings);
     for (const std::string& entry : MachineEntries()) {
-        Attach(HoldEntry(entry), entry);
+        AttachMount(OpenEntry(entry), entry);
         MakeReadOnly(entry);
     }
-    Attach(network, kNetworkSettings);
+    AttachMount(network, kNetworkSettings);
 }
 
 }  // namespace
 
-void MountProcesses(bool protect) {
+void MountProc(bool protect) {
     if (!MountKernel("proc", "/proc", 0)) {
-        const char* hint =
-            errno == EPERM ? " (is a part of /proc covered, as in a container?)" : "";
-        Fail(std::string("cannot make /proc private") + hint, errno);
+        const int error = errno;
+        Fail("cannot mount /proc", error,
+             error == EPERM ? "remove mounts below /proc; containers often have some" : "");
     }
     if (protect) {
         ProtectMachineEntries();
     }
 }
 
-void MountDevices() {
-    // Without it the device merely sees the names of the machine's interfaces there.
+void MountSys() {
+    // If this fails, /sys shows the names of the machine's interfaces.
     (void)MountKernel("sysfs", "/sys", MS_RDONLY);
 }
 

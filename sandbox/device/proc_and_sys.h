@@ -1,16 +1,15 @@
-// proc_and_sys.h - the kernel's own file trees, of the device's namespaces instead of the
-// machine's.
+// proc_and_sys.h - /proc and /sys of the device's namespaces.
 #ifndef SANDBOX_DEVICE_PROC_AND_SYS_H_
 #define SANDBOX_DEVICE_PROC_AND_SYS_H_
 
 namespace sandbox {
 
-// Mounts a /proc that shows the processes of this PID namespace. With `protect`, what it tells of
-// the machine can only be read.
-void MountProcesses(bool protect);
+// Mounts the /proc of this PID namespace. With `protect`, all its entries except those of processes
+// and of network settings are read-only.
+void MountProc(bool protect);
 
-// Mounts a /sys that shows the network interfaces of this network namespace, read-only.
-void MountDevices();
+// Mounts, read-only, the /sys of this network namespace.
+void MountSys();
 
 }  // namespace sandbox
 

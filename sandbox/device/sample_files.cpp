@@ -1,4 +1,4 @@
-// sample_files.cpp - the device's files, as a folder of the machine holds them.
+// sample_files.cpp - reads and writes the sample files of a device.
 #include "sandbox/device/sample_files.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "sandbox/process/failure.h"
 
@@ -18,15 +19,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kCrontabs[] = "/var/cron/tabs";
 constexpr mode_t kOwnerOnly = 0700;
 constexpr mode_t kModeBits = 07777;
 
-// A crontab is its owner's alone on the device. Its sample is not: another user's sandbox must be
-// able to read it.
+// Removes the access of group and others from crontabs. The sample itself is readable by all, as
+// any user may start a sandbox.
 mode_t ModeOnDevice(const fs::path& path, fs::perms found) {
     const mode_t mode = static_cast<mode_t>(found) & kModeBits;
-    return path.parent_path() == kCrontabs ? mode & kOwnerOnly : mode;
+    return path.parent_path() == fs::path(velk::kCrontab).parent_path() ? mode & kOwnerOnly : mode;
 }
 
 SampleFile ReadSample(const fs::directory_entry& entry, const fs::path& rootfs) {

@@ -1,4 +1,4 @@
-// sample_files.h - the device's files, as a folder of the machine holds them.
+// sample_files.h - reads and writes the sample files of a device.
 #ifndef SANDBOX_DEVICE_SAMPLE_FILES_H_
 #define SANDBOX_DEVICE_SAMPLE_FILES_H_
 
@@ -14,14 +14,14 @@ struct SampleFile {
     std::filesystem::path path;  // on the device
     mode_t mode = 0;
     bool is_link = false;
-    std::string text;  // of a link: its target
+    std::string text;  // the target if it is a link
 };
 
-// Reads all files under `rootfs` into memory, for the folder itself may be out of sight later.
-// Sorted by path. An empty name stands for no files.
+// Reads all files under `rootfs` into memory, as the folder may be hidden later. Returns them
+// sorted by path. An empty `rootfs` means no files.
 std::vector<SampleFile> ReadSamples(const std::string& rootfs);
 
-// What a file holds. Throws Failure.
+// Returns the contents of a file. Throws Failure.
 std::string ReadText(const std::filesystem::path& path);
 
 void WriteSample(const SampleFile& file);

@@ -1,38 +1,38 @@
-// hardware.cpp - the device's cable and adapter, and the router around it.
+// hardware.cpp - the cable, adapter and router of a device.
 #include "sandbox/hardware/hardware.h"
 
 #include <fstream>
 
-#include "sandbox/hardware/interfaces_file.h"
+#include "sandbox/hardware/static_address.h"
 #include "sandbox/hardware/tap_ports.h"
 #include "sandbox/process/failure.h"
 
 namespace sandbox {
 namespace {
 
-// Where ifupdown(8) notes what it has brought up.
-constexpr char kStateOfInterfaces[] = "/run/network/ifstate";
+// ifupdown(8) records here which interfaces are up.
+constexpr char kInterfaceState[] = "/run/network/ifstate";
 
 void SetWiredAddress(const NetworkControl& device) {
     if (const auto address = ReadStaticAddress(kWiredPort.name)) {
         device.SetAddress(kWiredPort.name, *address);
-        std::ofstream(kStateOfInterfaces) << "lo=lo\neth0=eth0\n";
+        std::ofstream(kInterfaceState) << "lo=lo\neth0=eth0\n";
     }
 }
 
 }  // namespace
 
 std::string Hardware::Start() {
-    std::string troubles;
+    std::string problems;
     try {
         MakePorts();
     } catch (const Failure& failure) {
         ports_.reset();
-        troubles = std::string("no eth0 and eth1: ") + failure.what();
+        problems = std::string("eth0 and eth1 are missing: ") + failure.what();
     }
-    const std::string daemon_trouble = StartDaemon();
-    const bool both = !troubles.empty() && !daemon_trouble.empty();
-    return troubles + (both ? "; " : "") + daemon_trouble;
+    const std::string daemon_problem = StartDaemon();
+    const bool both = !problems.empty() && !daemon_problem.empty();
+    return problems + (both ? "; " : "") + daemon_problem;
 }
 
 std::string Hardware::StartDaemon() const {
@@ -57,7 +57,7 @@ void Hardware::MakePorts() {
     }
 }
 
-void Hardware::Obey(const std::string& order) {
+void Hardware::Execute(const std::string& order) {
     if (order == "cable in" || order == "cable out") {
         MoveCable(order == "cable in");
     } else if (order == "adapter in") {
@@ -67,24 +67,24 @@ void Hardware::Obey(const std::string& order) {
     } else if (order == "router in" || order == "router out") {
         MoveRouter(order == "router in");
     } else {
-        throw Failure("the hardware does not know how to: " + order);
+        throw Failure("unknown order: " + order);
     }
 }
 
 void Hardware::MoveCable(bool in) {
     if (ports_ == nullptr) {
-        throw Failure("this device has no interfaces, and so no cable");
+        throw Failure("this device has no interfaces, so it has no cable");
     }
     ports_->SetCarrier(kWiredPort, in);
 }
 
-// The list of devices changes first here and last below: who finds the adapter there finds its
-// interface and its daemon, too.
+// The list of USB devices changes first here and last in PlugAdapter(): as long as the list shows
+// the adapter, its interface and its daemon exist.
 void Hardware::PullAdapter() {
     if (!adapter_in_) {
         return;
     }
-    usb_.TakeOutAdapter();
+    usb_.RemoveAdapter();
     adapter_in_ = false;
     daemon_.Stop();
     if (ports_ != nullptr) {
@@ -98,56 +98,56 @@ void Hardware::PlugAdapter() {
     }
     if (ports_ != nullptr) {
         ports_->Make(kWirelessPort);
-        JoinRouter();
+        ConnectRouter();
     }
-    const std::string trouble = StartDaemon();
-    usb_.PutInAdapter();
+    const std::string problem = StartDaemon();
+    usb_.RestoreAdapter();
     adapter_in_ = true;
-    if (!trouble.empty()) {
-        throw Failure(trouble);
+    if (!problem.empty()) {
+        throw Failure(problem);
     }
 }
 
 void Hardware::MoveRouter(bool in) {
     if (options_.router_folder.empty()) {
-        throw Failure("this device has no router; one made with --real has");
+        throw Failure("this device has no router", "start the device with --real");
     }
     if (!in) {
         router_.reset();
     } else if (router_ == nullptr) {
         router_ = std::make_unique<Router>(options_.router_folder);
-        JoinRouter();
+        ConnectRouter();
     }
 }
 
-// Only taps lead anywhere.
-void Hardware::JoinRouter() {
+// Only tap interfaces can be connected to the router.
+void Hardware::ConnectRouter() {
     auto* const taps = dynamic_cast<TapPorts*>(ports_.get());
     if (router_ != nullptr && taps != nullptr) {
-        taps->Join(kWiredPort, router_->ports(), kRouterWiredPort);
-        taps->Join(kWirelessPort, router_->ports(), kRouterWirelessPort);
+        taps->Connect(kWiredPort, router_->ports(), kRouterWiredPort);
+        taps->Connect(kWirelessPort, router_->ports(), kRouterWirelessPort);
     }
 }
 
-std::vector<pollfd> Hardware::Frames() const {
-    std::vector<pollfd> frames;
+std::vector<pollfd> Hardware::PollFds() const {
+    std::vector<pollfd> poll_fds;
     if (ports_ != nullptr) {
-        frames = ports_->Frames();
+        poll_fds = ports_->PollFds();
     }
     if (router_ != nullptr) {
-        const std::vector<pollfd> more = router_->ports().Frames();
-        frames.insert(frames.end(), more.begin(), more.end());
+        const std::vector<pollfd> more = router_->ports().PollFds();
+        poll_fds.insert(poll_fds.end(), more.begin(), more.end());
     }
-    return frames;
+    return poll_fds;
 }
 
-// Both look for the descriptor among their own.
-void Hardware::Carry(const pollfd& ready) {
+// Each ignores descriptors that are not its own.
+void Hardware::ForwardFrame(const pollfd& ready) {
     if (ports_ != nullptr) {
-        ports_->Carry(ready);
+        ports_->ForwardFrame(ready);
     }
     if (router_ != nullptr) {
-        router_->ports().Carry(ready);
+        router_->ports().ForwardFrame(ready);
     }
 }
 

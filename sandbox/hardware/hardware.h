@@ -1,4 +1,4 @@
-// hardware.h - the device's cable and adapter, and the router around it.
+// hardware.h - the cable, adapter and router of a device.
 #ifndef SANDBOX_HARDWARE_HARDWARE_H_
 #define SANDBOX_HARDWARE_HARDWARE_H_
 
@@ -17,10 +17,11 @@
 namespace sandbox {
 
 struct HardwareOptions {
-    std::string program_folder;  // where the wireless daemon is looked for
-    std::string router_folder;   // of the router's configuration; empty: there is none to be had
-    bool router_in = false;      // at the start, as cable and adapter are
-    bool sets_address = true;    // of eth0, at the start; otherwise the device's own tools do that
+    std::string program_folder;  // holds the wireless daemon
+    std::string router_folder;   // the router's configuration; empty: no router
+    bool router_in = false;      // at the start
+    bool sets_address =
+        true;  // sets the address of eth0 at the start; if false, the device's tools do
 };
 
 class Hardware {
@@ -28,14 +29,15 @@ class Hardware {
     explicit Hardware(HardwareOptions options)
         : options_(std::move(options)), daemon_(options_.program_folder + "/wland") {}
 
-    // Plugs in what is in at the start. Returns what does not work in one line, or an empty text.
+    // Makes the ports and starts the daemon and the router. Returns one line of problems, or an
+    // empty text.
     std::string Start();
-    // Moves a part, as in "cable out". Throws Failure.
-    void Obey(const std::string& order);
+    // Executes an order such as "cable out". Throws Failure.
+    void Execute(const std::string& order);
 
-    // What to wait for so as not to let sent frames pile up, and what then carries them away.
-    std::vector<pollfd> Frames() const;
-    void Carry(const pollfd& ready);
+    // Returns the descriptors to poll for sent frames. ForwardFrame() takes one that is ready.
+    std::vector<pollfd> PollFds() const;
+    void ForwardFrame(const pollfd& ready);
 
   private:
     void MakePorts();
@@ -44,14 +46,14 @@ class Hardware {
     void PullAdapter();
     void PlugAdapter();
     void MoveRouter(bool in);
-    void JoinRouter();
+    void ConnectRouter();
 
     HardwareOptions options_;
-    std::unique_ptr<Ports> ports_;  // none when there are no interfaces to be had
+    std::unique_ptr<Ports> ports_;  // null if no interfaces can be made
     UsbDevices usb_;
     WirelessDaemon daemon_;
     bool adapter_in_ = true;
-    std::unique_ptr<Router> router_;  // none while it is out
+    std::unique_ptr<Router> router_;  // null while the router is out
 };
 
 }  // namespace sandbox

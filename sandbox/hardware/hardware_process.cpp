@@ -1,4 +1,4 @@
-// hardware_process.cpp - the process that holds the device's cable, adapter and router.
+// hardware_process.cpp - the process that simulates the cable, adapter and router.
 #include "sandbox/hardware/hardware_process.h"
 
 #include <cerrno>
@@ -19,9 +19,9 @@ namespace {
 
 constexpr int kHardwareFailed = 1;
 
-void Serve(Hardware& hardware, const HardwareChannel& orders) {
+void Serve(Hardware& hardware, const OrderSocket& orders) {
     for (;;) {
-        std::vector<pollfd> waiting = hardware.Frames();
+        std::vector<pollfd> waiting = hardware.PollFds();
         waiting.push_back({orders.inside(), POLLIN, 0});
         waiting.push_back({orders.outside(), POLLIN, 0});
         if (poll(waiting.data(), waiting.size(), -1) == -1) {
@@ -33,20 +33,20 @@ void Serve(Hardware& hardware, const HardwareChannel& orders) {
             }
             if (ready.fd == orders.inside() || ready.fd == orders.outside()) {
                 orders.Answer(ready.fd,
-                              [&hardware](const std::string& order) { hardware.Obey(order); });
+                              [&hardware](const std::string& order) { hardware.Execute(order); });
             } else {
-                hardware.Carry(ready);
+                hardware.ForwardFrame(ready);
             }
         }
     }
 }
 
-// It shall neither read what is meant for the command nor be reached by the terminal's keys.
-void LeaveTerminal() {
+// The hardware process must not read the command's input or receive signals of the terminal.
+void DetachFromTerminal() {
     (void)setsid();
-    const velk::UniqueFd nothing(open("/dev/null", O_RDWR | O_CLOEXEC));
-    (void)dup2(nothing.get(), STDIN_FILENO);
-    (void)dup2(nothing.get(), STDOUT_FILENO);
+    const velk::UniqueFd null_device(open("/dev/null", O_RDWR | O_CLOEXEC));
+    (void)dup2(null_device.get(), STDIN_FILENO);
+    (void)dup2(null_device.get(), STDOUT_FILENO);
 }
 
 void Report(velk::UniqueFd& report, const std::string& text) {
@@ -54,13 +54,13 @@ void Report(velk::UniqueFd& report, const std::string& text) {
     (void)report.Reset();
 }
 
-[[noreturn]] void BeHardware(const HardwareOptions& options, velk::UniqueFd door,
-                             velk::UniqueFd& report) {
+[[noreturn]] void RunHardware(const HardwareOptions& options, velk::UniqueFd control_socket,
+                              velk::UniqueFd& report) {
     (void)prctl(PR_SET_NAME, "velk-hardware");
-    LeaveTerminal();
+    DetachFromTerminal();
     try {
         Hardware hardware(options);
-        const HardwareChannel orders(std::move(door));
+        const OrderSocket orders(std::move(control_socket));
         Report(report, hardware.Start());
         Serve(hardware, orders);
     } catch (const std::exception& error) {
@@ -80,7 +80,7 @@ std::string ReadReport(const velk::UniqueFd& report) {
 
 }  // namespace
 
-std::string StartHardware(const HardwareOptions& options, velk::UniqueFd door) {
+std::string StartHardware(const HardwareOptions& options, velk::UniqueFd control_socket) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) == -1) {
         Fail("cannot make a pipe", errno);
@@ -92,14 +92,14 @@ std::string StartHardware(const HardwareOptions& options, velk::UniqueFd door) {
         Fail("cannot start a process", errno);
     }
     if (hardware == 0) {
-        BeHardware(options, std::move(door), write_end);
+        RunHardware(options, std::move(control_socket), write_end);
     }
     (void)write_end.Reset();
     return ReadReport(read_end);
 }
 
 void MoveHardware(const std::string& part, const std::string& position, const std::string& device) {
-    GiveOrder(part + " " + position, device);
+    SendOrder(part + " " + position, device);
 }
 
 }  // namespace sandbox

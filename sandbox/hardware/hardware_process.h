@@ -1,4 +1,4 @@
-// hardware_process.h - the process that holds the device's cable, adapter and router.
+// hardware_process.h - the process that simulates the cable, adapter and router.
 #ifndef SANDBOX_HARDWARE_HARDWARE_PROCESS_H_
 #define SANDBOX_HARDWARE_HARDWARE_PROCESS_H_
 
@@ -9,13 +9,14 @@
 
 namespace sandbox {
 
-// Starts the process on the device that this process is the first process of. It takes orders from
-// outside at the door. Returns once all works, with what does not in one line, or an empty text.
-std::string StartHardware(const HardwareOptions& options, velk::UniqueFd door);
+// Starts the hardware process. The caller is the first process of the device. Orders from outside
+// arrive at `control_socket`. Returns once the hardware is ready: one line of problems, or an empty
+// text.
+std::string StartHardware(const HardwareOptions& options, velk::UniqueFd control_socket);
 
-// Moves a part of the device of that name: "cable", "adapter" or "router", "in" or "out". Without a
-// name it is the device this process runs on, or the only one that is running. The effect is there
-// on return. Throws Failure.
+// Moves "cable", "adapter" or "router" of the device of that name "in" or "out". An empty name
+// means the device of this process, or the only running one. The part has moved on return. Throws
+// Failure.
 void MoveHardware(const std::string& part, const std::string& position, const std::string& device);
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// netns_scope.cpp - a stay in another network namespace.
+// netns_scope.cpp - enters a network namespace until the end of a scope.
 #include "sandbox/hardware/netns_scope.h"
 
 #include <cerrno>
@@ -16,14 +16,14 @@ namespace {
 velk::UniqueFd CurrentNetwork() {
     velk::UniqueFd network(open("/proc/self/ns/net", O_RDONLY | O_CLOEXEC));
     if (network.get() == -1) {
-        Fail("cannot take hold of a network", errno);
+        Fail("cannot open the network namespace", errno);
     }
     return network;
 }
 
 void Enter(const velk::UniqueFd& network) {
     if (setns(network.get(), CLONE_NEWNET) == -1) {
-        Fail("cannot enter a network", errno);
+        Fail("cannot enter a network namespace", errno);
     }
 }
 
@@ -32,19 +32,19 @@ void Enter(const velk::UniqueFd& network) {
 velk::UniqueFd MakeNetwork() {
     const velk::UniqueFd home = CurrentNetwork();
     if (unshare(CLONE_NEWNET) == -1) {
-        Fail("cannot make a network", errno);
+        Fail("cannot make a network namespace", errno);
     }
     velk::UniqueFd made = CurrentNetwork();
     Enter(home);
     return made;
 }
 
-NetworkVisit::NetworkVisit(const velk::UniqueFd& network) : home_(CurrentNetwork()) {
+NetnsScope::NetnsScope(const velk::UniqueFd& network) : home_(CurrentNetwork()) {
     Enter(network);
 }
 
-NetworkVisit::~NetworkVisit() {
-    // A process that cannot come home must not go on in the wrong network.
+NetnsScope::~NetnsScope() {
+    // The process must not continue in the wrong network namespace.
     if (setns(home_.get(), CLONE_NEWNET) == -1) {
         _exit(EXIT_FAILURE);
     }

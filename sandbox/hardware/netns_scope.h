@@ -1,4 +1,4 @@
-// netns_scope.h - a stay in another network namespace.
+// netns_scope.h - enters a network namespace until the end of a scope.
 #ifndef SANDBOX_HARDWARE_NETNS_SCOPE_H_
 #define SANDBOX_HARDWARE_NETNS_SCOPE_H_
 
@@ -6,16 +6,17 @@
 
 namespace sandbox {
 
-// Makes a network namespace, which lasts as long as somebody holds or uses it. Throws Failure.
+// Makes a network namespace. It exists while a descriptor or a process refers to it. Throws
+// Failure.
 velk::UniqueFd MakeNetwork();
 
-// The calling process is in the network until the visit ends. Throws Failure.
-class NetworkVisit {
+// Keeps the calling process in the network namespace until the end of the scope. Throws Failure.
+class NetnsScope {
   public:
-    explicit NetworkVisit(const velk::UniqueFd& network);
-    NetworkVisit(const NetworkVisit&) = delete;
-    NetworkVisit& operator=(const NetworkVisit&) = delete;
-    ~NetworkVisit();
+    explicit NetnsScope(const velk::UniqueFd& network);
+    NetnsScope(const NetnsScope&) = delete;
+    NetnsScope& operator=(const NetnsScope&) = delete;
+    ~NetnsScope();
 
   private:
     velk::UniqueFd home_;

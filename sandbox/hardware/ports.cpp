@@ -1,4 +1,4 @@
-// ports.cpp - chooses the kind of interfaces that the device gets.
+// ports.cpp - chooses between tap and veth interfaces.
 #include "sandbox/hardware/ports.h"
 
 #include "sandbox/hardware/tap_ports.h"
@@ -7,11 +7,11 @@
 namespace sandbox {
 
 bool PortsKeepSpeed() {
-    return TapPorts::ToBeHad();
+    return TapPorts::IsAvailable();
 }
 
 std::unique_ptr<Ports> ChoosePorts() {
-    if (TapPorts::ToBeHad()) {
+    if (TapPorts::IsAvailable()) {
         return std::make_unique<TapPorts>();
     }
     return std::make_unique<VethPorts>();

@@ -1,4 +1,4 @@
-// ports.h - the device's interfaces, as seen from the far end of their cables.
+// ports.h - the interfaces of a device and their cables.
 #ifndef SANDBOX_HARDWARE_PORTS_H_
 #define SANDBOX_HARDWARE_PORTS_H_
 
@@ -12,17 +12,18 @@ namespace sandbox {
 struct Port {
     const char* name;
     const char* cable;
-    unsigned char last_byte;  // of its hardware address
+    unsigned char last_byte;  // the last byte of the hardware address
 };
 
 inline constexpr Port kWiredPort = {"eth0", "cable0", 0x10};
 inline constexpr Port kWirelessPort = {"eth1", "cable1", 0x11};
 
-// The far ends of these two, on the router.
+// The ports of the router at the other ends of these cables.
 inline constexpr Port kRouterWiredPort = {"r0", "", 0x01};
 inline constexpr Port kRouterWirelessPort = {"r1", "", 0x02};
 
-// Interfaces of one kind. They go with the device's network. Failing throws Failure.
+// Interfaces of one kind. They end with the device's network namespace. All functions throw
+// Failure.
 class Ports {
   public:
     Ports() = default;
@@ -35,15 +36,16 @@ class Ports {
     virtual void Remove(const Port& port) = 0;
     virtual void SetCarrier(const Port& port, bool carrier) = 0;
 
-    // What to wait for so as not to let sent frames pile up, and what then carries them away.
-    virtual std::vector<pollfd> Frames() const { return {}; }
-    virtual void Carry(const pollfd& /*ready*/) {}
+    // Returns the descriptors to poll for sent frames. ForwardFrame() takes one that is ready.
+    virtual std::vector<pollfd> PollFds() const { return {}; }
+    virtual void ForwardFrame(const pollfd& /*ready*/) {}
 };
 
-// True when this user may make interfaces that keep a speed and a duplex, as ethtool(8) sets them.
+// True if this user may make interfaces on which ethtool(8) can set speed and duplex.
 bool PortsKeepSpeed();
 
-// The best kind of interfaces to be had, none made yet. Call it in the device's network.
+// Returns the best available kind of interfaces, without making any. Call it in the network
+// namespace of the device.
 std::unique_ptr<Ports> ChoosePorts();
 
 }  // namespace sandbox

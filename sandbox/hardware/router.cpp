@@ -1,4 +1,4 @@
-// router.cpp - what the device's cables lead to: a network of its own with DHCP, DNS and time.
+// router.cpp - a simulated router: a network namespace with DHCP, DNS and time servers.
 #include "sandbox/hardware/router.h"
 
 #include <cerrno>
@@ -15,21 +15,22 @@
 
 #include "sandbox/hardware/netns_scope.h"
 #include "sandbox/hardware/time_server.h"
-#include "sandbox/process/daemon_process.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/messages.h"
+#include "sandbox/process/pid_file.h"
 #include "sandbox/process/programs.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kNameFolder[] = "/run/netns";
-constexpr char kPidFile[] = "/run/velk-sandbox/router.pid";  // of the DHCP and DNS server
-constexpr char kName[] = "/run/netns/router";
+constexpr char kNetnsFolder[] = "/run/netns";
+constexpr char kNetnsName[] = "/run/netns/router";
 
-void PutUp(TapPorts& ports, const NetworkControl& network, const Port& port, const char* address) {
+void SetUpPort(TapPorts& ports, const NetworkControl& network, const Port& port,
+               const char* address) {
     ports.Make(port);
     StaticAddress full;
     (void)inet_pton(AF_INET, address, &full.address);
@@ -37,18 +38,18 @@ void PutUp(TapPorts& ports, const NetworkControl& network, const Port& port, con
     network.SetAddress(port.name, full);
 }
 
-// Where ip-netns(8) looks for it.
-void NameNetwork() {
-    fs::create_directories(kNameFolder);
-    const std::ofstream mount_point(kName);
-    if (mount("/proc/self/ns/net", kName, nullptr, MS_BIND, nullptr) == -1) {
-        Fail("cannot name the router's network", errno);
+// ip-netns(8) finds named namespaces in this folder.
+void MakeNetnsName() {
+    fs::create_directories(kNetnsFolder);
+    const std::ofstream mount_point(kNetnsName);
+    if (mount("/proc/self/ns/net", kNetnsName, nullptr, MS_BIND, nullptr) == -1) {
+        Fail("cannot name the router's network namespace", errno);
     }
 }
 
-void ForgetName() {
-    (void)umount2(kName, MNT_DETACH);
-    (void)unlink(kName);
+void RemoveNetnsName() {
+    (void)umount2(kNetnsName, MNT_DETACH);
+    (void)unlink(kNetnsName);
 }
 
 pid_t StartTimeServer() {
@@ -57,12 +58,12 @@ pid_t StartTimeServer() {
         Fail("cannot start the time server", errno);
     }
     if (server == 0) {
-        // The ports among them would live as long as this process.
+        // Otherwise the descriptors of the ports would stay open as long as this process.
         (void)close_range(STDERR_FILENO + 1, ~0U, 0);
         try {
             ServeTime();
         } catch (const std::exception& error) {
-            Say(error.what());
+            PrintFailure(error);
         }
         _exit(EXIT_FAILURE);
     }
@@ -76,24 +77,24 @@ Router::Router(const std::string& folder) : network_(MakeNetwork()) {
         Build(folder);
     } catch (const Failure&) {
         EndTimeServer();
-        ForgetName();
+        RemoveNetnsName();
         throw;
     }
 }
 
 void Router::Build(const std::string& folder) {
-    const NetworkVisit visit(network_);
+    const NetnsScope scope(network_);
     const NetworkControl network;
     network.BringUp("lo");
     ports_.emplace();
-    PutUp(*ports_, network, kRouterWiredPort, "192.168.0.1");
-    PutUp(*ports_, network, kRouterWirelessPort, "192.168.1.1");
-    NameNetwork();
+    SetUpPort(*ports_, network, kRouterWiredPort, "192.168.0.1");
+    SetUpPort(*ports_, network, kRouterWirelessPort, "192.168.1.1");
+    MakeNetnsName();
     time_server_ = StartTimeServer();
-    // In the background, it returns when the servers answer.
-    if (RunProgram({FindProgram("dnsmasq"), std::string("--pid-file=") + kPidFile,
+    // The program returns once its servers are ready.
+    if (RunProgram({FindProgram("dnsmasq"), std::string("--pid-file=") + kRouterPidFile,
                     "--conf-file=" + folder + "/dnsmasq.conf"}) != 0) {
-        throw Failure("the router's DHCP and DNS server does not start");
+        throw Failure("the router's DHCP and DNS server did not start");
     }
 }
 
@@ -105,9 +106,9 @@ void Router::EndTimeServer() const {
 }
 
 Router::~Router() {
-    StopDaemon(kPidFile);
+    StopDaemon(kRouterPidFile);
     EndTimeServer();
-    ForgetName();
+    RemoveNetnsName();
 }
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// router.h - what the device's cables lead to: a network of its own with DHCP, DNS and time.
+// router.h - a simulated router: a network namespace with DHCP, DNS and time servers.
 #ifndef SANDBOX_HARDWARE_ROUTER_H_
 #define SANDBOX_HARDWARE_ROUTER_H_
 
@@ -12,11 +12,11 @@
 
 namespace sandbox {
 
-// 192.168.0.1 on the wired network, 192.168.1.1 on the wireless one. As long as it lives,
-// ip-netns(8) finds its network under the name "router". Its servers end with it.
+// Has the address 192.168.0.1 on the wired network and 192.168.1.1 on the wireless one. While it
+// exists, its network namespace is named "router" for ip-netns(8). Its servers end with it.
 class Router {
   public:
-    // `folder` has the configuration of its servers. Throws Failure.
+    // `folder` holds the configuration of the servers. Throws Failure.
     explicit Router(const std::string& folder);
     Router(const Router&) = delete;
     Router& operator=(const Router&) = delete;

@@ -1,4 +1,4 @@
-// tap_ports.cpp - interfaces whose cable is a descriptor of this process; see the kernel's tuntap.
+// tap_ports.cpp - tap interfaces: a descriptor of this process is the other end of the cable.
 #include "sandbox/hardware/tap_ports.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ velk::UniqueFd OpenTap() {
 
 }  // namespace
 
-bool TapPorts::ToBeHad() {
+bool TapPorts::IsAvailable() {
     unsigned features;
     return ioctl(OpenTap().get(), TUNGETFEATURES, &features) == 0;
 }
@@ -37,9 +37,9 @@ void TapPorts::Make(const Port& port) {
     if (tap.get() == -1 || ioctl(tap.get(), TUNSETIFF, &request) == -1) {
         Fail(std::string("cannot make ") + port.name, errno);
     }
-    // Left to the end of the device's network, which nobody waits for, its removal takes no time.
+    // A persistent tap is removed with the network namespace. Removing it here would take time.
     if (ioctl(tap.get(), TUNSETPERSIST, 1) == -1) {
-        Fail(std::string("cannot keep ") + port.name, errno);
+        Fail(std::string("cannot make a persistent ") + port.name, errno);
     }
     control_.SetHardwareAddress(port.name, port.last_byte);
     control_.SetUsualSpeed(port.name);
@@ -60,29 +60,29 @@ void TapPorts::SetCarrier(const Port& port, bool carrier) {
     int value = carrier ? 1 : 0;
     const auto tap = taps_.find(port.name);
     if (tap == taps_.end()) {
-        throw Failure(std::string("there is no ") + port.name);
+        throw Failure(std::string("the device has no ") + port.name);
     }
     if (ioctl(tap->second.fd.get(), TUNSETCARRIER, &value) == -1) {
-        Fail(std::string("cannot reach the cable of ") + port.name, errno);
+        Fail(std::string("cannot set the carrier of ") + port.name, errno);
     }
     tap->second.carrier = carrier;
 }
 
-std::vector<pollfd> TapPorts::Frames() const {
-    std::vector<pollfd> frames;
+std::vector<pollfd> TapPorts::PollFds() const {
+    std::vector<pollfd> poll_fds;
     for (const auto& [name, tap] : taps_) {
-        frames.push_back({tap.fd.get(), POLLIN, 0});
+        poll_fds.push_back({tap.fd.get(), POLLIN, 0});
     }
-    return frames;
+    return poll_fds;
 }
 
-void TapPorts::Carry(const pollfd& ready) {
+void TapPorts::ForwardFrame(const pollfd& ready) {
     const auto tap = std::ranges::find_if(
         taps_, [&ready](const auto& each) { return each.second.fd.get() == ready.fd; });
     if (tap == taps_.end()) {
         return;
     }
-    if ((ready.revents & POLLERR) != 0) {  // somebody on the device has deleted the interface
+    if ((ready.revents & POLLERR) != 0) {  // a process of the device deleted the interface
         taps_.erase(tap);
         return;
     }
@@ -94,19 +94,19 @@ void TapPorts::Carry(const pollfd& ready) {
     }
 }
 
-void TapPorts::Join(const Port& port, TapPorts& others, const Port& other) {
+void TapPorts::Connect(const Port& port, TapPorts& others, const Port& other) {
     const auto near_end = taps_.find(port.name);
     const auto far_end = others.taps_.find(other.name);
     if (near_end == taps_.end() || far_end == others.taps_.end()) {
         return;
     }
-    near_end->second.Part();
-    far_end->second.Part();
+    near_end->second.Disconnect();
+    far_end->second.Disconnect();
     near_end->second.far_end = &far_end->second;
     far_end->second.far_end = &near_end->second;
 }
 
-void TapPorts::Tap::Part() {
+void TapPorts::Tap::Disconnect() {
     if (far_end != nullptr) {
         far_end->far_end = nullptr;
         far_end = nullptr;

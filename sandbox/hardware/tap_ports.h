@@ -1,4 +1,4 @@
-// tap_ports.h - interfaces whose cable is a descriptor of this process; see the kernel's tuntap.
+// tap_ports.h - tap interfaces: a descriptor of this process is the other end of the cable.
 #ifndef SANDBOX_HARDWARE_TAP_PORTS_H_
 #define SANDBOX_HARDWARE_TAP_PORTS_H_
 
@@ -11,28 +11,28 @@
 
 namespace sandbox {
 
-// What is sent on one of them reaches the one it is joined to, if any, as long as both have a
-// carrier. The kernel lets ethtool(8) set their speed and duplex.
+// A frame sent on one interface reaches the connected one if both have a carrier. ethtool(8) can
+// set speed and duplex of tap interfaces.
 class TapPorts : public Ports {
   public:
-    static bool ToBeHad();
+    static bool IsAvailable();
 
     void Make(const Port& port) override;
     void Remove(const Port& port) override;
     void SetCarrier(const Port& port, bool carrier) override;
-    std::vector<pollfd> Frames() const override;
-    void Carry(const pollfd& ready) override;
+    std::vector<pollfd> PollFds() const override;
+    void ForwardFrame(const pollfd& ready) override;
 
-    // Until one of the two is removed. A port that is not there is joined to nothing.
-    void Join(const Port& port, TapPorts& others, const Port& other);
+    // Connects two ports until one of them is removed. Does nothing if one does not exist.
+    void Connect(const Port& port, TapPorts& others, const Port& other);
 
   private:
     struct Tap {
         Tap() = default;
         Tap(const Tap&) = delete;
         Tap& operator=(const Tap&) = delete;
-        ~Tap() { Part(); }
-        void Part();
+        ~Tap() { Disconnect(); }
+        void Disconnect();
 
         velk::UniqueFd fd;
         bool carrier = false;

@@ -1,4 +1,4 @@
-// time_server.cpp - the router's time server.
+// time_server.cpp - the SNTP server of the router.
 #include "sandbox/hardware/time_server.h"
 
 #include <cerrno>
@@ -23,7 +23,7 @@ constexpr uint8_t kPrimaryServer = 1;
 constexpr int8_t kMicrosecond = -20;  // as a power of two of a second
 
 struct Timestamp {
-    uint32_t seconds;  // since 1900; the network's byte order
+    uint32_t seconds;  // since 1900, in network byte order
     uint32_t fraction;
 };
 
@@ -74,7 +74,7 @@ velk::UniqueFd OpenService() {
     address.sin_port = htons(kPort);
     if (service.get() == -1 ||
         bind(service.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == -1) {
-        Fail("cannot serve time", errno);
+        Fail("cannot open the time server's socket", errno);
     }
     return service;
 }

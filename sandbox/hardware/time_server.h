@@ -1,12 +1,12 @@
-// time_server.h - the router's time server.
+// time_server.h - the SNTP server of the router.
 #ifndef SANDBOX_HARDWARE_TIME_SERVER_H_
 #define SANDBOX_HARDWARE_TIME_SERVER_H_
 
 namespace sandbox {
 
-// Answers time queries (SNTP, RFC 4330) with the machine's time at every address of this network.
-// Does not return, but throws Failure. A packaged server would set the clock, or take the place of
-// the machine's own.
+// Answers SNTP queries (RFC 4330) with the machine's time, at every address of this network
+// namespace. Does not return, but throws Failure. An installed time server is not used: it would
+// set the clock, or replace the machine's own server.
 [[noreturn]] void ServeTime();
 
 }  // namespace sandbox

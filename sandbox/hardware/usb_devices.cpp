@@ -1,4 +1,4 @@
-// usb_devices.cpp - the adapter's paragraph in the list of attached USB devices.
+// usb_devices.cpp - adds and removes the wireless adapter in the list of USB devices.
 #include "sandbox/hardware/usb_devices.h"
 
 #include <cerrno>
@@ -14,7 +14,6 @@
 namespace sandbox {
 namespace {
 
-constexpr char kNewUsbDevices[] = "/proc/bus/usb/devices.new";
 constexpr char kAdapterMark[] = "Driver=wlan";
 
 std::string ReadDevices() {
@@ -23,19 +22,19 @@ std::string ReadDevices() {
     return text.str();
 }
 
-// A reader sees the list as it was or as it is to be.
+// Replaces the file by rename(2), so that readers see the old list or the new one.
 void WriteDevices(const std::string& text) {
-    std::ofstream file(kNewUsbDevices);
+    const std::string copy = std::string(velk::kUsbDevices) + ".new";
+    std::ofstream file(copy);
     file << text;
     file.close();
-    std::filesystem::permissions(kNewUsbDevices,
-                                 std::filesystem::status(velk::kUsbDevices).permissions());
-    if (!file || rename(kNewUsbDevices, velk::kUsbDevices) == -1) {
+    std::filesystem::permissions(copy, std::filesystem::status(velk::kUsbDevices).permissions());
+    if (!file || rename(copy.c_str(), velk::kUsbDevices) == -1) {
         Fail(std::string("cannot write ") + velk::kUsbDevices, errno);
     }
 }
 
-// The place and the size of the paragraph that holds the mark, with the blank line before it.
+// Returns position and size of the adapter's paragraph, including the blank line before it.
 std::pair<size_t, size_t> FindAdapter(const std::string& devices) {
     const size_t mark = devices.find(kAdapterMark);
     if (mark == std::string::npos) {
@@ -50,7 +49,7 @@ std::pair<size_t, size_t> FindAdapter(const std::string& devices) {
 
 }  // namespace
 
-void UsbDevices::TakeOutAdapter() {
+void UsbDevices::RemoveAdapter() {
     std::string devices = ReadDevices();
     const auto [start, size] = FindAdapter(devices);
     if (size == 0) {
@@ -61,7 +60,7 @@ void UsbDevices::TakeOutAdapter() {
     adapter_ = std::move(adapter);
 }
 
-void UsbDevices::PutInAdapter() {
+void UsbDevices::RestoreAdapter() {
     if (!adapter_.empty()) {
         WriteDevices(ReadDevices() + adapter_);
         adapter_.clear();

@@ -1,4 +1,4 @@
-// usb_devices.h - the adapter's paragraph in the list of attached USB devices.
+// usb_devices.h - adds and removes the wireless adapter in the list of USB devices.
 #ifndef SANDBOX_HARDWARE_USB_DEVICES_H_
 #define SANDBOX_HARDWARE_USB_DEVICES_H_
 
@@ -6,15 +6,15 @@
 
 namespace sandbox {
 
-// Takes the wireless adapter out of /proc/bus/usb/devices, and puts it back as it was. A list that
-// shows no adapter, or none to put back, stays as it is.
+// Removes the wireless adapter's paragraph from /proc/bus/usb/devices and restores it. Does nothing
+// if the adapter is not in the list, or not removed.
 class UsbDevices {
   public:
-    void TakeOutAdapter();
-    void PutInAdapter();
+    void RemoveAdapter();
+    void RestoreAdapter();
 
   private:
-    std::string adapter_;  // while it is out
+    std::string adapter_;  // the removed paragraph
 };
 
 }  // namespace sandbox

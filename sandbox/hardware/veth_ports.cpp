@@ -1,4 +1,4 @@
-// veth_ports.cpp - interfaces whose cable is another interface, in a network of its own.
+// veth_ports.cpp - veth interfaces: the other end of the cable is in a private namespace.
 #include "sandbox/hardware/veth_ports.h"
 
 #include <net/if.h>
@@ -10,18 +10,18 @@
 namespace sandbox {
 namespace {
 
-// The first process is on the device.
+// PID 1 is the first process of the device.
 constexpr char kDeviceNetwork[] = "/proc/1/ns/net";
 
 NetworkControl ControlOf(const velk::UniqueFd& network) {
-    const NetworkVisit visit(network);
+    const NetnsScope scope(network);
     return NetworkControl();
 }
 
 void RunIp(std::vector<std::string> words) {
     words.insert(words.begin(), {FindProgram("ip"), "link"});
     if (words.front().empty()) {
-        throw Failure("ip(8) is not installed, and this user may not make taps");
+        throw Failure("ip(8) is not installed and /dev/net/tun cannot be opened");
     }
     if (RunProgram(words) != 0) {
         throw Failure("ip(8) failed");
@@ -34,7 +34,7 @@ VethPorts::VethPorts() : network_(MakeNetwork()), cables_(ControlOf(network_)) {
 }
 
 void VethPorts::Make(const Port& port) {
-    const NetworkVisit visit(network_);
+    const NetnsScope scope(network_);
     RunIp({"add", port.cable, "type", "veth", "peer", "name", port.name, "netns", kDeviceNetwork});
     device_.SetHardwareAddress(port.name, port.last_byte);
     device_.BringUp(port.name);
@@ -42,8 +42,8 @@ void VethPorts::Make(const Port& port) {
 }
 
 void VethPorts::Remove(const Port& port) {
-    const NetworkVisit visit(network_);
-    // Somebody on the device may have deleted the interface, and the cable with it.
+    const NetnsScope scope(network_);
+    // A process of the device may have deleted the interface, and its cable with it.
     if (if_nametoindex(port.cable) != 0) {
         RunIp({"del", port.cable});
     }

@@ -1,4 +1,4 @@
-// veth_ports.h - interfaces whose cable is another interface, in a network of its own.
+// veth_ports.h - veth interfaces: the other end of the cable is in a private namespace.
 #ifndef SANDBOX_HARDWARE_VETH_PORTS_H_
 #define SANDBOX_HARDWARE_VETH_PORTS_H_
 
@@ -8,7 +8,7 @@
 
 namespace sandbox {
 
-// Every user may have them on a device, but the kernel does not let their speed be set.
+// Every user may make them on a device, but the kernel does not let their speed be set.
 class VethPorts : public Ports {
   public:
     VethPorts();
@@ -18,7 +18,7 @@ class VethPorts : public Ports {
     void SetCarrier(const Port& port, bool carrier) override;
 
   private:
-    velk::UniqueFd network_;  // of the cables, which the device does not see
+    velk::UniqueFd network_;  // the network namespace of the cables, hidden from the device
     NetworkControl device_;
     NetworkControl cables_;
 };

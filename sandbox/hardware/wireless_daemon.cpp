@@ -1,30 +1,25 @@
-// wireless_daemon.cpp - the wireless daemon, which runs while the adapter is in.
+// wireless_daemon.cpp - starts and stops the wireless daemon.
 #include "sandbox/hardware/wireless_daemon.h"
 
 #include <unistd.h>
 
-#include "sandbox/process/daemon_process.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/pid_file.h"
 #include "sandbox/process/programs.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
-namespace {
-
-constexpr char kPidFile[] = "/run/velk-sandbox/wland.pid";
-
-}  // namespace
-
 void WirelessDaemon::Start() const {
     if (access(program_.c_str(), X_OK) == -1) {
         return;
     }
-    if (RunProgram({program_, "--background", "--pid-file", kPidFile}) != 0) {
-        throw Failure("the wireless daemon does not start");
+    if (RunProgram({program_, "--background", "--pid-file", kDaemonPidFile}) != 0) {
+        throw Failure("the wireless daemon did not start");
     }
 }
 
 void WirelessDaemon::Stop() const {
-    StopDaemon(kPidFile);
+    StopDaemon(kDaemonPidFile);
 }
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// wireless_daemon.h - the wireless daemon, which runs while the adapter is in.
+// wireless_daemon.h - starts and stops the wireless daemon.
 #ifndef SANDBOX_HARDWARE_WIRELESS_DAEMON_H_
 #define SANDBOX_HARDWARE_WIRELESS_DAEMON_H_
 
@@ -9,12 +9,12 @@ namespace sandbox {
 
 class WirelessDaemon {
   public:
-    // `program` is its path. A program that is not there is neither started nor missed.
+    // `program` is the path of the daemon. Start() does nothing if it does not exist.
     explicit WirelessDaemon(std::string program) : program_(std::move(program)) {}
 
-    // Returns when it takes requests. Throws Failure when it does not start.
+    // Returns once the daemon accepts requests. Throws Failure if it does not start.
     void Start() const;
-    // Returns when it has ended, or was not running.
+    // Returns once the daemon has ended. Does nothing if it is not running.
     void Stop() const;
 
   private:

@@ -11,14 +11,13 @@
 #include <unistd.h>
 
 #include "lib/base/unique_fd.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
-#include "sandbox/session/command.h"
 
 namespace sandbox {
 namespace {
 
-// The parent may have died before the kernel was asked for this; its end of the pipe is closed
-// then.
+// A parent that ended before prctl(2) sends no signal. Its end of the pipe is then closed.
 void EndWithParent(const velk::UniqueFd& parent) {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
     pollfd end = {parent.get(), POLLIN, 0};
@@ -44,7 +43,7 @@ pid_t ForkBoundChild(pid_t (*fork_child)()) {
         (void)write_end.Reset();
         EndWithParent(read_end);
     } else {
-        (void)write_end.Release();  // the kernel closes it, at the end of this process
+        (void)write_end.Release();  // stays open until this process ends
     }
     return child;
 }
@@ -53,7 +52,7 @@ int WaitForChild(pid_t child) {
     int status;
     while (waitpid(child, &status, 0) == -1) {
         if (errno != EINTR) {
-            Fail("cannot wait for the device", errno);
+            Fail("cannot wait for a child", errno);
         }
     }
     return ExitStatusOf(status);

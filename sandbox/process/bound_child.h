@@ -6,11 +6,11 @@
 
 namespace sandbox {
 
-// fork(2), or what does as that does, for a child that the kernel ends when this process ends,
-// whatever way that does. The child may be in another PID namespace. Throws Failure.
+// Forks a child that the kernel ends with this process. `fork_child` is fork(2) or a function with
+// the same result. The child may be in another PID namespace. Throws Failure.
 pid_t ForkBoundChild(pid_t (*fork_child)());
 
-// Waits for the end of a child and returns what a shell would report.
+// Waits for the end of a child and returns its exit status, see ExitStatusOf().
 int WaitForChild(pid_t child);
 
 }  // namespace sandbox

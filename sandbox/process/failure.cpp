@@ -1,12 +1,12 @@
-// failure.cpp - why there is no device: one plain line.
+// failure.cpp - the exception of the sandbox: one line of text, and advice if there is any.
 #include "sandbox/process/failure.h"
 
 #include <cstring>
 
 namespace sandbox {
 
-void Fail(const std::string& what, int error) {
-    throw Failure(what + ": " + strerror(error));
+void Fail(const std::string& action, int error, const std::string& fix) {
+    throw Failure(action + ": " + strerror(error), fix);
 }
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// printable.cpp - text of others, safe to show on a terminal.
+// printable.cpp - escapes text for safe output on a terminal.
 #include "sandbox/process/printable.h"
 
 #include <algorithm>
@@ -14,8 +14,8 @@ void AppendEscape(std::string& text, char byte) {
     text.append(escape);
 }
 
-// The number of bytes of the character that the text begins with; 0 if it is not to be shown. A
-// character without a width of its own may hide others or turn them around.
+// Returns the number of bytes of the first character, or 0 if it must be escaped. Characters of
+// zero width are escaped: they can hide other characters or reverse their order.
 size_t ShownLength(std::string_view text) {
     if (text.front() == '\t') {
         return 1;

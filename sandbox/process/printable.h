@@ -1,4 +1,4 @@
-// printable.h - text of others, safe to show on a terminal.
+// printable.h - escapes text for safe output on a terminal.
 #ifndef SANDBOX_PROCESS_PRINTABLE_H_
 #define SANDBOX_PROCESS_PRINTABLE_H_
 
@@ -7,8 +7,9 @@
 
 namespace sandbox {
 
-// The text as one line. Tabs and the characters that the user's locale can show stay; each byte of
-// anything else, such as an escape sequence or a line end, becomes \x1b. main() sets the locale.
+// Returns the text as one line. Tabs and printable characters of the locale are unchanged. Every
+// other byte, for example of an escape sequence or a line end, becomes an escape such as \x1b.
+// main() sets the locale.
 std::string Printable(std::string_view text);
 
 }  // namespace sandbox

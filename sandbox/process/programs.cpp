@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "sandbox/session/command.h"
+#include "sandbox/process/exit_status.h"
 
 namespace sandbox {
 namespace {

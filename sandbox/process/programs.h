@@ -9,14 +9,14 @@
 
 namespace sandbox {
 
-// The path of a program in one of the system's folders, or an empty text.
+// Returns the path of a program in a system folder, or an empty text.
 std::string FindProgram(const std::string& name);
 
-// The words as execv(3) takes them. They must outlive what is returned.
+// Returns the argument vector for execv(3). It points into `words`.
 std::vector<char*> ArgumentsOf(std::vector<std::string>& words);
 
-// Runs a program, given by its path, to its end. `output` is its standard output. Returns what a
-// shell would report; 127 if it cannot be run.
+// Runs the program at the path words[0] and waits for it. `output` is its standard output. Returns
+// its exit status, see ExitStatusOf(), or 127 if it cannot be run.
 int RunProgram(std::vector<std::string> words, int output = STDOUT_FILENO);
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// enter.cpp - a second terminal on a running device.
+// enter.cpp - runs a command on a device that is already running.
 #include "sandbox/session/enter.h"
 
 #include <cerrno>
@@ -13,8 +13,10 @@
 #include "sandbox/control/orders.h"
 #include "sandbox/device/capabilities.h"
 #include "sandbox/process/bound_child.h"
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/messages.h"
+#include "sandbox/session/exec_command.h"
 #include "sandbox/session/terminal.h"
 
 namespace sandbox {
@@ -24,7 +26,7 @@ namespace fs = std::filesystem;
 
 constexpr int kNamespaces = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWPID;
 
-// Root's devices have no user namespace of their own. This process's children are on the device.
+// Devices of root have no user namespace. Only children of this process enter the PID namespace.
 void EnterNamespaces(const velk::UniqueFd& first_process) {
     const bool privileged = IsPrivileged();
     if (privileged) {
@@ -35,7 +37,7 @@ void EnterNamespaces(const velk::UniqueFd& first_process) {
     }
 }
 
-void StandIn(const fs::path& folder) {
+void ChangeFolder(const fs::path& folder) {
     std::error_code error;
     fs::current_path(folder, error);
     if (error) {
@@ -53,22 +55,22 @@ int RunInChild(const std::function<int()>& function) {
     try {
         status = function();
     } catch (const std::exception& error) {
-        Say(error.what());
+        PrintFailure(error);
     }
     _exit(status);
 }
 
 }  // namespace
 
-int RunThere(const std::string& device, const std::function<int()>& function) {
+int RunOnDevice(const std::string& device, const std::function<int()>& function) {
     std::error_code no_folder;
     const fs::path here = fs::current_path(no_folder);
-    const velk::UniqueFd first_process = AskForFirstProcess(device);
-    // Not in this process: whoever has entered a PID namespace can start no child once that has
-    // ended, and tools that need one at exit, such as a leak checker, would fail.
+    const velk::UniqueFd first_process = RequestFirstProcess(device);
+    // A child enters the namespaces: once a PID namespace has ended, a process that entered it
+    // cannot fork. Tools that fork at exit, such as a leak checker, would fail in this process.
     return RunInChild([&] {
         EnterNamespaces(first_process);
-        StandIn(here);
+        ChangeFolder(here);
         return RunInChild([&function] {
             DropMachineCapabilities();
             return function();
@@ -76,14 +78,14 @@ int RunThere(const std::string& device, const std::function<int()>& function) {
     });
 }
 
-int RunVisit(const Visit& visit) {
+int RunEnter(const EnterRequest& request) {
     const Terminal terminal;
-    LeaveSignalsToCommand();
-    const int status = RunThere(visit.device, [&] {
-        if (visit.command.empty()) {
+    IgnoreTerminalSignals();
+    const int status = RunOnDevice(request.device, [&] {
+        if (request.command.empty()) {
             terminal.HandOver();
         }
-        return BecomeCommand(visit.command, visit.program_folder);
+        return ExecCommand(request.command, request.program_folder);
     });
     terminal.TakeBack();
     return status;

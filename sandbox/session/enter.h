@@ -1,4 +1,4 @@
-// enter.h - a second terminal on a running device.
+// enter.h - runs a command on a device that is already running.
 #ifndef SANDBOX_SESSION_ENTER_H_
 #define SANDBOX_SESSION_ENTER_H_
 
@@ -8,18 +8,18 @@
 
 namespace sandbox {
 
-struct Visit {
-    std::string device;  // its name; empty: the only one that is running
+struct EnterRequest {
+    std::string device;  // name; empty: the only running device
     std::vector<std::string> command;
     std::string program_folder;
 };
 
-// Runs the command on the device, a shell when it is empty, and returns the exit status to end
-// with. The command ends with the device, and with this process. Throws Failure.
-int RunVisit(const Visit& visit);
+// Runs the command on the device and returns its exit status. An empty command is the user's shell.
+// The command ends with the device, and with this process. Throws Failure.
+int RunEnter(const EnterRequest& request);
 
-// Runs a function there, whose result is the exit status to end with.
-int RunThere(const std::string& device, const std::function<int()>& function);
+// Runs a function in a process on the device and returns its result, an exit status.
+int RunOnDevice(const std::string& device, const std::function<int()>& function);
 
 }  // namespace sandbox
 

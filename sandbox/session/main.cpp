@@ -1,4 +1,4 @@
-// main.cpp - velk-sandbox: a device on your desk.
+// main.cpp - velk-sandbox: runs commands on a simulated device.
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
@@ -13,7 +13,8 @@
 #include "sandbox/control/control_socket.h"
 #include "sandbox/control/orders.h"
 #include "sandbox/hardware/hardware_process.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/exit_status.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/session/enter.h"
 #include "sandbox/session/session.h"
 #include "sandbox/session/watch.h"
@@ -24,8 +25,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kDescription[] =
-    "Runs a command, or a shell, on a device of its own: with the device's files and a network of\n"
-    "its own, while the machine around it stays as it is.";
+    "Runs a command or a shell on a simulated device, with its own files and network.\n"
+    "The machine around it stays unchanged.";
 constexpr char kUsage[] =
     "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n"
     "       velk-sandbox cable|adapter|router in|out [--name NAME]\n"
@@ -33,13 +34,15 @@ constexpr char kUsage[] =
     "       velk-sandbox watch [--name NAME]\n"
     "       velk-sandbox list\n";
 constexpr char kFooter[] =
-    "Exit status: the command's; 128 and the number of the signal that ended it; 125 when there "
-    "is\n"
-    "no device to be had, 126 when the command cannot be run, 127 when it is not found.";
+    "Exit status: that of the command, or 128 plus the number of the signal that ended it.\n"
+    "  2    wrong usage\n"
+    "  125  the device could not be made, reached or changed\n"
+    "  126  the command cannot be run\n"
+    "  127  the command is not found";
 
-constexpr char kWhichDevice[] = "Name of the device, if several are running";
+constexpr char kWhichDevice[] = "Name of the device; required if several are running";
 
-// The parser does not know of the command, so its help would leave that out.
+// The parser does not handle the command, so its own usage line would omit it.
 class HelpFormatter : public CLI::Formatter {
   public:
     std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
@@ -47,7 +50,7 @@ class HelpFormatter : public CLI::Formatter {
     }
 };
 
-// What stands behind the first "--" is the command's, to the letter.
+// Removes the words after the first "--" and returns them unchanged: they are the command.
 std::vector<std::string> TakeCommand(std::vector<std::string>& words) {
     const auto mark = std::ranges::find(words, "--");
     std::vector<std::string> command;
@@ -58,8 +61,8 @@ std::vector<std::string> TakeCommand(std::vector<std::string>& words) {
     return command;
 }
 
-// Beside the program in a build folder, in the data folder once installed. A user who may not look
-// there is refused later, with the reason.
+// Returns the folder next to the program, as in a build folder, or the installed one. If it cannot
+// be read, the error is reported later.
 std::string DataFolder(const fs::path& program_folder, const char* name) {
     const fs::path installed = program_folder / "../share/velk-sandbox" / name;
     const fs::path built = program_folder / name;
@@ -76,17 +79,17 @@ std::vector<std::string> FoldersInUse(const fs::path& program_folder) {
     return {program_folder, here};
 }
 
-// Its own description would stand beside the option's in the help.
+// Returns the parser's validator without its description, which would appear in the help.
 CLI::Validator ExistingFolder() {
     CLI::Validator validator = CLI::ExistingDirectory;
     return validator.description("");
 }
 
-// What the words on the command line ask for.
+// A parsed command line.
 struct Request {
     sandbox::Session session;
-    std::string position;          // of a part that is moved
-    std::function<int()> instead;  // of making a device
+    std::string position;       // "in" or "out" of a part that is moved
+    std::function<int()> verb;  // null: make a new device
 };
 
 void AddName(CLI::App& app, Request& request, const char* description) {
@@ -95,9 +98,9 @@ void AddName(CLI::App& app, Request& request, const char* description) {
 
 CLI::App* AddVerb(CLI::App& app, Request& request, const std::string& name,
                   const std::string& description, const std::function<int()>& run) {
-    CLI::App* verb = app.add_subcommand(name, description);
-    verb->final_callback([&request, run] { request.instead = run; });
-    return verb;
+    CLI::App* command = app.add_subcommand(name, description);
+    command->final_callback([&request, run] { request.verb = run; });
+    return command;
 }
 
 void AddMove(CLI::App& app, Request& request, const std::string& part,
@@ -106,21 +109,21 @@ void AddMove(CLI::App& app, Request& request, const std::string& part,
         sandbox::MoveHardware(part, request.position, request.session.name);
         return EXIT_SUCCESS;
     });
-    move->add_option("POSITION", request.position, "Where it is to be")
+    move->add_option("POSITION", request.position, "The new position: in or out")
         ->required()
         ->check(CLI::IsMember({"in", "out"}));
     AddName(*move, request, kWhichDevice);
 }
 
 int Enter(const sandbox::Session& session) {
-    return sandbox::RunVisit({session.name, session.command, session.program_folder});
+    return sandbox::RunEnter({session.name, session.command, session.program_folder});
 }
 
 int Watch(const sandbox::Session& session) {
     if (session.name.empty() && sandbox::IsOnDevice()) {
         sandbox::WatchFiles();
     }
-    return sandbox::RunThere(session.name, [] {
+    return sandbox::RunOnDevice(session.name, [] {
         sandbox::WatchFiles();
         return EXIT_SUCCESS;
     });
@@ -135,16 +138,17 @@ int List() {
 
 void AddVerbs(CLI::App& app, Request& request) {
     const sandbox::Session& session = request.session;
-    AddMove(app, request, "cable", "Plug the cable of eth0 in, or pull it out");
-    AddMove(app, request, "adapter", "Plug the wireless adapter eth1 in, or pull it out");
-    AddMove(app, request, "router", "Plug the router of a real device in, or pull it out");
-    AddName(*AddVerb(app, request, "enter", "Run a command, or a shell, on a running device",
+    AddMove(app, request, "cable", "Connect or disconnect the cable of eth0");
+    AddMove(app, request, "adapter", "Connect or disconnect the wireless adapter eth1");
+    AddMove(app, request, "router",
+            "Connect or disconnect the router; devices made with --real only");
+    AddName(*AddVerb(app, request, "enter", "Run a command or a shell on a running device",
                      [&session] { return Enter(session); }),
             request, kWhichDevice);
-    AddName(*AddVerb(app, request, "watch", "Show each change of a device's file as it happens",
+    AddName(*AddVerb(app, request, "watch", "Print each change of a device's files",
                      [&session] { return Watch(session); }),
             request, kWhichDevice);
-    AddVerb(app, request, "list", "Name the running devices", List);
+    AddVerb(app, request, "list", "List the names of the running devices", List);
 }
 
 void AddOptions(CLI::App& app, Request& request) {
@@ -152,13 +156,14 @@ void AddOptions(CLI::App& app, Request& request) {
     app.formatter(std::make_shared<HelpFormatter>());
     app.footer(kFooter);
     auto* real = app.add_flag("--real", session.real,
-                              "With the system's own tools and a router around; for root only");
+                              "Use the system's own tools and simulate a router; root only");
     app.add_flag_callback(
-           "--no-router", [&session] { session.router_in = false; }, "Start with the router out")
+           "--no-router", [&session] { session.router_in = false; },
+           "Start with the router disconnected")
         ->needs(real);
-    app.add_flag("--quiet", session.quiet, "Do not say at the start what this is");
+    app.add_flag("--quiet", session.quiet, "Print no message at the start");
     app.add_option("--writable", session.device.writable,
-                   "Folder of the machine that stays writable; may be given again")
+                   "Folder of the machine that stays writable; can be repeated")
         ->type_name("DIR")
         ->expected(1)
         ->take_all()
@@ -166,7 +171,7 @@ void AddOptions(CLI::App& app, Request& request) {
     app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
         ->type_name("DIR")
         ->check(ExistingFolder());
-    AddName(app, request, "Name that other terminals reach the device by; a number at first");
+    AddName(app, request, "Name of the device; the first free number if not given");
     app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION);
 }
 
@@ -180,7 +185,7 @@ int Run(std::vector<std::string> words) {
     session.stand_in_folder = DataFolder(program_folder, "stand-ins");
     session.real_rootfs = DataFolder(program_folder, "real-rootfs");
     session.router_folder = DataFolder(program_folder, "router");
-    session.device.keep = FoldersInUse(program_folder);
+    session.device.bind_folders = FoldersInUse(program_folder);
 
     CLI::App app(kDescription, "velk-sandbox");
     AddOptions(app, request);
@@ -191,10 +196,10 @@ int Run(std::vector<std::string> words) {
     } catch (const CLI::Success& answer) {
         return app.exit(answer);
     } catch (const CLI::ParseError& error) {
-        sandbox::Say(error.what());
+        sandbox::PrintMessage(error.what());
         return sandbox::kUsageError;
     }
-    return request.instead ? request.instead() : sandbox::RunSession(session);
+    return request.verb ? request.verb() : sandbox::RunSession(session);
 }
 
 }  // namespace
@@ -204,7 +209,7 @@ int main(int argc, char** argv) {
     try {
         return Run({argv + 1, argv + argc});
     } catch (const std::exception& error) {
-        sandbox::Say(error.what());
+        sandbox::PrintFailure(error);
         return sandbox::kSandboxFailed;
     }
 }

@@ -1,4 +1,4 @@
-// real_tools.cpp - a device that lives on the system's own tools.
+// real_tools.cpp - prepares a device that uses the system's own tools (--real).
 #include "sandbox/session/real_tools.h"
 
 #include <algorithm>
@@ -28,19 +28,21 @@ std::string MissingTools() {
 
 }  // namespace
 
-void RefuseUnlessReal() {
+void CheckRealTools() {
     if (!IsPrivileged()) {
-        throw Failure("only root may make a device with the system's own tools");
+        throw Failure("--real needs the rights of root", "run it with sudo");
     }
     if (!PortsKeepSpeed()) {
-        throw Failure("there are no taps to be had: /dev/net/tun cannot be opened");
+        throw Failure("--real needs tap interfaces, but /dev/net/tun cannot be opened",
+                      "load the kernel module: modprobe tun");
     }
     if (const std::string missing = MissingTools(); !missing.empty()) {
-        throw Failure("these tools are not installed:" + missing);
+        throw Failure("--real needs tools that are not installed:" + missing,
+                      "install their packages, as scripts/setup does");
     }
 }
 
-void AddRealFiles(const std::string& folder, DeviceOptions& device) {
+void AddRealToolFiles(const std::string& folder, DeviceOptions& device) {
     const std::vector<SampleFile> present = ReadSamples(device.rootfs);
     for (SampleFile& file : ReadSamples(folder)) {
         if (std::ranges::find(present, file.path, &SampleFile::path) == present.end()) {
@@ -49,7 +51,7 @@ void AddRealFiles(const std::string& folder, DeviceOptions& device) {
     }
 }
 
-void Boot() {
+void RunBootScript() {
     (void)RunProgram({"/bin/sh", kBootScript});
 }
 

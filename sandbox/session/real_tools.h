@@ -1,4 +1,4 @@
-// real_tools.h - a device that lives on the system's own tools.
+// real_tools.h - prepares a device that uses the system's own tools (--real).
 #ifndef SANDBOX_SESSION_REAL_TOOLS_H_
 #define SANDBOX_SESSION_REAL_TOOLS_H_
 
@@ -8,15 +8,15 @@
 
 namespace sandbox {
 
-// Throws Failure, with the reason, where there can be none: for lack of rights, taps or tools.
-void RefuseUnlessReal();
+// Throws Failure if rights, tap interfaces or tools are missing.
+void CheckRealTools();
 
-// Adds the files under `folder`, except those that the device has anyway.
-void AddRealFiles(const std::string& folder, DeviceOptions& device);
+// Adds the files under `folder`, except those that the device already has.
+void AddRealToolFiles(const std::string& folder, DeviceOptions& device);
 
-// Starts the device's services and its wired port. Returns when they are up; they say themselves
-// what does not work.
-void Boot();
+// Starts the device's services and its wired port, and waits until they run. They print their own
+// errors.
+void RunBootScript();
 
 }  // namespace sandbox
 

@@ -1,8 +1,8 @@
-// session.cpp - one device, from its first process to its last.
+// session.cpp - makes a device and runs a command on it.
 //
-// Four processes: this one stays outside; its child is the first process of a PID namespace, so
-// that the kernel ends everything in it when the child ends; the child's children are the hardware
-// and the command.
+// There are four processes. This one stays outside. Its child is the first process of a PID
+// namespace: when the child ends, the kernel ends all other processes in it. The children of the
+// child are the hardware process and the command.
 #include "sandbox/session/session.h"
 
 #include <cerrno>
@@ -13,12 +13,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "sandbox/control/control_socket.h"
 #include "sandbox/device/namespaces.h"
 #include "sandbox/hardware/hardware_process.h"
 #include "sandbox/process/bound_child.h"
-#include "sandbox/session/command.h"
+#include "sandbox/process/exit_status.h"
+#include "sandbox/process/messages.h"
+#include "sandbox/session/exec_command.h"
 #include "sandbox/session/real_tools.h"
 #include "sandbox/session/stand_ins.h"
 #include "sandbox/session/terminal.h"
@@ -29,29 +32,27 @@ namespace {
 std::string Listed(const std::vector<std::string>& names) {
     std::string list;
     for (const std::string& name : names) {
-        const char* separator = &name == &names.back() ? " and " : ", ";
-        list.append(list.empty() ? "" : separator).append(name);
+        list.append(list.empty() ? "" : ", ").append(name);
     }
     return list;
 }
 
-void Greet(const Session& session, const std::vector<std::string>& stand_ins) {
-    Say("a device of its own. Its settings, network, processes, /tmp, /var/tmp, /dev/shm and /run "
-        "are private and end with it;");
-    const std::vector<std::string>& writable = session.device.writable;
-    std::string rest =
-        session.real ? "so is all else that is changed" : "the rest of the machine is read-only";
-    for (const std::string& folder : writable) {
-        rest.append(folder == writable.front() ? ", except " : ", ").append(folder);
+void PrintGreeting(const Session& session, const std::vector<std::string>& stand_ins) {
+    const std::string writable = Listed(session.device.writable);
+    const std::string exception = writable.empty() ? "" : ", except " + writable;
+    PrintMessage("simulated device " + session.name + "; leave it with \"exit\"");
+    if (session.real) {
+        PrintDetail("private:   settings, network, processes, changes to all files" + exception);
+    } else {
+        PrintDetail("private:   settings, network, processes, /tmp, /var/tmp, /dev/shm, /run");
+        PrintDetail("read-only: the rest of the machine" + exception);
     }
-    Say(rest + ". Leave with \"exit\".");
-    Say("from other terminals it is reached by the name of " + session.name + ".");
     if (!stand_ins.empty()) {
-        Say("stand-ins take the place of " + Listed(stand_ins) + ".");
+        PrintDetail("stand-ins: " + Listed(stand_ins));
     }
 }
 
-// Collects the orphans of the device until the command has ended.
+// Waits for the command. Reaps orphans of the device, which the kernel passes to its first process.
 int ReapUntil(pid_t command) {
     for (;;) {
         int status;
@@ -76,23 +77,23 @@ HardwareOptions HardwareOf(const Session& session) {
     return options;
 }
 
-int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd door) {
+int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control_socket) {
     const bool has_agent =
-        session.real || std::filesystem::exists(session.device.rootfs + kAgentScript);
+        session.real || std::filesystem::exists(session.device.rootfs + velk::kSnmpScript);
     const StandIns stand_ins = ChooseStandIns(session.stand_in_folder, has_agent);
     session.device.files = stand_ins.files;
     if (session.real) {
-        AddRealFiles(session.real_rootfs, session.device);
+        AddRealToolFiles(session.real_rootfs, session.device);
     }
     EnterDevice(session.device);
-    const std::string trouble = StartHardware(HardwareOf(session), std::move(door));
+    const std::string problem = StartHardware(HardwareOf(session), std::move(control_socket));
     if (session.real) {
-        Boot();
+        RunBootScript();
     }
     if (!session.quiet) {
-        Greet(session, stand_ins.names);
-        if (!trouble.empty()) {
-            Say(trouble);
+        PrintGreeting(session, stand_ins.names);
+        if (!problem.empty()) {
+            PrintMessage(problem);
         }
     }
     const pid_t command = fork();
@@ -100,21 +101,22 @@ int RunFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd d
         Fail("cannot start a process", errno);
     }
     if (command == 0) {
-        // A shell gets the terminal to itself; a command may share it with a pipeline.
+        // Only a shell gets the terminal. A command may be part of a pipeline that shares it.
         if (session.command.empty()) {
             terminal.HandOver();
         }
-        _exit(BecomeCommand(session.command, session.program_folder));
+        _exit(ExecCommand(session.command, session.program_folder));
     }
     return ReapUntil(command);
 }
 
-[[noreturn]] void BeFirstProcess(Session& session, const Terminal& terminal, velk::UniqueFd door) {
+[[noreturn]] void RunFirstProcess(Session& session, const Terminal& terminal,
+                                  velk::UniqueFd control_socket) {
     int status = kSandboxFailed;
     try {
-        status = RunFirstProcess(session, terminal, std::move(door));
+        status = RunDevice(session, terminal, std::move(control_socket));
     } catch (const std::exception& error) {
-        Say(error.what());
+        PrintFailure(error);
     }
     _exit(status);
 }
@@ -125,17 +127,17 @@ int RunSession(Session session) {
     session.device.own_processes = true;
     session.device.copy_machine = session.real;
     if (session.real) {
-        RefuseUnlessReal();
+        CheckRealTools();
     }
     const Terminal terminal;
-    LeaveSignalsToCommand();
-    velk::UniqueFd door = OpenDoor(session.name);
+    IgnoreTerminalSignals();
+    velk::UniqueFd control_socket = OpenControlSocket(session.name);
     GiveUpPrivileges();
     const pid_t first = ForkBoundChild(ForkFirstProcess);
     if (first == 0) {
-        BeFirstProcess(session, terminal, std::move(door));
+        RunFirstProcess(session, terminal, std::move(control_socket));
     }
-    (void)door.Reset();  // it is to be gone when the device's hardware is
+    (void)control_socket.Reset();  // only the hardware process keeps it open
     const int status = WaitForChild(first);
     terminal.TakeBack();
     return status;

@@ -1,4 +1,4 @@
-// session.h - one device, from its first process to its last.
+// session.h - makes a device and runs a command on it.
 #ifndef SANDBOX_SESSION_SESSION_H_
 #define SANDBOX_SESSION_SESSION_H_
 
@@ -12,18 +12,18 @@ namespace sandbox {
 struct Session {
     DeviceOptions device;
     std::vector<std::string> command;  // empty: the user's shell
-    std::string program_folder;        // where velkctl is found
-    std::string stand_in_folder;       // scripts in place of tools that do not work on a device
-    std::string name;                  // that other terminals reach it by; empty: a number
+    std::string program_folder;        // holds velkctl
+    std::string stand_in_folder;       // scripts that replace tools which do not work on a device
+    std::string name;                  // the name of the device; if empty, the first free number
     bool quiet = false;
-    bool real = false;          // the system's own tools, and a router around the device
-    std::string real_rootfs;    // more of such a device's files
-    std::string router_folder;  // the configuration of its router
+    bool real = false;          // use the system's own tools and simulate a router
+    std::string real_rootfs;    // more files of such a device
+    std::string router_folder;  // configuration of its router
     bool router_in = true;
 };
 
-// Runs the command on a device and returns the exit status to end with. Every process of the device
-// ends with the command, and with this process, whatever way that ends.
+// Runs the command on a new device and returns its exit status. When the command or this process
+// ends, even by SIGKILL, all processes of the device end.
 int RunSession(Session session);
 
 }  // namespace sandbox

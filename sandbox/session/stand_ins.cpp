@@ -1,4 +1,4 @@
-// stand_ins.cpp - scripts on the device in place of tools that do not work there.
+// stand_ins.cpp - scripts that replace tools which do not work on a device.
 #include "sandbox/session/stand_ins.h"
 
 #include <fstream>
@@ -6,8 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "sandbox/hardware/ports.h"
 #include "sandbox/process/programs.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
@@ -15,9 +17,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kProgramMode = 0755;
-constexpr char kToolFolder[] = "/usr/sbin";  // where scripts and sudo(8) expect the network tools
+constexpr char kToolFolder[] = "/usr/sbin";  // scripts and sudo(8) expect the network tools here
 
-// True when this user namespace knows no user but one, to whom files of all others are nobody's.
+// True if the user namespace maps only one user. Files of other users then belong to nobody.
 bool KnowsOneUser() {
     unsigned long inside = 0, outside = 0, count = 0;
     std::ifstream("/proc/self/uid_map") >> inside >> outside >> count;
@@ -70,7 +72,7 @@ StandIns ChooseStandIns(const std::string& folder, bool has_agent) {
         AddTool(scripts / "route", stand_ins);
     }
     if (!has_agent) {
-        AddAs(kAgentScript, scripts / "snmpd", stand_ins);
+        AddAs(velk::kSnmpScript, scripts / "snmpd", stand_ins);
     }
     return stand_ins;
 }

@@ -1,4 +1,4 @@
-// stand_ins.h - scripts on the device in place of tools that do not work there.
+// stand_ins.h - scripts that replace tools which do not work on a device.
 #ifndef SANDBOX_SESSION_STAND_INS_H_
 #define SANDBOX_SESSION_STAND_INS_H_
 
@@ -9,19 +9,14 @@
 
 namespace sandbox {
 
-// Comes first on the device's search path.
-inline constexpr char kStandInFolder[] = "/run/velk-sandbox/bin";
-
-// Restarts the SNMP agent.
-inline constexpr char kAgentScript[] = "/etc/init.d/snmpd";
-
 struct StandIns {
     std::vector<std::string> names;
     std::vector<SampleFile> files;
 };
 
-// Those that this user needs on this machine, read from `folder`; one is for the SNMP agent, unless
-// the device has its own. Call it before anything is mounted. Throws Failure.
+// Chooses the stand-ins that this user needs on this machine and reads them from `folder`.
+// `has_agent` is true if the device has a script for the SNMP agent. Call it before any mount.
+// Throws Failure.
 StandIns ChooseStandIns(const std::string& folder, bool has_agent);
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-// terminal.cpp - the terminal this program was started at.
+// terminal.cpp - the controlling terminal of this program.
 #include "sandbox/session/terminal.h"
 
 #include <csignal>
@@ -9,18 +9,18 @@
 namespace sandbox {
 
 Terminal::Terminal() : fd_(open("/dev/tty", O_RDWR | O_CLOEXEC)), group_(getpgrp()) {
-    is_ours_ = tcgetpgrp(fd_.get()) == group_ && isatty(STDIN_FILENO) == 1;
+    is_foreground_ = tcgetpgrp(fd_.get()) == group_ && isatty(STDIN_FILENO) == 1;
 }
 
 void Terminal::HandOver() const {
-    if (is_ours_) {
+    if (is_foreground_) {
         (void)setpgid(0, 0);
         SetForeground(getpid());
     }
 }
 
 void Terminal::TakeBack() const {
-    if (is_ours_) {
+    if (is_foreground_) {
         SetForeground(group_);
     }
 }
@@ -31,7 +31,7 @@ void Terminal::SetForeground(pid_t group) const {
     (void)signal(SIGTTOU, SIG_DFL);
 }
 
-void LeaveSignalsToCommand() {
+void IgnoreTerminalSignals() {
     (void)signal(SIGINT, SIG_IGN);
     (void)signal(SIGQUIT, SIG_IGN);
     (void)signal(SIGCHLD, SIG_DFL);

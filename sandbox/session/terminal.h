@@ -1,4 +1,4 @@
-// terminal.h - the terminal this program was started at.
+// terminal.h - the controlling terminal of this program.
 #ifndef SANDBOX_SESSION_TERMINAL_H_
 #define SANDBOX_SESSION_TERMINAL_H_
 
@@ -8,15 +8,15 @@
 
 namespace sandbox {
 
-// Does nothing when the program does not have the terminal to itself.
+// Does nothing unless this program is in the foreground of the terminal.
 class Terminal {
   public:
     Terminal();
 
-    // Makes the calling process the leader of a foreground group. The group it comes from has no
-    // number on the device, and not every shell copes with that.
+    // Makes the calling process the leader of a new foreground group. Its present group has no ID
+    // in the PID namespace of the device, which some shells do not handle.
     void HandOver() const;
-    // A shell that was killed does not give the terminal back.
+    // Makes the group of this program the foreground group again. A killed shell does not do so.
     void TakeBack() const;
 
   private:
@@ -24,12 +24,12 @@ class Terminal {
 
     velk::UniqueFd fd_;
     pid_t group_;
-    bool is_ours_;
+    bool is_foreground_;
 };
 
-// The keys that interrupt and quit reach every process at the terminal and are meant for the
-// command. A caller that ignores SIGCHLD would have us learn no exit status.
-void LeaveSignalsToCommand();
+// Ignores SIGINT and SIGQUIT, which the terminal sends to all its processes but are meant for the
+// command. Resets SIGCHLD: if it is ignored, wait(2) returns no exit status.
+void IgnoreTerminalSignals();
 
 }  // namespace sandbox
 

@@ -1,7 +1,7 @@
-// watch.cpp - shows what becomes of a device's files.
+// watch.cpp - prints changes of a device's files.
 //
-// It keeps a copy of each file in memory. diff(1) gets the copy and the new text as files that have
-// no name, and writes into another one, so that nothing is written on the device it watches.
+// A copy of each file is kept in memory. diff(1) compares the copy and the new text and writes its
+// output, all as memory files, so that nothing is written on the watched device.
 #include "sandbox/session/watch.h"
 
 #include <algorithm>
@@ -22,40 +22,48 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/messages.h"
 #include "sandbox/process/printable.h"
 #include "sandbox/process/programs.h"
-#include "sandbox/session/command.h"
 
 namespace sandbox {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kWatchedFiles[] = {
+    velk::kInterfacesFile, velk::kDhcpConfigFile, velk::kExitHooks,
+    velk::kClientScript,   velk::kResolverFile,   velk::kSnmpFile,
+    velk::kCrontab,        velk::kSupportList,    velk::kUsbDevices,
+};
+
 struct WatchedFolder {
-    const char* path;
-    std::vector<std::string> names;  // none: all of them
+    fs::path path;
+    std::vector<std::string> names;  // empty: every file of the folder
 };
 
 std::vector<WatchedFolder> WatchedFolders() {
-    return {
-        {"/etc", {"dhclient-exit-hooks", "dhclient.conf", "resolv.dnsmasq.conf"}},
-        {"/etc/network", {"interfaces"}},
-        {"/proc/bus/usb", {"devices"}},
-        {"/sbin", {"dhclient-script"}},
-        {"/usr/local/share/apps/wlan", {"supportlist.ini"}},
-        {"/usr/local/share/etc/snmp", {"snmpd.conf"}},
-        {"/var/cron/tabs", {"root"}},
-        {"/var/libvelk", {}},
-    };
+    std::map<fs::path, std::vector<std::string>> files;
+    for (const fs::path file : kWatchedFiles) {
+        files[file.parent_path()].push_back(file.filename());
+    }
+    files[fs::path(velk::kIdentityFile).parent_path()] = {};
+    std::vector<WatchedFolder> folders;
+    folders.reserve(files.size());
+    for (const auto& [path, names] : files) {
+        folders.push_back({path, names});
+    }
+    return folders;
 }
 
 constexpr uint32_t kChanges = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR;
 constexpr size_t kEventsSize = 16 * (sizeof(inotify_event) + NAME_MAX + 1);
 constexpr int kFilesDiffer = 1;  // diff's exit status
 
-// An empty text for a file that is not there.
+// Returns an empty text if the file does not exist.
 std::string TextOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -73,17 +81,17 @@ std::string PathOf(const velk::UniqueFd& file) {
     return "/dev/fd/" + std::to_string(file.get());
 }
 
-// Left open for diff, which it finds under the descriptor's number.
-velk::UniqueFd NamelessFile(const std::string& text) {
+// Makes a file in memory. It is inherited by diff(1), which opens it under /dev/fd.
+velk::UniqueFd MemoryFile(const std::string& text) {
     velk::UniqueFd file(memfd_create("velk-sandbox", 0));
     const ssize_t size = static_cast<ssize_t>(text.size());
     if (file.get() == -1 || write(file.get(), text.data(), text.size()) != size) {
-        Fail("cannot keep a file's text", errno);
+        Fail("cannot make a file in memory", errno);
     }
     return file;
 }
 
-// Programs of the device may have written anything into its files.
+// The files of the device can contain any bytes, so they are escaped.
 void PrintLines(const std::string& text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
@@ -93,9 +101,9 @@ void PrintLines(const std::string& text) {
 }
 
 void ShowDifference(const fs::path& path, const std::string& before, const std::string& after) {
-    const velk::UniqueFd old_file = NamelessFile(before);
-    const velk::UniqueFd new_file = NamelessFile(after);
-    const velk::UniqueFd difference = NamelessFile("");
+    const velk::UniqueFd old_file = MemoryFile(before);
+    const velk::UniqueFd new_file = MemoryFile(after);
+    const velk::UniqueFd difference = MemoryFile("");
     const std::string name = Printable(path.native());
     const int result = RunProgram({FindProgram("diff"), "-a", "-u", "--label", name, "--label",
                                    name + "\t" + TimeOfDay(), PathOf(old_file), PathOf(new_file)},
@@ -109,15 +117,15 @@ void ShowDifference(const fs::path& path, const std::string& before, const std::
 class Watch {
   public:
     Watch();
-    // Waits for changes, and shows them.
-    void Next();
+    // Waits for changes and prints them.
+    void PrintNextChanges();
 
   private:
-    void Follow(const WatchedFolder& folder);
-    void LookAt(const inotify_event& event);
+    void WatchFolder(const WatchedFolder& folder);
+    void PrintChange(const inotify_event& event);
 
     velk::UniqueFd events_;
-    std::map<int, WatchedFolder> folders_;  // by the kernel's number
+    std::map<int, WatchedFolder> folders_;  // by watch descriptor
     std::map<fs::path, std::string> texts_;
 };
 
@@ -127,16 +135,16 @@ bool IsWatched(const WatchedFolder& folder, const std::string& name) {
 
 Watch::Watch() : events_(inotify_init1(IN_CLOEXEC)) {
     for (const WatchedFolder& folder : WatchedFolders()) {
-        Follow(folder);
+        WatchFolder(folder);
     }
 }
 
-void Watch::Follow(const WatchedFolder& folder) {
-    const int number = inotify_add_watch(events_.get(), folder.path, kChanges);
-    if (number == -1) {
-        Fail(std::string("cannot watch ") + folder.path, errno);
+void Watch::WatchFolder(const WatchedFolder& folder) {
+    const int watch = inotify_add_watch(events_.get(), folder.path.c_str(), kChanges);
+    if (watch == -1) {
+        Fail("cannot watch " + folder.path.string(), errno);
     }
-    folders_[number] = folder;
+    folders_[watch] = folder;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder.path)) {
         if (entry.is_regular_file() && IsWatched(folder, entry.path().filename())) {
             texts_[entry.path()] = TextOf(entry.path());
@@ -144,25 +152,25 @@ void Watch::Follow(const WatchedFolder& folder) {
     }
 }
 
-void Watch::Next() {
+void Watch::PrintNextChanges() {
     alignas(inotify_event) char buffer[kEventsSize];
     const ssize_t size = read(events_.get(), buffer, sizeof(buffer));
     if (size == -1 && errno != EINTR) {
-        Fail("cannot learn of changes", errno);
+        Fail("cannot read file events", errno);
     }
     for (ssize_t at = 0; at < size;) {
         const auto* event = reinterpret_cast<const inotify_event*>(buffer + at);
-        LookAt(*event);
+        PrintChange(*event);
         at += static_cast<ssize_t>(sizeof(*event) + event->len);
     }
 }
 
-void Watch::LookAt(const inotify_event& event) {
+void Watch::PrintChange(const inotify_event& event) {
     const auto folder = folders_.find(event.wd);
     if (event.len == 0 || folder == folders_.end() || !IsWatched(folder->second, event.name)) {
         return;
     }
-    const fs::path path = fs::path(folder->second.path) / event.name;
+    const fs::path path = folder->second.path / event.name;
     std::string after = TextOf(path);
     std::string& before = texts_[path];
     if (before != after) {
@@ -175,9 +183,9 @@ void Watch::LookAt(const inotify_event& event) {
 
 void WatchFiles() {
     Watch watch;
-    Say("watching the device's files; end with Ctrl-C");
+    PrintMessage("watching the files of the device; stop with Ctrl-C");
     for (;;) {
-        watch.Next();
+        watch.PrintNextChanges();
     }
 }
 

@@ -1,4 +1,4 @@
-// background.cpp - leaves the caller's terminal.
+// background.cpp - moves the daemon to the background.
 #include "sandbox/wland/background.h"
 
 #include <cerrno>
@@ -15,11 +15,11 @@ namespace {
 
 constexpr mode_t kPidFileMode = 0644;
 
-// Without a word the other process fails; it says why before it ends. Ends without destructors: the
-// sockets are that process's now.
-[[noreturn]] void EndCaller(const velk::UniqueFd& word, pid_t child) {
+// Ends the parent once the child reports success by one byte. A child that fails prints the reason.
+// Destructors must not run: the sockets now belong to the child.
+[[noreturn]] void EndCaller(const velk::UniqueFd& report, pid_t child) {
     char byte;
-    if (read(word.get(), &byte, 1) == 1) {
+    if (read(report.get(), &byte, 1) == 1) {
         _exit(0);
     }
     (void)waitpid(child, nullptr, 0);
@@ -33,7 +33,7 @@ velk::UniqueFd Detach() {
     if (pipe2(ends, O_CLOEXEC) == -1) {
         sandbox::Fail("cannot make a pipe", errno);
     }
-    const velk::UniqueFd word(ends[0]);
+    const velk::UniqueFd report(ends[0]);
     velk::UniqueFd caller(ends[1]);
     const pid_t child = fork();
     if (child == -1) {
@@ -41,22 +41,22 @@ velk::UniqueFd Detach() {
     }
     if (child != 0) {
         (void)caller.Reset();
-        EndCaller(word, child);
+        EndCaller(report, child);
     }
     (void)setsid();
     return caller;
 }
 
 void FinishDetaching(velk::UniqueFd caller) {
-    const velk::UniqueFd nothing(open("/dev/null", O_RDWR | O_CLOEXEC));
-    if (nothing.get() == -1 || chdir("/") == -1) {
+    const velk::UniqueFd null_device(open("/dev/null", O_RDWR | O_CLOEXEC));
+    if (null_device.get() == -1 || chdir("/") == -1) {
         sandbox::Fail("cannot leave the terminal", errno);
     }
     LogToSyslog();
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        (void)dup2(nothing.get(), standard);
+        (void)dup2(null_device.get(), standard);
     }
-    [[maybe_unused]] const ssize_t told = write(caller.get(), "", 1);  // it may have gone
+    (void)!write(caller.get(), "", 1);  // fails if the caller has ended
 }
 
 PidFile::PidFile(const std::string& path) {

@@ -1,4 +1,4 @@
-// background.h - leaves the caller's terminal.
+// background.h - moves the daemon to the background.
 #ifndef SANDBOX_WLAND_BACKGROUND_H_
 #define SANDBOX_WLAND_BACKGROUND_H_
 
@@ -9,15 +9,15 @@
 
 namespace wland {
 
-// Continues in a process of its own. The caller's process ends when that one calls
-// FinishDetaching() with what is returned here, or fails with it. Throws sandbox::Failure.
+// Forks and continues in the child. The parent ends when the child calls FinishDetaching() with the
+// returned descriptor, or fails if the child ends before. Throws sandbox::Failure.
 velk::UniqueFd Detach();
 void FinishDetaching(velk::UniqueFd caller);
 
-// A file with this process's number. It ends with its owner.
+// A file with the process ID of this process. The destructor removes it.
 class PidFile {
   public:
-    // An empty path makes none. Throws sandbox::Failure.
+    // An empty path makes no file. Throws sandbox::Failure.
     explicit PidFile(const std::string& path);
     ~PidFile();
     PidFile(const PidFile&) = delete;

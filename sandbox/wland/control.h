@@ -11,25 +11,25 @@
 
 namespace wland {
 
-// Has an abstract name: the kernel gives it to one process of a device's network, and takes it back
-// however that process ends. So it also tells whether another daemon is running.
-class ControlSocket {
+// The socket has an abstract name. Only one process of a network namespace can have it, and the
+// kernel removes it when that process ends. So it also shows whether another daemon is running.
+class ReplyModeSocket {
   public:
     // Throws sandbox::Failure.
-    ControlSocket();
+    ReplyModeSocket();
 
     int fd() const { return fd_.get(); }
 
-    // Changes `behaviour` to what was asked for since the last call. Says whether anything was.
+    // Applies the orders received since the last call to `behaviour`. True if it changed.
     bool Take(Behaviour& behaviour) const;
 
   private:
     velk::UniqueFd fd_;
 };
 
-// Asks the running daemon to reply in this mode; it does so from the next request on. Without a
-// delay it keeps the one it has. Throws sandbox::Failure.
-void Tell(const std::string& mode, std::optional<std::chrono::milliseconds> delay);
+// Changes the reply mode of the running daemon, from its next request on. Without a delay, the
+// present delay is kept. Throws sandbox::Failure.
+void SetReplyMode(const std::string& mode, std::optional<std::chrono::milliseconds> delay);
 
 }  // namespace wland
 

@@ -1,4 +1,4 @@
-// log.cpp - what the daemon has to say while it runs.
+// log.cpp - the log of the daemon.
 #include "sandbox/wland/log.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace {
 bool goes_to_syslog = false;
 bool has_details = false;
 
-// A word of the command line may hold anything.
+// Replaces control characters, which a word of the command line can contain.
 std::string OneLine(std::string text) {
     std::ranges::replace_if(
         text, [](unsigned char byte) { return iscntrl(byte) != 0; }, '?');

@@ -1,4 +1,4 @@
-// log.h - what the daemon has to say while it runs. Keys are never part of it.
+// log.h - the log of the daemon. It never contains keys.
 #ifndef SANDBOX_WLAND_LOG_H_
 #define SANDBOX_WLAND_LOG_H_
 
@@ -6,10 +6,10 @@
 
 namespace wland {
 
-// From now on lines go to syslog(3); until then they go to standard error.
+// Sends all later lines to syslog(3). Without it, they go to standard error.
 void LogToSyslog();
 
-// From now on LogDetail() says something.
+// Enables LogDetail().
 void LogDetails();
 
 void Log(const std::string& line);

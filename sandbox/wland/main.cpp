@@ -1,4 +1,4 @@
-// main.cpp - wland: a wireless daemon for the desk.
+// main.cpp - wland: a simulated wireless daemon.
 #include <chrono>
 #include <cmath>
 #include <exception>
@@ -17,12 +17,18 @@ constexpr int kFailed = 1;
 constexpr int kUsageError = 2;
 
 constexpr char kDescription[] =
-    "Answers programs as the device's wireless daemon does: keeps a configuration and reports it\n"
-    "and the adapter's state, well or badly.";
+    "Simulates the device's wireless daemon: stores a configuration, and replies to queries for\n"
+    "the configuration and the adapter's state. It can also send faulty replies.";
 constexpr char kFooter[] =
-    "Reply modes: normal; silent, none at all; short, the first 40 bytes; empty, no byte; late,\n"
-    "after a delay; garbage, 240 bytes 0xa5. Ends with SIGTERM or SIGINT.\n"
-    "Exit status: 0 when it was ended so, 1 when it cannot run, 2 for wrong usage.";
+    "Reply modes:\n"
+    "  normal   a correct reply\n"
+    "  silent   no reply\n"
+    "  short    the first 40 bytes of a correct reply\n"
+    "  empty    a datagram of 0 bytes\n"
+    "  late     a correct reply after the delay\n"
+    "  garbage  240 bytes 0xa5\n"
+    "Ends with SIGTERM or SIGINT.\n"
+    "Exit status: 0 after such a signal, 1 if the daemon cannot run, 2 for wrong usage.";
 
 struct Options {
     std::string reply = "normal";
@@ -41,7 +47,7 @@ struct Options {
     }
 };
 
-// CLI::Range lets "nan" pass.
+// Used in place of CLI::Range, which accepts "nan".
 std::string CheckDelay(const std::string& text) {
     constexpr double kLongest = 3600;
     double seconds = 0;
@@ -54,19 +60,20 @@ std::string CheckDelay(const std::string& text) {
 void AddOptions(CLI::App& app, Options& options) {
     const CLI::IsMember is_mode(wland::ReplyModeNames());
     app.footer(kFooter);
-    CLI::Option* reply = app.add_option("--reply", options.reply, "How to reply, normal at first")
+    CLI::Option* reply = app.add_option("--reply", options.reply, "Reply mode; normal if not given")
                              ->type_name("MODE")
                              ->check(is_mode);
-    app.add_option("--delay", options.delay, "How late replies are that are late, 61 at first")
+    app.add_option("--delay", options.delay, "Delay of late replies; 61 if not given")
         ->type_name("SECONDS")
         ->check(CheckDelay);
     CLI::Option* pid_file =
-        app.add_option("--pid-file", options.pid_file, "File to write the process's number to")
+        app.add_option("--pid-file", options.pid_file, "File to write the process ID to")
             ->type_name("FILE");
     CLI::Option* background =
-        app.add_flag("--background", options.background, "Return as soon as requests can be sent");
+        app.add_flag("--background", options.background,
+                     "Run in the background; return once requests are accepted");
     CLI::Option* verbose = app.add_flag("--verbose", options.verbose, "Log every request");
-    app.add_option("--tell", options.tell, "Change how the daemon replies that is running")
+    app.add_option("--tell", options.tell, "Change the reply mode of the running daemon")
         ->type_name("MODE")
         ->check(is_mode)
         ->excludes(reply, pid_file, background, verbose);
@@ -80,7 +87,7 @@ void Serve(const Options& options) {
     if (options.verbose) {
         wland::LogDetails();
     }
-    const wland::StopSignals stop;  // before there is anything to remove
+    const wland::StopSignals stop;  // before sockets and files are made
     wland::Server server(behaviour, stop);
     velk::UniqueFd caller;
     if (options.background) {
@@ -109,7 +116,7 @@ int Run(int argc, char** argv) {
     if (options.tell.empty()) {
         Serve(options);
     } else {
-        wland::Tell(options.tell, options.Delay());
+        wland::SetReplyMode(options.tell, options.Delay());
     }
     return 0;
 }

@@ -16,7 +16,7 @@ namespace {
 
 constexpr mode_t kEverybody = 0666;
 
-// True of a daemon that is not this program, too: its socket must not be taken from it.
+// True if any daemon listens at the address, also one that is not wland. Its socket must be kept.
 bool IsServed(const Address& address) {
     const velk::UniqueFd probe = OpenSocket();
     return connect(probe.get(), address.get(), address.length()) == 0;
@@ -48,17 +48,17 @@ int SendTo(const Address& address, std::string_view bytes) {
 RequestSocket::RequestSocket() : fd_(OpenSocket()) {
     const Address address(velk::kRequestSocket);
     if (IsServed(address)) {
-        throw sandbox::Failure("another one is running");
+        throw sandbox::Failure("the daemon is already running");
     }
     (void)unlink(velk::kRequestSocket);
     if (bind(fd_.get(), address.get(), address.length()) == -1) {
         sandbox::Fail(std::string("cannot make ") + velk::kRequestSocket, errno);
     }
-    // bind(2) alone would leave the mode to the caller's umask.
+    // bind(2) alone would apply the caller's umask.
     if (chmod(velk::kRequestSocket, kEverybody) == -1) {
         const int error = errno;
         (void)unlink(velk::kRequestSocket);
-        sandbox::Fail(std::string("cannot open ") + velk::kRequestSocket + " to everybody", error);
+        sandbox::Fail(std::string("cannot change the mode of ") + velk::kRequestSocket, error);
     }
 }
 

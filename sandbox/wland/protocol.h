@@ -24,8 +24,13 @@ static_assert(offsetof(Message, type) == 0);
 static_assert(offsetof(Message, body) == 4);
 static_assert(sizeof(Message) == 240);
 
-// The address of a path, or of an abstract name, which starts with a NUL. Its length counts neither
-// the NUL behind a path nor the rest of the structure: programs name their sockets so.
+// The abstract name of the socket for orders of "wland --tell". The paths of the other sockets and
+// of the semaphore are in lib/base/paths.h.
+inline constexpr std::string_view kControlSocket("\0wland", 6);
+
+// The address of a path, or of an abstract name, which starts with a NUL. Its length includes
+// neither the NUL after a path nor the rest of the structure, as in the addresses that programs
+// use.
 class Address {
   public:
     explicit Address(std::string_view name);
@@ -37,16 +42,16 @@ class Address {
     socklen_t length_;
 };
 
-// A datagram socket. Throws sandbox::Failure when there is none to be had.
+// Opens a datagram socket. Throws sandbox::Failure.
 velk::UniqueFd OpenSocket();
 
-// Sends a datagram without waiting. Returns 0, or the errno that says why it did not arrive.
+// Sends a datagram without waiting. Returns 0, or an errno.
 int SendTo(const Address& address, std::string_view bytes);
 
-// The socket that programs send their requests to. Its path ends with it.
+// The socket that programs send their requests to. The destructor removes its path.
 class RequestSocket {
   public:
-    // Takes the place of a socket that nobody serves any more. Throws sandbox::Failure.
+    // Replaces a socket without a listener. Throws sandbox::Failure.
     RequestSocket();
     ~RequestSocket();
     RequestSocket(const RequestSocket&) = delete;
@@ -54,15 +59,14 @@ class RequestSocket {
 
     int fd() const { return fd_.get(); }
 
-    // The message that waits; nothing when none does, or a datagram of another size, which is
-    // logged.
+    // Returns the next message, or nothing. A datagram of another size is logged and ignored.
     std::optional<Message> Receive() const;
 
   private:
     velk::UniqueFd fd_;
 };
 
-// Sends a reply to the program that waits for one. Returns as SendTo() does.
+// Sends a reply to the reply socket. Returns 0, or an errno.
 int SendReply(std::string_view bytes);
 
 }  // namespace wland

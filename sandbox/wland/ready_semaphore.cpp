@@ -1,4 +1,4 @@
-// ready_semaphore.cpp - how a program tells that it can take a reply.
+// ready_semaphore.cpp - the semaphore by which a program signals that it waits for a reply.
 #include "sandbox/wland/ready_semaphore.h"
 
 #include <cerrno>

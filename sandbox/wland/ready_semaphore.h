@@ -1,4 +1,4 @@
-// ready_semaphore.h - how a program tells that it can take a reply.
+// ready_semaphore.h - the semaphore by which a program signals that it waits for a reply.
 #ifndef SANDBOX_WLAND_READY_SEMAPHORE_H_
 #define SANDBOX_WLAND_READY_SEMAPHORE_H_
 
@@ -8,8 +8,8 @@
 
 namespace wland {
 
-// The program makes the semaphore before it sends its request, and removes it. This only opens it:
-// a name made here would be left behind.
+// The program makes the semaphore before it sends its request, and removes it afterwards. This
+// class only opens it: nothing would remove a semaphore made here.
 class ReadySemaphore {
   public:
     ReadySemaphore();
@@ -18,9 +18,9 @@ class ReadySemaphore {
     ReadySemaphore& operator=(const ReadySemaphore&) = delete;
 
     bool exists() const { return handle_ != SEM_FAILED; }
-    int error() const { return error_; }  // the errno that says why it does not exist
+    int error() const { return error_; }  // the errno if it does not exist
 
-    // Takes one post, waiting for it up to `limit`. False when none came. The semaphore must exist.
+    // Waits up to `limit` for a post. Returns false if none came. The semaphore must exist.
     bool Take(std::chrono::milliseconds limit) const;
 
   private:

@@ -1,4 +1,4 @@
-// records.cpp - what the daemon knows of the wireless network.
+// records.cpp - the configuration and state that the daemon reports.
 #include "sandbox/wland/records.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ constexpr uint8_t kAccessPoint[] = {0x00, 0x1d, 0x73, 0xaa, 0x0b, 0xff};
 constexpr uint8_t kRate[] = {0x82, 0x84, 0x8b, 0x96};
 constexpr uint16_t kSignal[] = {52, 95};
 
-// Returns the length, which the records keep beside a text.
+// Copies the text into the field. Returns its length, which the records store separately.
 template <size_t kSize>
 uint16_t Put(std::string_view text, char (&field)[kSize]) {
     return static_cast<uint16_t>(text.copy(field, kSize));
@@ -41,10 +41,10 @@ SMsgState StateOf(const SMsgConf& conf) {
     (void)Put("P:  Vendor=2c51 ProdID=0a12 Rev= 1.01", state.product);
     (void)Put("2.4.1", state.software_version);
     state.region = 1;
-    // The state knows one standard more, below the two that can be enabled.
+    // The state has one more standard than the configuration, with the lowest number.
     state.dot11_phy = conf.dot11_phy_conf == 0 ? 1 : 2;
     if (conf.ssid_length == 0) {
-        return state;  // connected to nothing
+        return state;  // not connected
     }
     if (conf.service_set == kInfrastructure) {
         std::copy(std::begin(kAccessPoint), std::end(kAccessPoint), state.access_point);

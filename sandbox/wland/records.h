@@ -1,4 +1,4 @@
-// records.h - what the daemon knows of the wireless network.
+// records.h - the configuration and state that the daemon reports.
 #ifndef SANDBOX_WLAND_RECORDS_H_
 #define SANDBOX_WLAND_RECORDS_H_
 
@@ -6,10 +6,10 @@
 
 namespace wland {
 
-// The configuration the daemon starts with. Its keys are samples.
+// Returns the configuration at the start. Its keys are samples.
 SMsgConf StartConfiguration();
 
-// The state of an adapter that runs with this configuration.
+// Returns the state of an adapter with this configuration.
 SMsgState StateOf(const SMsgConf& conf);
 
 }  // namespace wland

@@ -1,4 +1,4 @@
-// reply.cpp - the ways to reply, good and bad.
+// reply.cpp - correct and faulty replies.
 #include "sandbox/wland/reply.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// reply.h - the ways to reply, good and bad.
+// reply.h - correct and faulty replies.
 #ifndef SANDBOX_WLAND_REPLY_H_
 #define SANDBOX_WLAND_REPLY_H_
 
@@ -14,23 +14,24 @@ namespace wland {
 
 enum class ReplyMode {
     kNormal,
-    kSilent,   // none
+    kSilent,   // no reply
     kShort,    // the first 40 bytes
-    kEmpty,    // a datagram without a byte
-    kLate,     // a good one after a delay
+    kEmpty,    // a datagram of 0 bytes
+    kLate,     // a correct reply after a delay
     kGarbage,  // every byte is 0xa5
 };
 
 struct Behaviour {
     ReplyMode mode = ReplyMode::kNormal;
-    std::chrono::milliseconds delay{61 * 1000};  // of late replies: when no program waits any more
+    std::chrono::milliseconds delay{
+        61 * 1000};  // the delay of late replies, longer than any program waits
 };
 
 // In the order of the modes.
 const std::vector<std::string>& ReplyModeNames();
 std::optional<ReplyMode> FindReplyMode(std::string_view name);
 
-// The bytes to send instead of a good reply, or those of the good one.
+// Returns the bytes to send: those of the correct reply `good`, or faulty ones.
 std::string ReplyBytes(ReplyMode mode, const Message& good);
 
 }  // namespace wland

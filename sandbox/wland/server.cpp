@@ -1,4 +1,4 @@
-// server.cpp - takes requests and replies to them.
+// server.cpp - receives requests and sends replies.
 #include "sandbox/wland/server.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kPostLimit{3000};
-constexpr milliseconds kLookAtSignals{100};
+constexpr milliseconds kSignalCheckInterval{100};
 constexpr milliseconds::rep kLongestWait = 60 * 1000;
 
 }  // namespace
@@ -29,13 +29,13 @@ Server::Server(const Behaviour& behaviour, const StopSignals& stop)
 }
 
 void Server::Run() {
-    while (!stop_.HasCome()) {
+    while (!stop_.HasArrived()) {
         pollfd waiting[] = {
             {stop_.fd(), POLLIN, 0}, {control_.fd(), POLLIN, 0}, {requests_.fd(), POLLIN, 0}};
         if (poll(waiting, std::size(waiting), MillisecondsToNextReply()) == -1 && errno != EINTR) {
             sandbox::Fail("cannot wait for requests", errno);
         }
-        // An order given before a request was sent is followed before that request is answered.
+        // Orders are applied first, so that one sent before a request affects its reply.
         TakeOrders();
         SendDueReplies();
         if (waiting[2].revents != 0) {
@@ -46,7 +46,7 @@ void Server::Run() {
 
 void Server::TakeOrders() {
     if (control_.Take(behaviour_)) {
-        late_replies_.clear();  // they belong to a behaviour that is over
+        late_replies_.clear();  // they belong to the previous mode
     }
 }
 
@@ -75,7 +75,8 @@ void Server::TakeRequest() {
 
 void Server::Answer(const Message& request) {
     const bool is_state = request.type == VELK_WLAN_STATE;
-    LogDetail(is_state ? "asked for the state" : "asked for the configuration");
+    LogDetail(is_state ? "received a query for the state"
+                       : "received a query for the configuration");
     if (behaviour_.mode == ReplyMode::kSilent) {
         return;
     }
@@ -89,16 +90,17 @@ void Server::Answer(const Message& request) {
     Reply(ReplyBytes(behaviour_.mode, good));
 }
 
-// A program that was killed while it waited has left its post behind. It is met here by the next
-// one's request, before that one has made its socket: the post that counts is still to come then.
+// A program that was killed while it waited leaves a post in the semaphore. The next request then
+// finds that post before its own program has made the reply socket, and the send fails. The post of
+// the program itself is still to come, so wait for the next one.
 void Server::Reply(const std::string& bytes) {
     const ReadySemaphore ready;
     const Clock::time_point deadline = Clock::now() + kPostLimit;
     if (!ready.exists()) {
-        Log(std::string("no reply sent, no semaphore: ") + strerror(ready.error()));
+        Log(std::string("no reply sent: cannot open the semaphore: ") + strerror(ready.error()));
         return;
     }
-    std::string why = "no post came";
+    std::string reason = "the program did not post the semaphore";
     while (WaitForPost(ready, deadline)) {
         if (behaviour_.mode == ReplyMode::kLate) {
             late_replies_.push_back({Clock::now() + behaviour_.delay, bytes});
@@ -109,14 +111,14 @@ void Server::Reply(const std::string& bytes) {
             LogDetail("replied with " + std::to_string(bytes.size()) + " bytes");
             return;
         }
-        why = strerror(error);
+        reason = strerror(error);
     }
-    Log("no reply sent: " + why);
+    Log("no reply sent: " + reason);
 }
 
 bool Server::WaitForPost(const ReadySemaphore& ready, Clock::time_point deadline) const {
-    while (Clock::now() < deadline && !stop_.HasCome()) {
-        if (ready.Take(kLookAtSignals)) {
+    while (Clock::now() < deadline && !stop_.HasArrived()) {
+        if (ready.Take(kSignalCheckInterval)) {
             return true;
         }
     }
@@ -127,12 +129,12 @@ void Server::SendDueReplies() {
     while (!late_replies_.empty() && late_replies_.front().due <= Clock::now()) {
         const int error = SendReply(late_replies_.front().bytes);
         Log(error == 0 ? "sent a late reply"
-                       : std::string("late reply not taken: ") + strerror(error));
+                       : std::string("late reply not delivered: ") + strerror(error));
         late_replies_.pop_front();
     }
 }
 
-// As poll(2) takes it: -1 when no reply is due.
+// Returns the timeout for poll(2): -1 if no reply is due.
 int Server::MillisecondsToNextReply() const {
     if (late_replies_.empty()) {
         return -1;

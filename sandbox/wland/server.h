@@ -1,4 +1,4 @@
-// server.h - takes requests and replies to them.
+// server.h - receives requests and sends replies.
 #ifndef SANDBOX_WLAND_SERVER_H_
 #define SANDBOX_WLAND_SERVER_H_
 
@@ -17,7 +17,7 @@ class ReadySemaphore;
 
 class Server {
   public:
-    // Requests can be sent from now on. Throws sandbox::Failure.
+    // Makes the sockets, so that requests can be sent. Throws sandbox::Failure.
     Server(const Behaviour& behaviour, const StopSignals& stop);
 
     // Serves until a stop signal comes. Throws sandbox::Failure.
@@ -41,7 +41,7 @@ class Server {
 
     const StopSignals& stop_;
     Behaviour behaviour_;
-    ControlSocket control_;  // first, as it refuses a second daemon
+    ReplyModeSocket control_;  // first, because it detects a second daemon
     RequestSocket requests_;
     SMsgConf conf_;
     std::deque<LateReply> late_replies_;

@@ -23,7 +23,7 @@ StopSignals::StopSignals() {
     }
 }
 
-bool StopSignals::HasCome() const {
+bool StopSignals::HasArrived() const {
     pollfd pending{fd_.get(), POLLIN, 0};
     return poll(&pending, 1, 0) == 1;
 }

@@ -6,16 +6,16 @@
 
 namespace wland {
 
-// Holds SIGTERM and SIGINT back for good. They are looked for, so that whatever the daemon has made
-// is removed on the way out.
+// Blocks SIGTERM and SIGINT permanently. The daemon polls for them, so that destructors run and
+// remove its files.
 class StopSignals {
   public:
     // Throws sandbox::Failure.
     StopSignals();
 
-    // Readable once one of them has come.
+    // Readable once a signal has arrived.
     int fd() const { return fd_.get(); }
-    bool HasCome() const;
+    bool HasArrived() const;
 
   private:
     velk::UniqueFd fd_;

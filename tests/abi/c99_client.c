@@ -6,9 +6,9 @@
 
 static int failures = 0;
 
-static void check(const char* what, long expected, long actual) {
+static void check(const char* label, long expected, long actual) {
     if (expected != actual) {
-        printf("%s: expected %ld, got %ld\n", what, expected, actual);
+        printf("%s: expected %ld, got %ld\n", label, expected, actual);
         failures++;
     }
 }
@@ -44,7 +44,7 @@ static void check_values(void) {
     check("LIB_VELK_WIRED_LINKED", -6, LIB_VELK_WIRED_LINKED);
 }
 
-/* A get of an id that no device knows: touches nothing of the machine. */
+/* A get of an unknown id has no effect on the machine. */
 static void check_call(void) {
     _velk_request request;
     _velk_request response;

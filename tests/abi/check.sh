@@ -1,8 +1,8 @@
-# check.sh - holds what is against what should be. Source it, and close with `finish`.
+# check.sh - compares actual with expected texts. Source it, and end with `finish`.
 # shellcheck shell=bash
 failures=0
 
-# check WHAT EXPECTED ACTUAL
+# check LABEL EXPECTED ACTUAL
 check() {
     if [ "$2" != "$3" ]; then
         failures=$((failures + 1))
@@ -11,5 +11,5 @@ check() {
     fi
 }
 
-# The test's status.
+# Returns the exit status of the test.
 finish() { [ "$failures" -eq 0 ]; }

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# hardening_test.sh FILE... - what makes an attack harder is in the built library and programs.
-# hardening_test.sh --lacks-all FILE - the other way round: proves that each check can fail.
+# hardening_test.sh FILE... - checks that the built library and programs are hardened.
+# hardening_test.sh --lacks-all FILE - checks that every check fails for an unhardened file.
 set -u
 
-# Each prints nothing, or what is missing.
+# Each check prints the missing property, or nothing.
 check_relro() { readelf -lW "$1" | grep -q GNU_RELRO || echo 'read-only relocations'; }
 check_bind_now() {
     readelf -dW "$1" | grep -q BIND_NOW || echo 'binding at start'
@@ -15,8 +15,8 @@ check_stack_protector() {
     nm -D --undefined-only "$1" | grep -q __stack_chk_fail || echo 'the stack protector'
 }
 check_fortify() {
-    # One of the unchecked kind betrays a source that was built without. The library's log helper is:
-    # it must call syslog(3) by its plain name.
+    # An unchecked function shows a source that was built without FORTIFY. The library's log helper is
+    # an exception: it must call syslog(3) by its plain name.
     if ! nm -D --undefined-only "$1" | grep -qE '__(v?snprintf|syslog)_chk' ||
         nm -D --undefined-only "$1" | grep -qE ' snprintf(@|$)'; then
         echo 'checked functions'
@@ -34,7 +34,7 @@ readable() { readelf -hW "$1" >/dev/null || exit 1; }
 
 if [ "$1" = --lacks-all ]; then
     readable "$2"
-    # A shared library is code for any address whatever is asked for.
+    # A shared library is always position-independent.
     diff <(missing "$2") - <<'END'
 read-only relocations
 binding at start
@@ -49,9 +49,9 @@ fi
 failures=0
 for file; do
     readable "$file"
-    while read -r what; do
+    while read -r property; do
         failures=$((failures + 1))
-        echo "FAILED: $(basename "$file") lacks $what"
+        echo "FAILED: $(basename "$file") lacks $property"
     done < <(missing "$file")
 done
 [ "$failures" -eq 0 ]

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# installed_test.sh BUILD FOLDER - the files that each part installs, into FOLDER.
+# installed_test.sh BUILD FOLDER - checks the installed files of each component. Installs into FOLDER.
 set -u
 build=$1 root=$2
 here=$(cd "$(dirname "$0")" && pwd)
@@ -8,7 +8,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 
 install_part() { cmake --install "$build" --prefix "$root/$1" --component "$1" >/dev/null || exit 1; }
 
-# The names of the files that a part installs, but those of the sandbox's devices.
+# Prints the names of the files that a component installs, without the files of simulated devices.
 files_of() {
     install_part "$1"
     find "$root/$1" -path '*/velk-sandbox/*' -prune -o ! -type d -printf '%f\n' | LC_ALL=C sort
@@ -16,14 +16,14 @@ files_of() {
 
 rm -rf "$root"
 type=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
-check 'what the library is' "$(printf '%s\n' libvelk.so.1 sudoers velk.conf)" "$(files_of library)"
-check 'what development needs' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
-    libvelk.3 libvelk.pc libvelk.so ntp.h velk.h velk.pc velkConfig.cmake velkConfigVersion.cmake \
+check 'files of the library' "$(printf '%s\n' libvelk.so.1 sudoers velk.conf)" "$(files_of library)"
+check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
+    libvelk.3 libvelk.pc libvelk.so ntp.h request.h velk.h velk.pc velkConfig.cmake velkConfigVersion.cmake \
     "velkTargets-$(tr '[:upper:]' '[:lower:]' <<<"$type").cmake" velkTargets.cmake version.h webup.h \
     wired.h wlan.h)" "$(files_of development)"
-check 'what the tools are' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
+check 'files of the tools' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
     velkctl.schema.json)" "$(files_of tools)"
-check 'what the sandbox is' "$(printf '%s\n' velk-sandbox velk-sandbox.1 wland)" "$(files_of sandbox)"
+check 'files of the sandbox' "$(printf '%s\n' velk-sandbox velk-sandbox.1 wland)" "$(files_of sandbox)"
 mkdir -p "$root/Unspecified"
-check 'what belongs to no part' '' "$(files_of Unspecified)"
+check 'files of no component' '' "$(files_of Unspecified)"
 finish

@@ -15,11 +15,11 @@ check 'exported names (tests/abi/exported_names.txt)' "$(cat "$folder/exported_n
 check 'SONAME' 'libvelk.so.1' "$(dynamic SONAME)"
 check 'libraries it needs' "$(printf '%s\n' libc.so.6 libgcc_s.so.1 libstdc++.so.6)" \
     "$(dynamic NEEDED | LC_ALL=C sort)"
-check 'the C door is unmangled' ' T execute_velk_command' \
+check 'the C entry point is unmangled' ' T execute_velk_command' \
     "$(nm -D --defined-only "$library" | sed -n 's/^[0-9a-f]*\( T execute_velk_command\).*/\1/p')"
 
-# Host programs and preloaded libraries put functions of their own in front of these. Each import
-# must have the plain name: another spelling would pass them by.
+# Host programs and preloaded libraries interpose these functions. Each import must have the plain
+# name: another name, such as a checked variant, would bypass them.
 imports=$(nm -D --undefined-only "$library" | sed 's/^ *[Uw] //; s/@.*//')
 for name in flock open recvfrom select sendto sleep socket syslog system; do
     check "the import of $name" "$name" "$(grep -xE "_*v?$name(64|_chk|_2|64_2)?" <<<"$imports")"

@@ -1,4 +1,4 @@
-/* A host that defines syslog(3) alone and prints each line that the library logs. */
+/* syslog_host.c - a host that defines only syslog(3) and prints each line of the log. */
 #include <stdarg.h>
 #include <stdio.h>
 #include <string.h>

@@ -1,4 +1,4 @@
-/* unhardened.c - a library that lacks all hardening, to show that the check of it can fail. */
+/* unhardened.c - a library without any hardening, to check that the hardening test can fail. */
 #include <stdio.h>
 
 int Unhardened(const char* text);
@@ -8,5 +8,5 @@ int Unhardened(const char* text) {
     return snprintf(copy, sizeof(copy), "%s", text);
 }
 
-/* An address within the code, which the dynamic linker would have to write there. */
+/* An address within the code, which needs a text relocation. */
 __asm__(".text\n.dc.a stdout\n");

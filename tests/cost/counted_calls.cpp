@@ -1,5 +1,5 @@
-// counted_calls.cpp - makes one request as often as it is told, for counters to look at. Fails when
-// it is answered otherwise than told: what a failing call costs is of no interest.
+// counted_calls.cpp - repeats one request, so that its cost can be counted. Fails if the result is
+// not the expected one: the cost of a failing call is of no interest.
 //
 // counted_calls COUNT RESULT get|set ID INTERFACE [DATA]
 #include "cost/request_words.h"

@@ -1,10 +1,10 @@
-# counts.sh - counts what calls of the library cost, on a device. Source it.
+# counts.sh - functions that count the cost of library calls on a device. Source it.
 # shellcheck shell=bash
-# CALL is what counted_calls(1) takes from its RESULT on. A call that is not answered so has no count:
-# nothing is printed, and the status is not 0.
+# CALL is the argument list of counted_calls from RESULT on. If the call has another result, nothing is
+# printed and the exit status is not 0.
 #
-# Counts of 100 calls, less those of none: what starting the program costs is gone, and a hundredth
-# leaves no room for what only the first call does.
+# A count is that of 100 calls minus that of no call, divided by 100. This removes the cost of the
+# program's start, and rounds off the cost of the first call alone.
 set -o pipefail
 
 # per_call COUNTER CALL...
@@ -27,7 +27,7 @@ all_heap_requests() { # all_heap_requests COUNT CALL...
         sed -n 's/.*total heap usage: \([0-9,]*\) allocs.*/\1/p' | tr -d ,
 }
 
-# instructions CALL...: in user space, with every symbol resolved beforehand
+# instructions CALL...: in user space, with all symbols resolved at the start
 instructions() {
     local many
     many=$(LD_BIND_NOW=1 valgrind --tool=callgrind --callgrind-out-file=/dev/null \

@@ -1,4 +1,4 @@
-// request_words.h - the request that a program of this ring is told to make.
+// request_words.h - reads a request from the command line.
 #ifndef TESTS_COST_REQUEST_WORDS_H_
 #define TESTS_COST_REQUEST_WORDS_H_
 
@@ -15,7 +15,7 @@ struct ExpectedCall {
     _velk_request request{};
 };
 
-// From the words RESULT get|set ID INTERFACE [DATA], of which the first four must be there.
+// Reads the words RESULT get|set ID INTERFACE [DATA]. The first four are required.
 inline ExpectedCall ReadCall(char** words) {
     ExpectedCall call;
     call.result = atoi(words[0]);

@@ -1,5 +1,5 @@
 // stack_use.cpp - makes one request on a thread with a stack of 64 KiB and prints how many bytes of
-// it were used, the C library's part included. Fails when it is answered otherwise than told.
+// it were used, including the part of the C library. Fails if the result is not the expected one.
 //
 // stack_use RESULT get|set ID INTERFACE [DATA]
 #include <algorithm>
@@ -14,11 +14,11 @@
 namespace {
 
 constexpr size_t kStackSize = 64 * 1024;
-constexpr size_t kGuardSize = 64 * 1024;  // whole pages, whatever their size
+constexpr size_t kGuardSize = 64 * 1024;  // a multiple of every page size
 constexpr unsigned char kPaint = 0xA5;
 
-// Painted, so that it shows how deep it was used. Nothing may be read or written right below it.
-// Null when there is no memory for it.
+// Returns a stack filled with a pattern, so that its use can be measured. The pages below it are
+// inaccessible. Returns null without memory.
 unsigned char* PaintedStack() {
     void* const guard =
         mmap(nullptr, kGuardSize + kStackSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -33,7 +33,7 @@ unsigned char* PaintedStack() {
     return stack;
 }
 
-// True when it could be started and answered null.
+// True if the thread could be started and returned null.
 bool RunOn(unsigned char* stack, void* (*work)(void*)) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
@@ -51,11 +51,11 @@ size_t UsedOf(const unsigned char* stack) {
         end - std::find_if(stack, end, [](unsigned char byte) { return byte != kPaint; }));
 }
 
-// Beside the thread's stack, for a caller may have his records anywhere.
+// Not on the thread's stack, so that the records of the caller do not count.
 cost::ExpectedCall call;
 _velk_request response;
 
-// Null when it was answered as told.
+// Returns null if the call has the expected result.
 void* MakeCall(void* /*argument*/) {
     const int result = execute_velk_command(&call.request, &response);
     return result == call.result ? nullptr : &call;

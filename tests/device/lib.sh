@@ -1,6 +1,6 @@
-# lib.sh - the words that device tests are written in. Source it, then write
+# lib.sh - functions for tests on a simulated device. Source it, then write
 #
-#   it 'says what is wrong with an address'
+#   it 'refuses an address that is not valid'
 #   run velkctl set eth0.dns 300.1.1.1
 #   status_is 2
 #   output_is ''
@@ -15,23 +15,23 @@ LC_ALL=C
 export PATH LC_ALL
 unset CDPATH
 
-lib_behaviour='(before the first behaviour)'
+lib_behaviour='(before the first test case)'
 lib_checks=0
 lib_failures=0
 lib_folder=$(mktemp -d)
 trap 'rm -rf "$lib_folder"' EXIT
 
-# Bash calls this for an unknown command, in a process of its own: a file carries it to finish.
+# Bash calls this function for an unknown command, in a subshell. A file passes the result to finish.
 command_not_found_handle() {
     printf 'FAILED: it %s\n  command not found: %s\n' "$lib_behaviour" "$*" >>"$lib_folder/not-found"
     printf '%s: command not found\n' "$1" >&2
     return 127
 }
 
-# Names the behaviour that the next checks hold.
+# Names the behaviour that the next checks test.
 it() { lib_behaviour=$1; }
 
-# Runs a command; its status, output and errors are what the checks look at.
+# Runs a command and records its exit status, output and errors for the checks.
 run() {
     lib_command=$*
     "$@" >"$lib_folder/out" 2>"$lib_folder/err" </dev/null
@@ -40,20 +40,20 @@ run() {
     error=$(cat "$lib_folder/err")
 }
 
-# A word for scripts on the device.
+# A function for scripts on the device.
 # shellcheck disable=SC2016,SC2034  # for the shell on the device, in other files
 stand_in_word='
-    # Puts a program in the place of a tool, where every program finds it. velkctl does not look
-    # into the PATH of its caller.
+    # Replaces a tool by a program for all processes. A folder in PATH is not sufficient: velkctl
+    # does not use the PATH of its caller.
     stand_in() { # TOOL PROGRAM
         mount --bind "$2" "$(readlink -f "$(command -v "$1")")"
     }
 '
 
-# Runs a command on a device of its own.
+# Runs a command on a new simulated device.
 on_device() { run velk-sandbox --quiet -- "$@"; }
 
-check() { # check WHAT EXPECTED ACTUAL
+check() { # check SUBJECT EXPECTED ACTUAL
     lib_checks=$((lib_checks + 1))
     [ "$2" = "$3" ] && return
     lib_failures=$((lib_failures + 1))
@@ -67,14 +67,14 @@ output_is() { check 'standard output' "$1" "$output"; }
 error_is() { check 'standard error' "$1" "$error"; }
 output_has() { has 'standard output' "$1" "$output"; }
 error_has() { has 'standard error' "$1" "$error"; }
-has() { # has WHAT PART WHOLE
+has() { # has SUBJECT PART WHOLE
     case $3 in
         *"$2"*) check "$1" holds holds ;;
         *) check "$1" "(holds) $2" "$3" ;;
     esac
 }
 
-# Waits up to a minute, as the machine may be busy, until a command says yes.
+# Waits until a command succeeds. The limit is a minute, as the machine may be busy.
 wait_until() {
     local end=$((SECONDS + 60))
     until "$@" >/dev/null 2>&1; do
@@ -88,13 +88,20 @@ skip() {
     exit 77
 }
 
-# Skips the whole file, with the reason, where the kernel gives no private namespaces.
+# Checks that /dev of a device made with OPTION has only the entries of every device, and ENTRY.
+dev_is_private() { # dev_is_private OPTION ENTRY
+    run velk-sandbox --quiet ${1:+"$1"} -- ls /dev
+    output_is "$(printf '%s\n' fd full net null ptmx pts random shm stderr stdin stdout tty urandom \
+        zero ${2:+"$2"} | sort)"
+}
+
+# Skips the whole file, with the reason, if the kernel refuses private namespaces.
 needs_sandbox() {
     lib_reason=$(velk-sandbox --quiet -- true 2>&1) || skip "no sandbox here: $lib_reason"
 }
 
-# Holds that a device can be there and gone again within so many milliseconds. It has a minute to
-# show it once. While the machine is busy, only the time of its processors counts.
+# Checks that a device starts and ends within so many milliseconds. One success within a minute is
+# sufficient. While the machine is busy, only CPU time counts.
 starts_within() { # starts_within MILLISECONDS [OPTION...]
     it "starts within $1 ms"
     lib_command="velk-sandbox ${*:2}"
@@ -111,15 +118,15 @@ started_within() {
         [ $((10#$real)) -lt "$1" ]
     fi
 }
-# Says whether the processes of the last minute had to share processors.
+# True if the load of the last minute is at least the number of processors.
 is_busy() {
     local load
     read -r load _ </proc/loadavg
     [ "${load%.*}" -ge "$(nproc)" ]
 }
 
-# Runs a whole test file again as an ordinary user, when it runs as root. What that user needs is
-# copied where everybody may read it.
+# If this is root, runs a whole test file again as an ordinary user, from a copy of the programs that
+# the user can read.
 again_as_ordinary_user() { # again_as_ordinary_user FILE
     [ "$(id -u)" = 0 ] && command -v setpriv >/dev/null || return 0
     lib_copy=$lib_folder/copy
@@ -139,7 +146,7 @@ again_as_ordinary_user() { # again_as_ordinary_user FILE
     [ "$status" = 77 ] || status_is 0
 }
 
-# Counts the commands that were not found; the tests went on without them.
+# Adds the commands that were not found to the failures.
 count_unknown_commands() {
     [ -e "$lib_folder/not-found" ] || return 0
     cat "$lib_folder/not-found"

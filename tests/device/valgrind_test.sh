@@ -9,7 +9,7 @@ watched() { # watched VALGRIND-OPTION... COMMAND...
     on_device valgrind -q --vgdb=no --error-exitcode=9 --leak-check=full "$@"
 }
 
-# What valgrind has to say stands on standard error; velkctl itself says nothing there.
+# Valgrind prints its findings to standard error. velkctl itself prints nothing there.
 is_clean() { # is_clean STATUS ARGUMENT...
     it "makes no mistake in: velkctl ${*:2}"
     watched "$VELK_BUILD/velkctl" "${@:2}"
@@ -22,9 +22,9 @@ is_clean 0 get eth1.ssid
 is_clean 0 set eth0.address 10.1.2.3
 is_clean 0 set eth1.ssid next
 is_clean 0 show
-is_clean 1 doctor # finds what the sample device lacks
+is_clean 1 doctor # the sample device lacks some tools
 
-it 'would tell of a mistake'
+it 'would report a mistake'
 watched --errors-for-leak-kinds=all bash -c true # keeps memory until its end
 status_is 9
 

@@ -1,4 +1,4 @@
-// edit_case.h - one case of the edits ring, as its folder tells it.
+// edit_case.h - reads one case of the edits ring. README.md documents the format.
 #ifndef TESTS_EDITS_EDIT_CASE_H_
 #define TESTS_EDITS_EDIT_CASE_H_
 
@@ -11,22 +11,25 @@
 
 namespace edits {
 
-// A file of the device around one request.
+// A file of the device around one request. A text that is not set means that the file is missing.
 struct CaseFile {
-    std::string path;                   // on the device
-    std::optional<std::string> before;  // nothing: it does not exist
+    std::string path;  // on the device
+    std::optional<std::string> before;
     std::optional<std::string> after;
-    std::optional<std::string> copy;  // what is left of the edit copy
+    std::optional<std::string> copy;  // the edit copy after the request
 };
 
 struct EditCase {
     _velk_request request{};
     int result = 0;
-    std::vector<CaseFile> files;  // every file a set may edit, given or not
+    std::vector<CaseFile> files;  // every file that a set may edit, in the case or not
 };
 
-// Throws std::runtime_error for a folder that is not a well-formed case.
-EditCase ReadEditCase(const std::filesystem::path& folder);
+// Throws std::runtime_error with "NAME:LINE: " and the mistake if the text is not a well-formed
+// case.
+EditCase ParseEditCase(const std::string& name, const std::string& text);
+
+EditCase ReadEditCase(const std::filesystem::path& file);
 
 }  // namespace edits
 

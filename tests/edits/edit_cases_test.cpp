@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Another one than a new file would get, so that replacing the file shows.
+// Differs from the mode of a new file, so that a replaced file is noticed.
 constexpr mode_t kMode = 0640;
 
 std::optional<std::string> Contents(const std::string& path) {
@@ -26,10 +26,10 @@ std::optional<std::string> Contents(const std::string& path) {
 
 class EditTest : public testkit::DeviceTest {
   public:
-    explicit EditTest(fs::path folder) : folder_(std::move(folder)) {}
+    explicit EditTest(fs::path file) : file_(std::move(file)) {}
 
     void TestBody() override {
-        const EditCase edit = ReadEditCase(folder_);
+        const EditCase edit = ReadEditCase(file_);
         std::map<std::string, testkit::FileIdentity> identities;
         for (const CaseFile& file : edit.files) {
             if (file.before) {
@@ -50,27 +50,28 @@ class EditTest : public testkit::DeviceTest {
     }
 
   private:
-    const fs::path folder_;
+    const fs::path file_;
     testkit::FakeShell shell_;
 };
 
-std::vector<fs::path> FoldersIn(const fs::path& folder) {
+std::vector<fs::path> SortedEntries(const fs::path& folder) {
     std::vector<fs::path> found;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        if (entry.is_directory()) {
-            found.push_back(entry.path());
-        }
+        found.push_back(entry.path());
     }
     std::ranges::sort(found);
     return found;
 }
 
 bool RegisterCases() {
-    for (const fs::path& command : FoldersIn(VELK_SOURCE_DIR "/tests/edits")) {
-        for (const fs::path& folder : FoldersIn(command)) {
-            ::testing::RegisterTest(command.filename().c_str(), folder.filename().c_str(), nullptr,
-                                    nullptr, __FILE__, __LINE__,
-                                    [folder] { return new EditTest(folder); });
+    for (const fs::path& command : SortedEntries(VELK_SOURCE_DIR "/tests/edits")) {
+        if (!fs::is_directory(command)) {
+            continue;
+        }
+        for (const fs::path& file : SortedEntries(command)) {
+            ::testing::RegisterTest(command.filename().c_str(), file.filename().c_str(), nullptr,
+                                    nullptr, file.c_str(), 1,
+                                    [file] { return new EditTest(file); });
         }
     }
     return true;

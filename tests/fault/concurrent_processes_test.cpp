@@ -1,4 +1,4 @@
-// Many processes at once: one holder of the lock at a time, and nothing anybody was told is lost.
+// Many processes at once: the lock has one holder at a time, and no confirmed change is lost.
 #include <atomic>
 #include <string>
 #include <vector>

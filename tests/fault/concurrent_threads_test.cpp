@@ -10,7 +10,7 @@
 namespace fault {
 namespace {
 
-constexpr int kThreads = 4;  // that set; as many get
+constexpr int kThreads = 4;  // as many set as get
 
 void Store(Board& board, int thread) {
     for (int round = 0; round < kRounds; ++round) {

@@ -7,20 +7,23 @@
 #include "fault/kit/answer_check.h"
 #include "fault/kit/expectation.h"
 #include "fault/kit/outcome_table.h"
-#include "fault/kit/paths.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/trial.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
-// The notices are switched by two edits of one file. When the copying of the first one cannot be
-// run, the second goes on from the file as it was.
+using testkit::kExitHooks;
+using testkit::kStartNotice;
+
+// The notices are switched by two edits of one file. If the copying of the first one cannot be run,
+// the second edits the unchanged file.
 std::optional<std::string> HooksWithTheSecondNoticeAlone(const Scene& scene,
                                                          const _velk_request& request) {
     const Device device(scene);
-    EXPECT_EQ(SetDhclient(request, "/sbin/printdhcpstart.pl"), 0);
+    EXPECT_EQ(SetDhclient(request, kStartNotice), 0);
     return ReadTargets().at(kExitHooks);
 }
 
@@ -31,7 +34,7 @@ void CheckNothingIsHeld(const Fault& fault, const Reference& reference, const Ou
     EXPECT_THAT(outcome.descriptors_left, testing::IsEmpty());
     for (const std::string& path : outcome.leftovers) {
         const bool is_usual = std::ranges::count(reference.outcome.leftovers, path) != 0;
-        EXPECT_TRUE(is_usual || MayBeLeft(path, fault, reference)) << path << " was left behind";
+        EXPECT_TRUE(is_usual || MayBeLeft(path, fault, reference)) << path << " remains";
         const bool is_unread =
             fault.kind.call == testkit::Call::kOpen || fault.kind.call == testkit::Call::kRead;
         if (IsEditCopy(path) && is_unread) {
@@ -40,7 +43,7 @@ void CheckNothingIsHeld(const Fault& fault, const Reference& reference, const Ou
     }
 }
 
-// As the same call goes on a device with the same files that never saw a fault.
+// The next call must go as on a device with the same files and no earlier fault.
 void CheckTheNextCallWorks(const Outcome& expected, const Outcome& next) {
     EXPECT_EQ(next.result, expected.result);
     EXPECT_EQ(testkit::Data(next.response), testkit::Data(expected.response));
@@ -99,12 +102,12 @@ class EveryCallTest : public testkit::DeviceTest, public testing::WithParamInter
     std::map<std::pair<Files, std::string>, Outcome> next_outcomes_;
 };
 
-// Forcing the link speed changes the port and nothing that is kept; restarts and gets neither.
+// A set of the link speed changes the port and no file. Restarts and gets change neither.
 bool MustChangeSomething(const _velk_request& request) {
     return request.command_type == VELK_SET && request.command_id != VELK_CMD_LINK_SPEED;
 }
 
-TEST_P(EveryCallTest, AnyFailingCallLeavesAStatedResultAndNothingElse) {
+TEST_P(EveryCallTest, AnyFailingCallGivesADocumentedResultAndNothingElse) {
     std::set<std::pair<std::string, int>> courses;
     bool changes_something = false;
     for (const Request& request : GetParam()) {

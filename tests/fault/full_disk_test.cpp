@@ -4,18 +4,21 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+
 constexpr char kOldAddress[] = "\taddress 10.0.0.5\n";
 constexpr char kNewAddress[] = "\taddress 10.100.100.100\n";
 
-// With this address line at its end.
+// Returns the interfaces file with this address line at its end.
 std::string InterfacesOf(size_t size, const std::string& address) {
     const std::string begin = "#";
     const std::string end = "\niface eth0 inet static\n" + address;
@@ -24,8 +27,8 @@ std::string InterfacesOf(size_t size, const std::string& address) {
 
 class FullDiskTest : public testkit::DeviceTest {};
 
-// The file fills its disk; edited, it is longer.
-TEST_F(FullDiskTest, ACopyThatDoesNotFitIsCutToldAndKept) {
+// The file fills its disk, and the edited text is longer.
+TEST_F(FullDiskTest, ACopyThatDoesNotFitIsCutReportedAndKept) {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const std::string edited = InterfacesOf(page + 1, kNewAddress);
     const std::string before =
@@ -33,13 +36,13 @@ TEST_F(FullDiskTest, ACopyThatDoesNotFitIsCutToldAndKept) {
     Device device({});
     device.UseRealTools();
     const testkit::Emptied folder("/etc/network", ("size=" + std::to_string(page)).c_str());
-    testkit::WriteFile(kInterfaces, before);
-    ASSERT_EQ(testkit::ReadFile(kInterfaces), before);
+    testkit::WriteFile(kInterfacesFile, before);
+    ASSERT_EQ(testkit::ReadFile(kInterfacesFile), before);
 
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.100.100.100"), -1);
 
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), edited.substr(0, page));
-    EXPECT_EQ(testkit::ReadFile("/var/tmp/interfaces"), edited) << "the only whole text";
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), edited.substr(0, page));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesCopy), edited) << "the only whole text";
     EXPECT_THAT(testkit::LibcRecorder::Get().Logs(),
                 testing::ElementsAre("FileEdit mend errno=28:No space left on device"));
 }

@@ -1,27 +1,30 @@
-// A get at the moment at which another's set has emptied the file and not yet filled it.
+// A get at the moment at which the set of another program has emptied the file and not yet filled
+// it.
 #include <gmock/gmock.h>
 
 #include "fault/kit/concurrency.h"
-#include "fault/kit/paths.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
 using testkit::Event;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
 
-// Both ask within the shell line that copies; a get asks for no lock.
+// Both gets run within the shell line that copies; a get takes no lock.
 class GetBesideSetTest : public ConcurrencyTest {
   protected:
-    // What the get answers while the file that the set changes is empty.
+    // Returns the result of the get while the file that the set changes is empty.
     int GetWhileCopied(const _velk_request& set, const char* path, const _velk_request& get) {
         int result = 1;
         libc().ScriptAlways(Call::kSystem, testkit::Return(0));
         libc().OnCall(Call::kSystem, [&](const Event& event) {
             if (event.text.starts_with("cat ")) {
                 testkit::WriteFile(path, "");
-                told_ = testkit::DirtyResponse();
-                result = execute_velk_command(&get, &told_);
+                answer_ = testkit::DirtyResponse();
+                result = execute_velk_command(&get, &answer_);
             }
         });
         EXPECT_EQ(Execute(set), 0);
@@ -29,25 +32,26 @@ class GetBesideSetTest : public ConcurrencyTest {
         return result;
     }
 
-    _velk_request told_{};
+    _velk_request answer_{};
 };
 
-TEST_F(GetBesideSetTest, AGetFindsNoTextOfASettingThatMayBeMissing) {
-    testkit::WriteFile(kSettings, SettingsText({"Robin", "Cellar"}));
-    EXPECT_EQ(GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_LOCATION, "", "Attic"),
-                             kSettings, testkit::MakeRequest(VELK_GET, VELK_CMD_ADMINISTRATOR, "")),
-              0);
-    EXPECT_STREQ(told_.data, "");
+TEST_F(GetBesideSetTest, AGetOfAnOptionalSettingReturnsNoText) {
+    testkit::WriteFile(kIdentityFile, SettingsText({"Robin", "Cellar"}));
+    EXPECT_EQ(
+        GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_LOCATION, "", "Attic"),
+                       kIdentityFile, testkit::MakeRequest(VELK_GET, VELK_CMD_ADMINISTRATOR, "")),
+        0);
+    EXPECT_STREQ(answer_.data, "");
 }
 
-TEST_F(GetBesideSetTest, AGetFailsWhereTheValueMustBeThere) {
+TEST_F(GetBesideSetTest, AGetFailsIfItsValueMustExist) {
     for (const uint32_t id : {VELK_CMD_IP_METHOD, VELK_CMD_NETMASK}) {
-        testkit::WriteFile(kInterfaces,
+        testkit::WriteFile(kInterfacesFile,
                            "auto eth0\niface eth0 inet static\n\taddress 192.168.0.10\n"
                            "\tnetmask 255.255.255.0\n");
         EXPECT_EQ(
             GetWhileCopied(testkit::MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"),
-                           kInterfaces, testkit::MakeRequest(VELK_GET, id, "eth0")),
+                           kInterfacesFile, testkit::MakeRequest(VELK_GET, id, "eth0")),
             -1)
             << id;
     }

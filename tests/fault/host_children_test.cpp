@@ -1,4 +1,4 @@
-// Hosts that look after their children in their own way, or cannot have any.
+// Hosts that handle their children in their own way, or cannot have any.
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -12,10 +12,13 @@
 #include <sys/syscall.h>
 
 #include "fault/kit/host.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
 using testkit::LibcRecorder;
 
 TEST_F(HostTest, AHostThatIgnoresItsChildrenCanSet) {
@@ -23,10 +26,10 @@ TEST_F(HostTest, AHostThatIgnoresItsChildrenCanSet) {
         (void)signal(SIGCHLD, SIG_IGN);
         return AddressCanBeSet("10.1.2.3");
     }));
-    EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), testing::HasSubstr("10.1.2.3"));
+    EXPECT_THAT(testkit::ReadFile(kInterfacesFile), testing::HasSubstr("10.1.2.3"));
 }
 
-// A shell whose end nobody keeps looks like one that was not run.
+// If the host ignores its children, the exit status of a shell is lost: it seems not to have run.
 TEST_F(HostTest, AHostThatIgnoresItsChildrenCannotUseTools) {
     EXPECT_TRUE(InAHost([] {
         (void)signal(SIGCHLD, SIG_IGN);
@@ -46,7 +49,7 @@ const std::vector<long> kStartsOfProcesses{
 #endif
 };
 
-// From now on these system calls of the process fail.
+// Makes these system calls of the process fail from now on.
 bool Refuse(const std::vector<long>& calls, unsigned error) {
     std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
     for (const long call : calls) {
@@ -59,27 +62,27 @@ bool Refuse(const std::vector<long>& calls, unsigned error) {
            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-// system(3) tells a process that cannot be started as a command that failed, and that is not
-// noticed: the edit stays unmade, and its copy stays for the next edit to replace.
-TEST_F(HostTest, AHostWithoutRoomForAProcessChangesNothingAndIsNotTold) {
+// system(3) reports a process that cannot be started like a command that failed, and the library
+// does not notice. The edit is not made. Its copy remains until the next edit replaces it.
+TEST_F(HostTest, ASetWithoutAFreeProcessChangesNothingAndReturnsSuccess) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};
         return Refuse(kStartsOfProcesses, EAGAIN) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::ElementsAre("/var/tmp/interfaces"));
+    EXPECT_THAT(Leftovers(), testing::ElementsAre(kInterfacesCopy));
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 
-TEST_F(HostTest, AHostWithoutAShellChangesNothingAndIsNotTold) {
+TEST_F(HostTest, ASetWithoutAShellChangesNothingAndReturnsSuccess) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};
         return Refuse({SYS_execve}, ENOENT) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::ElementsAre("/var/tmp/interfaces"));
+    EXPECT_THAT(Leftovers(), testing::ElementsAre(kInterfacesCopy));
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 

@@ -7,10 +7,14 @@
 #include <unistd.h>
 
 #include "fault/kit/host.h"
-#include "fault/kit/paths.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kLockFile;
+using testkit::kReplySocket;
+using testkit::kSemaphoreFile;
 
 TEST_F(HostTest, AHostWithoutStandardDescriptorsCanSet) {
     EXPECT_TRUE(InAHost([] {
@@ -30,7 +34,7 @@ TEST_F(HostTest, AHostWithOneStandardDescriptorMissingCanSet) {
     }
 }
 
-// Here 0 is a number like any other.
+// For this host 0 is an ordinary descriptor.
 TEST_F(HostTest, AHostWithoutStandardDescriptorsCanAskTheDaemon) {
     EXPECT_TRUE(InAHost([] {
         for (const int fd : {0, 1, 2}) {
@@ -49,10 +53,10 @@ TEST_F(HostTest, AHostWithoutStandardDescriptorsCanAskTheDaemon) {
     }
 }
 
-// Descriptor 0 does not count as a lock. When the lock's file has to be made first, nothing is left
-// to try; the file is there then.
-TEST_F(HostTest, AHostWithoutStandardInputFailsOnceWhereNobodyEverCalled) {
-    unlink(kLock);
+// The library does not take descriptor 0 as a lock. If it has to make the lock's file first, it
+// does not try again; the file exists then.
+TEST_F(HostTest, AHostWithoutStandardInputFailsOnceIfTheLockFileIsMissing) {
+    unlink(kLockFile);
     EXPECT_TRUE(InAHost([] {
         close(0);
         _velk_request own{};
@@ -60,7 +64,7 @@ TEST_F(HostTest, AHostWithoutStandardInputFailsOnceWhereNobodyEverCalled) {
     }));
 }
 
-// False when the system does not allow that many.
+// Returns false if the system does not allow that many.
 bool LimitDescriptors(int count) {
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) == -1) {
@@ -70,7 +74,7 @@ bool LimitDescriptors(int count) {
     return setrlimit(RLIMIT_NOFILE, &limit) == 0;
 }
 
-// Fills the numbers below `count`; false when the system does not allow that many.
+// Opens all descriptors below `count`. Returns false if the system does not allow that many.
 bool OpenDescriptorsBelow(int count) {
     if (!LimitDescriptors(count + 100)) {
         return false;
@@ -89,17 +93,17 @@ TEST_F(HostTest, AHostWithManyDescriptorsCanSet) {
     EXPECT_TRUE(InAHost([] { return OpenDescriptorsBelow(2000) && AddressCanBeSet("10.1.2.3"); }));
 }
 
-// select(2) knows no descriptor beyond 1023; nothing is written behind its set.
+// select(2) takes no descriptor above 1023; nothing is written after the end of its set.
 TEST_F(HostTest, AHostWithManyDescriptorsCannotAskTheDaemon) {
     EXPECT_TRUE(InAHost([] {
         _velk_request own{};
         return QuerySsid(own) == 0 && OpenDescriptorsBelow(2000) && QuerySsid(own) == -1;
     }));
     EXPECT_FALSE(testkit::Exists(kReplySocket));
-    EXPECT_FALSE(testkit::Exists(kSemaphore));
+    EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
 }
 
-TEST_F(HostTest, AHostWithoutAnyDescriptorLeftIsToldSo) {
+TEST_F(HostTest, ARequestWithoutAFreeDescriptorFails) {
     const Files before = ReadTargets();
     EXPECT_TRUE(InAHost([] {
         const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);

@@ -31,7 +31,7 @@ TEST_F(HostTest, AHostThatForksCanCallOnBothSides) {
     EXPECT_EQ(QuerySsid(own), 0);
 }
 
-// A way for one to wait for the word of another, in whatever process.
+// A signal from one thread or process to another, which waits for it.
 class Word {
   public:
     Word() { EXPECT_EQ(pipe(ends_), 0); }
@@ -56,7 +56,7 @@ class Word {
     int ends_[2] = {-1, -1};
 };
 
-// Until the lock is free, ten seconds at most.
+// Waits until the lock is free, ten seconds at most.
 int SetPatiently(const char* address) {
     int result = LIB_VELK_LOCKED;
     for (int tries = 0; tries < 1000 && result == LIB_VELK_LOCKED; ++tries) {
@@ -67,7 +67,7 @@ int SetPatiently(const char* address) {
     return result;
 }
 
-// The child has the descriptor of the lock, too, for good; the lock ends with the set nevertheless.
+// The child keeps the descriptor of the lock too. The lock must end with the set nevertheless.
 TEST_F(HostTest, AHostThatForksWhileAThreadHoldsTheLockCanCallInTheChild) {
     const Word is_held;
     const Word may_end;

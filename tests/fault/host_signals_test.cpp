@@ -6,13 +6,15 @@
 #include <sys/time.h>
 
 #include "fault/kit/host.h"
-#include "fault/kit/paths.h"
 #include "support/fake_daemon.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testing::Contains;
+using testkit::kReplySocket;
+using testkit::kSemaphoreFile;
 using testkit::LibcRecorder;
 
 std::atomic<int> alarms = 0;
@@ -26,7 +28,7 @@ void CountAlarms(int flags) {
     sigaction(SIGALRM, &action, nullptr);
 }
 
-// SIGALRM comes all the time while it lives.
+// Sends SIGALRM to the process repeatedly during its lifetime.
 class AlarmStorm {
   public:
     explicit AlarmStorm(int flags) {
@@ -55,8 +57,8 @@ TEST_F(HostTest, AHostWithSignalsArrivingCanSet) {
     EXPECT_THAT(libc().Logs(), testing::Not(Contains(testing::HasSubstr("Interrupted"))));
 }
 
-// The wait for the daemon is the one thing that a signal ends. Nothing is changed or left behind,
-// and the same query can be made again.
+// A signal ends only the wait for the daemon. Nothing is changed, nothing remains, and the same
+// query can be made again.
 TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
     LibcRecorder::Get().Reset();
     testkit::EmptyDevice();
@@ -76,7 +78,7 @@ TEST(SignalTest, AQueryThatASignalInterruptsIsAFailure) {
         EXPECT_THAT(LibcRecorder::Get().Logs(),
                     Contains("RecvWlanResponseMessage select errno=4:Interrupted system call"));
         EXPECT_FALSE(testkit::Exists(kReplySocket));
-        EXPECT_FALSE(testkit::Exists(kSemaphore));
+        EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
     }
     daemon.Stop();
     LibcRecorder::Get().Reset();

@@ -10,12 +10,14 @@
 
 #include "fault/kit/concurrency.h"
 #include "fault/kit/scene.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
 using testkit::Event;
+using testkit::kInterfacesCopy;
 using testkit::LibcRecorder;
 
 // Runs a set in a child that is killed while its first shell line would run.
@@ -43,7 +45,7 @@ const _velk_request kSetAddress =
 const _velk_request kSetLinkSpeed =
     testkit::MakeRequest(VELK_SET, VELK_CMD_LINK_SPEED, "eth0", "\x01");
 
-// Leaves a process behind that a shell line has started, and notes its number.
+// Leaves a process running that a shell line has started, and stores its number.
 void LeaveToolRunning() {
     LibcRecorder::Get().Reset();
     (void)!system("sleep 600 >/dev/null 2>&1 & echo $! >/run/tool");
@@ -58,11 +60,11 @@ void EndTool() {
 TEST_F(ConcurrencyTest, AKilledHolderFreesTheLock) {
     Device device({});
     KillWhileHoldingTheLock(kSetAddress, [] {});
-    EXPECT_TRUE(testkit::Exists("/var/tmp/interfaces")) << "its edit copy stays";
+    EXPECT_TRUE(testkit::Exists(kInterfacesCopy)) << "its edit copy stays";
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), 0);
     EXPECT_STREQ(response.data, "10.1.2.3");
-    EXPECT_FALSE(testkit::Exists("/var/tmp/interfaces"));
+    EXPECT_FALSE(testkit::Exists(kInterfacesCopy));
 }
 
 TEST_F(ConcurrencyTest, AKilledHolderFreesTheLockThoughAToolOfItsRunsOn) {

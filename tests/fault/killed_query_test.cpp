@@ -1,5 +1,5 @@
-// What a wireless query that is killed leaves to the next one: its question at the daemon, its
-// semaphore and its socket. The daemon lives on and goes its own way.
+// A killed wireless query leaves its question at the daemon, its semaphore and its socket to the
+// next query. The daemon keeps running.
 #include <csignal>
 #include <cstring>
 #include <optional>
@@ -9,9 +9,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
@@ -19,6 +19,8 @@ namespace {
 using testkit::Call;
 using testkit::Event;
 using testkit::FakeDaemon;
+using testkit::kReplySocket;
+using testkit::kSemaphoreFile;
 using testkit::LibcRecorder;
 
 constexpr char kProduct[] = "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04";
@@ -67,10 +69,10 @@ class KilledQueryTest : public testkit::DeviceTest {
     }
     static void KillGetAt(Call call, uint32_t id) { (void)InterruptGetAt(call, id, SIGKILL); }
 
-    // Until the daemon, a thread of this process, has the semaphore in its hands.
+    // Waits until the daemon, a thread of this process, has opened the semaphore.
     static void AwaitDaemonAtTheSemaphore() {
         for (int tries = 0; tries < 1000; ++tries) {
-            if (testkit::ReadFile("/proc/self/maps").find(kSemaphore) != std::string::npos) {
+            if (testkit::ReadFile("/proc/self/maps").find(kSemaphoreFile) != std::string::npos) {
                 return;
             }
             usleep(10 * 1000);
@@ -80,7 +82,7 @@ class KilledQueryTest : public testkit::DeviceTest {
 
     void ExpectNothingLeft() {
         EXPECT_FALSE(testkit::Exists(kReplySocket));
-        EXPECT_FALSE(testkit::Exists(kSemaphore));
+        EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
     }
 
     std::optional<testkit::FakeShell> shell_;
@@ -100,12 +102,12 @@ TEST_F(KilledQueryTest, AKilledQueryLeavesNothingThatBlocksTheSameQuestion) {
     }
 }
 
-// The daemon still waits for the word that the killed query listens, and takes the next one's for
-// it. No reply tells which question it answers.
+// The daemon still waits until the killed query listens, and takes the next query for it. No reply
+// names the question that it answers.
 TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
-    EXPECT_EQ(response.data[0], 0) << "what stands in the state where the channel would";
+    EXPECT_EQ(response.data[0], 0) << "the byte of the state at the offset of the channel";
     ExpectNothingLeft();
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
     EXPECT_EQ(response.data[0], 6);
@@ -114,7 +116,7 @@ TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
 TEST_F(KilledQueryTest, AKilledQueryLeavesNoAnswerWhereItsSemaphoreIsRemoved) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     AwaitDaemonAtTheSemaphore();
-    EXPECT_EQ(unlink(kSemaphore), 0);
+    EXPECT_EQ(unlink(kSemaphoreFile), 0);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
     EXPECT_EQ(response.data[0], 6);
     ExpectNothingLeft();
@@ -131,7 +133,7 @@ TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToASetOfTheOtherRecord) {
     EXPECT_EQ(memcmp(&stored, kProduct, strlen(kProduct)), 0) << "the rest is the state";
 }
 
-// Two at once, of which one is slow, come to the same: gets take no lock.
+// Two gets at once, one of them slow, have the same effect: gets take no lock.
 TEST_F(KilledQueryTest, AnOvertakenQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
     const pid_t slow = InterruptGetAt(Call::kBind, VELK_CMD_RATE, SIGSTOP);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);
@@ -140,8 +142,8 @@ TEST_F(KilledQueryTest, AnOvertakenQueryMayLeaveItsAnswerToAGetOfTheOtherRecord)
     EXPECT_EQ(waitpid(slow, nullptr, 0), slow);
 }
 
-// A post that nobody waited for, as when the daemon was restarted meanwhile: the daemon would
-// answer the next query before it listens.
+// A post without a waiting daemon, for example after its restart, would make the daemon answer the
+// next query before that listens.
 TEST_F(KilledQueryTest, APostOfAKilledQueryIsNotTakenForTheNextOnes) {
     daemon_->StaySilent();
     KillGetAt(Call::kSelect, VELK_CMD_SSID);

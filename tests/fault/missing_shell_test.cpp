@@ -1,18 +1,19 @@
-// What tools printed before is taken for new where no shell can be started: system(3) tells of that
-// as of a command that failed, which is not noticed. See docs/reliability.md.
+// If no shell can be started, an earlier output of tools is taken for new: system(3) reports that
+// like a command that failed, and the library does not notice. See docs/reliability.md.
 #include <optional>
 
 #include <gmock/gmock.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testing::ElementsAre;
 using testkit::Call;
+using testkit::kResultFile;
 
 class MissingShellTest : public testkit::DeviceTest {
   protected:
@@ -49,7 +50,7 @@ TEST_F(MissingShellTest, TheLiveAddressIsTheOldOne) {
     EXPECT_STREQ(response.data, "255.255.0.0");
 }
 
-// The cable is out, and was in.
+// The cable is out now and was in earlier.
 TEST_F(MissingShellTest, TheLinkIsTheOldOne) {
     StartWithoutAShell(kWithOldResult);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_RATE, "eth1"), LIB_VELK_WIRED_LINKED);
@@ -57,7 +58,7 @@ TEST_F(MissingShellTest, TheLinkIsTheOldOne) {
     EXPECT_STREQ(response.data, "");
 }
 
-TEST_F(MissingShellTest, ARestartTakesTheWayOfTheOldLinkAndIsNotTold) {
+TEST_F(MissingShellTest, ARestartUsesTheOldLinkAndGetsSuccess) {
     StartWithoutAShell(kWithOldResult);
     EXPECT_EQ(Execute(VELK_RESTART, VELK_CMD_RESTART, "eth1"), 0);
     EXPECT_THAT(libc().Commands(),
@@ -65,7 +66,7 @@ TEST_F(MissingShellTest, ARestartTakesTheWayOfTheOldLinkAndIsNotTold) {
                             "rm /var/tmp/get_result", "sudo ifconfig eth1 up"));
 }
 
-TEST_F(MissingShellTest, WithoutAnOldResultWhatIsAskedForIsMissing) {
+TEST_F(MissingShellTest, WithoutAnOldResultTheValueIsMissing) {
     StartWithoutAShell({.has_cable = true, .uses_dhcp = true});
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), -1);

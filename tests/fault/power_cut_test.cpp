@@ -1,4 +1,4 @@
-// The power goes at each system call of each set, its tools' included, and comes back.
+// The power fails at each system call of each set and its tools, and comes back.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -6,15 +6,18 @@
 
 #include <gmock/gmock.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/tracer.h"
 #include "fault/kit/trial.h"
 #include "support/device_test.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kInterfacesFile;
+using testkit::kResolverFile;
 
 // The tools that put an edited file in place, and the library itself where it writes in place.
 const std::set<std::string> kCopiers{"sh\n", "cat\n"};
@@ -23,14 +26,14 @@ struct Cuts {
     int all = 0;
     int before = 0;
     int after = 0;
-    int between = 0;  // of two steps, one is done
+    int between = 0;  // one of two steps is done
     int short_file = 0;
     int copy_left = 0;
-    int in_pieces = 0;  // of those short, neither empty nor whole
+    int in_pieces = 0;  // short files that are not empty
     int missed = 0;     // the run was over before its cut
 };
 
-// The set with the real shell and tools, within the followed child.
+// Runs the set with the real shell and tools, within the traced child.
 int ExecuteWithRealTools(Device& device, const _velk_request& request, const std::string& path) {
     device.UseRealTools();
     setenv("PATH", path.c_str(), 1);
@@ -38,13 +41,13 @@ int ExecuteWithRealTools(Device& device, const _velk_request& request, const std
     return execute_velk_command(&request, &response);
 }
 
-// The real tools made what their stand-ins make.
+// The real tools must make the same files as the fake ones.
 void CheckUncut(const Reference& reference, const TracedRun& run, const Files& after) {
     EXPECT_EQ(run.result, reference.outcome.result);
     EXPECT_TRUE(after == reference.outcome.files) << "the real tools make other files";
 }
 
-// What may stand in each file at any moment at which nothing writes to it.
+// The texts that each file may have at a moment at which nothing writes to it.
 class WholeTexts {
   public:
     WholeTexts(const Reference& reference, const Files& after)
@@ -60,7 +63,7 @@ class WholeTexts {
     bool Hold(const std::string& path, const std::optional<std::string>& text) const {
         return states_.at(path).contains(text);
     }
-    // What an edit makes of the file, or the first of two.
+    // True for the text that an edit, or the first of two edits, makes of the file.
     bool HoldAsNew(const std::string& path, const std::string& text) const {
         return Hold(path, text) && (text == after_.at(path) || text != before_.at(path));
     }
@@ -93,15 +96,15 @@ class PowerCut : public testkit::DeviceTest {
             }
         }
         EXPECT_GT(cuts.all, 0);
-        // Few: the number of calls is not always the same, for a tool may end before the shell
-        // begins to wait for it, or after.
+        // The number of calls varies a little: a tool may end before or after the shell begins to
+        // wait for it.
         EXPECT_LE(cuts.missed, 1 + cuts.all / 20);
         printf("| %s | %d | %d | %d | %d | %d | %d |\n", requests.front().name.c_str(), cuts.all,
                cuts.before, cuts.after, cuts.between, cuts.short_file, cuts.copy_left);
         return cuts;
     }
 
-    Files start_;  // texts in the place of the device's own
+    Files start_;  // texts instead of the device's own
 
   private:
     void CutRequest(const _velk_request& request, const Reference& reference, Moments moments,
@@ -145,7 +148,7 @@ class PowerCut : public testkit::DeviceTest {
         } else if (files == after) {
             ++cuts.after;
         } else {
-            ++cuts.between;  // or short, which is counted back
+            ++cuts.between;  // or short: subtracted below
         }
         const std::vector<std::string> left = Leftovers();
         cuts.copy_left += std::ranges::any_of(
@@ -158,7 +161,8 @@ class PowerCut : public testkit::DeviceTest {
             if (texts.Hold(path, text)) {
                 continue;
             }
-            EXPECT_TRUE(texts.BeginWith(path, text)) << path << " holds what it never held";
+            EXPECT_TRUE(texts.BeginWith(path, text))
+                << path << " holds a text that it never contained";
             const bool is_copied = std::ranges::any_of(
                 run.programs, [](const std::string& name) { return kCopiers.contains(name); });
             EXPECT_TRUE(is_copied || path == kResolverFile)
@@ -172,8 +176,8 @@ class PowerCut : public testkit::DeviceTest {
         }
     }
 
-    // The edit copy is whole, and cat(1) finishes with it what the cut has interrupted. The file is
-    // short again afterwards.
+    // Checks that the edit copy is complete, and that cat(1) finishes the interrupted edit with it.
+    // Then cuts the file again.
     static void CheckFinishingByHand(const WholeTexts& texts, const std::string& path,
                                      const std::string& text) {
         const std::string copy = testkit::CopyOf(path);
@@ -183,7 +187,8 @@ class PowerCut : public testkit::DeviceTest {
         testkit::WriteFile(path, text);
     }
 
-    // Nothing of the cut call stands in its way, and it goes as on a device with the same files.
+    // The remains of the cut call must not disturb the next call: it goes as on a device with the
+    // same files.
     void CheckTheNextCall(const _velk_request& request, const Reference& reference,
                           const Files& files, Device& device) {
         device.daemon().ServePending();  // later than this: killed_query_test.cpp
@@ -203,12 +208,12 @@ class PowerCut : public testkit::DeviceTest {
 
 class PowerCutTest : public PowerCut, public testing::WithParamInterface<Group> {};
 
-TEST_P(PowerCutTest, ACutLeavesWholeFilesAndNothingThatBlocks) {
+TEST_P(PowerCutTest, ACutLeavesCompleteFilesAndBlocksNothing) {
     CutAll(GetParam(), Moments::kThatDiffer);
 }
 
-// Also at the moments after which the device looks the same as before. For scripts/test --thorough:
-// it takes long.
+// Cuts also at the moments that change nothing on the device. It takes long, and only scripts/test
+// --thorough runs it.
 TEST_P(PowerCutTest, DISABLED_ACutLeavesTheSameAtEverySystemCall) {
     CutAll(GetParam(), Moments::kAll);
 }
@@ -216,7 +221,7 @@ TEST_P(PowerCutTest, DISABLED_ACutLeavesTheSameAtEverySystemCall) {
 // More than cat(1) copies at once.
 TEST_F(PowerCut, ACutMayLeaveTheFirstPiecesOfALongFile) {
     const std::string remark = "#" + std::string(20 * 1024, '-') + "\n";
-    std::string& text = start_[kInterfaces].emplace();
+    std::string& text = start_[kInterfacesFile].emplace();
     for (int count = 0; count < 20; ++count) {
         text += remark;
     }

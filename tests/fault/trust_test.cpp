@@ -1,4 +1,4 @@
-// What nobody may reach through the library, as docs/security.md claims it.
+// Tests of the claims in docs/security.md: no caller may reach these things through the library.
 #include <cerrno>
 #include <optional>
 #include <set>
@@ -11,13 +11,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
+
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+using testkit::kLockFile;
+using testkit::kSnmpFile;
 
 using testing::Contains;
 using testing::HasSubstr;
@@ -47,7 +52,7 @@ class TrustTest : public testkit::DeviceTest {
 
 const std::string kMarker = "$(touch /tmp/owned)";
 
-// Behind the last byte of the data that means something.
+// Returns the offset after the last byte of the data that has a meaning.
 size_t EndOfData(const _velk_request& request) {
     return std::string_view(request.data, sizeof(request.data)).find_last_not_of('\0') + 1;
 }
@@ -57,7 +62,7 @@ _velk_request WithMarkerAt(size_t place, _velk_request request) {
     return request;
 }
 
-// What a request answers, and the shell lines it runs on a device made for it.
+// The result of a request, and the shell lines that it runs on a device made for it.
 using Course = std::pair<int, std::vector<std::string>>;
 
 class DataBytesTest : public TrustTest {
@@ -75,7 +80,7 @@ class DataBytesTest : public TrustTest {
     }
 };
 
-// As the text itself, behind a text, and behind its NUL. The identity strings are escaped.
+// Tried as the text itself, after a text, and after its NUL. The identity strings are escaped.
 TEST_F(DataBytesTest, DataBytesReachTheShellInIdentityStringsAlone) {
     std::set<std::string> reached;
     for (const Group& group : AllRequests()) {
@@ -91,8 +96,8 @@ TEST_F(DataBytesTest, DataBytesReachTheShellInIdentityStringsAlone) {
     EXPECT_THAT(reached, testing::ElementsAre("set 2", "set 3"));
 }
 
-// So that the requests above were not just refused for what they carry.
-TEST_F(DataBytesTest, BytesBehindTheDataChangeNoShellLine) {
+// Shows that the requests above are not merely refused because of their data.
+TEST_F(DataBytesTest, BytesAfterTheDataChangeNoShellLine) {
     for (const Group& group : AllRequests()) {
         for (const auto& [name, request] : group) {
             SCOPED_TRACE(name);
@@ -119,10 +124,10 @@ TEST_F(TrustTest, NoInterfaceNameOfTheCallersReachesTheShell) {
 
 // ---- identity strings
 
-// Through the real shell and the real sed: each value is one text to both, whatever is in it.
+// Uses the real shell and the real sed: each value, with any bytes, is one text to both.
 class EscapeTest : public TrustTest {
   protected:
-    // What the SNMP daemon's configuration holds after a set of the administrator.
+    // Returns the contact line of the SNMP daemon's configuration after a set of the administrator.
     std::string ContactAfter(const std::string& value) {
         device_.emplace(Scene{});
         device_->UseRealTools();
@@ -136,14 +141,14 @@ class EscapeTest : public TrustTest {
                 sed_status_ = system((path + command).c_str());
             }
         }
-        const std::string text = testkit::ReadFile("/usr/local/share/etc/snmp/snmpd.conf");
+        const std::string text = testkit::ReadFile(kSnmpFile);
         const size_t at = text.find("syscontact ");
         const size_t end = text.find("\nsyslocation");
         device_.reset();
         return at == std::string::npos ? text : text.substr(at, end - at);
     }
 
-    int sed_status_ = -1;  // as system(3) tells it; -1: sed was not run
+    int sed_status_ = -1;  // as system(3) returns it; -1 if sed was not run
 };
 
 TEST_F(EscapeTest, NoValueLeavesTheQuotes) {
@@ -156,7 +161,7 @@ TEST_F(EscapeTest, NoValueLeavesTheQuotes) {
     }
 }
 
-TEST_F(EscapeTest, TheShellsOwnCharactersArriveAsTheyAre) {
+TEST_F(EscapeTest, TheShellsOwnCharactersArriveUnchanged) {
     for (const char* value :
          {"O'Neil & Co/IT", "a\"b", "a$HOME`x`", "#!*?[]{}()<>|;~", "back\\slash"}) {
         EXPECT_EQ(ContactAfter(value), std::string("syscontact ") + value);
@@ -168,7 +173,7 @@ TEST_F(EscapeTest, EveryByteArrives) {
     EXPECT_EQ(sed_status_, 0);
 }
 
-// sed(1) finds its command unfinished and runs none of it.
+// sed(1) rejects the unfinished command and changes nothing.
 TEST_F(EscapeTest, ANewlineLeavesTheDaemonsFileAsItWas) {
     for (const char* value : {"a\nb", "\\\n/w /tmp/owned\n", "\n!touch /tmp/owned\n", "x/\nq"}) {
         EXPECT_EQ(ContactAfter(value), "syscontact Robin") << value;
@@ -229,7 +234,7 @@ TEST_F(TrustTest, ALinkInTheLocksPlaceIsNotFollowed) {
     device_.emplace(Scene{});
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
     ASSERT_EQ(chmod("/var/libvelk/victim", 0600), 0);
-    ASSERT_EQ(symlink("/var/libvelk/victim", kLock), 0);
+    ASSERT_EQ(symlink("/var/libvelk/victim", kLockFile), 0);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
     struct stat status {};
     ASSERT_EQ(stat("/var/libvelk/victim", &status), 0);
@@ -240,19 +245,19 @@ TEST_F(TrustTest, ALinkInTheLocksPlaceIsNotFollowed) {
 TEST_F(TrustTest, ALinkInAnEditCopysPlaceIsReplaced) {
     device_.emplace(Scene{});
     testkit::WriteFile("/var/libvelk/victim", "keep me\n");
-    ASSERT_EQ(symlink("/var/libvelk/victim", "/var/tmp/interfaces"), 0);
+    ASSERT_EQ(symlink("/var/libvelk/victim", kInterfacesCopy), 0);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), 0);
     EXPECT_EQ(testkit::ReadFile("/var/libvelk/victim"), "keep me\n");
-    EXPECT_THAT(testkit::ReadFile("/etc/network/interfaces"), HasSubstr("address 10.1.2.3\n"));
+    EXPECT_THAT(testkit::ReadFile(kInterfacesFile), HasSubstr("address 10.1.2.3\n"));
 }
 
-TEST_F(TrustTest, AFolderInAnEditCopysPlaceIsToldAndNothingChanges) {
+TEST_F(TrustTest, AFolderInAnEditCopysPlaceFailsTheSetAndNothingChanges) {
     device_.emplace(Scene{});
     const Files before = ReadTargets();
-    ASSERT_EQ(mkdir("/var/tmp/interfaces", 0755), 0);
+    ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.1.2.3"), -1);
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_EQ(rmdir("/var/tmp/interfaces"), 0) << "it is as it was, too";
+    EXPECT_EQ(rmdir(kInterfacesCopy), 0) << "it is as it was, too";
 }
 
 }  // namespace

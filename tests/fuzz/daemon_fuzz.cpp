@@ -1,5 +1,5 @@
-// daemon_fuzz.cpp - every record the wireless daemon may send, over the real sockets: gets give
-// what stands in a field and nothing beside it, sets send back what they do not change.
+// daemon_fuzz.cpp - every record that the wireless daemon may send, over the real sockets: a get
+// returns its field and nothing more, a set sends the other fields back unchanged.
 //
 // An input is the row's letter, "g" or "s", the datagram's length, its bytes, then the value of a
 // set.
@@ -16,12 +16,13 @@
 #include "fuzz/kit/daemon_record.h"
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
 
-constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+using testkit::kReplySocket;
+using testkit::kRequestSocket;
 
 sockaddr_un AddressOf(const char* path) {
     sockaddr_un address{};
@@ -38,7 +39,7 @@ class Daemon {
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
 
-    // What the library has sent since the last call.
+    // Returns the datagrams that the library has sent since the last call.
     std::vector<std::string> Received();
 
     void SetReply(const std::string& reply) { reply_ = reply; }
@@ -52,9 +53,9 @@ class Daemon {
 
 Daemon::Daemon(std::string reply) : reply_(std::move(reply)) {
     const testkit::Unrecorded unrecorded;
-    unlink(kRequestPath);
+    unlink(kRequestSocket);
     socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    const sockaddr_un address = AddressOf(kRequestPath);
+    const sockaddr_un address = AddressOf(kRequestSocket);
     Check(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0,
           "the daemon has its socket");
     testkit::LibcRecorder::Get().OnCall(testkit::Call::kSelect, [this](const auto&) { Send(); });
@@ -67,7 +68,7 @@ Daemon::~Daemon() {
 
 void Daemon::Send() {
     const testkit::Unrecorded unrecorded;
-    const sockaddr_un address = AddressOf(kReplyPath);
+    const sockaddr_un address = AddressOf(kReplySocket);
     (void)sendto(socket_, reply_.data(), reply_.size(), 0,
                  reinterpret_cast<const sockaddr*>(&address), sizeof(address));
 }
@@ -88,7 +89,8 @@ int TypeOf(const std::string& message) {
     return type;
 }
 
-// What the library makes of a reply: a short one is filled up, a long one cut.
+// Returns the body that the library takes from a reply: it fills up a short one and cuts a long
+// one.
 std::string BodyOf(std::string reply) {
     reply.resize(kMessage);
     return reply.substr(kHeader);
@@ -98,9 +100,9 @@ bool IsFilledUp(const std::string& data, const std::string& text) {
     return data == text + std::string(data.size() - text.size(), '\0');
 }
 
-// No key or pass phrase is ever logged, nor run. One that is a single character again and again, as
-// the mutator makes them, stands in no line by chance.
-void CheckSecretStaysSecret(const Row& row, const std::string& text) {
+// No key or pass phrase is ever logged, nor run. The mutator makes secrets of one repeated
+// character, which no line has by chance.
+void CheckSecretStaysSecret(const RecordRow& row, const std::string& text) {
     constexpr size_t kTellingLength = 5;
     const bool is_secret = row.field == Field::kText && row.id != VELK_CMD_SSID;
     if (!is_secret || text.size() < kTellingLength ||
@@ -112,31 +114,31 @@ void CheckSecretStaysSecret(const Row& row, const std::string& text) {
     }
 }
 
-void CheckGet(Turn& turn, const Row& row, const std::string& body) {
+void CheckGet(Turn& turn, const RecordRow& row, const std::string& body) {
     const Answer expected = AnswerFrom(row, body);
     const int result = turn.Execute(VELK_GET, row.id, "eth1");
     Check(result == (expected.succeeds ? LIB_VELK_SUCCESS : LIB_VELK_FAILURE),
           "a get succeeds as the record's field allows");
     Check(IsFilledUp(testkit::Data(turn.response), expected.bytes),
-          "a get gives what stands in the record");
+          "a get returns the field of the record");
     CheckSecretStaysSecret(row, expected.bytes);
 }
 
-void RunGet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body) {
+void RunGet(Turn& turn, Daemon& daemon, const RecordRow& row, const std::string& body) {
     CheckGet(turn, row, body);
     const std::vector<std::string> sent = daemon.Received();
     Check(sent.size() == 1 && sent[0].size() == kMessage, "one query was sent");
 }
 
-// The part of a value that counts.
-std::string Counting(const Row& row, const std::string& value) {
+// Returns the part of a value that the library uses.
+std::string Counting(const RecordRow& row, const std::string& value) {
     if (row.field == Field::kText) {
         return TextIn(value);
     }
     return {value.empty() ? '\0' : value[0]};
 }
 
-void RunSet(Turn& turn, Daemon& daemon, const Row& row, const std::string& body,
+void RunSet(Turn& turn, Daemon& daemon, const RecordRow& row, const std::string& body,
             const std::string& value) {
     const std::string counting = Counting(row, value);
     const int result = turn.Execute(VELK_SET, row.id, "eth1", value);
@@ -166,13 +168,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < fuzz::kHead) {
         return 0;
     }
-    const fuzz::Row& row = fuzz::kRows[static_cast<size_t>(data[0]) % fuzz::kRows.size()];
+    const fuzz::RecordRow& row =
+        fuzz::kRecordRows[static_cast<size_t>(data[0]) % fuzz::kRecordRows.size()];
     const bool is_set = data[1] == 's';
     const std::string rest(reinterpret_cast<const char*>(data) + fuzz::kHead, size - fuzz::kHead);
     const size_t length = std::min<size_t>(data[2], rest.size());
     const std::string reply = rest.substr(0, length);
 
-    testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    testkit::WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
     fuzz::Turn turn;
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
     fuzz::Daemon daemon(reply);

@@ -1,9 +1,9 @@
-// edits_fuzz.cpp - every set that edits a file, on any file: nothing but its own lines changes; on
-// files as the device has them, the set is read back, and a second one changes nothing.
+// edits_fuzz.cpp - every set that edits a file, on any file: only its own lines change. On files in
+// the device's usual form, the set is read back, and a second set changes nothing.
 //
 // An input is the row's letter, "0" or "1" for the interface, the value up to the end of the line,
-// then the files' texts with "----" between them. Digits stand for the bytes of values that are no
-// text: "4" is the byte 4, "O" is 31.
+// then the files' texts with "----" between them. The bytes of values that are no text are digits:
+// "4" is the byte 4, "O" is 31.
 #include <algorithm>
 #include <cstdint>
 #include <string>
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "fuzz/kit/edit_files.h"
+#include "fuzz/kit/edit_rows.h"
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
 #include "fuzz/kit/usual_files.h"
@@ -18,58 +19,11 @@
 namespace fuzz {
 namespace {
 
-enum class Value { kText, kByte, kServers, kSchedule };
-
-// A set, the files it edits, and what the lines hold that are its own.
-struct Row {
-    uint32_t id;
-    bool has_interface;
-    Value value;
-    std::vector<EditedFile> files;
-    bool can_get;
-};
-
-const EditedFile kMethodFile = {kInterfaces, {"iface eth"}, Change::kMethod};
-const EditedFile kAddressFile = {kInterfaces, {"address "}, Change::kValue};
-const EditedFile kNetmaskFile = {kInterfaces, {"netmask "}, Change::kValue};
-const EditedFile kGatewayFile = {kInterfaces, {"gateway "}, Change::kValue};
-const EditedFile kBlocksFile = {kDhcpConfig, {""}, Change::kBlock};
-const EditedFile kNtpOptionFile = {kDhcpConfig, {"ntp-servers", ";"}, Change::kOption};
-const EditedFile kDnsOptionFile = {kDhcpConfig, {"domain-name-servers", ";"}, Change::kOption};
-const EditedFile kScriptFile = {kClientScript, {"make_resolv_conf"}, Change::kSwitch};
-const EditedFile kApipaFile = {kExitHooks, {"/usr/sbin/avahi-autoipd"}, Change::kSwitch};
-const EditedFile kHookedNtpFile = {kExitHooks, {"/usr/bin/ntpdate"}, Change::kSwitch};
-const EditedFile kNoticeFile = {
-    kExitHooks, {"/sbin/printdhcpnotice.pl", "/sbin/printdhcpstart.pl"}, Change::kSwitch};
-const EditedFile kNtpFile = {kCrontab, {"ntpdate"}, Change::kSwitch};
-const EditedFile kNtpServerFile = {kCrontab, {"ntpdate"}, Change::kServer};
-const EditedFile kUpdaterFile = {kCrontab, {"web_contents_updater"}, Change::kMoves};
-const EditedFile kAdministratorFile = {kSettings, {"ADMINISTRATOR="}, Change::kValue};
-const EditedFile kLocationFile = {kSettings, {"LOCATION="}, Change::kValue};
-const EditedFile kResolverFile = {kResolver, {}, Change::kWhole};
-
-const std::vector<Row> kRows = {
-    {VELK_CMD_ADMINISTRATOR, false, Value::kText, {kAdministratorFile}, true},
-    {VELK_CMD_LOCATION, false, Value::kText, {kLocationFile}, true},
-    {VELK_CMD_NTP, false, Value::kByte, {kNtpFile}, true},
-    {VELK_CMD_DHCP_NTP, false, Value::kByte, {kNtpOptionFile, kHookedNtpFile}, true},
-    {VELK_CMD_NTP_SERVER, false, Value::kText, {kNtpServerFile}, true},
-    {VELK_CMD_IP_METHOD, true, Value::kByte, {kMethodFile, kBlocksFile}, true},
-    {VELK_CMD_DHCP_NOTICE, true, Value::kByte, {kNoticeFile}, false},
-    {VELK_CMD_APIPA, true, Value::kByte, {kApipaFile}, true},
-    {VELK_CMD_IP_ADDRESS, true, Value::kText, {kAddressFile}, true},
-    {VELK_CMD_NETMASK, true, Value::kText, {kNetmaskFile}, true},
-    {VELK_CMD_GATEWAY, true, Value::kText, {kGatewayFile}, true},
-    {VELK_CMD_DHCP_DNS, true, Value::kByte, {kDnsOptionFile, kScriptFile}, true},
-    {VELK_CMD_DNS, true, Value::kServers, {kResolverFile}, true},
-    {VELK_CMD_WEB_UPDATE, false, Value::kSchedule, {kUpdaterFile}, true},
-};
-
 char Byte(char digit) {
     return static_cast<char>(digit - '0');
 }
 
-// The servers between commas, each cut to its slot.
+// Returns the slots for servers between commas, each cut to its slot.
 std::string SlotsFor(std::string_view text) {
     std::string slots;
     for (size_t i = 0; i < kSlots; ++i) {
@@ -82,7 +36,7 @@ std::string SlotsFor(std::string_view text) {
     return slots;
 }
 
-// Type, value and time; "9" is the type of no schedule.
+// Returns type, value and time; "9" is the type of no schedule.
 std::string ScheduleFor(std::string text) {
     constexpr size_t kLongestTime = 100;
     text.resize(std::max<size_t>(text.size(), 2), '0');
@@ -90,7 +44,7 @@ std::string ScheduleFor(std::string text) {
     return std::string{type, Byte(text[1])} + text.substr(2, kLongestTime);
 }
 
-// The request's data for a value as the input spells it.
+// Returns the request's data for a value in the input's spelling.
 std::string DataFor(Value value, const std::string& text) {
     constexpr size_t kLongestText = 400;
     switch (value) {
@@ -108,7 +62,7 @@ std::string DataFor(Value value, const std::string& text) {
 
 class Edit {
   public:
-    Edit(const Row& row, const std::string& interface, const std::string& data)
+    Edit(const EditRow& row, const std::string& interface, const std::string& data)
         : row_(row), setting_{row.id, row.has_interface ? interface : "", data} {}
 
     void Run(const std::vector<std::string>& texts);
@@ -120,7 +74,7 @@ class Edit {
     std::vector<std::string> Read() const;
     void CheckReadBack(Turn& turn);
 
-    const Row& row_;
+    const EditRow& row_;
     const Setting setting_;
 };
 
@@ -136,7 +90,7 @@ void Edit::CheckReadBack(Turn& turn) {
     const std::string& data = setting_.data;
     Check(turn.Execute(VELK_GET, setting_.id, setting_.interface) == LIB_VELK_SUCCESS,
           "a set can be read");
-    Check(testkit::Data(turn.response, data.size()) == data, "a get gives what was set");
+    Check(testkit::Data(turn.response, data.size()) == data, "a get returns the value of the set");
     Check(turn.response.data[data.size()] == '\0', "and no more");
 }
 
@@ -175,7 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     const size_t letter = static_cast<unsigned char>(input[0]);
-    const fuzz::Row& row = fuzz::kRows[(letter - 'a') % fuzz::kRows.size()];
+    const fuzz::EditRow& row = fuzz::kEditRows[(letter - 'a') % fuzz::kEditRows.size()];
     const std::string interface = input[1] == '1' ? "eth1" : "eth0";
     input.remove_prefix(2);
     const std::string value = fuzz::TakeLine(input);

@@ -1,6 +1,6 @@
 // requests_fuzz.cpp - the request record itself, on a device with its sample files.
 //
-// An input is the record's bytes; what is missing is zero.
+// An input is the record's bytes; missing bytes are zero.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -19,7 +19,7 @@ const std::vector<sandbox::SampleFile>& Samples() {
     return samples;
 }
 
-// The one that no request reads or changes: it is the machine's own, which stays as it is.
+// No request reads or changes this file. It is the machine's own, and must stay unchanged.
 bool IsHostsFile(const std::string& path) {
     return path.starts_with("/etc/hosts");
 }

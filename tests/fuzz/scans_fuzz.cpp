@@ -1,4 +1,4 @@
-// scans_fuzz.cpp - every file read and every tool's output scanned, whatever it says.
+// scans_fuzz.cpp - every file and every tool's output that a get reads, with any text.
 //
 // An input is the row's letter, "0" or "1" for the interface and the rest of a line that is not
 // looked at, then the row's texts with "----" between them.
@@ -16,55 +16,21 @@
 #include <netinet/in.h>
 
 #include "fuzz/kit/edit_files.h"
-#include "fuzz/kit/file_answers.h"
 #include "fuzz/kit/fuzz_device.h"
 #include "fuzz/kit/lines.h"
+#include "fuzz/kit/scan_rows.h"
 #include "fuzz/kit/tool_answers.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
 
-constexpr char kRoutes[] = "/tmp/routes";            // in the place of /proc/net/route
-constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // behind type and value, in front of its NUL
-constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
-constexpr char kDevices[] = "/proc/bus/usb/devices";
+using testkit::kInterfacesFile;
+using testkit::kRoutingTable;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
 
-// What holds for answers from texts in any form.
-enum class Form {
-    kText,     // a part of a line of a source
-    kGateway,  // an address, or nothing
-    kByte,     // 1 to `highest`
-    kSchedule,
-    kServers
-};
-
-// A source of what a get reads: a file, or what a tool prints when `path` names none.
-struct Row {
-    uint32_t id;
-    bool has_interface;
-    std::vector<std::string> sources;
-    Form form;
-    char highest;
-    std::optional<Answer> (*expected)(const std::string& interface, const Texts& texts);
-};
-
-const std::vector<Row> kRows = {
-    {VELK_CMD_ADMINISTRATOR, false, {kSettings}, Form::kText, 0, AdministratorFrom},
-    {VELK_CMD_LOCATION, false, {kSettings}, Form::kText, 0, LocationFrom},
-    {VELK_CMD_NTP, false, {kCrontab}, Form::kByte, 2, NtpMethodFrom},
-    {VELK_CMD_DHCP_NTP, false, {kDhcpConfig}, Form::kByte, 2, DhcpNtpFrom},
-    {VELK_CMD_NTP_SERVER, false, {kCrontab}, Form::kText, 0, NtpServerFrom},
-    {VELK_CMD_NTP_RESULT, false, {"/var/libvelk/ntp.log"}, Form::kByte, 2, NtpResultFrom},
-    {VELK_CMD_WEB_UPDATE, false, {kCrontab}, Form::kSchedule, 0, ScheduleFrom},
-    {VELK_CMD_IP_METHOD, true, {kInterfaces}, Form::kByte, 2, IpMethodFrom},
-    {VELK_CMD_APIPA, true, {kExitHooks}, Form::kByte, 2, ApipaFrom},
-    {VELK_CMD_IP_ADDRESS, true, {kInterfaces, "ifconfig"}, Form::kText, 0, IpAddressFrom},
-    {VELK_CMD_DHCP_DNS, true, {kDhcpConfig}, Form::kByte, 2, DhcpDnsFrom},
-    {VELK_CMD_DNS, true, {kResolver}, Form::kServers, 0, DnsFrom},
-    {VELK_CMD_LINK_SPEED, true, {"sudo ethtool"}, Form::kByte, 5, LinkSpeedFrom},
-    {VELK_CMD_GATEWAY, true, {kRoutes}, Form::kGateway, 0, GatewayFrom},
-    {VELK_CMD_NETMASK, true, {kInterfaces, "ifconfig"}, Form::kText, 0, NetmaskFrom},
-};
+constexpr size_t kLongestTime = VELK_DATA_SIZE - 3;  // after type and value, before the NUL
 
 void Place(Turn& turn, const std::string& source, const std::string& text) {
     if (source.starts_with('/')) {
@@ -83,7 +49,7 @@ bool FillsData(const std::string& text) {
     return text.size() >= VELK_DATA_SIZE - 1;
 }
 
-// The ':' is cut off behind an hour that fills the data area.
+// After an hour that fills the data area the ':' is cut off.
 void CheckSchedule(const std::string& data, const std::string& source) {
     const char type = data[0];
     Check((type >= VELK_SCHEDULE_HOURS && type <= VELK_SCHEDULE_MONTHLY) ||
@@ -93,11 +59,11 @@ void CheckSchedule(const std::string& data, const std::string& source) {
           "a schedule's time");
 }
 
-void CheckForm(const Row& row, const std::string& data, const std::string& source) {
+void CheckForm(const ScanRow& row, const std::string& data, const std::string& source) {
     const std::string text = TextIn(data);
     switch (row.form) {
         case Form::kText:
-            Check(Has(source, text), "the text is what the source says");
+            Check(Has(source, text), "the text is that of the source");
             Check(!Has(text, "\n"), "the text is from one line");
             break;
         case Form::kGateway: {
@@ -120,7 +86,7 @@ void CheckForm(const Row& row, const std::string& data, const std::string& sourc
     }
 }
 
-void CheckAnswer(const Row& row, const Answer& expected, int result, const std::string& data) {
+void CheckAnswer(const ScanRow& row, const Answer& expected, int result, const std::string& data) {
     Check((result == LIB_VELK_SUCCESS) == expected.succeeds, "a get succeeds as the text allows");
     if (FillsData(expected.bytes)) {
         return;
@@ -128,18 +94,18 @@ void CheckAnswer(const Row& row, const Answer& expected, int result, const std::
     std::string bytes = expected.bytes;
     bytes.resize(data.size());
     Check(row.form == Form::kText ? TextIn(data) == TextIn(bytes) : data == bytes,
-          "a get gives what the text tells");
+          "a get returns the value of the text");
 }
 
-// What every get stands on: no cable, an adapter, and addresses that come by DHCP.
+// The same surroundings for every get: no cable, an adapter, and addresses from DHCP.
 void PlaceSurroundings(Turn& turn) {
-    testkit::LibcRecorder::Get().Redirect("/proc/net/route", kRoutes);
-    testkit::WriteFile(kInterfaces, "iface eth0 inet dhcp\niface eth1 inet dhcp\n");
-    testkit::WriteFile(kDevices, "S:  Product=QT4408RKM\n");
+    testkit::LibcRecorder::Get().Redirect(kRoutingTable, kRoutes);
+    testkit::WriteFile(kInterfacesFile, "iface eth0 inet dhcp\niface eth1 inet dhcp\n");
+    testkit::WriteFile(kUsbDevices, "S:  Product=QT4408RKM\n");
     turn.shell().Prints("sudo /usr/sbin/ethtool", {"\tLink detected: no\n"});
 }
 
-void RunGet(const Row& row, const std::string& interface, Texts texts) {
+void RunGet(const ScanRow& row, const std::string& interface, Texts texts) {
     Turn turn;
     PlaceSurroundings(turn);
     texts.resize(row.sources.size());
@@ -163,7 +129,7 @@ void RunGet(const Row& row, const std::string& interface, Texts texts) {
     Check(testkit::Data(turn.response) == data, "a get has one text");
 }
 
-// As the kernel writes a device's ids.
+// Returns a line with a device's ids in the kernel's form.
 std::string DeviceLine(unsigned long vendor, unsigned long product) {
     std::ostringstream text;
     text << std::hex << std::setfill('0') << "Vendor=" << std::setw(4) << vendor
@@ -171,7 +137,7 @@ std::string DeviceLine(unsigned long vendor, unsigned long product) {
     return text.str();
 }
 
-unsigned long HexBehindKey(const std::string& line) {
+unsigned long HexAfterKey(const std::string& line) {
     return std::min(strtoul(line.substr(4).c_str(), nullptr, 16), 0xFFFFFFFFUL);
 }
 
@@ -181,10 +147,10 @@ bool IsListed(const std::string& support_list, const std::string& devices) {
     unsigned long vendor = 0;
     for (const std::string& line : Lines(support_list)) {
         if (Has(line, "VID=")) {
-            vendor = HexBehindKey(line);
+            vendor = HexAfterKey(line);
         }
         if (Has(line, "PID=")) {
-            is_listed = is_listed || Has(devices, DeviceLine(vendor, HexBehindKey(line)));
+            is_listed = is_listed || Has(devices, DeviceLine(vendor, HexAfterKey(line)));
         }
     }
     return is_listed;
@@ -194,20 +160,20 @@ void RunAdapter(const std::vector<std::string>& texts) {
     const Turn turn;
     const std::string devices = texts.size() > 1 ? texts[1] : "";
     testkit::WriteFile(kSupportList, texts[0]);
-    testkit::WriteFile(kDevices, devices);
+    testkit::WriteFile(kUsbDevices, devices);
     Check(IsWlanAttached() == (IsListed(texts[0], devices) ? 1 : 0), "a listed device is attached");
-    testkit::WriteFile(kDevices, "");
+    testkit::WriteFile(kUsbDevices, "");
     Check(IsWlanAttached() == 0, "no device, no adapter");
 }
 
-// What ethtool shows, and the two log files that count without.
+// Checks the link with ethtool's output and, if it has no answer, with two log files.
 void RunLink(const std::vector<std::string>& texts) {
     Turn turn;
     const std::vector<std::string> logs = {texts.size() > 1 ? texts[1] : "",
                                            texts.size() > 2 ? texts[2] : ""};
     turn.shell().Prints("sudo /usr/sbin/ethtool", {texts[0]});
     turn.shell().Prints("grep", logs);
-    Check(IsWiredLinked() == LinkIn(texts[0], logs), "the link is as tool or log tells");
+    Check(IsWiredLinked() == LinkIn(texts[0], logs), "the link is that of tool or log");
 }
 
 }  // namespace
@@ -226,7 +192,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzz::RunAdapter(texts);
     } else {
         const size_t letter = static_cast<unsigned char>(head[0]);
-        const fuzz::Row& row = fuzz::kRows[(letter - 'a') % fuzz::kRows.size()];
+        const fuzz::ScanRow& row = fuzz::kScanRows[(letter - 'a') % fuzz::kScanRows.size()];
         fuzz::RunGet(row, head[1] == '1' ? "eth1" : "eth0", texts);
     }
     return 0;

@@ -19,21 +19,22 @@ thread_local bool is_counting = false;
 thread_local int allocations_made = 0;
 thread_local int allocations_held = 0;
 
-// Stands behind every block, to know again at its end what was counted at its beginning. Not in
-// front of it: a leak checker looks for pointers to where a block begins.
-bool* MarkBehind(void* block) {
+// The mark after every block: it says whether the block was counted when it was allocated. It is
+// not in front of the block, because a leak checker looks for pointers to the block's first byte.
+bool* MarkAfter(void* block) {
     return static_cast<bool*>(block) + malloc_usable_size(block) - sizeof(bool);
 }
 
-// Out of bounds for everybody else: the sanitizer is to tell of an access one byte behind a block.
+// The mark is out of bounds for all other code: the sanitizer must report an access one byte after
+// a block.
 void PutMark(void* block, bool is_counted) {
-    bool* const mark = MarkBehind(block);
+    bool* const mark = MarkAfter(block);
     *mark = is_counted;
     ASAN_POISON_MEMORY_REGION(mark, sizeof(*mark));
 }
 
 bool TakeMark(void* block) {
-    bool* const mark = MarkBehind(block);
+    bool* const mark = MarkAfter(block);
     ASAN_UNPOISON_MEMORY_REGION(mark, sizeof(*mark));
     return *mark;
 }

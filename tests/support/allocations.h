@@ -35,8 +35,8 @@ class AllocationCount {
     int held() const;
 };
 
-// While it lives, the allocation with this number (from 1) of the calling thread fails; those of
-// the recorder itself are not counted.
+// During its lifetime, the allocation with this number (from 1) of the calling thread fails; those
+// of the recorder itself are not counted.
 class AllocationFault {
   public:
     explicit AllocationFault(int number, Reach reach = Reach::kThatOne);

@@ -29,7 +29,7 @@ extern "C" {
     return open(path, flags, mode);
 }
 
-// A buffer of known size and a count of unknown size: what _FORTIFY_SOURCE checks.
+// _FORTIFY_SOURCE checks calls with a buffer of known size and a count of unknown size.
 [[gnu::visibility("default")]] long PROBE(read)(int fd, unsigned long size) {
     char buffer[16];
     return read(fd, buffer, size);

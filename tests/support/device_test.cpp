@@ -12,15 +12,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "support/paths.h"
+
 namespace testkit {
 namespace {
 
 namespace fs = std::filesystem;
 
-// The library's folders; what an earlier test left there is removed.
+// The library's folders. Files that an earlier test left there are removed.
 constexpr const char* kScratchFolders[] = {"/tmp",
-                                           "/var/tmp",
-                                           "/dev/shm",
+                                           kEditFolder,
+                                           kSemaphoreFolder,
                                            "/etc/network",
                                            "/proc/bus/usb",
                                            "/usr/local/share/apps/wlan",
@@ -28,8 +30,7 @@ constexpr const char* kScratchFolders[] = {"/tmp",
                                            "/var/cron/tabs",
                                            "/var/libvelk",
                                            "/var/log/syslog"};
-constexpr const char* kDeviceFiles[] = {"/etc/dhclient.conf", "/etc/dhclient-exit-hooks",
-                                        "/etc/resolv.dnsmasq.conf", "/sbin/dhclient-script"};
+constexpr const char* kDeviceFiles[] = {kDhcpConfigFile, kExitHooks, kResolverFile, kClientScript};
 
 }  // namespace
 
@@ -80,7 +81,7 @@ std::vector<int> OpenDescriptors() {
             numbers.push_back(number);
         }
     }
-    // The listing's own descriptor is the one that is gone now.
+    // The listing's own descriptor is closed now.
     std::erase_if(numbers, [](int number) { return fcntl(number, F_GETFD) == -1; });
     return numbers;
 }
@@ -106,7 +107,7 @@ std::string Data(const _velk_request& response, size_t size) {
 }
 
 bool IsLockFree() {
-    const int fd = open("/var/tmp/vklib_lock", O_RDWR | O_CLOEXEC);
+    const int fd = open(kLockFile, O_RDWR | O_CLOEXEC);
     if (fd == -1) {
         return true;
     }

@@ -15,10 +15,10 @@
 namespace testkit {
 
 void WriteFile(const std::string& path, std::string_view text);
-std::string ReadFile(const std::string& path);  // "(missing)" when it is not there
+std::string ReadFile(const std::string& path);  // "(missing)" if there is no such file
 bool Exists(const std::string& path);
 
-// What makes a file the same file, whatever stands in it.
+// Identifies a file independently of its text.
 struct FileIdentity {
     ino_t inode;
     uid_t owner;
@@ -26,15 +26,15 @@ struct FileIdentity {
     mode_t mode;
     bool operator==(const FileIdentity&) const = default;
 };
-FileIdentity IdentityOf(const std::string& path);  // a failed expectation when it is not there
+FileIdentity IdentityOf(const std::string& path);  // fails the test if there is no such file
 
-// The numbers of the descriptors this process holds.
+// Returns the descriptors that this process has open.
 std::vector<int> OpenDescriptors();
 
-// Nobody holds the set/restart lock.
+// True if nobody holds the set/restart lock.
 bool IsLockFree();
 
-// Removes what lies in the library's places; the fixture below does so before each test.
+// Removes all files in the library's folders; the fixture below does so before each test.
 void EmptyDevice();
 
 _velk_request MakeRequest(uint32_t type, uint32_t id, std::string_view interface,
@@ -51,7 +51,8 @@ std::string Data(const _velk_request& response, size_t size = VELK_DATA_SIZE);
 // process could not move onto a private device.
 class DeviceTest : public ::testing::Test {
   protected:
-    // Empties device and recorder already here, so that a derived fixture's members may script.
+    // Empties the device and the recorder, so that members of a derived fixture can already script
+    // calls.
     DeviceTest();
     void TearDown() override;
 

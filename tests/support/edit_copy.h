@@ -1,13 +1,15 @@
-// edit_copy.h - where the copy lies through which the library edits a file.
+// edit_copy.h - the copy in which the library edits a file.
 #ifndef TESTS_SUPPORT_EDIT_COPY_H_
 #define TESTS_SUPPORT_EDIT_COPY_H_
 
 #include <string>
 
+#include "support/paths.h"
+
 namespace testkit {
 
 inline std::string CopyOf(const std::string& path) {
-    return "/var/tmp" + path.substr(path.rfind('/'));
+    return kEditFolder + path.substr(path.rfind('/'));
 }
 
 }  // namespace testkit

@@ -16,13 +16,11 @@
 #include <unistd.h>
 
 #include "support/libc_recorder.h"
+#include "support/paths.h"
 
 namespace testkit {
 namespace {
 
-constexpr char kRequestPath[] = "/tmp/WlanAplToWlanSock";
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
-constexpr char kSemaphore[] = "/WlanAplRecvSem";
 constexpr int kPatience = 3;  // seconds for the library's word that it listens
 
 // Held while a daemon's thread is at work, but not while it waits, and while a process is forked: a
@@ -40,7 +38,7 @@ sockaddr_un AddressOf(const char* path) {
 
 // Waits until the library says that its reply socket exists; gives up when it does not.
 bool WaitUntilReady(int seconds, std::unique_lock<std::mutex>& work) {
-    sem_t* sem = sem_open(kSemaphore, 0, 0U, 0U);
+    sem_t* sem = sem_open(kSemaphoreName, 0, 0U, 0U);
     if (sem == SEM_FAILED) {
         return false;
     }
@@ -58,19 +56,19 @@ bool WaitUntilReady(int seconds, std::unique_lock<std::mutex>& work) {
 
 FakeDaemon::FakeDaemon(Turn turn) : turn_(turn) {
     const Unrecorded unrecorded;
-    unlink(kRequestPath);
+    unlink(kRequestSocket);
     socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    const sockaddr_un address = AddressOf(kRequestPath);
+    const sockaddr_un address = AddressOf(kRequestSocket);
     // The library's address lengths leave out the NUL; so must the name the kernel keeps.
     const auto length =
-        static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(kRequestPath));
+        static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(kRequestSocket));
     (void)bind(socket_, reinterpret_cast<const sockaddr*>(&address), length);
     if (turn_ == Turn::kInSelect) {
         LibcRecorder::Get().OnCall(Call::kSelect, [this](const Event&) { ServePending(); });
         return;
     }
     thread_ = std::thread([this] { Serve(); });
-    serving_.wait(false);  // what starts a thread takes locks as well
+    serving_.wait(false);  // starting a thread takes locks as well
 }
 
 void FakeDaemon::ServePending() {
@@ -91,7 +89,7 @@ void FakeDaemon::Stop() {
         thread_.join();
     }
     close(std::exchange(socket_, -1));
-    unlink(kRequestPath);
+    unlink(kRequestSocket);
 }
 
 void FakeDaemon::SetConf(const SMsgConf& conf) {
@@ -134,13 +132,13 @@ std::vector<int> FakeDaemon::types() const {
     return types;
 }
 
-// Goes on until it is stopped and no request is waiting, so that none is lost.
+// Runs until it is stopped and no request is waiting, so that none is lost.
 void FakeDaemon::Serve() {
     const Unrecorded unrecorded;
     serving_ = true;
     serving_.notify_one();
     for (bool is_last = false; !is_last;) {
-        is_last = stopping_;  // what was sent before is served
+        is_last = stopping_;  // datagrams sent earlier are still served
         while (ServeOne(5)) {
         }
     }
@@ -191,7 +189,7 @@ std::string FakeDaemon::ReplyTo(int type) const {
 
 void FakeDaemon::Reply(const std::string& bytes) {
     const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    const sockaddr_un address = AddressOf(kReplyPath);
+    const sockaddr_un address = AddressOf(kReplySocket);
     sendto(fd, bytes.data(), bytes.size(), 0, reinterpret_cast<const sockaddr*>(&address),
            sizeof(address));
     close(fd);

@@ -17,8 +17,8 @@ namespace testkit {
 // semaphore. Its own calls are not recorded.
 class FakeDaemon {
   public:
-    // When it gets to its work: in a thread of its own, or within the library's select(2), so that
-    // no test depends on which of the two is faster.
+    // Where it works: in a thread of its own, or inside the library's select(2). The latter makes
+    // tests independent of timing.
     enum class Turn { kOwnThread, kInSelect };
 
     explicit FakeDaemon(Turn turn = Turn::kOwnThread);
@@ -48,7 +48,7 @@ class FakeDaemon {
   private:
     void Serve();
     bool ServeOne(int patience);
-    // Lets go of its work's lock while it waits for the library.
+    // Releases `work` while it waits for the library.
     void Handle(const std::string& datagram, std::unique_lock<std::mutex>& work);
     void Reply(const std::string& bytes);
     std::string ReplyTo(int type) const;

@@ -1,4 +1,4 @@
-// fake_shell.cpp - stands in for the shell.
+// fake_shell.cpp - replaces the shell.
 #include "support/fake_shell.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// fake_shell.h - stands in for the shell: prints what a test says, in no time and without tools.
+// fake_shell.h - replaces the shell: prints the test's texts at once and without tools.
 #ifndef TESTS_SUPPORT_FAKE_SHELL_H_
 #define TESTS_SUPPORT_FAKE_SHELL_H_
 
@@ -10,10 +10,10 @@
 
 namespace testkit {
 
-// While it lives, no shell line is run. "TOOL > FILE" writes the tool's output into FILE, "rm FILE"
-// removes it and "cat FILE > FILE" copies; what goes to /dev/null is not run. A tool without output
-// leaves an empty file, as the shell does when a command cannot be found. What RunsForReal() names
-// is run. Lines are recorded as ever.
+// During its lifetime, no shell line is run. "TOOL > FILE" writes the tool's output into FILE, "rm
+// FILE" removes it and "cat FILE > FILE" copies; lines that print to /dev/null are not run. A tool
+// without output leaves an empty file, as the shell does if it cannot find a command. Only tools
+// given to RunsForReal() are run. Lines are recorded as usual.
 class FakeShell {
   public:
     FakeShell();
@@ -29,7 +29,8 @@ class FakeShell {
     // A line that begins with `tool` is run by the real shell, with this search path.
     void RunsForReal(const std::string& tool, const std::string& search_path);
 
-    // All lines so far, those that child processes ran among them: the recorder is theirs alone.
+    // Returns all lines so far, including those of child processes. The recorder of this process
+    // lacks them.
     std::vector<std::string> Lines() const;
 
   private:
@@ -43,7 +44,7 @@ class FakeShell {
     void Redirect(const std::string& command, const std::string& file);
 
     std::map<std::string, Tool> tools_;
-    std::map<std::string, std::string> search_paths_;  // of the tools that are run, by tool
+    std::map<std::string, std::string> search_paths_;  // the PATH that each tool gets
 };
 
 }  // namespace testkit

@@ -32,7 +32,7 @@ using testkit::CallView;
 using testkit::LibcRecorder;
 using testkit::Outcome;
 
-// libc's own function behind ours.
+// Returns libc's own function, which ours replaces.
 template <typename Function>
 Function Real(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
@@ -258,7 +258,7 @@ int sem_post(sem_t* sem) noexcept {
 }
 
 int sem_close(sem_t* sem) noexcept {
-    // A planned failure gives the handle back all the same: nobody else could any more.
+    // A planned failure closes the handle nevertheless: no other code could close it later.
     static auto* real = Real<int (*)(sem_t*)>("sem_close");
     const int result = real(sem);
     return Answer({Call::kSemClose, "", "sem_close"}, [&] { return result; });

@@ -1,4 +1,4 @@
-// libc_recorder.h - stands between the library and libc: records calls, answers by script.
+// libc_recorder.h - records the library's calls of libc, and answers them by script.
 //
 // The test executable defines system(3), sleep(3), syslog(3), open(2) and their kin itself, and the
 // dynamic linker prefers the executable's definitions. Every call passes through to libc unless a
@@ -48,7 +48,7 @@ enum class Call {
     kSyslog
 };
 
-// What one call answers.
+// The answer of one call.
 struct Outcome {
     bool pass = true;
     long result = 0;
@@ -78,32 +78,32 @@ class LibcRecorder {
   public:
     static LibcRecorder& Get();
 
-    // Forgets what was recorded and every script.
+    // Forgets all recorded calls and every script.
     void Reset();
-    // Forgets what was recorded alone.
+    // Forgets the recorded calls alone.
     void ForgetEvents();
 
     // The next calls of this kind answer these, in order; later ones pass through.
     void Script(Call call, std::initializer_list<Outcome> outcomes);
-    // Calls of this kind beyond the script answer this.
+    // Calls of this kind after the end of the script answer this.
     void ScriptAlways(Call call, Outcome outcome);
-    // Runs before every call of this kind; a shell line's stand-in can leave files here.
+    // Runs before every call of this kind; a fake tool can leave files here.
     void OnCall(Call call, std::function<void(const Event&)> hook);
 
-    // Runs before every call of whatever kind; its own calls pass through unseen.
+    // Runs before every call of any kind; its own calls are not recorded.
     void OnEveryCall(std::function<void(const Event&)> observer);
 
-    // The call of this kind with this number (from 1, counted from now) fails, whatever is
-    // scripted, and its hook does not run. One fault is planned at a time.
+    // The call of this kind with this number (from 1, counted from now) fails in spite of any
+    // script, and its hook does not run. One fault is planned at a time.
     void PlanFault(Call call, int number, Reach reach, int error);
-    // The same with an answer of its own: system(3) tells of a missing shell by no errno.
+    // The same with a given answer: system(3) reports a missing shell without an errno.
     void PlanFault(Call call, int number, Reach reach, Outcome answer);
     // The planned fault has hit a call.
     bool HasFaultStruck() const;
 
     void ForgetFault();
 
-    // From now on select(2) tells what is there without waiting for it.
+    // From now on select(2) reports ready descriptors without waiting.
     void NeverWait();
     bool never_waits() const;
 
@@ -111,7 +111,8 @@ class LibcRecorder {
     void SleepForReal();
     bool sleeps_for_real() const;
 
-    // Opens of this path open the other one instead: for files that only the kernel can write.
+    // Opening this path opens the other one instead. This replaces files that only the kernel can
+    // write.
     void Redirect(const std::string& path, const std::string& other);
 
     // The texts of all calls of one kind, in order.
@@ -126,7 +127,7 @@ class LibcRecorder {
 
     // For the interposed functions: notes the call and says how to answer it.
     Outcome Take(const CallView& call);
-    // The path to open in the place of this one.
+    // Returns the path to open instead of this one.
     const char* Target(const char* path) const;
 
   private:

@@ -19,14 +19,14 @@ bool IsListing(int argc, char** argv) {
     });
 }
 
-constexpr int kSkipped = 77;  // as ctest is told
+constexpr int kSkipped = 77;  // as SKIP_RETURN_CODE in CMakeLists.txt
 // A device's programs find tools in all of these; the caller of the tests may lack some.
 constexpr char kSearchPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 
 // False, after saying why, where the kernel gives no private namespaces.
 bool EnterPrivateDevice() {
     sandbox::DeviceOptions options;
-    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
+    options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
     options.protect_machine = false;  // counters and reports of the test run go to the build folder
     try {
         sandbox::EnterDevice(options);

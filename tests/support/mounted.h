@@ -9,10 +9,10 @@
 
 namespace testkit {
 
-// Gone at the end of the scope.
+// Mounts a file system for the scope, and unmounts it at its end.
 class Mounted {
   public:
-    // As mount(2) takes them.
+    // The arguments are those of mount(2).
     Mounted(const char* source, const std::string& target, const char* type, unsigned long flags,
             const char* options)
         : target_(target) {

@@ -1,4 +1,4 @@
-// Many threads of one program call at once, with the real shell.
+// Concurrent calls from many threads of one program, with the real shell.
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 constexpr int kThreads = 8;
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kTools[] = "/tmp/tools";
-constexpr char kCopied[] = "/tmp/copied";  // what cat(1) copied, one text behind the other
+constexpr char kCopied[] = "/tmp/copied";  // all texts that cat(1) copied, in order
 
 void Write(const std::string& path, std::string_view text) {
     std::ofstream(path) << text;
@@ -59,7 +59,7 @@ void InThreads(const std::function<void(int)>& work) {
     }
 }
 
-// The tests stand on a device of their own. No tool is in reach but these.
+// The tests run on a simulated device. Only these tools are in the search path.
 class ThreadsTest : public testing::Test {
   protected:
     void SetUp() override {
@@ -81,7 +81,7 @@ class ThreadsTest : public testing::Test {
     }
 };
 
-TEST_F(ThreadsTest, EachGetsItsOwnAnswer) {
+TEST_F(ThreadsTest, EachThreadGetsItsOwnAnswer) {
     struct Expected {
         uint32_t id;
         const char* interface;
@@ -105,7 +105,7 @@ TEST_F(ThreadsTest, EachGetsItsOwnAnswer) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(ThreadsTest, WaitForOneAnothersTools) {
+TEST_F(ThreadsTest, ThreadsWaitForEachOthersTools) {
     std::atomic<int> wrong = 0;
     InThreads([&](int) {
         _velk_request response;
@@ -116,7 +116,7 @@ TEST_F(ThreadsTest, WaitForOneAnothersTools) {
     EXPECT_FALSE(fs::exists("/var/tmp/get_result"));
 }
 
-// A get beside a set may find the file empty while the shell copies it.
+// A get during a set may read an empty file while the shell copies it.
 bool MayBeRead(int result, std::string_view text) {
     if (result != 0) {
         return result == -1;
@@ -126,10 +126,9 @@ bool MayBeRead(int result, std::string_view text) {
             fnmatch("10.0.[0-7].[0-9]*", std::string(text).c_str(), 0) == 0);
 }
 
-// What was stored, one after the other, as the copies of the edits tell: each is the one before
-// with one of the two settings changed. An edit of a text that another thread has replaced
-// meanwhile would bring an old value back.
-std::vector<std::string> StoredInTurn(const std::string& copied) {
+// Returns the stored values in order, from the copies of the edits. Each copy must differ from the
+// one before in one of the two settings. An edit of an outdated text would restore an old value.
+std::vector<std::string> StoredInOrder(const std::string& copied) {
     std::vector<std::string> stored;
     std::string address = "192.168.0.10";
     std::string gateway = "192.168.0.1";
@@ -156,10 +155,10 @@ std::vector<std::string> StoredInTurn(const std::string& copied) {
     return stored;
 }
 
-TEST_F(ThreadsTest, SetOneFileOneAfterTheOther) {
+TEST_F(ThreadsTest, ThreadsEditOneFileInTurn) {
     fs::remove(kCopied);
     std::atomic<int> wrong = 0;
-    std::vector<std::string> told[kThreads];  // that they were stored
+    std::vector<std::string> reported[kThreads];  // as stored
     InThreads([&](int number) {
         const uint32_t id = number % 2 == 0 ? VELK_CMD_IP_ADDRESS : VELK_CMD_GATEWAY;
         for (int round = 0; round < 20; ++round) {
@@ -169,19 +168,19 @@ TEST_F(ThreadsTest, SetOneFileOneAfterTheOther) {
             const int set = Execute(VELK_SET, id, "eth0", address, response);
             wrong += set == 0 || set == LIB_VELK_LOCKED ? 0 : 1;
             if (set == 0) {
-                told[number].push_back(address);
+                reported[number].push_back(address);
             }
             const int get = Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0", "", response);
             wrong += MayBeRead(get, response.data) ? 0 : 1;
         }
     });
     EXPECT_EQ(wrong, 0);
-    std::vector<std::string> all_told;
-    for (const std::vector<std::string>& one : told) {
-        all_told.insert(all_told.end(), one.begin(), one.end());
+    std::vector<std::string> all_reported;
+    for (const std::vector<std::string>& one : reported) {
+        all_reported.insert(all_reported.end(), one.begin(), one.end());
     }
-    EXPECT_THAT(StoredInTurn(Read(kCopied)), testing::UnorderedElementsAreArray(all_told));
-    EXPECT_GT(all_told.size(), 0U);
+    EXPECT_THAT(StoredInOrder(Read(kCopied)), testing::UnorderedElementsAreArray(all_reported));
+    EXPECT_GT(all_reported.size(), 0U);
     EXPECT_FALSE(fs::exists("/var/tmp/interfaces"));
 }
 

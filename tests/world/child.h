@@ -23,8 +23,8 @@ struct Conditions {
     std::vector<std::pair<int, rlim_t>> limits = {};  // {RLIMIT_NOFILE, 20}: soft and hard
 };
 
-// False where the machine lacks the locale, or the private device has no other users: there the
-// test skips with the reason.
+// Returns false if the machine lacks the locale, or the private device has no other users. The test
+// then skips with the reason.
 bool IsPossible(const Conditions& conditions);
 
 // A child process that runs `work` and ends. It never outlives the object.
@@ -36,10 +36,10 @@ class Child {
     Child& operator=(const Child&) = delete;
 
     pid_t pid() const { return pid_; }
-    // Waits for its end. Returns what `work` returned, 128 plus the signal that ended the child, or
+    // Waits for its end. Returns the result of `work`, 128 plus the signal that ended the child, or
     // kImpossible.
     int Wait();
-    // Ends it, and nothing that it started.
+    // Ends the child, but not the processes that it started.
     void Kill();
 
     static constexpr int kImpossible = 125;  // the conditions could not be set
@@ -48,7 +48,7 @@ class Child {
     pid_t pid_;
 };
 
-// Runs `work` in a child and returns what Child::Wait() returns.
+// Runs `work` in a child and returns the result of Child::Wait().
 int InChild(const Conditions& conditions, const std::function<int()>& work);
 
 }  // namespace world

@@ -1,4 +1,4 @@
-// The conditions that tests of this ring ask for apply to their children, and to these alone.
+// The conditions of this ring apply to the tests' children, and only to them.
 #include "world/child.h"
 
 #include <clocale>
@@ -76,7 +76,7 @@ TEST_F(ChildTest, RunsInALocale) {
     EXPECT_FALSE(IsPossible({.locale = "xx_XX.nothing"}));
 }
 
-TEST_F(ChildTest, TellsTheSignalThatEndedIt) {
+TEST_F(ChildTest, ReturnsTheSignalThatEndedIt) {
     EXPECT_EQ(InChild({}, [] { return raise(SIGKILL); }), 128 + SIGKILL);
 }
 

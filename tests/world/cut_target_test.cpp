@@ -1,4 +1,5 @@
-// A set whose copying ends in the middle: the file is whole afterwards, as before or as after.
+// If the copying of a set ends in the middle, the file is complete afterwards: the old or the new
+// text.
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"
 #include "world/samples.h"
@@ -17,10 +19,13 @@
 namespace world {
 namespace {
 
+using testkit::kIdentityFile;
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr char kCopy[] = "/var/tmp/interfaces";
 constexpr char kTools[] = "/run/tools";
 constexpr char kOld[] = "192.168.0.10";
 constexpr char kNew[] = "10.100.100.100";
@@ -29,7 +34,7 @@ constexpr int kRounds = 200;
 class CutTargetTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
-        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld));
         std::filesystem::create_directories(kTools);
         std::filesystem::permissions(kTools, std::filesystem::perms(0755));
     }
@@ -39,7 +44,7 @@ class CutTargetTest : public testkit::DeviceTest {
         DeviceTest::TearDown();
     }
 
-    // A program that stands in front of the one of that name.
+    // Makes a program that is found before the real one with that name.
     static void MakeTool(const std::string& name, const std::string& script) {
         const std::string path = std::string(kTools) + "/" + name;
         testkit::WriteFile(path, "#!/bin/sh\n" + script);
@@ -54,7 +59,7 @@ class CutTargetTest : public testkit::DeviceTest {
     static std::string ToolsFirst() { return std::string(kTools) + ":/usr/bin:/bin"; }
 
     static bool IsWhole() {
-        const std::string text = testkit::ReadFile(kInterfaces);
+        const std::string text = testkit::ReadFile(kInterfacesFile);
         return text == InterfacesWith(kOld) || text == InterfacesWith(kNew);
     }
 };
@@ -62,66 +67,66 @@ class CutTargetTest : public testkit::DeviceTest {
 TEST_F(CutTargetTest, ACatThatIsKilledLeavesTheNewText) {
     MakeTool("cat", "kill -KILL $$\n");
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
-    EXPECT_FALSE(testkit::Exists(kCopy));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
+    EXPECT_FALSE(testkit::Exists(kInterfacesCopy));
 }
 
 TEST_F(CutTargetTest, ACatThatIsKilledHalfWayLeavesTheNewText) {
     MakeTool("cat", "head -c 40 \"$1\"; kill -KILL $$\n");
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
 }
 
 TEST_F(CutTargetTest, AMissingCatLeavesTheNewText) {
     MakeTool("rm", "exec /bin/rm \"$@\"\n");
     EXPECT_EQ(SetWithPath(kTools), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
-    EXPECT_FALSE(testkit::Exists(kCopy));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
+    EXPECT_FALSE(testkit::Exists(kInterfacesCopy));
 }
 
 TEST_F(CutTargetTest, ASearchPathWithoutToolsLeavesTheNewTextAndNoCopy) {
     EXPECT_EQ(SetWithPath("/nowhere"), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
-    EXPECT_FALSE(testkit::Exists(kCopy)) << "rm is missing, too";
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
+    EXPECT_FALSE(testkit::Exists(kInterfacesCopy)) << "rm is missing, too";
 }
 
 TEST_F(CutTargetTest, AFileThatWasEmptyGetsItsText) {
-    testkit::WriteFile("/var/libvelk/libvelk", "");
+    testkit::WriteFile(kIdentityFile, "");
     MakeTool("cat", "kill -KILL $$\n");
     const int result = InChild({}, [&] {
         setenv("PATH", ToolsFirst().c_str(), 1);
         return Set(VELK_CMD_LOCATION, "", "Cellar");
     });
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(testkit::ReadFile("/var/libvelk/libvelk"), "LOCATION=Cellar\n");
+    EXPECT_EQ(testkit::ReadFile(kIdentityFile), "LOCATION=Cellar\n");
 }
 
-TEST_F(CutTargetTest, TheFileIsMendedInPlace) {
+TEST_F(CutTargetTest, TheFileIsRepairedInPlace) {
     MakeTool("cat", "kill -KILL $$\n");
-    const testkit::FileIdentity before = testkit::IdentityOf(kInterfaces);
+    const testkit::FileIdentity before = testkit::IdentityOf(kInterfacesFile);
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
-    EXPECT_TRUE(testkit::IdentityOf(kInterfaces) == before);
+    EXPECT_TRUE(testkit::IdentityOf(kInterfacesFile) == before);
 }
 
-TEST_F(CutTargetTest, AFileThatSomebodyElseHasChangedMeanwhileStays) {
+TEST_F(CutTargetTest, AFileThatAnotherProgramHasChangedMeanwhileIsKept) {
     MakeTool("cat", "echo 'not a piece of the copy'\n");
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), "not a piece of the copy\n");
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), "not a piece of the copy\n");
 }
 
 TEST_F(CutTargetTest, ALineThatCannotStartChangesNothing) {
     libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(127 << 8));
     EXPECT_EQ(SetAddress(kNew), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
-    EXPECT_TRUE(testkit::Exists(kCopy)) << "nothing removed it";
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kOld));
+    EXPECT_TRUE(testkit::Exists(kInterfacesCopy)) << "nothing removed it";
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(CutTargetTest, AMendedFileIsLoggedOnce) {
+TEST_F(CutTargetTest, ARepairedFileIsLoggedOnce) {
     libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
-            testkit::WriteFile(kInterfaces, "");
+            testkit::WriteFile(kInterfacesFile, "");
         }
     });
     EXPECT_EQ(SetAddress(kNew), 0);
@@ -129,20 +134,20 @@ TEST_F(CutTargetTest, AMendedFileIsLoggedOnce) {
                 ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
                             "system rm /var/tmp/interfaces",
                             "log FileEdit mended /etc/network/interfaces"));
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
 }
 
-TEST_F(CutTargetTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+TEST_F(CutTargetTest, ACutFileThatCannotBeRepairedIsReportedAndItsCopyRemains) {
     libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
     libc().OnCall(testkit::Call::kSystem, [this](const testkit::Event&) {
-        testkit::WriteFile(kInterfaces, "");
+        testkit::WriteFile(kInterfacesFile, "");
         libc().Script(testkit::Call::kOpen, {testkit::Pass(), testkit::Fail(EROFS)});
     });
     EXPECT_EQ(SetAddress(kNew), -1);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
                             "log FileEdit mend errno=30:Read-only file system"));
-    EXPECT_EQ(testkit::ReadFile(kCopy), InterfacesWith(kNew)) << "the only whole text";
+    EXPECT_EQ(testkit::ReadFile(kInterfacesCopy), InterfacesWith(kNew)) << "the only whole text";
 }
 
 // ---- ends at random moments, and limits
@@ -174,7 +179,7 @@ TEST_F(CutTargetTest, ToolsKilledAtAnyMomentLeaveAWholeFile) {
         }
         return 0;
     });
-    EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfaces);
+    EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfacesFile);
 }
 
 TEST_F(CutTargetTest, OneInterruptionOfTheWholeGroupLeavesAWholeFile) {
@@ -193,12 +198,12 @@ TEST_F(CutTargetTest, OneInterruptionOfTheWholeGroupLeavesAWholeFile) {
         }
         return 0;
     });
-    EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfaces);
+    EXPECT_EQ(result, 0) << testkit::ReadFile(kInterfacesFile);
 }
 
 TEST_F(CutTargetTest, NoLimitOfDescriptorsLeavesACutFile) {
     for (rlim_t limit = 4; limit < 16; ++limit) {
-        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld));
         (void)InChild({.limits = {{RLIMIT_NOFILE, limit}}}, [] { return SetAddress(kNew); });
         EXPECT_TRUE(IsWhole()) << limit;
     }
@@ -207,49 +212,50 @@ TEST_F(CutTargetTest, NoLimitOfDescriptorsLeavesACutFile) {
 // A user of this test's own: the limit counts all processes of a user.
 TEST_F(CutTargetTest, NoLimitOfProcessesLeavesACutFile) {
     constexpr uid_t kUser = 54321;
-    constexpr int kMended = 10;
+    constexpr int kRepaired = 10;
     if (!IsPossible({.user = kUser})) {
         GTEST_SKIP() << "the private device has no other users";
     }
-    ASSERT_EQ(chown(kInterfaces, kUser, kUser), 0);
-    int mended = 0;
+    ASSERT_EQ(chown(kInterfacesFile, kUser, kUser), 0);
+    int repaired = 0;
     for (rlim_t limit = 0; limit < 5; ++limit) {
-        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld));
         const int result = InChild({.user = kUser, .limits = {{RLIMIT_NPROC, limit}}}, [] {
             (void)SetAddress(kNew);
             const std::vector<std::string> logs = testkit::LibcRecorder::Get().Logs();
-            return logs.empty() || !logs.back().starts_with("FileEdit mended") ? 0 : kMended;
+            return logs.empty() || !logs.back().starts_with("FileEdit mended") ? 0 : kRepaired;
         });
-        mended += result == kMended ? 1 : 0;
+        repaired += result == kRepaired ? 1 : 0;
         EXPECT_TRUE(IsWhole()) << limit;
     }
-    EXPECT_GT(mended, 0) << "with one of the limits the shell starts, and cat does not";
+    EXPECT_GT(repaired, 0) << "with one of the limits the shell starts, and cat does not";
 }
 
-// The shell alone is killed. Its cat has opened both files already, and writes when it likes.
+// The shell alone is killed. Its cat has already opened both files and writes later. It keeps low
+// descriptors: the lock is one of them.
 TEST_F(CutTargetTest, ACatThatOutlivesItsShellKeepsOtherSetsWaiting) {
     MakeTool("cat",
-             "exec 3<\"$1\"; kill -KILL $PPID; until [ -e /run/tools/go ]; do sleep 0.01; done\n"
-             "exec /bin/cat <&3\n");
+             "exec 9<\"$1\"; kill -KILL $PPID; until [ -e /run/tools/go ]; do sleep 0.01; done\n"
+             "exec /bin/cat <&9\n");
     EXPECT_EQ(SetWithPath(ToolsFirst()), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
     EXPECT_EQ(SetAddress(kOld), LIB_VELK_LOCKED) << "its text would be written over";
     testkit::WriteFile("/run/tools/go", "");
     WaitForFreeLock();
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
     EXPECT_EQ(SetAddress(kOld), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kOld));
 }
 
 TEST_F(CutTargetTest, NoUmaskKeepsTheToolsFromTheCopy) {
     if (!IsPossible({.user = kNobody})) {
         GTEST_SKIP() << "the private device has no other users";
     }
-    ASSERT_EQ(chown(kInterfaces, kNobody, kNobody), 0);
+    ASSERT_EQ(chown(kInterfacesFile, kNobody, kNobody), 0);
     for (const mode_t mask : {0777U, 0477U, 0U}) {
-        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
+        testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld));
         EXPECT_EQ(InChild({.user = kNobody, .umask = mask}, [] { return SetAddress(kNew); }), 0);
-        EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew)) << mask;
+        EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew)) << mask;
     }
 }
 
@@ -258,31 +264,31 @@ TEST_F(CutTargetTest, AHostWithTwoUsersSetsTheFile) {
     if (!IsPossible({.user = kNobody})) {
         GTEST_SKIP() << "the private device has no other users";
     }
-    ASSERT_EQ(chmod(kInterfaces, 0666), 0);
+    ASSERT_EQ(chmod(kInterfacesFile, 0666), 0);
     for (const mode_t mask : {0077U, 0777U}) {
-        testkit::WriteFile(kInterfaces, InterfacesWith(kOld));
-        EXPECT_EQ(
-            InChild({.umask = mask},
-                    [] {
-                        if (setresuid(kNobody, 0, 0) != 0) {
-                            return 1;
-                        }
-                        testkit::LibcRecorder::Get().OnCall(
-                            testkit::Call::kSystem, [](const testkit::Event& event) {
-                                struct stat facts {};
-                                if (event.text.starts_with("cat ") &&
-                                    (stat(kCopy, &facts) != 0 || (facts.st_mode & 07777) != 0644)) {
-                                    _exit(2);
-                                }
-                            });
-                        return SetAddress(kNew);
-                    }),
-            0)
+        testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld));
+        EXPECT_EQ(InChild({.umask = mask},
+                          [] {
+                              if (setresuid(kNobody, 0, 0) != 0) {
+                                  return 1;
+                              }
+                              testkit::LibcRecorder::Get().OnCall(
+                                  testkit::Call::kSystem, [](const testkit::Event& event) {
+                                      struct stat facts {};
+                                      if (event.text.starts_with("cat ") &&
+                                          (stat(kInterfacesCopy, &facts) != 0 ||
+                                           (facts.st_mode & 07777) != 0644)) {
+                                          _exit(2);
+                                      }
+                                  });
+                              return SetAddress(kNew);
+                          }),
+                  0)
             << mask;
-        EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew)) << mask;
-        EXPECT_FALSE(testkit::Exists(kCopy)) << "the real user may not remove it";
+        EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew)) << mask;
+        EXPECT_FALSE(testkit::Exists(kInterfacesCopy)) << "the real user may not remove it";
     }
-    chmod(kInterfaces, 0644);
+    chmod(kInterfacesFile, 0644);
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
-// A set in a host with a limit on the size of files: the file stays as it was.
+// A set in a host with a limit on the size of files leaves the file unchanged.
 #include <csignal>
 #include <string>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"
 #include "world/samples.h"
@@ -10,7 +11,9 @@
 namespace world {
 namespace {
 
-constexpr char kCopy[] = "/var/tmp/interfaces";
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+
 constexpr char kOld[] = "192.168.0.10";
 constexpr char kNew[] = "10.100.100.100";
 constexpr rlim_t kLimit = 100;  // less than the file has
@@ -18,7 +21,7 @@ constexpr int kEndedBySizeSignal = 128 + SIGXFSZ;
 
 class FileSizeTest : public testkit::DeviceTest {
   protected:
-    void SetUp() override { testkit::WriteFile(kInterfaces, InterfacesWith(kOld)); }
+    void SetUp() override { testkit::WriteFile(kInterfacesFile, InterfacesWith(kOld)); }
 
     // Sets the address in a host with that limit, and with this action for SIGXFSZ. Returns 0 if
     // the library answered -1.
@@ -30,19 +33,19 @@ class FileSizeTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(FileSizeTest, TheSignalEndsAHostAndTheFileStays) {
+TEST_F(FileSizeTest, TheSignalEndsAHostAndTheFileIsKept) {
     EXPECT_EQ(SetWith(SIG_DFL), kEndedBySizeSignal);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
-    EXPECT_EQ(testkit::ReadFile(kCopy), InterfacesWith(kNew).substr(0, kLimit))
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kOld));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesCopy), InterfacesWith(kNew).substr(0, kLimit))
         << "the edit copy stays as long as it got";
     EXPECT_EQ(SetAddress(kNew), LIB_VELK_SUCCESS) << "and the next set replaces it";
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kNew));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kNew));
 }
 
-TEST_F(FileSizeTest, AHostThatIgnoresTheSignalIsToldAndTheFileStays) {
+TEST_F(FileSizeTest, AHostThatIgnoresTheSignalGetsAFailureAndTheFileIsKept) {
     EXPECT_EQ(SetWith(SIG_IGN), 0);
-    EXPECT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith(kOld));
-    EXPECT_FALSE(testkit::Exists(kCopy));
+    EXPECT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith(kOld));
+    EXPECT_FALSE(testkit::Exists(kInterfacesCopy));
 }
 
 }  // namespace

@@ -44,13 +44,13 @@ int Listen(const std::string& name, int longest_queue) {
     return AtAddress(bind, listener, name) && listen(listener, longest_queue) == 0 ? listener : -1;
 }
 
-// The kernel lets one more wait than the length of the queue: this process itself.
+// The kernel lets one process more than the length of the queue wait: this process itself.
 bool ListenWithFullQueue(const std::string& name) {
     return Listen(name, 0) != -1 && AtAddress(connect, MakeSocket(), name);
 }
 
 void Answer(int customer, int process) {
-    char text[] = "obeyed";
+    char text[] = "done";
     iovec part = {text, strlen(text)};
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(process))] = {};
     msghdr message = {};

@@ -14,7 +14,7 @@ if [ -z "${VELK_IN_OWN_NETWORK:-}" ]; then
     VELK_IN_OWN_NETWORK=1 exec unshare --net --pid --fork --kill-child --mount-proc bash "$0"
 fi
 
-# What the other user needs is copied to a folder that he can read.
+# The other user can read only copies of the programs in this folder.
 cp "$VELK_BUILD/tests/world/foreign_listener" "$VELK_BUILD/velk-sandbox" "$lib_folder" || exit
 chmod -R a+rX "$lib_folder"
 heard=$lib_folder/heard
@@ -26,9 +26,9 @@ trap 'kill "${processes[@]}" 2>/dev/null; rm -rf "$lib_folder"' EXIT
 # No function: a process in the background is to be the program itself.
 as_nobody=(setpriv --reuid 65534 --regid 65534 --clear-groups)
 
-# Starts a listener, in the background, and waits for it; what it hears goes into the file `heard`.
+# Starts a listener in the background and waits for it; its input goes into the file `heard`.
 listen() { # listen COMMAND...
-    : >"$heard" # of the listener before
+    : >"$heard" # left by the listener before
     "$@" >"$heard" &
     listener=$!
     processes+=("$listener")
@@ -71,7 +71,7 @@ printf '#!/bin/sh\ntouch %s\n' "$proof" >"$lib_folder/script"
 chmod 0755 "$lib_folder/script"
 ran_nothing() { check 'program of the other user' 'not run' "$([ -e "$proof" ] && echo run || echo 'not run')"; }
 
-it 'has a trap that works'
+it 'has a working trap'
 start_trap "${as_nobody[@]}"
 if gets_namespaces "${as_nobody[@]}"; then
     run nsenter --target "$trapped" --user --mount --preserve-credentials -- id
@@ -102,10 +102,11 @@ ran_nothing
 it 'gives a new device another number, and says who has taken a name'
 run velk-sandbox -- true
 status_is 0
-error_has 'by the name of 2.'
+error_has 'simulated device 2;'
 run velk-sandbox --name 1 -- true
 status_is 125
-error_is 'velk-sandbox: the name 1 is taken by user nobody (65534); choose another one with --name'
+error_is 'velk-sandbox: the name 1 is taken by user nobody (65534)
+  fix: choose another name with --name'
 heard_nothing
 
 it 'finds its own device beside the foreign one'
@@ -119,7 +120,7 @@ run velk-sandbox cable out
 status_is 0
 heard_nothing
 
-it 'lists its own devices alone, whatever the names of others are'
+it 'lists only its own devices, with any names of others'
 run velk-sandbox list
 output_is mine
 error_is ''
@@ -156,7 +157,8 @@ it 'says that a full queue may be another user'"'"'s'
 run velk-sandbox enter --name full1 -- id
 status_is 125
 output_is ''
-error_is 'velk-sandbox: device full1 is too busy to answer, and may be another user'"'"'s; try again'
+error_is "velk-sandbox: device full1 does not answer; it may be another user's
+  fix: try again"
 end_listener
 
 it 'sends nothing to another user in the place of the hardware on a device'
@@ -173,7 +175,7 @@ run velk-sandbox --quiet -- sh -c 'rm /run/velk-sandbox/hardware && chmod 0777 /
 output_is $'125\nlistening'
 error_is 'velk-sandbox: this device belongs to user nobody (65534), not to you; nothing was sent to it'
 
-# As if a program of root's had been talked into listening for somebody else.
+# Simulates a program of root's that listens for somebody else.
 it 'enters no process of another user that a listener of its own hands over'
 listen "$lib_folder/foreign_listener" velk-sandbox/0/deceived "$trapped"
 for arguments in 'watch --name deceived' 'enter --name deceived -- id'; do
@@ -181,7 +183,7 @@ for arguments in 'watch --name deceived' 'enter --name deceived -- id'; do
     run velk-sandbox $arguments
     status_is 125
     output_is ''
-    error_is 'velk-sandbox: the device offers a process of user nobody (65534); it was not entered'
+    error_is 'velk-sandbox: the device sent a process of user nobody (65534); it was not entered'
 done
 check 'heard by the listener' $'listening\nfirst process\nfirst process' "$(cat "$heard")"
 ran_nothing
@@ -194,7 +196,7 @@ if gets_namespaces env; then
     run velk-sandbox enter --name deceived -- id
     status_is 125
     output_is ''
-    error_is 'velk-sandbox: the device is in a user namespace that this user'"'"'s devices are not in; it was not entered'
+    error_is 'velk-sandbox: the device is in a foreign user namespace; it was not entered'
     ran_nothing
     end_listener
 else
@@ -209,10 +211,10 @@ kill "$gone"
 wait "$gone" 2>/dev/null
 run velk-sandbox enter --name deceived -- id
 status_is 125
-error_is 'velk-sandbox: the device lets nobody in'
+error_is 'velk-sandbox: the device did not send its first process'
 end_listener
 
-it 'protects ordinary users alike'
+it 'protects ordinary users too'
 listen "$lib_folder/foreign_listener" velk-sandbox/65534/1 "$trapped"
 run "${as_nobody[@]}" "$lib_folder/velk-sandbox" enter -- id
 status_is 125
@@ -222,7 +224,7 @@ end_listener
 listen "${as_nobody[@]}" "$lib_folder/foreign_listener" velk-sandbox/65534/1 "$trapped"
 run "${as_nobody[@]}" "$lib_folder/velk-sandbox" enter -- id
 status_is 125
-error_is 'velk-sandbox: the device offers a process of user root (0); it was not entered'
+error_is 'velk-sandbox: the device sent a process of user root (0); it was not entered'
 ran_nothing
 end_listener
 

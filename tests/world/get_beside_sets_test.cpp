@@ -1,11 +1,12 @@
-// Gets beside two programs that set all the time: no get takes the moment in which the shell has
-// emptied a file for a setting that is off.
+// Gets beside two programs that set all the time: no get reads a setting as off because the shell
+// has just emptied its file.
 #include <chrono>
 #include <string>
 
 #include <gmock/gmock.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"
 #include "world/samples.h"
@@ -13,9 +14,14 @@
 namespace world {
 namespace {
 
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+
 constexpr int kGets = 3000;
 
-// Sets the server back and forth for ever. The method stays as it is.
+// Sets two servers in turn for ever. The method stays unchanged.
 int SetServers() {
     for (int i = 0;; ++i) {
         (void)Set(VELK_CMD_NTP_SERVER, "", i % 2 == 0 ? "a.example" : "b.example");
@@ -31,8 +37,7 @@ class GetBesideSetsTest : public testkit::DeviceTest {
 };
 
 TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
-    testkit::WriteFile("/var/cron/tabs/root",
-                       "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n");
+    testkit::WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n");
     const Child one({}, SetServers);
     const Child other({}, SetServers);
     int given_up = 0;
@@ -49,9 +54,9 @@ TEST_F(GetBesideSetsTest, TheMethodIsNeverOff) {
     EXPECT_LT(given_up, kGets);
 }
 
-// A file that stays empty is what it is.
+// A file that stays empty is taken as empty.
 TEST_F(GetBesideSetsTest, AnEmptyFileIsReadAgainFor50MillisecondsAndThenTaken) {
-    testkit::WriteFile("/var/cron/tabs/root", "");
+    testkit::WriteFile(kCrontab, "");
     libc().ScriptAlways(testkit::Call::kNanosleep, testkit::Return(0));
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_NTP, ""), 0);
     EXPECT_EQ(response.data[0], VELK_OFF);
@@ -66,14 +71,14 @@ TEST_F(GetBesideSetsTest, EachFileThatIsNeverEmptyIsReadAgain) {
         const char* interface;
         std::string answer;
     } kCases[] = {
-        {"/var/cron/tabs/root", "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n",
-         VELK_CMD_NTP, "", "\x01"},
-        {"/var/cron/tabs/root", "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n",
-         VELK_CMD_NTP_SERVER, "", "a.example"},
-        {"/etc/dhclient.conf", "interface \"eth0\" {\n\trequest domain-name-servers;\n}\n",
+        {kCrontab, "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n", VELK_CMD_NTP, "",
+         "\x01"},
+        {kCrontab, "0 * * * * /usr/bin/ntpdate -u a.example >/dev/null\n", VELK_CMD_NTP_SERVER, "",
+         "a.example"},
+        {kDhcpConfigFile, "interface \"eth0\" {\n\trequest domain-name-servers;\n}\n",
          VELK_CMD_DHCP_DNS, "eth0", "\x01"},
-        {"/var/libvelk/libvelk", "LOCATION=Cellar\n", VELK_CMD_LOCATION, "", "Cellar"},
-        {kInterfaces, "iface eth0 inet dhcp\n", VELK_CMD_IP_METHOD, "eth0", "\x02"},
+        {kIdentityFile, "LOCATION=Cellar\n", VELK_CMD_LOCATION, "", "Cellar"},
+        {kInterfacesFile, "iface eth0 inet dhcp\n", VELK_CMD_IP_METHOD, "eth0", "\x02"},
     };
     for (const auto& one : kCases) {
         testkit::WriteFile(one.file, "");

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"
 #include "world/samples.h"
@@ -13,12 +14,16 @@
 namespace world {
 namespace {
 
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kUsbDevices;
+
 constexpr int kRounds = 300;
 
 class KilledCallerTest : public testkit::DeviceTest {};
 
 TEST_F(KilledCallerTest, AnotherSetAtOnceLosesNothing) {
-    testkit::WriteFile(kInterfaces, InterfacesWith("10.0.0.10"));
+    testkit::WriteFile(kInterfacesFile, InterfacesWith("10.0.0.10"));
     for (int i = 0; i < kRounds; ++i) {
         Child caller({}, [] { return SetAddress("10.0.0.20"); });
         usleep(static_cast<useconds_t>(i * 17 % 4000));
@@ -28,13 +33,13 @@ TEST_F(KilledCallerTest, AnotherSetAtOnceLosesNothing) {
         while (SetAddress("10.0.0.40") == LIB_VELK_LOCKED) {
             usleep(100);  // the killed caller's tool still copies
         }
-        ASSERT_EQ(testkit::ReadFile(kInterfaces), InterfacesWith("10.0.0.40")) << "round " << i;
+        ASSERT_EQ(testkit::ReadFile(kInterfacesFile), InterfacesWith("10.0.0.40")) << "round " << i;
     }
 }
 
-// What a restart leaves running would keep the lock for minutes.
+// A tool that a restart leaves running would keep the lock for minutes.
 TEST_F(KilledCallerTest, NoOtherToolInheritsTheLock) {
-    testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    testkit::WriteFile(kUsbDevices, "S:  Product=QT4408RKM\n");
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) {
         const testkit::Unrecorded ours;
         EXPECT_EQ(system("ls -l /proc/self/fd | grep -q vklib_lock"), 1 << 8)
@@ -47,7 +52,7 @@ TEST_F(KilledCallerTest, NoOtherToolInheritsTheLock) {
 }
 
 TEST_F(KilledCallerTest, TheLinesThatCopyInheritTheLock) {
-    testkit::WriteFile(kInterfaces, InterfacesWith("10.0.0.10"));
+    testkit::WriteFile(kInterfacesFile, InterfacesWith("10.0.0.10"));
     int inherited = 0;
     libc().OnCall(testkit::Call::kSystem, [&](const testkit::Event&) {
         const testkit::Unrecorded ours;
@@ -57,9 +62,9 @@ TEST_F(KilledCallerTest, TheLinesThatCopyInheritTheLock) {
     EXPECT_EQ(inherited, 2);
 }
 
-// The daemon of the SNMP restart lives on. The settings file's own two lines inherit the lock.
+// The daemon of the SNMP restart keeps running. The settings file's own two lines inherit the lock.
 TEST_F(KilledCallerTest, TheSnmpLinesDoNotInheritTheLock) {
-    testkit::WriteFile("/var/libvelk/libvelk", "");
+    testkit::WriteFile(kIdentityFile, "");
     std::vector<std::string> holders;
     libc().OnCall(testkit::Call::kSystem, [&](const testkit::Event& event) {
         const testkit::Unrecorded ours;

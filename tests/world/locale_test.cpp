@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace world {
 namespace {
@@ -14,16 +15,16 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
+using testkit::kIdentityFile;
+using testkit::kSnmpFile;
 
-constexpr char kSettings[] = "/var/libvelk/libvelk";
-constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
 constexpr char kSnmpBefore[] = "syscontact Robin\nsyslocation Cellar\n";
 constexpr char kPlanted[] = "/tmp/owned";
 constexpr char kLocales[] = "/run/locales";
 
 struct Encoding {
     const char* locale;
-    const char* source;   // of localedef(1); null for a locale that every C library has
+    const char* source;   // the source for localedef(1); null for a locale of every C library
     const char* charmap;  // null as well
     bool is_safe;
 };
@@ -96,9 +97,9 @@ class LocaleTest : public testkit::DeviceTest, public testing::WithParamInterfac
         ASSERT_EQ(system(question.c_str()), 0) << "the locale was not made";
     }
 
-    // Sets the administrator. The SNMP line for sed(1) runs, without sudo(8) and nothing else.
+    // Sets the administrator. Only the SNMP line for sed(1) runs, without sudo(8).
     void SetAdministrator(const std::string& value) {
-        testkit::WriteFile(kSettings, "ADMINISTRATOR=\n");
+        testkit::WriteFile(kIdentityFile, "ADMINISTRATOR=\n");
         testkit::WriteFile(kSnmpFile, kSnmpBefore);
         libc().ForgetEvents();
         libc().ScriptAlways(Call::kSystem, testkit::Return(0));
@@ -113,7 +114,7 @@ class LocaleTest : public testkit::DeviceTest, public testing::WithParamInterfac
         }
     }
 
-    // The text arrives whole where the library hands it on, and nothing happens where not.
+    // The text arrives complete, or the library does not pass it on and nothing happens.
     void ExpectNoCommand(const std::string& value) {
         SetAdministrator(value);
         const bool is_handed_on = GetParam().is_safe || IsAscii(value);
@@ -141,7 +142,7 @@ TEST_P(LocaleTest, NoPairOfBytesBecomesACommand) {
     }
 }
 
-// The byte in front of the slash may take its backslash; what follows would be flags of the
+// The byte in front of the slash may take its backslash; the bytes after it would be flags of the
 // command.
 TEST_P(LocaleTest, NoByteInFrontOfASlashEndsTheCommandOfSed) {
     for (const char byte : EveryByte()) {

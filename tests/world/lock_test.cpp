@@ -1,4 +1,4 @@
-// The set/restart lock where another user has made its file and replaces it at any moment.
+// Another user has made the file of the set/restart lock, and replaces it at any moment.
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -10,31 +10,31 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "world/child.h"
 #include "world/shared.h"
 
 namespace world {
 namespace {
 
-using fault::kInterfaces;
-using fault::kLock;
+using testkit::kInterfacesFile;
+using testkit::kLockFile;
 
 const Conditions kAsNobody{.user = kNobody};
 
 bool MakeLockFile() {
-    const int fd = open(kLock, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int fd = open(kLockFile, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     return fd != -1 && fchmod(fd, 0666) == 0 && close(fd) == 0;
 }
 
 bool ReplaceLockFile() {
-    return unlink(kLock) == 0 && MakeLockFile();
+    return unlink(kLockFile) == 0 && MakeLockFile();
 }
 
 int SwapForEver() {
     while (true) {
-        (void)unlink(kLock);
+        (void)unlink(kLockFile);
         (void)MakeLockFile();
         usleep(50);
     }
@@ -59,7 +59,7 @@ TEST_F(WorldLockTest, AnotherUserCannotReplaceTheFileOfAHolder) {
 }
 
 TEST_F(WorldLockTest, EveryUserLocksTheFileThatRootHasTakenOver) {
-    ASSERT_EQ(chmod(kLock, 0600), 0);
+    ASSERT_EQ(chmod(kLockFile, 0600), 0);
     const auto can_lock = [] { return VkLibLock() > 0 ? 0 : 1; };
     const Conditions as_third{.user = kNobody - 1};
     EXPECT_EQ(InChild(as_third, can_lock), 1) << "its maker lets nobody else";
@@ -68,7 +68,7 @@ TEST_F(WorldLockTest, EveryUserLocksTheFileThatRootHasTakenOver) {
     EXPECT_EQ(InChild(as_third, can_lock), 0);
 }
 
-// Who holds the lock gives the file back before it is free, so that every round begins anew.
+// The holder gives the file back before he releases the lock, so that every round begins anew.
 int HoldAgainAndAgain(std::atomic<int>& holders, std::atomic<int>& rounds) {
     while (rounds < 500) {
         const int lock = VkLibLock();
@@ -119,10 +119,10 @@ TEST_F(WorldLockTest, AUserWhoReplacesTheFileCutsNoEditedFile) {
     for (int line = 0; line < 200; ++line) {
         text += comments + "\n";
     }
-    testkit::WriteFile(kInterfaces, text);
+    testkit::WriteFile(kInterfacesFile, text);
     const Child swapper(kAsNobody, SwapForEver);
     for (int round = 0; round < 10; ++round) {
-        (void)unlink(kLock);  // now it is the other user's again
+        (void)unlink(kLockFile);  // now it is the other user's again
         usleep(1000);
         std::vector<std::unique_ptr<Child>> callers;
         for (int number = 1; number <= 4; ++number) {
@@ -134,34 +134,34 @@ TEST_F(WorldLockTest, AUserWhoReplacesTheFileCutsNoEditedFile) {
         for (const std::unique_ptr<Child>& caller : callers) {
             EXPECT_EQ(caller->Wait(), 0);
         }
-        EXPECT_EQ(testkit::ReadFile(kInterfaces).size(), text.size());
+        EXPECT_EQ(testkit::ReadFile(kInterfacesFile).size(), text.size());
     }
 }
 
-// Whatever another user left there before the reboot.
+// The boot script replaces any file that another user left there before the reboot.
 TEST_F(WorldLockTest, TheBootScriptMakesTheFileRoots) {
     const std::string script = "'" VELK_SOURCE_DIR "/packaging/init.d/velk-lock' start";
-    ASSERT_EQ(unlink(kLock), 0);
-    ASSERT_EQ(InChild(kAsNobody, [] { return mkdir(kLock, 0700); }), 0);
+    ASSERT_EQ(unlink(kLockFile), 0);
+    ASSERT_EQ(InChild(kAsNobody, [] { return mkdir(kLockFile, 0700); }), 0);
     for (int boot = 0; boot < 2; ++boot) {
         EXPECT_EQ(system(script.c_str()), 0);
-        const testkit::FileIdentity file = testkit::IdentityOf(kLock);
+        const testkit::FileIdentity file = testkit::IdentityOf(kLockFile);
         EXPECT_EQ(file.owner, 0U);
         EXPECT_EQ(file.mode, S_IFREG | 0666U);
     }
 }
 
-// Somebody may hold the lock.
+// Another program may hold the lock.
 TEST_F(WorldLockTest, TheBootScriptLeavesAFileOfRootsAsItIs) {
     const int lock = VkLibLock();
     ASSERT_GT(lock, 0);
     ASSERT_EQ(fchmod(lock, 0600), 0);
-    const testkit::FileIdentity before = testkit::IdentityOf(kLock);
+    const testkit::FileIdentity before = testkit::IdentityOf(kLockFile);
     for (const std::string order : {"start", "restart", "force-reload"}) {
         const std::string line = "'" VELK_SOURCE_DIR "/packaging/init.d/velk-lock' " + order;
         EXPECT_EQ(system(line.c_str()), 0) << order;
-        EXPECT_EQ(testkit::IdentityOf(kLock).inode, before.inode) << order;
-        EXPECT_EQ(testkit::IdentityOf(kLock).mode, S_IFREG | 0666U) << order;
+        EXPECT_EQ(testkit::IdentityOf(kLockFile).inode, before.inode) << order;
+        EXPECT_EQ(testkit::IdentityOf(kLockFile).mode, S_IFREG | 0666U) << order;
     }
     VkLibUnLock(lock);
 }

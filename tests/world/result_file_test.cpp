@@ -1,4 +1,4 @@
-// What other users plant at the name of the file into which tools print.
+// Other users plant things under the name of the file into which tools print.
 #include <chrono>
 #include <functional>
 #include <string>
@@ -11,17 +11,21 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 #include "world/child.h"
 
 namespace world {
 namespace {
 
+using testkit::kEditFolder;
+using testkit::kResultFile;
+using testkit::kUsbDevices;
+
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
-constexpr char kResult[] = "/var/tmp/get_result";
 constexpr char kVictim[] = "/var/tmp/victim";
-// A call that waits for somebody would take longer, for ever as a rule.
+// A call that waits for another process would take longer, and usually never end.
 constexpr seconds kLongest{60};
 constexpr char kRightSpeed[] = "Speed: 100Mb/s\nDuplex: Full\nAuto-negotiation: off\n";
 constexpr char kPlanted[] = "Speed: 10Mb/s\nDuplex: Half\nAuto-negotiation: off\n";
@@ -32,39 +36,39 @@ class ResultFileTest : public testkit::DeviceTest {
         if (!IsPossible({.user = kNobody})) {
             GTEST_SKIP() << "the private device has no other users";
         }
-        ASSERT_EQ(chmod("/var/tmp", 01777), 0);
+        ASSERT_EQ(chmod(kEditFolder, 01777), 0);
         tools_.Prints("sudo ethtool eth0", {kRightSpeed});
         tools_.Prints("sudo /usr/sbin/ethtool eth0", {"Link detected: yes\n"});
     }
 
-    // Another user does it.
+    // Runs the function as another user.
     static void Plant(const std::function<int()>& planting) {
         ASSERT_EQ(InChild({.user = kNobody}, planting), 0);
     }
     static int PlantFile() {
-        testkit::WriteFile(kResult, kPlanted);
-        return testkit::Exists(kResult) ? 0 : 1;
+        testkit::WriteFile(kResultFile, kPlanted);
+        return testkit::Exists(kResultFile) ? 0 : 1;
     }
     static int PlantFolder() {
-        return mkdir(kResult, 0777) + mkdir((std::string(kResult) + "/deep").c_str(), 0777);
+        return mkdir(kResultFile, 0777) + mkdir((std::string(kResultFile) + "/deep").c_str(), 0777);
     }
 
-    // The get answers rightly, without waiting for anybody.
+    // Checks that the get has the right answer and waits for nobody.
     void ExpectTheRightSpeed() {
         const auto start = steady_clock::now();
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), 0);
         EXPECT_EQ(response.data[0], VELK_LINK_100_FULL);
         EXPECT_LT(steady_clock::now() - start, kLongest);
-        EXPECT_FALSE(testkit::Exists(kResult));
+        EXPECT_FALSE(testkit::Exists(kResultFile));
     }
-    // The get fails, without waiting for anybody and without a line being run.
+    // Checks that the get fails, waits for nobody and runs no shell line.
     void ExpectAFailureAtOnce() {
         const auto start = steady_clock::now();
         const int result = InChild({.user = kNobody}, [] {
             const _velk_request request =
                 testkit::MakeRequest(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
-            _velk_request told;
-            const int answer = execute_velk_command(&request, &told);
+            _velk_request answered;
+            const int answer = execute_velk_command(&request, &answered);
             const testkit::LibcRecorder& libc = testkit::LibcRecorder::Get();
             const bool is_quiet =
                 libc.Commands().empty() && libc.Logs() == std::vector<std::string>{"ifstream"};
@@ -84,14 +88,14 @@ TEST_F(ResultFileTest, AFileOfAnotherUserIsReplaced) {
 }
 
 TEST_F(ResultFileTest, APipeIsRemovedAndNotWaitedFor) {
-    Plant([] { return mkfifo(kResult, 0666); });
+    Plant([] { return mkfifo(kResultFile, 0666); });
     ExpectTheRightSpeed();
 }
 
-TEST_F(ResultFileTest, APipeIsNotWaitedForWhenReadAlone) {
+TEST_F(ResultFileTest, APipeIsNotWaitedForIfOnlyRead) {
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) {
-        unlink(kResult);
-        EXPECT_EQ(mkfifo(kResult, 0666), 0);
+        unlink(kResultFile);
+        EXPECT_EQ(mkfifo(kResultFile, 0666), 0);
     });
     const auto start = steady_clock::now();
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
@@ -100,14 +104,14 @@ TEST_F(ResultFileTest, APipeIsNotWaitedForWhenReadAlone) {
 
 TEST_F(ResultFileTest, ASymbolicLinkIsRemovedAndNotFollowed) {
     testkit::WriteFile(kVictim, "keep me\n");
-    Plant([] { return symlink(kVictim, kResult); });
+    Plant([] { return symlink(kVictim, kResultFile); });
     ExpectTheRightSpeed();
     EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
 }
 
 TEST_F(ResultFileTest, AHardLinkIsRemovedAndNotWrittenTo) {
     testkit::WriteFile(kVictim, "keep me\n");
-    ASSERT_EQ(link(kVictim, kResult), 0);
+    ASSERT_EQ(link(kVictim, kResultFile), 0);
     ExpectTheRightSpeed();
     EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
 }
@@ -119,35 +123,35 @@ TEST_F(ResultFileTest, AFolderIsMovedAway) {
 
 TEST_F(ResultFileTest, AHugeFileIsNotRead) {
     Plant([] {
-        const int fd = open(kResult, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+        const int fd = open(kResultFile, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
         return ftruncate(fd, 20LL << 30);
     });
     ExpectTheRightSpeed();
 }
 
-TEST_F(ResultFileTest, WhatCannotBeRemovedIsNotOpened) {
-    testkit::WriteFile(kResult, kPlanted);  // of root's, in a sticky folder
+TEST_F(ResultFileTest, AFileThatCannotBeRemovedIsNotOpened) {
+    testkit::WriteFile(kResultFile, kPlanted);  // a file of root in a sticky folder
     ExpectAFailureAtOnce();
-    EXPECT_EQ(testkit::ReadFile(kResult), kPlanted);
+    EXPECT_EQ(testkit::ReadFile(kResultFile), kPlanted);
 }
 
 TEST_F(ResultFileTest, AFolderThatCannotBeRemovedIsAFailure) {
-    ASSERT_EQ(mkdir(kResult, 0755), 0);
+    ASSERT_EQ(mkdir(kResultFile, 0755), 0);
     ExpectAFailureAtOnce();
-    EXPECT_EQ(rmdir(kResult), 0);
+    EXPECT_EQ(rmdir(kResultFile), 0);
 }
 
-TEST_F(ResultFileTest, OnesOwnOldFileIsWrittenAgain) {
-    testkit::WriteFile(kResult, kPlanted);
+TEST_F(ResultFileTest, TheCallersOwnOldFileIsWrittenAgain) {
+    testkit::WriteFile(kResultFile, kPlanted);
     ExpectTheRightSpeed();
 }
 
-// Somebody who plants all the time may make a get fail, and nothing else.
-TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
+// A user who plants without a pause may make a get fail, and nothing else.
+TEST_F(ResultFileTest, AUserWhoPlantsWithoutAPauseInjectsNoValue) {
     Child planter({.user = kNobody}, [] {
         for (;;) {
-            (void)symlink(kVictim, kResult);
-            (void)mkfifo(kResult, 0666);
+            (void)symlink(kVictim, kResultFile);
+            (void)mkfifo(kResultFile, 0666);
         }
         return 0;
     });
@@ -159,10 +163,10 @@ TEST_F(ResultFileTest, SomebodyWhoPlantsAllTheTimeFeedsNoValue) {
     EXPECT_EQ(testkit::ReadFile(kVictim), "keep me\n");
 }
 
-TEST_F(ResultFileTest, ARestartEndsWhateverIsPlanted) {
-    testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+TEST_F(ResultFileTest, ARestartEndsWithAnyPlantedFile) {
+    testkit::WriteFile(kUsbDevices, "S:  Product=QT4408RKM\n");
     for (const auto& planting : {std::function<int()>(PlantFile), std::function<int()>(PlantFolder),
-                                 std::function<int()>([] { return mkfifo(kResult, 0666); })}) {
+                                 std::function<int()>([] { return mkfifo(kResultFile, 0666); })}) {
         Plant(planting);
         const auto start = steady_clock::now();
         EXPECT_EQ(Execute(VELK_RESTART, VELK_CMD_RESTART, "eth0"), 0);
@@ -176,7 +180,7 @@ TEST_F(ResultFileTest, ARestartEndsWhateverIsPlanted) {
 // A lock that another user keeps costs each run of a tool 3 seconds, and no value.
 TEST_F(ResultFileTest, ALockOfAnotherUserIsNotWaitedForForEver) {
     Child holder({.user = kNobody}, [] {
-        const int fd = open("/var/tmp", O_RDONLY | O_CLOEXEC);
+        const int fd = open(kEditFolder, O_RDONLY | O_CLOEXEC);
         if (flock(fd, LOCK_EX) != 0) {
             return 1;
         }
@@ -196,15 +200,15 @@ TEST_F(ResultFileTest, ALockOfAnotherUserIsNotWaitedForForEver) {
 // A lock that is kept for ever, and files that come and go.
 TEST_F(ResultFileTest, AKeptLockAndComingFilesHoldNoReaderForLong) {
     Child holder({.user = kNobody}, [] {
-        const int fd = open("/var/tmp", O_RDONLY | O_CLOEXEC);
+        const int fd = open(kEditFolder, O_RDONLY | O_CLOEXEC);
         if (flock(fd, LOCK_EX) != 0) {
             return 1;
         }
         for (;;) {
             testkit::WriteFile("/var/tmp/held", "");
-            (void)mkfifo(kResult, 0666);
+            (void)mkfifo(kResultFile, 0666);
             usleep(100000);
-            (void)unlink(kResult);
+            (void)unlink(kResultFile);
         }
     });
     while (!testkit::Exists("/var/tmp/held")) {

@@ -1,12 +1,10 @@
-// samples.h - the file whose loss the tests of this ring look for.
+// samples.h - the file that the tests of this ring must find complete.
 #ifndef TESTS_WORLD_SAMPLES_H_
 #define TESTS_WORLD_SAMPLES_H_
 
 #include <string>
 
 namespace world {
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 
 // The interfaces file with this address of eth0. All addresses of one length give files of one
 // size.

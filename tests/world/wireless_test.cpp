@@ -1,4 +1,4 @@
-// Wireless keys on a device with a user who wants them.
+// Tests that another user of the device cannot obtain wireless keys.
 #include <atomic>
 #include <cstring>
 #include <optional>
@@ -15,6 +15,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 #include "world/child.h"
 #include "world/shared.h"
 
@@ -25,20 +26,22 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Event;
+using testkit::kReplySocket;
+using testkit::kRequestSocket;
+using testkit::kSemaphoreFile;
+using testkit::kSemaphoreFolder;
+using testkit::kSemaphoreName;
 
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
-constexpr char kSemaphore[] = "/WlanAplRecvSem";
-constexpr char kSemaphoreFile[] = "/dev/shm/sem.WlanAplRecvSem";
 constexpr char kKey[] = "zq7Xsecret9vW";
 
 const Conditions kAsNobody{.user = kNobody};
 
-// What the other user does.
+// The actions of the other user.
 
 sockaddr_un ReplyAddress() {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    strcpy(address.sun_path, kReplyPath);
+    strcpy(address.sun_path, kReplySocket);
     return address;
 }
 
@@ -52,23 +55,23 @@ bool Bind(int fd) {
 }
 
 bool MakePostedSemaphore() {
-    sem_t* sem = sem_open(kSemaphore, O_RDWR | O_CREAT | O_EXCL, 0666U, 1000U);
+    sem_t* sem = sem_open(kSemaphoreName, O_RDWR | O_CREAT | O_EXCL, 0666U, 1000U);
     return sem != SEM_FAILED && sem_close(sem) == 0;
 }
 
 bool PostSemaphore() {
-    sem_t* sem = sem_open(kSemaphore, O_RDWR, 0U, 0U);
+    sem_t* sem = sem_open(kSemaphoreName, O_RDWR, 0U, 0U);
     return sem != SEM_FAILED && sem_post(sem) == 0;
 }
 
-// Says whether a record with the key has come.
+// Returns true if a record with the key has come.
 bool HasKey(int fd) {
     char record[240];
     const ssize_t size = recv(fd, record, sizeof(record), 0);
     return size > 0 && memmem(record, static_cast<size_t>(size), kKey, strlen(kKey)) != nullptr;
 }
 
-// Sits at path and semaphore before the query and waits.
+// Takes path and semaphore before the query and waits.
 int Squat(std::atomic<bool>& is_there, std::atomic<bool>& is_over) {
     const int fd = OpenSocket();
     if (!Bind(fd) || !MakePostedSemaphore()) {
@@ -94,7 +97,7 @@ int Race(std::atomic<int>& keys) {
             }
             close(fd);
             fd = OpenSocket();
-            (void)unlink(kReplyPath);
+            (void)unlink(kReplySocket);
         }
     }
 }
@@ -116,7 +119,7 @@ int Inject() {
     }
 }
 
-// Another umask while it lives.
+// Sets another umask during its lifetime.
 class OpenUmask {
   public:
     OpenUmask() : saved_(umask(0)) {}
@@ -145,7 +148,7 @@ class WorldWirelessTest : public testkit::DeviceTest {
     }
     void TearDown() override {
         daemon_.Stop();
-        for (const char* path : {kReplyPath, kSemaphoreFile}) {
+        for (const char* path : {kReplySocket, kSemaphoreFile}) {
             (void)remove(path);
         }
         DeviceTest::TearDown();
@@ -153,7 +156,7 @@ class WorldWirelessTest : public testkit::DeviceTest {
 
     int QueryKey() { return Execute(VELK_GET, VELK_CMD_PSK, "eth1"); }
 
-    // Runs as nobody at the moment of each call of this kind; what it returns is kept.
+    // Runs `work` as nobody at each call of this kind and keeps its result.
     void AsNobodyAt(Call call, const std::function<int()>& work) {
         libc().OnCall(call, [this, work](const Event&) { nobody_ = InChild(kAsNobody, work); });
     }
@@ -179,7 +182,7 @@ TEST_F(WorldWirelessTest, ASquatterIsRemovedAndGetsNoKey) {
     }
 }
 
-// A reply that such a user took away would show as a query that waits its whole minute.
+// If such a user took a reply away, the query would wait for a whole minute.
 TEST_F(WorldWirelessTest, AUserWhoRacesForPathAndSemaphoreGetsNoKey) {
     const Shared<std::atomic<int>> keys;
     const Child racer(kAsNobody, [&] { return Race(*keys); });
@@ -205,7 +208,7 @@ TEST_F(WorldWirelessTest, FromThePostOnThePathIsTheCallersAlone) {
     const OpenUmask umask;
     AsNobodyAt(Call::kSemPost, [] {
         const int fd = OpenSocket();
-        return unlink(kReplyPath) == 0 || Bind(fd) || SendRecord(fd) ? 1 : 0;
+        return unlink(kReplySocket) == 0 || Bind(fd) || SendRecord(fd) ? 1 : 0;
     });
     EXPECT_EQ(QueryKey(), 0);
     EXPECT_EQ(nobody_, 0);
@@ -223,26 +226,26 @@ TEST_F(WorldWirelessTest, WithoutASemaphoreNobodyElseCanMakeOne) {
 
 // Another user can fill the folder, and keep a file of his own ready.
 TEST_F(WorldWirelessTest, WithoutRoomForASemaphoreNothingIsAsked) {
-    const testkit::Emptied full("/dev/shm", "nr_inodes=1");
+    const testkit::Emptied full(kSemaphoreFolder, "nr_inodes=1");
     EXPECT_EQ(QueryKey(), -1);
     daemon_.Stop();
     EXPECT_THAT(daemon_.requests(), IsEmpty());
 }
 
 TEST_F(WorldWirelessTest, APathThatCannotBeFreedEndsTheQueryAtOnce) {
-    ASSERT_EQ(InChild(kAsNobody, [] { return mkdir(kReplyPath, 0755); }), 0);
-    testkit::WriteFile(std::string(kReplyPath) + "/full", "");
+    ASSERT_EQ(InChild(kAsNobody, [] { return mkdir(kReplySocket, 0755); }), 0);
+    testkit::WriteFile(std::string(kReplySocket) + "/full", "");
     EXPECT_EQ(QueryKey(), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("QueryWlanDaemon remove errno=39:Directory not empty"));
     daemon_.Stop();
     EXPECT_THAT(daemon_.requests(), IsEmpty());
-    (void)unlink((std::string(kReplyPath) + "/full").c_str());
+    (void)unlink((std::string(kReplySocket) + "/full").c_str());
 }
 
 TEST_F(WorldWirelessTest, AnotherUsersSemaphoreEndsTheQueryOfOneWhoCannotRemoveIt) {
     ASSERT_EQ(InChild(kAsNobody, [] { return MakePostedSemaphore() ? 0 : 1; }), 0);
     ASSERT_EQ(chmod(kSemaphoreFile, 0666), 0);
-    ASSERT_EQ(chmod("/tmp/WlanAplToWlanSock", 0666), 0);
+    ASSERT_EQ(chmod(kRequestSocket, 0666), 0);
     EXPECT_EQ(InChild({.user = kNobody - 1}, [this] { return QueryKey() == -1 ? 0 : 1; }), 0);
     daemon_.Stop();
     EXPECT_THAT(daemon_.requests(), IsEmpty());
@@ -264,11 +267,11 @@ TEST_F(WorldWirelessTest, NoRecordOfAnotherUserIsStored) {
     EXPECT_EQ(stored.channel, 13);
 }
 
-TEST_F(WorldWirelessTest, TheReplySocketIsTheCallersAloneWhateverTheUmask) {
+TEST_F(WorldWirelessTest, TheReplySocketIsTheCallersAloneWithAnyUmask) {
     const OpenUmask umask;
     mode_t mode = 0;
     libc().OnCall(Call::kSemPost,
-                  [&](const Event&) { mode = testkit::IdentityOf(kReplyPath).mode; });
+                  [&](const Event&) { mode = testkit::IdentityOf(kReplySocket).mode; });
     EXPECT_EQ(QueryKey(), 0);
     EXPECT_EQ(mode & 07777, 0600U);
 }

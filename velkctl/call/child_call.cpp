@@ -1,4 +1,4 @@
-// child_call.cpp - runs a command in a process of its own, so that it can be given up.
+// child_call.cpp - runs a command in a process of its own, so that it can be stopped.
 #include "velkctl/call/child_call.h"
 
 #include <algorithm>
@@ -21,40 +21,40 @@
 namespace velkctl {
 namespace {
 
-// What the process sends: small enough for a pipe to take it whole.
+// The message of the process. It is small enough for one write to a pipe.
 struct Message {
     int result;
     Data data;
 };
 static_assert(sizeof(Message) <= PIPE_BUF);
 
-// Tools are waited for 100 times 10 ms.
+// velkctl waits 100 times 10 ms for tools.
 constexpr int kToolTries = 100;
 constexpr timespec kToolPause{0, 10 * 1000 * 1000};
-constexpr size_t kMostSaid = 8192;
+constexpr size_t kMostOutput = 8192;
 
-// A file in memory: unlike a pipe, it does not stop a tool that goes on in the background.
-velk::UniqueFd MakeNotebook() {
+// A file in memory: unlike a pipe, it does not stop a tool that continues in the background.
+velk::UniqueFd MakeOutputFile() {
     return velk::UniqueFd(memfd_create("velkctl", MFD_CLOEXEC));
 }
 
 [[noreturn]] void Serve(const Command& command, const Data& data, const sigset_t& mask,
-                        pid_t parent, int answer_fd, int said_fd) {
+                        pid_t parent, int answer_fd, int output_fd) {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
         _exit(1);  // velkctl has ended already
     }
     (void)setsid();
-    (void)dup2(said_fd, STDOUT_FILENO);
-    (void)dup2(said_fd, STDERR_FILENO);
+    (void)dup2(output_fd, STDOUT_FILENO);
+    (void)dup2(output_fd, STDERR_FILENO);
     (void)sigprocmask(SIG_SETMASK, &mask, nullptr);
     const Answer answer = CallLibrary(command, data);
     const Message message{answer.result, answer.data};
     const bool is_sent = write(answer_fd, &message, sizeof(message)) == sizeof(message);
-    _exit(is_sent ? 0 : 1);  // what velkctl has not printed yet is not this process's to print
+    _exit(is_sent ? 0 : 1);  // without flushing: the buffers hold output of velkctl
 }
 
-// Waits a moment until all the programs that the killed process has started are gone.
+// Waits until all programs of the killed process have ended. Returns false after a second.
 bool WaitForTools() {
     for (int i = 0; i < kToolTries; ++i) {
         pid_t ended = 0;
@@ -72,7 +72,7 @@ bool WaitForTools() {
 }  // namespace
 
 ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals& signals)
-    : said_(MakeNotebook()) {
+    : output_(MakeOutputFile()) {
     (void)fflush(nullptr);
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) == -1) {
@@ -84,7 +84,7 @@ ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals
     const pid_t parent = getpid();
     process_ = fork();
     if (process_ == 0) {
-        Serve(command, data, signals.before(), parent, sender.get(), said_.get());
+        Serve(command, data, signals.before(), parent, sender.get(), output_.get());
     }
     if (process_ == -1) {
         start_error_ = errno;
@@ -93,7 +93,7 @@ ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals
 
 ChildCall::~ChildCall() {
     if (process_ != -1) {
-        (void)GiveUp();
+        (void)Stop();
     }
 }
 
@@ -110,9 +110,9 @@ std::optional<Answer> ChildCall::TakeAnswer() {
     return Answer{.result = message.result, .data = message.data};
 }
 
-std::vector<std::string> ChildCall::said() const {
-    std::string text(kMostSaid, '\0');
-    const ssize_t got = pread(said_.get(), text.data(), text.size(), 0);
+std::vector<std::string> ChildCall::tool_output() const {
+    std::string text(kMostOutput, '\0');
+    const ssize_t got = pread(output_.get(), text.data(), text.size(), 0);
     std::string_view rest(text.data(), got > 0 ? static_cast<size_t>(got) : 0);
     std::vector<std::string> lines;
     while (!rest.empty()) {
@@ -125,7 +125,7 @@ std::vector<std::string> ChildCall::said() const {
     return lines;
 }
 
-bool ChildCall::GiveUp() {
+bool ChildCall::Stop() {
     (void)prctl(PR_SET_CHILD_SUBREAPER, 1);  // so that its tools can be waited for
     (void)kill(process_, SIGKILL);
     Reap();

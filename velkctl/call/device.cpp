@@ -1,4 +1,4 @@
-// device.cpp - the device, as the verbs see it: settings to read and to change.
+// device.cpp - the device for the verbs: settings to read and to change.
 #include "velkctl/call/device.h"
 
 #include <algorithm>
@@ -6,11 +6,10 @@
 #include <ctime>
 #include <optional>
 
-#include "velkctl/call/cleanup.h"
-#include "velkctl/call/interruption.h"
 #include "velkctl/call/library_call.h"
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/call/unfinished_edits.h"
 #include "velkctl/call/watched_call.h"
 #include "velkctl/files/lock_holder.h"
 
@@ -22,10 +21,10 @@ using Milliseconds = std::chrono::milliseconds;
 using Seconds = std::chrono::seconds;
 
 constexpr Milliseconds kFirstPause{50};
-constexpr Milliseconds kLongestPause{250};  // a signal waits so long to be heeded
+constexpr Milliseconds kLongestPause{250};  // the longest delay before a signal is handled
 
-// An address that is configured stands in a file; that of a lease is asked of a tool.
-bool IsOfLease(const Command& command) {
+// A configured address is in a file; the address of a lease needs a tool.
+bool IsLeaseAddress(const Command& command) {
     if (!IsAddressCommand(command.id)) {
         return false;
     }
@@ -33,51 +32,53 @@ bool IsOfLease(const Command& command) {
     return !method.ok() || method.data[0] != VELK_METHOD_STATIC;
 }
 
-// Only what is read from files is spared a process: wherever a signal ends it, nothing is left.
-// One that fails may wait to log. Here a signal ends it as any program; with a deadline it is given
-// a process all the same.
+// True for a get that only reads files. It needs no process of its own: a signal can end it at any
+// point without leaving files. With a deadline it gets a process, because a failing get may block
+// while it writes to the system log.
 bool IsPlainRead(const Command& command) {
-    return command.type == VELK_GET && LongestCall(command).awaited.empty() && !IsOfLease(command);
+    return command.type == VELK_GET && LongestWaitOf(command).awaited.empty() &&
+           !IsLeaseAddress(command);
 }
 
-Answer ExecuteOnce(const Call& call) {
-    TellOfUnfinishedEdits(call.command, call.what, call.report);
+Answer ExecuteOnce(const PendingCall& call) {
+    if (call.command.type == VELK_SET) {
+        NoteUnfinishedEdits(call.command, call.subject, call.report);
+    }
     const bool is_here = !call.deadline && IsPlainRead(call.command);
     return is_here ? CallLibrary(call.command, call.data) : ExecuteWatched(call);
 }
 
-std::optional<Clock::time_point> DeadlineOf(const Patience& patience) {
-    if (patience.timeout_seconds == 0) {
+std::optional<Clock::time_point> DeadlineOf(const TimeLimits& limits) {
+    if (limits.timeout_seconds == 0) {
         return std::nullopt;
     }
-    return Clock::now() + Seconds(patience.timeout_seconds);
+    return Clock::now() + Seconds(limits.timeout_seconds);
 }
 
-int LongestWaitForLock(const Patience& patience) {
-    return patience.timeout_seconds == 0
-               ? patience.wait_seconds
-               : std::min(patience.wait_seconds, patience.timeout_seconds);
+int SecondsForLock(const TimeLimits& limits) {
+    return limits.timeout_seconds == 0 ? limits.wait_seconds
+                                       : std::min(limits.wait_seconds, limits.timeout_seconds);
 }
 
 bool IsLocked(const Answer& answer) {
     return !answer.timed_out && answer.result == LIB_VELK_LOCKED;
 }
 
-void TellWhoIsWaitedFor(int seconds, Report& report) {
+void NoteLockHolder(int seconds, Report& report) {
     const std::optional<LockHolder> holder = FindLockHolder();
     report.Note("waiting at most " + std::to_string(seconds) + " s for the lock" +
-                (holder ? ", held by " + Words(*holder) : ""));
+                (holder ? ", held by " + DescribeHolder(*holder) : ""));
 }
 
-// Empty when that cannot be told.
-std::string WhoHoldsTheLock(int waited) {
+// Returns who holds the lock; empty if unknown.
+std::string LockHolderRemark(int waited) {
     const std::optional<LockHolder> holder = FindLockHolder();
     if (!holder) {
         return "";
     }
-    return Words(*holder) + (waited == 0
-                                 ? " holds the lock"
-                                 : " still holds the lock after " + std::to_string(waited) + " s");
+    return DescribeHolder(*holder) +
+           (waited == 0 ? " holds the lock"
+                        : " still holds the lock after " + std::to_string(waited) + " s");
 }
 
 void Pause(Milliseconds time) {
@@ -88,10 +89,10 @@ void Pause(Milliseconds time) {
     (void)nanosleep(&pause, nullptr);
 }
 
-// Tries again until the lock is free or the time is over. Nothing has been done yet, so the answer
-// at the deadline is that of the lock.
-Answer TryAgain(const Call& call, int seconds, Answer answer) {
-    TellWhoIsWaitedFor(seconds, call.report);
+// Tries again until the lock is free or the time is over. At the deadline the answer is that of the
+// lock: the command has done nothing.
+Answer TryAgain(const PendingCall& call, int seconds, Answer answer) {
+    NoteLockHolder(seconds, call.report);
     const StopSignals signals;
     Milliseconds left = Seconds(seconds);
     for (Milliseconds pause = kFirstPause; IsLocked(answer) && left > Milliseconds::zero();
@@ -120,15 +121,18 @@ Answer Device::Set(const Setting& setting, const Data& value) const {
     return Execute({VELK_SET, setting.row->id, setting.interface}, value, setting.name());
 }
 
-Answer Device::Execute(const Command& command, const Data& data, const std::string& what) const {
-    const Call call{command, data, what, DeadlineOf(patience_), report_};
+Answer Device::Execute(const Command& command, const Data& data, const std::string& subject) const {
+    const PendingCall call{command, data, subject, DeadlineOf(limits_), report_};
     Answer answer = ExecuteOnce(call);
-    const int wait = LongestWaitForLock(patience_);
+    const int wait = SecondsForLock(limits_);
     if (IsLocked(answer) && wait > 0) {
         answer = TryAgain(call, wait, answer);
     }
     if (IsLocked(answer)) {
-        answer.remark = WhoHoldsTheLock(wait);
+        answer.remark = LockHolderRemark(wait);
+    }
+    if (answer.timed_out) {
+        answer.timeout_seconds = limits_.timeout_seconds;
     }
     return answer;
 }

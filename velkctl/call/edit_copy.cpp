@@ -1,4 +1,4 @@
-// edit_copy.cpp - the copies in which the library edits files, and how far an edit came.
+// edit_copy.cpp - the copies in which the library edits files, and the state of each edit.
 #include "velkctl/call/edit_copy.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@ namespace velkctl {
 namespace {
 
 constexpr mode_t kCopyMode = 0600;
-// A host whose real and effective user differ makes its copies with it. Other programs of root's
-// make files of this mode as a rule: it proves nothing.
+// The mode in a host with different real and effective users. It proves nothing: other programs of
+// root usually make files of this mode.
 constexpr mode_t kCopyModeForTwoUsers = 0644;
 constexpr mode_t kModeBits = 07777;
 constexpr size_t kMostShown = 10;
@@ -28,8 +28,8 @@ std::string CopyPathOf(const DeviceFile& file) {
     return velk::kEditFolder + path.substr(path.rfind('/'));
 }
 
-// Everybody may put a file there, or a link to one, and may rename a file of root's into place. The
-// library makes its copy anew: with one name, and this mode.
+// Every user can put a file or a link there, or rename a file of root there. The library makes a
+// new copy with one name and this mode.
 bool IsMadeWith(mode_t mode, const struct stat& facts, const char* file) {
     if (!S_ISREG(facts.st_mode) || facts.st_nlink != 1 || (facts.st_mode & kModeBits) != mode) {
         return false;
@@ -44,8 +44,8 @@ bool IsEmpty(const TextFile& file) {
            (file.state == FileState::kText && file.bytes.empty());
 }
 
-// The library ends every line of a copy, and puts it in place when it is whole. A copy without its
-// end was not put in place; where the file is empty, it is all there is.
+// The library writes complete lines and copies a complete copy into place. A copy without a newline
+// at its end was not copied. If the file is empty, the copy is the only text.
 EditState StateBetween(const TextFile& copy, const TextFile& file) {
     if (IsEmpty(copy)) {
         return EditState::kPart;
@@ -73,7 +73,7 @@ Lines LinesMissingFrom(const Lines& present, Lines lines) {
     return lines;
 }
 
-// A file without proof is not compared line by line: nobody is to copy lines of it unread.
+// A file without proof is not compared line by line: its lines must not be copied unread.
 EditState StateWithoutProof(const EditCopy& copy) {
     if (!IsMadeWith(kCopyModeForTwoUsers, copy.facts, copy.file->path)) {
         return EditState::kForeign;
@@ -107,7 +107,7 @@ std::optional<EditCopy> FindCopyOf(const DeviceFile& file) {
     return copy;
 }
 
-// Those that are there of the edited files that are wanted.
+// Returns the existing copies of the wanted files.
 std::vector<EditCopy> FindCopies(const std::function<bool(const DeviceFile&)>& is_wanted) {
     std::vector<EditCopy> copies;
     for (const DeviceFile& file : DeviceFiles()) {
@@ -121,8 +121,9 @@ std::vector<EditCopy> FindCopies(const std::function<bool(const DeviceFile&)>& i
     return copies;
 }
 
-// With a path, flock(1) would make a lock file of its own mode, and the kernel may keep even root
-// from opening another user's that way. There is no lock to take where nobody has made one yet.
+// Given a path, flock(1) would create the lock file with a mode of its own, and the kernel may
+// refuse even root to open another user's file that way. Without a lock file there is no lock to
+// take.
 std::string UnderLock(const std::string& commands) {
     if (access(velk::kLockFile, F_OK) == -1) {
         return commands;
@@ -140,12 +141,10 @@ std::vector<EditCopy> FindEditCopies(const Command& command) {
     if (command.type != VELK_SET) {
         return {};
     }
-    return FindCopies([&](const DeviceFile& file) {
-        return std::ranges::find(file.changed_by, command.id) != file.changed_by.end();
-    });
+    return FindCopies([&](const DeviceFile& file) { return IsChangedBy(file, command.id); });
 }
 
-std::string AdditionsOf(const EditCopy& copy) {
+std::string DescribeNewLines(const EditCopy& copy) {
     if (!copy.new_lines) {
         return {};
     }
@@ -161,13 +160,13 @@ std::string AdditionsOf(const EditCopy& copy) {
     return "; the copy would add" + (count == 0 ? " no line" : lines);
 }
 
-std::string FinishingOf(const EditCopy& copy) {
+std::string AdviceToFinish(const EditCopy& copy) {
     return "compare both files, as with 'diff " + std::string(copy.file->path) + " " + copy.path +
            "', and if the copy is right, copy its text into the file by hand, as root";
 }
 
-std::string DiscardingOf(const EditCopy& copy) {
-    return UnderLock(RemovalOf(copy.path, copy.facts));
+std::string DiscardCommand(const EditCopy& copy) {
+    return UnderLock(RemoveCommand(copy.path, copy.facts));
 }
 
 }  // namespace velkctl

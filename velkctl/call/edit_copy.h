@@ -1,4 +1,4 @@
-// edit_copy.h - the copies in which the library edits files, and how far an edit came.
+// edit_copy.h - the copies in which the library edits files, and the state of each edit.
 #ifndef VELKCTL_CALL_EDIT_COPY_H_
 #define VELKCTL_CALL_EDIT_COPY_H_
 
@@ -9,50 +9,50 @@
 #include <sys/stat.h>
 
 #include "velkctl/call/command.h"
-#include "velkctl/files/device_files.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 
-// How far the edit came, by what its copy and the file hold.
+// The state of an edit, by the contents of its copy and its file.
 enum class EditState {
-    kForeign,     // not one that the library made: its contents do not count
-    kUnproven,    // the library may have made it in a host with two users; the file has nothing, or
-                  // the front of it alone
-    kCut,         // the file has nothing, or the front of the copy alone: it seems cut while copied
-    kPart,        // the copy may be a part of what was to be written
-    kInPlace,     // the file holds the same
-    kDiffers,     // the copy seems whole, and was not copied
-    kUncompared,  // one of them cannot be read, or is too large to be
+    kForeign,     // another program made the copy: its contents do not count
+    kUnproven,    // a host with two users may have made the copy; the file is empty or holds only
+                  // the beginning of the copy
+    kCut,         // the file is empty or holds only the beginning of the copy: the copying was cut
+    kPart,        // the copy may be incomplete
+    kInPlace,     // copy and file are equal
+    kDiffers,     // the copy seems complete, and was not copied into place
+    kUncompared,  // copy or file cannot be read, or is too large
 };
 
-// What lies in an edit copy's place.
+// The file at the path of an edit copy.
 struct EditCopy {
-    const DeviceFile* file;  // that is edited in it
+    const DeviceFile* file;  // the file that is edited in the copy
     std::string path;
-    struct stat facts;  // as lstat(2) tells them
+    struct stat facts;  // from lstat(2)
     EditState state;
-    // Its last line ends, as that of every whole copy does; nothing when it cannot be read.
+    // True if the last line has a newline, as in every complete copy; nothing if not readable.
     std::optional<bool> has_end{};
-    std::optional<Lines> new_lines{};  // in the copy and not in the file, blank ones left out;
-                                       // nothing if not compared
+    // The lines of the copy that the file lacks, without blank lines; nothing if not compared.
+    std::optional<Lines> new_lines{};
 };
 
-// Those that are there. Unless the lock is held, an edit may be under way in them.
+// Returns the existing edit copies. Without the lock, an edit may be under way in them.
 std::vector<EditCopy> FindEditCopies();
-// Those of them that the command replaces.
+// The same for the copies that the command replaces.
 std::vector<EditCopy> FindEditCopies(const Command& command);
 
-// "; the copy would add 'timeout 10;' and 3 more lines", with a few of those the file lacks. Empty
-// if they were not compared.
-std::string AdditionsOf(const EditCopy& copy);
+// "; the copy would add 'timeout 10;' and 3 more lines": some of the lines that the file lacks.
+// Empty if they were not compared.
+std::string DescribeNewLines(const EditCopy& copy);
 
-// How to finish the edit, in words. No line to paste: anybody may have had the file put there, and
-// nothing but its lines tells whether it is right.
-std::string FinishingOf(const EditCopy& copy);
+// Returns the advice to finish the edit. It is no line to paste: any user may have made the copy,
+// so a person must read it first.
+std::string AdviceToFinish(const EditCopy& copy);
 
-// A shell line that removes the copy. It takes the lock, and waits for it.
-std::string DiscardingOf(const EditCopy& copy);
+// Returns a shell line that removes the copy. It waits for the lock and takes it.
+std::string DiscardCommand(const EditCopy& copy);
 
 }  // namespace velkctl
 

@@ -13,7 +13,7 @@
 namespace velkctl {
 namespace {
 
-// In the order in which they count.
+// In their order of precedence.
 constexpr std::array kLocaleVariables{"LC_ALL", "LC_CTYPE", "LANG"};
 
 constexpr std::array<std::string_view, 9> kShellVariables{
@@ -32,7 +32,7 @@ std::optional<std::string>& SavedPath() {
 }
 
 // "utf8" of "de_DE.UTF-8@euro"
-std::string CharactersOf(std::string_view locale) {
+std::string EncodingOf(std::string_view locale) {
     const size_t dot = locale.find('.');
     if (dot == std::string_view::npos) {
         return {};
@@ -68,7 +68,7 @@ std::vector<std::string> VariablesForShells() {
 bool HasUtf8Locale() {
     for (const char* name : kLocaleVariables) {
         if (const std::string locale = Variable(name); !locale.empty()) {
-            return CharactersOf(locale) == "utf8";
+            return EncodingOf(locale) == "utf8";
         }
     }
     return false;

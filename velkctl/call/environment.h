@@ -4,23 +4,21 @@
 
 #include <string>
 
-namespace velkctl {
+#include "velkctl/files/tool_run.h"
 
-// The folders where velkctl and its tools look for programs. sudo looks in the same ones.
-inline constexpr char kToolFolders[] =
-    "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+namespace velkctl {
 
 // True if the locale of the environment has UTF-8 for its characters. Call it before
 // FixEnvironment().
 bool HasUtf8Locale();
 
-// Gives this process and all it starts the C locale and kToolFolders, and takes away the variables
-// that shells run or read code from. In a locale such as Japanese Shift_JIS, sed(1) takes a
-// backslash for a part of the character before it, and a text would end its command.
+// Sets the C locale and kToolFolders for this process and its children, and removes the variables
+// that make shells run or read code. In a locale such as Japanese Shift_JIS, sed(1) reads a
+// backslash as a part of the character before it, and a text could end its command.
 void FixEnvironment();
 
-// The PATH from before FixEnvironment(), or the present one if that is not in force: for advice on
-// a tool that lies elsewhere, not to run one.
+// Returns the PATH from before FixEnvironment(), or the present one if it was not called. It is for
+// advice about a tool in another folder, not for running tools.
 std::string CallersPath();
 
 }  // namespace velkctl

@@ -1,14 +1,12 @@
-// files_before.cpp - what the files that a set changes held before it.
+// files_before.cpp - the contents of a setting's files before a set.
 #include "velkctl/call/files_before.h"
-
-#include <algorithm>
 
 #include "velkctl/call/edit_copy.h"
 
 namespace velkctl {
 namespace {
 
-// The library ends the last line of what it writes.
+// The library writes a newline after the last line: a file without it was cut.
 std::string LossOf(const TextFile& before, const TextFile& after) {
     if (before.bytes.empty() || after.state != FileState::kText) {
         return {};
@@ -20,7 +18,8 @@ std::string LossOf(const TextFile& before, const TextFile& after) {
                                                                         : "";
 }
 
-std::string WhereTheRestIs(const DeviceFile& file) {
+// Returns the place of the lost text, to end a message.
+std::string EditCopyAdvice(const DeviceFile& file) {
     for (const EditCopy& copy : FindEditCopies()) {
         if (copy.file != &file) {
             continue;
@@ -30,18 +29,18 @@ std::string WhereTheRestIs(const DeviceFile& file) {
         }
         if (copy.state == EditState::kUnproven) {
             return copy.path +
-                   " may be the only whole text; look at it before you remove it, see 'velkctl "
+                   " may be the only complete text; look at it before you remove it, see 'velkctl "
                    "doctor'";
         }
     }
-    return "no edit copy has the rest: restore it before the device starts anew";
+    return "no edit copy has the rest: restore it before the device restarts";
 }
 
 }  // namespace
 
 FilesBefore::FilesBefore(const Setting& setting) {
     for (const DeviceFile& file : DeviceFiles()) {
-        if (std::ranges::find(file.changed_by, setting.row->id) != file.changed_by.end()) {
+        if (IsChangedBy(file, setting.row->id)) {
             files_.push_back({&file, ReadTextFile(file.path)});
         }
     }
@@ -53,7 +52,7 @@ std::string FilesBefore::Losses() const {
         const std::string loss = LossOf(text, ReadTextFile(file->path));
         if (!loss.empty()) {
             losses.append(losses.empty() ? "" : "; ").append(file->path).append(" ").append(loss);
-            losses.append(", and ").append(WhereTheRestIs(*file));
+            losses.append(", and ").append(EditCopyAdvice(*file));
         }
     }
     return losses;

@@ -1,25 +1,25 @@
-// files_before.h - what the files that a set changes held before it.
+// files_before.h - the contents of a setting's files before a set.
 #ifndef VELKCTL_CALL_FILES_BEFORE_H_
 #define VELKCTL_CALL_FILES_BEFORE_H_
 
 #include <string>
 #include <vector>
 
-#include "velkctl/files/device_files.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 
-// Reads the files of a setting, so that a set that loses their contents can be told from one that
-// changes nothing. The library cannot always tell: the tool that copies an edit in place may fail
-// after the shell has emptied the file.
+// Reads the files of a setting before a set, to find out later if the set lost their text. The
+// library cannot always know: the tool that copies an edit into place may fail after the shell has
+// emptied the file.
 class FilesBefore {
   public:
     explicit FilesBefore(const Setting& setting);
 
-    // "/etc/network/interfaces is empty since this set, and ...", of each file that has lost its
-    // text; empty if none has.
+    // "/etc/network/interfaces is empty since this set, and ..." for each file that lost its text;
+    // empty if none did.
     std::string Losses() const;
 
   private:

@@ -1,8 +1,10 @@
-// library_call.cpp - the one way from velkctl to the device: a command of the library.
+// library_call.cpp - runs a command of the library.
 #include "velkctl/call/library_call.h"
 
 #include <algorithm>
 #include <iterator>
+
+#include "velk.h"
 
 namespace velkctl {
 

@@ -12,9 +12,9 @@
 namespace velkctl {
 namespace {
 
-// A file that was removed and made anew can be locked twice: only the lock of the one at the path
-// keeps other programs away.
-bool IsAtItsPath(int fd) {
+// After a removal and a new creation of the file, two files can be locked. Only the lock of the
+// file at the path keeps other programs away.
+bool IsStillAtPath(int fd) {
     struct stat opened {};
     struct stat named {};
     return fstat(fd, &opened) == 0 && lstat(velk::kLockFile, &named) == 0 &&
@@ -34,7 +34,7 @@ LibraryLock::State LibraryLock::TryToTake() {
         return errno == ENOENT ? State::kNoFile : State::kBusy;
     }
     const bool is_locked = flock(fd_.get(), LOCK_EX | LOCK_NB) == 0;
-    return is_locked && IsAtItsPath(fd_.get()) ? State::kHeld : State::kBusy;
+    return is_locked && IsStillAtPath(fd_.get()) ? State::kHeld : State::kBusy;
 }
 
 }  // namespace velkctl

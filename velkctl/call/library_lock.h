@@ -6,8 +6,8 @@
 
 namespace velkctl {
 
-// Tries once to take the lock, and gives it back at its end. The library's own functions write to
-// the system log, which stops their caller while nobody reads it: velkctl must end then, too.
+// Tries once to take the lock, and releases it at the end of its life. It does not use the lock
+// functions of the library: they write to the system log, which blocks while nothing reads it.
 class LibraryLock {
   public:
     LibraryLock();

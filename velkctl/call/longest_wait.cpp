@@ -1,70 +1,71 @@
-// longest_wait.cpp - how long commands may take, and what they wait for.
+// longest_wait.cpp - the longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
+
+#include "lib/base/paths.h"
+#include "velkctl/text/find_row.h"
 
 namespace velkctl {
 namespace {
 
-// Link detection asks ethtool once a second for a minute and looks into two logs after that. A turn
-// that another program keeps costs 15 seconds in the first run of ethtool and for each log.
+// Link detection runs ethtool once a second for a minute, then reads two logs. Another program that
+// keeps its turn costs 15 seconds in the first run of ethtool and for each log.
 constexpr int kLinkSeconds = 60 + 3 * 15;
-// The library waits so long for one answer of the wireless daemon.
+// The library waits for one answer of the wireless daemon for this time.
 constexpr int kDaemonSeconds = 60;
-// What a wired restart sleeps with an adapter attached and the cable in, and a wireless one.
+// The sleeps of a wired restart with an adapter attached and the cable in, and of a wireless one.
 constexpr int kWiredRestartSeconds = 66;
 constexpr int kWirelessRestartSeconds = 1;
 
-constexpr std::string_view kLink = "ethtool to tell the state of the link";
+constexpr std::string_view kLink = "ethtool to report the link state";
 constexpr std::string_view kDaemon = "the wireless daemon to answer";
 constexpr std::string_view kLinkAndDaemon =
-    "ethtool to tell the state of the link, then for the wireless daemon to answer";
+    "ethtool to report the link state, then for the wireless daemon to answer";
 constexpr std::string_view kRestart = "the interface to come up";
 constexpr std::string_view kLinkMode = "ethtool to finish";
 constexpr std::string_view kSnmp = "the SNMP daemon to restart";
 
-Blocking OfWireless(uint32_t id) {
-    switch (id) {
-        case VELK_CMD_SOFTWARE_VERSION:
-        case VELK_CMD_HARDWARE_VERSION:
-        case VELK_CMD_STANDARD:
-        case VELK_CMD_REGION:
-        case VELK_CMD_RATE:
-        case VELK_CMD_ACCESS_POINT:
-        case VELK_CMD_SIGNAL:
-            return {kLinkSeconds + kDaemonSeconds, kLinkAndDaemon};
-        case VELK_CMD_MAC_ADDRESS:
-        case VELK_CMD_IP_ADDRESS:
-        case VELK_CMD_NETMASK:
-        case VELK_CMD_GATEWAY:
-            return {kLinkSeconds, kLink};
-        default:
-            return id >= VELK_CMD_STANDARD ? Blocking{kDaemonSeconds, kDaemon} : Blocking{};
+// An address of the adapter is read after link detection. So is its MAC address.
+bool IsReadAfterLinkDetection(const CatalogueRow& row) {
+    return IsAddressCommand(row.id) || row.held_in.holder == Holder::kKernel;
+}
+
+// The daemon's state, which only a get takes, is read after link detection; its configuration is
+// not.
+LongestWait OfWireless(const CatalogueRow& row, uint32_t type) {
+    if (row.held_in.holder == Holder::kDaemon) {
+        return (row.directions & kSet) != 0
+                   ? LongestWait{kDaemonSeconds, kDaemon}
+                   : LongestWait{kLinkSeconds + kDaemonSeconds, kLinkAndDaemon};
     }
+    return type == VELK_GET && IsReadAfterLinkDetection(row) ? LongestWait{kLinkSeconds, kLink}
+                                                             : LongestWait{};
+}
+
+LongestWait OfSetting(const CatalogueRow& row, const Command& command) {
+    if (row.held_in.holder == Holder::kTool) {
+        return {0, kLinkMode};
+    }
+    if (command.type == VELK_SET && row.held_in.second_line.file == velk::kSnmpFile) {
+        return {0, kSnmp};
+    }
+    return command.interface == VELK_WIRELESS_INTERFACE ? OfWireless(row, command.type)
+                                                        : LongestWait{};
 }
 
 }  // namespace
 
-Blocking LongestCall(const Command& command) {
-    const bool is_wireless = command.interface == VELK_WIRELESS_INTERFACE;
+LongestWait LongestWaitOf(const Command& command) {
     if (command.type == VELK_RESTART) {
+        const bool is_wireless = command.interface == VELK_WIRELESS_INTERFACE;
         return {kLinkSeconds + (is_wireless ? kWirelessRestartSeconds : kWiredRestartSeconds),
                 kRestart};
     }
-    if (command.id == VELK_CMD_LINK_SPEED) {
-        return {0, kLinkMode};
-    }
-    const bool is_identity =
-        command.id == VELK_CMD_ADMINISTRATOR || command.id == VELK_CMD_LOCATION;
-    if (command.type == VELK_SET && is_identity) {
-        return {0, kSnmp};
-    }
-    if (!is_wireless || (command.type == VELK_SET && IsAddressCommand(command.id))) {
-        return {};
-    }
-    return OfWireless(command.id);
+    const CatalogueRow* row = FindRow(Catalogue(), command.id, &CatalogueRow::id);
+    return row == nullptr ? LongestWait{} : OfSetting(*row, command);
 }
 
-Blocking LongestGet(const Setting& setting) {
-    return LongestCall({VELK_GET, setting.row->id, setting.interface});
+LongestWait LongestWaitOf(const Setting& setting) {
+    return LongestWaitOf({VELK_GET, setting.row->id, setting.interface});
 }
 
 }  // namespace velkctl

@@ -1,4 +1,4 @@
-// longest_wait.h - how long commands may take, and what they wait for.
+// longest_wait.h - the longest time that commands take, and their reason for waiting.
 #ifndef VELKCTL_CALL_LONGEST_WAIT_H_
 #define VELKCTL_CALL_LONGEST_WAIT_H_
 
@@ -9,17 +9,17 @@
 
 namespace velkctl {
 
-struct Blocking {
-    int seconds = 0;             // at most; 0: there is no telling
-    std::string_view awaited{};  // empty: nothing but files and the tools that copy them
+struct LongestWait {
+    int seconds = 0;             // 0: unknown
+    std::string_view awaited{};  // empty: only files and the tools that copy them
 };
 
-// The longest that a command blocks, whatever the state of the device. The time that tools take is
-// left out where they answer at once as a rule.
-Blocking LongestCall(const Command& command);
+// Returns the longest time that a command takes in any state of the device. Tools that usually
+// answer at once are not counted.
+LongestWait LongestWaitOf(const Command& command);
 
-// The longest that reading a setting blocks.
-Blocking LongestGet(const Setting& setting);
+// The same for reading a setting.
+LongestWait LongestWaitOf(const Setting& setting);
 
 }  // namespace velkctl
 

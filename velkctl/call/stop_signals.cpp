@@ -1,15 +1,18 @@
-// stop_signals.cpp - the signals that end velkctl, put off while the library is at work.
+// stop_signals.cpp - holds back the signals that end velkctl while the library is working, and ends
+// it by a signal afterwards.
 #include "velkctl/call/stop_signals.h"
 
 #include <array>
 
 #include <unistd.h>
 
+#include "velkctl/report/output.h"
+
 namespace velkctl {
 namespace {
 
 constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-constexpr int kStatusOfSignal = 128;  // as shells show it
+constexpr int kStatusOfSignal = 128;  // as shells report it
 
 bool IsIgnored(int signal) {
     struct sigaction action {};
@@ -21,7 +24,7 @@ bool IsIgnored(int signal) {
 StopSignals::StopSignals() {
     (void)sigemptyset(&signals_);
     for (const int signal : kStopSignals) {
-        // A blocked signal becomes pending even when it is ignored.
+        // A blocked signal becomes pending even if it is ignored.
         if (!IsIgnored(signal)) {
             (void)sigaddset(&signals_, signal);
         }
@@ -45,18 +48,30 @@ int StopSignals::Pending() const {
     return 0;
 }
 
-int StatusAfter(int signal) {
+int StatusOfSignal(int signal) {
     return kStatusOfSignal + signal;
 }
 
-void EndBy(int signal) {
+void EndBySignal(int signal) {
     sigset_t only;
     (void)sigemptyset(&only);
     (void)sigaddset(&only, signal);
     (void)::signal(signal, SIG_DFL);
     (void)raise(signal);
     (void)sigprocmask(SIG_UNBLOCK, &only, nullptr);
-    _exit(StatusAfter(signal));  // the first process of a namespace is not ended by its own
+    _exit(StatusOfSignal(
+        signal));  // a signal of its own does not end the first process of a PID namespace
+}
+
+void EndInterrupted(int signal, const std::string& state, Report& report) {
+    if (!state.empty()) {
+        report.Complain("interrupted; " + state);
+    } else if (report.is_json()) {
+        report.Complain("interrupted");
+    }
+    report.Finish(StatusOfSignal(signal));
+    (void)FinishPrinting();
+    EndBySignal(signal);
 }
 
 }  // namespace velkctl

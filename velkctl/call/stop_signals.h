@@ -1,13 +1,17 @@
-// stop_signals.h - the signals that end velkctl, put off while the library is at work.
+// stop_signals.h - holds back the signals that end velkctl while the library is working, and ends
+// it by a signal afterwards.
 #ifndef VELKCTL_CALL_STOP_SIGNALS_H_
 #define VELKCTL_CALL_STOP_SIGNALS_H_
 
 #include <csignal>
+#include <string>
+
+#include "velkctl/report/report.h"
 
 namespace velkctl {
 
-// While it lives, SIGINT, SIGTERM, SIGHUP and SIGQUIT stay pending. One that is ignored stays
-// ignored, as nohup(1) and a shell's background jobs want it.
+// During its lifetime SIGINT, SIGTERM, SIGHUP and SIGQUIT stay pending. Ignored signals stay
+// ignored, as nohup(1) and background jobs of a shell need it.
 class StopSignals {
   public:
     StopSignals();
@@ -15,11 +19,11 @@ class StopSignals {
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
 
-    // One that has come; 0 when none has.
+    // Returns a pending signal, or 0.
     int Pending() const;
 
     const sigset_t& signals() const { return signals_; }
-    // What was blocked before: what a child's programs should find.
+    // The signal mask from before, for the programs of a child.
     const sigset_t& before() const { return before_; }
 
   private:
@@ -27,11 +31,15 @@ class StopSignals {
     sigset_t before_;
 };
 
-// What a shell calls the exit status of a process that the signal has ended: 130 after Ctrl-C.
-int StatusAfter(int signal);
+// Returns the exit status of a process ended by the signal, as shells report it: 130 after Ctrl-C.
+int StatusOfSignal(int signal);
 
-// Ends the process as if the signal had ended it at once.
-[[noreturn]] void EndBy(int signal);
+// Ends the process by the signal.
+[[noreturn]] void EndBySignal(int signal);
+
+// Prints the output so far and ends velkctl by the signal. `state` is the state of the change:
+// "eth0.dns is already changed"; empty if nothing was changed, which needs no message.
+[[noreturn]] void EndInterrupted(int signal, const std::string& state, Report& report);
 
 }  // namespace velkctl
 

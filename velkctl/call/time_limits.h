@@ -1,21 +1,16 @@
 // time_limits.h - how long a user wants to wait.
+//
+// cli/time_options.cpp parses the options. device.cpp applies the limits: the deadline of a command
+// ends its process in watched_call.cpp.
 #ifndef VELKCTL_CALL_TIME_LIMITS_H_
 #define VELKCTL_CALL_TIME_LIMITS_H_
 
-#include <optional>
-
-#include "velkctl/cli/verbs.h"
-#include "velkctl/report/report.h"
-
 namespace velkctl {
 
-struct Patience {
-    int wait_seconds = 0;     // how long to try again while another program holds the lock
-    int timeout_seconds = 0;  // when to give a command up altogether; 0: never
+struct TimeLimits {
+    int wait_seconds = 0;     // for the lock, while another program holds it
+    int timeout_seconds = 0;  // for one command; 0: no limit
 };
-
-// What --wait and --timeout ask for; nothing, after refusing them, when they are no numbers.
-std::optional<Patience> PatienceOf(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

@@ -1,4 +1,4 @@
-// watched_call.cpp - runs a command that a time or a signal may end.
+// watched_call.cpp - runs a command that a deadline or a signal can end.
 #include "velkctl/call/watched_call.h"
 
 #include <algorithm>
@@ -14,9 +14,9 @@
 #include "lib/base/unique_fd.h"
 #include "velkctl/call/child_call.h"
 #include "velkctl/call/cleanup.h"
-#include "velkctl/call/interruption.h"
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/report/output.h"
 #include "velkctl/report/progress.h"
 #include "velkctl/text/escaping.h"
 
@@ -24,48 +24,42 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kAnyWait = "the device to answer";
+constexpr std::string_view kIncomplete = "may be incomplete; run it again";
 
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
 using Seconds = std::chrono::seconds;
 
-// A change that takes milliseconds is let finish for so long before a signal ends it half done.
+// A signal ends a short change only after this time: the change is usually finished by then.
 constexpr Milliseconds kGrace{1000};
 
 enum class Outcome { kAnswered, kInterrupted, kTimedOut };
 
-// How far a change came that is done; empty when nothing was changed.
-std::string StateAfter(const Call& call, const Answer& answer) {
+// Returns the state of the device after a change; empty if nothing was changed.
+std::string StateAfter(const PendingCall& call, const Answer& answer) {
     if (call.command.type == VELK_GET || !answer.ok()) {
         return "";
     }
-    return call.what + (call.command.type == VELK_SET ? " is changed" : " is done") + " already";
+    return call.subject +
+           (call.command.type == VELK_SET ? " is already changed" : " is already done");
 }
 
-// Why a command that was given up may have left the device between two states.
-std::string HalfDone(const Command& command) {
-    switch (command.type) {
-        case VELK_SET:
-            return "may be half changed";
-        case VELK_RESTART:
-            return "may be half done";
-        default:
-            return "";
-    }
+// True if a command that is ended early can leave the device between two states.
+bool CanBeIncomplete(const Command& command) {
+    return command.type != VELK_GET;
 }
 
-std::string StateInTheMiddle(const Call& call) {
-    const std::string half_done = HalfDone(call.command);
-    return half_done.empty() ? "" : call.what + " " + half_done;
+std::string StateIfInterrupted(const PendingCall& call) {
+    return CanBeIncomplete(call.command) ? call.subject + " " + std::string(kIncomplete) : "";
 }
 
-Clock::duration TimeLeft(const Call& call) {
+Clock::duration TimeLeft(const PendingCall& call) {
     return std::max(*call.deadline - Clock::now(), Clock::duration::zero());
 }
 
-// How long poll(2) may wait: until the deadline, and no longer than until the next full second
-// when the time is shown. -1: for ever.
-int PollTime(const Call& call, Clock::duration elapsed, bool is_shown) {
+// Returns the time-out for poll(2), which ends at the deadline or, if the time is shown, at the
+// next full second. -1: no limit.
+int PollTime(const PendingCall& call, Clock::duration elapsed, bool is_shown) {
     std::optional<Clock::duration> left;
     if (call.deadline) {
         left = TimeLeft(call);
@@ -77,20 +71,21 @@ int PollTime(const Call& call, Clock::duration elapsed, bool is_shown) {
     return left ? static_cast<int>(std::chrono::ceil<Milliseconds>(*left).count()) : -1;
 }
 
-// The longest a person has to wait; 0 when there is no telling.
-long LongestWait(const Call& call, const Blocking& blocking) {
+// Returns the longest time that a person has to wait; 0 if unknown.
+long SecondsToShow(const PendingCall& call, const LongestWait& longest) {
     if (!call.deadline) {
-        return blocking.seconds;
+        return longest.seconds;
     }
     const auto left = static_cast<long>(std::chrono::ceil<Seconds>(TimeLeft(call)).count());
-    return blocking.seconds == 0 ? left : std::min<long>(left, blocking.seconds);
+    return longest.seconds == 0 ? left : std::min<long>(left, longest.seconds);
 }
 
-// Waits for the answer, a signal or the deadline; an answer that is there counts first.
-Outcome Await(const ChildCall& child, const StopSignals& signals, const Call& call) {
-    const Blocking blocking = LongestCall(call.command);
-    const std::string_view awaited = blocking.awaited.empty() ? kAnyWait : blocking.awaited;
-    const long longest = LongestWait(call, blocking);
+// Waits for the answer, a signal or the deadline. If several have come, the answer counts.
+Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals,
+                       const PendingCall& call) {
+    const LongestWait longest = LongestWaitOf(call.command);
+    const std::string_view awaited = longest.awaited.empty() ? kAnyWait : longest.awaited;
+    const long seconds_to_show = SecondsToShow(call, longest);
     const velk::UniqueFd signal_fd(signalfd(-1, &signals.signals(), SFD_CLOEXEC));
     ProgressDisplay progress(!call.report.is_json() && IsTerminal(STDERR_FILENO));
     std::array<pollfd, 2> awaited_fds{{{child.fd(), POLLIN, 0}, {signal_fd.get(), POLLIN, 0}}};
@@ -109,7 +104,7 @@ Outcome Await(const ChildCall& child, const StopSignals& signals, const Call& ca
         const auto elapsed =
             static_cast<long>(std::chrono::floor<Seconds>(Clock::now() - start).count());
         if (elapsed > 0) {
-            progress.Show(ProgressLine(call.what, awaited, elapsed, longest));
+            progress.Show(ProgressLine(call.subject, awaited, elapsed, seconds_to_show));
         }
     }
 }
@@ -119,28 +114,28 @@ bool HasAnswer(const ChildCall& child, Milliseconds limit) {
     return poll(&answer, 1, static_cast<int>(limit.count())) == 1;
 }
 
-// Takes as long as files and the tools that copy them.
-bool IsShort(const Command& command) {
-    return LongestCall(command).awaited.empty();
+// True if the command waits only for files and the tools that copy them.
+bool WaitsForFilesOnly(const Command& command) {
+    return LongestWaitOf(command).awaited.empty();
 }
 
-std::vector<std::string> PassOnWhatToolsSaid(const ChildCall& child, const Call& call) {
-    std::vector<std::string> said = child.said();
-    for (const std::string& line : said) {
-        call.report.Note(call.what + ": " + Printable(line));
+std::vector<std::string> PassOnToolOutput(const ChildCall& child, const PendingCall& call) {
+    std::vector<std::string> output = child.tool_output();
+    for (const std::string& line : output) {
+        call.report.Note(call.subject + ": " + Printable(line));
     }
-    return said;
+    return output;
 }
 
-Answer AnswerOf(ChildCall& child, const Call& call) {
+Answer AnswerOf(ChildCall& child, const PendingCall& call) {
     std::optional<Answer> answer = child.TakeAnswer();
-    std::vector<std::string> said = PassOnWhatToolsSaid(child, call);
+    std::vector<std::string> output = PassOnToolOutput(child, call);
     if (answer) {
-        answer->said = std::move(said);
+        answer->tool_output = std::move(output);
         return *answer;
     }
-    RemoveLeftovers(call.command, false);
-    std::string note = call.what + ": the library ended without an answer";
+    CleanUp(call.command, false);
+    std::string note = call.subject + ": the library ended without an answer";
     if (child.end_signal() != 0) {
         note.append(", by signal ").append(std::to_string(child.end_signal()));
         note.append(" (").append(strsignal(child.end_signal())).append(")");
@@ -149,24 +144,23 @@ Answer AnswerOf(ChildCall& child, const Call& call) {
     return {LIB_VELK_FAILURE};
 }
 
-Answer GivenUp(const Command& command) {
-    const std::string half_done = HalfDone(command);
-    return {.result = LIB_VELK_FAILURE,
-            .timed_out = true,
-            .remark = half_done.empty() ? "" : "it " + half_done};
+Answer TimedOut(const PendingCall& call) {
+    return {.result = LIB_VELK_FAILURE, .timed_out = true, .remark = StateIfInterrupted(call)};
 }
 
 }  // namespace
 
-Answer ExecuteWatched(const Call& call) {
+Answer ExecuteWatched(const PendingCall& call) {
     const StopSignals signals;
     ChildCall child(call.command, call.data, signals);
     if (child.start_error() != 0) {
-        call.report.Note(call.what + ": no process to run it in: " + strerror(child.start_error()));
+        call.report.Note(call.subject +
+                         ": cannot start a process: " + strerror(child.start_error()));
         return {LIB_VELK_FAILURE};
     }
-    Outcome outcome = Await(child, signals, call);
-    if (outcome == Outcome::kInterrupted && IsShort(call.command) && HasAnswer(child, kGrace)) {
+    Outcome outcome = WaitForOutcome(child, signals, call);
+    if (outcome == Outcome::kInterrupted && WaitsForFilesOnly(call.command) &&
+        HasAnswer(child, kGrace)) {
         outcome = Outcome::kAnswered;
     }
     if (outcome == Outcome::kAnswered) {
@@ -176,13 +170,13 @@ Answer ExecuteWatched(const Call& call) {
         }
         return answer;
     }
-    const bool tools_ended = child.GiveUp();
-    (void)PassOnWhatToolsSaid(child, call);
-    RemoveLeftovers(call.command, tools_ended);
+    const bool tools_ended = child.Stop();
+    (void)PassOnToolOutput(child, call);
+    CleanUp(call.command, tools_ended);
     if (outcome == Outcome::kInterrupted) {
-        EndInterrupted(signals.Pending(), StateInTheMiddle(call), call.report);
+        EndInterrupted(signals.Pending(), StateIfInterrupted(call), call.report);
     }
-    return GivenUp(call.command);
+    return TimedOut(call);
 }
 
 }  // namespace velkctl

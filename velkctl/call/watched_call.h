@@ -1,4 +1,4 @@
-// watched_call.h - runs a command that a time or a signal may end.
+// watched_call.h - runs a command that a deadline or a signal can end.
 #ifndef VELKCTL_CALL_WATCHED_CALL_H_
 #define VELKCTL_CALL_WATCHED_CALL_H_
 
@@ -6,28 +6,27 @@
 #include <optional>
 #include <string>
 
-#include "velkctl/call/answer.h"
 #include "velkctl/call/command.h"
 #include "velkctl/report/report.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
-// A command on its way, and what it takes to tell about it.
-struct Call {
+// A command that is running, and the data to report about it.
+struct PendingCall {
     const Command& command;
     const Data& data;
-    const std::string& what;  // is done, in words: "eth1.signal"
+    const std::string& subject;  // its name in messages: "eth1.signal"
     std::optional<std::chrono::steady_clock::time_point> deadline;
     Report& report;
 
     bool is_late() const { return deadline && std::chrono::steady_clock::now() >= *deadline; }
 };
 
-// Runs the command in a process of its own. At its deadline, or when a signal comes, that process
-// is ended and tidied up after; at a signal velkctl ends, and this does not return. What the tools
-// of the device say meanwhile is passed on as notes.
-Answer ExecuteWatched(const Call& call);
+// Runs the command in a process of its own. The deadline or a signal ends that process and cleans
+// up after it. After a signal velkctl ends, and this function does not return. The output of the
+// device's tools becomes notes.
+Answer ExecuteWatched(const PendingCall& call);
 
 }  // namespace velkctl
 

@@ -2,14 +2,17 @@
 #include "velkctl/cli/command_line.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "velkctl/cli/help.h"
+#include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -17,7 +20,7 @@ namespace velkctl {
 namespace {
 
 constexpr char kJsonFlag[] = "--json";
-constexpr std::string_view kSeeHelp = " ('velkctl --help' explains them)";
+constexpr std::string_view kSeeHelp = "; see 'velkctl --help'";
 
 std::vector<std::string> VerbNames() {
     std::vector<std::string> names;
@@ -28,7 +31,6 @@ std::vector<std::string> VerbNames() {
     return names;
 }
 
-// Says all that a run for help has to say.
 ExitStatus ShowHelp(const std::string& help, Report& report) {
     report.set_verb("");  // none was run
     report.Text(help);
@@ -43,41 +45,37 @@ ExitStatus ShowVersion(Report& report) {
 }
 
 const Verb* FindVerb(std::string_view name) {
-    const auto verb = std::ranges::find(Verbs(), name, &Verb::name);
-    return verb == Verbs().end() ? nullptr : &*verb;
+    return FindRow(Verbs(), name, &Verb::name);
 }
 
-// Says about a word where a verb should stand what would be right. What it may be behind "=" is not
-// repeated.
+// Returns the message about a word that is not a verb. `word` has no part after "=".
 std::string UnknownVerb(std::string_view word) {
-    if (FindSetting(Catalogue(), word)) {
-        return Quoted(word) + " is a setting; give a verb in front of it, such as get or describe";
+    if (FindSetting(word)) {
+        return Quoted(word) + " is a setting; give a verb before it, such as get or describe";
     }
     const std::vector<std::string> names = VerbNames();
-    const std::vector<std::string> settings = NamesMeant(Catalogue(), word);
-    if (NearMisses(word, names).empty() && !settings.empty()) {
+    const std::vector<std::string> settings = NamesMeant(word);
+    if (SpellingSuggestions(word, names).empty() && !settings.empty()) {
         return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
-               "? Give a verb in front of it, such as get or describe";
+               "? Give a verb before it, such as get or describe";
     }
-    return "unknown verb " + Quoted(word) + DidYouMean(word, names, "give " + OneOf(names)) +
-           std::string(kSeeHelp);
+    return "unknown verb " + Quoted(word) +
+           DidYouMean(word, names, "give " + OneOf(names) + std::string(kSeeHelp));
 }
 
-// Says about an option in front of the verb what would be right.
+// Returns the message about an option that is not valid before the verb.
 std::string WrongOption(std::string_view option) {
     const std::string_view name = WithoutValue(option);
     for (const Verb& verb : Verbs()) {
         if (HasOption(verb, name)) {
-            return "option " + Quoted(name) +
-                   " stands in front of the verb; give it behind the verb";
+            return Quoted(name) + " is an option of a verb; give it after the verb";
         }
     }
     return UnknownOption(Tool(), option);
 }
 
-// The arguments with "help" and "help VERB" in the words that mean the same: "--help" and
-// "VERB --help".
-Words WithHelpAsOption(Words arguments) {
+// Returns the arguments with "help" and "help VERB" replaced by "--help" and "VERB --help".
+std::vector<std::string> WithHelpAsOption(std::vector<std::string> arguments) {
     auto word = std::find_if(arguments.begin(), arguments.end(),
                              [](const std::string& argument) { return argument != kJsonFlag; });
     if (word == arguments.end() || *word != kHelpVerb) {
@@ -89,17 +87,17 @@ Words WithHelpAsOption(Words arguments) {
     return arguments;
 }
 
-// Says whether a second verb, or whatever it is, stands behind "help VERB".
-bool AsksTooMuchHelp(const Words& arguments) {
-    Words words = arguments;
+// True if a word follows "help VERB".
+bool HasWordAfterHelp(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words = arguments;
     std::erase(words, kJsonFlag);
     return words.size() > 2 && words.front() == kHelpVerb;
 }
 
-ExitStatus RunVerb(const Verb& verb, Words given, Report& report) {
+ExitStatus RunVerb(const Verb& verb, std::vector<std::string> given, Report& report) {
     report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
-    const Arguments arguments = ReadArguments(verb, std::move(given));
+    Arguments arguments = ReadArguments(verb, std::move(given));
     if (!arguments.problem.empty()) {
         return report.Refuse(prefix + arguments.problem);
     }
@@ -107,18 +105,25 @@ ExitStatus RunVerb(const Verb& verb, Words given, Report& report) {
         return ShowHelp(VerbHelp(verb), report);
     }
     const std::string problem = ArgumentsProblem(verb, arguments);
-    return problem.empty() ? verb.run(arguments.invocation, report)
-                           : report.Refuse(prefix + problem);
+    if (!problem.empty()) {
+        return report.Refuse(prefix + problem);
+    }
+    const std::optional<TimeLimits> limits = ReadTimeOptions(arguments.invocation, report);
+    if (!limits) {
+        return ExitStatus::kInvalid;
+    }
+    arguments.invocation.limits = *limits;
+    return verb.run(arguments.invocation, report);
 }
 
-bool StandsBeforeVerb(std::string_view argument) {
+bool IsOption(std::string_view argument) {
     return argument.starts_with('-') && argument != "-" && argument != "--";
 }
 
-// Runs options of the tool itself and the verb behind them, either of which may be missing.
-ExitStatus RunArguments(const Words& arguments, Report& report) {
-    const auto word = std::ranges::find_if_not(arguments, StandsBeforeVerb);
-    const Arguments own = ReadArguments(Tool(), Words(arguments.begin(), word));
+// Runs the options of the tool itself, then the verb. Each may be missing.
+ExitStatus RunArguments(const std::vector<std::string>& arguments, Report& report) {
+    const auto word = std::ranges::find_if_not(arguments, IsOption);
+    const Arguments own = ReadArguments(Tool(), {arguments.begin(), word});
     if (!own.problem.empty()) {
         return report.Refuse(own.problem);
     }
@@ -135,23 +140,23 @@ ExitStatus RunArguments(const Words& arguments, Report& report) {
         return report.Refuse("no verb given; give " + OneOf(VerbNames()) + std::string(kSeeHelp));
     }
     if (const Verb* verb = FindVerb(*word); verb != nullptr) {
-        return RunVerb(*verb, Words(word + 1, arguments.end()), report);
+        return RunVerb(*verb, {word + 1, arguments.end()}, report);
     }
     return report.Refuse(UnknownVerb(WithoutValue(*word)));
 }
 
 }  // namespace
 
-Report::Form FormAskedFor(const Words& arguments) {
+Report::Form RequestedForm(const std::vector<std::string>& arguments) {
     const auto end = std::find(arguments.begin(), arguments.end(), "--");
     return std::find(arguments.begin(), end, kJsonFlag) == end ? Report::Form::kText
                                                                : Report::Form::kJson;
 }
 
-ExitStatus RunCommandLine(const Words& given, Report& report) {
-    if (AsksTooMuchHelp(given)) {
-        // A word behind the verb is not repeated: it may be a key.
-        return report.Refuse("help: arguments given behind the verb; usage: velkctl help [VERB]");
+ExitStatus RunCommandLine(const std::vector<std::string>& given, Report& report) {
+    if (HasWordAfterHelp(given)) {
+        // The message does not repeat the words after the verb: they may be keys.
+        return report.Refuse("help: too many arguments; usage: velkctl help [VERB]");
     }
     return RunArguments(WithHelpAsOption(given), report);
 }

@@ -10,11 +10,11 @@
 
 namespace velkctl {
 
-// Says whether the arguments ask for JSON, wherever they do, and whatever else is wrong with them.
-Report::Form FormAskedFor(const std::vector<std::string>& arguments);
+// Returns kJson if the arguments have --json at any place, even if they are not valid.
+Report::Form RequestedForm(const std::vector<std::string>& arguments);
 
-// Runs the arguments behind the program's name. A wrong usage is complained about in one line, and
-// nothing is done.
+// Runs the arguments after the program's name. Reports a usage that is not valid and does nothing
+// else.
 ExitStatus RunCommandLine(const std::vector<std::string>& arguments, Report& report);
 
 }  // namespace velkctl

@@ -3,17 +3,17 @@
 
 #include <utility>
 
-#include "velkctl/report/exit_meanings.h"
+#include "velkctl/report/exit_status.h"
 
 namespace velkctl {
 namespace {
 
-constexpr size_t kOptionWidth = 28;
+constexpr size_t kOptionWidth = 20;
 constexpr size_t kNameWidth = 10;
 
-std::string Row(std::string name, size_t width, std::string_view words) {
+std::string Row(std::string name, size_t width, std::string_view description) {
     name.resize(width, ' ');
-    return "  " + name.append(words) + "\n";
+    return "  " + name.append(description) + "\n";
 }
 
 std::string Options(const Verb& verb) {
@@ -55,12 +55,11 @@ std::string ToolHelp() {
     for (const Verb& verb : Verbs()) {
         ending.append(Row(std::string(verb.name), kNameWidth, verb.summary));
     }
-    ending.append(Row(std::string(kHelpVerb), kNameWidth,
-                      "show help for velkctl, or for the verb behind it"));
+    ending.append(Row(std::string(kHelpVerb), kNameWidth, "show help for velkctl or for a verb"));
     ending.append("\nExit status:\n");
     for (const ExitMeaning& meaning : kExitMeanings) {
         ending.append(
-            Row(std::to_string(static_cast<int>(meaning.status)), kNameWidth, meaning.words));
+            Row(std::to_string(static_cast<int>(meaning.status)), kNameWidth, meaning.description));
     }
     ending.append("\n").append(Tool().help);
     return Help(Tool(), std::string(Tool().summary), ending);

@@ -9,7 +9,7 @@
 
 namespace velkctl {
 
-// Asks for help in the place of a verb, or in front of one.
+// Shows help if given instead of a verb or before one.
 inline constexpr std::string_view kHelpVerb = "help";
 
 // "velkctl list"
@@ -20,7 +20,7 @@ std::string Usage(const Verb& verb);
 
 std::string VerbHelp(const Verb& verb);
 
-// Of the tool itself, with its verbs and exit statuses.
+// The help of the tool itself, with its verbs and exit statuses.
 std::string ToolHelp();
 
 }  // namespace velkctl

@@ -1,4 +1,4 @@
-// secret_source.cpp - secrets that need not stand on a command line.
+// secret_source.cpp - reads secrets that are not on the command line.
 #include "velkctl/cli/secret_source.h"
 
 #include <array>
@@ -14,22 +14,22 @@
 
 #include "lib/base/unique_fd.h"
 #include "velkctl/call/stop_signals.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 namespace {
 
-Secret Problem(std::string_view source, std::string_view what) {
-    return {{}, std::string(source).append(" ").append(what)};
+Secret BadSource(std::string_view source, std::string_view text) {
+    return {{}, std::string(source).append(" ").append(text)};
 }
 
 Secret CannotRead(std::string_view source, int error) {
-    return Problem(source, std::string("cannot be read: ") + strerror(error) +
-                               "; '-' takes the value from standard input, @FILE from a file");
+    return BadSource(source, std::string("cannot be read: ") + strerror(error) +
+                                 "; - reads the value from standard input, @FILE from a file");
 }
 
-// Reads up to the end of the line and no further, which only single bytes allow. `read_byte` is
-// read(2) of one.
+// Reads one line byte by byte, so that the rest of the input stays unread. `read_byte` is read(2)
+// of one byte.
 template <typename ReadByte>
 Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
     Secret secret;
@@ -37,8 +37,8 @@ Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
     ssize_t got = 0;
     while ((got = read_byte(byte)) == 1 && byte != '\n') {
         if (secret.text.size() == longest) {
-            return Problem(source, "has a line of more than " + std::to_string(longest) +
-                                       " bytes; give the value alone");
+            return BadSource(source, "has a line of more than " + std::to_string(longest) +
+                                         " bytes; give the value alone");
         }
         secret.text.push_back(byte);
     }
@@ -46,13 +46,13 @@ Secret ReadLine(std::string_view source, size_t longest, ReadByte read_byte) {
         return CannotRead(source, errno);
     }
     if (got == 0 && secret.text.empty()) {
-        return Problem(source, "is empty; give the value as one line");
+        return BadSource(source, "is empty; give the value as one line");
     }
     return secret;
 }
 
 Secret ReadFile(const char* path, size_t longest) {
-    constexpr std::string_view kSource = "the file behind @";
+    constexpr std::string_view kSource = "the file after @";
     const velk::UniqueFd file(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY));
     if (file.get() == -1) {
         return CannotRead(kSource, errno);
@@ -61,16 +61,16 @@ Secret ReadFile(const char* path, size_t longest) {
     Secret secret = ReadLine(kSource, longest, read_byte);
     char more = '\0';
     if (secret.problem.empty() && read_byte(more) == 1) {
-        return Problem(kSource, "has more than one line; give the value as the only one");
+        return BadSource(kSource, "has more than one line; give the value as the only one");
     }
     return secret;
 }
 
-// Standard input; what is typed there is not shown while this lives. A signal that would end
-// velkctl ends it when the terminal is as it was.
-class HiddenTyping {
+// Standard input without echo during the lifetime. A signal ends velkctl only after the terminal is
+// restored.
+class HiddenInput {
   public:
-    HiddenTyping()
+    HiddenInput()
         : signal_fd_(signalfd(-1, &signals_.signals(), SFD_CLOEXEC)),
           is_terminal_(tcgetattr(STDIN_FILENO, &before_) == 0) {
         if (is_terminal_) {
@@ -79,17 +79,17 @@ class HiddenTyping {
             (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
         }
     }
-    ~HiddenTyping() {
+    ~HiddenInput() {
         if (is_terminal_) {
             (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
         }
     }
-    HiddenTyping(const HiddenTyping&) = delete;
-    HiddenTyping& operator=(const HiddenTyping&) = delete;
+    HiddenInput(const HiddenInput&) = delete;
+    HiddenInput& operator=(const HiddenInput&) = delete;
 
     bool is_terminal() const { return is_terminal_; }
 
-    // As read(2); a signal is as good as the end of the input.
+    // Like read(2) of one byte. A signal counts as the end of the input.
     ssize_t ReadByte(char& byte) const {
         std::array<pollfd, 2> awaited{{{STDIN_FILENO, POLLIN, 0}, {signal_fd_.get(), POLLIN, 0}}};
         (void)poll(awaited.data(), awaited.size(), -1);
@@ -97,13 +97,13 @@ class HiddenTyping {
     }
 
   private:
-    const StopSignals signals_;  // let through last
+    const StopSignals signals_;  // destroyed last
     const velk::UniqueFd signal_fd_;
     termios before_{};
     const bool is_terminal_;
 };
 
-// Shows a text to the person who types, and to nobody who reads velkctl's output.
+// Writes to the terminal, not to the output of velkctl.
 void ShowAtTerminal(const std::string& text) {
     const velk::UniqueFd terminal(open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY));
     const int fd = terminal.get() == -1 ? STDERR_FILENO : terminal.get();
@@ -111,14 +111,14 @@ void ShowAtTerminal(const std::string& text) {
 }
 
 Secret Ask(const std::string& question, size_t longest = VELK_DATA_SIZE) {
-    const HiddenTyping hidden;
+    const HiddenInput hidden;
     if (hidden.is_terminal()) {
         ShowAtTerminal(question);
     }
     Secret secret = ReadLine("standard input", longest,
                              [&hidden](char& byte) { return hidden.ReadByte(byte); });
     if (hidden.is_terminal()) {
-        ShowAtTerminal("\n");  // in the place of the one that was typed
+        ShowAtTerminal("\n");  // the typed one was not shown
     }
     return secret;
 }
@@ -144,9 +144,9 @@ Secret AskForSecret(const std::string& name) {
     if (!secret.problem.empty()) {
         return secret;
     }
-    const Secret again = Ask("the same again: ");
+    const Secret again = Ask("repeat the value: ");
     return again.text == secret.text ? secret
-                                     : Problem("the second value", "differs from the first");
+                                     : BadSource("the second value", "differs from the first");
 }
 
 }  // namespace velkctl

@@ -1,28 +1,28 @@
-// secret_source.h - secrets that need not stand on a command line.
+// secret_source.h - reads secrets that are not on the command line.
 #ifndef VELKCTL_CLI_SECRET_SOURCE_H_
 #define VELKCTL_CLI_SECRET_SOURCE_H_
 
 #include <string>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
-// The text of a secret, or the problem that kept it from being read.
+// The text of a secret, or the problem of reading it.
 struct Secret {
     std::string text{};
     std::string problem{};
 };
 
-// Takes "-" for a line of standard input, "@FILE" for the only line of a file, without the end of
-// the line, and any other word as it stands. A line of more than `longest` bytes is a problem. The
-// rest of standard input is left to others. No problem repeats the word: a secret may begin with @.
+// Reads a line of standard input for "-", the only line of a file for "@FILE", both without the
+// newline. Any other word is the secret itself. A line of more than `longest` bytes is a problem.
+// The rest of standard input stays unread. No problem repeats the word: a secret may begin with @.
 Secret ReadSecret(const std::string& word, size_t longest = VELK_DATA_SIZE);
 
-// Says whether somebody sits at a terminal who can be asked.
+// True if standard input is a terminal.
 bool CanAskForSecret();
 
-// Asks for the value of a setting, twice, without showing what is typed.
+// Asks twice for the value of a setting, without showing the input.
 Secret AskForSecret(const std::string& name);
 
 }  // namespace velkctl

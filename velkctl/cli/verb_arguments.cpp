@@ -1,4 +1,4 @@
-// verb_arguments.cpp - what stands behind a verb: its options, and words that are none.
+// verb_arguments.cpp - parses the arguments after a verb: options and words.
 #include "velkctl/cli/verb_arguments.h"
 
 #include <algorithm>
@@ -9,16 +9,11 @@
 #include "velkctl/cli/help.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
-
-template <typename Row>
-const Row* Find(std::span<const Row> rows, std::string_view name) {
-    const auto row = std::ranges::find(rows, name, &Row::name);
-    return row == rows.end() ? nullptr : &*row;
-}
 
 using Flag = bool Invocation::*;
 
@@ -26,7 +21,7 @@ Flag FindFlag(const Verb& verb, std::string_view name) {
     if (name == "--help" || name == "-h") {
         return &Invocation::help;
     }
-    const VerbFlag* row = Find(verb.flags, name);
+    const VerbFlag* row = FindRow(verb.flags, name, &VerbFlag::name);
     return row == nullptr ? nullptr : row->target;
 }
 
@@ -41,8 +36,7 @@ std::vector<std::string> OptionNames(const Verb& verb) {
     return names;
 }
 
-// The verb's options for getopt_long(3): without dashes, and with a zero behind them, as literals
-// have it.
+// Returns the options of the verb for getopt_long(3), which wants names without dashes.
 std::vector<option> OptionRows(const Verb& verb) {
     std::vector<option> rows{{"help", no_argument, nullptr, 0}, {"h", no_argument, nullptr, 0}};
     for (const VerbOption& row : verb.options) {
@@ -64,28 +58,31 @@ bool IsNumber(std::string_view word) {
     return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// What helps who means a word by it, and not an option.
+// Returns the hint for a user who meant a word and not an option.
 std::string DashHint(const Verb& verb) {
-    return verb.run == RunSet ? "; put -- before a value that begins with a dash" : "";
+    return verb.words.takes_value ? "; put -- before a value that begins with a dash" : "";
 }
 
-// Says whether the next word of a verb may be a number: a value, or the id of a command.
-bool TakesNumber(const Verb& verb, const Words& words_before) {
+// True if the next word of the verb may be a number.
+bool TakesNumber(const Verb& verb, const std::vector<std::string>& words_before) {
     const bool is_second = 1 == std::ranges::count_if(words_before, [](const std::string& word) {
                                return !LooksLikeOption(word);
                            });
-    return is_second && (verb.run == RunSet || verb.run == RunCall);
+    return is_second && verb.words.second_is_number;
 }
 
-// Says whether any of the words may be a secret: beside the name or id of one, and behind a name
-// that is misspelt.
-bool MayHoldSecret(const Verb& verb, const Words& words) {
+// True if a word may be a secret: next to the name or id of one, or after a misspelt name.
+bool MayHoldSecret(const Verb& verb, const std::vector<std::string>& words) {
     const auto first = std::ranges::find_if_not(words, LooksLikeOption);
-    if (verb.run == RunSet && first != words.end() && !FindSetting(Catalogue(), *first)) {
+    if (verb.words.takes_value && first != words.end() && !FindSetting(*first)) {
         return true;
     }
-    return std::ranges::any_of(
-        words, [](const std::string& word) { return NamesSecret(Catalogue(), word); });
+    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
+}
+
+// Returns the word to follow its noun in a message, or a remark in its place.
+std::string AfterNoun(std::string_view word, bool may_be_key) {
+    return may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(word);
 }
 
 std::string TakesNoValue(std::string_view flag) {
@@ -93,17 +90,18 @@ std::string TakesNoValue(std::string_view flag) {
 }
 
 std::string NeedsValue(std::string_view option) {
-    return "option " + Quoted(option) + " needs a value behind it";
+    return "option " + Quoted(option) + " needs a value";
 }
 
-// Takes an option, whose value is in optarg, and says what is wrong with it. `next` stands behind.
+// Stores an option, with its value from optarg. Returns the problem with it; empty if none. `next`
+// is the argument after it.
 std::string TakeOption(const Verb& verb, const VerbOption& option, const char* next,
                        Arguments& read) {
     const std::string name(option.name);
     if (optarg == nullptr && next != nullptr && IsNumber(next) &&
         !TakesNumber(verb, read.invocation.words)) {
-        // The number is not repeated: it may be a key.
-        return name + " takes its seconds behind '='; write " + name + "=SECONDS";
+        // The message does not repeat the number: it may be a key.
+        return name + " takes its seconds after '='; write " + name + "=SECONDS";
     }
     std::optional<std::string>& value = read.invocation.*option.target;
     if (value) {
@@ -114,7 +112,7 @@ std::string TakeOption(const Verb& verb, const VerbOption& option, const char* n
     return {};
 }
 
-// Takes what is no option of the verb.
+// Stores an argument that is no option of the verb.
 void TakeWord(std::string_view word, Arguments& read) {
     if (read.unknown.empty() && LooksLikeOption(word)) {
         read.unknown = word;
@@ -122,10 +120,17 @@ void TakeWord(std::string_view word, Arguments& read) {
     read.invocation.words.emplace_back(word);
 }
 
+// Returns the problem with a first word that is not an interface, or an empty text.
+std::string InterfaceProblem(const Invocation& invocation) {
+    const std::string& word = invocation.words.front();
+    const bool is_known = word == VELK_WIRED_INTERFACE || word == VELK_WIRELESS_INTERFACE;
+    return is_known ? "" : UnknownInterface(word, invocation.Shown(word));
+}
+
 }  // namespace
 
-Arguments ReadArguments(const Verb& verb, Words given) {
-    std::vector<char*> pointers{nullptr};  // in the place of the program's name
+Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
+    std::vector<char*> pointers{nullptr};  // for the name of the program
     for (std::string& argument : given) {
         pointers.push_back(argument.data());
     }
@@ -133,10 +138,10 @@ Arguments ReadArguments(const Verb& verb, Words given) {
     char* const* argv = pointers.data();
     const int argc = static_cast<int>(given.size()) + 1;
     const std::vector<option> rows = OptionRows(verb);
-    // "-": words come in their order. There are no letters, so "-hello" is one option and not five.
+    // "-" keeps the order of the words. Without short options "-hello" is one option and not five.
     const auto next = [&] { return getopt_long_only(argc, argv, "-", rows.data(), nullptr); };
-    opterr = 0;  // it says nothing itself
-    optind = 0;  // it has read other arguments before, in a test
+    opterr = 0;  // prints no messages
+    optind = 0;  // a test reads arguments more than once
     Arguments read;
     int found = 0;
     for (int at = 1; read.problem.empty() && (found = next()) != -1; at = optind) {
@@ -145,16 +150,16 @@ Arguments ReadArguments(const Verb& verb, Words given) {
         if (const Flag flag = FindFlag(verb, name)) {
             read.invocation.*flag = true;
             read.problem = is_wrong ? TakesNoValue(name) : "";
-        } else if (const VerbOption* option = Find(verb.options, name)) {
+        } else if (const VerbOption* option = FindRow(verb.options, name, &VerbOption::name)) {
             read.problem =
                 is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
         } else {
-            optind = at + 1;  // behind the beginning of a name it may have taken a value
+            optind = at + 1;  // after an abbreviated name it may have taken a value
             TakeWord(argv[at], read);
         }
     }
-    Words& words = read.invocation.words;
-    words.insert(words.end(), argv + optind, argv + argc);  // those behind "--"
+    std::vector<std::string>& words = read.invocation.words;
+    words.insert(words.end(), argv + optind, argv + argc);  // those after "--"
     read.invocation.beside_secret = MayHoldSecret(verb, words);
     return read;
 }
@@ -167,26 +172,30 @@ std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
     if (!arguments.unknown.empty()) {
         return UnknownOption(verb, arguments.unknown, invocation.beside_secret);
     }
-    if (invocation.words.size() < verb.min_words) {
+    if (invocation.words.size() < verb.words.least) {
         return "argument missing; usage: " + Usage(verb);
     }
-    if (invocation.words.size() > verb.max_words) {
-        return invocation.Shown(invocation.words[verb.max_words]) +
-               " is one argument too many; usage: " + Usage(verb);
+    if (invocation.words.size() > verb.words.most) {
+        return "unexpected argument" +
+               AfterNoun(invocation.words[verb.words.most], invocation.beside_secret) +
+               "; usage: " + Usage(verb);
+    }
+    if (verb.words.first_is_interface && !invocation.words.empty()) {
+        return InterfaceProblem(invocation);
     }
     return {};
 }
 
 std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key) {
     const std::string_view name = WithoutValue(option);
-    return "unknown option" +
-           (may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(name)) +
+    return "unknown option" + AfterNoun(name, may_be_key) +
            DidYouMean(name, OptionNames(verb),
                       "'" + CommandName(verb) + " --help' lists the options" + DashHint(verb));
 }
 
 bool HasOption(const Verb& verb, std::string_view name) {
-    return Find(verb.options, name) != nullptr || Find(verb.flags, name) != nullptr;
+    return FindRow(verb.options, name, &VerbOption::name) != nullptr ||
+           FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
 }
 
 std::string_view WithoutValue(std::string_view argument) {

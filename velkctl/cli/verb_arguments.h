@@ -1,4 +1,4 @@
-// verb_arguments.h - what stands behind a verb: its options, and words that are none.
+// verb_arguments.h - parses the arguments after a verb: options and words.
 #ifndef VELKCTL_CLI_VERB_ARGUMENTS_H_
 #define VELKCTL_CLI_VERB_ARGUMENTS_H_
 
@@ -10,28 +10,26 @@
 
 namespace velkctl {
 
-using Words = std::vector<std::string>;
-
 struct Arguments {
-    Invocation invocation{};   // its words are all that is no option of the verb
-    std::string problem{};     // with how an option is given, even where help is asked for
-    std::string_view twice{};  // an option that is given again
-    std::string unknown{};     // the first of the words that looks like an option
+    Invocation invocation{};   // its words are the arguments that are no options of the verb
+    std::string problem{};     // a misused option; it goes before a request for help
+    std::string_view twice{};  // an option that is given twice
+    std::string unknown{};     // the first word that looks like an option
 };
 
-// Takes the arguments apart. Behind "--" nothing is an option, nor looks like one.
-Arguments ReadArguments(const Verb& verb, Words given);
+// Parses the arguments. After "--" all are words.
+Arguments ReadArguments(const Verb& verb, std::vector<std::string> given);
 
-// The problem with the arguments of a verb that is to be run; empty when there is none.
+// Returns the problem with the arguments of a verb; empty if none.
 std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments);
 
-// Complains about an option that a verb, or the tool itself, does not have.
+// Returns the message about an option that the verb or the tool does not have.
 std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key = false);
 
-// Says whether the verb has an option or flag of this name.
+// True if the verb has an option or flag of this name.
 bool HasOption(const Verb& verb, std::string_view name);
 
-// An argument without what stands behind "=", which may be a secret.
+// Returns the argument without "=" and the text after it, which may be a secret.
 std::string_view WithoutValue(std::string_view argument);
 
 }  // namespace velkctl

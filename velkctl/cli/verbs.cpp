@@ -1,4 +1,4 @@
-// verbs.cpp - the table of what velkctl can be told to do.
+// verbs.cpp - the table of velkctl's verbs, with the rules of each.
 #include "velkctl/cli/verbs.h"
 
 #include <array>
@@ -11,22 +11,20 @@ namespace {
 
 constexpr size_t kAnyNumber = std::numeric_limits<size_t>::max();
 
-constexpr VerbOption kWait{
-    "--wait", "", "while another program changes settings, try again for 30 s, or --wait=SECONDS",
-    &Invocation::wait, "30"};
-constexpr VerbOption kTimeout{"--timeout", "SECONDS", "give up when it takes longer",
+constexpr VerbOption kWait{"--wait", "",
+                           "try again for 30 s while settings are locked; or --wait=N",
+                           &Invocation::wait, "30"};
+constexpr VerbOption kTimeout{"--timeout", "SECONDS", "stop if no answer comes within SECONDS",
                               &Invocation::timeout};
-constexpr VerbFlag kJson{"--json", "answer as one JSON document", &Invocation::json};
-constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys, which are masked otherwise",
+constexpr VerbFlag kJson{"--json", "print one JSON document", &Invocation::json};
+constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisks",
                                 &Invocation::show_secrets};
 
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
 constexpr std::array<VerbOption, 4> kCallOptions{{
-    {"--text", "TEXT", "data bytes as text, at most 512; - or @FILE reads them", &Invocation::text},
-    {"--hex", "HEX",
-     "data bytes as pairs of hex digits, with blanks or colons between; - or @FILE reads them",
-     &Invocation::hex},
+    {"--text", "TEXT", "data bytes as text, at most 512; or - or @FILE", &Invocation::text},
+    {"--hex", "HEX", "data bytes as pairs of hex digits; or - or @FILE", &Invocation::hex},
     kWait,
     kTimeout,
 }};
@@ -40,47 +38,54 @@ constexpr std::array kSecretFlags{kJson, kShowSecrets};
 constexpr std::array<VerbFlag, 3> kGetFlags{{
     kJson,
     kShowSecrets,
-    {"--value", "show the bare values, one a line; it is empty where there is none",
-     &Invocation::bare_value},
+    {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
 constexpr std::array<VerbFlag, 3> kSetFlags{{
     kJson,
-    {"--force", "set a value that would be refused as nonsense, as it is", &Invocation::force},
+    {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
 }};
 constexpr std::array<VerbFlag, 2> kRestartFlags{{
     kJson,
-    {"--notify-only", "eth1: tell the wireless daemon, leave the interface up",
+    {"--notify-only", "eth1: notify the wireless daemon only; eth1 stays up",
      &Invocation::notify_only},
 }};
 
 constexpr std::array<Verb, 9> kVerbs{{
-    {"get", "NAME... [OPTION...]", "show the value of settings",
-     "One name gives the bare value, several give lines of \"name = value\". Of a key, which is\n"
-     "the pre-shared key or a WEP key, only whether there is one is shown, ******** or none,\n"
-     "unless --show-secrets asks for it.\n"
+    {"get",
+     "NAME... [OPTION...]",
+     "show the value of settings",
+     "One name prints the bare value, several names print lines \"name = value\". A key\n"
+     "(eth1.psk and the WEP keys) is shown as ********, or none if it is not set,\n"
+     "unless --show-secrets is given.\n"
      "\n"
-     "In a value, \\xff is a byte that is no text, and \\x5c a backslash that would look like "
-     "one.\n"
+     "In a value, \\xff is a byte that is not text. \\x5c is a backslash before text\n"
+     "that looks like such a byte.\n"
      "\n"
      "Examples:\n"
      "  velkctl get eth0.dns\n"
      "  velkctl get eth0.dns eth0.link-speed\n"
      "  velkctl get --value eth0.address eth0.netmask\n"
      "  velkctl get eth1.psk --show-secrets",
-     1, kAnyNumber, kReadOptions, kGetFlags, RunGet},
-    {"set", "NAME VALUE... [OPTION...]", "change a setting",
-     "The value is written as get shows it. Put -- before a value that begins with a dash. It is\n"
-     "checked before, and read back afterwards: exit status 6 says that the library reported\n"
-     "success but the device does not hold the value. 'velkctl describe NAME' says which values a\n"
-     "setting takes. '' clears a text, none everything else that can be empty. In a text, \\xff "
-     "is\n"
-     "the byte of that number, and \\x5cxff the four characters.\n"
+     {.least = 1, .most = kAnyNumber},
+     kReadOptions,
+     kGetFlags,
+     RunGet},
+    {"set",
+     "NAME VALUE... [OPTION...]",
+     "change a setting",
+     "Write the value as get shows it. Put -- before a value that begins with a dash.\n"
+     "'velkctl describe NAME' lists the values of a setting. '' clears a text, none\n"
+     "clears any other setting that can be empty. In a text, \\xff is the byte of that\n"
+     "number, and \\x5cxff the four characters.\n"
      "\n"
-     "A key, as in eth1.psk, need not stand on the command line, where other users see it: - "
-     "takes\n"
-     "a line of standard input, @FILE the only line of a file, and at a terminal it is asked for\n"
-     "when no value is given. A key that begins with @ can be given in these ways alone.\n"
+     "velkctl checks the value first and reads it back after the set. Exit status 6:\n"
+     "the library reported success, but the device does not hold the value.\n"
+     "\n"
+     "Other users can see the command line. For a key, such as eth1.psk, - reads a\n"
+     "line of standard input and @FILE the only line of a file; without a value,\n"
+     "velkctl asks for it at a terminal. A key that begins with @ needs one of these\n"
+     "ways.\n"
      "\n"
      "Examples:\n"
      "  velkctl set eth0.address 192.168.0.10\n"
@@ -88,104 +93,113 @@ constexpr std::array<Verb, 9> kVerbs{{
      "  velkctl set web-update weekly sunday 08:30\n"
      "  velkctl set eth1.ssid 'my network' --wait\n"
      "  velkctl set eth1.psk @/run/keys/psk",
-     1, kAnyNumber, kChangeOptions, kSetFlags, RunSet},
-    {"show", "[eth0|eth1] [OPTION...]", "show all settings, or those of an interface",
-     "What cannot be read stands there with the reason. Colours are for terminals that can, and "
-     "not\n"
-     "when NO_COLOR is set.\n"
+     {.least = 1, .most = kAnyNumber, .takes_value = true, .second_is_number = true},
+     kChangeOptions,
+     kSetFlags,
+     RunSet},
+    {"show",
+     "[eth0|eth1] [OPTION...]",
+     "show all settings, or those of an interface",
+     "A setting that cannot be read is shown with the reason. Colours are used on\n"
+     "terminals only, and not if NO_COLOR is set.\n"
      "\n"
      "Examples:\n"
      "  velkctl show\n"
      "  velkctl show eth0 --json",
-     0, 1, kReadOptions, kSecretFlags, RunShow},
-    {"restart", "eth0|eth1 [OPTION...]",
-     "bring an interface down and up again, so that changed settings take effect",
-     "With a wireless adapter attached and the cable in, restarting eth0 takes more than a "
-     "minute.\n"
+     {.most = 1, .first_is_interface = true},
+     kReadOptions,
+     kSecretFlags,
+     RunShow},
+    {"restart",
+     "eth0|eth1 [OPTION...]",
+     "bring an interface down and up to apply its settings",
+     "Restarting eth0 takes more than a minute if a wireless adapter is attached and\n"
+     "the cable is in.\n"
      "\n"
      "Examples:\n"
      "  velkctl restart eth0\n"
      "  velkctl restart eth1 --notify-only",
-     1, 1, kChangeOptions, kRestartFlags, RunRestart},
+     {.least = 1, .most = 1, .first_is_interface = true},
+     kChangeOptions,
+     kRestartFlags,
+     RunRestart},
     {"list",
      "[eth0|eth1] [--json]",
-     "name all settings, or those of an interface, and say what can be done with them",
+     "list all settings, or those of an interface",
      "Examples:\n"
      "  velkctl list\n"
      "  velkctl list eth0",
-     0,
-     1,
+     {.most = 1, .first_is_interface = true},
      {},
      kJsonFlags,
      RunList},
     {"describe",
      "NAME|ID [--json]",
-     "say what a setting is",
-     "A name without its interface, and the id of a command, stand for the setting of every\n"
-     "interface.\n"
+     "describe a setting and its values",
+     "A name without its interface, or the id of a command, selects the setting of\n"
+     "every interface.\n"
      "\n"
      "Examples:\n"
      "  velkctl describe eth0.gateway\n"
      "  velkctl describe 108",
-     1,
-     1,
+     {.least = 1, .most = 1},
      {},
      kJsonFlags,
      RunDescribe},
     {"explain",
      "RESULT|STATUS [--json]",
-     "say what a result of the library or an exit status means and what to do about it",
-     "A result is a negative number or a name, with or without LIB_VELK_; an exit status of\n"
-     "velkctl is a number from 1 to 7. 0 is both: done.\n"
+     "explain a result of the library or an exit status",
+     "A result is 0, a negative number or a name, with or without LIB_VELK_. An exit\n"
+     "status of velkctl is a number from 0 to 7. 0 is both.\n"
      "\n"
      "Examples:\n"
      "  velkctl explain -3\n"
      "  velkctl explain LIB_VELK_LOCKED\n"
      "  velkctl explain 6",
-     1,
-     1,
+     {.least = 1, .most = 1},
      {},
      kJsonFlags,
      RunExplain},
     {"doctor",
      "[--json]",
-     "look for what the library will not be able to do, and say how to mend it",
-     "Changes nothing. The exit status is 0 when all is well, else 1.\n"
+     "look for problems with files, tools and daemons",
+     "Changes nothing. The exit status is 0 if there is no problem, else 1.\n"
      "\n"
      "Example:\n"
      "  velkctl doctor",
-     0,
-     0,
+     {},
      {},
      kJsonFlags,
      RunDoctor},
-    {"call", "get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]",
-     "run a command of the library as it stands",
-     "ID is the decimal number of the command, INTERFACE the name as it is sent, empty when left\n"
-     "out. Nothing is checked before the call. Prints the result and, for a get, the data bytes\n"
-     "up to the last one that is not zero; those of a key are masked.\n"
+    {"call",
+     "get|set|restart ID [INTERFACE] [OPTION...]",
+     "run a command of the library without checks",
+     "ID is the decimal number of the command. INTERFACE is sent as given, empty by\n"
+     "default. Prints the result and, for a get, the data bytes up to the last one\n"
+     "that is not zero. Keys are masked.\n"
      "\n"
-     "Data bytes need not stand on the command line, where other users see them: - takes a line "
-     "of\n"
-     "standard input, @FILE the only line of a file. Give a text that is - or begins with @ in\n"
-     "these ways, or as hex digits.\n"
+     "Other users can see the command line. As TEXT or HEX, - reads a line of standard\n"
+     "input and @FILE the only line of a file. A text that is - or begins with @ needs\n"
+     "one of these ways, or --hex.\n"
      "\n"
      "Examples:\n"
      "  velkctl call get 108 eth0\n"
      "  velkctl call set 108 eth0 --text 192.168.0.1\n"
      "  velkctl call set 108 eth0 --hex 31:30:2e:30:2e:30:2e:31\n"
      "  velkctl call set 314 eth1 --text @/run/keys/psk",
-     2, 3, kCallOptions, kSecretFlags, RunCall},
+     {.least = 2, .most = 3, .second_is_number = true},
+     kCallOptions,
+     kSecretFlags,
+     RunCall},
 }};
 
 constexpr Verb kTool{
     "",
     "VERB [ARGUMENT...]",
     "Read and change the network settings of the device.",
-    "'velkctl VERB --help' tells more about a verb, and has examples. 'velkctl list' names\n"
-    "the settings.",
-    0,
-    0,
+    "'velkctl VERB --help' describes a verb, with examples. 'velkctl list' lists the\n"
+    "settings.",
+    {},
     {},
     kToolFlags,
     nullptr};

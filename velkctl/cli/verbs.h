@@ -1,4 +1,4 @@
-// verbs.h - what velkctl can be told to do.
+// verbs.h - the table of velkctl's verbs, with the rules of each.
 #ifndef VELKCTL_CLI_VERBS_H_
 #define VELKCTL_CLI_VERBS_H_
 
@@ -8,18 +8,20 @@
 #include <string_view>
 #include <vector>
 
+#include "velkctl/call/time_limits.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
 
-// The arguments behind a verb, as its row says they may be.
+// The arguments after a verb.
 struct Invocation {
-    std::vector<std::string> words{};  // those that are no options
+    std::vector<std::string> words{};  // all arguments that are not options
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
     std::optional<std::string> wait{};     // seconds, unparsed
     std::optional<std::string> timeout{};  // seconds, unparsed
+    TimeLimits limits{};                   // the same, parsed
     bool json = false;
     bool show_secrets = false;
     bool notify_only = false;
@@ -28,35 +30,43 @@ struct Invocation {
     bool no_verify = false;
     bool help = false;
     bool version = false;
-    bool beside_secret = false;  // any word may be one
+    bool beside_secret = false;  // any word may be a secret
 
-    // A word, to be named in a message: 'word', or what stands in its place when it may be a key.
+    // Returns 'word' for a message, or a placeholder if the word may be a secret.
     std::string Shown(std::string_view word) const;
 };
 
 // An option that takes a value.
 struct VerbOption {
     std::string_view name;   // "--text"
-    std::string_view value;  // what its value is called in help
+    std::string_view value;  // the name of its value in the help
     std::string_view help;
     std::optional<std::string> Invocation::*target;
-    std::string_view implied{};  // its value when none stands behind "="; empty: the next argument
+    std::string_view implied{};  // the value without "="; empty: the next argument is the value
 };
 
-// An option that takes none.
+// An option without a value.
 struct VerbFlag {
     std::string_view name;  // "--show-secrets"
     std::string_view help;
     bool Invocation::*target;
 };
 
+// The words that a verb takes after its options.
+struct WordRules {
+    size_t least = 0;
+    size_t most = 0;
+    bool first_is_interface = false;  // the first word, if given, is eth0 or eth1
+    bool takes_value = false;         // a value follows the name of a setting
+    bool second_is_number = false;    // the second word may be a number
+};
+
 struct Verb {
     std::string_view name;
     std::string_view arguments;
     std::string_view summary;  // one line, for the list of verbs
-    std::string_view help;     // what more there is to say, with examples
-    size_t min_words;
-    size_t max_words;
+    std::string_view help;     // further text, with examples
+    WordRules words;
     std::span<const VerbOption> options;
     std::span<const VerbFlag> flags;
     ExitStatus (*run)(const Invocation& invocation, Report& report);
@@ -64,7 +74,7 @@ struct Verb {
 
 std::span<const Verb> Verbs();
 
-// What velkctl takes without a verb, as a row like theirs.
+// The options that velkctl takes without a verb, as a row of the same table.
 const Verb& Tool();
 
 ExitStatus RunGet(const Invocation& invocation, Report& report);

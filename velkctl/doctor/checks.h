@@ -1,16 +1,21 @@
-// checks.h - what the doctor looks at, one subject each. None changes anything.
+// checks.h - the doctor's checks, one subject each. None changes anything.
 #ifndef VELKCTL_DOCTOR_CHECKS_H_
 #define VELKCTL_DOCTOR_CHECKS_H_
 
+#include <array>
 #include <string_view>
 
 #include "velkctl/doctor/finding.h"
-#include "velkctl/settings/catalogue.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 
-// Whether the library's files and folders are there and may be written. The other checks of files
-// say nothing about those that cannot be read.
+inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
+                                                        VELK_WIRELESS_INTERFACE};
+
+// The library's files and folders: whether they exist and can be written. The other checks of files
+// return nothing if the file cannot be read.
 Findings CheckFiles();
 Findings CheckFolders();
 
@@ -22,29 +27,36 @@ Findings CheckTimeEntry();     // ntpdate in the crontab
 Findings CheckWebUpdate();     // the updater in the crontab
 Findings CheckIdentity();      // the SNMP agent's configuration
 
+// Returns a finding if a second "#" before the position would keep the line switched off. `noun` is
+// the command, call or entry that the line is.
+Findings CheckMarks(const Finding& about, std::string_view line, size_t position,
+                    std::string_view noun);
+
+// Returns the line that an address is read from, even if it is correct. Empty for other settings.
+Findings ValueLineOf(const Setting& setting);
+
 Findings CheckTools();
-// Those that the setting needs.
 Findings CheckToolsFor(const Setting& setting);
+// Checks the tools that restart an interface. The library ignores their exit status.
+Findings CheckRestartTools();
+
 Findings CheckIfconfig();
+// Returns a finding if the library cannot read this output of ifconfig.
+Findings CheckIfconfigOutput(std::string_view output);
+
 Findings CheckEditCopies();    // in /var/tmp
 Findings CheckResultFile();    // in /var/tmp
 Findings CheckQueryRemains();  // reply socket and semaphore
 Findings CheckLock();
-// Asks the daemon, for a few seconds at most.
-Findings CheckDaemon(Report& report);
-// What there is to say, without asking it, when the daemon does not hold what it was sent. None for
-// settings that are not its own.
-Findings DaemonBehind(const Setting& setting);
-// Whether the daemon runs that the setting is asked of. It is not asked.
-Findings CheckDaemonRuns(const Setting& setting);
 Findings CheckAdapter();
 
-// What keeps a restart of an interface from its effect, which the library does not notice: the
-// tools that bring it down and up.
-Findings RestartObstacles();
-
-// Says whether what ifconfig printed can be read back: the finding when it cannot.
-Findings JudgeIfconfigOutput(std::string_view output);
+// Queries the daemon, for a few seconds at most.
+Findings CheckDaemon(Report& report);
+// Returns a finding if the wireless daemon of the setting is not running. Does not query it.
+Findings CheckDaemonRuns(const Setting& setting);
+// Returns the finding that the daemon of the setting answers with another value than it was sent.
+// Does not query it.
+Findings DaemonDiffers(const Setting& setting);
 
 }  // namespace velkctl
 

@@ -1,70 +1,66 @@
-// crontab_checks.cpp - whether the crontab's entries are such as the library changes them.
+// crontab_checks.cpp - checks that the library can read and change the crontab's entries.
 #include <algorithm>
 #include <array>
 #include <stdexcept>
-#include <string>
-#include <string_view>
 
-#include "lib/base/comment_switch.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/ntp.h"
 #include "velkctl/call/library_call.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/script_blocks.h"
-#include "velkctl/files/text_file.h"
 #include "velkctl/settings/time_entry.h"
 
 namespace velkctl {
 namespace {
 
-constexpr char kSwitchAndServer[] = "ntp and ntp-server";
 constexpr char kProperEntry[] =
     "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log";
 constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
 
-// Options of ntpdate with a word of their own behind them.
+// Options of ntpdate that take an argument.
 constexpr std::array<std::string_view, 7> kOptionsWithWord{"-a", "-e", "-k", "-o",
                                                            "-p", "-t", "-U"};
 
-constexpr std::string_view kUpdater = "web_contents_updater";
 constexpr std::string_view kUpdateCommand = "perl /usr/bin/web_contents_updater.pl";
 constexpr int kTimeFields = 5;
 constexpr std::string_view kTimeCharacters = "0123456789*/,-";
 
-// What every finding on a line has in common.
-Finding At(size_t index, Concerns concerns) {
-    return {.file = velk::kCrontab,
-            .line = index + 1,
-            .remedy = kProperEntry,
-            .concerns = std::move(concerns),
-            .hinders = Hinders::kSetting};
+bool IsTimeField(std::string_view word) {
+    return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
 }
 
-// What becomes of the line when the server is set; empty when it is as it should be.
+Finding AboutEntry(AffectedSettings affected) {
+    return {.subject = SubjectOf(affected),
+            .file = velk::kCrontab,
+            .remedy = kProperEntry,
+            .affected = std::move(affected),
+            .impact = Impact::kSetting};
+}
+
+std::string ServerIn(const std::string& line) {
+    std::string server;
+    (void)GetNtpdate(line, server);
+    return server;
+}
+
+// Returns the damage that setting the server does to the line; empty if none.
 std::string ServerProblem(const std::string& line) {
     std::string changed = line;
     try {
         (void)ChangeNtpdate(changed, std::string(kProbe));
     } catch (const std::out_of_range&) {
-        return "it has neither a server nor a '>' to put one before";
+        return "it has no server, and no '>' before which one could be put";
     }
     if (!changed.ends_with('\n')) {
         return "the server is its last word; setting it joins the entry with the next line";
     }
-    std::string server;
-    (void)GetNtpdate(changed, server);
-    if (server != kProbe) {
-        return "a new server would be joined with another word of it";
-    }
-    return "";
+    return ServerIn(changed) == kProbe ? ""
+                                       : "a new server would be joined to another word on the line";
 }
 
-// What passes for the server and is none: a redirection, the argument of an option. Empty when
-// there is no such thing.
+// Returns a redirection or the argument of an option that is taken for the server; empty if none.
 std::string FalseServer(const std::string& line) {
-    std::string server;
-    (void)GetNtpdate(line, server);
+    const std::string server = ServerIn(line);
     if (velk::Contains(server, ">")) {
         return Excerpt(server);
     }
@@ -78,117 +74,88 @@ std::string FalseServer(const std::string& line) {
     return is_argument ? "the option " + Excerpt(before + " " + *found) : "";
 }
 
-// A line that runs nothing, were its "#" taken away.
+// True for a line that would run nothing without its "#".
 bool IsRemark(std::string_view line) {
     const std::string_view text = Trimmed(line);
-    if (!text.starts_with('#')) {
-        return false;
-    }
     const size_t begin = text.find_first_not_of("# \t");
-    return begin == std::string_view::npos ||
-           !velk::Contains("0123456789*@", text.substr(begin, 1));
+    return text.starts_with('#') && (begin == std::string_view::npos ||
+                                     !velk::Contains("0123456789*@", text.substr(begin, 1)));
 }
 
-Finding Remark(const std::string& line, size_t index) {
-    Finding finding = At(index, {{.id = VELK_CMD_NTP}, {.id = VELK_CMD_NTP_SERVER}});
-    finding.subject = kSwitchAndServer;
-    finding.effect = "change a remark";
-    finding.what = Excerpt(line) + " is taken for an entry";
-    finding.remedy = "word it without 'ntpdate'";
-    return finding;
-}
-
-// Says whether the entry runs on into another one, which begins with fields of time.
+// True if the entry runs on into another one, which begins with fields of time.
 bool HasSecondEntry(std::string_view line) {
-    const std::vector<std::string> words = WordsOf(line.substr(line.find(kTimeClient)));
     int fields = 0;
-    for (const std::string& word : words) {
-        const bool is_field = word.find_first_not_of(kTimeCharacters) == std::string::npos;
-        fields = is_field ? fields + 1 : 0;
-        if (fields == kTimeFields - 1) {  // the first one sticks to the server
-            return true;
-        }
-    }
-    return false;
-}
-
-Finding EarlierText(const std::string& line, size_t index) {
-    std::string server;
-    (void)GetNtpdate(line, server);
-    Finding finding = At(index, {{.id = VELK_CMD_NTP_SERVER}});
-    finding.subject = "ntp-server";
-    finding.effect = "cannot be set";
-    finding.what = Excerpt(server) + " stands in front of the server, too, and is replaced there";
-    finding.remedy =
-        "write the server's address in its place with an editor, or a name that does not stand "
-        "further in front on the line";
-    return finding;
+    return std::ranges::any_of(WordsOf(line.substr(line.find(kTimeClient))),
+                               [&fields](const std::string& word) {
+                                   fields = IsTimeField(word) ? fields + 1 : 0;
+                                   // The first one is joined with the server.
+                                   return fields == kTimeFields - 1;
+                               });
 }
 
 Findings CheckServer(const std::string& line, size_t index) {
-    Finding finding = At(index, {{.id = VELK_CMD_NTP_SERVER}});
-    finding.subject = "ntp-server";
+    const Finding about = AboutEntry(SettingsOf(VELK_CMD_NTP_SERVER)).At(index);
     Findings findings;
     if (IsServerFoundTooEarly(line)) {
-        findings.push_back(EarlierText(line, index));
+        findings.push_back(about.Problem(
+            "cannot be set",
+            Excerpt(ServerIn(line)) +
+                " also occurs earlier on the line, and a set replaces it there",
+            "write the server's address in its place with an editor, or a name that does not occur "
+            "earlier on the line"));
     } else if (const std::string problem = ServerProblem(line); !problem.empty()) {
-        finding.effect = "cannot be set";
-        finding.what = problem;
-        findings.push_back(finding);
+        findings.push_back(about.Problem("cannot be set", problem));
     }
     if (const std::string server = FalseServer(line); !server.empty()) {
-        finding.effect = "is read and set in the wrong place";
-        finding.what = server + " is taken for it";
-        findings.push_back(finding);
+        findings.push_back(
+            about.Problem("is read and set in the wrong place", server + " is taken for it"));
     }
     if (HasSecondEntry(line)) {
-        finding.effect = "is joined with another entry";
-        finding.what =
-            "two entries stand on one line, as a set makes of a server that is the last "
-            "word of its line";
-        finding.remedy =
-            std::string("put the second one on a line of its own, and ") + kProperEntry;
-        findings.push_back(finding);
+        findings.push_back(about.Problem(
+            "is joined with another entry",
+            "two entries are on one line, as after a set of a server that is the last word of its "
+            "line",
+            std::string("put the second one on a line of its own, and ") + kProperEntry));
     }
     return findings;
 }
 
 Findings CheckEntry(const std::string& line, size_t index) {
     if (IsRemark(line)) {
-        return {Remark(line, index)};
+        return {AboutEntry(SettingsWithKey(kTimeClient))
+                    .At(index)
+                    .Problem("would change a comment", Excerpt(line) + " is taken for an entry",
+                             "remove the word 'ntpdate' from the comment")};
     }
-    Findings findings;
-    if (HasSecondMark(line, line.find(kTimeClient))) {
-        Finding finding = SecondMark("entry", velk::kCrontab, index);
-        finding.subject = "ntp";
-        finding.concerns = {{.id = VELK_CMD_NTP}};
-        findings.push_back(finding);
-    }
+    Findings findings = CheckMarks(AboutEntry(SettingsOf(VELK_CMD_NTP)).At(index), line,
+                                   line.find(kTimeClient), "entry");
     Append(findings, CheckServer(line, index));
     if (!velk::Contains(line, velk::kNtpLog)) {
-        Finding finding = At(index, {{.id = VELK_CMD_NTP_RESULT}});
-        finding.severity = Severity::kWarning;
-        finding.subject = "ntp-result";
-        finding.effect = "does not tell of this entry";
-        finding.what = std::string("its output does not go to ") + velk::kNtpLog;
-        finding.hinders = Hinders::kReading;
-        findings.push_back(finding);
+        findings.push_back(AboutEntry(SettingsHeldIn(velk::kNtpLog))
+                               .At(index)
+                               .With(Impact::kReading)
+                               .Warning("does not see this entry's result",
+                                        std::string("its output does not go to ") + velk::kNtpLog));
     }
     return findings;
 }
 
-// Says whether the library could have written the line: five fields of time and the command, with
-// single blanks between them.
+// True if the library could have written the line: five fields of time and the command, with single
+// blanks between them.
 bool IsOwnUpdate(std::string_view line) {
     for (int i = 0; i < kTimeFields; ++i) {
         const size_t end = line.find(' ');
-        if (end == std::string_view::npos || end == 0 ||
-            line.substr(0, end).find_first_not_of(kTimeCharacters) != std::string_view::npos) {
+        if (end == std::string_view::npos || end == 0 || !IsTimeField(line.substr(0, end))) {
             return false;
         }
         line.remove_prefix(end + 1);
     }
     return WithoutLineEnd(line) == kUpdateCommand;
+}
+
+// Returns the indexes of the crontab's lines with this text.
+std::vector<size_t> LinesWith(const Lines& lines, std::string_view text) {
+    return IndexesOf(lines, [text](std::string_view line) { return velk::Contains(line, text); });
 }
 
 }  // namespace
@@ -198,57 +165,37 @@ Findings CheckTimeEntry() {
     if (crontab.state != FileState::kText) {
         return {};
     }
-    Findings findings;
-    bool found = false;
-    for (size_t i = 0; i < crontab.lines.size(); ++i) {
-        if (velk::Contains(crontab.lines[i], kTimeClient)) {
-            found = true;
-            Append(findings, CheckEntry(crontab.lines[i], i));
-        }
+    const std::vector<size_t> entries = LinesWith(crontab.lines, kTimeClient);
+    if (entries.empty()) {
+        return {AboutEntry(SettingsWithKey(kTimeClient))
+                    .Problem("cannot be set", "no entry runs ntpdate")};
     }
-    if (!found) {
-        findings.push_back({.subject = kSwitchAndServer,
-                            .effect = "cannot be set",
-                            .what = "no entry runs ntpdate",
-                            .file = velk::kCrontab,
-                            .remedy = kProperEntry,
-                            .concerns = {{.id = VELK_CMD_NTP}, {.id = VELK_CMD_NTP_SERVER}},
-                            .hinders = Hinders::kSetting});
-    }
-    return findings;
+    return FindingsOfEach(entries,
+                          [&](size_t index) { return CheckEntry(crontab.lines[index], index); });
 }
 
 Findings CheckWebUpdate() {
+    const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
+    Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
+    about.remedy = "set it again: velkctl set web-update weekly sunday 08:30";
     const TextFile crontab = ReadTextFile(velk::kCrontab);
-    if (crontab.state != FileState::kText) {
-        return {};
-    }
-    bool is_first = true;  // the others are not read, by a get that never logs
-    Findings findings;
-    for (size_t i = 0; i < crontab.lines.size(); ++i) {
-        if (!velk::Contains(crontab.lines[i], kUpdater)) {
-            continue;
+    const std::vector<size_t> updates =
+        LinesWith(crontab.lines, settings.front().row->held_in.line.key);
+    // The library reads the first one alone.
+    const bool is_readable =
+        updates.empty() ||
+        CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
+    return FindingsOfEach(updates, [&](size_t index) -> Findings {
+        if (index == updates.front() && !is_readable) {
+            return {about.At(index).Problem("cannot be read",
+                                            "the schedule is not one of this library's")};
         }
-        Finding finding = At(i, {{.id = VELK_CMD_WEB_UPDATE}});
-        finding.subject = "web-update";
-        finding.remedy = "set web-update anew: velkctl set web-update weekly sunday 08:30";
-        finding.hinders = Hinders::kReading;
-        const bool is_readable =
-            !is_first ||
-            CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
-        if (!is_readable) {
-            finding.effect = "cannot be read";
-            finding.what = "the schedule is not one of this library's";
-            findings.push_back(finding);
-        } else if (!IsOwnUpdate(crontab.lines[i])) {
-            finding.severity = Severity::kWarning;
-            finding.effect = "is read wrongly, and a set replaces the line";
-            finding.what = Excerpt(crontab.lines[i]) + " is not as the library writes it";
-            findings.push_back(finding);
-        }
-        is_first = false;
-    }
-    return findings;
+        const std::string& line = crontab.lines[index];
+        return IsOwnUpdate(line) ? Findings()
+                                 : Findings{about.At(index).Warning(
+                                       "is read wrongly, and a set replaces the line",
+                                       Excerpt(line) + " is not as the library writes it")};
+    });
 }
 
 }  // namespace velkctl

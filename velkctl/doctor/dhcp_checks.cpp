@@ -1,55 +1,48 @@
-// dhcp_checks.cpp - whether the library finds its way about the DHCP client's configuration.
-#include "velkctl/doctor/dhcp_checks.h"
+// dhcp_checks.cpp - checks that the library can find the blocks of /etc/dhclient.conf and the
+// options that the client requests.
+#include <optional>
 
-#include <string>
-#include <string_view>
-
+#include "lib/base/comment_switch.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
-#include "velk.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/text_file.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::string_view kInterface = "interface";
+constexpr std::string_view kRequest = "request";
+constexpr std::string_view kStatementEnd = ";";
 
-// What every finding on a block that is not what it seems has in common.
-Finding At(size_t index) {
-    return {.subject = "method, dhcp-dns and dhcp-ntp",
-            .effect = "are switched for the wrong lines",
+// About a block that is not as the library reads it. The method is read from its stanza.
+Finding AboutBlocks() {
+    return {.subject = SubjectOf(SettingsChanging(velk::kDhcpConfigFile)),
             .file = velk::kDhcpConfigFile,
-            .line = index + 1,
             .remedy = "write the closing brace on a line of its own",
-            // The method is read from its stanza.
-            .concerns = {{.id = VELK_CMD_DHCP_DNS}, {.id = VELK_CMD_DHCP_NTP}},
-            .hinders = Hinders::kSetting};
+            .affected = SettingsHeldIn(velk::kDhcpConfigFile),
+            .impact = Impact::kSetting};
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {
-    if (velk::Contains(lines[index], "{") || index + 1 == lines.size()) {
-        return velk::Contains(lines[index], "{");
-    }
-    const std::string_view next = Trimmed(lines[index + 1]);
-    return next == "{" || next == "#{";
+    const std::string_view next = index + 1 < lines.size() ? Trimmed(lines[index + 1]) : "";
+    return velk::Contains(lines[index], "{") || next == "{" || next == "#{";
 }
 
 // A line at which the library takes a block to begin.
 Findings CheckOpening(const Lines& lines, size_t index) {
-    Finding finding = At(index);
+    const Finding about = AboutBlocks().At(index);
     if (IsComment(lines[index]) && !OpensBrace(lines, index)) {
-        finding.effect = "are not found, or switched for the wrong lines";
-        finding.what =
-            "the remark " + Excerpt(lines[index]) + " is taken for the opening line of a block";
-        finding.remedy = "word it without 'interface'";
-        return {finding};
+        return {about.Problem(
+            "are not found, or switched for the wrong lines",
+            "the library takes the comment " + Excerpt(lines[index]) + " for the start of a block",
+            "remove the word 'interface' from the comment")};
     }
     if (velk::Contains(lines[index], velk::kBlockEnd)) {
-        finding.what =
-            "the block ends where it begins; its interface's lines run on to the next '}'";
-        return {finding};
+        return {about.Problem(
+            "are switched for the wrong lines",
+            "the block ends on its first line, so all lines up to the next '}' count as the "
+            "interface's")};
     }
     return {};
 }
@@ -69,12 +62,195 @@ Findings CheckBlockLines(const Lines& lines) {
         }
     }
     if (blocks.in_block()) {
-        Finding finding = At(begin);
-        finding.what = "no line with '}' as a word ends the block";
-        findings.push_back(finding);
+        findings.push_back(AboutBlocks().At(begin).Problem(
+            "are switched for the wrong lines", "no line with '}' as a word ends the block"));
     }
     return findings;
 }
+
+// True for a line that begins with one "#", and is no statement or part of one without it.
+bool LooksLikeRemark(std::string_view line) {
+    const std::string_view text = Trimmed(line.substr(1));
+    return !text.empty() && !text.starts_with('#') &&
+           !velk::Contains(";{},", text.substr(text.size() - 1));
+}
+
+// A line of a block. Switching the block on deletes the line's first "#".
+Findings CheckMember(const Finding& about, std::string_view line, bool is_off) {
+    if (!velk::Contains(line, "#")) {
+        return {};
+    }
+    const bool is_comment = line.starts_with('#');
+    const std::string mark = "the '#' of " + std::string(is_comment ? "" : "the comment in ") +
+                             Excerpt(line) + " is removed";
+    if (!is_comment || !is_off) {
+        return {about.Problem("would break the file when set to dhcp", mark)};
+    }
+    if (LooksLikeRemark(line)) {
+        return {about.Warning("may break the file when set to dhcp",
+                              mark + ", and it looks like a comment")};
+    }
+    return {};
+}
+
+Finding Absence(const Finding& about, const Lines& lines, const std::string& interface) {
+    const std::string opening = "interface \"" + interface + "\" {";
+    const std::vector<size_t> similar = IndexesOf(lines, [&](std::string_view line) {
+        return velk::Contains(line, kInterface) && velk::Contains(line, interface);
+    });
+    if (!similar.empty()) {
+        return about.At(similar.front())
+            .Problem("does not switch the interface's block",
+                     "the library does not recognise the opening line " +
+                         Excerpt(lines[similar.front()]),
+                     "write: " + opening);
+    }
+    return about.Warning(
+        "switches nothing here", "there is no block of the interface",
+        "add one: \"" + opening + "\", its statements, \"}\", each on a line of its own");
+}
+
+// The interface's block, which is switched with the method.
+Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
+    // The method itself is read from its stanza.
+    const Finding about{.subject = interface + ".method",
+                        .file = velk::kDhcpConfigFile,
+                        .remedy = "put the comment above the block",
+                        .affected = SettingsOf(VELK_CMD_IP_METHOD, interface)};
+    velk::ConfigBlocks blocks(interface, /*comment_aware=*/false);
+    Findings findings;
+    bool is_off = false;
+    bool has_block = false;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const bool was_in_block = blocks.in_block();
+        const bool is_in_scope = blocks.Concerns(lines[i]);
+        if (!was_in_block && blocks.in_block()) {
+            has_block = true;
+            is_off = velk::IsCommentedOut(lines[i], std::string_view::npos);
+        }
+        if (was_in_block || blocks.in_block()) {
+            Append(findings, CheckMember(about.At(i), Trimmed(lines[i]), is_off));
+        } else if (is_in_scope && velk::Contains(lines[i], velk::kBlockEnd)) {
+            findings.push_back(about.At(i).Problem(
+                "switches a line that is not its own", "a '}' outside the blocks of interfaces",
+                "move these braces into a file of their own, and include it here"));
+        }
+    }
+    if (!has_block) {
+        findings.push_back(Absence(about, lines, interface));
+    }
+    return findings;
+}
+
+// The request statements, as the setting that switches the option reads them.
+class RequestCheck {
+  public:
+    RequestCheck(const Lines& lines, const SettingLine& option)
+        : lines_(lines),
+          option_(option.key),
+          interface_(option.setting.interface),
+          about_(About(option.setting, velk::kDhcpConfigFile, Impact::kSetting)) {}
+
+    Findings Run() {
+        velk::ConfigBlocks blocks(interface_, comment_aware());
+        for (size_t i = 0; i < lines_.size(); ++i) {
+            const bool is_in_scope = blocks.Concerns(lines_[i]);
+            if (is_in_scope && (blocks.in_block() || !velk::Contains(lines_[i], "#"))) {
+                TakeLine(i);
+            }
+        }
+        if (is_open_) {
+            AddUnended();
+        }
+        if (!begin_) {
+            findings_.push_back(Absence());
+        }
+        return std::move(findings_);
+    }
+
+  private:
+    bool comment_aware() const { return !interface_.empty(); }
+
+    bool Has(size_t index, std::string_view word) const {
+        return velk::HasWord(lines_[index], word, comment_aware());
+    }
+
+    // A line in scope. Once the library has met the option, the statement runs on for it to a line
+    // that ends a statement without the option.
+    void TakeLine(size_t index) {
+        if (is_open_ && Has(index, velk::kBlockEnd)) {
+            AddUnended();
+            is_open_ = false;
+        }
+        if (Has(index, kRequest)) {
+            begin_ = index;
+            is_open_ = true;
+            runs_on_ = true;
+        }
+        if (!runs_on_) {
+            return;
+        }
+        const bool ends = velk::Contains(lines_[index], kStatementEnd);
+        const bool has_option = Has(index, option_);
+        if (ends && !has_option && !is_open_) {
+            findings_.push_back(about_.At(index)
+                                    .With(Impact::kNothing)
+                                    .Problem("would break the file when set to on once more",
+                                             option_ + " is also added to " +
+                                                 Excerpt(lines_[index]) +
+                                                 ", although the request statement above has it",
+                                             "move the request statement below it"));
+        }
+        runs_on_ = has_option || !ends;
+        is_open_ = is_open_ && !ends;
+    }
+
+    void AddUnended() {
+        findings_.push_back(about_.At(*begin_).Problem("is switched in the wrong statement",
+                                                       "no ';' ends this request statement",
+                                                       "write one after its last option"));
+    }
+
+    Finding Absence() const {
+        if (const std::optional<size_t> block = SwitchedOffBlock()) {
+            return about_.At(*block).Warning(
+                "cannot be set while the method is static",
+                "the interface's block is switched off, and no other request statement counts",
+                "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");
+        }
+        return about_.Problem("cannot be set",
+                              "there is no request statement" +
+                                  (interface_.empty() ? "" : " that counts for " + interface_),
+                              "add one: request subnet-mask, broadcast-address, routers;");
+    }
+
+    // Returns the interface's block that is off and has a request statement.
+    std::optional<size_t> SwitchedOffBlock() const {
+        velk::ConfigBlocks blocks(interface_, /*comment_aware=*/false);
+        std::optional<size_t> begin;
+        for (size_t i = 0; i < lines_.size(); ++i) {
+            const bool was_in_block = blocks.in_block();
+            (void)blocks.Concerns(lines_[i]);
+            if (!was_in_block && blocks.in_block() && IsComment(lines_[i])) {
+                begin = i;
+            }
+            if (begin && blocks.in_block() &&
+                velk::HasWord(lines_[i], kRequest, /*comment_aware=*/false)) {
+                return begin;
+            }
+        }
+        return std::nullopt;
+    }
+
+    const Lines& lines_;
+    const std::string option_;
+    const std::string interface_;  // empty: the option of all interfaces
+    const Finding about_;
+    std::optional<size_t> begin_{};  // the start of the last request statement
+    bool is_open_ = false;           // the statement has no ";" yet
+    bool runs_on_ = false;           // for the library, the next line is a part of it
+    Findings findings_{};
+};
 
 }  // namespace
 
@@ -85,11 +261,15 @@ Findings CheckDhcpConfig() {
     }
     Findings findings = CheckBlockLines(file.lines);
     if (!findings.empty()) {
-        return findings;  // what is below them is not what it seems, to the library
+        return findings;  // the library misreads the lines below them
     }
-    Append(findings, CheckDhcpBlock(file.lines, VELK_WIRED_INTERFACE));
-    Append(findings, CheckDhcpBlock(file.lines, VELK_WIRELESS_INTERFACE));
-    Append(findings, CheckDhcpRequests(file.lines));
+    Append(findings, FindingsOfEach(kInterfaces, [&](const std::string& interface) {
+               return CheckBlockOf(file.lines, interface);
+           }));
+    Append(findings,
+           FindingsOfEach(LinesOfSettings(velk::kDhcpConfigFile), [&](const SettingLine& option) {
+               return option.key.empty() ? Findings() : RequestCheck(file.lines, option).Run();
+           }));
     return findings;
 }
 

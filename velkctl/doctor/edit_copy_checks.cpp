@@ -1,8 +1,6 @@
-// edit_copy_checks.cpp - edits that were left unfinished, and what stands in the way of others.
+// edit_copy_checks.cpp - unfinished edits, and files in the place of edit copies.
 #include <array>
 #include <cstdio>
-#include <string>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,130 +14,108 @@
 namespace velkctl {
 namespace {
 
-// What every finding of an edit copy has in common; nothing is wrong with the settings yet.
-Finding About(const EditCopy& copy) {
-    return {.severity = Severity::kWarning,
-            .subject = std::string(copy.file->subject),
+// The settings can still be read and set.
+Finding AboutCopy(const EditCopy& copy) {
+    return {.subject = copy.file->subject,
             .file = copy.path,
-            .remedy = DiscardingOf(copy),
-            .concerns = ConcernsOf(copy.file->holds)};
+            .remedy = DiscardCommand(copy),
+            .affected = copy.file->holds};
 }
 
 Finding UnderWay(const EditCopy& copy, const std::string& holder) {
-    Finding finding = About(copy);
-    finding.effect = "may be changing now";
-    finding.what = "an edit may be under way: the lock is held by " + holder;
-    finding.remedy = "none while that one is at work";
-    return finding;
+    return AboutCopy(copy).Warning("may be changing now",
+                                   "an edit may be under way: the lock is held by " + holder,
+                                   "wait until that process has ended");
 }
 
-// What keeps the library from making its edit copy, which removes what it may first.
+// The library cannot remove it, and so cannot make its edit copy.
 Finding InTheWay(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.severity = Severity::kProblem;
-    finding.effect = "cannot be set";
-    finding.what =
-        S_ISDIR(copy.facts.st_mode)
-            ? "a folder stands where the edit copy is made"
-            : KindOf(copy.facts.st_mode) + " of another user, " + AgeOf(copy.facts) +
-                  " old, that this one may not remove, stands where the edit copy is made";
-    finding.hinders = Hinders::kSetting;
-    return finding;
-}
-
-std::string Octal(mode_t mode) {
-    std::array<char, 8> text{};
-    (void)snprintf(text.data(), text.size(), "%03o", mode & 07777U);
-    return text.data();
+    const std::string kind = S_ISDIR(copy.facts.st_mode)
+                                 ? "a folder"
+                                 : KindOf(copy.facts.st_mode) + " of another user, " +
+                                       AgeOf(copy.facts) + " old, that this user may not remove,";
+    return AboutCopy(copy)
+        .With(Impact::kSetting)
+        .Problem("cannot be set", kind + " is in the place of the edit copy");
 }
 
 std::string OwnerAndModeOf(const struct stat& facts) {
-    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + Octal(facts.st_mode);
-}
-
-std::string KindAndOwnerOf(const struct stat& facts) {
-    if (!S_ISREG(facts.st_mode)) {
-        return KindOf(facts.st_mode);
-    }
-    const std::string names = facts.st_nlink > 1 ? " and another name" : "";
-    return OwnerAndModeOf(facts) + names + ", not made by the library,";
+    std::array<char, 8> mode{};
+    (void)snprintf(mode.data(), mode.size(), "%03o", facts.st_mode & 07777U);
+    return "a file of user " + std::to_string(facts.st_uid) + " with mode " + mode.data();
 }
 
 Finding Foreign(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.effect = "can still be set";
-    finding.what = KindAndOwnerOf(copy.facts) +
-                   " stands where the edit copy is made; the next set replaces it";
-    if (S_ISREG(copy.facts.st_mode)) {
-        finding.remedy = "look at it, use nothing of it, and remove it: " + DiscardingOf(copy);
-    }
-    return finding;
+    const bool is_file = S_ISREG(copy.facts.st_mode);
+    const std::string name = copy.facts.st_nlink > 1 ? " and another name" : "";
+    const std::string kind = is_file
+                                 ? OwnerAndModeOf(copy.facts) + name + ", not made by the library,"
+                                 : KindOf(copy.facts.st_mode);
+    return AboutCopy(copy).Warning(
+        "can still be set", kind + " is in the place of the edit copy; the next set replaces it",
+        is_file ? "look at it, do not use its text, and remove it: " + DiscardCommand(copy) : "");
 }
 
-// It may be the edit of a program with two users, or anybody's file that a program of root's made.
+// It may be the edit of a program with two users, or any user's file made by a program of root's.
 Finding Unproven(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.effect = "may be lost";
-    finding.what = OwnerAndModeOf(copy.facts) +
-                   ", perhaps the edit copy of a program whose real and effective user differ, has "
-                   "more than " +
-                   copy.file->path + "; the next set replaces it";
-    finding.remedy =
-        "it may be the only whole text; look at it before you remove it: " + DiscardingOf(copy);
-    return finding;
+    return AboutCopy(copy).Warning(
+        "may be lost",
+        OwnerAndModeOf(copy.facts) +
+            ", perhaps the edit copy of a program with two users, a real and an effective one, "
+            "has more than " +
+            copy.file->path + "; the next set replaces it",
+        "it may be the only complete text; look at it before you remove it: " +
+            DiscardCommand(copy));
 }
 
 std::string DoubtsAbout(const EditCopy& copy) {
     if (!copy.has_end) {
-        return "which could not be read, and ";
+        return "; it could not be read";
     }
-    return *copy.has_end ? "" : "which may lack its end, too, and ";
+    return *copy.has_end ? "" : "; its end may be missing too";
 }
 
 Finding Cut(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.severity = Severity::kProblem;
-    finding.effect = "may be lost";
-    finding.file = copy.file->path;
-    finding.what =
-        "the file seems to have been cut while being copied; the rest is in its edit "
-        "copy " +
-        copy.path + ", " + AgeOf(copy.facts) + " old, " + DoubtsAbout(copy) +
-        "which the next set replaces" + AdditionsOf(copy);
-    finding.remedy = FinishingOf(copy);
-    finding.hinders = Hinders::kReading;
-    return finding;
+    Finding about = AboutCopy(copy).With(Impact::kReading);
+    about.file = copy.file->path;
+    return about.Problem(
+        "may be lost",
+        "the file seems to have been cut while being copied; the rest is in the edit copy " +
+            copy.path + ", " + AgeOf(copy.facts) + " old" + DoubtsAbout(copy) +
+            "; the next set replaces it" + DescribeNewLines(copy),
+        AdviceToFinish(copy));
 }
 
-// What the edit copy holds, beside the file.
-std::string WhatIsLeft(const EditCopy& copy) {
+std::string Compared(const EditCopy& copy) {
     switch (copy.state) {
         case EditState::kPart:
-            return copy.facts.st_size == 0 ? ", empty" : ", that may not be whole";
+            return copy.facts.st_size == 0 ? ", empty" : ", which may be incomplete";
         case EditState::kInPlace:
             return ", the same as the file";
         case EditState::kUncompared:
-            return ", that cannot be compared with the file";
+            return ", which cannot be compared with the file";
         default:
-            return ", that differs from the file";
+            return ", which differs from the file";
     }
 }
 
-Finding LeftBehind(const EditCopy& copy) {
-    Finding finding = About(copy);
-    finding.effect =
-        copy.state == EditState::kInPlace ? "can still be set" : "may not have been set";
-    finding.what = "an edit copy was left behind, " + AgeOf(copy.facts) + " old" +
-                   WhatIsLeft(copy) + "; the next set replaces it";
-    if (copy.state == EditState::kDiffers || copy.state == EditState::kUncompared) {
-        finding.what += AdditionsOf(copy);
-        finding.remedy =
-            "to discard the edit: " + DiscardingOf(copy) + "; to finish it, " + FinishingOf(copy);
+Finding LeftOver(const EditCopy& copy) {
+    const Finding about = AboutCopy(copy);
+    const std::string left = "an edit copy was left, " + AgeOf(copy.facts) + " old" +
+                             Compared(copy) + "; the next set replaces it";
+    switch (copy.state) {
+        case EditState::kInPlace:
+            return about.Warning("can still be set", left);
+        case EditState::kPart:
+            return about.Warning("may not have been set", left);
+        default:
+            return about.Warning("may not have been set", left + DescribeNewLines(copy),
+                                 "to discard the edit: " + DiscardCommand(copy) +
+                                     "; to finish it, " + AdviceToFinish(copy));
     }
-    return finding;
 }
 
-Finding Judge(const EditCopy& copy) {
+Finding CheckCopy(const EditCopy& copy) {
     if (copy.state == EditState::kCut) {
         return Cut(copy);
     }
@@ -149,20 +125,20 @@ Finding Judge(const EditCopy& copy) {
     if (copy.state == EditState::kUnproven) {
         return Unproven(copy);
     }
-    return copy.state == EditState::kForeign ? Foreign(copy) : LeftBehind(copy);
+    return copy.state == EditState::kForeign ? Foreign(copy) : LeftOver(copy);
 }
 
 }  // namespace
 
 Findings CheckEditCopies() {
     const std::vector<EditCopy> copies = FindEditCopies();
-    const std::string holder = copies.empty() ? "" : LockHolderInWords();
+    const std::string holder = copies.empty() ? "" : DescribeLockHolder();
     Findings findings;
     for (const EditCopy& copy : copies) {
         if (!holder.empty() && S_ISREG(copy.facts.st_mode)) {
             findings.push_back(UnderWay(copy, holder));
         } else if (faccessat(AT_FDCWD, copy.path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
-            findings.push_back(Judge(copy));  // an edit that has ended meanwhile left none
+            findings.push_back(CheckCopy(copy));  // an edit that has ended since left none
         }
     }
     return findings;

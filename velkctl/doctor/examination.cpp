@@ -1,43 +1,38 @@
-// examination.cpp - the doctor's list of checks, for the whole device or for one setting.
+// examination.cpp - runs the doctor's checks, for the whole device or for one setting.
 #include "velkctl/doctor/examination.h"
 
 #include <vector>
 
-#include "velk.h"
+#include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/settings/time_entry.h"
 
 namespace velkctl {
 namespace {
 
 struct Check {
-    Findings (*look)();
-    Concerns concerns;  // settings that it may find something about
+    Findings (*run)();
+    AffectedSettings affected;  // the settings that it can find something about
 };
 
-Concerns Together(Concerns all, const Concerns& more) {
-    all.insert(all.end(), more.begin(), more.end());
-    return all;
-}
-
-// In the order in which they are shown. The wireless daemon is asked after all of them: doing so
-// clears away what some of them look for.
+// In the order of the output. The wireless daemon is queried after all of them, because a query
+// removes remains that some of them look for.
 std::vector<Check> Checks() {
     return {
         {CheckFolders, Together(EditedSettings(), WirelessSettings())},
-        {CheckFiles, Together(EditedSettings(), {{VELK_CMD_DNS}})},
+        {CheckFiles, Together(EditedSettings(), SettingsHeldIn(velk::kResolverFile))},
         {CheckEditCopies, EditedSettings()},
-        {CheckInterfaces,
-         {{VELK_CMD_IP_METHOD}, {VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}, {VELK_CMD_GATEWAY}}},
-        {CheckExitHooks, {{VELK_CMD_APIPA}, {VELK_CMD_DHCP_NOTICE}, {VELK_CMD_DHCP_NTP}}},
-        {CheckDhcpConfig, {{VELK_CMD_IP_METHOD}, {VELK_CMD_DHCP_DNS}, {VELK_CMD_DHCP_NTP}}},
-        {CheckClientScript, {{VELK_CMD_DHCP_DNS}}},
-        {CheckTimeEntry, {{VELK_CMD_NTP}, {VELK_CMD_NTP_SERVER}, {VELK_CMD_NTP_RESULT}}},
-        {CheckWebUpdate, {{VELK_CMD_WEB_UPDATE}}},
-        {CheckIdentity, {{VELK_CMD_ADMINISTRATOR}, {VELK_CMD_LOCATION}}},
+        {CheckInterfaces, SettingsHeldIn(velk::kInterfacesFile)},
+        {CheckExitHooks, SettingsChanging(velk::kExitHooks)},
+        {CheckDhcpConfig, SettingsChanging(velk::kDhcpConfigFile)},
+        {CheckClientScript, SettingsChanging(velk::kClientScript)},
+        {CheckTimeEntry, Together(SettingsWithKey(kTimeClient), SettingsHeldIn(velk::kNtpLog))},
+        {CheckWebUpdate, SettingsOf(VELK_CMD_WEB_UPDATE)},
+        {CheckIdentity, SettingsHeldIn(velk::kIdentityFile)},
         {CheckTools, {}},  // CheckToolsFor() a setting
-        {CheckIfconfig, {{VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}}},
+        {CheckIfconfig, SettingsReadWith(kInterfaceTool)},
         {CheckLock, {}},
-        {CheckResultFile, {{VELK_CMD_LINK_SPEED}, {VELK_CMD_IP_ADDRESS}, {VELK_CMD_NETMASK}}},
+        {CheckResultFile, SettingsReadWith()},
         {CheckQueryRemains, WirelessSettings()},
         {CheckAdapter, AdapterFacts()},
     };
@@ -48,22 +43,22 @@ std::vector<Check> Checks() {
 Findings ExamineDevice(Report& report) {
     Findings findings;
     for (const Check& check : Checks()) {
-        Append(findings, check.look());
+        Append(findings, check.run());
     }
     Append(findings, CheckDaemon(report));
     return findings;
 }
 
 Findings ExamineFor(const Setting& setting) {
-    // A tool that is missing comes before the edit that it left unfinished.
+    // A missing tool comes before the edit that it left unfinished.
     Findings findings = CheckToolsFor(setting);
     for (const Check& check : Checks()) {
-        if (Includes(check.concerns, setting)) {
-            Append(findings, check.look());
+        if (Includes(check.affected, setting)) {
+            Append(findings, check.run());
         }
     }
     std::erase_if(findings,
-                  [&](const Finding& finding) { return !Includes(finding.concerns, setting); });
+                  [&](const Finding& finding) { return !Includes(finding.affected, setting); });
     return findings;
 }
 

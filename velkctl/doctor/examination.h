@@ -1,4 +1,4 @@
-// examination.h - the doctor's list of checks, for the whole device or for one setting.
+// examination.h - runs the doctor's checks, for the whole device or for one setting.
 #ifndef VELKCTL_DOCTOR_EXAMINATION_H_
 #define VELKCTL_DOCTOR_EXAMINATION_H_
 
@@ -8,10 +8,11 @@
 
 namespace velkctl {
 
+// Runs every check, the wireless daemon's last.
 Findings ExamineDevice(Report& report);
 
-// What concerns the setting. Only the checks that can find such a thing are made; the wireless
-// daemon is not asked.
+// Returns the findings that affect the setting. Runs only the checks that can have one, and does
+// not query the wireless daemon.
 Findings ExamineFor(const Setting& setting);
 
 }  // namespace velkctl

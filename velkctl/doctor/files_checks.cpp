@@ -1,202 +1,197 @@
-// files_checks.cpp - whether the library's files are there and may be written.
-#include <algorithm>
+// files_checks.cpp - checks that the files and folders of the library exist and can be written.
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <string>
-#include <string_view>
+#include <span>
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/device_files.h"
-#include "velkctl/files/text_file.h"
+#include "velkctl/text/find_row.h"
 
 namespace velkctl {
 namespace {
 
-constexpr char kPutFile[] = "put the device's own file in its place";
-
-// What becomes of the settings of a file that cannot be used.
+// The effect on the settings of a file that cannot be used.
 struct Loss {
     std::string_view path;
     std::string_view effect;
     Severity severity = Severity::kProblem;
-    Hinders hinders = Hinders::kNothing;
+    Impact impact = Impact::kNothing;
 };
 
-constexpr Loss kEverything{.path = "",
-                           .effect = "can be neither read nor set",
-                           .severity = Severity::kProblem,
-                           .hinders = Hinders::kSetting};
+constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kSetting};
 
-// Of files that hold no setting themselves.
+// Files that hold no setting themselves.
 constexpr std::array<Loss, 3> kLosses{{
-    {.path = velk::kSnmpFile, .effect = "do not reach the SNMP agent"},
-    {.path = velk::kSupportList,
-     .effect = "are not recognised but for the built-in one",
-     .severity = Severity::kWarning},
-    {.path = velk::kUsbDevices, .effect = "are never found", .severity = Severity::kWarning},
+    {velk::kSnmpFile, "do not reach the SNMP agent"},
+    {velk::kSupportList, "are not recognised, except the built-in one", Severity::kWarning},
+    {velk::kUsbDevices, "are never found", Severity::kWarning},
 }};
 
-// Of files that are missing. The library makes the resolver's, and reads some settings without the
-// others.
+// Missing files. The library makes the resolver's file, and reads some settings without the others.
 constexpr std::array<Loss, 3> kLossesByAbsence{{
-    {.path = velk::kDhcpConfigFile, .effect = "cannot be set", .hinders = Hinders::kSetting},
-    {.path = velk::kClientScript, .effect = "cannot be set", .hinders = Hinders::kSetting},
-    {.path = velk::kResolverFile,
-     .effect = "cannot be read until it is set",
-     .severity = Severity::kWarning,
-     .hinders = Hinders::kReading},
+    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kSetting},
+    {velk::kClientScript, "cannot be set", Severity::kProblem, Impact::kSetting},
+    {velk::kResolverFile, "cannot be read until it is set", Severity::kWarning, Impact::kReading},
 }};
 
-template <size_t size>
-Loss FindLoss(const std::array<Loss, size>& losses, std::string_view path, const Loss& otherwise) {
-    const auto* found = std::ranges::find(losses, path, &Loss::path);
-    return found == losses.end() ? otherwise : *found;
+constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
+
+Loss LossOf(std::string_view path, std::span<const Loss> losses, const Loss& otherwise) {
+    const Loss* loss = FindRow(losses, path, &Loss::path);
+    return loss == nullptr ? otherwise : *loss;
 }
 
-Loss LossOf(const DeviceFile& file) {
-    return FindLoss(kLosses, file.path, kEverything);
-}
-
-Finding About(const DeviceFile& file, const Loss& loss) {
+Finding AboutFile(const DeviceFile& file, const Loss& loss) {
     return {.severity = loss.severity,
-            .subject = std::string(file.subject),
+            .subject = file.subject,
             .effect = std::string(loss.effect),
             .file = file.path,
-            .remedy = kPutFile,
-            .concerns = ConcernsOf(file.holds),
-            .hinders = loss.hinders};
+            .remedy = "put the device's own file in its place",
+            .affected = file.holds,
+            .impact = loss.impact};
 }
 
-Finding Missing(const DeviceFile& file) {
-    Finding finding = About(file, FindLoss(kLossesByAbsence, file.path, LossOf(file)));
-    finding.what = "the file is missing";
-    finding.remedy = "put the device's own file there";
-    return finding;
+std::string Refusal(std::string_view action, int error) {
+    return std::string("this user may not ").append(action).append(": ") + strerror(error);
 }
 
-Finding NoFile(const DeviceFile& file) {
-    Finding finding = About(file, LossOf(file));
-    finding.what = "a folder, a FIFO or a device stands there";
-    return finding;
-}
-
-Finding Unreadable(const DeviceFile& file, int error) {
-    Finding finding = About(file, LossOf(file));
-    finding.what = std::string("this user may not read the file: ") + strerror(error);
-    finding.remedy = "run the program as a user that may, or let this one read the file";
-    if (file.change == Change::kBySudo) {  // another user changes it
-        finding.severity = Severity::kWarning;
-        finding.effect = "may not reach the SNMP agent";
-        finding.what.append("; not examined");
-        finding.remedy = "run the doctor as a user that may";
-    }
-    return finding;
-}
-
-Finding TooLarge(const DeviceFile& file) {
-    Finding finding = About(file, LossOf(file));
-    finding.effect = "cannot be examined";
-    finding.what = "the file is larger than 1 MiB";
-    finding.hinders = Hinders::kNothing;
-    return finding;
-}
-
-Finding HasNulBytes(const DeviceFile& file) {
-    Finding finding = About(file, LossOf(file));
-    finding.effect = "may be read and set wrongly";
-    finding.what = "NUL bytes stand in the file; it is no text";
-    return finding;
-}
-
-// Where a carriage return at the end of a line becomes a part of a word or value. The others are
-// read word by word, or number by number.
-bool IsChangedByCarriageReturns(const DeviceFile& file) {
-    return file.change == Change::kByEdit;
-}
-
-Finding HasCarriageReturns(const DeviceFile& file, const Lines& lines) {
-    Finding finding = About(file, kEverything);
-    finding.effect = "may be read and set wrongly";
-    finding.what = std::to_string(CountCarriageReturns(lines)) + " of its " +
-                   std::to_string(lines.size()) + " lines end with CR LF";
-    finding.remedy = std::string("sed -i 's/[[:cntrl:]]$//' ") + file.path;
-    finding.hinders = Hinders::kReading;
-    return finding;
-}
-
-Findings CheckText(const DeviceFile& file, const TextFile& text) {
-    Findings findings;
-    if (text.bytes.find('\0') != std::string::npos) {
-        findings.push_back(HasNulBytes(file));
-    }
-    if (IsChangedByCarriageReturns(file) && CountCarriageReturns(text.lines) > 0) {
-        findings.push_back(HasCarriageReturns(file, text.lines));
-    }
-    return findings;
-}
-
-// What makes a file writable, after what faccessat(2) said about it.
-std::string RemedyFor(int error, const std::string& path) {
+std::string WritingRemedy(const std::string& path, int error) {
     switch (error) {
         case EROFS:
             return "mount it writable";
-        case EPERM:  // not even root may
+        case EPERM:  // also for root
             return "chattr -i " + path;
         default:
-            return "run the program as a user that may, or let this one write the file";
+            return "run the program as a user who may write it, or let this user write it";
     }
 }
 
-// A file that is there and has been read.
-Findings CheckWriting(const DeviceFile& file) {
-    const bool is_written = file.change == Change::kByEdit || file.change == Change::kWhole;
-    if (!is_written || faccessat(AT_FDCWD, file.path, W_OK, AT_EACCESS) == 0) {
+Findings CheckWriting(const Finding& about) {
+    if (faccessat(AT_FDCWD, about.file.c_str(), W_OK, AT_EACCESS) == 0) {
         return {};
     }
     const int error = errno;
-    Finding finding = About(file, kEverything);
-    finding.effect = "cannot be set";
-    finding.what = std::string("this user may not write the file: ") + strerror(error);
-    finding.remedy = RemedyFor(error, file.path);
-    return {finding};
+    return {about.With(Impact::kSetting)
+                .Problem("cannot be set", Refusal("write the file", error),
+                         WritingRemedy(about.file, error))};
 }
 
-Findings CheckReadable(const DeviceFile& file, const TextFile& text) {
-    Findings findings = CheckWriting(file);
-    Append(findings, CheckText(file, text));
+Findings CheckText(const DeviceFile& file, Finding about, const TextFile& text) {
+    const bool is_written = file.change == Change::kByEdit || file.change == Change::kWhole;
+    Findings findings = is_written ? CheckWriting(about) : Findings();
+    about.effect = "may be read and set wrongly";
+    if (text.bytes.find('\0') != std::string::npos) {
+        findings.push_back(about.Because("the file has NUL bytes, so it is not text"));
+    }
+    // The other files are read word by word, or number by number.
+    const size_t count = CountCarriageReturns(text.lines);
+    if (file.change == Change::kByEdit && count > 0) {
+        findings.push_back(about.With(Impact::kReading)
+                               .Because(std::to_string(count) + " of its " +
+                                            std::to_string(text.lines.size()) +
+                                            " lines end with CR LF",
+                                        "sed -i 's/[[:cntrl:]]$//' " + about.file));
+    }
     return findings;
 }
 
+Finding Unreadable(const DeviceFile& file, const Finding& about, int error) {
+    const std::string reason = Refusal("read the file", error);
+    return file.change == Change::kBySudo
+               ? about.Warning("may not reach the SNMP agent", reason + "; not examined",
+                               "run the doctor as a user who may read it")
+               : about.Because(
+                     reason, "run the program as a user who may read it, or let this user read it");
+}
+
 Findings CheckFile(const DeviceFile& file) {
+    const Loss loss = LossOf(file.path, kLosses, kEverything);
+    const Finding about = AboutFile(file, loss);
     const TextFile text = ReadTextFile(file.path);
     switch (text.state) {
         case FileState::kText:
-            return CheckReadable(file, text);
+            return CheckText(file, about, text);
         case FileState::kMissing:
-            return {Missing(file)};
+            return {AboutFile(file, LossOf(file.path, kLossesByAbsence, loss))
+                        .Because("the file is missing", "put the device's own file there")};
         case FileState::kNotRegular:
-            return {NoFile(file)};
+            return {about.Because("a folder, a FIFO or a device is in its place")};
         case FileState::kUnreadable:
-            return {Unreadable(file, text.error)};
+            return {Unreadable(file, about, text.error)};
         case FileState::kTooLarge:
-            return {TooLarge(file)};
+            return {AboutFile(file, {"", "cannot be examined", loss.severity})
+                        .Because("the file is larger than 1 MiB")};
     }
     return {};
+}
+
+// Returns findings without a text, one of each folder, with their effect.
+Findings AboutFolders() {
+    const Finding wireless{.subject = "wireless settings",
+                           .effect = "can be neither read nor set",
+                           .file = "/tmp",
+                           .affected = WirelessSettings(),
+                           .impact = Impact::kSetting};
+    const AffectedSettings results = SettingsHeldIn(velk::kNtpLog);
+    Finding semaphores = wireless;
+    semaphores.file = velk::kSemaphoreFolder;
+    return {{.subject = "all settings in files",
+             .effect = "cannot be set",
+             .file = velk::kEditFolder,
+             .affected = EditedSettings(),
+             .impact = Impact::kSetting},
+            {.subject = SubjectOf(results),
+             .effect = "cannot be cleared when ntp is set to off",
+             .file = "/var/libvelk",
+             .affected = results},
+            wireless,
+            semaphores};
+}
+
+Findings CheckSpace(const Finding& about) {
+    struct statvfs facts {};
+    if (statvfs(about.file.c_str(), &facts) == -1 || facts.f_blocks == 0) {
+        return {};  // 0: a file system without a limit
+    }
+    const unsigned long long free = 1ULL * facts.f_bavail * facts.f_frsize;
+    const bool has_files = facts.f_files == 0 || facts.f_favail > 0;
+    if (free >= kLeastFree && has_files) {
+        return {};
+    }
+    const std::string rest =
+        has_files ? std::to_string(free) + " bytes are free" : "no more files can be made";
+    return {about.Because("the file system is full: " + rest,
+                          "remove files that are not needed there")};
+}
+
+Findings CheckFolder(const Finding& about) {
+    struct stat facts {};
+    const char* path = about.file.c_str();
+    if (stat(path, &facts) == -1 || !S_ISDIR(facts.st_mode)) {
+        return {about.Because("the folder is missing", "mkdir -p " + about.file)};
+    }
+    if (faccessat(AT_FDCWD, path, W_OK | X_OK, AT_EACCESS) == -1) {
+        return {
+            about.Because(Refusal("write the folder", errno),
+                          "run the program as a user who may write it, or let this user write it")};
+    }
+    return CheckSpace(about);
 }
 
 }  // namespace
 
 Findings CheckFiles() {
-    Findings findings;
-    for (const DeviceFile& file : DeviceFiles()) {
-        Append(findings, CheckFile(file));
-    }
-    return findings;
+    return FindingsOfEach(DeviceFiles(), CheckFile);
+}
+
+Findings CheckFolders() {
+    return FindingsOfEach(AboutFolders(), CheckFolder);
 }
 
 }  // namespace velkctl

@@ -1,8 +1,9 @@
-// finding.cpp - something about the device that the library cannot work with.
+// finding.cpp - a problem of the device that affects the library, found by the doctor.
 #include "velkctl/doctor/finding.h"
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>
@@ -18,35 +19,82 @@ std::string Counted(size_t number, std::string_view noun) {
     return std::to_string(number).append(" ").append(noun).append(number == 1 ? "" : "s");
 }
 
-std::string InWords(const Finding& finding) {
-    const std::string place = PlaceOf(finding);
-    const std::string found = finding.subject + " " + finding.effect + ": " + place +
-                              (place.empty() ? "" : ": ") + finding.what;
-    return std::string(NameOf(finding.severity))
-        .append(": ")
-        .append(Printable(found))
-        .append("\n  mend: ")
-        .append(Printable(finding.remedy))
-        .append("\n");
+std::string Format(const Finding& finding) {
+    const std::string location = LocationOf(finding);
+    const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
+    return std::string(NameOf(finding.severity)) + ": " +
+           Printable(finding.subject + " " + finding.effect) + "\n  " +
+           InLinesOf80(Printable(reason), 2) + "\n  fix: " + Printable(finding.remedy) + "\n";
+}
+
+Json CauseInJson(const Finding& finding) {
+    if (finding.file.empty()) {
+        return nullptr;
+    }
+    Json cause;
+    cause["file"] = Printable(finding.file);
+    cause["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
+    return cause;
 }
 
 }  // namespace
+
+Finding Finding::Problem(std::string_view new_effect, std::string_view new_description,
+                         std::string_view new_remedy) const {
+    Finding finding = Because(new_description, new_remedy);
+    finding.severity = Severity::kProblem;
+    finding.effect = new_effect;
+    return finding;
+}
+
+Finding Finding::Warning(std::string_view new_effect, std::string_view new_description,
+                         std::string_view new_remedy) const {
+    Finding finding = Problem(new_effect, new_description, new_remedy);
+    finding.severity = Severity::kWarning;
+    return finding;
+}
+
+Finding Finding::Because(std::string_view new_description, std::string_view new_remedy) const {
+    Finding finding = *this;
+    finding.description = new_description;
+    finding.remedy = new_remedy.empty() ? remedy : new_remedy;
+    return finding;
+}
+
+Finding Finding::At(size_t index) const {
+    Finding finding = *this;
+    finding.line = index + 1;
+    return finding;
+}
+
+Finding Finding::With(Impact new_impact) const {
+    Finding finding = *this;
+    finding.impact = new_impact;
+    return finding;
+}
+
+Finding About(const Setting& setting, std::string_view file, Impact impact) {
+    return {.subject = setting.name(),
+            .file = std::string(file),
+            .affected = {setting},
+            .impact = impact};
+}
 
 void Append(Findings& all, Findings more) {
     all.insert(all.end(), std::make_move_iterator(more.begin()),
                std::make_move_iterator(more.end()));
 }
 
-std::string PlaceOf(const Finding& finding) {
+std::string LocationOf(const Finding& finding) {
     return finding.line == 0 ? finding.file : finding.file + ":" + std::to_string(finding.line);
 }
 
-std::string FindingsInWords(const Findings& findings) {
-    std::string words;
+std::string FormatFindings(const Findings& findings) {
+    std::string text;
     for (const Finding& finding : findings) {
-        words.append(InWords(finding));
+        text.append(Format(finding));
     }
-    return words;
+    return text;
 }
 
 Json FindingInJson(const Finding& finding) {
@@ -54,20 +102,17 @@ Json FindingInJson(const Finding& finding) {
     json["severity"] = NameOf(finding.severity);
     json["subject"] = Printable(finding.subject);
     json["effect"] = Printable(finding.effect);
-    json["what"] = Printable(finding.what);
-    json["file"] = finding.file.empty() ? Json(nullptr) : Json(Printable(finding.file));
-    json["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
+    json["description"] = Printable(finding.description);
+    json["cause"] = CauseInJson(finding);
     json["remedy"] = Printable(finding.remedy);
-    json["settings"] = SettingNames(finding.concerns);
+    json["settings"] = NamesOf(finding.affected);
     return json;
 }
 
 std::string Summary(const Findings& findings) {
-    if (findings.empty()) {
-        return "all is well";
-    }
-    return Counted(CountOf(findings, Severity::kProblem), "problem") + ", " +
-           Counted(CountOf(findings, Severity::kWarning), "warning");
+    return findings.empty() ? "no problems found"
+                            : Counted(CountOf(findings, Severity::kProblem), "problem") + ", " +
+                                  Counted(CountOf(findings, Severity::kWarning), "warning");
 }
 
 size_t CountOf(const Findings& findings, Severity severity) {

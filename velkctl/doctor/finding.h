@@ -1,4 +1,4 @@
-// finding.h - something about the device that the library cannot work with.
+// finding.h - a problem of the device that affects the library, found by the doctor.
 #ifndef VELKCTL_DOCTOR_FINDING_H_
 #define VELKCTL_DOCTOR_FINDING_H_
 
@@ -6,53 +6,81 @@
 #include <string_view>
 #include <vector>
 
-#include "velkctl/doctor/affected_settings.h"
 #include "velkctl/report/report.h"
+#include "velkctl/settings/affected_settings.h"
 
 namespace velkctl {
 
 enum class Severity {
-    kProblem,  // the library will not do what it is told, or do something else
-    kWarning,  // it works, or will again; somebody should know
+    kProblem,  // the library does not do, or does not do right, the command it is given
+    kWarning,  // it works, or will again
 };
 
-// What a finding keeps the library from doing with the settings it concerns.
-enum class Hinders {
-    kNothing,  // a value is set and read back; what is wrong lies elsewhere
-    kReading,  // a value that was set is not what is read
-    kSetting,  // a value that is set does not take effect
+// The effect of a finding on the settings that it affects.
+enum class Impact {
+    kNothing,  // a value is set and read back
+    kReading,  // another value is read than was set
+    kSetting,  // a value that is set has no effect
 };
 
-// "eth1.gateway cannot be set: /etc/network/interfaces:12: the stanza is the last one and ..."
+// "eth1.gateway cannot be set", "/etc/network/interfaces:12: the stanza is the last one and ..."
+//
+// A check says subject, file, affected settings and impact once, in a finding without a text, and
+// makes each of its findings from that one: about.At(index).Problem(...).
 struct Finding {
     Severity severity = Severity::kProblem;
-    std::string subject{};  // a setting, a file or a tool, as people are told
+    std::string subject{};  // a setting, a file or a tool
     std::string effect{};   // "cannot be set"
-    std::string what{};     // is wrong there
-    std::string file{};     // empty: none
-    size_t line = 0;        // 0: none
+    std::string description{};
+    std::string file{};  // empty if none
+    size_t line = 0;     // 0 if none
     std::string remedy{};
-    Concerns concerns{};  // none: it keeps no particular setting from anything
-    Hinders hinders = Hinders::kNothing;
+    AffectedSettings affected{};
+    Impact impact = Impact::kNothing;
+
+    // Return a copy with these texts. An empty remedy leaves the one it has.
+    Finding Problem(std::string_view effect, std::string_view description,
+                    std::string_view remedy = "") const;
+    Finding Warning(std::string_view effect, std::string_view description,
+                    std::string_view remedy = "") const;
+    // The same with the severity and the effect that it has.
+    Finding Because(std::string_view description, std::string_view remedy = "") const;
+
+    // Return a copy with one member changed. `index` counts lines from 0.
+    Finding At(size_t index) const;
+    Finding With(Impact impact) const;
 };
+
+// Returns a finding without a text about one setting.
+Finding About(const Setting& setting, std::string_view file, Impact impact);
 
 using Findings = std::vector<Finding>;
 
-// Adds the findings of one more check.
 void Append(Findings& all, Findings more);
 
-// "/etc/network/interfaces:12", as compilers point at a line; empty without a file.
-std::string PlaceOf(const Finding& finding);
+// Returns the findings of the check about each of the items.
+template <typename Items, typename Check>
+Findings FindingsOfEach(const Items& items, Check check) {
+    Findings findings;
+    for (const auto& item : items) {
+        Append(findings, check(item));
+    }
+    return findings;
+}
 
-// Two lines of text for each. What a file has in them cannot control the terminal.
-std::string FindingsInWords(const Findings& findings);
+// Returns "/etc/network/interfaces:12", as compilers point at a line; empty without a file.
+std::string LocationOf(const Finding& finding);
 
-// {"severity": "problem", "subject": ..., "effect": ..., "what": ..., "file": ..., "line": ...,
-// "remedy": ..., "settings": ["eth0.method", ...]}; file and line are null where there is none, and
-// settings is empty when the finding concerns none in particular.
+// Returns the text of each: subject and effect, indented location and description, then the remedy.
+// Control characters are escaped.
+std::string FormatFindings(const Findings& findings);
+
+// Returns {"severity": "problem", "subject": ..., "effect": ..., "description": ..., "cause":
+// {"file": ..., "line": ...}, "remedy": ..., "settings": ["eth0.method", ...]}. `cause` is null
+// without a file, its `line` without a line.
 Json FindingInJson(const Finding& finding);
 
-// "1 problem, 2 warnings", or "all is well".
+// Returns "1 problem, 2 warnings", or "no problems found".
 std::string Summary(const Findings& findings);
 
 size_t CountOf(const Findings& findings, Severity severity);

@@ -1,24 +1,23 @@
-// likely_cause.cpp - why a setting does not hold what was set.
+// likely_cause.cpp - the reason why a setting does not hold the value that was set.
 #include "velkctl/doctor/likely_cause.h"
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/examination.h"
-#include "velkctl/doctor/value_line_checks.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
 
 namespace {
 
-// What is wrong and keeps the setting from being read or set, the likeliest first.
-Findings HindrancesOf(const Setting& setting) {
+// Returns the findings that keep the setting from being read or set, the likeliest first.
+Findings FindingsAgainst(const Setting& setting) {
     Findings found = ExamineFor(setting);
     Append(found, CheckDaemonRuns(setting));
-    std::erase_if(found,
-                  [](const Finding& finding) { return finding.hinders == Hinders::kNothing; });
+    std::erase_if(found, [](const Finding& finding) { return finding.impact == Impact::kNothing; });
     std::ranges::stable_sort(found, {}, [](const Finding& finding) {
         return std::tuple(finding.severity, finding.line == 0);
     });
@@ -27,31 +26,34 @@ Findings HindrancesOf(const Setting& setting) {
 
 }  // namespace
 
-Findings CausesOf(const Setting& setting) {
-    Findings causes = HindrancesOf(setting);
+Findings LikelyCauses(const Setting& setting) {
+    Findings causes = FindingsAgainst(setting);
     if (causes.empty()) {
-        // Nothing is wrong with it: what is left is where the value is held.
         Append(causes, ValueLineOf(setting));
-        Append(causes, DaemonBehind(setting));
+        Append(causes, DaemonDiffers(setting));
     }
     return causes;
 }
 
-std::string CauseInWords(const Finding& cause) {
-    const std::string place = PlaceOf(cause);
+void AddLikelyCause(Problem& problem, const Finding& cause) {
+    const std::string location = LocationOf(cause);
     const std::string found =
-        place.empty() ? cause.subject + " " + cause.effect : place + ": " + cause.what;
-    return Printable(found).append("; mend: ").append(Printable(cause.remedy));
+        location.empty() ? cause.subject + " " + cause.effect : location + ": " + cause.description;
+    problem.detail.append(problem.detail.empty() ? "" : "; ");
+    problem.detail.append("likely cause: ").append(Printable(found));
+    problem.remedy = Printable(cause.remedy);
+    problem.file = Printable(cause.file);
+    problem.line = cause.line;
 }
 
-std::string DescribeFailure(std::string_view what, const Setting& setting, const Answer& answer) {
+Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer) {
+    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
     const Findings causes =
-        answer.known_result() == LIB_VELK_FAILURE ? HindrancesOf(setting) : Findings();
-    if (causes.empty()) {
-        return DescribeFailure(what, answer);
+        answer.known_result() == LIB_VELK_FAILURE ? FindingsAgainst(setting) : Findings();
+    if (!causes.empty()) {
+        AddLikelyCause(problem, causes.front());
     }
-    return std::string(what).append(" (LIB_VELK_FAILURE, -1); likely cause: ") +
-           CauseInWords(causes.front());
+    return problem;
 }
 
 }  // namespace velkctl

@@ -1,4 +1,4 @@
-// read_back.cpp - whether the device holds what was set.
+// read_back.cpp - whether the device holds the value that was set.
 #include "velkctl/doctor/read_back.h"
 
 #include "velkctl/call/command.h"
@@ -8,7 +8,7 @@
 namespace velkctl {
 namespace {
 
-// A DHCP interface answers with its lease; what is configured shows when it is static again.
+// True if the interface answers with its lease, and so not with the configured address.
 bool AnswersWithLease(const Setting& setting, const Device& device) {
     if (!IsAddressCommand(setting.row->id)) {
         return false;
@@ -18,10 +18,10 @@ bool AnswersWithLease(const Setting& setting, const Device& device) {
     return method.ok() && method.data[0] == VELK_METHOD_DHCP;
 }
 
-// What the setting answers instead, in words that give no secret away.
-std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
+// Returns the value that is read instead, without a secret.
+std::string HeldValue(const Setting& setting, const Answer& answer) {
     if (!answer.ok()) {
-        return "it cannot be read back: " + WhyNot(answer);
+        return "it cannot be read back: " + FailureReason(answer);
     }
     if (setting.row->secret) {
         return "the device holds another value";
@@ -29,44 +29,45 @@ std::string WhatIsHeld(const Setting& setting, const Answer& answer) {
     return "the device holds " + Quoted(setting.row->kind->Print(answer.data));
 }
 
-// `instead` is what was found out, and `losses` names the files that have lost their text.
-Verification NotHeld(const Setting& setting, std::string instead, const std::string& losses,
-                     const Findings& causes, Report& report) {
+// `difference` says how the device differs, `losses` names the files that have lost their text.
+ReadBack NotHeld(const Setting& setting, const std::string& difference, const std::string& losses,
+                 const Findings& causes, Report& report) {
     const std::string name = setting.name();
-    instead.append(losses.empty() ? "" : "; ").append(losses);
-    const std::string likely_cause =
-        causes.empty() ? "" : "; likely cause: " + CauseInWords(causes.front());
-    report.Complain(
-        Problem{name + ": the library reported success, but " + instead + likely_cause, name});
+    Problem problem{name + ": the library reported success, but " + difference, name};
+    problem.detail = losses;
+    if (!causes.empty()) {
+        AddLikelyCause(problem, causes.front());
+    }
+    report.Complain(problem);
     return {false, ExitStatus::kNotHeld};
 }
 
-Verification NotReadInTime(const Setting& setting, const Answer& answer, Report& report) {
+ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& report) {
     const std::string name = setting.name();
-    report.Complain(Problem{DescribeFailure(name + ": set, but not read back", answer), name});
+    report.Complain(ProblemOf(name + ": set, but not read back", name, answer));
     return {std::nullopt, StatusOf(answer)};
 }
 
-// A value that cannot be read back: what keeps it from being set can be seen all the same.
-Verification JudgeUnseen(const Setting& setting, const std::string& why_unseen,
-                         const std::string& losses, Report& report) {
-    Findings causes = CausesOf(setting);
+// Checks a value that cannot be read back by looking for findings that keep it from being set.
+ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
+                     Report& report) {
+    Findings causes = LikelyCauses(setting);
     std::erase_if(causes, [](const Finding& cause) {
-        return cause.severity != Severity::kProblem || cause.hinders != Hinders::kSetting;
+        return cause.severity != Severity::kProblem || cause.impact != Impact::kSetting;
     });
     if (!causes.empty() || !losses.empty()) {
         return NotHeld(setting, "the device cannot hold the value", losses, causes, report);
     }
-    report.Note(setting.name() + ": set, but not checked: " + why_unseen);
+    report.Note(setting.name() + ": set, but not checked: " + reason);
     return {std::nullopt, ExitStatus::kDone};
 }
 
 }  // namespace
 
-Verification VerifySet(const Setting& setting, const Data& wanted, const FilesBefore& before,
-                       const Device& device, Report& report) {
+ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
+                         const Device& device, Report& report) {
     if (!setting.can_get()) {
-        return JudgeUnseen(setting, "it cannot be read", before.Losses(), report);
+        return CheckUnread(setting, "it cannot be read", before.Losses(), report);
     }
     const Answer answer = device.Get(setting);
     const ValueKind& kind = *setting.row->kind;
@@ -77,12 +78,12 @@ Verification VerifySet(const Setting& setting, const Data& wanted, const FilesBe
         return NotReadInTime(setting, answer, report);
     }
     if (AnswersWithLease(setting, device)) {
-        return JudgeUnseen(
+        return CheckUnread(
             setting,
             "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
             before.Losses(), report);
     }
-    return NotHeld(setting, WhatIsHeld(setting, answer), before.Losses(), CausesOf(setting),
+    return NotHeld(setting, HeldValue(setting, answer), before.Losses(), LikelyCauses(setting),
                    report);
 }
 

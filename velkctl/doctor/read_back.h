@@ -1,4 +1,4 @@
-// read_back.h - whether the device holds what was set.
+// read_back.h - whether the device holds the value that was set.
 #ifndef VELKCTL_DOCTOR_READ_BACK_H_
 #define VELKCTL_DOCTOR_READ_BACK_H_
 
@@ -9,23 +9,23 @@
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
-struct Verification {
-    std::optional<bool> held;  // nothing when that was not to be found out
-    ExitStatus status;         // how velkctl ends
+struct ReadBack {
+    std::optional<bool> held;  // nothing if that cannot be read
+    ExitStatus status;         // the exit status of velkctl
 };
 
-// Reads a setting back that the library has just reported as set. When the device does not hold the
-// value, complains, saying what it holds instead and the likely cause. The library cannot tell: it
-// does not learn whether its shell lines worked, and an edit that finds no line to change is no
-// failure to it. Where nothing is to be read, in settings that can only be set and addresses behind
-// a lease, what keeps them from being set is looked for; there is a note when nothing does. The
-// complaint also names the files that have lost their text since `before`.
-Verification VerifySet(const Setting& setting, const Data& wanted, const FilesBefore& before,
-                       const Device& device, Report& report);
+// Reads a setting back that the library has just reported as set. Complains if the device does not
+// hold the value, with the value that it holds, the likely cause and the files that have lost their
+// text since `before`. The library cannot notice: it ignores the exit status of its shell lines,
+// and an edit that finds no line to change is no failure to it. A setting that cannot be read, or
+// an address while a lease is shown, cannot be compared. For these it looks only for findings that
+// prevent the set. If there are none, a note says that the value was not checked.
+ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
+                         const Device& device, Report& report);
 
 }  // namespace velkctl
 

@@ -1,15 +1,13 @@
-// tools_checks.cpp - whether the tools that the library runs are there and may be run.
+// tools_checks.cpp - checks that the tools of the library exist and may be run, and that it can
+// read the output of ifconfig.
 #include <algorithm>
-#include <array>
+#include <chrono>
 #include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include <unistd.h>
 
 #include "lib/base/words.h"
-#include "velk.h"
 #include "velkctl/call/environment.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/file_facts.h"
@@ -18,180 +16,191 @@
 namespace velkctl {
 namespace {
 
+constexpr std::chrono::seconds kLongestRun{5};
+
+constexpr bool kBySudo = true;
+constexpr bool kDirectly = false;
+constexpr bool kForRestart = true;
+
 struct Tool {
     std::string name;
     bool by_sudo;
-    std::string consequence;  // of its absence
+    std::string consequence;  // the consequence if it is missing
     Severity severity = Severity::kProblem;
-    Concerns concerns{};
-    Hinders hinders = Hinders::kNothing;
-    bool restarts = false;  // an interface cannot be restarted without it
+    AffectedSettings affected{};
+    Impact impact = Impact::kNothing;
+    bool for_restart = false;  // an interface cannot be restarted without it
 };
 
-// A tool that is run both ways stands here twice.
+// A tool that is run both ways has two rows.
 std::vector<Tool> Tools() {
-    const Concerns link_speed{{.id = VELK_CMD_LINK_SPEED}};
-    const Concerns lease{{.id = VELK_CMD_IP_ADDRESS}, {.id = VELK_CMD_NETMASK}};
+    constexpr Severity kProblem = Severity::kProblem;
+    constexpr Severity kWarning = Severity::kWarning;
+    const AffectedSettings link_speed = SettingsReadWith(kLinkTool);
     return {
-        {.name = "sudo",
-         .by_sudo = false,
-         .consequence = "no interface can be restarted, link-speed can be neither read nor set",
-         .concerns = link_speed,
-         .hinders = Hinders::kSetting,
-         .restarts = true},
-        {.name = "cat",
-         .by_sudo = false,
-         .consequence = "no setting in a file can be set",
-         .concerns = EditedSettings(),
-         .hinders = Hinders::kSetting},
-        {.name = "rm",
-         .by_sudo = false,
-         .consequence = "edit copies and results stay behind in /var/tmp"},
-        {.name = "grep",
-         .by_sudo = false,
-         .consequence = "the link cannot be told from the log when ethtool does not tell it",
-         .severity = Severity::kWarning},
-        {.name = "ifconfig",
-         .by_sudo = false,
-         .consequence = "address and netmask of a DHCP interface cannot be read",
-         .concerns = lease,
-         .hinders = Hinders::kReading},
-        {.name = "ifconfig",
-         .by_sudo = true,
-         .consequence = "eth1 cannot be brought up while the cable is in"},
-        {.name = "route",
-         .by_sudo = true,
-         .consequence = "the running default gateway cannot be changed, only the one in the file",
-         .severity = Severity::kWarning},
-        {.name = "ethtool",
-         .by_sudo = true,
-         .consequence = "eth0.link-speed can be neither read nor set",
-         .concerns = link_speed,
-         .hinders = Hinders::kSetting},
-        {.name = "/usr/sbin/ethtool",
-         .by_sudo = true,
-         .consequence = "it takes a minute to tell whether the cable is in"},
+        {"sudo", kDirectly, "no interface can be restarted, link-speed can be neither read nor set",
+         kProblem, link_speed, Impact::kSetting, kForRestart},
+        {"cat", kDirectly, "no setting in a file can be set", kProblem, EditedSettings(),
+         Impact::kSetting},
+        {"rm", kDirectly, "edit copies and results stay in /var/tmp"},
+        {"grep", kDirectly, "the link cannot be read from the log when ethtool does not report it",
+         kWarning},
+        {"ifconfig", kDirectly, "address and netmask of a DHCP interface cannot be read", kProblem,
+         SettingsReadWith(kInterfaceTool), Impact::kReading},
+        {"ifconfig", kBySudo, "eth1 cannot be brought up while the cable is in"},
+        {"route", kBySudo,
+         "the running default gateway cannot be changed, only the one in the file", kWarning},
+        {"ethtool", kBySudo, "eth0.link-speed can be neither read nor set", kProblem, link_speed,
+         Impact::kSetting},
+        {"/usr/sbin/ethtool", kBySudo, "it takes a minute to find out whether the cable is in"},
         {.name = "ifup",
-         .by_sudo = true,
+         .by_sudo = kBySudo,
          .consequence = "no interface can be brought up again by a restart",
-         .restarts = true},
+         .for_restart = kForRestart},
         {.name = "ifdown",
-         .by_sudo = true,
+         .by_sudo = kBySudo,
          .consequence = "no interface can be brought down by a restart",
-         .restarts = true},
-        {.name = "sed",
-         .by_sudo = true,
-         .consequence = "administrator and location do not reach the SNMP agent"},
-        {.name = "/etc/init.d/snmpd",
-         .by_sudo = true,
-         .consequence = "administrator and location do not reach the running SNMP agent"},
+         .for_restart = kForRestart},
+        {"sed", kBySudo, "administrator and location do not reach the SNMP agent"},
+        {"/etc/init.d/snmpd", kBySudo,
+         "administrator and location do not reach the running SNMP agent"},
     };
 }
 
-// Asks sudo for the right to run tools, unless this is root, who has it. Once it does not answer it
-// is not asked again.
+// Asks sudo for the right to run tools. Root needs none. A sudo that does not answer in time is not
+// asked again.
 class SudoRights {
   public:
     SudoRights() : asks_(geteuid() != 0 && FindTool("sudo").has_value()) {}
 
-    // Nothing when that cannot be told.
-    std::optional<bool> MayRun(const std::string& tool) {
+    bool Forbid(const std::string& tool) {
         if (!asks_) {
-            return std::nullopt;
+            return false;
         }
-        const ToolRun run = RunTool({"sudo", "-n", "-l", tool});
+        const ToolRun run = RunTool({"sudo", "-n", "-l", tool}, kLongestRun);
         asks_ = run.ended;
-        return run.ended ? std::optional(run.status == 0) : std::nullopt;
+        return run.ended && run.status != 0;
     }
 
   private:
     bool asks_;
 };
 
-// What every finding on a tool has in common.
-Finding About(const Tool& tool) {
-    return {.severity = tool.severity,
-            .subject = tool.name,
-            .what = tool.consequence,
-            .concerns = tool.concerns,
-            .hinders = tool.hinders};
-}
-
-// Characters that no shell changes.
+// True if no shell changes the characters of the path.
 bool IsPlainWord(std::string_view path) {
     return std::ranges::all_of(path, [](char c) {
         return velk::IsLetterOrDigit(c) || std::string_view("/._+-").find(c) != std::string::npos;
     });
 }
 
-// The line is pasted by root: a tool that another user can change must not get into it.
-bool MayBeLinked(const std::optional<std::string>& path) {
-    return path && IsPlainWord(*path) && IsRootsAlone(*path);
-}
-
-Finding MissingTool(const Tool& tool) {
-    Finding finding = About(tool);
-    const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
-    const std::string who = tool.by_sudo ? "sudo" : "velkctl";
-    finding.effect = elsewhere ? "is not in a folder where " + who + " looks" : "is not installed";
+std::string RemedyOf(const Tool& tool, const std::optional<std::string>& elsewhere) {
     if (tool.name.starts_with('/')) {
-        finding.remedy = "install it, or a link to it, as " + tool.name;
-    } else if (MayBeLinked(elsewhere)) {
-        finding.remedy = "ln -s " + *elsewhere + " /usr/local/sbin/" + tool.name;
-    } else {
-        finding.remedy = "install it in a folder where " + who + " looks, as " +
-                         (tool.by_sudo ? "/usr/sbin" : "/usr/bin");
+        return "install it, or a link to it, as " + tool.name;
     }
-    return finding;
+    // Root pastes the line: a tool that another user can change must not get into it.
+    if (elsewhere && IsPlainWord(*elsewhere) && OnlyRootCanChange(*elsewhere)) {
+        return "ln -s " + *elsewhere + " /usr/local/sbin/" + tool.name;
+    }
+    return std::string("install it in a folder that ") +
+           (tool.by_sudo ? "sudo searches, such as /usr/sbin"
+                         : "velkctl searches, such as /usr/bin");
 }
 
-Finding ForbiddenTool(const Tool& tool) {
-    Finding finding = About(tool);
-    finding.effect = "may not be run through sudo by this user without a password";
-    finding.remedy = "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " +
-                     FindTool(tool.name, kToolFolders).value_or(tool.name);
-    return finding;
+std::string AbsenceOf(const Tool& tool, bool is_elsewhere) {
+    return is_elsewhere ? std::string("is in none of the folders that ") +
+                              (tool.by_sudo ? "sudo" : "velkctl") + " searches"
+                        : "is not installed";
 }
 
-bool IsThere(const Tool& tool) {
-    return tool.by_sudo ? FindTool(tool.name, kToolFolders).has_value()
-                        : FindTool(tool.name).has_value();
+Finding Found(const Tool& tool, std::string effect, std::string remedy) {
+    return {.severity = tool.severity,
+            .subject = tool.name,
+            .effect = std::move(effect),
+            .description = tool.consequence,
+            .remedy = std::move(remedy),
+            .affected = tool.affected,
+            .impact = tool.impact};
 }
 
-Findings CheckTheseTools(const std::vector<Tool>& tools) {
+template <typename Condition>
+Findings CheckToolsWhere(Condition is_wanted) {
     Findings findings;
     SudoRights rights;
     std::string missing;
-    for (const Tool& tool : tools) {
-        if (tool.name == missing) {
-            continue;  // told already
+    for (const Tool& tool : Tools()) {
+        if (!is_wanted(tool) || tool.name == missing) {
+            continue;
         }
-        if (!IsThere(tool)) {
-            findings.push_back(MissingTool(tool));
+        const auto path = tool.by_sudo ? FindTool(tool.name, kToolFolders) : FindTool(tool.name);
+        if (!path) {
+            const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
+            findings.push_back(
+                Found(tool, AbsenceOf(tool, elsewhere.has_value()), RemedyOf(tool, elsewhere)));
             missing = tool.name;
-        } else if (tool.by_sudo && !rights.MayRun(tool.name).value_or(true)) {
-            findings.push_back(ForbiddenTool(tool));
+        } else if (tool.by_sudo && rights.Forbid(tool.name)) {
+            findings.push_back(
+                Found(tool, "may not be run through sudo by this user without a password",
+                      "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " + *path));
         }
     }
     return findings;
 }
 
+constexpr std::string_view kAnyAddress = "inet ";
+
+Finding AboutTool() {
+    return {.subject = std::string(kInterfaceTool),
+            .affected = SettingsReadWith(kInterfaceTool),
+            .impact = Impact::kReading};
+}
+
 }  // namespace
 
 Findings CheckTools() {
-    return CheckTheseTools(Tools());
+    return CheckToolsWhere([](const Tool&) { return true; });
 }
 
 Findings CheckToolsFor(const Setting& setting) {
-    std::vector<Tool> tools = Tools();
-    std::erase_if(tools, [&](const Tool& tool) { return !Includes(tool.concerns, setting); });
-    return CheckTheseTools(tools);
+    return CheckToolsWhere([&](const Tool& tool) { return Includes(tool.affected, setting); });
 }
 
-Findings RestartObstacles() {
-    std::vector<Tool> tools = Tools();
-    std::erase_if(tools, [](const Tool& tool) { return !tool.restarts; });
-    return CheckTheseTools(tools);
+Findings CheckRestartTools() {
+    return CheckToolsWhere([](const Tool& tool) { return tool.for_restart; });
+}
+
+Findings CheckIfconfigOutput(std::string_view output) {
+    const bool is_readable =
+        velk::Contains(output, "inet addr:") && velk::Contains(output, "Mask:");
+    const size_t position = output.find(kAnyAddress);
+    if (is_readable || position == std::string_view::npos) {
+        return {};
+    }
+    const std::string_view rest = output.substr(position);
+    return {AboutTool().Problem(
+        "prints addresses in a form that the library does not read",
+        "it prints " + Excerpt(rest.substr(0, rest.find('\n'))) +
+            ", but the library looks for 'inet addr:' and 'Mask:'; address and netmask of a DHCP "
+            "interface are read as empty",
+        "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does")};
+}
+
+Findings CheckIfconfig() {
+    if (!FindTool(kInterfaceTool)) {
+        return {};  // CheckTools() finds it
+    }
+    for (const std::string interface : {"lo", VELK_WIRED_INTERFACE}) {
+        const ToolRun run = RunTool({std::string(kInterfaceTool), interface}, kLongestRun);
+        if (!run.ended) {
+            return {AboutTool().Problem("does not end",
+                                        "'ifconfig " + interface + "' ran for more than " +
+                                            std::to_string(kLongestRun.count()) + " seconds",
+                                        "find out why it does not end")};
+        }
+        if (velk::Contains(run.output, kAnyAddress)) {
+            return CheckIfconfigOutput(run.output);
+        }
+    }
+    return {};  // neither interface has an address
 }
 
 }  // namespace velkctl

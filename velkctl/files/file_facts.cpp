@@ -1,21 +1,15 @@
-// file_facts.cpp - what there is to say about a file that should not be there.
+// file_facts.cpp - age, kind and removal of a file that should not be there.
 #include "velkctl/files/file_facts.h"
 
 #include <algorithm>
-#include <array>
 #include <ctime>
 
 #include <unistd.h>
 
+#include "velkctl/text/duration.h"
+
 namespace velkctl {
 namespace {
-
-struct Unit {
-    long long seconds;
-    const char* name;
-};
-constexpr std::array<Unit, 4> kUnits{
-    {{24 * 60 * 60, "day"}, {60 * 60, "hour"}, {60, "minute"}, {1, "second"}}};
 
 // A sticky folder does not count as safe: everybody may make a file there.
 bool IsChangedByRootOnly(const std::string& path, mode_t kind) {
@@ -26,17 +20,9 @@ bool IsChangedByRootOnly(const std::string& path, mode_t kind) {
 
 }  // namespace
 
-std::string InWords(long long seconds) {
-    const auto* unit = std::ranges::find_if(
-        kUnits, [&](const Unit& candidate) { return seconds >= candidate.seconds; });
-    const Unit& used = unit == kUnits.end() ? kUnits.back() : *unit;
-    const long long number = seconds / used.seconds;
-    return std::to_string(number) + " " + used.name + (number == 1 ? "" : "s");
-}
-
 std::string AgeOf(const struct stat& facts) {
-    // A clock that was set back since makes it young.
-    return InWords(std::max(0LL, static_cast<long long>(time(nullptr) - facts.st_mtime)));
+    // A clock that was set back since would make it negative.
+    return FormatDuration(std::max(0LL, static_cast<long long>(time(nullptr) - facts.st_mtime)));
 }
 
 std::string KindOf(mode_t mode) {
@@ -66,7 +52,7 @@ bool MayRemove(const std::string& path, const struct stat& facts) {
            folder.st_uid == geteuid();
 }
 
-bool IsRootsAlone(const std::string& path) {
+bool OnlyRootCanChange(const std::string& path) {
     if (!path.starts_with('/')) {
         return false;
     }
@@ -79,7 +65,7 @@ bool IsRootsAlone(const std::string& path) {
     return IsChangedByRootOnly(path, S_IFREG);
 }
 
-std::string RemovalOf(const std::string& path, const struct stat& facts) {
+std::string RemoveCommand(const std::string& path, const struct stat& facts) {
     return (S_ISDIR(facts.st_mode) ? "rm -r " : "rm ") + path;
 }
 

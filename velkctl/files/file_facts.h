@@ -1,4 +1,4 @@
-// file_facts.h - what there is to say about a file that should not be there.
+// file_facts.h - age, kind and removal of a file that should not be there.
 #ifndef VELKCTL_FILES_FILE_FACTS_H_
 #define VELKCTL_FILES_FILE_FACTS_H_
 
@@ -8,24 +8,21 @@
 
 namespace velkctl {
 
-// "5 seconds", "3 minutes", "2 days"
-std::string InWords(long long seconds);
-
-// How long ago the file was changed.
+// Returns the time since the file was changed, as FormatDuration() does.
 std::string AgeOf(const struct stat& facts);
 
-// "a symbolic link", "a folder"
+// Returns "a symbolic link", "a folder".
 std::string KindOf(mode_t mode);
 
-// Says whether this user may remove it: where everybody may write, often only the owner may.
+// True if this user may remove it. In a sticky folder only the owner may.
 bool MayRemove(const std::string& path, const struct stat& facts);
 
 // True if root alone can change the file or put another one in its place: file and folders are
 // root's and not writable by others, and none of them is a symbolic link.
-bool IsRootsAlone(const std::string& path);
+bool OnlyRootCanChange(const std::string& path);
 
-// "rm /var/tmp/interfaces"
-std::string RemovalOf(const std::string& path, const struct stat& facts);
+// Returns "rm /var/tmp/interfaces".
+std::string RemoveCommand(const std::string& path, const struct stat& facts);
 
 }  // namespace velkctl
 

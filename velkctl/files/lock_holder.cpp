@@ -1,9 +1,8 @@
-// lock_holder.cpp - which process keeps others from changing settings.
+// lock_holder.cpp - the process that holds the lock between programs that change settings.
 #include "velkctl/files/lock_holder.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
 
 #include <sys/stat.h>
@@ -12,22 +11,15 @@
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
-#include "velkctl/files/file_facts.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/text/duration.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
 
-// The number a word begins with.
-template <typename Number>
-std::optional<Number> NumberIn(std::string_view word) {
-    Number number{};
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    return error == std::errc() ? std::optional(number) : std::nullopt;
-}
-
-// A file as /proc/locks names it: "fe:00:404740".
+// Returns a file as /proc/locks names it: "fe:00:404740".
 std::string FileInLocks(dev_t device, ino_t inode) {
     std::array<char, 64> text{};
     (void)snprintf(text.data(), text.size(), "%02x:%02x:%llu", major(device), minor(device),
@@ -43,7 +35,7 @@ std::optional<int> HoldingProcess() {
     return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
 }
 
-// What is known of a process; nothing when it has ended.
+// Returns name and age of a process; nothing if it has ended.
 std::optional<LockHolder> Describe(int process) {
     const std::string folder = "/proc/" + std::to_string(process);
     std::string name = ReadTextFile(folder + "/comm").bytes;
@@ -65,13 +57,13 @@ std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode
         std::string_view line = locks.substr(0, locks.find('\n'));
         locks.remove_prefix(std::min(line.size() + 1, locks.size()));
         (void)velk::TakeWord(line);  // a running number
-        // One that waits has "->" in front of its kind.
+        // A waiting process has "->" before its kind.
         if (velk::TakeWord(line) != "FLOCK") {
             continue;
         }
         (void)velk::TakeWord(line);  // ADVISORY
         (void)velk::TakeWord(line);  // WRITE
-        const std::optional<int> process = NumberIn<int>(velk::TakeWord(line));
+        const std::optional<int> process = ParseNumber<int>(velk::TakeWord(line));
         if (velk::TakeWord(line) == file && process.value_or(0) > 0) {
             return process;
         }
@@ -90,8 +82,9 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
     for (int field = 0; field < kFieldsBetween; ++field) {
         (void)velk::TakeWord(stat);
     }
-    const auto start = NumberIn<long long>(velk::TakeWord(stat));
-    const auto now = NumberIn<long>(velk::TakeWord(uptime));
+    const auto start = ParseNumber<long long>(velk::TakeWord(stat));
+    const std::string_view up = velk::TakeWord(uptime);  // "1234.56"
+    const auto now = ParseNumber<long>(up.substr(0, up.find('.')));
     if (!start || !now) {
         return std::nullopt;
     }
@@ -103,23 +96,23 @@ std::optional<LockHolder> FindLockHolder() {
     return process ? Describe(*process) : std::nullopt;
 }
 
-std::string Words(const LockHolder& holder) {
+std::string DescribeHolder(const LockHolder& holder) {
     return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ", " +
-           InWords(holder.seconds) + " old)";
+           FormatDuration(holder.seconds) + " old)";
 }
 
-std::string LockHolderInWords() {
+std::string DescribeLockHolder() {
     const std::optional<int> process = HoldingProcess();
     if (!process) {
         return "";
     }
     if (const std::optional<LockHolder> holder = Describe(*process)) {
-        return Words(*holder);
+        return DescribeHolder(*holder);
     }
     if (HoldingProcess() != process) {
         return "";  // it gave the lock back and ended meanwhile
     }
-    return "a process that process " + std::to_string(*process) + " started before it ended";
+    return "a child of process " + std::to_string(*process) + ", which has ended";
 }
 
 }  // namespace velkctl

@@ -39,7 +39,7 @@ Lines LinesOf(std::string_view text) {
     return lines;
 }
 
-// Files of the kernel tell no size, so the end is where nothing more comes.
+// Files of the kernel have no size: the end is where read(2) returns 0.
 TextFile ReadAll(int fd) {
     TextFile file{FileState::kText};
     char block[kBlockSize];

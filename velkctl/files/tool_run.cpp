@@ -15,7 +15,6 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/unique_fd.h"
-#include "velkctl/call/environment.h"
 
 extern char** environ;
 
@@ -36,7 +35,7 @@ bool IsExecutable(const std::string& path) {
 std::optional<std::string> FindIn(std::string_view folders, std::string_view name) {
     for (;;) {
         const std::string_view folder = folders.substr(0, folders.find(':'));
-        // An empty one is the current folder.
+        // An empty name is the current folder.
         const std::string path =
             std::string(folder.empty() ? "." : folder).append("/").append(name);
         if (IsExecutable(path)) {
@@ -49,7 +48,7 @@ std::optional<std::string> FindIn(std::string_view folders, std::string_view nam
     }
 }
 
-// What a started tool is to have for its standard streams, and a group of its own to be killed by.
+// The standard streams of a started tool, and a process group of its own to kill it by.
 class SpawnPlan {
   public:
     explicit SpawnPlan(int output) {
@@ -68,7 +67,7 @@ class SpawnPlan {
     SpawnPlan(const SpawnPlan&) = delete;
     SpawnPlan& operator=(const SpawnPlan&) = delete;
 
-    // -1 when it cannot be started.
+    // Returns -1 if it cannot be started.
     pid_t Start(const std::string& path, const std::vector<std::string>& words) const {
         std::vector<char*> arguments;
         arguments.reserve(words.size() + 1);
@@ -87,7 +86,7 @@ class SpawnPlan {
     posix_spawnattr_t attributes_{};
 };
 
-// Reads up to the end of the output; false when that does not come in time.
+// Reads up to the end of the output; false if the deadline comes first.
 bool ReadOutput(int fd, Clock::time_point deadline, std::string& output) {
     char block[4096];
     for (;;) {
@@ -111,7 +110,7 @@ bool ReadOutput(int fd, Clock::time_point deadline, std::string& output) {
     }
 }
 
-// Waits for the end of the tool; false when it does not come in time.
+// Waits for the end of the tool; false if the deadline comes first.
 bool AwaitEnd(pid_t pid, Clock::time_point deadline, int& status) {
     for (;;) {
         const pid_t ended = waitpid(pid, &status, WNOHANG);
@@ -159,7 +158,7 @@ ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds
     run.ended = ReadOutput(read_end.get(), deadline, run.output) && AwaitEnd(pid, deadline, status);
     if (!run.ended) {
         (void)kill(-pid, SIGKILL);
-        // One that runs as root, as sudo does, may not be killed; it is not waited for.
+        // A tool that runs as root, as sudo does, may not be killed; its end is not awaited.
         (void)AwaitEnd(pid, Clock::now() + std::chrono::seconds(1), status);
         return run;
     }

@@ -10,23 +10,24 @@
 
 namespace velkctl {
 
-// Where the tool is in these folders, in the form of PATH; nothing when it is in none. A name with
-// a slash is its own place.
+// The folders where velkctl and its tools look for programs. sudo looks in the same ones.
+inline constexpr char kToolFolders[] =
+    "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
+// Returns the path of the tool in these folders, a list as in PATH; nothing if none has it. A name
+// with a slash is its own path.
 std::optional<std::string> FindTool(std::string_view name, std::string_view folders);
-// Where a shell finds it.
+// Returns the path where a shell finds it.
 std::optional<std::string> FindTool(std::string_view name);
 
 struct ToolRun {
     bool ended = false;    // in time
-    int status = -1;       // as the shell has it in $?, of one that ended
-    std::string output{};  // standard output; what is beyond 64 KiB is left out
+    int status = -1;       // as in $? of a shell, if it ended
+    std::string output{};  // standard output, at most 64 KiB of it
 };
 
-inline constexpr std::chrono::milliseconds kLongestToolRun{5000};
-
-// Runs a tool without input, its errors unseen. One that takes longer is killed.
-ToolRun RunTool(const std::vector<std::string>& words,
-                std::chrono::milliseconds longest = kLongestToolRun);
+// Runs a tool without input and without standard error. A tool that takes longer is killed.
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest);
 
 }  // namespace velkctl
 

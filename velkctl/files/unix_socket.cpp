@@ -13,8 +13,8 @@
 namespace velkctl {
 namespace {
 
-// What the kernel says to one who may not connect: a table with the path each was bound to. It does
-// not know whether the file there now is still the same one.
+// True if the kernel's table of sockets has the path, for a user who may not connect. The file
+// there may be another one since.
 bool IsListed(const std::string& path) {
     const TextFile sockets = ReadTextFile("/proc/net/unix");
     const std::string end = " " + path + "\n";
@@ -35,7 +35,7 @@ bool IsBound(const std::string& path) {
     if (errno == EACCES) {
         return IsListed(path);
     }
-    // Any other refusal comes from somebody: one of another type, one that is connected.
+    // Any other refusal comes from a bound socket: of another type, or connected.
     return errno != ECONNREFUSED && errno != ENOENT;
 }
 

@@ -6,7 +6,7 @@
 
 namespace velkctl {
 
-// Says whether a process has the socket at this path bound. It is told nothing of being asked.
+// True if a process has bound the socket at this path. The process does not notice.
 bool IsBound(const std::string& path);
 
 }  // namespace velkctl

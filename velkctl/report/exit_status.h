@@ -1,6 +1,9 @@
-// exit_status.h - how velkctl ends, for the scripts that call it.
+// exit_status.h - the exit statuses of velkctl and their meanings.
 #ifndef VELKCTL_REPORT_EXIT_STATUS_H_
 #define VELKCTL_REPORT_EXIT_STATUS_H_
+
+#include <array>
+#include <string_view>
 
 namespace velkctl {
 
@@ -8,13 +11,41 @@ namespace velkctl {
 enum class ExitStatus : int {
     kDone = 0,
     kFailed = 1,
-    kInvalid = 2,  // wrong usage, or a name or value that is not taken
+    kInvalid = 2,
     kLocked = 3,
     kNoAdapter = 4,
     kWiredLinked = 5,
-    kNotHeld = 6,   // set, but the device does not hold the value
-    kTimedOut = 7,  // given up while the library was still at it
+    kNotHeld = 6,
+    kTimedOut = 7,
 };
+
+// The remedies of the results that have an exit status of their own.
+inline constexpr std::string_view kLockedRemedy = "try again, or let --wait=SECONDS try again";
+inline constexpr std::string_view kNoAdapterRemedy =
+    "attach an adapter of /usr/local/share/apps/wlan/supportlist.ini";
+inline constexpr std::string_view kWiredLinkedRemedy =
+    "pull the cable; wireless works only without it";
+
+struct ExitMeaning {
+    ExitStatus status;
+    std::string_view description;
+    std::string_view remedy;
+};
+
+inline constexpr std::array<ExitMeaning, 8> kExitMeanings{{
+    {ExitStatus::kDone, "done", "none needed"},
+    {ExitStatus::kFailed, "failed, or the doctor found a problem",
+     "read the message; 'velkctl doctor' looks for the cause"},
+    {ExitStatus::kInvalid, "wrong usage, or a name or value that is not valid",
+     "read the message, 'velkctl VERB --help' and 'velkctl describe NAME'"},
+    {ExitStatus::kLocked, "another program is changing settings", kLockedRemedy},
+    {ExitStatus::kNoAdapter, "no supported wireless adapter is attached", kNoAdapterRemedy},
+    {ExitStatus::kWiredLinked, "refused while the cable is in the wired port", kWiredLinkedRemedy},
+    {ExitStatus::kNotHeld, "set, but the device does not hold the value",
+     "read the likely cause in the message; 'velkctl doctor' looks for more"},
+    {ExitStatus::kTimedOut, "no answer before the timeout",
+     "give a longer --timeout; 'velkctl doctor' checks if the daemon answers"},
+}};
 
 }  // namespace velkctl
 

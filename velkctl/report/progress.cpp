@@ -1,4 +1,4 @@
-// progress.cpp - the line that tells a person at a terminal what is waited for.
+// progress.cpp - the progress line at a terminal.
 #include "velkctl/report/progress.h"
 
 #include <cstdio>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kUsualWidth = 80;
 
-// A line as wide as the terminal would not be written over by the next one.
+// A line as wide as the terminal would wrap, and the next one would not replace it.
 size_t RoomForLine() {
     winsize size{};
     const bool is_known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
@@ -20,9 +20,9 @@ size_t RoomForLine() {
 
 }  // namespace
 
-std::string ProgressLine(std::string_view what, std::string_view awaited, long seconds,
+std::string ProgressLine(std::string_view subject, std::string_view awaited, long seconds,
                          long longest) {
-    std::string line(what);
+    std::string line(subject);
     line.append(": ").append(std::to_string(seconds)).append(" s");
     if (longest > 0) {
         line.append(" of at most ").append(std::to_string(longest)).append(" s");

@@ -1,21 +1,45 @@
-// report.cpp - what one run of velkctl says: text for people, or one JSON document for programs.
+// report.cpp - the output of one run: text for people, or one JSON document for programs.
 #include "velkctl/report/report.h"
 
 #include <utility>
 
+#include "velkctl/report/output.h"
 #include "velkctl/report/result_codes.h"
-#include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
-constexpr int kSchema = 1;  // raised when a program that reads the document could trip
+constexpr int kSchema = 2;  // raised if a change can break a program that reads the document
+constexpr size_t kColumns = 80;
+constexpr std::string_view kPrefix = "velkctl: ";
+constexpr std::string_view kSeparator = "; ";
+constexpr std::string_view kNewLine = "\n  ";
+constexpr std::string_view kFix = "fix: ";
+constexpr std::string_view kAdvice = "give ";  // begins the advice of a message
+constexpr std::string_view kContrast = ", but ";
+
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(text);
+}
+
+Json CauseOf(const Problem& problem) {
+    if (problem.file.empty()) {
+        return nullptr;
+    }
+    Json cause;
+    cause["file"] = problem.file;
+    cause["line"] = problem.line == 0 ? Json(nullptr) : Json(problem.line);
+    return cause;
+}
 
 Json ErrorOf(const Problem& problem) {
     Json error;
     error["message"] = problem.message;
-    error["setting"] = problem.setting.empty() ? Json(nullptr) : Json(problem.setting);
+    error["detail"] = TextOrNull(problem.detail);
+    error["cause"] = CauseOf(problem);
+    error["remedy"] = TextOrNull(problem.remedy);
+    error["setting"] = TextOrNull(problem.setting);
     error["result"] = nullptr;
     if (problem.result) {
         error["result"] = ResultInJson(*problem.result);
@@ -23,7 +47,84 @@ Json ErrorOf(const Problem& problem) {
     return error;
 }
 
+// An apostrophe follows a letter.
+bool OpensQuote(std::string_view text, size_t at) {
+    return text[at] == '\'' && (at == 0 || text[at - 1] == ' ');
+}
+
+bool ClosesQuote(std::string_view text, size_t at) {
+    return text[at] == '\'' && (at + 1 == text.size() ||
+                                std::string_view(" ,;:)").find(text[at + 1]) != std::string::npos);
+}
+
+// Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if
+// it has neither. A quotation stays whole.
+std::string_view FirstClause(std::string_view text) {
+    bool is_quoted = false;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (is_quoted) {
+            is_quoted = !ClosesQuote(text, at);
+            continue;
+        }
+        is_quoted = OpensQuote(text, at);
+        if (text.substr(at).starts_with(kSeparator)) {
+            return text.substr(0, at);
+        }
+        if (text.substr(at).starts_with(kContrast)) {
+            return text.substr(0, at + 1);
+        }
+    }
+    return text;
+}
+
 }  // namespace
+
+std::string InLinesOf80(std::string_view text, size_t indent) {
+    std::string lines;
+    while (indent + text.size() > kColumns && !text.starts_with(kFix)) {
+        const std::string_view clause = FirstClause(text);
+        if (clause.size() == text.size()) {
+            break;
+        }
+        lines.append(clause).append(kNewLine);
+        text.remove_prefix(clause.size() + (clause.ends_with(',') ? 1 : kSeparator.size()));
+        indent = kNewLine.size() - 1;
+        if (text.starts_with(kAdvice)) {
+            lines.append(kFix);
+            indent += kFix.size();
+        }
+    }
+    return lines.append(text);
+}
+
+std::string OneLine(const Problem& problem) {
+    std::string text = problem.message;
+    if (!problem.detail.empty()) {
+        text.append(kSeparator).append(problem.detail);
+    }
+    if (!problem.remedy.empty()) {
+        text.append(kSeparator).append(kFix).append(problem.remedy);
+    }
+    if (problem.result) {
+        text.append(" (").append(FindResultCode(*problem.result).name).append(", ");
+        text.append(std::to_string(*problem.result)).append(")");
+    }
+    return text;
+}
+
+std::string InLines(const Problem& problem) {
+    std::string text = InLinesOf80(problem.message, kPrefix.size());
+    if (!problem.detail.empty()) {
+        text.append(kNewLine).append(InLinesOf80(problem.detail, kNewLine.size() - 1));
+    }
+    if (!problem.remedy.empty()) {
+        text.append(kNewLine).append(kFix).append(problem.remedy);
+    }
+    if (problem.result) {
+        text.append(kNewLine).append("result: ").append(ResultName(*problem.result));
+    }
+    return text;
+}
 
 struct Report::Document {
     Json members = Json::object();
@@ -56,11 +157,15 @@ void Report::Note(std::string_view note) {
     }
 }
 
+void Report::Note(const Problem& problem) {
+    Note(is_json() ? OneLine(problem) : InLines(problem));
+}
+
 void Report::Complain(const Problem& problem) {
     if (is_json()) {
         document_->errors.push_back(ErrorOf(problem));
     } else {
-        PrintError(problem.message);
+        PrintError(InLines(problem));
     }
 }
 
@@ -84,7 +189,7 @@ void Report::Finish(int status) {
     whole.update(document_->members);
     whole["notes"] = document_->notes;
     whole["errors"] = document_->errors;
-    // In ASCII alone, which every terminal shows and every reader of JSON takes.
+    // ASCII only: every terminal shows it and every JSON reader takes it.
     Print(whole.dump(2, ' ', true, Json::error_handler_t::replace) + "\n");
 }
 

@@ -1,35 +1,56 @@
-// result_codes.cpp - the library's results: their names, what they mean, how velkctl ends on them.
+// result_codes.cpp - the results of the library: names, meanings and exit statuses.
 #include "velkctl/report/result_codes.h"
 
 #include <algorithm>
+#include <array>
 
+#include "velkctl/text/find_row.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
+constexpr std::array<ResultCode, 6> kResultCodes{{
+    {LIB_VELK_SUCCESS, "LIB_VELK_SUCCESS", "done",
+     "none needed; success of a set does not prove that the value is held", ExitStatus::kDone},
+    {LIB_VELK_FAILURE, "LIB_VELK_FAILURE", "file, socket, time-out or unreadable value",
+     "run 'velkctl doctor' to look for the cause", ExitStatus::kFailed},
+    {LIB_VELK_LOCKED, "LIB_VELK_LOCKED", "another program is changing settings", kLockedRemedy,
+     ExitStatus::kLocked},
+    {LIB_VELK_INVALID_PARAMETER, "LIB_VELK_INVALID_PARAMETER",
+     "the library does not take this command, interface or value",
+     "run 'velkctl describe NAME' for the interfaces and values of a setting",
+     ExitStatus::kInvalid},
+    {LIB_VELK_NO_ADAPTER, "LIB_VELK_NO_ADAPTER", "no supported wireless adapter is attached",
+     kNoAdapterRemedy, ExitStatus::kNoAdapter},
+    {LIB_VELK_WIRED_LINKED, "LIB_VELK_WIRED_LINKED", "refused while the cable is in the wired port",
+     kWiredLinkedRemedy, ExitStatus::kWiredLinked},
+}};
+
 constexpr std::string_view kUnknownName = "unknown result";
-constexpr std::string_view kUnknownWords = "velkctl does not know what it means";
+constexpr std::string_view kUnknownDescription = "a result that velkctl does not know";
+constexpr std::string_view kUnknownRemedy = "install the velkctl that belongs to this library";
 
 }  // namespace
 
+std::span<const ResultCode> ResultCodes() {
+    return kResultCodes;
+}
+
 ResultCode FindResultCode(int code) {
-    const auto* row = std::find_if(kResultCodes.begin(), kResultCodes.end(),
-                                   [code](const ResultCode& known) { return known.code == code; });
-    if (row == kResultCodes.end()) {
-        return {code, kUnknownName, kUnknownWords, "use a velkctl that is as new as the library",
-                ExitStatus::kFailed};
+    const ResultCode* row = FindRow(kResultCodes, code, &ResultCode::code);
+    if (row == nullptr) {
+        return {code, kUnknownName, kUnknownDescription, kUnknownRemedy, ExitStatus::kFailed};
     }
     return *row;
 }
 
+std::string ResultName(int code) {
+    return std::string(FindResultCode(code).name) + " (" + std::to_string(code) + ")";
+}
+
 std::string DescribeResult(int code) {
-    const ResultCode row = FindResultCode(code);
-    return std::string(row.name)
-        .append(" (")
-        .append(std::to_string(code))
-        .append("): ")
-        .append(row.words);
+    return ResultName(code).append(": ").append(FindResultCode(code).description);
 }
 
 nlohmann::ordered_json ResultInJson(int code) {
@@ -37,19 +58,8 @@ nlohmann::ordered_json ResultInJson(int code) {
     nlohmann::ordered_json result;
     result["code"] = code;
     result["name"] = row.name;
-    result["words"] = row.words;
+    result["description"] = row.description;
     return result;
-}
-
-std::string DescribeFailure(std::string_view what, int code) {
-    const ResultCode row = FindResultCode(code);
-    std::string text(what);
-    // A plain failure has no words that would say more than `what` does.
-    if (code != LIB_VELK_FAILURE) {
-        text.append(": ").append(row.words);
-    }
-    text.append(row.hint);
-    return text.append(" (").append(row.name).append(", ").append(std::to_string(code)).append(")");
 }
 
 }  // namespace velkctl

@@ -1,13 +1,13 @@
-// result_codes.h - the library's results: their names, what they mean, how velkctl ends on them.
+// result_codes.h - the results of the library: names, meanings and exit statuses.
 #ifndef VELKCTL_REPORT_RESULT_CODES_H_
 #define VELKCTL_REPORT_RESULT_CODES_H_
 
-#include <array>
+#include <span>
 #include <string>
 #include <string_view>
 
-#include "velk.h"
-#include "velkctl/report/exit_meanings.h"
+#include "velk/request.h"
+#include "velkctl/report/exit_status.h"
 #include <nlohmann/json_fwd.hpp>
 
 namespace velkctl {
@@ -15,44 +15,26 @@ namespace velkctl {
 struct ResultCode {
     int code;
     std::string_view name;
-    std::string_view words;
+    std::string_view description;
     std::string_view remedy;
     ExitStatus status;
-    std::string_view hint{};  // the remedy in a message, behind the words
 };
 
-inline constexpr std::array<ResultCode, 6> kResultCodes{{
-    {LIB_VELK_SUCCESS, "LIB_VELK_SUCCESS", "done",
-     "nothing; that a set succeeded does not prove that the device holds the value",
-     ExitStatus::kDone},
-    {LIB_VELK_FAILURE, "LIB_VELK_FAILURE", "file, socket, time-out or unreadable value",
-     "'velkctl doctor' looks for files, tools and daemons that are not as they should be",
-     ExitStatus::kFailed, "; 'velkctl doctor' looks for the cause"},
-    {LIB_VELK_LOCKED, "LIB_VELK_LOCKED", "another program is changing settings now, try again",
-     kLockedRemedy, ExitStatus::kLocked, ", as --wait=SECONDS does"},
-    {LIB_VELK_INVALID_PARAMETER, "LIB_VELK_INVALID_PARAMETER",
-     "the library does not take this command, interface or value",
-     "'velkctl describe NAME' says which interfaces and values a setting has",
-     ExitStatus::kInvalid},
-    {LIB_VELK_NO_ADAPTER, "LIB_VELK_NO_ADAPTER", "no supported wireless adapter is attached",
-     kNoAdapterRemedy, ExitStatus::kNoAdapter},
-    {LIB_VELK_WIRED_LINKED, "LIB_VELK_WIRED_LINKED", "refused while the cable is in the wired port",
-     kWiredLinkedRemedy, ExitStatus::kWiredLinked},
-}};
+// Returns the rows of all results of the library.
+std::span<const ResultCode> ResultCodes();
 
-// The row of a result. A number without one, as a newer library may give, is a failure without a
-// name of its own.
+// Returns the row of a result. A newer library may return other numbers: they are failures without
+// a name.
 ResultCode FindResultCode(int code);
 
-// One line for a person: "LIB_VELK_LOCKED (-3): another program is changing settings now, ...".
+// "LIB_VELK_LOCKED (-3)"
+std::string ResultName(int code);
+
+// "LIB_VELK_LOCKED (-3): another program is changing settings"
 std::string DescribeResult(int code);
 
-// {"code": -3, "name": "LIB_VELK_LOCKED", "words": "another program is ..."}
+// {"code": -3, "name": "LIB_VELK_LOCKED", "description": "another program is ..."}
 nlohmann::ordered_json ResultInJson(int code);
-
-// Why something was not done: "eth1.signal: could not be read: refused while the cable is in the
-// wired port (LIB_VELK_WIRED_LINKED, -6)". `what` is the part before the reason.
-std::string DescribeFailure(std::string_view what, int code);
 
 }  // namespace velkctl
 

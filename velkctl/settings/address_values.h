@@ -8,12 +8,12 @@
 
 namespace velkctl {
 
-// A dotted-quad text, as it stands in the device's files. What the device holds is shown as it
-// stands, address or not; the empty text is shown as none.
+// A dotted-quad text, as in the device's files. Print() shows the device's text unchanged, also if
+// it is no address; the empty text as none.
 class AddressKind final : public ValueKind {
   public:
-    // `problem` says what is wrong with an address, as HostAddressProblem() does; `wanted` says in
-    // words what it takes, and `example` is one of these.
+    // `problem` returns the problem with an address, as HostAddressProblem() does; `wanted` names
+    // the values that it accepts, and `example` is one of them.
     constexpr AddressKind(std::string_view wanted, std::string_view example,
                           std::string_view (*problem)(uint32_t address), bool takes_none = false)
         : wanted_(wanted), example_(example), problem_(problem), takes_none_(takes_none) {}
@@ -24,7 +24,7 @@ class AddressKind final : public ValueKind {
     std::string Print(const Data& data) const override;
 
   private:
-    // What is wrong with the word, behind it in a message; empty when it is taken.
+    // Returns the problem with the word, to follow it in a message; empty if it is accepted.
     std::string Problem(const std::string& word) const;
 
     std::string_view wanted_;
@@ -33,18 +33,17 @@ class AddressKind final : public ValueKind {
     bool takes_none_;
 };
 
-// Ones in front of zeros, and at least one of them.
+// True if the ones come before the zeros, and there is at least one of them.
 constexpr bool IsMask(uint32_t mask) {
     return mask != 0 && (~mask & (~mask + 1)) == 0;
 }
 
-// What keeps a number from being a mask; empty when nothing does.
+// Returns the reason why a number is not a mask; empty if it is one.
 constexpr std::string_view MaskProblem(uint32_t mask) {
     if (IsMask(mask)) {
         return {};
     }
-    return mask == 0 ? "is not a mask, as it has no ones"
-                     : "is not a mask, as its ones are not contiguous";
+    return mask == 0 ? "is not a mask: it has no ones" : "is not a mask: a zero precedes a one";
 }
 
 }  // namespace velkctl

@@ -3,10 +3,14 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
-#include "velkctl/settings/value_kinds.h"
+#include "lib/base/paths.h"
+#include "lib/ipconf/interfaces_file.h"
+#include "velkctl/settings/kinds_of_settings.h"
+#include "velkctl/settings/time_entry.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
@@ -15,77 +19,114 @@ namespace {
 constexpr bool kOpen = false;
 constexpr bool kSecret = true;
 
-constexpr std::string_view kWepKeyHelp =
-    "WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret";
+constexpr HeldIn InFile(const char* file, std::string_view key = "", FileLine second_line = {}) {
+    return {Holder::kFile, {file, key}, second_line};
+}
+
+// A line of an address. While a lease is shown, the tool reads it.
+constexpr HeldIn InAddressLine(std::string_view key, std::string_view tool = "") {
+    return {Holder::kFile, {velk::kInterfacesFile, key}, {}, tool, /*is_of_lease=*/true};
+}
+
+constexpr HeldIn kAdministratorLines =
+    InFile(velk::kIdentityFile, "ADMINISTRATOR=", {velk::kSnmpFile, "syscontact"});
+constexpr HeldIn kLocationLines =
+    InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"});
+constexpr HeldIn kTimeEntry = InFile(velk::kCrontab, kTimeClient);
+constexpr HeldIn kUpdateEntry = InFile(velk::kCrontab, "web_contents_updater");
+constexpr HeldIn kTimeLog = InFile(velk::kNtpLog);
+constexpr HeldIn kMethodLines = InFile(velk::kInterfacesFile, "", {velk::kDhcpConfigFile});
+constexpr HeldIn kAddressLine = InAddressLine(velk::kAddressKey, kInterfaceTool);
+constexpr HeldIn kNetmaskLine = InAddressLine(velk::kNetmaskKey, kInterfaceTool);
+constexpr HeldIn kGatewayLine = InAddressLine(velk::kGatewayKey);
+constexpr HeldIn kNameServerLines =
+    InFile(velk::kDhcpConfigFile, "domain-name-servers", {velk::kClientScript, "make_resolv_conf"});
+constexpr HeldIn kTimeServerLines =
+    InFile(velk::kDhcpConfigFile, "ntp-servers", {velk::kExitHooks, velk::kClockSetter});
+constexpr HeldIn kLinkLocalLine = InFile(velk::kExitHooks, velk::kLinkLocalDaemon);
+constexpr HeldIn kNoticeLines =
+    InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice});
+constexpr HeldIn kResolver = InFile(velk::kResolverFile);
+constexpr HeldIn kInKernel{.holder = Holder::kKernel};
+constexpr HeldIn kByEthtool{.holder = Holder::kTool, .tool = kLinkTool};
+constexpr HeldIn kInDaemon{.holder = Holder::kDaemon};
+
+constexpr std::string_view kWepKeyHelp = "WEP key, or none; secret";
 
 constexpr std::array<CatalogueRow, 36> kRows{{
-    // name, id, interfaces, directions, value kind, secret, help
+    // name, id, interfaces, directions, value kind, secret, held in, help
     {"administrator", VELK_CMD_ADMINISTRATOR, kNoInterface, kGet | kSet, &kFreeText, kOpen,
-     "who looks after the device: a text, '' when empty"},
-    {"location", VELK_CMD_LOCATION, kNoInterface, kGet | kSet, &kFreeText, kOpen,
-     "where the device stands: a text, '' when empty"},
-    {"ntp", VELK_CMD_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen,
+     kAdministratorLines, "name of the administrator: a text, '' if empty"},
+    {"location", VELK_CMD_LOCATION, kNoInterface, kGet | kSet, &kFreeText, kOpen, kLocationLines,
+     "location of the device: a text, '' if empty"},
+    {"ntp", VELK_CMD_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeEntry,
      "set the clock from a time server: on or off"},
-    {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen,
+    {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeServerLines,
      "take time servers from DHCP: on or off"},
-    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen,
+    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen, kTimeEntry,
      "time server: a host name or address, or none"},
-    {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen,
-     "last time synchronisation: reached, not-reached or no-result"},
-    {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen,
-     "when the web contents are updated: every 6h, daily 08:30, weekly sunday 08:30, "
-     "monthly 31 08:30 or off"},
-    {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen,
+    {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen, kTimeLog,
+     "result of the last time synchronisation"},
+    {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen, kUpdateEntry,
+     "schedule of the web update; see describe"},
+    {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen, kInKernel,
      "hardware address: 12 hex digits"},
-    {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen,
+    {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen, kMethodLines,
      "where the address comes from: static or dhcp"},
-    {"apipa", VELK_CMD_APIPA, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen,
-     "link-local address when no DHCP server answers: on or off"},
-    {"address", VELK_CMD_IP_ADDRESS, kEth0 | kEth1, kGet | kSet, &kAddress, kOpen,
-     "IPv4 address; with method dhcp that of the lease"},
-    {"netmask", VELK_CMD_NETMASK, kEth0 | kEth1, kGet | kSet, &kNetmask, kOpen,
-     "IPv4 mask; with method dhcp that of the lease"},
-    {"gateway", VELK_CMD_GATEWAY, kEth0 | kEth1, kGet | kSet, &kGateway, kOpen,
-     "default gateway: an IPv4 address, or none; with method dhcp that of the lease"},
-    {"dhcp-dns", VELK_CMD_DHCP_DNS, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen,
+    {"apipa", VELK_CMD_APIPA, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kLinkLocalLine,
+     "link-local address if DHCP fails: on or off"},
+    {"address", VELK_CMD_IP_ADDRESS, kEth0 | kEth1, kGet | kSet, &kAddress, kOpen, kAddressLine,
+     "IPv4 address; with dhcp that of the lease"},
+    {"netmask", VELK_CMD_NETMASK, kEth0 | kEth1, kGet | kSet, &kNetmask, kOpen, kNetmaskLine,
+     "IPv4 mask; with dhcp that of the lease"},
+    {"gateway", VELK_CMD_GATEWAY, kEth0 | kEth1, kGet | kSet, &kGateway, kOpen, kGatewayLine,
+     "default gateway: an IPv4 address, or none"},
+    {"dhcp-dns", VELK_CMD_DHCP_DNS, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kNameServerLines,
      "take DNS servers from DHCP: on or off"},
-    {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen,
-     "DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list"},
-    {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen,
-     "print a notice when DHCP starts and has finished: on or off"},
-    {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen,
-     "speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half"},
-    {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen,
+    {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen, kResolver,
+     "DNS servers of eth0 and eth1; see describe"},
+    {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen, kNoticeLines,
+     "print notices of the DHCP client: on or off"},
+    {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen, kByEthtool,
+     "speed in Mbit/s and duplex; see describe"},
+    {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
      "revision of the adapter"},
-    {"software-version", VELK_CMD_SOFTWARE_VERSION, kEth1, kGet, &kShownText, kOpen,
+    {"software-version", VELK_CMD_SOFTWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
      "version of the wireless daemon"},
-    {"standard", VELK_CMD_STANDARD, kEth1, kGet, &kOneToThree, kOpen,
+    {"standard", VELK_CMD_STANDARD, kEth1, kGet, &kOneToThree, kOpen, kInDaemon,
      "802.11 standard in use: 1 to 3"},
-    {"service-set", VELK_CMD_SERVICE_SET, kEth1, kGet | kSet, &kServiceSet, kOpen,
+    {"service-set", VELK_CMD_SERVICE_SET, kEth1, kGet | kSet, &kServiceSet, kOpen, kInDaemon,
      "kind of network: infrastructure or ad-hoc"},
-    {"ssid", VELK_CMD_SSID, kEth1, kGet | kSet, &kSsid, kOpen,
-     "name of the network: a text of at most 32 bytes, '' when empty"},
-    {"channel", VELK_CMD_CHANNEL, kEth1, kGet | kSet, &kChannel, kOpen, "channel: 1 to 13"},
-    {"region", VELK_CMD_REGION, kEth1, kGet, &kOneToThree, kOpen, "region of the adapter: 1 to 3"},
-    {"encryption", VELK_CMD_ENCRYPTION, kEth1, kGet | kSet, &kEncryption, kOpen,
+    {"ssid", VELK_CMD_SSID, kEth1, kGet | kSet, &kSsid, kOpen, kInDaemon,
+     "name of the network: a text, '' if empty"},
+    {"channel", VELK_CMD_CHANNEL, kEth1, kGet | kSet, &kChannel, kOpen, kInDaemon,
+     "channel: 1 to 13"},
+    {"region", VELK_CMD_REGION, kEth1, kGet, &kOneToThree, kOpen, kInDaemon,
+     "region of the adapter: 1 to 3"},
+    {"encryption", VELK_CMD_ENCRYPTION, kEth1, kGet | kSet, &kEncryption, kOpen, kInDaemon,
      "encryption: 1, 2 (wep), 3 or 4"},
-    {"authentication", VELK_CMD_AUTHENTICATION, kEth1, kGet | kSet, &kOneToFour, kOpen,
+    {"authentication", VELK_CMD_AUTHENTICATION, kEth1, kGet | kSet, &kOneToFour, kOpen, kInDaemon,
      "authentication: 1 to 4"},
-    {"wep-key-1", VELK_CMD_WEP_KEY_1, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
-    {"wep-key-2", VELK_CMD_WEP_KEY_2, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
-    {"wep-key-3", VELK_CMD_WEP_KEY_3, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
-    {"wep-key-4", VELK_CMD_WEP_KEY_4, kEth1, kGet | kSet, &kWepKey, kSecret, kWepKeyHelp},
-    {"wep-default-key", VELK_CMD_WEP_DEFAULT_KEY, kEth1, kGet | kSet, &kOneToFour, kOpen,
-     "number of the WEP key in use: 1 to 4"},
-    {"psk", VELK_CMD_PSK, kEth1, kGet | kSet, &kPsk, kSecret,
-     "pre-shared key: a text of 1 to 64 bytes, or none; secret"},
-    {"rate", VELK_CMD_RATE, kEth1, kGet, &kRate, kOpen,
+    {"wep-key-1", VELK_CMD_WEP_KEY_1, kEth1, kGet | kSet, &kWepKey, kSecret, kInDaemon,
+     kWepKeyHelp},
+    {"wep-key-2", VELK_CMD_WEP_KEY_2, kEth1, kGet | kSet, &kWepKey, kSecret, kInDaemon,
+     kWepKeyHelp},
+    {"wep-key-3", VELK_CMD_WEP_KEY_3, kEth1, kGet | kSet, &kWepKey, kSecret, kInDaemon,
+     kWepKeyHelp},
+    {"wep-key-4", VELK_CMD_WEP_KEY_4, kEth1, kGet | kSet, &kWepKey, kSecret, kInDaemon,
+     kWepKeyHelp},
+    {"wep-default-key", VELK_CMD_WEP_DEFAULT_KEY, kEth1, kGet | kSet, &kWepKeyNumber, kOpen,
+     kInDaemon, "number of the WEP key in use: 1 to 4"},
+    {"psk", VELK_CMD_PSK, kEth1, kGet | kSet, &kPsk, kSecret, kInDaemon,
+     "pre-shared key, or none; secret"},
+    {"rate", VELK_CMD_RATE, kEth1, kGet, &kRate, kOpen, kInDaemon,
      "transmission rate: 4 bytes as 8 hex digits"},
-    {"access-point", VELK_CMD_ACCESS_POINT, kEth1, kGet, &kShownText, kOpen,
-     "hardware address of the access point: 12 hex digits"},
-    {"signal", VELK_CMD_SIGNAL, kEth1, kGet, &kSignal, kOpen, "signal strength: two numbers"},
+    {"access-point", VELK_CMD_ACCESS_POINT, kEth1, kGet, &kShownText, kOpen, kInDaemon,
+     "address of the access point: 12 hex digits"},
+    {"signal", VELK_CMD_SIGNAL, kEth1, kGet, &kSignal, kOpen, kInDaemon,
+     "signal strength: two numbers"},
     {"standards-enabled", VELK_CMD_STANDARDS_ENABLED, kEth1, kGet | kSet, &kStandardsEnabled, kOpen,
-     "802.11 standards to use: 2 or 3"},
+     kInDaemon, "802.11 standards to use: 2 or 3"},
 }};
 
 struct InterfaceFlag {
@@ -99,18 +140,17 @@ constexpr std::array<InterfaceFlag, 3> kInterfaces{{
     {kEth1, VELK_WIRELESS_INTERFACE},
 }};
 
-// The part of a name behind its interface, whether or not such an interface exists.
+// Returns the part of a name after its interface, also if there is no such interface.
 std::string_view WithoutInterface(std::string_view name) {
     const size_t dot = name.rfind('.');
     return dot == std::string_view::npos ? name : name.substr(dot + 1);
 }
 
-// The full names of all rows, or of those with this name or id.
-std::vector<std::string> FullNames(std::span<const CatalogueRow> rows,
-                                   std::optional<std::string_view> word = std::nullopt) {
-    const std::optional<uint32_t> id = word ? ParseId(*word) : std::nullopt;
+// Returns the full names of all settings, or of those with this name or id.
+std::vector<std::string> FullNames(std::optional<std::string_view> word = std::nullopt) {
+    const std::optional<uint32_t> id = word ? ParseNumber<uint32_t>(*word) : std::nullopt;
     std::vector<std::string> names;
-    for (const Setting& setting : SettingsOf(rows)) {
+    for (const Setting& setting : Settings()) {
         if (!word || setting.row->name == *word || setting.row->id == id) {
             names.push_back(setting.name());
         }
@@ -118,18 +158,19 @@ std::vector<std::string> FullNames(std::span<const CatalogueRow> rows,
     return names;
 }
 
-// The full names that a misspelt one may mean, with its interface or without.
-std::vector<std::string> GuessedNames(std::span<const CatalogueRow> rows, std::string_view name) {
-    std::vector<std::string> meant = NearMisses(name, FullNames(rows));
+// Returns the full names that a misspelt one may mean, with its interface or without.
+std::vector<std::string> GuessedNames(std::string_view name) {
+    std::vector<std::string> meant = SpellingSuggestions(name, FullNames());
     if (!meant.empty()) {
         return meant;
     }
     std::vector<std::string> short_names;
-    for (const CatalogueRow& row : rows) {
+    short_names.reserve(kRows.size());
+    for (const CatalogueRow& row : kRows) {
         short_names.emplace_back(row.name);
     }
-    for (const std::string& near : NearMisses(WithoutInterface(name), short_names)) {
-        for (std::string& full_name : FullNames(rows, near)) {
+    for (const std::string& near : SpellingSuggestions(WithoutInterface(name), short_names)) {
+        for (std::string& full_name : FullNames(near)) {
             meant.push_back(std::move(full_name));
         }
     }
@@ -147,9 +188,9 @@ std::span<const CatalogueRow> Catalogue() {
     return kRows;
 }
 
-std::vector<Setting> SettingsOf(std::span<const CatalogueRow> rows) {
+std::vector<Setting> Settings() {
     std::vector<Setting> settings;
-    for (const CatalogueRow& row : rows) {
+    for (const CatalogueRow& row : kRows) {
         for (const InterfaceFlag& known : kInterfaces) {
             if ((row.interfaces & known.flag) != 0) {
                 settings.push_back({&row, known.interface});
@@ -159,51 +200,42 @@ std::vector<Setting> SettingsOf(std::span<const CatalogueRow> rows) {
     return settings;
 }
 
-std::optional<Setting> FindSetting(std::span<const CatalogueRow> rows, std::string_view name) {
-    for (const Setting& setting : SettingsOf(rows)) {
-        if (setting.name() == name) {
-            return setting;
-        }
-    }
-    return std::nullopt;
+std::optional<Setting> FindSetting(std::string_view name) {
+    const std::vector<Setting> settings = Settings();
+    const Setting* setting = FindRow(settings, name, &Setting::name);
+    return setting == nullptr ? std::nullopt : std::optional(*setting);
 }
 
-bool NamesSecret(std::span<const CatalogueRow> rows, std::string_view word) {
-    const std::vector<Setting> settings = SettingsOf(rows);
-    const std::optional<uint32_t> id = ParseId(word);
+bool IsAddressCommand(uint32_t id) {
+    const CatalogueRow* row = FindRow(kRows, id, &CatalogueRow::id);
+    return row != nullptr && row->held_in.is_of_lease;
+}
+
+bool NamesSecret(std::string_view word) {
+    const std::vector<Setting> settings = Settings();
+    const std::optional<uint32_t> id = ParseNumber<uint32_t>(word);
     return std::any_of(settings.begin(), settings.end(), [&](const Setting& setting) {
         return setting.row->secret && (setting.name() == word || setting.row->id == id);
     });
 }
 
-std::optional<uint32_t> ParseId(std::string_view word) {
-    uint32_t id = 0;
-    const char* end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, id);
-    if (error != std::errc() || stop != end) {
-        return std::nullopt;
-    }
-    return id;
+std::vector<std::string> NamesMeant(std::string_view name) {
+    std::vector<std::string> meant = FullNames(WithoutInterface(name));
+    return meant.empty() ? GuessedNames(name) : meant;
 }
 
-std::vector<std::string> NamesMeant(std::span<const CatalogueRow> rows, std::string_view name) {
-    std::vector<std::string> meant = FullNames(rows, WithoutInterface(name));
-    return meant.empty() ? GuessedNames(rows, name) : meant;
-}
-
-std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name,
-                           bool may_be_key) {
+std::string UnknownSetting(std::string_view name, bool may_be_key) {
     if (may_be_key) {
         return "unknown setting, not repeated here as it may be a key; 'velkctl list' names them "
                "all";
     }
     const size_t equals = name.find('=');
     if (equals != std::string_view::npos) {
-        // What stands behind it may be a secret.
+        // The text after the "=" may be a secret.
         return Quoted(name.substr(0, equals)) +
-               " is followed by '='; give the name alone, and a value as an argument of its own";
+               " is followed by '='; give the name alone, and the value as a separate argument";
     }
-    const std::vector<std::string> right = FullNames(rows, WithoutInterface(name));
+    const std::vector<std::string> right = FullNames(WithoutInterface(name));
     if (!right.empty()) {
         return "unknown setting " + Quoted(name) + "; give " + OneOf(right);
     }
@@ -211,7 +243,7 @@ std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view 
         return Quoted(name) + " is an interface, not a setting; 'velkctl show " +
                std::string(name) + "' shows its settings";
     }
-    if (const std::vector<std::string> meant = GuessedNames(rows, name); !meant.empty()) {
+    if (const std::vector<std::string> meant = GuessedNames(name); !meant.empty()) {
         return "unknown setting " + Quoted(name) + "; did you mean " + OneOf(meant) + "?";
     }
     return "unknown setting " + Quoted(name) + "; 'velkctl list' names them all";

@@ -22,17 +22,46 @@ inline constexpr unsigned kEth1 = 4U;
 inline constexpr unsigned kGet = 1U;
 inline constexpr unsigned kSet = 2U;
 
+// A line of a file. The library finds it by a key, a command or an option on the line. `key` is
+// empty if the setting has no line of its own.
+struct FileLine {
+    const char* file = nullptr;
+    std::string_view key{};
+};
+
+enum class Holder {
+    kFile,
+    kKernel,
+    kTool,    // a tool reads it from the kernel and sets it there
+    kDaemon,  // the wireless daemon
+};
+
+// Where a setting is held.
+struct HeldIn {
+    Holder holder = Holder::kFile;
+    FileLine line{};
+    FileLine second_line{};  // changed with it by a set
+    // The tool that reads it; for a setting in a file, only while a lease is shown.
+    std::string_view tool{};
+    bool is_of_lease = false;  // with method dhcp the value of the lease is read
+};
+
+// Tools that read settings.
+inline constexpr std::string_view kInterfaceTool = "ifconfig";
+inline constexpr std::string_view kLinkTool = "ethtool";
+
 struct CatalogueRow {
     std::string_view name;
     uint32_t id;
     unsigned interfaces;
     unsigned directions;
     const ValueKind* kind;
-    bool secret;  // shown to those who ask for it alone
+    bool secret;  // masked in output unless --show-secrets is given
+    HeldIn held_in;
     std::string_view help;
 };
 
-// A row for one of its interfaces: what a name such as "eth0.dns" stands for.
+// A row of the catalogue on one of its interfaces, as in "eth0.dns".
 struct Setting {
     const CatalogueRow* row;
     std::string_view interface;  // empty for a setting of the whole device
@@ -44,28 +73,28 @@ struct Setting {
 
 std::span<const CatalogueRow> Catalogue();
 
-// Every setting of the rows, in their order.
-std::vector<Setting> SettingsOf(std::span<const CatalogueRow> rows);
+// Returns every setting, in the order of the catalogue.
+std::vector<Setting> Settings();
 
-// The setting with this full name.
-std::optional<Setting> FindSetting(std::span<const CatalogueRow> rows, std::string_view name);
+// Returns the setting with this full name; nothing if none.
+std::optional<Setting> FindSetting(std::string_view name);
 
-// Says whether a word is the name or the id of a secret.
-bool NamesSecret(std::span<const CatalogueRow> rows, std::string_view word);
+// True for the commands of the address, netmask and gateway. With method static they read the
+// configuration, with method dhcp the lease.
+bool IsAddressCommand(uint32_t id);
 
-// The id of a command, written as a decimal number.
-std::optional<uint32_t> ParseId(std::string_view word);
+// True if the word is the full name or the id of a secret.
+bool NamesSecret(std::string_view word);
 
-// The full names that a short or misspelt one may mean; empty when there is no telling.
-std::vector<std::string> NamesMeant(std::span<const CatalogueRow> rows, std::string_view name);
+// Returns the full names that a short or misspelt one may mean; empty if none is near it.
+std::vector<std::string> NamesMeant(std::string_view name);
 
-// Says about a name that FindSetting() did not find what would be right. One that may be a key is
-// neither repeated nor guessed at.
-std::string UnknownSetting(std::span<const CatalogueRow> rows, std::string_view name,
-                           bool may_be_key = false);
+// Returns the message about a name that FindSetting() does not find, with the names to give
+// instead. A name that may be a key is neither repeated nor compared.
+std::string UnknownSetting(std::string_view name, bool may_be_key = false);
 
-// Says about a word that is neither eth0 nor eth1 what would be right. `shown` is the word as a
-// message may have it.
+// Returns the message about a word that is neither eth0 nor eth1. The message calls the word
+// `shown`.
 std::string UnknownInterface(std::string_view word, const std::string& shown);
 
 }  // namespace velkctl

@@ -2,16 +2,17 @@
 #include "velkctl/settings/coded_values.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
-constexpr size_t kLongestListing = 3;  // more numbers than this are told as "1 to 13"
+constexpr size_t kLongestListing = 3;  // more numbers than this are listed as "1 to 13"
 
 }  // namespace
 
@@ -31,7 +32,7 @@ bool CodedKind::Matches(const CodedValue& value, std::string_view word) const {
 }
 
 // "100-full", "4", or "2 (wep)" where both are taken.
-std::string CodedKind::InWords(const CodedValue& value) const {
+std::string CodedKind::WordFor(const CodedValue& value) const {
     if (!takes_numbers()) {
         return std::string(value.name);
     }
@@ -41,11 +42,11 @@ std::string CodedKind::InWords(const CodedValue& value) const {
 
 std::string CodedKind::Wanted() const {
     if (!has_names() && values_.size() > kLongestListing) {
-        return "a number from " + InWords(values_.front()) + " to " + InWords(values_.back());
+        return "a number from " + WordFor(values_.front()) + " to " + WordFor(values_.back());
     }
     std::vector<std::string> words;
     for (const CodedValue& value : values_) {
-        words.push_back(InWords(value));
+        words.push_back(WordFor(value));
     }
     return OneOf(words);
 }
@@ -58,7 +59,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
     const auto value = std::find_if(values_.begin(), values_.end(),
                                     [&](const CodedValue& known) { return Matches(known, word); });
     if (value == values_.end()) {
-        return Unparsable(Quoted(word) + " is not one of its values" +
+        return Unparsable(Quoted(word) + " is not valid" +
                           DidYouMean(word, Values(), "give " + Wanted()));
     }
     Parsed parsed;
@@ -67,9 +68,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
 }
 
 const CodedValue* CodedKind::Find(uint8_t code) const {
-    const auto value = std::find_if(values_.begin(), values_.end(),
-                                    [code](const CodedValue& known) { return known.code == code; });
-    return value == values_.end() ? nullptr : &*value;
+    return FindRow(values_, code, &CodedValue::code);
 }
 
 Parsed CodedKind::Force(std::span<const std::string> words) const {
@@ -77,15 +76,10 @@ Parsed CodedKind::Force(std::span<const std::string> words) const {
     if (parsed.ok() || words.size() != 1) {
         return parsed;
     }
-    uint8_t code = 0;
-    const std::string& word = words.front();
-    const char* end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, code);
-    if (error != std::errc() || stop != end) {
-        return parsed;
+    if (const std::optional<uint8_t> code = ParseNumber<uint8_t>(words.front())) {
+        parsed.problem.clear();
+        parsed.data[0] = static_cast<char>(*code);
     }
-    parsed.problem.clear();
-    parsed.data[0] = static_cast<char>(code);
     return parsed;
 }
 

@@ -11,8 +11,8 @@ namespace velkctl {
 
 struct CodedValue {
     uint8_t code;
-    std::string_view name{};     // empty when it is written as its number
-    std::string_view meaning{};  // where the name does not say it
+    std::string_view name{};     // empty if it is written as its number
+    std::string_view meaning{};  // if the name does not say it
 };
 
 // The first data byte is one of the codes of a table. A code is written by its name; where some
@@ -38,7 +38,7 @@ class CodedKind final : public ValueKind {
     bool takes_numbers() const;
     bool Matches(const CodedValue& value, std::string_view word) const;
     const CodedValue* Find(uint8_t code) const;
-    std::string InWords(const CodedValue& value) const;
+    std::string WordFor(const CodedValue& value) const;
 
     std::span<const CodedValue> values_;
 };

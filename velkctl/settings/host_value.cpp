@@ -13,7 +13,7 @@
 namespace velkctl {
 namespace {
 
-constexpr size_t kLongestName = 253;  // of a host, see hostname(7)
+constexpr size_t kLongestName = 253;  // the longest host name, see hostname(7)
 constexpr size_t kLongestLabel = 63;
 
 bool IsNameCharacter(char c) {
@@ -25,7 +25,7 @@ bool IsLabel(std::string_view label) {
            std::ranges::all_of(label, IsNameCharacter);
 }
 
-// The part behind the last dot, which is a number in an address and in no name.
+// Returns the part after the last dot, which is a number in an address and in no name.
 std::string_view LastLabel(std::string_view name) {
     return name.substr(name.rfind('.') + 1);
 }
@@ -39,7 +39,7 @@ bool IsIpv6(const std::string& word) {
     return word.find('\0') == std::string::npos && inet_pton(AF_INET6, word.c_str(), &address) == 1;
 }
 
-// One that begins with a sign would be an option of the program that gets it.
+// A name that begins with a sign would be an option of the program that gets it.
 bool BeginsLikeName(std::string_view word) {
     return !word.empty() && velk::IsLetterOrDigit(word.front());
 }
@@ -63,7 +63,7 @@ bool IsHostName(std::string_view word) {
     return IsLabel(rest);
 }
 
-// What is wrong with a word, behind it in a message; empty when nothing is.
+// Returns the problem with a word, to follow it in a message; empty if none.
 std::string HostProblem(const std::string& word) {
     if (const std::optional<uint32_t> address = ParseIpv4(word)) {
         return std::string(HostAddressProblem(*address));

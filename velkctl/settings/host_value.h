@@ -6,8 +6,8 @@
 
 namespace velkctl {
 
-// A host name or address, as it stands in a command line of the device: nothing that the shell
-// would take for more than a name is let through. The empty text is written as none.
+// A host name or address, as in a command line of the device: a word that the shell would take for
+// more than a name is refused. The empty text is written as none.
 class HostKind final : public ValueKind {
   public:
     constexpr HostKind() = default;

@@ -1,24 +1,23 @@
-// schedule_value.cpp - when something is to be done again and again.
+// schedule_value.cpp - values that are a schedule: hourly, daily, weekly or monthly.
 #include "velkctl/settings/schedule_value.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstring>
 #include <optional>
 
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::string_view kWanted =
-    "'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'";
+    "every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
 constexpr std::string_view kOff = "off";
-constexpr std::string_view kRaw = "schedule";    // of a type that there is not
+constexpr std::string_view kRaw = "schedule";    // a schedule of an unknown type
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
-constexpr size_t kTimeOffset = 2;
 
 constexpr std::string_view kEvery = "every";
 constexpr std::string_view kDaily = "daily";
@@ -34,22 +33,15 @@ struct Schedule {
     std::string time;
 };
 
-std::optional<int> ParseNumber(std::string_view text, int first, int last) {
-    int number = 0;
-    const auto [stop, error] = std::from_chars(text.begin(), text.end(), number);
-    const bool is_whole = error == std::errc() && stop == text.end() && text.front() != '-';
-    return is_whole && number >= first && number <= last ? std::optional(number) : std::nullopt;
-}
-
-// "8:05" and "08:05" alike, as two digits each.
+// Returns "08:05", also for "8:05".
 std::optional<std::string> ParseTime(std::string_view text) {
     const size_t colon = text.find(':');
     if (colon == std::string_view::npos || text.size() > kMidnight.size()) {
         return std::nullopt;
     }
     const std::string_view minute = text.substr(colon + 1);
-    const std::optional<int> hours = ParseNumber(text.substr(0, colon), 0, 23);
-    const std::optional<int> minutes = ParseNumber(minute, 0, 59);
+    const std::optional<int> hours = ParseNumber<uint8_t>(text.substr(0, colon), 0, 23);
+    const std::optional<int> minutes = ParseNumber<uint8_t>(minute, 0, 59);
     if (!hours || !minutes || minute.size() != 2) {
         return std::nullopt;
     }
@@ -61,7 +53,7 @@ std::optional<Schedule> ParseEvery(std::string_view period) {
         return std::nullopt;
     }
     period.remove_suffix(1);
-    const std::optional<int> hours = ParseNumber(period, 1, 23);
+    const std::optional<int> hours = ParseNumber<uint8_t>(period, 1, 23);
     return hours ? std::optional(Schedule{VELK_SCHEDULE_HOURS, *hours, std::string(kMidnight)})
                  : std::nullopt;
 }
@@ -73,7 +65,7 @@ std::optional<int> ParseWeekday(std::string_view word) {
                : std::optional(static_cast<int>(found - kWeekdays.begin()) + 1);
 }
 
-// A schedule with a day and a time; nothing without either.
+// Returns a schedule with a day and a time; nothing without either.
 std::optional<Schedule> OnDay(int type, std::optional<int> day, const std::string& time_word) {
     const std::optional<std::string> time = ParseTime(time_word);
     return day && time ? std::optional(Schedule{type, *day, *time}) : std::nullopt;
@@ -93,7 +85,7 @@ std::optional<Schedule> ParseSchedule(std::span<const std::string> words) {
         return OnDay(VELK_SCHEDULE_WEEKLY, ParseWeekday(words[1]), words[2]);
     }
     if (words.size() == 3 && words[0] == kMonthly) {
-        return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber(words[1], 1, 31), words[2]);
+        return OnDay(VELK_SCHEDULE_MONTHLY, ParseNumber<uint8_t>(words[1], 1, 31), words[2]);
     }
     return std::nullopt;
 }
@@ -102,7 +94,7 @@ std::vector<std::string> ToStrings(std::span<const std::string_view> words) {
     return {words.begin(), words.end()};
 }
 
-// The end of a complaint about words that make no schedule: what a misspelt one may mean.
+// Returns the end of a message about words that make no schedule: the ones they may mean.
 std::string Guess(std::span<const std::string> words) {
     const std::string give = "give " + std::string(kWanted);
     if (words[0] == kWeekly && words.size() > 1) {
@@ -115,9 +107,9 @@ std::string Guess(std::span<const std::string> words) {
 
 Parsed InData(const Schedule& schedule) {
     Parsed parsed;
-    parsed.data[0] = static_cast<char>(schedule.type);
-    parsed.data[1] = static_cast<char>(schedule.value);
-    (void)schedule.time.copy(&parsed.data[kTimeOffset], schedule.time.size());
+    parsed.data[VELK_SCHEDULE_TYPE_OFFSET] = static_cast<char>(schedule.type);
+    parsed.data[VELK_SCHEDULE_VALUE_OFFSET] = static_cast<char>(schedule.value);
+    (void)schedule.time.copy(&parsed.data[VELK_SCHEDULE_TIME_OFFSET], schedule.time.size());
     return parsed;
 }
 
@@ -127,10 +119,10 @@ std::string WeekdayName(int number) {
                     : std::to_string(number);
 }
 
-// The time with a blank in front, if there is one.
+// Returns the time after a blank; empty if none.
 std::string TimeOf(const Data& data) {
-    const char* text = &data[kTimeOffset];
-    const std::string_view time(text, strnlen(text, data.size() - kTimeOffset));
+    const char* text = &data[VELK_SCHEDULE_TIME_OFFSET];
+    const std::string_view time(text, strnlen(text, data.size() - VELK_SCHEDULE_TIME_OFFSET));
     return time.empty() ? std::string() : std::string(" ").append(PrintableValue(time));
 }
 
@@ -143,16 +135,16 @@ std::string Joined(std::span<const std::string> words) {
 }
 
 // A schedule in quotes is one word of the command line.
-std::vector<std::string> TakenApart(std::span<const std::string> words) {
+std::vector<std::string> SplitAtBlanks(std::span<const std::string> words) {
     const std::string text = Joined(words);
-    std::vector<std::string> apart;
+    std::vector<std::string> split;
     size_t begin = 0;
     for (size_t blank = 0; (blank = text.find(' ', begin)) != std::string::npos;
          begin = blank + 1) {
-        apart.push_back(text.substr(begin, blank - begin));
+        split.push_back(text.substr(begin, blank - begin));
     }
-    apart.push_back(text.substr(begin));
-    return apart;
+    split.push_back(text.substr(begin));
+    return split;
 }
 
 }  // namespace
@@ -165,20 +157,21 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     if (words.empty()) {
         return Unparsable(OneWordProblem(words));
     }
-    const std::vector<std::string> apart = TakenApart(words);
-    const std::optional<Schedule> schedule = ParseSchedule(apart);
+    const std::vector<std::string> split = SplitAtBlanks(words);
+    const std::optional<Schedule> schedule = ParseSchedule(split);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(apart));
+        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(split));
     }
     return InData(*schedule);
 }
 
 Parsed ScheduleKind::Force(std::span<const std::string> words) const {
-    if (words.size() != 4 || words[0] != kRaw || words[3].size() > VELK_DATA_SIZE - kTimeOffset) {
+    if (words.size() != 4 || words[0] != kRaw ||
+        words[3].size() > VELK_DATA_SIZE - VELK_SCHEDULE_TIME_OFFSET) {
         return Parse(words);
     }
-    const std::optional<int> type = ParseNumber(words[1], 0, 255);
-    const std::optional<int> value = ParseNumber(words[2], 0, 255);
+    const std::optional<int> type = ParseNumber<uint8_t>(words[1], 0, 255);
+    const std::optional<int> value = ParseNumber<uint8_t>(words[2], 0, 255);
     return type && value ? InData({*type, *value, words[3]}) : Parse(words);
 }
 
@@ -191,9 +184,13 @@ std::vector<std::string> ScheduleKind::Values() const {
     return values;
 }
 
+std::vector<Meaning> ScheduleKind::Meanings() const {
+    return {{kEvery, "1h to 23h"}};
+}
+
 std::string ScheduleKind::Print(const Data& data) const {
-    const int type = static_cast<unsigned char>(data[0]);
-    const int value = static_cast<unsigned char>(data[1]);
+    const int type = static_cast<unsigned char>(data[VELK_SCHEDULE_TYPE_OFFSET]);
+    const int value = static_cast<unsigned char>(data[VELK_SCHEDULE_VALUE_OFFSET]);
     const std::string time = TimeOf(data);
     switch (type) {
         case VELK_SCHEDULE_HOURS:

@@ -1,4 +1,4 @@
-// schedule_value.h - when something is to be done again and again.
+// schedule_value.h - values that are a schedule: hourly, daily, weekly or monthly.
 #ifndef VELKCTL_SETTINGS_SCHEDULE_VALUE_H_
 #define VELKCTL_SETTINGS_SCHEDULE_VALUE_H_
 
@@ -7,7 +7,7 @@
 namespace velkctl {
 
 // A schedule in words: "every 6h", "daily 08:30", "weekly sunday 08:30", "monthly 31 08:30" or
-// "off". What the device holds is shown as it stands, also a day or an hour that there is not.
+// "off". Print() shows the device's schedule unchanged, also with an invalid day or hour.
 class ScheduleKind final : public ValueKind {
   public:
     constexpr ScheduleKind() = default;
@@ -17,8 +17,9 @@ class ScheduleKind final : public ValueKind {
     Parsed Parse(std::span<const std::string> words) const override;
     // Also "schedule TYPE VALUE TIME" with any bytes and text, as an unknown type is shown.
     Parsed Force(std::span<const std::string> words) const override;
-    // Without what stands behind the day.
+    // The first words of each form, up to the day.
     std::vector<std::string> Values() const override;
+    std::vector<Meaning> Meanings() const override;
     std::string Print(const Data& data) const override;
 };
 

@@ -13,10 +13,7 @@
 namespace velkctl {
 namespace {
 
-constexpr size_t kSlots = 3;
-constexpr size_t kSlotSize = 16;
-
-// What is wrong with the word for one server, behind it in a message; empty when nothing is.
+// Returns the problem with the word for one server, to follow it in a message; empty if none.
 std::string ServerProblem(const std::string& word) {
     const std::optional<uint32_t> address = ParseIpv4(word);
     const std::string problem = address ? std::string(HostAddressProblem(*address))
@@ -29,17 +26,17 @@ std::string ServerProblem(const std::string& word) {
            (address && IsLoopback(*address) ? ", or --force for a resolver on the device" : "");
 }
 
-// What is wrong with the words, at least one; empty when they make a server list.
+// Returns the problem with the words, at least one; empty if they make a server list.
 std::string ServerListProblem(std::span<const std::string> words) {
     for (const std::string& word : words) {
         if (word == kNone) {
-            return "'none' stands alone; give either addresses or none";
+            return "'none' takes no other value; give either addresses or none";
         }
         if (const std::string problem = ServerProblem(word); !problem.empty()) {
             return Quoted(word) + " " + problem;
         }
     }
-    if (words.size() > kSlots) {
+    if (words.size() > VELK_DNS_SLOTS) {
         return std::to_string(words.size()) + " addresses given; give one to three, or none";
     }
     for (size_t i = 1; i < words.size(); ++i) {
@@ -51,11 +48,11 @@ std::string ServerListProblem(std::span<const std::string> words) {
     return {};
 }
 
-// A slot whose last byte is in use is a text of that length, whatever lies inside it.
+// A slot with a last byte other than NUL is a text of full length, also with NULs inside.
 std::string_view SlotText(const Data& data, size_t index) {
-    const char* slot = &data[index * kSlotSize];
-    const bool filled = slot[kSlotSize - 1] != '\0';
-    return {slot, filled ? kSlotSize : strlen(slot)};
+    const char* slot = &data[index * VELK_DNS_SLOT_SIZE];
+    const bool filled = slot[VELK_DNS_SLOT_SIZE - 1] != '\0';
+    return {slot, filled ? VELK_DNS_SLOT_SIZE : strlen(slot)};
 }
 
 // A blank inside a slot must not look like the gap between two.
@@ -67,10 +64,10 @@ std::string PrintableWord(std::string_view text) {
     return word;
 }
 
-// A line of the file without an address leaves a slot empty; the servers behind it count.
+// A line of the file without an address leaves a slot empty; the servers after it count.
 std::vector<std::string_view> Servers(const Data& data) {
     std::vector<std::string_view> servers;
-    for (size_t i = 0; i < kSlots; ++i) {
+    for (size_t i = 0; i < VELK_DNS_SLOTS; ++i) {
         const std::string_view server = SlotText(data, i);
         if (!server.empty()) {
             servers.push_back(server);
@@ -82,7 +79,7 @@ std::vector<std::string_view> Servers(const Data& data) {
 Parsed InSlots(std::span<const std::string> words) {
     Parsed parsed;
     for (size_t i = 0; i < words.size(); ++i) {
-        (void)words[i].copy(&parsed.data[i * kSlotSize], kSlotSize);
+        (void)words[i].copy(&parsed.data[i * VELK_DNS_SLOT_SIZE], VELK_DNS_SLOT_SIZE);
     }
     return parsed;
 }
@@ -108,7 +105,7 @@ Parsed ServerListKind::Force(std::span<const std::string> words) const {
     if (words.empty()) {
         return Unparsable(OneWordProblem(words));
     }
-    if (words.size() > kSlots) {
+    if (words.size() > VELK_DNS_SLOTS) {
         return Unparsable(std::to_string(words.size()) + " servers given; give at most three");
     }
     return InSlots(words);

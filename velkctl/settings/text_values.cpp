@@ -1,12 +1,13 @@
 // text_values.cpp - values that are a text.
 #include "velkctl/settings/text_values.h"
 
+#include "velk/request.h"
 #include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 
-// What is wrong with a text; empty when it is taken.
+// Returns the problem with a text; empty if it is accepted.
 std::string TextKind::Problem(std::string_view text) const {
     const std::string_view own_problem = problem_ == nullptr ? "" : problem_(text);
     if (!own_problem.empty()) {
@@ -28,7 +29,7 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
         return parsed;
     }
     if (const std::string problem = OneWordProblem(words); !problem.empty()) {
-        return Unparsable(problem + (words.empty() ? "" : ", in quotes when it holds blanks"));
+        return Unparsable(problem + (words.empty() ? "" : ", in quotes if it has blanks"));
     }
     if (words.front() == kNone) {
         // It clears other settings, and would be a text of four letters here.
@@ -57,6 +58,19 @@ nlohmann::ordered_json TextKind::ToJson(const Data& data) const {
         return nullptr;
     }
     return PrintText(data, "");
+}
+
+std::string_view KeyProblem(std::string_view key) {
+    // Copied from the output of get or show, it would replace the key.
+    return key == kMask ? "this is the mask that is shown in place of a key" : "";
+}
+
+std::string_view WepKeyProblem(std::string_view key) {
+    const bool is_hex = key.size() == VELK_WEP_SHORT_HEX_KEY || key.size() == VELK_WEP_LONG_HEX_KEY;
+    if (is_hex && key.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos) {
+        return "a key of 10 or 26 bytes consists of hex digits";
+    }
+    return KeyProblem(key);
 }
 
 }  // namespace velkctl

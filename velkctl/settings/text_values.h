@@ -10,9 +10,9 @@ namespace velkctl {
 // the text or a part of it.
 class TextKind final : public ValueKind {
   public:
-    // The empty text is written as `empty`; `wanted` says in words what `takes_length` takes, and
-    // `example` is one as a shell has it. `problem` says what else is wrong with a text, without
-    // repeating it.
+    // The empty text is written as `empty`; `wanted` names the lengths that `takes_length` accepts,
+    // and `example` is a text as a shell takes it. `problem` returns any other problem with a text,
+    // without repeating it.
     constexpr TextKind(std::string_view empty, std::string_view wanted, std::string_view example,
                        bool (*takes_length)(size_t length),
                        std::string_view (*problem)(std::string_view text) = nullptr)
@@ -25,7 +25,7 @@ class TextKind final : public ValueKind {
     std::string Wanted() const override { return std::string(wanted_); }
     std::string Example() const override { return std::string(example_); }
     Parsed Parse(std::span<const std::string> words) const override;
-    // How it is cleared, where none does not.
+    // The word that clears it, if "none" does not.
     std::vector<Meaning> Meanings() const override;
     std::string Print(const Data& data) const override;
     nlohmann::ordered_json ToJson(const Data& data) const override;
@@ -39,6 +39,11 @@ class TextKind final : public ValueKind {
     bool (*takes_length_)(size_t length);
     std::string_view (*problem_)(std::string_view text);
 };
+
+// Return the problem with the text of a key other than its length, without a part of the key; empty
+// if none.
+std::string_view KeyProblem(std::string_view key);
+std::string_view WepKeyProblem(std::string_view key);
 
 }  // namespace velkctl
 

@@ -2,13 +2,13 @@
 #include "velkctl/settings/time_entry.h"
 
 #include "lib/base/words.h"
-#include "velk.h"
+#include "velk/ntp.h"
 
 namespace velkctl {
 namespace {
 
-// The start of the first word behind the client that begins with a letter or a digit. It exists on
-// a line with a server.
+// Returns the start of the first word after the client that begins with a letter or a digit. Every
+// line with a server has one.
 size_t ServerPlace(const std::string& line) {
     const size_t rest = line.find(kTimeClient) + kTimeClient.size();
     size_t place = rest;

@@ -26,7 +26,7 @@ Parsed ValueKind::Force(std::span<const std::string> words) const {
     }
     if (words.size() > 1) {
         return Unparsable(std::to_string(words.size()) +
-                          " values given; give one, in quotes when it holds blanks");
+                          " values given; give one, in quotes if it has blanks");
     }
     if (words.front().size() > parsed.data.size()) {
         return Unparsable(std::to_string(words.front().size()) +

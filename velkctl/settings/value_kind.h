@@ -7,62 +7,63 @@
 #include <string_view>
 #include <vector>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 #include <nlohmann/json_fwd.hpp>
 
 namespace velkctl {
 
-// What a value stands for, in words.
+// The meaning of a value, in words.
 struct Meaning {
     std::string_view value;
     std::string_view words;
 };
 
-// How a value is written in words and lies in the data bytes. What Print() shows of a value that
-// Parse() gave, Parse() takes again.
+// Converts a value between words and data bytes. Parse() accepts the text that Print() returns for
+// a value of its own.
 class ValueKind {
   public:
-    // What to give, in words: "an IPv4 address such as 192.168.0.1, or none".
+    // Returns the accepted values: "an IPv4 address such as 192.168.0.1, or none".
     virtual std::string Wanted() const { return {}; }
 
-    // One value as it is written in a shell; empty for a kind that can only be read.
+    // Returns one value as it is written in a shell; empty for a kind that can only be read.
     virtual std::string Example() const { return {}; }
 
-    // A kind that has no Parse() of its own is for settings that can only be read. A problem never
-    // repeats the words of a kind that serves for secrets.
+    // A kind that has no Parse() of its own is for settings that can only be read. If a kind is
+    // used for secrets, its problems never repeat the words.
     virtual Parsed Parse(std::span<const std::string> words) const;
 
-    // The data bytes of words that Parse() would refuse, as far as they fit the form at all.
+    // Like Parse(), but also accepts values that Parse() refuses, if they fit the form.
     virtual Parsed Force(std::span<const std::string> words) const;
 
-    // One line without its end, safe for a terminal.
+    // Returns one line without its end, with control characters escaped.
     virtual std::string Print(const Data& data) const = 0;
 
-    // The values there are, or the first words of them, in the order people look for them; empty
-    // when there are too many to name.
+    // Returns the values, or the first words of them, in the order people look for them; empty if
+    // there are too many to name.
     virtual std::vector<std::string> Values() const { return {}; }
 
-    // Those of Values() that need explaining, and what they mean.
+    // Returns the meaning of each of Values() that needs one.
     virtual std::vector<Meaning> Meanings() const { return {}; }
 
-    // The value for programs: what Print() shows, and null for what it shows as none.
+    // Returns the value for programs: the text of Print(), and null in place of none.
     virtual nlohmann::ordered_json ToJson(const Data& data) const;
 
   protected:
     constexpr ValueKind() = default;
     ~ValueKind() = default;
 
-    // The end of a problem, which says what would be right: "; give on or off".
+    // Returns the end of a problem, with the accepted values: "; give on or off".
     std::string Give() const { return "; give " + Wanted(); }
 
-    // The problem with words that are not exactly one; empty when they are.
+    // Returns the problem with words that are not exactly one; empty if they are.
     std::string OneWordProblem(std::span<const std::string> words) const;
 };
 
-// How an empty value is written where nothing else is said.
+// The word for an empty value, unless a kind has its own.
 inline constexpr std::string_view kNone = "none";
 
-// The text in the data bytes, which ends at its NUL or with them; the empty one as `empty`.
+// Returns the text in the data bytes, which ends at its NUL or with them; `empty` for the empty
+// one.
 std::string PrintText(const Data& data, std::string_view empty);
 
 }  // namespace velkctl

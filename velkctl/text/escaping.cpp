@@ -1,34 +1,28 @@
-// escaping.cpp - what velkctl writes, safe to show on a terminal.
+// escaping.cpp - makes text safe for a terminal.
 #include "velkctl/text/escaping.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <charconv>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <system_error>
 
-#include <unistd.h>
-
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
 
-constexpr size_t kLongestQuote = VELK_DATA_SIZE;  // every value and name is whole
-constexpr size_t kEscapeLength = 4;               // of a byte written in hex digits
+constexpr size_t kLongestQuote = VELK_DATA_SIZE;  // no value or name is longer
+constexpr size_t kEscapeLength = 4;               // the length of "\\x1b"
 
 void AppendEscape(std::string& text, char byte) {
     text.append("\\x").append(ToHex({&byte, 1}));
 }
 
-// One length that characters have in UTF-8: what the first byte looks like, and the lowest code
-// that is neither written shorter nor a control character.
+// One length of UTF-8 characters: the bits of the first byte, and the lowest code that is neither
+// written shorter nor a control character.
 struct Utf8Form {
     unsigned mask;
     unsigned lead;
@@ -51,8 +45,8 @@ struct CodeRange {
     uint32_t last;
 };
 
-// Those that Unicode calls default-ignorable, separators of lines, and annotations: a text would
-// look like another one, or its order would be another one than that of its bytes.
+// Default-ignorable characters of Unicode, line separators and annotations. With them a text could
+// look like another one or change its order.
 constexpr std::array<CodeRange, 17> kUnseen{{
     {0xad, 0xad},
     {0x34f, 0x34f},
@@ -91,8 +85,8 @@ bool IsShown(uint32_t code) {
            (shows_utf8 || code <= kHighestAscii);
 }
 
-// The number of bytes of the character that the text begins with; 0 for bytes that are none and
-// for one that is not to be shown.
+// Returns the length of the first character of the text; 0 if it is no character or not to be
+// shown.
 size_t CharacterLength(std::string_view text) {
     const auto first = static_cast<unsigned char>(text.front());
     const auto* form =
@@ -112,16 +106,15 @@ size_t CharacterLength(std::string_view text) {
     return code >= form->lowest && IsShown(code) ? form->length : 0;
 }
 
-// Reads a byte as AppendEscape() writes it, in front of the text.
+// Reads an escape of AppendEscape() at the beginning of the text.
 std::optional<char> LeadingEscape(std::string_view text) {
     if (text.size() < kEscapeLength || !text.starts_with("\\x")) {
         return std::nullopt;
     }
-    uint8_t byte = 0;
-    const char* end = text.data() + kEscapeLength;
-    const auto [stop, error] = std::from_chars(text.data() + 2, end, byte, 16);
-    return error == std::errc() && stop == end ? std::optional(static_cast<char>(byte))
-                                               : std::nullopt;
+    size_t end = 0;
+    const auto byte = LeadingNumber<uint8_t>(text.substr(2, kEscapeLength - 2), end, 16);
+    const bool is_whole = byte && end == kEscapeLength - 2;
+    return is_whole ? std::optional(static_cast<char>(*byte)) : std::nullopt;
 }
 
 std::string_view DoubledBackslash(std::string_view /*text*/) {
@@ -132,7 +125,7 @@ std::string_view ValueBackslash(std::string_view text) {
     return LeadingEscape(text) ? "\\x5c" : "\\";
 }
 
-// `backslash` says how the one in front of the text is written.
+// `backslash` returns the escape of a backslash at the beginning of a text.
 std::string Escaped(std::string_view bytes, std::string_view (*backslash)(std::string_view text)) {
     std::string text;
     while (!bytes.empty()) {
@@ -195,33 +188,6 @@ std::string Quoted(std::string_view word) {
     return std::string("'")
         .append(Printable(word.substr(0, kLongestQuote)))
         .append(is_cut ? "...'" : "'");
-}
-
-void Print(std::string_view text) {
-    (void)fwrite(text.data(), 1, text.size(), stdout);  // FinishPrinting() tells of failures
-}
-
-void PrintError(std::string_view line) {
-    const std::string whole = std::string("velkctl: ").append(line).append("\n");
-    (void)fwrite(whole.data(), 1, whole.size(), stderr);
-}
-
-bool IsTerminal(int fd) {
-    const char* terminal = getenv("TERM");
-    const bool is_dumb = terminal != nullptr && strcmp(terminal, "dumb") == 0;
-    return !is_dumb && isatty(fd) == 1;
-}
-
-bool FinishPrinting() {
-    errno = 0;
-    const bool flushed = fflush(stdout) == 0;
-    const int error = errno;
-    if (flushed && ferror(stdout) == 0) {
-        return true;
-    }
-    PrintError(std::string("cannot write to standard output: ") +
-               (error != 0 ? strerror(error) : "part of it was lost"));
-    return false;
 }
 
 }  // namespace velkctl

@@ -1,4 +1,4 @@
-// hex.cpp - data bytes written as hex digits, and shown as a hex and text dump.
+// hex.cpp - data bytes as hex digits and as a hex and text dump.
 #include "velkctl/text/hex.h"
 
 #include <algorithm>
@@ -26,15 +26,15 @@ int DigitValue(char digit) {
     return -1;
 }
 
-// The bytes may be a secret: problems say where they are, not what they are.
+// The bytes may be a secret: problems give their position, not their value.
 Parsed NotADigit(size_t at) {
     return Unparsable("character " + std::to_string(at + 1) +
                       " is not a hex digit; give two hex digits for each byte, such as 31:30");
 }
 
 Parsed SingleDigit(size_t at) {
-    return Unparsable("the digit at character " + std::to_string(at + 1) +
-                      " stands alone; give two hex digits for each byte, such as 31:30");
+    return Unparsable("odd number of hex digits at character " + std::to_string(at + 1) +
+                      "; give two hex digits for each byte, such as 31:30");
 }
 
 void AppendHexColumns(std::string& dump, std::string_view line) {
@@ -81,7 +81,7 @@ Parsed ParseHex(std::string_view text) {
             return NotADigit(at + 1);
         }
         if (count == parsed.data.size()) {
-            return Unparsable("more than 512 bytes; the data area holds 512");
+            return Unparsable("more than 512 bytes; give at most 512");
         }
         parsed.data[count++] = static_cast<char>(high * 16 + low);
         at += 2;

@@ -1,25 +1,25 @@
-// hex.h - data bytes written as hex digits, and shown as a hex and text dump.
+// hex.h - data bytes as hex digits and as a hex and text dump.
 #ifndef VELKCTL_TEXT_HEX_H_
 #define VELKCTL_TEXT_HEX_H_
 
 #include <string>
 #include <string_view>
 
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
-// Reads two hex digits for each byte; blanks and colons may stand between the bytes.
+// Parses two hex digits for each byte, with optional blanks and colons between the bytes.
 Parsed ParseHex(std::string_view text);
 
-// Two hex digits for each byte.
+// Returns two hex digits for each byte.
 std::string ToHex(std::string_view bytes);
 
-// The bytes up to the last one that is not zero.
+// Returns the bytes up to the last one that is not zero.
 std::string_view UsedBytes(const Data& data);
 
-// Sixteen bytes a line, as hexdump -C shows them, up to the last byte that is not zero, and the
-// number of bytes as the last line. Empty when all are zero.
+// Returns UsedBytes() as hexdump -C shows them, sixteen a line, with their number on the last line.
+// Empty if all are zero.
 std::string Dump(const Data& data);
 
 }  // namespace velkctl

@@ -1,4 +1,4 @@
-// ipv4.cpp - IPv4 addresses as people write them.
+// ipv4.cpp - IPv4 addresses in dotted decimal form.
 #include "velkctl/text/ipv4.h"
 
 #include <arpa/inet.h>
@@ -11,7 +11,7 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// The word without the zeros in front of a number; a number of zeros keeps one.
+// Returns the word without leading zeros; a number of zeros keeps one.
 std::string WithoutLeadingZeros(std::string_view word) {
     std::string text;
     for (size_t i = 0; i < word.size(); ++i) {

@@ -1,4 +1,4 @@
-// ipv4.h - IPv4 addresses as people write them.
+// ipv4.h - IPv4 addresses in dotted decimal form.
 #ifndef VELKCTL_TEXT_IPV4_H_
 #define VELKCTL_TEXT_IPV4_H_
 
@@ -9,21 +9,21 @@
 
 namespace velkctl {
 
-// The address, first number in the highest byte, of four decimal numbers, none with a leading zero:
-// other programs read 010 as 8.
+// Returns the address of four decimal numbers, the first in the highest byte. A leading zero is not
+// valid: other programs read 010 as 8.
 std::optional<uint32_t> ParseIpv4(const std::string& word);
 
-// What keeps a word from being an address, behind the word in a message: "is not an IPv4 address".
-// `wanted` is what it should be.
+// Returns the problem with a word that is no address, as it follows the word in a message: "is not
+// an IPv4 address". `wanted` is the noun.
 std::string NotIpv4Problem(const std::string& word, std::string_view wanted);
 
-// Says whether the device reaches only itself at this address.
+// True if the device reaches only itself at this address.
 constexpr bool IsLoopback(uint32_t address) {
     return address >> 24U == 127;
 }
 
-// What keeps an address from being that of an interface, a router or a server, behind the address
-// in a message: "is a loopback address"; empty when nothing does.
+// Returns the problem with an address for an interface, a router or a server, as it follows the
+// address in a message: "is a loopback address". Empty if none.
 std::string_view HostAddressProblem(uint32_t address);
 
 }  // namespace velkctl

@@ -1,4 +1,4 @@
-// spelling.cpp - guesses what a misspelt word means.
+// spelling.cpp - suggests corrections for misspelt words.
 #include "velkctl/text/spelling.h"
 
 #include <algorithm>
@@ -9,18 +9,18 @@ namespace {
 
 constexpr size_t kFarthest = 2;
 constexpr size_t kShortestBeginning = 3;
-constexpr size_t kMostGuesses = 4;   // more of them are no help
+constexpr size_t kMostGuesses = 4;   // more would not help
 constexpr size_t kLongestWord = 64;  // no name, option or value is that long
 
-char Small(char letter) {
+char ToLower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-bool AreAlike(char one, char other) {
-    return Small(one) == Small(other);
+bool EqualIgnoringCase(char one, char other) {
+    return ToLower(one) == ToLower(other);
 }
 
-// How many letters must be changed, added, removed or swapped with their neighbour.
+// Returns the number of letters to change, add, remove or swap with their neighbour.
 size_t Distance(std::string_view from, std::string_view to) {
     std::vector<std::vector<size_t>> steps(from.size() + 1, std::vector<size_t>(to.size() + 1));
     for (size_t i = 0; i <= from.size(); ++i) {
@@ -29,10 +29,11 @@ size_t Distance(std::string_view from, std::string_view to) {
                 steps[i][j] = i + j;
                 continue;
             }
-            const size_t changed = steps[i - 1][j - 1] + (AreAlike(from[i - 1], to[j - 1]) ? 0 : 1);
+            const size_t changed =
+                steps[i - 1][j - 1] + (EqualIgnoringCase(from[i - 1], to[j - 1]) ? 0 : 1);
             steps[i][j] = std::min({changed, steps[i - 1][j] + 1, steps[i][j - 1] + 1});
-            if (i > 1 && j > 1 && AreAlike(from[i - 1], to[j - 2]) &&
-                AreAlike(from[i - 2], to[j - 1])) {
+            if (i > 1 && j > 1 && EqualIgnoringCase(from[i - 1], to[j - 2]) &&
+                EqualIgnoringCase(from[i - 2], to[j - 1])) {
                 steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
             }
         }
@@ -40,8 +41,9 @@ size_t Distance(std::string_view from, std::string_view to) {
     return steps[from.size()][to.size()];
 }
 
-// The candidates with the fewest letters wrong.
-std::vector<std::string> Misspelt(std::string_view word, std::span<const std::string> candidates) {
+// Returns the candidates with the fewest wrong letters.
+std::vector<std::string> NearestSpellings(std::string_view word,
+                                          std::span<const std::string> candidates) {
     std::vector<std::string> nearest;
     size_t fewest = kFarthest;
     for (const std::string& candidate : candidates) {
@@ -58,7 +60,8 @@ std::vector<std::string> Misspelt(std::string_view word, std::span<const std::st
     return nearest;
 }
 
-std::vector<std::string> BegunWith(std::string_view word, std::span<const std::string> candidates) {
+std::vector<std::string> StartingWith(std::string_view word,
+                                      std::span<const std::string> candidates) {
     std::vector<std::string> begun;
     if (word.size() >= kShortestBeginning) {
         std::ranges::copy_if(candidates, std::back_inserter(begun),
@@ -69,21 +72,21 @@ std::vector<std::string> BegunWith(std::string_view word, std::span<const std::s
 
 }  // namespace
 
-std::vector<std::string> NearMisses(std::string_view word,
-                                    std::span<const std::string> candidates) {
+std::vector<std::string> SpellingSuggestions(std::string_view word,
+                                             std::span<const std::string> candidates) {
     if (word.size() > kLongestWord) {
         return {};
     }
-    std::vector<std::string> meant = Misspelt(word, candidates);
+    std::vector<std::string> meant = NearestSpellings(word, candidates);
     if (meant.empty()) {
-        meant = BegunWith(word, candidates);
+        meant = StartingWith(word, candidates);
     }
     return meant.size() > kMostGuesses ? std::vector<std::string>{} : meant;
 }
 
 std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,
                        std::string_view otherwise) {
-    const std::vector<std::string> meant = NearMisses(word, candidates);
+    const std::vector<std::string> meant = SpellingSuggestions(word, candidates);
     return meant.empty() ? std::string("; ").append(otherwise)
                          : "; did you mean " + OneOf(meant) + "?";
 }

@@ -1,4 +1,4 @@
-// spelling.h - guesses what a misspelt word means.
+// spelling.h - suggests corrections for misspelt words.
 #ifndef VELKCTL_TEXT_SPELLING_H_
 #define VELKCTL_TEXT_SPELLING_H_
 
@@ -9,13 +9,14 @@
 
 namespace velkctl {
 
-// The candidates that a misspelt word most likely means: at most two letters are wrong, missing,
-// too many or swapped, and fewer than half; small and capital letters are alike. Otherwise those
-// that it is the beginning of. Empty when there are none, or too many.
-std::vector<std::string> NearMisses(std::string_view word, std::span<const std::string> candidates);
+// Returns the candidates closest to a misspelt word: with at most two letters wrong, missing, added
+// or swapped, and fewer than half. Case does not matter. Without such candidates, returns those
+// that begin with the word. Empty if there are none or too many.
+std::vector<std::string> SpellingSuggestions(std::string_view word,
+                                             std::span<const std::string> candidates);
 
-// The end of a complaint about a word: "; did you mean static?", or "; " and what else would be
-// right when no candidate is near.
+// Returns the end of a message about a word: "; did you mean static?", or "; " and `otherwise` if
+// there is no suggestion.
 std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,
                        std::string_view otherwise);
 

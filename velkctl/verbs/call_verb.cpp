@@ -1,4 +1,4 @@
-// call_verb.cpp - the verb that runs a command of the library as it stands.
+// call_verb.cpp - the verb that runs a command of the library without checks.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -7,20 +7,22 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
+#include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
-// 512 bytes as hex digits, with much room for what stands between them.
+// 512 bytes as hex digits, with room for separators.
 constexpr size_t kLongestDataText = 4096;
 
 struct TypeWord {
@@ -35,8 +37,8 @@ constexpr std::array<TypeWord, 3> kTypeWords{{
 }};
 
 std::optional<velk_command_type> ParseType(std::string_view word) {
-    const auto* row = std::ranges::find(kTypeWords, word, &TypeWord::word);
-    return row == kTypeWords.end() ? std::nullopt : std::optional(row->type);
+    const TypeWord* row = FindRow(kTypeWords, word, &TypeWord::word);
+    return row == nullptr ? std::nullopt : std::optional(row->type);
 }
 
 std::string UnknownType(const Invocation& invocation) {
@@ -50,14 +52,13 @@ std::string UnknownType(const Invocation& invocation) {
 Parsed ParseText(const std::string& text) {
     Parsed parsed;
     if (text.size() > parsed.data.size()) {
-        return Unparsable(std::to_string(text.size()) +
-                          " bytes are too many; the data area holds 512");
+        return Unparsable(std::to_string(text.size()) + " bytes are too many; give at most 512");
     }
     (void)text.copy(parsed.data.data(), parsed.data.size());
     return parsed;
 }
 
-// The data bytes that an option gives; the bytes may be a key, and so stand elsewhere.
+// Returns the data bytes of an option. The option may name a source: the bytes may be a key.
 Parsed ParseSource(const std::string& word, Parsed (*parse)(const std::string& text)) {
     const Secret source = ReadSecret(word, kLongestDataText);
     return source.problem.empty() ? parse(source.text) : Unparsable(source.problem);
@@ -67,7 +68,7 @@ Parsed ParseHexText(const std::string& text) {
     return ParseHex(text);
 }
 
-// The data bytes that --text or --hex gives; all zero without them.
+// Returns the data bytes of --text or --hex; without them, zeros.
 Parsed ParseData(const Invocation& invocation) {
     if (invocation.text && invocation.hex) {
         return Unparsable("--text and --hex exclude each other; give one of them");
@@ -84,20 +85,15 @@ Parsed ParseData(const Invocation& invocation) {
     return parsed;
 }
 
-std::string MaskedDump(const Data& data) {
-    return data == Data{} ? "" : std::string(kMask).append("\n");
+void ReportData(const Data& data, bool is_masked, Report& report) {
+    report.Text(is_masked ? std::string(kMask) + "\n" : Dump(data));
+    report.Member("data", is_masked ? Json(kMask) : Json(ToHex(UsedBytes(data))));
 }
 
-void TellData(const Data& data, bool masked, Report& report) {
-    report.Text(masked ? MaskedDump(data) : Dump(data));
-    report.Member("data", masked && data != Data{} ? Json(kMask) : Json(ToHex(UsedBytes(data))));
-}
-
-// The result is what was asked for, whatever it is; in a document, a failure is among the errors
-// too.
-void Tell(const Command& command, const Answer& answer, bool masked, Report& report) {
+// A failure is a normal answer of this verb. In JSON it is also one of the errors.
+void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, Report& report) {
     if (answer.timed_out) {
-        report.Complain(DescribeFailure("call", answer));
+        report.Complain(ProblemOf("call: command " + std::to_string(command.id), "", answer));
         return;
     }
     std::string result = DescribeResult(answer.result);
@@ -107,25 +103,21 @@ void Tell(const Command& command, const Answer& answer, bool masked, Report& rep
     report.Text(result + "\n");
     report.Member("result", ResultInJson(answer.result));
     if (!answer.ok() && report.is_json()) {
-        report.Complain(Problem{"call: " + result, {}, answer.result});
+        report.Complain(ProblemOf("call: command " + std::to_string(command.id), "", answer));
     }
     if (command.type == VELK_GET) {
-        TellData(answer.data, masked, report);
+        ReportData(answer.data, is_masked, report);
     }
 }
 
 }  // namespace
 
 ExitStatus RunCall(const Invocation& invocation, Report& report) {
-    const std::optional<Patience> patience = PatienceOf(invocation, report);
-    if (!patience) {
-        return ExitStatus::kInvalid;
-    }
     const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
     if (!type) {
         return report.Refuse("call: " + UnknownType(invocation));
     }
-    const std::optional<uint32_t> id = ParseId(invocation.words[1]);
+    const std::optional<uint32_t> id = ParseNumber<uint32_t>(invocation.words[1]);
     if (!id) {
         return report.Refuse("call: " + invocation.Shown(invocation.words[1]) +
                              " is not a command id; give a decimal number such as 108");
@@ -140,11 +132,12 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     if (!data.ok()) {
         return report.Refuse("call: " + data.problem);
     }
-    const bool masked = NamesSecret(Catalogue(), invocation.words[1]) && !invocation.show_secrets;
     const Command command{*type, *id, interface};
-    const Answer answer =
-        Device(*patience, report).Execute(command, data.data, "command " + std::to_string(*id));
-    Tell(command, answer, masked, report);
+    const Answer answer = Device(invocation.limits, report)
+                              .Execute(command, data.data, "command " + std::to_string(*id));
+    const bool is_secret = NamesSecret(invocation.words[1]);
+    ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),
+                 report);
     return StatusOf(answer);
 }
 

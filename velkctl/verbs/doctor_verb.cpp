@@ -1,14 +1,13 @@
-// doctor_verb.cpp - the verb that looks for what the library will not be able to do.
+// doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/examination.h"
-#include "velkctl/doctor/finding.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 
 ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
     const Findings findings = ExamineDevice(report);
-    report.Text(FindingsInWords(findings) + Summary(findings) + "\n");
+    report.Text(FormatFindings(findings) + Summary(findings) + "\n");
     Json list = Json::array();
     for (const Finding& finding : findings) {
         list.push_back(FindingInJson(finding));

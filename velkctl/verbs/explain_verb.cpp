@@ -1,15 +1,16 @@
-// explain_verb.cpp - the verb that tells what results and exit statuses mean.
+// explain_verb.cpp - the verb that explains results and exit statuses.
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "velkctl/cli/verbs.h"
-#include "velkctl/report/exit_meanings.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/find_row.h"
+#include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -18,10 +19,10 @@ namespace {
 
 constexpr std::string_view kPrefix = "LIB_VELK_";
 
-// The names of the results, with and without their prefix.
+// Returns the names of the results, with and without their prefix.
 std::vector<std::string> ResultNames() {
     std::vector<std::string> names;
-    for (const ResultCode& row : kResultCodes) {
+    for (const ResultCode& row : ResultCodes()) {
         names.emplace_back(row.name);
         names.emplace_back(row.name.substr(kPrefix.size()));
     }
@@ -29,7 +30,7 @@ std::vector<std::string> ResultNames() {
 }
 
 std::optional<int> CodeOfName(std::string_view word) {
-    for (const ResultCode& row : kResultCodes) {
+    for (const ResultCode& row : ResultCodes()) {
         if (word == row.name || word == row.name.substr(kPrefix.size())) {
             return row.code;
         }
@@ -37,17 +38,11 @@ std::optional<int> CodeOfName(std::string_view word) {
     return std::nullopt;
 }
 
-std::optional<int> ParseNumber(std::string_view word) {
-    int number = 0;
-    const auto [stop, error] = std::from_chars(word.begin(), word.end(), number);
-    return error == std::errc() && stop == word.end() ? std::optional(number) : std::nullopt;
-}
-
 void ExplainResult(int code, Report& report) {
     const ResultCode row = FindResultCode(code);
-    report.Text(DescribeResult(code) + "\n  what to do: " + std::string(row.remedy) +
-                "\n  exit status of velkctl: " + std::to_string(static_cast<int>(row.status)) +
-                "\n");
+    report.Text(ResultName(code) + "\n  " + std::string(row.description) +
+                "\n  fix: " + std::string(row.remedy) + "\n  exit status of velkctl: " +
+                std::to_string(static_cast<int>(row.status)) + "\n");
     Json explained = ResultInJson(code);
     explained["remedy"] = row.remedy;
     explained["exit_status"] = static_cast<int>(row.status);
@@ -56,19 +51,24 @@ void ExplainResult(int code, Report& report) {
 
 void ExplainStatus(const ExitMeaning& meaning, Report& report) {
     const int number = static_cast<int>(meaning.status);
-    std::string text = "exit status " + std::to_string(number) + " of velkctl: ";
-    text.append(meaning.words).append("\n  what to do: ").append(meaning.remedy).append("\n");
+    std::string text = "exit status " + std::to_string(number) + " of velkctl";
+    text.append("\n  ")
+        .append(meaning.description)
+        .append("\n  fix: ")
+        .append(meaning.remedy)
+        .append("\n");
     Json results = Json::array();
-    for (const ResultCode& row : kResultCodes) {
+    for (const ResultCode& row : ResultCodes()) {
         if (row.status == meaning.status) {
-            text.append("  result of the library: ").append(DescribeResult(row.code)).append("\n");
+            text.append("  result of the library: ").append(ResultName(row.code));
+            text.append("\n    ").append(row.description).append("\n");
             results.push_back(ResultInJson(row.code));
         }
     }
     report.Text(text);
     Json explained;
     explained["status"] = number;
-    explained["words"] = meaning.words;
+    explained["description"] = meaning.description;
     explained["remedy"] = meaning.remedy;
     explained["results"] = std::move(results);
     report.Member("exit_status", std::move(explained));
@@ -78,7 +78,7 @@ void ExplainStatus(const ExitMeaning& meaning, Report& report) {
 
 ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
-    const std::optional<int> number = ParseNumber(word);
+    const std::optional<int> number = ParseNumber<int>(word);
     const std::optional<int> code = number ? number : CodeOfName(word);
     if (!code) {
         return report.Refuse("explain: " + Quoted(word) +
@@ -87,13 +87,13 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
                                         "give a number such as -3 or 3, or a name such as LOCKED"));
     }
     const auto* meaning =
-        std::ranges::find(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
-    // A name means the result alone.
-    const bool is_status = number && meaning != kExitMeanings.end();
+        FindRow(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
+    // A name is always a result.
+    const bool is_status = number && meaning != nullptr;
     if (*code > 0 && !is_status) {
-        return report.Refuse("explain: " + Quoted(word) +
-                             " is no exit status of velkctl; give 0 to 7, or a result of the "
-                             "library, which is 0 or negative");
+        return report.Refuse(
+            "explain: " + Quoted(word) +
+            " is not an exit status; give 0 to 7, or a result, which is 0 or negative");
     }
     if (*code <= 0) {
         ExplainResult(*code, report);

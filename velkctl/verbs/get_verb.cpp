@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/settings/catalogue.h"
@@ -14,11 +13,11 @@
 namespace velkctl {
 namespace {
 
-// A setting that may be read; complains when there is none.
+// Returns the setting of this name. Reports a name that is unknown or cannot be read.
 std::optional<Setting> FindReadable(const std::string& name, bool may_be_key, Report& report) {
-    const std::optional<Setting> setting = FindSetting(Catalogue(), name);
+    const std::optional<Setting> setting = FindSetting(name);
     if (!setting) {
-        report.Complain("get: " + UnknownSetting(Catalogue(), name, may_be_key));
+        report.Complain("get: " + UnknownSetting(name, may_be_key));
         return std::nullopt;
     }
     if (!setting->can_get()) {
@@ -28,21 +27,20 @@ std::optional<Setting> FindReadable(const std::string& name, bool may_be_key, Re
     return setting;
 }
 
-// Reads one setting and shows its value behind the prefix.
+// Reads one setting and prints its value after the prefix.
 ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocation& invocation,
                 const Device& device, Json& shown, Report& report) {
-    const std::string name = setting.name();
     const Answer answer = device.Get(setting);
     if (answer.ok()) {
-        const auto value = invocation.bare_value ? BareValue : ValueInWords;
+        const auto value = invocation.bare_value ? BareValue : ValueText;
         report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "\n");
         shown.push_back(ReadingInJson(
             setting, ValueInJson(setting, answer.data, invocation.show_secrets), nullptr));
     } else {
-        const std::string message = DescribeFailure(name + ": could not be read", setting, answer);
-        report.Text(invocation.bare_value ? "\n" : "");  // lines go by the order of the names
-        report.Complain(Problem{message, name, answer.known_result()});
-        shown.push_back(ReadingInJson(setting, nullptr, message));
+        const Problem problem = ProblemWithCause(CouldNotBeRead(setting), setting, answer);
+        report.Text(invocation.bare_value ? "\n" : "");  // every name has its line
+        report.Complain(problem);
+        shown.push_back(ReadingInJson(setting, nullptr, OneLine(problem)));
     }
     return StatusOf(answer);
 }
@@ -50,10 +48,6 @@ ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocat
 }  // namespace
 
 ExitStatus RunGet(const Invocation& invocation, Report& report) {
-    const std::optional<Patience> patience = PatienceOf(invocation, report);
-    if (!patience) {
-        return ExitStatus::kInvalid;
-    }
     std::vector<Setting> settings;
     for (const std::string& name : invocation.words) {
         const std::optional<Setting> setting = FindReadable(name, invocation.beside_secret, report);
@@ -63,7 +57,7 @@ ExitStatus RunGet(const Invocation& invocation, Report& report) {
         settings.push_back(*setting);
     }
     const bool bare = settings.size() == 1 || invocation.bare_value;
-    const Device device(*patience, report);
+    const Device device(invocation.limits, report);
     Json shown = Json::array();
     ExitStatus first_failure = ExitStatus::kDone;
     for (const Setting& setting : settings) {

@@ -1,4 +1,4 @@
-// network_check.cpp - whether an interface's addresses fit together.
+// network_check.cpp - checks that the addresses of an interface fit together.
 #include "velkctl/verbs/network_check.h"
 
 #include <bit>
@@ -12,7 +12,7 @@
 namespace velkctl {
 namespace {
 
-// What is configured, and the value in the place of what it would replace.
+// The configuration, with the new value in its place.
 struct Network {
     std::optional<uint32_t> address;
     std::optional<uint32_t> mask;
@@ -37,8 +37,8 @@ std::optional<uint32_t> AddressIn(const Data& data) {
 }
 
 std::optional<Answer> Read(uint32_t id, const Setting& setting, const Device& device) {
-    const std::string what = setting.name() + ": looking at the other settings";
-    Answer answer = device.Execute({VELK_GET, id, setting.interface}, {}, what);
+    const std::string subject = setting.name() + ": reading the other settings";
+    Answer answer = device.Execute({VELK_GET, id, setting.interface}, {}, subject);
     return answer.ok() ? std::optional(std::move(answer)) : std::nullopt;
 }
 
@@ -63,84 +63,107 @@ Network NetworkWith(const Setting& setting, const Data& value, const Device& dev
     return network;
 }
 
-// What an address is in its network that no host can have; empty when a host can have it. In
-// networks of one or two addresses all are for hosts.
-std::string ReservedAs(uint32_t address, uint32_t mask) {
+// Returns the special role of an address in its network; empty if a host can have it. In networks
+// of one or two addresses, hosts can have all.
+std::string_view ReservedAs(uint32_t address, uint32_t mask) {
     if (std::popcount(mask) > 30) {
         return {};
     }
     const uint32_t host = address & ~mask;
-    const std::string range = Range(address, mask);
     if (host == 0) {
-        return "the address of the network " + range + " itself";
+        return "the address of the network";
     }
-    return host == ~mask ? "the broadcast address of the network " + range : "";
+    return host == ~mask ? "the broadcast address of the network" : "";
 }
 
-std::string AddressProblem(const Network& network) {
+// The problem of a value, to follow it in a message, and its reason.
+struct Conflict {
+    std::string problem{};  // empty if none
+    std::string reason{};
+};
+
+std::string NetworkIs(uint32_t address, uint32_t mask) {
+    return "the network of the interface is " + Range(address, mask);
+}
+
+Conflict ReservedConflict(uint32_t address, uint32_t mask) {
+    const std::string_view reserved = ReservedAs(address, mask);
+    return reserved.empty()
+               ? Conflict{}
+               : Conflict{std::string("is ").append(reserved), NetworkIs(address, mask)};
+}
+
+Conflict AddressConflict(const Network& network) {
     if (network.address == network.gateway) {
-        return "is the gateway of the interface";
+        return {"is the gateway of the interface"};
     }
-    const std::string reserved =
-        network.mask ? ReservedAs(*network.address, *network.mask) : std::string();
-    return reserved.empty() ? "" : "is " + reserved + ", with the netmask that the interface has";
+    return network.mask ? ReservedConflict(*network.address, *network.mask) : Conflict{};
 }
 
-std::string NetmaskProblem(const Network& network) {
-    const std::string reserved =
-        network.address ? ReservedAs(*network.address, *network.mask) : std::string();
-    return reserved.empty() ? "" : "makes the address of the interface " + reserved;
+Conflict NetmaskConflict(const Network& network) {
+    const std::string_view reserved =
+        network.address ? ReservedAs(*network.address, *network.mask) : std::string_view();
+    if (reserved.empty()) {
+        return {};
+    }
+    return {"does not fit the address of the interface",
+            Dotted(*network.address) + " would be " + std::string(reserved) + " " +
+                Range(*network.address, *network.mask)};
 }
 
-std::string GatewayProblem(const Network& network) {
+Conflict GatewayConflict(const Network& network) {
     if (network.gateway == network.address) {
-        return "is the address of the interface itself";
+        return {"is the address of the interface itself"};
     }
     if (!network.address || !network.mask) {
         return {};
     }
     if (((*network.gateway ^ *network.address) & *network.mask) != 0) {
-        return "is outside the network of the interface, " + Range(*network.address, *network.mask);
+        return {"is outside the network of the interface",
+                NetworkIs(*network.address, *network.mask)};
     }
-    const std::string reserved = ReservedAs(*network.gateway, *network.mask);
-    return reserved.empty() ? "" : "is " + reserved;
+    return ReservedConflict(*network.gateway, *network.mask);
 }
 
-std::string ProblemOf(uint32_t id, const Network& network) {
+Conflict ConflictOf(uint32_t id, const Network& network) {
     switch (id) {
         case VELK_CMD_IP_ADDRESS:
-            return network.address ? AddressProblem(network) : "";
+            return network.address ? AddressConflict(network) : Conflict{};
         case VELK_CMD_NETMASK:
-            return network.mask ? NetmaskProblem(network) : "";
+            return network.mask ? NetmaskConflict(network) : Conflict{};
         default:
-            return network.gateway ? GatewayProblem(network) : "";
+            return network.gateway ? GatewayConflict(network) : Conflict{};
     }
 }
 
-std::string_view WhatToSetFirst(uint32_t id) {
+std::string_view RemedyOf(uint32_t id) {
     switch (id) {
         case VELK_CMD_IP_ADDRESS:
-            return "give another, set the netmask or gateway first";
+            return "give another value, or set the netmask or gateway first";
         case VELK_CMD_NETMASK:
-            return "give another, set the address first";
+            return "give another value, or set the address first";
         default:
-            return "give another, set the address and netmask first";
+            return "give another value, or set the address and netmask first";
     }
 }
 
 }  // namespace
 
-std::string NetworkProblem(const Setting& setting, const Data& value, const Device& device) {
+std::optional<Problem> NetworkProblem(const Setting& setting, const Data& value,
+                                      const Device& device) {
     const uint32_t id = setting.row->id;
     if (!IsAddressCommand(id) || !AddressIn(value) || !IsStatic(setting, device)) {
-        return {};
+        return std::nullopt;
     }
-    const std::string problem = ProblemOf(id, NetworkWith(setting, value, device));
-    if (problem.empty()) {
-        return {};
+    const Conflict conflict = ConflictOf(id, NetworkWith(setting, value, device));
+    if (conflict.problem.empty()) {
+        return std::nullopt;
     }
-    return Dotted(*AddressIn(value)) + " " + problem + "; " + std::string(WhatToSetFirst(id)) +
-           ", or give --force";
+    const std::string name = setting.name();
+    return Problem{.message = name + ": " + Dotted(*AddressIn(value)) + " " + conflict.problem,
+                   .setting = name,
+                   .detail = conflict.reason,
+                   .remedy = std::string(RemedyOf(id)) + ", or give --force"};
 }
 
 }  // namespace velkctl

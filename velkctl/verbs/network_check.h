@@ -1,19 +1,21 @@
-// network_check.h - whether an interface's addresses fit together.
+// network_check.h - checks that the addresses of an interface fit together.
 #ifndef VELKCTL_VERBS_NETWORK_CHECK_H_
 #define VELKCTL_VERBS_NETWORK_CHECK_H_
 
-#include <string>
+#include <optional>
 
 #include "velkctl/call/device.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/text/data.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
-// What is wrong with a value in the light of the interface's other settings, as they are
-// configured: an address that no host of its network can have, or that the gateway has; a gateway
-// outside the network. Empty when nothing is, or when that cannot be told.
-std::string NetworkProblem(const Setting& setting, const Data& value, const Device& device);
+// Returns the conflict of a value with the configuration of the interface: an address that no host
+// of its network can have, or that the gateway has; a gateway outside the network. Nothing if there
+// is no conflict or if it is unknown.
+std::optional<Problem> NetworkProblem(const Setting& setting, const Data& value,
+                                      const Device& device);
 
 }  // namespace velkctl
 

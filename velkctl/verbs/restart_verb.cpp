@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "velkctl/call/device.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/likely_cause.h"
@@ -15,64 +14,56 @@
 namespace velkctl {
 namespace {
 
-constexpr char kNotifyOnly = 2;  // first data byte of a restart of eth1
-
-// What ifup(8) says at its end when an interface did not come up.
+// The last message of ifup(8) if the interface did not come up.
 constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
 
-// Why the interface was not restarted although the library says so, who does not learn whether the
-// tools did what it had them do; empty when nothing speaks against it.
-std::string WhyNotRestarted(const Answer& answer) {
-    const Findings obstacles = RestartObstacles();
+// Adds the likely reason for a restart without effect. Returns false if none is found. The library
+// ignores the tools' exit status, so its success proves nothing.
+bool AddReason(const Answer& answer, Problem& problem) {
+    const Findings obstacles = CheckRestartTools();
     if (CountOf(obstacles, Severity::kProblem) > 0) {
-        return "; likely cause: " + CauseInWords(obstacles.front());
+        AddLikelyCause(problem, obstacles.front());
+        return true;
     }
-    const bool has_failed = std::ranges::any_of(
-        answer.said, [](const std::string& line) { return line.starts_with(kIfupFailed); });
-    return has_failed ? "; ifup says why" : "";
+    if (std::ranges::any_of(answer.tool_output, [](const std::string& line) {
+            return line.starts_with(kIfupFailed);
+        })) {
+        problem.detail = "ifup failed, see its messages";
+        return true;
+    }
+    return false;
 }
 
-ExitStatus JudgeRestart(const std::string& interface, const Answer& answer, Report& report) {
-    const std::string reason = WhyNotRestarted(answer);
-    if (reason.empty()) {
+ExitStatus CheckRestart(const std::string& interface, const Answer& answer, Report& report) {
+    Problem problem{interface + ": the library reported success, but it did not come up"};
+    if (!AddReason(answer, problem)) {
         return ExitStatus::kDone;
     }
-    report.Complain(interface +
-                    ": the library reported success, but the interface did not come up" + reason);
+    report.Complain(problem);
     return ExitStatus::kNotHeld;
 }
 
 }  // namespace
 
 ExitStatus RunRestart(const Invocation& invocation, Report& report) {
-    const std::optional<Patience> patience = PatienceOf(invocation, report);
-    if (!patience) {
-        return ExitStatus::kInvalid;
-    }
     const std::string& interface = invocation.words.front();
-    if (interface != VELK_WIRED_INTERFACE && interface != VELK_WIRELESS_INTERFACE) {
-        return report.Refuse("restart: " +
-                             UnknownInterface(interface, invocation.Shown(interface)));
-    }
     Data data{};
     if (invocation.notify_only) {
         if (interface != VELK_WIRELESS_INTERFACE) {
             return report.Refuse("restart: --notify-only is for eth1; leave it out for " +
                                  interface);
         }
-        data[0] = kNotifyOnly;
+        data[0] = VELK_RESTART_NOTIFY_ONLY;
     }
     const Answer answer =
-        Device(*patience, report)
+        Device(invocation.limits, report)
             .Execute({VELK_RESTART, VELK_CMD_RESTART, interface}, data, "restart of " + interface);
     report.Member("interface", interface);
     if (!answer.ok()) {
-        report.Complain(Problem{DescribeFailure(interface + ": could not be restarted", answer),
-                                {},
-                                answer.known_result()});
+        report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));
         return StatusOf(answer);
     }
-    return invocation.notify_only ? ExitStatus::kDone : JudgeRestart(interface, answer, report);
+    return invocation.notify_only ? ExitStatus::kDone : CheckRestart(interface, answer, report);
 }
 
 }  // namespace velkctl

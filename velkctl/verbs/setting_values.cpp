@@ -1,41 +1,34 @@
-// setting_values.cpp - settings and their values, as verbs show them.
+// setting_values.cpp - settings and their values in the output of verbs.
 #include "velkctl/verbs/setting_values.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "velkctl/call/longest_wait.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 
-std::string ValueInWords(const Setting& setting, const Data& data, bool show_secrets) {
-    if (setting.row->secret && !show_secrets) {
-        return std::string(data == Data{} ? kNone : kMask);
-    }
-    return setting.row->kind->Print(data);
+std::string ValueText(const Setting& setting, const Data& data, bool show_secrets) {
+    return IsMasked(setting.row->secret, show_secrets, data) ? std::string(kMask)
+                                                             : setting.row->kind->Print(data);
 }
 
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
-    if (setting.row->secret && !show_secrets) {
-        return data == Data{} ? Json(nullptr) : Json(kMask);
-    }
-    return setting.row->kind->ToJson(data);
+    return IsMasked(setting.row->secret, show_secrets, data) ? Json(kMask)
+                                                             : setting.row->kind->ToJson(data);
 }
 
 std::string BareValue(const Setting& setting, const Data& data, bool show_secrets) {
     const Json value = ValueInJson(setting, data, show_secrets);
     const bool is_empty = value.empty() || (value.is_string() && value.get<std::string>().empty());
-    return is_empty ? "" : ValueInWords(setting, data, show_secrets);
+    return is_empty ? "" : ValueText(setting, data, show_secrets);
 }
 
-std::string UnreadableInWords(const Setting& setting, const Answer& answer) {
-    return DescribeFailure(setting.name() + ": could not be read", answer);
-}
-
-Json ReadingInJson(const Setting& setting, const Answer& answer, bool show_secrets) {
-    return answer.ok()
-               ? ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets), nullptr)
-               : ReadingInJson(setting, nullptr, UnreadableInWords(setting, answer));
+std::string CouldNotBeRead(const Setting& setting) {
+    return setting.name() + ": could not be read";
 }
 
 Json ReadingInJson(const Setting& setting, Json value, Json error) {
@@ -44,6 +37,29 @@ Json ReadingInJson(const Setting& setting, Json value, Json error) {
     object["value"] = std::move(value);
     object["error"] = std::move(error);
     return object;
+}
+
+Json SettingInJson(const Setting& setting) {
+    Json object;
+    object["name"] = setting.name();
+    object["id"] = setting.row->id;
+    object["interface"] = setting.interface.empty() ? Json(nullptr) : Json(setting.interface);
+    object["get"] = setting.can_get();
+    object["set"] = setting.can_set();
+    object["secret"] = setting.row->secret;
+    object["description"] = setting.row->help;
+    object["expected"] = setting.can_set() ? Json(setting.row->kind->Wanted()) : Json(nullptr);
+    object["values"] = setting.row->kind->Values();
+    object["longest_seconds"] = LongestWaitOf(setting).seconds;
+    return object;
+}
+
+size_t NameWidth(const std::vector<Setting>& settings) {
+    size_t width = 0;
+    for (const Setting& setting : settings) {
+        width = std::max(width, setting.name().size());
+    }
+    return width;
 }
 
 std::string Padded(std::string text, size_t width) {

@@ -1,31 +1,37 @@
-// setting_values.h - settings and their values, as verbs show them.
+// setting_values.h - settings and their values in the output of verbs.
 #ifndef VELKCTL_VERBS_SETTING_VALUES_H_
 #define VELKCTL_VERBS_SETTING_VALUES_H_
 
 #include <string>
+#include <vector>
 
-#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 
-// The value in an answer, with a secret masked unless it may be shown: of a masked one only whether
-// there is one is told.
-std::string ValueInWords(const Setting& setting, const Data& data, bool show_secrets);
+// Returns a value for people, or for JSON. A secret is masked unless it may be shown; an empty one
+// is recognisable.
+std::string ValueText(const Setting& setting, const Data& data, bool show_secrets);
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 
-// The value alone, for scripts: one that is none or empty is the empty text.
+// Returns the bare value for scripts. It is empty for an empty value and for none.
 std::string BareValue(const Setting& setting, const Data& data, bool show_secrets);
 
-// Why there is no value: "eth0.dns: could not be read (LIB_VELK_FAILURE, -1)".
-std::string UnreadableInWords(const Setting& setting, const Answer& answer);
+// Returns the first line of the failure to read a setting: "eth0.dns: could not be read".
+std::string CouldNotBeRead(const Setting& setting);
 
-// What became of reading a setting: {"name": ..., "value": ..., "error": null}
-Json ReadingInJson(const Setting& setting, const Answer& answer, bool show_secrets);
+// {"name": ..., "value": ..., "error": null}
 Json ReadingInJson(const Setting& setting, Json value, Json error);
 
-// A text with blanks behind it, so that columns stand below each other.
+// Returns the facts about a setting that list and describe print in JSON.
+Json SettingInJson(const Setting& setting);
+
+// Returns the length of the longest name.
+size_t NameWidth(const std::vector<Setting>& settings);
+
+// Returns the text with blanks after it, for a column.
 std::string Padded(std::string text, size_t width);
 
 }  // namespace velkctl

@@ -1,26 +1,23 @@
-// show_verb.cpp - the verb that shows all settings there are to read.
-#include <algorithm>
+// show_verb.cpp - the verb that shows all readable settings.
 #include <chrono>
 #include <cstdlib>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include <unistd.h>
 
 #include "velkctl/call/device.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
-#include "velkctl/text/escaping.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
-// A daemon that did not answer within this time is not asked again.
+// A daemon without an answer for this time is not asked again.
 constexpr std::chrono::seconds kSilent{10};
 
 class Table {
@@ -45,7 +42,7 @@ class Table {
 };
 
 std::vector<Setting> Readable(std::optional<std::string_view> interface) {
-    std::vector<Setting> settings = SettingsOf(Catalogue());
+    std::vector<Setting> settings = Settings();
     std::erase_if(settings, [&](const Setting& setting) {
         return !setting.can_get() || (interface && setting.interface != *interface);
     });
@@ -56,15 +53,16 @@ bool IsWireless(const Setting& setting) {
     return setting.row->interfaces == kEth1;
 }
 
-// Shows the settings one after the other; those of a daemon that was silent once are passed over.
-class Showing {
+// Shows the settings in order. After one time-out of the wireless daemon it skips its other
+// settings.
+class SettingsTable {
   public:
-    Showing(bool show_secrets, const Device& device, const Table& table)
+    SettingsTable(bool show_secrets, const Device& device, const Table& table)
         : show_secrets_(show_secrets), device_(device), table_(table) {}
 
     void Show(const Setting& setting) {
         if (daemon_is_silent_ && IsWireless(setting)) {
-            PassOver(setting);
+            Skip(setting);
             return;
         }
         const auto start = std::chrono::steady_clock::now();
@@ -72,19 +70,22 @@ class Showing {
         const bool took_long =
             answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
         daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
-        shown_.push_back(ReadingInJson(setting, answer, show_secrets_));
         if (answer.ok()) {
-            table_.Value(setting.name(), ValueInWords(setting, answer.data, show_secrets_));
+            table_.Value(setting.name(), ValueText(setting, answer.data, show_secrets_));
+            shown_.push_back(
+                ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_), nullptr));
         } else {
-            table_.Failure(setting.name(), WhyNot(answer));
+            table_.Failure(setting.name(), FailureReason(answer));
+            const Problem problem = ProblemOf(CouldNotBeRead(setting), setting.name(), answer);
+            shown_.push_back(ReadingInJson(setting, nullptr, OneLine(problem)));
         }
     }
 
     Json TakeShown() { return std::move(shown_); }
 
   private:
-    void PassOver(const Setting& setting) {
-        const std::string reason = "not asked: the wireless daemon did not answer before";
+    void Skip(const Setting& setting) {
+        const std::string reason = "skipped: the wireless daemon does not answer";
         table_.Failure(setting.name(), reason);
         shown_.push_back(ReadingInJson(setting, nullptr, setting.name() + ": " + reason));
     }
@@ -99,30 +100,19 @@ class Showing {
 }  // namespace
 
 ExitStatus RunShow(const Invocation& invocation, Report& report) {
-    const std::optional<Patience> patience = PatienceOf(invocation, report);
-    if (!patience) {
-        return ExitStatus::kInvalid;
-    }
     std::optional<std::string_view> interface;
     if (!invocation.words.empty()) {
         interface = invocation.words.front();
-        if (*interface != VELK_WIRED_INTERFACE && *interface != VELK_WIRELESS_INTERFACE) {
-            return report.Refuse("show: " + UnknownInterface(*interface, Quoted(*interface)));
-        }
     }
     const std::vector<Setting> settings = Readable(interface);
-    size_t width = 0;
+    const Table table(NameWidth(settings), report);
+    const Device device(invocation.limits, report);
+    SettingsTable shown(invocation.show_secrets, device, table);
     for (const Setting& setting : settings) {
-        width = std::max(width, setting.name().size());
+        shown.Show(setting);
     }
-    const Table table(width, report);
-    const Device device(*patience, report);
-    Showing showing(invocation.show_secrets, device, table);
-    for (const Setting& setting : settings) {
-        showing.Show(setting);
-    }
-    report.Member("settings", showing.TakeShown());
-    return ExitStatus::kDone;  // that a setting cannot be read just now is part of the picture
+    report.Member("settings", shown.TakeShown());
+    return ExitStatus::kDone;  // also if a setting cannot be read
 }
 
 }  // namespace velkctl

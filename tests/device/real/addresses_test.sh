@@ -1,4 +1,4 @@
-# addresses_test.sh - a static address, a lease, and back, with the real ifupdown and DHCP client.
+# addresses_test.sh - changes between static address and lease, with the real ifupdown and DHCP client.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
@@ -6,7 +6,7 @@
 # Without the adapter a restart of the wired port takes a second.
 velk-sandbox adapter out
 
-it 'gives the port another static address, which the kernel holds after a restart'
+it 'changes the static address, which the kernel has after a restart'
 run velkctl set eth0.address 192.168.0.77
 status_is 0
 check 'address before the restart' 192.168.0.10/24 "$(kernel_address eth0)"
@@ -14,11 +14,11 @@ run velkctl restart eth0
 status_is 0
 check 'address after the restart' 192.168.0.77/24 "$(kernel_address eth0)"
 
-it 'reaches the gateway from there'
+it 'reaches the gateway from the new address'
 run ping -c 1 -W 2 192.168.0.1
 status_is 0
 
-it 'takes a mask and a gateway of its own'
+it 'changes netmask and gateway'
 velkctl set eth0.netmask 255.255.0.0
 velkctl set eth0.gateway 192.168.0.254
 run velkctl restart eth0
@@ -28,7 +28,7 @@ check 'route' 'default via 192.168.0.254 dev eth0' "$(ip route show default | se
 velkctl set eth0.netmask 255.255.255.0
 velkctl set eth0.gateway 192.168.0.1
 
-it 'takes a lease after the change to DHCP'
+it 'gets a lease after the change to DHCP'
 run velkctl set eth0.method dhcp
 status_is 0
 run velkctl restart eth0
@@ -45,7 +45,7 @@ eth0.netmask = 255.255.255.0
 eth0.gateway = 192.168.0.1"
 check 'address of the kernel' "$lease/24" "$(kernel_address eth0)"
 
-it 'leaves the static address in the file, for the way back'
+it 'keeps the static address in the file for the change back'
 run grep -E 'inet dhcp|address|netmask|gateway' /etc/network/interfaces
 output_is 'iface eth0 inet dhcp
 	address 192.168.0.77
@@ -53,7 +53,7 @@ output_is 'iface eth0 inet dhcp
 	gateway 192.168.0.1
 iface eth1 inet dhcp'
 
-it 'asks no address for a port that is switched back to static, and holds the static one'
+it 'requests no lease after the change back to static, and uses the static address'
 forget_router_log
 run velkctl set eth0.method static
 status_is 0
@@ -68,7 +68,7 @@ run ping -c 1 -W 2 192.168.0.1
 status_is 0
 check 'leases asked for' 0 "$(grep -c DHCPDISCOVER /var/log/router.log)"
 
-it 'configures only the interface meant: the block of a static one is switched off'
+it 'configures only the interface of the lease: the block of a static one is disabled'
 velk-sandbox adapter in
 forget_router_log
 run ifup eth1
@@ -77,7 +77,7 @@ soon has_lease eth1 1
 check 'address of the wired port' 192.168.0.77/24 "$(kernel_address eth0)"
 check 'wired port in the log' 0 "$(grep -c '02:00:00:00:00:10' /var/log/router.log)"
 
-it 'gets no lease while the router is out, and one when it is back'
+it 'gets no lease while the router is disconnected, and one afterwards'
 sed -i 's/^timeout 10;/timeout 2;/' /etc/dhclient.conf
 run ifdown eth1
 velk-sandbox router out

@@ -1,10 +1,10 @@
-# cron_test.sh - the crontab as the real cron takes and runs it, in fast time.
+# cron_test.sh - the crontab, run by the real cron in accelerated time.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
-command -v faketime >/dev/null || skip 'no faketime here, to let an hour pass in a second'
+command -v faketime >/dev/null || skip 'faketime, which accelerates time, is not installed'
 
-# The device's cron makes room for one whose minutes take a second. Its jobs see the real time.
+# Replaces the device's cron by one with minutes of one second. Its jobs see the real time.
 kill "$(cat /run/crond.pid)"
 cron_at() { # cron_at 'DATE TIME'
     faketime -f "@$1 x60" cron -f 2>/dev/null &
@@ -18,7 +18,7 @@ end_cron() {
 updates() { grep -c updated /var/log/web_contents_updater.log; }
 has_updated() { [ -e /var/log/web_contents_updater.log ]; }
 
-it 'sets the time at the full hour, by the server that is set'
+it 'sets the time every hour, from the server that is set'
 run velkctl set ntp-server time.example
 status_is 0
 run crontab -l
@@ -30,7 +30,7 @@ end_cron
 run velkctl get ntp-result
 output_is reached
 
-it 'does not while that is switched off'
+it 'does not set the time while that is disabled'
 run velkctl set ntp off
 status_is 0
 run velkctl set web-update every 1h
@@ -40,7 +40,7 @@ soon has_updated
 check 'ntp.log' absent "$([ -e /var/libvelk/ntp.log ] && echo present || echo absent)"
 end_cron
 
-it 'does again when it is switched on, and says when the server cannot be reached'
+it 'sets the time again when enabled, and reports that the server cannot be reached'
 run velkctl set ntp on
 status_is 0
 velk-sandbox router out
@@ -51,7 +51,7 @@ velk-sandbox router in
 run velkctl get ntp-result
 output_is not-reached
 
-# The last date and time of each line is two minutes before the update.
+# The time on each line is about a minute before the update.
 it 'updates the web contents by each kind of schedule'
 while IFS='|' read -r schedule moment; do
     rm -f /var/log/web_contents_updater.log
@@ -72,7 +72,7 @@ monthly 31 08:30|2026-01-31 08:28:40
 monthly 31 08:30|2026-03-01 08:28:40
 END
 
-it 'does not on other days'
+it 'does not update on other days'
 velkctl set web-update weekly sunday 08:30
 rm -f /var/log/web_contents_updater.log
 cron_at '2026-01-05 08:28:40'

@@ -1,4 +1,4 @@
-# dhcp_options_test.sh - what the real DHCP client asks for, and what the scripts make of the answer.
+# dhcp_options_test.sh - the options that the real DHCP client requests, and their use by the scripts.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
@@ -9,7 +9,7 @@ always='1:netmask 3:router'
 velk-sandbox adapter out
 velkctl set eth0.method dhcp
 
-# Holds that both scripts are still the shell's after an edit, and that a lease comes of them.
+# Checks that both scripts are still valid for the shell after an edit, and that they get a lease.
 take_lease() {
     run sh -n /etc/dhclient-exit-hooks
     status_is 0
@@ -22,12 +22,12 @@ take_lease() {
     soon has_lease eth0 0
 }
 
-it 'asks for DNS servers, not for time servers, as the sample file has it'
+it 'requests DNS servers and no time servers, as in the sample file'
 take_lease
 check 'options' "$always 6:dns-server 15:domain-name 28:broadcast" "$(requested_options)"
 check 'resolver file' 'nameserver 192.168.0.1' "$(cat /etc/resolv.dnsmasq.conf)"
 
-it 'asks for time servers when they are wanted, and the clock hook asks the one that comes'
+it 'requests time servers when enabled, and the clock hook queries the received one'
 run velkctl set dhcp-ntp on
 status_is 0
 take_lease
@@ -36,7 +36,7 @@ soon grep 'adjust time server 192.168.0.1' /var/libvelk/ntp.log
 run velkctl get ntp-result
 output_is reached
 
-it 'leaves them, and the clock, alone when they are not'
+it 'requests no time servers when disabled, and does not query the time'
 run velkctl set dhcp-ntp off
 status_is 0
 take_lease
@@ -44,7 +44,7 @@ check 'options' "$always 6:dns-server 15:domain-name 28:broadcast" "$(requested_
 soon grep 'printdhcpnotice eth0' /var/log/dhcp_notices.log
 check 'ntp.log' absent "$([ -e /var/libvelk/ntp.log ] && echo present || echo absent)"
 
-it 'neither asks for DNS servers nor installs one when the fixed ones are wanted'
+it 'neither requests nor uses DNS servers of a lease when the fixed ones are enabled'
 run velkctl set eth0.dhcp-dns off
 status_is 0
 run velkctl set eth0.dns 10.9.8.7 10.9.8.6
@@ -55,14 +55,14 @@ fixed='nameserver 10.9.8.7
 nameserver 10.9.8.6'
 check 'resolver file' "$fixed" "$(cat /etc/resolv.dnsmasq.conf)"
 
-it 'does both again when they are wanted again'
+it 'requests and uses them again when enabled again'
 run velkctl set eth0.dhcp-dns on
 status_is 0
 take_lease
 check 'options' "$always 6:dns-server 15:domain-name 28:broadcast" "$(requested_options)"
 check 'resolver file' 'nameserver 192.168.0.1' "$(cat /etc/resolv.dnsmasq.conf)"
 
-it 'ends the search for a link-local address with the lease, unless that is switched off'
+it 'ends the link-local daemon when a lease arrives, unless link-local is disabled'
 take_lease
 soon grep -x -- '-k eth0' /var/log/avahi-autoipd.log
 run velkctl set eth0.apipa off
@@ -75,7 +75,7 @@ status_is 0
 take_lease
 soon grep -x -- '-k eth0' /var/log/avahi-autoipd.log
 
-it 'prints notices of DHCP, unless they are switched off'
+it 'prints DHCP notices, unless they are disabled'
 check 'notices' 'printdhcpstart eth0' "$(head -n 1 /var/log/dhcp_notices.log)"
 check 'address in the notice' "printdhcpnotice eth0 $(kernel_address eth0 | sed 's:/24::')" \
     "$(tail -n 1 /var/log/dhcp_notices.log)"

@@ -1,18 +1,18 @@
-# link_test.sh - speed, duplex and link with the real ethtool on an interface that changes.
+# link_test.sh - speed, duplex and link, with the real ethtool on a tap interface.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 
-# What the kernel holds, by the machine's ethtool.
+# Prints the mode in the kernel, from the machine's ethtool.
 mode() {
     /usr/sbin/ethtool eth0 | sed -nE 's/^\t(Speed|Duplex|Auto-negotiation): //p' | paste -s -d ' '
 }
 carrier() { cat /sys/class/net/eth0/carrier; }
 
-it 'has no stand-in for ethtool here'
+it 'uses the real ethtool, not a stand-in'
 check 'program' ELF "$(head -c 4 "$(command -v ethtool)" | tr -d '\177')"
 
-it 'forces the port to each mode, and reads it back'
+it 'sets the port to each mode and reads it back'
 while read -r setting speed duplex negotiation; do
     run velkctl set eth0.link-speed "$setting"
     status_is 0
@@ -27,13 +27,13 @@ done <<END
 auto 10Mb/s Half on
 END
 
-it 'does not know a mode that it cannot set'
+it 'fails to get a mode that it cannot set'
 run ethtool -s eth0 speed 1000 duplex full autoneg off
 run velkctl get eth0.link-speed
 status_is 1
 velkctl set eth0.link-speed auto
 
-it 'sees the cable go and come'
+it 'detects when the cable is disconnected and connected'
 run velk-sandbox cable out
 status_is 0
 check 'carrier' 0 "$(carrier)"
@@ -45,20 +45,20 @@ check 'carrier' 1 "$(carrier)"
 run ping -c 1 -W 2 192.168.0.1
 status_is 0
 
-it 'refuses what the adapter tells of while the cable is in'
+it 'refuses to get values of the adapter while the cable is connected'
 for setting in mac-address hardware-version software-version standard region rate access-point signal; do
     run velkctl get eth1.$setting
     status_is 5
     output_is ''
 done
 
-it 'tells it while the cable is out'
+it 'gets values of the adapter while the cable is disconnected'
 velk-sandbox cable out
 run velkctl get eth1.mac-address eth1.hardware-version eth1.standard eth1.region
 status_is 0
 output_has 'eth1.mac-address = 020000000011'
 
-it 'tells the address of a lease of the adapter while the cable is out, and none while it is in'
+it 'gets the address of the adapter only while the cable is disconnected'
 run ifup eth1
 soon has_lease eth1 1
 run velkctl get eth1.address
@@ -69,7 +69,7 @@ status_is 0
 output_is none
 run ifdown eth1
 
-it 'takes the cable for out when the port is down'
+it 'treats the cable as disconnected while the port is down'
 ifconfig eth0 down
 run velkctl get eth1.mac-address
 status_is 0
@@ -77,7 +77,7 @@ ifconfig eth0 up
 run velkctl get eth1.mac-address
 status_is 5
 
-it 'says that there is no adapter, whatever the cable does'
+it 'reports a missing adapter with the cable connected and disconnected'
 velk-sandbox adapter out
 for position in in out; do
     velk-sandbox cable $position

@@ -1,14 +1,14 @@
-# restart_test.sh - a restart of the wireless interface, in each situation, with the daemon's view.
+# restart_test.sh - restarts of the wireless interface in each state, and the messages to the daemon.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
-[ -x "$VELK_BUILD/wland" ] || skip 'no wireless daemon here'
+[ -x "$VELK_BUILD/wland" ] || skip 'the wireless daemon wland is not built'
 
 log=/var/log/syslog/syslog_info.log.0
 
-# The daemon that the device comes with makes room for one that notes every request.
-talk_to_noting_daemon() {
+# Replaces the device's daemon by one that logs every request.
+start_logging_daemon() {
     local daemon
     daemon=$(cat /run/velk-sandbox/wland.pid)
     kill "$daemon"
@@ -21,7 +21,7 @@ forget() { busybox truncate -s 0 "$log"; }
 messages() { grep -c 'wland.*: the wireless interface was restarted' "$log"; }
 privileged() { sed -n 's/.* sudo: .*COMMAND=//p' "$log" | grep -v ethtool; }
 
-# Restarts with a fresh log, and waits until the log's own daemon has written all of it.
+# Restarts with an empty log, and waits until syslogd has written all lines.
 restart() {
     forget
     run velkctl restart eth1 "$@"
@@ -29,9 +29,9 @@ restart() {
     wait_until grep -q all-written "$log"
 }
 
-talk_to_noting_daemon
+start_logging_daemon
 
-it 'with the cable in: takes the interface down and up, without address, and tells the daemon nothing'
+it 'cable connected: takes the interface down and up without an address, no message to the daemon'
 restart
 status_is 0
 check 'messages' 0 "$(messages)"
@@ -40,7 +40,7 @@ check 'privileged commands' '/usr/sbin/ifdown eth1
 check 'address' '' "$(kernel_address eth1)"
 check 'flag' UP "$(ip -br link show eth1 | grep -ow UP | head -n 1)"
 
-it 'with the cable in and only a notice: does nothing at all'
+it 'cable connected, --notify-only: does nothing'
 restart --notify-only
 status_is 0
 check 'messages' 0 "$(messages)"
@@ -48,7 +48,7 @@ check 'privileged commands' '' "$(privileged)"
 
 velk-sandbox cable out
 
-it 'with the cable out: takes the interface down and up in the background, and tells the daemon'
+it 'cable disconnected: takes the interface down and up in the background, with a message to the daemon'
 restart
 status_is 0
 soon has_lease eth1 1
@@ -56,7 +56,7 @@ check 'messages' 1 "$(messages)"
 check 'privileged commands' '/usr/sbin/ifdown eth1
 /usr/sbin/ifup eth1' "$(privileged)"
 
-it 'with the cable out and only a notice: tells the daemon, and leaves the interface alone'
+it 'cable disconnected, --notify-only: sends a message to the daemon, interface unchanged'
 before=$(kernel_address eth1)
 restart --notify-only
 status_is 0
@@ -64,7 +64,7 @@ check 'messages' 1 "$(messages)"
 check 'privileged commands' '' "$(privileged)"
 check 'address' "$before" "$(kernel_address eth1)"
 
-it 'with the cable out: gives up the old lease for a new one'
+it 'cable disconnected: releases the old lease and gets a new one'
 forget_router_log
 restart
 status_is 0
@@ -72,7 +72,7 @@ soon has_lease eth1 1
 check 'leases given up' 1 "$(grep -c 'DHCPRELEASE(r1)' /var/log/router.log)"
 check 'leases taken' 1 "$(grep -c 'DHCPACK(r1)' /var/log/router.log)"
 
-it 'without a daemon: fails, but restarts the interface'
+it 'no daemon: fails, but restarts the interface'
 daemon=$(cat /run/velk-sandbox/wland.pid)
 kill "$daemon"
 wait_until daemon_is_gone "$daemon"
@@ -80,10 +80,10 @@ restart
 status_is 1
 soon has_lease eth1 1
 
-it 'without an adapter: does nothing at all, whatever is wanted'
+it 'no adapter: does nothing, with and without --notify-only'
 velk-sandbox adapter out
 for option in '' --notify-only; do
-    # shellcheck disable=SC2086  # no word for none
+    # shellcheck disable=SC2086  # empty: no argument
     restart $option
     status_is 4
     check 'privileged commands' '' "$(privileged)"

@@ -1,4 +1,4 @@
-# sandbox_test.sh - the device with the system's own tools: what it is made of, and how it ends.
+# sandbox_test.sh - the simulated device with the system's own tools (--real).
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
@@ -12,21 +12,22 @@ mark=$((300000 + $$)) # for a `sleep` that is recognised among all processes
 on_real_device() { run velk-sandbox --quiet --real -- sh -c "$1"; }
 yes_if() { "$@" >/dev/null 2>&1 && echo yes || echo no; }
 
-it 'is for root alone, which it says to others even below a folder that they may not enter'
+it 'requires root, and says so even if its folder cannot be read'
 mkdir -m 755 "$lib_folder/program"
 install -m 755 "$(command -v velk-sandbox)" "$lib_folder/program"
 run env -C "$lib_folder/program" setpriv --reuid 65534 --regid 65534 --clear-groups ./velk-sandbox --real -- true
 status_is 125
-error_is "velk-sandbox: only root may make a device with the system's own tools"
+error_is 'velk-sandbox: --real needs the rights of root
+  fix: run it with sudo'
 
-it 'takes a router out only of a device that has one'
+it 'accepts --no-router only with --real'
 run velk-sandbox --no-router -- true
 status_is 2
 
 starts_within 1000 --real --no-router
 starts_within 1000 --real
 
-it 'has the clock out of reach'
+it 'cannot set the clock'
 for set in CapEff CapPrm CapBnd; do
     on_real_device "sed -n 's/^$set:\t//p' /proc/self/status"
     check "CAP_SYS_TIME in $set" 0 "$((0x$output >> 25 & 1))"
@@ -34,7 +35,7 @@ for set in CapEff CapPrm CapBnd; do
     check "CAP_SYS_TIME in $set with sudo" 0 "$((0x$output >> 25 & 1))"
 done
 
-it 'is up and at work: services, address, gateway, name server, time server'
+it 'runs its services and reaches gateway, name server and time server'
 on_real_device 'for program in cron dnsmasq snmpd "busybox syslogd"; do pgrep -f "^$program" >/dev/null && echo $program; done
     ip -4 -o addr show eth0 | grep -o "192.168.0.10/24"; ip route show default | cut -d " " -f 3
     ping -c 1 -W 2 192.168.0.1 >/dev/null && echo pong
@@ -50,7 +51,7 @@ pong
 192.168.0.1
 adjust time server 192.168.0.1'
 
-it 'is up for a caller whose search path lacks the system folders, too'
+it 'runs its services also if the search path of the caller lacks the system folders'
 run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox --quiet --real -- pgrep -x 'cron|snmpd' -c
 status_is 0
 output_is 2
@@ -66,40 +67,25 @@ output_is /etc/velk-mine
 check 'folders of the machine' "$before" "$(listing)"
 check 'devices of the machine' no "$(yes_if test -e /dev/velk-mine)"
 
-it 'lets files be removed that lie on a file system of their own'
+it 'can remove files of other file systems than that of the root folder'
 run unshare --mount sh -c 'mount --bind /usr/sbin /usr/sbin &&
     velk-sandbox --quiet --real -- rm /usr/sbin/ethtool'
 status_is 0
 error_is ''
 
-it 'shows no disk of the machine'
-on_real_device 'ls /dev'
-output_is 'fd
-full
-log
-net
-null
-ptmx
-pts
-random
-shm
-stderr
-stdin
-stdout
-tty
-urandom
-zero'
+it 'has private device nodes only: no disk of the machine'
+dev_is_private --real log
 
-it 'keeps so much of what is changed, and no more'
+it 'limits the size of all changes'
 on_real_device 'echo $(($(stat -f -c "%b * %S" /))) $(($(stat -f -c "%b * %S" /tmp))) $(stat -f -c %c /)'
 output_is '536870912 67108864 131072'
 
-it 'leaves a folder writable that is to be'
+it 'keeps the folder of --writable writable'
 run velk-sandbox --quiet --real --writable "$lib_folder" -- sh -c 'echo kept >"$1"/file' sh "$lib_folder"
 status_is 0
 check 'file' kept "$(cat "$lib_folder/file")"
 
-it 'takes the device'"'"'s files from another folder, and the rest from its own'
+it 'replaces its own files by those of --rootfs'
 mkdir -p "$lib_folder/files/etc/network"
 printf '%s\n' 'auto lo' 'iface lo inet loopback' 'iface eth0 inet static' 'address 192.168.0.20' \
     'netmask 255.255.255.0' >"$lib_folder/files/etc/network/interfaces"
@@ -107,7 +93,7 @@ run velk-sandbox --quiet --real --rootfs "$lib_folder/files" -- sh -c 'ip -4 -o 
 output_has 192.168.0.20/24
 output_has 'nameserver 127.0.0.1'
 
-it 'moves cable, adapter and router, each by one command of another terminal'
+it 'connects and disconnects cable, adapter and router from another terminal'
 velk-sandbox --quiet --real --name "$name" -- sleep "$mark" &
 device=$!
 wait_until velk-sandbox enter --name "$name" -- pgrep -x sleep
@@ -130,11 +116,11 @@ status_is 0
 run velk-sandbox enter --name "$name" -- velkctl get eth1.mac-address
 status_is 5
 
-it 'has a router that can be visited, too'
+it 'runs commands on the router'
 run velk-sandbox enter --name "$name" -- ip netns exec router ping -c 1 -W 2 192.168.0.10
 status_is 0
 
-it 'ends with everything in it when it is killed'
+it 'ends all its processes when it is killed'
 namespace=$(velk-sandbox enter --name "$name" -- readlink /proc/self/ns/net)
 in_namespace() { readlink /proc/[0-9]*/ns/net 2>/dev/null | grep -cxF "$namespace"; }
 is_empty() { [ "$(in_namespace)" = 0 ]; }

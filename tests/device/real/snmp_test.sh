@@ -1,11 +1,11 @@
-# snmp_test.sh - who looks after the device and where it stands, asked of the real SNMP agent.
+# snmp_test.sh - administrator and location of the device, queried from the real SNMP agent.
 # shellcheck shell=bash
-# shellcheck disable=SC2016  # what looks like the shell's own is a value
+# shellcheck disable=SC2016  # values contain shell syntax
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
-command -v snmpget >/dev/null || skip 'no snmpget here'
+command -v snmpget >/dev/null || skip 'snmpget is not installed'
 
-# The value of an object, as its bytes in hexadecimal, so that nothing is made of it on the way.
+# Prints the bytes of an object in hexadecimal, so that no program interprets them.
 ask() {
     snmpget -v2c -c public -Oxqv -t 1 -r 5 127.0.0.1 "1.3.6.1.2.1.1.$1.0" | tr -d '" \n' | tr A-F a-f
 }
@@ -13,11 +13,11 @@ contact() { ask 4; }
 location() { ask 6; }
 bytes_of() { printf '%s' "$1" | od -An -v -tx1 | tr -d ' \n'; }
 
-it 'shows what the sample file holds'
+it 'returns the values of the sample file'
 check 'contact' "$(bytes_of Robin)" "$(contact)"
 check 'location' "$(bytes_of 'Second floor, by the window')" "$(location)"
 
-it 'shows a text as it was set, and runs nothing of it'
+it 'returns each text unchanged and executes none of it'
 while IFS= read -r value; do
     run velkctl set administrator "$value"
     status_is 0
@@ -42,15 +42,15 @@ $(printf '%255s' '' | tr ' ' x)
 END
 check 'canary' absent "$([ -e /tmp/canary ] && echo present || echo absent)"
 
-it 'shows two quotes for an empty text'
+it 'returns two quotes for an empty text'
 velkctl set location ''
 check 'location' "$(bytes_of '""')" "$(location)"
 
-it 'leaves out the blanks around a text, as the agent reads it'
+it 'returns a text without the blanks around it, as the agent reads it'
 velkctl set location '  in between  '
 check 'location' "$(bytes_of 'in between')" "$(location)"
 
-it 'knows nothing of a text that the agent takes for a comment, or for too long'
+it 'returns no text that the agent reads as a comment or as too long'
 for value in '# nine' "$(printf '%256s' '' | tr ' ' x)"; do
     run velkctl set location "$value"
     status_is 0
@@ -59,7 +59,7 @@ for value in '# nine' "$(printf '%256s' '' | tr ' ' x)"; do
     output_is "$value"
 done
 
-it 'leaves one agent running, however often it was restarted'
+it 'has one running agent after all restarts'
 check 'agents' 1 "$(pgrep -cx snmpd)"
 
 finish

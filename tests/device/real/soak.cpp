@@ -1,12 +1,12 @@
-// soak.cpp - sends random requests to a living device from several processes at once.
+// soak.cpp - sends random requests to a device from several processes at the same time.
 //
 //   soak SECONDS SEED
 //
-// One process keeps to the wireless daemon, which takes one query at a time; the others share the
-// rest. Values are such as a management program could send, or are refused by the library; what it
-// takes unchecked, it takes here only in a form that the file's reader knows. Prints the number of
-// requests of each result. Fails when an answer is out of order, or when a process has more memory
-// or descriptors at the end than it had after a third of the time.
+// One process uses only the wireless daemon, which takes one query at a time. The others share the
+// rest. Values are valid, or are refused by the library; values that the library does not check are
+// in a form that the reader of the file accepts. Prints the number of requests with each result.
+// Fails if a response does not match its request, or if memory or descriptors of a process grow
+// after the first third of the time.
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -97,7 +97,7 @@ void Sender::Put(_velk_request& request, size_t at, const std::string& text) {
     memcpy(request.data + at, text.c_str(), text.size() + 1);
 }
 
-// Hours and weekdays are not checked by the library, days and the time's form are.
+// The library checks days and the form of the time, but not hours and weekdays.
 void Sender::FillSchedule(_velk_request& request) {
     const int type = OneOf({1, 2, 3, 4, 99, 0, 5});
     const int value = type == 4 ? Below(40) : Below(7) + 1;
@@ -133,7 +133,7 @@ void Sender::Fill(_velk_request& request) {
                 Put(request, server * 16, Quad());
             }
             break;
-        default:  // a switch or a mode, often one that there is not
+        default:  // a switch or a mode, often a value that is not valid
             request.data[0] = Below(4) == 0 ? Byte() : static_cast<char>(Below(6));
     }
 }
@@ -198,18 +198,18 @@ _velk_request Sender::Next() {
     return request;
 }
 
-bool IsInOrder(const _velk_request& request, const _velk_request& response, int result) {
+bool IsValidResponse(const _velk_request& request, const _velk_request& response, int result) {
     const bool known = result == 0 || result == -1 || (result <= -3 && result >= kFirstResult);
     return known && response.command_id == request.command_id &&
            response.command_type == request.command_type &&
            strncmp(response.interface, request.interface, kLongestName) == 0;
 }
 
-bool IsFlat(const Resources& before, const Resources& after) {
+bool IsConstant(const Resources& before, const Resources& after) {
     return after.descriptors == before.descriptors && after.memory <= before.memory + kMemorySlack;
 }
 
-// Returns whether all went well; `counts` are those of the results.
+// Sends requests for `time` and counts the results. Returns false on failure.
 bool Send(Sender& sender, std::chrono::seconds time, Counts& counts) {
     const Clock::time_point start = Clock::now();
     Resources early;
@@ -218,7 +218,7 @@ bool Send(Sender& sender, std::chrono::seconds time, Counts& counts) {
         _velk_request response;
         memset(&response, 0x55, sizeof(response));
         const int result = execute_velk_command(&request, &response);
-        if (!IsInOrder(request, response, result)) {
+        if (!IsValidResponse(request, response, result)) {
             (void)fprintf(stderr, "soak: type %u, id %u: result %d\n", request.command_type,
                           request.command_id, result);
             return false;
@@ -231,15 +231,15 @@ bool Send(Sender& sender, std::chrono::seconds time, Counts& counts) {
     const Resources late = Measure();
     (void)fprintf(stderr, "soak: memory %ld to %ld KiB, descriptors %ld to %ld\n", early.memory,
                   late.memory, early.descriptors, late.descriptors);
-    return early.descriptors > 0 && IsFlat(early, late);
+    return early.descriptors > 0 && IsConstant(early, late);
 }
 
-[[noreturn]] void BeWorker(int number, int seconds, int seed, int report) {
+[[noreturn]] void RunWorker(int number, int seconds, int seed, int report) {
     Sender sender(static_cast<unsigned>(seed + number), number == 0);
     Counts counts{};
-    const bool well = Send(sender, std::chrono::seconds(seconds), counts);
+    const bool succeeded = Send(sender, std::chrono::seconds(seconds), counts);
     (void)!write(report, counts.data(), sizeof(counts));
-    _exit(well ? EXIT_SUCCESS : EXIT_FAILURE);
+    _exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
 }  // namespace
@@ -252,7 +252,7 @@ int main(int argc, char** argv) {
     }
     for (int number = 0; number < kProcesses; ++number) {
         if (fork() == 0) {
-            BeWorker(number, atoi(argv[1]), atoi(argv[2]), ends[1]);
+            RunWorker(number, atoi(argv[1]), atoi(argv[2]), ends[1]);
         }
     }
     (void)close(ends[1]);
@@ -264,12 +264,12 @@ int main(int argc, char** argv) {
             sum[i] += part[i];
         }
     }
-    bool well = reports == kProcesses;
+    bool succeeded = reports == kProcesses;
     for (int status; wait(&status) > 0;) {
-        well = well && WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+        succeeded = succeeded && WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
     }
     for (size_t i = 0; i < kResults; ++i) {
         (void)printf("%d: %ld\n", static_cast<int>(i) + kFirstResult, sum[i]);
     }
-    return well ? EXIT_SUCCESS : EXIT_FAILURE;
+    return succeeded ? EXIT_SUCCESS : EXIT_FAILURE;
 }

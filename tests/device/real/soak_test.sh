@@ -1,5 +1,5 @@
-# soak_test.sh - random requests from several processes, and what is left of them afterwards.
-# VELK_SOAK_SECONDS and VELK_SOAK_SEED set how long and which; the seed is printed.
+# soak_test.sh - sends random requests from several processes and checks the state of the device.
+# VELK_SOAK_SECONDS and VELK_SOAK_SEED set duration and seed. The seed is printed.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
@@ -9,12 +9,12 @@ seconds=${VELK_SOAK_SECONDS:-20}
 seed=${VELK_SOAK_SEED:-$((RANDOM * 32768 + RANDOM))}
 echo "seed $seed, $seconds seconds"
 
-# What a sanitizer keeps of freed memory would pass for a leak.
+# The address sanitizer keeps freed memory, which would count as a leak.
 export ASAN_OPTIONS=quarantine_size_mb=1
 
 files='/etc/network/interfaces /etc/dhclient.conf /etc/dhclient-exit-hooks /sbin/dhclient-script
     /etc/resolv.dnsmasq.conf /var/cron/tabs/root /var/libvelk/libvelk'
-# The agent's file is another one after each edit.
+# Each edit replaces this file, so its inode changes.
 agents_file=/usr/local/share/etc/snmp/snmpd.conf
 
 # shellcheck disable=SC2009  # names, not numbers
@@ -24,29 +24,29 @@ facts() { stat -c '%n %i %u:%g %a' $files && stat -c '%n %u:%g %a' $agents_file;
 is_quiet() { [ "$processes_before" = "$(processes)" ]; }
 results() { sed -n "s/^$1: //p" <<<"$soak"; }
 
-# The sets change addresses that are there; a static adapter without any would be no interface.
+# The sets only change existing address lines. A static interface without an address is not valid.
 printf '\taddress 192.168.1.10\n\tnetmask 255.255.255.0\n' >>/etc/network/interfaces
 
-# Asking for an option that is asked for already adds it to the next statement in scope as well. Only
-# a request survives that.
+# Requesting an option a second time adds it to the next statement in the block, too. Only a request
+# statement stays valid with it.
 sed -i '/send dhcp-client-identifier/d' /etc/dhclient.conf
 
-# So that an address of its own does not outlive the lease.
+# Releases the lease, so that the address of the adapter is removed.
 run ifdown eth1
 processes_before=$(processes)
 sockets_before=$(find /tmp -type s | sort)
 semaphores_before=$(ls /dev/shm)
 facts_before=$(facts)
 
-# Meanwhile somebody plays with the cable.
+# Meanwhile the cable is disconnected and connected again and again.
 while sleep 1; do
     velk-sandbox cable out
     sleep 0.5
     velk-sandbox cable in
 done &
-player=$!
+cable_loop=$!
 
-it 'answers thousands of requests, each with a result that it knows, and stays flat'
+it 'answers thousands of requests with known results and constant memory'
 run "$VELK_BUILD/tests/device/soak" "$seconds" "$seed"
 status_is 0
 soak=$output
@@ -57,17 +57,17 @@ check "requests: $total" yes "$([ "$total" -ge 2000 ] && echo yes || echo no)"
 for result in 0 -1 -3 -4; do
     check "results $result: $(results $result)" yes "$([ "$(results $result)" -gt 0 ] && echo yes || echo no)"
 done
-kill "$player"
-wait "$player" 2>/dev/null
+kill "$cable_loop"
+wait "$cable_loop" 2>/dev/null
 velk-sandbox cable in
 
-it 'leaves no process'
+it 'leaves no process running'
 run ifdown --force eth1
 pkill dhclient
 soon is_quiet
 check 'processes' "$processes_before" "$(processes)"
 
-it 'leaves no edit copy but an empty one, which a refused switch leaves until the next set'
+it 'leaves only empty edit copies, of refused switches, which the next set removes'
 run find /var/tmp -type f -size +0
 output_is ''
 for setting in eth0.method=static eth0.apipa=on ntp=on; do
@@ -75,7 +75,7 @@ for setting in eth0.method=static eth0.apipa=on ntp=on; do
     status_is 0
 done
 
-it 'leaves no lock, socket, semaphore and edit copy'
+it 'leaves no lock, socket, semaphore or edit copy'
 for lock in /var/tmp/vklib_lock /var/tmp; do
     run flock -n $lock true
     status_is 0
@@ -87,7 +87,7 @@ check 'semaphores' "$semaphores_before" "$(ls /dev/shm)"
 it 'keeps inode, owner and mode of each file'
 check 'facts' "$facts_before" "$(facts)"
 
-it 'leaves an interfaces file that ifupdown takes'
+it 'leaves an interfaces file that is valid for ifupdown'
 run ifquery --list
 status_is 0
 output_is 'lo
@@ -98,19 +98,19 @@ for interface in eth0 eth1; do
     status_is 0
 done
 
-it 'leaves hooks and a client script that the shell takes'
+it 'leaves hooks and a client script that are valid for the shell'
 run sh -n /etc/dhclient-exit-hooks
 status_is 0
 run sh -n /sbin/dhclient-script
 status_is 0
 
-it 'leaves a crontab that cron takes'
+it 'leaves a crontab that is valid for cron'
 run crontab -n /var/cron/tabs/root
 status_is 0
 
-it 'leaves a resolver file that the forwarder takes'
-# Whatever the last restart made of eth0, the router is to be reached; and the forwarder, which looks
-# at the second of a change, is to see this one.
+it 'leaves a resolver file that is valid for the forwarder'
+# Makes the router reachable after any last restart. The sleep lets the forwarder notice the change:
+# it compares times in seconds.
 velk-sandbox cable in
 ip link set eth0 up
 ip addr replace 192.168.0.10/24 dev eth0
@@ -120,13 +120,13 @@ soon getent ahostsv4 router.example
 run grep -vE '^nameserver [0-9.]+$' /etc/resolv.dnsmasq.conf
 output_is ''
 
-it 'leaves a settings file and an agent that say the same'
+it 'leaves a settings file and an agent with the same value'
 run velkctl set location cellar
 status_is 0
 run snmpget -v2c -c public -Oqv -t 1 -r 5 127.0.0.1 1.3.6.1.2.1.1.6.0
 output_is '"cellar"'
 
-it 'leaves a DHCP client that brings a lease'
+it 'leaves a DHCP client that gets a lease'
 velkctl set eth0.method static
 velkctl set eth0.method dhcp
 velkctl set eth0.link-speed auto

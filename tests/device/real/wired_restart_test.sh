@@ -1,4 +1,4 @@
-# wired_restart_test.sh - a restart of the wired port with the adapter present: more than a minute.
+# wired_restart_test.sh - a restart of the wired port with the adapter connected. It takes over a minute.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name
 # shellcheck source=tests/device/real/lib.sh
@@ -8,7 +8,7 @@ log=/var/log/syslog/syslog_info.log.0
 has_address() { [ "$(kernel_address eth0)" = 192.168.0.55/24 ]; }
 privileged() { sed -n 's/.* sudo: .*COMMAND=//p' "$log" | grep -v ethtool; }
 
-it 'restarts the wired port alone within seven seconds while the cable is out'
+it 'restarts only the wired port, in about seven seconds, while the cable is disconnected'
 velk-sandbox cable out
 busybox truncate -s 0 "$log"
 SECONDS=0
@@ -19,7 +19,7 @@ check "took $took seconds" yes "$([ "$took" -ge 6 ] && [ "$took" -le 8 ] && echo
 check 'privileged commands' '/usr/sbin/ifdown eth0
 /usr/sbin/ifup eth0' "$(privileged)"
 
-it 'brings up the wired port at once, and the wireless one twice, half a minute apart each'
+it 'restarts the wired port at once, and the wireless one twice, at intervals of half a minute'
 velk-sandbox cable in
 busybox truncate -s 0 "$log"
 forget_router_log
@@ -29,14 +29,14 @@ velkctl restart eth0 >"$lib_folder/restart" 2>&1 &
 restart=$!
 soon has_address
 
-it 'refuses a set meanwhile, and answers a get'
+it 'refuses a set during the restart, and answers a get'
 run velkctl set location cellar
 status_is 3
 run velkctl get location
 status_is 0
 output_is 'Second floor, by the window'
 
-it 'is done after little more than a minute'
+it 'ends after a little more than a minute'
 wait "$restart"
 status=$?
 took=$SECONDS
@@ -52,7 +52,7 @@ check 'leases of the wireless port' 2 "$(grep -c 'DHCPACK(r1)' /var/log/router.l
 soon has_lease eth1 1
 check 'address of the wired port' 192.168.0.55/24 "$(kernel_address eth0)"
 
-it 'takes sets again'
+it 'accepts sets again'
 run velkctl set location cellar
 status_is 0
 

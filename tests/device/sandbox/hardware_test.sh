@@ -1,5 +1,5 @@
-# hardware_test.sh - the device's interfaces, its cable, its adapter and the stand-ins for tools.
-# Run by root, it runs a second time as an ordinary user, from a copy which that user can read.
+# hardware_test.sh - the interfaces, cable and adapter of the simulated device, and the stand-ins.
+# Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash disable=SC2016
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
@@ -7,15 +7,15 @@ needs_sandbox
 
 this_file=$(realpath "$0")
 user=$(id -u)
-mark=$((200000 + $$)) # for a `sleep` that is recognised among all processes
+mark=$((200000 + $$)) # unique argument of `sleep`, to find its process
 
-# --- words of this file ---
+# --- functions of this file ---
 
-words='
+functions='
     cable() { velk-sandbox cable "$1" || echo "cable $1: $?"; }
     adapter() { velk-sandbox adapter "$1" || echo "adapter $1: $?"; }
     link() { ethtool eth0 | sed -n "s/.*Link detected: //p"; }
-    # The result and the data bytes of a get, without blanks.
+    # Prints the result and the data bytes of a get, without blanks.
     get() {
         velkctl call get "$1" "$2" | sed -E "1s/.*\((.*)\).*/\1/; s/^[0-9a-f]{8}  ?//
             s/  *\|.*//; /^[0-9a-f]{8}\$/d; 2,\$s/ //g" | paste -s -d " "
@@ -24,17 +24,17 @@ words='
     daemons() { cat /proc/[0-9]*/comm 2>/dev/null | grep -cx wland; }
 '
 
-# Runs a shell line on a device with these words.
-on_desk() {
-    on_device sh -c "$words$1"
+# Runs a shell line on a device with these functions.
+on_device_sh() {
+    on_device sh -c "$functions$1"
     lib_command=$1
 }
 
-# Runs a command where some files of the machine are of no use.
+# Runs a command in a mount namespace where some files of the machine are replaced by /dev/null.
 run_without() { # FILE... -- COMMAND...
     local root=--map-root-user
     [ "$user" != 0 ] || root=
-    # shellcheck disable=SC2086  # no word for root
+    # shellcheck disable=SC2086  # empty for root
     run unshare $root --mount sh -c 'while [ "$1" != -- ]; do
             mount --bind /dev/null "$1" || exit 99
             shift
@@ -51,8 +51,8 @@ has_daemon=$([ -x "$VELK_BUILD/wland" ] && echo 1 || echo 0)
 
 # --- interfaces ---
 
-it 'has a wired port with the address of the interfaces file, and an adapter without one'
-on_desk 'for port in eth0 eth1; do
+it 'has a wired port with the address of the interfaces file, and an adapter without address'
+on_device_sh 'for port in eth0 eth1; do
         cat /sys/class/net/$port/address /sys/class/net/$port/carrier
         ip -4 -o addr show $port | sed -E "s/.*inet ([^ ]*) brd ([^ ]*) .*/\1 \2/"
     done'
@@ -63,7 +63,7 @@ output_is '02:00:00:00:00:10
 1'
 error_is ''
 
-it 'takes the address from the interfaces file that it has'
+it 'takes the address from the interfaces file of --rootfs'
 mkdir -p "$lib_folder/files/etc/network"
 chmod -R a+rX "$lib_folder"
 printf '%s\n' 'iface eth1 inet static' 'address 10.0.0.1' 'netmask 255.0.0.0' \
@@ -72,20 +72,20 @@ printf '%s\n' 'iface eth1 inet static' 'address 10.0.0.1' 'netmask 255.0.0.0' \
 run velk-sandbox --quiet --rootfs "$lib_folder/files" -- ip -4 -o addr show eth0
 output_has 'inet 10.1.2.3/16 brd 10.1.255.255'
 
-it 'does without an address when that is not static'
+it 'sets no address if it is not static'
 echo 'iface eth0 inet dhcp' >"$lib_folder/files/etc/network/interfaces"
 run velk-sandbox --quiet --rootfs "$lib_folder/files" -- ip -4 -o addr show eth0
 status_is 0
 output_is ''
 
-it 'shows them as the library reads them'
-on_desk 'get 101 eth0; get 201 eth0'
+it 'has interfaces that the library can read'
+on_device_sh 'get 101 eth0; get 201 eth0'
 output_is '0 303230303030303030303130
 0 01'
 
-it 'prints addresses as the device does'
+it 'prints addresses in the format of the device'
 if command -v busybox >/dev/null; then
-    on_desk 'sudo ifconfig eth0 10.2.3.4 netmask 255.255.255.0
+    on_device_sh 'sudo ifconfig eth0 10.2.3.4 netmask 255.255.255.0
         ifconfig eth0 | grep -c "inet addr:10.2.3.4 "
         sudo route add default gw 10.2.3.1 && route -n | sed -n "s/^0.0.0.0  *\([^ ]*\) .*/\1/p"'
     output_is '1
@@ -94,7 +94,7 @@ if command -v busybox >/dev/null; then
 fi
 
 it 'keeps each link mode that is set'
-on_desk 'for mode in 02 03 04 05 01; do set_speed $mode; get 201 eth0; done'
+on_device_sh 'for mode in 02 03 04 05 01; do set_speed $mode; get 201 eth0; done'
 output_is '0
 0 02
 0
@@ -107,8 +107,8 @@ output_is '0
 0 01'
 error_is ''
 
-it 'shows the mode and the link as ethtool does'
-on_desk 'sudo ethtool -s eth0 speed 10 duplex half autoneg off
+it 'prints mode and link in the format of ethtool'
+on_device_sh 'sudo ethtool -s eth0 speed 10 duplex half autoneg off
     sudo /usr/sbin/ethtool eth0 | grep -E "^.(Speed|Duplex|Auto-negotiation|Link detected):"
     for words in "-s eth0 speed ten" "-s eth0 speed" nix; do
         ethtool $words >/tmp/out 2>/tmp/errors; echo $?; [ -s /tmp/errors ] || echo silent
@@ -123,8 +123,8 @@ output_is '	Speed: 10Mb/s
 
 # --- the cable ---
 
-it 'pulls and plugs the cable'
-on_desk 'link; cable out; link; cable out; link; cable in; link; cat /sys/class/net/eth1/carrier'
+it 'disconnects and connects the cable'
+on_device_sh 'link; cable out; link; cable out; link; cable in; link; cat /sys/class/net/eth1/carrier'
 output_is 'yes
 no
 no
@@ -133,28 +133,28 @@ yes
 status_is 0
 error_is ''
 
-it 'lets the library see the cable'
-on_desk 'get 101 eth1; cable out; get 101 eth1; cable in; get 101 eth1'
+it 'has a cable that the library detects'
+on_device_sh 'get 101 eth1; cable out; get 101 eth1; cable in; get 101 eth1'
 output_is '-6
 0 303230303030303030303131
 -6'
 
-it 'keeps the link mode while the cable is out'
-on_desk 'set_speed 04; cable out; get 201 eth0; set_speed 03; cable in; get 201 eth0'
+it 'keeps the link mode while the cable is disconnected'
+on_device_sh 'set_speed 04; cable out; get 201 eth0; set_speed 03; cable in; get 201 eth0'
 output_is '0
 0 04
 0
 0 03'
 
-it 'sees no link on a port that is down'
-on_desk 'ip link set eth0 down; link; ip link set eth0 up; link'
+it 'reports no link on a port that is down'
+on_device_sh 'ip link set eth0 down; link; ip link set eth0 up; link'
 output_is 'no
 yes'
 
 # --- the adapter ---
 
-it 'pulls and plugs the adapter'
-on_desk 'ls /sys/class/net; grep -c ^T: /proc/bus/usb/devices; adapter out; adapter out; echo out
+it 'disconnects and connects the adapter'
+on_device_sh 'ls /sys/class/net; grep -c ^T: /proc/bus/usb/devices; adapter out; adapter out; echo out
     ls /sys/class/net; grep -c ^T: /proc/bus/usb/devices; adapter in; adapter in; echo in
     ls /sys/class/net; cat /sys/class/net/eth1/address /sys/class/net/eth1/carrier'
 output_is 'eth0
@@ -174,20 +174,20 @@ lo
 status_is 0
 error_is ''
 
-it 'leaves the list of USB devices as it was, whatever the umask'
-run sh -c 'umask 077; exec velk-sandbox --quiet -- sh -c "$1"' sh "$words
+it 'restores the list of USB devices independently of the umask'
+run sh -c 'umask 077; exec velk-sandbox --quiet -- sh -c "$1"' sh "$functions
     "'cp /proc/bus/usb/devices /tmp; adapter out; adapter in; stat -c %a /proc/bus/usb/devices
     cmp /tmp/devices /proc/bus/usb/devices; ls /proc/bus/usb'
 output_is '644
 devices'
 
-it 'lets the wireless daemon be told on every kind of interfaces'
+it 'controls the wireless daemon with each kind of interfaces'
 run_without /dev/net/tun -- velk-sandbox --quiet -- wland --tell normal
 status_is 0
 error_is ''
 
-it 'lets the library see the adapter'
-on_desk 'cable out; adapter out; get 101 eth1; adapter in; get 101 eth1; adapter out; cable in
+it 'has an adapter that the library detects'
+on_device_sh 'cable out; adapter out; get 101 eth1; adapter in; get 101 eth1; adapter out; cable in
     get 101 eth1; adapter in; get 101 eth1'
 output_is '-5
 0 303230303030303030303131
@@ -195,8 +195,8 @@ output_is '-5
 -6'
 
 if [ "$has_daemon" = 1 ]; then
-    it 'runs the wireless daemon while the adapter is in'
-    on_desk 'daemons; [ -S /tmp/WlanAplToWlanSock ] && get 303 eth1 | cut -c 1; adapter out; daemons
+    it 'runs the wireless daemon while the adapter is connected'
+    on_device_sh 'daemons; [ -S /tmp/WlanAplToWlanSock ] && get 303 eth1 | cut -c 1; adapter out; daemons
         adapter in; daemons; [ -S /tmp/WlanAplToWlanSock ] && get 303 eth1 | cut -c 1
         kill "$(cat /run/velk-sandbox/wland.pid)"; adapter out; adapter in; daemons'
     output_is '1
@@ -208,7 +208,7 @@ if [ "$has_daemon" = 1 ]; then
     error_is ''
 fi
 
-it 'does without a wireless daemon that is not there'
+it 'works without the wireless daemon'
 mkdir "$lib_folder/bare"
 cp -R "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/bare"
 chmod -R a+rX "$lib_folder"
@@ -217,7 +217,7 @@ run "$lib_folder/bare/velk-sandbox" -- sh -c 'velk-sandbox adapter out && velk-s
 output_is /sys/class/net/eth1/address
 check 'complaints' '' "$(echo "$error" | grep -i daemon)"
 
-it 'says when the wireless daemon does not start'
+it 'reports that the wireless daemon did not start'
 printf '%s\n' '#!/bin/sh' 'exit 3' >"$lib_folder/bare/wland"
 chmod a+rx "$lib_folder/bare/wland"
 run "$lib_folder/bare/velk-sandbox" -- sh -c 'velk-sandbox adapter out && velk-sandbox adapter in
@@ -225,11 +225,11 @@ run "$lib_folder/bare/velk-sandbox" -- sh -c 'velk-sandbox adapter out && velk-s
 output_is '125
 /sys/class/net/eth1'
 check 'complaints' 2 \
-    "$(echo "$error" | grep -c '^velk-sandbox: the wireless daemon does not start$')"
+    "$(echo "$error" | grep -c '^velk-sandbox: the wireless daemon did not start$')"
 
-# --- what is refused ---
+# --- errors ---
 
-it 'refuses positions that there are not'
+it 'refuses positions that are not valid'
 for arguments in cable adapter 'cable sideways' 'cable in out' 'adapter in --quiet'; do
     # shellcheck disable=SC2086  # words
     on_device velk-sandbox $arguments
@@ -238,13 +238,13 @@ for arguments in cable adapter 'cable sideways' 'cable in out' 'adapter in --qui
     check 'start of errors' 'velk-sandbox: ' "${error:0:14}"
 done
 
-it 'goes on without hardware that has ended'
-on_desk 'kill -KILL 2; while kill -0 2 2>/dev/null; do sleep 0.01; done; cable in'
+it 'continues if the hardware process has ended'
+on_device_sh 'kill -KILL 2; while kill -0 2 2>/dev/null; do sleep 0.01; done; cable in'
 output_is 'cable in: 125'
 check 'lines of errors' 1 "$(echo "$error" | wc -l)"
 
-it 'survives the removal of its interfaces, and what is no order'
-on_desk 'ip link del eth0; ip link del eth1
+it 'continues after removal of its interfaces and an unknown order'
+on_device_sh 'ip link del eth0; ip link del eth1
     python3 -c "
 import socket
 other = socket.socket(socket.AF_UNIX, socket.SOCK_SEQPACKET)
@@ -254,13 +254,13 @@ print(other.recv(99).decode())"
     adapter out; adapter in; ls /sys/class/net; sleep 0.3
     read -r _ _ _ _ _ _ _ _ _ _ _ _ _ user_ticks system_ticks _ </proc/2/stat
     [ $((user_ticks + system_ticks)) -lt 20 ] && echo idle'
-output_is 'the hardware does not know how to: kettle on
+output_is 'unknown order: kettle on
 eth1
 lo
 idle'
 
-it 'has the other kind of interfaces where taps are not to be had'
-run_without /dev/net/tun -- velk-sandbox -- sh -c "$words"'cd /sys/class/net; echo *; set_speed 05
+it 'has veth interfaces if taps are not available'
+run_without /dev/net/tun -- velk-sandbox -- sh -c "$functions"'cd /sys/class/net; echo *; set_speed 05
     get 201 eth0; cable out; get 101 eth1; adapter out; echo *; adapter in; cable in; link'
 output_is 'eth0 eth1 lo
 0
@@ -268,10 +268,10 @@ output_is 'eth0 eth1 lo
 0 303230303030303030303131
 eth0 lo
 yes'
-error_has 'stand-ins take the place of '
+error_has '  stand-ins: '
 error_has 'ethtool'
 
-it 'goes on without interfaces when there are none to be had, and says so'
+it 'continues without interfaces if none can be made, and reports it'
 run_without /dev/net/tun "$(readlink -f "$(PATH=$PATH:/usr/sbin:/sbin command -v ip)")" -- \
     velk-sandbox -- sh -c 'cd /sys/class/net; echo *; velk-sandbox cable in; echo $?
         velk-sandbox adapter out; echo $?; grep -c ^T: /proc/bus/usb/devices; velk-sandbox adapter in'
@@ -279,17 +279,17 @@ output_is 'lo
 125
 0
 1'
-error_has 'velk-sandbox: no eth0 and eth1: ip(8) is not installed, and this user may not make taps
-velk-sandbox: this device has no interfaces, and so no cable'
+error_has 'velk-sandbox: eth0 and eth1 are missing: ip(8) is not installed and /dev/net/tun cannot be opened
+velk-sandbox: this device has no interfaces, so it has no cable'
 
 # --- stand-ins ---
 
-it 'names its stand-ins at the start, and puts them first'
+it 'lists its stand-ins at the start, and puts them first in the search path'
 run velk-sandbox -- sh -c 'ls /run/velk-sandbox/bin; for tool in $(ls /run/velk-sandbox/bin); do
     command -v $tool; readlink /usr/sbin/$tool; done'
-named=$(echo "$error" | sed -nE 's/ and /, /; s/^velk-sandbox: stand-ins take the place of (.*)\.$/\1/p' |
+named=$(echo "$error" | sed -nE 's/^  stand-ins: //p' |
     sed 's/, /\n/g' | sort)
-has 'stand-ins' snmpd "$named" # which is no tool on the search path
+has 'stand-ins' snmpd "$named" # it is not in the search path
 named=$(echo "$named" | grep -v snmpd)
 expected=$named
 for tool in $named; do
@@ -302,7 +302,7 @@ elif [ -r /dev/net/tun ] && [ -x /usr/sbin/ethtool ] && [ -x /usr/bin/sudo ]; th
     check 'stand-ins of root' '' "$(echo "$named" | grep -e ethtool -e sudo)"
 fi
 
-it 'has an ethtool that refuses what the real one refuses'
+it 'has an ethtool that refuses the same arguments as the real one'
 on_device sh -c 'tool=$1/stand-ins/ethtool
     for words in "" -x ../eth0 "eth0 eth1" "-s eth0" "-s eth0 speed 1x" "-s eth0 duplex both" \
         "-s eth0 autoneg" "-s eth0 colour red" "-s eth9 speed 10"; do
@@ -320,10 +320,10 @@ output_is '1 0 2
 1 0 2 -s eth0 colour red
 75 0 1 -s eth9 speed 10'
 
-# --- all at once ---
+# --- concurrent programs ---
 
-it 'answers right when two programs read at once'
-on_desk 'cable out; set_speed 03
+it 'returns correct values to two programs that read at the same time'
+on_device_sh 'cable out; set_speed 03
     for _ in $(seq 150); do get 201 eth0; done >/tmp/speeds &
     for _ in $(seq 150); do get 101 eth1; done >/tmp/addresses
     wait; for answers in /tmp/speeds /tmp/addresses; do sort $answers | uniq -c | tr -s " "; done'
@@ -332,8 +332,8 @@ output_is '0
  150 0 303230303030303030303131'
 error_is ''
 
-it 'answers right when a program reads what another one sets'
-on_desk 'set_speed 02 >/tmp/results
+it 'returns correct values to a program while another one sets them'
+on_device_sh 'set_speed 02 >/tmp/results
     for _ in $(seq 30); do set_speed 03; set_speed 02; done >>/tmp/results &
     for _ in $(seq 60); do get 201 eth0; done >/tmp/speeds
     wait; sort /tmp/results | uniq -c | tr -s " "; sort -u /tmp/speeds'
@@ -344,7 +344,7 @@ error_is ''
 
 # --- the end ---
 
-it 'takes everything with it'
+it 'leaves no process and no interface on the machine'
 run velk-sandbox --quiet -- sh -c "sleep $mark & velk-sandbox cable out; velk-sandbox adapter out"
 status_is 0
 check 'processes left' '' "$(sleepers)"

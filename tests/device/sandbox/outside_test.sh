@@ -1,16 +1,16 @@
-# outside_test.sh - a running device as other terminals of the machine reach it.
-# Run by root, it runs a second time as an ordinary user, from a copy which that user can read.
+# outside_test.sh - access to a running device from other terminals of the machine.
+# Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
 needs_sandbox
-[ ! -e /run/velk-sandbox ] || skip 'this is a device itself'
+[ ! -e /run/velk-sandbox ] || skip 'this machine is itself a simulated device'
 
 this_file=$(realpath "$0")
 name=outside.$$
 
-# Starts a device with a command that has time, and waits until it is there.
+# Starts a device with a long command, and waits until the command runs.
 start_device() { # start_device NAME OPTION...
     velk-sandbox --quiet --name "$@" -- sh -c 'trap "exit 0" TERM; echo ready >/tmp/ready; sleep 60 & wait' &
     device=$!
@@ -23,26 +23,28 @@ end_device() {
 inside() { run velk-sandbox enter --name "$name" -- "$@"; }
 is_listed() { velk-sandbox list | grep -qx "$1" && echo listed || echo not; }
 
-# Runs a shell line where no other device can be seen: the names live in the network.
+# Runs a shell line in a new network namespace, where no other device is visible.
 alone() {
     local root=--map-root-user
     [ "$(id -u)" != 0 ] || root=
-    # shellcheck disable=SC2086  # no word for root
+    # shellcheck disable=SC2086  # empty for root
     run unshare $root --net bash -c "$1"
 }
 
-it 'says that there is no device, or none of that name'
+it 'reports that no device is running, or none of that name'
 for arguments in 'cable in' 'adapter out' 'router in' 'enter' 'watch'; do
     alone "velk-sandbox $arguments"
     status_is 125
-    error_is 'velk-sandbox: no device is running here'
+    error_is 'velk-sandbox: no device is running
+  fix: start one with velk-sandbox'
     # shellcheck disable=SC2086  # words
     run velk-sandbox $arguments --name "$name.none"
     status_is 125
-    error_is "velk-sandbox: no device named $name.none is running"
+    error_is "velk-sandbox: no device named $name.none is running
+  fix: see the names with velk-sandbox list"
 done
 
-it 'reaches the only device without a name, and asks for one when there are several'
+it 'reaches the only device without a name, and requires one if there are several'
 alone 'velk-sandbox --quiet -- sleep 60 & one=$!
     until velk-sandbox enter -- true; do sleep 0.05; done 2>/dev/null
     velk-sandbox list; velk-sandbox enter -- hostname
@@ -55,28 +57,30 @@ velk
 1
 two
 125'
-error_has 'velk-sandbox: several devices are running: 1, two; choose one with --name'
+error_has 'velk-sandbox: several devices are running: 1, two
+  fix: choose one with --name'
 
-it 'takes a name only once, and none that cannot be one'
+it 'refuses a name in use, and names that are not valid'
 start_device "$name"
 check 'name' listed "$(is_listed "$name")"
 run velk-sandbox --quiet --name "$name" -- true
 status_is 125
-error_is "velk-sandbox: a device named $name is running already"
+error_is "velk-sandbox: a device named $name is already running
+  fix: choose another name with --name"
 for bad in 'a/b' 'a b' "$(printf '%33s' '' | tr ' ' x)"; do
     run velk-sandbox --quiet --name "$bad" -- true
     status_is 125
-    error_has "'$bad' cannot be a name"
+    error_has "'$bad' is not a valid name"
 done
 
-it 'shows bytes that the terminal would obey, or that the locale lacks, in digits'
+it 'escapes control characters and characters that the locale lacks'
 run velk-sandbox enter --name $'\e[31mä\tb\n\xe2\x80\xaec'
 status_is 125
-error_has "'\\x1b[31m\\xc3\\xa4	b\\x0a\\xe2\\x80\\xaec' cannot be a name"
+error_has "'\\x1b[31m\\xc3\\xa4	b\\x0a\\xe2\\x80\\xaec' is not a valid name"
 run env LC_ALL=C.UTF-8 velk-sandbox enter --name $'\e[31mä\tb\n\xe2\x80\xaec'
-error_has "'\\x1b[31mä	b\\x0a\\xe2\\x80\\xaec' cannot be a name"
+error_has "'\\x1b[31mä	b\\x0a\\xe2\\x80\\xaec' is not a valid name"
 
-it 'moves cable and adapter from outside'
+it 'connects and disconnects cable and adapter from outside'
 for position in out in; do
     run velk-sandbox cable $position --name "$name"
     status_is 0
@@ -90,12 +94,13 @@ for position in out in; do
     output_is "$([ $position = in ] && echo 1 || echo 0)"
 done
 
-it 'says that this device has no router'
+it 'reports that the device has no router'
 run velk-sandbox router in --name "$name"
 status_is 125
-error_is 'velk-sandbox: this device has no router; one made with --real has'
+error_is 'velk-sandbox: this device has no router
+  fix: start the device with --real'
 
-it 'lets others in: same files, same network, same processes, and no clock'
+it 'enters the device: same files, network and processes, and no right to set the clock'
 inside sh -c 'hostname; id -u; cat /tmp/ready; velkctl set location attic; pwd
     cat /proc/1/comm; cat /sys/class/net/eth0/address'
 status_is 0
@@ -112,7 +117,7 @@ for set in CapEff CapBnd; do
     check "CAP_SYS_TIME in $set" 0 "$((0x$output >> 25 & 1))"
 done
 
-it 'ends with the exit status of the visitor'
+it 'returns the exit status of the entered command'
 inside sh -c 'exit 7'
 status_is 7
 inside sh -c 'kill -KILL $$'
@@ -120,7 +125,7 @@ status_is 137
 inside no-such-program
 status_is 127
 
-it 'shows each change of a file as it happens'
+it 'prints each change of a file'
 velk-sandbox watch --name "$name" >"$lib_folder/watched" 2>"$lib_folder/watch-errors" &
 watcher=$!
 wait_until grep -q watching "$lib_folder/watch-errors"
@@ -143,14 +148,14 @@ check 'changes' '--- /etc/resolv.dnsmasq.conf
  30 01 * * 0 perl /usr/bin/web_contents_updater.pl' \
     "$(sed -E 's/\t[0-9]{2}:[0-9]{2}:[0-9]{2}$/\tTIME/' "$lib_folder/watched")"
 
-it 'shows files that come and go'
+it 'prints files that are made and removed'
 inside sh -c 'echo one >/var/libvelk/ntp.log'
 wait_until grep -q '^+one' "$lib_folder/watched"
 inside rm /var/libvelk/ntp.log
 wait_until grep -q '^-one' "$lib_folder/watched"
-check 'line that comes and goes' '+one -one' "$(grep '^.one' "$lib_folder/watched" | paste -s -d ' ')"
+check 'added and removed line' '+one -one' "$(grep '^.one' "$lib_folder/watched" | paste -s -d ' ')"
 
-it 'shows bytes of files, and of their names, that the terminal would obey in digits'
+it 'escapes control characters in files and in their names'
 inside sh -c 'printf "\033[31mred\tand\0more\r\n" >"$(printf "/var/libvelk/a\033[1m\nb")"'
 wait_until grep -q red "$lib_folder/watched"
 check 'change' '--- /var/libvelk/a\x1b[1m\x0ab
@@ -158,13 +163,13 @@ check 'change' '--- /var/libvelk/a\x1b[1m\x0ab
 @@ -0,0 +1 @@
 +\x1b[31mred	and\x00more\x0d' "$(tail -n 4 "$lib_folder/watched" | sed -E 's/\t[0-9]{2}:[0-9]{2}:[0-9]{2}$/\tTIME/')"
 
-it 'ends its visitors when it is killed, and leaves no name'
-velk-sandbox enter --name "$name" -- sh -c 'echo >/tmp/visited; exec sleep 60' 2>/dev/null &
-visitor=$!
-wait_until velk-sandbox enter --name "$name" -- test -e /tmp/visited
+it 'ends entered commands when it is killed, and frees its name'
+velk-sandbox enter --name "$name" -- sh -c 'echo >/tmp/entered; exec sleep 60' 2>/dev/null &
+entered=$!
+wait_until velk-sandbox enter --name "$name" -- test -e /tmp/entered
 end_device
-wait "$visitor"
-check 'status of a visitor' 137 "$?"
+wait "$entered"
+check 'status of an entered command' 137 "$?"
 wait "$watcher"
 check 'status of the watcher' 137 "$?"
 check 'name' not "$(is_listed "$name")"

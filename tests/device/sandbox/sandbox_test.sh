@@ -1,5 +1,5 @@
-# sandbox_test.sh - the device on the desk: what is private, what stays, and that it ends.
-# Run by root, it runs a second time as an ordinary user, from a copy which that user can read.
+# sandbox_test.sh - the simulated device: private files, visible files, exit statuses and its end.
+# Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash disable=SC2016
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
@@ -7,15 +7,15 @@ needs_sandbox
 
 this_file=$(realpath "$0")
 user=$(id -u)
-mark=velk-sandbox-test-$$-$user # a name that nobody else's files have
-seconds=$((100000 + $$))        # for a `sleep` that is recognised among all processes
+mark=velk-sandbox-test-$$-$user # a unique file name
+seconds=$((100000 + $$))        # unique argument of `sleep`, to find its process
 
-# --- words of this file ---
+# --- functions of this file ---
 
 # Runs a shell line on a device.
 on_device_sh() { on_device sh -c "$1"; }
 
-# Runs a shell line where it can mount what it likes over the machine's folders.
+# Runs a shell line in a private mount namespace.
 on_other_mounts() {
     if [ "$user" = 0 ]; then
         run unshare --mount sh -c "$1" sh "${@:2}"
@@ -34,13 +34,13 @@ ends_all_processes() {
     sleepers | xargs -r kill
 }
 
-# Names, kinds and link targets in a folder.
+# Prints name, type and link target of each entry of a folder.
 entries() { find "$1/" -maxdepth 1 ! -name dhclient-script -printf '%f %y %l\n' 2>&1 | sort; }
 
-# Of these tools the device may have others.
+# Removes tools that the device may replace.
 without_tools() { grep -vE '^(ethtool|ifconfig|route|sudo) '; }
 
-# The machine's own things that lie where the device has its own, and what else it may have touched.
+# Prints the state of everything on the machine that the device could have changed.
 machine_state() {
     local folder
     for folder in /etc /etc/network /usr/sbin /usr/local/share /var /var/lib /var/cron /var/libvelk \
@@ -56,10 +56,10 @@ machine_state() {
     hostname
 }
 
-# Says whether capability 25, setting the clock, is in a line of /proc/PID/status: 1 or 0.
+# Prints 1 if capability 25, CAP_SYS_TIME, is in a line of /proc/PID/status, else 0.
 clock_bit() { echo $((0x${1##*:?} >> 25 & 1)); }
 
-# Types lines at a terminal, each after a moment, to a program that runs there.
+# Runs a program at a terminal and types lines to it, half a second apart.
 at_terminal() { # at_terminal PROGRAM LINE...
     local program=$1 line
     shift
@@ -74,7 +74,7 @@ at_terminal() { # at_terminal PROGRAM LINE...
 
 machine_before=$(machine_state)
 
-# --- what is there ---
+# --- files and folders ---
 
 while read -r mode file; do
     it "has $file"
@@ -110,7 +110,7 @@ done <<'END'
 755 /var/libvelk
 END
 
-it 'gives files their modes whatever the umask'
+it 'sets the modes of files independently of the umask'
 run sh -c 'umask 077; velk-sandbox --quiet -- stat -c %a /etc/network /etc/dhclient.conf /run/lock'
 output_is '755
 644
@@ -120,12 +120,12 @@ it 'has no network hooks and no interfaces of the machine'
 on_device_sh 'cd /etc/network && find . -type f'
 output_is ./interfaces
 
-it 'ships scripts that a shell understands'
+it 'has scripts that are valid for a shell'
 on_device_sh 'sh -n /sbin/dhclient-script && sh -n /etc/dhclient-exit-hooks'
 status_is 0
 error_is ''
 
-it 'shows the other files of a folder that holds files of the device'
+it 'shows the other files of a folder that contains files of the device'
 on_device_sh "$(declare -f entries without_tools); entries /usr/sbin | without_tools
     cksum </etc/passwd"
 output_is "$(
@@ -134,7 +134,7 @@ output_is "$(
 )"
 check 'entries of /usr/sbin' many "$([ "$(echo "$output" | wc -l)" -gt 20 ] && echo many)"
 
-it 'takes its files from another folder on request'
+it 'takes its files from the folder of --rootfs'
 mkdir -p "$lib_folder/files/etc/network/deeper"
 echo 'of my own' >"$lib_folder/files/etc/network/deeper/file"
 ln -s deeper/file "$lib_folder/files/etc/network/link"
@@ -144,9 +144,9 @@ output_is 'of my own'
 error_has /etc/network/interfaces
 error_has /etc/dhclient.conf
 
-# --- what is private ---
+# --- private files, network and processes ---
 
-it 'lets its files be edited in place'
+it 'can edit its files in place'
 on_device_sh 'cd /etc; before=$(stat -c "%i %a %u" dhclient.conf)
     sed s/eth0/ethX/ dhclient.conf >/var/tmp/dhclient.conf
     cat /var/tmp/dhclient.conf >dhclient.conf && rm /var/tmp/dhclient.conf
@@ -154,7 +154,7 @@ on_device_sh 'cd /etc; before=$(stat -c "%i %a %u" dhclient.conf)
 output_is 1
 error_is ''
 
-it 'lets its files be made, renamed and removed'
+it 'can make, rename and remove files'
 on_device_sh 'for folder in /etc /sbin /etc/network /var/cron/tabs /var/libvelk /proc/bus/usb \
         /usr/local/share/etc/snmp /usr/local/share/apps/wlan /var/lib/dhcp /var/log/syslog; do
         cd $folder && echo text >new && mv new newer && rm newer || echo "not in $folder"
@@ -163,24 +163,24 @@ on_device_sh 'for folder in /etc /sbin /etc/network /var/cron/tabs /var/libvelk 
 output_is moved
 error_is ''
 
-it 'leaves nothing of what is written there'
-on_device_sh "for place in /tmp /var/tmp /dev/shm /run /etc /sbin /var /var/lib /var/log /var/libvelk
-    do echo text >\$place/$mark || exit; done; hostname $mark; ls /tmp/$mark"
+it 'writes no file to the machine'
+on_device_sh "for folder in /tmp /var/tmp /dev/shm /run /etc /sbin /var /var/lib /var/log /var/libvelk
+    do echo text >\$folder/$mark || exit; done; hostname $mark; ls /tmp/$mark"
 output_is "/tmp/$mark"
 error_is ''
-for place in /tmp /var/tmp /dev/shm /run /etc /sbin /var /var/lib /var/log /var/libvelk; do
-    check "$place/$mark outside" absent "$([ -e "$place/$mark" ] && echo there || echo absent)"
+for folder in /tmp /var/tmp /dev/shm /run /etc /sbin /var /var/lib /var/log /var/libvelk; do
+    check "$folder/$mark outside" absent "$([ -e "$folder/$mark" ] && echo present || echo absent)"
 done
 on_device_sh "ls /etc/$mark"
 status_is 2
 
-it 'starts with empty private places'
+it 'starts with empty private folders'
 on_device find /var/tmp /dev/shm /run -mindepth 1 ! -path '/run/velk-sandbox*' ! -path /run/lock \
     ! -path /run/network ! -path /run/network/ifstate
 output_is ''
 
-# Each attempt would do no harm if it succeeded.
-it 'keeps the rest of the machine from being written'
+# Each attempt would be harmless if it succeeded.
+it 'cannot write to the rest of the machine'
 on_device_sh "touch /usr/$mark"
 status_is 1
 error_has 'Read-only file system'
@@ -196,7 +196,7 @@ if [ "$user" = 0 ]; then
     done
 fi
 
-it 'leaves the settings of its network writable'
+it 'can write the settings of its own network'
 on_device_sh 'echo 1 >/proc/sys/net/ipv4/ip_forward && cat /proc/sys/net/ipv4/ip_forward'
 output_is 1
 
@@ -208,7 +208,7 @@ while read -r set; do
 done <<<"$output"
 
 if setpriv --inh-caps=+sys_time --ambient-caps=+sys_time true 2>/dev/null; then
-    it 'cannot set the clock when the right to is handed down'
+    it 'cannot set the clock even with an inherited right to do so'
     run setpriv --inh-caps=+sys_time --ambient-caps=+sys_time \
         velk-sandbox --quiet -- grep ^Cap /proc/self/status
     while read -r set; do
@@ -216,7 +216,7 @@ if setpriv --inh-caps=+sys_time --ambient-caps=+sys_time true 2>/dev/null; then
     done <<<"$output"
 fi
 
-it 'has namespaces of its own'
+it 'has private namespaces'
 for namespace in ipc mnt net pid uts; do
     on_device readlink "/proc/self/ns/$namespace"
     has namespace "$namespace:" "$output"
@@ -224,7 +224,7 @@ for namespace in ipc mnt net pid uts; do
         "$([ "$output" = "$(readlink "/proc/self/ns/$namespace")" ] && echo yes || echo no)"
 done
 
-it 'has a network of its own with lo up'
+it 'has a private network with lo up'
 on_device_sh 'ls /sys/class/net; sed -n "3,\$s/ *\(.*\):.*/\1/p" /proc/net/dev | sort
     cat /sys/class/net/lo/flags'
 output_is 'eth0
@@ -235,7 +235,7 @@ eth1
 lo
 0x9'
 
-it 'has processes of its own'
+it 'has private processes'
 on_device_sh 'cd /proc && for process in [0-9]*; do
         [ $process = $$ ] && echo "this one" || cat $process/comm
     done'
@@ -243,22 +243,8 @@ output_is "velk-sandbox
 velk-hardware$([ -x "$VELK_BUILD/wland" ] && printf '\nwland')
 this one"
 
-it 'has devices of its own alone: no disk, no log of the machine'
-on_device ls /dev
-output_is 'fd
-full
-net
-null
-ptmx
-pts
-random
-shm
-stderr
-stdin
-stdout
-tty
-urandom
-zero'
+it 'has private device nodes only: no disk and no log of the machine'
+dev_is_private '' ''
 on_device_sh 'stat -c "%F" /dev/* /dev/*/* | sort -u'
 output_is 'character special file
 directory
@@ -280,10 +266,10 @@ output_is /dev/null
 error_is "ls: cannot access '/dev/log': No such file or directory
 ls: cannot access '/dev/kmsg': No such file or directory"
 
-it 'has memory of its own, so much and no more'
+it 'limits the size of its private folders'
 on_device_sh 'sed -nE "s/^velk ([^ ]*) tmpfs .*(,size=[^,]*,nr_inodes=[^, ]*).*/\1\2/p" /proc/mounts'
-for place in /dev /dev/shm /etc /run /tmp /usr/sbin /var /var/log /var/tmp; do
-    output_has "$place,size=65536k,nr_inodes=16384"
+for folder in /dev /dev/shm /etc /run /tmp /usr/sbin /var /var/log /var/tmp; do
+    output_has "$folder,size=65536k,nr_inodes=16384"
 done
 check 'file systems without these limits' '' \
     "$(echo "$output" | grep -v ',size=65536k,nr_inodes=16384$')"
@@ -297,9 +283,9 @@ it 'is named velk'
 on_device hostname
 output_is velk
 
-# --- folders that stay ---
+# --- folders that stay visible ---
 
-it 'works from a checkout under /tmp, which stays visible and read-only'
+it 'runs from a checkout under /tmp, which stays visible and read-only'
 mkdir "$lib_folder/checkout"
 cp -R --preserve=mode "$VELK_BUILD/velk-sandbox" "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/checkout"
 cd "$lib_folder/checkout" || exit
@@ -313,24 +299,24 @@ $lib_folder/checkout/velk-sandbox
 ${lib_folder#/tmp/}"
 error_has 'Read-only file system'
 
-it 'keeps folders writable on request'
+it 'keeps the folders of --writable writable'
 mkdir "$lib_folder/checkout/a" "$lib_folder/b"
 run ./velk-sandbox --quiet --writable a --writable "$lib_folder/b" -- \
     sh -c "touch a/new '$lib_folder/b/new' && touch new"
 error_has 'Read-only file system'
 check 'files outside' 'a/new ../b/new' "$(echo a/n* ../b/n*)"
 
-it 'keeps the folder it stands in writable when a folder above is'
+it 'keeps the current folder writable if a parent folder is'
 run ./velk-sandbox --quiet --writable "$lib_folder" -- sh -c 'touch here'
 status_is 0
 check 'file outside' here "$(echo her*)"
 
-it 'can run a device on the device'
+it 'can run a second device inside the device'
 run ./velk-sandbox --quiet -- velk-sandbox --quiet -- sh -c 'cat file; stat -c %a /etc/dhclient.conf'
 output_is 'mine
 644'
 
-it 'does without a file that the machine has removed meanwhile'
+it 'starts even if the machine removes a file in the meantime'
 mkfifo "$lib_folder/started" "$lib_folder/removed"
 on_other_mounts 'mount -t tmpfs none /var/log && echo text >/var/log/file && echo text >/var/log/more
     exec 8<>"$1" 9<>"$2"
@@ -341,14 +327,14 @@ output_is 'more
 syslog'
 error_is ''
 
-it 'stands in a private place when started in one'
+it 'starts in a private folder if the current folder is replaced by one'
 cd /tmp || exit
 on_device sh -c 'pwd; ls -A . | grep -v "^tmp\."; touch new && ls new'
 has 'standard output' '/tmp' "$output"
 has 'standard output' 'new' "$output"
 cd "$lib_folder" || exit
 
-it 'can be started anywhere'
+it 'can be started in any folder'
 cd / || exit
 on_device readlink /proc/self/cwd
 output_is /
@@ -365,7 +351,7 @@ output_is "/run/velk-sandbox/bin:$VELK_BUILD:$VELK_BUILD:/usr/bin:/bin:/usr/loca
 
 # --- exit statuses and messages ---
 
-it 'answers with the status of the command'
+it 'returns the exit status of the command'
 on_device true
 status_is 0
 on_device_sh 'exit 42'
@@ -375,15 +361,15 @@ status_is 143
 on_device_sh 'kill -KILL $$'
 status_is 137
 
-it 'learns the status even when started with SIGCHLD ignored'
+it 'returns the exit status even if started with SIGCHLD ignored'
 run env --ignore-signal=CHLD velk-sandbox --quiet -- sh -c 'exit 9'
 status_is 9
 
-it 'hands the command its words to the letter'
+it 'passes arguments to the command unchanged'
 on_device printf '%s|' -- --quiet 'a b' ''
 output_is '--|--quiet|a b||'
 
-it 'says when a command is not found or cannot be run'
+it 'reports a command that is not found or cannot be run'
 run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox --quiet -- "$mark"
 status_is 127
 error_is "velk-sandbox: $mark: No such file or directory"
@@ -391,7 +377,7 @@ on_device /etc/passwd
 status_is 126
 error_is 'velk-sandbox: /etc/passwd: Permission denied'
 
-it 'refuses what it does not understand'
+it 'refuses arguments that are not valid'
 for words in --bogus '--quiet stray' --writable "--writable /$mark" "--rootfs /$mark"; do
     # shellcheck disable=SC2086
     run velk-sandbox $words
@@ -401,46 +387,49 @@ for words in --bogus '--quiet stray' --writable "--writable /$mark" "--rootfs /$
     check 'start of errors' 'velk-sandbox: ' "${error:0:14}"
 done
 
-it 'does not start with the whole machine writable'
+it 'refuses to keep the root folder writable'
 run velk-sandbox --writable / -- true
 status_is 125
-error_is 'velk-sandbox: the machine as a whole cannot stay writable'
+error_is 'velk-sandbox: the root folder cannot stay writable
+  fix: give --writable a folder below /'
 
-it 'says that the files of the device are missing'
+it 'reports that the files of the device are missing'
 mkdir "$lib_folder/alone"
 cp "$VELK_BUILD/velk-sandbox" "$lib_folder/alone"
 run "$lib_folder/alone/velk-sandbox" -- true
 status_is 125
-check 'error' "velk-sandbox: cannot read $lib_folder/alone/../share/velk-sandbox/WHAT: No such file or directory" \
-    "$(echo "$error" | sed -E 's,(share/velk-sandbox/)(rootfs|stand-ins/[a-z]+):,\1WHAT:,')"
+check 'error' "velk-sandbox: cannot read $lib_folder/alone/../share/velk-sandbox/FOLDER: No such file or directory" \
+    "$(echo "$error" | sed -E 's,(share/velk-sandbox/)(rootfs|stand-ins/[a-z]+):,\1FOLDER:,')"
 
-it 'finds them where they are installed'
+it 'finds the files of the device in the installed folder'
 mkdir -p "$lib_folder/share/velk-sandbox"
 cp -R --preserve=mode "$VELK_BUILD/rootfs" "$VELK_BUILD/stand-ins" "$lib_folder/share/velk-sandbox"
 run "$lib_folder/alone/velk-sandbox" --quiet -- head -n 1 /var/libvelk/libvelk
 output_is 'ADMINISTRATOR=Robin'
 
-it 'gives the reason when the kernel allows no namespaces'
+it 'reports that the kernel refuses namespaces'
 run unshare -r sh -c 'echo 0 >/proc/sys/user/max_mnt_namespaces || exit 99
     exec velk-sandbox -- true'
 if [ "$status" != 99 ]; then # as on a device, where that setting can only be read
     status_is 125
-    error_is "velk-sandbox: cannot make mount and network namespaces: the limit in /proc/sys/user is reached"
+    error_is "velk-sandbox: cannot make mount and network namespaces: the limit in /proc/sys/user is reached
+  fix: raise the max_*_namespaces limits in /proc/sys/user"
 fi
 
-it 'says at the start what it is, unless told to be quiet'
+it 'prints a description at the start, unless --quiet is given'
 run velk-sandbox -- true
 output_is ''
 error_has '/var/tmp'
-error_has 'the rest of the machine is read-only. Leave with "exit".'
-error_has 'from other terminals it is reached by the name of '
-check 'lines of errors' 3 "$(echo "$error" | grep -vc '^velk-sandbox: stand-ins take the place of ')"
+error_has '  read-only: the rest of the machine'
+error_has 'velk-sandbox: simulated device '
+error_has '; leave it with "exit"'
+check 'lines of errors' 3 "$(echo "$error" | grep -vc '^  stand-ins: ')"
 run velk-sandbox --writable "$lib_folder" -- true
-error_has "read-only, except $lib_folder."
+error_has "read-only: the rest of the machine, except $lib_folder"
 on_device true
 error_is ''
 
-it 'tells its options and its version'
+it 'prints its options and its version'
 run velk-sandbox --help
 status_is 0
 output_has 'Usage: velk-sandbox [OPTIONS] [-- COMMAND...]'
@@ -449,19 +438,19 @@ run velk-sandbox --version
 status_is 0
 output_has 'velk-sandbox '
 
-# --- signals and ends ---
+# --- signals and the end ---
 
 it 'starts the command with the default response to interrupt and quit'
 on_device sed -n 's/^SigIgn:\t//p' /proc/self/status
 check 'SIGINT and SIGQUIT among the ignored' 0 "$((0x$output & 6))"
 
-it 'collects the orphans'
+it 'reaps orphans'
 on_device_sh '(sleep 0.1 & echo $! >/tmp/orphan)
     for try in $(seq 600); do kill -0 $(cat /tmp/orphan) || break; sleep 0.1; done 2>/dev/null
     cat /proc/$(cat /tmp/orphan)/stat'
 output_is ''
 
-it 'ends what the command left behind'
+it 'ends background processes of the command'
 on_device_sh "sleep $seconds & setsid sleep $seconds & sleep 0.1"
 status_is 0
 ends_all_processes
@@ -471,14 +460,14 @@ for signal in KILL TERM HUP; do
     env --default-signal velk-sandbox --quiet -- \
         sh -c "sleep $seconds & setsid sleep $seconds" 2>"$lib_folder/err" &
     wait_until has_sleepers
-    check 'processes there' yes "$(has_sleepers && echo yes)"
+    check 'running processes' yes "$(has_sleepers && echo yes)"
     kill -s "$signal" $!
     wait $! 2>/dev/null
     ends_all_processes
 done
 
 if command -v script >/dev/null; then
-    it 'gives an interactive shell at a terminal'
+    it 'runs an interactive shell at a terminal'
     for shell in /bin/sh /bin/bash; do
         at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox" \
             'tty; echo answer-$((6 * 7))\n' 'sleep 10\n' '\003' 'echo still; exit 3\n'
@@ -489,7 +478,7 @@ if command -v script >/dev/null; then
         check 'complaints' '' "$(echo "$output" | grep -i -e 'job control' -e cannot -e "can't")"
     done
 
-    it 'takes the terminal back from a shell that was killed'
+    it 'takes the terminal back from a killed shell'
     at_terminal 'sh -c "env SHELL=/bin/bash HOME=/nonexistent velk-sandbox --quiet
         read -r line; echo got-\$line"' 'kill -9 $$\n' 'hello\n'
     output_has got-hello
@@ -499,7 +488,7 @@ if command -v script >/dev/null; then
     output_has caught
     status_is 7
 
-    it 'leaves the terminal to its neighbours in a pipeline'
+    it 'leaves the terminal to the other programs of a pipeline'
     at_terminal 'velk-sandbox --quiet -- sleep 1 |
         { sleep 0.3; read -r line </dev/tty; echo "got-$line"; }' 'hello\n'
     output_has got-hello
@@ -507,8 +496,8 @@ fi
 
 starts_within 500
 
-it 'leaves the machine as it was'
-lib_command='all of the above'
+it 'leaves the machine unchanged'
+lib_command='all commands of this file'
 check 'state of the machine' "$machine_before" "$(machine_state)"
 
 # --- again, as an ordinary user ---

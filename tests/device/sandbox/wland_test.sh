@@ -1,35 +1,35 @@
-# wland_test.sh - the wireless daemon for the desk, through the library and at its sockets.
+# wland_test.sh - the simulated wireless daemon, tested through the library and at its sockets.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
 needs_sandbox
-command -v python3 >/dev/null || skip 'no python3 here, to talk to the daemon with'
+command -v python3 >/dev/null || skip 'python3, which this test uses as a client of the daemon, is not installed'
 
-# --- words of this file ---
+# --- functions of this file ---
 
-# A checkout below /tmp stays visible on the device; the name that listings of /tmp leave out.
+# A checkout below /tmp stays visible on the device. KEPT is its name, omitted from listings of /tmp.
 KEPT=/
 case $VELK_BUILD in /tmp/*) KEPT=${VELK_BUILD#/tmp/} KEPT=${KEPT%%/*} ;; esac
 export KEPT
 
-# What the scripts on the device are written in.
-words='
+# Functions for scripts on the device.
+functions='
     ls() { command ls "$@" | grep -vxF "$KEPT" || :; }
 
-    # The one that the device comes with makes room.
+    # Ends the daemon that the device starts with.
     own=$(cat /run/velk-sandbox/wland.pid) && kill $own &&
         while kill -0 $own 2>/dev/null; do sleep 0.01; done
 
     mkdir /tmp/tools
-    # The only privileged line here asks for the cable.
+    # The only privileged command of these tests detects the cable.
     printf "%s\n" "#!/bin/sh" "[ \"\$*\" = \"/usr/sbin/ethtool eth0\" ] || exit" \
         "echo \" Link detected: \$(cat /tmp/tools/cable)\"" >/tmp/tools/sudo
     chmod +x /tmp/tools/sudo
     stand_in sudo /tmp/tools/sudo
     echo no >/tmp/tools/cable
 
-    # Waits up to a minute, as the machine may be busy, until a command says yes.
+    # Waits until a command succeeds. The limit is a minute, as the machine may be busy.
     wait_until() {
         for try in $(seq 600); do
             "$@" && return
@@ -43,9 +43,9 @@ words='
         running=$(cat /tmp/pid)
         kill "$running" && wait_until is_gone "$running"
     }
-    say_log() { cat /tmp/log; }
+    print_log() { cat /tmp/log; }
 
-    # Shows ids with their results and data bytes, a line each.
+    # Prints ids with their results and data bytes, one line each.
     get() {
         for id; do
             velkctl call get "$id" eth1 --show-secrets | sed -E "1s/.*\((.*)\).*/$id: \1/
@@ -56,7 +56,7 @@ words='
     set_to() { # ID OPTION VALUE
         velkctl call set "$1" eth1 "$2" "$3" | sed -E "s/.*\((.*)\).*/$1= \1/"
     }
-    # Starts a query that nobody will answer, and says whether it still waits after a second.
+    # Starts a query that gets no answer, and prints "waits" if it still runs after a second.
     wait_in_vain() {
         velkctl call get 303 eth1 >/tmp/answer &
         query=$!
@@ -65,13 +65,13 @@ words='
         kill -0 $query && echo waits
     }
     give_up() {
-        kill -KILL $query  # a signal that leaves it no time to tidy up
+        kill -KILL $query  # it cannot clean up
         wait $query || return 0
     } 2>/dev/null
 '
 
-# A program that talks to the daemon without the library.
-export TALK='
+# A client of the daemon that does not use the library.
+export CLIENT='
 import ctypes, os, socket, struct, sys, time
 
 def send(data):
@@ -89,7 +89,7 @@ def semaphore(posts):
     return ctypes.c_void_p(libc.sem_open(b"/WlanAplRecvSem", flags, 0o666, posts))
 
 def ask(kind):
-    """Posts only after half a second; tells when the reply came, and what it is."""
+    """Posts after half a second. Prints when the reply came, and returns it."""
     ready = semaphore(0)
     receiver = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
     receiver.bind("/tmp/WlanAplFromWlanSock")
@@ -119,7 +119,7 @@ if verb == "message":
 elif verb == "bytes":
     send(b"A" * int(arguments[0]))
 elif verb == "slow":
-    ready = semaphore(1)  # as one that was killed has left it
+    ready = semaphore(1)  # as a killed program leaves it
     send(message(3))
     time.sleep(0.5)
     receiver = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
@@ -146,24 +146,24 @@ elif verb == "occupy":
 '
 
 # Runs a script on a device.
-on_desk() {
-    on_device sh -c "$stand_in_word$words$1"
+on_device_sh() {
+    on_device sh -c "$stand_in_word$functions$1"
     lib_command=$1
 }
 
 # Runs a script on a device where the daemon runs in the background.
 with_wland() { # OPTIONS SCRIPT
-    on_desk "wland --background --pid-file /tmp/pid $1 || exit; $2"
+    on_device_sh "wland --background --pid-file /tmp/pid $1 || exit; $2"
 }
 
 # Runs a script on a device where the daemon, $daemon, logs to /tmp/log.
 with_log() { # OPTIONS SCRIPT
-    on_desk "wland $1 2>/tmp/log & daemon=\$!
+    on_device_sh "wland $1 2>/tmp/log & daemon=\$!
         wait_until test -S /tmp/WlanAplToWlanSock; $2"
 }
 
-# Runs a script that uses `talk`, after these words have run.
-talk='talk() { python3 -c "$TALK" "$@"; }
+# The function `client`, for scripts on the device.
+client='client() { python3 -c "$CLIENT" "$@"; }
 '
 
 # --- configuration ---
@@ -183,7 +183,7 @@ output_is '302: 0 01 |.|
 314: 0 73 61 6d 70 6c 65 2d 6b 65 79 2d 6f 66 2d 74 68 |sample-key-of-th| 65 2d 64 65 73 6b |e-desk|
 318: 0 03 |.|'
 
-it 'keeps what is set'
+it 'stores all values that are set'
 with_wland '' 'set_to 302 --hex 02; set_to 303 --text "a b"; set_to 304 --hex 0d
     set_to 306 --hex 02; set_to 307 --hex 04; set_to 308 --text 0123456789abc
     set_to 309 --text 12345; set_to 310 --text 0123456789
@@ -217,12 +217,12 @@ output_is '302= 0
 314: 0 6b 65 79 |key|
 318: 0 02 |.|'
 
-it 'is not changed by a value that is refused'
+it 'keeps its value if a set is refused'
 with_wland '' 'set_to 304 --hex 0e; get 304'
 output_is '304= -4
 304: 0 06 |.|'
 
-it 'starts afresh'
+it 'starts with the same configuration again'
 with_wland '' 'set_to 303 --text new; stop
     wland --background; get 303'
 output_is '303= 0
@@ -242,7 +242,7 @@ output_is '4: 0 31 2e 30 31 |1.01|
 316: 0 30 30 31 44 37 33 41 41 30 42 46 46 |001D73AA0BFF|
 317: 0 34 00 5f |4._|'
 
-it 'has a state that goes with the configuration'
+it 'reports a state that matches the configuration'
 with_wland '' 'set_to 318 --hex 02; get 301; set_to 302 --hex 02; get 316 317
     set_to 302 --hex 01; set_to 303 --text ""; get 315 316 317'
 output_is '318= 0
@@ -256,29 +256,29 @@ output_is '318= 0
 316: 0 30 30 30 30 30 30 30 30 30 30 30 30 |000000000000|
 317: 0'
 
-it 'is not asked for a state with the cable in or without an adapter'
+it 'gets no query for the state with the cable connected or without adapter'
 with_log --verbose 'echo yes >/tmp/tools/cable; get 316
     echo no >/tmp/tools/cable; : >/proc/bus/usb/devices; get 316; get 303
-    wait_until grep -q replied /tmp/log; say_log'
+    wait_until grep -q replied /tmp/log; print_log'
 output_is '316: -6
 316: -5
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
-wland: asked for the configuration
+wland: received a query for the configuration
 wland: replied with 240 bytes'
 
-it 'says that the interface was restarted'
+it 'logs that the interface was restarted'
 with_log '' 'velkctl call restart 1 eth1 --hex 02 >/tmp/answer && wait_until grep restarted /tmp/log'
 output_is 'wland: the wireless interface was restarted'
 
-# --- bad replies ---
+# --- faulty replies ---
 
-it 'can be silent'
-with_log '--verbose --reply silent' 'wait_in_vain; give_up; wait_until grep -q asked /tmp/log; say_log; cat /tmp/answer'
+it 'can send no reply'
+with_log '--verbose --reply silent' 'wait_in_vain; give_up; wait_until grep -q received /tmp/log; print_log; cat /tmp/answer'
 error_is ''
 output_is 'waits
-wland: asked for the configuration'
+wland: received a query for the configuration'
 
-it 'answers a query after one that was killed while it waited'
+it 'answers a query after a killed query'
 with_wland '--reply silent' 'wait_in_vain; give_up
     ls /dev/shm /tmp/WlanAplFromWlanSock; wland --tell normal
     start=$(date +%s); get 303; [ $(($(date +%s) - start)) -lt 30 ] && echo "in time"
@@ -293,24 +293,24 @@ sem.WlanAplRecvSem
 in time
 /tmp/WlanAplToWlanSock'
 
-it 'waits for the post that counts when another one was left behind'
-with_wland '' "$talk"'talk slow'
+it 'waits for the post of the program if an old post is left'
+with_wland '' "$client"'client slow'
 error_is ''
 output_is 240
 
-it 'can reply short'
+it 'can send a short reply'
 with_wland '--reply short' 'get 303 302 304'
 output_is '303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 302: 0 01 |.|
 304: 0'
 
-it 'can reply with nothing'
+it 'can send an empty reply'
 with_wland '--reply empty' 'get 303 302 304'
 output_is '303: 0
 302: 0 02 |.|
 304: 0'
 
-it 'can reply with garbage'
+it 'can send a reply of garbage'
 with_wland '--reply garbage' 'get 303 302 304 314 305 315'
 output_is '303: -1
 302: -1
@@ -319,30 +319,30 @@ output_is '303: -1
 305: -1 01 |.|
 315: 0 a5 a5 a5 a5 |....|'
 
-it 'can reply late'
+it 'can send a late reply'
 with_wland '--reply late --delay 0.7' 'start=$(date +%s%N); get 303
     took=$((($(date +%s%N) - start) / 1000000))
     [ $took -ge 700 ] && [ $took -lt 50000 ] && echo late || echo $took ms'
 output_is '303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 late'
 
-it 'replies too late unless told how late'
-with_log '--reply late' 'wait_in_vain; give_up; say_log'
+it 'sends late replies too late for any program without --delay'
+with_log '--reply late' 'wait_in_vain; give_up; print_log'
 output_is waits
 
-it 'says that nobody takes a late reply'
+it 'logs that a late reply is not delivered'
 with_log '--reply late --delay 5' 'wait_in_vain; give_up
     wait_until grep late /tmp/log'
 output_is 'waits
-wland: late reply not taken: Connection refused'
+wland: late reply not delivered: Connection refused'
 
-it 'says that nobody waits for its reply'
-with_log '' "$talk"'talk message 3; wait_until grep "no reply" /tmp/log'
-output_is 'wland: no reply sent, no semaphore: No such file or directory'
+it 'logs that no program waits for its reply'
+with_log '' "$client"'client message 3; wait_until grep "no reply" /tmp/log'
+output_is 'wland: no reply sent: cannot open the semaphore: No such file or directory'
 
-# --- told while it runs ---
+# --- orders while it runs ---
 
-it 'changes how it replies when told'
+it 'changes its reply mode on --tell'
 with_wland '' 'for mode in garbage short empty normal; do
         wland --tell $mode && get 303
     done
@@ -359,30 +359,30 @@ output_is '303: -1
 late
 waits'
 
-it 'drops late replies that are due when it is told anew'
+it 'drops pending late replies on --tell'
 with_log '--reply late --delay 5' 'wait_in_vain; give_up; wland --tell normal
-    get 303; sleep 5; say_log'
+    get 303; sleep 5; print_log'
 output_is 'waits
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
-wland: replies are normal'
+wland: the reply mode is normal'
 
-it 'keeps its delay when told of none'
+it 'keeps its delay on --tell without --delay'
 with_wland '--delay 0.6' 'wland --tell late; start=$(date +%s%N); get 303
     took=$((($(date +%s%N) - start) / 1000000))
     [ $took -ge 600 ] && [ $took -lt 50000 ] && echo late || echo $took ms'
 output_is '303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 late'
 
-it 'has none to tell'
-on_desk 'wland --tell normal'
+it 'reports on --tell that no daemon is running'
+on_device_sh 'wland --tell normal'
 status_is 1
 output_is ''
-error_is 'wland: none is running'
+error_is 'wland: the daemon is not running'
 
 # --- at its sockets ---
 
-it 'replies after the post, once, with the type and the record'
-with_wland '' "$talk"'talk ask 3; talk ask 4'
+it 'replies once, after the post, with type and record'
+with_wland '' "$client"'client ask 3; client ask 4'
 status_is 0
 error_is ''
 conf=080076656c6b2d6c6162$(printf '%048d' 0)010001000600010002000100000005006465736b31
@@ -393,21 +393,21 @@ after the post
 50726f6449443d30613132205265763d20312e3031$(printf '%054d' 0)322e342e31$(printf '%054d' 0)0100\
 $(printf '%088d' 0)001d73aa0bff000000000200000082848b9634005f"
 
-it 'does not even reply badly before the post'
+it 'sends faulty replies only after the post, too'
 for mode in short empty garbage 'late --delay 0'; do
-    with_wland "--reply $mode" "$talk"'talk ask 3 | cut -c 1-14'
+    with_wland "--reply $mode" "$client"'client ask 3 | cut -c 1-14'
     output_has 'after the post'
 done
 
 it 'keeps every byte of a configuration'
-with_wland '' "$talk"'talk store; talk is-stored'
+with_wland '' "$client"'client store; client is-stored'
 error_is ''
 output_is 'after the post
 True'
 
-it 'ignores what is no message, and says so'
-with_log '' "$talk"'talk bytes 0; talk bytes 1; talk bytes 239; talk bytes 241; talk bytes 70000
-    talk message 0; talk message 5; talk message -1; get 303; say_log'
+it 'ignores and logs messages that are not valid'
+with_log '' "$client"'client bytes 0; client bytes 1; client bytes 239; client bytes 241; client bytes 70000
+    client message 0; client message 5; client message -1; get 303; print_log'
 error_is ''
 output_is '303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
 wland: ignored a datagram of 0 bytes
@@ -419,7 +419,7 @@ wland: ignored a message of type 0
 wland: ignored a message of type 5
 wland: ignored a message of type -1'
 
-it 'takes requests of every user'
+it 'accepts requests of every user'
 with_wland '' 'stat -c "%F %a" /tmp/WlanAplToWlanSock'
 output_is 'socket 666'
 
@@ -432,9 +432,9 @@ output_is '314= 0
 
 # --- start and end ---
 
-it 'leaves nothing behind'
+it 'leaves no files'
 for signal in TERM INT; do
-    on_desk "wland --pid-file /tmp/pid & daemon=\$!
+    on_device_sh "wland --pid-file /tmp/pid & daemon=\$!
         wait_until test -S /tmp/WlanAplToWlanSock; wait_until test -s /tmp/pid
         [ \$(cat /tmp/pid) = \$daemon ] && echo its number; get 303
         kill -$signal \$daemon; wait \$daemon; echo \"ends with \$?\"; ls /tmp /dev/shm
@@ -446,17 +446,17 @@ ends with 0
 
 /tmp:
 tools'
-    error_is 'wland: none is running'
+    error_is 'wland: the daemon is not running'
 done
 
-it 'ends while it waits for a program to be ready'
-with_log '' "$talk"'talk make-semaphore; talk message 3; sleep 0.3; start=$(date +%s%N); kill $daemon; wait $daemon; echo "ends with $?"
+it 'can be ended while it waits for a post'
+with_log '' "$client"'client make-semaphore; client message 3; sleep 0.3; start=$(date +%s%N); kill $daemon; wait $daemon; echo "ends with $?"
     [ $((($(date +%s%N) - start) / 1000000)) -lt 2000 ] && echo soon; ls -d /tmp/W*'
 output_is 'ends with 0
 soon'
 
-it 'goes to the background once requests can be sent'
-on_desk 'wland --background --pid-file /tmp/pid && ls /tmp/WlanAplToWlanSock /tmp/pid
+it 'moves to the background once it accepts requests'
+on_device_sh 'wland --background --pid-file /tmp/pid && ls /tmp/WlanAplToWlanSock /tmp/pid
     readlink /proc/$(cat /tmp/pid)/fd/0 /proc/$(cat /tmp/pid)/fd/1 /proc/$(cat /tmp/pid)/fd/2 \
         /proc/$(cat /tmp/pid)/cwd
     stop; ls /tmp'
@@ -470,18 +470,18 @@ output_is '/tmp/WlanAplToWlanSock
 /
 tools'
 
-it 'removes a pid file that was named from where it started'
-on_desk 'cd /var/tmp && wland --background --pid-file here && cp here /tmp/pid; stop; ls /var/tmp'
+it 'removes a PID file with a relative path'
+on_device_sh 'cd /var/tmp && wland --background --pid-file here && cp here /tmp/pid; stop; ls /var/tmp'
 status_is 0
 output_is ''
 
-it 'refuses to be a second one'
+it 'refuses to run twice'
 with_wland '' 'for options in "" --background; do
         wland --pid-file /tmp/other $options; echo $?
     done
     get 303; ls /tmp'
-error_is 'wland: another one is running
-wland: another one is running'
+error_is 'wland: the daemon is already running
+wland: the daemon is already running'
 output_is '1
 1
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|
@@ -489,24 +489,24 @@ WlanAplToWlanSock
 pid
 tools'
 
-it 'leaves the socket of another daemon alone'
-on_desk "$talk"'talk occupy'
-error_is 'wland: another one is running'
+it 'keeps the socket of another daemon'
+on_device_sh "$client"'client occupy'
+error_is 'wland: the daemon is already running'
 output_is True
 
-it 'takes the place of one that was killed'
+it 'starts after a killed daemon'
 with_wland '' 'kill -KILL $(cat /tmp/pid); wait_until is_gone $(cat /tmp/pid); ls /tmp/W*
     wland --background && get 303'
 output_is '/tmp/WlanAplToWlanSock
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|'
 
-it 'takes the place of a socket that nobody serves'
-on_desk "$talk"'talk leave-socket; ls /tmp/W*; wland --background; get 303'
+it 'replaces a socket without a listener'
+on_device_sh "$client"'client leave-socket; ls /tmp/W*; wland --background; get 303'
 output_is '/tmp/WlanAplToWlanSock
 303: 0 76 65 6c 6b 2d 6c 61 62 |velk-lab|'
 
-it 'says why it cannot start, and leaves nothing behind'
-on_desk 'for options in "" --background; do
+it 'reports that it cannot start, and leaves no files'
+on_device_sh 'for options in "" --background; do
         wland --pid-file /nowhere/pid $options; echo $?; ls /tmp
     done'
 error_is 'wland: cannot make /nowhere/pid: No such file or directory
@@ -515,11 +515,11 @@ output_is '1
 tools
 1
 tools'
-on_desk 'mkdir /tmp/WlanAplToWlanSock; wland'
+on_device_sh 'mkdir /tmp/WlanAplToWlanSock; wland'
 status_is 1
 error_is 'wland: cannot make /tmp/WlanAplToWlanSock: Address already in use'
 
-it 'refuses what it does not understand'
+it 'refuses arguments that are not valid'
 for words_given in --bogus stray '--reply loud' --reply '--delay -1' '--delay nan' '--delay 1x' \
     '--delay 3601' --delay '--tell loud' '--tell normal --reply normal' '--tell normal --background' \
     '--tell normal --verbose' '--tell normal --pid-file file' $'two\nlines'; do
@@ -533,7 +533,7 @@ for words_given in --bogus stray '--reply loud' --reply '--delay -1' '--delay na
     check 'start of errors' 'wland: ' "${error:0:7}"
 done
 
-it 'tells its options and its version'
+it 'prints its options and its version'
 run wland --help
 status_is 0
 output_has '--tell MODE'

@@ -6,10 +6,10 @@
 
 needs_sandbox
 
-# Runs a script on a device; the file's own text stands in tests of the editors.
+# Runs a script on a device; other tests check the text of the file.
 script() { on_device sh -c "$1"; }
 
-it 'shows what the file holds'
+it 'shows the contents of the file'
 on_device velkctl get eth0.method eth0.address eth0.netmask eth0.gateway eth1.method
 status_is 0
 error_is ''
@@ -19,7 +19,7 @@ eth0.netmask = 255.255.255.0
 eth0.gateway = 192.168.0.1
 eth1.method = dhcp'
 
-it 'takes a static port to other addresses, and its gateway away'
+it 'changes the addresses of a static port, and removes its gateway'
 script '
     velkctl set eth0.address 10.1.2.3 && velkctl set eth0.netmask 255.255.0.0 &&
     velkctl set eth0.gateway 10.1.0.1 && velkctl get eth0.gateway &&
@@ -44,7 +44,7 @@ iface eth0 inet static
 auto eth1
 vklib_lock'
 
-it 'takes a port from static to DHCP and back, its block in the DHCP configuration with it'
+it 'changes a port from static to DHCP and back, with its block in the DHCP configuration'
 script '
     before=$(cat /etc/network/interfaces /etc/dhclient.conf)
     velkctl set eth0.method dhcp && velkctl get eth0.method
@@ -74,7 +74,7 @@ eth0.netmask = 255.255.255.0
 eth0.gateway = 172.16.5.1
 	address 192.168.0.10'
 
-it 'answers with the configured address of a static port, whatever the kernel holds'
+it 'answers with the configured address of a static port, also if the kernel has another'
 script 'ifconfig eth0 172.16.5.6 && velkctl get eth0.address'
 status_is 0
 error_is ''
@@ -100,16 +100,18 @@ it 'says that a gateway did not get into the last stanza of the file, and why'
 script 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
 status_is 6
 output_is ''
-error_is 'velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'; likely cause: /etc/network/interfaces:13: the stanza is the last one and has no gateway line; mend: add a line "gateway 192.168.0.1" to it'
+error_is 'velkctl: eth1.gateway: the library reported success, but the device holds '"'none'"'
+  likely cause: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
+  fix: add a line "gateway 192.168.0.1" to it'
 
-it 'says that an address cannot be checked behind a lease'
+it 'notes that an address is not checked while a lease is shown'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&
     grep address /etc/network/interfaces'
 status_is 0
 output_is '	address 10.0.0.7'
 error_is 'velkctl: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown'
 
-it 'refuses nonsense before it reaches a file'
+it 'refuses values that are not valid before they reach a file'
 for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.255.0' \
     'eth0.gateway 0.0.0.0' 'eth0.method bootp' 'eth0.apipa yes' 'eth1.dhcp-notice on' \
     'eth0.address 10.0.0.1 10.0.0.2'; do
@@ -120,7 +122,7 @@ for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.2
         exit \$status"
     status_is 2
     output_is ''
-    check 'one line of error' 1 "$(printf '%s\n' "$error" | grep -c '^velkctl: eth[01].*; give \|^velkctl: set: unknown')"
+    check 'one message' 1 "$(printf '%s\n' "${error//$'\n  '/; }" | grep -c '^velkctl: eth[01].*; \(fix: \)\?give \|^velkctl: set: unknown')"
 done
 
 it 'refuses an address with a second line in it'
@@ -129,7 +131,7 @@ script 'velkctl set eth0.address "10.0.0.1
 status_is 2
 output_is 0
 
-it 'switches the link-local address of each port for itself'
+it 'switches the link-local address of each port separately'
 script '
     velkctl get eth0.apipa eth1.apipa && velkctl set eth0.apipa off &&
     velkctl set eth1.apipa on && velkctl get eth0.apipa eth1.apipa &&
@@ -150,7 +152,7 @@ velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read'
 output_is '2
 0'
 
-it 'forgets the old address of a wired port that goes to DHCP'
+it 'removes the old address of a wired port that changes to DHCP'
 script 'echo 192.168.0.10 >/tmp/oldIPAddress; velkctl set eth1.method dhcp; ls /tmp/oldIPAddress
     velkctl set eth0.method dhcp; ls /tmp/oldIPAddress 2>/dev/null || echo gone'
 output_is '/tmp/oldIPAddress

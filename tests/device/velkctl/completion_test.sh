@@ -1,4 +1,4 @@
-# completion_test.sh - what bash and zsh offer when a command line of velkctl is completed.
+# completion_test.sh - the completion of velkctl's command line in bash and zsh.
 # shellcheck shell=bash
 # shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -11,7 +11,7 @@ ZSH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/_velkctl")
 export BASH_COMPLETION_FILE ZSH_COMPLETION_FILE
 
 # Completes lines on one device: `offered WORD... -- WORD...`, where the last word of each line is
-# the one being completed. Shows what is offered, a line each.
+# the one being completed. Shows the candidates, one a line.
 offered() {
     on_device bash -c '
         mkdir -p /tmp/keys/more && touch /tmp/keys/psk "/tmp/keys/wep key"
@@ -54,14 +54,14 @@ output_is '-h --help --version --json
 -h --help --json'
 
 # ---- settings ---------------------------------------------------------------------------------
-it 'offers for get what can be read, also behind other names'
+it 'offers readable settings for get, also after other names'
 offered get eth0. -- get eth0.dns nt -- get eth0.dhcp- -- get --value eth1.ps
 output_is 'eth0.mac-address eth0.method eth0.apipa eth0.address eth0.netmask eth0.gateway eth0.dhcp-dns eth0.dns eth0.link-speed
 ntp ntp-server ntp-result
 eth0.dhcp-dns
 eth1.psk'
 
-it 'offers for set what can be changed'
+it 'offers changeable settings for set'
 offered set eth0. -- set nt -- set eth1.r
 output_is 'eth0.method eth0.apipa eth0.address eth0.netmask eth0.gateway eth0.dhcp-dns eth0.dns eth0.dhcp-notice eth0.link-speed
 ntp ntp-server
@@ -105,7 +105,7 @@ dhcp
 get
 (nothing)'
 
-it 'offers files for a secret, behind @ alone and for nothing else'
+it 'offers files for a secret, after @ only, and for no other value'
 offered set eth1.psk @/tmp/keys/p -- set eth1.wep-key-1 @/tmp/keys/w -- \
     set eth1.psk @ /tmp/keys/m -- set eth1.psk /tmp/keys/p -- set eth1.ssid @/tmp/keys/p -- \
     set eth1.psk @/tmp/keys/no
@@ -116,7 +116,7 @@ output_is '@/tmp/keys/psk
 (nothing)
 (nothing)'
 
-it 'offers files for the data bytes of a call, behind @ alone'
+it 'offers files for the data bytes of a call, after @ only'
 offered call set 314 eth1 --text @/tmp/keys/p -- call --hex @/tmp/keys/m -- \
     call --text @ /tmp/keys/p -- call --text /tmp/keys/p -- get --timeout @/tmp/keys/p
 output_is '@/tmp/keys/psk
@@ -135,7 +135,7 @@ eth1
 (nothing)
 (nothing)'
 
-it 'offers ids to describe once a digit stands there'
+it 'offers ids to describe after a digit'
 offered describe 10 -- describe eth0.d
 output_is '10 101 102 103 104 105 106 107 108 109
 eth0.dhcp-dns eth0.dns eth0.dhcp-notice'
@@ -165,7 +165,7 @@ eth1
 eth0 eth1'
 
 # ---- as a whole -------------------------------------------------------------------------------
-it 'asks velkctl for nothing that it would have to ask the device'
+it 'asks velkctl for nothing that needs the device'
 on_device bash -c '
     mkdir /tmp/bin
     printf "%s\n" "#!/bin/sh" "echo \"\$*\" >>/tmp/asked" "exec $(command -v velkctl) \"\$@\"" \
@@ -189,8 +189,8 @@ list --json
 set --help'
 
 # ---- at a terminal ----------------------------------------------------------------------------
-# Types a line and a tab into an interactive shell, and shows what becomes of the line. A word that
-# is complete gets a blank behind it.
+# Types a line and a tab into an interactive shell, and shows the resulting line. A complete
+# word is followed by a blank.
 TYPIST='
 import os, pty, re, select, sys, time
 
@@ -253,10 +253,10 @@ lines=('velkctl des' 'velkctl get eth1.ps' 'velkctl get --sh' 'velkctl set eth0.
     'velkctl explain LIB_VELK_LO' 'velkctl help des'
     'velkctl call set 314 eth1 --text @/tmp/keys/se' 'velkctl show ')
 if command -v python3 >/dev/null; then
-    it 'completes what is typed into bash'
+    it 'completes a line typed into bash'
     types_in bash "${lines[@]}"
     if command -v zsh >/dev/null; then
-        it 'completes what is typed into zsh'
+        it 'completes a line typed into zsh'
         types_in zsh "${lines[@]}"
     fi
 fi

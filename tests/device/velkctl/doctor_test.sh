@@ -1,4 +1,4 @@
-# doctor_test.sh - what velkctl doctor says about devices in good and bad shape.
+# doctor_test.sh - the findings of velkctl doctor on devices in good and bad shape.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -21,29 +21,33 @@ sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
 # Runs a script on such a device.
 script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$stand_in_word$1"; }
 
-# Runs a script there, and the doctor behind it.
+# Runs a script there, and the doctor after it.
 examine() { script "$1
     velkctl doctor"; }
 
-# What is said besides the remedies.
-findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  mend: ')"; }
+# Prints the output without the remedies.
+findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  fix: ')"; }
 
-it 'says what the sample device lacks, and how to mend it'
-on_device sh -c 'velkctl doctor | grep -A 1 "^[a-z]*: eth[01]\."'
-output_is 'problem: eth1.address cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no address line
-  mend: add a line "address 192.168.0.10" to it
-problem: eth1.netmask cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no netmask line
-  mend: add a line "netmask 255.255.255.0" to it
-problem: eth1.gateway cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
-  mend: add a line "gateway 192.168.0.1" to it
-warning: eth0.dhcp-dns cannot be set while the method is static: /etc/dhclient.conf:7: the interface'"'"'s block is switched off, and no other request statement counts
-  mend: velkctl set eth0.method dhcp, when DHCP is wanted'
+it 'names the lines that the sample device lacks, and their fix'
+on_device sh -c 'velkctl doctor | grep -A 2 "^[a-z]*: eth[01]\."'
+output_is 'problem: eth1.address cannot be set
+  /etc/network/interfaces:13: the stanza is the last one and has no address line
+  fix: add a line "address 192.168.0.10" to it
+problem: eth1.netmask cannot be set
+  /etc/network/interfaces:13: the stanza is the last one and has no netmask line
+  fix: add a line "netmask 255.255.255.0" to it
+problem: eth1.gateway cannot be set
+  /etc/network/interfaces:13: the stanza is the last one and has no gateway line
+  fix: add a line "gateway 192.168.0.1" to it
+warning: eth0.dhcp-dns cannot be set while the method is static
+  /etc/dhclient.conf:7: the interface'"'"'s block is switched off, and no other request statement counts
+  fix: if DHCP is wanted: velkctl set eth0.method dhcp'
 
-it 'finds nothing on a device that has it all'
+it 'finds nothing on a complete device'
 examine ''
 status_is 0
 error_is ''
-output_is 'all is well'
+output_is 'no problems found'
 
 it 'answers in JSON'
 script "
@@ -53,47 +57,55 @@ import json, sys
 answer = json.load(sys.stdin)
 print(answer[\"verb\"], answer[\"status\"], answer[\"problems\"], answer[\"warnings\"])
 for finding in answer[\"findings\"]:
-    print(\" \".join(finding), finding[\"severity\"], finding[\"file\"], finding[\"line\"])
+    print(\" \".join(finding), finding[\"severity\"], finding[\"cause\"][\"file\"], finding[\"cause\"][\"line\"])
 '"
 status_is 0
 error_is ''
 output_is 'doctor 1 1 1
-severity subject effect what file line remedy settings problem /var/libvelk/libvelk None
-severity subject effect what file line remedy settings warning /var/tmp/root None'
+severity subject effect description cause remedy settings problem /var/libvelk/libvelk None
+severity subject effect description cause remedy settings warning /var/tmp/root None'
 
 it 'ends with 0 when there are only warnings, in JSON too'
 examine 'touch -d "3 hours ago" /var/tmp/get_result; velkctl doctor --json >/dev/null && echo done'
 status_is 0
 findings_are 'done
-warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a result was left behind, 3 hours old; the next one overwrites it
+warning: link-speed and the address and netmask of a lease may not have been read
+  /var/tmp/get_result: a result was left, 3 hours old
+  the next one overwrites it
 0 problems, 1 warning'
 
-it 'tells of files that are missing, no files, or not to be written'
+it 'reports files that are missing, of another kind or not writable'
 why=$([ "$(id -u)" = 0 ] && echo 'Read-only file system' || echo 'Permission denied')
 examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf
     mkfifo /var/cron/tabs/root; ln -s /usr/lib/os-release /etc/dhclient.conf'
 status_is 1
-output_has 'problem: method, address, netmask and gateway can be neither read nor set: /etc/network/interfaces: the file is missing
-  mend: put the device'"'"'s own file there
+output_has 'problem: method, address, netmask and gateway can be neither read nor set
+  /etc/network/interfaces: the file is missing
+  fix: put the device'"'"'s own file there
 '
-output_has 'problem: ntp, ntp-server and web-update can be neither read nor set: /var/cron/tabs/root: a folder, a FIFO or a device stands there
+output_has 'problem: ntp, ntp-server and web-update can be neither read nor set
+  /var/cron/tabs/root: a folder, a FIFO or a device is in its place
 '
-output_has "problem: method, dhcp-dns and dhcp-ntp cannot be set: /etc/dhclient.conf: this user may not write the file: $why
+output_has "problem: method, dhcp-dns and dhcp-ntp cannot be set
+  /etc/dhclient.conf: this user may not write the file: $why
 "
 
-it 'tells of a full folder for edit copies'
+it 'reports a full folder for edit copies'
 examine 'dd if=/dev/zero of=/var/tmp/filler bs=1M 2>/dev/null'
 if [ "$status" = 1 ]; then # where the folder has a limit
-    output_has 'problem: all settings in files cannot be set: /var/tmp: the file system is full: '
+    output_has 'problem: all settings in files cannot be set
+  /var/tmp: the file system is full: '
 fi
 
-it 'agrees with what a set really does'
+it 'agrees with the result of a set'
 examine 'sed -i "/^	gateway 10/d" /etc/network/interfaces
     velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.9 2>/dev/null; echo $?'
 status_is 1
 findings_are '6
-problem: eth1.gateway cannot be set: /etc/network/interfaces:13: the stanza is the last one and has no gateway line
-warning: eth1.dhcp-dns cannot be set while the method is static: /etc/dhclient.conf:12: the interface'"'"'s block is switched off, and no other request statement counts
+problem: eth1.gateway cannot be set
+  /etc/network/interfaces:13: the stanza is the last one and has no gateway line
+warning: eth1.dhcp-dns cannot be set while the method is static
+  /etc/dhclient.conf:12: the interface'"'"'s block is switched off, and no other request statement counts
 1 problem, 1 warning'
 examine 'printf "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n" >/var/cron/tabs/root
     velkctl set ntp-server 10.0.0.9 2>/dev/null; cat /var/cron/tabs/root'
@@ -105,31 +117,41 @@ script '
     printf "#!/bin/sh\necho \"lo: flags=73\"; echo \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
     chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig; velkctl doctor'
 status_is 1
-findings_are "problem: ifconfig prints addresses in a form that the library does not read: it prints 'inet 127.0.0.1  netmask 255.0.0.0', and 'inet addr:' and 'Mask:' are looked for; address and netmask of a DHCP interface read as none
+findings_are "problem: ifconfig prints addresses in a form that the library does not read
+  it prints 'inet 127.0.0.1  netmask 255.0.0.0',
+  but the library looks for 'inet addr:' and 'Mask:'
+  address and netmask of a DHCP interface are read as empty
 1 problem, 0 warnings"
 script ': >/tmp/none; stand_in ifconfig /tmp/none; velkctl doctor'
 status_is 1
-output_has 'problem: ifconfig is not installed: address and netmask of a DHCP interface cannot be read
-  mend: install it in a folder where velkctl looks, as /usr/bin
+output_has 'problem: ifconfig is not installed
+  address and netmask of a DHCP interface cannot be read
+  fix: install it in a folder that velkctl searches, such as /usr/bin
 '
 
-it 'tells who holds the lock, without taking it'
+it 'names the holder of the lock, without taking the lock'
 script '
     velkctl set ntp on
     flock /var/tmp/vklib_lock sh -c "velkctl doctor"
     flock -n /var/tmp/vklib_lock echo free'
 status_is 0
-output_has 'warning: settings cannot be changed now: /var/tmp/vklib_lock: the lock is held by process '
+output_has 'warning: settings cannot be changed now
+  /var/tmp/vklib_lock: the lock is held by process '
 output_has ' (flock, '
 output_has '0 problems, 1 warning
 free'
 
-it 'tells of what is in the way in /var/tmp, and a set does as it says'
+it 'reports obstacles in /var/tmp, and a set behaves as reported'
 examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk'
 status_is 1
-findings_are 'warning: method, address, netmask and gateway can still be set: /var/tmp/interfaces: a FIFO stands where the edit copy is made; the next set replaces it
-warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a symbolic link stands where the edit copy is made; the next set replaces it
-problem: administrator and location cannot be set: /var/tmp/libvelk: a folder stands where the edit copy is made
+findings_are 'warning: method, address, netmask and gateway can still be set
+  /var/tmp/interfaces: a FIFO is in the place of the edit copy
+  the next set replaces it
+warning: ntp, ntp-server and web-update can still be set
+  /var/tmp/root: a symbolic link is in the place of the edit copy
+  the next set replaces it
+problem: administrator and location cannot be set
+  /var/tmp/libvelk: a folder is in the place of the edit copy
 1 problem, 2 warnings'
 script 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk
     echo left >/var/tmp/dhclient-exit-hooks; chown 1234 /var/tmp/dhclient-exit-hooks
@@ -139,8 +161,8 @@ output_is '1
 libvelk
 0'
 
-# A set whose power goes while cat copies: the shell has emptied the file. The set is done once in full
-# before, to know what it writes. Killed in this order, the library does not come to remove its copy.
+# Simulates a power cut while cat copies: the shell has emptied the file. A first whole set gives the
+# text to write. Killed in this order, the library cannot remove its copy.
 cut_short='
     mkdir /tmp/slow; printf "#!/bin/sh\necho \$\$ >/tmp/slow/pid; exec sleep 60\n" >/tmp/slow/cat
     chmod +x /tmp/slow/cat
@@ -154,148 +176,176 @@ cut_short='
     while ! flock -n /var/tmp/vklib_lock true; do sleep 0.05; done
     '
 
-it 'tells of an edit that a power cut left with an empty file, and of all that its copy would add'
+it 'reports an edit that a power cut left with an empty file, and the lines that its copy would add'
 script "$cut_short"'
     wc -c </etc/network/interfaces; cmp /var/tmp/interfaces /run/whole && echo "the copy is whole"
     velkctl doctor --json >/run/said
-    jq -r ".findings[0] | .severity, .what, .remedy" /run/said | sed "s/[0-9]* seconds* old/N old/"
+    jq -r ".findings[0] | .severity, .description, .remedy" /run/said | sed "s/[0-9]* seconds* old/N old/"
     velkctl doctor --json | grep -c "cat .* > "'
 output_is '0
 the copy is whole
 problem
-the file seems to have been cut while being copied; the rest is in its edit copy /var/tmp/interfaces, N old, which the next set replaces; the copy would add '"'# Interfaces of the device: eth0 is the wired port, eth1 the...', 'auto lo', 'iface lo inet loopback', 'auto eth0', 'iface eth0 inet static', 'address 192.168.0.10', 'netmask 255.255.255.0', 'gateway 192.168.0.9', 'auto eth1', 'iface eth1 inet dhcp' and 3 more"'
+the file seems to have been cut while being copied; the rest is in the edit copy /var/tmp/interfaces, N old; the next set replaces it; the copy would add '"'# Interfaces of the device: eth0 is the wired port, eth1 the...', 'auto lo', 'iface lo inet loopback', 'auto eth0', 'iface eth0 inet static', 'address 192.168.0.10', 'netmask 255.255.255.0', 'gateway 192.168.0.9', 'auto eth1', 'iface eth1 inet dhcp' and 3 more"'
 compare both files, as with '"'diff /etc/network/interfaces /var/tmp/interfaces'"', and if the copy is right, copy its text into the file by hand, as root
 0'
 
-it 'notes a set that replaces what a file has lost'
+it 'notes a set that replaces the lost text of a file'
 script "$cut_short"'
     velkctl set eth0.gateway 192.168.0.8 --json --no-verify | jq -r ".notes[]" | sed "s/; the copy .*//"'
-output_is 'eth0.gateway: /etc/network/interfaces seems to have been cut while being copied, and this set replaces the edit copy that has the rest'
+output_is 'eth0.gateway: this set replaces the edit copy /var/tmp/interfaces; /etc/network/interfaces seems cut by an interrupted edit'
 
-it 'discards an edit that was not copied by the line it prints, and names what it would change'
+it 'prints a line that discards an edit that was not copied, and names the changes of the edit'
 script 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     umask 077; sed "s/^0/5/" /run/before >/var/tmp/root
-    velkctl doctor --json >/run/said; jq -r ".findings[0] | .severity, .what" /run/said | sed "s/.*; the copy/the copy/"
+    velkctl doctor --json >/run/said; jq -r ".findings[0] | .severity, .description" /run/said | sed "s/.*; the copy/the copy/"
     sh -c "$(jq -r ".findings[0].remedy" /run/said | grep -o "to discard.*" | grep -o "(flock[^)]*) 9< [a-z_/]*" | head -1)"
     cmp -s /var/cron/tabs/root /run/before && echo "as before"; ls /var/tmp; velkctl doctor'
 output_is "warning
 the copy would add '5 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp...'
 as before
 vklib_lock
-all is well"
+no problems found"
 
-it 'has a file that others may read looked at where it may be the only whole text, and names no line of it'
+it 'advises to look at a file that others may read if it may be the only complete text, and names no line of it'
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
     : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
-output_is 'warning: method, address, netmask and gateway may be lost: /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program whose real and effective user differ, has more than /etc/network/interfaces; the next set replaces it
-  mend: it may be the only whole text; look at it before you remove it: rm /var/tmp/interfaces
+output_is '  /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program with two users, a real and an effective one, has more than /etc/network/interfaces
+  fix: it may be the only complete text; look at it before you remove it: rm /var/tmp/interfaces
 0'
 
-it 'tells of what is in the way of the output of tools'
+it 'reports obstacles for the output of tools'
 script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /var/tmp'
-findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a FIFO stands where tools write their output; the next reading removes it
+findings_are 'warning: link-speed and the address and netmask of a lease may not have been read
+  /var/tmp/get_result: a FIFO is in the place of the output of tools
+  the next reading removes it
 0 problems, 1 warning
 auto'
 script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /run/other'
-findings_are 'warning: link-speed and the address and netmask of a lease may not have been read: /var/tmp/get_result: a symbolic link stands where tools write their output; the next reading removes it
+findings_are 'warning: link-speed and the address and netmask of a lease may not have been read
+  /var/tmp/get_result: a symbolic link is in the place of the output of tools
+  the next reading removes it
 0 problems, 1 warning
 auto'
 
-it 'tells of what is in the way of a query, and does not ask the daemon then'
+it 'reports obstacles for a query, and then does not ask the daemon'
 script 'mkdir /dev/shm/sem.WlanAplRecvSem; velkctl doctor; ls -d /dev/shm/sem.WlanAplRecvSem'
-findings_are 'problem: wireless settings can be neither read nor set: /dev/shm/sem.WlanAplRecvSem: a folder stands where the semaphore is made
+findings_are 'problem: wireless settings can be neither read nor set
+  /dev/shm/sem.WlanAplRecvSem: a folder is in the place of the semaphore
 1 problem, 0 warnings
 /dev/shm/sem.WlanAplRecvSem'
 
 it 'finds a tool that is not where sudo looks'
 script 'mkdir /run/mine; mv /sbin/ifup /run/mine; PATH=$PATH:/run/mine velkctl doctor'
 status_is 1
-output_is 'problem: ifup is not in a folder where sudo looks: no interface can be brought up again by a restart
-  mend: ln -s /run/mine/ifup /usr/local/sbin/ifup
+output_is 'problem: ifup is in none of the folders that sudo searches
+  no interface can be brought up again by a restart
+  fix: ln -s /run/mine/ifup /usr/local/sbin/ifup
 1 problem, 0 warnings'
 
-it 'tells of a wireless daemon that does not run'
+it 'reports a wireless daemon that does not run'
 examine 'rm /tmp/WlanAplToWlanSock'
 status_is 1
-findings_are 'problem: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing
+findings_are 'problem: the wireless daemon does not run
+  /tmp/WlanAplToWlanSock: its socket is missing
 1 problem, 0 warnings'
 
-it 'finds the cause of what is refused and of what cannot be read without an adapter'
+it 'finds the cause of settings that are refused or cannot be read without an adapter'
 script 'velk-sandbox adapter out; velkctl get eth1.mac-address; echo $?; velkctl get eth1.ssid; echo $?; velkctl doctor'
 status_is 0
-error_is "velkctl: eth1.mac-address: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)
-velkctl: eth1.ssid: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; mend: plug an adapter in, and start the wireless daemon unless that does"
+error_is "velkctl: eth1.mac-address: could not be read
+  no supported wireless adapter is attached
+  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
+  result: LIB_VELK_NO_ADAPTER (-5)
+velkctl: eth1.ssid: could not be read
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  fix: plug in an adapter; if that does not start the wireless daemon, start it
+  result: LIB_VELK_FAILURE (-1)"
 output_is '4
 1
-warning: wireless adapter is not attached: /proc/bus/usb/devices: the list has none that is supported; what eth1 tells of adapter and connection is refused
-  mend: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
-warning: the wireless daemon does not run: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
-  mend: plug an adapter in, and start the wireless daemon unless that does
+warning: wireless adapter is not attached
+  /proc/bus/usb/devices: the list has no supported adapter
+  the settings of eth1 about adapter and connection are refused
+  fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
+warning: the wireless daemon does not run
+  /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  fix: plug in an adapter; if that does not start the wireless daemon, start it
 0 problems, 2 warnings'
 script 'velk-sandbox adapter out; velkctl doctor --json |
     jq -r ".findings[] | .settings | [length, index(\"eth1.mac-address\"), index(\"eth1.ssid\")] | @json"'
 output_is '[8,0,null]
 [12,null,1]'
 
-it 'tells of a daemon whose record is no configuration, and of one whose record cannot be read'
+it 'reports a daemon with a record that is no configuration, and one with a record that cannot be read'
 examine 'wland --tell empty'
 status_is 0
-findings_are 'warning: the wireless daemon may not answer with its configuration: /tmp/WlanAplToWlanSock: its record has the channel 0, which is none
+findings_are 'warning: the wireless daemon may not answer with its configuration
+  /tmp/WlanAplToWlanSock: its record has channel 0, which is not valid
 0 problems, 1 warning'
 examine 'wland --tell garbage'
 status_is 1
-findings_are 'problem: the wireless daemon does not answer as it should: /tmp/WlanAplToWlanSock: file, socket, time-out or unreadable value
+findings_are 'problem: the wireless daemon answers with an error
+  /tmp/WlanAplToWlanSock: file, socket, time-out or unreadable value
 1 problem, 0 warnings'
 
-it 'names the daemon as the cause when it answers otherwise than it was told'
+it 'names the daemon as the cause when its answer differs from the value it was sent'
 for way in empty garbage; do
     script "wland --tell $way; velkctl set eth1.ssid foo"
     status_is 6
-    has 'standard error' "; likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers otherwise; mend: 'velkctl doctor' asks it; restart the wireless daemon" "$error"
+    has 'standard error' "
+  likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value,
+  but returns another one
+  fix: restart the wireless daemon; 'velkctl doctor' queries it" "$error"
 done
 
-it 'tells of a tab behind a word as a set then does'
+it 'reports a tab after a word, as a set then does'
 script 'sed -i "/iface eth0/,/iface eth1/s/address 192.*/address\t1.2.3.4/" /etc/network/interfaces
     velkctl doctor | sed "s/interfaces:[0-9]*/interfaces:N/"; velkctl set eth0.address 10.0.0.7; echo $?
     grep "address" /etc/network/interfaces | head -2'
-output_is "problem: eth0.address cannot be read, and a set adds a second address line: /etc/network/interfaces:N: no blank stands behind the word 'address'
-  mend: put one blank, no tab, between the word and the value
+output_is "problem: eth0.address cannot be read, and a set adds a second address line
+  /etc/network/interfaces:N: no blank follows the word 'address'
+  fix: put one blank, no tab, between the word and the value
 1 problem, 0 warnings
 0
 	address	1.2.3.4
 	address 10.0.0.7"
 
-it 'tells of lines that end with CR LF, and mends them as it says'
+it 'finds lines that end with CR LF, and its fix repairs them'
 examine 'sed -i "s/$/\r/" /etc/network/interfaces /etc/dhclient-exit-hooks'
 status_is 1
-check 'findings' 'problem: method, address, netmask and gateway may be read and set wrongly: /etc/network/interfaces: N of its N lines end with CR LF
-problem: apipa, dhcp-notice and dhcp-ntp may be read and set wrongly: /etc/dhclient-exit-hooks: N of its N lines end with CR LF
-2 problems, 0 warnings' "$(grep -v '^  mend: ' <<<"$output" | sed 's/[0-9]* of its [0-9]* lines/N of its N lines/')"
-script 'sed -i "s/$/\r/" /etc/network/interfaces; velkctl doctor | sed -n "s/^  mend: //p" | sh && velkctl doctor'
-output_is 'all is well'
+check 'findings' 'problem: method, address, netmask and gateway may be read and set wrongly
+  /etc/network/interfaces: N of its N lines end with CR LF
+problem: apipa, dhcp-notice and dhcp-ntp may be read and set wrongly
+  /etc/dhclient-exit-hooks: N of its N lines end with CR LF
+2 problems, 0 warnings' "$(grep -v '^  fix: ' <<<"$output" | sed 's/[0-9]* of its [0-9]* lines/N of its N lines/')"
+script 'sed -i "s/$/\r/" /etc/network/interfaces; velkctl doctor | sed -n "s/^  fix: //p" | sh && velkctl doctor'
+output_is 'no problems found'
 
-it 'does not end well on files that are no text, or too large to look at'
+it 'fails on files that are no text or too large to examine'
 examine 'head -c 2000000 /dev/zero >/etc/network/interfaces; printf "\000\n" >>/var/cron/tabs/root'
 status_is 1
-findings_are 'problem: method, address, netmask and gateway cannot be examined: /etc/network/interfaces: the file is larger than 1 MiB
-problem: ntp, ntp-server and web-update may be read and set wrongly: /var/cron/tabs/root: NUL bytes stand in the file; it is no text
+findings_are 'problem: method, address, netmask and gateway cannot be examined
+  /etc/network/interfaces: the file is larger than 1 MiB
+problem: ntp, ntp-server and web-update may be read and set wrongly
+  /var/cron/tabs/root: the file has NUL bytes, so it is not text
 2 problems, 0 warnings'
 
-it 'gives a daemon that is silent a few seconds'
+it 'waits a few seconds for a silent daemon'
 examine 'wland --tell silent'
 status_is 1
 error_is ''
-findings_are 'problem: the wireless daemon does not answer: /tmp/WlanAplToWlanSock: nothing came within 5 seconds
+findings_are 'problem: the wireless daemon does not answer
+  /tmp/WlanAplToWlanSock: nothing came within 5 seconds
 1 problem, 0 warnings'
 
 it 'survives a semaphore that would end it'
 examine ': >/dev/shm/sem.WlanAplRecvSem'
 status_is 1
-findings_are 'problem: wireless settings end the program that reads them: /dev/shm/sem.WlanAplRecvSem: an empty file stands where the semaphore is made
+findings_are 'problem: wireless settings end the program that reads them
+  /dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore
 1 problem, 0 warnings'
 
-it 'shows what files have in them as text, whatever it is'
+it 'shows any contents of files as text'
 examine 'printf "# \033[2Jntpdate \377\n" >>/var/cron/tabs/root
     head -c 300000 /dev/zero >>/etc/dhclient-exit-hooks'
 status_is 1

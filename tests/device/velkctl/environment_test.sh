@@ -8,7 +8,7 @@ needs_sandbox
 
 script() { on_device sh -c "$stand_in_word$1"; }
 
-# ---- what the library's tools are given ---------------------------------------------------------
+# ---- environment of the library's tools ---------------------------------------------------------
 
 it 'gives tools one locale and search path, and nothing that shells take from their environment'
 script '
@@ -46,21 +46,23 @@ location = desk'
 advice_on_grep='
     advice_on_grep() { # FOLDER
         : >/tmp/none; mkdir "$1"; cp "$(command -v grep)" "$1"; stand_in grep /tmp/none
-        PATH=$1:$PATH velkctl doctor >/run/said; "$1/grep" -A 1 "grep is" /run/said
+        PATH=$1:$PATH velkctl doctor >/run/said; "$1/grep" -A 2 "grep is" /run/said
     }
 '
 
 it 'advises to link a tool that only its caller finds, and root alone can change'
 script "$advice_on_grep"'advice_on_grep /run/mine'
-output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be told from the log when ethtool does not tell it
-  mend: ln -s /run/mine/grep /usr/local/sbin/grep'
+output_is 'warning: grep is in none of the folders that velkctl searches
+  the link cannot be read from the log when ethtool does not report it
+  fix: ln -s /run/mine/grep /usr/local/sbin/grep'
 
-it 'gives no line that lets in a tool from where everybody can put one'
+it 'prints no line that links a tool from a folder that everybody can write to'
 script "$advice_on_grep"'advice_on_grep /tmp/mine'
-output_is 'warning: grep is not in a folder where velkctl looks: the link cannot be told from the log when ethtool does not tell it
-  mend: install it in a folder where velkctl looks, as /usr/bin'
+output_is 'warning: grep is in none of the folders that velkctl searches
+  the link cannot be read from the log when ethtool does not report it
+  fix: install it in a folder that velkctl searches, such as /usr/bin'
 
-# ---- what it prints -----------------------------------------------------------------------------
+# ---- output -------------------------------------------------------------------------------------
 
 it 'shows characters beyond ASCII where the locale is one of UTF-8, and bytes elsewhere'
 script 'velkctl set location "café" && for locale in C.UTF-8 de_DE.utf8 C de_DE.ISO-8859-1 ja_JP.SJIS; do
@@ -79,7 +81,7 @@ café
 caf\xc3\xa9
 café'
 
-it 'never shows what controls a terminal, is not seen or turns the direction of text'
+it 'escapes characters that control a terminal, are invisible or change the direction of text'
 script 'for value in "$(printf "a\302\2331mz")" "$(printf "a\342\200\256z")" "$(printf "a\342\200\213z")"; do
         velkctl set --force location "$value"; LC_ALL=C.UTF-8 velkctl get location
     done

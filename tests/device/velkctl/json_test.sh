@@ -1,5 +1,5 @@
-# json_test.sh - what velkctl answers to programs: one document for every run, as the schema says,
-# with every secret masked.
+# json_test.sh - the JSON of velkctl: one document for every run, as the schema describes it, with
+# every secret masked.
 # shellcheck shell=bash
 # shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the device
 # shellcheck source=tests/device/lib.sh
@@ -21,19 +21,19 @@ import json, os, shlex, subprocess, sys
 import jsonschema
 
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-described = "name id interface get set secret help wanted values longest_seconds"
+described = "name id interface get set secret description expected values longest_seconds"
 member_orders = {
     "settings": {"get": "name value error", "show": "name value error",
                  "list": described, "describe": described},
     "setting": {"set": "name value held"},
-    "result": {"explain": "code name words remedy exit_status", "call": "code name words"},
-    "exit_status": {"explain": "status words remedy results"},
-    "findings": {"doctor": "severity subject effect what file line remedy settings"},
+    "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
+    "exit_status": {"explain": "status description remedy results"},
+    "findings": {"doctor": "severity subject effect description cause remedy settings"},
     "errors": {},
 }
 
 def wrong(document, finished):
-    """What is wrong with a document, in words."""
+    """The problems with a document, as texts."""
     if finished.stderr:
         yield "on standard error: " + finished.stderr.decode()
     if not finished.stdout.endswith(b"}\n"):
@@ -47,11 +47,11 @@ def wrong(document, finished):
     for member, orders in member_orders.items():
         things = document.get(member, [])
         for thing in things if isinstance(things, list) else [things]:
-            order = orders.get(document["verb"], "message setting result")
+            order = orders.get(document["verb"], "message detail cause remedy setting result")
             if " ".join(thing) != order:
                 yield member + " in another order: " + " ".join(thing)
 
-def told(error):
+def summary(error):
     return (error["setting"] or "-") + " " + (error["result"] or {"name": "-"})["name"]
 
 for line in sys.stdin.read().splitlines():
@@ -72,12 +72,12 @@ for line in sys.stdin.read().splitlines():
     for problem in wrong(document, finished):
         print("  wrong:", problem)
     members = " ".join(list(document)[3:-2])
-    errors = "".join("; " + told(error) for error in document["errors"])
+    errors = "".join("; " + summary(error) for error in document["errors"])
     print(str(document["status"]), line, "->", (members or "nothing") + errors)
 '
 export PYTHON SCHEMA ANSWERS
 
-# What the device has none of here: the tools that a restart runs.
+# The tools that a restart runs, which this device lacks.
 tools='
     sudo=$(readlink -f "$(command -v sudo)")
     mkdir /tmp/tools
@@ -89,7 +89,7 @@ tools='
     mount --bind /tmp/tools/sudo "$sudo"
 '
 
-# Holds what the lines of standard input are answered with on one device.
+# Checks the answers to the lines of standard input, all on one device.
 answers() {
     lines=$(cat)
     commands=$(sed -E 's/ -> .*//; s/^[0-9] //' <<<"$lines")
@@ -129,7 +129,7 @@ answers <<'END'
 0 call set 108 eth0 --text 10.0.0.1 -> result
 END
 
-it 'answers with what the doctor has found, which is no error of its own'
+it 'answers with the findings of the doctor, which are no errors'
 answers <<'END'
 !rm /etc/dhclient.conf
 1 doctor -> findings problems warnings
@@ -140,7 +140,7 @@ on_device sh -c 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0
 status_is 0
 error_is ''
 output_is '{
-  "schema": 1,
+  "schema": 2,
   "verb": "set",
   "status": 0,
   "setting": {
@@ -249,7 +249,7 @@ answers <<'END'
 1 call get 108 eth0 -> result data; - LIB_VELK_FAILURE
 END
 
-it 'answers with a document when it has waited long enough'
+it 'answers with a document at the timeout'
 answers <<'END'
 !own=$(cat /run/velk-sandbox/wland.pid) && kill $own && while kill -0 $own 2>/dev/null; do sleep 0.01; done
 !wland --reply silent --background
@@ -284,13 +284,13 @@ explain
 doctor
 call'
 
-it 'has a schema that takes no document with a member left out'
+it 'has a schema that refuses a document without one of its members'
 run "$PYTHON" -c '
 import json, os
 import jsonschema
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-base = {"schema": 1, "status": 0, "notes": [], "errors": []}
-error = {"message": "", "setting": None, "result": None}
+base = {"schema": 2, "status": 0, "notes": [], "errors": []}
+error = {"message": "", "detail": None, "cause": None, "remedy": None, "setting": None, "result": None}
 wrong = [
     {**base, "verb": "get"},
     {**base, "verb": "get", "settings": [{"name": "ntp", "value": "on"}]},
@@ -300,9 +300,9 @@ wrong = [
     {**base, "verb": "restart", "interface": "eth0", "errors": [error]},
     {**base, "verb": "doctor", "findings": [{"severity": "bad"}]},
     {**base, "verb": "call", "result": {"code": 0}},
-    {**base, "verb": "explain", "result": {"code": 0, "name": "", "words": ""}},
+    {**base, "verb": "explain", "result": {"code": 0, "name": "", "description": ""}},
     {**base, "verb": None, "status": 8},
-    {**base, "verb": None, "schema": 2},
+    {**base, "verb": None, "schema": 1},
     {"verb": None},
 ]
 print([schema.is_valid(document) for document in wrong].count(True), "of", len(wrong), "taken")
@@ -313,7 +313,7 @@ output_is '0 of 12 taken
 good: True'
 
 # ---- values -----------------------------------------------------------------------------------
-it 'has values as programs want them'
+it 'has values in a form for programs'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && velkctl set eth0.gateway none
     velk-sandbox cable out
     velkctl get --json eth0.dns eth0.gateway eth0.method eth1.channel eth1.signal location eth1.psk \
@@ -380,7 +380,7 @@ on_device sh -c "$tools"'
     try call set 314 eth1 --texts $psk
     try call set 314 $psk
     try call set 314 eth1 $psk
-    # Not held, locked and silent: what goes wrong repeats no secret either.
+    # Not held, locked and silent: no failure repeats a secret.
     exec 9>>/var/tmp/vklib_lock && flock -x 9
     try set eth1.psk $psk
     try call set 314 eth1 --text $psk

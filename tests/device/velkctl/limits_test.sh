@@ -16,10 +16,12 @@ script 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     cmp /var/cron/tabs/root /run/before && echo "as before"'
 status_is 0
 error_is ''
-output_is "1 velkctl: ntp: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)
+output_is "1 velkctl: ntp: could not be set
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)
 as before"
 
-it 'finishes its document there'
+it 'finishes its document where no byte may be written'
 script '(ulimit -f 0; velkctl set ntp off --json) | jq -c "[.status, .errors[0].result.code]"'
 output_is '[1,-1]'
 
@@ -30,19 +32,25 @@ output_is 'velkctl: cannot write to standard output: File too large
 
 it 'says that a file is empty now, where it is written in place'
 script 'said=$( (ulimit -f 0; velkctl set eth0.dns 10.0.0.9) 2>&1); echo "$? $said"; wc -c </etc/resolv.dnsmasq.conf'
-output_is "1 velkctl: eth0.dns: could not be set; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1); /etc/resolv.dnsmasq.conf is empty since this set, and no edit copy has the rest: restore it before the device starts anew
+output_is "1 velkctl: eth0.dns: could not be set
+  /etc/resolv.dnsmasq.conf is empty since this set, and no edit copy has the rest: restore it before the device restarts
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)
 0"
 
 # ---- a file that may not be written -------------------------------------------------------------
 
-it 'says that a value is not held where its file is mounted read-only, and how to mend that'
+it 'says that a value is not held where its file is mounted read-only, and the fix'
 script 'cp /etc/network/interfaces /run/before
     mount --bind /etc/network/interfaces /etc/network/interfaces
     mount -o remount,bind,ro /etc/network/interfaces
-    velkctl set eth0.gateway 192.168.0.9 2>/run/said; echo $?; grep velkctl: /run/said | tail -n 1
+    velkctl set eth0.gateway 192.168.0.9 2>/run/said; echo $?; tail -n 4 /run/said
     cmp /etc/network/interfaces /run/before && echo "as before"; ls /var/tmp'
 output_is "6
-velkctl: eth0.gateway: the library reported success, but the device holds '192.168.0.1'; likely cause: /etc/network/interfaces: this user may not write the file: Read-only file system; mend: mount it writable
+velkctl: eth0.gateway: the library reported success,
+  but the device holds '192.168.0.1'
+  likely cause: /etc/network/interfaces: this user may not write the file: Read-only file system
+  fix: mount it writable
 as before
 vklib_lock"
 

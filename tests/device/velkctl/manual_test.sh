@@ -8,18 +8,18 @@
 pages=$VELK_SOURCE/docs/man
 
 if command -v mandoc >/dev/null; then
-    it 'has manual pages that mandoc takes without a word but on pages that are not installed here'
+    it 'has manual pages that mandoc accepts without warnings, except on pages that are not installed here'
     for page in velkctl.1 libvelk.3 velk-sandbox.1; do
         run mandoc -T lint "$pages/$page"
         check "findings in $page" '' "$(grep -v 'referenced manual not found' <<<"$output")"
     done
-    it 'would see a line that is too long, and what is no macro'
+    it 'would report a line that is too long and an unknown macro'
     printf '.Dd November 21, 2026\n.Dt X 1\n.Os\n.Sh NAME\n.Xx\n%s\n' \
         "$(printf 'word %.0s' {1..30})" >"$lib_folder/bad.1"
     run mandoc -T lint "$lib_folder/bad.1"
     output_has 'longer than 80 bytes'
     output_has 'unknown macro'
-    it 'shows pages as people read them'
+    it 'has pages that mandoc prints as readable text'
     run mandoc -T ascii "$pages/velkctl.1"
     plain=${output//?$'\b'/} # bold and underlined letters are struck twice
     has 'the page' 'eth0.dns, eth1.dns (108, get and set)' "$plain"
@@ -77,7 +77,7 @@ awk -v folder="$lib_folder" '
     /^```$/ { block = "" }
     block != "" { print > block }' "$VELK_SOURCE/docs/commands.md"
 
-it 'has examples in docs/commands.md that print on a fresh device what stands there'
+it 'has examples in docs/commands.md that print their output on a fresh device'
 blocks=("$lib_folder"/console.*)
 check 'there are examples' yes "$([ "${#blocks[@]}" -gt 30 ] && echo yes)"
 for block in "${blocks[@]}"; do

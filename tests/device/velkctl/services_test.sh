@@ -10,7 +10,7 @@ needs_sandbox
 script() { on_device sh -c "$1" sh "${@:2}"; }
 
 # ---- identity ---------------------------------------------------------------------------------
-it 'shows who looks after the device and where it stands'
+it 'shows the administrator and the location'
 on_device velkctl get administrator location
 status_is 0
 output_is 'administrator = Robin
@@ -69,7 +69,8 @@ error_is 'velkctl: administrator: 512 bytes given; give a text of at most 511 by
 script 'velkctl set administrator "two
 lines"; status=$?; cat /var/libvelk/libvelk; exit $status'
 status_is 2
-error_is 'velkctl: administrator: control characters, such as the end of a line, are not taken; give a text of at most 511 bytes'
+error_is 'velkctl: administrator: control characters, such as the end of a line, are not taken
+  fix: give a text of at most 511 bytes'
 output_is 'ADMINISTRATOR=Robin
 LOCATION=Second floor, by the window'
 
@@ -79,7 +80,7 @@ script '
     velkctl set location "by the syscontact"; echo $?
     velkctl set --force administrator "ask for syslocation at the desk"; echo $?
     velkctl set location "Room 5"; echo $?
-    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep "problem: administrator is"
+    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep -A 1 "problem: administrator is"
     velkctl set administrator Alice && velkctl set location "Room 5"; echo $?
     grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf'
 output_is "2
@@ -88,13 +89,20 @@ output_is "2
 2
 syscontact ask for syslocation at the desk
 syslocation Second floor, by the window
-problem: administrator is cut for the SNMP agent when location is set: /var/libvelk/libvelk: the text holds 'syslocation', from which on that set replaces a line
+problem: administrator is cut for the SNMP agent when location is set
+  /var/libvelk/libvelk: the text contains 'syslocation': a set of location replaces the line from there on
 0
 syscontact Alice
 syslocation Room 5"
-error_is "velkctl: administrator: the text holds 'syslocation', from which on a set of location would replace it in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force
-velkctl: location: the text holds 'syscontact', from which on a set of administrator would replace it in /usr/local/share/etc/snmp/snmpd.conf; give other words, or --force
-velkctl: location: the present administrator holds 'syslocation', from which on this set would replace it in /usr/local/share/etc/snmp/snmpd.conf; mend: velkctl set administrator TEXT first, without that word, or give --force"
+error_is "velkctl: administrator: the text contains 'syslocation'
+  a set of location replaces the line from there on in /usr/local/share/etc/snmp/snmpd.conf
+  fix: give other words, or --force
+velkctl: location: the text contains 'syscontact'
+  a set of administrator replaces the line from there on in /usr/local/share/etc/snmp/snmpd.conf
+  fix: give other words, or --force
+velkctl: location: the present administrator contains 'syslocation'
+  this set would replace the line from there on in /usr/local/share/etc/snmp/snmpd.conf
+  fix: give --force, or first, without that word: velkctl set administrator TEXT"
 
 # ---- time -------------------------------------------------------------------------------------
 it 'switches time synchronisation off and on, and forgets the old result with it'
@@ -117,7 +125,7 @@ script 'echo "21 Nov 05:31:05 ntpdate[127]: no server suitable for synchronizati
     velkctl get ntp-result'
 output_is 'not-reached'
 
-it 'changes the time server, and takes it away'
+it 'changes the time server, and removes it'
 script 'velkctl set ntp-server time.example && velkctl get ntp-server && grep ntpdate /var/cron/tabs/root
     velkctl set ntp-server none && velkctl get ntp-server && velkctl set ntp-server 10.0.0.1 &&
     grep ntpdate /var/cron/tabs/root'
@@ -128,45 +136,55 @@ output_is 'time.example
 none
 0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log'
 
-it 'refuses what the shell of cron would take for more than a name'
+it 'refuses a name with characters for the shell of cron'
 for value in 'a b' '-q' '$(reboot)' 'x;reboot' 'x>y' '' '*' 'x%y'; do
     script 'velkctl set ntp-server "$1"; status=$?; cat /var/cron/tabs/root | grep -c "192.168.0.1 >"; exit $status' "$value"
     status_is 2
     output_is 1
 done
 
-it 'refuses a time server whose text is a part of the command that cron runs'
+it 'refuses a time server with a text that is a part of the command that cron runs'
 for value in ntp usr bin u d ntpdate; do
     script 'velkctl set ntp-server "$1"; status=$?; grep -c "/usr/bin/ntpdate -u 192.168.0.1 >" /var/cron/tabs/root
         ls /var/tmp; exit $status' "$value"
     status_is 2
     output_is 1
-    error_is "velkctl: ntp-server: '$value' occurs earlier on the line /var/cron/tabs/root:1, too, where the next set would replace it, in the command that cron runs; give the server's address or another name, or --force"
+    error_is "velkctl: ntp-server: '$value' also occurs earlier in /var/cron/tabs/root:1
+  the next set would replace it there, in the command that cron runs
+  fix: give the server's address or another name, or --force"
 done
 
-it 'sends such a server when it is forced to, refuses every other then, and the doctor tells of it'
+it 'sends a server that is a part of the command when forced, then refuses every other, and the doctor reports it'
 script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; echo $?
     velkctl set ntp-server none; echo $?
-    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 1 "problem: ntp"'
+    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 2 "problem: ntp"'
 output_is "2
 2
 0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
-problem: ntp-server cannot be set: /var/cron/tabs/root:1: 'ntp' stands in front of the server, too, and is replaced there
-  mend: write the server's address in its place with an editor, or a name that does not stand further in front on the line"
-present="velkctl: ntp-server: the present server 'ntp' occurs earlier on the line /var/cron/tabs/root:1, too, where this set would replace it, in the command that cron runs; mend: write another server into that line with an editor, or give --force"
+problem: ntp-server cannot be set
+  /var/cron/tabs/root:1: 'ntp' also occurs earlier on the line, and a set replaces it there
+  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line"
+present="velkctl: ntp-server: the present server 'ntp' also occurs earlier in /var/cron/tabs/root:1
+  this set would replace it there, in the command that cron runs
+  fix: write another server into that line with an editor, or give --force"
 error_is "$present
 $present"
 
 it 'says that a crontab without an entry takes no server, and why'
 script 'sed -i /ntpdate/d /var/cron/tabs/root; velkctl set ntp-server time.example'
 status_is 6
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'; likely cause: /var/cron/tabs/root: no entry runs ntpdate; mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
+error_is "velkctl: ntp-server: the library reported success, but the device holds 'none'
+  likely cause: /var/cron/tabs/root: no entry runs ntpdate
+  fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 
 it 'says that an entry without server or redirection cannot be changed, and leaves the crontab'
 script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root
     velkctl set ntp-server time.example; status=$?; cat /var/cron/tabs/root; exit $status'
 status_is 1
-error_is "velkctl: ntp-server: could not be set (LIB_VELK_FAILURE, -1); likely cause: /var/cron/tabs/root:1: it has neither a server nor a '>' to put one before; mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
+error_is "velkctl: ntp-server: could not be set
+  likely cause: /var/cron/tabs/root:1: it has no server, and no '>' before which one could be put
+  fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log
+  result: LIB_VELK_FAILURE (-1)"
 output_is '0 * * * * /usr/bin/ntpdate -u'
 
 # ---- DHCP options -----------------------------------------------------------------------------
@@ -196,10 +214,12 @@ off
 26:#		make_resolv_conf
 on'
 
-it 'says that nothing is asked for an interface whose block is switched off'
+it 'reports an interface without requests, its block being switched off'
 script 'velkctl set eth0.dhcp-dns on'
 status_is 6
-error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'; likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts; mend: velkctl set eth0.method dhcp, when DHCP is wanted"
+error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'
+  likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts
+  fix: if DHCP is wanted: velkctl set eth0.method dhcp"
 
 # ---- web update -------------------------------------------------------------------------------
 it 'shows when the web contents are updated'
@@ -235,7 +255,7 @@ status_is 0
 error_is ''
 output_is "$schedules"
 
-it 'writes lines that cron would not take, when it is made to'
+it 'writes lines that cron would not take, when forced'
 script 'velkctl call set 11 "" --hex 01:00:30:3a:30 && grep updater /var/cron/tabs/root'
 status_is 0
 output_has '00 */0 * * * perl /usr/bin/web_contents_updater.pl'
@@ -246,7 +266,7 @@ if [ "$(id -u)" = 0 ]; then
     output_has 'errors in crontab file'
 fi
 
-it 'makes up for the days that a month lacks'
+it 'adds a second line for months that are too short'
 script 'velkctl set web-update monthly 31 1:30 && grep updater /var/cron/tabs/root'
 output_is '30 01 31 1,8 * perl /usr/bin/web_contents_updater.pl
 30 01 1,31 3,5,7,10,12 * perl /usr/bin/web_contents_updater.pl'
@@ -256,20 +276,22 @@ script 'velkctl set web-update daily 4:05 && velkctl set web-update off && cat /
 output_is '0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
 15 3 * * * /usr/sbin/logrotate /etc/logrotate.conf'
 
-it 'refuses a schedule that there is not'
+it 'refuses an unknown schedule'
 for words in 'daily' 'daily 24:00' 'daily 12:3a' 'daily 1:5' 'every 0h' 'every 24h' 'every 6' 'weekly 08:30' \
     'monthly 0 08:30' 'monthly 32 08:30' 'monthly 08:30' 'nonsense' 'off now'; do
     script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?
         [ "$before" = "$(cat /var/cron/tabs/root)" ] && ls /var/tmp; exit $status' "$words"
     status_is 2
     output_is ''
-    error_is "velkctl: web-update: '$words' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'"
+    error_is "velkctl: web-update: '$words' is not a schedule
+  fix: give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off"
 done
 for words in 'weekly Sunday 08:30' 'Daily 08:30'; do
     script 'before=$(cat /var/cron/tabs/root); velkctl set web-update $1; status=$?
         [ "$before" = "$(cat /var/cron/tabs/root)" ] && ls /var/tmp; exit $status' "$words"
     status_is 2
     output_is ''
+    error=${error//$'\n  '/; }
     error_has "velkctl: web-update: '$words' is not a schedule; did you mean "
 done
 

@@ -7,7 +7,7 @@ stuck_log_word='
     with_stuck_log() { python3 -c "$STUCK_LOG" "$@"; }
 '
 
-# A /dev of its own, which the command and what that starts share.
+# A /dev of its own, shared by the command and its children.
 export STUCK_LOG='
 import os, socket, subprocess, sys
 if os.environ.get("LOG_IS_PRIVATE") != "yes":

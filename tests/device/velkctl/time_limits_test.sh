@@ -1,4 +1,4 @@
-# patience_test.sh - velkctl while the device is busy, slow, or its user in a hurry.
+# time_limits_test.sh - velkctl while the device is busy, slow, or its user in a hurry.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -9,7 +9,7 @@
 needs_sandbox
 command -v python3 >/dev/null || skip 'no python3 here, for signals and terminals'
 
-# What the scripts on the device are written in.
+# The shell functions of the scripts on the device.
 words='
     # Another program that changes settings; $holder is its number.
     hold_lock() { # SECONDS
@@ -24,7 +24,7 @@ words='
         while kill -0 $own 2>/dev/null; do sleep 0.01; done
         wland --background --reply "$@"
     }
-    # What is left that a query, a tool or an edit leaves, if any; the lock always stays.
+    # Lists the files that a query, a tool or an edit left, if any; the lock always stays.
     left() {
         for path in /tmp/WlanAplFromWlanSock /dev/shm/sem.WlanAplRecvSem /var/tmp/*; do
             case $path in
@@ -78,7 +78,7 @@ sys.stdout.flush()
 print("ended by", signal.Signals(-status).name if status < 0 else status)
 '
 
-# Runs a command with errors, input and Ctrl-C at a terminal of its own, and shows what it wrote
+# Runs a command with errors, input and Ctrl-C at a terminal of its own, and shows its output
 # there. Ctrl-C is typed once it has written a certain text, if any.
 export TERMINAL='
 import os, pty, sys
@@ -116,7 +116,11 @@ status_is 3
 has 'standard output' 'in time' "$output"
 has 'standard error' "process ${output##*
 } (flock, " "$error"
-check 'standard error' 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) holds the lock' \
+check 'standard error' 'velkctl: eth0.dns: could not be set
+  another program is changing settings
+  process N (flock, M seconds old) holds the lock
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)' \
     "$(anonymous "$error")"
 
 it 'waits until the lock is free'
@@ -128,15 +132,19 @@ output_is 'in time
 check 'standard error' 'velkctl: waiting at most 30 s for the lock, held by process N (flock, M seconds old)' \
     "$(anonymous "$error")"
 
-it 'waits no longer than it is told'
+it 'waits no longer than --wait'
 on_desk 'hold_lock 100; velkctl restart eth0 --wait=1; status=$?; took 1 60; exit $status'
 status_is 3
 output_is 'in time'
 check 'standard error' 'velkctl: waiting at most 1 s for the lock, held by process N (flock, M seconds old)
-velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process N (flock, M seconds old) still holds the lock after 1 s' \
+velkctl: eth0: could not be restarted
+  another program is changing settings
+  process N (flock, M seconds old) still holds the lock after 1 s
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)' \
     "$(anonymous "$error")"
 
-it 'tells of the waiting within the document'
+it 'notes the waiting within the document'
 on_desk 'hold_lock 100; velkctl call set 108 eth0 --text 10.0.0.1 --wait=1 --json >/tmp/answer
     status=$?; python3 -c "
 import json
@@ -167,35 +175,38 @@ status_is 0
 error_is ''
 output_is static
 
-# ---- given up ---------------------------------------------------------------------------------
+# ---- timeout ----------------------------------------------------------------------------------
 
-it 'gives up a question that nobody answers'
+it 'stops a query without an answer at the timeout'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1; status=$?; took 1 40; left; exit $status'
 status_is 7
 output_is 'in time'
-error_is 'velkctl: eth1.ssid: could not be read: given up, it took too long'
+error_is 'velkctl: eth1.ssid: could not be read
+  no answer after 1 s'
 
-it 'gives up when the daemon is stopped'
+it 'stops a query at the timeout while the daemon is suspended'
 on_desk 'velk-sandbox cable out; daemon=$(cat /run/velk-sandbox/wland.pid); kill -STOP $daemon
     velkctl get eth1.signal --timeout 1; status=$?; left; kill -CONT $daemon; exit $status'
 status_is 7
 output_is ''
-error_is 'velkctl: eth1.signal: could not be read: given up, it took too long'
+error_is 'velkctl: eth1.signal: could not be read
+  no answer after 1 s'
 
-it 'says that a change that was given up may be half done'
+it 'says that a change that was stopped may be incomplete'
 on_desk 'reply silent; velkctl set eth1.ssid x --timeout 1; status=$?; left; exit $status'
 status_is 7
 output_is ''
-error_is 'velkctl: eth1.ssid: could not be set: given up, it took too long; it may be half changed'
+error_is 'velkctl: eth1.ssid: could not be set
+  no answer after 1 s; eth1.ssid may be incomplete; run it again'
 
-it 'asks again after it gave up'
+it 'asks again after a timeout'
 on_desk 'reply silent; velkctl get eth1.ssid --timeout 1 2>/dev/null; wland --tell normal
     velkctl get eth1.ssid --timeout 30'
 status_is 0
 error_is ''
 output_is velk-lab
 
-it 'gives up a tool that hangs, and leaves it alone'
+it 'stops waiting for a tool that hangs, and does not end it'
 on_desk 'mkdir /tmp/tools
     printf "#!/bin/sh\nuntil [ -e /tmp/go ]; do sleep 0.1; done\necho went on >/tmp/note\n" >/tmp/tools/sudo
     chmod +x /tmp/tools/sudo; stand_in sudo /tmp/tools/sudo
@@ -203,34 +214,35 @@ on_desk 'mkdir /tmp/tools
     touch /tmp/go; until [ -s /tmp/note ]; do sleep 0.1; done; cat /tmp/note
     exit $status'
 status_is 7
-error_is 'velkctl: eth0.link-speed: could not be read: given up, it took too long'
+error_is 'velkctl: eth0.link-speed: could not be read
+  no answer after 1 s'
 output_is 'in time
 went on'
 
-it 'gives nothing up that is in time'
+it 'stops no command that is in time'
 on_desk 'velkctl set eth0.dns 10.0.0.1 --timeout 20 && velkctl get eth0.dns --timeout 20
     velkctl set eth0.dns 10.0.0.300 --timeout 20; echo $?'
 output_is '10.0.0.1
 2'
 
-it 'refuses a time that is none'
+it 'refuses a time that is not valid'
 on_desk 'velkctl get eth0.dns --timeout soon'
 status_is 2
 error_is "velkctl: --timeout: 'soon' is not a time; give whole seconds, 1 to 86400"
 
 it 'shows the rest of the settings when the daemon is silent'
 on_desk 'reply silent; velkctl show eth1 --timeout 1 >/tmp/shown; status=$?; took 1 60
-    grep -c "did not answer before" /tmp/shown; grep -E "(method|given up)" /tmp/shown | tr -s " "
+    grep -c "daemon does not answer" /tmp/shown; grep -E "(method|no answer)" /tmp/shown | tr -s " "
     left; exit $status'
 status_is 0
 error_is ''
 has 'standard output' 'in time' "$output"
 has 'standard output' 'eth1.method dhcp' "$output"
-has 'standard output' '(given up, it took too long)' "$output"
+has 'standard output' '(no answer after 1 s)' "$output"
 
 # ---- signals ----------------------------------------------------------------------------------
 
-it 'leaves nothing behind when a signal ends it in a question'
+it 'leaves no files if a signal ends it during a query'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "reply silent; interrupted_by $signal \$asked velkctl get eth1.ssid; took 0 40; left"
     output_is "ended by $signal
@@ -238,14 +250,14 @@ in time"
     error_is ''
 done
 
-it 'says that a change may be half done when a signal ends it'
+it 'says that a change may be incomplete if a signal ends it'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "reply silent; interrupted_by $signal \$asked velkctl set eth1.ssid x; left"
     output_is "ended by $signal"
-    error_is 'velkctl: interrupted; eth1.ssid may be half changed'
+    error_is 'velkctl: interrupted; eth1.ssid may be incomplete; run it again'
 done
 
-it 'says that a restart may be half done when a signal ends it'
+it 'says that a restart may be incomplete if a signal ends it'
 on_desk 'mkdir /tmp/tools; : >/tmp/tools/real-sudo
     mount --bind "$(readlink -f "$(command -v sudo)")" /tmp/tools/real-sudo
     printf "%s\n" "#!/bin/sh" "/tmp/tools/real-sudo \"\$@\"" "[ \$1 != ifdown ] || : >/tmp/is-down" >/tmp/tools/sudo
@@ -253,7 +265,7 @@ on_desk 'mkdir /tmp/tools; : >/tmp/tools/real-sudo
     interrupted_by SIGTERM /tmp/is-down velkctl restart eth0 2>/tmp/errors; grep velkctl: /tmp/errors; left'
 output_is 'ended by SIGTERM
 velkctl: restart of eth0: ifdown: interface eth0 not configured
-velkctl: interrupted; restart of eth0 may be half done'
+velkctl: interrupted; restart of eth0 may be incomplete; run it again'
 
 it 'finishes its document when a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl set eth1.ssid x --json >/tmp/answer
@@ -262,15 +274,15 @@ import json, sys
 print(json.load(sys.stdin)[\"errors\"][0][\"message\"])"'
 error_is ''
 output_is 'ended by SIGTERM
-interrupted; eth1.ssid may be half changed'
+interrupted; eth1.ssid may be incomplete; run it again'
 
-it 'shows what it has read when a signal ends it'
+it 'shows the settings it has read if a signal ends it'
 on_desk 'reply silent; interrupted_by SIGTERM $asked velkctl get eth0.method eth1.ssid >/tmp/answer
     cat /tmp/answer'
 output_is 'eth0.method = static
 ended by SIGTERM'
 
-it 'is ended by a signal in a file that keeps it waiting'
+it 'is ended by a signal while it waits for a file'
 for signal in SIGINT SIGTERM SIGHUP SIGQUIT; do
     on_desk "rm /etc/network/interfaces; mkfifo /etc/network/interfaces
         interrupted_by $signal 0.3 velkctl get eth0.method
@@ -283,26 +295,30 @@ ended by $signal
 in time"
 done
 
-it 'gives up a file that keeps it waiting'
+it 'stops waiting for a file at the timeout'
 on_desk 'rm /etc/network/interfaces; mkfifo /etc/network/interfaces
     velkctl get eth0.method --timeout 1; echo $?
     velkctl get eth0.address --timeout 1; echo $?
     velkctl set eth0.gateway 192.168.0.1 --timeout 1; echo $?; left; took 0 60'
-error_is 'velkctl: eth0.method: could not be read: given up, it took too long
-velkctl: eth0.address: could not be read: given up, it took too long
-velkctl: eth0.gateway: could not be set: given up, it took too long; it may be half changed'
+error_is 'velkctl: eth0.method: could not be read
+  no answer after 1 s
+velkctl: eth0.address: could not be read
+  no answer after 1 s
+velkctl: eth0.gateway: could not be set
+  no answer after 1 s; eth0.gateway may be incomplete; run it again'
 output_is '7
 7
 7
 in time'
 
-it 'gives up a set while the system log is stuck'
+it 'stops a set at the timeout while the system log is stuck'
 on_desk 'velkctl set ntp on; cp /var/cron/tabs/root /run/before
     with_stuck_log timeout -s KILL 60 velkctl set ntp off --timeout 2; status=$?; took 1 60; left
     cmp /var/cron/tabs/root /run/before; exit $status'
 status_is 7
 output_is 'in time'
-error_is 'velkctl: ntp: could not be set: given up, it took too long; it may be half changed'
+error_is 'velkctl: ntp: could not be set
+  no answer after 2 s; ntp may be incomplete; run it again'
 
 it 'is ended by a signal while the system log is stuck'
 for signal in SIGINT SIGTERM; do
@@ -310,10 +326,10 @@ for signal in SIGINT SIGTERM; do
         with_stuck_log timeout -s KILL 60 python3 -c \"\$INTERRUPT\" $signal +0.5 velkctl set ntp off; took 0 60; left"
     output_is "ended by $signal
 in time"
-    error_is 'velkctl: interrupted; ntp may be half changed'
+    error_is 'velkctl: interrupted; ntp may be incomplete; run it again'
 done
 
-it 'tells what tools say in words of its own'
+it 'passes on the output of tools as notes'
 on_desk 'rm -f /var/libvelk/ntp.log
     velkctl set ntp off; echo $?; velkctl set ntp off --json >/tmp/answer
     python3 -c "import json; print(*json.load(open(\"/tmp/answer\"))[\"notes\"])"'
@@ -321,13 +337,13 @@ error_is "velkctl: ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file o
 output_is "0
 ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
 
-it 'goes on when the signal is ignored'
+it 'continues when the signal is ignored'
 on_desk 'reply silent; (trap "" HUP INT
         exec python3 -c "$INTERRUPT" SIGHUP 0.5 velkctl get eth1.ssid --timeout 1); left'
 output_is 'ended by 7'
 
 # Ends changes at random moments: however far they came, the files are whole and nothing is left.
-it 'leaves files whole and nothing behind at whatever moment it is ended'
+it 'leaves complete files only, whenever a signal ends it'
 on_desk 'cp /etc/network/interfaces /tmp/static
     velkctl set eth0.method dhcp; cp /etc/network/interfaces /tmp/dhcp
     for signal in SIGINT SIGTERM; do
@@ -347,7 +363,7 @@ on_desk 'cp /etc/network/interfaces /tmp/static
 error_is ''
 output_is ''
 
-it 'takes the process that is at work with it when it is killed'
+it 'ends its working process when it is killed'
 on_desk 'reply silent; velkctl set eth1.ssid x & tool=$!
     until [ -e $asked ]; do sleep 0.01; done; pgrep -c velkctl
     kill -KILL $tool; while pgrep velkctl; do sleep 0.1; done >/dev/null; pgrep -c velkctl; flock --nonblock /var/tmp/vklib_lock echo free'
@@ -355,43 +371,46 @@ output_is '2
 0
 free'
 
-it 'tells of a library that was killed'
+it 'reports a library that was killed'
 on_desk 'reply silent; velkctl get eth1.ssid & until [ -e $asked ]; do sleep 0.01; done
     kill -KILL $(pgrep -P $!); wait $!; status=$?; left; exit $status'
 status_is 1
 output_is ''
 error_is "velkctl: eth1.ssid: the library ended without an answer, by signal 9 (Killed)
-velkctl: eth1.ssid: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+velkctl: eth1.ssid: could not be read
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)"
 
 # ---- at a terminal ----------------------------------------------------------------------------
 
-it 'shows at a terminal what it waits for, and takes that away again'
+it 'shows a progress line at a terminal and removes it'
 on_desk 'reply silent; at_terminal - velkctl get eth1.ssid --timeout 3'
 status_is 0
 output_has "'\\reth1.ssid: 1 s of at most 3 s, waiting for the wireless daemon to answer\\reth1.ssid: 2 s of at most 3 s, waiting for the wireless daemon to answer\\r  "
-output_has " \\rvelkctl: eth1.ssid: could not be read: given up, it took too long\\r\\n' 7"
+output_has " \\rvelkctl: eth1.ssid: could not be read\\r\\n  no answer after 3 s\\r\\n' 7"
 
-it 'takes the line away before the answer'
+it 'removes the progress line before the answer'
 on_desk 'reply late --delay 1.5; at_terminal - velkctl get eth1.ssid'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer\\r  "
 output_has " \\rvelk-lab\\r\\n' 0"
 
-it 'ends at once at Ctrl-C, with the line gone'
+it 'ends at once at Ctrl-C, and removes the progress line'
 on_desk 'reply silent; at_terminal "1 s of" velkctl set eth1.ssid x; took 1 40; left'
 output_has "'\\reth1.ssid: 1 s of at most 60 s, waiting for the wireless daemon to answer"
-output_has " \\rvelkctl: interrupted; eth1.ssid may be half changed\\r\\n' -2"
+output_has " \\rvelkctl: interrupted; eth1.ssid may be incomplete; run it again\\r\\n' -2"
 output_has 'in time'
 
-it 'shows nothing of it in a document, a quick answer or a pipe'
+it 'shows no progress line in a document, a quick answer or a pipe'
 on_desk 'reply silent; at_terminal - velkctl get eth1.ssid --timeout 2 --json | grep -c waiting
     at_terminal - velkctl get eth0.method
     velkctl get eth1.ssid --timeout 2 2>&1 | cat'
 error_is ''
 output_is "0
 'static\\r\\n' 0
-velkctl: eth1.ssid: could not be read: given up, it took too long"
+velkctl: eth1.ssid: could not be read
+  no answer after 2 s"
 
-it 'lets the shell see 130'
+it 'exits with 130 for the shell at Ctrl-C'
 on_desk 'reply silent; at_terminal "1 s of" bash -c "trap : INT; velkctl get eth1.ssid; echo status \$?" | grep -o "status 130"'
 output_is 'status 130'
 

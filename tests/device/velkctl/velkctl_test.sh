@@ -1,4 +1,4 @@
-# velkctl_test.sh - the command-line tool, as people and scripts use it.
+# velkctl_test.sh - the command-line tool for people and scripts.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -6,8 +6,8 @@
 
 needs_sandbox
 
-# Runs a command on a device whose resolver file holds this text (\n and the like as printf writes
-# them) and where no set has run yet. Shows the file behind the command's output, and the lock file.
+# Runs a command on a device with this text in the resolver file (escapes as in printf), before any
+# set. Shows the file after the command's output, and the lock file.
 with_resolver() { # TEXT COMMAND...
     on_device sh -c '
         resolver=/etc/resolv.dnsmasq.conf
@@ -28,13 +28,21 @@ without_resolver() { # COMMAND...
     on_device sh -c 'rm /etc/resolv.dnsmasq.conf && exec "$@"' sh "$@"
 }
 
-# Holds that velkctl refuses these arguments with this message, with nothing changed or printed.
+# Checks the error of the last run, with the indented lines of each message joined to its first one.
+error_unfolds_to() { # MESSAGE
+    error=${error//$',\n  but'/, but}
+    error=${error//$'\n  fix: give'/; give}
+    error=${error//$'\n  '/; }
+    error_is "$1"
+}
+
+# Checks that velkctl refuses these arguments with this message, with nothing changed or printed.
 refused() { # MESSAGE ARGUMENT...
     lib_message=$1
     shift
     with_resolver 'nameserver 9.9.9.9\n' velkctl "$@"
     status_is 2
-    error_is "velkctl: $lib_message"
+    error_unfolds_to "velkctl: $lib_message"
     output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --'
@@ -78,7 +86,7 @@ output_is 'none
 # nothing yet
 --'
 
-it 'shows the server behind a line without an address'
+it 'shows the server after a line without an address'
 with_resolver 'nameserver\nnameserver 2.2.2.2\n' velkctl get eth0.dns
 status_is 0
 output_is '2.2.2.2
@@ -112,20 +120,29 @@ it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
+error_is "velkctl: eth0.dns: could not be read
+  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
+  fix: put the device's own file there
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'says of each setting that it could not be read'
 without_resolver velkctl get eth0.dns eth1.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there
-velkctl: eth1.dns: could not be read (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: the file is missing; mend: put the device's own file there"
+error_is "velkctl: eth0.dns: could not be read
+  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
+  fix: put the device's own file there
+  result: LIB_VELK_FAILURE (-1)
+velkctl: eth1.dns: could not be read
+  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
+  fix: put the device's own file there
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'reads no setting when one of the names is wrong'
 refused "get: unknown setting 'eth0.dsn'; did you mean eth0.dns?" \
     get eth0.dns eth0.dsn
 
-it 'fails when its output gets lost'
+it 'fails when its output cannot be written'
 on_device sh -c 'velkctl list >/dev/full'
 status_is 1
 error_is 'velkctl: cannot write to standard output: No space left on device'
@@ -159,19 +176,19 @@ output_is '-- /etc/resolv.dnsmasq.conf
 --
 lock file made'
 
-it 'takes addresses behind --'
+it 'takes addresses after --'
 with_resolver 'nameserver 9.9.9.9\n' velkctl set -- eth0.dns 1.1.1.1
 status_is 0
 output_has 'nameserver 1.1.1.1
 --'
 
-it 'reads back what it set, on either interface'
+it 'reads back the value it set, on either interface'
 on_device sh -c 'velkctl set eth0.dns 1.2.3.4 5.6.7.8 && velkctl get eth0.dns eth1.dns'
 status_is 0
 output_is 'eth0.dns = 1.2.3.4 5.6.7.8
 eth1.dns = 1.2.3.4 5.6.7.8'
 
-it 'sets what get has shown'
+it 'sets a value as get shows it'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && before=$(velkctl get eth0.dns) &&
     velkctl set eth0.dns none && velkctl get eth0.dns &&
     velkctl set eth0.dns $before && velkctl get eth0.dns'
@@ -188,12 +205,17 @@ it 'says that a setting could not be set'
 without_resolver sh -c 'mkdir /etc/resolv.dnsmasq.conf && velkctl set eth0.dns 1.1.1.1'
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be set (LIB_VELK_FAILURE, -1); likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device stands there; mend: put the device's own file in its place"
+error_is "velkctl: eth0.dns: could not be set
+  likely cause: /etc/resolv.dnsmasq.conf: a folder, a FIFO or a device is in its place
+  fix: put the device's own file in its place
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'changes nothing while another program holds the lock'
 with_resolver 'nameserver 9.9.9.9\n' flock -x /var/tmp/vklib_lock velkctl set eth0.dns 1.1.1.1
 status_is 3
-error_has 'velkctl: eth0.dns: could not be set: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process '
+error_has 'velkctl: eth0.dns: could not be set
+  another program is changing settings
+  process '
 output_is '-- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --
@@ -214,7 +236,7 @@ it 'refuses four addresses'
 refused 'eth0.dns: 4 addresses given; give one to three, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
-it 'refuses what is no address'
+it 'refuses a value that is not an address'
 for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost 1.1.1.1,2.2.2.2 '1.1.1.1 2.2.2.2' \
     '[1.1.1.1]' '{}' %% ++ -5 list ''; do
     refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
@@ -228,13 +250,13 @@ refused "eth1.dns: '1.1.1.256' is not an IPv4 address; give one to three such as
     set eth1.dns 1.1.1.1 1.1.1.256 3.3.3.3
 
 it 'refuses none among addresses'
-refused "eth0.dns: 'none' stands alone; give either addresses or none" set eth0.dns none 1.1.1.1
+refused "eth0.dns: 'none' takes no other value; give either addresses or none" set eth0.dns none 1.1.1.1
 
 it 'names a word in another script as it is written'
 LC_ALL=C.UTF-8 refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
     set eth0.dns café
 
-it 'keeps its complaint on one line, without control characters'
+it 'prints a problem on one line, without control characters'
 refused "eth0.dns: '\\x1b[31m\\x0a1.1.1.1' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
     set eth0.dns $'\e[31m\n1.1.1.1'
 
@@ -246,7 +268,7 @@ it 'refuses a missing name'
 refused 'get: argument missing; usage: velkctl get NAME... [OPTION...]' get
 refused 'set: argument missing; usage: velkctl set NAME VALUE... [OPTION...]' set
 
-it 'refuses a name that there is not'
+it 'refuses an unknown name'
 refused "get: unknown setting 'nonsense'; 'velkctl list' names them all" get nonsense
 refused "set: unknown setting 'nonsense'; 'velkctl list' names them all" set nonsense 1.1.1.1
 refused "set: unknown setting ''; 'velkctl list' names them all" set '' 1.1.1.1
@@ -256,12 +278,12 @@ refused "get: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" get eth2.dn
 refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dns 1.1.1.1
 refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
-it 'refuses a verb that there is not'
-refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)" \
+it 'refuses an unknown verb'
+refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' explains them)"
+refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
 
-it 'refuses an option that there is not'
+it 'refuses an unknown option'
 refused "unknown option '--quick'; 'velkctl --help' lists the options" \
     --quick set eth0.dns 1.1.1.1
 refused "set: unknown option '--quick'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
@@ -284,29 +306,29 @@ refused "set: unknown option '-hallo'; 'velkctl set --help' lists the options; p
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
 it 'refuses name and value as one word'
-refused "set: 'eth0.dns' is followed by '='; give the name alone, and a value as an argument of its own" \
+refused "set: 'eth0.dns' is followed by '='; give the name alone, and the value as a separate argument" \
     set eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
-refused "list: 'eth0.dns' is one argument too many; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
-refused "call: 'x' is one argument too many; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
+refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
+refused "call: unexpected argument 'x'; usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]" \
     call set 108 eth0 x
 
 # ---- list -------------------------------------------------------------------------------------
-it 'lists each setting with its directions and what it is'
+it 'lists each setting with its directions and description'
 on_device velkctl list
 status_is 0
 error_is ''
 output_has 'eth0.mac-address        get      hardware address: 12 hex digits
 '
-output_has 'eth0.dns                get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
-eth1.dns                get set  DNS servers: one to three IPv4 addresses, or none; eth0 and eth1 share one list
+output_has 'eth0.dns                get set  DNS servers of eth0 and eth1; see describe
+eth1.dns                get set  DNS servers of eth0 and eth1; see describe
 '
-output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex: auto, 100-full, 100-half, 10-full or 10-half
+output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex; see describe
 '
-output_has 'eth1.wep-key-1          get set  WEP key: 5 or 13 characters, 10 or 26 hex digits, or none; secret
+output_has 'eth1.wep-key-1          get set  WEP key, or none; secret
 '
-output_has 'eth1.psk                get set  pre-shared key: a text of 1 to 64 bytes, or none; secret
+output_has 'eth1.psk                get set  pre-shared key, or none; secret
 '
 
 # ---- call -------------------------------------------------------------------------------------
@@ -336,7 +358,7 @@ status_is 1
 error_is ''
 output_is 'LIB_VELK_FAILURE (-1): file, socket, time-out or unreadable value'
 
-it 'sends text as it stands'
+it 'sends text unchanged'
 for text in 10.0.0.1 '[a,b]' '{}' %% nonsense; do
     with_resolver 'nameserver 9.9.9.9\n' velkctl call set 108 eth0 --text "$text"
     status_is 0
@@ -348,7 +370,7 @@ nameserver $text
 lock file made"
 done
 
-it 'takes text behind an equals sign, and a text that looks like an option'
+it 'takes text after an equals sign, and a text that looks like an option'
 with_resolver '' velkctl call --text=10.0.0.1 set 108 eth0
 output_has 'nameserver 10.0.0.1
 --'
@@ -390,15 +412,15 @@ nameserver 0000000000000000
 lock file made'
 
 it 'refuses 513 bytes'
-refused 'call: --text: 513 bytes are too many; the data area holds 512' \
+refused 'call: --text: 513 bytes are too many; give at most 512' \
     call set 108 eth0 --text "$(printf '%0513d' 0)"
-refused 'call: --hex: more than 512 bytes; the data area holds 512' \
+refused 'call: --hex: more than 512 bytes; give at most 512' \
     call set 108 eth0 --hex "$(printf '%01026d' 0)"
 
 it 'refuses hex digits that make no bytes'
-refused "call: --hex: the digit at character 3 stands alone; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: odd number of hex digits at character 3; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0a1
-refused "call: --hex: the digit at character 1 stands alone; give two hex digits for each byte, such as 31:30" \
+refused "call: --hex: odd number of hex digits at character 1; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex '0 a'
 refused "call: --hex: character 2 is not a hex digit; give two hex digits for each byte, such as 31:30" \
     call set 108 eth0 --hex 0x31
@@ -410,16 +432,16 @@ refused "call: option '--text' is given twice; give it once" \
     call set 108 eth0 --text a --text b
 
 it 'refuses an option without its value'
-refused "call: option '--text' needs a value behind it" call set 108 eth0 --text
-refused "call: option '--hex' needs a value behind it" call set 108 eth0 --hex
+refused "call: option '--text' needs a value" call set 108 eth0 --text
+refused "call: option '--hex' needs a value" call set 108 eth0 --hex
 
-it 'refuses what is no command'
+it 'refuses a command that is not valid'
 refused "call: 'put' is not a command type; give get, set or restart" call put 108 eth0
 for id in dns 108x 0x6c -1 4294967296 ''; do
     refused "call: '$id' is not a command id; give a decimal number such as 108" \
         call set "$id" eth0
 done
-refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]" \
+refused "call: argument missing; usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]" \
     call set
 refused "call: 'eth0eth0eth0eth01' is too long for an interface; give eth0, eth1 or another name of at most 16 bytes" \
     call set 108 eth0eth0eth0eth01
@@ -442,7 +464,7 @@ with_resolver 'nameserver 9.9.9.9\n' \
     flock -x /var/tmp/vklib_lock velkctl call set 108 eth0 --text 1.1.1.1
 status_is 3
 error_is ''
-output_has 'LIB_VELK_LOCKED (-3): another program is changing settings now, try again; process '
+output_has 'LIB_VELK_LOCKED (-3): another program is changing settings; process '
 output_has ' old) holds the lock
 -- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
@@ -452,7 +474,7 @@ output_has 'lock file made'
 # ---- the wired port and the adapter -----------------------------------------------------------
 # Runs a command on a device with an eth0 and an eth1 of its own, where ethtool shows these lines (as
 # printf writes them) of the wired port, and nothing that is run with sudo does anything but to be
-# noted. The device has this list of USB devices and no wireless daemon. Shows the notes behind the
+# noted. The device has this list of USB devices and no wireless daemon. Shows the notes after the
 # command's output.
 with_ports() { # ETHTOOL-LINES USB-DEVICES COMMAND...
     on_device sh -c "$stand_in_word"'
@@ -487,7 +509,7 @@ error_is ''
 output_is '02005E100AFF
 -- run'
 
-it 'shows none for a port that is not there'
+it 'shows none for a missing port'
 with_ports "$link" '' sh -c 'ip link del eth0 && velkctl get eth0.mac-address'
 status_is 0
 output_has 'none
@@ -525,9 +547,11 @@ END
 it 'says that a speed could not be read'
 with_ports '\tSpeed: 1000Mb/s\n\tAuto-negotiation: off\n' '' velkctl get eth0.link-speed
 status_is 1
-error_is "velkctl: eth0.link-speed: could not be read; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth0.link-speed: could not be read
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)"
 
-it 'forces the link speed and looks whether the port has taken it'
+it 'sets the link speed and checks that the port has taken it'
 while read -r name speed duplex negotiation options; do
     with_ports "\\tSpeed: $speed\\n\\tDuplex: $duplex\\n\\tAuto-negotiation: $negotiation\\n" '' \
         velkctl set eth0.link-speed "$name"
@@ -548,25 +572,26 @@ END
 it 'says that the port has not taken the link speed'
 with_ports "$link" '' velkctl set eth0.link-speed 10-half
 status_is 6
-error_is "velkctl: eth0.link-speed: the library reported success, but the device holds 'auto'"
+error_is "velkctl: eth0.link-speed: the library reported success,
+  but the device holds 'auto'"
 
-# Holds that velkctl refuses these arguments with this message, with nothing run, locked or printed.
+# Checks that velkctl refuses these arguments with this message, with nothing run, locked or printed.
 refused_unsent() { # MESSAGE ARGUMENT...
     lib_message=$1
     shift
     with_ports "$no_link" "$adapter" velkctl "$@"
     status_is 2
-    error_is "velkctl: $lib_message"
+    error_unfolds_to "velkctl: $lib_message"
     output_is '-- run'
 }
 
-it 'refuses a link speed that there is not'
+it 'refuses an unknown link speed'
 for word in 1 0 full ''; do
-    refused_unsent "eth0.link-speed: '$word' is not one of its values; give auto, 100-full, 100-half, 10-full or 10-half" \
+    refused_unsent "eth0.link-speed: '$word' is not valid; give auto, 100-full, 100-half, 10-full or 10-half" \
         set eth0.link-speed "$word"
 done
 for word in 1000-full 100-FULL; do
-    refused_unsent "eth0.link-speed: '$word' is not one of its values; did you mean 100-full?" \
+    refused_unsent "eth0.link-speed: '$word' is not valid; did you mean 100-full?" \
         set eth0.link-speed "$word"
 done
 refused_unsent 'eth0.link-speed: no value given; give auto, 100-full, 100-half, 10-full or 10-half' \
@@ -576,7 +601,7 @@ refused_unsent 'eth0.link-speed: 2 values given; give auto, 100-full, 100-half, 
 refused_unsent "set: unknown setting 'eth1.link-speed'; give eth0.link-speed" \
     set eth1.link-speed auto
 
-it 'does not set what can only be read'
+it 'does not set a setting that can only be read'
 for name in eth0.mac-address eth1.mac-address eth1.hardware-version eth1.software-version \
     eth1.standard eth1.region eth1.rate eth1.access-point eth1.signal; do
     refused_unsent "$name: cannot be set, only read" set "$name" 1
@@ -593,7 +618,10 @@ it 'says that there is no adapter'
 for name in $state_settings; do
     with_ports "$no_link" '' velkctl get "$name"
     status_is 4
-    error_is "velkctl: $name: could not be read: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)"
+    error_is "velkctl: $name: could not be read
+  no supported wireless adapter is attached
+  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
+  result: LIB_VELK_NO_ADAPTER (-5)"
     output_is '-- run'
 done
 
@@ -601,7 +629,10 @@ it 'says that the cable is in the wired port'
 for name in $state_settings; do
     with_ports "$link" "$adapter" velkctl get "$name"
     status_is 5
-    error_is "velkctl: $name: could not be read: refused while the cable is in the wired port (LIB_VELK_WIRED_LINKED, -6)"
+    error_is "velkctl: $name: could not be read
+  refused while the cable is in the wired port
+  fix: pull the cable; wireless works only without it
+  result: LIB_VELK_WIRED_LINKED (-6)"
     output_is '-- run
 ethtool eth0'
 done
@@ -610,36 +641,42 @@ it 'fails without a wireless daemon'
 for name in $configuration eth1.rate; do
     with_ports "$no_link" "$adapter" velkctl get "$name"
     status_is 1
-    error_is "velkctl: $name: could not be read (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+    error_is "velkctl: $name: could not be read
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 done
 with_ports "$no_link" "$adapter" velkctl set eth1.channel 6
 status_is 1
-error_is "velkctl: eth1.channel: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.channel: could not be set
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'refuses values that a wireless setting does not have'
-refused_unsent "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc" \
+refused_unsent "eth1.service-set: '1' is not valid; give infrastructure or ad-hoc" \
     set eth1.service-set 1
 for word in 0 14 01 +1 wep ''; do
-    refused_unsent "eth1.channel: '$word' is not one of its values; give a number from 1 to 13" \
+    refused_unsent "eth1.channel: '$word' is not valid; give a number from 1 to 13" \
         set eth1.channel "$word"
 done
-refused_unsent "eth1.encryption: '5' is not one of its values; give 1, 2 (wep), 3 or 4" \
+refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4" \
     set eth1.encryption 5
-refused_unsent "eth1.authentication: '0' is not one of its values; give a number from 1 to 4" \
+refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4" \
     set eth1.authentication 0
-refused_unsent "eth1.wep-default-key: '5' is not one of its values; give a number from 1 to 4" \
+refused_unsent "eth1.wep-default-key: '5' is not valid; give a number from 1 to 4" \
     set eth1.wep-default-key 5
-refused_unsent "eth1.standards-enabled: '1' is not one of its values; give 2 or 3" \
+refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3" \
     set eth1.standards-enabled 1
 refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
     set eth1.ssid "$(printf '%033d' 0)"
-refused_unsent 'eth1.ssid: 2 values given; give a text of at most 32 bytes, in quotes when it holds blanks' \
+refused_unsent 'eth1.ssid: 2 values given; give a text of at most 32 bytes, in quotes if it has blanks' \
     set eth1.ssid my network
 refused_unsent 'eth1.ssid: control characters, such as the end of a line, are not taken; give a text of at most 32 bytes' \
     set eth1.ssid $'net\n'
 
 # ---- secrets ----------------------------------------------------------------------------------
-# Holds that nothing of the secret is in what velkctl wrote.
+# Checks that the output of velkctl has no part of the secret.
 no_secret() {
     case $output$error in
         *hunter*) check 'output' 'no secret' "$output$error" ;;
@@ -647,16 +684,16 @@ no_secret() {
     esac
 }
 
-it 'tells the length of a wrong key, not the key'
+it 'reports the length of a wrong key, not the key'
 refused_unsent 'eth1.psk: 66 bytes given; give a text of 1 to 64 bytes, or none' \
     set eth1.psk "hunter$(printf '%060d' 0)"
 refused_unsent 'eth1.psk: 0 bytes given; give a text of 1 to 64 bytes, or none' set eth1.psk ''
-refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none, in quotes when it holds blanks' \
+refused_unsent 'eth1.psk: 2 values given; give a text of 1 to 64 bytes, or none, in quotes if it has blanks' \
     set eth1.psk hunter two
 refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none' \
     set eth1.wep-key-4 hunter
 
-it 'never repeats a key, wherever it stands'
+it 'never repeats a key at any place'
 for arguments in 'set eth1.psk hunter22' 'set eth1.psk -hunter22' 'set eth1.psk --hunter=2' \
     'set eth1.psk @hunter22' 'set eth1.psk=hunter22' 'set hunter22 eth1.psk' \
     'set eth1.pks -hunter22' 'set eth1.wep-key-2 hunter' 'eth1.psk=hunter22' 'get eth1.psk=hunter22' \
@@ -674,16 +711,21 @@ done
 it 'reads a key from standard input'
 with_ports "$no_link" "$adapter" sh -c 'echo hunter22 | velkctl set eth1.psk -'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.psk: could not be set
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 with_ports "$no_link" "$adapter" sh -c 'echo hunter | velkctl set eth1.wep-key-1 -'
 status_is 2
-error_is 'velkctl: eth1.wep-key-1: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
+error_is 'velkctl: eth1.wep-key-1: 6 bytes given
+  fix: give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c 'printf "hunter\r\n" | velkctl set eth1.psk -'
 status_is 2
-error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken; give a text of 1 to 64 bytes, or none'
+error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken
+  fix: give a text of 1 to 64 bytes, or none'
 refused_unsent 'eth1.psk: standard input is empty; give the value as one line' set eth1.psk -
 
-it 'leaves the lines behind the key to others'
+it 'leaves the lines after the key unread'
 with_ports "$no_link" "$adapter" sh -c \
     'printf "hunter\nrest\n" | { velkctl set eth1.wep-key-1 - 2>/dev/null; cat; }'
 output_is 'rest
@@ -693,23 +735,28 @@ it 'reads a key from a file'
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter22 >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 1 # there is no daemon to send it to
-error_is "velkctl: eth1.psk: could not be set (LIB_VELK_FAILURE, -1); likely cause: /tmp/WlanAplToWlanSock: its socket is missing; mend: start the wireless daemon"
+error_is "velkctl: eth1.psk: could not be set
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  fix: start the wireless daemon
+  result: LIB_VELK_FAILURE (-1)"
 with_ports "$no_link" "$adapter" sh -c \
     'echo hunter >/tmp/key && velkctl set eth1.wep-key-3 @/tmp/key'
 status_is 2
-error_is 'velkctl: eth1.wep-key-3: 6 bytes given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
+error_is 'velkctl: eth1.wep-key-3: 6 bytes given
+  fix: give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c \
     'printf "hunter22\nhunter23\n" >/tmp/key && velkctl set eth1.psk @/tmp/key'
 status_is 2
-error_is 'velkctl: eth1.psk: the file behind @ has more than one line; give the value as the only one'
+error_is 'velkctl: eth1.psk: the file after @ has more than one line
+  fix: give the value as the only one'
 no_secret
-refused_unsent "eth1.psk: the file behind @ cannot be read: No such file or directory; '-' takes the value from standard input, @FILE from a file" \
+refused_unsent "eth1.psk: the file after @ cannot be read: No such file or directory; - reads the value from standard input, @FILE from a file" \
     set eth1.psk @/tmp/hunter22
 
-it 'takes - and @ as they stand where nothing is secret'
-refused_unsent "eth1.channel: '-' is not one of its values; give a number from 1 to 13" \
+it 'takes - and @ literally for a setting that is no secret'
+refused_unsent "eth1.channel: '-' is not valid; give a number from 1 to 13" \
     set eth1.channel -
-refused_unsent "eth1.channel: '@/etc/hostname' is not one of its values; give a number from 1 to 13" \
+refused_unsent "eth1.channel: '@/etc/hostname' is not valid; give a number from 1 to 13" \
     set eth1.channel @/etc/hostname
 
 # ---- restart ----------------------------------------------------------------------------------
@@ -732,7 +779,7 @@ ethtool eth0
 ifconfig eth1 up
 lock file made'
 
-it 'tells the wireless daemon alone'
+it 'notifies the wireless daemon only'
 with_ports "$link" "$adapter" velkctl restart eth1 --notify-only
 status_is 0
 error_is ''
@@ -741,25 +788,32 @@ ethtool eth0
 lock file made'
 with_ports "$no_link" "$adapter" velkctl restart --notify-only eth1
 status_is 1 # there is no daemon
-error_is "velkctl: eth1: could not be restarted; 'velkctl doctor' looks for the cause (LIB_VELK_FAILURE, -1)"
+error_is "velkctl: eth1: could not be restarted
+  fix: run 'velkctl doctor' to look for the cause
+  result: LIB_VELK_FAILURE (-1)"
 
 it 'restarts nothing without an adapter, or while the lock is held'
 with_ports "$no_link" '' velkctl restart eth1
 status_is 4
-error_is 'velkctl: eth1: could not be restarted: no supported wireless adapter is attached (LIB_VELK_NO_ADAPTER, -5)'
+error_is 'velkctl: eth1: could not be restarted
+  no supported wireless adapter is attached
+  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
+  result: LIB_VELK_NO_ADAPTER (-5)'
 with_ports "$link" '' flock -x /var/tmp/vklib_lock velkctl restart eth0
 status_is 3
-error_has 'velkctl: eth0: could not be restarted: another program is changing settings now, try again, as --wait=SECONDS does (LIB_VELK_LOCKED, -3); process '
+error_has 'velkctl: eth0: could not be restarted
+  another program is changing settings
+  process '
 output_is '-- run
 lock file made'
 
-it 'refuses to restart what is no interface'
+it 'refuses to restart an unknown interface'
 refused_unsent "restart: 'eth2' is not an interface of the device; did you mean eth0 or eth1?" restart eth2
 refused_unsent "restart: '' is not an interface of the device; give eth0 or eth1" restart ''
 refused_unsent 'restart: --notify-only is for eth1; leave it out for eth0' \
     restart eth0 --notify-only
 refused_unsent 'restart: argument missing; usage: velkctl restart eth0|eth1 [OPTION...]' restart
-refused_unsent "restart: 'eth0' is one argument too many; usage: velkctl restart eth0|eth1 [OPTION...]" \
+refused_unsent "restart: unexpected argument 'eth0'; usage: velkctl restart eth0|eth1 [OPTION...]" \
     restart eth1 eth0
 
 # ---- help -------------------------------------------------------------------------------------
@@ -772,24 +826,24 @@ output_has '
   get       show the value of settings
   set       change a setting
   show      show all settings, or those of an interface
-  restart   bring an interface down and up again, so that changed settings take effect
-  list      name all settings, or those of an interface, and say what can be done with them
-  describe  say what a setting is
-  explain   say what a result of the library or an exit status means and what to do about it
-  doctor    look for what the library will not be able to do, and say how to mend it
-  call      run a command of the library as it stands
-  help      show help for velkctl, or for the verb behind it
+  restart   bring an interface down and up to apply its settings
+  list      list all settings, or those of an interface
+  describe  describe a setting and its values
+  explain   explain a result of the library or an exit status
+  doctor    look for problems with files, tools and daemons
+  call      run a command of the library without checks
+  help      show help for velkctl or for a verb
 '
 output_has '
 Exit status:
   0         done
-  1         failed, or the doctor found something
-  2         wrong usage, or a name or value that is not taken
+  1         failed, or the doctor found a problem
+  2         wrong usage, or a name or value that is not valid
   3         another program is changing settings
   4         no supported wireless adapter is attached
   5         refused while the cable is in the wired port
   6         set, but the device does not hold the value
-  7         given up because it took too long
+  7         no answer before the timeout
 '
 general_help=$output
 for words in -h help 'help help' 'help --help'; do
@@ -819,15 +873,15 @@ done
 
 it 'explains the options of call'
 run velkctl call --help
-output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [--text TEXT | --hex HEX] [OPTION...]
+output_has 'Usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]
 '
 output_has '
-  --text TEXT                 data bytes as text, at most 512; - or @FILE reads them
-  --hex HEX                   data bytes as pairs of hex digits, with blanks or colons between; - or @FILE reads them
-  --wait                      while another program changes settings, try again for 30 s, or --wait=SECONDS
-  --timeout SECONDS           give up when it takes longer
-  --json                      answer as one JSON document
-  --show-secrets              show keys, which are masked otherwise
+  --text TEXT         data bytes as text, at most 512; or - or @FILE
+  --hex HEX           data bytes as pairs of hex digits; or - or @FILE
+  --wait              try again for 30 s while settings are locked; or --wait=N
+  --timeout SECONDS   stop if no answer comes within SECONDS
+  --json              print one JSON document
+  --show-secrets      show keys instead of asterisks
 '
 
 it 'gives its version'

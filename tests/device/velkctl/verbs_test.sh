@@ -1,4 +1,4 @@
-# verbs_test.sh - what velkctl's verbs tell people, at a terminal too.
+# verbs_test.sh - the text output of velkctl's verbs, also at a terminal.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
@@ -7,8 +7,15 @@
 needs_sandbox
 command -v python3 >/dev/null || skip 'no python3 here, for terminals'
 
-# Types lines at a terminal of the command's own, each when a question (": ") is there, and shows what
-# stood on it. The line ^C is typed as the key.
+# Checks the error of the last run, with the indented lines of each message joined to its first one.
+error_unfolds_to() { # MESSAGE
+    error=${error//$'\n  fix: give'/; give}
+    error=${error//$'\n  '/; }
+    error_is "$1"
+}
+
+# Types lines at a terminal of the command's own, each at a question (": "), and shows the
+# terminal's text. The line ^C is typed as the key.
 export TYPIST='
 import os, pty, sys, termios
 typed = os.environ["TYPED"].splitlines()
@@ -68,7 +75,7 @@ on_device velkctl show eth1 --show-secrets
 status_is 0
 check 'no mask' 0 "$(printf '%s\n' "$output" | grep -c '\*\*\*\*')"
 
-it 'colours what cannot be read, at a terminal alone, and not against NO_COLOR'
+it 'colours unreadable settings, at a terminal only, and not with NO_COLOR'
 typing '' env TERM=linux velkctl show eth1
 output_has 'eth1.signal             <esc>[33m(refused while the cable is in the wired port)<esc>[0m'
 for plain in TERM=linux\ NO_COLOR=1 TERM=dumb; do
@@ -79,11 +86,11 @@ done
 on_device velkctl show eth1
 check 'no escapes' 0 "$(printf '%s' "$output" | grep -c "$(printf '\033')")"
 
-it 'asks a daemon that does not answer once'
+it 'asks a silent daemon only once'
 on_device sh -c 'velk-sandbox cable out; kill -STOP $(cat /run/velk-sandbox/wland.pid)
     velkctl show eth1 --timeout 1; kill -CONT $(cat /run/velk-sandbox/wland.pid)'
-output_has 'eth1.hardware-version   (given up, it took too long)
-eth1.software-version   (not asked: the wireless daemon did not answer before)
+output_has 'eth1.hardware-version   (no answer after 1 s)
+eth1.software-version   (skipped: the wireless daemon does not answer)
 '
 output_has 'eth1.method             dhcp
 '
@@ -95,13 +102,15 @@ check 'settings' 10 "$(printf '%s\n' "$output" | grep -c '^eth0\.')"
 check 'lines' 10 "$(printf '%s\n' "$output" | wc -l)"
 on_device velkctl list eth2
 status_is 2
-error_is "velkctl: list: 'eth2' is not an interface of the device; did you mean eth0 or eth1?"
+error_is "velkctl: list: 'eth2' is not an interface of the device
+  did you mean eth0 or eth1?"
 
-it 'refuses an interface that there is not'
+it 'refuses an unknown interface'
 on_device velkctl show eth2
 status_is 2
 output_is ''
-error_is "velkctl: show: 'eth2' is not an interface of the device; did you mean eth0 or eth1?"
+error_is "velkctl: show: 'eth2' is not an interface of the device
+  did you mean eth0 or eth1?"
 
 # ---- get, set ---------------------------------------------------------------------------------
 it 'shows bare values for scripts'
@@ -110,7 +119,7 @@ status_is 0
 output_is '192.168.0.10
 255.255.255.0'
 
-it 'shows one bare line for each name, empty for what is empty or cannot be read'
+it 'shows one bare line for each name, empty for an empty or unreadable value'
 on_device sh -c 'velkctl set location "" && velkctl set eth0.gateway none && velkctl set eth0.dns none
     velkctl get --value eth0.gateway location eth1.signal eth0.dns ntp 2>/dev/null; echo $?
     test -z "$(velkctl get --value location)" && echo empty; velkctl get location eth0.gateway'
@@ -124,7 +133,7 @@ empty
 location = '"''"'
 eth0.gateway = none'
 
-it 'tells a byte and the text that looks like it apart'
+it 'distinguishes a byte from the text that looks like it'
 on_device sh -c 'for text in "a\xff" "a\x5cxff"; do
         velkctl set location "$text" && velkctl get location && grep LOCATION /var/libvelk/libvelk | od -An -c
     done'
@@ -137,13 +146,15 @@ a\x5cxff
 it 'refuses a gateway outside the network, unless forced'
 on_device sh -c 'velkctl set eth0.gateway 10.0.0.1; echo $?; velkctl get eth0.gateway
     velkctl set eth0.gateway 10.0.0.1 --force; echo $?; velkctl get eth0.gateway'
-error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface, 192.168.0.0/24; give another, set the address and netmask first, or give --force'
+error_is 'velkctl: eth0.gateway: 10.0.0.1 is outside the network of the interface
+  the network of the interface is 192.168.0.0/24
+  fix: give another value, or set the address and netmask first, or give --force'
 output_is '2
 192.168.0.1
 0
 10.0.0.1'
 
-it 'sends nonsense as it is when forced'
+it 'sends values that are not valid unchanged when forced'
 on_device sh -c 'velkctl set eth0.address nonsense --force; velkctl get eth0.address
     velkctl set ntp-server "a b" --force; grep -c "ntpdate -u a b >" /var/cron/tabs/root
     velkctl set eth0.method 3 --force; velkctl set eth0.dns 1.2.3.4.5 --force; velkctl get eth0.dns
@@ -152,39 +163,44 @@ output_is 'nonsense
 1
 1.2.3.4.5
 every 200h'
-error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'; likely cause: /var/cron/tabs/root:1: 'a' stands in front of the server, too, and is replaced there; mend: write the server's address in its place with an editor, or a name that does not stand further in front on the line
-velkctl: eth0.method: could not be set: the library does not take this command, interface or value (LIB_VELK_INVALID_PARAMETER, -4)"
+error_is "velkctl: ntp-server: the library reported success, but the device holds 'a'
+  likely cause: /var/cron/tabs/root:1: 'a' also occurs earlier on the line, and a set replaces it there
+  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line
+velkctl: eth0.method: could not be set
+  the library does not take this command, interface or value
+  fix: run 'velkctl describe NAME' for the interfaces and values of a setting
+  result: LIB_VELK_INVALID_PARAMETER (-4)"
 
-it 'does not read back when told so'
+it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
 status_is 0
 error_is ''
 
-it 'guesses what a misspelt word means'
+it 'suggests a correction of a misspelt word'
 on_device velkctl get eth0.gateways
 status_is 2
 error_is "velkctl: get: unknown setting 'eth0.gateways'; did you mean eth0.gateway?"
 on_device velkctl gte eth0.dns
 status_is 2
-error_is "velkctl: unknown verb 'gte'; did you mean get? ('velkctl --help' explains them)"
+error_is "velkctl: unknown verb 'gte'; did you mean get?"
 
 # ---- secrets at a terminal --------------------------------------------------------------------
 it 'asks for a secret twice, and does not show it'
 typing 'hunter2222
 hunter2222' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
-the same again: 
+repeat the value: 
 ended with 0'
 
-it 'takes no secret that was typed in two ways'
+it 'refuses a secret if the two typed texts differ'
 typing 'hunter2222
 hunter2223' velkctl set eth1.psk
 output_is 'new value of eth1.psk: 
-the same again: 
+repeat the value: 
 velkctl: eth1.psk: the second value differs from the first
 ended with 2'
 
-it 'does not show what is typed for -'
+it 'does not show the input for -'
 typing 'hunter2222' velkctl set eth1.psk -
 output_is 'value: 
 ended with 0'
@@ -194,31 +210,32 @@ typing '^C' sh -c 'trap : INT; velkctl set eth1.psk; echo "status $?"; stty -a |
 output_has 'status 130
  echo '
 
-it 'asks nobody where there is no terminal'
+it 'asks no question without a terminal'
 on_device velkctl set eth1.psk
 status_is 2
 error_is 'velkctl: eth1.psk: no value given; give a text of 1 to 64 bytes, or none'
 
 # ---- describe, explain ------------------------------------------------------------------------
-it 'says what a setting is'
+it 'describes a setting'
 on_device velkctl describe eth0.dhcp-notice
 status_is 0
 output_is 'eth0.dhcp-notice
-  print a notice when DHCP starts and has finished: on or off
+  print notices of the DHCP client: on or off
   command 109: set
   takes on or off
   example: velkctl set eth0.dhcp-notice on'
 on_device velkctl describe 314
 output_is 'eth1.psk
-  pre-shared key: a text of 1 to 64 bytes, or none; secret
+  pre-shared key, or none; secret
   command 314: get and set
   takes a text of 1 to 64 bytes, or none
-  a secret: masked unless --show-secrets is given; -, @FILE or a prompt take it
-  reading it may take 60 seconds: it waits for the wireless daemon to answer
+  a secret: masked without --show-secrets; give it as -, @FILE or at the prompt
+  reading takes at most 60 s; it waits
+    for the wireless daemon to answer
   example: velkctl get eth1.psk
   example: velkctl set eth1.psk -'
 
-it 'says what the values of a setting mean'
+it 'describes the values of a setting'
 on_device velkctl describe eth0.method
 output_is 'eth0.method
   where the address comes from: static or dhcp
@@ -230,7 +247,7 @@ output_is 'eth0.method
   example: velkctl set eth0.method static'
 on_device velkctl describe ntp-result
 output_is 'ntp-result
-  last time synchronisation: reached, not-reached or no-result
+  result of the last time synchronisation
   command 10: get
   shows reached, not-reached or no-result
     reached      a server answered; the clock was set
@@ -239,7 +256,7 @@ output_is 'ntp-result
   example: velkctl get ntp-result'
 on_device velkctl describe location
 output_is "location
-  where the device stands: a text, '' when empty
+  location of the device: a text, '' if empty
   command 3: get and set
   takes a text of at most 511 bytes
     ''  clears it
@@ -253,7 +270,7 @@ on_device sh -c 'velk-sandbox cable out
     done >/tmp/examples
     wc -l </tmp/examples
     while IFS= read -r line; do
-        # What they make of the files of this device is not the matter here.
+        # Their result with the files of this device does not matter here.
         echo 12345 | sh -c "$line --no-verify" 2>&1 || echo "$line"
     done </tmp/examples'
 status_is 0
@@ -264,7 +281,7 @@ it 'describes the setting of every interface by its short name'
 on_device velkctl describe gateway
 check 'both' 'eth0.gateway eth1.gateway' "$(printf '%s\n' "$output" | grep '^eth' | xargs)"
 
-it 'refuses to describe what there is not'
+it 'refuses to describe an unknown setting'
 on_device velkctl describe 8
 status_is 2
 error_is "velkctl: describe: unknown setting '8'; 'velkctl list' names them all"
@@ -273,123 +290,130 @@ it 'explains a result by number and by name'
 for word in -3 LIB_VELK_LOCKED LOCKED; do
     on_device velkctl explain "$word"
     status_is 0
-    output_is "LIB_VELK_LOCKED (-3): another program is changing settings now, try again
-  what to do: '--wait' tries again until the other program is done
+    output_is "LIB_VELK_LOCKED (-3)
+  another program is changing settings
+  fix: try again, or let --wait=SECONDS try again
   exit status of velkctl: 3"
 done
 
 it 'explains an exit status by number, with the result that leads to it'
 on_device velkctl explain 3
 status_is 0
-output_is "exit status 3 of velkctl: another program is changing settings
-  what to do: '--wait' tries again until the other program is done
-  result of the library: LIB_VELK_LOCKED (-3): another program is changing settings now, try again"
+output_is "exit status 3 of velkctl
+  another program is changing settings
+  fix: try again, or let --wait=SECONDS try again
+  result of the library: LIB_VELK_LOCKED (-3)
+    another program is changing settings"
 on_device velkctl explain 6
-output_is "exit status 6 of velkctl: set, but the device does not hold the value
-  what to do: the message has the likely cause; 'velkctl doctor' looks for more"
+output_is "exit status 6 of velkctl
+  set, but the device does not hold the value
+  fix: read the likely cause in the message; 'velkctl doctor' looks for more"
 
-it 'explains 0, which is both'
+it 'explains 0 as a result and as an exit status'
 on_device velkctl explain 0
 status_is 0
-output_is 'LIB_VELK_SUCCESS (0): done
-  what to do: nothing; that a set succeeded does not prove that the device holds the value
+output_is 'LIB_VELK_SUCCESS (0)
+  done
+  fix: none needed; success of a set does not prove that the value is held
   exit status of velkctl: 0
-exit status 0 of velkctl: done
-  what to do: nothing
-  result of the library: LIB_VELK_SUCCESS (0): done'
+exit status 0 of velkctl
+  done
+  fix: none needed
+  result of the library: LIB_VELK_SUCCESS (0)
+    done'
 
-it 'refuses to explain what is neither'
+it 'refuses to explain any other word'
 explained() { # WORD MESSAGE
     on_device velkctl explain "$1"
     status_is 2
     output_is ''
-    error_is "velkctl: explain: $2"
+    error_unfolds_to "velkctl: explain: $2"
 }
 neither='is neither a result nor an exit status'
 explained nothing "'nothing' $neither; give a number such as -3 or 3, or a name such as LOCKED"
 explained '' "'' $neither; give a number such as -3 or 3, or a name such as LOCKED"
 explained LOKED "'LOKED' $neither; did you mean LOCKED?"
 explained lib_velk_failure "'lib_velk_failure' $neither; did you mean LIB_VELK_FAILURE?"
-explained 8 "'8' is no exit status of velkctl; give 0 to 7, or a result of the library, which is 0 or negative"
+explained 8 "'8' is not an exit status; give 0 to 7, or a result, which is 0 or negative"
 
-# ---- wrong words ------------------------------------------------------------------------------
-# Holds that velkctl refuses these arguments with this one line, and prints nothing else.
+# ---- wrong usage ------------------------------------------------------------------------------
+# Checks that velkctl refuses these arguments with this message and prints nothing else.
 refused() { # MESSAGE ARGUMENT...
     run velkctl "${@:2}"
     status_is 2
     output_is ''
-    error_is "velkctl: $1"
+    error_unfolds_to "velkctl: $1"
 }
 
-it 'guesses what a misspelt option or value means'
+it 'suggests a correction of a misspelt option or value'
 refused "get: unknown option '--jsno'; did you mean --json?" get eth0.dns --jsno
 refused "get: unknown option '-json'; did you mean --json?" get eth0.dns -json
 refused "unknown option '--verison'; did you mean --version?" --verison
 refused "set: unknown option '--no-verfy'; did you mean --no-verify?" set ntp on --no-verfy=1
-refused "eth0.method: 'dhcpp' is not one of its values; did you mean dhcp?" set eth0.method dhcpp
-refused "eth0.link-speed: '100full' is not one of its values; did you mean 100-full or 10-full?" \
+refused "eth0.method: 'dhcpp' is not valid; did you mean dhcp?" set eth0.method dhcpp
+refused "eth0.link-speed: '100full' is not valid; did you mean 100-full or 10-full?" \
     set eth0.link-speed 100full
-refused "ntp: 'ON' is not one of its values; did you mean on?" set ntp ON
-refused "unknown verb 'hlep'; did you mean help? ('velkctl --help' explains them)" hlep
+refused "ntp: 'ON' is not valid; did you mean on?" set ntp ON
+refused "unknown verb 'hlep'; did you mean help?" hlep
 refused "get: unknown setting 'eth1.wep-key-5'; did you mean eth1.wep-key-1, eth1.wep-key-2, eth1.wep-key-3 or eth1.wep-key-4?" \
     get eth1.wep-key-5
 
-it 'guesses what a word that was cut short means'
+it 'suggests a completion of an abbreviated word'
 refused "restart: unknown option '--notify'; did you mean --notify-only?" restart eth1 --notify
-refused "eth0.link-speed: '100' is not one of its values; did you mean 100-full or 100-half?" \
+refused "eth0.link-speed: '100' is not valid; did you mean 100-full or 100-half?" \
     set eth0.link-speed 100
-refused "unknown verb 'desc'; did you mean describe? ('velkctl --help' explains them)" desc ntp
+refused "unknown verb 'desc'; did you mean describe?" desc ntp
 
 it 'gives the names of an id'
 refused "get: unknown setting '108'; give eth0.dns or eth1.dns" get 108
 refused "get: unknown setting '999'; 'velkctl list' names them all" get 999
 
-it 'guesses at the words of a schedule'
+it 'suggests a correction of a schedule'
 refused "web-update: 'dialy 08:30' is not a schedule; did you mean daily?" set web-update dialy 08:30
 refused "web-update: 'weekly sundax 08:30' is not a schedule; did you mean sunday?" \
     set web-update weekly sundax 08:30
-refused "web-update: 'every 24h' is not a schedule; give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or 'off'" \
+refused "web-update: 'every 24h' is not a schedule; give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off" \
     set web-update every 24h
 
-it 'knows a setting and an interface where they do not belong'
-refused "'eth0.dns' is a setting; give a verb in front of it, such as get or describe" eth0.dns
-refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb in front of it, such as get or describe" \
+it 'recognises a setting and an interface in the wrong place'
+refused "'eth0.dns' is a setting; give a verb before it, such as get or describe" eth0.dns
+refused "unknown verb 'eth0.addresx'; did you mean the setting eth0.address? Give a verb before it, such as get or describe" \
     eth0.addresx
 refused "get: 'eth0' is an interface, not a setting; 'velkctl show eth0' shows its settings" get eth0
 refused "get: unknown setting 'gatewxy'; did you mean eth0.gateway or eth1.gateway?" get gatewxy
 
-it 'refuses a word behind the verb that help is for'
-refused 'help: arguments given behind the verb; usage: velkctl help [VERB]' help get extra
+it 'refuses a word after help VERB'
+refused 'help: too many arguments; usage: velkctl help [VERB]' help get extra
 
 it 'takes no mask for a key'
 refused 'eth1.psk: this is the mask that is shown in place of a key; give a text of 1 to 64 bytes, or none' \
     set eth1.psk '********'
 
 it 'says where an option of a verb belongs'
-refused "option '--timeout' stands in front of the verb; give it behind the verb" \
+refused "'--timeout' is an option of a verb; give it after the verb" \
     --timeout 5 get eth0.dns
-refused "option '--wait' stands in front of the verb; give it behind the verb" --wait=5 set ntp on
+refused "'--wait' is an option of a verb; give it after the verb" --wait=5 set ntp on
 
 it 'says how --wait takes its seconds'
-seconds="--wait takes its seconds behind '='; write --wait=SECONDS"
+seconds="--wait takes its seconds after '='; write --wait=SECONDS"
 refused "restart: $seconds" restart --wait 5 eth0
 refused "restart: $seconds" restart eth0 --wait 5
 refused "set: $seconds" set --wait 5 ntp on
 refused "set: $seconds" set eth1.psk some-key --wait 12345678
 refused "call: $seconds" call get 108 --wait 5
-refused "eth1.channel: '99' is not one of its values; give a number from 1 to 13" \
+refused "eth1.channel: '99' is not valid; give a number from 1 to 13" \
     set eth1.channel --wait 99
 
-it 'repeats no word beside a key, and says so'
+it 'repeats no word next to a key, and says so'
 hidden='not repeated here as it may be a key'
 refused "set: unknown option, $hidden; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth1.psk --hunter2
 refused "set: unknown option, $hidden; did you mean --wait?" set eth1.psk a-key --wiat
-refused "list: a word, $hidden, is one argument too many; usage: velkctl list [eth0|eth1] [--json]" \
+refused "list: unexpected argument, $hidden; usage: velkctl list [eth0|eth1] [--json]" \
     list eth1.psk some-key
 refused "get: unknown setting, $hidden; 'velkctl list' names them all" get eth1.psk secretpass
 
-it 'does not take none for a text'
+it 'does not accept none as a text unless forced'
 for name in location administrator eth1.ssid; do
     refused "$name: 'none' would be a text here; give '' to clear the setting, or --force to set that text" \
         set "$name" none
@@ -406,15 +430,15 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
     set eth0.dns --force
 refused 'ntp: no value given; give on or off' set --force ntp
 
-it 'takes an unreadable word for what it is'
+it 'refuses a word that is no text'
 verbs='get, set, show, restart, list, describe, explain, doctor, call or help'
-refused "unknown verb '\\xff\\x1b'; give $verbs ('velkctl --help' explains them)" \
+refused "unknown verb '\\xff\\x1b'; give $verbs; see 'velkctl --help'" \
     $'\xff\e'
-refused "unknown verb ''; give $verbs ('velkctl --help' explains them)" ''
+refused "unknown verb ''; give $verbs; see 'velkctl --help'" ''
 for word in - --; do
-    refused "unknown verb '$word'; give $verbs ('velkctl --help' explains them)" "$word" get ntp
+    refused "unknown verb '$word'; give $verbs; see 'velkctl --help'" "$word" get ntp
 done
-refused "ntp: '$(printf '%0512d' 0)...' is not one of its values; give on or off" \
+refused "ntp: '$(printf '%0512d' 0)...' is not valid; give on or off" \
     set ntp "$(printf '%0513d' 0)"
 refused "get: unknown setting '-'; 'velkctl list' names them all" get -
 refused "get: unknown setting ''; 'velkctl list' names them all" get ''
@@ -444,9 +468,11 @@ LIB_VELK_SUCCESS (0): done
 another-long-key
 LIB_VELK_SUCCESS (0): done
 abcdefgh'
-error_is "velkctl: call: --hex: more than 512 bytes; the data area holds 512
-velkctl: call: --hex: the file behind @ has more than one line; give the value as the only one
-velkctl: call: --text: the file behind @ cannot be read: No such file or directory; '-' takes the value from standard input, @FILE from a file
+error_is "velkctl: call: --hex: more than 512 bytes; give at most 512
+velkctl: call: --hex: the file after @ has more than one line
+  fix: give the value as the only one
+velkctl: call: --text: the file after @ cannot be read: No such file or directory
+  - reads the value from standard input, @FILE from a file
 velkctl: call: --text: standard input is empty; give the value as one line"
 
 finish

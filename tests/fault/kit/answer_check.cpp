@@ -1,11 +1,11 @@
-// answer_check.cpp - holds the answer and the files of a call with a fault against what must be.
+// answer_check.cpp - compares the answer and the files of a call with a fault with the expected
+// ones.
 #include "fault/kit/answer_check.h"
 
 #include <cstring>
 
 #include <gtest/gtest.h>
 
-#include "fault/kit/paths.h"
 #include "support/device_test.h"
 
 namespace fault {
@@ -23,7 +23,8 @@ std::string HeaderOf(const _velk_request& record) {
     return {reinterpret_cast<const char*>(&record), offsetof(_velk_request, data)};
 }
 
-// Written in front of what can run out of memory; beside -1 it means nothing.
+// True for data that is written before a step that can run out of memory. With a result of -1 it
+// has no meaning.
 bool IsFirstGuess(const _velk_request& request, const std::string& data) {
     const bool has_one = request.command_id == VELK_CMD_APIPA || request.command_id == VELK_CMD_NTP;
     return request.command_type == VELK_GET && has_one && data == WithFirstByte(VELK_OFF);
@@ -59,7 +60,7 @@ void AnswerCheck::CheckAnswer(const Outcome& outcome) {
         case Notice::kNone:
             CheckAs(reference_.outcome, outcome);
             break;
-        case Notice::kTold:
+        case Notice::kFailure:
             CheckTold(outcome);
             break;
         case Notice::kNoAddress:
@@ -84,7 +85,7 @@ void AnswerCheck::CheckAnswer(const Outcome& outcome) {
     }
 }
 
-// A value that is refused may be so before anybody looks whether its file can be edited.
+// A value may be refused before the library checks whether its file can be edited.
 void AnswerCheck::CheckTold(const Outcome& outcome) {
     const bool is_of_an_edit = expectation_.call != nullptr && !expectation_.call->file.empty();
     const bool is_refused = reference_.outcome.result == LIB_VELK_INVALID_PARAMETER;
@@ -95,7 +96,7 @@ void AnswerCheck::CheckTold(const Outcome& outcome) {
     EXPECT_TRUE(data == kCleared || IsFirstGuess(request_, data)) << testing::PrintToString(data);
 }
 
-// With the cable out a call goes on where it ends with the cable in: to what fails now, too.
+// Without a cable a call continues where it ends with a cable, and so reaches the failing call too.
 void AnswerCheck::CheckWithoutCable(const Outcome& outcome) {
     Scene other = scene_;
     other.has_cable = false;
@@ -122,7 +123,7 @@ void AnswerCheck::CheckFiles(const Outcome& outcome) {
     for (const auto& [path, text] : outcome.files) {
         const bool is_of_cut = cut_ && text == cut_->outcome.files.at(path);
         EXPECT_TRUE(reference_.states.at(path).contains(text) || is_of_cut)
-            << path << " holds what it never holds: "
+            << path << " holds a text that it never contains: "
             << (text ? std::to_string(text->size()) + " bytes" : "missing");
     }
     if (outcome.result == LIB_VELK_SUCCESS) {
@@ -130,7 +131,7 @@ void AnswerCheck::CheckFiles(const Outcome& outcome) {
     }
 }
 
-// Done is done, but for lines that the shell did not run.
+// A successful request has changed its files, except by lines that the shell did not run.
 void AnswerCheck::CheckFilesOfSuccess(const Outcome& outcome) {
     const bool is_edit_of_cut = cut_ && request_.command_type == VELK_SET;
     const Files& after = is_edit_of_cut ? cut_->outcome.files : reference_.outcome.files;
@@ -141,7 +142,7 @@ void AnswerCheck::CheckFilesOfSuccess(const Outcome& outcome) {
     }
 }
 
-// Stored whole or not at all.
+// The daemon stores a configuration completely or not at all.
 void AnswerCheck::CheckWireless(const Outcome& outcome) {
     const std::string& expected = outcome.result == LIB_VELK_SUCCESS ? reference_.outcome.wireless
                                                                      : reference_.wireless_before;

@@ -1,4 +1,4 @@
-// answer_check.h - holds the answer and the files of a call with a fault against what must be.
+// answer_check.h - compares the answer and the files of a call with a fault with the expected ones.
 #ifndef TESTS_FAULT_KIT_ANSWER_CHECK_H_
 #define TESTS_FAULT_KIT_ANSWER_CHECK_H_
 
@@ -8,7 +8,7 @@
 
 namespace fault {
 
-// For one fault; fails expectations of the running test.
+// Checks one fault; fails expectations of the running test.
 class AnswerCheck {
   public:
     AnswerCheck(const Scene& scene, const _velk_request& request, const Reference& reference,

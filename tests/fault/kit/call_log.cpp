@@ -1,4 +1,4 @@
-// call_log.cpp - what each call of a request worked on.
+// call_log.cpp - the file or shell line of each call of a request.
 #include "fault/kit/call_log.h"
 
 #include <climits>
@@ -6,13 +6,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
+using testkit::kResultFile;
 
 std::map<int, std::string> OpenFiles() {
     std::map<int, std::string> files;
@@ -85,7 +86,8 @@ LoggedCall CallLog::Describe(const testkit::Event& event) {
     return call;
 }
 
-// As it was open in front of the call before this one, or opened by that; a close has happened.
+// Returns the file that was open before the previous call, or that it opened: a close has already
+// happened.
 std::string CallLog::FileOf(int fd) const {
     const auto found = open_files_.find(fd);
     return found == open_files_.end() ? opened_last_ : found->second;

@@ -1,4 +1,4 @@
-// call_log.h - what each call of a request worked on, as the recorder alone does not tell.
+// call_log.h - the file or shell line of each call of a request; the recorder lacks it.
 #ifndef TESTS_FAULT_KIT_CALL_LOG_H_
 #define TESTS_FAULT_KIT_CALL_LOG_H_
 
@@ -13,11 +13,11 @@
 namespace fault {
 
 struct LoggedCall {
-    std::string file;      // that it opens, or has open
+    std::string file;      // the file that the call opens or uses
     std::string line;      // the shell line it runs, or that printed the file of results it reads
     int number = 0;        // as in testkit::Event
-    bool is_first = true;  // of the reads of one open file, or of the closes since its last open
-    // For a read in the middle of a file: what was read of the file before.
+    bool is_first = true;  // the first read of an open file, or the first close since its last open
+    // For a read in the middle of a file: the part of the file read so far.
     std::optional<std::string> read_before;
 };
 

@@ -7,48 +7,49 @@
 #include <unistd.h>
 
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
 using testkit::Event;
+using testkit::kIdentityFile;
 
-// What this thread stores now, for the stand-ins of its tools.
+// The value that this thread stores now, for its fake tools.
 struct Store {
     size_t setting;
     std::string value;
 };
 thread_local Store own_store;
 
-// Stands in for the copying of the edit: only the holder of the lock comes here. The edit holds its
-// value beside what was stored last in the other setting.
+// Replaces the copying of the edit: only the holder of the lock comes here. The edit has its own
+// value, and for the other setting the value stored last.
 void CopyAsHolder(Board& board) {
     if (board.holders.fetch_add(1) != 0) {
         ++board.crowded;
     }
     std::array<std::string, 2> values{board.last[0], board.last[1]};
     values[own_store.setting] = own_store.value;
-    const std::string text = testkit::ReadFile(testkit::CopyOf(kSettings));
+    const std::string text = testkit::ReadFile(testkit::CopyOf(kIdentityFile));
     if (text != SettingsText(values)) {
         ++board.lost;
     }
     usleep(500);
-    testkit::WriteFile(kSettings, text);
+    testkit::WriteFile(kIdentityFile, text);
     --board.holders;
 }
 
-// Stands in for the removal of the edit's copy, the last step under the lock that concerns the
-// file.
+// Replaces the removal of the edit copy, the last step under the lock that concerns the file.
 void EndAsHolder(Board& board) {
-    unlink(testkit::CopyOf(kSettings).c_str());
+    unlink(testkit::CopyOf(kIdentityFile).c_str());
     strcpy(board.last[own_store.setting], own_store.value.c_str());
 }
 
 }  // namespace
 
 void ConcurrencyTest::MeetAt(Board& board) {
-    testkit::WriteFile(kSettings, SettingsText({board.last[0], board.last[1]}));
+    testkit::WriteFile(kIdentityFile, SettingsText({board.last[0], board.last[1]}));
     libc().ScriptAlways(Call::kSystem, testkit::Return(0));
     libc().OnCall(Call::kSystem, [&board](const Event& event) {
         const testkit::Unrecorded ours;
@@ -66,8 +67,8 @@ void ConcurrencyTest::ExpectNothingLost(const Board& board, int callers) {
     EXPECT_EQ(board.crowded, 0);
     EXPECT_EQ(board.lost, 0);
     EXPECT_EQ(board.wrong, 0);
-    EXPECT_EQ(testkit::ReadFile(kSettings), SettingsText({board.last[0], board.last[1]}));
-    EXPECT_FALSE(testkit::Exists(testkit::CopyOf(kSettings)));
+    EXPECT_EQ(testkit::ReadFile(kIdentityFile), SettingsText({board.last[0], board.last[1]}));
+    EXPECT_FALSE(testkit::Exists(testkit::CopyOf(kIdentityFile)));
 }
 
 int StoreOne(Board& board, size_t setting, const std::string& value) {

@@ -1,5 +1,5 @@
-// concurrency.h - what the tests of many callers at once stand on: the settings file, which is
-// stored through an edit copy, and a board that tells whether the holders of the lock met.
+// concurrency.h - the base of the tests of many callers at once: the settings file, which is stored
+// through an edit copy, and a board that notices two holders of the lock at a time.
 #ifndef TESTS_FAULT_KIT_CONCURRENCY_H_
 #define TESTS_FAULT_KIT_CONCURRENCY_H_
 
@@ -11,8 +11,7 @@
 
 namespace fault {
 
-inline constexpr char kSettings[] = "/var/libvelk/libvelk";
-inline constexpr int kRounds = 4;  // of each caller: values that it stores
+inline constexpr int kRounds = 4;  // the number of values that each caller stores
 
 // The two settings of the file, and the text that the file has with them.
 inline constexpr std::array<uint32_t, 2> kSettingIds{VELK_CMD_ADMINISTRATOR, VELK_CMD_LOCATION};
@@ -20,11 +19,11 @@ inline std::string SettingsText(const std::array<std::string, 2>& values) {
     return "ADMINISTRATOR=" + values[0] + "\nLOCATION=" + values[1] + "\n";
 }
 
-// What the callers tell one another. Processes have it in memory that they share.
+// The state that the callers share. Processes have it in shared memory.
 struct Board {
     std::atomic<int> holders;
     std::atomic<int> crowded;  // more than one holder
-    std::atomic<int> lost;     // an edit copy without what was stored last
+    std::atomic<int> lost;     // an edit copy without the value stored last
     std::atomic<int> wrong;    // an answer that is none of those expected
     std::atomic<int> stored;
     std::atomic<int> refused;
@@ -34,18 +33,18 @@ struct Board {
 
 class ConcurrencyTest : public testkit::DeviceTest {
   protected:
-    // Writes the settings file, and has the tools of every set be stand-ins that use the board, in
+    // Writes the settings file and replaces the tools of every set by fakes that use the board, in
     // all threads and in processes forked from now on.
     void MeetAt(Board& board);
 
-    // When all callers have stored all their values.
+    // Checks the board and the file after all callers have stored all their values.
     static void ExpectNothingLost(const Board& board, int callers);
 };
 
-// Sets this setting; the result. Who is refused waits a moment before he is back.
+// Sets this setting and returns the result. A refused caller waits a moment before it returns.
 int StoreOne(Board& board, size_t setting, const std::string& value);
 
-// Gets it beside the sets.
+// Gets the setting while others set it.
 void ReadOne(Board& board, size_t setting);
 
 }  // namespace fault

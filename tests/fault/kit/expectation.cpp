@@ -1,4 +1,4 @@
-// expectation.cpp - what a request must answer, and what it may leave, when one of its calls fails.
+// expectation.cpp - the expected answer and permitted remains of a request with a failing call.
 #include "fault/kit/expectation.h"
 
 #include <algorithm>
@@ -7,15 +7,24 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
-#include "fault/kit/paths.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
 using testkit::Call;
+using testkit::kEditFolder;
+using testkit::kLockFile;
+using testkit::kNtpLog;
+using testkit::kReplySocket;
+using testkit::kResolverFile;
+using testkit::kResultFile;
+using testkit::kSemaphoreFile;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
 
-// Those that fail: one, or it and all later ones.
+// Returns the failing calls: one, or one and all later ones.
 std::span<const LoggedCall> FailedCalls(const Fault& fault, const Reference& reference) {
     const std::span<const LoggedCall> made(reference.log.Calls(*fault.kind.call));
     const auto first = static_cast<size_t>(fault.number - 1);
@@ -31,26 +40,26 @@ bool AsksForTheLink(const std::string& line) {
     return line.starts_with("sudo /usr/sbin/ethtool ");
 }
 
-// Of a file that cannot be opened, or not be read at all.
+// For a file that cannot be opened, or not be read at all.
 Notice NoticeOfUnreadable(const LoggedCall& call, const Fault& fault) {
     if (call.file == kSupportList || call.file == kUsbDevices) {
         return Notice::kNoAdapter;
     }
-    if (call.file == kClockLog) {
+    if (call.file == kNtpLog) {
         return Notice::kNoResult;
     }
-    return AsksForTheLink(call.line) ? NoticeOfLinkTool(fault) : Notice::kTold;
+    return AsksForTheLink(call.line) ? NoticeOfLinkTool(fault) : Notice::kFailure;
 }
 
-// The lock's file is opened once more, to make it, when it cannot be opened. A get goes on where it
-// cannot open the folder for its turn, or cannot make the file of results before the shell does.
+// If the lock's file cannot be opened, it is opened once more to make it. A get continues if it
+// cannot open the folder for its turn, or cannot make the result file before the shell does.
 Notice NoticeOfOpen(const LoggedCall& call, const Fault& fault) {
     const bool is_made = call.file == kResultFile && (call.number & O_CREAT) != 0;
-    if (call.file == kScratchFolder || is_made) {
+    if (call.file == kEditFolder || is_made) {
         return Notice::kNone;
     }
     const bool is_first = fault.number == 1 && fault.reach == testkit::Reach::kThatOne;
-    return call.file == kLock && is_first ? Notice::kNone : NoticeOfUnreadable(call, fault);
+    return call.file == kLockFile && is_first ? Notice::kNone : NoticeOfUnreadable(call, fault);
 }
 
 Notice NoticeOfRead(const LoggedCall& call, const Fault& fault) {
@@ -60,27 +69,27 @@ Notice NoticeOfRead(const LoggedCall& call, const Fault& fault) {
     return call.read_before ? Notice::kCut : Notice::kNone;
 }
 
-// The kernel may tell at the close that it could not write earlier. An edit copy is closed a second
-// time when its text has been put in place.
+// The kernel may report at the close that it could not write earlier. An edit copy is closed a
+// second time when its text has been put in place.
 Notice NoticeOfClose(const LoggedCall& call, const _velk_request& request) {
     const bool is_edited = IsEditCopy(call.file) && call.is_first;
     const bool is_resolver = call.file == kResolverFile && request.command_type == VELK_SET;
-    return is_edited || is_resolver ? Notice::kTold : Notice::kNone;
+    return is_edited || is_resolver ? Notice::kFailure : Notice::kNone;
 }
 
-// With `is_told`, system(3) itself says that it failed; without, a shell seems to have run.
-Notice NoticeOfLine(const std::string& line, bool is_told, const Fault& fault) {
+// With `is_reported`, system(3) itself reports the failure; without, a shell seems to have run.
+Notice NoticeOfLine(const std::string& line, bool is_reported, const Fault& fault) {
     if (AsksForTheLink(line)) {
         return NoticeOfLinkTool(fault);
     }
     for (const char* printing : {"ifconfig > ", "sudo ethtool eth0 > "}) {
         if (line.starts_with(printing)) {
-            return Notice::kTold;  // nothing is there to be read
+            return Notice::kFailure;  // there is nothing to read
         }
     }
     for (const char* deciding : {"sudo ethtool -s ", "sudo ifup eth0", "sudo ifconfig "}) {
-        if (is_told && line.starts_with(deciding)) {
-            return Notice::kTold;
+        if (is_reported && line.starts_with(deciding)) {
+            return Notice::kFailure;
         }
     }
     return Notice::kNone;
@@ -102,14 +111,14 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kClose:
             return NoticeOfClose(call, request);
         case Call::kFlock:
-            return call.file == kLock && (call.number & LOCK_EX) != 0 ? Notice::kTold
-                                                                      : Notice::kNone;
+            return call.file == kLockFile && (call.number & LOCK_EX) != 0 ? Notice::kFailure
+                                                                          : Notice::kNone;
         case Call::kSystem:
             return NoticeOfLine(call.line, fault.kind.answer.result == -1, fault);
         case Call::kIoctl:
             return Notice::kNoAddress;
         case Call::kFchmod:
-            return call.file.starts_with("socket") ? Notice::kTold : Notice::kNone;
+            return call.file.starts_with("socket") ? Notice::kFailure : Notice::kNone;
         case Call::kUnlink:
         case Call::kSemClose:
         case Call::kSemUnlink:
@@ -127,16 +136,16 @@ Notice NoticeOf(const LoggedCall& call, const Fault& fault, const _velk_request&
         case Call::kRecvfrom:
         case Call::kSemOpen:
         case Call::kSemPost:
-            return Notice::kTold;
+            return Notice::kFailure;
     }
-    return Notice::kTold;
+    return Notice::kFailure;
 }
 
 std::string LastWord(const std::string& line) {
     return line.substr(line.rfind(' ') + 1);
 }
 
-// Edits that were begun are left as they are when memory runs out; results, too.
+// If memory runs out, begun edits and tools' results remain as they are.
 bool IsScratchOf(const Reference& reference, const std::string& path) {
     return std::ranges::any_of(reference.log.Calls(Call::kOpen), [&](const LoggedCall& call) {
         return call.file == path && (IsEditCopy(path) || path == kResultFile);
@@ -155,12 +164,12 @@ bool IsLeftByUnreadable(const std::string& path, const LoggedCall& call) {
 Expectation ExpectationOf(const Fault& fault, const Scene& scene, const _velk_request& request,
                           const Reference& reference) {
     if (!fault.kind.call) {
-        return {Notice::kTold, nullptr};
+        return {Notice::kFailure, nullptr};
     }
     Expectation expectation;
     for (const LoggedCall& call : FailedCalls(fault, reference)) {
         const Notice notice = NoticeOf(call, fault, request);
-        if (notice == Notice::kTold && IsOldResultRead(fault, reference)) {
+        if (notice == Notice::kFailure && IsOldResultRead(fault, reference)) {
             return {Notice::kOldResult, &call};
         }
         if (notice != Notice::kNone) {
@@ -199,12 +208,12 @@ bool MayBeLeft(const std::string& path, const Fault& fault, const Reference& ref
         return FilesOfFailedLines(fault, reference).contains(path);
     }
     const bool is_socket = call == Call::kUnlink && path == kReplySocket;
-    const bool is_semaphore = call == Call::kSemUnlink && path == kSemaphore;
+    const bool is_semaphore = call == Call::kSemUnlink && path == kSemaphoreFile;
     return is_socket || is_semaphore;
 }
 
 bool IsEditCopy(const std::string& path) {
-    return path.starts_with("/var/tmp/") && path != kLock && path != kResultFile;
+    return path.starts_with("/var/tmp/") && path != kLockFile && path != kResultFile;
 }
 
 }  // namespace fault

@@ -13,8 +13,8 @@ namespace fault {
 
 struct Kind {
     const char* name;
-    std::optional<testkit::Call> call;  // nothing: an allocation
-    testkit::Outcome answer;            // what such a call plausibly fails with
+    std::optional<testkit::Call> call;  // nothing for an allocation
+    testkit::Outcome answer;            // a plausible failure of such a call
 };
 
 inline const std::array kKinds{
@@ -38,13 +38,14 @@ inline const std::array kKinds{
     Kind{"sem_close", testkit::Call::kSemClose, testkit::Fail(EINVAL)},
     Kind{"sem_unlink", testkit::Call::kSemUnlink, testkit::Fail(EACCES)},
     Kind{"system", testkit::Call::kSystem, testkit::Fail(EAGAIN)},
-    // What system(3) answers when it has no process or no shell: as a shell that ran nothing.
+    // system(3) returns this if it cannot start a process or a shell: the status of a shell that
+    // could not run the line.
     Kind{"fork or exec", testkit::Call::kSystem, testkit::Return(127 << 8)},
 };
 
 struct Fault {
     Kind kind;
-    int number;  // of the call, from 1
+    int number;  // the number of the call, from 1
     testkit::Reach reach;
 };
 

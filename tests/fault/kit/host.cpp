@@ -1,4 +1,4 @@
-// host.cpp - a host program of the library, and what it asks for.
+// host.cpp - a host program of the library, and its requests.
 #include "fault/kit/host.h"
 
 #include <cstring>

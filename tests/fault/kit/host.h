@@ -1,4 +1,4 @@
-// host.h - a host program of the library, and what it asks for.
+// host.h - a host program of the library, and its requests.
 #ifndef TESTS_FAULT_KIT_HOST_H_
 #define TESTS_FAULT_KIT_HOST_H_
 
@@ -23,7 +23,7 @@ class HostTest : public testkit::DeviceTest {
     HostTest();
     void TearDown() override;
 
-    // Runs it in a host program of its own. True when it answers true.
+    // Runs a function in a host program of its own. Returns true if the function does.
     static bool InAHost(const std::function<bool()>& call);
 
   private:

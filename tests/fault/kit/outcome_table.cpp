@@ -1,4 +1,4 @@
-// outcome_table.cpp - counts what became of the faults and prints it.
+// outcome_table.cpp - counts and prints the outcomes of faults.
 #include "fault/kit/outcome_table.h"
 
 #include <cstdio>

@@ -1,5 +1,4 @@
-// outcome_table.h - counts what became of the faults and prints it, as docs/reliability.md shows
-// it.
+// outcome_table.h - counts and prints the outcomes of faults, as docs/reliability.md shows them.
 #ifndef TESTS_FAULT_KIT_OUTCOME_TABLE_H_
 #define TESTS_FAULT_KIT_OUTCOME_TABLE_H_
 
@@ -10,7 +9,7 @@
 
 namespace fault {
 
-// What became of the files of a request that changes some, or the wireless configuration.
+// The files, or the wireless configuration, after a request that changes some.
 enum class FilesAre { kNoneToChange, kBefore, kAfter, kBetween };
 
 FilesAre Judge(const Reference& reference, const Outcome& outcome);
@@ -21,7 +20,7 @@ class OutcomeTable {
 
     void AddRequest() { ++requests_; }
     void Add(const Fault& fault, const Reference& reference, const Outcome& outcome);
-    // Prints nothing when nothing was added.
+    // Prints nothing if nothing was added.
     void Print() const;
 
   private:

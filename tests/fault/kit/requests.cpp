@@ -7,6 +7,7 @@
 
 #include "lib/entry/dispatch_tables.h"
 #include "support/device_test.h"
+#include "velk.h"
 
 namespace fault {
 namespace {
@@ -17,7 +18,7 @@ const Texts kSwitches{"\x01", "\x02"};
 const Texts kTexts{"O'Neil & Co/IT", ""};
 const Texts kWepKeys{"vwxyz", "four"};
 
-// What a set or restart can be given. A value that is refused stands last where one can be.
+// The data for each set and restart. A value that is refused comes last.
 const std::map<uint32_t, Texts> kData{
     {VELK_CMD_RESTART, {std::string(1, '\0'), "\x02"}},
     {VELK_CMD_ADMINISTRATOR, kTexts},
@@ -65,7 +66,7 @@ Group GroupOf(uint32_t type, const char* type_name, uint32_t id, std::string_vie
                              (interface.empty() ? "" : " ") + std::string(interface);
     const Texts no_data{""};
     Group group;
-    for (const std::string& data : type == VELK_GET ? no_data : kData.at(id)) {
+    for (const std::string& data : HasData(id) && type != VELK_GET ? kData.at(id) : no_data) {
         group.push_back({name, testkit::MakeRequest(type, id, interface, data)});
     }
     return group;
@@ -89,6 +90,10 @@ std::vector<Group> GroupsOf(uint32_t type, const char* type_name,
 }
 
 }  // namespace
+
+bool HasData(uint32_t id) {
+    return kData.contains(id);
+}
 
 std::vector<Group> AllRequests() {
     std::vector<Group> all = GroupsOf(VELK_GET, "get", velk::kGetTable);

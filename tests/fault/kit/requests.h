@@ -1,4 +1,4 @@
-// requests.h - the requests of every command, with data for each way it can go.
+// requests.h - the requests of every command, with data for each of its branches.
 #ifndef TESTS_FAULT_KIT_REQUESTS_H_
 #define TESTS_FAULT_KIT_REQUESTS_H_
 
@@ -15,7 +15,7 @@ struct Request {
     _velk_request request;
 };
 
-// For GoogleTest, which would print the bytes between the members, too.
+// Prints the name for GoogleTest, which would otherwise print the padding too.
 inline void PrintTo(const Request& request, std::ostream* out) {
     *out << request.name;
 }
@@ -23,11 +23,14 @@ inline void PrintTo(const Request& request, std::ostream* out) {
 // The requests of one row of the dispatch tables and one interface it allows; one name.
 using Group = std::vector<Request>;
 
+// True if the set or restart command has data here.
+bool HasData(uint32_t id);
+
 // A group for every row and every interface it allows.
 std::vector<Group> AllRequests();
 std::vector<Group> SetRequests();
 
-// The name of its requests, as the name of a test: "set_102_eth0".
+// Returns the name of the group's requests as the name of a test: "set_102_eth0".
 std::string TestName(const Group& group);
 
 }  // namespace fault

@@ -11,35 +11,44 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "fault/kit/paths.h"
 #include "sandbox/device/sample_files.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace fault {
 namespace {
 
+using testkit::kClientScript;
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kEditFolder;
+using testkit::kExitHooks;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kNtpLog;
+using testkit::kOldAddressFile;
+using testkit::kRequestSocket;
+using testkit::kResolverFile;
+using testkit::kResultFile;
+using testkit::kSemaphoreFolder;
+using testkit::kSnmpFile;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
+
 namespace fs = std::filesystem;
 
 constexpr std::array kTargets{
-    kExitHooks,
-    "/etc/dhclient.conf",
-    "/etc/network/interfaces",
-    kResolverFile,
-    "/sbin/dhclient-script",
-    "/tmp/oldIPAddress",
-    "/usr/local/share/etc/snmp/snmpd.conf",
-    "/var/cron/tabs/root",
-    "/var/libvelk/libvelk",
-    kClockLog,
+    kExitHooks,      kDhcpConfigFile, kInterfacesFile, kResolverFile, kClientScript,
+    kOldAddressFile, kSnmpFile,       kCrontab,        kIdentityFile, kNtpLog,
 };
 
-// Those that the sandbox's device has no samples of.
+// Files that the simulated device has no samples of.
 const std::map<std::string, std::string> kOwnTexts{
-    {"/tmp/oldIPAddress", "10.0.0.5\n"},
-    {kClockLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
+    {kOldAddressFile, "10.0.0.5\n"},
+    {kNtpLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
 };
 
-// The sample's wireless stanza has no values, and a stanza that is the last of the file gains none.
+// The sample's wireless stanza has no values, and the last stanza of a file gains none.
 constexpr char kWirelessValues[] =
     "\taddress 192.168.1.10\n"
     "\tnetmask 255.255.255.0\n"
@@ -52,7 +61,7 @@ constexpr char kAddresses[] =
     "eth1      Link encap:Ethernet  HWaddr 02:00:00:00:00:11\n"
     "          inet addr:10.0.1.5  Bcast:10.0.1.255  Mask:255.255.255.0\n";
 
-// Unlike what the tools of any scene without a cable print.
+// Differs from the output of the tools in any scene without a cable.
 constexpr char kOldResult[] =
     "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:10\n"
     "          inet addr:10.99.0.5  Bcast:10.99.255.255  Mask:255.255.0.0\n"
@@ -81,8 +90,8 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-// More than one block in front of what the sample holds, in comments that every reader passes by.
-// Few lines: some editors make a copy of each, and every copy is a fault of its own.
+// Puts more than one block of comments in front of the sample's text; every reader skips them. They
+// are few lines: some edits copy each line, and every copy is a fault of its own.
 std::string Lengthened(const std::string& text) {
     const std::string comment = "#" + std::string(20 * 1024, '-') + "\n";
     return comment + comment + comment + comment + text;
@@ -94,7 +103,7 @@ void WriteTarget(const std::string& path, const Scene& scene) {
         return;
     }
     std::string text = Samples().at(path);
-    if (path == kInterfaces) {
+    if (path == kInterfacesFile) {
         text = scene.uses_dhcp ? Replaced(text, "inet static", "inet dhcp")
                                : Replaced(text, "inet dhcp", "inet static");
         text += kWirelessValues;
@@ -159,7 +168,7 @@ Files ReadTargets() {
 
 std::vector<std::string> Leftovers() {
     std::vector<std::string> paths;
-    for (const char* folder : {"/tmp", "/var/tmp", "/dev/shm"}) {
+    for (const char* folder : {"/tmp", kEditFolder, kSemaphoreFolder}) {
         for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
             const bool is_lock = entry.path().string().ends_with("_lock");
             if (!entry.is_directory() && !is_lock) {
@@ -167,8 +176,8 @@ std::vector<std::string> Leftovers() {
             }
         }
     }
-    std::erase(paths, "/tmp/WlanAplToWlanSock");  // the daemon's
-    std::erase(paths, "/tmp/oldIPAddress");       // a target
+    std::erase(paths, kRequestSocket);   // the daemon's
+    std::erase(paths, kOldAddressFile);  // a target
     std::ranges::sort(paths);
     return paths;
 }

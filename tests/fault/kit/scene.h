@@ -17,28 +17,28 @@ struct Scene {
     bool has_cable = false;
     bool uses_dhcp = false;       // both interfaces; otherwise both are static
     bool has_long_files = false;  // longer than one block of reading and writing
-    bool has_old_result = false;  // what a tool printed before lies where tools print to
+    bool has_old_result = false;  // the result file has an earlier output
 };
 
 // Every combination of the first three, and one with long files.
 std::vector<Scene> AllScenes();
 std::string NameOf(const Scene& scene);
 
-// The files that requests change or remove, and what stands in each; nothing for a missing one.
+// The files that requests change or remove, each with its text; nothing for a missing one.
 using Files = std::map<std::string, std::optional<std::string>>;
 Files ReadTargets();
 
-// What lies in the library's scratch places beside its lock files, by path.
+// Returns the paths of the files in the library's scratch folders, without its lock files.
 std::vector<std::string> Leftovers();
 
-// Makes the device anew. While it lives, tools and the wireless daemon are stand-ins that answer
-// within the library's own call, nothing waits, and the recorder is theirs.
+// Makes the device anew. During its lifetime, tools and the wireless daemon are fakes that answer
+// within the library's own call, nothing waits, and only they use the recorder.
 class Device {
   public:
-    // With these texts in the place of the scene's.
+    // Makes a device with these texts instead of the scene's.
     explicit Device(const Scene& scene, const Files& files = {});
 
-    // From now on shell lines are run.
+    // Makes the real shell run the lines from now on.
     void UseRealTools() { shell_.reset(); }
     testkit::FakeDaemon& daemon() { return *daemon_; }
 
@@ -47,9 +47,9 @@ class Device {
     std::optional<testkit::FakeDaemon> daemon_;
 };
 
-// A PATH whose sudo(8) runs sed(1) and nothing else: privileged lines may edit files of this
-// device, but reach no service and no port, for the machine's processes are in sight here. Throws
-// std::runtime_error when it cannot be made; nothing may be run then.
+// Returns a PATH with a sudo(8) that runs sed(1) and nothing else. Privileged lines may edit files
+// of this device, but must reach no service and no port: the machine's processes are visible here.
+// Throws std::runtime_error if it cannot be made; nothing may be run then.
 std::string PathWithHarmlessSudo();
 
 // Writes the scene's files onto an emptied device.

@@ -25,7 +25,7 @@ constexpr int kSystemCallStop = SIGTRAP | 0x80;  // as PTRACE_O_TRACESYSGOOD mar
 constexpr long kOptions = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
                           PTRACE_O_TRACECLONE | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL;
 
-// What every program does for itself: memory, signals, questions.
+// Calls that concern the calling process alone: memory, signals, queries.
 constexpr std::array kPrivateCalls{
     SYS_brk,
     SYS_close,
@@ -73,8 +73,8 @@ constexpr std::array kPrivateCalls{
 #endif
 };
 
-[[noreturn]] void Fail(const char* what) {
-    throw std::system_error(errno, std::generic_category(), what);
+[[noreturn]] void Fail(const char* call) {
+    throw std::system_error(errno, std::generic_category(), call);
 }
 
 bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
@@ -94,8 +94,8 @@ class Follower {
         Continue(first, 0);
     }
 
-    // Until nobody is left. One that was just coming into being when the others were ended is not
-    // yet among those known, and would be met by the next run.
+    // Waits until no process is left. A process that was being forked while the others were ended
+    // is not yet known, and would disturb the next run.
     TracedRun Follow() {
         for (;;) {
             int status = 0;
@@ -121,7 +121,7 @@ class Follower {
         }
         const bool is_new = processes_.insert(pid).second;
         if (run_.was_cut) {
-            kill(pid, SIGKILL);  // it came into being while the others were ended
+            kill(pid, SIGKILL);  // it was forked while the others were ended
             return;
         }
         const int signal = WSTOPSIG(status);

@@ -11,20 +11,21 @@
 namespace fault {
 
 struct TracedRun {
-    // The system calls in their order. False for one that can change nothing but the process that
-    // makes it: after a cut, the device looks the same before and behind such a call.
+    // The system calls in their order. False for a call that can change only its own process: a cut
+    // before it and one after it leave the same device.
     std::vector<bool> calls_that_change;
-    // What `work` returned, from -128 to 127; nothing when it did not come to its end.
+    // The value that `work` returned, from -128 to 127; nothing if it did not end.
     std::optional<int> result;
     bool was_cut = false;
-    // That were running when it was cut; which of two made the next call is a matter of chance.
+    // The programs that ran at the moment of the cut. If there are two, chance decides which of
+    // them makes the next call.
     std::set<std::string> programs;
 };
 
 // Runs `work` in a child process with the child's own descriptors and memory. With `cut_at`, the
-// child and every process that came of it are killed right before the system call with that number
-// (from 1), as a power cut would; 0 lets them run to their end. Throws std::system_error where
-// processes cannot be followed.
+// child and all its descendants are killed right before the system call with that number (from 1),
+// as a power cut would; 0 lets them run to their end. Throws std::system_error if processes cannot
+// be traced.
 TracedRun RunTraced(const std::function<int()>& work, size_t cut_at = 0);
 
 }  // namespace fault

@@ -69,7 +69,7 @@ Trial::Trial(const Scene& scene, const _velk_request& request, const Files& file
     }
 }
 
-// Nothing but the call itself: the test's own allocations must neither fail nor count.
+// Covers only the call itself: the test's own allocations must neither fail nor count.
 void Trial::Call(const Fault* fault, Outcome& outcome) {
     const testkit::AllocationCount count;
     std::optional<testkit::AllocationFault> planned;

@@ -1,4 +1,4 @@
-// trial.h - one request on a device made for it, with or without a fault, and what became of it.
+// trial.h - one request on a device made for it, with or without a fault, and its outcome.
 #ifndef TESTS_FAULT_KIT_TRIAL_H_
 #define TESTS_FAULT_KIT_TRIAL_H_
 
@@ -15,7 +15,7 @@
 
 namespace fault {
 
-// What a call left behind.
+// The result and the traces of a call.
 struct Outcome {
     int result = 0;
     _velk_request response{};
@@ -30,35 +30,35 @@ struct Outcome {
     bool has_fault_struck = false;
 };
 
-// The call as it goes when nothing fails.
+// The same call without a fault.
 struct Reference {
     Files before;
     std::string wireless_before;
     Outcome outcome;
-    std::string course;  // tells calls that go different ways apart
+    std::string course;  // differs between calls that go different ways
     CallLog log;
-    // Every text that stood in a file at any moment of the call.
+    // Every text that a file contained at any moment of the call.
     std::map<std::string, std::set<std::optional<std::string>>> states;
 
-    // How often a call of this kind can fail.
+    // Returns the number of calls of this kind that can fail.
     int Made(const Kind& kind) const;
     bool ChangesSomething() const;
 };
 
 class Trial {
   public:
-    // On the scene's device, with these texts in its files and these bytes as the wireless daemon's
-    // configuration where given.
+    // Runs on the scene's device. Texts and bytes, if given, replace its files and the wireless
+    // daemon's configuration.
     Trial(const Scene& scene, const _velk_request& request, const Files& files = {},
           const std::string& wireless = {});
 
     Reference RunWithoutFault();
     Outcome RunWith(const Fault& fault);
-    // The same request once more on the same device, all faults mended.
+    // Runs the same request once more on the same device, without a fault.
     Outcome RunAgain();
 
   private:
-    // With the fault, when it is one of an allocation.
+    // Runs the request. `fault` is not null only for an allocation.
     Outcome Run(const Fault* fault = nullptr);
     void Call(const Fault* fault, Outcome& outcome);
 

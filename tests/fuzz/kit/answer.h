@@ -1,4 +1,4 @@
-// answer.h - what a get is to answer.
+// answer.h - the expected answer of a get.
 #ifndef TESTS_FUZZ_KIT_ANSWER_H_
 #define TESTS_FUZZ_KIT_ANSWER_H_
 
@@ -8,7 +8,7 @@ namespace fuzz {
 
 struct Answer {
     bool succeeds;
-    std::string bytes;  // what the data begin with; the others are zero
+    std::string bytes;  // the first bytes of the data; the others are zero
 };
 
 }  // namespace fuzz

@@ -1,22 +1,28 @@
-// blocks.cpp - whose a line is, in the files that treat interfaces apart.
+// blocks.cpp - the interface that each line of a file belongs to.
 #include "fuzz/kit/blocks.h"
 
 #include <algorithm>
 
 #include "fuzz/kit/edit_files.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
 
+using testkit::kClientScript;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kInterfacesFile;
+
 using Owners = std::vector<Owner>;
 
-// What a line is to the blocks of its file.
+// The effect of a line on the blocks of its file.
 enum class Mark {
     kNone,
     kOpens,
-    kTurns,  // what follows is for all other interfaces
+    kTurns,  // the next lines are for all other interfaces
     kCloses,
-    kOdd  // a form that the device does not have
+    kOdd  // an unusual form
 };
 
 const Texts kConfigOpenings = {"interface \"eth0\" {", "interface \"eth1\" {"};
@@ -68,12 +74,12 @@ Mark ScriptMark(std::string_view line) {
     return HasKeyword(line) ? Mark::kOdd : Mark::kNone;
 }
 
-// The lines' owners, told one line after the other.
+// Finds the lines' owners, one line after the other.
 class Blocks {
   public:
     explicit Blocks(const std::string& interface) : name_("\"" + interface + "\"") {}
 
-    // False when the line does not fit into plain blocks.
+    // Returns false if the line does not fit into plain blocks.
     bool Add(const std::string& line, Mark mark);
 
     const Owners& owners() const { return owners_; }
@@ -137,7 +143,7 @@ std::optional<Owners> BlockOwners(const std::string& interface, const Texts& lin
     return blocks.owners();
 }
 
-// A stanza reaches to the next one; what stands in front of the first is nobody's to change.
+// A stanza reaches to the next one. No set may change the lines before the first.
 Owners StanzaOwners(const std::string& interface, const Texts& lines) {
     Owners owners;
     Owner owner = Owner::kOther;
@@ -155,10 +161,10 @@ Owners StanzaOwners(const std::string& interface, const Texts& lines) {
 
 std::optional<std::vector<Owner>> OwnersOf(std::string_view path, const std::string& interface,
                                            const Texts& lines) {
-    if (path == kInterfaces) {
+    if (path == kInterfacesFile) {
         return StanzaOwners(interface, lines);
     }
-    if (!interface.empty() && path == kDhcpConfig) {
+    if (!interface.empty() && path == kDhcpConfigFile) {
         return BlockOwners(interface, lines, ConfigMark);
     }
     if (!interface.empty() && (path == kExitHooks || path == kClientScript)) {

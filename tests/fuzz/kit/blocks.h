@@ -1,4 +1,4 @@
-// blocks.h - whose a line is, in the files that treat interfaces apart.
+// blocks.h - the interface that each line of a file belongs to.
 #ifndef TESTS_FUZZ_KIT_BLOCKS_H_
 #define TESTS_FUZZ_KIT_BLOCKS_H_
 
@@ -13,8 +13,9 @@ namespace fuzz {
 
 enum class Owner { kEveryone, kInterface, kOther };
 
-// Whose each line is, seen from the interface; everyone's without one. Nothing when the file's
-// blocks are not written as the device has them: there the library's own reading decides.
+// Returns the owner of each line, seen from the interface; without an interface all lines are
+// everyone's. Returns nothing if the file's blocks are not in the device's usual form: there the
+// library's own reading decides.
 std::optional<std::vector<Owner>> OwnersOf(std::string_view path, const std::string& interface,
                                            const Texts& lines);
 

@@ -1,5 +1,5 @@
-// daemon_mutator.cpp - changes an input of the daemon's target: mostly the field that the input's
-// command is about, to a value that counts.
+// daemon_mutator.cpp - changes an input of the daemon's target: mostly the field of the input's
+// command, to a value with an effect.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -33,8 +33,8 @@ size_t OneOf(Dice& dice, const std::vector<size_t>& numbers) {
     return numbers[dice.Below(numbers.size())];
 }
 
-// The field that the command is about.
-void ChangeField(std::string& input, const Row& row, Dice& dice) {
+// Changes the field of the command.
+void ChangeField(std::string& input, const RecordRow& row, Dice& dice) {
     const size_t offset = kRecord + row.offset;
     if (row.field == Field::kCode || row.field == Field::kNumber) {
         PutNumber(input, offset, OneOf(dice, {0, 1, 2, 3, 4, 5, 0xFF, 0x100, 0xFFFF}));
@@ -47,8 +47,8 @@ void ChangeField(std::string& input, const Row& row, Dice& dice) {
     }
 }
 
-// What a set is to put there.
-void ChangeValue(std::string& input, const Row& row, Dice& dice) {
+// Changes the value of a set.
+void ChangeValue(std::string& input, const RecordRow& row, Dice& dice) {
     if (row.field == Field::kText) {
         const size_t size = row.size - kLengthSize;
         const size_t length = OneOf(dice, {0, 5, 10, 13, 26, size - 1, size, size + 1, 512});
@@ -61,10 +61,10 @@ void ChangeValue(std::string& input, const Row& row, Dice& dice) {
 }
 
 void Change(std::string& input, Dice& dice) {
-    const Row& row = kRows[static_cast<unsigned char>(input[0]) % kRows.size()];
+    const RecordRow& row = kRecordRows[static_cast<unsigned char>(input[0]) % kRecordRows.size()];
     switch (dice.Below(8)) {
         case 0:
-            input[0] = Byte(dice.Below(kRows.size()));
+            input[0] = Byte(dice.Below(kRecordRows.size()));
             return;
         case 1:
             input[1] = dice.OneIn(2) ? 'g' : 's';

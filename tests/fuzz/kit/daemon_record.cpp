@@ -1,11 +1,11 @@
-// daemon_record.cpp - what gets and sets make of the wireless daemon's record, told from its bytes.
+// daemon_record.cpp - the expected gets and sets of the wireless daemon's record, from its bytes.
 #include "fuzz/kit/daemon_record.h"
 
 #include "velk.h"
 
 namespace fuzz {
 
-const std::vector<Row> kRows = {
+const std::vector<RecordRow> kRecordRows = {
     {VELK_CMD_STANDARDS_ENABLED, true, Field::kCode, 36, 2, "\2\3", 3},
     {VELK_CMD_SERVICE_SET, true, Field::kCode, 34, 2, "\2\1", 0},
     {VELK_CMD_SSID, true, Field::kText, 0, 34, "", 0},
@@ -38,12 +38,12 @@ std::string NumberText(size_t number) {
     return {static_cast<char>(number & 0xFF), static_cast<char>(number / 256)};
 }
 
-bool IsWepKey(const Row& row) {
+bool IsWepKey(const RecordRow& row) {
     return row.id >= VELK_CMD_WEP_KEY_1 && row.id <= VELK_CMD_WEP_KEY_4;
 }
 
 // With WEP the record names the key in use.
-bool IsKeyInUse(const Row& row, const std::string& body) {
+bool IsKeyInUse(const RecordRow& row, const std::string& body) {
     constexpr size_t kWep = 1;
     constexpr size_t kEncryptionAt = 42;
     constexpr size_t kDefaultKeyAt = 44;
@@ -59,7 +59,7 @@ Answer TextFrom(const std::string& field) {
     return {true, field.substr(kLengthSize, length)};
 }
 
-Answer CodeFrom(const Row& row, const std::string& field) {
+Answer CodeFrom(const RecordRow& row, const std::string& field) {
     const size_t number = NumberIn(field);
     if (number >= row.bytes.size()) {
         return {false, {row.if_unknown}};
@@ -88,7 +88,7 @@ std::string MacIn(const std::string& field) {
 
 }  // namespace
 
-Answer AnswerFrom(const Row& row, const std::string& body) {
+Answer AnswerFrom(const RecordRow& row, const std::string& body) {
     const std::string field = body.substr(row.offset, row.size);
     switch (row.field) {
         case Field::kText:
@@ -109,7 +109,7 @@ Answer AnswerFrom(const Row& row, const std::string& body) {
     return {};
 }
 
-bool CanSet(const Row& row, const std::string& body, const std::string& value) {
+bool CanSet(const RecordRow& row, const std::string& body, const std::string& value) {
     if (row.field != Field::kText) {
         return row.bytes.find(value) != std::string::npos;
     }
@@ -122,7 +122,7 @@ bool CanSet(const Row& row, const std::string& body, const std::string& value) {
     return value.size() == 5 || value.size() == 10 || value.size() == 13 || value.size() == 26;
 }
 
-std::string BodyWith(const Row& row, std::string body, const std::string& value) {
+std::string BodyWith(const RecordRow& row, std::string body, const std::string& value) {
     if (row.field == Field::kCode) {
         return body.replace(row.offset, row.size, NumberText(row.bytes.find(value)));
     }

@@ -1,4 +1,4 @@
-// daemon_record.h - what gets and sets make of the wireless daemon's record, told from its bytes.
+// daemon_record.h - the expected gets and sets of the wireless daemon's record, from its bytes.
 #ifndef TESTS_FUZZ_KIT_DAEMON_RECORD_H_
 #define TESTS_FUZZ_KIT_DAEMON_RECORD_H_
 
@@ -11,44 +11,45 @@
 
 namespace fuzz {
 
-constexpr size_t kHead = 3;  // of an input: the command's letter, get or set, the datagram's length
+constexpr size_t kHead =
+    3;  // each input begins with the command's letter, get or set, the datagram's length
 constexpr size_t kHeader = 4;  // in front of a message's body
 constexpr size_t kBody = 236;
 constexpr size_t kMessage = kHeader + kBody;
-constexpr size_t kLengthSize = 2;  // of the length in front of a text
+constexpr size_t kLengthSize = 2;  // the size of the length before a text
 
 enum class Field {
     kText,      // its length, then so many bytes
-    kCode,      // a number that a byte of its own stands for
-    kNumber,    // a number whose low byte is given
+    kCode,      // a number; the data have another byte for it
+    kNumber,    // a number; the data have its low byte
     kName,      // a text up to its NUL
     kRevision,  // a part of such a text
     kMac,
     kRaw
 };
 
-// A command and the field that it is about.
-struct Row {
+// A command and its field.
+struct RecordRow {
     uint32_t id;
     bool can_set;
     Field field;
     size_t offset, size;
-    std::string bytes;  // that a set takes; for a code, at the place of its number
-    char if_unknown;    // the byte beside the failure of a number without one
+    std::string bytes;  // the data of a set; a code is at the index of its number
+    char if_unknown;    // the data byte of a failed get if the number is unknown
 };
 
-extern const std::vector<Row> kRows;
+extern const std::vector<RecordRow> kRecordRows;
 
-// What a get gives when the daemon sends this record.
-Answer AnswerFrom(const Row& row, const std::string& body);
+// Returns the answer of a get if the daemon sends this record.
+Answer AnswerFrom(const RecordRow& row, const std::string& body);
 
-// True for a value that a set takes: a byte of the row's, or a text of a length that there is. The
-// key in use cannot be emptied.
-bool CanSet(const Row& row, const std::string& body, const std::string& value);
+// True for a value that a set takes: a byte of the row's, or a text of a permitted length. The key
+// in use cannot be emptied.
+bool CanSet(const RecordRow& row, const std::string& body, const std::string& value);
 
-// The record with the value in its field. Behind a key stands what is left of the one before;
-// behind other texts there are zeros.
-std::string BodyWith(const Row& row, std::string body, const std::string& value);
+// Returns the record with the value in its field. The rest of a former key remains after a new key;
+// other texts are filled with zeros.
+std::string BodyWith(const RecordRow& row, std::string body, const std::string& value);
 
 }  // namespace fuzz
 

@@ -1,4 +1,4 @@
-// edit_files.cpp - the files that sets edit: whose lines are whose, and how a set may change them.
+// edit_files.cpp - the files that sets edit: the owners of the lines, and the permitted changes.
 #include "fuzz/kit/edit_files.h"
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include "fuzz/kit/lines.h"
 #include "fuzz/kit/server_lines.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace fuzz {
@@ -42,7 +43,8 @@ bool IsOn(const EditedFile& file, const Setting& setting) {
     return setting.data[0] == (file.change == Change::kBlock ? '\2' : '\1');
 }
 
-// A "#" more, or one less for each of the set's commands: they may stand on one line.
+// True if the line has one "#" more, or up to one less for each of the set's commands: one line may
+// have several.
 bool IsSwitched(std::string old_line, const std::string& new_line, bool is_on, size_t commands) {
     if (!is_on) {
         return new_line == "#" + old_line;
@@ -56,19 +58,20 @@ bool IsSwitched(std::string old_line, const std::string& new_line, bool is_on, s
     return false;
 }
 
-// Not just named in a comment or where it is defined: of the client's script a plain call counts.
+// True if the line is more than a comment or a definition: in the client's script only a plain call
+// counts.
 bool IsSurelyOwn(const EditedFile& file, const std::string& line) {
-    if (file.path != std::string_view(kClientScript)) {
+    if (file.path != std::string_view(testkit::kClientScript)) {
         return IsOwn(file, line);
     }
     const std::string call = line.substr(std::min(line.find_first_not_of("#\t"), line.size()));
     return (call + " ").starts_with(file.own[0] + " ");
 }
 
-// On files as the device has them, the interface's lines are as the set told; with blocks, lines
-// outside of them as before.
-void CheckSwitchedAsTold(const EditedFile& file, const Setting& setting, const Texts& old_lines,
-                         const Texts& new_lines) {
+// On files in the device's usual form, checks that the interface's lines are on or off as the set
+// asks, and that lines outside of blocks are unchanged.
+void CheckSwitched(const EditedFile& file, const Setting& setting, const Texts& old_lines,
+                   const Texts& new_lines) {
     const auto owners = OwnersOf(file.path, setting.interface, old_lines);
     const bool is_switch = setting.data == "\1" || setting.data == "\2";
     if (!owners || !is_switch || !std::ranges::all_of(old_lines, IsPlainlySwitched)) {
@@ -83,7 +86,7 @@ void CheckSwitchedAsTold(const EditedFile& file, const Setting& setting, const T
     }
 }
 
-// The interface's name stands in the header, the method behind it, and nothing more.
+// The header has the interface's name, then the method, and nothing more.
 void CheckMethodLine(const Setting& setting, const std::string& old_line,
                      const std::string& new_line) {
     const std::string header = "iface " + setting.interface + " inet ";
@@ -97,8 +100,8 @@ std::string LettersOf(std::string text) {
     return text;
 }
 
-// An option that comes stands behind a comma at the end of the statement. One that goes takes what
-// stood between it and its neighbour along.
+// A new option comes after a comma at the end of the statement. A removed option goes together with
+// the characters between it and its neighbour.
 void CheckOptionLine(const std::string& option, const Setting& setting, std::string line,
                      const std::string& new_line) {
     if (line == new_line) {
@@ -150,7 +153,7 @@ void CheckLineByLine(const EditedFile& file, const Setting& setting, const Texts
     }
 }
 
-// Own lines come and go; of a value's, each that comes holds it.
+// Own lines may be added and removed. Each added line of a value must hold it.
 void CheckMoves(const EditedFile& file, const Setting& setting, const Texts& old_lines,
                 const Texts& new_lines) {
     Check(Others(file, old_lines) == Others(file, new_lines), "other lines are as they were");
@@ -164,7 +167,7 @@ void CheckMoves(const EditedFile& file, const Setting& setting, const Texts& old
     }
 }
 
-// A line for each slot up to the first empty one.
+// Returns a line for each slot up to the first empty one.
 std::string ServersText(const std::string& slots) {
     std::string text;
     for (size_t i = 0; i < kSlots; ++i) {
@@ -195,7 +198,7 @@ void CheckEdit(const EditedFile& file, const Setting& setting, std::string_view 
         case Change::kSwitch:
         case Change::kBlock:
             CheckLineByLine(file, setting, old_lines, new_lines);
-            CheckSwitchedAsTold(file, setting, old_lines, new_lines);
+            CheckSwitched(file, setting, old_lines, new_lines);
             return;
         case Change::kMethod:
         case Change::kOption:
@@ -209,7 +212,7 @@ void CheckEdit(const EditedFile& file, const Setting& setting, std::string_view 
             CheckMoves(file, setting, old_lines, new_lines);
             return;
         case Change::kWhole:
-            Check(after == ServersText(setting.data), "the servers stand there, and nothing else");
+            Check(after == ServersText(setting.data), "the file has the servers and nothing else");
             return;
     }
 }

@@ -1,4 +1,4 @@
-// edit_files.h - the files that sets edit: whose lines are whose, and how a set may change them.
+// edit_files.h - the files that sets edit: the owners of the lines, and the permitted changes.
 #ifndef TESTS_FUZZ_KIT_EDIT_FILES_H_
 #define TESTS_FUZZ_KIT_EDIT_FILES_H_
 
@@ -10,23 +10,15 @@
 
 namespace fuzz {
 
-inline constexpr char kInterfaces[] = "/etc/network/interfaces";
-inline constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-inline constexpr char kClientScript[] = "/sbin/dhclient-script";
-inline constexpr char kExitHooks[] = "/etc/dhclient-exit-hooks";
-inline constexpr char kCrontab[] = "/var/cron/tabs/root";
-inline constexpr char kSettings[] = "/var/libvelk/libvelk";
-inline constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
-
 enum class Change {
     kSwitch,  // lines gain or lose a "#"
-    kBlock,   // so do all lines of the interface's block: they are on when it uses DHCP
+    kBlock,   // so do all lines of the interface's block: they are on with DHCP
     kMethod,  // the interface's header lines get another method
-    kOption,  // the option comes into a request, or goes
+    kOption,  // an option is added to a request, or removed
     kServer,  // the server is replaced; one that ends its line takes the line's end with it
-    kValue,   // a line with the key and the value comes or goes
-    kMoves,   // lines come and go
-    kWhole    // nothing stays of what was there
+    kValue,   // a line with the key and the value is added or removed
+    kMoves,   // lines are added and removed
+    kWhole    // the whole text is replaced
 };
 
 struct EditedFile {
@@ -46,13 +38,13 @@ struct Setting {
 inline constexpr size_t kSlots = 3;
 inline constexpr size_t kSlotSize = 16;
 
-// Where the file is edited, in a copy; empty for one that is written in place.
+// Returns the path of the file's edit copy; empty for a file that is written in place.
 std::string CopyOf(const EditedFile& file);
 
-// A "#" in column one switches a line off, and there is no other in it.
+// True if the line has no "#", or only one in column one, which switches it off.
 bool IsPlainlySwitched(const std::string& line);
 
-// Checks that own lines alone changed, each in its way, and none that is another interface's.
+// Checks that only own lines changed, each in its permitted way, and none of another interface.
 void CheckEdit(const EditedFile& file, const Setting& setting, std::string_view before,
                std::string_view after);
 

@@ -1,4 +1,4 @@
-// file_answers.cpp - what gets are to make of the files they read.
+// file_answers.cpp - the expected answers of gets that read files.
 #include "fuzz/kit/file_answers.h"
 
 #include <algorithm>
@@ -6,16 +6,21 @@
 
 #include "fuzz/kit/blocks.h"
 #include "fuzz/kit/edit_files.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace fuzz {
 namespace {
 
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kLinkLocalDaemon;
+
 Answer OnOff(bool is_on) {
     return {true, is_on ? "\1" : "\2"};
 }
 
-// What follows the key on the first line that begins with it.
+// Returns the rest of the first line that begins with the key.
 Answer KeyedText(const std::string& text, const std::string& key) {
     for (const std::string& line : Lines(text)) {
         if (line.starts_with(key)) {
@@ -39,13 +44,13 @@ Answer Schedule(char type, int value, const std::string& time) {
     return {true, std::string{type, static_cast<char>(value)} + time};
 }
 
-// The first request that is the interface's or everyone's, in a statement of one line.
+// Reads the first request of the interface or of everyone, in a statement of one line.
 std::optional<Answer> RequestFrom(const std::string& interface, const std::string& text,
                                   std::string_view option) {
     static const std::regex kUsual(R"(\t?request ([a-z-]+, )*[a-z-]+;)");
-    constexpr size_t kLongest = 200;  // what a line of the device may have, and a match may cost
+    constexpr size_t kLongest = 200;  // longer lines are unusual, and a match would take long
     const Texts lines = Lines(text);
-    const auto owners = OwnersOf(kDhcpConfig, interface, lines);
+    const auto owners = OwnersOf(kDhcpConfigFile, interface, lines);
     if (!owners) {
         return std::nullopt;
     }
@@ -91,7 +96,7 @@ std::optional<Answer> NtpServerFrom(const std::string& /*interface*/, const Text
     return BeginsWith(client, kUsual, parts) ? std::optional(Answer{true, parts[1]}) : std::nullopt;
 }
 
-// The last line decides; the client's words stand behind a date.
+// The last line decides; the client's words come after a date.
 std::optional<Answer> NtpResultFrom(const std::string& /*interface*/, const Texts& texts) {
     constexpr size_t kDateSize = 11;
     const Texts lines = Lines(texts[0]);
@@ -134,7 +139,7 @@ std::optional<Answer> DhcpDnsFrom(const std::string& interface, const Texts& tex
     return RequestFrom(interface, texts[0], "domain-name-servers");
 }
 
-// On when a command of the interface's is not switched off.
+// The setting is on if a command of the interface is not switched off.
 std::optional<Answer> ApipaFrom(const std::string& interface, const Texts& texts) {
     static const std::regex kUsual(R"(#?([^#/]{0,40}[ \t])?/usr/sbin/avahi-autoipd )");
     const Texts lines = Lines(texts[0]);
@@ -145,7 +150,7 @@ std::optional<Answer> ApipaFrom(const std::string& interface, const Texts& texts
     bool is_on = false;
     for (size_t i = 0; i < lines.size(); ++i) {
         std::smatch parts;
-        if (!Has(lines[i], "/usr/sbin/avahi-autoipd")) {
+        if (!Has(lines[i], kLinkLocalDaemon)) {
             continue;
         }
         if (!BeginsWith(lines[i], kUsual, parts)) {

@@ -1,4 +1,4 @@
-// file_answers.h - what gets are to make of the files they read.
+// file_answers.h - the expected answers of gets that read files.
 #ifndef TESTS_FUZZ_KIT_FILE_ANSWERS_H_
 #define TESTS_FUZZ_KIT_FILE_ANSWERS_H_
 
@@ -10,8 +10,8 @@
 
 namespace fuzz {
 
-// Each takes the interface's name and the texts that are read. Nothing where a text is in a form
-// that the device does not have: there the library's own reading decides.
+// Each takes the interface's name and the texts that are read. Returns nothing for a text in an
+// unusual form: there the library's own reading decides.
 std::optional<Answer> AdministratorFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> LocationFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> NtpMethodFrom(const std::string& interface, const Texts& texts);
@@ -24,7 +24,7 @@ std::optional<Answer> ApipaFrom(const std::string& interface, const Texts& texts
 std::optional<Answer> DnsFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> IpMethodFrom(const std::string& interface, const Texts& texts);
 
-// The value of the interface's first stanza; empty without one.
+// Returns the value of the interface's first stanza; empty without one.
 std::string StaticValue(const std::string& interface, const std::string& text,
                         std::string_view key);
 

@@ -1,4 +1,4 @@
-// fuzz_device.cpp - what every fuzz target stands on.
+// fuzz_device.cpp - the base of every fuzz target.
 #include "fuzz/kit/fuzz_device.h"
 
 #include <cstdio>
@@ -14,16 +14,16 @@
 namespace fuzz {
 namespace {
 
-constexpr int kSkipped = 77;  // as ctest is told
+constexpr int kSkipped = 77;  // as SKIP_RETURN_CODE in CMakeLists.txt
 
-// The listing's own counts each time.
+// Includes the listing's own descriptor each time.
 std::ptrdiff_t CountDescriptors() {
     const testkit::Unrecorded unrecorded;
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
     return std::distance(begin(descriptors), end(descriptors));
 }
 
-// Empties the recorder, which the shell is to stand on; gives the number of open descriptors.
+// Empties the recorder, which the fake shell uses. Returns the number of open descriptors.
 std::ptrdiff_t Begin() {
     testkit::LibcRecorder::Get().Reset();
     return CountDescriptors();
@@ -45,9 +45,9 @@ bool IsDocumented(int result) {
 
 }  // namespace
 
-void Check(bool holds, std::string_view what) {
+void Check(bool holds, std::string_view rule) {
     if (!holds) {
-        fprintf(stderr, "does not hold: %.*s\n", static_cast<int>(what.size()), what.data());
+        fprintf(stderr, "does not hold: %.*s\n", static_cast<int>(rule.size()), rule.data());
         abort();
     }
 }
@@ -86,7 +86,7 @@ int Turn::Execute(uint32_t type, uint32_t id, std::string_view interface, std::s
 // Called by the fuzzer, once and first.
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     sandbox::DeviceOptions options;
-    options.keep = {VELK_SOURCE_DIR, VELK_BINARY_DIR, std::filesystem::current_path()};
+    options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR, std::filesystem::current_path()};
     options.protect_machine = false;  // corpora and findings go to real folders
     try {
         sandbox::EnterDevice(options);

@@ -1,4 +1,4 @@
-// fuzz_device.h - what every fuzz target stands on: a private device, a faked shell, hard checks.
+// fuzz_device.h - the base of every fuzz target: a private device, a fake shell, hard checks.
 #ifndef TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
 #define TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
 
@@ -13,12 +13,12 @@
 
 namespace fuzz {
 
-// Ends the process, saying what did not hold, so that the fuzzer keeps the input.
-void Check(bool holds, std::string_view what);
+// If the rule does not hold, prints it and ends the process, so that the fuzzer keeps the input.
+void Check(bool holds, std::string_view rule);
 
-// One input's turn: an empty recorder, a shell that runs in this process. When it ends, no
-// descriptor is left open, no result but a documented one was seen, and every shell line was one of
-// the library's.
+// One input's turn: an empty recorder, a shell that runs in this process. Its end checks that no
+// descriptor is left open, that all results are documented ones, and that every shell line is one
+// of the library's.
 class Turn {
   public:
     Turn();
@@ -28,16 +28,16 @@ class Turn {
 
     testkit::FakeShell& shell() { return shell_; }
 
-    // Runs a request; checks its result, the header of the response and that the request is as it
-    // was.
+    // Runs a request; checks its result, the header of the response and that the request is
+    // unchanged.
     int Execute(const _velk_request& request);
     int Execute(uint32_t type, uint32_t id, std::string_view interface, std::string_view data = {});
 
     _velk_request response{};
 
   private:
-    std::ptrdiff_t descriptors_;      // that were open when it began; set before the shell is there
-    std::vector<std::string> texts_;  // of the requests so far
+    std::ptrdiff_t descriptors_;      // open at the start, before the shell exists
+    std::vector<std::string> texts_;  // the texts of the requests so far
     testkit::FakeShell shell_;
 };
 

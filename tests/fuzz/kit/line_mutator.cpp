@@ -17,7 +17,7 @@ namespace {
 
 using testkit::Dice;
 
-// What the device's files and tools are made of.
+// Lines of the device's files and tools.
 const std::vector<std::string> kSamples = {
     "auto eth0",
     "iface eth0 inet static",

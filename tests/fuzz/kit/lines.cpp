@@ -1,4 +1,4 @@
-// lines.cpp - a text's parts and lines, and what they hold.
+// lines.cpp - splits and searches texts.
 #include "fuzz/kit/lines.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// lines.h - a text's parts and lines, and what they hold.
+// lines.h - splits and searches texts.
 #ifndef TESTS_FUZZ_KIT_LINES_H_
 #define TESTS_FUZZ_KIT_LINES_H_
 
@@ -10,22 +10,22 @@ namespace fuzz {
 
 using Texts = std::vector<std::string>;
 
-// The text's parts between lines of four dashes.
+// Returns the text's parts between lines of four dashes.
 Texts Sections(std::string_view text);
 
-// What stands before the first newline, taken off the front with it.
+// Removes the first line and its newline from the text and returns the line.
 std::string TakeLine(std::string_view& text);
 
 Texts Lines(std::string_view text);
 
 bool Has(std::string_view line, std::string_view text);
 
-// The text consists of these characters; the empty text does.
+// True if the text consists of these characters, or is empty.
 bool IsOf(std::string_view text, std::string_view characters);
 
 inline constexpr char kDigits[] = "0123456789";
 
-// What stands in front of the first NUL.
+// Returns the text before the first NUL.
 std::string TextIn(const std::string& data);
 
 }  // namespace fuzz

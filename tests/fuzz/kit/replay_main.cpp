@@ -82,7 +82,8 @@ int main(int argc, char** argv) {
     std::ranges::sort(files);
     for (const std::string& file : files) {
         printf("%s\n", file.c_str());
-        fflush(stdout);  // the last one named, or a change of it, is the one that did not hold
+        fflush(stdout);  // the last name printed is that of the failing input, or of the input that
+                         // was changed
         RunWithChanges(keeper, testkit::ReadFile(file));
     }
     return files.empty() ? 1 : 0;

@@ -1,4 +1,4 @@
-// server_lines.cpp - what becomes of the crontab's lines when the time server is replaced.
+// server_lines.cpp - the crontab's lines after a set of the time server.
 #include "fuzz/kit/server_lines.h"
 
 #include <algorithm>
@@ -13,14 +13,14 @@ namespace {
 
 constexpr std::string_view kClient = "ntpdate";
 
-// What stands before the first blank, taken off the front with it.
+// Removes the first word and its blank from the text and returns the word.
 std::string_view TakeWord(std::string_view& text) {
     const std::string_view word = text.substr(0, text.find(' '));
     text.remove_prefix(std::min(word.size() + 1, text.size()));
     return word;
 }
 
-// The server is the first word behind the client's name that begins with a letter or a digit.
+// The server is the first word after the client's name that begins with a letter or a digit.
 bool EndsWithServer(std::string_view line) {
     const size_t client = line.find(kClient);
     if (client == std::string_view::npos) {
@@ -40,7 +40,7 @@ bool EndsWithServer(std::string_view line) {
     return false;
 }
 
-// `text` stands in the new line where the old one had another word, or none.
+// True if `text` is in the new line in the place of another word, or of none.
 bool IsPutIn(std::string_view old_line, std::string_view new_line, std::string_view text) {
     for (size_t at = 0; at + text.size() <= new_line.size(); ++at) {
         const std::string_view front = new_line.substr(0, at);

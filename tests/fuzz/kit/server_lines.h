@@ -1,4 +1,4 @@
-// server_lines.h - what becomes of the crontab's lines when the time server is replaced.
+// server_lines.h - the crontab's lines after a set of the time server.
 #ifndef TESTS_FUZZ_KIT_SERVER_LINES_H_
 #define TESTS_FUZZ_KIT_SERVER_LINES_H_
 
@@ -8,7 +8,8 @@
 
 namespace fuzz {
 
-// Lines as they come to stand: one that ends with its server is followed by the next on the same.
+// Returns the lines as the set joins them: the next line is appended to a line that ends with its
+// server.
 Texts WithJoins(const Texts& lines);
 
 // Checks that the server alone was put in. `old_line` is one of those above; new ones have no

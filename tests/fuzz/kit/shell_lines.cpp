@@ -8,9 +8,18 @@
 
 #include "fuzz/kit/shell_words.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace fuzz {
 namespace {
+
+using testkit::kClientScript;
+using testkit::kCrontab;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kSnmpFile;
 
 const std::vector<std::string> kFixedLines = {
     "grep \"eth0: link\" /var/log/syslog/syslog_info.log.0 > /var/tmp/get_result",
@@ -37,11 +46,9 @@ const std::vector<std::string> kFixedLines = {
 
 // Each is edited in a copy that takes its place.
 const std::vector<std::string> kEditedFiles = {
-    "/etc/dhclient-exit-hooks", "/etc/dhclient.conf",  "/etc/network/interfaces",
-    "/sbin/dhclient-script",    "/var/cron/tabs/root", "/var/libvelk/libvelk",
+    kExitHooks, kDhcpConfigFile, kInterfacesFile, kClientScript, kCrontab, kIdentityFile,
 };
 
-constexpr std::string_view kSnmpFile = "/usr/local/share/etc/snmp/snmpd.conf";
 const std::vector<std::string_view> kSubstitutions = {
     "s/syscontact.*/syscontact ",
     "s/syslocation.*/syslocation ",
@@ -57,11 +64,11 @@ std::set<std::string> AllLines() {
     return lines;
 }
 
-// What sed(1) makes of the end of a substitution; nothing when that is not just a text. A line end
-// in the text is refused by sed itself.
+// Returns the text that sed(1) reads from the end of a substitution; nothing if the end has more
+// than a text. sed itself refuses a line end in the text.
 std::optional<std::string> Replacement(std::string_view end) {
     if (end == "\"\"/") {
-        return "";  // how the SNMP daemon is told of an empty text
+        return "";  // the SNMP daemon's notation of an empty text
     }
     std::string text;
     for (; !end.empty() && end != "/"; end.remove_prefix(1)) {

@@ -7,9 +7,8 @@
 
 namespace fuzz {
 
-// True for a line that is one of the library's own, letter by letter, and for the one kind of line
-// that a request's text goes into: there the text, one of `texts`, must come to stand in the file
-// as it is.
+// True for the library's own lines, letter by letter, and for the only kind of line that contains a
+// request's text: that line must put the text, one of `texts`, into the file unchanged.
 bool IsKnownLine(const std::string& line, const std::vector<std::string>& texts);
 
 }  // namespace fuzz

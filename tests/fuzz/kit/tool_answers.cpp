@@ -1,4 +1,4 @@
-// tool_answers.cpp - what gets are to make of what tools and the kernel tell.
+// tool_answers.cpp - the expected answers of gets that ask tools and the kernel.
 #include "fuzz/kit/tool_answers.h"
 
 #include <regex>
@@ -25,7 +25,7 @@ std::string LiveValue(const std::string& interface, const std::string& text, std
     return value;
 }
 
-// A static interface has its value in the file, one that uses DHCP what the tool shows.
+// A static interface has its value in the file. With DHCP the tool shows it.
 Answer AddressFrom(const std::string& interface, const Texts& texts, std::string_view key,
                    std::string_view live_key) {
     const Answer method = *IpMethodFrom(interface, texts);
@@ -37,7 +37,7 @@ Answer AddressFrom(const std::string& interface, const Texts& texts, std::string
                             : LiveValue(interface, texts[1], live_key)};
 }
 
-// The kernel writes an address as a number whose lowest byte comes first in the address.
+// The kernel writes an address as a number; its lowest byte comes first in the address.
 std::string AddressOf(const std::string& digits) {
     std::string address;
     for (size_t at = digits.size(); at > 0; at -= 2) {
@@ -47,17 +47,17 @@ std::string AddressOf(const std::string& digits) {
     return address;
 }
 
-// What the text tells, line by line: 1 for `yes`, 0 for `no`.
-std::vector<int> TellingsIn(const std::string& text, std::string_view yes, std::string_view no) {
-    std::vector<int> tellings;
+// Returns 1 for each line with `yes` and 0 for each with `no`, in their order.
+std::vector<int> YesOrNoIn(const std::string& text, std::string_view yes, std::string_view no) {
+    std::vector<int> answers;
     for (const std::string& line : Lines(text)) {
         if (Has(line, yes)) {
-            tellings.push_back(1);
+            answers.push_back(1);
         } else if (Has(line, no)) {
-            tellings.push_back(0);
+            answers.push_back(0);
         }
     }
-    return tellings;
+    return answers;
 }
 
 }  // namespace
@@ -71,12 +71,12 @@ std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& tex
 }
 
 int LinkIn(const std::string& tool, const Texts& logs) {
-    const std::vector<int> shown = TellingsIn(tool, "Link detected: yes", "Link detected: no");
+    const std::vector<int> shown = YesOrNoIn(tool, "Link detected: yes", "Link detected: no");
     if (!shown.empty()) {
         return shown.front();
     }
     for (const std::string& log : logs) {
-        const std::vector<int> logged = TellingsIn(log, "link up", "link down");
+        const std::vector<int> logged = YesOrNoIn(log, "link up", "link down");
         if (!logged.empty()) {
             return logged.back();
         }
@@ -94,9 +94,9 @@ std::optional<Answer> LinkSpeedFrom(const std::string& interface, const Texts& t
             return std::nullopt;
         }
     }
-    const auto negotiated = TellingsIn(texts[0], "Auto-negotiation: on", "Auto-negotiation: off");
-    const auto fast = TellingsIn(texts[0], "Speed: 100M", "Speed: 10M");
-    const auto full = TellingsIn(texts[0], "Duplex: Full", "Duplex: Half");
+    const auto negotiated = YesOrNoIn(texts[0], "Auto-negotiation: on", "Auto-negotiation: off");
+    const auto fast = YesOrNoIn(texts[0], "Speed: 100M", "Speed: 10M");
+    const auto full = YesOrNoIn(texts[0], "Duplex: Full", "Duplex: Half");
     if (!negotiated.empty() && negotiated.back() == 1) {
         return Answer{true, "\1"};
     }

@@ -1,4 +1,4 @@
-// tool_answers.h - what gets are to make of what tools and the kernel tell.
+// tool_answers.h - the expected answers of gets that ask tools and the kernel.
 #ifndef TESTS_FUZZ_KIT_TOOL_ANSWERS_H_
 #define TESTS_FUZZ_KIT_TOOL_ANSWERS_H_
 
@@ -10,16 +10,16 @@
 
 namespace fuzz {
 
-// Each takes the interface's name and the texts that are read, and gives nothing where a text is in
-// a form that tools and kernel do not have. The first two read the interfaces file, then what
-// ifconfig prints.
+// Each takes the interface's name and the texts that are read. It returns nothing for a text in a
+// form that tools and kernel do not print. The first two take the interfaces file, then the output
+// of ifconfig.
 std::optional<Answer> IpAddressFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> NetmaskFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> LinkSpeedFrom(const std::string& interface, const Texts& texts);
 std::optional<Answer> GatewayFrom(const std::string& interface, const Texts& routes);
 
-// The wired port's link, 1 or 0: the tool's first word counts, without one the last of the first
-// log that has one.
+// The wired port's link, 1 or 0: the first state in the tool's output; if it has none, the last
+// state in the first log that has one. It is 0 if no log has one.
 int LinkIn(const std::string& tool, const Texts& logs);
 
 }  // namespace fuzz

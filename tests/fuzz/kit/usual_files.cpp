@@ -1,13 +1,19 @@
-// usual_files.cpp - which files are as the device has them.
+// usual_files.cpp - recognises files in the device's usual form.
 #include "fuzz/kit/usual_files.h"
 
 #include <algorithm>
 
 #include "fuzz/kit/lines.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace fuzz {
 namespace {
+
+using testkit::kClockSetter;
+using testkit::kFinishNotice;
+using testkit::kLinkLocalDaemon;
+using testkit::kStartNotice;
 
 constexpr char kAddressText[] = "0123456789.";
 
@@ -47,7 +53,8 @@ bool IsUsualMethod(const Setting& setting, const std::string& interfaces,
            });
 }
 
-// No blocks, and each of the set's commands at the start of a line, behind a "#" or not.
+// True if there are no blocks and each of the set's commands starts its line, with or without a
+// "#".
 bool AreUsualHooks(const std::string& text, const std::string& command) {
     const Texts lines = Lines(text);
     return AllPlainlySwitched(lines) && CountOf(lines, "if") == 0 && CountOf(lines, "fi") == 0 &&
@@ -131,14 +138,13 @@ bool IsUsual(const Setting& setting, const std::vector<std::string>& files) {
         case VELK_CMD_IP_METHOD:
             return IsUsualMethod(setting, files[0], files[1]);
         case VELK_CMD_APIPA:
-            return IsSwitch(setting) && AreUsualHooks(files[0], "/usr/sbin/avahi-autoipd") &&
-                   Has(files[0], "/usr/sbin/avahi-autoipd");
+            return IsSwitch(setting) && AreUsualHooks(files[0], kLinkLocalDaemon) &&
+                   Has(files[0], kLinkLocalDaemon);
         case VELK_CMD_DHCP_NOTICE:
-            return AreUsualHooks(files[0], "/sbin/printdhcpnotice.pl") &&
-                   AreUsualHooks(files[0], "/sbin/printdhcpstart.pl");
+            return AreUsualHooks(files[0], kFinishNotice) && AreUsualHooks(files[0], kStartNotice);
         case VELK_CMD_DHCP_NTP:
             return IsSwitch(setting) && IsUsualRequest(files[0], "ntp-servers") &&
-                   AreUsualHooks(files[1], "/usr/bin/ntpdate");
+                   AreUsualHooks(files[1], kClockSetter);
         case VELK_CMD_DHCP_DNS:
             return IsSwitch(setting) && IsUsualRequest(files[0], "domain-name-servers") &&
                    AreUsualHooks(files[1], "make_resolv_conf");

@@ -1,4 +1,4 @@
-// usual_files.h - which files are as the device has them.
+// usual_files.h - recognises files in the device's usual form.
 #ifndef TESTS_FUZZ_KIT_USUAL_FILES_H_
 #define TESTS_FUZZ_KIT_USUAL_FILES_H_
 
@@ -9,9 +9,8 @@
 
 namespace fuzz {
 
-// True when the files are such that the setting must be read back as it was set, and setting it
-// twice be the same as once. Other files have the same lines edited, but may hold them in forms
-// that the reading side sees differently.
+// True if the files are in the usual form: a get then returns the value that was set, and a second
+// set changes nothing. Other files are edited in the same way, but a get may read them differently.
 bool IsUsual(const Setting& setting, const std::vector<std::string>& files);
 
 }  // namespace fuzz

@@ -1,4 +1,4 @@
-// The command reference, docs/commands.md, says what the code's tables say.
+// Compares the command reference, docs/commands.md, with the code's tables.
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -101,7 +101,7 @@ constexpr char kFenceEnd[] = "```";
 constexpr std::array kParts{"Data",   "Results", "Files", "Shell lines", "Longest blocking time",
                             "Example"};
 
-// What is said of a command, in the words of the document.
+// The entry of a command, in the words of the document.
 struct Command {
     std::string id;
     std::string enumerator;
@@ -238,7 +238,7 @@ Words TypedCommands(const Section& section) {
     return commands;
 }
 
-// Each "velkctl" in the examples, as its arguments; what a pipe leads into it is left out.
+// Returns the arguments of each "velkctl" in the examples, without the commands before a pipe.
 std::vector<Words> VelkctlCalls(const Section& section) {
     std::vector<Words> calls;
     for (const std::string& command : TypedCommands(section)) {
@@ -266,7 +266,7 @@ const std::array<Table, 3> kTables{{
 
 // The enumerators of the public header, by the number that they have there.
 std::map<uint32_t, std::string> Enumerators() {
-    const std::string header = testkit::ReadFile(VELK_SOURCE_DIR "/include/velk.h");
+    const std::string header = testkit::ReadFile(VELK_SOURCE_DIR "/include/velk/request.h");
     const std::regex definition("(VELK_CMD_[A-Z0-9_]+) = ([0-9]+)");
     std::map<uint32_t, std::string> names;
     for (std::sregex_iterator match(header.begin(), header.end(), definition), end; match != end;
@@ -354,7 +354,7 @@ const std::set<std::string>& Literals() {
     return all;
 }
 
-// The one shell line that is put together out of pieces.
+// The only shell line that is put together from pieces.
 constexpr char kSnmpLine[] = "sudo sed -i 's/%s.*/%s %s/' %s";
 
 // The format strings of the shell lines.
@@ -372,7 +372,7 @@ Words ShellFormats() {
     return formats;
 }
 
-// Says whether a format gives the line: "%s" stands for a word, or for a literal with blanks.
+// True if the format can give the line: "%s" is a word, or a literal with blanks.
 bool Gives(const std::string& format, std::string line) {
     for (const std::string& literal : Literals()) {
         if (literal.find(' ') != std::string::npos && format.ends_with(" %s") &&
@@ -484,7 +484,7 @@ TEST(CommandReference, EverySectionHasTheResultsOfItsTypesOnceEach) {
     }
 }
 
-// Whether the command's get is refused without an adapter and while the cable is in.
+// True if the command's get is refused without an adapter and while the cable is in.
 bool IsRefusedToWireless(const std::string& id) {
     const auto row = std::find_if(
         velk::kGetTable.begin(), velk::kGetTable.end(),
@@ -493,7 +493,7 @@ bool IsRefusedToWireless(const std::string& id) {
            (row->handler == GetWlanState || (row->handler == GetIoctl && row->eth1_allowed != 0));
 }
 
-TEST(CommandReference, SectionsOfWhatAdapterAndCableDecideHaveTheirResults) {
+TEST(CommandReference, SectionsThatDependOnAdapterOrCableHaveTheirResults) {
     // A restart needs the adapter alone; the gateway of a lease is asked as GetIoctl() does.
     const std::map<std::string, Words> others{{"1", {"-5"}}, {"106", {"-5", "-6"}}};
     for (const Section& section : Sections()) {
@@ -512,10 +512,9 @@ TEST(CommandReference, SectionsOfWhatAdapterAndCableDecideHaveTheirResults) {
 
 // ---- Examples ----------------------------------------------------------------------------------
 
-// What is wrong with the arguments of "velkctl get" or "velkctl set"; empty when nothing is.
+// Returns the mistake in the arguments of "velkctl get" or "velkctl set"; empty if none.
 std::string ProblemWith(const Words& arguments) {
-    const std::optional<velkctl::Setting> setting =
-        velkctl::FindSetting(velkctl::Catalogue(), arguments.at(1));
+    const std::optional<velkctl::Setting> setting = velkctl::FindSetting(arguments.at(1));
     if (!setting) {
         return "no such setting";
     }
@@ -562,7 +561,7 @@ TEST(CommandReference, EveryCallInAnExampleIsOneOfTheTables) {
     }
 }
 
-// Says whether one of the calls does this with the setting, on whichever interface.
+// True if one of the calls does this with the setting, on any interface.
 bool Shows(const std::vector<Words>& calls, const std::string& type, const Words& names) {
     return std::any_of(calls.begin(), calls.end(), [&](const Words& call) {
         const Words parts = call.size() > 1 ? Split(call[1], ".") : Words{""};
@@ -594,8 +593,8 @@ TEST(CommandReference, EveryShellLineComesFromAFormatOfTheSources) {
     }
 }
 
-TEST(CommandReference, EveryShellLineOfTheCommandsIsTold) {
-    // What only programs that call the functions themselves run.
+TEST(CommandReference, EveryShellLineOfTheCommandsIsDocumented) {
+    // Only programs that call the functions themselves run these lines.
     const std::set<std::string> of_direct_callers{
         "sudo ifconfig %s %s", "sudo ifconfig %s netmask %s", "sudo route add default gw %s",
         "sudo route del default gw %s"};
@@ -610,7 +609,7 @@ TEST(CommandReference, EveryShellLineOfTheCommandsIsTold) {
     }
 }
 
-TEST(CommandReference, EverySectionTellsItsShellLinesOrThatThereAreNone) {
+TEST(CommandReference, EverySectionListsItsShellLinesOrNone) {
     for (const Section& section : Sections()) {
         const std::string part = section.Part("Shell lines");
         const bool has_lines = !FencedLines(part, "```sh").empty();

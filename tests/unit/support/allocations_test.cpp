@@ -1,4 +1,4 @@
-// The test kit's allocations: what is counted, what fails, and where a block ends.
+// Tests of the test kit's allocations: counting, failing, and the end of a block.
 #include "support/allocations.h"
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(AllocationCountTest, CountsWhatIsMadeAndWhatIsHeld) {
+TEST(AllocationCountTest, CountsAllocationsMadeAndHeld) {
     const testkit::AllocationCount count;
     char* first = plain_allocate();
     char* second = plain_allocate();
@@ -36,7 +36,7 @@ TEST(AllocationFaultTest, MayHitAllLaterAllocations) {
 }
 
 #if defined(__SANITIZE_ADDRESS__)
-TEST(AllocationBoundsTest, AreThoseThatWereAskedFor) {
+TEST(AllocationBoundsTest, AreThoseOfTheRequestedSize) {
     for (size_t size = 1; size <= 16; ++size) {
         char* const block = new char[size];
         EXPECT_FALSE(__asan_address_is_poisoned(block + size - 1)) << size;

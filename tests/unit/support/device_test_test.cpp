@@ -1,4 +1,4 @@
-// The unit ring must stand on a private device, and notice what a test leaves behind.
+// The unit ring must run on a private device, and notice the remains of a test.
 #include "support/device_test.h"
 
 #include <cstdlib>
@@ -9,6 +9,8 @@
 #include <gtest/gtest-spi.h>
 #include <unistd.h>
 
+#include "support/paths.h"
+
 namespace {
 
 using testkit::DeviceTest;
@@ -18,7 +20,7 @@ class PrivateDeviceTest : public DeviceTest {
     void Leave() { DeviceTest::TearDown(); }
 };
 
-// The line of /proc/self/mountinfo whose mount point is exactly this folder.
+// Reads the line of /proc/self/mountinfo with exactly this folder as its mount point.
 bool IsTmpfs(const std::string& folder) {
     std::ifstream mounts("/proc/self/mountinfo");
     for (std::string line; std::getline(mounts, line);) {
@@ -58,7 +60,7 @@ TEST_F(PrivateDeviceTest, TheNetworkIsPrivate) {
     EXPECT_EQ(names[0].substr(0, 2), "lo");
 }
 
-TEST_F(PrivateDeviceTest, TheClockIsOutOfReach) {
+TEST_F(PrivateDeviceTest, TheClockCannotBeSet) {
     constexpr int kSysTime = 25;
     std::ifstream status("/proc/self/status");
     int seen = 0;
@@ -79,13 +81,13 @@ TEST_F(PrivateDeviceTest, ALeakedDescriptorFailsTheTest) {
 
 TEST_F(PrivateDeviceTest, AnEarlierTestsFilesAreGone) {
     testkit::WriteFile("/var/tmp/left", "x");
-    testkit::WriteFile("/etc/resolv.dnsmasq.conf", "x");
+    testkit::WriteFile(testkit::kResolverFile, "x");
     const PrivateDeviceTest_AnEarlierTestsFilesAreGone_Test next;
     EXPECT_FALSE(testkit::Exists("/var/tmp/left"));
-    EXPECT_FALSE(testkit::Exists("/etc/resolv.dnsmasq.conf"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResolverFile));
 }
 
-TEST_F(PrivateDeviceTest, ALockLeftTakenFailsTheTest) {
+TEST_F(PrivateDeviceTest, AHeldLockFailsTheTest) {
     const int lock = VkLibLock();
     ASSERT_GT(lock, 0);
     EXPECT_NONFATAL_FAILURE({ EXPECT_NONFATAL_FAILURE(Leave(), "a descriptor was left open"); },

@@ -1,4 +1,4 @@
-// The recorder must see every call, whatever symbol the compiler turned it into.
+// The recorder must see every call, under any symbol that the compiler uses for it.
 #include "support/libc_recorder.h"
 
 #include <cerrno>
@@ -15,6 +15,7 @@
 
 #include "support/call_probe.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -80,7 +81,7 @@ constexpr Flavour kFlavours[] = {
 
 class LibcRecorderTest : public DeviceTest, public testing::WithParamInterface<Flavour> {
   protected:
-    // The one recorded call of a kind; fails the test when it was not intercepted.
+    // Returns the only recorded call of a kind; fails the test if there is none.
     Event Only(Call call) {
         const std::vector<Event> events = libc().Events(call);
         EXPECT_EQ(events.size(), 1U);
@@ -197,7 +198,7 @@ TEST_P(LibcRecorderTest, SeesLogLinesWithAnArgumentList) {
     EXPECT_EQ(event.spelling, GetParam().vsyslog_symbol);
 }
 
-TEST_P(LibcRecorderTest, FailsTheAllocationThatIsAskedFor) {
+TEST_P(LibcRecorderTest, FailsTheGivenAllocation) {
     const testkit::AllocationFault fault(2);
     char* first = GetParam().allocate();
     EXPECT_THROW(GetParam().allocate(), std::bad_alloc);
@@ -232,17 +233,17 @@ TEST_F(LibcScriptTest, AnswersAlwaysAfterTheScript) {
     EXPECT_EQ(errno, EBADF) << "after Reset the call reaches the kernel again";
 }
 
-TEST_F(LibcScriptTest, AScriptedCloseFailureClosesAllTheSame) {
+TEST_F(LibcScriptTest, AScriptedCloseFailureClosesNevertheless) {
     const int fd = plain_open("/dev/null", O_RDONLY);
     libc().Script(Call::kClose, {Fail(EIO)});
     EXPECT_EQ(plain_close(fd), -1);
     EXPECT_EQ(fcntl(fd, F_GETFD), -1);
 }
 
-TEST_F(LibcScriptTest, OpensAnotherFileInTheOnesPlace) {
+TEST_F(LibcScriptTest, OpensAnotherFileInstead) {
     testkit::WriteFile("/var/tmp/other", "1234");
-    libc().Redirect("/proc/net/route", "/var/tmp/other");
-    const int fd = large_open("/proc/net/route", O_RDONLY);
+    libc().Redirect(testkit::kRoutingTable, "/var/tmp/other");
+    const int fd = large_open(testkit::kRoutingTable, O_RDONLY);
     EXPECT_EQ(plain_read(fd, 16), 4);
     plain_close(fd);
 }
@@ -307,14 +308,14 @@ TEST_F(LibcScriptTest, AnObserverSeesEveryCallAndIsNotSeenItself) {
     EXPECT_EQ(libc().Events(Call::kFlock).size(), 1U);
 }
 
-TEST_F(LibcScriptTest, SelectNeedNotWait) {
+TEST_F(LibcScriptTest, SelectDoesNotWaitIfAsked) {
     libc().NeverWait();
     timeval minute{60, 0};
     EXPECT_EQ(plain_select(0, &minute), 0);
     EXPECT_EQ(minute.tv_sec, 60) << "nothing of the time is used up";
 }
 
-TEST_F(LibcScriptTest, TellsShellLinesSleepsAndLogLinesInTheirOrder) {
+TEST_F(LibcScriptTest, ListsShellLinesSleepsAndLogLinesInTheirOrder) {
     EXPECT_EQ(plain_system("true"), 0);
     EXPECT_EQ(plain_sleep(3), 0U);
     plain_syslog(LOG_NOTICE, "x");

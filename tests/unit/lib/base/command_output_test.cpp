@@ -37,7 +37,7 @@ class CommandOutputTest : public testkit::DeviceTest {
     }
     static std::vector<std::string> LinesOf(CommandOutput& output) {
         std::vector<std::string> lines;
-        for (std::string_view line; output.Next(line);) {
+        for (std::string_view line; output.ReadLine(line);) {
             lines.emplace_back(line);
         }
         return lines;
@@ -64,7 +64,7 @@ TEST_F(CommandOutputTest, AFailedCommandLeavesAnEmptyResult) {
     EXPECT_TRUE(testkit::Exists("/var/tmp/get_result")) << "it stays until Remove()";
 }
 
-TEST_F(CommandOutputTest, AShellThatCannotBeRunIsSaid) {
+TEST_F(CommandOutputTest, AShellThatCannotBeRunIsReported) {
     libc().Script(Call::kSystem, {Fail(EAGAIN)});
     testkit::WriteFile("/var/tmp/get_result", "old");
     const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
@@ -162,7 +162,7 @@ TEST_F(CommandOutputTest, TheFileIsClosedBeforeItIsRemoved) {
     EXPECT_EQ(while_removing, before - 1);
 }
 
-TEST_F(CommandOutputTest, ItIsNotTheSetLock) {
+TEST_F(CommandOutputTest, AReaderDoesNotWaitForTheSetLock) {
     const int lock = VkLibLock();
     CommandOutput output(CommandLine("echo here > %s", velk::kResultFile));
     EXPECT_THAT(LinesOf(output), ElementsAre("here"));
@@ -217,7 +217,7 @@ TEST_F(TwoReadersTest, NeverReadEachOthersOutput) {
     EXPECT_EQ(WrongAnswers(), 0);
 }
 
-TEST_F(TwoReadersTest, DoSoWithoutTheLock) {
+TEST_F(TwoReadersTest, ReadEachOthersOutputWithoutTheLock) {
     libc().ScriptAlways(Call::kFlock, Return(0));
     EXPECT_GT(WrongAnswers(), 0) << "the test above would not notice a missing lock";
 }

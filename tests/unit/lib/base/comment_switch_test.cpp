@@ -26,7 +26,7 @@ TEST(IsCommentedOut, AHashAtThePlaceItselfCounts) {
     EXPECT_TRUE(IsCommentedOut("a #x\n", 2));
 }
 
-TEST(IsCommentedOut, AHashBehindThePlaceDoesNotCount) {
+TEST(IsCommentedOut, AHashAfterThePlaceDoesNotCount) {
     EXPECT_FALSE(IsCommentedOut("x # y\n", 0));
     EXPECT_FALSE(IsCommentedOut("a x#\n", 2));
 }
@@ -65,13 +65,13 @@ TEST(SwitchLine, OnDeletesTheFirstHashOnly) {
     EXPECT_EQ(SwitchLine("a # b # cmd\n", 8, kOn), "a  b # cmd\n");
 }
 
-TEST(SwitchLine, ALineThatIsSwitchedSoAlreadyStaysAsItIs) {
+TEST(SwitchLine, ALineAlreadyInTheWantedStateStaysUnchanged) {
     EXPECT_EQ(SwitchLine("#cmd\n", 1, kOff), "#cmd\n");
     EXPECT_EQ(SwitchLine("  # cmd\n", 4, kOff), "  # cmd\n");
     EXPECT_EQ(SwitchLine("cmd\n", 0, kOn), "cmd\n");
 }
 
-TEST(SwitchLine, ACommentBehindThePlaceDoesNotSwitchItOff) {
+TEST(SwitchLine, ACommentAfterThePlaceDoesNotSwitchItOff) {
     EXPECT_EQ(SwitchLine("cmd # why\n", 0, kOn), "cmd # why\n");
     EXPECT_EQ(SwitchLine("cmd # why\n", 0, kOff), "#cmd # why\n");
 }

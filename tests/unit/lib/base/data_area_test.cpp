@@ -1,8 +1,11 @@
 #include "lib/base/data_area.h"
 
+#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "velk.h"
 
 namespace {
 
@@ -37,6 +40,13 @@ TEST(PutFieldText, CutsTheTextSoThatANulFits) {
     char field[4] = {'x', 'x', 'x', 'x'};
     PutFieldText(field, "abcdef");
     EXPECT_EQ(std::string(field, 4), std::string("abc\0", 4));
+}
+
+TEST(PutMac, Writes12UpperCaseDigitsAndANul) {
+    char out[16];
+    memset(out, 'x', sizeof(out));
+    velk::PutMac(out, {0x00, 0x1d, 0x73, 0xaa, 0x0b, 0xff});
+    EXPECT_EQ(std::string(out, 16), std::string("001D73AA0BFF\0xxx", 16));
 }
 
 }  // namespace

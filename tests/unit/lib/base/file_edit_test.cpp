@@ -33,10 +33,10 @@ using velk::FileEdit;
 constexpr char kTarget[] = "/etc/network/interfaces";
 constexpr char kCopy[] = "/var/tmp/interfaces";
 
-// Copies the file through an edit, line by line, and returns what Finish() does.
+// Copies the file through an edit, line by line, and returns the result of Finish().
 int CopyThrough(const char* target = kTarget) {
     FileEdit edit(target);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Keep(line);
     }
     return edit.Finish();
@@ -45,7 +45,7 @@ int CopyThrough(const char* target = kTarget) {
 // The same, with every line written as if it were new.
 int WriteThrough() {
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     return edit.Finish();
@@ -83,7 +83,7 @@ class FileEditTest : public testkit::DeviceTest {
   protected:
     void SetUp() override { WriteFile(kTarget, "one\ntwo\nthree\n"); }
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     testkit::FakeShell shell;
@@ -112,7 +112,7 @@ TEST_F(FileEditTest, TheCopyIsNamedAfterTheFileAlone) {
     EXPECT_TRUE(Exists("/var/tmp/root"));
 }
 
-TEST_F(FileEditTest, BothOpenMeansOpen) {
+TEST_F(FileEditTest, TheEditIsOpenIfBothFilesAre) {
     const FileEdit edit(kTarget);
     EXPECT_TRUE(edit.is_open());
     EXPECT_EQ(edit.target_error(), 0);
@@ -125,7 +125,7 @@ TEST_F(FileEditTest, AnOldCopyIsEmptied) {
     EXPECT_EQ(ReadFile(kCopy), "");
 }
 
-TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyMadeAllTheSame) {
+TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyIsStillMade) {
     unlink(kTarget);
     const FileEdit edit(kTarget);
     EXPECT_FALSE(edit.is_open());
@@ -202,7 +202,7 @@ TEST_F(FileEditTest, APipeInTheCopysPlaceIsReplaced) {
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
 
-TEST_F(FileEditTest, TheCopyIsForNobodyElse) {
+TEST_F(FileEditTest, OnlyTheOwnerMayReadOrWriteTheCopy) {
     const mode_t saved = umask(0);
     struct stat status {};
     {
@@ -213,7 +213,7 @@ TEST_F(FileEditTest, TheCopyIsForNobodyElse) {
     EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
-TEST_F(FileEditTest, ACopyThatSomebodyMakesAnewIsNotTaken) {
+TEST_F(FileEditTest, ACopyThatAppearsAfterTheRemovalIsNotOpened) {
     WriteFile(kCopy, "");
     int opened = 0;
     libc().OnCall(Call::kUnlink, [&](const testkit::Event&) { ++opened; });
@@ -240,7 +240,7 @@ TEST_F(FileEditTest, ALinkInTheFilesPlaceIsFollowed) {
     ASSERT_EQ(symlink("real", kTarget), 0);
     FileEdit edit(kTarget);
     std::string_view line;
-    EXPECT_TRUE(edit.Next(line));
+    EXPECT_TRUE(edit.ReadLine(line));
     EXPECT_EQ(line, "one\n");
 }
 
@@ -250,13 +250,13 @@ TEST_F(FileEditTest, EveryLineIsHandedOutWithItsNewline) {
     WriteFile(kTarget, "one\n\n\ttwo\r\nlast");
     FileEdit edit(kTarget);
     std::vector<std::string> lines;
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         lines.emplace_back(line);
     }
     EXPECT_THAT(lines, ElementsAre("one\n", "\n", "\ttwo\r\n", "last\n"));
 }
 
-TEST_F(FileEditTest, TextsAreWrittenAsTheyStand) {
+TEST_F(FileEditTest, TextsAreWrittenUnchanged) {
     FileEdit edit(kTarget);
     edit.Write("a");
     edit.Write("");
@@ -266,7 +266,7 @@ TEST_F(FileEditTest, TextsAreWrittenAsTheyStand) {
     EXPECT_EQ(ReadFile(kTarget), std::string("ab\0c\n\n", 6));
 }
 
-TEST_F(FileEditTest, NothingWrittenEmptiesTheFile) {
+TEST_F(FileEditTest, AnEditThatWritesNothingEmptiesTheFile) {
     FileEdit edit(kTarget);
     EXPECT_EQ(edit.Finish(), 0);
     EXPECT_EQ(ReadFile(kTarget), "");
@@ -278,7 +278,7 @@ TEST_F(FileEditTest, AnEmptyFileStaysEmpty) {
     EXPECT_EQ(ReadFile(kTarget), "");
 }
 
-TEST_F(FileEditTest, AnEditThatIsGivenUpLeavesTheFileAndItsCopyBehind) {
+TEST_F(FileEditTest, AnEditThatIsNotFinishedLeavesTheFileUnchangedAndKeepsTheCopy) {
     {
         FileEdit edit(kTarget);
         edit.Write("changed\n");
@@ -292,7 +292,7 @@ TEST_F(FileEditTest, AnEditThatIsGivenUpLeavesTheFileAndItsCopyBehind) {
 TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
     FileEdit edit(kTarget);
     std::string_view line;
-    ASSERT_TRUE(edit.Next(line));
+    ASSERT_TRUE(edit.ReadLine(line));
     edit.Keep(line);
     EXPECT_EQ(edit.Finish(), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\n");
@@ -300,7 +300,7 @@ TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
 
 TEST_F(FileEditTest, TheFileIsUntouchedUntilTheEnd) {
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write("changed " + std::string(line));
         EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
     }
@@ -317,13 +317,13 @@ TEST_F(FileEditTest, AFileOfManyBlocksGoesThroughWhole) {
     EXPECT_TRUE(ReadFile(kTarget) == text);
 }
 
-TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
+TEST_F(FileEditTest, KeptAndNewLinesAreWrittenInOrder) {
     for (const size_t distance : {1U, 2U, 3U, 100U, 5000U}) {
         WriteFile(kTarget, ManyLines());
         std::string expected;
         FileEdit edit(kTarget);
         size_t count = 0;
-        for (std::string_view line; edit.Next(line);) {
+        for (std::string_view line; edit.ReadLine(line);) {
             if (++count % distance == 0) {
                 edit.Write("new line\n");
                 expected += "new line\n";
@@ -341,7 +341,7 @@ TEST_F(FileEditTest, KeptAndNewLinesStandInTheirOrder) {
 TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
     FileEdit edit(kTarget);
     std::string_view line;
-    while (edit.Next(line)) {
+    while (edit.ReadLine(line)) {
         edit.Keep(line.substr(0, 2));
         edit.Write("!");
     }
@@ -352,7 +352,7 @@ TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
 TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
     FileEdit edit(kTarget);
     std::string_view line;
-    while (edit.Next(line)) {
+    while (edit.ReadLine(line)) {
         edit.Keep(line);
         edit.Write("new line\n");
     }
@@ -368,24 +368,24 @@ TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
     WriteFile(kTarget, text);
     FileEdit edit(kTarget);
     const size_t writes = libc().Events(Call::kWrite).size();
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Keep(line);
     }
     EXPECT_LE(libc().Events(Call::kWrite).size() - writes, text.size() / 65536 + 2);
 }
 
-TEST_F(FileEditTest, LinesInFrontOfOneWithAStartAreKept) {
+TEST_F(FileEditTest, LinesBeforeALineWithTheGivenStartAreKept) {
     WriteFile(kTarget, "one\n two\ntwo\ntwofold\nthree\nlast");
     FileEdit edit(kTarget);
     std::string_view line;
-    while (edit.NextWith("two", line)) {
+    while (edit.KeepLinesBefore("two", line)) {
         edit.Write("found " + std::string(line));
     }
     EXPECT_EQ(edit.Finish(), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\n two\nfound two\nfound twofold\nthree\nlast\n");
 }
 
-TEST_F(FileEditTest, LinesWithAStartAreFoundInEveryBlock) {
+TEST_F(FileEditTest, LinesWithTheGivenStartAreFoundInEveryBlock) {
     for (const size_t length : {10U, 4091U, 4096U, 65000U, 70000U}) {
         const std::string filler = std::string(length, 'x') + " start\n";
         std::string text;
@@ -396,7 +396,7 @@ TEST_F(FileEditTest, LinesWithAStartAreFoundInEveryBlock) {
         }
         WriteFile(kTarget, text);
         FileEdit edit(kTarget);
-        for (std::string_view line; edit.NextWith("start ", line);) {
+        for (std::string_view line; edit.KeepLinesBefore("start ", line);) {
             edit.Write("found ");
             edit.Keep(line);
         }
@@ -417,7 +417,7 @@ TEST_F(FileEditTest, ALineLongerThanABlockGoesThroughWhole) {
     }
 }
 
-TEST_F(FileEditTest, AWriteThatTakesOnlyAPartIsGoneOnWith) {
+TEST_F(FileEditTest, AShortWriteIsContinued) {
     bool is_first = true;
     libc().OnCall(Call::kWrite, [&](const testkit::Event& event) {
         if (is_first) {
@@ -466,7 +466,7 @@ TEST_F(FileEditTest, TheCopyIsPutInPlaceByTheseLines) {
 TEST_F(FileEditTest, BothFilesAreClosedBeforeTheCopying) {
     const size_t before = testkit::OpenDescriptors().size();
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     EXPECT_EQ(testkit::OpenDescriptors().size(), before + 2);
@@ -487,7 +487,7 @@ TEST_F(FileEditTest, AFailingCopyingIsNotNoticed) {
 }
 
 // The tools leave the file empty, and the copy where it is.
-TEST_F(FileEditTest, AFileThatTheToolsCutIsMendedAndItsCopyRemoved) {
+TEST_F(FileEditTest, AFileThatTheToolsCutIsRepairedAndItsCopyRemoved) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     WriteFile(kTarget, "iface eth0 inet static\n\taddress 10.0.0.5\n");
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
@@ -501,7 +501,7 @@ TEST_F(FileEditTest, AFileThatTheToolsCutIsMendedAndItsCopyRemoved) {
     EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mended /etc/network/interfaces"));
 }
 
-TEST_F(FileEditTest, AnEditWithoutTheLockIsMendedAsWell) {
+TEST_F(FileEditTest, AnEditWithoutTheLockIsRepairedToo) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
@@ -512,7 +512,7 @@ TEST_F(FileEditTest, AnEditWithoutTheLockIsMendedAsWell) {
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
 
-TEST_F(FileEditTest, ACutFileThatCannotBeMendedIsToldAndItsCopyStays) {
+TEST_F(FileEditTest, ACutFileThatCannotBeRepairedIsLoggedAndItsCopyStays) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [this](const testkit::Event&) {
         WriteFile(kTarget, "");
@@ -616,7 +616,7 @@ TEST_F(FileEditTest, NothingMoreIsWrittenAfterAFailure) {
 
 TEST_F(FileEditTest, ACloseOfTheReadFileThatFailsIsNotNoticed) {
     FileEdit edit(kTarget);
-    for (std::string_view line; edit.Next(line);) {
+    for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     libc().Script(Call::kClose, {Fail(EIO)});  // the read file is closed first
@@ -655,7 +655,7 @@ TEST_F(FullFolderTest, AFileThatFitsIsEdited) {
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\n");
 }
 
-TEST_F(FullFolderTest, NoSetChangesAFileWhoseCopyDoesNotFit) {
+TEST_F(FullFolderTest, NoSetChangesAFileIfItsCopyDoesNotFit) {
     const std::string text(16 * 1024, '#');
     for (const char* file :
          {"/etc/network/interfaces", "/etc/dhclient-exit-hooks", "/etc/dhclient.conf"}) {

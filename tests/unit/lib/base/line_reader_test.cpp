@@ -27,7 +27,7 @@ class LineReaderTest : public testkit::DeviceTest {
     static std::vector<std::string> Lines() {
         LineReader reader(kFile);
         std::vector<std::string> lines;
-        for (std::string_view line; reader.Next(line);) {
+        for (std::string_view line; reader.ReadLine(line);) {
             lines.emplace_back(line);
         }
         return lines;
@@ -68,7 +68,7 @@ TEST_F(LineReaderTest, SaysWhyAFileCannotBeOpened) {
 TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoLines) {
     LineReader reader("/var/tmp/missing");
     std::string_view line;
-    EXPECT_FALSE(reader.Next(line));
+    EXPECT_FALSE(reader.ReadLine(line));
     EXPECT_EQ(line, "");
     EXPECT_THAT(libc().Events(testkit::Call::kRead), testing::IsEmpty());
 }
@@ -81,7 +81,7 @@ TEST_F(LineReaderTest, AFolderCountsAsNotOpened) {
 
 TEST_F(LineReaderTest, AnEmptyFileIsOpen) {
     testkit::WriteFile(kFile, "");
-    errno = EIO;  // of some earlier call
+    errno = EIO;  // left by an earlier call
     EXPECT_TRUE(LineReader(kFile).is_open());
 }
 
@@ -116,7 +116,7 @@ TEST_F(LineReaderTest, ASignalWhileReadingMakesNoDifference) {
     EXPECT_THAT(Lines(), ElementsAre("one", "two", "three"));
 }
 
-TEST_F(LineReaderTest, AReadErrorBehindTheFirstBlockEndsTheFile) {
+TEST_F(LineReaderTest, AReadErrorAfterTheFirstBlockEndsTheFile) {
     testkit::WriteFile(kFile, "one\ntwo\nthr");
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
     EXPECT_THAT(Lines(), ElementsAre("one", "two", "thr"));
@@ -126,8 +126,8 @@ TEST_F(LineReaderTest, ReadsNoFurtherThanNeeded) {
     testkit::WriteFile(kFile, "one\ntwo\n");
     LineReader reader(kFile);
     std::string_view line;
-    EXPECT_TRUE(reader.Next(line));
-    EXPECT_TRUE(reader.Next(line));
+    EXPECT_TRUE(reader.ReadLine(line));
+    EXPECT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(libc().Events(Call::kRead).size(), 1U);
 }
 
@@ -138,45 +138,45 @@ TEST_F(LineReaderTest, ALongFileIsReadInBlocksOfOneSize) {
     }
     testkit::WriteFile(kFile, text);
     LineReader reader(kFile);
-    for (std::string_view line; reader.Next(line);) {
+    for (std::string_view line; reader.ReadLine(line);) {
     }
     EXPECT_GE(libc().Events(Call::kRead).size(), text.size() / 65536);
 }
 
-TEST_F(LineReaderTest, HandsOutHeldLinesOnlyWhileThereAreAny) {
+TEST_F(LineReaderTest, TakesBufferedLinesOnlyWhileACompleteOneIsLeft) {
     const std::string first(4090, 'x');
     testkit::WriteFile(kFile, first + "\nthe block ends within this line\n");
     LineReader reader(kFile);
     std::string_view held;
-    EXPECT_TRUE(reader.NextHeld(held));
+    EXPECT_TRUE(reader.TakeBufferedLine(held));
     EXPECT_EQ(held, first + "\n");
     std::string_view line;
-    EXPECT_FALSE(reader.NextHeld(line));
+    EXPECT_FALSE(reader.TakeBufferedLine(line));
     EXPECT_EQ(held, first + "\n") << "what was handed out stays valid";
-    EXPECT_TRUE(reader.NextWithNewline(line));
+    EXPECT_TRUE(reader.ReadFullLine(line));
     EXPECT_EQ(line, "the block ends within this line\n");
-    EXPECT_FALSE(reader.NextHeld(line));
+    EXPECT_FALSE(reader.TakeBufferedLine(line));
 }
 
-TEST_F(LineReaderTest, HeldLinesAreTakenUpToOneWithAStart) {
+TEST_F(LineReaderTest, BufferedLinesAreTakenUpToALineWithTheGivenStart) {
     testkit::WriteFile(kFile, "one\n two\ntwofold\ntwo\nlast");
     LineReader reader(kFile);
     std::string_view line;
-    EXPECT_EQ(reader.TakeHeldUpTo("two"), "one\n two\n");
-    EXPECT_EQ(reader.TakeHeldUpTo("two"), "") << "the next line is such a line";
-    EXPECT_TRUE(reader.Next(line));
+    EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "one\n two\n");
+    EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "") << "the next line is such a line";
+    EXPECT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(line, "twofold");
-    EXPECT_EQ(reader.TakeHeldUpTo("twofold"), "two\n") << "whole lines only";
-    EXPECT_EQ(reader.TakeHeldUpTo("twofold"), "");
-    EXPECT_TRUE(reader.Next(line));
+    EXPECT_EQ(reader.TakeBufferedLinesBefore("twofold"), "two\n") << "whole lines only";
+    EXPECT_EQ(reader.TakeBufferedLinesBefore("twofold"), "");
+    EXPECT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(line, "last");
-    EXPECT_EQ(reader.TakeHeldUpTo("two"), "");
+    EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "");
 }
 
-TEST_F(LineReaderTest, AFileThatIsNotOpenHoldsNothingToTake) {
+TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoBufferedLines) {
     unlink(kFile);
     LineReader reader(kFile);
-    EXPECT_EQ(reader.TakeHeldUpTo("two"), "");
+    EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "");
 }
 
 TEST_F(LineReaderTest, OpensCloseOnExec) {
@@ -190,7 +190,7 @@ std::vector<std::string> LinesWithNewline(std::string_view text) {
     testkit::WriteFile(kFile, text);
     LineReader reader(kFile);
     std::vector<std::string> lines;
-    for (std::string_view line; reader.NextWithNewline(line);) {
+    for (std::string_view line; reader.ReadFullLine(line);) {
         lines.emplace_back(line);
     }
     return lines;
@@ -237,35 +237,35 @@ TEST_F(LineReaderTest, LinesWithAndWithoutTheNewlineMayBeMixed) {
     testkit::WriteFile(kFile, "one\ntwo\n\nfour\nfive");
     LineReader reader(kFile);
     std::string_view line;
-    ASSERT_TRUE(reader.Next(line));
+    ASSERT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(line, "one");
-    ASSERT_TRUE(reader.NextWithNewline(line));
+    ASSERT_TRUE(reader.ReadFullLine(line));
     EXPECT_EQ(line, "two\n");
-    ASSERT_TRUE(reader.Next(line));
+    ASSERT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(line, "");
-    ASSERT_TRUE(reader.NextWithNewline(line));
+    ASSERT_TRUE(reader.ReadFullLine(line));
     EXPECT_EQ(line, "four\n");
-    ASSERT_TRUE(reader.Next(line));
+    ASSERT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(line, "five");
-    EXPECT_FALSE(reader.NextWithNewline(line));
-    EXPECT_FALSE(reader.Next(line));
+    EXPECT_FALSE(reader.ReadFullLine(line));
+    EXPECT_FALSE(reader.ReadLine(line));
 }
 
 TEST_F(LineReaderTest, TheEndOfTheFileStaysTheEnd) {
     testkit::WriteFile(kFile, "one");
     LineReader reader(kFile);
     std::string_view line;
-    ASSERT_TRUE(reader.NextWithNewline(line));
-    EXPECT_FALSE(reader.NextWithNewline(line));
+    ASSERT_TRUE(reader.ReadFullLine(line));
+    EXPECT_FALSE(reader.ReadFullLine(line));
     const size_t reads = libc().Events(Call::kRead).size();
-    EXPECT_FALSE(reader.NextWithNewline(line));
+    EXPECT_FALSE(reader.ReadFullLine(line));
     EXPECT_EQ(libc().Events(Call::kRead).size(), reads) << "it is not asked for again";
 }
 
 TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoLinesWithANewlineEither) {
     LineReader reader("/var/tmp/missing");
     std::string_view line;
-    EXPECT_FALSE(reader.NextWithNewline(line));
+    EXPECT_FALSE(reader.ReadFullLine(line));
 }
 
 TEST_F(LineReaderTest, AReadErrorInTheMiddleOfALineEndsIt) {
@@ -273,11 +273,11 @@ TEST_F(LineReaderTest, AReadErrorInTheMiddleOfALineEndsIt) {
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
     LineReader reader(kFile);
     std::string_view line;
-    ASSERT_TRUE(reader.NextWithNewline(line));
-    ASSERT_TRUE(reader.NextWithNewline(line));
-    ASSERT_TRUE(reader.NextWithNewline(line));
+    ASSERT_TRUE(reader.ReadFullLine(line));
+    ASSERT_TRUE(reader.ReadFullLine(line));
+    ASSERT_TRUE(reader.ReadFullLine(line));
     EXPECT_EQ(line, "thr\n");
-    EXPECT_FALSE(reader.NextWithNewline(line));
+    EXPECT_FALSE(reader.ReadFullLine(line));
 }
 
 TEST_F(LineReaderTest, CloseGivesTheDescriptorBackEarly) {
@@ -285,7 +285,7 @@ TEST_F(LineReaderTest, CloseGivesTheDescriptorBackEarly) {
     const std::vector<int> before = testkit::OpenDescriptors();
     LineReader reader(kFile);
     std::string_view line;
-    ASSERT_TRUE(reader.Next(line));
+    ASSERT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(testkit::OpenDescriptors().size(), before.size() + 1);
     reader.Close();
     EXPECT_EQ(testkit::OpenDescriptors(), before);

@@ -107,7 +107,7 @@ TEST_F(ReadersTurnTest, WaitsForAnotherReader) {
     EXPECT_FALSE(IsFree());
 }
 
-TEST_F(ReadersTurnTest, GoesOnWhenNothingHasMovedFor3Seconds) {
+TEST_F(ReadersTurnTest, GoesOnAfter3SecondsWithoutAChange) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     const ReadersTurn turn;
@@ -123,7 +123,7 @@ TEST_F(ReadersTurnTest, SignalsDoNotShortenTheWait) {
     EXPECT_EQ(Pauses(), 1502U);
 }
 
-TEST_F(ReadersTurnTest, WaitsOnWhileResultsComeAndGo) {
+TEST_F(ReadersTurnTest, KeepsWaitingWhileResultsChange) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
@@ -157,7 +157,7 @@ TEST_F(ReadersTurnTest, AResultOfTheSameSizeCounts) {
 }
 
 // Somebody who keeps the lock could make and remove files for ever.
-TEST_F(ReadersTurnTest, WhatIsNoFileOfTheCallersDoesNotCount) {
+TEST_F(ReadersTurnTest, AResultThatIsNotTheCallersFileDoesNotCount) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
@@ -198,27 +198,27 @@ TEST_F(ReadersTurnTest, AReaderWhoWaitsAlreadyComesFirst) {
     EXPECT_FALSE(IsFree());
 }
 
-TEST_F(ReadersTurnTest, WithoutPatienceItGoesOnAtOnce) {
+TEST_F(ReadersTurnTest, WithoutWaitingItGoesOnAtOnce) {
     const Holder holder;
-    const ReadersTurn turn(ReadersTurn::Patience::kNone);
+    const ReadersTurn turn(ReadersTurn::WaitMode::kNoWait);
     EXPECT_EQ(Pauses(), 0U);
 }
 
-TEST_F(ReadersTurnTest, PatienceIsLostWhereNothingMoves) {
+TEST_F(ReadersTurnTest, AfterAWaitWithoutProgressTheNextReadersDoNotWait) {
     libc().ScriptAlways(Call::kNanosleep, Return(0));
-    EXPECT_EQ(ReadersTurn().patience_left(), ReadersTurn::Patience::kThreeSeconds);
+    EXPECT_EQ(ReadersTurn().next_wait_mode(), ReadersTurn::WaitMode::kInQueue);
     const Holder holder;
-    EXPECT_EQ(ReadersTurn().patience_left(), ReadersTurn::Patience::kNone);
+    EXPECT_EQ(ReadersTurn().next_wait_mode(), ReadersTurn::WaitMode::kNoWait);
 }
 
-TEST_F(ReadersTurnTest, AFolderThatCannotBeOpenedIsDoneWithout) {
+TEST_F(ReadersTurnTest, GoesOnWithoutATurnIfTheFolderCannotBeOpened) {
     libc().Script(Call::kOpen, {Fail(EACCES)});
     { const ReadersTurn turn; }
     EXPECT_TRUE(libc().Events(Call::kFlock).empty());
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(ReadersTurnTest, AFolderThatCannotBeLockedIsDoneWithout) {
+TEST_F(ReadersTurnTest, GoesOnWithoutATurnIfTheFolderCannotBeLocked) {
     libc().ScriptAlways(Call::kFlock, Fail(ENOLCK));
     { const ReadersTurn turn; }
     EXPECT_EQ(Pauses(), 0U);
@@ -231,7 +231,7 @@ class QueueTest : public testkit::DeviceTest {
     static constexpr int kReaders = 32;
     static constexpr int kTurns = 20;
 
-    // Beside a reader that waits, those that had come before are served, and those that came in the
+    // Beside a reader that waits, those that came before are served, and those that came in the
     // same millisecond. A reader that does not queue lets many pass, or passes many.
     static constexpr int kMostPassed = 5 * kReaders;
 

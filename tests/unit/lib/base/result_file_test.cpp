@@ -40,7 +40,7 @@ TEST_F(ResultFilePreparationTest, AMissingFileIsMadeForTheCallerAlone) {
     EXPECT_EQ(opens[0].number, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC);
 }
 
-TEST_F(ResultFilePreparationTest, OnesOwnFileStaysAsItIs) {
+TEST_F(ResultFilePreparationTest, TheCallersOwnFileStaysUnchanged) {
     WriteFile(kResultFile, "old\n");
     EXPECT_TRUE(PrepareResultFile());
     EXPECT_EQ(ReadFile(kResultFile), "old\n");
@@ -87,7 +87,7 @@ TEST_F(ResultFilePreparationTest, AFileOfAnotherUserIsReplaced) {
     EXPECT_EQ(testkit::IdentityOf(kResultFile).owner, geteuid());
 }
 
-// The shell runs as the real user, so that what it leaves is his.
+// The shell runs as the real user, so the file that it leaves is his.
 TEST_F(ResultFilePreparationTest, AHostWithTwoUsersMakesNoFileAndTakesThatOfEither) {
     if (setresuid(1234, 0, 0) == -1) {
         GTEST_SKIP() << "the private device has no other users";
@@ -101,7 +101,7 @@ TEST_F(ResultFilePreparationTest, AHostWithTwoUsersMakesNoFileAndTakesThatOfEith
     EXPECT_EQ(setresuid(0, 0, 0), 0);
 }
 
-TEST_F(ResultFilePreparationTest, WhatVanishesMeanwhileIsNoFailure) {
+TEST_F(ResultFilePreparationTest, AnEntryThatVanishesDuringTheRemovalIsNoFailure) {
     ASSERT_EQ(mkfifo(kResultFile, 0666), 0);
     libc().Script(Call::kUnlink, {Fail(ENOENT)});
     EXPECT_TRUE(PrepareResultFile());
@@ -116,21 +116,21 @@ TEST_F(ResultFilePreparationTest, AFileWithASecondNameIsReplaced) {
     EXPECT_NE(testkit::IdentityOf(kResultFile).inode, testkit::IdentityOf(kVictim).inode);
 }
 
-TEST_F(ResultFilePreparationTest, WhatCannotBeRemovedIsToldAfterOneTry) {
+TEST_F(ResultFilePreparationTest, AnEntryThatCannotBeRemovedFailsAfterOneTry) {
     ASSERT_EQ(mkfifo(kResultFile, 0666), 0);
     libc().ScriptAlways(Call::kUnlink, Fail(EPERM));
     EXPECT_FALSE(PrepareResultFile());
     EXPECT_EQ(libc().Events(Call::kUnlink).size(), 1U);
 }
 
-TEST_F(ResultFilePreparationTest, WhatComesBackAllTheTimeIsGivenUp) {
+TEST_F(ResultFilePreparationTest, AnEntryThatComesBackEachTimeFailsAfter16Tries) {
     ASSERT_EQ(mkfifo(kResultFile, 0666), 0);
     libc().ScriptAlways(Call::kUnlink, testkit::Return(0));
     EXPECT_FALSE(PrepareResultFile());
     EXPECT_EQ(libc().Events(Call::kUnlink).size(), 16U);
 }
 
-TEST_F(ResultFilePreparationTest, WhereNoFileCanBeMadeTheShellMayTry) {
+TEST_F(ResultFilePreparationTest, AFileThatCannotBeMadeIsLeftToTheShell) {
     libc().Script(Call::kOpen, {Fail(EROFS)});
     EXPECT_TRUE(PrepareResultFile());
     EXPECT_FALSE(Exists(kResultFile));

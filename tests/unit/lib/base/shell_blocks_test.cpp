@@ -29,7 +29,7 @@ TEST(ShellBlocks, AnIfThenElseFiRunsByItsBranches) {
     EXPECT_EQ(Trace("eth1", {"a", kIfThen, "b", "else", "c", "fi", "d"}), "+--++++");
 }
 
-TEST(ShellBlocks, ThenMayStandOnALineOfItsOwn) {
+TEST(ShellBlocks, ThenMayBeOnALineOfItsOwn) {
     EXPECT_EQ(Trace("eth0", {kIf, "then", "b", "else", "c", "fi", "d"}), "+++--++");
     EXPECT_EQ(Trace("eth1", {kIf, "then", "b", "else", "c", "fi", "d"}), "+--++++");
 }
@@ -54,7 +54,7 @@ TEST(ShellBlocks, AnIfWithoutTheVariableBeginsNoBlock) {
     EXPECT_EQ(Trace("eth1", {"if [ eth0 = eth0 ]; then", "a", "fi"}), "+++");
 }
 
-TEST(ShellBlocks, TheVariableMustStandBehindTheIf) {
+TEST(ShellBlocks, TheVariableMustFollowTheIf) {
     EXPECT_EQ(Trace("eth1", {"x=\"$interface\" if [ eth0 ]; then", "a", "fi"}), "+++");
     EXPECT_EQ(Trace("eth1", {"echo $interface; if [ $interface = eth0 ]; then", "a", "fi"}), "--+");
 }
@@ -71,13 +71,13 @@ TEST(ShellBlocks, AnIndentedIfBeginsABlock) {
     EXPECT_EQ(Trace("eth1", {"\t if [ \"$interface\" = eth0 ]; then", "a", "\tfi", "b"}), "--++");
 }
 
-TEST(ShellBlocks, AnIfThenFiOnOneLineIsNoMoreThanThatLine) {
+TEST(ShellBlocks, AnIfThenFiOnOneLineBeginsNoBlock) {
     EXPECT_EQ(Trace("eth0", {"if [ \"$interface\" = eth0 ]; then a; fi", "b"}), "++");
     EXPECT_EQ(Trace("eth1", {"if [ \"$interface\" = eth0 ]; then a; fi", "b"}), "++");
     EXPECT_EQ(Trace("eth1", {"if [ \"$interface\" = eth0 ]; then a; else b; fi", "c"}), "++");
 }
 
-TEST(ShellBlocks, AnIfWithItsFiButWithoutThenIsNoMoreThanThatLine) {
+TEST(ShellBlocks, AnIfWithItsFiButWithoutThenBeginsNoBlock) {
     EXPECT_EQ(Trace("eth1", {"if [ \"$interface\" = eth0 ] ; fi", "then", "a"}), "+++");
 }
 
@@ -112,7 +112,7 @@ TEST(ShellBlocks, AnIfBeforeThenMeansNothing) {
 
 // ---- between "then" and "else"
 
-TEST(ShellBlocks, AFiBehindThenEndsTheBlock) {
+TEST(ShellBlocks, AFiAfterThenEndsTheBlock) {
     EXPECT_EQ(Trace("eth0", {kIfThen, "a", "fi", "b"}), "++++");
     EXPECT_EQ(Trace("eth1", {kIfThen, "a", "fi", "b"}), "--++");
 }
@@ -155,7 +155,7 @@ TEST(ShellBlocks, AnElifIsALineLikeAnyOther) {
               "----+++");
 }
 
-// ---- behind "else"
+// ---- after "else"
 
 TEST(ShellBlocks, OnlyAFiEndsAnElseBranch) {
     EXPECT_EQ(Trace("eth0", {kIfThen, "else", "a", "then", "b", "else", "c", "fi", "d"}),
@@ -218,7 +218,7 @@ TEST(ShellBlocks, KeywordsMayBeFollowedByASemicolon) {
     EXPECT_EQ(Trace("eth1", {kIfThen, "a", "else;", "b"}), "--++");
 }
 
-TEST(ShellBlocks, ACarriageReturnBehindAKeywordHidesIt) {
+TEST(ShellBlocks, ACarriageReturnAfterAKeywordHidesIt) {
     EXPECT_EQ(Trace("eth1", {"if [ \"$interface\" = eth0 ]; then\r", "a\r", "fi\r", "b\r"}),
               "++++");
     EXPECT_EQ(Trace("eth1", {kIfThen, "a", "fi\r", "b"}), "----");
@@ -233,7 +233,7 @@ TEST(ShellBlocks, TheComparisonIsNotLookedAt) {
               "--+++");
 }
 
-TEST(ShellBlocks, TheInterfaceMayBeNamedAnywhereBehindTheIf) {
+TEST(ShellBlocks, TheInterfaceMayBeNamedAnywhereAfterTheIf) {
     EXPECT_EQ(Trace("eth0", {"if [ eth0 = \"$interface\" ]; then", "a", "fi"}), "+++");
     EXPECT_EQ(Trace("eth0", {"if [ \"$interface\" = x ]; then echo eth0", "a", "fi"}), "+++");
     EXPECT_EQ(Trace("eth0", {"if [ x\"$interface\" = xeth0 ]; then", "a", "fi"}), "+++");
@@ -259,7 +259,7 @@ TEST(ShellBlocks, TheEmptyInterfaceMatchesEveryCondition) {
     EXPECT_EQ(Trace("", {kIfThen, "a", "else", "b", "fi"}), "++--+");
 }
 
-TEST(ShellBlocks, TheConditionBeginsBehindTheWordIf) {
+TEST(ShellBlocks, TheConditionBeginsAfterTheWordIf) {
     EXPECT_EQ(Trace("if", {"if [ \"$interface\" = eth0 ]; then", "a", "else", "b", "fi"}), "--+++");
 }
 

@@ -30,7 +30,8 @@ std::string LongText(char letter) {
 
 class TargetGuardTest : public testkit::DeviceTest {
   protected:
-    // What becomes of the file when it has this text after the copying. Its time changes.
+    // Returns the file's text after the guard, if it has this text after the copying. Its time
+    // changes.
     std::string MendedFrom(const std::string& old_text, const std::string& new_text,
                            const std::string& text_after_copying) {
         WriteFile(kTarget, old_text);
@@ -39,17 +40,17 @@ class TargetGuardTest : public testkit::DeviceTest {
         TargetGuard guard(kTarget, copy.get());
         usleep(10000);  // file times have a resolution of some milliseconds
         WriteFile(kTarget, text_after_copying);
-        EXPECT_EQ(guard.Mend(), 0);
-        has_mended_ = guard.has_mended();
+        EXPECT_EQ(guard.Repair(), 0);
+        has_repaired_ = guard.has_repaired();
         return ReadFile(kTarget);
     }
 
-    bool has_mended_ = false;
+    bool has_repaired_ = false;
 };
 
 TEST_F(TargetGuardTest, AnEmptyFileGetsTheNewText) {
     EXPECT_EQ(MendedFrom("old\n", "new text\n", ""), "new text\n");
-    EXPECT_TRUE(has_mended_);
+    EXPECT_TRUE(has_repaired_);
 }
 
 TEST_F(TargetGuardTest, APieceOfTheNewTextIsMadeWhole) {
@@ -65,9 +66,9 @@ TEST_F(TargetGuardTest, APieceAsLongAsTheOldTextIsMadeWhole) {
 
 TEST_F(TargetGuardTest, TheNewTextStays) {
     EXPECT_EQ(MendedFrom("old\n", "new text\n", "new text\n"), "new text\n");
-    EXPECT_FALSE(has_mended_);
+    EXPECT_FALSE(has_repaired_);
     EXPECT_EQ(MendedFrom("an old text that is longer\n", "new\n", "new\n"), "new\n");
-    EXPECT_FALSE(has_mended_);
+    EXPECT_FALSE(has_repaired_);
 }
 
 TEST_F(TargetGuardTest, AnotherTextStays) {
@@ -76,7 +77,7 @@ TEST_F(TargetGuardTest, AnotherTextStays) {
               "longer than the new text\n");
     const std::string other = LongText('n').substr(0, 5000) + "x";
     EXPECT_TRUE(MendedFrom("old\n", LongText('n'), other) == other);
-    EXPECT_FALSE(has_mended_);
+    EXPECT_FALSE(has_repaired_);
 }
 
 TEST_F(TargetGuardTest, AFileThatNobodyHasTouchedStays) {
@@ -84,9 +85,9 @@ TEST_F(TargetGuardTest, AFileThatNobodyHasTouchedStays) {
     WriteFile(kCopy, "one\ntwo\n");
     const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
-    EXPECT_EQ(guard.Mend(), 0);
+    EXPECT_EQ(guard.Repair(), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\n") << "though it is a piece of the new text";
-    EXPECT_FALSE(guard.has_mended());
+    EXPECT_FALSE(guard.has_repaired());
 }
 
 TEST_F(TargetGuardTest, AFileThatIsGoneStaysSo) {
@@ -95,7 +96,7 @@ TEST_F(TargetGuardTest, AFileThatIsGoneStaysSo) {
     const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     unlink(kTarget.c_str());
-    EXPECT_EQ(guard.Mend(), 0);
+    EXPECT_EQ(guard.Repair(), 0);
     EXPECT_FALSE(testkit::Exists(kTarget));
 }
 
@@ -106,10 +107,10 @@ TEST_F(TargetGuardTest, ACopyThatCannotBeReadIsAFailure) {
         WriteFile(kTarget, "old\n");
         TargetGuard guard(kTarget, write_only.get());
         WriteFile(kTarget, text);
-        EXPECT_EQ(guard.Mend(), EBADF);
+        EXPECT_EQ(guard.Repair(), EBADF);
     }
     TargetGuard without_copy(kTarget, -1);
-    EXPECT_EQ(without_copy.Mend(), EBADF);
+    EXPECT_EQ(without_copy.Repair(), EBADF);
 }
 
 TEST_F(TargetGuardTest, ATargetThatCannotBeReadIsAFailure) {
@@ -120,21 +121,21 @@ TEST_F(TargetGuardTest, ATargetThatCannotBeReadIsAFailure) {
     TargetGuard guard(folder, copy.get());
     usleep(20000);
     WriteFile(folder + "/another", "");
-    EXPECT_EQ(guard.Mend(), EISDIR);
+    EXPECT_EQ(guard.Repair(), EISDIR);
     unlink((folder + "/another").c_str());
     const std::string below_a_file = kTarget + "/x";
     TargetGuard misplaced(below_a_file, copy.get());
-    EXPECT_EQ(misplaced.Mend(), ENOTDIR);
+    EXPECT_EQ(misplaced.Repair(), ENOTDIR);
 }
 
-TEST_F(TargetGuardTest, AFailingCloseIsAFailureToMend) {
+TEST_F(TargetGuardTest, AFailingCloseFailsTheRepair) {
     WriteFile(kTarget, "old\n");
     WriteFile(kCopy, "new text\n");
     const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     WriteFile(kTarget, "");
     libc().Script(Call::kClose, {Pass(), Fail(ENOSPC)});
-    EXPECT_EQ(guard.Mend(), ENOSPC);
+    EXPECT_EQ(guard.Repair(), ENOSPC);
 }
 
 TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
@@ -144,21 +145,21 @@ TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
     TargetGuard guard(kTarget, copy.get());
     WriteFile(kTarget, "new");
     libc().Script(Call::kOpen, {Fail(EACCES)});
-    EXPECT_EQ(guard.Mend(), EACCES);
+    EXPECT_EQ(guard.Repair(), EACCES);
     EXPECT_EQ(ReadFile(kTarget), "new");
 }
 
-TEST_F(TargetGuardTest, AnEmptyFileThatIsEmptiedIsMended) {
+TEST_F(TargetGuardTest, AFileThatWasEmptyBeforeAndAfterTheCopyingIsRepaired) {
     WriteFile(kTarget, "");
     WriteFile(kCopy, "new\n");
     const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     WriteFile(kTarget, "");
-    EXPECT_EQ(guard.Mend(), 0);
+    EXPECT_EQ(guard.Repair(), 0);
     EXPECT_EQ(ReadFile(kTarget), "new\n");
 }
 
-TEST_F(TargetGuardTest, AFailureToMendIsToldByItsNumber) {
+TEST_F(TargetGuardTest, AFailedRepairReturnsItsErrno) {
     for (const auto& [call, error] : {std::pair(Call::kOpen, EROFS), {Call::kWrite, ENOSPC}}) {
         WriteFile(kTarget, "old\n");
         WriteFile(kCopy, "new text\n");
@@ -170,8 +171,8 @@ TEST_F(TargetGuardTest, AFailureToMendIsToldByItsNumber) {
         } else {
             libc().Script(call, {Fail(error)});
         }
-        EXPECT_EQ(guard.Mend(), error);
-        EXPECT_FALSE(guard.has_mended());
+        EXPECT_EQ(guard.Repair(), error);
+        EXPECT_FALSE(guard.has_repaired());
     }
 }
 

@@ -60,7 +60,7 @@ TEST_F(UniqueFdTest, MovesWithoutClosing) {
     EXPECT_TRUE(IsOpen(fd));
 }
 
-TEST_F(UniqueFdTest, SaysWhetherClosingWentWell) {
+TEST_F(UniqueFdTest, ReturnsTheResultOfTheClose) {
     UniqueFd owner(Open());
     libc().Script(Call::kClose, {testkit::Fail(EIO)});
     EXPECT_EQ(owner.Reset(), -1);

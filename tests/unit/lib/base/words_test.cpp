@@ -59,14 +59,14 @@ TEST(TakeWord, StopsAtANul) {
     EXPECT_EQ(TakeWord(text), "") << "nothing lies behind the end of a C text";
 }
 
-TEST(TakeWord, HasNoWordsInNothing) {
+TEST(TakeWord, FindsNoWordInAnEmptyOrBlankText) {
     std::string_view text;
     EXPECT_EQ(TakeWord(text), "");
     text = "   ";
     EXPECT_EQ(TakeWord(text), "");
 }
 
-// Where the word stands, -1 when it does not stand anywhere as a word.
+// Returns the position of the word, -1 if it is nowhere a word.
 long Place(std::string_view line, std::string_view word, bool comment_aware = true) {
     size_t position = 77;
     return FindWord(line, word, comment_aware, position) ? static_cast<long>(position) : -1;
@@ -78,14 +78,14 @@ TEST(FindWord, FindsAWordAtTheStartOfTheLine) {
     EXPECT_EQ(Place("request subnet-mask;\n", "request"), 0);
 }
 
-TEST(FindWord, ABlankATabACommaOrAHashMayStandBeforeAWord) {
+TEST(FindWord, ABlankATabACommaOrAHashMayPrecedeAWord) {
     EXPECT_EQ(Place("x fi\n", "fi"), 2);
     EXPECT_EQ(Place("x\tfi\n", "fi"), 2);
     EXPECT_EQ(Place("x,fi\n", "fi"), 2);
     EXPECT_EQ(Place("x#fi\n", "fi", /*comment_aware=*/false), 2);
 }
 
-TEST(FindWord, NothingElseMayStandBeforeAWord) {
+TEST(FindWord, NothingElseMayPrecedeAWord) {
     for (int byte = 0; byte < 256; ++byte) {
         const char c = static_cast<char>(byte);
         const bool may = c == ' ' || c == '\t' || c == ',' || c == '#';
@@ -94,7 +94,7 @@ TEST(FindWord, NothingElseMayStandBeforeAWord) {
     }
 }
 
-TEST(FindWord, ABlankATabANewlineASemicolonOrACommaMayStandBehindAWord) {
+TEST(FindWord, ABlankATabANewlineASemicolonOrACommaMayFollowAWord) {
     EXPECT_EQ(Place("fi x\n", "fi"), 0);
     EXPECT_EQ(Place("fi\tx\n", "fi"), 0);
     EXPECT_EQ(Place("fi\n", "fi"), 0);
@@ -102,7 +102,7 @@ TEST(FindWord, ABlankATabANewlineASemicolonOrACommaMayStandBehindAWord) {
     EXPECT_EQ(Place("fi,x\n", "fi"), 0);
 }
 
-TEST(FindWord, NothingElseMayStandBehindAWord) {
+TEST(FindWord, NothingElseMayFollowAWord) {
     for (int byte = 0; byte < 256; ++byte) {
         const char c = static_cast<char>(byte);
         const bool may = c == ' ' || c == '\t' || c == '\n' || c == ';' || c == ',';
@@ -123,7 +123,7 @@ TEST(FindWord, OnlyTheFirstPlaceIsLookedAt) {
     EXPECT_EQ(Place("ifconfig eth0 up; fi\n", "fi"), -1) << "the first one lies in ifconfig";
 }
 
-TEST(FindWord, TellsThePlaceAlsoWhereItIsNoWord) {
+TEST(FindWord, SetsThePositionEvenIfTheTextIsNoWord) {
     size_t position = 77;
     EXPECT_FALSE(FindWord("elif x\n", "if", /*comment_aware=*/true, position));
     EXPECT_EQ(position, 2U);
@@ -143,7 +143,7 @@ TEST(FindWord, AnAbsentWordHasNoPlace) {
     EXPECT_EQ(position, std::string_view::npos);
 }
 
-TEST(FindWord, AWordBehindAHashCountsOnlyWhenCommentsDo) {
+TEST(FindWord, AWordAfterAHashCountsOnlyIfCommentsCount) {
     EXPECT_EQ(Place("# then\n", "then", /*comment_aware=*/true), -1);
     EXPECT_EQ(Place("# then\n", "then", /*comment_aware=*/false), 2);
     EXPECT_EQ(Place("#then\n", "then", /*comment_aware=*/true), -1);
@@ -152,7 +152,7 @@ TEST(FindWord, AWordBehindAHashCountsOnlyWhenCommentsDo) {
     EXPECT_EQ(Place("a#b then\n", "then", /*comment_aware=*/false), 4);
 }
 
-TEST(FindWord, AHashBehindTheWordIsNoMatter) {
+TEST(FindWord, AHashAfterTheWordDoesNotMatter) {
     EXPECT_EQ(Place("then # x\n", "then", /*comment_aware=*/true), 0);
     EXPECT_EQ(Place("then # then\n", "then", /*comment_aware=*/true), 0);
     EXPECT_EQ(Place("then# x\n", "then", /*comment_aware=*/true), -1);
@@ -174,13 +174,13 @@ TEST(FindWord, TheEndOfTheTextIsNoSeparator) {
     }
 }
 
-TEST(FindWord, TheOtherTestsComeBeforeTheEndOfTheText) {
+TEST(FindWord, TheOtherTestsAreMadeBeforeTheEndOfTheTextIsChecked) {
     EXPECT_FALSE(HasWord("elif", "if", /*comment_aware=*/true));
     EXPECT_FALSE(HasWord("#fi", "fi", /*comment_aware=*/true));
     EXPECT_THROW((void)HasWord("#fi", "fi", /*comment_aware=*/false), std::out_of_range);
 }
 
-TEST(FindWord, TheEmptyWordStandsInFrontOfASeparator) {
+TEST(FindWord, TheEmptyWordIsFoundBeforeASeparator) {
     EXPECT_EQ(Place("\n", ""), 0);
     EXPECT_EQ(Place(" x\n", ""), 0);
     EXPECT_EQ(Place("x\n", ""), -1);

@@ -35,7 +35,7 @@ constexpr char kBothBranches[] =
 class ClientScriptTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     // The script after a switch.
@@ -49,7 +49,7 @@ class ClientScriptTest : public testkit::DeviceTest {
     testkit::FakeShell shell;
 };
 
-// ---- what is switched
+// ---- the switched lines
 
 TEST_F(ClientScriptTest, ACallOutsideBlocksIsSwitchedForEveryInterface) {
     for (const char* nic : {"eth0", "eth1", "wlan0", ""}) {
@@ -130,14 +130,14 @@ TEST_F(ClientScriptTest, OnlyTheNameAsAWordIsACall) {
     }
 }
 
-TEST_F(ClientScriptTest, ALineThatIsSwitchedSoAlreadyStays) {
+TEST_F(ClientScriptTest, ALineAlreadyInTheWantedStateStays) {
     EXPECT_EQ(Switched("#make_resolv_conf\n", kOff), "#make_resolv_conf\n");
     EXPECT_EQ(Switched("# make_resolv_conf\n", kOff), "# make_resolv_conf\n");
     EXPECT_EQ(Switched("make_resolv_conf\n", kOn), "make_resolv_conf\n");
     EXPECT_EQ(Switched("make_resolv_conf # x\n", kOn), "make_resolv_conf # x\n");
 }
 
-TEST_F(ClientScriptTest, TheMarkGoesIntoColumnOneAndTheFirstOneGoes) {
+TEST_F(ClientScriptTest, OffPutsAMarkIntoColumnOneAndOnDeletesTheFirstMark) {
     EXPECT_EQ(Switched("    make_resolv_conf\n", kOff), "#    make_resolv_conf\n");
     EXPECT_EQ(Switched("#    make_resolv_conf\n", kOn), "    make_resolv_conf\n");
     EXPECT_EQ(Switched("  # make_resolv_conf\n", kOn), "   make_resolv_conf\n");
@@ -206,7 +206,7 @@ TEST_F(ClientScriptTest, AScriptWithoutACallIsRewrittenAsItIs) {
                             "rm /var/tmp/dhclient-script"));
 }
 
-TEST_F(ClientScriptTest, AFailedCopyIsNotToldOf) {
+TEST_F(ClientScriptTest, AFailedCopyIsNotReported) {
     for (const testkit::Outcome outcome : {Return(256), Fail(ENOMEM)}) {
         WriteFile(kScript, "make_resolv_conf\n");
         libc().Script(Call::kSystem, {outcome, outcome});
@@ -237,7 +237,7 @@ TEST_F(ClientScriptTest, ACopyThatCannotBeWrittenIsAFailure) {
     EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
 }
 
-TEST_F(ClientScriptTest, BothFilesAreTriedBeforeEitherIsJudged) {
+TEST_F(ClientScriptTest, BothFilesAreOpenedBeforeAFailure) {
     ASSERT_EQ(mkdir(kCopy, 0700), 0);
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
     EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));

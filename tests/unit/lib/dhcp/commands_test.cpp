@@ -48,7 +48,7 @@ class DhcpCommandsTest : public testkit::DeviceTest {
     static int Set(uint32_t id, std::string_view interface, int byte) {
         return SetDhcp(MakeRequest(VELK_SET, id, interface, Byte(byte)), nullptr);
     }
-    // What a getter writes: 1 or 2, or "unchanged" when it wrote nothing.
+    // Returns the byte of a getter: 1 or 2, or "unchanged" if it wrote nothing.
     static std::string Got(uint32_t id, std::string_view interface, int result = 0) {
         char out[VELK_DATA_SIZE] = "?unchanged";
         EXPECT_EQ(GetDhcp(MakeRequest(VELK_GET, id, interface), out), result);
@@ -72,7 +72,7 @@ TEST_F(DhcpCommandsTest, EachIdReadsItsOption) {
     EXPECT_EQ(Got(kDns, "eth1"), "\x02");
 }
 
-TEST_F(DhcpCommandsTest, TheWorkersReadTheirOptionWhateverTheId) {
+TEST_F(DhcpCommandsTest, TheWorkersReadTheirOptionForAnyId) {
     WriteFile(kConfig, "request ntp-servers;\n");
     char out[VELK_DATA_SIZE] = "";
     for (const uint32_t id : {kNtp, kDns, 0U}) {
@@ -389,7 +389,7 @@ TEST_F(DhcpCommandsTest, AScriptThatCannotBeWrittenIsAFailureAfterTheFirstFile) 
     EXPECT_EQ(ReadFile(kScript), kScriptText);
 }
 
-TEST_F(DhcpCommandsTest, WhatIsSetIsReadBack) {
+TEST_F(DhcpCommandsTest, ASetValueIsReadBack) {
     WriteFile(kConfig,
               "interface \"eth0\" {\nrequest a;\n}\ninterface \"eth1\" {\nrequest a;\n}\n");
     WriteFile(kHooks, kHooksText);

@@ -6,13 +6,14 @@
 
 #include <gtest/gtest.h>
 
-#include "velk.h"
+#include "velk/dhcp.h"
+#include "velk/request.h"
 
 namespace {
 
 using velk::ConfigBlocks;
 
-// What IsNicName() answers, and the flags it leaves.
+// The result of IsNicName() and its flags after the call.
 struct Answer {
     bool concerns;
     bool in_block;
@@ -36,7 +37,7 @@ constexpr bool kOtherBlock = true;
 
 // ---- IsNicName()
 
-TEST(IsNicName, TheOpeningLineOfAnotherBlockDoesNotConcern) {
+TEST(IsNicName, TheOpeningLineOfAnotherBlockDoesNotApply) {
     EXPECT_EQ(Classify("interface \"eth1\" {\n", "eth0"), (Answer{false, false, true}));
 }
 
@@ -58,31 +59,31 @@ TEST(IsNicName, TheOpeningLineOfTheWantedBlockSetsItsFlag) {
     EXPECT_EQ(Classify("interface\n", ""), (Answer{true, true, false}));
 }
 
-TEST(IsNicName, AWantedBlockOnOneLineIsNotSeenToEnd) {
+TEST(IsNicName, AWantedBlockOnOneLineDoesNotEndOnThatLine) {
     EXPECT_EQ(Classify("interface \"eth0\" { }\n", "eth0"), (Answer{true, true, false}));
 }
 
-TEST(IsNicName, TheNameMayStandAnywhereOnTheOpeningLine) {
+TEST(IsNicName, TheNameMayBeAnywhereOnTheOpeningLine) {
     EXPECT_EQ(Classify("interface \"eth01\" {\n", "eth0"), (Answer{true, true, false}));
     EXPECT_EQ(Classify("interface \"eth1\" { # not eth0\n", "eth0"), (Answer{true, true, false}));
     EXPECT_EQ(Classify("eth0, interface {\n", "eth0"), (Answer{true, true, false}));
 }
 
-TEST(IsNicName, GlobalLinesConcernEveryInterface) {
+TEST(IsNicName, GlobalLinesApplyToEveryInterface) {
     EXPECT_EQ(Classify("request subnet-mask;\n", "eth0"), (Answer{true, false, false}));
     EXPECT_EQ(Classify("\n", "eth0"), (Answer{true, false, false}));
     EXPECT_EQ(Classify("}\n", "eth0"), (Answer{true, false, false}));
     EXPECT_EQ(Classify("send host-name \"eth1\";\n", "eth0"), (Answer{true, false, false}));
 }
 
-TEST(IsNicName, InterfaceMustStandAsAWord) {
+TEST(IsNicName, InterfaceMustBeAWholeWord) {
     EXPECT_EQ(Classify("interfaces \"eth1\" {\n", "eth0"), (Answer{true, false, false}));
     EXPECT_EQ(Classify("my-interface \"eth1\" {\n", "eth0"), (Answer{true, false, false}));
     EXPECT_EQ(Classify("interface\"eth1\" {\n", "eth0"), (Answer{true, false, false}));
     EXPECT_EQ(Classify("interfaces interface \"eth1\" {\n", "eth0"), (Answer{true, false, false}));
 }
 
-TEST(IsNicName, ACommentedOpeningLineCountsOnlyWhenCommentsDo) {
+TEST(IsNicName, ACommentedOpeningLineCountsOnlyIfCommentsCount) {
     EXPECT_EQ(Classify("#interface \"eth1\" {\n", "eth0", false, false, false),
               (Answer{false, false, true}));
     EXPECT_EQ(Classify("#interface \"eth1\" {\n", "eth0", false, false, true),
@@ -93,7 +94,7 @@ TEST(IsNicName, ACommentedOpeningLineCountsOnlyWhenCommentsDo) {
               (Answer{true, false, false}));
 }
 
-TEST(IsNicName, TheClosingLineEndsTheBlockAndStillConcerns) {
+TEST(IsNicName, TheClosingLineEndsTheBlockAndStillApplies) {
     EXPECT_EQ(Classify("}\n", "eth0", kInBlock), (Answer{true, false, false}));
     EXPECT_EQ(Classify("  } # eth0\n", "eth0", kInBlock), (Answer{true, false, false}));
     EXPECT_EQ(Classify("#}\n", "eth0", kInBlock, false, false), (Answer{true, false, false}));
@@ -104,7 +105,7 @@ TEST(IsNicName, ACommentedClosingLineEndsNothingWhereCommentsDoNotCount) {
     EXPECT_EQ(Classify("# }\n", "eth0", kInBlock, false, true), (Answer{true, true, false}));
 }
 
-TEST(IsNicName, AClosingBraceMustStandAsAWord) {
+TEST(IsNicName, AClosingBraceMustBeAWholeWord) {
     EXPECT_EQ(Classify("request x;}\n", "eth0", kInBlock), (Answer{true, true, false}));
     EXPECT_EQ(Classify("}}\n", "eth0", kInBlock), (Answer{true, true, false}));
     EXPECT_EQ(Classify("}\r\n", "eth0", kInBlock), (Answer{true, true, false}));
@@ -124,7 +125,7 @@ TEST(IsNicName, TheOtherBlocksEndIsLeftToTheCaller) {
               (Answer{true, true, true}));
 }
 
-TEST(IsNicName, TheEmptyNameStandsOnEveryOpeningLine) {
+TEST(IsNicName, TheEmptyNameIsFoundOnEveryOpeningLine) {
     EXPECT_EQ(Classify("interface \"eth1\" {\n", ""), (Answer{true, true, false}));
     EXPECT_EQ(Classify("interface \"eth0\" {\n", ""), (Answer{true, true, false}));
 }
@@ -143,7 +144,7 @@ std::string Trace(std::string_view nic, std::initializer_list<const char*> lines
     return trace;
 }
 
-TEST(ConfigBlocks, GlobalLinesAndTheInterfacesBlockConcern) {
+TEST(ConfigBlocks, GlobalLinesAndTheInterfacesBlockApply) {
     const std::initializer_list<const char*> kLines = {
         "send x;", "interface \"eth0\" {", "  request a;", "}", "",
         "send y;", "interface \"eth1\" {", "  request b;", "}", "send z;"};
@@ -169,18 +170,18 @@ TEST(ConfigBlocks, AnUnfinishedBlockReachesToTheEnd) {
     EXPECT_EQ(Trace("eth0", {"interface \"eth0\" {", "a", "interface \"eth1\" {"}), "bbb");
 }
 
-TEST(ConfigBlocks, TheEndOfAnotherBlockMustStandAsAWord) {
+TEST(ConfigBlocks, TheEndOfAnotherBlockMustBeAWholeWord) {
     EXPECT_EQ(Trace("eth0", {"interface \"eth1\" {", "a;}", "}x", "};", "b"}), "----+");
 }
 
-TEST(ConfigBlocks, ASwitchedOffBlockIsOneWhereCommentsCount) {
+TEST(ConfigBlocks, ASwitchedOffBlockIsABlockIfCommentsCount) {
     EXPECT_EQ(Trace("eth0", {"#interface \"eth0\" {", "#a", "#}", "b"}), "bb++");
     EXPECT_EQ(Trace("eth0", {"#interface \"eth1\" {", "#a", "#}", "b"}), "---+");
     EXPECT_EQ(Trace("eth0", {"#interface \"eth1\" {", "#a", "#}", "b"}, /*comment_aware=*/true),
               "++++");
 }
 
-TEST(ConfigBlocks, ACommentedBraceEndsAnotherBlockOnlyWhereCommentsCount) {
+TEST(ConfigBlocks, ACommentedBraceEndsAnotherBlockOnlyIfCommentsCount) {
     EXPECT_EQ(Trace("eth0", {"interface \"eth1\" {", "#}", "a"}), "--+");
     EXPECT_EQ(Trace("eth0", {"interface \"eth1\" {", "#}", "a", "}", "b"}, /*comment_aware=*/true),
               "----+");

@@ -40,10 +40,10 @@ _velk_request Switch(std::string_view interface, char state) {
 class ExitHooksTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
-    // Whether the link-local daemon is told to be on: 1 or 2.
+    // Returns whether the link-local daemon is switched on: 1 or 2.
     static int Apipa(std::string_view script, std::string_view interface = "eth0") {
         WriteFile(kHooks, script);
         char out[VELK_DATA_SIZE] = "?unchanged";
@@ -82,7 +82,7 @@ TEST_F(ExitHooksTest, ACommentedDaemonLineIsOff) {
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd -D # x\n"), 1);
 }
 
-TEST_F(ExitHooksTest, TheDaemonMustStandAsAWord) {
+TEST_F(ExitHooksTest, TheDaemonMustBeAWholeWord) {
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd\n"), 1);
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd;\n"), 1);
     EXPECT_EQ(Apipa("/usr/sbin/avahi-autoipd,\n"), 1);
@@ -201,7 +201,7 @@ TEST_F(ExitHooksTest, AnyCommandMayBeSwitched) {
     EXPECT_EQ(Switched("#/bin/a x\n#/bin/b y\n", "/bin/a", kOn), "/bin/a x\n#/bin/b y\n");
 }
 
-TEST_F(ExitHooksTest, TheEmptyCommandStandsOnEveryLine) {
+TEST_F(ExitHooksTest, TheEmptyCommandIsFoundOnEveryLine) {
     EXPECT_EQ(Switched("a\n\n#b\n", "", kOff), "#a\n#\n#b\n");
     EXPECT_EQ(Switched("#a\n#\nb # c\n", "", kOn), "a\n\nb # c\n");
 }
@@ -338,7 +338,7 @@ TEST_F(ExitHooksTest, AFailureAtTheStartNoticeIsPassedOn) {
               "/sbin/printdhcpstart.pl $interface\n");
 }
 
-TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndNothingElse) {
+TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndChangeNothing) {
     WriteFile(kHooks, kNotices);
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth1", kOff), nullptr), Gt(0));
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth00", kOff), nullptr), Gt(0));

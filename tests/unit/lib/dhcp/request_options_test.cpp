@@ -30,7 +30,7 @@ constexpr bool kOff = false;
 class RequestOptionsTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static bool Requests(std::string_view text, const std::string& option = "ntp-servers",
@@ -38,7 +38,7 @@ class RequestOptionsTest : public testkit::DeviceTest {
         WriteFile(kConfig, text);
         bool requested = false;
         EXPECT_EQ(GetDhcpServer(nic, option, requested, comment_aware), 0);
-        bool again = true;  // the answer does not depend on what stood there
+        bool again = true;  // the answer does not depend on the old value
         EXPECT_EQ(GetDhcpServer(nic, option, again, comment_aware), 0);
         EXPECT_EQ(requested, again);
         return requested;
@@ -77,7 +77,7 @@ TEST_F(RequestOptionsTest, AStatementWithoutTheOptionDoesNotRequestIt) {
     EXPECT_FALSE(Requests("require ntp-servers;\n"));
 }
 
-TEST_F(RequestOptionsTest, RequestMustStandAsAWord) {
+TEST_F(RequestOptionsTest, RequestMustBeAWholeWord) {
     EXPECT_FALSE(Requests("requests ntp-servers;\n"));
     EXPECT_FALSE(Requests("also-request ntp-servers;\n"));
     EXPECT_FALSE(Requests("request\r\n ntp-servers;\n"));
@@ -109,7 +109,7 @@ TEST_F(RequestOptionsTest, OnlyTheFirstStatementIsConsulted) {
                  "}\n"));
 }
 
-TEST_F(RequestOptionsTest, AStatementWithoutAnEndTakesTheNextOneIn) {
+TEST_F(RequestOptionsTest, AStatementWithoutAnEndIncludesTheNextOne) {
     EXPECT_TRUE(Requests("request subnet-mask\nrequest ntp-servers;\n"));
 }
 
@@ -127,7 +127,7 @@ TEST_F(RequestOptionsTest, TheInterfacesBlockCountsAndOthersDoNot) {
     EXPECT_TRUE(Requests(text, "ntp-servers", ""));
 }
 
-TEST_F(RequestOptionsTest, AGlobalStatementBehindTheBlocksCounts) {
+TEST_F(RequestOptionsTest, AGlobalStatementAfterTheBlocksCounts) {
     EXPECT_TRUE(Requests("interface \"eth1\" {\n request x;\n}\nrequest ntp-servers;\n"));
     EXPECT_TRUE(Requests("interface \"eth1\" { request x; }\nrequest ntp-servers;\n"));
 }
@@ -138,7 +138,7 @@ TEST_F(RequestOptionsTest, ACommentedGlobalStatementIsPassedOver) {
     EXPECT_TRUE(Requests("#request subnet-mask;\nrequest ntp-servers;\n"));
 }
 
-TEST_F(RequestOptionsTest, ACommentedStatementWithinTheBlockCountsUnlessCommentsAreTold) {
+TEST_F(RequestOptionsTest, ACommentedStatementWithinTheBlockCountsUnlessCommentsAreSkipped) {
     const std::string text =
         "interface \"eth0\" {\n"
         "#  request ntp-servers;\n"
@@ -148,7 +148,7 @@ TEST_F(RequestOptionsTest, ACommentedStatementWithinTheBlockCountsUnlessComments
     EXPECT_FALSE(Requests(text, "ntp-servers", "eth0", /*comment_aware=*/true));
 }
 
-TEST_F(RequestOptionsTest, ASwitchedOffBlockIsOneUnlessCommentsAreTold) {
+TEST_F(RequestOptionsTest, ASwitchedOffBlockIsABlockUnlessCommentsAreSkipped) {
     const std::string text =
         "#interface \"eth1\" {\n"
         "#request ntp-servers;\n"
@@ -210,7 +210,7 @@ TEST_F(RequestOptionsTest, AnAddedOptionIsTheLastOne) {
     EXPECT_EQ(Edited("request;\n", kAdd), "request,ntp-servers;\n");
 }
 
-TEST_F(RequestOptionsTest, AddingBehindAStatementThatNamesItReachesTheNextLineWithAnEnd) {
+TEST_F(RequestOptionsTest, AddingAfterAStatementWithTheOptionChangesTheNextLineWithAnEnd) {
     EXPECT_EQ(Edited("request subnet-mask, routers;\n"
                      "interface \"eth0\" {\n"
                      "  request subnet-mask, ntp-servers;\n"
@@ -273,7 +273,7 @@ TEST_F(RequestOptionsTest, RemovingGoesOnUntilAStatementEndsWithoutTheOption) {
               "send ntp-servers;\n");
 }
 
-TEST_F(RequestOptionsTest, EveryStatementThatConcernsIsEdited) {
+TEST_F(RequestOptionsTest, EveryStatementThatAppliesIsEdited) {
     EXPECT_EQ(Edited("request a;\n"
                      "interface \"eth1\" {\n"
                      "request b;\n"
@@ -364,7 +364,7 @@ TEST_F(RequestOptionsTest, ABlockIsSwitchedOffAndOnAgain) {
     EXPECT_EQ(Switched(on, kOn), on);
 }
 
-TEST_F(RequestOptionsTest, SwitchingOnDeletesTheFirstHashOfALineWhereverItStands) {
+TEST_F(RequestOptionsTest, SwitchingOnDeletesTheFirstHashOfALineAtAnyPosition) {
     EXPECT_EQ(Switched("interface \"eth0\" { # wired\n  # all\n##x\n}\n", kOn),
               "interface \"eth0\" {  wired\n   all\n#x\n}\n");
 }
@@ -411,7 +411,7 @@ TEST_F(RequestOptionsTest, ACopyThatCannotBeOpenedIsAFailure) {
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
-TEST_F(RequestOptionsTest, BothFilesAreTriedBeforeAFailure) {
+TEST_F(RequestOptionsTest, BothFilesAreOpenedBeforeAFailure) {
     EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", kAdd, false), -1);
     EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig, kCopy));
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "velk.h"
+
 namespace {
 
 using velk::CommandEntry;

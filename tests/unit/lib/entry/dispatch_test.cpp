@@ -155,7 +155,7 @@ TEST_F(DispatchTest, TheLockIsReleasedOnEveryPath) {
 
 TEST_F(DispatchTest, TheResponseIsClearedFirst) {
     _velk_request request = MakeRequest(VELK_GET, 399, "eth0");
-    memset(request.interface + 5, 'x', 11);  // behind the NUL
+    memset(request.interface + 5, 'x', 11);  // after the NUL
     EXPECT_EQ(Execute(request), -4);
     EXPECT_EQ(std::string(response.interface, 16), std::string("eth0") + std::string(12, '\0'));
     EXPECT_EQ(Data(response), kZeros);
@@ -212,7 +212,7 @@ TEST_F(DispatchTest, ASetOutOfMemoryReleasesTheLockAndLeavesTheFile) {
     EXPECT_EQ(ReadFile(kResolverFile), "nameserver 10.0.0.1\n");
 }
 
-// Whatever a command throws: here the system call itself does, in the test's place of it.
+// A command may throw anything: here the test's replacement of the system call throws.
 TEST_F(DispatchTest, AnythingThrownIsAFailureAndReleasesTheLock) {
     libc().OnCall(Call::kWrite, [](const testkit::Event&) { throw 42; });
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", "10.0.0.2"), -1);
@@ -327,7 +327,7 @@ const std::vector<Command> kCommands = {{VELK_RESTART, 1, {"eth0", "eth1"}},
                                         {VELK_SET, 312, {"eth1"}},
                                         {VELK_SET, 314, {"eth1"}}};
 
-// Every id, type and interface name: what runs, and what each refusal logs.
+// Every id, type and interface name: the function that runs, and the log line of each refusal.
 class MatrixTest : public DispatchTest {
   protected:
     static const Command* Find(uint32_t type, uint32_t id) {
@@ -337,7 +337,7 @@ class MatrixTest : public DispatchTest {
         return found == kCommands.end() ? nullptr : &*found;
     }
 
-    // What the frame itself logs for a request that it refuses.
+    // Returns the log lines of the entry point for a request that it refuses.
     static std::vector<std::string> RefusalLogs(uint32_t type, const Command* command) {
         if (type < 1 || type > 3) {
             return {"command_type = " + std::to_string(type)};

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velk.h"
+#include "velk/identity.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ TEST(ReplaceAll, ATextWithoutItStays) {
     EXPECT_EQ(ReplaceAll("ABC", "abc", "y"), "ABC");
 }
 
-TEST(ReplaceAll, WhatWasPutInIsNotSearchedAgain) {
+TEST(ReplaceAll, TheReplacementIsNotSearchedAgain) {
     EXPECT_EQ(ReplaceAll("a", "a", "aa"), "aa");
     EXPECT_EQ(ReplaceAll("aXa", "a", "bab"), "babXbab");
     EXPECT_EQ(ReplaceAll("a", "a", "a"), "a");
@@ -85,7 +85,7 @@ TEST(GetEscapeString, BackslashesOfTheOtherEscapesAreNotDoubled) {
     EXPECT_EQ(GetEscapeString(R"(/'"&\)"), R"(\/'\''\"\&\\)");
 }
 
-TEST(GetEscapeString, WhatLooksEscapedIsEscapedAgain) {
+TEST(GetEscapeString, TextThatLooksEscapedIsEscapedAgain) {
     EXPECT_EQ(GetEscapeString(R"(\\)"), R"(\\\\)");
     EXPECT_EQ(GetEscapeString(R"(\/)"), R"(\\\/)");
     EXPECT_EQ(GetEscapeString(R"('\'')"), R"('\''\\'\'''\'')");

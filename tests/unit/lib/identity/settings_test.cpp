@@ -39,7 +39,7 @@ constexpr uint32_t kLocation = VELK_CMD_LOCATION;
 class SettingsTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static std::string Got(uint32_t id, std::string_view file) {
@@ -88,7 +88,7 @@ TEST_F(SettingsTest, TheValueIsTheRestOfTheLineAsItIs) {
     EXPECT_EQ(Got(kAdministrator, "ADMINISTRATOR=\xc3\xa4\xff\n"), "\xc3\xa4\xff");
 }
 
-TEST_F(SettingsTest, TheKeyStandsAtTheLinesBeginning) {
+TEST_F(SettingsTest, TheKeyMustBeginTheLine) {
     EXPECT_EQ(Got(kLocation, " LOCATION=x\nMYLOCATION=x\n#LOCATION=x\n"), "");
     EXPECT_EQ(Got(kLocation, "location=x\nLOCATION =x\nLOCATION\nLOCATIO=x\n"), "");
     EXPECT_EQ(Got(kLocation, "ADMINISTRATOR=LOCATION=x\nLOCATION=y\n"), "y");
@@ -188,7 +188,7 @@ TEST_F(SettingsTest, TheValueEndsAtItsNulOrWithTheDataArea) {
               "LOCATION=" + std::string(512, 'q') + "\n");
 }
 
-TEST_F(SettingsTest, WhatIsSetIsReadBackRaw) {
+TEST_F(SettingsTest, ASetValueIsReadBackUnchanged) {
     const std::string value = R"( O'Neil & "Co"\IT/%s%n$(x)`y` )";
     WriteFile(kFile, kText);
     EXPECT_EQ(Execute(VELK_SET, kAdministrator, "", value), 0);
@@ -198,7 +198,7 @@ TEST_F(SettingsTest, WhatIsSetIsReadBackRaw) {
     EXPECT_EQ(std::string(response.data), "Lab");
 }
 
-TEST_F(SettingsTest, TheWholeDeviceIsMeantAndNoInterface) {
+TEST_F(SettingsTest, TheInterfaceIsIgnored) {
     WriteFile(kFile, kText);
     for (const uint32_t id : {kAdministrator, kLocation}) {
         for (const char* interface : {"eth0", "eth1"}) {
@@ -318,7 +318,7 @@ TEST_F(SettingsTest, TheSameValueIsHandedOnAgain) {
     EXPECT_EQ(SnmpLine(kAdministrator, "Bob"), line);
 }
 
-TEST_F(SettingsTest, WhatTheShellReportsIsNotLookedAt) {
+TEST_F(SettingsTest, TheExitStatusOfTheShellIsIgnored) {
     for (const testkit::Outcome outcome : {Return(256), Return(127 * 256)}) {
         WriteFile(kFile, kText);
         libc().Script(Call::kSystem, {outcome, outcome, outcome, outcome});

@@ -22,13 +22,13 @@ class ToolLocaleTest : public testing::Test {
     }
 };
 
-TEST_F(ToolLocaleTest, IsCWhereTheEnvironmentNamesNone) {
+TEST_F(ToolLocaleTest, IsCIfTheEnvironmentNamesNone) {
     EXPECT_EQ(ToolLocale(), "C");
     setenv("LC_ALL", "", 1);
     EXPECT_EQ(ToolLocale(), "C");
 }
 
-TEST_F(ToolLocaleTest, IsTheFirstThatIsSetOfThree) {
+TEST_F(ToolLocaleTest, UsesLcAllThenLcCtypeThenLang) {
     setenv("LANG", "ja_JP.SJIS", 1);
     EXPECT_EQ(ToolLocale(), "ja_JP.SJIS");
     setenv("LC_CTYPE", "zh_CN.GBK", 1);
@@ -37,7 +37,7 @@ TEST_F(ToolLocaleTest, IsTheFirstThatIsSetOfThree) {
     EXPECT_EQ(ToolLocale(), "C.UTF-8");
 }
 
-TEST_F(ToolLocaleTest, COrPosixOrUtf8KeepsEveryText) {
+TEST_F(ToolLocaleTest, EscapesOfEveryTextAreKeptInCAndPosixAndUtf8) {
     for (const char* locale :
          {"C", "POSIX", "C.UTF-8", "C.utf8", "de_DE.UTF-8", "de_DE.Utf-8@euro"}) {
         EXPECT_TRUE(KeepsEscapes(locale, "caf\xe9/x")) << locale;
@@ -45,7 +45,7 @@ TEST_F(ToolLocaleTest, COrPosixOrUtf8KeepsEveryText) {
     }
 }
 
-TEST_F(ToolLocaleTest, AnyOtherKeepsPlainTextAlone) {
+TEST_F(ToolLocaleTest, EscapesOfPlainTextOnlyAreKeptInAnyOtherLocale) {
     for (const char* locale : {"ja_JP.SJIS", "zh_CN.GBK", "zh_TW.BIG5", "zh_TW", "de_DE.ISO-8859-1",
                                "japanese", "UTF-8", "xx.UTF-16", "xx.UTF-8x", "xx@UTF-8"}) {
         EXPECT_TRUE(KeepsEscapes(locale, "O'Neil & Co/IT \x7f\x01")) << locale;

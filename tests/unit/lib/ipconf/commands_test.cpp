@@ -67,7 +67,7 @@ TEST_F(InterfaceCommandsTest, OtherIdsAreRefusedByTheGetter) {
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
 }
 
-TEST_F(InterfaceCommandsTest, ANullOutputIsRefusedWhateverTheId) {
+TEST_F(InterfaceCommandsTest, ANullOutputIsRefusedForEveryId) {
     for (const uint32_t id : {102U, 103U, 104U, 105U, 106U, 107U, 0U}) {
         EXPECT_EQ(GetInterfaces(MakeRequest(VELK_GET, id, "eth0"), nullptr), -4) << id;
     }

@@ -31,14 +31,14 @@ std::string Slots(const std::string& first, const std::string& second = "",
 
 class DnsTest : public testkit::DeviceTest {
   protected:
-    // What a get answers for a file with this text.
+    // Returns the answer of a get for a file with this text.
     std::string GetFrom(std::string_view text) {
         WriteFile(kFile, text);
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_DNS, "eth0"), 0);
         EXPECT_EQ(Data(response).substr(48), std::string(464, '\0')) << "48 bytes at most";
         return Data(response, 48);
     }
-    // What a set leaves in the file.
+    // Returns the file's text after a set.
     std::string SetFrom(std::string_view data) {
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", data), 0);
         return ReadFile(kFile);
@@ -73,7 +73,7 @@ TEST_F(DnsTest, SkipsLinesThatDoNotBeginWithTheKeyword) {
               Slots("1.0.0.1"));
 }
 
-TEST_F(DnsTest, TestsNothingBehindTheKeyword) {
+TEST_F(DnsTest, DoesNotCheckTheCharacterAfterTheKeyword) {
     EXPECT_EQ(GetFrom("nameservers 1.0.0.1\nnameserver#x 1.0.0.2\n"), Slots("1.0.0.1", "1.0.0.2"));
 }
 
@@ -106,12 +106,12 @@ TEST_F(DnsTest, ALongerAddressRunsOnIntoTheNextSlot) {
     EXPECT_EQ(GetFrom("nameserver 12345678901234567890\n"), Slots("1234567890123456", "7890"));
 }
 
-TEST_F(DnsTest, TheNextAddressOverwritesWhatRanOn) {
+TEST_F(DnsTest, TheNextAddressOverwritesTheOverrun) {
     EXPECT_EQ(GetFrom("nameserver 12345678901234567890\nnameserver ::1\n"),
               Slots("1234567890123456", "::10"));
 }
 
-TEST_F(DnsTest, AMissingAddressEmptiesItsSlotOfWhatRanOn) {
+TEST_F(DnsTest, AMissingAddressClearsTheOverrunInItsSlot) {
     EXPECT_EQ(GetFrom("nameserver 12345678901234567890\nnameserver\n"), Slots("1234567890123456"));
     EXPECT_EQ(GetFrom("nameserver " + std::string(40, 'x') + "\nnameserver\n"),
               Slots(std::string(16, 'x'), "", std::string(8, 'x')));
@@ -202,7 +202,7 @@ TEST_F(DnsTest, ASlotWithoutATerminatorIs16Characters) {
               "nameserver 1234567890123456\nnameserver 10.0.0.2\n");
 }
 
-TEST_F(DnsTest, AFilledSlotIs16BytesWhateverLiesInside) {
+TEST_F(DnsTest, AFilledSlotIsWrittenAs16BytesOfAnyContent) {
     using std::string_literals::operator""s;
     EXPECT_EQ(SetFrom(Slots("1.0.0.1\0\0\0\0\0\0\0\0x"s)),
               "nameserver 1.0.0.1\0\0\0\0\0\0\0\0x\n"s);
@@ -213,12 +213,12 @@ TEST_F(DnsTest, ATextEndsAtItsTerminator) {
     EXPECT_EQ(SetFrom(Slots("1.0.0.1\0junk"s)), "nameserver 1.0.0.1\n");
 }
 
-TEST_F(DnsTest, TextsAreWrittenAsTheyStand) {
+TEST_F(DnsTest, TextsAreWrittenUnchanged) {
     EXPECT_EQ(SetFrom(Slots("not an address", " ", "a\nb")),
               "nameserver not an address\nnameserver  \nnameserver a\nb\n");
 }
 
-TEST_F(DnsTest, WhatIsSetIsReadBack) {
+TEST_F(DnsTest, ASetListIsReadBack) {
     for (const std::string& slots :
          {Slots("1.2.3.4"), Slots("255.255.255.255", "0.0.0.0"),
           Slots("fe80::1", "::", "2001:db8::1"),

@@ -247,7 +247,7 @@ TEST_F(EditPropertiesTest, AnAddressChangesOneLineOfAnInterfaceWithOneStanza) {
         Lines without = Split(SetValue(interface, key, value));
         const Lines old_lines = Split(before);
         const std::string line = std::string("\t").append(key).append(value);
-        // The lines before the change and those behind it are the old ones.
+        // The lines before and after the change are the old ones.
         size_t same = 0;
         while (same < without.size() && same < old_lines.size() &&
                without[same] == old_lines[same]) {

@@ -64,7 +64,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
         WriteFile(kFile, text);
         return GetIpSetting(interface);
     }
-    // What a direct call finds behind a key; "unchanged" when it writes nothing.
+    // Returns the value of a direct call for a key; "unchanged" if it writes nothing.
     static std::string Value(std::string_view text, const char* key,
                              const std::string& interface = "eth0") {
         WriteFile(kFile, text);
@@ -72,7 +72,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
         EXPECT_EQ(GetAddressConf(MakeRequest(VELK_GET, 104, interface), key, out), 0);
         return out;
     }
-    // What a get answers as text.
+    // Returns the answer of a get as text.
     std::string Get(uint32_t id, std::string_view interface = "eth0") {
         EXPECT_EQ(Execute(VELK_GET, id, interface), 0);
         return Data(response).c_str();
@@ -88,7 +88,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
 
 // ---- method
 
-TEST_F(InterfacesReaderTest, TellsTheMethodOfEachInterface) {
+TEST_F(InterfacesReaderTest, ReturnsTheMethodOfEachInterface) {
     EXPECT_EQ(Setting("iface eth0 inet static\niface eth1 inet dhcp\n", "eth0"), 1);
     EXPECT_EQ(Setting("iface eth0 inet static\niface eth1 inet dhcp\n", "eth1"), 2);
 }
@@ -188,7 +188,7 @@ TEST_F(InterfacesReaderTest, ANameWithoutANulEndsAtItsField) {
 
 // ---- values by key
 
-TEST_F(InterfacesReaderTest, CopiesWhatFollowsTheKey) {
+TEST_F(InterfacesReaderTest, CopiesTheTextAfterTheKey) {
     EXPECT_EQ(Value(kStatic, "address "), "192.168.0.10");
     EXPECT_EQ(Value(kStatic, "netmask "), "255.255.255.0");
     EXPECT_EQ(Value(kStatic, "gateway "), "192.168.0.1");
@@ -205,7 +205,7 @@ TEST_F(InterfacesReaderTest, TheMethodDoesNotMatterToAKey) {
     EXPECT_EQ(Value("iface eth0 inet manual\naddress 1.1.1.1\n", "address "), "1.1.1.1");
 }
 
-TEST_F(InterfacesReaderTest, AValueIsTheRestOfTheLineAsItStands) {
+TEST_F(InterfacesReaderTest, AValueIsTheRestOfTheLineUnchanged) {
     EXPECT_EQ(Value("iface eth0 inet static\n  address  1.1.1.1  \n", "address "), " 1.1.1.1  ");
     EXPECT_EQ(Value("iface eth0 inet static\naddress 1.1.1.1 # x\n", "address "), "1.1.1.1 # x");
     EXPECT_EQ(Value("iface eth0 inet static\naddress 1.1.1.1\r\n", "address "), "1.1.1.1\r");
@@ -418,7 +418,7 @@ TEST_F(InterfacesReaderTest, AFailureOfTheLiveValueIsPassedOn) {
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_GATEWAY, "eth0"), -1);
 }
 
-TEST_F(InterfacesReaderTest, AMethodThatCannotBeToldFailsAllThreeValues) {
+TEST_F(InterfacesReaderTest, AnUnknownMethodFailsAllThreeValues) {
     for (const char* text : {"iface eth0 inet manual\naddress 1\n", "", "auto eth0\n",
                              " iface eth0 inet static\naddress 1\n"}) {
         WriteFile(kFile, text);

@@ -53,7 +53,7 @@ class InterfacesWriterTest : public testkit::DeviceTest {
         WriteFile(kOldAddress, "192.168.0.9\n");
     }
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         rmdir(kClientCopy);
         DeviceTest::TearDown();
     }
@@ -101,7 +101,7 @@ TEST_F(InterfacesWriterTest, OnlyTheExactGatewayKeyRemoves) {
               "iface eth1 inet dhcp\n");
 }
 
-TEST_F(InterfacesWriterTest, TheEmptyKeyStandsOnEveryLine) {
+TEST_F(InterfacesWriterTest, TheEmptyKeyIsFoundOnEveryLine) {
     EXPECT_EQ(SetAddressConf(ValueRequest("x"), ""), 0);
     EXPECT_EQ(ReadFile(kFile),
               "iface eth0 inet static\n"
@@ -214,7 +214,7 @@ TEST_F(InterfacesWriterTest, TheMethodByteIsLookedAtBeforeTheFiles) {
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
 
-TEST_F(InterfacesWriterTest, ARefusedMethodOpensBothFilesAllTheSame) {
+TEST_F(InterfacesWriterTest, ARefusedMethodStillOpensBothFiles) {
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 0), nullptr), -4);
     EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kFile, kCopy));
     EXPECT_EQ(ReadFile(kCopy), "");

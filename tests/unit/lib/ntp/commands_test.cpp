@@ -70,7 +70,7 @@ TEST_F(NtpCommandsTest, OtherIdsAreRefusedByTheSetter) {
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
-TEST_F(NtpCommandsTest, ANullOutputIsRefusedWhateverTheId) {
+TEST_F(NtpCommandsTest, ANullOutputIsRefusedForEveryId) {
     for (const uint32_t id : {6U, 9U, 10U, 7U, 0U}) {
         EXPECT_EQ(GetNtp(MakeRequest(VELK_GET, id, ""), nullptr), -4) << id;
     }
@@ -90,7 +90,7 @@ TEST_F(NtpCommandsTest, ResultsArePassedOn) {
     EXPECT_EQ(Set(9, "x"), -1);
 }
 
-TEST_F(NtpCommandsTest, TheWholeDeviceIsMeantAndNoInterface) {
+TEST_F(NtpCommandsTest, TheInterfaceIsIgnored) {
     for (const char* interface : {"eth0", "eth1", "x"}) {
         for (const uint32_t id : {6U, 9U, 10U}) {
             EXPECT_EQ(Execute(VELK_GET, id, interface), -4) << interface << " " << id;
@@ -119,7 +119,7 @@ TEST_F(NtpCommandsTest, SwitchedOffThereIsNoResult) {
     EXPECT_EQ(testkit::Data(response), "\x02" + std::string(511, '\0'));
 }
 
-TEST_F(NtpCommandsTest, WhatIsSetIsReadBack) {
+TEST_F(NtpCommandsTest, ASetServerIsReadBack) {
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_NTP_SERVER, "", "pool.ntp.org"), 0);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_NTP_SERVER, ""), 0);
     EXPECT_EQ(testkit::Data(response), "pool.ntp.org" + std::string(500, '\0'));

@@ -128,7 +128,7 @@ TEST_P(ChangedLine, HasTheNewServer) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    InPlaceOfTheOld, ChangedLine,
+    InPlaceOfTheOldServer, ChangedLine,
     testing::Values(Change{"0 * * * * /usr/bin/ntpdate -u 192.168.1.10 > /var/libvelk/ntp.log\n",
                            "10.0.0.1",
                            "0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n"},
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Change{"ntpdate x", "z", "ntpdate z"}));
 
 // A line's end belongs to a server that ends the line.
-INSTANTIATE_TEST_SUITE_P(WithTheLinesEnd, ChangedLine,
+INSTANTIATE_TEST_SUITE_P(AtTheEndOfTheLine, ChangedLine,
                          testing::Values(Change{"ntpdate x\n", "z", "ntpdate z"},
                                          Change{"ntpdate x\r\n", "z", "ntpdate z"},
                                          Change{"ntpdate x\n", "", "ntpdate "},
@@ -150,13 +150,13 @@ INSTANTIATE_TEST_SUITE_P(WithTheLinesEnd, ChangedLine,
 
 // The old server is looked for from the line's beginning.
 INSTANTIATE_TEST_SUITE_P(
-    WhereItsTextStandsFirst, ChangedLine,
+    WhereItsTextOccursFirst, ChangedLine,
     testing::Values(Change{"0 * * * * ntpdate -p 0 > log\n", "z", "z * * * * ntpdate -p 0 > log\n"},
                     Change{"ntpdate n > log\n", "z", "ztpdate n > log\n"},
                     Change{"x.y ntpdate x > log\n", "10.0.0.1", "10.0.0.1.y ntpdate x > log\n"}));
 
 INSTANTIATE_TEST_SUITE_P(
-    WithoutAnOld, ChangedLine,
+    WithoutAnOldServer, ChangedLine,
     testing::Values(Change{"ntpdate -u > log\n", "10.0.0.1", "ntpdate -u10.0.0.1 > log\n"},
                     Change{"ntpdate -u  > log\n", "10.0.0.1", "ntpdate -u 10.0.0.1 > log\n"},
                     Change{"ntpdate > log\n", "x", "ntpdatex > log\n"},
@@ -168,7 +168,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Change{"ntpdate -u\t> log\n", "x", "ntpdatex -u\t> log\n"},
                     Change{"echo > x; ntpdate -u\n", "z", "echoz > x; ntpdate -u\n"}));
 
-INSTANTIATE_TEST_SUITE_P(WithoutABlankToPutItAt, ChangedLine,
+INSTANTIATE_TEST_SUITE_P(WithoutABlankBeforeTheRedirection, ChangedLine,
                          testing::Values(Change{"ntpdate>log\n", "x", "ntpdatex>log\n"},
                                          Change{"> ntpdate\n", "x", "x> ntpdate\n"},
                                          Change{">ntpdate", "x", "x>ntpdate"},
@@ -205,7 +205,7 @@ INSTANTIATE_TEST_SUITE_P(WithoutServerAndRedirection, UnchangeableLine,
 class CrontabEntryTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static _velk_request Method(char byte) {
@@ -248,7 +248,7 @@ TEST_F(CrontabEntryTest, AnEntryWithoutAMarkIsOn) {
     EXPECT_EQ(MethodOf("xntpdatex\n"), 1);
 }
 
-TEST_F(CrontabEntryTest, AnEntryBehindAMarkIsOff) {
+TEST_F(CrontabEntryTest, AnEntryAfterAMarkIsOff) {
     EXPECT_EQ(MethodOf("#" + std::string(kEntry)), 2);
     EXPECT_EQ(MethodOf("0 * * * * # ntpdate\n"), 2);
     EXPECT_EQ(MethodOf("0 * * * * echo \\#; ntpdate\n"), 2);
@@ -462,7 +462,7 @@ TEST_F(CrontabEntryTest, TheServerIsSetOnEveryEntry) {
                                             "system rm /var/tmp/root"));
 }
 
-TEST_F(CrontabEntryTest, AServerTakenOutGoesInAgainAtTheSamePlace) {
+TEST_F(CrontabEntryTest, ARemovedServerIsInsertedAgainAtTheSamePlace) {
     const std::string without = WithServer("", kEntry);
     EXPECT_EQ(without, "0 * * * * /usr/bin/ntpdate -u  > /var/libvelk/ntp.log\n");
     EXPECT_EQ(ServerOf(without), "");

@@ -67,7 +67,7 @@ const Lines kOtherLines = {
     "nntpdat e",
 };
 
-// Entries whose server, if any, is followed by something, and that have a redirection.
+// Entries with a redirection. A server, if any, is followed by another character.
 const Lines kEntries = {
     "0 * * * * /usr/bin/ntpdate -u 192.168.1.10 > /var/libvelk/ntp.log",
     "0 * * * * /usr/bin/ntpdate -u > /var/libvelk/ntp.log",
@@ -122,7 +122,7 @@ std::string RandomCrontab(Dice& dice, CrontabKind kind, bool ended = false) {
     return text;
 }
 
-// Begin with a letter or digit, hold no blank and stand in no schedule.
+// Begin with a letter or digit, hold no blank and are in no schedule.
 const Lines kServers = {"10.0.0.1", "pool.ntp.org", "z",       "a#b",
                         "4>x",      "\x41\xff",     "ntpdate", std::string(511, '9')};
 
@@ -289,7 +289,7 @@ std::string RandomSchedule(Dice& dice) {
     return data.append(std::to_string(dice.Below(60)));
 }
 
-TEST_F(CrontabPropertiesTest, AScheduleLeavesOtherLinesInTheirOrderAndStandsLast) {
+TEST_F(CrontabPropertiesTest, AScheduleIsAppendedAndKeepsTheOrderOfOtherLines) {
     Dice dice(909);
     for (int round = 0; round < kRounds; ++round) {
         const std::string before = RandomCrontab(dice, {.marks = true, .joins = true});
@@ -312,7 +312,7 @@ TEST_F(CrontabPropertiesTest, AScheduleLeavesOtherLinesInTheirOrderAndStandsLast
     }
 }
 
-TEST_F(CrontabPropertiesTest, WhatIsScheduledIsReadBack) {
+TEST_F(CrontabPropertiesTest, ASetScheduleIsReadBack) {
     Dice dice(910);
     for (int round = 0; round < kRounds; ++round) {
         const std::string data = RandomSchedule(dice);
@@ -416,7 +416,7 @@ TEST_F(SettingsPropertiesTest, AValueIsReadBackAndTheOtherStays) {
 
 class TimedFilesTest : public testkit::DeviceTest {
   protected:
-    // The edit copy is put in place; what else would be run is left out.
+    // The edit copy is put in place; other commands are not run.
     int Set(uint32_t id, const std::string& data) {
         libc().Script(Call::kSystem, {Pass(), Pass(), Return(0), Return(0)});
         const int result = Execute(VELK_SET, id, "", data);

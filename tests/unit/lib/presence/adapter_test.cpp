@@ -46,7 +46,7 @@ TEST_F(AdapterTest, DoesNotFindAnother) {
     EXPECT_EQ(AttachedWith("VID=1a2b\nPID=3c4d\n", Device("1a2c", "3c4d")), 0);
 }
 
-TEST_F(AdapterTest, AVendorStaysInForceForTheProductsBehindIt) {
+TEST_F(AdapterTest, AVendorAppliesToAllProductsAfterIt) {
     const std::string list = "VID=1a2b\nPID=3c4d\nPID=0e5f\nVID=2222\nPID=0001\n";
     EXPECT_EQ(AttachedWith(list, Device("1a2b", "3c4d")), 1);
     EXPECT_EQ(AttachedWith(list, Device("1a2b", "0e5f")), 1);
@@ -74,7 +74,7 @@ TEST_F(AdapterTest, ANumberIsReadAsStrtoulReadsIt) {
     EXPECT_EQ(AttachedWith("VID=\nPID=zz\n", Device("0000", "0000")), 1);
 }
 
-TEST_F(AdapterTest, TheNumberStandsAtTheFifthCharacterWhereverTheKeyIs) {
+TEST_F(AdapterTest, TheNumberIsReadAtTheFifthCharacterForAnyPositionOfTheKey) {
     EXPECT_EQ(AttachedWith("xxxx1a2b VID=\nyyyy3c4d PID=\n", Device("1a2b", "3c4d")), 1);
     EXPECT_EQ(AttachedWith("  VID=1a2b\n  PID=3c4d\n", Device("1a2b", "3c4d")), 0);
 }
@@ -120,7 +120,7 @@ TEST_F(AdapterTest, AMissingDeviceListHoldsNothing) {
     EXPECT_EQ(IsWlanAttached(), 0);
 }
 
-TEST_F(AdapterTest, TheSupportListIsReadAfreshEveryTime) {
+TEST_F(AdapterTest, TheSupportListIsReadAgainOnEveryCall) {
     EXPECT_EQ(AttachedWith("VID=1a2b\nPID=3c4d\n", Device("1a2b", "3c4d")), 1);
     EXPECT_EQ(AttachedWith("VID=1a2b\nPID=ffff\n", Device("1a2b", "3c4d")), 0);
 }

@@ -48,7 +48,7 @@ class RestartTest : public testkit::DeviceTest {
     testkit::FakeDaemon daemon;
 };
 
-TEST_F(RestartTest, TheWiredPortWithoutAnAdapter) {
+TEST_F(RestartTest, AWiredRestartWithoutAnAdapterRestartsTheWiredPortOnly) {
     PlugCable();
     EXPECT_EQ(Restart("eth0"), 0);
     EXPECT_THAT(Story(),
@@ -57,7 +57,7 @@ TEST_F(RestartTest, TheWiredPortWithoutAnAdapter) {
     EXPECT_EQ(testkit::Data(response), std::string(512, '\0'));
 }
 
-TEST_F(RestartTest, TheWiredPortWithAnAdapterAndTheCableOut) {
+TEST_F(RestartTest, AWiredRestartWithTheCableOutOnlyAsksForTheLink) {
     PlugAdapter();
     PullCable();
     EXPECT_EQ(Restart("eth0"), 0);
@@ -65,7 +65,7 @@ TEST_F(RestartTest, TheWiredPortWithAnAdapterAndTheCableOut) {
                                      "sleep 5", kAskLink, kRemove));
 }
 
-TEST_F(RestartTest, TheWiredPortWithAnAdapterAndTheCableInRestartsTheWirelessTwice) {
+TEST_F(RestartTest, AWiredRestartWithTheCableInRestartsTheWirelessInterfaceTwice) {
     PlugAdapter();
     PlugCable();
     EXPECT_EQ(Restart("eth0"), 0);
@@ -77,7 +77,7 @@ TEST_F(RestartTest, TheWiredPortWithAnAdapterAndTheCableInRestartsTheWirelessTwi
     EXPECT_THAT(ToldTheDaemon(), IsEmpty());
 }
 
-TEST_F(RestartTest, TheWiredPortAnswersWithItsIfup) {
+TEST_F(RestartTest, AWiredRestartReturnsTheResultOfItsIfup) {
     libc().Script(Call::kSystem, {Return(0), Fail(EAGAIN)});
     EXPECT_EQ(Restart("eth0"), -1);
     libc().Script(Call::kSystem, {Fail(EAGAIN), Return(256)});
@@ -99,14 +99,14 @@ TEST_F(RestartTest, TheWiredPortIgnoresTheParameter) {
     EXPECT_THAT(libc().Commands(), ElementsAre("sudo ifdown eth0", "sudo ifup eth0"));
 }
 
-TEST_F(RestartTest, TheWirelessInterfaceWithoutAnAdapter) {
+TEST_F(RestartTest, AWirelessRestartWithoutAnAdapterIsRefused) {
     EXPECT_EQ(Restart("eth1"), -5);
     EXPECT_EQ(Restart("eth1", 2), -5);
     EXPECT_THAT(Story(), IsEmpty());
     EXPECT_THAT(ToldTheDaemon(), IsEmpty());
 }
 
-TEST_F(RestartTest, TheWirelessInterfaceWithTheCableIn) {
+TEST_F(RestartTest, AWirelessRestartWithTheCableInBringsTheInterfaceUpWithoutAnAddress) {
     PlugAdapter();
     PlugCable();
     EXPECT_EQ(Restart("eth1"), 0);
@@ -115,7 +115,7 @@ TEST_F(RestartTest, TheWirelessInterfaceWithTheCableIn) {
     EXPECT_THAT(ToldTheDaemon(), IsEmpty());
 }
 
-TEST_F(RestartTest, TheWirelessInterfaceWithTheCableOut) {
+TEST_F(RestartTest, AWirelessRestartWithTheCableOutRunsIfupAndNotifiesTheDaemon) {
     PlugAdapter();
     PullCable();
     EXPECT_EQ(Restart("eth1"), 0);
@@ -127,7 +127,7 @@ TEST_F(RestartTest, TheWirelessInterfaceWithTheCableOut) {
         << "the daemon is told when the interface is on its way up";
 }
 
-TEST_F(RestartTest, EveryParameterButTwoIsAFullRestart) {
+TEST_F(RestartTest, EveryParameterExceptTwoRestartsTheInterface) {
     PlugAdapter();
     PlugCable();
     for (const char parameter : {'\0', '\1', '\3', '\xff'}) {
@@ -138,7 +138,7 @@ TEST_F(RestartTest, EveryParameterButTwoIsAFullRestart) {
     }
 }
 
-TEST_F(RestartTest, OnlyTellingTheDaemonWithTheCableIn) {
+TEST_F(RestartTest, NotifyOnlyWithTheCableInDoesNothing) {
     PlugAdapter();
     PlugCable();
     EXPECT_EQ(Restart("eth1", 2), 0);
@@ -146,7 +146,7 @@ TEST_F(RestartTest, OnlyTellingTheDaemonWithTheCableIn) {
     EXPECT_THAT(ToldTheDaemon(), IsEmpty());
 }
 
-TEST_F(RestartTest, OnlyTellingTheDaemonWithTheCableOut) {
+TEST_F(RestartTest, NotifyOnlyWithTheCableOutNotifiesTheDaemon) {
     PlugAdapter();
     PullCable();
     EXPECT_EQ(Restart("eth1", 2), 0);

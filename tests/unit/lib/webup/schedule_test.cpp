@@ -40,7 +40,7 @@ std::string Area(const std::string& bytes) {
 class ScheduleTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // of the tests that put a folder in the copy's place
+        rmdir(kCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static int Set(const std::string& data) {
@@ -71,7 +71,7 @@ void PrintTo(const Row& row, std::ostream* out) {
 
 class EverySchedule : public ScheduleTest, public testing::WithParamInterface<Row> {};
 
-TEST_P(EverySchedule, IsWrittenBehindTheOtherLinesAndReadBack) {
+TEST_P(EverySchedule, IsWrittenAfterTheOtherLinesAndReadBack) {
     WriteFile(kCrontab, std::string("0 * * * * ntpdate x > y\n") + kUpdater + "#last");
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_WEB_UPDATE, "", GetParam().set), 0);
     EXPECT_EQ(testkit::Data(response), std::string(512, '\0'));
@@ -193,7 +193,7 @@ TEST_F(ScheduleTest, TheFirstLineOfTheUpdaterCounts) {
               Area(Bytes(4, 5, "4:3")));
 }
 
-TEST_F(ScheduleTest, TextsOfTheTimeAreShownAsTheyStand) {
+TEST_F(ScheduleTest, TextsOfTheTimeAreReturnedUnchanged) {
     EXPECT_EQ(Got("5 3 * * * web_contents_updater\n"), Area(Bytes(2, 1, "3:5")));
     EXPECT_EQ(Got("*/5 * * * * web_contents_updater\n"), Area(Bytes(2, 1, "*:*/5")));
     EXPECT_EQ(Got("0,30 8-17 * * * web_contents_updater\n"), Area(Bytes(2, 1, "8-17:0,30")));
@@ -326,7 +326,7 @@ TEST_F(ScheduleTest, EighteenBytesAreClearedAndTheRestStays) {
     EXPECT_EQ(std::string(out, sizeof(out)), std::string(18, '\0') + std::string(494, '?'));
 }
 
-TEST_F(ScheduleTest, ALongTimeEndsWithItsNulAndNothingBehindIt) {
+TEST_F(ScheduleTest, ALongTimeIsWrittenWithItsNulAndNoMore) {
     char out[VELK_DATA_SIZE];
     std::fill(std::begin(out), std::end(out), '?');
     WriteFile(kCrontab, "0 12345678901234567890 * * * web_contents_updater\n");
@@ -441,7 +441,7 @@ TEST_F(ScheduleTest, TheCopyIsPutInPlaceByTheShell) {
     EXPECT_EQ(ReadFile(kCrontab), kUpdater);
 }
 
-TEST_F(ScheduleTest, AFailedShellIsNotToldOf) {
+TEST_F(ScheduleTest, AFailedShellIsNotReported) {
     WriteFile(kCrontab, "x\n");
     libc().ScriptAlways(Call::kSystem, Fail(ENOMEM));
     EXPECT_EQ(Set(Bytes(2, 1, "3:05")), 0);
@@ -468,7 +468,7 @@ TEST_F(ScheduleTest, ATimeMayFillTheDataAreaToItsLastByte) {
     EXPECT_EQ(testkit::Data(response), Bytes(2, 1, hour + ":" + std::string(254, '2')) + '\0');
 }
 
-TEST_F(ScheduleTest, TheWholeDeviceIsMeantAndNoInterface) {
+TEST_F(ScheduleTest, TheInterfaceIsIgnored) {
     WriteFile(kCrontab, kUpdater);
     for (const char* interface : {"eth0", "eth1"}) {
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_WEB_UPDATE, interface), -4);

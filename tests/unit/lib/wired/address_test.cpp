@@ -90,7 +90,7 @@ TEST_F(KernelAddressTest, AddressAndMaskAreDottedQuads) {
     EXPECT_STREQ(out, "192.168.0.10");
 }
 
-TEST_F(KernelAddressTest, ThroughTheIoctlTableToo) {
+TEST_F(KernelAddressTest, AddressAndMaskAreReadThroughTheIoctlTableToo) {
     ASSERT_EQ(system("ip addr add 10.1.2.3/8 dev eth0"), 0);
     char out[VELK_DATA_SIZE] = "";
     EXPECT_EQ(GetIoctl(MakeRequest(VELK_GET, 104, "eth0"), out), 0);
@@ -157,7 +157,7 @@ TEST_F(AddressTest, AddressAndMaskAreSetByTheseLines) {
                                                "sudo ifconfig eth0 netmask 255.255.255.0"));
 }
 
-TEST_F(AddressTest, ValuesArePassedAsTheyStand) {
+TEST_F(AddressTest, ValuesArePassedUnchanged) {
     EXPECT_EQ(SetIpAddress(-1, ifr, 0, "no address"), 0);
     EXPECT_EQ(SetSubNetMask(-1, ifr, 0, ""), 0);
     EXPECT_THAT(libc().Commands(),

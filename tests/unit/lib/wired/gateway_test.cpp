@@ -69,7 +69,7 @@ TEST_F(GatewayTest, RoutesOfOtherInterfacesDoNotCount) {
               "10.0.0.254");
 }
 
-TEST_F(GatewayTest, TheNameMustStandInFront) {
+TEST_F(GatewayTest, TheNameMustBeginTheLine) {
     EXPECT_EQ(GetFrom(kHeader + Route("veth0", "00000000", "0100A8C0")), "unchanged");
     EXPECT_EQ(GetFrom(kHeader + " " + Route("eth0", "00000000", "0100A8C0")), "unchanged");
 }
@@ -182,7 +182,7 @@ TEST_F(GatewayTest, AToolThatFailsIsNotNoticed) {
     EXPECT_EQ(SetWith(kHeader + Route("eth0", "00000000", "0100A8C0"), "10.0.0.1"), 0);
 }
 
-TEST_F(GatewayTest, AValueIsPassedAsItStands) {
+TEST_F(GatewayTest, AValueIsPassedUnchanged) {
     EXPECT_EQ(SetWith(kHeader, "no address"), 0);
     EXPECT_THAT(libc().Commands(),
                 ElementsAre("sudo route del default gw ", "sudo route add default gw no address"));
@@ -226,7 +226,7 @@ TEST_F(KernelGatewayTest, ReadsItsDefaultRoutes) {
     EXPECT_EQ(Gateway("eth0"), "192.168.0.1") << "the first in table order";
 }
 
-TEST_F(KernelGatewayTest, AnInterfaceWhoseNameBeginsWithAnothersCountsForIt) {
+TEST_F(KernelGatewayTest, ARouteOfEth00CountsForEth0Too) {
     ASSERT_EQ(system("ip route add default via 10.0.0.1 dev eth00"), 0);
     EXPECT_EQ(Gateway("eth00"), "10.0.0.1");
     EXPECT_EQ(Gateway("eth0"), "10.0.0.1");

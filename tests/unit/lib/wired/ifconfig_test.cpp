@@ -139,7 +139,7 @@ TEST_F(IfconfigTest, AnotherHeaderEndsABlock) {
         << "a tab starts no block line";
 }
 
-TEST_F(IfconfigTest, TheNameMustStandInFrontOfAHeader) {
+TEST_F(IfconfigTest, TheNameMustBeginAHeader) {
     EXPECT_EQ(Address("veth0     Link encap:Ethernet\n"
                       "          inet addr:10.9.9.9  Mask:255.0.0.0\n"),
               "unchanged");

@@ -30,7 +30,7 @@ class IoctlTableTest : public testkit::DeviceTest {
     testkit::FakeShell shell;
 };
 
-TEST_F(IoctlTableTest, TheRowsInTheirOrder) {
+TEST_F(IoctlTableTest, TheRowsAreInTheirOrder) {
     const std::span<const velk::IoctlEntry> rows = velk::kIoctlTable;
     ASSERT_EQ(rows.size(), 5U);
     const struct {
@@ -51,7 +51,7 @@ TEST_F(IoctlTableTest, TheRowsInTheirOrder) {
     }
 }
 
-TEST_F(IoctlTableTest, TheRowsHandlers) {
+TEST_F(IoctlTableTest, EveryRowHasItsHandlers) {
     const std::span<const velk::IoctlEntry> rows = velk::kIoctlTable;
     EXPECT_EQ(rows[0].get_handler, static_cast<velk::IoctlGetHandler>(GetMacAddress));
     EXPECT_EQ(rows[1].get_handler, static_cast<velk::IoctlGetHandler>(GetLinkSpeed));

@@ -110,13 +110,13 @@ class ReceiveTest : public ChannelTest {
     UMsgData out;
 };
 
-TEST_F(ReceiveTest, TheBodyIsWhatStandsBehindTheFirstFourBytes) {
+TEST_F(ReceiveTest, TheBodyBeginsAfterTheFirstFourBytes) {
     EXPECT_EQ(ReceiveReply("TTzz" + std::string(235, 'b') + "e"), 0);
     EXPECT_EQ(Body(), std::string(235, 'b') + "e");
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(ReceiveTest, WhatAShortReplyLacksIsZero) {
+TEST_F(ReceiveTest, BytesThatAShortReplyLacksAreZero) {
     EXPECT_EQ(ReceiveReply("TTzzbbb"), 0);
     EXPECT_EQ(Body(), "bbb" + std::string(233, '\0'));
     EXPECT_EQ(ReceiveReply("TT"), 0);
@@ -252,7 +252,7 @@ TEST_F(ReceiveTest, APathThatAnotherUserTakesIsTakenBack) {
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
-TEST_F(ReceiveTest, APathThatAnotherUserTakesEachTimeIsGivenUp) {
+TEST_F(ReceiveTest, APathThatAnotherUserTakesEachTimeIsAFailure) {
     libc().OnCall(Call::kBind, [&](const Event&) {
         testkit::WriteFile(kReplyPath, "");
         (void)!chown(kReplyPath, kSomebody, kSomebody);
@@ -268,7 +268,7 @@ TEST_F(ReceiveTest, APathThatAnotherUserTakesEachTimeIsGivenUp) {
         ElementsAre("log RecvWlanResponseMessage bind errno=98:Address already in use", "sleep 1"));
 }
 
-TEST_F(ReceiveTest, AFolderOfAnotherUserIsGivenUpAtOnce) {
+TEST_F(ReceiveTest, AFolderOfAnotherUserIsAFailureAtOnce) {
     const std::string file = std::string(kReplyPath) + "/file";
     ASSERT_EQ(mkdir(kReplyPath, 0755), 0);
     testkit::WriteFile(file, "");

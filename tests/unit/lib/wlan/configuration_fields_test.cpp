@@ -1,4 +1,4 @@
-// Every field alone: every byte and every length, and what a setter must leave alone.
+// Every field alone: every byte and every length, and the bytes that a setter must not change.
 #include <cstring>
 #include <map>
 #include <string>
@@ -6,7 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include "velk.h"
+#include "velk/request.h"
+#include "velk/wlan.h"
 
 namespace {
 
@@ -83,7 +84,7 @@ TEST_P(ByteFieldTest, EveryValidByteIsStoredAndEveryOtherRefused) {
     }
 }
 
-TEST_P(ByteFieldTest, WhatIsSetIsReadBack) {
+TEST_P(ByteFieldTest, ASetValueIsReadBack) {
     for (const auto& [byte, value] : GetParam().values) {
         SMsgConf conf = Patterned();
         const char in[1] = {static_cast<char>(byte)};
@@ -130,7 +131,7 @@ TEST(ConfigurationFields, UnknownStandardsAreAnsweredWithThreeBesideTheFailure) 
     }
 }
 
-TEST(ConfigurationFields, NumbersPassOnTheirLowByteWhateverItIs) {
+TEST(ConfigurationFields, NumbersReturnTheirLowByteOfAnyValue) {
     SMsgConf conf = Patterned();
     conf.channel = 0x1263;
     conf.wep_default = 0xFF00;

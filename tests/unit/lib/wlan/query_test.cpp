@@ -11,6 +11,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
+#include "velk.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ TEST_F(QueryTest, WithoutADaemonNoReplyIsAwaited) {
     EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
 }
 
-TEST_F(QueryTest, ASilentDaemonIsGivenUp) {
+TEST_F(QueryTest, ASilentDaemonIsAFailureAfterTheTimeLimit) {
     daemon.StaySilent();
     libc().Script(Call::kSelect, {Return(0)});
     EXPECT_EQ(velk::QueryWlanDaemon(VELK_WLAN_REPORT, out), -1);
@@ -65,7 +66,7 @@ TEST_F(QueryTest, ASilentDaemonIsGivenUp) {
     EXPECT_THAT(Order(), ElementsAre("sem_open", "sendto", "sem_post", "sem_close", "sem_unlink"));
 }
 
-TEST_F(QueryTest, WithoutASemaphoreItGoesOn) {
+TEST_F(QueryTest, WithoutASemaphoreItStillAwaitsTheReply) {
     libc().Script(Call::kSemOpen, {Fail(EMFILE)});
     libc().Script(Call::kSelect, {Return(0)});
     daemon.StaySilent();
@@ -102,9 +103,9 @@ TEST_F(QueryTest, NothingIsSentWhileAnotherUserKeepsTheReplyPath) {
     EXPECT_THAT(Order(), IsEmpty());
 }
 
-// Two at once may take each other's reply away, but neither crashes, hangs on to anything or leaves
-// anything behind.
-TEST_F(QueryTest, TwoAtOnceDoNoHarm) {
+// Two at once may take each other's reply away, but neither crashes, keeps a file open or leaves
+// a file in place.
+TEST_F(QueryTest, TwoQueriesAtOnceLeaveNoFiles) {
     libc().ScriptAlways(Call::kSelect, Return(1));  // a reply that was taken away is not awaited
     const auto query = [] {
         UMsgData answer{};

@@ -19,7 +19,7 @@ constexpr uid_t kSomebody = 12345;
 
 class ReplyPathTest : public testkit::DeviceTest {};
 
-TEST_F(ReplyPathTest, AFreePathIsNobodys) {
+TEST_F(ReplyPathTest, AFreePathHasNoOwner) {
     EXPECT_EQ(velk::OwnerOfReplyPath(), ReplyPathOwner::kNone);
     EXPECT_TRUE(velk::ClearReplyPath());
     EXPECT_THAT(libc().Logs(), IsEmpty());

@@ -94,7 +94,7 @@ class ReadySemaphoreTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(ReadySemaphoreTest, IsOpenedOnceWhereNobodyIsInTheWay) {
+TEST_F(ReadySemaphoreTest, IsOpenedOnceIfTheNameIsFree) {
     {
         const velk::ReadySemaphore ready;
         ExpectFresh(ready);
@@ -103,7 +103,7 @@ TEST_F(ReadySemaphoreTest, IsOpenedOnceWhereNobodyIsInTheWay) {
     ExpectNothingLeft();
 }
 
-TEST_F(ReadySemaphoreTest, SharesThatOfAnotherQueryOfTheCallers) {
+TEST_F(ReadySemaphoreTest, SharesTheSemaphoreOfAnotherQueryOfTheSameUser) {
     sem_t* other = CreatSemaphore();
     {
         const velk::ReadySemaphore ready;
@@ -135,7 +135,7 @@ TEST_F(ReadySemaphoreTest, AFileThatIsTooShortIsReplaced) {
     EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
 }
 
-TEST_F(ReadySemaphoreTest, NobodyElsePostsItUnderAnOpenUmask) {
+TEST_F(ReadySemaphoreTest, OtherUsersCannotPostItWithAnOpenUmask) {
     const mode_t saved = umask(0);
     {
         const velk::ReadySemaphore ready;
@@ -149,7 +149,7 @@ TEST_F(ReadySemaphoreTest, NobodyElsePostsItUnderAnOpenUmask) {
     ExpectNothingLeft();
 }
 
-TEST_F(ReadySemaphoreTest, AnotherUsersIsReplaced) {
+TEST_F(ReadySemaphoreTest, ASemaphoreOfAnotherUserIsReplaced) {
     sem_close(CreatSemaphore());
     if (chown(kSemaphoreFile, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
@@ -161,7 +161,7 @@ TEST_F(ReadySemaphoreTest, AnotherUsersIsReplaced) {
     ExpectNothingLeft();
 }
 
-TEST_F(ReadySemaphoreTest, ANameThatComesBackEachTimeIsGivenUp) {
+TEST_F(ReadySemaphoreTest, ANameThatComesBackEachTimeFailsAfterAllTries) {
     libc().OnCall(Call::kSemOpen, [](const testkit::Event&) {
         testkit::WriteFile(kSemaphoreFile, std::string(sizeof(sem_t), '\0'));
         EXPECT_EQ(chmod(kSemaphoreFile, 0666), 0);
@@ -175,7 +175,7 @@ TEST_F(ReadySemaphoreTest, ANameThatComesBackEachTimeIsGivenUp) {
     EXPECT_TRUE(testkit::Exists(kSemaphoreFile)) << "it is not ours to remove";
 }
 
-TEST_F(ReadySemaphoreTest, AFolderOfTheCallersLeavesItWithoutAHandle) {
+TEST_F(ReadySemaphoreTest, HasNoHandleIfTheNameIsAFolderOfTheCaller) {
     ASSERT_EQ(mkdir(kSemaphoreFile, 0755), 0);
     {
         const velk::ReadySemaphore ready;
@@ -209,14 +209,14 @@ TEST_F(ReadySemaphoreTest, ALinkThatAKilledQueryHasLeftIsReplaced) {
     EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
 }
 
-TEST_F(ReadySemaphoreTest, WhereNobodyCanMakeOneItGoesOn) {
+TEST_F(ReadySemaphoreTest, IsPrivateWithoutAHandleIfNobodyCanMakeOne) {
     const testkit::Mounted read_only("none", "/dev/shm", "tmpfs", MS_RDONLY, "");
     const velk::ReadySemaphore ready;
     EXPECT_TRUE(ready.is_private());
     EXPECT_EQ(ready.handle(), nullptr);
 }
 
-TEST_F(ReadySemaphoreTest, WhereThereIsNoRoomOthersMayHaveKeptSome) {
+TEST_F(ReadySemaphoreTest, IsNotPrivateIfTheFileSystemIsFull) {
     const testkit::Emptied full("/dev/shm", "nr_inodes=1");
     const velk::ReadySemaphore ready;
     EXPECT_FALSE(ready.is_private());

@@ -124,7 +124,7 @@ TEST_F(StateTest, AnIdThatIsNoFactGetsNothing) {
     EXPECT_THAT(daemon.types(), ElementsAre(4));
 }
 
-TEST(StateFacts, TheHardwareVersionIsAllThatStandsBehindTheKey) {
+TEST(StateFacts, TheHardwareVersionIsTheTextAfterTheKey) {
     SMsgState state = SampleState();
     char out[VELK_DATA_SIZE] = "";
     strcpy(state.product, "Rev= 2.00 beta Rev= 3");

@@ -1,4 +1,4 @@
-// A command in a process of its own: its answer, its end, and what becomes of its tools.
+// A command in a process of its own: its answer, its end and its tools.
 #include "velkctl/call/child_call.h"
 
 #include <csignal>
@@ -35,7 +35,7 @@ class ChildCallTest : public testkit::DeviceTest {
     const StopSignals signals;
 };
 
-TEST_F(ChildCallTest, AnswersAsTheLibraryDoes) {
+TEST_F(ChildCallTest, ReturnsTheAnswerOfTheLibrary) {
     WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 10.0.0.1\n");
     ChildCall child(kGetDns, {}, signals);
     EXPECT_EQ(child.start_error(), 0);
@@ -46,29 +46,29 @@ TEST_F(ChildCallTest, AnswersAsTheLibraryDoes) {
     EXPECT_EQ(child.end_signal(), 0);
 }
 
-TEST_F(ChildCallTest, HandsTheResultOfAFailureOn) {
+TEST_F(ChildCallTest, ReturnsTheResultOfAFailure) {
     ChildCall child({VELK_GET, 999, "eth0"}, {}, signals);
     EXPECT_EQ(child.TakeAnswer()->result, LIB_VELK_INVALID_PARAMETER);
 }
 
-TEST_F(ChildCallTest, HasNoAnswerWhenItsProcessIsEndedByASignal) {
+TEST_F(ChildCallTest, HasNoAnswerAfterASignalEndedItsProcess) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)raise(SIGKILL); });
     ChildCall child(kRestart, {}, signals);
     EXPECT_FALSE(child.TakeAnswer());
     EXPECT_EQ(child.end_signal(), SIGKILL);
 }
 
-TEST_F(ChildCallTest, SeesTheSignalsThatVelkctlPutsOff) {
+TEST_F(ChildCallTest, SeesTheSignalsThatVelkctlHoldsBack) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)raise(SIGTERM); });
     ChildCall child(kRestart, {}, signals);
     EXPECT_FALSE(child.TakeAnswer());
     EXPECT_EQ(child.end_signal(), SIGTERM);
 }
 
-TEST_F(ChildCallTest, IsGivenUpInTheMiddle) {
+TEST_F(ChildCallTest, CanBeStoppedInTheMiddle) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     ChildCall child(kRestart, {}, signals);
-    EXPECT_TRUE(child.GiveUp());
+    EXPECT_TRUE(child.Stop());
     EXPECT_EQ(child.end_signal(), SIGKILL);
 }
 
@@ -84,17 +84,17 @@ TEST_F(ChildCallTest, LetsAToolEndByItself) {
     });
     ChildCall child(kRestart, {}, signals);
     AwaitFile("/tmp/began");
-    // The first pause of GiveUp() lasts until the tool has ended, however busy the machine is.
+    // The first pause of Stop() lasts until the tool has ended, however busy the machine is.
     libc().OnCall(Call::kNanosleep, [](const Event&) {
         WriteFile("/tmp/waited-for", "");
         siginfo_t ended;
         EXPECT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
     });
-    EXPECT_TRUE(child.GiveUp());
+    EXPECT_TRUE(child.Stop());
     EXPECT_TRUE(Exists("/tmp/ended"));
 }
 
-TEST_F(ChildCallTest, DoesNotWaitForAToolThatGoesOn) {
+TEST_F(ChildCallTest, DoesNotWaitForALongTool) {
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kSystem, [](const Event&) {
         if (const pid_t tool = fork(); tool == 0) {
@@ -107,14 +107,14 @@ TEST_F(ChildCallTest, DoesNotWaitForAToolThatGoesOn) {
     });
     ChildCall child(kRestart, {}, signals);
     AwaitFile("/tmp/tool");
-    EXPECT_FALSE(child.GiveUp());
+    EXPECT_FALSE(child.Stop());
     EXPECT_EQ(libc().Texts(Call::kNanosleep), std::vector<std::string>(100, "10000000"));
     const pid_t tool = std::stoi(testkit::ReadFile("/tmp/tool"));
     (void)kill(tool, SIGKILL);
     (void)waitpid(tool, nullptr, 0);
 }
 
-TEST_F(ChildCallTest, KeepsWhatToolsWriteFromItsOwnOutput) {
+TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const Event&) {
         (void)write(STDOUT_FILENO, "to output\n", 10);
@@ -125,14 +125,14 @@ TEST_F(ChildCallTest, KeepsWhatToolsWriteFromItsOwnOutput) {
     {
         ChildCall child(kRestart, {}, signals);
         EXPECT_TRUE(child.TakeAnswer());
-        EXPECT_EQ(child.said(), (std::vector<std::string>{"to output", "to errors"}))
-            << "once, however often";
+        EXPECT_EQ(child.tool_output(), (std::vector<std::string>{"to output", "to errors"}))
+            << "each line once";
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_F(ChildCallTest, KeepsTheBeginningOfVeryMuch) {
+TEST_F(ChildCallTest, KeepsTheBeginningOfALongOutput) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const Event&) {
         for (int i = 10000; i < 20000; ++i) {
@@ -141,7 +141,7 @@ TEST_F(ChildCallTest, KeepsTheBeginningOfVeryMuch) {
     });
     ChildCall child(kRestart, {}, signals);
     EXPECT_TRUE(child.TakeAnswer());
-    EXPECT_EQ(child.said().size(), 1366U) << "of 8192 bytes";
+    EXPECT_EQ(child.tool_output().size(), 1366U) << "of 8192 bytes";
 }
 
 TEST_F(ChildCallTest, EndsWithItsOwner) {

@@ -1,4 +1,4 @@
-// What is removed after a call that was ended in the middle, and what stays.
+// The files that are removed after a call that was ended early, and those that stay.
 #include "velkctl/call/cleanup.h"
 
 #include <string>
@@ -19,9 +19,8 @@ namespace {
 
 using testkit::Exists;
 using testkit::WriteFile;
+using velkctl::CleanUp;
 using velkctl::Command;
-
-using velkctl::RemoveLeftovers;
 
 constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
@@ -40,9 +39,9 @@ void WriteCopy(const std::string& path, std::string_view text) {
     ASSERT_EQ(chmod(path.c_str(), 0600), 0);
 }
 
-class RemoveLeftoversTest : public testkit::DeviceTest {
+class CleanUpTest : public testkit::DeviceTest {
   protected:
-    // What a killed call can leave, all of it.
+    // Makes every file that a killed call can leave.
     void LeaveEverything() {
         (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
         const velk::UniqueFd reply(BoundReplySocket());
@@ -72,35 +71,35 @@ class RemoveLeftoversTest : public testkit::DeviceTest {
 
 using Paths = std::vector<std::string>;
 
-TEST_F(RemoveLeftoversTest, AQueryLeavesNoSocketAndNoSemaphore) {
+TEST_F(CleanUpTest, AQueryLeavesNoSocketAndNoSemaphore) {
     LeaveEverything();
-    RemoveLeftovers(kQuery, true);
+    CleanUp(kQuery, true);
     EXPECT_EQ(Left(), Paths{kEditCopy});
 }
 
-TEST_F(RemoveLeftoversTest, AQueryLeavesNoSemaphoreWhenItDidNotComeToTheSocket) {
+TEST_F(CleanUpTest, AQueryLeavesNoSemaphoreWithoutASocket) {
     LeaveEverything();
     unlink(kReplySocket);
-    RemoveLeftovers(kQuery, true);
+    CleanUp(kQuery, true);
     EXPECT_EQ(Left(), Paths{kEditCopy});
 }
 
-TEST_F(RemoveLeftoversTest, TheQueryOfAnotherProgramIsLeftAlone) {
+TEST_F(CleanUpTest, TheQueryOfAnotherProgramStays) {
     LeaveEverything();
     unlink(kReplySocket);
     const velk::UniqueFd other(BoundReplySocket());
-    RemoveLeftovers(kQuery, true);
+    CleanUp(kQuery, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
 
-TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyOfItsOwn) {
+TEST_F(CleanUpTest, AChangeLeavesNoEditCopyOfItsOwn) {
     LeaveEverything();
     WriteFile("/etc/dhclient.conf", "timeout 9;\n");
     for (const char* copy : {"dhclient.conf", "dhclient-exit-hooks", "dhclient-script", "libvelk",
                              "root", "a-file-of-somebody"}) {
         WriteCopy(std::string("/var/tmp/") + copy, "timeout 10;\n");
     }
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
     EXPECT_FALSE(Exists("/var/tmp/dhclient.conf"));
     for (const char* copy :
@@ -109,154 +108,88 @@ TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyOfItsOwn) {
     }
 }
 
-TEST_F(RemoveLeftoversTest, AChangeLeavesNoEditCopyHoweverFarItCame) {
+TEST_F(CleanUpTest, AChangeLeavesNoEditCopyInAnyState) {
     for (const char* copy : {"", "iface eth0", "iface eth0 inet static\n", "iface eth1\n"}) {
         LeaveEverything();
         WriteCopy(kEditCopy, copy);
-        RemoveLeftovers(kChange, true);
+        CleanUp(kChange, true);
         EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore})) << copy;
         unlink(kReplySocket);
     }
 }
 
-TEST_F(RemoveLeftoversTest, TheRestOfAFileThatWasCutStays) {
+TEST_F(CleanUpTest, TheRestOfAFileThatWasCutStays) {
     for (const char* cut : {"", "iface eth0"}) {
         LeaveEverything();
         WriteFile(kInterfaces, cut);
-        RemoveLeftovers(kChange, true);
+        CleanUp(kChange, true);
         EXPECT_EQ(testkit::ReadFile(kEditCopy), "iface eth0 inet dhcp\n");
         unlink(kReplySocket);
     }
     unlink(kInterfaces);
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     EXPECT_TRUE(Exists(kEditCopy));
 }
 
-TEST_F(RemoveLeftoversTest, WhatNoEditHasMadeStays) {
+TEST_F(CleanUpTest, AFileThatNoEditMadeStays) {
     WriteFile(kInterfaces, "iface eth0 inet static\n");
     WriteFile(kLock, "");
     WriteFile("/tmp/mine", "iface eth0 inet dhcp\n");
     ASSERT_EQ(symlink("/tmp/mine", kEditCopy), 0);
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     EXPECT_TRUE(Exists(kEditCopy));
 }
 
-TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAToolMayBePuttingItInPlace) {
+TEST_F(CleanUpTest, AnEditCopyStaysWhileAToolMayBePuttingItInPlace) {
     LeaveEverything();
-    RemoveLeftovers(kChange, false);
+    CleanUp(kChange, false);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
 
-TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
+TEST_F(CleanUpTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
     LeaveEverything();
     const int lock = VkLibLock();
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     VkLibUnLock(lock);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
 
 // The library makes that file before its first edit copy.
-TEST_F(RemoveLeftoversTest, AnEditCopyStaysWhereThereIsNoLockToTake) {
+TEST_F(CleanUpTest, AnEditCopyStaysWithoutALockFile) {
     LeaveEverything();
     unlink(kLock);
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
     EXPECT_FALSE(Exists(kLock));
 }
 
-// A log that nobody reads stops its writers.
-TEST_F(RemoveLeftoversTest, NothingIsWrittenToTheSystemLog) {
+// A log without a reader blocks its writers.
+TEST_F(CleanUpTest, NothingIsWrittenToTheSystemLog) {
     LeaveEverything();
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore}));
     EXPECT_TRUE(libc().Logs().empty());
 }
 
-TEST_F(RemoveLeftoversTest, TheToolOutputOfAnotherProgramStays) {
+TEST_F(CleanUpTest, TheToolOutputOfAnotherProgramStays) {
     LeaveEverything();
     const velk::UniqueFd lock(open(kReadersFolder, O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(lock.get(), LOCK_EX | LOCK_NB), 0);
-    RemoveLeftovers(kChange, true);
+    CleanUp(kChange, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kToolOutput}));
 }
 
-TEST_F(RemoveLeftoversTest, ARestartAsksNobodyAndEditsNothing) {
+TEST_F(CleanUpTest, ARestartLeavesNoQueryAndNoEditCopy) {
     LeaveEverything();
-    RemoveLeftovers({VELK_RESTART, VELK_CMD_RESTART, "eth1"}, true);
+    CleanUp({VELK_RESTART, VELK_CMD_RESTART, "eth1"}, true);
     EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
 }
 
-TEST_F(RemoveLeftoversTest, NothingLeftIsNothingToRemove) {
-    RemoveLeftovers(kQuery, true);
-    RemoveLeftovers({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
+TEST_F(CleanUpTest, WithoutFilesThereIsNothingToRemove) {
+    CleanUp(kQuery, true);
+    CleanUp({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
     EXPECT_EQ(Left(), Paths{});
     EXPECT_FALSE(Exists(kLock));
-}
-
-class UnfinishedEdits : public testkit::DeviceTest {
-  protected:
-    static std::string ToldOf(const Command& command) {
-        velkctl::Report report(velkctl::Report::Form::kText);
-        testing::internal::CaptureStderr();
-        velkctl::TellOfUnfinishedEdits(command, "eth0.method", report);
-        return testing::internal::GetCapturedStderr();
-    }
-};
-
-TEST_F(UnfinishedEdits, AreToldOfBeforeTheyAreLost) {
-    VkLibUnLock(VkLibLock());
-    WriteFile("/etc/dhclient.conf", "");
-    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n\x1b[1m\n");
-    EXPECT_EQ(ToldOf(kChange),
-              "velkctl: eth0.method: /etc/dhclient.conf seems to have been cut while being copied, "
-              "and this set replaces the edit copy that has the rest; the copy would add 'timeout "
-              "10;', '\\x1b[1m'; before a set, compare both files, as with 'diff "
-              "/etc/dhclient.conf /var/tmp/dhclient.conf', and if the copy is right, copy its text "
-              "into the file by hand, as root\n");
-    EXPECT_EQ(ToldOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
-    EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
-}
-
-// A host whose real and effective user differ makes its copies with mode 644.
-TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
-    WriteFile("/etc/dhclient.conf", "");
-    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
-    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0644), 0);
-    EXPECT_EQ(ToldOf(kChange),
-              "velkctl: eth0.method: this set replaces /var/tmp/dhclient.conf, which may be the "
-              "only whole text of /etc/dhclient.conf; look at it before a set\n");
-    EXPECT_EQ(ToldOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
-}
-
-TEST_F(UnfinishedEdits, AreToldOfWithoutTheSystemLog) {
-    WriteFile(kLock, "");
-    WriteFile("/etc/dhclient.conf", "");
-    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
-    EXPECT_NE(ToldOf(kChange), "");
-    EXPECT_TRUE(libc().Logs().empty());
-}
-
-TEST_F(UnfinishedEdits, AreNotThoseThatLoseNothing) {
-    WriteFile("/etc/dhclient.conf", "timeout 9;\n");
-    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
-    EXPECT_EQ(ToldOf(kChange), "");
-    WriteCopy("/var/tmp/dhclient.conf", "");
-    EXPECT_EQ(ToldOf(kChange), "");
-}
-
-TEST_F(UnfinishedEdits, AreNotFilesThatTheLibraryDidNotMake) {
-    WriteFile("/etc/dhclient.conf", "");
-    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
-    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0640), 0);
-    EXPECT_EQ(ToldOf(kChange), "");
-}
-
-TEST_F(UnfinishedEdits, AreNotThoseThatAreUnderWay) {
-    WriteFile("/etc/dhclient.conf", "");
-    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
-    const int lock = VkLibLock();
-    EXPECT_EQ(ToldOf(kChange), "");
-    VkLibUnLock(lock);
 }
 
 }  // namespace

@@ -20,8 +20,8 @@ using velkctl::Command;
 using velkctl::Data;
 using velkctl::Device;
 using velkctl::ExitStatus;
-using velkctl::Patience;
 using velkctl::Report;
+using velkctl::TimeLimits;
 
 constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
 constexpr Command kSetDns{VELK_SET, VELK_CMD_DNS, "eth0"};
@@ -29,19 +29,19 @@ constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
 
 class VelkctlDeviceTest : public testkit::DeviceTest {
   protected:
-    Answer Run(const Command& command, const Patience& patience, const std::string& what) {
+    Answer Run(const Command& command, const TimeLimits& limits, const std::string& subject) {
         Data data{};
         (void)std::string("10.0.0.1").copy(data.data(), data.size());
         Report report(Report::Form::kText);
         testing::internal::CaptureStderr();
-        Answer answer = Device(patience, report).Execute(command, data, what);
+        Answer answer = Device(limits, report).Execute(command, data, subject);
         error = testing::internal::GetCapturedStderr();
         return answer;
     }
     std::string error;
 };
 
-TEST_F(VelkctlDeviceTest, ACommandThatFindsTheLockFreeDoesNotWait) {
+TEST_F(VelkctlDeviceTest, ACommandWithAFreeLockDoesNotWait) {
     const Answer answer = Run(kSetDns, {30, 0}, "eth0.dns");
     EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
     EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
@@ -49,34 +49,34 @@ TEST_F(VelkctlDeviceTest, ACommandThatFindsTheLockFreeDoesNotWait) {
     EXPECT_EQ(error, "");
 }
 
-TEST_F(VelkctlDeviceTest, WithoutPatienceALockedDeviceIsReportedAtOnce) {
+TEST_F(VelkctlDeviceTest, WithoutWaitALockedDeviceIsReportedAtOnce) {
     const int lock = VkLibLock();
     const Answer answer = Run(kSetDns, {}, "eth0.dns");
     VkLibUnLock(lock);
     EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
     EXPECT_EQ(StatusOf(answer), ExitStatus::kLocked);
-    EXPECT_THAT(DescribeFailure("eth0.dns: could not be set", answer),
-                MatchesRegex("eth0.dns: could not be set: another program is changing settings "
-                             "now, try again, as --wait=SECONDS does \\(LIB_VELK_LOCKED, -3\\); "
+    EXPECT_THAT(OneLine(ProblemOf("eth0.dns: could not be set", "eth0.dns", answer)),
+                MatchesRegex("eth0.dns: could not be set; another program is changing settings; "
                              "process " +
                              std::to_string(getpid()) +
-                             " \\(unit_tests, [0-9]+ [a-z]+ old\\) holds the lock"));
+                             " \\(unit_tests, [0-9]+ [a-z]+ old\\) holds the lock; fix: try "
+                             "again, or let --wait=SECONDS try again \\(LIB_VELK_LOCKED, -3\\)"));
     EXPECT_TRUE(libc().Texts(Call::kNanosleep).empty());
     EXPECT_EQ(error, "");
 }
 
-TEST_F(VelkctlDeviceTest, AHolderThatCannotBeFoundIsLeftOut) {
+TEST_F(VelkctlDeviceTest, AnUnknownHolderIsNotNamed) {
     libc().Redirect("/proc/locks", "/tmp/missing");
     const int lock = VkLibLock();
     const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
     VkLibUnLock(lock);
-    EXPECT_EQ(DescribeFailure("eth0.dns: could not be set", answer),
-              "eth0.dns: could not be set: another program is changing settings now, try again, "
-              "as --wait=SECONDS does (LIB_VELK_LOCKED, -3)");
+    EXPECT_EQ(OneLine(ProblemOf("eth0.dns: could not be set", "eth0.dns", answer)),
+              "eth0.dns: could not be set; another program is changing settings; fix: try again, "
+              "or let --wait=SECONDS try again (LIB_VELK_LOCKED, -3)");
     EXPECT_EQ(error, "velkctl: waiting at most 1 s for the lock\n");
 }
 
-TEST_F(VelkctlDeviceTest, ALockThatIsHeldIsTriedLessAndLessOften) {
+TEST_F(VelkctlDeviceTest, PausesBetweenTriesForTheLockGrow) {
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     const int lock = VkLibLock();
     const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
@@ -91,7 +91,7 @@ TEST_F(VelkctlDeviceTest, ALockThatIsHeldIsTriedLessAndLessOften) {
                              "\\(unit_tests, [0-9]+ [a-z]+ old\\)\n"));
 }
 
-TEST_F(VelkctlDeviceTest, ALockThatIsGivenBackIsTaken) {
+TEST_F(VelkctlDeviceTest, AReleasedLockIsTaken) {
     int lock = VkLibLock();
     int pauses = 0;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
@@ -107,7 +107,7 @@ TEST_F(VelkctlDeviceTest, ALockThatIsGivenBackIsTaken) {
     EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
 }
 
-TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitingToo) {
+TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitForTheLock) {
     // The first pause outlasts the time. After a shorter one, a busy machine may end another try.
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [](const Event&) { (void)usleep(2100 * 1000); });
@@ -120,31 +120,33 @@ TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitingToo) {
     EXPECT_TRUE(error.starts_with("velkctl: waiting at most 2 s for the lock")) << error;
 }
 
-TEST_F(VelkctlDeviceTest, ARestartThatTakesTooLongIsGivenUp) {
+TEST_F(VelkctlDeviceTest, ARestartIsStoppedAtItsTimeout) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     const Answer answer = Run(kRestart, {0, 1}, "restart of eth0");
     EXPECT_TRUE(answer.timed_out);
     EXPECT_EQ(StatusOf(answer), ExitStatus::kTimedOut);
-    EXPECT_EQ(DescribeFailure("eth0: could not be restarted", answer),
-              "eth0: could not be restarted: given up, it took too long; it may be half done");
-    EXPECT_EQ(WhyNot(answer), "given up, it took too long");
+    EXPECT_EQ(OneLine(ProblemOf("eth0: could not be restarted", "", answer)),
+              "eth0: could not be restarted; no answer after 1 s; restart of eth0 may be "
+              "incomplete; run it again");
+    EXPECT_EQ(FailureReason(answer), "no answer after 1 s");
     EXPECT_EQ(error, "");
 }
 
-TEST_F(VelkctlDeviceTest, AChangeThatTakesTooLongIsGivenUp) {
+TEST_F(VelkctlDeviceTest, AChangeIsStoppedAtItsTimeout) {
     testkit::WriteFile("/etc/dhclient-exit-hooks", "/usr/sbin/avahi-autoipd eth0\n");
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     const Answer answer = Run({VELK_SET, VELK_CMD_APIPA, "eth0"}, {0, 1}, "eth0.apipa");
-    EXPECT_EQ(DescribeFailure("eth0.apipa: could not be set", answer),
-              "eth0.apipa: could not be set: given up, it took too long; it may be half changed");
+    EXPECT_EQ(OneLine(ProblemOf("eth0.apipa: could not be set", "", answer)),
+              "eth0.apipa: could not be set; no answer after 1 s; eth0.apipa may be incomplete; "
+              "run it again");
     EXPECT_FALSE(testkit::Exists("/var/tmp/dhclient-exit-hooks"));
 }
 
-TEST_F(VelkctlDeviceTest, AReadingThatTakesTooLongChangedNothing) {
+TEST_F(VelkctlDeviceTest, AReadingAtItsTimeoutChangedNothing) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     const Answer answer = Run({VELK_GET, VELK_CMD_LINK_SPEED, "eth0"}, {0, 1}, "eth0.link-speed");
-    EXPECT_EQ(DescribeFailure("eth0.link-speed: could not be read", answer),
-              "eth0.link-speed: could not be read: given up, it took too long");
+    EXPECT_EQ(OneLine(ProblemOf("eth0.link-speed: could not be read", "", answer)),
+              "eth0.link-speed: could not be read; no answer after 1 s");
 }
 
 TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {
@@ -157,7 +159,7 @@ TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {
               "(Killed)\n");
 }
 
-TEST_F(VelkctlDeviceTest, WhatToolsSayIsPassedOn) {
+TEST_F(VelkctlDeviceTest, OutputOfToolsBecomesNotes) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem,
                   [](const Event&) { (void)write(STDERR_FILENO, "sudo: no\x1b\n", 10); });
@@ -175,7 +177,7 @@ TEST_F(VelkctlDeviceTest, AConfiguredAddressNeedsNoProcessAndALeaseDoes) {
     EXPECT_EQ(libc().Texts(Call::kOpen).size(), 3U) << "for the method";
 }
 
-TEST_F(VelkctlDeviceTest, WhatIsReadFromAFileNeedsNoProcess) {
+TEST_F(VelkctlDeviceTest, AReadingOfAFileNeedsNoProcess) {
     testkit::WriteFile(kResolver, "nameserver 10.0.0.1\n");
     const Answer answer = Run({VELK_GET, VELK_CMD_DNS, "eth0"}, {}, "eth0.dns");
     EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);

@@ -1,4 +1,4 @@
-// Which edit copies velkctl finds, what it makes of them, and the shell lines about them.
+// The edit copies that velkctl finds, their states, and the shell lines about them.
 #include "velkctl/call/edit_copy.h"
 
 #include <set>
@@ -42,13 +42,13 @@ class EditCopyTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(EditCopyTest, NoneIsFoundWhereNoneLies) {
+TEST_F(EditCopyTest, FindsNoneAmongOtherFiles) {
     WriteFile(kCrontab, "a\n");
     WriteFile("/var/tmp/a-file-of-somebody", "a\n");
     EXPECT_TRUE(FindEditCopies().empty());
 }
 
-TEST_F(EditCopyTest, TellsAFileThatWasCut) {
+TEST_F(EditCopyTest, RecognisesAFileThatWasCut) {
     EXPECT_EQ(StateOf("a\nb\n", ""), EditState::kCut);
     EXPECT_EQ(StateOf("a\nb\n", "a\n"), EditState::kCut);
     EXPECT_EQ(StateOf("a\nb\n", "a\nb"), EditState::kCut);
@@ -56,7 +56,7 @@ TEST_F(EditCopyTest, TellsAFileThatWasCut) {
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
-TEST_F(EditCopyTest, TellsACopyThatMayBeAPart) {
+TEST_F(EditCopyTest, RecognisesACopyThatMayBeIncomplete) {
     EXPECT_EQ(StateOf("", "a\nb\n"), EditState::kPart);
     EXPECT_EQ(StateOf("", ""), EditState::kPart);
     EXPECT_EQ(StateOf("a\n", "a\nb\n"), EditState::kPart);
@@ -64,7 +64,7 @@ TEST_F(EditCopyTest, TellsACopyThatMayBeAPart) {
     EXPECT_EQ(StateOf("a\nb", "a\n"), EditState::kPart) << "it was never copied";
 }
 
-TEST_F(EditCopyTest, TellsAnEditThatWasDoneFromOneThatWasNot) {
+TEST_F(EditCopyTest, DistinguishesADoneEditFromAnUndoneOne) {
     EXPECT_EQ(StateOf("a\nb\n", "a\nb\n"), EditState::kInPlace);
     EXPECT_EQ(StateOf("a\nc\n", "a\nb\n"), EditState::kDiffers);
 }
@@ -77,7 +77,7 @@ TEST_F(EditCopyTest, KnowsWhenACopyLacksItsEnd) {
     EXPECT_EQ(Found().has_end, true);
 }
 
-TEST_F(EditCopyTest, DoesNotJudgeWhatItCannotRead) {
+TEST_F(EditCopyTest, DoesNotCompareUnreadableFiles) {
     const std::string huge = std::string(1024 * 1024, 'a') + "\n";
     EXPECT_EQ(StateOf("a\n", huge), EditState::kUncompared);
     EXPECT_EQ(StateOf(huge, "a\n"), EditState::kUncompared);
@@ -111,20 +111,20 @@ TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     for (const mode_t mode : {0640U, 0606U, 0700U, 0400U, 04600U, 04644U, 01600U, 0U}) {
         ASSERT_EQ(chmod(kCopy, mode), 0);
         EXPECT_EQ(Found().state, EditState::kForeign) << std::oct << mode;
-        EXPECT_EQ(AdditionsOf(Found()), "") << std::oct << mode;
+        EXPECT_EQ(DescribeNewLines(Found()), "") << std::oct << mode;
     }
     ASSERT_EQ(chmod(kCopy, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
-// A host whose real and effective user differ makes its copies with mode 644.
+// A host with different real and effective users makes its copies with mode 644.
 TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
     WriteCopy("a\nb\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
     for (const char* cut : {"", "a\n", "a\nb"}) {
         WriteFile(kCrontab, cut);
         EXPECT_EQ(Found().state, EditState::kUnproven) << cut;
-        EXPECT_EQ(AdditionsOf(Found()), "") << cut;
+        EXPECT_EQ(DescribeNewLines(Found()), "") << cut;
     }
     ASSERT_EQ(unlink(kCrontab), 0);
     EXPECT_EQ(Found().state, EditState::kUnproven);
@@ -166,30 +166,30 @@ TEST_F(EditCopyTest, TrustsTheFilesOwnerAndNobodyElse) {
 
 TEST_F(EditCopyTest, NamesTheLinesThatWouldBeAdded) {
     (void)StateOf("a\n\tup id > /tmp/x\nb\n", "b\na\n");
-    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add 'up id > /tmp/x'");
+    EXPECT_EQ(DescribeNewLines(Found()), "; the copy would add 'up id > /tmp/x'");
     (void)StateOf("b\n\x1b[1m\n", "");
-    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add 'b', '\x1b[1m'");
+    EXPECT_EQ(DescribeNewLines(Found()), "; the copy would add 'b', '\x1b[1m'");
     (void)StateOf("b\na\n", "a\nb\n");
-    EXPECT_EQ(AdditionsOf(Found()), "; the copy would add no line");
+    EXPECT_EQ(DescribeNewLines(Found()), "; the copy would add no line");
     (void)StateOf("1\n\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n \t\n12\n", "");
     constexpr char kAdded[] =
         "; the copy would add '1', '2', '3', '4', '5', '6', '7', '8', '9', '10' and 2 more";
-    EXPECT_EQ(AdditionsOf(Found()), kAdded);
+    EXPECT_EQ(DescribeNewLines(Found()), kAdded);
     ASSERT_EQ(unlink(kCrontab), 0);
-    EXPECT_EQ(AdditionsOf(Found()), kAdded);
+    EXPECT_EQ(DescribeNewLines(Found()), kAdded);
 }
 
 TEST_F(EditCopyTest, NamesNoLinesWhereTheyCannotBeCompared) {
     const std::string huge = std::string(1024 * 1024, 'a') + "\n";
     (void)StateOf("a\n", huge);
-    EXPECT_EQ(AdditionsOf(Found()), "");
+    EXPECT_EQ(DescribeNewLines(Found()), "");
     (void)StateOf(huge, "");
-    EXPECT_EQ(AdditionsOf(Found()), "");
+    EXPECT_EQ(DescribeNewLines(Found()), "");
 }
 
-TEST_F(EditCopyTest, TellsInWordsHowToFinishIt) {
+TEST_F(EditCopyTest, HasAdviceToFinishIt) {
     (void)StateOf("a\n", "");
-    EXPECT_EQ(FinishingOf(Found()),
+    EXPECT_EQ(AdviceToFinish(Found()),
               "compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
               "copy is right, copy its text into the file by hand, as root");
 }
@@ -197,18 +197,18 @@ TEST_F(EditCopyTest, TellsInWordsHowToFinishIt) {
 TEST_F(EditCopyTest, TheShellLineThatDiscardsItTakesTheLock) {
     (void)StateOf("a\n", "");
     VkLibUnLock(VkLibLock());
-    EXPECT_EQ(DiscardingOf(Found()), "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock");
+    EXPECT_EQ(DiscardCommand(Found()), "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock");
 }
 
 TEST_F(EditCopyTest, TheShellLineMakesNoLockWhereThereIsNone) {
     (void)StateOf("a\n", "");
-    EXPECT_EQ(DiscardingOf(Found()), "rm /var/tmp/root");
-    EXPECT_EQ(system(DiscardingOf(Found()).c_str()), 0);
+    EXPECT_EQ(DiscardCommand(Found()), "rm /var/tmp/root");
+    EXPECT_EQ(system(DiscardCommand(Found()).c_str()), 0);
     EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
     EXPECT_FALSE(testkit::Exists(kCopy));
 }
 
-// The copies that the library makes when it is told to.
+// The copies that the library makes on request.
 class EditsOfTheLibrary : public EditCopyTest {
   protected:
     void SetUp() override {
@@ -220,7 +220,7 @@ class EditsOfTheLibrary : public EditCopyTest {
         WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=a\nLOCATION=b\n");
     }
     std::set<std::string> MadeBy(const std::string& name, const std::vector<std::string>& words) {
-        const velkctl::Setting setting = FindSetting(velkctl::Catalogue(), name).value();
+        const velkctl::Setting setting = velkctl::FindSetting(name).value();
         const velkctl::Data data = setting.row->kind->Parse(words).data;
         libc().ForgetEvents();
         EXPECT_EQ(Execute(VELK_SET, setting.row->id, setting.interface, {data.data(), data.size()}),
@@ -235,7 +235,7 @@ class EditsOfTheLibrary : public EditCopyTest {
         return made;
     }
     static std::set<std::string> FoundFor(const std::string& name) {
-        const velkctl::Setting setting = FindSetting(velkctl::Catalogue(), name).value();
+        const velkctl::Setting setting = velkctl::FindSetting(name).value();
         std::set<std::string> found;
         for (const EditCopy& copy :
              FindEditCopies(Command{VELK_SET, setting.row->id, setting.interface})) {
@@ -251,7 +251,7 @@ class EditsOfTheLibrary : public EditCopyTest {
     }
 };
 
-TEST_F(EditsOfTheLibrary, AreThoseThatAreFoundForACommand) {
+TEST_F(EditsOfTheLibrary, HaveTheCopiesThatAreFoundForACommand) {
     struct Row {
         const char* name;
         std::vector<std::string> words;
@@ -282,7 +282,7 @@ TEST_F(EditsOfTheLibrary, AreThoseThatAreFoundForACommand) {
     }
 }
 
-TEST_F(EditsOfTheLibrary, AreNoneOfWhatIsReadOrRestarted) {
+TEST_F(EditsOfTheLibrary, AreNotFoundForReadsAndRestarts) {
     LeaveThemAll();
     EXPECT_TRUE(FindEditCopies({VELK_GET, VELK_CMD_GATEWAY, "eth0"}).empty());
     EXPECT_TRUE(FindEditCopies({VELK_RESTART, VELK_CMD_RESTART, "eth0"}).empty());

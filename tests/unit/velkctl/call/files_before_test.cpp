@@ -1,4 +1,4 @@
-// Which files have lost their text in a set.
+// The files that lost their text in a set.
 #include "velkctl/call/files_before.h"
 
 #include <string>
@@ -22,8 +22,8 @@ constexpr char kCopy[] = "/var/tmp/interfaces";
 
 class FilesBeforeTest : public testkit::DeviceTest {
   protected:
-    static FilesBefore Before() { return FilesBefore(*FindSetting(Catalogue(), "eth0.method")); }
-    // What is lost when the file changes in this way.
+    static FilesBefore Before() { return FilesBefore(*FindSetting("eth0.method")); }
+    // Returns the losses of this change of the file.
     static std::string Losses(std::string_view before, std::string_view after) {
         WriteFile(kInterfaces, before);
         const FilesBefore files = Before();
@@ -41,13 +41,13 @@ TEST_F(FilesBeforeTest, AnEditLosesNothing) {
     EXPECT_EQ(Losses("", "a"), "");
 }
 
-TEST_F(FilesBeforeTest, TellsOfAFileThatIsEmptyOrCut) {
+TEST_F(FilesBeforeTest, NamesAFileThatIsEmptyOrCut) {
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
-              "restore it before the device starts anew");
+              "restore it before the device restarts");
     EXPECT_EQ(Losses("a\nb\n", "a\nx"),
               "/etc/network/interfaces was cut by this set, and no edit copy has the rest: restore "
-              "it before the device starts anew");
+              "it before the device restarts");
 }
 
 TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
@@ -59,20 +59,20 @@ TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
     ASSERT_EQ(chmod(kCopy, 0640), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
-              "restore it before the device starts anew")
+              "restore it before the device restarts")
         << "it is not the library's";
 }
 
-// A host whose real and effective user differ makes its copies with mode 644.
+// A host with different real and effective users makes its copies with mode 644.
 TEST_F(FilesBeforeTest, NamesACopyThatMayHaveTheRest) {
     WriteFile(kCopy, "a\nc\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and /var/tmp/interfaces may be the "
-              "only whole text; look at it before you remove it, see 'velkctl doctor'");
+              "only complete text; look at it before you remove it, see 'velkctl doctor'");
 }
 
-TEST_F(FilesBeforeTest, TellsOfEveryFileOfTheSetting) {
+TEST_F(FilesBeforeTest, NamesEveryFileOfTheSetting) {
     WriteFile(kInterfaces, "a\n");
     WriteFile(kDhcpConfig, "b\n");
     WriteFile("/var/cron/tabs/root", "c\n");
@@ -82,11 +82,11 @@ TEST_F(FilesBeforeTest, TellsOfEveryFileOfTheSetting) {
     WriteFile("/var/cron/tabs/root", "");
     EXPECT_EQ(files.Losses(),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
-              "restore it before the device starts anew; /etc/dhclient.conf is empty since this "
-              "set, and no edit copy has the rest: restore it before the device starts anew");
+              "restore it before the device restarts; /etc/dhclient.conf is empty since this "
+              "set, and no edit copy has the rest: restore it before the device restarts");
 }
 
-TEST_F(FilesBeforeTest, SaysNothingOfWhatCannotBeRead) {
+TEST_F(FilesBeforeTest, NamesNoFileThatCannotBeRead) {
     EXPECT_EQ(Before().Losses(), "");
     WriteFile(kInterfaces, "a\n");
     const FilesBefore files = Before();

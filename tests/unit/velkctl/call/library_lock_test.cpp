@@ -57,7 +57,7 @@ TEST_F(LibraryLockTest, FollowsNoLink) {
     EXPECT_TRUE(lock.is_busy());
 }
 
-// Whoever opens the new file can lock that one at the same time.
+// Another program can open the new file and lock it at the same time.
 TEST_F(LibraryLockTest, IsNotHeldOnAFileThatWasMadeAnew) {
     MakeLockFile();
     libc().OnCall(Call::kFlock, [](const Event&) {

@@ -1,4 +1,4 @@
-// How long commands may take, and what they wait for.
+// The longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 
 #include <string>
@@ -7,16 +7,16 @@
 
 namespace {
 
-using velkctl::Blocking;
-using velkctl::LongestCall;
+using velkctl::LongestWait;
+using velkctl::LongestWaitOf;
 
 // "165 s for the wireless daemon"
 std::string Longest(velk_command_type type, uint32_t id, std::string_view interface) {
-    const Blocking blocking = LongestCall({type, id, interface});
-    return std::to_string(blocking.seconds) + " s for " + std::string(blocking.awaited);
+    const LongestWait longest = LongestWaitOf({type, id, interface});
+    return std::to_string(longest.seconds) + " s for " + std::string(longest.awaited);
 }
 
-TEST(LongestCall, AFileTakesNoTime) {
+TEST(LongestWaitOf, AFileTakesNoTime) {
     EXPECT_EQ(Longest(VELK_GET, VELK_CMD_DNS, "eth0"), "0 s for ");
     EXPECT_EQ(Longest(VELK_SET, VELK_CMD_DNS, "eth1"), "0 s for ");
     EXPECT_EQ(Longest(VELK_GET, VELK_CMD_ADMINISTRATOR, ""), "0 s for ");
@@ -28,14 +28,14 @@ TEST(LongestCall, AFileTakesNoTime) {
     EXPECT_EQ(Longest(VELK_GET, VELK_CMD_MAC_ADDRESS, "eth0"), "0 s for ");
 }
 
-TEST(LongestCall, AnAddressOfTheAdapterWaitsForTheLink) {
+TEST(LongestWaitOf, AnAddressOfTheAdapterWaitsForTheLink) {
     for (const auto id :
          {VELK_CMD_MAC_ADDRESS, VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
-        EXPECT_EQ(Longest(VELK_GET, id, "eth1"), "105 s for ethtool to tell the state of the link");
+        EXPECT_EQ(Longest(VELK_GET, id, "eth1"), "105 s for ethtool to report the link state");
     }
 }
 
-TEST(LongestCall, TheConfigurationOfTheAdapterWaitsForTheDaemon) {
+TEST(LongestWaitOf, TheConfigurationOfTheAdapterWaitsForTheDaemon) {
     for (const auto type : {VELK_GET, VELK_SET}) {
         for (const auto id : {VELK_CMD_SERVICE_SET, VELK_CMD_SSID, VELK_CMD_CHANNEL,
                               VELK_CMD_ENCRYPTION, VELK_CMD_AUTHENTICATION, VELK_CMD_WEP_KEY_4,
@@ -45,32 +45,32 @@ TEST(LongestCall, TheConfigurationOfTheAdapterWaitsForTheDaemon) {
     }
 }
 
-TEST(LongestCall, TheStateOfTheAdapterWaitsForTheLinkAndForTheDaemon) {
+TEST(LongestWaitOf, TheStateOfTheAdapterWaitsForTheLinkAndForTheDaemon) {
     for (const auto id : {VELK_CMD_HARDWARE_VERSION, VELK_CMD_SOFTWARE_VERSION, VELK_CMD_STANDARD,
                           VELK_CMD_REGION, VELK_CMD_RATE, VELK_CMD_ACCESS_POINT, VELK_CMD_SIGNAL}) {
         EXPECT_EQ(Longest(VELK_GET, id, "eth1"),
-                  "165 s for ethtool to tell the state of the link, then for the wireless daemon "
+                  "165 s for ethtool to report the link state, then for the wireless daemon "
                   "to answer");
     }
 }
 
-TEST(LongestCall, ARestartWaitsForTheInterface) {
+TEST(LongestWaitOf, ARestartWaitsForTheInterface) {
     EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth0"),
               "171 s for the interface to come up");
     EXPECT_EQ(Longest(VELK_RESTART, VELK_CMD_RESTART, "eth1"),
               "106 s for the interface to come up");
 }
 
-TEST(LongestCall, ToolsOfTheirOwnSpeedAreNamed) {
+TEST(LongestWaitOf, ToolsOfUnknownSpeedAreNamed) {
     EXPECT_EQ(Longest(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), "0 s for ethtool to finish");
     EXPECT_EQ(Longest(VELK_SET, VELK_CMD_LINK_SPEED, "eth0"), "0 s for ethtool to finish");
     EXPECT_EQ(Longest(VELK_SET, VELK_CMD_ADMINISTRATOR, ""), "0 s for the SNMP daemon to restart");
     EXPECT_EQ(Longest(VELK_SET, VELK_CMD_LOCATION, ""), "0 s for the SNMP daemon to restart");
 }
 
-TEST(LongestGet, IsThatOfReadingTheSetting) {
-    const auto setting = velkctl::FindSetting(velkctl::Catalogue(), "eth1.ssid");
-    EXPECT_EQ(velkctl::LongestGet(*setting).seconds, 60);
+TEST(LongestWaitOf, ASettingWaitsAsLongAsReadingIt) {
+    const auto setting = velkctl::FindSetting("eth1.ssid");
+    EXPECT_EQ(velkctl::LongestWaitOf(*setting).seconds, 60);
 }
 
 }  // namespace

@@ -9,12 +9,12 @@ namespace {
 
 using velkctl::StopSignals;
 
-TEST(StopSignalsTest, NoneHasComeBeforeOneComes) {
+TEST(StopSignalsTest, NoSignalIsPendingAtFirst) {
     const StopSignals signals;
     EXPECT_EQ(signals.Pending(), 0);
 }
 
-TEST(StopSignalsDeathTest, ASignalThatHasComeEndsTheProcessAfterwards) {
+TEST(StopSignalsDeathTest, APendingSignalEndsTheProcessAtTheEndOfTheScope) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         const auto put_off = [signal] {
             const StopSignals signals;
@@ -35,7 +35,7 @@ TEST(StopSignalsDeathTest, AnIgnoredSignalStaysIgnored) {
     EXPECT_EXIT(ignore(), testing::ExitedWithCode(0), "");
 }
 
-TEST(StopSignalsDeathTest, AnotherSignalIsNotPutOff) {
+TEST(StopSignalsDeathTest, AnotherSignalIsNotDelayed) {
     const auto quit = [] {
         const StopSignals signals;
         (void)raise(SIGUSR1);
@@ -43,10 +43,10 @@ TEST(StopSignalsDeathTest, AnotherSignalIsNotPutOff) {
     EXPECT_EXIT(quit(), testing::KilledBySignal(SIGUSR1), "");
 }
 
-TEST(EndByDeathTest, EndsTheProcessByTheSignalEvenWhenItIsPutOff) {
+TEST(EndBySignalDeathTest, EndsTheProcessByTheSignalEvenIfItIsDelayed) {
     const auto end = [] {
         const StopSignals signals;
-        velkctl::EndBy(SIGINT);
+        velkctl::EndBySignal(SIGINT);
     };
     EXPECT_EXIT(end(), testing::KilledBySignal(SIGINT), "");
 }

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/text/escaping.h"
+#include "velkctl/report/output.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ class CommandLine : public testing::Test {
     ExitStatus Run(const std::vector<std::string>& arguments) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        Report report(velkctl::FormAskedFor(arguments));
+        Report report(velkctl::RequestedForm(arguments));
         const ExitStatus status = velkctl::RunCommandLine(arguments, report);
         report.Finish(status);
         (void)velkctl::FinishPrinting();
@@ -37,20 +37,18 @@ class CommandLine : public testing::Test {
 
 TEST_F(CommandLine, ShowsTheHelpOfAVerb) {
     const std::string help =
-        "velkctl restart: bring an interface down and up again, so that changed settings take "
-        "effect\n"
+        "velkctl restart: bring an interface down and up to apply its settings\n"
         "Usage: velkctl restart eth0|eth1 [OPTION...]\n"
         "\n"
         "Options:\n"
-        "  -h,--help                   show this help\n"
-        "  --wait                      while another program changes settings, try again for 30 s, "
-        "or --wait=SECONDS\n"
-        "  --timeout SECONDS           give up when it takes longer\n"
-        "  --json                      answer as one JSON document\n"
-        "  --notify-only               eth1: tell the wireless daemon, leave the interface up\n"
+        "  -h,--help           show this help\n"
+        "  --wait              try again for 30 s while settings are locked; or --wait=N\n"
+        "  --timeout SECONDS   stop if no answer comes within SECONDS\n"
+        "  --json              print one JSON document\n"
+        "  --notify-only       eth1: notify the wireless daemon only; eth1 stays up\n"
         "\n"
-        "With a wireless adapter attached and the cable in, restarting eth0 takes more than a "
-        "minute.\n"
+        "Restarting eth0 takes more than a minute if a wireless adapter is attached and\n"
+        "the cable is in.\n"
         "\n"
         "Examples:\n"
         "  velkctl restart eth0\n"
@@ -66,7 +64,7 @@ TEST_F(CommandLine, ShowsTheHelpOfAVerb) {
     }
 }
 
-TEST_F(CommandLine, ShowsItsOwnHelpWhereverItIsAskedFor) {
+TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
     EXPECT_EQ(Run({"--help"}), ExitStatus::kDone);
     const std::string help = output;
     EXPECT_EQ(help.substr(0, help.find("Verbs:")),
@@ -74,16 +72,15 @@ TEST_F(CommandLine, ShowsItsOwnHelpWhereverItIsAskedFor) {
               "Usage: velkctl VERB [ARGUMENT...]\n"
               "\n"
               "Options:\n"
-              "  -h,--help                   show this help\n"
-              "  --version                   show the version\n"
-              "  --json                      answer as one JSON document\n"
+              "  -h,--help           show this help\n"
+              "  --version           show the version\n"
+              "  --json              print one JSON document\n"
               "\n");
     EXPECT_EQ(help.substr(help.find("  7 ")),
-              "  7         given up because it took too long\n"
+              "  7         no answer before the timeout\n"
               "\n"
-              "'velkctl VERB --help' tells more about a verb, and has examples. 'velkctl list' "
-              "names\n"
-              "the settings.\n");
+              "'velkctl VERB --help' describes a verb, with examples. 'velkctl list' lists the\n"
+              "settings.\n");
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"-h"}, {"help"}, {"--bogus", "--help", "get"}}) {
         EXPECT_EQ(Run(arguments), ExitStatus::kDone);
@@ -94,26 +91,26 @@ TEST_F(CommandLine, ShowsItsOwnHelpWhereverItIsAskedFor) {
 TEST_F(CommandLine, HasHelpAndVersionAsDocuments) {
     EXPECT_EQ(Run({"--version", "--json"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find("\"version\"")),
-              "{\n  \"schema\": 1,\n  \"verb\": null,\n  \"status\": 0,\n  ");
+              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  ");
     EXPECT_EQ(Run({"get", "--json", "-h"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find(':', output.find("\"help\""))),
-              "{\n  \"schema\": 1,\n  \"verb\": null,\n  \"status\": 0,\n  \"help\"");
+              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"help\"");
 }
 
-TEST_F(CommandLine, TakesJsonInFrontOfTheVerbToo) {
+TEST_F(CommandLine, TakesJsonBeforeTheVerbToo) {
     EXPECT_EQ(Run({"--json", "--json", "describe", "ntp"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find("\"status\"")),
-              "{\n  \"schema\": 1,\n  \"verb\": \"describe\",\n  ");
+              "{\n  \"schema\": 2,\n  \"verb\": \"describe\",\n  ");
 }
 
-TEST_F(CommandLine, RefusesOptionsOfVerbsInFrontOfThem) {
+TEST_F(CommandLine, RefusesOptionsOfVerbsBeforeThem) {
     Refuses({"--timeout", "5", "get", "ntp"},
-            "option '--timeout' stands in front of the verb; give it behind the verb");
+            "'--timeout' is an option of a verb; give it after the verb");
     Refuses({"--text=secret", "call", "get", "108"},
-            "option '--text' stands in front of the verb; give it behind the verb");
+            "'--text' is an option of a verb; give it after the verb");
 }
 
-TEST_F(CommandLine, RefusesTheBeginningOfAnOption) {
+TEST_F(CommandLine, RefusesAnAbbreviatedOption) {
     Refuses({"--jso"}, "unknown option '--jso'; did you mean --json?");
     Refuses({"--vers"}, "unknown option '--vers'; did you mean --version?");
     Refuses({"-json"}, "unknown option '-json'; did you mean --json?");
@@ -131,14 +128,14 @@ TEST_F(CommandLine, RefusesAValueOfAnyOfItsFlags) {
     Refuses({"get", "ntp", "--json=no"}, "get: option '--json' takes no value; leave it out");
 }
 
-TEST_F(CommandLine, RefusesWordsThatAreNoVerbs) {
+TEST_F(CommandLine, RefusesUnknownVerbs) {
     const std::string verbs =
-        "get, set, show, restart, list, describe, explain, doctor, call or help ('velkctl --help' "
-        "explains them)";
-    Refuses({}, "no verb given; give " + verbs);
+        "\n  fix: give get, set, show, restart, list, describe, explain, doctor, call or help"
+        "\n  see 'velkctl --help'";
+    Refuses({}, "no verb given" + verbs);
     for (const char* word : {"", "-", "--", "x=secret"}) {
         const std::string shown = word == std::string("x=secret") ? "x" : word;
-        Refuses({word, "get", "ntp"}, "unknown verb '" + shown + "'; give " + verbs);
+        Refuses({word, "get", "ntp"}, "unknown verb '" + shown + "'" + verbs);
     }
 }
 

@@ -18,7 +18,7 @@ namespace {
 using velkctl::Catalogue;
 using velkctl::ExitStatus;
 using velkctl::Setting;
-using velkctl::SettingsOf;
+using velkctl::Settings;
 using velkctl::Verb;
 using velkctl::Verbs;
 
@@ -49,7 +49,7 @@ std::vector<Line> Lines(const std::string& section = "") {
     return lines;
 }
 
-// The options in a line: the words behind "Fl".
+// The options in a line: the words after "Fl".
 std::set<std::string> OptionsIn(const Line& line) {
     std::set<std::string> options;
     for (size_t i = 1; i < line.size(); ++i) {
@@ -89,7 +89,7 @@ std::set<std::string> VerbNames() {
     return names;
 }
 
-TEST(Manual, GivesEveryVerbWithItsOwnOptionsInTheSynopsis) {
+TEST(Manual, HasEveryVerbWithItsOptionsInTheSynopsis) {
     std::map<std::string, std::set<std::string>> expected{{"help", {}}};
     for (const Verb& verb : Verbs()) {
         expected[std::string(verb.name)] = OptionsOf(verb);
@@ -130,7 +130,7 @@ TEST(Manual, ExplainsEveryOption) {
     EXPECT_EQ(found, AllOptions());
 }
 
-TEST(Manual, NamesNoOptionThatThereIsNot) {
+TEST(Manual, NamesNoUnknownOption) {
     const std::set<std::string> known = AllOptions();
     for (const Line& line : Lines()) {
         for (const std::string& option : OptionsIn(line)) {
@@ -184,7 +184,7 @@ std::map<std::string, std::string> SettingsInPage() {
 
 TEST(Manual, NamesEverySettingWithItsIdAndDirections) {
     std::map<std::string, std::string> expected;
-    for (const Setting& setting : SettingsOf(Catalogue())) {
+    for (const Setting& setting : Settings()) {
         expected[setting.name()] = std::to_string(setting.row->id) +
                                    (setting.can_get() ? " get" : "") +
                                    (setting.can_set() ? " set" : "");
@@ -192,7 +192,7 @@ TEST(Manual, NamesEverySettingWithItsIdAndDirections) {
     EXPECT_EQ(SettingsInPage(), expected);
 }
 
-TEST(Manual, SaysOfEverySettingWhatVelkctlSays) {
+TEST(Manual, DescribesEverySettingAsVelkctlDoes) {
     std::string page;
     for (const Line& line : Lines("SETTINGS")) {
         for (const std::string& word : line) {
@@ -209,7 +209,7 @@ TEST(Manual, SaysOfEverySettingWhatVelkctlSays) {
     }
 }
 
-TEST(Manual, ExamplesAreOfVerbsThatThereAre) {
+TEST(Manual, ExamplesAreOfKnownVerbs) {
     size_t examples = 0;
     for (const Line& line : Lines()) {
         if (line[0] == "velkctl" && line.size() > 1) {

@@ -15,11 +15,11 @@ using velkctl::ReadSecret;
 using velkctl::Secret;
 
 constexpr char kFile[] = "/tmp/secret";
-constexpr char kHint[] = "; '-' takes the value from standard input, @FILE from a file";
+constexpr char kHint[] = "; - reads the value from standard input, @FILE from a file";
 
 class ReadSecretTest : public testkit::DeviceTest {
   protected:
-    // Reads "-" with a file as standard input; `rest` is what is left of it.
+    // Reads "-" with a file as standard input; `rest` is its unread part.
     Secret FromStandardInput(const std::string& path, std::string* rest = nullptr) {
         const int saved = dup(STDIN_FILENO);
         const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -48,14 +48,14 @@ TEST_F(ReadSecretTest, AnyOtherWordIsTheSecret) {
     }
 }
 
-TEST_F(ReadSecretTest, AFileGivesItsLine) {
+TEST_F(ReadSecretTest, AFileHasOneLine) {
     EXPECT_EQ(FromFile("hunter2\n").text, "hunter2");
     EXPECT_EQ(FromFile("hunter2").text, "hunter2");
     EXPECT_EQ(FromFile(" a b \n").text, " a b ");
     EXPECT_EQ(FromFile("hunter2\n").problem, "");
 }
 
-TEST_F(ReadSecretTest, WhatIsReadIsTakenAsItStands) {
+TEST_F(ReadSecretTest, TheLineIsTakenUnchanged) {
     EXPECT_EQ(FromFile("-\n").text, "-");
     EXPECT_EQ(FromFile("@/etc/passwd\n").text, "@/etc/passwd");
     EXPECT_EQ(FromFile("a\r\n").text, "a\r");
@@ -68,12 +68,12 @@ TEST_F(ReadSecretTest, AnEmptyLineIsAnEmptyText) {
 }
 
 TEST_F(ReadSecretTest, AnEmptyFileIsNoSecret) {
-    EXPECT_EQ(FromFile("").problem, "the file behind @ is empty; give the value as one line");
+    EXPECT_EQ(FromFile("").problem, "the file after @ is empty; give the value as one line");
 }
 
 TEST_F(ReadSecretTest, AFileWithMoreLinesIsTheWrongFile) {
     const std::string problem =
-        "the file behind @ has more than one line; give the value as the only one";
+        "the file after @ has more than one line; give the value as the only one";
     EXPECT_EQ(FromFile("hunter2\nmore\n").problem, problem);
     EXPECT_EQ(FromFile("hunter2\n\n").problem, problem);
     EXPECT_EQ(FromFile("hunter2\nmore\n").text, "");
@@ -81,27 +81,27 @@ TEST_F(ReadSecretTest, AFileWithMoreLinesIsTheWrongFile) {
 
 TEST_F(ReadSecretTest, AFileThatCannotBeReadIsNotNamed) {
     EXPECT_EQ(ReadSecret("@/tmp/hunter2").problem,
-              std::string("the file behind @ cannot be read: No such file or directory") + kHint);
+              std::string("the file after @ cannot be read: No such file or directory") + kHint);
     EXPECT_EQ(ReadSecret("@").problem,
-              std::string("the file behind @ cannot be read: No such file or directory") + kHint);
+              std::string("the file after @ cannot be read: No such file or directory") + kHint);
     EXPECT_EQ(ReadSecret("@/tmp").problem,
-              std::string("the file behind @ cannot be read: Is a directory") + kHint);
+              std::string("the file after @ cannot be read: Is a directory") + kHint);
 }
 
 TEST_F(ReadSecretTest, ALineHasAtMost512Bytes) {
     EXPECT_EQ(FromFile(std::string(512, 'x') + "\n").text, std::string(512, 'x'));
     EXPECT_EQ(FromFile(std::string(513, 'x') + "\n").problem,
-              "the file behind @ has a line of more than 512 bytes; give the value alone");
+              "the file after @ has a line of more than 512 bytes; give the value alone");
 }
 
-TEST_F(ReadSecretTest, ALineMayBeLetBeLonger) {
+TEST_F(ReadSecretTest, TheLongestLineIsAParameter) {
     WriteFile(kFile, std::string(600, 'x'));
     EXPECT_EQ(ReadSecret("@/tmp/secret", 600).text, std::string(600, 'x'));
     EXPECT_EQ(ReadSecret("@/tmp/secret", 599).problem,
-              "the file behind @ has a line of more than 599 bytes; give the value alone");
+              "the file after @ has a line of more than 599 bytes; give the value alone");
 }
 
-TEST_F(ReadSecretTest, StandardInputGivesOneLineAndKeepsTheRest) {
+TEST_F(ReadSecretTest, StandardInputIsReadUpToOneLine) {
     WriteFile(kFile, "hunter2\nmore\n");
     std::string rest;
     const Secret secret = FromStandardInput(kFile, &rest);
@@ -120,7 +120,7 @@ TEST_F(ReadSecretTest, EmptyStandardInputIsNoSecret) {
               "standard input is empty; give the value as one line");
 }
 
-TEST_F(ReadSecretTest, StandardInputThatCannotBeRead) {
+TEST_F(ReadSecretTest, StandardInputThatCannotBeReadIsReported) {
     EXPECT_EQ(FromStandardInput("/tmp").problem,
               std::string("standard input cannot be read: Is a directory") + kHint);
 }

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using velkctl::Arguments;
 using velkctl::Verb;
-using velkctl::Words;
+using Words = std::vector<std::string>;
 
 const Verb& VerbOf(std::string_view name) {
     return *std::ranges::find(velkctl::Verbs(), name, &Verb::name);
@@ -43,7 +43,7 @@ TEST(Arguments, AreTakenInAnyOrderInAPosixEnvironmentToo) {
     EXPECT_THAT(read.invocation.words, ElementsAre("eth0.dns", "ntp"));
 }
 
-TEST(Arguments, BehindTwoDashesAreWords) {
+TEST(Arguments, AreWordsAfterTwoDashes) {
     const Arguments read = Read("set", {"--force", "--", "location", "--json", "--", "-hello"});
     EXPECT_EQ(read.problem, "");
     EXPECT_EQ(read.unknown, "");
@@ -55,13 +55,13 @@ TEST(Arguments, BehindTwoDashesAreWords) {
     EXPECT_THAT(Read("get", {"--"}).invocation.words, IsEmpty());
 }
 
-TEST(Arguments, WithADashAndADigitAreWords) {
+TEST(Arguments, AreWordsIfADigitFollowsTheDash) {
     const Arguments read = Read("set", {"ntp", "-5", "-52", "-5x", "-", ""});
     EXPECT_EQ(read.unknown, "");
     EXPECT_THAT(read.invocation.words, ElementsAre("ntp", "-5", "-52", "-5x", "-", ""));
 }
 
-TEST(Arguments, ThatBeginLikeAnOptionAreNoOption) {
+TEST(Arguments, AreUnknownIfAnOptionIsAbbreviated) {
     for (const char* word : {"--jso", "--no", "-json", "--j", "-j", "---json", "--JSON", "-w",
                              "--wai=5", "--=5", "-=", "-:x", "-Wjson"}) {
         const Arguments read = Read("set", {"ntp", word, "on"});
@@ -73,7 +73,7 @@ TEST(Arguments, ThatBeginLikeAnOptionAreNoOption) {
     }
 }
 
-TEST(Arguments, BehindTheBeginningOfAnOptionAreNotItsValue) {
+TEST(Arguments, AreNotTakenAsTheValueOfAnAbbreviatedOption) {
     const Arguments read = Read("get", {"--timeou", "eth1.psk", "--json"});
     EXPECT_EQ(read.unknown, "--timeou");
     EXPECT_EQ(read.invocation.timeout, std::nullopt);
@@ -83,7 +83,7 @@ TEST(Arguments, BehindTheBeginningOfAnOptionAreNotItsValue) {
     EXPECT_EQ(Read("get", {"--timeou"}).unknown, "--timeou");
 }
 
-TEST(Arguments, NameTheFirstUnknownOption) {
+TEST(Arguments, ReportTheFirstUnknownOption) {
     const Arguments read = Read("get", {"-x", "--help", "--bogus=1", "--", "-y"});
     EXPECT_EQ(read.unknown, "-x");
     EXPECT_TRUE(read.invocation.help);
@@ -96,7 +96,7 @@ TEST(Arguments, AskForHelpInTwoWays) {
     EXPECT_FALSE(Read("list", {"--", "-h"}).invocation.help);
 }
 
-TEST(Arguments, OfAFlagAreNoValues) {
+TEST(Arguments, RefuseAValueForAFlag) {
     const auto problem = [](const char* word) { return Read("get", {"ntp", word}).problem; };
     EXPECT_EQ(problem("--json=no"), "option '--json' takes no value; leave it out");
     EXPECT_EQ(problem("--json="), "option '--json' takes no value; leave it out");
@@ -105,7 +105,7 @@ TEST(Arguments, OfAFlagAreNoValues) {
     EXPECT_EQ(problem("-h=x"), "option '-h' takes no value; leave it out");
 }
 
-TEST(Arguments, HaveNoFlagsInARow) {
+TEST(Arguments, DoNotCombineFlagsInOneWord) {
     for (const char* word : {"-hello", "-hq", "-help", "-hh", "-qh"}) {
         const Arguments read = Read("get", {"ntp", word});
         EXPECT_EQ(read.problem, "");
@@ -114,7 +114,7 @@ TEST(Arguments, HaveNoFlagsInARow) {
     }
 }
 
-TEST(Arguments, OfAnOptionStandBehindItOrBehindAnEqualsSign) {
+TEST(Arguments, TakeTheValueOfAnOptionFromTheNextWordOrAfterAnEqualsSign) {
     const auto text = [](const Words& words) { return Read("call", words).invocation.text; };
     EXPECT_EQ(text({"--text", "a"}), "a");
     EXPECT_EQ(text({"--text=a"}), "a");
@@ -128,13 +128,13 @@ TEST(Arguments, OfAnOptionStandBehindItOrBehindAnEqualsSign) {
     EXPECT_THAT(Read("call", {"--text=", "a"}).invocation.words, ElementsAre("a"));
 }
 
-TEST(Arguments, LackTheValueOfAnOptionThatStandsLast) {
-    EXPECT_EQ(Read("call", {"set", "--text"}).problem, "option '--text' needs a value behind it");
-    EXPECT_EQ(Read("get", {"--timeout"}).problem, "option '--timeout' needs a value behind it");
+TEST(Arguments, ReportAMissingValueOfTheLastOption) {
+    EXPECT_EQ(Read("call", {"set", "--text"}).problem, "option '--text' needs a value");
+    EXPECT_EQ(Read("get", {"--timeout"}).problem, "option '--timeout' needs a value");
     EXPECT_EQ(Read("set", {"ntp", "--wait"}).problem, "");
 }
 
-TEST(Arguments, ImplyTheSecondsOfWaiting) {
+TEST(Arguments, HaveADefaultForTheSecondsOfWait) {
     const auto wait = [](const char* word) {
         return Read("set", {"ntp", word, "on"}).invocation.wait;
     };
@@ -144,8 +144,8 @@ TEST(Arguments, ImplyTheSecondsOfWaiting) {
     EXPECT_EQ(wait("--wait=soon"), "soon");
 }
 
-TEST(Arguments, MeanSecondsByANumberBehindWaiting) {
-    const std::string problem = "--wait takes its seconds behind '='; write --wait=SECONDS";
+TEST(Arguments, RefuseTheSecondsOfWaitAsASeparateWord) {
+    const std::string problem = "--wait takes its seconds after '='; write --wait=SECONDS";
     EXPECT_EQ(Read("restart", {"eth0", "--wait", "5"}).problem, problem);
     EXPECT_EQ(Read("set", {"--wait", "5", "ntp", "on"}).problem, problem);
     EXPECT_EQ(Read("set", {"eth1.channel", "6", "--wait", "5"}).problem, problem);
@@ -155,13 +155,13 @@ TEST(Arguments, MeanSecondsByANumberBehindWaiting) {
     EXPECT_EQ(Read("set", {"--", "--wait", "5"}).problem, "");
 }
 
-TEST(Arguments, NameAnOptionThatIsGivenTwice) {
+TEST(Arguments, ReportAnOptionThatIsGivenTwice) {
     EXPECT_EQ(Read("get", {"--timeout", "1", "--timeout=1"}).twice, "--timeout");
     EXPECT_EQ(Read("set", {"--wait", "--wait"}).twice, "--wait");
     EXPECT_EQ(Read("get", {"--json", "--json"}).twice, "");
 }
 
-TEST(Arguments, AreReadAnewEveryTime) {
+TEST(Arguments, AreReadIndependentlyEveryTime) {
     EXPECT_NE(Read("call", {"-h=x", "get", "108", "--json"}).problem, "");
     EXPECT_THAT(Read("get", {"--", "a", "b", "c"}).invocation.words, ElementsAre("a", "b", "c"));
     const Arguments read = Read("get", {"ntp", "--json"});

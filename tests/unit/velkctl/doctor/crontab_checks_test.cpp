@@ -1,4 +1,4 @@
-// What the doctor says about the entries of the crontab.
+// The doctor's findings about the entries of the crontab.
 #include <string>
 #include <string_view>
 
@@ -9,22 +9,22 @@ namespace {
 
 using velkctl::CheckTimeEntry;
 using velkctl::CheckWebUpdate;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class CrontabCheck : public testkit::DeviceTest {
   protected:
     static std::string ExamineTime(std::string_view text) {
         testkit::WriteFile("/var/cron/tabs/root", text);
-        return FindingsInWords(CheckTimeEntry());
+        return FormatFindings(CheckTimeEntry());
     }
     static std::string ExamineUpdate(std::string_view text) {
         testkit::WriteFile("/var/cron/tabs/root", text);
-        return FindingsInWords(CheckWebUpdate());
+        return FormatFindings(CheckWebUpdate());
     }
 };
 
-constexpr char kMend[] =
-    "  mend: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
+constexpr char kFix[] =
+    "  fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
 
 TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
     EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n"), "");
@@ -33,46 +33,50 @@ TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
 
 TEST_F(CrontabCheck, FindsNoTimeEntry) {
     EXPECT_EQ(ExamineTime("0 * * * * true\n"),
-              "problem: ntp and ntp-server cannot be set: /var/cron/tabs/root: no entry runs "
-              "ntpdate\n" +
-                  std::string(kMend));
+              "problem: ntp and ntp-server cannot be set\n"
+              "  /var/cron/tabs/root: no entry runs ntpdate\n" +
+                  std::string(kFix));
 }
 
 TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 2>/var/libvelk/ntp.log 10.0.0.1\n"),
-              "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: "
-              "'2>/var/libvelk/ntp.log' is taken for it\n" +
-                  std::string(kMend));
+              "problem: ntp-server is read and set in the wrong place\n"
+              "  /var/cron/tabs/root:1: '2>/var/libvelk/ntp.log' is taken for it\n" +
+                  std::string(kFix));
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.1\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: the server is its last "
-              "word; setting it joins the entry with the next line\n" +
-                  std::string(kMend) +
-                  "warning: ntp-result does not tell of this entry: /var/cron/tabs/root:1: its "
-                  "output does not go to /var/libvelk/ntp.log\n" +
-                  kMend);
+              "problem: ntp-server cannot be set\n"
+              "  /var/cron/tabs/root:1: the server is its last word\n"
+              "  setting it joins the entry with the next line\n" +
+                  std::string(kFix) +
+                  "warning: ntp-result does not see this entry's result\n"
+                  "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
+                  kFix);
 }
 
 TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
-    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: it has neither a server "
-              "nor a '>' to put one before\n" +
-                  std::string(kMend) +
-                  "warning: ntp-result does not tell of this entry: /var/cron/tabs/root:1: its "
-                  "output does not go to /var/libvelk/ntp.log\n" +
-                  kMend);
-    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server cannot be set: /var/cron/tabs/root:1: a new server would be "
-              "joined with another word of it\n" +
-                  std::string(kMend));
+    EXPECT_EQ(
+        ExamineTime("0 * * * * ntpdate -u\n"),
+        "problem: ntp-server cannot be set\n"
+        "  /var/cron/tabs/root:1: it has no server, and no '>' before which one could be put\n" +
+            std::string(kFix) +
+            "warning: ntp-result does not see this entry's result\n"
+            "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
+            kFix);
+    EXPECT_EQ(
+        ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
+        "problem: ntp-server cannot be set\n"
+        "  /var/cron/tabs/root:1: a new server would be joined to another word on the line\n" +
+            std::string(kFix));
 }
 
-TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
+TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
     const auto finding = [](const std::string& server) {
-        return "problem: ntp-server cannot be set: /var/cron/tabs/root:1: '" + server +
-               "' stands in front of the server, too, and is replaced there\n"
-               "  mend: write the server's address in its place with an editor, or a name that "
-               "does "
-               "not stand further in front on the line\n";
+        return "problem: ntp-server cannot be set\n"
+               "  /var/cron/tabs/root:1: '" +
+               server +
+               "' also occurs earlier on the line, and a set replaces it there\n"
+               "  fix: write the server's address in its place with an editor, or a name that does "
+               "not occur earlier on the line\n";
     };
     EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"), finding("5"));
     EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n"),
@@ -83,29 +87,30 @@ TEST_F(CrontabCheck, FindsAServerWhoseTextComesEarlier) {
 
 TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server is joined with another entry: /var/cron/tabs/root:1: two "
-              "entries stand on one line, as a set makes of a server that is the last word of its "
-              "line\n"
-              "  mend: put the second one on a line of its own, and write: 0 * * * * "
+              "problem: ntp-server is joined with another entry\n"
+              "  /var/cron/tabs/root:1: two entries are on one line, as after a set of a server "
+              "that is the last word of its line\n"
+              "  fix: put the second one on a line of its own, and write: 0 * * * * "
               "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
 }
 
 TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate -t 5 10.0.0.1 > /var/libvelk/ntp.log\n"),
-              "problem: ntp-server is read and set in the wrong place: /var/cron/tabs/root:1: the "
-              "option '-t 5' is taken for it\n" +
-                  std::string(kMend));
+              "problem: ntp-server is read and set in the wrong place\n"
+              "  /var/cron/tabs/root:1: the option '-t 5' is taken for it\n" +
+                  std::string(kFix));
 }
 
 TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
     EXPECT_EQ(ExamineTime("# ntpdate sets the clock\n"
                           "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
-              "problem: ntp and ntp-server change a remark: /var/cron/tabs/root:1: '# ntpdate sets "
-              "the clock' is taken for an entry\n"
-              "  mend: word it without 'ntpdate'\n"
-              "problem: ntp cannot be switched on: /var/cron/tabs/root:2: two '#' stand before the "
-              "entry, and switching on takes one away\n"
-              "  mend: leave one '#', in the first column\n");
+              "problem: ntp and ntp-server would change a comment\n"
+              "  /var/cron/tabs/root:1: '# ntpdate sets the clock' is taken for an entry\n"
+              "  fix: remove the word 'ntpdate' from the comment\n"
+              "problem: ntp cannot be switched on\n"
+              "  /var/cron/tabs/root:2: there are two '#' before the entry\n"
+              "  switching on removes only one\n"
+              "  fix: leave one '#', in the first column\n");
 }
 
 TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
@@ -119,9 +124,9 @@ TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
 
 TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
     EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
-              "problem: web-update cannot be read: /var/cron/tabs/root:1: the schedule is not one "
-              "of this library's\n"
-              "  mend: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+              "problem: web-update cannot be read\n"
+              "  /var/cron/tabs/root:1: the schedule is not one of this library's\n"
+              "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
 }
 
 TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
@@ -129,11 +134,11 @@ TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
                                    "30  01 * * 0 perl /usr/bin/web_contents_updater.pl",
                                    "30 01 * * 0 perl /usr/bin/web_contents_updater.pl -v"}) {
         EXPECT_EQ(ExamineUpdate(line + "\n"),
-                  "warning: web-update is read wrongly, and a set replaces the line: "
-                  "/var/cron/tabs/root:1: '" +
+                  "warning: web-update is read wrongly, and a set replaces the line\n"
+                  "  /var/cron/tabs/root:1: '" +
                       line +
                       "' is not as the library writes it\n"
-                      "  mend: set web-update anew: velkctl set web-update weekly sunday 08:30\n");
+                      "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
     }
 }
 

@@ -1,4 +1,4 @@
-// What the doctor says about /etc/dhclient.conf.
+// The doctor's findings about /etc/dhclient.conf.
 #include <string>
 #include <string_view>
 
@@ -8,13 +8,13 @@
 namespace {
 
 using velkctl::CheckDhcpConfig;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class DhcpCheck : public testkit::DeviceTest {
   protected:
     static std::string Examine(std::string_view text) {
         testkit::WriteFile("/etc/dhclient.conf", text);
-        return FindingsInWords(CheckDhcpConfig());
+        return FormatFindings(CheckDhcpConfig());
     }
 };
 
@@ -27,13 +27,13 @@ TEST_F(DhcpCheck, SaysNothingAboutABlockForEachInterface) {
 
 TEST_F(DhcpCheck, FindsNoBlockAndNoRequest) {
     EXPECT_EQ(Examine(kEth0),
-              "warning: eth1.method switches nothing here: /etc/dhclient.conf: there is no block "
-              "of the interface\n"
-              "  mend: add one: \"interface \"eth1\" {\", its statements, \"}\", each on a line of "
+              "warning: eth1.method switches nothing here\n"
+              "  /etc/dhclient.conf: there is no block of the interface\n"
+              "  fix: add one: \"interface \"eth1\" {\", its statements, \"}\", each on a line of "
               "its own\n"
-              "problem: eth1.dhcp-dns cannot be set: /etc/dhclient.conf: there is no request "
-              "statement that counts for eth1\n"
-              "  mend: add one: request subnet-mask, broadcast-address, routers;\n");
+              "problem: eth1.dhcp-dns cannot be set\n"
+              "  /etc/dhclient.conf: there is no request statement that counts for eth1\n"
+              "  fix: add one: request subnet-mask, broadcast-address, routers;\n");
 }
 
 TEST_F(DhcpCheck, TakesARequestOutsideTheBlocksForAll) {
@@ -42,79 +42,83 @@ TEST_F(DhcpCheck, TakesARequestOutsideTheBlocksForAll) {
 
 TEST_F(DhcpCheck, FindsABlockThatIsSwitchedOff) {
     EXPECT_EQ(Examine("#interface \"eth0\" {\n#\trequest routers;\n#\n#}\n" + std::string(kEth1)),
-              "warning: eth0.dhcp-dns cannot be set while the method is static: "
-              "/etc/dhclient.conf:1: the interface's block is switched off, and no other request "
+              "warning: eth0.dhcp-dns cannot be set while the method is static\n"
+              "  /etc/dhclient.conf:1: the interface's block is switched off, and no other request "
               "statement counts\n"
-              "  mend: velkctl set eth0.method dhcp, when DHCP is wanted\n");
+              "  fix: if DHCP is wanted: velkctl set eth0.method dhcp\n");
 }
 
 TEST_F(DhcpCheck, FindsARequestWithoutAnEnd) {
     EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest routers\n}\n" + std::string(kEth1)),
-              "problem: eth0.dhcp-dns is switched in the wrong statement: /etc/dhclient.conf:2: no "
-              "';' ends this request statement\n"
-              "  mend: write one behind its last option\n"
-              "problem: dhcp-ntp is switched in the wrong statement: /etc/dhclient.conf:2: no ';' "
-              "ends this request statement\n"
-              "  mend: write one behind its last option\n");
+              "problem: eth0.dhcp-dns is switched in the wrong statement\n"
+              "  /etc/dhclient.conf:2: no ';' ends this request statement\n"
+              "  fix: write one after its last option\n"
+              "problem: dhcp-ntp is switched in the wrong statement\n"
+              "  /etc/dhclient.conf:2: no ';' ends this request statement\n"
+              "  fix: write one after its last option\n");
 }
 
 TEST_F(DhcpCheck, FindsAStatementThatWouldGainTheOption) {
-    EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest ntp-servers;\n\tsend host-name \"x\";\n}\n" +
-                      std::string(kEth1)),
-              "problem: dhcp-ntp would break the file when set to on once more: "
-              "/etc/dhclient.conf:3: ntp-servers is added to 'send host-name \"x\";', too, while "
-              "the request statement above has it already\n"
-              "  mend: move the request statement below it\n");
+    EXPECT_EQ(
+        Examine("interface \"eth0\" {\n\trequest ntp-servers;\n\tsend host-name \"x\";\n}\n" +
+                std::string(kEth1)),
+        "problem: dhcp-ntp would break the file when set to on once more\n"
+        "  /etc/dhclient.conf:3: ntp-servers is also added to 'send host-name \"x\";', although "
+        "the request statement above has it\n"
+        "  fix: move the request statement below it\n");
 }
 
 TEST_F(DhcpCheck, FindsRemarksThatSwitchingOnWouldBringToLife) {
     EXPECT_EQ(Examine("interface \"eth0\" {\n\t# all of it\n\trequest routers; # and more\n}\n" +
                       std::string(kEth1)),
-              "problem: eth0.method would break the file when set to dhcp: /etc/dhclient.conf:2: "
-              "the '#' of '# all of it' is taken away\n"
-              "  mend: put the remark above the block\n"
-              "problem: eth0.method would break the file when set to dhcp: /etc/dhclient.conf:3: "
-              "the '#' of the remark in 'request routers; # and more' is taken away\n"
-              "  mend: put the remark above the block\n");
+              "problem: eth0.method would break the file when set to dhcp\n"
+              "  /etc/dhclient.conf:2: the '#' of '# all of it' is removed\n"
+              "  fix: put the comment above the block\n"
+              "problem: eth0.method would break the file when set to dhcp\n"
+              "  /etc/dhclient.conf:3: the '#' of the comment in 'request routers; # and more' is "
+              "removed\n"
+              "  fix: put the comment above the block\n");
     EXPECT_EQ(
         Examine("request routers;\n#interface \"eth0\" {\n# all of it\n#}\n" + std::string(kEth1)),
-        "warning: eth0.method may break the file when set to dhcp: /etc/dhclient.conf:3: the "
-        "'#' of '# all of it' is taken away, and it looks like a remark\n"
-        "  mend: put the remark above the block\n");
+        "warning: eth0.method may break the file when set to dhcp\n"
+        "  /etc/dhclient.conf:3: the '#' of '# all of it' is removed, and it looks like a comment\n"
+        "  fix: put the comment above the block\n");
 }
 
 TEST_F(DhcpCheck, FindsAnOpeningLineThatIsNotRecognised) {
     EXPECT_EQ(Examine("request routers;\ninterface\"eth0\" {\n\tsend host-name \"x\";\n}\n" +
                       std::string(kEth1)),
-              "problem: eth0.method switches a line that is not its own: /etc/dhclient.conf:4: a "
-              "'}' outside the blocks of interfaces\n"
-              "  mend: move these braces into a file of their own, and include it here\n"
-              "problem: eth0.method does not switch the interface's block: /etc/dhclient.conf:2: "
-              "the library does not recognise the opening line 'interface\"eth0\" {'\n"
-              "  mend: write: interface \"eth0\" {\n"
-              "problem: eth1.method switches a line that is not its own: /etc/dhclient.conf:4: a "
-              "'}' outside the blocks of interfaces\n"
-              "  mend: move these braces into a file of their own, and include it here\n");
+              "problem: eth0.method switches a line that is not its own\n"
+              "  /etc/dhclient.conf:4: a '}' outside the blocks of interfaces\n"
+              "  fix: move these braces into a file of their own, and include it here\n"
+              "problem: eth0.method does not switch the interface's block\n"
+              "  /etc/dhclient.conf:2: the library does not recognise the opening line "
+              "'interface\"eth0\" {'\n"
+              "  fix: write: interface \"eth0\" {\n"
+              "problem: eth1.method switches a line that is not its own\n"
+              "  /etc/dhclient.conf:4: a '}' outside the blocks of interfaces\n"
+              "  fix: move these braces into a file of their own, and include it here\n");
 }
 
 TEST_F(DhcpCheck, FindsARemarkThatIsTakenForABlock) {
-    EXPECT_EQ(Examine("# for every interface\n" + std::string(kEth0) + kEth1),
-              "problem: method, dhcp-dns and dhcp-ntp are not found, or switched for the wrong "
-              "lines: /etc/dhclient.conf:1: the remark '# for every interface' is taken for the "
-              "opening line of a block\n"
-              "  mend: word it without 'interface'\n");
+    EXPECT_EQ(
+        Examine("# for every interface\n" + std::string(kEth0) + kEth1),
+        "problem: method, dhcp-dns and dhcp-ntp are not found, or switched for the wrong lines\n"
+        "  /etc/dhclient.conf:1: the library takes the comment '# for every interface' for the "
+        "start of a block\n"
+        "  fix: remove the word 'interface' from the comment\n");
 }
 
 TEST_F(DhcpCheck, FindsBlocksThatDoNotEndWhereTheySeemTo) {
     EXPECT_EQ(Examine("interface \"eth0\" { request routers; }\n" + std::string(kEth1)),
-              "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines: "
-              "/etc/dhclient.conf:1: the block ends where it begins; its interface's lines run on "
-              "to the next '}'\n"
-              "  mend: write the closing brace on a line of its own\n");
+              "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines\n"
+              "  /etc/dhclient.conf:1: the block ends on its first line, so all lines up to the "
+              "next '}' count as the interface's\n"
+              "  fix: write the closing brace on a line of its own\n");
     EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest routers;}\n"),
-              "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines: "
-              "/etc/dhclient.conf:1: no line with '}' as a word ends the block\n"
-              "  mend: write the closing brace on a line of its own\n");
+              "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines\n"
+              "  /etc/dhclient.conf:1: no line with '}' as a word ends the block\n"
+              "  fix: write the closing brace on a line of its own\n");
 }
 
 }  // namespace

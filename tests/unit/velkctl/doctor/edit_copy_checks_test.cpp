@@ -1,4 +1,4 @@
-// What the doctor says about edits that were left unfinished.
+// The doctor's findings about edits that were left unfinished.
 #include <string>
 #include <vector>
 
@@ -22,7 +22,7 @@ constexpr char kCopy[] = "/var/tmp/root";
 
 class EditCopyCheck : public testkit::DeviceTest {
   protected:
-    static std::string Said() { return FindingsInWords(velkctl::CheckEditCopies()); }
+    static std::string Said() { return FormatFindings(velkctl::CheckEditCopies()); }
     static void WriteCopy(const std::string& path, const std::string& text) {
         WriteFile(path, text);
         ASSERT_EQ(chmod(path.c_str(), 0600), 0);
@@ -39,56 +39,60 @@ TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
     EXPECT_EQ(Said(), "");
 }
 
-TEST_F(EditCopyCheck, TellsOfAFileThatWasCut) {
-    constexpr char kMend[] =
-        "  mend: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
+TEST_F(EditCopyCheck, FindsAFileThatWasCut) {
+    constexpr char kFix[] =
+        "  fix: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
         "copy is right, copy its text into the file by hand, as root\n";
     const std::string found =
-        "problem: ntp, ntp-server and web-update may be lost: /var/cron/tabs/root: the file seems "
-        "to have been cut while being copied; the rest is in its edit copy /var/tmp/root, 2 days "
-        "old, ";
+        "problem: ntp, ntp-server and web-update may be lost\n"
+        "  /var/cron/tabs/root: the file seems to have been cut while being copied\n"
+        "  the rest is in the edit copy /var/tmp/root, 2 days old";
     VkLibUnLock(VkLibLock());
     WriteOld(kCopy, "0 * * * * true\n\x1b[1m\n");
     for (const char* cut : {"", "0 * * *"}) {
         WriteFile(kCrontab, cut);
         EXPECT_EQ(Said(), found +
-                              "which the next set replaces; the copy would add '0 * * * * "
+                              "\n  the next set replaces it; the copy would add '0 * * * * "
                               "true', '\\x1b[1m'\n" +
-                              kMend);
+                              kFix);
     }
     WriteOld(kCopy, "0 * * * * true\n0 *");
     WriteFile(kCrontab, "");
-    EXPECT_EQ(Said(), found +
-                          "which may lack its end, too, and which the next set replaces; the "
-                          "copy would add '0 * * * * true', '0 *'\n" +
-                          kMend);
+    EXPECT_EQ(Said(),
+              found +
+                  "\n  its end may be missing too\n"
+                  "  the next set replaces it; the copy would add '0 * * * * true', '0 *'\n" +
+                  kFix);
 }
 
-TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfWhatCannotBeRead) {
+TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfAFailedReading) {
     WriteFile("/etc/network/interfaces", "");
     WriteOld("/var/tmp/interfaces", "iface eth0 inet static\n");
-    const auto setting = FindSetting(velkctl::Catalogue(), "eth0.method").value();
-    const velkctl::Findings causes = velkctl::CausesOf(setting);
+    const auto setting = velkctl::FindSetting("eth0.method").value();
+    const velkctl::Findings causes = velkctl::LikelyCauses(setting);
     ASSERT_FALSE(causes.empty());
-    EXPECT_EQ(CauseInWords(causes.front()),
-              "/etc/network/interfaces: the file seems to have been cut while being copied; the "
-              "rest is in its edit copy /var/tmp/interfaces, 2 days old, which the next set "
-              "replaces; the copy would add 'iface eth0 inet static'; mend: compare both files, as "
-              "with 'diff /etc/network/interfaces /var/tmp/interfaces', and if the copy is right, "
-              "copy its text into the file by hand, as root");
+    velkctl::Problem problem{"eth0.method: could not be read"};
+    AddLikelyCause(problem, causes.front());
+    EXPECT_EQ(
+        OneLine(problem),
+        "eth0.method: could not be read; likely cause: /etc/network/interfaces: the file seems to "
+        "have been cut while being copied; the rest is in the edit copy /var/tmp/interfaces, 2 "
+        "days old; the next set replaces it; the copy would add 'iface eth0 inet static'; fix: "
+        "compare both files, as with 'diff /etc/network/interfaces /var/tmp/interfaces', and if "
+        "the copy is right, copy its text into the file by hand, as root");
 }
 
 TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
     WriteFile(kCrontab, "0 * * * * true\n5 * * * * true\n");
-    constexpr char kMend[] = "; the next set replaces it\n  mend: rm /var/tmp/root\n";
+    constexpr char kFix[] = "\n  the next set replaces it\n  fix: rm /var/tmp/root\n";
     const std::string left =
-        "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an edit "
-        "copy was left behind, 2 days old, ";
+        "warning: ntp, ntp-server and web-update may not have been set\n"
+        "  /var/tmp/root: an edit copy was left, 2 days old, ";
     WriteOld(kCopy, "");
-    EXPECT_EQ(Said(), left + "empty" + kMend);
+    EXPECT_EQ(Said(), left + "empty" + kFix);
     for (const char* part : {"0 * * * * true\n", "0 * * * * false\n5 *"}) {
         WriteOld(kCopy, part);
-        EXPECT_EQ(Said(), left + "that may not be whole" + kMend) << part;
+        EXPECT_EQ(Said(), left + "which may be incomplete" + kFix) << part;
     }
 }
 
@@ -97,10 +101,10 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteOld(kCopy, "5 * * * * true\n");
     EXPECT_EQ(Said(),
-              "warning: ntp, ntp-server and web-update may not have been set: /var/tmp/root: an "
-              "edit copy was left behind, 2 days old, that differs from the file; the next set "
-              "replaces it; the copy would add '5 * * * * true'\n"
-              "  mend: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
+              "warning: ntp, ntp-server and web-update may not have been set\n"
+              "  /var/tmp/root: an edit copy was left, 2 days old, which differs from the file\n"
+              "  the next set replaces it; the copy would add '5 * * * * true'\n"
+              "  fix: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
               "to finish it, compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', "
               "and if the copy is right, copy its text into the file by hand, as root\n");
 }
@@ -108,28 +112,32 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
 TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
     WriteFile(kCrontab, std::string(1024 * 1024, 'a') + "\n");
     WriteOld(kCopy, "a\n");
-    EXPECT_THAT(Said(), HasSubstr("2 days old, that cannot be compared with the file; the next "
-                                  "set replaces it\n  mend: to discard the edit: rm "
-                                  "/var/tmp/root; to finish it, compare both files, as with "));
+    EXPECT_THAT(
+        Said(),
+        HasSubstr("2 days old, which cannot be compared with the file\n"
+                  "  the next set replaces it\n"
+                  "  fix: to discard the edit: rm /var/tmp/root; to finish it, compare both files, "
+                  "as with "));
 }
 
-TEST_F(EditCopyCheck, TellsAnEditThatWasDone) {
+TEST_F(EditCopyCheck, FindsTheCopyOfAFinishedEdit) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteOld(kCopy, "0 * * * * true\n");
     EXPECT_EQ(Said(),
-              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: an edit "
-              "copy was left behind, 2 days old, the same as the file; the next set replaces it\n"
-              "  mend: rm /var/tmp/root\n");
+              "warning: ntp, ntp-server and web-update can still be set\n"
+              "  /var/tmp/root: an edit copy was left, 2 days old, the same as the file\n"
+              "  the next set replaces it\n"
+              "  fix: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
     WriteFile(kCrontab, "");
     WriteCopy(kCopy, "0 * * * * true\n");
     const int lock = VkLibLock();
-    EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now: "
-                                     "/var/tmp/root: an edit may be under way: the lock is held by "
-                                     "process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
-                                     "  mend: none while that one is at work\n"));
+    EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now\n"
+                                     "  /var/tmp/root: an edit may be under way: the lock is held "
+                                     "by process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
+                                     "  fix: wait until that process has ended\n"));
     VkLibUnLock(lock);
     EXPECT_THAT(Said(), HasSubstr("problem: "));
 }
@@ -141,10 +149,11 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(Said(),
-              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
-              "user 1234 with mode 600, not made by the library, stands where the edit copy is "
-              "made; the next set replaces it\n"
-              "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+              "warning: ntp, ntp-server and web-update can still be set\n"
+              "  /var/tmp/root: a file of user 1234 with mode 600, not made by the library, is in "
+              "the place of the edit copy\n"
+              "  the next set replaces it\n"
+              "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
@@ -152,12 +161,13 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
     WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
     EXPECT_EQ(Said(),
-              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
-              "user " +
+              "warning: ntp, ntp-server and web-update can still be set\n"
+              "  /var/tmp/root: a file of user " +
                   std::to_string(geteuid()) +
-                  " with mode 600 and another name, not made by the library, stands where the edit "
-                  "copy is made; the next set replaces it\n"
-                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+                  " with mode 600 and another name, not made by the library, is in the place of "
+                  "the edit copy\n"
+                  "  the next set replaces it\n"
+                  "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n");
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
@@ -167,55 +177,60 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
     WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(chmod(kCopy, 0640), 0);
     EXPECT_EQ(Said(),
-              "warning: ntp, ntp-server and web-update can still be set: /var/tmp/root: a file of "
-              "user " +
+              "warning: ntp, ntp-server and web-update can still be set\n"
+              "  /var/tmp/root: a file of user " +
                   std::to_string(geteuid()) +
-                  " with mode 640, not made by the library, stands where the edit copy is made; "
-                  "the next set replaces it\n"
-                  "  mend: look at it, use nothing of it, and remove it: rm /var/tmp/root\n");
+                  " with mode 640, not made by the library, is in the place of the edit copy\n"
+                  "  the next set replaces it\n"
+                  "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n");
 }
 
-TEST_F(EditCopyCheck, HasAFileLookedAtThatMayBeTheOnlyWholeText) {
+TEST_F(EditCopyCheck, AdvisesToLookAtAFileThatMayBeTheOnlyCompleteText) {
     VkLibUnLock(VkLibLock());
     WriteFile(kCrontab, "0 *");
     WriteCopy(kCopy, "0 * * * * true\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
-    EXPECT_EQ(
-        Said(),
-        "warning: ntp, ntp-server and web-update may be lost: /var/tmp/root: a file of user " +
-            std::to_string(geteuid()) +
-            " with mode 644, perhaps the edit copy of a program whose real and effective "
-            "user differ, has more than /var/cron/tabs/root; the next set replaces it\n"
-            "  mend: it may be the only whole text; look at it before you remove it: (flock 9 "
-            "&& rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
+    EXPECT_EQ(Said(),
+              "warning: ntp, ntp-server and web-update may be lost\n"
+              "  /var/tmp/root: a file of user " +
+                  std::to_string(geteuid()) +
+                  " with mode 644, perhaps the edit copy of a program with two users, a real and "
+                  "an effective one, has more than /var/cron/tabs/root\n"
+                  "  the next set replaces it\n"
+                  "  fix: it may be the only complete text; look at it before you remove it: "
+                  "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
 }
 
 TEST_F(EditCopyCheck, OffersToDiscardAFileOfMode644WhereTheFileIsWhole) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
-    EXPECT_THAT(Said(), HasSubstr("\n  mend: look at it, use nothing of it, and remove it: rm "
-                                  "/var/tmp/root\n"));
+    EXPECT_THAT(
+        Said(),
+        HasSubstr("\n"
+                  "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n"));
 }
 
-TEST_F(EditCopyCheck, FindsWhatASetReplaces) {
+TEST_F(EditCopyCheck, FindsEntriesThatTheNextSetReplaces) {
     ASSERT_EQ(mkfifo("/var/tmp/dhclient.conf", 0600), 0);
     ASSERT_EQ(symlink("/etc/hosts", "/var/tmp/dhclient-script"), 0);
     EXPECT_EQ(Said(),
-              "warning: method, dhcp-dns and dhcp-ntp can still be set: /var/tmp/dhclient.conf: a "
-              "FIFO stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient.conf\n"
-              "warning: dhcp-dns can still be set: /var/tmp/dhclient-script: a symbolic link "
-              "stands where the edit copy is made; the next set replaces it\n"
-              "  mend: rm /var/tmp/dhclient-script\n");
+              "warning: method, dhcp-dns and dhcp-ntp can still be set\n"
+              "  /var/tmp/dhclient.conf: a FIFO is in the place of the edit copy\n"
+              "  the next set replaces it\n"
+              "  fix: rm /var/tmp/dhclient.conf\n"
+              "warning: dhcp-dns can still be set\n"
+              "  /var/tmp/dhclient-script: a symbolic link is in the place of the edit copy\n"
+              "  the next set replaces it\n"
+              "  fix: rm /var/tmp/dhclient-script\n");
 }
 
 TEST_F(EditCopyCheck, FindsAFolderInTheWayOfAnEditCopy) {
     ASSERT_EQ(mkdir("/var/tmp/libvelk", 0700), 0);
     EXPECT_EQ(Said(),
-              "problem: administrator and location cannot be set: /var/tmp/libvelk: a folder "
-              "stands where the edit copy is made\n"
-              "  mend: rm -r /var/tmp/libvelk\n");
+              "problem: administrator and location cannot be set\n"
+              "  /var/tmp/libvelk: a folder is in the place of the edit copy\n"
+              "  fix: rm -r /var/tmp/libvelk\n");
     ASSERT_EQ(rmdir("/var/tmp/libvelk"), 0);
 }
 

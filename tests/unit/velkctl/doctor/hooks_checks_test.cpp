@@ -1,4 +1,4 @@
-// What the doctor says about /etc/dhclient-exit-hooks.
+// The doctor's findings about /etc/dhclient-exit-hooks.
 #include <string>
 #include <string_view>
 
@@ -8,13 +8,13 @@
 namespace {
 
 using velkctl::CheckExitHooks;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class HooksCheck : public testkit::DeviceTest {
   protected:
     static std::string Examine(std::string_view text) {
         testkit::WriteFile("/etc/dhclient-exit-hooks", text);
-        return FindingsInWords(CheckExitHooks());
+        return FormatFindings(CheckExitHooks());
     }
 };
 
@@ -35,69 +35,69 @@ TEST_F(HooksCheck, SaysNothingAboutServicesOnAndOff) {
 }
 
 TEST_F(HooksCheck, FindsServicesThatNoLineRuns) {
-    EXPECT_EQ(Examine("if [ \"$interface\" = eth0 ]; then\n/usr/sbin/avahi-autoipd -k\nfi\n"),
-              "problem: eth1.apipa cannot be switched: /etc/dhclient-exit-hooks: no line that runs "
-              "for eth1 has /usr/sbin/avahi-autoipd\n"
-              "  mend: add the line that runs /usr/sbin/avahi-autoipd, with a '#' before it for "
-              "off\n"
-              "problem: dhcp-ntp cannot be switched: /etc/dhclient-exit-hooks: no line has "
-              "/usr/bin/ntpdate\n"
-              "  mend: add the line that runs /usr/bin/ntpdate, with a '#' before it for off\n"
-              "problem: eth0.dhcp-notice cannot be switched: /etc/dhclient-exit-hooks: no line "
-              "that runs for eth0 has /sbin/printdhcpnotice.pl\n"
-              "  mend: add the line that runs /sbin/printdhcpnotice.pl, with a '#' before it for "
-              "off\n"
-              "problem: eth0.dhcp-notice cannot be switched: /etc/dhclient-exit-hooks: no line "
-              "that runs for eth0 has /sbin/printdhcpstart.pl\n"
-              "  mend: add the line that runs /sbin/printdhcpstart.pl, with a '#' before it for "
-              "off\n");
+    EXPECT_EQ(
+        Examine("if [ \"$interface\" = eth0 ]; then\n/usr/sbin/avahi-autoipd -k\nfi\n"),
+        "problem: eth1.apipa cannot be switched\n"
+        "  /etc/dhclient-exit-hooks: no line that runs for eth1 has /usr/sbin/avahi-autoipd\n"
+        "  fix: add the line that runs /usr/sbin/avahi-autoipd, with a '#' before it for off\n"
+        "problem: eth0.dhcp-notice cannot be switched\n"
+        "  /etc/dhclient-exit-hooks: no line that runs for eth0 has /sbin/printdhcpnotice.pl\n"
+        "  fix: add the line that runs /sbin/printdhcpnotice.pl, with a '#' before it for off\n"
+        "problem: eth0.dhcp-notice cannot be switched\n"
+        "  /etc/dhclient-exit-hooks: no line that runs for eth0 has /sbin/printdhcpstart.pl\n"
+        "  fix: add the line that runs /sbin/printdhcpstart.pl, with a '#' before it for off\n"
+        "problem: dhcp-ntp cannot be switched\n"
+        "  /etc/dhclient-exit-hooks: no line has /usr/bin/ntpdate\n"
+        "  fix: add the line that runs /usr/bin/ntpdate, with a '#' before it for off\n");
 }
 
 TEST_F(HooksCheck, FindsTwoMarks) {
     EXPECT_EQ(Examine(WithServices("# #/usr/bin/ntpdate -u 10.0.0.2\n")),
-              "problem: dhcp-ntp cannot be switched on: /etc/dhclient-exit-hooks:1: two '#' stand "
-              "before the command, and switching on takes one away\n"
-              "  mend: leave one '#', in the first column\n");
+              "problem: dhcp-ntp cannot be switched on\n"
+              "  /etc/dhclient-exit-hooks:1: there are two '#' before the command\n"
+              "  switching on removes only one\n"
+              "  fix: leave one '#', in the first column\n");
 }
 
 TEST_F(HooksCheck, FindsACommandThatIsShownAsOff) {
     EXPECT_EQ(Examine(WithServices("if [ $interface = eth1 ]; then\n"
                                    "'/usr/sbin/avahi-autoipd' -k\nfi\n")),
-              "problem: eth1.apipa is shown as off although it is on: "
-              "/etc/dhclient-exit-hooks:2: no blank stands before or behind the command's name\n"
-              "  mend: write /usr/sbin/avahi-autoipd between blanks\n");
+              "problem: eth1.apipa is shown as off although it is on\n"
+              "  /etc/dhclient-exit-hooks:2: there is no blank before or after the command's name\n"
+              "  fix: write /usr/sbin/avahi-autoipd between blanks\n");
 }
 
 TEST_F(HooksCheck, FindsNestedBlocks) {
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" = eth0 ]\nthen\n"
                                    "\tif [ a ]; then\n\t\t:\n\tfi\nfi\n")),
-              "problem: apipa and dhcp-notice may be switched for another interface: "
-              "/etc/dhclient-exit-hooks:3: an 'if' within a block; the library takes the block for "
-              "ended at the first 'fi'\n"
-              "  mend: write it without an 'if', as in: [ CONDITION ] && COMMAND\n");
+              "problem: apipa and dhcp-notice may be switched for another interface\n"
+              "  /etc/dhclient-exit-hooks:3: an 'if' within a block\n"
+              "  for the library the block ends at the first 'fi'\n"
+              "  fix: write it without an 'if', as in: [ CONDITION ] && COMMAND\n");
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" = eth0 ]; then\n\t:\n"
                                    "elif [ \"$interface\" = eth1 ]; then\n\t:\nfi\n")),
-              "problem: apipa and dhcp-notice may be switched for another interface: "
-              "/etc/dhclient-exit-hooks:3: the library takes what is below 'elif' for a part of "
-              "the branch above\n"
-              "  mend: write 'else', or a block of its own for each interface\n");
+              "problem: apipa and dhcp-notice may be switched for another interface\n"
+              "  /etc/dhclient-exit-hooks:3: the library takes the lines below 'elif' for a part "
+              "of the branch above\n"
+              "  fix: write 'else', or a block of its own for each interface\n");
 }
 
 TEST_F(HooksCheck, FindsConditionsThatAreReadOtherwise) {
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" != eth0 ]; then\n:\nfi\n")),
-              "problem: apipa and dhcp-notice would be switched for the wrong interface: "
-              "/etc/dhclient-exit-hooks:1: the library takes '!=' for '='\n"
-              "  mend: compare with '=', and exchange the branches\n");
-    EXPECT_EQ(Examine(WithServices("if [ ${interface} = eth0 ]; then\n:\nfi\n")),
-              "problem: apipa and dhcp-notice would be switched for every interface: "
-              "/etc/dhclient-exit-hooks:1: the library does not see that 'if [ ${interface} = eth0 "
-              "]; then' tells interfaces apart\n"
-              "  mend: write: if [ \"$interface\" = \"eth0\" ]; then\n");
+              "problem: apipa and dhcp-notice would be switched for the wrong interface\n"
+              "  /etc/dhclient-exit-hooks:1: the library takes '!=' for '='\n"
+              "  fix: compare with '=', and exchange the branches\n");
+    EXPECT_EQ(
+        Examine(WithServices("if [ ${interface} = eth0 ]; then\n:\nfi\n")),
+        "problem: apipa and dhcp-notice would be switched for every interface\n"
+        "  /etc/dhclient-exit-hooks:1: the library does not see that 'if [ ${interface} = eth0 ]; "
+        "then' depends on the interface\n"
+        "  fix: write: if [ \"$interface\" = \"eth0\" ]; then\n");
     EXPECT_EQ(Examine(WithServices("case $interface in\nesac\n")),
-              "problem: apipa and dhcp-notice would be switched for every interface: "
-              "/etc/dhclient-exit-hooks:1: the library does not see that 'case $interface in' "
-              "tells interfaces apart\n"
-              "  mend: write: if [ \"$interface\" = \"eth0\" ]; then\n");
+              "problem: apipa and dhcp-notice would be switched for every interface\n"
+              "  /etc/dhclient-exit-hooks:1: the library does not see that 'case $interface in' "
+              "depends on the interface\n"
+              "  fix: write: if [ \"$interface\" = \"eth0\" ]; then\n");
 }
 
 TEST_F(HooksCheck, FindsABlockWithoutAnEnd) {

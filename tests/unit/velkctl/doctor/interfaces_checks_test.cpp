@@ -1,4 +1,4 @@
-// What the doctor says about /etc/network/interfaces.
+// The doctor's findings about /etc/network/interfaces.
 #include <string>
 #include <string_view>
 
@@ -8,13 +8,13 @@
 namespace {
 
 using velkctl::CheckInterfaces;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 class InterfacesCheck : public testkit::DeviceTest {
   protected:
     static std::string Examine(std::string_view text) {
         testkit::WriteFile("/etc/network/interfaces", text);
-        return FindingsInWords(CheckInterfaces());
+        return FormatFindings(CheckInterfaces());
     }
 };
 
@@ -29,21 +29,21 @@ TEST_F(InterfacesCheck, SaysNothingAboutCompleteStanzas) {
 }
 
 TEST_F(InterfacesCheck, SaysNothingAboutAFileThatIsNotThere) {
-    EXPECT_EQ(FindingsInWords(CheckInterfaces()), "");
+    EXPECT_EQ(FormatFindings(CheckInterfaces()), "");
 }
 
 TEST_F(InterfacesCheck, FindsNoStanza) {
-    EXPECT_EQ(Examine(kEth1),
-              "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway can be neither "
-              "read nor set: "
-              "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
-              "dhcp'\n"
-              "  mend: add a stanza that begins with one\n");
+    EXPECT_EQ(
+        Examine(kEth1),
+        "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway can be neither read nor "
+        "set\n"
+        "  /etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'\n"
+        "  fix: add a stanza that begins with one\n");
 }
 
 TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
-    const std::string mend =
-        "  mend: write \"iface eth0 inet static\" or \"... dhcp\" in the first column, with single "
+    const std::string fix =
+        "  fix: write \"iface eth0 inet static\" or \"... dhcp\" in the first column, with single "
         "blanks\n";
     for (const std::string header :
          {" iface eth0 inet dhcp", "iface  eth0 inet dhcp", "iface eth0\tinet dhcp"}) {
@@ -51,99 +51,103 @@ TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
         const std::string tab = "iface eth0\\x09inet dhcp";
         EXPECT_EQ(Examine(header + "\n" + kEth1),
                   "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not found "
-                  "in a stanza: "
-                  "/etc/network/interfaces:1: the library does not recognise the header '" +
-                      (header.find('\t') == std::string::npos ? shown : tab) + "'\n" + mend);
+                  "in a stanza\n"
+                  "  /etc/network/interfaces:1: the library does not recognise the header '" +
+                      (header.find('\t') == std::string::npos ? shown : tab) + "'\n" + fix);
     }
 }
 
 TEST_F(InterfacesCheck, FindsAnotherMethod) {
     EXPECT_EQ(Examine("iface eth0 inet manual\n" + std::string(kEth1)),
-              "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway cannot be read: "
-              "/etc/network/interfaces:1: "
-              "'manual' is neither static nor dhcp\n"
-              "  mend: velkctl set eth0.method static, or dhcp\n");
+              "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway cannot be read\n"
+              "  /etc/network/interfaces:1: 'manual' is neither static nor dhcp\n"
+              "  fix: choose a method: velkctl set eth0.method static\n");
 }
 
 TEST_F(InterfacesCheck, FindsTheLinesThatALastStanzaCannotGain) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\tnetmask 255.0.0.0"),
-              "problem: eth1.address cannot be set: /etc/network/interfaces:2: the stanza is the "
-              "last one and has no address line\n"
-              "  mend: add a line \"address 192.168.0.10\" to it\n"
-              "problem: eth1.gateway cannot be set: /etc/network/interfaces:2: the stanza is the "
-              "last one and has no gateway line\n"
-              "  mend: add a line \"gateway 192.168.0.1\" to it\n");
+              "problem: eth1.address cannot be set\n"
+              "  /etc/network/interfaces:2: the stanza is the last one and has no address line\n"
+              "  fix: add a line \"address 192.168.0.10\" to it\n"
+              "problem: eth1.gateway cannot be set\n"
+              "  /etc/network/interfaces:2: the stanza is the last one and has no gateway line\n"
+              "  fix: add a line \"gateway 192.168.0.1\" to it\n");
 }
 
 TEST_F(InterfacesCheck, FindsASecondStanza) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth0 inet static\n" + std::string(kEth1)),
               "warning: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not read from "
-              "a second stanza: "
-              "/etc/network/interfaces:2: only the one on line 1 counts\n"
-              "  mend: make one stanza of the two\n");
+              "a second stanza\n"
+              "  /etc/network/interfaces:2: only the one on line 1 counts\n"
+              "  fix: make one stanza of the two\n");
 }
 
 TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
-    EXPECT_EQ(Examine("iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n\taddress "
-                      "10.0.0.1\n\t# the gateway is not set\n" +
-                      std::string(kEth1)),
-              "problem: eth0.address is read and set in the wrong line: "
-              "/etc/network/interfaces:2: 'hwaddress ether 02:00:00:00:00:01' comes first and "
-              "holds 'address '\n"
-              "  mend: word it otherwise, or move it below the line with the value\n"
-              "problem: eth0.gateway is read and set in the wrong line: "
-              "/etc/network/interfaces:4: '# the gateway is not set' comes first and holds "
-              "'gateway '\n"
-              "  mend: word it otherwise, or move it below the line with the value\n");
+    EXPECT_EQ(
+        Examine("iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n\taddress "
+                "10.0.0.1\n\t# the gateway is not set\n" +
+                std::string(kEth1)),
+        "problem: eth0.address is read and set in the wrong line\n"
+        "  /etc/network/interfaces:2: the library takes 'hwaddress ether 02:00:00:00:00:01' for "
+        "it, as "
+        "it contains 'address '\n"
+        "  fix: reword it, or move it below the line with the value\n"
+        "problem: eth0.gateway is read and set in the wrong line\n"
+        "  /etc/network/interfaces:4: the library takes '# the gateway is not set' for it, as it "
+        "contains 'gateway '\n"
+        "  fix: reword it, or move it below the line with the value\n");
 }
 
-TEST_F(InterfacesCheck, FindsATabBehindAWord) {
+TEST_F(InterfacesCheck, FindsATabAfterAWord) {
     EXPECT_EQ(Examine("iface eth0 inet static\naddress\t10.0.0.1\n" + std::string(kEth1)),
-              "problem: eth0.address cannot be read, and a set adds a second address line: "
-              "/etc/network/interfaces:2: no blank stands behind the word 'address'\n"
-              "  mend: put one blank, no tab, between the word and the value\n");
+              "problem: eth0.address cannot be read, and a set adds a second address line\n"
+              "  /etc/network/interfaces:2: no blank follows the word 'address'\n"
+              "  fix: put one blank, no tab, between the word and the value\n");
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\taddress\t10.0.0.1\n"
                       "\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n"),
-              "problem: eth1.address can be neither read nor set: /etc/network/interfaces:3: no "
-              "blank stands behind the word 'address'\n"
-              "  mend: put one blank, no tab, between the word and the value\n");
+              "problem: eth1.address can be neither read nor set\n"
+              "  /etc/network/interfaces:3: no blank follows the word 'address'\n"
+              "  fix: put one blank, no tab, between the word and the value\n");
 }
 
 TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
     EXPECT_EQ(Examine("iface eth0 inet static\n\taddress  10.0.0.1\r\n" + std::string(kEth1)),
-              "warning: eth0.address is read with white space around it: "
-              "/etc/network/interfaces:2: more than one blank stands around the value\n"
-              "  mend: leave one blank before the value and none behind it\n");
+              "warning: eth0.address is read with white space around it\n"
+              "  /etc/network/interfaces:2: there is more than one blank around the value\n"
+              "  fix: leave one blank before the value and none after it\n");
 }
 
-TEST_F(InterfacesCheck, TakesACarriageReturnForNoBlank) {
+TEST_F(InterfacesCheck, DoesNotTakeACarriageReturnAsABlank) {
     EXPECT_EQ(Examine("iface eth0 inet static\r\n\taddress 10.0.0.1\r\n" + std::string(kEth1)), "");
 }
 
 TEST_F(InterfacesCheck, FindsAGatewayThatOutlivesTheFirst) {
     EXPECT_EQ(Examine("iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n" +
                       std::string(kEth1)),
-              "warning: eth0.gateway cannot be set to none at once: /etc/network/interfaces:3: "
-              "'gateway 10.0.0.2' counts when line 2 is removed\n"
-              "  mend: remove it\n");
+              "warning: eth0.gateway cannot be set to none in one set\n"
+              "  /etc/network/interfaces:3: after line 2 is removed, 'gateway 10.0.0.2' still "
+              "applies\n"
+              "  fix: remove 'gateway 10.0.0.2'\n");
 }
 
 TEST_F(InterfacesCheck, FindsWhereANewLineWouldLeaveTheStanza) {
     EXPECT_EQ(
         Examine("iface eth0 inet static\n\taddress 10.0.0.1\n\tnetmask 255.0.0.0\nauto eth1\n" +
                 std::string(kEth1)),
-        "warning: eth0.gateway would be set in the wrong place: /etc/network/interfaces:1: the "
-        "stanza has no gateway line; a new one would stand behind 'auto eth1', outside the stanza\n"
-        "  mend: add a line \"gateway 192.168.0.1\" below it before setting it\n");
+        "warning: eth0.gateway would be set in the wrong place\n"
+        "  /etc/network/interfaces:1: the stanza has no gateway line\n"
+        "  a new one would be below 'auto eth1', outside the stanza\n"
+        "  fix: add a line \"gateway 192.168.0.1\" below line 1, then set it\n");
 }
 
 TEST_F(InterfacesCheck, FindsALineThatHasLeftTheStanza) {
-    EXPECT_EQ(Examine("iface eth0 inet static\n\taddress 10.0.0.1\n\tnetmask 255.0.0.0\n"
-                      "allow-hotplug eth1\n\tgateway 10.0.0.254\n" +
-                      std::string(kEth1)),
-              "problem: eth0.gateway does not reach the interface: /etc/network/interfaces:5: the "
-              "line stands behind 'allow-hotplug eth1', outside the stanza\n"
-              "  mend: move it up, below line 1\n");
+    EXPECT_EQ(
+        Examine("iface eth0 inet static\n\taddress 10.0.0.1\n\tnetmask 255.0.0.0\n"
+                "allow-hotplug eth1\n\tgateway 10.0.0.254\n" +
+                std::string(kEth1)),
+        "problem: eth0.gateway does not reach the interface\n"
+        "  /etc/network/interfaces:5: the line is below 'allow-hotplug eth1', outside the stanza\n"
+        "  fix: move it up, below line 1\n");
 }
 
 TEST_F(InterfacesCheck, ShowsControlCharactersAsText) {

@@ -1,5 +1,4 @@
-// What is found out about a setting that does not hold what was set, on a private device whose
-// files are such.
+// The likely causes of a setting that does not hold the value that was set, on a private device.
 #include "velkctl/doctor/likely_cause.h"
 
 #include <cstdlib>
@@ -16,10 +15,9 @@
 namespace {
 
 using testkit::WriteFile;
-using velkctl::CauseInWords;
-using velkctl::CausesOf;
 using velkctl::Findings;
-using velkctl::Hinders;
+using velkctl::Impact;
+using velkctl::LikelyCauses;
 using velkctl::Setting;
 using velkctl::Severity;
 
@@ -32,13 +30,20 @@ constexpr char kIdentity[] = "/var/libvelk/libvelk";
 constexpr char kEth1[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
 
 Setting Find(const std::string& name) {
-    return FindSetting(velkctl::Catalogue(), name).value();
+    return velkctl::FindSetting(name).value();
 }
 
-class CausesTest : public testkit::DeviceTest {
+// "/etc/network/interfaces:12: the stanza is ...; fix: add ..."
+std::string CauseText(const velkctl::Finding& cause) {
+    velkctl::Problem problem;
+    AddLikelyCause(problem, cause);
+    return problem.detail.substr(std::string("likely cause: ").size()) + "; fix: " + problem.remedy;
+}
+
+class LikelyCausesTest : public testkit::DeviceTest {
   protected:
-    CausesTest() : path_(getenv("PATH")) {}
-    ~CausesTest() override { setenv("PATH", path_.c_str(), 1); }
+    LikelyCausesTest() : path_(getenv("PATH")) {}
+    ~LikelyCausesTest() override { setenv("PATH", path_.c_str(), 1); }
 
     // Sets it with the library, which is to report success.
     void Set(const std::string& name, std::string_view bytes) {
@@ -48,15 +53,15 @@ class CausesTest : public testkit::DeviceTest {
     }
     // The likeliest cause, in words.
     static std::string FirstOf(const std::string& name) {
-        const Findings causes = CausesOf(Find(name));
-        return causes.empty() ? "" : CauseInWords(causes.front());
+        const Findings causes = LikelyCauses(Find(name));
+        return causes.empty() ? "" : CauseText(causes.front());
     }
 
   private:
     const std::string path_;
 };
 
-TEST_F(CausesTest, AnInterfaceWithoutAStanzaHoldsNothing) {
+TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
     WriteFile(kInterfaces, "iface lo inet loopback\n");
     WriteFile(kDhcpConfig, "");
     Set("eth0.method", "\x01");
@@ -64,79 +69,78 @@ TEST_F(CausesTest, AnInterfaceWithoutAStanzaHoldsNothing) {
     for (const char* name : {"eth0.method", "eth0.address", "eth0.netmask", "eth0.gateway"}) {
         EXPECT_EQ(FirstOf(name),
                   "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
-                  "dhcp'; mend: add a stanza that begins with one")
+                  "dhcp'; fix: add a stanza that begins with one")
             << name;
     }
 }
 
-TEST_F(CausesTest, TheLastStanzaGainsNoLine) {
+TEST_F(LikelyCausesTest, TheLastStanzaGainsNoLine) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n" + std::string(kEth1));
     Set("eth1.gateway", "10.0.0.1");
-    EXPECT_EQ(
-        FirstOf("eth1.gateway"),
-        "/etc/network/interfaces:2: the stanza is the last one and has no gateway line; mend: "
-        "add a line \"gateway 192.168.0.1\" to it");
-    EXPECT_EQ(
-        FirstOf("eth1.netmask"),
-        "/etc/network/interfaces:2: the stanza is the last one and has no netmask line; mend: "
-        "add a line \"netmask 255.255.255.0\" to it");
+    EXPECT_EQ(FirstOf("eth1.gateway"),
+              "/etc/network/interfaces:2: the stanza is the last one and has no gateway line; fix: "
+              "add a line \"gateway 192.168.0.1\" to it");
+    EXPECT_EQ(FirstOf("eth1.netmask"),
+              "/etc/network/interfaces:2: the stanza is the last one and has no netmask line; fix: "
+              "add a line \"netmask 255.255.255.0\" to it");
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     EXPECT_EQ(FirstOf("eth1.method"), "");
 }
 
-TEST_F(CausesTest, ASecondGatewayOutlivesTheFirst) {
+TEST_F(LikelyCausesTest, ASecondGatewayOutlivesTheFirst) {
     WriteFile(kInterfaces,
               "iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n"
               "\tgateway 10.0.0.3\n" +
                   std::string(kEth1));
     Set("eth0.gateway", "");
-    EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:3: 'gateway 10.0.0.3' counts when line 2 is removed; mend: "
-              "remove it");
+    EXPECT_EQ(
+        FirstOf("eth0.gateway"),
+        "/etc/network/interfaces:3: after line 2 is removed, 'gateway 10.0.0.3' still applies; "
+        "fix: remove 'gateway 10.0.0.3'");
     Set("eth0.gateway", "");
     EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:2: it is read from 'gateway 10.0.0.3'; mend: remove that "
-              "line, or set it once more");
+              "/etc/network/interfaces:2: it is read from 'gateway 10.0.0.3'; fix: remove that "
+              "line, or set it again");
 }
 
-TEST_F(CausesTest, AHookThatIsNotThereCannotBeSwitched) {
+TEST_F(LikelyCausesTest, AHookThatIsNotThereCannotBeSwitched) {
     WriteFile(kHooks, "exit 0\n");
     Set("eth1.apipa", "\x01");
     EXPECT_EQ(FirstOf("eth1.apipa"),
               "/etc/dhclient-exit-hooks: no line that runs for eth1 has /usr/sbin/avahi-autoipd; "
-              "mend: add the line that runs /usr/sbin/avahi-autoipd, with a '#' before it for off");
+              "fix: add the line that runs /usr/sbin/avahi-autoipd, with a '#' before it for off");
 }
 
-TEST_F(CausesTest, AnOptionNeedsARequestStatement) {
+TEST_F(LikelyCausesTest, AnOptionNeedsARequestStatement) {
     WriteFile(kDhcpConfig, "timeout 10;\n");
     WriteFile(kHooks, "/usr/bin/ntpdate -u 10.0.0.1\n");
     WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
     Set("dhcp-ntp", "\x01");
     EXPECT_EQ(FirstOf("dhcp-ntp"),
-              "/etc/dhclient.conf: there is no request statement; mend: add one: request "
+              "/etc/dhclient.conf: there is no request statement; fix: add one: request "
               "subnet-mask, broadcast-address, routers;");
     Set("eth1.dhcp-dns", "\x01");
     EXPECT_EQ(FirstOf("eth1.dhcp-dns"),
-              "/etc/dhclient.conf: there is no request statement that counts for eth1; mend: add "
+              "/etc/dhclient.conf: there is no request statement that counts for eth1; fix: add "
               "one: request subnet-mask, broadcast-address, routers;");
 }
 
-TEST_F(CausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
+TEST_F(LikelyCausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
     WriteFile(kDhcpConfig, "#interface \"eth0\" {\n#\trequest routers;\n#}\n");
     WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
     Set("eth0.dhcp-dns", "\x01");
     EXPECT_EQ(FirstOf("eth0.dhcp-dns"),
               "/etc/dhclient.conf:1: the interface's block is switched off, and no other request "
-              "statement counts; mend: velkctl set eth0.method dhcp, when DHCP is wanted");
+              "statement counts; fix: if DHCP is wanted: velkctl set eth0.method dhcp");
 }
 
-TEST_F(CausesTest, TheClockNeedsAnEntry) {
+TEST_F(LikelyCausesTest, TheTimeSettingsNeedACrontabEntry) {
     WriteFile(kCrontab, "0 * * * * true\n");
     Set("ntp", "\x01");
     Set("ntp-server", "10.0.0.9");
     for (const char* name : {"ntp", "ntp-server"}) {
         EXPECT_EQ(FirstOf(name),
-                  "/var/cron/tabs/root: no entry runs ntpdate; mend: write: 0 * * * * "
+                  "/var/cron/tabs/root: no entry runs ntpdate; fix: write: 0 * * * * "
                   "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log")
             << name;
     }
@@ -146,28 +150,28 @@ TEST_F(CausesTest, TheClockNeedsAnEntry) {
     WriteFile(kCrontab, "###0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n");
     Set("ntp", "\x01");
     EXPECT_EQ(FirstOf("ntp"),
-              "/var/cron/tabs/root:1: two '#' stand before the entry, and switching on takes one "
-              "away; mend: leave one '#', in the first column");
+              "/var/cron/tabs/root:1: there are two '#' before the entry; switching on removes "
+              "only one; fix: leave one '#', in the first column");
 }
 
-TEST_F(CausesTest, ATimeServerNeedsAPlace) {
+TEST_F(LikelyCausesTest, ATimeServerNeedsAPlace) {
     WriteFile(kCrontab, "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
-              "/var/cron/tabs/root:1: a new server would be joined with another word of it; mend: "
-              "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
+              "/var/cron/tabs/root:1: a new server would be joined to another word on the line; "
+              "fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
-TEST_F(CausesTest, ATimeServerAtTheEndOfItsLineRunsOn) {
+TEST_F(LikelyCausesTest, ATimeServerAtTheEndOfItsLineJoinsTwoEntries) {
     WriteFile(kCrontab, "0 * * * * ntpdate 10.0.0.1\n5 4 * * * true\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
-              "/var/cron/tabs/root:1: two entries stand on one line, as a set makes of a server "
-              "that is the last word of its line; mend: put the second one on a line of its own, "
+              "/var/cron/tabs/root:1: two entries are on one line, as after a set of a server that "
+              "is the last word of its line; fix: put the second one on a line of its own, "
               "and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
-TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
+TEST_F(LikelyCausesTest, AFileThatCannotBeWrittenIsFound) {
     constexpr std::string_view kEntry = "#0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n";
     WriteFile(kCrontab, kEntry);
     const testkit::Mounted in_place(kCrontab, kCrontab, "none", MS_BIND, nullptr);
@@ -175,96 +179,96 @@ TEST_F(CausesTest, AFileThatCannotBeWrittenKeepsItsText) {
     Set("ntp", "\x01");
     EXPECT_EQ(testkit::ReadFile(kCrontab), kEntry);
     EXPECT_EQ(FirstOf("ntp"),
-              "/var/cron/tabs/root: this user may not write the file: Read-only file system; mend: "
+              "/var/cron/tabs/root: this user may not write the file: Read-only file system; fix: "
               "mount it writable");
 }
 
-TEST_F(CausesTest, AFullFolderTakesNoEditCopy) {
+TEST_F(LikelyCausesTest, AFullFolderForEditCopiesIsFound) {
     WriteFile(kIdentity, "");
     const testkit::Emptied small("/var/tmp", "size=32k");
     EXPECT_EQ(FirstOf("location"),
-              "/var/tmp: the file system is full: 32768 bytes are free; mend: remove what is not "
-              "needed there");
+              "/var/tmp: the file system is full: 32768 bytes are free; fix: remove files that are "
+              "not needed there");
 }
 
-TEST_F(CausesTest, AnEditIsPutInPlaceByATool) {
+TEST_F(LikelyCausesTest, AMissingToolIsFound) {
     WriteFile(kIdentity, "ADMINISTRATOR=old\n");
     setenv("PATH", "/tmp", 1);
     Set("administrator", "new");
-    EXPECT_EQ(
-        FirstOf("administrator"),
-        "cat is not installed; mend: install it in a folder where velkctl looks, as /usr/bin");
+    EXPECT_EQ(FirstOf("administrator"),
+              "cat is not installed; fix: install it in a folder that velkctl searches, such as "
+              "/usr/bin");
 }
 
-TEST_F(CausesTest, ALineOfAFileComesBeforeAllElseAndAProblemBeforeAWarning) {
+TEST_F(LikelyCausesTest, ProblemsPrecedeWarningsAndLinesOfAFileComeFirst) {
     WriteFile(kInterfaces, "iface eth1 inet static\n\tgateway  10.0.0.1\n\tgateway 10.0.0.2\n");
     setenv("PATH", "/tmp", 1);
-    const Findings causes = CausesOf(Find("eth1.gateway"));
+    const Findings causes = LikelyCauses(Find("eth1.gateway"));
     ASSERT_EQ(causes.size(), 3U);
     EXPECT_EQ(causes[0].subject, "cat");
     EXPECT_EQ(causes[0].severity, Severity::kProblem);
     EXPECT_EQ(causes[1].line, 2U);
     EXPECT_EQ(causes[2].line, 3U);
     WriteFile(kInterfaces, "iface eth1 inet static\n");
-    EXPECT_EQ(CausesOf(Find("eth1.gateway"))[0].line, 1U);
-    EXPECT_EQ(CausesOf(Find("eth1.gateway"))[1].subject, "cat");
+    EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[0].line, 1U);
+    EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[1].subject, "cat");
 }
 
-TEST_F(CausesTest, TellWhetherASetIsKeptFromItsEffect) {
+TEST_F(LikelyCausesTest, EachCauseHasItsImpact) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
-    EXPECT_EQ(CausesOf(Find("eth1.gateway")).front().hinders, Hinders::kSetting);
-    EXPECT_EQ(CausesOf(Find("eth1.address")).front().hinders, Hinders::kReading);
+    EXPECT_EQ(LikelyCauses(Find("eth1.gateway")).front().impact, Impact::kSetting);
+    EXPECT_EQ(LikelyCauses(Find("eth1.address")).front().impact, Impact::kReading);
 }
 
-TEST_F(CausesTest, TheDaemonIsBehindItsConfigurationAlone) {
+TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
     EXPECT_EQ(FirstOf("eth1.ssid"),
-              "/tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; mend: "
-              "plug an adapter in, and start the wireless daemon unless that does");
+              "/tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; fix: "
+              "plug in an adapter; if that does not start the wireless daemon, start it");
     testkit::FakeDaemon daemon;
     EXPECT_EQ(FirstOf("eth1.ssid"),
-              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, and answers "
-              "otherwise; mend: 'velkctl doctor' asks it; restart the wireless daemon");
+              "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, but returns another "
+              "one; fix: restart the wireless daemon; 'velkctl doctor' queries it");
     EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
-    for (const Setting& setting : velkctl::SettingsOf(velkctl::Catalogue())) {
-        const Findings causes = CausesOf(setting);
+    for (const Setting& setting : velkctl::Settings()) {
+        const Findings causes = LikelyCauses(setting);
         EXPECT_EQ(!causes.empty() && causes.front().subject == "the wireless daemon",
                   setting.row->interfaces == velkctl::kEth1 && setting.can_set())
             << setting.name();
     }
 }
 
-TEST_F(CausesTest, ATabIsNoCauseWhereASetAddsALine) {
+TEST_F(LikelyCausesTest, ATabIsNoCauseIfASetAddsALine) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n" + std::string(kEth1));
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
     EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:2: no blank stands behind the word 'gateway'; mend: put one "
+              "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: put one "
               "blank, no tab, between the word and the value");
 }
 
-TEST_F(CausesTest, WhatDoesNotHinderTheSettingIsNoCause) {
-    // No SNMP agent's file, a copy left behind, a lock that others cannot take.
+TEST_F(LikelyCausesTest, AFindingThatDoesNotAffectTheSettingIsNoCause) {
+    // No SNMP agent's file, an old edit copy, a lock that others cannot take.
     WriteFile(kIdentity, "ADMINISTRATOR=x\n");
     WriteFile("/var/tmp/libvelk", "");
     WriteFile("/var/tmp/vklib_lock", "");
     EXPECT_EQ(FirstOf("administrator"), "");
 }
 
-TEST_F(CausesTest, OnlyWhatConcernsTheSettingIsFound) {
-    EXPECT_EQ(FindingsInWords(velkctl::ExamineFor(Find("web-update"))),
-              "problem: ntp, ntp-server and web-update can be neither read nor set: "
-              "/var/cron/tabs/root: the file is missing\n"
-              "  mend: put the device's own file there\n");
-    for (const Setting& setting : velkctl::SettingsOf(velkctl::Catalogue())) {
+TEST_F(LikelyCausesTest, OnlyFindingsThatAffectTheSettingAreReturned) {
+    EXPECT_EQ(FormatFindings(velkctl::ExamineFor(Find("web-update"))),
+              "problem: ntp, ntp-server and web-update can be neither read nor set\n"
+              "  /var/cron/tabs/root: the file is missing\n"
+              "  fix: put the device's own file there\n");
+    for (const Setting& setting : velkctl::Settings()) {
         for (const velkctl::Finding& finding : velkctl::ExamineFor(setting)) {
-            EXPECT_TRUE(Includes(finding.concerns, setting)) << setting.name();
+            EXPECT_TRUE(Includes(finding.affected, setting)) << setting.name();
         }
     }
 }
 
-TEST_F(CausesTest, AreWordsThatCannotControlTheTerminal) {
-    EXPECT_EQ(CauseInWords({.what = "\x1b[2J", .file = "/f", .line = 3, .remedy = "\x07"}),
-              "/f:3: \\x1b[2J; mend: \\x07");
+TEST_F(LikelyCausesTest, TextsEscapeControlCharacters) {
+    EXPECT_EQ(CauseText({.description = "\x1b[2J", .file = "/f", .line = 3, .remedy = "\x07"}),
+              "/f:3: \\x1b[2J; fix: \\x07");
 }
 
 }  // namespace

@@ -23,25 +23,33 @@ using velkctl::Setting;
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
 
-class VerifySetTest : public testkit::DeviceTest {
+// Returns the text with the indented lines of a message joined to its first line.
+std::string Unfolded(std::string text) {
+    for (size_t at = text.find("\n  "); at != std::string::npos; at = text.find("\n  ", at)) {
+        text.replace(at, 3, at > 0 && text[at - 1] == ',' ? " " : "; ");
+    }
+    return text;
+}
+
+class ReadBackTest : public testkit::DeviceTest {
   protected:
-    // Verifies that the setting holds this value, as words; keeps what is complained about.
+    // Verifies that the setting holds this value, as words; keeps the complaint.
     std::optional<bool> Verify(const std::string& name, const std::vector<std::string>& words) {
-        const Setting setting = *FindSetting(Catalogue(), name);
+        const Setting setting = *FindSetting(name);
         const velkctl::Parsed wanted = setting.row->kind->Parse(words);
         EXPECT_EQ(wanted.problem, "");
         return Verify(setting, wanted.data);
     }
     std::optional<bool> Verify(const Setting& setting, const Data& wanted,
-                               const velkctl::Patience& patience = {}) {
+                               const velkctl::TimeLimits& limits = {}) {
         velkctl::Report report(velkctl::Report::Form::kText);
         testing::internal::CaptureStderr();
-        const velkctl::Verification verification =
-            VerifySet(setting, wanted, before.value_or(velkctl::FilesBefore(setting)),
-                      velkctl::Device(patience, report), report);
-        complaint = testing::internal::GetCapturedStderr();
-        status = verification.status;
-        return verification.held;
+        const velkctl::ReadBack read_back =
+            ReadSettingBack(setting, wanted, before.value_or(velkctl::FilesBefore(setting)),
+                            velkctl::Device(limits, report), report);
+        complaint = Unfolded(testing::internal::GetCapturedStderr());
+        status = read_back.status;
+        return read_back.held;
     }
 
     testkit::FakeShell shell;
@@ -50,7 +58,7 @@ class VerifySetTest : public testkit::DeviceTest {
     ExitStatus status = ExitStatus::kDone;
 };
 
-TEST_F(VerifySetTest, AHeldValueIsDone) {
+TEST_F(ReadBackTest, AHeldValueIsNotReported) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 10.0.0.5\n\tnetmask 255.0.0.0\n");
     EXPECT_EQ(Verify("eth0.method", {"static"}), true);
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), true);
@@ -59,7 +67,7 @@ TEST_F(VerifySetTest, AHeldValueIsDone) {
     EXPECT_EQ(complaint, "");
 }
 
-TEST_F(VerifySetTest, ASettingThatCannotBeReadIsNotChecked) {
+TEST_F(ReadBackTest, ASettingThatCannotBeReadIsNotChecked) {
     WriteFile(kHooks,
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi\n");
@@ -68,27 +76,27 @@ TEST_F(VerifySetTest, ASettingThatCannotBeReadIsNotChecked) {
     EXPECT_EQ(complaint, "velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
 }
 
-TEST_F(VerifySetTest, WhatKeepsItFromBeingSetIsSeenAllTheSame) {
+TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenIfTheValueCannotBeRead) {
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(
         complaint,
         "velkctl: eth0.dhcp-notice: the library reported success, but the device cannot hold "
-        "the value; likely cause: /etc/dhclient-exit-hooks: the file is missing; mend: put the "
+        "the value; likely cause: /etc/dhclient-exit-hooks: the file is missing; fix: put the "
         "device's own file there\n");
 }
 
-TEST_F(VerifySetTest, AMissingLineOfTheLastStanzaIsNamed) {
+TEST_F(ReadBackTest, AMissingLineOfTheLastStanzaIsNamed) {
     WriteFile(kInterfaces, "iface eth1 inet static\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
               "likely cause: /etc/network/interfaces:1: the stanza is the last one and has no "
-              "gateway line; mend: add a line \"gateway 192.168.0.1\" to it\n");
+              "gateway line; fix: add a line \"gateway 192.168.0.1\" to it\n");
 }
 
-TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
+TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
     WriteFile(kInterfaces, "iface lo inet loopback\n");
     for (const auto& [name, value] :
          {std::pair("eth0.method", "dhcp"), std::pair("eth0.address", "10.0.0.5")}) {
@@ -98,42 +106,41 @@ TEST_F(VerifySetTest, AMissingStanzaIsNamed) {
                       ": the library reported success, but it cannot be read back: file, socket, "
                       "time-out or unreadable value; likely cause: /etc/network/interfaces: no "
                       "line begins "
-                      "with 'iface eth0 inet static' or '... dhcp'; mend: add a stanza that begins "
+                      "with 'iface eth0 inet static' or '... dhcp'; fix: add a stanza that begins "
                       "with one\n");
     }
 }
 
-TEST_F(VerifySetTest, AnotherAddressIsShown) {
+TEST_F(ReadBackTest, AnotherAddressIsShown) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), false);
-    EXPECT_EQ(
-        complaint,
-        "velkctl: eth0.address: the library reported success, but the device holds "
-        "'ether 02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: 'hwaddress ether "
-        "02:00:00:00:00:01' comes first and holds 'address '; mend: word it otherwise, or move it "
-        "below the line with the value\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.address: the library reported success, but the device holds 'ether "
+              "02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: the library takes "
+              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: reword "
+              "it, or move it below the line with the value\n");
 }
 
-TEST_F(VerifySetTest, AHookThatIsNotThereIsNamed) {
+TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
     WriteFile(kHooks, "exit 0\n");
     EXPECT_EQ(Verify("eth1.apipa", {"on"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth1.apipa: the library reported success, but the device holds 'off'; "
               "likely cause: /etc/dhclient-exit-hooks: no line that runs for eth1 has "
-              "/usr/sbin/avahi-autoipd; mend: add the line that runs /usr/sbin/avahi-autoipd, with "
+              "/usr/sbin/avahi-autoipd; fix: add the line that runs /usr/sbin/avahi-autoipd, with "
               "a '#' before it for off\n");
 }
 
-TEST_F(VerifySetTest, AFileWithNothingWrongIsNotNamed) {
+TEST_F(ReadBackTest, AFileWithNothingWrongIsNotNamed) {
     WriteFile(kHooks, "/usr/sbin/avahi-autoipd eth0\n");
     EXPECT_EQ(Verify("eth0.apipa", {"off"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.apipa: the library reported success, but the device holds 'on'\n");
 }
 
-TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamed) {
+TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
     WriteFile(kInterfaces, "iface eth0 inet static\n\tgateway 10.0.0.1\n");
-    before.emplace(*FindSetting(Catalogue(), "eth0.gateway"));
+    before.emplace(*FindSetting("eth0.gateway"));
     WriteFile(kInterfaces, "");
     EXPECT_EQ(Verify("eth0.gateway", {"10.0.0.2"}), false);
     EXPECT_EQ(
@@ -141,16 +148,16 @@ TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamed) {
         "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
         "file, socket, time-out or unreadable value; /etc/network/interfaces is empty since this "
         "set, and no edit "
-        "copy has the rest: restore it before the device starts anew; likely cause: "
+        "copy has the rest: restore it before the device restarts; likely cause: "
         "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
-        "mend: add a stanza that begins with one\n");
+        "fix: add a stanza that begins with one\n");
 }
 
-TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
+TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
     WriteFile(kHooks,
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi");
-    before.emplace(*FindSetting(Catalogue(), "eth0.dhcp-notice"));
+    before.emplace(*FindSetting("eth0.dhcp-notice"));
     WriteFile(kHooks, "");
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
     EXPECT_NE(complaint.find("the device cannot hold the value; /etc/dhclient-exit-hooks is empty "
@@ -159,7 +166,7 @@ TEST_F(VerifySetTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
         << complaint;
 }
 
-TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
+TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), std::nullopt);
     EXPECT_EQ(
@@ -168,29 +175,27 @@ TEST_F(VerifySetTest, ALeaseIsNoProofAgainstAnAddress) {
         "shown\n");
 }
 
-TEST_F(VerifySetTest, WhatKeepsAnAddressFromBeingSetIsSeenBehindALease) {
+TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {
     WriteFile(kInterfaces, "iface eth1 inet dhcp\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
-    EXPECT_EQ(
-        complaint,
-        "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
-        "value; likely cause: "
-        "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; mend: "
-        "add a line \"gateway 192.168.0.1\" to it\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
+              "value; likely cause: "
+              "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; fix: "
+              "add a line \"gateway 192.168.0.1\" to it\n");
 }
 
-TEST_F(VerifySetTest, AReadingThatTakesTooLongProvesNothing) {
+TEST_F(ReadBackTest, AReadingThatTakesTooLongProvesNothing) {
     libc().OnCall(testkit::Call::kSystem, [](const testkit::Event&) { (void)pause(); });
-    const Setting setting = *FindSetting(Catalogue(), "eth0.link-speed");
+    const Setting setting = *FindSetting("eth0.link-speed");
     const Data wanted = setting.row->kind->Parse(std::vector<std::string>{"auto"}).data;
     EXPECT_EQ(Verify(setting, wanted, {.timeout_seconds = 1}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kTimedOut);
-    EXPECT_EQ(complaint,
-              "velkctl: eth0.link-speed: set, but not read back: given up, it took too long\n");
+    EXPECT_EQ(complaint, "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s\n");
 }
 
-TEST_F(VerifySetTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
+TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
     shell.Prints("sudo ethtool", {"Speed: 10Mb/s\nDuplex: Half\nAuto-negotiation: off\n"});
     EXPECT_EQ(Verify("eth0.link-speed", {"100-full"}), false);
     EXPECT_EQ(complaint,
@@ -198,9 +203,9 @@ TEST_F(VerifySetTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
               "'10-half'\n");
 }
 
-TEST_F(VerifySetTest, ASecretStaysOne) {
-    // A setting of the test's own: what it holds is a secret, and not the one that was set.
-    CatalogueRow row = *FindSetting(Catalogue(), "eth0.address")->row;
+TEST_F(ReadBackTest, ASecretIsNotShown) {
+    // A setting of the test's own. It holds a secret, and another one than was set.
+    CatalogueRow row = *FindSetting("eth0.address")->row;
     row.secret = true;
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress hunter2\n");
     EXPECT_EQ(Verify({&row, "eth0"}, row.kind->Parse(std::vector<std::string>{"10.0.0.5"}).data),

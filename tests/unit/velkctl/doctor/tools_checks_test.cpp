@@ -1,4 +1,4 @@
-// What the doctor says about the tools that the library runs.
+// The doctor's findings about the tools that the library runs.
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -15,7 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 using testkit::WriteFile;
-using velkctl::FindingsInWords;
+using velkctl::FormatFindings;
 
 // A device with tools in /tmp, the one folder of PATH, and with little where sudo looks.
 class ToolsCheck : public testkit::DeviceTest {
@@ -43,37 +43,39 @@ class ToolsCheck : public testkit::DeviceTest {
     const testkit::Emptied sbin_{"/usr/sbin"};
 };
 
-TEST_F(ToolsCheck, TellsWhichToolIsMissing) {
-    EXPECT_THAT(FindingsInWords(velkctl::CheckTools()), Not(HasSubstr("problem: rm ")));
+TEST_F(ToolsCheck, NamesTheMissingTool) {
+    EXPECT_THAT(FormatFindings(velkctl::CheckTools()), Not(HasSubstr("problem: rm ")));
     ASSERT_EQ(unlink("/tmp/rm"), 0);
     EXPECT_THAT(
-        FindingsInWords(velkctl::CheckTools()),
-        HasSubstr("problem: rm is not installed: edit copies and results stay behind in "
-                  "/var/tmp\n  mend: install it in a folder where velkctl looks, as /usr/bin\n"));
+        FormatFindings(velkctl::CheckTools()),
+        HasSubstr("problem: rm is not installed\n"
+                  "  edit copies and results stay in /var/tmp\n"
+                  "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"));
 }
 
 TEST_F(ToolsCheck, SaysNothingOfARestartThatNeedsNothing) {
-    EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()), "");
 }
 
-TEST_F(ToolsCheck, TellsWhichToolKeepsARestartFromItsEffect) {
+TEST_F(ToolsCheck, NamesTheToolsThatARestartLacks) {
     ASSERT_EQ(unlink("/usr/sbin/ifup"), 0);
     ASSERT_EQ(unlink("/tmp/sudo"), 0);
-    EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()),
-              "problem: sudo is not installed: no interface can be restarted, link-speed can be "
-              "neither read nor set\n"
-              "  mend: install it in a folder where velkctl looks, as /usr/bin\n"
-              "problem: ifup is not installed: no interface can be brought up again by a restart\n"
-              "  mend: install it in a folder where sudo looks, as /usr/sbin\n");
+    EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),
+              "problem: sudo is not installed\n"
+              "  no interface can be restarted, link-speed can be neither read nor set\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "problem: ifup is not installed\n"
+              "  no interface can be brought up again by a restart\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n");
 }
 
 TEST_F(ToolsCheck, FindsAToolThatSudoDoesNot) {
     ASSERT_EQ(unlink("/usr/sbin/ifdown"), 0);
     WriteTool("/tmp/ifdown");
-    EXPECT_EQ(FindingsInWords(velkctl::RestartObstacles()),
-              "problem: ifdown is not in a folder where sudo looks: no interface can be brought "
-              "down by a restart\n"
-              "  mend: install it in a folder where sudo looks, as /usr/sbin\n");
+    EXPECT_EQ(FormatFindings(velkctl::CheckRestartTools()),
+              "problem: ifdown is in none of the folders that sudo searches\n"
+              "  no interface can be brought down by a restart\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n");
 }
 
 // A tool of root's in a folder that sudo does not search.
@@ -93,7 +95,7 @@ class ToolElsewhere : public ToolsCheck {
     }
     static std::string RemedyWithPath(const std::string& path) {
         setenv("PATH", (path + ":/tmp").c_str(), 1);
-        const velkctl::Findings findings = velkctl::RestartObstacles();
+        const velkctl::Findings findings = velkctl::CheckRestartTools();
         return findings.empty() ? "(none)" : findings.front().remedy;
     }
     static std::string Remedy() { return RemedyWithPath(kFolder); }
@@ -102,7 +104,8 @@ class ToolElsewhere : public ToolsCheck {
     static constexpr char kFolder[] = "/usr/local/tools/net";
     static constexpr char kTool[] = "/usr/local/tools/net/ifdown";
     static constexpr char kLink[] = "ln -s /usr/local/tools/net/ifdown /usr/local/sbin/ifdown";
-    static constexpr char kInstall[] = "install it in a folder where sudo looks, as /usr/sbin";
+    static constexpr char kInstall[] =
+        "install it in a folder that sudo searches, such as /usr/sbin";
 
   private:
     const testkit::Emptied local_{"/usr/local", "mode=755"};
@@ -170,6 +173,26 @@ TEST_F(ToolElsewhere, IsNotLinkedFromTheCurrentFolder) {
     EXPECT_EQ(RemedyWithPath(""), kInstall);
     EXPECT_EQ(RemedyWithPath("."), kInstall);
     ASSERT_EQ(chdir(before.c_str()), 0);
+}
+
+class IfconfigCheck : public testkit::DeviceTest {};
+
+TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput(
+                  "lo  Link encap:Local Loopback\n    inet addr:127.0.0.1  Mask:255.0.0.0\n")),
+              "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput("")), "");
+}
+
+TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
+    EXPECT_EQ(
+        FormatFindings(velkctl::CheckIfconfigOutput(
+            "lo: flags=73<UP>\n        inet 127.0.0.1  netmask 255.0.0.0\n")),
+        "problem: ifconfig prints addresses in a form that the library does not read\n"
+        "  it prints 'inet 127.0.0.1  netmask 255.0.0.0',\n"
+        "  but the library looks for 'inet addr:' and 'Mask:'\n"
+        "  address and netmask of a DHCP interface are read as empty\n"
+        "  fix: install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does\n");
 }
 
 }  // namespace

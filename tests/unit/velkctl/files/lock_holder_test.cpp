@@ -1,4 +1,4 @@
-// Which process holds the library's lock, from what the kernel tells of locks and processes.
+// The process that holds the library's lock, from the kernel's tables of locks and processes.
 #include "velkctl/files/lock_holder.h"
 
 #include <optional>
@@ -30,16 +30,16 @@ TEST(FlockHolder, IsTheProcessWithTheLockOnTheFile) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0x103, 0), 13), 77);
 }
 
-TEST(FlockHolder, IsNotOneThatWaits) {
+TEST(FlockHolder, IsNotAProcessThatWaits) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 13), std::nullopt);
 }
 
-TEST(FlockHolder, IsNotOneWithALockOfAnotherKind) {
+TEST(FlockHolder, IsNotAProcessWithALockOfAnotherKind) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0xfe, 0), 404740), std::nullopt);
     EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 15), std::nullopt);
 }
 
-TEST(FlockHolder, IsUnknownWhenItIsOfAnotherNamespace) {
+TEST(FlockHolder, IsUnknownInAnotherNamespace) {
     EXPECT_EQ(FlockHolder(kLocks, makedev(0, 0x2f), 14), std::nullopt);
 }
 
@@ -71,11 +71,12 @@ TEST(SecondsRunning, AreUnknownWithoutReadableTexts) {
 }
 
 TEST(LockHolderWords, NameTheProcessAndItsAge) {
-    EXPECT_EQ(velkctl::Words({1234, "velkctl", 3}), "process 1234 (velkctl, 3 seconds old)");
+    EXPECT_EQ(velkctl::DescribeHolder({1234, "velkctl", 3}),
+              "process 1234 (velkctl, 3 seconds old)");
 }
 
 TEST(LockHolderWords, NeverControlTheTerminal) {
-    EXPECT_EQ(velkctl::Words({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
+    EXPECT_EQ(velkctl::DescribeHolder({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
 }
 
 class FindLockHolderTest : public testkit::DeviceTest {};

@@ -46,13 +46,13 @@ TEST_F(ToolRunTest, FindsAToolAsAShellDoes) {
     EXPECT_EQ(FindTool("sh", "/missing"), std::nullopt);
 }
 
-TEST_F(ToolRunTest, KeepsWhatAToolPrintsAndHowItEnds) {
+TEST_F(ToolRunTest, KeepsTheOutputAndTheExitStatusOfATool) {
     WriteTool("/tmp/velk-tool", "echo \"$1\"; echo error >&2; cat; exit 3\n");
-    const ToolRun run = RunTool({"/tmp/velk-tool", "a b"});
+    const ToolRun run = RunTool({"/tmp/velk-tool", "a b"}, 60s);
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.output, "a b\n");
-    EXPECT_FALSE(RunTool({"/tmp/velk-missing"}).ended);
+    EXPECT_FALSE(RunTool({"/tmp/velk-missing"}, 60s).ended);
 }
 
 TEST_F(ToolRunTest, KillsAToolThatDoesNotEnd) {

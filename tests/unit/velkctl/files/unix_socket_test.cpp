@@ -28,7 +28,7 @@ class IsBoundTest : public testkit::DeviceTest {
     }
 };
 
-TEST_F(IsBoundTest, ASocketIsWhileItsProgramHasIt) {
+TEST_F(IsBoundTest, ASocketIsBoundWhileItsProgramHasItOpen) {
     {
         const velk::UniqueFd socket(Bind(SOCK_DGRAM));
         EXPECT_TRUE(IsBound(kPath));
@@ -37,18 +37,18 @@ TEST_F(IsBoundTest, ASocketIsWhileItsProgramHasIt) {
     EXPECT_FALSE(IsBound(kPath));
 }
 
-TEST_F(IsBoundTest, ASocketOfAnotherTypeIsToo) {
+TEST_F(IsBoundTest, ASocketOfAnotherTypeIsBoundToo) {
     const velk::UniqueFd socket(Bind(SOCK_STREAM));
     EXPECT_TRUE(IsBound(kPath));
 }
 
-TEST_F(IsBoundTest, NothingElseIs) {
+TEST_F(IsBoundTest, AMissingOrOrdinaryFileIsNotBound) {
     EXPECT_FALSE(IsBound(kPath));
     testkit::WriteFile(kPath, "");
     EXPECT_FALSE(IsBound(kPath));
 }
 
-TEST_F(IsBoundTest, AFileInThePlaceOfABoundSocketIsNot) {
+TEST_F(IsBoundTest, AFileInThePlaceOfABoundSocketIsNotBound) {
     const velk::UniqueFd socket(Bind(SOCK_DGRAM));
     ASSERT_EQ(unlink(kPath), 0);
     testkit::WriteFile(kPath, "");

@@ -1,4 +1,4 @@
-// The line at a terminal that tells what is waited for.
+// The progress line at a terminal.
 #include "velkctl/report/progress.h"
 
 #include <string>
@@ -10,12 +10,12 @@ namespace {
 using velkctl::ProgressDisplay;
 using velkctl::ProgressLine;
 
-TEST(ProgressLineTest, TellsHowLongAndForWhat) {
+TEST(ProgressLineTest, HasTheTimeAndTheReason) {
     EXPECT_EQ(ProgressLine("eth1.signal", "the wireless daemon to answer", 12, 122),
               "eth1.signal: 12 s of at most 122 s, waiting for the wireless daemon to answer");
 }
 
-TEST(ProgressLineTest, LeavesOutAnEndThatNobodyKnows) {
+TEST(ProgressLineTest, LeavesOutAnUnknownEnd) {
     EXPECT_EQ(ProgressLine("location", "the SNMP daemon to restart", 2, 0),
               "location: 2 s, waiting for the SNMP daemon to restart");
 }
@@ -43,7 +43,7 @@ TEST(ProgressDisplayTest, CutsALineThatWouldNotFit) {
               "\r" + std::string(79, 'x') + "\r" + std::string(79, ' ') + "\r");
 }
 
-TEST(ProgressDisplayTest, WritesNothingWhereNobodyLooks) {
+TEST(ProgressDisplayTest, WritesNothingIfItIsDisabled) {
     testing::internal::CaptureStderr();
     {
         ProgressDisplay display(false);
@@ -52,7 +52,7 @@ TEST(ProgressDisplayTest, WritesNothingWhereNobodyLooks) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(ProgressDisplayTest, WritesNothingWhenThereWasNothingToShow) {
+TEST(ProgressDisplayTest, WritesNothingIfNothingWasShown) {
     testing::internal::CaptureStderr();
     { const ProgressDisplay display(true); }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");

@@ -9,6 +9,8 @@
 namespace {
 
 using velkctl::ExitStatus;
+using velkctl::InLines;
+using velkctl::OneLine;
 using velkctl::Problem;
 using velkctl::Report;
 
@@ -18,7 +20,7 @@ struct Said {
 };
 
 template <typename Run>
-Said What(Report::Form form, Run run) {
+Said OutputOf(Report::Form form, Run run) {
     Report report(form);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -35,23 +37,28 @@ ExitStatus SayAll(Report& report) {
     report.Text("eth0.dns = 10.0.0.1\n");
     report.Member("settings", {1, 2});
     report.Note("it took long");
-    report.Complain(Problem{"eth0.dns: could not be read", "eth0.dns", -1});
+    report.Complain(Problem{"eth0.dns: could not be read", "eth0.dns", -1, "likely cause: no file",
+                            "make one", "/etc/resolv.dnsmasq.conf", 3});
     return report.Refuse("no such thing");
 }
 
 TEST(Report, GoesOutAsTextLineByLine) {
-    const Said said = What(Report::Form::kText, SayAll);
+    const Said said = OutputOf(Report::Form::kText, SayAll);
     EXPECT_EQ(said.out, "eth0.dns = 10.0.0.1\n");
-    EXPECT_EQ(
-        said.err,
-        "velkctl: it took long\nvelkctl: eth0.dns: could not be read\nvelkctl: no such thing\n");
+    EXPECT_EQ(said.err,
+              "velkctl: it took long\n"
+              "velkctl: eth0.dns: could not be read\n"
+              "  likely cause: no file\n"
+              "  fix: make one\n"
+              "  result: LIB_VELK_FAILURE (-1)\n"
+              "velkctl: no such thing\n");
 }
 
 TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
-    const Said said = What(Report::Form::kJson, SayAll);
+    const Said said = OutputOf(Report::Form::kJson, SayAll);
     EXPECT_EQ(said.err, "");
     EXPECT_EQ(said.out, R"({
-  "schema": 1,
+  "schema": 2,
   "verb": "get",
   "status": 2,
   "settings": [
@@ -64,15 +71,24 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
   "errors": [
     {
       "message": "eth0.dns: could not be read",
+      "detail": "likely cause: no file",
+      "cause": {
+        "file": "/etc/resolv.dnsmasq.conf",
+        "line": 3
+      },
+      "remedy": "make one",
       "setting": "eth0.dns",
       "result": {
         "code": -1,
         "name": "LIB_VELK_FAILURE",
-        "words": "file, socket, time-out or unreadable value"
+        "description": "file, socket, time-out or unreadable value"
       }
     },
     {
       "message": "no such thing",
+      "detail": null,
+      "cause": null,
+      "remedy": null,
       "setting": null,
       "result": null
     }
@@ -81,23 +97,64 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
 )");
 }
 
-TEST(Report, AnEmptyDocumentIsWholeToo) {
-    const Said said = What(Report::Form::kJson, [](Report&) { return ExitStatus::kDone; });
+TEST(Report, BreaksALongTextAtSemicolonsAndBeforeBut) {
+    const std::string reason(40, 'a');
+    EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + reason, 2), reason + "\n  " + reason);
+    EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + std::string(36, 'b'), 2),
+              reason + "; " + std::string(36, 'b'));
+    EXPECT_EQ(velkctl::InLinesOf80(reason + ", but " + reason, 2), reason + ",\n  but " + reason);
+    EXPECT_EQ(velkctl::InLinesOf80(reason + "; give " + reason, 2),
+              reason + "\n  fix: give " + reason);
+}
+
+TEST(Report, BreaksNoQuotationAndNoFix) {
+    const std::string quoted =
+        "the interface's line 'request routers; # " + std::string(50, 'a') + "'";
+    EXPECT_EQ(velkctl::InLinesOf80(quoted, 2), quoted);
+    EXPECT_EQ(velkctl::InLinesOf80(quoted + "; it is off", 2), quoted + "\n  it is off");
+    const std::string fix = "fix: rm " + std::string(80, 'a') + "; true";
+    EXPECT_EQ(velkctl::InLinesOf80(fix, 2), fix);
+}
+
+TEST(Report, AnEmptyDocumentIsCompleteToo) {
+    const Said said = OutputOf(Report::Form::kJson, [](Report&) { return ExitStatus::kDone; });
     EXPECT_EQ(said.out,
-              "{\n  \"schema\": 1,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
+              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
               "  \"errors\": []\n}\n");
 }
 
 TEST(Report, BytesThatAreNoTextDoNotBreakTheDocument) {
-    const Said said = What(Report::Form::kJson, [](Report& report) {
+    const Said said = OutputOf(Report::Form::kJson, [](Report& report) {
         report.Complain("\xff");
         return ExitStatus::kFailed;
     });
     EXPECT_NE(said.out.find("\"message\": \"\\ufffd\""), std::string::npos) << said.out;
 }
 
+TEST(Report, LongMessagesAreBrokenAtTheirSemicolons) {
+    const std::string name(40, 'n');
+    EXPECT_EQ(InLines({.message = name + ": is not valid; give on or off"}),
+              name + ": is not valid; give on or off");
+    EXPECT_EQ(InLines({.message = name + ": is not valid; no; give on or off, or another one"}),
+              name + ": is not valid\n  no; give on or off, or another one");
+    EXPECT_EQ(InLines({.message = name + ": is no valid value of it at all; give on or off"}),
+              name + ": is no valid value of it at all\n  fix: give on or off");
+    EXPECT_EQ(InLines({.message = "a", .detail = name + "; " + name + "; b"}),
+              "a\n  " + name + "\n  " + name + "; b");
+}
+
+TEST(Report, AFixIsNotBrokenAtItsSemicolons) {
+    const std::string fix = "fix: if true; then " + std::string(80, 'x') + "; fi";
+    EXPECT_EQ(InLines({.message = "a; b; " + fix}), "a\n  b\n  " + fix);
+}
+
+TEST(Report, AProblemOnOneLineHasAllItsParts) {
+    EXPECT_EQ(OneLine({"a", "", -3, "b", "c"}), "a; b; fix: c (LIB_VELK_LOCKED, -3)");
+    EXPECT_EQ(OneLine({"a"}), "a");
+}
+
 TEST(Report, TheDocumentIsAscii) {
-    const Said said = What(Report::Form::kJson, [](Report& report) {
+    const Said said = OutputOf(Report::Form::kJson, [](Report& report) {
         report.Complain("caf\xc3\xa9");
         return ExitStatus::kFailed;
     });

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/ipv4.h"
 
 namespace {
@@ -57,7 +57,7 @@ TEST(IsMask, TakesOnesInFrontOfZeros) {
     }
 }
 
-TEST(AddressKindParse, WritesTheTextAsItStands) {
+TEST(AddressKindParse, StoresTheTextUnchanged) {
     EXPECT_EQ(kAddress.Parse(Words{"192.168.0.10"}).data, DataOf("192.168.0.10"));
     EXPECT_EQ(kNetmask.Parse(Words{"255.255.255.128"}).data, DataOf("255.255.255.128"));
     EXPECT_EQ(kGateway.Parse(Words{"10.0.0.1"}).data, DataOf("10.0.0.1"));
@@ -95,7 +95,7 @@ TEST(AddressKindParse, SaysWhyNoInterfaceCanHaveAnAddress) {
     refused("00.1.1.1", octal);
 }
 
-TEST(AddressKindParse, RefusesWhatIsNoAddress) {
+TEST(AddressKindParse, RefusesTextThatIsNoAddress) {
     for (const std::string word : {"192.168.0.300", "192.168.0.0300", "0x1.2.3.4", "none"}) {
         EXPECT_EQ(
             Problem(kAddress, {word}),
@@ -109,24 +109,23 @@ TEST(AddressKindParse, RefusesWhatIsNoAddress) {
     EXPECT_EQ(kAddress.Parse(Words{"10.0.0.300"}).data, Data{});
 }
 
-TEST(AddressKindParse, SaysWhyAMaskIsNone) {
+TEST(AddressKindParse, SaysWhyAMaskIsNotValid) {
     EXPECT_EQ(Problem(kNetmask, {"255.0.255.0"}),
-              "'255.0.255.0' is not a mask, as its ones are not contiguous; give an IPv4 mask such "
-              "as 255.255.255.0");
-    EXPECT_EQ(
-        Problem(kNetmask, {"0.0.0.0"}),
-        "'0.0.0.0' is not a mask, as it has no ones; give an IPv4 mask such as 255.255.255.0");
+              "'255.0.255.0' is not a mask: a zero precedes a one; give an IPv4 mask such as "
+              "255.255.255.0");
+    EXPECT_EQ(Problem(kNetmask, {"0.0.0.0"}),
+              "'0.0.0.0' is not a mask: it has no ones; give an IPv4 mask such as 255.255.255.0");
     EXPECT_EQ(Problem(kNetmask, {"24"}),
               "'24' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
 }
 
-TEST(AddressKindParse, WantsOneWord) {
+TEST(AddressKindParse, TakesExactlyOneWord) {
     EXPECT_EQ(Problem(kAddress, {}), "no value given; give an IPv4 address such as 192.168.0.10");
     EXPECT_EQ(Problem(kAddress, {"10.0.0.1", "255.0.0.0"}),
               "2 values given; give an IPv4 address such as 192.168.0.10");
 }
 
-TEST(AddressKindPrint, ShowsWhatTheDeviceHolds) {
+TEST(AddressKindPrint, ShowsTheValueOfTheDevice) {
     EXPECT_EQ(kAddress.Print(DataOf("192.168.0.10")), "192.168.0.10");
     EXPECT_EQ(kGateway.Print(Data{}), "none");
     EXPECT_EQ(kAddress.Print(DataOf("not one \x1b[31m")), "not one \\x1b[31m");

@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "lib/entry/dispatch_tables.h"
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/value_kind.h"
 
 namespace {
 
@@ -22,96 +22,99 @@ using velkctl::kEth0;
 using velkctl::kEth1;
 using velkctl::kGet;
 using velkctl::kNoInterface;
-using velkctl::kServerList;
 using velkctl::kSet;
 using velkctl::NamesSecret;
-using velkctl::ParseId;
 using velkctl::Setting;
-using velkctl::SettingsOf;
+using velkctl::Settings;
 using velkctl::UnknownInterface;
 using velkctl::UnknownSetting;
 
-constexpr std::array<CatalogueRow, 4> kRows{{
-    {"place", 11, kNoInterface, kGet | kSet, &kServerList, false, ""},
-    {"dns", 12, kEth0 | kEth1, kGet | kSet, &kServerList, false, ""},
-    {"speed", 13, kEth0, kGet, &kServerList, false, ""},
-    {"key", 14, kEth1, kSet, &kServerList, true, ""},
-}};
-
-std::vector<std::string> NamesOf(std::span<const CatalogueRow> rows) {
+std::vector<std::string> FullNames() {
     std::vector<std::string> names;
-    for (const Setting& setting : SettingsOf(rows)) {
+    for (const Setting& setting : Settings()) {
         names.push_back(setting.name());
     }
     return names;
 }
 
-TEST(SettingsOf, GivesEveryRowOncePerInterface) {
-    EXPECT_EQ(NamesOf(kRows), (std::vector<std::string>{"place", "eth0.dns", "eth1.dns",
-                                                        "eth0.speed", "eth1.key"}));
+TEST(Settings, HaveEveryRowOncePerInterface) {
+    for (const CatalogueRow& row : Catalogue()) {
+        std::vector<std::string> interfaces;
+        for (const Setting& setting : Settings()) {
+            if (setting.row == &row) {
+                interfaces.emplace_back(setting.interface);
+            }
+        }
+        std::vector<std::string> expected;
+        for (const auto& [flag, interface] :
+             {std::pair(kNoInterface, ""), std::pair(kEth0, "eth0"), std::pair(kEth1, "eth1")}) {
+            if ((row.interfaces & flag) != 0) {
+                expected.emplace_back(interface);
+            }
+        }
+        EXPECT_EQ(interfaces, expected) << row.name;
+    }
 }
 
 TEST(FindSetting, FindsTheRowAndTheInterface) {
-    const auto wired = FindSetting(kRows, "eth0.dns");
+    const auto wired = FindSetting("eth0.dns");
     ASSERT_TRUE(wired.has_value());
-    EXPECT_EQ(wired->row, &kRows[1]);
+    EXPECT_EQ(wired->row->id, VELK_CMD_DNS);
     EXPECT_EQ(wired->interface, "eth0");
-    const auto wireless = FindSetting(kRows, "eth1.key");
+    const auto wireless = FindSetting("eth1.psk");
     ASSERT_TRUE(wireless.has_value());
-    EXPECT_EQ(wireless->row, &kRows[3]);
+    EXPECT_EQ(wireless->row->id, VELK_CMD_PSK);
     EXPECT_EQ(wireless->interface, "eth1");
 }
 
 TEST(FindSetting, ASettingOfTheWholeDeviceHasNoInterface) {
-    const auto place = FindSetting(kRows, "place");
-    ASSERT_TRUE(place.has_value());
-    EXPECT_EQ(place->row, &kRows[0]);
-    EXPECT_EQ(place->interface, "");
+    const auto location = FindSetting("location");
+    ASSERT_TRUE(location.has_value());
+    EXPECT_EQ(location->row->id, VELK_CMD_LOCATION);
+    EXPECT_EQ(location->interface, "");
 }
 
 TEST(FindSetting, TakesFullNamesOnly) {
     for (const char* name :
          {"", "dns", "eth0", "eth0.", ".dns", "eth0.dn", "eth0.dnss", "eth2.dns", "ETH0.DNS",
-          "eth1.speed", "eth0.place", "eth0.dns ", "eth0.eth0.dns"}) {
-        EXPECT_FALSE(FindSetting(kRows, name).has_value()) << name;
+          "eth1.link-speed", "eth0.location", "eth0.dns ", "eth0.eth0.dns"}) {
+        EXPECT_FALSE(FindSetting(name).has_value()) << name;
     }
 }
 
 TEST(Setting, KnowsItsDirections) {
-    EXPECT_TRUE(FindSetting(kRows, "eth0.dns")->can_get());
-    EXPECT_TRUE(FindSetting(kRows, "eth0.dns")->can_set());
-    EXPECT_TRUE(FindSetting(kRows, "eth0.speed")->can_get());
-    EXPECT_FALSE(FindSetting(kRows, "eth0.speed")->can_set());
-    EXPECT_FALSE(FindSetting(kRows, "eth1.key")->can_get());
-    EXPECT_TRUE(FindSetting(kRows, "eth1.key")->can_set());
+    EXPECT_TRUE(FindSetting("eth0.dns")->can_get());
+    EXPECT_TRUE(FindSetting("eth0.dns")->can_set());
+    EXPECT_TRUE(FindSetting("eth0.mac-address")->can_get());
+    EXPECT_FALSE(FindSetting("eth0.mac-address")->can_set());
+    EXPECT_FALSE(FindSetting("eth0.dhcp-notice")->can_get());
+    EXPECT_TRUE(FindSetting("eth0.dhcp-notice")->can_set());
 }
 
 TEST(UnknownSetting, GivesTheNamesOnOtherInterfaces) {
-    EXPECT_EQ(UnknownSetting(kRows, "eth2.dns"),
-              "unknown setting 'eth2.dns'; give eth0.dns or eth1.dns");
-    EXPECT_EQ(UnknownSetting(kRows, "dns"), "unknown setting 'dns'; give eth0.dns or eth1.dns");
-    EXPECT_EQ(UnknownSetting(kRows, "eth1.speed"), "unknown setting 'eth1.speed'; give eth0.speed");
-    EXPECT_EQ(UnknownSetting(kRows, "eth0.place"), "unknown setting 'eth0.place'; give place");
-    EXPECT_EQ(UnknownSetting(kRows, "eth0.eth0.speed"),
-              "unknown setting 'eth0.eth0.speed'; give eth0.speed");
+    EXPECT_EQ(UnknownSetting("eth2.dns"), "unknown setting 'eth2.dns'; give eth0.dns or eth1.dns");
+    EXPECT_EQ(UnknownSetting("dns"), "unknown setting 'dns'; give eth0.dns or eth1.dns");
+    EXPECT_EQ(UnknownSetting("eth1.link-speed"),
+              "unknown setting 'eth1.link-speed'; give eth0.link-speed");
+    EXPECT_EQ(UnknownSetting("eth0.location"), "unknown setting 'eth0.location'; give location");
+    EXPECT_EQ(UnknownSetting("eth0.eth0.link-speed"),
+              "unknown setting 'eth0.eth0.link-speed'; give eth0.link-speed");
 }
 
-TEST(UnknownSetting, GuessesWhatAMisspeltNameMeans) {
-    EXPECT_EQ(UnknownSetting(kRows, "eth0.dsn"),
-              "unknown setting 'eth0.dsn'; did you mean eth0.dns?");
-    EXPECT_EQ(UnknownSetting(kRows, "eth1.kye"),
-              "unknown setting 'eth1.kye'; did you mean eth1.key?");
-    EXPECT_EQ(UnknownSetting(kRows, "sped"), "unknown setting 'sped'; did you mean eth0.speed?");
-    EXPECT_EQ(UnknownSetting(kRows, "DNS"),
-              "unknown setting 'DNS'; did you mean eth0.dns or eth1.dns?");
+TEST(UnknownSetting, SuggestsACorrectionOfAMisspeltName) {
+    EXPECT_EQ(UnknownSetting("eth0.dsn"), "unknown setting 'eth0.dsn'; did you mean eth0.dns?");
+    EXPECT_EQ(UnknownSetting("eth1.pks"), "unknown setting 'eth1.pks'; did you mean eth1.psk?");
+    EXPECT_EQ(UnknownSetting("link-sped"),
+              "unknown setting 'link-sped'; did you mean eth0.link-speed?");
+    EXPECT_EQ(UnknownSetting("DNS"), "unknown setting 'DNS'; did you mean eth0.dns or eth1.dns?");
 }
 
 TEST(UnknownSetting, KnowsAnInterface) {
-    EXPECT_EQ(UnknownSetting(kRows, "eth1"),
+    EXPECT_EQ(UnknownSetting("eth1"),
               "'eth1' is an interface, not a setting; 'velkctl show eth1' shows its settings");
 }
 
-TEST(UnknownInterface, GuessesWhatAMisspeltOneMeans) {
+TEST(UnknownInterface, SuggestsACorrectionOfAMisspeltName) {
     EXPECT_EQ(UnknownInterface("eht1", "'eht1'"),
               "'eht1' is not an interface of the device; did you mean eth1?");
     EXPECT_EQ(UnknownInterface("ETH0", "'ETH0'"),
@@ -123,94 +126,83 @@ TEST(UnknownInterface, GuessesWhatAMisspeltOneMeans) {
 }
 
 TEST(UnknownSetting, PointsToTheListOtherwise) {
-    EXPECT_EQ(UnknownSetting(kRows, "colour"),
-              "unknown setting 'colour'; 'velkctl list' names them all");
-    EXPECT_EQ(UnknownSetting(kRows, ""), "unknown setting ''; 'velkctl list' names them all");
-    EXPECT_EQ(UnknownSetting(kRows, "\x1b"),
-              "unknown setting '\\x1b'; 'velkctl list' names them all");
+    EXPECT_EQ(UnknownSetting("colour"), "unknown setting 'colour'; 'velkctl list' names them all");
+    EXPECT_EQ(UnknownSetting(""), "unknown setting ''; 'velkctl list' names them all");
+    EXPECT_EQ(UnknownSetting("\x1b"), "unknown setting '\\x1b'; 'velkctl list' names them all");
 }
 
-TEST(UnknownSetting, NeitherRepeatsNorGuessesAtWhatMayBeAKey) {
+TEST(UnknownSetting, NeitherRepeatsNorCorrectsAWordThatMayBeAKey) {
     for (const char* word : {"secretpass", "eth0.dsn", "dns", "a=b"}) {
         EXPECT_EQ(
-            UnknownSetting(kRows, word, /*may_be_key=*/true),
+            UnknownSetting(word, /*may_be_key=*/true),
             "unknown setting, not repeated here as it may be a key; 'velkctl list' names them "
             "all");
     }
 }
 
-TEST(UnknownSetting, NeverRepeatsWhatStandsBehindAnEqualsSign) {
-    EXPECT_EQ(UnknownSetting(kRows, "eth1.key=hunter2"),
-              "'eth1.key' is followed by '='; give the name alone, and a value as an argument of "
-              "its own");
-    EXPECT_EQ(UnknownSetting(kRows, "=a=b"),
-              "'' is followed by '='; give the name alone, and a value as an argument of its own");
+TEST(UnknownSetting, NeverRepeatsTheTextAfterAnEqualsSign) {
+    EXPECT_EQ(
+        UnknownSetting("eth1.psk=hunter2"),
+        "'eth1.psk' is followed by '='; give the name alone, and the value as a separate argument");
+    EXPECT_EQ(UnknownSetting("=a=b"),
+              "'' is followed by '='; give the name alone, and the value as a separate argument");
 }
 
 TEST(NamesSecret, KnowsTheNameAndTheIdOfASecret) {
-    EXPECT_TRUE(NamesSecret(kRows, "eth1.key"));
-    EXPECT_TRUE(NamesSecret(kRows, "14"));
-    EXPECT_TRUE(NamesSecret(kRows, "0014"));
+    EXPECT_TRUE(NamesSecret("eth1.psk"));
+    EXPECT_TRUE(NamesSecret("314"));
+    EXPECT_TRUE(NamesSecret("00314"));
     for (const char* word :
-         {"", "key", "eth0.key", "eth1.keys", "13", "114", "14 ", "-14", "0xe"}) {
-        EXPECT_FALSE(NamesSecret(kRows, word)) << word;
-    }
-}
-
-TEST(ParseId, ReadsDecimalNumbers) {
-    EXPECT_EQ(ParseId("0"), 0U);
-    EXPECT_EQ(ParseId("108"), 108U);
-    EXPECT_EQ(ParseId("4294967295"), 4294967295U);
-    for (const char* word : {"", " 1", "1 ", "+1", "-1", "0x1", "1a", "4294967296"}) {
-        EXPECT_EQ(ParseId(word), std::nullopt) << word;
+         {"", "psk", "eth0.psk", "eth1.psks", "301", "1314", "314 ", "-314", "0x13a"}) {
+        EXPECT_FALSE(NamesSecret(word)) << word;
     }
 }
 
 TEST(Catalogue, HasTheSettingsOfTheDeviceInTheirOrder) {
-    EXPECT_EQ(NamesOf(Catalogue()), (std::vector<std::string>{"administrator",
-                                                              "location",
-                                                              "ntp",
-                                                              "dhcp-ntp",
-                                                              "ntp-server",
-                                                              "ntp-result",
-                                                              "web-update",
-                                                              "eth0.mac-address",
-                                                              "eth1.mac-address",
-                                                              "eth0.method",
-                                                              "eth1.method",
-                                                              "eth0.apipa",
-                                                              "eth1.apipa",
-                                                              "eth0.address",
-                                                              "eth1.address",
-                                                              "eth0.netmask",
-                                                              "eth1.netmask",
-                                                              "eth0.gateway",
-                                                              "eth1.gateway",
-                                                              "eth0.dhcp-dns",
-                                                              "eth1.dhcp-dns",
-                                                              "eth0.dns",
-                                                              "eth1.dns",
-                                                              "eth0.dhcp-notice",
-                                                              "eth0.link-speed",
-                                                              "eth1.hardware-version",
-                                                              "eth1.software-version",
-                                                              "eth1.standard",
-                                                              "eth1.service-set",
-                                                              "eth1.ssid",
-                                                              "eth1.channel",
-                                                              "eth1.region",
-                                                              "eth1.encryption",
-                                                              "eth1.authentication",
-                                                              "eth1.wep-key-1",
-                                                              "eth1.wep-key-2",
-                                                              "eth1.wep-key-3",
-                                                              "eth1.wep-key-4",
-                                                              "eth1.wep-default-key",
-                                                              "eth1.psk",
-                                                              "eth1.rate",
-                                                              "eth1.access-point",
-                                                              "eth1.signal",
-                                                              "eth1.standards-enabled"}));
+    EXPECT_EQ(FullNames(), (std::vector<std::string>{"administrator",
+                                                     "location",
+                                                     "ntp",
+                                                     "dhcp-ntp",
+                                                     "ntp-server",
+                                                     "ntp-result",
+                                                     "web-update",
+                                                     "eth0.mac-address",
+                                                     "eth1.mac-address",
+                                                     "eth0.method",
+                                                     "eth1.method",
+                                                     "eth0.apipa",
+                                                     "eth1.apipa",
+                                                     "eth0.address",
+                                                     "eth1.address",
+                                                     "eth0.netmask",
+                                                     "eth1.netmask",
+                                                     "eth0.gateway",
+                                                     "eth1.gateway",
+                                                     "eth0.dhcp-dns",
+                                                     "eth1.dhcp-dns",
+                                                     "eth0.dns",
+                                                     "eth1.dns",
+                                                     "eth0.dhcp-notice",
+                                                     "eth0.link-speed",
+                                                     "eth1.hardware-version",
+                                                     "eth1.software-version",
+                                                     "eth1.standard",
+                                                     "eth1.service-set",
+                                                     "eth1.ssid",
+                                                     "eth1.channel",
+                                                     "eth1.region",
+                                                     "eth1.encryption",
+                                                     "eth1.authentication",
+                                                     "eth1.wep-key-1",
+                                                     "eth1.wep-key-2",
+                                                     "eth1.wep-key-3",
+                                                     "eth1.wep-key-4",
+                                                     "eth1.wep-default-key",
+                                                     "eth1.psk",
+                                                     "eth1.rate",
+                                                     "eth1.access-point",
+                                                     "eth1.signal",
+                                                     "eth1.standards-enabled"}));
 }
 
 TEST(Catalogue, IdsAreThoseOfTheLibrary) {
@@ -226,7 +218,7 @@ TEST(Catalogue, IdsAreThoseOfTheLibrary) {
 
 TEST(Catalogue, KeysAreSecret) {
     std::vector<std::string> secrets;
-    for (const Setting& setting : SettingsOf(Catalogue())) {
+    for (const Setting& setting : Settings()) {
         if (setting.row->secret) {
             secrets.push_back(setting.name());
         }
@@ -235,7 +227,7 @@ TEST(Catalogue, KeysAreSecret) {
                                                  "eth1.wep-key-3", "eth1.wep-key-4", "eth1.psk"}));
 }
 
-// What a shell makes of words without quotes in quotes, or with single ones.
+// Returns the words that a shell makes of a text without quotes, or in single ones.
 std::vector<std::string> WordsOf(const std::string& text) {
     if (text.starts_with("'")) {
         return {text.substr(1, text.size() - 2)};
@@ -248,7 +240,7 @@ std::vector<std::string> WordsOf(const std::string& text) {
     return words;
 }
 
-TEST(Catalogue, WhatCanBeSetSaysWhatItTakesWithAnExampleThatItTakes) {
+TEST(Catalogue, EverySettingToSetDescribesItsValuesWithAValidExample) {
     for (const CatalogueRow& row : Catalogue()) {
         if ((row.directions & kSet) == 0) {
             continue;
@@ -302,7 +294,7 @@ TEST(Catalogue, EveryCommandOfTheLibraryIsASetting) {
 }
 
 TEST(Catalogue, NoTwoSettingsShareAName) {
-    const std::vector<std::string> names = NamesOf(Catalogue());
+    const std::vector<std::string> names = FullNames();
     EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
 }
 

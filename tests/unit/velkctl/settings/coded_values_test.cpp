@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
@@ -67,37 +67,31 @@ INSTANTIATE_TEST_SUITE_P(
                     Spelling{kChannel, "13", 13}, Spelling{kStandardsEnabled, "2", 2},
                     Spelling{kStandardsEnabled, "3", 3}));
 
-TEST(CodedKindParse, WhereSomeCodesHaveNoNameTheNumberOfANamedOneGoesToo) {
+TEST(CodedKindParse, TakesTheNumberOfANamedCodeIfSomeCodesHaveNoName) {
     EXPECT_EQ(kEncryption.Parse(Words{"2"}).data, DataOf(2));
     EXPECT_TRUE(kEncryption.Parse(Words{"2"}).ok());
 }
 
-TEST(CodedKindParse, WhereAllCodesHaveNamesNumbersAreRefused) {
-    EXPECT_EQ(Problem(kServiceSet, {"1"}),
-              "'1' is not one of its values; give infrastructure or ad-hoc");
+TEST(CodedKindParse, RefusesNumbersIfAllCodesHaveNames) {
+    EXPECT_EQ(Problem(kServiceSet, {"1"}), "'1' is not valid; give infrastructure or ad-hoc");
     EXPECT_EQ(Problem(kLinkMode, {"2"}),
-              "'2' is not one of its values; "
-              "give auto, 100-full, 100-half, 10-full or 10-half");
+              "'2' is not valid; give auto, 100-full, 100-half, 10-full or 10-half");
 }
 
-TEST(CodedKindParse, NamesTheValuesThatAreRight) {
-    EXPECT_EQ(Problem(kChannel, {"14"}),
-              "'14' is not one of its values; give a number from 1 to 13");
-    EXPECT_EQ(Problem(kOneToFour, {"wep"}),
-              "'wep' is not one of its values; give a number from 1 to 4");
-    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not one of its values; give 1, 2 or 3");
-    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not one of its values; give 2 or 3");
-    EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not one of its values; give 1, 2 (wep), 3 or 4");
+TEST(CodedKindParse, ListsTheValidValues) {
+    EXPECT_EQ(Problem(kChannel, {"14"}), "'14' is not valid; give a number from 1 to 13");
+    EXPECT_EQ(Problem(kOneToFour, {"wep"}), "'wep' is not valid; give a number from 1 to 4");
+    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3");
+    EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not valid; give 1, 2 (wep), 3 or 4");
 }
 
-TEST(CodedKindParse, GuessesWhatAMisspeltNameMeans) {
-    EXPECT_EQ(Problem(kLinkMode, {"100-ful"}),
-              "'100-ful' is not one of its values; did you mean 100-full?");
-    EXPECT_EQ(Problem(kServiceSet, {"AdHoc"}),
-              "'AdHoc' is not one of its values; did you mean ad-hoc?");
+TEST(CodedKindParse, SuggestsACorrectionOfAMisspeltName) {
+    EXPECT_EQ(Problem(kLinkMode, {"100-ful"}), "'100-ful' is not valid; did you mean 100-full?");
+    EXPECT_EQ(Problem(kServiceSet, {"AdHoc"}), "'AdHoc' is not valid; did you mean ad-hoc?");
 }
 
-TEST(CodedKind, SaysWhatItsNamesMean) {
+TEST(CodedKind, DescribesTheMeaningOfItsNames) {
     const auto meanings = kServiceSet.Meanings();
     ASSERT_EQ(meanings.size(), 2U);
     EXPECT_EQ(meanings[1].value, "ad-hoc");
@@ -106,14 +100,13 @@ TEST(CodedKind, SaysWhatItsNamesMean) {
     EXPECT_EQ(kEncryption.Meanings().size(), 0U);
 }
 
-TEST(CodedKindParse, WantsOneWord) {
+TEST(CodedKindParse, TakesExactlyOneWord) {
     EXPECT_EQ(Problem(kChannel, {}), "no value given; give a number from 1 to 13");
     EXPECT_EQ(Problem(kStandardsEnabled, {"2", "3"}), "2 values given; give 2 or 3");
 }
 
 TEST(CodedKindParse, ShowsControlCharactersEscaped) {
-    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}),
-              "'\\x1b\\x0a' is not one of its values; give 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}), "'\\x1b\\x0a' is not valid; give 2 or 3");
 }
 
 TEST(CodedKindParse, TakesOneSpellingOnly) {
@@ -143,12 +136,12 @@ TEST(CodedKindPrint, TheFirstByteCounts) {
     EXPECT_EQ(kChannel.Print(data), "3");
 }
 
-TEST(CodedKind, AnyTableWillDo) {
+TEST(CodedKind, WorksWithAnyTable) {
     static constexpr std::array<CodedValue, 2> kTable{{{200, "on"}, {7}}};
     constexpr CodedKind kKind{kTable};
     EXPECT_EQ(kKind.Parse(Words{"on"}).data, DataOf(200));
     EXPECT_EQ(kKind.Print(DataOf(200)), "on");
-    EXPECT_EQ(Problem(kKind, {"off"}), "'off' is not one of its values; give 200 (on) or 7");
+    EXPECT_EQ(Problem(kKind, {"off"}), "'off' is not valid; give 200 (on) or 7");
 }
 
 }  // namespace

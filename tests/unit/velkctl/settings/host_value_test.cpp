@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ TEST(HostKindParse, NoneIsTheEmptyText) {
     EXPECT_EQ(parsed.data, Data{});
 }
 
-TEST(HostKindParse, RefusesWhatIsNoName) {
+TEST(HostKindParse, RefusesTextThatIsNoName) {
     EXPECT_EQ(Problem({"time server"}),
               "'time server' is not a host name; "
               "give a host name or address such as 192.168.0.1, or none");
@@ -61,7 +61,7 @@ TEST(HostKindParse, RefusesEmptyAndLongLabels) {
     EXPECT_FALSE(kHost.Parse(Words{"a." + std::string(64, 'x')}).ok());
 }
 
-TEST(HostKindParse, WhatLooksLikeAnAddressMustBeOne) {
+TEST(HostKindParse, TextThatLooksLikeAnAddressMustBeAnAddress) {
     const std::string wanted = "; give a host name or address such as 192.168.0.1, or none";
     for (const std::string word :
          {"300.1.1.1", "999", "0", "1.2.3", "1.2.3.4.5", "192.168.0.1.", "ntp.1"}) {
@@ -78,7 +78,7 @@ TEST(HostKindParse, WhatLooksLikeAnAddressMustBeOne) {
     EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
 }
 
-TEST(HostKindParse, WantsOneWord) {
+TEST(HostKindParse, TakesExactlyOneWord) {
     EXPECT_EQ(Problem({}),
               "no value given; give a host name or address such as 192.168.0.1, or none");
     EXPECT_EQ(Problem({"a", "b"}),
@@ -119,7 +119,7 @@ TEST(HostKindParse, ANameHasAtMost253Characters) {
     EXPECT_FALSE(kHost.Parse(Words{std::string(5000, 'x')}).ok());
 }
 
-TEST(HostKindPrint, ShowsWhatTheDeviceHolds) {
+TEST(HostKindPrint, ShowsTheValueOfTheDevice) {
     EXPECT_EQ(kHost.Print(DataOf("192.168.0.1")), "192.168.0.1");
     EXPECT_EQ(kHost.Print(DataOf(std::string("a\0b", 3))), "a");
     EXPECT_EQ(kHost.Print(Data{}), "none");
@@ -128,7 +128,7 @@ TEST(HostKindPrint, ShowsWhatTheDeviceHolds) {
     EXPECT_EQ(kHost.Print(DataOf(std::string(512, 'x'))), std::string(512, 'x'));
 }
 
-TEST(HostKind, WhatIsPrintedIsParsedToTheSameBytes) {
+TEST(HostKind, APrintedValueIsParsedToTheSameBytes) {
     for (const std::string& text :
          {std::string("192.168.0.1"), std::string("pool.ntp.org"), std::string("fe80::1"),
           std::string("A_b-c."), std::string(63, '9') + ".x", std::string()}) {

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ using velkctl::HexBytesKind;
 using velkctl::kRate;
 using velkctl::kSignal;
 
-TEST(HexBytesKind, ShowsItsBytesWhateverTheyAre) {
+TEST(HexBytesKind, ShowsBytesOfAnyValue) {
     Data data{};
     EXPECT_EQ(kRate.Print(data), "00000000");
     memcpy(data.data(), "\x01\x9b\xff\x0a\x77", 5);

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
@@ -16,9 +16,7 @@ using velkctl::kSchedule;
 using velkctl::Parsed;
 using Words = std::vector<std::string>;
 
-constexpr char kGive[] =
-    "give 'every 6h' (1h to 23h), 'daily 08:30', 'weekly sunday 08:30', 'monthly 31 08:30' or "
-    "'off'";
+constexpr char kGive[] = "give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
 
 Data DataOf(int type, int value, const std::string& time) {
     Data data{};
@@ -86,7 +84,7 @@ TEST(ScheduleKindParse, AnHourMayHaveOneDigit) {
     EXPECT_EQ(kSchedule.Parse(Words{"monthly", "15", "7:00"}).data, DataOf(4, 15, "07:00"));
 }
 
-TEST(ScheduleKindParse, WantsAValue) {
+TEST(ScheduleKindParse, NeedsAValue) {
     EXPECT_EQ(kSchedule.Parse(Words{}).problem, "no value given; " + std::string(kGive));
 }
 
@@ -97,14 +95,14 @@ TEST(ScheduleKindParse, TakesAScheduleInQuotesToo) {
     EXPECT_FALSE(kSchedule.Parse(Words{"off "}).ok());
 }
 
-TEST(ScheduleKindParse, GuessesWhatAMisspeltWordMeans) {
+TEST(ScheduleKindParse, SuggestsACorrectionOfAMisspeltWord) {
     EXPECT_EQ(kSchedule.Parse(Words{"weekly", "sun", "08:30"}).problem,
               "'weekly sun 08:30' is not a schedule; did you mean sunday?");
     EXPECT_EQ(kSchedule.Parse(Words{"Daily", "08:30"}).problem,
               "'Daily 08:30' is not a schedule; did you mean daily?");
 }
 
-TEST(ScheduleKindParse, RepeatsWhatIsNoSchedule) {
+TEST(ScheduleKindParse, RepeatsTheTextThatIsNoSchedule) {
     EXPECT_EQ(kSchedule.Parse(Words{"hourly"}).problem,
               "'hourly' is not a schedule; " + std::string(kGive));
     EXPECT_EQ(kSchedule.Parse(Words{"weekly", "7", "08:30"}).problem,
@@ -114,7 +112,7 @@ TEST(ScheduleKindParse, RepeatsWhatIsNoSchedule) {
     EXPECT_EQ(kSchedule.Parse(Words{""}).problem, "'' is not a schedule; " + std::string(kGive));
 }
 
-TEST(ScheduleKindParse, EverySpellingHasItsWords) {
+TEST(ScheduleKindParse, RefusesMissingAndExtraWords) {
     for (const Words& words : {Words{"every"},
                                Words{"daily"},
                                Words{"weekly"},
@@ -186,7 +184,7 @@ TEST(ScheduleKindPrint, AnIntervalAndNoneHaveNoTime) {
     EXPECT_EQ(kSchedule.Print(DataOf(99, 1, "12:34")), "off");
 }
 
-TEST(ScheduleKindPrint, WhatTheDeviceHoldsIsShownAsItStands) {
+TEST(ScheduleKindPrint, TheValueOfTheDeviceIsShownUnchanged) {
     EXPECT_EQ(kSchedule.Print(DataOf(1, 0, "")), "every 0h");
     EXPECT_EQ(kSchedule.Print(DataOf(1, 255, "")), "every 255h");
     EXPECT_EQ(kSchedule.Print(DataOf(2, 7, "3:5")), "daily 3:5");

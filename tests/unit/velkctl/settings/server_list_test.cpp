@@ -62,8 +62,8 @@ TEST(ServerListParse, FourAddressesAreTooMany) {
               "4 addresses given; give one to three, or none");
 }
 
-TEST(ServerListParse, NoneStandsAlone) {
-    const std::string problem = "'none' stands alone; give either addresses or none";
+TEST(ServerListParse, NoneTakesNoOtherValue) {
+    const std::string problem = "'none' takes no other value; give either addresses or none";
     EXPECT_EQ(Problem({"none", "1.1.1.1"}), problem);
     EXPECT_EQ(Problem({"1.1.1.1", "none"}), problem);
     EXPECT_EQ(Problem({"none", "none"}), problem);
@@ -80,7 +80,7 @@ TEST(ServerListParse, ShowsControlCharactersEscaped) {
               "give one to three such as 192.168.0.1, or none");
 }
 
-TEST(ServerListParse, RefusesWhatIsNoAddressOfAServer) {
+TEST(ServerListParse, RefusesAddressesThatNoServerCanHave) {
     const std::string wanted = "; give one to three such as 192.168.0.1, or none";
     EXPECT_EQ(Problem({"1.1.1.1", "0.0.0.0"}),
               "'0.0.0.0' is not the address of a host, as it begins with 0" + wanted);
@@ -135,7 +135,7 @@ TEST(ServerListPrint, AnEmptyListIsNone) {
     EXPECT_EQ(kServerList.Print(Data{}), "none");
 }
 
-TEST(ServerListPrint, ServersBehindAnEmptySlotAreShown) {
+TEST(ServerListPrint, ServersAfterAnEmptySlotAreShown) {
     EXPECT_EQ(kServerList.Print(DataOf(Slot("") + Slot("2.2.2.2"))), "2.2.2.2");
     EXPECT_EQ(kServerList.Print(DataOf(Slot("1.1.1.1") + Slot("") + Slot("3.3.3.3"))),
               "1.1.1.1 3.3.3.3");
@@ -155,7 +155,7 @@ TEST(ServerListPrint, AFilledSlotShowsItsNulsToo) {
               "\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00\\x00x");
 }
 
-TEST(ServerListPrint, WhatStandsBehindTheNulOfASlotIsNotShown) {
+TEST(ServerListPrint, BytesAfterTheNulOfASlotAreNotShown) {
     EXPECT_EQ(kServerList.Print(DataOf(Slot(std::string("1.1.1.1\0rest", 12)))), "1.1.1.1");
 }
 
@@ -168,7 +168,7 @@ TEST(ServerListPrint, TextInUtf8IsShown) {
     EXPECT_EQ(kServerList.Print(DataOf("n\xc3\xa4me \xc3")), "n\xc3\xa4me\\x20\\xc3");
 }
 
-TEST(ServerListPrint, BytesBehindTheSlotsDoNotCount) {
+TEST(ServerListPrint, BytesAfterTheSlotsDoNotCount) {
     EXPECT_EQ(kServerList.Print(DataOf(std::string(48, '\0') + "4.4.4.4")), "none");
 }
 
@@ -182,7 +182,7 @@ TEST(ServerListPrint, NoByteReachesTheTerminalRaw) {
     }
 }
 
-TEST(ServerList, WhatIsPrintedIsParsedToTheSameBytes) {
+TEST(ServerList, APrintedListIsParsedToTheSameBytes) {
     for (const Words& words : {Words{"none"}, Words{"1.2.3.4"}, Words{"1.2.3.4", "5.6.7.8"},
                                Words{"223.255.255.254", "1.0.0.1", "10.0.0.1"}}) {
         const Parsed first = kServerList.Parse(words);

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velkctl/settings/value_kinds.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -60,7 +60,7 @@ TEST(TextKindParse, TakesItsLengthsOnly) {
     EXPECT_EQ(psk.back(), 64U);
 }
 
-TEST(TextKindParse, TellsTheLengthAndTheRightOnes) {
+TEST(TextKindParse, ReportsTheLengthAndTheValidOnes) {
     EXPECT_EQ(Problem(kSsid, {std::string(33, 'x')}),
               "33 bytes given; give a text of at most 32 bytes");
     EXPECT_EQ(Problem(kPsk, {std::string(65, 'x')}),
@@ -80,10 +80,10 @@ TEST(TextKindParse, LengthsAreCountedInBytes) {
     EXPECT_EQ(Problem(kSsid, {text}), "34 bytes given; give a text of at most 32 bytes");
 }
 
-TEST(TextKindParse, WantsOneWord) {
+TEST(TextKindParse, TakesExactlyOneWord) {
     EXPECT_EQ(Problem(kSsid, {}), "no value given; give a text of at most 32 bytes");
     EXPECT_EQ(Problem(kSsid, {"my", "own", "net"}),
-              "3 values given; give a text of at most 32 bytes, in quotes when it holds blanks");
+              "3 values given; give a text of at most 32 bytes, in quotes if it has blanks");
 }
 
 TEST(TextKindParse, RefusesControlCharacters) {
@@ -95,7 +95,7 @@ TEST(TextKindParse, RefusesControlCharacters) {
     EXPECT_FALSE(kSsid.Parse(Words{std::string("a\0b", 3)}).ok());
 }
 
-TEST(TextKindParse, WhatIsRefusedLeavesTheDataZero) {
+TEST(TextKindParse, ARefusedTextLeavesTheDataZero) {
     EXPECT_EQ(kSsid.Parse(Words{"a\n"}).data, Data{});
     EXPECT_EQ(kPsk.Parse(Words{std::string(65, 'x')}).data, Data{});
 }
@@ -118,7 +118,7 @@ TEST(TextKindParse, NoneIsRefusedWhereItWouldBeAText) {
     EXPECT_EQ(kSsid.Parse(Words{"None"}).data, DataOf("None"));
 }
 
-TEST(TextKind, SaysHowItIsClearedWhereNoneDoesNot) {
+TEST(TextKind, SaysHowToClearATextIfNoneDoesNot) {
     ASSERT_EQ(kSsid.Meanings().size(), 1U);
     EXPECT_EQ(kSsid.Meanings()[0].value, "''");
     EXPECT_EQ(kPsk.Meanings().size(), 0U);
@@ -134,7 +134,7 @@ TEST(TextKindPrint, EndsAtTheNul) {
     EXPECT_EQ(kShownText.Print(DataOf(std::string("1.04\0rest", 9))), "1.04");
 }
 
-TEST(TextKindPrint, OrWithTheDataArea) {
+TEST(TextKindPrint, EndsAtTheEndOfTheDataAreaWithoutANul) {
     EXPECT_EQ(kShownText.Print(DataOf(std::string(512, 'x'))), std::string(512, 'x'));
 }
 
@@ -144,11 +144,11 @@ TEST(TextKindPrint, TheEmptyTextHasAWord) {
     EXPECT_EQ(kSsid.Print(Data{}), "''");
 }
 
-TEST(TextKindPrint, EscapesWhatIsNoText) {
+TEST(TextKindPrint, EscapesBytesThatAreNoText) {
     EXPECT_EQ(kSsid.Print(DataOf("a\n\x1b[31m\xff\xc2\x9b")), "a\\x0a\\x1b[31m\\xff\\xc2\\x9b");
 }
 
-TEST(TextKind, WhatIsPrintedIsParsedToTheSameBytes) {
+TEST(TextKind, APrintedTextIsParsedToTheSameBytes) {
     for (const std::string text :
          {"a", " a b ", "'\"$\\", "\\x", "\\\\n", "caf\xc3\xa9 \xf0\x9f\x93\xb6"}) {
         const Data data = DataOf(text);
@@ -159,7 +159,7 @@ TEST(TextKind, WhatIsPrintedIsParsedToTheSameBytes) {
     EXPECT_EQ(kPsk.Parse(Words{kPsk.Print(Data{})}).data, Data{});
 }
 
-TEST(TextKind, BytesAndTheirLookalikesAreToldApart) {
+TEST(TextKind, BytesAndTextsThatLookLikeTheirEscapesDiffer) {
     EXPECT_EQ(kSsid.Print(DataOf("a\xff")), "a\\xff");
     EXPECT_EQ(kSsid.Print(DataOf("a\\xff")), "a\\x5cxff");
     EXPECT_EQ(kSsid.ToJson(DataOf("a\\xff")), "a\\x5cxff");
@@ -170,7 +170,7 @@ TEST(TextKind, BytesAndTheirLookalikesAreToldApart) {
     }
 }
 
-TEST(TextKindParse, AnEscapeIsCheckedAsTheByteItStandsFor) {
+TEST(TextKindParse, AnEscapeIsCheckedAsItsByte) {
     EXPECT_EQ(kWepKey.Parse(Words{"abcd\\x65"}).data, DataOf("abcde"));
     EXPECT_EQ(
         Problem(kSsid, {"a\\x0a"}),

@@ -30,7 +30,7 @@ TEST(TimeEntry, AnEntryThatIsSwitchedOffCountsToo) {
     EXPECT_TRUE(IsServerFoundTooEarly("#" + EntryWith("ntp")));
 }
 
-TEST(TimeEntry, ALineWithoutAServerHasNoneToFind) {
+TEST(TimeEntry, ALineWithoutAServerIsNoProblem) {
     EXPECT_FALSE(IsServerFoundTooEarly(EntryWith("")));
     EXPECT_FALSE(IsServerFoundTooEarly("0 * * * * ntpdate\n"));
     EXPECT_FALSE(IsServerFoundTooEarly("0 * * * * true\n"));

@@ -1,4 +1,4 @@
-// The wireless settings through the whole tool, with a daemon behind the library.
+// The wireless settings through the whole tool, with a daemon that the library asks.
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -10,7 +10,7 @@
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
 #include "velkctl/cli/command_line.h"
-#include "velkctl/text/escaping.h"
+#include "velkctl/report/output.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ class WirelessSettings : public testkit::DeviceTest {
     ExitStatus Run(const std::vector<std::string>& arguments) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        velkctl::Report report(velkctl::FormAskedFor(arguments));
+        velkctl::Report report(velkctl::RequestedForm(arguments));
         const ExitStatus status = velkctl::RunCommandLine(arguments, report);
         report.Finish(status);
         (void)velkctl::FinishPrinting();
@@ -58,8 +58,8 @@ class WirelessSettings : public testkit::DeviceTest {
         EXPECT_EQ(output, "");
         EXPECT_EQ(error, "");
     }
-    // What the daemon keeps. It reads its messages in order: an answer means that it has stored
-    // all.
+    // Returns the daemon's record. It reads its messages in order: an answer means that it has
+    // stored all.
     SMsgConf Stored() {
         (void)Get("eth1.channel");
         return daemon.conf();
@@ -68,7 +68,7 @@ class WirelessSettings : public testkit::DeviceTest {
     void Refuses(const std::vector<std::string>& arguments, const std::string& message) {
         EXPECT_EQ(Run(arguments), ExitStatus::kInvalid);
         EXPECT_EQ(output, "");
-        EXPECT_EQ(error, "velkctl: " + message + "\n");
+        EXPECT_EQ(error, "velkctl: " + velkctl::InLines({message}) + "\n");
         EXPECT_THAT(daemon.requests(), IsEmpty());
         EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
     }
@@ -118,7 +118,7 @@ TEST_F(WirelessSettings, ShowsTheState) {
     EXPECT_EQ(Get("eth1.signal"), "70 65535\n");
 }
 
-TEST_F(WirelessSettings, ShowsWhatIsEmpty) {
+TEST_F(WirelessSettings, ShowsEmptyValues) {
     EXPECT_EQ(Get("eth1.ssid"), "''\n");
     EXPECT_EQ(Get("eth1.psk"), "none\n");
     EXPECT_EQ(Get("eth1.wep-key-4"), "none\n");
@@ -168,17 +168,18 @@ TEST_F(WirelessSettings, SaysThatTheWepKeyInUseCannotBeCleared) {
     daemon.SetConf(conf);
     EXPECT_EQ(Run({"set", "eth1.wep-key-1", "none"}), ExitStatus::kInvalid);
     EXPECT_EQ(error,
-              "velkctl: eth1.wep-key-1: could not be set: "
-              "the library does not take this command, interface or value "
-              "(LIB_VELK_INVALID_PARAMETER, -4)\n");
+              "velkctl: eth1.wep-key-1: could not be set\n"
+              "  the library does not take this command, interface or value\n"
+              "  fix: run 'velkctl describe NAME' for the interfaces and values of a setting\n"
+              "  result: LIB_VELK_INVALID_PARAMETER (-4)\n");
     EXPECT_THAT(daemon.types(), ElementsAre(VELK_WLAN_REPORT));
 }
 
 TEST_F(WirelessSettings, RefusedValuesAreNotSent) {
     Refuses({"set", "eth1.channel", "14"},
-            "eth1.channel: '14' is not one of its values; give a number from 1 to 13");
+            "eth1.channel: '14' is not valid; give a number from 1 to 13");
     Refuses({"set", "eth1.service-set", "1"},
-            "eth1.service-set: '1' is not one of its values; give infrastructure or ad-hoc");
+            "eth1.service-set: '1' is not valid; give infrastructure or ad-hoc");
     Refuses({"set", "eth1.ssid", std::string(33, 'x')},
             "eth1.ssid: 33 bytes given; give a text of at most 32 bytes");
     Refuses({"set", "eth1.psk", std::string(65, 'x')},
@@ -244,7 +245,7 @@ TEST_F(Secrets, AreReadFromAFile) {
     EXPECT_EQ(Stored().psk_length, 0);
 }
 
-TEST_F(Secrets, OtherSettingsTakeSuchWordsAsTheyStand) {
+TEST_F(Secrets, OtherSettingsTakeSuchWordsLiterally) {
     Set("eth1.ssid", "@/tmp/key");
     SMsgConf conf = Stored();
     EXPECT_EQ(std::string(conf.ssid, conf.ssid_length), "@/tmp/key");
@@ -253,7 +254,7 @@ TEST_F(Secrets, OtherSettingsTakeSuchWordsAsTheyStand) {
     EXPECT_EQ(std::string(conf.ssid, conf.ssid_length), "-");
 }
 
-// Wrong usages with the secret wherever it could stand by mistake.
+// Wrong usages with the secret in every place where it could be by mistake.
 TEST_F(Secrets, AreNotRepeatedInAnyMessage) {
     const std::vector<std::vector<std::string>> usages{
         {"set", "eth1.psk", "-hunter22"},
@@ -299,7 +300,7 @@ TEST_F(WirelessSettings, RestartBringsTheInterfaceDownAndUp) {
     EXPECT_TRUE(testkit::Exists("/var/tmp/vklib_lock"));
 }
 
-TEST_F(WirelessSettings, RestartCanTellTheDaemonAlone) {
+TEST_F(WirelessSettings, NotifyOnlyRunsNoTools) {
     EXPECT_EQ(Run({"restart", "--notify-only", "eth1"}), ExitStatus::kDone);
     EXPECT_EQ(output + error, "");
     EXPECT_THAT(shell.Lines(), Not(testing::Contains(HasSubstr("ifdown"))));
@@ -317,8 +318,10 @@ TEST_F(WirelessSettings, RestartNeedsAnAdapter) {
     testkit::WriteFile("/proc/bus/usb/devices", "");
     EXPECT_EQ(Run({"restart", "eth1"}), ExitStatus::kNoAdapter);
     EXPECT_EQ(error,
-              "velkctl: eth1: could not be restarted: no supported wireless adapter is attached "
-              "(LIB_VELK_NO_ADAPTER, -5)\n");
+              "velkctl: eth1: could not be restarted\n"
+              "  no supported wireless adapter is attached\n"
+              "  fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini\n"
+              "  result: LIB_VELK_NO_ADAPTER (-5)\n");
     EXPECT_THAT(shell.Lines(), IsEmpty());
 }
 

@@ -17,7 +17,7 @@ TEST(Printable, LeavesTextAlone) {
     EXPECT_EQ(Printable("a Z0~'\"%"), "a Z0~'\"%");
 }
 
-TEST(Quoted, CutsWhatIsLongerThanAnyValue) {
+TEST(Quoted, CutsAWordLongerThanAnyValue) {
     EXPECT_EQ(Quoted(std::string(512, 'x')), "'" + std::string(512, 'x') + "'");
     EXPECT_EQ(Quoted(std::string(513, 'x')), "'" + std::string(512, 'x') + "...'");
 }
@@ -36,7 +36,7 @@ TEST(Printable, EscapesControlCharactersOfUtf8) {
     EXPECT_EQ(Printable("\xc2\x9f\xc2\xa0"), "\\xc2\\x9f\xc2\xa0");
 }
 
-TEST(Printable, EscapesWhatTurnsTheDirectionOfText) {
+TEST(Printable, EscapesCharactersThatChangeTheDirection) {
     EXPECT_EQ(Printable("a\xe2\x80\xae z"), "a\\xe2\\x80\\xae z");  // U+202E
     for (const char* text : {"\xd8\x9c", "\xe2\x80\x8e", "\xe2\x80\x8f", "\xe2\x80\xaa",
                              "\xe2\x80\xae", "\xe2\x81\xa6", "\xe2\x81\xa9"}) {
@@ -44,7 +44,7 @@ TEST(Printable, EscapesWhatTurnsTheDirectionOfText) {
     }
 }
 
-TEST(Printable, EscapesWhatIsNotSeen) {
+TEST(Printable, EscapesInvisibleCharacters) {
     EXPECT_EQ(Printable("a\xe2\x80\x8b z"), "a\\xe2\\x80\\x8b z");  // U+200B
     for (const char* text :
          {"\xc2\xad", "\xcd\x8f", "\xe1\xa0\x8e", "\xe2\x80\x8b", "\xe2\x80\x8d", "\xe2\x80\xa8",
@@ -71,7 +71,7 @@ TEST_F(PrintableInAscii, EscapesEveryOtherCharacter) {
     EXPECT_EQ(UnprintedValue(PrintableValue("caf\xc3\xa9 \\xc3")), "caf\xc3\xa9 \\xc3");
 }
 
-TEST(Printable, EscapesWhatIsNoUtf8) {
+TEST(Printable, EscapesBytesThatAreNoUtf8) {
     EXPECT_EQ(Printable("\xc3"), "\\xc3");                             // cut off
     EXPECT_EQ(Printable("\xe2\x82"), "\\xe2\\x82");                    // cut off
     EXPECT_EQ(Printable("\xc3z"), "\\xc3z");                           // no second byte
@@ -105,7 +105,7 @@ TEST(PrintableValue, EscapesABackslashThatLooksLikeAByte) {
     EXPECT_EQ(PrintableValue("\\x1b\\xFF"), "\\x5cx1b\\x5cxFF");
 }
 
-TEST(UnprintedValue, GivesEveryByteBack) {
+TEST(UnprintedValue, ReturnsEveryByte) {
     EXPECT_EQ(UnprintedValue("\\x41\\xfF\\x5cx41\\x4"), "A\xff\\x41\\x4");
     for (const std::string bytes : {"", "\\", "\\x5c", "\\\\x1b\x1b", "\xff\\xff", "caf\xc3\xa9"}) {
         EXPECT_EQ(UnprintedValue(PrintableValue(bytes)), bytes);

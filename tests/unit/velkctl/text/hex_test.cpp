@@ -32,7 +32,7 @@ TEST(ParseHex, ReadsPairsOfDigits) {
     EXPECT_EQ(parsed.data, DataOf("10."));
 }
 
-TEST(ParseHex, BlanksTabsAndColonsMayStandBetweenBytes) {
+TEST(ParseHex, AllowsBlanksTabsAndColonsBetweenBytes) {
     EXPECT_EQ(ParseHex("31 30:2e\t31").data, DataOf("10.1"));
     EXPECT_EQ(ParseHex("  31: :30 ").data, DataOf("10"));
     EXPECT_TRUE(ParseHex("  31: :30 ").ok());
@@ -47,7 +47,7 @@ TEST(ParseHex, ZeroBytesKeepTheirPlace) {
     EXPECT_EQ(ParseHex("00 41 00 42").data, DataOf(std::string("\0A\0B", 4)));
 }
 
-TEST(ParseHex, NoDigitsAreNoBytes) {
+TEST(ParseHex, ATextWithoutDigitsHasNoBytes) {
     EXPECT_TRUE(ParseHex("").ok());
     EXPECT_EQ(ParseHex("").data, Data{});
     EXPECT_TRUE(ParseHex(" : ").ok());
@@ -55,17 +55,17 @@ TEST(ParseHex, NoDigitsAreNoBytes) {
 
 TEST(ParseHex, ADigitAloneIsNoByte) {
     EXPECT_EQ(ParseHex("313").problem,
-              "the digit at character 3 stands alone; "
-              "give two hex digits for each byte, such as 31:30");
+              "odd number of hex digits at character 3; give two hex digits for each byte, such as "
+              "31:30");
     EXPECT_EQ(ParseHex("3 1").problem,
-              "the digit at character 1 stands alone; "
-              "give two hex digits for each byte, such as 31:30");
+              "odd number of hex digits at character 1; give two hex digits for each byte, such as "
+              "31:30");
     EXPECT_EQ(ParseHex("31:a").problem,
-              "the digit at character 4 stands alone; "
-              "give two hex digits for each byte, such as 31:30");
+              "odd number of hex digits at character 4; give two hex digits for each byte, such as "
+              "31:30");
 }
 
-TEST(ParseHex, TellsWhereThereIsNoDigit) {
+TEST(ParseHex, HasThePositionOfAWrongDigit) {
     EXPECT_EQ(ParseHex("0x31").problem,
               "character 2 is not a hex digit; "
               "give two hex digits for each byte, such as 31:30");
@@ -80,7 +80,7 @@ TEST(ParseHex, TellsWhereThereIsNoDigit) {
               "give two hex digits for each byte, such as 31:30");
 }
 
-TEST(ParseHex, TheNeighboursOfTheDigitsAreNone) {
+TEST(ParseHex, CharactersNextToTheDigitsAreRefused) {
     for (const char* text : {"1/", "1;", "1@", "1G", "1`", "1g"}) {
         EXPECT_FALSE(ParseHex(text).ok()) << text;
     }
@@ -92,12 +92,12 @@ TEST(ParseHex, FiveHundredAndTwelveBytesFillTheDataArea) {
     EXPECT_EQ(parsed.data, DataOf(std::string(512, 'A')));
 }
 
-TEST(ParseHex, OneMoreIsRefused) {
-    EXPECT_EQ(ParseHex(Repeat("41:", 513)).problem, "more than 512 bytes; the data area holds 512");
-    EXPECT_EQ(ParseHex(Repeat("00", 513)).problem, "more than 512 bytes; the data area holds 512");
+TEST(ParseHex, FiveHundredAndThirteenBytesAreRefused) {
+    EXPECT_EQ(ParseHex(Repeat("41:", 513)).problem, "more than 512 bytes; give at most 512");
+    EXPECT_EQ(ParseHex(Repeat("00", 513)).problem, "more than 512 bytes; give at most 512");
 }
 
-TEST(Dump, AllZeroIsNothing) {
+TEST(Dump, AllZeroBytesPrintNothing) {
     EXPECT_EQ(Dump(Data{}), "");
 }
 

@@ -8,63 +8,63 @@
 namespace {
 
 using velkctl::DidYouMean;
-using velkctl::NearMisses;
 using velkctl::OneOf;
+using velkctl::SpellingSuggestions;
 using Words = std::vector<std::string>;
 
 const Words kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
 
-TEST(NearMisses, FindsOneLetterWrongMissingTooManyOrSwapped) {
+TEST(SpellingSuggestions, FindOneLetterWrongMissingTooManyOrSwapped) {
     for (const char* word : {"rastart", "estart", "restarrt", "restatr"}) {
-        EXPECT_EQ(NearMisses(word, kNames), Words{"restart"}) << word;
+        EXPECT_EQ(SpellingSuggestions(word, kNames), Words{"restart"}) << word;
     }
 }
 
-TEST(NearMisses, FindsTwo) {
-    EXPECT_EQ(NearMisses("eth0.adess", kNames), Words{"eth0.address"});
-    EXPECT_EQ(NearMisses("eht0.gatewya", kNames), Words{"eth0.gateway"});
-    EXPECT_EQ(NearMisses("eth0.gtwy", kNames), Words{});
+TEST(SpellingSuggestions, FindTwoErrors) {
+    EXPECT_EQ(SpellingSuggestions("eth0.adess", kNames), Words{"eth0.address"});
+    EXPECT_EQ(SpellingSuggestions("eht0.gatewya", kNames), Words{"eth0.gateway"});
+    EXPECT_EQ(SpellingSuggestions("eth0.gtwy", kNames), Words{});
 }
 
-TEST(NearMisses, TakesSmallLettersForCapitalOnes) {
-    EXPECT_EQ(NearMisses("RESTART", kNames), Words{"restart"});
-    EXPECT_EQ(NearMisses("loked", Words{"LOCKED"}), Words{"LOCKED"});
-    EXPECT_EQ(NearMisses("OLcked", Words{"LOCKED"}), Words{"LOCKED"});
+TEST(SpellingSuggestions, IgnoreCase) {
+    EXPECT_EQ(SpellingSuggestions("RESTART", kNames), Words{"restart"});
+    EXPECT_EQ(SpellingSuggestions("loked", Words{"LOCKED"}), Words{"LOCKED"});
+    EXPECT_EQ(SpellingSuggestions("OLcked", Words{"LOCKED"}), Words{"LOCKED"});
 }
 
-TEST(NearMisses, TakesTheNearest) {
-    EXPECT_EQ(NearMisses("sett", kNames), Words{"set"});
-    EXPECT_EQ(NearMisses("gett", kNames), Words{"get"});
+TEST(SpellingSuggestions, AreTheNearestWords) {
+    EXPECT_EQ(SpellingSuggestions("sett", kNames), Words{"set"});
+    EXPECT_EQ(SpellingSuggestions("gett", kNames), Words{"get"});
 }
 
-TEST(NearMisses, TakesAllThatAreEquallyNear) {
-    EXPECT_EQ(NearMisses("bet", kNames), (Words{"get", "set"}));
-    EXPECT_EQ(NearMisses("abc5", Words{"abc1", "abc2", "abc3", "abc4"}).size(), 4U);
+TEST(SpellingSuggestions, AreAllEquallyNearWords) {
+    EXPECT_EQ(SpellingSuggestions("bet", kNames), (Words{"get", "set"}));
+    EXPECT_EQ(SpellingSuggestions("abc5", Words{"abc1", "abc2", "abc3", "abc4"}).size(), 4U);
 }
 
-TEST(NearMisses, TakesNoneWhenTooManyAre) {
-    EXPECT_EQ(NearMisses("abc9", Words{"abc1", "abc2", "abc3", "abc4", "abc5"}), Words{});
+TEST(SpellingSuggestions, AreEmptyIfTooManyWordsAreEquallyNear) {
+    EXPECT_EQ(SpellingSuggestions("abc9", Words{"abc1", "abc2", "abc3", "abc4", "abc5"}), Words{});
 }
 
-TEST(NearMisses, TakesWhatTheWordIsTheBeginningOf) {
-    EXPECT_EQ(NearMisses("eth0.gate", kNames), Words{"eth0.gateway"});
-    EXPECT_EQ(NearMisses("eth0", kNames), (Words{"eth0.address", "eth0.gateway"}));
-    EXPECT_EQ(NearMisses("res", kNames), Words{"restart"});
-    EXPECT_EQ(NearMisses("re", kNames), Words{});
+TEST(SpellingSuggestions, IncludeWordsThatBeginWithIt) {
+    EXPECT_EQ(SpellingSuggestions("eth0.gate", kNames), Words{"eth0.gateway"});
+    EXPECT_EQ(SpellingSuggestions("eth0", kNames), (Words{"eth0.address", "eth0.gateway"}));
+    EXPECT_EQ(SpellingSuggestions("res", kNames), Words{"restart"});
+    EXPECT_EQ(SpellingSuggestions("re", kNames), Words{});
 }
 
-TEST(NearMisses, DoesNotGuessAtHalfAWord) {
+TEST(SpellingSuggestions, AreEmptyForAWordTooShortToCompare) {
     for (const char* word : {"", "a", "xyz", "gxx", "st"}) {
-        EXPECT_EQ(NearMisses(word, Words{"get"}), Words{}) << word;
+        EXPECT_EQ(SpellingSuggestions(word, Words{"get"}), Words{}) << word;
     }
-    EXPECT_EQ(NearMisses("1", Words{"10", "11", "2"}), Words{});
+    EXPECT_EQ(SpellingSuggestions("1", Words{"10", "11", "2"}), Words{});
 }
 
-TEST(NearMisses, DoesNotLookAtWhatIsFarTooLong) {
-    EXPECT_EQ(NearMisses(std::string(100000, 'x'), kNames), Words{});
+TEST(SpellingSuggestions, AreEmptyForAVeryLongWord) {
+    EXPECT_EQ(SpellingSuggestions(std::string(100000, 'x'), kNames), Words{});
 }
 
-TEST(DidYouMean, NamesWhatIsNearOrSaysWhatElseIsRight) {
+TEST(DidYouMean, HasASuggestionOrTheOtherText) {
     EXPECT_EQ(DidYouMean("restat", kNames, "give a verb"), "; did you mean restart?");
     EXPECT_EQ(DidYouMean("bet", kNames, "give a verb"), "; did you mean get or set?");
     EXPECT_EQ(DidYouMean("nonsense", kNames, "give a verb"), "; give a verb");

@@ -1,3 +1,3 @@
-# web_contents_updater.pl - stands in for the device's updater: notes that it ran.
+# web_contents_updater.pl - replaces the updater of the device. It logs each run.
 open(my $log, '>>', '/var/log/web_contents_updater.log') or die;
 print $log "updated\n";

@@ -1,0 +1,41 @@
+// velkctl_runs.cpp - compares whole runs of velkctl with those of other programs.
+#include "bench/comparison.h"
+#include "bench/groups.h"
+#include "bench/run_program.h"
+#include "lib/base/paths.h"
+
+namespace bench {
+namespace {
+
+constexpr int kSamples = 60;
+
+constexpr char kVelkctl[] = "velk_bench_velkctl";
+
+constexpr char kAwkProgram[] =
+    "/^iface eth0 inet / { inside = 1; next } /^iface/ { inside = 0 }"
+    "inside && sub(/.*address /, \"\") { print; exit }";
+
+void Add(const char* name, const Arguments& ours, const Arguments& other) {
+    Compare({.name = name,
+             .ours = Timed(Process(ours)),
+             .other = Timed(Process(other)),
+             .samples = kSamples});
+}
+
+}  // namespace
+
+void AddProcesses() {
+    const Arguments get = {Built(kVelkctl), "get", "eth0.address"};
+    Add("process/get_and_bare_program", get, {Built("velk_bench_get")});
+    Add("process/get_and_empty_program", get, {Built("velk_bench_empty")});
+    Add("process/version_and_empty_program", {Built(kVelkctl), "--version"},
+        {Built("velk_bench_empty")});
+    Add("process/get_and_augeas", get, {Built("velk_bench_augeas")});
+    Add("process/get_and_ifquery", get, {"ifquery", "eth0"});
+    Add("process/get_and_awk", get, {"awk", kAwkProgram, velk::kInterfacesFile});
+    Add("process/set_and_bare_program",
+        {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"},
+        {Built("velk_bench_peak"), "set"});
+}
+
+}  // namespace bench

@@ -1,0 +1,15 @@
+// run_paths.h - the sandbox's own files on a device.
+#ifndef SANDBOX_PROCESS_RUN_PATHS_H_
+#define SANDBOX_PROCESS_RUN_PATHS_H_
+
+namespace sandbox {
+
+inline constexpr char kRunFolder[] = "/run/velk-sandbox";
+inline constexpr char kHardwareSocket[] = "/run/velk-sandbox/hardware";
+inline constexpr char kDaemonPidFile[] = "/run/velk-sandbox/wland.pid";
+inline constexpr char kRouterPidFile[] = "/run/velk-sandbox/router.pid";  // DHCP and DNS server
+inline constexpr char kStandInFolder[] = "/run/velk-sandbox/bin";  // first in the search path
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_PROCESS_RUN_PATHS_H_

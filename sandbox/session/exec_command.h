@@ -1,0 +1,17 @@
+// exec_command.h - executes the user's command on the device.
+#ifndef SANDBOX_SESSION_EXEC_COMMAND_H_
+#define SANDBOX_SESSION_EXEC_COMMAND_H_
+
+#include <string>
+#include <vector>
+
+namespace sandbox {
+
+// Replaces this process by the command, as execvp(3) does. An empty command is the user's shell.
+// The stand-ins and `program_folder` come first in the command's search path. If the command cannot
+// be run, prints the reason and returns the exit status.
+int ExecCommand(const std::vector<std::string>& command, const std::string& program_folder);
+
+}  // namespace sandbox
+
+#endif  // SANDBOX_SESSION_EXEC_COMMAND_H_

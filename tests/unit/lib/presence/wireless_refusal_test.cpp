@@ -1,0 +1,38 @@
+#include "lib/presence/wireless_refusal.h"
+
+#include <gmock/gmock.h>
+
+#include "support/device_test.h"
+#include "support/fake_shell.h"
+
+namespace {
+
+using testing::IsEmpty;
+using testkit::WriteFile;
+
+constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
+
+class WirelessRefusalTest : public testkit::DeviceTest {
+  protected:
+    testkit::FakeShell shell;
+};
+
+TEST_F(WirelessRefusalTest, AMissingAdapterIsReportedBeforeTheCable) {
+    shell.Prints(kEthtool, {"Link detected: yes\n"});
+    EXPECT_EQ(velk::WirelessRefusal(), -5);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+}
+
+TEST_F(WirelessRefusalTest, AConnectedCableIsReportedIfTheAdapterIsThere) {
+    WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    shell.Prints(kEthtool, {"Link detected: yes\n"});
+    EXPECT_EQ(velk::WirelessRefusal(), -6);
+}
+
+TEST_F(WirelessRefusalTest, NothingIsRefusedWithAnAdapterAndWithoutACable) {
+    WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    shell.Prints(kEthtool, {"Link detected: no\n"});
+    EXPECT_EQ(velk::WirelessRefusal(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,94 @@
+// The notes about edit copies that a set replaces.
+#include "velkctl/call/unfinished_edits.h"
+
+#include <string>
+#include <string_view>
+
+#include <sys/stat.h>
+
+#include "support/device_test.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::Command;
+
+constexpr char kLock[] = "/var/tmp/vklib_lock";
+
+constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
+
+// Makes an edit copy with the mode that the library gives it.
+void WriteCopy(const std::string& path, std::string_view text) {
+    WriteFile(path, text);
+    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+}
+
+class UnfinishedEdits : public testkit::DeviceTest {
+  protected:
+    static std::string NotesOf(const Command& command) {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        testing::internal::CaptureStderr();
+        velkctl::NoteUnfinishedEdits(command, "eth0.method", report);
+        return testing::internal::GetCapturedStderr();
+    }
+};
+
+TEST_F(UnfinishedEdits, AreNotedBeforeTheyAreLost) {
+    VkLibUnLock(VkLibLock());
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n\x1b[1m\n");
+    EXPECT_EQ(NotesOf(kChange),
+              "velkctl: eth0.method: this set replaces the edit copy /var/tmp/dhclient.conf\n"
+              "  /etc/dhclient.conf seems cut by an interrupted edit\n"
+              "  the copy has the rest; the copy would add 'timeout 10;', '\\x1b[1m'\n"
+              "  fix: before a set, compare both files, as with 'diff /etc/dhclient.conf "
+              "/var/tmp/dhclient.conf', and if the copy is right, copy its text into the file by "
+              "hand, as root\n");
+    EXPECT_EQ(NotesOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
+    EXPECT_EQ(NotesOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
+// A host with different real and effective users makes its copies with mode 644.
+TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0644), 0);
+    EXPECT_EQ(NotesOf(kChange),
+              "velkctl: eth0.method: this set replaces /var/tmp/dhclient.conf\n"
+              "  it may be the only complete text of /etc/dhclient.conf\n"
+              "  fix: look at it before a set\n");
+    EXPECT_EQ(NotesOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotedWithoutTheSystemLog) {
+    WriteFile(kLock, "");
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_NE(NotesOf(kChange), "");
+    EXPECT_TRUE(libc().Logs().empty());
+}
+
+TEST_F(UnfinishedEdits, AreNotNotedIfNothingIsLost) {
+    WriteFile("/etc/dhclient.conf", "timeout 9;\n");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    EXPECT_EQ(NotesOf(kChange), "");
+    WriteCopy("/var/tmp/dhclient.conf", "");
+    EXPECT_EQ(NotesOf(kChange), "");
+}
+
+TEST_F(UnfinishedEdits, ExcludeFilesOfOtherPrograms) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteFile("/var/tmp/dhclient.conf", "timeout 10;\n");
+    ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0640), 0);
+    EXPECT_EQ(NotesOf(kChange), "");
+}
+
+TEST_F(UnfinishedEdits, AreNotNotedWhileTheLockIsHeld) {
+    WriteFile("/etc/dhclient.conf", "");
+    WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
+    const int lock = VkLibLock();
+    EXPECT_EQ(NotesOf(kChange), "");
+    VkLibUnLock(lock);
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+// The doctor's findings about files that queries and tools have left.
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/device_test.h"
+#include "velkctl/doctor/checks.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::FormatFindings;
+
+bool Holds(const std::string& whole, const std::string& part) {
+    return whole.find(part) != std::string::npos;
+}
+
+class RemainsCheck : public testkit::DeviceTest {};
+
+TEST_F(RemainsCheck, SaysNothingWhereNothingWasLeft) {
+    EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()), "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()), "");
+}
+
+TEST_F(RemainsCheck, FindsEntriesThatToolsCannotWriteInto) {
+    constexpr char kResult[] = "/var/tmp/get_result";
+    ASSERT_EQ(mkfifo(kResult, 0600), 0);
+    EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
+              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "  /var/tmp/get_result: a FIFO is in the place of the output of tools\n"
+              "  the next reading removes it\n"
+              "  fix: rm /var/tmp/get_result\n");
+    ASSERT_EQ(unlink(kResult), 0);
+    ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
+    EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
+              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "  /var/tmp/get_result: a symbolic link is in the place of the output of tools\n"
+              "  the next reading removes it\n"
+              "  fix: rm /var/tmp/get_result\n");
+}
+
+// In a folder that everybody may write, only root and the owner may remove a file.
+TEST_F(RemainsCheck, FindsFilesThatTheCallerMayNotRemove) {
+    constexpr char kResult[] = "/var/tmp/get_result";
+    WriteFile(kResult, "x");
+    ASSERT_EQ(chmod("/var/tmp", 01777), 0);
+    std::string words;
+    const auto judge = [&] { words = FormatFindings(velkctl::CheckResultFile()); };
+    if (setresuid(1234, 1234, 0) == -1) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    judge();
+    ASSERT_EQ(setresuid(0, 0, 0), 0);
+    EXPECT_EQ(words,
+              "problem: link-speed and the address and netmask of a lease cannot be read\n"
+              "  /var/tmp/get_result: a file is in the place of the output of tools\n"
+              "  fix: rm /var/tmp/get_result\n");
+}
+
+TEST_F(RemainsCheck, FindsAResultAReplySocketAndASemaphore) {
+    WriteFile("/var/tmp/get_result", "x");
+    WriteFile("/tmp/WlanAplFromWlanSock", "");
+    WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
+    EXPECT_TRUE(
+        Holds(FormatFindings(velkctl::CheckResultFile()),
+              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "  /var/tmp/get_result: a result was left, "));
+    const std::string words = FormatFindings(velkctl::CheckQueryRemains());
+    EXPECT_TRUE(Holds(words,
+                      "warning: wireless settings may not have been read\n"
+                      "  /tmp/WlanAplFromWlanSock: a reply socket without a process was left, "))
+        << words;
+    EXPECT_TRUE(Holds(words,
+                      "warning: wireless settings may not have been read\n"
+                      "  /dev/shm/sem.WlanAplRecvSem: a semaphore was left, "))
+        << words;
+}
+
+TEST_F(RemainsCheck, FindsASemaphoreThatEndsTheProgram) {
+    WriteFile("/dev/shm/sem.WlanAplRecvSem", "");
+    EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()),
+              "problem: wireless settings end the program that reads them\n"
+              "  /dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore\n"
+              "  fix: rm /dev/shm/sem.WlanAplRecvSem\n");
+}
+
+}  // namespace

@@ -1,0 +1,38 @@
+// command.cpp - a command of the library and its answer.
+#include "velkctl/call/command.h"
+
+#include <utility>
+
+#include "velkctl/report/result_codes.h"
+
+namespace velkctl {
+
+ExitStatus StatusOf(const Answer& answer) {
+    return answer.timed_out ? ExitStatus::kTimedOut : FindResultCode(answer.result).status;
+}
+
+std::string FailureReason(const Answer& answer) {
+    if (!answer.timed_out) {
+        return std::string(FindResultCode(answer.result).description);
+    }
+    return answer.timeout_seconds == 0
+               ? "no answer in time"
+               : "no answer after " + std::to_string(answer.timeout_seconds) + " s";
+}
+
+Problem ProblemOf(std::string message, std::string setting, const Answer& answer) {
+    Problem problem{std::move(message), std::move(setting), answer.known_result()};
+    // The description of LIB_VELK_FAILURE adds nothing to the message.
+    if (answer.known_result() != LIB_VELK_FAILURE) {
+        problem.detail = FailureReason(answer);
+    }
+    if (!answer.remark.empty()) {
+        problem.detail.append(problem.detail.empty() ? "" : "; ").append(answer.remark);
+    }
+    if (!answer.timed_out) {
+        problem.remedy = FindResultCode(answer.result).remedy;
+    }
+    return problem;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,40 @@
+// time_options.cpp - reads the values of --wait and --timeout.
+#include "velkctl/cli/time_options.h"
+
+#include <string>
+
+#include "velkctl/text/numbers.h"
+
+namespace velkctl {
+namespace {
+
+constexpr int kLongest = 24 * 60 * 60;
+
+// Sets `seconds` to the value of an option, if it was given. Refuses a value that is not valid and
+// returns false.
+bool ReadSeconds(const char* option, const std::optional<std::string>& word,
+                 const Invocation& invocation, Report& report, int& seconds) {
+    if (!word) {
+        return true;
+    }
+    if (const std::optional<int> number = ParseNumber(*word, 1, kLongest)) {
+        seconds = *number;
+        return true;
+    }
+    report.Refuse(std::string(option) + ": " + invocation.Shown(*word) +
+                  " is not a time; give whole seconds, 1 to 86400");
+    return false;
+}
+
+}  // namespace
+
+std::optional<TimeLimits> ReadTimeOptions(const Invocation& invocation, Report& report) {
+    TimeLimits limits;
+    if (!ReadSeconds("--wait", invocation.wait, invocation, report, limits.wait_seconds) ||
+        !ReadSeconds("--timeout", invocation.timeout, invocation, report, limits.timeout_seconds)) {
+        return std::nullopt;
+    }
+    return limits;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,19 @@
+// time_options.h - reads the values of --wait and --timeout.
+#ifndef VELKCTL_CLI_TIME_OPTIONS_H_
+#define VELKCTL_CLI_TIME_OPTIONS_H_
+
+#include <optional>
+
+#include "velkctl/call/time_limits.h"
+#include "velkctl/cli/verbs.h"
+#include "velkctl/report/report.h"
+
+namespace velkctl {
+
+// Returns the limits that --wait and --timeout ask for. Refuses a value that is not valid and
+// returns nothing.
+std::optional<TimeLimits> ReadTimeOptions(const Invocation& invocation, Report& report);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_CLI_TIME_OPTIONS_H_

@@ -1,0 +1,97 @@
+// remains_checks.cpp - files that a query to the wireless daemon or a tool has left, and that
+// hinder the next one.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "lib/base/paths.h"
+#include "velkctl/doctor/checks.h"
+#include "velkctl/files/file_facts.h"
+#include "velkctl/files/unix_socket.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kMaybeUnread = "may not have been read";
+
+Finding AboutRemains(const char* path, const struct stat& facts) {
+    return {.subject = "wireless settings",
+            .effect = "can be neither read nor set",
+            .file = path,
+            .remedy = RemoveCommand(path, facts),
+            .affected = WirelessSettings(),
+            .impact = Impact::kSetting};
+}
+
+// A reply socket that no process has bound.
+Finding CheckReplySocket(const Finding& about, const struct stat& facts) {
+    if (S_ISDIR(facts.st_mode)) {
+        return about.Because("a folder is in the place of the reply socket");
+    }
+    if (!MayRemove(about.file, facts)) {
+        return about.Because(KindOf(facts.st_mode) +
+                             " of another user, that this user may not remove, "
+                             "is in the place of the reply socket");
+    }
+    return about.With(Impact::kNothing)
+        .Warning(kMaybeUnread, "a reply socket without a process was left, " + AgeOf(facts) +
+                                   " old; the next query replaces it");
+}
+
+Finding CheckSemaphore(const Finding& about, const struct stat& facts) {
+    if (!S_ISREG(facts.st_mode)) {
+        return about.Because(KindOf(facts.st_mode) + " is in the place of the semaphore");
+    }
+    if (facts.st_size == 0) {  // the program ends by SIGBUS
+        return about.Problem("end the program that reads them",
+                             "an empty file is in the place of the semaphore");
+    }
+    if (faccessat(AT_FDCWD, about.file.c_str(), R_OK | W_OK, AT_EACCESS) == -1) {
+        return about.Because("a semaphore of another user, " + AgeOf(facts) +
+                             " old, is in the way");
+    }
+    return about.With(Impact::kNothing)
+        .Warning(kMaybeUnread, "a semaphore was left, " + AgeOf(facts) +
+                                   " old; the next query may be answered before it listens");
+}
+
+template <typename Check>
+Findings CheckRemains(const char* path, Check check) {
+    struct stat facts {};
+    return lstat(path, &facts) == -1 ? Findings()
+                                     : Findings{check(AboutRemains(path, facts), facts)};
+}
+
+// The next reading overwrites a file of the caller's own. It removes any other file, if the caller
+// may remove it; if not, nothing is read.
+Finding CheckResult(Finding about, const struct stat& facts) {
+    about.subject = "link-speed and the address and netmask of a lease";
+    about.affected = SettingsReadWith();
+    about.impact = Impact::kNothing;
+    if (S_ISREG(facts.st_mode) && facts.st_nlink == 1 && facts.st_uid == geteuid()) {
+        return about.Warning(kMaybeUnread, "a result was left, " + AgeOf(facts) +
+                                               " old; the next one overwrites it");
+    }
+    const std::string in_the_way =
+        KindOf(facts.st_mode) + " is in the place of the output of tools";
+    return MayRemove(about.file, facts)
+               ? about.Warning(kMaybeUnread, in_the_way + "; the next reading removes it")
+               : about.With(Impact::kReading).Problem("cannot be read", in_the_way);
+}
+
+}  // namespace
+
+Findings CheckResultFile() {
+    return CheckRemains(velk::kResultFile, CheckResult);
+}
+
+Findings CheckQueryRemains() {
+    if (IsBound(velk::kReplySocket)) {
+        return {};  // a query is under way
+    }
+    Findings findings = CheckRemains(velk::kReplySocket, CheckReplySocket);
+    Append(findings, CheckRemains(velk::kSemaphoreFile, CheckSemaphore));
+    return findings;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,210 @@
+// script_checks.cpp - whether the library can switch the lines of the DHCP client's scripts: the
+// commands of its exit hooks, and the calls that install a lease's name servers.
+#include <algorithm>
+
+#include "lib/base/comment_switch.h"
+#include "lib/base/paths.h"
+#include "lib/base/shell_blocks.h"
+#include "lib/base/words.h"
+#include "velkctl/doctor/checks.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kOtherInterface = "\n\n";  // no line names it
+constexpr std::string_view kBraced = "${interface}";
+constexpr std::string_view kForAnother = "may be switched for another interface";
+
+// A script with lines that the library switches by a "#".
+struct Script {
+    Finding about;         // a finding without a text about a misread block
+    std::string variable;  // a condition must name it to begin a block
+    Lines lines{};
+};
+
+bool HasKeyword(std::string_view line, std::string_view keyword) {
+    return velk::HasWord(line, keyword, /*comment_aware=*/true);
+}
+
+// A line within a branch.
+Findings CheckInner(const Finding& about, std::string_view line) {
+    if (HasKeyword(line, "elif")) {
+        return {about.Problem(
+            kForAnother, "the library takes the lines below 'elif' for a part of the branch above",
+            "write 'else', or a block of its own for each interface")};
+    }
+    if (HasKeyword(line, "if")) {
+        return {about.Problem(
+            kForAnother, "an 'if' within a block; for the library the block ends at the first 'fi'",
+            "write it without an 'if', as in: [ CONDITION ] && COMMAND")};
+    }
+    return {};
+}
+
+// A line outside every branch, or at the start of one.
+Findings CheckOuter(const Script& script, const Finding& about, std::string_view line) {
+    if (IsComment(line) || !velk::Contains(line, "interface")) {
+        return {};
+    }
+    const bool is_block = HasKeyword(line, "if") && velk::Contains(line, script.variable);
+    if (is_block && velk::Contains(line, "!=")) {
+        return {about.Problem("would be switched for the wrong interface",
+                              "the library takes '!=' for '='",
+                              "compare with '=', and exchange the branches")};
+    }
+    const bool is_unknown_if = HasKeyword(line, "if") && velk::Contains(line, kBraced) && !is_block;
+    if (is_unknown_if || HasKeyword(line, "case")) {
+        return {about.Problem(
+            "would be switched for every interface",
+            "the library does not see that " + Excerpt(line) + " depends on the interface",
+            "write: if [ \"$interface\" = \"eth0\" ]; then")};
+    }
+    return {};
+}
+
+Findings CheckBlocks(const Script& script) {
+    // In a branch, a line runs either for the interface that every condition names or for one that
+    // none names. Outside, it runs for both.
+    velk::ShellBlocks of_every(script.variable, "");
+    velk::ShellBlocks of_none(script.variable, kOtherInterface);
+    Findings findings;
+    bool was_in_branch = false;
+    size_t begin = 0;
+    for (size_t i = 0; i < script.lines.size(); ++i) {
+        const std::string& line = script.lines[i];
+        const bool runs_for_every = of_every.RunsNext(line);
+        const bool is_in_branch = runs_for_every != of_none.RunsNext(line);
+        begin = is_in_branch && !was_in_branch ? i : begin;
+        const Finding about = script.about.At(i);
+        Append(findings, was_in_branch ? CheckInner(about, line) : CheckOuter(script, about, line));
+        was_in_branch = is_in_branch;
+    }
+    if (was_in_branch) {
+        findings.push_back(script.about.At(begin).Problem(
+            kForAnother, "no line with 'fi' as a word ends the block", "end it with a line 'fi'"));
+    }
+    return findings;
+}
+
+// Returns the lines that run for the interface, as the library reads the script; all of them if the
+// interface is empty.
+std::vector<size_t> LinesThatRun(const Script& script, std::string_view interface) {
+    velk::ShellBlocks blocks(script.variable, interface);
+    return IndexesOf(script.lines, [&](const std::string& line) {
+        return blocks.RunsNext(line) || interface.empty();
+    });
+}
+
+Findings CheckCommand(const Finding& about, const std::string& line, const SettingLine& switched) {
+    const size_t position = line.find(switched.key);
+    if (Findings marks = CheckMarks(about, line, position, "command"); !marks.empty()) {
+        return marks;
+    }
+    const bool is_on = !velk::IsCommentedOut(line, position);
+    const bool is_read = switched.setting.row->id == VELK_CMD_APIPA;
+    if (is_on && is_read && !HasKeyword(line, switched.key)) {
+        return {about.With(Impact::kReading)
+                    .Problem("is shown as off although it is on",
+                             "there is no blank before or after the command's name",
+                             "write " + std::string(switched.key) + " between blanks")};
+    }
+    return {};
+}
+
+Findings CheckCommands(const Script& script, const SettingLine& switched) {
+    const std::string command(switched.key);
+    const std::string interface(switched.setting.interface);
+    // A setting of the device is switched here and read from another file.
+    const Finding about = About(switched.setting, velk::kExitHooks,
+                                interface.empty() ? Impact::kNothing : Impact::kSetting);
+    std::vector<size_t> indexes = LinesThatRun(script, interface);
+    std::erase_if(indexes, [&](size_t i) { return !velk::Contains(script.lines[i], command); });
+    if (!indexes.empty()) {
+        return FindingsOfEach(indexes, [&](size_t index) {
+            return CheckCommand(about.At(index), script.lines[index], switched);
+        });
+    }
+    return {about.Problem(
+        "cannot be switched",
+        "no line" + (interface.empty() ? "" : " that runs for " + interface) + " has " + command,
+        "add the line that runs " + command + ", with a '#' before it for off")};
+}
+
+Findings CheckCalls(const Script& script, const SettingLine& switched) {
+    const std::string interface(switched.setting.interface);
+    // The setting is read from the DHCP client's configuration.
+    const Finding about = About(switched.setting, velk::kClientScript, Impact::kNothing);
+    Findings findings;
+    bool found = false;
+    for (const size_t index : LinesThatRun(script, interface)) {
+        const std::string_view line = script.lines[index];
+        size_t position = 0;
+        if (!velk::FindWord(line, switched.key, /*comment_aware=*/false, position)) {
+            continue;
+        }
+        if (Trimmed(line.substr(position + switched.key.size())).starts_with('(')) {
+            findings.push_back(
+                about.At(index).Problem("would break the script",
+                                        "the definition of the function is taken for a call of it",
+                                        "leave no blank between make_resolv_conf and ()"));
+            continue;
+        }
+        found = true;
+        Append(findings, CheckMarks(about.At(index), line, position, "call"));
+    }
+    if (!found) {
+        findings.push_back(
+            about.Problem("does not switch the name servers of a lease",
+                          "no line that runs for " + interface + " calls make_resolv_conf",
+                          "add a line with make_resolv_conf alone, with a '#' before it for off"));
+    }
+    return findings;
+}
+
+// `check` looks for the lines of one setting.
+template <typename Check>
+Findings CheckScript(Script script, Check check) {
+    TextFile file = ReadTextFile(script.about.file);
+    if (!HasPlainLines(file)) {
+        return {};
+    }
+    script.lines = std::move(file.lines);
+    Findings findings = CheckBlocks(script);
+    Append(findings,
+           FindingsOfEach(LinesOfSettings(script.about.file),
+                          [&](const SettingLine& switched) { return check(script, switched); }));
+    return findings;
+}
+
+}  // namespace
+
+Findings CheckExitHooks() {
+    const AffectedSettings affected = SettingsHeldIn(velk::kExitHooks);
+    return CheckScript({{.subject = SubjectOf(affected),
+                         .file = velk::kExitHooks,
+                         .affected = affected,
+                         .impact = Impact::kSetting},
+                        "$interface"},
+                       CheckCommands);
+}
+
+Findings CheckClientScript() {
+    const AffectedSettings affected = SettingsChanging(velk::kClientScript);
+    return CheckScript(
+        {{.subject = SubjectOf(affected), .file = velk::kClientScript, .affected = affected},
+         "interface"},
+        CheckCalls);
+}
+
+Findings CheckMarks(const Finding& about, std::string_view line, size_t position,
+                    std::string_view noun) {
+    if (std::ranges::count(line.substr(0, position), '#') < 2) {
+        return {};
+    }
+    return {about.Problem(
+        "cannot be switched on",
+        "there are two '#' before the " + std::string(noun) + "; switching on removes only one",
+        "leave one '#', in the first column")};
+}
+
+}  // namespace velkctl

@@ -1,0 +1,94 @@
+// device_files.cpp - the files that the library works with, and how it changes them.
+#include "velkctl/settings/device_files.h"
+
+#include <algorithm>
+#include <array>
+
+#include "lib/base/paths.h"
+
+namespace velkctl {
+namespace {
+
+struct FileRow {
+    const char* path;
+    Change change;
+    std::string_view subject{};  // the subject of a file without settings
+};
+
+constexpr std::array<FileRow, 10> kFiles{{
+    {velk::kInterfacesFile, Change::kByEdit},
+    {velk::kExitHooks, Change::kByEdit},
+    {velk::kDhcpConfigFile, Change::kByEdit},
+    {velk::kClientScript, Change::kByEdit},
+    {velk::kResolverFile, Change::kWhole},
+    {velk::kCrontab, Change::kByEdit},
+    {velk::kIdentityFile, Change::kByEdit},
+    {velk::kSnmpFile, Change::kBySudo},
+    {velk::kSupportList, Change::kNever, "wireless adapters"},
+    {velk::kUsbDevices, Change::kNever, "wireless adapters"},
+}};
+
+bool IsIn(const FileLine& line, std::string_view path) {
+    return line.file != nullptr && line.file == path;
+}
+
+DeviceFile MakeDeviceFile(const FileRow& row) {
+    DeviceFile file{row.path, row.change, std::string(row.subject), {}, {}};
+    for (const auto& [setting, key] : LinesOfSettings(row.path)) {
+        file.changed_by.push_back(setting);
+        if (IsIn(setting.row->held_in.line, row.path)) {
+            file.holds.push_back(setting);
+        }
+    }
+    if (!file.changed_by.empty()) {
+        file.subject = SubjectOf(file.changed_by);
+    }
+    return file;
+}
+
+}  // namespace
+
+std::string SubjectOf(const std::vector<Setting>& settings) {
+    std::vector<std::string_view> names;
+    for (const Setting& setting : settings) {
+        if (std::ranges::find(names, setting.row->name) == names.end()) {
+            names.push_back(setting.row->name);
+        }
+    }
+    std::string text;
+    for (const std::string_view& name : names) {
+        const bool is_last = &name == &names.back();
+        text.append(text.empty() ? "" : is_last ? " and " : ", ").append(name);
+    }
+    return text;
+}
+
+const std::vector<DeviceFile>& DeviceFiles() {
+    static const std::vector<DeviceFile> files = [] {
+        std::vector<DeviceFile> made;
+        std::ranges::transform(kFiles, std::back_inserter(made), MakeDeviceFile);
+        return made;
+    }();
+    return files;
+}
+
+bool IsChangedBy(const DeviceFile& file, uint32_t id) {
+    return std::ranges::any_of(file.changed_by,
+                               [id](const Setting& setting) { return setting.row->id == id; });
+}
+
+std::vector<SettingLine> LinesOfSettings(std::string_view path) {
+    std::vector<SettingLine> lines;
+    for (const Setting& setting : Settings()) {
+        for (const FileLine& line : {setting.row->held_in.line, setting.row->held_in.second_line}) {
+            if (IsIn(line, path)) {
+                lines.push_back({setting, line.key});
+            }
+        }
+    }
+    std::stable_partition(lines.begin(), lines.end(),
+                          [](const SettingLine& line) { return !line.setting.interface.empty(); });
+    return lines;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,10 @@
+// masking.cpp - whether data bytes are shown or masked.
+#include "velkctl/verbs/masking.h"
+
+namespace velkctl {
+
+bool IsMasked(bool is_secret, bool show_secrets, const Data& data) {
+    return is_secret && !show_secrets && data != Data{};
+}
+
+}  // namespace velkctl

@@ -1,0 +1,15 @@
+// masking.h - whether data bytes are shown or masked.
+#ifndef VELKCTL_VERBS_MASKING_H_
+#define VELKCTL_VERBS_MASKING_H_
+
+#include "velkctl/text/data_bytes.h"
+
+namespace velkctl {
+
+// True if kMask is shown in place of the data bytes: they are a secret that may not be shown. Zeros
+// are never masked, so that a missing secret is recognisable.
+bool IsMasked(bool is_secret, bool show_secrets, const Data& data);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_VERBS_MASKING_H_
