@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """sbom.py BUILDINFO - prints the SBOM (SPDX 2.3, JSON) of the packages that a .buildinfo file lists.
 
-It names each package with its hash and what it depends on, and the versions of the packages that it was
-built with, whose header libraries are compiled in. The same packages always give the same document.
+It names each package with its hash and its dependencies, and the versions of the packages that it was
+built with, as their header libraries are compiled in. The same packages always give the same document.
 """
 import datetime
 import hashlib

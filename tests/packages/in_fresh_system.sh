@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # in_fresh_system.sh VERSION - tries the packages beside it, and their earlier versions in earlier/, on this
-# system, which has what they depend on. scripts/test-packages runs it in a fresh one.
+# system, which has their dependencies. scripts/test-packages runs it in a fresh one.
 set -u
 version=$1
 cd /packages || exit

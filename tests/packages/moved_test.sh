@@ -17,7 +17,7 @@ mkdir "$folder/copy"
 cp "$build/velkctl" "$build/libvelk.so.1" "$folder/copy"
 library() { ldd "$1" | sed -n 's/.*libvelk\.so\.1 => \(.*\) (0x.*/\1/p'; }
 check 'library of a copy' "$folder/copy/libvelk.so.1" "$(library "$folder/copy/velkctl")"
-# Neither the place of the build nor the current folder stands in for a missing library.
+# A missing library is taken neither from the old place of the build nor from the current folder.
 rm "$folder/copy/libvelk.so.1"
 check 'library of a copy without one' 'not found' "$(cd "$build" && ldd "$folder/copy/velkctl" | sed -n 's/.*libvelk\.so\.1 => //p')"
 

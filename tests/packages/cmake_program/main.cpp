@@ -1,4 +1,4 @@
-// main.cpp - calls the library by its C function and by one of the C++ functions behind it.
+// main.cpp - calls the library by its C function and by one of its C++ functions.
 #include <cstdio>
 #include <string>
 
