@@ -4,12 +4,14 @@
 #include <string>
 
 #include "bench/floor.h"
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 
 namespace bench {
 namespace {
 
-constexpr char kAddressPath[] = "/files/etc/network/interfaces/iface[. = 'eth0']/address";
+constexpr auto kAddressPath =
+    velk::JoinText("/files", velk::kInterfacesFile, "/iface[. = 'eth0']/address");
 
 }  // namespace
 
@@ -31,7 +33,7 @@ augeas* LoadTree() {
 
 const char* AddressIn(augeas* tree) {
     const char* value = nullptr;
-    Require(aug_get(tree, kAddressPath, &value) == 1 && value != nullptr, "get");
+    Require(aug_get(tree, kAddressPath.c_str(), &value) == 1 && value != nullptr, "get");
     return value;
 }
 

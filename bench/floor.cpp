@@ -9,6 +9,8 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
+
 namespace bench {
 namespace {
 
@@ -115,7 +117,7 @@ void RunLine(const std::string& line) {
 }
 
 void EditByHand(const std::string& path) {
-    const std::string copy = "/var/tmp/" + path.substr(path.rfind('/') + 1);
+    const std::string copy = velk::kEditFolder + path.substr(path.rfind('/'));
     CopyByHand(path.c_str(), copy.c_str());
     RunLine("cat " + copy + " > " + path);
     RunLine("rm " + copy);

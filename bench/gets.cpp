@@ -77,10 +77,10 @@ void AddKernelGet() {
 // A get by a tool: its shell line, reading its output, and removing the output.
 void AddToolGet(const char* name, const std::function<void()>& call, const std::string& tool) {
     const auto by_hand = [tool] {
-        RunLine(tool + " > /var/tmp/get_result");
+        RunLine(tool + " > " + velk::kResultFile);
         char value[VELK_DATA_SIZE];
         FindByHand(velk::kResultFile, "", "", value);
-        RunLine("rm /var/tmp/get_result");
+        RunLine(std::string("rm ") + velk::kResultFile);
     };
     Compare({.name = name, .ours = Timed(call), .other = Timed(by_hand), .samples = 50});
 }

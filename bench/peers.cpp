@@ -3,11 +3,14 @@
 #include "bench/comparison.h"
 #include "bench/groups.h"
 #include "bench/request.h"
+#include "lib/base/join_text.h"
+#include "lib/base/paths.h"
 
 namespace bench {
 namespace {
 
-constexpr char kGatewayPath[] = "/files/etc/network/interfaces/iface[. = 'eth0']/gateway";
+constexpr auto kGatewayPath =
+    velk::JoinText("/files", velk::kInterfacesFile, "/iface[. = 'eth0']/gateway");
 
 augeas* OpenTree() {
     static augeas* const tree = LoadTree();
@@ -18,7 +21,7 @@ augeas* OpenTree() {
 void SetIn(augeas* tree) {
     static bool odd = false;
     odd = !odd;
-    Require(aug_set(tree, kGatewayPath, odd ? "192.168.0.1" : "192.168.0.2") == 0, "set");
+    Require(aug_set(tree, kGatewayPath.c_str(), odd ? "192.168.0.1" : "192.168.0.2") == 0, "set");
     Require(aug_save(tree) == 0, "save");
 }
 

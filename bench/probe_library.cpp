@@ -5,11 +5,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velk.h"
 
 int execute_velk_command(const _velk_request* request, _velk_request* response) {
     std::string text(4096, '\0');
-    const int fd = open("/etc/network/interfaces", O_RDONLY | O_CLOEXEC);
+    const int fd = open(velk::kInterfacesFile, O_RDONLY | O_CLOEXEC);
     const ssize_t count = read(fd, text.data(), text.size());
     close(fd);
     text.resize(count > 0 ? static_cast<size_t>(count) : 0);

@@ -60,8 +60,8 @@ const std::vector<FileSet>& FileSets() {
          "",
          "Robin",
          {velk::kIdentityFile},
-         {"sudo sed -i 's/syscontact.*/syscontact Robin/' /usr/local/share/etc/snmp/snmpd.conf",
-          "sudo /etc/init.d/snmpd restart > /dev/null 2>&1 || :"}},
+         {std::string("sudo sed -i 's/syscontact.*/syscontact Robin/' ") + velk::kSnmpFile,
+          std::string("sudo ") + velk::kSnmpScript + " restart > /dev/null 2>&1 || :"}},
     };
     return sets;
 }

@@ -27,7 +27,7 @@ struct Names {
 };
 constexpr Names kLibrary = {velk::kRequestSocket, velk::kReplySocket, velk::kSemaphoreName};
 constexpr Names kByHand = {"/tmp/to", "/tmp/from", nullptr};
-constexpr Names kByHandTold = {"/tmp/to-told", "/tmp/from-told", "/Told"};
+constexpr Names kByHandWithSemaphore = {"/tmp/to-ready", "/tmp/from-ready", "/Ready"};
 
 // Its length excludes the NUL, as in the library.
 struct Address {
@@ -90,7 +90,7 @@ void StartDaemon(const Names& names) {
     std::thread(Serve, fd, names).detach();
 }
 
-void AskByHand(const Names& names, sem_t* ready = nullptr) {
+void QueryByHand(const Names& names, sem_t* ready = nullptr) {
     const int fd = BoundSocket(names.reply);
     Send(fd, names.request);
     if (ready != nullptr) {
@@ -101,21 +101,21 @@ void AskByHand(const Names& names, sem_t* ready = nullptr) {
     unlink(names.reply);
 }
 
-void AskAndTellByHand() {
-    sem_t* ready = sem_open(kByHandTold.semaphore, O_CREAT, 0666, 0);
+void QueryWithSemaphoreByHand() {
+    sem_t* ready = sem_open(kByHandWithSemaphore.semaphore, O_CREAT, 0666, 0);
     if (ready == SEM_FAILED) {
-        GiveUp(kByHandTold.semaphore);
+        GiveUp(kByHandWithSemaphore.semaphore);
     }
-    AskByHand(kByHandTold, ready);
+    QueryByHand(kByHandWithSemaphore, ready);
     sem_close(ready);
-    sem_unlink(kByHandTold.semaphore);
+    sem_unlink(kByHandWithSemaphore.semaphore);
 }
 
 void StartDaemons() {
     static const bool started = [] {
         StartDaemon(kLibrary);
         StartDaemon(kByHand);
-        StartDaemon(kByHandTold);
+        StartDaemon(kByHandWithSemaphore);
         return true;
     }();
     (void)started;
@@ -127,11 +127,11 @@ void AddWireless() {
     const Measured get = Timed(Get(VELK_CMD_SSID, "eth1"), 10);
     Compare({.name = "wireless/round_trip",
              .ours = get,
-             .other = Timed([] { AskByHand(kByHand); }, 10),
+             .other = Timed([] { QueryByHand(kByHand); }, 10),
              .prepare = StartDaemons});
     Compare({.name = "wireless/round_trip_and_semaphore",
              .ours = get,
-             .other = Timed(AskAndTellByHand, 10),
+             .other = Timed(QueryWithSemaphoreByHand, 10),
              .prepare = StartDaemons});
 }
 

@@ -14,17 +14,16 @@ struct _velk_request;
 
 // ---- Detection ---------------------------------------------------------------------------------
 
-// Returns whether a supported USB wireless adapter is attached: 1 or 0. It never fails.
+// Returns whether a supported USB wireless adapter is attached: 1 or 0. Never fails.
 //
 // The kernel's list of attached devices, /proc/bus/usb/devices (the form of usbfs, kernel document
 // usb/proc_usb_info), is matched line by line against the text "QT4408RKM" and against every
 // adapter of the support list, /usr/local/share/apps/wlan/supportlist.ini: lines "VID=1a2b" and
-// "PID=3c4d" in hexadecimal. A vendor applies to all products after it; a product before any
-// vendor has vendor 0. The number is read by strtoul(3) from the line's fifth character on, so the
-// key must be in column one, and is compared as the kernel writes it, in lower case with four
-// digits at least: "Vendor=1a2b ProdID=3c4d". A support
-// list that cannot be read leaves the one text; a device list that cannot be read gives 0. Both
-// files are read afresh at every call. Logs nothing.
+// "PID=3c4d" in hexadecimal. A vendor applies to all products after it; a product before any vendor
+// has vendor 0. The number is read by strtoul(3) from the line's fifth character on, so the key
+// must be in column one, and is compared as the kernel writes it, in lower case with at least four
+// digits: "Vendor=1a2b ProdID=3c4d". If the support list cannot be read, only the built-in text is
+// searched; a device list that cannot be read gives 0. Every call reads both files. Logs nothing.
 //
 // Blocking: as long as reading two small files.
 VELK_API int IsWlanAttached();
@@ -32,12 +31,12 @@ VELK_API int IsWlanAttached();
 // ---- Records -----------------------------------------------------------------------------------
 //
 // The records of the wireless daemon, in its own layout and the device's byte order. A record that
-// comes from the daemon is data from outside: a length beyond its field makes a getter answer
+// comes from the daemon is data from outside: a length beyond its field makes a getter return
 // LIB_VELK_FAILURE and write nothing, and a text without a NUL ends with its field.
 
 struct SWepKey {
     uint16_t length;  // 0, 5, 10, 13 or 26
-    char key[28];     // not NUL-terminated; bytes after the length are left from an older key
+    char key[28];     // not NUL-terminated; bytes after the length belong to an older key
 };
 
 struct SMsgConf {
@@ -116,36 +115,35 @@ enum velk_wlan_message {
 // Two unix(7) datagram sockets, one per direction, and a named semaphore, see sem_overview(7). A
 // message has 240 bytes: its type (16 bits), two zero bytes, a body of 236. A query is
 // CreatSemaphore(), SendWlanRequestMessage(), RecvWlanResponseMessage() if that succeeded, and
-// DeleteSemaphore() in any case, with a null handle too when CreatSemaphore() failed: both
-// functions that take one then log EINVAL and go on. One query at a time can be made on a device.
-// Every failure is logged with the function and the failed call, and errno where there is one.
+// DeleteSemaphore() in any case. If CreatSemaphore() failed, the handle is null: both functions
+// that take one then log EINVAL and continue. One query at a time can be made on a device. Every
+// failure is logged with the function and the failed call, and errno if it is set.
 //
 // The daemon sends its reply, with the keys in it, to any socket at the reply path once the
 // semaphore is posted. So RecvWlanConf(), GetWlanConf(), SetWlanConf() and GetWlanState() first
 // remove another user's file at /tmp/WlanAplFromWlanSock, and use no semaphore that another user
-// has made or may post, or that is posted already: they replace it by one with mode 0600. Where
-// that cannot be done they send nothing: LIB_VELK_FAILURE, and "QueryWlanDaemon remove" or
+// has made or may post, or that is already posted: they replace it by one with mode 0600. If
+// that is not possible, they send nothing: LIB_VELK_FAILURE, and "QueryWlanDaemon remove" or
 // "QueryWlanDaemon sem_open" with errno in the log. The daemon must run as root or as the caller.
-// Direct callers of the four functions below see to this themselves.
+// Direct callers of the four functions below must do this themselves.
 
 // Sends one message to /tmp/WlanAplToWlanSock; a null `body` sends zeros. Returns LIB_VELK_SUCCESS
-// when the datagram was sent, LIB_VELK_FAILURE otherwise. Never waits for the daemon.
+// if the datagram was sent, LIB_VELK_FAILURE otherwise. Never waits for the daemon.
 VELK_API int SendWlanRequestMessage(short type, const UMsgData* body);
 
-// Binds /tmp/WlanAplFromWlanSock afresh, posts `ready` to signal that to the daemon, and waits for
-// one message. Its body goes into `out`. The type of the reply is not checked; bytes that a short
-// reply lacks are zero. Returns LIB_VELK_SUCCESS or LIB_VELK_FAILURE; `out` is written on success
-// alone. The socket and its path are gone afterwards. The socket's file has mode 0600 with any
-// umask: only root and the caller send to it. A path that another user takes meanwhile is taken
-// back, in up to 100 tries.
+// Removes and binds /tmp/WlanAplFromWlanSock, posts `ready` to signal that to the daemon, and waits
+// for one message. Its body goes into `out`. The type of the reply is not checked; bytes that a
+// short reply lacks are zero. Returns LIB_VELK_SUCCESS or LIB_VELK_FAILURE; `out` is written only
+// on success. The socket and its path are removed afterwards. The socket's file has mode 0600 with
+// any umask: only root and the caller can send to it. If another user takes the path meanwhile, it
+// is removed and bound again, up to 100 times.
 //
-// Blocking: up to 60 seconds; 1 second when bind(2) fails and the path is not the caller's, so that
+// Blocking: up to 60 seconds; 1 second if bind(2) fails and the path is not the caller's, so that
 // the daemon finds the semaphore unposted before the caller deletes it.
 VELK_API int RecvWlanResponseMessage(UMsgData& out, const sem_t* ready);
 
-// Opens the semaphore "/WlanAplRecvSem", creating it with value 0 and mode 0666, narrowed by the
-// umask, when it is missing.
-// Returns its handle, or null.
+// Opens the semaphore "/WlanAplRecvSem". If it is missing, creates it with value 0 and mode 0666,
+// narrowed by the umask. Returns its handle, or null.
 VELK_API sem_t* CreatSemaphore();
 
 // Closes the handle and removes the name; the second is done even if the first fails.
@@ -159,7 +157,7 @@ VELK_API int RecvWlanConf(UMsgData& out);
 
 // Reads the field of request.command_id out of the daemon's configuration into the data area `out`
 // (512 bytes, zeroed by the caller: most texts get no terminator). Returns
-// LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_FAILURE when the daemon cannot be reached
+// LIB_VELK_INVALID_PARAMETER for a null `out`, LIB_VELK_FAILURE if the daemon cannot be reached
 // or does not answer, then the result of the field's getter, or 0 with nothing written for any
 // other id. Blocking: up to 60 seconds.
 VELK_API int GetWlanConf(const _velk_request& request, char* out);
@@ -167,16 +165,16 @@ VELK_API int GetWlanConf(const _velk_request& request, char* out);
 // Fetches the daemon's configuration, changes the field of request.command_id to the request's data
 // and sends the whole record back; for any other id the record goes back unchanged. `out` is not
 // used. Returns the result of the field's setter if that is not 0 (nothing is sent then),
-// LIB_VELK_FAILURE when the daemon does not answer or cannot be reached. Fetching and sending are
-// not one step for the daemon. Blocking: up to 60 seconds.
+// LIB_VELK_FAILURE if the daemon does not answer or cannot be reached. Fetching and sending are not
+// one step for the daemon. Blocking: up to 60 seconds.
 VELK_API int SetWlanConf(const _velk_request& request, char* out);
 
 // One getter and setter for each field. A getter returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for
 // a null `out` and for a value of the record outside its range, nothing being written unless stated
 // otherwise. A setter returns LIB_VELK_SUCCESS, or LIB_VELK_INVALID_PARAMETER for a null `in` and
 // an invalid value; the record is then unchanged. None blocks, logs or touches anything else.
-// "Byte" is the first data byte. A getter needs as much room in `out` as it is said to write; text
-// in `in` ends with a NUL or after 512 bytes.
+// "Byte" is the first data byte. `out` must have room for all bytes that the getter writes; text in
+// `in` ends with a NUL or after 512 bytes.
 
 // 802.11 standards enabled: byte 2 or 3 for the record's 0 or 1. An unknown value writes 3 and
 // fails.
@@ -222,10 +220,10 @@ VELK_API int SetWepKey4(SMsgConf& conf, const char* in);
 
 // Reads the fact of request.command_id out of the daemon's state into the data area `out` (512
 // bytes, zeroed by the caller). Returns LIB_VELK_INVALID_PARAMETER for a null `out`,
-// LIB_VELK_NO_ADAPTER when no supported adapter is attached, then LIB_VELK_WIRED_LINKED while the
-// wired port has a link, then LIB_VELK_FAILURE when the daemon cannot be reached or does not
-// answer, then the result of the fact's getter, or 0 with nothing written for any other id.
-// Blocking: up to a minute for the link, see IsWiredLinked(), and 60 seconds for the daemon.
+// LIB_VELK_NO_ADAPTER if no supported adapter is attached, then LIB_VELK_WIRED_LINKED while the
+// wired port has a link, then LIB_VELK_FAILURE if the daemon cannot be reached or does not answer,
+// then the result of the fact's getter, or 0 with nothing written for any other id. Blocking: up to
+// a minute for the link, see IsWiredLinked(), and 60 seconds for the daemon.
 VELK_API int GetWlanState(const _velk_request& request, char* out);
 
 // One getter for each fact. Returns LIB_VELK_SUCCESS, or LIB_VELK_FAILURE for a null `out` and for

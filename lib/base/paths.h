@@ -14,6 +14,7 @@ inline constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
 inline constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
 inline constexpr char kCrontab[] = "/var/cron/tabs/root";
 inline constexpr char kNtpLog[] = "/var/libvelk/ntp.log";
+inline constexpr char kLibraryFolder[] = "/var/libvelk";
 
 // Programs that the DHCP client's exit hooks start.
 inline constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
@@ -23,6 +24,13 @@ inline constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
 
 // The init script of the SNMP agent.
 inline constexpr char kSnmpScript[] = "/etc/init.d/snmpd";
+
+// The tool that shows whether the cable is in, and the script that cron runs for the web update.
+inline constexpr char kEthtool[] = "/usr/sbin/ethtool";
+inline constexpr char kWebUpdater[] = "/usr/bin/web_contents_updater.pl";
+
+// The former address of the wired port, kept by another program of the device.
+inline constexpr char kOldAddressFile[] = "/tmp/oldIPAddress";
 
 // The wireless adapters that the device supports, and the attached USB devices.
 inline constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";

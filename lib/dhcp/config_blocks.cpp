@@ -27,7 +27,7 @@ bool Classify(std::string_view line, std::string_view nic, bool& in_block, bool&
 
 }  // namespace
 
-bool ConfigBlocks::Concerns(std::string_view line) {
+bool ConfigBlocks::IsInScope(std::string_view line) {
     if (other_block_) {
         other_block_ = !HasWord(line, kBlockEnd, comment_aware_);
         return false;

@@ -1,4 +1,4 @@
-// config_blocks.h - finds the lines of the DHCP client's configuration that concern an interface.
+// config_blocks.h - finds the lines of the DHCP client's configuration that apply to an interface.
 #ifndef VELK_DHCP_CONFIG_BLOCKS_H_
 #define VELK_DHCP_CONFIG_BLOCKS_H_
 
@@ -19,7 +19,7 @@ class ConfigBlocks {
         : nic_(nic), comment_aware_(comment_aware), in_block_(nic.empty()) {}
 
     // Takes the next line, with its newline. Returns false in other interfaces' blocks.
-    bool Concerns(std::string_view line);
+    bool IsInScope(std::string_view line);
 
     // Returns true if the last line is in the interface's block; false at its closing line.
     bool in_block() const { return in_block_; }

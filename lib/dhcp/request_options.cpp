@@ -45,7 +45,7 @@ class RequestLines {
     // Takes the next line, with its newline. Returns true if it belongs to a statement. A line
     // outside the interface's block does not count if it holds a "#" anywhere.
     bool Holds(std::string_view line) {
-        if (!blocks_.Concerns(line) || (!blocks_.in_block() && Contains(line, "#"))) {
+        if (!blocks_.IsInScope(line) || (!blocks_.in_block() && Contains(line, "#"))) {
             return false;
         }
         in_request_ = in_request_ || HasWord(line, "request", comment_aware_);
@@ -123,10 +123,10 @@ int SetDhcpRequest(const std::string& nic, bool enable) {
     }
     ConfigBlocks blocks(nic, /*comment_aware=*/false);  // a switched-off block is one too
     for (std::string_view line; edit.ReadLine(line);) {
-        const bool concerns = blocks.Concerns(line);
+        const bool is_in_scope = blocks.IsInScope(line);
         // A line with "}" is switched together with its block, although it is not part of it. So
         // is a "}" that ends no block.
-        if (concerns && (blocks.in_block() || Contains(line, kBlockEnd))) {
+        if (is_in_scope && (blocks.in_block() || Contains(line, kBlockEnd))) {
             edit.Write(SwitchLine(line, std::string_view::npos, enable));
         } else {
             edit.Keep(line);

@@ -1,10 +1,11 @@
 // settings.cpp - administrator and location, in the library's settings file and the SNMP daemon's.
-#include <algorithm>
 #include <string>
 #include <string_view>
 
 #include "lib/base/data_area.h"
 #include "lib/base/file_edit.h"
+#include "lib/base/find_row.h"
+#include "lib/base/join_text.h"
 #include "lib/base/line_reader.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
@@ -16,7 +17,7 @@
 namespace velk {
 namespace {
 
-constexpr char kSnmpRestart[] = "sudo /etc/init.d/snmpd restart > /dev/null 2>&1";
+constexpr auto kSnmpRestart = JoinText("sudo ", kSnmpScript, " restart > /dev/null 2>&1");
 
 struct IdentitySetting {
     uint32_t command_id;
@@ -30,8 +31,7 @@ constexpr IdentitySetting kSettings[] = {
 };
 
 const IdentitySetting* FindSetting(uint32_t command_id) {
-    const auto* found = std::ranges::find(kSettings, command_id, &IdentitySetting::command_id);
-    return found == std::end(kSettings) ? nullptr : found;
+    return FindRow(kSettings, command_id, &IdentitySetting::command_id);
 }
 
 // Writes the value into every line of the setting, or into a new last line if there is none.
@@ -64,7 +64,7 @@ void MirrorIntoSnmp(std::string_view directive, std::string_view value) {
     line.append(directive).append(".*/").append(directive).append(" ").append(shown);
     line.append("/' ").append(kSnmpFile);
     (void)SystemCommand(line.c_str());
-    (void)SystemCommand(kSnmpRestart);
+    (void)SystemCommand(kSnmpRestart.c_str());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "lib/base/data_area.h"
 #include "lib/base/file_edit.h"
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
@@ -14,6 +15,9 @@
 
 namespace velk {
 namespace {
+
+// Another program of the device keeps the file.
+constexpr auto kOldAddressRemoval = JoinText("rm -f ", kOldAddressFile);
 
 // Writes the method into the header of every stanza of the interface. Anything else on the header
 // line is removed.
@@ -71,7 +75,7 @@ int SetIpSettingMethod(const _velk_request& request, char* /*out*/) {
     const char method = request.data[0];
     const int result = ChangeMethod(interface, method);
     if (interface == VELK_WIRED_INTERFACE && method == VELK_METHOD_DHCP) {
-        (void)SystemCommand("rm -f /tmp/oldIPAddress");  // another program of the device keeps it
+        (void)SystemCommand(kOldAddressRemoval.c_str());
     }
     return result;
 }

@@ -10,6 +10,7 @@
 
 #include "lib/base/command_output.h"
 #include "lib/base/data_area.h"
+#include "lib/base/join_text.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
@@ -24,10 +25,12 @@ namespace {
 // ethtool(8) may have no answer while the driver starts, so it is asked once a second for a minute.
 constexpr int kEthtoolRetry = 60;
 
+constexpr auto kEthtoolLine = JoinText("sudo ", kEthtool, " %s > %s");
+
 // Returns the link state from one run of ethtool; nothing if it shows none. If another program
 // never ends its turn, only the first run waits for it.
 std::optional<int> LinkFromEthtool(ReadersTurn::WaitMode& wait_mode) {
-    const CommandLine command("sudo /usr/sbin/ethtool %s > %s", VELK_WIRED_INTERFACE, kResultFile);
+    const CommandLine command(kEthtoolLine.c_str(), VELK_WIRED_INTERFACE, kResultFile);
     CommandOutput output(command, wait_mode);
     wait_mode = output.next_wait_mode();
     if (output.run_result() != LIB_VELK_SUCCESS) {

@@ -9,6 +9,7 @@
 
 #include "lib/base/data_area.h"
 #include "lib/base/file_edit.h"
+#include "lib/base/join_text.h"
 #include "lib/base/line_reader.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
@@ -19,7 +20,7 @@ namespace velk {
 namespace {
 
 constexpr std::string_view kUpdater = "web_contents_updater";
-constexpr std::string_view kCommand = "perl /usr/bin/web_contents_updater.pl";
+constexpr auto kCommand = JoinText("perl ", kWebUpdater);
 constexpr std::string_view kAny = "*";
 constexpr std::string_view kEvery = "*/";
 

@@ -1,7 +1,6 @@
 // ioctl_table.cpp - the functions that read and change a property that the kernel holds.
 #include "lib/wired/ioctl_table.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string>
@@ -11,6 +10,7 @@
 #include <sys/socket.h>
 
 #include "lib/base/data_area.h"
+#include "lib/base/find_row.h"
 #include "lib/base/log.h"
 #include "lib/base/unique_fd.h"
 #include "lib/presence/wireless_refusal.h"
@@ -62,10 +62,8 @@ int GetIoctl(const _velk_request& request, char* out) {
             return refusal;
         }
     }
-    const auto entry =
-        std::find_if(kIoctlTable.begin(), kIoctlTable.end(),
-                     [&](const IoctlEntry& row) { return row.command_id == request.command_id; });
-    if (entry == kIoctlTable.end()) {
+    const IoctlEntry* entry = FindRow(kIoctlTable, request.command_id, &IoctlEntry::command_id);
+    if (entry == nullptr) {
         return LIB_VELK_SUCCESS;
     }
     const UniqueFd socket = OpenSocket();
@@ -77,11 +75,8 @@ int GetIoctl(const _velk_request& request, char* out) {
 }
 
 int SetIoctl(const _velk_request& request, char* /*out*/) {
-    const auto entry =
-        std::find_if(kIoctlTable.begin(), kIoctlTable.end(), [&](const IoctlEntry& row) {
-            return row.command_id == request.command_id && row.set_handler != nullptr;
-        });
-    if (entry == kIoctlTable.end()) {
+    const IoctlEntry* entry = FindRow(kIoctlTable, request.command_id, &IoctlEntry::command_id);
+    if (entry == nullptr || entry->set_handler == nullptr) {
         return LIB_VELK_SUCCESS;
     }
     const UniqueFd socket = OpenSocket();

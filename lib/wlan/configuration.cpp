@@ -1,7 +1,7 @@
 // configuration.cpp - the commands on the wireless daemon's configuration.
-#include <algorithm>
 #include <array>
 
+#include "lib/base/find_row.h"
 #include "lib/wlan/query.h"
 #include "velk/request.h"
 #include "velk/wlan.h"
@@ -32,9 +32,7 @@ constexpr auto kFields = std::to_array<WlanConfEntry>({
 
 // Returns null for an id that is no field of the configuration.
 const WlanConfEntry* FindField(uint32_t command_id) {
-    const auto* field = std::find_if(kFields.begin(), kFields.end(),
-                                     [&](const auto& row) { return row.command_id == command_id; });
-    return field == kFields.end() ? nullptr : field;
+    return FindRow(kFields, command_id, &WlanConfEntry::command_id);
 }
 
 }  // namespace

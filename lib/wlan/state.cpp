@@ -1,10 +1,10 @@
 // state.cpp - the facts that the wireless daemon reports of adapter and connection.
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string_view>
 
 #include "lib/base/data_area.h"
+#include "lib/base/find_row.h"
 #include "lib/presence/wireless_refusal.h"
 #include "lib/wlan/codes.h"
 #include "lib/wlan/query.h"
@@ -68,10 +68,8 @@ int GetWlanState(const _velk_request& request, char* out) {
     if (received != LIB_VELK_SUCCESS) {
         return received;
     }
-    const auto* fact = std::find_if(kFacts.begin(), kFacts.end(), [&](const auto& row) {
-        return row.command_id == request.command_id;
-    });
-    return fact == kFacts.end() ? LIB_VELK_SUCCESS : fact->getter(data.state, out);
+    const WlanStateEntry* fact = FindRow(kFacts, request.command_id, &WlanStateEntry::command_id);
+    return fact == nullptr ? LIB_VELK_SUCCESS : fact->getter(data.state, out);
 }
 
 int GetHardwareVersion(const SMsgState& state, char* out) {

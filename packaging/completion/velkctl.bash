@@ -94,6 +94,29 @@ _velkctl_files() { # BEGINNING
     done
 }
 
+# Prints the values of a setting for NAME=VALUE, or files after "@" for a secret, one a line.
+_velkctl_assigned() { # NAME VALUE
+    case $2 in
+        @*) ! _velkctl_is_secret "$1" || _velkctl_files "${2#@}" ;;
+        *) _velkctl_values "$1" ;;
+    esac
+}
+
+# Prints the words NAME=VALUE, or without a value the names that are not among the words.
+_velkctl_assignments() { # CURRENT WORD...
+    local current=$1 word
+    shift
+    if [[ $current == *=* ]]; then
+        _velkctl_assigned "${current%%=*}" "${current#*=}" | while IFS= read -r word; do
+            printf '%s\n' "${current%%=*}=$word"
+        done
+        return
+    fi
+    _velkctl_pick name set | while IFS= read -r word; do
+        case " $*" in *" $word="*) ;; *) printf '%s=\n' "$word" ;; esac
+    done
+}
+
 # Prints the candidates for a word after the words of a verb, one a line. The word itself only selects
 # their kind.
 _velkctl_candidates() { # WORD VERB WORD...
@@ -103,14 +126,20 @@ _velkctl_candidates() { # WORD VERB WORD...
     case $verb in
         get) _velkctl_pick name get ;;
         set)
-            if [ "$count" -eq 0 ]; then
+            if [[ $current == *=* || ${1-} == *=* ]]; then
+                _velkctl_assignments "$current" "$@"
+            elif [ "$count" -eq 0 ]; then
                 _velkctl_pick name set
             else
                 _velkctl_values "$@"
             fi
             ;;
         help) [ "$count" -gt 0 ] || _velkctl_verbs ;;
-        show | restart | list) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
+        show)
+            _velkctl_pick interface any
+            case $current in ?*) _velkctl_pick name get ;; esac
+            ;;
+        restart | list | status) [ "$count" -gt 0 ] || _velkctl_pick interface any ;;
         describe)
             [ "$count" -eq 0 ] || return
             case $current in
@@ -146,7 +175,7 @@ _velkctl_join_words() {
         else
             words+=("$piece")
         fi
-        [[ $piece == [=:@] ]] && glue=1 || glue=
+        [[ $piece == *[=:@] && $piece != *[!=:@]* ]] && glue=1 || glue=
     done
 }
 
@@ -194,12 +223,12 @@ _velkctl() {
     fi
     # The second argument is the piece of the word to replace; without it, the last piece of the word.
     piece=${COMP_WORDS[COMP_CWORD]}
-    [[ $piece != [=:@] ]] || piece=
+    [[ $piece == *[!=:@]* ]] || piece=
     piece=${2-$piece}
     while IFS= read -r word; do
         [[ -n $word && $word == "$current"* ]] && COMPREPLY+=("${word:${#current}-${#piece}}")
     done <<<"$found"
-    [[ ${COMPREPLY[*]} != */ ]] || compopt -o nospace 2>/dev/null
+    [[ ${COMPREPLY[*]} != *[/=] ]] || compopt -o nospace 2>/dev/null
 }
 
 complete -F _velkctl velkctl

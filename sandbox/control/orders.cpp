@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <utility>
 
 #include <sys/socket.h>
@@ -165,6 +166,12 @@ void OrderSocket::Answer(int listener,
 bool IsOnDevice() {
     struct stat status;
     return stat(kRunFolder, &status) == 0;
+}
+
+std::string ThisDevice() {
+    std::string name;
+    std::ifstream(kNameFile) >> name;
+    return name;
 }
 
 void SendOrder(const std::string& order, const std::string& name) {

@@ -29,6 +29,9 @@ class OrderSocket {
 // True if this process is on a device.
 bool IsOnDevice();
 
+// Returns the name of the device that this process is on, or an empty text.
+std::string ThisDevice();
+
 // Sends an order to the device of that name and waits for the result. An empty name means the
 // device of this process, or the only running one. Throws Failure.
 void SendOrder(const std::string& order, const std::string& name);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <vector>
@@ -18,6 +17,7 @@
 
 #include "sandbox/device/capabilities.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/proc_fields.h"
 
 namespace sandbox {
 namespace {
@@ -26,22 +26,11 @@ constexpr char kOwnUserNamespace[] = "/proc/self/ns/user";
 constexpr char kNoProcess[] = "the device did not send its first process";
 constexpr size_t kUsersOfProcess = 4;  // real, effective, saved and file system user
 
-// Returns the rest of the line that begins with the label, or an empty text.
-std::string Labelled(const std::string& path, const std::string& label) {
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        if (line.starts_with(label)) {
-            return line.substr(label.size());
-        }
-    }
-    return {};
-}
-
 // Returns the process ID. Returns 0 if the process has ended, is in another PID namespace, or if
 // the descriptor is not a pidfd.
 long NumberOf(const velk::UniqueFd& process) {
-    const std::string text = Labelled("/proc/self/fdinfo/" + std::to_string(process.get()), "Pid:");
-    return text.empty() ? 0 : std::max(std::stol(text), 0L);
+    const std::string path = "/proc/self/fdinfo/" + std::to_string(process.get());
+    return std::max(FirstNumber<long>(ProcField(path, "Pid")).value_or(0), 0L);
 }
 
 // Opens the process's folder in /proc. It never becomes the folder of a later process with the same
@@ -64,7 +53,7 @@ std::string PathOf(const velk::UniqueFd& folder, const char* name) {
 // The owner of the folder is not sufficient: the kernel shows root for processes of any user that
 // are not dumpable.
 void RefuseForeignUser(const velk::UniqueFd& folder) {
-    std::istringstream text(Labelled(PathOf(folder, "/status"), "Uid:"));
+    std::istringstream text(ProcField(PathOf(folder, "/status"), "Uid"));
     const std::vector<uid_t> users{std::istream_iterator<uid_t>(text), {}};
     const auto foreign = std::ranges::find_if(users, [](uid_t user) { return user != geteuid(); });
     if (foreign != users.end()) {

@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <fstream>
 #include <string>
 
 #include <linux/capability.h>
@@ -12,6 +11,7 @@
 #include <unistd.h>
 
 #include "sandbox/process/failure.h"
+#include "sandbox/process/proc_fields.h"
 
 namespace sandbox {
 namespace {
@@ -25,11 +25,9 @@ struct CapabilitySets {
 
 // Reads a capability set, such as "CapEff", from /proc/self/status.
 uint64_t ShownSet(const std::string& name) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with(name + ":")) {
-            return std::stoull(line.substr(name.size() + 1), nullptr, 16);
-        }
+    constexpr char kStatus[] = "/proc/self/status";
+    if (const auto set = FirstNumber<uint64_t>(ProcField(kStatus, name), 16)) {
+        return *set;
     }
     throw Failure("/proc/self/status does not show " + name);
 }

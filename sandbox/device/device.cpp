@@ -21,6 +21,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// A private folder hides the machine's folder of the same path.
+void RefusePrivateFolders(const std::vector<BindFolder>& writable) {
+    for (const BindFolder& folder : writable) {
+        const fs::path own = PrivateFolderOf(folder.path);
+        if (!own.empty() && !CanStayVisible(folder.path)) {
+            throw Failure(
+                folder.path.string() + " cannot stay writable",
+                "give --writable another folder; the device has a " + own.string() + " of its own");
+        }
+    }
+}
+
 void ProtectMachine(const std::vector<BindFolder>& writable) {
     if (std::ranges::find(writable, "/", &BindFolder::path) != writable.end()) {
         throw Failure("the root folder cannot stay writable", "give --writable a folder below /");
@@ -67,6 +79,7 @@ void EnterDevice(const DeviceOptions& options) {
     EnterPrivateNamespaces();
 
     const std::vector<BindFolder> writable = OpenBindFolders(options.writable);
+    RefusePrivateFolders(writable);
     if (options.protect_machine) {
         ProtectMachine(writable);
     }

@@ -2,6 +2,7 @@
 #include "sandbox/device/device_layout.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "lib/base/paths.h"
 
@@ -84,6 +85,20 @@ bool IsHidden(const fs::path& path, const DeviceLayout& layout) {
     return !layout.tmpfs_folders.contains(path) &&
            std::ranges::any_of(layout.tmpfs_folders,
                                [&](const auto& folder) { return IsWithin(path, folder.first); });
+}
+
+fs::path PrivateFolderOf(const fs::path& path) {
+    std::vector<Folder> folders = TmpfsFolders();
+    std::ranges::copy(DeviceFolders(), std::back_inserter(folders));
+    const auto found = std::ranges::find_if(
+        folders, [&path](const Folder& folder) { return IsWithin(path, folder.path); });
+    return found == folders.end() ? fs::path() : found->path;
+}
+
+bool CanStayVisible(const fs::path& folder) {
+    return std::ranges::any_of(TmpfsFolders(), [&folder](const Folder& tmpfs) {
+        return folder != tmpfs.path && IsWithin(folder, tmpfs.path);
+    });
 }
 
 void RemoveMachineContents(const DeviceLayout& layout) {

@@ -32,6 +32,14 @@ DeviceLayout MakeDeviceLayout(const std::string& rootfs, const std::vector<Sampl
 // True if `path` is below a tmpfs folder. The tmpfs folder itself is not hidden.
 bool IsHidden(const std::filesystem::path& path, const DeviceLayout& layout);
 
+// Returns the folder that replaces the machine's on every device and holds `path`, or an empty
+// path.
+std::filesystem::path PrivateFolderOf(const std::filesystem::path& path);
+
+// True if the folder is private, but stays visible as a bind folder. A tmpfs folder itself, such as
+// /tmp, does not.
+bool CanStayVisible(const std::filesystem::path& folder);
+
 // Removes the device's folders and files from a copy of the machine. Must run before any folder of
 // the machine is mounted inside the copy.
 void RemoveMachineContents(const DeviceLayout& layout);

@@ -10,6 +10,7 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "sandbox/device/mounts.h"
 #include "sandbox/process/failure.h"
 
@@ -25,7 +26,7 @@ constexpr char kConsole[] = "/dev/console";
 constexpr std::pair<const char*, fs::perms> kFolders[] = {
     {"/dev/net", fs::perms(kFolderMode)},
     {"/dev/pts", fs::perms(kFolderMode)},
-    {"/dev/shm", fs::perms::all | fs::perms::sticky_bit},
+    {velk::kSemaphoreFolder, fs::perms::all | fs::perms::sticky_bit},
 };
 constexpr std::pair<const char*, const char*> kLinks[] = {
     {"/proc/self/fd", "/dev/fd"}, {"fd/0", "/dev/stdin"},    {"fd/1", "/dev/stdout"},

@@ -15,6 +15,7 @@
 
 #include "lib/base/unique_fd.h"
 #include "sandbox/device/network_control.h"
+#include "sandbox/device/refused_namespaces.h"
 #include "sandbox/process/failure.h"
 
 namespace sandbox {
@@ -23,16 +24,18 @@ namespace {
 constexpr std::string_view kHostName = "velk";
 constexpr int kPrivateNamespaces = CLONE_NEWNS | CLONE_NEWNET | CLONE_NEWUTS | CLONE_NEWIPC;
 
-void WriteSetting(const char* path, const std::string& text) {
+void WriteIds(const char* path, const std::string& text, uid_t user) {
     const velk::UniqueFd file(open(path, O_WRONLY | O_CLOEXEC));
     const ssize_t size = static_cast<ssize_t>(text.size());
     if (file.get() == -1 || write(file.get(), text.data(), text.size()) != size) {
+        ThrowIfRefused(errno, user);
         Fail(std::string("cannot write ") + path, errno);
     }
 }
 
 [[noreturn]] void FailToMake(const char* namespaces) {
     const int error = errno;
+    ThrowIfRefused(error, geteuid());
     const std::string text = std::string("cannot make ") + namespaces;
     if (error == ENOSPC) {  // its own text, "No space left on device", would mislead
         throw Failure(text + ": the limit in /proc/sys/user is reached",
@@ -44,15 +47,15 @@ void WriteSetting(const char* path, const std::string& text) {
 }  // namespace
 
 void EnterUserNamespace() {
-    const std::string user = std::to_string(geteuid());
+    const uid_t user = geteuid();  // has no number in the new namespace until it is mapped
     const std::string group = std::to_string(getegid());
     if (unshare(CLONE_NEWUSER) == -1) {
         FailToMake("a user namespace");
     }
     // The kernel accepts a group map from an ordinary user only if setgroups(2) is denied.
-    WriteSetting("/proc/self/setgroups", "deny");
-    WriteSetting("/proc/self/gid_map", "0 " + group + " 1");
-    WriteSetting("/proc/self/uid_map", "0 " + user + " 1");
+    WriteIds("/proc/self/setgroups", "deny", user);
+    WriteIds("/proc/self/gid_map", "0 " + group + " 1", user);
+    WriteIds("/proc/self/uid_map", "0 " + std::to_string(user) + " 1", user);
 }
 
 pid_t ForkFirstProcess() {

@@ -8,6 +8,7 @@
 #include <linux/sockios.h>
 #include <net/if.h>
 #include <net/if_arp.h>
+#include <net/route.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
@@ -38,11 +39,11 @@ void SetUpFlag(const velk::UniqueFd& any_socket, const std::string& interface, b
     Change(any_socket, SIOCSIFFLAGS, request);
 }
 
-void PutAddress(const in_addr& address, ifreq& request) {
+void PutAddress(const in_addr& address, sockaddr& place) {
     sockaddr_in full{};
     full.sin_family = AF_INET;
     full.sin_addr = address;
-    memcpy(&request.ifr_addr, &full, sizeof(full));
+    memcpy(&place, &full, sizeof(full));
 }
 
 }  // namespace
@@ -72,14 +73,27 @@ void NetworkControl::SetHardwareAddress(const std::string& interface,
 
 void NetworkControl::SetAddress(const std::string& interface, const StaticAddress& address) const {
     ifreq request = RequestFor(interface);
-    PutAddress(address.address, request);
+    PutAddress(address.address, request.ifr_addr);
     Change(socket_, SIOCSIFADDR, request);
-    PutAddress(address.mask, request);
+    PutAddress(address.mask, request.ifr_addr);
     Change(socket_, SIOCSIFNETMASK, request);
     in_addr broadcast = address.address;
     broadcast.s_addr |= ~address.mask.s_addr;
-    PutAddress(broadcast, request);
+    PutAddress(broadcast, request.ifr_addr);
     Change(socket_, SIOCSIFBRDADDR, request);
+}
+
+void NetworkControl::SetGateway(const std::string& interface, const StaticAddress& address) const {
+    std::string device = interface;
+    rtentry route{};
+    PutAddress({INADDR_ANY}, route.rt_dst);
+    PutAddress({INADDR_ANY}, route.rt_genmask);
+    PutAddress(address.gateway, route.rt_gateway);
+    route.rt_flags = RTF_UP | RTF_GATEWAY;
+    route.rt_dev = device.data();
+    if (ioctl(socket_.get(), SIOCADDRT, &route) == -1 && errno != ENETUNREACH) {
+        Fail("cannot set the gateway of " + interface, errno);
+    }
 }
 
 void NetworkControl::SetUsualSpeed(const std::string& interface) const {

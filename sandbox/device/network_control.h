@@ -13,6 +13,7 @@ namespace sandbox {
 struct StaticAddress {
     in_addr address = {};
     in_addr mask = {};
+    in_addr gateway = {};  // INADDR_ANY: none
 };
 
 // Acts on the network namespace in which it was made, even after the process enters another one.
@@ -26,6 +27,9 @@ class NetworkControl {
     // Sets the address 02:00:00:00:00:XX. The interface must be down.
     void SetHardwareAddress(const std::string& interface, unsigned char last_byte) const;
     void SetAddress(const std::string& interface, const StaticAddress& address) const;
+    // Makes the gateway the default one. Does nothing if it is outside the network of the
+    // interface, as the kernel refuses it.
+    void SetGateway(const std::string& interface, const StaticAddress& address) const;
     // Sets 100 Mbit/s, full duplex, with negotiation.
     void SetUsualSpeed(const std::string& interface) const;
 

@@ -17,6 +17,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "sandbox/device/mounts.h"
 #include "sandbox/process/failure.h"
 
@@ -30,7 +31,7 @@ constexpr char kNewRoot[] = "/tmp/root";
 constexpr mode_t kFolderMode = 0755;
 constexpr unsigned kMegabytes = 512;  // limit of all changes
 // The file systems of the kernel, and the folders that are private in any case.
-constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", "/var/tmp"};
+constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", velk::kEditFolder};
 
 bool IsCopied(const fs::path& path) {
     std::error_code error;

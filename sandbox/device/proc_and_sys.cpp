@@ -68,7 +68,9 @@ void MountProc(bool protect) {
     if (!MountKernel("proc", "/proc", 0)) {
         const int error = errno;
         Fail("cannot mount /proc", error,
-             error == EPERM ? "remove mounts below /proc; containers often have some" : "");
+             error == EPERM
+                 ? "start the container with --privileged, or remove the mounts below /proc"
+                 : "");
     }
     if (protect) {
         ProtectMachineEntries();

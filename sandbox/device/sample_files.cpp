@@ -71,6 +71,11 @@ std::vector<SampleFile> ReadSamples(const std::string& rootfs) {
     return files;
 }
 
+SampleFile MakeSample(const fs::path& path, const std::string& text) {
+    constexpr mode_t kMode = 0644;
+    return {path, kMode, false, text};
+}
+
 void WriteSample(const SampleFile& file) {
     if (file.is_link) {
         fs::create_symlink(file.text, file.path);

@@ -24,6 +24,9 @@ std::vector<SampleFile> ReadSamples(const std::string& rootfs);
 // Returns the contents of a file. Throws Failure.
 std::string ReadText(const std::filesystem::path& path);
 
+// Returns a file with the mode 0644.
+SampleFile MakeSample(const std::filesystem::path& path, const std::string& text);
+
 void WriteSample(const SampleFile& file);
 
 }  // namespace sandbox

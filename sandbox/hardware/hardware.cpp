@@ -2,6 +2,7 @@
 #include "sandbox/hardware/hardware.h"
 
 #include <fstream>
+#include <optional>
 
 #include "sandbox/hardware/static_address.h"
 #include "sandbox/hardware/tap_ports.h"
@@ -10,14 +11,22 @@
 namespace sandbox {
 namespace {
 
-// ifupdown(8) records here which interfaces are up.
+// ifup(8) and ifdown(8) record here which interfaces are up: all of them, and each one alone.
 constexpr char kInterfaceState[] = "/run/network/ifstate";
+constexpr char kWiredState[] = "/run/network/ifstate.eth0";
 
+// Does the same as ifup(8) at boot, which the simulated device may lack.
 void SetWiredAddress(const NetworkControl& device) {
-    if (const auto address = ReadStaticAddress(kWiredPort.name)) {
-        device.SetAddress(kWiredPort.name, *address);
-        std::ofstream(kInterfaceState) << "lo=lo\neth0=eth0\n";
+    const std::optional<StaticAddress> address = ReadStaticAddress(kWiredPort.name);
+    if (!address) {
+        return;
     }
+    device.SetAddress(kWiredPort.name, *address);
+    if (address->gateway.s_addr != INADDR_ANY) {
+        device.SetGateway(kWiredPort.name, *address);
+    }
+    std::ofstream(kInterfaceState) << "lo=lo\neth0=eth0\n";
+    std::ofstream(kWiredState) << "eth0\n";
 }
 
 }  // namespace

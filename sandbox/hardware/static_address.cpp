@@ -28,6 +28,8 @@ void ReadLine(const std::string& line, const std::string& interface, Reading& re
         reading.has_address = inet_pton(AF_INET, value.c_str(), &reading.found.address) == 1;
     } else if (reading.in_stanza && key == "netmask") {
         reading.has_mask = inet_pton(AF_INET, value.c_str(), &reading.found.mask) == 1;
+    } else if (reading.in_stanza && key == "gateway") {
+        (void)inet_pton(AF_INET, value.c_str(), &reading.found.gateway);
     }
 }
 

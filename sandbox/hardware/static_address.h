@@ -9,8 +9,8 @@
 
 namespace sandbox {
 
-// Returns the static IPv4 address of an interface, or nothing unless the file has its address and
-// netmask.
+// Returns the static IPv4 address of an interface, with its gateway if it has one. Returns nothing
+// unless the file has its address and netmask.
 std::optional<StaticAddress> ReadStaticAddress(const std::string& interface);
 
 }  // namespace sandbox

@@ -4,16 +4,16 @@
 #include <cstdio>
 
 #include "sandbox/process/failure.h"
-#include "sandbox/process/printable.h"
+#include "sandbox/process/terminal_line.h"
 
 namespace sandbox {
 
 void PrintMessage(const std::string& text) {
-    (void)fprintf(stderr, "velk-sandbox: %s\n", Printable(text).c_str());
+    (void)fprintf(stderr, "velk-sandbox: %s\n", TerminalLine(text).c_str());
 }
 
 void PrintDetail(const std::string& text) {
-    (void)fprintf(stderr, "  %s\n", Printable(text).c_str());
+    (void)fprintf(stderr, "  %s\n", TerminalLine(text).c_str());
 }
 
 void PrintFailure(const std::exception& error) {

@@ -7,7 +7,7 @@
 
 namespace sandbox {
 
-// Prints one line on standard error, filtered by Printable().
+// Prints one line on standard error, filtered by TerminalLine().
 void PrintMessage(const std::string& text);
 
 // Prints an indented line that adds to the last message.

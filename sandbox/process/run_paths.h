@@ -8,6 +8,9 @@ inline constexpr char kRunFolder[] = "/run/velk-sandbox";
 inline constexpr char kHardwareSocket[] = "/run/velk-sandbox/hardware";
 inline constexpr char kDaemonPidFile[] = "/run/velk-sandbox/wland.pid";
 inline constexpr char kRouterPidFile[] = "/run/velk-sandbox/router.pid";  // DHCP and DNS server
+inline constexpr char kNameFile[] = "/run/velk-sandbox/name";             // the device's name
+inline constexpr char kShellStartFile[] = "/run/velk-sandbox/bashrc";
+inline constexpr char kCompletionFolder[] = "/run/velk-sandbox/completion";
 inline constexpr char kStandInFolder[] = "/run/velk-sandbox/bin";  // first in the search path
 
 }  // namespace sandbox

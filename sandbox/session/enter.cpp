@@ -16,7 +16,6 @@
 #include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/messages.h"
-#include "sandbox/session/exec_command.h"
 #include "sandbox/session/terminal.h"
 
 namespace sandbox {
@@ -82,7 +81,7 @@ int RunEnter(const EnterRequest& request) {
     const Terminal terminal;
     IgnoreTerminalSignals();
     const int status = RunOnDevice(request.device, [&] {
-        if (request.command.empty()) {
+        if (request.command.words.empty()) {
             terminal.HandOver();
         }
         return ExecCommand(request.command, request.program_folder);

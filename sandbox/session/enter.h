@@ -4,18 +4,19 @@
 
 #include <functional>
 #include <string>
-#include <vector>
+
+#include "sandbox/session/exec_command.h"
 
 namespace sandbox {
 
 struct EnterRequest {
     std::string device;  // name; empty: the only running device
-    std::vector<std::string> command;
+    Command command;
     std::string program_folder;
 };
 
-// Runs the command on the device and returns its exit status. An empty command is the user's shell.
-// The command ends with the device, and with this process. Throws Failure.
+// Runs the command on the device and returns its exit status. The command ends with the device, and
+// with this process. Throws Failure.
 int RunEnter(const EnterRequest& request);
 
 // Runs a function in a process on the device and returns its result, an exit status.

@@ -7,10 +7,15 @@
 
 namespace sandbox {
 
-// Replaces this process by the command, as execvp(3) does. An empty command is the user's shell.
-// The stand-ins and `program_folder` come first in the command's search path. If the command cannot
-// be run, prints the reason and returns the exit status.
-int ExecCommand(const std::vector<std::string>& command, const std::string& program_folder);
+struct Command {
+    std::vector<std::string> words;  // empty: a shell
+    bool is_marked = false;          // it was given after "--"
+};
+
+// Replaces this process by the command, as execvp(3) does. The stand-ins and `program_folder` come
+// first in the command's search path. If the command cannot be run, prints the reason and returns
+// the exit status.
+int ExecCommand(const Command& command, const std::string& program_folder);
 
 }  // namespace sandbox
 

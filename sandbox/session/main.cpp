@@ -6,7 +6,6 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,8 +14,10 @@
 #include "sandbox/hardware/hardware_process.h"
 #include "sandbox/process/exit_status.h"
 #include "sandbox/process/messages.h"
+#include "sandbox/session/command_words.h"
 #include "sandbox/session/enter.h"
 #include "sandbox/session/session.h"
+#include "sandbox/session/usage.h"
 #include "sandbox/session/watch.h"
 #include <CLI/CLI.hpp>
 
@@ -24,42 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kDescription[] =
-    "Runs a command or a shell on a simulated device, with its own files and network.\n"
-    "The machine around it stays unchanged.";
-constexpr char kUsage[] =
-    "Usage: velk-sandbox [OPTIONS] [-- COMMAND...]\n"
-    "       velk-sandbox cable|adapter|router in|out [--name NAME]\n"
-    "       velk-sandbox enter [--name NAME] [-- COMMAND...]\n"
-    "       velk-sandbox watch [--name NAME]\n"
-    "       velk-sandbox list\n";
-constexpr char kFooter[] =
-    "Exit status: that of the command, or 128 plus the number of the signal that ended it.\n"
-    "  2    wrong usage\n"
-    "  125  the device could not be made, reached or changed\n"
-    "  126  the command cannot be run\n"
-    "  127  the command is not found";
-
-constexpr char kWhichDevice[] = "Name of the device; required if several are running";
-
-// The parser does not handle the command, so its own usage line would omit it.
-class HelpFormatter : public CLI::Formatter {
-  public:
-    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
-        return kUsage;
-    }
-};
-
-// Removes the words after the first "--" and returns them unchanged: they are the command.
-std::vector<std::string> TakeCommand(std::vector<std::string>& words) {
-    const auto mark = std::ranges::find(words, "--");
-    std::vector<std::string> command;
-    if (mark != words.end()) {
-        command.assign(mark + 1, words.end());
-        words.erase(mark, words.end());
-    }
-    return command;
-}
+constexpr char kWhichDevice[] = "Name of the device; needed if several run";
 
 // Returns the folder next to the program, as in a build folder, or the installed one. If it cannot
 // be read, the error is reported later.
@@ -79,6 +45,14 @@ std::vector<std::string> FoldersInUse(const fs::path& program_folder) {
     return {program_folder, here};
 }
 
+std::string CompletionFolder(const fs::path& program_folder) {
+    const fs::path built = program_folder / "completion";
+    std::error_code unseen;
+    return fs::is_directory(built, unseen)
+               ? built
+               : program_folder / "../share/bash-completion/completions";
+}
+
 // Returns the parser's validator without its description, which would appear in the help.
 CLI::Validator ExistingFolder() {
     CLI::Validator validator = CLI::ExistingDirectory;
@@ -92,8 +66,18 @@ struct Request {
     std::function<int()> verb;  // null: make a new device
 };
 
+// An empty name would mean the first free number, or the only device.
+CLI::Validator NonEmptyName() {
+    return {[](const std::string& name) {
+                return name.empty() ? "the name is empty; leave --name out, or give a name" : "";
+            },
+            ""};
+}
+
 void AddName(CLI::App& app, Request& request, const char* description) {
-    app.add_option("--name", request.session.name, description)->type_name("NAME");
+    app.add_option("--name", request.session.name, description)
+        ->type_name("NAME")
+        ->check(NonEmptyName());
 }
 
 CLI::App* AddVerb(CLI::App& app, Request& request, const std::string& name,
@@ -109,7 +93,7 @@ void AddMove(CLI::App& app, Request& request, const std::string& part,
         sandbox::MoveHardware(part, request.position, request.session.name);
         return EXIT_SUCCESS;
     });
-    move->add_option("POSITION", request.position, "The new position: in or out")
+    move->add_option("POSITION", request.position, "in or out")
         ->required()
         ->check(CLI::IsMember({"in", "out"}));
     AddName(*move, request, kWhichDevice);
@@ -130,9 +114,21 @@ int Watch(const sandbox::Session& session) {
 }
 
 int List() {
+    if (const std::string here = sandbox::ThisDevice(); !here.empty()) {
+        sandbox::PrintMessage("this is device " + here);
+        sandbox::PrintDetail("listed are the devices started on it");
+    }
     for (const std::string& name : sandbox::RunningDevices()) {
         (void)puts(name.c_str());
     }
+    return EXIT_SUCCESS;
+}
+
+int ShowHelp(const CLI::App& app) {
+    // App::help() would show that of the chosen verb.
+    const std::string help =
+        app.get_formatter()->make_help(&app, app.get_name(), CLI::AppFormatMode::Normal);
+    (void)fputs(help.c_str(), stdout);
     return EXIT_SUCCESS;
 }
 
@@ -140,8 +136,7 @@ void AddVerbs(CLI::App& app, Request& request) {
     const sandbox::Session& session = request.session;
     AddMove(app, request, "cable", "Connect or disconnect the cable of eth0");
     AddMove(app, request, "adapter", "Connect or disconnect the wireless adapter eth1");
-    AddMove(app, request, "router",
-            "Connect or disconnect the router; devices made with --real only");
+    AddMove(app, request, "router", "Connect or disconnect the router of --real");
     AddName(*AddVerb(app, request, "enter", "Run a command or a shell on a running device",
                      [&session] { return Enter(session); }),
             request, kWhichDevice);
@@ -149,21 +144,20 @@ void AddVerbs(CLI::App& app, Request& request) {
                      [&session] { return Watch(session); }),
             request, kWhichDevice);
     AddVerb(app, request, "list", "List the names of the running devices", List);
+    AddVerb(app, request, "help", "Show this help", [&app] { return ShowHelp(app); });
 }
 
 void AddOptions(CLI::App& app, Request& request) {
     sandbox::Session& session = request.session;
-    app.formatter(std::make_shared<HelpFormatter>());
-    app.footer(kFooter);
-    auto* real = app.add_flag("--real", session.real,
-                              "Use the system's own tools and simulate a router; root only");
+    auto* real =
+        app.add_flag("--real", session.real, "Use the system's own tools, and a router; root only");
     app.add_flag_callback(
            "--no-router", [&session] { session.router_in = false; },
            "Start with the router disconnected")
         ->needs(real);
     app.add_flag("--quiet", session.quiet, "Print no message at the start");
     app.add_option("--writable", session.device.writable,
-                   "Folder of the machine that stays writable; can be repeated")
+                   "Folder that stays writable; can be repeated")
         ->type_name("DIR")
         ->expected(1)
         ->take_all()
@@ -171,8 +165,7 @@ void AddOptions(CLI::App& app, Request& request) {
     app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
         ->type_name("DIR")
         ->check(ExistingFolder());
-    AddName(app, request, "Name of the device; the first free number if not given");
-    app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION);
+    AddName(app, request, "Name of the device; otherwise the first free number");
 }
 
 int Run(std::vector<std::string> words) {
@@ -180,23 +173,25 @@ int Run(std::vector<std::string> words) {
     Request request;
     sandbox::Session& session = request.session;
     session.program_folder = program_folder;
-    session.command = TakeCommand(words);
     session.device.rootfs = DataFolder(program_folder, "rootfs");
     session.stand_in_folder = DataFolder(program_folder, "stand-ins");
     session.real_rootfs = DataFolder(program_folder, "real-rootfs");
     session.router_folder = DataFolder(program_folder, "router");
+    session.completion_folder = CompletionFolder(program_folder);
     session.device.bind_folders = FoldersInUse(program_folder);
 
-    CLI::App app(kDescription, "velk-sandbox");
+    CLI::App app;
+    sandbox::SetHelp(app);
     AddOptions(app, request);
     AddVerbs(app, request);
+    session.command = sandbox::TakeCommand(app, words);
     std::ranges::reverse(words);  // as the parser takes them
     try {
         app.parse(words);
     } catch (const CLI::Success& answer) {
         return app.exit(answer);
     } catch (const CLI::ParseError& error) {
-        sandbox::PrintMessage(error.what());
+        sandbox::PrintUsageError(app, error);
         return sandbox::kUsageError;
     }
     return request.verb ? request.verb() : sandbox::RunSession(session);
@@ -205,7 +200,7 @@ int Run(std::vector<std::string> words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    (void)setlocale(LC_CTYPE, "");  // for Printable()
+    (void)setlocale(LC_CTYPE, "");  // for TerminalLine()
     try {
         return Run({argv + 1, argv + argc});
     } catch (const std::exception& error) {

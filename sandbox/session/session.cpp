@@ -5,10 +5,13 @@
 // child are the hardware process and the command.
 #include "sandbox/session/session.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <filesystem>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,35 +24,30 @@
 #include "sandbox/process/bound_child.h"
 #include "sandbox/process/exit_status.h"
 #include "sandbox/process/messages.h"
-#include "sandbox/session/exec_command.h"
+#include "sandbox/process/run_paths.h"
 #include "sandbox/session/real_tools.h"
+#include "sandbox/session/shell.h"
 #include "sandbox/session/stand_ins.h"
 #include "sandbox/session/terminal.h"
 
 namespace sandbox {
 namespace {
 
-std::string Listed(const std::vector<std::string>& names) {
-    std::string list;
-    for (const std::string& name : names) {
-        list.append(list.empty() ? "" : ", ").append(name);
+// A command gets no greeting: its user does not type on the device.
+void PrintGreeting(const Session& session) {
+    if (session.command.words.empty()) {
+        PrintMessage("simulated device " + session.name + "; \"exit\" ends it");
+        PrintDetail("try: velkctl list, velkctl doctor, velk-sandbox cable out");
     }
-    return list;
 }
 
-void PrintGreeting(const Session& session, const std::vector<std::string>& stand_ins) {
-    const std::string writable = Listed(session.device.writable);
-    const std::string exception = writable.empty() ? "" : ", except " + writable;
-    PrintMessage("simulated device " + session.name + "; leave it with \"exit\"");
-    if (session.real) {
-        PrintDetail("private:   settings, network, processes, changes to all files" + exception);
-    } else {
-        PrintDetail("private:   settings, network, processes, /tmp, /var/tmp, /dev/shm, /run");
-        PrintDetail("read-only: the rest of the machine" + exception);
-    }
-    if (!stand_ins.empty()) {
-        PrintDetail("stand-ins: " + Listed(stand_ins));
-    }
+std::vector<SampleFile> FilesOf(const Session& session) {
+    const bool has_agent =
+        session.real || std::filesystem::exists(session.device.rootfs + velk::kSnmpScript);
+    std::vector<SampleFile> files = ChooseStandIns(session.stand_in_folder, has_agent);
+    std::ranges::move(ShellFiles(session.completion_folder), std::back_inserter(files));
+    files.push_back(MakeSample(kNameFile, session.name));
+    return files;
 }
 
 // Waits for the command. Reaps orphans of the device, which the kernel passes to its first process.
@@ -78,10 +76,7 @@ HardwareOptions HardwareOf(const Session& session) {
 }
 
 int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control_socket) {
-    const bool has_agent =
-        session.real || std::filesystem::exists(session.device.rootfs + velk::kSnmpScript);
-    const StandIns stand_ins = ChooseStandIns(session.stand_in_folder, has_agent);
-    session.device.files = stand_ins.files;
+    session.device.files = FilesOf(session);
     if (session.real) {
         AddRealToolFiles(session.real_rootfs, session.device);
     }
@@ -91,7 +86,7 @@ int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control
         RunBootScript();
     }
     if (!session.quiet) {
-        PrintGreeting(session, stand_ins.names);
+        PrintGreeting(session);
         if (!problem.empty()) {
             PrintMessage(problem);
         }
@@ -102,7 +97,7 @@ int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control
     }
     if (command == 0) {
         // Only a shell gets the terminal. A command may be part of a pipeline that shares it.
-        if (session.command.empty()) {
+        if (session.command.words.empty()) {
             terminal.HandOver();
         }
         _exit(ExecCommand(session.command, session.program_folder));

@@ -3,18 +3,19 @@
 #define SANDBOX_SESSION_SESSION_H_
 
 #include <string>
-#include <vector>
 
 #include "sandbox/device/device.h"
+#include "sandbox/session/exec_command.h"
 
 namespace sandbox {
 
 struct Session {
     DeviceOptions device;
-    std::vector<std::string> command;  // empty: the user's shell
-    std::string program_folder;        // holds velkctl
-    std::string stand_in_folder;       // scripts that replace tools which do not work on a device
-    std::string name;                  // the name of the device; if empty, the first free number
+    Command command;
+    std::string program_folder;     // holds velkctl
+    std::string stand_in_folder;    // scripts that replace tools which do not work on a device
+    std::string completion_folder;  // completions for bash
+    std::string name;               // the name of the device; if empty, the first free number
     bool quiet = false;
     bool real = false;          // use the system's own tools and simulate a router
     std::string real_rootfs;    // more files of such a device

@@ -34,47 +34,42 @@ bool EthtoolWorks() {
     return PortsKeepSpeed() && access((fs::path(kToolFolder) / "ethtool").c_str(), X_OK) == 0;
 }
 
-void AddAs(const fs::path& path, const fs::path& script, StandIns& stand_ins) {
+SampleFile ScriptAt(const fs::path& path, const fs::path& script) {
     SampleFile file;
     file.path = path;
     file.mode = kProgramMode;
     file.text = ReadText(script);
-    stand_ins.names.push_back(script.filename());
-    stand_ins.files.push_back(file);
+    return file;
 }
 
-void Add(const fs::path& script, StandIns& stand_ins) {
-    AddAs(fs::path(kStandInFolder) / script.filename(), script, stand_ins);
-}
-
-void AddTool(const fs::path& script, StandIns& stand_ins) {
-    Add(script, stand_ins);
+void AddTool(const fs::path& script, std::vector<SampleFile>& files) {
     SampleFile link;
     link.path = fs::path(kToolFolder) / script.filename();
     link.is_link = true;
-    link.text = stand_ins.files.back().path;
-    stand_ins.files.push_back(link);
+    link.text = fs::path(kStandInFolder) / script.filename();
+    files.push_back(ScriptAt(link.text, script));
+    files.push_back(link);
 }
 
 }  // namespace
 
-StandIns ChooseStandIns(const std::string& folder, bool has_agent) {
+std::vector<SampleFile> ChooseStandIns(const std::string& folder, bool has_agent) {
     const fs::path scripts = folder;
-    StandIns stand_ins;
+    std::vector<SampleFile> files;
     if (!SudoWorks()) {
-        AddTool(scripts / "sudo", stand_ins);
+        AddTool(scripts / "sudo", files);
     }
     if (!EthtoolWorks()) {
-        AddTool(scripts / "ethtool", stand_ins);
+        AddTool(scripts / "ethtool", files);
     }
     if (!FindProgram("busybox").empty()) {
-        AddTool(scripts / "ifconfig", stand_ins);
-        AddTool(scripts / "route", stand_ins);
+        AddTool(scripts / "ifconfig", files);
+        AddTool(scripts / "route", files);
     }
     if (!has_agent) {
-        AddAs(velk::kSnmpScript, scripts / "snmpd", stand_ins);
+        files.push_back(ScriptAt(velk::kSnmpScript, scripts / "snmpd"));
     }
-    return stand_ins;
+    return files;
 }
 
 }  // namespace sandbox

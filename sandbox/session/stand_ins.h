@@ -9,15 +9,10 @@
 
 namespace sandbox {
 
-struct StandIns {
-    std::vector<std::string> names;
-    std::vector<SampleFile> files;
-};
-
 // Chooses the stand-ins that this user needs on this machine and reads them from `folder`.
 // `has_agent` is true if the device has a script for the SNMP agent. Call it before any mount.
 // Throws Failure.
-StandIns ChooseStandIns(const std::string& folder, bool has_agent);
+std::vector<SampleFile> ChooseStandIns(const std::string& folder, bool has_agent);
 
 }  // namespace sandbox
 

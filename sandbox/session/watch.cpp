@@ -26,8 +26,8 @@
 #include "lib/base/unique_fd.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/messages.h"
-#include "sandbox/process/printable.h"
 #include "sandbox/process/programs.h"
+#include "sandbox/process/terminal_line.h"
 
 namespace sandbox {
 namespace {
@@ -95,7 +95,7 @@ velk::UniqueFd MemoryFile(const std::string& text) {
 void PrintLines(const std::string& text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        (void)puts(Printable(line).c_str());
+        (void)puts(TerminalLine(line).c_str());
     }
     (void)fflush(stdout);
 }
@@ -104,7 +104,7 @@ void ShowDifference(const fs::path& path, const std::string& before, const std::
     const velk::UniqueFd old_file = MemoryFile(before);
     const velk::UniqueFd new_file = MemoryFile(after);
     const velk::UniqueFd difference = MemoryFile("");
-    const std::string name = Printable(path.native());
+    const std::string name = TerminalLine(path.native());
     const int result = RunProgram({FindProgram("diff"), "-a", "-u", "--label", name, "--label",
                                    name + "\t" + TimeOfDay(), PathOf(old_file), PathOf(new_file)},
                                   difference.get());

@@ -17,8 +17,9 @@ constexpr int kFailed = 1;
 constexpr int kUsageError = 2;
 
 constexpr char kDescription[] =
-    "Simulates the device's wireless daemon: stores a configuration, and replies to queries for\n"
-    "the configuration and the adapter's state. It can also send faulty replies.";
+    "Simulates the device's wireless daemon: stores a configuration, and replies to\n"
+    "queries for the configuration and the adapter's state. It can also send faulty\n"
+    "replies.";
 constexpr char kFooter[] =
     "Reply modes:\n"
     "  normal   a correct reply\n"
@@ -28,7 +29,7 @@ constexpr char kFooter[] =
     "  late     a correct reply after the delay\n"
     "  garbage  240 bytes 0xa5\n"
     "Ends with SIGTERM or SIGINT.\n"
-    "Exit status: 0 after such a signal, 1 if the daemon cannot run, 2 for wrong usage.";
+    "Exit status: 0 after such a signal, 1 if it cannot run, 2 for wrong usage.";
 
 struct Options {
     std::string reply = "normal";
@@ -58,7 +59,8 @@ std::string CheckDelay(const std::string& text) {
 }
 
 void AddOptions(CLI::App& app, Options& options) {
-    const CLI::IsMember is_mode(wland::ReplyModeNames());
+    CLI::IsMember is_mode(wland::ReplyModeNames());
+    is_mode.description("");  // the footer lists the modes
     app.footer(kFooter);
     CLI::Option* reply = app.add_option("--reply", options.reply, "Reply mode; normal if not given")
                              ->type_name("MODE")
@@ -69,9 +71,8 @@ void AddOptions(CLI::App& app, Options& options) {
     CLI::Option* pid_file =
         app.add_option("--pid-file", options.pid_file, "File to write the process ID to")
             ->type_name("FILE");
-    CLI::Option* background =
-        app.add_flag("--background", options.background,
-                     "Run in the background; return once requests are accepted");
+    CLI::Option* background = app.add_flag("--background", options.background,
+                                           "Run in the background; return when ready");
     CLI::Option* verbose = app.add_flag("--verbose", options.verbose, "Log every request");
     app.add_option("--tell", options.tell, "Change the reply mode of the running daemon")
         ->type_name("MODE")

@@ -23,7 +23,8 @@ check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.
     wired.h wlan.h)" "$(files_of development)"
 check 'files of the tools' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
     velkctl.schema.json)" "$(files_of tools)"
-check 'files of the sandbox' "$(printf '%s\n' velk-sandbox velk-sandbox.1 wland)" "$(files_of sandbox)"
+check 'files of the sandbox' "$(printf '%s\n' _velk-sandbox velk-sandbox velk-sandbox \
+    velk-sandbox.1 wland)" "$(files_of sandbox)"
 mkdir -p "$root/Unspecified"
 check 'files of no component' '' "$(files_of Unspecified)"
 finish

@@ -131,10 +131,12 @@ again_as_ordinary_user() { # again_as_ordinary_user FILE
     [ "$(id -u)" = 0 ] && command -v setpriv >/dev/null || return 0
     lib_copy=$lib_folder/copy
     mkdir -p "$lib_copy/tests/device"
-    for lib_file in velk-sandbox velkctl wland libvelk.so.1 libvelk.so rootfs stand-ins; do
+    for lib_file in velk-sandbox velkctl wland libvelk.so.1 libvelk.so rootfs stand-ins \
+        completion; do
         cp -RP "$VELK_BUILD/$lib_file" "$lib_copy" || exit
     done
-    cp "$VELK_SOURCE/tests/device/lib.sh" "$1" "$lib_copy/tests/device"
+    cp "$VELK_SOURCE"/tests/device/*.sh "$1" "$lib_copy/tests/device"
+    cp -R "$VELK_SOURCE/packaging" "$lib_copy"
     chmod -R a+rX "$lib_folder"
     cd "$lib_copy" || exit
     it 'works for an ordinary user'

@@ -32,8 +32,8 @@ void CheckNothingIsHeld(const Fault& fault, const Reference& reference, const Ou
     EXPECT_EQ(outcome.allocations_held, 0);
     EXPECT_EQ(outcome.semaphores_mapped, 0);
     EXPECT_THAT(outcome.descriptors_left, testing::IsEmpty());
-    for (const std::string& path : outcome.leftovers) {
-        const bool is_usual = std::ranges::count(reference.outcome.leftovers, path) != 0;
+    for (const std::string& path : outcome.remaining_files) {
+        const bool is_usual = std::ranges::count(reference.outcome.remaining_files, path) != 0;
         EXPECT_TRUE(is_usual || MayBeLeft(path, fault, reference)) << path << " remains";
         const bool is_unread =
             fault.kind.call == testkit::Call::kOpen || fault.kind.call == testkit::Call::kRead;
@@ -49,7 +49,7 @@ void CheckTheNextCallWorks(const Outcome& expected, const Outcome& next) {
     EXPECT_EQ(testkit::Data(next.response), testkit::Data(expected.response));
     EXPECT_TRUE(next.files == expected.files) << "the next call makes other files";
     EXPECT_TRUE(next.wireless == expected.wireless) << "the next call stores something else";
-    EXPECT_EQ(next.leftovers, expected.leftovers);
+    EXPECT_EQ(next.remaining_files, expected.remaining_files);
     EXPECT_EQ(next.allocations_held, 0);
     EXPECT_EQ(next.semaphores_mapped, 0);
     EXPECT_TRUE(next.is_lock_free);

@@ -6,6 +6,7 @@
 
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/mounted.h"
 #include "support/paths.h"
 

@@ -12,6 +12,7 @@
 #include <sys/syscall.h>
 
 #include "fault/kit/host.h"
+#include "support/edit_copy.h"
 #include "support/paths.h"
 
 namespace fault {
@@ -71,7 +72,7 @@ TEST_F(HostTest, ASetWithoutAFreeProcessChangesNothingAndReturnsSuccess) {
         return Refuse(kStartsOfProcesses, EAGAIN) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::ElementsAre(kInterfacesCopy));
+    EXPECT_THAT(RemainingFiles(), testing::ElementsAre(kInterfacesCopy));
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 
@@ -82,7 +83,7 @@ TEST_F(HostTest, ASetWithoutAShellChangesNothingAndReturnsSuccess) {
         return Refuse({SYS_execve}, ENOENT) && RequestAddress(VELK_SET, "10.1.2.3", own) == 0;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::ElementsAre(kInterfacesCopy));
+    EXPECT_THAT(RemainingFiles(), testing::ElementsAre(kInterfacesCopy));
     EXPECT_TRUE(AddressCanBeSet("10.1.2.3"));
 }
 

@@ -113,7 +113,7 @@ TEST_F(HostTest, ARequestWithoutAFreeDescriptorFails) {
                RequestAddress(VELK_GET, "", own) == -1;
     }));
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_TRUE(Leftovers().empty());
+    EXPECT_TRUE(RemainingFiles().empty());
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "fault/kit/concurrency.h"
 #include "fault/kit/scene.h"
+#include "support/edit_copy.h"
 #include "support/paths.h"
 
 namespace fault {

@@ -150,7 +150,7 @@ class PowerCut : public testkit::DeviceTest {
         } else {
             ++cuts.between;  // or short: subtracted below
         }
-        const std::vector<std::string> left = Leftovers();
+        const std::vector<std::string> left = RemainingFiles();
         cuts.copy_left += std::ranges::any_of(
             left, [](const std::string& path) { return path.starts_with("/var/tmp/"); });
     }

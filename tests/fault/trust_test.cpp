@@ -14,6 +14,7 @@
 #include "fault/kit/requests.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/paths.h"
 
 namespace fault {
@@ -225,7 +226,7 @@ TEST_F(TrustTest, NoSecretIsWrittenToAFile) {
     const Files before = ReadTargets();
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_PSK, "eth1", "zq7Xsecret9vW"), 0);
     EXPECT_TRUE(ReadTargets() == before);
-    EXPECT_THAT(Leftovers(), testing::IsEmpty());
+    EXPECT_THAT(RemainingFiles(), testing::IsEmpty());
 }
 
 // ---- planted links

@@ -1,4 +1,4 @@
-// edit_copy.h - the copy in which the library edits a file.
+// edit_copy.h - the copies in which the library edits files.
 #ifndef TESTS_SUPPORT_EDIT_COPY_H_
 #define TESTS_SUPPORT_EDIT_COPY_H_
 
@@ -7,6 +7,13 @@
 #include "support/paths.h"
 
 namespace testkit {
+
+inline constexpr char kInterfacesCopy[] = "/var/tmp/interfaces";
+inline constexpr char kDhcpConfigCopy[] = "/var/tmp/dhclient.conf";
+inline constexpr char kExitHooksCopy[] = "/var/tmp/dhclient-exit-hooks";
+inline constexpr char kClientScriptCopy[] = "/var/tmp/dhclient-script";
+inline constexpr char kIdentityCopy[] = "/var/tmp/libvelk";
+inline constexpr char kCrontabCopy[] = "/var/tmp/root";
 
 inline std::string CopyOf(const std::string& path) {
     return kEditFolder + path.substr(path.rfind('/'));

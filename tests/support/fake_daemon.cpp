@@ -144,10 +144,10 @@ void FakeDaemon::Serve() {
     }
 }
 
-// Takes the next request, when one comes within so many milliseconds.
-bool FakeDaemon::ServeOne(int patience) {
+// Takes the next request; returns false if none comes in time.
+bool FakeDaemon::ServeOne(int timeout_ms) {
     pollfd waiting{socket_, POLLIN, 0};
-    if (poll(&waiting, 1, patience) != 1) {
+    if (poll(&waiting, 1, timeout_ms) != 1) {
         return false;
     }
     std::unique_lock work(work_or_fork);

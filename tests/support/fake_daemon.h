@@ -47,7 +47,7 @@ class FakeDaemon {
 
   private:
     void Serve();
-    bool ServeOne(int patience);
+    bool ServeOne(int timeout_ms);
     // Releases `work` while it waits for the library.
     void Handle(const std::string& datagram, std::unique_lock<std::mutex>& work);
     void Reply(const std::string& bytes);

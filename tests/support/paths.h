@@ -15,6 +15,7 @@ inline constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
 inline constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
 inline constexpr char kCrontab[] = "/var/cron/tabs/root";
 inline constexpr char kNtpLog[] = "/var/libvelk/ntp.log";
+inline constexpr char kLibraryFolder[] = "/var/libvelk";
 
 // Programs that the DHCP client's exit hooks start.
 inline constexpr char kLinkLocalDaemon[] = "/usr/sbin/avahi-autoipd";
@@ -24,6 +25,13 @@ inline constexpr char kStartNotice[] = "/sbin/printdhcpstart.pl";
 
 // The init script of the SNMP agent.
 inline constexpr char kSnmpScript[] = "/etc/init.d/snmpd";
+
+// The tool that shows whether the cable is in, and the script that cron runs for the web update.
+inline constexpr char kEthtool[] = "/usr/sbin/ethtool";
+inline constexpr char kWebUpdater[] = "/usr/bin/web_contents_updater.pl";
+
+// The former address of the wired port, which a set to DHCP removes.
+inline constexpr char kOldAddressFile[] = "/tmp/oldIPAddress";
 
 // Hardware and network state.
 inline constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
@@ -42,13 +50,6 @@ inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphoreName[] = "/WlanAplRecvSem";
 inline constexpr char kSemaphoreFolder[] = "/dev/shm";
 inline constexpr char kSemaphoreFile[] = "/dev/shm/sem.WlanAplRecvSem";
-
-// The wired port's former address, which a set to DHCP removes. The library names it in a shell
-// line only.
-inline constexpr char kOldAddressFile[] = "/tmp/oldIPAddress";
-
-// The edit copy of the interfaces file.
-inline constexpr char kInterfacesCopy[] = "/var/tmp/interfaces";
 
 }  // namespace testkit
 

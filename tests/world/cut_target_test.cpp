@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"

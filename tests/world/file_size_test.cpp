@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/paths.h"
 #include "world/calls.h"
 #include "world/child.h"

@@ -100,7 +100,7 @@ heard_nothing
 ran_nothing
 
 it 'gives a new device another number, and says who has taken a name'
-run velk-sandbox -- true
+run velk-sandbox # a shell without input
 status_is 0
 error_has 'simulated device 2;'
 run velk-sandbox --name 1 -- true

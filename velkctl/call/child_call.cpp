@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "velkctl/call/library_call.h"
+#include "velkctl/call/tool_output.h"
 
 namespace velkctl {
 namespace {
@@ -28,10 +29,14 @@ struct Message {
 };
 static_assert(sizeof(Message) <= PIPE_BUF);
 
-// velkctl waits 100 times 10 ms for tools.
-constexpr int kToolTries = 100;
-constexpr timespec kToolPause{0, 10 * 1000 * 1000};
-constexpr size_t kMostOutput = 8192;
+using Milliseconds = std::chrono::milliseconds;
+
+// The pause between two looks at the tools that are to end.
+constexpr Milliseconds kToolPause{10};
+// A tool that is asked to end has this time.
+constexpr Milliseconds kEndTime{1000};
+constexpr int kNoSignal = 0;
+constexpr size_t kMostOutput = 64 * 1024;
 
 // A file in memory: unlike a pipe, it does not stop a tool that continues in the background.
 velk::UniqueFd MakeOutputFile() {
@@ -41,6 +46,7 @@ velk::UniqueFd MakeOutputFile() {
 [[noreturn]] void Serve(const Command& command, const Data& data, const sigset_t& mask,
                         pid_t parent, int answer_fd, int output_fd) {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+    (void)prctl(PR_SET_CHILD_SUBREAPER, 1);
     if (getppid() != parent) {
         _exit(1);  // velkctl has ended already
     }
@@ -50,23 +56,28 @@ velk::UniqueFd MakeOutputFile() {
     (void)sigprocmask(SIG_SETMASK, &mask, nullptr);
     const Answer answer = CallLibrary(command, data);
     const Message message{answer.result, answer.data};
-    const bool is_sent = write(answer_fd, &message, sizeof(message)) == sizeof(message);
-    _exit(is_sent ? 0 : 1);  // without flushing: the buffers hold output of velkctl
+    if (write(answer_fd, &message, sizeof(message)) != sizeof(message)) {
+        _exit(1);  // without flushing: the buffers hold output of velkctl
+    }
+    for (;;) {
+        (void)pause();  // until velkctl ends this process
+    }
 }
 
-// Waits until all programs of the killed process have ended. Returns false after a second.
-bool WaitForTools() {
-    for (int i = 0; i < kToolTries; ++i) {
-        pid_t ended = 0;
-        do {
-            ended = waitpid(-1, nullptr, WNOHANG);
-        } while (ended > 0);
-        if (ended == -1) {
-            return true;
+void Pause(Milliseconds time) {
+    const timespec pause{0, static_cast<long>(std::chrono::nanoseconds(time).count())};
+    (void)nanosleep(&pause, nullptr);
+}
+
+std::vector<RunningTool> Named(const std::vector<Process>& processes) {
+    std::vector<RunningTool> tools;
+    for (const Process& process : processes) {
+        // A process without a command line has ended since.
+        if (const std::string command = CommandOf(process.id); !command.empty()) {
+            tools.push_back({process.id, command});
         }
-        (void)nanosleep(&kToolPause, nullptr);
     }
-    return false;
+    return tools;
 }
 
 }  // namespace
@@ -93,7 +104,7 @@ ChildCall::ChildCall(const Command& command, const Data& data, const StopSignals
 
 ChildCall::~ChildCall() {
     if (process_ != -1) {
-        (void)Stop();
+        End();
     }
 }
 
@@ -103,8 +114,8 @@ std::optional<Answer> ChildCall::TakeAnswer() {
     do {
         got = read(answer_.get(), &message, sizeof(message));
     } while (got == -1 && errno == EINTR);
-    Reap();
     if (got != sizeof(message)) {
+        Reap();
         return std::nullopt;
     }
     return Answer{.result = message.result, .data = message.data};
@@ -113,23 +124,49 @@ std::optional<Answer> ChildCall::TakeAnswer() {
 std::vector<std::string> ChildCall::tool_output() const {
     std::string text(kMostOutput, '\0');
     const ssize_t got = pread(output_.get(), text.data(), text.size(), 0);
-    std::string_view rest(text.data(), got > 0 ? static_cast<size_t>(got) : 0);
-    std::vector<std::string> lines;
-    while (!rest.empty()) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        if (!line.empty() && std::ranges::find(lines, line) == lines.end()) {
-            lines.emplace_back(line);
-        }
-        rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-    }
-    return lines;
+    text.resize(got > 0 ? static_cast<size_t>(got) : 0);
+    return OutputLines(text);
 }
 
-bool ChildCall::Stop() {
-    (void)prctl(PR_SET_CHILD_SUBREAPER, 1);  // so that its tools can be waited for
+std::vector<RunningTool> ChildCall::Tools() const {
+    std::vector<Process> processes = Descendants();
+    std::erase_if(processes, [&](const Process& process) { return process.session != process_; });
+    return Named(processes);
+}
+
+// A stopped process starts no further tool, and remains the parent of those that daemons leave.
+std::vector<RunningTool> ChildCall::Stop(Milliseconds grace) {
+    (void)kill(process_, SIGSTOP);
+    if (!TryToEnd(kNoSignal, grace) && !TryToEnd(SIGTERM, kEndTime)) {
+        (void)TryToEnd(SIGKILL, kEndTime);
+    }
+    std::vector<RunningTool> left = Named(Descendants());
+    End();
+    return left;
+}
+
+std::vector<Process> ChildCall::Descendants() const {
+    return DescendantsOf(process_, ListProcesses());
+}
+
+// Sends the signal to all tools, again to those that were started meanwhile. Returns true as soon
+// as no tool is left.
+bool ChildCall::TryToEnd(int signal, Milliseconds longest) const {
+    for (Milliseconds left = longest;; left -= kToolPause) {
+        const std::vector<Process> tools = Descendants();
+        if (tools.empty() || left <= Milliseconds::zero()) {
+            return tools.empty();
+        }
+        for (const Process& tool : tools) {
+            (void)kill(tool.id, signal);
+        }
+        Pause(kToolPause);
+    }
+}
+
+void ChildCall::End() {
     (void)kill(process_, SIGKILL);
     Reap();
-    return WaitForTools();
 }
 
 void ChildCall::Reap() {

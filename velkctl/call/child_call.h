@@ -2,6 +2,7 @@
 #ifndef VELKCTL_CALL_CHILD_CALL_H_
 #define VELKCTL_CALL_CHILD_CALL_H_
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,12 +12,22 @@
 #include "lib/base/unique_fd.h"
 #include "velkctl/call/command.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/files/process_list.h"
 
 namespace velkctl {
+
+// A process that was started for the command.
+struct RunningTool {
+    pid_t process;
+    std::string command;  // "ifup eth0"
+};
 
 // The process has a session of its own: Ctrl-C at the terminal must not reach its tools, which may
 // be writing a file of the device. The output of the tools is kept apart from velkctl's own. The
 // process ends with velkctl.
+//
+// The process stays after its answer, as the parent of every tool that the command started in the
+// background, also of a daemon with a session of its own. So the tools can be found and ended.
 class ChildCall {
   public:
     // Starts the command. Its process does not block the signals that velkctl holds back.
@@ -30,19 +41,25 @@ class ChildCall {
 
     // Readable as soon as an answer has come.
     int fd() const { return answer_.get(); }
-    // Waits for the end of the process. Returns nothing if it ended without an answer.
+    // Waits for the answer. Returns nothing if the process ended without one.
     std::optional<Answer> TakeAnswer();
-    // The signal that ended the process; 0 if it ended by itself.
+    // The signal that ended the process before its answer; 0 if none did.
     int end_signal() const { return end_signal_; }
-    // The output of the tools so far, without repeated lines and cut after 8 KiB.
+    // The lines that the tools printed so far, in their order. Of more than 64 KiB, the first.
     std::vector<std::string> tool_output() const;
 
-    // Kills the process and lets its tools end by themselves. Returns false if a tool still runs
-    // after a second.
-    bool Stop();
+    // The tools at work, without daemons.
+    std::vector<RunningTool> Tools() const;
+
+    // Ends the process and all that was started for the command. The tools have `grace` to end by
+    // themselves. Returns those that cannot be ended, such as tools of another user.
+    std::vector<RunningTool> Stop(std::chrono::milliseconds grace);
 
   private:
+    void End();
     void Reap();
+    std::vector<Process> Descendants() const;
+    bool TryToEnd(int signal, std::chrono::milliseconds longest) const;
 
     velk::UniqueFd answer_;
     velk::UniqueFd output_;

@@ -4,8 +4,14 @@
 #include <utility>
 
 #include "velkctl/report/result_codes.h"
+#include "velkctl/text/escaping.h"
 
 namespace velkctl {
+namespace {
+
+constexpr std::string_view kTimedOutRemedy = "run it again with a longer --timeout";
+
+}  // namespace
 
 ExitStatus StatusOf(const Answer& answer) {
     return answer.timed_out ? ExitStatus::kTimedOut : FindResultCode(answer.result).status;
@@ -26,12 +32,13 @@ Problem ProblemOf(std::string message, std::string setting, const Answer& answer
     if (answer.known_result() != LIB_VELK_FAILURE) {
         problem.detail = FailureReason(answer);
     }
+    if (!answer.awaited.empty()) {
+        problem.detail.append("; waited for ").append(Printable(answer.awaited));
+    }
     if (!answer.remark.empty()) {
         problem.detail.append(problem.detail.empty() ? "" : "; ").append(answer.remark);
     }
-    if (!answer.timed_out) {
-        problem.remedy = FindResultCode(answer.result).remedy;
-    }
+    problem.remedy = answer.timed_out ? kTimedOutRemedy : FindResultCode(answer.result).remedy;
     return problem;
 }
 

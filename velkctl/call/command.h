@@ -26,6 +26,7 @@ struct Answer {
     Data data{};
     bool timed_out = false;                  // no answer came in time; `result` has no meaning
     int timeout_seconds = 0;                 // the limit, if timed out; 0: unknown
+    std::string awaited{};                   // "ifup eth0", if timed out; empty: unknown
     std::string remark{};                    // more about a failure
     std::vector<std::string> tool_output{};  // the output of the tools that the library ran
 

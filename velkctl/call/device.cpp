@@ -10,7 +10,6 @@
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/call/unfinished_edits.h"
-#include "velkctl/call/watched_call.h"
 #include "velkctl/files/lock_holder.h"
 
 namespace velkctl {
@@ -122,7 +121,16 @@ Answer Device::Set(const Setting& setting, const Data& value) const {
 }
 
 Answer Device::Execute(const Command& command, const Data& data, const std::string& subject) const {
-    const PendingCall call{command, data, subject, DeadlineOf(limits_), report_};
+    return Run({command, data, subject, DeadlineOf(limits_), report_});
+}
+
+Answer Device::Restart(const std::string& interface, const Data& data) const {
+    const Command command{VELK_RESTART, VELK_CMD_RESTART, interface};
+    const std::string subject = "restart of " + interface;
+    return Run({command, data, subject, DeadlineOf(limits_), report_, true});
+}
+
+Answer Device::Run(const PendingCall& call) const {
     Answer answer = ExecuteOnce(call);
     const int wait = SecondsForLock(limits_);
     if (IsLocked(answer) && wait > 0) {

@@ -6,6 +6,7 @@
 
 #include "velkctl/call/command.h"
 #include "velkctl/call/time_limits.h"
+#include "velkctl/call/watched_call.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/data_bytes.h"
@@ -28,7 +29,13 @@ class Device {
     // Runs the command with these data bytes. `subject` is its name in messages: "restart of eth0".
     Answer Execute(const Command& command, const Data& data, const std::string& subject) const;
 
+    // Restarts the interface. The restart includes the tools that the library leaves at work in the
+    // background: it takes until they end.
+    Answer Restart(const std::string& interface, const Data& data) const;
+
   private:
+    Answer Run(const PendingCall& call) const;
+
     const TimeLimits limits_;
     Report& report_;
 };

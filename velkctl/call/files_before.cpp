@@ -46,6 +46,16 @@ FilesBefore::FilesBefore(const Setting& setting) {
     }
 }
 
+FilesBefore::FilesBefore(const Setting& setting, const Device& device) : FilesBefore(setting) {
+    if (!setting.can_get() || setting.row->held_in.holder != Holder::kFile) {
+        return;
+    }
+    const Answer answer = device.Get(setting);
+    if (answer.ok()) {
+        value_ = setting.row->kind->Print(answer.data);
+    }
+}
+
 std::string FilesBefore::Losses() const {
     std::string losses;
     for (const auto& [file, text] : files_) {

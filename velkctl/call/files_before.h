@@ -2,9 +2,11 @@
 #ifndef VELKCTL_CALL_FILES_BEFORE_H_
 #define VELKCTL_CALL_FILES_BEFORE_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "velkctl/call/device.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
@@ -17,6 +19,11 @@ namespace velkctl {
 class FilesBefore {
   public:
     explicit FilesBefore(const Setting& setting);
+    // Also reads the value of a setting that is held in a file.
+    FilesBefore(const Setting& setting, const Device& device);
+
+    // The value before the set, for people; nothing if it was not read.
+    const std::optional<std::string>& value() const { return value_; }
 
     // "/etc/network/interfaces is empty since this set, and ..." for each file that lost its text;
     // empty if none did.
@@ -28,6 +35,7 @@ class FilesBefore {
         TextFile text;
     };
     std::vector<FileBefore> files_;
+    std::optional<std::string> value_;
 };
 
 }  // namespace velkctl

@@ -1,8 +1,8 @@
 // longest_wait.cpp - the longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
-#include "velkctl/text/find_row.h"
 
 namespace velkctl {
 namespace {
@@ -12,14 +12,11 @@ namespace {
 constexpr int kLinkSeconds = 60 + 3 * 15;
 // The library waits for one answer of the wireless daemon for this time.
 constexpr int kDaemonSeconds = 60;
-// The sleeps of a wired restart with an adapter attached and the cable in, and of a wireless one.
-constexpr int kWiredRestartSeconds = 66;
-constexpr int kWirelessRestartSeconds = 1;
 
 constexpr std::string_view kLink = "ethtool to report the link state";
 constexpr std::string_view kDaemon = "the wireless daemon to answer";
 constexpr std::string_view kLinkAndDaemon =
-    "ethtool to report the link state, then for the wireless daemon to answer";
+    "ethtool to report the link state, then the wireless daemon to answer";
 constexpr std::string_view kRestart = "the interface to come up";
 constexpr std::string_view kLinkMode = "ethtool to finish";
 constexpr std::string_view kSnmp = "the SNMP daemon to restart";
@@ -55,12 +52,11 @@ LongestWait OfSetting(const CatalogueRow& row, const Command& command) {
 }  // namespace
 
 LongestWait LongestWaitOf(const Command& command) {
+    // A DHCP client takes as long as its configuration says.
     if (command.type == VELK_RESTART) {
-        const bool is_wireless = command.interface == VELK_WIRELESS_INTERFACE;
-        return {kLinkSeconds + (is_wireless ? kWirelessRestartSeconds : kWiredRestartSeconds),
-                kRestart};
+        return {0, kRestart};
     }
-    const CatalogueRow* row = FindRow(Catalogue(), command.id, &CatalogueRow::id);
+    const CatalogueRow* row = velk::FindRow(Catalogue(), command.id, &CatalogueRow::id);
     return row == nullptr ? LongestWait{} : OfSetting(*row, command);
 }
 

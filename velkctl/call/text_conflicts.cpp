@@ -33,14 +33,14 @@ std::string PlaceInCrontab(size_t index) {
 Conflict PresentServerConflict(const std::string& line, size_t index) {
     std::string server;
     (void)GetNtpdate(line, server);
-    return Conflict{"the present server " + Quoted(Trimmed(server)) + " also occurs earlier in " +
-                        PlaceInCrontab(index),
+    return Conflict{"the present server " + QuotedWhole(Trimmed(server)) +
+                        " also occurs earlier in " + PlaceInCrontab(index),
                     "this set would replace it there, in the command that cron runs",
                     "write another server into that line with an editor, or give --force"};
 }
 
 Conflict NewServerConflict(const std::string& server, size_t index) {
-    return Conflict{Quoted(server) + " also occurs earlier in " + PlaceInCrontab(index),
+    return Conflict{QuotedWhole(server) + " also occurs earlier in " + PlaceInCrontab(index),
                     "the next set would replace it there, in the command that cron runs",
                     "give the server's address or another name, or --force"};
 }

@@ -16,6 +16,8 @@
 #include "velkctl/call/cleanup.h"
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/call/tool_output.h"
+#include "velkctl/files/text_file.h"
 #include "velkctl/report/output.h"
 #include "velkctl/report/progress.h"
 #include "velkctl/text/escaping.h"
@@ -24,7 +26,8 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kAnyWait = "the device to answer";
-constexpr std::string_view kIncomplete = "may be incomplete; run it again";
+constexpr std::string_view kIncomplete = "may be incomplete";
+constexpr std::string_view kRunAgain = "; run it again";
 
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
@@ -32,6 +35,12 @@ using Seconds = std::chrono::seconds;
 
 // A signal ends a short change only after this time: the change is usually finished by then.
 constexpr Milliseconds kGrace{1000};
+// A tool that may be writing a file of the device has this time to finish.
+constexpr Milliseconds kWriteTime{1000};
+// The pause between two looks at the tools in the background.
+constexpr Milliseconds kToolPause{100};
+
+constexpr std::array<std::string_view, 3> kStarters{"sh -c ", "/bin/sh -c ", "sudo "};
 
 enum class Outcome { kAnswered, kInterrupted, kTimedOut };
 
@@ -53,8 +62,26 @@ std::string StateIfInterrupted(const PendingCall& call) {
     return CanBeIncomplete(call.command) ? call.subject + " " + std::string(kIncomplete) : "";
 }
 
+std::string StateToShow(const PendingCall& call) {
+    const std::string state = StateIfInterrupted(call);
+    return state.empty() ? "" : state + std::string(kRunAgain);
+}
+
+std::string_view AwaitedBy(const Command& command) {
+    const std::string_view awaited = LongestWaitOf(command).awaited;
+    return awaited.empty() ? kAnyWait : awaited;
+}
+
 Clock::duration TimeLeft(const PendingCall& call) {
     return std::max(*call.deadline - Clock::now(), Clock::duration::zero());
+}
+
+// True if the command has its answer and no tool to wait for. poll(2) ignores a descriptor of -1.
+bool IsFinished(const ChildCall& child, const PendingCall& call, pollfd& answer) {
+    if (answer.revents != 0) {
+        answer.fd = -1;
+    }
+    return answer.fd == -1 && (!call.awaits_tools || child.Tools().empty());
 }
 
 // Returns the time-out for poll(2), which ends at the deadline or, if the time is shown, at the
@@ -80,19 +107,25 @@ long SecondsToShow(const PendingCall& call, const LongestWait& longest) {
     return longest.seconds == 0 ? left : std::min<long>(left, longest.seconds);
 }
 
+// Returns the time-out for poll(2). The end of a tool in the background wakes nobody up.
+int PollTimeAfter(int poll_time, bool is_answered) {
+    const int pause = static_cast<int>(kToolPause.count());
+    return is_answered && (poll_time == -1 || poll_time > pause) ? pause : poll_time;
+}
+
 // Waits for the answer, a signal or the deadline. If several have come, the answer counts.
 Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals,
                        const PendingCall& call) {
-    const LongestWait longest = LongestWaitOf(call.command);
-    const std::string_view awaited = longest.awaited.empty() ? kAnyWait : longest.awaited;
-    const long seconds_to_show = SecondsToShow(call, longest);
+    const std::string_view awaited = AwaitedBy(call.command);
+    const long seconds_to_show = SecondsToShow(call, LongestWaitOf(call.command));
     const velk::UniqueFd signal_fd(signalfd(-1, &signals.signals(), SFD_CLOEXEC));
-    ProgressDisplay progress(!call.report.is_json() && IsTerminal(STDERR_FILENO));
+    ProgressDisplay progress(call.report.shows_progress() && IsTerminal(STDERR_FILENO));
     std::array<pollfd, 2> awaited_fds{{{child.fd(), POLLIN, 0}, {signal_fd.get(), POLLIN, 0}}};
     for (const auto start = Clock::now();;) {
         const int poll_time = PollTime(call, Clock::now() - start, progress.is_shown());
-        (void)poll(awaited_fds.data(), awaited_fds.size(), poll_time);
-        if (awaited_fds[0].revents != 0) {
+        (void)poll(awaited_fds.data(), awaited_fds.size(),
+                   PollTimeAfter(poll_time, awaited_fds[0].fd == -1));
+        if (IsFinished(child, call, awaited_fds[0])) {
             return Outcome::kAnswered;
         }
         if (signals.Pending() != 0) {
@@ -119,17 +152,29 @@ bool WaitsForFilesOnly(const Command& command) {
     return LongestWaitOf(command).awaited.empty();
 }
 
-std::vector<std::string> PassOnToolOutput(const ChildCall& child, const PendingCall& call) {
+// A command that only reads and succeeds needs no explanation by its tools.
+bool NeedsToolOutput(const PendingCall& call, bool is_done) {
+    return CanBeIncomplete(call.command) || !is_done || call.report.is_verbose();
+}
+
+// Gives the report the output of the tools, to be shown if the command fails.
+std::vector<std::string> KeepToolOutput(const ChildCall& child, const PendingCall& call,
+                                        bool is_done) {
     std::vector<std::string> output = child.tool_output();
-    for (const std::string& line : output) {
-        call.report.Note(call.subject + ": " + Printable(line));
+    if (!NeedsToolOutput(call, is_done)) {
+        return output;
     }
+    std::vector<std::string> lines;
+    for (const std::string& line : call.report.is_verbose() ? output : WithoutHarmless(output)) {
+        lines.push_back(call.subject + ": " + Printable(line));
+    }
+    call.report.KeepToolOutput(std::move(lines));
     return output;
 }
 
 Answer AnswerOf(ChildCall& child, const PendingCall& call) {
     std::optional<Answer> answer = child.TakeAnswer();
-    std::vector<std::string> output = PassOnToolOutput(child, call);
+    std::vector<std::string> output = KeepToolOutput(child, call, answer && answer->ok());
     if (answer) {
         answer->tool_output = std::move(output);
         return *answer;
@@ -144,8 +189,41 @@ Answer AnswerOf(ChildCall& child, const PendingCall& call) {
     return {LIB_VELK_FAILURE};
 }
 
-Answer TimedOut(const PendingCall& call) {
-    return {.result = LIB_VELK_FAILURE, .timed_out = true, .remark = StateIfInterrupted(call)};
+// True if the tool only runs another one.
+bool IsStarter(const RunningTool& tool) {
+    return std::ranges::any_of(
+        kStarters, [&](std::string_view beginning) { return tool.command.starts_with(beginning); });
+}
+
+// Returns the first tool at work, or the wait that the command is known for; empty if it has none.
+std::string AtWork(const ChildCall& child, const PendingCall& call) {
+    const std::vector<RunningTool> tools = child.Tools();
+    const auto tool = std::ranges::find_if_not(tools, IsStarter);
+    return tool == tools.end() ? std::string(LongestWaitOf(call.command).awaited) : tool->command;
+}
+
+void ReportRunningTools(const std::vector<RunningTool>& tools, const PendingCall& call) {
+    if (tools.empty()) {
+        return;
+    }
+    Problem problem{call.subject + ": some programs could not be ended and are still running"};
+    problem.remedy = "wait for their end, or end them: sudo kill";
+    for (const RunningTool& tool : tools) {
+        const std::string number = std::to_string(tool.process);
+        problem.detail.append(problem.detail.empty() ? "" : "; ");
+        problem.detail.append("process ").append(number).append(" ").append(Excerpt(tool.command));
+        problem.remedy.append(" ").append(number);
+    }
+    call.report.Complain(problem);
+}
+
+// Ends the command early, and all that was started for it.
+void StopEarly(ChildCall& child, const PendingCall& call) {
+    const Milliseconds grace = call.command.type == VELK_SET ? kWriteTime : Milliseconds::zero();
+    const std::vector<RunningTool> left = child.Stop(grace);
+    (void)KeepToolOutput(child, call, false);
+    CleanUp(call.command, left.empty());
+    ReportRunningTools(left, call);
 }
 
 }  // namespace
@@ -170,13 +248,15 @@ Answer ExecuteWatched(const PendingCall& call) {
         }
         return answer;
     }
-    const bool tools_ended = child.Stop();
-    (void)PassOnToolOutput(child, call);
-    CleanUp(call.command, tools_ended);
+    const std::string awaited = AtWork(child, call);
+    StopEarly(child, call);
     if (outcome == Outcome::kInterrupted) {
-        EndInterrupted(signals.Pending(), StateIfInterrupted(call), call.report);
+        EndInterrupted(signals.Pending(), StateToShow(call), call.report);
     }
-    return TimedOut(call);
+    return {.result = LIB_VELK_FAILURE,
+            .timed_out = true,
+            .awaited = awaited,
+            .remark = StateIfInterrupted(call)};
 }
 
 }  // namespace velkctl

@@ -19,13 +19,16 @@ struct PendingCall {
     const std::string& subject;  // its name in messages: "eth1.signal"
     std::optional<std::chrono::steady_clock::time_point> deadline;
     Report& report;
+    // The command ends with its tools: the library leaves the ifup of eth1 in the background.
+    bool awaits_tools = false;
 
     bool is_late() const { return deadline && std::chrono::steady_clock::now() >= *deadline; }
 };
 
-// Runs the command in a process of its own. The deadline or a signal ends that process and cleans
-// up after it. After a signal velkctl ends, and this function does not return. The output of the
-// device's tools becomes notes.
+// Runs the command in a process of its own. The deadline or a signal ends that process and all that
+// was started for the command, and cleans up after it. Processes that cannot be ended are reported.
+// After a signal velkctl ends, and this function does not return. The report keeps the output of
+// the device's tools, and shows it if the command fails.
 Answer ExecuteWatched(const PendingCall& call);
 
 }  // namespace velkctl

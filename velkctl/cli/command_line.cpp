@@ -6,13 +6,13 @@
 #include <string_view>
 #include <utility>
 
+#include "lib/base/find_row.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
 
@@ -45,7 +45,7 @@ ExitStatus ShowVersion(Report& report) {
 }
 
 const Verb* FindVerb(std::string_view name) {
-    return FindRow(Verbs(), name, &Verb::name);
+    return velk::FindRow(Verbs(), name, &Verb::name);
 }
 
 // Returns the message about a word that is not a verb. `word` has no part after "=".
@@ -94,6 +94,13 @@ bool HasWordAfterHelp(const std::vector<std::string>& arguments) {
     return words.size() > 2 && words.front() == kHelpVerb;
 }
 
+Report::Detail DetailOf(const Invocation& invocation) {
+    if (invocation.verbose) {
+        return Report::Detail::kVerbose;
+    }
+    return invocation.quiet ? Report::Detail::kQuiet : Report::Detail::kUsual;
+}
+
 ExitStatus RunVerb(const Verb& verb, std::vector<std::string> given, Report& report) {
     report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
@@ -113,6 +120,7 @@ ExitStatus RunVerb(const Verb& verb, std::vector<std::string> given, Report& rep
         return ExitStatus::kInvalid;
     }
     arguments.invocation.limits = *limits;
+    report.set_detail(DetailOf(arguments.invocation));
     return verb.run(arguments.invocation, report);
 }
 

@@ -15,7 +15,7 @@ inline constexpr std::string_view kHelpVerb = "help";
 // "velkctl list"
 std::string CommandName(const Verb& verb);
 
-// "velkctl list [eth0|eth1] [--json]"
+// "velkctl list [eth0|eth1] [OPTION...]"
 std::string Usage(const Verb& verb);
 
 std::string VerbHelp(const Verb& verb);

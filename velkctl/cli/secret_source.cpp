@@ -141,7 +141,7 @@ bool CanAskForSecret() {
 
 Secret AskForSecret(const std::string& name) {
     Secret secret = Ask("new value of " + name + ": ");
-    if (!secret.problem.empty()) {
+    if (!secret.problem.empty() || secret.text.empty()) {
         return secret;
     }
     const Secret again = Ask("repeat the value: ");

@@ -6,10 +6,10 @@
 
 #include <getopt.h>
 
+#include "lib/base/find_row.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
@@ -21,7 +21,7 @@ Flag FindFlag(const Verb& verb, std::string_view name) {
     if (name == "--help" || name == "-h") {
         return &Invocation::help;
     }
-    const VerbFlag* row = FindRow(verb.flags, name, &VerbFlag::name);
+    const VerbFlag* row = velk::FindRow(verb.flags, name, &VerbFlag::name);
     return row == nullptr ? nullptr : row->target;
 }
 
@@ -68,16 +68,17 @@ bool TakesNumber(const Verb& verb, const std::vector<std::string>& words_before)
     const bool is_second = 1 == std::ranges::count_if(words_before, [](const std::string& word) {
                                return !LooksLikeOption(word);
                            });
-    return is_second && verb.words.second_is_number;
+    return is_second && verb.words.second_is_number && !IsAssignment(words_before.front());
 }
 
 // True if a word may be a secret: next to the name or id of one, or after a misspelt name.
 bool MayHoldSecret(const Verb& verb, const std::vector<std::string>& words) {
     const auto first = std::ranges::find_if_not(words, LooksLikeOption);
-    if (verb.words.takes_value && first != words.end() && !FindSetting(*first)) {
+    if (verb.words.takes_value && first != words.end() && !FindSetting(WithoutValue(*first))) {
         return true;
     }
-    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
+    return std::ranges::any_of(
+        words, [](const std::string& word) { return NamesSecret(WithoutValue(word)); });
 }
 
 // Returns the word to follow its noun in a message, or a remark in its place.
@@ -150,7 +151,8 @@ Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
         if (const Flag flag = FindFlag(verb, name)) {
             read.invocation.*flag = true;
             read.problem = is_wrong ? TakesNoValue(name) : "";
-        } else if (const VerbOption* option = FindRow(verb.options, name, &VerbOption::name)) {
+        } else if (const VerbOption* option =
+                       velk::FindRow(verb.options, name, &VerbOption::name)) {
             read.problem =
                 is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
         } else {
@@ -171,6 +173,9 @@ std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
     }
     if (!arguments.unknown.empty()) {
         return UnknownOption(verb, arguments.unknown, invocation.beside_secret);
+    }
+    if (invocation.quiet && invocation.verbose) {
+        return "--quiet and --verbose exclude each other; give one of them";
     }
     if (invocation.words.size() < verb.words.least) {
         return "argument missing; usage: " + Usage(verb);
@@ -194,12 +199,16 @@ std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be
 }
 
 bool HasOption(const Verb& verb, std::string_view name) {
-    return FindRow(verb.options, name, &VerbOption::name) != nullptr ||
-           FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
+    return velk::FindRow(verb.options, name, &VerbOption::name) != nullptr ||
+           velk::FindRow(verb.flags, name, &VerbFlag::name) != nullptr;
 }
 
 std::string_view WithoutValue(std::string_view argument) {
     return argument.substr(0, argument.find('='));
+}
+
+bool IsAssignment(std::string_view word) {
+    return word.find('=') != std::string_view::npos;
 }
 
 }  // namespace velkctl

@@ -32,6 +32,9 @@ bool HasOption(const Verb& verb, std::string_view name);
 // Returns the argument without "=" and the text after it, which may be a secret.
 std::string_view WithoutValue(std::string_view argument);
 
+// True for "NAME=VALUE".
+bool IsAssignment(std::string_view word);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_CLI_VERB_ARGUMENTS_H_

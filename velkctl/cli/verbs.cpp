@@ -17,8 +17,13 @@ constexpr VerbOption kWait{"--wait", "",
 constexpr VerbOption kTimeout{"--timeout", "SECONDS", "stop if no answer comes within SECONDS",
                               &Invocation::timeout};
 constexpr VerbFlag kJson{"--json", "print one JSON document", &Invocation::json};
+constexpr VerbFlag kQuiet{"--quiet", "print only values and problems", &Invocation::quiet};
+constexpr VerbFlag kVerbose{"--verbose", "print also the output of tools", &Invocation::verbose};
 constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisks",
                                 &Invocation::show_secrets};
+
+constexpr VerbFlag kNoPager{"--no-pager", "do not show a long output page by page",
+                            &Invocation::no_pager};
 
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
@@ -33,31 +38,42 @@ constexpr std::array<VerbFlag, 2> kToolFlags{{
     {"--version", "show the version", &Invocation::version},
     kJson,
 }};
-constexpr std::array kJsonFlags{kJson};
-constexpr std::array kSecretFlags{kJson, kShowSecrets};
-constexpr std::array<VerbFlag, 3> kGetFlags{{
+constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
+constexpr std::array kSecretFlags{kJson, kQuiet, kVerbose, kShowSecrets};
+constexpr std::array kShowFlags{kJson, kQuiet, kVerbose, kShowSecrets, kNoPager};
+constexpr std::array kListFlags{kJson, kQuiet, kVerbose, kNoPager};
+constexpr std::array<VerbFlag, 5> kGetFlags{{
     kJson,
+    kQuiet,
+    kVerbose,
     kShowSecrets,
     {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
-constexpr std::array<VerbFlag, 3> kSetFlags{{
+constexpr std::array<VerbFlag, 5> kSetFlags{{
     kJson,
+    kQuiet,
+    kVerbose,
     {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
 }};
-constexpr std::array<VerbFlag, 2> kRestartFlags{{
+constexpr std::array<VerbFlag, 4> kRestartFlags{{
     kJson,
+    kQuiet,
+    kVerbose,
     {"--notify-only", "eth1: notify the wireless daemon only; eth1 stays up",
      &Invocation::notify_only},
 }};
 
-constexpr std::array<Verb, 9> kVerbs{{
+constexpr std::array<Verb, 10> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
-     "One name prints the bare value, several names print lines \"name = value\". A key\n"
+     "One name prints the bare value, several names print a table like show. A key\n"
      "(eth1.psk and the WEP keys) is shown as ********, or none if it is not set,\n"
      "unless --show-secrets is given.\n"
+     "\n"
+     "An interface selects all of its settings, a pattern in quotes all that match it.\n"
+     "A setting of only one interface can be named without it.\n"
      "\n"
      "In a value, \\xff is a byte that is not text. \\x5c is a backslash before text\n"
      "that looks like such a byte.\n"
@@ -65,6 +81,8 @@ constexpr std::array<Verb, 9> kVerbs{{
      "Examples:\n"
      "  velkctl get eth0.dns\n"
      "  velkctl get eth0.dns eth0.link-speed\n"
+     "  velkctl get eth0\n"
+     "  velkctl get 'eth*.address'\n"
      "  velkctl get --value eth0.address eth0.netmask\n"
      "  velkctl get eth1.psk --show-secrets",
      {.least = 1, .most = kAnyNumber},
@@ -72,9 +90,14 @@ constexpr std::array<Verb, 9> kVerbs{{
      kGetFlags,
      RunGet},
     {"set",
-     "NAME VALUE... [OPTION...]",
-     "change a setting",
-     "Write the value as get shows it. Put -- before a value that begins with a dash.\n"
+     "NAME VALUE...|NAME=VALUE... [OPTION...]",
+     "change settings",
+     "Several settings are written as NAME=VALUE. All values are checked first, also\n"
+     "against each other; if one is not valid, none is set. A failure stops the run;\n"
+     "velkctl then names the settings that are set.\n"
+     "\n"
+     "Write the value as get shows it. A list may have commas, and an address the\n"
+     "length of its netmask after it. Put -- before a value that begins with a dash.\n"
      "'velkctl describe NAME' lists the values of a setting. '' clears a text, none\n"
      "clears any other setting that can be empty. In a text, \\xff is the byte of that\n"
      "number, and \\x5cxff the four characters.\n"
@@ -89,6 +112,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      "\n"
      "Examples:\n"
      "  velkctl set eth0.address 192.168.0.10\n"
+     "  velkctl set eth0.address=192.168.0.10/24 eth0.gateway=192.168.0.1\n"
      "  velkctl set eth0.dns 192.168.0.1 192.168.0.2\n"
      "  velkctl set web-update weekly sunday 08:30\n"
      "  velkctl set eth1.ssid 'my network' --wait\n"
@@ -98,21 +122,27 @@ constexpr std::array<Verb, 9> kVerbs{{
      kSetFlags,
      RunSet},
     {"show",
-     "[eth0|eth1] [OPTION...]",
+     "[NAME...] [OPTION...]",
      "show all settings, or those of an interface",
-     "A setting that cannot be read is shown with the reason. Colours are used on\n"
-     "terminals only, and not if NO_COLOR is set.\n"
+     "NAME is an interface, a setting, or a pattern in quotes.\n"
+     "\n"
+     "A setting that cannot be read is shown with the reason. At a terminal, a long\n"
+     "output goes through the program in PAGER, or through less.\n"
      "\n"
      "Examples:\n"
      "  velkctl show\n"
-     "  velkctl show eth0 --json",
-     {.most = 1, .first_is_interface = true},
+     "  velkctl show eth0 --json\n"
+     "  velkctl show 'eth*.dns' ntp-server",
+     {.most = kAnyNumber},
      kReadOptions,
-     kSecretFlags,
+     kShowFlags,
      RunShow},
     {"restart",
      "eth0|eth1 [OPTION...]",
      "bring an interface down and up to apply its settings",
+     "Prints the address that the interface has then. Exit status 6: it is not up, or\n"
+     "has no address.\n"
+     "\n"
      "Restarting eth0 takes more than a minute if a wireless adapter is attached and\n"
      "the cable is in.\n"
      "\n"
@@ -124,17 +154,17 @@ constexpr std::array<Verb, 9> kVerbs{{
      kRestartFlags,
      RunRestart},
     {"list",
-     "[eth0|eth1] [--json]",
+     "[eth0|eth1] [OPTION...]",
      "list all settings, or those of an interface",
      "Examples:\n"
      "  velkctl list\n"
      "  velkctl list eth0",
      {.most = 1, .first_is_interface = true},
      {},
-     kJsonFlags,
+     kListFlags,
      RunList},
     {"describe",
-     "NAME|ID [--json]",
+     "NAME|ID [OPTION...]",
      "describe a setting and its values",
      "A name without its interface, or the id of a command, selects the setting of\n"
      "every interface.\n"
@@ -147,7 +177,7 @@ constexpr std::array<Verb, 9> kVerbs{{
      kJsonFlags,
      RunDescribe},
     {"explain",
-     "RESULT|STATUS [--json]",
+     "RESULT|STATUS [OPTION...]",
      "explain a result of the library or an exit status",
      "A result is 0, a negative number or a name, with or without LIB_VELK_. An exit\n"
      "status of velkctl is a number from 0 to 7. 0 is both.\n"
@@ -160,8 +190,22 @@ constexpr std::array<Verb, 9> kVerbs{{
      {},
      kJsonFlags,
      RunExplain},
+    {"status",
+     "[eth0|eth1] [OPTION...]",
+     "compare the configuration with the running state",
+     "Shows link, DHCP client, address and gateway of each interface, the wireless\n"
+     "adapter and daemon, and who holds the lock. The exit status is 0 if all is as\n"
+     "configured, else 1. eth1 is not compared while the cable is in.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl status\n"
+     "  velkctl status eth0 --json",
+     {.most = 1, .first_is_interface = true},
+     kReadOptions,
+     kJsonFlags,
+     RunStatus},
     {"doctor",
-     "[--json]",
+     "[OPTION...]",
      "look for problems with files, tools and daemons",
      "Changes nothing. The exit status is 0 if there is no problem, else 1.\n"
      "\n"
@@ -197,6 +241,13 @@ constexpr Verb kTool{
     "",
     "VERB [ARGUMENT...]",
     "Read and change the network settings of the device.",
+    "Examples:\n"
+    "  velkctl show                             all values\n"
+    "  velkctl get eth0.address                 one value\n"
+    "  velkctl set eth0.address 192.168.0.10    change it in the configuration\n"
+    "  velkctl restart eth0                     apply the changes\n"
+    "  velkctl doctor                           find the cause of a failure\n"
+    "\n"
     "'velkctl VERB --help' describes a verb, with examples. 'velkctl list' lists the\n"
     "settings.",
     {},
@@ -215,7 +266,7 @@ const Verb& Tool() {
 }
 
 std::string Invocation::Shown(std::string_view word) const {
-    return beside_secret ? "a word, not repeated here as it may be a key," : Quoted(word);
+    return QuotedUnlessKey(word, beside_secret);
 }
 
 }  // namespace velkctl

@@ -26,8 +26,11 @@ struct Invocation {
     bool show_secrets = false;
     bool notify_only = false;
     bool bare_value = false;
+    bool quiet = false;
+    bool verbose = false;
     bool force = false;
     bool no_verify = false;
+    bool no_pager = false;
     bool help = false;
     bool version = false;
     bool beside_secret = false;  // any word may be a secret
@@ -85,6 +88,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report);
 ExitStatus RunRestart(const Invocation& invocation, Report& report);
 ExitStatus RunCall(const Invocation& invocation, Report& report);
 ExitStatus RunExplain(const Invocation& invocation, Report& report);
+ExitStatus RunStatus(const Invocation& invocation, Report& report);
 ExitStatus RunDoctor(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl

@@ -3,6 +3,7 @@
 #define VELKCTL_DOCTOR_CHECKS_H_
 
 #include <array>
+#include <string>
 #include <string_view>
 
 #include "velkctl/doctor/finding.h"
@@ -18,8 +19,13 @@ inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
 // return nothing if the file cannot be read.
 Findings CheckFiles();
 Findings CheckFolders();
+// Returns a text if more than half of the library's files are missing; empty on a device.
+std::string DescribeOtherMachine();
 
-Findings CheckInterfaces();    // /etc/network/interfaces
+Findings CheckInterfaces();  // /etc/network/interfaces
+// The same for one setting of the file. The fix for a missing line has the value; a placeholder if
+// it is empty.
+Findings CheckInterfacesFor(const Setting& setting, std::string_view value);
 Findings CheckExitHooks();     // /etc/dhclient-exit-hooks
 Findings CheckDhcpConfig();    // /etc/dhclient.conf
 Findings CheckClientScript();  // /sbin/dhclient-script
@@ -52,6 +58,8 @@ Findings CheckAdapter();
 
 // Queries the daemon, for a few seconds at most.
 Findings CheckDaemon(Report& report);
+// True if the daemon is not running and no adapter is attached.
+bool DaemonLacksAdapter();
 // Returns a finding if the wireless daemon of the setting is not running. Does not query it.
 Findings CheckDaemonRuns(const Setting& setting);
 // Returns the finding that the daemon of the setting answers with another value than it was sent.

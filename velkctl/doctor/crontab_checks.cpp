@@ -3,6 +3,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk/ntp.h"
@@ -13,15 +14,15 @@
 namespace velkctl {
 namespace {
 
-constexpr char kProperEntry[] =
-    "write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log";
+constexpr auto kProperEntry =
+    velk::JoinText("write: 0 * * * * ", velk::kClockSetter, " -u SERVER > ", velk::kNtpLog);
 constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
 
 // Options of ntpdate that take an argument.
 constexpr std::array<std::string_view, 7> kOptionsWithWord{"-a", "-e", "-k", "-o",
                                                            "-p", "-t", "-U"};
 
-constexpr std::string_view kUpdateCommand = "perl /usr/bin/web_contents_updater.pl";
+constexpr auto kUpdateCommand = velk::JoinText("perl ", velk::kWebUpdater);
 constexpr int kTimeFields = 5;
 constexpr std::string_view kTimeCharacters = "0123456789*/,-";
 
@@ -29,12 +30,10 @@ bool IsTimeField(std::string_view word) {
     return word.find_first_not_of(kTimeCharacters) == std::string_view::npos;
 }
 
-Finding AboutEntry(AffectedSettings affected) {
-    return {.subject = SubjectOf(affected),
-            .file = velk::kCrontab,
-            .remedy = kProperEntry,
-            .affected = std::move(affected),
-            .impact = Impact::kSetting};
+Finding AboutEntry(const AffectedSettings& affected) {
+    Finding about = About(affected, velk::kCrontab, Impact::kSetting);
+    about.remedy = kProperEntry.c_str();
+    return about;
 }
 
 std::string ServerIn(const std::string& line) {
@@ -115,7 +114,7 @@ Findings CheckServer(const std::string& line, size_t index) {
             "is joined with another entry",
             "two entries are on one line, as after a set of a server that is the last word of its "
             "line",
-            std::string("put the second one on a line of its own, and ") + kProperEntry));
+            std::string("put the second one on a line of its own, and ") + kProperEntry.c_str()));
     }
     return findings;
 }
@@ -177,7 +176,7 @@ Findings CheckTimeEntry() {
 Findings CheckWebUpdate() {
     const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
     Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
-    about.remedy = "set it again: velkctl set web-update weekly sunday 08:30";
+    about.remedy = "set it again: velkctl set web-update SCHEDULE";
     const TextFile crontab = ReadTextFile(velk::kCrontab);
     const std::vector<size_t> updates =
         LinesWith(crontab.lines, settings.front().row->held_in.line.key);

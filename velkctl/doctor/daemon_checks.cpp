@@ -30,18 +30,27 @@ Finding AboutDaemon(AffectedSettings affected = WirelessSettings()) {
             .file = velk::kRequestSocket,
             .remedy = "restart the wireless daemon",
             .affected = std::move(affected),
-            .impact = Impact::kSetting};
+            .impact = Impact::kBoth};
+}
+
+bool IsSocketThere() {
+    struct stat socket {};
+    return lstat(velk::kRequestSocket, &socket) == 0;
+}
+
+bool IsListening() {
+    struct stat socket {};
+    const bool is_socket = lstat(velk::kRequestSocket, &socket) == 0 && S_ISSOCK(socket.st_mode);
+    return is_socket && IsBound(velk::kRequestSocket);
 }
 
 // Without an adapter the device may need no daemon; then only its configuration is affected.
 Findings CheckListener() {
-    struct stat socket {};
-    const bool is_there = lstat(velk::kRequestSocket, &socket) == 0;
-    if (is_there && S_ISSOCK(socket.st_mode) && IsBound(velk::kRequestSocket)) {
+    if (IsListening()) {
         return {};
     }
     const std::string description =
-        is_there ? "no process listens at its socket" : "its socket is missing";
+        IsSocketThere() ? "no process listens at its socket" : "its socket is missing";
     return {IsAdapterAttached()
                 ? AboutDaemon().Problem("does not run", description, "start the wireless daemon")
                 : AboutDaemon(WirelessConfiguration())
@@ -96,6 +105,10 @@ Findings CheckAdapter() {
                           "the list has no supported adapter; the settings of eth1 about adapter "
                           "and connection are refused",
                           std::string("plug in one that ") + velk::kSupportList + " names")};
+}
+
+bool DaemonLacksAdapter() {
+    return !IsListening() && CanLookForAdapter() && !IsAdapterAttached();
 }
 
 Findings CheckDaemon(Report& report) {

@@ -1,6 +1,7 @@
 // dhcp_checks.cpp - checks that the library can find the blocks of /etc/dhclient.conf and the
 // options that the client requests.
 #include <optional>
+#include <vector>
 
 #include "lib/base/comment_switch.h"
 #include "lib/base/paths.h"
@@ -17,11 +18,33 @@ constexpr std::string_view kStatementEnd = ";";
 
 // About a block that is not as the library reads it. The method is read from its stanza.
 Finding AboutBlocks() {
-    return {.subject = SubjectOf(SettingsChanging(velk::kDhcpConfigFile)),
-            .file = velk::kDhcpConfigFile,
-            .remedy = "write the closing brace on a line of its own",
-            .affected = SettingsHeldIn(velk::kDhcpConfigFile),
-            .impact = Impact::kSetting};
+    Finding about =
+        About(SettingsChanging(velk::kDhcpConfigFile), velk::kDhcpConfigFile, Impact::kBoth);
+    about.affected = SettingsHeldIn(velk::kDhcpConfigFile);
+    about.remedy = "write the closing brace on a line of its own";
+    return about;
+}
+
+// A line of the file, as the library meets it.
+struct Place {
+    size_t index;
+    bool opens;        // begins a block
+    bool is_in_block;  // also true for the lines that begin and end it
+    bool is_in_scope;  // counts for the interface
+    bool is_open;      // the block goes on below it
+};
+
+std::vector<Place> PlacesOf(const Lines& lines, std::string_view interface, bool comment_aware) {
+    velk::ConfigBlocks blocks(interface, comment_aware);
+    std::vector<Place> places;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const bool was_in_block = blocks.in_block();
+        const bool is_in_scope = blocks.IsInScope(lines[i]);
+        const bool is_open = blocks.in_block();
+        places.push_back(
+            {i, !was_in_block && is_open, was_in_block || is_open, is_in_scope, is_open});
+    }
+    return places;
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {
@@ -50,18 +73,16 @@ Findings CheckOpening(const Lines& lines, size_t index) {
 // The blocks of all interfaces, whether switched off or not.
 Findings CheckBlockLines(const Lines& lines) {
     // Every opening line holds this word, so every block is the wanted one.
-    velk::ConfigBlocks blocks(kInterface, /*comment_aware=*/false);
+    const std::vector<Place> places = PlacesOf(lines, kInterface, /*comment_aware=*/false);
     Findings findings;
     size_t begin = 0;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const bool was_in_block = blocks.in_block();
-        (void)blocks.Concerns(lines[i]);
-        if (!was_in_block && blocks.in_block()) {
-            begin = i;
-            Append(findings, CheckOpening(lines, i));
+    for (const Place& place : places) {
+        if (place.opens) {
+            begin = place.index;
+            Append(findings, CheckOpening(lines, begin));
         }
     }
-    if (blocks.in_block()) {
+    if (!places.empty() && places.back().is_open) {
         findings.push_back(AboutBlocks().At(begin).Problem(
             "are switched for the wrong lines", "no line with '}' as a word ends the block"));
     }
@@ -113,27 +134,26 @@ Finding Absence(const Finding& about, const Lines& lines, const std::string& int
 // The interface's block, which is switched with the method.
 Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     // The method itself is read from its stanza.
-    const Finding about{.subject = interface + ".method",
-                        .file = velk::kDhcpConfigFile,
-                        .remedy = "put the comment above the block",
-                        .affected = SettingsOf(VELK_CMD_IP_METHOD, interface)};
-    velk::ConfigBlocks blocks(interface, /*comment_aware=*/false);
+    Finding about =
+        About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing);
+    about.remedy = "put the comment above the block";
     Findings findings;
     bool is_off = false;
     bool has_block = false;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const bool was_in_block = blocks.in_block();
-        const bool is_in_scope = blocks.Concerns(lines[i]);
-        if (!was_in_block && blocks.in_block()) {
+    for (const Place& place : PlacesOf(lines, interface, /*comment_aware=*/false)) {
+        const std::string& line = lines[place.index];
+        if (place.opens) {
             has_block = true;
-            is_off = velk::IsCommentedOut(lines[i], std::string_view::npos);
+            is_off = velk::IsCommentedOut(line, std::string_view::npos);
         }
-        if (was_in_block || blocks.in_block()) {
-            Append(findings, CheckMember(about.At(i), Trimmed(lines[i]), is_off));
-        } else if (is_in_scope && velk::Contains(lines[i], velk::kBlockEnd)) {
-            findings.push_back(about.At(i).Problem(
-                "switches a line that is not its own", "a '}' outside the blocks of interfaces",
-                "move these braces into a file of their own, and include it here"));
+        if (place.is_in_block) {
+            Append(findings, CheckMember(about.At(place.index), Trimmed(line), is_off));
+        } else if (place.is_in_scope && velk::Contains(line, velk::kBlockEnd)) {
+            findings.push_back(
+                about.At(place.index)
+                    .Problem("switches a line that is not its own",
+                             "a '}' outside the blocks of interfaces",
+                             "move these braces into a file of their own, and include it here"));
         }
     }
     if (!has_block) {
@@ -152,11 +172,10 @@ class RequestCheck {
           about_(About(option.setting, velk::kDhcpConfigFile, Impact::kSetting)) {}
 
     Findings Run() {
-        velk::ConfigBlocks blocks(interface_, comment_aware());
-        for (size_t i = 0; i < lines_.size(); ++i) {
-            const bool is_in_scope = blocks.Concerns(lines_[i]);
-            if (is_in_scope && (blocks.in_block() || !velk::Contains(lines_[i], "#"))) {
-                TakeLine(i);
+        for (const Place& place : PlacesOf(lines_, interface_, comment_aware())) {
+            const bool is_comment = velk::Contains(lines_[place.index], "#");
+            if (place.is_in_scope && (place.is_open || !is_comment)) {
+                TakeLine(place.index);
             }
         }
         if (is_open_) {
@@ -213,7 +232,7 @@ class RequestCheck {
 
     Finding Absence() const {
         if (const std::optional<size_t> block = SwitchedOffBlock()) {
-            return about_.At(*block).Warning(
+            return about_.At(*block).Note(
                 "cannot be set while the method is static",
                 "the interface's block is switched off, and no other request statement counts",
                 "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");
@@ -226,16 +245,13 @@ class RequestCheck {
 
     // Returns the interface's block that is off and has a request statement.
     std::optional<size_t> SwitchedOffBlock() const {
-        velk::ConfigBlocks blocks(interface_, /*comment_aware=*/false);
         std::optional<size_t> begin;
-        for (size_t i = 0; i < lines_.size(); ++i) {
-            const bool was_in_block = blocks.in_block();
-            (void)blocks.Concerns(lines_[i]);
-            if (!was_in_block && blocks.in_block() && IsComment(lines_[i])) {
-                begin = i;
+        for (const Place& place : PlacesOf(lines_, interface_, /*comment_aware=*/false)) {
+            const std::string& line = lines_[place.index];
+            if (place.opens && IsComment(line)) {
+                begin = place.index;
             }
-            if (begin && blocks.in_block() &&
-                velk::HasWord(lines_[i], kRequest, /*comment_aware=*/false)) {
+            if (begin && place.is_open && velk::HasWord(line, kRequest, /*comment_aware=*/false)) {
                 return begin;
             }
         }

@@ -1,28 +1,34 @@
 // examination.cpp - runs the doctor's checks, for the whole device or for one setting.
 #include "velkctl/doctor/examination.h"
 
+#include <functional>
 #include <vector>
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/settings/time_entry.h"
 
 namespace velkctl {
 namespace {
 
 struct Check {
-    Findings (*run)();
+    std::function<Findings()> run;
     AffectedSettings affected;  // the settings that it can find something about
 };
 
 // In the order of the output. The wireless daemon is queried after all of them, because a query
-// removes remains that some of them look for.
-std::vector<Check> Checks() {
+// removes remains that some of them look for. `setting` is null for the whole device.
+std::vector<Check> Checks(const Setting* setting = nullptr, std::string_view value = {}) {
+    const auto check_interfaces = [=] {
+        return setting == nullptr ? CheckInterfaces() : CheckInterfacesFor(*setting, value);
+    };
     return {
-        {CheckFolders, Together(EditedSettings(), WirelessSettings())},
+        {CheckFolders,
+         Together(EditedSettings(), Together(SettingsReadWith(kLinkTool), WirelessSettings()))},
         {CheckFiles, Together(EditedSettings(), SettingsHeldIn(velk::kResolverFile))},
         {CheckEditCopies, EditedSettings()},
-        {CheckInterfaces, SettingsHeldIn(velk::kInterfacesFile)},
+        {check_interfaces, SettingsHeldIn(velk::kInterfacesFile)},
         {CheckExitHooks, SettingsChanging(velk::kExitHooks)},
         {CheckDhcpConfig, SettingsChanging(velk::kDhcpConfigFile)},
         {CheckClientScript, SettingsChanging(velk::kClientScript)},
@@ -45,14 +51,17 @@ Findings ExamineDevice(Report& report) {
     for (const Check& check : Checks()) {
         Append(findings, check.run());
     }
+    Append(findings, CheckValues(findings, report));
     Append(findings, CheckDaemon(report));
+    std::erase_if(findings,
+                  [](const Finding& finding) { return finding.severity == Severity::kNote; });
     return findings;
 }
 
-Findings ExamineFor(const Setting& setting) {
+Findings ExamineFor(const Setting& setting, std::string_view value) {
     // A missing tool comes before the edit that it left unfinished.
     Findings findings = CheckToolsFor(setting);
-    for (const Check& check : Checks()) {
+    for (const Check& check : Checks(&setting, value)) {
         if (Includes(check.affected, setting)) {
             Append(findings, check.run());
         }

@@ -12,8 +12,8 @@ namespace velkctl {
 Findings ExamineDevice(Report& report);
 
 // Returns the findings that affect the setting. Runs only the checks that can have one, and does
-// not query the wireless daemon.
-Findings ExamineFor(const Setting& setting);
+// not query the wireless daemon. `value` is the value that was set, for the fix; empty if unknown.
+Findings ExamineFor(const Setting& setting, std::string_view value = {});
 
 }  // namespace velkctl
 

@@ -1,4 +1,5 @@
 // files_checks.cpp - checks that the files and folders of the library exist and can be written.
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -9,9 +10,9 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/text/find_row.h"
 
 namespace velkctl {
 namespace {
@@ -24,7 +25,7 @@ struct Loss {
     Impact impact = Impact::kNothing;
 };
 
-constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kSetting};
+constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kBoth};
 
 // Files that hold no setting themselves.
 constexpr std::array<Loss, 3> kLosses{{
@@ -35,7 +36,7 @@ constexpr std::array<Loss, 3> kLosses{{
 
 // Missing files. The library makes the resolver's file, and reads some settings without the others.
 constexpr std::array<Loss, 3> kLossesByAbsence{{
-    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kSetting},
+    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kBoth},
     {velk::kClientScript, "cannot be set", Severity::kProblem, Impact::kSetting},
     {velk::kResolverFile, "cannot be read until it is set", Severity::kWarning, Impact::kReading},
 }};
@@ -43,7 +44,7 @@ constexpr std::array<Loss, 3> kLossesByAbsence{{
 constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
 
 Loss LossOf(std::string_view path, std::span<const Loss> losses, const Loss& otherwise) {
-    const Loss* loss = FindRow(losses, path, &Loss::path);
+    const Loss* loss = velk::FindRow(losses, path, &Loss::path);
     return loss == nullptr ? otherwise : *loss;
 }
 
@@ -133,25 +134,19 @@ Findings CheckFile(const DeviceFile& file) {
 
 // Returns findings without a text, one of each folder, with their effect.
 Findings AboutFolders() {
-    const Finding wireless{.subject = "wireless settings",
-                           .effect = "can be neither read nor set",
-                           .file = "/tmp",
-                           .affected = WirelessSettings(),
-                           .impact = Impact::kSetting};
-    const AffectedSettings results = SettingsHeldIn(velk::kNtpLog);
-    Finding semaphores = wireless;
-    semaphores.file = velk::kSemaphoreFolder;
+    Finding results = About(SettingsHeldIn(velk::kNtpLog), velk::kLibraryFolder, Impact::kNothing);
+    results.effect = "cannot be cleared when ntp is set to off";
+    Finding link = About(SettingsReadWith(kLinkTool), velk::kEditFolder, Impact::kReading);
+    link.effect = "cannot be read";
     return {{.subject = "all settings in files",
              .effect = "cannot be set",
              .file = velk::kEditFolder,
              .affected = EditedSettings(),
              .impact = Impact::kSetting},
-            {.subject = SubjectOf(results),
-             .effect = "cannot be cleared when ntp is set to off",
-             .file = "/var/libvelk",
-             .affected = results},
-            wireless,
-            semaphores};
+            link,
+            results,
+            AboutWireless("/tmp"),
+            AboutWireless(velk::kSemaphoreFolder)};
 }
 
 Findings CheckSpace(const Finding& about) {
@@ -188,6 +183,18 @@ Findings CheckFolder(const Finding& about) {
 
 Findings CheckFiles() {
     return FindingsOfEach(DeviceFiles(), CheckFile);
+}
+
+// A file or two may be missing on a damaged device.
+std::string DescribeOtherMachine() {
+    const std::vector<DeviceFile>& files = DeviceFiles();
+    const auto missing = static_cast<size_t>(std::ranges::count_if(files, [](const auto& file) {
+        return ReadTextFile(file.path).state == FileState::kMissing;
+    }));
+    return missing * 2 <= files.size()
+               ? ""
+               : "this does not look like the device (" + std::to_string(missing) +
+                     " of its files are missing); velk-sandbox makes a simulated one";
 }
 
 Findings CheckFolders() {

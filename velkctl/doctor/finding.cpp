@@ -5,6 +5,10 @@
 #include <iterator>
 #include <utility>
 
+#include <unistd.h>
+
+#include "velkctl/report/output.h"
+#include "velkctl/settings/device_files.h"
 #include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>
 
@@ -12,7 +16,19 @@ namespace velkctl {
 namespace {
 
 std::string_view NameOf(Severity severity) {
-    return severity == Severity::kProblem ? "problem" : "warning";
+    switch (severity) {
+        case Severity::kProblem:
+            return "problem";
+        case Severity::kWarning:
+            return "warning";
+        default:
+            return "note";
+    }
+}
+
+std::string NameInColour(Severity severity) {
+    const Colour colour = severity == Severity::kProblem ? Colour::kRed : Colour::kYellow;
+    return Coloured(NameOf(severity), colour, STDOUT_FILENO);
 }
 
 std::string Counted(size_t number, std::string_view noun) {
@@ -22,7 +38,7 @@ std::string Counted(size_t number, std::string_view noun) {
 std::string Format(const Finding& finding) {
     const std::string location = LocationOf(finding);
     const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
-    return std::string(NameOf(finding.severity)) + ": " +
+    return NameInColour(finding.severity) + ": " +
            Printable(finding.subject + " " + finding.effect) + "\n  " +
            InLinesOf80(Printable(reason), 2) + "\n  fix: " + Printable(finding.remedy) + "\n";
 }
@@ -41,23 +57,30 @@ Json CauseInJson(const Finding& finding) {
 
 Finding Finding::Problem(std::string_view new_effect, std::string_view new_description,
                          std::string_view new_remedy) const {
-    Finding finding = Because(new_description, new_remedy);
-    finding.severity = Severity::kProblem;
-    finding.effect = new_effect;
-    return finding;
+    return Because(new_description, new_remedy).Of(Severity::kProblem, new_effect);
 }
 
 Finding Finding::Warning(std::string_view new_effect, std::string_view new_description,
                          std::string_view new_remedy) const {
-    Finding finding = Problem(new_effect, new_description, new_remedy);
-    finding.severity = Severity::kWarning;
-    return finding;
+    return Because(new_description, new_remedy).Of(Severity::kWarning, new_effect);
+}
+
+Finding Finding::Note(std::string_view new_effect, std::string_view new_description,
+                      std::string_view new_remedy) const {
+    return Because(new_description, new_remedy).Of(Severity::kNote, new_effect);
 }
 
 Finding Finding::Because(std::string_view new_description, std::string_view new_remedy) const {
     Finding finding = *this;
     finding.description = new_description;
     finding.remedy = new_remedy.empty() ? remedy : new_remedy;
+    return finding;
+}
+
+Finding Finding::Of(Severity new_severity, std::string_view new_effect) const {
+    Finding finding = *this;
+    finding.severity = new_severity;
+    finding.effect = new_effect;
     return finding;
 }
 
@@ -73,11 +96,23 @@ Finding Finding::With(Impact new_impact) const {
     return finding;
 }
 
-Finding About(const Setting& setting, std::string_view file, Impact impact) {
-    return {.subject = setting.name(),
+Finding About(const AffectedSettings& settings, std::string_view file, Impact impact) {
+    return {.subject = SubjectOf(settings),
             .file = std::string(file),
-            .affected = {setting},
+            .affected = settings,
             .impact = impact};
+}
+
+Finding About(const Setting& setting, std::string_view file, Impact impact) {
+    return About(AffectedSettings{setting}, file, impact);
+}
+
+Finding AboutWireless(std::string_view file) {
+    return {.subject = "wireless settings",
+            .effect = "can be neither read nor set",
+            .file = std::string(file),
+            .affected = WirelessSettings(),
+            .impact = Impact::kBoth};
 }
 
 void Append(Findings& all, Findings more) {

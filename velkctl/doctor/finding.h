@@ -14,14 +14,24 @@ namespace velkctl {
 enum class Severity {
     kProblem,  // the library does not do, or does not do right, the command it is given
     kWarning,  // it works, or will again
+    kNote,     // nothing is wrong, but a set made now has no effect; the doctor does not show it
 };
 
 // The effect of a finding on the settings that it affects.
 enum class Impact {
     kNothing,  // a value is set and read back
-    kReading,  // another value is read than was set
+    kReading,  // a value cannot be read, or another one is read than was set
     kSetting,  // a value that is set has no effect
+    kBoth,     // a value can be neither read nor set
 };
+
+// Return true if the impact keeps a value from being read, or from being set.
+constexpr bool HindersReading(Impact impact) {
+    return impact == Impact::kReading || impact == Impact::kBoth;
+}
+constexpr bool HindersSetting(Impact impact) {
+    return impact == Impact::kSetting || impact == Impact::kBoth;
+}
 
 // "eth1.gateway cannot be set", "/etc/network/interfaces:12: the stanza is the last one and ..."
 //
@@ -43,16 +53,22 @@ struct Finding {
                     std::string_view remedy = "") const;
     Finding Warning(std::string_view effect, std::string_view description,
                     std::string_view remedy = "") const;
+    Finding Note(std::string_view effect, std::string_view description,
+                 std::string_view remedy = "") const;
     // The same with the severity and the effect that it has.
     Finding Because(std::string_view description, std::string_view remedy = "") const;
 
-    // Return a copy with one member changed. `index` counts lines from 0.
+    // Return a copy with these members changed. `index` counts lines from 0.
     Finding At(size_t index) const;
     Finding With(Impact impact) const;
+    Finding Of(Severity severity, std::string_view effect) const;
 };
 
-// Returns a finding without a text about one setting.
+// Return a finding without a text about these settings.
+Finding About(const AffectedSettings& settings, std::string_view file, Impact impact);
 Finding About(const Setting& setting, std::string_view file, Impact impact);
+// The same about all wireless settings, which a file or folder keeps from being read and set.
+Finding AboutWireless(std::string_view file);
 
 using Findings = std::vector<Finding>;
 
@@ -72,7 +88,7 @@ Findings FindingsOfEach(const Items& items, Check check) {
 std::string LocationOf(const Finding& finding);
 
 // Returns the text of each: subject and effect, indented location and description, then the remedy.
-// Control characters are escaped.
+// Control characters are escaped. At a terminal, the severity has a colour.
 std::string FormatFindings(const Findings& findings);
 
 // Returns {"severity": "problem", "subject": ..., "effect": ..., "description": ..., "cause":

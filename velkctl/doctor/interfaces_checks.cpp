@@ -2,12 +2,14 @@
 // and their lines with addresses.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <optional>
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
@@ -19,9 +21,10 @@ constexpr std::string_view kAllow = "allow-";
 
 // The interface's first stanza: the line of its header, and the line after its last one.
 struct Stanza {
-    std::string interface;
+    std::string method;  // the rest of the header
     size_t header;
     size_t end;
+    bool has_lease;
 };
 
 // Returns the first line from `begin` on and before `end` for which the condition is true.
@@ -61,24 +64,56 @@ std::optional<Stanza> FindStanza(const Lines& lines, const std::string& interfac
         return std::nullopt;
     }
     const auto end = FindLine(lines, *header + 1, lines.size(), StartsWith(velk::kStanzaStart));
-    return Stanza{interface, *header, end.value_or(lines.size())};
+    const std::string method = lines[*header].substr(start.size());
+    return Stanza{method, *header, end.value_or(lines.size()),
+                  method.starts_with(velk::kDhcpMethod)};
 }
 
-// The check of one setting's line in a stanza.
-class ValueCheck {
+// The settings of a stanza that are examined.
+struct Scope {
+    AffectedSettings settings;
+    bool is_set = false;       // for a set that had no effect, not by the doctor
+    std::string_view value{};  // the value of that set, for the fix; empty: a placeholder
+};
+
+// Returns a line of the file, quoted: "gateway GATEWAY".
+std::string LineWith(const Setting& setting, std::string_view value) {
+    std::string placeholder(setting.row->name);
+    std::ranges::transform(placeholder, placeholder.begin(), ::toupper);
+    return "\"" + std::string(setting.row->name) + " " +
+           (value.empty() ? placeholder : std::string(value)) + "\"";
+}
+
+std::string InsteadOfLine(size_t index) {
+    return "instead of line " + std::to_string(index + 1) + " write ";
+}
+
+std::string BelowLine(size_t index) {
+    return "below line " + std::to_string(index + 1);
+}
+
+// The checks of the lines of settings in a stanza.
+class StanzaCheck {
   public:
-    ValueCheck(const Lines& lines, const Stanza& stanza, const Setting& setting)
-        : lines_(lines),
-          stanza_(stanza),
-          setting_(setting),
-          name_(setting.row->name),
-          line_to_add_("add a line \"" + name_ + " " + setting.row->kind->Example() + "\""),
-          about_(About(setting, velk::kInterfacesFile, Impact::kSetting)),
-          stray_(Find(EndsStanzaForIfup)) {}
+    StanzaCheck(const Lines& lines, const Stanza& stanza, const Scope& scope)
+        : lines_(lines), stanza_(stanza), scope_(scope), stray_(Find(EndsStanzaForIfup)) {}
 
     Findings Run() const {
-        const std::optional<size_t> found = Find(HasKey(setting_));
-        return found ? CheckLine(*found) : CheckAbsence();
+        Findings findings;
+        AffectedSettings missing;
+        for (const Setting& setting : scope_.settings) {
+            const std::string_view name = setting.row->name;
+            const auto is_named = [name](std::string_view line) { return FirstWord(line) == name; };
+            if (const auto found = Find(HasKey(setting))) {
+                Append(findings, CheckLine(setting, *found));
+            } else if (const auto unseen = Find(is_named)) {
+                findings.push_back(Unseen(setting, *unseen));
+            } else {
+                missing.push_back(setting);
+            }
+        }
+        Append(findings, missing.empty() ? Findings() : CheckMissing(missing));
+        return findings;
     }
 
   private:
@@ -87,77 +122,127 @@ class ValueCheck {
         return FindLine(lines_, stanza_.header + 1, stanza_.end, condition);
     }
 
+    // Returns the line with the value of the set, or with this one.
+    std::string LineFor(const Setting& setting, std::string_view value = {}) const {
+        return LineWith(setting, scope_.value.empty() ? value : scope_.value);
+    }
+
+    bool is_last() const { return stanza_.end == lines_.size(); }
+
+    Finding AboutLine(const Setting& setting, size_t index, Impact impact) const {
+        return About(setting, velk::kInterfacesFile, impact).At(index);
+    }
+
     // `index` is the line that the library takes for the value's.
-    Findings CheckLine(size_t index) const {
-        const std::string_view key = setting_.row->held_in.line.key;
+    Findings CheckLine(const Setting& setting, size_t index) const {
+        const std::string_view key = setting.row->held_in.line.key;
         const std::string_view line = lines_[index];
-        const Finding about = about_.At(index).With(Impact::kReading);
-        if (FirstWord(line) != name_) {
+        const Finding about = AboutLine(setting, index, Impact::kReading);
+        if (FirstWord(line) != setting.row->name) {
             return {about.Problem("is read and set in the wrong line",
                                   "the library takes " + Excerpt(line) +
                                       " for it, as it contains '" + std::string(key) + "'",
-                                  "reword it, or move it below the line with the value")};
+                                  RemedyOfFalseLine(setting, index))};
         }
         if (stray_ && *stray_ < index) {
             return {about.With(Impact::kNothing)
                         .Problem("does not reach the interface",
                                  "the line is below " + Excerpt(lines_[*stray_]) +
                                      ", outside the stanza",
-                                 "move it up, below line " + std::to_string(stanza_.header + 1))};
+                                 "move it up, " + BelowLine(stanza_.header))};
         }
-        Findings findings;
-        const std::string_view text = line.substr(line.find(key) + key.size());
-        if (WithoutLineEnd(text) != Trimmed(text)) {
-            findings.push_back(about.Warning("is read with white space around it",
-                                             "there is more than one blank around the value",
-                                             "leave one blank before the value and none after it"));
-        }
-        // A set to none removes the first line alone.
-        const auto second = FindLine(lines_, index + 1, stanza_.end, HasKey(setting_));
-        if (second && setting_.row->id == VELK_CMD_GATEWAY) {
-            findings.push_back(about_.At(*second).Warning(
-                "cannot be set to none in one set",
-                "after line " + std::to_string(index + 1) + " is removed, " +
-                    Excerpt(lines_[*second]) + " still applies",
-                "remove " + Excerpt(lines_[*second])));
-        }
+        Findings findings = CheckBlanks(setting, index);
+        Append(findings, CheckSecond(setting, index));
         return findings;
     }
 
-    // A stanza that is not the last one gains a line at its end, the last one none.
-    Findings CheckAbsence() const {
-        const bool is_last = stanza_.end == lines_.size();
-        const Finding about =
-            about_.At(stanza_.header).With(is_last ? Impact::kSetting : Impact::kNothing);
-        if (const auto unseen =
-                Find([this](std::string_view line) { return FirstWord(line) == name_; })) {
-            return {about.At(*unseen).Problem(
-                is_last ? "can be neither read nor set"
-                        : "cannot be read, and a set adds a second " + name_ + " line",
-                "no blank follows the word '" + name_ + "'",
-                "put one blank, no tab, between the word and the value")};
+    Findings CheckBlanks(const Setting& setting, size_t index) const {
+        const std::string_view line = lines_[index];
+        const std::string_view key = setting.row->held_in.line.key;
+        const std::string_view text = line.substr(line.find(key) + key.size());
+        if (WithoutLineEnd(text) == Trimmed(text)) {
+            return {};
         }
-        if (is_last) {
-            return {about.Problem("cannot be set",
-                                  "the stanza is the last one and has no " + name_ + " line",
-                                  line_to_add_ + " to it")};
+        return {AboutLine(setting, index, Impact::kReading)
+                    .Warning("is read with white space around it",
+                             "there is more than one blank around the value",
+                             InsteadOfLine(index) + LineFor(setting, Trimmed(text)))};
+    }
+
+    // A set to none removes the first line alone.
+    Findings CheckSecond(const Setting& setting, size_t index) const {
+        const auto second = FindLine(lines_, index + 1, stanza_.end, HasKey(setting));
+        if (!second || setting.row->id != VELK_CMD_GATEWAY) {
+            return {};
+        }
+        const std::string line = Excerpt(lines_[*second]);
+        return {AboutLine(setting, *second, Impact::kSetting)
+                    .Warning("cannot be set to none in one set",
+                             "after line " + std::to_string(index + 1) + " is removed, " + line +
+                                 " still applies",
+                             "remove " + line)};
+    }
+
+    // The line is a comment, or one of another option such as "hwaddress".
+    std::string RemedyOfFalseLine(const Setting& setting, size_t index) const {
+        const std::string name(setting.row->name);
+        if (IsComment(lines_[index])) {
+            return "remove the word '" + name + "' from the comment";
+        }
+        const std::string key(setting.row->held_in.line.key);
+        const auto own = Find([&](std::string_view line) {
+            return FirstWord(line) == name && velk::Contains(line, key);
+        });
+        return own ? "move it " + BelowLine(*own)
+                   : "above line " + std::to_string(index + 1) + " add " + LineFor(setting);
+    }
+
+    // A line with the setting's name and no blank after it.
+    Finding Unseen(const Setting& setting, size_t index) const {
+        const std::string name(setting.row->name);
+        std::string_view value = lines_[index];
+        (void)velk::TakeWord(value);
+        return AboutLine(setting, index, is_last() ? Impact::kBoth : Impact::kNothing)
+            .Problem(is_last() ? "can be neither read nor set"
+                               : "cannot be read, and a set adds a second " + name + " line",
+                     "no blank follows the word '" + name + "'",
+                     InsteadOfLine(index) + LineFor(setting, Trimmed(value)));
+    }
+
+    // A stanza that is not the last one gains a line at its end, the last one none. With method
+    // dhcp the lines are not needed before the next change of the method.
+    Findings CheckMissing(const AffectedSettings& missing) const {
+        std::vector<std::string> names;
+        std::string remedy = BelowLine(stanza_.header) + " add ";
+        for (const Setting& setting : missing) {
+            remedy.append(names.empty() ? "" : ", ").append(LineFor(setting));
+            names.emplace_back(setting.row->name);
+        }
+        const Finding about =
+            About(missing, velk::kInterfacesFile, is_last() ? Impact::kSetting : Impact::kNothing)
+                .At(stanza_.header);
+        if (is_last()) {
+            const std::string description =
+                names.size() == 1
+                    ? "the stanza is the last one and has no " + names.front() + " line"
+                    : "the last stanza lacks " + AllOf(names);
+            const bool is_needed = scope_.is_set || !stanza_.has_lease;
+            return {about.Of(is_needed ? Severity::kProblem : Severity::kWarning, "cannot be set")
+                        .Because(description, remedy)};
         }
         if (!stray_) {
             return {};
         }
-        return {about.Warning(
-            "would be set in the wrong place",
-            "the stanza has no " + name_ + " line; a new one would be below " +
-                Excerpt(lines_[*stray_]) + ", outside the stanza",
-            line_to_add_ + " below line " + std::to_string(stanza_.header + 1) + ", then set it")};
+        return {about.Warning("would be set in the wrong place",
+                              "the stanza has no " + OneOf(names) +
+                                  " line; a new one would be below " + Excerpt(lines_[*stray_]) +
+                                  ", outside the stanza",
+                              remedy)};
     }
 
     const Lines& lines_;
     const Stanza& stanza_;
-    const Setting& setting_;
-    const std::string name_;
-    const std::string line_to_add_;
-    const Finding about_;
+    const Scope& scope_;
     const std::optional<size_t> stray_;  // the line that ends the stanza for ifup
 };
 
@@ -179,45 +264,44 @@ Findings CheckHeaders(const Finding& about, const Lines& lines, const std::strin
     const std::vector<size_t> headers =
         IndexesOf(lines, [&](std::string_view line) { return IsAlmostHeader(line, interface); });
     return FindingsOfEach(headers, [&](size_t i) -> Findings {
+        const std::vector<std::string> words = WordsOf(lines[i]);
+        const bool has_lease = words.size() > 3 && words[3] == velk::kDhcpMethod;
         return {about.At(i).Problem(
             "are not found in a stanza",
             "the library does not recognise the header " + Excerpt(lines[i]),
-            "write \"" + velk::StanzaHeader(interface) +
-                "static\" or \"... dhcp\" in the first column, with single blanks")};
+            InsteadOfLine(i) + "\"" + velk::StanzaHeader(interface) +
+                std::string(has_lease ? velk::kDhcpMethod : velk::kStaticMethod) + "\"")};
     });
 }
 
-Findings CheckMethod(const Finding& about, std::string_view method, const std::string& interface) {
-    if (method.starts_with(velk::kStaticMethod) || method.starts_with(velk::kDhcpMethod)) {
+Findings CheckMethod(const Finding& about, const Stanza& stanza, const std::string& interface) {
+    if (stanza.has_lease || stanza.method.starts_with(velk::kStaticMethod)) {
         return {};
     }
     return {about.With(Impact::kReading)
-                .Problem("cannot be read", Excerpt(method) + " is neither static nor dhcp",
+                .Problem("cannot be read", Excerpt(stanza.method) + " is neither static nor dhcp",
                          "choose a method: velkctl set " + interface + ".method static")};
 }
 
-Findings CheckInterface(const Lines& lines, const std::string& interface) {
-    const Finding about{.subject = interface + ".method, " + interface + ".address, " + interface +
-                                   ".netmask and " + interface + ".gateway",
-                        .file = velk::kInterfacesFile,
-                        .affected = SettingsHeldIn(velk::kInterfacesFile, interface),
-                        .impact = Impact::kSetting};
+Findings CheckInterface(const Lines& lines, const std::string& interface, const Scope& scope) {
+    const Finding about = About(SettingsHeldIn(velk::kInterfacesFile, interface),
+                                velk::kInterfacesFile, Impact::kBoth);
     const std::string header = velk::StanzaHeader(interface);
     Findings findings = CheckHeaders(about, lines, interface);
     const std::optional<Stanza> stanza = FindStanza(lines, interface);
     if (!stanza && findings.empty()) {
         return {about.Problem("can be neither read nor set",
                               "no line begins with '" + header + "static' or '... dhcp'",
-                              "add a stanza that begins with one")};
+                              "add \"" + header +
+                                  "static\", and below it address, netmask and "
+                                  "gateway")};
     }
     if (!stanza) {
         return findings;
     }
     const size_t first = stanza->header;
-    Append(findings, CheckMethod(about.At(first), lines[first].substr(header.size()), interface));
-    Append(findings, FindingsOfEach(AddressesOf(interface), [&](const Setting& setting) {
-               return ValueCheck(lines, *stanza, setting).Run();
-           }));
+    Append(findings, CheckMethod(about.At(first), *stanza, interface));
+    Append(findings, StanzaCheck(lines, *stanza, scope).Run());
     // Method and addresses are set in every stanza of the interface and read from the first.
     if (const auto second = FindLine(lines, first + 1, lines.size(), StartsWith(header))) {
         findings.push_back(
@@ -225,7 +309,8 @@ Findings CheckInterface(const Lines& lines, const std::string& interface) {
                 .With(Impact::kNothing)
                 .Warning("are not read from a second stanza",
                          "only the one on line " + std::to_string(first + 1) + " counts",
-                         "make one stanza of the two"));
+                         "move the lines that are needed " + BelowLine(first) +
+                             ", and remove the rest"));
     }
     return findings;
 }
@@ -238,8 +323,20 @@ Findings CheckInterfaces() {
         return {};
     }
     return FindingsOfEach(kInterfaces, [&](const std::string& interface) {
-        return CheckInterface(file.lines, interface);
+        return CheckInterface(file.lines, interface, {AddressesOf(interface)});
     });
+}
+
+Findings CheckInterfacesFor(const Setting& setting, std::string_view value) {
+    const TextFile file = ReadTextFile(velk::kInterfacesFile);
+    if (file.state != FileState::kText) {
+        return {};
+    }
+    Scope scope{{}, /*is_set=*/true, setting.row->secret ? "" : value};
+    if (Includes(AddressesOf(setting.interface), setting)) {
+        scope.settings.push_back(setting);
+    }
+    return CheckInterface(file.lines, std::string(setting.interface), scope);
 }
 
 Findings ValueLineOf(const Setting& setting) {

@@ -14,8 +14,8 @@ namespace velkctl {
 namespace {
 
 // Returns the findings that keep the setting from being read or set, the likeliest first.
-Findings FindingsAgainst(const Setting& setting) {
-    Findings found = ExamineFor(setting);
+Findings FindingsAgainst(const Setting& setting, std::string_view value = {}) {
+    Findings found = ExamineFor(setting, value);
     Append(found, CheckDaemonRuns(setting));
     std::erase_if(found, [](const Finding& finding) { return finding.impact == Impact::kNothing; });
     std::ranges::stable_sort(found, {}, [](const Finding& finding) {
@@ -24,10 +24,30 @@ Findings FindingsAgainst(const Setting& setting) {
     return found;
 }
 
+// Returns the first finding of this impact after a plain failure; nothing if there is none.
+std::optional<Finding> CauseOf(const Setting& setting, const Answer& answer,
+                               bool (*hinders)(Impact impact)) {
+    if (answer.known_result() != LIB_VELK_FAILURE) {
+        return std::nullopt;
+    }
+    const Findings found = FindingsAgainst(setting);
+    const auto cause = std::ranges::find_if(found, hinders, &Finding::impact);
+    return cause == found.end() ? std::nullopt : std::optional(*cause);
+}
+
+Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer,
+                         bool (*hinders)(Impact impact)) {
+    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
+    if (const std::optional<Finding> cause = CauseOf(setting, answer, hinders)) {
+        AddLikelyCause(problem, *cause);
+    }
+    return problem;
+}
+
 }  // namespace
 
-Findings LikelyCauses(const Setting& setting) {
-    Findings causes = FindingsAgainst(setting);
+Findings LikelyCauses(const Setting& setting, std::string_view value) {
+    Findings causes = FindingsAgainst(setting, value);
     if (causes.empty()) {
         Append(causes, ValueLineOf(setting));
         Append(causes, DaemonDiffers(setting));
@@ -46,14 +66,22 @@ void AddLikelyCause(Problem& problem, const Finding& cause) {
     problem.line = cause.line;
 }
 
-Problem ProblemWithCause(std::string message, const Setting& setting, const Answer& answer) {
-    Problem problem = ProblemOf(std::move(message), setting.name(), answer);
-    const Findings causes =
-        answer.known_result() == LIB_VELK_FAILURE ? FindingsAgainst(setting) : Findings();
-    if (!causes.empty()) {
-        AddLikelyCause(problem, causes.front());
-    }
-    return problem;
+std::optional<Finding> LikelyCauseOfGet(const Setting& setting, const Answer& answer) {
+    return CauseOf(setting, answer, HindersReading);
+}
+
+ExitStatus StatusWithCause(const Setting& setting, const Answer& answer) {
+    const bool has_no_adapter = answer.known_result() == LIB_VELK_FAILURE &&
+                                Includes(WirelessConfiguration(), setting) && DaemonLacksAdapter();
+    return has_no_adapter ? ExitStatus::kNoAdapter : StatusOf(answer);
+}
+
+Problem ProblemOfGet(std::string message, const Setting& setting, const Answer& answer) {
+    return ProblemWithCause(std::move(message), setting, answer, HindersReading);
+}
+
+Problem ProblemOfSet(std::string message, const Setting& setting, const Answer& answer) {
+    return ProblemWithCause(std::move(message), setting, answer, HindersSetting);
 }
 
 }  // namespace velkctl

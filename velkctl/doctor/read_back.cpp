@@ -26,7 +26,7 @@ std::string HeldValue(const Setting& setting, const Answer& answer) {
     if (setting.row->secret) {
         return "the device holds another value";
     }
-    return "the device holds " + Quoted(setting.row->kind->Print(answer.data));
+    return "the device holds " + QuotedWhole(setting.row->kind->Print(answer.data));
 }
 
 // `difference` says how the device differs, `losses` names the files that have lost their text.
@@ -48,12 +48,25 @@ ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& rep
     return {std::nullopt, StatusOf(answer)};
 }
 
+// True if the device holds a value that is neither the one before the set nor the one that was set:
+// only another program can have set it, after this set.
+bool IsSetByAnother(const Setting& setting, const Answer& answer, const FilesBefore& before) {
+    return answer.ok() && !setting.row->secret && before.value() && before.Losses().empty() &&
+           setting.row->kind->Print(answer.data) != *before.value();
+}
+
+// The set was done. The later one counts, as it would have a minute later.
+ReadBack SetByAnother(const Setting& setting, const Answer& answer, Report& report) {
+    report.Note(setting.name() + ": set, but another program has set it to " +
+                Quoted(setting.row->kind->Print(answer.data)) + " since");
+    return {false, ExitStatus::kDone};
+}
+
 // Checks a value that cannot be read back by looking for findings that keep it from being set.
 ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
-                     Report& report) {
-    Findings causes = LikelyCauses(setting);
+                     Findings causes, Report& report) {
     std::erase_if(causes, [](const Finding& cause) {
-        return cause.severity != Severity::kProblem || cause.impact != Impact::kSetting;
+        return cause.severity != Severity::kProblem || !HindersSetting(cause.impact);
     });
     if (!causes.empty() || !losses.empty()) {
         return NotHeld(setting, "the device cannot hold the value", losses, causes, report);
@@ -66,11 +79,12 @@ ReadBack CheckUnread(const Setting& setting, const std::string& reason, const st
 
 ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
                          const Device& device, Report& report) {
+    const ValueKind& kind = *setting.row->kind;
+    const auto causes = [&] { return LikelyCauses(setting, kind.Print(wanted)); };
     if (!setting.can_get()) {
-        return CheckUnread(setting, "it cannot be read", before.Losses(), report);
+        return CheckUnread(setting, "it cannot be read", before.Losses(), causes(), report);
     }
     const Answer answer = device.Get(setting);
-    const ValueKind& kind = *setting.row->kind;
     if (answer.ok() && kind.Print(answer.data) == kind.Print(wanted)) {
         return {true, ExitStatus::kDone};
     }
@@ -81,10 +95,12 @@ ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const Files
         return CheckUnread(
             setting,
             "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
-            before.Losses(), report);
+            before.Losses(), causes(), report);
     }
-    return NotHeld(setting, HeldValue(setting, answer), before.Losses(), LikelyCauses(setting),
-                   report);
+    if (IsSetByAnother(setting, answer, before)) {
+        return SetByAnother(setting, answer, report);
+    }
+    return NotHeld(setting, HeldValue(setting, answer), before.Losses(), causes(), report);
 }
 
 }  // namespace velkctl

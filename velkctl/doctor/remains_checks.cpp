@@ -15,12 +15,9 @@ namespace {
 constexpr std::string_view kMaybeUnread = "may not have been read";
 
 Finding AboutRemains(const char* path, const struct stat& facts) {
-    return {.subject = "wireless settings",
-            .effect = "can be neither read nor set",
-            .file = path,
-            .remedy = RemoveCommand(path, facts),
-            .affected = WirelessSettings(),
-            .impact = Impact::kSetting};
+    Finding about = AboutWireless(path);
+    about.remedy = RemoveCommand(path, facts);
+    return about;
 }
 
 // A reply socket that no process has bound.
@@ -64,10 +61,9 @@ Findings CheckRemains(const char* path, Check check) {
 
 // The next reading overwrites a file of the caller's own. It removes any other file, if the caller
 // may remove it; if not, nothing is read.
-Finding CheckResult(Finding about, const struct stat& facts) {
-    about.subject = "link-speed and the address and netmask of a lease";
-    about.affected = SettingsReadWith();
-    about.impact = Impact::kNothing;
+Finding CheckResult(const Finding& remains, const struct stat& facts) {
+    Finding about = About(SettingsReadWith(), remains.file, Impact::kNothing);
+    about.remedy = remains.remedy;
     if (S_ISREG(facts.st_mode) && facts.st_nlink == 1 && facts.st_uid == geteuid()) {
         return about.Warning(kMaybeUnread, "a result was left, " + AgeOf(facts) +
                                                " old; the next one overwrites it");

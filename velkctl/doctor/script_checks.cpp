@@ -57,7 +57,8 @@ Findings CheckOuter(const Script& script, const Finding& about, std::string_view
         return {about.Problem(
             "would be switched for every interface",
             "the library does not see that " + Excerpt(line) + " depends on the interface",
-            "write: if [ \"$interface\" = \"eth0\" ]; then")};
+            is_unknown_if ? "write $interface instead of ${interface}"
+                          : "for each interface write: if [ \"$interface\" = \"NAME\" ]; then")};
     }
     return {};
 }
@@ -179,19 +180,14 @@ Findings CheckScript(Script script, Check check) {
 }  // namespace
 
 Findings CheckExitHooks() {
-    const AffectedSettings affected = SettingsHeldIn(velk::kExitHooks);
-    return CheckScript({{.subject = SubjectOf(affected),
-                         .file = velk::kExitHooks,
-                         .affected = affected,
-                         .impact = Impact::kSetting},
-                        "$interface"},
-                       CheckCommands);
+    return CheckScript(
+        {About(SettingsHeldIn(velk::kExitHooks), velk::kExitHooks, Impact::kSetting), "$interface"},
+        CheckCommands);
 }
 
 Findings CheckClientScript() {
-    const AffectedSettings affected = SettingsChanging(velk::kClientScript);
     return CheckScript(
-        {{.subject = SubjectOf(affected), .file = velk::kClientScript, .affected = affected},
+        {About(SettingsChanging(velk::kClientScript), velk::kClientScript, Impact::kNothing),
          "interface"},
         CheckCalls);
 }

@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velkctl/call/environment.h"
 #include "velkctl/doctor/checks.h"
@@ -39,10 +40,10 @@ std::vector<Tool> Tools() {
     const AffectedSettings link_speed = SettingsReadWith(kLinkTool);
     return {
         {"sudo", kDirectly, "no interface can be restarted, link-speed can be neither read nor set",
-         kProblem, link_speed, Impact::kSetting, kForRestart},
+         kProblem, link_speed, Impact::kBoth, kForRestart},
         {"cat", kDirectly, "no setting in a file can be set", kProblem, EditedSettings(),
          Impact::kSetting},
-        {"rm", kDirectly, "edit copies and results stay in /var/tmp"},
+        {"rm", kDirectly, std::string("edit copies and results stay in ") + velk::kEditFolder},
         {"grep", kDirectly, "the link cannot be read from the log when ethtool does not report it",
          kWarning},
         {"ifconfig", kDirectly, "address and netmask of a DHCP interface cannot be read", kProblem,
@@ -51,8 +52,8 @@ std::vector<Tool> Tools() {
         {"route", kBySudo,
          "the running default gateway cannot be changed, only the one in the file", kWarning},
         {"ethtool", kBySudo, "eth0.link-speed can be neither read nor set", kProblem, link_speed,
-         Impact::kSetting},
-        {"/usr/sbin/ethtool", kBySudo, "it takes a minute to find out whether the cable is in"},
+         Impact::kBoth},
+        {velk::kEthtool, kBySudo, "it takes a minute to find out whether the cable is in"},
         {.name = "ifup",
          .by_sudo = kBySudo,
          .consequence = "no interface can be brought up again by a restart",
@@ -62,7 +63,7 @@ std::vector<Tool> Tools() {
          .consequence = "no interface can be brought down by a restart",
          .for_restart = kForRestart},
         {"sed", kBySudo, "administrator and location do not reach the SNMP agent"},
-        {"/etc/init.d/snmpd", kBySudo,
+        {velk::kSnmpScript, kBySudo,
          "administrator and location do not reach the running SNMP agent"},
     };
 }
@@ -181,7 +182,7 @@ Findings CheckIfconfigOutput(std::string_view output) {
         "it prints " + Excerpt(rest.substr(0, rest.find('\n'))) +
             ", but the library looks for 'inet addr:' and 'Mask:'; address and netmask of a DHCP "
             "interface are read as empty",
-        "install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does")};
+        "install an ifconfig that prints 'inet addr:ADDRESS', as busybox's does")};
 }
 
 Findings CheckIfconfig() {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -27,12 +29,42 @@ std::string FileInLocks(dev_t device, ino_t inode) {
     return text.data();
 }
 
-std::optional<int> HoldingProcess() {
-    struct stat file {};
-    if (stat(velk::kLockFile, &file) != 0) {
-        return std::nullopt;
-    }
+// Returns the process that took the lock, if the kernel still names it.
+std::optional<int> TakerOf(const struct stat& file) {
     return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
+}
+
+// Returns the names in a folder that are numbers, in order: processes, or descriptors of one.
+std::vector<int> NumbersIn(const std::string& folder) {
+    std::vector<int> numbers;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (const std::optional<int> number = ParseNumber<int>(name)) {
+            numbers.push_back(*number);
+        }
+    }
+    std::ranges::sort(numbers);
+    return numbers;
+}
+
+// True if a descriptor of the process holds the lock, which another process may have taken.
+bool HasLockedDescriptor(int process, const std::string& file) {
+    const std::string folder = "/proc/" + std::to_string(process) + "/fdinfo/";
+    const std::vector<int> descriptors = NumbersIn(folder);
+    return std::ranges::any_of(descriptors, [&](int descriptor) {
+        const std::string facts = ReadTextFile(folder + std::to_string(descriptor)).bytes;
+        return velk::Contains(facts, "FLOCK") && velk::Contains(facts, " " + file + " ");
+    });
+}
+
+// Returns the processes that hold the lock by a descriptor that the caller may examine.
+std::vector<int> DescriptorHolders(const struct stat& file) {
+    const std::string name = FileInLocks(file.st_dev, file.st_ino);
+    std::vector<int> processes = NumbersIn("/proc");
+    std::erase_if(processes, [&](int process) { return !HasLockedDescriptor(process, name); });
+    return processes;
 }
 
 // Returns name and age of a process; nothing if it has ended.
@@ -46,7 +78,12 @@ std::optional<LockHolder> Describe(int process) {
         return std::nullopt;
     }
     name.pop_back();  // the end of the line
-    return LockHolder{process, name, *seconds};
+    return LockHolder{process, name, *seconds, {}};
+}
+
+std::optional<struct stat> LockFile() {
+    struct stat file {};
+    return stat(velk::kLockFile, &file) == 0 ? std::optional(file) : std::nullopt;
 }
 
 }  // namespace
@@ -92,27 +129,44 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
 }
 
 std::optional<LockHolder> FindLockHolder() {
-    const std::optional<int> process = HoldingProcess();
-    return process ? Describe(*process) : std::nullopt;
+    const std::optional<struct stat> file = LockFile();
+    if (!file) {
+        return std::nullopt;
+    }
+    const std::optional<int> taker = TakerOf(*file);
+    std::optional<LockHolder> holder = taker ? Describe(*taker) : std::nullopt;
+    if (holder) {
+        return holder;
+    }
+    std::vector<int> processes = DescriptorHolders(*file);
+    for (const int process : processes) {
+        holder = holder ? holder : Describe(process);
+    }
+    if (holder) {
+        std::erase(processes, holder->process);
+        holder->others = std::move(processes);
+    }
+    return holder;
 }
 
 std::string DescribeHolder(const LockHolder& holder) {
+    std::string others;
+    for (const int process : holder.others) {
+        others.append(others.empty() ? ", shared with " : ", ").append(std::to_string(process));
+    }
     return "process " + std::to_string(holder.process) + " (" + Printable(holder.name) + ", " +
-           FormatDuration(holder.seconds) + " old)";
+           FormatDuration(holder.seconds) + " old" + others + ")";
 }
 
 std::string DescribeLockHolder() {
-    const std::optional<int> process = HoldingProcess();
-    if (!process) {
-        return "";
-    }
-    if (const std::optional<LockHolder> holder = Describe(*process)) {
+    if (const std::optional<LockHolder> holder = FindLockHolder()) {
         return DescribeHolder(*holder);
     }
-    if (HoldingProcess() != process) {
-        return "";  // it gave the lock back and ended meanwhile
-    }
-    return "a child of process " + std::to_string(*process) + ", which has ended";
+    const std::optional<struct stat> file = LockFile();
+    const std::optional<int> taker = file ? TakerOf(*file) : std::nullopt;
+    return taker && !Describe(*taker)
+               ? "a child of process " + std::to_string(*taker) + ", which has ended"
+               : "";
 }
 
 }  // namespace velkctl

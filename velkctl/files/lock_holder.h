@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -14,17 +15,20 @@ struct LockHolder {
     int process;
     std::string name;
     long seconds;  // since the process started; the kernel does not record when it took the lock
+    std::vector<int> others;  // processes with the same descriptor of the lock file
 };
 
 // Returns the process that holds the library's lock; nothing if none, or if it is unknown, as with
-// a process of another PID namespace.
+// a process of another PID namespace. If the process that took the lock has ended, finds one that
+// it started and that has the descriptor; without root's rights, only among the user's own.
 std::optional<LockHolder> FindLockHolder();
 
-// Returns "process 1234 (name, 5 minutes old)".
+// Returns "process 1234 (name, 5 minutes old)", or "process 12 (sh, 3 seconds old, shared with
+// 13)".
 std::string DescribeHolder(const LockHolder& holder);
 
-// Returns a text about the process that holds the lock, also if it has ended and a program that it
-// started holds the lock on; empty if none does.
+// Returns a text about the process that holds the lock; empty if none is found. If nothing but the
+// number of an ended process is known, says that a child of it holds the lock.
 std::string DescribeLockHolder();
 
 // Returns the process that /proc/locks names as the holder of the flock(2) on this file.

@@ -5,6 +5,9 @@
 #include <array>
 #include <string_view>
 
+#include "lib/base/join_text.h"
+#include "lib/base/paths.h"
+
 namespace velkctl {
 
 // The numbers are the statuses the process ends with: scripts depend on them.
@@ -21,8 +24,8 @@ enum class ExitStatus : int {
 
 // The remedies of the results that have an exit status of their own.
 inline constexpr std::string_view kLockedRemedy = "try again, or let --wait=SECONDS try again";
-inline constexpr std::string_view kNoAdapterRemedy =
-    "attach an adapter of /usr/local/share/apps/wlan/supportlist.ini";
+inline constexpr auto kNoAdapterRemedy =
+    velk::JoinText("attach an adapter of ", velk::kSupportList);
 inline constexpr std::string_view kWiredLinkedRemedy =
     "pull the cable; wireless works only without it";
 

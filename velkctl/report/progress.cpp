@@ -2,9 +2,11 @@
 #include "velkctl/report/progress.h"
 
 #include <cstdio>
+#include <optional>
 
-#include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "velkctl/report/output.h"
 
 namespace velkctl {
 namespace {
@@ -13,9 +15,8 @@ constexpr size_t kUsualWidth = 80;
 
 // A line as wide as the terminal would wrap, and the next one would not replace it.
 size_t RoomForLine() {
-    winsize size{};
-    const bool is_known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return (is_known ? size.ws_col : kUsualWidth) - 1;
+    const std::optional<TerminalSize> size = TerminalSizeOf(STDERR_FILENO);
+    return (size ? size->columns : kUsualWidth) - 1;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 namespace velkctl {
 namespace {
 
-constexpr int kSchema = 2;  // raised if a change can break a program that reads the document
+constexpr int kSchema = 3;  // raised if a change can break a program that reads the document
 constexpr size_t kColumns = 80;
 constexpr std::string_view kPrefix = "velkctl: ";
 constexpr std::string_view kSeparator = "; ";
@@ -33,20 +33,6 @@ Json CauseOf(const Problem& problem) {
     return cause;
 }
 
-Json ErrorOf(const Problem& problem) {
-    Json error;
-    error["message"] = problem.message;
-    error["detail"] = TextOrNull(problem.detail);
-    error["cause"] = CauseOf(problem);
-    error["remedy"] = TextOrNull(problem.remedy);
-    error["setting"] = TextOrNull(problem.setting);
-    error["result"] = nullptr;
-    if (problem.result) {
-        error["result"] = ResultInJson(*problem.result);
-    }
-    return error;
-}
-
 // An apostrophe follows a letter.
 bool OpensQuote(std::string_view text, size_t at) {
     return text[at] == '\'' && (at == 0 || text[at - 1] == ' ');
@@ -57,8 +43,8 @@ bool ClosesQuote(std::string_view text, size_t at) {
                                 std::string_view(" ,;:)").find(text[at + 1]) != std::string::npos);
 }
 
-// Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if
-// it has neither. A quotation stays whole.
+}  // namespace
+
 std::string_view FirstClause(std::string_view text) {
     bool is_quoted = false;
     for (size_t at = 0; at < text.size(); ++at) {
@@ -77,7 +63,19 @@ std::string_view FirstClause(std::string_view text) {
     return text;
 }
 
-}  // namespace
+Json ProblemInJson(const Problem& problem) {
+    Json error;
+    error["message"] = problem.message;
+    error["detail"] = TextOrNull(problem.detail);
+    error["cause"] = CauseOf(problem);
+    error["remedy"] = TextOrNull(problem.remedy);
+    error["setting"] = TextOrNull(problem.setting);
+    error["result"] = nullptr;
+    if (problem.result) {
+        error["result"] = ResultInJson(*problem.result);
+    }
+    return error;
+}
 
 std::string InLinesOf80(std::string_view text, size_t indent) {
     std::string lines;
@@ -143,17 +141,36 @@ void Report::Text(std::string_view text) const {
     }
 }
 
+void Report::Inform(std::string_view text) const {
+    if (detail_ != Detail::kQuiet) {
+        Text(text);
+    }
+}
+
 void Report::Member(std::string_view key, Json value) {
     if (is_json()) {
         document_->members[std::string(key)] = std::move(value);
     }
 }
 
+void Report::KeepToolOutput(std::vector<std::string> lines) {
+    tool_output_ = std::move(lines);
+    if (is_verbose()) {
+        ShowToolOutput();
+    }
+}
+
+void Report::ShowToolOutput() {
+    for (const std::string& line : std::exchange(tool_output_, {})) {
+        Note(line);
+    }
+}
+
 void Report::Note(std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
-    } else {
-        PrintError(note);
+    } else if (detail_ != Detail::kQuiet) {
+        PrintError(note, Tone::kNote);
     }
 }
 
@@ -162,8 +179,9 @@ void Report::Note(const Problem& problem) {
 }
 
 void Report::Complain(const Problem& problem) {
+    ShowToolOutput();
     if (is_json()) {
-        document_->errors.push_back(ErrorOf(problem));
+        document_->errors.push_back(ProblemInJson(problem));
     } else {
         PrintError(InLines(problem));
     }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/report/exit_status.h"
 #include <nlohmann/json_fwd.hpp>
@@ -24,6 +25,10 @@ struct Problem {
     size_t line = 0;     // 0: no line of the file
 };
 
+// Returns the part of the text before its first "; " or ", but ", with the comma; the whole text if
+// it has neither. A quotation stays whole.
+std::string_view FirstClause(std::string_view text);
+
 // Breaks a text that is too long for one line of a terminal at its semicolons and before "but".
 // Advice on a line of its own is marked as the fix. A fix stays whole: it may be a line for the
 // shell. `indent` is the width of the text before it on its line; the next lines are indented by
@@ -37,10 +42,14 @@ std::string OneLine(const Problem& problem);
 // The same for people: the failure on the first line; reason, fix and result on indented lines.
 std::string InLines(const Problem& problem);
 
+// {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
+// "setting": ..., "result": ...}. A member that is unknown is null.
+Json ProblemInJson(const Problem& problem);
+
 // Text is printed at once: answers to standard output, problems and notes to standard error. JSON
 // is printed at the end, as docs/velkctl.schema.json describes it:
 //
-//   {"schema": 2, "verb": "get", "status": 0, ..., "notes": [], "errors": []}
+//   {"schema": 3, "verb": "get", "status": 0, ..., "notes": [], "errors": []}
 class Report {
   public:
     enum class Form { kText, kJson };
@@ -50,15 +59,30 @@ class Report {
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
 
+    // The amount of output in text. A document has all of it, and tools' output with kVerbose.
+    enum class Detail { kQuiet, kUsual, kVerbose };
+
     bool is_json() const { return form_ == Form::kJson; }
+    void set_detail(Detail detail) { detail_ = detail; }
+    bool is_verbose() const { return detail_ == Detail::kVerbose; }
+    // True if a terminal may show how long a command has been waiting.
+    bool shows_progress() const { return !is_json() && detail_ != Detail::kQuiet; }
     void set_verb(std::string_view verb) { verb_ = verb; }
 
     // Prints a text as it is. Does nothing in JSON.
     void Text(std::string_view text) const;
+    // The same for a text that nobody asked for. Does nothing with kQuiet.
+    void Inform(std::string_view text) const;
     // Adds a member to the document, in the order of the calls. Does nothing in text.
     void Member(std::string_view key, Json value);
 
-    // Adds information for a person that a script can ignore.
+    // Keeps the lines that tools printed, in the place of earlier ones. Complain() adds them as
+    // notes before its problem; otherwise they are not shown. With kVerbose adds them at once.
+    void KeepToolOutput(std::vector<std::string> lines);
+    // Adds the kept lines as notes.
+    void ShowToolOutput();
+
+    // Adds information for a person that a script can ignore. With kQuiet only to the document.
     void Note(std::string_view note);
     void Note(const Problem& problem);
     void Complain(const Problem& problem);
@@ -76,7 +100,9 @@ class Report {
     struct Document;
 
     const Form form_;
+    Detail detail_ = Detail::kUsual;
     std::string verb_;
+    std::vector<std::string> tool_output_;
     std::unique_ptr<Document> document_;
 };
 

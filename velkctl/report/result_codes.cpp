@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "velkctl/text/find_row.h"
+#include "lib/base/find_row.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -38,7 +38,7 @@ std::span<const ResultCode> ResultCodes() {
 }
 
 ResultCode FindResultCode(int code) {
-    const ResultCode* row = FindRow(kResultCodes, code, &ResultCode::code);
+    const ResultCode* row = velk::FindRow(kResultCodes, code, &ResultCode::code);
     if (row == nullptr) {
         return {code, kUnknownName, kUnknownDescription, kUnknownRemedy, ExitStatus::kFailed};
     }

@@ -3,6 +3,7 @@
 
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 
@@ -27,15 +28,29 @@ Parsed AddressKind::Parse(std::span<const std::string> words) const {
     if (takes_none_ && word == kNone) {
         return parsed;
     }
-    if (const std::string problem = Problem(word); !problem.empty()) {
+    const std::string address = in_full_ == nullptr ? word : in_full_(word);
+    if (const std::string problem = Problem(address); !problem.empty()) {
         return Unparsable(Quoted(word) + " " + problem + Give());
     }
-    (void)word.copy(parsed.data.data(), parsed.data.size());
+    (void)address.copy(parsed.data.data(), parsed.data.size());
     return parsed;
+}
+
+std::vector<Meaning> AddressKind::Meanings() const {
+    return short_form_.value.empty() ? std::vector<Meaning>{} : std::vector<Meaning>{short_form_};
 }
 
 std::string AddressKind::Print(const Data& data) const {
     return PrintText(data, kNone);
+}
+
+std::string MaskOfPrefix(const std::string& word) {
+    const std::string text = word.substr(word.starts_with('/') ? 1 : 0);
+    const std::optional<unsigned> bits = ParseNumber<unsigned>(text, 0, 32);
+    if (!bits) {
+        return ParseIpv4(text) ? text : word;
+    }
+    return Dotted(*bits == 0 ? 0 : ~0U << (32 - *bits));
 }
 
 }  // namespace velkctl

@@ -13,14 +13,23 @@ namespace velkctl {
 class AddressKind final : public ValueKind {
   public:
     // `problem` returns the problem with an address, as HostAddressProblem() does; `wanted` names
-    // the values that it accepts, and `example` is one of them.
+    // the values that it accepts, and `example` is one of them. `short_form` is another form with
+    // its meaning, and `in_full` returns the address of such a word, and any other word unchanged.
     constexpr AddressKind(std::string_view wanted, std::string_view example,
-                          std::string_view (*problem)(uint32_t address), bool takes_none = false)
-        : wanted_(wanted), example_(example), problem_(problem), takes_none_(takes_none) {}
+                          std::string_view (*problem)(uint32_t address), bool takes_none = false,
+                          Meaning short_form = {},
+                          std::string (*in_full)(const std::string& word) = nullptr)
+        : wanted_(wanted),
+          example_(example),
+          problem_(problem),
+          takes_none_(takes_none),
+          short_form_(short_form),
+          in_full_(in_full) {}
 
     std::string Wanted() const override;
     std::string Example() const override { return std::string(example_); }
     Parsed Parse(std::span<const std::string> words) const override;
+    std::vector<Meaning> Meanings() const override;
     std::string Print(const Data& data) const override;
 
   private:
@@ -31,7 +40,13 @@ class AddressKind final : public ValueKind {
     std::string_view example_;
     std::string_view (*problem_)(uint32_t address);
     bool takes_none_;
+    Meaning short_form_;
+    std::string (*in_full_)(const std::string& word);
 };
+
+// Returns the mask of a prefix length, "24" or "/24", and any other word unchanged. A mask may
+// follow the slash, too.
+std::string MaskOfPrefix(const std::string& word);
 
 // True if the ones come before the zeros, and there is at least one of them.
 constexpr bool IsMask(uint32_t mask) {

@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <array>
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/settings/time_entry.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 
@@ -23,17 +23,26 @@ constexpr HeldIn InFile(const char* file, std::string_view key = "", FileLine se
     return {Holder::kFile, {file, key}, second_line};
 }
 
+constexpr HeldIn InEffect(TakesEffect takes_effect, HeldIn held_in) {
+    held_in.takes_effect = takes_effect;
+    return held_in;
+}
+
 // A line of an address. While a lease is shown, the tool reads it.
 constexpr HeldIn InAddressLine(std::string_view key, std::string_view tool = "") {
     return {Holder::kFile, {velk::kInterfacesFile, key}, {}, tool, /*is_of_lease=*/true};
 }
 
+// A set restarts the SNMP agent.
 constexpr HeldIn kAdministratorLines =
-    InFile(velk::kIdentityFile, "ADMINISTRATOR=", {velk::kSnmpFile, "syscontact"});
+    InEffect(TakesEffect::kAtOnce,
+             InFile(velk::kIdentityFile, "ADMINISTRATOR=", {velk::kSnmpFile, "syscontact"}));
 constexpr HeldIn kLocationLines =
-    InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"});
-constexpr HeldIn kTimeEntry = InFile(velk::kCrontab, kTimeClient);
-constexpr HeldIn kUpdateEntry = InFile(velk::kCrontab, "web_contents_updater");
+    InEffect(TakesEffect::kAtOnce,
+             InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"}));
+constexpr HeldIn kTimeEntry = InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, kTimeClient));
+constexpr HeldIn kUpdateEntry =
+    InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, "web_contents_updater"));
 constexpr HeldIn kTimeLog = InFile(velk::kNtpLog);
 constexpr HeldIn kMethodLines = InFile(velk::kInterfacesFile, "", {velk::kDhcpConfigFile});
 constexpr HeldIn kAddressLine = InAddressLine(velk::kAddressKey, kInterfaceTool);
@@ -46,9 +55,12 @@ constexpr HeldIn kTimeServerLines =
 constexpr HeldIn kLinkLocalLine = InFile(velk::kExitHooks, velk::kLinkLocalDaemon);
 constexpr HeldIn kNoticeLines =
     InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice});
-constexpr HeldIn kResolver = InFile(velk::kResolverFile);
+// The DNS forwarder reads its file again when it changes.
+constexpr HeldIn kResolver = InEffect(TakesEffect::kAtOnce, InFile(velk::kResolverFile));
 constexpr HeldIn kInKernel{.holder = Holder::kKernel};
-constexpr HeldIn kByEthtool{.holder = Holder::kTool, .tool = kLinkTool};
+constexpr HeldIn kByEthtool{
+    .holder = Holder::kTool, .tool = kLinkTool, .takes_effect = TakesEffect::kAtOnce};
+// A restart has the daemon use the configuration that it was sent.
 constexpr HeldIn kInDaemon{.holder = Holder::kDaemon};
 
 constexpr std::string_view kWepKeyHelp = "WEP key, or none; secret";
@@ -69,8 +81,8 @@ constexpr std::array<CatalogueRow, 36> kRows{{
      "result of the last time synchronisation"},
     {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen, kUpdateEntry,
      "schedule of the web update; see describe"},
-    {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kShownText, kOpen, kInKernel,
-     "hardware address: 12 hex digits"},
+    {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kMacAddress, kOpen, kInKernel,
+     "hardware address: 6 bytes in hex"},
     {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen, kMethodLines,
      "where the address comes from: static or dhcp"},
     {"apipa", VELK_CMD_APIPA, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kLinkLocalLine,
@@ -121,8 +133,8 @@ constexpr std::array<CatalogueRow, 36> kRows{{
      "pre-shared key, or none; secret"},
     {"rate", VELK_CMD_RATE, kEth1, kGet, &kRate, kOpen, kInDaemon,
      "transmission rate: 4 bytes as 8 hex digits"},
-    {"access-point", VELK_CMD_ACCESS_POINT, kEth1, kGet, &kShownText, kOpen, kInDaemon,
-     "address of the access point: 12 hex digits"},
+    {"access-point", VELK_CMD_ACCESS_POINT, kEth1, kGet, &kMacAddress, kOpen, kInDaemon,
+     "address of the access point: 6 bytes in hex"},
     {"signal", VELK_CMD_SIGNAL, kEth1, kGet, &kSignal, kOpen, kInDaemon,
      "signal strength: two numbers"},
     {"standards-enabled", VELK_CMD_STANDARDS_ENABLED, kEth1, kGet | kSet, &kStandardsEnabled, kOpen,
@@ -146,6 +158,15 @@ std::string_view WithoutInterface(std::string_view name) {
     return dot == std::string_view::npos ? name : name.substr(dot + 1);
 }
 
+std::vector<std::string> InterfaceNames() {
+    return {VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
+}
+
+// True for a misspelt interface.
+bool IsNearInterface(std::string_view word) {
+    return !SpellingSuggestions(word, InterfaceNames()).empty();
+}
+
 // Returns the full names of all settings, or of those with this name or id.
 std::vector<std::string> FullNames(std::optional<std::string_view> word = std::nullopt) {
     const std::optional<uint32_t> id = word ? ParseNumber<uint32_t>(*word) : std::nullopt;
@@ -158,23 +179,45 @@ std::vector<std::string> FullNames(std::optional<std::string_view> word = std::n
     return names;
 }
 
-// Returns the full names that a misspelt one may mean, with its interface or without.
-std::vector<std::string> GuessedNames(std::string_view name) {
-    std::vector<std::string> meant = SpellingSuggestions(name, FullNames());
-    if (!meant.empty()) {
-        return meant;
-    }
-    std::vector<std::string> short_names;
-    short_names.reserve(kRows.size());
+std::vector<std::string> ShortNames() {
+    std::vector<std::string> names;
+    names.reserve(kRows.size());
     for (const CatalogueRow& row : kRows) {
-        short_names.emplace_back(row.name);
+        names.emplace_back(row.name);
     }
-    for (const std::string& near : SpellingSuggestions(WithoutInterface(name), short_names)) {
-        for (std::string& full_name : FullNames(near)) {
-            meant.push_back(std::move(full_name));
+    return names;
+}
+
+// Returns the full names of the settings with these names without interface.
+std::vector<std::string> FullNamesOf(std::span<const std::string> short_names) {
+    std::vector<std::string> names;
+    for (const std::string& short_name : short_names) {
+        for (std::string& name : FullNames(short_name)) {
+            names.push_back(std::move(name));
         }
     }
-    return meant;
+    return names;
+}
+
+// Returns the full names that another program's name may mean: those on its interface, or all if
+// there is none on it.
+std::vector<std::string> NamesElsewhere(std::string_view name) {
+    const std::string_view own = WithoutInterface(name);
+    const std::string_view start = name.substr(0, name.size() - own.size());
+    std::vector<std::string> names = FullNamesOf(OtherNamesOf(own, ShortNames()));
+    std::vector<std::string> on_interface = names;
+    std::erase_if(on_interface, [start](const std::string& n) { return !n.starts_with(start); });
+    return on_interface.empty() ? names : on_interface;
+}
+
+// Returns the full names that a misspelt one may mean, with its interface or without.
+std::vector<std::string> GuessedNames(std::string_view name) {
+    if (std::vector<std::string> meant = NamesElsewhere(name); !meant.empty()) {
+        return meant;
+    }
+    std::vector<std::string> meant = SpellingSuggestions(name, FullNames());
+    return meant.empty() ? FullNamesOf(SpellingSuggestions(WithoutInterface(name), ShortNames()))
+                         : meant;
 }
 
 }  // namespace
@@ -182,6 +225,18 @@ std::vector<std::string> GuessedNames(std::string_view name) {
 std::string Setting::name() const {
     const std::string own(row->name);
     return interface.empty() ? own : std::string(interface).append(".").append(own);
+}
+
+std::string EffectTime(const Setting& setting) {
+    switch (setting.row->held_in.takes_effect) {
+        case TakesEffect::kAtOnce:
+            return "at once";
+        case TakesEffect::kWithCron:
+            return "at the next run of cron";
+        default:
+            return "at the next restart of " +
+                   (setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface));
+    }
 }
 
 std::span<const CatalogueRow> Catalogue() {
@@ -202,12 +257,29 @@ std::vector<Setting> Settings() {
 
 std::optional<Setting> FindSetting(std::string_view name) {
     const std::vector<Setting> settings = Settings();
-    const Setting* setting = FindRow(settings, name, &Setting::name);
-    return setting == nullptr ? std::nullopt : std::optional(*setting);
+    if (const Setting* setting = velk::FindRow(settings, name, &Setting::name)) {
+        return *setting;
+    }
+    const auto has_name = [name](const Setting& setting) { return setting.row->name == name; };
+    const auto setting = std::ranges::find_if(settings, has_name);
+    return std::ranges::count_if(settings, has_name) == 1 ? std::optional(*setting) : std::nullopt;
+}
+
+std::optional<Setting> FindSetting(uint32_t id, std::string_view interface) {
+    for (const Setting& setting : Settings()) {
+        if (setting.row->id == id && setting.interface == interface) {
+            return setting;
+        }
+    }
+    return std::nullopt;
+}
+
+bool IsSameSetting(const Setting& one, const Setting& other) {
+    return one.row->id == other.row->id && one.interface == other.interface;
 }
 
 bool IsAddressCommand(uint32_t id) {
-    const CatalogueRow* row = FindRow(kRows, id, &CatalogueRow::id);
+    const CatalogueRow* row = velk::FindRow(kRows, id, &CatalogueRow::id);
     return row != nullptr && row->held_in.is_of_lease;
 }
 
@@ -215,7 +287,8 @@ bool NamesSecret(std::string_view word) {
     const std::vector<Setting> settings = Settings();
     const std::optional<uint32_t> id = ParseNumber<uint32_t>(word);
     return std::any_of(settings.begin(), settings.end(), [&](const Setting& setting) {
-        return setting.row->secret && (setting.name() == word || setting.row->id == id);
+        return setting.row->secret &&
+               (setting.name() == word || setting.row->name == word || setting.row->id == id);
     });
 }
 
@@ -232,16 +305,21 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
     const size_t equals = name.find('=');
     if (equals != std::string_view::npos) {
         // The text after the "=" may be a secret.
-        return Quoted(name.substr(0, equals)) +
-               " is followed by '='; give the name alone, and the value as a separate argument";
+        return Quoted(name.substr(0, equals)) + " is followed by '='; give the name alone";
     }
     const std::vector<std::string> right = FullNames(WithoutInterface(name));
+    if (right.size() > 1 && velk::FindRow(kRows, name, &CatalogueRow::name) != nullptr) {
+        return Quoted(name) + " is a setting of both interfaces; give " + OneOf(right);
+    }
     if (!right.empty()) {
         return "unknown setting " + Quoted(name) + "; give " + OneOf(right);
     }
     if (name == VELK_WIRED_INTERFACE || name == VELK_WIRELESS_INTERFACE) {
         return Quoted(name) + " is an interface, not a setting; 'velkctl show " +
                std::string(name) + "' shows its settings";
+    }
+    if (IsNearInterface(name)) {
+        return UnknownInterface(name, Quoted(name));
     }
     if (const std::vector<std::string> meant = GuessedNames(name); !meant.empty()) {
         return "unknown setting " + Quoted(name) + "; did you mean " + OneOf(meant) + "?";
@@ -250,7 +328,7 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
 }
 
 std::string UnknownInterface(std::string_view word, const std::string& shown) {
-    const std::vector<std::string> interfaces{VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
+    const std::vector<std::string> interfaces = InterfaceNames();
     return shown + " is not an interface of the device" +
            DidYouMean(word, interfaces, "give " + OneOf(interfaces));
 }

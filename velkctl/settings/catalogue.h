@@ -36,6 +36,13 @@ enum class Holder {
     kDaemon,  // the wireless daemon
 };
 
+// The time when a change takes effect.
+enum class TakesEffect {
+    kAtOnce,
+    kAtRestart,  // when the interface is restarted
+    kWithCron,
+};
+
 // Where a setting is held.
 struct HeldIn {
     Holder holder = Holder::kFile;
@@ -44,6 +51,7 @@ struct HeldIn {
     // The tool that reads it; for a setting in a file, only while a lease is shown.
     std::string_view tool{};
     bool is_of_lease = false;  // with method dhcp the value of the lease is read
+    TakesEffect takes_effect = TakesEffect::kAtRestart;
 };
 
 // Tools that read settings.
@@ -71,19 +79,29 @@ struct Setting {
     std::string name() const;
 };
 
+// Returns the time when a change of the setting takes effect: "at the next restart of eth0".
+std::string EffectTime(const Setting& setting);
+
 std::span<const CatalogueRow> Catalogue();
 
 // Returns every setting, in the order of the catalogue.
 std::vector<Setting> Settings();
 
-// Returns the setting with this full name; nothing if none.
+// Returns the setting with this name; nothing if none. The interface may be left out of a name that
+// only one setting has: "ssid".
 std::optional<Setting> FindSetting(std::string_view name);
+
+// Returns the setting of this command on an interface; nothing if none.
+std::optional<Setting> FindSetting(uint32_t id, std::string_view interface);
+
+// True for two copies of one setting.
+bool IsSameSetting(const Setting& one, const Setting& other);
 
 // True for the commands of the address, netmask and gateway. With method static they read the
 // configuration, with method dhcp the lease.
 bool IsAddressCommand(uint32_t id);
 
-// True if the word is the full name or the id of a secret.
+// True if the word is the name of a secret, with its interface or without, or its id.
 bool NamesSecret(std::string_view word);
 
 // Returns the full names that a short or misspelt one may mean; empty if none is near it.

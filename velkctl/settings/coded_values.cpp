@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "lib/base/find_row.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
@@ -51,6 +51,10 @@ std::string CodedKind::Wanted() const {
     return OneOf(words);
 }
 
+std::string CodedKind::CodingRemark() const {
+    return coding_.empty() ? "" : std::string("; ").append(coding_);
+}
+
 Parsed CodedKind::Parse(std::span<const std::string> words) const {
     if (std::string problem = OneWordProblem(words); !problem.empty()) {
         return Unparsable(std::move(problem));
@@ -60,7 +64,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
                                     [&](const CodedValue& known) { return Matches(known, word); });
     if (value == values_.end()) {
         return Unparsable(Quoted(word) + " is not valid" +
-                          DidYouMean(word, Values(), "give " + Wanted()));
+                          DidYouMean(word, Values(), "give " + Wanted() + CodingRemark()));
     }
     Parsed parsed;
     parsed.data[0] = static_cast<char>(value->code);
@@ -68,7 +72,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
 }
 
 const CodedValue* CodedKind::Find(uint8_t code) const {
-    return FindRow(values_, code, &CodedValue::code);
+    return velk::FindRow(values_, code, &CodedValue::code);
 }
 
 Parsed CodedKind::Force(std::span<const std::string> words) const {
@@ -110,11 +114,7 @@ std::string CodedKind::Print(const Data& data) const {
 
 nlohmann::ordered_json CodedKind::ToJson(const Data& data) const {
     const auto code = static_cast<uint8_t>(data[0]);
-    const CodedValue* value = Find(code);
-    if (value == nullptr || value->name.empty()) {
-        return code;
-    }
-    return value->name;
+    return has_names() ? nlohmann::ordered_json(Print(data)) : nlohmann::ordered_json(code);
 }
 
 }  // namespace velkctl

@@ -19,7 +19,8 @@ struct CodedValue {
 // codes have none, the number of any of them is taken too.
 class CodedKind final : public ValueKind {
   public:
-    constexpr explicit CodedKind(std::span<const CodedValue> values) : values_(values) {}
+    constexpr explicit CodedKind(std::span<const CodedValue> values, std::string_view coding = "")
+        : values_(values), coding_(coding) {}
 
     std::string Wanted() const override;
     std::string Example() const override { return Values().front(); }
@@ -28,9 +29,10 @@ class CodedKind final : public ValueKind {
     Parsed Force(std::span<const std::string> words) const override;
     std::vector<std::string> Values() const override;
     std::vector<Meaning> Meanings() const override;
+    std::string_view Coding() const override { return coding_; }
     // A code that the table does not have is shown as its number.
     std::string Print(const Data& data) const override;
-    // The name, or the number of a code without one.
+    // A text if the table has names, else a number. The type does not depend on the value.
     nlohmann::ordered_json ToJson(const Data& data) const override;
 
   private:
@@ -39,8 +41,11 @@ class CodedKind final : public ValueKind {
     bool Matches(const CodedValue& value, std::string_view word) const;
     const CodedValue* Find(uint8_t code) const;
     std::string WordFor(const CodedValue& value) const;
+    // Returns the end of a message: who defines the values. Empty if velkctl knows their meaning.
+    std::string CodingRemark() const;
 
     std::span<const CodedValue> values_;
+    std::string_view coding_;
 };
 
 // A table of the numbers from `kFirst` to `kLast`.

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "lib/base/paths.h"
+#include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
@@ -49,18 +50,17 @@ DeviceFile MakeDeviceFile(const FileRow& row) {
 }  // namespace
 
 std::string SubjectOf(const std::vector<Setting>& settings) {
-    std::vector<std::string_view> names;
+    const bool is_of_one_interface = std::ranges::all_of(settings, [&](const Setting& setting) {
+        return setting.interface == settings.front().interface;
+    });
+    std::vector<std::string> names;
     for (const Setting& setting : settings) {
-        if (std::ranges::find(names, setting.row->name) == names.end()) {
-            names.push_back(setting.row->name);
+        std::string name = is_of_one_interface ? setting.name() : std::string(setting.row->name);
+        if (std::ranges::find(names, name) == names.end()) {
+            names.push_back(std::move(name));
         }
     }
-    std::string text;
-    for (const std::string_view& name : names) {
-        const bool is_last = &name == &names.back();
-        text.append(text.empty() ? "" : is_last ? " and " : ", ").append(name);
-    }
-    return text;
+    return AllOf(names);
 }
 
 const std::vector<DeviceFile>& DeviceFiles() {

@@ -17,8 +17,8 @@ enum class Change {
     kBySudo,
 };
 
-// Returns the names of the settings without their interfaces, each once: "method, dhcp-dns and
-// dhcp-ntp".
+// Returns the names of the settings: "eth0.address and eth0.netmask". Those of several interfaces
+// are named without them, each once: "method, dhcp-dns and dhcp-ntp".
 std::string SubjectOf(const std::vector<Setting>& settings);
 
 struct DeviceFile {

@@ -2,6 +2,7 @@
 #include "velkctl/settings/host_value.h"
 
 #include <algorithm>
+#include <vector>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -15,14 +16,14 @@ namespace {
 
 constexpr size_t kLongestName = 253;  // the longest host name, see hostname(7)
 constexpr size_t kLongestLabel = 63;
+constexpr std::string_view kOff = "off";
 
 bool IsNameCharacter(char c) {
     return velk::IsLetterOrDigit(c) || c == '-' || c == '_';
 }
 
 bool IsLabel(std::string_view label) {
-    return !label.empty() && label.size() <= kLongestLabel &&
-           std::ranges::all_of(label, IsNameCharacter);
+    return !label.empty() && std::ranges::all_of(label, IsNameCharacter);
 }
 
 // Returns the part after the last dot, which is a number in an address and in no name.
@@ -49,18 +50,37 @@ std::string_view WithoutEndDot(std::string_view name) {
     return name.substr(0, name.size() - (name.ends_with('.') ? 1 : 0));
 }
 
-bool IsHostName(std::string_view word) {
-    if (word.size() > kLongestName || !BeginsLikeName(word)) {
-        return false;
-    }
+// Returns the parts between the dots.
+std::vector<std::string_view> LabelsOf(std::string_view word) {
+    std::vector<std::string_view> labels;
     std::string_view rest = WithoutEndDot(word);
-    while (rest.find('.') != std::string_view::npos) {
-        if (!IsLabel(rest.substr(0, rest.find('.')))) {
-            return false;
-        }
-        rest.remove_prefix(rest.find('.') + 1);
+    for (size_t dot = 0; (dot = rest.find('.')) != std::string_view::npos;) {
+        labels.push_back(rest.substr(0, dot));
+        rest.remove_prefix(dot + 1);
     }
-    return IsLabel(rest);
+    labels.push_back(rest);
+    return labels;
+}
+
+bool IsHostName(std::string_view word) {
+    return BeginsLikeName(word) && std::ranges::all_of(LabelsOf(word), IsLabel);
+}
+
+std::string TooLong(size_t length, size_t longest) {
+    return "is too long: " + std::to_string(length) + " of at most " + std::to_string(longest) +
+           " characters";
+}
+
+// Returns the problem with the length of a name or of one of its parts; empty if none.
+std::string LengthProblem(std::string_view word) {
+    if (word.size() > kLongestName) {
+        return TooLong(word.size(), kLongestName);
+    }
+    const std::vector<std::string_view> labels = LabelsOf(word);
+    const auto longest = std::ranges::max_element(labels, {}, &std::string_view::size);
+    return longest->size() > kLongestLabel
+               ? TooLong(longest->size(), kLongestLabel) + " without a dot"
+               : "";
 }
 
 // Returns the problem with a word, to follow it in a message; empty if none.
@@ -73,6 +93,9 @@ std::string HostProblem(const std::string& word) {
     }
     if (!IsHostName(word)) {
         return "is not a host name";
+    }
+    if (std::string problem = LengthProblem(word); !problem.empty()) {
+        return problem;
     }
     return IsNumber(LastLabel(WithoutEndDot(word))) ? NotIpv4Problem(word, "an IPv4 address") : "";
 }
@@ -91,6 +114,12 @@ Parsed HostKind::Parse(std::span<const std::string> words) const {
     const std::string& word = words.front();
     if (word == kNone) {
         return parsed;
+    }
+    if (word == kOff) {
+        // It switches other settings off, and would be the name of a host here.
+        return Unparsable(
+            "'off' would be a host name here; give none to clear the setting, or --force to set "
+            "that name");
     }
     if (const std::string problem = HostProblem(word); !problem.empty()) {
         return Unparsable(Quoted(word) + " " + problem + Give());

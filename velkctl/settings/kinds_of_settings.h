@@ -20,8 +20,16 @@ inline constexpr HostKind kHost{};
 inline constexpr ScheduleKind kSchedule{};
 
 // ---- Addresses ---------------------------------------------------------------------------------
-inline constexpr AddressKind kAddress{"an IPv4 address", "192.168.0.10", HostAddressProblem};
-inline constexpr AddressKind kNetmask{"an IPv4 mask", "255.255.255.0", MaskProblem};
+inline constexpr AddressKind kAddress{"an IPv4 address",
+                                      "192.168.0.10",
+                                      HostAddressProblem,
+                                      /*takes_none=*/false,
+                                      {"192.168.0.10/24", "sets the netmask, too"}};
+inline constexpr AddressKind kNetmask{
+    "an IPv4 mask",       "255.255.255.0",
+    MaskProblem,
+    /*takes_none=*/false, {"24", "the mask with this number of ones"},
+    MaskOfPrefix};
 inline constexpr AddressKind kGateway{"an IPv4 address", "192.168.0.1", HostAddressProblem,
                                       /*takes_none=*/true};
 
@@ -52,10 +60,15 @@ inline constexpr std::array<CodedValue, 2> kServiceSetTable{{
 }};
 inline constexpr std::array<CodedValue, 4> kEncryptionTable{{
     {1},
-    {2, "wep"},  // the others are the wireless daemon's
+    {2, "wep"},
     {3},
     {4},
 }};
+// The wireless daemon gives these numbers their meaning; the library passes them on.
+inline constexpr std::string_view kCodedByDaemon =
+    "the wireless daemon defines the meaning; see its manual";
+inline constexpr std::string_view kEncryptionCoding =
+    "the wireless daemon defines the meaning of 1, 3 and 4; see its manual";
 inline constexpr auto kOneToThreeTable = NumberTable<1, 3>();
 inline constexpr auto kOneToFourTable = NumberTable<1, 4>();
 inline constexpr auto kWepKeyNumberTable = NumberTable<1, VELK_WEP_KEYS>();
@@ -67,15 +80,15 @@ inline constexpr CodedKind kMethod{kMethodTable};
 inline constexpr CodedKind kNtpResult{kNtpResultTable};
 inline constexpr CodedKind kLinkMode{kLinkModeTable};
 inline constexpr CodedKind kServiceSet{kServiceSetTable};
-inline constexpr CodedKind kEncryption{kEncryptionTable};
-inline constexpr CodedKind kOneToThree{kOneToThreeTable};
-inline constexpr CodedKind kOneToFour{kOneToFourTable};
+inline constexpr CodedKind kEncryption{kEncryptionTable, kEncryptionCoding};
+inline constexpr CodedKind kOneToThree{kOneToThreeTable, kCodedByDaemon};
+inline constexpr CodedKind kOneToFour{kOneToFourTable, kCodedByDaemon};
 inline constexpr CodedKind kWepKeyNumber{kWepKeyNumberTable};
 inline constexpr CodedKind kChannel{kChannelTable};
-inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable};
+inline constexpr CodedKind kStandardsEnabled{kStandardsEnabledTable, kCodedByDaemon};
 
 // ---- Texts -------------------------------------------------------------------------------------
-// A text that can only be read, such as a version or a MAC address.
+// A text that can only be read, such as a version.
 inline constexpr TextKind kShownText{kNone, "a text of at most 511 bytes", "",
                                      [](size_t length) { return length < VELK_DATA_SIZE; }};
 inline constexpr TextKind kFreeText{"''", "a text of at most 511 bytes", "'a text'",
@@ -96,8 +109,9 @@ inline constexpr TextKind kWepKey{
     WepKeyProblem};
 
 // ---- Raw values --------------------------------------------------------------------------------
-inline constexpr HexBytesKind kRate{4};
-inline constexpr NumberPairKind kSignal{};
+inline constexpr MacAddressKind kMacAddress{};
+inline constexpr HexBytesKind kRate{4, kCodedByDaemon};
+inline constexpr NumberPairKind kSignal{kCodedByDaemon};
 
 }  // namespace velkctl
 

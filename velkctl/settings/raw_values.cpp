@@ -10,13 +10,31 @@
 namespace velkctl {
 namespace {
 
+constexpr size_t kMacDigits = 12;
+
 uint16_t NumberAt(const Data& data, size_t offset) {
     uint16_t number = 0;
     memcpy(&number, &data[offset], sizeof(number));
     return number;
 }
 
+bool IsMacAddress(std::string_view text) {
+    return text.size() == kMacDigits &&
+           text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 }  // namespace
+
+std::string MacAddressKind::Print(const Data& data) const {
+    std::string text = PrintText(data, kNone);
+    if (!IsMacAddress(text)) {
+        return text;
+    }
+    for (size_t at = kMacDigits - 2; at > 0; at -= 2) {
+        text.insert(at, 1, ':');
+    }
+    return text;
+}
 
 std::string HexBytesKind::Print(const Data& data) const {
     return ToHex({data.data(), count_});

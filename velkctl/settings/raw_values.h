@@ -6,22 +6,38 @@
 
 namespace velkctl {
 
+// A hardware address, which the library returns as 12 hex digits. It is shown with colons, as other
+// tools show it.
+class MacAddressKind final : public ValueKind {
+  public:
+    std::string Print(const Data& data) const override;
+};
+
 // The first data bytes, each as two hex digits.
 class HexBytesKind final : public ValueKind {
   public:
-    constexpr explicit HexBytesKind(size_t count) : count_(count) {}
+    constexpr HexBytesKind(size_t count, std::string_view coding)
+        : count_(count), coding_(coding) {}
 
+    std::string_view Coding() const override { return coding_; }
     std::string Print(const Data& data) const override;
 
   private:
     size_t count_;
+    std::string_view coding_;
 };
 
 // Two 16-bit numbers in the device's byte order, separated by a blank.
 class NumberPairKind final : public ValueKind {
   public:
+    constexpr explicit NumberPairKind(std::string_view coding) : coding_(coding) {}
+
+    std::string_view Coding() const override { return coding_; }
     std::string Print(const Data& data) const override;
     nlohmann::ordered_json ToJson(const Data& data) const override;
+
+  private:
+    std::string_view coding_;
 };
 
 }  // namespace velkctl

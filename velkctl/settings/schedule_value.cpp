@@ -185,7 +185,8 @@ std::vector<std::string> ScheduleKind::Values() const {
 }
 
 std::vector<Meaning> ScheduleKind::Meanings() const {
-    return {{kEvery, "1h to 23h"}};
+    return {{kEvery, "1h to 23h"},
+            {kMonthly, "day 1 to 31; a month without it has the update on day 1 of the next"}};
 }
 
 std::string ScheduleKind::Print(const Data& data) const {

@@ -76,6 +76,27 @@ std::vector<std::string_view> Servers(const Data& data) {
     return servers;
 }
 
+// Returns the servers in words that have blanks or commas between them. A word without a server
+// stays: it is a mistake.
+std::vector<std::string> SplitServers(std::span<const std::string> words) {
+    constexpr std::string_view kSeparators = " ,";
+    std::vector<std::string> servers;
+    for (const std::string& word : words) {
+        const size_t servers_before = servers.size();
+        for (size_t at = 0; at < word.size();) {
+            const size_t end = std::min(word.find_first_of(kSeparators, at), word.size());
+            if (end > at) {
+                servers.push_back(word.substr(at, end - at));
+            }
+            at = end + 1;
+        }
+        if (servers.size() == servers_before) {
+            servers.push_back(word);
+        }
+    }
+    return servers;
+}
+
 Parsed InSlots(std::span<const std::string> words) {
     Parsed parsed;
     for (size_t i = 0; i < words.size(); ++i) {
@@ -90,10 +111,11 @@ std::string ServerListKind::Wanted() const {
     return "one to three IPv4 addresses such as 192.168.0.1, or none";
 }
 
-Parsed ServerListKind::Parse(std::span<const std::string> words) const {
-    if (words.empty()) {
-        return Unparsable(OneWordProblem(words));
+Parsed ServerListKind::Parse(std::span<const std::string> given) const {
+    if (given.empty()) {
+        return Unparsable(OneWordProblem(given));
     }
+    const std::vector<std::string> words = SplitServers(given);
     if (words.size() == 1 && words.front() == kNone) {
         return {};
     }
@@ -101,10 +123,11 @@ Parsed ServerListKind::Parse(std::span<const std::string> words) const {
     return problem.empty() ? InSlots(words) : Unparsable(problem);
 }
 
-Parsed ServerListKind::Force(std::span<const std::string> words) const {
-    if (words.empty()) {
-        return Unparsable(OneWordProblem(words));
+Parsed ServerListKind::Force(std::span<const std::string> given) const {
+    if (given.empty()) {
+        return Unparsable(OneWordProblem(given));
     }
+    const std::vector<std::string> words = SplitServers(given);
     if (words.size() > VELK_DNS_SLOTS) {
         return Unparsable(std::to_string(words.size()) + " servers given; give at most three");
     }

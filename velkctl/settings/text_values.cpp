@@ -9,6 +9,9 @@ namespace velkctl {
 
 // Returns the problem with a text; empty if it is accepted.
 std::string TextKind::Problem(std::string_view text) const {
+    if (text.ends_with('\r')) {
+        return "it ends with CR (carriage return), as in a CR LF file" + Give();
+    }
     const std::string_view own_problem = problem_ == nullptr ? "" : problem_(text);
     if (!own_problem.empty()) {
         return std::string(own_problem) + Give();

@@ -45,7 +45,11 @@ class ValueKind {
     // Returns the meaning of each of Values() that needs one.
     virtual std::vector<Meaning> Meanings() const { return {}; }
 
-    // Returns the value for programs: the text of Print(), and null in place of none.
+    // Returns who defines the meaning of values that velkctl does not know; empty if it knows all.
+    virtual std::string_view Coding() const { return {}; }
+
+    // Returns the value for programs: the text of Print(), and null in place of none. All other
+    // values of a kind have one JSON type.
     virtual nlohmann::ordered_json ToJson(const Data& data) const;
 
   protected:

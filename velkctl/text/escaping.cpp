@@ -14,8 +14,8 @@
 namespace velkctl {
 namespace {
 
-constexpr size_t kLongestQuote = VELK_DATA_SIZE;  // no value or name is longer
-constexpr size_t kEscapeLength = 4;               // the length of "\\x1b"
+constexpr size_t kLongestQuote = 40;  // sufficient to recognise a refused word
+constexpr size_t kEscapeLength = 4;   // the length of "\\x1b"
 
 void AppendEscape(std::string& text, char byte) {
     text.append("\\x").append(ToHex({&byte, 1}));
@@ -85,6 +85,11 @@ bool IsShown(uint32_t code) {
            (shows_utf8 || code <= kHighestAscii);
 }
 
+// True for a byte of a character other than its first.
+bool IsInsideCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U;
+}
+
 // Returns the length of the first character of the text; 0 if it is no character or not to be
 // shown.
 size_t CharacterLength(std::string_view text) {
@@ -98,7 +103,7 @@ size_t CharacterLength(std::string_view text) {
     uint32_t code = first & ~form->mask & 0xffU;
     for (const char byte : text.substr(1, form->length - 1)) {
         const auto value = static_cast<unsigned char>(byte);
-        if ((value & 0xc0U) != 0x80U) {
+        if (!IsInsideCharacter(byte)) {
             return 0;
         }
         code = (code << 6U) | (value & 0x3fU);
@@ -140,6 +145,17 @@ std::string Escaped(std::string_view bytes, std::string_view (*backslash)(std::s
     return text;
 }
 
+std::string QuotedUpTo(size_t longest, std::string_view word) {
+    if (word.size() <= longest) {
+        return "'" + Printable(word) + "'";
+    }
+    size_t end = longest;
+    while (end > 0 && IsInsideCharacter(word[end])) {
+        --end;
+    }
+    return "'" + Printable(word.substr(0, end)) + "...'";
+}
+
 bool IsControl(char byte) {
     return static_cast<unsigned char>(byte) < ' ' || static_cast<unsigned char>(byte) == kDelete;
 }
@@ -148,6 +164,10 @@ bool IsControl(char byte) {
 
 void ShowUtf8(bool is_shown) {
     shows_utf8 = is_shown;
+}
+
+bool ShowsUtf8() {
+    return shows_utf8;
 }
 
 std::string Printable(std::string_view bytes) {
@@ -184,10 +204,15 @@ bool HasControls(std::string_view text) {
 }
 
 std::string Quoted(std::string_view word) {
-    const bool is_cut = word.size() > kLongestQuote;
-    return std::string("'")
-        .append(Printable(word.substr(0, kLongestQuote)))
-        .append(is_cut ? "...'" : "'");
+    return QuotedUpTo(kLongestQuote, word);
+}
+
+std::string QuotedWhole(std::string_view word) {
+    return QuotedUpTo(VELK_DATA_SIZE, word);
+}
+
+std::string QuotedUnlessKey(std::string_view word, bool may_be_key) {
+    return may_be_key ? "a word, not repeated here as it may be a key," : Quoted(word);
 }
 
 }  // namespace velkctl

@@ -23,14 +23,22 @@ std::string PrintableValue(std::string_view bytes);
 // Returns the bytes of such a value.
 std::string UnprintedValue(std::string_view text);
 
+// True if characters beyond ASCII are shown.
+bool ShowsUtf8();
+
 // True if the text has a character that controls the terminal, such as a newline.
 bool HasControls(std::string_view text);
 
 // Shown instead of a secret.
 inline constexpr std::string_view kMask = "********";
 
-// Returns 'word' for a message. A word longer than any value is cut.
+// Return 'word' for a message. Quoted() cuts a word of more than 40 characters, QuotedWhole() only
+// one that is longer than any value.
 std::string Quoted(std::string_view word);
+std::string QuotedWhole(std::string_view word);
+
+// Returns the same, or a placeholder for a word that may be a key.
+std::string QuotedUnlessKey(std::string_view word, bool may_be_key);
 
 }  // namespace velkctl
 

@@ -34,6 +34,14 @@ std::optional<uint32_t> ParseIpv4(const std::string& word) {
     return ntohl(address.s_addr);
 }
 
+std::string Dotted(uint32_t address) {
+    std::string text;
+    for (unsigned shift = 32; shift > 0; shift -= 8) {
+        text.append(text.empty() ? "" : ".").append(std::to_string(address >> (shift - 8) & 0xffU));
+    }
+    return text;
+}
+
 std::string NotIpv4Problem(const std::string& word, std::string_view wanted) {
     return ParseIpv4(WithoutLeadingZeros(word))
                ? "has a number with a leading zero, which other programs read as octal"

@@ -13,6 +13,9 @@ namespace velkctl {
 // valid: other programs read 010 as 8.
 std::optional<uint32_t> ParseIpv4(const std::string& word);
 
+// "192.168.0.10"
+std::string Dotted(uint32_t address);
+
 // Returns the problem with a word that is no address, as it follows the word in a message: "is not
 // an IPv4 address". `wanted` is the noun.
 std::string NotIpv4Problem(const std::string& word, std::string_view wanted);

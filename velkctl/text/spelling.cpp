@@ -2,6 +2,7 @@
 #include "velkctl/text/spelling.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace velkctl {
@@ -11,6 +12,49 @@ constexpr size_t kFarthest = 2;
 constexpr size_t kShortestBeginning = 3;
 constexpr size_t kMostGuesses = 4;   // more would not help
 constexpr size_t kLongestWord = 64;  // no name, option or value is that long
+
+// A word that other programs use, and the name or value that it means here.
+struct OtherName {
+    std::string_view word;
+    std::string_view meant;
+};
+
+constexpr std::array<OtherName, 34> kOtherNames{{
+    {"addr", "address"},
+    {"ip", "address"},
+    {"ip-address", "address"},
+    {"ipv4", "address"},
+    {"mask", "netmask"},
+    {"prefix", "netmask"},
+    {"subnet", "netmask"},
+    {"gw", "gateway"},
+    {"route", "gateway"},
+    {"router", "gateway"},
+    {"dhcp", "method"},
+    {"nameserver", "dns"},
+    {"nameservers", "dns"},
+    {"resolver", "dns"},
+    {"speed", "link-speed"},
+    {"duplex", "link-speed"},
+    {"mac", "mac-address"},
+    {"hwaddr", "mac-address"},
+    {"ap", "access-point"},
+    {"bssid", "access-point"},
+    {"key", "psk"},
+    {"key", "wep-key-1"},
+    {"passphrase", "psk"},
+    {"password", "psk"},
+    {"contact", "administrator"},
+    {"time-server", "ntp-server"},
+    {"timeserver", "ntp-server"},
+    {"schedule", "web-update"},
+    {"enabled", "on"},
+    {"yes", "on"},
+    {"disabled", "off"},
+    {"never", "off"},
+    {"no", "off"},
+    {"none", "off"},
+}};
 
 char ToLower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -70,14 +114,44 @@ std::vector<std::string> StartingWith(std::string_view word,
     return begun;
 }
 
+// `before_last` is put before the last word, if there are several.
+std::string Joined(std::span<const std::string> words, std::string_view before_last) {
+    std::string text;
+    for (const std::string& word : words) {
+        const bool is_last = &word == &words.back();
+        text.append(text.empty() ? "" : is_last ? before_last : ", ").append(word);
+    }
+    return text;
+}
+
+bool EqualsIgnoringCase(std::string_view one, std::string_view other) {
+    return std::ranges::equal(one, other, EqualIgnoringCase);
+}
+
 }  // namespace
+
+std::vector<std::string> OtherNamesOf(std::string_view word,
+                                      std::span<const std::string> candidates) {
+    std::vector<std::string> meant;
+    for (const OtherName& other : kOtherNames) {
+        if (EqualsIgnoringCase(word, other.word) &&
+            std::ranges::find(candidates, other.meant) != candidates.end()) {
+            meant.emplace_back(other.meant);
+        }
+    }
+    return meant;
+}
 
 std::vector<std::string> SpellingSuggestions(std::string_view word,
                                              std::span<const std::string> candidates) {
     if (word.size() > kLongestWord) {
         return {};
     }
-    std::vector<std::string> meant = NearestSpellings(word, candidates);
+    std::vector<std::string> meant = OtherNamesOf(word, candidates);
+    if (!meant.empty()) {
+        return meant;
+    }
+    meant = NearestSpellings(word, candidates);
     if (meant.empty()) {
         meant = StartingWith(word, candidates);
     }
@@ -92,12 +166,11 @@ std::string DidYouMean(std::string_view word, std::span<const std::string> candi
 }
 
 std::string OneOf(std::span<const std::string> words) {
-    std::string text;
-    for (const std::string& word : words) {
-        const bool last = &word == &words.back();
-        text.append(text.empty() ? "" : last ? " or " : ", ").append(word);
-    }
-    return text;
+    return Joined(words, " or ");
+}
+
+std::string AllOf(std::span<const std::string> words) {
+    return Joined(words, " and ");
 }
 
 }  // namespace velkctl

@@ -9,9 +9,15 @@
 
 namespace velkctl {
 
-// Returns the candidates closest to a misspelt word: with at most two letters wrong, missing, added
-// or swapped, and fewer than half. Case does not matter. Without such candidates, returns those
-// that begin with the word. Empty if there are none or too many.
+// Returns the candidates with the meaning of the word, as other programs name it: "netmask" for
+// "mask". Case does not matter. Empty if none.
+std::vector<std::string> OtherNamesOf(std::string_view word,
+                                      std::span<const std::string> candidates);
+
+// Returns OtherNamesOf() the word, if there are any. Otherwise returns the candidates closest to a
+// misspelt word: with at most two letters wrong, missing, added or swapped, and fewer than half.
+// Without such candidates, returns those that begin with the word. Empty if there are none or too
+// many.
 std::vector<std::string> SpellingSuggestions(std::string_view word,
                                              std::span<const std::string> candidates);
 
@@ -22,6 +28,8 @@ std::string DidYouMean(std::string_view word, std::span<const std::string> candi
 
 // "auto, 100-full or 10-full"
 std::string OneOf(std::span<const std::string> words);
+// "address, netmask and gateway"
+std::string AllOf(std::span<const std::string> words);
 
 }  // namespace velkctl
 

@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "lib/base/find_row.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/hex.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
@@ -37,7 +37,7 @@ constexpr std::array<TypeWord, 3> kTypeWords{{
 }};
 
 std::optional<velk_command_type> ParseType(std::string_view word) {
-    const TypeWord* row = FindRow(kTypeWords, word, &TypeWord::word);
+    const TypeWord* row = velk::FindRow(kTypeWords, word, &TypeWord::word);
     return row == nullptr ? std::nullopt : std::optional(row->type);
 }
 
@@ -85,6 +85,18 @@ Parsed ParseData(const Invocation& invocation) {
     return parsed;
 }
 
+// Returns the reason why a command is refused without an interface; empty if it takes none.
+std::string MissingInterface(uint32_t id) {
+    std::vector<std::string> interfaces;
+    for (const Setting& setting : Settings()) {
+        if (setting.row->id == id && !setting.interface.empty()) {
+            interfaces.emplace_back(setting.interface);
+        }
+    }
+    return interfaces.empty() ? ""
+                              : std::to_string(id) + " needs an interface: " + OneOf(interfaces);
+}
+
 void ReportData(const Data& data, bool is_masked, Report& report) {
     report.Text(is_masked ? std::string(kMask) + "\n" : Dump(data));
     report.Member("data", is_masked ? Json(kMask) : Json(ToHex(UsedBytes(data))));
@@ -99,6 +111,9 @@ void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, 
     std::string result = DescribeResult(answer.result);
     if (!answer.remark.empty()) {
         result.append("; ").append(answer.remark);
+    }
+    if (!answer.ok()) {
+        report.ShowToolOutput();
     }
     report.Text(result + "\n");
     report.Member("result", ResultInJson(answer.result));
@@ -133,8 +148,11 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
         return report.Refuse("call: " + data.problem);
     }
     const Command command{*type, *id, interface};
-    const Answer answer = Device(invocation.limits, report)
-                              .Execute(command, data.data, "command " + std::to_string(*id));
+    Answer answer = Device(invocation.limits, report)
+                        .Execute(command, data.data, "command " + std::to_string(*id));
+    if (interface.empty() && answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
+        answer.remark = MissingInterface(*id);
+    }
     const bool is_secret = NamesSecret(invocation.words[1]);
     ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),
                  report);

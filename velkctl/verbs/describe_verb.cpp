@@ -7,6 +7,7 @@
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/columns.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
@@ -27,11 +28,13 @@ std::vector<Setting> FindAll(std::string_view word) {
 // Returns the values of a setting with their meanings.
 std::string ValuesText(const Setting& setting) {
     const ValueKind& kind = *setting.row->kind;
-    if (!setting.can_set() && kind.Values().empty()) {
-        return {};  // the description names them
+    std::string text;
+    if (setting.can_set() || !kind.Values().empty()) {  // else the description names them
+        text.append("\n  ").append(setting.can_set() ? "takes " : "shows ").append(kind.Wanted());
     }
-    std::string text =
-        std::string("\n  ") + (setting.can_set() ? "takes " : "shows ") + kind.Wanted();
+    if (!kind.Coding().empty()) {
+        text.append("\n  ").append(kind.Coding());
+    }
     const std::vector<Meaning> meanings = kind.Meanings();
     size_t width = 0;
     for (const Meaning& meaning : meanings) {
@@ -66,6 +69,9 @@ std::string Describe(const Setting& setting) {
     if (setting.row->secret) {
         text.append("\n  a secret: masked without --show-secrets; give it as -, @FILE or at the ");
         text.append("prompt");
+    }
+    if (setting.can_set()) {
+        text.append("\n  takes effect ").append(EffectTime(setting));
     }
     if (setting.can_get() && longest.seconds > 0) {
         text.append("\n  reading takes at most ").append(std::to_string(longest.seconds));

@@ -1,11 +1,16 @@
 // doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
+#include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/examination.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 
 ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
+    const std::string other_machine = DescribeOtherMachine();
+    if (!other_machine.empty()) {
+        report.Text(InLinesOf80(other_machine, 0) + "\n");
+    }
     const Findings findings = ExamineDevice(report);
     report.Text(FormatFindings(findings) + Summary(findings) + "\n");
     Json list = Json::array();
@@ -13,6 +18,7 @@ ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
         list.push_back(FindingInJson(finding));
     }
     const size_t problems = CountOf(findings, Severity::kProblem);
+    report.Member("device", other_machine.empty());
     report.Member("findings", std::move(list));
     report.Member("problems", problems);
     report.Member("warnings", findings.size() - problems);

@@ -5,11 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "lib/base/find_row.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/result_codes.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
-#include "velkctl/text/find_row.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
 #include <nlohmann/json.hpp>
@@ -80,6 +81,10 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
     const std::optional<int> number = ParseNumber<int>(word);
     const std::optional<int> code = number ? number : CodeOfName(word);
+    if (!code && FindSetting(word)) {
+        return report.Refuse("explain: " + Quoted(word) + " is a setting; 'velkctl describe " +
+                             FindSetting(word)->name() + "' describes it");
+    }
     if (!code) {
         return report.Refuse("explain: " + Quoted(word) +
                              " is neither a result nor an exit status" +
@@ -87,7 +92,7 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
                                         "give a number such as -3 or 3, or a name such as LOCKED"));
     }
     const auto* meaning =
-        FindRow(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
+        velk::FindRow(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
     // A name is always a result.
     const bool is_status = number && meaning != nullptr;
     if (*code > 0 && !is_status) {

@@ -4,6 +4,7 @@
 
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -12,6 +13,15 @@ namespace {
 
 std::string Directions(const Setting& setting) {
     return std::string(setting.can_get() ? "get" : "   ") + (setting.can_set() ? " set" : "    ");
+}
+
+std::string RowsOf(const SettingGroup& group, size_t width) {
+    std::string rows;
+    for (const Setting& setting : group) {
+        const std::string start = NameColumn(setting, width) + Directions(setting) + "  ";
+        rows.append(start).append(CutToFit(setting.row->help, start.size())).append("\n");
+    }
+    return rows;
 }
 
 }  // namespace
@@ -24,12 +34,15 @@ ExitStatus RunList(const Invocation& invocation, Report& report) {
         });
     }
     const size_t width = NameWidth(settings);
+    GroupedRows rows;
     Json listed = Json::array();
-    for (const Setting& setting : settings) {
-        report.Text(Padded(setting.name(), width) + "  " + Directions(setting) + "  " +
-                    std::string(setting.row->help) + "\n");
-        listed.push_back(SettingInJson(setting));
+    for (const SettingGroup& group : GroupsOf(settings)) {
+        rows.Add(group, RowsOf(group, width));
+        for (const Setting& setting : group) {
+            listed.push_back(SettingInJson(setting));
+        }
     }
+    rows.Print(!invocation.no_pager, report);
     report.Member("settings", std::move(listed));
     return ExitStatus::kDone;
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "velkctl/call/longest_wait.h"
+#include "velkctl/text/columns.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
@@ -31,11 +32,12 @@ std::string CouldNotBeRead(const Setting& setting) {
     return setting.name() + ": could not be read";
 }
 
-Json ReadingInJson(const Setting& setting, Json value, Json error) {
+Json ReadingInJson(const Setting& setting, Json value, Json error, Json valid) {
     Json object;
     object["name"] = setting.name();
     object["value"] = std::move(value);
     object["error"] = std::move(error);
+    object["valid"] = std::move(valid);
     return object;
 }
 
@@ -51,6 +53,7 @@ Json SettingInJson(const Setting& setting) {
     object["expected"] = setting.can_set() ? Json(setting.row->kind->Wanted()) : Json(nullptr);
     object["values"] = setting.row->kind->Values();
     object["longest_seconds"] = LongestWaitOf(setting).seconds;
+    object["takes_effect"] = setting.can_set() ? Json(EffectTime(setting)) : Json(nullptr);
     return object;
 }
 
@@ -62,9 +65,8 @@ size_t NameWidth(const std::vector<Setting>& settings) {
     return width;
 }
 
-std::string Padded(std::string text, size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
+std::string NameColumn(const Setting& setting, size_t width) {
+    return Padded(setting.name(), width) + "  ";
 }
 
 }  // namespace velkctl

@@ -8,6 +8,7 @@
 #include "velkctl/call/command.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 
@@ -22,8 +23,9 @@ std::string BareValue(const Setting& setting, const Data& data, bool show_secret
 // Returns the first line of the failure to read a setting: "eth0.dns: could not be read".
 std::string CouldNotBeRead(const Setting& setting);
 
-// {"name": ..., "value": ..., "error": null}
-Json ReadingInJson(const Setting& setting, Json value, Json error);
+// {"name": ..., "value": ..., "error": null, "valid": true}. The error is that of ProblemInJson().
+// `valid` says if a set would take the value; null if it could not be read.
+Json ReadingInJson(const Setting& setting, Json value, Json error, Json valid = nullptr);
 
 // Returns the facts about a setting that list and describe print in JSON.
 Json SettingInJson(const Setting& setting);
@@ -31,8 +33,8 @@ Json SettingInJson(const Setting& setting);
 // Returns the length of the longest name.
 size_t NameWidth(const std::vector<Setting>& settings);
 
-// Returns the text with blanks after it, for a column.
-std::string Padded(std::string text, size_t width);
+// Returns the name as the first column of a table: "eth0.dns  ".
+std::string NameColumn(const Setting& setting, size_t width);
 
 }  // namespace velkctl
 

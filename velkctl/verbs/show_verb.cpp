@@ -1,16 +1,20 @@
 // show_verb.cpp - the verb that shows all readable settings.
 #include <chrono>
-#include <cstdlib>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
 
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/verbs/read_failure.h"
+#include "velkctl/verbs/selected_settings.h"
+#include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -20,49 +24,75 @@ namespace {
 // A daemon without an answer for this time is not asked again.
 constexpr std::chrono::seconds kSilent{10};
 
-class Table {
-  public:
-    Table(size_t width, const Report& report)
-        : width_(width),
-          colours_(!report.is_json() && IsTerminal(STDOUT_FILENO) && getenv("NO_COLOR") == nullptr),
-          report_(report) {}
-
-    void Value(const std::string& name, const std::string& value) const {
-        report_.Text(Padded(name, width_) + "  " + value + "\n");
-    }
-    void Failure(const std::string& name, const std::string& reason) const {
-        report_.Text(Padded(name, width_) + "  " + (colours_ ? "\x1b[33m" : "") + "(" + reason +
-                     ")" + (colours_ ? "\x1b[0m" : "") + "\n");
-    }
-
-  private:
-    const size_t width_;
-    const bool colours_;
-    const Report& report_;
-};
-
-std::vector<Setting> Readable(std::optional<std::string_view> interface) {
-    std::vector<Setting> settings = Settings();
-    std::erase_if(settings, [&](const Setting& setting) {
-        return !setting.can_get() || (interface && setting.interface != *interface);
-    });
-    return settings;
-}
-
 bool IsWireless(const Setting& setting) {
     return setting.row->interfaces == kEth1;
 }
 
-// Shows the settings in order. After one time-out of the wireless daemon it skips its other
-// settings.
-class SettingsTable {
-  public:
-    SettingsTable(bool show_secrets, const Device& device, const Table& table)
-        : show_secrets_(show_secrets), device_(device), table_(table) {}
+std::string Warning(const std::string& text) {
+    return Coloured(text, Colour::kYellow, STDOUT_FILENO);
+}
 
-    void Show(const Setting& setting) {
+// Settings that cannot be read for the same reason.
+struct UnreadSettings {
+    ReadFailure failure;
+    SettingGroup settings;
+};
+
+// The rows of one group: the values, and after them the failures that several settings share.
+class ShownRows {
+  public:
+    explicit ShownRows(size_t width) : width_(width) {}
+
+    void AddValue(const Setting& setting, const std::string& value) {
+        rows_.append(NameColumn(setting, width_)).append(value).append("\n");
+    }
+
+    void AddFailure(const Setting& setting, const ReadFailure& failure) {
+        for (UnreadSettings& unread : unread_) {
+            if (unread.failure.of_one == failure.of_one) {
+                unread.settings.push_back(setting);
+                return;
+            }
+        }
+        unread_.push_back({failure, {setting}});
+    }
+
+    std::string Text() const {
+        std::string text = rows_;
+        for (const UnreadSettings& unread : unread_) {
+            text.append(unread.settings.size() == 1 ? RowOf(unread) : LinesOf(unread));
+        }
+        return text;
+    }
+
+  private:
+    std::string RowOf(const UnreadSettings& unread) const {
+        const std::string name = NameColumn(unread.settings.front(), width_);
+        const std::string reason = CutToFit(unread.failure.of_one, name.size() + 2);
+        return name + Warning("(" + reason + ")") + "\n";
+    }
+
+    // "8 settings need the cable out:", and their names
+    static std::string LinesOf(const UnreadSettings& unread) {
+        const std::string text =
+            std::to_string(unread.settings.size()) + " settings " + unread.failure.of_several;
+        return Warning(CutToFit(text, 1) + ":") + "\n" + NameLines(unread.settings);
+    }
+
+    const size_t width_;
+    std::string rows_;
+    std::vector<UnreadSettings> unread_;
+};
+
+// Reads settings in order. After one time-out of the wireless daemon it skips its other settings.
+class SettingReader {
+  public:
+    SettingReader(bool show_secrets, const Device& device)
+        : show_secrets_(show_secrets), device_(device) {}
+
+    void Read(const Setting& setting, ShownRows& rows) {
         if (daemon_is_silent_ && IsWireless(setting)) {
-            Skip(setting);
+            Skip(setting, rows);
             return;
         }
         const auto start = std::chrono::steady_clock::now();
@@ -71,47 +101,62 @@ class SettingsTable {
             answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
         daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
         if (answer.ok()) {
-            table_.Value(setting.name(), ValueText(setting, answer.data, show_secrets_));
-            shown_.push_back(
-                ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_), nullptr));
+            const bool is_valid = !InvalidValue(setting, answer.data);
+            rows.AddValue(setting, ValueText(setting, answer.data, show_secrets_) +
+                                       (is_valid ? "" : "  (not valid)"));
+            read_.push_back(ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_),
+                                          nullptr, is_valid));
         } else {
-            table_.Failure(setting.name(), FailureReason(answer));
-            const Problem problem = ProblemOf(CouldNotBeRead(setting), setting.name(), answer);
-            shown_.push_back(ReadingInJson(setting, nullptr, OneLine(problem)));
+            rows.AddFailure(setting, ReadFailureOf(setting, answer));
+            AddError(setting, ProblemOfGet(CouldNotBeRead(setting), setting, answer));
         }
     }
 
-    Json TakeShown() { return std::move(shown_); }
+    Json TakeReadings() { return std::move(read_); }
 
   private:
-    void Skip(const Setting& setting) {
-        const std::string reason = "skipped: the wireless daemon does not answer";
-        table_.Failure(setting.name(), reason);
-        shown_.push_back(ReadingInJson(setting, nullptr, setting.name() + ": " + reason));
+    void Skip(const Setting& setting, ShownRows& rows) {
+        const ReadFailure failure = SkippedAsDaemonIsSilent();
+        rows.AddFailure(setting, failure);
+        Problem problem{CouldNotBeRead(setting), setting.name()};
+        problem.detail = failure.of_one;
+        AddError(setting, problem);
+    }
+
+    void AddError(const Setting& setting, const Problem& problem) {
+        read_.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
     }
 
     const bool show_secrets_;
     const Device& device_;
-    const Table& table_;
-    Json shown_ = Json::array();
+    Json read_ = Json::array();
     bool daemon_is_silent_ = false;
 };
 
 }  // namespace
 
 ExitStatus RunShow(const Invocation& invocation, Report& report) {
-    std::optional<std::string_view> interface;
-    if (!invocation.words.empty()) {
-        interface = invocation.words.front();
+    Invocation selection = invocation;
+    if (selection.words.empty()) {
+        selection.words = {"*"};
     }
-    const std::vector<Setting> settings = Readable(interface);
-    const Table table(NameWidth(settings), report);
+    const std::vector<Setting> settings = SelectReadable("show", selection, report);
+    if (settings.empty()) {
+        return ExitStatus::kInvalid;
+    }
+    const size_t width = NameWidth(settings);
     const Device device(invocation.limits, report);
-    SettingsTable shown(invocation.show_secrets, device, table);
-    for (const Setting& setting : settings) {
-        shown.Show(setting);
+    SettingReader reader(invocation.show_secrets, device);
+    GroupedRows shown;
+    for (const SettingGroup& group : GroupsOf(settings)) {
+        ShownRows rows(width);
+        for (const Setting& setting : group) {
+            reader.Read(setting, rows);
+        }
+        shown.Add(group, rows.Text());
     }
-    report.Member("settings", shown.TakeShown());
+    shown.Print(!invocation.no_pager, report);
+    report.Member("settings", reader.TakeReadings());
     return ExitStatus::kDone;  // also if a setting cannot be read
 }
 

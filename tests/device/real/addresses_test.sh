@@ -39,10 +39,10 @@ it 'reports address, mask and gateway of the lease'
 lease=$(sed -n 's/.*DHCPACK(r0) \([0-9.]*\) 02:00:00:00:00:10.*/\1/p' /var/log/router.log | tail -n 1)
 run velkctl get eth0.method eth0.address eth0.netmask eth0.gateway
 status_is 0
-output_is "eth0.method = dhcp
-eth0.address = $lease
-eth0.netmask = 255.255.255.0
-eth0.gateway = 192.168.0.1"
+output_is "eth0.method   dhcp
+eth0.address  $lease
+eth0.netmask  255.255.255.0
+eth0.gateway  192.168.0.1"
 check 'address of the kernel' "$lease/24" "$(kernel_address eth0)"
 
 it 'keeps the static address in the file for the change back'
@@ -61,9 +61,9 @@ run velkctl restart eth0
 status_is 0
 check 'address' 192.168.0.77/24 "$(kernel_address eth0)"
 run velkctl get eth0.address eth0.netmask eth0.gateway
-output_is 'eth0.address = 192.168.0.77
-eth0.netmask = 255.255.255.0
-eth0.gateway = 192.168.0.1'
+output_is 'eth0.address  192.168.0.77
+eth0.netmask  255.255.255.0
+eth0.gateway  192.168.0.1'
 run ping -c 1 -W 2 192.168.0.1
 status_is 0
 check 'leases asked for' 0 "$(grep -c DHCPDISCOVER /var/log/router.log)"

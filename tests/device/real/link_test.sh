@@ -56,7 +56,7 @@ it 'gets values of the adapter while the cable is disconnected'
 velk-sandbox cable out
 run velkctl get eth1.mac-address eth1.hardware-version eth1.standard eth1.region
 status_is 0
-output_has 'eth1.mac-address = 020000000011'
+output_has 'eth1.mac-address       02:00:00:00:00:11'
 
 it 'gets the address of the adapter only while the cable is disconnected'
 run ifup eth1

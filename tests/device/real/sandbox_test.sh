@@ -35,6 +35,11 @@ for set in CapEff CapPrm CapBnd; do
     check "CAP_SYS_TIME in $set with sudo" 0 "$((0x$output >> 25 & 1))"
 done
 
+it 'is a device on which the doctor finds nothing'
+on_real_device 'velkctl doctor'
+status_is 0
+output_is 'no problems found'
+
 it 'runs its services and reaches gateway, name server and time server'
 on_real_device 'for program in cron dnsmasq snmpd "busybox syslogd"; do pgrep -f "^$program" >/dev/null && echo $program; done
     ip -4 -o addr show eth0 | grep -o "192.168.0.10/24"; ip route show default | cut -d " " -f 3

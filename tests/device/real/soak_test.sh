@@ -25,7 +25,7 @@ is_quiet() { [ "$processes_before" = "$(processes)" ]; }
 results() { sed -n "s/^$1: //p" <<<"$soak"; }
 
 # The sets only change existing address lines. A static interface without an address is not valid.
-printf '\taddress 192.168.1.10\n\tnetmask 255.255.255.0\n' >>/etc/network/interfaces
+sed -i '/^iface eth1/a \\taddress 192.168.1.10\n\tnetmask 255.255.255.0' /etc/network/interfaces
 
 # Requesting an option a second time adds it to the next statement in the block, too. Only a request
 # statement stays valid with it.

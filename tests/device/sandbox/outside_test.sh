@@ -125,6 +125,23 @@ status_is 137
 inside no-such-program
 status_is 127
 
+it 'enters a command without --, with its options unchanged'
+run velk-sandbox enter --name "$name" printf '%s|' --name -- x
+status_is 0
+output_is '--name|--|x|'
+run velk-sandbox enter "--name=$name" no-such-program
+status_is 127
+error_is 'velk-sandbox: no-such-program: No such file or directory
+  fix: give a program that the device has, or see velk-sandbox --help'
+
+it 'explains that an entered program is hidden by a private folder'
+run velk-sandbox enter --name "$name" /tmp/folder/program
+status_is 127
+error_is "velk-sandbox: /tmp/folder/program: No such file or directory
+  the device has a /tmp of its own
+  fix: start the device in the program's folder, or with
+    --writable /tmp/folder"
+
 it 'prints each change of a file'
 velk-sandbox watch --name "$name" >"$lib_folder/watched" 2>"$lib_folder/watch-errors" &
 watcher=$!

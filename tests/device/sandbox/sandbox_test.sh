@@ -176,7 +176,7 @@ status_is 2
 
 it 'starts with empty private folders'
 on_device find /var/tmp /dev/shm /run -mindepth 1 ! -path '/run/velk-sandbox*' ! -path /run/lock \
-    ! -path /run/network ! -path /run/network/ifstate
+    ! -path /run/network ! -path "/run/network/ifstate*"
 output_is ''
 
 # Each attempt would be harmless if it succeeded.
@@ -377,15 +377,108 @@ on_device /etc/passwd
 status_is 126
 error_is 'velk-sandbox: /etc/passwd: Permission denied'
 
-it 'refuses arguments that are not valid'
-for words in --bogus '--quiet stray' --writable "--writable /$mark" "--rootfs /$mark"; do
+it 'takes a command without --, with its options unchanged'
+run velk-sandbox --quiet printf '%s|' --quiet --name x -- enter 'a b' ''
+output_is '--quiet|--name|x|--|enter|a b||'
+run velk-sandbox --quiet --writable "$lib_folder" --name "$mark" sh -c 'cat /run/velk-sandbox/name; exit 5'
+output_is "$mark"
+status_is 5
+run velk-sandbox "--name=$mark" velkctl get --json eth0.method
+output_has '"value": "static"'
+error_is ''
+
+it 'takes the first -- as the start of the command, but none of its later words'
+run velk-sandbox --quiet -- list --help
+status_is 127
+error_is 'velk-sandbox: list: No such file or directory'
+run velk-sandbox --quiet sh -c 'echo "$@"' sh -- list
+output_is '-- list'
+
+it 'names the help if a program is not found that could be meant as a subcommand'
+run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox cabel out
+status_is 127
+error_is 'velk-sandbox: cabel: No such file or directory
+  fix: give a program that the device has, or see velk-sandbox --help'
+
+it 'explains that a program is hidden by a private folder'
+cd / || exit
+mkdir "$lib_folder/program"
+cp /bin/true "$lib_folder/program/mine"
+run velk-sandbox "$lib_folder/program/mine"
+status_is 127
+error_is "velk-sandbox: $lib_folder/program/mine: No such file or directory
+  the device has a /tmp of its own
+  fix: start the device in the program's folder, or with
+    --writable $lib_folder/program"
+run velk-sandbox --writable "$lib_folder/program" "$lib_folder/program/mine"
+status_is 0
+error_is ''
+run sh -c 'cd "$1" && exec velk-sandbox ./mine' sh "$lib_folder/program"
+status_is 0
+run velk-sandbox /dev/../var/tmp/mine
+status_is 127
+error_is 'velk-sandbox: /dev/../var/tmp/mine: No such file or directory
+  the device has a /var/tmp of its own
+  fix: move the program to a folder that the device shares, such as your home'
+run velk-sandbox /usr/bin/mine
+status_is 127
+error_is 'velk-sandbox: /usr/bin/mine: No such file or directory'
+cd "$lib_folder" || exit
+
+it 'gives no such explanation for a program that lacks its interpreter'
+printf '#!/nonexistent\n' >"$lib_folder/program/script"
+chmod +x "$lib_folder/program/script"
+run velk-sandbox --writable "$lib_folder/program" "$lib_folder/program/script"
+status_is 127
+error_is "velk-sandbox: $lib_folder/program/script: No such file or directory"
+
+it 'refuses arguments that are not valid, and names the help'
+while IFS='|' read -r words message help; do
     # shellcheck disable=SC2086
     run velk-sandbox $words
     status_is 2
     output_is ''
-    check 'lines of errors' 1 "$(echo "$error" | wc -l)"
-    check 'start of errors' 'velk-sandbox: ' "${error:0:14}"
+    error_is "velk-sandbox: $message
+  fix: see velk-sandbox $help"
+done <<END
+--bogus|unknown option '--bogus'|--help
+--bogus true|unknown option '--bogus'|--help
+--writable|--writable: 1 required DIR missing|--help
+--writable /$mark|--writable: Directory does not exist: /$mark|--help
+--rootfs /$mark|--rootfs: Directory does not exist: /$mark|--help
+--no-router true|--no-router requires --real|--help
+cable|POSITION is required|cable --help
+cable up|POSITION: up not in {in,out}|cable --help
+cable in out|unexpected argument 'out'|cable --help
+router in -- out|unexpected argument 'out'|router --help
+list $mark|unexpected argument '$mark'|list --help
+enter --bogus|unknown option '--bogus'|enter --help
+END
+
+it 'refuses an empty name'
+for words in '' enter cable; do
+    # shellcheck disable=SC2086
+    run velk-sandbox $words --name '' out
+    status_is 2
+    error_is "velk-sandbox: --name: the name is empty; leave --name out, or give a name
+  fix: see velk-sandbox ${words:+$words }--help"
 done
+
+it 'refuses to keep a private folder writable'
+for folder in /tmp /var/tmp /etc/network; do
+    [ -d "$folder" ] || continue
+    run velk-sandbox --writable "$folder" true
+    status_is 125
+    error_is "velk-sandbox: $folder cannot stay writable
+  fix: give --writable another folder; the device has a $folder of its own"
+done
+
+it 'says on a device which one it is, and lists the devices started there'
+run velk-sandbox --quiet --name "$mark" velk-sandbox list
+status_is 0
+output_is ''
+error_is "velk-sandbox: this is device $mark
+  listed are the devices started on it"
 
 it 'refuses to keep the root folder writable'
 run velk-sandbox --writable / -- true
@@ -416,27 +509,79 @@ if [ "$status" != 99 ]; then # as on a device, where that setting can only be re
   fix: raise the max_*_namespaces limits in /proc/sys/user"
 fi
 
-it 'prints a description at the start, unless --quiet is given'
-run velk-sandbox -- true
+it 'explains that namespaces are refused, with a next step'
+without_rights='setpriv --bounding-set=-all --inh-caps=-all'
+if [ "$user" = 0 ]; then
+    run $without_rights velk-sandbox true
+    status_is 125
+    error_is 'velk-sandbox: this container gives its root no right to make namespaces
+  fix: start the container with --privileged, or use the machine itself'
+fi
+# The kernel refuses user namespaces below a changed root folder, as many containers do.
+in_changed_root() {
+    on_other_mounts "$1"'
+        mount --rbind / /mnt && exec /usr/sbin/chroot /mnt '"$2 $VELK_BUILD/velk-sandbox true"
+}
+as_user='setpriv --reuid 65534 --regid 65534 --clear-groups'
+in_changed_root '' "$without_rights"
+status_is 125
+error_is 'velk-sandbox: this container gives its root no right to make namespaces
+  fix: start the container with --privileged, or use the machine itself'
+if [ "$user" = 0 ]; then
+    in_changed_root '' "$as_user"
+    status_is 125
+    error_is 'velk-sandbox: this machine or container refuses user namespaces
+  fix: use sudo, or start the container with --privileged'
+    for setting in unprivileged_userns_clone:0:1 apparmor_restrict_unprivileged_userns:1:0; do
+        IFS=: read -r setting refuses allows <<<"$setting"
+        in_changed_root "mount -t tmpfs none /proc/sys/kernel
+            echo $refuses >/proc/sys/kernel/$setting" "$as_user"
+        status_is 125
+        error_is "velk-sandbox: the kernel refuses user namespaces to ordinary users
+  fix: sudo sysctl kernel.$setting=$allows, or use sudo"
+        in_changed_root "mount -t tmpfs none /proc/sys/kernel
+            echo $allows >/proc/sys/kernel/$setting" "$as_user"
+        error_has 'this machine or container refuses user namespaces'
+    done
+fi
+
+it 'greets a shell with two lines, unless --quiet is given, and a command with none'
+run velk-sandbox --name "$mark"
+status_is 0
 output_is ''
-error_has '/var/tmp'
-error_has '  read-only: the rest of the machine'
-error_has 'velk-sandbox: simulated device '
-error_has '; leave it with "exit"'
-check 'lines of errors' 3 "$(echo "$error" | grep -vc '^  stand-ins: ')"
-run velk-sandbox --writable "$lib_folder" -- true
-error_has "read-only: the rest of the machine, except $lib_folder"
-on_device true
+error_is "velk-sandbox: simulated device $mark; \"exit\" ends it
+  try: velkctl list, velkctl doctor, velk-sandbox cable out"
+run velk-sandbox --quiet
+error_is ''
+run velk-sandbox true
 error_is ''
 
 it 'prints its options and its version'
 run velk-sandbox --help
 status_is 0
-output_has 'Usage: velk-sandbox [OPTIONS] [-- COMMAND...]'
+output_has 'Usage: velk-sandbox [OPTIONS] [COMMAND...]'
 output_has '--writable DIR'
+help=$output
+run velk-sandbox help
+status_is 0
+output_is "$help"
 run velk-sandbox --version
 status_is 0
 output_has 'velk-sandbox '
+
+it 'has help and messages within 80 columns'
+longest_name=$(printf '%32s' '' | tr ' ' x)
+{
+    for verb in '' cable adapter router enter watch list; do
+        # shellcheck disable=SC2086
+        velk-sandbox $verb --help
+    done
+    velk-sandbox --name "$longest_name" </dev/null
+    velk-sandbox --name "$longest_name" velk-sandbox list
+    velk-sandbox --name ''
+} >"$lib_folder/texts" 2>&1
+check 'lines that are too long' '' "$(grep -E '.{81}' "$lib_folder/texts")"
+check 'lines' many "$([ "$(wc -l <"$lib_folder/texts")" -gt 80 ] && echo many)"
 
 # --- signals and the end ---
 
@@ -468,7 +613,8 @@ done
 
 if command -v script >/dev/null; then
     it 'runs an interactive shell at a terminal'
-    for shell in /bin/sh /bin/bash; do
+    ln -s "$(readlink -f /bin/sh)" "$lib_folder/ash" # /bin/sh itself would become bash
+    for shell in /bin/sh /bin/bash "$lib_folder/ash"; do
         at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox" \
             'tty; echo answer-$((6 * 7))\n' 'sleep 10\n' '\003' 'echo still; exit 3\n'
         output_has answer-42
@@ -477,6 +623,19 @@ if command -v script >/dev/null; then
         status_is 3
         check 'complaints' '' "$(echo "$output" | grep -i -e 'job control' -e cannot -e "can't")"
     done
+
+    it 'leaves the shell with Ctrl-D and returns the status of its last command'
+    # Bash loses a key that comes before its prompt, so the key is typed again.
+    for shell in /bin/bash "$lib_folder/ash"; do
+        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox --quiet" 'false\n' 'true\n' \
+            '\004' '\004' '\004'
+        status_is 0
+        at_terminal "env SHELL=$shell ENV= HOME=/nonexistent velk-sandbox --quiet" '(exit 5)\n' \
+            '\004' '\004' '\004'
+        status_is 5
+    done
+    at_terminal 'sh -c "env HOME=/nonexistent velk-sandbox --quiet; echo left-\$?"' '\004' '\004' '\004'
+    output_has left-0
 
     it 'takes the terminal back from a killed shell'
     at_terminal 'sh -c "env SHELL=/bin/bash HOME=/nonexistent velk-sandbox --quiet

@@ -535,6 +535,7 @@ done
 
 it 'prints its options and its version'
 run wland --help
+check 'lines that are too long' '' "$(grep -E '.{81}' <<<"$output")"
 status_is 0
 output_has '--tell MODE'
 run wland --version

@@ -3,12 +3,12 @@
 # shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+# shellcheck source=tests/device/typist.sh
+. "$VELK_SOURCE/tests/device/typist.sh" || exit
 
 needs_sandbox
 
-BASH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/velkctl.bash")
-ZSH_COMPLETION_FILE=$(cat "$VELK_SOURCE/packaging/completion/_velkctl")
-export BASH_COMPLETION_FILE ZSH_COMPLETION_FILE
+load_completions velkctl
 
 # Completes lines on one device: `offered WORD... -- WORD...`, where the last word of each line is
 # the one being completed. Shows the candidates, one a line.
@@ -37,8 +37,8 @@ offered() {
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
 offered '' -- s -- li -- nonsense '' -- help d -- help get ''
-output_is 'get set show restart list describe explain doctor call help
-set show
+output_is 'get set show restart list describe explain status doctor call help
+set show status
 list
 (nothing)
 describe doctor
@@ -47,11 +47,11 @@ describe doctor
 it 'offers the options of the verb, and those in front of it'
 offered - -- get eth0.dns - -- set --no -- restart eth1 --n -- list - -- explain -
 output_is '-h --help --version --json
--h --help --timeout --json --show-secrets --value
+-h --help --timeout --json --quiet --verbose --show-secrets --value
 --no-verify
 --notify-only
--h --help --json
--h --help --json'
+-h --help --json --quiet --verbose --no-pager
+-h --help --json --quiet --verbose'
 
 # ---- settings ---------------------------------------------------------------------------------
 it 'offers readable settings for get, also after other names'
@@ -71,7 +71,7 @@ it 'offers every setting that velkctl lists'
 on_device bash -c 'eval "$BASH_COMPLETION_FILE"
     COMP_WORDS=(velkctl describe "") COMP_CWORD=2
     _velkctl
-    printf "%s\n" "${COMPREPLY[@]}" | diff - <(velkctl list | sed "s/ .*//") && echo same'
+    printf "%s\n" "${COMPREPLY[@]}" | diff - <(velkctl list | sed "/:\$/d; /^\$/d; s/ .*//") && echo same'
 output_is 'same'
 
 # ---- values -----------------------------------------------------------------------------------
@@ -85,6 +85,19 @@ ad-hoc
 1 wep 3 4
 1 10 11 12 13
 (nothing)
+(nothing)'
+
+it 'offers values after NAME=, and more names with their ='
+offered set eth0.method = '' -- set eth0.method = s -- set eth0.method = dhcp ntp = '' -- \
+    set eth0.method = dhcp eth0.d -- set ntp = on ntp -- set eth1.psk =@ /tmp/keys/p -- \
+    set eth1.psk = @ /tmp/keys/p -- set eth1.ssid = @ /tmp/keys/p
+output_is 'static dhcp
+static
+on off
+eth0.dhcp-dns= eth0.dns= eth0.dhcp-notice=
+ntp-server=
+/tmp/keys/psk
+/tmp/keys/psk
 (nothing)'
 
 it 'offers a schedule word by word'
@@ -127,11 +140,11 @@ output_is '@/tmp/keys/psk
 
 # ---- the other verbs --------------------------------------------------------------------------
 it 'offers the interfaces to show, list and restart'
-offered show '' -- list '' -- restart eth1 -- show eth0 '' -- list eth0 '' -- restart eth0 ''
+offered show '' -- list '' -- restart eth1 -- show eth0 nt -- list eth0 '' -- restart eth0 ''
 output_is 'eth0 eth1
 eth0 eth1
 eth1
-(nothing)
+ntp ntp-server ntp-result
 (nothing)
 (nothing)'
 
@@ -189,46 +202,6 @@ list --json
 set --help'
 
 # ---- at a terminal ----------------------------------------------------------------------------
-# Types a line and a tab into an interactive shell, and shows the resulting line. A complete
-# word is followed by a blank.
-TYPIST='
-import os, pty, re, select, sys, time
-
-shell, lines = sys.argv[1], sys.argv[2:]
-show = {"bash": "show() { printf \"\\n<%s>\\n\" \"$READLINE_LINE\"; READLINE_LINE=; }\n"
-                "bind -x \"\\\"\\C-t\\\": show\"\n",
-        "zsh": "show() { print -r; print -r -- \"<$BUFFER>\"; BUFFER=; }\n"
-               "zle -N show; bindkey \"^T\" show\n"}
-load = {"bash": "eval \"$BASH_COMPLETION_FILE\"\n",
-        "zsh": "mkdir /tmp/completion; print -r -- \"$ZSH_COMPLETION_FILE\" >/tmp/completion/_velkctl\n"
-               "fpath=(/tmp/completion $fpath); autoload -Uz compinit; compinit -D -u\n"}
-arguments = {"bash": ["bash", "--norc", "--noprofile", "-i"], "zsh": ["zsh", "-f", "-i"]}[shell]
-
-child, terminal = pty.fork()
-if child == 0:
-    os.environ.update(TERM="dumb", PS1="> ", HISTFILE="/dev/null")
-    os.execvp(arguments[0], arguments)
-
-def read_until(pattern):
-    seen, end = "", time.monotonic() + 20
-    while not re.search(pattern, seen) and time.monotonic() < end:
-        if select.select([terminal], [], [], 0.1)[0]:
-            try:
-                seen += os.read(terminal, 4096).decode(errors="replace")
-            except OSError:
-                break
-    return seen
-
-os.write(terminal, (load[shell] + show[shell] + "echo re\"\"ady\n").encode())
-read_until("ready\r")
-for line in lines:
-    os.write(terminal, (line + "\t").encode())
-    os.write(terminal, b"\x14")  # read when the completion is done
-    found = re.search("<(.*)>\r", read_until("<.*>\r"))
-    print(found.group(1) + "|" if found else "nothing came")
-'
-export TYPIST
-
 types_in() { # SHELL LINE...
     on_device sh -c 'mkdir -p /tmp/keys && touch /tmp/keys/secret && exec python3 -c "$TYPIST" "$@"' sh "$@"
     status_is 0
@@ -237,6 +210,9 @@ velkctl get eth1.psk |
 velkctl get --show-secrets |
 velkctl set eth0.method |
 velkctl set eth0.method static |
+velkctl set ntp=on eth0.method=|
+velkctl set ntp=on eth0.method=static |
+velkctl set eth1.psk=@/tmp/keys/secret |
 velkctl set --wait=5 eth0.method |
 velkctl set web-update weekly thursday |
 velkctl set eth1.psk @/tmp/keys/secret |
@@ -248,7 +224,8 @@ velkctl call set 314 eth1 --text @/tmp/keys/secret |
 velkctl show eth|'
 }
 lines=('velkctl des' 'velkctl get eth1.ps' 'velkctl get --sh' 'velkctl set eth0.me'
-    'velkctl set eth0.method s' 'velkctl set --wait=5 eth0.me' 'velkctl set web-update weekly th'
+    'velkctl set eth0.method s' 'velkctl set ntp=on eth0.me' 'velkctl set ntp=on eth0.method=s'
+    'velkctl set eth1.psk=@/tmp/keys/se' 'velkctl set --wait=5 eth0.me' 'velkctl set web-update weekly th'
     'velkctl set eth1.psk @/tmp/keys/se' 'velkctl restart eth1 --no' 'velkctl call get 303 '
     'velkctl explain LIB_VELK_LO' 'velkctl help des'
     'velkctl call set 314 eth1 --text @/tmp/keys/se' 'velkctl show ')

@@ -6,7 +6,7 @@
 
 needs_sandbox
 
-# A device with the tools and lines that the sample one lacks: nothing is wrong with it.
+# A device with the tools that the sample one lacks, and with DHCP on eth0.
 healthy=$lib_folder/rootfs
 cp -R "$VELK_BUILD/rootfs" "$healthy"
 for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
@@ -14,8 +14,6 @@ for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
     printf '#!/bin/sh\n' >"$healthy$tool"
     chmod 755 "$healthy$tool"
 done
-printf '\taddress 10.0.0.2\n\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n' \
-    >>"$healthy/etc/network/interfaces"
 sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
 
 # Runs a script on such a device.
@@ -28,20 +26,36 @@ examine() { script "$1
 # Prints the output without the remedies.
 findings_are() { check 'findings' "$1" "$(printf '%s\n' "$output" | grep -v '^  fix: ')"; }
 
-it 'names the lines that the sample device lacks, and their fix'
-on_device sh -c 'velkctl doctor | grep -A 2 "^[a-z]*: eth[01]\."'
-output_is 'problem: eth1.address cannot be set
-  /etc/network/interfaces:13: the stanza is the last one and has no address line
-  fix: add a line "address 192.168.0.10" to it
-problem: eth1.netmask cannot be set
-  /etc/network/interfaces:13: the stanza is the last one and has no netmask line
-  fix: add a line "netmask 255.255.255.0" to it
-problem: eth1.gateway cannot be set
-  /etc/network/interfaces:13: the stanza is the last one and has no gateway line
-  fix: add a line "gateway 192.168.0.1" to it
-warning: eth0.dhcp-dns cannot be set while the method is static
-  /etc/dhclient.conf:7: the interface'"'"'s block is switched off, and no other request statement counts
-  fix: if DHCP is wanted: velkctl set eth0.method dhcp'
+it 'finds nothing on the sample device'
+on_device velkctl doctor
+status_is 0
+error_is ''
+output_is 'no problems found'
+
+it 'warns of a stanza on DHCP that can gain no static lines, in one finding'
+script 'sed -i "/^iface lo/d" /etc/network/interfaces; velkctl doctor'
+status_is 0
+output_is 'warning: eth1.address, eth1.netmask and eth1.gateway cannot be set
+  /etc/network/interfaces:12: the last stanza lacks address, netmask and gateway
+  fix: below line 12 add "address ADDRESS", "netmask NETMASK", "gateway GATEWAY"
+0 problems, 1 warning'
+
+it 'finds what the demonstration damages'
+on_device "$VELK_SOURCE/scripts/demo" --on-device
+status_is 0
+output_has '  fix: below line 12 add "gateway 10.0.0.1"
+(exit status 6)
+$ velkctl doctor
+warning: eth1.address, eth1.netmask and eth1.gateway cannot be set
+'
+
+it 'names the value that was given in the fix for a set'
+script 'sed -i "/^iface lo/d" /etc/network/interfaces; velkctl set eth1.address 10.0.0.7'
+status_is 6
+error_is "velkctl: eth1.address: the library reported success,
+  but the device cannot hold the value
+  likely cause: /etc/network/interfaces:12: the stanza is the last one and has no address line
+  fix: below line 12 add \"address 10.0.0.7\""
 
 it 'finds nothing on a complete device'
 examine ''
@@ -69,10 +83,20 @@ it 'ends with 0 when there are only warnings, in JSON too'
 examine 'touch -d "3 hours ago" /var/tmp/get_result; velkctl doctor --json >/dev/null && echo done'
 status_is 0
 findings_are 'done
-warning: link-speed and the address and netmask of a lease may not have been read
+warning: address, netmask and link-speed may not have been read
   /var/tmp/get_result: a result was left, 3 hours old
   the next one overwrites it
 0 problems, 1 warning'
+
+it 'says first that a machine without most of the files is not the device'
+script 'cd /etc; rm network/interfaces dhclient.conf dhclient-exit-hooks /sbin/dhclient-script resolv.dnsmasq.conf
+    velkctl doctor | head -1; velkctl doctor --json | jq .device
+    rm /var/cron/tabs/root; velkctl doctor | head -2; velkctl doctor --json | jq .device'
+check 'first lines' 'true
+this does not look like the device (6 of its files are missing)
+  velk-sandbox makes a simulated one
+false' "$(tail -n +2 <<<"$output")"
+has 'first line of a device' 'problem: ' "${output%%$'\n'*}"
 
 it 'reports files that are missing, of another kind or not writable'
 why=$([ "$(id -u)" = 0 ] && echo 'Read-only file system' || echo 'Permission denied')
@@ -98,15 +122,13 @@ if [ "$status" = 1 ]; then # where the folder has a limit
 fi
 
 it 'agrees with the result of a set'
-examine 'sed -i "/^	gateway 10/d" /etc/network/interfaces
+examine 'sed -i "/^iface lo/d" /etc/network/interfaces
     velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.9 2>/dev/null; echo $?'
 status_is 1
 findings_are '6
-problem: eth1.gateway cannot be set
-  /etc/network/interfaces:13: the stanza is the last one and has no gateway line
-warning: eth1.dhcp-dns cannot be set while the method is static
-  /etc/dhclient.conf:12: the interface'"'"'s block is switched off, and no other request statement counts
-1 problem, 1 warning'
+problem: eth1.address, eth1.netmask and eth1.gateway cannot be set
+  /etc/network/interfaces:12: the last stanza lacks address, netmask and gateway
+1 problem, 0 warnings'
 examine 'printf "0 * * * * ntpdate -u > /var/libvelk/ntp.log\n" >/var/cron/tabs/root
     velkctl set ntp-server 10.0.0.9 2>/dev/null; cat /var/cron/tabs/root'
 status_is 1
@@ -140,6 +162,31 @@ output_has 'warning: settings cannot be changed now
 output_has ' (flock, '
 output_has '0 problems, 1 warning
 free'
+
+it 'names the processes that hold the lock of a process that has ended'
+script '
+    velkctl set ntp on
+    (flock 9; exec sleep 60) 9<>/var/tmp/vklib_lock & holder=$!
+    while flock -n /var/tmp/vklib_lock true || ! grep -q sleep /proc/$holder/comm; do sleep 0.05; done
+    velkctl doctor | sed "s/process $holder/process N/; s/[0-9]* seconds* old/N old/"
+    velkctl set ntp off 2>&1 | sed "s/process $holder/process N/; s/[0-9]* seconds* old/N old/"
+    velkctl set ntp off --wait=1 2>&1 | sed "s/process $holder/process N/; s/[0-9]* seconds* old/N old/"
+    kill $holder'
+output_is "warning: settings cannot be changed now
+  /var/tmp/vklib_lock: the lock is held by process N (sleep, N old)
+  fix: wait for it, as 'velkctl set --wait' does, or end it
+0 problems, 1 warning
+velkctl: ntp: could not be set
+  another program is changing settings
+  process N (sleep, N old) holds the lock
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)
+velkctl: waiting at most 1 s for the lock, held by process N (sleep, N old)
+velkctl: ntp: could not be set
+  another program is changing settings
+  process N (sleep, N old) still holds the lock after 1 s
+  fix: try again, or let --wait=SECONDS try again
+  result: LIB_VELK_LOCKED (-3)"
 
 it 'reports obstacles in /var/tmp, and a set behaves as reported'
 examine 'mkfifo /var/tmp/interfaces; ln -s /etc/hosts /var/tmp/root; mkdir /var/tmp/libvelk'
@@ -185,7 +232,7 @@ script "$cut_short"'
 output_is '0
 the copy is whole
 problem
-the file seems to have been cut while being copied; the rest is in the edit copy /var/tmp/interfaces, N old; the next set replaces it; the copy would add '"'# Interfaces of the device: eth0 is the wired port, eth1 the...', 'auto lo', 'iface lo inet loopback', 'auto eth0', 'iface eth0 inet static', 'address 192.168.0.10', 'netmask 255.255.255.0', 'gateway 192.168.0.9', 'auto eth1', 'iface eth1 inet dhcp' and 3 more"'
+the file seems to have been cut while being copied; the rest is in the edit copy /var/tmp/interfaces, N old; the next set replaces it; the copy would add '"'# Interfaces of the device: eth0 is the wired port, eth1 the...', 'auto lo', 'auto eth0', 'auto eth1', 'iface eth0 inet static', 'address 192.168.0.10', 'netmask 255.255.255.0', 'gateway 192.168.0.9', 'iface eth1 inet dhcp', 'iface lo inet loopback'"'
 compare both files, as with '"'diff /etc/network/interfaces /var/tmp/interfaces'"', and if the copy is right, copy its text into the file by hand, as root
 0'
 
@@ -216,13 +263,13 @@ output_is '  /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the ed
 
 it 'reports obstacles for the output of tools'
 script 'mkfifo /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /var/tmp'
-findings_are 'warning: link-speed and the address and netmask of a lease may not have been read
+findings_are 'warning: address, netmask and link-speed may not have been read
   /var/tmp/get_result: a FIFO is in the place of the output of tools
   the next reading removes it
 0 problems, 1 warning
 auto'
 script 'ln -s /run/other /var/tmp/get_result; velkctl doctor; velkctl get eth0.link-speed; ls /run/other'
-findings_are 'warning: link-speed and the address and netmask of a lease may not have been read
+findings_are 'warning: address, netmask and link-speed may not have been read
   /var/tmp/get_result: a symbolic link is in the place of the output of tools
   the next reading removes it
 0 problems, 1 warning
@@ -262,7 +309,7 @@ velkctl: eth1.ssid: could not be read
   fix: plug in an adapter; if that does not start the wireless daemon, start it
   result: LIB_VELK_FAILURE (-1)"
 output_is '4
-1
+4
 warning: wireless adapter is not attached
   /proc/bus/usb/devices: the list has no supported adapter
   the settings of eth1 about adapter and connection are refused
@@ -304,7 +351,7 @@ script 'sed -i "/iface eth0/,/iface eth1/s/address 192.*/address\t1.2.3.4/" /etc
     grep "address" /etc/network/interfaces | head -2'
 output_is "problem: eth0.address cannot be read, and a set adds a second address line
   /etc/network/interfaces:N: no blank follows the word 'address'
-  fix: put one blank, no tab, between the word and the value
+  fix: instead of line 8 write \"address 1.2.3.4\"
 1 problem, 0 warnings
 0
 	address	1.2.3.4

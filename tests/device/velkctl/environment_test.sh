@@ -39,8 +39,8 @@ script '
     ls /tmp/mine | grep ran'
 error_is ''
 output_is 'off
-ntp = on
-location = desk'
+ntp       on
+location  desk'
 
 # Makes a folder that only its caller names, where the only grep is, and shows the advice on that.
 advice_on_grep='

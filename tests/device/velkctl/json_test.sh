@@ -21,13 +21,15 @@ import json, os, shlex, subprocess, sys
 import jsonschema
 
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-described = "name id interface get set secret description expected values longest_seconds"
+described = "name id interface get set secret description expected values longest_seconds takes_effect"
 member_orders = {
-    "settings": {"get": "name value error", "show": "name value error",
+    "settings": {"get": "name value error valid", "show": "name value error valid",
+                 "set": "name value held takes_effect set",
                  "list": described, "describe": described},
-    "setting": {"set": "name value held"},
+    "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
+    "states": {"status": "name configured running differs"},
     "findings": {"doctor": "severity subject effect description cause remedy settings"},
     "errors": {},
 }
@@ -113,6 +115,12 @@ answers <<'END'
 0 set --force eth0.gateway 9.9.9.9 -> setting
 0 set eth0.gateway none -> setting
 0 set -- location --json -> setting
+0 set ntp=on eth0.dns=1.1.1.1,2.2.2.2 -> settings
+0 set ntp=on -> settings
+0 set eth0.address 192.168.0.12/24 -> setting settings
+0 get 'eth0.*' ntp -> settings
+0 get eth0 -> settings
+0 show 'eth*.dns' ntp -> settings
 0 show -> settings
 0 show eth0 -> settings
 0 restart eth1 --notify-only -> interface
@@ -125,6 +133,7 @@ answers <<'END'
 0 explain -99 -> result
 0 explain 3 -> exit_status
 0 explain 0 -> result exit_status
+0 status eth1 -> states
 0 call get 108 eth0 -> result data
 0 call set 108 eth0 --text 10.0.0.1 -> result
 END
@@ -132,21 +141,22 @@ END
 it 'answers with the findings of the doctor, which are no errors'
 answers <<'END'
 !rm /etc/dhclient.conf
-1 doctor -> findings problems warnings
+1 doctor -> device findings problems warnings
 END
 
 it 'says in a note that a value was set but not checked'
-on_device sh -c 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.1 --json'
+on_device sh -c 'velkctl set eth0.method dhcp 2>/dev/null && velkctl set eth0.address 10.0.0.1 --json'
 status_is 0
 error_is ''
 output_is '{
-  "schema": 2,
+  "schema": 3,
   "verb": "set",
   "status": 0,
   "setting": {
     "name": "eth0.address",
     "value": "10.0.0.1",
-    "held": null
+    "held": null,
+    "takes_effect": "at the next restart of eth0"
   },
   "notes": [
     "eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown"
@@ -171,6 +181,8 @@ answers <<'END'
 2 set -> nothing; - -
 2 set nonsense 1 -> nothing; - -
 2 set eth0.mac-address 1 -> nothing; eth0.mac-address -
+2 set eth0.mac-address=1 ntp=maybe 1 -> nothing; eth0.mac-address -; - -; ntp -
+2 get 'eth9.*' -> nothing; - -
 2 set eth0.dns 1.1.1.1 --wait=0 -> nothing; - -
 2 show eth9 -> nothing; - -
 2 show --timeout -> nothing; - -
@@ -217,12 +229,13 @@ answers <<'END'
 !velk-sandbox adapter out
 4 get eth1.mac-address -> settings; eth1.mac-address LIB_VELK_NO_ADAPTER
 4 get eth1.signal eth1.rate eth0.dns -> settings; eth1.signal LIB_VELK_NO_ADAPTER; eth1.rate LIB_VELK_NO_ADAPTER
-1 get eth1.ssid -> settings; eth1.ssid LIB_VELK_FAILURE
-1 set eth1.ssid lab -> nothing; eth1.ssid LIB_VELK_FAILURE
+4 get eth1.ssid -> settings; eth1.ssid LIB_VELK_FAILURE
+4 set eth1.ssid lab -> nothing; eth1.ssid LIB_VELK_FAILURE
+4 set eth1.ssid=lab ntp=on -> settings; eth1.ssid LIB_VELK_FAILURE
 0 show eth1 -> settings
 4 restart eth1 -> interface; - LIB_VELK_NO_ADAPTER
 4 call get 101 eth1 -> result data; - LIB_VELK_NO_ADAPTER
-0 restart eth0 -> interface
+0 restart eth0 -> interface state
 END
 
 it 'answers with a document while the cable is in'
@@ -236,6 +249,7 @@ it 'answers with a document when the device does not hold the value'
 answers <<'END'
 !sed -i /ntpdate/d /var/cron/tabs/root
 6 set ntp-server time.example -> setting; ntp-server -
+6 set ntp-server=time.example eth0.dns=none -> settings; ntp-server -
 6 set ntp on -> setting; ntp -
 0 set ntp-server time.example --no-verify -> setting
 END
@@ -276,11 +290,13 @@ output_is 'get
 get
 show
 set
+set
 restart
 list
 describe
 explain
 explain
+status
 doctor
 call'
 
@@ -289,7 +305,7 @@ run "$PYTHON" -c '
 import json, os
 import jsonschema
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-base = {"schema": 2, "status": 0, "notes": [], "errors": []}
+base = {"schema": 3, "status": 0, "notes": [], "errors": []}
 error = {"message": "", "detail": None, "cause": None, "remedy": None, "setting": None, "result": None}
 wrong = [
     {**base, "verb": "get"},
@@ -317,8 +333,8 @@ it 'has values in a form for programs'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && velkctl set eth0.gateway none
     velk-sandbox cable out
     velkctl get --json eth0.dns eth0.gateway eth0.method eth1.channel eth1.signal location eth1.psk \
-        eth1.wep-key-2 | grep \"value\" -A 3 | tr -d " \n"'
-output_is '"value":["1.1.1.1","2.2.2.2"],--"value":null,"error":null},{--"value":"static","error":null},{--"value":6,"error":null},{--"value":[52,95],--"value":"Secondfloor,bythewindow","error":null},{--"value":"********","error":null},{--"value":null,"error":null}],'
+        eth1.wep-key-2 | grep \"value\" -A 4 | tr -d " \n"'
+output_is '"value":["1.1.1.1","2.2.2.2"],"error":null,--"value":null,"error":null,"valid":true},{--"value":"static","error":null,"valid":true},{--"value":6,"error":null,"valid":true},{--"value":[52,95],"error":null,--"value":"Secondfloor,bythewindow","error":null,"valid":true},{--"value":"********","error":null,"valid":true},{--"value":null,"error":null,"valid":true}],'
 
 # ---- secrets ----------------------------------------------------------------------------------
 it 'shows a secret to those who ask for it with --show-secrets alone'

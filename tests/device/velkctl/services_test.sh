@@ -13,8 +13,8 @@ script() { on_device sh -c "$1" sh "${@:2}"; }
 it 'shows the administrator and the location'
 on_device velkctl get administrator location
 status_is 0
-output_is 'administrator = Robin
-location = Second floor, by the window'
+output_is 'administrator  Robin
+location       Second floor, by the window'
 
 it 'stores a text as it is, in its own file and in the SNMP daemon'"'"'s, and runs nothing of it'
 quotes=$(printf "%511s" '' | tr ' ' "'")
@@ -112,10 +112,10 @@ script '
     grep ntpdate /var/cron/tabs/root && velkctl set ntp on && velkctl get ntp && grep ntpdate /var/cron/tabs/root'
 status_is 0
 error_is ''
-output_is 'ntp = on
-ntp-result = reached
-ntp = off
-ntp-result = no-result
+output_is 'ntp         on
+ntp-result  reached
+ntp         off
+ntp-result  no-result
 #0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log
 on
 0 * * * * /usr/bin/ntpdate -u 192.168.0.1 > /var/libvelk/ntp.log'

@@ -25,7 +25,8 @@ it 'stops a get that waits to log at the timeout'
 script 'rm /var/cron/tabs/root; with_stuck_log timeout -k 60 60 velkctl get ntp --timeout 1'
 status_is 7
 error_is 'velkctl: ntp: could not be read
-  no answer after 1 s'
+  no answer after 1 s
+  fix: run it again with a longer --timeout'
 
 it 'reads settings without the log'
 script 'with_stuck_log timeout -k 60 60 velkctl get eth0.address'

@@ -112,9 +112,9 @@ on_device sh -c 'echo "nameserver 1.1.1.1" >/etc/resolv.dnsmasq.conf
     velkctl get eth1.dns eth0.dns eth1.dns'
 status_is 0
 error_is ''
-output_is 'eth1.dns = 1.1.1.1
-eth0.dns = 1.1.1.1
-eth1.dns = 1.1.1.1'
+output_is 'eth1.dns  1.1.1.1
+eth0.dns  1.1.1.1
+eth1.dns  1.1.1.1'
 
 it 'says that a setting could not be read'
 without_resolver velkctl get eth0.dns
@@ -185,8 +185,8 @@ output_has 'nameserver 1.1.1.1
 it 'reads back the value it set, on either interface'
 on_device sh -c 'velkctl set eth0.dns 1.2.3.4 5.6.7.8 && velkctl get eth0.dns eth1.dns'
 status_is 0
-output_is 'eth0.dns = 1.2.3.4 5.6.7.8
-eth1.dns = 1.2.3.4 5.6.7.8'
+output_is 'eth0.dns  1.2.3.4 5.6.7.8
+eth1.dns  1.2.3.4 5.6.7.8'
 
 it 'sets a value as get shows it'
 on_device sh -c 'velkctl set eth0.dns 1.1.1.1 2.2.2.2 && before=$(velkctl get eth0.dns) &&
@@ -237,7 +237,7 @@ refused 'eth0.dns: 4 addresses given; give one to three, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
 it 'refuses a value that is not an address'
-for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost 1.1.1.1,2.2.2.2 '1.1.1.1 2.2.2.2' \
+for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost '1.1.1.1;2.2.2.2' \
     '[1.1.1.1]' '{}' %% ++ -5 list ''; do
     refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
         set eth0.dns 1.1.1.1 "$word"
@@ -266,7 +266,7 @@ refused 'eth0.dns: no value given; give one to three IPv4 addresses such as 192.
 
 it 'refuses a missing name'
 refused 'get: argument missing; usage: velkctl get NAME... [OPTION...]' get
-refused 'set: argument missing; usage: velkctl set NAME VALUE... [OPTION...]' set
+refused 'set: argument missing; usage: velkctl set NAME VALUE...|NAME=VALUE... [OPTION...]' set
 
 it 'refuses an unknown name'
 refused "get: unknown setting 'nonsense'; 'velkctl list' names them all" get nonsense
@@ -276,18 +276,18 @@ refused "set: unknown setting ''; 'velkctl list' names them all" set '' 1.1.1.1
 it 'refuses an interface that the setting is not for'
 refused "get: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" get eth2.dns
 refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dns 1.1.1.1
-refused "set: unknown setting 'dns'; give eth0.dns or eth1.dns" set dns 1.1.1.1
+refused "set: 'dns' is a setting of both interfaces; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses an unknown verb'
-refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'" \
+refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, status, doctor, call or help; see 'velkctl --help'" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, show, restart, list, describe, explain, doctor, call or help; see 'velkctl --help'"
+refused "no verb given; give get, set, show, restart, list, describe, explain, status, doctor, call or help; see 'velkctl --help'"
 
 it 'refuses an unknown option'
-refused "unknown option '--quick'; 'velkctl --help' lists the options" \
-    --quick set eth0.dns 1.1.1.1
-refused "set: unknown option '--quick'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
-    set --quick eth0.dns 1.1.1.1
+refused "unknown option '--hurry'; 'velkctl --help' lists the options" \
+    --hurry set eth0.dns 1.1.1.1
+refused "set: unknown option '--hurry'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+    set --hurry eth0.dns 1.1.1.1
 refused "set: unknown option '-q'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
     set eth0.dns 1.1.1.1 -q
 refused "get: unknown option '--version'; 'velkctl get --help' lists the options" \
@@ -305,12 +305,11 @@ refused "set: unknown option '-hallo'; 'velkctl set --help' lists the options; p
     set eth0.dns -hallo
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
-it 'refuses name and value as one word'
-refused "set: 'eth0.dns' is followed by '='; give the name alone, and the value as a separate argument" \
-    set eth0.dns=1.1.1.1
+it 'refuses a value after a name that is read'
+refused "get: 'eth0.dns' is followed by '='; give the name alone" get eth0.dns=1.1.1.1
 
 it 'refuses an argument too many'
-refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [--json]" list eth0 eth0.dns
+refused "list: unexpected argument 'eth0.dns'; usage: velkctl list [eth0|eth1] [OPTION...]" list eth0 eth0.dns
 refused "call: unexpected argument 'x'; usage: velkctl call get|set|restart ID [INTERFACE] [OPTION...]" \
     call set 108 eth0 x
 
@@ -319,10 +318,11 @@ it 'lists each setting with its directions and description'
 on_device velkctl list
 status_is 0
 error_is ''
-output_has 'eth0.mac-address        get      hardware address: 12 hex digits
+output_has 'eth0.mac-address        get      hardware address: 6 bytes in hex
 '
 output_has 'eth0.dns                get set  DNS servers of eth0 and eth1; see describe
-eth1.dns                get set  DNS servers of eth0 and eth1; see describe
+'
+output_has 'eth1.dns                get set  DNS servers of eth0 and eth1; see describe
 '
 output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex; see describe
 '
@@ -449,14 +449,18 @@ refused "call: 'eth0eth0eth0eth01' is too long for an interface; give eth0, eth1
 it 'leaves ids and interfaces to the library'
 for arguments in 'get 108' 'get 108 eth2' 'get 108 eth0eth0eth0eth0' 'get 999 eth0' \
     'get 4294967295 eth0' 'set 108' 'set 999 eth0' 'restart 108 eth0'; do
+    case $arguments in
+        *' 108') why='; 108 needs an interface: eth0 or eth1' ;;
+        *) why='' ;;
+    esac
     # shellcheck disable=SC2086  # words
     with_resolver 'nameserver 9.9.9.9\n' velkctl call $arguments --text 1.1.1.1
     status_is 2
     error_is ''
-    output_has 'LIB_VELK_INVALID_PARAMETER (-4): the library does not take this command, interface or value
+    output_has "LIB_VELK_INVALID_PARAMETER (-4): the library does not take this command, interface or value$why
 -- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
---'
+--"
 done
 
 it 'shows that the lock is held'
@@ -506,7 +510,7 @@ it 'shows the hardware address of the wired port'
 with_ports "$link" '' velkctl get eth0.mac-address
 status_is 0
 error_is ''
-output_is '02005E100AFF
+output_is '02:00:5E:10:0A:FF
 -- run'
 
 it 'shows none for a missing port'
@@ -519,7 +523,7 @@ it 'shows the hardware address of the adapter while the cable is out'
 with_ports "$no_link" "$adapter" velkctl get eth1.mac-address
 status_is 0
 error_is ''
-output_is '02005E100B01
+output_is '02:00:5E:10:0B:01
 -- run
 ethtool eth0'
 
@@ -660,13 +664,14 @@ for word in 0 14 01 +1 wep ''; do
     refused_unsent "eth1.channel: '$word' is not valid; give a number from 1 to 13" \
         set eth1.channel "$word"
 done
-refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4" \
+by_daemon='the wireless daemon defines the meaning; see its manual'
+refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4; the wireless daemon defines the meaning of 1, 3 and 4; see its manual" \
     set eth1.encryption 5
-refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4" \
+refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4; $by_daemon" \
     set eth1.authentication 0
 refused_unsent "eth1.wep-default-key: '5' is not valid; give a number from 1 to 4" \
     set eth1.wep-default-key 5
-refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3" \
+refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3; $by_daemon" \
     set eth1.standards-enabled 1
 refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
     set eth1.ssid "$(printf '%033d' 0)"
@@ -695,7 +700,8 @@ refused_unsent 'eth1.wep-key-4: 6 bytes given; give a text of 5 or 13 bytes, 10 
 
 it 'never repeats a key at any place'
 for arguments in 'set eth1.psk hunter22' 'set eth1.psk -hunter22' 'set eth1.psk --hunter=2' \
-    'set eth1.psk @hunter22' 'set eth1.psk=hunter22' 'set hunter22 eth1.psk' \
+    'set eth1.psk @hunter22' 'set eth1.psk=hunter22 hunter23' 'set psk=hunter22 hunter=23' \
+    'set eth1.psk=@hunter22' 'set eth1.pks=hunter22' 'set hunter22 eth1.psk' \
     'set eth1.pks -hunter22' 'set eth1.wep-key-2 hunter' 'eth1.psk=hunter22' 'get eth1.psk=hunter22' \
     'call set 314 eth1 hunter22' 'call set 314 hunter22hunter22hunter22' \
     'call set 314 eth1 --hunter22' 'call set 314 eth1 --hex hunter22' \
@@ -721,7 +727,7 @@ error_is 'velkctl: eth1.wep-key-1: 6 bytes given
   fix: give a text of 5 or 13 bytes, 10 or 26 hex digits, or none'
 with_ports "$no_link" "$adapter" sh -c 'printf "hunter\r\n" | velkctl set eth1.psk -'
 status_is 2
-error_is 'velkctl: eth1.psk: control characters, such as the end of a line, are not taken
+error_is 'velkctl: eth1.psk: it ends with CR (carriage return), as in a CR LF file
   fix: give a text of 1 to 64 bytes, or none'
 refused_unsent 'eth1.psk: standard input is empty; give the value as one line' set eth1.psk -
 
@@ -760,20 +766,23 @@ refused_unsent "eth1.channel: '@/etc/hostname' is not valid; give a number from 
     set eth1.channel @/etc/hostname
 
 # ---- restart ----------------------------------------------------------------------------------
+bring_up='ip link set eth0 up; ip link set eth1 up; ip addr add 192.168.0.10/24 dev eth0;'
 it 'restarts the wired port'
-with_ports "$link" '' velkctl restart eth0
+with_ports "$link" '' sh -c "$bring_up velkctl restart eth0"
 status_is 0
 error_is ''
-output_is '-- run
+output_is 'eth0: 192.168.0.10 (static)
+-- run
 ifdown eth0
 ifup eth0
 lock file made'
 
 it 'brings the adapter up alone while the cable is in'
-with_ports "$link" "$adapter" velkctl restart eth1
+with_ports "$link" "$adapter" sh -c "$bring_up velkctl restart eth1"
 status_is 0
 error_is ''
-output_is '-- run
+output_is 'eth1: up, without an address while the cable is in
+-- run
 ifdown eth1
 ethtool eth0
 ifconfig eth1 up
@@ -824,12 +833,13 @@ error_is ''
 output_has 'Usage: velkctl VERB [ARGUMENT...]'
 output_has '
   get       show the value of settings
-  set       change a setting
+  set       change settings
   show      show all settings, or those of an interface
   restart   bring an interface down and up to apply its settings
   list      list all settings, or those of an interface
   describe  describe a setting and its values
   explain   explain a result of the library or an exit status
+  status    compare the configuration with the running state
   doctor    look for problems with files, tools and daemons
   call      run a command of the library without checks
   help      show help for velkctl or for a verb
@@ -881,6 +891,8 @@ output_has '
   --wait              try again for 30 s while settings are locked; or --wait=N
   --timeout SECONDS   stop if no answer comes within SECONDS
   --json              print one JSON document
+  --quiet             print only values and problems
+  --verbose           print also the output of tools
   --show-secrets      show keys instead of asterisks
 '
 

@@ -61,7 +61,7 @@ void AnswerCheck::CheckAnswer(const Outcome& outcome) {
             CheckAs(reference_.outcome, outcome);
             break;
         case Notice::kFailure:
-            CheckTold(outcome);
+            CheckReportedFailure(outcome);
             break;
         case Notice::kNoAddress:
         case Notice::kOldResult:
@@ -80,13 +80,13 @@ void AnswerCheck::CheckAnswer(const Outcome& outcome) {
             CheckWithoutCable(outcome);
             break;
         case Notice::kCut:
-            fails_later ? CheckTold(outcome) : CheckAs(cut_->outcome, outcome);
+            fails_later ? CheckReportedFailure(outcome) : CheckAs(cut_->outcome, outcome);
             break;
     }
 }
 
 // A value may be refused before the library checks whether its file can be edited.
-void AnswerCheck::CheckTold(const Outcome& outcome) {
+void AnswerCheck::CheckReportedFailure(const Outcome& outcome) {
     const bool is_of_an_edit = expectation_.call != nullptr && !expectation_.call->file.empty();
     const bool is_refused = reference_.outcome.result == LIB_VELK_INVALID_PARAMETER;
     if (!is_of_an_edit || !is_refused || outcome.result != LIB_VELK_INVALID_PARAMETER) {
@@ -101,7 +101,7 @@ void AnswerCheck::CheckWithoutCable(const Outcome& outcome) {
     Scene other = scene_;
     other.has_cable = false;
     if (scene_.has_cable && outcome.result == LIB_VELK_FAILURE) {
-        CheckTold(outcome);
+        CheckReportedFailure(outcome);
         return;
     }
     if (scene_.has_cable && outcome.result == LIB_VELK_NO_ADAPTER) {

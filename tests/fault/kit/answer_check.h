@@ -18,7 +18,7 @@ class AnswerCheck {
 
   private:
     void CheckAnswer(const Outcome& outcome);
-    void CheckTold(const Outcome& outcome);
+    void CheckReportedFailure(const Outcome& outcome);
     void CheckWithoutCable(const Outcome& outcome);
     void CheckAsInScene(const Scene& scene, const Outcome& outcome);
     void CheckAs(const Outcome& expected, const Outcome& outcome);

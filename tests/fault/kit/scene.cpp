@@ -166,7 +166,7 @@ Files ReadTargets() {
     return files;
 }
 
-std::vector<std::string> Leftovers() {
+std::vector<std::string> RemainingFiles() {
     std::vector<std::string> paths;
     for (const char* folder : {"/tmp", kEditFolder, kSemaphoreFolder}) {
         for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {

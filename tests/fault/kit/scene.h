@@ -29,7 +29,7 @@ using Files = std::map<std::string, std::optional<std::string>>;
 Files ReadTargets();
 
 // Returns the paths of the files in the library's scratch folders, without its lock files.
-std::vector<std::string> Leftovers();
+std::vector<std::string> RemainingFiles();
 
 // Makes the device anew. During its lifetime, tools and the wireless daemon are fakes that answer
 // within the library's own call, nothing waits, and only they use the recorder.

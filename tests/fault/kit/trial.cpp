@@ -93,7 +93,7 @@ Outcome Trial::Run(const Fault* fault) {
     device_.daemon().ServePending();
     outcome.files = ReadTargets();
     outcome.wireless = WirelessOf(device_);
-    outcome.leftovers = Leftovers();
+    outcome.remaining_files = RemainingFiles();
     outcome.descriptors_left = Added(descriptors, SortedDescriptors());
     outcome.semaphores_mapped = MappedSemaphores();
     outcome.is_lock_free = testkit::IsLockFree();

@@ -21,7 +21,7 @@ struct Outcome {
     _velk_request response{};
     Files files;
     std::string wireless;  // the daemon's stored configuration, byte by byte
-    std::vector<std::string> leftovers;
+    std::vector<std::string> remaining_files;
     int allocations_made = 0;
     int allocations_held = 0;
     std::vector<int> descriptors_left;  // numbers that were not open before

@@ -16,6 +16,7 @@
 
 #include "lib/entry/dispatch_tables.h"
 #include "support/device_test.h"
+#include "support/words.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/value_kind.h"
@@ -30,8 +31,8 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testkit::Words;
 using velk::CommandEntry;
-using Words = std::vector<std::string>;
 
 // ---- Text --------------------------------------------------------------------------------------
 
@@ -337,15 +338,37 @@ std::optional<Command> FindCommand(const std::string& id) {
     return found == commands.end() ? std::nullopt : std::optional(*found);
 }
 
-// The string literals of the library's sources. Those of comments come along: a shell line or a
-// path in one has to be right too.
+// The value of a path constant of the library.
+std::string PathNamed(const std::string& constant) {
+    const Words values = Matches(testkit::ReadFile(VELK_SOURCE_DIR "/lib/base/paths.h"),
+                                 constant + R"re(\[\] = "([^"]*)")re");
+    return values.empty() ? "" : values.front();
+}
+
+// The text of the pieces of JoinText(): literals and names of path constants.
+std::string JoinedPieces(const std::string& pieces) {
+    std::string text;
+    const std::regex piece(R"re("([^"]*)"|(k\w+))re");
+    for (std::sregex_iterator at(pieces.begin(), pieces.end(), piece), end; at != end; ++at) {
+        text += (*at)[2].matched ? PathNamed((*at)[2]) : std::string((*at)[1]);
+    }
+    return text;
+}
+
+// The string literals of the library's sources, and the texts that it joins at compile time. Those
+// of comments come along: a shell line or a path in one has to be right too.
 const std::set<std::string>& Literals() {
     static const std::set<std::string> all = [] {
         std::set<std::string> literals;
         for (const auto& file :
              fs::recursive_directory_iterator(fs::path(VELK_SOURCE_DIR) / "lib")) {
-            for (const std::string& literal :
-                 Matches(testkit::ReadFile(file.path().string()), R"re("((?:[^"\\\n]|\\.)*)")re")) {
+            const std::string source = testkit::ReadFile(file.path().string());
+            for (const std::string& pieces : Matches(source, R"re(= JoinText\(([^;]*)\);)re")) {
+                literals.insert(JoinedPieces(pieces));
+            }
+            const std::string unjoined =
+                std::regex_replace(source, std::regex(R"re(= JoinText\([^;]*\);)re"), "");
+            for (const std::string& literal : Matches(unjoined, R"re("((?:[^"\\\n]|\\.)*)")re")) {
                 literals.insert(std::regex_replace(literal, std::regex(R"re(\\(["\\]))re"), "$1"));
             }
         }

@@ -9,11 +9,16 @@
 
 namespace {
 
-// Read from the headers' text: a path that is added later is compared too.
-std::map<std::string, std::string> PathsIn(const std::string& header) {
+using Paths = std::map<std::string, std::string>;
+
+constexpr char kTestList[] = "tests/support/paths.h";
+constexpr char kLibraryList[] = "lib/base/paths.h";
+
+// Reads the header's text, so a path that is added later is compared, too.
+Paths PathsIn(const std::string& header) {
     static const std::regex kConstant("constexpr char (\\w+)\\[\\] =\\s*\"([^\"]*)\";");
     const std::string text = testkit::ReadFile(VELK_SOURCE_DIR "/" + header);
-    std::map<std::string, std::string> paths;
+    Paths paths;
     for (std::sregex_iterator at(text.begin(), text.end(), kConstant); at != std::sregex_iterator();
          ++at) {
         paths[at->str(1)] = at->str(2);
@@ -21,18 +26,24 @@ std::map<std::string, std::string> PathsIn(const std::string& header) {
     return paths;
 }
 
-TEST(PathsTest, TheLibraryUsesThePathsThatTheTestsExpect) {
-    const auto expected = PathsIn("tests/support/paths.h");
-    const auto used = PathsIn("lib/base/paths.h");
-    ASSERT_FALSE(used.empty());
-    for (const auto& [name, path] : used) {
-        const auto found = expected.find(name);
-        if (found == expected.end()) {
-            ADD_FAILURE() << name << " is missing: add it to tests/support/paths.h";
-        } else {
-            EXPECT_EQ(path, found->second) << name;
+// Returns a line for each constant of `all` that the header does not have.
+std::string MissingIn(const std::string& header, const Paths& paths, const Paths& all) {
+    std::string missing;
+    for (const auto& [name, path] : all) {
+        if (!paths.contains(name)) {
+            missing += name + " is missing: add it to " + header + "\n";
         }
     }
+    return missing;
+}
+
+TEST(PathsTest, TheLibraryUsesThePathsThatTheTestsExpect) {
+    const Paths expected = PathsIn(kTestList);
+    const Paths used = PathsIn(kLibraryList);
+    ASSERT_FALSE(used.empty());
+    EXPECT_EQ(MissingIn(kTestList, expected, used), "");
+    EXPECT_EQ(MissingIn(kLibraryList, used, expected), "");
+    EXPECT_EQ(used, expected);
 }
 
 }  // namespace

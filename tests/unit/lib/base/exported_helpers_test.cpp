@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
+#include "support/paths.h"
 #include "velk/frame.h"
 #include "velk/ipconf.h"
 
@@ -21,8 +23,8 @@ using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
 
-constexpr char kSource[] = "/var/tmp/root";
-constexpr char kTarget[] = "/var/cron/tabs/root";
+constexpr auto& kSource = testkit::kCrontabCopy;
+constexpr auto& kTarget = testkit::kCrontab;
 
 TEST(IsStrNum, ANullPointerAndTheEmptyTextCount) {
     EXPECT_EQ(isStrNum(nullptr), 1U);

@@ -14,7 +14,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -24,14 +26,14 @@ using testing::SizeIs;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kInterfacesCopy;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::Return;
 using testkit::WriteFile;
 using velk::FileEdit;
 
-constexpr char kTarget[] = "/etc/network/interfaces";
-constexpr char kCopy[] = "/var/tmp/interfaces";
+constexpr auto& kTarget = testkit::kInterfacesFile;
 
 // Copies the file through an edit, line by line, and returns the result of Finish().
 int CopyThrough(const char* target = kTarget) {
@@ -83,7 +85,7 @@ class FileEditTest : public testkit::DeviceTest {
   protected:
     void SetUp() override { WriteFile(kTarget, "one\ntwo\nthree\n"); }
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kInterfacesCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     testkit::FakeShell shell;
@@ -93,7 +95,7 @@ class FileEditTest : public testkit::DeviceTest {
 
 TEST_F(FileEditTest, OpensTheFileAndThenTheCopy) {
     { const FileEdit edit(kTarget); }
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kTarget, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kTarget, kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, OpensBothCloseOnExec) {
@@ -120,9 +122,9 @@ TEST_F(FileEditTest, TheEditIsOpenIfBothFilesAre) {
 }
 
 TEST_F(FileEditTest, AnOldCopyIsEmptied) {
-    WriteFile(kCopy, "left over from an edit that was given up\n");
+    WriteFile(kInterfacesCopy, "left by an interrupted edit\n");
     const FileEdit edit(kTarget);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "");
 }
 
 TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyIsStillMade) {
@@ -131,7 +133,7 @@ TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyIsStillMade) {
     EXPECT_FALSE(edit.is_open());
     EXPECT_EQ(edit.target_error(), ENOENT);
     EXPECT_EQ(edit.copy_error(), 0);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "");
     EXPECT_FALSE(Exists(kTarget)) << "an edit makes no new file";
 }
 
@@ -148,7 +150,7 @@ TEST_F(FileEditTest, AFolderInTheFilesPlaceIsReported) {
 }
 
 TEST_F(FileEditTest, AFolderInTheCopysPlaceIsReported) {
-    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
     const FileEdit edit(kTarget);
     EXPECT_FALSE(edit.is_open());
     EXPECT_EQ(edit.target_error(), 0);
@@ -165,27 +167,27 @@ TEST_F(FileEditTest, BothErrorsAreReported) {
 
 TEST_F(FileEditTest, ALinkInTheCopysPlaceIsReplaced) {
     WriteFile("/etc/network/victim", "keep me\n");
-    ASSERT_EQ(symlink("/etc/network/victim", kCopy), 0);
+    ASSERT_EQ(symlink("/etc/network/victim", kInterfacesCopy), 0);
     {
         const FileEdit edit(kTarget);
         EXPECT_TRUE(edit.is_open());
     }
     EXPECT_EQ(ReadFile("/etc/network/victim"), "keep me\n");
-    EXPECT_EQ(ReadFile(kCopy), "");
-    EXPECT_FALSE(std::filesystem::is_symlink(kCopy));
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "");
+    EXPECT_FALSE(std::filesystem::is_symlink(kInterfacesCopy));
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
 
 TEST_F(FileEditTest, AHardLinkInTheCopysPlaceIsReplaced) {
     WriteFile("/var/tmp/victim", "keep me\n");
-    ASSERT_EQ(link("/var/tmp/victim", kCopy), 0);
+    ASSERT_EQ(link("/var/tmp/victim", kInterfacesCopy), 0);
     EXPECT_EQ(CopyThrough(), 0);
     EXPECT_EQ(ReadFile("/var/tmp/victim"), "keep me\n");
 }
 
 TEST_F(FileEditTest, ACopyOfSomebodyElsesIsReplaced) {
-    WriteFile(kCopy, "0 * * * * reboot\n");
-    const int theirs = open(kCopy, O_WRONLY | O_CLOEXEC);
+    WriteFile(kInterfacesCopy, "0 * * * * reboot\n");
+    const int theirs = open(kInterfacesCopy, O_WRONLY | O_CLOEXEC);
     {
         FileEdit edit(kTarget);
         edit.Write("one\n");
@@ -197,7 +199,7 @@ TEST_F(FileEditTest, ACopyOfSomebodyElsesIsReplaced) {
 }
 
 TEST_F(FileEditTest, APipeInTheCopysPlaceIsReplaced) {
-    ASSERT_EQ(mkfifo(kCopy, 0666), 0);
+    ASSERT_EQ(mkfifo(kInterfacesCopy, 0666), 0);
     EXPECT_EQ(CopyThrough(), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
 }
@@ -207,14 +209,14 @@ TEST_F(FileEditTest, OnlyTheOwnerMayReadOrWriteTheCopy) {
     struct stat status {};
     {
         const FileEdit edit(kTarget);
-        EXPECT_EQ(stat(kCopy, &status), 0);
+        EXPECT_EQ(stat(kInterfacesCopy, &status), 0);
     }
     umask(saved);
     EXPECT_EQ(status.st_mode & 07777, 0600U);
 }
 
 TEST_F(FileEditTest, ACopyThatAppearsAfterTheRemovalIsNotOpened) {
-    WriteFile(kCopy, "");
+    WriteFile(kInterfacesCopy, "");
     int opened = 0;
     libc().OnCall(Call::kUnlink, [&](const testkit::Event&) { ++opened; });
     libc().Script(Call::kUnlink, {testkit::Return(0)});  // as if it came back at once
@@ -226,7 +228,7 @@ TEST_F(FileEditTest, ACopyThatAppearsAfterTheRemovalIsNotOpened) {
 }
 
 TEST_F(FileEditTest, ALinkToNothingIsReplacedToo) {
-    ASSERT_EQ(symlink("/etc/network/victim", kCopy), 0);
+    ASSERT_EQ(symlink("/etc/network/victim", kInterfacesCopy), 0);
     {
         const FileEdit edit(kTarget);
         EXPECT_TRUE(edit.is_open());
@@ -284,7 +286,7 @@ TEST_F(FileEditTest, AnEditThatIsNotFinishedLeavesTheFileUnchangedAndKeepsTheCop
         edit.Write("changed\n");
     }
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
-    EXPECT_TRUE(Exists(kCopy));
+    EXPECT_TRUE(Exists(kInterfacesCopy));
     EXPECT_THAT(libc().Commands(), IsEmpty());
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
@@ -460,7 +462,7 @@ TEST_F(FileEditTest, TheCopyIsPutInPlaceByTheseLines) {
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
                             "system rm /var/tmp/interfaces"));
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, BothFilesAreClosedBeforeTheCopying) {
@@ -497,7 +499,7 @@ TEST_F(FileEditTest, AFileThatTheToolsCutIsRepairedAndItsCopyRemoved) {
     });
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.9"), 0);
     EXPECT_EQ(ReadFile(kTarget), "iface eth0 inet static\n\taddress 10.0.0.9\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
     EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mended /etc/network/interfaces"));
 }
 
@@ -520,7 +522,7 @@ TEST_F(FileEditTest, ACutFileThatCannotBeRepairedIsLoggedAndItsCopyStays) {
     });
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mend errno=30:Read-only file system"));
-    EXPECT_EQ(ReadFile(kCopy), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "one\ntwo\nthree\n");
 }
 
 TEST_F(FileEditTest, WithoutADescriptorForTheCopyNothingIsChanged) {
@@ -533,7 +535,7 @@ TEST_F(FileEditTest, WithoutADescriptorForTheCopyNothingIsChanged) {
     EXPECT_EQ(edit.Finish(), -1);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &saved), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, LinesThatDoNotFitAreNotRun) {
@@ -551,7 +553,7 @@ TEST_F(FileEditTest, AHostWithTwoUsersLeavesNoCopy) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
         struct stat facts {};
-        EXPECT_TRUE(!event.text.starts_with("cat ") || stat(kCopy, &facts) == 0);
+        EXPECT_TRUE(!event.text.starts_with("cat ") || stat(kInterfacesCopy, &facts) == 0);
         EXPECT_TRUE(!event.text.starts_with("cat ") || (facts.st_mode & 07777) == 0644);
     });
     if (setresuid(1234, 0, 0) == -1) {
@@ -559,7 +561,7 @@ TEST_F(FileEditTest, AHostWithTwoUsersLeavesNoCopy) {
     }
     EXPECT_EQ(CopyThrough(), 0);
     EXPECT_EQ(setresuid(0, 0, 0), 0);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 // ---- a copy that cannot be written
@@ -569,7 +571,7 @@ TEST_F(FileEditTest, AFailedWriteLeavesTheFileAsItWas) {
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, AWriteThatFailsAfterAPartLeavesTheFileAsItWas) {
@@ -577,7 +579,7 @@ TEST_F(FileEditTest, AWriteThatFailsAfterAPartLeavesTheFileAsItWas) {
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=5:Input/output error"));
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, AWriteThatTakesNothingIsAFailureToo) {
@@ -586,7 +588,7 @@ TEST_F(FileEditTest, AWriteThatTakesNothingIsAFailureToo) {
     EXPECT_THAT(libc().Commands(), IsEmpty());
     EXPECT_THAT(libc().Logs(), SizeIs(1));
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, AFailedCloseLeavesTheFileAsItWas) {
@@ -594,7 +596,7 @@ TEST_F(FileEditTest, AFailedCloseLeavesTheFileAsItWas) {
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, TheFirstErrorIsTheOneLogged) {
@@ -639,7 +641,7 @@ TEST_F(FullFolderTest, AFileThatDoesNotFitStaysAsItWas) {
         EXPECT_EQ(CopyThrough(), -1);
         EXPECT_THAT(libc().Story(),
                     ElementsAre("log FileEdit write errno=28:No space left on device"));
-        EXPECT_FALSE(Exists(kCopy)) << "what was written is removed to make room again";
+        EXPECT_FALSE(Exists(kInterfacesCopy)) << "what was written is removed to make room again";
     }
     EXPECT_TRUE(ReadFile(kTarget) == text);
 }
@@ -650,7 +652,7 @@ TEST_F(FullFolderTest, AFileThatFitsIsEdited) {
         const FullScratchFolder folder;
         ASSERT_TRUE(folder.is_mounted());
         EXPECT_EQ(CopyThrough(), 0);
-        EXPECT_FALSE(Exists(kCopy));
+        EXPECT_FALSE(Exists(kInterfacesCopy));
     }
     EXPECT_EQ(ReadFile(kTarget), "one\ntwo\n");
 }

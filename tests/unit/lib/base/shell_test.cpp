@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -19,8 +21,8 @@ using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
 
-constexpr char kSource[] = "/var/tmp/root";
-constexpr char kTarget[] = "/var/cron/tabs/root";
+constexpr auto& kSource = testkit::kCrontabCopy;
+constexpr auto& kTarget = testkit::kCrontab;
 
 class ShellTest : public testkit::DeviceTest {};
 

@@ -9,11 +9,13 @@
 
 #include "lib/base/unique_fd.h"
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 
 namespace {
 
 using testkit::Call;
 using testkit::Fail;
+using testkit::kInterfacesCopy;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
@@ -21,7 +23,6 @@ using velk::TargetGuard;
 using velk::UniqueFd;
 
 const std::string kTarget = "/etc/network/interfaces";
-constexpr char kCopy[] = "/var/tmp/interfaces";
 
 // A text of several pieces of 4 KB.
 std::string LongText(char letter) {
@@ -32,11 +33,11 @@ class TargetGuardTest : public testkit::DeviceTest {
   protected:
     // Returns the file's text after the guard, if it has this text after the copying. Its time
     // changes.
-    std::string MendedFrom(const std::string& old_text, const std::string& new_text,
-                           const std::string& text_after_copying) {
+    std::string TextAfterRepair(const std::string& old_text, const std::string& new_text,
+                                const std::string& text_after_copying) {
         WriteFile(kTarget, old_text);
-        WriteFile(kCopy, new_text);
-        const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+        WriteFile(kInterfacesCopy, new_text);
+        const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
         TargetGuard guard(kTarget, copy.get());
         usleep(10000);  // file times have a resolution of some milliseconds
         WriteFile(kTarget, text_after_copying);
@@ -49,41 +50,41 @@ class TargetGuardTest : public testkit::DeviceTest {
 };
 
 TEST_F(TargetGuardTest, AnEmptyFileGetsTheNewText) {
-    EXPECT_EQ(MendedFrom("old\n", "new text\n", ""), "new text\n");
+    EXPECT_EQ(TextAfterRepair("old\n", "new text\n", ""), "new text\n");
     EXPECT_TRUE(has_repaired_);
 }
 
 TEST_F(TargetGuardTest, APieceOfTheNewTextIsMadeWhole) {
     for (const size_t size : {1U, 4095U, 4096U, 4097U, 9000U}) {
         const std::string text = LongText('n');
-        EXPECT_TRUE(MendedFrom("old\n", text, text.substr(0, size)) == text) << size;
+        EXPECT_TRUE(TextAfterRepair("old\n", text, text.substr(0, size)) == text) << size;
     }
 }
 
 TEST_F(TargetGuardTest, APieceAsLongAsTheOldTextIsMadeWhole) {
-    EXPECT_EQ(MendedFrom("one\n", "one\ntwo\n", "one\n"), "one\ntwo\n");
+    EXPECT_EQ(TextAfterRepair("one\n", "one\ntwo\n", "one\n"), "one\ntwo\n");
 }
 
 TEST_F(TargetGuardTest, TheNewTextStays) {
-    EXPECT_EQ(MendedFrom("old\n", "new text\n", "new text\n"), "new text\n");
+    EXPECT_EQ(TextAfterRepair("old\n", "new text\n", "new text\n"), "new text\n");
     EXPECT_FALSE(has_repaired_);
-    EXPECT_EQ(MendedFrom("an old text that is longer\n", "new\n", "new\n"), "new\n");
+    EXPECT_EQ(TextAfterRepair("an old text that is longer\n", "new\n", "new\n"), "new\n");
     EXPECT_FALSE(has_repaired_);
 }
 
 TEST_F(TargetGuardTest, AnotherTextStays) {
-    EXPECT_EQ(MendedFrom("old\n", "new text\n", "theirs"), "theirs");
-    EXPECT_EQ(MendedFrom("old\n", "new\n", "longer than the new text\n"),
+    EXPECT_EQ(TextAfterRepair("old\n", "new text\n", "theirs"), "theirs");
+    EXPECT_EQ(TextAfterRepair("old\n", "new\n", "longer than the new text\n"),
               "longer than the new text\n");
     const std::string other = LongText('n').substr(0, 5000) + "x";
-    EXPECT_TRUE(MendedFrom("old\n", LongText('n'), other) == other);
+    EXPECT_TRUE(TextAfterRepair("old\n", LongText('n'), other) == other);
     EXPECT_FALSE(has_repaired_);
 }
 
 TEST_F(TargetGuardTest, AFileThatNobodyHasTouchedStays) {
     WriteFile(kTarget, "one\n");
-    WriteFile(kCopy, "one\ntwo\n");
-    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, "one\ntwo\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     EXPECT_EQ(guard.Repair(), 0);
     EXPECT_EQ(ReadFile(kTarget), "one\n") << "though it is a piece of the new text";
@@ -92,8 +93,8 @@ TEST_F(TargetGuardTest, AFileThatNobodyHasTouchedStays) {
 
 TEST_F(TargetGuardTest, AFileThatIsGoneStaysSo) {
     WriteFile(kTarget, "one\n");
-    WriteFile(kCopy, "two\n");
-    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, "two\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     unlink(kTarget.c_str());
     EXPECT_EQ(guard.Repair(), 0);
@@ -101,8 +102,8 @@ TEST_F(TargetGuardTest, AFileThatIsGoneStaysSo) {
 }
 
 TEST_F(TargetGuardTest, ACopyThatCannotBeReadIsAFailure) {
-    WriteFile(kCopy, "new text\n");
-    const UniqueFd write_only(open(kCopy, O_WRONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, "new text\n");
+    const UniqueFd write_only(open(kInterfacesCopy, O_WRONLY | O_CLOEXEC));
     for (const char* text : {"", "new"}) {
         WriteFile(kTarget, "old\n");
         TargetGuard guard(kTarget, write_only.get());
@@ -114,8 +115,8 @@ TEST_F(TargetGuardTest, ACopyThatCannotBeReadIsAFailure) {
 }
 
 TEST_F(TargetGuardTest, ATargetThatCannotBeReadIsAFailure) {
-    WriteFile(kCopy, LongText('n'));
-    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, LongText('n'));
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
     const std::string folder = "/etc/network";
     WriteFile(kTarget, "old\n");
     TargetGuard guard(folder, copy.get());
@@ -130,8 +131,8 @@ TEST_F(TargetGuardTest, ATargetThatCannotBeReadIsAFailure) {
 
 TEST_F(TargetGuardTest, AFailingCloseFailsTheRepair) {
     WriteFile(kTarget, "old\n");
-    WriteFile(kCopy, "new text\n");
-    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, "new text\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     WriteFile(kTarget, "");
     libc().Script(Call::kClose, {Pass(), Fail(ENOSPC)});
@@ -140,8 +141,8 @@ TEST_F(TargetGuardTest, AFailingCloseFailsTheRepair) {
 
 TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
     WriteFile(kTarget, "old\n");
-    WriteFile(kCopy, "new text\n");
-    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, "new text\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     WriteFile(kTarget, "new");
     libc().Script(Call::kOpen, {Fail(EACCES)});
@@ -151,8 +152,8 @@ TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
 
 TEST_F(TargetGuardTest, AFileThatWasEmptyBeforeAndAfterTheCopyingIsRepaired) {
     WriteFile(kTarget, "");
-    WriteFile(kCopy, "new\n");
-    const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+    WriteFile(kInterfacesCopy, "new\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
     TargetGuard guard(kTarget, copy.get());
     WriteFile(kTarget, "");
     EXPECT_EQ(guard.Repair(), 0);
@@ -162,8 +163,8 @@ TEST_F(TargetGuardTest, AFileThatWasEmptyBeforeAndAfterTheCopyingIsRepaired) {
 TEST_F(TargetGuardTest, AFailedRepairReturnsItsErrno) {
     for (const auto& [call, error] : {std::pair(Call::kOpen, EROFS), {Call::kWrite, ENOSPC}}) {
         WriteFile(kTarget, "old\n");
-        WriteFile(kCopy, "new text\n");
-        const UniqueFd copy(open(kCopy, O_RDONLY | O_CLOEXEC));
+        WriteFile(kInterfacesCopy, "new text\n");
+        const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
         TargetGuard guard(kTarget, copy.get());
         WriteFile(kTarget, "");
         if (call == Call::kOpen) {

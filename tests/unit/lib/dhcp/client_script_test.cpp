@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -15,12 +17,11 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kClientScript;
+using testkit::kClientScriptCopy;
 using testkit::ReadFile;
 using testkit::Return;
 using testkit::WriteFile;
-
-constexpr char kScript[] = "/sbin/dhclient-script";
-constexpr char kCopy[] = "/var/tmp/dhclient-script";
 
 constexpr bool kOn = true;
 constexpr bool kOff = false;
@@ -35,16 +36,16 @@ constexpr char kBothBranches[] =
 class ClientScriptTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kClientScriptCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     // The script after a switch.
     static std::string Switched(std::string_view script, bool enable,
                                 const std::string& nic = "eth0") {
-        WriteFile(kScript, script);
+        WriteFile(kClientScript, script);
         EXPECT_EQ(SetDnsDhcpScript(nic, enable), 0);
-        EXPECT_FALSE(Exists(kCopy));
-        return ReadFile(kScript);
+        EXPECT_FALSE(Exists(kClientScriptCopy));
+        return ReadFile(kClientScript);
     }
     testkit::FakeShell shell;
 };
@@ -184,11 +185,11 @@ TEST_F(ClientScriptTest, ALastLineWithoutItsEndGetsOne) {
 // ---- files and results
 
 TEST_F(ClientScriptTest, TheCopyIsPutInPlaceByTheShell) {
-    WriteFile(kScript, "make_resolv_conf\n");
+    WriteFile(kClientScript, "make_resolv_conf\n");
     std::string copy;
     libc().OnCall(Call::kSystem, [&](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
-            copy = ReadFile(kCopy);
+            copy = ReadFile(kClientScriptCopy);
         }
     });
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), 0);
@@ -196,7 +197,7 @@ TEST_F(ClientScriptTest, TheCopyIsPutInPlaceByTheShell) {
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/dhclient-script > /sbin/dhclient-script",
                             "system rm /var/tmp/dhclient-script"));
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kClientScript, kClientScriptCopy));
 }
 
 TEST_F(ClientScriptTest, AScriptWithoutACallIsRewrittenAsItIs) {
@@ -208,7 +209,7 @@ TEST_F(ClientScriptTest, AScriptWithoutACallIsRewrittenAsItIs) {
 
 TEST_F(ClientScriptTest, AFailedCopyIsNotReported) {
     for (const testkit::Outcome outcome : {Return(256), Fail(ENOMEM)}) {
-        WriteFile(kScript, "make_resolv_conf\n");
+        WriteFile(kClientScript, "make_resolv_conf\n");
         libc().Script(Call::kSystem, {outcome, outcome});
         EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), 0);
     }
@@ -217,56 +218,56 @@ TEST_F(ClientScriptTest, AFailedCopyIsNotReported) {
 }
 
 TEST_F(ClientScriptTest, AMissingScriptIsAFailureThatLeavesAnEmptyCopy) {
-    WriteFile(kCopy, "of another edit\n");
+    WriteFile(kClientScriptCopy, "of another edit\n");
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
-    EXPECT_FALSE(Exists(kScript));
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(Exists(kClientScript));
+    EXPECT_EQ(ReadFile(kClientScriptCopy), "");
     EXPECT_THAT(libc().Story(), IsEmpty());
-    unlink(kCopy);
+    unlink(kClientScriptCopy);
     EXPECT_EQ(SetDnsDhcpScript("", kOn), -1);
-    EXPECT_TRUE(Exists(kCopy));
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_TRUE(Exists(kClientScriptCopy));
+    EXPECT_EQ(ReadFile(kClientScriptCopy), "");
 }
 
 TEST_F(ClientScriptTest, ACopyThatCannotBeWrittenIsAFailure) {
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
-    WriteFile(kScript, "make_resolv_conf");
+    ASSERT_EQ(mkdir(kClientScriptCopy, 0700), 0);
+    WriteFile(kClientScript, "make_resolv_conf");
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
-    EXPECT_EQ(ReadFile(kScript), "make_resolv_conf");
+    EXPECT_EQ(ReadFile(kClientScript), "make_resolv_conf");
     EXPECT_THAT(libc().Story(), IsEmpty());
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kClientScript, kClientScriptCopy));
 }
 
 TEST_F(ClientScriptTest, BothFilesAreOpenedBeforeAFailure) {
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    ASSERT_EQ(mkdir(kClientScriptCopy, 0700), 0);
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kScript, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kClientScript, kClientScriptCopy));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(ClientScriptTest, AFullFolderForCopiesLeavesTheScriptAsItWas) {
-    WriteFile(kScript, "make_resolv_conf");
+    WriteFile(kClientScript, "make_resolv_conf");
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
-    EXPECT_EQ(ReadFile(kScript), "make_resolv_conf");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kClientScript), "make_resolv_conf");
+    EXPECT_FALSE(Exists(kClientScriptCopy));
 }
 
 class ClientScriptFileTest : public testkit::DeviceTest {};
 
 TEST_F(ClientScriptFileTest, TheScriptStaysExecutable) {
-    WriteFile(kScript, "#!/bin/sh\nmake_resolv_conf\n");
-    ASSERT_EQ(chmod(kScript, 0755), 0);
+    WriteFile(kClientScript, "#!/bin/sh\nmake_resolv_conf\n");
+    ASSERT_EQ(chmod(kClientScript, 0755), 0);
     struct stat before {};
-    ASSERT_EQ(stat(kScript, &before), 0);
+    ASSERT_EQ(stat(kClientScript, &before), 0);
     EXPECT_EQ(SetDnsDhcpScript("eth0", kOff), 0);
     struct stat after {};
-    ASSERT_EQ(stat(kScript, &after), 0);
-    EXPECT_EQ(ReadFile(kScript), "#!/bin/sh\n#make_resolv_conf\n");
+    ASSERT_EQ(stat(kClientScript, &after), 0);
+    EXPECT_EQ(ReadFile(kClientScript), "#!/bin/sh\n#make_resolv_conf\n");
     EXPECT_EQ(after.st_mode, before.st_mode);
     EXPECT_EQ(after.st_ino, before.st_ino);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kClientScriptCopy));
 }
 
 }  // namespace

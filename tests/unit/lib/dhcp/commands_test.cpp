@@ -6,6 +6,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -14,14 +15,13 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kClientScript;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
 using testkit::MakeRequest;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kConfig[] = "/etc/dhclient.conf";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
-constexpr char kScript[] = "/sbin/dhclient-script";
 
 constexpr uint32_t kNtp = VELK_CMD_DHCP_NTP;
 constexpr uint32_t kDns = VELK_CMD_DHCP_DNS;
@@ -61,19 +61,19 @@ class DhcpCommandsTest : public testkit::DeviceTest {
 // ---- reading
 
 TEST_F(DhcpCommandsTest, EachIdReadsItsOption) {
-    WriteFile(kConfig, "request subnet-mask, ntp-servers;\n");
+    WriteFile(kDhcpConfigFile, "request subnet-mask, ntp-servers;\n");
     EXPECT_EQ(Got(kNtp, ""), "\x01");
     EXPECT_EQ(Got(kDns, "eth0"), "\x02");
-    WriteFile(kConfig, "request subnet-mask, domain-name-servers;\n");
+    WriteFile(kDhcpConfigFile, "request subnet-mask, domain-name-servers;\n");
     EXPECT_EQ(Got(kNtp, ""), "\x02");
     EXPECT_EQ(Got(kDns, "eth0"), "\x01");
-    WriteFile(kConfig, "");
+    WriteFile(kDhcpConfigFile, "");
     EXPECT_EQ(Got(kNtp, ""), "\x02");
     EXPECT_EQ(Got(kDns, "eth1"), "\x02");
 }
 
 TEST_F(DhcpCommandsTest, TheWorkersReadTheirOptionForAnyId) {
-    WriteFile(kConfig, "request ntp-servers;\n");
+    WriteFile(kDhcpConfigFile, "request ntp-servers;\n");
     char out[VELK_DATA_SIZE] = "";
     for (const uint32_t id : {kNtp, kDns, 0U}) {
         EXPECT_EQ(GetDhcpNtps(MakeRequest(VELK_GET, id, ""), out), 0);
@@ -84,7 +84,7 @@ TEST_F(DhcpCommandsTest, TheWorkersReadTheirOptionForAnyId) {
 }
 
 TEST_F(DhcpCommandsTest, NameServersAreReadPerInterface) {
-    WriteFile(kConfig,
+    WriteFile(kDhcpConfigFile,
               "interface \"eth0\" {\n"
               "  request subnet-mask;\n"
               "}\n"
@@ -96,7 +96,7 @@ TEST_F(DhcpCommandsTest, NameServersAreReadPerInterface) {
 }
 
 TEST_F(DhcpCommandsTest, TimeServersAreReadInAnyBlock) {
-    WriteFile(kConfig,
+    WriteFile(kDhcpConfigFile,
               "interface \"eth1\" {\n"
               "  request subnet-mask, ntp-servers;\n"
               "}\n");
@@ -104,7 +104,7 @@ TEST_F(DhcpCommandsTest, TimeServersAreReadInAnyBlock) {
 }
 
 TEST_F(DhcpCommandsTest, ASwitchedOffStatementCountsForTimeServersAlone) {
-    WriteFile(kConfig,
+    WriteFile(kDhcpConfigFile,
               "interface \"eth0\" {\n"
               "#request ntp-servers, domain-name-servers;\n"
               "}\n");
@@ -113,11 +113,11 @@ TEST_F(DhcpCommandsTest, ASwitchedOffStatementCountsForTimeServersAlone) {
 }
 
 TEST_F(DhcpCommandsTest, OnlyTheConfigurationIsReadAndOnce) {
-    WriteFile(kConfig, "request ntp-servers;\n");
+    WriteFile(kDhcpConfigFile, "request ntp-servers;\n");
     EXPECT_EQ(Got(kNtp, ""), "\x01");
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kDhcpConfigFile));
     EXPECT_EQ(Got(kDns, "eth1"), "\x02");
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig, kConfig));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kDhcpConfigFile, kDhcpConfigFile));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
@@ -132,7 +132,7 @@ TEST_F(DhcpCommandsTest, AMissingConfigurationLeavesTheByteAlone) {
 }
 
 TEST_F(DhcpCommandsTest, ANullOutputIsInvalidToTheCommandAndAFailureToItsWorkers) {
-    WriteFile(kConfig, "request ntp-servers;\n");
+    WriteFile(kDhcpConfigFile, "request ntp-servers;\n");
     for (const uint32_t id : {kNtp, kDns, 0U, 108U}) {
         const _velk_request request = MakeRequest(VELK_GET, id, "");
         EXPECT_EQ(GetDhcp(request, nullptr), -4) << id;
@@ -143,7 +143,7 @@ TEST_F(DhcpCommandsTest, ANullOutputIsInvalidToTheCommandAndAFailureToItsWorkers
 }
 
 TEST_F(DhcpCommandsTest, OtherIdsAreRefused) {
-    WriteFile(kConfig, "request ntp-servers;\n");
+    WriteFile(kDhcpConfigFile, "request ntp-servers;\n");
     char out[VELK_DATA_SIZE] = "unchanged";
     for (const uint32_t id : {0U, 6U, 8U, 106U, 108U, 0x10007U, 0xffffffffU}) {
         EXPECT_EQ(GetDhcp(MakeRequest(VELK_GET, id, ""), out), -4) << id;
@@ -155,9 +155,9 @@ TEST_F(DhcpCommandsTest, OtherIdsAreRefused) {
 }
 
 TEST_F(DhcpCommandsTest, TheTablesKnowTheInterfacesOfEachId) {
-    WriteFile(kConfig, "request ntp-servers, domain-name-servers;\n");
-    WriteFile(kHooks, "");
-    WriteFile(kScript, "");
+    WriteFile(kDhcpConfigFile, "request ntp-servers, domain-name-servers;\n");
+    WriteFile(kExitHooks, "");
+    WriteFile(kClientScript, "");
     for (const uint32_t type : {VELK_GET, VELK_SET}) {
         EXPECT_EQ(Execute(type, kNtp, "", "\x01"), 0);
         EXPECT_EQ(Execute(type, kNtp, "eth0", "\x01"), -4);
@@ -184,14 +184,14 @@ void PrintTo(const Case& row, std::ostream* out) {
 class TimeServersByte : public DhcpCommandsTest, public testing::WithParamInterface<Case> {};
 
 TEST_P(TimeServersByte, SwitchesTheRequestAndTheClockSetter) {
-    WriteFile(kConfig, "request subnet-mask;\n");
-    WriteFile(kHooks, kHooksText);
-    WriteFile(kScript, kScriptText);
+    WriteFile(kDhcpConfigFile, "request subnet-mask;\n");
+    WriteFile(kExitHooks, kHooksText);
+    WriteFile(kClientScript, kScriptText);
     EXPECT_EQ(Set(kNtp, "", 1), 0);
     EXPECT_EQ(Set(kNtp, "", GetParam().byte), 0);
-    EXPECT_EQ(ReadFile(kConfig), GetParam().config);
-    EXPECT_EQ(ReadFile(kHooks), GetParam().consumer);
-    EXPECT_EQ(ReadFile(kScript), kScriptText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), GetParam().config);
+    EXPECT_EQ(ReadFile(kExitHooks), GetParam().consumer);
+    EXPECT_EQ(ReadFile(kClientScript), kScriptText);
 }
 
 INSTANTIATE_TEST_SUITE_P(FromOn, TimeServersByte,
@@ -205,11 +205,11 @@ INSTANTIATE_TEST_SUITE_P(FromOn, TimeServersByte,
 class TimeServersByteFromOff : public DhcpCommandsTest, public testing::WithParamInterface<Case> {};
 
 TEST_P(TimeServersByteFromOff, SwitchesTheRequestAndTheClockSetter) {
-    WriteFile(kConfig, "request subnet-mask;\n");
-    WriteFile(kHooks, kHooksOff);
+    WriteFile(kDhcpConfigFile, "request subnet-mask;\n");
+    WriteFile(kExitHooks, kHooksOff);
     EXPECT_EQ(Set(kNtp, "", GetParam().byte), 0);
-    EXPECT_EQ(ReadFile(kConfig), GetParam().config);
-    EXPECT_EQ(ReadFile(kHooks), GetParam().consumer);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), GetParam().config);
+    EXPECT_EQ(ReadFile(kExitHooks), GetParam().consumer);
 }
 
 INSTANTIATE_TEST_SUITE_P(FromOff, TimeServersByteFromOff,
@@ -219,7 +219,7 @@ INSTANTIATE_TEST_SUITE_P(FromOff, TimeServersByteFromOff,
                                          Case{3, "request subnet-mask;\n", kHooksOff}));
 
 TEST_F(DhcpCommandsTest, TimeServersAreSetInEveryScope) {
-    WriteFile(kConfig,
+    WriteFile(kDhcpConfigFile,
               "request subnet-mask;\n"
               "interface \"eth0\" {\n"
               "  request routers;\n"
@@ -227,9 +227,9 @@ TEST_F(DhcpCommandsTest, TimeServersAreSetInEveryScope) {
               "interface \"eth1\" {\n"
               "  request routers;\n"
               "}\n");
-    WriteFile(kHooks, kHooksOff);
+    WriteFile(kExitHooks, kHooksOff);
     EXPECT_EQ(Set(kNtp, "", 1), 0);
-    EXPECT_EQ(ReadFile(kConfig),
+    EXPECT_EQ(ReadFile(kDhcpConfigFile),
               "request subnet-mask,ntp-servers;\n"
               "interface \"eth0\" {\n"
               "  request routers,ntp-servers;\n"
@@ -237,19 +237,20 @@ TEST_F(DhcpCommandsTest, TimeServersAreSetInEveryScope) {
               "interface \"eth1\" {\n"
               "  request routers,ntp-servers;\n"
               "}\n");
-    EXPECT_EQ(ReadFile(kHooks), kHooksText);
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksText);
 }
 
 TEST_F(DhcpCommandsTest, TimeServersOfASwitchedOffStatementAreSetToo) {
-    WriteFile(kHooks, "");
-    WriteFile(kConfig, "interface \"eth0\" {\n#request routers;\n}\n");
+    WriteFile(kExitHooks, "");
+    WriteFile(kDhcpConfigFile, "interface \"eth0\" {\n#request routers;\n}\n");
     EXPECT_EQ(Set(kNtp, "", 1), 0);
-    EXPECT_EQ(ReadFile(kConfig), "interface \"eth0\" {\n#request routers,ntp-servers;\n}\n");
+    EXPECT_EQ(ReadFile(kDhcpConfigFile),
+              "interface \"eth0\" {\n#request routers,ntp-servers;\n}\n");
 }
 
 TEST_F(DhcpCommandsTest, TheConfigurationComesFirstAndThenTheHooks) {
-    WriteFile(kConfig, "request subnet-mask;\n");
-    WriteFile(kHooks, kHooksOff);
+    WriteFile(kDhcpConfigFile, "request subnet-mask;\n");
+    WriteFile(kExitHooks, kHooksOff);
     EXPECT_EQ(SetDhcpNtps(MakeRequest(VELK_SET, kNtp, "", "\x01"), nullptr), 0);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
@@ -259,38 +260,38 @@ TEST_F(DhcpCommandsTest, TheConfigurationComesFirstAndThenTheHooks) {
 }
 
 TEST_F(DhcpCommandsTest, WithoutAConfigurationTheHooksAreLeftAlone) {
-    WriteFile(kHooks, kHooksText);
+    WriteFile(kExitHooks, kHooksText);
     EXPECT_EQ(Set(kNtp, "", 2), -1);
-    EXPECT_EQ(ReadFile(kHooks), kHooksText);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig, "/var/tmp/dhclient.conf"));
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksText);
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kDhcpConfigFile, "/var/tmp/dhclient.conf"));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(DhcpCommandsTest, WithoutHooksTheConfigurationIsChangedAllTheSame) {
-    WriteFile(kConfig, "request subnet-mask;\n");
+    WriteFile(kDhcpConfigFile, "request subnet-mask;\n");
     EXPECT_EQ(Set(kNtp, "", 1), -1);
-    EXPECT_EQ(ReadFile(kConfig), "request subnet-mask,ntp-servers;\n");
-    EXPECT_FALSE(Exists(kHooks));
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request subnet-mask,ntp-servers;\n");
+    EXPECT_FALSE(Exists(kExitHooks));
     EXPECT_THAT(libc().Commands(), ElementsAre("cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
                                                "rm /var/tmp/dhclient.conf"));
 }
 
 TEST_F(DhcpCommandsTest, AConfigurationThatCannotBeWrittenLeavesTheHooksAlone) {
-    WriteFile(kConfig, "request subnet-mask;\n");
-    WriteFile(kHooks, kHooksOff);
+    WriteFile(kDhcpConfigFile, "request subnet-mask;\n");
+    WriteFile(kExitHooks, kHooksOff);
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(Set(kNtp, "", 1), -1);
-    EXPECT_EQ(ReadFile(kConfig), "request subnet-mask;\n");
-    EXPECT_EQ(ReadFile(kHooks), kHooksOff);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request subnet-mask;\n");
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksOff);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
 }
 
 TEST_F(DhcpCommandsTest, AFailedShellDoesNotStopTheSecondFile) {
-    WriteFile(kConfig, "request subnet-mask;\n");
-    WriteFile(kHooks, kHooksOff);
+    WriteFile(kDhcpConfigFile, "request subnet-mask;\n");
+    WriteFile(kExitHooks, kHooksOff);
     libc().Script(Call::kSystem, {Fail(ENOMEM), Fail(ENOMEM)});
     EXPECT_EQ(Set(kNtp, "", 1), 0);
-    EXPECT_EQ(ReadFile(kHooks), kHooksText);
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksText);
 }
 
 // ---- name servers
@@ -298,27 +299,27 @@ TEST_F(DhcpCommandsTest, AFailedShellDoesNotStopTheSecondFile) {
 class NameServersByte : public DhcpCommandsTest, public testing::WithParamInterface<int> {};
 
 TEST_P(NameServersByte, AnyByteButOneSwitchesBothFilesOff) {
-    WriteFile(kConfig, "request subnet-mask, domain-name-servers;\n");
-    WriteFile(kHooks, kHooksText);
-    WriteFile(kScript, kScriptText);
+    WriteFile(kDhcpConfigFile, "request subnet-mask, domain-name-servers;\n");
+    WriteFile(kExitHooks, kHooksText);
+    WriteFile(kClientScript, kScriptText);
     EXPECT_EQ(Set(kDns, "eth0", GetParam()), 0);
-    EXPECT_EQ(ReadFile(kConfig), "request subnet-mask;\n");
-    EXPECT_EQ(ReadFile(kScript),
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request subnet-mask;\n");
+    EXPECT_EQ(ReadFile(kClientScript),
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "#  make_resolv_conf\n"
               "else\n"
               "  make_resolv_conf\n"
               "fi\n");
-    EXPECT_EQ(ReadFile(kHooks), kHooksText);
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksText);
     EXPECT_EQ(Set(kDns, "eth0", 1), 0);
-    EXPECT_EQ(ReadFile(kConfig), "request subnet-mask,domain-name-servers;\n");
-    EXPECT_EQ(ReadFile(kScript), kScriptText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request subnet-mask,domain-name-servers;\n");
+    EXPECT_EQ(ReadFile(kClientScript), kScriptText);
 }
 
 INSTANTIATE_TEST_SUITE_P(Off, NameServersByte, testing::Values(0, 2, 3, int{'1'}, 255));
 
 TEST_F(DhcpCommandsTest, NameServersAreSetInTheGlobalScopeAndTheInterfacesOwn) {
-    WriteFile(kConfig,
+    WriteFile(kDhcpConfigFile,
               "request subnet-mask, domain-name-servers;\n"
               "interface \"eth0\" {\n"
               "  request routers, domain-name-servers;\n"
@@ -326,9 +327,9 @@ TEST_F(DhcpCommandsTest, NameServersAreSetInTheGlobalScopeAndTheInterfacesOwn) {
               "interface \"eth1\" {\n"
               "  request routers, domain-name-servers;\n"
               "}\n");
-    WriteFile(kScript, kScriptText);
+    WriteFile(kClientScript, kScriptText);
     EXPECT_EQ(Set(kDns, "eth1", 2), 0);
-    EXPECT_EQ(ReadFile(kConfig),
+    EXPECT_EQ(ReadFile(kDhcpConfigFile),
               "request subnet-mask;\n"
               "interface \"eth0\" {\n"
               "  request routers, domain-name-servers;\n"
@@ -336,7 +337,7 @@ TEST_F(DhcpCommandsTest, NameServersAreSetInTheGlobalScopeAndTheInterfacesOwn) {
               "interface \"eth1\" {\n"
               "  request routers;\n"
               "}\n");
-    EXPECT_EQ(ReadFile(kScript),
+    EXPECT_EQ(ReadFile(kClientScript),
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "  make_resolv_conf\n"
               "else\n"
@@ -345,16 +346,16 @@ TEST_F(DhcpCommandsTest, NameServersAreSetInTheGlobalScopeAndTheInterfacesOwn) {
 }
 
 TEST_F(DhcpCommandsTest, NameServersOfASwitchedOffStatementStay) {
-    WriteFile(kScript, "");
+    WriteFile(kClientScript, "");
     const std::string config = "interface \"eth0\" {\n#request domain-name-servers;\n}\n";
-    WriteFile(kConfig, config);
+    WriteFile(kDhcpConfigFile, config);
     EXPECT_EQ(Set(kDns, "eth0", 2), 0);
-    EXPECT_EQ(ReadFile(kConfig), config);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), config);
 }
 
 TEST_F(DhcpCommandsTest, TheConfigurationComesFirstAndThenTheScript) {
-    WriteFile(kConfig, "");
-    WriteFile(kScript, "");
+    WriteFile(kDhcpConfigFile, "");
+    WriteFile(kClientScript, "");
     EXPECT_EQ(SetDhcpDns(MakeRequest(VELK_SET, kDns, "eth1", "\x02"), nullptr), 0);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
@@ -364,36 +365,36 @@ TEST_F(DhcpCommandsTest, TheConfigurationComesFirstAndThenTheScript) {
 }
 
 TEST_F(DhcpCommandsTest, WithoutAConfigurationTheScriptIsLeftAlone) {
-    WriteFile(kScript, kScriptText);
+    WriteFile(kClientScript, kScriptText);
     EXPECT_EQ(Set(kDns, "eth0", 2), -1);
-    EXPECT_EQ(ReadFile(kScript), kScriptText);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig, "/var/tmp/dhclient.conf"));
+    EXPECT_EQ(ReadFile(kClientScript), kScriptText);
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kDhcpConfigFile, "/var/tmp/dhclient.conf"));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(DhcpCommandsTest, WithoutAScriptTheConfigurationIsChangedAllTheSame) {
-    WriteFile(kConfig, "request subnet-mask, domain-name-servers;\n");
+    WriteFile(kDhcpConfigFile, "request subnet-mask, domain-name-servers;\n");
     EXPECT_EQ(Set(kDns, "eth0", 2), -1);
-    EXPECT_EQ(ReadFile(kConfig), "request subnet-mask;\n");
-    EXPECT_FALSE(Exists(kScript));
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request subnet-mask;\n");
+    EXPECT_FALSE(Exists(kClientScript));
     EXPECT_THAT(libc().Commands(), ElementsAre("cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
                                                "rm /var/tmp/dhclient.conf"));
 }
 
 TEST_F(DhcpCommandsTest, AScriptThatCannotBeWrittenIsAFailureAfterTheFirstFile) {
-    WriteFile(kConfig, "request domain-name-servers, subnet-mask;\n");
-    WriteFile(kScript, kScriptText);
+    WriteFile(kDhcpConfigFile, "request domain-name-servers, subnet-mask;\n");
+    WriteFile(kClientScript, kScriptText);
     libc().Script(Call::kWrite, {Pass(), Fail(ENOSPC)});
     EXPECT_EQ(Set(kDns, "eth0", 2), -1);
     EXPECT_EQ(Got(kDns, "eth0"), "\x02");
-    EXPECT_EQ(ReadFile(kScript), kScriptText);
+    EXPECT_EQ(ReadFile(kClientScript), kScriptText);
 }
 
 TEST_F(DhcpCommandsTest, ASetValueIsReadBack) {
-    WriteFile(kConfig,
+    WriteFile(kDhcpConfigFile,
               "interface \"eth0\" {\nrequest a;\n}\ninterface \"eth1\" {\nrequest a;\n}\n");
-    WriteFile(kHooks, kHooksText);
-    WriteFile(kScript, kScriptText);
+    WriteFile(kExitHooks, kHooksText);
+    WriteFile(kClientScript, kScriptText);
     EXPECT_EQ(Execute(VELK_SET, kDns, "eth1", "\x01"), 0);
     EXPECT_EQ(Execute(VELK_GET, kDns, "eth1"), 0);
     EXPECT_EQ(testkit::Data(response), "\x01" + std::string(511, '\0'));

@@ -132,14 +132,14 @@ TEST(IsNicName, TheEmptyNameIsFoundOnEveryOpeningLine) {
 
 // ---- ConfigBlocks
 
-// One character a line: "b" in the interface's block, "+" elsewhere concerning it, "-" not.
+// One character a line: "b" in the interface's block, "+" elsewhere in its scope, "-" not in scope.
 std::string Trace(std::string_view nic, std::initializer_list<const char*> lines,
                   bool comment_aware = false) {
     ConfigBlocks blocks(nic, comment_aware);
     std::string trace;
     for (const char* line : lines) {
-        const bool concerns = blocks.Concerns(std::string(line) + "\n");
-        trace += !concerns ? '-' : blocks.in_block() ? 'b' : '+';
+        const bool is_in_scope = blocks.IsInScope(std::string(line) + "\n");
+        trace += !is_in_scope ? '-' : blocks.in_block() ? 'b' : '+';
     }
     return trace;
 }

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -18,13 +20,12 @@ using testing::SizeIs;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kExitHooks;
+using testkit::kExitHooksCopy;
 using testkit::MakeRequest;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
-constexpr char kCopy[] = "/var/tmp/dhclient-exit-hooks";
 
 constexpr char kOn = 1;
 constexpr char kOff = 2;
@@ -40,12 +41,12 @@ _velk_request Switch(std::string_view interface, char state) {
 class ExitHooksTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kExitHooksCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     // Returns whether the link-local daemon is switched on: 1 or 2.
     static int Apipa(std::string_view script, std::string_view interface = "eth0") {
-        WriteFile(kHooks, script);
+        WriteFile(kExitHooks, script);
         char out[VELK_DATA_SIZE] = "?unchanged";
         EXPECT_EQ(GetApipa(MakeRequest(VELK_GET, VELK_CMD_APIPA, interface), out), 0);
         EXPECT_STREQ(out + 1, "unchanged") << "one byte and nothing else";
@@ -54,9 +55,9 @@ class ExitHooksTest : public testkit::DeviceTest {
     // The script after a switch.
     static std::string Switched(std::string_view script, const char* command, char state,
                                 std::string_view interface = "eth0") {
-        WriteFile(kHooks, script);
+        WriteFile(kExitHooks, script);
         EXPECT_EQ(SetDhclient(Switch(interface, state), command), 0);
-        return ReadFile(kHooks);
+        return ReadFile(kExitHooks);
     }
     testkit::FakeShell shell;
 };
@@ -164,7 +165,7 @@ TEST_F(ExitHooksTest, WithoutAnInterfaceThenBranchesAreLookedAt) {
 }
 
 TEST_F(ExitHooksTest, GetsTheDaemonsSwitchThroughTheTables) {
-    WriteFile(kHooks, "if [ \"$interface\" = eth1 ]; then\n/usr/sbin/avahi-autoipd -D\nfi\n");
+    WriteFile(kExitHooks, "if [ \"$interface\" = eth1 ]; then\n/usr/sbin/avahi-autoipd -D\nfi\n");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_APIPA, "eth1"), 0);
     EXPECT_EQ(testkit::Data(response), "\x01" + std::string(511, '\0'));
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_APIPA, "eth0"), 0);
@@ -172,9 +173,9 @@ TEST_F(ExitHooksTest, GetsTheDaemonsSwitchThroughTheTables) {
 }
 
 TEST_F(ExitHooksTest, AGetReadsTheScriptOnceAndRunsNothing) {
-    WriteFile(kHooks, "/usr/sbin/avahi-autoipd -D\nexit 0\n");
+    WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd -D\nexit 0\n");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_APIPA, "eth0"), 0);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kHooks));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kExitHooks));
     EXPECT_THAT(libc().Events(Call::kRead), SizeIs(1));
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
@@ -189,7 +190,7 @@ TEST_F(ExitHooksTest, AScriptThatCannotBeReadIsAFailure) {
 }
 
 TEST_F(ExitHooksTest, ANullOutputIsAFailure) {
-    WriteFile(kHooks, "/usr/sbin/avahi-autoipd\n");
+    WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd\n");
     EXPECT_EQ(GetApipa(MakeRequest(VELK_GET, VELK_CMD_APIPA, "eth0"), nullptr), -1);
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
 }
@@ -207,11 +208,11 @@ TEST_F(ExitHooksTest, TheEmptyCommandIsFoundOnEveryLine) {
 }
 
 TEST_F(ExitHooksTest, ANullCommandIsAFailureThatTouchesNothing) {
-    WriteFile(kHooks, "a");
+    WriteFile(kExitHooks, "a");
     EXPECT_EQ(SetDhclient(Switch("eth0", kOn), nullptr), -1);
-    EXPECT_EQ(ReadFile(kHooks), "a");
+    EXPECT_EQ(ReadFile(kExitHooks), "a");
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kExitHooksCopy));
 }
 
 TEST_F(ExitHooksTest, AnUnknownStateSwitchesNothingButRewritesTheScript) {
@@ -240,27 +241,27 @@ TEST_F(ExitHooksTest, WithoutAnInterfaceEveryLineIsSwitched) {
 }
 
 TEST_F(ExitHooksTest, TheApipaSetterSwitchesTheLinkLocalDaemon) {
-    WriteFile(kHooks, "/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
+    WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
     EXPECT_EQ(SetApipa(Switch("eth0", kOff), nullptr), 0);
-    EXPECT_EQ(ReadFile(kHooks), "#/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
+    EXPECT_EQ(ReadFile(kExitHooks), "#/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
     EXPECT_EQ(SetApipa(Switch("eth0", kOn), nullptr), 0);
-    EXPECT_EQ(ReadFile(kHooks), "/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
+    EXPECT_EQ(ReadFile(kExitHooks), "/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
 }
 
 TEST_F(ExitHooksTest, TheClockSetterIsSwitchedForEveryInterfaceWithoutOne) {
-    WriteFile(kHooks,
+    WriteFile(kExitHooks,
               "if [ \"$interface\" = eth0 ]; then\n"
               "/usr/bin/ntpdate x\n"
               "fi\n"
               "/usr/sbin/avahi-autoipd -D\n");
     EXPECT_EQ(SetNtpdate(Switch("", kOff)), 0);
-    EXPECT_EQ(ReadFile(kHooks),
+    EXPECT_EQ(ReadFile(kExitHooks),
               "if [ \"$interface\" = eth0 ]; then\n"
               "#/usr/bin/ntpdate x\n"
               "fi\n"
               "/usr/sbin/avahi-autoipd -D\n");
     EXPECT_EQ(SetNtpdate(Switch("eth1", kOn)), 0);
-    EXPECT_EQ(ReadFile(kHooks),
+    EXPECT_EQ(ReadFile(kExitHooks),
               "if [ \"$interface\" = eth0 ]; then\n"
               "#/usr/bin/ntpdate x\n"
               "fi\n"
@@ -269,25 +270,25 @@ TEST_F(ExitHooksTest, TheClockSetterIsSwitchedForEveryInterfaceWithoutOne) {
 
 TEST_F(ExitHooksTest, AScriptThatCannotBeOpenedIsAFailure) {
     EXPECT_EQ(SetApipa(Switch("eth0", kOn), nullptr), -1);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kExitHooksCopy), "");
     EXPECT_THAT(libc().Story(), IsEmpty());
-    EXPECT_FALSE(Exists(kHooks));
+    EXPECT_FALSE(Exists(kExitHooks));
 }
 
 TEST_F(ExitHooksTest, ACopyThatCannotBeOpenedIsAFailure) {
-    WriteFile(kHooks, "/usr/sbin/avahi-autoipd -D");
-    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd -D");
+    ASSERT_EQ(mkdir(kExitHooksCopy, 0755), 0);
     EXPECT_EQ(SetApipa(Switch("eth0", kOff), nullptr), -1);
-    EXPECT_EQ(ReadFile(kHooks), "/usr/sbin/avahi-autoipd -D");
+    EXPECT_EQ(ReadFile(kExitHooks), "/usr/sbin/avahi-autoipd -D");
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 // ---- print notices
 
 TEST_F(ExitHooksTest, BothNoticesAreSwitchedInOrder) {
-    WriteFile(kHooks, kNotices);
+    WriteFile(kExitHooks, kNotices);
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), 0);
-    EXPECT_EQ(ReadFile(kHooks),
+    EXPECT_EQ(ReadFile(kExitHooks),
               "#/sbin/printdhcpnotice.pl $interface\n"
               "#/sbin/printdhcpstart.pl $interface\n");
     EXPECT_THAT(libc().Story(),
@@ -296,16 +297,16 @@ TEST_F(ExitHooksTest, BothNoticesAreSwitchedInOrder) {
                             "system cat /var/tmp/dhclient-exit-hooks > /etc/dhclient-exit-hooks",
                             "system rm /var/tmp/dhclient-exit-hooks"));
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOn), nullptr), 0);
-    EXPECT_EQ(ReadFile(kHooks), kNotices);
+    EXPECT_EQ(ReadFile(kExitHooks), kNotices);
 }
 
 TEST_F(ExitHooksTest, TheFinishNoticeIsSwitchedFirst) {
-    WriteFile(kHooks, kNotices);
+    WriteFile(kExitHooks, kNotices);
     std::vector<std::string> steps;
     libc().OnCall(Call::kSystem, [&](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
-            steps.push_back(ReadFile(kCopy));
-            WriteFile(kHooks, steps.back());
+            steps.push_back(ReadFile(kExitHooksCopy));
+            WriteFile(kExitHooks, steps.back());
         }
     });
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), 0);
@@ -316,30 +317,30 @@ TEST_F(ExitHooksTest, TheFinishNoticeIsSwitchedFirst) {
 }
 
 TEST_F(ExitHooksTest, TheStartNoticeIsLeftAloneWhenTheFirstCannotBeWritten) {
-    WriteFile(kHooks, kNotices);
+    WriteFile(kExitHooks, kNotices);
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
-    EXPECT_EQ(ReadFile(kHooks), kNotices);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kExitHooks), kNotices);
+    EXPECT_FALSE(Exists(kExitHooksCopy));
 }
 
 TEST_F(ExitHooksTest, TheStartNoticeIsLeftAloneWhenTheScriptIsMissing) {
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kHooks, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kExitHooks, kExitHooksCopy));
 }
 
 TEST_F(ExitHooksTest, AFailureAtTheStartNoticeIsPassedOn) {
-    WriteFile(kHooks, kNotices);
+    WriteFile(kExitHooks, kNotices);
     libc().Script(Call::kWrite, {Pass(), Fail(ENOSPC)});
     EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
-    EXPECT_EQ(ReadFile(kHooks),
+    EXPECT_EQ(ReadFile(kExitHooks),
               "#/sbin/printdhcpnotice.pl $interface\n"
               "/sbin/printdhcpstart.pl $interface\n");
 }
 
 TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndChangeNothing) {
-    WriteFile(kHooks, kNotices);
+    WriteFile(kExitHooks, kNotices);
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth1", kOff), nullptr), Gt(0));
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth00", kOff), nullptr), Gt(0));
     EXPECT_THAT(SetPrintDHCPFinished(Switch("wlan0", kOff), nullptr), Gt(0));
@@ -348,7 +349,7 @@ TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndChangeNothing)
     EXPECT_THAT(SetPrintDHCPFinished(Switch("Eth0", kOff), nullptr), Lt(0));
     EXPECT_THAT(SetPrintDHCPFinished(Switch("\xff", kOff), nullptr), Gt(0));
     EXPECT_THAT(SetPrintDHCPFinished(Switch("eth0eth0eth0eth0", kOff), nullptr), Gt(0));
-    EXPECT_EQ(ReadFile(kHooks), kNotices);
+    EXPECT_EQ(ReadFile(kExitHooks), kNotices);
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
 }
 

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -16,11 +18,10 @@ using testing::SizeIs;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kDhcpConfigCopy;
+using testkit::kDhcpConfigFile;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kConfig[] = "/etc/dhclient.conf";
-constexpr char kCopy[] = "/var/tmp/dhclient.conf";
 
 constexpr bool kAdd = true;
 constexpr bool kRemove = false;
@@ -30,12 +31,12 @@ constexpr bool kOff = false;
 class RequestOptionsTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kDhcpConfigCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static bool Requests(std::string_view text, const std::string& option = "ntp-servers",
                          const std::string& nic = "eth0", bool comment_aware = false) {
-        WriteFile(kConfig, text);
+        WriteFile(kDhcpConfigFile, text);
         bool requested = false;
         EXPECT_EQ(GetDhcpServer(nic, option, requested, comment_aware), 0);
         bool again = true;  // the answer does not depend on the old value
@@ -46,17 +47,17 @@ class RequestOptionsTest : public testkit::DeviceTest {
     static std::string Edited(std::string_view text, bool add,
                               const std::string& option = "ntp-servers",
                               const std::string& nic = "eth0", bool comment_aware = false) {
-        WriteFile(kConfig, text);
+        WriteFile(kDhcpConfigFile, text);
         EXPECT_EQ(SetDhcpServer(nic, option, add, comment_aware), 0);
-        EXPECT_FALSE(Exists(kCopy));
-        return ReadFile(kConfig);
+        EXPECT_FALSE(Exists(kDhcpConfigCopy));
+        return ReadFile(kDhcpConfigFile);
     }
     static std::string Switched(std::string_view text, bool enable,
                                 const std::string& nic = "eth0") {
-        WriteFile(kConfig, text);
+        WriteFile(kDhcpConfigFile, text);
         EXPECT_EQ(SetDhcpRequest(nic, enable), 0);
-        EXPECT_FALSE(Exists(kCopy));
-        return ReadFile(kConfig);
+        EXPECT_FALSE(Exists(kDhcpConfigCopy));
+        return ReadFile(kDhcpConfigFile);
     }
     testkit::FakeShell shell;
 };
@@ -184,15 +185,15 @@ TEST_F(RequestOptionsTest, AConfigurationThatCannotBeReadIsAFailure) {
         EXPECT_EQ(GetDhcpServer("eth0", "ntp-servers", requested, false), -1);
         EXPECT_EQ(requested, before);
     }
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kDhcpConfigCopy));
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(RequestOptionsTest, AGetReadsTheFileOnceAndRunsNothing) {
-    WriteFile(kConfig, "request ntp-servers;\n");
+    WriteFile(kDhcpConfigFile, "request ntp-servers;\n");
     bool requested = false;
     EXPECT_EQ(GetDhcpServer("eth0", "ntp-servers", requested, false), 0);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kDhcpConfigFile));
     EXPECT_THAT(libc().Events(Call::kRead), SizeIs(1));
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
@@ -394,41 +395,41 @@ TEST_F(RequestOptionsTest, ABlockIsPutInPlaceByTheseLines) {
 
 TEST_F(RequestOptionsTest, AMissingConfigurationIsAFailureThatLeavesAnEmptyCopy) {
     EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", kAdd, false), -1);
-    EXPECT_EQ(ReadFile(kCopy), "");
-    unlink(kCopy);
+    EXPECT_EQ(ReadFile(kDhcpConfigCopy), "");
+    unlink(kDhcpConfigCopy);
     EXPECT_EQ(SetDhcpRequest("eth0", kOn), -1);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kDhcpConfigCopy), "");
     EXPECT_THAT(libc().Story(), IsEmpty());
-    EXPECT_FALSE(Exists(kConfig));
+    EXPECT_FALSE(Exists(kDhcpConfigFile));
 }
 
 TEST_F(RequestOptionsTest, ACopyThatCannotBeOpenedIsAFailure) {
-    WriteFile(kConfig, "request a;");
-    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    WriteFile(kDhcpConfigFile, "request a;");
+    ASSERT_EQ(mkdir(kDhcpConfigCopy, 0755), 0);
     EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", kAdd, false), -1);
     EXPECT_EQ(SetDhcpRequest("", kOff), -1);
-    EXPECT_EQ(ReadFile(kConfig), "request a;");
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request a;");
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(RequestOptionsTest, BothFilesAreOpenedBeforeAFailure) {
     EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", kAdd, false), -1);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kConfig, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kDhcpConfigFile, kDhcpConfigCopy));
 }
 
 TEST_F(RequestOptionsTest, ACopyThatCannotBeWrittenLeavesTheConfigurationAsItWas) {
-    WriteFile(kConfig, "request a;");
+    WriteFile(kDhcpConfigFile, "request a;");
     libc().Script(Call::kWrite, {Fail(ENOSPC), Fail(ENOSPC)});
     EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", kAdd, false), -1);
     EXPECT_EQ(SetDhcpRequest("", kOff), -1);
-    EXPECT_EQ(ReadFile(kConfig), "request a;");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "request a;");
+    EXPECT_FALSE(Exists(kDhcpConfigCopy));
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device",
                                             "log FileEdit write errno=28:No space left on device"));
 }
 
 TEST_F(RequestOptionsTest, AFailingCopyingIsNotNoticed) {
-    WriteFile(kConfig, "request a;\n");
+    WriteFile(kDhcpConfigFile, "request a;\n");
     libc().ScriptAlways(Call::kSystem, Fail(EAGAIN));
     EXPECT_EQ(SetDhcpServer("eth0", "ntp-servers", kAdd, false), 0);
     EXPECT_EQ(SetDhcpRequest("eth0", kOff), 0);

@@ -13,6 +13,7 @@
 #include "support/allocations.h"
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -24,12 +25,12 @@ using testkit::AllocationFault;
 using testkit::Call;
 using testkit::Data;
 using testkit::Fail;
+using testkit::kLockFile;
+using testkit::kResolverFile;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
 
-constexpr char kResolverFile[] = "/etc/resolv.dnsmasq.conf";
-constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 const std::string kZeros(VELK_DATA_SIZE, '\0');
 
 class DispatchTest : public testkit::DeviceTest {

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace {
@@ -19,8 +20,7 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Event;
 using testkit::Fail;
-
-constexpr char kLockFile[] = "/var/tmp/vklib_lock";
+using testkit::kLockFile;
 
 mode_t ModeOf(const char* path) {
     struct stat status {};

@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -18,14 +20,13 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kIdentityCopy;
+using testkit::kIdentityFile;
+using testkit::kSnmpFile;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::Return;
 using testkit::WriteFile;
-
-constexpr char kFile[] = "/var/libvelk/libvelk";
-constexpr char kCopy[] = "/var/tmp/libvelk";
-constexpr char kSnmpFile[] = "/usr/local/share/etc/snmp/snmpd.conf";
 
 constexpr char kText[] = "ADMINISTRATOR=Bob\nLOCATION=Lab\n";
 
@@ -39,11 +40,11 @@ constexpr uint32_t kLocation = VELK_CMD_LOCATION;
 class SettingsTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kIdentityCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static std::string Got(uint32_t id, std::string_view file) {
-        WriteFile(kFile, file);
+        WriteFile(kIdentityFile, file);
         char out[VELK_DATA_SIZE] = "";
         EXPECT_EQ(GetSettingFile(MakeRequest(VELK_GET, id, ""), out), 0);
         return out;
@@ -52,14 +53,14 @@ class SettingsTest : public testkit::DeviceTest {
         return SetSettingFile(MakeRequest(VELK_SET, id, "", value), nullptr);
     }
     static std::string WithValue(uint32_t id, std::string_view value, std::string_view file) {
-        WriteFile(kFile, file);
+        WriteFile(kIdentityFile, file);
         EXPECT_EQ(Set(id, value), 0);
-        EXPECT_FALSE(Exists(kCopy));
-        return ReadFile(kFile);
+        EXPECT_FALSE(Exists(kIdentityCopy));
+        return ReadFile(kIdentityFile);
     }
     // The line that hands a value on to the SNMP daemon.
     std::string SnmpLine(uint32_t id, std::string_view value) {
-        WriteFile(kFile, kText);
+        WriteFile(kIdentityFile, kText);
         const size_t earlier = libc().Commands().size();
         EXPECT_EQ(Set(id, value), 0);
         const std::vector<std::string> commands = libc().Commands();
@@ -100,20 +101,20 @@ TEST_F(SettingsTest, TheFirstLineOfTheKeyCounts) {
 }
 
 TEST_F(SettingsTest, WithoutALineNothingIsWritten) {
-    WriteFile(kFile, "LOCATION=Lab\n");
+    WriteFile(kIdentityFile, "LOCATION=Lab\n");
     char out[VELK_DATA_SIZE] = "unchanged";
     EXPECT_EQ(GetSettingFile(MakeRequest(VELK_GET, kAdministrator, ""), out), 0);
     EXPECT_STREQ(out, "unchanged");
     EXPECT_EQ(Execute(VELK_GET, kAdministrator, ""), 0);
     EXPECT_EQ(testkit::Data(response), std::string(512, '\0'));
-    WriteFile(kFile, "");
+    WriteFile(kIdentityFile, "");
     EXPECT_EQ(Execute(VELK_GET, kAdministrator, ""), 0);
     EXPECT_EQ(testkit::Data(response), std::string(512, '\0'));
 }
 
 TEST_F(SettingsTest, AValueIsCutToTheDataArea) {
     EXPECT_EQ(Got(kLocation, "LOCATION=" + std::string(511, 'x')), std::string(511, 'x'));
-    WriteFile(kFile, "LOCATION=" + std::string(100000, 'x') + "\n");
+    WriteFile(kIdentityFile, "LOCATION=" + std::string(100000, 'x') + "\n");
     char out[VELK_DATA_SIZE + 8];
     std::fill(std::begin(out), std::end(out), '?');
     EXPECT_EQ(GetSettingFile(MakeRequest(VELK_GET, kLocation, ""), out), 0);
@@ -121,22 +122,22 @@ TEST_F(SettingsTest, AValueIsCutToTheDataArea) {
 }
 
 TEST_F(SettingsTest, AValueIsWrittenWithItsNulAndNoMore) {
-    WriteFile(kFile, "LOCATION=abc\n");
+    WriteFile(kIdentityFile, "LOCATION=abc\n");
     char out[VELK_DATA_SIZE] = "unchanged";
     EXPECT_EQ(GetSettingFile(MakeRequest(VELK_GET, kLocation, ""), out), 0);
     EXPECT_EQ(std::string(out, 9), std::string("abc\0anged", 9));
 }
 
 TEST_F(SettingsTest, AGetReadsTheFileOnceAndRunsNothing) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     EXPECT_EQ(Execute(VELK_GET, kLocation, ""), 0);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kFile));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kIdentityFile));
     EXPECT_THAT(libc().Events(Call::kRead), testing::SizeIs(1));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(SettingsTest, ANullOutputIsRefusedBeforeAnythingElse) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     for (const uint32_t id : {2U, 3U, 4U}) {
         EXPECT_EQ(GetSettingFile(MakeRequest(VELK_GET, id, ""), nullptr), -4) << id;
     }
@@ -145,7 +146,7 @@ TEST_F(SettingsTest, ANullOutputIsRefusedBeforeAnythingElse) {
 }
 
 TEST_F(SettingsTest, OtherIdsAreRefusedByTheGetterWithALogLine) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     char out[VELK_DATA_SIZE] = "unchanged";
     for (const uint32_t id : {0U, 1U, 4U, 103U, 0x10002U}) {
         EXPECT_EQ(GetSettingFile(MakeRequest(VELK_GET, id, ""), out), -4) << id;
@@ -190,7 +191,7 @@ TEST_F(SettingsTest, TheValueEndsAtItsNulOrWithTheDataArea) {
 
 TEST_F(SettingsTest, ASetValueIsReadBackUnchanged) {
     const std::string value = R"( O'Neil & "Co"\IT/%s%n$(x)`y` )";
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     EXPECT_EQ(Execute(VELK_SET, kAdministrator, "", value), 0);
     EXPECT_EQ(Execute(VELK_GET, kAdministrator, ""), 0);
     EXPECT_EQ(std::string(response.data), value);
@@ -199,59 +200,59 @@ TEST_F(SettingsTest, ASetValueIsReadBackUnchanged) {
 }
 
 TEST_F(SettingsTest, TheInterfaceIsIgnored) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     for (const uint32_t id : {kAdministrator, kLocation}) {
         for (const char* interface : {"eth0", "eth1"}) {
             EXPECT_EQ(Execute(VELK_GET, id, interface), -4);
             EXPECT_EQ(Execute(VELK_SET, id, interface, "x"), -4);
         }
     }
-    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kIdentityFile), kText);
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
 
 TEST_F(SettingsTest, OtherIdsAreRefusedByTheSetterWithoutALogLine) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     for (const uint32_t id : {0U, 1U, 4U, 103U, 0x10002U}) {
         EXPECT_EQ(Set(id, "x"), -4) << id;
     }
-    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kIdentityFile), kText);
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(SettingsTest, AMissingFileIsAFailureThatLeavesAnEmptyCopy) {
-    WriteFile(kCopy, "of another edit");
+    WriteFile(kIdentityCopy, "of another edit");
     EXPECT_EQ(Set(kLocation, "x"), -1);
-    EXPECT_FALSE(Exists(kFile));
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(Exists(kIdentityFile));
+    EXPECT_EQ(ReadFile(kIdentityCopy), "");
     EXPECT_THAT(libc().Story(),
                 ElementsAre("log SetSettingFile ifstream errno=2:No such file or directory"));
 }
 
 TEST_F(SettingsTest, ACopyThatCannotBeOpenedIsAFailureThatChangesNothing) {
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
-    WriteFile(kFile, kText);
+    ASSERT_EQ(mkdir(kIdentityCopy, 0700), 0);
+    WriteFile(kIdentityFile, kText);
     EXPECT_EQ(Set(kLocation, "x"), -1);
-    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kIdentityFile), kText);
     EXPECT_THAT(libc().Story(), ElementsAre("log SetSettingFile ofstream errno=21:Is a directory"));
 }
 
 TEST_F(SettingsTest, BothFailuresAreLoggedInOrder) {
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    ASSERT_EQ(mkdir(kIdentityCopy, 0700), 0);
     EXPECT_EQ(Set(kAdministrator, ""), -1);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("log SetSettingFile ifstream errno=2:No such file or directory",
                             "log SetSettingFile ofstream errno=21:Is a directory"));
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kFile, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kIdentityFile, kIdentityCopy));
 }
 
 TEST_F(SettingsTest, ACopyThatCannotBeWrittenLeavesFileAndSnmpAlone) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(Set(kAdministrator, "Alice"), -1);
-    EXPECT_EQ(ReadFile(kFile), kText);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kIdentityFile), kText);
+    EXPECT_FALSE(Exists(kIdentityCopy));
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
 }
 
@@ -298,12 +299,13 @@ TEST_F(SettingsTest, TheLongestEscapedValueIsHandedOnWhole) {
     EXPECT_EQ(SnmpLine(kLocation, std::string(511, '\'')),
               "sudo sed -i 's/syslocation.*/syslocation " + quotes +
                   "/' /usr/local/share/etc/snmp/snmpd.conf");
-    EXPECT_EQ(ReadFile(kFile), "ADMINISTRATOR=Bob\nLOCATION=" + std::string(511, '\'') + "\n");
+    EXPECT_EQ(ReadFile(kIdentityFile),
+              "ADMINISTRATOR=Bob\nLOCATION=" + std::string(511, '\'') + "\n");
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(SettingsTest, TheFileComesFirstThenTheValueThenTheRestart) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     EXPECT_EQ(Set(kAdministrator, "Alice"), 0);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/libvelk > /var/libvelk/libvelk",
@@ -320,7 +322,7 @@ TEST_F(SettingsTest, TheSameValueIsHandedOnAgain) {
 
 TEST_F(SettingsTest, TheExitStatusOfTheShellIsIgnored) {
     for (const testkit::Outcome outcome : {Return(256), Return(127 * 256)}) {
-        WriteFile(kFile, kText);
+        WriteFile(kIdentityFile, kText);
         libc().Script(Call::kSystem, {outcome, outcome, outcome, outcome});
         EXPECT_EQ(Set(kAdministrator, "Alice"), 0);
     }
@@ -329,7 +331,7 @@ TEST_F(SettingsTest, TheExitStatusOfTheShellIsIgnored) {
 }
 
 TEST_F(SettingsTest, AShellThatCannotBeRunIsLoggedAndPassedOver) {
-    WriteFile(kFile, kText);
+    WriteFile(kIdentityFile, kText);
     libc().ScriptAlways(Call::kSystem, Fail(ENOMEM));
     EXPECT_EQ(Set(kLocation, "x"), 0);
     EXPECT_THAT(
@@ -382,7 +384,7 @@ TEST_F(SnmpLineTest, EveryLineWithTheDirectiveGetsTheValueAndNoLineIsAdded) {
 
 TEST_F(SnmpLineTest, AValueWithALineEndLeavesTheSnmpFileAsItWas) {
     const std::string line = SnmpLine(kLocation, "a\nsyscontact b").substr(5) + " 2> /dev/null";
-    EXPECT_EQ(ReadFile(kFile), "ADMINISTRATOR=Bob\nLOCATION=a\nsyscontact b\n");
+    EXPECT_EQ(ReadFile(kIdentityFile), "ADMINISTRATOR=Bob\nLOCATION=a\nsyscontact b\n");
     WriteFile(kSnmpFile, "syscontact old\nsyslocation old\n");
     const testkit::Unrecorded unrecorded;
     EXPECT_NE(std::system(line.c_str()), 0);

@@ -5,18 +5,18 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
 using testing::IsEmpty;
 using testkit::Call;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kInterfacesFile;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kConfig[] = "/etc/dhclient.conf";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
 
 constexpr char kInterfacesText[] =
     "iface eth0 inet static\n"
@@ -35,9 +35,9 @@ constexpr char kHooksText[] =
 class InterfaceCommandsTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
-        WriteFile(kInterfaces, kInterfacesText);
-        WriteFile(kConfig, kConfigText);
-        WriteFile(kHooks, kHooksText);
+        WriteFile(kInterfacesFile, kInterfacesText);
+        WriteFile(kDhcpConfigFile, kConfigText);
+        WriteFile(kExitHooks, kHooksText);
     }
     static std::string Get(uint32_t id) {
         char out[VELK_DATA_SIZE] = "";
@@ -75,7 +75,7 @@ TEST_F(InterfaceCommandsTest, ANullOutputIsRefusedForEveryId) {
 }
 
 TEST_F(InterfaceCommandsTest, ResultsOfTheGettersArePassedOn) {
-    WriteFile(kInterfaces, "iface eth0 inet manual\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet manual\n");
     char out[VELK_DATA_SIZE] = "";
     for (const uint32_t id : {102U, 104U, 105U, 106U}) {
         EXPECT_EQ(GetInterfaces(MakeRequest(VELK_GET, id, "eth0"), out), -1) << id;
@@ -84,39 +84,39 @@ TEST_F(InterfaceCommandsTest, ResultsOfTheGettersArePassedOn) {
 
 TEST_F(InterfaceCommandsTest, TheMethodIsSetInBothFilesAndNowhereElse) {
     EXPECT_EQ(Set(102, "\x02"), 0);
-    EXPECT_EQ(ReadFile(kInterfaces),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet dhcp\n"
               "\taddress 192.168.0.10\n"
               "\tnetmask 255.255.255.0\n"
               "\tgateway 192.168.0.1\n");
     EXPECT_EQ(Set(102, "\x01"), 0);
-    EXPECT_EQ(ReadFile(kInterfaces), kInterfacesText);
-    EXPECT_EQ(ReadFile(kConfig), "#interface \"eth0\" {\n#request subnet-mask;\n#}\n");
-    EXPECT_EQ(ReadFile(kHooks), kHooksText);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kInterfacesText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "#interface \"eth0\" {\n#request subnet-mask;\n#}\n");
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksText);
 }
 
 TEST_F(InterfaceCommandsTest, TheLinkLocalDaemonIsSet) {
     EXPECT_EQ(Set(103, "\x02"), 0);
-    EXPECT_EQ(ReadFile(kHooks),
+    EXPECT_EQ(ReadFile(kExitHooks),
               "#/usr/sbin/avahi-autoipd -D\n"
               "/sbin/printdhcpnotice.pl\n"
               "/sbin/printdhcpstart.pl\n");
-    EXPECT_EQ(ReadFile(kInterfaces), kInterfacesText);
-    EXPECT_EQ(ReadFile(kConfig), kConfigText);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kInterfacesText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
 }
 
 TEST_F(InterfaceCommandsTest, TheAddressIsSetAndTheMethodStays) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 1\n\tnetmask 2\n\tgateway 3\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n\taddress 1\n\tnetmask 2\n\tgateway 3\n");
     EXPECT_EQ(Set(104, "10.0.0.1"), 0);
-    EXPECT_EQ(ReadFile(kInterfaces),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet dhcp\n\taddress 10.0.0.1\n\tnetmask 2\n\tgateway 3\n");
-    EXPECT_EQ(ReadFile(kConfig), kConfigText);
-    EXPECT_EQ(ReadFile(kHooks), kHooksText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_EQ(ReadFile(kExitHooks), kHooksText);
 }
 
 TEST_F(InterfaceCommandsTest, TheMaskIsSet) {
     EXPECT_EQ(Set(105, "255.0.0.0"), 0);
-    EXPECT_EQ(ReadFile(kInterfaces),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 192.168.0.10\n"
               "\tnetmask 255.0.0.0\n"
@@ -125,18 +125,18 @@ TEST_F(InterfaceCommandsTest, TheMaskIsSet) {
 
 TEST_F(InterfaceCommandsTest, TheGatewayIsSetAndRemoved) {
     EXPECT_EQ(Set(106, "192.168.0.254"), 0);
-    EXPECT_EQ(ReadFile(kInterfaces),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 192.168.0.10\n"
               "\tnetmask 255.255.255.0\n"
               "\tgateway 192.168.0.254\n");
     EXPECT_EQ(Set(106, ""), 0);
-    EXPECT_EQ(ReadFile(kInterfaces),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 192.168.0.10\n"
               "\tnetmask 255.255.255.0\n");
     EXPECT_EQ(Set(106, ""), 0);
-    EXPECT_EQ(ReadFile(kInterfaces),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 192.168.0.10\n"
               "\tnetmask 255.255.255.0\n");
@@ -144,11 +144,11 @@ TEST_F(InterfaceCommandsTest, TheGatewayIsSetAndRemoved) {
 
 TEST_F(InterfaceCommandsTest, TheNoticesAreSet) {
     EXPECT_EQ(Set(109, "\x02"), 0);
-    EXPECT_EQ(ReadFile(kHooks),
+    EXPECT_EQ(ReadFile(kExitHooks),
               "/usr/sbin/avahi-autoipd -D\n"
               "#/sbin/printdhcpnotice.pl\n"
               "#/sbin/printdhcpstart.pl\n");
-    EXPECT_EQ(ReadFile(kInterfaces), kInterfacesText);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kInterfacesText);
 }
 
 TEST_F(InterfaceCommandsTest, OtherIdsAreRefusedByTheSetter) {
@@ -162,7 +162,7 @@ TEST_F(InterfaceCommandsTest, OtherIdsAreRefusedByTheSetter) {
 TEST_F(InterfaceCommandsTest, ResultsOfTheSettersArePassedOn) {
     EXPECT_EQ(Set(102, "\x03"), -4);
     EXPECT_GT(Set(109, "\x01", "eth1"), 0);
-    for (const char* file : {kInterfaces, kConfig, kHooks}) {
+    for (const char* file : {kInterfacesFile, kDhcpConfigFile, kExitHooks}) {
         unlink(file);
     }
     for (const uint32_t id : {102U, 103U, 104U, 105U, 106U, 109U}) {

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -13,11 +14,10 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Data;
 using testkit::Fail;
+using testkit::kResolverFile;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kFile[] = "/etc/resolv.dnsmasq.conf";
 
 // The three slots as a caller lays them out.
 std::string Slots(const std::string& first, const std::string& second = "",
@@ -33,7 +33,7 @@ class DnsTest : public testkit::DeviceTest {
   protected:
     // Returns the answer of a get for a file with this text.
     std::string GetFrom(std::string_view text) {
-        WriteFile(kFile, text);
+        WriteFile(kResolverFile, text);
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_DNS, "eth0"), 0);
         EXPECT_EQ(Data(response).substr(48), std::string(464, '\0')) << "48 bytes at most";
         return Data(response, 48);
@@ -41,7 +41,7 @@ class DnsTest : public testkit::DeviceTest {
     // Returns the file's text after a set.
     std::string SetFrom(std::string_view data) {
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", data), 0);
-        return ReadFile(kFile);
+        return ReadFile(kResolverFile);
     }
 };
 
@@ -156,7 +156,7 @@ TEST_F(DnsTest, AMissingFileIsAFailureAndTheResponseStaysZero) {
 }
 
 TEST_F(DnsTest, AFolderInTheFilesPlaceIsAFailure) {
-    ASSERT_EQ(mkdir(kFile, 0755), 0);
+    ASSERT_EQ(mkdir(kResolverFile, 0755), 0);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_DNS, "eth0"), -1);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", Slots("1.0.0.1")), -1);
 }
@@ -167,7 +167,7 @@ TEST_F(DnsTest, ANullOutputIsRefused) {
 }
 
 TEST_F(DnsTest, AGetClearsTheSlotsFirst) {
-    WriteFile(kFile, "nameserver 1.0.0.1\n");
+    WriteFile(kResolverFile, "nameserver 1.0.0.1\n");
     char out[64];
     memset(out, 'x', sizeof(out));
     EXPECT_EQ(GetDns(MakeRequest(VELK_GET, VELK_CMD_DNS, "eth0"), out), 0);
@@ -183,12 +183,13 @@ TEST_F(DnsTest, SetsOneTwoAndThreeServers) {
 }
 
 TEST_F(DnsTest, SetReplacesEverythingTheFileHeld) {
-    WriteFile(kFile, "# comment\nsearch example.test\nnameserver 1.0.0.1\nnameserver 1.0.0.2\n");
+    WriteFile(kResolverFile,
+              "# comment\nsearch example.test\nnameserver 1.0.0.1\nnameserver 1.0.0.2\n");
     EXPECT_EQ(SetFrom(Slots("9.9.9.9")), "nameserver 9.9.9.9\n");
 }
 
 TEST_F(DnsTest, NoServersLeaveAnEmptyFile) {
-    WriteFile(kFile, "nameserver 1.0.0.1\n");
+    WriteFile(kResolverFile, "nameserver 1.0.0.1\n");
     EXPECT_EQ(SetFrom(Slots("")), "");
 }
 
@@ -230,13 +231,13 @@ TEST_F(DnsTest, ASetListIsReadBack) {
 }
 
 TEST_F(DnsTest, SetKeepsInodeOwnerAndMode) {
-    WriteFile(kFile, "nameserver 1.0.0.1\n");
-    chmod(kFile, 0640);
+    WriteFile(kResolverFile, "nameserver 1.0.0.1\n");
+    chmod(kResolverFile, 0640);
     struct stat before {};
-    stat(kFile, &before);
+    stat(kResolverFile, &before);
     EXPECT_EQ(SetFrom(Slots("9.9.9.9")), "nameserver 9.9.9.9\n");
     struct stat after {};
-    stat(kFile, &after);
+    stat(kResolverFile, &after);
     EXPECT_EQ(after.st_ino, before.st_ino);
     EXPECT_EQ(after.st_mode, before.st_mode);
     EXPECT_EQ(after.st_uid, before.st_uid);
@@ -247,7 +248,7 @@ TEST_F(DnsTest, AFileThatIsMadeHasTheModeTheUmaskLeaves) {
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", Slots("1.0.0.1")), 0);
     umask(saved);
     struct stat status {};
-    ASSERT_EQ(stat(kFile, &status), 0);
+    ASSERT_EQ(stat(kResolverFile, &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0666U);
 }
 
@@ -256,7 +257,7 @@ TEST_F(DnsTest, SetWritesInPlaceWithoutACopyOrAShell) {
     EXPECT_THAT(libc().Commands(), IsEmpty());
     EXPECT_FALSE(testkit::Exists("/var/tmp/resolv.dnsmasq.conf"));
     const std::vector<testkit::Event> opens = libc().Events(Call::kOpen);
-    EXPECT_EQ(opens.back().text, kFile);
+    EXPECT_EQ(opens.back().text, kResolverFile);
     EXPECT_EQ(opens.back().number, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC);
 }
 
@@ -270,7 +271,7 @@ TEST_F(DnsTest, SetOnAFileThatCannotBeOpenedIsAFailure) {
 TEST_F(DnsTest, AFailedWriteIsAFailure) {
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_DNS, "eth0", Slots("1.0.0.1")), -1);
-    EXPECT_EQ(ReadFile(kFile), "");
+    EXPECT_EQ(ReadFile(kResolverFile), "");
 }
 
 TEST_F(DnsTest, AFailedCloseIsAFailure) {

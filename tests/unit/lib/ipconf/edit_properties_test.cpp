@@ -1,34 +1,31 @@
-#include <sstream>
+#include "support/edit_properties.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "support/device_test.h"
 #include "support/dice.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::Dice;
-using testkit::IdentityOf;
+using testkit::kDhcpConfigFile;
+using testkit::kExitHooks;
+using testkit::kInterfacesFile;
+using testkit::kRounds;
+using testkit::Lines;
 using testkit::MakeRequest;
 using testkit::ReadFile;
+using testkit::Split;
 using testkit::WriteFile;
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kConfig[] = "/etc/dhclient.conf";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
 
 constexpr char kOn = 1;
 constexpr char kOff = 2;
-
-constexpr int kRounds = 300;
-
-using Lines = std::vector<std::string>;
 
 // A line of a file and whom it is for: "eth0", "eth1", or "" for both.
 struct OwnedLine {
@@ -36,15 +33,6 @@ struct OwnedLine {
     std::string owner;
 };
 using OwnedLines = std::vector<OwnedLine>;
-
-Lines Split(const std::string& text) {
-    Lines lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 std::string Text(const OwnedLines& lines) {
     std::string text;
@@ -140,22 +128,22 @@ class EditPropertiesTest : public testkit::DeviceTest {
         const _velk_request request =
             MakeRequest(VELK_SET, VELK_CMD_IP_METHOD, interface, {&method, 1});
         EXPECT_EQ(SetIpSettingMethod(request, nullptr), 0);
-        return ReadFile(kInterfaces);
+        return ReadFile(kInterfacesFile);
     }
     static std::string SetValue(const std::string& interface, const std::string& key,
                                 const std::string& value) {
         const _velk_request request = MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, interface, value);
         EXPECT_EQ(SetAddressConf(request, key.c_str()), 0);
-        return ReadFile(kInterfaces);
+        return ReadFile(kInterfacesFile);
     }
     static std::string SwitchBlock(const std::string& interface, bool enable) {
         EXPECT_EQ(SetDhcpRequest(interface, enable), 0);
-        return ReadFile(kConfig);
+        return ReadFile(kDhcpConfigFile);
     }
     static std::string SwitchHook(const std::string& interface, char state) {
         const _velk_request request = MakeRequest(VELK_SET, VELK_CMD_APIPA, interface, {&state, 1});
         EXPECT_EQ(SetApipa(request, nullptr), 0);
-        return ReadFile(kHooks);
+        return ReadFile(kExitHooks);
     }
     testkit::FakeShell shell;
 };
@@ -165,12 +153,12 @@ const Lines kValues = {"10.9.8.7", "255.255.0.0", "x # y", " 1.1.1.1 ", std::str
 
 TEST_F(EditPropertiesTest, AMethodChangesTheHeadersOfItsInterfaceAndNothingElse) {
     Dice dice(501);
-    WriteFile(kConfig, "");
+    WriteFile(kDhcpConfigFile, "");
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const bool is_dhcp = dice.OneIn(2);
         const std::string before = RandomInterfaces(dice);
-        WriteFile(kInterfaces, before);
+        WriteFile(kInterfacesFile, before);
         const std::string after = SetMethod(interface, is_dhcp ? 2 : 1);
         const std::string header = "iface " + interface + " inet " + (is_dhcp ? "dhcp" : "static");
         Lines expected = Split(before);
@@ -186,11 +174,11 @@ TEST_F(EditPropertiesTest, AMethodChangesTheHeadersOfItsInterfaceAndNothingElse)
 
 TEST_F(EditPropertiesTest, AMethodSetTwiceIsAMethodSetOnce) {
     Dice dice(502);
-    WriteFile(kConfig, "");
+    WriteFile(kDhcpConfigFile, "");
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const char method = dice.OneIn(2) ? 1 : 2;
-        WriteFile(kInterfaces, RandomInterfaces(dice));
+        WriteFile(kInterfacesFile, RandomInterfaces(dice));
         const std::string once = SetMethod(interface, method);
         ASSERT_EQ(SetMethod(interface, method), once) << "round " << round;
     }
@@ -198,11 +186,11 @@ TEST_F(EditPropertiesTest, AMethodSetTwiceIsAMethodSetOnce) {
 
 TEST_F(EditPropertiesTest, AMethodLeavesTheOtherInterfacesStanzasAsTheyWere) {
     Dice dice(503);
-    WriteFile(kConfig, "");
+    WriteFile(kDhcpConfigFile, "");
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const std::string before = RandomInterfaces(dice);
-        WriteFile(kInterfaces, before);
+        WriteFile(kInterfacesFile, before);
         const std::string after = SetMethod(interface, dice.OneIn(2) ? 1 : 2);
         ASSERT_EQ(StanzaLines(after, Other(interface)), StanzaLines(before, Other(interface)))
             << "round " << round;
@@ -215,7 +203,7 @@ TEST_F(EditPropertiesTest, AnAddressSetTwiceIsAnAddressSetOnce) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const std::string& key = dice.OneOf(kKeys);
         const std::string& value = dice.OneOf(kValues);
-        WriteFile(kInterfaces, RandomInterfaces(dice, interface));
+        WriteFile(kInterfacesFile, RandomInterfaces(dice, interface));
         const std::string once = SetValue(interface, key, value);
         ASSERT_EQ(SetValue(interface, key, value), once) << "round " << round;
     }
@@ -228,7 +216,7 @@ TEST_F(EditPropertiesTest, AnAddressLeavesTheOtherInterfacesStanzasAsTheyWere) {
         const std::string& key = dice.OneOf(kKeys);
         const std::string value = dice.OneIn(4) ? "" : dice.OneOf(kValues);
         const std::string before = RandomInterfaces(dice);
-        WriteFile(kInterfaces, before);
+        WriteFile(kInterfacesFile, before);
         const std::string after = SetValue(interface, key, value);
         ASSERT_EQ(StanzaLines(after, Other(interface)), StanzaLines(before, Other(interface)))
             << "round " << round;
@@ -243,7 +231,7 @@ TEST_F(EditPropertiesTest, AnAddressChangesOneLineOfAnInterfaceWithOneStanza) {
         const std::string& key = dice.OneOf(kKeys);
         const std::string& value = dice.OneOf(kValues);
         const std::string before = RandomInterfaces(dice, interface);
-        WriteFile(kInterfaces, before);
+        WriteFile(kInterfacesFile, before);
         Lines without = Split(SetValue(interface, key, value));
         const Lines old_lines = Split(before);
         const std::string line = std::string("\t").append(key).append(value);
@@ -274,7 +262,7 @@ TEST_F(EditPropertiesTest, AnAddressThatFoundItsLineIsReadBack) {
     for (int round = 0; round < kRounds; ++round) {
         const std::string& key = dice.OneOf(kKeys);
         const std::string& value = dice.OneOf(kValues);
-        WriteFile(kInterfaces, RandomInterfaces(dice, "eth0") + "\niface eth1 inet dhcp\n");
+        WriteFile(kInterfacesFile, RandomInterfaces(dice, "eth0") + "\niface eth1 inet dhcp\n");
         const std::string after = SetValue("eth0", key, value);
         char out[VELK_DATA_SIZE] = "none";
         EXPECT_EQ(GetAddressConf(MakeRequest(VELK_GET, 104, "eth0"), key.c_str(), out), 0);
@@ -359,7 +347,7 @@ TEST_F(EditPropertiesTest, ASwitchChangesTheInterfacesBlocksAndNothingElse) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const bool enable = dice.OneIn(2);
         const OwnedLines lines = RandomConfig(dice);
-        WriteFile(kConfig, Text(lines));
+        WriteFile(kDhcpConfigFile, Text(lines));
         ASSERT_EQ(SwitchBlock(interface, enable),
                   Text(WithBlocksSwitched(lines, interface, enable)))
             << "round " << round;
@@ -372,7 +360,7 @@ TEST_F(EditPropertiesTest, ABlockSwitchedOffAndOnIsAsItWas) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const std::string active =
             Text(WithBlocksSwitched(RandomConfig(dice), interface, /*enable=*/true));
-        WriteFile(kConfig, active);
+        WriteFile(kDhcpConfigFile, active);
         const std::string off = SwitchBlock(interface, false);
         ASSERT_EQ(SwitchBlock(interface, true), active) << "round " << round;
         ASSERT_EQ(SwitchBlock(interface, false), off) << "round " << round;
@@ -410,7 +398,7 @@ TEST_F(EditPropertiesTest, ABlockSwitchedOffTwiceIsABlockSwitchedOffOnce) {
     Dice dice(603);
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(3) ? "" : dice.OneIn(2) ? "eth0" : "eth1";
-        WriteFile(kConfig, HostileConfig(dice));
+        WriteFile(kDhcpConfigFile, HostileConfig(dice));
         const std::string once = SwitchBlock(interface, false);
         ASSERT_EQ(SwitchBlock(interface, false), once) << "round " << round;
     }
@@ -421,7 +409,7 @@ TEST_F(EditPropertiesTest, ASwitchPutsInOrTakesOutOneHashOfALine) {
     for (int round = 0; round < kRounds; ++round) {
         const bool enable = dice.OneIn(2);
         const std::string text = HostileConfig(dice);
-        WriteFile(kConfig, text);
+        WriteFile(kDhcpConfigFile, text);
         const Lines before = Split(text);
         const Lines after = Split(SwitchBlock("eth0", enable));
         ASSERT_EQ(after.size(), before.size()) << "round " << round;
@@ -493,7 +481,7 @@ TEST_F(EditPropertiesTest, AHookSwitchedOffIsOffForItsInterfaceAlone) {
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(3) ? "" : dice.OneIn(2) ? "eth0" : "eth1";
         OwnedLines lines = RandomScript(dice);
-        WriteFile(kHooks, Text(lines));
+        WriteFile(kExitHooks, Text(lines));
         for (OwnedLine& line : lines) {
             const bool runs = interface.empty() || line.owner.empty() || line.owner == interface;
             if (runs && line.text.find("/usr/sbin/avahi-autoipd") != std::string::npos) {
@@ -509,7 +497,7 @@ TEST_F(EditPropertiesTest, AHookSwitchedOffAndOnIsAsItWas) {
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(3) ? "" : dice.OneIn(2) ? "eth0" : "eth1";
         const std::string before = Text(RandomScript(dice));
-        WriteFile(kHooks, before);
+        WriteFile(kExitHooks, before);
         const std::string off = SwitchHook(interface, kOff);
         ASSERT_EQ(SwitchHook(interface, kOff), off) << "round " << round;
         ASSERT_EQ(SwitchHook(interface, kOn), before) << "round " << round;
@@ -522,7 +510,7 @@ TEST_F(EditPropertiesTest, AHookSwitchedOffIsReadAsOff) {
     for (int round = 0; round < kRounds; ++round) {
         const std::string interface = dice.OneIn(2) ? "eth0" : "eth1";
         const OwnedLines lines = RandomScript(dice);
-        WriteFile(kHooks, Text(lines));
+        WriteFile(kExitHooks, Text(lines));
         const _velk_request request = MakeRequest(VELK_GET, VELK_CMD_APIPA, interface);
         char out[VELK_DATA_SIZE] = "";
         char expected = kOff;
@@ -547,24 +535,17 @@ class EditedFilesTest : public testkit::DeviceTest {};
 TEST_F(EditedFilesTest, InodeOwnerAndModeSurviveEveryEdit) {
     Dice dice(801);
     for (int round = 0; round < 25; ++round) {
-        WriteFile(kInterfaces, RandomInterfaces(dice));
-        WriteFile(kConfig, HostileConfig(dice));
-        WriteFile(kHooks, Text(RandomScript(dice)));
-        std::vector<testkit::FileIdentity> before;
-        for (const char* path : {kInterfaces, kConfig, kHooks}) {
-            (void)!chown(path, 12, 34);  // only where the test runs as root
-            ASSERT_EQ(chmod(path, static_cast<mode_t>(0600 + dice.Below(64))), 0);
-            before.push_back(IdentityOf(path));
-        }
+        WriteFile(kInterfacesFile, RandomInterfaces(dice));
+        WriteFile(kDhcpConfigFile, HostileConfig(dice));
+        WriteFile(kExitHooks, Text(RandomScript(dice)));
+        testkit::ChangeOwnerAndMode({kInterfacesFile, kDhcpConfigFile, kExitHooks}, dice);
+        const auto before = testkit::IdentitiesOf({kInterfacesFile, kDhcpConfigFile, kExitHooks});
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_METHOD, "eth0", dice.OneIn(2) ? "\x01" : "\x02"),
                   0);
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_APIPA, "eth1", dice.OneIn(2) ? "\x01" : "\x02"), 0);
         EXPECT_EQ(Execute(VELK_SET, VELK_CMD_GATEWAY, "eth0", dice.OneIn(2) ? "" : "10.0.0.1"), 0);
-        std::vector<testkit::FileIdentity> after;
-        for (const char* path : {kInterfaces, kConfig, kHooks}) {
-            after.push_back(IdentityOf(path));
-        }
-        ASSERT_EQ(after, before) << "round " << round;
+        ASSERT_EQ(testkit::IdentitiesOf({kInterfacesFile, kDhcpConfigFile, kExitHooks}), before)
+            << "round " << round;
     }
 }
 

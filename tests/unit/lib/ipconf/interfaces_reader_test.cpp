@@ -8,6 +8,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -17,10 +18,10 @@ using testing::SizeIs;
 using testkit::Call;
 using testkit::Data;
 using testkit::Fail;
+using testkit::kInterfacesFile;
 using testkit::MakeRequest;
 using testkit::WriteFile;
 
-constexpr char kFile[] = "/etc/network/interfaces";
 constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
 
 constexpr char kStatic[] =
@@ -61,13 +62,13 @@ constexpr char kRoutes[] =
 class InterfacesReaderTest : public testkit::DeviceTest {
   protected:
     static int Setting(std::string_view text, const std::string& interface = "eth0") {
-        WriteFile(kFile, text);
+        WriteFile(kInterfacesFile, text);
         return GetIpSetting(interface);
     }
     // Returns the value of a direct call for a key; "unchanged" if it writes nothing.
     static std::string Value(std::string_view text, const char* key,
                              const std::string& interface = "eth0") {
-        WriteFile(kFile, text);
+        WriteFile(kInterfacesFile, text);
         char out[VELK_DATA_SIZE] = "unchanged";
         EXPECT_EQ(GetAddressConf(MakeRequest(VELK_GET, 104, interface), key, out), 0);
         return out;
@@ -144,14 +145,14 @@ TEST_F(InterfacesReaderTest, WithoutAHeaderThereIsNoMethod) {
 
 TEST_F(InterfacesReaderTest, WithoutTheFileThereIsNoMethod) {
     EXPECT_EQ(GetIpSetting("eth0"), -1);
-    ASSERT_EQ(mkdir(kFile, 0755), 0);
+    ASSERT_EQ(mkdir(kInterfacesFile, 0755), 0);
     EXPECT_EQ(GetIpSetting("eth0"), -1);
-    rmdir(kFile);
+    rmdir(kInterfacesFile);
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(InterfacesReaderTest, GetsTheMethodByte) {
-    WriteFile(kFile, "iface eth0 inet static\niface eth1 inet dhcp\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\niface eth1 inet dhcp\n");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_METHOD, "eth0"), 0);
     EXPECT_EQ(Data(response), "\x01" + std::string(511, '\0'));
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_METHOD, "eth1"), 0);
@@ -159,14 +160,14 @@ TEST_F(InterfacesReaderTest, GetsTheMethodByte) {
 }
 
 TEST_F(InterfacesReaderTest, TheMethodIsOneByteAndNothingElse) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     char out[VELK_DATA_SIZE] = "xyz";
     EXPECT_EQ(GetIpSettingMethod(MakeRequest(VELK_GET, 102, "eth0"), out), 0);
     EXPECT_STREQ(out, "\x02yz");
 }
 
 TEST_F(InterfacesReaderTest, AnUnknownMethodWritesNothing) {
-    WriteFile(kFile, "iface eth0 inet manual\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet manual\n");
     char out[VELK_DATA_SIZE] = "unchanged";
     EXPECT_EQ(GetIpSettingMethod(MakeRequest(VELK_GET, 102, "eth0"), out), -1);
     EXPECT_STREQ(out, "unchanged");
@@ -175,12 +176,12 @@ TEST_F(InterfacesReaderTest, AnUnknownMethodWritesNothing) {
 }
 
 TEST_F(InterfacesReaderTest, ANullOutputOfTheMethodIsAFailure) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     EXPECT_EQ(GetIpSettingMethod(MakeRequest(VELK_GET, 102, "eth0"), nullptr), -1);
 }
 
 TEST_F(InterfacesReaderTest, ANameWithoutANulEndsAtItsField) {
-    WriteFile(kFile, "iface eth0eth0eth0eth0 inet dhcp\n");
+    WriteFile(kInterfacesFile, "iface eth0eth0eth0eth0 inet dhcp\n");
     char out[VELK_DATA_SIZE] = "";
     EXPECT_EQ(GetIpSettingMethod(MakeRequest(VELK_GET, 102, "eth0eth0eth0eth0"), out), 0);
     EXPECT_STREQ(out, "\x02");
@@ -277,7 +278,8 @@ TEST_F(InterfacesReaderTest, ALongValueIsCutToTheDataArea) {
     } area;
     const _velk_request request = MakeRequest(VELK_GET, 104, "eth0");
     for (const size_t size : {510U, 511U, 512U, 513U, 100000U}) {
-        WriteFile(kFile, "iface eth0 inet static\naddress " + std::string(size, '1') + "\n");
+        WriteFile(kInterfacesFile,
+                  "iface eth0 inet static\naddress " + std::string(size, '1') + "\n");
         EXPECT_EQ(GetAddressConf(request, "address ", area.out), 0);
         EXPECT_EQ(std::string(area.out), std::string(std::min<size_t>(size, 511), '1')) << size;
         EXPECT_EQ(GetIpAddressConf(request, area.out), 0);
@@ -287,7 +289,7 @@ TEST_F(InterfacesReaderTest, ALongValueIsCutToTheDataArea) {
 }
 
 TEST_F(InterfacesReaderTest, NullArgumentsOfTheKeySearchAreFailures) {
-    WriteFile(kFile, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     const _velk_request request = MakeRequest(VELK_GET, 104, "eth0");
     char out[VELK_DATA_SIZE] = "unchanged";
     EXPECT_EQ(GetAddressConf(request, nullptr, out), -1);
@@ -301,7 +303,7 @@ TEST_F(InterfacesReaderTest, AFileThatCannotBeReadIsAFailureOfTheKeySearch) {
     char out[VELK_DATA_SIZE] = "unchanged";
     const _velk_request request = MakeRequest(VELK_GET, 104, "eth0");
     EXPECT_EQ(GetAddressConf(request, "address ", out), -1);
-    WriteFile(kFile, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     libc().Script(Call::kOpen, {Fail(EACCES)});
     EXPECT_EQ(GetAddressConf(request, "address ", out), -1);
     EXPECT_STREQ(out, "unchanged");
@@ -311,7 +313,7 @@ TEST_F(InterfacesReaderTest, AFileThatCannotBeReadIsAFailureOfTheKeySearch) {
 // ---- the three values of a static interface
 
 TEST_F(InterfacesReaderTest, AStaticInterfaceAnswersAsConfigured) {
-    WriteFile(kFile, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     ShowLiveValues("Link detected: yes\n");
     EXPECT_EQ(Get(VELK_CMD_IP_ADDRESS), "192.168.0.10");
     EXPECT_EQ(Get(VELK_CMD_NETMASK), "255.255.255.0");
@@ -323,29 +325,29 @@ TEST_F(InterfacesReaderTest, AStaticInterfaceAnswersAsConfigured) {
 }
 
 TEST_F(InterfacesReaderTest, AStaticInterfaceWithoutAValueAnswersAnEmptyText) {
-    WriteFile(kFile, "iface eth0 inet static\n\taddress 192.168.0.10\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\taddress 192.168.0.10\n");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_GATEWAY, "eth0"), 0);
     EXPECT_EQ(Data(response), std::string(512, '\0'));
 }
 
 TEST_F(InterfacesReaderTest, AStaticGetOpensAndReadsTheFileOnce) {
-    WriteFile(kFile, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     for (const uint32_t id :
          {VELK_CMD_IP_METHOD, VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
         libc().Reset();
         EXPECT_EQ(Execute(VELK_GET, id, "eth0"), 0);
-        EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kFile)) << id;
+        EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kInterfacesFile)) << id;
         EXPECT_THAT(libc().Events(Call::kRead), SizeIs(1)) << id;
     }
 }
 
 TEST_F(InterfacesReaderTest, NullOutputsOfTheValuesAreRefused) {
     const _velk_request request = MakeRequest(VELK_GET, VELK_CMD_GATEWAY, "eth0");
-    WriteFile(kFile, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     EXPECT_EQ(GetIpAddressConf(request, nullptr), -1);
     EXPECT_EQ(GetSubNetMaskConf(request, nullptr), -1);
     EXPECT_EQ(GetDefGatewayConf(request, nullptr), -1);
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     EXPECT_EQ(GetIpAddressConf(request, nullptr), -4);
     EXPECT_EQ(GetSubNetMaskConf(request, nullptr), -4);
     EXPECT_EQ(GetDefGatewayConf(request, nullptr), -4);
@@ -355,7 +357,7 @@ TEST_F(InterfacesReaderTest, NullOutputsOfTheValuesAreRefused) {
 // ---- those of a DHCP interface
 
 TEST_F(InterfacesReaderTest, ADhcpInterfaceAnswersItsLiveValues) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: yes\n");
     EXPECT_EQ(Get(VELK_CMD_IP_ADDRESS), "192.168.0.77");
     EXPECT_EQ(Get(VELK_CMD_NETMASK), "255.255.255.128");
@@ -363,7 +365,7 @@ TEST_F(InterfacesReaderTest, ADhcpInterfaceAnswersItsLiveValues) {
 }
 
 TEST_F(InterfacesReaderTest, TheWiredInterfaceDoesNotAskForTheLink) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: yes\n");
     EXPECT_EQ(Get(VELK_CMD_IP_ADDRESS), "192.168.0.77");
     EXPECT_THAT(libc().Commands(),
@@ -371,7 +373,7 @@ TEST_F(InterfacesReaderTest, TheWiredInterfaceDoesNotAskForTheLink) {
 }
 
 TEST_F(InterfacesReaderTest, ADhcpInterfaceWithoutALeaseAnswersEmptyTexts) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: yes\n");
     shell.Prints("ifconfig", {"eth0      Link encap:Ethernet\n          UP BROADCAST\n\n"});
     WriteFile("/var/tmp/route", "Iface\tDestination\n");
@@ -381,14 +383,14 @@ TEST_F(InterfacesReaderTest, ADhcpInterfaceWithoutALeaseAnswersEmptyTexts) {
 }
 
 TEST_F(InterfacesReaderTest, TheWirelessInterfaceAnswersItsLiveValuesWithoutACable) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: no\n");
     EXPECT_EQ(Get(VELK_CMD_IP_ADDRESS, "eth1"), "10.0.0.77");
     EXPECT_EQ(Get(VELK_CMD_NETMASK, "eth1"), "255.255.128.0");
 }
 
 TEST_F(InterfacesReaderTest, TheWirelessInterfaceAnswersNothingWithACable) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: yes\n");
     for (const uint32_t id : {VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
         EXPECT_EQ(Execute(VELK_GET, id, "eth1"), 0);
@@ -402,14 +404,14 @@ TEST_F(InterfacesReaderTest, TheWirelessInterfaceAnswersNothingWithACable) {
 }
 
 TEST_F(InterfacesReaderTest, TheWirelessGatewayIsRefusedWithoutAnAdapter) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: no\n");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_GATEWAY, "eth1"), -5);
     EXPECT_EQ(Data(response), std::string(512, '\0'));
 }
 
 TEST_F(InterfacesReaderTest, AFailureOfTheLiveValueIsPassedOn) {
-    WriteFile(kFile, kDhcp);
+    WriteFile(kInterfacesFile, kDhcp);
     ShowLiveValues("Link detected: yes\n");
     shell.LeavesNoFile("ifconfig");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), -1);
@@ -421,13 +423,13 @@ TEST_F(InterfacesReaderTest, AFailureOfTheLiveValueIsPassedOn) {
 TEST_F(InterfacesReaderTest, AnUnknownMethodFailsAllThreeValues) {
     for (const char* text : {"iface eth0 inet manual\naddress 1\n", "", "auto eth0\n",
                              " iface eth0 inet static\naddress 1\n"}) {
-        WriteFile(kFile, text);
+        WriteFile(kInterfacesFile, text);
         for (const uint32_t id : {VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
             EXPECT_EQ(Execute(VELK_GET, id, "eth0"), -1) << text;
             EXPECT_EQ(Data(response), std::string(512, '\0'));
         }
     }
-    unlink(kFile);
+    unlink(kInterfacesFile);
     for (const uint32_t id : {VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK, VELK_CMD_GATEWAY}) {
         EXPECT_EQ(Execute(VELK_GET, id, "eth0"), -1);
     }

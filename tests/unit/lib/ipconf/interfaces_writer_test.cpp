@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -17,15 +19,14 @@ using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
 using testkit::IdentityOf;
+using testkit::kDhcpConfigCopy;
+using testkit::kDhcpConfigFile;
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+using testkit::kOldAddressFile;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kFile[] = "/etc/network/interfaces";
-constexpr char kCopy[] = "/var/tmp/interfaces";
-constexpr char kClientConfig[] = "/etc/dhclient.conf";
-constexpr char kClientCopy[] = "/var/tmp/dhclient.conf";
-constexpr char kOldAddress[] = "/tmp/oldIPAddress";
 
 constexpr char kText[] =
     "iface eth0 inet static\n"
@@ -48,13 +49,13 @@ _velk_request ValueRequest(std::string_view value) {
 class InterfacesWriterTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
-        WriteFile(kFile, kText);
-        WriteFile(kClientConfig, kConfigText);
-        WriteFile(kOldAddress, "192.168.0.9\n");
+        WriteFile(kInterfacesFile, kText);
+        WriteFile(kDhcpConfigFile, kConfigText);
+        WriteFile(kOldAddressFile, "192.168.0.9\n");
     }
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
-        rmdir(kClientCopy);
+        rmdir(kInterfacesCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kDhcpConfigCopy);
         DeviceTest::TearDown();
     }
     testkit::FakeShell shell;
@@ -66,8 +67,8 @@ TEST_F(InterfacesWriterTest, ANullKeyIsAFailureThatTouchesNothing) {
     EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), nullptr), -1);
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
     EXPECT_THAT(libc().Commands(), IsEmpty());
-    EXPECT_FALSE(Exists(kCopy));
-    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_FALSE(Exists(kInterfacesCopy));
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
 }
 
 TEST_F(InterfacesWriterTest, AnAddressIsPutInPlaceByTheseLines) {
@@ -75,7 +76,7 @@ TEST_F(InterfacesWriterTest, AnAddressIsPutInPlaceByTheseLines) {
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
                             "system rm /var/tmp/interfaces"));
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 10.0.0.1\n"
               "\tgateway 192.168.0.1\n"
@@ -84,7 +85,7 @@ TEST_F(InterfacesWriterTest, AnAddressIsPutInPlaceByTheseLines) {
 
 TEST_F(InterfacesWriterTest, AnyKeyMayBeSet) {
     EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.255"), "broadcast "), 0);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 192.168.0.10\n"
               "\tgateway 192.168.0.1\n"
@@ -94,7 +95,7 @@ TEST_F(InterfacesWriterTest, AnyKeyMayBeSet) {
 
 TEST_F(InterfacesWriterTest, OnlyTheExactGatewayKeyRemoves) {
     EXPECT_EQ(SetAddressConf(ValueRequest(""), "gateway"), 0);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 192.168.0.10\n"
               "\tgateway\n"
@@ -103,7 +104,7 @@ TEST_F(InterfacesWriterTest, OnlyTheExactGatewayKeyRemoves) {
 
 TEST_F(InterfacesWriterTest, TheEmptyKeyIsFoundOnEveryLine) {
     EXPECT_EQ(SetAddressConf(ValueRequest("x"), ""), 0);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\tx\n"
               "\tgateway 192.168.0.1\n"
@@ -112,7 +113,7 @@ TEST_F(InterfacesWriterTest, TheEmptyKeyIsFoundOnEveryLine) {
 
 TEST_F(InterfacesWriterTest, AValueWithoutANulEndsAtTheDataArea) {
     EXPECT_EQ(SetAddressConf(ValueRequest(std::string(512, '1')), "address "), 0);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress " +
                   std::string(512, '1') +
@@ -122,18 +123,18 @@ TEST_F(InterfacesWriterTest, AValueWithoutANulEndsAtTheDataArea) {
 }
 
 TEST_F(InterfacesWriterTest, ANameWithoutANulEndsAtItsField) {
-    WriteFile(kFile, "iface eth0eth0eth0eth0 inet static\n\taddress 1\n");
+    WriteFile(kInterfacesFile, "iface eth0eth0eth0eth0 inet static\n\taddress 1\n");
     EXPECT_EQ(SetIpAddressConf(MakeRequest(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0eth0eth0eth0", "2"),
                                nullptr),
               0);
-    EXPECT_EQ(ReadFile(kFile), "iface eth0eth0eth0eth0 inet static\n\taddress 2\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "iface eth0eth0eth0eth0 inet static\n\taddress 2\n");
 }
 
 TEST_F(InterfacesWriterTest, TheThreeSettersDifferInTheirKeys) {
     EXPECT_EQ(SetIpAddressConf(ValueRequest("1"), nullptr), 0);
     EXPECT_EQ(SetSubNetMaskConf(ValueRequest("2"), nullptr), 0);
     EXPECT_EQ(SetDefGatewayConf(ValueRequest("3"), nullptr), 0);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 1\n"
               "\tgateway 3\n"
@@ -142,26 +143,26 @@ TEST_F(InterfacesWriterTest, TheThreeSettersDifferInTheirKeys) {
 }
 
 TEST_F(InterfacesWriterTest, AnAddressWithoutAWritableCopyIsAFailure) {
-    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
     EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), -1);
     EXPECT_THAT(libc().Story(), IsEmpty());
-    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
 }
 
 TEST_F(InterfacesWriterTest, AnAddressWithoutTheFileIsAFailure) {
-    unlink(kFile);
+    unlink(kInterfacesFile);
     EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), -1);
     EXPECT_THAT(libc().Story(), IsEmpty());
-    EXPECT_FALSE(Exists(kFile));
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(Exists(kInterfacesFile));
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "");
 }
 
 TEST_F(InterfacesWriterTest, ACopyThatCannotBeWrittenLeavesTheAddressAsItWas) {
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(SetAddressConf(ValueRequest("10.0.0.1"), "address "), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
-    EXPECT_EQ(ReadFile(kFile), kText);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(InterfacesWriterTest, AFailingCopyingOfAnAddressIsNotNoticed) {
@@ -178,13 +179,13 @@ TEST_F(InterfacesWriterTest, DhcpRunsTheseLinesInThisOrder) {
                             "system rm /var/tmp/interfaces",
                             "system cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
                             "system rm /var/tmp/dhclient.conf", "system rm -f /tmp/oldIPAddress"));
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet dhcp\n"
               "\taddress 192.168.0.10\n"
               "\tgateway 192.168.0.1\n"
               "iface eth1 inet dhcp\n");
-    EXPECT_EQ(ReadFile(kClientConfig), "interface \"eth0\" {\nrequest subnet-mask;\n}\n");
-    EXPECT_FALSE(Exists(kOldAddress));
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "interface \"eth0\" {\nrequest subnet-mask;\n}\n");
+    EXPECT_FALSE(Exists(kOldAddressFile));
 }
 
 TEST_F(InterfacesWriterTest, AStaticMethodRunsTheSameLinesButTheLast) {
@@ -194,19 +195,19 @@ TEST_F(InterfacesWriterTest, AStaticMethodRunsTheSameLinesButTheLast) {
                             "system rm /var/tmp/interfaces",
                             "system cat /var/tmp/dhclient.conf > /etc/dhclient.conf",
                             "system rm /var/tmp/dhclient.conf"));
-    EXPECT_TRUE(Exists(kOldAddress));
+    EXPECT_TRUE(Exists(kOldAddressFile));
 }
 
 TEST_F(InterfacesWriterTest, TheWirelessInterfaceNeverRemovesTheOldAddress) {
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 2), nullptr), 0);
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 1), nullptr), 0);
-    EXPECT_TRUE(Exists(kOldAddress));
+    EXPECT_TRUE(Exists(kOldAddressFile));
     EXPECT_THAT(libc().Commands(), testing::Not(testing::Contains("rm -f /tmp/oldIPAddress")));
 }
 
 TEST_F(InterfacesWriterTest, TheMethodByteIsLookedAtBeforeTheFiles) {
-    unlink(kFile);
-    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    unlink(kInterfacesFile);
+    ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
     for (const char method : {'\0', '\3', '1', '\xff'}) {
         EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", method), nullptr), -4);
     }
@@ -216,27 +217,27 @@ TEST_F(InterfacesWriterTest, TheMethodByteIsLookedAtBeforeTheFiles) {
 
 TEST_F(InterfacesWriterTest, ARefusedMethodStillOpensBothFiles) {
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 0), nullptr), -4);
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kFile, kCopy));
-    EXPECT_EQ(ReadFile(kCopy), "");
-    EXPECT_EQ(ReadFile(kFile), kText);
-    EXPECT_TRUE(Exists(kOldAddress));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kInterfacesFile, kInterfacesCopy));
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "");
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
+    EXPECT_TRUE(Exists(kOldAddressFile));
 }
 
 TEST_F(InterfacesWriterTest, AMethodWithoutTheFileIsAFailureThatRemovesTheOldAddress) {
-    unlink(kFile);
+    unlink(kInterfacesFile);
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("system rm -f /tmp/oldIPAddress"));
-    EXPECT_FALSE(Exists(kOldAddress));
-    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_FALSE(Exists(kOldAddressFile));
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_EQ(ReadFile(kInterfacesCopy), "");
 }
 
 TEST_F(InterfacesWriterTest, AMethodWithoutAWritableCopyIsAFailureThatRemovesTheOldAddress) {
-    ASSERT_EQ(mkdir(kCopy, 0755), 0);
+    ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("system rm -f /tmp/oldIPAddress"));
-    EXPECT_EQ(ReadFile(kFile), kText);
-    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
 }
 
 TEST_F(InterfacesWriterTest, AMethodThatCannotBeWrittenDoesNotSwitchTheClient) {
@@ -244,20 +245,20 @@ TEST_F(InterfacesWriterTest, AMethodThatCannotBeWrittenDoesNotSwitchTheClient) {
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device",
                                             "system rm -f /tmp/oldIPAddress"));
-    EXPECT_EQ(ReadFile(kFile), kText);
-    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
-    EXPECT_FALSE(Exists(kOldAddress));
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_FALSE(Exists(kOldAddressFile));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(InterfacesWriterTest, AFailureToSwitchTheClientIsPassedOnWithTheMethodChanged) {
-    unlink(kClientConfig);
+    unlink(kDhcpConfigFile);
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/interfaces > /etc/network/interfaces",
                             "system rm /var/tmp/interfaces", "system rm -f /tmp/oldIPAddress"));
     EXPECT_EQ(GetIpSetting("eth0"), 2);
-    EXPECT_EQ(ReadFile(kClientCopy), "");
+    EXPECT_EQ(ReadFile(kDhcpConfigCopy), "");
 }
 
 TEST_F(InterfacesWriterTest, AFailingRemovalOfTheOldAddressIsNotNoticed) {
@@ -269,7 +270,7 @@ TEST_F(InterfacesWriterTest, AFailingRemovalOfTheOldAddressIsNotNoticed) {
 TEST_F(InterfacesWriterTest, AFailingCopyingOfAMethodIsNotNoticed) {
     libc().Script(Call::kSystem, {Fail(EAGAIN), Fail(EAGAIN)});
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 2), nullptr), 0);
-    EXPECT_EQ(ReadFile(kClientConfig), kConfigText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
 }
 
 // ---- the same with the real shell
@@ -277,10 +278,10 @@ TEST_F(InterfacesWriterTest, AFailingCopyingOfAMethodIsNotNoticed) {
 class InterfacesWriterShellTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
-        WriteFile(kFile, kText);
-        WriteFile(kClientConfig, kConfigText);
-        WriteFile(kOldAddress, "192.168.0.9\n");
-        for (const char* path : {kFile, kClientConfig}) {
+        WriteFile(kInterfacesFile, kText);
+        WriteFile(kDhcpConfigFile, kConfigText);
+        WriteFile(kOldAddressFile, "192.168.0.9\n");
+        for (const char* path : {kInterfacesFile, kDhcpConfigFile}) {
             ASSERT_EQ(chmod(path, 0640), 0);
             (void)!chown(path, 12, 34);  // only where the test runs as root
         }
@@ -288,32 +289,32 @@ class InterfacesWriterShellTest : public testkit::DeviceTest {
 };
 
 TEST_F(InterfacesWriterShellTest, AMethodKeepsInodeOwnerAndMode) {
-    const testkit::FileIdentity interfaces = IdentityOf(kFile);
-    const testkit::FileIdentity config = IdentityOf(kClientConfig);
+    const testkit::FileIdentity interfaces = IdentityOf(kInterfacesFile);
+    const testkit::FileIdentity config = IdentityOf(kDhcpConfigFile);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_METHOD, "eth0", "\x02"), 0);
-    EXPECT_EQ(IdentityOf(kFile), interfaces);
-    EXPECT_EQ(IdentityOf(kClientConfig), config);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(IdentityOf(kInterfacesFile), interfaces);
+    EXPECT_EQ(IdentityOf(kDhcpConfigFile), config);
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet dhcp\n"
               "\taddress 192.168.0.10\n"
               "\tgateway 192.168.0.1\n"
               "iface eth1 inet dhcp\n");
-    EXPECT_EQ(ReadFile(kClientConfig), "interface \"eth0\" {\nrequest subnet-mask;\n}\n");
-    EXPECT_FALSE(Exists(kOldAddress));
-    EXPECT_FALSE(Exists(kCopy));
-    EXPECT_FALSE(Exists(kClientCopy));
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), "interface \"eth0\" {\nrequest subnet-mask;\n}\n");
+    EXPECT_FALSE(Exists(kOldAddressFile));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
+    EXPECT_FALSE(Exists(kDhcpConfigCopy));
 }
 
 TEST_F(InterfacesWriterShellTest, AnAddressKeepsInodeOwnerAndMode) {
-    const testkit::FileIdentity interfaces = IdentityOf(kFile);
+    const testkit::FileIdentity interfaces = IdentityOf(kInterfacesFile);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
-    EXPECT_EQ(IdentityOf(kFile), interfaces);
-    EXPECT_EQ(ReadFile(kFile),
+    EXPECT_EQ(IdentityOf(kInterfacesFile), interfaces);
+    EXPECT_EQ(ReadFile(kInterfacesFile),
               "iface eth0 inet static\n"
               "\taddress 10.0.0.1\n"
               "\tgateway 192.168.0.1\n"
               "iface eth1 inet dhcp\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
 TEST_F(InterfacesWriterShellTest, AnAddressOnAFileOfManyBlocksArrivesWhole) {
@@ -321,21 +322,21 @@ TEST_F(InterfacesWriterShellTest, AnAddressOnAFileOfManyBlocksArrivesWhole) {
     for (int i = 0; i < 10000; ++i) {
         rest += "# remark " + std::to_string(i) + "\n";
     }
-    WriteFile(kFile, "iface eth0 inet static\n\taddress 1\n" + rest);
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\taddress 1\n" + rest);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
-    EXPECT_TRUE(ReadFile(kFile) == "iface eth0 inet static\n\taddress 10.0.0.1\n" + rest);
+    EXPECT_TRUE(ReadFile(kInterfacesFile) == "iface eth0 inet static\n\taddress 10.0.0.1\n" + rest);
 }
 
 TEST_F(InterfacesWriterShellTest, AFileThatCannotBeWrittenStaysAsItWasAndIsNotNoticed) {
-    ASSERT_EQ(mount(kFile, kFile, "none", MS_BIND, nullptr), 0);
+    ASSERT_EQ(mount(kInterfacesFile, kInterfacesFile, "none", MS_BIND, nullptr), 0);
     const bool is_read_only =
-        mount("none", kFile, "none", MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+        mount("none", kInterfacesFile, "none", MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
     EXPECT_TRUE(is_read_only);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);
-    EXPECT_EQ(ReadFile(kFile), kText);
-    EXPECT_FALSE(Exists(kCopy));
-    EXPECT_EQ(umount2(kFile, MNT_DETACH), 0);
-    EXPECT_EQ(ReadFile(kFile), kText);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
+    EXPECT_FALSE(Exists(kInterfacesCopy));
+    EXPECT_EQ(umount2(kInterfacesFile, MNT_DETACH), 0);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kText);
 }
 
 }  // namespace

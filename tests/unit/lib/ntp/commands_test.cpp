@@ -5,17 +5,17 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
 using testing::IsEmpty;
 using testkit::Call;
+using testkit::kCrontab;
+using testkit::kNtpLog;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kLog[] = "/var/libvelk/ntp.log";
 
 constexpr char kEntry[] = "0 * * * * /usr/bin/ntpdate -u 192.168.1.10 > /var/libvelk/ntp.log\n";
 constexpr char kReached[] = "21 Nov 10:00:00 ntpdate[1]: adjust time server 192.168.1.10\n";
@@ -24,7 +24,7 @@ class NtpCommandsTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
         WriteFile(kCrontab, kEntry);
-        WriteFile(kLog, kReached);
+        WriteFile(kNtpLog, kReached);
     }
     static std::string Get(uint32_t id) {
         char out[VELK_DATA_SIZE] = "";
@@ -47,7 +47,7 @@ TEST_F(NtpCommandsTest, EachIdSetsItsSetting) {
     EXPECT_EQ(Set(9, "10.0.0.1"), 0);
     EXPECT_EQ(ReadFile(kCrontab),
               "0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n");
-    EXPECT_EQ(ReadFile(kLog), kReached);
+    EXPECT_EQ(ReadFile(kNtpLog), kReached);
     EXPECT_EQ(Set(6, "\x02"), 0);
     EXPECT_EQ(ReadFile(kCrontab),
               "#0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n");
@@ -80,7 +80,7 @@ TEST_F(NtpCommandsTest, ANullOutputIsRefusedForEveryId) {
 TEST_F(NtpCommandsTest, ResultsArePassedOn) {
     EXPECT_EQ(Set(6, "\x03"), -4);
     unlink(kCrontab);
-    unlink(kLog);
+    unlink(kNtpLog);
     char out[VELK_DATA_SIZE] = "";
     EXPECT_EQ(GetNtp(MakeRequest(VELK_GET, 6, ""), out), -1);
     EXPECT_EQ(GetNtp(MakeRequest(VELK_GET, 9, ""), out), -1);
@@ -98,14 +98,14 @@ TEST_F(NtpCommandsTest, TheInterfaceIsIgnored) {
         }
     }
     EXPECT_EQ(ReadFile(kCrontab), kEntry);
-    EXPECT_EQ(ReadFile(kLog), kReached);
+    EXPECT_EQ(ReadFile(kNtpLog), kReached);
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
 
 TEST_F(NtpCommandsTest, TheResultCannotBeSet) {
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_NTP_RESULT, "", "\x02"), -4);
     EXPECT_EQ(ReadFile(kCrontab), kEntry);
-    EXPECT_EQ(ReadFile(kLog), kReached);
+    EXPECT_EQ(ReadFile(kNtpLog), kReached);
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
 

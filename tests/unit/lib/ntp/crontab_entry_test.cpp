@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -16,13 +18,12 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kCrontab;
+using testkit::kCrontabCopy;
+using testkit::kNtpLog;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kCopy[] = "/var/tmp/root";
-constexpr char kLog[] = "/var/libvelk/ntp.log";
 
 constexpr char kEntry[] = "0 * * * * /usr/bin/ntpdate -u 192.168.1.10 > /var/libvelk/ntp.log\n";
 
@@ -205,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(WithoutServerAndRedirection, UnchangeableLine,
 class CrontabEntryTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kCrontabCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static _velk_request Method(char byte) {
@@ -306,22 +307,22 @@ TEST_F(CrontabEntryTest, TheMethodIsSwitchedOnEveryEntry) {
 
 TEST_F(CrontabEntryTest, OffPutsTheCopyInPlaceAndThenDeletesTheLog) {
     WriteFile(kCrontab, kEntry);
-    WriteFile(kLog, "old\n");
+    WriteFile(kNtpLog, "old\n");
     EXPECT_EQ(SetNtpMethod(Method(2), nullptr), 0);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("system cat /var/tmp/root > /var/cron/tabs/root",
                             "system rm /var/tmp/root", "system rm /var/libvelk/ntp.log"));
-    EXPECT_FALSE(Exists(kLog));
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kNtpLog));
+    EXPECT_FALSE(Exists(kCrontabCopy));
 }
 
 TEST_F(CrontabEntryTest, OnLeavesTheLog) {
     WriteFile(kCrontab, kEntry);
-    WriteFile(kLog, "old\n");
+    WriteFile(kNtpLog, "old\n");
     EXPECT_EQ(SetNtpMethod(Method(1), nullptr), 0);
     EXPECT_THAT(libc().Commands(),
                 ElementsAre("cat /var/tmp/root > /var/cron/tabs/root", "rm /var/tmp/root"));
-    EXPECT_EQ(ReadFile(kLog), "old\n");
+    EXPECT_EQ(ReadFile(kNtpLog), "old\n");
 }
 
 TEST_F(CrontabEntryTest, OffDeletesTheLogAlsoWithoutAnEntryOrALog) {
@@ -345,62 +346,62 @@ TEST_F(CrontabEntryTest, AFailingShellChangesNothingInTheResultOfOff) {
 TEST_F(CrontabEntryTest, AnUnknownMethodIsRefusedAfterBothFilesWereOpened) {
     for (const char byte : {'\0', '\3', '1', '2', '\xff', '\x81'}) {
         WriteFile(kCrontab, kEntry);
-        WriteFile(kCopy, "of another edit");
-        WriteFile(kLog, "old\n");
+        WriteFile(kCrontabCopy, "of another edit");
+        WriteFile(kNtpLog, "old\n");
         EXPECT_EQ(SetNtpMethod(Method(byte), nullptr), -4);
         EXPECT_EQ(ReadFile(kCrontab), kEntry);
-        EXPECT_EQ(ReadFile(kCopy), "");
-        EXPECT_EQ(ReadFile(kLog), "old\n");
+        EXPECT_EQ(ReadFile(kCrontabCopy), "");
+        EXPECT_EQ(ReadFile(kNtpLog), "old\n");
     }
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(CrontabEntryTest, AnUnknownMethodIsRefusedBeforeAFileThatCannotBeOpened) {
     EXPECT_EQ(SetNtpMethod(Method(3), nullptr), -4);
-    EXPECT_EQ(ReadFile(kCopy), "");
-    unlink(kCopy);
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    EXPECT_EQ(ReadFile(kCrontabCopy), "");
+    unlink(kCrontabCopy);
+    ASSERT_EQ(mkdir(kCrontabCopy, 0700), 0);
     EXPECT_EQ(SetNtpMethod(Method(3), nullptr), -4);
     WriteFile(kCrontab, kEntry);
     EXPECT_EQ(SetNtpMethod(Method(3), nullptr), -4);
-    EXPECT_THAT(libc().Texts(Call::kOpen),
-                ElementsAre(kCrontab, kCopy, kCrontab, kCopy, kCrontab, kCopy));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kCrontab, kCrontabCopy, kCrontab,
+                                                       kCrontabCopy, kCrontab, kCrontabCopy));
 }
 
 TEST_F(CrontabEntryTest, NothingIsSetWithoutACrontab) {
-    WriteFile(kLog, "old\n");
+    WriteFile(kNtpLog, "old\n");
     EXPECT_EQ(SetNtpMethod(Method(1), nullptr), -1);
     EXPECT_EQ(SetNtpMethod(Method(2), nullptr), -1);
-    EXPECT_EQ(ReadFile(kCopy), "");
-    unlink(kCopy);
+    EXPECT_EQ(ReadFile(kCrontabCopy), "");
+    unlink(kCrontabCopy);
     EXPECT_EQ(SetNtpIp(Server("x"), nullptr), -1);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kCrontabCopy), "");
     EXPECT_FALSE(Exists(kCrontab));
-    EXPECT_EQ(ReadFile(kLog), "old\n");
+    EXPECT_EQ(ReadFile(kNtpLog), "old\n");
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(CrontabEntryTest, NothingIsSetWhenTheCopyCannotBeOpened) {
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    ASSERT_EQ(mkdir(kCrontabCopy, 0700), 0);
     WriteFile(kCrontab, kEntry);
-    WriteFile(kLog, "old\n");
+    WriteFile(kNtpLog, "old\n");
     EXPECT_EQ(SetNtpMethod(Method(1), nullptr), -1);
     EXPECT_EQ(SetNtpMethod(Method(2), nullptr), -1);
     EXPECT_EQ(SetNtpIp(Server("x"), nullptr), -1);
     EXPECT_EQ(ReadFile(kCrontab), kEntry);
-    EXPECT_EQ(ReadFile(kLog), "old\n");
+    EXPECT_EQ(ReadFile(kNtpLog), "old\n");
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(CrontabEntryTest, ACopyThatCannotBeWrittenLeavesCrontabAndLog) {
     WriteFile(kCrontab, kEntry);
-    WriteFile(kLog, "old\n");
+    WriteFile(kNtpLog, "old\n");
     libc().Script(Call::kWrite, {Fail(ENOSPC), Fail(ENOSPC)});
     EXPECT_EQ(SetNtpMethod(Method(2), nullptr), -1);
     EXPECT_EQ(SetNtpIp(Server("x"), nullptr), -1);
     EXPECT_EQ(ReadFile(kCrontab), kEntry);
-    EXPECT_EQ(ReadFile(kLog), "old\n");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_EQ(ReadFile(kNtpLog), "old\n");
+    EXPECT_FALSE(Exists(kCrontabCopy));
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device",
                                             "log FileEdit write errno=28:No space left on device"));
 }
@@ -490,7 +491,7 @@ TEST_F(CrontabEntryTest, AnEntryThatTakesNoServerThrowsToADirectCaller) {
         EXPECT_STREQ(error.what(), "basic_string::at");
     }
     EXPECT_EQ(ReadFile(kCrontab), "ntpdate a > log\nntpdate -u");
-    EXPECT_TRUE(Exists(kCopy));
+    EXPECT_TRUE(Exists(kCrontabCopy));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 

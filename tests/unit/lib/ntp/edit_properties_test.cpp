@@ -1,45 +1,34 @@
+#include "support/edit_properties.h"
+
 #include <algorithm>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "support/device_test.h"
 #include "support/dice.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::Call;
 using testkit::Dice;
-using testkit::IdentityOf;
+using testkit::kCrontab;
+using testkit::kIdentityFile;
+using testkit::kRounds;
+using testkit::Lines;
 using testkit::MakeRequest;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::Return;
+using testkit::Split;
 using testkit::WriteFile;
-
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kSettings[] = "/var/libvelk/libvelk";
 
 constexpr char kOn = 1;
 constexpr char kOff = 2;
-
-constexpr int kRounds = 300;
-
-using Lines = std::vector<std::string>;
-
-Lines Split(const std::string& text) {
-    Lines lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 bool Holds(const std::string& line, const std::string& part) {
     return line.find(part) != std::string::npos;
@@ -367,7 +356,7 @@ class SettingsPropertiesTest : public testkit::DeviceTest {
   protected:
     static std::string Set(uint32_t id, const std::string& value) {
         EXPECT_EQ(SetSettingFile(MakeRequest(VELK_SET, id, "", value), nullptr), 0);
-        return ReadFile(kSettings);
+        return ReadFile(kIdentityFile);
     }
     static std::string Get(uint32_t id) {
         char out[VELK_DATA_SIZE] = "";
@@ -384,7 +373,7 @@ TEST_F(SettingsPropertiesTest, AValueChangesTheLinesOfItsKeyAndNoOther) {
         const std::string key = is_location ? "LOCATION=" : "ADMINISTRATOR=";
         const std::string& value = dice.OneOf(kValues);
         const std::string before = RandomSettings(dice);
-        WriteFile(kSettings, before);
+        WriteFile(kIdentityFile, before);
         std::string expected;
         bool is_there = false;
         for (const std::string& line : Split(before)) {
@@ -404,7 +393,7 @@ TEST_F(SettingsPropertiesTest, AValueIsReadBackAndTheOtherStays) {
         const uint32_t id = dice.OneIn(2) ? 2 : 3;
         const uint32_t other = 5 - id;
         const std::string& value = dice.OneOf(kValues);
-        WriteFile(kSettings, RandomSettings(dice));
+        WriteFile(kIdentityFile, RandomSettings(dice));
         const std::string kept = Get(other);
         (void)Set(id, value);
         ASSERT_EQ(Get(id), value) << "round " << round;
@@ -429,27 +418,19 @@ TEST_F(TimedFilesTest, InodeOwnerAndModeSurviveEveryEdit) {
     Dice dice(1101);
     for (int round = 0; round < 25; ++round) {
         WriteFile(kCrontab, RandomCrontab(dice, {.marks = true, .joins = true}));
-        WriteFile(kSettings, RandomSettings(dice));
-        std::vector<testkit::FileIdentity> before;
-        for (const char* path : {kCrontab, kSettings}) {
-            (void)!chown(path, 12, 34);  // only where the test runs as root
-            ASSERT_EQ(chmod(path, static_cast<mode_t>(0600 + dice.Below(64))), 0);
-            before.push_back(IdentityOf(path));
-        }
+        WriteFile(kIdentityFile, RandomSettings(dice));
+        testkit::ChangeOwnerAndMode({kCrontab, kIdentityFile}, dice);
+        const auto before = testkit::IdentitiesOf({kCrontab, kIdentityFile});
         EXPECT_EQ(Set(VELK_CMD_NTP, dice.OneIn(2) ? "\x01" : "\x02"), 0);
         EXPECT_EQ(Set(VELK_CMD_NTP_SERVER, dice.OneOf(kServers)), 0);
         EXPECT_EQ(Set(VELK_CMD_WEB_UPDATE, RandomSchedule(dice)), 0);
         EXPECT_EQ(Set(VELK_CMD_LOCATION, dice.OneOf(kValues)), 0);
-        const std::string location = ReadFile(kSettings);
+        const std::string location = ReadFile(kIdentityFile);
         EXPECT_EQ(Set(VELK_CMD_ADMINISTRATOR, "round " + std::to_string(round)), 0);
-        EXPECT_NE(ReadFile(kSettings), location) << "the real shell copied";
-        std::vector<testkit::FileIdentity> after;
-        for (const char* path : {kCrontab, kSettings}) {
-            after.push_back(IdentityOf(path));
-        }
-        ASSERT_EQ(after, before) << "round " << round;
-        EXPECT_FALSE(testkit::Exists("/var/tmp/root"));
-        EXPECT_FALSE(testkit::Exists("/var/tmp/libvelk"));
+        EXPECT_NE(ReadFile(kIdentityFile), location) << "the real shell copied";
+        ASSERT_EQ(testkit::IdentitiesOf({kCrontab, kIdentityFile}), before) << "round " << round;
+        EXPECT_FALSE(testkit::Exists(testkit::kCrontabCopy));
+        EXPECT_FALSE(testkit::Exists(testkit::kIdentityCopy));
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -14,10 +15,9 @@ using testing::SizeIs;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kNtpLog;
 using testkit::MakeRequest;
 using testkit::WriteFile;
-
-constexpr char kLog[] = "/var/libvelk/ntp.log";
 
 constexpr char kReached[] =
     "21 Nov 10:00:00 ntpdate[123]: adjust time server 192.168.1.10 offset 0.000123 sec\n";
@@ -33,7 +33,7 @@ class ResultLogTest : public testkit::DeviceTest {
         return out[0];
     }
     static int ResultOf(std::string_view log) {
-        WriteFile(kLog, log);
+        WriteFile(kNtpLog, log);
         return Result();
     }
     testkit::FakeShell shell;
@@ -65,7 +65,7 @@ TEST_F(ResultLogTest, AMissingLogIsNoResult) {
 }
 
 TEST_F(ResultLogTest, ALogThatCannotBeOpenedIsNoResult) {
-    WriteFile(kLog, kReached);
+    WriteFile(kNtpLog, kReached);
     libc().Script(Call::kOpen, {Fail(EACCES)});
     EXPECT_EQ(Result(), 3);
     EXPECT_THAT(libc().Logs(), IsEmpty());
@@ -97,30 +97,30 @@ TEST_F(ResultLogTest, CarriageReturnsAndNulsAreOfTheLine) {
 }
 
 TEST_F(ResultLogTest, ANullOutputIsRefused) {
-    WriteFile(kLog, kReached);
+    WriteFile(kNtpLog, kReached);
     EXPECT_EQ(GetNtpCommunicate(MakeRequest(VELK_GET, VELK_CMD_NTP_RESULT, ""), nullptr), -4);
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
 }
 
 TEST_F(ResultLogTest, AGetReadsTheLogOnceAndRunsNothing) {
-    WriteFile(kLog, kReached);
+    WriteFile(kNtpLog, kReached);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_NTP_RESULT, ""), 0);
     EXPECT_EQ(testkit::Data(response), "\x01" + std::string(511, '\0'));
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kLog));
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kNtpLog));
     EXPECT_THAT(libc().Events(Call::kRead), SizeIs(testing::Le(2)));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(ResultLogTest, TheLogIsDeletedByTheShell) {
-    WriteFile(kLog, kReached);
+    WriteFile(kNtpLog, kReached);
     DeleteNtpLog();
     EXPECT_THAT(libc().Story(), ElementsAre("system rm /var/libvelk/ntp.log"));
-    EXPECT_FALSE(Exists(kLog));
+    EXPECT_FALSE(Exists(kNtpLog));
     EXPECT_EQ(Result(), 3);
 }
 
 TEST_F(ResultLogTest, AFailingDeletionIsLoggedByTheShellHelperAlone) {
-    WriteFile(kLog, kReached);
+    WriteFile(kNtpLog, kReached);
     libc().Script(Call::kSystem, {Fail(ENOMEM)});
     libc().OnCall(Call::kSystem, nullptr);
     DeleteNtpLog();

@@ -6,14 +6,14 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
 using testing::IsEmpty;
+using testkit::kSupportList;
+using testkit::kUsbDevices;
 using testkit::WriteFile;
-
-constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
-constexpr char kUsbDevices[] = "/proc/bus/usb/devices";
 
 // One device of the kernel's list.
 std::string Device(const std::string& vendor, const std::string& product,

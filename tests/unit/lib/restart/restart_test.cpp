@@ -36,7 +36,7 @@ class RestartTest : public testkit::DeviceTest {
         std::erase(story, "log VkLibLock indelible");
         return story;
     }
-    std::vector<int> ToldTheDaemon() {
+    std::vector<int> TypesSentToDaemon() {
         daemon.Stop();
         return daemon.types();
     }
@@ -53,7 +53,7 @@ TEST_F(RestartTest, AWiredRestartWithoutAnAdapterRestartsTheWiredPortOnly) {
     EXPECT_EQ(Restart("eth0"), 0);
     EXPECT_THAT(Story(),
                 ElementsAre("system sudo ifdown eth0", "sleep 1", "system sudo ifup eth0"));
-    EXPECT_THAT(ToldTheDaemon(), IsEmpty());
+    EXPECT_THAT(TypesSentToDaemon(), IsEmpty());
     EXPECT_EQ(testkit::Data(response), std::string(512, '\0'));
 }
 
@@ -74,7 +74,7 @@ TEST_F(RestartTest, AWiredRestartWithTheCableInRestartsTheWirelessInterfaceTwice
                             "sleep 5", kAskLink, kRemove,  //
                             "sleep 30", "system sudo ifdown eth1", "system sudo ifup eth1",
                             "sleep 30", "system sudo ifdown eth1", "system sudo ifup eth1"));
-    EXPECT_THAT(ToldTheDaemon(), IsEmpty());
+    EXPECT_THAT(TypesSentToDaemon(), IsEmpty());
 }
 
 TEST_F(RestartTest, AWiredRestartReturnsTheResultOfItsIfup) {
@@ -103,7 +103,7 @@ TEST_F(RestartTest, AWirelessRestartWithoutAnAdapterIsRefused) {
     EXPECT_EQ(Restart("eth1"), -5);
     EXPECT_EQ(Restart("eth1", 2), -5);
     EXPECT_THAT(Story(), IsEmpty());
-    EXPECT_THAT(ToldTheDaemon(), IsEmpty());
+    EXPECT_THAT(TypesSentToDaemon(), IsEmpty());
 }
 
 TEST_F(RestartTest, AWirelessRestartWithTheCableInBringsTheInterfaceUpWithoutAnAddress) {
@@ -112,7 +112,7 @@ TEST_F(RestartTest, AWirelessRestartWithTheCableInBringsTheInterfaceUpWithoutAnA
     EXPECT_EQ(Restart("eth1"), 0);
     EXPECT_THAT(Story(), ElementsAre("system sudo ifdown eth1", "sleep 1", kAskLink, kRemove,
                                      "system sudo ifconfig eth1 up"));
-    EXPECT_THAT(ToldTheDaemon(), IsEmpty());
+    EXPECT_THAT(TypesSentToDaemon(), IsEmpty());
 }
 
 TEST_F(RestartTest, AWirelessRestartWithTheCableOutRunsIfupAndNotifiesTheDaemon) {
@@ -121,7 +121,7 @@ TEST_F(RestartTest, AWirelessRestartWithTheCableOutRunsIfupAndNotifiesTheDaemon)
     EXPECT_EQ(Restart("eth1"), 0);
     EXPECT_THAT(Story(), ElementsAre("system sudo ifdown eth1", "sleep 1", kAskLink, kRemove,
                                      "system sudo ifup eth1 &"));
-    ASSERT_THAT(ToldTheDaemon(), ElementsAre(1));
+    ASSERT_THAT(TypesSentToDaemon(), ElementsAre(1));
     EXPECT_EQ(daemon.requests()[0], std::string("\1", 1) + std::string(239, '\0'));
     EXPECT_EQ(libc().Order({Call::kSystem, Call::kSendto}).back(), "sendto")
         << "the daemon is told when the interface is on its way up";
@@ -143,7 +143,7 @@ TEST_F(RestartTest, NotifyOnlyWithTheCableInDoesNothing) {
     PlugCable();
     EXPECT_EQ(Restart("eth1", 2), 0);
     EXPECT_THAT(Story(), ElementsAre(kAskLink, kRemove));
-    EXPECT_THAT(ToldTheDaemon(), IsEmpty());
+    EXPECT_THAT(TypesSentToDaemon(), IsEmpty());
 }
 
 TEST_F(RestartTest, NotifyOnlyWithTheCableOutNotifiesTheDaemon) {
@@ -151,7 +151,7 @@ TEST_F(RestartTest, NotifyOnlyWithTheCableOutNotifiesTheDaemon) {
     PullCable();
     EXPECT_EQ(Restart("eth1", 2), 0);
     EXPECT_THAT(Story(), ElementsAre(kAskLink, kRemove));
-    EXPECT_THAT(ToldTheDaemon(), ElementsAre(1));
+    EXPECT_THAT(TypesSentToDaemon(), ElementsAre(1));
 }
 
 TEST_F(RestartTest, AMissingDaemonIsAFailure) {
@@ -178,7 +178,7 @@ TEST_F(RestartTest, AFailedIfupInTheBackgroundIsNotSeen) {
     PullCable();
     libc().Script(Call::kSystem, {Fail(EAGAIN), Return(0), Return(0), Fail(EAGAIN)});
     EXPECT_EQ(Restart("eth1"), 0);
-    EXPECT_THAT(ToldTheDaemon(), ElementsAre(1));
+    EXPECT_THAT(TypesSentToDaemon(), ElementsAre(1));
 }
 
 TEST_F(RestartTest, AnyOtherNameIsRestartedAsWireless) {

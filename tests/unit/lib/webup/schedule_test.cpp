@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -18,12 +20,11 @@ using testing::SizeIs;
 using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
+using testkit::kCrontab;
+using testkit::kCrontabCopy;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kCopy[] = "/var/tmp/root";
 
 constexpr char kUpdater[] = "05 3 * * * perl /usr/bin/web_contents_updater.pl\n";
 
@@ -40,7 +41,7 @@ std::string Area(const std::string& bytes) {
 class ScheduleTest : public testkit::DeviceTest {
   protected:
     void TearDown() override {
-        rmdir(kCopy);  // left by the tests with a folder in the copy's place
+        rmdir(kCrontabCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
     }
     static int Set(const std::string& data) {
@@ -76,7 +77,7 @@ TEST_P(EverySchedule, IsWrittenAfterTheOtherLinesAndReadBack) {
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_WEB_UPDATE, "", GetParam().set), 0);
     EXPECT_EQ(testkit::Data(response), std::string(512, '\0'));
     EXPECT_EQ(ReadFile(kCrontab), "0 * * * * ntpdate x > y\n#last\n" + GetParam().lines);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kCrontabCopy));
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_WEB_UPDATE, ""), 0);
     EXPECT_EQ(testkit::Data(response), Area(GetParam().got));
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_WEB_UPDATE, "", GetParam().set), 0);
@@ -364,7 +365,7 @@ TEST_P(RefusedSchedule, LeavesTheCrontabAndMakesNoCopy) {
     WriteFile(kCrontab, std::string("x\n") + kUpdater + "unended");
     EXPECT_EQ(Set(GetParam()), -1);
     EXPECT_EQ(ReadFile(kCrontab), std::string("x\n") + kUpdater + "unended");
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kCrontabCopy));
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
@@ -409,15 +410,15 @@ INSTANTIATE_TEST_SUITE_P(DayOfTheMonth, RefusedSchedule,
 
 TEST_F(ScheduleTest, ARefusalComesBeforeAMissingCrontab) {
     EXPECT_EQ(Set(Bytes(2, 1, "12:3a")), -1);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kCrontabCopy));
     EXPECT_EQ(Set(Bytes(2, 1, "12:30")), -1);
-    EXPECT_EQ(ReadFile(kCopy), "");
+    EXPECT_EQ(ReadFile(kCrontabCopy), "");
     EXPECT_FALSE(Exists(kCrontab));
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
 
 TEST_F(ScheduleTest, ACopyThatCannotBeOpenedIsAFailure) {
-    ASSERT_EQ(mkdir(kCopy, 0700), 0);
+    ASSERT_EQ(mkdir(kCrontabCopy, 0700), 0);
     WriteFile(kCrontab, kUpdater);
     EXPECT_EQ(Set(Bytes(99, 99, "0:0")), -1);
     EXPECT_EQ(ReadFile(kCrontab), kUpdater);
@@ -429,7 +430,7 @@ TEST_F(ScheduleTest, ACopyThatCannotBeWrittenIsAFailure) {
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(Set(Bytes(2, 1, "0:0")), -1);
     EXPECT_EQ(ReadFile(kCrontab), kUpdater);
-    EXPECT_FALSE(Exists(kCopy));
+    EXPECT_FALSE(Exists(kCrontabCopy));
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
 }
 

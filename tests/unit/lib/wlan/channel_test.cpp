@@ -10,6 +10,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -18,9 +19,9 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Event;
 using testkit::Fail;
+using testkit::kReplySocket;
 using testkit::Return;
 
-constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
 constexpr uid_t kSomebody = 12345;
 
 class ChannelTest : public testkit::DeviceTest {
@@ -147,8 +148,8 @@ TEST_F(ReceiveTest, TheStepsComeInTheirOrder) {
 
 TEST_F(ReceiveTest, TheReplySocketIsGoneAfterwards) {
     EXPECT_EQ(ReceiveReply("TTzz"), 0);
-    EXPECT_FALSE(testkit::Exists(kReplyPath));
-    EXPECT_EQ(libc().Events(Call::kBind)[0].text, kReplyPath);
+    EXPECT_FALSE(testkit::Exists(kReplySocket));
+    EXPECT_EQ(libc().Events(Call::kBind)[0].text, kReplySocket);
     EXPECT_EQ(libc().Events(Call::kBind)[0].number, 24 + 2);
     const std::vector<Event> sockets = libc().Events(Call::kSocket);
     EXPECT_EQ(sockets[1].text, std::to_string(AF_UNIX));
@@ -156,7 +157,7 @@ TEST_F(ReceiveTest, TheReplySocketIsGoneAfterwards) {
 }
 
 TEST_F(ReceiveTest, AStaleReplySocketDoesNoHarm) {
-    testkit::WriteFile(kReplyPath, "of a crash");
+    testkit::WriteFile(kReplySocket, "of a crash");
     EXPECT_EQ(ReceiveReply("TTzz"), 0);
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
@@ -166,7 +167,7 @@ TEST_F(ReceiveTest, WithoutAReplyItGivesUpAfterSixtySeconds) {
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_EQ(libc().Events(Call::kSelect)[0].text, "60.0");
     EXPECT_THAT(libc().Logs(), ElementsAre("RecvWlanResponseMessage select timeout"));
-    EXPECT_FALSE(testkit::Exists(kReplyPath));
+    EXPECT_FALSE(testkit::Exists(kReplySocket));
     EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
 }
 
@@ -175,7 +176,7 @@ TEST_F(ReceiveTest, AFailedSelectIsLogged) {
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_THAT(libc().Logs(),
                 ElementsAre("RecvWlanResponseMessage select errno=4:Interrupted system call"));
-    EXPECT_FALSE(testkit::Exists(kReplyPath));
+    EXPECT_FALSE(testkit::Exists(kReplySocket));
     EXPECT_EQ(Body(), std::string(236, '\xEE')) << "nothing is written";
 }
 
@@ -183,7 +184,7 @@ TEST_F(ReceiveTest, AFailedReceiveIsLogged) {
     libc().Script(Call::kSelect, {Return(1)});
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("RecvWlanResponseMessage recvfrom size=0"));
-    EXPECT_FALSE(testkit::Exists(kReplyPath));
+    EXPECT_FALSE(testkit::Exists(kReplySocket));
     EXPECT_EQ(Body(), std::string(236, '\xEE'));
 }
 
@@ -227,24 +228,24 @@ TEST_F(ReceiveTest, AfterAFailedBindTheDaemonIsGivenTime) {
 }
 
 TEST_F(ReceiveTest, APathOfAnotherQueryOfTheCallersTakesNoTime) {
-    libc().OnCall(Call::kBind, [](const Event&) { testkit::WriteFile(kReplyPath, ""); });
+    libc().OnCall(Call::kBind, [](const Event&) { testkit::WriteFile(kReplySocket, ""); });
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_THAT(libc().Story(),
                 ElementsAre("log RecvWlanResponseMessage bind errno=98:Address already in use"));
     EXPECT_EQ(libc().Events(Call::kBind).size(), 1U);
-    EXPECT_TRUE(testkit::Exists(kReplyPath));
+    EXPECT_TRUE(testkit::Exists(kReplySocket));
 }
 
 TEST_F(ReceiveTest, APathThatAnotherUserTakesIsTakenBack) {
     int plants = 3;
     libc().OnCall(Call::kBind, [&](const Event&) {
         if (plants-- > 0) {
-            testkit::WriteFile(kReplyPath, "");
-            (void)!chown(kReplyPath, kSomebody, kSomebody);
+            testkit::WriteFile(kReplySocket, "");
+            (void)!chown(kReplySocket, kSomebody, kSomebody);
         }
     });
-    testkit::WriteFile(kReplyPath, "");
-    if (chown(kReplyPath, kSomebody, kSomebody) == -1) {
+    testkit::WriteFile(kReplySocket, "");
+    if (chown(kReplySocket, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(ReceiveReply("TTzz"), 0);
@@ -254,11 +255,11 @@ TEST_F(ReceiveTest, APathThatAnotherUserTakesIsTakenBack) {
 
 TEST_F(ReceiveTest, APathThatAnotherUserTakesEachTimeIsAFailure) {
     libc().OnCall(Call::kBind, [&](const Event&) {
-        testkit::WriteFile(kReplyPath, "");
-        (void)!chown(kReplyPath, kSomebody, kSomebody);
+        testkit::WriteFile(kReplySocket, "");
+        (void)!chown(kReplySocket, kSomebody, kSomebody);
     });
-    testkit::WriteFile(kReplyPath, "");
-    if (chown(kReplyPath, kSomebody, kSomebody) == -1) {
+    testkit::WriteFile(kReplySocket, "");
+    if (chown(kReplySocket, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
@@ -269,13 +270,13 @@ TEST_F(ReceiveTest, APathThatAnotherUserTakesEachTimeIsAFailure) {
 }
 
 TEST_F(ReceiveTest, AFolderOfAnotherUserIsAFailureAtOnce) {
-    const std::string file = std::string(kReplyPath) + "/file";
-    ASSERT_EQ(mkdir(kReplyPath, 0755), 0);
+    const std::string file = std::string(kReplySocket) + "/file";
+    ASSERT_EQ(mkdir(kReplySocket, 0755), 0);
     testkit::WriteFile(file, "");
-    const bool is_given_away = chown(kReplyPath, kSomebody, kSomebody) == 0;
+    const bool is_given_away = chown(kReplySocket, kSomebody, kSomebody) == 0;
     EXPECT_EQ(RecvWlanResponseMessage(out, ready), -1);
     EXPECT_EQ(libc().Events(Call::kBind).size(), 1U);
-    EXPECT_EQ(unlink(file.c_str()) + rmdir(kReplyPath), 0);
+    EXPECT_EQ(unlink(file.c_str()) + rmdir(kReplySocket), 0);
     if (!is_given_away) {
         GTEST_SKIP() << "only root may give files away";
     }

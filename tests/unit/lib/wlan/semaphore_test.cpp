@@ -11,6 +11,7 @@
 
 #include "support/device_test.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -18,8 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
-
-constexpr char kSemaphoreFile[] = "/dev/shm/sem.WlanAplRecvSem";
+using testkit::kSemaphoreFile;
 
 class SemaphoreTest : public testkit::DeviceTest {};
 

@@ -1,7 +1,9 @@
 // A command in a process of its own: its answer, its end and its tools.
 #include "velkctl/call/child_call.h"
 
+#include <chrono>
 #include <csignal>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,8 @@ using velkctl::StopSignals;
 
 constexpr Command kGetDns{VELK_GET, VELK_CMD_DNS, "eth0"};
 constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
+
+constexpr std::chrono::milliseconds kNoGrace{0};
 
 void AwaitFile(const char* path) {
     while (!Exists(path)) {
@@ -68,50 +72,137 @@ TEST_F(ChildCallTest, SeesTheSignalsThatVelkctlHoldsBack) {
 TEST_F(ChildCallTest, CanBeStoppedInTheMiddle) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     ChildCall child(kRestart, {}, signals);
-    EXPECT_TRUE(child.Stop());
+    EXPECT_TRUE(child.Stop(kNoGrace).empty());
     EXPECT_EQ(child.end_signal(), SIGKILL);
+}
+
+// Starts a tool that writes its number into /tmp/tool first.
+void StartTool(const std::function<void()>& tool) {
+    if (fork() != 0) {
+        return;
+    }
+    WriteFile("/tmp/tool.new", std::to_string(getpid()));
+    (void)rename("/tmp/tool.new", "/tmp/tool");
+    tool();
+    _exit(0);
+}
+
+pid_t ToolThatRuns() {
+    AwaitFile("/tmp/tool");
+    return std::stoi(testkit::ReadFile("/tmp/tool"));
+}
+
+// A process that has ended, but has not been collected, still has its number.
+bool Runs(pid_t process) {
+    const std::string stat = testkit::ReadFile("/proc/" + std::to_string(process) + "/stat");
+    const auto found = velkctl::ParseProcess(stat);
+    return found && !found->has_ended;
 }
 
 TEST_F(ChildCallTest, LetsAToolEndByItself) {
     libc().OnCall(Call::kSystem, [](const Event&) {
-        if (fork() == 0) {
-            WriteFile("/tmp/began", "");
+        StartTool([] {
             AwaitFile("/tmp/waited-for");
             WriteFile("/tmp/ended", "");
+        });
+        (void)pause();
+    });
+    ChildCall child(kRestart, {}, signals);
+    const pid_t tool = ToolThatRuns();
+    // The first pause of Stop() lasts until the tool has ended, however busy the machine is.
+    libc().OnCall(Call::kNanosleep, [tool](const Event&) {
+        WriteFile("/tmp/waited-for", "");
+        while (Runs(tool)) {
+            (void)usleep(1000);
+        }
+    });
+    EXPECT_TRUE(child.Stop(std::chrono::seconds(1)).empty());
+    EXPECT_TRUE(Exists("/tmp/ended"));
+}
+
+TEST_F(ChildCallTest, EndsAToolThatTakesTooLong) {
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        StartTool([] { (void)pause(); });
+        (void)pause();
+    });
+    ChildCall child(kRestart, {}, signals);
+    const pid_t tool = ToolThatRuns();
+    EXPECT_EQ(child.Tools().size(), 1U);
+    EXPECT_TRUE(child.Stop(kNoGrace).empty());
+    EXPECT_FALSE(Runs(tool));
+}
+
+TEST_F(ChildCallTest, EndsAToolThatIgnoresARequestToEnd) {
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        StartTool([] {
+            (void)signal(SIGTERM, SIG_IGN);
+            WriteFile("/tmp/ignores", "");
+            for (;;) {
+                (void)pause();
+            }
+        });
+        (void)pause();
+    });
+    ChildCall child(kRestart, {}, signals);
+    const pid_t tool = ToolThatRuns();
+    AwaitFile("/tmp/ignores");
+    EXPECT_TRUE(child.Stop(kNoGrace).empty());
+    EXPECT_FALSE(Runs(tool));
+}
+
+TEST_F(ChildCallTest, EndsADaemonThatTheCommandStarted) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        StartTool([] {
+            (void)setsid();
+            StartTool([] {
+                WriteFile("/tmp/daemon", "");
+                (void)pause();
+            });
+        });
+        (void)pause();
+    });
+    ChildCall child(kRestart, {}, signals);
+    AwaitFile("/tmp/daemon");
+    EXPECT_TRUE(child.Tools().empty());
+    EXPECT_TRUE(child.Stop(kNoGrace).empty());
+    EXPECT_FALSE(Runs(ToolThatRuns()));
+}
+
+TEST_F(ChildCallTest, ReportsAToolThatCannotBeEnded) {
+    // An ordinary user, who may not end a tool of root. The saved user allows the way back.
+    if (geteuid() != 0 || setresuid(65534, 65534, 0) != 0) {
+        GTEST_SKIP() << "only root can run as another user";
+    }
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        if (fork() == 0) {
+            (void)setresuid(0, 0, 0);
+            StartTool([] { (void)pause(); });
             _exit(0);
         }
         (void)pause();
     });
     ChildCall child(kRestart, {}, signals);
-    AwaitFile("/tmp/began");
-    // The first pause of Stop() lasts until the tool has ended, however busy the machine is.
-    libc().OnCall(Call::kNanosleep, [](const Event&) {
-        WriteFile("/tmp/waited-for", "");
-        siginfo_t ended;
-        EXPECT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
-    });
-    EXPECT_TRUE(child.Stop());
-    EXPECT_TRUE(Exists("/tmp/ended"));
+    const pid_t tool = ToolThatRuns();
+    const auto left = child.Stop(kNoGrace);
+    ASSERT_EQ(setresuid(0, 0, 0), 0);
+    ASSERT_EQ(left.size(), 1U);
+    EXPECT_EQ(left.front().process, tool);
+    EXPECT_EQ(left.front().command, velkctl::CommandOf(getpid()));
+    (void)kill(tool, SIGKILL);
 }
 
-TEST_F(ChildCallTest, DoesNotWaitForALongTool) {
-    libc().ScriptAlways(Call::kNanosleep, Return(0));
-    libc().OnCall(Call::kSystem, [](const Event&) {
-        if (const pid_t tool = fork(); tool == 0) {
-            (void)pause();
-        } else {
-            WriteFile("/tmp/tool.new", std::to_string(tool));
-            (void)rename("/tmp/tool.new", "/tmp/tool");
-        }
-        (void)pause();
-    });
-    ChildCall child(kRestart, {}, signals);
-    AwaitFile("/tmp/tool");
-    EXPECT_FALSE(child.Stop());
-    EXPECT_EQ(libc().Texts(Call::kNanosleep), std::vector<std::string>(100, "10000000"));
-    const pid_t tool = std::stoi(testkit::ReadFile("/tmp/tool"));
-    (void)kill(tool, SIGKILL);
-    (void)waitpid(tool, nullptr, 0);
+TEST_F(ChildCallTest, LeavesToolsInTheBackgroundAtWork) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) { StartTool([] { (void)pause(); }); });
+    {
+        ChildCall child(kRestart, {}, signals);
+        EXPECT_TRUE(child.TakeAnswer());
+        EXPECT_GE(child.Tools().size(), 1U);
+    }
+    EXPECT_TRUE(Runs(ToolThatRuns()));
+    (void)kill(ToolThatRuns(), SIGKILL);
 }
 
 TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {
@@ -125,8 +216,8 @@ TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {
     {
         ChildCall child(kRestart, {}, signals);
         EXPECT_TRUE(child.TakeAnswer());
-        EXPECT_EQ(child.tool_output(), (std::vector<std::string>{"to output", "to errors"}))
-            << "each line once";
+        const std::vector<std::string> twice{"to output", "to errors", "to output", "to errors"};
+        EXPECT_EQ(child.tool_output(), twice) << "of two runs of the shell";
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -135,13 +226,13 @@ TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {
 TEST_F(ChildCallTest, KeepsTheBeginningOfALongOutput) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const Event&) {
-        for (int i = 10000; i < 20000; ++i) {
+        for (int i = 10000; i < 30000; ++i) {
             (void)dprintf(STDERR_FILENO, "%d\n", i);
         }
     });
     ChildCall child(kRestart, {}, signals);
     EXPECT_TRUE(child.TakeAnswer());
-    EXPECT_EQ(child.tool_output().size(), 1366U) << "of 8192 bytes";
+    EXPECT_EQ(child.tool_output().size(), 10923U) << "of 65536 bytes";
 }
 
 TEST_F(ChildCallTest, EndsWithItsOwner) {

@@ -14,21 +14,24 @@
 
 #include "lib/base/unique_fd.h"
 #include "support/device_test.h"
+#include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::Exists;
+using testkit::kReplySocket;
 using testkit::WriteFile;
 using velkctl::CleanUp;
 using velkctl::Command;
 
-constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
-constexpr char kSemaphore[] = "/dev/shm/sem.WlanAplRecvSem";
-constexpr char kToolOutput[] = "/var/tmp/get_result";
-constexpr char kReadersFolder[] = "/var/tmp";  // on which readers of a tool's output take turns
-constexpr char kLock[] = "/var/tmp/vklib_lock";
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kEditCopy[] = "/var/tmp/interfaces";
+constexpr auto& kSemaphore = testkit::kSemaphoreFile;
+constexpr auto& kToolOutput = testkit::kResultFile;
+// Readers of a tool's output take turns on it.
+constexpr auto& kReadersFolder = testkit::kEditFolder;
+constexpr auto& kLock = testkit::kLockFile;
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kEditCopy = testkit::kInterfacesCopy;
 
 constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
 constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};

@@ -39,9 +39,11 @@ TEST(ProblemOf, ATimeoutHasNoResult) {
     const Problem problem = NotSet({.result = -1,
                                     .timed_out = true,
                                     .timeout_seconds = 5,
-                                    .remark = "eth0.dns may be incomplete; run it again"});
-    EXPECT_EQ(problem.detail, "no answer after 5 s; eth0.dns may be incomplete; run it again");
-    EXPECT_EQ(problem.remedy, "");
+                                    .awaited = "ifup eth0\x1b",
+                                    .remark = "eth0.dns may be incomplete"});
+    EXPECT_EQ(problem.detail,
+              "no answer after 5 s; waited for ifup eth0\\x1b; eth0.dns may be incomplete");
+    EXPECT_EQ(problem.remedy, "run it again with a longer --timeout");
     EXPECT_FALSE(problem.result);
     EXPECT_EQ(NotSet({.result = -1, .timed_out = true}).detail, "no answer in time");
 }

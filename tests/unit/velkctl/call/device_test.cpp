@@ -1,6 +1,7 @@
 // The device as the verbs see it: busy, slow, or ready at once.
 #include "velkctl/call/device.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -23,21 +25,28 @@ using velkctl::ExitStatus;
 using velkctl::Report;
 using velkctl::TimeLimits;
 
-constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
+constexpr auto& kResolver = testkit::kResolverFile;
 constexpr Command kSetDns{VELK_SET, VELK_CMD_DNS, "eth0"};
 constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
 
 class VelkctlDeviceTest : public testkit::DeviceTest {
   protected:
-    Answer Run(const Command& command, const TimeLimits& limits, const std::string& subject) {
+    // `then` uses the report after the command.
+    Answer Run(const Command& command, const TimeLimits& limits, const std::string& subject,
+               const std::function<void(Report&)>& then = {}) {
         Data data{};
         (void)std::string("10.0.0.1").copy(data.data(), data.size());
         Report report(Report::Form::kText);
+        report.set_detail(detail);
         testing::internal::CaptureStderr();
         Answer answer = Device(limits, report).Execute(command, data, subject);
+        if (then) {
+            then(report);
+        }
         error = testing::internal::GetCapturedStderr();
         return answer;
     }
+    Report::Detail detail = Report::Detail::kUsual;
     std::string error;
 };
 
@@ -66,8 +75,10 @@ TEST_F(VelkctlDeviceTest, WithoutWaitALockedDeviceIsReportedAtOnce) {
 }
 
 TEST_F(VelkctlDeviceTest, AnUnknownHolderIsNotNamed) {
-    libc().Redirect("/proc/locks", "/tmp/missing");
     const int lock = VkLibLock();
+    libc().Redirect("/proc/locks", "/tmp/missing");
+    libc().Redirect("/proc/" + std::to_string(getpid()) + "/fdinfo/" + std::to_string(lock),
+                    "/tmp/missing");
     const Answer answer = Run(kSetDns, {1, 0}, "eth0.dns");
     VkLibUnLock(lock);
     EXPECT_EQ(OneLine(ProblemOf("eth0.dns: could not be set", "eth0.dns", answer)),
@@ -126,8 +137,8 @@ TEST_F(VelkctlDeviceTest, ARestartIsStoppedAtItsTimeout) {
     EXPECT_TRUE(answer.timed_out);
     EXPECT_EQ(StatusOf(answer), ExitStatus::kTimedOut);
     EXPECT_EQ(OneLine(ProblemOf("eth0: could not be restarted", "", answer)),
-              "eth0: could not be restarted; no answer after 1 s; restart of eth0 may be "
-              "incomplete; run it again");
+              "eth0: could not be restarted; no answer after 1 s; waited for the interface to come "
+              "up; restart of eth0 may be incomplete; fix: run it again with a longer --timeout");
     EXPECT_EQ(FailureReason(answer), "no answer after 1 s");
     EXPECT_EQ(error, "");
 }
@@ -138,7 +149,7 @@ TEST_F(VelkctlDeviceTest, AChangeIsStoppedAtItsTimeout) {
     const Answer answer = Run({VELK_SET, VELK_CMD_APIPA, "eth0"}, {0, 1}, "eth0.apipa");
     EXPECT_EQ(OneLine(ProblemOf("eth0.apipa: could not be set", "", answer)),
               "eth0.apipa: could not be set; no answer after 1 s; eth0.apipa may be incomplete; "
-              "run it again");
+              "fix: run it again with a longer --timeout");
     EXPECT_FALSE(testkit::Exists("/var/tmp/dhclient-exit-hooks"));
 }
 
@@ -146,7 +157,8 @@ TEST_F(VelkctlDeviceTest, AReadingAtItsTimeoutChangedNothing) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     const Answer answer = Run({VELK_GET, VELK_CMD_LINK_SPEED, "eth0"}, {0, 1}, "eth0.link-speed");
     EXPECT_EQ(OneLine(ProblemOf("eth0.link-speed: could not be read", "", answer)),
-              "eth0.link-speed: could not be read; no answer after 1 s");
+              "eth0.link-speed: could not be read; no answer after 1 s; waited for ethtool to "
+              "finish; fix: run it again with a longer --timeout");
 }
 
 TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {
@@ -159,12 +171,68 @@ TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {
               "(Killed)\n");
 }
 
-TEST_F(VelkctlDeviceTest, OutputOfToolsBecomesNotes) {
+TEST_F(VelkctlDeviceTest, OutputOfToolsIsShownWithAProblem) {
     libc().ScriptAlways(Call::kSystem, Return(0));
-    libc().OnCall(Call::kSystem,
-                  [](const Event&) { (void)write(STDERR_FILENO, "sudo: no\x1b\n", 10); });
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        constexpr char kOutput[] = "b\x1b\nifdown: interface eth0 not configured\na\nb\x1b\n";
+        (void)write(STDERR_FILENO, kOutput, sizeof(kOutput) - 1);
+    });
+    const Answer answer = Run(kRestart, {}, "restart of eth0", [](Report& report) {
+        report.Complain("the restart failed");
+        report.Complain("another failure");
+    });
+    EXPECT_EQ(answer.tool_output.front(), "b\x1b");
+    const std::string lines =
+        "velkctl: restart of eth0: b\\x1b\nvelkctl: restart of eth0: a\n"
+        "velkctl: restart of eth0: b\\x1b\n";
+    EXPECT_EQ(error, lines + lines + "velkctl: the restart failed\nvelkctl: another failure\n")
+        << "of two runs of the shell";
+}
+
+TEST_F(VelkctlDeviceTest, OutputOfToolsIsNotShownWithoutAProblem) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)write(STDERR_FILENO, "a\n", 2); });
     EXPECT_EQ(Run(kRestart, {}, "restart of eth0").result, LIB_VELK_SUCCESS);
-    EXPECT_EQ(error, "velkctl: restart of eth0: sudo: no\\x1b\n");
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(VelkctlDeviceTest, VerboseShowsAllOutputOfTools) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        (void)write(STDERR_FILENO, "ifdown: interface eth0 not configured\n", 38);
+    });
+    detail = Report::Detail::kVerbose;
+    (void)Run(kRestart, {}, "restart of eth0");
+    const std::string line = "velkctl: restart of eth0: ifdown: interface eth0 not configured\n";
+    EXPECT_EQ(error, line + line);
+}
+
+TEST_F(VelkctlDeviceTest, ARestartEndsWithItsToolsInTheBackground) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        if (fork() == 0) {
+            (void)usleep(300 * 1000);
+            testkit::WriteFile("/tmp/ended", "");
+            _exit(0);
+        }
+    });
+    Report report(Report::Form::kText);
+    EXPECT_EQ(Device({}, report).Restart("eth0", {}).result, LIB_VELK_SUCCESS);
+    EXPECT_TRUE(testkit::Exists("/tmp/ended"));
+}
+
+TEST_F(VelkctlDeviceTest, ARestartIsStoppedWithItsToolsInTheBackground) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) {
+        if (fork() == 0) {
+            (void)pause();
+            _exit(0);
+        }
+    });
+    Report report(Report::Form::kText);
+    const Answer answer = Device({0, 1}, report).Restart("eth0", {});
+    EXPECT_TRUE(answer.timed_out);
+    EXPECT_NE(answer.awaited.find("unit_tests"), std::string::npos) << answer.awaited;
 }
 
 TEST_F(VelkctlDeviceTest, AConfiguredAddressNeedsNoProcessAndALeaseDoes) {

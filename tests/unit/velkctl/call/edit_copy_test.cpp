@@ -10,18 +10,20 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
+#include "support/paths.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace {
 
+using testkit::kCrontab;
 using testkit::WriteFile;
 using velkctl::Command;
 using velkctl::EditCopy;
 using velkctl::EditState;
 using velkctl::FindEditCopies;
 
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kCopy[] = "/var/tmp/root";
+constexpr auto& kCopy = testkit::kCrontabCopy;
 constexpr uid_t kSomebody = 1234;
 
 class EditCopyTest : public testkit::DeviceTest {

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -16,9 +18,9 @@ using velkctl::Catalogue;
 using velkctl::FilesBefore;
 using velkctl::FindSetting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-constexpr char kCopy[] = "/var/tmp/interfaces";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kDhcpConfig = testkit::kDhcpConfigFile;
+constexpr auto& kCopy = testkit::kInterfacesCopy;
 
 class FilesBeforeTest : public testkit::DeviceTest {
   protected:

@@ -7,14 +7,14 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::Call;
 using testkit::Event;
+using testkit::kLockFile;
 using velkctl::LibraryLock;
-
-constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 
 class LibraryLockTest : public testkit::DeviceTest {
   protected:

@@ -4,17 +4,18 @@
 #include <string>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
+using testkit::kCrontab;
+using testkit::kIdentityFile;
 using testkit::WriteFile;
 using velkctl::Catalogue;
 using velkctl::FindSetting;
 using velkctl::Setting;
 
-constexpr char kCrontab[] = "/var/cron/tabs/root";
 constexpr char kEntry[] = "0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n";
-constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
 
 class TextConflictTest : public testkit::DeviceTest {
   protected:

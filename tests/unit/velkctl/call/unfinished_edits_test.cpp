@@ -7,13 +7,14 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::WriteFile;
 using velkctl::Command;
 
-constexpr char kLock[] = "/var/tmp/vklib_lock";
+constexpr auto& kLock = testkit::kLockFile;
 
 constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
 

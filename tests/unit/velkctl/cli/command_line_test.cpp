@@ -45,7 +45,12 @@ TEST_F(CommandLine, ShowsTheHelpOfAVerb) {
         "  --wait              try again for 30 s while settings are locked; or --wait=N\n"
         "  --timeout SECONDS   stop if no answer comes within SECONDS\n"
         "  --json              print one JSON document\n"
+        "  --quiet             print only values and problems\n"
+        "  --verbose           print also the output of tools\n"
         "  --notify-only       eth1: notify the wireless daemon only; eth1 stays up\n"
+        "\n"
+        "Prints the address that the interface has then. Exit status 6: it is not up, or\n"
+        "has no address.\n"
         "\n"
         "Restarting eth0 takes more than a minute if a wireless adapter is attached and\n"
         "the cable is in.\n"
@@ -79,6 +84,13 @@ TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
     EXPECT_EQ(help.substr(help.find("  7 ")),
               "  7         no answer before the timeout\n"
               "\n"
+              "Examples:\n"
+              "  velkctl show                             all values\n"
+              "  velkctl get eth0.address                 one value\n"
+              "  velkctl set eth0.address 192.168.0.10    change it in the configuration\n"
+              "  velkctl restart eth0                     apply the changes\n"
+              "  velkctl doctor                           find the cause of a failure\n"
+              "\n"
               "'velkctl VERB --help' describes a verb, with examples. 'velkctl list' lists the\n"
               "settings.\n");
     for (const std::vector<std::string>& arguments :
@@ -91,16 +103,16 @@ TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
 TEST_F(CommandLine, HasHelpAndVersionAsDocuments) {
     EXPECT_EQ(Run({"--version", "--json"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find("\"version\"")),
-              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  ");
+              "{\n  \"schema\": 3,\n  \"verb\": null,\n  \"status\": 0,\n  ");
     EXPECT_EQ(Run({"get", "--json", "-h"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find(':', output.find("\"help\""))),
-              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"help\"");
+              "{\n  \"schema\": 3,\n  \"verb\": null,\n  \"status\": 0,\n  \"help\"");
 }
 
 TEST_F(CommandLine, TakesJsonBeforeTheVerbToo) {
     EXPECT_EQ(Run({"--json", "--json", "describe", "ntp"}), ExitStatus::kDone);
     EXPECT_EQ(output.substr(0, output.find("\"status\"")),
-              "{\n  \"schema\": 2,\n  \"verb\": \"describe\",\n  ");
+              "{\n  \"schema\": 3,\n  \"verb\": \"describe\",\n  ");
 }
 
 TEST_F(CommandLine, RefusesOptionsOfVerbsBeforeThem) {
@@ -130,7 +142,8 @@ TEST_F(CommandLine, RefusesAValueOfAnyOfItsFlags) {
 
 TEST_F(CommandLine, RefusesUnknownVerbs) {
     const std::string verbs =
-        "\n  fix: give get, set, show, restart, list, describe, explain, doctor, call or help"
+        "\n  fix: give get, set, show, restart, list, describe, explain, status, doctor, call or "
+        "help"
         "\n  see 'velkctl --help'";
     Refuses({}, "no verb given" + verbs);
     for (const char* word : {"", "-", "--", "x=secret"}) {

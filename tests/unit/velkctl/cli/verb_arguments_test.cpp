@@ -6,13 +6,15 @@
 
 #include <gmock/gmock.h>
 
+#include "support/words.h"
+
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testkit::Words;
 using velkctl::Arguments;
 using velkctl::Verb;
-using Words = std::vector<std::string>;
 
 const Verb& VerbOf(std::string_view name) {
     return *std::ranges::find(velkctl::Verbs(), name, &Verb::name);
@@ -155,6 +157,21 @@ TEST(Arguments, RefuseTheSecondsOfWaitAsASeparateWord) {
     EXPECT_EQ(Read("set", {"--", "--wait", "5"}).problem, "");
 }
 
+TEST(Arguments, TakeNoNumberAfterANameWithItsValue) {
+    EXPECT_EQ(Read("set", {"ntp=on", "--wait", "5"}).problem,
+              "--wait takes its seconds after '='; write --wait=SECONDS");
+}
+
+TEST(Arguments, MayHoldASecretNextToItsName) {
+    const auto beside_secret = [](const Words& words) {
+        return Read("set", words).invocation.beside_secret;
+    };
+    EXPECT_TRUE(beside_secret({"psk", "x"}));
+    EXPECT_TRUE(beside_secret({"ntp=on", "eth1.psk=x"}));
+    EXPECT_TRUE(beside_secret({"eth1.pks=x", "ntp=on"}));
+    EXPECT_FALSE(beside_secret({"ntp=on", "ssid=x"}));
+}
+
 TEST(Arguments, ReportAnOptionThatIsGivenTwice) {
     EXPECT_EQ(Read("get", {"--timeout", "1", "--timeout=1"}).twice, "--timeout");
     EXPECT_EQ(Read("set", {"--wait", "--wait"}).twice, "--wait");
@@ -175,6 +192,12 @@ TEST(Option, IsKnownByItsWholeName) {
     EXPECT_TRUE(velkctl::HasOption(VerbOf("call"), "--json"));
     EXPECT_FALSE(velkctl::HasOption(VerbOf("call"), "--tex"));
     EXPECT_FALSE(velkctl::HasOption(VerbOf("list"), "--text"));
+}
+
+TEST(Assignment, HasAnEqualsSign) {
+    EXPECT_TRUE(velkctl::IsAssignment("ntp=on"));
+    EXPECT_TRUE(velkctl::IsAssignment("ntp="));
+    EXPECT_FALSE(velkctl::IsAssignment("ntp"));
 }
 
 TEST(Option, IsNamedWithoutItsValue) {

@@ -126,7 +126,7 @@ TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
     EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
               "problem: web-update cannot be read\n"
               "  /var/cron/tabs/root:1: the schedule is not one of this library's\n"
-              "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
+              "  fix: set it again: velkctl set web-update SCHEDULE\n");
 }
 
 TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
@@ -138,7 +138,7 @@ TEST_F(CrontabCheck, FindsAnUpdateThatIsReadWrongly) {
                   "  /var/cron/tabs/root:1: '" +
                       line +
                       "' is not as the library writes it\n"
-                      "  fix: set it again: velkctl set web-update weekly sunday 08:30\n");
+                      "  fix: set it again: velkctl set web-update SCHEDULE\n");
     }
 }
 

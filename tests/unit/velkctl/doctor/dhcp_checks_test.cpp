@@ -42,7 +42,7 @@ TEST_F(DhcpCheck, TakesARequestOutsideTheBlocksForAll) {
 
 TEST_F(DhcpCheck, FindsABlockThatIsSwitchedOff) {
     EXPECT_EQ(Examine("#interface \"eth0\" {\n#\trequest routers;\n#\n#}\n" + std::string(kEth1)),
-              "warning: eth0.dhcp-dns cannot be set while the method is static\n"
+              "note: eth0.dhcp-dns cannot be set while the method is static\n"
               "  /etc/dhclient.conf:1: the interface's block is switched off, and no other request "
               "statement counts\n"
               "  fix: if DHCP is wanted: velkctl set eth0.method dhcp\n");

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/edit_copy.h"
+#include "support/paths.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/likely_cause.h"
 
@@ -15,10 +17,10 @@ namespace {
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testkit::kCrontab;
 using testkit::WriteFile;
 
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kCopy[] = "/var/tmp/root";
+constexpr auto& kCopy = testkit::kCrontabCopy;
 
 class EditCopyCheck : public testkit::DeviceTest {
   protected:

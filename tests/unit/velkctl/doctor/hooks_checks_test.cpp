@@ -92,12 +92,12 @@ TEST_F(HooksCheck, FindsConditionsThatAreReadOtherwise) {
         "problem: apipa and dhcp-notice would be switched for every interface\n"
         "  /etc/dhclient-exit-hooks:1: the library does not see that 'if [ ${interface} = eth0 ]; "
         "then' depends on the interface\n"
-        "  fix: write: if [ \"$interface\" = \"eth0\" ]; then\n");
+        "  fix: write $interface instead of ${interface}\n");
     EXPECT_EQ(Examine(WithServices("case $interface in\nesac\n")),
               "problem: apipa and dhcp-notice would be switched for every interface\n"
               "  /etc/dhclient-exit-hooks:1: the library does not see that 'case $interface in' "
               "depends on the interface\n"
-              "  fix: write: if [ \"$interface\" = \"eth0\" ]; then\n");
+              "  fix: for each interface write: if [ \"$interface\" = \"NAME\" ]; then\n");
 }
 
 TEST_F(HooksCheck, FindsABlockWithoutAnEnd) {

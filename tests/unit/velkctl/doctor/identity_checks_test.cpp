@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "velkctl/doctor/checks.h"
 
 namespace {
@@ -20,7 +21,7 @@ bool Holds(const std::string& whole, const std::string& part) {
 class IdentityCheck : public testkit::DeviceTest {};
 
 TEST_F(IdentityCheck, FindsDirectivesThatTheSnmpAgentsFileLacks) {
-    constexpr char kSnmp[] = "/usr/local/share/etc/snmp/snmpd.conf";
+    constexpr auto& kSnmp = testkit::kSnmpFile;
     WriteFile(kSnmp, "syscontact a\nsyslocation b\n");
     EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile(kSnmp, "sysContact a\n# syslocation b\n");
@@ -35,7 +36,7 @@ TEST_F(IdentityCheck, FindsDirectivesThatTheSnmpAgentsFileLacks) {
 }
 
 TEST_F(IdentityCheck, FindsATextThatASetOfTheOtherOneCuts) {
-    constexpr char kIdentityFile[] = "/var/libvelk/libvelk";
+    using testkit::kIdentityFile;
     WriteFile(kIdentityFile, "ADMINISTRATOR=syscontact a\nLOCATION=syslocation b\n");
     EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile(kIdentityFile, "ADMINISTRATOR=see syslocation\nLOCATION=by syscontact\n");

@@ -7,6 +7,7 @@
 
 namespace {
 
+using testkit::WriteFile;
 using velkctl::CheckInterfaces;
 using velkctl::FormatFindings;
 
@@ -38,13 +39,11 @@ TEST_F(InterfacesCheck, FindsNoStanza) {
         "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway can be neither read nor "
         "set\n"
         "  /etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'\n"
-        "  fix: add a stanza that begins with one\n");
+        "  fix: add \"iface eth0 inet static\", and below it address, netmask and gateway\n");
 }
 
 TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
-    const std::string fix =
-        "  fix: write \"iface eth0 inet static\" or \"... dhcp\" in the first column, with single "
-        "blanks\n";
+    const std::string fix = "  fix: instead of line 1 write \"iface eth0 inet dhcp\"\n";
     for (const std::string header :
          {" iface eth0 inet dhcp", "iface  eth0 inet dhcp", "iface eth0\tinet dhcp"}) {
         const std::string shown = header.front() == ' ' ? header.substr(1) : header;
@@ -66,12 +65,52 @@ TEST_F(InterfacesCheck, FindsAnotherMethod) {
 
 TEST_F(InterfacesCheck, FindsTheLinesThatALastStanzaCannotGain) {
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\tnetmask 255.0.0.0"),
-              "problem: eth1.address cannot be set\n"
-              "  /etc/network/interfaces:2: the stanza is the last one and has no address line\n"
-              "  fix: add a line \"address 192.168.0.10\" to it\n"
-              "problem: eth1.gateway cannot be set\n"
-              "  /etc/network/interfaces:2: the stanza is the last one and has no gateway line\n"
-              "  fix: add a line \"gateway 192.168.0.1\" to it\n");
+              "problem: eth1.address and eth1.gateway cannot be set\n"
+              "  /etc/network/interfaces:2: the last stanza lacks address and gateway\n"
+              "  fix: below line 2 add \"address ADDRESS\", \"gateway GATEWAY\"\n");
+}
+
+TEST_F(InterfacesCheck, WarnsOfTheLinesThatAnInterfaceOnDhcpDoesNotNeedYet) {
+    EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet dhcp\n"),
+              "warning: eth1.address, eth1.netmask and eth1.gateway cannot be set\n"
+              "  /etc/network/interfaces:2: the last stanza lacks address, netmask and gateway\n"
+              "  fix: below line 2 add \"address ADDRESS\", \"netmask NETMASK\", \"gateway "
+              "GATEWAY\"\n");
+}
+
+TEST_F(InterfacesCheck, NamesTheGivenValueInTheFixForASet) {
+    WriteFile("/etc/network/interfaces", "iface eth1 inet dhcp\n");
+    const std::string start =
+        "problem: eth1.gateway cannot be set\n"
+        "  /etc/network/interfaces:1: the stanza is the last one and has no gateway line\n"
+        "  fix: below line 1 add ";
+    const velkctl::Setting gateway = velkctl::FindSetting("eth1.gateway").value();
+    EXPECT_EQ(FormatFindings(CheckInterfacesFor(gateway, "10.0.0.1")),
+              start + "\"gateway 10.0.0.1\"\n");
+    EXPECT_EQ(FormatFindings(CheckInterfacesFor(gateway, "")), start + "\"gateway GATEWAY\"\n");
+    WriteFile("/etc/network/interfaces", "iface eth1 inet dhcp\n\tgateway\t10.0.0.2\n");
+    const std::string text = FormatFindings(CheckInterfacesFor(gateway, "10.0.0.1"));
+    EXPECT_NE(text.find("  fix: instead of line 2 write \"gateway 10.0.0.1\"\n"), std::string::npos)
+        << text;
+}
+
+TEST_F(InterfacesCheck, ExaminesNoLinesForTheMethod) {
+    WriteFile("/etc/network/interfaces", "iface eth1 inet dhcp\n");
+    EXPECT_EQ(FormatFindings(CheckInterfacesFor(velkctl::FindSetting("eth1.method").value(), "")),
+              "");
+}
+
+TEST_F(InterfacesCheck, KeepsTheMethodOfAHeaderInItsFix) {
+    const auto fix_of = [](const std::string& header) {
+        const std::string text = Examine(header + "\n" + kEth1);
+        return text.substr(text.find("  fix: "));
+    };
+    EXPECT_EQ(fix_of("iface  eth0 inet dhcp"),
+              "  fix: instead of line 1 write \"iface eth0 inet dhcp\"\n");
+    EXPECT_EQ(fix_of("iface  eth0 inet static"),
+              "  fix: instead of line 1 write \"iface eth0 inet static\"\n");
+    EXPECT_EQ(fix_of("iface  eth0 inet"),
+              "  fix: instead of line 1 write \"iface eth0 inet static\"\n");
 }
 
 TEST_F(InterfacesCheck, FindsASecondStanza) {
@@ -79,7 +118,7 @@ TEST_F(InterfacesCheck, FindsASecondStanza) {
               "warning: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not read from "
               "a second stanza\n"
               "  /etc/network/interfaces:2: only the one on line 1 counts\n"
-              "  fix: make one stanza of the two\n");
+              "  fix: move the lines that are needed below line 1, and remove the rest\n");
 }
 
 TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
@@ -91,30 +130,35 @@ TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
         "  /etc/network/interfaces:2: the library takes 'hwaddress ether 02:00:00:00:00:01' for "
         "it, as "
         "it contains 'address '\n"
-        "  fix: reword it, or move it below the line with the value\n"
+        "  fix: move it below line 3\n"
         "problem: eth0.gateway is read and set in the wrong line\n"
         "  /etc/network/interfaces:4: the library takes '# the gateway is not set' for it, as it "
         "contains 'gateway '\n"
-        "  fix: reword it, or move it below the line with the value\n");
+        "  fix: remove the word 'gateway' from the comment\n");
+    const std::string without_address = Examine(
+        "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n" + std::string(kEth1));
+    EXPECT_NE(without_address.find("  fix: above line 2 add \"address ADDRESS\"\n"),
+              std::string::npos)
+        << without_address;
 }
 
 TEST_F(InterfacesCheck, FindsATabAfterAWord) {
     EXPECT_EQ(Examine("iface eth0 inet static\naddress\t10.0.0.1\n" + std::string(kEth1)),
               "problem: eth0.address cannot be read, and a set adds a second address line\n"
               "  /etc/network/interfaces:2: no blank follows the word 'address'\n"
-              "  fix: put one blank, no tab, between the word and the value\n");
+              "  fix: instead of line 2 write \"address 10.0.0.1\"\n");
     EXPECT_EQ(Examine("iface eth0 inet dhcp\niface eth1 inet static\n\taddress\t10.0.0.1\n"
                       "\tnetmask 255.0.0.0\n\tgateway 10.0.0.1\n"),
               "problem: eth1.address can be neither read nor set\n"
               "  /etc/network/interfaces:3: no blank follows the word 'address'\n"
-              "  fix: put one blank, no tab, between the word and the value\n");
+              "  fix: instead of line 3 write \"address 10.0.0.1\"\n");
 }
 
 TEST_F(InterfacesCheck, FindsWhiteSpaceAroundAValue) {
     EXPECT_EQ(Examine("iface eth0 inet static\n\taddress  10.0.0.1\r\n" + std::string(kEth1)),
               "warning: eth0.address is read with white space around it\n"
               "  /etc/network/interfaces:2: there is more than one blank around the value\n"
-              "  fix: leave one blank before the value and none after it\n");
+              "  fix: instead of line 2 write \"address 10.0.0.1\"\n");
 }
 
 TEST_F(InterfacesCheck, DoesNotTakeACarriageReturnAsABlank) {
@@ -137,7 +181,7 @@ TEST_F(InterfacesCheck, FindsWhereANewLineWouldLeaveTheStanza) {
         "warning: eth0.gateway would be set in the wrong place\n"
         "  /etc/network/interfaces:1: the stanza has no gateway line\n"
         "  a new one would be below 'auto eth1', outside the stanza\n"
-        "  fix: add a line \"gateway 192.168.0.1\" below line 1, then set it\n");
+        "  fix: below line 1 add \"gateway GATEWAY\"\n");
 }
 
 TEST_F(InterfacesCheck, FindsALineThatHasLeftTheStanza) {

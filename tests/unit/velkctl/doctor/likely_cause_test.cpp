@@ -10,10 +10,12 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 #include "velkctl/doctor/examination.h"
 
 namespace {
 
+using testkit::kCrontab;
 using testkit::WriteFile;
 using velkctl::Findings;
 using velkctl::Impact;
@@ -21,11 +23,10 @@ using velkctl::LikelyCauses;
 using velkctl::Setting;
 using velkctl::Severity;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
-constexpr char kDhcpConfig[] = "/etc/dhclient.conf";
-constexpr char kCrontab[] = "/var/cron/tabs/root";
-constexpr char kIdentity[] = "/var/libvelk/libvelk";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kHooks = testkit::kExitHooks;
+constexpr auto& kDhcpConfig = testkit::kDhcpConfigFile;
+constexpr auto& kIdentity = testkit::kIdentityFile;
 
 constexpr char kEth1[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
 
@@ -69,7 +70,8 @@ TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
     for (const char* name : {"eth0.method", "eth0.address", "eth0.netmask", "eth0.gateway"}) {
         EXPECT_EQ(FirstOf(name),
                   "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
-                  "dhcp'; fix: add a stanza that begins with one")
+                  "dhcp'; fix: add \"iface eth0 inet static\", and below it address, netmask and "
+                  "gateway")
             << name;
     }
 }
@@ -79,10 +81,10 @@ TEST_F(LikelyCausesTest, TheLastStanzaGainsNoLine) {
     Set("eth1.gateway", "10.0.0.1");
     EXPECT_EQ(FirstOf("eth1.gateway"),
               "/etc/network/interfaces:2: the stanza is the last one and has no gateway line; fix: "
-              "add a line \"gateway 192.168.0.1\" to it");
+              "below line 2 add \"gateway GATEWAY\"");
     EXPECT_EQ(FirstOf("eth1.netmask"),
               "/etc/network/interfaces:2: the stanza is the last one and has no netmask line; fix: "
-              "add a line \"netmask 255.255.255.0\" to it");
+              "below line 2 add \"netmask NETMASK\"");
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     EXPECT_EQ(FirstOf("eth1.method"), "");
 }
@@ -191,6 +193,43 @@ TEST_F(LikelyCausesTest, AFullFolderForEditCopiesIsFound) {
               "not needed there");
 }
 
+TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFileThatCannotBeWritten) {
+    WriteFile(kInterfaces, "iface lo inet loopback\n");
+    const testkit::Mounted in_place(kInterfaces, kInterfaces, "none", MS_BIND, nullptr);
+    ASSERT_EQ(mount("none", kInterfaces, "none", MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    const Setting address = Find("eth0.address");
+    const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
+    const velkctl::Problem of_get = ProblemOfGet("", address, failed);
+    EXPECT_EQ(of_get.detail,
+              "likely cause: /etc/network/interfaces: no line begins with 'iface eth0 inet static' "
+              "or '... dhcp'");
+    EXPECT_EQ(ProblemOfSet("", address, failed).detail,
+              "likely cause: /etc/network/interfaces: this user may not write the file: Read-only "
+              "file system");
+}
+
+TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFullFolderForEditCopies) {
+    const testkit::Emptied small("/var/tmp", "size=32k");
+    const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
+    EXPECT_EQ(ProblemOfGet("", Find("administrator"), failed).detail,
+              "likely cause: /var/libvelk/libvelk: the file is missing");
+    EXPECT_EQ(ProblemOfGet("", Find("eth0.link-speed"), failed).detail,
+              "likely cause: /var/tmp: the file system is full: 32768 bytes are free")
+        << "the output of ethtool goes there";
+    WriteFile(kIdentity, "");
+    EXPECT_EQ(ProblemOfGet("", Find("administrator"), failed).detail, "");
+    EXPECT_EQ(ProblemOfSet("", Find("administrator"), failed).detail,
+              "likely cause: /var/tmp: the file system is full: 32768 bytes are free");
+}
+
+TEST_F(LikelyCausesTest, AFailedSetIsNotBlamedOnWhatOnlyHindersAGet) {
+    WriteFile(kInterfaces, "iface eth0 inet bootp\n\taddress 10.0.0.2\n" + std::string(kEth1));
+    const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
+    EXPECT_EQ(ProblemOfGet("", Find("eth0.address"), failed).detail,
+              "likely cause: /etc/network/interfaces:1: 'bootp' is neither static nor dhcp");
+    EXPECT_EQ(ProblemOfSet("", Find("eth0.address"), failed).detail, "");
+}
+
 TEST_F(LikelyCausesTest, AMissingToolIsFound) {
     WriteFile(kIdentity, "ADMINISTRATOR=old\n");
     setenv("PATH", "/tmp", 1);
@@ -242,8 +281,8 @@ TEST_F(LikelyCausesTest, ATabIsNoCauseIfASetAddsALine) {
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
     EXPECT_EQ(FirstOf("eth0.gateway"),
-              "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: put one "
-              "blank, no tab, between the word and the value");
+              "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: instead of "
+              "line 2 write \"gateway 10.0.0.1\"");
 }
 
 TEST_F(LikelyCausesTest, AFindingThatDoesNotAffectTheSettingIsNoCause) {

@@ -9,6 +9,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -20,8 +21,9 @@ using velkctl::ExitStatus;
 using velkctl::FindSetting;
 using velkctl::Setting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kHooks[] = "/etc/dhclient-exit-hooks";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kResolver = testkit::kResolverFile;
+constexpr auto& kHooks = testkit::kExitHooks;
 
 // Returns the text with the indented lines of a message joined to its first line.
 std::string Unfolded(std::string text) {
@@ -50,6 +52,12 @@ class ReadBackTest : public testkit::DeviceTest {
         complaint = Unfolded(testing::internal::GetCapturedStderr());
         status = read_back.status;
         return read_back.held;
+    }
+
+    // Reads files and value as before a set.
+    void Remember(const std::string& name) {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        before.emplace(*FindSetting(name), velkctl::Device({}, report));
     }
 
     testkit::FakeShell shell;
@@ -93,7 +101,7 @@ TEST_F(ReadBackTest, AMissingLineOfTheLastStanzaIsNamed) {
     EXPECT_EQ(complaint,
               "velkctl: eth1.gateway: the library reported success, but the device holds 'none'; "
               "likely cause: /etc/network/interfaces:1: the stanza is the last one and has no "
-              "gateway line; fix: add a line \"gateway 192.168.0.1\" to it\n");
+              "gateway line; fix: below line 1 add \"gateway 10.0.0.1\"\n");
 }
 
 TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
@@ -106,8 +114,8 @@ TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
                       ": the library reported success, but it cannot be read back: file, socket, "
                       "time-out or unreadable value; likely cause: /etc/network/interfaces: no "
                       "line begins "
-                      "with 'iface eth0 inet static' or '... dhcp'; fix: add a stanza that begins "
-                      "with one\n");
+                      "with 'iface eth0 inet static' or '... dhcp'; fix: add \"iface eth0 inet "
+                      "static\", and below it address, netmask and gateway\n");
     }
 }
 
@@ -117,8 +125,8 @@ TEST_F(ReadBackTest, AnotherAddressIsShown) {
     EXPECT_EQ(complaint,
               "velkctl: eth0.address: the library reported success, but the device holds 'ether "
               "02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: the library takes "
-              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: reword "
-              "it, or move it below the line with the value\n");
+              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: above "
+              "line 2 add \"address 10.0.0.5\"\n");
 }
 
 TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
@@ -150,7 +158,7 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
         "set, and no edit "
         "copy has the rest: restore it before the device restarts; likely cause: "
         "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
-        "fix: add a stanza that begins with one\n");
+        "fix: add \"iface eth0 inet static\", and below it address, netmask and gateway\n");
 }
 
 TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
@@ -183,7 +191,7 @@ TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {
               "velkctl: eth1.gateway: the library reported success, but the device cannot hold the "
               "value; likely cause: "
               "/etc/network/interfaces:1: the stanza is the last one and has no gateway line; fix: "
-              "add a line \"gateway 192.168.0.1\" to it\n");
+              "below line 1 add \"gateway 10.0.0.1\"\n");
 }
 
 TEST_F(ReadBackTest, AReadingThatTakesTooLongProvesNothing) {
@@ -192,7 +200,9 @@ TEST_F(ReadBackTest, AReadingThatTakesTooLongProvesNothing) {
     const Data wanted = setting.row->kind->Parse(std::vector<std::string>{"auto"}).data;
     EXPECT_EQ(Verify(setting, wanted, {.timeout_seconds = 1}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kTimedOut);
-    EXPECT_EQ(complaint, "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.link-speed: set, but not read back; no answer after 1 s; waited "
+              "for ethtool to finish; fix: run it again with a longer --timeout\n");
 }
 
 TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
@@ -201,6 +211,40 @@ TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
     EXPECT_EQ(complaint,
               "velkctl: eth0.link-speed: the library reported success, but the device holds "
               "'10-half'\n");
+}
+
+TEST_F(ReadBackTest, AValueOfAnotherProgramIsNoFailure) {
+    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    Remember("eth0.dns");
+    WriteFile(kResolver, "nameserver 10.0.0.3\n");
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
+    EXPECT_EQ(status, ExitStatus::kDone);
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.dns: set, but another program has set it to '10.0.0.3' since\n");
+}
+
+TEST_F(ReadBackTest, TheValueFromBeforeIsNotThatOfAnotherProgram) {
+    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    Remember("eth0.dns");
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.dns: the library reported success, but the device holds '10.0.0.1'\n");
+}
+
+TEST_F(ReadBackTest, WithoutAValueFromBeforeNoProgramIsAccused) {
+    Remember("eth0.dns");
+    EXPECT_FALSE(before->value());
+    WriteFile(kResolver, "nameserver 10.0.0.3\n");
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+}
+
+TEST_F(ReadBackTest, TheValueOfAToolIsNotReadBefore) {
+    Remember("eth0.link-speed");
+    EXPECT_FALSE(before->value());
+    Remember("eth0.dhcp-notice");
+    EXPECT_FALSE(before->value());
 }
 
 TEST_F(ReadBackTest, ASecretIsNotShown) {

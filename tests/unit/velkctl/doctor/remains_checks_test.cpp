@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "velkctl/doctor/checks.h"
 
 namespace {
@@ -24,17 +25,17 @@ TEST_F(RemainsCheck, SaysNothingWhereNothingWasLeft) {
 }
 
 TEST_F(RemainsCheck, FindsEntriesThatToolsCannotWriteInto) {
-    constexpr char kResult[] = "/var/tmp/get_result";
+    constexpr auto& kResult = testkit::kResultFile;
     ASSERT_EQ(mkfifo(kResult, 0600), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "warning: address, netmask and link-speed may not have been read\n"
               "  /var/tmp/get_result: a FIFO is in the place of the output of tools\n"
               "  the next reading removes it\n"
               "  fix: rm /var/tmp/get_result\n");
     ASSERT_EQ(unlink(kResult), 0);
     ASSERT_EQ(symlink("/etc/hosts", kResult), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read\n"
+              "warning: address, netmask and link-speed may not have been read\n"
               "  /var/tmp/get_result: a symbolic link is in the place of the output of tools\n"
               "  the next reading removes it\n"
               "  fix: rm /var/tmp/get_result\n");
@@ -42,7 +43,7 @@ TEST_F(RemainsCheck, FindsEntriesThatToolsCannotWriteInto) {
 
 // In a folder that everybody may write, only root and the owner may remove a file.
 TEST_F(RemainsCheck, FindsFilesThatTheCallerMayNotRemove) {
-    constexpr char kResult[] = "/var/tmp/get_result";
+    constexpr auto& kResult = testkit::kResultFile;
     WriteFile(kResult, "x");
     ASSERT_EQ(chmod("/var/tmp", 01777), 0);
     std::string words;
@@ -53,7 +54,7 @@ TEST_F(RemainsCheck, FindsFilesThatTheCallerMayNotRemove) {
     judge();
     ASSERT_EQ(setresuid(0, 0, 0), 0);
     EXPECT_EQ(words,
-              "problem: link-speed and the address and netmask of a lease cannot be read\n"
+              "problem: address, netmask and link-speed cannot be read\n"
               "  /var/tmp/get_result: a file is in the place of the output of tools\n"
               "  fix: rm /var/tmp/get_result\n");
 }
@@ -62,10 +63,9 @@ TEST_F(RemainsCheck, FindsAResultAReplySocketAndASemaphore) {
     WriteFile("/var/tmp/get_result", "x");
     WriteFile("/tmp/WlanAplFromWlanSock", "");
     WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
-    EXPECT_TRUE(
-        Holds(FormatFindings(velkctl::CheckResultFile()),
-              "warning: link-speed and the address and netmask of a lease may not have been read\n"
-              "  /var/tmp/get_result: a result was left, "));
+    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckResultFile()),
+                      "warning: address, netmask and link-speed may not have been read\n"
+                      "  /var/tmp/get_result: a result was left, "));
     const std::string words = FormatFindings(velkctl::CheckQueryRemains());
     EXPECT_TRUE(Holds(words,
                       "warning: wireless settings may not have been read\n"

@@ -185,14 +185,13 @@ TEST_F(IfconfigCheck, KnowsTheFormThatIsRead) {
 }
 
 TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
-    EXPECT_EQ(
-        FormatFindings(velkctl::CheckIfconfigOutput(
-            "lo: flags=73<UP>\n        inet 127.0.0.1  netmask 255.0.0.0\n")),
-        "problem: ifconfig prints addresses in a form that the library does not read\n"
-        "  it prints 'inet 127.0.0.1  netmask 255.0.0.0',\n"
-        "  but the library looks for 'inet addr:' and 'Mask:'\n"
-        "  address and netmask of a DHCP interface are read as empty\n"
-        "  fix: install an ifconfig that prints 'inet addr:192.168.0.10', as busybox's does\n");
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfigOutput(
+                  "lo: flags=73<UP>\n        inet 127.0.0.1  netmask 255.0.0.0\n")),
+              "problem: ifconfig prints addresses in a form that the library does not read\n"
+              "  it prints 'inet 127.0.0.1  netmask 255.0.0.0',\n"
+              "  but the library looks for 'inet addr:' and 'Mask:'\n"
+              "  address and netmask of a DHCP interface are read as empty\n"
+              "  fix: install an ifconfig that prints 'inet addr:ADDRESS', as busybox's does\n");
 }
 
 }  // namespace

@@ -1,11 +1,18 @@
 // The process that holds the library's lock, from the kernel's tables of locks and processes.
 #include "velkctl/files/lock_holder.h"
 
+#include <csignal>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "support/device_test.h"
@@ -71,12 +78,15 @@ TEST(SecondsRunning, AreUnknownWithoutReadableTexts) {
 }
 
 TEST(LockHolderWords, NameTheProcessAndItsAge) {
-    EXPECT_EQ(velkctl::DescribeHolder({1234, "velkctl", 3}),
+    EXPECT_EQ(velkctl::DescribeHolder({1234, "velkctl", 3, {}}),
               "process 1234 (velkctl, 3 seconds old)");
+    EXPECT_EQ(velkctl::DescribeHolder({12, "sh", 3, {13, 14}}),
+              "process 12 (sh, 3 seconds old, shared with 13, 14)");
 }
 
 TEST(LockHolderWords, NeverControlTheTerminal) {
-    EXPECT_EQ(velkctl::DescribeHolder({7, "\x1b[31m", 0}), "process 7 (\\x1b[31m, 0 seconds old)");
+    EXPECT_EQ(velkctl::DescribeHolder({7, "\x1b[31m", 0, {}}),
+              "process 7 (\\x1b[31m, 0 seconds old)");
 }
 
 class FindLockHolderTest : public testkit::DeviceTest {};
@@ -97,11 +107,52 @@ TEST_F(FindLockHolderTest, NamesNobodyWhileTheLockIsFree) {
     EXPECT_FALSE(FindLockHolder());
 }
 
-TEST_F(FindLockHolderTest, NamesNobodyWhenTheTableCannotBeRead) {
+TEST_F(FindLockHolderTest, NamesTheProcessWithTheDescriptorWhenTheTableLacksIt) {
     libc().Redirect("/proc/locks", "/tmp/missing");
     const int lock = VkLibLock();
-    EXPECT_FALSE(FindLockHolder());
+    const std::optional<LockHolder> holder = FindLockHolder();
     VkLibUnLock(lock);
+    ASSERT_TRUE(holder);
+    EXPECT_EQ(holder->process, getpid());
+    EXPECT_EQ(holder->others, std::vector<int>());
+    EXPECT_FALSE(FindLockHolder());
+}
+
+// Takes the lock in a child that ends, and leaves the descriptor to others.
+TEST_F(FindLockHolderTest, NamesProcessesThatHaveInheritedTheDescriptor) {
+    VkLibUnLock(VkLibLock());
+    const int descriptor = open("/var/tmp/vklib_lock", O_RDWR);
+    if (const pid_t taker = fork(); taker == 0) {
+        _exit(flock(descriptor, LOCK_EX));
+    } else {
+        ASSERT_EQ(waitpid(taker, nullptr, 0), taker);
+    }
+    const pid_t sharer = fork();
+    if (sharer == 0) {
+        (void)pause();
+    }
+    const std::optional<LockHolder> holder = FindLockHolder();
+    kill(sharer, SIGKILL);
+    (void)waitpid(sharer, nullptr, 0);
+    close(descriptor);
+    ASSERT_TRUE(holder);
+    EXPECT_EQ(holder->process, getpid());
+    EXPECT_EQ(holder->others, std::vector<int>{sharer});
+    EXPECT_EQ(velkctl::DescribeLockHolder(), "");
+}
+
+// A kernel that does not show the locks of descriptors still names the process that took one.
+TEST_F(FindLockHolderTest, NamesTheParentIfNothingElseIsKnown) {
+    VkLibUnLock(VkLibLock());
+    struct stat file {};
+    ASSERT_EQ(stat("/var/tmp/vklib_lock", &file), 0);
+    char line[100];
+    (void)snprintf(line, sizeof(line), "1: FLOCK  ADVISORY  WRITE 999999999 %02x:%02x:%llu 0 EOF\n",
+                   major(file.st_dev), minor(file.st_dev),
+                   static_cast<unsigned long long>(file.st_ino));
+    testkit::WriteFile("/tmp/locks", line);
+    libc().Redirect("/proc/locks", "/tmp/locks");
+    EXPECT_EQ(velkctl::DescribeLockHolder(), "a child of process 999999999, which has ended");
 }
 
 }  // namespace

@@ -58,7 +58,7 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
     const Said said = OutputOf(Report::Form::kJson, SayAll);
     EXPECT_EQ(said.err, "");
     EXPECT_EQ(said.out, R"({
-  "schema": 2,
+  "schema": 3,
   "verb": "get",
   "status": 2,
   "settings": [
@@ -119,7 +119,7 @@ TEST(Report, BreaksNoQuotationAndNoFix) {
 TEST(Report, AnEmptyDocumentIsCompleteToo) {
     const Said said = OutputOf(Report::Form::kJson, [](Report&) { return ExitStatus::kDone; });
     EXPECT_EQ(said.out,
-              "{\n  \"schema\": 2,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
+              "{\n  \"schema\": 3,\n  \"verb\": null,\n  \"status\": 0,\n  \"notes\": [],\n"
               "  \"errors\": []\n}\n");
 }
 
@@ -159,6 +159,54 @@ TEST(Report, TheDocumentIsAscii) {
         return ExitStatus::kFailed;
     });
     EXPECT_NE(said.out.find("\"message\": \"caf\\u00e9\""), std::string::npos) << said.out;
+}
+
+ExitStatus SayAllWith(Report::Detail detail, Report& report) {
+    report.set_detail(detail);
+    report.KeepToolOutput({"ntp: earlier"});
+    report.KeepToolOutput({"ntp: rm: first", "ntp: rm: second"});
+    report.Inform("eth0: 10.0.0.1\n");
+    return SayAll(report);
+}
+
+TEST(ReportTest, ToolOutputComesBeforeTheFirstProblem) {
+    const Said said = OutputOf(Report::Form::kText, [](Report& report) {
+        return SayAllWith(Report::Detail::kUsual, report);
+    });
+    EXPECT_TRUE(said.out.starts_with("eth0: 10.0.0.1\n")) << said.out;
+    EXPECT_TRUE(
+        said.err.starts_with("velkctl: it took long\nvelkctl: ntp: rm: first\nvelkctl: "
+                             "ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
+        << said.err;
+}
+
+TEST(ReportTest, QuietOmitsAllButValuesAndProblems) {
+    const Said said = OutputOf(Report::Form::kText, [](Report& report) {
+        EXPECT_TRUE(report.shows_progress());
+        const ExitStatus status = SayAllWith(Report::Detail::kQuiet, report);
+        EXPECT_FALSE(report.shows_progress());
+        return status;
+    });
+    EXPECT_TRUE(said.out.starts_with("eth0.dns = 10.0.0.1\n")) << said.out;
+    EXPECT_TRUE(said.err.starts_with("velkctl: eth0.dns: could not be read\n")) << said.err;
+}
+
+TEST(ReportTest, QuietKeepsTheNotesOfADocument) {
+    const Said said = OutputOf(Report::Form::kJson, [](Report& report) {
+        return SayAllWith(Report::Detail::kQuiet, report);
+    });
+    EXPECT_NE(said.out.find("it took long"), std::string::npos) << said.out;
+    EXPECT_EQ(said.err, "");
+}
+
+TEST(ReportTest, VerboseShowsToolOutputAtOnce) {
+    const Said said = OutputOf(Report::Form::kText, [](Report& report) {
+        return SayAllWith(Report::Detail::kVerbose, report);
+    });
+    EXPECT_TRUE(
+        said.err.starts_with("velkctl: ntp: earlier\nvelkctl: ntp: rm: first\n"
+                             "velkctl: ntp: rm: second\nvelkctl: it took long\n"))
+        << said.err;
 }
 
 }  // namespace

@@ -60,9 +60,9 @@ std::vector<Json> Examples() {
 }
 
 TEST(Schema, HasTheVersionOfTheDocument) {
-    EXPECT_EQ(Schema()["properties"]["schema"]["const"], 2);
-    EXPECT_EQ(DocumentOf({"list"})["schema"], 2);
-    EXPECT_EQ(Schema()["$id"], "urn:velk:velkctl:2");
+    EXPECT_EQ(Schema()["properties"]["schema"]["const"], 3);
+    EXPECT_EQ(DocumentOf({"list"})["schema"], 3);
+    EXPECT_EQ(Schema()["$id"], "urn:velk:velkctl:3");
 }
 
 TEST(Schema, HasEveryVerbAndNoOther) {

@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/ipv4.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::AddressKind;
 using velkctl::Data;
 using velkctl::IsMask;
@@ -18,7 +20,6 @@ using velkctl::kAddress;
 using velkctl::kGateway;
 using velkctl::kNetmask;
 using velkctl::ParseIpv4;
-using Words = std::vector<std::string>;
 
 Data DataOf(std::string_view text) {
     Data data{};
@@ -115,8 +116,29 @@ TEST(AddressKindParse, SaysWhyAMaskIsNotValid) {
               "255.255.255.0");
     EXPECT_EQ(Problem(kNetmask, {"0.0.0.0"}),
               "'0.0.0.0' is not a mask: it has no ones; give an IPv4 mask such as 255.255.255.0");
-    EXPECT_EQ(Problem(kNetmask, {"24"}),
-              "'24' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
+    EXPECT_EQ(Problem(kNetmask, {"0"}),
+              "'0' is not a mask: it has no ones; give an IPv4 mask such as 255.255.255.0");
+    for (const std::string word : {"33", "/33", "/", "24/", "//24", "+24", "24 ", "/none"}) {
+        EXPECT_EQ(Problem(kNetmask, {word}),
+                  "'" + word + "' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
+    }
+}
+
+TEST(AddressKindParse, TakesAPrefixLengthAsAMask) {
+    EXPECT_EQ(kNetmask.Parse(Words{"24"}).data, DataOf("255.255.255.0"));
+    EXPECT_EQ(kNetmask.Parse(Words{"/24"}).data, DataOf("255.255.255.0"));
+    EXPECT_EQ(kNetmask.Parse(Words{"1"}).data, DataOf("128.0.0.0"));
+    EXPECT_EQ(kNetmask.Parse(Words{"/32"}).data, DataOf("255.255.255.255"));
+    EXPECT_EQ(kNetmask.Parse(Words{"/255.255.0.0"}).data, DataOf("255.255.0.0"));
+    EXPECT_FALSE(kAddress.Parse(Words{"10.0.0.1/24"}).ok()) << "one setting is one address";
+    EXPECT_FALSE(kGateway.Parse(Words{"24"}).ok());
+}
+
+TEST(AddressKindMeanings, AreTheShortForms) {
+    ASSERT_EQ(kNetmask.Meanings().size(), 1U);
+    EXPECT_EQ(kNetmask.Meanings()[0].value, "24");
+    EXPECT_EQ(kAddress.Meanings()[0].value, "192.168.0.10/24");
+    EXPECT_TRUE(kGateway.Meanings().empty());
 }
 
 TEST(AddressKindParse, TakesExactlyOneWord) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <set>
 #include <span>
 #include <sstream>
@@ -93,7 +94,8 @@ TEST(Setting, KnowsItsDirections) {
 
 TEST(UnknownSetting, GivesTheNamesOnOtherInterfaces) {
     EXPECT_EQ(UnknownSetting("eth2.dns"), "unknown setting 'eth2.dns'; give eth0.dns or eth1.dns");
-    EXPECT_EQ(UnknownSetting("dns"), "unknown setting 'dns'; give eth0.dns or eth1.dns");
+    EXPECT_EQ(UnknownSetting("dns"),
+              "'dns' is a setting of both interfaces; give eth0.dns or eth1.dns");
     EXPECT_EQ(UnknownSetting("eth1.link-speed"),
               "unknown setting 'eth1.link-speed'; give eth0.link-speed");
     EXPECT_EQ(UnknownSetting("eth0.location"), "unknown setting 'eth0.location'; give location");
@@ -109,9 +111,26 @@ TEST(UnknownSetting, SuggestsACorrectionOfAMisspeltName) {
     EXPECT_EQ(UnknownSetting("DNS"), "unknown setting 'DNS'; did you mean eth0.dns or eth1.dns?");
 }
 
+TEST(UnknownSetting, SuggestsTheNameForAWordOfOtherPrograms) {
+    EXPECT_EQ(UnknownSetting("eth0.mask"),
+              "unknown setting 'eth0.mask'; did you mean eth0.netmask?");
+    EXPECT_EQ(UnknownSetting("eth0.gw"), "unknown setting 'eth0.gw'; did you mean eth0.gateway?");
+    EXPECT_EQ(UnknownSetting("eth1.ip"), "unknown setting 'eth1.ip'; did you mean eth1.address?");
+    EXPECT_EQ(UnknownSetting("eth0.speed"),
+              "unknown setting 'eth0.speed'; did you mean eth0.link-speed?");
+    EXPECT_EQ(UnknownSetting("eth0.dhcp"),
+              "unknown setting 'eth0.dhcp'; did you mean eth0.method?");
+    EXPECT_EQ(UnknownSetting("eth0.password"),
+              "unknown setting 'eth0.password'; did you mean eth1.psk?");
+    EXPECT_EQ(UnknownSetting("nameserver"),
+              "unknown setting 'nameserver'; did you mean eth0.dns or eth1.dns?");
+}
+
 TEST(UnknownSetting, KnowsAnInterface) {
     EXPECT_EQ(UnknownSetting("eth1"),
               "'eth1' is an interface, not a setting; 'velkctl show eth1' shows its settings");
+    EXPECT_EQ(UnknownSetting("eth2"),
+              "'eth2' is not an interface of the device; did you mean eth0 or eth1?");
 }
 
 TEST(UnknownInterface, SuggestsACorrectionOfAMisspeltName) {
@@ -141,19 +160,17 @@ TEST(UnknownSetting, NeitherRepeatsNorCorrectsAWordThatMayBeAKey) {
 }
 
 TEST(UnknownSetting, NeverRepeatsTheTextAfterAnEqualsSign) {
-    EXPECT_EQ(
-        UnknownSetting("eth1.psk=hunter2"),
-        "'eth1.psk' is followed by '='; give the name alone, and the value as a separate argument");
-    EXPECT_EQ(UnknownSetting("=a=b"),
-              "'' is followed by '='; give the name alone, and the value as a separate argument");
+    EXPECT_EQ(UnknownSetting("eth1.psk=hunter2"),
+              "'eth1.psk' is followed by '='; give the name alone");
+    EXPECT_EQ(UnknownSetting("=a=b"), "'' is followed by '='; give the name alone");
 }
 
 TEST(NamesSecret, KnowsTheNameAndTheIdOfASecret) {
     EXPECT_TRUE(NamesSecret("eth1.psk"));
+    EXPECT_TRUE(NamesSecret("psk"));
     EXPECT_TRUE(NamesSecret("314"));
     EXPECT_TRUE(NamesSecret("00314"));
-    for (const char* word :
-         {"", "psk", "eth0.psk", "eth1.psks", "301", "1314", "314 ", "-314", "0x13a"}) {
+    for (const char* word : {"", "eth0.psk", "eth1.psks", "301", "1314", "314 ", "-314", "0x13a"}) {
         EXPECT_FALSE(NamesSecret(word)) << word;
     }
 }
@@ -214,6 +231,29 @@ TEST(Catalogue, IdsAreThoseOfTheLibrary) {
               (std::vector<uint32_t>{2,   3,   6,   7,   9,   10,  11,  101, 102, 103, 104, 105,
                                      106, 107, 108, 109, 201, 4,   5,   301, 302, 303, 304, 305,
                                      306, 307, 308, 309, 310, 311, 312, 314, 315, 316, 317, 318}));
+}
+
+TEST(EffectTime, IsThatOfTheProgramThatUsesTheSetting) {
+    std::map<std::string, std::vector<std::string>> times;
+    for (const Setting& setting : Settings()) {
+        if (setting.can_set()) {
+            times[EffectTime(setting)].push_back(setting.name());
+        }
+    }
+    EXPECT_EQ(
+        times,
+        (std::map<std::string, std::vector<std::string>>{
+            {"at once", {"administrator", "location", "eth0.dns", "eth1.dns", "eth0.link-speed"}},
+            {"at the next run of cron", {"ntp", "ntp-server", "web-update"}},
+            {"at the next restart of eth0 or eth1", {"dhcp-ntp"}},
+            {"at the next restart of eth0",
+             {"eth0.method", "eth0.apipa", "eth0.address", "eth0.netmask", "eth0.gateway",
+              "eth0.dhcp-dns", "eth0.dhcp-notice"}},
+            {"at the next restart of eth1",
+             {"eth1.method", "eth1.apipa", "eth1.address", "eth1.netmask", "eth1.gateway",
+              "eth1.dhcp-dns", "eth1.service-set", "eth1.ssid", "eth1.channel", "eth1.encryption",
+              "eth1.authentication", "eth1.wep-key-1", "eth1.wep-key-2", "eth1.wep-key-3",
+              "eth1.wep-key-4", "eth1.wep-default-key", "eth1.psk", "eth1.standards-enabled"}}}));
 }
 
 TEST(Catalogue, KeysAreSecret) {

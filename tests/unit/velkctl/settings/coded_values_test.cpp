@@ -6,10 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
+#include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::Words;
 using velkctl::CodedKind;
 using velkctl::CodedValue;
 using velkctl::Data;
@@ -21,7 +24,8 @@ using velkctl::kOneToThree;
 using velkctl::kServiceSet;
 using velkctl::kStandardsEnabled;
 using velkctl::Parsed;
-using Words = std::vector<std::string>;
+
+const std::string kDaemons = "; the wireless daemon defines the meaning; see its manual";
 
 Data DataOf(int code) {
     Data data{};
@@ -80,10 +84,13 @@ TEST(CodedKindParse, RefusesNumbersIfAllCodesHaveNames) {
 
 TEST(CodedKindParse, ListsTheValidValues) {
     EXPECT_EQ(Problem(kChannel, {"14"}), "'14' is not valid; give a number from 1 to 13");
-    EXPECT_EQ(Problem(kOneToFour, {"wep"}), "'wep' is not valid; give a number from 1 to 4");
-    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3");
-    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3");
-    EXPECT_EQ(Problem(kEncryption, {"5"}), "'5' is not valid; give 1, 2 (wep), 3 or 4");
+    EXPECT_EQ(Problem(kOneToFour, {"wep"}),
+              "'wep' is not valid; give a number from 1 to 4" + kDaemons);
+    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3" + kDaemons);
+    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3" + kDaemons);
+    EXPECT_EQ(Problem(kEncryption, {"5"}),
+              "'5' is not valid; give 1, 2 (wep), 3 or 4; "
+              "the wireless daemon defines the meaning of 1, 3 and 4; see its manual");
 }
 
 TEST(CodedKindParse, SuggestsACorrectionOfAMisspeltName) {
@@ -106,7 +113,8 @@ TEST(CodedKindParse, TakesExactlyOneWord) {
 }
 
 TEST(CodedKindParse, ShowsControlCharactersEscaped) {
-    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}), "'\\x1b\\x0a' is not valid; give 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}),
+              "'\\x1b\\x0a' is not valid; give 2 or 3" + kDaemons);
 }
 
 TEST(CodedKindParse, TakesOneSpellingOnly) {
@@ -128,6 +136,22 @@ TEST(CodedKindPrint, AnUnknownCodeIsItsNumber) {
     EXPECT_EQ(kLinkMode.Print(DataOf(6)), "6");
     EXPECT_EQ(kChannel.Print(DataOf(14)), "14");
     EXPECT_EQ(kChannel.Print(DataOf(255)), "255");
+}
+
+TEST(CodedKind, HasOneJsonTypeForAllItsCodes) {
+    EXPECT_EQ(kEncryption.ToJson(DataOf(2)).dump(), "\"wep\"");
+    EXPECT_EQ(kEncryption.ToJson(DataOf(3)).dump(), "\"3\"");
+    EXPECT_EQ(kEncryption.ToJson(DataOf(9)).dump(), "\"9\"");
+    EXPECT_EQ(kLinkMode.ToJson(DataOf(0)).dump(), "\"0\"");
+    EXPECT_EQ(kChannel.ToJson(DataOf(6)).dump(), "6");
+    EXPECT_EQ(kChannel.ToJson(DataOf(255)).dump(), "255");
+}
+
+TEST(CodedKind, SaysThatTheDaemonDefinesItsCodes) {
+    EXPECT_EQ(kEncryption.Coding(),
+              "the wireless daemon defines the meaning of 1, 3 and 4; see its manual");
+    EXPECT_EQ(kOneToFour.Coding(), "the wireless daemon defines the meaning; see its manual");
+    EXPECT_EQ(kChannel.Coding(), "");
 }
 
 TEST(CodedKindPrint, TheFirstByteCounts) {

@@ -6,14 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::kHost;
 using velkctl::Parsed;
-using Words = std::vector<std::string>;
 
 Data DataOf(const std::string& bytes) {
     Data data{};
@@ -50,6 +51,21 @@ TEST(HostKindParse, RefusesTextThatIsNoName) {
     EXPECT_EQ(Problem({"a\n"}),
               "'a\\x0a' is not a host name; "
               "give a host name or address such as 192.168.0.1, or none");
+}
+
+TEST(HostKindParse, RefusesOffAsAName) {
+    EXPECT_EQ(Problem({"off"}),
+              "'off' would be a host name here; give none to clear the setting, or --force to set "
+              "that name");
+    EXPECT_TRUE(kHost.Force(Words{"off"}).ok());
+}
+
+TEST(HostKindParse, SaysTooLongWithTheBeginningOfTheName) {
+    const std::string start = "'" + std::string(40, 'x') + "...' is too long: ";
+    const std::string end = "; give a host name or address such as 192.168.0.1, or none";
+    EXPECT_EQ(Problem({std::string(1000, 'x')}), start + "1000 of at most 253 characters" + end);
+    EXPECT_EQ(Problem({std::string(64, 'x') + ".b"}),
+              start + "64 of at most 63 characters without a dot" + end);
 }
 
 TEST(HostKindParse, RefusesEmptyAndLongLabels) {
@@ -113,8 +129,8 @@ TEST(HostKindParse, ANameHasAtMost253Characters) {
     EXPECT_TRUE(kHost.Parse(Words{longest}).ok());
     EXPECT_EQ(kHost.Parse(Words{longest}).data, DataOf(longest));
     EXPECT_EQ(Problem({std::string(254, 'x')}),
-              "'" + std::string(254, 'x') +
-                  "' is not a host name; "
+              "'" + std::string(40, 'x') +
+                  "...' is too long: 254 of at most 253 characters; "
                   "give a host name or address such as 192.168.0.1, or none");
     EXPECT_FALSE(kHost.Parse(Words{std::string(5000, 'x')}).ok());
 }

@@ -7,14 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::kSchedule;
 using velkctl::Parsed;
-using Words = std::vector<std::string>;
 
 constexpr char kGive[] = "give every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
 
@@ -109,6 +110,10 @@ TEST(ScheduleKindParse, RepeatsTheTextThatIsNoSchedule) {
               "'weekly 7 08:30' is not a schedule; " + std::string(kGive));
     EXPECT_EQ(kSchedule.Parse(Words{"daily", "\x1b\n"}).problem,
               "'daily \\x1b\\x0a' is not a schedule; " + std::string(kGive));
+    for (const std::string word : {"none", "never"}) {
+        EXPECT_EQ(kSchedule.Parse(Words{word}).problem,
+                  "'" + word + "' is not a schedule; did you mean off?");
+    }
     EXPECT_EQ(kSchedule.Parse(Words{""}).problem, "'' is not a schedule; " + std::string(kGive));
 }
 

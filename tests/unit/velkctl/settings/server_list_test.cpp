@@ -6,12 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
+
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::Parsed;
 using velkctl::ServerListKind;
-using Words = std::vector<std::string>;
 
 constexpr ServerListKind kServerList{};
 
@@ -44,6 +46,20 @@ TEST(ServerListParse, ThreeAddressesLieInSlotsOf16Bytes) {
     EXPECT_TRUE(parsed.ok());
     EXPECT_EQ(parsed.data,
               DataOf(Slot("223.255.255.254") + Slot("1.0.0.1") + Slot("192.168.100.200")));
+}
+
+TEST(ServerListParse, BlanksAndCommasSeparateServers) {
+    const Data expected = kServerList.Parse(Words{"1.1.1.1", "2.2.2.2"}).data;
+    for (const Words& words :
+         {Words{"1.1.1.1 2.2.2.2"}, Words{"1.1.1.1,2.2.2.2"}, Words{"1.1.1.1, 2.2.2.2"},
+          Words{"1.1.1.1,", " 2.2.2.2 "}, Words{",1.1.1.1,,2.2.2.2"}}) {
+        const Parsed parsed = kServerList.Parse(words);
+        EXPECT_EQ(parsed.problem, "");
+        EXPECT_EQ(parsed.data, expected);
+        EXPECT_EQ(kServerList.Force(words).data, expected);
+    }
+    EXPECT_EQ(Problem({"1.1.1.1 2.2.2.2,3.3.3.3", "4.4.4.4"}),
+              "4 addresses given; give one to three, or none");
 }
 
 TEST(ServerListParse, NoneIsAllZero) {
@@ -115,13 +131,14 @@ TEST_P(NoAddress, IsRefusedAndLeavesTheDataZero) {
     EXPECT_EQ(parsed.data, Data{});
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ServerListParse, NoAddress,
-    testing::Values("", " ", "1", "1.1", "1.1.1", "1.1.1.", ".1.1.1", "1.1.1.1.", "1.1.1.1.1",
-                    "1..1.1", "256.1.1.1", "1.1.1.256", "1.1.1.-1", "+1.1.1.1", "01.1.1.1",
-                    "1.1.1.010", "0x1.1.1.1", "1.1.1.1 ", " 1.1.1.1", "1.1.1.1\n", "1.1.1.a",
-                    "1.1.1.1/24", "1.1.1.1,2.2.2.2", "1.1.1.1 2.2.2.2", "::1", "::ffff:1.1.1.1",
-                    "localhost", "NONE", "None", "1.1.1.9999999999", std::string("1.1.1.1\0x", 9)));
+INSTANTIATE_TEST_SUITE_P(ServerListParse, NoAddress,
+                         testing::Values("", " ", "1", "1.1", "1.1.1", "1.1.1.", ".1.1.1",
+                                         "1.1.1.1.", "1.1.1.1.1", "1..1.1", "256.1.1.1",
+                                         "1.1.1.256", "1.1.1.-1", "+1.1.1.1", "01.1.1.1",
+                                         "1.1.1.010", "0x1.1.1.1", ",", " , ", "1.1.1.1;2.2.2.2",
+                                         "1.1.1.1\n", "1.1.1.a", "1.1.1.1/24", "1.1.1.1,x", "::1",
+                                         "::ffff:1.1.1.1", "1.1.1.1\t", "localhost", "NONE", "None",
+                                         "1.1.1.9999999999", std::string("1.1.1.1\0x", 9)));
 
 TEST(ServerListPrint, SeparatesAddressesByBlanks) {
     EXPECT_EQ(kServerList.Print(DataOf("192.168.0.1")), "192.168.0.1");
@@ -192,6 +209,7 @@ TEST(ServerList, APrintedListIsParsedToTheSameBytes) {
             joined += (joined.empty() ? "" : " ") + word;
         }
         EXPECT_EQ(kServerList.Print(first.data), joined);
+        EXPECT_EQ(kServerList.Parse(Words{joined}).data, first.data);
     }
 }
 

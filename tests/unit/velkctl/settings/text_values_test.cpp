@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::Words;
 using velkctl::Data;
 using velkctl::kPsk;
 using velkctl::kShownText;
@@ -18,7 +20,6 @@ using velkctl::kSsid;
 using velkctl::kWepKey;
 using velkctl::Parsed;
 using velkctl::TextKind;
-using Words = std::vector<std::string>;
 
 Data DataOf(const std::string& bytes) {
     Data data{};
@@ -70,6 +71,14 @@ TEST(TextKindParse, ReportsTheLengthAndTheValidOnes) {
               "1 byte given; give a text of 5 or 13 bytes, 10 or 26 hex digits, or none");
     EXPECT_EQ(Problem(kShownText, {std::string(512, 'x')}),
               "512 bytes given; give a text of at most 511 bytes");
+}
+
+TEST(TextKindParse, NamesTheCarriageReturnOfALine) {
+    for (const TextKind* kind : {&kSsid, &kPsk, &kWepKey}) {
+        EXPECT_TRUE(Problem(*kind, {"abcde\r"})
+                        .starts_with("it ends with CR (carriage return), as in a CR LF file; give "
+                                     "a text of "));
+    }
 }
 
 TEST(TextKindParse, LengthsAreCountedInBytes) {

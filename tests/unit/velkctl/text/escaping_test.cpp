@@ -10,6 +10,7 @@ using velkctl::HasControls;
 using velkctl::Printable;
 using velkctl::PrintableValue;
 using velkctl::Quoted;
+using velkctl::QuotedWhole;
 using velkctl::UnprintedValue;
 
 TEST(Printable, LeavesTextAlone) {
@@ -17,9 +18,16 @@ TEST(Printable, LeavesTextAlone) {
     EXPECT_EQ(Printable("a Z0~'\"%"), "a Z0~'\"%");
 }
 
-TEST(Quoted, CutsAWordLongerThanAnyValue) {
-    EXPECT_EQ(Quoted(std::string(512, 'x')), "'" + std::string(512, 'x') + "'");
-    EXPECT_EQ(Quoted(std::string(513, 'x')), "'" + std::string(512, 'x') + "...'");
+TEST(Quoted, CutsALongWordBetweenCharacters) {
+    EXPECT_EQ(Quoted(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
+    EXPECT_EQ(Quoted(std::string(41, 'x')), "'" + std::string(40, 'x') + "...'");
+    EXPECT_EQ(Quoted(std::string(39, 'x') + "\xc3\xa4\xc3\xa4"),
+              "'" + std::string(39, 'x') + "...'");
+}
+
+TEST(QuotedWhole, CutsAWordLongerThanAnyValue) {
+    EXPECT_EQ(QuotedWhole(std::string(512, 'x')), "'" + std::string(512, 'x') + "'");
+    EXPECT_EQ(QuotedWhole(std::string(513, 'x')), "'" + std::string(512, 'x') + "...'");
 }
 
 TEST(Printable, LeavesTextInUtf8Alone) {

@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
+
 namespace {
 
+using testkit::Words;
 using velkctl::DidYouMean;
 using velkctl::OneOf;
 using velkctl::SpellingSuggestions;
-using Words = std::vector<std::string>;
 
 const Words kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
 
@@ -24,6 +26,16 @@ TEST(SpellingSuggestions, FindTwoErrors) {
     EXPECT_EQ(SpellingSuggestions("eth0.adess", kNames), Words{"eth0.address"});
     EXPECT_EQ(SpellingSuggestions("eht0.gatewya", kNames), Words{"eth0.gateway"});
     EXPECT_EQ(SpellingSuggestions("eth0.gtwy", kNames), Words{});
+}
+
+TEST(SpellingSuggestions, KnowTheWordsOfOtherPrograms) {
+    const Words names{"address", "netmask", "method", "dhcp-dns", "psk", "wep-key-1", "off"};
+    EXPECT_EQ(SpellingSuggestions("mask", names), Words{"netmask"});
+    EXPECT_EQ(SpellingSuggestions("IP", names), Words{"address"});
+    EXPECT_EQ(SpellingSuggestions("dhcp", names), Words{"method"});
+    EXPECT_EQ(SpellingSuggestions("key", names), (Words{"psk", "wep-key-1"}));
+    EXPECT_EQ(SpellingSuggestions("none", names), Words{"off"});
+    EXPECT_EQ(SpellingSuggestions("mask", Words{"flask"}), Words{"flask"}) << "not one of them";
 }
 
 TEST(SpellingSuggestions, IgnoreCase) {

@@ -1,5 +1,5 @@
-// printable.cpp - escapes text for safe output on a terminal.
-#include "sandbox/process/printable.h"
+// terminal_line.cpp - escapes text for safe output on a terminal.
+#include "sandbox/process/terminal_line.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -28,7 +28,7 @@ size_t ShownLength(std::string_view text) {
 
 }  // namespace
 
-std::string Printable(std::string_view text) {
+std::string TerminalLine(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
         const size_t length = ShownLength(text);

@@ -5,14 +5,14 @@
 
 needs_sandbox
 
-watched() { # watched VALGRIND-OPTION... COMMAND...
+under_valgrind() { # under_valgrind VALGRIND-OPTION... COMMAND...
     on_device valgrind -q --vgdb=no --error-exitcode=9 --leak-check=full "$@"
 }
 
 # Valgrind prints its findings to standard error. velkctl itself prints nothing there.
 is_clean() { # is_clean STATUS ARGUMENT...
-    it "makes no mistake in: velkctl ${*:2}"
-    watched "$VELK_BUILD/velkctl" "${@:2}"
+    it "finds no errors in: velkctl ${*:2}"
+    under_valgrind "$VELK_BUILD/velkctl" "${@:2}"
     status_is "$1"
     error_is ''
 }
@@ -24,8 +24,8 @@ is_clean 0 set eth1.ssid next
 is_clean 0 show
 is_clean 1 doctor # the sample device lacks some tools
 
-it 'would report a mistake'
-watched --errors-for-leak-kinds=all bash -c true # keeps memory until its end
+it 'would report an error'
+under_valgrind --errors-for-leak-kinds=all bash -c true # keeps memory until its end
 status_is 9
 
 finish

@@ -1,6 +1,6 @@
-// printable.h - escapes text for safe output on a terminal.
-#ifndef SANDBOX_PROCESS_PRINTABLE_H_
-#define SANDBOX_PROCESS_PRINTABLE_H_
+// terminal_line.h - escapes text for safe output on a terminal.
+#ifndef SANDBOX_PROCESS_TERMINAL_LINE_H_
+#define SANDBOX_PROCESS_TERMINAL_LINE_H_
 
 #include <string>
 #include <string_view>
@@ -10,8 +10,8 @@ namespace sandbox {
 // Returns the text as one line. Tabs and printable characters of the locale are unchanged. Every
 // other byte, for example of an escape sequence or a line end, becomes an escape such as \x1b.
 // main() sets the locale.
-std::string Printable(std::string_view text);
+std::string TerminalLine(std::string_view text);
 
 }  // namespace sandbox
 
-#endif  // SANDBOX_PROCESS_PRINTABLE_H_
+#endif  // SANDBOX_PROCESS_TERMINAL_LINE_H_

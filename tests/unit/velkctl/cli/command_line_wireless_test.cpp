@@ -5,9 +5,11 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <net/if.h>
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "support/fake_interfaces.h"
 #include "support/fake_shell.h"
 #include "velkctl/cli/command_line.h"
 #include "velkctl/report/output.h"
@@ -61,7 +63,7 @@ class WirelessSettings : public testkit::DeviceTest {
     // Returns the daemon's record. It reads its messages in order: an answer means that it has
     // stored all.
     SMsgConf Stored() {
-        (void)Get("eth1.channel");
+        (void)Get("eth1.ssid");
         return daemon.conf();
     }
     // Holds that a value is refused without a word to the daemon.
@@ -74,6 +76,7 @@ class WirelessSettings : public testkit::DeviceTest {
     }
 
     testkit::FakeDaemon daemon;
+    testkit::FakeInterfaces interfaces;
     testkit::FakeShell shell;
     std::string output;
     std::string error;
@@ -112,7 +115,7 @@ TEST_F(WirelessSettings, ShowsTheState) {
     EXPECT_EQ(Get("eth1.hardware-version"), "1.04\n");
     EXPECT_EQ(Get("eth1.software-version"), "2.1b\n");
     EXPECT_EQ(Get("eth1.region"), "3\n");
-    EXPECT_EQ(Get("eth1.access-point"), "001A2B3C4D5E\n");
+    EXPECT_EQ(Get("eth1.access-point"), "00:1A:2B:3C:4D:5E\n");
     EXPECT_EQ(Get("eth1.standard"), "2\n");
     EXPECT_EQ(Get("eth1.rate"), "3600ff01\n");
     EXPECT_EQ(Get("eth1.signal"), "70 65535\n");
@@ -168,11 +171,11 @@ TEST_F(WirelessSettings, SaysThatTheWepKeyInUseCannotBeCleared) {
     daemon.SetConf(conf);
     EXPECT_EQ(Run({"set", "eth1.wep-key-1", "none"}), ExitStatus::kInvalid);
     EXPECT_EQ(error,
-              "velkctl: eth1.wep-key-1: could not be set\n"
-              "  the library does not take this command, interface or value\n"
-              "  fix: run 'velkctl describe NAME' for the interfaces and values of a setting\n"
-              "  result: LIB_VELK_INVALID_PARAMETER (-4)\n");
-    EXPECT_THAT(daemon.types(), ElementsAre(VELK_WLAN_REPORT));
+              "velkctl: eth1.wep-key-1: the key in use cannot be cleared\n"
+              "  eth1.encryption is wep, and eth1.wep-default-key names it\n"
+              "  fix: set eth1.wep-default-key or eth1.encryption first\n");
+    EXPECT_THAT(daemon.types(), ElementsAre(VELK_WLAN_REPORT, VELK_WLAN_REPORT))
+        << "it was sent no configuration";
 }
 
 TEST_F(WirelessSettings, RefusedValuesAreNotSent) {
@@ -207,7 +210,7 @@ TEST_F(Secrets, AreMasked) {
     EXPECT_EQ(Get("eth1.wep-key-2"), "********\n");
     EXPECT_EQ(Get("eth1.psk"), "********\n");
     EXPECT_EQ(Run({"get", "eth1.psk", "eth1.wep-key-1"}), ExitStatus::kDone);
-    EXPECT_EQ(output, "eth1.psk = ********\neth1.wep-key-1 = none\n");
+    EXPECT_EQ(output, "eth1.psk        ********\neth1.wep-key-1  none\n");
 }
 
 TEST_F(Secrets, AreShownToThoseWhoAsk) {
@@ -216,7 +219,7 @@ TEST_F(Secrets, AreShownToThoseWhoAsk) {
     EXPECT_EQ(Run({"get", "eth1.psk", "eth1.wep-key-2", "eth1.wep-key-1", "--show-secrets"}),
               ExitStatus::kDone);
     EXPECT_EQ(output,
-              "eth1.psk = hunter22\neth1.wep-key-2 = hunter22hunte\neth1.wep-key-1 = none\n");
+              "eth1.psk        hunter22\neth1.wep-key-2  hunter22hunte\neth1.wep-key-1  none\n");
     output.clear();
 }
 
@@ -263,7 +266,10 @@ TEST_F(Secrets, AreNotRepeatedInAnyMessage) {
         {"set", "eth1.psk", "hunter22", "hunter22"},
         {"set", "eth1.psk", "--psk=hunter22"},
         {"set", "eth1.psk", "@hunter22"},
-        {"set", "eth1.psk=hunter22"},
+        {"set", "eth1.psk=hunter22", "hunter22"},
+        {"set", "psk=hunter22", "hunter22=hunter22"},
+        {"set", "eth1.pskk=hunter22"},
+        {"set", "eth1.psk=@hunter22"},
         {"set", "hunter22", "eth1.psk"},
         {"set", "--hunter22", "eth1.psk"},
         {"set", "eth1.pskk", "hunter22"},
@@ -293,8 +299,11 @@ TEST_F(Secrets, AreNotRepeatedInAnyMessage) {
 }
 
 TEST_F(WirelessSettings, RestartBringsTheInterfaceDownAndUp) {
+    interfaces.AddInterface("eth1", IFF_UP | IFF_RUNNING);
+    interfaces.AddAddress("eth1", IFF_UP | IFF_RUNNING, "192.168.1.110", "255.255.255.0");
+    testkit::WriteFile("/etc/network/interfaces", "iface eth1 inet dhcp\n");
     EXPECT_EQ(Run({"restart", "eth1"}), ExitStatus::kDone);
-    EXPECT_EQ(output + error, "");
+    EXPECT_EQ(output + error, "eth1: 192.168.1.110 from DHCP\n");
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifdown eth1"));
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifup eth1 &"));
     EXPECT_TRUE(testkit::Exists("/var/tmp/vklib_lock"));
@@ -308,10 +317,31 @@ TEST_F(WirelessSettings, NotifyOnlyRunsNoTools) {
 }
 
 TEST_F(WirelessSettings, RestartOfTheWiredPort) {
+    interfaces.AddInterface("eth0", IFF_UP | IFF_RUNNING);
+    interfaces.AddAddress("eth0", IFF_UP | IFF_RUNNING, "192.168.0.10", "255.255.255.0");
+    testkit::WriteFile("/etc/network/interfaces",
+                       "iface eth0 inet static\n\taddress 192.168.0.10\n");
     EXPECT_EQ(Run({"restart", "eth0"}), ExitStatus::kDone);
-    EXPECT_EQ(output + error, "");
+    EXPECT_EQ(output + error, "eth0: 192.168.0.10 (static)\n");
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifdown eth0"));
     EXPECT_THAT(shell.Lines(), testing::Contains("sudo ifup eth0"));
+    EXPECT_EQ(Run({"restart", "eth0", "--quiet"}), ExitStatus::kDone);
+    EXPECT_EQ(output + error, "");
+}
+
+TEST_F(WirelessSettings, RestartWithoutAnAddressIsReported) {
+    interfaces.AddInterface("eth0", IFF_UP | IFF_RUNNING);
+    testkit::WriteFile("/etc/network/interfaces", "iface eth0 inet dhcp\n");
+    EXPECT_EQ(Run({"restart", "eth0", "--timeout", "1"}), ExitStatus::kNotHeld);
+    EXPECT_EQ(output + error,
+              "velkctl: eth0: up, but it has no address\n  no DHCP server answered\n"
+              "  fix: start one, then run 'velkctl restart eth0' again\n");
+}
+
+TEST_F(WirelessSettings, RestartWithoutAStanza) {
+    interfaces.AddInterface("eth0", IFF_UP | IFF_RUNNING);
+    EXPECT_EQ(Run({"restart", "eth0"}), ExitStatus::kDone);
+    EXPECT_EQ(output + error, "eth0: up, without an address: neither static nor DHCP\n");
 }
 
 TEST_F(WirelessSettings, RestartNeedsAnAdapter) {

@@ -1,18 +1,18 @@
 // Conflicts of an address, a mask or a gateway with the configuration.
-#include "velkctl/verbs/network_check.h"
+#include "velkctl/doctor/network_check.h"
 
 #include <string>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::WriteFile;
 using velkctl::Catalogue;
 using velkctl::FindSetting;
-using velkctl::Setting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kStatic[] =
     "iface eth0 inet static\n"
     "address 192.168.0.10\n"
@@ -26,11 +26,11 @@ class NetworkCheckTest : public testkit::DeviceTest {
         WriteFile(kInterfaces, kStatic);
     }
     static std::string Problem(const std::string& name, const std::string& value) {
-        const Setting setting = *FindSetting(name);
-        velkctl::Data data{};
-        (void)value.copy(data.data(), data.size());
+        velkctl::SettingChange change{*FindSetting(name)};
+        (void)value.copy(change.value.data(), change.value.size());
         velkctl::Report report(velkctl::Report::Form::kText);
-        const auto problem = NetworkProblem(setting, data, velkctl::Device({}, report));
+        const velkctl::Device device({}, report);
+        const auto problem = NetworkProblem(change, velkctl::PlannedValues(device, {&change, 1}));
         return problem ? OneLine(*problem) : "";
     }
 };
@@ -117,6 +117,70 @@ TEST_F(NetworkCheckTest, TheFileOfAnInterfaceWithDhcpIsNotCompared) {
 TEST_F(NetworkCheckTest, OnlyAddressesAreLookedAt) {
     EXPECT_EQ(Problem("eth0.dns", "192.168.0.255"), "");
     EXPECT_EQ(Problem("ntp-server", "192.168.0.10"), "");
+}
+
+class NetworkMismatchesTest : public testkit::DeviceTest {
+  protected:
+    static std::string Found() {
+        velkctl::Report report(velkctl::Report::Form::kText);
+        const velkctl::Device device({}, report);
+        return FormatFindings(NetworkMismatches(velkctl::PlannedValues(device, {})));
+    }
+};
+
+TEST_F(NetworkMismatchesTest, FittingAddressesAreNoFindings) {
+    EXPECT_EQ(Found(), "") << "without the files";
+    WriteFile(kInterfaces, std::string(kStatic) +
+                               "iface eth1 inet static\naddress 10.0.0.5\nnetmask 255.0.0.0\n");
+    WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver foo\n");
+    EXPECT_EQ(Found(), "");
+}
+
+TEST_F(NetworkMismatchesTest, AGatewayOutsideTheNetworkIsFound) {
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\naddress 10.0.0.5\nnetmask 255.255.255.0\n"
+              "gateway 192.168.0.1\n");
+    EXPECT_EQ(Found(),
+              "problem: eth0.gateway is outside the network of the interface\n"
+              "  /etc/network/interfaces:4: it is 192.168.0.1, and the network of the interface is "
+              "10.0.0.0/24\n"
+              "  fix: velkctl set eth0.gateway VALUE\n");
+}
+
+TEST_F(NetworkMismatchesTest, AnAddressThatNoHostCanHaveIsFound) {
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\naddress 10.0.0.255\nnetmask 255.255.255.0\n"
+              "gateway 10.0.0.255\n");
+    EXPECT_EQ(Found(),
+              "problem: eth0.address is the broadcast address of the network\n"
+              "  /etc/network/interfaces:2: it is 10.0.0.255, and the network of the interface is "
+              "10.0.0.0/24\n"
+              "  fix: velkctl set eth0.address VALUE\n"
+              "problem: eth0.gateway is the address of the interface itself\n"
+              "  /etc/network/interfaces:4: it is 10.0.0.255\n"
+              "  fix: velkctl set eth0.gateway VALUE\n");
+}
+
+TEST_F(NetworkMismatchesTest, OneAddressOfTwoInterfacesIsFound) {
+    WriteFile(kInterfaces, std::string(kStatic) + "iface eth1 inet static\naddress 192.168.0.10\n");
+    EXPECT_EQ(Found(),
+              "problem: eth1.address is also the address of eth0\n"
+              "  /etc/network/interfaces:6: both are 192.168.0.10\n"
+              "  fix: velkctl set eth1.address VALUE\n");
+}
+
+TEST_F(NetworkMismatchesTest, AServerThatIsTheDeviceItselfIsFound) {
+    WriteFile(kInterfaces, kStatic);
+    WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver 192.168.0.10\n");
+    EXPECT_EQ(Found(),
+              "warning: eth0.dns names the device itself\n"
+              "  /etc/resolv.dnsmasq.conf:2: 192.168.0.10 is the address of eth0\n"
+              "  fix: velkctl set eth0.dns VALUE\n");
+}
+
+TEST_F(NetworkMismatchesTest, AnInterfaceWithDhcpIsNotCompared) {
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\naddress 10.0.0.255\nnetmask 255.255.255.0\n");
+    EXPECT_EQ(Found(), "");
 }
 
 }  // namespace

@@ -1,0 +1,52 @@
+// command_words.cpp - separates the command from the words of the sandbox.
+#include "sandbox/session/command_words.h"
+
+namespace sandbox {
+namespace {
+
+constexpr char kMark[] = "--";
+constexpr char kEnter[] = "enter";
+
+bool IsOption(const std::string& word) {
+    return word.size() > 1 && word.front() == '-';
+}
+
+// True if the next word is the value of this option.
+bool TakesNextWord(const CLI::App& app, const std::string& word) {
+    const CLI::Option* option = app.get_option_no_throw(word);
+    return option != nullptr && option->get_items_expected_max() > 0;
+}
+
+// Returns null if the parser has no verb of this name.
+const CLI::App* FindVerb(const CLI::App& app, const std::string& name) {
+    const auto found =
+        app.get_subcommands([&name](const CLI::App* verb) { return verb->get_name() == name; });
+    return found.empty() ? nullptr : found.front();
+}
+
+}  // namespace
+
+Command TakeCommand(const CLI::App& app, std::vector<std::string>& words) {
+    const CLI::App* verb = nullptr;
+    size_t at = 0;
+    while (at < words.size() && words[at] != kMark) {
+        if (IsOption(words[at])) {
+            at += TakesNextWord(app, words[at]) ? 2 : 1;
+        } else if (verb != nullptr || (verb = FindVerb(app, words[at])) == nullptr) {
+            break;
+        } else {
+            ++at;
+        }
+    }
+    Command command;
+    if (at >= words.size() || (verb != nullptr && verb->get_name() != kEnter)) {
+        return command;
+    }
+    command.is_marked = words[at] == kMark;
+    const auto start = words.begin() + static_cast<std::ptrdiff_t>(at);
+    command.words.assign(start + (command.is_marked ? 1 : 0), words.end());
+    words.erase(start, words.end());
+    return command;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,42 @@
+// fake_interfaces.h - the network interfaces that getifaddrs(3) reports to the code under test.
+#ifndef TESTS_SUPPORT_FAKE_INTERFACES_H_
+#define TESTS_SUPPORT_FAKE_INTERFACES_H_
+
+#include <list>
+#include <string>
+
+#include <ifaddrs.h>
+#include <netinet/in.h>
+
+namespace testkit {
+
+// During its lifetime getifaddrs(3) reports these interfaces and addresses, in the order of their
+// addition. Without one it reports those of the machine.
+class FakeInterfaces {
+  public:
+    FakeInterfaces();
+    ~FakeInterfaces();
+    FakeInterfaces(const FakeInterfaces&) = delete;
+    FakeInterfaces& operator=(const FakeInterfaces&) = delete;
+
+    // An interface without an address, as the first entries of the list are.
+    void AddInterface(const std::string& name, unsigned flags);
+    // `netmask` may be null.
+    void AddAddress(const std::string& label, unsigned flags, const char* address,
+                    const char* netmask);
+    void AddIpv6(const std::string& name, unsigned flags);
+
+    ifaddrs* first() { return entries_.empty() ? nullptr : &entries_.front(); }
+
+  private:
+    sockaddr* MakeAddress(const char* text);
+    void Add(const std::string& name, unsigned flags, sockaddr* address, sockaddr* netmask);
+
+    std::list<std::string> names_;
+    std::list<sockaddr_in> addresses_;
+    std::list<ifaddrs> entries_;
+};
+
+}  // namespace testkit
+
+#endif  // TESTS_SUPPORT_FAKE_INTERFACES_H_

@@ -1,0 +1,44 @@
+// running_gateway.cpp - the default gateway that the kernel uses.
+#include "velkctl/call/running_gateway.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <vector>
+
+#include <arpa/inet.h>
+
+#include "lib/base/paths.h"
+#include "velkctl/files/text_file.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::string_view kDefaultDestination = "00000000";
+
+}  // namespace
+
+// The kernel prints the address as it is in memory.
+std::string GatewayIn(std::string_view line, std::string_view interface) {
+    const std::vector<std::string> words = WordsOf(line);
+    if (words.size() < 3 || words[0] != interface || words[1] != kDefaultDestination) {
+        return {};
+    }
+    uint32_t number = 0;
+    (void)std::from_chars(words[2].data(), words[2].data() + words[2].size(), number, 16);
+    const in_addr address{number};
+    std::array<char, INET_ADDRSTRLEN> text{};
+    (void)inet_ntop(AF_INET, &address, text.data(), text.size());
+    return text.data();
+}
+
+std::string RunningGateway(const std::string& interface) {
+    for (const std::string& line : ReadTextFile(velk::kRoutingTable).lines) {
+        if (std::string gateway = GatewayIn(line, interface); !gateway.empty()) {
+            return gateway;
+        }
+    }
+    return {};
+}
+
+}  // namespace velkctl

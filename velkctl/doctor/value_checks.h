@@ -1,0 +1,31 @@
+// value_checks.h - checks the values that the device has with the checks of a set.
+#ifndef VELKCTL_DOCTOR_VALUE_CHECKS_H_
+#define VELKCTL_DOCTOR_VALUE_CHECKS_H_
+
+#include <optional>
+
+#include "velkctl/doctor/finding.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
+
+namespace velkctl {
+
+// Returns a finding without a text, with the line of the file that the setting's value is read
+// from. `text` is the value, or one word of it.
+Finding AboutValue(const Setting& setting, const std::string& text);
+
+// Returns the finding that a set would refuse this value of the setting, with the line of the file
+// that the value is read from. Nothing if the value is valid, empty or a text.
+std::optional<Finding> InvalidValue(const Setting& setting, const Data& value);
+
+// Returns the finding about an invalid value as a note.
+Problem NoteOf(const Finding& invalid_value);
+
+// Checks each value in the device's files, and the values of the interfaces against each other.
+// Leaves out the settings that are read wrongly according to the findings in `known`.
+Findings CheckValues(const Findings& known, Report& report);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_DOCTOR_VALUE_CHECKS_H_

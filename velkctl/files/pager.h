@@ -1,0 +1,16 @@
+// pager.h - shows a long text a screen at a time.
+#ifndef VELKCTL_FILES_PAGER_H_
+#define VELKCTL_FILES_PAGER_H_
+
+#include <string_view>
+
+namespace velkctl {
+
+// Prints a text. If standard output is a terminal that is too small for it, prints through the
+// program that PAGER names, or through less if it is installed. PAGER=cat or an empty one means no
+// program. If the program fails, prints the text itself.
+void PrintPaged(std::string_view text);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_FILES_PAGER_H_

@@ -1,0 +1,37 @@
+// change_words.h - reads the changes that the words of a command line ask for.
+#ifndef VELKCTL_VERBS_CHANGE_WORDS_H_
+#define VELKCTL_VERBS_CHANGE_WORDS_H_
+
+#include <string>
+#include <vector>
+
+#include "velkctl/cli/verbs.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/verbs/change_set.h"
+
+namespace velkctl {
+
+// A setting and the words of its new value.
+struct ChangeRequest {
+    Setting setting;
+    std::vector<std::string> words;
+};
+
+struct RequestedChanges {
+    ChangeSet changes{};  // the value of a refused one is empty
+    std::vector<Problem> problems{};
+    std::vector<ChangeRequest> open{};  // secrets that a person or standard input gives
+};
+
+// Reads "NAME VALUE..." or, if the first word has an "=", any number of "NAME=VALUE". A prefix
+// length after an address is a change of the netmask. Reads secrets from files; leaves the others
+// open.
+RequestedChanges ReadChanges(const Invocation& invocation);
+
+// Reads the open secrets from standard input, or asks for them, and adds their changes.
+void AskForSecrets(RequestedChanges& requested, bool force);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_VERBS_CHANGE_WORDS_H_

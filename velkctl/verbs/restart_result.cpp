@@ -1,0 +1,164 @@
+// restart_result.cpp - whether a restarted interface is up with its address.
+#include "velkctl/verbs/restart_result.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "velk/request.h"
+#include <nlohmann/json.hpp>
+
+namespace velkctl {
+namespace {
+
+// The messages of ifup(8) if it did not bring an interface up, before its name.
+constexpr std::string_view kIfupFailed = "ifup: failed to bring up ";
+constexpr std::string_view kIfupUnknown = "ifup: unknown interface ";
+// The messages of the DHCP client: no server answered, and a lease.
+constexpr std::string_view kNoOffer = "No DHCPOFFERS received";
+constexpr std::string_view kBound = "bound to ";
+
+RestartResult Good(const RestartFacts& facts, const std::string& text) {
+    return {.is_as_configured = true, .line = facts.interface + ": " + text};
+}
+
+RestartResult Bad(const RestartFacts& facts, const std::string& message, std::string detail,
+                  std::string remedy = "") {
+    Problem problem{facts.interface + ": " + message};
+    problem.detail = std::move(detail);
+    problem.remedy = std::move(remedy);
+    return {.is_as_configured = false, .problem = std::move(problem)};
+}
+
+std::string RunAgain(const RestartFacts& facts) {
+    return "run 'velkctl restart " + facts.interface + "' again";
+}
+
+// The library brings eth1 up without an address while the cable is in.
+bool LeavesWithoutAddress(const RestartFacts& facts) {
+    return facts.interface == VELK_WIRELESS_INTERFACE && facts.is_cable_in;
+}
+
+bool HasIfupFailed(const RestartFacts& facts) {
+    return std::ranges::any_of(facts.tool_output, [&](std::string_view line) {
+        return line == std::string(kIfupFailed) + facts.interface ||
+               line == std::string(kIfupUnknown) + facts.interface;
+    });
+}
+
+std::string Described(const InterfaceState& state) {
+    if (!state.is_up) {
+        return "the interface is down";
+    }
+    return state.has_address() ? "the interface is up with " + state.address()
+                               : "the interface is up without an address";
+}
+
+RestartResult JudgeWithoutAddress(const RestartFacts& facts) {
+    const std::string message = "up, but it has no address";
+    if (!facts.state.has_link) {
+        const bool is_wireless = facts.interface == VELK_WIRELESS_INTERFACE;
+        return Bad(facts, message,
+                   is_wireless ? "no link to an access point" : "no link: the cable is out",
+                   (is_wireless ? "check 'velkctl show eth1', then " : "plug the cable in, then ") +
+                       RunAgain(facts));
+    }
+    if (facts.source == AddressSource::kStatic) {
+        return Bad(facts, message, "its configured address is " + facts.configured,
+                   "'velkctl doctor' looks for the cause");
+    }
+    return Bad(facts, message, "no DHCP server answered", "start one, then " + RunAgain(facts));
+}
+
+// Without an answer of a server, an address is an earlier one, if not one that APIPA chose.
+RestartResult JudgeDhcp(const RestartFacts& facts) {
+    const std::string address = facts.state.address();
+    if (IsLinkLocal(address)) {
+        return Good(facts, address + ", link-local: no DHCP server answered");
+    }
+    if (HasNoDhcpAnswer(facts.tool_output)) {
+        return Bad(facts, "up, but its address " + address + " is not from DHCP",
+                   "no DHCP server answered", "start one, then " + RunAgain(facts));
+    }
+    return Good(facts, address + " from DHCP");
+}
+
+std::string OtherAddresses(const RestartFacts& facts) {
+    std::string others;
+    for (const InterfaceAddress& own : facts.state.addresses) {
+        if (own.address != facts.configured) {
+            others.append(others.empty() ? ", also " : " ").append(own.address);
+        }
+    }
+    return others;
+}
+
+RestartResult JudgeStatic(const RestartFacts& facts) {
+    if (facts.configured.empty() || !facts.state.Has(facts.configured)) {
+        return Bad(facts, "up, but its address is " + facts.state.address(),
+                   facts.configured.empty() ? "its configured address cannot be read"
+                                            : "its configured address is " + facts.configured,
+                   "'velkctl doctor' looks for the cause");
+    }
+    return Good(facts, facts.configured + " (static)" + OtherAddresses(facts));
+}
+
+RestartResult JudgeAddress(const RestartFacts& facts) {
+    switch (facts.source) {
+        case AddressSource::kDhcp:
+            return JudgeDhcp(facts);
+        case AddressSource::kStatic:
+            return JudgeStatic(facts);
+        default:
+            return Good(facts, facts.state.address());
+    }
+}
+
+}  // namespace
+
+RestartResult JudgeRestart(const RestartFacts& facts) {
+    if (HasIfupFailed(facts)) {
+        return Bad(facts, "ifup failed, see its messages", Described(facts.state));
+    }
+    if (!facts.state.is_up) {
+        return Bad(facts, "not up after the restart",
+                   facts.state.exists ? "" : "the kernel has no such interface",
+                   "'velkctl doctor' looks for the cause");
+    }
+    if (facts.state.has_address()) {
+        return JudgeAddress(facts);
+    }
+    if (LeavesWithoutAddress(facts)) {
+        return Good(facts, "up, without an address while the cable is in");
+    }
+    if (facts.source == AddressSource::kUnknown) {
+        return Good(facts, "up, without an address: neither static nor DHCP");
+    }
+    return JudgeWithoutAddress(facts);
+}
+
+bool MayGetLease(const RestartFacts& facts) {
+    return facts.source == AddressSource::kDhcp && facts.state.has_link &&
+           !facts.state.has_address() && !HasNoDhcpAnswer(facts.tool_output) &&
+           !LeavesWithoutAddress(facts);
+}
+
+bool HasNoDhcpAnswer(const std::vector<std::string>& tool_output) {
+    const auto last =
+        std::find_if(tool_output.rbegin(), tool_output.rend(), [](const std::string& line) {
+            return line.starts_with(kNoOffer) || line.find(kBound) != std::string::npos;
+        });
+    return last != tool_output.rend() && last->starts_with(kNoOffer);
+}
+
+Json StateInJson(const RestartFacts& facts) {
+    Json state;
+    state["up"] = facts.state.is_up;
+    state["address"] = facts.state.has_address() ? Json(facts.state.address()) : Json(nullptr);
+    state["source"] = nullptr;
+    if (facts.source != AddressSource::kUnknown) {
+        state["source"] = facts.source == AddressSource::kDhcp ? "dhcp" : "static";
+    }
+    return state;
+}
+
+}  // namespace velkctl

@@ -1,0 +1,49 @@
+// restart_result.h - whether a restarted interface is up with its address.
+#ifndef VELKCTL_VERBS_RESTART_RESULT_H_
+#define VELKCTL_VERBS_RESTART_RESULT_H_
+
+#include <string>
+#include <vector>
+
+#include "velkctl/call/interface_state.h"
+#include "velkctl/report/report.h"
+
+namespace velkctl {
+
+// The source of an interface's address, as configured.
+enum class AddressSource {
+    kUnknown,  // neither static nor DHCP, or no stanza
+    kStatic,
+    kDhcp,
+};
+
+// The facts about an interface after its restart.
+struct RestartFacts {
+    std::string interface;
+    InterfaceState state{};
+    AddressSource source = AddressSource::kUnknown;
+    std::string configured{};                // the static address; empty: unknown
+    bool is_cable_in = false;                // in eth0; then eth1 comes up without an address
+    std::vector<std::string> tool_output{};  // from ifdown, ifup and the DHCP client
+};
+
+struct RestartResult {
+    bool is_as_configured;
+    std::string line{};  // "eth0: 192.168.0.109 from DHCP", if as configured
+    Problem problem{};   // otherwise
+};
+
+RestartResult JudgeRestart(const RestartFacts& facts);
+
+// True if the interface has no address yet and a DHCP server may still give it one.
+bool MayGetLease(const RestartFacts& facts);
+
+// True if the DHCP client reported that no server answered.
+bool HasNoDhcpAnswer(const std::vector<std::string>& tool_output);
+
+// {"up": true, "address": "192.168.0.109", "source": "dhcp"}
+Json StateInJson(const RestartFacts& facts);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_VERBS_RESTART_RESULT_H_

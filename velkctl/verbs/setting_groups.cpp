@@ -1,0 +1,81 @@
+// setting_groups.cpp - settings in groups for people: those of the device and of each interface.
+#include "velkctl/verbs/setting_groups.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include <unistd.h>
+
+#include "velkctl/files/pager.h"
+#include "velkctl/report/output.h"
+#include "velkctl/text/columns.h"
+
+namespace velkctl {
+namespace {
+
+constexpr std::array<std::string_view, 3> kInterfaces{"", VELK_WIRED_INTERFACE,
+                                                      VELK_WIRELESS_INTERFACE};
+constexpr size_t kUsualColumns = 80;
+constexpr size_t kIndent = 2;
+
+std::string_view HeadingOf(std::string_view interface) {
+    if (interface == VELK_WIRED_INTERFACE) {
+        return "eth0, the wired port:";
+    }
+    return interface == VELK_WIRELESS_INTERFACE ? "eth1, the wireless adapter:" : "The device:";
+}
+
+}  // namespace
+
+std::vector<SettingGroup> GroupsOf(const std::vector<Setting>& settings) {
+    std::vector<SettingGroup> groups;
+    for (const std::string_view interface : kInterfaces) {
+        SettingGroup group;
+        std::copy_if(settings.begin(), settings.end(), std::back_inserter(group),
+                     [&](const Setting& setting) { return setting.interface == interface; });
+        if (!group.empty()) {
+            groups.push_back(std::move(group));
+        }
+    }
+    return groups;
+}
+
+std::string NameLines(const SettingGroup& group) {
+    std::vector<std::string> names;
+    for (const Setting& setting : group) {
+        names.push_back(setting.name());
+    }
+    const std::optional<TerminalSize> size = TerminalSizeOf(STDOUT_FILENO);
+    return InLinesOf(names, size ? size->columns : kUsualColumns, kIndent);
+}
+
+std::string CutToFit(std::string_view text, size_t used) {
+    const std::optional<TerminalSize> size = TerminalSizeOf(STDOUT_FILENO);
+    return size ? Cut(text, size->columns - std::min(size->columns, used)) : std::string(text);
+}
+
+void GroupedRows::Add(const SettingGroup& group, const std::string& rows) {
+    entries_.push_back({group.front().interface, rows});
+}
+
+void GroupedRows::Print(bool is_paged, const Report& report) const {
+    std::string text;
+    for (const Entry& entry : entries_) {
+        if (entries_.size() > 1) {
+            text.append(text.empty() ? "" : "\n");
+            text.append(Coloured(HeadingOf(entry.interface), Colour::kBold, STDOUT_FILENO));
+            text.append("\n");
+        }
+        text.append(entry.rows);
+    }
+    if (is_paged && !report.is_json()) {
+        PrintPaged(text);
+    } else {
+        report.Text(text);
+    }
+}
+
+}  // namespace velkctl
