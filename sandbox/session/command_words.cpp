@@ -1,6 +1,8 @@
 // command_words.cpp - separates the command from the words of the sandbox.
 #include "sandbox/session/command_words.h"
 
+#include "velkctl/text/spelling.h"
+
 namespace sandbox {
 namespace {
 
@@ -24,6 +26,17 @@ const CLI::App* FindVerb(const CLI::App& app, const std::string& name) {
     return found.empty() ? nullptr : found.front();
 }
 
+std::vector<std::string> SimilarVerbs(const CLI::App& app, const std::string& word) {
+    if (word.find('/') != std::string::npos) {
+        return {};
+    }
+    std::vector<std::string> names;
+    for (const CLI::App* verb : app.get_subcommands({})) {
+        names.push_back(verb->get_name());
+    }
+    return velkctl::SpellingSuggestions(word, names);
+}
+
 }  // namespace
 
 Command TakeCommand(const CLI::App& app, std::vector<std::string>& words) {
@@ -43,6 +56,9 @@ Command TakeCommand(const CLI::App& app, std::vector<std::string>& words) {
         return command;
     }
     command.is_marked = words[at] == kMark;
+    if (verb == nullptr && !command.is_marked) {
+        command.similar_verbs = SimilarVerbs(app, words[at]);
+    }
     const auto start = words.begin() + static_cast<std::ptrdiff_t>(at);
     command.words.assign(start + (command.is_marked ? 1 : 0), words.end());
     words.erase(start, words.end());

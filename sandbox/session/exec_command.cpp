@@ -15,6 +15,7 @@
 #include "sandbox/process/programs.h"
 #include "sandbox/process/run_paths.h"
 #include "sandbox/session/shell.h"
+#include "velkctl/text/spelling.h"
 
 namespace sandbox {
 namespace {
@@ -54,14 +55,18 @@ void PrintHiddenFolder(const fs::path& program) {
     }
 }
 
-int ReportFailedExec(const std::string& program, bool is_marked, int error) {
-    PrintMessage(program + ": " + strerror(error));
+int ReportFailedExec(const Command& command, const std::string& program, int error) {
     if (error != ENOENT) {
+        PrintMessage(program + ": " + strerror(error));
         return kCannotExecute;
     }
+    PrintMessage(program + ": " + strerror(error) +
+                 (command.similar_verbs.empty()
+                      ? ""
+                      : "; did you mean " + velkctl::OneOf(command.similar_verbs) + "?"));
     if (program.find('/') != std::string::npos) {
         PrintHiddenFolder(program);
-    } else if (!is_marked) {
+    } else if (!command.is_marked) {
         PrintDetail("fix: give a program that the device has, or see velk-sandbox --help");
     }
     return kNotFound;
@@ -76,7 +81,7 @@ int ExecCommand(const Command& command, const std::string& program_folder) {
     (void)signal(SIGINT, SIG_DFL);
     (void)signal(SIGQUIT, SIG_DFL);
     (void)execvp(arguments[0], arguments.data());
-    return ReportFailedExec(words[0], command.is_marked, errno);
+    return ReportFailedExec(command, words[0], errno);
 }
 
 }  // namespace sandbox

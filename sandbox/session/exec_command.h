@@ -10,6 +10,8 @@ namespace sandbox {
 struct Command {
     std::vector<std::string> words;  // empty: a shell
     bool is_marked = false;          // it was given after "--"
+    // The subcommands that the first word could be a misspelling of.
+    std::vector<std::string> similar_verbs{};
 };
 
 // Replaces this process by the command, as execvp(3) does. The stand-ins and `program_folder` come

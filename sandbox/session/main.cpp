@@ -53,10 +53,16 @@ std::string CompletionFolder(const fs::path& program_folder) {
                : program_folder / "../share/bash-completion/completions";
 }
 
-// Returns the parser's validator without its description, which would appear in the help.
-CLI::Validator ExistingFolder() {
-    CLI::Validator validator = CLI::ExistingDirectory;
-    return validator.description("");
+CLI::Validator ExistingFolder(const std::string& option) {
+    return {[option](const std::string& path) {
+                std::error_code unseen;
+                if (!fs::is_directory(path, unseen)) {
+                    throw sandbox::WrongUsage(option + ": there is no folder '" + path + "'",
+                                              "give a folder that exists");
+                }
+                return std::string();
+            },
+            ""};
 }
 
 // A parsed command line.
@@ -87,15 +93,27 @@ CLI::App* AddVerb(CLI::App& app, Request& request, const std::string& name,
     return command;
 }
 
+void RefuseOtherPosition(const std::string& part, const std::string& position) {
+    if (position == "in" || position == "out") {
+        return;
+    }
+    throw sandbox::WrongUsage(position.empty()
+                                  ? part + ": in or out is missing"
+                                  : part + ": '" + position + "' is neither in nor out",
+                              "velk-sandbox " + part + " in, or velk-sandbox " + part + " out");
+}
+
 void AddMove(CLI::App& app, Request& request, const std::string& part,
              const std::string& description) {
-    CLI::App* move = AddVerb(app, request, part, description, [&request, part] {
-        sandbox::MoveHardware(part, request.position, request.session.name);
-        return EXIT_SUCCESS;
+    CLI::App* move = app.add_subcommand(part, description);
+    move->add_option("POSITION", request.position, "in or out");
+    move->final_callback([&request, part] {
+        RefuseOtherPosition(part, request.position);
+        request.verb = [&request, part] {
+            sandbox::MoveHardware(part, request.position, request.session.name);
+            return EXIT_SUCCESS;
+        };
     });
-    move->add_option("POSITION", request.position, "in or out")
-        ->required()
-        ->check(CLI::IsMember({"in", "out"}));
     AddName(*move, request, kWhichDevice);
 }
 
@@ -153,7 +171,7 @@ void AddOptions(CLI::App& app, Request& request) {
         app.add_flag("--real", session.real, "Use the system's own tools, and a router; root only");
     app.add_flag_callback(
            "--no-router", [&session] { session.router_in = false; },
-           "Start with the router disconnected")
+           "With --real: start with the router disconnected")
         ->needs(real);
     app.add_flag("--quiet", session.quiet, "Print no message at the start");
     app.add_option("--writable", session.device.writable,
@@ -161,10 +179,10 @@ void AddOptions(CLI::App& app, Request& request) {
         ->type_name("DIR")
         ->expected(1)
         ->take_all()
-        ->check(ExistingFolder());
+        ->check(ExistingFolder("--writable"));
     app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
         ->type_name("DIR")
-        ->check(ExistingFolder());
+        ->check(ExistingFolder("--rootfs"));
     AddName(app, request, "Name of the device; otherwise the first free number");
 }
 

@@ -3,9 +3,12 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "sandbox/process/exit_status.h"
 #include "sandbox/process/messages.h"
+#include "velkctl/text/spelling.h"
 
 namespace sandbox {
 namespace {
@@ -63,6 +66,11 @@ class HelpFormatter : public CLI::Formatter {
         return app->get_parent() == nullptr ? kUsage : VerbUsage(*app);
     }
 
+    // The descriptions say which options belong together.
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return option->get_items_expected_max() == 0 ? "" : " " + option->get_type_name();
+    }
+
     // The usage line shows them.
     std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
 
@@ -77,6 +85,45 @@ const CLI::App& ChosenVerb(const CLI::App& app) {
     return verbs.empty() ? app : *verbs.front();
 }
 
+std::string DescribeUnknown(const CLI::App& verb, const std::string& word) {
+    if (!word.starts_with('-')) {
+        return "unexpected argument '" + word + "'";
+    }
+    std::vector<std::string> options;
+    for (const CLI::Option* option : verb.get_options()) {
+        options.push_back("--" + option->get_single_name());
+    }
+    const std::vector<std::string> similar = velkctl::SpellingSuggestions(word, options);
+    return "unknown option '" + word + "'" +
+           (similar.empty() ? "" : "; did you mean " + velkctl::OneOf(similar) + "?");
+}
+
+// Describes a value that is missing or too much. The parser's message has the name of the option.
+std::string DescribeMismatch(const CLI::App& verb, const std::string& message) {
+    const size_t start = message.find("--");
+    const size_t end = message.find_first_of(": ", start);
+    const std::string name = start == std::string::npos ? "" : message.substr(start, end - start);
+    const CLI::Option* option = verb.get_option_no_throw(name);
+    if (option == nullptr) {
+        return message;
+    }
+    if (option->get_items_expected_max() == 0) {
+        return name + " takes no value";
+    }
+    return option->count() > 1 ? name + " is given more than once"
+                               : name + ": " + option->get_type_name() + " is missing";
+}
+
+std::string Describe(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (!unknown.empty()) {
+        return DescribeUnknown(ChosenVerb(app), unknown.front());
+    }
+    const bool is_mismatch =
+        error.get_name() == "ArgumentMismatch" || error.get_name() == "ConversionError";
+    return is_mismatch ? DescribeMismatch(ChosenVerb(app), error.what()) : error.what();
+}
+
 }  // namespace
 
 void SetHelp(CLI::App& app) {
@@ -87,17 +134,18 @@ void SetHelp(CLI::App& app) {
     app.set_version_flag("--version", "velk-sandbox " VELK_SANDBOX_VERSION, "Show the version");
 }
 
+WrongUsage::WrongUsage(const std::string& message, std::string fix)
+    : ParseError("WrongUsage", message, kUsageError), fix_(std::move(fix)) {
+}
+
 void PrintUsageError(const CLI::App& app, const CLI::ParseError& error) {
-    const CLI::App& verb = ChosenVerb(app);
-    const std::vector<std::string> unknown = app.remaining(true);
-    if (unknown.empty()) {
-        PrintMessage(error.what());
-    } else {
-        const bool is_option = unknown.front().starts_with('-');
-        PrintMessage((is_option ? "unknown option '" : "unexpected argument '") + unknown.front() +
-                     "'");
+    if (const auto* wrong = dynamic_cast<const WrongUsage*>(&error); wrong != nullptr) {
+        PrintMessage(wrong->what());
+        PrintDetail("fix: " + wrong->fix());
+        return;
     }
-    PrintDetail("fix: see " + FullName(verb) + " --help");
+    PrintMessage(Describe(app, error));
+    PrintDetail("fix: see " + FullName(ChosenVerb(app)) + " --help");
 }
 
 }  // namespace sandbox

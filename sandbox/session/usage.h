@@ -2,6 +2,8 @@
 #ifndef SANDBOX_SESSION_USAGE_H_
 #define SANDBOX_SESSION_USAGE_H_
 
+#include <string>
+
 #include <CLI/CLI.hpp>
 
 namespace sandbox {
@@ -10,7 +12,18 @@ namespace sandbox {
 // inherit its form.
 void SetHelp(CLI::App& app);
 
-// Prints the error that the parser found, and which help to read.
+// A usage error in the words of the sandbox, with its fix.
+class WrongUsage : public CLI::ParseError {
+  public:
+    WrongUsage(const std::string& message, std::string fix);
+
+    const std::string& fix() const { return fix_; }
+
+  private:
+    std::string fix_;
+};
+
+// Prints the error that the parser found, and its fix or which help to read.
 void PrintUsageError(const CLI::App& app, const CLI::ParseError& error);
 
 }  // namespace sandbox

@@ -17,7 +17,7 @@
 #include <unistd.h>
 
 #include "velkctl/call/library_call.h"
-#include "velkctl/call/tool_output.h"
+#include "velkctl/files/tool_output.h"
 
 namespace velkctl {
 namespace {

@@ -39,6 +39,11 @@ Problem ProblemOf(std::string message, std::string setting, const Answer& answer
         problem.detail.append(problem.detail.empty() ? "" : "; ").append(answer.remark);
     }
     problem.remedy = answer.timed_out ? kTimedOutRemedy : FindResultCode(answer.result).remedy;
+    constexpr std::string_view kPlaceholder = "NAME";
+    const size_t place = problem.remedy.find(kPlaceholder);
+    if (place != std::string::npos && !problem.setting.empty()) {
+        problem.remedy.replace(place, kPlaceholder.size(), problem.setting);
+    }
     return problem;
 }
 

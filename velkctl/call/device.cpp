@@ -11,6 +11,7 @@
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/call/unfinished_edits.h"
 #include "velkctl/files/lock_holder.h"
+#include "velkctl/settings/affected_settings.h"
 
 namespace velkctl {
 namespace {
@@ -114,6 +115,16 @@ Answer TryAgain(const PendingCall& call, int seconds, Answer answer) {
 
 Answer Device::Get(const Setting& setting) const {
     return Execute({VELK_GET, setting.row->id, setting.interface}, {}, setting.name());
+}
+
+std::string Device::PrintedValue(const Setting& setting) const {
+    const Answer answer = Get(setting);
+    return answer.ok() ? setting.row->kind->Print(answer.data) : "";
+}
+
+bool Device::HasStaticMethod(std::string_view interface) const {
+    const Answer method = Get(SettingsOf(VELK_CMD_IP_METHOD, interface).front());
+    return method.ok() && method.data[0] == VELK_METHOD_STATIC;
 }
 
 Answer Device::Set(const Setting& setting, const Data& value) const {

@@ -3,6 +3,7 @@
 #define VELKCTL_CALL_DEVICE_H_
 
 #include <string>
+#include <string_view>
 
 #include "velkctl/call/command.h"
 #include "velkctl/call/time_limits.h"
@@ -25,6 +26,12 @@ class Device {
 
     Answer Get(const Setting& setting) const;
     Answer Set(const Setting& setting, const Data& value) const;
+
+    // Returns the value as text; empty if it cannot be read.
+    std::string PrintedValue(const Setting& setting) const;
+
+    // True if the interface has the method static. False if the method cannot be read.
+    bool HasStaticMethod(std::string_view interface) const;
 
     // Runs the command with these data bytes. `subject` is its name in messages: "restart of eth0".
     Answer Execute(const Command& command, const Data& data, const std::string& subject) const;

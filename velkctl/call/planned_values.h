@@ -29,6 +29,9 @@ class PlannedValues {
     // The same for the command with this id on an interface. Returns nothing if there is none.
     std::optional<Data> Get(uint32_t id, std::string_view interface) const;
 
+    // True if the changes contain the setting.
+    bool Changes(const Setting& setting) const { return Planned(setting).has_value(); }
+
   private:
     std::optional<Data> Planned(const Setting& setting) const;
     bool ShowsOtherMethod(const Setting& setting) const;

@@ -20,7 +20,7 @@ namespace velkctl {
 namespace {
 
 constexpr char kJsonFlag[] = "--json";
-constexpr std::string_view kSeeHelp = "; see 'velkctl --help'";
+constexpr std::string_view kSeeHelp = "'velkctl --help' lists the verbs";
 
 std::vector<std::string> VerbNames() {
     std::vector<std::string> names;
@@ -59,8 +59,7 @@ std::string UnknownVerb(std::string_view word) {
         return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
                "? Give a verb before it, such as get or describe";
     }
-    return "unknown verb " + Quoted(word) +
-           DidYouMean(word, names, "give " + OneOf(names) + std::string(kSeeHelp));
+    return "unknown verb " + Quoted(word) + DidYouMean(word, names, kSeeHelp);
 }
 
 // Returns the message about an option that is not valid before the verb.
@@ -74,10 +73,14 @@ std::string WrongOption(std::string_view option) {
     return UnknownOption(Tool(), option);
 }
 
+// True for a flag that may be given before any verb and after it.
+bool IsFlagOfAll(const std::string& argument) {
+    return argument == kJsonFlag || argument == "--quiet" || argument == "--verbose";
+}
+
 // Returns the arguments with "help" and "help VERB" replaced by "--help" and "VERB --help".
 std::vector<std::string> WithHelpAsOption(std::vector<std::string> arguments) {
-    auto word = std::find_if(arguments.begin(), arguments.end(),
-                             [](const std::string& argument) { return argument != kJsonFlag; });
+    auto word = std::ranges::find_if_not(arguments, IsFlagOfAll);
     if (word == arguments.end() || *word != kHelpVerb) {
         return arguments;
     }
@@ -90,7 +93,7 @@ std::vector<std::string> WithHelpAsOption(std::vector<std::string> arguments) {
 // True if a word follows "help VERB".
 bool HasWordAfterHelp(const std::vector<std::string>& arguments) {
     std::vector<std::string> words = arguments;
-    std::erase(words, kJsonFlag);
+    std::erase_if(words, IsFlagOfAll);
     return words.size() > 2 && words.front() == kHelpVerb;
 }
 
@@ -101,31 +104,59 @@ Report::Detail DetailOf(const Invocation& invocation) {
     return invocation.quiet ? Report::Detail::kQuiet : Report::Detail::kUsual;
 }
 
-ExitStatus RunVerb(const Verb& verb, std::vector<std::string> given, Report& report) {
+// Refuses every problem with the options, and then with the words. Returns false if there is one.
+bool IsValid(const Verb& verb, Arguments& arguments, Report& report) {
+    const std::vector<std::string> problems = ArgumentsProblems(verb, arguments);
+    for (const std::string& problem : problems) {
+        report.Refuse(std::string(verb.name) + ": " + problem);
+    }
+    Invocation& invocation = arguments.invocation;
+    const std::optional<TimeLimits> limits = ReadTimeOptions(invocation, report);
+    if (problems.empty() && limits) {
+        invocation.limits = *limits;
+        return true;
+    }
+    if (verb.check_words != nullptr && !invocation.words.empty()) {
+        verb.check_words(invocation, report);
+    }
+    return false;
+}
+
+// `own` has the options before the verb.
+ExitStatus RunVerb(const Verb& verb, const Invocation& own, std::vector<std::string> given,
+                   Report& report) {
     report.set_verb(verb.name);
     const std::string prefix = std::string(verb.name) + ": ";
     Arguments arguments = ReadArguments(verb, std::move(given));
     if (!arguments.problem.empty()) {
         return report.Refuse(prefix + arguments.problem);
     }
-    if (arguments.invocation.help) {
+    Invocation& invocation = arguments.invocation;
+    if (invocation.help) {
         return ShowHelp(VerbHelp(verb), report);
     }
-    const std::string problem = ArgumentsProblem(verb, arguments);
-    if (!problem.empty()) {
-        return report.Refuse(prefix + problem);
-    }
-    const std::optional<TimeLimits> limits = ReadTimeOptions(arguments.invocation, report);
-    if (!limits) {
+    invocation.quiet = invocation.quiet || own.quiet;
+    invocation.verbose = invocation.verbose || own.verbose;
+    if (!IsValid(verb, arguments, report)) {
         return ExitStatus::kInvalid;
     }
-    arguments.invocation.limits = *limits;
-    report.set_detail(DetailOf(arguments.invocation));
-    return verb.run(arguments.invocation, report);
+    report.set_detail(DetailOf(invocation));
+    return verb.run(invocation, report);
 }
 
 bool IsOption(std::string_view argument) {
     return argument.starts_with('-') && argument != "-" && argument != "--";
+}
+
+// Refuses every option that is not valid before the verb. Returns true if there is one.
+bool RefuseWrongOptions(const Arguments& own, Report& report) {
+    std::vector<std::string> wrong = own.unknown;
+    const std::vector<std::string>& numbers = own.invocation.words;  // "-5"
+    wrong.insert(wrong.end(), numbers.begin(), numbers.end());
+    for (const std::string& option : wrong) {
+        report.Refuse(WrongOption(option));
+    }
+    return !wrong.empty();
 }
 
 // Runs the options of the tool itself, then the verb. Each may be missing.
@@ -141,14 +172,14 @@ ExitStatus RunArguments(const std::vector<std::string>& arguments, Report& repor
     if (own.invocation.help) {
         return ShowHelp(ToolHelp(), report);
     }
-    if (!own.invocation.words.empty()) {
-        return report.Refuse(WrongOption(own.invocation.words.front()));
+    if (RefuseWrongOptions(own, report)) {
+        return ExitStatus::kInvalid;
     }
     if (word == arguments.end()) {
-        return report.Refuse("no verb given; give " + OneOf(VerbNames()) + std::string(kSeeHelp));
+        return report.Refuse("no verb given; " + std::string(kSeeHelp));
     }
     if (const Verb* verb = FindVerb(*word); verb != nullptr) {
-        return RunVerb(*verb, {word + 1, arguments.end()}, report);
+        return RunVerb(*verb, own.invocation, {word + 1, arguments.end()}, report);
     }
     return report.Refuse(UnknownVerb(WithoutValue(*word)));
 }

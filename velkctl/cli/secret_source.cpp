@@ -24,8 +24,8 @@ Secret BadSource(std::string_view source, std::string_view text) {
 }
 
 Secret CannotRead(std::string_view source, int error) {
-    return BadSource(source, std::string("cannot be read: ") + strerror(error) +
-                                 "; - reads the value from standard input, @FILE from a file");
+    return BadSource(source, std::string("cannot be read; ") + strerror(error) +
+                                 "; give - for standard input or @FILE for another file");
 }
 
 // Reads one line byte by byte, so that the rest of the input stays unread. `read_byte` is read(2)
@@ -145,8 +145,9 @@ Secret AskForSecret(const std::string& name) {
         return secret;
     }
     const Secret again = Ask("repeat the value: ");
-    return again.text == secret.text ? secret
-                                     : BadSource("the second value", "differs from the first");
+    return again.text == secret.text
+               ? secret
+               : BadSource("the second value", "differs from the first; give the same value twice");
 }
 
 }  // namespace velkctl

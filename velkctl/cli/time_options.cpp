@@ -30,11 +30,11 @@ bool ReadSeconds(const char* option, const std::optional<std::string>& word,
 
 std::optional<TimeLimits> ReadTimeOptions(const Invocation& invocation, Report& report) {
     TimeLimits limits;
-    if (!ReadSeconds("--wait", invocation.wait, invocation, report, limits.wait_seconds) ||
-        !ReadSeconds("--timeout", invocation.timeout, invocation, report, limits.timeout_seconds)) {
-        return std::nullopt;
-    }
-    return limits;
+    const bool has_wait =
+        ReadSeconds("--wait", invocation.wait, invocation, report, limits.wait_seconds);
+    const bool has_timeout =
+        ReadSeconds("--timeout", invocation.timeout, invocation, report, limits.timeout_seconds);
+    return has_wait && has_timeout ? std::optional(limits) : std::nullopt;
 }
 
 }  // namespace velkctl

@@ -58,9 +58,9 @@ bool IsNumber(std::string_view word) {
     return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// Returns the hint for a user who meant a word and not an option.
+// Returns a clause for a user who meant a word and not an option.
 std::string DashHint(const Verb& verb) {
-    return verb.words.takes_value ? "; put -- before a value that begins with a dash" : "";
+    return verb.words.takes_value ? "a value that begins with a dash needs -- before it; " : "";
 }
 
 // True if the next word of the verb may be a number.
@@ -91,7 +91,7 @@ std::string TakesNoValue(std::string_view flag) {
 }
 
 std::string NeedsValue(std::string_view option) {
-    return "option " + Quoted(option) + " needs a value";
+    return "option " + Quoted(option) + " needs a value; write " + std::string(option) + "=VALUE";
 }
 
 // Stores an option, with its value from optarg. Returns the problem with it; empty if none. `next`
@@ -106,7 +106,7 @@ std::string TakeOption(const Verb& verb, const VerbOption& option, const char* n
     }
     std::optional<std::string>& value = read.invocation.*option.target;
     if (value) {
-        read.twice = option.name;
+        read.twice.push_back(option.name);
     }
     const bool is_empty = optarg == nullptr || *optarg == '\0';
     value.emplace(is_empty ? option.implied : optarg);
@@ -115,10 +115,11 @@ std::string TakeOption(const Verb& verb, const VerbOption& option, const char* n
 
 // Stores an argument that is no option of the verb.
 void TakeWord(std::string_view word, Arguments& read) {
-    if (read.unknown.empty() && LooksLikeOption(word)) {
-        read.unknown = word;
+    if (LooksLikeOption(word)) {
+        read.unknown.emplace_back(word);
+    } else {
+        read.invocation.words.emplace_back(word);
     }
-    read.invocation.words.emplace_back(word);
 }
 
 // Returns the problem with a first word that is not an interface, or an empty text.
@@ -126,6 +127,19 @@ std::string InterfaceProblem(const Invocation& invocation) {
     const std::string& word = invocation.words.front();
     const bool is_known = word == VELK_WIRED_INTERFACE || word == VELK_WIRELESS_INTERFACE;
     return is_known ? "" : UnknownInterface(word, invocation.Shown(word));
+}
+
+// Returns the problem with the number of the words, or with an interface; empty if none.
+std::string WordsProblem(const Verb& verb, const Invocation& invocation) {
+    const std::vector<std::string>& words = invocation.words;
+    if (words.size() < verb.words.least) {
+        return "argument missing; usage: " + Usage(verb);
+    }
+    if (words.size() > verb.words.most) {
+        return "unexpected argument" + AfterNoun(words[verb.words.most], invocation.beside_secret) +
+               "; usage: " + Usage(verb);
+    }
+    return verb.words.first_is_interface && !words.empty() ? InterfaceProblem(invocation) : "";
 }
 
 }  // namespace
@@ -166,36 +180,31 @@ Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
     return read;
 }
 
-std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments) {
+std::vector<std::string> ArgumentsProblems(const Verb& verb, const Arguments& arguments) {
     const Invocation& invocation = arguments.invocation;
-    if (!arguments.twice.empty()) {
-        return "option " + Quoted(arguments.twice) + " is given twice; give it once";
+    std::vector<std::string> problems;
+    for (const std::string& option : arguments.unknown) {
+        problems.push_back(UnknownOption(verb, option, invocation.beside_secret));
     }
-    if (!arguments.unknown.empty()) {
-        return UnknownOption(verb, arguments.unknown, invocation.beside_secret);
+    for (const std::string_view option : arguments.twice) {
+        problems.push_back("option " + Quoted(option) + " is given twice; give it once");
     }
     if (invocation.quiet && invocation.verbose) {
-        return "--quiet and --verbose exclude each other; give one of them";
+        problems.emplace_back("--quiet and --verbose exclude each other; give one of them");
     }
-    if (invocation.words.size() < verb.words.least) {
-        return "argument missing; usage: " + Usage(verb);
+    // An unknown option may have been meant for a word.
+    const std::string problem = arguments.unknown.empty() ? WordsProblem(verb, invocation) : "";
+    if (!problem.empty()) {
+        problems.push_back(problem);
     }
-    if (invocation.words.size() > verb.words.most) {
-        return "unexpected argument" +
-               AfterNoun(invocation.words[verb.words.most], invocation.beside_secret) +
-               "; usage: " + Usage(verb);
-    }
-    if (verb.words.first_is_interface && !invocation.words.empty()) {
-        return InterfaceProblem(invocation);
-    }
-    return {};
+    return problems;
 }
 
 std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key) {
     const std::string_view name = WithoutValue(option);
     return "unknown option" + AfterNoun(name, may_be_key) +
            DidYouMean(name, OptionNames(verb),
-                      "'" + CommandName(verb) + " --help' lists the options" + DashHint(verb));
+                      DashHint(verb) + "'" + CommandName(verb) + " --help' lists the options");
 }
 
 bool HasOption(const Verb& verb, std::string_view name) {

@@ -11,17 +11,17 @@
 namespace velkctl {
 
 struct Arguments {
-    Invocation invocation{};   // its words are the arguments that are no options of the verb
-    std::string problem{};     // a misused option; it goes before a request for help
-    std::string_view twice{};  // an option that is given twice
-    std::string unknown{};     // the first word that looks like an option
+    Invocation invocation{};  // its words are the arguments that are no options of the verb
+    std::string problem{};    // a misused option; it goes before a request for help
+    std::vector<std::string_view> twice{};  // options that are given twice
+    std::vector<std::string> unknown{};     // options that the verb does not have
 };
 
 // Parses the arguments. After "--" all are words.
 Arguments ReadArguments(const Verb& verb, std::vector<std::string> given);
 
-// Returns the problem with the arguments of a verb; empty if none.
-std::string ArgumentsProblem(const Verb& verb, const Arguments& arguments);
+// Returns the problems with the options of a verb and with the number of its words.
+std::vector<std::string> ArgumentsProblems(const Verb& verb, const Arguments& arguments);
 
 // Returns the message about an option that the verb or the tool does not have.
 std::string UnknownOption(const Verb& verb, std::string_view option, bool may_be_key = false);

@@ -34,9 +34,11 @@ constexpr std::array<VerbOption, 4> kCallOptions{{
     kTimeout,
 }};
 
-constexpr std::array<VerbFlag, 2> kToolFlags{{
+constexpr std::array<VerbFlag, 4> kToolFlags{{
     {"--version", "show the version", &Invocation::version},
     kJson,
+    kQuiet,
+    kVerbose,
 }};
 constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
 constexpr std::array kSecretFlags{kJson, kQuiet, kVerbose, kShowSecrets};
@@ -88,7 +90,8 @@ constexpr std::array<Verb, 10> kVerbs{{
      {.least = 1, .most = kAnyNumber},
      kReadOptions,
      kGetFlags,
-     RunGet},
+     RunGet,
+     CheckWordsOfGet},
     {"set",
      "NAME VALUE...|NAME=VALUE... [OPTION...]",
      "change settings",
@@ -120,7 +123,8 @@ constexpr std::array<Verb, 10> kVerbs{{
      {.least = 1, .most = kAnyNumber, .takes_value = true, .second_is_number = true},
      kChangeOptions,
      kSetFlags,
-     RunSet},
+     RunSet,
+     CheckWordsOfSet},
     {"show",
      "[NAME...] [OPTION...]",
      "show all settings, or those of an interface",
@@ -136,7 +140,8 @@ constexpr std::array<Verb, 10> kVerbs{{
      {.most = kAnyNumber},
      kReadOptions,
      kShowFlags,
-     RunShow},
+     RunShow,
+     CheckWordsOfShow},
     {"restart",
      "eth0|eth1 [OPTION...]",
      "bring an interface down and up to apply its settings",

@@ -73,6 +73,8 @@ struct Verb {
     std::span<const VerbOption> options;
     std::span<const VerbFlag> flags;
     ExitStatus (*run)(const Invocation& invocation, Report& report);
+    // Reports the problems with the words, if an option has one already and the verb does not run.
+    void (*check_words)(const Invocation& invocation, Report& report) = nullptr;
 };
 
 std::span<const Verb> Verbs();
@@ -83,6 +85,10 @@ const Verb& Tool();
 ExitStatus RunGet(const Invocation& invocation, Report& report);
 ExitStatus RunSet(const Invocation& invocation, Report& report);
 ExitStatus RunShow(const Invocation& invocation, Report& report);
+void CheckWordsOfGet(const Invocation& invocation, Report& report);
+void CheckWordsOfSet(const Invocation& invocation, Report& report);
+void CheckWordsOfShow(const Invocation& invocation, Report& report);
+
 ExitStatus RunList(const Invocation& invocation, Report& report);
 ExitStatus RunDescribe(const Invocation& invocation, Report& report);
 ExitStatus RunRestart(const Invocation& invocation, Report& report);

@@ -12,9 +12,6 @@
 
 namespace velkctl {
 
-inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
-                                                        VELK_WIRELESS_INTERFACE};
-
 // The library's files and folders: whether they exist and can be written. The other checks of files
 // return nothing if the file cannot be read.
 Findings CheckFiles();

@@ -107,7 +107,8 @@ Findings CheckServer(const std::string& line, size_t index) {
     }
     if (const std::string server = FalseServer(line); !server.empty()) {
         findings.push_back(
-            about.Problem("is read and set in the wrong place", server + " is taken for it"));
+            about.With(Impact::kBoth)
+                .Problem("is read and set in the wrong place", server + " is taken for it"));
     }
     if (HasSecondEntry(line)) {
         findings.push_back(about.Problem(
@@ -119,10 +120,12 @@ Findings CheckServer(const std::string& line, size_t index) {
     return findings;
 }
 
-Findings CheckEntry(const std::string& line, size_t index) {
+// The first entry is the one that is read.
+Findings CheckEntry(const std::string& line, size_t index, bool is_first) {
     if (IsRemark(line)) {
         return {AboutEntry(SettingsWithKey(kTimeClient))
                     .At(index)
+                    .With(is_first ? Impact::kBoth : Impact::kSetting)
                     .Problem("would change a comment", Excerpt(line) + " is taken for an entry",
                              "remove the word 'ntpdate' from the comment")};
     }
@@ -169,8 +172,9 @@ Findings CheckTimeEntry() {
         return {AboutEntry(SettingsWithKey(kTimeClient))
                     .Problem("cannot be set", "no entry runs ntpdate")};
     }
-    return FindingsOfEach(entries,
-                          [&](size_t index) { return CheckEntry(crontab.lines[index], index); });
+    return FindingsOfEach(entries, [&](size_t index) {
+        return CheckEntry(crontab.lines[index], index, index == entries.front());
+    });
 }
 
 Findings CheckWebUpdate() {

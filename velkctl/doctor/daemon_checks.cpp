@@ -54,7 +54,7 @@ Findings CheckListener() {
     return {IsAdapterAttached()
                 ? AboutDaemon().Problem("does not run", description, "start the wireless daemon")
                 : AboutDaemon(WirelessConfiguration())
-                      .Warning("does not run", description + ", and no adapter is attached",
+                      .Warning("does not run", description + "; no adapter is attached",
                                "plug in an adapter; if that does not start the wireless daemon, "
                                "start it")};
 }

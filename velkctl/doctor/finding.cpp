@@ -40,7 +40,8 @@ std::string Format(const Finding& finding) {
     const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
     return NameInColour(finding.severity) + ": " +
            Printable(finding.subject + " " + finding.effect) + "\n  " +
-           InLinesOf80(Printable(reason), 2) + "\n  fix: " + Printable(finding.remedy) + "\n";
+           InLinesOf80(Printable(reason), 2) + "\n" +
+           (finding.remedy.empty() ? "" : "  fix: " + Printable(finding.remedy) + "\n");
 }
 
 Json CauseInJson(const Finding& finding) {

@@ -87,7 +87,8 @@ Findings FindingsOfEach(const Items& items, Check check) {
 // Returns "/etc/network/interfaces:12", as compilers point at a line; empty without a file.
 std::string LocationOf(const Finding& finding);
 
-// Returns the text of each: subject and effect, indented location and description, then the remedy.
+// Returns the text of each: subject and effect, indented location and description, then the remedy
+// if there is one.
 // Control characters are escaped. At a terminal, the severity has a colour.
 std::string FormatFindings(const Findings& findings);
 

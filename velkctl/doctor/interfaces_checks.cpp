@@ -72,7 +72,7 @@ std::optional<Stanza> FindStanza(const Lines& lines, const std::string& interfac
 // The settings of a stanza that are examined.
 struct Scope {
     AffectedSettings settings;
-    bool is_set = false;       // for a set that had no effect, not by the doctor
+    bool is_set = false;       // for a set without effect, not by the doctor
     std::string_view value{};  // the value of that set, for the fix; empty: a placeholder
 };
 
@@ -169,18 +169,34 @@ class StanzaCheck {
                              InsteadOfLine(index) + LineFor(setting, Trimmed(text)))};
     }
 
-    // A set to none removes the first line alone.
+    // `index` is the line that a set changes. It leaves the others.
     Findings CheckSecond(const Setting& setting, size_t index) const {
-        const auto second = FindLine(lines_, index + 1, stanza_.end, HasKey(setting));
-        if (!second || setting.row->id != VELK_CMD_GATEWAY) {
+        const auto second = FindOther(setting, index);
+        if (!second) {
             return {};
         }
         const std::string line = Excerpt(lines_[*second]);
+        if (setting.row->id != VELK_CMD_GATEWAY) {
+            return {AboutLine(setting, *second, Impact::kNothing)
+                        .Warning("has a second line",
+                                 "ifup may take " + line + "; a set changes line " +
+                                     std::to_string(index + 1) + " alone",
+                                 "remove " + line)};
+        }
         return {AboutLine(setting, *second, Impact::kSetting)
                     .Warning("cannot be set to none in one set",
                              "after line " + std::to_string(index + 1) + " is removed, " + line +
                                  " still applies",
                              "remove " + line)};
+    }
+
+    // Returns another line of the setting's option.
+    std::optional<size_t> FindOther(const Setting& setting, size_t index) const {
+        const auto is_named = [&](std::string_view line) {
+            return FirstWord(line) == setting.row->name;
+        };
+        const auto before = FindLine(lines_, stanza_.header + 1, index, is_named);
+        return before ? before : FindLine(lines_, index + 1, stanza_.end, is_named);
     }
 
     // The line is a comment, or one of another option such as "hwaddress".

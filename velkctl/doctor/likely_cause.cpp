@@ -55,6 +55,14 @@ Findings LikelyCauses(const Setting& setting, std::string_view value) {
     return causes;
 }
 
+Findings Hindrances(const Setting& setting, std::string_view value) {
+    Findings found = FindingsAgainst(setting, value);
+    std::erase_if(found, [](const Finding& finding) {
+        return finding.severity != Severity::kProblem || !HindersSetting(finding.impact);
+    });
+    return found;
+}
+
 void AddLikelyCause(Problem& problem, const Finding& cause) {
     const std::string location = LocationOf(cause);
     const std::string found =

@@ -1,13 +1,17 @@
 // network_check.cpp - checks that the addresses of the interfaces fit together.
 #include "velkctl/doctor/network_check.h"
 
+#include <algorithm>
 #include <bit>
+#include <cctype>
 #include <optional>
 #include <string_view>
 #include <vector>
 
+#include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/settings/address_values.h"
 #include "velkctl/text/ipv4.h"
 
@@ -188,6 +192,26 @@ Findings CheckNetwork(const StaticNetwork& own) {
     return findings;
 }
 
+// "velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK"
+std::string SetOf(const AffectedSettings& settings) {
+    std::string command = "velkctl set";
+    for (const Setting& setting : settings) {
+        std::string placeholder(setting.row->name);
+        std::ranges::transform(placeholder, placeholder.begin(), ::toupper);
+        command.append(" ").append(setting.name()).append("=").append(placeholder);
+    }
+    return command;
+}
+
+Finding Missing(const AffectedSettings& settings) {
+    const bool is_one = settings.size() == 1;
+    const std::string interface(settings.front().interface);
+    return About(settings, velk::kInterfacesFile, Impact::kNothing)
+        .Problem(is_one ? "is missing" : "are missing",
+                 interface + ".method is static, and ifup needs " + (is_one ? "it" : "them"),
+                 SetOf(settings));
+}
+
 Findings CheckOneAddressOfTwo(const std::vector<StaticNetwork>& networks) {
     if (networks.size() < 2 || !networks[0].network.address ||
         networks[0].network.address != networks[1].network.address) {
@@ -199,6 +223,39 @@ Findings CheckOneAddressOfTwo(const std::vector<StaticNetwork>& networks) {
                          "both are " + Dotted(address))};
 }
 
+// ifup needs an address and a mask. A line that the library does not read is no missing one.
+Findings CheckMissing(const std::string& interface, const PlannedValues& planned) {
+    Findings findings;
+    AffectedSettings missing;
+    for (const uint32_t id : {VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK}) {
+        const Setting setting = SettingsOf(id, interface).front();
+        const std::optional<Data> data = planned.Get(setting);
+        if (!data || !PrintText(*data, "").empty()) {
+            continue;
+        }
+        const std::optional<Finding> of_line = OwnLineFinding(setting);
+        if (!of_line) {
+            missing.push_back(setting);
+        } else if (of_line->severity == Severity::kWarning) {
+            Finding finding = Missing({setting});  // a set would add the line in the wrong place
+            finding.remedy = of_line->remedy;
+            findings.push_back(finding);
+        } else if (of_line->impact == Impact::kSetting) {
+            findings.push_back(*of_line);  // a set would not add the line
+        }
+    }
+    Append(findings, missing.empty() ? Findings() : Findings{Missing(missing)});
+    return findings;
+}
+
+// True if the device has the address: the configured one, or with DHCP the present one.
+bool HasAddress(const std::string& interface, const std::string& address,
+                const std::vector<StaticNetwork>& networks) {
+    const auto own = std::ranges::find(networks, interface, &StaticNetwork::interface);
+    return own == networks.end() ? ReadInterfaceState(interface).Has(address)
+                                 : own->network.address == ParseIpv4(address);
+}
+
 // A forwarder that asks the device asks itself. With --force, a resolver may run there.
 Findings CheckServer(const std::string& server, const std::vector<StaticNetwork>& networks) {
     const std::optional<uint32_t> address = ParseIpv4(server);
@@ -206,13 +263,13 @@ Findings CheckServer(const std::string& server, const std::vector<StaticNetwork>
         return {AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
                     .Warning("names the device itself", server + " is a loopback address")};
     }
-    return FindingsOfEach(networks, [&](const StaticNetwork& own) -> Findings {
-        if (!address || address != own.network.address) {
+    return FindingsOfEach(kInterfaces, [&](const std::string& interface) -> Findings {
+        if (!address || !HasAddress(interface, server, networks)) {
             return {};
         }
-        return {AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
-                    .Warning("names the device itself",
-                             server + " is the address of " + own.interface)};
+        return {
+            AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
+                .Warning("names the device itself", server + " is the address of " + interface)};
     });
 }
 
@@ -220,7 +277,9 @@ Findings CheckServer(const std::string& server, const std::vector<StaticNetwork>
 
 Findings NetworkMismatches(const PlannedValues& planned) {
     const std::vector<StaticNetwork> networks = StaticNetworks(planned);
-    Findings findings = FindingsOfEach(networks, CheckNetwork);
+    Findings findings = FindingsOfEach(
+        networks, [&](const StaticNetwork& own) { return CheckMissing(own.interface, planned); });
+    Append(findings, FindingsOfEach(networks, CheckNetwork));
     Append(findings, CheckOneAddressOfTwo(networks));
     const Setting dns = SettingsOf(VELK_CMD_DNS, VELK_WIRED_INTERFACE).front();
     const std::optional<Data> servers = planned.Get(dns);
@@ -233,6 +292,26 @@ Findings NetworkMismatches(const PlannedValues& planned) {
     return findings;
 }
 
+namespace {
+
+// One value set after the other has this conflict in between: only a set of both is refused.
+std::optional<Problem> SameAddressProblem(const SettingChange& change,
+                                          const PlannedValues& planned) {
+    const Setting first = SettingsOf(VELK_CMD_IP_ADDRESS, VELK_WIRED_INTERFACE).front();
+    const Setting& second = change.setting;
+    if (second.row->id != VELK_CMD_IP_ADDRESS || second.interface != VELK_WIRELESS_INTERFACE ||
+        !planned.Changes(first) || !IsStatic(first.interface, planned) ||
+        AddressIn(change.value) != AddressIn(*planned.Get(first))) {
+        return std::nullopt;
+    }
+    return Problem{.message = second.name() + ": " + Dotted(*AddressIn(change.value)) +
+                              " is also the new value of " + first.name(),
+                   .setting = second.name(),
+                   .remedy = "give each interface an address of its own, or give --force"};
+}
+
+}  // namespace
+
 std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned) {
     const Setting& setting = change.setting;
     const uint32_t id = setting.row->id;
@@ -242,7 +321,7 @@ std::optional<Problem> NetworkProblem(const SettingChange& change, const Planned
     }
     const Conflict conflict = ConflictOf(id, NetworkOf(setting.interface, planned));
     if (conflict.problem.empty()) {
-        return std::nullopt;
+        return SameAddressProblem(change, planned);
     }
     const std::string name = setting.name();
     return Problem{

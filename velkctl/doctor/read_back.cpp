@@ -1,12 +1,37 @@
 // read_back.cpp - whether the device holds the value that was set.
 #include "velkctl/doctor/read_back.h"
 
+#include <ctime>
+
 #include "velkctl/call/command.h"
+#include "velkctl/call/library_lock.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
 namespace {
+
+constexpr int kPauses = 5;
+constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 10'000'000};
+
+// A change of another program empties a file for a moment. Waits for its end, but not long.
+void AwaitOtherChange() {
+    int pauses = 0;
+    do {
+        (void)nanosleep(&kPause, nullptr);
+        ++pauses;
+    } while (pauses < kPauses && LibraryLock().is_busy());
+}
+
+// Returns the losses that last.
+std::string LossesOf(const FilesBefore& before) {
+    if (before.Losses().empty()) {
+        return {};
+    }
+    AwaitOtherChange();
+    return before.Losses();
+}
 
 // True if the interface answers with its lease, and so not with the configured address.
 bool AnswersWithLease(const Setting& setting, const Device& device) {
@@ -29,12 +54,13 @@ std::string HeldValue(const Setting& setting, const Answer& answer) {
     return "the device holds " + QuotedWhole(setting.row->kind->Print(answer.data));
 }
 
-// `difference` says how the device differs, `losses` names the files that have lost their text.
-ReadBack NotHeld(const Setting& setting, const std::string& difference, const std::string& losses,
+// `difference` says how the device differs. `detail` names the files that have lost their text, or
+// says that another program may be the reason.
+ReadBack NotHeld(const Setting& setting, const std::string& difference, const std::string& detail,
                  const Findings& causes, Report& report) {
     const std::string name = setting.name();
     Problem problem{name + ": the library reported success, but " + difference, name};
-    problem.detail = losses;
+    problem.detail = detail;
     if (!causes.empty()) {
         AddLikelyCause(problem, causes.front());
     }
@@ -48,26 +74,51 @@ ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& rep
     return {std::nullopt, StatusOf(answer)};
 }
 
-// True if the device holds a value that is neither the one before the set nor the one that was set:
-// only another program can have set it, after this set.
-bool IsSetByAnother(const Setting& setting, const Answer& answer, const FilesBefore& before) {
-    return answer.ok() && !setting.row->secret && before.value() && before.Losses().empty() &&
+// True if the device holds a value that is neither the one before the set nor the one that was set.
+bool IsThirdValue(const Setting& setting, const Answer& answer, const FilesBefore& before) {
+    return answer.ok() && !setting.row->secret && before.value() &&
            setting.row->kind->Print(answer.data) != *before.value();
+}
+
+// True if a set without effect cannot be distinguished from another program that has set the value
+// since. The daemon is not asked before a set. The causes of an address always have its line.
+bool IsUndecided(const Setting& setting, const Answer& answer, const FilesBefore& before,
+                 const Findings& causes) {
+    const bool is_of_daemon = setting.row->held_in.holder == Holder::kDaemon;
+    const bool is_explained =
+        !causes.empty() && !is_of_daemon && !IsAddressCommand(setting.row->id);
+    return answer.ok() && !is_explained && (before.value() || is_of_daemon);
 }
 
 // The set was done. The later one counts, as it would have a minute later.
 ReadBack SetByAnother(const Setting& setting, const Answer& answer, Report& report) {
-    report.Note(setting.name() + ": set, but another program has set it to " +
-                Quoted(setting.row->kind->Print(answer.data)) + " since");
+    const std::string name = setting.name();
+    report.Note(Problem{.message = name + ": set, but another program has set it to " +
+                                   Quoted(setting.row->kind->Print(answer.data)) + " since",
+                        .setting = name});
     return {false, ExitStatus::kDone};
+}
+
+// Compares a value that is not held with the one from before. A line that the set damages may also
+// be read as a third value, so another program is named only if no finding explains the value.
+ReadBack ExplainDifference(const Setting& setting, const Data& wanted, const Answer& answer,
+                           const FilesBefore& before, Report& report) {
+    const std::string value = setting.row->kind->Print(wanted);
+    const std::string losses = LossesOf(before);
+    const bool is_hindered = !losses.empty() || !Hindrances(setting, value).empty();
+    if (!is_hindered && IsThirdValue(setting, answer, before)) {
+        return SetByAnother(setting, answer, report);
+    }
+    const Findings causes = LikelyCauses(setting, value);
+    const bool is_undecided = !is_hindered && IsUndecided(setting, answer, before, causes);
+    return NotHeld(setting, HeldValue(setting, answer),
+                   is_undecided ? "it was not set, or another program has set it since" : losses,
+                   causes, report);
 }
 
 // Checks a value that cannot be read back by looking for findings that keep it from being set.
 ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
-                     Findings causes, Report& report) {
-    std::erase_if(causes, [](const Finding& cause) {
-        return cause.severity != Severity::kProblem || !HindersSetting(cause.impact);
-    });
+                     const Findings& causes, Report& report) {
     if (!causes.empty() || !losses.empty()) {
         return NotHeld(setting, "the device cannot hold the value", losses, causes, report);
     }
@@ -80,12 +131,18 @@ ReadBack CheckUnread(const Setting& setting, const std::string& reason, const st
 ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
                          const Device& device, Report& report) {
     const ValueKind& kind = *setting.row->kind;
-    const auto causes = [&] { return LikelyCauses(setting, kind.Print(wanted)); };
+    const auto hindrances = [&] { return Hindrances(setting, kind.Print(wanted)); };
     if (!setting.can_get()) {
-        return CheckUnread(setting, "it cannot be read", before.Losses(), causes(), report);
+        return CheckUnread(setting, "it cannot be read", LossesOf(before), hindrances(), report);
     }
-    const Answer answer = device.Get(setting);
-    if (answer.ok() && kind.Print(answer.data) == kind.Print(wanted)) {
+    const auto is_held = [&](const Answer& answer) {
+        return answer.ok() && kind.Print(answer.data) == kind.Print(wanted);
+    };
+    Answer answer = device.Get(setting);
+    if (is_held(answer)) {
+        if (const std::optional<Problem> note = NoteAfterSet(setting, wanted)) {
+            report.Note(*note);
+        }
         return {true, ExitStatus::kDone};
     }
     if (answer.timed_out) {
@@ -95,12 +152,14 @@ ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const Files
         return CheckUnread(
             setting,
             "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
-            before.Losses(), causes(), report);
+            LossesOf(before), hindrances(), report);
     }
-    if (IsSetByAnother(setting, answer, before)) {
-        return SetByAnother(setting, answer, report);
+    if (setting.row->held_in.holder == Holder::kFile) {
+        AwaitOtherChange();
+        answer = device.Get(setting);
     }
-    return NotHeld(setting, HeldValue(setting, answer), before.Losses(), causes(), report);
+    return is_held(answer) ? ReadBack{true, ExitStatus::kDone}
+                           : ExplainDifference(setting, wanted, answer, before, report);
 }
 
 }  // namespace velkctl

@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velkctl/call/device.h"
 #include "velkctl/call/planned_values.h"
@@ -22,10 +24,19 @@ namespace {
 // A get that fails may wait for the system log.
 constexpr int kSeconds = 5;
 
-// Returns the printed value as the words of a set.
+// Returns the printed value as the words of a set, without escapes.
 std::vector<std::string> AsWords(const Setting& setting, const std::string& printed) {
     const bool is_list = setting.row->id == VELK_CMD_DNS;
-    return is_list ? WordsOf(printed) : std::vector<std::string>{printed};
+    std::vector<std::string> words = is_list ? WordsOf(printed) : std::vector<std::string>{printed};
+    std::ranges::transform(words, words.begin(), UnprintedValue);
+    return words;
+}
+
+// Returns the reason with the word as it is: the text of a finding is escaped when it is shown.
+std::string Unescaped(std::string_view reason, const std::string& word) {
+    const std::string quoted = Quoted(word);
+    return reason.starts_with(quoted) ? Excerpt(word).append(reason.substr(quoted.size()))
+                                      : std::string(reason);
 }
 
 // Returns the first word that is refused; the first of all if the words are refused together.
@@ -63,14 +74,29 @@ bool AreAddresses(const Setting& setting, const std::vector<std::string>& words)
                                [](const std::string& word) { return ParseIpv4(word).has_value(); });
 }
 
-// Cron takes times that a set does not write, such as 8:5.
-Severity SeverityOf(const Setting& setting) {
-    return setting.row->id == VELK_CMD_WEB_UPDATE ? Severity::kWarning : Severity::kProblem;
+bool IsSchedule(const Setting& setting) {
+    return setting.row->id == VELK_CMD_WEB_UPDATE;
 }
 
-// True if both words mean the same: 8:30 is 08:30.
-bool IsSameTime(const Setting& setting, const Parsed& parsed) {
-    return parsed.ok() && setting.row->id == VELK_CMD_WEB_UPDATE;
+Severity SeverityOf(const Setting& setting) {
+    return IsSchedule(setting) ? Severity::kWarning : Severity::kProblem;
+}
+
+// Returns the placeholder of a value in a fix.
+std::string PlaceholderOf(const Setting& setting) {
+    return IsSchedule(setting) ? "SCHEDULE" : "VALUE";
+}
+
+// Cron takes numbers of one digit, a set takes minutes of two: 5:5 is 05:05.
+bool IsScheduleOfCron(const Setting& setting, std::string printed) {
+    if (!IsSchedule(setting)) {
+        return false;
+    }
+    const size_t colon = printed.find(':');
+    if (colon != std::string::npos && colon + 2 == printed.size()) {
+        printed.insert(colon + 1, "0");
+    }
+    return setting.row->kind->Parse({&printed, 1}).ok();
 }
 
 // True for a value that is read from a file, and not from a lease.
@@ -82,8 +108,7 @@ bool IsInFile(const Setting& setting, const Device& device) {
     if (!held_in.is_of_lease) {
         return true;
     }
-    const Answer method = device.Get(SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front());
-    return method.ok() && method.data[0] == VELK_METHOD_STATIC;
+    return device.HasStaticMethod(setting.interface);
 }
 
 // A text may have any bytes.
@@ -92,15 +117,47 @@ bool IsText(const Setting& setting) {
     return kind == &kFreeText || kind == &kSsid || setting.row->secret;
 }
 
-bool IsReadWrongly(const Findings& known, const Setting& setting) {
+// True if the fix of the finding comes before that of the value: a set may change another line, or
+// join two.
+bool ComesFirst(const Finding& finding) {
+    return HindersReading(finding.impact) || (HindersSetting(finding.impact) && finding.line != 0);
+}
+
+bool IsReadOrSetWrongly(const Findings& known, const Setting& setting) {
     return std::ranges::any_of(known, [&](const Finding& finding) {
-        return finding.impact == Impact::kReading && Includes(finding.affected, setting);
+        return ComesFirst(finding) && Includes(finding.affected, setting);
     });
+}
+
+bool IsReadOrSetWrongly(const Findings& known, const AffectedSettings& settings) {
+    return std::ranges::any_of(
+        settings, [&](const Setting& setting) { return IsReadOrSetWrongly(known, setting); });
+}
+
+Findings CheckLinesOf(const Setting& setting) {
+    const char* file = setting.row->held_in.line.file;
+    if (file == nullptr) {
+        return {};
+    }
+    if (file == std::string_view(velk::kInterfacesFile)) {
+        return CheckInterfacesFor(setting, "");
+    }
+    if (file == std::string_view(velk::kCrontab)) {
+        return IsSchedule(setting) ? CheckWebUpdate() : CheckTimeEntry();
+    }
+    return {};
 }
 
 // eth0 and eth1 have one list of servers.
 bool IsSecondView(const Setting& setting) {
     return setting.row->id == VELK_CMD_DNS && setting.interface == VELK_WIRELESS_INTERFACE;
+}
+
+Problem NoteOfLine(const Setting& setting, const Finding& of_line) {
+    return {.message = Printable(of_line.subject + " " + of_line.effect),
+            .setting = setting.name(),
+            .detail = Printable(LocationOf(of_line) + ": " + of_line.description),
+            .remedy = Printable(of_line.remedy)};
 }
 
 Findings CheckValue(const Setting& setting, const Device& device) {
@@ -132,32 +189,77 @@ std::optional<Finding> InvalidValue(const Setting& setting, const Data& value) {
     const std::vector<std::string> words = AsWords(setting, printed);
     const Parsed parsed = kind.Parse(words);
     const std::string written = parsed.ok() ? kind.Print(parsed.data) : "";
-    if (written == printed || IsSameTime(setting, parsed) || AreAddresses(setting, words)) {
+    if (written == printed || IsScheduleOfCron(setting, printed) || AreAddresses(setting, words)) {
         return std::nullopt;
     }
-    Finding about = AboutValue(setting, RefusedWord(kind, words));
+    const std::string refused = RefusedWord(kind, words);
+    Finding about = AboutValue(setting, refused);
     about.severity = SeverityOf(setting);
     about.effect = "has a value that is not valid";
     const std::string fix = "velkctl set " + setting.name() + " ";
     return parsed.ok() ? about.Because(Quoted(printed) + " is short for " + written, fix + written)
-                       : about.Because(FirstClause(parsed.problem), fix + "VALUE");
+                       : about.Because(Unescaped(FirstClause(parsed.problem), refused),
+                                       fix + PlaceholderOf(setting));
+}
+
+std::optional<Finding> LineFinding(const Setting& setting) {
+    Findings findings = CheckLinesOf(setting);
+    std::erase_if(findings, [&](const Finding& finding) {
+        return !ComesFirst(finding) || !Includes(finding.affected, setting);
+    });
+    const auto first = std::ranges::min_element(findings, {}, &Finding::severity);
+    return first == findings.end() ? std::nullopt : std::optional(*first);
+}
+
+std::optional<Problem> NoteAboutValue(const Setting& setting, const Data& value,
+                                      const Device& device) {
+    const std::optional<Finding> invalid = InvalidValue(setting, value);
+    const std::optional<Finding> of_line =
+        IsInFile(setting, device) ? LineFinding(setting) : std::nullopt;
+    if (of_line && (invalid || HindersReading(of_line->impact))) {
+        return NoteOfLine(setting, *of_line);
+    }
+    return invalid ? std::optional(NoteOf(*invalid)) : std::nullopt;
+}
+
+std::optional<Finding> OwnLineFinding(const Setting& setting) {
+    const char* file = setting.row->held_in.line.file;
+    if (file == nullptr || file != std::string_view(velk::kInterfacesFile)) {
+        return std::nullopt;
+    }
+    const Findings findings = CheckInterfacesFor(setting, "");
+    const auto found = std::ranges::find_if(findings, [&](const Finding& finding) {
+        return finding.affected.size() == 1 && Includes(finding.affected, setting);
+    });
+    return found == findings.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<Problem> NoteAfterSet(const Setting& setting, const Data& value) {
+    const std::optional<Finding> of_line =
+        setting.row->kind->Print(value) == kNone ? std::nullopt : OwnLineFinding(setting);
+    return of_line ? std::optional(NoteOfLine(setting, *of_line)) : std::nullopt;
 }
 
 Problem NoteOf(const Finding& invalid_value) {
     const std::string location = LocationOf(invalid_value);
-    return {.message = invalid_value.subject + ": " + invalid_value.description,
+    return {.message = Printable(invalid_value.subject + ": " + invalid_value.description),
             .setting = invalid_value.subject,
-            .detail = location.empty() ? "" : "it is read from " + location,
-            .remedy = invalid_value.remedy};
+            .detail = location.empty() ? "" : Printable("it is read from " + location),
+            .remedy = Printable(invalid_value.remedy)};
 }
 
 Findings CheckValues(const Findings& known, Report& report) {
     const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
     AffectedSettings settings = Settings();
-    std::erase_if(settings, [&](const Setting& setting) { return IsReadWrongly(known, setting); });
+    std::erase_if(settings,
+                  [&](const Setting& setting) { return IsReadOrSetWrongly(known, setting); });
     Findings findings = FindingsOfEach(
         settings, [&](const Setting& setting) { return CheckValue(setting, device); });
-    Append(findings, NetworkMismatches(PlannedValues(device, {})));
+    Findings mismatches = NetworkMismatches(PlannedValues(device, {}));
+    std::erase_if(mismatches, [&](const Finding& mismatch) {
+        return IsReadOrSetWrongly(known, mismatch.affected);
+    });
+    Append(findings, std::move(mismatches));
     return findings;
 }
 

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "velkctl/call/device.h"
 #include "velkctl/doctor/finding.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
@@ -19,11 +20,28 @@ Finding AboutValue(const Setting& setting, const std::string& text);
 // that the value is read from. Nothing if the value is valid, empty or a text.
 std::optional<Finding> InvalidValue(const Setting& setting, const Data& value);
 
+// Returns the first finding about the line of the setting's value: a set may then change another
+// line. A problem comes before a warning. Nothing if the value is read and set in its own line.
+std::optional<Finding> LineFinding(const Setting& setting);
+
+// Returns the first finding about the setting's own line in /etc/network/interfaces, or about the
+// place of the line that a set adds. Nothing for other files.
+std::optional<Finding> OwnLineFinding(const Setting& setting);
+
 // Returns the finding about an invalid value as a note.
 Problem NoteOf(const Finding& invalid_value);
 
+// Returns the note about a value that was read: the finding about its line, and without one that
+// about the value. Nothing if the value is valid and read from its own line.
+std::optional<Problem> NoteAboutValue(const Setting& setting, const Data& value,
+                                      const Device& device);
+
+// Returns the note about the lines of a value that was set and read back: ifup may take another
+// one. Nothing if there is no doubt.
+std::optional<Problem> NoteAfterSet(const Setting& setting, const Data& value);
+
 // Checks each value in the device's files, and the values of the interfaces against each other.
-// Leaves out the settings that are read wrongly according to the findings in `known`.
+// Leaves out the settings that are read or set wrongly according to the findings in `known`.
 Findings CheckValues(const Findings& known, Report& report);
 
 }  // namespace velkctl

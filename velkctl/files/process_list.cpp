@@ -78,8 +78,12 @@ std::vector<Process> DescendantsOf(pid_t ancestor, const std::vector<Process>& p
     return found;
 }
 
+std::string CommandLineOf(pid_t process) {
+    return ReadTextFile(FolderOf(std::to_string(process)) + "/cmdline").bytes;
+}
+
 std::string CommandOf(pid_t process) {
-    std::string command = ReadTextFile(FolderOf(std::to_string(process)) + "/cmdline").bytes;
+    std::string command = CommandLineOf(process);
     while (command.ends_with('\0')) {
         command.pop_back();
     }

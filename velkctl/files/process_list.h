@@ -27,6 +27,8 @@ std::vector<Process> ListProcesses();
 // Returns the running children of a process, their children and so on, parents before children.
 std::vector<Process> DescendantsOf(pid_t ancestor, const std::vector<Process>& processes);
 
+// Returns the arguments of a process with a NUL after each. Empty if it has ended.
+std::string CommandLineOf(pid_t process);
 // Returns the command line of a process: "ifup eth0". Empty if it has ended.
 std::string CommandOf(pid_t process);
 

@@ -37,14 +37,14 @@ struct ExitMeaning {
 
 inline constexpr std::array<ExitMeaning, 8> kExitMeanings{{
     {ExitStatus::kDone, "done", "none needed"},
-    {ExitStatus::kFailed, "failed, or the doctor found a problem",
+    {ExitStatus::kFailed, "failed, or a problem or difference was found",
      "read the message; 'velkctl doctor' looks for the cause"},
     {ExitStatus::kInvalid, "wrong usage, or a name or value that is not valid",
      "read the message, 'velkctl VERB --help' and 'velkctl describe NAME'"},
     {ExitStatus::kLocked, "another program is changing settings", kLockedRemedy},
     {ExitStatus::kNoAdapter, "no supported wireless adapter is attached", kNoAdapterRemedy},
     {ExitStatus::kWiredLinked, "refused while the cable is in the wired port", kWiredLinkedRemedy},
-    {ExitStatus::kNotHeld, "set, but the device does not hold the value",
+    {ExitStatus::kNotHeld, "done, but the device lacks the value or address",
      "read the likely cause in the message; 'velkctl doctor' looks for more"},
     {ExitStatus::kTimedOut, "no answer before the timeout",
      "give a longer --timeout; 'velkctl doctor' checks if the daemon answers"},

@@ -1,6 +1,8 @@
 // report.cpp - the output of one run: text for people, or one JSON document for programs.
 #include "velkctl/report/report.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "velkctl/report/output.h"
@@ -12,16 +14,15 @@ namespace {
 
 constexpr int kSchema = 3;  // raised if a change can break a program that reads the document
 constexpr size_t kColumns = 80;
-constexpr std::string_view kPrefix = "velkctl: ";
+constexpr std::string_view kNote = "note: ";
 constexpr std::string_view kSeparator = "; ";
 constexpr std::string_view kNewLine = "\n  ";
 constexpr std::string_view kFix = "fix: ";
-constexpr std::string_view kAdvice = "give ";  // begins the advice of a message
 constexpr std::string_view kContrast = ", but ";
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
-}
+// The beginnings of a clause that advises.
+constexpr std::array<std::string_view, 9> kAdvice{
+    "fix: ", "give ", "did you mean ", "leave ", "put ", "set ", "usage: ", "write ", "'velkctl "};
 
 Json CauseOf(const Problem& problem) {
     if (problem.file.empty()) {
@@ -41,6 +42,48 @@ bool OpensQuote(std::string_view text, size_t at) {
 bool ClosesQuote(std::string_view text, size_t at) {
     return text[at] == '\'' && (at + 1 == text.size() ||
                                 std::string_view(" ,;:)").find(text[at + 1]) != std::string::npos);
+}
+
+bool IsAdvice(std::string_view clause) {
+    return std::ranges::any_of(
+        kAdvice, [clause](std::string_view beginning) { return clause.starts_with(beginning); });
+}
+
+bool IsUsage(std::string_view remedy) {
+    return remedy.starts_with("usage: ");
+}
+
+// Returns the text after its first clause.
+std::string_view AfterClause(std::string_view text) {
+    const std::string_view clause = FirstClause(text);
+    const size_t separator = clause.ends_with(',') ? 1 : kSeparator.size();
+    return text.substr(std::min(text.size(), clause.size() + separator));
+}
+
+// Returns the advice at the end of a message; empty if none.
+std::string_view AdviceIn(std::string_view message) {
+    std::string_view rest = AfterClause(message);
+    while (!rest.empty() && !IsAdvice(rest)) {
+        rest = AfterClause(rest);
+    }
+    return rest;
+}
+
+// Moves the advice at the end of the message to the remedy, and the clauses before it, after the
+// first, to the detail.
+Problem WithAdviceAsRemedy(Problem problem) {
+    const std::string advice(AdviceIn(problem.message));
+    if (advice.empty() || !problem.remedy.empty() || !problem.detail.empty()) {
+        return problem;
+    }
+    problem.remedy = advice.substr(advice.starts_with(kFix) ? kFix.size() : 0);
+    problem.message.resize(problem.message.size() - advice.size() - kSeparator.size());
+    const std::string_view failure = FirstClause(problem.message);
+    if (failure.size() < problem.message.size() && !failure.ends_with(',')) {
+        problem.detail = AfterClause(problem.message);
+        problem.message.resize(failure.size());
+    }
+    return problem;
 }
 
 }  // namespace
@@ -63,7 +106,12 @@ std::string_view FirstClause(std::string_view text) {
     return text;
 }
 
-Json ProblemInJson(const Problem& problem) {
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(text);
+}
+
+Json ProblemInJson(const Problem& given) {
+    const Problem problem = WithAdviceAsRemedy(given);
     Json error;
     error["message"] = problem.message;
     error["detail"] = TextOrNull(problem.detail);
@@ -87,10 +135,6 @@ std::string InLinesOf80(std::string_view text, size_t indent) {
         lines.append(clause).append(kNewLine);
         text.remove_prefix(clause.size() + (clause.ends_with(',') ? 1 : kSeparator.size()));
         indent = kNewLine.size() - 1;
-        if (text.starts_with(kAdvice)) {
-            lines.append(kFix);
-            indent += kFix.size();
-        }
     }
     return lines.append(text);
 }
@@ -110,13 +154,15 @@ std::string OneLine(const Problem& problem) {
     return text;
 }
 
-std::string InLines(const Problem& problem) {
-    std::string text = InLinesOf80(problem.message, kPrefix.size());
+std::string InLines(const Problem& given, size_t indent) {
+    const bool fits = indent + given.message.size() <= kColumns;
+    const Problem problem = fits ? given : WithAdviceAsRemedy(given);
+    std::string text = InLinesOf80(problem.message, indent);
     if (!problem.detail.empty()) {
         text.append(kNewLine).append(InLinesOf80(problem.detail, kNewLine.size() - 1));
     }
     if (!problem.remedy.empty()) {
-        text.append(kNewLine).append(kFix).append(problem.remedy);
+        text.append(kNewLine).append(IsUsage(problem.remedy) ? "" : kFix).append(problem.remedy);
     }
     if (problem.result) {
         text.append(kNewLine).append("result: ").append(ResultName(*problem.result));
@@ -170,12 +216,12 @@ void Report::Note(std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
     } else if (detail_ != Detail::kQuiet) {
-        PrintError(note, Tone::kNote);
+        PrintError(std::string(kNote).append(note), Tone::kNote);
     }
 }
 
 void Report::Note(const Problem& problem) {
-    Note(is_json() ? OneLine(problem) : InLines(problem));
+    Note(is_json() ? OneLine(problem) : InLines(problem, kErrorIndent + kNote.size()));
 }
 
 void Report::Complain(const Problem& problem) {

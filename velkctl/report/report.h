@@ -29,21 +29,27 @@ struct Problem {
 // it has neither. A quotation stays whole.
 std::string_view FirstClause(std::string_view text);
 
-// Breaks a text that is too long for one line of a terminal at its semicolons and before "but".
-// Advice on a line of its own is marked as the fix. A fix stays whole: it may be a line for the
-// shell. `indent` is the width of the text before it on its line; the next lines are indented by
-// two.
+inline constexpr size_t kErrorIndent = std::string_view("velkctl: ").size();
+
+// Breaks a text that is too long for one line of a terminal at its semicolons and before "but". A
+// fix stays whole: it may be a line for the shell. `indent` is the width of the text before it on
+// its line; the next lines are indented by two.
 std::string InLinesOf80(std::string_view text, size_t indent);
 
 // "eth1.rate: could not be read; no supported wireless adapter is attached; fix: attach an adapter
 // of ... (LIB_VELK_NO_ADAPTER, -5)"
 std::string OneLine(const Problem& problem);
 
-// The same for people: the failure on the first line; reason, fix and result on indented lines.
-std::string InLines(const Problem& problem);
+// The same for people: the failure on the first line, after `indent` columns; reason, fix and
+// result on indented lines. A message with advice at its end stays on one line if it fits.
+std::string InLines(const Problem& problem, size_t indent = kErrorIndent);
+
+// Returns the text; null if it is empty.
+Json TextOrNull(const std::string& text);
 
 // {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
-// "setting": ..., "result": ...}. A member that is unknown is null.
+// "setting": ..., "result": ...}. A member that is unknown is null. Advice at the end of the
+// message, as in "...; give on or off", is the remedy.
 Json ProblemInJson(const Problem& problem);
 
 // Text is printed at once: answers to standard output, problems and notes to standard error. JSON
@@ -82,7 +88,8 @@ class Report {
     // Adds the kept lines as notes.
     void ShowToolOutput();
 
-    // Adds information for a person that a script can ignore. With kQuiet only to the document.
+    // Adds information for a person that a script can ignore. In text it is marked as a note. With
+    // kQuiet only to the document.
     void Note(std::string_view note);
     void Note(const Problem& problem);
     void Complain(const Problem& problem);

@@ -6,6 +6,19 @@
 #include "velkctl/text/numbers.h"
 
 namespace velkctl {
+namespace {
+
+// Returns the problem with a word that is a prefix length of no mask, "/33"; empty for others.
+std::string PrefixProblem(std::string_view word) {
+    const std::string_view number = word.substr(word.starts_with('/') ? 1 : 0);
+    if (number.empty()) {
+        return word.empty() ? "" : "has no prefix length";
+    }
+    const bool is_number = number.find_first_not_of("0123456789") == std::string_view::npos;
+    return is_number ? "is no mask: a prefix length is 1 to 32" : "";
+}
+
+}  // namespace
 
 std::string AddressKind::Wanted() const {
     return std::string(wanted_)
@@ -16,7 +29,11 @@ std::string AddressKind::Wanted() const {
 
 std::string AddressKind::Problem(const std::string& word) const {
     const std::optional<uint32_t> address = ParseIpv4(word);
-    return address ? std::string(problem_(*address)) : NotIpv4Problem(word, wanted_);
+    if (address) {
+        return std::string(problem_(*address));
+    }
+    const std::string prefix = in_full_ == nullptr ? "" : PrefixProblem(word);
+    return prefix.empty() ? NotIpv4Problem(word, wanted_) : prefix;
 }
 
 Parsed AddressKind::Parse(std::span<const std::string> words) const {

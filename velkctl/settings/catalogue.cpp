@@ -41,6 +41,8 @@ constexpr HeldIn kLocationLines =
     InEffect(TakesEffect::kAtOnce,
              InFile(velk::kIdentityFile, "LOCATION=", {velk::kSnmpFile, "syslocation"}));
 constexpr HeldIn kTimeEntry = InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, kTimeClient));
+constexpr HeldIn kTimeServerEntry =
+    InEffect(TakesEffect::kWithNtp, InFile(velk::kCrontab, kTimeClient));
 constexpr HeldIn kUpdateEntry =
     InEffect(TakesEffect::kWithCron, InFile(velk::kCrontab, "web_contents_updater"));
 constexpr HeldIn kTimeLog = InFile(velk::kNtpLog);
@@ -49,14 +51,17 @@ constexpr HeldIn kAddressLine = InAddressLine(velk::kAddressKey, kInterfaceTool)
 constexpr HeldIn kNetmaskLine = InAddressLine(velk::kNetmaskKey, kInterfaceTool);
 constexpr HeldIn kGatewayLine = InAddressLine(velk::kGatewayKey);
 constexpr HeldIn kNameServerLines =
-    InFile(velk::kDhcpConfigFile, "domain-name-servers", {velk::kClientScript, "make_resolv_conf"});
+    InEffect(TakesEffect::kOffAtLease, InFile(velk::kDhcpConfigFile, "domain-name-servers",
+                                              {velk::kClientScript, "make_resolv_conf"}));
 constexpr HeldIn kTimeServerLines =
-    InFile(velk::kDhcpConfigFile, "ntp-servers", {velk::kExitHooks, velk::kClockSetter});
-constexpr HeldIn kLinkLocalLine = InFile(velk::kExitHooks, velk::kLinkLocalDaemon);
+    InEffect(TakesEffect::kOffAtLease,
+             InFile(velk::kDhcpConfigFile, "ntp-servers", {velk::kExitHooks, velk::kClockSetter}));
+constexpr HeldIn kLinkLocalLine =
+    InEffect(TakesEffect::kAtLease, InFile(velk::kExitHooks, velk::kLinkLocalDaemon));
 constexpr HeldIn kNoticeLines =
-    InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice});
-// The DNS forwarder reads its file again when it changes.
-constexpr HeldIn kResolver = InEffect(TakesEffect::kAtOnce, InFile(velk::kResolverFile));
+    InEffect(TakesEffect::kAtLease,
+             InFile(velk::kExitHooks, velk::kFinishNotice, {velk::kExitHooks, velk::kStartNotice}));
+constexpr HeldIn kResolver = InEffect(TakesEffect::kWithForwarder, InFile(velk::kResolverFile));
 constexpr HeldIn kInKernel{.holder = Holder::kKernel};
 constexpr HeldIn kByEthtool{
     .holder = Holder::kTool, .tool = kLinkTool, .takes_effect = TakesEffect::kAtOnce};
@@ -75,12 +80,12 @@ constexpr std::array<CatalogueRow, 36> kRows{{
      "set the clock from a time server: on or off"},
     {"dhcp-ntp", VELK_CMD_DHCP_NTP, kNoInterface, kGet | kSet, &kSwitch, kOpen, kTimeServerLines,
      "take time servers from DHCP: on or off"},
-    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen, kTimeEntry,
+    {"ntp-server", VELK_CMD_NTP_SERVER, kNoInterface, kGet | kSet, &kHost, kOpen, kTimeServerEntry,
      "time server: a host name or address, or none"},
     {"ntp-result", VELK_CMD_NTP_RESULT, kNoInterface, kGet, &kNtpResult, kOpen, kTimeLog,
      "result of the last time synchronisation"},
     {"web-update", VELK_CMD_WEB_UPDATE, kNoInterface, kGet | kSet, &kSchedule, kOpen, kUpdateEntry,
-     "schedule of the web update; see describe"},
+     "schedule of the web update"},
     {"mac-address", VELK_CMD_MAC_ADDRESS, kEth0 | kEth1, kGet, &kMacAddress, kOpen, kInKernel,
      "hardware address: 6 bytes in hex"},
     {"method", VELK_CMD_IP_METHOD, kEth0 | kEth1, kGet | kSet, &kMethod, kOpen, kMethodLines,
@@ -96,11 +101,11 @@ constexpr std::array<CatalogueRow, 36> kRows{{
     {"dhcp-dns", VELK_CMD_DHCP_DNS, kEth0 | kEth1, kGet | kSet, &kSwitch, kOpen, kNameServerLines,
      "take DNS servers from DHCP: on or off"},
     {"dns", VELK_CMD_DNS, kEth0 | kEth1, kGet | kSet, &kServerList, kOpen, kResolver,
-     "DNS servers of eth0 and eth1; see describe"},
+     "DNS servers of eth0 and eth1: up to three"},
     {"dhcp-notice", VELK_CMD_DHCP_NOTICE, kEth0, kSet, &kSwitch, kOpen, kNoticeLines,
      "print notices of the DHCP client: on or off"},
     {"link-speed", VELK_CMD_LINK_SPEED, kEth0, kGet | kSet, &kLinkMode, kOpen, kByEthtool,
-     "speed in Mbit/s and duplex; see describe"},
+     "speed in Mbit/s and duplex, or auto"},
     {"hardware-version", VELK_CMD_HARDWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
      "revision of the adapter"},
     {"software-version", VELK_CMD_SOFTWARE_VERSION, kEth1, kGet, &kShownText, kOpen, kInDaemon,
@@ -146,7 +151,7 @@ struct InterfaceFlag {
     std::string_view interface;
 };
 
-constexpr std::array<InterfaceFlag, 3> kInterfaces{{
+constexpr std::array<InterfaceFlag, 3> kInterfaceFlags{{
     {kNoInterface, ""},
     {kEth0, VELK_WIRED_INTERFACE},
     {kEth1, VELK_WIRELESS_INTERFACE},
@@ -199,6 +204,10 @@ std::vector<std::string> FullNamesOf(std::span<const std::string> short_names) {
     return names;
 }
 
+bool IsGlob(std::string_view word) {
+    return word.find_first_of("*?[") != std::string_view::npos;
+}
+
 // Returns the full names that another program's name may mean: those on its interface, or all if
 // there is none on it.
 std::vector<std::string> NamesElsewhere(std::string_view name) {
@@ -220,6 +229,14 @@ std::vector<std::string> GuessedNames(std::string_view name) {
                          : meant;
 }
 
+// A restart of eth1 with the cable in neither runs ifup nor notifies the wireless daemon.
+bool NeedsCableOut(const Setting& setting) {
+    const TakesEffect time = setting.row->held_in.takes_effect;
+    return setting.interface == VELK_WIRELESS_INTERFACE &&
+           (time == TakesEffect::kAtRestart || time == TakesEffect::kAtLease ||
+            time == TakesEffect::kOffAtLease);
+}
+
 }  // namespace
 
 std::string Setting::name() const {
@@ -227,16 +244,42 @@ std::string Setting::name() const {
     return interface.empty() ? own : std::string(interface).append(".").append(own);
 }
 
-std::string EffectTime(const Setting& setting) {
+std::string EffectMoment(const Setting& setting) {
+    const std::string restarted =
+        setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface);
     switch (setting.row->held_in.takes_effect) {
         case TakesEffect::kAtOnce:
             return "at once";
         case TakesEffect::kWithCron:
+        case TakesEffect::kWithNtp:
             return "at the next run of cron";
+        case TakesEffect::kWithForwarder:
+            return "when the DNS forwarder reads its file again";
+        case TakesEffect::kAtLease:
+            return "at the next lease or restart of " + restarted;
         default:
-            return "at the next restart of " +
-                   (setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface));
+            return "at the next restart of " + restarted;
     }
+}
+
+std::string EffectCondition(const Setting& setting) {
+    const HeldIn& held_in = setting.row->held_in;
+    std::string conditions;
+    const auto append = [&](bool applies, std::string_view condition) {
+        if (applies) {
+            conditions.append(conditions.empty() ? "" : ", ").append(condition);
+        }
+    };
+    append(held_in.is_of_lease, "with method static");
+    append(NeedsCableOut(setting), "without the cable in eth0");
+    append(held_in.takes_effect == TakesEffect::kOffAtLease, "off at the next lease");
+    append(held_in.takes_effect == TakesEffect::kWithNtp, "once ntp is on");
+    return conditions;
+}
+
+std::string EffectTime(const Setting& setting) {
+    const std::string condition = EffectCondition(setting);
+    return EffectMoment(setting) + (condition.empty() ? "" : ", " + condition);
 }
 
 std::span<const CatalogueRow> Catalogue() {
@@ -246,7 +289,7 @@ std::span<const CatalogueRow> Catalogue() {
 std::vector<Setting> Settings() {
     std::vector<Setting> settings;
     for (const CatalogueRow& row : kRows) {
-        for (const InterfaceFlag& known : kInterfaces) {
+        for (const InterfaceFlag& known : kInterfaceFlags) {
             if ((row.interfaces & known.flag) != 0) {
                 settings.push_back({&row, known.interface});
             }
@@ -307,6 +350,9 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
         // The text after the "=" may be a secret.
         return Quoted(name.substr(0, equals)) + " is followed by '='; give the name alone";
     }
+    if (IsGlob(name)) {
+        return Quoted(name) + " is a pattern, for get and show only; give one name";
+    }
     const std::vector<std::string> right = FullNames(WithoutInterface(name));
     if (right.size() > 1 && velk::FindRow(kRows, name, &CatalogueRow::name) != nullptr) {
         return Quoted(name) + " is a setting of both interfaces; give " + OneOf(right);
@@ -328,6 +374,9 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
 }
 
 std::string UnknownInterface(std::string_view word, const std::string& shown) {
+    if (IsGlob(word)) {
+        return shown + " is a pattern, for get and show only; give one interface";
+    }
     const std::vector<std::string> interfaces = InterfaceNames();
     return shown + " is not an interface of the device" +
            DidYouMean(word, interfaces, "give " + OneOf(interfaces));

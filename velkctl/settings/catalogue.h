@@ -2,6 +2,7 @@
 #ifndef VELKCTL_SETTINGS_CATALOGUE_H_
 #define VELKCTL_SETTINGS_CATALOGUE_H_
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -39,8 +40,12 @@ enum class Holder {
 // The time when a change takes effect.
 enum class TakesEffect {
     kAtOnce,
-    kAtRestart,  // when the interface is restarted
-    kWithCron,
+    kAtRestart,      // when the interface is restarted
+    kAtLease,        // the DHCP client's script reads it at each event of a lease
+    kOffAtLease,     // the same if switched off; the client asks for the option after a restart
+    kWithCron,       // cron reads its file each minute
+    kWithNtp,        // the same, but the entry may be switched off
+    kWithForwarder,  // the DNS forwarder watches its file
 };
 
 // Where a setting is held.
@@ -80,6 +85,10 @@ struct Setting {
 };
 
 // Returns the time when a change of the setting takes effect: "at the next restart of eth0".
+std::string EffectMoment(const Setting& setting);
+// Returns the conditions for it: "with method static". Empty if it has none.
+std::string EffectCondition(const Setting& setting);
+// Returns both: "at the next restart of eth0, with method static".
 std::string EffectTime(const Setting& setting);
 
 std::span<const CatalogueRow> Catalogue();
@@ -96,6 +105,9 @@ std::optional<Setting> FindSetting(uint32_t id, std::string_view interface);
 
 // True for two copies of one setting.
 bool IsSameSetting(const Setting& one, const Setting& other);
+
+inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
+                                                        VELK_WIRELESS_INTERFACE};
 
 // True for the commands of the address, netmask and gateway. With method static they read the
 // configuration, with method dhcp the lease.

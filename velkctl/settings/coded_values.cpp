@@ -52,7 +52,7 @@ std::string CodedKind::Wanted() const {
 }
 
 std::string CodedKind::CodingRemark() const {
-    return coding_.empty() ? "" : std::string("; ").append(coding_);
+    return coding_.empty() ? "" : std::string(coding_).append("; ");
 }
 
 Parsed CodedKind::Parse(std::span<const std::string> words) const {
@@ -64,7 +64,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
                                     [&](const CodedValue& known) { return Matches(known, word); });
     if (value == values_.end()) {
         return Unparsable(Quoted(word) + " is not valid" +
-                          DidYouMean(word, Values(), "give " + Wanted() + CodingRemark()));
+                          DidYouMean(word, Values(), CodingRemark() + "give " + Wanted()));
     }
     Parsed parsed;
     parsed.data[0] = static_cast<char>(value->code);

@@ -41,7 +41,7 @@ class CodedKind final : public ValueKind {
     bool Matches(const CodedValue& value, std::string_view word) const;
     const CodedValue* Find(uint8_t code) const;
     std::string WordFor(const CodedValue& value) const;
-    // Returns the end of a message: who defines the values. Empty if velkctl knows their meaning.
+    // Returns a clause of a message: who defines the values. Empty if velkctl knows their meaning.
     std::string CodingRemark() const;
 
     std::span<const CodedValue> values_;

@@ -66,20 +66,21 @@ bool IsHostName(std::string_view word) {
     return BeginsLikeName(word) && std::ranges::all_of(LabelsOf(word), IsLabel);
 }
 
-std::string TooLong(size_t length, size_t longest) {
-    return "is too long: " + std::to_string(length) + " of at most " + std::to_string(longest) +
-           " characters";
+// Returns the problem of a part of a name that is too long.
+std::string TooLong(std::string_view part, size_t length, size_t longest) {
+    return std::string("is too long; ").append(part).append(" has ") + std::to_string(length) +
+           " of at most " + std::to_string(longest) + " characters";
 }
 
 // Returns the problem with the length of a name or of one of its parts; empty if none.
 std::string LengthProblem(std::string_view word) {
     if (word.size() > kLongestName) {
-        return TooLong(word.size(), kLongestName);
+        return TooLong("it", word.size(), kLongestName);
     }
     const std::vector<std::string_view> labels = LabelsOf(word);
     const auto longest = std::ranges::max_element(labels, {}, &std::string_view::size);
     return longest->size() > kLongestLabel
-               ? TooLong(longest->size(), kLongestLabel) + " without a dot"
+               ? TooLong("a part without a dot", longest->size(), kLongestLabel)
                : "";
 }
 

@@ -19,8 +19,7 @@ uint16_t NumberAt(const Data& data, size_t offset) {
 }
 
 bool IsMacAddress(std::string_view text) {
-    return text.size() == kMacDigits &&
-           text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+    return text.size() == kMacDigits && IsHex(text);
 }
 
 }  // namespace

@@ -16,28 +16,44 @@ namespace {
 // Returns the problem with the word for one server, to follow it in a message; empty if none.
 std::string ServerProblem(const std::string& word) {
     const std::optional<uint32_t> address = ParseIpv4(word);
-    const std::string problem = address ? std::string(HostAddressProblem(*address))
-                                        : NotIpv4Problem(word, "an IPv4 address");
-    if (problem.empty()) {
-        return {};
-    }
-    // A resolver may run on the device itself, but a forwarder there would ask itself for ever.
-    return problem + "; give one to three such as 192.168.0.1, or none" +
-           (address && IsLoopback(*address) ? ", or --force for a resolver on the device" : "");
+    return address ? std::string(HostAddressProblem(*address))
+                   : NotIpv4Problem(word, "an IPv4 address");
 }
 
-// Returns the problem with the words, at least one; empty if they make a server list.
-std::string ServerListProblem(std::span<const std::string> words) {
+bool IsLoopbackAddress(const std::string& word) {
+    const std::optional<uint32_t> address = ParseIpv4(word);
+    return address && IsLoopback(*address);
+}
+
+// Adds a clause to the problems of a list.
+void AddClause(std::string& problems, const std::string& clause) {
+    problems.append(problems.empty() ? "" : "; ").append(clause);
+}
+
+// Returns the problems with the words that are no servers, and with their number; empty if none.
+std::string WrongServers(std::span<const std::string> words) {
+    std::string problems;
     for (const std::string& word : words) {
-        if (word == kNone) {
-            return "'none' takes no other value; give either addresses or none";
-        }
         if (const std::string problem = ServerProblem(word); !problem.empty()) {
-            return Quoted(word) + " " + problem;
+            AddClause(problems, Quoted(word) + " " + problem);
         }
     }
     if (words.size() > VELK_DNS_SLOTS) {
-        return std::to_string(words.size()) + " addresses given; give one to three, or none";
+        AddClause(problems, std::to_string(words.size()) + " addresses given");
+    }
+    return problems;
+}
+
+// Returns the problems with the words, at least one; empty if they make a server list.
+std::string ServerListProblem(std::span<const std::string> words) {
+    if (std::ranges::find(words, kNone) != words.end()) {
+        return "'none' takes no other value; give either addresses or none";
+    }
+    if (const std::string problems = WrongServers(words); !problems.empty()) {
+        // A resolver may run on the device itself, but a forwarder there would ask itself for ever.
+        return problems + (std::ranges::any_of(words, IsLoopbackAddress)
+                               ? "; give one to three others, none, or --force for a local resolver"
+                               : "; give one to three such as 192.168.0.1, or none");
     }
     for (size_t i = 1; i < words.size(); ++i) {
         const auto earlier = words.first(i);

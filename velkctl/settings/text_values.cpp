@@ -3,6 +3,7 @@
 
 #include "velk/request.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/hex.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -70,7 +71,7 @@ std::string_view KeyProblem(std::string_view key) {
 
 std::string_view WepKeyProblem(std::string_view key) {
     const bool is_hex = key.size() == VELK_WEP_SHORT_HEX_KEY || key.size() == VELK_WEP_LONG_HEX_KEY;
-    if (is_hex && key.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos) {
+    if (is_hex && !IsHex(key)) {
         return "a key of 10 or 26 bytes consists of hex digits";
     }
     return KeyProblem(key);

@@ -29,8 +29,7 @@ Parsed ValueKind::Force(std::span<const std::string> words) const {
                           " values given; give one, in quotes if it has blanks");
     }
     if (words.front().size() > parsed.data.size()) {
-        return Unparsable(std::to_string(words.front().size()) +
-                          " bytes given; the data area holds 512");
+        return Unparsable(std::to_string(words.front().size()) + " bytes given; give at most 512");
     }
     (void)words.front().copy(parsed.data.data(), parsed.data.size());
     return parsed;

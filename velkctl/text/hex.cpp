@@ -89,6 +89,10 @@ Parsed ParseHex(std::string_view text) {
     return parsed;
 }
 
+bool IsHex(std::string_view text) {
+    return text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 std::string ToHex(std::string_view bytes) {
     constexpr char kHexDigits[] = "0123456789abcdef";
     std::string digits;

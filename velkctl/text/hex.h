@@ -12,6 +12,9 @@ namespace velkctl {
 // Parses two hex digits for each byte, with optional blanks and colons between the bytes.
 Parsed ParseHex(std::string_view text);
 
+// True if the text has only hex digits.
+bool IsHex(std::string_view text);
+
 // Returns two hex digits for each byte.
 std::string ToHex(std::string_view bytes);
 

@@ -44,7 +44,7 @@ std::string Dotted(uint32_t address) {
 
 std::string NotIpv4Problem(const std::string& word, std::string_view wanted) {
     return ParseIpv4(WithoutLeadingZeros(word))
-               ? "has a number with a leading zero, which other programs read as octal"
+               ? "has a number with a leading zero; other programs read it as octal"
                : std::string("is not ").append(wanted);
 }
 
@@ -54,7 +54,7 @@ std::string_view HostAddressProblem(uint32_t address) {
         return "is not the address of a host, as it begins with 0";
     }
     if (IsLoopback(address)) {
-        return "is a loopback address, where the device reaches only itself";
+        return "is a loopback address; the device reaches only itself there";
     }
     if (address == INADDR_BROADCAST) {
         return "is the broadcast address";

@@ -85,16 +85,46 @@ Parsed ParseData(const Invocation& invocation) {
     return parsed;
 }
 
-// Returns the reason why a command is refused without an interface; empty if it takes none.
-std::string MissingInterface(uint32_t id) {
+bool TakesType(const Setting& setting, velk_command_type type) {
+    return (type == VELK_GET && setting.can_get()) || (type == VELK_SET && setting.can_set());
+}
+
+// Returns the interfaces that a command takes, an empty one for none; nothing if it does not exist.
+std::vector<std::string> InterfacesOf(velk_command_type type, uint32_t id) {
+    if (type == VELK_RESTART && id == VELK_CMD_RESTART) {
+        return {VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
+    }
     std::vector<std::string> interfaces;
     for (const Setting& setting : Settings()) {
-        if (setting.row->id == id && !setting.interface.empty()) {
+        if (setting.row->id == id && TakesType(setting, type)) {
             interfaces.emplace_back(setting.interface);
         }
     }
-    return interfaces.empty() ? ""
-                              : std::to_string(id) + " needs an interface: " + OneOf(interfaces);
+    return interfaces;
+}
+
+// Returns the reason why the library does not take a command: "108 takes eth0 or eth1". Empty if
+// it takes the command with another value.
+std::string RefusedCommand(const Command& command) {
+    const std::string id = std::to_string(command.id);
+    const std::vector<std::string> interfaces = InterfacesOf(command.type, command.id);
+    if (interfaces.empty()) {
+        return "there is no such command " + id;
+    }
+    if (std::ranges::find(interfaces, command.interface) != interfaces.end()) {
+        return {};
+    }
+    return id + (interfaces.front().empty() ? " takes no interface"
+                                            : " takes the interface " + OneOf(interfaces));
+}
+
+// Returns the text for people. The result of a failure comes last.
+std::string ResultText(const Answer& answer) {
+    if (answer.ok()) {
+        return DescribeResult(answer.result);
+    }
+    return InLines(
+        {.message = FailureReason(answer), .result = answer.result, .detail = answer.remark});
 }
 
 void ReportData(const Data& data, bool is_masked, Report& report) {
@@ -108,14 +138,10 @@ void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, 
         report.Complain(ProblemOf("call: command " + std::to_string(command.id), "", answer));
         return;
     }
-    std::string result = DescribeResult(answer.result);
-    if (!answer.remark.empty()) {
-        result.append("; ").append(answer.remark);
-    }
     if (!answer.ok()) {
         report.ShowToolOutput();
     }
-    report.Text(result + "\n");
+    report.Text(ResultText(answer) + "\n");
     report.Member("result", ResultInJson(answer.result));
     if (!answer.ok() && report.is_json()) {
         report.Complain(ProblemOf("call: command " + std::to_string(command.id), "", answer));
@@ -150,8 +176,8 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     const Command command{*type, *id, interface};
     Answer answer = Device(invocation.limits, report)
                         .Execute(command, data.data, "command " + std::to_string(*id));
-    if (interface.empty() && answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
-        answer.remark = MissingInterface(*id);
+    if (answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
+        answer.remark = RefusedCommand(command);
     }
     const bool is_secret = NamesSecret(invocation.words[1]);
     ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),

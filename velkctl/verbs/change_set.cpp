@@ -8,11 +8,11 @@
 
 #include "velkctl/call/files_before.h"
 #include "velkctl/call/planned_values.h"
-#include "velkctl/call/text_conflicts.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/network_check.h"
 #include "velkctl/doctor/read_back.h"
-#include "velkctl/verbs/wireless_key_check.h"
+#include "velkctl/doctor/text_conflicts.h"
+#include "velkctl/doctor/wireless_key_check.h"
 
 namespace velkctl {
 namespace {
@@ -65,13 +65,15 @@ std::string NamesOf(std::span<const SettingChange> changes) {
     return names.empty() ? "none" : names;
 }
 
-// Adds which of several changes were made before the failed one.
-void NoteStop(const ChangeSet& changes, size_t failed, Report& report) {
+// Adds which of several changes were made before the run stopped.
+void NoteStop(const ChangeSet& changes, const std::vector<MadeChange>& made, Report& report) {
     const std::span<const SettingChange> all(changes);
     if (all.size() > 1) {
-        report.Note(Problem{.message = "set: stopped at " + changes[failed].setting.name(),
-                            .detail = "set: " + NamesOf(all.first(failed)) +
-                                      "; not set: " + NamesOf(all.subspan(failed + 1))});
+        const size_t last = made.size() - 1;
+        const size_t set = made[last].has_effect() ? made.size() : last;
+        report.Note(Problem{.message = "set: stopped at " + changes[last].setting.name(),
+                            .detail = "set: " + NamesOf(all.first(set)) +
+                                      "; not set: " + NamesOf(all.subspan(set))});
     }
 }
 
@@ -105,7 +107,7 @@ std::vector<MadeChange> MakeChanges(const ChangeSet& changes, ChangeOptions opti
     for (const SettingChange& change : changes) {
         made.push_back(MakeChange(change, options, device, report));
         if (made.back().status != ExitStatus::kDone) {
-            NoteStop(changes, made.size() - 1, report);
+            NoteStop(changes, made, report);
             break;
         }
     }

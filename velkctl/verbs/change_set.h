@@ -35,6 +35,9 @@ struct MadeChange {
     bool is_set = false;         // the library reported success
     std::optional<bool> held{};  // nothing if that was not or could not be checked
     ExitStatus status = ExitStatus::kDone;
+
+    // False if the device does not hold the value that the library reported as set.
+    bool has_effect() const { return is_set && held.value_or(true); }
 };
 
 // Makes the changes in their order and reads each back, if wanted. Stops at the first failure, and

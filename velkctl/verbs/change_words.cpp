@@ -15,120 +15,13 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-struct Requests {
-    std::vector<ChangeRequest> rows{};
-    std::vector<Problem> problems{};
-};
-
 // True if a person or standard input gives the value.
 bool IsAskedFor(const ChangeRequest& request) {
     const Words& words = request.words;
-    return request.setting.row->secret &&
-           (words.empty() || (words.size() == 1 && words.front() == "-"));
+    return request.setting.row->secret && (words.empty() ? CanAskForSecret() : words == Words{"-"});
 }
 
-// ---- From words to requests --------------------------------------------------------------------
-
-bool Has(const Requests& requests, const Setting& setting) {
-    return std::ranges::any_of(requests.rows, [&setting](const ChangeRequest& request) {
-        return IsSameSetting(request.setting, setting);
-    });
-}
-
-void Refuse(Requests& requests, const Setting& setting, const std::string& problem) {
-    const std::string name = setting.name();
-    requests.problems.push_back(Problem{name + ": " + problem, name});
-}
-
-void Add(Requests& requests, const Setting& setting, Words words) {
-    if (!setting.can_set()) {
-        Refuse(requests, setting, "cannot be set, only read");
-    } else if (Has(requests, setting)) {
-        const bool is_mask = setting.row->id == VELK_CMD_NETMASK;
-        Refuse(requests, setting,
-               is_mask ? "given twice; the prefix length after an address counts too"
-                       : "given twice; give it once");
-    } else {
-        requests.rows.push_back({setting, std::move(words)});
-    }
-}
-
-// Adds the address, and the netmask if a prefix length follows: "192.168.0.77/24".
-void AddAddress(Requests& requests, const Setting& setting, const std::string& word) {
-    const size_t slash = word.find('/');
-    const std::optional<Setting> netmask = FindSetting(VELK_CMD_NETMASK, setting.interface);
-    Add(requests, setting, {word.substr(0, slash)});
-    if (slash != std::string::npos && netmask) {
-        Add(requests, *netmask, {word.substr(slash)});
-    }
-}
-
-void AddValue(Requests& requests, const Setting& setting, const Words& words) {
-    if (setting.row->id == VELK_CMD_IP_ADDRESS && words.size() == 1) {
-        AddAddress(requests, setting, words.front());
-    } else {
-        Add(requests, setting, words);
-    }
-}
-
-bool HasNameOfSecret(const Words& words) {
-    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
-}
-
-// True for the names of more settings: "eth0.address 10.0.0.1 eth0.gateway 10.0.0.2".
-bool HasMoreNames(const Words& value) {
-    return value.size() > 1 && std::any_of(value.begin() + 1, value.end(), [](const auto& word) {
-               return FindSetting(WithoutValue(word)).has_value();
-           });
-}
-
-Requests RequestOf(const Words& words) {
-    Requests requests;
-    const std::optional<Setting> setting = FindSetting(words.front());
-    const Words value(words.begin() + 1, words.end());
-    if (setting && HasMoreNames(value)) {
-        Refuse(requests, *setting,
-               "another setting follows the value; give NAME=VALUE for each of several settings");
-    } else if (setting) {
-        AddValue(requests, *setting, value);
-    } else {
-        // If the name of a secret comes later, the first word is probably the secret.
-        requests.problems.push_back(
-            Problem{"set: " + (HasNameOfSecret(value)
-                                   ? "the name of the setting comes first, then its value"
-                                   : UnknownSetting(words.front()))});
-    }
-    return requests;
-}
-
-// `may_be_key` is true after the name of a secret: the word may be a part of its value.
-void AddAssignment(Requests& requests, const std::string& word, bool may_be_key) {
-    const std::string name(WithoutValue(word));
-    const std::optional<Setting> setting = FindSetting(name);
-    if (!IsAssignment(word)) {
-        requests.problems.push_back(Problem{"set: " + QuotedUnlessKey(word, may_be_key) +
-                                            " has no '='; give NAME=VALUE, "
-                                            "with quotes around a value that has blanks"});
-    } else if (!setting) {
-        requests.problems.push_back(Problem{"set: " + UnknownSetting(name, may_be_key)});
-    } else {
-        const std::string value = word.substr(name.size() + 1);
-        const bool is_asked_for = setting->row->secret && value.empty();
-        AddValue(requests, *setting, is_asked_for ? Words() : Words{value});
-    }
-}
-
-Requests RequestsOf(const Words& words) {
-    Requests requests;
-    bool may_be_key = false;
-    for (const std::string& word : words) {
-        AddAssignment(requests, word, may_be_key);
-        may_be_key = may_be_key || NamesSecret(WithoutValue(word));
-    }
-    return requests;
-}
-
-// ---- From requests to changes ------------------------------------------------------------------
+// ---- Values ------------------------------------------------------------------------------------
 
 Parsed ParseWords(const Setting& setting, std::span<const std::string> words, bool force) {
     const ValueKind& kind = *setting.row->kind;
@@ -148,29 +41,173 @@ Parsed ParseValue(const ChangeRequest& request, bool force) {
                                   : Unparsable(secret.problem);
 }
 
+void Refuse(const Setting& setting, const std::string& problem, RequestedChanges& read) {
+    const std::string name = setting.name();
+    read.problems.push_back(Problem{name + ": " + problem, name});
+}
+
+void Refuse(const std::string& problem, RequestedChanges& read) {
+    read.problems.push_back(Problem{"set: " + problem});
+}
+
 void Take(const ChangeRequest& request, bool force, RequestedChanges& read) {
     const Parsed parsed = ParseValue(request, force);
     if (!parsed.ok()) {
-        const std::string name = request.setting.name();
-        read.problems.push_back(Problem{name + ": " + parsed.problem, name});
+        Refuse(request.setting, parsed.problem, read);
     }
     read.changes.push_back({request.setting, parsed.data});
 }
+
+// ---- From words to changes ---------------------------------------------------------------------
+
+bool Has(const RequestedChanges& read, const Setting& setting) {
+    const auto is_same = [&setting](const auto& row) {
+        return IsSameSetting(row.setting, setting);
+    };
+    return std::ranges::any_of(read.changes, is_same) || std::ranges::any_of(read.open, is_same);
+}
+
+bool HasNameOfSecret(const Words& words) {
+    return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
+}
+
+// True for the names of more settings: "eth0.address 10.0.0.1 eth0.gateway 10.0.0.2".
+bool HasMoreNames(const Words& value) {
+    return value.size() > 1 && std::any_of(value.begin() + 1, value.end(), [](const auto& word) {
+               return FindSetting(WithoutValue(word)).has_value();
+           });
+}
+
+// True for "NAME= VALUE" and "NAME = VALUE".
+bool HasBlankAtEquals(const Words& words) {
+    const std::string_view first = words.front();
+    if (words.size() < 2 || !FindSetting(WithoutValue(first))) {
+        return false;
+    }
+    return IsAssignment(first) ? first.ends_with('=') && !IsAssignment(words[1])
+                               : words[1] == "=" && words.size() > 2;
+}
+
+// Reads the words in their order, so that the problems have it too.
+class ChangeReader {
+  public:
+    explicit ChangeReader(bool force) : force_(force) {}
+
+    // Reads "NAME VALUE...".
+    void AddOne(const Words& words) {
+        const std::optional<Setting> setting = FindSetting(words.front());
+        const Words value(words.begin() + 1, words.end());
+        if (!setting) {
+            // If the name of a secret comes later, the first word is probably the secret.
+            Refuse(HasNameOfSecret(value) ? "the name of the setting comes after its value; "
+                                            "give the name first"
+                                          : UnknownSetting(words.front()),
+                   read_);
+        } else if (HasMoreNames(value)) {
+            Refuse(*setting,
+                   "another setting follows the value; give NAME=VALUE for each of several "
+                   "settings",
+                   read_);
+        } else {
+            AddValue(*setting, value);
+        }
+    }
+
+    // Reads any number of "NAME=VALUE".
+    void AddAll(const Words& words) {
+        bool may_be_key = false;
+        for (const std::string& word : words) {
+            AddAssignment(word, may_be_key);
+            may_be_key = may_be_key || NamesSecret(WithoutValue(word));
+        }
+    }
+
+    void RefuseBlank(std::string_view word) {
+        const std::string name(WithoutValue(word));
+        Refuse(name + ": there is a blank at the '='; write " + name + "=VALUE without blanks",
+               read_);
+    }
+
+    RequestedChanges TakeChanges() { return std::move(read_); }
+
+  private:
+    // `may_be_key` is true after the name of a secret: the word may be a part of its value.
+    void AddAssignment(const std::string& word, bool may_be_key) {
+        const std::string name(WithoutValue(word));
+        const std::optional<Setting> setting = FindSetting(name);
+        if (!IsAssignment(word)) {
+            Refuse(QuotedUnlessKey(word, may_be_key) +
+                       " has no '='; give NAME=VALUE, with quotes around a value that has blanks",
+                   read_);
+        } else if (!setting) {
+            Refuse(UnknownSetting(name, may_be_key), read_);
+        } else {
+            const std::string value = word.substr(name.size() + 1);
+            const bool is_asked_for = setting->row->secret && value.empty();
+            AddValue(*setting, is_asked_for ? Words() : Words{value});
+        }
+    }
+
+    void AddValue(const Setting& setting, const Words& words) {
+        if (setting.row->id == VELK_CMD_IP_ADDRESS && words.size() == 1) {
+            AddAddress(setting, words.front());
+        } else {
+            Add(setting, words);
+        }
+    }
+
+    // Adds the address, and the netmask if a prefix length follows: "192.168.0.77/24".
+    void AddAddress(const Setting& setting, const std::string& word) {
+        const size_t slash = word.find('/');
+        const std::optional<Setting> netmask = FindSetting(VELK_CMD_NETMASK, setting.interface);
+        Add(setting, {word.substr(0, slash)});
+        if (slash != std::string::npos && netmask) {
+            Add(*netmask, {word.substr(slash)});
+        }
+    }
+
+    void Add(const Setting& setting, Words words) {
+        if (!setting.can_set()) {
+            Refuse(setting,
+                   "cannot be set, only read; 'velkctl get " + setting.name() + "' reads it",
+                   read_);
+        } else if (Has(read_, setting)) {
+            const bool is_mask = setting.row->id == VELK_CMD_NETMASK;
+            Refuse(setting,
+                   is_mask ? "given twice; the prefix length after an address counts too; give it "
+                             "once"
+                           : "given twice; give it once",
+                   read_);
+        } else {
+            AddNew({setting, std::move(words)});
+        }
+    }
+
+    void AddNew(const ChangeRequest& request) {
+        if (IsAskedFor(request)) {
+            read_.open.push_back(request);
+        } else {
+            Take(request, force_, read_);
+        }
+    }
+
+    const bool force_;
+    RequestedChanges read_;
+};
 
 }  // namespace
 
 RequestedChanges ReadChanges(const Invocation& invocation) {
     const Words& words = invocation.words;
-    const Requests requests = IsAssignment(words.front()) ? RequestsOf(words) : RequestOf(words);
-    RequestedChanges read{{}, requests.problems, {}};
-    for (const ChangeRequest& request : requests.rows) {
-        if (IsAskedFor(request)) {
-            read.open.push_back(request);
-        } else {
-            Take(request, invocation.force, read);
-        }
+    ChangeReader reader(invocation.force);
+    if (HasBlankAtEquals(words)) {
+        reader.RefuseBlank(words.front());
+    } else if (IsAssignment(words.front())) {
+        reader.AddAll(words);
+    } else {
+        reader.AddOne(words);
     }
-    return read;
+    return reader.TakeChanges();
 }
 
 void AskForSecrets(RequestedChanges& requested, bool force) {

@@ -71,7 +71,9 @@ std::string Describe(const Setting& setting) {
         text.append("prompt");
     }
     if (setting.can_set()) {
-        text.append("\n  takes effect ").append(EffectTime(setting));
+        const std::string condition = EffectCondition(setting);
+        text.append("\n  takes effect ").append(EffectMoment(setting));
+        text.append(condition.empty() ? "" : ",\n    ").append(condition);
     }
     if (setting.can_get() && longest.seconds > 0) {
         text.append("\n  reading takes at most ").append(std::to_string(longest.seconds));

@@ -5,6 +5,16 @@
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
+namespace {
+
+Findings WithoutRemedies(Findings findings) {
+    for (Finding& finding : findings) {
+        finding.remedy.clear();
+    }
+    return findings;
+}
+
+}  // namespace
 
 ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
     const std::string other_machine = DescribeOtherMachine();
@@ -12,13 +22,16 @@ ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
         report.Text(InLinesOf80(other_machine, 0) + "\n");
     }
     const Findings findings = ExamineDevice(report);
-    report.Text(FormatFindings(findings) + Summary(findings) + "\n");
+    // On another machine, a remedy such as mkdir would change that machine.
+    const bool is_device = other_machine.empty();
+    report.Text(FormatFindings(is_device ? findings : WithoutRemedies(findings)) +
+                Summary(findings) + "\n");
     Json list = Json::array();
     for (const Finding& finding : findings) {
         list.push_back(FindingInJson(finding));
     }
     const size_t problems = CountOf(findings, Severity::kProblem);
-    report.Member("device", other_machine.empty());
+    report.Member("device", is_device);
     report.Member("findings", std::move(list));
     report.Member("problems", problems);
     report.Member("warnings", findings.size() - problems);

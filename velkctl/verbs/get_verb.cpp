@@ -1,5 +1,8 @@
 // get_verb.cpp - the verb that shows the values of settings.
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "velkctl/call/device.h"
@@ -9,34 +12,100 @@
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_patterns.h"
 #include "velkctl/verbs/selected_settings.h"
+#include "velkctl/verbs/setting_groups.h"
+#include "velkctl/verbs/setting_reader.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
-// Reads one setting and prints its value after the prefix.
-ExitStatus Show(const Setting& setting, const std::string& prefix, const Invocation& invocation,
-                const Device& device, Json& shown, Report& report) {
-    const Answer answer = device.Get(setting);
-    if (answer.ok()) {
-        const auto value = invocation.bare_value ? BareValue : ValueText;
-        report.Text(prefix + value(setting, answer.data, invocation.show_secrets) + "\n");
-        const std::optional<Finding> invalid = InvalidValue(setting, answer.data);
-        if (invalid) {
-            report.Note(NoteOf(*invalid));
-        }
-        shown.push_back(ReadingInJson(setting,
-                                      ValueInJson(setting, answer.data, invocation.show_secrets),
-                                      nullptr, !invalid));
-    } else {
-        const Problem problem = ProblemOfGet(CouldNotBeRead(setting), setting, answer);
-        report.Text(invocation.bare_value ? "\n" : "");  // every name has its line
-        report.Complain(problem);
-        shown.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
-    }
-    return StatusWithCause(setting, answer);
+// Settings that could not be read for the same reason, and the problem of the first of them.
+struct UnreadSettings {
+    Problem problem;
+    SettingGroup settings;
+};
+
+bool HaveSameReason(const Problem& one, const Problem& other) {
+    return one.detail == other.detail && one.remedy == other.remedy && one.result == other.result;
 }
+
+Problem ProblemOf(const UnreadSettings& unread) {
+    const SettingGroup& settings = unread.settings;
+    Problem problem = unread.problem;
+    if (settings.size() > 1) {
+        const std::string names = NameLines(settings);
+        problem.message = std::to_string(settings.size()) + " settings could not be read:\n" +
+                          names.substr(0, names.size() - 1);
+    }
+    return problem;
+}
+
+// Reads settings and shows their values. Reports the failures at the end: in text together if the
+// reason is the same, in JSON each.
+class Readings {
+  public:
+    Readings(const Invocation& invocation, const Device& device, Report& report)
+        : invocation_(invocation), device_(device), reader_(device), report_(report) {}
+
+    // Shows the value after the prefix.
+    void Show(const Setting& setting, const std::string& prefix) {
+        const std::optional<Answer> answer = reader_.Read(setting);
+        if (answer && answer->ok()) {
+            ShowValue(setting, prefix, answer->data);
+            return;
+        }
+        report_.ShowToolOutput();
+        report_.Text(invocation_.bare_value ? "\n" : "");  // every name has its line
+        const Problem problem = ReadingProblem(setting, answer);
+        readings_.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
+        if (answer && status_ == ExitStatus::kDone) {
+            status_ = StatusWithCause(setting, *answer);
+        }
+        KeepFailure(setting, problem);
+    }
+
+    // Returns the status of the first failure.
+    ExitStatus Finish() {
+        for (const UnreadSettings& unread : unread_) {
+            report_.Complain(ProblemOf(unread));
+        }
+        report_.Member("settings", std::move(readings_));
+        return status_;
+    }
+
+  private:
+    void ShowValue(const Setting& setting, const std::string& prefix, const Data& data) {
+        const bool show_secrets = invocation_.show_secrets;
+        const auto value = invocation_.bare_value ? BareValue : ValueText;
+        report_.Text(prefix + value(setting, data, show_secrets) + "\n");
+        if (const std::optional<Problem> note = NoteAboutValue(setting, data, device_)) {
+            report_.Note(*note);
+        }
+        const bool is_valid = !InvalidValue(setting, data);
+        readings_.push_back(
+            ReadingInJson(setting, ValueInJson(setting, data, show_secrets), nullptr, is_valid));
+    }
+
+    void KeepFailure(const Setting& setting, const Problem& problem) {
+        const auto same = std::ranges::find_if(unread_, [&](const UnreadSettings& unread) {
+            return HaveSameReason(unread.problem, problem);
+        });
+        if (same == unread_.end() || report_.is_json()) {
+            unread_.push_back({problem, {setting}});
+        } else {
+            same->settings.push_back(setting);
+        }
+    }
+
+    const Invocation& invocation_;
+    const Device& device_;
+    SettingReader reader_;
+    Report& report_;
+    Json readings_ = Json::array();
+    std::vector<UnreadSettings> unread_;
+    ExitStatus status_ = ExitStatus::kDone;
+};
 
 }  // namespace
 
@@ -49,17 +118,15 @@ ExitStatus RunGet(const Invocation& invocation, Report& report) {
     const bool bare = is_one_name || invocation.bare_value;
     const size_t width = NameWidth(settings);
     const Device device(invocation.limits, report);
-    Json shown = Json::array();
-    ExitStatus first_failure = ExitStatus::kDone;
+    Readings readings(invocation, device, report);
     for (const Setting& setting : settings) {
-        const std::string prefix = bare ? "" : NameColumn(setting, width);
-        const ExitStatus status = Show(setting, prefix, invocation, device, shown, report);
-        if (first_failure == ExitStatus::kDone) {
-            first_failure = status;
-        }
+        readings.Show(setting, bare ? "" : NameColumn(setting, width));
     }
-    report.Member("settings", std::move(shown));
-    return first_failure;
+    return readings.Finish();
+}
+
+void CheckWordsOfGet(const Invocation& invocation, Report& report) {
+    (void)SelectReadable("get", invocation, report);
 }
 
 }  // namespace velkctl

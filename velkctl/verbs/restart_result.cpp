@@ -16,6 +16,14 @@ constexpr std::string_view kIfupUnknown = "ifup: unknown interface ";
 // The messages of the DHCP client: no server answered, and a lease.
 constexpr std::string_view kNoOffer = "No DHCPOFFERS received";
 constexpr std::string_view kBound = "bound to ";
+// The client names an interface in its message about a socket, and in those about a packet:
+// "Listening on LPF/eth0/02:00:00:00:00:01", "DHCPDISCOVER on eth0 to 255.255.255.255".
+constexpr std::string_view kSocketOf = " LPF/";
+constexpr std::string_view kPacket = "DHCP";
+constexpr std::string_view kPacketOn = " on ";
+// A client of two interfaces requests two leases at a time, so its message about a lease belongs to
+// the interface of the request: "DHCPREQUEST for 192.168.0.109 on eth0 to 255.255.255.255".
+constexpr std::string_view kRequest = "DHCPREQUEST for ";
 
 RestartResult Good(const RestartFacts& facts, const std::string& text) {
     return {.is_as_configured = true, .line = facts.interface + ": " + text};
@@ -42,6 +50,31 @@ bool HasIfupFailed(const RestartFacts& facts) {
     return std::ranges::any_of(facts.tool_output, [&](std::string_view line) {
         return line == std::string(kIfupFailed) + facts.interface ||
                line == std::string(kIfupUnknown) + facts.interface;
+    });
+}
+
+std::string_view WordAfter(std::string_view line, std::string_view before, std::string_view ends) {
+    const size_t at = line.find(before);
+    if (at == std::string_view::npos) {
+        return {};
+    }
+    line.remove_prefix(at + before.size());
+    return line.substr(0, line.find_first_of(ends));
+}
+
+// Returns the interface that a line of the DHCP client names; empty if it names none.
+std::string_view InterfaceIn(std::string_view line) {
+    const std::string_view of_socket = WordAfter(line, kSocketOf, "/ ");
+    if (!of_socket.empty() || !line.starts_with(kPacket)) {
+        return of_socket;
+    }
+    return WordAfter(line, kPacketOn, " ");
+}
+
+// True if the client got this lease, even if it has named the other interface since.
+bool IsBoundTo(const RestartFacts& facts, const std::string& address) {
+    return std::ranges::any_of(facts.tool_output, [&](std::string_view line) {
+        return WordAfter(line, kBound, " ") == address;
     });
 }
 
@@ -75,7 +108,7 @@ RestartResult JudgeDhcp(const RestartFacts& facts) {
     if (IsLinkLocal(address)) {
         return Good(facts, address + ", link-local: no DHCP server answered");
     }
-    if (HasNoDhcpAnswer(facts.tool_output)) {
+    if (!IsBoundTo(facts, address) && HasNoDhcpAnswer(facts)) {
         return Bad(facts, "up, but its address " + address + " is not from DHCP",
                    "no DHCP server answered", "start one, then " + RunAgain(facts));
     }
@@ -138,16 +171,25 @@ RestartResult JudgeRestart(const RestartFacts& facts) {
 
 bool MayGetLease(const RestartFacts& facts) {
     return facts.source == AddressSource::kDhcp && facts.state.has_link &&
-           !facts.state.has_address() && !HasNoDhcpAnswer(facts.tool_output) &&
-           !LeavesWithoutAddress(facts);
+           !facts.state.has_address() && !HasNoDhcpAnswer(facts) && !LeavesWithoutAddress(facts);
 }
 
-bool HasNoDhcpAnswer(const std::vector<std::string>& tool_output) {
-    const auto last =
-        std::find_if(tool_output.rbegin(), tool_output.rend(), [](const std::string& line) {
-            return line.starts_with(kNoOffer) || line.find(kBound) != std::string::npos;
-        });
-    return last != tool_output.rend() && last->starts_with(kNoOffer);
+bool HasNoDhcpAnswer(const RestartFacts& facts) {
+    bool is_own = false;
+    bool has_no_answer = false;
+    std::string_view requested;  // the last address that the client requested for the interface
+    for (const std::string& line : facts.tool_output) {
+        if (const std::string_view named = InterfaceIn(line); !named.empty()) {
+            is_own = named == facts.interface;
+            requested =
+                is_own && line.starts_with(kRequest) ? WordAfter(line, kRequest, " ") : requested;
+        } else if (is_own && line.starts_with(kNoOffer)) {
+            has_no_answer = true;
+        } else if (line.starts_with(kBound) && WordAfter(line, kBound, " ") == requested) {
+            has_no_answer = false;
+        }
+    }
+    return has_no_answer;
 }
 
 Json StateInJson(const RestartFacts& facts) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/call/interface_state.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
@@ -38,8 +38,9 @@ RestartResult JudgeRestart(const RestartFacts& facts);
 // True if the interface has no address yet and a DHCP server may still give it one.
 bool MayGetLease(const RestartFacts& facts);
 
-// True if the DHCP client reported that no server answered.
-bool HasNoDhcpAnswer(const std::vector<std::string>& tool_output);
+// True if the last message of the DHCP client about the interface's lease is that no server
+// answered. Those about the other interface, which a restart of eth0 restarts too, do not count.
+bool HasNoDhcpAnswer(const RestartFacts& facts);
 
 // {"up": true, "address": "192.168.0.109", "source": "dhcp"}
 Json StateInJson(const RestartFacts& facts);

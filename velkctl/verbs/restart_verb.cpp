@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "velkctl/call/device.h"
-#include "velkctl/call/interface_state.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/restart_result.h"
 #include <nlohmann/json.hpp>

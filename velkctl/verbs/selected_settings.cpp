@@ -27,7 +27,8 @@ std::vector<Setting> Select(const std::string& word) {
 Problem ProblemOf(std::string_view verb, const std::string& word, const Invocation& invocation) {
     if (const std::optional<Setting> setting = FindSetting(word)) {
         const std::string name = setting->name();
-        return Problem{name + ": cannot be read, only set", name};
+        return Problem{
+            name + ": cannot be read, only set; 'velkctl set " + name + " VALUE' sets it", name};
     }
     const std::string problem = IsPattern(word) ? invocation.Shown(word) +
                                                       " matches no setting that can be read; "

@@ -5,9 +5,9 @@
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
-#include "velkctl/doctor/set_notes.h"
 #include "velkctl/verbs/change_set.h"
 #include "velkctl/verbs/change_words.h"
+#include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -45,6 +45,17 @@ std::vector<Setting> SettingsOf(const ChangeSet& changes) {
     std::vector<Setting> settings;
     for (const SettingChange& change : changes) {
         settings.push_back(change.setting);
+    }
+    return settings;
+}
+
+// Returns the settings that hold their new value, as far as is known.
+std::vector<Setting> SettingsSet(const ChangeSet& changes, const std::vector<MadeChange>& made) {
+    std::vector<Setting> settings;
+    for (size_t i = 0; i < made.size(); ++i) {
+        if (made[i].has_effect()) {
+            settings.push_back(changes[i].setting);
+        }
     }
     return settings;
 }
@@ -89,10 +100,19 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     if (!is_single || changes.size() > 1) {
         report.Member("settings", SettingsInJson(changes, made));
     }
-    if (made.back().status == ExitStatus::kDone) {
-        notes.Print(report);
-    }
+    notes.Print(SettingsSet(changes, made), report);
     return made.back().status;
+}
+
+// Reports the problems of words with unknown options beside them. In the form "NAME VALUE..." such
+// an option may be the value, so only the other form is checked.
+void CheckWordsOfSet(const Invocation& invocation, Report& report) {
+    if (!IsAssignment(invocation.words.front())) {
+        return;
+    }
+    for (const Problem& problem : ReadChanges(invocation).problems) {
+        report.Complain(problem);
+    }
 }
 
 }  // namespace velkctl

@@ -16,8 +16,9 @@
 namespace velkctl {
 namespace {
 
-constexpr std::array<std::string_view, 3> kInterfaces{"", VELK_WIRED_INTERFACE,
-                                                      VELK_WIRELESS_INTERFACE};
+// The settings of the device have no interface.
+constexpr std::array<std::string_view, 3> kGroups{"", VELK_WIRED_INTERFACE,
+                                                  VELK_WIRELESS_INTERFACE};
 constexpr size_t kUsualColumns = 80;
 constexpr size_t kIndent = 2;
 
@@ -32,7 +33,7 @@ std::string_view HeadingOf(std::string_view interface) {
 
 std::vector<SettingGroup> GroupsOf(const std::vector<Setting>& settings) {
     std::vector<SettingGroup> groups;
-    for (const std::string_view interface : kInterfaces) {
+    for (const std::string_view interface : kGroups) {
         SettingGroup group;
         std::copy_if(settings.begin(), settings.end(), std::back_inserter(group),
                      [&](const Setting& setting) { return setting.interface == interface; });

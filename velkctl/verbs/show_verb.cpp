@@ -1,5 +1,5 @@
 // show_verb.cpp - the verb that shows all readable settings.
-#include <chrono>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -8,25 +8,18 @@
 
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
-#include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/value_checks.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/read_failure.h"
 #include "velkctl/verbs/selected_settings.h"
 #include "velkctl/verbs/setting_groups.h"
+#include "velkctl/verbs/setting_reader.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
-
-// A daemon without an answer for this time is not asked again.
-constexpr std::chrono::seconds kSilent{10};
-
-bool IsWireless(const Setting& setting) {
-    return setting.row->interfaces == kEth1;
-}
 
 std::string Warning(const std::string& text) {
     return Coloured(text, Colour::kYellow, STDOUT_FILENO);
@@ -84,53 +77,38 @@ class ShownRows {
     std::vector<UnreadSettings> unread_;
 };
 
-// Reads settings in order. After one time-out of the wireless daemon it skips its other settings.
-class SettingReader {
+// Adds the settings of a group, as they are read, to rows and to the document.
+class ShownReadings {
   public:
-    SettingReader(bool show_secrets, const Device& device)
-        : show_secrets_(show_secrets), device_(device) {}
+    ShownReadings(bool show_secrets, const Device& device)
+        : show_secrets_(show_secrets), reader_(device) {}
 
-    void Read(const Setting& setting, ShownRows& rows) {
-        if (daemon_is_silent_ && IsWireless(setting)) {
-            Skip(setting, rows);
+    void Add(const Setting& setting, ShownRows& rows) {
+        const std::optional<Answer> answer = reader_.Read(setting);
+        if (answer && answer->ok()) {
+            AddValue(setting, answer->data, rows);
             return;
         }
-        const auto start = std::chrono::steady_clock::now();
-        const Answer answer = device_.Get(setting);
-        const bool took_long =
-            answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
-        daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
-        if (answer.ok()) {
-            const bool is_valid = !InvalidValue(setting, answer.data);
-            rows.AddValue(setting, ValueText(setting, answer.data, show_secrets_) +
-                                       (is_valid ? "" : "  (not valid)"));
-            read_.push_back(ReadingInJson(setting, ValueInJson(setting, answer.data, show_secrets_),
-                                          nullptr, is_valid));
-        } else {
-            rows.AddFailure(setting, ReadFailureOf(setting, answer));
-            AddError(setting, ProblemOfGet(CouldNotBeRead(setting), setting, answer));
-        }
-    }
-
-    Json TakeReadings() { return std::move(read_); }
-
-  private:
-    void Skip(const Setting& setting, ShownRows& rows) {
-        const ReadFailure failure = SkippedAsDaemonIsSilent();
-        rows.AddFailure(setting, failure);
-        Problem problem{CouldNotBeRead(setting), setting.name()};
-        problem.detail = failure.of_one;
-        AddError(setting, problem);
-    }
-
-    void AddError(const Setting& setting, const Problem& problem) {
+        rows.AddFailure(setting,
+                        answer ? ReadFailureOf(setting, *answer) : SkippedAsDaemonIsSilent());
+        const Problem problem = ReadingProblem(setting, answer);
         read_.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
     }
 
+    Json Take() { return std::move(read_); }
+
+  private:
+    void AddValue(const Setting& setting, const Data& data, ShownRows& rows) {
+        const bool is_valid = !InvalidValue(setting, data);
+        rows.AddValue(setting,
+                      ValueText(setting, data, show_secrets_) + (is_valid ? "" : "  (not valid)"));
+        read_.push_back(
+            ReadingInJson(setting, ValueInJson(setting, data, show_secrets_), nullptr, is_valid));
+    }
+
     const bool show_secrets_;
-    const Device& device_;
+    SettingReader reader_;
     Json read_ = Json::array();
-    bool daemon_is_silent_ = false;
 };
 
 }  // namespace
@@ -146,18 +124,22 @@ ExitStatus RunShow(const Invocation& invocation, Report& report) {
     }
     const size_t width = NameWidth(settings);
     const Device device(invocation.limits, report);
-    SettingReader reader(invocation.show_secrets, device);
+    ShownReadings readings(invocation.show_secrets, device);
     GroupedRows shown;
     for (const SettingGroup& group : GroupsOf(settings)) {
         ShownRows rows(width);
         for (const Setting& setting : group) {
-            reader.Read(setting, rows);
+            readings.Add(setting, rows);
         }
         shown.Add(group, rows.Text());
     }
     shown.Print(!invocation.no_pager, report);
-    report.Member("settings", reader.TakeReadings());
+    report.Member("settings", readings.Take());
     return ExitStatus::kDone;  // also if a setting cannot be read
+}
+
+void CheckWordsOfShow(const Invocation& invocation, Report& report) {
+    (void)SelectReadable("show", invocation, report);
 }
 
 }  // namespace velkctl

@@ -6,12 +6,12 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/call/device.h"
-#include "velkctl/call/dhcp_client.h"
-#include "velkctl/call/interface_state.h"
-#include "velkctl/call/running_gateway.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/files/dhcp_client.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/files/lock_holder.h"
+#include "velkctl/files/running_gateway.h"
 #include "velkctl/files/unix_socket.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/columns.h"
@@ -20,6 +20,9 @@
 
 namespace velkctl {
 namespace {
+
+constexpr const char* kStatic = "static";
+constexpr const char* kDhcp = "dhcp";
 
 // A part of the device. Empty texts are not known, or not configured.
 struct State {
@@ -34,25 +37,41 @@ using States = std::vector<State>;
 // The configuration of an interface and its state in the kernel.
 struct Interface {
     std::string name;
-    bool is_used;  // false for eth1 while the cable is in
-    std::string method;
-    InterfaceState kernel;
+    std::string unused{};  // the reason if nothing uses eth1
+    std::string method{};  // "static", "dhcp"; empty if neither
+    InterfaceState kernel{};
+    DhcpClient client{};
+
+    bool is_used() const { return unused.empty(); }
+    bool has_dhcp() const { return method == kDhcp; }
 };
 
-std::string Configured(uint32_t id, const Interface& interface, const Device& device) {
-    const Setting setting = SettingsOf(id, interface.name).front();
-    const Answer answer = device.Get(setting);
-    return answer.ok() ? setting.row->kind->Print(answer.data) : "";
+std::string Configured(uint32_t id, const std::string& interface, const Device& device) {
+    return device.PrintedValue(SettingsOf(id, interface).front());
+}
+
+State Compared(const Interface& interface, std::string_view part, const std::string& configured,
+               const std::string& running, bool differs) {
+    return {interface.name + "." + std::string(part), configured, running,
+            interface.is_used() && !configured.empty() && differs};
 }
 
 State Compared(const Interface& interface, std::string_view part, const std::string& configured,
                const std::string& running) {
-    const bool differs = interface.is_used && !configured.empty() && configured != running;
-    return {interface.name + "." + std::string(part), configured, running, differs};
+    return Compared(interface, part, configured, running, configured != running);
 }
 
 std::string OrNone(const std::string& text) {
     return text.empty() ? std::string(kNone) : text;
+}
+
+// Returns one text of each address, such as its netmask, in a line.
+std::string AllOf(const InterfaceState& kernel, std::string InterfaceAddress::*text) {
+    std::string line;
+    for (const InterfaceAddress& own : kernel.addresses) {
+        line.append(line.empty() ? "" : " ").append(own.*text);
+    }
+    return OrNone(line);
 }
 
 State LinkState(const Interface& interface) {
@@ -62,55 +81,104 @@ State LinkState(const Interface& interface) {
 }
 
 State ClientState(const Interface& interface) {
-    const std::string configured = interface.method.empty()       ? ""
-                                   : interface.method == "static" ? "off"
-                                                                  : "on";
+    const std::string configured = interface.method.empty() ? ""
+                                   : interface.has_dhcp()   ? "on"
+                                                            : "off";
     return Compared(interface, "dhcp-client", configured,
-                    IsDhcpClientRunning(interface.name) ? "on" : "off");
+                    interface.client.is_running ? "on" : "off");
 }
 
-// With DHCP any address is the lease; only its absence differs.
+// A lease that cannot be read may be there.
+bool MayHaveLease(const DhcpClient& client) {
+    return client.is_running && (client.lease || !client.is_lease_known);
+}
+
 State LeaseState(const Interface& interface) {
-    const std::string running = OrNone(interface.kernel.address());
-    const bool differs = interface.is_used && running == kNone;
-    return {interface.name + ".address", "dhcp", running, differs};
+    const DhcpClient& client = interface.client;
+    const std::string running = client.lease           ? client.lease->Text()
+                                : MayHaveLease(client) ? "unknown"
+                                                       : std::string(kNone);
+    return Compared(interface, "lease", interface.has_dhcp() ? kDhcp : "", running,
+                    !MayHaveLease(client));
 }
 
+// True if the interface has the address of its lease, as far as that is known. A link-local address
+// is never of a lease.
+bool HasAddressOfLease(const Interface& interface) {
+    if (!MayHaveLease(interface.client) || !interface.kernel.has_address()) {
+        return false;
+    }
+    return interface.client.lease ? interface.kernel.Has(interface.client.lease->address)
+                                  : !IsLinkLocal(interface.kernel.address());
+}
+
+void AppendDhcp(const Interface& interface, States& states) {
+    const InterfaceState& kernel = interface.kernel;
+    const std::string configured = interface.has_dhcp() ? kDhcp : "";
+    states.push_back(Compared(interface, "address", configured,
+                              AllOf(kernel, &InterfaceAddress::address),
+                              !HasAddressOfLease(interface)));
+    states.push_back(Compared(interface, "netmask", configured,
+                              AllOf(kernel, &InterfaceAddress::netmask), false));
+    states.push_back(
+        Compared(interface, "gateway", configured, OrNone(RunningGateway(interface.name)), false));
+}
+
+// An interface may have more addresses than the configured one. The netmask compared is of that.
 void AppendStatic(const Interface& interface, const Device& device, States& states) {
     const InterfaceState& kernel = interface.kernel;
+    const std::string address = Configured(VELK_CMD_IP_ADDRESS, interface.name, device);
+    const std::string netmask = Configured(VELK_CMD_NETMASK, interface.name, device);
+    const auto own = std::ranges::find(kernel.addresses, address, &InterfaceAddress::address);
+    const bool has_own = own != kernel.addresses.end();
     const InterfaceAddress first =
         kernel.has_address() ? kernel.addresses.front() : InterfaceAddress{};
-    const auto append = [&](std::string_view part, uint32_t id, const std::string& running) {
-        states.push_back(
-            Compared(interface, part, Configured(id, interface, device), OrNone(running)));
-    };
-    append("address", VELK_CMD_IP_ADDRESS, first.address);
-    append("netmask", VELK_CMD_NETMASK, first.netmask);
-    append("gateway", VELK_CMD_GATEWAY, RunningGateway(interface.name));
+    states.push_back(Compared(interface, "address", address,
+                              AllOf(kernel, &InterfaceAddress::address), !has_own));
+    states.push_back(Compared(interface, "netmask", netmask,
+                              AllOf(kernel, &InterfaceAddress::netmask),
+                              (has_own ? own->netmask : first.netmask) != netmask));
+    states.push_back(Compared(interface, "gateway",
+                              Configured(VELK_CMD_GATEWAY, interface.name, device),
+                              OrNone(RunningGateway(interface.name))));
 }
 
 void AppendStates(const Interface& interface, const Device& device, States& states) {
     states.push_back(LinkState(interface));
     states.push_back(ClientState(interface));
-    if (interface.method == "static") {
+    states.push_back(LeaseState(interface));
+    if (interface.method == kStatic) {
         AppendStatic(interface, device, states);
         return;
     }
-    states.push_back(LeaseState(interface));
-    states.push_back({interface.name + ".gateway", "", OrNone(RunningGateway(interface.name))});
+    AppendDhcp(interface, states);
+}
+
+// The library asks the daemon nothing and gives eth1 no address while the cable is in.
+std::string ReasonForNoUse(const std::string& name) {
+    if (name != VELK_WIRELESS_INTERFACE) {
+        return "";
+    }
+    if (!CheckAdapter().empty()) {
+        return "not used without an adapter";
+    }
+    return ReadInterfaceState(VELK_WIRED_INTERFACE).has_link ? "not used while the cable is in"
+                                                             : "";
 }
 
 Interface ReadInterface(const std::string& name, const Device& device) {
-    const bool is_wireless = name == VELK_WIRELESS_INTERFACE;
-    Interface interface { name, true, "", ReadInterfaceState(name) };
-    interface.is_used = !is_wireless || !ReadInterfaceState(VELK_WIRED_INTERFACE).has_link;
-    interface.method = Configured(VELK_CMD_IP_METHOD, interface, device);
+    Interface interface { .name = name, .unused = ReasonForNoUse(name) };
+    const std::string method = Configured(VELK_CMD_IP_METHOD, name, device);
+    interface.method = method == kStatic || method == kDhcp ? method : "";
+    interface.kernel = ReadInterfaceState(name);
+    interface.client = ReadDhcpClient(name);
     return interface;
 }
 
-void AppendWireless(States& states) {
+void AppendWireless(const Interface& interface, States& states) {
     states.push_back({"eth1.adapter", "", CheckAdapter().empty() ? "attached" : "none"});
     states.push_back({"eth1.daemon", "", IsBound(velk::kRequestSocket) ? "on" : "off"});
+    states.push_back({"eth1.use", "", interface.is_used() ? "used" : interface.unused});
 }
 
 States ReadStates(const std::string& wanted, const Device& device) {
@@ -119,10 +187,11 @@ States ReadStates(const std::string& wanted, const Device& device) {
         if (!wanted.empty() && wanted != name) {
             continue;
         }
+        const Interface interface = ReadInterface(name, device);
         if (name == VELK_WIRELESS_INTERFACE) {
-            AppendWireless(states);
+            AppendWireless(interface, states);
         }
-        AppendStates(ReadInterface(name, device), device, states);
+        AppendStates(interface, device, states);
     }
     if (wanted.empty()) {
         const std::string holder = DescribeLockHolder();
@@ -131,11 +200,7 @@ States ReadStates(const std::string& wanted, const Device& device) {
     return states;
 }
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
-}
-
-Json StateInJson(const State& state) {
+Json RowInJson(const State& state) {
     Json object;
     object["name"] = state.name;
     object["configured"] = TextOrNull(state.configured);
@@ -149,12 +214,15 @@ std::string Row(const State& state) {
     constexpr size_t kValue = 17;
     const std::string configured = state.configured.empty() ? "-" : state.configured;
     return Padded(state.name, kName) + Padded(configured, kValue) +
-           (state.differs ? Padded(state.running, kValue) + "differs" : state.running) + "\n";
+           (state.differs ? Padded(state.running + " ", kValue) + "differs" : state.running) + "\n";
 }
 
 }  // namespace
 
 ExitStatus RunStatus(const Invocation& invocation, Report& report) {
+    if (const std::string other_machine = DescribeOtherMachine(); !other_machine.empty()) {
+        report.Text(InLinesOf80(other_machine, 0) + "\n");
+    }
     const Device device(invocation.limits, report);
     const States states =
         ReadStates(invocation.words.empty() ? "" : invocation.words.front(), device);
@@ -162,7 +230,7 @@ ExitStatus RunStatus(const Invocation& invocation, Report& report) {
     Json list = Json::array();
     for (const State& state : states) {
         report.Text(Row(state));
-        list.push_back(StateInJson(state));
+        list.push_back(RowInJson(state));
     }
     const bool differs = std::ranges::any_of(states, &State::differs);
     report.Member("states", std::move(list));

@@ -17,10 +17,10 @@ functions='
     link() { ethtool eth0 | sed -n "s/.*Link detected: //p"; }
     # Prints the result and the data bytes of a get, without blanks.
     get() {
-        velkctl call get "$1" "$2" | sed -E "1s/.*\((.*)\).*/\1/; s/^[0-9a-f]{8}  ?//
+        velkctl call get "$1" "$2" | sed -E "1{/\(-?[0-9]+\)/!d}; s/.*\((-?[0-9]+)\).*/\1/; s/^[0-9a-f]{8}  ?//
             s/  *\|.*//; /^[0-9a-f]{8}\$/d; 2,\$s/ //g" | paste -s -d " "
     }
-    set_speed() { velkctl call set 201 eth0 --hex "$1" | sed -E "s/.*\((.*)\).*/\1/"; }
+    set_speed() { velkctl call set 201 eth0 --hex "$1" | sed -nE "s/.*\((-?[0-9]+)\).*/\1/p"; }
     daemons() { cat /proc/[0-9]*/comm 2>/dev/null | grep -cx wland; }
 '
 
@@ -230,13 +230,19 @@ check 'complaints' 2 \
 # --- errors ---
 
 it 'refuses positions that are not valid'
-for arguments in cable adapter 'cable sideways' 'cable in out' 'adapter in --quiet'; do
+while IFS='|' read -r arguments fix; do
     # shellcheck disable=SC2086  # words
     on_device velk-sandbox $arguments
     status_is 2
     check 'errors and next step' "velk-sandbox: MESSAGE
-  fix: see velk-sandbox ${arguments%% *} --help" "$(sed '1s/: .*/: MESSAGE/' <<<"$error")"
-done
+  fix: $fix" "$(sed '1s/: .*/: MESSAGE/' <<<"$error")"
+done <<'END'
+cable|velk-sandbox cable in, or velk-sandbox cable out
+adapter|velk-sandbox adapter in, or velk-sandbox adapter out
+cable sideways|velk-sandbox cable in, or velk-sandbox cable out
+cable in out|see velk-sandbox cable --help
+adapter in --quiet|see velk-sandbox adapter --help
+END
 
 it 'continues if the hardware process has ended'
 on_device_sh 'kill -KILL 2; while kill -0 2 2>/dev/null; do sleep 0.01; done; cable in'

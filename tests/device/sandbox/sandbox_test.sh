@@ -394,11 +394,26 @@ error_is 'velk-sandbox: list: No such file or directory'
 run velk-sandbox --quiet sh -c 'echo "$@"' sh -- list
 output_is '-- list'
 
-it 'names the help if a program is not found that could be meant as a subcommand'
-run env PATH="$VELK_BUILD:/usr/bin:/bin" velk-sandbox cabel out
+it 'suggests a subcommand if a program of a similar name is not found'
+for words in 'cabel out cable' 'watc watch' 'lst list' 'adaptre in adapter' 'rout out router'; do
+    # shellcheck disable=SC2086
+    run velk-sandbox ${words% *}
+    status_is 127
+    error_is "velk-sandbox: ${words%% *}: No such file or directory; did you mean ${words##* }?
+  fix: give a program that the device has, or see velk-sandbox --help"
+done
+
+it 'suggests none for a word that is like none of them, a path, or a word after --'
+run velk-sandbox mumble
 status_is 127
-error_is 'velk-sandbox: cabel: No such file or directory
+error_is 'velk-sandbox: mumble: No such file or directory
   fix: give a program that the device has, or see velk-sandbox --help'
+run velk-sandbox /cable
+status_is 127
+error_is 'velk-sandbox: /cable: No such file or directory'
+run velk-sandbox -- cabel
+status_is 127
+error_is 'velk-sandbox: cabel: No such file or directory'
 
 it 'explains that a program is hidden by a private folder'
 cd / || exit
@@ -443,17 +458,40 @@ while IFS='|' read -r words message help; do
 done <<END
 --bogus|unknown option '--bogus'|--help
 --bogus true|unknown option '--bogus'|--help
---writable|--writable: 1 required DIR missing|--help
---writable /$mark|--writable: Directory does not exist: /$mark|--help
---rootfs /$mark|--rootfs: Directory does not exist: /$mark|--help
+--rael true|unknown option '--rael'; did you mean --real?|--help
+--writable|--writable: DIR is missing|--help
+--name|--name: NAME is missing|--help
+--name a --name b true|--name is given more than once|--help
+--real=x true|--real takes no value|--help
 --no-router true|--no-router requires --real|--help
-cable|POSITION is required|cable --help
-cable up|POSITION: up not in {in,out}|cable --help
 cable in out|unexpected argument 'out'|cable --help
 router in -- out|unexpected argument 'out'|router --help
 list $mark|unexpected argument '$mark'|list --help
 enter --bogus|unknown option '--bogus'|enter --help
+cable --nam x in|unknown option '--nam'; did you mean --name?|cable --help
 END
+
+it 'refuses a cable, adapter or router without in or out, and prints the right commands'
+for part in cable adapter router; do
+    run velk-sandbox $part
+    status_is 2
+    error_is "velk-sandbox: $part: in or out is missing
+  fix: velk-sandbox $part in, or velk-sandbox $part out"
+    run velk-sandbox $part sideways
+    status_is 2
+    error_is "velk-sandbox: $part: 'sideways' is neither in nor out
+  fix: velk-sandbox $part in, or velk-sandbox $part out"
+done
+
+it 'refuses a folder that does not exist'
+for words in "--writable /$mark" '--rootfs /etc/passwd'; do
+    # shellcheck disable=SC2086
+    run velk-sandbox $words
+    status_is 2
+    output_is ''
+    error_is "velk-sandbox: ${words% *}: there is no folder '${words#* }'
+  fix: give a folder that exists"
+done
 
 it 'refuses an empty name'
 for words in '' enter cable; do
@@ -560,6 +598,10 @@ it 'prints its options and its version'
 run velk-sandbox --help
 status_is 0
 output_has 'Usage: velk-sandbox [OPTIONS] [COMMAND...]'
+output_has '
+  --real            Use the system'\''s own tools, and a router; root only
+  --no-router       With --real: start with the router disconnected
+'
 output_has '--writable DIR'
 help=$output
 run velk-sandbox help

@@ -48,13 +48,13 @@ functions='
     # Prints ids with their results and data bytes, one line each.
     get() {
         for id; do
-            velkctl call get "$id" eth1 --show-secrets | sed -E "1s/.*\((.*)\).*/$id: \1/
+            velkctl call get "$id" eth1 --show-secrets | sed -E "1{/\(-?[0-9]+\)/!d}; s/.*\((-?[0-9]+)\).*/$id: \1/
                 s/^[0-9a-f]{8}  //; /^[0-9a-f]{8}\$/d" | tr -s "\n " " " | sed "s/ \$//"
             echo
         done
     }
     set_to() { # ID OPTION VALUE
-        velkctl call set "$1" eth1 "$2" "$3" | sed -E "s/.*\((.*)\).*/$1= \1/"
+        velkctl call set "$1" eth1 "$2" "$3" | sed -nE "s/.*\((-?[0-9]+)\).*/$1= \1/p"
     }
     # Starts a query that gets no answer, and prints "waits" if it still runs after a second.
     wait_in_vain() {

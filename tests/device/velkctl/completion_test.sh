@@ -46,7 +46,7 @@ describe doctor
 
 it 'offers the options of the verb, and those in front of it'
 offered - -- get eth0.dns - -- set --no -- restart eth1 --n -- list - -- explain -
-output_is '-h --help --version --json
+output_is '-h --help --version --json --quiet --verbose
 -h --help --timeout --json --quiet --verbose --show-secrets --value
 --no-verify
 --notify-only

@@ -98,6 +98,18 @@ this does not look like the device (6 of its files are missing)
 false' "$(tail -n +2 <<<"$output")"
 has 'first line of a device' 'problem: ' "${output%%$'\n'*}"
 
+it 'prints no fix for a machine that is not the device'
+script 'cd /etc; rm network/interfaces dhclient.conf dhclient-exit-hooks /sbin/dhclient-script resolv.dnsmasq.conf
+    velkctl doctor | grep -c fix:
+    rm /var/cron/tabs/root; velkctl doctor >/tmp/found; echo $?
+    grep -c fix: /tmp/found; tail -n +3 /tmp/found | head -2; grep -c "^[0-9]* problems, " /tmp/found'
+check 'fixes, with five files missing' some "$([ "${output%%$'\n'*}" -gt 4 ] && echo some)"
+check 'fixes, with six files missing' "1
+0
+problem: method, address, netmask and gateway can be neither read nor set
+  /etc/network/interfaces: the file is missing
+1" "$(tail -n +2 <<<"$output")"
+
 it 'reports files that are missing, of another kind or not writable'
 why=$([ "$(id -u)" = 0 ] && echo 'Read-only file system' || echo 'Permission denied')
 examine 'rm /etc/network/interfaces /var/cron/tabs/root /etc/dhclient.conf
@@ -181,7 +193,7 @@ velkctl: ntp: could not be set
   process N (sleep, N old) holds the lock
   fix: try again, or let --wait=SECONDS try again
   result: LIB_VELK_LOCKED (-3)
-velkctl: waiting at most 1 s for the lock, held by process N (sleep, N old)
+velkctl: note: waiting at most 1 s for the lock, held by process N (sleep, N old)
 velkctl: ntp: could not be set
   another program is changing settings
   process N (sleep, N old) still holds the lock after 1 s
@@ -305,7 +317,8 @@ error_is "velkctl: eth1.mac-address: could not be read
   fix: attach an adapter of /usr/local/share/apps/wlan/supportlist.ini
   result: LIB_VELK_NO_ADAPTER (-5)
 velkctl: eth1.ssid: could not be read
-  likely cause: /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  no adapter is attached
   fix: plug in an adapter; if that does not start the wireless daemon, start it
   result: LIB_VELK_FAILURE (-1)"
 output_is '4
@@ -315,7 +328,7 @@ warning: wireless adapter is not attached
   the settings of eth1 about adapter and connection are refused
   fix: plug in one that /usr/local/share/apps/wlan/supportlist.ini names
 warning: the wireless daemon does not run
-  /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached
+  /tmp/WlanAplToWlanSock: its socket is missing; no adapter is attached
   fix: plug in an adapter; if that does not start the wireless daemon, start it
 0 problems, 2 warnings'
 script 'velk-sandbox adapter out; velkctl doctor --json |

@@ -39,6 +39,14 @@ fixed() { # fixed FINDING BREAK [HAND]
     [ "$status" != 0 ] || printf '%s\n' "$output" >>"$found"
 }
 
+# Breaks a device by several faults of one line, and applies the fixes, the last one first.
+all_fixed() { # all_fixed NAME BREAK [HAND]
+    it "fixes $1"
+    run velk-sandbox --quiet --rootfs "$healthy" -- sh -c 'exec python3 -c "$APPLY_FIX" "$@"' \
+        sh "$keep_own $stand_in_word $2" '' "${3:-}"
+    check 'result' fixed "$([ "$status" = 0 ] && echo fixed || printf '%s' "$output$error")"
+}
+
 # An ordinary user cannot break the device in every way.
 fixed_by_root() { [ "$(id -u)" != 0 ] || fixed "$@"; }
 
@@ -71,6 +79,7 @@ fixed 'is below .*outside the stanza' "sed -i '/^iface eth0/a auto eth2' $interf
 fixed 'white space around' "sed -i '0,/address /s/address /address  /' $interfaces" \
     "sed -i 's/address  /address /' $interfaces"
 fixed 'still applies' "sed -i 's/^\(\tgateway\) 10.*/&\n\1 10.0.0.4/' $interfaces"
+fixed 'has a second line' "sed -i 's/^\(\taddress\) 10.0.0.10/&\n\1 10.0.0.4/' $interfaces"
 fixed 'no blank follows' "sed -i '0,/address /s/address /address\t/' $interfaces" \
     "sed -i 's/address\t/address /' $interfaces"
 fixed 'is the last one and has no' "sed -i '/netmask 255.0/d' $interfaces"
@@ -176,7 +185,18 @@ fixed 'is the broadcast address' "sed -i '0,/address/s/address .*/address 10.0.0
 fixed 'is also the address of eth0' "velkctl set eth1.method static
     sed -i 's/address .*/address 10.0.0.10/' $interfaces" 10.0.0.2
 fixed 'is the address of eth0' "echo 'nameserver 10.0.0.10' >$resolver" 192.0.2.1
+fixed 'eth0.address is missing' "sed -i '0,/address/{/address/d}' $interfaces"
+fixed 'eth1.address and eth1.netmask are missing' "sed -i '/iface eth1/,\$d' $interfaces
+    printf 'iface eth1 inet static\n\niface lo inet loopback\n' >>$interfaces"
 fixed 'is a loopback address' "echo 'nameserver 127.0.0.1' >$resolver" 192.0.2.1
+
+# ---- two faults of one line -------------------------------------------------------------------
+all_fixed 'a server that is not valid and the last word of its line' \
+    "sed -i 's/ntpdate -u .*/ntpdate -u bad;host/' $crontab"
+all_fixed 'an option that is taken for the server' "sed -i 's/-u 192.168.0.1/-t 5 -u bad;host/' $crontab"
+all_fixed 'a line with another option above an address that is not valid' \
+    "sed -i '/^iface eth0/a\\\\thwaddress ether 02:00:00:00:00:01' $interfaces
+    sed -i '0,/address 10/s/address 10.*/address 999.1.1.1/' $interfaces" 10.0.0.10
 
 # ---- daemon, adapter and tools ------------------------------------------------------------------
 restart_daemon='velk-sandbox adapter out; velk-sandbox adapter in'

@@ -43,6 +43,12 @@ def wrong(document, finished):
     if document["status"] != finished.returncode:
         yield "exit status " + str(finished.returncode)
     yield from (error.json_path + ": " + error.message for error in schema.iter_errors(document))
+    if document["status"] == 2:
+        for error in document["errors"]:
+            if not error["remedy"]:
+                yield "no remedy: " + error["message"]
+            if "; give " in error["message"] or "; did you" in error["message"]:
+                yield "the message has the remedy in it: " + error["message"]
     keys = list(document)
     if keys[:3] != ["schema", "verb", "status"] or keys[-2:] != ["notes", "errors"]:
         yield "members in another order: " + str(keys)
@@ -156,7 +162,7 @@ output_is '{
     "name": "eth0.address",
     "value": "10.0.0.1",
     "held": null,
-    "takes_effect": "at the next restart of eth0"
+    "takes_effect": "at the next restart of eth0, with method static"
   },
   "notes": [
     "eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown"
@@ -181,7 +187,7 @@ answers <<'END'
 2 set -> nothing; - -
 2 set nonsense 1 -> nothing; - -
 2 set eth0.mac-address 1 -> nothing; eth0.mac-address -
-2 set eth0.mac-address=1 ntp=maybe 1 -> nothing; eth0.mac-address -; - -; ntp -
+2 set eth0.mac-address=1 ntp=maybe 1 -> nothing; eth0.mac-address -; ntp -; - -
 2 get 'eth9.*' -> nothing; - -
 2 set eth0.dns 1.1.1.1 --wait=0 -> nothing; - -
 2 show eth9 -> nothing; - -
@@ -214,6 +220,40 @@ answers <<'END'
 2 call get 317 eth0 -> result data; - LIB_VELK_INVALID_PARAMETER
 2 call set 101 eth0 -> result; - LIB_VELK_INVALID_PARAMETER
 END
+
+it 'answers every refused input with its remedy'
+answers <<'END'
+2 get eth0.mask -> nothing; - -
+2 get dns -> nothing; - -
+2 get eth2 -> nothing; - -
+2 get -> nothing; - -
+2 explain ssid -> nothing; - -
+2 set eth0.address=1 -> nothing; eth0.address -
+2 set eth0.netmask 33 -> nothing; eth0.netmask -
+2 set eth0.gateway 010.0.0.1 -> nothing; eth0.gateway -
+2 set eth0.link-speed 1000 -> nothing; eth0.link-speed -
+2 set eth0.method dhcpp -> nothing; eth0.method -
+2 set eth0.dns 127.0.0.1 -> nothing; eth0.dns -
+2 set eth1.encryption wpa2 -> nothing; eth1.encryption -
+2 set eth1.wep-key-1 abc -> nothing; eth1.wep-key-1 -
+2 set eth1.wep-key-1 123456789x -> nothing; eth1.wep-key-1 -
+2 set ntp-server off -> nothing; ntp-server -
+2 set ntp-server a..b -> nothing; ntp-server -
+2 set location none -> nothing; location -
+2 set location a b -> nothing; location -
+2 set web-update yearly -> nothing; web-update -
+2 set ntp=on ntp=off -> nothing; ntp -
+2 set eth0.address 1.1.1.1/24 eth0.netmask 24 -> nothing; eth0.address -
+2 get ntp --timeout -> nothing; - -
+2 get ntp --timeout=0 -> nothing; - -
+2 get ntp --timeout=1 --timeout=2 -> nothing; - -
+2 set ntp on --wait 5 -> nothing; - -
+2 get ntp --quiet --verbose -> nothing; - -
+2 call set 108 eth0 --text @/nonexistent -> nothing; - -
+END
+run velkctl set --json eth0.address=1
+output_has '"message": "eth0.address: '"'1'"' is not an IPv4 address",'
+output_has '"remedy": "give an IPv4 address such as 192.168.0.10",'
 
 it 'answers with a document while another program holds the lock'
 answers <<'END'
@@ -299,6 +339,19 @@ explain
 status
 doctor
 call'
+
+it 'has an example in velkctl(1) that the schema takes'
+run "$PYTHON" -c '
+import json, os, re, sys
+import jsonschema
+schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
+for text in re.findall("^[.]Bd.*\n({\n.*?^})\n[.]Ed", open(sys.argv[1]).read(), re.S | re.M):
+    schema.validate(json.loads(text.replace("\\e", "\\")))
+    print(json.loads(text)["verb"])
+' "$VELK_SOURCE/docs/man/velkctl.1"
+status_is 0
+error_is ''
+output_is 'get'
 
 it 'has a schema that refuses a document without one of its members'
 run "$PYTHON" -c '

@@ -32,6 +32,23 @@ if command -v mandoc >/dev/null; then
             check "BSD in $page" 0 "$(sed -n '1p;$p' <<<"$output" | grep -c BSD)"
         fi
     done
+    it 'has pages that set no word as an option, except the options of the programs'
+    {
+        velkctl --help
+        for verb in get set show restart list describe explain status doctor call; do
+            velkctl "$verb" --help
+        done
+        velk-sandbox --help
+    } >"$lib_folder/help"
+    # "--" ends the options, --privileged is an option of container programs, -lvelk one of linkers.
+    grep -oE '(^|[ ,[(|])--?[a-z][a-z-]*' "$lib_folder/help" | grep -oE -e '-.*' |
+        cat - <(printf '%s\n' -- --privileged -lvelk) >"$lib_folder/options"
+    for page in velkctl.1 libvelk.3 velk-sandbox.1; do
+        run mandoc -T html "$pages/$page"
+        flags=$(grep -o 'class="Fl">[^<]*' <<<"$output" | sed 's/.*>//' | sort -u)
+        check "words set as options in $page" '' "$(grep -vxFf "$lib_folder/options" <<<"$flags")"
+        check "options in $page" yes "$([ -n "$flags" ] && echo yes)"
+    done
     it 'has pages that mandoc prints as readable text'
     run mandoc -T ascii "$pages/velkctl.1"
     plain=${output//?$'\b'/} # bold and underlined letters are struck twice

@@ -34,13 +34,42 @@ it 'reports all problems of a call, and changes nothing'
 changes_nothing 'velkctl set eth0.address=192.168.0.300 eth0.gateway=10.0.0.1 eth1.dsn=1.1.1.1 \
     ntp=maybe 8.8.8.8 ntp=on location=here'
 status_is 2
-error_is "velkctl: set: unknown setting 'eth1.dsn'; did you mean eth1.dns?
+error_is "velkctl: eth0.address: '192.168.0.300' is not an IPv4 address
+  fix: give an IPv4 address such as 192.168.0.10
+velkctl: set: unknown setting 'eth1.dsn'; did you mean eth1.dns?
+velkctl: ntp: 'maybe' is not valid; give on or off
 velkctl: set: '8.8.8.8' has no '='
   fix: give NAME=VALUE, with quotes around a value that has blanks
-velkctl: ntp: given twice; give it once
-velkctl: eth0.address: '192.168.0.300' is not an IPv4 address
-  fix: give an IPv4 address such as 192.168.0.10
-velkctl: ntp: 'maybe' is not valid; give on or off"
+velkctl: ntp: given twice; give it once"
+changes_nothing 'velkctl set eth0.method=foo eth1.psk='
+status_is 2
+error_is "velkctl: eth0.method: 'foo' is not valid; give static or dhcp
+velkctl: eth1.psk: no value given; give a text of 1 to 64 bytes, or none"
+changes_nothing 'velkctl set eth0.dns=1.1.1.1,foo,bar,1.2.3.4'
+status_is 2
+error_is "velkctl: eth0.dns: 'foo' is not an IPv4 address
+  'bar' is not an IPv4 address; 4 addresses given
+  fix: give one to three such as 192.168.0.1, or none"
+
+it 'reports all problems with options, then those with words'
+changes_nothing 'velkctl get --bogus eth0.zz --wat'
+status_is 2
+error_is "velkctl: get: unknown option '--bogus'; 'velkctl get --help' lists the options
+velkctl: get: unknown option '--wat'; 'velkctl get --help' lists the options
+velkctl: get: unknown setting 'eth0.zz'; 'velkctl list' names them all"
+changes_nothing 'velkctl set eth0.address=1 --bogus --timeout=0 --wait=x'
+status_is 2
+error_is "velkctl: set: unknown option '--bogus'
+  a value that begins with a dash needs -- before it
+  fix: 'velkctl set --help' lists the options
+velkctl: --wait: 'x' is not a time; give whole seconds, 1 to 86400
+velkctl: --timeout: '0' is not a time; give whole seconds, 1 to 86400
+velkctl: eth0.address: '1' is not an IPv4 address
+  fix: give an IPv4 address such as 192.168.0.10"
+changes_nothing 'velkctl show eth9 --bogus'
+status_is 2
+error_has "unknown option '--bogus'"
+error_has "'eth9' is not an interface"
 
 it 'reports the new values that do not fit each other'
 changes_nothing 'velkctl set location=here eth0.address=10.0.0.9 eth0.gateway=192.168.0.1'
@@ -76,8 +105,34 @@ script 'sed -i /ntpdate/d /var/cron/tabs/root
 status_is 6
 output_is 'location      here
 eth0.address  192.168.0.10'
-error_has 'velkctl: set: stopped at ntp-server
-  set: administrator, location; not set: eth0.address'
+error_has 'velkctl: note: set: stopped at ntp-server
+  set: administrator, location; not set: ntp-server, eth0.address'
+
+it 'names a setting that is refused among those that are not set'
+script 'velk-sandbox cable out; velk-sandbox adapter out
+    velkctl set ssid=x eth0.dns=5.5.5.5; status=$?; velkctl get eth0.dns; exit $status'
+status_is 4
+output_is '5.5.5.5'
+error_has 'velkctl: note: set: stopped at eth1.ssid
+  set: eth0.dns; not set: eth1.ssid'
+
+it 'notes the switched settings of a call that stops'
+script 'velkctl set eth0.method dhcp --quiet
+    velkctl set eth0.method=static eth0.dhcp-dns=on'
+status_is 6
+error_has 'velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+
+it 'notes the switched settings with --force and --no-verify'
+script 'velkctl set eth0.method dhcp --force; velkctl set eth0.method static --no-verify'
+status_is 0
+error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+
+it 'says once for each time when the settings take effect'
+script "script -qec 'velkctl set eth0.netmask=255.255.255.0 eth0.address=192.168.0.9 ntp=on' /dev/null |
+    tr -d '\\r'"
+output_is 'velkctl: note: ntp takes effect at the next run of cron
+velkctl: note: eth0.address and eth0.netmask take effect at the next restart of eth0'
 
 it 'shows in JSON how far it came'
 script 'sed -i /ntpdate/d /var/cron/tabs/root
@@ -155,7 +210,7 @@ status_is 2
 error_has '192.168.0.64 is the address of the network'
 changes_nothing 'velkctl set eth0.address 192.168.0.64/33'
 status_is 2
-error_is "velkctl: eth0.netmask: '/33' is not an IPv4 mask
+error_is "velkctl: eth0.netmask: '/33' is no mask: a prefix length is 1 to 32
   fix: give an IPv4 mask such as 255.255.255.0"
 
 # ---- patterns and short names -----------------------------------------------------------------
@@ -179,7 +234,7 @@ on_device velkctl get 'eth2.*'
 status_is 2
 output_is ''
 error_is "velkctl: get: 'eth2.*' matches no setting that can be read
-  'velkctl list' names them all"
+  fix: 'velkctl list' names them all"
 
 it 'takes a name without its interface if only one has the setting'
 script 'velkctl set channel 11 && velkctl get channel && velkctl get link-speed ssid &&

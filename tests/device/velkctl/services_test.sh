@@ -291,7 +291,7 @@ for words in 'weekly Sunday 08:30' 'Daily 08:30'; do
         [ "$before" = "$(cat /var/cron/tabs/root)" ] && ls /var/tmp; exit $status' "$words"
     status_is 2
     output_is ''
-    error=${error//$'\n  '/; }
+    error=${error//$'\n  fix: '/; }
     error_has "velkctl: web-update: '$words' is not a schedule; did you mean "
 done
 

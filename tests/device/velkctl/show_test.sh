@@ -36,6 +36,33 @@ output_has 'eth1.standards-enabled  3
   eth1.mac-address eth1.hardware-version eth1.software-version eth1.standard
   eth1.region eth1.rate eth1.access-point eth1.signal'
 
+it 'gets settings, and reports those that cannot be read for the same reason together'
+for word in eth1 'eth1.*' '*'; do
+    on_device velkctl get "$word"
+    status_is 5
+    output_has 'eth1.standards-enabled  3'
+    error_is 'velkctl: 8 settings could not be read:
+  eth1.mac-address eth1.hardware-version eth1.software-version eth1.standard
+  eth1.region eth1.rate eth1.access-point eth1.signal
+  refused while the cable is in the wired port
+  fix: pull the cable; wireless works only without it
+  result: LIB_VELK_WIRED_LINKED (-6)'
+done
+on_device velkctl get eth1.rate
+error_has 'velkctl: eth1.rate: could not be read'
+
+it 'asks a silent daemon once in get, as in show'
+on_device sh -c 'own=$(cat /run/velk-sandbox/wland.pid); kill $own
+    while kill -0 $own 2>/dev/null; do sleep 0.01; done; wland --reply silent --background
+    velkctl get ssid channel ntp --timeout=1'
+status_is 7
+output_is 'ntp           on'
+error_is 'velkctl: eth1.ssid: could not be read
+  no answer after 1 s; waited for the wireless daemon to answer
+  fix: run it again with a longer --timeout
+velkctl: eth1.channel: could not be read
+  skipped: the wireless daemon does not answer'
+
 it 'names an absent adapter also for the settings of the daemon that it starts'
 on_device sh -c 'velk-sandbox adapter out; velkctl show eth1 | grep -A 5 settings
     velkctl set eth1.ssid lab 2>/dev/null; echo $?; velkctl get eth1.ssid 2>/dev/null; echo $?'
@@ -90,14 +117,15 @@ eth1.encryption
   command 306: get and set
   takes 1, 2 (wep), 3 or 4
   the wireless daemon defines the meaning of 1, 3 and 4; see its manual
-  takes effect at the next restart of eth1
+  takes effect at the next restart of eth1,
+    without the cable in eth0
   reading takes at most 60 s; it waits
     for the wireless daemon to answer
   example: velkctl get eth1.encryption
   example: velkctl set eth1.encryption 1'
 error_is "velkctl: eth1.encryption: 'wpa2' is not valid
-  fix: give 1, 2 (wep), 3 or 4
-  the wireless daemon defines the meaning of 1, 3 and 4; see its manual"
+  the wireless daemon defines the meaning of 1, 3 and 4; see its manual
+  fix: give 1, 2 (wep), 3 or 4"
 
 # ---- the width of a terminal -------------------------------------------------------------------
 it 'cuts help texts at the width of the terminal'
@@ -112,7 +140,7 @@ at_terminal 40 100 'velkctl list' $plain
 output_has 'eth1.service-set        get set  kind...'
 
 it 'cuts reasons at the width of the terminal, but no value'
-script='velkctl set location "a text that is longer than forty columns, and not cut" && rm /etc/dhclient-exit-hooks
+script='velkctl set --quiet location "a text that is longer than forty columns, and not cut" && rm /etc/dhclient-exit-hooks
     sed -i "/iface eth0/d" /etc/network/interfaces; velkctl show'
 at_terminal 40 100 "$script" $plain
 output_has 'location                a text that is longer than forty columns, and not cut'

@@ -129,14 +129,14 @@ on_desk 'hold_lock 2; velkctl set eth0.dns 10.0.0.1 --wait; status=$?; took 1 20
 status_is 0
 output_is 'in time
 10.0.0.1'
-check 'standard error' 'velkctl: waiting at most 30 s for the lock, held by process N (flock, M seconds old)' \
+check 'standard error' 'velkctl: note: waiting at most 30 s for the lock, held by process N (flock, M seconds old)' \
     "$(anonymous "$error")"
 
 it 'waits no longer than --wait'
 on_desk 'hold_lock 100; velkctl restart eth0 --wait=1; status=$?; took 1 60; exit $status'
 status_is 3
 output_is 'in time'
-check 'standard error' 'velkctl: waiting at most 1 s for the lock, held by process N (flock, M seconds old)
+check 'standard error' 'velkctl: note: waiting at most 1 s for the lock, held by process N (flock, M seconds old)
 velkctl: eth0: could not be restarted
   another program is changing settings
   process N (flock, M seconds old) still holds the lock after 1 s
@@ -350,7 +350,7 @@ it 'shows all output of tools with --verbose'
 on_desk 'rm -f /var/libvelk/ntp.log
     velkctl set ntp off --verbose; echo $?; velkctl set ntp off --verbose --json >/tmp/answer
     python3 -c "import json; print(*json.load(open(\"/tmp/answer\"))[\"notes\"])"'
-error_is "velkctl: ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
+error_is "velkctl: note: ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
 output_is "0
 ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
 
@@ -407,7 +407,7 @@ on_desk 'reply silent; velkctl get eth1.ssid & until [ -e $asked ]; do sleep 0.0
     kill -KILL $(pgrep -P $!); wait $!; status=$?; left; exit $status'
 status_is 1
 output_is ''
-error_is "velkctl: eth1.ssid: the library ended without an answer, by signal 9 (Killed)
+error_is "velkctl: note: eth1.ssid: the library ended without an answer, by signal 9 (Killed)
 velkctl: eth1.ssid: could not be read
   fix: run 'velkctl doctor' to look for the cause
   result: LIB_VELK_FAILURE (-1)"

@@ -31,7 +31,7 @@ without_resolver() { # COMMAND...
 # Checks the error of the last run, with the indented lines of each message joined to its first one.
 error_unfolds_to() { # MESSAGE
     error=${error//$',\n  but'/, but}
-    error=${error//$'\n  fix: give'/; give}
+    error=${error//$'\n  fix: '/; }
     error=${error//$'\n  '/; }
     error_is "$1"
 }
@@ -125,15 +125,12 @@ error_is "velkctl: eth0.dns: could not be read
   fix: put the device's own file there
   result: LIB_VELK_FAILURE (-1)"
 
-it 'says of each setting that it could not be read'
+it 'names the settings that could not be read for the same reason'
 without_resolver velkctl get eth0.dns eth1.dns
 status_is 1
 output_is ''
-error_is "velkctl: eth0.dns: could not be read
-  likely cause: /etc/resolv.dnsmasq.conf: the file is missing
-  fix: put the device's own file there
-  result: LIB_VELK_FAILURE (-1)
-velkctl: eth1.dns: could not be read
+error_is "velkctl: 2 settings could not be read:
+  eth0.dns eth1.dns
   likely cause: /etc/resolv.dnsmasq.conf: the file is missing
   fix: put the device's own file there
   result: LIB_VELK_FAILURE (-1)"
@@ -233,7 +230,7 @@ lock file made'
 
 # ---- values and names that are refused --------------------------------------------------------
 it 'refuses four addresses'
-refused 'eth0.dns: 4 addresses given; give one to three, or none' \
+refused 'eth0.dns: 4 addresses given; give one to three such as 192.168.0.1, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
 it 'refuses a value that is not an address'
@@ -242,7 +239,7 @@ for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost '1.1.1.1;2.2.2.2' \
     refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
         set eth0.dns 1.1.1.1 "$word"
 done
-refused "eth0.dns: '1.1.1.010' has a number with a leading zero, which other programs read as octal; give one to three such as 192.168.0.1, or none" \
+refused "eth0.dns: '1.1.1.010' has a number with a leading zero; other programs read it as octal; give one to three such as 192.168.0.1, or none" \
     set eth0.dns 1.1.1.1 1.1.1.010
 
 it 'refuses one wrong address among right ones'
@@ -279,16 +276,16 @@ refused "set: unknown setting 'eth2.dns'; give eth0.dns or eth1.dns" set eth2.dn
 refused "set: 'dns' is a setting of both interfaces; give eth0.dns or eth1.dns" set dns 1.1.1.1
 
 it 'refuses an unknown verb'
-refused "unknown verb 'put'; give get, set, show, restart, list, describe, explain, status, doctor, call or help; see 'velkctl --help'" \
+refused "unknown verb 'put'; 'velkctl --help' lists the verbs" \
     put eth0.dns 1.1.1.1
-refused "no verb given; give get, set, show, restart, list, describe, explain, status, doctor, call or help; see 'velkctl --help'"
+refused "no verb given; 'velkctl --help' lists the verbs"
 
 it 'refuses an unknown option'
 refused "unknown option '--hurry'; 'velkctl --help' lists the options" \
     --hurry set eth0.dns 1.1.1.1
-refused "set: unknown option '--hurry'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+refused "set: unknown option '--hurry'; a value that begins with a dash needs -- before it; 'velkctl set --help' lists the options" \
     set --hurry eth0.dns 1.1.1.1
-refused "set: unknown option '-q'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+refused "set: unknown option '-q'; a value that begins with a dash needs -- before it; 'velkctl set --help' lists the options" \
     set eth0.dns 1.1.1.1 -q
 refused "get: unknown option '--version'; 'velkctl get --help' lists the options" \
     get --version eth0.dns
@@ -301,7 +298,7 @@ refused "option '--help' takes no value; leave it out" --help=
 refused "unknown option '-hfoo'; 'velkctl --help' lists the options" -hfoo
 refused "option '--version' takes no value; leave it out" --version=foo
 refused "set: option '--help' takes no value; leave it out" set eth0.dns 1.1.1.1 --help=foo
-refused "set: unknown option '-hallo'; 'velkctl set --help' lists the options; put -- before a value that begins with a dash" \
+refused "set: unknown option '-hallo'; a value that begins with a dash needs -- before it; 'velkctl set --help' lists the options" \
     set eth0.dns -hallo
 refused "get: option '--show-secrets' takes no value; leave it out" get eth0.dns --show-secrets=no
 
@@ -320,11 +317,11 @@ status_is 0
 error_is ''
 output_has 'eth0.mac-address        get      hardware address: 6 bytes in hex
 '
-output_has 'eth0.dns                get set  DNS servers of eth0 and eth1; see describe
+output_has 'eth0.dns                get set  DNS servers of eth0 and eth1: up to three
 '
-output_has 'eth1.dns                get set  DNS servers of eth0 and eth1; see describe
+output_has 'eth1.dns                get set  DNS servers of eth0 and eth1: up to three
 '
-output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex; see describe
+output_has 'eth0.link-speed         get set  speed in Mbit/s and duplex, or auto
 '
 output_has 'eth1.wep-key-1          get set  WEP key, or none; secret
 '
@@ -356,7 +353,8 @@ it 'shows the result of a get that failed'
 without_resolver velkctl call get 108 eth0
 status_is 1
 error_is ''
-output_is 'LIB_VELK_FAILURE (-1): file, socket, time-out or unreadable value'
+output_is 'file, socket, time-out or unreadable value
+  result: LIB_VELK_FAILURE (-1)'
 
 it 'sends text unchanged'
 for text in 10.0.0.1 '[a,b]' '{}' %% nonsense; do
@@ -432,8 +430,8 @@ refused "call: option '--text' is given twice; give it once" \
     call set 108 eth0 --text a --text b
 
 it 'refuses an option without its value'
-refused "call: option '--text' needs a value" call set 108 eth0 --text
-refused "call: option '--hex' needs a value" call set 108 eth0 --hex
+refused "call: option '--text' needs a value; write --text=VALUE" call set 108 eth0 --text
+refused "call: option '--hex' needs a value; write --hex=VALUE" call set 108 eth0 --hex
 
 it 'refuses a command that is not valid'
 refused "call: 'put' is not a command type; give get, set or restart" call put 108 eth0
@@ -450,14 +448,17 @@ it 'leaves ids and interfaces to the library'
 for arguments in 'get 108' 'get 108 eth2' 'get 108 eth0eth0eth0eth0' 'get 999 eth0' \
     'get 4294967295 eth0' 'set 108' 'set 999 eth0' 'restart 108 eth0'; do
     case $arguments in
-        *' 108') why='; 108 needs an interface: eth0 or eth1' ;;
-        *) why='' ;;
+        restart* | *[!0]' '[94]*) why='  there is no such command ' ;;
+        *) why='  108 takes the interface eth0 or eth1
+' ;;
     esac
     # shellcheck disable=SC2086  # words
     with_resolver 'nameserver 9.9.9.9\n' velkctl call $arguments --text 1.1.1.1
     status_is 2
     error_is ''
-    output_has "LIB_VELK_INVALID_PARAMETER (-4): the library does not take this command, interface or value$why
+    output_has "the library does not take this command, interface or value
+$why"
+    output_has "  result: LIB_VELK_INVALID_PARAMETER (-4)
 -- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --"
@@ -468,8 +469,10 @@ with_resolver 'nameserver 9.9.9.9\n' \
     flock -x /var/tmp/vklib_lock velkctl call set 108 eth0 --text 1.1.1.1
 status_is 3
 error_is ''
-output_has 'LIB_VELK_LOCKED (-3): another program is changing settings; process '
+output_has 'another program is changing settings
+  process '
 output_has ' old) holds the lock
+  result: LIB_VELK_LOCKED (-3)
 -- /etc/resolv.dnsmasq.conf
 nameserver 9.9.9.9
 --'
@@ -608,7 +611,7 @@ refused_unsent "set: unknown setting 'eth1.link-speed'; give eth0.link-speed" \
 it 'does not set a setting that can only be read'
 for name in eth0.mac-address eth1.mac-address eth1.hardware-version eth1.software-version \
     eth1.standard eth1.region eth1.rate eth1.access-point eth1.signal; do
-    refused_unsent "$name: cannot be set, only read" set "$name" 1
+    refused_unsent "$name: cannot be set, only read; 'velkctl get $name' reads it" set "$name" 1
 done
 
 # ---- wireless settings ------------------------------------------------------------------------
@@ -665,13 +668,13 @@ for word in 0 14 01 +1 wep ''; do
         set eth1.channel "$word"
 done
 by_daemon='the wireless daemon defines the meaning; see its manual'
-refused_unsent "eth1.encryption: '5' is not valid; give 1, 2 (wep), 3 or 4; the wireless daemon defines the meaning of 1, 3 and 4; see its manual" \
+refused_unsent "eth1.encryption: '5' is not valid; the wireless daemon defines the meaning of 1, 3 and 4; see its manual; give 1, 2 (wep), 3 or 4" \
     set eth1.encryption 5
-refused_unsent "eth1.authentication: '0' is not valid; give a number from 1 to 4; $by_daemon" \
+refused_unsent "eth1.authentication: '0' is not valid; $by_daemon; give a number from 1 to 4" \
     set eth1.authentication 0
 refused_unsent "eth1.wep-default-key: '5' is not valid; give a number from 1 to 4" \
     set eth1.wep-default-key 5
-refused_unsent "eth1.standards-enabled: '1' is not valid; give 2 or 3; $by_daemon" \
+refused_unsent "eth1.standards-enabled: '1' is not valid; $by_daemon; give 2 or 3" \
     set eth1.standards-enabled 1
 refused_unsent 'eth1.ssid: 33 bytes given; give a text of at most 32 bytes' \
     set eth1.ssid "$(printf '%033d' 0)"
@@ -756,7 +759,7 @@ status_is 2
 error_is 'velkctl: eth1.psk: the file after @ has more than one line
   fix: give the value as the only one'
 no_secret
-refused_unsent "eth1.psk: the file after @ cannot be read: No such file or directory; - reads the value from standard input, @FILE from a file" \
+refused_unsent "eth1.psk: the file after @ cannot be read; No such file or directory; give - for standard input or @FILE for another file" \
     set eth1.psk @/tmp/hunter22
 
 it 'takes - and @ literally for a setting that is no secret'
@@ -847,12 +850,12 @@ output_has '
 output_has '
 Exit status:
   0         done
-  1         failed, or the doctor found a problem
+  1         failed, or a problem or difference was found
   2         wrong usage, or a name or value that is not valid
   3         another program is changing settings
   4         no supported wireless adapter is attached
   5         refused while the cable is in the wired port
-  6         set, but the device does not hold the value
+  6         done, but the device lacks the value or address
   7         no answer before the timeout
 '
 general_help=$output

@@ -24,7 +24,7 @@ output_is 'none'
 it 'notes a pre-shared key that WPA does not take, and sets it'
 script 'printf hunter2 | velkctl set eth1.psk -; velkctl get --show-secrets eth1.psk'
 status_is 0
-error_is 'velkctl: eth1.psk: the key has 7 bytes
+error_is 'velkctl: note: eth1.psk: the key has 7 bytes
   WPA takes a passphrase of 8 to 63 characters or 64 hex digits'
 output_is 'hunter2'
 
@@ -50,7 +50,8 @@ error_is "velkctl: ntp-server: 'off' would be a host name here
 it 'says that a value is too long, and repeats only its beginning'
 on_device velkctl set ntp-server "$(printf 'x%.0s' {1..1000})"
 status_is 2
-error_is "velkctl: ntp-server: 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...' is too long: 1000 of at most 253 characters
+error_is "velkctl: ntp-server: 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...' is too long
+  it has 1000 of at most 253 characters
   fix: give a host name or address such as 192.168.0.1, or none"
 
 it 'names the setting for a word of other programs'
@@ -60,7 +61,139 @@ error_is "velkctl: get: unknown setting 'eth0.mask'; did you mean eth0.netmask?"
 it 'says that a command needs an interface'
 on_device velkctl call get 108
 status_is 2
-output_is 'LIB_VELK_INVALID_PARAMETER (-4): the library does not take this command, interface or value; 108 needs an interface: eth0 or eth1'
+output_is 'the library does not take this command, interface or value
+  108 takes the interface eth0 or eth1
+  result: LIB_VELK_INVALID_PARAMETER (-4)'
+
+it 'says which interface a command takes, and that it does not exist'
+on_device velkctl call get 108 eth5
+output_has '  108 takes the interface eth0 or eth1'
+on_device velkctl call restart 1
+output_has '  1 takes the interface eth0 or eth1'
+on_device velkctl call get 11 eth0
+output_has '  11 takes no interface'
+for words in 'get 9999 eth1' 'restart 108 eth0'; do
+    # shellcheck disable=SC2086  # words
+    on_device velkctl call $words
+    id=${words#* }
+    output_has "  there is no such command ${id% *}"
+done
+on_device velkctl call set 101 eth0
+output_has '  there is no such command 101'
+
+it 'names the setting in the fix of a value that the library refuses'
+on_device velkctl set --force eth0.link-speed 9
+status_is 2
+error_has "  fix: run 'velkctl describe eth0.link-speed' for the values it takes"
+
+it 'says what a prefix length is'
+for word in /33 33 /0x; do
+    on_device velkctl set eth0.netmask "$word"
+    error_is "velkctl: eth0.netmask: '$word' is $([ "$word" = /0x ] && echo not an IPv4 mask ||
+        echo no mask: a prefix length is 1 to 32)
+  fix: give an IPv4 mask such as 255.255.255.0"
+done
+on_device velkctl set eth0.address 10.0.0.1/
+error_is "velkctl: eth0.netmask: '/' has no prefix length
+  fix: give an IPv4 mask such as 255.255.255.0"
+
+it 'says that patterns are for get and show'
+for verb in set describe; do
+    on_device velkctl "$verb" 'eth0.*'
+    error_is "velkctl: $verb: 'eth0.*' is a pattern, for get and show only; give one name"
+done
+on_device velkctl list 'eth*'
+error_is "velkctl: list: 'eth*' is a pattern, for get and show only; give one interface"
+
+it 'refuses a blank at the equals sign once'
+for words in 'eth0.dns= 1.1.1.1' 'eth0.dns = 1.1.1.1'; do
+    # shellcheck disable=SC2086  # words
+    on_device velkctl set $words
+    status_is 2
+    error_is "velkctl: set: eth0.dns: there is a blank at the '='
+  fix: write eth0.dns=VALUE without blanks"
+done
+
+it 'puts a fix after the reason'
+on_device velkctl set eth1.encryption wpa2
+error_is "velkctl: eth1.encryption: 'wpa2' is not valid
+  the wireless daemon defines the meaning of 1, 3 and 4; see its manual
+  fix: give 1, 2 (wep), 3 or 4"
+
+it 'points in a description to no description'
+for name in eth0.dns eth0.link-speed web-update; do
+    on_device velkctl describe "$name"
+    check 'see describe' 0 "$(grep -c 'see describe' <<<"$output")"
+done
+
+it 'takes --json, --quiet and --verbose before the verb'
+for flag in --json --quiet --verbose; do
+    on_device velkctl $flag get ntp
+    status_is 0
+    error_is ''
+    on_device velkctl $flag help get
+    status_is 0
+done
+on_device sh -c 'velkctl set eth0.method dhcp --quiet; velkctl --quiet set eth0.address 10.0.0.1'
+error_is ''
+on_device velkctl --quiet get ntp --verbose
+status_is 2
+error_is 'velkctl: get: --quiet and --verbose exclude each other; give one of them'
+
+it 'prints messages in lines of at most 80 columns'
+script 'while read -r line; do
+        eval "$line" >/tmp/said 2>&1 && echo "no failure: $line"
+        awk -v line="$line" "length(\$0) > 80 { print length(\$0), line, \$0 }" /tmp/said
+    done <<END
+velkctl
+velkctl call get 108
+velkctl call get 108 eth5
+velkctl call restart 1
+velkctl call get 108 a-name-that-is-too-long
+velkctl call set 108 eth0 --hex 6
+velkctl call set 108 eth0 --text @/nonexistent
+velkctl put
+velkctl get
+velkctl get ssid rate
+velkctl get "eth9.*"
+velkctl get eth1
+velkctl get "*"
+velkctl get eth0.dns --timeout
+velkctl get eth0.dns --timeout=0
+velkctl get eth0.dhcp-notice
+velkctl set ntp
+velkctl set eth0.dns 127.0.0.1
+velkctl set eth0.dns 1.1.1.1,foo,bar,1.2.3.4
+velkctl set eth0.dns 1.1.1.010
+velkctl set eth0.address 1
+velkctl set eth0.address 10.0.0.1/33
+velkctl set eth0.mac-address 1
+velkctl set eth0.link-speed 1000
+velkctl set eth0.gateway 10.0.0.1
+velkctl set eth0.address=1.1.1.1/24 eth0.netmask=24
+velkctl set eth0.dns = 1.1.1.1
+velkctl set eth1.encryption wpa2
+velkctl set eth1.psk @/nonexistent
+velkctl set eth1.wep-key-1 123456789x
+velkctl set ntp-server off
+velkctl set ntp-server $(printf "x%.0s" $(seq 1000))
+velkctl set ntp-server $(printf "x%.0s" $(seq 70))
+velkctl set location none
+velkctl set location a b
+velkctl set web-update yearly
+velkctl set --force eth0.link-speed 9
+velkctl set "eth0.*" 1
+velkctl explain ssid
+velkctl explain nonsense
+velkctl explain 99
+velkctl restart eth0 --notify-only
+velkctl status eth9
+velkctl list --wait
+velk-sandbox adapter out; velkctl get ssid
+END'
+status_is 0
+error_is ''
+output_is ''
 
 it 'describes the update of a month without the day'
 on_device velkctl describe web-update

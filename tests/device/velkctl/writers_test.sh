@@ -26,6 +26,15 @@ on_device sh -c '
         grep -q "has set it" /tmp/errors && break
     done
     grep -v waiting /tmp/errors | sed -E "s/10\.0\.[0-9]+\.[0-9]+/ADDRESS/" | sort -u'
-output_is "velkctl: eth0.dns: set, but another program has set it to 'ADDRESS' since"
+output_is "velkctl: note: eth0.dns: set, but another program has set it to 'ADDRESS' since"
+
+it 'does not take a line that the set has damaged for the set of another program'
+on_device sh -c "sed -i '1s/ > .*//' /var/cron/tabs/root; velkctl set ntp-server 192.168.0.5"
+status_is 6
+output_is ''
+error_is "velkctl: ntp-server: the library reported success,
+  but the device holds '192.168.0.515'
+  likely cause: /var/cron/tabs/root:1: two entries are on one line, as after a set of a server that is the last word of its line
+  fix: put the second one on a line of its own, and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 
 finish

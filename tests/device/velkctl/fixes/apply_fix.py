@@ -3,6 +3,7 @@
 # Arguments: BREAK FINDING HAND. BREAK is a script for sh. FINDING is a regular expression for the
 # subject, effect and description. HAND is a script that carries out a fix in words; it runs
 # only if the fix is none of the forms below. Prints the finding in JSON, or FAILED and the reason.
+# With an empty FINDING, applies the fix of the last finding until there is none, and prints each.
 import json, os, re, shutil, subprocess, sys
 
 VALUES = {"ADDRESS": "10.0.0.9", "NETMASK": "255.255.255.0", "GATEWAY": "10.0.0.1",
@@ -11,6 +12,8 @@ OWN = "/run/own"  # the files before BREAK
 COMMANDS = "rm|mkdir|chmod|chown|sed|ln|velkctl"
 # The state of a method that was chosen, not a fault.
 CHOSEN = "cannot be set while the method is static"
+# The value of a line is judged after the line.
+OF_VALUE = "has a value that is not valid"
 
 
 def fail(reason):
@@ -111,9 +114,28 @@ def apply(finding, hand):
         fail(f"{script}: {run.stderr}")
 
 
+def fix_all(hand):
+    before = examine()
+    if not before:
+        fail("no finding")
+    while before:
+        apply(before[-1], hand)
+        after = examine()
+        new = [text(f) for f in after
+               if key(f) not in map(key, before) and f["effect"] != OF_VALUE]
+        if new or len(after) > len(before):
+            fail(f"new after: {before[-1]['remedy']}: {new}")
+        if before[-1] in after:
+            fail("still there after: " + before[-1]["remedy"])
+        print(json.dumps(before[-1]))
+        before = after
+
+
 def main(breaks, pattern, hand):
     os.environ["PATH"] += ":/run/mine"  # a folder that sudo does not search
     subprocess.run(["sh", "-c", breaks], check=False)
+    if not pattern:
+        return fix_all(hand)
     before = examine()
     found = [f for f in before if re.search(pattern, text(f))]
     if not found:

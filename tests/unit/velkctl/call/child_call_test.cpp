@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -97,6 +98,14 @@ bool Runs(pid_t process) {
     const std::string stat = testkit::ReadFile("/proc/" + std::to_string(process) + "/stat");
     const auto found = velkctl::ParseProcess(stat);
     return found && !found->has_ended;
+}
+
+// Waits for the end of the tool: until then it keeps the lock that it has inherited.
+void EndTool(pid_t tool) {
+    (void)kill(tool, SIGKILL);
+    while (Runs(tool)) {
+        (void)sched_yield();
+    }
 }
 
 TEST_F(ChildCallTest, LetsAToolEndByItself) {
@@ -190,7 +199,7 @@ TEST_F(ChildCallTest, ReportsAToolThatCannotBeEnded) {
     ASSERT_EQ(left.size(), 1U);
     EXPECT_EQ(left.front().process, tool);
     EXPECT_EQ(left.front().command, velkctl::CommandOf(getpid()));
-    (void)kill(tool, SIGKILL);
+    EndTool(tool);
 }
 
 TEST_F(ChildCallTest, LeavesToolsInTheBackgroundAtWork) {
@@ -202,7 +211,7 @@ TEST_F(ChildCallTest, LeavesToolsInTheBackgroundAtWork) {
         EXPECT_GE(child.Tools().size(), 1U);
     }
     EXPECT_TRUE(Runs(ToolThatRuns()));
-    (void)kill(ToolThatRuns(), SIGKILL);
+    EndTool(ToolThatRuns());
 }
 
 TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {

@@ -84,7 +84,7 @@ TEST_F(VelkctlDeviceTest, AnUnknownHolderIsNotNamed) {
     EXPECT_EQ(OneLine(ProblemOf("eth0.dns: could not be set", "eth0.dns", answer)),
               "eth0.dns: could not be set; another program is changing settings; fix: try again, "
               "or let --wait=SECONDS try again (LIB_VELK_LOCKED, -3)");
-    EXPECT_EQ(error, "velkctl: waiting at most 1 s for the lock\n");
+    EXPECT_EQ(error, "velkctl: note: waiting at most 1 s for the lock\n");
 }
 
 TEST_F(VelkctlDeviceTest, PausesBetweenTriesForTheLockGrow) {
@@ -97,9 +97,10 @@ TEST_F(VelkctlDeviceTest, PausesBetweenTriesForTheLockGrow) {
               (std::vector<std::string>{"50000000", "100000000", "200000000", "250000000",
                                         "250000000", "150000000"}));
     EXPECT_FALSE(testkit::Exists(kResolver));
-    EXPECT_THAT(error,
-                MatchesRegex("velkctl: waiting at most 1 s for the lock, held by process [0-9]+ "
-                             "\\(unit_tests, [0-9]+ [a-z]+ old\\)\n"));
+    EXPECT_THAT(
+        error,
+        MatchesRegex("velkctl: note: waiting at most 1 s for the lock, held by process [0-9]+ "
+                     "\\(unit_tests, [0-9]+ [a-z]+ old\\)\n"));
 }
 
 TEST_F(VelkctlDeviceTest, AReleasedLockIsTaken) {
@@ -128,7 +129,7 @@ TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitForTheLock) {
     EXPECT_FALSE(answer.timed_out);
     EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
     EXPECT_EQ(libc().Texts(Call::kNanosleep), std::vector<std::string>{"50000000"});
-    EXPECT_TRUE(error.starts_with("velkctl: waiting at most 2 s for the lock")) << error;
+    EXPECT_TRUE(error.starts_with("velkctl: note: waiting at most 2 s for the lock")) << error;
 }
 
 TEST_F(VelkctlDeviceTest, ARestartIsStoppedAtItsTimeout) {
@@ -167,7 +168,7 @@ TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {
     EXPECT_FALSE(answer.timed_out);
     EXPECT_EQ(answer.result, LIB_VELK_FAILURE);
     EXPECT_EQ(error,
-              "velkctl: restart of eth0: the library ended without an answer, by signal 9 "
+              "velkctl: note: restart of eth0: the library ended without an answer, by signal 9 "
               "(Killed)\n");
 }
 
@@ -183,8 +184,8 @@ TEST_F(VelkctlDeviceTest, OutputOfToolsIsShownWithAProblem) {
     });
     EXPECT_EQ(answer.tool_output.front(), "b\x1b");
     const std::string lines =
-        "velkctl: restart of eth0: b\\x1b\nvelkctl: restart of eth0: a\n"
-        "velkctl: restart of eth0: b\\x1b\n";
+        "velkctl: note: restart of eth0: b\\x1b\nvelkctl: note: restart of eth0: a\n"
+        "velkctl: note: restart of eth0: b\\x1b\n";
     EXPECT_EQ(error, lines + lines + "velkctl: the restart failed\nvelkctl: another failure\n")
         << "of two runs of the shell";
 }
@@ -203,7 +204,8 @@ TEST_F(VelkctlDeviceTest, VerboseShowsAllOutputOfTools) {
     });
     detail = Report::Detail::kVerbose;
     (void)Run(kRestart, {}, "restart of eth0");
-    const std::string line = "velkctl: restart of eth0: ifdown: interface eth0 not configured\n";
+    const std::string line =
+        "velkctl: note: restart of eth0: ifdown: interface eth0 not configured\n";
     EXPECT_EQ(error, line + line);
 }
 

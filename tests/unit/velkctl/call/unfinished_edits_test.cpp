@@ -39,7 +39,7 @@ TEST_F(UnfinishedEdits, AreNotedBeforeTheyAreLost) {
     WriteFile("/etc/dhclient.conf", "");
     WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n\x1b[1m\n");
     EXPECT_EQ(NotesOf(kChange),
-              "velkctl: eth0.method: this set replaces the edit copy /var/tmp/dhclient.conf\n"
+              "velkctl: note: eth0.method: this set replaces the edit copy /var/tmp/dhclient.conf\n"
               "  /etc/dhclient.conf seems cut by an interrupted edit\n"
               "  the copy has the rest; the copy would add 'timeout 10;', '\\x1b[1m'\n"
               "  fix: before a set, compare both files, as with 'diff /etc/dhclient.conf "
@@ -55,7 +55,7 @@ TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
     WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
     ASSERT_EQ(chmod("/var/tmp/dhclient.conf", 0644), 0);
     EXPECT_EQ(NotesOf(kChange),
-              "velkctl: eth0.method: this set replaces /var/tmp/dhclient.conf\n"
+              "velkctl: note: eth0.method: this set replaces /var/tmp/dhclient.conf\n"
               "  it may be the only complete text of /etc/dhclient.conf\n"
               "  fix: look at it before a set\n");
     EXPECT_EQ(NotesOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");

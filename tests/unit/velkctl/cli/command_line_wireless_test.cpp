@@ -187,7 +187,8 @@ TEST_F(WirelessSettings, RefusedValuesAreNotSent) {
             "eth1.ssid: 33 bytes given; give a text of at most 32 bytes");
     Refuses({"set", "eth1.psk", std::string(65, 'x')},
             "eth1.psk: 65 bytes given; give a text of 1 to 64 bytes, or none");
-    Refuses({"set", "eth1.rate", "00000000"}, "eth1.rate: cannot be set, only read");
+    Refuses({"set", "eth1.rate", "00000000"},
+            "eth1.rate: cannot be set, only read; 'velkctl get eth1.rate' reads it");
 }
 
 class Secrets : public WirelessSettings {

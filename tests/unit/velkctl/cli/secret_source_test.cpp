@@ -15,7 +15,7 @@ using velkctl::ReadSecret;
 using velkctl::Secret;
 
 constexpr char kFile[] = "/tmp/secret";
-constexpr char kHint[] = "; - reads the value from standard input, @FILE from a file";
+constexpr char kHint[] = "; give - for standard input or @FILE for another file";
 
 class ReadSecretTest : public testkit::DeviceTest {
   protected:
@@ -81,11 +81,11 @@ TEST_F(ReadSecretTest, AFileWithMoreLinesIsTheWrongFile) {
 
 TEST_F(ReadSecretTest, AFileThatCannotBeReadIsNotNamed) {
     EXPECT_EQ(ReadSecret("@/tmp/hunter2").problem,
-              std::string("the file after @ cannot be read: No such file or directory") + kHint);
+              std::string("the file after @ cannot be read; No such file or directory") + kHint);
     EXPECT_EQ(ReadSecret("@").problem,
-              std::string("the file after @ cannot be read: No such file or directory") + kHint);
+              std::string("the file after @ cannot be read; No such file or directory") + kHint);
     EXPECT_EQ(ReadSecret("@/tmp").problem,
-              std::string("the file after @ cannot be read: Is a directory") + kHint);
+              std::string("the file after @ cannot be read; Is a directory") + kHint);
 }
 
 TEST_F(ReadSecretTest, ALineHasAtMost512Bytes) {
@@ -122,7 +122,7 @@ TEST_F(ReadSecretTest, EmptyStandardInputIsNoSecret) {
 
 TEST_F(ReadSecretTest, StandardInputThatCannotBeReadIsReported) {
     EXPECT_EQ(FromStandardInput("/tmp").problem,
-              std::string("standard input cannot be read: Is a directory") + kHint);
+              std::string("standard input cannot be read; Is a directory") + kHint);
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ TEST(Arguments, AreOptionsAndWordsInAnyOrder) {
     const Arguments read =
         Read("call", {"--show-secrets", "set", "--text", "10.0.0.1", "108", "--json", "eth0"});
     EXPECT_EQ(read.problem, "");
-    EXPECT_EQ(read.unknown, "");
+    EXPECT_THAT(read.unknown, IsEmpty());
     EXPECT_EQ(read.invocation.text, "10.0.0.1");
     EXPECT_EQ(read.invocation.hex, std::nullopt);
     EXPECT_TRUE(read.invocation.show_secrets);
@@ -48,7 +48,7 @@ TEST(Arguments, AreTakenInAnyOrderInAPosixEnvironmentToo) {
 TEST(Arguments, AreWordsAfterTwoDashes) {
     const Arguments read = Read("set", {"--force", "--", "location", "--json", "--", "-hello"});
     EXPECT_EQ(read.problem, "");
-    EXPECT_EQ(read.unknown, "");
+    EXPECT_THAT(read.unknown, IsEmpty());
     EXPECT_TRUE(read.invocation.force);
     EXPECT_FALSE(read.invocation.json);
     EXPECT_THAT(read.invocation.words, ElementsAre("location", "--json", "--", "-hello"));
@@ -59,7 +59,7 @@ TEST(Arguments, AreWordsAfterTwoDashes) {
 
 TEST(Arguments, AreWordsIfADigitFollowsTheDash) {
     const Arguments read = Read("set", {"ntp", "-5", "-52", "-5x", "-", ""});
-    EXPECT_EQ(read.unknown, "");
+    EXPECT_THAT(read.unknown, IsEmpty());
     EXPECT_THAT(read.invocation.words, ElementsAre("ntp", "-5", "-52", "-5x", "-", ""));
 }
 
@@ -68,28 +68,28 @@ TEST(Arguments, AreUnknownIfAnOptionIsAbbreviated) {
                              "--wai=5", "--=5", "-=", "-:x", "-Wjson"}) {
         const Arguments read = Read("set", {"ntp", word, "on"});
         EXPECT_EQ(read.problem, "");
-        EXPECT_EQ(read.unknown, word);
+        EXPECT_THAT(read.unknown, ElementsAre(word));
         EXPECT_FALSE(read.invocation.json);
         EXPECT_EQ(read.invocation.wait, std::nullopt);
-        EXPECT_THAT(read.invocation.words, ElementsAre("ntp", word, "on"));
+        EXPECT_THAT(read.invocation.words, ElementsAre("ntp", "on"));
     }
 }
 
 TEST(Arguments, AreNotTakenAsTheValueOfAnAbbreviatedOption) {
     const Arguments read = Read("get", {"--timeou", "eth1.psk", "--json"});
-    EXPECT_EQ(read.unknown, "--timeou");
+    EXPECT_THAT(read.unknown, ElementsAre("--timeou"));
     EXPECT_EQ(read.invocation.timeout, std::nullopt);
     EXPECT_TRUE(read.invocation.json);
-    EXPECT_THAT(read.invocation.words, ElementsAre("--timeou", "eth1.psk"));
+    EXPECT_THAT(read.invocation.words, ElementsAre("eth1.psk"));
     EXPECT_EQ(Read("get", {"--timeou"}).problem, "");
-    EXPECT_EQ(Read("get", {"--timeou"}).unknown, "--timeou");
+    EXPECT_THAT(Read("get", {"--timeou"}).unknown, ElementsAre("--timeou"));
 }
 
-TEST(Arguments, ReportTheFirstUnknownOption) {
+TEST(Arguments, ReportAllUnknownOptions) {
     const Arguments read = Read("get", {"-x", "--help", "--bogus=1", "--", "-y"});
-    EXPECT_EQ(read.unknown, "-x");
+    EXPECT_THAT(read.unknown, ElementsAre("-x", "--bogus=1"));
     EXPECT_TRUE(read.invocation.help);
-    EXPECT_THAT(read.invocation.words, ElementsAre("-x", "--bogus=1", "-y"));
+    EXPECT_THAT(read.invocation.words, ElementsAre("-y"));
 }
 
 TEST(Arguments, AskForHelpInTwoWays) {
@@ -111,7 +111,7 @@ TEST(Arguments, DoNotCombineFlagsInOneWord) {
     for (const char* word : {"-hello", "-hq", "-help", "-hh", "-qh"}) {
         const Arguments read = Read("get", {"ntp", word});
         EXPECT_EQ(read.problem, "");
-        EXPECT_EQ(read.unknown, word);
+        EXPECT_THAT(read.unknown, ElementsAre(word));
         EXPECT_FALSE(read.invocation.help);
     }
 }
@@ -131,8 +131,10 @@ TEST(Arguments, TakeTheValueOfAnOptionFromTheNextWordOrAfterAnEqualsSign) {
 }
 
 TEST(Arguments, ReportAMissingValueOfTheLastOption) {
-    EXPECT_EQ(Read("call", {"set", "--text"}).problem, "option '--text' needs a value");
-    EXPECT_EQ(Read("get", {"--timeout"}).problem, "option '--timeout' needs a value");
+    EXPECT_EQ(Read("call", {"set", "--text"}).problem,
+              "option '--text' needs a value; write --text=VALUE");
+    EXPECT_EQ(Read("get", {"--timeout"}).problem,
+              "option '--timeout' needs a value; write --timeout=VALUE");
     EXPECT_EQ(Read("set", {"ntp", "--wait"}).problem, "");
 }
 
@@ -173,9 +175,9 @@ TEST(Arguments, MayHoldASecretNextToItsName) {
 }
 
 TEST(Arguments, ReportAnOptionThatIsGivenTwice) {
-    EXPECT_EQ(Read("get", {"--timeout", "1", "--timeout=1"}).twice, "--timeout");
-    EXPECT_EQ(Read("set", {"--wait", "--wait"}).twice, "--wait");
-    EXPECT_EQ(Read("get", {"--json", "--json"}).twice, "");
+    EXPECT_THAT(Read("get", {"--timeout", "1", "--timeout=1"}).twice, ElementsAre("--timeout"));
+    EXPECT_THAT(Read("set", {"--wait", "--wait"}).twice, ElementsAre("--wait"));
+    EXPECT_THAT(Read("get", {"--json", "--json"}).twice, IsEmpty());
 }
 
 TEST(Arguments, AreReadIndependentlyEveryTime) {

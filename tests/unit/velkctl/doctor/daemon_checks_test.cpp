@@ -28,7 +28,7 @@ TEST_F(DaemonCheck, OnlyWarnsOfNoDaemonWithoutAnAdapter) {
     WriteFile("/proc/bus/usb/devices", "S:  Product=Keyboard\n");
     EXPECT_EQ(Examine(),
               "warning: the wireless daemon does not run\n"
-              "  /tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached\n"
+              "  /tmp/WlanAplToWlanSock: its socket is missing; no adapter is attached\n"
               "  fix: plug in an adapter; if that does not start the wireless daemon, start it\n");
 }
 

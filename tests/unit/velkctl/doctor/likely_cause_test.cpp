@@ -261,7 +261,7 @@ TEST_F(LikelyCausesTest, EachCauseHasItsImpact) {
 
 TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
     EXPECT_EQ(FirstOf("eth1.ssid"),
-              "/tmp/WlanAplToWlanSock: its socket is missing, and no adapter is attached; fix: "
+              "/tmp/WlanAplToWlanSock: its socket is missing; no adapter is attached; fix: "
               "plug in an adapter; if that does not start the wireless daemon, start it");
     testkit::FakeDaemon daemon;
     EXPECT_EQ(FirstOf("eth1.ssid"),

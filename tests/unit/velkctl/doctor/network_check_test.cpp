@@ -1,7 +1,9 @@
 // Conflicts of an address, a mask or a gateway with the configuration.
 #include "velkctl/doctor/network_check.h"
 
+#include <array>
 #include <string>
+#include <string_view>
 
 #include "support/device_test.h"
 #include "support/paths.h"
@@ -119,6 +121,24 @@ TEST_F(NetworkCheckTest, OnlyAddressesAreLookedAt) {
     EXPECT_EQ(Problem("ntp-server", "192.168.0.10"), "");
 }
 
+TEST_F(NetworkCheckTest, OneAddressForTwoInterfacesIsRefusedInOneSet) {
+    WriteFile(kInterfaces, std::string(kStatic) + "iface eth1 inet static\n");
+    velkctl::Report report(velkctl::Report::Form::kText);
+    const velkctl::Device device({}, report);
+    std::array<velkctl::SettingChange, 2> changes{
+        {{*FindSetting("eth0.address")}, {*FindSetting("eth1.address")}}};
+    for (velkctl::SettingChange& change : changes) {
+        (void)std::string_view("10.0.0.5").copy(change.value.data(), change.value.size());
+    }
+    const velkctl::PlannedValues planned(device, changes);
+    EXPECT_FALSE(NetworkProblem(changes[0], planned));
+    const auto problem = NetworkProblem(changes[1], planned);
+    EXPECT_EQ(problem ? OneLine(*problem) : "",
+              "eth1.address: 10.0.0.5 is also the new value of eth0.address; fix: give each "
+              "interface an address of its own, or give --force");
+    EXPECT_EQ(Problem("eth1.address", "192.168.0.10"), "") << "a set of one is noted";
+}
+
 class NetworkMismatchesTest : public testkit::DeviceTest {
   protected:
     static std::string Found() {
@@ -162,11 +182,33 @@ TEST_F(NetworkMismatchesTest, AnAddressThatNoHostCanHaveIsFound) {
 }
 
 TEST_F(NetworkMismatchesTest, OneAddressOfTwoInterfacesIsFound) {
-    WriteFile(kInterfaces, std::string(kStatic) + "iface eth1 inet static\naddress 192.168.0.10\n");
+    WriteFile(kInterfaces, std::string(kStatic) +
+                               "iface eth1 inet static\naddress 192.168.0.10\nnetmask 255.0.0.0\n");
     EXPECT_EQ(Found(),
               "problem: eth1.address is also the address of eth0\n"
               "  /etc/network/interfaces:6: both are 192.168.0.10\n"
               "  fix: velkctl set eth1.address VALUE\n");
+}
+
+TEST_F(NetworkMismatchesTest, AMissingAddressOrMaskIsFound) {
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\naddress 10.0.0.5\n"
+              "iface eth1 inet static\n"
+              "iface lo inet loopback\n");
+    EXPECT_EQ(Found(),
+              "problem: eth0.netmask is missing\n"
+              "  /etc/network/interfaces: eth0.method is static, and ifup needs it\n"
+              "  fix: velkctl set eth0.netmask=NETMASK\n"
+              "problem: eth1.address and eth1.netmask are missing\n"
+              "  /etc/network/interfaces: eth1.method is static, and ifup needs them\n"
+              "  fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK\n");
+}
+
+TEST_F(NetworkMismatchesTest, AnAddressThatTheLibraryDoesNotReadIsNotMissing) {
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\naddress\t10.0.0.5\nnetmask 255.0.0.0\n"
+              "iface lo inet loopback\n");
+    EXPECT_EQ(Found(), "");
 }
 
 TEST_F(NetworkMismatchesTest, AServerThatIsTheDeviceItselfIsFound) {

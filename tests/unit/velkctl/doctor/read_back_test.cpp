@@ -3,11 +3,13 @@
 
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/fake_daemon.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
 
@@ -23,6 +25,7 @@ using velkctl::Setting;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr auto& kResolver = testkit::kResolverFile;
+constexpr auto& kCrontab = testkit::kCrontab;
 constexpr auto& kHooks = testkit::kExitHooks;
 
 // Returns the text with the indented lines of a message joined to its first line.
@@ -81,7 +84,8 @@ TEST_F(ReadBackTest, ASettingThatCannotBeReadIsNotChecked) {
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi\n");
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kDone);
-    EXPECT_EQ(complaint, "velkctl: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
+    EXPECT_EQ(complaint,
+              "velkctl: note: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
 }
 
 TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenIfTheValueCannotBeRead) {
@@ -177,10 +181,10 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
 TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), std::nullopt);
-    EXPECT_EQ(
-        complaint,
-        "velkctl: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is "
-        "shown\n");
+    EXPECT_EQ(complaint,
+              "velkctl: note: eth0.address: set, but not checked: while eth0.method is dhcp, its "
+              "lease is "
+              "shown\n");
 }
 
 TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {
@@ -220,7 +224,7 @@ TEST_F(ReadBackTest, AValueOfAnotherProgramIsNoFailure) {
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
     EXPECT_EQ(status, ExitStatus::kDone);
     EXPECT_EQ(complaint,
-              "velkctl: eth0.dns: set, but another program has set it to '10.0.0.3' since\n");
+              "velkctl: note: eth0.dns: set, but another program has set it to '10.0.0.3' since\n");
 }
 
 TEST_F(ReadBackTest, TheValueFromBeforeIsNotThatOfAnotherProgram) {
@@ -228,8 +232,49 @@ TEST_F(ReadBackTest, TheValueFromBeforeIsNotThatOfAnotherProgram) {
     Remember("eth0.dns");
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
-    EXPECT_EQ(complaint,
-              "velkctl: eth0.dns: the library reported success, but the device holds '10.0.0.1'\n");
+    EXPECT_EQ(
+        complaint,
+        "velkctl: eth0.dns: the library reported success, but the device holds '10.0.0.1'; it "
+        "was not set, or another program has set it since\n");
+}
+
+TEST_F(ReadBackTest, AThirdValueThatAFindingExplainsIsNotThatOfAnotherProgram) {
+    WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u 192.168.0.1\n15 3 * * * /bin/true\n");
+    Remember("ntp-server");
+    WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u 192.168.0.515 3 * * * /bin/true\n");
+    EXPECT_EQ(Verify("ntp-server", {"192.168.0.5"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+    EXPECT_NE(complaint.find("the device holds '192.168.0.515'; likely cause: "
+                             "/var/cron/tabs/root:1: two entries are on one line"),
+              std::string::npos)
+        << complaint;
+}
+
+TEST_F(ReadBackTest, AFileThatIsCutForAMomentIsReadAgain) {
+    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    Remember("eth0.dns");
+    WriteFile(kResolver, "");
+    std::thread writer([] {
+        (void)usleep(2'000);
+        WriteFile(kResolver, "nameserver 10.0.0.2\n");
+    });
+    EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), true);
+    writer.join();
+    EXPECT_EQ(status, ExitStatus::kDone);
+    EXPECT_EQ(complaint, "");
+}
+
+TEST_F(ReadBackTest, AnotherChannelMayBeThatOfAnotherProgram) {
+    testkit::FakeDaemon daemon;
+    SMsgConf conf{};
+    conf.channel = 7;
+    daemon.SetConf(conf);
+    EXPECT_EQ(Verify("eth1.channel", {"3"}), false);
+    EXPECT_EQ(status, ExitStatus::kNotHeld);
+    EXPECT_NE(complaint.find("the device holds '7'; it was not set, or another program has set it "
+                             "since; likely cause: "),
+              std::string::npos)
+        << complaint;
 }
 
 TEST_F(ReadBackTest, WithoutAValueFromBeforeNoProgramIsAccused) {

@@ -89,8 +89,7 @@ TEST_F(ValueChecksTest, ALeaseHasNoLine) {
     Data value{};
     (void)std::string("127.0.0.1").copy(value.data(), value.size());
     EXPECT_EQ(NoteAbout("eth0.address", value),
-              "eth0.address: '127.0.0.1' is a loopback address, where the device "
-              "reaches only itself\n"
+              "eth0.address: '127.0.0.1' is a loopback address\n"
               "  fix: velkctl set eth0.address VALUE");
 }
 
@@ -125,11 +124,13 @@ TEST_F(ValueChecksTest, TheCrontabIsChecked) {
               "  fix: velkctl set ntp-server VALUE\n"
               "warning: web-update has a value that is not valid\n"
               "  /var/cron/tabs/root:1: 'daily 25:0' is not a schedule\n"
-              "  fix: velkctl set web-update VALUE\n");
+              "  fix: velkctl set web-update SCHEDULE\n");
 }
 
 TEST_F(ValueChecksTest, AnHourOfOneDigitIsNoFinding) {
     WriteFile(kCrontab, "30 8 * * * perl /usr/bin/web_contents_updater.pl\n");
+    EXPECT_EQ(Found(), "");
+    WriteFile(kCrontab, "5 8 * * 1 perl /usr/bin/web_contents_updater.pl\n");
     EXPECT_EQ(Found(), "");
 }
 
@@ -138,6 +139,14 @@ TEST_F(ValueChecksTest, ASettingThatIsReadWronglyIsLeftOut) {
     const Setting setting = *FindSetting("web-update");
     EXPECT_NE(Found({About(setting, kCrontab, Impact::kNothing)}), "");
     EXPECT_EQ(Found({About(setting, kCrontab, Impact::kReading)}), "");
+}
+
+TEST_F(ValueChecksTest, ASettingThatIsSetInTheWrongPlaceIsLeftOut) {
+    WriteFile(kCrontab, "0 * * * * ntpdate -u bad;host\n");
+    const Setting setting = *FindSetting("ntp-server");
+    const Finding about = About(setting, kCrontab, Impact::kSetting);
+    EXPECT_NE(Found({about}), "") << "the file cannot be written";
+    EXPECT_EQ(Found({about.At(0)}), "");
 }
 
 TEST_F(ValueChecksTest, AValueOfTheDaemonHasNoFile) {

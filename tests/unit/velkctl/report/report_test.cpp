@@ -46,7 +46,7 @@ TEST(Report, GoesOutAsTextLineByLine) {
     const Said said = OutputOf(Report::Form::kText, SayAll);
     EXPECT_EQ(said.out, "eth0.dns = 10.0.0.1\n");
     EXPECT_EQ(said.err,
-              "velkctl: it took long\n"
+              "velkctl: note: it took long\n"
               "velkctl: eth0.dns: could not be read\n"
               "  likely cause: no file\n"
               "  fix: make one\n"
@@ -103,7 +103,7 @@ TEST(Report, BreaksALongTextAtSemicolonsAndBeforeBut) {
     EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + std::string(36, 'b'), 2),
               reason + "; " + std::string(36, 'b'));
     EXPECT_EQ(velkctl::InLinesOf80(reason + ", but " + reason, 2), reason + ",\n  but " + reason);
-    EXPECT_EQ(velkctl::InLinesOf80(reason + "; give " + reason, 2),
+    EXPECT_EQ(InLines({.message = reason + "; give " + reason}),
               reason + "\n  fix: give " + reason);
 }
 
@@ -136,11 +136,25 @@ TEST(Report, LongMessagesAreBrokenAtTheirSemicolons) {
     EXPECT_EQ(InLines({.message = name + ": is not valid; give on or off"}),
               name + ": is not valid; give on or off");
     EXPECT_EQ(InLines({.message = name + ": is not valid; no; give on or off, or another one"}),
-              name + ": is not valid\n  no; give on or off, or another one");
+              name + ": is not valid\n  no\n  fix: give on or off, or another one");
     EXPECT_EQ(InLines({.message = name + ": is no valid value of it at all; give on or off"}),
               name + ": is no valid value of it at all\n  fix: give on or off");
     EXPECT_EQ(InLines({.message = "a", .detail = name + "; " + name + "; b"}),
               "a\n  " + name + "\n  " + name + "; b");
+}
+
+TEST(Report, AdviceAtTheEndOfAMessageIsTheRemedy) {
+    const auto parts = [](const std::string& message) {
+        const nlohmann::ordered_json error = velkctl::ProblemInJson({.message = message});
+        return error["message"].dump() + error["detail"].dump() + error["remedy"].dump();
+    };
+    EXPECT_EQ(parts("a: 'b' is not valid; give c"), R"("a: 'b' is not valid"null"give c")");
+    EXPECT_EQ(parts("a; b; did you mean c?"), R"("a""b""did you mean c?")");
+    EXPECT_EQ(parts("a: '; give b' is not valid"), R"("a: '; give b' is not valid"nullnull)");
+    EXPECT_EQ(parts("a; fix: b; c"), R"("a"null"b; c")");
+    EXPECT_EQ(parts("a, but b; give c; or d"), R"("a, but b"null"give c; or d")");
+    EXPECT_EQ(InLines({.message = std::string(80, 'a') + "; usage: b"}),
+              std::string(80, 'a') + "\n  usage: b");
 }
 
 TEST(Report, AFixIsNotBrokenAtItsSemicolons) {
@@ -174,9 +188,9 @@ TEST(ReportTest, ToolOutputComesBeforeTheFirstProblem) {
         return SayAllWith(Report::Detail::kUsual, report);
     });
     EXPECT_TRUE(said.out.starts_with("eth0: 10.0.0.1\n")) << said.out;
-    EXPECT_TRUE(
-        said.err.starts_with("velkctl: it took long\nvelkctl: ntp: rm: first\nvelkctl: "
-                             "ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
+    EXPECT_TRUE(said.err.starts_with(
+        "velkctl: note: it took long\nvelkctl: note: ntp: rm: first\n"
+        "velkctl: note: ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
         << said.err;
 }
 
@@ -204,8 +218,8 @@ TEST(ReportTest, VerboseShowsToolOutputAtOnce) {
         return SayAllWith(Report::Detail::kVerbose, report);
     });
     EXPECT_TRUE(
-        said.err.starts_with("velkctl: ntp: earlier\nvelkctl: ntp: rm: first\n"
-                             "velkctl: ntp: rm: second\nvelkctl: it took long\n"))
+        said.err.starts_with("velkctl: note: ntp: earlier\nvelkctl: note: ntp: rm: first\n"
+                             "velkctl: note: ntp: rm: second\nvelkctl: note: it took long\n"))
         << said.err;
 }
 

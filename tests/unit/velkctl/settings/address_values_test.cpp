@@ -85,13 +85,12 @@ TEST(AddressKindParse, SaysWhyNoInterfaceCanHaveAnAddress) {
     };
     refused("0.0.0.0", "is not the address of a host, as it begins with 0");
     refused("0.1.2.3", "is not the address of a host, as it begins with 0");
-    refused("127.0.0.1", "is a loopback address, where the device reaches only itself");
+    refused("127.0.0.1", "is a loopback address; the device reaches only itself there");
     refused("224.0.0.1", "is a multicast address");
     refused("239.255.255.255", "is a multicast address");
     refused("240.0.0.0", "is a reserved address");
     refused("255.255.255.255", "is the broadcast address");
-    const std::string octal =
-        "has a number with a leading zero, which other programs read as octal";
+    const std::string octal = "has a number with a leading zero; other programs read it as octal";
     refused("192.168.0.010", octal);
     refused("00.1.1.1", octal);
 }
@@ -110,6 +109,14 @@ TEST(AddressKindParse, RefusesTextThatIsNoAddress) {
     EXPECT_EQ(kAddress.Parse(Words{"10.0.0.300"}).data, Data{});
 }
 
+TEST(AddressKindParse, SaysWhyAPrefixLengthIsNotValid) {
+    const std::string wanted = "; give an IPv4 mask such as 255.255.255.0";
+    EXPECT_EQ(Problem(kNetmask, {"33"}), "'33' is no mask: a prefix length is 1 to 32" + wanted);
+    EXPECT_EQ(Problem(kNetmask, {"/33"}), "'/33' is no mask: a prefix length is 1 to 32" + wanted);
+    EXPECT_EQ(Problem(kNetmask, {"/"}), "'/' has no prefix length" + wanted);
+    EXPECT_EQ(Problem(kNetmask, {""}), "'' is not an IPv4 mask" + wanted);
+}
+
 TEST(AddressKindParse, SaysWhyAMaskIsNotValid) {
     EXPECT_EQ(Problem(kNetmask, {"255.0.255.0"}),
               "'255.0.255.0' is not a mask: a zero precedes a one; give an IPv4 mask such as "
@@ -118,7 +125,7 @@ TEST(AddressKindParse, SaysWhyAMaskIsNotValid) {
               "'0.0.0.0' is not a mask: it has no ones; give an IPv4 mask such as 255.255.255.0");
     EXPECT_EQ(Problem(kNetmask, {"0"}),
               "'0' is not a mask: it has no ones; give an IPv4 mask such as 255.255.255.0");
-    for (const std::string word : {"33", "/33", "/", "24/", "//24", "+24", "24 ", "/none"}) {
+    for (const std::string word : {"24/", "//24", "+24", "24 ", "/none"}) {
         EXPECT_EQ(Problem(kNetmask, {word}),
                   "'" + word + "' is not an IPv4 mask; give an IPv4 mask such as 255.255.255.0");
     }

@@ -25,7 +25,7 @@ using velkctl::kServiceSet;
 using velkctl::kStandardsEnabled;
 using velkctl::Parsed;
 
-const std::string kDaemons = "; the wireless daemon defines the meaning; see its manual";
+const std::string kDaemons = "the wireless daemon defines the meaning; see its manual; ";
 
 Data DataOf(int code) {
     Data data{};
@@ -85,12 +85,12 @@ TEST(CodedKindParse, RefusesNumbersIfAllCodesHaveNames) {
 TEST(CodedKindParse, ListsTheValidValues) {
     EXPECT_EQ(Problem(kChannel, {"14"}), "'14' is not valid; give a number from 1 to 13");
     EXPECT_EQ(Problem(kOneToFour, {"wep"}),
-              "'wep' is not valid; give a number from 1 to 4" + kDaemons);
-    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; give 1, 2 or 3" + kDaemons);
-    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; give 2 or 3" + kDaemons);
+              "'wep' is not valid; " + kDaemons + "give a number from 1 to 4");
+    EXPECT_EQ(Problem(kOneToThree, {"4"}), "'4' is not valid; " + kDaemons + "give 1, 2 or 3");
+    EXPECT_EQ(Problem(kStandardsEnabled, {"1"}), "'1' is not valid; " + kDaemons + "give 2 or 3");
     EXPECT_EQ(Problem(kEncryption, {"5"}),
-              "'5' is not valid; give 1, 2 (wep), 3 or 4; "
-              "the wireless daemon defines the meaning of 1, 3 and 4; see its manual");
+              "'5' is not valid; the wireless daemon defines the meaning of 1, 3 and 4; see its "
+              "manual; give 1, 2 (wep), 3 or 4");
 }
 
 TEST(CodedKindParse, SuggestsACorrectionOfAMisspeltName) {
@@ -114,7 +114,7 @@ TEST(CodedKindParse, TakesExactlyOneWord) {
 
 TEST(CodedKindParse, ShowsControlCharactersEscaped) {
     EXPECT_EQ(Problem(kStandardsEnabled, {"\x1b\n"}),
-              "'\\x1b\\x0a' is not valid; give 2 or 3" + kDaemons);
+              "'\\x1b\\x0a' is not valid; " + kDaemons + "give 2 or 3");
 }
 
 TEST(CodedKindParse, TakesOneSpellingOnly) {

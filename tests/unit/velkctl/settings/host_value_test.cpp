@@ -61,11 +61,12 @@ TEST(HostKindParse, RefusesOffAsAName) {
 }
 
 TEST(HostKindParse, SaysTooLongWithTheBeginningOfTheName) {
-    const std::string start = "'" + std::string(40, 'x') + "...' is too long: ";
+    const std::string start = "'" + std::string(40, 'x') + "...' is too long; ";
     const std::string end = "; give a host name or address such as 192.168.0.1, or none";
-    EXPECT_EQ(Problem({std::string(1000, 'x')}), start + "1000 of at most 253 characters" + end);
+    EXPECT_EQ(Problem({std::string(1000, 'x')}),
+              start + "it has 1000 of at most 253 characters" + end);
     EXPECT_EQ(Problem({std::string(64, 'x') + ".b"}),
-              start + "64 of at most 63 characters without a dot" + end);
+              start + "a part without a dot has 64 of at most 63 characters" + end);
 }
 
 TEST(HostKindParse, RefusesEmptyAndLongLabels) {
@@ -86,11 +87,11 @@ TEST(HostKindParse, TextThatLooksLikeAnAddressMustBeAnAddress) {
     for (const std::string word : {"a:b", "fe80:", "1::2::3", "1.2.3.4:123"}) {
         EXPECT_EQ(Problem({word}), "'" + word + "' is not a host name" + wanted);
     }
-    EXPECT_EQ(Problem({"10.0.0.01"}),
-              "'10.0.0.01' has a number with a leading zero, which other programs read as octal" +
-                  wanted);
+    EXPECT_EQ(
+        Problem({"10.0.0.01"}),
+        "'10.0.0.01' has a number with a leading zero; other programs read it as octal" + wanted);
     EXPECT_EQ(Problem({"127.0.0.1"}),
-              "'127.0.0.1' is a loopback address, where the device reaches only itself" + wanted);
+              "'127.0.0.1' is a loopback address; the device reaches only itself there" + wanted);
     EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
 }
 
@@ -130,7 +131,7 @@ TEST(HostKindParse, ANameHasAtMost253Characters) {
     EXPECT_EQ(kHost.Parse(Words{longest}).data, DataOf(longest));
     EXPECT_EQ(Problem({std::string(254, 'x')}),
               "'" + std::string(40, 'x') +
-                  "...' is too long: 254 of at most 253 characters; "
+                  "...' is too long; it has 254 of at most 253 characters; "
                   "give a host name or address such as 192.168.0.1, or none");
     EXPECT_FALSE(kHost.Parse(Words{std::string(5000, 'x')}).ok());
 }

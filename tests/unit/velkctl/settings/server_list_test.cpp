@@ -59,7 +59,7 @@ TEST(ServerListParse, BlanksAndCommasSeparateServers) {
         EXPECT_EQ(kServerList.Force(words).data, expected);
     }
     EXPECT_EQ(Problem({"1.1.1.1 2.2.2.2,3.3.3.3", "4.4.4.4"}),
-              "4 addresses given; give one to three, or none");
+              "4 addresses given; give one to three such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, NoneIsAllZero) {
@@ -75,7 +75,7 @@ TEST(ServerListParse, NoWordIsNoList) {
 
 TEST(ServerListParse, FourAddressesAreTooMany) {
     EXPECT_EQ(Problem({"1.1.1.1", "2.2.2.2", "3.3.3.3", "4.4.4.4"}),
-              "4 addresses given; give one to three, or none");
+              "4 addresses given; give one to three such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, NoneTakesNoOtherValue) {
@@ -103,15 +103,18 @@ TEST(ServerListParse, RefusesAddressesThatNoServerCanHave) {
     EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
     EXPECT_EQ(Problem({"224.0.0.1"}), "'224.0.0.1' is a multicast address" + wanted);
     EXPECT_EQ(Problem({"240.0.0.1"}), "'240.0.0.1' is a reserved address" + wanted);
-    EXPECT_EQ(Problem({"1.1.1.010"}),
-              "'1.1.1.010' has a number with a leading zero, which other programs read as octal" +
-                  wanted);
+    EXPECT_EQ(
+        Problem({"1.1.1.010"}),
+        "'1.1.1.010' has a number with a leading zero; other programs read it as octal" + wanted);
 }
 
 TEST(ServerListParse, RefusesTheDeviceItselfUnlessForced) {
     EXPECT_EQ(Problem({"127.0.0.1"}),
-              "'127.0.0.1' is a loopback address, where the device reaches only itself; give one "
-              "to three such as 192.168.0.1, or none, or --force for a resolver on the device");
+              "'127.0.0.1' is a loopback address; the device reaches only itself there; give one "
+              "to three others, none, or --force for a local resolver");
+    EXPECT_EQ(Problem({"1.1.1.1", "foo", "bar", "1.2.3.4"}),
+              "'foo' is not an IPv4 address; 'bar' is not an IPv4 address; 4 addresses given; give "
+              "one to three such as 192.168.0.1, or none");
     EXPECT_EQ(kServerList.Force(Words{"127.0.0.1"}).data, DataOf("127.0.0.1"));
 }
 
@@ -126,7 +129,7 @@ TEST_P(NoAddress, IsRefusedAndLeavesTheDataZero) {
     const Parsed parsed = kServerList.Parse(Words{GetParam()});
     EXPECT_FALSE(parsed.ok());
     EXPECT_TRUE(parsed.problem.find(" is not an IPv4 address; ") != std::string::npos ||
-                parsed.problem.find(" leading zero, ") != std::string::npos)
+                parsed.problem.find(" leading zero; ") != std::string::npos)
         << parsed.problem;
     EXPECT_EQ(parsed.data, Data{});
 }

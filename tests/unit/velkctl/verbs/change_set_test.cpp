@@ -102,8 +102,8 @@ TEST_F(ChangeSetTest, StopsAtTheFirstFailure) {
     ASSERT_EQ(made.size(), 1U);
     EXPECT_FALSE(made[0].is_set);
     EXPECT_EQ(made[0].status, ExitStatus::kFailed);
-    EXPECT_NE(error.find("velkctl: set: stopped at ntp-server\n"
-                         "  set: none; not set: eth0.address, eth0.dns\n"),
+    EXPECT_NE(error.find("velkctl: note: set: stopped at ntp-server\n"
+                         "  set: none; not set: ntp-server, eth0.address, eth0.dns\n"),
               std::string::npos)
         << error;
 }

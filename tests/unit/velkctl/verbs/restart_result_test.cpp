@@ -19,6 +19,11 @@ using velkctl::RestartResult;
 using velkctl::StateInJson;
 
 constexpr char kNoOffers[] = "No DHCPOFFERS received.";
+constexpr char kOnEth0[] = "Listening on LPF/eth0/02:00:00:00:00:01";
+constexpr char kOnEth1[] = "Listening on LPF/eth1/02:00:00:00:00:02";
+constexpr char kRequest[] = "DHCPREQUEST for 192.168.0.109 on eth0 to 255.255.255.255 port 67";
+constexpr char kRequestOnEth1[] = "DHCPREQUEST for 192.168.0.109 on eth1 to 255.255.255.255";
+constexpr char kBound[] = "bound to 192.168.0.109 -- renewal in 48 seconds.";
 
 RestartFacts Up(AddressSource source, const std::vector<std::string>& addresses) {
     RestartFacts facts{.interface = "eth0", .source = source};
@@ -38,7 +43,7 @@ TEST(RestartResultTest, AnAddressFromDhcp) {
     RestartFacts facts = Up(AddressSource::kDhcp, {"192.168.0.109"});
     EXPECT_TRUE(JudgeRestart(facts).is_as_configured);
     EXPECT_EQ(Judged(facts), "eth0: 192.168.0.109 from DHCP");
-    facts.tool_output = {kNoOffers, "bound to 192.168.0.109 -- renewal in 48 seconds."};
+    facts.tool_output = {kOnEth0, kNoOffers, kBound};
     EXPECT_EQ(Judged(facts), "eth0: 192.168.0.109 from DHCP");
 }
 
@@ -61,7 +66,7 @@ TEST(RestartResultTest, AnEarlierAddressIsNotFromDhcp) {
 
 TEST(RestartResultTest, AnAddressThatApipaChose) {
     RestartFacts facts = Up(AddressSource::kDhcp, {"169.254.7.1"});
-    facts.tool_output = {kNoOffers};
+    facts.tool_output = {kOnEth0, kNoOffers};
     EXPECT_TRUE(JudgeRestart(facts).is_as_configured);
     EXPECT_EQ(Judged(facts), "eth0: 169.254.7.1, link-local: no DHCP server answered");
 }
@@ -152,7 +157,7 @@ TEST(RestartResultTest, ALeaseMayComeLater) {
     facts.state.has_link = false;
     EXPECT_FALSE(MayGetLease(facts)) << "without a link";
     facts = Up(AddressSource::kDhcp, {});
-    facts.tool_output = {kNoOffers};
+    facts.tool_output = {kOnEth0, kNoOffers};
     EXPECT_FALSE(MayGetLease(facts)) << "the client has given up";
     facts = Up(AddressSource::kDhcp, {});
     facts.interface = "eth1";
@@ -162,10 +167,72 @@ TEST(RestartResultTest, ALeaseMayComeLater) {
     EXPECT_FALSE(MayGetLease(Up(AddressSource::kStatic, {})));
 }
 
+bool HasNoAnswerFor(const std::string& interface, const std::vector<std::string>& tool_output) {
+    return HasNoDhcpAnswer({.interface = interface, .tool_output = tool_output});
+}
+
 TEST(RestartResultTest, TheLastMessageOfTheClientCounts) {
-    EXPECT_FALSE(HasNoDhcpAnswer({}));
-    EXPECT_TRUE(HasNoDhcpAnswer({"bound to 10.0.0.1 -- renewal in 5 seconds.", kNoOffers, "x"}));
-    EXPECT_FALSE(HasNoDhcpAnswer({kNoOffers, "bound to 10.0.0.1 -- renewal in 5 seconds."}));
+    EXPECT_FALSE(HasNoAnswerFor("eth0", {}));
+    EXPECT_TRUE(HasNoAnswerFor("eth0", {kOnEth0, kRequest, kBound, kNoOffers, "x"}));
+    EXPECT_FALSE(HasNoAnswerFor("eth0", {kOnEth0, kNoOffers, kRequest, kBound}));
+}
+
+TEST(RestartResultTest, AMessageAboutAnotherInterfaceDoesNotCount) {
+    EXPECT_FALSE(HasNoAnswerFor("eth0", {kOnEth0, kRequest, kBound, kOnEth1, kNoOffers}));
+    EXPECT_TRUE(HasNoAnswerFor("eth1", {kOnEth0, kRequest, kBound, kOnEth1, kNoOffers}));
+    EXPECT_TRUE(HasNoAnswerFor("eth0", {kOnEth0, kNoOffers, kOnEth1, kRequestOnEth1, kBound}));
+    EXPECT_FALSE(HasNoAnswerFor("eth1", {kOnEth0, kNoOffers, kOnEth1, kRequestOnEth1, kBound}));
+    EXPECT_FALSE(HasNoAnswerFor("eth1", {kOnEth0, kNoOffers}));
+    EXPECT_FALSE(HasNoAnswerFor("eth0", {kNoOffers})) << "of no interface";
+}
+
+// Its messages as they come from a client of both interfaces.
+TEST(RestartResultTest, ALeaseBelongsToTheInterfaceOfTheRequest) {
+    const std::vector<std::string> output{
+        kOnEth1,
+        kOnEth0,
+        "DHCPDISCOVER on eth0 to 255.255.255.255 port 67 interval 3",
+        kNoOffers,
+        kRequest,
+        "DHCPREQUEST for 192.168.1.110 on eth1 to 255.255.255.255 port 67",
+        "DHCPACK of 192.168.0.109 from 192.168.0.1",
+        kBound};
+    EXPECT_FALSE(HasNoAnswerFor("eth0", output));
+    EXPECT_FALSE(HasNoAnswerFor("eth1", output));
+    EXPECT_TRUE(HasNoAnswerFor("eth1", {kOnEth1, kNoOffers, kRequest, kOnEth1, kBound}));
+}
+
+TEST(RestartResultTest, OneClientNamesTheInterfaceInEachPacket) {
+    const std::vector<std::string> output{
+        kOnEth1,
+        kOnEth0,
+        "DHCPDISCOVER on eth0 to 255.255.255.255 port 67 interval 3",
+        "DHCPREQUEST for 192.168.0.109 on eth0 to 255.255.255.255 port 67",
+        "DHCPACK of 192.168.0.109 from 192.168.0.1",
+        kBound,
+        "DHCPDISCOVER on eth1 to 255.255.255.255 port 67 interval 3",
+        kNoOffers};
+    EXPECT_FALSE(HasNoAnswerFor("eth0", output));
+    EXPECT_TRUE(HasNoAnswerFor("eth1", output));
+}
+
+TEST(RestartResultTest, ALeaseIsFromDhcpWithoutAnAnswerOnTheOtherInterface) {
+    RestartFacts facts = Up(AddressSource::kDhcp, {"192.168.0.109"});
+    facts.tool_output = {kOnEth0, kBound, kOnEth1, kNoOffers, kOnEth1, kNoOffers};
+    EXPECT_EQ(Judged(facts), "eth0: 192.168.0.109 from DHCP");
+    facts.tool_output = {kOnEth0,
+                         "DHCPREQUEST for 192.168.0.109 on eth0 to 255.255.255.255",
+                         "DHCPDISCOVER on eth1 to 255.255.255.255",
+                         kBound,
+                         "DHCPDISCOVER on eth0 to 255.255.255.255",
+                         kNoOffers};
+    EXPECT_EQ(Judged(facts), "eth0: 192.168.0.109 from DHCP") << "the address that it is bound to";
+}
+
+TEST(RestartResultTest, ALeaseOfTheOtherInterfaceIsNotThatOfThisOne) {
+    RestartFacts facts = Up(AddressSource::kDhcp, {"192.168.0.10"});
+    facts.tool_output = {kOnEth0, kNoOffers, kOnEth1, "bound to 192.168.1.109 -- renewal in 5 s."};
+    EXPECT_FALSE(JudgeRestart(facts).is_as_configured);
 }
 
 TEST(RestartResultTest, TheStateInJson) {

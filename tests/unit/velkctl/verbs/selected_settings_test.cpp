@@ -53,8 +53,9 @@ TEST_F(SelectedSettings, AreNoneIfAWordSelectsNone) {
     EXPECT_THAT(Select({"eth0.dns", "eth2.*", "eth0.dhcp-notice", "dns"}), IsEmpty());
     EXPECT_EQ(error,
               "velkctl: get: 'eth2.*' matches no setting that can be read\n"
-              "  'velkctl list' names them all\n"
+              "  fix: 'velkctl list' names them all\n"
               "velkctl: eth0.dhcp-notice: cannot be read, only set\n"
+              "  fix: 'velkctl set eth0.dhcp-notice VALUE' sets it\n"
               "velkctl: get: 'dns' is a setting of both interfaces; give eth0.dns or eth1.dns\n");
     EXPECT_THAT(Select({"eth0.dhcp-not*"}), IsEmpty());
 }

@@ -1,6 +1,6 @@
 // tool_output.h - the output of the device's tools.
-#ifndef VELKCTL_CALL_TOOL_OUTPUT_H_
-#define VELKCTL_CALL_TOOL_OUTPUT_H_
+#ifndef VELKCTL_FILES_TOOL_OUTPUT_H_
+#define VELKCTL_FILES_TOOL_OUTPUT_H_
 
 #include <string>
 #include <string_view>
@@ -19,4 +19,4 @@ std::vector<std::string> WithoutHarmless(std::vector<std::string> lines);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_CALL_TOOL_OUTPUT_H_
+#endif  // VELKCTL_FILES_TOOL_OUTPUT_H_

@@ -1,5 +1,5 @@
 // running_gateway.cpp - the default gateway that the kernel uses.
-#include "velkctl/call/running_gateway.h"
+#include "velkctl/files/running_gateway.h"
 
 #include <array>
 #include <charconv>

@@ -1,5 +1,5 @@
 // The lines that tools print, and those that mean no failure.
-#include "velkctl/call/tool_output.h"
+#include "velkctl/files/tool_output.h"
 
 #include <string>
 #include <vector>

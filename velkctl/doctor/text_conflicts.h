@@ -1,6 +1,6 @@
 // text_conflicts.h - values that would have a set change the wrong text of a file.
-#ifndef VELKCTL_CALL_TEXT_CONFLICTS_H_
-#define VELKCTL_CALL_TEXT_CONFLICTS_H_
+#ifndef VELKCTL_DOCTOR_TEXT_CONFLICTS_H_
+#define VELKCTL_DOCTOR_TEXT_CONFLICTS_H_
 
 #include <optional>
 
@@ -21,4 +21,4 @@ std::optional<Problem> TextConflict(const Setting& setting, const Data& value,
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_CALL_TEXT_CONFLICTS_H_
+#endif  // VELKCTL_DOCTOR_TEXT_CONFLICTS_H_

@@ -1,5 +1,5 @@
 // Values that velkctl refuses because a set would change the wrong text.
-#include "velkctl/call/text_conflicts.h"
+#include "velkctl/doctor/text_conflicts.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 // wireless_key_check.h - checks a wireless key against the configuration and the standard.
-#ifndef VELKCTL_VERBS_WIRELESS_KEY_CHECK_H_
-#define VELKCTL_VERBS_WIRELESS_KEY_CHECK_H_
+#ifndef VELKCTL_DOCTOR_WIRELESS_KEY_CHECK_H_
+#define VELKCTL_DOCTOR_WIRELESS_KEY_CHECK_H_
 
 #include <optional>
 
@@ -20,4 +20,4 @@ std::optional<Problem> UnusualKeyNote(const SettingChange& change);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_VERBS_WIRELESS_KEY_CHECK_H_
+#endif  // VELKCTL_DOCTOR_WIRELESS_KEY_CHECK_H_

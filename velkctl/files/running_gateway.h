@@ -1,6 +1,6 @@
 // running_gateway.h - the default gateway that the kernel uses.
-#ifndef VELKCTL_CALL_RUNNING_GATEWAY_H_
-#define VELKCTL_CALL_RUNNING_GATEWAY_H_
+#ifndef VELKCTL_FILES_RUNNING_GATEWAY_H_
+#define VELKCTL_FILES_RUNNING_GATEWAY_H_
 
 #include <string>
 #include <string_view>
@@ -16,4 +16,4 @@ std::string GatewayIn(std::string_view line, std::string_view interface);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_CALL_RUNNING_GATEWAY_H_
+#endif  // VELKCTL_FILES_RUNNING_GATEWAY_H_

@@ -1,5 +1,5 @@
 // text_conflicts.cpp - values that would have a set change the wrong text of a file.
-#include "velkctl/call/text_conflicts.h"
+#include "velkctl/doctor/text_conflicts.h"
 
 #include <cstring>
 #include <stdexcept>

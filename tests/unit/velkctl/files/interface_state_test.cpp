@@ -1,5 +1,5 @@
 // The state of a network interface, from lists as getifaddrs(3) makes them.
-#include "velkctl/call/interface_state.h"
+#include "velkctl/files/interface_state.h"
 
 #include <gtest/gtest.h>
 #include <net/if.h>

@@ -1,5 +1,5 @@
 // interface_state.cpp - the state of a network interface in the kernel.
-#include "velkctl/call/interface_state.h"
+#include "velkctl/files/interface_state.h"
 
 #include <algorithm>
 #include <array>

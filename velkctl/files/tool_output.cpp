@@ -1,5 +1,5 @@
 // tool_output.cpp - the output of the device's tools.
-#include "velkctl/call/tool_output.h"
+#include "velkctl/files/tool_output.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,11 @@
 // wireless_key_check.cpp - checks a wireless key against the configuration and the standard.
-#include "velkctl/verbs/wireless_key_check.h"
+#include "velkctl/doctor/wireless_key_check.h"
 
 #include <cstring>
 #include <string_view>
 
 #include "velkctl/call/command.h"
+#include "velkctl/text/hex.h"
 
 namespace velkctl {
 namespace {
@@ -27,10 +28,6 @@ bool IsInUse(const Setting& key, const PlannedValues& planned) {
     const int number = static_cast<int>(key.row->id - VELK_CMD_WEP_KEY_1) + 1;
     return FirstByte(planned.Get(VELK_CMD_ENCRYPTION, key.interface)) == kWep &&
            FirstByte(planned.Get(VELK_CMD_WEP_DEFAULT_KEY, key.interface)) == number;
-}
-
-bool IsHex(std::string_view text) {
-    return text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
 }  // namespace

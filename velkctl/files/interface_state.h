@@ -1,6 +1,6 @@
 // interface_state.h - the state of a network interface in the kernel.
-#ifndef VELKCTL_CALL_INTERFACE_STATE_H_
-#define VELKCTL_CALL_INTERFACE_STATE_H_
+#ifndef VELKCTL_FILES_INTERFACE_STATE_H_
+#define VELKCTL_FILES_INTERFACE_STATE_H_
 
 #include <string>
 #include <vector>
@@ -39,4 +39,4 @@ bool IsLinkLocal(const std::string& address);
 
 }  // namespace velkctl
 
-#endif  // VELKCTL_CALL_INTERFACE_STATE_H_
+#endif  // VELKCTL_FILES_INTERFACE_STATE_H_

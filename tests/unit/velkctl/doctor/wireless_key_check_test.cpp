@@ -1,5 +1,5 @@
 // Doubts about wireless keys: clearing the one in use, and a length that WPA does not take.
-#include "velkctl/verbs/wireless_key_check.h"
+#include "velkctl/doctor/wireless_key_check.h"
 
 #include <string>
 
