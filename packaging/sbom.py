@@ -1,4 +1,8 @@
 #!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 """sbom.py BUILDINFO - prints the SBOM (SPDX 2.3, JSON) of the packages that a .buildinfo file lists.
 
 It names each package with its hash and its dependencies, and the versions of the packages that it was

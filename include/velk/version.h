@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /* version.h - the version of libvelk that a program is compiled with. */
 #ifndef VELK_VERSION_H_
 #define VELK_VERSION_H_

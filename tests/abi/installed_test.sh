@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # installed_test.sh BUILD FOLDER - checks the installed files of each component. Installs into FOLDER.
 set -u
 build=$1 root=$2

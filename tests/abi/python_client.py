@@ -1,4 +1,8 @@
 #!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 """python_client.py LIBRARY - a management program in Python: the record's layout and a call."""
 import ctypes
 import sys

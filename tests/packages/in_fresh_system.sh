@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # in_fresh_system.sh VERSION - tries the packages beside it, and their earlier versions in earlier/, on this
 # system, which has their dependencies. scripts/test-packages runs it in a fresh one.
 set -u

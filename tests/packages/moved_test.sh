@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # moved_test.sh BUILD SOURCE - a build folder may be moved or copied, a checkout too: programs load the
 # library beside them, and the next build starts anew.
 set -u

@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # programs_test.sh BUILD FOLDER CC CXX - programs build and run with the installed files alone: in C with
 # pkg-config, in C++ with CMake's package. The files were installed with DESTDIR and then moved.
 set -u

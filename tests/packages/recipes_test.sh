@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # recipes_test.sh BUILD SOURCE VERSION - the recipes for Buildroot and Yocto fit the product: version, licence,
 # options of the build, installed files. The two systems themselves are not run here.
 set -u

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // sudo_commands.cpp - changes eth0 through sudo by the functions that no command of the library
 // uses: address, mask and gateway at once.
 #include <cstdio>

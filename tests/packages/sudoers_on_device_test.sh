@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # sudoers_on_device_test.sh - an ordinary user runs every command of the library that needs sudo, on a device
 # with the real sudo and the rules of packaging/sudoers.d.
 # shellcheck shell=bash

@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # sudoers_test.sh SOURCE BUILD - the rules for sudo allow the commands that the library runs and nothing else. Only
 # root may ask sudo in the name of others; the rules hold in a private mount namespace.
 set -u

@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # version_test.sh BUILD SOURCE VERSION - every place that names the version names the project's.
 set -u
 build=$1 source=$2 version=$3

@@ -1,4 +1,8 @@
 #!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 """yocto_files.py RECIPE ROOT - prints the package of the recipe that each file of an installed tree goes to.
 
 The rules of OpenEmbedded are: the packages in the order of PACKAGES take the files that their FILES match; a

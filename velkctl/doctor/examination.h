@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // examination.h - runs the doctor's checks, for the whole device or for one setting.
 #ifndef VELKCTL_DOCTOR_EXAMINATION_H_
 #define VELKCTL_DOCTOR_EXAMINATION_H_

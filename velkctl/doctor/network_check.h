@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // network_check.h - checks that the addresses of the interfaces fit together.
 #ifndef VELKCTL_DOCTOR_NETWORK_CHECK_H_
 #define VELKCTL_DOCTOR_NETWORK_CHECK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_conflicts.h - values that would have a set change the wrong text of a file.
 #ifndef VELKCTL_DOCTOR_TEXT_CONFLICTS_H_
 #define VELKCTL_DOCTOR_TEXT_CONFLICTS_H_

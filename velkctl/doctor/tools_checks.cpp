@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tools_checks.cpp - checks that the tools of the library exist and may be run, and that it can
 // read the output of ifconfig.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless_key_check.h - checks a wireless key against the configuration and the standard.
 #ifndef VELKCTL_DOCTOR_WIRELESS_KEY_CHECK_H_
 #define VELKCTL_DOCTOR_WIRELESS_KEY_CHECK_H_

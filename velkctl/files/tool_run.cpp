@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_run.cpp - runs a tool of the device for a moment, and finds it as a shell does.
 #include "velkctl/files/tool_run.h"
 

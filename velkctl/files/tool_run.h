@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_run.h - runs a tool of the device for a moment, and finds it as a shell does.
 #ifndef VELKCTL_FILES_TOOL_RUN_H_
 #define VELKCTL_FILES_TOOL_RUN_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // duration.cpp - times as a person says them.
 #include "velkctl/text/duration.h"
 

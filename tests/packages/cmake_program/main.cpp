@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - calls the library by its C function and by one of its C++ functions.
 #include <cstdio>
 #include <string>

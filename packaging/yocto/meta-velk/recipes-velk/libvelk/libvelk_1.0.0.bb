@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 SUMMARY = "Network settings of the device"
 DESCRIPTION = "Library and command line tool that read and change the network settings of an embedded device"
 LICENSE = "MIT"
