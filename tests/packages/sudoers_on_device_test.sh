@@ -20,9 +20,15 @@ as_user() { run setpriv --reuid nobody --regid nogroup --init-groups "$@"; }
 it 'refuses a user who is not in the group'
 as_user velkctl set eth0.link-speed 100-full
 error_has 'sudo: a password is required'
+as_user velkctl doctor
+output_has 'problem: ifup may not be run through sudo by this user without a password'
 
 sed -i '$a velk:x:64999:nobody' /etc/group
 : >/tmp/sudo.log
+
+it 'satisfies the doctor'
+as_user velkctl doctor
+check 'tools that sudo refuses' '' "$(grep 'may not be run through sudo' <<<"$output")"
 
 it 'sets and reads the link mode'
 for mode in 100-full 100-half 10-full 10-half auto; do
