@@ -178,7 +178,7 @@ TEST_F(ToolElsewhere, IsNotLinkedFromTheCurrentFolder) {
     ASSERT_EQ(chdir(before.c_str()), 0);
 }
 
-// An ordinary user on a device with every tool, whose sudo allows the lines of a file.
+// An ordinary user on a device with every tool. Its sudo allows the lines of a file.
 class SudoRights : public testkit::DeviceTest {
   protected:
     static constexpr char kCommands[] =
@@ -217,7 +217,7 @@ class SudoRights : public testkit::DeviceTest {
         WriteFile(path, "#!/bin/sh\n" + body);
         ASSERT_EQ(chmod(path.c_str(), 0755), 0);
     }
-    // Returns the findings of a user whose sudo allows these commands.
+    // Returns the findings if sudo allows the user these commands.
     static std::string FindingsWith(const std::string& allowed) {
         WriteFile("/tmp/allowed", allowed);
         setenv("PATH", "/tmp:/usr/sbin:/usr/bin", 1);
