@@ -47,8 +47,8 @@ if [ "$(id -u)" -eq 0 ]; then
         'test-packages: this root may make no namespaces. fix: start the container with --privileged' \
         "$(setpriv --bounding-set -sys_admin "$source/scripts/test-packages" 2>&1)"
 fi
-check 'setup without apt-get' \
-    'setup: this system has no apt-get. fix: install the equivalent of these packages of Debian 12: g++ cmake ninja-build libcli11-dev nlohmann-json3-dev busybox' \
+line='setup: this system has no apt-get. fix: install the equivalent of these packages of Debian 12:'
+check 'setup without apt-get' "$line g++ cmake ninja-build libcli11-dev nlohmann-json3-dev busybox" \
     "$(with '' "$source/scripts/setup" demo)"
 
 # CMake prints a line that names the place, and this one.
@@ -61,4 +61,13 @@ lacks_package() { # lacks_package PACKAGE MESSAGE
 lacks_package CLI11 'CLI11 is missing: apt-get install libcli11-dev, or -DVELK_SANDBOX=OFF'
 lacks_package nlohmann_json 'nlohmann_json is missing: apt-get install nlohmann-json3-dev, or -DVELK_TOOLS=OFF'
 lacks_package GTest 'GTest is missing: apt-get install libgtest-dev libgmock-dev, or -DBUILD_TESTING=OFF'
+# A compiler that says that it is an older g++.
+old() { # old VERSION MESSAGE
+    printf '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=%s "$@"\n' "$1" >"$root/g++"
+    chmod +x "$root/g++"
+    check "g++ $1" "   $2" "$(cmake -S "$source" -B "$root/old-$1" -DCMAKE_CXX_COMPILER="$root/g++" 2>&1 |
+        sed -n '/too old/s/[0-9]*\.2\.0/VERSION/p')"
+}
+old 9 'g++ VERSION is too old for libvelk: install g++ 10 or later'
+old 10 'g++ VERSION is too old for velkctl: install g++ 11 or later, or -DVELK_TOOLS=OFF'
 finish
