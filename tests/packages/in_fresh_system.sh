@@ -44,6 +44,10 @@ if as_user unshare --user true 2>/dev/null; then
 else
     echo 'not run as an ordinary user: this kernel refuses user namespaces'
 fi
+check 'completions, where the shells of Debian look' '/usr/share/bash-completion/completions/velk-sandbox
+/usr/share/bash-completion/completions/velkctl
+/usr/share/zsh/vendor-completions/_velk-sandbox
+/usr/share/zsh/vendor-completions/_velkctl' "$(find /usr/share/bash-completion /usr/share/zsh -name '*velk*' | LC_ALL=C sort)"
 check 'flags, all of which the compiler knows' '-lvelk' "$(pkg-config --cflags --libs libvelk | xargs)"
 # shellcheck disable=SC2046 # flags
 gcc -std=c99 -Wall -Werror -o /tmp/client c99_client.c $(pkg-config --cflags --libs libvelk) && /tmp/client
