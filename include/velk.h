@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /*
  * velk.h - read and change every network setting of the device through one function.
  *
@@ -16,6 +19,7 @@
 
 #include "velk/export.h"
 #include "velk/request.h"
+#include "velk/version.h"
 
 #ifdef __cplusplus
 extern "C" {

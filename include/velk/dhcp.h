@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp.h - the options that the DHCP client requests from a DHCP server.
 #ifndef VELK_DHCP_H_
 #define VELK_DHCP_H_

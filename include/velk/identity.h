@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // identity.h - the administrator and the location of the device.
 #ifndef VELK_IDENTITY_H_
 #define VELK_IDENTITY_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ipconf.h - the device's IP configuration: methods and addresses of the interfaces, the DHCP
 // client's actions after its lease events, DNS servers.
 #ifndef VELK_IPCONF_H_

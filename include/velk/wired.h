@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wired.h - the state of an interface in the kernel: link, addresses, gateway, speed.
 #ifndef VELK_WIRED_H_
 #define VELK_WIRED_H_

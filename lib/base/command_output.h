@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_output.h - runs a shell line and reads its output from the result file.
 #ifndef VELK_BASE_COMMAND_OUTPUT_H_
 #define VELK_BASE_COMMAND_OUTPUT_H_

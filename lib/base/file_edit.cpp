@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_edit.cpp - rewrites a system file line by line, through a copy.
 #include "lib/base/file_edit.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_edit.h - rewrites a system file line by line, through a copy.
 #ifndef VELK_BASE_FILE_EDIT_H_
 #define VELK_BASE_FILE_EDIT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // find_row.h - looks a row of a table up.
 #ifndef VELK_BASE_FIND_ROW_H_
 #define VELK_BASE_FIND_ROW_H_

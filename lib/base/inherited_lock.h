@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // inherited_lock.h - lends the inter-process lock to the tools that replace a file.
 #ifndef VELK_BASE_INHERITED_LOCK_H_
 #define VELK_BASE_INHERITED_LOCK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // join_text.h - joins texts at compile time, so that a line can contain a path of paths.h.
 #ifndef VELK_BASE_JOIN_TEXT_H_
 #define VELK_BASE_JOIN_TEXT_H_

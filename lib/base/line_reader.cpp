@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // line_reader.cpp - reads a text file line by line.
 #include "lib/base/line_reader.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // line_reader.h - reads a text file line by line.
 #ifndef VELK_BASE_LINE_READER_H_
 #define VELK_BASE_LINE_READER_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // paths.h - every path of the device that the library or the programs around it use.
 #ifndef VELK_BASE_PATHS_H_
 #define VELK_BASE_PATHS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // readers_turn.cpp - keeps two readers of the result file apart.
 //
 // The queue is made of read locks on bytes of the folder, see F_OFD_SETLK in fcntl(2): a reader

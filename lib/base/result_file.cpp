@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_file.cpp - the file that every command line with output is redirected into.
 #include "lib/base/result_file.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_file.h - the file that every command line with output is redirected into.
 #ifndef VELK_BASE_RESULT_FILE_H_
 #define VELK_BASE_RESULT_FILE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell.cpp - formatted shell lines, and those that put an edit copy in place.
 #include "lib/base/shell.h"
 

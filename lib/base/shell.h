@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell.h - formatted shell lines, and those that put an edit copy in place.
 #ifndef VELK_BASE_SHELL_H_
 #define VELK_BASE_SHELL_H_

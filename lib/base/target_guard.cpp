@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // target_guard.cpp - repairs a file that was truncated while its edit copy was copied over it.
 #include "lib/base/target_guard.h"
 

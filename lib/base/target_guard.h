@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // target_guard.h - repairs a file that was truncated while its edit copy was copied over it.
 #ifndef VELK_BASE_TARGET_GUARD_H_
 #define VELK_BASE_TARGET_GUARD_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // unique_fd.h - the one owner of a file descriptor.
 #ifndef VELK_BASE_UNIQUE_FD_H_
 #define VELK_BASE_UNIQUE_FD_H_

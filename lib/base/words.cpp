@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // words.cpp - finds and cuts words in a line.
 #include "lib/base/words.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // words.h - finds and cuts words in a line.
 #ifndef VELK_BASE_WORDS_H_
 #define VELK_BASE_WORDS_H_

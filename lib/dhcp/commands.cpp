@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // commands.cpp - the commands on the options that the DHCP client requests.
 #include <string>
 

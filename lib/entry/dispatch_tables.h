@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dispatch_tables.h - the function of each command, and the interfaces that it takes.
 #ifndef VELK_ENTRY_DISPATCH_TABLES_H_
 #define VELK_ENTRY_DISPATCH_TABLES_H_

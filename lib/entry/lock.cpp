@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock.cpp - the inter-process lock around set and restart commands.
 #include "lib/entry/lock.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // escape.cpp - makes a text safe in the replacement of a sed(1) command in single quotes.
 #include <string>
 #include <string_view>

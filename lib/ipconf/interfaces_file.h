@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_file.h - the stanzas of /etc/network/interfaces, as its reader and writer know them.
 #ifndef VELK_IPCONF_INTERFACES_FILE_H_
 #define VELK_IPCONF_INTERFACES_FILE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_reader.cpp - an interface's method and addresses, as they are configured or live.
 #include <string>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // restart.cpp - brings an interface down and up again so that changed settings take effect.
 #include <string>
 

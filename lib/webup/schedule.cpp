@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // schedule.cpp - when the web contents updater runs: its lines in the crontab.
 #include <algorithm>
 #include <cstdint>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // gateway.cpp - reads the default gateway from the routing table and replaces it with route(8).
 #include <cstdint>
 #include <optional>

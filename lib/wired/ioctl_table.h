@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ioctl_table.h - the functions that read and change a property that the kernel holds.
 #ifndef VELK_WIRED_IOCTL_TABLE_H_
 #define VELK_WIRED_IOCTL_TABLE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ownership.cpp - distinguishes this user's devices from those of other users.
 #include "sandbox/control/ownership.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // capabilities.cpp - drops the capabilities that reach the machine itself.
 #include "sandbox/device/capabilities.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device.cpp - moves a process onto a simulated device.
 #include "sandbox/device/device.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_layout.cpp - the folders and files of a device.
 #include "sandbox/device/device_layout.h"
 

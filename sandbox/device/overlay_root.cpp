@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // overlay_root.cpp - a private overlay of the whole file tree of the machine.
 //
 // A tmpfs holds the changes. It is mounted over /tmp in the private mount namespace of this

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // proc_fields.h - reads the labelled lines of files in /proc.
 #ifndef SANDBOX_PROCESS_PROC_FIELDS_H_
 #define SANDBOX_PROCESS_PROC_FIELDS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - velk-sandbox: runs commands on a simulated device.
 #include <algorithm>
 #include <clocale>

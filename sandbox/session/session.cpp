@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // session.cpp - makes a device and runs a command on it.
 //
 // There are four processes. This one stays outside. Its child is the first process of a PID

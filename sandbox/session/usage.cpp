@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usage.cpp - the help of velk-sandbox, and its messages about wrong usage.
 #include "sandbox/session/usage.h"
 

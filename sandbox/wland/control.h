@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // control.h - changes how a running daemon replies.
 #ifndef SANDBOX_WLAND_CONTROL_H_
 #define SANDBOX_WLAND_CONTROL_H_

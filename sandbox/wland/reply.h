@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // reply.h - correct and faulty replies.
 #ifndef SANDBOX_WLAND_REPLY_H_
 #define SANDBOX_WLAND_REPLY_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stop_signals.h - the signals that end the daemon.
 #ifndef SANDBOX_WLAND_STOP_SIGNALS_H_
 #define SANDBOX_WLAND_STOP_SIGNALS_H_

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # lib.sh - functions for tests on a simulated device. Source it, then write
 #
 #   it 'refuses an address that is not valid'

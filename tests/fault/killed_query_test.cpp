@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // A killed wireless query leaves its request at the daemon, its semaphore and its socket to the
 // next query. The daemon keeps running.
 #include <csignal>

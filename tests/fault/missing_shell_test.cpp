@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // If no shell can be started, an earlier output of tools is read as new: system(3) reports that
 // like a command that failed, and the library does not notice. See docs/reliability.md.
 #include <optional>

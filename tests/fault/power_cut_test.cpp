@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The power fails at each system call of each set and its tools, and comes back.
 #include <algorithm>
 #include <cstdio>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // allocations.cpp - operator new and delete, counted and failing by plan.
 #include "support/allocations.h"
 

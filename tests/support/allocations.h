@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // allocations.h - the allocations of the test program: counted, or failing by plan.
 //
 // The test executable defines operator new and delete itself, for the library as well.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_test.cpp - the fixture of tests that touch the device's files.
 #include "support/device_test.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_test.h - the fixture of tests that touch the device's files.
 #ifndef TESTS_SUPPORT_DEVICE_TEST_H_
 #define TESTS_SUPPORT_DEVICE_TEST_H_

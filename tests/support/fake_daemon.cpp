@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_daemon.cpp - a wireless daemon within the test.
 #include "support/fake_daemon.h"
 

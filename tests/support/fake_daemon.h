@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_daemon.h - a wireless daemon within the test, over the real sockets and semaphore.
 #ifndef TESTS_SUPPORT_FAKE_DAEMON_H_
 #define TESTS_SUPPORT_FAKE_DAEMON_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_interfaces.h - the network interfaces that getifaddrs(3) reports to the code under test.
 #ifndef TESTS_SUPPORT_FAKE_INTERFACES_H_
 #define TESTS_SUPPORT_FAKE_INTERFACES_H_

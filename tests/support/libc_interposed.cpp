@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // libc_interposed.cpp - the executable's own definitions of the libc calls the library makes.
 //
 // Each call is defined in every spelling that compilers turn it into: the plain one, the one for

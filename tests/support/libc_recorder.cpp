@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // libc_recorder.cpp - records calls and answers them by script.
 #include "support/libc_recorder.h"
 

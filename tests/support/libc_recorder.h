@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // libc_recorder.h - records the library's calls of libc, and answers them by script.
 //
 // The test executable defines system(3), sleep(3), syslog(3), open(2) and others itself, and the

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - moves the unit tests onto a private device before the first one runs.
 #include <algorithm>
 #include <cerrno>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // mounted.h - a mount on the private device of a test.
 #ifndef TESTS_SUPPORT_MOUNTED_H_
 #define TESTS_SUPPORT_MOUNTED_H_

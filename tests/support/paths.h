@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // paths.h - the paths of the device as the tests expect them, independent of the library's list in
 // lib/base/paths.h. A unit test compares both lists, path by path.
 #ifndef TESTS_SUPPORT_PATHS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Concurrent calls from many threads of one program, with the real shell.
 #include <atomic>
 #include <cstdlib>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // child.h - runs a function in a process of its own, under other conditions.
 #ifndef TESTS_WORLD_CHILD_H_
 #define TESTS_WORLD_CHILD_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Gets beside two programs that set all the time: no get reads a setting as off because the shell
 // has just emptied its file.
 #include <chrono>

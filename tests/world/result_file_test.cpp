@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Other users plant things under the name of the file into which tools print.
 #include <chrono>
 #include <functional>

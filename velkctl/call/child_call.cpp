@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // child_call.cpp - runs a command in a process of its own, so that it can be stopped.
 #include "velkctl/call/child_call.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command.cpp - a command of the library and its answer.
 #include "velkctl/call/command.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command.h - a command of the library and its answer.
 #ifndef VELKCTL_CALL_COMMAND_H_
 #define VELKCTL_CALL_COMMAND_H_

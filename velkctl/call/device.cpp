@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device.cpp - the device for the verbs: settings to read and to change.
 #include "velkctl/call/device.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // files_before.cpp - the contents of a setting's files before a set.
 #include "velkctl/call/files_before.h"
 

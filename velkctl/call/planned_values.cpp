@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // planned_values.cpp - the values of the device after the changes of one call.
 #include "velkctl/call/planned_values.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // planned_values.h - the values of the device after the changes of one call.
 #ifndef VELKCTL_CALL_PLANNED_VALUES_H_
 #define VELKCTL_CALL_PLANNED_VALUES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stop_signals.cpp - holds back the signals that end velkctl while the library is working, and ends
 // it by a signal afterwards.
 #include "velkctl/call/stop_signals.h"

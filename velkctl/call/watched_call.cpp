@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // watched_call.cpp - runs a command that a deadline or a signal can end.
 #include "velkctl/call/watched_call.h"
 

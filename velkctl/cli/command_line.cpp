@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_line.cpp - reads the command line and runs the verb in it.
 #include "velkctl/cli/command_line.h"
 

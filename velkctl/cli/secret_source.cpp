@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // secret_source.cpp - reads secrets that are not on the command line.
 #include "velkctl/cli/secret_source.h"
 

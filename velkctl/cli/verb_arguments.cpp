@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // verb_arguments.cpp - parses the arguments after a verb: options and words.
 #include "velkctl/cli/verb_arguments.h"
 

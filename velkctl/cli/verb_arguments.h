@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // verb_arguments.h - parses the arguments after a verb: options and words.
 #ifndef VELKCTL_CLI_VERB_ARGUMENTS_H_
 #define VELKCTL_CLI_VERB_ARGUMENTS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // checks.cpp - runs the doctor's checks, for the whole device or for one setting.
 #include "velkctl/doctor/checks.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // checks.h - the doctor's checks, one subject each. None changes anything.
 #ifndef VELKCTL_DOCTOR_CHECKS_H_
 #define VELKCTL_DOCTOR_CHECKS_H_

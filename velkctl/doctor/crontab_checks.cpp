@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // crontab_checks.cpp - checks that the library can read and change the crontab's entries.
 #include <algorithm>
 #include <array>

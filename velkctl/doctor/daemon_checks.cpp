@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // daemon_checks.cpp - whether the wireless daemon answers.
 #include <sys/stat.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp_checks.cpp - checks that the library can find the blocks of /etc/dhclient.conf and the
 // options that the client requests.
 #include <algorithm>

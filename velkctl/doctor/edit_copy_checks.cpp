@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_copy_checks.cpp - unfinished edits, and files in the place of edit copies.
 #include <array>
 #include <cstdio>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // files_checks.cpp - checks that the files and folders of the library exist and can be written.
 #include <algorithm>
 #include <cerrno>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // finding.cpp - a problem of the device that affects the library, found by the doctor.
 #include "velkctl/doctor/finding.h"
 

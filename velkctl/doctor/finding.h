@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // finding.h - a problem of the device that affects the library, found by the doctor.
 #ifndef VELKCTL_DOCTOR_FINDING_H_
 #define VELKCTL_DOCTOR_FINDING_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // identity_checks.cpp - whether administrator and location reach the SNMP agent.
 #include <algorithm>
 #include <cctype>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_checks.cpp - checks that the library can find the stanzas of /etc/network/interfaces
 // and their lines with addresses.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // likely_cause.cpp - the reason why a setting does not hold the value that was set.
 #include "velkctl/doctor/likely_cause.h"
 

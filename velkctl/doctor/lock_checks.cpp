@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock_checks.cpp - whether settings can be changed now, and the process that holds the lock.
 #include <fcntl.h>
 #include <sys/stat.h>

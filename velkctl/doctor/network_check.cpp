@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // network_check.cpp - checks that the addresses of the interfaces fit together.
 #include <array>
 #include <bit>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // read_back.cpp - whether the device holds the value that was set.
 #include "velkctl/doctor/read_back.h"
 

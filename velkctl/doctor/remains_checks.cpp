@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // remains_checks.cpp - files that a query to the wireless daemon or a tool has left, and that
 // hinder the next one.
 #include <fcntl.h>

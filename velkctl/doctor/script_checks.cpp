@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // script_checks.cpp - whether the library can switch the lines of the DHCP client's scripts: the
 // commands of its exit hooks, and the calls that install a lease's name servers.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_conflicts.cpp - values that would have a set change the wrong text of a file.
 #include <cstring>
 #include <stdexcept>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tools_checks.cpp - checks that the tools of the library exist and may be run, and that it can
 // read the output of ifconfig.
 #include <algorithm>
@@ -75,22 +78,52 @@ constexpr std::array<Tool, 13> kTools{{
     {velk::kSnmpScript, kBySudo, "administrator and location do not reach the running SNMP agent"},
 }};
 
-// Asks sudo for the right to run tools. Root needs none. A sudo that does not answer in time is not
-// asked again.
+using Words = std::vector<std::string>;
+
+// Returns the commands that the library runs through sudo. Its rules may allow nothing else.
+std::vector<Words> SudoCommands() {
+    const std::string wired = VELK_WIRED_INTERFACE;
+    const std::string wireless = VELK_WIRELESS_INTERFACE;
+    return {{"ifconfig", wireless, "up"},
+            {"route", "add", "default", "gw", "192.168.0.1"},
+            {"route", "del", "default", "gw", "192.168.0.1"},
+            {"ethtool", wired},
+            {"ethtool", "-s", wired, "autoneg", "on"},
+            {"ethtool", "-s", wired, "speed", "100", "duplex", "full", "autoneg", "off"},
+            {velk::kEthtool, wired},
+            {"ifup", wired},
+            {"ifup", wireless},
+            {"ifdown", wired},
+            {"ifdown", wireless},
+            {"sed", "-i", "s/syscontact.*/syscontact name/", velk::kSnmpFile},
+            {"sed", "-i", "s/syslocation.*/syslocation name/", velk::kSnmpFile},
+            {velk::kSnmpScript, "restart"}};
+}
+
+// Asks sudo for the right to run the commands of a tool. Root needs none. A sudo that does not
+// answer in time is not asked again.
 class SudoRights {
   public:
     SudoRights() : asks_(geteuid() != 0 && FindTool("sudo").has_value()) {}
 
     bool Forbid(const std::string& tool) {
+        return std::ranges::any_of(SudoCommands(), [&](const Words& command) {
+            return command.front() == tool && Refuse(command);
+        });
+    }
+
+  private:
+    bool Refuse(const Words& command) {
         if (!asks_) {
             return false;
         }
-        const ToolRun run = RunTool({"sudo", "-n", "-l", tool});
+        Words question = {"sudo", "-n", "-l"};
+        question.insert(question.end(), command.begin(), command.end());
+        const ToolRun run = RunTool(question);
         asks_ = run.ended;
         return run.ended && run.status != 0;
     }
 
-  private:
     bool asks_;
 };
 

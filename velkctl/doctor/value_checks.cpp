@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // value_checks.cpp - checks the values that the device has with the checks of a set.
 #include "velkctl/doctor/value_checks.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // value_checks.h - checks the values that the device has with the checks of a set.
 #ifndef VELKCTL_DOCTOR_VALUE_CHECKS_H_
 #define VELKCTL_DOCTOR_VALUE_CHECKS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless_key_check.cpp - checks a wireless key against the configuration and the standard.
 #include <cstring>
 #include <string_view>

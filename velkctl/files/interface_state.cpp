@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interface_state.cpp - the state of a network interface in the kernel.
 #include "velkctl/files/interface_state.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interface_state.h - the state of a network interface in the kernel.
 #ifndef VELKCTL_FILES_INTERFACE_STATE_H_
 #define VELKCTL_FILES_INTERFACE_STATE_H_

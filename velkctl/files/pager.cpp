@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // pager.cpp - shows a long text a screen at a time.
 #include "velkctl/files/pager.h"
 

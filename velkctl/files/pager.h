@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // pager.h - shows a long text a screen at a time.
 #ifndef VELKCTL_FILES_PAGER_H_
 #define VELKCTL_FILES_PAGER_H_

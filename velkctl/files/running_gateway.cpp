@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // running_gateway.cpp - the default gateway that the kernel uses.
 #include "velkctl/files/running_gateway.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_file.cpp - a file of the device, read without trusting it.
 #include "velkctl/files/text_file.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_file.h - a file of the device, read without trusting it.
 #ifndef VELKCTL_FILES_TEXT_FILE_H_
 #define VELKCTL_FILES_TEXT_FILE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_run.cpp - finds a tool of the device as a shell does, and runs it with a time limit.
 #include "velkctl/files/tool_run.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_run.h - finds a tool of the device as a shell does, and runs it with a time limit.
 #ifndef VELKCTL_FILES_TOOL_RUN_H_
 #define VELKCTL_FILES_TOOL_RUN_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // output.cpp - writes to standard output and standard error.
 #include "velkctl/report/output.h"
 

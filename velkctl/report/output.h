@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // output.h - writes to standard output and standard error.
 #ifndef VELKCTL_REPORT_OUTPUT_H_
 #define VELKCTL_REPORT_OUTPUT_H_

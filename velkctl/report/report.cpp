@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // report.cpp - the output of one run: text for people, or one JSON document for programs.
 #include "velkctl/report/report.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // report.h - the output of one run: text for people, or one JSON document for programs.
 #ifndef VELKCTL_REPORT_REPORT_H_
 #define VELKCTL_REPORT_REPORT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // catalogue.cpp - the settings velkctl knows.
 #include "velkctl/settings/catalogue.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // catalogue.h - the settings velkctl knows.
 #ifndef VELKCTL_SETTINGS_CATALOGUE_H_
 #define VELKCTL_SETTINGS_CATALOGUE_H_

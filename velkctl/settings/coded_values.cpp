@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // coded_values.cpp - values that are one byte out of a table.
 #include "velkctl/settings/coded_values.h"
 

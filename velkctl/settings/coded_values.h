@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // coded_values.h - values that are one byte out of a table.
 #ifndef VELKCTL_SETTINGS_CODED_VALUES_H_
 #define VELKCTL_SETTINGS_CODED_VALUES_H_

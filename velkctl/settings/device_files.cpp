@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_files.cpp - the files that the library works with, and how it changes them.
 #include "velkctl/settings/device_files.h"
 

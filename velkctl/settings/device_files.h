@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_files.h - the files that the library works with, and how it changes them.
 #ifndef VELKCTL_SETTINGS_DEVICE_FILES_H_
 #define VELKCTL_SETTINGS_DEVICE_FILES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // host_value.cpp - values that name a host.
 #include "velkctl/settings/host_value.h"
 

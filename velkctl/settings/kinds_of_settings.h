@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // kinds_of_settings.h - the kinds of values that the settings of the catalogue have.
 #ifndef VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_
 #define VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_

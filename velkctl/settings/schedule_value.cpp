@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // schedule_value.cpp - values that are a schedule: hourly, daily, weekly or monthly.
 #include "velkctl/settings/schedule_value.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server_list.cpp - values that are a list of servers.
 #include "velkctl/settings/server_list.h"
 

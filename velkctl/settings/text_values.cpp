@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_values.cpp - values that are a text.
 #include "velkctl/settings/text_values.h"
 

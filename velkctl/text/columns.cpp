@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // columns.cpp - texts for the columns of a table and for lines of limited width.
 #include "velkctl/text/columns.h"
 

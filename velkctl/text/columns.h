@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // columns.h - texts for the columns of a table and for lines of limited width.
 #ifndef VELKCTL_TEXT_COLUMNS_H_
 #define VELKCTL_TEXT_COLUMNS_H_

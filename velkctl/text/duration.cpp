@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // duration.cpp - durations in words.
 #include "velkctl/text/duration.h"
 

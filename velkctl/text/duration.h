@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // duration.h - durations in words.
 #ifndef VELKCTL_TEXT_DURATION_H_
 #define VELKCTL_TEXT_DURATION_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // escaping.cpp - makes text safe for a terminal.
 #include "velkctl/text/escaping.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // numbers.h - decimal numbers in texts.
 #ifndef VELKCTL_TEXT_NUMBERS_H_
 #define VELKCTL_TEXT_NUMBERS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_verb.cpp - the verb that runs a command of the library without checks.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_set.cpp - changes that are checked together before the first of them is made.
 #include "velkctl/verbs/change_set.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_words.cpp - reads the changes that the words of a command line ask for.
 #include "velkctl/verbs/change_words.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_words.h - reads the changes that the words of a command line ask for.
 #ifndef VELKCTL_VERBS_CHANGE_WORDS_H_
 #define VELKCTL_VERBS_CHANGE_WORDS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // describe_verb.cpp - the verb that describes a setting.
 #include <algorithm>
 #include <optional>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // explain_verb.cpp - the verb that explains results and exit statuses.
 #include <algorithm>
 #include <optional>

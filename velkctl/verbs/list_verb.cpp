@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // list_verb.cpp - the verb that lists the settings.
 #include <string>
 #include <vector>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // restart_result.cpp - whether a restarted interface is up with its address.
 #include "velkctl/verbs/restart_result.h"
 

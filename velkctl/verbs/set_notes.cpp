@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_notes.cpp - notes about the effects of a set on other settings and on the device.
 #include "velkctl/verbs/set_notes.h"
 

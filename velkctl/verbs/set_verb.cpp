@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_verb.cpp - the verb that changes settings.
 #include <string>
 #include <vector>

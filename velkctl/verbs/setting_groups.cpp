@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_groups.cpp - settings in groups for people: those of the device and of each interface.
 #include "velkctl/verbs/setting_groups.h"
 

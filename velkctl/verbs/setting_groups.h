@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_groups.h - settings in groups for people: those of the device and of each interface.
 #ifndef VELKCTL_VERBS_SETTING_GROUPS_H_
 #define VELKCTL_VERBS_SETTING_GROUPS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_values.h - settings and their values in the output of verbs.
 #ifndef VELKCTL_VERBS_SETTING_VALUES_H_
 #define VELKCTL_VERBS_SETTING_VALUES_H_

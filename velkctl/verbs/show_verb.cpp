@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // show_verb.cpp - the verb that shows all readable settings.
 #include <optional>
 #include <string>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // status_verb.cpp - the verb that shows the configuration beside the running state.
 #include <algorithm>
 #include <optional>

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # restart_result_test.sh - the answer of a restart: the address of the interface, or the reason for none.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_log.h - the file or shell line of each call of a request; the recorder lacks it.
 #ifndef TESTS_FAULT_KIT_CALL_LOG_H_
 #define TESTS_FAULT_KIT_CALL_LOG_H_

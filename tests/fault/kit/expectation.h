@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // expectation.h - the expected answer and permitted remains of a request with a failing call.
 #ifndef TESTS_FAULT_KIT_EXPECTATION_H_
 #define TESTS_FAULT_KIT_EXPECTATION_H_

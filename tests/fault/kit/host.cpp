@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // host.cpp - a host program of the library, and its requests.
 #include "fault/kit/host.h"
 

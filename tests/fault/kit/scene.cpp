@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // scene.cpp - the device that a request meets.
 #include "fault/kit/scene.h"
 

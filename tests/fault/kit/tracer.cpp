@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tracer.cpp - follows a process and all it starts with ptrace(2).
 #include "fault/kit/tracer.h"
 

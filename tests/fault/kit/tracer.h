@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tracer.h - follows a process and all it starts, system call by system call, and may end them all.
 #ifndef TESTS_FAULT_KIT_TRACER_H_
 #define TESTS_FAULT_KIT_TRACER_H_

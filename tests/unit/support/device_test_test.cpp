@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The unit ring must run on a private device, and notice the remains of a test.
 #include "support/device_test.h"
 

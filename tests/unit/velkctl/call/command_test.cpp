@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The problem to report for a failed answer.
 #include "velkctl/call/command.h"
 

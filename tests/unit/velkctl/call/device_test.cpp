@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The device as the verbs see it: busy, slow, or ready at once.
 #include "velkctl/call/device.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The likely causes of a setting that does not hold the value that was set, on a private device.
 #include "velkctl/doctor/likely_cause.h"
 

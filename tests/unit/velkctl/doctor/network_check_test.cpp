@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Conflicts of an address, a mask or a gateway with the configuration.
 #include <array>
 #include <string>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Values that velkctl refuses because a set would change the wrong text.
 #include <string>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about values that no set would write, and the notes about them.
 #include "velkctl/doctor/value_checks.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Doubts about wireless keys: clearing the one in use, and a length that WPA does not take.
 #include <string>
 

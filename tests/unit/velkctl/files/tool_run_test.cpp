@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Tools of the device, found and run for a moment.
 #include "velkctl/files/tool_run.h"
 

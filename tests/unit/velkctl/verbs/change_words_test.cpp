@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The changes that the words of "velkctl set" ask for.
 #include "velkctl/verbs/change_words.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The settings that names, interfaces and patterns select.
 #include "velkctl/verbs/selected_settings.h"
 
