@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // numbers.h - reads a number at the start of a text.
 #ifndef VELK_BASE_NUMBERS_H_
 #define VELK_BASE_NUMBERS_H_

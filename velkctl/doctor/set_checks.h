@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_checks.h - checks a value before it is set. No check finds a problem in values or files that
 // cannot be read.
 #ifndef VELKCTL_DOCTOR_SET_CHECKS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // A long text without a terminal. The device tests show it at one.
 #include "velkctl/files/pager.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Data bytes that are masked in output.
 #include "velkctl/verbs/masking.h"
 

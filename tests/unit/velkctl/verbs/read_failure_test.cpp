@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The reason why a setting cannot be read, on a private device.
 #include "velkctl/verbs/read_failure.h"
 

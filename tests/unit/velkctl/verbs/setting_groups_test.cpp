@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Settings in groups for people.
 #include "velkctl/verbs/setting_groups.h"
 

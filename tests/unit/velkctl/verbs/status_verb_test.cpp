@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The configuration beside the running state, on a private device without a wireless adapter.
 #include <string>
 #include <vector>
