@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // augeas_get.cpp - a program that gets an address from Augeas and prints it.
 #include <cstdio>
 

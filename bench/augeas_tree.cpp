@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // augeas_tree.cpp - the interfaces file in Augeas.
 #include "bench/augeas_tree.h"
 

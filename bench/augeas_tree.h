@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // augeas_tree.h - the interfaces file in Augeas, a general library for editing configuration files.
 #ifndef BENCH_AUGEAS_TREE_H_
 #define BENCH_AUGEAS_TREE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // bare_get.cpp - a minimal C++ program that gets an address from the library and prints it.
 #include <iostream>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // comparison.cpp - compares two implementations of one task, in alternating samples.
 #include "bench/comparison.h"
 

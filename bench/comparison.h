@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // comparison.h - compares two implementations of one task, in alternating samples.
 #ifndef BENCH_COMPARISON_H_
 #define BENCH_COMPARISON_H_

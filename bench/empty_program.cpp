@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // empty_program.cpp - the cost of starting a C++ program.
 #include <iostream>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // floor.cpp - minimal implementations of tasks, written by hand.
 #include "bench/floor.h"
 

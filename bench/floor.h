@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // floor.h - minimal implementations of tasks, written by hand.
 #ifndef BENCH_FLOOR_H_
 #define BENCH_FLOOR_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // gets.cpp - compares each kind of get with open, read, search and close by hand on the same file.
 #include <cstring>
 #include <functional>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // groups.h - the groups of benchmarks, one function each.
 #ifndef BENCH_GROUPS_H_
 #define BENCH_GROUPS_H_

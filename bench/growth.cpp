@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // growth.cpp - gets and sets in files of 1 KB to 100 MB, with the stanza at the end.
 #include <algorithm>
 #include <functional>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // library_loading.cpp - compares dlopen(3) and the first get with those of a library of one
 // function.
 #include "bench/comparison.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // loader_program.cpp - a C++ program that loads a library, makes its first get and prints the time
 // of both in nanoseconds.
 #include <chrono>

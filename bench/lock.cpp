@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock.cpp - compares taking and releasing the lock with open, flock and close.
 #include "bench/comparison.h"
 #include "bench/floor.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - measures the library on a simulated device.
 #include <cstdio>
 #include <cstdlib>

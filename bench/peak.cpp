@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // peak.cpp - makes one call and prints the peak memory of this program in KB.
 #include <cstdio>
 #include <cstring>

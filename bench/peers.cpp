@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // peers.cpp - compares the library with Augeas.
 #include "bench/augeas_tree.h"
 #include "bench/comparison.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // probe_library.cpp - a minimal C++ library that answers the loader's get, using only std::string.
 #include <cstring>
 #include <string>

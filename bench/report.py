@@ -1,4 +1,8 @@
 #!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 """report.py FIGURES COUNTS FOLDER - compares the measurements with their goals.
 
 FIGURES is the JSON of velk_bench, COUNTS the output of tests/cost/cost_test.sh. Prints the table of

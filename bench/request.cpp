@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // request.cpp - requests to the library, with a check of the result.
 #include "bench/request.h"
 

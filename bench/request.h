@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // request.h - requests to the library, with a check of the result.
 #ifndef BENCH_REQUEST_H_
 #define BENCH_REQUEST_H_

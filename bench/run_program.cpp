@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // run_program.cpp - runs programs in the way a user does.
 #include "bench/run_program.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // run_program.h - runs programs in the way a user does.
 #ifndef BENCH_RUN_PROGRAM_H_
 #define BENCH_RUN_PROGRAM_H_

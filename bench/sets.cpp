@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // sets.cpp - compares each kind of set with copying the same bytes and running the same shell
 // lines.
 #include <functional>

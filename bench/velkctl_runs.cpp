@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // velkctl_runs.cpp - compares whole runs of velkctl with those of other programs.
 #include "bench/comparison.h"
 #include "bench/groups.h"

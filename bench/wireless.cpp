@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless.cpp - compares a query to the wireless daemon with a plain exchange of two datagrams.
 #include <cstddef>
 #include <cstring>

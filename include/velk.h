@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /*
  * velk.h - read and change every network setting of the device through one function.
  *
@@ -7,14 +10,16 @@
  * get the functions of the single commands, one header per subject, so that a program can call a
  * single step directly.
  *
- * The library keeps no state between calls, starts no threads and reads no environment
- * variables: the settings live in the system's own files, the kernel and the wireless daemon.
+ * The library keeps no state between calls, starts no threads and stores no settings of
+ * its own: they are in the system's files, the kernel and the wireless daemon. It reads no
+ * environment variables but those of the locale, see SetSettingFile().
  */
 #ifndef VELK_H_
 #define VELK_H_
 
 #include "velk/export.h"
 #include "velk/request.h"
+#include "velk/version.h"
 
 #ifdef __cplusplus
 extern "C" {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - velkctl: reads and changes the device's network settings from a shell.
 #include <csignal>
 #include <exception>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp.h - the options that the DHCP client requests from a DHCP server.
 #ifndef VELK_DHCP_H_
 #define VELK_DHCP_H_
@@ -23,9 +26,9 @@ VELK_API int GetDhcp(const _velk_request& request, char* out);
 // used. Returns the result of the option's function; LIB_VELK_INVALID_PARAMETER for any other id.
 VELK_API int SetDhcp(const _velk_request& request, char* out);
 
-// GetDhcpServer() of "ntp-servers" and "domain-name-servers" for the request's interface, into
-// out[0]. Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE, with nothing written, for a null `out` and
-// if /etc/dhclient.conf cannot be read.
+// Write into out[0] the result of GetDhcpServer() with "ntp-servers" or "domain-name-servers" for
+// the request's interface. Return LIB_VELK_SUCCESS; LIB_VELK_FAILURE, with nothing written, for a
+// null `out` and if /etc/dhclient.conf cannot be read.
 VELK_API int GetDhcpNtps(const _velk_request& request, char* out);
 VELK_API int GetDhcpDns(const _velk_request& request, char* out);
 

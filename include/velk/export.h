@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /* export.h - marks the functions that libvelk.so exports. */
 #ifndef VELK_EXPORT_H_
 #define VELK_EXPORT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // frame.h - functions of lib/entry, lib/restart and lib/base: lock, shell lines, interface restart.
 #ifndef VELK_FRAME_H_
 #define VELK_FRAME_H_

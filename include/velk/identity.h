@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // identity.h - the administrator and the location of the device.
 #ifndef VELK_IDENTITY_H_
 #define VELK_IDENTITY_H_
@@ -46,8 +49,8 @@ VELK_API int GetSettingFile(const _velk_request& request, char* out);
 VELK_API int SetSettingFile(const _velk_request& request, char* out);
 
 // Returns the text with backslashes, ampersands, both kinds of quotes and slashes escaped, so that
-// it is literal in the replacement of "sed 's/.../.../'" between single quotes of sh(1). Up to four
-// times as long as the text.
+// it is literal in the replacement of "sed 's/.../.../'" between single quotes of sh(1). The
+// result is up to four times as long as the text.
 VELK_API std::string GetEscapeString(const std::string& text);
 
 // Returns the text with every `from` replaced by `to`, from left to right; replacements are not

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ipconf.h - the device's IP configuration: methods and addresses of the interfaces, the DHCP
 // client's actions after its lease events, DNS servers.
 #ifndef VELK_IPCONF_H_
@@ -46,7 +49,7 @@ VELK_API int SetInterfaces(const _velk_request& request, char* out);
 VELK_API int GetIpSetting(const std::string& interface);
 
 // Writes GetIpSetting() of the request's interface into out[0] and returns LIB_VELK_SUCCESS.
-// LIB_VELK_FAILURE, with nothing written, for a null `out` and if the method is not known.
+// Returns LIB_VELK_FAILURE, with nothing written, for a null `out` and if the method is not known.
 VELK_API int GetIpSettingMethod(const _velk_request& request, char* out);
 
 // Copies the text after `key` on the first line of the interface's stanza that contains it into the
@@ -99,7 +102,7 @@ VELK_API int SetIpSettingMethod(const _velk_request& request, char* out);
 // Side effects: edits /etc/network/interfaces. Blocking: as long as rewriting one small file.
 VELK_API int SetAddressConf(const _velk_request& request, const char* key);
 
-// SetAddressConf() with "address ", "netmask " and "gateway ". `out` is not used.
+// Call SetAddressConf() with "address ", "netmask " and "gateway ". `out` is not used.
 VELK_API int SetIpAddressConf(const _velk_request& request, char* out);
 VELK_API int SetSubNetMaskConf(const _velk_request& request, char* out);
 VELK_API int SetDefGatewayConf(const _velk_request& request, char* out);
@@ -124,14 +127,14 @@ VELK_API int SetDefGatewayConf(const _velk_request& request, char* out);
 // Side effects: edits /etc/dhclient-exit-hooks. Blocking: as long as rewriting one small file.
 VELK_API int SetDhclient(const _velk_request& request, const char* command);
 
-// SetDhclient() for the daemon that gives an interface a link-local address if no DHCP server
+// Calls SetDhclient() for the daemon that gives an interface a link-local address if no DHCP server
 // answers, "/usr/sbin/avahi-autoipd". `out` is not used.
 VELK_API int SetApipa(const _velk_request& request, char* out);
 
-// SetDhclient() for the program that sets the clock from a time server, "/usr/bin/ntpdate".
+// Calls SetDhclient() for the program that sets the clock from a time server, "/usr/bin/ntpdate".
 VELK_API int SetNtpdate(const _velk_request& request);
 
-// SetDhclient() for the programs that print a notice after DHCP has finished,
+// Calls SetDhclient() for the programs that print a notice after DHCP has finished,
 // "/sbin/printdhcpnotice.pl", and before it starts, "/sbin/printdhcpstart.pl". The second is not
 // switched if the first fails. `out` is not used. Only for "eth0": for any other interface nothing
 // is done, and the result is that of strcmp(3) on its name and "eth0".

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ntp.h - time synchronisation: the crontab entry that runs the time client, and its last result.
 #ifndef VELK_NTP_H_
 #define VELK_NTP_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /*
  * request.h - the record of a request and of its response, and the numbers in it.
  *

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // webup.h - when the web contents updater runs.
 #ifndef VELK_WEBUP_H_
 #define VELK_WEBUP_H_

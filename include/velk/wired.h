@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wired.h - the state of an interface in the kernel: link, addresses, gateway, speed.
 #ifndef VELK_WIRED_H_
 #define VELK_WIRED_H_
@@ -38,8 +41,8 @@ VELK_API int IsWiredLinked();
 
 // Returns the link state of the kernel's last link message for eth0 in
 // /var/log/syslog/syslog_info.log.0 or, if that has none, .1: lines with "eth0: link" that also
-// contain "link up" or "link down", found with grep(1). 0 if neither file has one. A file in which
-// grep finds no "eth0: link" is logged as "Error ifs.".
+// contain "link up" or "link down", found with grep(1). Returns 0 if neither file has one. A file
+// in which grep finds no "eth0: link" is logged as "Error ifs.".
 //
 // Blocking: two runs of grep at most, each with its turn to wait for.
 VELK_API int IsWiredLinkedFromSyslog();
@@ -51,10 +54,11 @@ VELK_API int IsWiredLinkedFromSyslog();
 // (104), mask (105) and default gateway (106). The functions below describe the formats. An
 // interface name is cut to 15 bytes.
 //
-// Returns LIB_VELK_INVALID_PARAMETER for a null `out`. For "eth1" alone, with any id:
+// Returns LIB_VELK_INVALID_PARAMETER for a null `out`. For "eth1" alone, with any id, returns
 // LIB_VELK_NO_ADAPTER if IsWlanAttached() finds no adapter, then LIB_VELK_WIRED_LINKED if
-// IsWiredLinked() finds a link. Then 0 with nothing written for any other id, LIB_VELK_FAILURE,
-// logged as "socket", if no socket can be opened, and the result of the property's function.
+// IsWiredLinked() finds a link. Then returns 0 with nothing written for any other id,
+// LIB_VELK_FAILURE, logged as "socket", if no socket can be opened, and the result of the
+// property's function.
 //
 // Blocking: as the property's function; for "eth1" IsWiredLinked() comes before it.
 VELK_API int GetIoctl(const _velk_request& request, char* out);
@@ -79,7 +83,8 @@ VELK_API int SetIoctl(const _velk_request& request, char* out);
 // detected. Blocking: a system call, or the tools that are named.
 
 // Writes the hardware address, 12 upper-case hexadecimal digits and a NUL (13 bytes), as
-// SIOCGIFHWADDR gives it. An interface without one leaves `out` unchanged: 0, logged as "ioctl".
+// SIOCGIFHWADDR gives it. An interface without one leaves `out` unchanged and gives 0, logged as
+// "ioctl".
 VELK_API int GetMacAddress(int socket, ifreq& ifr, int request, char* out);
 
 // Writes one IPv4 address as dotted-quad text (16 bytes at most), as SIOCGIFADDR or SIOCGIFNETMASK
@@ -90,7 +95,8 @@ VELK_API int GetSubNetMask(int socket, ifreq& ifr, int request, char* out);
 
 // Changes one IPv4 address through the given ioctl, such as SIOCSIFADDR. `value` is an address in
 // any form that inet_aton(3) takes; for anything else the address in `ifr` is used.
-// LIB_VELK_FAILURE, logged as "ioctl", if the kernel refuses. No command of the library uses it.
+// Returns LIB_VELK_FAILURE, logged as "ioctl", if the kernel refuses. No command of the library
+// uses it.
 VELK_API int SetNetAddress(int socket, ifreq& ifr, int request, const char* value);
 
 // Changes the address: runs "sudo ifconfig INTERFACE VALUE", see ifconfig(8).
@@ -102,7 +108,7 @@ VELK_API int SetSubNetMask(int socket, ifreq& ifr, int request, const char* valu
 // Writes the gateway of the interface's first default route in /proc/net/route, see proc(5), as
 // dotted-quad text (16 bytes at most). A route counts if its interface begins with the name, so
 // that of an alias does too. Without a default route `out` is unchanged, and the result is 0.
-// LIB_VELK_FAILURE, logged as "DelRoutingTable ifs", if the table cannot be read.
+// Returns LIB_VELK_FAILURE, logged as "DelRoutingTable ifs", if the table cannot be read.
 VELK_API int GetDefGateway(int socket, ifreq& ifr, int request, char* out);
 
 // Replaces the default gateway: runs "sudo route del default gw OLD" with the result of
@@ -114,8 +120,8 @@ VELK_API int GetDefGateway(int socket, ifreq& ifr, int request, char* out);
 VELK_API int SetDefGateway(int socket, ifreq& ifr, int request, const char* value);
 
 // Writes one byte, enum velk_link_mode, from the output of "sudo ethtool INTERFACE >
-// /var/tmp/get_result". LIB_VELK_FAILURE if the shell cannot be run, if there is no output file
-// (logged as "ifstream"), and if ethtool(8) shows neither negotiation nor a speed of 10 or 100
+// /var/tmp/get_result". Returns LIB_VELK_FAILURE if the shell cannot be run, if there is no output
+// file (logged as "ifstream"), and if ethtool(8) shows neither negotiation nor a speed of 10 or 100
 // Mbit/s, as for a port forced to 1000 or if ethtool itself failed (logged as "ecmd.autoneg=%d,
 // ecmd.speed=%d"); `out` is then unchanged.
 VELK_API int GetLinkSpeed(int socket, ifreq& ifr, int request, char* out);
@@ -133,9 +139,9 @@ VELK_API int SetLinkSpeed(int socket, ifreq& ifr, int request, const char* value
 // block of an alias such as eth0:1 belongs to eth0. Without a match `out` is unchanged, and the
 // result is 0.
 //
-// LIB_VELK_INVALID_PARAMETER for a null `key` or `out`; LIB_VELK_FAILURE if the shell cannot be
-// run or there is no output file (logged as "ifstream"). Blocking: one run of ifconfig(8), with its
-// turn to wait for.
+// Returns LIB_VELK_INVALID_PARAMETER for a null `key` or `out`; LIB_VELK_FAILURE if the shell
+// cannot be run or there is no output file (logged as "ifstream"). Blocking: one run of
+// ifconfig(8), with its turn to wait for.
 VELK_API int GetNetAddress(const _velk_request& request, const char* key, char* out);
 
 // Writes the live IPv4 address as dotted-quad text: GetNetAddress() with the key "inet addr:", and

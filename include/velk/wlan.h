@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wlan.h - the wireless adapter: detection, the daemon's channel, configuration and state.
 #ifndef VELK_WLAN_H_
 #define VELK_WLAN_H_

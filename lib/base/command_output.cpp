@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_output.cpp - runs a shell line and reads its output from the result file.
 #include "lib/base/command_output.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_output.h - runs a shell line and reads its output from the result file.
 #ifndef VELK_BASE_COMMAND_OUTPUT_H_
 #define VELK_BASE_COMMAND_OUTPUT_H_
@@ -21,8 +24,8 @@ class CommandOutput {
     explicit CommandOutput(const CommandLine& command,
                            ReadersTurn::WaitMode wait_mode = ReadersTurn::WaitMode::kInQueue);
 
-    // Returns 0, or the result of CommandLine::Run() if the shell was not run. Also 0 if the line
-    // was not run because the result file cannot be the caller's own.
+    // Returns 0, or the result of CommandLine::Run() if the shell was not run. Returns 0 too if
+    // the line was not run because the result file cannot be the caller's own.
     int run_result() const { return run_result_; }
     // Returns true if the result file exists and can be read.
     bool is_open() const { return reader_.has_value() && reader_->is_open(); }
@@ -32,8 +35,8 @@ class CommandOutput {
 
     bool ReadLine(std::string_view& line) { return reader_->ReadLine(line); }
 
-    // Closes the result file and removes it. Without this call it stays for the next reader to
-    // overwrite.
+    // Closes the result file and removes it. Without this call it remains, and the next reader
+    // overwrites it.
     void Remove();
 
   private:

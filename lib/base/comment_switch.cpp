@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // comment_switch.cpp - switches a line of a script or configuration file off and on by a "#".
 #include "lib/base/comment_switch.h"
 

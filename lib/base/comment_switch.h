@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // comment_switch.h - switches a line of a script or configuration file off and on by a "#".
 #ifndef VELK_BASE_COMMENT_SWITCH_H_
 #define VELK_BASE_COMMENT_SWITCH_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // data_area.cpp - reads and writes the fixed byte fields of requests and records within their
 // bounds.
 #include "lib/base/data_area.h"

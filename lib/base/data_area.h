@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // data_area.h - reads and writes the fixed byte fields of requests and records within their bounds.
 #ifndef VELK_BASE_DATA_AREA_H_
 #define VELK_BASE_DATA_AREA_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exported_helpers.cpp - functions of the public headers that the library itself does not use.
 #include <cstddef>
 #include <cstdint>

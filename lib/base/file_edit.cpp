@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_edit.cpp - rewrites a system file line by line, through a copy.
 #include "lib/base/file_edit.h"
 
@@ -20,7 +23,7 @@ namespace velk {
 namespace {
 
 constexpr mode_t kCopyMode = 0600;  // no other user changes it, or reads a crontab in it
-// The real user's shell must read it if the effective user is another.
+// The shell of the real user must read the copy if the effective user is another.
 constexpr mode_t kCopyModeForTwoUsers = 0644;
 
 // Texts up to this size are gathered before they are written, so that a file of usual size is
@@ -31,7 +34,7 @@ std::string CopyPath(const std::string& target) {
     return kEditFolder + target.substr(target.rfind('/'));
 }
 
-// Its mode does not depend on the umask: cat(1) must be able to read it.
+// The copy's mode does not depend on the umask, because cat(1) must be able to read it.
 int CreateCopy(const std::string& path) {
     const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kCopyMode);
     if (fd != -1) {
@@ -130,7 +133,7 @@ int FileEdit::PutInPlace(int whole_copy) {
     (void)copying.Run();
     if (const int error = guard.Repair(); error != 0) {
         LogErrno("FileEdit mend errno=%d:%s", error);
-        return LIB_VELK_FAILURE;  // the edit copy stays: it has the only whole text
+        return LIB_VELK_FAILURE;  // the edit copy stays: only it has the complete text
     }
     if (!copying.fits()) {
         return LIB_VELK_SUCCESS;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_edit.h - rewrites a system file line by line, through a copy.
 #ifndef VELK_BASE_FILE_EDIT_H_
 #define VELK_BASE_FILE_EDIT_H_
@@ -10,7 +13,7 @@
 
 namespace velk {
 
-// One rewrite of a file. Its lines are read, new text is written into the edit copy
+// One rewrite of a file. The lines of the file are read, new text is written into the edit copy
 // /var/tmp/<base name>, and Finish() copies that over the file. Copying in place keeps the file's
 // inode, owner and mode, and programs that have the file open see the new text.
 //
@@ -22,7 +25,7 @@ class FileEdit {
     explicit FileEdit(const std::string& target);
 
     bool is_open() const { return target_error() == 0 && copy_error() == 0; }
-    // The errno of the failed open; 0 when it succeeded.
+    // Returns the errno of the failed open; 0 if it succeeded.
     int target_error() const { return reader_.error(); }
     int copy_error() const { return copy_error_; }
 
@@ -30,7 +33,7 @@ class FileEdit {
     // without one gets one. Returns false at the end of the file.
     bool ReadLine(std::string_view& line);
     // Keeps the lines before the next one that begins with `start`, and sets `line` to that line.
-    // Returns false if no line begins so.
+    // Returns false if there is no such line.
     bool KeepLinesBefore(std::string_view start, std::string_view& line);
 
     // Adds the last line that was read, or its front, to the edit copy. Lines kept one after the

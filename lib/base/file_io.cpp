@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_io.cpp - read(2) and write(2) without their interruptions.
 #include "lib/base/file_io.h"
 

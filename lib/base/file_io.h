@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_io.h - read(2) and write(2) without their interruptions.
 #ifndef VELK_BASE_FILE_IO_H_
 #define VELK_BASE_FILE_IO_H_

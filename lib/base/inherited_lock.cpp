@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // inherited_lock.cpp - lends the inter-process lock to the tools that replace a file.
 #include "lib/base/inherited_lock.h"
 

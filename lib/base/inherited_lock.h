@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // inherited_lock.h - lends the inter-process lock to the tools that replace a file.
 #ifndef VELK_BASE_INHERITED_LOCK_H_
 #define VELK_BASE_INHERITED_LOCK_H_
@@ -10,10 +13,10 @@ void LendLock(int fd);
 // Ends the lending. Returns true if an InheritedLock has left the lock to tools that may still run.
 bool EndLending();
 
-// While it lives, programs that are started inherit the lock given to LendLock(), if there is one.
-// In a host with threads, these are also the programs that other threads start at the same time. If
-// the caller is killed, the tool that still copies a file keeps the lock, and nobody edits that
-// file before the tool has ended.
+// Lets programs that are started during its lifetime inherit the lock given to LendLock(), if any.
+// In a host with threads, programs that other threads start at that time inherit it too. If the
+// caller is killed, the tool that still copies a file keeps the lock, and nobody edits that file
+// before the tool has ended.
 class InheritedLock {
   public:
     InheritedLock();
@@ -21,9 +24,9 @@ class InheritedLock {
     InheritedLock& operator=(const InheritedLock&) = delete;
     ~InheritedLock();
 
-    // A tool may run on after the shell that started it has ended. EndLending() then returns true,
-    // so that the owner closes its descriptor without unlocking: the lock is free when that tool
-    // has ended, too.
+    // Lets EndLending() return true, for tools that may run on after their shell has ended. The
+    // owner then closes its descriptor without unlocking, so the lock is free when the last tool
+    // has ended.
     void LeaveToTools();
 
   private:

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // join_text.h - joins texts at compile time, so that a line can contain a path of paths.h.
 #ifndef VELK_BASE_JOIN_TEXT_H_
 #define VELK_BASE_JOIN_TEXT_H_
@@ -17,7 +20,7 @@ struct JoinedText {
     char bytes[Size];
 };
 
-// Returns the texts one after another; each loses its NUL.
+// Returns the texts one after another, without the NULs between them.
 template <size_t... Sizes>
 consteval auto JoinText(const char (&... texts)[Sizes]) {
     JoinedText<(Sizes + ...) - sizeof...(Sizes) + 1> joined{};

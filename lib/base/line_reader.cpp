@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // line_reader.cpp - reads a text file line by line.
 #include "lib/base/line_reader.h"
 
@@ -17,8 +20,8 @@
 namespace velk {
 namespace {
 
-// Enough for a configuration file of usual size, and small enough that the heap of a small program
-// neither grows nor shrinks for it.
+// The first block holds a configuration file of usual size. It is so small that the heap of a small
+// program neither grows nor shrinks for it.
 constexpr size_t kFirstSize = 4 * 1024;
 constexpr size_t kBlockSize = 64 * 1024;  // for files that are larger
 
@@ -39,7 +42,7 @@ LineReader::LineReader(UniqueFd fd, size_t longest_line)
         at_end_ = true;
         return;
     }
-    // Not value-initialised: a get must not pay for clearing memory that read(2) fills.
+    // The block is not cleared: a get must not pay for that, and read(2) fills it.
     block_.reset(new char[kFirstSize]);
     size_ = kFirstSize;
     ReadFirstBlock();

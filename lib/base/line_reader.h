@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // line_reader.h - reads a text file line by line.
 #ifndef VELK_BASE_LINE_READER_H_
 #define VELK_BASE_LINE_READER_H_
@@ -10,7 +13,7 @@
 
 namespace velk {
 
-// Returns the lines of a file as views into one block. A small file costs one heap request, a
+// Reads the lines of a file as views into one block. A small file costs one heap request, a
 // larger one two, and the memory does not depend on the file's size. Only a line longer than the
 // block makes the block grow.
 //
@@ -46,7 +49,7 @@ class LineReader {
     bool TakeBufferedLine(std::string_view& line);
 
     // Returns the complete lines in the block, with their newlines, before the first one that
-    // begins with `start`. Never reads the file. Faster than line by line.
+    // begins with `start`. Never reads the file. It is faster than line by line.
     std::string_view TakeBufferedLinesBefore(std::string_view start);
 
     // Closes the file early. No more lines may be read after it.

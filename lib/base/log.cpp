@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // log.cpp - the library's lines in the system log.
 //
 // A host program, or a library preloaded into it, may define syslog(3) itself and must see every

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // log.h - the library's lines in the system log.
 #ifndef VELK_BASE_LOG_H_
 #define VELK_BASE_LOG_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // paths.h - every path of the device that the library or the programs around it use.
 #ifndef VELK_BASE_PATHS_H_
 #define VELK_BASE_PATHS_H_
@@ -52,6 +55,7 @@ inline constexpr char kResultFile[] = "/var/tmp/get_result";
 inline constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 
 // The sockets and the semaphore of a query to the wireless daemon.
+inline constexpr char kSocketFolder[] = "/tmp";
 inline constexpr char kRequestSocket[] = "/tmp/WlanAplToWlanSock";
 inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphoreName[] = "/WlanAplRecvSem";  // for sem_open(3)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // readers_turn.cpp - keeps two readers of the result file apart.
 //
 // The queue is made of read locks on bytes of the folder, see F_OFD_SETLK in fcntl(2): a reader
@@ -39,12 +42,12 @@ off_t PlaceOfArrival() {
 }
 
 // Counts all pauses, and those since the result file was last replaced, written or removed. Files
-// of other users do not count: a user who keeps the lock could create and remove them for ever.
+// of other users do not count: a user who keeps the lock could create and remove them endlessly.
 class WaitingTime {
   public:
     explicit WaitingTime(int folder) : folder_(folder), seen_(Look()) {}
 
-    // Returns true if the reader goes on without its turn. Called once before each pause.
+    // Returns true if the reader goes on without its turn. Must be called once before each pause.
     bool IsOver() {
         const Facts now = Look();
         if (now != seen_) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // readers_turn.h - keeps two readers of the result file apart, so that neither reads the other's
 // output.
 #ifndef VELK_BASE_READERS_TURN_H_

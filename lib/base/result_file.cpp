@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_file.cpp - the file that every command line with output is redirected into.
 #include "lib/base/result_file.h"
 
@@ -34,7 +37,7 @@ bool CreateResultFile() {
     return true;
 }
 
-// A folder that is not empty is renamed: emptying it might take for ever.
+// A folder that is not empty is renamed, because emptying it may never end.
 bool RemoveFolder() {
     if (rmdir(kResultFile) == 0) {
         return true;

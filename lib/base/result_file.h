@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_file.h - the file that every command line with output is redirected into.
 #ifndef VELK_BASE_RESULT_FILE_H_
 #define VELK_BASE_RESULT_FILE_H_
@@ -8,8 +11,8 @@
 
 namespace velk {
 
-// One name for all readers. All users may write to the folder, so the file may belong to another
-// user, or be a link, a FIFO or a folder.
+// All readers use this one name. All users may write to the folder, so the file may belong to
+// another user, or be a link, a FIFO or a folder.
 constexpr char kResultFileName[] = "get_result";
 
 // Returns true for a regular file of the caller's own with one name.

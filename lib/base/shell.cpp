@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell.cpp - formatted shell lines, and those that put an edit copy in place.
 #include "lib/base/shell.h"
 
@@ -21,7 +24,7 @@ CommandLine::CommandLine(const char* format, ...) {
 
 int CommandLine::Run() const {
     if (!fits()) {
-        // The line itself stays out of the log: it may carry a secret.
+        // The line itself is not logged, because it may contain a secret.
         Log("command line of %d bytes does not fit", length_);
         return LIB_VELK_INVALID_PARAMETER;
     }

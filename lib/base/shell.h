@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell.h - formatted shell lines, and those that put an edit copy in place.
 #ifndef VELK_BASE_SHELL_H_
 #define VELK_BASE_SHELL_H_
@@ -15,8 +18,8 @@ class CommandLine {
 
     bool fits() const { return length_ >= 0 && static_cast<size_t>(length_) < sizeof(text_); }
 
-    // Runs the line with SystemCommand() and returns its result. One that does not fit is logged
-    // and gives LIB_VELK_INVALID_PARAMETER.
+    // Runs the line with SystemCommand() and returns its result. If the line does not fit, logs
+    // that and returns LIB_VELK_INVALID_PARAMETER.
     int Run() const;
 
   private:

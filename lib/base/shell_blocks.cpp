@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell_blocks.cpp - finds the lines of a shell script that run for an interface.
 #include "lib/base/shell_blocks.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell_blocks.h - finds the lines of a shell script that run for an interface.
 #ifndef VELK_BASE_SHELL_BLOCKS_H_
 #define VELK_BASE_SHELL_BLOCKS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // target_guard.cpp - repairs a file that was truncated while its edit copy was copied over it.
 #include "lib/base/target_guard.h"
 
@@ -39,7 +42,7 @@ constexpr std::chrono::milliseconds kTimeStep{20};
 
 }  // namespace
 
-// If the shell empties an empty file, only the file's time changes.
+// If the shell empties an empty file, only the file's time changes. The pause ensures that it does.
 TargetGuard::TargetGuard(const std::string& target, int copy) : target_(target), copy_(copy) {
     if (ReadFacts(target_, before_) == 0 && before_.st_size == 0) {
         std::this_thread::sleep_for(kTimeStep);

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // target_guard.h - repairs a file that was truncated while its edit copy was copied over it.
 #ifndef VELK_BASE_TARGET_GUARD_H_
 #define VELK_BASE_TARGET_GUARD_H_
@@ -12,14 +15,14 @@ namespace velk {
 // stays empty or short. The guard compares the file with its state before the copying.
 class TargetGuard {
   public:
-    // `copy` is a descriptor of the whole edit copy, readable.
+    // `copy` is a readable descriptor of the complete edit copy.
     TargetGuard(const std::string& target, int copy);
 
-    // Called after the copying. Writes the edit copy over a file that is a shorter piece of it, in
-    // place, and flushes it. A file that is unchanged or has its new text is not written. Returns
-    // 0, or the errno of a repair that failed.
+    // Must be called after the copying. If the file is a shorter piece of the edit copy, writes the
+    // edit copy over it in place and flushes it. A file that is unchanged or has its new text is
+    // not written. Returns 0, or the errno of a repair that failed.
     int Repair();
-    // Returns true if the file was truncated and is whole again.
+    // Returns true if the file was truncated and is complete again.
     bool has_repaired() const { return has_repaired_; }
 
   private:

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // unique_fd.h - the one owner of a file descriptor.
 #ifndef VELK_BASE_UNIQUE_FD_H_
 #define VELK_BASE_UNIQUE_FD_H_
@@ -8,7 +11,7 @@
 
 namespace velk {
 
-// Closes its descriptor on every path. A negative number means none; 0 is a descriptor.
+// Closes its descriptor when its scope ends. A negative number means none; 0 is a descriptor.
 class UniqueFd {
   public:
     explicit UniqueFd(int fd = -1) : fd_(fd) {}

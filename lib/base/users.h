@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // users.h - the real and the effective user of the host.
 #ifndef VELK_BASE_USERS_H_
 #define VELK_BASE_USERS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wait.cpp - waits whole seconds.
 #include "lib/base/wait.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wait.h - waits whole seconds.
 #ifndef VELK_BASE_WAIT_H_
 #define VELK_BASE_WAIT_H_

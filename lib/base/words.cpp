@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // words.cpp - finds and cuts words in a line.
 #include "lib/base/words.h"
 
@@ -7,7 +10,7 @@
 namespace velk {
 namespace {
 
-// isspace(3) in the C locale: the host program may have set another.
+// The white space of isspace(3) in the C locale; the host program may have set another.
 constexpr std::string_view kSpace = " \t\n\v\f\r";
 constexpr std::string_view kWordEnd(" \t\n\v\f\r\0", 7);
 

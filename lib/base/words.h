@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // words.h - finds and cuts words in a line.
 #ifndef VELK_BASE_WORDS_H_
 #define VELK_BASE_WORDS_H_
@@ -11,7 +14,7 @@ inline bool Contains(std::string_view line, std::string_view text) {
     return line.find(text) != std::string_view::npos;
 }
 
-// isalpha(3) and isalnum(3) in the C locale: the host program may have set another.
+// Like isalpha(3) and isalnum(3) in the C locale; the host program may have set another.
 constexpr bool IsLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }

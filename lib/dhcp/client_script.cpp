@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // client_script.cpp - switches whether the DHCP client's script installs a lease's name servers.
 #include <string>
 #include <string_view>

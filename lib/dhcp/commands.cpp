@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // commands.cpp - the commands on the options that the DHCP client requests.
 #include <string>
 
@@ -9,7 +12,7 @@
 namespace velk {
 namespace {
 
-// An option that the client can request. With `comment_aware` its name after a "#" does not count,
+// An option that the client can request. With `comment_aware`, its name after a "#" does not count;
 // see SetDhcpServer().
 struct Option {
     const char* name;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // config_blocks.cpp - finds the lines of the DHCP client's configuration that concern an interface.
 #include "lib/dhcp/config_blocks.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // config_blocks.h - finds the lines of the DHCP client's configuration that apply to an interface.
 #ifndef VELK_DHCP_CONFIG_BLOCKS_H_
 #define VELK_DHCP_CONFIG_BLOCKS_H_

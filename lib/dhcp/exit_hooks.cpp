@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exit_hooks.cpp - switches commands in the script that the DHCP client runs after its lease
 // events.
 #include <cstring>

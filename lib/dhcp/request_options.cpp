@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // request_options.cpp - the options that the DHCP client requests for an interface.
 #include <string>
 #include <string_view>

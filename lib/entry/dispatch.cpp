@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dispatch.cpp - the entry point: checks a request, finds its command and runs it.
 #include <cstring>
 #include <exception>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dispatch_tables.cpp - the function of each command, and the interfaces that it takes.
 #include "lib/entry/dispatch_tables.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dispatch_tables.h - the function of each command, and the interfaces that it takes.
 #ifndef VELK_ENTRY_DISPATCH_TABLES_H_
 #define VELK_ENTRY_DISPATCH_TABLES_H_
@@ -21,7 +24,7 @@ struct CommandEntry {
     CommandHandler handler;
 };
 
-// Searched in their order; the first row with the id counts.
+// The first row with the id counts.
 extern const std::span<const CommandEntry> kGetTable;
 extern const std::span<const CommandEntry> kSetTable;
 extern const std::span<const CommandEntry> kRestartTable;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock.cpp - the inter-process lock around set and restart commands.
 #include "lib/entry/lock.h"
 
@@ -44,9 +47,9 @@ bool HasOneName(int fd) {
     return fstat(fd, &facts) == 0 && facts.st_nlink == 1;
 }
 
-// Creates the lock file, its mode untouched by the umask. Not positive on failure. A file that
-// exists is opened only without O_EXCL, and the mode of one with other names is not changed:
-// another user may have planted a link to any file.
+// Creates the lock file with a mode that the umask does not change. The descriptor is not positive
+// on failure. A file that exists is opened only without O_EXCL. The mode of a file with other names
+// is not changed: another user may have planted a link to any file.
 UniqueFd CreateLockFile(int exclusive) {
     UniqueFd fd(open(kLockFile, O_RDWR | O_CREAT | exclusive | O_NOFOLLOW | O_CLOEXEC, kLockMode));
     if (fd.get() <= 0 || (exclusive == 0 && !HasOneName(fd.get()))) {
@@ -58,11 +61,11 @@ UniqueFd CreateLockFile(int exclusive) {
     return fd;
 }
 
-// Follows no link: any user may plant one in this folder.
+// Opens the lock file, but follows no link: any user may plant one in this folder.
 //
-// Opens without O_CREAT first: with fs.protected_regular the kernel refuses O_CREAT on a file that
-// another user made in a sticky directory. Descriptor 0 counts as a failure; it is held until the
-// second open is done, so that the second one gets another number.
+// The first try is without O_CREAT: with fs.protected_regular the kernel refuses O_CREAT on a file
+// that another user made in a sticky directory. Descriptor 0 counts as a failure; it is held until
+// the second open is done, so that the second one gets another number.
 UniqueFd LockAttempt::Open() {
     UniqueFd existing(open(kLockFile, O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     error_ = errno;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock.h - the inter-process lock around set and restart commands.
 #ifndef VELK_ENTRY_LOCK_H_
 #define VELK_ENTRY_LOCK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // escape.cpp - makes a text safe in the replacement of a sed(1) command in single quotes.
 #include <string>
 #include <string_view>
@@ -12,7 +15,7 @@ struct Escape {
     const char* replacement;
 };
 
-// In this order: backslashes first, so that those of the other rows are not doubled.
+// Backslashes come first, so that those of the other rows are not doubled.
 constexpr Escape kEscapes[] = {
     {"\\", "\\\\"}, {"&", "\\&"}, {"\"", "\\\""},
     {"'", "'\\''"},  // ends the shell's quotes, gives a quote, and begins them again

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // settings.cpp - administrator and location, in the library's settings file and the SNMP daemon's.
 #include <string>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_locale.cpp - the locale in which the tools of a shell line read their texts.
 #include "lib/identity/tool_locale.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_locale.h - the locale in which the tools of a shell line read their texts.
 #ifndef VELK_IDENTITY_TOOL_LOCALE_H_
 #define VELK_IDENTITY_TOOL_LOCALE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // commands.cpp - the commands on an interface's IP configuration.
 #include "velk/ipconf.h"
 #include "velk/request.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dns.cpp - the DNS servers in the DNS forwarder's configuration.
 #include <algorithm>
 #include <array>

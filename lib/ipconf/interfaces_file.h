@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_file.h - the stanzas of /etc/network/interfaces, as its reader and writer know them.
 #ifndef VELK_IPCONF_INTERFACES_FILE_H_
 #define VELK_IPCONF_INTERFACES_FILE_H_
@@ -13,7 +16,7 @@ constexpr std::string_view kStanzaStart = "iface";
 constexpr std::string_view kFamily = " inet ";  // after the interface's name
 
 // Returns the length of "iface NAME inet " at the start of a line, the position of the method; 0 if
-// the line is no header of the interface. Needs no copy of the text, unlike StanzaHeader().
+// the line is no header of the interface. It copies no text, unlike StanzaHeader().
 inline size_t HeaderLength(std::string_view line, std::string_view interface) {
     constexpr size_t kName = kStanzaStart.size() + 1;  // the name begins after a blank
     const bool is_header = line.starts_with(kStanzaStart) &&

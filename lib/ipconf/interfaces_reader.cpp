@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_reader.cpp - an interface's method and addresses, as they are configured or live.
 #include <string>
 #include <string_view>
@@ -38,7 +41,7 @@ class Stanza {
     }
 
     bool is_open() const { return file_.is_open(); }
-    // VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE for anything else.
+    // Returns VELK_METHOD_STATIC, VELK_METHOD_DHCP, or LIB_VELK_FAILURE for anything else.
     int method() const { return method_; }
 
     // Writes the text after the key from the first line of the body with the key, if any.

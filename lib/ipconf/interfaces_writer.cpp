@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_writer.cpp - changes an interface's method and its static addresses.
 #include <string>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // commands.cpp - the commands on time synchronisation.
 #include "velk/ntp.h"
 #include "velk/request.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // crontab_entry.cpp - the crontab entry that sets the clock: whether it is active, and its server.
 #include <algorithm>
 #include <stdexcept>

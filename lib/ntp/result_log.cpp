@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_log.cpp - the result of the time client's last run.
 #include <string_view>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // adapter.cpp - detects a supported wireless adapter among the attached USB devices.
 #include <algorithm>
 #include <climits>

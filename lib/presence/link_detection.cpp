@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // link_detection.cpp - detects a cable in the wired port.
 #include <optional>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless_refusal.cpp - refuses commands on the wireless interface.
 #include "lib/presence/wireless_refusal.h"
 

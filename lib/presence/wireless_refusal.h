@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless_refusal.h - refuses commands on the wireless interface.
 #ifndef VELK_PRESENCE_WIRELESS_REFUSAL_H_
 #define VELK_PRESENCE_WIRELESS_REFUSAL_H_

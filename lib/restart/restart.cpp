@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // restart.cpp - brings an interface down and up again so that changed settings take effect.
 #include <string>
 
@@ -74,7 +77,7 @@ int RestartWireless(const _velk_request& request, char* /*out*/) {
     if (IsWiredLinked() != 0) {
         return CommandLine("sudo ifconfig %s up", name.c_str()).Run();
     }
-    // In the background: the address may take its time.
+    // It runs in the background, because getting an address may take long.
     (void)CommandLine("sudo ifup %s &", name.c_str()).Run();
     return NotifyDaemon();
 }

@@ -1,6 +1,8 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // schedule.cpp - when the web contents updater runs: its lines in the crontab.
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -11,6 +13,7 @@
 #include "lib/base/file_edit.h"
 #include "lib/base/join_text.h"
 #include "lib/base/line_reader.h"
+#include "lib/base/numbers.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk/request.h"
@@ -56,27 +59,25 @@ CronFields SplitFields(std::string_view line) {
 }
 
 // Returns the number at the start of a field, cut to the data byte; 0 if there is none.
-uint8_t LeadingNumber(std::string_view field) {
-    int number = 0;
-    (void)std::from_chars(field.begin(), field.end(), number);
-    return static_cast<uint8_t>(number);
+uint8_t LeadingByte(std::string_view field) {
+    return static_cast<uint8_t>(ParseLeadingNumber<int>(field).value_or(0));
 }
 
 // Returns no value for a line that this library does not write.
 std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     if (fields.hour.starts_with(kEvery)) {
-        return Schedule{VELK_SCHEDULE_HOURS, LeadingNumber(fields.hour.substr(kEvery.size())),
+        return Schedule{VELK_SCHEDULE_HOURS, LeadingByte(fields.hour.substr(kEvery.size())),
                         "00:00"};
     }
     const std::string time = std::string(fields.hour).append(":").append(fields.minute);
     if (fields.day != kAny) {
-        return Schedule{VELK_SCHEDULE_MONTHLY, LeadingNumber(fields.day), time};
+        return Schedule{VELK_SCHEDULE_MONTHLY, LeadingByte(fields.day), time};
     }
     if (fields.month != kAny) {
         return std::nullopt;
     }
     if (fields.weekday != kAny) {
-        const auto weekday = static_cast<uint8_t>(LeadingNumber(fields.weekday) + 1);
+        const auto weekday = static_cast<uint8_t>(LeadingByte(fields.weekday) + 1);
         return Schedule{VELK_SCHEDULE_WEEKLY, weekday, time};
     }
     return Schedule{VELK_SCHEDULE_DAILY, 1, time};
@@ -129,8 +130,8 @@ std::string CronLine(const CronFields& fields) {
     return line.append(kCommand).append("\n");
 }
 
-// In place of a month that lacks the day the updater runs on the first day of the next month. The
-// second line holds the months that follow such a month.
+// If a month lacks the day, the updater runs on the first day of the next month instead. The second
+// line holds the months after such a month.
 std::string MonthlyLines(int day, const Time& time) {
     const std::string number = std::to_string(day);
     if (day <= 28) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // address.cpp - hardware address, IPv4 address and mask of an interface: read by ioctl(2), set with
 // ifconfig(8). Only SetNetAddress() sets one by ioctl(2). ifconfig.cpp reads the live address of a
 // command.

@@ -1,5 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // gateway.cpp - reads the default gateway from the routing table and replaces it with route(8).
-#include <charconv>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,6 +14,7 @@
 #include "lib/base/data_area.h"
 #include "lib/base/line_reader.h"
 #include "lib/base/log.h"
+#include "lib/base/numbers.h"
 #include "lib/base/paths.h"
 #include "lib/base/shell.h"
 #include "lib/base/words.h"
@@ -34,12 +37,11 @@ std::optional<in_addr> DefaultGatewayOn(std::string_view line) {
     if (gateway.starts_with("0x") || gateway.starts_with("0X")) {
         gateway.remove_prefix(2);
     }
-    uint32_t address = 0;
-    const auto parsed = std::from_chars(gateway.begin(), gateway.end(), address, 16);
-    if (parsed.ec != std::errc()) {
+    const auto address = ParseLeadingNumber<uint32_t>(gateway, 16);
+    if (!address.has_value()) {
         return std::nullopt;
     }
-    return in_addr{address};
+    return in_addr{*address};
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ifconfig.cpp - reads an interface's live address and mask back from ifconfig(8).
 #include <cstring>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ioctl_table.cpp - the functions that read and change a property that the kernel holds.
 #include "lib/wired/ioctl_table.h"
 

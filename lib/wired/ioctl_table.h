@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ioctl_table.h - the functions that read and change a property that the kernel holds.
 #ifndef VELK_WIRED_IOCTL_TABLE_H_
 #define VELK_WIRED_IOCTL_TABLE_H_
@@ -22,7 +25,7 @@ struct IoctlEntry {
     IoctlSetHandler set_handler;  // null: the property cannot be changed
 };
 
-// Searched in its order; the first row that fits counts.
+// The first row with the id counts.
 extern const std::span<const IoctlEntry> kIoctlTable;
 
 }  // namespace velk

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // link_speed.cpp - reads and forces the speed and duplex of the wired port with ethtool(8).
 #include <array>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // channel.cpp - messages to and from the wireless daemon.
 #include <cerrno>
 #include <cstdio>

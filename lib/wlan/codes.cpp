@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // codes.cpp - the wireless daemon's coded values and the bytes that requests use for them.
 #include "lib/wlan/codes.h"
 

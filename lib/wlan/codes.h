@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // codes.h - the wireless daemon's coded values and the bytes that requests use for them.
 #ifndef VELK_WLAN_CODES_H_
 #define VELK_WLAN_CODES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // configuration.cpp - the commands on the wireless daemon's configuration.
 #include <array>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // configuration_fields.cpp - each field of the wireless configuration, from and to its data bytes.
 #include <array>
 #include <cstring>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // query.cpp - one question to the wireless daemon and its answer.
 #include "lib/wlan/query.h"
 

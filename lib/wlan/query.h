@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // query.h - one question to the wireless daemon and its answer.
 #ifndef VELK_WLAN_QUERY_H_
 #define VELK_WLAN_QUERY_H_

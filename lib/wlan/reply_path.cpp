@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // reply_path.cpp - the path at which the library gets the wireless daemon's replies.
 #include "lib/wlan/reply_path.h"
 

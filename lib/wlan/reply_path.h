@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // reply_path.h - the path at which the library gets the wireless daemon's replies.
 #ifndef VELK_WLAN_REPLY_PATH_H_
 #define VELK_WLAN_REPLY_PATH_H_

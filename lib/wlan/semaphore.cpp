@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // semaphore.cpp - the semaphore of one query, which no other user can post.
 #include "lib/wlan/semaphore.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // semaphore.h - the semaphore of one query, which no other user can post.
 #ifndef VELK_WLAN_SEMAPHORE_H_
 #define VELK_WLAN_SEMAPHORE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // state.cpp - the facts that the wireless daemon reports of adapter and connection.
 #include <array>
 #include <cstring>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // control_socket.cpp - the socket of a running device, for processes outside of it.
 #include "sandbox/control/control_socket.h"
 

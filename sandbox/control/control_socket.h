@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // control_socket.h - the socket of a running device, for processes outside of it.
 //
 // Its name is abstract: it belongs to the network namespace, not to the file system. The kernel

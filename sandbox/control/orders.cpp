@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // orders.cpp - orders to the hardware process of a device.
 #include "sandbox/control/orders.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // orders.h - orders to the hardware process of a device.
 #ifndef SANDBOX_CONTROL_ORDERS_H_
 #define SANDBOX_CONTROL_ORDERS_H_

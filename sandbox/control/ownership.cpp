@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ownership.cpp - distinguishes this user's devices from those of other users.
 #include "sandbox/control/ownership.h"
 
@@ -15,6 +18,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "lib/base/numbers.h"
 #include "sandbox/device/capabilities.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/proc_fields.h"
@@ -30,7 +34,7 @@ constexpr size_t kUsersOfProcess = 4;  // real, effective, saved and file system
 // the descriptor is not a pidfd.
 long NumberOf(const velk::UniqueFd& process) {
     const std::string path = "/proc/self/fdinfo/" + std::to_string(process.get());
-    return std::max(FirstNumber<long>(ProcField(path, "Pid")).value_or(0), 0L);
+    return std::max(velk::ParseLeadingNumber<long>(ProcField(path, "Pid")).value_or(0), 0L);
 }
 
 // Opens the process's folder in /proc. It never becomes the folder of a later process with the same

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ownership.h - distinguishes this user's devices from those of other users.
 //
 // Any user of the machine can listen at the name of a device.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // bind_folders.cpp - folders of the machine that are bind-mounted on the device.
 #include "sandbox/device/bind_folders.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // bind_folders.h - folders of the machine that are bind-mounted on the device.
 #ifndef SANDBOX_DEVICE_BIND_FOLDERS_H_
 #define SANDBOX_DEVICE_BIND_FOLDERS_H_

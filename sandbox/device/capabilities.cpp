@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // capabilities.cpp - drops the capabilities that reach the machine itself.
 #include "sandbox/device/capabilities.h"
 
@@ -10,6 +13,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "lib/base/numbers.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/proc_fields.h"
 
@@ -26,7 +30,7 @@ struct CapabilitySets {
 // Reads a capability set, such as "CapEff", from /proc/self/status.
 uint64_t ShownSet(const std::string& name) {
     constexpr char kStatus[] = "/proc/self/status";
-    if (const auto set = FirstNumber<uint64_t>(ProcField(kStatus, name), 16)) {
+    if (const auto set = velk::ParseLeadingNumber<uint64_t>(ProcField(kStatus, name), 16)) {
         return *set;
     }
     throw Failure("/proc/self/status does not show " + name);

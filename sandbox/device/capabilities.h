@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // capabilities.h - drops the capabilities that reach the machine itself.
 #ifndef SANDBOX_DEVICE_CAPABILITIES_H_
 #define SANDBOX_DEVICE_CAPABILITIES_H_

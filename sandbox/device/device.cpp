@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device.cpp - moves a process onto a simulated device.
 #include "sandbox/device/device.h"
 
@@ -40,6 +43,22 @@ void ProtectMachine(const std::vector<BindFolder>& writable) {
     MakeReadOnly("/");
 }
 
+std::vector<BindFolder> OpenWritable(const DeviceOptions& options) {
+    std::vector<BindFolder> writable = OpenBindFolders(options.writable);
+    RefusePrivateFolders(writable);
+    if (options.protect_machine) {
+        ProtectMachine(writable);
+    }
+    return writable;
+}
+
+void CopyMachine(const DeviceLayout& layout, DeviceTree& tree) {
+    for (const fs::path& folder : EnterOverlayRoot()) {
+        tree.AddFileSystem(folder);
+    }
+    RemoveMachineContents(layout);
+}
+
 void ShowWritable(const std::vector<BindFolder>& writable, const DeviceLayout& layout) {
     BindMountFolders(writable, [&layout](const fs::path& path) {
         return !IsHidden(path, layout) && !layout.tmpfs_folders.contains(path);
@@ -52,6 +71,16 @@ void ShowHidden(const std::vector<BindFolder>& bind_folders,
     const auto is_hidden = [&layout](const fs::path& path) { return IsHidden(path, layout); };
     BindMountFolders(bind_folders, is_hidden);
     BindMountFolders(writable, is_hidden);
+}
+
+void MountKernelFolders(const DeviceOptions& options, const std::vector<DeviceNode>& nodes,
+                        DeviceTree& tree) {
+    if (options.own_processes) {
+        MountProc(options.protect_machine);
+    }
+    MountSys();
+    MountDeviceNodes(nodes);
+    tree.AddFileSystem("/dev");
 }
 
 // A current folder survives a mount over it. Changing to the same path enters the new mount.
@@ -78,28 +107,15 @@ void EnterDevice(const DeviceOptions& options) {
     GiveUpPrivileges();
     EnterPrivateNamespaces();
 
-    const std::vector<BindFolder> writable = OpenBindFolders(options.writable);
-    RefusePrivateFolders(writable);
-    if (options.protect_machine) {
-        ProtectMachine(writable);
-    }
+    const std::vector<BindFolder> writable = OpenWritable(options);
     const std::vector<BindFolder> bind_folders = OpenBindFolders(options.bind_folders);
     const std::vector<DeviceNode> nodes = OpenDeviceNodes();
     DeviceTree tree;
     if (options.copy_machine) {
-        for (const fs::path& folder : EnterOverlayRoot()) {
-            tree.AddFileSystem(folder);
-        }
-        RemoveMachineContents(layout);
+        CopyMachine(layout, tree);
     }
     ShowWritable(writable, layout);
-    if (options.own_processes) {
-        MountProc(options.protect_machine);
-    }
-    MountSys();
-    MountDeviceNodes(nodes);
-    tree.AddFileSystem("/dev");
-
+    MountKernelFolders(options, nodes, tree);
     MountTmpfsFolders(layout, tree);
     ShowHidden(bind_folders, writable, layout);
     MakeFoldersAndFiles(layout, tree);

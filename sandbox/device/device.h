@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device.h - moves a process onto a simulated device.
 //
 // The process gets private mount, network, host name and IPC namespaces. The paths that the library

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_layout.cpp - the folders and files of a device.
 #include "sandbox/device/device_layout.h"
 
@@ -23,8 +26,8 @@ fs::path FolderOf(const char* file) {
 
 std::vector<Folder> TmpfsFolders() {
     return {
-        {velk::kSemaphoreFolder, 01777}, {"/proc/bus", 0755}, {"/run", 0755}, {"/tmp", 01777},
-        {velk::kEditFolder, 01777},
+        {velk::kSemaphoreFolder, 01777}, {"/proc/bus", 0755},        {"/run", 0755},
+        {velk::kSocketFolder, 01777},    {velk::kEditFolder, 01777},
     };
 }
 

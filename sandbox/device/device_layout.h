@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_layout.h - the folders and files of a device.
 #ifndef SANDBOX_DEVICE_DEVICE_LAYOUT_H_
 #define SANDBOX_DEVICE_DEVICE_LAYOUT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_nodes.cpp - a /dev without the hardware and the log of the machine.
 #include "sandbox/device/device_nodes.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_nodes.h - a /dev without the hardware and the log of the machine.
 #ifndef SANDBOX_DEVICE_DEVICE_NODES_H_
 #define SANDBOX_DEVICE_DEVICE_NODES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_tree.cpp - makes room for the device's files in the file tree of the machine.
 #include "sandbox/device/device_tree.h"
 

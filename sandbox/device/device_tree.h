@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_tree.h - makes room for the device's files in the file tree of the machine.
 #ifndef SANDBOX_DEVICE_DEVICE_TREE_H_
 #define SANDBOX_DEVICE_DEVICE_TREE_H_

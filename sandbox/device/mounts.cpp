@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // mounts.cpp - the mount calls of the kernel, with error messages.
 #include "sandbox/device/mounts.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // mounts.h - the mount calls of the kernel, with error messages.
 #ifndef SANDBOX_DEVICE_MOUNTS_H_
 #define SANDBOX_DEVICE_MOUNTS_H_

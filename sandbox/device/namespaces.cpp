@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // namespaces.cpp - the namespaces of a device, before anything is mounted in them.
 #include "sandbox/device/namespaces.h"
 

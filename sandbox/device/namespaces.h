@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // namespaces.h - the namespaces of a device, before anything is mounted in them.
 #ifndef SANDBOX_DEVICE_NAMESPACES_H_
 #define SANDBOX_DEVICE_NAMESPACES_H_

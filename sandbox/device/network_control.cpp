@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // network_control.cpp - configures network interfaces with netdevice(7) calls.
 #include "sandbox/device/network_control.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // network_control.h - configures network interfaces with netdevice(7) calls.
 #ifndef SANDBOX_DEVICE_NETWORK_CONTROL_H_
 #define SANDBOX_DEVICE_NETWORK_CONTROL_H_

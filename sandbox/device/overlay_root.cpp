@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // overlay_root.cpp - a private overlay of the whole file tree of the machine.
 //
 // A tmpfs holds the changes. It is mounted over /tmp in the private mount namespace of this
@@ -17,6 +20,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 #include "sandbox/device/mounts.h"
 #include "sandbox/process/failure.h"
@@ -26,12 +30,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kChangesFolder[] = "/tmp";
-constexpr char kNewRoot[] = "/tmp/root";
+constexpr auto& kChangesFolder = velk::kSocketFolder;  // private on the device in any case
+constexpr auto kNewRoot = velk::JoinText(velk::kSocketFolder, "/root");
 constexpr mode_t kFolderMode = 0755;
 constexpr unsigned kMegabytes = 512;  // limit of all changes
 // The file systems of the kernel, and the folders that are private in any case.
-constexpr const char* kNotCopied[] = {"/dev", "/proc", "/run", "/sys", "/tmp", velk::kEditFolder};
+constexpr const char* kNotCopied[] = {
+    "/dev", "/proc", "/run", "/sys", velk::kSocketFolder, velk::kEditFolder};
 
 bool IsCopied(const fs::path& path) {
     std::error_code error;
@@ -64,7 +69,7 @@ bool TryOverlay(const fs::path& folder, const std::string& number) {
     fs::permissions(upper, fs::status(folder).permissions());
     const std::string options =
         "lowerdir=" + folder.string() + ",upperdir=" + upper + ",workdir=" + work;
-    const std::string target = kNewRoot + (folder == "/" ? "" : folder.string());
+    const std::string target = kNewRoot.c_str() + (folder == "/" ? std::string() : folder.string());
     return mount("velk", target.c_str(), "overlay", 0, options.c_str()) == 0;
 }
 
@@ -74,13 +79,13 @@ bool CopyFileSystem(const fs::path& folder, const std::string& number) {
         return true;
     }
     const velk::UniqueFd mount_fd = OpenMount(AT_FDCWD, folder);
-    (void)TryAttachMount(mount_fd, kNewRoot + folder.string());
+    (void)TryAttachMount(mount_fd, kNewRoot.c_str() + folder.string());
     return false;
 }
 
 // The old root is unmounted, so it cannot be reached afterwards.
 void MoveToNewRoot() {
-    fs::current_path(kNewRoot);
+    fs::current_path(kNewRoot.c_str());
     if (syscall(SYS_pivot_root, ".", ".") == -1 || umount2(".", MNT_DETACH) == -1) {
         Fail("cannot change the root folder", errno);
     }
@@ -92,7 +97,7 @@ void MoveToNewRoot() {
 std::vector<fs::path> EnterOverlayRoot() {
     const std::set<fs::path> file_systems = FileSystemsBelowRoot();
     (void)MountTmpfs(kChangesFolder, kFolderMode, kMegabytes);
-    fs::create_directory(kNewRoot);
+    fs::create_directory(kNewRoot.c_str());
     if (!TryOverlay("/", "")) {
         Fail("cannot make an overlay of the root folder", errno);
     }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // overlay_root.h - a private overlay of the whole file tree of the machine.
 #ifndef SANDBOX_DEVICE_OVERLAY_ROOT_H_
 #define SANDBOX_DEVICE_OVERLAY_ROOT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // proc_and_sys.cpp - /proc and /sys of the device's namespaces.
 #include "sandbox/device/proc_and_sys.h"
 

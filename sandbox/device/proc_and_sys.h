@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // proc_and_sys.h - /proc and /sys of the device's namespaces.
 #ifndef SANDBOX_DEVICE_PROC_AND_SYS_H_
 #define SANDBOX_DEVICE_PROC_AND_SYS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // refused_namespaces.cpp - explains why the kernel refuses private namespaces.
 #include "sandbox/device/refused_namespaces.h"
 

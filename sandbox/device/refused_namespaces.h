@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // refused_namespaces.h - explains why the kernel refuses private namespaces.
 #ifndef SANDBOX_DEVICE_REFUSED_NAMESPACES_H_
 #define SANDBOX_DEVICE_REFUSED_NAMESPACES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // sample_files.cpp - reads and writes the sample files of a device.
 #include "sandbox/device/sample_files.h"
 

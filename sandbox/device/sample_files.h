@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // sample_files.h - reads and writes the sample files of a device.
 #ifndef SANDBOX_DEVICE_SAMPLE_FILES_H_
 #define SANDBOX_DEVICE_SAMPLE_FILES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // hardware.cpp - the cable, adapter and router of a device.
 #include "sandbox/hardware/hardware.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // hardware.h - the cable, adapter and router of a device.
 #ifndef SANDBOX_HARDWARE_HARDWARE_H_
 #define SANDBOX_HARDWARE_HARDWARE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // hardware_process.cpp - the process that simulates the cable, adapter and router.
 #include "sandbox/hardware/hardware_process.h"
 

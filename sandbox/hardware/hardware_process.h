@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // hardware_process.h - the process that simulates the cable, adapter and router.
 #ifndef SANDBOX_HARDWARE_HARDWARE_PROCESS_H_
 #define SANDBOX_HARDWARE_HARDWARE_PROCESS_H_

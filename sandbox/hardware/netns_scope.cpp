@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // netns_scope.cpp - enters a network namespace until the end of a scope.
 #include "sandbox/hardware/netns_scope.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // netns_scope.h - enters a network namespace until the end of a scope.
 #ifndef SANDBOX_HARDWARE_NETNS_SCOPE_H_
 #define SANDBOX_HARDWARE_NETNS_SCOPE_H_

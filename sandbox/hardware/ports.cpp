@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ports.cpp - chooses between tap and veth interfaces.
 #include "sandbox/hardware/ports.h"
 

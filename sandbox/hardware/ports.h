@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ports.h - the interfaces of a device and their cables.
 #ifndef SANDBOX_HARDWARE_PORTS_H_
 #define SANDBOX_HARDWARE_PORTS_H_

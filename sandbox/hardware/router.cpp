@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // router.cpp - a simulated router: a network namespace with DHCP, DNS and time servers.
 #include "sandbox/hardware/router.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // router.h - a simulated router: a network namespace with DHCP, DNS and time servers.
 #ifndef SANDBOX_HARDWARE_ROUTER_H_
 #define SANDBOX_HARDWARE_ROUTER_H_

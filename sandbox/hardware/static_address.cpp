@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // static_address.cpp - reads static addresses from /etc/network/interfaces.
 #include "sandbox/hardware/static_address.h"
 

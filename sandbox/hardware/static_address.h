@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // static_address.h - reads static addresses from /etc/network/interfaces.
 #ifndef SANDBOX_HARDWARE_STATIC_ADDRESS_H_
 #define SANDBOX_HARDWARE_STATIC_ADDRESS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tap_ports.cpp - tap interfaces: a descriptor of this process is the other end of the cable.
 #include "sandbox/hardware/tap_ports.h"
 

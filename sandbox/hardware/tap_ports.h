@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tap_ports.h - tap interfaces: a descriptor of this process is the other end of the cable.
 #ifndef SANDBOX_HARDWARE_TAP_PORTS_H_
 #define SANDBOX_HARDWARE_TAP_PORTS_H_

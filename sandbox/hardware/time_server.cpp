@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // time_server.cpp - the SNTP server of the router.
 #include "sandbox/hardware/time_server.h"
 

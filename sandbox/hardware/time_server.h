@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // time_server.h - the SNTP server of the router.
 #ifndef SANDBOX_HARDWARE_TIME_SERVER_H_
 #define SANDBOX_HARDWARE_TIME_SERVER_H_

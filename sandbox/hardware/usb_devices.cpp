@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usb_devices.cpp - adds and removes the wireless adapter in the list of USB devices.
 #include "sandbox/hardware/usb_devices.h"
 

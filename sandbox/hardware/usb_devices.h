@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usb_devices.h - adds and removes the wireless adapter in the list of USB devices.
 #ifndef SANDBOX_HARDWARE_USB_DEVICES_H_
 #define SANDBOX_HARDWARE_USB_DEVICES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // veth_ports.cpp - veth interfaces: the other end of the cable is in a private namespace.
 #include "sandbox/hardware/veth_ports.h"
 

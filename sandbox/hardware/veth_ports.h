@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // veth_ports.h - veth interfaces: the other end of the cable is in a private namespace.
 #ifndef SANDBOX_HARDWARE_VETH_PORTS_H_
 #define SANDBOX_HARDWARE_VETH_PORTS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless_daemon.cpp - starts and stops the wireless daemon.
 #include "sandbox/hardware/wireless_daemon.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // wireless_daemon.h - starts and stops the wireless daemon.
 #ifndef SANDBOX_HARDWARE_WIRELESS_DAEMON_H_
 #define SANDBOX_HARDWARE_WIRELESS_DAEMON_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // bound_child.cpp - a child process that ends with its parent.
 #include "sandbox/process/bound_child.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // bound_child.h - a child process that ends with its parent.
 #ifndef SANDBOX_PROCESS_BOUND_CHILD_H_
 #define SANDBOX_PROCESS_BOUND_CHILD_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exit_status.cpp - exit statuses of the sandbox.
 #include "sandbox/process/exit_status.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exit_status.h - exit statuses of the sandbox.
 #ifndef SANDBOX_PROCESS_EXIT_STATUS_H_
 #define SANDBOX_PROCESS_EXIT_STATUS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // failure.cpp - the exception of the sandbox: one line of text, and advice if there is any.
 #include "sandbox/process/failure.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // failure.h - the exception of the sandbox: one line of text, and advice if there is any.
 #ifndef SANDBOX_PROCESS_FAILURE_H_
 #define SANDBOX_PROCESS_FAILURE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // messages.cpp - prints the sandbox's messages on standard error.
 #include "sandbox/process/messages.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // messages.h - prints the sandbox's messages on standard error.
 #ifndef SANDBOX_PROCESS_MESSAGES_H_
 #define SANDBOX_PROCESS_MESSAGES_H_

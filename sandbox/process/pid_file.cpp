@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // pid_file.cpp - stops a daemon of the device by its PID file.
 #include "sandbox/process/pid_file.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // proc_fields.cpp - reads the labelled lines of files in /proc.
 #include "sandbox/process/proc_fields.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // programs.cpp - finds and runs programs of the system.
 #include "sandbox/process/programs.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // programs.h - finds and runs programs of the system.
 #ifndef SANDBOX_PROCESS_PROGRAMS_H_
 #define SANDBOX_PROCESS_PROGRAMS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // run_paths.h - the sandbox's own files on a device.
 #ifndef SANDBOX_PROCESS_RUN_PATHS_H_
 #define SANDBOX_PROCESS_RUN_PATHS_H_

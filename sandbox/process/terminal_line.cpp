@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // terminal_line.cpp - escapes text for safe output on a terminal.
 #include "sandbox/process/terminal_line.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // terminal_line.h - escapes text for safe output on a terminal.
 #ifndef SANDBOX_PROCESS_TERMINAL_LINE_H_
 #define SANDBOX_PROCESS_TERMINAL_LINE_H_

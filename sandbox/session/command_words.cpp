@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_words.cpp - separates the command from the words of the sandbox.
 #include "sandbox/session/command_words.h"
 

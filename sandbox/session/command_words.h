@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_words.h - separates the command from the words of the sandbox.
 #ifndef SANDBOX_SESSION_COMMAND_WORDS_H_
 #define SANDBOX_SESSION_COMMAND_WORDS_H_

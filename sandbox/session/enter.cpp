@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // enter.cpp - runs a command on a device that is already running.
 #include "sandbox/session/enter.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // enter.h - runs a command on a device that is already running.
 #ifndef SANDBOX_SESSION_ENTER_H_
 #define SANDBOX_SESSION_ENTER_H_

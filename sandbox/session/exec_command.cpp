@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exec_command.cpp - executes the user's command on the device.
 #include "sandbox/session/exec_command.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exec_command.h - executes the user's command on the device.
 #ifndef SANDBOX_SESSION_EXEC_COMMAND_H_
 #define SANDBOX_SESSION_EXEC_COMMAND_H_

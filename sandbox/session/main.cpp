@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - velk-sandbox: runs commands on a simulated device.
 #include <algorithm>
 #include <clocale>
@@ -143,7 +146,7 @@ int List() {
 }
 
 int ShowHelp(const CLI::App& app) {
-    // App::help() would show that of the chosen verb.
+    // App::help() would show the help of the chosen verb.
     const std::string help =
         app.get_formatter()->make_help(&app, app.get_name(), CLI::AppFormatMode::Normal);
     (void)fputs(help.c_str(), stdout);
@@ -186,10 +189,10 @@ void AddOptions(CLI::App& app, Request& request) {
     AddName(app, request, "Name of the device; otherwise the first free number");
 }
 
-int Run(std::vector<std::string> words) {
+// Returns a session with the folders that belong to this program.
+sandbox::Session NewSession() {
     const fs::path program_folder = fs::read_symlink("/proc/self/exe").parent_path();
-    Request request;
-    sandbox::Session& session = request.session;
+    sandbox::Session session;
     session.program_folder = program_folder;
     session.device.rootfs = DataFolder(program_folder, "rootfs");
     session.stand_in_folder = DataFolder(program_folder, "stand-ins");
@@ -197,12 +200,16 @@ int Run(std::vector<std::string> words) {
     session.router_folder = DataFolder(program_folder, "router");
     session.completion_folder = CompletionFolder(program_folder);
     session.device.bind_folders = FoldersInUse(program_folder);
+    return session;
+}
 
+int Run(std::vector<std::string> words) {
+    Request request{.session = NewSession(), .position = {}, .verb = {}};
     CLI::App app;
     sandbox::SetHelp(app);
     AddOptions(app, request);
     AddVerbs(app, request);
-    session.command = sandbox::TakeCommand(app, words);
+    request.session.command = sandbox::TakeCommand(app, words);
     std::ranges::reverse(words);  // as the parser takes them
     try {
         app.parse(words);
@@ -212,7 +219,7 @@ int Run(std::vector<std::string> words) {
         sandbox::PrintUsageError(app, error);
         return sandbox::kUsageError;
     }
-    return request.verb ? request.verb() : sandbox::RunSession(session);
+    return request.verb ? request.verb() : sandbox::RunSession(request.session);
 }
 
 }  // namespace

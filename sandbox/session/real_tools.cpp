@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // real_tools.cpp - prepares a device that uses the system's own tools (--real).
 #include "sandbox/session/real_tools.h"
 

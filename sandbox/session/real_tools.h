@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // real_tools.h - prepares a device that uses the system's own tools (--real).
 #ifndef SANDBOX_SESSION_REAL_TOOLS_H_
 #define SANDBOX_SESSION_REAL_TOOLS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // session.cpp - makes a device and runs a command on it.
 //
 // There are four processes. This one stays outside. Its child is the first process of a PID
@@ -75,6 +78,21 @@ HardwareOptions HardwareOf(const Session& session) {
     return options;
 }
 
+// Only a shell gets the terminal. A command may be part of a pipeline that shares it.
+int RunCommand(const Session& session, const Terminal& terminal) {
+    const pid_t command = fork();
+    if (command == -1) {
+        Fail("cannot start a process", errno);
+    }
+    if (command == 0) {
+        if (session.command.words.empty()) {
+            terminal.HandOver();
+        }
+        _exit(ExecCommand(session.command, session.program_folder));
+    }
+    return ReapUntil(command);
+}
+
 int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control_socket) {
     session.device.files = FilesOf(session);
     if (session.real) {
@@ -91,18 +109,7 @@ int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control
             PrintMessage(problem);
         }
     }
-    const pid_t command = fork();
-    if (command == -1) {
-        Fail("cannot start a process", errno);
-    }
-    if (command == 0) {
-        // Only a shell gets the terminal. A command may be part of a pipeline that shares it.
-        if (session.command.words.empty()) {
-            terminal.HandOver();
-        }
-        _exit(ExecCommand(session.command, session.program_folder));
-    }
-    return ReapUntil(command);
+    return RunCommand(session, terminal);
 }
 
 [[noreturn]] void RunFirstProcess(Session& session, const Terminal& terminal,

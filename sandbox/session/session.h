@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // session.h - makes a device and runs a command on it.
 #ifndef SANDBOX_SESSION_SESSION_H_
 #define SANDBOX_SESSION_SESSION_H_

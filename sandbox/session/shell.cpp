@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell.cpp - the shell that a device starts if no command is given.
 #include "sandbox/session/shell.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell.h - the shell that a device starts if no command is given.
 #ifndef SANDBOX_SESSION_SHELL_H_
 #define SANDBOX_SESSION_SHELL_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stand_ins.cpp - scripts that replace tools which do not work on a device.
 #include "sandbox/session/stand_ins.h"
 

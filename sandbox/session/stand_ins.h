@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stand_ins.h - scripts that replace tools which do not work on a device.
 #ifndef SANDBOX_SESSION_STAND_INS_H_
 #define SANDBOX_SESSION_STAND_INS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // terminal.cpp - the controlling terminal of this program.
 #include "sandbox/session/terminal.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // terminal.h - the controlling terminal of this program.
 #ifndef SANDBOX_SESSION_TERMINAL_H_
 #define SANDBOX_SESSION_TERMINAL_H_

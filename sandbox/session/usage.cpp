@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usage.cpp - the help of velk-sandbox, and its messages about wrong usage.
 #include "sandbox/session/usage.h"
 
@@ -71,7 +74,7 @@ class HelpFormatter : public CLI::Formatter {
         return option->get_items_expected_max() == 0 ? "" : " " + option->get_type_name();
     }
 
-    // The usage line shows them.
+    // The usage line shows the positionals.
     std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
 
     std::string make_footer(const CLI::App* app) const override {

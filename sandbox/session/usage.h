@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usage.h - the help of velk-sandbox, and its messages about wrong usage.
 #ifndef SANDBOX_SESSION_USAGE_H_
 #define SANDBOX_SESSION_USAGE_H_

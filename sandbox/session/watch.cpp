@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // watch.cpp - prints changes of a device's files.
 //
 // A copy of each file is kept in memory. diff(1) compares the copy and the new text and writes its

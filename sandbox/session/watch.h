@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // watch.h - prints changes of a device's files.
 #ifndef SANDBOX_SESSION_WATCH_H_
 #define SANDBOX_SESSION_WATCH_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // background.cpp - moves the daemon to the background.
 #include "sandbox/wland/background.h"
 

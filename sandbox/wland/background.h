@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // background.h - moves the daemon to the background.
 #ifndef SANDBOX_WLAND_BACKGROUND_H_
 #define SANDBOX_WLAND_BACKGROUND_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // control.cpp - changes how a running daemon replies.
 //
 // An order is a text: the name of the mode, and the delay in milliseconds if it changes.

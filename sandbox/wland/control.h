@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // control.h - changes how a running daemon replies.
 #ifndef SANDBOX_WLAND_CONTROL_H_
 #define SANDBOX_WLAND_CONTROL_H_
@@ -20,7 +23,7 @@ class ReplyModeSocket {
 
     int fd() const { return fd_.get(); }
 
-    // Applies the orders received since the last call to `behaviour`. True if it changed.
+    // Applies the orders received since the last call to `behaviour`. Returns true if it changed.
     bool Take(Behaviour& behaviour) const;
 
   private:

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // log.cpp - the log of the daemon.
 #include "sandbox/wland/log.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // log.h - the log of the daemon. It never contains keys.
 #ifndef SANDBOX_WLAND_LOG_H_
 #define SANDBOX_WLAND_LOG_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - wland: a simulated wireless daemon.
 #include <chrono>
 #include <cmath>

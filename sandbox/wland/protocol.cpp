@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // protocol.cpp - messages and sockets between programs and the wireless daemon.
 #include "sandbox/wland/protocol.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // protocol.h - messages and sockets between programs and the wireless daemon.
 #ifndef SANDBOX_WLAND_PROTOCOL_H_
 #define SANDBOX_WLAND_PROTOCOL_H_

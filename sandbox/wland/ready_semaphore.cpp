@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ready_semaphore.cpp - the semaphore by which a program signals that it waits for a reply.
 #include "sandbox/wland/ready_semaphore.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ready_semaphore.h - the semaphore by which a program signals that it waits for a reply.
 #ifndef SANDBOX_WLAND_READY_SEMAPHORE_H_
 #define SANDBOX_WLAND_READY_SEMAPHORE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // records.cpp - the configuration and state that the daemon reports.
 #include "sandbox/wland/records.h"
 

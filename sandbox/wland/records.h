@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // records.h - the configuration and state that the daemon reports.
 #ifndef SANDBOX_WLAND_RECORDS_H_
 #define SANDBOX_WLAND_RECORDS_H_

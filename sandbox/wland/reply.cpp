@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // reply.cpp - correct and faulty replies.
 #include "sandbox/wland/reply.h"
 

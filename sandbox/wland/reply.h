@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // reply.h - correct and faulty replies.
 #ifndef SANDBOX_WLAND_REPLY_H_
 #define SANDBOX_WLAND_REPLY_H_
@@ -27,7 +30,7 @@ struct Behaviour {
         61 * 1000};  // the delay of late replies, longer than any program waits
 };
 
-// In the order of the modes.
+// Returns the names in the order of the modes.
 const std::vector<std::string>& ReplyModeNames();
 std::optional<ReplyMode> FindReplyMode(std::string_view name);
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server.cpp - receives requests and sends replies.
 #include "sandbox/wland/server.h"
 

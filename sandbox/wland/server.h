@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server.h - receives requests and sends replies.
 #ifndef SANDBOX_WLAND_SERVER_H_
 #define SANDBOX_WLAND_SERVER_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stop_signals.cpp - the signals that end the daemon.
 #include "sandbox/wland/stop_signals.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stop_signals.h - the signals that end the daemon.
 #ifndef SANDBOX_WLAND_STOP_SIGNALS_H_
 #define SANDBOX_WLAND_STOP_SIGNALS_H_
@@ -13,7 +16,7 @@ class StopSignals {
     // Throws sandbox::Failure.
     StopSignals();
 
-    // Readable once a signal has arrived.
+    // Returns a descriptor that is readable once a signal has arrived.
     int fd() const { return fd_.get(); }
     bool HasArrived() const;
 

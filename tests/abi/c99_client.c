@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /* c99_client.c - a management program in plain C: the header, the layout, a call. */
 #include <stdio.h>
 #include <string.h>

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # check.sh - compares actual with expected texts. Source it, and end with `finish`.
 # shellcheck shell=bash
 failures=0

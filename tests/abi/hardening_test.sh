@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # hardening_test.sh FILE... - checks that the built library and programs are hardened.
 # hardening_test.sh --lacks-all FILE - checks that every check fails for an unhardened file.
 set -u

@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # library_file_test.sh LIBRARY - the names, SONAME and dependencies of the built library.
 set -u
 library=$1

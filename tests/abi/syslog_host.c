@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /* syslog_host.c - a host that defines only syslog(3) and prints each line of the log. */
 #include <stdarg.h>
 #include <stdio.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 /* unhardened.c - a library without any hardening, to check that the hardening test can fail. */
 #include <stdio.h>
 

@@ -1,4 +1,8 @@
 #!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # cost_test.sh - checks the cost of calls by counts, which do not depend on the load of the machine.
 set -u
 folder=$(dirname "$0")

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // counted_calls.cpp - repeats one request, so that its cost can be counted. Fails if the result is
 // not the expected one: the cost of a failing call is of no interest.
 //

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # counts.sh - functions that count the cost of library calls on a device. Source it.
 # shellcheck shell=bash
 # CALL is the argument list of counted_calls from RESULT on. If the call has another result, nothing is

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // request_words.h - reads a request from the command line.
 #ifndef TESTS_COST_REQUEST_WORDS_H_
 #define TESTS_COST_REQUEST_WORDS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stack_use.cpp - makes one request on a thread with a stack of 64 KiB and prints how many bytes of
 // it were used, including the part of the C library. Fails if the result is not the expected one.
 //

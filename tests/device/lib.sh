@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # lib.sh - functions for tests on a simulated device. Source it, then write
 #
 #   it 'refuses an address that is not valid'
@@ -48,7 +51,26 @@ stand_in_word='
     stand_in() { # TOOL PROGRAM
         mount --bind "$2" "$(readlink -f "$(command -v "$1")")"
     }
+    # The same by a script of these lines.
+    stand_in_script() { # TOOL LINE...
+        tool=$1 && shift
+        printf "%s\n" "#!/bin/sh" "$@" >/tmp/$tool && chmod +x /tmp/$tool && stand_in $tool /tmp/$tool
+    }
 '
+
+# Makes the root file system $healthy: the sample one with the tools that it lacks, and with the block
+# of eth0 for DHCP on.
+make_healthy_rootfs() {
+    local tool
+    healthy=$lib_folder/rootfs
+    cp -R "$VELK_BUILD/rootfs" "$healthy"
+    for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
+        mkdir -p "$healthy${tool%/*}"
+        printf '#!/bin/sh\n' >"$healthy$tool"
+        chmod 755 "$healthy$tool"
+    done
+    sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
+}
 
 # Runs a command on a new simulated device.
 on_device() { run velk-sandbox --quiet -- "$@"; }

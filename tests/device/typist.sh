@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # typist.sh - tests of completion at a terminal. Source it after lib.sh.
 # shellcheck shell=bash
 # shellcheck disable=SC2016,SC2034,SC2089,SC2090  # for python3 and the shell that it starts

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_case.cpp - reads one case of the edits ring.
 #include "edits/edit_case.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_case.h - reads one case of the edits ring. README.md documents the format.
 #ifndef TESTS_EDITS_EDIT_CASE_H_
 #define TESTS_EDITS_EDIT_CASE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_cases_test.cpp - runs every case of the edits ring.
 #include <algorithm>
 #include <filesystem>

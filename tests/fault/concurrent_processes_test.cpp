@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Many processes at once: the lock has one holder at a time, and no confirmed change is lost.
 #include <atomic>
 #include <string>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Many threads of one process at once exclude each other as processes do.
 #include <string>
 #include <thread>

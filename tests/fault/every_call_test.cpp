@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Every call that a request makes fails once, and once with all later ones of its kind.
 #include <algorithm>
 #include <set>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The disk is full when the shell puts an edited file in place. See docs/reliability.md.
 #include <string>
 

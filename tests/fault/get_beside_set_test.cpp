@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // A get at the moment at which the set of another program has emptied the file and not yet filled
 // it.
 #include <gmock/gmock.h>

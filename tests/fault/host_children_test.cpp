@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Hosts that handle their children in their own way, or cannot have any.
 #include <algorithm>
 #include <cerrno>

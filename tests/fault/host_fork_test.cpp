@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Hosts that call in a child of fork(2), without a new program in it.
 #include <string_view>
 #include <thread>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Hosts that get signals while they call.
 #include <atomic>
 #include <csignal>

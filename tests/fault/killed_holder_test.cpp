@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // A process that is killed while it holds the lock.
 #include <csignal>
 #include <cstdlib>

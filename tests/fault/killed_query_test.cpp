@@ -1,4 +1,7 @@
-// A killed wireless query leaves its question at the daemon, its semaphore and its socket to the
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// A killed wireless query leaves its request at the daemon, its semaphore and its socket to the
 // next query. The daemon keeps running.
 #include <csignal>
 #include <cstring>
@@ -103,7 +106,7 @@ TEST_F(KilledQueryTest, AKilledQueryLeavesNothingThatBlocksTheSameQuestion) {
 }
 
 // The daemon still waits until the killed query listens, and takes the next query for it. No reply
-// names the question that it answers.
+// says which query it belongs to.
 TEST_F(KilledQueryTest, AKilledQueryMayLeaveItsAnswerToAGetOfTheOtherRecord) {
     KillGetAt(Call::kBind, VELK_CMD_RATE);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_CHANNEL, "eth1"), 0);

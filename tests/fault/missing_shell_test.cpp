@@ -1,4 +1,7 @@
-// If no shell can be started, an earlier output of tools is taken for new: system(3) reports that
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// If no shell can be started, an earlier output of tools is read as new: system(3) reports that
 // like a command that failed, and the library does not notice. See docs/reliability.md.
 #include <optional>
 
@@ -72,7 +75,7 @@ TEST_F(MissingShellTest, WithoutAnOldResultTheValueIsMissing) {
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), -1);
 }
 
-// After a minute of asking the link counts as down.
+// After a minute of attempts the link counts as down.
 TEST_F(MissingShellTest, WithoutAnOldResultThereIsNoLink) {
     StartWithoutAShell({.has_cable = true});
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_RATE, "eth1"), 0);

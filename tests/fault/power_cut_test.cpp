@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The power fails at each system call of each set and its tools, and comes back.
 #include <algorithm>
 #include <cstdio>
@@ -220,10 +223,10 @@ TEST_P(PowerCutTest, DISABLED_ACutLeavesTheSameAtEverySystemCall) {
 
 // More than cat(1) copies at once.
 TEST_F(PowerCut, ACutMayLeaveTheFirstPiecesOfALongFile) {
-    const std::string remark = "#" + std::string(20 * 1024, '-') + "\n";
+    const std::string comment = "#" + std::string(20 * 1024, '-') + "\n";
     std::string& text = start_[kInterfacesFile].emplace();
     for (int count = 0; count < 20; ++count) {
-        text += remark;
+        text += comment;
     }
     text += "auto eth0\niface eth0 inet static\n\taddress 192.168.0.10\n";
     const Request request{"set 104 eth0, 400 KB",

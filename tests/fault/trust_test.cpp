@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Tests of the claims in docs/security.md: no caller may reach these things through the library.
 #include <cerrno>
 #include <optional>

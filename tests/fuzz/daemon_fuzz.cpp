@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // daemon_fuzz.cpp - every record that the wireless daemon may send, over the real sockets: a get
 // returns its field and nothing more, a set sends the other fields back unchanged.
 //

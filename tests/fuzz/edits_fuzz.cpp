@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edits_fuzz.cpp - every set that edits a file, on any file: only its own lines change. On files in
 // the device's usual form, the set is read back, and a second set changes nothing.
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // requests_fuzz.cpp - the request record itself, on a device with its sample files.
 //
 // An input is the record's bytes; missing bytes are zero.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // scans_fuzz.cpp - every file and every tool's output that a get reads, with any text.
 //
 // An input is the row's letter, "0" or "1" for the interface and the rest of a line that is not

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // allocations.cpp - operator new and delete, counted and failing by plan.
 #include "support/allocations.h"
 
@@ -19,8 +22,8 @@ thread_local bool is_counting = false;
 thread_local int allocations_made = 0;
 thread_local int allocations_held = 0;
 
-// The mark after every block: it says whether the block was counted when it was allocated. It is
-// not in front of the block, because a leak checker looks for pointers to the block's first byte.
+// The mark after every block. It shows if the block was counted when it was allocated. It is not
+// in front of the block, because a leak checker looks for pointers to the block's first byte.
 bool* MarkAfter(void* block) {
     return static_cast<bool*>(block) + malloc_usable_size(block) - sizeof(bool);
 }
@@ -127,7 +130,7 @@ void* operator new[](size_t size) {
     return testkit::Allocate(size);
 }
 
-// A sanitizer has these beside its own of the others, of which the blocks would not be.
+// A sanitizer has its own definitions of these, which do not know the blocks of the others.
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
     try {
         return testkit::Allocate(size);

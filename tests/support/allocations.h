@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // allocations.h - the allocations of the test program: counted, or failing by plan.
 //
 // The test executable defines operator new and delete itself, for the library as well.
@@ -6,11 +9,11 @@
 
 namespace testkit {
 
-// Which calls a planned fault hits: one alone, or it and all later ones of its kind.
+// The calls that a planned fault hits: one alone, or it and all later ones of its kind.
 enum class Reach { kThatOne, kAllFrom };
 
-// While it lives, allocations of the calling thread are the test kit's own: they neither count nor
-// fail.
+// During its lifetime, allocations of the calling thread belong to the test kit: they neither count
+// nor fail.
 class UncountedAllocations {
   public:
     UncountedAllocations();
@@ -22,7 +25,8 @@ class UncountedAllocations {
     const bool outer_;
 };
 
-// While it lives, the calling thread's allocations are counted. One at a time in a thread.
+// During its lifetime, the allocations of the calling thread are counted. A thread has one at a
+// time.
 class AllocationCount {
   public:
     AllocationCount();
@@ -31,7 +35,7 @@ class AllocationCount {
     AllocationCount& operator=(const AllocationCount&) = delete;
 
     int made() const;
-    // Those that were not freed again.
+    // Returns the number of counted allocations that were not freed.
     int held() const;
 };
 
@@ -44,7 +48,7 @@ class AllocationFault {
     AllocationFault(const AllocationFault&) = delete;
     AllocationFault& operator=(const AllocationFault&) = delete;
 
-    // An allocation has failed by it.
+    // Returns true if an allocation has failed by it.
     bool has_struck() const;
 };
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_probe.cpp - makes each intercepted call once. Built with PROBE_NAME, the functions' prefix.
 #include "support/call_probe.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_probe.h - makes each intercepted call once from a shared library, in the compiler's
 // spelling.
 #ifndef TESTS_SUPPORT_CALL_PROBE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_test.cpp - the fixture of tests that touch the device's files.
 #include "support/device_test.h"
 
@@ -20,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // The library's folders. Files that an earlier test left there are removed.
-constexpr const char* kScratchFolders[] = {"/tmp",
+constexpr const char* kScratchFolders[] = {kSocketFolder,
                                            kEditFolder,
                                            kSemaphoreFolder,
                                            "/etc/network",
@@ -28,8 +31,8 @@ constexpr const char* kScratchFolders[] = {"/tmp",
                                            "/usr/local/share/apps/wlan",
                                            "/usr/local/share/etc/snmp",
                                            "/var/cron/tabs",
-                                           "/var/libvelk",
                                            kJournalFolder,
+                                           kLibraryFolder,
                                            "/var/log/syslog"};
 constexpr const char* kDeviceFiles[] = {kDhcpConfigFile, kExitHooks, kResolverFile, kClientScript};
 
@@ -39,7 +42,7 @@ void EmptyDevice() {
     std::error_code ignored;
     for (const char* folder : kScratchFolders) {
         for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
-            // Folders here are the checkout, kept visible when it lies below /tmp.
+            // A folder here belongs to the checkout, which stays visible if it is below /tmp.
             if (!entry.is_directory()) {
                 fs::remove(entry.path(), ignored);
             }

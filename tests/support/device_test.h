@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_test.h - the fixture of tests that touch the device's files.
 #ifndef TESTS_SUPPORT_DEVICE_TEST_H_
 #define TESTS_SUPPORT_DEVICE_TEST_H_
@@ -34,20 +37,21 @@ std::vector<int> OpenDescriptors();
 // True if nobody holds the set/restart lock.
 bool IsLockFree();
 
-// Removes all files in the library's folders; the fixture below does so before each test.
+// Removes all files in the library's folders. The fixture below does so before each test.
 void EmptyDevice();
 
 _velk_request MakeRequest(uint32_t type, uint32_t id, std::string_view interface,
                           std::string_view data = {});
 
-// A response filled with a byte that no handler writes, so that clearing it shows.
+// Returns a response filled with a byte that no handler writes, so that a test notices if it is
+// not cleared.
 _velk_request DirtyResponse();
 
-// The first `size` bytes of a response's data.
+// Returns the first `size` bytes of a response's data.
 std::string Data(const _velk_request& response, size_t size = VELK_DATA_SIZE);
 
 // Every test starts on an empty device with an empty recorder, and must leave no descriptor open
-// and the lock free. It changes files at their real paths: main() runs no test at all where the
+// and the lock free. It changes files at their real paths: main() runs no test if the
 // process could not move onto a private device.
 class DeviceTest : public ::testing::Test {
   protected:

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dice.h - random choices for tests that make files at random.
 #ifndef TESTS_SUPPORT_DICE_H_
 #define TESTS_SUPPORT_DICE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_copy.h - the copies in which the library edits files.
 #ifndef TESTS_SUPPORT_EDIT_COPY_H_
 #define TESTS_SUPPORT_EDIT_COPY_H_

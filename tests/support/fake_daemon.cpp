@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_daemon.cpp - a wireless daemon within the test.
 #include "support/fake_daemon.h"
 
@@ -21,10 +24,10 @@
 namespace testkit {
 namespace {
 
-constexpr int kPatience = 3;  // seconds for the library's word that it listens
+constexpr int kReadyLimit = 3;  // in seconds, until the library signals its reply socket
 
-// Held while a daemon's thread is at work, but not while it waits, and while a process is forked: a
-// child would find the locks of allocator and semaphores taken for good, which that thread holds.
+// A daemon's thread holds this lock while it works, but not while it waits. A fork holds it too:
+// otherwise the child could inherit locks of the allocator that nobody releases.
 std::mutex work_or_fork;
 [[maybe_unused]] const int kForksWait = pthread_atfork(
     [] { work_or_fork.lock(); }, [] { work_or_fork.unlock(); }, [] { work_or_fork.unlock(); });
@@ -36,7 +39,7 @@ sockaddr_un AddressOf(const char* path) {
     return address;
 }
 
-// Waits until the library says that its reply socket exists; gives up when it does not.
+// Waits until the library signals that its reply socket exists. Returns false after the limit.
 bool WaitUntilReady(int seconds, std::unique_lock<std::mutex>& work) {
     sem_t* sem = sem_open(kSemaphoreName, 0, 0U, 0U);
     if (sem == SEM_FAILED) {
@@ -59,7 +62,7 @@ FakeDaemon::FakeDaemon(Turn turn) : turn_(turn) {
     unlink(kRequestSocket);
     socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     const sockaddr_un address = AddressOf(kRequestSocket);
-    // The library's address lengths leave out the NUL; so must the name the kernel keeps.
+    // The length excludes the NUL, as in the library, so that the kernel keeps the same name.
     const auto length =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + strlen(kRequestSocket));
     (void)bind(socket_, reinterpret_cast<const sockaddr*>(&address), length);
@@ -68,7 +71,7 @@ FakeDaemon::FakeDaemon(Turn turn) : turn_(turn) {
         return;
     }
     thread_ = std::thread([this] { Serve(); });
-    serving_.wait(false);  // starting a thread takes locks as well
+    serving_.wait(false);  // starting a thread takes locks, too
 }
 
 void FakeDaemon::ServePending() {
@@ -144,7 +147,7 @@ void FakeDaemon::Serve() {
     }
 }
 
-// Takes the next request; returns false if none comes in time.
+// Takes the next request. Returns false if none comes in time.
 bool FakeDaemon::ServeOne(int timeout_ms) {
     pollfd waiting{socket_, POLLIN, 0};
     if (poll(&waiting, 1, timeout_ms) != 1) {
@@ -175,14 +178,14 @@ void FakeDaemon::Handle(const std::string& datagram, std::unique_lock<std::mutex
         }
         reply = raw_reply_.value_or(ReplyTo(type));
     }
-    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : kPatience, work)) {
+    if (WaitUntilReady(turn_ == Turn::kInSelect ? 0 : kReadyLimit, work)) {
         Reply(reply);
     }
 }
 
 std::string FakeDaemon::ReplyTo(int type) const {
     const UMsgData& body = type == VELK_WLAN_REPORT ? conf_ : state_;
-    std::string bytes(4, '\x7f');  // the type of a reply is not looked at
+    std::string bytes(4, '\x7f');  // the library ignores the type of a reply
     bytes.append(reinterpret_cast<const char*>(&body), sizeof(body));
     return bytes;
 }

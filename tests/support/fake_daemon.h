@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_daemon.h - a wireless daemon within the test, over the real sockets and semaphore.
 #ifndef TESTS_SUPPORT_FAKE_DAEMON_H_
 #define TESTS_SUPPORT_FAKE_DAEMON_H_
@@ -17,7 +20,7 @@ namespace testkit {
 // semaphore. Its own calls are not recorded.
 class FakeDaemon {
   public:
-    // Where it works: in a thread of its own, or inside the library's select(2). The latter makes
+    // The daemon works in a thread of its own, or inside the library's select(2). The latter makes
     // tests independent of timing.
     enum class Turn { kOwnThread, kInSelect };
 
@@ -26,29 +29,29 @@ class FakeDaemon {
     FakeDaemon(const FakeDaemon&) = delete;
     FakeDaemon& operator=(const FakeDaemon&) = delete;
 
-    // Takes all requests that are waiting; without a thread, nobody else does.
+    // Takes all requests that are waiting. A daemon without a thread takes them only here.
     void ServePending();
 
-    // Ends the daemon and waits for it; its sockets are gone then.
+    // Ends the daemon and waits until its sockets are removed.
     void Stop();
 
     void SetConf(const SMsgConf& conf);
     void SetState(const SMsgState& state);
     // Answers every query with these bytes instead of a proper reply.
     void ReplyWith(const std::string& bytes);
-    // Never answers.
+    // From now on, answers no query.
     void StaySilent();
 
     SMsgConf conf() const;
-    // The datagrams received so far, whole.
+    // Returns the datagrams received so far.
     std::vector<std::string> requests() const;
-    // The type numbers of those.
+    // Returns the message types of these datagrams.
     std::vector<int> types() const;
 
   private:
     void Serve();
     bool ServeOne(int timeout_ms);
-    // Releases `work` while it waits for the library.
+    // Handles one datagram. Releases `work` while it waits for the library.
     void Handle(const std::string& datagram, std::unique_lock<std::mutex>& work);
     void Reply(const std::string& bytes);
     std::string ReplyTo(int type) const;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_interfaces.cpp - the network interfaces that getifaddrs(3) reports to the code under test.
 #include "support/fake_interfaces.h"
 

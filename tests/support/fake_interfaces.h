@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_interfaces.h - the network interfaces that getifaddrs(3) reports to the code under test.
 #ifndef TESTS_SUPPORT_FAKE_INTERFACES_H_
 #define TESTS_SUPPORT_FAKE_INTERFACES_H_
@@ -11,7 +14,7 @@
 namespace testkit {
 
 // During its lifetime getifaddrs(3) reports these interfaces and addresses, in the order of their
-// addition. Without one it reports those of the machine.
+// addition. Otherwise it reports those of the machine.
 class FakeInterfaces {
   public:
     FakeInterfaces();
@@ -19,9 +22,9 @@ class FakeInterfaces {
     FakeInterfaces(const FakeInterfaces&) = delete;
     FakeInterfaces& operator=(const FakeInterfaces&) = delete;
 
-    // An interface without an address, as the first entries of the list are.
+    // Adds an interface without an address, like the first entries of the list.
     void AddInterface(const std::string& name, unsigned flags);
-    // `netmask` may be null.
+    // Adds an interface with an address. `netmask` may be null.
     void AddAddress(const std::string& label, unsigned flags, const char* address,
                     const char* netmask);
     void AddIpv6(const std::string& name, unsigned flags);

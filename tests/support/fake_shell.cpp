@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_shell.cpp - replaces the shell.
 #include "support/fake_shell.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fake_shell.h - replaces the shell: prints the test's texts at once and without tools.
 #ifndef TESTS_SUPPORT_FAKE_SHELL_H_
 #define TESTS_SUPPORT_FAKE_SHELL_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // left_client.h - a process that looks like a DHCP client.
 #ifndef TESTS_SUPPORT_LEFT_CLIENT_H_
 #define TESTS_SUPPORT_LEFT_CLIENT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // libc_interposed.cpp - the executable's own definitions of the libc calls the library makes.
 //
 // Each call is defined in every spelling that compilers turn it into: the plain one, the one for
@@ -38,7 +41,7 @@ Function Real(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
-// Notes the call and answers it: from the script, or by `pass_through`.
+// Records the call and returns its outcome, from the script or from `pass_through`.
 template <typename PassThrough>
 auto Answer(CallView call, PassThrough pass_through) -> decltype(pass_through()) {
     const int saved = errno;
@@ -89,7 +92,7 @@ const char* PathOf(const sockaddr* address) {
                                          : "";
 }
 
-// The mode argument is there only when the flags say so.
+// The mode argument exists only with some flags.
 bool HasMode(int flags) {
     return (flags & (O_CREAT | O_TMPFILE)) != 0;
 }
@@ -140,7 +143,7 @@ ssize_t write(int fd, const void* buffer, size_t size) {
 }
 
 int close(int fd) {
-    // A scripted failure closes the descriptor all the same, as the kernel does.
+    // A scripted failure closes the descriptor nevertheless, as the kernel does.
     static auto* real = Real<int (*)(int)>("close");
     const int result = real(fd);
     return Answer({Call::kClose, std::to_string(fd), "close"}, [&] { return result; });

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // libc_recorder.cpp - records calls and answers them by script.
 #include "support/libc_recorder.h"
 
@@ -172,7 +175,7 @@ bool LibcRecorder::IsFaultDue(Call call) {
     return true;
 }
 
-// Notes the call; hands out its answer and the hook, which must run unlocked.
+// Records the call. Returns its outcome, and the hook, which must run unlocked.
 LibcRecorder::Answers LibcRecorder::Reserve(const Event& event) {
     const std::lock_guard guard(mutex_);
     events_.push_back(event);

@@ -1,6 +1,9 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // libc_recorder.h - records the library's calls of libc, and answers them by script.
 //
-// The test executable defines system(3), sleep(3), syslog(3), open(2) and their kin itself, and the
+// The test executable defines system(3), sleep(3), syslog(3), open(2) and others itself, and the
 // dynamic linker prefers the executable's definitions. Every call passes through to libc unless a
 // test scripts it, with two exceptions: sleep(3) returns at once unless SleepForReal() was called,
 // and a log line is kept but never sent, so that the machine's own log stays as it is.
@@ -48,7 +51,7 @@ enum class Call {
     kSyslog
 };
 
-// The answer of one call.
+// The outcome of one call.
 struct Outcome {
     bool pass = true;
     long result = 0;
@@ -58,7 +61,7 @@ Outcome Pass();
 Outcome Fail(int error);      // -1 with errno
 Outcome Return(long result);  // the result alone, errno untouched
 
-// One call as it came in. `text` is the shell line, the formatted log line, the path, the seconds.
+// A recorded call. `text` is the shell line, the formatted log line, the path, the seconds.
 struct Event {
     Call call;
     std::string text;
@@ -66,7 +69,7 @@ struct Event {
     int number = 0;        // log priority, open flags, lock operation, mode
 };
 
-// The same on its way in, before the recorder has copied it.
+// A call before the recorder has copied its texts.
 struct CallView {
     Call call;
     std::string_view text;
@@ -83,22 +86,23 @@ class LibcRecorder {
     // Forgets the recorded calls alone.
     void ForgetEvents();
 
-    // The next calls of this kind answer these, in order; later ones pass through.
+    // The next calls of this kind return these outcomes, in order; later ones pass through.
     void Script(Call call, std::initializer_list<Outcome> outcomes);
-    // Calls of this kind after the end of the script answer this.
+    // Calls of this kind after the end of the script return this outcome.
     void ScriptAlways(Call call, Outcome outcome);
-    // Runs before every call of this kind; a fake tool can leave files here.
+    // Runs `hook` before every call of this kind. A fake tool can write its files there.
     void OnCall(Call call, std::function<void(const Event&)> hook);
 
-    // Runs before every call of any kind; its own calls are not recorded.
+    // Runs `observer` before every call of any kind. Its own calls are not recorded.
     void OnEveryCall(std::function<void(const Event&)> observer);
 
-    // The call of this kind with this number (from 1, counted from now) fails in spite of any
-    // script, and its hook does not run. One fault is planned at a time.
+    // Lets the call of this kind with this number (from 1, counted from now) fail in spite of any
+    // script. Its hook does not run. One fault is planned at a time.
     void PlanFault(Call call, int number, Reach reach, int error);
-    // The same with a given answer: system(3) reports a missing shell without an errno.
+    // Like the function above, with this outcome: system(3) reports a missing shell without an
+    // errno.
     void PlanFault(Call call, int number, Reach reach, Outcome answer);
-    // The planned fault has hit a call.
+    // Returns true if the planned fault has hit a call.
     bool HasFaultStruck() const;
 
     void ForgetFault();
@@ -107,25 +111,25 @@ class LibcRecorder {
     void NeverWait();
     bool never_waits() const;
 
-    // From now on sleep(3) takes its time, and signals interrupt it.
+    // From now on sleep(3) really sleeps, and signals interrupt it.
     void SleepForReal();
     bool sleeps_for_real() const;
 
-    // Opening this path opens the other one instead. This replaces files that only the kernel can
+    // From now on, open(2) of `path` opens `other`. This replaces files that only the kernel can
     // write.
     void Redirect(const std::string& path, const std::string& other);
 
-    // The texts of all calls of one kind, in order.
+    // Returns the texts of all calls of one kind, in order.
     std::vector<std::string> Texts(Call call) const;
     std::vector<std::string> Commands() const { return Texts(Call::kSystem); }
     std::vector<std::string> Logs() const { return Texts(Call::kSyslog); }
     std::vector<Event> Events(Call call) const;
-    // Shell lines, sleeps and log lines in the order they came: "system sudo ifdown eth0".
+    // Returns shell lines, sleeps and log lines in their order: "system sudo ifdown eth0".
     std::vector<std::string> Story() const;
-    // Every call of the given kinds in the order they came, as the symbol alone: "sem_post".
+    // Returns every call of the given kinds in their order, as the symbol alone: "sem_post".
     std::vector<std::string> Order(const std::set<Call>& calls) const;
 
-    // For the interposed functions: notes the call and says how to answer it.
+    // Records a call of an interposed function and returns its outcome.
     Outcome Take(const CallView& call);
     // Returns the path to open instead of this one.
     const char* Target(const char* path) const;
@@ -157,7 +161,7 @@ class LibcRecorder {
     bool sleeps_for_real_ = false;
 };
 
-// While it lives, the calling thread's calls pass through unseen: for a test's own helpers.
+// During its lifetime, calls of the calling thread are not recorded: for a test's own helpers.
 class Unrecorded {
   public:
     Unrecorded();

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // main.cpp - moves the unit tests onto a private device before the first one runs.
 #include <algorithm>
 #include <cerrno>
@@ -20,10 +23,10 @@ bool IsListing(int argc, char** argv) {
 }
 
 constexpr int kSkipped = 77;  // as SKIP_RETURN_CODE in CMakeLists.txt
-// A device's programs find tools in all of these; the caller of the tests may lack some.
+// The programs of a device find tools in all these folders. The caller's PATH may lack some.
 constexpr char kSearchPath[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 
-// False, after saying why, where the kernel gives no private namespaces.
+// Returns false, after printing the reason, if the kernel gives no private namespaces.
 bool EnterPrivateDevice() {
     sandbox::DeviceOptions options;
     options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR};
@@ -42,7 +45,7 @@ bool EnterPrivateDevice() {
 int main(int argc, char** argv) {
     const bool listing = IsListing(argc, argv);
     ::testing::InitGoogleMock(&argc, argv);
-    (void)prctl(PR_SET_NAME, program_invocation_short_name);  // not valgrind's, as it would be
+    (void)prctl(PR_SET_NAME, program_invocation_short_name);  // otherwise valgrind's name
     (void)setenv("PATH", kSearchPath, 1);
     if (!listing && !EnterPrivateDevice()) {
         return kSkipped;  // the tests write to the library's real paths

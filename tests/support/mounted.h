@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // mounted.h - a mount on the private device of a test.
 #ifndef TESTS_SUPPORT_MOUNTED_H_
 #define TESTS_SUPPORT_MOUNTED_H_
@@ -9,10 +12,10 @@
 
 namespace testkit {
 
-// Mounts a file system for the scope, and unmounts it at its end.
+// Mounts a file system until the end of the scope.
 class Mounted {
   public:
-    // The arguments are those of mount(2).
+    // Takes the arguments of mount(2).
     Mounted(const char* source, const std::string& target, const char* type, unsigned long flags,
             const char* options)
         : target_(target) {
@@ -26,7 +29,7 @@ class Mounted {
     const std::string target_;
 };
 
-// An empty folder in the place of another.
+// Replaces a folder by an empty one until the end of the scope.
 class Emptied : public Mounted {
   public:
     explicit Emptied(const std::string& folder, const char* options = "")

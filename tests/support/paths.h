@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // paths.h - the paths of the device as the tests expect them, independent of the library's list in
 // lib/base/paths.h. A unit test compares both lists, path by path.
 #ifndef TESTS_SUPPORT_PATHS_H_
@@ -49,6 +52,7 @@ inline constexpr char kResultFile[] = "/var/tmp/get_result";
 inline constexpr char kLockFile[] = "/var/tmp/vklib_lock";
 
 // The query to the wireless daemon.
+inline constexpr char kSocketFolder[] = "/tmp";
 inline constexpr char kRequestSocket[] = "/tmp/WlanAplToWlanSock";
 inline constexpr char kReplySocket[] = "/tmp/WlanAplFromWlanSock";
 inline constexpr char kSemaphoreName[] = "/WlanAplRecvSem";

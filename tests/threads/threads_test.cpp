@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Concurrent calls from many threads of one program, with the real shell.
 #include <atomic>
 #include <cstdlib>
@@ -14,14 +17,18 @@
 #include <fnmatch.h>
 #include <gmock/gmock.h>
 
+#include "support/paths.h"
 #include "velk.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
+using testkit::kIdentityFile;
+using testkit::kInterfacesFile;
+using testkit::kResultFile;
+
 constexpr int kThreads = 8;
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kTools[] = "/tmp/tools";
 constexpr char kCopied[] = "/tmp/copied";  // all texts that cat(1) copied, in order
 
@@ -69,8 +76,8 @@ class ThreadsTest : public testing::Test {
         AddTool("sudo", "exec \"$@\"");
         AddTool("ethtool", "echo Speed: 100Mb/s; echo Duplex: Full; echo Auto-negotiation: off");
         setenv("PATH", kTools, 1);
-        Write(kInterfaces, InterfacesWith("192.168.0.10", "192.168.0.1"));
-        Write("/var/libvelk/libvelk", "ADMINISTRATOR=Robin\nLOCATION=Cellar\n");
+        Write(kInterfacesFile, InterfacesWith("192.168.0.10", "192.168.0.1"));
+        Write(kIdentityFile, "ADMINISTRATOR=Robin\nLOCATION=Cellar\n");
     }
 
   private:
@@ -113,7 +120,7 @@ TEST_F(ThreadsTest, ThreadsWaitForEachOthersTools) {
         wrong += result == 0 && response.data[0] == VELK_LINK_100_FULL ? 0 : 1;
     });
     EXPECT_EQ(wrong, 0);
-    EXPECT_FALSE(fs::exists("/var/tmp/get_result"));
+    EXPECT_FALSE(fs::exists(kResultFile));
 }
 
 // A get during a set may read an empty file while the shell copies it.
@@ -151,7 +158,7 @@ std::vector<std::string> StoredInOrder(const std::string& copied) {
         gateway = new_gateway;
     }
     EXPECT_EQ(copied, whole) << "one is torn";
-    EXPECT_EQ(Read(kInterfaces), InterfacesWith(address, gateway));
+    EXPECT_EQ(Read(kInterfacesFile), InterfacesWith(address, gateway));
     return stored;
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // calls.h - calls of the library without a fixture, for processes of their own.
 #ifndef TESTS_WORLD_CALLS_H_
 #define TESTS_WORLD_CALLS_H_

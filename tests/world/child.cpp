@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // child.cpp - runs a function in a process of its own, under other conditions.
 #include "world/child.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // child.h - runs a function in a process of its own, under other conditions.
 #ifndef TESTS_WORLD_CHILD_H_
 #define TESTS_WORLD_CHILD_H_
@@ -36,8 +39,8 @@ class Child {
     Child& operator=(const Child&) = delete;
 
     pid_t pid() const { return pid_; }
-    // Waits for its end. Returns the result of `work`, 128 plus the signal that ended the child, or
-    // kImpossible.
+    // Waits for the end of the child. Returns the result of `work`, 128 plus the signal that ended
+    // the child, or kImpossible.
     int Wait();
     // Ends the child, but not the processes that it started.
     void Kill();

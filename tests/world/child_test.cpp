@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The conditions of this ring apply to the tests' children, and only to them.
 #include "world/child.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // If the copying of a set ends in the middle, the file is complete afterwards: the old or the new
 // text.
 #include <csignal>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // A set in a host with a limit on the size of files leaves the file unchanged.
 #include <csignal>
 #include <string>

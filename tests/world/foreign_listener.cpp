@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // foreign_listener.cpp - listens in the place of a simulated device and hands over a process.
 //
 // Usage: foreign_listener ADDRESS [PID]. ADDRESS is a path or a name in the network, as

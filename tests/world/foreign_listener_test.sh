@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # foreign_listener_test.sh - another user takes the name of a simulated device and hands over a
 # process of his own. Root only: it takes two users.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Gets beside two programs that set all the time: no get reads a setting as off because the shell
 // has just emptied its file.
 #include <chrono>
@@ -21,7 +24,7 @@ using testkit::kInterfacesFile;
 
 constexpr int kGets = 3000;
 
-// Sets two servers in turn for ever. The method stays unchanged.
+// Sets two servers in turn until the process is killed. The method stays unchanged.
 int SetServers() {
     for (int i = 0;; ++i) {
         (void)Set(VELK_CMD_NTP_SERVER, "", i % 2 == 0 ? "a.example" : "b.example");

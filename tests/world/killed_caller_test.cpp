@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The caller alone is killed, its tools run on, and another program sets at once.
 #include <csignal>
 #include <string>

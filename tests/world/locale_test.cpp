@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // An administrator's text that a tool reads in an encoding with characters of several bytes.
 #include <cstdlib>
 #include <filesystem>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Another user has made the file of the set/restart lock, and replaces it at any moment.
 #include <atomic>
 #include <cstring>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Other users plant things under the name of the file into which tools print.
 #include <chrono>
 #include <functional>
@@ -197,7 +200,7 @@ TEST_F(ResultFileTest, ALockOfAnotherUserIsNotWaitedForForEver) {
     EXPECT_EQ(libc().Events(testkit::Call::kNanosleep).size(), 1500U);
 }
 
-// A lock that is kept for ever, and files that come and go.
+// The lock is never released, and files are created and removed endlessly.
 TEST_F(ResultFileTest, AKeptLockAndComingFilesHoldNoReaderForLong) {
     Child holder({.user = kNobody}, [] {
         const int fd = open(kEditFolder, O_RDONLY | O_CLOEXEC);

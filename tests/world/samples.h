@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // samples.h - the file that the tests of this ring must find complete.
 #ifndef TESTS_WORLD_SAMPLES_H_
 #define TESTS_WORLD_SAMPLES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shared.h - a value that a test and its children share.
 #ifndef TESTS_WORLD_SHARED_H_
 #define TESTS_WORLD_SHARED_H_

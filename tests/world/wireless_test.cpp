@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Tests that another user of the device cannot obtain wireless keys.
 #include <atomic>
 #include <cstring>

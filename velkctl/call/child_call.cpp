@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // child_call.cpp - runs a command in a process of its own, so that it can be stopped.
 #include "velkctl/call/child_call.h"
 
@@ -32,7 +35,7 @@ static_assert(sizeof(Message) <= PIPE_BUF);
 using Milliseconds = std::chrono::milliseconds;
 
 // The pause between two looks at the tools that are to end.
-constexpr Milliseconds kToolPause{10};
+constexpr Milliseconds kEndPause{10};
 // A tool that is asked to end has this time.
 constexpr Milliseconds kEndTime{1000};
 constexpr int kNoSignal = 0;
@@ -152,7 +155,7 @@ std::vector<Process> ChildCall::Descendants() const {
 // Sends the signal to all tools, again to those that were started meanwhile. Returns true as soon
 // as no tool is left.
 bool ChildCall::TryToEnd(int signal, Milliseconds longest) const {
-    for (Milliseconds left = longest;; left -= kToolPause) {
+    for (Milliseconds left = longest;; left -= kEndPause) {
         const std::vector<Process> tools = Descendants();
         if (tools.empty() || left <= Milliseconds::zero()) {
             return tools.empty();
@@ -160,7 +163,7 @@ bool ChildCall::TryToEnd(int signal, Milliseconds longest) const {
         for (const Process& tool : tools) {
             (void)kill(tool.id, signal);
         }
-        Pause(kToolPause);
+        Pause(kEndPause);
     }
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // child_call.h - runs a command in a process of its own, so that it can be stopped.
 #ifndef VELKCTL_CALL_CHILD_CALL_H_
 #define VELKCTL_CALL_CHILD_CALL_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // cleanup.cpp - removes the files of a call that was ended early.
 #include "velkctl/call/cleanup.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // cleanup.h - removes the files of a call that was ended early.
 #ifndef VELKCTL_CALL_CLEANUP_H_
 #define VELKCTL_CALL_CLEANUP_H_

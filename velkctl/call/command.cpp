@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command.cpp - a command of the library and its answer.
 #include "velkctl/call/command.h"
 
@@ -35,8 +38,8 @@ Problem ProblemOf(std::string message, std::string setting, const Answer& answer
     if (!answer.awaited.empty()) {
         problem.detail.append("; waited for ").append(Printable(answer.awaited));
     }
-    if (!answer.remark.empty()) {
-        problem.detail.append(problem.detail.empty() ? "" : "; ").append(answer.remark);
+    if (!answer.note.empty()) {
+        problem.detail.append(problem.detail.empty() ? "" : "; ").append(answer.note);
     }
     problem.remedy = answer.timed_out ? kTimedOutRemedy : FindResultCode(answer.result).remedy;
     constexpr std::string_view kPlaceholder = "NAME";

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command.h - a command of the library and its answer.
 #ifndef VELKCTL_CALL_COMMAND_H_
 #define VELKCTL_CALL_COMMAND_H_
@@ -27,7 +30,7 @@ struct Answer {
     bool timed_out = false;                  // no answer came in time; `result` has no meaning
     int timeout_seconds = 0;                 // the limit, if timed out; 0: unknown
     std::string awaited{};                   // "ifup eth0", if timed out; empty: unknown
-    std::string remark{};                    // more about a failure
+    std::string note{};                      // more about a failure
     std::vector<std::string> tool_output{};  // the output of the tools that the library ran
 
     bool ok() const { return !timed_out && result == LIB_VELK_SUCCESS; }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device.cpp - the device for the verbs: settings to read and to change.
 #include "velkctl/call/device.h"
 
@@ -11,7 +14,6 @@
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/call/unfinished_edits.h"
 #include "velkctl/files/lock_holder.h"
-#include "velkctl/settings/affected_settings.h"
 
 namespace velkctl {
 namespace {
@@ -29,7 +31,7 @@ bool IsLeaseAddress(const Command& command) {
         return false;
     }
     const Answer method = CallLibrary({VELK_GET, VELK_CMD_IP_METHOD, command.interface});
-    return !method.ok() || method.data[0] != VELK_METHOD_STATIC;
+    return !method.ok() || !IsStaticMethod(method.data);
 }
 
 // True for a get that only reads files. It needs no process of its own: a signal can end it at any
@@ -68,7 +70,7 @@ void NoteLockHolder(int seconds, Report& report) {
 }
 
 // Returns who holds the lock; empty if unknown.
-std::string LockHolderRemark(int waited) {
+std::string LockHolderNote(int waited) {
     const std::optional<LockHolder> holder = FindLockHolder();
     if (!holder) {
         return "";
@@ -107,8 +109,8 @@ std::string Device::PrintedValue(const Setting& setting) const {
 }
 
 bool Device::HasStaticMethod(std::string_view interface) const {
-    const Answer method = Get(SettingsOf(VELK_CMD_IP_METHOD, interface).front());
-    return method.ok() && method.data[0] == VELK_METHOD_STATIC;
+    const Answer method = Get(SettingOf(VELK_CMD_IP_METHOD, interface));
+    return method.ok() && IsStaticMethod(method.data);
 }
 
 Answer Device::Set(const Setting& setting, const Data& value) const {
@@ -170,7 +172,7 @@ Answer Device::Run(const PendingCall& call) const {
         answer = TryAgain(call, wait, answer);
     }
     if (IsLocked(answer)) {
-        answer.remark = LockHolderRemark(wait);
+        answer.note = LockHolderNote(wait);
     }
     if (answer.timed_out) {
         answer.timeout_seconds = limits_.timeout_seconds;

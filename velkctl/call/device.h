@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device.h - the device for the verbs: settings to read and to change.
 #ifndef VELKCTL_CALL_DEVICE_H_
 #define VELKCTL_CALL_DEVICE_H_

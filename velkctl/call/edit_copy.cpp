@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_copy.cpp - the copies in which the library edits files, and the state of each edit.
 #include "velkctl/call/edit_copy.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_copy.h - the copies in which the library edits files, and the state of each edit.
 #ifndef VELKCTL_CALL_EDIT_COPY_H_
 #define VELKCTL_CALL_EDIT_COPY_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // environment.cpp - the environment that velkctl gives the device's tools, and the caller's own.
 #include "velkctl/call/environment.h"
 

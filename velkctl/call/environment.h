@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // environment.h - the environment that velkctl gives the device's tools, and the caller's own.
 #ifndef VELKCTL_CALL_ENVIRONMENT_H_
 #define VELKCTL_CALL_ENVIRONMENT_H_

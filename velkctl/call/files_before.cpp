@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // files_before.cpp - the contents of a setting's files before a set.
 #include "velkctl/call/files_before.h"
 
@@ -18,7 +21,7 @@ std::string LossOf(const TextFile& before, const TextFile& after) {
                                                                         : "";
 }
 
-// Returns the place of the lost text, to end a message.
+// Returns the end of a message: the path of the lost text, if a copy has it.
 std::string EditCopyAdvice(const DeviceFile& file) {
     for (const EditCopy& copy : FindEditCopies()) {
         if (copy.file != &file) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // files_before.h - the contents of a setting's files before a set.
 #ifndef VELKCTL_CALL_FILES_BEFORE_H_
 #define VELKCTL_CALL_FILES_BEFORE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // library_call.cpp - runs a command of the library.
 #include "velkctl/call/library_call.h"
 

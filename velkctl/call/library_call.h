@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // library_call.h - runs a command of the library.
 #ifndef VELKCTL_CALL_LIBRARY_CALL_H_
 #define VELKCTL_CALL_LIBRARY_CALL_H_

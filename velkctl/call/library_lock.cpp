@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // library_lock.cpp - the lock between programs that change settings, taken without the library.
 #include "velkctl/call/library_lock.h"
 

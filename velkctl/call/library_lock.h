@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // library_lock.h - the lock between programs that change settings, taken without the library.
 #ifndef VELKCTL_CALL_LIBRARY_LOCK_H_
 #define VELKCTL_CALL_LIBRARY_LOCK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // longest_wait.cpp - the longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 
@@ -26,8 +29,8 @@ bool IsReadAfterLinkDetection(const CatalogueRow& row) {
     return IsAddressCommand(row.id) || row.held_in.holder == Holder::kKernel;
 }
 
-// The daemon's state, which only a get takes, is read after link detection; its configuration is
-// not.
+// Settings that can only be read are the daemon's state, which is read after link detection. Its
+// configuration is read at once.
 LongestWait OfWireless(const CatalogueRow& row, uint32_t type) {
     if (row.held_in.holder == Holder::kDaemon) {
         return (row.directions & kSet) != 0

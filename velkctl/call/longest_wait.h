@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // longest_wait.h - the longest time that commands take, and their reason for waiting.
 #ifndef VELKCTL_CALL_LONGEST_WAIT_H_
 #define VELKCTL_CALL_LONGEST_WAIT_H_

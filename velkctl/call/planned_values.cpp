@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // planned_values.cpp - the values of the device after the changes of one call.
 #include "velkctl/call/planned_values.h"
 
@@ -40,6 +43,11 @@ std::optional<Data> PlannedValues::Get(const Setting& setting) const {
 std::optional<Data> PlannedValues::Get(uint32_t id, std::string_view interface) const {
     const std::optional<Setting> setting = FindSetting(id, interface);
     return setting ? Get(*setting) : std::nullopt;
+}
+
+bool PlannedValues::HasStaticMethod(std::string_view interface) const {
+    const std::optional<Data> method = Get(VELK_CMD_IP_METHOD, interface);
+    return method && IsStaticMethod(*method);
 }
 
 }  // namespace velkctl

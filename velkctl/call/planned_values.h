@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // planned_values.h - the values of the device after the changes of one call.
 #ifndef VELKCTL_CALL_PLANNED_VALUES_H_
 #define VELKCTL_CALL_PLANNED_VALUES_H_
@@ -28,6 +31,9 @@ class PlannedValues {
 
     // The same for the command with this id on an interface. Returns nothing if there is none.
     std::optional<Data> Get(uint32_t id, std::string_view interface) const;
+
+    // True if the interface will have the method static. False if the method cannot be read.
+    bool HasStaticMethod(std::string_view interface) const;
 
     // True if the changes contain the setting.
     bool Changes(const Setting& setting) const { return Planned(setting).has_value(); }

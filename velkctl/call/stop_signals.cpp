@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stop_signals.cpp - holds back the signals that end velkctl while the library is working, and ends
 // it by a signal afterwards.
 #include "velkctl/call/stop_signals.h"
@@ -59,8 +62,8 @@ void EndBySignal(int signal) {
     (void)::signal(signal, SIG_DFL);
     (void)raise(signal);
     (void)sigprocmask(SIG_UNBLOCK, &only, nullptr);
-    _exit(StatusOfSignal(
-        signal));  // a signal of its own does not end the first process of a PID namespace
+    // The first process of a PID namespace survives a signal that it sends to itself.
+    _exit(StatusOfSignal(signal));
 }
 
 void EndInterrupted(int signal, const std::string& state, Report& report) {

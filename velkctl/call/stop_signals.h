@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // stop_signals.h - holds back the signals that end velkctl while the library is working, and ends
 // it by a signal afterwards.
 #ifndef VELKCTL_CALL_STOP_SIGNALS_H_

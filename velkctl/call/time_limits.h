@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // time_limits.h - how long a user wants to wait.
 //
 // cli/time_options.cpp parses the options. device.cpp applies the limits: the deadline of a command

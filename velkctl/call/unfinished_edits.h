@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // unfinished_edits.h - warns of edit copies that a set replaces.
 #ifndef VELKCTL_CALL_UNFINISHED_EDITS_H_
 #define VELKCTL_CALL_UNFINISHED_EDITS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // watched_call.cpp - runs a command that a deadline or a signal can end.
 #include "velkctl/call/watched_call.h"
 
@@ -38,7 +41,7 @@ constexpr Milliseconds kGrace{1000};
 // A tool that may be writing a file of the device has this time to finish.
 constexpr Milliseconds kWriteTime{1000};
 // The pause between two looks at the tools in the background.
-constexpr Milliseconds kToolPause{100};
+constexpr Milliseconds kBackgroundPause{100};
 
 constexpr std::array<std::string_view, 3> kStarters{"sh -c ", "/bin/sh -c ", "sudo "};
 
@@ -107,9 +110,9 @@ long SecondsToShow(const PendingCall& call, const LongestWait& longest) {
     return longest.seconds == 0 ? left : std::min<long>(left, longest.seconds);
 }
 
-// Returns the time-out for poll(2). The end of a tool in the background wakes nobody up.
+// Returns the time-out for poll(2). It does not notice the end of a tool in the background.
 int PollTimeAfter(int poll_time, bool is_answered) {
-    const int pause = static_cast<int>(kToolPause.count());
+    const int pause = static_cast<int>(kBackgroundPause.count());
     return is_answered && (poll_time == -1 || poll_time > pause) ? pause : poll_time;
 }
 
@@ -150,6 +153,13 @@ bool HasAnswer(const ChildCall& child, Milliseconds limit) {
 // True if the command waits only for files and the tools that copy them.
 bool WaitsForFilesOnly(const Command& command) {
     return LongestWaitOf(command).awaited.empty();
+}
+
+// Waits like WaitForOutcome(). After a signal, a short change may still answer.
+Outcome WaitWithGrace(const ChildCall& child, const StopSignals& signals, const PendingCall& call) {
+    const Outcome outcome = WaitForOutcome(child, signals, call);
+    const bool has_grace = outcome == Outcome::kInterrupted && WaitsForFilesOnly(call.command);
+    return has_grace && HasAnswer(child, kGrace) ? Outcome::kAnswered : outcome;
 }
 
 // A command that only reads and succeeds needs no explanation by its tools.
@@ -195,7 +205,7 @@ bool IsStarter(const RunningTool& tool) {
         kStarters, [&](std::string_view beginning) { return tool.command.starts_with(beginning); });
 }
 
-// Returns the first tool at work, or the wait that the command is known for; empty if it has none.
+// Returns the first tool at work; without one, the usual wait of the command. Empty if neither.
 std::string AtWork(const ChildCall& child, const PendingCall& call) {
     const std::vector<RunningTool> tools = child.Tools();
     const auto tool = std::ranges::find_if_not(tools, IsStarter);
@@ -226,6 +236,15 @@ void StopEarly(ChildCall& child, const PendingCall& call) {
     ReportRunningTools(left, call);
 }
 
+Answer StopAtDeadline(ChildCall& child, const PendingCall& call) {
+    std::string awaited = AtWork(child, call);
+    StopEarly(child, call);
+    return {.result = LIB_VELK_FAILURE,
+            .timed_out = true,
+            .awaited = std::move(awaited),
+            .note = StateIfInterrupted(call)};
+}
+
 }  // namespace
 
 Answer ExecuteWatched(const PendingCall& call) {
@@ -236,27 +255,20 @@ Answer ExecuteWatched(const PendingCall& call) {
                          ": cannot start a process: " + strerror(child.start_error()));
         return {LIB_VELK_FAILURE};
     }
-    Outcome outcome = WaitForOutcome(child, signals, call);
-    if (outcome == Outcome::kInterrupted && WaitsForFilesOnly(call.command) &&
-        HasAnswer(child, kGrace)) {
-        outcome = Outcome::kAnswered;
+    switch (WaitWithGrace(child, signals, call)) {
+        case Outcome::kAnswered:
+            break;
+        case Outcome::kInterrupted:
+            StopEarly(child, call);
+            EndInterrupted(signals.Pending(), StateToShow(call), call.report);
+        case Outcome::kTimedOut:
+            return StopAtDeadline(child, call);
     }
-    if (outcome == Outcome::kAnswered) {
-        Answer answer = AnswerOf(child, call);
-        if (const int signal = signals.Pending(); signal != 0) {
-            EndInterrupted(signal, StateAfter(call, answer), call.report);
-        }
-        return answer;
+    Answer answer = AnswerOf(child, call);
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, StateAfter(call, answer), call.report);
     }
-    const std::string awaited = AtWork(child, call);
-    StopEarly(child, call);
-    if (outcome == Outcome::kInterrupted) {
-        EndInterrupted(signals.Pending(), StateToShow(call), call.report);
-    }
-    return {.result = LIB_VELK_FAILURE,
-            .timed_out = true,
-            .awaited = awaited,
-            .remark = StateIfInterrupted(call)};
+    return answer;
 }
 
 }  // namespace velkctl

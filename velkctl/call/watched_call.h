@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // watched_call.h - runs a command that a deadline or a signal can end.
 #ifndef VELKCTL_CALL_WATCHED_CALL_H_
 #define VELKCTL_CALL_WATCHED_CALL_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // apply.cpp - carries out a plan as one change, which is put back if a step fails.
 #include "velkctl/changes/apply.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // apply.h - carries out a plan as one change, which is put back if a step fails.
 #ifndef VELKCTL_CHANGES_APPLY_H_
 #define VELKCTL_CHANGES_APPLY_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // apply_plan.h - the steps that give the device a set of values.
 #ifndef VELKCTL_CHANGES_APPLY_PLAN_H_
 #define VELKCTL_CHANGES_APPLY_PLAN_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_record.h - the state before a change, to put it back.
 #ifndef VELKCTL_CHANGES_CHANGE_RECORD_H_
 #define VELKCTL_CHANGES_CHANGE_RECORD_H_

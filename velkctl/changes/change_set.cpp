@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_set.cpp - changes that are checked together before the first of them is made.
 #include "velkctl/changes/change_set.h"
 
@@ -9,15 +12,13 @@
 #include "velkctl/call/files_before.h"
 #include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/likely_cause.h"
-#include "velkctl/doctor/network_check.h"
 #include "velkctl/doctor/read_back.h"
-#include "velkctl/doctor/text_conflicts.h"
-#include "velkctl/doctor/wireless_key_check.h"
+#include "velkctl/doctor/set_checks.h"
 
 namespace velkctl {
 namespace {
 
-bool Has(const std::vector<Problem>& problems, const Setting& setting) {
+bool HasProblem(const std::vector<Problem>& problems, const Setting& setting) {
     return std::ranges::find(problems, setting.name(), &Problem::setting) != problems.end();
 }
 
@@ -25,7 +26,7 @@ std::optional<Problem> FindConflict(const SettingChange& change, const PlannedVa
                                     const Device& device) {
     std::optional<Problem> problem = NetworkProblem(change, planned);
     problem = problem ? problem : ClearedKeyProblem(change, planned);
-    return problem ? problem : TextConflict(change.setting, change.value, device);
+    return problem ? problem : TextConflict(change, device);
 }
 
 MadeChange ReportFailure(const Setting& setting, const Answer& answer, const FilesBefore& before,
@@ -57,7 +58,7 @@ MadeChange MakeChange(const SettingChange& change, ChangeOptions options, const 
 }
 
 // "eth0.address, eth0.netmask", or "none"
-std::string NamesOf(std::span<const SettingChange> changes) {
+std::string NamesInText(std::span<const SettingChange> changes) {
     std::string names;
     for (const SettingChange& change : changes) {
         names.append(names.empty() ? "" : ", ").append(change.setting.name());
@@ -72,8 +73,8 @@ void NoteStop(const ChangeSet& changes, const std::vector<MadeChange>& made, Rep
         const size_t last = made.size() - 1;
         const size_t set = made[last].has_effect() ? made.size() : last;
         report.Note(Problem{.message = "set: stopped at " + changes[last].setting.name(),
-                            .detail = "set: " + NamesOf(all.first(set)) +
-                                      "; not set: " + NamesOf(all.subspan(set))});
+                            .detail = "set: " + NamesInText(all.first(set)) +
+                                      "; not set: " + NamesInText(all.subspan(set))});
     }
 }
 
@@ -91,7 +92,7 @@ std::vector<Problem> FindConflicts(const ChangeSet& changes, const std::vector<P
     const PlannedValues planned(device, changes);
     std::vector<Problem> conflicts;
     for (const SettingChange& change : changes) {
-        const bool is_checked = !Has(known, change.setting);
+        const bool is_checked = !HasProblem(known, change.setting);
         const std::optional<Problem> conflict =
             is_checked ? FindConflict(change, planned, device) : std::nullopt;
         if (conflict) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_set.h - changes that are checked together before the first of them is made.
 #ifndef VELKCTL_CHANGES_CHANGE_SET_H_
 #define VELKCTL_CHANGES_CHANGE_SET_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_words.cpp - reads the changes that the words of a command line ask for.
 #include "velkctl/changes/change_words.h"
 
@@ -56,11 +59,12 @@ void Take(const ChangeRequest& request, bool force, RequestedChanges& read) {
 
 // ---- From words to changes ---------------------------------------------------------------------
 
-bool Has(const RequestedChanges& read, const Setting& setting) {
+bool IsRequested(const RequestedChanges& read, const Setting& setting) {
     const auto is_same = [&setting](const auto& row) {
         return IsSameSetting(row.setting, setting);
     };
-    return std::ranges::any_of(read.changes, is_same) || std::ranges::any_of(read.open, is_same);
+    return std::ranges::any_of(read.changes, is_same) ||
+           std::ranges::any_of(read.unread_secrets, is_same);
 }
 
 bool HasNameOfSecret(const Words& words) {
@@ -168,7 +172,7 @@ class ChangeReader {
             Refuse(setting,
                    "cannot be set, only read; 'velkctl get " + setting.name() + "' reads it",
                    read_);
-        } else if (Has(read_, setting)) {
+        } else if (IsRequested(read_, setting)) {
             const bool is_mask = setting.row->id == VELK_CMD_NETMASK;
             Refuse(setting,
                    is_mask ? "given twice; the prefix length after an address counts too; give it "
@@ -182,7 +186,7 @@ class ChangeReader {
 
     void AddNew(const ChangeRequest& request) {
         if (IsAskedFor(request)) {
-            read_.open.push_back(request);
+            read_.unread_secrets.push_back(request);
         } else {
             Take(request, force_, read_);
         }
@@ -208,7 +212,7 @@ RequestedChanges ReadChanges(std::string_view verb, const Words& words, bool for
 }
 
 void AskForSecrets(RequestedChanges& requested, bool force) {
-    for (const ChangeRequest& request : std::exchange(requested.open, {})) {
+    for (const ChangeRequest& request : std::exchange(requested.unread_secrets, {})) {
         Take(request, force, requested);
     }
 }

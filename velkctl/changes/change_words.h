@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // change_words.h - reads the changes that the words of a command line ask for.
 #ifndef VELKCTL_CHANGES_CHANGE_WORDS_H_
 #define VELKCTL_CHANGES_CHANGE_WORDS_H_
@@ -21,16 +24,17 @@ struct ChangeRequest {
 struct RequestedChanges {
     ChangeSet changes{};  // the value of a refused one is empty
     std::vector<Problem> problems{};
-    std::vector<ChangeRequest> open{};  // secrets that a person or standard input gives
+    // The secrets that a person or standard input gives.
+    std::vector<ChangeRequest> unread_secrets{};
 };
 
 // Reads "NAME VALUE..." or, if the first word has an "=", any number of "NAME=VALUE". A prefix
 // length after an address is a change of the netmask. Reads secrets from files; leaves the others
-// open. `verb` begins the messages about words that name no setting.
+// unread. `verb` begins the messages about words that name no setting.
 RequestedChanges ReadChanges(std::string_view verb, const std::vector<std::string>& words,
                              bool force);
 
-// Reads the open secrets from standard input, or asks for them, and adds their changes.
+// Reads the unread secrets from standard input, or asks for them, and adds their changes.
 void AskForSecrets(RequestedChanges& requested, bool force);
 
 }  // namespace velkctl

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp_end.h - ends the DHCP client of an interface before it gets another method.
 #ifndef VELKCTL_CHANGES_DHCP_END_H_
 #define VELKCTL_CHANGES_DHCP_END_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interface_restart.cpp - restarts an interface and checks that it is up with its address.
 #include "velkctl/changes/interface_restart.h"
 
@@ -34,17 +37,15 @@ bool AddReason(Problem& problem) {
 }
 
 AddressSource SourceOf(const std::string& interface, const Device& device) {
-    const Answer method =
-        device.Execute({VELK_GET, VELK_CMD_IP_METHOD, interface}, {}, interface + ".method");
+    const Answer method = device.Get(SettingOf(VELK_CMD_IP_METHOD, interface));
     if (!method.ok()) {
         return AddressSource::kUnknown;
     }
-    return method.data[0] == VELK_METHOD_DHCP ? AddressSource::kDhcp : AddressSource::kStatic;
+    return IsStaticMethod(method.data) ? AddressSource::kStatic : AddressSource::kDhcp;
 }
 
 std::string ConfiguredAddress(const std::string& interface, const Device& device) {
-    const std::string name = interface + ".address";
-    const Answer answer = device.Execute({VELK_GET, VELK_CMD_IP_ADDRESS, interface}, {}, name);
+    const Answer answer = device.Get(SettingOf(VELK_CMD_IP_ADDRESS, interface));
     return answer.ok() ? std::string(answer.data.data()) : "";
 }
 

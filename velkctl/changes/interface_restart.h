@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interface_restart.h - restarts an interface and checks that it is up with its address.
 #ifndef VELKCTL_CHANGES_INTERFACE_RESTART_H_
 #define VELKCTL_CHANGES_INTERFACE_RESTART_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_record.cpp - the state before a change, kept in the journal.
 #include "velkctl/changes/journal_record.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_record.h - the state before a change, kept in the journal.
 #ifndef VELKCTL_CHANGES_JOURNAL_RECORD_H_
 #define VELKCTL_CHANGES_JOURNAL_RECORD_H_

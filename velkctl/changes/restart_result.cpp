@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // restart_result.cpp - whether a restarted interface is up with its address.
 #include "velkctl/changes/restart_result.h"
 
@@ -102,7 +105,7 @@ RestartResult JudgeWithoutAddress(const RestartFacts& facts) {
     return Bad(facts, message, "no DHCP server answered", "start one, then " + RunAgain(facts));
 }
 
-// Without an answer of a server, an address is an earlier one, if not one that APIPA chose.
+// If no server answered, the address is an earlier one, or one that APIPA chose.
 RestartResult JudgeDhcp(const RestartFacts& facts) {
     const std::string address = facts.state.address();
     if (IsLinkLocal(address)) {
@@ -138,7 +141,7 @@ RestartResult JudgeStatic(const RestartFacts& facts) {
     if (facts.left_client != 0) {
         return JudgeLeftClient(facts);
     }
-    if (facts.configured.empty() || !facts.state.Has(facts.configured)) {
+    if (!facts.state.Has(facts.configured)) {
         return Bad(facts, "up, but its address is " + facts.state.address(),
                    facts.configured.empty() ? "its configured address cannot be read"
                                             : "its configured address is " + facts.configured,
@@ -162,7 +165,7 @@ RestartResult JudgeAddress(const RestartFacts& facts) {
 
 RestartResult JudgeRestart(const RestartFacts& facts) {
     if (HasIfupFailed(facts)) {
-        return Bad(facts, "ifup failed, see its messages", Described(facts.state));
+        return Bad(facts, "ifup failed (its messages are above)", Described(facts.state));
     }
     if (!facts.state.is_up) {
         return Bad(facts, "not up after the restart",

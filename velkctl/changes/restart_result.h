@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // restart_result.h - whether a restarted interface is up with its address.
 #ifndef VELKCTL_CHANGES_RESTART_RESULT_H_
 #define VELKCTL_CHANGES_RESTART_RESULT_H_

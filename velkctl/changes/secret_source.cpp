@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // secret_source.cpp - reads secrets that are not on the command line.
 #include "velkctl/changes/secret_source.h"
 
@@ -118,7 +121,7 @@ Secret Ask(const std::string& question, size_t longest = VELK_DATA_SIZE) {
     Secret secret = ReadLine("standard input", longest,
                              [&hidden](char& byte) { return hidden.ReadByte(byte); });
     if (hidden.is_terminal()) {
-        ShowAtTerminal("\n");  // the typed one was not shown
+        ShowAtTerminal("\n");  // the newline that was typed was not shown
     }
     return secret;
 }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // secret_source.h - reads secrets that are not on the command line.
 #ifndef VELKCTL_CHANGES_SECRET_SOURCE_H_
 #define VELKCTL_CHANGES_SECRET_SOURCE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_line.cpp - reads the command line and runs the verb in it.
 #include "velkctl/cli/command_line.h"
 
@@ -11,6 +14,7 @@
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
@@ -34,7 +38,7 @@ std::vector<std::string> VerbNames() {
 
 ExitStatus ShowHelp(const std::string& help, Report& report) {
     report.set_verb("");  // none was run
-    report.Text(help);
+    report.Text(FittedToTerminal(help));
     report.Member("help", help);
     return ExitStatus::kDone;
 }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_line.h - reads the command line and runs the verb in it.
 #ifndef VELKCTL_CLI_COMMAND_LINE_H_
 #define VELKCTL_CLI_COMMAND_LINE_H_

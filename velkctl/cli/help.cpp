@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // help.cpp - the help texts of velkctl and of its verbs.
 #include "velkctl/cli/help.h"
 

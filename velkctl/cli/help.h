@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // help.h - the help texts of velkctl and of its verbs.
 #ifndef VELKCTL_CLI_HELP_H_
 #define VELKCTL_CLI_HELP_H_

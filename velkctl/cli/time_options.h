@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // time_options.h - reads the values of --wait and --timeout.
 #ifndef VELKCTL_CLI_TIME_OPTIONS_H_
 #define VELKCTL_CLI_TIME_OPTIONS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // verb_arguments.cpp - parses the arguments after a verb: options and words.
 #include "velkctl/cli/verb_arguments.h"
 
@@ -82,7 +85,7 @@ bool MayHoldSecret(const Verb& verb, const std::vector<std::string>& words) {
         words, [](const std::string& word) { return NamesSecret(WithoutValue(word)); });
 }
 
-// Returns the word to follow its noun in a message, or a remark in its place.
+// Returns the word to follow its noun in a message, or a note in its place.
 std::string AfterNoun(std::string_view word, bool may_be_key) {
     return may_be_key ? ", not repeated here as it may be a key" : " " + Quoted(word);
 }
@@ -123,6 +126,31 @@ void TakeWord(std::string_view word, Arguments& read) {
     }
 }
 
+// Stores the argument at this index, which getopt_long(3) has read. `is_wrong` is true if it
+// refused the argument.
+void TakeArgument(const Verb& verb, char* const* argv, int at, bool is_wrong, Arguments& read) {
+    const std::string_view name = WithoutValue(argv[at]);
+    if (const Flag flag = FindFlag(verb, name)) {
+        read.invocation.*flag = true;
+        read.problem = is_wrong ? TakesNoValue(name) : "";
+    } else if (const VerbOption* option = velk::FindRow(verb.options, name, &VerbOption::name)) {
+        read.problem = is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
+    } else {
+        optind = at + 1;  // getopt_long(3) may take a value for an abbreviated name
+        TakeWord(argv[at], read);
+    }
+}
+
+// Returns the arguments as getopt_long(3) reads them: after the name of the program.
+std::vector<char*> PointersTo(std::vector<std::string>& arguments) {
+    std::vector<char*> pointers{nullptr};
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 // Returns the problem with a first word that is not an interface, or an empty text.
 std::string InterfaceProblem(const Invocation& invocation) {
     const std::string& word = invocation.words.front();
@@ -146,11 +174,7 @@ std::string WordsProblem(const Verb& verb, const Invocation& invocation) {
 }  // namespace
 
 Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
-    std::vector<char*> pointers{nullptr};  // for the name of the program
-    for (std::string& argument : given) {
-        pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
+    const std::vector<char*> pointers = PointersTo(given);
     char* const* argv = pointers.data();
     const int argc = static_cast<int>(given.size()) + 1;
     const std::vector<option> rows = OptionRows(verb);
@@ -161,19 +185,7 @@ Arguments ReadArguments(const Verb& verb, std::vector<std::string> given) {
     Arguments read;
     int found = 0;
     for (int at = 1; read.problem.empty() && (found = next()) != -1; at = optind) {
-        const bool is_wrong = found == '?';
-        const std::string_view name = WithoutValue(argv[at]);
-        if (const Flag flag = FindFlag(verb, name)) {
-            read.invocation.*flag = true;
-            read.problem = is_wrong ? TakesNoValue(name) : "";
-        } else if (const VerbOption* option =
-                       velk::FindRow(verb.options, name, &VerbOption::name)) {
-            read.problem =
-                is_wrong ? NeedsValue(name) : TakeOption(verb, *option, argv[optind], read);
-        } else {
-            optind = at + 1;  // after an abbreviated name it may have taken a value
-            TakeWord(argv[at], read);
-        }
+        TakeArgument(verb, argv, at, found == '?', read);
     }
     std::vector<std::string>& words = read.invocation.words;
     words.insert(words.end(), argv + optind, argv + argc);  // those after "--"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // verb_arguments.h - parses the arguments after a verb: options and words.
 #ifndef VELKCTL_CLI_VERB_ARGUMENTS_H_
 #define VELKCTL_CLI_VERB_ARGUMENTS_H_
@@ -12,7 +15,7 @@ namespace velkctl {
 
 struct Arguments {
     Invocation invocation{};  // its words are the arguments that are no options of the verb
-    std::string problem{};    // a misused option; it goes before a request for help
+    std::string problem{};    // a misused option, reported even if help is requested
     std::vector<std::string_view> twice{};  // options that are given twice
     std::vector<std::string> unknown{};     // options that the verb does not have
 };

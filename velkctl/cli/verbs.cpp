@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // verbs.cpp - the table of velkctl's verbs, with the rules of each.
 #include "velkctl/cli/verbs.h"
 

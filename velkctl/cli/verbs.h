@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // verbs.h - the table of velkctl's verbs, with the rules of each.
 #ifndef VELKCTL_CLI_VERBS_H_
 #define VELKCTL_CLI_VERBS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // checks.h - the doctor's checks, one subject each. None changes anything.
 #ifndef VELKCTL_DOCTOR_CHECKS_H_
 #define VELKCTL_DOCTOR_CHECKS_H_
@@ -11,6 +14,13 @@
 #include "velkctl/settings/device_files.h"
 
 namespace velkctl {
+
+// Runs every check, the wireless daemon's last.
+Findings ExamineDevice(Report& report);
+
+// Returns the findings that affect the setting. Runs only the checks that can have one, and does
+// not query the wireless daemon. `value` is the value that was set, for the fix; empty if unknown.
+Findings ExamineFor(const Setting& setting, std::string_view value = {});
 
 // The library's files and folders: whether they exist and can be written. The other checks of files
 // return nothing if the file cannot be read.

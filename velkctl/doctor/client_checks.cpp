@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // client_checks.cpp - DHCP clients that run for an interface with another method.
 #include "lib/base/paths.h"
 #include "lib/ipconf/interfaces_file.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // crontab_checks.cpp - checks that the library can read and change the crontab's entries.
 #include <algorithm>
 #include <array>
@@ -16,7 +19,7 @@ namespace {
 
 constexpr auto kProperEntry =
     velk::JoinText("write: 0 * * * * ", velk::kClockSetter, " -u SERVER > ", velk::kNtpLog);
-constexpr std::string_view kProbe = "192.0.2.1";  // an address that documents may use
+constexpr std::string_view kProbe = "192.0.2.1";  // reserved for documentation
 
 // Options of ntpdate that take an argument.
 constexpr std::array<std::string_view, 7> kOptionsWithWord{"-a", "-e", "-k", "-o",
@@ -31,9 +34,7 @@ bool IsTimeField(std::string_view word) {
 }
 
 Finding AboutEntry(const AffectedSettings& affected) {
-    Finding about = About(affected, velk::kCrontab, Impact::kSetting);
-    about.remedy = kProperEntry.c_str();
-    return about;
+    return About(affected, velk::kCrontab, Impact::kSetting).FixedBy(kProperEntry);
 }
 
 std::string ServerIn(const std::string& line) {
@@ -73,8 +74,8 @@ std::string FalseServer(const std::string& line) {
     return is_argument ? "the option " + Excerpt(before + " " + *found) : "";
 }
 
-// True for a line that would run nothing without its "#".
-bool IsRemark(std::string_view line) {
+// True for a comment. Without its "#", it is no entry that cron could run.
+bool IsCommentText(std::string_view line) {
     const std::string_view text = Trimmed(line);
     const size_t begin = text.find_first_not_of("# \t");
     return text.starts_with('#') && (begin == std::string_view::npos ||
@@ -92,19 +93,21 @@ bool HasSecondEntry(std::string_view line) {
                                });
 }
 
-Findings CheckServer(const std::string& line, size_t index) {
-    const Finding about = AboutEntry(SettingsOf(VELK_CMD_NTP_SERVER)).At(index);
-    Findings findings;
+Findings CheckSetOfServer(const Finding& about, const std::string& line) {
     if (IsServerFoundTooEarly(line)) {
-        findings.push_back(about.Problem(
+        return {about.Problem(
             "cannot be set",
             Excerpt(ServerIn(line)) +
                 " also occurs earlier on the line, and a set replaces it there",
             "write the server's address in its place with an editor, or a name that does not occur "
-            "earlier on the line"));
-    } else if (const std::string problem = ServerProblem(line); !problem.empty()) {
-        findings.push_back(about.Problem("cannot be set", problem));
+            "earlier on the line")};
     }
+    const std::string problem = ServerProblem(line);
+    return problem.empty() ? Findings() : Findings{about.Problem("cannot be set", problem)};
+}
+
+Findings CheckServer(const Finding& about, const std::string& line) {
+    Findings findings = CheckSetOfServer(about, line);
     if (const std::string server = FalseServer(line); !server.empty()) {
         findings.push_back(
             about.With(Impact::kBoth)
@@ -122,19 +125,20 @@ Findings CheckServer(const std::string& line, size_t index) {
 
 // The first entry is the one that is read.
 Findings CheckEntry(const std::string& line, size_t index, bool is_first) {
-    if (IsRemark(line)) {
-        return {AboutEntry(SettingsWithKey(kTimeClient))
-                    .At(index)
+    const auto about = [index](const AffectedSettings& settings) {
+        return AboutEntry(settings).At(index);
+    };
+    if (IsCommentText(line)) {
+        return {about(SettingsWithKey(kTimeClient))
                     .With(is_first ? Impact::kBoth : Impact::kSetting)
                     .Problem("would change a comment", Excerpt(line) + " is taken for an entry",
                              "remove the word 'ntpdate' from the comment")};
     }
-    Findings findings = CheckMarks(AboutEntry(SettingsOf(VELK_CMD_NTP)).At(index), line,
-                                   line.find(kTimeClient), "entry");
-    Append(findings, CheckServer(line, index));
+    Findings findings =
+        CheckMarks(about(SettingsOf(VELK_CMD_NTP)), line, line.find(kTimeClient), "entry");
+    Append(findings, CheckServer(about(SettingsOf(VELK_CMD_NTP_SERVER)), line));
     if (!velk::Contains(line, velk::kNtpLog)) {
-        findings.push_back(AboutEntry(SettingsHeldIn(velk::kNtpLog))
-                               .At(index)
+        findings.push_back(about(SettingsHeldIn(velk::kNtpLog))
                                .With(Impact::kReading)
                                .Warning("does not see this entry's result",
                                         std::string("its output does not go to ") + velk::kNtpLog));
@@ -155,9 +159,8 @@ bool IsOwnUpdate(std::string_view line) {
     return WithoutLineEnd(line) == kUpdateCommand;
 }
 
-// Returns the indexes of the crontab's lines with this text.
-std::vector<size_t> LinesWith(const Lines& lines, std::string_view text) {
-    return IndexesOf(lines, [text](std::string_view line) { return velk::Contains(line, text); });
+bool IsScheduleReadable() {
+    return CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
 }
 
 }  // namespace
@@ -178,26 +181,23 @@ Findings CheckTimeEntry() {
 }
 
 Findings CheckWebUpdate() {
-    const AffectedSettings settings = SettingsOf(VELK_CMD_WEB_UPDATE);
-    Finding about = About(settings.front(), velk::kCrontab, Impact::kReading);
-    about.remedy = "set it again: velkctl set web-update SCHEDULE";
-    const TextFile crontab = ReadTextFile(velk::kCrontab);
-    const std::vector<size_t> updates =
-        LinesWith(crontab.lines, settings.front().row->held_in.line.key);
-    // The library reads the first one alone.
-    const bool is_readable =
-        updates.empty() ||
-        CallLibrary({VELK_GET, VELK_CMD_WEB_UPDATE, ""}).result == LIB_VELK_SUCCESS;
+    const Setting setting = SettingOf(VELK_CMD_WEB_UPDATE);
+    const Finding about = About({setting}, velk::kCrontab, Impact::kReading)
+                              .FixedBy("set it again: velkctl set web-update SCHEDULE");
+    const Lines lines = ReadTextFile(velk::kCrontab).lines;
+    const std::vector<size_t> updates = LinesWith(lines, setting.row->held_in.line.key);
     return FindingsOfEach(updates, [&](size_t index) -> Findings {
-        if (index == updates.front() && !is_readable) {
+        // The library reads the first one alone.
+        if (index == updates.front() && !IsScheduleReadable()) {
             return {about.At(index).Problem("cannot be read",
                                             "the schedule is not one of this library's")};
         }
-        const std::string& line = crontab.lines[index];
-        return IsOwnUpdate(line) ? Findings()
-                                 : Findings{about.At(index).Warning(
-                                       "is read wrongly, and a set replaces the line",
-                                       Excerpt(line) + " is not as the library writes it")};
+        if (IsOwnUpdate(lines[index])) {
+            return {};
+        }
+        return {
+            about.At(index).Warning("is read wrongly, and a set replaces the line",
+                                    Excerpt(lines[index]) + " is not as the library writes it")};
     });
 }
 

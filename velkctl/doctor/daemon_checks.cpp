@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // daemon_checks.cpp - whether the wireless daemon answers.
 #include <sys/stat.h>
 
@@ -33,15 +36,14 @@ Finding AboutDaemon(AffectedSettings affected = WirelessSettings()) {
             .impact = Impact::kBoth};
 }
 
-bool IsSocketThere() {
-    struct stat socket {};
-    return lstat(velk::kRequestSocket, &socket) == 0;
+// Returns the kind of file in the place of the daemon's socket; 0 if none.
+mode_t KindOfSocket() {
+    struct stat facts {};
+    return lstat(velk::kRequestSocket, &facts) == 0 ? facts.st_mode & S_IFMT : 0;
 }
 
 bool IsListening() {
-    struct stat socket {};
-    const bool is_socket = lstat(velk::kRequestSocket, &socket) == 0 && S_ISSOCK(socket.st_mode);
-    return is_socket && IsBound(velk::kRequestSocket);
+    return KindOfSocket() == S_IFSOCK && IsBound(velk::kRequestSocket);
 }
 
 // Without an adapter the device may need no daemon; then only its configuration is affected.
@@ -50,7 +52,7 @@ Findings CheckListener() {
         return {};
     }
     const std::string description =
-        IsSocketThere() ? "no process listens at its socket" : "its socket is missing";
+        KindOfSocket() == 0 ? "its socket is missing" : "no process listens at its socket";
     return {IsAdapterAttached()
                 ? AboutDaemon().Problem("does not run", description, "start the wireless daemon")
                 : AboutDaemon(WirelessConfiguration())
@@ -86,7 +88,9 @@ Findings CheckChannel(const Answer& answer) {
 
 Findings AskDaemon(Report& report) {
     const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
-    const auto ask = [&](uint32_t id) { return device.Get(SettingsOf(id).front()); };
+    const auto ask = [&](uint32_t id) {
+        return device.Get(SettingOf(id, VELK_WIRELESS_INTERFACE));
+    };
     Findings findings = CheckAnswer(ask(VELK_CMD_SSID));
     return findings.empty() ? CheckChannel(ask(VELK_CMD_CHANNEL)) : findings;
 }
@@ -133,9 +137,10 @@ Findings DaemonDiffers(const Setting& setting) {
     if (!Includes(WirelessConfiguration(), setting)) {
         return {};
     }
-    return {AboutDaemon().Problem("keeps another configuration",
-                                  "the wireless daemon was sent the value, but returns another one",
-                                  "restart the wireless daemon; 'velkctl doctor' queries it")};
+    return {
+        AboutDaemon().Problem("keeps another configuration",
+                              "the wireless daemon was sent the value, but returns another one",
+                              "set it again; if it differs again, restart the wireless daemon")};
 }
 
 }  // namespace velkctl

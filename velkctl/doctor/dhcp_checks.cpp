@@ -1,5 +1,9 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp_checks.cpp - checks that the library can find the blocks of /etc/dhclient.conf and the
 // options that the client requests.
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -25,24 +29,27 @@ Finding AboutBlocks() {
     return about;
 }
 
-// A line of the file, as the library meets it.
+// A line of the file, and its place in the blocks as the library finds them.
 struct Place {
     size_t index;
-    bool opens;        // begins a block
+    size_t begin;      // the index of the line that opened the last block
     bool is_in_block;  // also true for the lines that begin and end it
     bool is_in_scope;  // counts for the interface
     bool is_open;      // the block goes on below it
+
+    bool opens() const { return is_in_block && index == begin; }
 };
 
 std::vector<Place> PlacesOf(const Lines& lines, std::string_view interface, bool comment_aware) {
     velk::ConfigBlocks blocks(interface, comment_aware);
     std::vector<Place> places;
+    size_t begin = 0;
     for (size_t i = 0; i < lines.size(); ++i) {
         const bool was_in_block = blocks.in_block();
         const bool is_in_scope = blocks.IsInScope(lines[i]);
         const bool is_open = blocks.in_block();
-        places.push_back(
-            {i, !was_in_block && is_open, was_in_block || is_open, is_in_scope, is_open});
+        begin = !was_in_block && is_open ? i : begin;
+        places.push_back({i, begin, was_in_block || is_open, is_in_scope, is_open});
     }
     return places;
 }
@@ -74,23 +81,20 @@ Findings CheckOpening(const Lines& lines, size_t index) {
 Findings CheckBlockLines(const Lines& lines) {
     // Every opening line holds this word, so every block is the wanted one.
     const std::vector<Place> places = PlacesOf(lines, kInterface, /*comment_aware=*/false);
-    Findings findings;
-    size_t begin = 0;
-    for (const Place& place : places) {
-        if (place.opens) {
-            begin = place.index;
-            Append(findings, CheckOpening(lines, begin));
-        }
-    }
+    Findings findings = FindingsOfEach(places, [&](const Place& place) {
+        return place.opens() ? CheckOpening(lines, place.index) : Findings();
+    });
     if (!places.empty() && places.back().is_open) {
-        findings.push_back(AboutBlocks().At(begin).Problem(
-            "are switched for the wrong lines", "no line with '}' as a word ends the block"));
+        findings.push_back(AboutBlocks()
+                               .At(places.back().begin)
+                               .Problem("are switched for the wrong lines",
+                                        "no line with '}' as a word ends the block"));
     }
     return findings;
 }
 
 // True for a line that begins with one "#", and is no statement or part of one without it.
-bool LooksLikeRemark(std::string_view line) {
+bool LooksLikeComment(std::string_view line) {
     const std::string_view text = Trimmed(line.substr(1));
     return !text.empty() && !text.starts_with('#') &&
            !velk::Contains(";{},", text.substr(text.size() - 1));
@@ -107,14 +111,14 @@ Findings CheckMember(const Finding& about, std::string_view line, bool is_off) {
     if (!is_comment || !is_off) {
         return {about.Problem("would break the file when set to dhcp", mark)};
     }
-    if (LooksLikeRemark(line)) {
+    if (LooksLikeComment(line)) {
         return {about.Warning("may break the file when set to dhcp",
                               mark + ", and it looks like a comment")};
     }
     return {};
 }
 
-Finding Absence(const Finding& about, const Lines& lines, const std::string& interface) {
+Finding NoBlock(const Finding& about, const Lines& lines, const std::string& interface) {
     const std::string opening = "interface \"" + interface + "\" {";
     const std::vector<size_t> similar = IndexesOf(lines, [&](std::string_view line) {
         return velk::Contains(line, kInterface) && velk::Contains(line, interface);
@@ -131,33 +135,33 @@ Finding Absence(const Finding& about, const Lines& lines, const std::string& int
         "add one: \"" + opening + "\", its statements, \"}\", each on a line of its own");
 }
 
+// Switching the interface's block changes its lines, and any other line in scope with a brace.
+Findings CheckPlace(const Finding& about, const Lines& lines, const Place& place) {
+    const std::string& line = lines[place.index];
+    if (place.is_in_block) {
+        const bool is_off = velk::IsCommentedOut(lines[place.begin], std::string_view::npos);
+        return CheckMember(about, Trimmed(line), is_off);
+    }
+    if (!place.is_in_scope || !velk::Contains(line, velk::kBlockEnd)) {
+        return {};
+    }
+    return {about.Problem("switches a line that is not its own",
+                          "a '}' outside the blocks of interfaces",
+                          "move these braces into a file of their own, and include it here")};
+}
+
 // The interface's block, which is switched with the method.
 Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     // The method itself is read from its stanza.
-    Finding about =
-        About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing);
-    about.remedy = "put the comment above the block";
-    Findings findings;
-    bool is_off = false;
-    bool has_block = false;
-    for (const Place& place : PlacesOf(lines, interface, /*comment_aware=*/false)) {
-        const std::string& line = lines[place.index];
-        if (place.opens) {
-            has_block = true;
-            is_off = velk::IsCommentedOut(line, std::string_view::npos);
-        }
-        if (place.is_in_block) {
-            Append(findings, CheckMember(about.At(place.index), Trimmed(line), is_off));
-        } else if (place.is_in_scope && velk::Contains(line, velk::kBlockEnd)) {
-            findings.push_back(
-                about.At(place.index)
-                    .Problem("switches a line that is not its own",
-                             "a '}' outside the blocks of interfaces",
-                             "move these braces into a file of their own, and include it here"));
-        }
-    }
-    if (!has_block) {
-        findings.push_back(Absence(about, lines, interface));
+    const Finding about =
+        About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing)
+            .FixedBy("put the comment above the block");
+    const std::vector<Place> places = PlacesOf(lines, interface, /*comment_aware=*/false);
+    Findings findings = FindingsOfEach(places, [&](const Place& place) {
+        return CheckPlace(about.At(place.index), lines, place);
+    });
+    if (std::ranges::none_of(places, &Place::is_in_block)) {
+        findings.push_back(NoBlock(about, lines, interface));
     }
     return findings;
 }
@@ -169,10 +173,10 @@ class RequestCheck {
         : lines_(lines),
           option_(option.key),
           interface_(option.setting.interface),
-          about_(About(option.setting, velk::kDhcpConfigFile, Impact::kSetting)) {}
+          about_(About({option.setting}, velk::kDhcpConfigFile, Impact::kSetting)) {}
 
     Findings Run() {
-        for (const Place& place : PlacesOf(lines_, interface_, comment_aware())) {
+        for (const Place& place : PlacesOf(lines_, interface_, !interface_.empty())) {
             const bool is_comment = velk::Contains(lines_[place.index], "#");
             if (place.is_in_scope && (place.is_open || !is_comment)) {
                 TakeLine(place.index);
@@ -182,20 +186,16 @@ class RequestCheck {
             AddUnended();
         }
         if (!begin_) {
-            findings_.push_back(Absence());
+            findings_.push_back(NoStatement());
         }
         return std::move(findings_);
     }
 
   private:
-    bool comment_aware() const { return !interface_.empty(); }
-
     bool Has(size_t index, std::string_view word) const {
-        return velk::HasWord(lines_[index], word, comment_aware());
+        return velk::HasWord(lines_[index], word, /*comment_aware=*/!interface_.empty());
     }
 
-    // A line in scope. Once the library has met the option, the statement runs on for it to a line
-    // that ends a statement without the option.
     void TakeLine(size_t index) {
         if (is_open_ && Has(index, velk::kBlockEnd)) {
             AddUnended();
@@ -206,22 +206,30 @@ class RequestCheck {
             is_open_ = true;
             runs_on_ = true;
         }
-        if (!runs_on_) {
-            return;
+        if (runs_on_) {
+            TakeLineOfStatement(index);
         }
+    }
+
+    // Once the library has met the option, the statement runs on for it to a line that ends a
+    // statement without the option.
+    void TakeLineOfStatement(size_t index) {
         const bool ends = velk::Contains(lines_[index], kStatementEnd);
         const bool has_option = Has(index, option_);
         if (ends && !has_option && !is_open_) {
-            findings_.push_back(about_.At(index)
-                                    .With(Impact::kNothing)
-                                    .Problem("would break the file when set to on once more",
-                                             option_ + " is also added to " +
-                                                 Excerpt(lines_[index]) +
-                                                 ", although the request statement above has it",
-                                             "move the request statement below it"));
+            AddSecond(index);
         }
         runs_on_ = has_option || !ends;
         is_open_ = is_open_ && !ends;
+    }
+
+    void AddSecond(size_t index) {
+        findings_.push_back(about_.At(index)
+                                .With(Impact::kNothing)
+                                .Problem("would break the file when set to on once more",
+                                         option_ + " is also added to " + Excerpt(lines_[index]) +
+                                             ", although the request statement above has it",
+                                         "move the request statement below it"));
     }
 
     void AddUnended() {
@@ -230,32 +238,23 @@ class RequestCheck {
                                                        "write one after its last option"));
     }
 
-    Finding Absence() const {
-        if (const std::optional<size_t> block = SwitchedOffBlock()) {
-            return about_.At(*block).Note(
-                "cannot be set while the method is static",
-                "the interface's block is switched off, and no other request statement counts",
-                "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");
+    Finding NoStatement() const {
+        const std::vector<Place> places = PlacesOf(lines_, interface_, /*comment_aware=*/false);
+        const auto place = std::ranges::find_if(places, [&](const Place& one) {
+            return one.is_open && IsComment(lines_[one.begin]) &&
+                   velk::HasWord(lines_[one.index], kRequest, /*comment_aware=*/false);
+        });
+        if (place != places.end()) {
+            return about_.At(place->begin)
+                .Of(Severity::kNote, "cannot be set while the method is static")
+                .Because(
+                    "the interface's block is switched off, and no other request statement counts",
+                    "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");
         }
         return about_.Problem("cannot be set",
                               "there is no request statement" +
                                   (interface_.empty() ? "" : " that counts for " + interface_),
                               "add one: request subnet-mask, broadcast-address, routers;");
-    }
-
-    // Returns the interface's block that is off and has a request statement.
-    std::optional<size_t> SwitchedOffBlock() const {
-        std::optional<size_t> begin;
-        for (const Place& place : PlacesOf(lines_, interface_, /*comment_aware=*/false)) {
-            const std::string& line = lines_[place.index];
-            if (place.opens && IsComment(line)) {
-                begin = place.index;
-            }
-            if (begin && place.is_open && velk::HasWord(line, kRequest, /*comment_aware=*/false)) {
-                return begin;
-            }
-        }
-        return std::nullopt;
     }
 
     const Lines& lines_;

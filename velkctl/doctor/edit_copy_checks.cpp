@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_copy_checks.cpp - unfinished edits, and files in the place of edit copies.
 #include <array>
 #include <cstdio>
@@ -56,7 +59,7 @@ Finding Foreign(const EditCopy& copy) {
         is_file ? "look at it, do not use its text, and remove it: " + DiscardCommand(copy) : "");
 }
 
-// It may be the edit of a program with two users, or any user's file made by a program of root's.
+// It is the edit copy of a program with two users, or a program of root made it for any user.
 Finding Unproven(const EditCopy& copy) {
     return AboutCopy(copy).Warning(
         "may be lost",
@@ -138,7 +141,7 @@ Findings CheckEditCopies() {
         if (!holder.empty() && S_ISREG(copy.facts.st_mode)) {
             findings.push_back(UnderWay(copy, holder));
         } else if (faccessat(AT_FDCWD, copy.path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
-            findings.push_back(CheckCopy(copy));  // an edit that has ended since left none
+            findings.push_back(CheckCopy(copy));  // it is gone if the edit has ended since
         }
     }
     return findings;

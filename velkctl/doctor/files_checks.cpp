@@ -1,61 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // files_checks.cpp - checks that the files and folders of the library exist and can be written.
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
-#include <span>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
-#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
 
 namespace velkctl {
 namespace {
 
-// The effect on the settings of a file that cannot be used.
-struct Loss {
-    std::string_view path;
-    std::string_view effect;
-    Severity severity = Severity::kProblem;
-    Impact impact = Impact::kNothing;
-};
-
-constexpr Loss kEverything{"", "can be neither read nor set", Severity::kProblem, Impact::kBoth};
-
-// Files that hold no setting themselves.
-constexpr std::array<Loss, 3> kLosses{{
-    {velk::kSnmpFile, "do not reach the SNMP agent"},
-    {velk::kSupportList, "are not recognised, except the built-in one", Severity::kWarning},
-    {velk::kUsbDevices, "are never found", Severity::kWarning},
-}};
-
-// Missing files. The library makes the resolver's file, and reads some settings without the others.
-constexpr std::array<Loss, 3> kLossesByAbsence{{
-    {velk::kDhcpConfigFile, "cannot be set", Severity::kProblem, Impact::kBoth},
-    {velk::kClientScript, "cannot be set", Severity::kProblem, Impact::kSetting},
-    {velk::kResolverFile, "cannot be read until it is set", Severity::kWarning, Impact::kReading},
-}};
-
 constexpr unsigned long long kLeastFree = 64 * 1024;  // bytes, for an edit copy
 
-Loss LossOf(std::string_view path, std::span<const Loss> losses, const Loss& otherwise) {
-    const Loss* loss = velk::FindRow(losses, path, &Loss::path);
-    return loss == nullptr ? otherwise : *loss;
+// Returns a finding without a text about a file that cannot be used.
+Finding AboutFile(const DeviceFile& file) {
+    Finding about =
+        About(file.holds, file.path, file.holds.empty() ? Impact::kNothing : Impact::kBoth);
+    about.severity = file.change == Change::kNever ? Severity::kWarning : Severity::kProblem;
+    about.subject = file.subject;
+    about.effect = file.loss;
+    return about.FixedBy("put the device's own file in its place");
 }
 
-Finding AboutFile(const DeviceFile& file, const Loss& loss) {
-    return {.severity = loss.severity,
-            .subject = file.subject,
-            .effect = std::string(loss.effect),
-            .file = file.path,
-            .remedy = "put the device's own file in its place",
-            .affected = file.holds,
-            .impact = loss.impact};
+// The library makes a file that it writes as a whole.
+Finding Missing(const DeviceFile& file, const Finding& about) {
+    const bool is_made = file.change == Change::kWhole;
+    return about.Of(is_made ? Severity::kWarning : about.severity, file.loss_if_missing)
+        .With(is_made ? Impact::kReading : about.impact)
+        .Because("the file is missing", "put the device's own file there");
 }
 
 std::string Refusal(std::string_view action, int error) {
@@ -112,41 +91,42 @@ Finding Unreadable(const DeviceFile& file, const Finding& about, int error) {
 }
 
 Findings CheckFile(const DeviceFile& file) {
-    const Loss loss = LossOf(file.path, kLosses, kEverything);
-    const Finding about = AboutFile(file, loss);
+    const Finding about = AboutFile(file);
     const TextFile text = ReadTextFile(file.path);
     switch (text.state) {
         case FileState::kText:
             return CheckText(file, about, text);
         case FileState::kMissing:
-            return {AboutFile(file, LossOf(file.path, kLossesByAbsence, loss))
-                        .Because("the file is missing", "put the device's own file there")};
+            return {Missing(file, about)};
         case FileState::kNotRegular:
             return {about.Because("a folder, a FIFO or a device is in its place")};
         case FileState::kUnreadable:
             return {Unreadable(file, about, text.error)};
         case FileState::kTooLarge:
-            return {AboutFile(file, {"", "cannot be examined", loss.severity})
+            return {about.With(Impact::kNothing)
+                        .Of(about.severity, "cannot be examined")
                         .Because("the file is larger than 1 MiB")};
     }
     return {};
 }
 
+Finding AboutFolder(const AffectedSettings& settings, const char* path, Impact impact,
+                    std::string_view effect) {
+    return About(settings, path, impact).Of(Severity::kProblem, effect);
+}
+
 // Returns findings without a text, one of each folder, with their effect.
 Findings AboutFolders() {
-    Finding results = About(SettingsHeldIn(velk::kNtpLog), velk::kLibraryFolder, Impact::kNothing);
-    results.effect = "cannot be cleared when ntp is set to off";
-    Finding link = About(SettingsReadWith(kLinkTool), velk::kEditFolder, Impact::kReading);
-    link.effect = "cannot be read";
-    return {{.subject = "all settings in files",
-             .effect = "cannot be set",
-             .file = velk::kEditFolder,
-             .affected = EditedSettings(),
-             .impact = Impact::kSetting},
-            link,
-            results,
-            AboutWireless("/tmp"),
-            AboutWireless(velk::kSemaphoreFolder)};
+    constexpr std::string_view kLost = "can be neither read nor set";
+    return {
+        AboutFolder(EditedSettings(), velk::kEditFolder, Impact::kSetting, "cannot be set"),
+        AboutFolder(SettingsReadWith(kLinkTool), velk::kEditFolder, Impact::kReading,
+                    "cannot be read"),
+        AboutFolder(SettingsHeldIn(velk::kNtpLog), velk::kLibraryFolder, Impact::kNothing,
+                    "cannot be cleared when ntp is set to off"),
+        AboutFolder(WirelessSettings(), velk::kSocketFolder, Impact::kBoth, kLost),
+        AboutFolder(WirelessSettings(), velk::kSemaphoreFolder, Impact::kBoth, kLost),
+    };
 }
 
 Findings CheckSpace(const Finding& about) {

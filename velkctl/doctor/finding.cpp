@@ -1,7 +1,12 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // finding.cpp - a problem of the device that affects the library, found by the doctor.
 #include "velkctl/doctor/finding.h"
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <iterator>
 #include <utility>
 
@@ -15,15 +20,31 @@
 namespace velkctl {
 namespace {
 
+// In the order of the severities.
+constexpr std::array<std::string_view, 3> kSeverities{"problem", "warning", "note"};
+
 std::string_view NameOf(Severity severity) {
-    switch (severity) {
-        case Severity::kProblem:
-            return "problem";
-        case Severity::kWarning:
-            return "warning";
-        default:
-            return "note";
+    return kSeverities.at(static_cast<size_t>(severity));
+}
+
+// Settings with a name for all of them.
+struct Group {
+    std::string_view name;
+    AffectedSettings (*settings)();
+};
+
+constexpr std::array<Group, 2> kGroups{{
+    {"all settings in files", EditedSettings},
+    {"wireless settings", WirelessSettings},
+}};
+
+std::string NameOf(const AffectedSettings& settings) {
+    for (const Group& group : kGroups) {
+        if (std::ranges::equal(settings, group.settings(), IsSameSetting)) {
+            return std::string(group.name);
+        }
     }
+    return SubjectOf(settings);
 }
 
 std::string NameInColour(Severity severity) {
@@ -44,37 +65,17 @@ std::string Format(const Finding& finding) {
            (finding.remedy.empty() ? "" : "  fix: " + Printable(finding.remedy) + "\n");
 }
 
-Json CauseInJson(const Finding& finding) {
-    if (finding.file.empty()) {
-        return nullptr;
-    }
-    Json cause;
-    cause["file"] = Printable(finding.file);
-    cause["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
-    return cause;
-}
-
 }  // namespace
 
-Finding Finding::Problem(std::string_view new_effect, std::string_view new_description,
-                         std::string_view new_remedy) const {
-    return Because(new_description, new_remedy).Of(Severity::kProblem, new_effect);
+Finding Finding::Because(std::string_view reason, std::string_view fix) const {
+    Finding finding = FixedBy(fix.empty() ? remedy : fix);
+    finding.description = reason;
+    return finding;
 }
 
-Finding Finding::Warning(std::string_view new_effect, std::string_view new_description,
-                         std::string_view new_remedy) const {
-    return Because(new_description, new_remedy).Of(Severity::kWarning, new_effect);
-}
-
-Finding Finding::Note(std::string_view new_effect, std::string_view new_description,
-                      std::string_view new_remedy) const {
-    return Because(new_description, new_remedy).Of(Severity::kNote, new_effect);
-}
-
-Finding Finding::Because(std::string_view new_description, std::string_view new_remedy) const {
+Finding Finding::FixedBy(std::string_view fix) const {
     Finding finding = *this;
-    finding.description = new_description;
-    finding.remedy = new_remedy.empty() ? remedy : new_remedy;
+    finding.remedy = fix;
     return finding;
 }
 
@@ -98,22 +99,16 @@ Finding Finding::With(Impact new_impact) const {
 }
 
 Finding About(const AffectedSettings& settings, std::string_view file, Impact impact) {
-    return {.subject = SubjectOf(settings),
+    return {.subject = NameOf(settings),
             .file = std::string(file),
             .affected = settings,
             .impact = impact};
 }
 
-Finding About(const Setting& setting, std::string_view file, Impact impact) {
-    return About(AffectedSettings{setting}, file, impact);
-}
-
-Finding AboutWireless(std::string_view file) {
-    return {.subject = "wireless settings",
-            .effect = "can be neither read nor set",
-            .file = std::string(file),
-            .affected = WirelessSettings(),
-            .impact = Impact::kBoth};
+std::string PlaceholderOf(const Setting& setting) {
+    std::string placeholder(setting.row->name);
+    std::ranges::transform(placeholder, placeholder.begin(), ::toupper);
+    return placeholder;
 }
 
 void Append(Findings& all, Findings more) {
@@ -139,7 +134,7 @@ Json FindingInJson(const Finding& finding) {
     json["subject"] = Printable(finding.subject);
     json["effect"] = Printable(finding.effect);
     json["description"] = Printable(finding.description);
-    json["cause"] = CauseInJson(finding);
+    json["cause"] = CauseInJson(Printable(finding.file), finding.line);
     json["remedy"] = Printable(finding.remedy);
     json["settings"] = NamesOf(finding.affected);
     return json;

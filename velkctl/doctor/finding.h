@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // finding.h - a problem of the device that affects the library, found by the doctor.
 #ifndef VELKCTL_DOCTOR_FINDING_H_
 #define VELKCTL_DOCTOR_FINDING_H_
@@ -49,26 +52,29 @@ struct Finding {
     Impact impact = Impact::kNothing;
 
     // Return a copy with these texts. An empty remedy leaves the one it has.
-    Finding Problem(std::string_view effect, std::string_view description,
-                    std::string_view remedy = "") const;
-    Finding Warning(std::string_view effect, std::string_view description,
-                    std::string_view remedy = "") const;
-    Finding Note(std::string_view effect, std::string_view description,
-                 std::string_view remedy = "") const;
+    Finding Problem(std::string_view new_effect, std::string_view reason,
+                    std::string_view fix = "") const {
+        return Of(Severity::kProblem, new_effect).Because(reason, fix);
+    }
+    Finding Warning(std::string_view new_effect, std::string_view reason,
+                    std::string_view fix = "") const {
+        return Of(Severity::kWarning, new_effect).Because(reason, fix);
+    }
     // The same with the severity and the effect that it has.
-    Finding Because(std::string_view description, std::string_view remedy = "") const;
+    Finding Because(std::string_view reason, std::string_view fix = "") const;
 
     // Return a copy with these members changed. `index` counts lines from 0.
     Finding At(size_t index) const;
-    Finding With(Impact impact) const;
-    Finding Of(Severity severity, std::string_view effect) const;
+    Finding With(Impact new_impact) const;
+    Finding Of(Severity new_severity, std::string_view new_effect) const;
+    Finding FixedBy(std::string_view fix) const;
 };
 
-// Return a finding without a text about these settings.
+// Returns a finding without a text. Its subject names the settings, or the group that they are.
 Finding About(const AffectedSettings& settings, std::string_view file, Impact impact);
-Finding About(const Setting& setting, std::string_view file, Impact impact);
-// The same about all wireless settings, which a file or folder keeps from being read and set.
-Finding AboutWireless(std::string_view file);
+
+// Returns the setting's name in capitals, for a value in a fix: "ADDRESS".
+std::string PlaceholderOf(const Setting& setting);
 
 using Findings = std::vector<Finding>;
 

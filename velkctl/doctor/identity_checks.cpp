@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // identity_checks.cpp - whether administrator and location reach the SNMP agent.
 #include <algorithm>
 #include <cctype>
@@ -18,21 +21,21 @@ bool ContainsInAnyCase(std::string_view line, std::string_view text) {
 Findings CheckDirective(const TextFile& file, const SettingLine& directive) {
     constexpr std::string_view kEffect = "does not reach the SNMP agent";
     const std::string name(directive.key);
-    const Finding about = About(directive.setting, velk::kSnmpFile, Impact::kNothing);
-    Finding found = about.Problem(kEffect, "no line has the directive " + name,
-                                  "add a line \"" + name + " unknown\"");
-    for (size_t i = 0; i < file.lines.size(); ++i) {
-        const std::string_view line = Trimmed(file.lines[i]);
-        if (line.starts_with('#') || !ContainsInAnyCase(line, name)) {
-            continue;
-        }
-        if (velk::Contains(line, name)) {
-            return {};
-        }
-        found = about.At(i).Problem(kEffect, Excerpt(line) + " is not written in small letters",
-                                    "write " + name);
+    const Finding about = About({directive.setting}, velk::kSnmpFile, Impact::kNothing);
+    const std::vector<size_t> indexes = IndexesOf(file.lines, [&](std::string_view line) {
+        return !IsComment(line) && ContainsInAnyCase(line, name);
+    });
+    if (std::ranges::any_of(indexes,
+                            [&](size_t i) { return velk::Contains(file.lines[i], name); })) {
+        return {};
     }
-    return {found};
+    if (indexes.empty()) {
+        return {about.Problem(kEffect, "no line has the directive " + name,
+                              "add a line \"" + name + " unknown\"")};
+    }
+    const std::string line = Excerpt(file.lines[indexes.back()]);
+    return {about.At(indexes.back())
+                .Problem(kEffect, line + " is not written in small letters", "write " + name)};
 }
 
 // Returns the text after the key, as the library reads it: the first line counts, cut to the data

@@ -1,8 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interfaces_checks.cpp - checks that the library can find the stanzas of /etc/network/interfaces
 // and their lines with addresses.
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <optional>
 
 #include "lib/base/paths.h"
@@ -52,6 +54,10 @@ std::string_view FirstWord(std::string_view line) {
     return velk::TakeWord(line);
 }
 
+auto IsOption(const Setting& setting) {
+    return [name = setting.row->name](std::string_view line) { return FirstWord(line) == name; };
+}
+
 bool EndsStanzaForIfup(std::string_view line) {
     const std::string_view word = FirstWord(line);
     return word.starts_with(kAllow) || std::ranges::find(kStarts, word) != kStarts.end();
@@ -76,14 +82,6 @@ struct Scope {
     std::string_view value{};  // the value of that set, for the fix; empty: a placeholder
 };
 
-// Returns a line of the file, quoted: "gateway GATEWAY".
-std::string LineWith(const Setting& setting, std::string_view value) {
-    std::string placeholder(setting.row->name);
-    std::ranges::transform(placeholder, placeholder.begin(), ::toupper);
-    return "\"" + std::string(setting.row->name) + " " +
-           (value.empty() ? placeholder : std::string(value)) + "\"";
-}
-
 std::string InsteadOfLine(size_t index) {
     return "instead of line " + std::to_string(index + 1) + " write ";
 }
@@ -102,11 +100,9 @@ class StanzaCheck {
         Findings findings;
         AffectedSettings missing;
         for (const Setting& setting : scope_.settings) {
-            const std::string_view name = setting.row->name;
-            const auto is_named = [name](std::string_view line) { return FirstWord(line) == name; };
             if (const auto found = Find(HasKey(setting))) {
                 Append(findings, CheckLine(setting, *found));
-            } else if (const auto unseen = Find(is_named)) {
+            } else if (const auto unseen = Find(IsOption(setting))) {
                 findings.push_back(Unseen(setting, *unseen));
             } else {
                 missing.push_back(setting);
@@ -122,15 +118,17 @@ class StanzaCheck {
         return FindLine(lines_, stanza_.header + 1, stanza_.end, condition);
     }
 
-    // Returns the line with the value of the set, or with this one.
-    std::string LineFor(const Setting& setting, std::string_view value = {}) const {
-        return LineWith(setting, scope_.value.empty() ? value : scope_.value);
+    // Returns the line with the value of the set, or with this one, quoted: "gateway GATEWAY".
+    std::string LineFor(const Setting& setting, std::string_view present = {}) const {
+        const std::string value(scope_.value.empty() ? present : scope_.value);
+        return "\"" + std::string(setting.row->name) + " " +
+               (value.empty() ? PlaceholderOf(setting) : value) + "\"";
     }
 
     bool is_last() const { return stanza_.end == lines_.size(); }
 
     Finding AboutLine(const Setting& setting, size_t index, Impact impact) const {
-        return About(setting, velk::kInterfacesFile, impact).At(index);
+        return About({setting}, velk::kInterfacesFile, impact).At(index);
     }
 
     // `index` is the line that the library takes for the value's.
@@ -138,7 +136,7 @@ class StanzaCheck {
         const std::string_view key = setting.row->held_in.line.key;
         const std::string_view line = lines_[index];
         const Finding about = AboutLine(setting, index, Impact::kReading);
-        if (FirstWord(line) != setting.row->name) {
+        if (!IsOption(setting)(line)) {
             return {about.Problem("is read and set in the wrong line",
                                   "the library takes " + Excerpt(line) +
                                       " for it, as it contains '" + std::string(key) + "'",
@@ -171,32 +169,23 @@ class StanzaCheck {
 
     // `index` is the line that a set changes. It leaves the others.
     Findings CheckSecond(const Setting& setting, size_t index) const {
-        const auto second = FindOther(setting, index);
+        const auto before = FindLine(lines_, stanza_.header + 1, index, IsOption(setting));
+        const auto second =
+            before ? before : FindLine(lines_, index + 1, stanza_.end, IsOption(setting));
         if (!second) {
             return {};
         }
+        const std::string first = "line " + std::to_string(index + 1);
         const std::string line = Excerpt(lines_[*second]);
+        const Finding about =
+            AboutLine(setting, *second, Impact::kNothing).FixedBy("remove " + line);
         if (setting.row->id != VELK_CMD_GATEWAY) {
-            return {AboutLine(setting, *second, Impact::kNothing)
-                        .Warning("has a second line",
-                                 "ifup may take " + line + "; a set changes line " +
-                                     std::to_string(index + 1) + " alone",
-                                 "remove " + line)};
+            return {about.Warning("has a second line",
+                                  "ifup may take " + line + "; a set changes " + first + " alone")};
         }
-        return {AboutLine(setting, *second, Impact::kSetting)
+        return {about.With(Impact::kSetting)
                     .Warning("cannot be set to none in one set",
-                             "after line " + std::to_string(index + 1) + " is removed, " + line +
-                                 " still applies",
-                             "remove " + line)};
-    }
-
-    // Returns another line of the setting's option.
-    std::optional<size_t> FindOther(const Setting& setting, size_t index) const {
-        const auto is_named = [&](std::string_view line) {
-            return FirstWord(line) == setting.row->name;
-        };
-        const auto before = FindLine(lines_, stanza_.header + 1, index, is_named);
-        return before ? before : FindLine(lines_, index + 1, stanza_.end, is_named);
+                             "after " + first + " is removed, " + line + " still applies")};
     }
 
     // The line is a comment, or one of another option such as "hwaddress".
@@ -205,9 +194,8 @@ class StanzaCheck {
         if (IsComment(lines_[index])) {
             return "remove the word '" + name + "' from the comment";
         }
-        const std::string key(setting.row->held_in.line.key);
         const auto own = Find([&](std::string_view line) {
-            return FirstWord(line) == name && velk::Contains(line, key);
+            return IsOption(setting)(line) && HasKey(setting)(line);
         });
         return own ? "move it " + BelowLine(*own)
                    : "above line " + std::to_string(index + 1) + " add " + LineFor(setting);
@@ -234,26 +222,30 @@ class StanzaCheck {
             remedy.append(names.empty() ? "" : ", ").append(LineFor(setting));
             names.emplace_back(setting.row->name);
         }
-        const Finding about =
-            About(missing, velk::kInterfacesFile, is_last() ? Impact::kSetting : Impact::kNothing)
-                .At(stanza_.header);
+        const Finding about = About(missing, velk::kInterfacesFile, Impact::kNothing)
+                                  .At(stanza_.header)
+                                  .FixedBy(remedy);
         if (is_last()) {
-            const std::string description =
-                names.size() == 1
-                    ? "the stanza is the last one and has no " + names.front() + " line"
-                    : "the last stanza lacks " + AllOf(names);
-            const bool is_needed = scope_.is_set || !stanza_.has_lease;
-            return {about.Of(is_needed ? Severity::kProblem : Severity::kWarning, "cannot be set")
-                        .Because(description, remedy)};
+            return {Unaddable(about, names)};
         }
-        if (!stray_) {
-            return {};
-        }
-        return {about.Warning("would be set in the wrong place",
-                              "the stanza has no " + OneOf(names) +
-                                  " line; a new one would be below " + Excerpt(lines_[*stray_]) +
-                                  ", outside the stanza",
-                              remedy)};
+        return stray_ ? Findings{AddedTooLow(about, names)} : Findings{};
+    }
+
+    Finding Unaddable(const Finding& about, const std::vector<std::string>& names) const {
+        const bool is_needed = scope_.is_set || !stanza_.has_lease;
+        const std::string description =
+            names.size() == 1 ? "the stanza is the last one and has no " + names.front() + " line"
+                              : "the last stanza lacks " + AllOf(names);
+        return about.With(Impact::kSetting)
+            .Of(is_needed ? Severity::kProblem : Severity::kWarning, "cannot be set")
+            .Because(description);
+    }
+
+    Finding AddedTooLow(const Finding& about, const std::vector<std::string>& names) const {
+        return about.Warning("would be set in the wrong place",
+                             "the stanza has no " + OneOf(names) +
+                                 " line; a new one would be below " + Excerpt(lines_[*stray_]) +
+                                 ", outside the stanza");
     }
 
     const Lines& lines_;
@@ -299,76 +291,76 @@ Findings CheckMethod(const Finding& about, const Stanza& stanza, const std::stri
                          "choose a method: velkctl set " + interface + ".method static")};
 }
 
-Findings CheckInterface(const Lines& lines, const std::string& interface, const Scope& scope) {
-    const Finding about = About(SettingsHeldIn(velk::kInterfacesFile, interface),
-                                velk::kInterfacesFile, Impact::kBoth);
-    const std::string header = velk::StanzaHeader(interface);
-    Findings findings = CheckHeaders(about, lines, interface);
-    const std::optional<Stanza> stanza = FindStanza(lines, interface);
-    if (!stanza && findings.empty()) {
-        return {about.Problem("can be neither read nor set",
-                              "no line begins with '" + header + "static' or '... dhcp'",
-                              "add \"" + header +
-                                  "static\", and below it address, netmask and "
-                                  "gateway")};
+// Method and addresses are set in every stanza of the interface and read from the first.
+Findings CheckSecondStanza(const Finding& about, const Lines& lines, const std::string& interface,
+                           size_t first) {
+    const auto second =
+        FindLine(lines, first + 1, lines.size(), StartsWith(velk::StanzaHeader(interface)));
+    if (!second) {
+        return {};
     }
-    if (!stanza) {
-        return findings;
-    }
-    const size_t first = stanza->header;
-    Append(findings, CheckMethod(about.At(first), *stanza, interface));
-    Append(findings, StanzaCheck(lines, *stanza, scope).Run());
-    // Method and addresses are set in every stanza of the interface and read from the first.
-    if (const auto second = FindLine(lines, first + 1, lines.size(), StartsWith(header))) {
-        findings.push_back(
-            about.At(*second)
+    return {about.At(*second)
                 .With(Impact::kNothing)
                 .Warning("are not read from a second stanza",
                          "only the one on line " + std::to_string(first + 1) + " counts",
                          "move the lines that are needed " + BelowLine(first) +
-                             ", and remove the rest"));
+                             ", and remove the rest")};
+}
+
+Finding NoStanza(const Finding& about, const std::string& interface) {
+    const std::string header = velk::StanzaHeader(interface);
+    return about.Problem("can be neither read nor set",
+                         "no line begins with '" + header + "static' or '... dhcp'",
+                         "add \"" + header + "static\", and below it address, netmask and gateway");
+}
+
+Findings CheckInterface(const std::string& interface, const Scope& scope) {
+    const TextFile file = ReadTextFile(velk::kInterfacesFile);
+    if (file.state != FileState::kText) {
+        return {};
     }
+    const Finding about = About(SettingsHeldIn(velk::kInterfacesFile, interface),
+                                velk::kInterfacesFile, Impact::kBoth);
+    Findings findings = CheckHeaders(about, file.lines, interface);
+    const std::optional<Stanza> stanza = FindStanza(file.lines, interface);
+    if (!stanza) {
+        return findings.empty() ? Findings{NoStanza(about, interface)} : findings;
+    }
+    Append(findings, CheckMethod(about.At(stanza->header), *stanza, interface));
+    Append(findings, StanzaCheck(file.lines, *stanza, scope).Run());
+    Append(findings, CheckSecondStanza(about, file.lines, interface, stanza->header));
     return findings;
 }
 
 }  // namespace
 
 Findings CheckInterfaces() {
-    const TextFile file = ReadTextFile(velk::kInterfacesFile);
-    if (file.state != FileState::kText) {
-        return {};
-    }
-    return FindingsOfEach(kInterfaces, [&](const std::string& interface) {
-        return CheckInterface(file.lines, interface, {AddressesOf(interface)});
+    return FindingsOfEach(kInterfaces, [](const std::string& interface) {
+        return CheckInterface(interface, {AddressesOf(interface)});
     });
 }
 
 Findings CheckInterfacesFor(const Setting& setting, std::string_view value) {
-    const TextFile file = ReadTextFile(velk::kInterfacesFile);
-    if (file.state != FileState::kText) {
-        return {};
-    }
     Scope scope{{}, /*is_set=*/true, setting.row->secret ? "" : value};
     if (Includes(AddressesOf(setting.interface), setting)) {
         scope.settings.push_back(setting);
     }
-    return CheckInterface(file.lines, std::string(setting.interface), scope);
+    return CheckInterface(std::string(setting.interface), scope);
 }
 
 Findings ValueLineOf(const Setting& setting) {
-    const TextFile file = ReadTextFile(velk::kInterfacesFile);
-    const std::optional<Stanza> stanza = FindStanza(file.lines, std::string(setting.interface));
+    const Lines lines = ReadTextFile(velk::kInterfacesFile).lines;
+    const std::optional<Stanza> stanza = FindStanza(lines, std::string(setting.interface));
     if (!Includes(AddressesOf(setting.interface), setting) || !stanza) {
         return {};
     }
-    const auto index = FindLine(file.lines, stanza->header + 1, stanza->end, HasKey(setting));
-    if (!index) {
-        return {};
-    }
-    return {About(setting, velk::kInterfacesFile, Impact::kReading)
-                .At(*index)
-                .Warning("still has a line", "it is read from " + Excerpt(file.lines[*index]),
-                         "remove that line, or set it again")};
+    const auto index = FindLine(lines, stanza->header + 1, stanza->end, HasKey(setting));
+    return index ? Findings{About({setting}, velk::kInterfacesFile, Impact::kReading)
+                                .At(*index)
+                                .Warning("still has a line",
+                                         "it is read from " + Excerpt(lines[*index]),
+                                         "remove that line, or set it again")}
+                 : Findings{};
 }
 
 }  // namespace velkctl

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // likely_cause.cpp - the reason why a setting does not hold the value that was set.
 #include "velkctl/doctor/likely_cause.h"
 
@@ -6,11 +9,9 @@
 #include <utility>
 
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/examination.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
-
 namespace {
 
 // Returns the findings that keep the setting from being read or set, the likeliest first.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // likely_cause.h - the reason why a setting does not hold the value that was set.
 #ifndef VELKCTL_DOCTOR_LIKELY_CAUSE_H_
 #define VELKCTL_DOCTOR_LIKELY_CAUSE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock_checks.cpp - whether settings can be changed now, and the process that holds the lock.
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,7 +18,7 @@ constexpr mode_t kLockMode = 0666;
 constexpr mode_t kModeBits = 07777;
 
 Findings CheckAccess(const Finding& about, const struct stat& facts) {
-    const std::string remedy = std::string("chmod 666 ") + velk::kLockFile;
+    const std::string remedy = "chmod 666 " + about.file;
     if (faccessat(AT_FDCWD, velk::kLockFile, R_OK | W_OK, AT_EACCESS) == -1) {
         return {about.Because("this user may not open the lock file", remedy)};
     }
@@ -24,6 +27,28 @@ Findings CheckAccess(const Finding& about, const struct stat& facts) {
                               remedy)};
     }
     return {};
+}
+
+// In a folder that all share, a file's owner may remove it. Two programs then lock two files.
+Findings CheckOwner(const Finding& about, const struct stat& facts) {
+    if (facts.st_uid == 0) {
+        return {};
+    }
+    return {about.Warning(
+        "can be changed by two programs at once",
+        "the lock file belongs to user " + std::to_string(facts.st_uid) +
+            ", who can remove it while it is locked and make a new one",
+        "chown -h root " + about.file +
+            ", and have an init script make it at boot, as root and with mode 666, before programs "
+            "of other users run")};
+}
+
+Findings CheckHolder(const Finding& about) {
+    const std::string holder = DescribeLockHolder();
+    return holder.empty()
+               ? Findings()
+               : Findings{about.Warning("cannot be changed now", "the lock is held by " + holder,
+                                        "wait for it, as 'velkctl set --wait' does, or end it")};
 }
 
 }  // namespace
@@ -40,21 +65,8 @@ Findings CheckLock() {
                               RemoveCommand(velk::kLockFile, facts))};
     }
     Findings findings = CheckAccess(about, facts);
-    if (facts.st_uid != 0) {
-        // In a folder that all share, a file's owner may remove it. Two programs then lock two
-        // files.
-        findings.push_back(about.Warning(
-            "can be changed by two programs at once",
-            "the lock file belongs to user " + std::to_string(facts.st_uid) +
-                ", who can remove it while it is locked and make a new one",
-            std::string("chown -h root ") + velk::kLockFile +
-                ", and have an init script make it at boot, as root and with mode 666, before "
-                "programs of other users run"));
-    }
-    if (const std::string holder = DescribeLockHolder(); !holder.empty()) {
-        findings.push_back(about.Warning("cannot be changed now", "the lock is held by " + holder,
-                                         "wait for it, as 'velkctl set --wait' does, or end it"));
-    }
+    Append(findings, CheckOwner(about, facts));
+    Append(findings, CheckHolder(about));
     return findings;
 }
 

@@ -1,15 +1,16 @@
-// network_check.cpp - checks that the addresses of the interfaces fit together.
-#include "velkctl/doctor/network_check.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
 
-#include <algorithm>
+// network_check.cpp - checks that the addresses of the interfaces fit together.
+#include <array>
 #include <bit>
-#include <cctype>
-#include <optional>
 #include <string_view>
 #include <vector>
 
+#include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/set_checks.h"
 #include "velkctl/doctor/value_checks.h"
 #include "velkctl/files/interface_state.h"
 #include "velkctl/settings/address_values.h"
@@ -18,8 +19,9 @@
 namespace velkctl {
 namespace {
 
-// The configuration as it will be.
+// The configuration of an interface as it will be.
 struct Network {
+    std::string interface;
     std::optional<uint32_t> address;
     std::optional<uint32_t> mask;
     std::optional<uint32_t> gateway;
@@ -34,18 +36,13 @@ std::optional<uint32_t> AddressIn(const Data& data) {
     return ParseIpv4(PrintText(data, ""));
 }
 
-bool IsStatic(std::string_view interface, const PlannedValues& planned) {
-    const std::optional<Data> method = planned.Get(VELK_CMD_IP_METHOD, interface);
-    return method && (*method)[0] == VELK_METHOD_STATIC;
-}
-
 Network NetworkOf(std::string_view interface, const PlannedValues& planned) {
     const auto address_of = [&](uint32_t id) -> std::optional<uint32_t> {
         const std::optional<Data> data = planned.Get(id, interface);
         return data ? AddressIn(*data) : std::nullopt;
     };
-    Network network{address_of(VELK_CMD_IP_ADDRESS), address_of(VELK_CMD_NETMASK),
-                    address_of(VELK_CMD_GATEWAY)};
+    Network network{std::string(interface), address_of(VELK_CMD_IP_ADDRESS),
+                    address_of(VELK_CMD_NETMASK), address_of(VELK_CMD_GATEWAY)};
     if (network.mask && !IsMask(*network.mask)) {
         network.mask.reset();
     }
@@ -83,6 +80,9 @@ Conflict ReservedConflict(uint32_t address, uint32_t mask) {
 }
 
 Conflict AddressConflict(const Network& network) {
+    if (!network.address) {
+        return {};
+    }
     if (network.address == network.gateway) {
         return {"is the gateway of the interface"};
     }
@@ -90,17 +90,20 @@ Conflict AddressConflict(const Network& network) {
 }
 
 Conflict NetmaskConflict(const Network& network) {
-    const std::string_view reserved =
-        network.address ? ReservedAs(*network.address, *network.mask) : std::string_view();
-    if (reserved.empty()) {
+    if (!network.address || !network.mask) {
         return {};
     }
-    return {"does not fit the address of the interface",
-            Dotted(*network.address) + " would be " + std::string(reserved) + " " +
-                Range(*network.address, *network.mask)};
+    const std::string_view reserved = ReservedAs(*network.address, *network.mask);
+    const std::string role = Dotted(*network.address) + " would be " + std::string(reserved) + " ";
+    return reserved.empty() ? Conflict{}
+                            : Conflict{"does not fit the address of the interface",
+                                       role + Range(*network.address, *network.mask)};
 }
 
 Conflict GatewayConflict(const Network& network) {
+    if (!network.gateway) {
+        return {};
+    }
     if (network.gateway == network.address) {
         return {"is the address of the interface itself"};
     }
@@ -114,39 +117,28 @@ Conflict GatewayConflict(const Network& network) {
     return ReservedConflict(*network.gateway, *network.mask);
 }
 
-Conflict ConflictOf(uint32_t id, const Network& network) {
-    switch (id) {
-        case VELK_CMD_IP_ADDRESS:
-            return network.address ? AddressConflict(network) : Conflict{};
-        case VELK_CMD_NETMASK:
-            return network.mask ? NetmaskConflict(network) : Conflict{};
-        default:
-            return network.gateway ? GatewayConflict(network) : Conflict{};
-    }
-}
-
-std::string_view RemedyOf(uint32_t id) {
-    switch (id) {
-        case VELK_CMD_IP_ADDRESS:
-            return "give another value, or set the netmask or gateway first";
-        case VELK_CMD_NETMASK:
-            return "give another value, or set the address first";
-        default:
-            return "give another value, or set the address and netmask first";
-    }
-}
-
-// The network of an interface with a static address.
-struct StaticNetwork {
-    std::string interface;
-    Network network;
+// The check of a setting before a set, and the fix.
+struct AddressRule {
+    uint32_t id;
+    Conflict (*conflict)(const Network& network);
+    std::string_view remedy;
 };
 
-std::vector<StaticNetwork> StaticNetworks(const PlannedValues& planned) {
-    std::vector<StaticNetwork> networks;
-    for (const std::string interface : kInterfaces) {
-        if (IsStatic(interface, planned)) {
-            networks.push_back({interface, NetworkOf(interface, planned)});
+constexpr std::array<AddressRule, 3> kRules{{
+    {VELK_CMD_IP_ADDRESS, AddressConflict,
+     "give another value, or set the netmask or gateway first, or give --force"},
+    {VELK_CMD_NETMASK, NetmaskConflict,
+     "give another value, or set the address first, or give --force"},
+    {VELK_CMD_GATEWAY, GatewayConflict,
+     "give another value, or set the address and netmask first, or give --force"},
+}};
+
+// Returns the networks of the interfaces with the method static.
+std::vector<Network> StaticNetworks(const PlannedValues& planned) {
+    std::vector<Network> networks;
+    for (const std::string_view interface : kInterfaces) {
+        if (planned.HasStaticMethod(interface)) {
+            networks.push_back(NetworkOf(interface, planned));
         }
     }
     return networks;
@@ -154,41 +146,28 @@ std::vector<StaticNetwork> StaticNetworks(const PlannedValues& planned) {
 
 // Returns a finding with the place of the value and its fix.
 Finding AboutAddress(uint32_t id, std::string_view interface, uint32_t address) {
-    const Setting setting = SettingsOf(id, interface).front();
-    Finding about = AboutValue(setting, Dotted(address));
-    about.remedy = "velkctl set " + setting.name() + " VALUE";
-    return about;
+    const Setting setting = SettingOf(id, interface);
+    return AboutValue(setting, Dotted(address)).FixedBy("velkctl set " + setting.name() + " VALUE");
 }
 
-Findings MismatchOf(const Finding& about, uint32_t address, const Conflict& conflict) {
+Findings MismatchOf(uint32_t id, const Network& network, std::optional<uint32_t> address,
+                    const Conflict& conflict) {
     if (conflict.problem.empty()) {
         return {};
     }
     const std::string reason = conflict.reason.empty() ? "" : ", and " + conflict.reason;
-    return {about.Problem(conflict.problem, "it is " + Dotted(address) + reason)};
+    return {AboutAddress(id, network.interface, *address)
+                .Problem(conflict.problem, "it is " + Dotted(*address) + reason)};
 }
 
-Findings GatewayMismatch(const StaticNetwork& own) {
-    const Network& network = own.network;
-    if (!network.gateway) {
-        return {};
-    }
-    return MismatchOf(AboutAddress(VELK_CMD_GATEWAY, own.interface, *network.gateway),
-                      *network.gateway, GatewayConflict(network));
-}
-
-Findings AddressMismatch(const StaticNetwork& own) {
-    const Network& network = own.network;
-    if (!network.address || !network.mask) {
-        return {};
-    }
-    return MismatchOf(AboutAddress(VELK_CMD_IP_ADDRESS, own.interface, *network.address),
-                      *network.address, ReservedConflict(*network.address, *network.mask));
-}
-
-Findings CheckNetwork(const StaticNetwork& own) {
-    Findings findings = AddressMismatch(own);
-    Append(findings, GatewayMismatch(own));
+// An address that is also the gateway is one finding, about the gateway.
+Findings CheckNetwork(const Network& network) {
+    Network without_gateway = network;
+    without_gateway.gateway.reset();
+    Findings findings =
+        MismatchOf(VELK_CMD_IP_ADDRESS, network, network.address, AddressConflict(without_gateway));
+    Append(findings,
+           MismatchOf(VELK_CMD_GATEWAY, network, network.gateway, GatewayConflict(network)));
     return findings;
 }
 
@@ -196,9 +175,7 @@ Findings CheckNetwork(const StaticNetwork& own) {
 std::string SetOf(const AffectedSettings& settings) {
     std::string command = "velkctl set";
     for (const Setting& setting : settings) {
-        std::string placeholder(setting.row->name);
-        std::ranges::transform(placeholder, placeholder.begin(), ::toupper);
-        command.append(" ").append(setting.name()).append("=").append(placeholder);
+        command.append(" ").append(setting.name()).append("=").append(PlaceholderOf(setting));
     }
     return command;
 }
@@ -212,15 +189,13 @@ Finding Missing(const AffectedSettings& settings) {
                  SetOf(settings));
 }
 
-Findings CheckOneAddressOfTwo(const std::vector<StaticNetwork>& networks) {
-    if (networks.size() < 2 || !networks[0].network.address ||
-        networks[0].network.address != networks[1].network.address) {
+Findings CheckOneAddressOfTwo(const std::vector<Network>& networks) {
+    if (networks.size() < 2 || !networks[0].address || networks[0].address != networks[1].address) {
         return {};
     }
-    const uint32_t address = *networks[1].network.address;
-    return {AboutAddress(VELK_CMD_IP_ADDRESS, networks[1].interface, address)
+    return {AboutAddress(VELK_CMD_IP_ADDRESS, networks[1].interface, *networks[1].address)
                 .Problem("is also the address of " + networks[0].interface,
-                         "both are " + Dotted(address))};
+                         "both are " + Dotted(*networks[1].address))};
 }
 
 // ifup needs an address and a mask. A line that the library does not read is no missing one.
@@ -228,7 +203,7 @@ Findings CheckMissing(const std::string& interface, const PlannedValues& planned
     Findings findings;
     AffectedSettings missing;
     for (const uint32_t id : {VELK_CMD_IP_ADDRESS, VELK_CMD_NETMASK}) {
-        const Setting setting = SettingsOf(id, interface).front();
+        const Setting setting = SettingOf(id, interface);
         const std::optional<Data> data = planned.Get(setting);
         if (!data || !PrintText(*data, "").empty()) {
             continue;
@@ -237,9 +212,8 @@ Findings CheckMissing(const std::string& interface, const PlannedValues& planned
         if (!of_line) {
             missing.push_back(setting);
         } else if (of_line->severity == Severity::kWarning) {
-            Finding finding = Missing({setting});  // a set would add the line in the wrong place
-            finding.remedy = of_line->remedy;
-            findings.push_back(finding);
+            // A set would add the line in the wrong place.
+            findings.push_back(Missing({setting}).FixedBy(of_line->remedy));
         } else if (of_line->impact == Impact::kSetting) {
             findings.push_back(*of_line);  // a set would not add the line
         }
@@ -249,58 +223,39 @@ Findings CheckMissing(const std::string& interface, const PlannedValues& planned
 }
 
 // True if the device has the address: the configured one, or with DHCP the present one.
-bool HasAddress(const std::string& interface, const std::string& address,
-                const std::vector<StaticNetwork>& networks) {
-    const auto own = std::ranges::find(networks, interface, &StaticNetwork::interface);
-    return own == networks.end() ? ReadInterfaceState(interface).Has(address)
-                                 : own->network.address == ParseIpv4(address);
+bool HasAddress(const std::string& interface, uint32_t address,
+                const std::vector<Network>& networks) {
+    const Network* own = velk::FindRow(networks, interface, &Network::interface);
+    return own == nullptr ? ReadInterfaceState(interface).Has(Dotted(address))
+                          : own->address == address;
 }
 
-// A forwarder that asks the device asks itself. With --force, a resolver may run there.
-Findings CheckServer(const std::string& server, const std::vector<StaticNetwork>& networks) {
+// The DNS forwarder would query itself, unless a resolver runs on the device.
+Findings CheckServer(const std::string& server, const std::vector<Network>& networks) {
     const std::optional<uint32_t> address = ParseIpv4(server);
-    if (address && IsLoopback(*address)) {
-        return {AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
-                    .Warning("names the device itself", server + " is a loopback address")};
+    if (!address) {
+        return {};
     }
-    return FindingsOfEach(kInterfaces, [&](const std::string& interface) -> Findings {
-        if (!address || !HasAddress(interface, server, networks)) {
-            return {};
-        }
-        return {
-            AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address)
-                .Warning("names the device itself", server + " is the address of " + interface)};
+    const Finding about = AboutAddress(VELK_CMD_DNS, VELK_WIRED_INTERFACE, *address);
+    constexpr std::string_view kEffect = "names the device itself";
+    if (IsLoopback(*address)) {
+        return {about.Warning(kEffect, server + " is a loopback address")};
+    }
+    return FindingsOfEach(kInterfaces, [&](const std::string& interface) {
+        const std::string reason = server + " is the address of " + interface;
+        return HasAddress(interface, *address, networks) ? Findings{about.Warning(kEffect, reason)}
+                                                         : Findings();
     });
 }
 
-}  // namespace
-
-Findings NetworkMismatches(const PlannedValues& planned) {
-    const std::vector<StaticNetwork> networks = StaticNetworks(planned);
-    Findings findings = FindingsOfEach(
-        networks, [&](const StaticNetwork& own) { return CheckMissing(own.interface, planned); });
-    Append(findings, FindingsOfEach(networks, CheckNetwork));
-    Append(findings, CheckOneAddressOfTwo(networks));
-    const Setting dns = SettingsOf(VELK_CMD_DNS, VELK_WIRED_INTERFACE).front();
-    const std::optional<Data> servers = planned.Get(dns);
-    if (servers) {
-        const std::vector<std::string> words = WordsOf(dns.row->kind->Print(*servers));
-        Append(findings, FindingsOfEach(words, [&](const std::string& server) {
-                   return CheckServer(server, networks);
-               }));
-    }
-    return findings;
-}
-
-namespace {
-
-// One value set after the other has this conflict in between: only a set of both is refused.
+// Values that are set one after the other have this conflict in between, so it is a problem only
+// if one call changes both.
 std::optional<Problem> SameAddressProblem(const SettingChange& change,
                                           const PlannedValues& planned) {
-    const Setting first = SettingsOf(VELK_CMD_IP_ADDRESS, VELK_WIRED_INTERFACE).front();
+    const Setting first = SettingOf(VELK_CMD_IP_ADDRESS, VELK_WIRED_INTERFACE);
     const Setting& second = change.setting;
     if (second.row->id != VELK_CMD_IP_ADDRESS || second.interface != VELK_WIRELESS_INTERFACE ||
-        !planned.Changes(first) || !IsStatic(first.interface, planned) ||
+        !planned.Changes(first) || !planned.HasStaticMethod(first.interface) ||
         AddressIn(change.value) != AddressIn(*planned.Get(first))) {
         return std::nullopt;
     }
@@ -312,23 +267,37 @@ std::optional<Problem> SameAddressProblem(const SettingChange& change,
 
 }  // namespace
 
+Findings NetworkMismatches(const PlannedValues& planned) {
+    const std::vector<Network> networks = StaticNetworks(planned);
+    Findings findings = FindingsOfEach(
+        networks, [&](const Network& own) { return CheckMissing(own.interface, planned); });
+    Append(findings, FindingsOfEach(networks, CheckNetwork));
+    Append(findings, CheckOneAddressOfTwo(networks));
+    const Setting dns = SettingOf(VELK_CMD_DNS, VELK_WIRED_INTERFACE);
+    const std::optional<Data> servers = planned.Get(dns);
+    const std::string text = servers ? dns.row->kind->Print(*servers) : "";
+    Append(findings, FindingsOfEach(WordsOf(text), [&](const std::string& server) {
+               return CheckServer(server, networks);
+           }));
+    return findings;
+}
+
 std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned) {
     const Setting& setting = change.setting;
-    const uint32_t id = setting.row->id;
-    if (!IsAddressCommand(id) || !AddressIn(change.value) ||
-        !IsStatic(setting.interface, planned)) {
+    const AddressRule* rule = velk::FindRow(kRules, setting.row->id, &AddressRule::id);
+    const std::optional<uint32_t> address = AddressIn(change.value);
+    if (rule == nullptr || !address || !planned.HasStaticMethod(setting.interface)) {
         return std::nullopt;
     }
-    const Conflict conflict = ConflictOf(id, NetworkOf(setting.interface, planned));
+    const Conflict conflict = rule->conflict(NetworkOf(setting.interface, planned));
     if (conflict.problem.empty()) {
         return SameAddressProblem(change, planned);
     }
     const std::string name = setting.name();
-    return Problem{
-        .message = name + ": " + Dotted(*AddressIn(change.value)) + " " + conflict.problem,
-        .setting = name,
-        .detail = conflict.reason,
-        .remedy = std::string(RemedyOf(id)) + ", or give --force"};
+    return Problem{.message = name + ": " + Dotted(*address) + " " + conflict.problem,
+                   .setting = name,
+                   .detail = conflict.reason,
+                   .remedy = std::string(rule->remedy)};
 }
 
 }  // namespace velkctl

@@ -1,12 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // read_back.cpp - whether the device holds the value that was set.
 #include "velkctl/doctor/read_back.h"
 
 #include <ctime>
 
+#include "lib/ipconf/interfaces_file.h"
 #include "velkctl/call/command.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -24,6 +29,19 @@ void AwaitOtherChange() {
     } while (pauses < kPauses && LibraryLock().is_busy());
 }
 
+// A set that the library has just reported as done.
+struct DoneSet {
+    const Setting& setting;
+    const std::string name;
+    const std::string value;  // the wanted one, for people
+    const FilesBefore& before;
+    Report& report;
+
+    bool IsHeldIn(const Answer& answer) const {
+        return answer.ok() && setting.row->kind->Print(answer.data) == value;
+    }
+};
+
 // Returns the losses that last.
 std::string LossesOf(const FilesBefore& before) {
     if (before.Losses().empty()) {
@@ -35,12 +53,9 @@ std::string LossesOf(const FilesBefore& before) {
 
 // True if the interface answers with its lease, and so not with the configured address.
 bool AnswersWithLease(const Setting& setting, const Device& device) {
-    if (!IsAddressCommand(setting.row->id)) {
-        return false;
-    }
-    const Answer method =
-        device.Execute({VELK_GET, VELK_CMD_IP_METHOD, setting.interface}, {}, setting.name());
-    return method.ok() && method.data[0] == VELK_METHOD_DHCP;
+    return setting.row->held_in.is_of_lease &&
+           device.PrintedValue(SettingOf(VELK_CMD_IP_METHOD, setting.interface)) ==
+               velk::kDhcpMethod;
 }
 
 // Returns the value that is read instead, without a secret.
@@ -56,110 +71,103 @@ std::string HeldValue(const Setting& setting, const Answer& answer) {
 
 // `difference` says how the device differs. `detail` names the files that have lost their text, or
 // says that another program may be the reason.
-ReadBack NotHeld(const Setting& setting, const std::string& difference, const std::string& detail,
-                 const Findings& causes, Report& report) {
-    const std::string name = setting.name();
-    Problem problem{name + ": the library reported success, but " + difference, name};
+ReadBack NotHeld(const DoneSet& done, const std::string& difference, const std::string& detail,
+                 const Findings& causes) {
+    Problem problem{done.name + ": the library reported success, but " + difference, done.name};
     problem.detail = detail;
     if (!causes.empty()) {
         AddLikelyCause(problem, causes.front());
     }
-    report.Complain(problem);
+    done.report.Complain(problem);
     return {false, ExitStatus::kNotHeld};
 }
 
-ReadBack NotReadInTime(const Setting& setting, const Answer& answer, Report& report) {
-    const std::string name = setting.name();
-    report.Complain(ProblemOf(name + ": set, but not read back", name, answer));
-    return {std::nullopt, StatusOf(answer)};
-}
-
 // True if the device holds a value that is neither the one before the set nor the one that was set.
-bool IsThirdValue(const Setting& setting, const Answer& answer, const FilesBefore& before) {
-    return answer.ok() && !setting.row->secret && before.value() &&
-           setting.row->kind->Print(answer.data) != *before.value();
+bool IsThirdValue(const DoneSet& done, const Answer& answer) {
+    const Setting& setting = done.setting;
+    return answer.ok() && !setting.row->secret && done.before.value() &&
+           setting.row->kind->Print(answer.data) != *done.before.value();
 }
 
 // True if a set without effect cannot be distinguished from another program that has set the value
 // since. The daemon is not asked before a set. The causes of an address always have its line.
-bool IsUndecided(const Setting& setting, const Answer& answer, const FilesBefore& before,
-                 const Findings& causes) {
-    const bool is_of_daemon = setting.row->held_in.holder == Holder::kDaemon;
-    const bool is_explained =
-        !causes.empty() && !is_of_daemon && !IsAddressCommand(setting.row->id);
-    return answer.ok() && !is_explained && (before.value() || is_of_daemon);
+bool IsUndecided(const DoneSet& done, const Answer& answer, const Findings& causes) {
+    const HeldIn& held_in = done.setting.row->held_in;
+    const bool is_of_daemon = held_in.holder == Holder::kDaemon;
+    const bool is_explained = !causes.empty() && !is_of_daemon && !held_in.is_of_lease;
+    return answer.ok() && !is_explained && (done.before.value() || is_of_daemon);
 }
 
 // The set was done. The later one counts, as it would have a minute later.
-ReadBack SetByAnother(const Setting& setting, const Answer& answer, Report& report) {
-    const std::string name = setting.name();
-    report.Note(Problem{.message = name + ": set, but another program has set it to " +
-                                   Quoted(setting.row->kind->Print(answer.data)) + " since",
-                        .setting = name});
+ReadBack SetByAnother(const DoneSet& done, const Answer& answer) {
+    done.report.Note(Problem{.message = done.name + ": set, but another program has set it to " +
+                                        Quoted(done.setting.row->kind->Print(answer.data)) +
+                                        " since",
+                             .setting = done.name});
     return {false, ExitStatus::kDone};
 }
 
 // Compares a value that is not held with the one from before. A line that the set damages may also
 // be read as a third value, so another program is named only if no finding explains the value.
-ReadBack ExplainDifference(const Setting& setting, const Data& wanted, const Answer& answer,
-                           const FilesBefore& before, Report& report) {
-    const std::string value = setting.row->kind->Print(wanted);
-    const std::string losses = LossesOf(before);
-    const bool is_hindered = !losses.empty() || !Hindrances(setting, value).empty();
-    if (!is_hindered && IsThirdValue(setting, answer, before)) {
-        return SetByAnother(setting, answer, report);
+ReadBack ExplainDifference(const DoneSet& done, const Answer& answer) {
+    const std::string losses = LossesOf(done.before);
+    const bool is_hindered = !losses.empty() || !Hindrances(done.setting, done.value).empty();
+    if (!is_hindered && IsThirdValue(done, answer)) {
+        return SetByAnother(done, answer);
     }
-    const Findings causes = LikelyCauses(setting, value);
-    const bool is_undecided = !is_hindered && IsUndecided(setting, answer, before, causes);
-    return NotHeld(setting, HeldValue(setting, answer),
+    const Findings causes = LikelyCauses(done.setting, done.value);
+    const bool is_undecided = !is_hindered && IsUndecided(done, answer, causes);
+    return NotHeld(done, HeldValue(done.setting, answer),
                    is_undecided ? "it was not set, or another program has set it since" : losses,
-                   causes, report);
+                   causes);
 }
 
 // Checks a value that cannot be read back by looking for findings that keep it from being set.
-ReadBack CheckUnread(const Setting& setting, const std::string& reason, const std::string& losses,
-                     const Findings& causes, Report& report) {
+ReadBack CheckUnread(const DoneSet& done, const std::string& reason) {
+    const std::string losses = LossesOf(done.before);
+    const Findings causes = Hindrances(done.setting, done.value);
     if (!causes.empty() || !losses.empty()) {
-        return NotHeld(setting, "the device cannot hold the value", losses, causes, report);
+        return NotHeld(done, "the device cannot hold the value", losses, causes);
     }
-    report.Note(setting.name() + ": set, but not checked: " + reason);
+    done.report.Note(done.name + ": set, but not checked: " + reason);
     return {std::nullopt, ExitStatus::kDone};
+}
+
+// Returns the outcome for a value that the device did not hold at first.
+ReadBack CheckOther(const DoneSet& done, Answer answer, const Device& device) {
+    const Setting& setting = done.setting;
+    if (answer.timed_out) {
+        done.report.Complain(ProblemOf(done.name + ": set, but not read back", done.name, answer));
+        return {std::nullopt, StatusOf(answer)};
+    }
+    if (AnswersWithLease(setting, device)) {
+        const std::string interface(setting.interface);
+        return CheckUnread(done, "while " + interface + ".method is dhcp, its lease is shown");
+    }
+    if (setting.row->held_in.holder == Holder::kFile) {
+        AwaitOtherChange();
+        answer = device.Get(setting);
+    }
+    return done.IsHeldIn(answer) ? ReadBack{true, ExitStatus::kDone}
+                                 : ExplainDifference(done, answer);
 }
 
 }  // namespace
 
 ReadBack ReadSettingBack(const Setting& setting, const Data& wanted, const FilesBefore& before,
                          const Device& device, Report& report) {
-    const ValueKind& kind = *setting.row->kind;
-    const auto hindrances = [&] { return Hindrances(setting, kind.Print(wanted)); };
+    const DoneSet done{setting, setting.name(), setting.row->kind->Print(wanted), before, report};
     if (!setting.can_get()) {
-        return CheckUnread(setting, "it cannot be read", LossesOf(before), hindrances(), report);
+        return CheckUnread(done, "it cannot be read");
     }
-    const auto is_held = [&](const Answer& answer) {
-        return answer.ok() && kind.Print(answer.data) == kind.Print(wanted);
-    };
-    Answer answer = device.Get(setting);
-    if (is_held(answer)) {
-        if (const std::optional<Problem> note = NoteAfterSet(setting, wanted)) {
-            report.Note(*note);
-        }
-        return {true, ExitStatus::kDone};
+    const Answer answer = device.Get(setting);
+    if (!done.IsHeldIn(answer)) {
+        return CheckOther(done, answer, device);
     }
-    if (answer.timed_out) {
-        return NotReadInTime(setting, answer, report);
+    if (const std::optional<Problem> note = NoteAfterSet(setting, wanted)) {
+        report.Note(*note);
     }
-    if (AnswersWithLease(setting, device)) {
-        return CheckUnread(
-            setting,
-            "while " + std::string(setting.interface) + ".method is dhcp, its lease is shown",
-            LossesOf(before), hindrances(), report);
-    }
-    if (setting.row->held_in.holder == Holder::kFile) {
-        AwaitOtherChange();
-        answer = device.Get(setting);
-    }
-    return is_held(answer) ? ReadBack{true, ExitStatus::kDone}
-                           : ExplainDifference(setting, wanted, answer, before, report);
+    return {true, ExitStatus::kDone};
 }
 
 }  // namespace velkctl

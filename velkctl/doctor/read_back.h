@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // read_back.h - whether the device holds the value that was set.
 #ifndef VELKCTL_DOCTOR_READ_BACK_H_
 #define VELKCTL_DOCTOR_READ_BACK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // remains_checks.cpp - files that a query to the wireless daemon or a tool has left, and that
 // hinder the next one.
 #include <fcntl.h>
@@ -15,9 +18,9 @@ namespace {
 constexpr std::string_view kMaybeUnread = "may not have been read";
 
 Finding AboutRemains(const char* path, const struct stat& facts) {
-    Finding about = AboutWireless(path);
-    about.remedy = RemoveCommand(path, facts);
-    return about;
+    return About(WirelessSettings(), path, Impact::kBoth)
+        .Of(Severity::kProblem, "can be neither read nor set")
+        .FixedBy(RemoveCommand(path, facts));
 }
 
 // A reply socket that no process has bound.
@@ -62,8 +65,8 @@ Findings CheckRemains(const char* path, Check check) {
 // The next reading overwrites a file of the caller's own. It removes any other file, if the caller
 // may remove it; if not, nothing is read.
 Finding CheckResult(const Finding& remains, const struct stat& facts) {
-    Finding about = About(SettingsReadWith(), remains.file, Impact::kNothing);
-    about.remedy = remains.remedy;
+    const Finding about =
+        About(SettingsReadWith(), remains.file, Impact::kNothing).FixedBy(remains.remedy);
     if (S_ISREG(facts.st_mode) && facts.st_nlink == 1 && facts.st_uid == geteuid()) {
         return about.Warning(kMaybeUnread, "a result was left, " + AgeOf(facts) +
                                                " old; the next one overwrites it");

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // script_checks.cpp - whether the library can switch the lines of the DHCP client's scripts: the
 // commands of its exit hooks, and the calls that install a lease's name servers.
 #include <algorithm>
@@ -87,12 +90,15 @@ Findings CheckBlocks(const Script& script) {
     return findings;
 }
 
-// Returns the lines that run for the interface, as the library reads the script; all of them if the
-// interface is empty.
-std::vector<size_t> LinesThatRun(const Script& script, std::string_view interface) {
+// Returns the lines that run for the interface, as the library reads the script, and for which the
+// condition is true; those of all interfaces if the interface is empty.
+template <typename Condition>
+std::vector<size_t> LinesThatRun(const Script& script, std::string_view interface,
+                                 Condition is_wanted) {
     velk::ShellBlocks blocks(script.variable, interface);
     return IndexesOf(script.lines, [&](const std::string& line) {
-        return blocks.RunsNext(line) || interface.empty();
+        const bool runs = blocks.RunsNext(line) || interface.empty();
+        return runs && is_wanted(line);
     });
 }
 
@@ -116,10 +122,10 @@ Findings CheckCommands(const Script& script, const SettingLine& switched) {
     const std::string command(switched.key);
     const std::string interface(switched.setting.interface);
     // A setting of the device is switched here and read from another file.
-    const Finding about = About(switched.setting, velk::kExitHooks,
+    const Finding about = About({switched.setting}, velk::kExitHooks,
                                 interface.empty() ? Impact::kNothing : Impact::kSetting);
-    std::vector<size_t> indexes = LinesThatRun(script, interface);
-    std::erase_if(indexes, [&](size_t i) { return !velk::Contains(script.lines[i], command); });
+    const std::vector<size_t> indexes = LinesThatRun(
+        script, interface, [&](std::string_view line) { return velk::Contains(line, command); });
     if (!indexes.empty()) {
         return FindingsOfEach(indexes, [&](size_t index) {
             return CheckCommand(about.At(index), script.lines[index], switched);
@@ -131,29 +137,40 @@ Findings CheckCommands(const Script& script, const SettingLine& switched) {
         "add the line that runs " + command + ", with a '#' before it for off")};
 }
 
+// Returns the position of the function's name as a word of the line; npos if none.
+size_t PositionOf(std::string_view function, std::string_view line) {
+    size_t position = 0;
+    const bool is_found = velk::FindWord(line, function, /*comment_aware=*/false, position);
+    return is_found ? position : std::string_view::npos;
+}
+
+bool IsDefinition(std::string_view function, std::string_view line) {
+    const size_t position = PositionOf(function, line);
+    return Trimmed(line.substr(position + function.size())).starts_with('(');
+}
+
+Findings CheckCall(const Finding& about, std::string_view line, std::string_view function) {
+    if (!IsDefinition(function, line)) {
+        return CheckMarks(about, line, PositionOf(function, line), "call");
+    }
+    return {about.Problem("would break the script",
+                          "the definition of the function is taken for a call of it",
+                          "leave no blank between make_resolv_conf and ()")};
+}
+
 Findings CheckCalls(const Script& script, const SettingLine& switched) {
     const std::string interface(switched.setting.interface);
     // The setting is read from the DHCP client's configuration.
-    const Finding about = About(switched.setting, velk::kClientScript, Impact::kNothing);
-    Findings findings;
-    bool found = false;
-    for (const size_t index : LinesThatRun(script, interface)) {
-        const std::string_view line = script.lines[index];
-        size_t position = 0;
-        if (!velk::FindWord(line, switched.key, /*comment_aware=*/false, position)) {
-            continue;
-        }
-        if (Trimmed(line.substr(position + switched.key.size())).starts_with('(')) {
-            findings.push_back(
-                about.At(index).Problem("would break the script",
-                                        "the definition of the function is taken for a call of it",
-                                        "leave no blank between make_resolv_conf and ()"));
-            continue;
-        }
-        found = true;
-        Append(findings, CheckMarks(about.At(index), line, position, "call"));
-    }
-    if (!found) {
+    const Finding about = About({switched.setting}, velk::kClientScript, Impact::kNothing);
+    const std::vector<size_t> indexes = LinesThatRun(script, interface, [&](std::string_view line) {
+        return PositionOf(switched.key, line) != std::string_view::npos;
+    });
+    Findings findings = FindingsOfEach(indexes, [&](size_t index) {
+        return CheckCall(about.At(index), script.lines[index], switched.key);
+    });
+    const bool is_called = std::ranges::any_of(
+        indexes, [&](size_t i) { return !IsDefinition(switched.key, script.lines[i]); });
+    if (!is_called) {
         findings.push_back(
             about.Problem("does not switch the name servers of a lease",
                           "no line that runs for " + interface + " calls make_resolv_conf",

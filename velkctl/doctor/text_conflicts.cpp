@@ -1,6 +1,7 @@
-// text_conflicts.cpp - values that would have a set change the wrong text of a file.
-#include "velkctl/doctor/text_conflicts.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
 
+// text_conflicts.cpp - values that would have a set change the wrong text of a file.
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
@@ -8,6 +9,7 @@
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk/ntp.h"
+#include "velkctl/doctor/set_checks.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/settings/time_entry.h"
@@ -16,56 +18,45 @@
 namespace velkctl {
 namespace {
 
-struct Conflict {
-    std::string problem;
-    std::string reason;
-    std::string remedy;
-};
-
 std::string TextIn(const Data& data) {
     return {data.data(), strnlen(data.data(), data.size())};
 }
 
-std::string PlaceInCrontab(size_t index) {
-    return std::string(velk::kCrontab) + ":" + std::to_string(index + 1);
-}
-
-Conflict PresentServerConflict(const std::string& line, size_t index) {
+// The conflicts have no setting yet, and its name is to precede their messages.
+Problem PresentServerConflict(const std::string& line, const std::string& place) {
     std::string server;
     (void)GetNtpdate(line, server);
-    return Conflict{"the present server " + QuotedWhole(Trimmed(server)) +
-                        " also occurs earlier in " + PlaceInCrontab(index),
-                    "this set would replace it there, in the command that cron runs",
-                    "write another server into that line with an editor, or give --force"};
+    return {.message = "the present server " + QuotedWhole(Trimmed(server)) + place,
+            .detail = "this set would replace it there, in the command that cron runs",
+            .remedy = "write another server into that line with an editor, or give --force"};
 }
 
-Conflict NewServerConflict(const std::string& server, size_t index) {
-    return Conflict{QuotedWhole(server) + " also occurs earlier in " + PlaceInCrontab(index),
-                    "the next set would replace it there, in the command that cron runs",
-                    "give the server's address or another name, or --force"};
+Problem NewServerConflict(const std::string& server, const std::string& place) {
+    return {.message = QuotedWhole(server) + place,
+            .detail = "the next set would replace it there, in the command that cron runs",
+            .remedy = "give the server's address or another name, or --force"};
 }
 
 // Nothing if a server can be set on the line, and if the line has no place for one.
-std::optional<Conflict> ServerConflict(std::string line, const std::string& server, size_t index) {
+std::optional<Problem> ServerConflict(std::string line, const std::string& server, size_t index) {
+    const std::string place =
+        std::string(" also occurs earlier in ") + velk::kCrontab + ":" + std::to_string(index + 1);
     if (IsServerFoundTooEarly(line)) {
-        return PresentServerConflict(line, index);
+        return PresentServerConflict(line, place);
     }
     try {
         (void)ChangeNtpdate(line, server);
     } catch (const std::out_of_range&) {
         return std::nullopt;
     }
-    return IsServerFoundTooEarly(line) ? std::optional(NewServerConflict(server, index))
+    return IsServerFoundTooEarly(line) ? std::optional(NewServerConflict(server, place))
                                        : std::nullopt;
 }
 
-std::optional<Conflict> TimeServerConflict(const std::string& server) {
+std::optional<Problem> TimeServerConflict(const std::string& server) {
     const TextFile crontab = ReadTextFile(velk::kCrontab);
-    for (size_t i = 0; i < crontab.lines.size(); ++i) {
-        if (!velk::Contains(crontab.lines[i], kTimeClient)) {
-            continue;
-        }
-        if (std::optional<Conflict> conflict = ServerConflict(crontab.lines[i], server, i)) {
+    for (const size_t index : LinesWith(crontab.lines, kTimeClient)) {
+        if (std::optional<Problem> conflict = ServerConflict(crontab.lines[index], server, index)) {
             return conflict;
         }
     }
@@ -80,36 +71,37 @@ bool Holds(const Setting& setting, const SettingLine& other, const Device& devic
 }
 
 // Nothing if the set leaves the other setting's line in the agent's file alone.
-std::optional<Conflict> OtherTextConflict(const SettingLine& own, const SettingLine& other,
-                                          const Device& device) {
+std::optional<Problem> OtherTextConflict(const SettingLine& own, const SettingLine& other,
+                                         const Device& device) {
     if (!Holds(other.setting, own, device)) {
         return std::nullopt;
     }
     const std::string name = other.setting.name();
     const std::string force = Holds(own.setting, other, device) ? "--force " : "";
-    return Conflict{
-        "the present " + name + " contains '" + std::string(own.key) + "'",
-        std::string("this set would replace the line from there on in ") + velk::kSnmpFile,
-        "give --force, or first, without that word: velkctl set " + force + name + " TEXT"};
+    return Problem{.message = "the present " + name + " contains '" + std::string(own.key) + "'",
+                   .detail = std::string("this set would replace the line from there on in ") +
+                             velk::kSnmpFile,
+                   .remedy = "give --force, or first, without that word: velkctl set " + force +
+                             name + " TEXT"};
 }
 
-std::optional<Conflict> IdentityConflict(const Setting& setting, const std::string& text,
-                                         const Device& device) {
+std::optional<Problem> IdentityConflict(const Setting& setting, const std::string& text,
+                                        const Device& device) {
     const std::vector<SettingLine> directives = LinesOfSettings(velk::kSnmpFile);
     for (const SettingLine& directive : directives) {
         if (velk::Contains(text, directive.key)) {
-            return Conflict{"the text contains '" + std::string(directive.key) + "'",
-                            "a set of " + directive.setting.name() +
-                                " replaces the line from there on in " + velk::kSnmpFile,
-                            "give other words, or --force"};
+            return Problem{.message = "the text contains '" + std::string(directive.key) + "'",
+                           .detail = "a set of " + directive.setting.name() +
+                                     " replaces the line from there on in " + velk::kSnmpFile,
+                           .remedy = "give other words, or --force"};
         }
     }
     const bool is_first = directives[0].setting.row->id == setting.row->id;
     return OtherTextConflict(directives[is_first ? 0 : 1], directives[is_first ? 1 : 0], device);
 }
 
-std::optional<Conflict> FindConflict(const Setting& setting, const std::string& text,
-                                     const Device& device) {
+std::optional<Problem> FindConflict(const Setting& setting, const std::string& text,
+                                    const Device& device) {
     if (setting.row->id == VELK_CMD_NTP_SERVER) {
         return TimeServerConflict(text);
     }
@@ -120,17 +112,13 @@ std::optional<Conflict> FindConflict(const Setting& setting, const std::string& 
 
 }  // namespace
 
-std::optional<Problem> TextConflict(const Setting& setting, const Data& value,
-                                    const Device& device) {
-    const std::optional<Conflict> conflict = FindConflict(setting, TextIn(value), device);
-    if (!conflict) {
-        return std::nullopt;
+std::optional<Problem> TextConflict(const SettingChange& change, const Device& device) {
+    std::optional<Problem> conflict = FindConflict(change.setting, TextIn(change.value), device);
+    if (conflict) {
+        conflict->setting = change.setting.name();
+        conflict->message.insert(0, conflict->setting + ": ");
     }
-    const std::string name = setting.name();
-    return Problem{.message = name + ": " + conflict->problem,
-                   .setting = name,
-                   .detail = conflict->reason,
-                   .remedy = conflict->remedy};
+    return conflict;
 }
 
 }  // namespace velkctl

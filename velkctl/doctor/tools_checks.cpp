@@ -1,12 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tools_checks.cpp - checks that the tools of the library exist and may be run, and that it can
 // read the output of ifconfig.
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
 #include <vector>
 
 #include <unistd.h>
 
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velkctl/call/environment.h"
@@ -17,73 +22,108 @@
 namespace velkctl {
 namespace {
 
-constexpr std::chrono::seconds kLongestRun{5};
-
 constexpr bool kBySudo = true;
 constexpr bool kDirectly = false;
 constexpr bool kForRestart = true;
+constexpr Severity kProblem = Severity::kProblem;
+constexpr Severity kWarning = Severity::kWarning;
+
+AffectedSettings NoSettings() {
+    return {};
+}
+
+AffectedSettings LinkSettings() {
+    return SettingsReadWith(kLinkTool);
+}
+
+AffectedSettings InterfaceSettings() {
+    return SettingsReadWith(kInterfaceTool);
+}
 
 struct Tool {
-    std::string name;
+    std::string_view name;
     bool by_sudo;
-    std::string consequence;  // the consequence if it is missing
-    Severity severity = Severity::kProblem;
-    AffectedSettings affected{};
+    std::string_view consequence;  // the consequence if it is missing
+    Severity severity = kProblem;
+    AffectedSettings (*affected)() = NoSettings;
     Impact impact = Impact::kNothing;
     bool for_restart = false;  // an interface cannot be restarted without it
 };
 
+constexpr auto kRmConsequence =
+    velk::JoinText("edit copies and results stay in ", velk::kEditFolder);
+
 // A tool that is run both ways has two rows.
-std::vector<Tool> Tools() {
-    constexpr Severity kProblem = Severity::kProblem;
-    constexpr Severity kWarning = Severity::kWarning;
-    const AffectedSettings link_speed = SettingsReadWith(kLinkTool);
-    return {
-        {"sudo", kDirectly, "no interface can be restarted, link-speed can be neither read nor set",
-         kProblem, link_speed, Impact::kBoth, kForRestart},
-        {"cat", kDirectly, "no setting in a file can be set", kProblem, EditedSettings(),
-         Impact::kSetting},
-        {"rm", kDirectly, std::string("edit copies and results stay in ") + velk::kEditFolder},
-        {"grep", kDirectly, "the link cannot be read from the log when ethtool does not report it",
-         kWarning},
-        {"ifconfig", kDirectly, "address and netmask of a DHCP interface cannot be read", kProblem,
-         SettingsReadWith(kInterfaceTool), Impact::kReading},
-        {"ifconfig", kBySudo, "eth1 cannot be brought up while the cable is in"},
-        {"route", kBySudo,
-         "the running default gateway cannot be changed, only the one in the file", kWarning},
-        {"ethtool", kBySudo, "eth0.link-speed can be neither read nor set", kProblem, link_speed,
-         Impact::kBoth},
-        {velk::kEthtool, kBySudo, "it takes a minute to find out whether the cable is in"},
-        {.name = "ifup",
-         .by_sudo = kBySudo,
-         .consequence = "no interface can be brought up again by a restart",
-         .for_restart = kForRestart},
-        {.name = "ifdown",
-         .by_sudo = kBySudo,
-         .consequence = "no interface can be brought down by a restart",
-         .for_restart = kForRestart},
-        {"sed", kBySudo, "administrator and location do not reach the SNMP agent"},
-        {velk::kSnmpScript, kBySudo,
-         "administrator and location do not reach the running SNMP agent"},
-    };
+constexpr std::array<Tool, 13> kTools{{
+    {"sudo", kDirectly, "no interface can be restarted, link-speed can be neither read nor set",
+     kProblem, LinkSettings, Impact::kBoth, kForRestart},
+    {"cat", kDirectly, "no setting in a file can be set", kProblem, EditedSettings,
+     Impact::kSetting},
+    {"rm", kDirectly, kRmConsequence.c_str()},
+    {"grep", kDirectly, "the link cannot be read from the log when ethtool does not report it",
+     kWarning},
+    {kInterfaceTool, kDirectly, "address and netmask of a DHCP interface cannot be read", kProblem,
+     InterfaceSettings, Impact::kReading},
+    {kInterfaceTool, kBySudo, "eth1 cannot be brought up while the cable is in"},
+    {"route", kBySudo, "the running default gateway cannot be changed, only the one in the file",
+     kWarning},
+    {kLinkTool, kBySudo, "eth0.link-speed can be neither read nor set", kProblem, LinkSettings,
+     Impact::kBoth},
+    {velk::kEthtool, kBySudo, "it takes a minute to find out whether the cable is in"},
+    {"ifup", kBySudo, "no interface can be brought up again by a restart", kProblem, NoSettings,
+     Impact::kNothing, kForRestart},
+    {"ifdown", kBySudo, "no interface can be brought down by a restart", kProblem, NoSettings,
+     Impact::kNothing, kForRestart},
+    {"sed", kBySudo, "administrator and location do not reach the SNMP agent"},
+    {velk::kSnmpScript, kBySudo, "administrator and location do not reach the running SNMP agent"},
+}};
+
+using Words = std::vector<std::string>;
+
+// Returns the commands that the library runs through sudo. Its rules may allow nothing else.
+std::vector<Words> SudoCommands() {
+    const std::string wired = VELK_WIRED_INTERFACE;
+    const std::string wireless = VELK_WIRELESS_INTERFACE;
+    return {{"ifconfig", wireless, "up"},
+            {"route", "add", "default", "gw", "192.168.0.1"},
+            {"route", "del", "default", "gw", "192.168.0.1"},
+            {"ethtool", wired},
+            {"ethtool", "-s", wired, "autoneg", "on"},
+            {"ethtool", "-s", wired, "speed", "100", "duplex", "full", "autoneg", "off"},
+            {velk::kEthtool, wired},
+            {"ifup", wired},
+            {"ifup", wireless},
+            {"ifdown", wired},
+            {"ifdown", wireless},
+            {"sed", "-i", "s/syscontact.*/syscontact name/", velk::kSnmpFile},
+            {"sed", "-i", "s/syslocation.*/syslocation name/", velk::kSnmpFile},
+            {velk::kSnmpScript, "restart"}};
 }
 
-// Asks sudo for the right to run tools. Root needs none. A sudo that does not answer in time is not
-// asked again.
+// Asks sudo for the right to run the commands of a tool. Root needs none. A sudo that does not
+// answer in time is not asked again.
 class SudoRights {
   public:
     SudoRights() : asks_(geteuid() != 0 && FindTool("sudo").has_value()) {}
 
     bool Forbid(const std::string& tool) {
+        return std::ranges::any_of(SudoCommands(), [&](const Words& command) {
+            return command.front() == tool && Refuse(command);
+        });
+    }
+
+  private:
+    bool Refuse(const Words& command) {
         if (!asks_) {
             return false;
         }
-        const ToolRun run = RunTool({"sudo", "-n", "-l", tool}, kLongestRun);
+        Words question = {"sudo", "-n", "-l"};
+        question.insert(question.end(), command.begin(), command.end());
+        const ToolRun run = RunTool(question);
         asks_ = run.ended;
         return run.ended && run.status != 0;
     }
 
-  private:
     bool asks_;
 };
 
@@ -94,51 +134,55 @@ bool IsPlainWord(std::string_view path) {
     });
 }
 
+std::string SearcherFor(const Tool& tool) {
+    return tool.by_sudo ? "sudo searches" : "velkctl searches";
+}
+
 std::string RemedyOf(const Tool& tool, const std::optional<std::string>& elsewhere) {
-    if (tool.name.starts_with('/')) {
-        return "install it, or a link to it, as " + tool.name;
+    const std::string name(tool.name);
+    if (name.starts_with('/')) {
+        return "install it, or a link to it, as " + name;
     }
     // Root pastes the line: a tool that another user can change must not get into it.
     if (elsewhere && IsPlainWord(*elsewhere) && OnlyRootCanChange(*elsewhere)) {
-        return "ln -s " + *elsewhere + " /usr/local/sbin/" + tool.name;
+        return "ln -s " + *elsewhere + " /usr/local/sbin/" + name;
     }
-    return std::string("install it in a folder that ") +
-           (tool.by_sudo ? "sudo searches, such as /usr/sbin"
-                         : "velkctl searches, such as /usr/bin");
-}
-
-std::string AbsenceOf(const Tool& tool, bool is_elsewhere) {
-    return is_elsewhere ? std::string("is in none of the folders that ") +
-                              (tool.by_sudo ? "sudo" : "velkctl") + " searches"
-                        : "is not installed";
+    return "install it in a folder that " + SearcherFor(tool) + ", such as " +
+           (tool.by_sudo ? "/usr/sbin" : "/usr/bin");
 }
 
 Finding Found(const Tool& tool, std::string effect, std::string remedy) {
     return {.severity = tool.severity,
-            .subject = tool.name,
+            .subject = std::string(tool.name),
             .effect = std::move(effect),
-            .description = tool.consequence,
+            .description = std::string(tool.consequence),
             .remedy = std::move(remedy),
-            .affected = tool.affected,
+            .affected = tool.affected(),
             .impact = tool.impact};
+}
+
+Finding Missing(const Tool& tool) {
+    const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
+    return Found(
+        tool,
+        elsewhere ? "is in none of the folders that " + SearcherFor(tool) : "is not installed",
+        RemedyOf(tool, elsewhere));
 }
 
 template <typename Condition>
 Findings CheckToolsWhere(Condition is_wanted) {
     Findings findings;
     SudoRights rights;
-    std::string missing;
-    for (const Tool& tool : Tools()) {
+    std::string_view missing;
+    for (const Tool& tool : kTools) {
         if (!is_wanted(tool) || tool.name == missing) {
             continue;
         }
         const auto path = tool.by_sudo ? FindTool(tool.name, kToolFolders) : FindTool(tool.name);
         if (!path) {
-            const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
-            findings.push_back(
-                Found(tool, AbsenceOf(tool, elsewhere.has_value()), RemedyOf(tool, elsewhere)));
+            findings.push_back(Missing(tool));
             missing = tool.name;
-        } else if (tool.by_sudo && rights.Forbid(tool.name)) {
+        } else if (tool.by_sudo && rights.Forbid(std::string(tool.name))) {
             findings.push_back(
                 Found(tool, "may not be run through sudo by this user without a password",
                       "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " + *path));
@@ -151,7 +195,7 @@ constexpr std::string_view kAnyAddress = "inet ";
 
 Finding AboutTool() {
     return {.subject = std::string(kInterfaceTool),
-            .affected = SettingsReadWith(kInterfaceTool),
+            .affected = InterfaceSettings(),
             .impact = Impact::kReading};
 }
 
@@ -162,7 +206,7 @@ Findings CheckTools() {
 }
 
 Findings CheckToolsFor(const Setting& setting) {
-    return CheckToolsWhere([&](const Tool& tool) { return Includes(tool.affected, setting); });
+    return CheckToolsWhere([&](const Tool& tool) { return Includes(tool.affected(), setting); });
 }
 
 Findings CheckRestartTools() {
@@ -190,7 +234,7 @@ Findings CheckIfconfig() {
         return {};  // CheckTools() finds it
     }
     for (const std::string interface : {"lo", VELK_WIRED_INTERFACE}) {
-        const ToolRun run = RunTool({std::string(kInterfaceTool), interface}, kLongestRun);
+        const ToolRun run = RunTool({std::string(kInterfaceTool), interface});
         if (!run.ended) {
             return {AboutTool().Problem("does not end",
                                         "'ifconfig " + interface + "' ran for more than " +

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // value_checks.cpp - checks the values that the device has with the checks of a set.
 #include "velkctl/doctor/value_checks.h"
 
@@ -12,7 +15,6 @@
 #include "velkctl/call/device.h"
 #include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/network_check.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/escaping.h"
@@ -47,12 +49,10 @@ std::string RefusedWord(const ValueKind& kind, const std::vector<std::string>& w
     return word == words.end() ? words.front() : *word;
 }
 
-// Returns the number of the first line with this text; 0 if none.
-size_t FindText(const std::string& file, std::string_view text) {
-    const Lines lines = ReadTextFile(file).lines;
-    const auto line = std::ranges::find_if(
-        lines, [&](std::string_view one) { return velk::Contains(one, text); });
-    return line == lines.end() ? 0 : static_cast<size_t>(line - lines.begin()) + 1;
+// Returns the file that the setting is held in; empty if none.
+std::string_view FileOf(const Setting& setting) {
+    const char* file = setting.row->held_in.line.file;
+    return file == nullptr ? "" : file;
 }
 
 // Returns the number of the line that the value is read from; 0 if unknown.
@@ -63,11 +63,14 @@ size_t LineOf(const Setting& setting, const std::string& refused) {
         const bool has_value = !line.empty() && velk::Contains(line.front().description, refused);
         return has_value ? line.front().line : 0;  // 0 if it is of a lease
     }
-    const bool has_key = !held_in.line.key.empty();
-    return FindText(held_in.line.file, has_key ? held_in.line.key : refused);
+    const std::string_view text = held_in.line.key.empty() ? refused : held_in.line.key;
+    const TextFile file = ReadTextFile(std::string(FileOf(setting)));
+    const std::vector<size_t> lines = LinesWith(file.lines, text);
+    return lines.empty() ? 0 : lines.front() + 1;
 }
 
-// A set takes such servers with --force: a resolver may run on the device.
+// True for DNS servers that are addresses. CheckServer() in network_check warns of an address of
+// the device itself, which `set` takes with --force.
 bool AreAddresses(const Setting& setting, const std::vector<std::string>& words) {
     return setting.row->id == VELK_CMD_DNS &&
            std::ranges::all_of(words,
@@ -78,16 +81,7 @@ bool IsSchedule(const Setting& setting) {
     return setting.row->id == VELK_CMD_WEB_UPDATE;
 }
 
-Severity SeverityOf(const Setting& setting) {
-    return IsSchedule(setting) ? Severity::kWarning : Severity::kProblem;
-}
-
-// Returns the placeholder of a value in a fix.
-std::string PlaceholderOf(const Setting& setting) {
-    return IsSchedule(setting) ? "SCHEDULE" : "VALUE";
-}
-
-// Cron takes numbers of one digit, a set takes minutes of two: 5:5 is 05:05.
+// Cron accepts a minute of one digit, a set only two: 5:5 in the crontab is 05:05.
 bool IsScheduleOfCron(const Setting& setting, std::string printed) {
     if (!IsSchedule(setting)) {
         return false;
@@ -102,13 +96,8 @@ bool IsScheduleOfCron(const Setting& setting, std::string printed) {
 // True for a value that is read from a file, and not from a lease.
 bool IsInFile(const Setting& setting, const Device& device) {
     const HeldIn& held_in = setting.row->held_in;
-    if (held_in.holder != Holder::kFile || !setting.can_get() || !setting.can_set()) {
-        return false;
-    }
-    if (!held_in.is_of_lease) {
-        return true;
-    }
-    return device.HasStaticMethod(setting.interface);
+    return held_in.holder == Holder::kFile && setting.can_get() && setting.can_set() &&
+           (!held_in.is_of_lease || device.HasStaticMethod(setting.interface));
 }
 
 // A text may have any bytes.
@@ -123,29 +112,35 @@ bool ComesFirst(const Finding& finding) {
     return HindersReading(finding.impact) || (HindersSetting(finding.impact) && finding.line != 0);
 }
 
-bool IsReadOrSetWrongly(const Findings& known, const Setting& setting) {
-    return std::ranges::any_of(known, [&](const Finding& finding) {
-        return ComesFirst(finding) && Includes(finding.affected, setting);
-    });
-}
-
-bool IsReadOrSetWrongly(const Findings& known, const AffectedSettings& settings) {
-    return std::ranges::any_of(
-        settings, [&](const Setting& setting) { return IsReadOrSetWrongly(known, setting); });
+bool AreReadOrSetWrongly(const AffectedSettings& settings, const Findings& known) {
+    const auto affects = [&](const Finding& finding) {
+        return ComesFirst(finding) && std::ranges::any_of(settings, [&](const Setting& setting) {
+                   return Includes(finding.affected, setting);
+               });
+    };
+    return std::ranges::any_of(known, affects);
 }
 
 Findings CheckLinesOf(const Setting& setting) {
-    const char* file = setting.row->held_in.line.file;
-    if (file == nullptr) {
-        return {};
-    }
-    if (file == std::string_view(velk::kInterfacesFile)) {
+    const std::string_view file = FileOf(setting);
+    if (file == velk::kInterfacesFile) {
         return CheckInterfacesFor(setting, "");
     }
-    if (file == std::string_view(velk::kCrontab)) {
+    if (file == velk::kCrontab) {
         return IsSchedule(setting) ? CheckWebUpdate() : CheckTimeEntry();
     }
     return {};
+}
+
+// Returns the first finding about the line of the setting's value: a set may then change another
+// line. A problem comes before a warning. Nothing if the value is read and set in its own line.
+std::optional<Finding> LineFinding(const Setting& setting) {
+    Findings findings = CheckLinesOf(setting);
+    std::erase_if(findings, [&](const Finding& finding) {
+        return !AreReadOrSetWrongly({setting}, {finding});
+    });
+    const auto first = std::ranges::min_element(findings, {}, &Finding::severity);
+    return first == findings.end() ? std::nullopt : std::optional(*first);
 }
 
 // eth0 and eth1 have one list of servers.
@@ -173,10 +168,10 @@ Findings CheckValue(const Setting& setting, const Device& device) {
 }  // namespace
 
 Finding AboutValue(const Setting& setting, const std::string& text) {
-    const char* file = setting.row->held_in.line.file;
-    Finding about = About(setting, "", Impact::kNothing);
-    about.line = file == nullptr ? 0 : LineOf(setting, text);
-    about.file = about.line == 0 ? "" : file;
+    const std::string_view file = FileOf(setting);
+    const size_t line = file.empty() ? 0 : LineOf(setting, text);
+    Finding about = About({setting}, line == 0 ? "" : file, Impact::kNothing);
+    about.line = line;
     return about;
 }
 
@@ -193,22 +188,13 @@ std::optional<Finding> InvalidValue(const Setting& setting, const Data& value) {
         return std::nullopt;
     }
     const std::string refused = RefusedWord(kind, words);
-    Finding about = AboutValue(setting, refused);
-    about.severity = SeverityOf(setting);
-    about.effect = "has a value that is not valid";
+    const Severity severity = IsSchedule(setting) ? Severity::kWarning : Severity::kProblem;
+    const Finding about =
+        AboutValue(setting, refused).Of(severity, "has a value that is not valid");
     const std::string fix = "velkctl set " + setting.name() + " ";
     return parsed.ok() ? about.Because(Quoted(printed) + " is short for " + written, fix + written)
                        : about.Because(Unescaped(FirstClause(parsed.problem), refused),
-                                       fix + PlaceholderOf(setting));
-}
-
-std::optional<Finding> LineFinding(const Setting& setting) {
-    Findings findings = CheckLinesOf(setting);
-    std::erase_if(findings, [&](const Finding& finding) {
-        return !ComesFirst(finding) || !Includes(finding.affected, setting);
-    });
-    const auto first = std::ranges::min_element(findings, {}, &Finding::severity);
-    return first == findings.end() ? std::nullopt : std::optional(*first);
+                                       fix + (IsSchedule(setting) ? "SCHEDULE" : "VALUE"));
 }
 
 std::optional<Problem> NoteAboutValue(const Setting& setting, const Data& value,
@@ -223,8 +209,7 @@ std::optional<Problem> NoteAboutValue(const Setting& setting, const Data& value,
 }
 
 std::optional<Finding> OwnLineFinding(const Setting& setting) {
-    const char* file = setting.row->held_in.line.file;
-    if (file == nullptr || file != std::string_view(velk::kInterfacesFile)) {
+    if (FileOf(setting) != velk::kInterfacesFile) {
         return std::nullopt;
     }
     const Findings findings = CheckInterfacesFor(setting, "");
@@ -252,12 +237,12 @@ Findings CheckValues(const Findings& known, Report& report) {
     const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
     AffectedSettings settings = Settings();
     std::erase_if(settings,
-                  [&](const Setting& setting) { return IsReadOrSetWrongly(known, setting); });
+                  [&](const Setting& setting) { return AreReadOrSetWrongly({setting}, known); });
     Findings findings = FindingsOfEach(
         settings, [&](const Setting& setting) { return CheckValue(setting, device); });
     Findings mismatches = NetworkMismatches(PlannedValues(device, {}));
     std::erase_if(mismatches, [&](const Finding& mismatch) {
-        return IsReadOrSetWrongly(known, mismatch.affected);
+        return AreReadOrSetWrongly(mismatch.affected, known);
     });
     Append(findings, std::move(mismatches));
     return findings;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // value_checks.h - checks the values that the device has with the checks of a set.
 #ifndef VELKCTL_DOCTOR_VALUE_CHECKS_H_
 #define VELKCTL_DOCTOR_VALUE_CHECKS_H_
@@ -5,6 +8,7 @@
 #include <optional>
 
 #include "velkctl/call/device.h"
+#include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/finding.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
@@ -19,10 +23,6 @@ Finding AboutValue(const Setting& setting, const std::string& text);
 // Returns the finding that a set would refuse this value of the setting, with the line of the file
 // that the value is read from. Nothing if the value is valid, empty or a text.
 std::optional<Finding> InvalidValue(const Setting& setting, const Data& value);
-
-// Returns the first finding about the line of the setting's value: a set may then change another
-// line. A problem comes before a warning. Nothing if the value is read and set in its own line.
-std::optional<Finding> LineFinding(const Setting& setting);
 
 // Returns the first finding about the setting's own line in /etc/network/interfaces, or about the
 // place of the line that a set adds. Nothing for other files.
@@ -39,6 +39,12 @@ std::optional<Problem> NoteAboutValue(const Setting& setting, const Data& value,
 // Returns the note about the lines of a value that was set and read back: ifup may take another
 // one. Nothing if there is no doubt.
 std::optional<Problem> NoteAfterSet(const Setting& setting, const Data& value);
+
+// Returns the configured addresses that do not fit each other: a gateway outside the network of its
+// interface, an address that no host can have, one address of two interfaces, or a DNS server that
+// is the device itself. Also an address or a mask that a static interface lacks. Of an interface
+// with DHCP, only its present address is compared, with the DNS servers.
+Findings NetworkMismatches(const PlannedValues& planned);
 
 // Checks each value in the device's files, and the values of the interfaces against each other.
 // Leaves out the settings that are read or set wrongly according to the findings in `known`.

@@ -1,16 +1,17 @@
-// wireless_key_check.cpp - checks a wireless key against the configuration and the standard.
-#include "velkctl/doctor/wireless_key_check.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
 
+// wireless_key_check.cpp - checks a wireless key against the configuration and the standard.
 #include <cstring>
 #include <string_view>
 
 #include "velkctl/call/command.h"
+#include "velkctl/doctor/set_checks.h"
+#include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/hex.h"
 
 namespace velkctl {
 namespace {
-
-constexpr int kWep = 2;  // the value of encryption
 
 // The lengths of a WPA key: of a passphrase, and of a key in hex digits.
 constexpr size_t kShortestPassphrase = 8;

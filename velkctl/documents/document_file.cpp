@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // document_file.cpp - reads the text of a document from a file or from standard input.
 #include "velkctl/documents/document_file.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // document_file.h - reads the text of a document from a file or from standard input.
 #ifndef VELKCTL_DOCUMENTS_DOCUMENT_FILE_H_
 #define VELKCTL_DOCUMENTS_DOCUMENT_FILE_H_

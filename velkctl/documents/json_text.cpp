@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // json_text.cpp - reads a JSON text, with the places of its errors.
 #include "velkctl/documents/json_text.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // json_text.h - reads a JSON text, with the places of its errors.
 #ifndef VELKCTL_DOCUMENTS_JSON_TEXT_H_
 #define VELKCTL_DOCUMENTS_JSON_TEXT_H_

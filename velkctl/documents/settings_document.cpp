@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // settings_document.cpp - settings with their values as one JSON document.
 #include "velkctl/documents/settings_document.h"
 

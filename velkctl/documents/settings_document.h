@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // settings_document.h - settings with their values as one JSON document.
 #ifndef VELKCTL_DOCUMENTS_SETTINGS_DOCUMENT_H_
 #define VELKCTL_DOCUMENTS_SETTINGS_DOCUMENT_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp_client.cpp - the DHCP client of an interface, and its lease.
 #include "velkctl/files/dhcp_client.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // dhcp_client.h - the DHCP client of an interface, and its lease.
 #ifndef VELKCTL_FILES_DHCP_CLIENT_H_
 #define VELKCTL_FILES_DHCP_CLIENT_H_

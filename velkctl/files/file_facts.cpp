@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_facts.cpp - age, kind and removal of a file that should not be there.
 #include "velkctl/files/file_facts.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_facts.h - age, kind and removal of a file that should not be there.
 #ifndef VELKCTL_FILES_FILE_FACTS_H_
 #define VELKCTL_FILES_FILE_FACTS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_image.cpp - the whole contents of a file, with its mode and owner, to compare and to
 // restore.
 #include "velkctl/files/file_image.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_image.h - the whole contents of a file, with its mode and owner, to compare and to restore.
 #ifndef VELKCTL_FILES_FILE_IMAGE_H_
 #define VELKCTL_FILES_FILE_IMAGE_H_

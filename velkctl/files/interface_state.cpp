@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interface_state.cpp - the state of a network interface in the kernel.
 #include "velkctl/files/interface_state.h"
 
@@ -43,9 +46,9 @@ void TakeFlags(unsigned flags, InterfaceState& state) {
 
 }  // namespace
 
-bool InterfaceState::Has(const std::string& address) const {
-    return std::ranges::any_of(addresses,
-                               [&](const InterfaceAddress& own) { return own.address == address; });
+std::optional<InterfaceAddress> InterfaceState::Find(const std::string& address) const {
+    const auto own = std::ranges::find(addresses, address, &InterfaceAddress::address);
+    return own == addresses.end() ? std::nullopt : std::optional(*own);
 }
 
 InterfaceState FindInterfaceState(const ifaddrs* list, const std::string& name) {

@@ -1,7 +1,11 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // interface_state.h - the state of a network interface in the kernel.
 #ifndef VELKCTL_FILES_INTERFACE_STATE_H_
 #define VELKCTL_FILES_INTERFACE_STATE_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,7 +26,9 @@ struct InterfaceState {
     std::vector<InterfaceAddress> addresses{};
 
     bool has_address() const { return !addresses.empty(); }
-    bool Has(const std::string& address) const;
+    // Returns this address with its netmask; nothing if the interface lacks it.
+    std::optional<InterfaceAddress> Find(const std::string& address) const;
+    bool Has(const std::string& address) const { return Find(address).has_value(); }
     // Returns the first address; empty if it has none.
     std::string address() const { return has_address() ? addresses.front().address : ""; }
 };

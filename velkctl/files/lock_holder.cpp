@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock_holder.cpp - the process that holds the lock between programs that change settings.
 #include "velkctl/files/lock_holder.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lock_holder.h - the process that holds the lock between programs that change settings.
 #ifndef VELKCTL_FILES_LOCK_HOLDER_H_
 #define VELKCTL_FILES_LOCK_HOLDER_H_

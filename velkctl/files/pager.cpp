@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // pager.cpp - shows a long text a screen at a time.
 #include "velkctl/files/pager.h"
 
@@ -76,6 +79,10 @@ bool PrintThrough(const std::string& pager, std::string_view text) {
 }
 
 }  // namespace
+
+bool HasPager() {
+    return IsTerminal(STDOUT_FILENO) && !PagerCommand().empty();
+}
 
 void PrintPaged(std::string_view text) {
     const std::string pager = IsTooLong(text) ? PagerCommand() : "";

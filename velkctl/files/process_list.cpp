@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // process_list.cpp - the processes of the device and their descent, from /proc.
 #include "velkctl/files/process_list.h"
 

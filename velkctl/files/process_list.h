@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // process_list.h - the processes of the device and their descent, from /proc.
 #ifndef VELKCTL_FILES_PROCESS_LIST_H_
 #define VELKCTL_FILES_PROCESS_LIST_H_

@@ -1,8 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // running_gateway.cpp - the default gateway that the kernel uses.
 #include "velkctl/files/running_gateway.h"
 
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <vector>
 
@@ -10,6 +12,7 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/text/numbers.h"
 
 namespace velkctl {
 namespace {
@@ -24,9 +27,8 @@ std::string GatewayIn(std::string_view line, std::string_view interface) {
     if (words.size() < 3 || words[0] != interface || words[1] != kDefaultDestination) {
         return {};
     }
-    uint32_t number = 0;
-    (void)std::from_chars(words[2].data(), words[2].data() + words[2].size(), number, 16);
-    const in_addr address{number};
+    size_t end = 0;
+    const in_addr address{ParseLeadingNumber<uint32_t>(words[2], end, 16).value_or(0)};
     std::array<char, INET_ADDRSTRLEN> text{};
     (void)inet_ntop(AF_INET, &address, text.data(), text.size());
     return text.data();

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // running_gateway.h - the default gateway that the kernel uses.
 #ifndef VELKCTL_FILES_RUNNING_GATEWAY_H_
 #define VELKCTL_FILES_RUNNING_GATEWAY_H_

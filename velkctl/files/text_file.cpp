@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_file.cpp - a file of the device, read without trusting it.
 #include "velkctl/files/text_file.h"
 
@@ -100,6 +103,10 @@ std::string_view WithoutLineEnd(std::string_view line) {
     line.remove_suffix(line.ends_with('\n') ? 1 : 0);
     line.remove_suffix(line.ends_with('\r') ? 1 : 0);
     return line;
+}
+
+std::vector<size_t> LinesWith(const Lines& lines, std::string_view text) {
+    return IndexesOf(lines, [text](std::string_view line) { return velk::Contains(line, text); });
 }
 
 size_t CountCarriageReturns(const Lines& lines) {

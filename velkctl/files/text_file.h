@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_file.h - a file of the device, read without trusting it.
 #ifndef VELKCTL_FILES_TEXT_FILE_H_
 #define VELKCTL_FILES_TEXT_FILE_H_
@@ -52,6 +55,9 @@ std::vector<size_t> IndexesOf(const Lines& lines, Condition condition) {
     }
     return indexes;
 }
+
+// Returns the indexes of the lines with this text.
+std::vector<size_t> LinesWith(const Lines& lines, std::string_view text);
 
 // Returns the number of lines that end with carriage return and newline.
 size_t CountCarriageReturns(const Lines& lines);

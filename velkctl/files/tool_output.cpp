@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_output.cpp - the output of the device's tools.
 #include "velkctl/files/tool_output.h"
 

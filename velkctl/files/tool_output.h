@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_output.h - the output of the device's tools.
 #ifndef VELKCTL_FILES_TOOL_OUTPUT_H_
 #define VELKCTL_FILES_TOOL_OUTPUT_H_

@@ -1,4 +1,7 @@
-// tool_run.cpp - runs a tool of the device for a moment, and finds it as a shell does.
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// tool_run.cpp - finds a tool of the device as a shell does, and runs it with a time limit.
 #include "velkctl/files/tool_run.h"
 
 #include <cerrno>
@@ -139,7 +142,7 @@ std::optional<std::string> FindTool(std::string_view name) {
     return FindTool(name, folders == nullptr ? kToolFolders : folders);
 }
 
-ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest) {
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds longest) {
     const std::optional<std::string> path = FindTool(words.front());
     int ends[2];
     if (!path || pipe2(ends, O_CLOEXEC) == -1) {

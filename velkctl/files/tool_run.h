@@ -1,4 +1,7 @@
-// tool_run.h - runs a tool of the device for a moment, and finds it as a shell does.
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// tool_run.h - finds a tool of the device as a shell does, and runs it with a time limit.
 #ifndef VELKCTL_FILES_TOOL_RUN_H_
 #define VELKCTL_FILES_TOOL_RUN_H_
 
@@ -26,8 +29,10 @@ struct ToolRun {
     std::string output{};  // standard output, at most 64 KiB of it
 };
 
+inline constexpr std::chrono::seconds kLongestRun{5};
+
 // Runs a tool without input and without standard error. A tool that takes longer is killed.
-ToolRun RunTool(const std::vector<std::string>& words, std::chrono::milliseconds longest);
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds longest = kLongestRun);
 
 }  // namespace velkctl
 

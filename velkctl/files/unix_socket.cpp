@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // unix_socket.cpp - whether a program listens at a socket of the file system.
 #include "velkctl/files/unix_socket.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // unix_socket.h - whether a program listens at a socket of the file system.
 #ifndef VELKCTL_FILES_UNIX_SOCKET_H_
 #define VELKCTL_FILES_UNIX_SOCKET_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // frames.h - the framed records of a journal file.
 #ifndef VELKCTL_JOURNAL_FRAMES_H_
 #define VELKCTL_JOURNAL_FRAMES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_entry.cpp - one change of settings as the journal keeps it.
 #include "velkctl/journal/journal_entry.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_entry.h - one change of settings as the journal keeps it.
 #ifndef VELKCTL_JOURNAL_JOURNAL_ENTRY_H_
 #define VELKCTL_JOURNAL_JOURNAL_ENTRY_H_

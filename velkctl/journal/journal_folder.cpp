@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_folder.cpp - the folder of journal entries: its lock, its files and its limits.
 #include "velkctl/journal/journal_folder.h"
 

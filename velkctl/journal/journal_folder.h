@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_folder.h - the folder of journal entries: its lock, its files and its limits.
 #ifndef VELKCTL_JOURNAL_JOURNAL_FOLDER_H_
 #define VELKCTL_JOURNAL_JOURNAL_FOLDER_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_problem.cpp - the reason why the journal cannot be used, for people.
 #include "velkctl/journal/journal_problem.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_problem.h - the reason why the journal cannot be used, for people.
 #ifndef VELKCTL_JOURNAL_JOURNAL_PROBLEM_H_
 #define VELKCTL_JOURNAL_JOURNAL_PROBLEM_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // open_change.cpp - the journal entry of a change that is under way.
 #include "velkctl/journal/open_change.h"
 

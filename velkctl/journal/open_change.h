@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // open_change.h - the journal entry of a change that is under way.
 #ifndef VELKCTL_JOURNAL_OPEN_CHANGE_H_
 #define VELKCTL_JOURNAL_OPEN_CHANGE_H_

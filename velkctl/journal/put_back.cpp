@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // put_back.cpp - puts the files and values of a change back.
 #include "velkctl/journal/put_back.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // put_back.h - puts the files and values of a change back.
 #ifndef VELKCTL_JOURNAL_PUT_BACK_H_
 #define VELKCTL_JOURNAL_PUT_BACK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_record.cpp - the journal entry of a plain set.
 #include "velkctl/journal/set_record.h"
 

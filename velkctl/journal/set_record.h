@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_record.h - the journal entry of a plain set.
 #ifndef VELKCTL_JOURNAL_SET_RECORD_H_
 #define VELKCTL_JOURNAL_SET_RECORD_H_

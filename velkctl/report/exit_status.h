@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // exit_status.h - the exit statuses of velkctl and their meanings.
 #ifndef VELKCTL_REPORT_EXIT_STATUS_H_
 #define VELKCTL_REPORT_EXIT_STATUS_H_

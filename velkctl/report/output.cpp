@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // output.cpp - writes to standard output and standard error.
 #include "velkctl/report/output.h"
 
@@ -9,6 +12,8 @@
 
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "velkctl/text/columns.h"
 
 namespace velkctl {
 namespace {
@@ -55,6 +60,11 @@ std::optional<TerminalSize> TerminalSizeOf(int fd) {
     winsize size{};
     const bool is_known = ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     return is_known ? std::optional(TerminalSize{size.ws_col, size.ws_row}) : std::nullopt;
+}
+
+std::string FittedToTerminal(std::string_view text) {
+    const std::optional<TerminalSize> size = TerminalSizeOf(STDOUT_FILENO);
+    return size ? Wrapped(text, size->columns) : std::string(text);
 }
 
 std::string Coloured(std::string_view text, Colour colour, int fd) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // output.h - writes to standard output and standard error.
 #ifndef VELKCTL_REPORT_OUTPUT_H_
 #define VELKCTL_REPORT_OUTPUT_H_
@@ -28,6 +31,9 @@ struct TerminalSize {
 
 // Returns the size of the terminal; nothing if it is unknown or there is no terminal.
 std::optional<TerminalSize> TerminalSizeOf(int fd);
+
+// Returns the text in lines for the terminal that standard output is; else the text itself.
+std::string FittedToTerminal(std::string_view text);
 
 enum class Colour {
     kBold,

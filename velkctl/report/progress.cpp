@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // progress.cpp - the progress line at a terminal.
 #include "velkctl/report/progress.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // progress.h - the progress line at a terminal.
 #ifndef VELKCTL_REPORT_PROGRESS_H_
 #define VELKCTL_REPORT_PROGRESS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // report.cpp - the output of one run: text for people, or one JSON document for programs.
 #include "velkctl/report/report.h"
 
@@ -23,19 +26,6 @@ constexpr std::string_view kContrast = ", but ";
 // The beginnings of a clause that advises.
 constexpr std::array<std::string_view, 9> kAdvice{
     "fix: ", "give ", "did you mean ", "leave ", "put ", "set ", "usage: ", "write ", "'velkctl "};
-
-Json CauseOf(const Problem& problem) {
-    if (problem.file.empty()) {
-        return nullptr;
-    }
-    Json cause;
-    cause["file"] = problem.file;
-    cause["line"] = problem.line == 0 ? Json(nullptr) : Json(problem.line);
-    if (!problem.pointer.empty()) {
-        cause["pointer"] = problem.pointer;
-    }
-    return cause;
-}
 
 // An apostrophe follows a letter.
 bool OpensQuote(std::string_view text, size_t at) {
@@ -109,6 +99,16 @@ std::string_view FirstClause(std::string_view text) {
     return text;
 }
 
+Json CauseInJson(const std::string& file, size_t line) {
+    if (file.empty()) {
+        return nullptr;
+    }
+    Json cause;
+    cause["file"] = file;
+    cause["line"] = line == 0 ? Json(nullptr) : Json(line);
+    return cause;
+}
+
 Json TextOrNull(const std::string& text) {
     return text.empty() ? Json(nullptr) : Json(text);
 }
@@ -118,7 +118,10 @@ Json ProblemInJson(const Problem& given) {
     Json error;
     error["message"] = problem.message;
     error["detail"] = TextOrNull(problem.detail);
-    error["cause"] = CauseOf(problem);
+    error["cause"] = CauseInJson(problem.file, problem.line);
+    if (!problem.pointer.empty()) {
+        error["cause"]["pointer"] = problem.pointer;
+    }
     error["remedy"] = TextOrNull(problem.remedy);
     error["setting"] = TextOrNull(problem.setting);
     error["result"] = nullptr;
@@ -211,15 +214,19 @@ void Report::KeepToolOutput(std::vector<std::string> lines) {
 
 void Report::ShowToolOutput() {
     for (const std::string& line : std::exchange(tool_output_, {})) {
-        Note(line);
+        AddNote("", line);
     }
 }
 
 void Report::Note(std::string_view note) {
+    AddNote(kNote, note);
+}
+
+void Report::AddNote(std::string_view mark, std::string_view note) {
     if (is_json()) {
         document_->notes.push_back(std::string(note));
     } else if (detail_ != Detail::kQuiet) {
-        PrintError(std::string(kNote).append(note), Tone::kNote);
+        PrintError(std::string(mark).append(note), Tone::kNote);
     }
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // report.h - the output of one run: text for people, or one JSON document for programs.
 #ifndef VELKCTL_REPORT_REPORT_H_
 #define VELKCTL_REPORT_REPORT_H_
@@ -48,6 +51,9 @@ std::string InLines(const Problem& problem, size_t indent = kErrorIndent);
 // Returns the text; null if it is empty.
 Json TextOrNull(const std::string& text);
 
+// Returns {"file": ..., "line": ...}; null without a file, its `line` null without a line.
+Json CauseInJson(const std::string& file, size_t line);
+
 // {"message": ..., "detail": ..., "cause": {"file": ..., "line": ...}, "remedy": ...,
 // "setting": ..., "result": ...}. A member that is unknown is null. Advice at the end of the
 // message, as in "...; give on or off", is the remedy.
@@ -78,15 +84,16 @@ class Report {
 
     // Prints a text as it is. Does nothing in JSON.
     void Text(std::string_view text) const;
-    // The same for a text that nobody asked for. Does nothing with kQuiet.
+    // The same for a text that is no requested value. Does nothing with kQuiet.
     void Inform(std::string_view text) const;
     // Adds a member to the document, in the order of the calls. Does nothing in text.
     void Member(std::string_view key, Json value);
 
-    // Keeps the lines that tools printed, in the place of earlier ones. Complain() adds them as
-    // notes before its problem; otherwise they are not shown. With kVerbose adds them at once.
+    // Keeps the lines that tools printed, in the place of earlier ones. Complain() shows them
+    // before its problem; otherwise they are not shown. With kVerbose shows them at once.
     void KeepToolOutput(std::vector<std::string> lines);
-    // Adds the kept lines as notes.
+    // Shows the kept lines: in text without a mark, in JSON among the notes. With kQuiet only in
+    // the document.
     void ShowToolOutput();
 
     // Adds information for a person that a script can ignore. In text it is marked as a note. With
@@ -106,6 +113,9 @@ class Report {
 
   private:
     struct Document;
+
+    // Adds a note. In text `mark` comes before it.
+    void AddNote(std::string_view mark, std::string_view note);
 
     const Form form_;
     Detail detail_ = Detail::kUsual;

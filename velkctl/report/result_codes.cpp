@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_codes.cpp - the results of the library: names, meanings and exit statuses.
 #include "velkctl/report/result_codes.h"
 

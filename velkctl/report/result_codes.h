@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // result_codes.h - the results of the library: names, meanings and exit statuses.
 #ifndef VELKCTL_REPORT_RESULT_CODES_H_
 #define VELKCTL_REPORT_RESULT_CODES_H_

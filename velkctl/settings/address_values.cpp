@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // address_values.cpp - values that are one IPv4 address or mask.
 #include "velkctl/settings/address_values.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // address_values.h - values that are one IPv4 address or mask.
 #ifndef VELKCTL_SETTINGS_ADDRESS_VALUES_H_
 #define VELKCTL_SETTINGS_ADDRESS_VALUES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // affected_settings.cpp - the settings that a finding is about.
 #include "velkctl/settings/affected_settings.h"
 

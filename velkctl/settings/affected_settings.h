@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // affected_settings.h - the settings that a finding is about.
 #ifndef VELKCTL_SETTINGS_AFFECTED_SETTINGS_H_
 #define VELKCTL_SETTINGS_AFFECTED_SETTINGS_H_

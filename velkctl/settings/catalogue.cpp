@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // catalogue.cpp - the settings velkctl knows.
 #include "velkctl/settings/catalogue.h"
 
@@ -28,7 +31,7 @@ constexpr HeldIn InEffect(TakesEffect takes_effect, HeldIn held_in) {
     return held_in;
 }
 
-// A line of an address. While a lease is shown, the tool reads it.
+// The line of an address setting. With method dhcp the tool reads the address of the lease instead.
 constexpr HeldIn InAddressLine(std::string_view key, std::string_view tool = "") {
     return {Holder::kFile, {velk::kInterfacesFile, key}, {}, tool, /*is_of_lease=*/true};
 }
@@ -65,7 +68,7 @@ constexpr HeldIn kResolver = InEffect(TakesEffect::kWithForwarder, InFile(velk::
 constexpr HeldIn kInKernel{.holder = Holder::kKernel};
 constexpr HeldIn kByEthtool{
     .holder = Holder::kTool, .tool = kLinkTool, .takes_effect = TakesEffect::kAtOnce};
-// A restart has the daemon use the configuration that it was sent.
+// The daemon applies a configuration that it was sent only after a restart.
 constexpr HeldIn kInDaemon{.holder = Holder::kDaemon};
 
 constexpr std::string_view kWepKeyHelp = "WEP key, or none; secret";
@@ -229,6 +232,30 @@ std::vector<std::string> GuessedNames(std::string_view name) {
                          : meant;
 }
 
+// Returns the message about a word that is more than a name; empty if it is not.
+std::string WrongForm(std::string_view name) {
+    const size_t equals = name.find('=');
+    if (equals != std::string_view::npos) {
+        // The text after the "=" may be a secret.
+        return Quoted(name.substr(0, equals)) + " is followed by '='; give the name alone";
+    }
+    return IsGlob(name) ? Quoted(name) + " is a pattern, for get and show only; give one name" : "";
+}
+
+// Returns the message about the name of a setting that lacks its interface, or has a wrong one;
+// empty if there is no setting of this name.
+std::string WrongInterface(std::string_view name) {
+    const std::vector<std::string> right = FullNames(WithoutInterface(name));
+    if (right.empty()) {
+        return {};
+    }
+    const bool lacks_interface = velk::FindRow(kRows, name, &CatalogueRow::name) != nullptr;
+    return (right.size() > 1 && lacks_interface
+                ? Quoted(name) + " is a setting of both interfaces; give "
+                : "unknown setting " + Quoted(name) + "; give ") +
+           OneOf(right);
+}
+
 // A restart of eth1 with the cable in neither runs ifup nor notifies the wireless daemon.
 bool NeedsCableOut(const Setting& setting) {
     const TakesEffect time = setting.row->held_in.takes_effect;
@@ -317,6 +344,10 @@ std::optional<Setting> FindSetting(uint32_t id, std::string_view interface) {
     return std::nullopt;
 }
 
+Setting SettingOf(uint32_t id, std::string_view interface) {
+    return FindSetting(id, interface).value();
+}
+
 bool IsSameSetting(const Setting& one, const Setting& other) {
     return one.row->id == other.row->id && one.interface == other.interface;
 }
@@ -324,6 +355,10 @@ bool IsSameSetting(const Setting& one, const Setting& other) {
 bool IsAddressCommand(uint32_t id) {
     const CatalogueRow* row = velk::FindRow(kRows, id, &CatalogueRow::id);
     return row != nullptr && row->held_in.is_of_lease;
+}
+
+bool IsStaticMethod(const Data& method) {
+    return method[0] == VELK_METHOD_STATIC;
 }
 
 bool NamesSecret(std::string_view word) {
@@ -345,20 +380,11 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
         return "unknown setting, not repeated here as it may be a key; 'velkctl list' names them "
                "all";
     }
-    const size_t equals = name.find('=');
-    if (equals != std::string_view::npos) {
-        // The text after the "=" may be a secret.
-        return Quoted(name.substr(0, equals)) + " is followed by '='; give the name alone";
+    if (std::string form = WrongForm(name); !form.empty()) {
+        return form;
     }
-    if (IsGlob(name)) {
-        return Quoted(name) + " is a pattern, for get and show only; give one name";
-    }
-    const std::vector<std::string> right = FullNames(WithoutInterface(name));
-    if (right.size() > 1 && velk::FindRow(kRows, name, &CatalogueRow::name) != nullptr) {
-        return Quoted(name) + " is a setting of both interfaces; give " + OneOf(right);
-    }
-    if (!right.empty()) {
-        return "unknown setting " + Quoted(name) + "; give " + OneOf(right);
+    if (std::string interface = WrongInterface(name); !interface.empty()) {
+        return interface;
     }
     if (name == VELK_WIRED_INTERFACE || name == VELK_WIRELESS_INTERFACE) {
         return Quoted(name) + " is an interface, not a setting; 'velkctl show " +

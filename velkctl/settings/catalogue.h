@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // catalogue.h - the settings velkctl knows.
 #ifndef VELKCTL_SETTINGS_CATALOGUE_H_
 #define VELKCTL_SETTINGS_CATALOGUE_H_
@@ -42,7 +45,7 @@ enum class TakesEffect {
     kAtOnce,
     kAtRestart,      // when the interface is restarted
     kAtLease,        // the DHCP client's script reads it at each event of a lease
-    kOffAtLease,     // the same if switched off; the client asks for the option after a restart
+    kOffAtLease,     // off: as kAtLease; on: after a restart, when the client asks for the option
     kWithCron,       // cron reads its file each minute
     kWithNtp,        // the same, but the entry may be switched off
     kWithForwarder,  // the DNS forwarder watches its file
@@ -103,6 +106,9 @@ std::optional<Setting> FindSetting(std::string_view name);
 // Returns the setting of this command on an interface; nothing if none.
 std::optional<Setting> FindSetting(uint32_t id, std::string_view interface);
 
+// The same for a setting that exists.
+Setting SettingOf(uint32_t id, std::string_view interface = "");
+
 // True for two copies of one setting.
 bool IsSameSetting(const Setting& one, const Setting& other);
 
@@ -112,6 +118,9 @@ inline constexpr std::array<const char*, 2> kInterfaces{VELK_WIRED_INTERFACE,
 // True for the commands of the address, netmask and gateway. With method static they read the
 // configuration, with method dhcp the lease.
 bool IsAddressCommand(uint32_t id);
+
+// True if this value of a method is static.
+bool IsStaticMethod(const Data& method);
 
 // True if the word is the name of a secret, with its interface or without, or its id.
 bool NamesSecret(std::string_view word);
@@ -123,8 +132,8 @@ std::vector<std::string> NamesMeant(std::string_view name);
 // instead. A name that may be a key is neither repeated nor compared.
 std::string UnknownSetting(std::string_view name, bool may_be_key = false);
 
-// Returns the message about a word that is neither eth0 nor eth1. The message calls the word
-// `shown`.
+// Returns the message about a word that is neither eth0 nor eth1. `shown` is the word as the
+// message repeats it.
 std::string UnknownInterface(std::string_view word, const std::string& shown);
 
 }  // namespace velkctl

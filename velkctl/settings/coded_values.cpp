@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // coded_values.cpp - values that are one byte out of a table.
 #include "velkctl/settings/coded_values.h"
 
@@ -51,7 +54,7 @@ std::string CodedKind::Wanted() const {
     return OneOf(words);
 }
 
-std::string CodedKind::CodingRemark() const {
+std::string CodedKind::CodingNote() const {
     return coding_.empty() ? "" : std::string(coding_).append("; ");
 }
 
@@ -64,7 +67,7 @@ Parsed CodedKind::Parse(std::span<const std::string> words) const {
                                     [&](const CodedValue& known) { return Matches(known, word); });
     if (value == values_.end()) {
         return Unparsable(Quoted(word) + " is not valid" +
-                          DidYouMean(word, Values(), CodingRemark() + "give " + Wanted()));
+                          DidYouMean(word, Values(), CodingNote() + "give " + Wanted()));
     }
     Parsed parsed;
     parsed.data[0] = static_cast<char>(value->code);

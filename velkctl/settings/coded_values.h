@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // coded_values.h - values that are one byte out of a table.
 #ifndef VELKCTL_SETTINGS_CODED_VALUES_H_
 #define VELKCTL_SETTINGS_CODED_VALUES_H_
@@ -15,8 +18,8 @@ struct CodedValue {
     std::string_view meaning{};  // if the name does not say it
 };
 
-// The first data byte is one of the codes of a table. A code is written by its name; where some
-// codes have none, the number of any of them is taken too.
+// The first data byte is one of the codes of a table. A code is written by its name. If some
+// codes have none, the number of every code is accepted, too.
 class CodedKind final : public ValueKind {
   public:
     constexpr explicit CodedKind(std::span<const CodedValue> values, std::string_view coding = "")
@@ -43,7 +46,7 @@ class CodedKind final : public ValueKind {
     const CodedValue* Find(uint8_t code) const;
     std::string WordFor(const CodedValue& value) const;
     // Returns a clause of a message: who defines the values. Empty if velkctl knows their meaning.
-    std::string CodingRemark() const;
+    std::string CodingNote() const;
 
     std::span<const CodedValue> values_;
     std::string_view coding_;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_files.cpp - the files that the library works with, and how it changes them.
 #include "velkctl/settings/device_files.h"
 
@@ -13,20 +16,23 @@ namespace {
 struct FileRow {
     const char* path;
     Change change;
+    std::string_view loss_if_missing{};  // empty: the loss
+    std::string_view loss = "can be neither read nor set";
     std::string_view subject{};  // the subject of a file without settings
 };
 
 constexpr std::array<FileRow, 10> kFiles{{
     {velk::kInterfacesFile, Change::kByEdit},
     {velk::kExitHooks, Change::kByEdit},
-    {velk::kDhcpConfigFile, Change::kByEdit},
-    {velk::kClientScript, Change::kByEdit},
-    {velk::kResolverFile, Change::kWhole},
+    {velk::kDhcpConfigFile, Change::kByEdit, "cannot be set"},
+    {velk::kClientScript, Change::kByEdit, "cannot be set"},
+    {velk::kResolverFile, Change::kWhole, "cannot be read until it is set"},
     {velk::kCrontab, Change::kByEdit},
     {velk::kIdentityFile, Change::kByEdit},
-    {velk::kSnmpFile, Change::kBySudo},
-    {velk::kSupportList, Change::kNever, "wireless adapters"},
-    {velk::kUsbDevices, Change::kNever, "wireless adapters"},
+    {velk::kSnmpFile, Change::kBySudo, "", "do not reach the SNMP agent"},
+    {velk::kSupportList, Change::kNever, "", "are not recognised, except the built-in one",
+     "wireless adapters"},
+    {velk::kUsbDevices, Change::kNever, "", "are never found", "wireless adapters"},
 }};
 
 bool IsIn(const FileLine& line, std::string_view path) {
@@ -34,7 +40,8 @@ bool IsIn(const FileLine& line, std::string_view path) {
 }
 
 DeviceFile MakeDeviceFile(const FileRow& row) {
-    DeviceFile file{row.path, row.change, std::string(row.subject), {}, {}};
+    const std::string_view missing = row.loss_if_missing.empty() ? row.loss : row.loss_if_missing;
+    DeviceFile file{row.path, row.change, row.loss, missing, std::string(row.subject), {}, {}};
     for (const auto& [setting, key] : LinesOfSettings(row.path)) {
         file.changed_by.push_back(setting);
         if (IsIn(setting.row->held_in.line, row.path)) {

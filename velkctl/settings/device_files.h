@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // device_files.h - the files that the library works with, and how it changes them.
 #ifndef VELKCTL_SETTINGS_DEVICE_FILES_H_
 #define VELKCTL_SETTINGS_DEVICE_FILES_H_
@@ -24,9 +27,11 @@ std::string SubjectOf(const std::vector<Setting>& settings);
 struct DeviceFile {
     const char* path;
     Change change;
-    std::string subject;              // "method, address, netmask and gateway"
-    std::vector<Setting> holds;       // the settings that are read from it
-    std::vector<Setting> changed_by;  // the settings that change it when set
+    std::string_view loss;             // the effect on the subject if the file cannot be used
+    std::string_view loss_if_missing;  // the same if there is no file
+    std::string subject;               // "method, address, netmask and gateway"
+    std::vector<Setting> holds;        // the settings that are read from it
+    std::vector<Setting> changed_by;   // the settings that change it when set
 };
 
 const std::vector<DeviceFile>& DeviceFiles();

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // host_value.cpp - values that name a host.
 #include "velkctl/settings/host_value.h"
 
@@ -26,7 +29,7 @@ bool IsLabel(std::string_view label) {
     return !label.empty() && std::ranges::all_of(label, IsNameCharacter);
 }
 
-// Returns the part after the last dot, which is a number in an address and in no name.
+// Returns the part after the last dot. It is a number in an address, and never in a name.
 std::string_view LastLabel(std::string_view name) {
     return name.substr(name.rfind('.') + 1);
 }
@@ -45,7 +48,7 @@ bool BeginsLikeName(std::string_view word) {
     return !word.empty() && velk::IsLetterOrDigit(word.front());
 }
 
-// A dot at the end says that the name is whole.
+// A dot at the end marks a complete name.
 std::string_view WithoutEndDot(std::string_view name) {
     return name.substr(0, name.size() - (name.ends_with('.') ? 1 : 0));
 }
@@ -117,7 +120,7 @@ Parsed HostKind::Parse(std::span<const std::string> words) const {
         return parsed;
     }
     if (word == kOff) {
-        // It switches other settings off, and would be the name of a host here.
+        // Other settings are switched off by "off". Here it would be the name of a host.
         return Unparsable(
             "'off' would be a host name here; give none to clear the setting, or --force to set "
             "that name");

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // host_value.h - values that name a host.
 #ifndef VELKCTL_SETTINGS_HOST_VALUE_H_
 #define VELKCTL_SETTINGS_HOST_VALUE_H_

@@ -1,8 +1,12 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // kinds_of_settings.h - the kinds of values that the settings of the catalogue have.
 #ifndef VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_
 #define VELKCTL_SETTINGS_KINDS_OF_SETTINGS_H_
 
 #include <array>
+#include <cstdint>
 
 #include "velkctl/settings/address_values.h"
 #include "velkctl/settings/coded_values.h"
@@ -58,9 +62,10 @@ inline constexpr std::array<CodedValue, 2> kServiceSetTable{{
     {1, "infrastructure", "a network with an access point"},
     {2, "ad-hoc", "a network without one"},
 }};
+inline constexpr uint8_t kWep = 2;
 inline constexpr std::array<CodedValue, 4> kEncryptionTable{{
     {1},
-    {2, "wep"},
+    {kWep, "wep"},
     {3},
     {4},
 }};

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // raw_values.cpp - values that are bytes and numbers as the device reports them.
 #include "velkctl/settings/raw_values.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // raw_values.h - values that are bytes and numbers as the device reports them.
 #ifndef VELKCTL_SETTINGS_RAW_VALUES_H_
 #define VELKCTL_SETTINGS_RAW_VALUES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // schedule_value.cpp - values that are a schedule: hourly, daily, weekly or monthly.
 #include "velkctl/settings/schedule_value.h"
 
@@ -65,7 +68,7 @@ std::optional<int> ParseWeekday(std::string_view word) {
                : std::optional(static_cast<int>(found - kWeekdays.begin()) + 1);
 }
 
-// Returns a schedule with a day and a time; nothing without either.
+// Returns a schedule with a day and a time; nothing if one of them is missing.
 std::optional<Schedule> OnDay(int type, std::optional<int> day, const std::string& time_word) {
     const std::optional<std::string> time = ParseTime(time_word);
     return day && time ? std::optional(Schedule{type, *day, *time}) : std::nullopt;
@@ -94,7 +97,7 @@ std::vector<std::string> ToStrings(std::span<const std::string_view> words) {
     return {words.begin(), words.end()};
 }
 
-// Returns the end of a message about words that make no schedule: the ones they may mean.
+// Returns the end of a message about words that are no schedule: the words that may be meant.
 std::string Guess(std::span<const std::string> words) {
     const std::string give = "give " + std::string(kWanted);
     if (words[0] == kWeekly && words.size() > 1) {

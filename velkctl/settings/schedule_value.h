@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // schedule_value.h - values that are a schedule: hourly, daily, weekly or monthly.
 #ifndef VELKCTL_SETTINGS_SCHEDULE_VALUE_H_
 #define VELKCTL_SETTINGS_SCHEDULE_VALUE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server_list.cpp - values that are a list of servers.
 #include "velkctl/settings/server_list.h"
 
@@ -50,7 +53,8 @@ std::string ServerListProblem(std::span<const std::string> words) {
         return "'none' takes no other value; give either addresses or none";
     }
     if (const std::string problems = WrongServers(words); !problems.empty()) {
-        // A resolver may run on the device itself, but a forwarder there would ask itself for ever.
+        // A resolver may run on the device itself, but a forwarder there would query itself without
+        // end.
         return problems + (std::ranges::any_of(words, IsLoopbackAddress)
                                ? "; give one to three others, none, or --force for a local resolver"
                                : "; give one to three such as 192.168.0.1, or none");

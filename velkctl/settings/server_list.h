@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server_list.h - values that are a list of servers.
 #ifndef VELKCTL_SETTINGS_SERVER_LIST_H_
 #define VELKCTL_SETTINGS_SERVER_LIST_H_

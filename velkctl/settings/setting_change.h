@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_change.h - a setting and its new value.
 #ifndef VELKCTL_SETTINGS_SETTING_CHANGE_H_
 #define VELKCTL_SETTINGS_SETTING_CHANGE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_patterns.cpp - words that select several settings.
 #include "velkctl/settings/setting_patterns.h"
 

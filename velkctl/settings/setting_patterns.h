@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_patterns.h - words that select several settings.
 #ifndef VELKCTL_SETTINGS_SETTING_PATTERNS_H_
 #define VELKCTL_SETTINGS_SETTING_PATTERNS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_values.cpp - values that are a text.
 #include "velkctl/settings/text_values.h"
 
@@ -35,7 +38,7 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
         return Unparsable(problem + (words.empty() ? "" : ", in quotes if it has blanks"));
     }
     if (words.front() == kNone) {
-        // It clears other settings, and would be a text of four letters here.
+        // Other settings take 'none'. Here it would be a text of four letters.
         return Unparsable(
             "'none' would be a text here; give '' to clear the setting, or --force to set that "
             "text");

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // text_values.h - values that are a text.
 #ifndef VELKCTL_SETTINGS_TEXT_VALUES_H_
 #define VELKCTL_SETTINGS_TEXT_VALUES_H_

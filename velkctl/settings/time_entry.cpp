@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // time_entry.cpp - the crontab's lines that run the time client, and the server in them.
 #include "velkctl/settings/time_entry.h"
 

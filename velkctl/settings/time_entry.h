@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // time_entry.h - the crontab's lines that run the time client, and the server in them.
 #ifndef VELKCTL_SETTINGS_TIME_ENTRY_H_
 #define VELKCTL_SETTINGS_TIME_ENTRY_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // value_kind.cpp - one form that the values of settings have.
 #include "velkctl/settings/value_kind.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // value_kind.h - one form that the values of settings have.
 #ifndef VELKCTL_SETTINGS_VALUE_KIND_H_
 #define VELKCTL_SETTINGS_VALUE_KIND_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // assignment.h - words of the form NAME=VALUE.
 #ifndef VELKCTL_TEXT_ASSIGNMENT_H_
 #define VELKCTL_TEXT_ASSIGNMENT_H_

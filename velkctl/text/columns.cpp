@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // columns.cpp - texts for the columns of a table and for lines of limited width.
 #include "velkctl/text/columns.h"
 
@@ -7,6 +10,41 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kEllipsis = "...";
+constexpr size_t kDeeper = 4;
+
+size_t IndentOf(std::string_view line) {
+    return std::min(line.find_first_not_of(' '), line.size());
+}
+
+// True for "  velkctl get ntp" and "  example: velkctl get ntp".
+bool IsCommand(std::string_view line) {
+    const size_t indent = IndentOf(line);
+    line.remove_prefix(indent);
+    return indent > 0 && (line.starts_with("velkctl ") || line.starts_with("example: "));
+}
+
+// Returns the length of the words that fit into the width; that of the first one if none does.
+size_t FittingLength(std::string_view line, size_t width) {
+    const size_t first = std::min(line.find(' ', IndentOf(line)), line.size());
+    const size_t blank = line.rfind(' ', width);
+    return first > width || blank == std::string_view::npos ? first
+                                                            : line.find_last_not_of(' ', blank) + 1;
+}
+
+std::string WrappedLine(std::string_view line, size_t width) {
+    const std::string margin(IndentOf(line) + kDeeper, ' ');
+    std::string lines;
+    for (size_t room = width; line.size() > room; room = width - std::min(width, margin.size())) {
+        const size_t length = FittingLength(line, room);
+        if (length == line.size()) {
+            break;
+        }
+        lines.append(line.substr(0, length)).append("\n").append(margin);
+        line.remove_prefix(length);
+        line.remove_prefix(IndentOf(line));
+    }
+    return lines.append(line);
+}
 
 }  // namespace
 
@@ -36,6 +74,17 @@ std::string InLinesOf(std::span<const std::string> words, size_t width, size_t i
         used = (fits ? used + 1 : indent) + word.size();
     }
     return lines.append(words.empty() ? "" : "\n");
+}
+
+std::string Wrapped(std::string_view text, size_t width) {
+    std::string lines;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        lines.append(IsCommand(line) ? std::string(line) : WrappedLine(line, width));
+        lines.append(line.size() < text.size() ? "\n" : "");
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return lines;
 }
 
 size_t LinesOnScreen(std::string_view text, size_t columns) {

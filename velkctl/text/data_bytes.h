@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // data_bytes.h - the data bytes of a command and the result of parsing them.
 #ifndef VELKCTL_TEXT_DATA_BYTES_H_
 #define VELKCTL_TEXT_DATA_BYTES_H_

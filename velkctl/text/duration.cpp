@@ -1,4 +1,7 @@
-// duration.cpp - times as a person says them.
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// duration.cpp - durations in words.
 #include "velkctl/text/duration.h"
 
 #include <algorithm>

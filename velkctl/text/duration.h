@@ -1,4 +1,7 @@
-// duration.h - times as a person says them.
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// duration.h - durations in words.
 #ifndef VELKCTL_TEXT_DURATION_H_
 #define VELKCTL_TEXT_DURATION_H_
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // escaping.cpp - makes text safe for a terminal.
 #include "velkctl/text/escaping.h"
 
@@ -117,7 +120,7 @@ std::optional<char> LeadingEscape(std::string_view text) {
         return std::nullopt;
     }
     size_t end = 0;
-    const auto byte = LeadingNumber<uint8_t>(text.substr(2, kEscapeLength - 2), end, 16);
+    const auto byte = ParseLeadingNumber<uint8_t>(text.substr(2, kEscapeLength - 2), end, 16);
     const bool is_whole = byte && end == kEscapeLength - 2;
     return is_whole ? std::optional(static_cast<char>(*byte)) : std::nullopt;
 }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // escaping.h - makes text safe for a terminal.
 #ifndef VELKCTL_TEXT_ESCAPING_H_
 #define VELKCTL_TEXT_ESCAPING_H_

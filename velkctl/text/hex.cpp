@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // hex.cpp - data bytes as hex digits and as a hex and text dump.
 #include "velkctl/text/hex.h"
 

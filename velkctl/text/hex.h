@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // hex.h - data bytes as hex digits and as a hex and text dump.
 #ifndef VELKCTL_TEXT_HEX_H_
 #define VELKCTL_TEXT_HEX_H_

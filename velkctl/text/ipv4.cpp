@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ipv4.cpp - IPv4 addresses in dotted decimal form.
 #include "velkctl/text/ipv4.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // ipv4.h - IPv4 addresses in dotted decimal form.
 #ifndef VELKCTL_TEXT_IPV4_H_
 #define VELKCTL_TEXT_IPV4_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // spelling.cpp - suggests corrections for misspelt words.
 #include "velkctl/text/spelling.h"
 

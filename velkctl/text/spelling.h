@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // spelling.h - suggests corrections for misspelt words.
 #ifndef VELKCTL_TEXT_SPELLING_H_
 #define VELKCTL_TEXT_SPELLING_H_

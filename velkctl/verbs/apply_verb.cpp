@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // apply_verb.cpp - the verbs that change many settings as one change: apply and import.
 #include <algorithm>
 #include <optional>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_verb.cpp - the verb that runs a command of the library without checks.
 #include <algorithm>
 #include <array>
@@ -49,6 +52,34 @@ std::string UnknownType(const Invocation& invocation) {
            DidYouMean(word, words, "give " + OneOf(words));
 }
 
+// The command that the words of the verb make, or the problem with one of them.
+struct ParsedCommand {
+    Command command{};
+    std::string problem{};
+};
+
+ParsedCommand ParseCommand(const Invocation& invocation) {
+    const std::vector<std::string>& words = invocation.words;
+    const std::optional<velk_command_type> type = ParseType(words[0]);
+    if (!type) {
+        return {{}, UnknownType(invocation)};
+    }
+    const std::optional<uint32_t> id = ParseNumber<uint32_t>(words[1]);
+    if (!id) {
+        return {
+            {},
+            invocation.Shown(words[1]) + " is not a command id; give a decimal number such as 108"};
+    }
+    const std::string_view interface = words.size() > 2 ? words[2] : std::string_view();
+    if (interface.size() > VELK_INTERFACE_SIZE) {
+        return {{},
+                invocation.Shown(interface) +
+                    " is too long for an interface; give eth0, eth1 or another name of at "
+                    "most 16 bytes"};
+    }
+    return {{*type, *id, interface}, {}};
+}
+
 Parsed ParseText(const std::string& text) {
     Parsed parsed;
     if (text.size() > parsed.data.size()) {
@@ -89,7 +120,8 @@ bool TakesType(const Setting& setting, velk_command_type type) {
     return (type == VELK_GET && setting.can_get()) || (type == VELK_SET && setting.can_set());
 }
 
-// Returns the interfaces that a command takes, an empty one for none; nothing if it does not exist.
+// Returns the interfaces that a command takes, or an empty name if it takes none. Returns nothing
+// if there is no such command.
 std::vector<std::string> InterfacesOf(velk_command_type type, uint32_t id) {
     if (type == VELK_RESTART && id == VELK_CMD_RESTART) {
         return {VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
@@ -124,7 +156,7 @@ std::string ResultText(const Answer& answer) {
         return DescribeResult(answer.result);
     }
     return InLines(
-        {.message = FailureReason(answer), .result = answer.result, .detail = answer.remark});
+        {.message = FailureReason(answer), .result = answer.result, .detail = answer.note});
 }
 
 void ReportData(const Data& data, bool is_masked, Report& report) {
@@ -154,30 +186,19 @@ void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, 
 }  // namespace
 
 ExitStatus RunCall(const Invocation& invocation, Report& report) {
-    const std::optional<velk_command_type> type = ParseType(invocation.words[0]);
-    if (!type) {
-        return report.Refuse("call: " + UnknownType(invocation));
-    }
-    const std::optional<uint32_t> id = ParseNumber<uint32_t>(invocation.words[1]);
-    if (!id) {
-        return report.Refuse("call: " + invocation.Shown(invocation.words[1]) +
-                             " is not a command id; give a decimal number such as 108");
-    }
-    const std::string interface = invocation.words.size() > 2 ? invocation.words[2] : "";
-    if (interface.size() > VELK_INTERFACE_SIZE) {
-        return report.Refuse("call: " + invocation.Shown(interface) +
-                             " is too long for an interface; give eth0, eth1 or another name of "
-                             "at most 16 bytes");
+    const ParsedCommand parsed = ParseCommand(invocation);
+    if (!parsed.problem.empty()) {
+        return report.Refuse("call: " + parsed.problem);
     }
     const Parsed data = ParseData(invocation);
     if (!data.ok()) {
         return report.Refuse("call: " + data.problem);
     }
-    const Command command{*type, *id, interface};
+    const Command& command = parsed.command;
     Answer answer = Device(invocation.limits, report)
-                        .Execute(command, data.data, "command " + std::to_string(*id));
+                        .Execute(command, data.data, "command " + std::to_string(command.id));
     if (answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
-        answer.remark = RefusedCommand(command);
+        answer.note = RefusedCommand(command);
     }
     const bool is_secret = NamesSecret(invocation.words[1]);
     ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // describe_verb.cpp - the verb that describes a setting.
 #include <algorithm>
 #include <optional>
@@ -6,6 +9,7 @@
 
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/text/numbers.h"
@@ -92,7 +96,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report) {
     }
     Json described = Json::array();
     for (const Setting& setting : settings) {
-        report.Text(Describe(setting));
+        report.Text(FittedToTerminal(Describe(setting)));
         described.push_back(SettingInJson(setting));
     }
     report.Member("settings", std::move(described));

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // diff_verb.cpp - the verb that compares a document with the device or with another document.
 #include <algorithm>
 #include <optional>

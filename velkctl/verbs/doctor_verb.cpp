@@ -1,7 +1,9 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/doctor/examination.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // document_settings.cpp - the settings of a document that a verb works with.
 #include "velkctl/verbs/document_settings.h"
 

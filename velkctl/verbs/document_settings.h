@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // document_settings.h - the settings of a document that a verb works with.
 #ifndef VELKCTL_VERBS_DOCUMENT_SETTINGS_H_
 #define VELKCTL_VERBS_DOCUMENT_SETTINGS_H_

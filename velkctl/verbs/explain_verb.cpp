@@ -1,6 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // explain_verb.cpp - the verb that explains results and exit statuses.
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +43,22 @@ std::optional<int> CodeOfName(std::string_view word) {
     return std::nullopt;
 }
 
+// Returns the message about a word that is neither a number nor the name of a result.
+std::string NotExplained(const std::string& word) {
+    if (const std::optional<Setting> setting = FindSetting(word)) {
+        return Quoted(word) + " is a setting; 'velkctl describe " + setting->name() +
+               "' describes it";
+    }
+    return Quoted(word) + " is neither a result nor an exit status" +
+           DidYouMean(word, ResultNames(),
+                      "give a number such as -3 or 3, or a name such as LOCKED");
+}
+
+// Returns the meaning of an exit status; null if there is no such status.
+const ExitMeaning* MeaningOf(int status) {
+    return velk::FindRow(kExitMeanings, static_cast<ExitStatus>(status), &ExitMeaning::status);
+}
+
 void ExplainResult(int code, Report& report) {
     const ResultCode row = FindResultCode(code);
     report.Text(ResultName(code) + "\n  " + std::string(row.description) +
@@ -50,21 +70,23 @@ void ExplainResult(int code, Report& report) {
     report.Member("result", std::move(explained));
 }
 
+std::vector<ResultCode> ResultsWithStatus(ExitStatus status) {
+    const std::span<const ResultCode> all = ResultCodes();
+    std::vector<ResultCode> results(all.begin(), all.end());
+    std::erase_if(results, [&](const ResultCode& row) { return row.status != status; });
+    return results;
+}
+
 void ExplainStatus(const ExitMeaning& meaning, Report& report) {
     const int number = static_cast<int>(meaning.status);
     std::string text = "exit status " + std::to_string(number) + " of velkctl";
-    text.append("\n  ")
-        .append(meaning.description)
-        .append("\n  fix: ")
-        .append(meaning.remedy)
-        .append("\n");
+    text.append("\n  ").append(meaning.description);
+    text.append("\n  fix: ").append(meaning.remedy).append("\n");
     Json results = Json::array();
-    for (const ResultCode& row : ResultCodes()) {
-        if (row.status == meaning.status) {
-            text.append("  result of the library: ").append(ResultName(row.code));
-            text.append("\n    ").append(row.description).append("\n");
-            results.push_back(ResultInJson(row.code));
-        }
+    for (const ResultCode& row : ResultsWithStatus(meaning.status)) {
+        text.append("  result of the library: ").append(ResultName(row.code));
+        text.append("\n    ").append(row.description).append("\n");
+        results.push_back(ResultInJson(row.code));
     }
     report.Text(text);
     Json explained;
@@ -81,21 +103,11 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     const std::string& word = invocation.words.front();
     const std::optional<int> number = ParseNumber<int>(word);
     const std::optional<int> code = number ? number : CodeOfName(word);
-    if (!code && FindSetting(word)) {
-        return report.Refuse("explain: " + Quoted(word) + " is a setting; 'velkctl describe " +
-                             FindSetting(word)->name() + "' describes it");
-    }
     if (!code) {
-        return report.Refuse("explain: " + Quoted(word) +
-                             " is neither a result nor an exit status" +
-                             DidYouMean(word, ResultNames(),
-                                        "give a number such as -3 or 3, or a name such as LOCKED"));
+        return report.Refuse("explain: " + NotExplained(word));
     }
-    const auto* meaning =
-        velk::FindRow(kExitMeanings, static_cast<ExitStatus>(*code), &ExitMeaning::status);
-    // A name is always a result.
-    const bool is_status = number && meaning != nullptr;
-    if (*code > 0 && !is_status) {
+    const ExitMeaning* meaning = number ? MeaningOf(*number) : nullptr;
+    if (*code > 0 && meaning == nullptr) {
         return report.Refuse(
             "explain: " + Quoted(word) +
             " is not an exit status; give 0 to 7 or 9, or a result, which is 0 or negative");
@@ -103,7 +115,7 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     if (*code <= 0) {
         ExplainResult(*code, report);
     }
-    if (is_status) {
+    if (meaning != nullptr) {
         ExplainStatus(*meaning, report);
     }
     return ExitStatus::kDone;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // export_verb.cpp - the verb that prints all settings as one document.
 #include <string>
 #include <utility>

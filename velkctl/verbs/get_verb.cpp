@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // get_verb.cpp - the verb that shows the values of settings.
 #include <algorithm>
 #include <optional>

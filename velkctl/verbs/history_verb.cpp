@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // history_verb.cpp - the verb that lists the changes in the journal.
 #include <algorithm>
 #include <string>

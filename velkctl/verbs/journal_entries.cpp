@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_entries.cpp - changes of the journal in the output of verbs.
 #include "velkctl/verbs/journal_entries.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // journal_entries.h - changes of the journal in the output of verbs.
 #ifndef VELKCTL_VERBS_JOURNAL_ENTRIES_H_
 #define VELKCTL_VERBS_JOURNAL_ENTRIES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // list_verb.cpp - the verb that lists the settings.
 #include <string>
 #include <vector>
@@ -34,15 +37,17 @@ ExitStatus RunList(const Invocation& invocation, Report& report) {
         });
     }
     const size_t width = NameWidth(settings);
-    GroupedRows rows;
+    const std::vector<SettingGroup> groups = GroupsOf(settings);
+    GroupedRows rows(groups.size(), !invocation.no_pager, report);
     Json listed = Json::array();
-    for (const SettingGroup& group : GroupsOf(settings)) {
-        rows.Add(group, RowsOf(group, width));
+    for (const SettingGroup& group : groups) {
+        rows.Begin(group);
+        rows.Add(RowsOf(group, width));
         for (const Setting& setting : group) {
             listed.push_back(SettingInJson(setting));
         }
     }
-    rows.Print(!invocation.no_pager, report);
+    rows.Finish();
     report.Member("settings", std::move(listed));
     return ExitStatus::kDone;
 }

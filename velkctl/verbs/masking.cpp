@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // masking.cpp - whether data bytes are shown or masked.
 #include "velkctl/verbs/masking.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // masking.h - whether data bytes are shown or masked.
 #ifndef VELKCTL_VERBS_MASKING_H_
 #define VELKCTL_VERBS_MASKING_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // read_failure.cpp - the reason why a setting cannot be read, in a few words for a table.
 #include "velkctl/verbs/read_failure.h"
 

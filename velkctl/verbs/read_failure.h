@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // read_failure.h - the reason why a setting cannot be read, in a few words for a table.
 #ifndef VELKCTL_VERBS_READ_FAILURE_H_
 #define VELKCTL_VERBS_READ_FAILURE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // recover_verb.cpp - the verb that takes back changes that were interrupted.
 #include <algorithm>
 #include <cerrno>

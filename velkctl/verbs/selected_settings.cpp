@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // selected_settings.cpp - the settings that the words of a verb select for reading.
 #include "velkctl/verbs/selected_settings.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // selected_settings.h - the settings that the words of a verb select for reading.
 #ifndef VELKCTL_VERBS_SELECTED_SETTINGS_H_
 #define VELKCTL_VERBS_SELECTED_SETTINGS_H_

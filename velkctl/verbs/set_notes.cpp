@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_notes.cpp - notes about the effects of a set on other settings and on the device.
 #include "velkctl/verbs/set_notes.h"
 
@@ -9,7 +12,7 @@
 #include <unistd.h>
 
 #include "velkctl/call/planned_values.h"
-#include "velkctl/doctor/network_check.h"
+#include "velkctl/doctor/value_checks.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/spelling.h"
@@ -66,12 +69,11 @@ Problem NoteOfMismatch(const Finding& mismatch) {
 
 // While the method is static, the client's block of the interface is switched off as a whole. The
 // set has found no statement to change there.
-void NoteIfUndone(const Setting& setting, const Device& device, Report& report) {
+void NoteIfMethodMaySwitchIt(const Setting& setting, const Device& device, Report& report) {
     if (setting.row->id != VELK_CMD_DHCP_DNS) {
         return;
     }
-    const std::string method_name =
-        SettingsOf(VELK_CMD_IP_METHOD, setting.interface).front().name();
+    const std::string method_name = SettingOf(VELK_CMD_IP_METHOD, setting.interface).name();
     if (!device.HasStaticMethod(setting.interface) || device.PrintedValue(setting) != "off") {
         return;
     }
@@ -96,10 +98,9 @@ std::string EffectOf(const std::vector<Setting>& settings, const Setting& one) {
 std::string OpenCondition(const Setting& setting, const Device& device) {
     const bool is_wired_address =
         IsAddressCommand(setting.row->id) && setting.interface == VELK_WIRED_INTERFACE;
-    const bool is_met = is_wired_address
-                            ? device.HasStaticMethod(setting.interface)
-                            : setting.row->id == VELK_CMD_NTP_SERVER &&
-                                  device.PrintedValue(SettingsOf(VELK_CMD_NTP, "").front()) == "on";
+    const bool is_met = is_wired_address ? device.HasStaticMethod(setting.interface)
+                                         : setting.row->id == VELK_CMD_NTP_SERVER &&
+                                               device.PrintedValue(SettingOf(VELK_CMD_NTP)) == "on";
     return is_met ? "" : EffectCondition(setting);
 }
 
@@ -159,7 +160,7 @@ void SetNotes::PrintMismatches(const std::vector<Setting>& done, Report& report)
         }
     }
     for (const Setting& setting : done) {
-        NoteIfUndone(setting, device_, report);
+        NoteIfMethodMaySwitchIt(setting, device_, report);
     }
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_notes.h - notes about the effects of a set on other settings and on the device.
 #ifndef VELKCTL_VERBS_SET_NOTES_H_
 #define VELKCTL_VERBS_SET_NOTES_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // set_verb.cpp - the verb that changes settings.
 #include <string>
 #include <vector>
@@ -27,7 +30,7 @@ void AddConflicts(RequestedChanges& requested, bool force, const Device& device)
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
     RequestedChanges requested = ReadChanges("set", invocation.words, invocation.force);
     AddConflicts(requested, invocation.force, device);
-    if (requested.problems.empty() && !requested.open.empty()) {
+    if (requested.problems.empty() && !requested.unread_secrets.empty()) {
         AskForSecrets(requested, invocation.force);
         AddConflicts(requested, invocation.force, device);
     }
@@ -42,7 +45,7 @@ Json HeldInJson(const MadeChange& made) {
     return made.held ? Json(*made.held) : Json(nullptr);
 }
 
-std::vector<Setting> SettingsOf(const ChangeSet& changes) {
+std::vector<Setting> SettingsToSet(const ChangeSet& changes) {
     std::vector<Setting> settings;
     for (const SettingChange& change : changes) {
         settings.push_back(change.setting);
@@ -51,7 +54,8 @@ std::vector<Setting> SettingsOf(const ChangeSet& changes) {
 }
 
 // Returns the settings that hold their new value, as far as is known.
-std::vector<Setting> SettingsSet(const ChangeSet& changes, const std::vector<MadeChange>& made) {
+std::vector<Setting> SettingsThatHold(const ChangeSet& changes,
+                                      const std::vector<MadeChange>& made) {
     std::vector<Setting> settings;
     for (size_t i = 0; i < made.size(); ++i) {
         if (made[i].has_effect()) {
@@ -109,7 +113,8 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
         return ExitStatus::kInvalid;
     }
     const bool is_single = !IsAssignment(invocation.words.front());
-    const SetNotes notes(SettingsOf(changes), device, !invocation.force && !invocation.no_verify);
+    const SetNotes notes(SettingsToSet(changes), device,
+                         !invocation.force && !invocation.no_verify);
     const std::vector<MadeChange> made = MakeRecorded(changes, invocation, device, report);
     if (made.empty()) {
         return ExitStatus::kLocked;
@@ -120,7 +125,7 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     if (!is_single || changes.size() > 1) {
         report.Member("settings", SettingsInJson(changes, made));
     }
-    notes.Print(SettingsSet(changes, made), report);
+    notes.Print(SettingsThatHold(changes, made), report);
     return made.back().status;
 }
 

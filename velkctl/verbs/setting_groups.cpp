@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_groups.cpp - settings in groups for people: those of the device and of each interface.
 #include "velkctl/verbs/setting_groups.h"
 
@@ -58,24 +61,32 @@ std::string CutToFit(std::string_view text, size_t used) {
     return size ? Cut(text, size->columns - std::min(size->columns, used)) : std::string(text);
 }
 
-void GroupedRows::Add(const SettingGroup& group, const std::string& rows) {
-    entries_.push_back({group.front().interface, rows});
+GroupedRows::GroupedRows(size_t groups, bool is_paged, const Report& report)
+    : has_headings_(groups > 1),
+      is_collected_(is_paged && !report.is_json() && HasPager()),
+      report_(report) {
 }
 
-void GroupedRows::Print(bool is_paged, const Report& report) const {
-    std::string text;
-    for (const Entry& entry : entries_) {
-        if (entries_.size() > 1) {
-            text.append(text.empty() ? "" : "\n");
-            text.append(Coloured(HeadingOf(entry.interface), Colour::kBold, STDOUT_FILENO));
-            text.append("\n");
-        }
-        text.append(entry.rows);
+void GroupedRows::Begin(const SettingGroup& group) {
+    if (has_headings_) {
+        const std::string_view heading = HeadingOf(group.front().interface);
+        Add(is_first_ ? "" : "\n");
+        Add(Coloured(heading, Colour::kBold, STDOUT_FILENO) + "\n");
     }
-    if (is_paged && !report.is_json()) {
-        PrintPaged(text);
-    } else {
-        report.Text(text);
+    is_first_ = false;
+}
+
+void GroupedRows::Add(const std::string& rows) {
+    if (is_collected_) {
+        collected_.append(rows);
+        return;
+    }
+    report_.Text(rows);
+}
+
+void GroupedRows::Finish() {
+    if (is_collected_) {
+        PrintPaged(collected_);
     }
 }
 

@@ -1,7 +1,11 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_groups.h - settings in groups for people: those of the device and of each interface.
 #ifndef VELKCTL_VERBS_SETTING_GROUPS_H_
 #define VELKCTL_VERBS_SETTING_GROUPS_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,23 +28,26 @@ std::string NameLines(const SettingGroup& group);
 // nothing is cut.
 std::string CutToFit(std::string_view text, size_t used);
 
-// The rows of groups, printed together at the end.
+// Prints the rows of groups. Several groups have headings. Does nothing in JSON.
 class GroupedRows {
   public:
-    // Adds the rows of a group, each ended by a newline.
-    void Add(const SettingGroup& group, const std::string& rows);
+    // If the output may be paged, the rows are printed together at the end: the pager is used only
+    // for many. Otherwise each is printed at once.
+    GroupedRows(size_t groups, bool is_paged, const Report& report);
 
-    // Prints the rows; those of several groups with headings. At a terminal they go through the
-    // pager, unless the user wants none. Does nothing in JSON.
-    void Print(bool is_paged, const Report& report) const;
+    // Begins a group.
+    void Begin(const SettingGroup& group);
+    // Adds rows to the group, each ended by a newline.
+    void Add(const std::string& rows);
+    // Prints the rows that are not printed yet.
+    void Finish();
 
   private:
-    struct Entry {
-        std::string_view interface;
-        std::string rows;
-    };
-
-    std::vector<Entry> entries_;
+    const bool has_headings_;
+    const bool is_collected_;
+    const Report& report_;
+    bool is_first_ = true;
+    std::string collected_;
 };
 
 }  // namespace velkctl

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_reader.cpp - reads settings one after the other, without waiting for a silent daemon
 // twice.
 #include "velkctl/verbs/setting_reader.h"

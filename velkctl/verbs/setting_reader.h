@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_reader.h - reads settings one after the other, without waiting for a silent daemon twice.
 #ifndef VELKCTL_VERBS_SETTING_READER_H_
 #define VELKCTL_VERBS_SETTING_READER_H_

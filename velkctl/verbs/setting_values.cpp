@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_values.cpp - settings and their values in the output of verbs.
 #include "velkctl/verbs/setting_values.h"
 

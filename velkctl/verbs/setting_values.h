@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // setting_values.h - settings and their values in the output of verbs.
 #ifndef VELKCTL_VERBS_SETTING_VALUES_H_
 #define VELKCTL_VERBS_SETTING_VALUES_H_
@@ -12,8 +15,8 @@
 
 namespace velkctl {
 
-// Returns a value for people, or for JSON. A secret is masked unless it may be shown; an empty one
-// is recognisable.
+// Returns a value for people, or for JSON. A secret is masked unless it is empty or may be
+// shown.
 std::string ValueText(const Setting& setting, const Data& data, bool show_secrets);
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // show_verb.cpp - the verb that shows all readable settings.
 #include <optional>
 #include <string>
@@ -31,13 +34,14 @@ struct UnreadSettings {
     SettingGroup settings;
 };
 
-// The rows of one group: the values, and after them the failures that several settings share.
+// Prints the values of a group as they are read, and after them the failures, which several
+// settings may share.
 class ShownRows {
   public:
-    explicit ShownRows(size_t width) : width_(width) {}
+    ShownRows(size_t width, GroupedRows& rows) : width_(width), rows_(rows) {}
 
     void AddValue(const Setting& setting, const std::string& value) {
-        rows_.append(NameColumn(setting, width_)).append(value).append("\n");
+        rows_.Add(NameColumn(setting, width_) + value + "\n");
     }
 
     void AddFailure(const Setting& setting, const ReadFailure& failure) {
@@ -50,12 +54,10 @@ class ShownRows {
         unread_.push_back({failure, {setting}});
     }
 
-    std::string Text() const {
-        std::string text = rows_;
+    void Finish() {
         for (const UnreadSettings& unread : unread_) {
-            text.append(unread.settings.size() == 1 ? RowOf(unread) : LinesOf(unread));
+            rows_.Add(unread.settings.size() == 1 ? RowOf(unread) : LinesOf(unread));
         }
-        return text;
     }
 
   private:
@@ -73,7 +75,7 @@ class ShownRows {
     }
 
     const size_t width_;
-    std::string rows_;
+    GroupedRows& rows_;
     std::vector<UnreadSettings> unread_;
 };
 
@@ -122,18 +124,19 @@ ExitStatus RunShow(const Invocation& invocation, Report& report) {
     if (settings.empty()) {
         return ExitStatus::kInvalid;
     }
-    const size_t width = NameWidth(settings);
     const Device device(invocation.limits, report);
     ShownReadings readings(invocation.show_secrets, device);
-    GroupedRows shown;
-    for (const SettingGroup& group : GroupsOf(settings)) {
-        ShownRows rows(width);
+    const std::vector<SettingGroup> groups = GroupsOf(settings);
+    GroupedRows shown(groups.size(), !invocation.no_pager, report);
+    for (const SettingGroup& group : groups) {
+        shown.Begin(group);
+        ShownRows rows(NameWidth(settings), shown);
         for (const Setting& setting : group) {
             readings.Add(setting, rows);
         }
-        shown.Add(group, rows.Text());
+        rows.Finish();
     }
-    shown.Print(!invocation.no_pager, report);
+    shown.Finish();
     report.Member("settings", readings.Take());
     return ExitStatus::kDone;  // also if a setting cannot be read
 }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // status_verb.cpp - the verb that shows the configuration beside the running state.
 #include <algorithm>
 #include <optional>
@@ -13,7 +16,8 @@
 #include "velkctl/files/lock_holder.h"
 #include "velkctl/files/running_gateway.h"
 #include "velkctl/files/unix_socket.h"
-#include "velkctl/settings/affected_settings.h"
+#include "velkctl/report/output.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
@@ -47,7 +51,7 @@ struct Interface {
 };
 
 std::string Configured(uint32_t id, const std::string& interface, const Device& device) {
-    return device.PrintedValue(SettingsOf(id, interface).front());
+    return device.PrintedValue(SettingOf(id, interface));
 }
 
 State Compared(const Interface& interface, std::string_view part, const std::string& configured,
@@ -124,20 +128,20 @@ void AppendDhcp(const Interface& interface, States& states) {
         Compared(interface, "gateway", configured, OrNone(RunningGateway(interface.name)), false));
 }
 
-// An interface may have more addresses than the configured one. The netmask compared is of that.
+// An interface may have more addresses than the configured one. The netmask of that one is
+// compared; if it is missing, that of the first.
 void AppendStatic(const Interface& interface, const Device& device, States& states) {
     const InterfaceState& kernel = interface.kernel;
     const std::string address = Configured(VELK_CMD_IP_ADDRESS, interface.name, device);
     const std::string netmask = Configured(VELK_CMD_NETMASK, interface.name, device);
-    const auto own = std::ranges::find(kernel.addresses, address, &InterfaceAddress::address);
-    const bool has_own = own != kernel.addresses.end();
     const InterfaceAddress first =
         kernel.has_address() ? kernel.addresses.front() : InterfaceAddress{};
+    const InterfaceAddress compared = kernel.Find(address).value_or(first);
     states.push_back(Compared(interface, "address", address,
-                              AllOf(kernel, &InterfaceAddress::address), !has_own));
+                              AllOf(kernel, &InterfaceAddress::address), !kernel.Has(address)));
     states.push_back(Compared(interface, "netmask", netmask,
                               AllOf(kernel, &InterfaceAddress::netmask),
-                              (has_own ? own->netmask : first.netmask) != netmask));
+                              compared.netmask != netmask));
     states.push_back(Compared(interface, "gateway",
                               Configured(VELK_CMD_GATEWAY, interface.name, device),
                               OrNone(RunningGateway(interface.name))));
@@ -226,10 +230,10 @@ ExitStatus RunStatus(const Invocation& invocation, Report& report) {
     const Device device(invocation.limits, report);
     const States states =
         ReadStates(invocation.words.empty() ? "" : invocation.words.front(), device);
-    report.Text(Row({"name", "configured", "running"}));
+    report.Text(FittedToTerminal(Row({"name", "configured", "running"})));
     Json list = Json::array();
     for (const State& state : states) {
-        report.Text(Row(state));
+        report.Text(FittedToTerminal(Row(state)));
         list.push_back(RowInJson(state));
     }
     const bool differs = std::ranges::any_of(states, &State::differs);

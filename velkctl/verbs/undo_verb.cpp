@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // undo_verb.cpp - the verb that takes back a finished change.
 #include <algorithm>
 #include <cerrno>

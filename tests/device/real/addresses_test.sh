@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # addresses_test.sh - changes between static address and lease, with the real ifupdown and DHCP client.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh

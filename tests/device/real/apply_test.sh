@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # apply_test.sh - a change of settings with the system's own tools: restarts and DHCP clients.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

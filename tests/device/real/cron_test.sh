@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # cron_test.sh - the crontab, run by the real cron in accelerated time.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # dhcp_options_test.sh - the options that the real DHCP client requests, and their use by the scripts.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # dns_test.sh - the real DNS forwarder queries the servers that are set.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

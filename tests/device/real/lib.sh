@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # lib.sh - functions for tests with the system's own tools. A test that sources it runs again on a new
 # device made with --real, with the router connected.
 # shellcheck shell=bash

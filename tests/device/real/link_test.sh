@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # link_test.sh - speed, duplex and link, with the real ethtool on a tap interface.
 # shellcheck shell=bash
 # shellcheck source=tests/device/real/lib.sh

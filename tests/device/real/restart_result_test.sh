@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # restart_result_test.sh - the answer of a restart: the address of the interface, or the reason for none.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name
@@ -33,7 +36,7 @@ it 'shows the output of working tools only with --verbose'
 run velkctl set eth0.address 192.168.0.98
 run velkctl restart eth0 --verbose
 status_is 0
-error_has 'velkctl: note: restart of eth0: Error: ipv4: Address not found.'
+error_has 'velkctl: restart of eth0: Error: ipv4: Address not found.'
 
 it 'prints nothing with --quiet'
 run velkctl restart eth0 --quiet
@@ -59,8 +62,8 @@ run velkctl set eth0.address 192.168.0.10
 sed -i 's/^\taddress 192.168.0.10/\taddress 192.168.0.400/' /etc/network/interfaces
 run velkctl restart eth0
 status_is 6
-error_has 'velkctl: note: restart of eth0: ifup: failed to bring up eth0'
-error_has 'velkctl: eth0: ifup failed, see its messages'
+error_has 'velkctl: restart of eth0: ifup: failed to bring up eth0'
+error_has 'velkctl: eth0: ifup failed (its messages are above)'
 sed -i 's/192.168.0.400/192.168.0.10/' /etc/network/interfaces
 
 it 'prints the address of a lease'
@@ -75,8 +78,8 @@ velk-sandbox router out
 run velkctl restart eth0
 status_is 6
 output_is ''
-error_has 'velkctl: note: restart of eth0: No DHCPOFFERS received.
-velkctl: note: restart of eth0: No working leases in persistent database - sleeping.
+error_has 'velkctl: restart of eth0: No DHCPOFFERS received.
+velkctl: restart of eth0: No working leases in persistent database - sleeping.
 velkctl: eth0: up, but it has no address
   no DHCP server answered
   fix: start one, then run '"'velkctl restart eth0'"' again'

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # restart_test.sh - restarts of the wireless interface in each state, and the messages to the daemon.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # sandbox_test.sh - the simulated device with the system's own tools (--real).
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

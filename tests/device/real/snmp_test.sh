@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # snmp_test.sh - administrator and location of the device, queried from the real SNMP agent.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # values contain shell syntax

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // soak.cpp - sends random requests to a device from several processes at the same time.
 //
 //   soak SECONDS SEED

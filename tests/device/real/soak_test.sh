@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # soak_test.sh - sends random requests from several processes and checks the state of the device.
 # VELK_SOAK_SECONDS and VELK_SOAK_SEED set duration and seed. The seed is printed.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # takes_effect_test.sh - a change takes effect when velkctl says it does.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # wired_restart_test.sh - a restart of the wired port with the adapter connected. It takes over a minute.
 # shellcheck shell=bash
 # shellcheck disable=SC2317  # functions are called by name

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # completion_test.sh - the completion of velk-sandbox, and the shell that loads it on a device.
 # Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # hardware_test.sh - the interfaces, cable and adapter of the simulated device, and the stand-ins.
 # Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash disable=SC2016

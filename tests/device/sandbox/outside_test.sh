@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # outside_test.sh - access to a running device from other terminals of the machine.
 # Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # readme_test.sh - the session at the beginning of README.md prints its lines at a terminal.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device

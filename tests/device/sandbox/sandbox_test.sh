@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # sandbox_test.sh - the simulated device: private files, visible files, exit statuses and its end.
 # Root runs it a second time as an ordinary user, from a copy that this user can read.
 # shellcheck shell=bash disable=SC2016

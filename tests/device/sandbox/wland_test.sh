@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # wland_test.sh - the simulated wireless daemon, tested through the library and at its sockets.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # addresses_test.sh - methods and addresses of the interfaces, end to end.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # completion_test.sh - the completion of velkctl's command line in bash and zsh.
 # shellcheck shell=bash
 # shellcheck disable=SC2016,SC2089,SC2090  # scripts in quotes are for the shell on the device

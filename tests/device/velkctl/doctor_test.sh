@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # doctor_test.sh - the findings of velkctl doctor on devices in good and bad shape.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
@@ -6,15 +9,7 @@
 
 needs_sandbox
 
-# A device with the tools that the sample one lacks, and with DHCP on eth0.
-healthy=$lib_folder/rootfs
-cp -R "$VELK_BUILD/rootfs" "$healthy"
-for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
-    mkdir -p "$healthy${tool%/*}"
-    printf '#!/bin/sh\n' >"$healthy$tool"
-    chmod 755 "$healthy$tool"
-done
-sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
+make_healthy_rootfs
 
 # Runs a script on such a device.
 script() { run velk-sandbox --quiet --rootfs "$healthy" -- sh -c "$stand_in_word$1"; }
@@ -147,9 +142,8 @@ status_is 1
 output_has '0 * * * * ntpdate -u10.0.0.9 > /var/libvelk/ntp.log'
 
 it 'finds an ifconfig of another form, and one that is missing'
-script '
-    printf "#!/bin/sh\necho \"lo: flags=73\"; echo \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
-    chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig; velkctl doctor'
+script 'stand_in_script ifconfig "echo \"lo: flags=73\"" "echo \"    inet 127.0.0.1  netmask 255.0.0.0\""
+    velkctl doctor'
 status_is 1
 findings_are "problem: ifconfig prints addresses in a form that the library does not read
   it prints 'inet 127.0.0.1  netmask 255.0.0.0',
@@ -355,7 +349,7 @@ for way in empty garbage; do
     has 'standard error' "
   likely cause: /tmp/WlanAplToWlanSock: the wireless daemon was sent the value,
   but returns another one
-  fix: restart the wireless daemon; 'velkctl doctor' queries it" "$error"
+  fix: set it again; if it differs again, restart the wireless daemon" "$error"
 done
 
 it 'reports a tab after a word, as a set then does'

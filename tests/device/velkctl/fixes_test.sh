@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # fixes_test.sh - every fix that velkctl doctor prints removes its finding and makes no new one.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
@@ -13,18 +16,11 @@ found=$lib_folder/found
 : >"$found"
 
 # A device with the tools and lines that the sample one lacks: nothing is wrong with it.
-healthy=$lib_folder/rootfs
-cp -R "$VELK_BUILD/rootfs" "$healthy"
-for tool in /sbin/ifup /sbin/ifdown /etc/init.d/snmpd; do
-    mkdir -p "$healthy${tool%/*}"
-    printf '#!/bin/sh\n' >"$healthy$tool"
-    chmod 755 "$healthy$tool"
-done
+make_healthy_rootfs
 printf '%s\n' 'iface lo inet loopback' '' 'auto eth0' 'iface eth0 inet static' '	address 10.0.0.10' \
     '	netmask 255.255.255.0' '	gateway 10.0.0.1' '' 'auto eth1' 'iface eth1 inet dhcp' \
     '	address 10.0.0.2' '	netmask 255.0.0.0' '	gateway 10.0.0.1' \
     >"$healthy/etc/network/interfaces"
-sed -i '/eth0/,/}/s/^#//' "$healthy/etc/dhclient.conf"
 
 keep_own='mkdir /run/own; cd /; cp -RL --parents etc/network etc/dhclient* etc/resolv* sbin/dhclient-script \
     var/cron var/libvelk usr/local/share /run/own 2>/dev/null; cd /run; '
@@ -212,10 +208,9 @@ fixed 'answers with an error' 'wland --tell garbage' "wland --tell normal"
 fixed 'its record has channel' 'wland --tell empty' "wland --tell normal"
 fixed_by_root 'in none of the folders' 'mkdir /run/mine; mv /sbin/ifup /run/mine; mount -t tmpfs none /usr/local/sbin'
 fixed 'is not installed' ': >/tmp/none; stand_in ifconfig /tmp/none' 'umount "$(readlink -f /sbin/ifconfig)"'
-fixed 'library looks for .inet addr' 'printf "#!/bin/sh\necho \"    inet 127.0.0.1  netmask 255.0.0.0\"\n" >/tmp/ifconfig
-    chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig' 'umount "$(readlink -f /sbin/ifconfig)"'
-fixed 'ran for more than' 'printf "#!/bin/sh\nexec sleep 60\n" >/tmp/ifconfig
-    chmod +x /tmp/ifconfig; stand_in ifconfig /tmp/ifconfig' 'umount "$(readlink -f /sbin/ifconfig)"'
+fixed 'library looks for .inet addr' \
+    'stand_in_script ifconfig "echo \"    inet 127.0.0.1  netmask 255.0.0.0\""' 'umount "$(readlink -f /sbin/ifconfig)"'
+fixed 'ran for more than' 'stand_in_script ifconfig "exec sleep 60"' 'umount "$(readlink -f /sbin/ifconfig)"'
 
 if [ "$(id -u)" = 0 ]; then
     it 'has a case for every finding'

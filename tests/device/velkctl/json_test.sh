@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # json_test.sh - the JSON of velkctl: one document for every run, as the schema describes it, with
 # every secret masked.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # manual_test.sh - the manual pages and docs/commands.md: that they are well-formed, and that their
 # examples work.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # many_settings_test.sh - several settings in one call, lists, prefix lengths, patterns and names
 # without their interface.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # show_test.sh - show and list: groups, reasons, the width and height of a terminal, and colours.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
@@ -153,6 +156,29 @@ check 'only values are wider' 'location web-update eth0.mac-address eth0.dns eth
     "$(awk 'length($0) > 40 { print $1 }' <<<"$output" | xargs)"
 at_terminal 80 100 "$script" $plain
 check 'lines of at most 80 columns' yes "$([ "$(widest)" -le 80 ] && echo yes)"
+
+it 'breaks the lines of other texts at the width of the terminal, but no command'
+for verb in '--help' 'help set' 'describe eth1.encryption' status; do
+    at_terminal 40 100 "velkctl $verb" $plain
+    check "wide lines of $verb" '' "$(awk 'length($0) > 40 && !/^ +(example: )?velkctl /' <<<"$output")"
+done
+output_has 'name              configured
+    running'
+at_terminal 40 100 'velkctl describe eth1.encryption' $plain
+output_has '
+  the wireless daemon defines the
+      meaning of 1, 3 and 4; see its
+      manual'
+output_has '
+  example: velkctl set eth1.encryption 1'
+
+it 'shows each value as soon as it is read, unless the output goes through a pager'
+on_device sh -c 'wland --tell silent; velkctl show ntp eth1.ssid >/tmp/shown & show=$!
+    while ! grep -q "^ntp" /tmp/shown; do sleep 0.1; done; kill "$show"; wait; cat /tmp/shown'
+output_is 'The device:
+ntp        on
+
+eth1, the wireless adapter:'
 
 it 'cuts nothing if standard output is no terminal'
 at_terminal 40 100 'velkctl list eth0 | cat; velkctl list eth0 >/tmp/listed; cat /tmp/listed'

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # stuck_log.sh - the word with_stuck_log, for scripts on the device. Source it after lib.sh.
 # shellcheck shell=bash
 

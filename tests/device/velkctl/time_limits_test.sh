@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # time_limits_test.sh - velkctl while the device is busy, slow, or its user in a hurry.
 # shellcheck shell=bash
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
@@ -350,7 +353,7 @@ it 'shows all output of tools with --verbose'
 on_desk 'rm -f /var/libvelk/ntp.log
     velkctl set ntp off --verbose; echo $?; velkctl set ntp off --verbose --json >/tmp/answer
     python3 -c "import json; print(*json.load(open(\"/tmp/answer\"))[\"notes\"])"'
-error_is "velkctl: note: ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
+error_is "velkctl: ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
 output_is "0
 ntp: rm: cannot remove '/var/libvelk/ntp.log': No such file or directory"
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # valgrind_test.sh - velkctl under valgrind. Run by scripts/valgrind.
 # shellcheck shell=bash
 # shellcheck source=tests/device/lib.sh

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // answer_check.cpp - compares the answer and the files of a call with a fault with the expected
 // ones.
 #include "fault/kit/answer_check.h"

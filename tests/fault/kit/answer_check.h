@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // answer_check.h - compares the answer and the files of a call with a fault with the expected ones.
 #ifndef TESTS_FAULT_KIT_ANSWER_CHECK_H_
 #define TESTS_FAULT_KIT_ANSWER_CHECK_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_log.cpp - the file or shell line of each call of a request.
 #include "fault/kit/call_log.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // call_log.h - the file or shell line of each call of a request; the recorder lacks it.
 #ifndef TESTS_FAULT_KIT_CALL_LOG_H_
 #define TESTS_FAULT_KIT_CALL_LOG_H_
@@ -14,10 +17,10 @@ namespace fault {
 
 struct LoggedCall {
     std::string file;      // the file that the call opens or uses
-    std::string line;      // the shell line it runs, or that printed the file of results it reads
+    std::string line;      // the shell line it runs, or that wrote the result file it reads
     int number = 0;        // as in testkit::Event
     bool is_first = true;  // the first read of an open file, or the first close since its last open
-    // For a read in the middle of a file: the part of the file read so far.
+    // The part of the file read so far, for a read in the middle of a file.
     std::optional<std::string> read_before;
 };
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // concurrency.cpp - callers that meet at the settings file.
 #include "fault/kit/concurrency.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // concurrency.h - the base of the tests of many callers at once: the settings file, which is stored
 // through an edit copy, and a board that notices two holders of the lock at a time.
 #ifndef TESTS_FAULT_KIT_CONCURRENCY_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // expectation.cpp - the expected answer and permitted remains of a request with a failing call.
 #include "fault/kit/expectation.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // expectation.h - the expected answer and permitted remains of a request with a failing call.
 #ifndef TESTS_FAULT_KIT_EXPECTATION_H_
 #define TESTS_FAULT_KIT_EXPECTATION_H_
@@ -9,12 +12,12 @@
 
 namespace fault {
 
-// How a fault shows in the answer.
+// The effect of a fault on the answer.
 enum class Notice {
     kNone,       // not at all
     kFailure,    // -1
     kNoAddress,  // 0 and an empty text: no hardware address
-    kNoResult,   // as if the clock was never set
+    kNoResult,   // as if the clock were never set
     kNoAdapter,  // as with the adapter out
     kNoCable,    // as with the cable out
     kOldResult,  // 0 and an empty text: the earlier output of another tool holds no address

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fault_kinds.h - the kinds of calls that can be made to fail.
 #ifndef TESTS_FAULT_KIT_FAULT_KINDS_H_
 #define TESTS_FAULT_KIT_FAULT_KINDS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // host.cpp - a host program of the library, and its requests.
 #include "fault/kit/host.h"
 
@@ -27,7 +30,7 @@ int QuerySsid(_velk_request& response) {
 HostTest::HostTest() {
     device_.emplace(Scene{});
     device_->UseRealTools();
-    VkLibUnLock(VkLibLock());  // its file is there from an earlier call
+    VkLibUnLock(VkLibLock());  // an earlier call has made its file
     libc().ForgetEvents();
 }
 

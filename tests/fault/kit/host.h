@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // host.h - a host program of the library, and its requests.
 #ifndef TESTS_FAULT_KIT_HOST_H_
 #define TESTS_FAULT_KIT_HOST_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // outcome_table.cpp - counts and prints the outcomes of faults.
 #include "fault/kit/outcome_table.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // outcome_table.h - counts and prints the outcomes of faults, as docs/reliability.md shows them.
 #ifndef TESTS_FAULT_KIT_OUTCOME_TABLE_H_
 #define TESTS_FAULT_KIT_OUTCOME_TABLE_H_

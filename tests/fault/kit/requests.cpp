@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // requests.cpp - the requests of every command.
 #include "fault/kit/requests.h"
 

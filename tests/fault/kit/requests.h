@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // requests.h - the requests of every command, with data for each of its branches.
 #ifndef TESTS_FAULT_KIT_REQUESTS_H_
 #define TESTS_FAULT_KIT_REQUESTS_H_

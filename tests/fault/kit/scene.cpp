@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // scene.cpp - the device that a request meets.
 #include "fault/kit/scene.h"
 
@@ -32,6 +35,7 @@ using testkit::kResolverFile;
 using testkit::kResultFile;
 using testkit::kSemaphoreFolder;
 using testkit::kSnmpFile;
+using testkit::kSocketFolder;
 using testkit::kSupportList;
 using testkit::kUsbDevices;
 
@@ -48,7 +52,7 @@ const std::map<std::string, std::string> kOwnTexts{
     {kNtpLog, "21 Nov 05:31:07 ntpdate[145]: adjust time server 10.0.0.1\n"},
 };
 
-// The sample's wireless stanza has no values, and the last stanza of a file gains none.
+// The sample's wireless stanza has no values, and a set adds none to the last stanza of a file.
 constexpr char kWirelessValues[] =
     "\taddress 192.168.1.10\n"
     "\tnetmask 255.255.255.0\n"
@@ -69,7 +73,7 @@ constexpr char kOldResult[] =
     "\tSpeed: 10Mb/s\n\tDuplex: Half\n\tAuto-negotiation: off\n"
     "\tLink detected: yes\n";
 
-// The samples of the sandbox's device; only those at the library's own places, which are private.
+// Returns the samples of the sandbox's device at the library's own paths, which are private.
 const std::map<std::string, std::string>& Samples() {
     static const std::map<std::string, std::string> samples = [] {
         std::map<std::string, std::string> found;
@@ -91,7 +95,7 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
 }
 
 // Puts more than one block of comments in front of the sample's text; every reader skips them. They
-// are few lines: some edits copy each line, and every copy is a fault of its own.
+// are few lines: some edits copy each line, and every copy is a separate fault.
 std::string Lengthened(const std::string& text) {
     const std::string comment = "#" + std::string(20 * 1024, '-') + "\n";
     return comment + comment + comment + comment + text;
@@ -168,7 +172,7 @@ Files ReadTargets() {
 
 std::vector<std::string> RemainingFiles() {
     std::vector<std::string> paths;
-    for (const char* folder : {"/tmp", kEditFolder, kSemaphoreFolder}) {
+    for (const char* folder : {kSocketFolder, kEditFolder, kSemaphoreFolder}) {
         for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
             const bool is_lock = entry.path().string().ends_with("_lock");
             if (!entry.is_directory() && !is_lock) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // scene.h - the device that a request meets: its files, its cable and its adapter.
 #ifndef TESTS_FAULT_KIT_SCENE_H_
 #define TESTS_FAULT_KIT_SCENE_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tracer.cpp - follows a process and all it starts with ptrace(2).
 #include "fault/kit/tracer.h"
 
@@ -136,7 +139,7 @@ class Follower {
     void HandleCall(pid_t pid) {
         __ptrace_syscall_info info{};
         if (ptrace(PTRACE_GET_SYSCALL_INFO, pid, sizeof(info), &info) == -1) {
-            return;  // it is gone
+            return;  // it has ended
         }
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
             run_.calls_that_change.push_back(CanChangeTheDevice(info));

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tracer.h - follows a process and all it starts, system call by system call, and may end them all.
 #ifndef TESTS_FAULT_KIT_TRACER_H_
 #define TESTS_FAULT_KIT_TRACER_H_
@@ -14,7 +17,7 @@ struct TracedRun {
     // The system calls in their order. False for a call that can change only its own process: a cut
     // before it and one after it leave the same device.
     std::vector<bool> calls_that_change;
-    // The value that `work` returned, from -128 to 127; nothing if it did not end.
+    // The value that `work` returned, from -128 to 127; no value if it did not end.
     std::optional<int> result;
     bool was_cut = false;
     // The programs that ran at the moment of the cut. If there are two, chance decides which of

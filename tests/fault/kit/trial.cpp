@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // trial.cpp - one request on a device made for it.
 #include "fault/kit/trial.h"
 

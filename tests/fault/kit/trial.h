@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // trial.h - one request on a device made for it, with or without a fault, and its outcome.
 #ifndef TESTS_FAULT_KIT_TRIAL_H_
 #define TESTS_FAULT_KIT_TRIAL_H_

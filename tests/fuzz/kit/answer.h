@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // answer.h - the expected answer of a get.
 #ifndef TESTS_FUZZ_KIT_ANSWER_H_
 #define TESTS_FUZZ_KIT_ANSWER_H_

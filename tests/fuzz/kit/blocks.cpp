@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // blocks.cpp - the interface that each line of a file belongs to.
 #include "fuzz/kit/blocks.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // blocks.h - the interface that each line of a file belongs to.
 #ifndef TESTS_FUZZ_KIT_BLOCKS_H_
 #define TESTS_FUZZ_KIT_BLOCKS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // daemon_mutator.cpp - changes an input of the daemon's target: mostly the field of the input's
 // command, to a value with an effect.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // daemon_record.cpp - the expected gets and sets of the wireless daemon's record, from its bytes.
 #include "fuzz/kit/daemon_record.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // daemon_record.h - the expected gets and sets of the wireless daemon's record, from its bytes.
 #ifndef TESTS_FUZZ_KIT_DAEMON_RECORD_H_
 #define TESTS_FUZZ_KIT_DAEMON_RECORD_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_files.cpp - the files that sets edit: the owners of the lines, and the permitted changes.
 #include "fuzz/kit/edit_files.h"
 

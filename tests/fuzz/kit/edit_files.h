@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_files.h - the files that sets edit: the owners of the lines, and the permitted changes.
 #ifndef TESTS_FUZZ_KIT_EDIT_FILES_H_
 #define TESTS_FUZZ_KIT_EDIT_FILES_H_

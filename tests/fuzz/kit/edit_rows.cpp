@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_rows.cpp - the sets that edit files, for the fuzz target edits.
 #include "fuzz/kit/edit_rows.h"
 

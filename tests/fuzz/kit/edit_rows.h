@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_rows.h - the sets that edit files, for the fuzz target edits.
 #ifndef TESTS_FUZZ_KIT_EDIT_ROWS_H_
 #define TESTS_FUZZ_KIT_EDIT_ROWS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_answers.cpp - the expected answers of gets that read files.
 #include "fuzz/kit/file_answers.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // file_answers.h - the expected answers of gets that read files.
 #ifndef TESTS_FUZZ_KIT_FILE_ANSWERS_H_
 #define TESTS_FUZZ_KIT_FILE_ANSWERS_H_

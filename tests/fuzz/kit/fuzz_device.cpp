@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fuzz_device.cpp - the base of every fuzz target.
 #include "fuzz/kit/fuzz_device.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // fuzz_device.h - the base of every fuzz target: a private device, a fake shell, hard checks.
 #ifndef TESTS_FUZZ_KIT_FUZZ_DEVICE_H_
 #define TESTS_FUZZ_KIT_FUZZ_DEVICE_H_

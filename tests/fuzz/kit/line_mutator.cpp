@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // line_mutator.cpp - changes an input line by line, as people and programs change these files.
 #include <algorithm>
 #include <cstddef>

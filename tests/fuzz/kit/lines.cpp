@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lines.cpp - splits and searches texts.
 #include "fuzz/kit/lines.h"
 

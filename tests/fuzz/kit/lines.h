@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // lines.h - splits and searches texts.
 #ifndef TESTS_FUZZ_KIT_LINES_H_
 #define TESTS_FUZZ_KIT_LINES_H_

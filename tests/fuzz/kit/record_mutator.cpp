@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // record_mutator.cpp - changes an input of fixed fields: mostly one field, to a value that counts.
 #include <algorithm>
 #include <cstddef>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // replay_main.cpp - runs a target on every file of a corpus and on a fixed number of changes of
 // each, without a fuzzer: for the compilers that have none. REPLAY CORPUS_FOLDER. An input that
 // breaks something is left in the build folder as crash-TARGET-replay.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // scan_rows.cpp - the gets that read files and tools' output, for the fuzz target scans.
 #include "fuzz/kit/scan_rows.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // scan_rows.h - the gets that read files and tools' output, for the fuzz target scans.
 #ifndef TESTS_FUZZ_KIT_SCAN_ROWS_H_
 #define TESTS_FUZZ_KIT_SCAN_ROWS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server_lines.cpp - the crontab's lines after a set of the time server.
 #include "fuzz/kit/server_lines.h"
 

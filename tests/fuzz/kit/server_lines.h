@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // server_lines.h - the crontab's lines after a set of the time server.
 #ifndef TESTS_FUZZ_KIT_SERVER_LINES_H_
 #define TESTS_FUZZ_KIT_SERVER_LINES_H_

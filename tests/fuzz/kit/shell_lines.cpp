@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell_lines.cpp - every shell line that a request makes the library run.
 #include "fuzz/kit/shell_lines.h"
 

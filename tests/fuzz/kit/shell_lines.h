@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell_lines.h - every shell line that a request makes the library run.
 #ifndef TESTS_FUZZ_KIT_SHELL_LINES_H_
 #define TESTS_FUZZ_KIT_SHELL_LINES_H_

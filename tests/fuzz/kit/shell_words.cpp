@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell_words.cpp - reads a shell line as a POSIX shell would.
 #include "fuzz/kit/shell_words.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // shell_words.h - reads a shell line as a POSIX shell would, as far as the library's lines go.
 #ifndef TESTS_FUZZ_KIT_SHELL_WORDS_H_
 #define TESTS_FUZZ_KIT_SHELL_WORDS_H_

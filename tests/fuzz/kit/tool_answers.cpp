@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_answers.cpp - the expected answers of gets that ask tools and the kernel.
 #include "fuzz/kit/tool_answers.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // tool_answers.h - the expected answers of gets that ask tools and the kernel.
 #ifndef TESTS_FUZZ_KIT_TOOL_ANSWERS_H_
 #define TESTS_FUZZ_KIT_TOOL_ANSWERS_H_

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usual_files.cpp - recognises files in the device's usual form.
 #include "fuzz/kit/usual_files.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // usual_files.h - recognises files in the device's usual form.
 #ifndef TESTS_FUZZ_KIT_USUAL_FILES_H_
 #define TESTS_FUZZ_KIT_USUAL_FILES_H_

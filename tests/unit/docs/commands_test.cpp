@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Compares the command reference, docs/commands.md, with the code's tables.
 #include <algorithm>
 #include <array>

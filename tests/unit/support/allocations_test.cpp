@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Tests of the test kit's allocations: counting, failing, and the end of a block.
 #include "support/allocations.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // command_rows_test.cpp - each command must have rows in the tables of the fault and fuzz rings,
 // and an edit case if it edits a file.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The unit ring must run on a private device, and notice the remains of a test.
 #include "support/device_test.h"
 
@@ -33,7 +36,8 @@ bool IsTmpfs(const std::string& folder) {
 }
 
 TEST_F(PrivateDeviceTest, TheFoldersTheLibraryWritesInArePrivate) {
-    for (const char* folder : {"/tmp", "/var/tmp", "/dev/shm", "/run", "/proc/bus"}) {
+    for (const char* folder : {testkit::kSocketFolder, testkit::kEditFolder,
+                               testkit::kSemaphoreFolder, "/run", "/proc/bus"}) {
         EXPECT_TRUE(IsTmpfs(folder)) << folder;
     }
 }
@@ -42,8 +46,9 @@ TEST_F(PrivateDeviceTest, TheFoldersOfTheDevicesFilesArePrivate) {
     for (const char* folder : {"/etc", "/var"}) {
         EXPECT_TRUE(IsTmpfs(folder)) << folder;
     }
-    for (const char* folder : {"/etc/network", "/var/cron/tabs", "/var/libvelk", "/var/log/syslog",
-                               "/usr/local/share/etc/snmp", "/usr/local/share/apps/wlan"}) {
+    for (const char* folder :
+         {"/etc/network", "/var/cron/tabs", testkit::kLibraryFolder, "/var/log/syslog",
+          "/usr/local/share/etc/snmp", "/usr/local/share/apps/wlan"}) {
         EXPECT_TRUE(std::filesystem::is_directory(folder)) << folder;
     }
 }

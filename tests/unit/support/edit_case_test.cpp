@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // edit_case_test.cpp - tests of the reader of edit cases.
 #include "edits/edit_case.h"
 

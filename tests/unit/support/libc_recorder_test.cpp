@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The recorder must see every call, under any symbol that the compiler uses for it.
 #include "support/libc_recorder.h"
 

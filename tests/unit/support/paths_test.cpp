@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // paths_test.cpp - compares the tests' list of device paths with the library's.
 #include <map>
 #include <regex>

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # apply_fix.py - breaks a device, applies the doctor's fix as printed and looks again.
 #
 # Arguments: BREAK FINDING HAND. BREAK is a script for sh. FINDING is a regular expression for the

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
 # uncovered.py - names the places of the doctor's sources that no case has a finding of.
 #
 # Arguments: SOURCES FINDINGS EXCEPTIONS. FINDINGS has a finding in JSON on each line. EXCEPTIONS has

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/base/command_output.h"
 
 #include <cerrno>
@@ -13,6 +16,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -51,7 +55,7 @@ TEST_F(CommandOutputTest, YieldsTheLinesOfARealCommandAndRemovesTheFile) {
     EXPECT_FALSE(output.is_empty());
     EXPECT_THAT(LinesOf(output), ElementsAre("one", "two"));
     output.Remove();
-    EXPECT_FALSE(testkit::Exists("/var/tmp/get_result"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResultFile));
     EXPECT_THAT(libc().Commands(),
                 ElementsAre("printf 'one\\ntwo' > /var/tmp/get_result", "rm /var/tmp/get_result"));
 }
@@ -61,12 +65,12 @@ TEST_F(CommandOutputTest, AFailedCommandLeavesAnEmptyResult) {
     EXPECT_EQ(output.run_result(), 0);
     EXPECT_TRUE(output.is_open());
     EXPECT_TRUE(output.is_empty());
-    EXPECT_TRUE(testkit::Exists("/var/tmp/get_result")) << "it stays until Remove()";
+    EXPECT_TRUE(testkit::Exists(testkit::kResultFile)) << "it stays until Remove()";
 }
 
 TEST_F(CommandOutputTest, AShellThatCannotBeRunIsReported) {
     libc().Script(Call::kSystem, {Fail(EAGAIN)});
-    testkit::WriteFile("/var/tmp/get_result", "old");
+    testkit::WriteFile(testkit::kResultFile, "old");
     const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
     EXPECT_EQ(output.run_result(), -1);
     EXPECT_FALSE(output.is_open()) << "an older result is not read";
@@ -82,7 +86,7 @@ TEST_F(CommandOutputTest, ALineThatDoesNotFitIsNotRun) {
 
 TEST_F(CommandOutputTest, TheTurnIsHeldUntilTheEnd) {
     const auto is_locked = [] {
-        const velk::UniqueFd fd(open("/var/tmp", O_RDONLY | O_CLOEXEC));
+        const velk::UniqueFd fd(open(testkit::kEditFolder, O_RDONLY | O_CLOEXEC));
         return flock(fd.get(), LOCK_EX | LOCK_NB) == -1;
     };
     bool locked_while_running = false;
@@ -101,9 +105,9 @@ TEST_F(CommandOutputTest, TheTurnIsHeldUntilTheEnd) {
 
 TEST_F(CommandOutputTest, NothingButTheResultIsLeftInTheFolder) {
     { const CommandOutput output(CommandLine("true > %s", velk::kResultFile)); }
-    EXPECT_THAT(FilesIn("/var/tmp"), ElementsAre("get_result"));
+    EXPECT_THAT(FilesIn(testkit::kEditFolder), ElementsAre("get_result"));
     CommandOutput(CommandLine("true > %s", velk::kResultFile)).Remove();
-    EXPECT_THAT(FilesIn("/var/tmp"), IsEmpty());
+    EXPECT_THAT(FilesIn(testkit::kEditFolder), IsEmpty());
 }
 
 TEST_F(CommandOutputTest, AShellThatDoesNotRunLeavesNothing) {
@@ -111,14 +115,14 @@ TEST_F(CommandOutputTest, AShellThatDoesNotRunLeavesNothing) {
     const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
     EXPECT_EQ(output.run_result(), 0);
     EXPECT_FALSE(output.is_open());
-    EXPECT_THAT(FilesIn("/var/tmp"), IsEmpty());
+    EXPECT_THAT(FilesIn(testkit::kEditFolder), IsEmpty());
 }
 
 TEST_F(CommandOutputTest, AShellThatCannotBeRunLeavesNothing) {
     libc().Script(Call::kSystem, {Fail(EAGAIN)});
     const CommandOutput output(CommandLine("true > %s", velk::kResultFile));
     EXPECT_EQ(output.run_result(), -1);
-    EXPECT_THAT(FilesIn("/var/tmp"), IsEmpty());
+    EXPECT_THAT(FilesIn(testkit::kEditFolder), IsEmpty());
 }
 
 TEST_F(CommandOutputTest, AFileThatCannotBeTheCallersIsNotWrittenTo) {

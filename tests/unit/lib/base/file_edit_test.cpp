@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/base/file_edit.h"
 
 #include <cerrno>
@@ -66,10 +69,10 @@ std::string ManyLines() {
 class FullScratchFolder {
   public:
     FullScratchFolder()
-        : is_mounted_(mount("tmpfs", "/var/tmp", "tmpfs", 0, "size=4k,mode=1777") == 0) {}
+        : is_mounted_(mount("tmpfs", testkit::kEditFolder, "tmpfs", 0, "size=4k,mode=1777") == 0) {}
     ~FullScratchFolder() {
         if (is_mounted_) {
-            umount2("/var/tmp", MNT_DETACH);
+            umount2(testkit::kEditFolder, MNT_DETACH);
         }
     }
     FullScratchFolder(const FullScratchFolder&) = delete;
@@ -109,8 +112,8 @@ TEST_F(FileEditTest, OpensBothCloseOnExec) {
 }
 
 TEST_F(FileEditTest, TheCopyIsNamedAfterTheFileAlone) {
-    WriteFile("/var/cron/tabs/root", "x\n");
-    { const FileEdit edit("/var/cron/tabs/root"); }
+    WriteFile(testkit::kCrontab, "x\n");
+    { const FileEdit edit(testkit::kCrontab); }
     EXPECT_TRUE(Exists("/var/tmp/root"));
 }
 
@@ -660,7 +663,7 @@ TEST_F(FullFolderTest, AFileThatFitsIsEdited) {
 TEST_F(FullFolderTest, NoSetChangesAFileIfItsCopyDoesNotFit) {
     const std::string text(16 * 1024, '#');
     for (const char* file :
-         {"/etc/network/interfaces", "/etc/dhclient-exit-hooks", "/etc/dhclient.conf"}) {
+         {testkit::kInterfacesFile, testkit::kExitHooks, testkit::kDhcpConfigFile}) {
         WriteFile(file, text);
     }
     {
@@ -675,7 +678,7 @@ TEST_F(FullFolderTest, NoSetChangesAFileIfItsCopyDoesNotFit) {
         EXPECT_THAT(libc().Commands(), IsEmpty());
     }
     for (const char* file :
-         {"/etc/network/interfaces", "/etc/dhclient-exit-hooks", "/etc/dhclient.conf"}) {
+         {testkit::kInterfacesFile, testkit::kExitHooks, testkit::kDhcpConfigFile}) {
         EXPECT_TRUE(ReadFile(file) == text) << file;
     }
 }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/base/readers_turn.h"
 
 #include <cerrno>
@@ -14,6 +17,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -29,7 +33,7 @@ using velk::ReadersTurn;
 using velk::UniqueFd;
 
 UniqueFd OpenFolder() {
-    return UniqueFd(open("/var/tmp", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return UniqueFd(open(testkit::kEditFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
 bool IsFree() {
@@ -65,7 +69,7 @@ TEST_F(ReadersTurnTest, OpensTheFolderForReadingAndCloseOnExec) {
     { const ReadersTurn turn; }
     const std::vector<Event> opens = libc().Events(Call::kOpen);
     ASSERT_THAT(opens, SizeIs(1));
-    EXPECT_EQ(opens[0].text, "/var/tmp");
+    EXPECT_EQ(opens[0].text, testkit::kEditFolder);
     EXPECT_EQ(opens[0].number, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
@@ -130,11 +134,11 @@ TEST_F(ReadersTurnTest, KeepsWaitingWhileResultsChange) {
         const size_t pauses = Pauses();
         const testkit::Unrecorded ours;
         if (pauses == 1000) {
-            testkit::WriteFile("/var/tmp/get_result", "one");
+            testkit::WriteFile(testkit::kResultFile, "one");
         } else if (pauses == 2000) {
-            testkit::WriteFile("/var/tmp/get_result", "longer");
+            testkit::WriteFile(testkit::kResultFile, "longer");
         } else if (pauses == 3000) {
-            unlink("/var/tmp/get_result");
+            unlink(testkit::kResultFile);
         }
     });
     const ReadersTurn turn;
@@ -143,27 +147,27 @@ TEST_F(ReadersTurnTest, KeepsWaitingWhileResultsChange) {
 
 TEST_F(ReadersTurnTest, AResultOfTheSameSizeCounts) {
     const Holder holder;
-    testkit::WriteFile("/var/tmp/get_result", "one");
+    testkit::WriteFile(testkit::kResultFile, "one");
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
         if (Pauses() == 1000) {
             const testkit::Unrecorded ours;
             usleep(20000);  // file times have a resolution of some milliseconds
-            testkit::WriteFile("/var/tmp/get_result", "two");
+            testkit::WriteFile(testkit::kResultFile, "two");
         }
     });
     const ReadersTurn turn;
     EXPECT_EQ(Pauses(), 1000U + 1500U);
 }
 
-// Somebody who keeps the lock could make and remove files for ever.
+// Another user who keeps the lock could create and remove files endlessly.
 TEST_F(ReadersTurnTest, AResultThatIsNotTheCallersFileDoesNotCount) {
     const Holder holder;
     libc().ScriptAlways(Call::kNanosleep, Return(0));
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
         const bool is_odd = Pauses() % 2 == 1;
         const testkit::Unrecorded ours;
-        EXPECT_EQ(is_odd ? mkfifo("/var/tmp/get_result", 0666) : unlink("/var/tmp/get_result"), 0);
+        EXPECT_EQ(is_odd ? mkfifo(testkit::kResultFile, 0666) : unlink(testkit::kResultFile), 0);
     });
     const ReadersTurn turn;
     EXPECT_EQ(Pauses(), 1500U);
@@ -175,7 +179,7 @@ TEST_F(ReadersTurnTest, FifteenSecondsAreTheLongestWait) {
     libc().OnCall(Call::kNanosleep, [&](const Event&) {
         const std::string text(Pauses() % 100, 'x');
         const testkit::Unrecorded ours;
-        testkit::WriteFile("/var/tmp/get_result", text);
+        testkit::WriteFile(testkit::kResultFile, text);
     });
     const ReadersTurn turn;
     EXPECT_EQ(Pauses(), 7500U) << "of 2 ms";
@@ -259,9 +263,9 @@ class QueueTest : public testkit::DeviceTest {
         const testkit::Unrecorded ours;
         Add(shared_.overlaps, Add(shared_.inside, 1) == 1 ? 0 : 1);
         Add(shared_.unfair, Add(shared_.served, 1) - served_before > kMostPassed ? 1 : 0);
-        testkit::WriteFile("/var/tmp/get_result", "busy");
+        testkit::WriteFile(testkit::kResultFile, "busy");
         usleep(1000);
-        unlink("/var/tmp/get_result");
+        unlink(testkit::kResultFile);
         Add(shared_.inside, -1);
     }
 };

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/base/result_file.h"
 
 #include <cerrno>
@@ -11,6 +14,7 @@
 
 #include "lib/base/paths.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -69,7 +73,7 @@ TEST_F(ResultFilePreparationTest, AFolderThatIsNotEmptyIsMovedAway) {
     WriteFile(std::string(kResultFile) + "/inside", "");
     EXPECT_TRUE(PrepareResultFile());
     EXPECT_EQ(testkit::IdentityOf(kResultFile).mode, S_IFREG | 0600U);
-    for (const auto& entry : std::filesystem::directory_iterator("/var/tmp")) {
+    for (const auto& entry : std::filesystem::directory_iterator(testkit::kEditFolder)) {
         if (entry.is_directory()) {
             EXPECT_TRUE(entry.path().string().starts_with(std::string(kResultFile) + "."));
             std::filesystem::remove_all(entry.path());

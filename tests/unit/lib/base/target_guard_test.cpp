@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/base/target_guard.h"
 
 #include <cerrno>
@@ -10,6 +13,7 @@
 #include "lib/base/unique_fd.h"
 #include "support/device_test.h"
 #include "support/edit_copy.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -22,7 +26,7 @@ using testkit::WriteFile;
 using velk::TargetGuard;
 using velk::UniqueFd;
 
-const std::string kTarget = "/etc/network/interfaces";
+const std::string kTarget = testkit::kInterfacesFile;
 
 // A text of several pieces of 4 KB.
 std::string LongText(char letter) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The entry point, through libvelk.so as a management program calls it.
 #include <algorithm>
 #include <cerrno>

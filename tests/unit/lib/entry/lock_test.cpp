@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/entry/lock.h"
 
 #include <cerrno>
@@ -420,16 +423,16 @@ TEST_F(LockTest, CommandLockNeverTurnsARefusalIntoSuccess) {
 }
 
 TEST_F(LockTest, ACallerWhoIsNotRootTakesAnotherUsersFileAsItIs) {
-    testkit::WriteFile("/var/tmp/vklib_lock", "");
-    if (chmod("/var/tmp/vklib_lock", 0666) == -1 ||
-        chown("/var/tmp/vklib_lock", 4321, 4321) == -1 || setresuid(1234, 1234, 0) == -1) {
+    testkit::WriteFile(kLockFile, "");
+    if (chmod(kLockFile, 0666) == -1 || chown(kLockFile, 4321, 4321) == -1 ||
+        setresuid(1234, 1234, 0) == -1) {
         GTEST_SKIP() << "the private device has no other users";
     }
     const int lock = VkLibLock();
     EXPECT_EQ(setresuid(0, 0, 0), 0);
     EXPECT_GT(lock, 0);
     VkLibUnLock(lock);
-    EXPECT_EQ(testkit::IdentityOf("/var/tmp/vklib_lock").owner, 4321U);
+    EXPECT_EQ(testkit::IdentityOf(kLockFile).owner, 4321U);
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -392,13 +395,13 @@ TEST_F(SnmpLineTest, AValueWithALineEndLeavesTheSnmpFileAsItWas) {
 }
 
 TEST_F(SettingsTest, NoSnmpLineIsRunWhereTheLocaleSwallowsEscapes) {
-    testkit::WriteFile("/var/libvelk/libvelk", "LOCATION=Lab\n");
+    testkit::WriteFile(kIdentityFile, "LOCATION=Lab\n");
     setenv("LC_ALL", "ja_JP.SJIS", 1);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_LOCATION, "", "\x83/e"), 0);
     EXPECT_THAT(libc().Logs(), testing::Contains("SetSettingFile no SNMP line in the locale "
                                                  "ja_JP.SJIS"));
     EXPECT_EQ(libc().Commands().size(), 2U) << "cat and rm";
-    EXPECT_EQ(testkit::ReadFile("/var/libvelk/libvelk"), "LOCATION=\x83/e\n");
+    EXPECT_EQ(testkit::ReadFile(kIdentityFile), "LOCATION=\x83/e\n");
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_LOCATION, "", "Lab"), 0);
     EXPECT_EQ(libc().Commands().size(), 6U);
     unsetenv("LC_ALL");

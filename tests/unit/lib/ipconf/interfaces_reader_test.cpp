@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -82,7 +85,7 @@ class InterfacesReaderTest : public testkit::DeviceTest {
         shell.Prints("ifconfig", {kIfconfig});
         shell.Prints(kEthtool, {ethtool_output});
         WriteFile("/var/tmp/route", kRoutes);
-        libc().Redirect("/proc/net/route", "/var/tmp/route");
+        libc().Redirect(testkit::kRoutingTable, "/var/tmp/route");
     }
     testkit::FakeShell shell;
 };
@@ -416,7 +419,7 @@ TEST_F(InterfacesReaderTest, AFailureOfTheLiveValueIsPassedOn) {
     shell.LeavesNoFile("ifconfig");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_IP_ADDRESS, "eth0"), -1);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_NETMASK, "eth0"), -1);
-    libc().Redirect("/proc/net/route", "/var/tmp/missing");
+    libc().Redirect(testkit::kRoutingTable, "/var/tmp/missing");
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_GATEWAY, "eth0"), -1);
 }
 

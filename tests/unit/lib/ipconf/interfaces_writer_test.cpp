@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <string>
 
@@ -320,7 +323,7 @@ TEST_F(InterfacesWriterShellTest, AnAddressKeepsInodeOwnerAndMode) {
 TEST_F(InterfacesWriterShellTest, AnAddressOnAFileOfManyBlocksArrivesWhole) {
     std::string rest;
     for (int i = 0; i < 10000; ++i) {
-        rest += "# remark " + std::to_string(i) + "\n";
+        rest += "# comment " + std::to_string(i) + "\n";
     }
     WriteFile(kInterfacesFile, "iface eth0 inet static\n\taddress 1\n" + rest);
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.1"), 0);

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <algorithm>
 #include <cerrno>
 #include <string>
@@ -11,6 +14,7 @@
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -54,7 +58,7 @@ TEST_F(LinkDetectionTest, ALinkIsFoundAtTheFirstAttempt) {
     EXPECT_EQ(IsWiredLinked(), 1);
     EXPECT_THAT(libc().Story(), ElementsAre("system " + std::string(kEthtoolLine),
                                             "system " + std::string(kRemove)));
-    EXPECT_FALSE(testkit::Exists("/var/tmp/get_result"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResultFile));
 }
 
 TEST_F(LinkDetectionTest, NoLinkIsFoundAtTheFirstAttempt) {
@@ -141,7 +145,7 @@ TEST_F(LinkDetectionTest, AMissingResultFileIsAFailedAttempt) {
 }
 
 TEST_F(LinkDetectionTest, ATurnThatSomebodyKeepsIsWaitedForOnce) {
-    const velk::UniqueFd folder(open("/var/tmp", O_RDONLY | O_CLOEXEC));
+    const velk::UniqueFd folder(open(testkit::kEditFolder, O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(folder.get(), LOCK_EX), 0);
     libc().ScriptAlways(Call::kNanosleep, testkit::Return(0));
     shell.Prints(kEthtool, {"", "", kLinked});
@@ -179,7 +183,7 @@ class WiredPort {
 TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenTheKernelsFlagDecides) {
     shell.LeavesNoFile(kEthtool);
     const WiredPort port;
-    const testkit::Mounted folder("none", "/var/tmp", "tmpfs", MS_RDONLY, "");
+    const testkit::Mounted folder("none", testkit::kEditFolder, "tmpfs", MS_RDONLY, "");
     EXPECT_EQ(IsWiredLinked(), 1);
     EXPECT_EQ(libc().Texts(Call::kSleep).size(), 60U);
     WiredPort::SetUp("down");
@@ -188,7 +192,7 @@ TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenTheKernelsFlagDecides) {
 
 TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenAMissingPortHasNoLink) {
     shell.LeavesNoFile(kEthtool);
-    const testkit::Mounted folder("none", "/var/tmp", "tmpfs", MS_RDONLY, "");
+    const testkit::Mounted folder("none", testkit::kEditFolder, "tmpfs", MS_RDONLY, "");
     EXPECT_EQ(IsWiredLinked(), 0);
     libc().Script(Call::kSocket, {Fail(EMFILE)});
     EXPECT_EQ(IsWiredLinked(), 0);
@@ -290,7 +294,7 @@ TEST_F(RealLogFilesTest, TheSecondFileDecidesWhenTheFirstHasNoMessage) {
                        "Nov 21 05:24:02 velk kernel: eth0: link down\n"
                        "Nov 21 05:24:09 velk kernel: eth0: link up, 100Mbps, full-duplex\n");
     EXPECT_EQ(IsWiredLinkedFromSyslog(), 1);
-    EXPECT_FALSE(testkit::Exists("/var/tmp/get_result"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResultFile));
 }
 
 TEST_F(RealLogFilesTest, MissingFilesAreNoLink) {

@@ -1,9 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/presence/wireless_refusal.h"
 
 #include <gmock/gmock.h>
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -24,13 +28,13 @@ TEST_F(WirelessRefusalTest, AMissingAdapterIsReportedBeforeTheCable) {
 }
 
 TEST_F(WirelessRefusalTest, AConnectedCableIsReportedIfTheAdapterIsThere) {
-    WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
     shell.Prints(kEthtool, {"Link detected: yes\n"});
     EXPECT_EQ(velk::WirelessRefusal(), -6);
 }
 
 TEST_F(WirelessRefusalTest, NothingIsRefusedWithAnAdapterAndWithoutACable) {
-    WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+    WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
     shell.Prints(kEthtool, {"Link detected: no\n"});
     EXPECT_EQ(velk::WirelessRefusal(), 0);
 }

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <string>
 
@@ -6,6 +9,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -26,7 +30,7 @@ class RestartTest : public testkit::DeviceTest {
         DeviceTest::TearDown();
     }
     static void PlugAdapter() {
-        testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+        testkit::WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
     }
     void PlugCable() { shell.Prints(kEthtool, {"Link detected: yes\n"}); }
     void PullCable() { shell.Prints(kEthtool, {"Link detected: no\n"}); }

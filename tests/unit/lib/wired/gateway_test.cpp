@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -8,6 +11,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -36,7 +40,7 @@ class GatewayTest : public testkit::DeviceTest {
   protected:
     std::string GetFrom(const std::string& table, const std::string& name = "eth0") {
         testkit::WriteFile(kTable, table);
-        libc().Redirect("/proc/net/route", kTable);
+        libc().Redirect(testkit::kRoutingTable, kTable);
         ifreq ifr = Named(name);
         char out[VELK_DATA_SIZE] = "unchanged";
         EXPECT_EQ(GetDefGateway(-1, ifr, 0, out), 0);
@@ -44,7 +48,7 @@ class GatewayTest : public testkit::DeviceTest {
     }
     int SetWith(const std::string& table, const std::string& value) {
         testkit::WriteFile(kTable, table);
-        libc().Redirect("/proc/net/route", kTable);
+        libc().Redirect(testkit::kRoutingTable, kTable);
         ifreq ifr = Named("eth0");
         return SetDefGateway(-1, ifr, 0, value.c_str());
     }
@@ -121,7 +125,7 @@ TEST_F(GatewayTest, ANameWithoutANulEndsAtItsField) {
 }
 
 TEST_F(GatewayTest, ATableThatCannotBeReadIsLogged) {
-    libc().Redirect("/proc/net/route", "/var/tmp/missing");
+    libc().Redirect(testkit::kRoutingTable, "/var/tmp/missing");
     ifreq ifr = Named("eth0");
     char out[VELK_DATA_SIZE] = "unchanged";
     EXPECT_EQ(GetDefGateway(-1, ifr, 0, out), -1);
@@ -159,7 +163,7 @@ TEST_F(GatewayTest, WithoutADefaultRouteTheDeletionNamesNone) {
 }
 
 TEST_F(GatewayTest, ATableThatCannotBeReadSkipsTheDeletion) {
-    libc().Redirect("/proc/net/route", "/var/tmp/missing");
+    libc().Redirect(testkit::kRoutingTable, "/var/tmp/missing");
     ifreq ifr = Named("eth0");
     EXPECT_EQ(SetDefGateway(-1, ifr, 0, "10.0.0.1"), 0);
     EXPECT_THAT(libc().Commands(), ElementsAre("sudo route add default gw 10.0.0.1"));

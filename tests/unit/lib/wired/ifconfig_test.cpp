@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -6,6 +9,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -67,7 +71,7 @@ TEST_F(IfconfigTest, RunsExactlyTheseLines) {
     EXPECT_EQ(Address(kOutput), "192.168.0.10");
     EXPECT_THAT(libc().Commands(),
                 ElementsAre("ifconfig > /var/tmp/get_result", "rm /var/tmp/get_result"));
-    EXPECT_FALSE(testkit::Exists("/var/tmp/get_result"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResultFile));
 }
 
 TEST_F(IfconfigTest, ReadsTheBlockOfTheInterfaceThatIsAskedFor) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/wired/ioctl_table.h"
 
 #include <cerrno>
@@ -9,6 +12,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -24,8 +28,8 @@ constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
 class IoctlTableTest : public testkit::DeviceTest {
   protected:
     static void PlugAdapter() {
-        WriteFile("/usr/local/share/apps/wlan/supportlist.ini", "VID=1a2b\nPID=3c4d\n");
-        WriteFile("/proc/bus/usb/devices", "P:  Vendor=1a2b ProdID=3c4d Rev= 1.01\n");
+        WriteFile(testkit::kSupportList, "VID=1a2b\nPID=3c4d\n");
+        WriteFile(testkit::kUsbDevices, "P:  Vendor=1a2b ProdID=3c4d Rev= 1.01\n");
     }
     testkit::FakeShell shell;
 };

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <string>
 
@@ -6,6 +9,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -88,7 +92,7 @@ TEST_F(LinkSpeedTest, RunsExactlyTheseLines) {
     EXPECT_EQ(Mode(kOldOutput), 3);
     EXPECT_THAT(libc().Commands(),
                 ElementsAre("sudo ethtool eth0 > /var/tmp/get_result", "rm /var/tmp/get_result"));
-    EXPECT_FALSE(testkit::Exists("/var/tmp/get_result"));
+    EXPECT_FALSE(testkit::Exists(testkit::kResultFile));
 }
 
 TEST_F(LinkSpeedTest, WithNegotiationTheSpeedDoesNotMatter) {

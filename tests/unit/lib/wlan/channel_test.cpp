@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -54,7 +57,7 @@ TEST_F(SendTest, AMessageWithoutABodyCarriesZeros) {
 TEST_F(SendTest, TheAddressLengthIsThePathsPlusTwo) {
     EXPECT_EQ(SendWlanRequestMessage(3, nullptr), 0);
     const Event call = libc().Events(Call::kConnect)[0];
-    EXPECT_EQ(call.text, "/tmp/WlanAplToWlanSock");
+    EXPECT_EQ(call.text, testkit::kRequestSocket);
     EXPECT_EQ(call.number, 22 + 2);
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Every field alone: every byte and every length, and the bytes that a setter must not change.
 #include <cstring>
 #include <map>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The configuration commands, end to end over the real sockets and semaphore.
 #include <cerrno>
 #include <cstring>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/wlan/query.h"
 
 #include <cerrno>
@@ -11,6 +14,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
+#include "support/paths.h"
 #include "velk.h"
 
 namespace {
@@ -46,8 +50,8 @@ TEST_F(QueryTest, AsksAndGetsTheAnswer) {
                 ElementsAre(std::string("\3\0\0\0", 4) + std::string(236, '\0')));
     EXPECT_THAT(Order(), ElementsAre("sem_open", "sendto", "sem_post", "recvfrom", "sem_close",
                                      "sem_unlink"));
-    EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));
-    EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
+    EXPECT_FALSE(testkit::Exists(testkit::kReplySocket));
+    EXPECT_FALSE(testkit::Exists(testkit::kSemaphoreFile));
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
@@ -55,7 +59,7 @@ TEST_F(QueryTest, WithoutADaemonNoReplyIsAwaited) {
     daemon.Stop();
     EXPECT_EQ(velk::QueryWlanDaemon(VELK_WLAN_REPORT, out), -1);
     EXPECT_THAT(Order(), ElementsAre("sem_open", "sem_close", "sem_unlink"));
-    EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
+    EXPECT_FALSE(testkit::Exists(testkit::kSemaphoreFile));
 }
 
 TEST_F(QueryTest, ASilentDaemonIsAFailureAfterTheTimeLimit) {
@@ -83,7 +87,7 @@ TEST_F(QueryTest, WithoutASemaphoreItStillAwaitsTheReply) {
 }
 
 TEST_F(QueryTest, NothingIsSentWhileAnotherUserKeepsTheSemaphore) {
-    const testkit::Emptied full("/dev/shm", "nr_inodes=1");
+    const testkit::Emptied full(testkit::kSemaphoreFolder, "nr_inodes=1");
     EXPECT_EQ(velk::QueryWlanDaemon(VELK_WLAN_REPORT, out), -1);
     EXPECT_THAT(Order(), testing::Each("sem_open"));
     daemon.Stop();
@@ -92,11 +96,11 @@ TEST_F(QueryTest, NothingIsSentWhileAnotherUserKeepsTheSemaphore) {
 
 TEST_F(QueryTest, NothingIsSentWhileAnotherUserKeepsTheReplyPath) {
     const std::string file = "/tmp/WlanAplFromWlanSock/file";
-    ASSERT_EQ(mkdir("/tmp/WlanAplFromWlanSock", 0755), 0);
+    ASSERT_EQ(mkdir(testkit::kReplySocket, 0755), 0);
     testkit::WriteFile(file, "");
-    const bool is_given_away = chown("/tmp/WlanAplFromWlanSock", 12345, 12345) == 0;
+    const bool is_given_away = chown(testkit::kReplySocket, 12345, 12345) == 0;
     EXPECT_EQ(velk::QueryWlanDaemon(VELK_WLAN_REPORT, out), -1);
-    EXPECT_EQ(unlink(file.c_str()) + rmdir("/tmp/WlanAplFromWlanSock"), 0);
+    EXPECT_EQ(unlink(file.c_str()) + rmdir(testkit::kReplySocket), 0);
     if (!is_given_away) {
         GTEST_SKIP() << "only root may give files away";
     }
@@ -117,8 +121,8 @@ TEST_F(QueryTest, TwoQueriesAtOnceLeaveNoFiles) {
     query();
     other.join();
     daemon.Stop();
-    EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
-    EXPECT_FALSE(testkit::Exists("/tmp/WlanAplFromWlanSock"));
+    EXPECT_FALSE(testkit::Exists(testkit::kSemaphoreFile));
+    EXPECT_FALSE(testkit::Exists(testkit::kReplySocket));
 }
 
 }  // namespace

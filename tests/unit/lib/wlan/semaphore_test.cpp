@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "lib/wlan/semaphore.h"
 
 #include <cerrno>
@@ -66,7 +69,7 @@ TEST_F(SemaphoreTest, ANullHandleIsAnsweredAsInvalidAndTheNameRemoved) {
 
 TEST_F(SemaphoreTest, AMissingNameIsLogged) {
     sem_t* sem = CreatSemaphore();
-    sem_unlink("/WlanAplRecvSem");
+    sem_unlink(testkit::kSemaphoreName);
     DeleteSemaphore(sem);
     EXPECT_THAT(libc().Logs(),
                 ElementsAre("DeleteSemaphore sem_unlink errno=2:No such file or directory"));
@@ -191,7 +194,7 @@ TEST_F(ReadySemaphoreTest, ANameWithoutASemaphoreIsKeptFromOthers) {
         const velk::ReadySemaphore ready;
         EXPECT_TRUE(ready.is_private());
         EXPECT_EQ(ready.handle(), nullptr);
-        EXPECT_EQ(sem_open("/WlanAplRecvSem", O_RDWR | O_CREAT, 0666U, 0U), SEM_FAILED);
+        EXPECT_EQ(sem_open(testkit::kSemaphoreName, O_RDWR | O_CREAT, 0666U, 0U), SEM_FAILED);
     }
     EXPECT_FALSE(testkit::Exists(kSemaphoreFile));
     EXPECT_THAT(libc().Logs(),
@@ -210,14 +213,14 @@ TEST_F(ReadySemaphoreTest, ALinkThatAKilledQueryHasLeftIsReplaced) {
 }
 
 TEST_F(ReadySemaphoreTest, IsPrivateWithoutAHandleIfNobodyCanMakeOne) {
-    const testkit::Mounted read_only("none", "/dev/shm", "tmpfs", MS_RDONLY, "");
+    const testkit::Mounted read_only("none", testkit::kSemaphoreFolder, "tmpfs", MS_RDONLY, "");
     const velk::ReadySemaphore ready;
     EXPECT_TRUE(ready.is_private());
     EXPECT_EQ(ready.handle(), nullptr);
 }
 
 TEST_F(ReadySemaphoreTest, IsNotPrivateIfTheFileSystemIsFull) {
-    const testkit::Emptied full("/dev/shm", "nr_inodes=1");
+    const testkit::Emptied full(testkit::kSemaphoreFolder, "nr_inodes=1");
     const velk::ReadySemaphore ready;
     EXPECT_FALSE(ready.is_private());
     EXPECT_THAT(libc().Logs(),

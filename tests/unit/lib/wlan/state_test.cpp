@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include <cstring>
 #include <string>
 
@@ -6,6 +9,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -40,7 +44,7 @@ std::string Padded(const std::string& text) {
 class StateTest : public testkit::DeviceTest {
   protected:
     StateTest() {
-        testkit::WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
+        testkit::WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
         shell.Prints(kEthtool, {"Link detected: no\n"});
         daemon.SetState(SampleState());
     }
@@ -69,7 +73,7 @@ TEST_F(StateTest, GetsEachFact) {
 }
 
 TEST_F(StateTest, WithoutAnAdapterTheDaemonIsNotAsked) {
-    testkit::WriteFile("/proc/bus/usb/devices", "");
+    testkit::WriteFile(testkit::kUsbDevices, "");
     shell.Prints(kEthtool, {"Link detected: yes\n"});
     for (const uint32_t id : {4U, 5U, 301U, 305U, 315U, 316U, 317U}) {
         EXPECT_EQ(Get(id, -5), Padded("")) << "before -6";
@@ -90,7 +94,7 @@ TEST_F(StateTest, WithTheCableInTheDaemonIsNotAsked) {
 TEST_F(StateTest, WithoutADaemonItFails) {
     daemon.Stop();
     EXPECT_EQ(Get(4, -1), Padded(""));
-    EXPECT_FALSE(testkit::Exists("/dev/shm/sem.WlanAplRecvSem"));
+    EXPECT_FALSE(testkit::Exists(testkit::kSemaphoreFile));
 }
 
 TEST_F(StateTest, ASilentDaemonFails) {
@@ -112,7 +116,7 @@ TEST_F(StateTest, GarbageIsReadWithinItsBounds) {
 }
 
 TEST_F(StateTest, ANullOutputIsRefusedFirst) {
-    testkit::WriteFile("/proc/bus/usb/devices", "");
+    testkit::WriteFile(testkit::kUsbDevices, "");
     EXPECT_EQ(GetWlanState(MakeRequest(VELK_GET, 4, "eth1"), nullptr), -4);
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // A command in a process of its own: its answer, its end and its tools.
 #include "velkctl/call/child_call.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The files that are removed after a call that was ended early, and those that stay.
 #include "velkctl/call/cleanup.h"
 

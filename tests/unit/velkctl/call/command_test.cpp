@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The problem to report for a failed answer.
 #include "velkctl/call/command.h"
 
@@ -40,7 +43,7 @@ TEST(ProblemOf, ATimeoutHasNoResult) {
                                     .timed_out = true,
                                     .timeout_seconds = 5,
                                     .awaited = "ifup eth0\x1b",
-                                    .remark = "eth0.dns may be incomplete"});
+                                    .note = "eth0.dns may be incomplete"});
     EXPECT_EQ(problem.detail,
               "no answer after 5 s; waited for ifup eth0\\x1b; eth0.dns may be incomplete");
     EXPECT_EQ(problem.remedy, "run it again with a longer --timeout");

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The device as the verbs see it: busy, slow, or ready at once.
 #include "velkctl/call/device.h"
 
@@ -114,7 +117,7 @@ TEST_F(VelkctlDeviceTest, AReleasedLockIsTaken) {
     });
     const Answer answer = Run(kSetDns, {30, 0}, "eth0.dns");
     EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
-    EXPECT_EQ(answer.remark, "");
+    EXPECT_EQ(answer.note, "");
     EXPECT_EQ(pauses, 3);
     EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
 }
@@ -184,8 +187,8 @@ TEST_F(VelkctlDeviceTest, OutputOfToolsIsShownWithAProblem) {
     });
     EXPECT_EQ(answer.tool_output.front(), "b\x1b");
     const std::string lines =
-        "velkctl: note: restart of eth0: b\\x1b\nvelkctl: note: restart of eth0: a\n"
-        "velkctl: note: restart of eth0: b\\x1b\n";
+        "velkctl: restart of eth0: b\\x1b\nvelkctl: restart of eth0: a\n"
+        "velkctl: restart of eth0: b\\x1b\n";
     EXPECT_EQ(error, lines + lines + "velkctl: the restart failed\nvelkctl: another failure\n")
         << "of two runs of the shell";
 }
@@ -204,8 +207,7 @@ TEST_F(VelkctlDeviceTest, VerboseShowsAllOutputOfTools) {
     });
     detail = Report::Detail::kVerbose;
     (void)Run(kRestart, {}, "restart of eth0");
-    const std::string line =
-        "velkctl: note: restart of eth0: ifdown: interface eth0 not configured\n";
+    const std::string line = "velkctl: restart of eth0: ifdown: interface eth0 not configured\n";
     EXPECT_EQ(error, line + line);
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The edit copies that velkctl finds, their states, and the shell lines about them.
 #include "velkctl/call/edit_copy.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The environment that velkctl gives the device's tools.
 #include "velkctl/call/environment.h"
 

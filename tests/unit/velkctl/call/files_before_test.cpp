@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The files that lost their text in a set.
 #include "velkctl/call/files_before.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The lock between programs that change settings, as velkctl takes it by itself.
 #include "velkctl/call/library_lock.h"
 

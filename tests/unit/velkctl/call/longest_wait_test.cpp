@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The longest time that commands take, and their reason for waiting.
 #include "velkctl/call/longest_wait.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The values of the device as they will be after the changes of one call.
 #include "velkctl/call/planned_values.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The signals that end velkctl, while they are put off.
 #include "velkctl/call/stop_signals.h"
 

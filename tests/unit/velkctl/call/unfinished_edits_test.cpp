@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The notes about edit copies that a set replaces.
 #include "velkctl/call/unfinished_edits.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The steps that give the device a set of values.
 #include "velkctl/changes/apply_plan.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Changes that are made as one and taken back as one.
 #include "velkctl/changes/apply.h"
 

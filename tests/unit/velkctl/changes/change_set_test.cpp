@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Changes that are checked and made together.
 #include "velkctl/changes/change_set.h"
 

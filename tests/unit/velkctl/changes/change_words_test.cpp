@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The changes that the words of "velkctl set" ask for.
 #include "velkctl/changes/change_words.h"
 
@@ -9,13 +12,14 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/words.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testkit::Words;
 using velkctl::RequestedChanges;
-using Words = std::vector<std::string>;
 
 RequestedChanges Read(const Words& words, bool force = false) {
     return velkctl::ReadChanges("set", words, force);
@@ -138,9 +142,9 @@ TEST_F(ChangeWordsOnDevice, NameTheFileOfASecret) {
 TEST_F(ChangeWordsOnDevice, LeaveASecretOpenThatAPersonGives) {
     RequestedChanges read = Read({"psk=", "wep-key-1=-", "ntp=on"});
     EXPECT_EQ(read.changes.size(), 2U);
-    ASSERT_EQ(read.open.size(), 1U);
+    ASSERT_EQ(read.unread_secrets.size(), 1U);
     AskForSecretsWithoutInput(read);
-    EXPECT_THAT(read.open, IsEmpty());
+    EXPECT_THAT(read.unread_secrets, IsEmpty());
     ASSERT_EQ(read.problems.size(), 2U);
     EXPECT_EQ(OneLine(read.problems[0]),
               "eth1.psk: no value given; give a text of 1 to 64 bytes, or none");

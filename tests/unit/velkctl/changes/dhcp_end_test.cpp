@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The DHCP client of an interface before it gets another method.
 #include "velkctl/changes/dhcp_end.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Whether a restarted interface is up with its address.
 #include "velkctl/changes/restart_result.h"
 
@@ -154,13 +157,13 @@ TEST(RestartResultTest, AFailureOfIfupIsShownWithTheState) {
     EXPECT_TRUE(JudgeRestart(facts).is_as_configured) << "another interface";
     facts.tool_output = {"ifup: failed to bring up eth0"};
     EXPECT_EQ(Judged(facts),
-              "eth0: ifup failed, see its messages; the interface is up with 192.168.0.10");
+              "eth0: ifup failed (its messages are above); the interface is up with 192.168.0.10");
     facts.state.addresses.clear();
     facts.tool_output = {"ifup: unknown interface eth0"};
     EXPECT_EQ(Judged(facts),
-              "eth0: ifup failed, see its messages; the interface is up without an address");
+              "eth0: ifup failed (its messages are above); the interface is up without an address");
     facts.state.is_up = false;
-    EXPECT_EQ(Judged(facts), "eth0: ifup failed, see its messages; the interface is down");
+    EXPECT_EQ(Judged(facts), "eth0: ifup failed (its messages are above); the interface is down");
 }
 
 TEST(RestartResultTest, ALeaseMayComeLater) {

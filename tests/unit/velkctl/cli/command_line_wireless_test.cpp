@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The wireless settings through the whole tool, with a daemon that the library asks.
 #include <cstring>
 #include <string>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The width of the output of help, list, describe and explain.
 #include <sstream>
 #include <string>

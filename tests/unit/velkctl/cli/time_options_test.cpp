@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The values of --wait and --timeout.
 #include "velkctl/cli/time_options.h"
 

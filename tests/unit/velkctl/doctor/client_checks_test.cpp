@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // DHCP clients that run for an interface with another method.
 #include <gmock/gmock.h>
 

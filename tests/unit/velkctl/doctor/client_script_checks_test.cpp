@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about /sbin/dhclient-script.
 #include <string>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about the entries of the crontab.
 #include <string>
 #include <string_view>

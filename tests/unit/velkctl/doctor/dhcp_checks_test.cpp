@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about /etc/dhclient.conf.
 #include <string>
 #include <string_view>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about edits that were left unfinished.
 #include <string>
 #include <vector>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The text and the JSON of a finding of the doctor.
 #include "velkctl/doctor/finding.h"
 

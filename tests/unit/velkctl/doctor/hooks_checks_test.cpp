@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about /etc/dhclient-exit-hooks.
 #include <string>
 #include <string_view>

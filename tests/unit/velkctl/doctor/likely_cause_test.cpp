@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The likely causes of a setting that does not hold the value that was set, on a private device.
 #include "velkctl/doctor/likely_cause.h"
 
@@ -11,7 +14,7 @@
 #include "support/fake_daemon.h"
 #include "support/mounted.h"
 #include "support/paths.h"
-#include "velkctl/doctor/examination.h"
+#include "velkctl/doctor/checks.h"
 
 namespace {
 
@@ -266,7 +269,7 @@ TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
     testkit::FakeDaemon daemon;
     EXPECT_EQ(FirstOf("eth1.ssid"),
               "/tmp/WlanAplToWlanSock: the wireless daemon was sent the value, but returns another "
-              "one; fix: restart the wireless daemon; 'velkctl doctor' queries it");
+              "one; fix: set it again; if it differs again, restart the wireless daemon");
     EXPECT_TRUE(daemon.requests().empty()) << "it was asked";
     for (const Setting& setting : velkctl::Settings()) {
         const Findings causes = LikelyCauses(setting);

@@ -1,12 +1,15 @@
-// Conflicts of an address, a mask or a gateway with the configuration.
-#include "velkctl/doctor/network_check.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
 
+// Conflicts of an address, a mask or a gateway with the configuration.
 #include <array>
 #include <string>
 #include <string_view>
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "velkctl/doctor/set_checks.h"
+#include "velkctl/doctor/value_checks.h"
 
 namespace {
 

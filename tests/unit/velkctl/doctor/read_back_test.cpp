@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Whether a value that was set is found on the device, through the library on a private device.
 #include "velkctl/doctor/read_back.h"
 

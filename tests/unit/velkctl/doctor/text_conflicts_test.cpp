@@ -1,10 +1,12 @@
-// Values that velkctl refuses because a set would change the wrong text.
-#include "velkctl/doctor/text_conflicts.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
 
+// Values that velkctl refuses because a set would change the wrong text.
 #include <string>
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "velkctl/doctor/set_checks.h"
 
 namespace {
 
@@ -24,7 +26,7 @@ class TextConflictTest : public testkit::DeviceTest {
         velkctl::Data data{};
         (void)value.copy(data.data(), data.size());
         velkctl::Report report(velkctl::Report::Form::kText);
-        const auto problem = TextConflict(setting, data, velkctl::Device({}, report));
+        const auto problem = TextConflict({setting, data}, velkctl::Device({}, report));
         return problem ? OneLine(*problem) : "";
     }
 };

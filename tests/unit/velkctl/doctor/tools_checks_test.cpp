@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about the tools that the library runs.
 #include <cstdlib>
 #include <filesystem>
@@ -173,6 +176,76 @@ TEST_F(ToolElsewhere, IsNotLinkedFromTheCurrentFolder) {
     EXPECT_EQ(RemedyWithPath(""), kInstall);
     EXPECT_EQ(RemedyWithPath("."), kInstall);
     ASSERT_EQ(chdir(before.c_str()), 0);
+}
+
+// An ordinary user on a device with every tool. Its sudo allows the lines of a file.
+class SudoRights : public testkit::DeviceTest {
+  protected:
+    static constexpr char kCommands[] =
+        "ifconfig eth1 up\n"
+        "route add default gw 192.168.0.1\n"
+        "route del default gw 192.168.0.1\n"
+        "ethtool eth0\n"
+        "ethtool -s eth0 autoneg on\n"
+        "ethtool -s eth0 speed 100 duplex full autoneg off\n"
+        "/usr/sbin/ethtool eth0\n"
+        "ifup eth0\n"
+        "ifup eth1\n"
+        "ifdown eth0\n"
+        "ifdown eth1\n"
+        "sed -i s/syscontact.*/syscontact name/ /usr/local/share/etc/snmp/snmpd.conf\n"
+        "sed -i s/syslocation.*/syslocation name/ /usr/local/share/etc/snmp/snmpd.conf\n"
+        "/etc/init.d/snmpd restart\n";
+
+    void SetUp() override {
+        if (setresuid(1234, 1234, 0) == -1) {
+            GTEST_SKIP() << "the private device has no other users";
+        }
+        ASSERT_EQ(setresuid(0, 0, 0), 0);
+        for (const char* tool : {"ifconfig", "route", "ethtool", "ifup", "ifdown"}) {
+            WriteTool(std::string("/usr/sbin/") + tool, "");
+        }
+        WriteTool("/etc/init.d/snmpd", "");
+        WriteTool("/tmp/sudo",
+                  "shift 2; echo \"$*\" >>/tmp/asked; grep -qxF -- \"$*\" /tmp/allowed\n");
+        WriteFile("/tmp/asked", "");
+        ASSERT_EQ(chmod("/tmp/asked", 0666), 0);
+    }
+    void TearDown() override { setenv("PATH", path_.c_str(), 1); }
+
+    static void WriteTool(const std::string& path, const std::string& body) {
+        WriteFile(path, "#!/bin/sh\n" + body);
+        ASSERT_EQ(chmod(path.c_str(), 0755), 0);
+    }
+    // Returns the findings if sudo allows the user these commands.
+    static std::string FindingsWith(const std::string& allowed) {
+        WriteFile("/tmp/allowed", allowed);
+        setenv("PATH", "/tmp:/usr/sbin:/usr/bin", 1);
+        EXPECT_EQ(setresuid(1234, 1234, 0), 0);
+        std::string findings = FormatFindings(velkctl::CheckTools());
+        EXPECT_EQ(setresuid(0, 0, 0), 0);
+        return findings;
+    }
+
+  private:
+    const std::string path_ = getenv("PATH");
+    const testkit::Emptied local_{"/usr/local", "mode=755"};
+    const testkit::Emptied sbin_{"/usr/sbin", "mode=755"};
+};
+
+TEST_F(SudoRights, AreThoseOfTheLibrarysCommandsAlone) {
+    EXPECT_EQ(FindingsWith(kCommands), "");
+    EXPECT_EQ(testkit::ReadFile("/tmp/asked"), kCommands);
+}
+
+TEST_F(SudoRights, LackOneCommandOfATool) {
+    std::string allowed = kCommands;
+    const std::string line = "ifup eth1\n";
+    allowed.erase(allowed.find(line), line.size());
+    EXPECT_EQ(FindingsWith(allowed),
+              "problem: ifup may not be run through sudo by this user without a password\n"
+              "  no interface can be brought up again by a restart\n"
+              "  fix: add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: /usr/sbin/ifup\n");
 }
 
 class IfconfigCheck : public testkit::DeviceTest {};

@@ -1,13 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The doctor's findings about values that no set would write, and the notes about them.
 #include "velkctl/doctor/value_checks.h"
 
 #include <string>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 #include "velkctl/call/device.h"
 
 namespace {
 
+using testkit::kCrontab;
 using testkit::WriteFile;
 using velkctl::Data;
 using velkctl::Finding;
@@ -17,9 +22,8 @@ using velkctl::FormatFindings;
 using velkctl::Impact;
 using velkctl::Setting;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
-constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
-constexpr char kCrontab[] = "/var/cron/tabs/root";
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr auto& kResolver = testkit::kResolverFile;
 
 class ValueChecksTest : public testkit::DeviceTest {
   protected:
@@ -137,14 +141,14 @@ TEST_F(ValueChecksTest, AnHourOfOneDigitIsNoFinding) {
 TEST_F(ValueChecksTest, ASettingThatIsReadWronglyIsLeftOut) {
     WriteFile(kCrontab, "@daily perl /usr/bin/web_contents_updater.pl\n");
     const Setting setting = *FindSetting("web-update");
-    EXPECT_NE(Found({About(setting, kCrontab, Impact::kNothing)}), "");
-    EXPECT_EQ(Found({About(setting, kCrontab, Impact::kReading)}), "");
+    EXPECT_NE(Found({About({setting}, kCrontab, Impact::kNothing)}), "");
+    EXPECT_EQ(Found({About({setting}, kCrontab, Impact::kReading)}), "");
 }
 
 TEST_F(ValueChecksTest, ASettingThatIsSetInTheWrongPlaceIsLeftOut) {
     WriteFile(kCrontab, "0 * * * * ntpdate -u bad;host\n");
     const Setting setting = *FindSetting("ntp-server");
-    const Finding about = About(setting, kCrontab, Impact::kSetting);
+    const Finding about = About({setting}, kCrontab, Impact::kSetting);
     EXPECT_NE(Found({about}), "") << "the file cannot be written";
     EXPECT_EQ(Found({about.At(0)}), "");
 }

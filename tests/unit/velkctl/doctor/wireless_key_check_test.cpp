@@ -1,10 +1,12 @@
-// Doubts about wireless keys: clearing the one in use, and a length that WPA does not take.
-#include "velkctl/doctor/wireless_key_check.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
 
+// Doubts about wireless keys: clearing the one in use, and a length that WPA does not take.
 #include <string>
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "velkctl/doctor/set_checks.h"
 
 namespace {
 

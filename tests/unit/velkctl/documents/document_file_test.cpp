@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Documents in files and in standard input.
 #include "velkctl/documents/document_file.h"
 

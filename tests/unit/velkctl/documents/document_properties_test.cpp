@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Rules that hold for a document of any text.
 #include <algorithm>
 #include <string>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // JSON texts and the places of their errors.
 #include "velkctl/documents/json_text.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Settings as one JSON document.
 #include "velkctl/documents/settings_document.h"
 

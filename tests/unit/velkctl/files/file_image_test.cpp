@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The whole contents of a file, to compare and to restore.
 #include "velkctl/files/file_image.h"
 

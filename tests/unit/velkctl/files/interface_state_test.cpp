@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The state of a network interface, from lists as getifaddrs(3) makes them.
 #include "velkctl/files/interface_state.h"
 

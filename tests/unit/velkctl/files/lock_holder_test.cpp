@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The process that holds the library's lock, from the kernel's tables of locks and processes.
 #include "velkctl/files/lock_holder.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Processes and their descent, from texts as in /proc and from real processes.
 #include "velkctl/files/process_list.h"
 

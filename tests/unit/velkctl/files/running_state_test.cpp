@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The gateway and the DHCP client that run, as the kernel shows them.
 #include <ctime>
 #include <optional>

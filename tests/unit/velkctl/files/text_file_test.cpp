@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Files of the device, read line by line.
 #include "velkctl/files/text_file.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The lines that tools print, and those that mean no failure.
 #include "velkctl/files/tool_output.h"
 

@@ -1,7 +1,9 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Tools of the device, found and run for a moment.
 #include "velkctl/files/tool_run.h"
 
-#include <chrono>
 #include <cstdlib>
 #include <string>
 
@@ -11,7 +13,6 @@
 
 namespace {
 
-using namespace std::chrono_literals;
 using testkit::WriteFile;
 using velkctl::FindTool;
 using velkctl::RunTool;
@@ -48,21 +49,17 @@ TEST_F(ToolRunTest, FindsAToolAsAShellDoes) {
 
 TEST_F(ToolRunTest, KeepsTheOutputAndTheExitStatusOfATool) {
     WriteTool("/tmp/velk-tool", "echo \"$1\"; echo error >&2; cat; exit 3\n");
-    const ToolRun run = RunTool({"/tmp/velk-tool", "a b"}, 60s);
+    const ToolRun run = RunTool({"/tmp/velk-tool", "a b"});
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.output, "a b\n");
-    EXPECT_FALSE(RunTool({"/tmp/velk-missing"}, 60s).ended);
+    EXPECT_FALSE(RunTool({"/tmp/velk-missing"}).ended);
 }
 
 TEST_F(ToolRunTest, KillsAToolThatDoesNotEnd) {
     WriteTool("/tmp/velk-tool", "echo begun; sleep 100\n");
-    ToolRun run;
-    // On a busy machine the shell may not come to print anything in so short a time.
-    for (auto longest = 300ms; run.output.empty() && longest < 60s; longest *= 2) {
-        run = RunTool({"/tmp/velk-tool"}, longest);
-        EXPECT_FALSE(run.ended);
-    }
+    const ToolRun run = RunTool({"/tmp/velk-tool"});
+    EXPECT_FALSE(run.ended);
     EXPECT_EQ(run.output, "begun\n");
 }
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Whether a program has a socket bound at a path.
 #include "velkctl/files/unix_socket.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The framed records of a journal file.
 #include "velkctl/journal/frames.h"
 

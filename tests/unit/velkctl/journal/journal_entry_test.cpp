@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // One change of settings as the journal keeps it.
 #include "velkctl/journal/journal_entry.h"
 

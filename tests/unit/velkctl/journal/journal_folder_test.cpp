@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The folder of journal entries: its lock, its files and its limits.
 #include "velkctl/journal/journal_folder.h"
 

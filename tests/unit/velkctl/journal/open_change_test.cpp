@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The journal entry of a change that is under way.
 #include "velkctl/journal/open_change.h"
 

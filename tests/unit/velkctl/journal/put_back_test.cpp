@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Puts the files and values of a change back.
 #include "velkctl/journal/put_back.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "velkctl/report/report.h"
 
 #include <string>
@@ -188,9 +191,9 @@ TEST(ReportTest, ToolOutputComesBeforeTheFirstProblem) {
         return SayAllWith(Report::Detail::kUsual, report);
     });
     EXPECT_TRUE(said.out.starts_with("eth0: 10.0.0.1\n")) << said.out;
-    EXPECT_TRUE(said.err.starts_with(
-        "velkctl: note: it took long\nvelkctl: note: ntp: rm: first\n"
-        "velkctl: note: ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
+    EXPECT_TRUE(
+        said.err.starts_with("velkctl: note: it took long\nvelkctl: ntp: rm: first\n"
+                             "velkctl: ntp: rm: second\nvelkctl: eth0.dns: could not be read\n"))
         << said.err;
 }
 
@@ -218,8 +221,8 @@ TEST(ReportTest, VerboseShowsToolOutputAtOnce) {
         return SayAllWith(Report::Detail::kVerbose, report);
     });
     EXPECT_TRUE(
-        said.err.starts_with("velkctl: note: ntp: earlier\nvelkctl: note: ntp: rm: first\n"
-                             "velkctl: note: ntp: rm: second\nvelkctl: note: it took long\n"))
+        said.err.starts_with("velkctl: ntp: earlier\nvelkctl: ntp: rm: first\n"
+                             "velkctl: ntp: rm: second\nvelkctl: note: it took long\n"))
         << said.err;
 }
 

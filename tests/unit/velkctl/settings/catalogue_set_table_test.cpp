@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Every command of the library that sets something is known to velkctl: to its catalogue, to the
 // doctor and to the search for edit copies. A test names the id that one of them lacks.
 #include <cstdlib>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The JSON type of each setting, over many data bytes.
 #include <map>
 #include <set>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Whether a set of the time server would replace the server or a text before it.
 #include "velkctl/settings/time_entry.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Words of the form NAME=VALUE.
 #include "velkctl/text/assignment.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 #include "velkctl/text/columns.h"
 
 #include <string>
@@ -11,6 +14,7 @@ using velkctl::Cut;
 using velkctl::InLinesOf;
 using velkctl::LinesOnScreen;
 using velkctl::Padded;
+using velkctl::Wrapped;
 
 TEST(Padded, AddsBlanksAndCutsNothing) {
     EXPECT_EQ(Padded("ab", 4), "ab  ");
@@ -33,6 +37,27 @@ TEST(InLinesOf, FillsIndentedLines) {
     EXPECT_EQ(InLinesOf(words, 8, 2), "  one\n  two\n  three\n  four\n");
     EXPECT_EQ(InLinesOf(words, 1, 0), "one\ntwo\nthree\nfour\n");
     EXPECT_EQ(InLinesOf({}, 80, 2), "");
+}
+
+TEST(Wrapped, BreaksLongLinesAtTheirBlanks) {
+    EXPECT_EQ(Wrapped("one two three\n", 80), "one two three\n");
+    EXPECT_EQ(Wrapped("one two three\n\nfour", 13), "one two three\n\nfour");
+    EXPECT_EQ(Wrapped("one two three\n", 12), "one two\n    three\n");
+    EXPECT_EQ(Wrapped("  one two three four\n", 12), "  one two\n      three\n      four\n");
+    EXPECT_EQ(Wrapped("  name    meaning of it\n", 9),
+              "  name\n      meaning\n      of\n      it\n");
+    EXPECT_EQ(Wrapped("", 10), "");
+}
+
+TEST(Wrapped, BreaksASentenceThatBeginsLikeACommand) {
+    EXPECT_EQ(Wrapped("velkctl asks\n", 9), "velkctl\n    asks\n");
+}
+
+TEST(Wrapped, KeepsLongWordsAndCommandsWhole) {
+    EXPECT_EQ(Wrapped("    abcdefghij\n", 8), "    abcdefghij\n");
+    EXPECT_EQ(Wrapped("abcdefghij k\n", 2), "abcdefghij\n    k\n");
+    EXPECT_EQ(Wrapped("  velkctl get eth0.dns\n", 10), "  velkctl get eth0.dns\n");
+    EXPECT_EQ(Wrapped("  example: velkctl get ntp\n", 10), "  example: velkctl get ntp\n");
 }
 
 TEST(LinesOnScreen, CountsTheLinesOfLongLinesToo) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // Numbers in texts.
 #include "velkctl/text/numbers.h"
 
@@ -25,13 +28,13 @@ TEST(ParseNumber, KeepsWithinItsLimits) {
     EXPECT_EQ(ParseNumber("8", -3, 7), std::nullopt);
 }
 
-TEST(LeadingNumber, EndsAfterItsLastDigit) {
+TEST(ParseLeadingNumber, EndsAfterItsLastDigit) {
     size_t end = 0;
-    EXPECT_EQ(velkctl::LeadingNumber<int>("12 a", end), 12);
+    EXPECT_EQ(velkctl::ParseLeadingNumber<int>("12 a", end), 12);
     EXPECT_EQ(end, 2U);
-    EXPECT_EQ(velkctl::LeadingNumber<uint8_t>("fg", end, 16), 15);
+    EXPECT_EQ(velkctl::ParseLeadingNumber<uint8_t>("fg", end, 16), 15);
     EXPECT_EQ(end, 1U);
-    EXPECT_EQ(velkctl::LeadingNumber<int>("a", end), std::nullopt);
+    EXPECT_EQ(velkctl::ParseLeadingNumber<int>("a", end), std::nullopt);
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The settings that names, interfaces and patterns select.
 #include "velkctl/verbs/selected_settings.h"
 
@@ -6,11 +9,13 @@
 
 #include <gmock/gmock.h>
 
+#include "support/words.h"
+
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Words = std::vector<std::string>;
+using testkit::Words;
 
 class SelectedSettings : public testing::Test {
   protected:

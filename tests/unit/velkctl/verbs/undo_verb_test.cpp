@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
 // The verb that takes back a finished change, where the journal or the library's lock fails.
 #include <cerrno>
 #include <string>

@@ -1,11 +1,13 @@
-// examination.cpp - runs the doctor's checks, for the whole device or for one setting.
-#include "velkctl/doctor/examination.h"
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// checks.cpp - runs the doctor's checks, for the whole device or for one setting.
+#include "velkctl/doctor/checks.h"
 
 #include <functional>
 #include <vector>
 
 #include "lib/base/paths.h"
-#include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/value_checks.h"
 #include "velkctl/settings/time_entry.h"
 
@@ -14,12 +16,12 @@ namespace {
 
 struct Check {
     std::function<Findings()> run;
-    AffectedSettings affected;  // the settings that it can find something about
+    AffectedSettings affected{};  // the settings that it can find something about
 };
 
-// In the order of the output. The wireless daemon is queried after all of them, because a query
-// removes remains that some of them look for. `setting` is null for the whole device.
-std::vector<Check> Checks(const Setting* setting = nullptr, std::string_view value = {}) {
+// The wireless daemon is queried after all of these, because a query removes remains that some of
+// them look for. `setting` is null for the whole device.
+std::vector<Check> Checks(const Setting* setting, std::string_view value) {
     const auto check_interfaces = [=] {
         return setting == nullptr ? CheckInterfaces() : CheckInterfacesFor(*setting, value);
     };
@@ -36,9 +38,9 @@ std::vector<Check> Checks(const Setting* setting = nullptr, std::string_view val
         {CheckTimeEntry, Together(SettingsWithKey(kTimeClient), SettingsHeldIn(velk::kNtpLog))},
         {CheckWebUpdate, SettingsOf(VELK_CMD_WEB_UPDATE)},
         {CheckIdentity, SettingsHeldIn(velk::kIdentityFile)},
-        {CheckTools, {}},  // CheckToolsFor() a setting
+        {CheckTools},  // ExamineFor() a setting runs CheckToolsFor() instead
         {CheckIfconfig, SettingsReadWith(kInterfaceTool)},
-        {CheckLock, {}},
+        {CheckLock},
         {CheckResultFile, SettingsReadWith()},
         {CheckQueryRemains, WirelessSettings()},
         {CheckAdapter, AdapterFacts()},
@@ -49,7 +51,7 @@ std::vector<Check> Checks(const Setting* setting = nullptr, std::string_view val
 
 Findings ExamineDevice(Report& report) {
     Findings findings;
-    for (const Check& check : Checks()) {
+    for (const Check& check : Checks(nullptr, "")) {
         Append(findings, check.run());
     }
     Append(findings, CheckValues(findings, report));

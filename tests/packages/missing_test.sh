@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
+# missing_test.sh SOURCE FOLDER - a missing program or package is one line that says how to get it. Configures
+# in FOLDER.
+set -u
+export LC_ALL=C
+source=$1 root=$2
+here=$(cd "$(dirname "$0")" && pwd)
+# shellcheck source=tests/abi/check.sh
+. "$here/../abi/check.sh"
+
+# A folder of the only programs: those that each script runs before it looks for others.
+rm -rf "$root"
+mkdir -p "$root/programs"
+for program in bash sh env dirname id realpath; do
+    ln -s "$(command -v "$program")" "$root/programs"
+done
+with() { # with PROGRAMS COMMAND... - as on a machine with these programs, too
+    local program
+    for program in $1; do
+        ln -sf /bin/true "$root/programs/$program"
+    done
+    env PATH="$root/programs" "${@:2}" 2>&1
+    for program in $1; do
+        rm "$root/programs/$program"
+    done
+}
+lacks() { # lacks SCRIPT PROGRAM PACKAGE PROGRAMS [ARGUMENT...]
+    check "$1 without $2" "$1: $2 is missing. fix: apt-get install $3, or run scripts/setup" \
+        "$(with "$4" "$source/scripts/$1" "${@:5}")"
+}
+lacks build cmake cmake ''
+lacks build ninja ninja-build cmake
+lacks build g++ g++ 'cmake ninja'
+lacks build clang++ clang 'cmake ninja g++' fuzz
+lacks format clang-format clang-format ''
+lacks abi abidw abigail-tools ''
+lacks abi g++ g++ 'abidw cmake ninja'
+if [ "$(id -u)" -eq 0 ]; then
+    lacks test-packages dpkg-buildpackage dpkg-dev ''
+    lacks test-packages mmdebstrap mmdebstrap 'dpkg-buildpackage dh lintian'
+    # Without the right to make namespaces.
+    check 'test-packages in a container' \
+        'test-packages: this root may make no namespaces. fix: start the container with --privileged' \
+        "$(setpriv --bounding-set -sys_admin "$source/scripts/test-packages" 2>&1)"
+fi
+line='setup: this system has no apt-get. fix: install the equivalent of these packages of Debian 12:'
+check 'setup without apt-get' "$line g++ cmake ninja-build libcli11-dev nlohmann-json3-dev busybox" \
+    "$(with '' "$source/scripts/setup" demo)"
+
+# CMake prints a line that names the place, and this one.
+lacks_package() { # lacks_package PACKAGE MESSAGE
+    local log
+    log=$(cmake -S "$source" -B "$root/without-$1" -DCMAKE_DISABLE_FIND_PACKAGE_"$1"=ON 2>&1) &&
+        check "CMake without $1" refused configured
+    check "CMake without $1" "   $2" "$(grep 'is missing' <<<"$log")"
+}
+lacks_package CLI11 'CLI11 is missing: apt-get install libcli11-dev, or -DVELK_SANDBOX=OFF'
+lacks_package nlohmann_json 'nlohmann_json is missing: apt-get install nlohmann-json3-dev, or -DVELK_TOOLS=OFF'
+lacks_package GTest 'GTest is missing: apt-get install libgtest-dev libgmock-dev, or -DBUILD_TESTING=OFF'
+# A compiler that says that it is an older g++.
+old() { # old VERSION MESSAGE
+    printf '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=%s "$@"\n' "$1" >"$root/g++"
+    chmod +x "$root/g++"
+    check "g++ $1" "   $2" "$(cmake -S "$source" -B "$root/old-$1" -DCMAKE_CXX_COMPILER="$root/g++" 2>&1 |
+        sed -n '/too old/s/[0-9]*\.2\.0/VERSION/p')"
+}
+old 9 'g++ VERSION is too old for libvelk: install g++ 10 or later'
+old 10 'g++ VERSION is too old for velkctl: install g++ 11 or later, or -DVELK_TOOLS=OFF'
+finish
