@@ -1,0 +1,20 @@
+// library_observer.cpp - sees the steps of the library outside its own memory, and may replace
+// them.
+#include "velkctl/call/library_observer.h"
+
+namespace velkctl {
+namespace {
+
+LibraryObserver* current = nullptr;
+
+}  // namespace
+
+LibraryObserver* CurrentObserver() {
+    return current;
+}
+
+void SetObserver(LibraryObserver* observer) {
+    current = observer;
+}
+
+}  // namespace velkctl

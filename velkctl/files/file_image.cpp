@@ -1,0 +1,119 @@
+// file_image.cpp - the whole contents of a file, with its mode and owner, to compare and to
+// restore.
+#include "velkctl/files/file_image.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "lib/base/file_io.h"
+#include "lib/base/unique_fd.h"
+#include "velkctl/files/text_file.h"
+
+namespace velkctl {
+namespace {
+
+constexpr mode_t kPermissions = 07777;
+
+std::string FolderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+int ErrorOf(const TextFile& file) {
+    if (file.state == FileState::kText) {
+        return 0;
+    }
+    if (file.state == FileState::kTooLarge) {
+        return EFBIG;
+    }
+    return file.state == FileState::kNotRegular ? EINVAL : file.error;
+}
+
+// Fails if the disk has no room for so many bytes. Not every file system can answer.
+int CheckRoom(const std::string& folder, size_t size) {
+    const velk::UniqueFd fd(open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600));
+    if (fd.get() == -1 || size == 0) {
+        return 0;
+    }
+    const int error = posix_fallocate(fd.get(), 0, static_cast<off_t>(size));
+    return error == ENOSPC || error == EDQUOT ? error : 0;
+}
+
+// A new file gets its owner before its bytes, which may be secret.
+int AdoptOwner(int fd, const FileImage& image) {
+    if (fchown(fd, image.owner, image.group) == -1 && geteuid() == 0) {
+        return errno;
+    }
+    return fchmod(fd, image.mode) == 0 ? 0 : errno;
+}
+
+// Between the two steps the file is empty, then a beginning of the image: a reader of the journal
+// recognises both as cut.
+int WriteBytes(const velk::UniqueFd& fd, const std::string& bytes) {
+    const bool is_written = ftruncate(fd.get(), 0) == 0 && velk::WriteAll(fd.get(), bytes);
+    return is_written ? 0 : errno;
+}
+
+int Create(const FileImage& image) {
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    const velk::UniqueFd fd(open(image.path.c_str(), flags, 0600));
+    if (fd.get() == -1) {
+        return errno;
+    }
+    const int error = AdoptOwner(fd.get(), image);
+    return error != 0 ? error : WriteBytes(fd, image.bytes);
+}
+
+int Remove(const std::string& path) {
+    return unlink(path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
+}
+
+int Flush(const std::string& path, int flags) {
+    const velk::UniqueFd fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | flags));
+    if (fd.get() == -1) {
+        return errno == ENOENT ? 0 : errno;
+    }
+    return fsync(fd.get()) == 0 || errno == EINVAL ? 0 : errno;
+}
+
+}  // namespace
+
+FileImage ReadFileImage(const std::string& path) {
+    TextFile file = ReadTextFile(path);
+    FileImage image{path};
+    if (file.state == FileState::kMissing) {
+        return image;
+    }
+    struct stat facts {};
+    (void)stat(path.c_str(), &facts);
+    image.exists = true;
+    image.error = ErrorOf(file);
+    image.bytes = std::move(file.bytes);
+    image.mode = facts.st_mode & kPermissions;
+    image.owner = facts.st_uid;
+    image.group = facts.st_gid;
+    return image;
+}
+
+int WriteFileImage(const FileImage& image) {
+    if (!image.exists) {
+        return Remove(image.path);
+    }
+    if (const int error = CheckRoom(FolderOf(image.path), image.bytes.size()); error != 0) {
+        return error;
+    }
+    const velk::UniqueFd fd(open(image.path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+    if (fd.get() != -1) {
+        return WriteBytes(fd, image.bytes);
+    }
+    return errno == ENOENT ? Create(image) : errno;
+}
+
+int FlushFile(const std::string& path) {
+    const int error = Flush(path, 0);
+    return error != 0 ? error : Flush(FolderOf(path), O_DIRECTORY);
+}
+
+}  // namespace velkctl
