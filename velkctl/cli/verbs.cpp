@@ -25,6 +25,9 @@ constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisk
 constexpr VerbFlag kNoPager{"--no-pager", "do not show a long output page by page",
                             &Invocation::no_pager};
 
+constexpr VerbFlag kDryRun{"--dry-run", "show the changes, make them only in a private copy",
+                           &Invocation::dry_run};
+
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
 constexpr std::array<VerbOption, 4> kCallOptions{{
@@ -41,7 +44,7 @@ constexpr std::array<VerbFlag, 4> kToolFlags{{
     kVerbose,
 }};
 constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
-constexpr std::array kSecretFlags{kJson, kQuiet, kVerbose, kShowSecrets};
+constexpr std::array kCallFlags{kJson, kQuiet, kVerbose, kShowSecrets, kDryRun};
 constexpr std::array kShowFlags{kJson, kQuiet, kVerbose, kShowSecrets, kNoPager};
 constexpr std::array kListFlags{kJson, kQuiet, kVerbose, kNoPager};
 constexpr std::array<VerbFlag, 5> kGetFlags{{
@@ -51,19 +54,22 @@ constexpr std::array<VerbFlag, 5> kGetFlags{{
     kShowSecrets,
     {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
-constexpr std::array<VerbFlag, 5> kSetFlags{{
+constexpr std::array<VerbFlag, 7> kSetFlags{{
     kJson,
     kQuiet,
     kVerbose,
     {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
+    kDryRun,
+    {"--trace", "show the changes of files and the library's steps", &Invocation::trace},
 }};
-constexpr std::array<VerbFlag, 4> kRestartFlags{{
+constexpr std::array<VerbFlag, 5> kRestartFlags{{
     kJson,
     kQuiet,
     kVerbose,
     {"--notify-only", "eth1: notify the wireless daemon only; eth1 stays up",
      &Invocation::notify_only},
+    kDryRun,
 }};
 
 constexpr std::array<Verb, 10> kVerbs{{
@@ -238,7 +244,7 @@ constexpr std::array<Verb, 10> kVerbs{{
      "  velkctl call set 314 eth1 --text @/run/keys/psk",
      {.least = 2, .most = 3, .second_is_number = true},
      kCallOptions,
-     kSecretFlags,
+     kCallFlags,
      RunCall},
 }};
 

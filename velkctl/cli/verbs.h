@@ -30,6 +30,8 @@ struct Invocation {
     bool verbose = false;
     bool force = false;
     bool no_verify = false;
+    bool dry_run = false;
+    bool trace = false;
     bool no_pager = false;
     bool help = false;
     bool version = false;

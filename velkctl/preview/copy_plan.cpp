@@ -69,8 +69,8 @@ bool NeedsFolder(const PlannedFile& file) {
                   : IsChanged(path, Change::kWhole);
 }
 
-void AddFolder(CopyPlan& plan, const std::string& path) {
-    PlannedFolder folder{path, {}, MayWrite(path)};
+void AddFolder(CopyPlan& plan, const std::string& path, bool is_writable) {
+    PlannedFolder folder{path, {}, is_writable};
     const bool is_known = velk::FindRow(plan.folders, path, &PlannedFolder::path) != nullptr;
     if (!is_known && stat(path.c_str(), &folder.facts) == 0) {
         plan.folders.push_back(std::move(folder));
@@ -108,10 +108,11 @@ CopyPlan PlanCopy(const std::vector<FileImage>& images) {
             continue;
         }
         // The tool that changes the file runs as root.
-        const bool is_writable = IsChanged(image.path, Change::kBySudo) || MayWrite(image.path);
-        plan.files.push_back({image, PlaceOf(image.path), is_writable});
+        const bool is_by_sudo = IsChanged(image.path, Change::kBySudo);
+        plan.files.push_back({image, PlaceOf(image.path), is_by_sudo || MayWrite(image.path)});
+        const std::string folder = FolderOf(plan.files.back().path);
         if (NeedsFolder(plan.files.back())) {
-            AddFolder(plan, FolderOf(plan.files.back().path));
+            AddFolder(plan, folder, is_by_sudo || MayWrite(folder));
         }
     }
     std::ranges::sort(plan.folders, {}, &PlannedFolder::path);

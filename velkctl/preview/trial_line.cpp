@@ -5,6 +5,7 @@
 #include <array>
 #include <cctype>
 
+#include "lib/base/join_text.h"
 #include "lib/base/paths.h"
 
 namespace velkctl {
@@ -14,9 +15,10 @@ constexpr std::string_view kSudo = "sudo ";
 constexpr std::string_view kStreamEditor = "sed -i ";
 // Tools that only work on the files that they name.
 constexpr std::array<std::string_view, 3> kFileTools{"cat ", "rm ", "grep "};
-// Both only show their state with these words. With others they change it.
+// Both only show a state with these words. With others they change it.
 constexpr std::string_view kShowInterfaces = "ifconfig > ";
-constexpr std::string_view kShowLink = "ethtool ";
+constexpr auto kShowLinkByPath = velk::JoinText(velk::kEthtool, " ");
+constexpr std::array<std::string_view, 2> kShowLink{"ethtool ", kShowLinkByPath};
 
 // Characters without a meaning of their own to the shell, and the redirection of an output.
 bool IsPlain(std::string_view line) {
@@ -35,7 +37,9 @@ bool WorksOnFiles(std::string_view line) {
 
 bool OnlyShows(std::string_view line) {
     return line.starts_with(kShowInterfaces) ||
-           (line.starts_with(kShowLink) && !line.substr(kShowLink.size()).starts_with('-'));
+           std::ranges::any_of(kShowLink, [&](std::string_view tool) {
+               return line.starts_with(tool) && !line.substr(tool.size()).starts_with('-');
+           });
 }
 
 }  // namespace

@@ -100,6 +100,23 @@ std::vector<FileImage> FilesAfter(const std::vector<FileImage>& before, const Tr
     return files;
 }
 
+// Returns the answer of a check; null if there is none.
+const Answer* CheckOf(const TrialRun& run, const std::vector<TrialStep>& steps, uint32_t id,
+                      const std::string& interface) {
+    for (size_t i = 0; i < std::min(run.answers.size(), steps.size()); ++i) {
+        if (steps[i].is_check && steps[i].id == id && steps[i].interface == interface) {
+            return &run.answers[i];
+        }
+    }
+    return nullptr;
+}
+
+// True if all steps have answers, and those that must have succeeded.
+bool IsComplete(const TrialRun& run, const std::vector<TrialStep>& steps) {
+    return run.answers.size() == steps.size() && !steps.empty() &&
+           (steps.back().is_check || run.answers.back().ok());
+}
+
 // A trial that ended by itself or by the deadline has no answer for its last step.
 Answer MissingAnswer(const TrialEnd& end, const TimeLimits& limits) {
     return {.result = LIB_VELK_FAILURE,
@@ -117,6 +134,38 @@ std::vector<TrialStep> StepsOf(const std::vector<SettingChange>& changes) {
     std::vector<TrialStep> steps;
     std::ranges::transform(changes, std::back_inserter(steps), StepOf);
     return steps;
+}
+
+std::vector<TrialStep> ChecksOf(const std::vector<SettingChange>& changes) {
+    std::vector<TrialStep> checks;
+    for (const SettingChange& change : changes) {
+        const CatalogueRow& row = *change.setting.row;
+        const bool is_in_copy =
+            row.held_in.holder == Holder::kFile || row.held_in.holder == Holder::kDaemon;
+        if (!change.setting.can_get() || !is_in_copy) {
+            continue;
+        }
+        const std::string interface(change.setting.interface);
+        if (IsAddressCommand(row.id)) {
+            checks.push_back({VELK_GET, VELK_CMD_IP_METHOD, interface, {}, true});
+        }
+        checks.push_back({VELK_GET, row.id, interface, {}, true});
+    }
+    return checks;
+}
+
+std::optional<bool> HeldAfter(const TrialRun& run, const std::vector<TrialStep>& steps,
+                              const TrialStep& step) {
+    const Answer* method = CheckOf(run, steps, VELK_CMD_IP_METHOD, step.interface);
+    const bool shows_lease =
+        method != nullptr && (!method->ok() || method->data[0] == VELK_METHOD_DHCP);
+    const Answer* answer = CheckOf(run, steps, step.id, step.interface);
+    const std::optional<Setting> setting = FindSetting(step.id, step.interface);
+    if (answer == nullptr || !setting || (IsAddressCommand(step.id) && shows_lease)) {
+        return std::nullopt;
+    }
+    const ValueKind& kind = *setting->row->kind;
+    return answer->ok() && kind.Print(answer->data) == kind.Print(step.data);
 }
 
 TrialRun RunTrial(const std::vector<TrialStep>& steps, const TimeLimits& limits,
@@ -140,6 +189,7 @@ TrialRun RunTrial(const std::vector<TrialStep>& steps, const TimeLimits& limits,
     if (!end.is_complete) {
         run.answers.push_back(MissingAnswer(end, limits));
     }
+    run.is_complete = IsComplete(run, steps);
     if (!run.answers.empty()) {
         run.answers.back().tool_output = OutputLines(end.tool_output);
     }

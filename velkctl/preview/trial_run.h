@@ -22,16 +22,21 @@ struct TrialStep {
     uint32_t id;
     std::string interface {};
     Data data{};
+    bool is_check = false;  // its failure does not end the trial
 };
 
 TrialStep StepOf(const SettingChange& change);
 std::vector<TrialStep> StepsOf(const std::vector<SettingChange>& changes);
 
+// Returns the steps that read the changed settings back, as far as a copy can show that: those in
+// files and in the configuration of the wireless daemon. HeldAfter() compares their answers.
+std::vector<TrialStep> ChecksOf(const std::vector<SettingChange>& changes);
+
 struct TrialRun {
     // The trial was not possible: the kernel refuses namespaces, or a file cannot be read. All else
     // is empty then.
     std::optional<Problem> problem{};
-    // One for each step up to the first failure, which is the last.
+    // One for each step up to the first failure of one that is no check, which is the last.
     std::vector<Answer> answers{};
     // All files that a command may change, before and after the steps, in the same order.
     std::vector<FileImage> before{};
@@ -39,9 +44,15 @@ struct TrialRun {
     // The steps of the library outside its own memory, in their order; see EventKind.
     std::vector<Event> events{};
 
-    // True if every step succeeded.
-    bool ok() const { return !problem && !answers.empty() && answers.back().ok(); }
+    // True if every step succeeded, but for the checks.
+    bool ok() const { return !problem && is_complete; }
+    bool is_complete = false;
 };
+
+// Returns if the copy holds the value of this step after all steps; nothing if no check shows that,
+// as with the address of an interface that has a lease.
+std::optional<bool> HeldAfter(const TrialRun& run, const std::vector<TrialStep>& steps,
+                              const TrialStep& step);
 
 // Runs the steps in a process with a private copy of the files, up to the first failure. Nothing
 // outside changes: tools that act on the device do not run, messages that change the configuration

@@ -10,6 +10,8 @@
 #include "velkctl/call/device.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
@@ -151,6 +153,14 @@ void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, 
     }
 }
 
+// A get changes nothing, so a trial of it would show nothing.
+ExitStatus TryCall(const TrialStep& step, const Invocation& invocation, Report& report) {
+    if (step.type == VELK_GET) {
+        return report.Refuse("call: --dry-run is for set and restart; leave it out for get");
+    }
+    return ReportTrial(RunTrial({step}, invocation.limits), {step}, report);
+}
+
 }  // namespace
 
 ExitStatus RunCall(const Invocation& invocation, Report& report) {
@@ -172,6 +182,9 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     const Parsed data = ParseData(invocation);
     if (!data.ok()) {
         return report.Refuse("call: " + data.problem);
+    }
+    if (invocation.dry_run) {
+        return TryCall({*type, *id, interface, data.data}, invocation, report);
     }
     const Command command{*type, *id, interface};
     Answer answer = Device(invocation.limits, report)

@@ -5,12 +5,15 @@
 #include <string_view>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/files/interface_state.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/restart_result.h"
 #include <nlohmann/json.hpp>
@@ -107,6 +110,10 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
                                  interface);
         }
         data[0] = VELK_RESTART_NOTIFY_ONLY;
+    }
+    if (invocation.dry_run) {
+        const std::vector<TrialStep> steps{{VELK_RESTART, VELK_CMD_RESTART, interface, data}};
+        return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
     }
     const Device device(invocation.limits, report);
     const Answer answer = device.Restart(interface, data);

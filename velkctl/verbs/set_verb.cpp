@@ -1,10 +1,14 @@
 // set_verb.cpp - the verb that changes settings.
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/preview/call_trace.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include "velkctl/verbs/change_set.h"
 #include "velkctl/verbs/change_words.h"
 #include "velkctl/verbs/set_notes.h"
@@ -82,6 +86,30 @@ Json SettingsInJson(const ChangeSet& changes, std::vector<MadeChange> made) {
     return settings;
 }
 
+// Makes the changes in a private copy alone.
+ExitStatus TryChanges(const ChangeSet& changes, const Invocation& invocation, Report& report) {
+    std::vector<TrialStep> steps = StepsOf(changes);
+    if (!invocation.no_verify) {
+        const std::vector<TrialStep> checks = ChecksOf(changes);
+        steps.insert(steps.end(), checks.begin(), checks.end());
+    }
+    return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
+}
+
+// Shows the steps of the library after the changes, also of those that failed.
+std::vector<MadeChange> MakeTraced(const ChangeSet& changes, ChangeOptions options,
+                                   const Device& device, bool is_traced, Report& report) {
+    std::optional<CallTrace> trace;
+    if (is_traced) {
+        trace.emplace();
+    }
+    std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
+    if (trace) {
+        trace->Print(report);
+    }
+    return made;
+}
+
 }  // namespace
 
 ExitStatus RunSet(const Invocation& invocation, Report& report) {
@@ -90,10 +118,14 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     if (changes.empty()) {
         return ExitStatus::kInvalid;
     }
+    if (invocation.dry_run) {
+        return TryChanges(changes, invocation, report);
+    }
     const bool is_single = !IsAssignment(invocation.words.front());
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
     const SetNotes notes(SettingsOf(changes), device, !invocation.force && !invocation.no_verify);
-    const std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
+    const std::vector<MadeChange> made =
+        MakeTraced(changes, options, device, invocation.trace, report);
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));
     }
