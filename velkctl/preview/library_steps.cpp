@@ -22,11 +22,11 @@ struct KindWord {
 
 constexpr std::array<KindWord, 6> kKindWords{{
     {EventKind::kShellLine, "shell"},
-    {EventKind::kShellLineNotRun, "not run"},
+    {EventKind::kShellLineNotRun, "not_run"},
     {EventKind::kLogLine, "log"},
     {EventKind::kWait, "wait"},
     {EventKind::kMessage, "message"},
-    {EventKind::kMessageNotSent, "not sent"},
+    {EventKind::kMessageNotSent, "not_sent"},
 }};
 constexpr size_t kKindWidth = 10;
 constexpr size_t kLongestRepeated = 3;  // steps of one look at the link
@@ -136,6 +136,7 @@ std::string TextOf(const std::vector<LibraryStep>& steps) {
     std::string text;
     for (const LibraryStep& step : steps) {
         std::string kind = step.kind;
+        std::ranges::replace(kind, '_', ' ');
         kind.resize(std::max(kKindWidth, kind.size() + 1), ' ');
         text.append("  ").append(kind).append(step.text).append("\n");
     }

@@ -12,7 +12,7 @@ namespace velkctl {
 
 // A step for people and programs.
 struct LibraryStep {
-    std::string kind;  // "shell", "not run", "log", "wait", "message", "not sent", "again"
+    std::string kind;  // "shell", "not_run", "log", "wait", "message", "not_sent", "again"
     // A line, "30 s", the meaning of a message, or "the last 2 steps, 59 times". Secrets are
     // masked.
     std::string text;

@@ -53,7 +53,10 @@ std::string ReadTable() {
 
 std::string MountPointIn(std::string_view line) {
     const std::vector<std::string> words = WordsOf(line);
-    const std::string_view word = words.size() > kPointWord ? words[kPointWord] : "";
+    if (words.size() <= kPointWord) {
+        return {};
+    }
+    const std::string& word = words[kPointWord];
     std::string path;
     for (size_t i = 0; i < word.size(); ++i) {
         const bool is_octal = word[i] == '\\' && i + kOctalDigits < word.size() &&

@@ -113,9 +113,7 @@ std::string ResultText(const TrialRun& run, const std::vector<TrialStep>& steps)
 
 ExitStatus Refuse(const TrialRun& run, const TrialStep& step, Report& report) {
     const Answer& answer = run.answers.back();
-    const bool is_locked = answer.known_result() == LIB_VELK_LOCKED;
-    const std::string problem = is_locked ? ": no trial is possible" : ": would fail";
-    report.Complain(ProblemOf(NameOf(step) + problem, "", answer));
+    report.Complain(ProblemOf(NameOf(step) + ": would fail", "", answer));
     return StatusOf(answer);
 }
 
@@ -149,6 +147,9 @@ ExitStatus ReportTrial(const TrialRun& run, const std::vector<TrialStep>& steps,
     if (run.problem) {
         report.Complain(*run.problem);
         return ExitStatus::kFailed;
+    }
+    if (run.after.empty()) {
+        return Refuse(run, steps.front(), report);
     }
     report.Member("preview", PreviewInJson(run, steps));
     report.Text(ResultText(run, steps));
