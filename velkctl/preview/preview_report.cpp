@@ -2,6 +2,7 @@
 #include "velkctl/preview/preview_report.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
 #include <utility>
 
@@ -22,13 +23,19 @@ struct LongestTime {
     std::string unlimited{};  // "the interface to come up"; empty: none
 };
 
+// Returns the name of the setting that the step changes; empty if it is none.
+std::string SettingOf(const TrialStep& step) {
+    const std::optional<Setting> setting = FindSetting(step.id, step.interface);
+    return step.type == VELK_SET && setting ? setting->name() : "";
+}
+
 // "eth0.dns", "restart of eth0", or "command 999" for one that the library may not have.
 std::string NameOf(const TrialStep& step) {
     if (step.type == VELK_RESTART) {
         return "restart of " + step.interface;
     }
-    const std::optional<Setting> setting = FindSetting(step.id, step.interface);
-    return setting ? setting->name() : "command " + std::to_string(step.id);
+    const std::string setting = SettingOf(step);
+    return setting.empty() ? "command " + std::to_string(step.id) : setting;
 }
 
 LongestTime LongestTimeOf(const TrialRun& run, const std::vector<TrialStep>& steps) {
@@ -67,7 +74,7 @@ void NoteUnread(const TrialRun& run, const std::vector<TrialStep>& steps, Report
             file != files.end() && std::ranges::any_of(steps, [&](const TrialStep& step) {
                 return step.type == VELK_SET && IsChangedBy(*file, step.id);
             });
-        if (image.error != 0 && is_changed) {
+        if (image.error == EACCES && is_changed) {
             report.Note(image.path + ": this user cannot read it, so its changes are not shown");
         }
     }
@@ -113,7 +120,7 @@ std::string ResultText(const TrialRun& run, const std::vector<TrialStep>& steps)
 
 ExitStatus Refuse(const TrialRun& run, const TrialStep& step, Report& report) {
     const Answer& answer = run.answers.back();
-    report.Complain(ProblemOf(NameOf(step) + ": would fail", "", answer));
+    report.Complain(ProblemOf(NameOf(step) + ": would fail", SettingOf(step), answer));
     return StatusOf(answer);
 }
 

@@ -29,6 +29,9 @@ member_orders = {
     "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
+    "preview": {verb: "results files steps longest_seconds then_waits_for"
+                for verb in ("set", "restart", "call")},
+    "trace": {"set": "files steps"},
     "states": {"status": "name configured running differs"},
     "findings": {"doctor": "severity subject effect description cause remedy settings"},
     "errors": {},
@@ -142,6 +145,27 @@ answers <<'END'
 0 status eth1 -> states
 0 call get 108 eth0 -> result data
 0 call set 108 eth0 --text 10.0.0.1 -> result
+END
+
+it 'answers a dry run and a trace with one document'
+answers <<'END'
+0 set eth0.dns 1.1.1.1 --dry-run -> preview
+0 set eth0.dns=1.1.1.1 eth0.method=dhcp administrator=x --dry-run -> preview
+0 set eth1.ssid lab --dry-run -> preview
+0 set eth0.address 192.168.0.12 --trace -> trace setting
+0 restart eth0 --dry-run -> preview
+0 restart eth1 --notify-only --dry-run -> preview
+0 call set 108 eth0 --text 10.0.0.1 --dry-run -> preview
+0 call restart 1 eth1 --dry-run -> preview
+2 call set 999 --dry-run -> preview; - LIB_VELK_INVALID_PARAMETER
+2 call get 108 eth0 --dry-run -> nothing; - -
+2 set eth0.dns nonsense --dry-run -> nothing; eth0.dns -
+3 locked set eth0.dns 1.1.1.1 --dry-run -> nothing; eth0.dns LIB_VELK_LOCKED
+!rm /etc/resolv.dnsmasq.conf && mkdir /etc/resolv.dnsmasq.conf
+1 set eth0.dns 1.1.1.1 --dry-run -> preview; eth0.dns LIB_VELK_FAILURE
+!mount --bind /etc/network/interfaces /etc/network/interfaces
+!mount -o remount,bind,ro /etc/network/interfaces
+6 set eth0.address 192.168.0.13 --dry-run -> preview; eth0.address -
 END
 
 it 'answers with the findings of the doctor, which are no errors'
@@ -329,6 +353,7 @@ error_is ''
 output_is 'get
 get
 show
+set
 set
 set
 restart
