@@ -72,7 +72,7 @@ constexpr std::array<VerbFlag, 5> kRestartFlags{{
     kDryRun,
 }};
 
-constexpr std::array<Verb, 10> kVerbs{{
+constexpr std::array<Verb, 11> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -226,6 +226,19 @@ constexpr std::array<Verb, 10> kVerbs{{
      {},
      kJsonFlags,
      RunDoctor},
+    {"selftest",
+     "[OPTION...]",
+     "try every command, without changing the device",
+     "Reads every setting, and sets each in a private copy of the device's files,\n"
+     "where it is read back. A command that needs the adapter, or the cable out, is\n"
+     "not tested without it. The exit status is 0 if none fails, else 1.\n"
+     "\n"
+     "Example:\n"
+     "  velkctl selftest",
+     {},
+     kChangeOptions,
+     kJsonFlags,
+     RunSelftest},
     {"call",
      "get|set|restart ID [INTERFACE] [OPTION...]",
      "run a command of the library without checks",

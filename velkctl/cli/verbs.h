@@ -98,6 +98,7 @@ ExitStatus RunCall(const Invocation& invocation, Report& report);
 ExitStatus RunExplain(const Invocation& invocation, Report& report);
 ExitStatus RunStatus(const Invocation& invocation, Report& report);
 ExitStatus RunDoctor(const Invocation& invocation, Report& report);
+ExitStatus RunSelftest(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

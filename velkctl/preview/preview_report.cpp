@@ -19,7 +19,7 @@ namespace {
 
 // The longest time of the real call.
 struct LongestTime {
-    long seconds = 0;         // of all waits with a limit
+    long seconds = 0;         // the sum of the waits with a limit
     std::string unlimited{};  // "the interface to come up"; empty: none
 };
 

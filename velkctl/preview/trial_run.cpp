@@ -104,7 +104,8 @@ std::vector<FileImage> FilesAfter(const std::vector<FileImage>& before, const Tr
 const Answer* CheckOf(const TrialRun& run, const std::vector<TrialStep>& steps, uint32_t id,
                       const std::string& interface) {
     for (size_t i = 0; i < std::min(run.answers.size(), steps.size()); ++i) {
-        if (steps[i].is_check && steps[i].id == id && steps[i].interface == interface) {
+        const bool is_wanted = steps[i].is_check && steps[i].type == VELK_GET;
+        if (is_wanted && steps[i].id == id && steps[i].interface == interface) {
             return &run.answers[i];
         }
     }

@@ -37,8 +37,8 @@ offered() {
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
 offered '' -- s -- li -- nonsense '' -- help d -- help get ''
-output_is 'get set show restart list describe explain status doctor call help
-set show status
+output_is 'get set show restart list describe explain status doctor selftest call help
+set show status selftest
 list
 (nothing)
 describe doctor

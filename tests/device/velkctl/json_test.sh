@@ -29,6 +29,7 @@ member_orders = {
     "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
+    "commands": {"selftest": "name id type verdict problem"},
     "preview": {verb: "results files steps longest_seconds then_waits_for"
                 for verb in ("set", "restart", "call")},
     "trace": {"set": "files steps"},
@@ -145,6 +146,13 @@ answers <<'END'
 0 status eth1 -> states
 0 call get 108 eth0 -> result data
 0 call set 108 eth0 --text 10.0.0.1 -> result
+END
+
+it 'answers with the commands that it has tried'
+answers <<'END'
+0 selftest -> commands
+!rm /etc/dhclient.conf
+1 selftest -> commands; dhcp-ntp LIB_VELK_FAILURE; dhcp-ntp LIB_VELK_FAILURE; eth0.method LIB_VELK_FAILURE; eth1.method LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE
 END
 
 it 'answers a dry run and a trace with one document'
@@ -363,6 +371,7 @@ explain
 explain
 status
 doctor
+selftest
 call'
 
 it 'has an example in velkctl(1) that the schema takes'
@@ -465,6 +474,10 @@ on_device sh -c "$tools"'
     try describe eth1.psk $psk
     try explain -1
     try doctor
+    try selftest
+    try set eth1.psk=$psk --dry-run
+    try set eth1.psk=$psk --trace
+    try call set 314 eth1 --text $psk --dry-run
     try call get 314 eth1
     try call get 310 eth1
     try call set 314 eth1 --text $psk
@@ -486,7 +499,7 @@ on_device sh -c "$tools"'
     velkctl call get 314 eth1 --show-secrets --json | grep -c "\"data\": \"$(printf %s $psk | od -An -tx1 | tr -d " \n")\""'
 status_is 0
 error_is ''
-output_is '78 runs
+output_is '86 runs
 Planted-7731-psk
 1
 1'

@@ -35,7 +35,7 @@ if command -v mandoc >/dev/null; then
     it 'has pages that set no word as an option, except the options of the programs'
     {
         velkctl --help
-        for verb in get set show restart list describe explain status doctor call; do
+        for verb in get set show restart list describe explain status doctor selftest call; do
             velkctl "$verb" --help
         done
         velk-sandbox --help

@@ -844,6 +844,7 @@ output_has '
   explain   explain a result of the library or an exit status
   status    compare the configuration with the running state
   doctor    look for problems with files, tools and daemons
+  selftest  try every command, without changing the device
   call      run a command of the library without checks
   help      show help for velkctl or for a verb
 '
@@ -867,7 +868,7 @@ for words in -h help 'help help' 'help --help'; do
 done
 
 it 'explains each verb, with an example'
-for verb in get set show restart list describe explain doctor call; do
+for verb in get set show restart list describe explain doctor selftest call; do
     run velkctl "$verb" --help
     status_is 0
     error_is ''
