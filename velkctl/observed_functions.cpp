@@ -44,7 +44,7 @@ unsigned sleep(unsigned seconds) {
 }
 
 void syslog(int priority, const char* format, ...) {
-    static auto* const real = Real<void(int, const char*, va_list)>("vsyslog");
+    static auto* const real = Real<void(int, const char*, ...)>("syslog");
     va_list arguments;
     va_start(arguments, format);
     char line[kLineSize];
@@ -52,9 +52,7 @@ void syslog(int priority, const char* format, ...) {
     va_end(arguments);
     velkctl::LibraryObserver* observer = velkctl::CurrentObserver();
     if (observer == nullptr || observer->TakeLogLine(line)) {
-        va_start(arguments, format);
-        real(priority, format, arguments);
-        va_end(arguments);
+        real(priority, "%s", line);
     }
 }
 

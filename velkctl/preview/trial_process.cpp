@@ -33,6 +33,7 @@ namespace velkctl {
 namespace {
 
 constexpr size_t kMostOutput = 64 * 1024;
+constexpr int kEndSeconds = 5;  // the kernel ends the processes one after the other
 
 // Shared by the processes of a trial.
 struct Trial {
@@ -173,6 +174,7 @@ TrialEnd RunTrialProcess(const std::vector<TrialStep>& steps, const CopyPlan& pl
     end.timed_out = !AwaitEnd(read_end.get(), timeout_seconds);
     if (end.timed_out) {
         (void)kill(process, SIGKILL);
+        (void)AwaitEnd(read_end.get(), kEndSeconds);
     }
     while (waitpid(process, nullptr, 0) == -1 && errno == EINTR) {
     }

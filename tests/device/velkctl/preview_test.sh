@@ -191,6 +191,19 @@ on_device sh -c 'exec 9<>/var/tmp/vklib_lock; flock 9; velkctl set eth0.dns 10.0
 output_is '3
 0'
 
+it 'leaves nothing when it is killed, or at the time limit'
+on_device bash -c 'kill $(cat /run/velk-sandbox/wland.pid); sleep 0.1
+    wland --reply silent --background
+    velkctl set eth1.ssid x --dry-run & trial=$!
+    until [ "$(pgrep -c -x velkctl)" -ge 3 ]; do sleep 0.02; done
+    kill -9 $trial; wait $trial 2>/dev/null
+    while pgrep -x velkctl >/dev/null; do sleep 0.02; done
+    velkctl set eth1.ssid x --dry-run --timeout 1; echo $?
+    pgrep -x velkctl || echo none'
+output_has '7
+none'
+error_has 'no answer after 1 s'
+
 it 'is one document with --json'
 on_device velkctl set eth0.dns 10.0.0.53 --dry-run --json
 status_is 0
