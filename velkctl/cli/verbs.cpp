@@ -30,6 +30,12 @@ constexpr VerbFlag kDryRun{"--dry-run", "show the changes, make them only in a p
 
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
+constexpr std::array<VerbOption, 3> kSelftestOptions{{
+    {"--root", "DIR", "try the files of an image in DIR, not those of the device",
+     &Invocation::root},
+    kWait,
+    kTimeout,
+}};
 constexpr std::array<VerbOption, 4> kCallOptions{{
     {"--text", "TEXT", "data bytes as text, at most 512; or - or @FILE", &Invocation::text},
     {"--hex", "HEX", "data bytes as pairs of hex digits; or - or @FILE", &Invocation::hex},
@@ -233,10 +239,13 @@ constexpr std::array<Verb, 11> kVerbs{{
      "where it is read back. A command that needs the adapter, or the cable out, is\n"
      "not tested without it. The exit status is 0 if none fails, else 1.\n"
      "\n"
-     "Example:\n"
-     "  velkctl selftest",
+     "With --root, only settings in files are tested, with the files below DIR.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl selftest\n"
+     "  velkctl selftest --root build/rootfs",
      {},
-     kChangeOptions,
+     kSelftestOptions,
      kJsonFlags,
      RunSelftest},
     {"call",

@@ -19,6 +19,7 @@ struct Invocation {
     std::vector<std::string> words{};  // all arguments that are not options
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
+    std::optional<std::string> root{};
     std::optional<std::string> wait{};     // seconds, unparsed
     std::optional<std::string> timeout{};  // seconds, unparsed
     TimeLimits limits{};                   // the same, parsed

@@ -32,14 +32,23 @@ std::string LinkTarget(const std::string& path) {
     return text.starts_with('/') ? text : FolderOf(path) + "/" + text;
 }
 
+// Returns the nearest folder of a path that exists.
+std::string NearestFolder(const std::string& path) {
+    std::string folder = FolderOf(path);
+    while (RealPath(folder).empty()) {
+        folder = FolderOf(folder);
+    }
+    return folder;
+}
+
 // Returns the path that a file has, or would have if it was made.
 std::string PlaceOf(const std::string& path) {
     if (std::string real = RealPath(path); !real.empty()) {
         return real;
     }
     const std::string target = LinkTarget(path);
-    const std::string folder = RealPath(FolderOf(target));
-    return folder.empty() ? path : folder + target.substr(target.rfind('/'));
+    const std::string folder = NearestFolder(target);
+    return RealPath(folder) + target.substr(folder == "/" ? 0 : folder.size());
 }
 
 bool MayWrite(const std::string& path) {
@@ -69,7 +78,11 @@ bool NeedsFolder(const PlannedFile& file) {
                   : IsChanged(path, Change::kWhole);
 }
 
+// Nothing can be mounted over the root folder.
 void AddFolder(CopyPlan& plan, const std::string& path, bool is_writable) {
+    if (path == "/") {
+        return;
+    }
     PlannedFolder folder{path, {}, is_writable};
     const bool is_known = velk::FindRow(plan.folders, path, &PlannedFolder::path) != nullptr;
     if (!is_known && stat(path.c_str(), &folder.facts) == 0) {
@@ -109,8 +122,11 @@ CopyPlan PlanCopy(const std::vector<FileImage>& images) {
         }
         // The tool that changes the file runs as root.
         const bool is_by_sudo = IsChanged(image.path, Change::kBySudo);
-        plan.files.push_back({image, PlaceOf(image.path), is_by_sudo || MayWrite(image.path)});
-        const std::string folder = FolderOf(plan.files.back().path);
+        const std::string place = PlaceOf(image.path);
+        const std::string folder = NearestFolder(place);
+        const bool is_new = image.exists && access(place.c_str(), F_OK) == -1;
+        const bool is_writable = is_by_sudo || is_new || MayWrite(image.path);
+        plan.files.push_back({image, place, folder, is_writable});
         if (NeedsFolder(plan.files.back())) {
             AddFolder(plan, folder, is_by_sudo || MayWrite(folder));
         }

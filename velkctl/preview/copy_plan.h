@@ -13,9 +13,10 @@ namespace velkctl {
 
 // A file that a command may change.
 struct PlannedFile {
-    FileImage image;   // its contents in the copy
-    std::string path;  // without symbolic links
-    bool is_writable;  // commands may write to it
+    FileImage image;     // its contents in the copy
+    std::string path;    // without symbolic links
+    std::string folder;  // the nearest one that exists
+    bool is_writable;    // commands may write to it
 };
 
 // A folder in which commands may make or remove files.

@@ -32,6 +32,7 @@ constexpr mode_t kStoreMode = 0700;
 constexpr mode_t kEditFolderMode = 01777;
 constexpr mode_t kWritableFile = 0644;
 constexpr mode_t kReadOnlyFile = 0444;
+constexpr mode_t kNewFolderMode = 0755;
 constexpr mode_t kReadOnlyFolder = 0555;
 constexpr const char* kTmpfsSize = "size=64m";
 
@@ -174,6 +175,14 @@ void SetOwner(const PlannedFolder& folder) {
     }
 }
 
+// Makes the folders between a folder and a file.
+void MakeFoldersBelow(const std::string& folder, const std::string& file) {
+    for (size_t slash = file.find('/', folder.size() + 1); slash != std::string::npos;
+         slash = file.find('/', slash + 1)) {
+        (void)mkdir(file.substr(0, slash).c_str(), kNewFolderMode);
+    }
+}
+
 void CopyMaker::MirrorFolder(const PlannedFolder& folder) {
     const velk::UniqueFd original(open(folder.path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     const std::vector<std::string> names = NamesIn(original.get());
@@ -187,8 +196,8 @@ void CopyMaker::MirrorFolder(const PlannedFolder& folder) {
         MirrorEntry({original.get(), name}, path);
     }
     for (const PlannedFile& file : plan_.files) {
-        const bool is_here = file.path.substr(0, file.path.rfind('/')) == folder.path;
-        if (is_here && file.image.exists && file.image.error == 0) {
+        if (file.folder == folder.path && file.image.exists && file.image.error == 0) {
+            MakeFoldersBelow(folder.path, file.path);
             WriteFile(file, file.path);
         }
     }
@@ -197,8 +206,7 @@ void CopyMaker::MirrorFolder(const PlannedFolder& folder) {
 }
 
 bool CopyMaker::IsInFolder(const PlannedFile& file) const {
-    const std::string folder = file.path.substr(0, file.path.rfind('/'));
-    return velk::FindRow(plan_.folders, folder, &PlannedFolder::path) != nullptr;
+    return velk::FindRow(plan_.folders, file.folder, &PlannedFolder::path) != nullptr;
 }
 
 // The first tmpfs over the folder of edit copies holds the copies. They stay bound to their places
@@ -216,7 +224,8 @@ void CopyMaker::MirrorFolders() {
 void CopyMaker::BindFiles() {
     size_t number = 0;
     for (const PlannedFile& file : plan_.files) {
-        if (!file.image.exists || file.image.error != 0 || IsInFolder(file)) {
+        const bool has_place = access(file.path.c_str(), F_OK) == 0;
+        if (!file.image.exists || file.image.error != 0 || !has_place || IsInFolder(file)) {
             continue;
         }
         const std::string source = plan_.edit_folder + "/" + std::to_string(++number);

@@ -55,6 +55,16 @@ TrialStep SetMethod(const Setting& setting, char method) {
     return step;
 }
 
+// An image has no lease: its addresses are read from its files.
+std::vector<TrialStep> StepsToRead(const Setting& setting, bool is_in_image) {
+    std::vector<TrialStep> steps;
+    if (is_in_image && IsAddressCommand(setting.row->id)) {
+        steps.push_back(SetMethod(setting, VELK_METHOD_STATIC));
+    }
+    steps.push_back({VELK_GET, setting.row->id, std::string(setting.interface)});
+    return steps;
+}
+
 std::vector<TrialStep> StepsToTry(const SettingChange& change) {
     std::vector<TrialStep> steps;
     const uint32_t id = change.setting.row->id;
@@ -69,13 +79,16 @@ std::vector<TrialStep> StepsToTry(const SettingChange& change) {
     return steps;
 }
 
+}  // namespace
+
 // Adds the likely reason for a set without effect, and the output of the tools.
-Problem NotHeld(const SettingChange& change, const Answer& answer) {
+Problem CommandTester::NotHeld(const SettingChange& change, const Answer& answer) const {
     const std::string name = change.setting.name();
     Problem problem{.message = name + ": a set reports success, but does not set the value",
                     .setting = name};
     const Findings causes =
-        Hindrances(change.setting, change.setting.row->kind->Print(change.value));
+        images_.empty() ? Hindrances(change.setting, change.setting.row->kind->Print(change.value))
+                        : Findings();
     if (!causes.empty()) {
         AddLikelyCause(problem, causes.front());
     } else if (!answer.tool_output.empty()) {
@@ -84,31 +97,55 @@ Problem NotHeld(const SettingChange& change, const Answer& answer) {
     return problem;
 }
 
-}  // namespace
+// The likely causes are those of the device, not of an image.
+Problem CommandTester::ProblemWith(const Setting& setting, const std::string& message,
+                                   const Answer& answer) const {
+    const std::string text = setting.name() + message;
+    return images_.empty() ? ProblemOfSet(text, setting, answer)
+                           : ProblemOf(text, setting.name(), answer);
+}
+
+// An image has no kernel and no daemon.
+std::optional<CommandTest> CommandTester::Untested(const Setting& setting,
+                                                   velk_command_type type) const {
+    if (images_.empty() || setting.row->held_in.holder == Holder::kFile) {
+        return std::nullopt;
+    }
+    const Problem problem{.message = setting.name() + ": is not held in a file",
+                          .setting = setting.name()};
+    return CommandTest{setting, type, Verdict::kUntested, problem};
+}
 
 CommandTest CommandTester::TestGet(const Setting& setting) {
+    if (const std::optional<CommandTest> untested = Untested(setting, VELK_GET)) {
+        return *untested;
+    }
     const bool is_of_daemon = setting.row->held_in.holder == Holder::kDaemon;
     if (is_of_daemon && daemon_is_silent_) {
         return {setting, VELK_GET, Verdict::kFails, ReadingProblem(setting, std::nullopt)};
     }
     const auto start = std::chrono::steady_clock::now();
-    const TrialStep step{VELK_GET, setting.row->id, std::string(setting.interface)};
-    const TrialRun run = RunTrial({step}, limits_);
+    const TrialRun run = RunTrial(StepsToRead(setting, !images_.empty()), limits_, images_);
     if (run.problem) {
         return {setting, VELK_GET, Verdict::kUntested, *run.problem};
     }
-    const Answer& answer = run.answers.front();
+    const Answer& answer = run.answers.back();
     if (answer.ok()) {
         return {
             .setting = setting, .type = VELK_GET, .value = setting.row->kind->Print(answer.data)};
     }
     const bool took_long = std::chrono::steady_clock::now() - start > kSilent;
     daemon_is_silent_ = is_of_daemon && (answer.timed_out || took_long);
-    return {setting, VELK_GET, VerdictOf(answer), ReadingProblem(setting, answer)};
+    const Problem problem = images_.empty() ? ReadingProblem(setting, answer)
+                                            : ProblemWith(setting, ": could not be read", answer);
+    return {setting, VELK_GET, VerdictOf(answer), problem};
 }
 
 CommandTest CommandTester::TestSet(const Setting& setting,
                                    const std::optional<CommandTest>& get) const {
+    if (const std::optional<CommandTest> untested = Untested(setting, VELK_SET)) {
+        return *untested;
+    }
     // A set of the daemon's configuration reads it first.
     const bool is_of_daemon = setting.row->held_in.holder == Holder::kDaemon;
     if (is_of_daemon && get && get->verdict != Verdict::kWorks) {
@@ -116,14 +153,14 @@ CommandTest CommandTester::TestSet(const Setting& setting,
     }
     const SettingChange change{setting, ValueToTry(setting, get ? get->value : "")};
     const std::vector<TrialStep> steps = StepsToTry(change);
-    const TrialRun run = RunTrial(steps, limits_);
+    const TrialRun run = RunTrial(steps, limits_, images_);
     if (run.problem) {
         return {setting, VELK_SET, Verdict::kUntested, *run.problem};
     }
     const Answer& last = run.answers.back();
     if (!run.ok()) {
         return {setting, VELK_SET, VerdictOf(last),
-                ProblemOfSet(setting.name() + ": could not be set", setting, last)};
+                ProblemWith(setting, ": could not be set", last)};
     }
     if (!HeldAfter(run, steps, StepOf(change)).value_or(true)) {
         return {setting, VELK_SET, Verdict::kFails, NotHeld(change, last)};

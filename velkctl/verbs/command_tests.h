@@ -4,10 +4,15 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "velkctl/call/command.h"
 #include "velkctl/call/time_limits.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/setting_change.h"
 
 namespace velkctl {
 
@@ -29,7 +34,9 @@ struct CommandTest {
 // Runs the commands in private copies of the device's files, so that no get waits for the link.
 class CommandTester {
   public:
-    explicit CommandTester(const TimeLimits& limits) : limits_(limits) {}
+    // With images the copies begin with these files, and only settings in files are tested.
+    explicit CommandTester(const TimeLimits& limits, std::vector<FileImage> images = {})
+        : limits_(limits), images_(std::move(images)) {}
 
     // Reads the setting. After one time-out of the wireless daemon its other settings are skipped.
     CommandTest TestGet(const Setting& setting);
@@ -39,7 +46,13 @@ class CommandTester {
     CommandTest TestSet(const Setting& setting, const std::optional<CommandTest>& get) const;
 
   private:
+    Problem ProblemWith(const Setting& setting, const std::string& message,
+                        const Answer& answer) const;
+    Problem NotHeld(const SettingChange& change, const Answer& answer) const;
+    std::optional<CommandTest> Untested(const Setting& setting, velk_command_type type) const;
+
     const TimeLimits limits_;
+    const std::vector<FileImage> images_;
     bool daemon_is_silent_ = false;
 };
 

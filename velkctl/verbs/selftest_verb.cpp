@@ -7,7 +7,11 @@
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include "velkctl/cli/verbs.h"
+#include "velkctl/files/file_image.h"
+#include "velkctl/preview/copy_plan.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/verbs/command_tests.h"
@@ -81,10 +85,31 @@ std::string Summary(const Tests& tests) {
     return text.append(std::to_string(CountOf(tests, Verdict::kUntested))).append(" not tested\n");
 }
 
+bool IsFolder(const std::string& path) {
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+}
+
+// Returns the files of an image, under the paths that they have on a device.
+std::vector<FileImage> ImagesIn(const std::string& root) {
+    std::vector<FileImage> images;
+    for (const std::string& path : ChangeableFiles()) {
+        FileImage image = ReadFileImage(root + path);
+        image.path = path;
+        images.push_back(std::move(image));
+    }
+    return images;
+}
+
 }  // namespace
 
 ExitStatus RunSelftest(const Invocation& invocation, Report& report) {
-    CommandTester tester(invocation.limits);
+    if (invocation.root && !IsFolder(*invocation.root)) {
+        return report.Refuse("selftest: " + invocation.Shown(*invocation.root) +
+                             " is not a folder; give the root folder of an image");
+    }
+    CommandTester tester(invocation.limits,
+                         invocation.root ? ImagesIn(*invocation.root) : std::vector<FileImage>());
     const std::vector<Setting> settings = Settings();
     const size_t width = NameWidth(settings);
     Tests all;

@@ -55,5 +55,29 @@ on_device sh -c 'kill $(cat /run/velk-sandbox/wland.pid); sleep 0.1; velk-sandbo
 status_is 1
 output_has 'eth1.ssid               get fails       set fails'
 
+it 'tries the files of an image, also where the device has no such folders'
+on_device sh -c 'cp -r '"$VELK_BUILD"'/rootfs /tmp/image
+    rm -rf /etc/network /etc/dhclient* /etc/resolv.dnsmasq.conf /var/cron /var/libvelk /usr/local/share/etc
+    velkctl selftest --root /tmp/image; echo $?
+    ls -d /etc/network /var/cron 2>&1 | wc -l
+    sed -i /ntpdate/d /tmp/image/var/cron/tabs/root; rm /tmp/image/etc/dhclient.conf
+    velkctl selftest --root /tmp/image; echo $?; cat /tmp/image/etc/network/interfaces | md5sum
+    md5sum <'"$VELK_BUILD"'/rootfs/etc/network/interfaces'
+output_has '
+eth0.dns                get works       set works
+'
+output_has '
+eth0.link-speed         get not tested  set not tested
+'
+output_has '42 commands work, 0 fail, 35 not tested
+0
+2'
+output_has 'ntp-server              get works       set fails'
+output_has 'dhcp-ntp                get fails       set fails'
+check 'the same file' 1 "$(tail -n 2 <<<"$output" | sort -u | wc -l)"
+on_device velkctl selftest --root /nowhere
+status_is 2
+error_is "velkctl: selftest: '/nowhere' is not a folder; give the root folder of an image"
+
 again_as_ordinary_user "${BASH_SOURCE[0]}"
 finish
