@@ -8,10 +8,14 @@
 #include <iterator>
 
 #include "velk.h"
+#include "velkctl/call/library_observer.h"
 
 namespace velkctl {
 
 Answer CallLibrary(const Command& command, const Data& data) {
+    if (LibraryObserver* observer = CurrentObserver(); observer != nullptr) {
+        observer->Begin(command);
+    }
     _velk_request request{};
     (void)command.interface.copy(request.interface, sizeof(request.interface));
     request.command_type = command.type;

@@ -28,6 +28,9 @@ constexpr VerbFlag kShowSecrets{"--show-secrets", "show keys instead of asterisk
 constexpr VerbFlag kNoPager{"--no-pager", "do not show a long output page by page",
                             &Invocation::no_pager};
 
+constexpr VerbFlag kDryRun{"--dry-run", "show the changes, make them only in a private copy",
+                           &Invocation::dry_run};
+
 constexpr std::array kReadOptions{kTimeout};
 constexpr std::array kChangeOptions{kWait, kTimeout};
 constexpr VerbOption kRestart{"--restart", "WHICH",
@@ -39,6 +42,12 @@ constexpr VerbOption kOnly{"--only", "NAMES", "only these settings, with commas 
 constexpr std::array kApplyOptions{kRestart, kWait, kTimeout};
 constexpr std::array kImportOptions{kOnly, kRestart, kWait, kTimeout};
 constexpr std::array kDiffOptions{kOnly, kTimeout};
+constexpr std::array<VerbOption, 3> kSelftestOptions{{
+    {"--root", "DIR", "try the files of an image in DIR, not those of the device",
+     &Invocation::root},
+    kWait,
+    kTimeout,
+}};
 constexpr std::array<VerbOption, 4> kCallOptions{{
     {"--text", "TEXT", "data bytes as text, at most 512; or - or @FILE", &Invocation::text},
     {"--hex", "HEX", "data bytes as pairs of hex digits; or - or @FILE", &Invocation::hex},
@@ -53,7 +62,7 @@ constexpr std::array<VerbFlag, 4> kToolFlags{{
     kVerbose,
 }};
 constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
-constexpr std::array kSecretFlags{kJson, kQuiet, kVerbose, kShowSecrets};
+constexpr std::array kCallFlags{kJson, kQuiet, kVerbose, kShowSecrets, kDryRun};
 constexpr std::array kShowFlags{kJson, kQuiet, kVerbose, kShowSecrets, kNoPager};
 constexpr std::array kListFlags{kJson, kQuiet, kVerbose, kNoPager};
 constexpr std::array<VerbFlag, 5> kGetFlags{{
@@ -63,13 +72,15 @@ constexpr std::array<VerbFlag, 5> kGetFlags{{
     kShowSecrets,
     {"--value", "print only the values, one per line, empty if none", &Invocation::bare_value},
 }};
-constexpr std::array<VerbFlag, 6> kSetFlags{{
+constexpr std::array<VerbFlag, 8> kSetFlags{{
     kJson,
     kQuiet,
     kVerbose,
     {"--force", "set the value even if it is not valid", &Invocation::force},
     {"--no-verify", "do not read the value back", &Invocation::no_verify},
     {"--no-journal", "keep no record; undo cannot take the set back", &Invocation::no_journal},
+    kDryRun,
+    {"--trace", "show the changes of files and the library's steps", &Invocation::trace},
 }};
 constexpr std::array<VerbFlag, 4> kUndoFlags{{
     kJson,
@@ -90,15 +101,16 @@ constexpr std::array<VerbFlag, 4> kExportFlags{{
     {"--include-secrets", "write keys, too; keep such a document private",
      &Invocation::include_secrets},
 }};
-constexpr std::array<VerbFlag, 4> kRestartFlags{{
+constexpr std::array<VerbFlag, 5> kRestartFlags{{
     kJson,
     kQuiet,
     kVerbose,
     {"--notify-only", "eth1: notify the wireless daemon only; eth1 stays up",
      &Invocation::notify_only},
+    kDryRun,
 }};
 
-constexpr std::array<Verb, 17> kVerbs{{
+constexpr std::array<Verb, 18> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -316,6 +328,22 @@ constexpr std::array<Verb, 17> kVerbs{{
      {},
      kJsonFlags,
      RunDoctor},
+    {"selftest",
+     "[OPTION...]",
+     "try every command, without changing the device",
+     "Reads every setting, and sets each in a private copy of the device's files,\n"
+     "where it is read back. A command that needs the adapter, or the cable out, is\n"
+     "not tested without it. The exit status is 0 if none fails, else 1.\n"
+     "\n"
+     "With --root, only settings in files are tested, with the files below DIR.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl selftest\n"
+     "  velkctl selftest --root build/rootfs",
+     {},
+     kSelftestOptions,
+     kJsonFlags,
+     RunSelftest},
     {"undo",
      "[ID] [OPTION...]",
      "take back a change of settings",
@@ -379,7 +407,7 @@ constexpr std::array<Verb, 17> kVerbs{{
      "  velkctl call set 314 eth1 --text @/run/keys/psk",
      {.least = 2, .most = 3, .second_is_number = true},
      kCallOptions,
-     kSecretFlags,
+     kCallFlags,
      RunCall},
 }};
 

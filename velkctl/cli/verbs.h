@@ -22,6 +22,7 @@ struct Invocation {
     std::vector<std::string> words{};  // all arguments that are not options
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
+    std::optional<std::string> root{};
     std::optional<std::string> wait{};     // seconds, unparsed
     std::optional<std::string> timeout{};  // seconds, unparsed
     TimeLimits limits{};                   // the same, parsed
@@ -37,6 +38,8 @@ struct Invocation {
     bool no_verify = false;
     bool no_journal = false;
     bool boot = false;
+    bool dry_run = false;
+    bool trace = false;
     bool no_pager = false;
     bool include_secrets = false;
     bool help = false;
@@ -111,6 +114,7 @@ ExitStatus RunDiff(const Invocation& invocation, Report& report);
 ExitStatus RunUndo(const Invocation& invocation, Report& report);
 ExitStatus RunHistory(const Invocation& invocation, Report& report);
 ExitStatus RunRecover(const Invocation& invocation, Report& report);
+ExitStatus RunSelftest(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

@@ -13,6 +13,8 @@
 #include "velkctl/call/device.h"
 #include "velkctl/changes/secret_source.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
@@ -183,6 +185,16 @@ void ReportAnswer(const Command& command, const Answer& answer, bool is_masked, 
     }
 }
 
+// A get changes nothing, so a trial of it would show nothing.
+ExitStatus TryCall(const Command& command, const Data& data, const Invocation& invocation,
+                   Report& report) {
+    if (command.type == VELK_GET) {
+        return report.Refuse("call: --dry-run is for set and restart; leave it out for get");
+    }
+    const TrialStep step{command.type, command.id, std::string(command.interface), data};
+    return ReportTrial(RunTrial({step}, invocation.limits), {step}, report);
+}
+
 }  // namespace
 
 ExitStatus RunCall(const Invocation& invocation, Report& report) {
@@ -195,6 +207,9 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
         return report.Refuse("call: " + data.problem);
     }
     const Command& command = parsed.command;
+    if (invocation.dry_run) {
+        return TryCall(command, data.data, invocation, report);
+    }
     Answer answer = Device(invocation.limits, report)
                         .Execute(command, data.data, "command " + std::to_string(command.id));
     if (answer.known_result() == LIB_VELK_INVALID_PARAMETER) {

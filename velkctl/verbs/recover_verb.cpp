@@ -4,10 +4,12 @@
 // recover_verb.cpp - the verb that takes back changes that were interrupted.
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
@@ -65,6 +67,9 @@ ExitStatus StatusOf(const PutBackResult& result) {
 ExitStatus RecoverEntry(const StoredEntry& stored, bool at_boot, const Device& device,
                         Report& report) {
     OpenChange change(stored);
+    if (const std::optional<Problem> problem = ExpectSteps(change, {.wait_seconds = 2})) {
+        report.Note(*problem);
+    }
     const PutBackResult result = TakeBack(change, {.skip_daemon = at_boot}, device, report);
     report.Inform("change " + change.entry().id + " of " + LocalTime(change.entry().time) + " " +
                   OutcomeOf(result) + "\n");

@@ -3,10 +3,13 @@
 
 // restart_verb.cpp - the verb that restarts an interface.
 #include <string>
+#include <vector>
 
 #include "velkctl/call/device.h"
 #include "velkctl/changes/interface_restart.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -38,12 +41,23 @@ ExitStatus RestartWhole(const std::string& interface, const TimeLimits& limits,
     return outcome.status;
 }
 
+// Restarts the interface in a private copy alone.
+ExitStatus TryRestart(const std::string& interface, const Invocation& invocation, Report& report) {
+    Data data{};
+    data[0] = invocation.notify_only ? VELK_RESTART_NOTIFY_ONLY : data[0];
+    const std::vector<TrialStep> steps{{VELK_RESTART, VELK_CMD_RESTART, interface, data}};
+    return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
+}
+
 }  // namespace
 
 ExitStatus RunRestart(const Invocation& invocation, Report& report) {
     const std::string& interface = invocation.words.front();
     if (invocation.notify_only && interface != VELK_WIRELESS_INTERFACE) {
         return report.Refuse("restart: --notify-only is for eth1; leave it out for " + interface);
+    }
+    if (invocation.dry_run) {
+        return TryRestart(interface, invocation, report);
     }
     const Device device(invocation.limits, report);
     return invocation.notify_only ? Notify(interface, device, report)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // set_verb.cpp - the verb that changes settings.
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@
 #include "velkctl/changes/change_words.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/set_record.h"
+#include "velkctl/preview/call_trace.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include "velkctl/text/assignment.h"
 #include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
@@ -87,19 +91,43 @@ Json SettingsInJson(const ChangeSet& changes, std::vector<MadeChange> made) {
     return settings;
 }
 
+// Makes the changes in a private copy alone.
+ExitStatus TryChanges(const ChangeSet& changes, const Invocation& invocation, Report& report) {
+    std::vector<TrialStep> steps = StepsOf(changes);
+    if (!invocation.no_verify) {
+        const std::vector<TrialStep> checks = ChecksOf(changes);
+        steps.insert(steps.end(), checks.begin(), checks.end());
+    }
+    return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
+}
+
+// Shows the steps of the library after the changes, also of those that failed.
+std::vector<MadeChange> MakeTraced(const ChangeSet& changes, ChangeOptions options,
+                                   const Device& device, bool is_traced, Report& report) {
+    std::optional<CallTrace> trace;
+    if (is_traced) {
+        trace.emplace();
+    }
+    std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
+    if (trace) {
+        trace->Print(report);
+    }
+    return made;
+}
+
 // Makes the changes, with an entry in the journal if wanted. Returns nothing if another run of
 // velkctl is changing settings; it is reported.
 std::vector<MadeChange> MakeRecorded(const ChangeSet& changes, const Invocation& invocation,
                                      Device& device, Report& report) {
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
     if (invocation.no_journal) {
-        return MakeChanges(changes, options, device, report);
+        return MakeTraced(changes, options, device, invocation.trace, report);
     }
     SetRecord record(changes, invocation.limits.wait_seconds, device, report);
     if (record.is_refused()) {
         return {};
     }
-    std::vector<MadeChange> made = MakeChanges(changes, options, device, report);
+    std::vector<MadeChange> made = MakeTraced(changes, options, device, invocation.trace, report);
     record.Finish();
     return made;
 }
@@ -111,6 +139,9 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const ChangeSet changes = CheckedChanges(invocation, device, report);
     if (changes.empty()) {
         return ExitStatus::kInvalid;
+    }
+    if (invocation.dry_run) {
+        return TryChanges(changes, invocation, report);
     }
     const bool is_single = !IsAssignment(invocation.words.front());
     const SetNotes notes(SettingsToSet(changes), device,

@@ -40,8 +40,8 @@ offered() {
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
 offered '' -- s -- li -- nonsense '' -- help d -- help get ''
-output_is 'get set show restart apply export import diff list describe explain status doctor undo history recover call help
-set show status
+output_is 'get set show restart apply export import diff list describe explain status doctor selftest undo history recover call help
+set show status selftest
 list
 (nothing)
 diff describe doctor

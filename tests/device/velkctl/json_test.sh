@@ -32,6 +32,10 @@ member_orders = {
     "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
+    "commands": {"selftest": "name id type verdict problem"},
+    "preview": {verb: "results files steps longest_seconds then_waits_for"
+                for verb in ("set", "restart", "call")},
+    "trace": {"set": "files steps"},
     "states": {"status": "name configured running differs"},
     "changes": {"apply": "name old new", "import": "name old new"},
     "restarts": {"apply": "interface seconds state"},
@@ -149,6 +153,34 @@ answers <<'END'
 0 status eth1 -> states
 0 call get 108 eth0 -> result data
 0 call set 108 eth0 --text 10.0.0.1 -> result
+END
+
+it 'answers with the commands that it has tried'
+answers <<'END'
+0 selftest -> commands
+!rm /etc/dhclient.conf
+1 selftest -> commands; dhcp-ntp LIB_VELK_FAILURE; dhcp-ntp LIB_VELK_FAILURE; eth0.method LIB_VELK_FAILURE; eth1.method LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE
+END
+
+it 'answers a dry run and a trace with one document'
+answers <<'END'
+0 set eth0.dns 1.1.1.1 --dry-run -> preview
+0 set eth0.dns=1.1.1.1 eth0.method=dhcp administrator=x --dry-run -> preview
+0 set eth1.ssid lab --dry-run -> preview
+0 set eth0.address 192.168.0.12 --trace -> trace setting
+0 restart eth0 --dry-run -> preview
+0 restart eth1 --notify-only --dry-run -> preview
+0 call set 108 eth0 --text 10.0.0.1 --dry-run -> preview
+0 call restart 1 eth1 --dry-run -> preview
+2 call set 999 --dry-run -> preview; - LIB_VELK_INVALID_PARAMETER
+2 call get 108 eth0 --dry-run -> nothing; - -
+2 set eth0.dns nonsense --dry-run -> nothing; eth0.dns -
+3 locked set eth0.dns 1.1.1.1 --dry-run -> nothing; eth0.dns LIB_VELK_LOCKED
+!rm /etc/resolv.dnsmasq.conf && mkdir /etc/resolv.dnsmasq.conf
+1 set eth0.dns 1.1.1.1 --dry-run -> preview; eth0.dns LIB_VELK_FAILURE
+!mount --bind /etc/network/interfaces /etc/network/interfaces
+!mount -o remount,bind,ro /etc/network/interfaces
+6 set eth0.address 192.168.0.13 --dry-run -> preview; eth0.address -
 END
 
 it 'answers with the findings of the doctor, which are no errors'
@@ -356,6 +388,7 @@ get
 show
 set
 set
+set
 restart
 apply
 import
@@ -367,6 +400,7 @@ explain
 explain
 status
 doctor
+selftest
 undo
 history
 recover
@@ -472,6 +506,10 @@ on_device sh -c "$tools"'
     try describe eth1.psk $psk
     try explain -1
     try doctor
+    try selftest
+    try set eth1.psk=$psk --dry-run
+    try set eth1.psk=$psk --trace
+    try call set 314 eth1 --text $psk --dry-run
     try call get 314 eth1
     try call get 310 eth1
     try call set 314 eth1 --text $psk
@@ -493,7 +531,7 @@ on_device sh -c "$tools"'
     velkctl call get 314 eth1 --show-secrets --json | grep -c "\"data\": \"$(printf %s $psk | od -An -tx1 | tr -d " \n")\""'
 status_is 0
 error_is ''
-output_is '78 runs
+output_is '86 runs
 Planted-7731-psk
 1
 1'

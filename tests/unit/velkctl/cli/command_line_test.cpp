@@ -51,6 +51,7 @@ TEST_F(CommandLine, ShowsTheHelpOfAVerb) {
         "  --quiet             print only values and problems\n"
         "  --verbose           print also the output of tools\n"
         "  --notify-only       eth1: notify the wireless daemon only; eth1 stays up\n"
+        "  --dry-run           show the changes, make them only in a private copy\n"
         "\n"
         "Prints the address that the interface has then. Exit status 6: it is not up, or\n"
         "has no address.\n"

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// expected_images.h - the files that an interrupted change would have made.
+#ifndef VELKCTL_JOURNAL_EXPECTED_IMAGES_H_
+#define VELKCTL_JOURNAL_EXPECTED_IMAGES_H_
+
+#include <optional>
+
+#include "velkctl/call/time_limits.h"
+#include "velkctl/journal/open_change.h"
+#include "velkctl/report/report.h"
+
+namespace velkctl {
+
+// Runs the steps of an interrupted change in a private copy that begins with the files from before,
+// and records the files after each step. So a file that was cut in a step, or written in full
+// before its image was recorded, is recognised as the change's own. Returns the problem if no trial
+// is possible; such a file is then treated like that of another program.
+std::optional<Problem> ExpectSteps(OpenChange& change, const TimeLimits& limits);
+
+}  // namespace velkctl
+
+#endif  // VELKCTL_JOURNAL_EXPECTED_IMAGES_H_
