@@ -91,7 +91,7 @@ TEST(PreviewReport, ComplainsAboutAFailedStepWithTheOutputOfTools) {
     EXPECT_EQ(shown.output,
               "no file would change\nlongest time: no wait; only the time to change files\n");
     EXPECT_EQ(shown.error.substr(0, shown.error.find("fail") + 4),
-              "velkctl: note: sh: no\nvelkctl: command 999: would fail");
+              "velkctl: sh: no\nvelkctl: command 999: would fail");
 }
 
 TEST(PreviewReport, ShowsNothingElseIfTheLockIsHeld) {
