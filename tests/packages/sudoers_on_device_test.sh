@@ -111,4 +111,6 @@ as_user velkctl set administrator 'Robin'
 status_is 0
 check 'the identity file' 'ADMINISTRATOR=Robin' "$(grep -a '^ADMINISTRATOR=' /var/libvelk/libvelk)"
 check "the agent's file" '' "$(grep Robin $agent)"
+as_user velkctl doctor
+output_has 'sed may not be run through sudo by this user without a password'
 finish
