@@ -17,9 +17,9 @@
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/masking.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
-#include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -155,7 +155,7 @@ std::string ResultText(const Answer& answer) {
     if (answer.ok()) {
         return DescribeResult(answer.result);
     }
-    return InLines(
+    return MessageLines(
         {.message = FailureReason(answer), .result = answer.result, .detail = answer.note});
 }
 
