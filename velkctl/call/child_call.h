@@ -13,6 +13,7 @@
 #include <sys/types.h>
 
 #include "lib/base/unique_fd.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/command.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/process_list.h"

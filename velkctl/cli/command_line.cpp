@@ -60,8 +60,8 @@ std::string UnknownVerb(std::string_view word) {
     const std::vector<std::string> names = VerbNames();
     const std::vector<std::string> settings = NamesMeant(word);
     if (SpellingSuggestions(word, names).empty() && !settings.empty()) {
-        return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
-               "? Give a verb before it, such as get or describe";
+        return "unknown verb " + Quoted(word) + Suggestion(settings, "the setting ") +
+               " Give a verb before it, such as get or describe";
     }
     return "unknown verb " + Quoted(word) + DidYouMean(word, names, kSeeHelp);
 }

@@ -61,7 +61,7 @@ std::string Format(const Finding& finding) {
     const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
     return NameInColour(finding.severity) + ": " +
            Printable(finding.subject + " " + finding.effect) + "\n  " +
-           InLinesOf80(Printable(reason), 2) + "\n" +
+           WrappedAt80(Printable(reason), 2) + "\n" +
            (finding.remedy.empty() ? "" : "  fix: " + Printable(finding.remedy) + "\n");
 }
 

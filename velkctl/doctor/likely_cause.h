@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/doctor/finding.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"

@@ -7,7 +7,7 @@
 #include <ctime>
 
 #include "lib/ipconf/interfaces_file.h"
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/value_checks.h"

@@ -5,9 +5,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "velkctl/call/command.h"
 #include "velkctl/doctor/set_checks.h"
 #include "velkctl/settings/kinds_of_settings.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/hex.h"
 
 namespace velkctl {

@@ -18,7 +18,7 @@ using AffectedSettings = std::vector<Setting>;
 
 bool Includes(const AffectedSettings& affected, const Setting& setting);
 
-// Returns their full names in the order of the catalogue: "eth0.method".
+// Returns the full names of the settings in the order of the catalogue: "eth0.method".
 std::vector<std::string> NamesOf(const AffectedSettings& affected);
 
 AffectedSettings Together(AffectedSettings all, const AffectedSettings& more);
@@ -39,7 +39,7 @@ AffectedSettings SettingsReadWith(std::string_view tool = "");
 
 // Returns the settings that the wireless daemon answers for.
 AffectedSettings WirelessSettings();
-// Returns those of its configuration, which it keeps with and without an adapter.
+// Returns the settings of the daemon's configuration, with or without an adapter.
 AffectedSettings WirelessConfiguration();
 // Returns the settings that are refused while no adapter is attached.
 AffectedSettings AdapterFacts();

@@ -394,7 +394,7 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
         return UnknownInterface(name, Quoted(name));
     }
     if (const std::vector<std::string> meant = GuessedNames(name); !meant.empty()) {
-        return "unknown setting " + Quoted(name) + "; did you mean " + OneOf(meant) + "?";
+        return "unknown setting " + Quoted(name) + Suggestion(meant);
     }
     return "unknown setting " + Quoted(name) + "; 'velkctl list' names them all";
 }

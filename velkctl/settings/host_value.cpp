@@ -34,7 +34,7 @@ std::string_view LastLabel(std::string_view name) {
     return name.substr(name.rfind('.') + 1);
 }
 
-bool IsNumber(std::string_view label) {
+bool IsNumericLabel(std::string_view label) {
     return label.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
@@ -101,7 +101,8 @@ std::string HostProblem(const std::string& word) {
     if (std::string problem = LengthProblem(word); !problem.empty()) {
         return problem;
     }
-    return IsNumber(LastLabel(WithoutEndDot(word))) ? NotIpv4Problem(word, "an IPv4 address") : "";
+    return IsNumericLabel(LastLabel(WithoutEndDot(word))) ? NotIpv4Problem(word, "an IPv4 address")
+                                                          : "";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "velk/request.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {

@@ -97,7 +97,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report) {
     Json described = Json::array();
     for (const Setting& setting : settings) {
         report.Text(FittedToTerminal(Describe(setting)));
-        described.push_back(SettingInJson(setting));
+        described.push_back(FactsInJson(setting));
     }
     report.Member("settings", std::move(described));
     return ExitStatus::kDone;

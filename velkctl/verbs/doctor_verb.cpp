@@ -21,7 +21,7 @@ Findings WithoutRemedies(Findings findings) {
 ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
     const std::string other_machine = DescribeOtherMachine();
     if (!other_machine.empty()) {
-        report.Text(InLinesOf80(other_machine, 0) + "\n");
+        report.Text(WrappedAt80(other_machine, 0) + "\n");
     }
     const Findings findings = ExamineDevice(report);
     // On another machine, a remedy such as mkdir would change that machine.

@@ -33,7 +33,7 @@ bool HaveSameReason(const Problem& one, const Problem& other) {
     return one.detail == other.detail && one.remedy == other.remedy && one.result == other.result;
 }
 
-Problem ProblemOf(const UnreadSettings& unread) {
+Problem GroupProblem(const UnreadSettings& unread) {
     const SettingGroup& settings = unread.settings;
     Problem problem = unread.problem;
     if (settings.size() > 1) {
@@ -71,7 +71,7 @@ class Readings {
     // Returns the status of the first failure.
     ExitStatus Finish() {
         for (const UnreadSettings& unread : unread_) {
-            report_.Complain(ProblemOf(unread));
+            report_.Complain(GroupProblem(unread));
         }
         report_.Member("settings", std::move(readings_));
         return status_;

@@ -44,7 +44,7 @@ ExitStatus RunList(const Invocation& invocation, Report& report) {
         rows.Begin(group);
         rows.Add(RowsOf(group, width));
         for (const Setting& setting : group) {
-            listed.push_back(SettingInJson(setting));
+            listed.push_back(FactsInJson(setting));
         }
     }
     rows.Finish();

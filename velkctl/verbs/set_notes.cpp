@@ -83,7 +83,7 @@ void NoteIfMethodMaySwitchIt(const Setting& setting, const Device& device, Repor
     if (!device.HasStaticMethod(setting.interface) || device.PrintedValue(setting) != "off") {
         return;
     }
-    report.Note(Problem{.message = setting.name() + ": is off while " + method_name + " is static",
+    report.Note(Problem{.message = setting.name() + " is off while " + method_name + " is static",
                         .setting = setting.name(),
                         .detail = "dhcp may switch it on again",
                         .remedy = "set it again after 'velkctl set " + method_name + " dhcp'"});
@@ -151,7 +151,7 @@ void SetNotes::PrintSwitched(const std::vector<Setting>& done, Report& report) c
         const std::string value = device_.PrintedValue(other.setting);
         if (!value.empty() && value != other.value) {
             std::string text = other.setting.name();
-            text.append(": is ").append(value).append(" now, switched by ").append(cause);
+            text.append(" is ").append(value).append(" now, switched by ").append(cause);
             report.Note(text);
         }
     }

@@ -155,7 +155,7 @@ it 'notes that a change of the method undoes dhcp-dns off'
 script 'velkctl set eth0.dhcp-dns off'
 status_is 0
 output_is ''
-error_is "velkctl: note: eth0.dhcp-dns: is off while eth0.method is static
+error_is "velkctl: note: eth0.dhcp-dns is off while eth0.method is static
   dhcp may switch it on again
   fix: set it again after 'velkctl set eth0.method dhcp'"
 
@@ -167,10 +167,10 @@ error_is ''
 it 'notes the other settings that a change of the method switches'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.method static'
 status_is 0
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
-velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns is off now, switched by eth0.method'
 script 'velkctl set eth0.method dhcp --json'
-output_has '"eth0.dhcp-dns: is on now, switched by eth0.method"'
+output_has '"eth0.dhcp-dns is on now, switched by eth0.method"'
 
 it 'notes that a new address or mask puts the gateway outside the network'
 script 'velkctl set eth0.address 10.0.0.5'
@@ -218,7 +218,7 @@ it 'notes the address and mask that a static interface lacks'
 script 'velkctl set eth1.method static && velkctl set eth1.address 10.0.0.4
     velkctl doctor; velkctl set eth1.netmask 255.0.0.0; velkctl doctor'
 status_is 0
-error_is 'velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method
+error_is 'velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method
 velkctl: note: eth1.address and eth1.netmask are missing
   eth1.method is static, and ifup needs them
   fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK
@@ -248,7 +248,7 @@ output_is '2
 192.168.0.10'
 error_is 'velkctl: eth1.address: 192.168.0.5 is also the new value of eth0.address
   fix: give each interface an address of its own, or give --force
-velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method'
+velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method'
 script 'velkctl set eth0.address=192.168.0.5 eth1.address=192.168.0.5'
 status_is 0
 

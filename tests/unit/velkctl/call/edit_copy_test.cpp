@@ -109,7 +109,7 @@ TEST_F(EditCopyTest, DoesNotTrustLinksNorOtherKindsOfFiles) {
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
-// A program of root's that was made to write somewhere else makes files of this mode as a rule.
+// Files that root's programs make for others usually have one of these modes.
 TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     WriteFile(kCrontab, "");
     WriteCopy("a\n");
