@@ -39,7 +39,7 @@ lacks build clang++ clang 'cmake ninja g++' fuzz
 lacks format clang-format clang-format ''
 lacks abi abidw abigail-tools ''
 lacks abi g++ g++ 'abidw cmake ninja'
-for script in plain-language folder-graph declared-programs coverage mutate; do
+for script in plain-language folder-graph declared-programs coverage mutate includes; do
     lacks "$script" python3 python3 ''
 done
 if [ "$(id -u)" -eq 0 ]; then
