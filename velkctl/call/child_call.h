@@ -17,6 +17,7 @@
 #include "velkctl/call/command.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/process_list.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

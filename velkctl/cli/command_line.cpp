@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "lib/base/find_row.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"

@@ -21,7 +21,7 @@ bool Includes(const AffectedSettings& affected, const Setting& setting);
 // Returns the full names of the settings in the order of the catalogue: "eth0.method".
 std::vector<std::string> NamesOf(const AffectedSettings& affected);
 
-AffectedSettings Together(AffectedSettings all, const AffectedSettings& more);
+AffectedSettings UnionOf(AffectedSettings all, const AffectedSettings& more);
 
 // Returns the setting with this id on the interface; on each of its interfaces if that is empty.
 AffectedSettings SettingsOf(uint32_t id, std::string_view interface = "");

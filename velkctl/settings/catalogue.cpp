@@ -12,6 +12,7 @@
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/settings/time_entry.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"

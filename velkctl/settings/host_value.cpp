@@ -11,6 +11,7 @@
 #include <netinet/in.h>
 
 #include "lib/base/words.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"

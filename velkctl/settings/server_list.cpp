@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 #include <nlohmann/json.hpp>

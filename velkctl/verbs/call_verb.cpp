@@ -10,11 +10,17 @@
 #include <vector>
 
 #include "lib/base/find_row.h"
+#include "velk/request.h"
+#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/hex.h"
 #include "velkctl/text/masking.h"

@@ -11,6 +11,8 @@
 #include "velkctl/cli/secret_source.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {

@@ -4,6 +4,9 @@
 // doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {

@@ -8,12 +8,16 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_patterns.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/selected_settings.h"
 #include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_reader.h"

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_values.h"

@@ -8,7 +8,9 @@
 #include <string_view>
 
 #include "lib/base/paths.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {

@@ -9,12 +9,18 @@
 #include <thread>
 #include <utility>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/files/interface_state.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/restart_result.h"
 #include <nlohmann/json.hpp>
 

@@ -30,7 +30,7 @@ AffectedSettings SettingsBeside(const Setting& setting) {
 AffectedSettings SettingsBeside(const std::vector<Setting>& settings) {
     AffectedSettings beside;
     for (const Setting& setting : settings) {
-        beside = Together(std::move(beside), SettingsBeside(setting));
+        beside = UnionOf(std::move(beside), SettingsBeside(setting));
     }
     std::erase_if(beside, [](const Setting& other) { return !other.can_get(); });
     return beside;

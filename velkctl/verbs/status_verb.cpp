@@ -16,8 +16,11 @@
 #include "velkctl/files/lock_holder.h"
 #include "velkctl/files/running_gateway.h"
 #include "velkctl/files/unix_socket.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>

@@ -89,18 +89,19 @@ script 'sed -i "/^iface eth0/a\\\\thwaddress ether 02:00:00:00:00:01" /etc/netwo
 status_is 0
 output_is 'ether 02:00:00:00:00:01'
 error_is "velkctl: note: eth0.address is read and set in the wrong line
-  /etc/network/interfaces:8: the library takes 'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '
+  /etc/network/interfaces:8: the library takes this line for the address line
+  'hwaddress ether 02:00:00:00:00:01' contains 'address '
   fix: move it below line 9"
 script 'sed -i "/^iface eth0/a\\\\t# my address is" /etc/network/interfaces; velkctl get eth0.address'
 error_has "  fix: remove the word 'address' from the comment"
 script 'sed -i "s/ntpdate -u/ntpdate -t 5/" /var/cron/tabs/root; velkctl get ntp-server'
 output_is 5
 error_is "velkctl: note: ntp-server is read and set in the wrong place
-  /var/cron/tabs/root:1: the option '-t 5' is taken for it
+  /var/cron/tabs/root:1: the library takes the option '-t 5' for the server
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 script 'sed -i "1i # ntpdate sets the clock" /var/cron/tabs/root; velkctl get ntp-server'
 output_is sets
-error_is "velkctl: note: ntp and ntp-server would change a comment
+error_is "velkctl: note: a set of ntp or ntp-server would change a comment
   /var/cron/tabs/root:1: '# ntpdate sets the clock' is taken for an entry
   fix: remove the word 'ntpdate' from the comment"
 
@@ -109,8 +110,8 @@ script 'sed -i "s/ntpdate -u .*/ntpdate -u bad;host/" /var/cron/tabs/root
     velkctl get ntp-server; velkctl doctor'
 status_is 1
 error_is 'velkctl: note: ntp-server cannot be set
-  /var/cron/tabs/root:1: the server is its last word
-  setting it joins the entry with the next line
+  /var/cron/tabs/root:1: the server is the last word of the line
+  a set joins the entry with the next line
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log'
 check 'findings about values' 0 "$(grep -c 'not valid' "$lib_folder/out")"
 
