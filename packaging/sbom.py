@@ -16,8 +16,11 @@ import re
 import subprocess
 import sys
 
-# Compiled into the programs, as they are headers alone.
-COMPILED_IN = {"velk-tools": ["nlohmann-json3-dev"], "velk-sandbox": ["libcli11-dev"]}
+# Compiled into the programs, as they are headers alone: package, licence, copyright.
+COMPILED_IN = {
+    "velk-tools": [("nlohmann-json3-dev", "MIT", "2013-2022 Niels Lohmann")],
+    "velk-sandbox": [("libcli11-dev", "BSD-3-Clause", "2017-2021 University of Cincinnati")],
+}
 
 
 def fields(text):
@@ -30,7 +33,7 @@ def identifier(name):
     return "SPDXRef-Package-" + re.sub(r"[^A-Za-z0-9.-]", "-", name)
 
 
-def described(name, version, license_text="NOASSERTION", **more):
+def described(name, version, license_text="NOASSERTION", owner="NOASSERTION", **more):
     return {
         "SPDXID": identifier(name),
         "name": name,
@@ -39,7 +42,7 @@ def described(name, version, license_text="NOASSERTION", **more):
         "filesAnalyzed": False,
         "licenseConcluded": license_text,
         "licenseDeclared": license_text,
-        "copyrightText": "2026 The libvelk authors" if license_text == "MIT" else "NOASSERTION",
+        "copyrightText": owner,
         **more,
     }
 
@@ -67,14 +70,14 @@ def main(buildinfo):
         control = control_of(path)
         name = control["Package"]
         packages[name] = described(
-            name, control["Version"], "MIT", packageFileName=file,
+            name, control["Version"], "MIT", "2026 The libvelk authors", packageFileName=file,
             checksums=[{"algorithm": "SHA256", "checksumValue": digest}])
         relations.append(related("SPDXRef-DOCUMENT", "DESCRIBES", identifier(name)))
         for other in re.findall(r"(?:^|, *)([a-z0-9.+-]+)", control.get("Depends", "")):
             packages.setdefault(other, described(other, versions.get(other, "NOASSERTION")))
             relations.append(related(identifier(name), "DEPENDS_ON", identifier(other)))
-        for other in COMPILED_IN.get(name, []):
-            packages.setdefault(other, described(other, versions[other]))
+        for other, license_text, owner in COMPILED_IN.get(name, []):
+            packages.setdefault(other, described(other, versions[other], license_text, owner))
             relations.append(related(identifier(name), "STATIC_LINK", identifier(other)))
 
     epoch = int(re.search(r'SOURCE_DATE_EPOCH="(\d+)"', build["Environment"]).group(1))

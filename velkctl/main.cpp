@@ -9,7 +9,9 @@
 
 #include "velkctl/call/environment.h"
 #include "velkctl/cli/command_line.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
+#include "velkctl/report/report.h"
 #include "velkctl/text/escaping.h"
 
 namespace {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "lib/base/paths.h"
+#include "lib/base/unique_fd.h"
 #include "velk/request.h"
 
 namespace velk {

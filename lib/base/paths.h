@@ -39,6 +39,9 @@ inline constexpr char kWebUpdater[] = "/usr/bin/web_contents_updater.pl";
 // The former address of the wired port, kept by another program of the device.
 inline constexpr char kOldAddressFile[] = "/tmp/oldIPAddress";
 
+// The leases of the DHCP client.
+inline constexpr char kLeaseFolder[] = "/var/lib/dhcp";
+
 // The wireless adapters that the device supports, and the attached USB devices.
 inline constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";

@@ -4,6 +4,8 @@
 // dispatch.cpp - the entry point: checks a request, finds its command and runs it.
 #include <cstring>
 #include <exception>
+#include <span>
+#include <string_view>
 
 #include <pthread.h>
 

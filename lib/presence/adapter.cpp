@@ -21,7 +21,9 @@ namespace {
 constexpr char kBuiltInModel[] = "QT4408RKM";
 constexpr size_t kKeyLength = 4;  // the length of "VID=" and "PID="
 
-// Returns the hexadecimal number after a key at the start of the line.
+// Returns the hexadecimal number after a key at the start of the line. Unlike ParseLeadingNumber(),
+// strtoul(3) allows blanks, a sign and "0x" before it, and a number that is too large is the
+// largest one.
 unsigned NumberAfterKey(std::string_view line) {
     const std::string text(line.substr(kKeyLength));
     const unsigned long number = strtoul(text.c_str(), nullptr, 16);

@@ -9,6 +9,7 @@
 #include "lib/base/data_area.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
+#include "lib/base/shell.h"
 #include "lib/base/words.h"
 #include "velk/request.h"
 #include "velk/wired.h"

@@ -46,7 +46,7 @@ std::vector<Folder> DeviceFolders() {
         {FolderOf(velk::kSupportList), 0755},
         {FolderOf(velk::kSnmpFile), 0755},
         {FolderOf(velk::kCrontab), 0700},
-        {"/var/lib/dhcp", 0755},
+        {velk::kLeaseFolder, 0755},
         {FolderOf(velk::kIdentityFile), 0755},
         {FolderOf(velk::kSyslogPrefix), 0755},
     };

@@ -22,6 +22,7 @@
 
 #include "lib/base/join_text.h"
 #include "lib/base/paths.h"
+#include "lib/base/unique_fd.h"
 #include "sandbox/device/mounts.h"
 #include "sandbox/process/failure.h"
 

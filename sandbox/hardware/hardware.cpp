@@ -7,6 +7,8 @@
 #include <fstream>
 #include <optional>
 
+#include "sandbox/device/network_control.h"
+#include "sandbox/hardware/cable.h"
 #include "sandbox/hardware/static_address.h"
 #include "sandbox/hardware/tap_ports.h"
 #include "sandbox/process/failure.h"
@@ -71,7 +73,7 @@ void Hardware::MakePorts() {
 
 void Hardware::Execute(const std::string& order) {
     if (order == "cable in" || order == "cable out") {
-        MoveCable(order == "cable in");
+        MoveCable(ports_.get(), order == "cable in");
     } else if (order == "adapter in") {
         PlugAdapter();
     } else if (order == "adapter out") {
@@ -81,13 +83,6 @@ void Hardware::Execute(const std::string& order) {
     } else {
         throw Failure("unknown order: " + order);
     }
-}
-
-void Hardware::MoveCable(bool in) {
-    if (ports_ == nullptr) {
-        throw Failure("this device has no interfaces, so it has no cable");
-    }
-    ports_->SetCarrier(kWiredPort, in);
 }
 
 // The list of USB devices changes first here and last in PlugAdapter(): as long as the list shows

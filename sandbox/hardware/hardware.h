@@ -45,7 +45,6 @@ class Hardware {
   private:
     void MakePorts();
     std::string StartDaemon() const;
-    void MoveCable(bool in);
     void PullAdapter();
     void PlugAdapter();
     void MoveRouter(bool in);

@@ -16,7 +16,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "sandbox/device/network_control.h"
 #include "sandbox/hardware/netns_scope.h"
+#include "sandbox/hardware/ports.h"
 #include "sandbox/hardware/time_server.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/messages.h"

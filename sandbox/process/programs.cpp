@@ -15,6 +15,7 @@
 namespace sandbox {
 namespace {
 
+// The folders of programs on the machine. velkctl's kToolFolders are the folders on the device.
 constexpr const char* kFolders[] = {"/usr/local/sbin/", "/usr/local/bin/", "/usr/sbin/",
                                     "/usr/bin/",        "/sbin/",          "/bin/"};
 

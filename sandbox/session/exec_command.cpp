@@ -25,7 +25,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The folders of system tools. The search path of an ordinary user often lacks them.
+// The folders of system tools. The search path of an ordinary user often lacks them, but not the
+// other folders in which FindProgram() looks.
 constexpr const char* kSystemFolders[] = {"/usr/local/sbin", "/usr/sbin", "/sbin"};
 constexpr char kDefaultPath[] = "/usr/local/bin:/usr/bin:/bin";
 
@@ -45,7 +46,7 @@ void PrintHiddenFolder(const fs::path& program) {
     const fs::path path = fs::absolute(program).lexically_normal();
     const fs::path folder = PrivateFolderOf(path);
     std::error_code error;
-    // A program that exists lacks its interpreter.
+    // If the program exists, the missing file is its interpreter.
     if (folder.empty() || fs::exists(path, error)) {
         return;
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "sandbox/device/capabilities.h"
+#include "sandbox/device/sample_files.h"
 #include "sandbox/hardware/ports.h"
 #include "sandbox/process/programs.h"
 

@@ -11,6 +11,7 @@
 
 #include "sandbox/process/failure.h"
 #include "sandbox/wland/log.h"
+#include "sandbox/wland/protocol.h"
 
 namespace wland {
 namespace {

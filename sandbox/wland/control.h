@@ -10,7 +10,7 @@
 #include <string>
 
 #include "lib/base/unique_fd.h"
-#include "sandbox/wland/reply.h"
+#include "sandbox/wland/reply_modes.h"
 
 namespace wland {
 

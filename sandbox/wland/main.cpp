@@ -9,9 +9,13 @@
 #include <string>
 #include <utility>
 
+#include "lib/base/unique_fd.h"
 #include "sandbox/wland/background.h"
+#include "sandbox/wland/control.h"
 #include "sandbox/wland/log.h"
+#include "sandbox/wland/reply_modes.h"
 #include "sandbox/wland/server.h"
+#include "sandbox/wland/stop_signals.h"
 #include <CLI/CLI.hpp>
 
 namespace {

@@ -11,8 +11,9 @@
 
 #include "sandbox/wland/control.h"
 #include "sandbox/wland/protocol.h"
-#include "sandbox/wland/reply.h"
+#include "sandbox/wland/reply_modes.h"
 #include "sandbox/wland/stop_signals.h"
+#include "velk/wlan.h"
 
 namespace wland {
 

@@ -20,7 +20,7 @@ files_of() {
 
 rm -rf "$root"
 type=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
-check 'files of the library' "$(printf '%s\n' libvelk.so.1 sudoers velk.conf)" "$(files_of library)"
+check 'files of the library' "$(printf '%s\n' LICENSE libvelk.so.1 sudoers velk.conf)" "$(files_of library)"
 check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
     libvelk.3 libvelk.pc libvelk.so ntp.h request.h velk.h velk.pc velkConfig.cmake velkConfigVersion.cmake \
     "velkTargets-$(tr '[:upper:]' '[:lower:]' <<<"$type").cmake" velkTargets.cmake version.h webup.h \

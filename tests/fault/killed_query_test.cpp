@@ -28,6 +28,11 @@ using testkit::LibcRecorder;
 
 constexpr char kProduct[] = "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04";
 
+// The calls of a query, in their order. A kill comes right before one of them.
+constexpr Call kKillPoints[] = {Call::kSemOpen,  Call::kConnect,  Call::kSendto,
+                                Call::kBind,     Call::kSemPost,  Call::kSelect,
+                                Call::kRecvfrom, Call::kSemClose, Call::kSemUnlink};
+
 class KilledQueryTest : public testkit::DeviceTest {
   protected:
     KilledQueryTest() {
@@ -93,11 +98,9 @@ class KilledQueryTest : public testkit::DeviceTest {
 };
 
 TEST_F(KilledQueryTest, AKilledQueryLeavesNothingThatBlocksTheSameQuestion) {
-    for (const Call moment :
-         {Call::kSemOpen, Call::kConnect, Call::kSendto, Call::kBind, Call::kSemPost, Call::kSelect,
-          Call::kRecvfrom, Call::kSemClose, Call::kSemUnlink}) {
-        SCOPED_TRACE(static_cast<int>(moment));
-        KillGetAt(moment, VELK_CMD_SSID);
+    for (const Call call : kKillPoints) {
+        SCOPED_TRACE(static_cast<int>(call));
+        KillGetAt(call, VELK_CMD_SSID);
         EXPECT_EQ(Execute(VELK_GET, VELK_CMD_SSID, "eth1"), 0);
         EXPECT_STREQ(response.data, "home");
         ExpectNothingLeft();

@@ -16,6 +16,7 @@ cd "$source" || exit
 check 'the least version' 'cmake_minimum_required(VERSION 3.18...3.25)' "$(grep '^cmake_minimum' CMakeLists.txt)"
 commands='cmake_path|cmake_language *\( *DEFER|block|endblock|cmake_host_system_information *\(.*DISTRIB'
 modes='string *\( *JSON|file *\( *(CHMOD|CHMOD_RECURSE|REAL_PATH|COPY_FILE|ARCHIVE_CREATE)|list *\(.*PREPEND_IF'
+modes+='|return *\( *PROPAGATE|separate_arguments *\(.*PROGRAM|file *\( *GENERATE.*(NEWLINE_STYLE|TARGET)'
 words='FILE_SET|IMPORTED_RUNTIME_ARTIFACTS|RUNTIME_DEPENDENCIES|RUNTIME_DEPENDENCY_SET|COMMAND_ERROR_IS_FATAL'
 words+='|PROJECT_IS_TOP_LEVEL|CMAKE_COMPILE_WARNING_AS_ERROR|PATH_EQUAL|cxx_std_23|cxx_std_26'
 expressions='\$<(TARGET_RUNTIME_DLLS|LINK_LIBRARY|LINK_GROUP|PATH|CONFIG:[^>]*,)'
@@ -27,6 +28,7 @@ check 'subdirectories of the product' 'lib packaging sandbox sandbox/wland velkc
 
 # The check itself.
 for line in 'cmake_path(GET a FILENAME b)' '  string(JSON a GET b c)' 'block()' 'install(TARGETS velk FILE_SET HEADERS)' \
+    'return(PROPAGATE a)' 'separate_arguments(a UNIX_COMMAND PROGRAM b)' 'file(GENERATE OUTPUT a CONTENT b TARGET c)' \
     'add_custom_command(POST_BUILD COMMAND $<TARGET_RUNTIME_DLLS:a>)'; do
     check "found: $line" 1 "$(grep -cE "$later" <<<"$line")"
 done

@@ -39,13 +39,22 @@ lacks build clang++ clang 'cmake ninja g++' fuzz
 lacks format clang-format clang-format ''
 lacks abi abidw abigail-tools ''
 lacks abi g++ g++ 'abidw cmake ninja'
+for script in plain-language folder-graph declared-programs coverage mutate includes; do
+    lacks "$script" python3 python3 ''
+done
 if [ "$(id -u)" -eq 0 ]; then
     lacks test-packages dpkg-buildpackage dpkg-dev ''
     lacks test-packages mmdebstrap mmdebstrap 'dpkg-buildpackage dh lintian'
+    check "test-packages with another's folder" \
+        "test-packages: $root has other files. fix: name an empty or new folder" \
+        "$("$source/scripts/test-packages" "$root" 2>&1)"
     # Without the right to make namespaces.
-    check 'test-packages in a container' \
-        'test-packages: this root may make no namespaces. fix: start the container with --privileged' \
-        "$(setpriv --bounding-set -sys_admin "$source/scripts/test-packages" 2>&1)"
+    for script in test-packages 'as-fresh true'; do
+        read -ra command <<<"$script"
+        check "$script in a container" \
+            "${command[0]}: this root may make no namespaces. fix: start the container with --privileged" \
+            "$(setpriv --bounding-set -sys_admin "$source/scripts/${command[0]}" "${command[@]:1}" 2>&1)"
+    done
 fi
 line='setup: this system has no apt-get. fix: install the equivalent of these packages of Debian 12:'
 check 'setup without apt-get' "$line g++ cmake ninja-build libcli11-dev nlohmann-json3-dev busybox" \
@@ -61,6 +70,9 @@ lacks_package() { # lacks_package PACKAGE MESSAGE
 lacks_package CLI11 'CLI11 is missing: apt-get install libcli11-dev, or -DVELK_SANDBOX=OFF'
 lacks_package nlohmann_json 'nlohmann_json is missing: apt-get install nlohmann-json3-dev, or -DVELK_TOOLS=OFF'
 lacks_package GTest 'GTest is missing: apt-get install libgtest-dev libgmock-dev, or -DBUILD_TESTING=OFF'
+check 'velkctl left out, but not the tests' \
+    '   tests and benchmarks need velkctl and the sandbox: -DBUILD_TESTING=OFF -DVELK_BENCH=OFF' \
+    "$(cmake -S "$source" -B "$root/half" -DVELK_TOOLS=OFF 2>&1 | grep 'tests and benchmarks')"
 # A compiler that says that it is an older g++.
 old() { # old VERSION MESSAGE
     printf '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=%s "$@"\n' "$1" >"$root/g++"

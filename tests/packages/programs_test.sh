@@ -36,6 +36,23 @@ for name in libvelk velk; do
 done
 version=$(pkg-config --modversion libvelk)
 
+# A tree with the prefix /usr below another root, and one with a libdir of its own.
+mkdir "$root/usr"
+pkg_config_of() { # pkg_config_of OPTION...
+    rm -rf "$root/build"
+    cmake -G "$generator" -S "$here/../.." -B "$root/build" -DBUILD_TESTING=OFF -DVELK_TOOLS=OFF -DVELK_SANDBOX=OFF \
+        -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_INSTALL_LIBDIR=lib "$@" >/dev/null || exit 1
+    cp "$root/build/packaging/libvelk.pc" "$root/usr"
+}
+pkg_config_of -DCMAKE_INSTALL_PREFIX=/usr
+export PKG_CONFIG_PATH=$root/usr
+check 'flags with the prefix /usr' '-lvelk' "$(pkg-config --cflags --libs libvelk | xargs)"
+check 'flags below another root' '-I/staged/usr/include -L/staged/usr/lib -lvelk' \
+    "$(PKG_CONFIG_SYSROOT_DIR=/staged pkg-config --cflags --libs libvelk | xargs)"
+pkg_config_of -DCMAKE_INSTALL_PREFIX=/opt/velk -DCMAKE_INSTALL_LIBDIR=/elsewhere/lib
+check 'a libdir of its own' '/elsewhere/lib' "$(pkg-config --variable=libdir libvelk)"
+PKG_CONFIG_PATH=$libraries/pkgconfig
+
 configure() { # configure VERSION COMPONENTS
     rm -rf "$root/cmake"
     cmake -G "$generator" -S "$here/cmake_program" -B "$root/cmake" -DCMAKE_PREFIX_PATH="$moved" \
@@ -53,7 +70,7 @@ mv "$moved/bin/velk-sandbox" "$root"
 refused 'the component sandbox of libvelk is not installed' 1.0 'library;tools;sandbox'
 mv "$root/velk-sandbox" "$moved/bin"
 
-if configure 1.0 'library;tools;sandbox' >"$root/log" && cmake --build "$root/cmake" >>"$root/log" 2>&1; then
+if configure 1.0 'library;development;tools;sandbox' >"$root/log" && cmake --build "$root/cmake" >>"$root/log" 2>&1; then
     # The programs find the library without help.
     check 'a C++ program' "$version -4 a\\/b" "$("$root/cmake/program")"
     grep -q 'eth0.address' <<<"$(cmake --build "$root/cmake" --target list)" ||

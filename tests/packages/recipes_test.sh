@@ -73,7 +73,8 @@ check "files for Yocto's developers" 'libvelk-dev /usr/include/velk.h
 libvelk-dev /usr/lib/cmake/velk/velkConfig.cmake
 libvelk-dev /usr/lib/libvelk.so
 libvelk-dev /usr/lib/pkgconfig/libvelk.pc
+libvelk-doc /usr/share/doc/libvelk/LICENSE
 libvelk-doc /usr/share/man/man3/libvelk.3' \
     "$(python3 "$here/yocto_files.py" "$recipe" "$folder/root" |
-        grep -E '/(velk.h|velkConfig.cmake|libvelk.so|libvelk.pc|libvelk.3)$' | LC_ALL=C sort)"
+        grep -E '/(LICENSE|velk.h|velkConfig.cmake|libvelk.so|libvelk.pc|libvelk.3)$' | LC_ALL=C sort)"
 finish

@@ -85,4 +85,32 @@ check 'commands' '/etc/init.d/snmpd restart
 /usr/sbin/route add default gw 192.168.0.2
 /usr/sbin/route del default gw
 /usr/sbin/route del default gw 192.168.0.1' "$(sed -n 's/.* COMMAND=//p' /tmp/sudo.log | sed 's,^/usr/bin/sed .*,/usr/bin/sed,' | LC_ALL=C sort -u)"
+
+it 'runs no command for a script of sed'
+mkdir -p '/tmp/own/s/syscontact.*' /tmp/own/x
+chmod 777 /tmp/own
+cd /tmp/own || exit
+echo line | tee myfile 's/syscontact.*/syscontact' >/dev/null
+agent=/usr/local/share/etc/snmp/snmpd.conf
+as_user sudo -n sed -i 's/syscontact.*/syscontact' -e '1e id >ran' myfile x/ $agent
+as_user sudo -n sed '-i s/syscontact.*/syscontact' '1e id >ran myfile x/' $agent
+as_user sudo -n sed '-i s/syscontact.*/syscontact' '1e id >ran' myfile x/ $agent
+check 'results of commands' '' "$(ls -d /ran* /tmp/own/ran* 2>/dev/null)"
+cd /tmp || exit
+
+it 'works without the lines for sed, but for the SNMP agent'
+sed '/^# The rest is for /,$d' "$VELK_SOURCE/packaging/sudoers.d/velk" >/tmp/without-sed
+install -m 440 /tmp/without-sed /etc/sudoers.d/velk
+check 'lines for sed' '' "$(grep sed /etc/sudoers.d/velk)"
+sed -n 's/.* COMMAND=//p' /tmp/sudo.log | grep -v '^/usr/bin/sed' | LC_ALL=C sort -u >/tmp/commands
+while read -ra command; do
+    as_user sudo -n -l "${command[@]}"
+    status_is 0
+done </tmp/commands
+as_user velkctl set administrator 'Robin'
+status_is 0
+check 'the identity file' 'ADMINISTRATOR=Robin' "$(grep -a '^ADMINISTRATOR=' /var/libvelk/libvelk)"
+check "the agent's file" '' "$(grep Robin $agent)"
+as_user velkctl doctor
+output_has 'sed may not be run through sudo by this user without a password'
 finish

@@ -40,6 +40,9 @@ inline constexpr char kWebUpdater[] = "/usr/bin/web_contents_updater.pl";
 // The former address of the wired port, which a set to DHCP removes.
 inline constexpr char kOldAddressFile[] = "/tmp/oldIPAddress";
 
+// The leases of the DHCP client.
+inline constexpr char kLeaseFolder[] = "/var/lib/dhcp";
+
 // Hardware and network state.
 inline constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 inline constexpr char kUsbDevices[] = "/proc/bus/usb/devices";

@@ -18,7 +18,7 @@ namespace world {
 
 constexpr uid_t kNobody = 65534;
 
-// The conditions of the test program apply where nothing else is set.
+// A condition that is not set stays as in the test program.
 struct Conditions {
     std::optional<uid_t> user = {};  // user and group of this number, no other groups
     std::optional<mode_t> umask = {};

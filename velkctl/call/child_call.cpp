@@ -21,6 +21,7 @@
 
 #include "velkctl/call/library_call.h"
 #include "velkctl/files/tool_output.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 namespace {

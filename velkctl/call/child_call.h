@@ -13,9 +13,11 @@
 #include <sys/types.h>
 
 #include "lib/base/unique_fd.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/command.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/process_list.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

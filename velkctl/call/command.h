@@ -1,20 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// command.h - a command of the library and its answer.
+// command.h - a command of the library.
 #ifndef VELKCTL_CALL_COMMAND_H_
 #define VELKCTL_CALL_COMMAND_H_
 
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "velk/request.h"
-#include "velkctl/report/exit_status.h"
-#include "velkctl/report/report.h"
-#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
@@ -23,31 +17,6 @@ struct Command {
     uint32_t id;
     std::string_view interface;  // at most VELK_INTERFACE_SIZE bytes
 };
-
-struct Answer {
-    int result;
-    Data data{};
-    bool timed_out = false;                  // no answer came in time; `result` has no meaning
-    int timeout_seconds = 0;                 // the limit, if timed out; 0: unknown
-    std::string awaited{};                   // "ifup eth0", if timed out; empty: unknown
-    std::string note{};                      // more about a failure
-    std::vector<std::string> tool_output{};  // the output of the tools that the library ran
-
-    bool ok() const { return !timed_out && result == LIB_VELK_SUCCESS; }
-    std::optional<int> known_result() const {
-        return timed_out ? std::nullopt : std::optional(result);
-    }
-};
-
-// Returns the exit status of velkctl after this answer.
-ExitStatus StatusOf(const Answer& answer);
-
-// Returns the reason of a failure: "refused while the cable is in the wired port".
-std::string FailureReason(const Answer& answer);
-
-// Returns the problem to report for a failed answer. `message` is its first line: "eth0.dns: could
-// not be read". `setting` may be empty.
-Problem ProblemOf(std::string message, std::string setting, const Answer& answer);
 
 }  // namespace velkctl
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/command.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/call/watched_call.h"

@@ -164,8 +164,8 @@ std::string DescribeNewLines(const EditCopy& copy) {
 }
 
 std::string AdviceToFinish(const EditCopy& copy) {
-    return "compare both files, as with 'diff " + std::string(copy.file->path) + " " + copy.path +
-           "', and if the copy is right, copy its text into the file by hand, as root";
+    return "compare: diff " + std::string(copy.file->path) + " " + copy.path +
+           "; if the copy is right, write its text into " + copy.file->path + " as root";
 }
 
 std::string DiscardCommand(const EditCopy& copy) {

@@ -4,6 +4,7 @@
 // files_before.cpp - the contents of a setting's files before a set.
 #include "velkctl/call/files_before.h"
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/edit_copy.h"
 
 namespace velkctl {

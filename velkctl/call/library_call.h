@@ -5,6 +5,7 @@
 #ifndef VELKCTL_CALL_LIBRARY_CALL_H_
 #define VELKCTL_CALL_LIBRARY_CALL_H_
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/command.h"
 #include "velkctl/text/data_bytes.h"
 

@@ -4,6 +4,8 @@
 // planned_values.cpp - the values of the device after the changes of one call.
 #include "velkctl/call/planned_values.h"
 
+#include "velkctl/call/answer.h"
+
 namespace velkctl {
 namespace {
 

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/command.h"
 #include "velkctl/report/report.h"
 #include "velkctl/text/data_bytes.h"

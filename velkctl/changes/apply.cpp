@@ -14,14 +14,6 @@
 namespace velkctl {
 namespace {
 
-bool SetsMethod(const ApplyPlan& plan, std::string_view interface, int method) {
-    return std::ranges::any_of(plan.changes, [&](const PlannedChange& planned) {
-        const auto& [setting, value] = planned.change;
-        return setting.row->id == VELK_CMD_IP_METHOD && setting.interface == interface &&
-               value[0] == method;
-    });
-}
-
 class Run {
   public:
     Run(const ApplyPlan& plan, ChangeRecord& record, const TimeLimits& limits, const Device& device,

@@ -160,7 +160,7 @@ class Planner {
     void AddBeside() {
         AffectedSettings switched;
         for (const PlannedChange& planned : plan_.changes) {
-            switched = Together(std::move(switched), SettingsBeside(planned.change.setting));
+            switched = UnionOf(std::move(switched), SettingsBeside(planned.change.setting));
         }
         for (const SettingChange& held : held_) {
             if (Includes(switched, held.setting)) {
@@ -200,6 +200,14 @@ class Planner {
 };
 
 }  // namespace
+
+bool SetsMethod(const ApplyPlan& plan, std::string_view interface, int method) {
+    return std::ranges::any_of(plan.changes, [&](const PlannedChange& planned) {
+        const auto& [setting, value] = planned.change;
+        return setting.row->id == VELK_CMD_IP_METHOD && setting.interface == interface &&
+               value[0] == method;
+    });
+}
 
 bool IsSameValue(const Setting& setting, const Data& one, const Data& other) {
     return setting.row->kind->ToJson(one) == setting.row->kind->ToJson(other);

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkctl/call/device.h"
@@ -46,6 +47,9 @@ bool IsSameValue(const Setting& setting, const Data& one, const Data& other);
 // switches blocks of files that later ones change. Keys that are cleared come last: the library
 // does not clear the WEP key in use.
 void SortSteps(std::vector<PlannedChange>& changes);
+
+// True if the plan gives the interface the method, VELK_METHOD_STATIC or VELK_METHOD_DHCP.
+bool SetsMethod(const ApplyPlan& plan, std::string_view interface, int method);
 
 // Compares the values with those of the device. `wanted` has each setting once.
 ApplyPlan MakePlan(const ChangeSet& wanted, const RestartChoice& choice, const Device& device);

@@ -9,11 +9,14 @@
 #include <string>
 #include <tuple>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/files_before.h"
 #include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/read_back.h"
 #include "velkctl/doctor/set_checks.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 namespace {

@@ -10,7 +10,9 @@
 
 #include "velkctl/changes/secret_source.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/assignment.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -71,7 +73,7 @@ bool HasNameOfSecret(const Words& words) {
     return std::ranges::any_of(words, [](const std::string& word) { return NamesSecret(word); });
 }
 
-// True for the names of more settings: "eth0.address 10.0.0.1 eth0.gateway 10.0.0.2".
+// True if the value contains another setting's name: "eth0.address 10.0.0.1 eth0.gateway 10.0.0.2".
 bool HasMoreNames(const Words& value) {
     return value.size() > 1 && std::any_of(value.begin() + 1, value.end(), [](const auto& word) {
                return FindSetting(WithoutValue(word)).has_value();

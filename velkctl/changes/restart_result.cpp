@@ -28,12 +28,12 @@ constexpr std::string_view kPacketOn = " on ";
 // the interface of the request: "DHCPREQUEST for 192.168.0.109 on eth0 to 255.255.255.255".
 constexpr std::string_view kRequest = "DHCPREQUEST for ";
 
-RestartResult Good(const RestartFacts& facts, const std::string& text) {
+RestartResult UpResult(const RestartFacts& facts, const std::string& text) {
     return {.is_as_configured = true, .line = facts.interface + ": " + text};
 }
 
-RestartResult Bad(const RestartFacts& facts, const std::string& message, std::string detail,
-                  std::string remedy = "") {
+RestartResult FailedResult(const RestartFacts& facts, const std::string& message,
+                           std::string detail, std::string remedy = "") {
     Problem problem{facts.interface + ": " + message};
     problem.detail = std::move(detail);
     problem.remedy = std::move(remedy);
@@ -93,29 +93,31 @@ RestartResult JudgeWithoutAddress(const RestartFacts& facts) {
     const std::string message = "up, but it has no address";
     if (!facts.state.has_link) {
         const bool is_wireless = facts.interface == VELK_WIRELESS_INTERFACE;
-        return Bad(facts, message,
-                   is_wireless ? "no link to an access point" : "no link: the cable is out",
-                   (is_wireless ? "check 'velkctl show eth1', then " : "plug the cable in, then ") +
-                       RunAgain(facts));
+        return FailedResult(
+            facts, message,
+            is_wireless ? "no link to an access point" : "no link: the cable is out",
+            (is_wireless ? "check 'velkctl show eth1', then " : "plug the cable in, then ") +
+                RunAgain(facts));
     }
     if (facts.source == AddressSource::kStatic) {
-        return Bad(facts, message, "its configured address is " + facts.configured,
-                   "'velkctl doctor' looks for the cause");
+        return FailedResult(facts, message, "its configured address is " + facts.configured,
+                            "'velkctl doctor' looks for the cause");
     }
-    return Bad(facts, message, "no DHCP server answered", "start one, then " + RunAgain(facts));
+    return FailedResult(facts, message, "no DHCP server answered",
+                        "start one, then " + RunAgain(facts));
 }
 
 // If no server answered, the address is an earlier one, or one that APIPA chose.
 RestartResult JudgeDhcp(const RestartFacts& facts) {
     const std::string address = facts.state.address();
     if (IsLinkLocal(address)) {
-        return Good(facts, address + ", link-local: no DHCP server answered");
+        return UpResult(facts, address + ", link-local: no DHCP server answered");
     }
     if (!IsBoundTo(facts, address) && HasNoDhcpAnswer(facts)) {
-        return Bad(facts, "up, but its address " + address + " is not from DHCP",
-                   "no DHCP server answered", "start one, then " + RunAgain(facts));
+        return FailedResult(facts, "up, but its address " + address + " is not from DHCP",
+                            "no DHCP server answered", "start one, then " + RunAgain(facts));
     }
-    return Good(facts, address + " from DHCP");
+    return UpResult(facts, address + " from DHCP");
 }
 
 std::string OtherAddresses(const RestartFacts& facts) {
@@ -132,9 +134,9 @@ std::string OtherAddresses(const RestartFacts& facts) {
 // again and, when the lease ends, takes the configured one away.
 RestartResult JudgeLeftClient(const RestartFacts& facts) {
     const std::string process = std::to_string(facts.left_client);
-    return Bad(facts, "up, but a DHCP client still runs for it",
-               "process " + process + " may replace the configured address later",
-               "'sudo kill " + process + "', then " + RunAgain(facts));
+    return FailedResult(facts, "up, but a DHCP client still runs for it",
+                        "process " + process + " may replace the configured address later",
+                        "'sudo kill " + process + "', then " + RunAgain(facts));
 }
 
 RestartResult JudgeStatic(const RestartFacts& facts) {
@@ -142,12 +144,13 @@ RestartResult JudgeStatic(const RestartFacts& facts) {
         return JudgeLeftClient(facts);
     }
     if (!facts.state.Has(facts.configured)) {
-        return Bad(facts, "up, but its address is " + facts.state.address(),
-                   facts.configured.empty() ? "its configured address cannot be read"
-                                            : "its configured address is " + facts.configured,
-                   "'velkctl doctor' looks for the cause");
+        return FailedResult(facts, "up, but its address is " + facts.state.address(),
+                            facts.configured.empty()
+                                ? "its configured address cannot be read"
+                                : "its configured address is " + facts.configured,
+                            "'velkctl doctor' looks for the cause");
     }
-    return Good(facts, facts.configured + " (static)" + OtherAddresses(facts));
+    return UpResult(facts, facts.configured + " (static)" + OtherAddresses(facts));
 }
 
 RestartResult JudgeAddress(const RestartFacts& facts) {
@@ -157,7 +160,7 @@ RestartResult JudgeAddress(const RestartFacts& facts) {
         case AddressSource::kStatic:
             return JudgeStatic(facts);
         default:
-            return Good(facts, facts.state.address());
+            return UpResult(facts, facts.state.address());
     }
 }
 
@@ -165,21 +168,21 @@ RestartResult JudgeAddress(const RestartFacts& facts) {
 
 RestartResult JudgeRestart(const RestartFacts& facts) {
     if (HasIfupFailed(facts)) {
-        return Bad(facts, "ifup failed (its messages are above)", Described(facts.state));
+        return FailedResult(facts, "ifup failed", Described(facts.state));
     }
     if (!facts.state.is_up) {
-        return Bad(facts, "not up after the restart",
-                   facts.state.exists ? "" : "the kernel has no such interface",
-                   "'velkctl doctor' looks for the cause");
+        return FailedResult(facts, "not up after the restart",
+                            facts.state.exists ? "" : "the kernel has no such interface",
+                            "'velkctl doctor' looks for the cause");
     }
     if (facts.state.has_address()) {
         return JudgeAddress(facts);
     }
     if (LeavesWithoutAddress(facts)) {
-        return Good(facts, "up, without an address while the cable is in");
+        return UpResult(facts, "up, without an address while the cable is in");
     }
     if (facts.source == AddressSource::kUnknown) {
-        return Good(facts, "up, without an address: neither static nor DHCP");
+        return UpResult(facts, "up, without an address: neither static nor DHCP");
     }
     return JudgeWithoutAddress(facts);
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "lib/base/find_row.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/help.h"
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
@@ -61,8 +62,8 @@ std::string UnknownVerb(std::string_view word) {
     const std::vector<std::string> names = VerbNames();
     const std::vector<std::string> settings = NamesMeant(word);
     if (SpellingSuggestions(word, names).empty() && !settings.empty()) {
-        return "unknown verb " + Quoted(word) + "; did you mean the setting " + OneOf(settings) +
-               "? Give a verb before it, such as get or describe";
+        return "unknown verb " + Quoted(word) + Suggestion(settings, "the setting ") +
+               " Give a verb before it, such as get or describe";
     }
     return "unknown verb " + Quoted(word) + DidYouMean(word, names, kSeeHelp);
 }

@@ -9,6 +9,9 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/time_entry.h"
 
 namespace velkctl {
@@ -27,15 +30,15 @@ std::vector<Check> Checks(const Setting* setting, std::string_view value) {
     };
     return {
         {CheckFolders,
-         Together(EditedSettings(), Together(SettingsReadWith(kLinkTool), WirelessSettings()))},
-        {CheckFiles, Together(EditedSettings(), SettingsHeldIn(velk::kResolverFile))},
+         UnionOf(EditedSettings(), UnionOf(SettingsReadWith(kLinkTool), WirelessSettings()))},
+        {CheckFiles, UnionOf(EditedSettings(), SettingsHeldIn(velk::kResolverFile))},
         {CheckEditCopies, EditedSettings()},
         {check_interfaces, SettingsHeldIn(velk::kInterfacesFile)},
         {CheckExitHooks, SettingsChanging(velk::kExitHooks)},
         {CheckDhcpConfig, SettingsChanging(velk::kDhcpConfigFile)},
         {CheckClientScript, SettingsChanging(velk::kClientScript)},
         {CheckDhcpClients, {}},  // it keeps nothing from being set
-        {CheckTimeEntry, Together(SettingsWithKey(kTimeClient), SettingsHeldIn(velk::kNtpLog))},
+        {CheckTimeEntry, UnionOf(SettingsWithKey(kTimeClient), SettingsHeldIn(velk::kNtpLog))},
         {CheckWebUpdate, SettingsOf(VELK_CMD_WEB_UPDATE)},
         {CheckIdentity, SettingsHeldIn(velk::kIdentityFile)},
         {CheckTools},  // ExamineFor() a setting runs CheckToolsFor() instead

@@ -11,6 +11,8 @@
 
 #include "velkctl/doctor/finding.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 
 namespace velkctl {

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "lib/base/join_text.h"
 #include "lib/base/paths.h"
@@ -12,7 +15,12 @@
 #include "velk/ntp.h"
 #include "velkctl/call/library_call.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/time_entry.h"
+#include "velkctl/text/spelling.h"
 
 namespace velkctl {
 namespace {
@@ -44,15 +52,15 @@ std::string ServerIn(const std::string& line) {
 }
 
 // Returns the damage that setting the server does to the line; empty if none.
-std::string ServerProblem(const std::string& line) {
+std::string DamageBySet(const std::string& line) {
     std::string changed = line;
     try {
         (void)ChangeNtpdate(changed, std::string(kProbe));
     } catch (const std::out_of_range&) {
-        return "it has no server, and no '>' before which one could be put";
+        return "the entry has no server; it has no '>' before which to put one";
     }
     if (!changed.ends_with('\n')) {
-        return "the server is its last word; setting it joins the entry with the next line";
+        return "the server is the last word of the line; a set joins the entry with the next line";
     }
     return ServerIn(changed) == kProbe ? ""
                                        : "a new server would be joined to another word on the line";
@@ -97,50 +105,53 @@ Findings CheckSetOfServer(const Finding& about, const std::string& line) {
     if (IsServerFoundTooEarly(line)) {
         return {about.Problem(
             "cannot be set",
-            Excerpt(ServerIn(line)) +
-                " also occurs earlier on the line, and a set replaces it there",
-            "write the server's address in its place with an editor, or a name that does not occur "
-            "earlier on the line")};
+            Excerpt(ServerIn(line)) + " also occurs earlier on the line; a set replaces it there",
+            "with an editor, write its address or another name in its place")};
     }
-    const std::string problem = ServerProblem(line);
+    const std::string problem = DamageBySet(line);
     return problem.empty() ? Findings() : Findings{about.Problem("cannot be set", problem)};
 }
 
-Findings CheckServer(const Finding& about, const std::string& line) {
+Findings CheckServerOfEntry(const Finding& about, const std::string& line) {
     Findings findings = CheckSetOfServer(about, line);
     if (const std::string server = FalseServer(line); !server.empty()) {
-        findings.push_back(
-            about.With(Impact::kBoth)
-                .Problem("is read and set in the wrong place", server + " is taken for it"));
+        findings.push_back(about.With(Impact::kBoth)
+                               .Problem("is read and set in the wrong place",
+                                        "the library takes " + server + " for the server"));
     }
     if (HasSecondEntry(line)) {
         findings.push_back(about.Problem(
             "is joined with another entry",
-            "two entries are on one line, as after a set of a server that is the last word of its "
-            "line",
-            std::string("put the second one on a line of its own, and ") + kProperEntry.c_str()));
+            "two entries are on one line; a set of a server at the end of the line joins them",
+            std::string("put the second one on a line of its own; ") + kProperEntry.c_str()));
     }
     return findings;
 }
 
-// The first entry is the one that is read.
+// A comment that the library takes for an entry.
+Finding CommentAsEntry(Finding about, const std::string& line) {
+    about.subject = "a set of " + OneOf(NamesOf(about.affected));
+    return about.Problem("would change a comment", Excerpt(line) + " is taken for an entry",
+                         "remove the word 'ntpdate' from the comment");
+}
+
+// A get reads only the first entry.
 Findings CheckEntry(const std::string& line, size_t index, bool is_first) {
     const auto about = [index](const AffectedSettings& settings) {
         return AboutEntry(settings).At(index);
     };
     if (IsCommentText(line)) {
-        return {about(SettingsWithKey(kTimeClient))
-                    .With(is_first ? Impact::kBoth : Impact::kSetting)
-                    .Problem("would change a comment", Excerpt(line) + " is taken for an entry",
-                             "remove the word 'ntpdate' from the comment")};
+        return {CommentAsEntry(
+            about(SettingsWithKey(kTimeClient)).With(is_first ? Impact::kBoth : Impact::kSetting),
+            line)};
     }
     Findings findings =
         CheckMarks(about(SettingsOf(VELK_CMD_NTP)), line, line.find(kTimeClient), "entry");
-    Append(findings, CheckServer(about(SettingsOf(VELK_CMD_NTP_SERVER)), line));
+    Append(findings, CheckServerOfEntry(about(SettingsOf(VELK_CMD_NTP_SERVER)), line));
     if (!velk::Contains(line, velk::kNtpLog)) {
         findings.push_back(about(SettingsHeldIn(velk::kNtpLog))
                                .With(Impact::kReading)
-                               .Warning("does not see this entry's result",
+                               .Warning("does not show the result of this entry",
                                         std::string("its output does not go to ") + velk::kNtpLog));
     }
     return findings;
@@ -190,7 +201,7 @@ Findings CheckWebUpdate() {
         // The library reads the first one alone.
         if (index == updates.front() && !IsScheduleReadable()) {
             return {about.At(index).Problem("cannot be read",
-                                            "the schedule is not one of this library's")};
+                                            "the library does not write such a schedule")};
         }
         if (IsOwnUpdate(lines[index])) {
             return {};

@@ -2,13 +2,24 @@
 // SPDX-License-Identifier: MIT
 
 // daemon_checks.cpp - whether the wireless daemon answers.
+#include <string>
+
 #include <sys/stat.h>
 
 #include "lib/base/paths.h"
 #include "velk/wlan.h"
+#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
 #include "velkctl/files/unix_socket.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {

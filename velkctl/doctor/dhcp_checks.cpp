@@ -5,6 +5,8 @@
 // options that the client requests.
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "lib/base/comment_switch.h"
@@ -12,6 +14,11 @@
 #include "lib/base/words.h"
 #include "lib/dhcp/config_blocks.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
@@ -30,7 +37,7 @@ Finding AboutBlocks() {
 }
 
 // A line of the file, and its place in the blocks as the library finds them.
-struct Place {
+struct BlockLine {
     size_t index;
     size_t begin;      // the index of the line that opened the last block
     bool is_in_block;  // also true for the lines that begin and end it
@@ -40,18 +47,19 @@ struct Place {
     bool opens() const { return is_in_block && index == begin; }
 };
 
-std::vector<Place> PlacesOf(const Lines& lines, std::string_view interface, bool comment_aware) {
+std::vector<BlockLine> BlockLinesOf(const Lines& lines, std::string_view interface,
+                                    bool comment_aware) {
     velk::ConfigBlocks blocks(interface, comment_aware);
-    std::vector<Place> places;
+    std::vector<BlockLine> found;
     size_t begin = 0;
     for (size_t i = 0; i < lines.size(); ++i) {
         const bool was_in_block = blocks.in_block();
         const bool is_in_scope = blocks.IsInScope(lines[i]);
         const bool is_open = blocks.in_block();
         begin = !was_in_block && is_open ? i : begin;
-        places.push_back({i, begin, was_in_block || is_open, is_in_scope, is_open});
+        found.push_back({i, begin, was_in_block || is_open, is_in_scope, is_open});
     }
-    return places;
+    return found;
 }
 
 bool OpensBrace(const Lines& lines, size_t index) {
@@ -65,28 +73,28 @@ Findings CheckOpening(const Lines& lines, size_t index) {
     if (IsComment(lines[index]) && !OpensBrace(lines, index)) {
         return {about.Problem(
             "are not found, or switched for the wrong lines",
-            "the library takes the comment " + Excerpt(lines[index]) + " for the start of a block",
+            "the library takes a comment for the start of a block; it is " + Excerpt(lines[index]),
             "remove the word 'interface' from the comment")};
     }
     if (velk::Contains(lines[index], velk::kBlockEnd)) {
         return {about.Problem(
             "are switched for the wrong lines",
-            "the block ends on its first line, so all lines up to the next '}' count as the "
-            "interface's")};
+            "the block ends on its first line; all lines up to the next '}' count as its own")};
     }
     return {};
 }
 
 // The blocks of all interfaces, whether switched off or not.
-Findings CheckBlockLines(const Lines& lines) {
+Findings CheckBlockBounds(const Lines& lines) {
     // Every opening line holds this word, so every block is the wanted one.
-    const std::vector<Place> places = PlacesOf(lines, kInterface, /*comment_aware=*/false);
-    Findings findings = FindingsOfEach(places, [&](const Place& place) {
-        return place.opens() ? CheckOpening(lines, place.index) : Findings();
+    const std::vector<BlockLine> block_lines =
+        BlockLinesOf(lines, kInterface, /*comment_aware=*/false);
+    Findings findings = FindingsOfEach(block_lines, [&](const BlockLine& own) {
+        return own.opens() ? CheckOpening(lines, own.index) : Findings();
     });
-    if (!places.empty() && places.back().is_open) {
+    if (!block_lines.empty() && block_lines.back().is_open) {
         findings.push_back(AboutBlocks()
-                               .At(places.back().begin)
+                               .At(block_lines.back().begin)
                                .Problem("are switched for the wrong lines",
                                         "no line with '}' as a word ends the block"));
     }
@@ -113,7 +121,7 @@ Findings CheckMember(const Finding& about, std::string_view line, bool is_off) {
     }
     if (LooksLikeComment(line)) {
         return {about.Warning("may break the file when set to dhcp",
-                              mark + ", and it looks like a comment")};
+                              mark + "; it looks like a comment")};
     }
     return {};
 }
@@ -126,27 +134,26 @@ Finding NoBlock(const Finding& about, const Lines& lines, const std::string& int
     if (!similar.empty()) {
         return about.At(similar.front())
             .Problem("does not switch the interface's block",
-                     "the library does not recognise the opening line " +
+                     "the library does not recognise the opening line; it is " +
                          Excerpt(lines[similar.front()]),
                      "write: " + opening);
     }
-    return about.Warning(
-        "switches nothing here", "there is no block of the interface",
-        "add one: \"" + opening + "\", its statements, \"}\", each on a line of its own");
+    return about.Warning("switches nothing here", "there is no block of the interface",
+                         "add: \"" + opening + "\", its statements, \"}\", each on its own line");
 }
 
 // Switching the interface's block changes its lines, and any other line in scope with a brace.
-Findings CheckPlace(const Finding& about, const Lines& lines, const Place& place) {
-    const std::string& line = lines[place.index];
-    if (place.is_in_block) {
-        const bool is_off = velk::IsCommentedOut(lines[place.begin], std::string_view::npos);
+Findings CheckBlockLine(const Finding& about, const Lines& lines, const BlockLine& own) {
+    const std::string& line = lines[own.index];
+    if (own.is_in_block) {
+        const bool is_off = velk::IsCommentedOut(lines[own.begin], std::string_view::npos);
         return CheckMember(about, Trimmed(line), is_off);
     }
-    if (!place.is_in_scope || !velk::Contains(line, velk::kBlockEnd)) {
+    if (!own.is_in_scope || !velk::Contains(line, velk::kBlockEnd)) {
         return {};
     }
-    return {about.Problem("switches a line that is not its own",
-                          "a '}' outside the blocks of interfaces",
+    return {about.Problem("also switches a line outside its block",
+                          "a '}' is outside the blocks of interfaces",
                           "move these braces into a file of their own, and include it here")};
 }
 
@@ -156,11 +163,12 @@ Findings CheckBlockOf(const Lines& lines, const std::string& interface) {
     const Finding about =
         About(SettingsOf(VELK_CMD_IP_METHOD, interface), velk::kDhcpConfigFile, Impact::kNothing)
             .FixedBy("put the comment above the block");
-    const std::vector<Place> places = PlacesOf(lines, interface, /*comment_aware=*/false);
-    Findings findings = FindingsOfEach(places, [&](const Place& place) {
-        return CheckPlace(about.At(place.index), lines, place);
+    const std::vector<BlockLine> block_lines =
+        BlockLinesOf(lines, interface, /*comment_aware=*/false);
+    Findings findings = FindingsOfEach(block_lines, [&](const BlockLine& own) {
+        return CheckBlockLine(about.At(own.index), lines, own);
     });
-    if (std::ranges::none_of(places, &Place::is_in_block)) {
+    if (std::ranges::none_of(block_lines, &BlockLine::is_in_block)) {
         findings.push_back(NoBlock(about, lines, interface));
     }
     return findings;
@@ -176,10 +184,10 @@ class RequestCheck {
           about_(About({option.setting}, velk::kDhcpConfigFile, Impact::kSetting)) {}
 
     Findings Run() {
-        for (const Place& place : PlacesOf(lines_, interface_, !interface_.empty())) {
-            const bool is_comment = velk::Contains(lines_[place.index], "#");
-            if (place.is_in_scope && (place.is_open || !is_comment)) {
-                TakeLine(place.index);
+        for (const BlockLine& own : BlockLinesOf(lines_, interface_, !interface_.empty())) {
+            const bool is_comment = velk::Contains(lines_[own.index], "#");
+            if (own.is_in_scope && (own.is_open || !is_comment)) {
+                TakeLine(own.index);
             }
         }
         if (is_open_) {
@@ -228,7 +236,7 @@ class RequestCheck {
                                 .With(Impact::kNothing)
                                 .Problem("would break the file when set to on once more",
                                          option_ + " is also added to " + Excerpt(lines_[index]) +
-                                             ", although the request statement above has it",
+                                             "; the request statement above has it already",
                                          "move the request statement below it"));
     }
 
@@ -239,21 +247,23 @@ class RequestCheck {
     }
 
     Finding NoStatement() const {
-        const std::vector<Place> places = PlacesOf(lines_, interface_, /*comment_aware=*/false);
-        const auto place = std::ranges::find_if(places, [&](const Place& one) {
+        const std::vector<BlockLine> block_lines =
+            BlockLinesOf(lines_, interface_, /*comment_aware=*/false);
+        const auto found = std::ranges::find_if(block_lines, [&](const BlockLine& one) {
             return one.is_open && IsComment(lines_[one.begin]) &&
                    velk::HasWord(lines_[one.index], kRequest, /*comment_aware=*/false);
         });
-        if (place != places.end()) {
-            return about_.At(place->begin)
+        if (found != block_lines.end()) {
+            return about_.At(found->begin)
                 .Of(Severity::kNote, "cannot be set while the method is static")
                 .Because(
-                    "the interface's block is switched off, and no other request statement counts",
+                    "the block of the interface is switched off; no other request statement "
+                    "applies",
                     "if DHCP is wanted: velkctl set " + interface_ + ".method dhcp");
         }
         return about_.Problem("cannot be set",
-                              "there is no request statement" +
-                                  (interface_.empty() ? "" : " that counts for " + interface_),
+                              interface_.empty() ? "there is no request statement"
+                                                 : "no request statement applies to " + interface_,
                               "add one: request subnet-mask, broadcast-address, routers;");
     }
 
@@ -274,7 +284,7 @@ Findings CheckDhcpConfig() {
     if (!HasPlainLines(file)) {
         return {};
     }
-    Findings findings = CheckBlockLines(file.lines);
+    Findings findings = CheckBlockBounds(file.lines);
     if (!findings.empty()) {
         return findings;  // the library misreads the lines below them
     }

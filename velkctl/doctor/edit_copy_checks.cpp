@@ -4,6 +4,8 @@
 // edit_copy_checks.cpp - unfinished edits, and files in the place of edit copies.
 #include <array>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +13,7 @@
 
 #include "velkctl/call/edit_copy.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/files/file_facts.h"
 #include "velkctl/files/lock_holder.h"
 
@@ -27,19 +30,20 @@ Finding AboutCopy(const EditCopy& copy) {
 
 Finding UnderWay(const EditCopy& copy, const std::string& holder) {
     return AboutCopy(copy).Warning("may be changing now",
-                                   "an edit may be under way: the lock is held by " + holder,
+                                   "an edit may be under way; the lock is held by " + holder,
                                    "wait until that process has ended");
 }
 
 // The library cannot remove it, and so cannot make its edit copy.
-Finding InTheWay(const EditCopy& copy) {
-    const std::string kind = S_ISDIR(copy.facts.st_mode)
-                                 ? "a folder"
-                                 : KindOf(copy.facts.st_mode) + " of another user, " +
-                                       AgeOf(copy.facts) + " old, that this user may not remove,";
+Finding NotRemovable(const EditCopy& copy) {
+    const bool is_folder = S_ISDIR(copy.facts.st_mode);
+    const std::string kind = is_folder ? "a folder is"
+                                       : KindOf(copy.facts.st_mode) + " of another user, " +
+                                             AgeOf(copy.facts) + " old; it is";
+    const std::string right = is_folder ? "" : "; this user may not remove it";
     return AboutCopy(copy)
         .With(Impact::kSetting)
-        .Problem("cannot be set", kind + " is in the place of the edit copy");
+        .Problem("cannot be set", kind + " in the place of the edit copy" + right);
 }
 
 std::string OwnerAndModeOf(const struct stat& facts) {
@@ -51,22 +55,20 @@ std::string OwnerAndModeOf(const struct stat& facts) {
 Finding Foreign(const EditCopy& copy) {
     const bool is_file = S_ISREG(copy.facts.st_mode);
     const std::string name = copy.facts.st_nlink > 1 ? " and another name" : "";
-    const std::string kind = is_file
-                                 ? OwnerAndModeOf(copy.facts) + name + ", not made by the library,"
-                                 : KindOf(copy.facts.st_mode);
+    const std::string kind =
+        is_file ? OwnerAndModeOf(copy.facts) + name + " is not made by the library; it"
+                : KindOf(copy.facts.st_mode);
     return AboutCopy(copy).Warning(
         "can still be set", kind + " is in the place of the edit copy; the next set replaces it",
-        is_file ? "look at it, do not use its text, and remove it: " + DiscardCommand(copy) : "");
+        is_file ? "do not use its text; to remove it: " + DiscardCommand(copy) : "");
 }
 
 // It is the edit copy of a program with two users, or a program of root made it for any user.
 Finding Unproven(const EditCopy& copy) {
     return AboutCopy(copy).Warning(
         "may be lost",
-        OwnerAndModeOf(copy.facts) +
-            ", perhaps the edit copy of a program with two users, a real and an effective one, "
-            "has more than " +
-            copy.file->path + "; the next set replaces it",
+        OwnerAndModeOf(copy.facts) + "; it has more text than " + copy.file->path +
+            "; a setuid program may have made it as its edit copy; the next set replaces it",
         "it may be the only complete text; look at it before you remove it: " +
             DiscardCommand(copy));
 }
@@ -92,19 +94,19 @@ Finding Cut(const EditCopy& copy) {
 std::string Compared(const EditCopy& copy) {
     switch (copy.state) {
         case EditState::kPart:
-            return copy.facts.st_size == 0 ? ", empty" : ", which may be incomplete";
+            return copy.facts.st_size == 0 ? "is empty" : "may be incomplete";
         case EditState::kInPlace:
-            return ", the same as the file";
+            return "is the same as the file";
         case EditState::kUncompared:
-            return ", which cannot be compared with the file";
+            return "cannot be compared with the file";
         default:
-            return ", which differs from the file";
+            return "differs from the file";
     }
 }
 
-Finding LeftOver(const EditCopy& copy) {
+Finding UnfinishedEdit(const EditCopy& copy) {
     const Finding about = AboutCopy(copy);
-    const std::string left = "an edit copy was left, " + AgeOf(copy.facts) + " old" +
+    const std::string left = "an edit copy was left, " + AgeOf(copy.facts) + " old; it " +
                              Compared(copy) + "; the next set replaces it";
     switch (copy.state) {
         case EditState::kInPlace:
@@ -123,12 +125,12 @@ Finding CheckCopy(const EditCopy& copy) {
         return Cut(copy);
     }
     if (S_ISDIR(copy.facts.st_mode) || !MayRemove(copy.path, copy.facts)) {
-        return InTheWay(copy);
+        return NotRemovable(copy);
     }
     if (copy.state == EditState::kUnproven) {
         return Unproven(copy);
     }
-    return copy.state == EditState::kForeign ? Foreign(copy) : LeftOver(copy);
+    return copy.state == EditState::kForeign ? Foreign(copy) : UnfinishedEdit(copy);
 }
 
 }  // namespace

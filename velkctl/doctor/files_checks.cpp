@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,6 +16,11 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
@@ -29,7 +37,7 @@ Finding AboutFile(const DeviceFile& file) {
     return about.FixedBy("put the device's own file in its place");
 }
 
-// The library makes a file that it writes as a whole.
+// A file that a set writes as a whole needs no repair: the next set makes it.
 Finding Missing(const DeviceFile& file, const Finding& about) {
     const bool is_made = file.change == Change::kWhole;
     return about.Of(is_made ? Severity::kWarning : about.severity, file.loss_if_missing)
@@ -115,7 +123,7 @@ Finding AboutFolder(const AffectedSettings& settings, const char* path, Impact i
     return About(settings, path, impact).Of(Severity::kProblem, effect);
 }
 
-// Returns findings without a text, one of each folder, with their effect.
+// Returns one finding for each folder, with its effect but no reason yet.
 Findings AboutFolders() {
     constexpr std::string_view kLost = "can be neither read nor set";
     return {

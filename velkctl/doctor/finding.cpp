@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "velkctl/report/output.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>
@@ -22,6 +23,8 @@ namespace {
 
 // In the order of the severities.
 constexpr std::array<std::string_view, 3> kSeverities{"problem", "warning", "note"};
+
+constexpr std::string_view kFix = "  fix: ";
 
 std::string_view NameOf(Severity severity) {
     return kSeverities.at(static_cast<size_t>(severity));
@@ -59,10 +62,11 @@ std::string Counted(size_t number, std::string_view noun) {
 std::string Format(const Finding& finding) {
     const std::string location = LocationOf(finding);
     const std::string reason = location + (location.empty() ? "" : ": ") + finding.description;
+    const std::string fix = WrappedAt80(Printable(finding.remedy), kFix.size());
     return NameInColour(finding.severity) + ": " +
            Printable(finding.subject + " " + finding.effect) + "\n  " +
-           InLinesOf80(Printable(reason), 2) + "\n" +
-           (finding.remedy.empty() ? "" : "  fix: " + Printable(finding.remedy) + "\n");
+           WrappedAt80(Printable(reason), 2) + "\n" +
+           (finding.remedy.empty() ? "" : std::string(kFix) + fix + "\n");
 }
 
 }  // namespace

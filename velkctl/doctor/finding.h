@@ -11,6 +11,7 @@
 
 #include "velkctl/report/report.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 
@@ -94,7 +95,8 @@ Findings FindingsOfEach(const Items& items, Check check) {
 std::string LocationOf(const Finding& finding);
 
 // Returns the text of each: subject and effect, indented location and description, then the remedy
-// if there is one.
+// if there is one, each in lines of 80 columns. A remedy is broken at its semicolons, so a line for
+// the shell must have none.
 // Control characters are escaped. At a terminal, the severity has a colour.
 std::string FormatFindings(const Findings& findings);
 

@@ -4,10 +4,16 @@
 // identity_checks.cpp - whether administrator and location reach the SNMP agent.
 #include <algorithm>
 #include <cctype>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
@@ -62,10 +68,11 @@ Findings CheckTexts() {
             findings.push_back(
                 {.subject = setting.name(),
                  .effect = "is cut for the SNMP agent when " + other.name() + " is set",
-                 .description = "the text contains '" + std::string(directive) + "': a set of " +
+                 .description = "the text contains '" + std::string(directive) + "'; a set of " +
                                 other.name() + " replaces the line from there on",
                  .file = velk::kIdentityFile,
-                 .remedy = "without that word: velkctl set " + setting.name() + " TEXT",
+                 .remedy = "velkctl set " + setting.name() +
+                           " TEXT, where TEXT does not contain '" + std::string(directive) + "'",
                  .affected = {setting, other}});
         }
     }

@@ -6,11 +6,18 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/spelling.h"
 
 namespace velkctl {
@@ -138,8 +145,9 @@ class StanzaCheck {
         const Finding about = AboutLine(setting, index, Impact::kReading);
         if (!IsOption(setting)(line)) {
             return {about.Problem("is read and set in the wrong line",
-                                  "the library takes " + Excerpt(line) +
-                                      " for it, as it contains '" + std::string(key) + "'",
+                                  "the library takes this line for the " +
+                                      std::string(setting.row->name) + " line; " + Excerpt(line) +
+                                      " contains '" + std::string(key) + "'",
                                   RemedyOfFalseLine(setting, index))};
         }
         if (stray_ && *stray_ < index) {
@@ -185,7 +193,7 @@ class StanzaCheck {
         }
         return {about.With(Impact::kSetting)
                     .Warning("cannot be set to none in one set",
-                             "after " + first + " is removed, " + line + " still applies")};
+                             "a set removes " + first + " alone; " + line + " still applies")};
     }
 
     // The line is a comment, or one of another option such as "hwaddress".
@@ -276,7 +284,7 @@ Findings CheckHeaders(const Finding& about, const Lines& lines, const std::strin
         const bool has_lease = words.size() > 3 && words[3] == velk::kDhcpMethod;
         return {about.At(i).Problem(
             "are not found in a stanza",
-            "the library does not recognise the header " + Excerpt(lines[i]),
+            "the library does not recognise the header; it is " + Excerpt(lines[i]),
             InsteadOfLine(i) + "\"" + velk::StanzaHeader(interface) +
                 std::string(has_lease ? velk::kDhcpMethod : velk::kStaticMethod) + "\"")};
     });
@@ -309,9 +317,10 @@ Findings CheckSecondStanza(const Finding& about, const Lines& lines, const std::
 
 Finding NoStanza(const Finding& about, const std::string& interface) {
     const std::string header = velk::StanzaHeader(interface);
-    return about.Problem("can be neither read nor set",
-                         "no line begins with '" + header + "static' or '... dhcp'",
-                         "add \"" + header + "static\", and below it address, netmask and gateway");
+    return about.Problem(
+        "can be neither read nor set",
+        "there is no stanza; no line begins with '" + header + "static' or '... dhcp'",
+        "add \"" + header + "static\", and below it address, netmask and gateway");
 }
 
 Findings CheckInterface(const std::string& interface, const Scope& scope) {

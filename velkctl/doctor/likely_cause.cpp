@@ -9,6 +9,8 @@
 #include <utility>
 
 #include "velkctl/doctor/checks.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {

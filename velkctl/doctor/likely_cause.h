@@ -9,9 +9,10 @@
 #include <string>
 #include <string_view>
 
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/doctor/finding.h"
 #include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
@@ -22,8 +23,8 @@ namespace velkctl {
 // wireless daemon, which is not asked. `value` is the value that was set, for the fix.
 Findings LikelyCauses(const Setting& setting, std::string_view value = {});
 
-// Returns those of the findings that keep a value from being set. That the wireless daemon returns
-// another value is not one of them: another program may have set it.
+// Returns the findings that keep a value from being set. Leaves out the wireless daemon's other
+// value: another program may have set it.
 Findings Hindrances(const Setting& setting, std::string_view value);
 
 // Adds a likely cause to a problem: its description, remedy and place.

@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: MIT
 
 // lock_checks.cpp - whether settings can be changed now, and the process that holds the lock.
+#include <string>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/files/file_facts.h"
 #include "velkctl/files/lock_holder.h"
 
@@ -34,13 +37,11 @@ Findings CheckOwner(const Finding& about, const struct stat& facts) {
     if (facts.st_uid == 0) {
         return {};
     }
-    return {about.Warning(
-        "can be changed by two programs at once",
-        "the lock file belongs to user " + std::to_string(facts.st_uid) +
-            ", who can remove it while it is locked and make a new one",
-        "chown -h root " + about.file +
-            ", and have an init script make it at boot, as root and with mode 666, before programs "
-            "of other users run")};
+    return {about.Warning("can be changed by two programs at once",
+                          "the lock file belongs to user " + std::to_string(facts.st_uid) +
+                              "; this user can remove it while it is locked, and make a new one",
+                          "chown -h root " + about.file +
+                              "; make it at boot by an init script, as root with mode 666")};
 }
 
 Findings CheckHolder(const Finding& about) {

@@ -4,16 +4,27 @@
 // network_check.cpp - checks that the addresses of the interfaces fit together.
 #include <array>
 #include <bit>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "lib/base/find_row.h"
 #include "lib/base/paths.h"
+#include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/set_checks.h"
 #include "velkctl/doctor/value_checks.h"
 #include "velkctl/files/interface_state.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/address_values.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/setting_change.h"
+#include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/ipv4.h"
 
 namespace velkctl {
@@ -231,7 +242,7 @@ bool HasAddress(const std::string& interface, uint32_t address,
 }
 
 // The DNS forwarder would query itself, unless a resolver runs on the device.
-Findings CheckServer(const std::string& server, const std::vector<Network>& networks) {
+Findings CheckDnsServer(const std::string& server, const std::vector<Network>& networks) {
     const std::optional<uint32_t> address = ParseIpv4(server);
     if (!address) {
         return {};
@@ -277,7 +288,7 @@ Findings NetworkMismatches(const PlannedValues& planned) {
     const std::optional<Data> servers = planned.Get(dns);
     const std::string text = servers ? dns.row->kind->Print(*servers) : "";
     Append(findings, FindingsOfEach(WordsOf(text), [&](const std::string& server) {
-               return CheckServer(server, networks);
+               return CheckDnsServer(server, networks);
            }));
     return findings;
 }

@@ -5,10 +5,11 @@
 #include "velkctl/doctor/read_back.h"
 
 #include <ctime>
+#include <string>
 
-#include "lib/ipconf/interfaces_file.h"
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/value_checks.h"
 #include "velkctl/settings/affected_settings.h"
@@ -53,9 +54,11 @@ std::string LossesOf(const FilesBefore& before) {
 
 // True if the interface answers with its lease, and so not with the configured address.
 bool AnswersWithLease(const Setting& setting, const Device& device) {
-    return setting.row->held_in.is_of_lease &&
-           device.PrintedValue(SettingOf(VELK_CMD_IP_METHOD, setting.interface)) ==
-               velk::kDhcpMethod;
+    if (!setting.row->held_in.is_of_lease) {
+        return false;
+    }
+    const Answer method = device.Get(SettingOf(VELK_CMD_IP_METHOD, setting.interface));
+    return method.ok() && !IsStaticMethod(method.data);
 }
 
 // Returns the value that is read instead, without a secret.
@@ -89,8 +92,8 @@ bool IsThirdValue(const DoneSet& done, const Answer& answer) {
            setting.row->kind->Print(answer.data) != *done.before.value();
 }
 
-// True if a set without effect cannot be distinguished from another program that has set the value
-// since. The daemon is not asked before a set. The causes of an address always have its line.
+// True if another program may have set the value since. The daemon's value before the set is
+// unknown, and for an address the causes always contain its line, so both prove nothing.
 bool IsUndecided(const DoneSet& done, const Answer& answer, const Findings& causes) {
     const HeldIn& held_in = done.setting.row->held_in;
     const bool is_of_daemon = held_in.holder == Holder::kDaemon;

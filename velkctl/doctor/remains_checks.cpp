@@ -3,14 +3,19 @@
 
 // remains_checks.cpp - files that a query to the wireless daemon or a tool has left, and that
 // hinder the next one.
+#include <string>
+#include <string_view>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/files/file_facts.h"
 #include "velkctl/files/unix_socket.h"
+#include "velkctl/settings/affected_settings.h"
 
 namespace velkctl {
 namespace {
@@ -30,8 +35,8 @@ Finding CheckReplySocket(const Finding& about, const struct stat& facts) {
     }
     if (!MayRemove(about.file, facts)) {
         return about.Because(KindOf(facts.st_mode) +
-                             " of another user, that this user may not remove, "
-                             "is in the place of the reply socket");
+                             " of another user is in the place of the reply socket; "
+                             "this user may not remove it");
     }
     return about.With(Impact::kNothing)
         .Warning(kMaybeUnread, "a reply socket without a process was left, " + AgeOf(facts) +
@@ -42,13 +47,15 @@ Finding CheckSemaphore(const Finding& about, const struct stat& facts) {
     if (!S_ISREG(facts.st_mode)) {
         return about.Because(KindOf(facts.st_mode) + " is in the place of the semaphore");
     }
-    if (facts.st_size == 0) {  // the program ends by SIGBUS
-        return about.Problem("end the program that reads them",
-                             "an empty file is in the place of the semaphore");
+    if (facts.st_size == 0) {
+        Finding ending = about;
+        ending.subject = "reading a wireless setting";
+        return ending.Problem("ends the program (SIGBUS)",
+                              "an empty file is in the place of the semaphore");
     }
     if (faccessat(AT_FDCWD, about.file.c_str(), R_OK | W_OK, AT_EACCESS) == -1) {
-        return about.Because("a semaphore of another user, " + AgeOf(facts) +
-                             " old, is in the way");
+        return about.Because("a semaphore of another user is in the way; it is " + AgeOf(facts) +
+                             " old");
     }
     return about.With(Impact::kNothing)
         .Warning(kMaybeUnread, "a semaphore was left, " + AgeOf(facts) +
@@ -71,11 +78,10 @@ Finding CheckResult(const Finding& remains, const struct stat& facts) {
         return about.Warning(kMaybeUnread, "a result was left, " + AgeOf(facts) +
                                                " old; the next one overwrites it");
     }
-    const std::string in_the_way =
-        KindOf(facts.st_mode) + " is in the place of the output of tools";
+    const std::string obstacle = KindOf(facts.st_mode) + " is in the place of the output of tools";
     return MayRemove(about.file, facts)
-               ? about.Warning(kMaybeUnread, in_the_way + "; the next reading removes it")
-               : about.With(Impact::kReading).Problem("cannot be read", in_the_way);
+               ? about.Warning(kMaybeUnread, obstacle + "; the next reading removes it")
+               : about.With(Impact::kReading).Problem("cannot be read", obstacle);
 }
 
 }  // namespace

@@ -4,12 +4,19 @@
 // script_checks.cpp - whether the library can switch the lines of the DHCP client's scripts: the
 // commands of its exit hooks, and the calls that install a lease's name servers.
 #include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "lib/base/comment_switch.h"
 #include "lib/base/paths.h"
 #include "lib/base/shell_blocks.h"
 #include "lib/base/words.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
@@ -33,7 +40,8 @@ bool HasKeyword(std::string_view line, std::string_view keyword) {
 Findings CheckInner(const Finding& about, std::string_view line) {
     if (HasKeyword(line, "elif")) {
         return {about.Problem(
-            kForAnother, "the library takes the lines below 'elif' for a part of the branch above",
+            kForAnother,
+            "an 'elif' within a block; the library takes the lines below it for the branch above",
             "write 'else', or a block of its own for each interface")};
     }
     if (HasKeyword(line, "if")) {
@@ -59,7 +67,8 @@ Findings CheckOuter(const Script& script, const Finding& about, std::string_view
     if (is_unknown_if || HasKeyword(line, "case")) {
         return {about.Problem(
             "would be switched for every interface",
-            "the library does not see that " + Excerpt(line) + " depends on the interface",
+            "a condition that the library does not see; " + Excerpt(line) +
+                " depends on the interface",
             is_unknown_if ? "write $interface instead of ${interface}"
                           : "for each interface write: if [ \"$interface\" = \"NAME\" ]; then")};
     }
@@ -153,8 +162,7 @@ Findings CheckCall(const Finding& about, std::string_view line, std::string_view
     if (!IsDefinition(function, line)) {
         return CheckMarks(about, line, PositionOf(function, line), "call");
     }
-    return {about.Problem("would break the script",
-                          "the definition of the function is taken for a call of it",
+    return {about.Problem("would break the script", "the library takes this definition for a call",
                           "leave no blank between make_resolv_conf and ()")};
 }
 

@@ -3,16 +3,26 @@
 
 // text_conflicts.cpp - values that would have a set change the wrong text of a file.
 #include <cstring>
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
 #include "velk/ntp.h"
+#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
+#include "velkctl/call/device.h"
 #include "velkctl/doctor/set_checks.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/settings/setting_change.h"
 #include "velkctl/settings/time_entry.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -78,11 +88,11 @@ std::optional<Problem> OtherTextConflict(const SettingLine& own, const SettingLi
     }
     const std::string name = other.setting.name();
     const std::string force = Holds(own.setting, other, device) ? "--force " : "";
-    return Problem{.message = "the present " + name + " contains '" + std::string(own.key) + "'",
-                   .detail = std::string("this set would replace the line from there on in ") +
-                             velk::kSnmpFile,
-                   .remedy = "give --force, or first, without that word: velkctl set " + force +
-                             name + " TEXT"};
+    return Problem{
+        .message = "the present " + name + " contains '" + std::string(own.key) + "'",
+        .detail = std::string("this set would replace the line from there on; its file is ") +
+                  velk::kSnmpFile,
+        .remedy = "give --force, or first velkctl set " + force + name + " TEXT without that word"};
 }
 
 std::optional<Problem> IdentityConflict(const Setting& setting, const std::string& text,
@@ -92,7 +102,8 @@ std::optional<Problem> IdentityConflict(const Setting& setting, const std::strin
         if (velk::Contains(text, directive.key)) {
             return Problem{.message = "the text contains '" + std::string(directive.key) + "'",
                            .detail = "a set of " + directive.setting.name() +
-                                     " replaces the line from there on in " + velk::kSnmpFile,
+                                     " replaces the line from there on; its file is " +
+                                     velk::kSnmpFile,
                            .remedy = "give other words, or --force"};
         }
     }

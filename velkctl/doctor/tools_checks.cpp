@@ -7,6 +7,8 @@
 #include <array>
 #include <chrono>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include <unistd.h>
@@ -16,8 +18,12 @@
 #include "lib/base/words.h"
 #include "velkctl/call/environment.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/files/file_facts.h"
+#include "velkctl/files/text_file.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {
@@ -151,7 +157,7 @@ std::string RemedyOf(const Tool& tool, const std::optional<std::string>& elsewhe
            (tool.by_sudo ? "/usr/sbin" : "/usr/bin");
 }
 
-Finding Found(const Tool& tool, std::string effect, std::string remedy) {
+Finding ToolFinding(const Tool& tool, std::string effect, std::string remedy) {
     return {.severity = tool.severity,
             .subject = std::string(tool.name),
             .effect = std::move(effect),
@@ -163,7 +169,7 @@ Finding Found(const Tool& tool, std::string effect, std::string remedy) {
 
 Finding Missing(const Tool& tool) {
     const std::optional<std::string> elsewhere = FindTool(tool.name, CallersPath());
-    return Found(
+    return ToolFinding(
         tool,
         elsewhere ? "is in none of the folders that " + SearcherFor(tool) : "is not installed",
         RemedyOf(tool, elsewhere));
@@ -184,8 +190,8 @@ Findings CheckToolsWhere(Condition is_wanted) {
             missing = tool.name;
         } else if (tool.by_sudo && rights.Forbid(std::string(tool.name))) {
             findings.push_back(
-                Found(tool, "may not be run through sudo by this user without a password",
-                      "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " + *path));
+                ToolFinding(tool, "may not be run through sudo by this user without a password",
+                            "add a line to /etc/sudoers: USER ALL=(root) NOPASSWD: " + *path));
         }
     }
     return findings;

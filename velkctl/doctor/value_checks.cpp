@@ -12,11 +12,16 @@
 
 #include "lib/base/paths.h"
 #include "lib/base/words.h"
+#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
 #include "velkctl/call/device.h"
 #include "velkctl/call/planned_values.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
 #include "velkctl/settings/kinds_of_settings.h"
+#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 
@@ -69,7 +74,7 @@ size_t LineOf(const Setting& setting, const std::string& refused) {
     return lines.empty() ? 0 : lines.front() + 1;
 }
 
-// True for DNS servers that are addresses. CheckServer() in network_check warns of an address of
+// True for DNS servers that are addresses. CheckDnsServer() in network_check warns of an address of
 // the device itself, which `set` takes with --force.
 bool AreAddresses(const Setting& setting, const std::vector<std::string>& words) {
     return setting.row->id == VELK_CMD_DNS &&
@@ -100,7 +105,7 @@ bool IsInFile(const Setting& setting, const Device& device) {
            (!held_in.is_of_lease || device.HasStaticMethod(setting.interface));
 }
 
-// A text may have any bytes.
+// True for values with any bytes; they are not checked.
 bool IsText(const Setting& setting) {
     const ValueKind* kind = setting.row->kind;
     return kind == &kFreeText || kind == &kSsid || setting.row->secret;

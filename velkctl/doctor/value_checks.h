@@ -6,6 +6,7 @@
 #define VELKCTL_DOCTOR_VALUE_CHECKS_H_
 
 #include <optional>
+#include <string>
 
 #include "velkctl/call/device.h"
 #include "velkctl/call/planned_values.h"

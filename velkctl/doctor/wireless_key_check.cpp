@@ -3,11 +3,17 @@
 
 // wireless_key_check.cpp - checks a wireless key against the configuration and the standard.
 #include <cstring>
+#include <optional>
+#include <string>
 #include <string_view>
 
-#include "velkctl/call/command.h"
+#include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/set_checks.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/kinds_of_settings.h"
+#include "velkctl/settings/setting_change.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/hex.h"
 
 namespace velkctl {

@@ -8,6 +8,8 @@
 #include <array>
 #include <vector>
 
+#include "lib/base/join_text.h"
+#include "lib/base/paths.h"
 #include "velkctl/files/process_list.h"
 
 namespace velkctl {
@@ -15,7 +17,7 @@ namespace {
 
 constexpr std::string_view kClient = "dhclient";
 constexpr std::string_view kLeaseFileOption = "-lf";
-constexpr std::string_view kLeaseFileStart = "/var/lib/dhcp/dhclient.";
+constexpr auto kLeaseFileStart = velk::JoinText(velk::kLeaseFolder, "/dhclient.");
 constexpr std::string_view kLeaseFileEnd = ".leases";
 
 std::vector<std::string_view> ArgumentsIn(std::string_view command_line) {
@@ -88,7 +90,7 @@ std::string LeaseFileOf(std::string_view command_line, std::string_view interfac
     if (option != words.end() && option + 1 != words.end()) {
         return std::string(*(option + 1));
     }
-    return std::string(kLeaseFileStart).append(interface).append(kLeaseFileEnd);
+    return std::string(kLeaseFileStart.c_str()).append(interface).append(kLeaseFileEnd);
 }
 
 std::optional<Lease> LeaseIn(const Lines& lines, std::string_view interface, time_t now) {

@@ -33,7 +33,7 @@ std::string FileInLocks(dev_t device, ino_t inode) {
 }
 
 // Returns the process that took the lock, if the kernel still names it.
-std::optional<int> TakerOf(const struct stat& file) {
+std::optional<int> FirstHolderOf(const struct stat& file) {
     return FlockHolder(ReadTextFile("/proc/locks").bytes, file.st_dev, file.st_ino);
 }
 
@@ -136,7 +136,7 @@ std::optional<LockHolder> FindLockHolder() {
     if (!file) {
         return std::nullopt;
     }
-    const std::optional<int> taker = TakerOf(*file);
+    const std::optional<int> taker = FirstHolderOf(*file);
     std::optional<LockHolder> holder = taker ? Describe(*taker) : std::nullopt;
     if (holder) {
         return holder;
@@ -166,7 +166,7 @@ std::string DescribeLockHolder() {
         return DescribeHolder(*holder);
     }
     const std::optional<struct stat> file = LockFile();
-    const std::optional<int> taker = file ? TakerOf(*file) : std::nullopt;
+    const std::optional<int> taker = file ? FirstHolderOf(*file) : std::nullopt;
     return taker && !Describe(*taker)
                ? "a child of process " + std::to_string(*taker) + ", which has ended"
                : "";

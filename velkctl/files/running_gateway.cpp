@@ -10,6 +10,7 @@
 
 #include <arpa/inet.h>
 
+#include "lib/base/numbers.h"
 #include "lib/base/paths.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/text/numbers.h"

@@ -38,7 +38,8 @@ bool IsBound(const std::string& path) {
     if (errno == EACCES) {
         return IsListed(path);
     }
-    // Any other refusal comes from a bound socket: of another type, or connected.
+    // Any other error means that a process has bound the path, with another socket type or a
+    // connected one.
     return errno != ECONNREFUSED && errno != ENOENT;
 }
 

@@ -9,6 +9,7 @@
 #include <cctype>
 
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/masking.h"
 
 namespace velkctl {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/preview/private_copy.h"
 

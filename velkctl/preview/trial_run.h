@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/call/command.h"
+#include "velk/request.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/preview/event_log.h"

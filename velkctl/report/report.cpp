@@ -131,7 +131,7 @@ Json ProblemInJson(const Problem& given) {
     return error;
 }
 
-std::string InLinesOf80(std::string_view text, size_t indent) {
+std::string WrappedAt80(std::string_view text, size_t indent) {
     std::string lines;
     while (indent + text.size() > kColumns && !text.starts_with(kFix)) {
         const std::string_view clause = FirstClause(text);
@@ -160,12 +160,12 @@ std::string OneLine(const Problem& problem) {
     return text;
 }
 
-std::string InLines(const Problem& given, size_t indent) {
+std::string MessageLines(const Problem& given, size_t indent) {
     const bool fits = indent + given.message.size() <= kColumns;
     const Problem problem = fits ? given : WithAdviceAsRemedy(given);
-    std::string text = InLinesOf80(problem.message, indent);
+    std::string text = WrappedAt80(problem.message, indent);
     if (!problem.detail.empty()) {
-        text.append(kNewLine).append(InLinesOf80(problem.detail, kNewLine.size() - 1));
+        text.append(kNewLine).append(WrappedAt80(problem.detail, kNewLine.size() - 1));
     }
     if (!problem.remedy.empty()) {
         text.append(kNewLine).append(IsUsage(problem.remedy) ? "" : kFix).append(problem.remedy);
@@ -231,7 +231,7 @@ void Report::AddNote(std::string_view mark, std::string_view note) {
 }
 
 void Report::Note(const Problem& problem) {
-    Note(is_json() ? OneLine(problem) : InLines(problem, kErrorIndent + kNote.size()));
+    Note(is_json() ? OneLine(problem) : MessageLines(problem, kErrorIndent + kNote.size()));
 }
 
 void Report::Complain(const Problem& problem) {
@@ -239,7 +239,7 @@ void Report::Complain(const Problem& problem) {
     if (is_json()) {
         document_->errors.push_back(ProblemInJson(problem));
     } else {
-        PrintError(InLines(problem));
+        PrintError(MessageLines(problem));
     }
 }
 

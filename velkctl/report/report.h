@@ -38,7 +38,7 @@ inline constexpr size_t kErrorIndent = std::string_view("velkctl: ").size();
 // Breaks a text that is too long for one line of a terminal at its semicolons and before "but". A
 // fix stays whole: it may be a line for the shell. `indent` is the width of the text before it on
 // its line; the next lines are indented by two.
-std::string InLinesOf80(std::string_view text, size_t indent);
+std::string WrappedAt80(std::string_view text, size_t indent);
 
 // "eth1.rate: could not be read; no supported wireless adapter is attached; fix: attach an adapter
 // of ... (LIB_VELK_NO_ADAPTER, -5)"
@@ -46,7 +46,7 @@ std::string OneLine(const Problem& problem);
 
 // The same for people: the failure on the first line, after `indent` columns; reason, fix and
 // result on indented lines. A message with advice at its end stays on one line if it fits.
-std::string InLines(const Problem& problem, size_t indent = kErrorIndent);
+std::string MessageLines(const Problem& problem, size_t indent = kErrorIndent);
 
 // Returns the text; null if it is empty.
 Json TextOrNull(const std::string& text);

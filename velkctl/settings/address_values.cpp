@@ -4,6 +4,7 @@
 // address_values.cpp - values that are one IPv4 address or mask.
 #include "velkctl/settings/address_values.h"
 
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 #include "velkctl/text/numbers.h"

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -43,7 +43,7 @@ std::vector<std::string> NamesOf(const AffectedSettings& affected) {
     return names;
 }
 
-AffectedSettings Together(AffectedSettings all, const AffectedSettings& more) {
+AffectedSettings UnionOf(AffectedSettings all, const AffectedSettings& more) {
     all.insert(all.end(), more.begin(), more.end());
     return all;
 }
@@ -107,7 +107,7 @@ AffectedSettings EditedSettings() {
     AffectedSettings settings;
     for (const DeviceFile& file : DeviceFiles()) {
         if (file.change == Change::kByEdit) {
-            settings = Together(std::move(settings), file.holds);
+            settings = UnionOf(std::move(settings), file.holds);
         }
     }
     return settings;

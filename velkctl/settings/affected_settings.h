@@ -18,10 +18,10 @@ using AffectedSettings = std::vector<Setting>;
 
 bool Includes(const AffectedSettings& affected, const Setting& setting);
 
-// Returns their full names in the order of the catalogue: "eth0.method".
+// Returns the full names of the settings in the order of the catalogue: "eth0.method".
 std::vector<std::string> NamesOf(const AffectedSettings& affected);
 
-AffectedSettings Together(AffectedSettings all, const AffectedSettings& more);
+AffectedSettings UnionOf(AffectedSettings all, const AffectedSettings& more);
 
 // Returns the setting with this id on the interface; on each of its interfaces if that is empty.
 AffectedSettings SettingsOf(uint32_t id, std::string_view interface = "");
@@ -42,7 +42,7 @@ AffectedSettings SettingsReadWith(std::string_view tool = "");
 
 // Returns the settings that the wireless daemon answers for.
 AffectedSettings WirelessSettings();
-// Returns those of its configuration, which it keeps with and without an adapter.
+// Returns the settings of the daemon's configuration, with or without an adapter.
 AffectedSettings WirelessConfiguration();
 // Returns the settings that are refused while no adapter is attached.
 AffectedSettings AdapterFacts();

@@ -12,6 +12,7 @@
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/settings/time_entry.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
@@ -394,7 +395,7 @@ std::string UnknownSetting(std::string_view name, bool may_be_key) {
         return UnknownInterface(name, Quoted(name));
     }
     if (const std::vector<std::string> meant = GuessedNames(name); !meant.empty()) {
-        return "unknown setting " + Quoted(name) + "; did you mean " + OneOf(meant) + "?";
+        return "unknown setting " + Quoted(name) + Suggestion(meant);
     }
     return "unknown setting " + Quoted(name) + "; 'velkctl list' names them all";
 }

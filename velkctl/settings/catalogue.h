@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "lib/base/find_row.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"

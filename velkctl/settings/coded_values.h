@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 
@@ -28,7 +29,7 @@ class CodedKind final : public ValueKind {
     std::string Wanted() const override;
     std::string Example() const override { return Values().front(); }
     Parsed Parse(std::span<const std::string> words) const override;
-    // The number of any byte.
+    // Accepts also the number of any byte.
     Parsed Force(std::span<const std::string> words) const override;
     std::vector<std::string> Values() const override;
     std::vector<Meaning> Meanings() const override;

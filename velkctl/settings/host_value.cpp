@@ -11,6 +11,7 @@
 #include <netinet/in.h>
 
 #include "lib/base/words.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 
@@ -34,7 +35,7 @@ std::string_view LastLabel(std::string_view name) {
     return name.substr(name.rfind('.') + 1);
 }
 
-bool IsNumber(std::string_view label) {
+bool IsNumericLabel(std::string_view label) {
     return label.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
@@ -101,7 +102,8 @@ std::string HostProblem(const std::string& word) {
     if (std::string problem = LengthProblem(word); !problem.empty()) {
         return problem;
     }
-    return IsNumber(LastLabel(WithoutEndDot(word))) ? NotIpv4Problem(word, "an IPv4 address") : "";
+    return IsNumericLabel(LastLabel(WithoutEndDot(word))) ? NotIpv4Problem(word, "an IPv4 address")
+                                                          : "";
 }
 
 }  // namespace

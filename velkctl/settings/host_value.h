@@ -6,6 +6,7 @@
 #define VELKCTL_SETTINGS_HOST_VALUE_H_
 
 #include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -15,6 +15,7 @@
 #include "velkctl/settings/schedule_value.h"
 #include "velkctl/settings/server_list.h"
 #include "velkctl/settings/text_values.h"
+#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/ipv4.h"
 
 namespace velkctl {

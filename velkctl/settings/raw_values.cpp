@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/hex.h"
 #include <nlohmann/json.hpp>
 

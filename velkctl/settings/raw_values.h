@@ -6,6 +6,7 @@
 #define VELKCTL_SETTINGS_RAW_VALUES_H_
 
 #include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
@@ -129,7 +130,7 @@ std::string TimeOf(const Data& data) {
     return time.empty() ? std::string() : std::string(" ").append(PrintableValue(time));
 }
 
-std::string Joined(std::span<const std::string> words) {
+std::string JoinedByBlanks(std::span<const std::string> words) {
     std::string text;
     for (const std::string& word : words) {
         text.append(text.empty() ? "" : " ").append(word);
@@ -139,7 +140,7 @@ std::string Joined(std::span<const std::string> words) {
 
 // A schedule in quotes is one word of the command line.
 std::vector<std::string> SplitAtBlanks(std::span<const std::string> words) {
-    const std::string text = Joined(words);
+    const std::string text = JoinedByBlanks(words);
     std::vector<std::string> split;
     size_t begin = 0;
     for (size_t blank = 0; (blank = text.find(' ', begin)) != std::string::npos;
@@ -163,7 +164,7 @@ Parsed ScheduleKind::Parse(std::span<const std::string> words) const {
     const std::vector<std::string> split = SplitAtBlanks(words);
     const std::optional<Schedule> schedule = ParseSchedule(split);
     if (!schedule) {
-        return Unparsable(Quoted(Joined(words)) + " is not a schedule" + Guess(split));
+        return Unparsable(Quoted(JoinedByBlanks(words)) + " is not a schedule" + Guess(split));
     }
     return InData(*schedule);
 }

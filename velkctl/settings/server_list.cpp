@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/ipv4.h"
 #include <nlohmann/json.hpp>
@@ -56,8 +57,9 @@ std::string ServerListProblem(std::span<const std::string> words) {
         // A resolver may run on the device itself, but a forwarder there would query itself without
         // end.
         return problems + (std::ranges::any_of(words, IsLoopbackAddress)
-                               ? "; give one to three others, none, or --force for a local resolver"
-                               : "; give one to three such as 192.168.0.1, or none");
+                               ? "; give one to three other addresses, none, or --force for a "
+                                 "local resolver"
+                               : "; give one to three IPv4 addresses such as 192.168.0.1, or none");
     }
     for (size_t i = 1; i < words.size(); ++i) {
         const auto earlier = words.first(i);

@@ -5,8 +5,10 @@
 #include "velkctl/settings/text_values.h"
 
 #include "velk/request.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {

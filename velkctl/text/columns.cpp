@@ -61,7 +61,7 @@ std::string Cut(std::string_view text, size_t width) {
     return std::string(text.substr(0, kept)).append(kEllipsis);
 }
 
-std::string InLinesOf(std::span<const std::string> words, size_t width, size_t indent) {
+std::string WrappedWords(std::span<const std::string> words, size_t width, size_t indent) {
     const std::string margin(indent, ' ');
     std::string lines;
     size_t used = 0;  // columns of the present line

@@ -20,7 +20,7 @@ std::string Cut(std::string_view text, size_t width);
 
 // Returns the words in lines that do not exceed the width, each line indented and ended by a
 // newline. A word that is too long has a line of its own.
-std::string InLinesOf(std::span<const std::string> words, size_t width, size_t indent);
+std::string WrappedWords(std::span<const std::string> words, size_t width, size_t indent);
 
 // Returns the text with lines that do not exceed the width. A longer line is broken at its blanks
 // and continues with a deeper indent. A command that a person may copy stays whole, as does a long

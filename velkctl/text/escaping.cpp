@@ -10,6 +10,7 @@
 #include <optional>
 #include <system_error>
 
+#include "lib/base/numbers.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/text/hex.h"
 #include "velkctl/text/numbers.h"

@@ -32,9 +32,6 @@ bool ShowsUtf8();
 // True if the text has a character that controls the terminal, such as a newline.
 bool HasControls(std::string_view text);
 
-// Shown instead of a secret.
-inline constexpr std::string_view kMask = "********";
-
 // Return 'word' for a message. Quoted() cuts a word of more than 40 characters, QuotedWhole() only
 // one that is longer than any value.
 std::string Quoted(std::string_view word);

@@ -63,7 +63,7 @@ char ToLower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-bool EqualIgnoringCase(char one, char other) {
+bool IsSameLetter(char one, char other) {
     return ToLower(one) == ToLower(other);
 }
 
@@ -77,10 +77,10 @@ size_t Distance(std::string_view from, std::string_view to) {
                 continue;
             }
             const size_t changed =
-                steps[i - 1][j - 1] + (EqualIgnoringCase(from[i - 1], to[j - 1]) ? 0 : 1);
+                steps[i - 1][j - 1] + (IsSameLetter(from[i - 1], to[j - 1]) ? 0 : 1);
             steps[i][j] = std::min({changed, steps[i - 1][j] + 1, steps[i][j - 1] + 1});
-            if (i > 1 && j > 1 && EqualIgnoringCase(from[i - 1], to[j - 2]) &&
-                EqualIgnoringCase(from[i - 2], to[j - 1])) {
+            if (i > 1 && j > 1 && IsSameLetter(from[i - 1], to[j - 2]) &&
+                IsSameLetter(from[i - 2], to[j - 1])) {
                 steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
             }
         }
@@ -128,7 +128,7 @@ std::string Joined(std::span<const std::string> words, std::string_view before_l
 }
 
 bool EqualsIgnoringCase(std::string_view one, std::string_view other) {
-    return std::ranges::equal(one, other, EqualIgnoringCase);
+    return std::ranges::equal(one, other, IsSameLetter);
 }
 
 }  // namespace
@@ -161,11 +161,14 @@ std::vector<std::string> SpellingSuggestions(std::string_view word,
     return meant.size() > kMostGuesses ? std::vector<std::string>{} : meant;
 }
 
+std::string Suggestion(std::span<const std::string> words, std::string_view noun) {
+    return std::string("; did you mean ").append(noun).append(OneOf(words)).append("?");
+}
+
 std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,
                        std::string_view otherwise) {
     const std::vector<std::string> meant = SpellingSuggestions(word, candidates);
-    return meant.empty() ? std::string("; ").append(otherwise)
-                         : "; did you mean " + OneOf(meant) + "?";
+    return meant.empty() ? std::string("; ").append(otherwise) : Suggestion(meant);
 }
 
 std::string OneOf(std::span<const std::string> words) {

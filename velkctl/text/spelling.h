@@ -24,6 +24,10 @@ std::vector<std::string> OtherNamesOf(std::string_view word,
 std::vector<std::string> SpellingSuggestions(std::string_view word,
                                              std::span<const std::string> candidates);
 
+// Returns the end of a message: "; did you mean static or dhcp?". `noun`, such as "the setting ",
+// comes before the words.
+std::string Suggestion(std::span<const std::string> words, std::string_view noun = "");
+
 // Returns the end of a message about a word: "; did you mean static?", or "; " and `otherwise` if
 // there is no suggestion.
 std::string DidYouMean(std::string_view word, std::span<const std::string> candidates,

@@ -10,18 +10,24 @@
 #include <vector>
 
 #include "lib/base/find_row.h"
+#include "velk/request.h"
+#include "velkctl/call/answer.h"
+#include "velkctl/call/command.h"
 #include "velkctl/call/device.h"
 #include "velkctl/changes/secret_source.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/hex.h"
+#include "velkctl/text/masking.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
-#include "velkctl/verbs/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -123,7 +129,7 @@ bool TakesType(const Setting& setting, velk_command_type type) {
 }
 
 // Returns the interfaces that a command takes, or an empty name if it takes none. Returns nothing
-// if there is no such command.
+// if the command does not exist.
 std::vector<std::string> InterfacesOf(velk_command_type type, uint32_t id) {
     if (type == VELK_RESTART && id == VELK_CMD_RESTART) {
         return {VELK_WIRED_INTERFACE, VELK_WIRELESS_INTERFACE};
@@ -137,17 +143,28 @@ std::vector<std::string> InterfacesOf(velk_command_type type, uint32_t id) {
     return interfaces;
 }
 
+// Returns the reason why there are no interfaces for a command: "101 takes no set".
+std::string MissingCommand(const Command& command) {
+    const std::string id = std::to_string(command.id);
+    const bool has_other_type = std::ranges::any_of(kTypeWords, [&](const TypeWord& row) {
+        return !InterfacesOf(row.type, command.id).empty();
+    });
+    const TypeWord* type = velk::FindRow(kTypeWords, command.type, &TypeWord::type);
+    return has_other_type ? id + " takes no " + std::string(type->word)
+                          : "command " + id + " does not exist";
+}
+
 // Returns the reason why the library does not take a command: "108 takes eth0 or eth1". Empty if
 // it takes the command with another value.
 std::string RefusedCommand(const Command& command) {
-    const std::string id = std::to_string(command.id);
     const std::vector<std::string> interfaces = InterfacesOf(command.type, command.id);
     if (interfaces.empty()) {
-        return "there is no such command " + id;
+        return MissingCommand(command);
     }
     if (std::ranges::find(interfaces, command.interface) != interfaces.end()) {
         return {};
     }
+    const std::string id = std::to_string(command.id);
     return id + (interfaces.front().empty() ? " takes no interface"
                                             : " takes the interface " + OneOf(interfaces));
 }
@@ -157,7 +174,7 @@ std::string ResultText(const Answer& answer) {
     if (answer.ok()) {
         return DescribeResult(answer.result);
     }
-    return InLines(
+    return MessageLines(
         {.message = FailureReason(answer), .result = answer.result, .detail = answer.note});
 }
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/report/report.h"

@@ -9,8 +9,11 @@
 
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/verbs/setting_values.h"
@@ -97,7 +100,7 @@ ExitStatus RunDescribe(const Invocation& invocation, Report& report) {
     Json described = Json::array();
     for (const Setting& setting : settings) {
         report.Text(FittedToTerminal(Describe(setting)));
-        described.push_back(SettingInJson(setting));
+        described.push_back(FactsInJson(setting));
     }
     report.Member("settings", std::move(described));
     return ExitStatus::kDone;

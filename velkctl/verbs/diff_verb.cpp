@@ -13,6 +13,7 @@
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/documents/settings_document.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/masking.h"
 #include "velkctl/verbs/document_settings.h"
 #include "velkctl/verbs/setting_reader.h"
 #include <nlohmann/json.hpp>

@@ -4,6 +4,9 @@
 // doctor_verb.cpp - the verb that finds problems that keep the library from working.
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -21,7 +24,7 @@ Findings WithoutRemedies(Findings findings) {
 ExitStatus RunDoctor(const Invocation& /*invocation*/, Report& report) {
     const std::string other_machine = DescribeOtherMachine();
     if (!other_machine.empty()) {
-        report.Text(InLinesOf80(other_machine, 0) + "\n");
+        report.Text(WrappedAt80(other_machine, 0) + "\n");
     }
     const Findings findings = ExamineDevice(report);
     // On another machine, a remedy such as mkdir would change that machine.

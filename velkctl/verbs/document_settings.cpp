@@ -36,7 +36,7 @@ std::optional<AffectedSettings> SelectedBy(std::string_view verb, const std::str
                                              : UnknownSetting(word)));
             is_valid = false;
         }
-        selected = Together(std::move(selected), more);
+        selected = UnionOf(std::move(selected), more);
     }
     return is_valid ? std::optional(selected) : std::nullopt;
 }

@@ -12,6 +12,7 @@
 #include "lib/base/find_row.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/report/result_codes.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"

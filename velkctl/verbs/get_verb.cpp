@@ -8,12 +8,16 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_patterns.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/selected_settings.h"
 #include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_reader.h"
@@ -33,7 +37,7 @@ bool HaveSameReason(const Problem& one, const Problem& other) {
     return one.detail == other.detail && one.remedy == other.remedy && one.result == other.result;
 }
 
-Problem ProblemOf(const UnreadSettings& unread) {
+Problem GroupProblem(const UnreadSettings& unread) {
     const SettingGroup& settings = unread.settings;
     Problem problem = unread.problem;
     if (settings.size() > 1) {
@@ -71,7 +75,7 @@ class Readings {
     // Returns the status of the first failure.
     ExitStatus Finish() {
         for (const UnreadSettings& unread : unread_) {
-            report_.Complain(ProblemOf(unread));
+            report_.Complain(GroupProblem(unread));
         }
         report_.Member("settings", std::move(readings_));
         return status_;

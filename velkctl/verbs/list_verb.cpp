@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "velkctl/cli/verbs.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_values.h"
@@ -44,7 +46,7 @@ ExitStatus RunList(const Invocation& invocation, Report& report) {
         rows.Begin(group);
         rows.Add(RowsOf(group, width));
         for (const Setting& setting : group) {
-            listed.push_back(SettingInJson(setting));
+            listed.push_back(FactsInJson(setting));
         }
     }
     rows.Finish();

@@ -8,7 +8,9 @@
 #include <string_view>
 
 #include "lib/base/paths.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -18,7 +20,7 @@ constexpr std::string_view kTheFile = "the file ";
 
 // Returns "/var/cron/tabs/root is missing", "/etc/network/interfaces:12: the line has no value",
 // "the wireless daemon does not run".
-std::string InWords(const Finding& cause) {
+std::string CauseText(const Finding& cause) {
     if (cause.file == velk::kRequestSocket) {
         return cause.subject + " " + cause.effect;
     }
@@ -30,7 +32,7 @@ std::string InWords(const Finding& cause) {
     return location + (location.empty() ? "" : ": ") + cause.description;
 }
 
-ReadFailure Unreadable(const std::string& reason) {
+ReadFailure FailedReading(const std::string& reason) {
     return {reason, "cannot be read: " + reason};
 }
 
@@ -43,12 +45,12 @@ ReadFailure ReadFailureOf(const Setting& setting, const Answer& answer) {
         case ExitStatus::kNoAdapter:
             return {"needs a wireless adapter", "need a wireless adapter"};
         case ExitStatus::kTimedOut:
-            return Unreadable(FailureReason(answer));
+            return FailedReading(FailureReason(answer));
         default:
             break;
     }
     if (const std::optional<Finding> cause = LikelyCauseOfGet(setting, answer)) {
-        return Unreadable(Printable(InWords(*cause)));
+        return FailedReading(Printable(CauseText(*cause)));
     }
     return {"unreadable: run 'velkctl doctor'", "cannot be read: run 'velkctl doctor'"};
 }

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {

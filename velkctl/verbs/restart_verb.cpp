@@ -5,11 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/changes/interface_restart.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {

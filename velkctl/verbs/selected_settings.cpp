@@ -27,7 +27,8 @@ std::vector<Setting> Select(const std::string& word) {
     return setting && setting->can_get() ? std::vector<Setting>{*setting} : std::vector<Setting>{};
 }
 
-Problem ProblemOf(std::string_view verb, const std::string& word, const Invocation& invocation) {
+Problem SelectionProblem(std::string_view verb, const std::string& word,
+                         const Invocation& invocation) {
     if (const std::optional<Setting> setting = FindSetting(word)) {
         const std::string name = setting->name();
         return Problem{
@@ -50,7 +51,7 @@ std::vector<Setting> SelectReadable(std::string_view verb, const Invocation& inv
         const std::vector<Setting> selected = Select(word);
         settings.insert(settings.end(), selected.begin(), selected.end());
         if (selected.empty()) {
-            report.Complain(ProblemOf(verb, word, invocation));
+            report.Complain(SelectionProblem(verb, word, invocation));
             is_refused = true;
         }
     }

@@ -24,7 +24,7 @@ namespace {
 AffectedSettings SettingsBeside(const std::vector<Setting>& settings) {
     AffectedSettings beside;
     for (const Setting& setting : settings) {
-        beside = Together(std::move(beside), SettingsBeside(setting));
+        beside = UnionOf(std::move(beside), SettingsBeside(setting));
     }
     std::erase_if(beside, [](const Setting& other) { return !other.can_get(); });
     return beside;
@@ -77,7 +77,7 @@ void NoteIfMethodMaySwitchIt(const Setting& setting, const Device& device, Repor
     if (!device.HasStaticMethod(setting.interface) || device.PrintedValue(setting) != "off") {
         return;
     }
-    report.Note(Problem{.message = setting.name() + ": is off while " + method_name + " is static",
+    report.Note(Problem{.message = setting.name() + " is off while " + method_name + " is static",
                         .setting = setting.name(),
                         .detail = "dhcp may switch it on again",
                         .remedy = "set it again after 'velkctl set " + method_name + " dhcp'"});
@@ -145,7 +145,7 @@ void SetNotes::PrintSwitched(const std::vector<Setting>& done, Report& report) c
         const std::string value = device_.PrintedValue(other.setting);
         if (!value.empty() && value != other.value) {
             std::string text = other.setting.name();
-            text.append(": is ").append(value).append(" now, switched by ").append(cause);
+            text.append(" is ").append(value).append(" now, switched by ").append(cause);
             report.Note(text);
         }
     }

@@ -53,7 +53,7 @@ std::string NameLines(const SettingGroup& group) {
         names.push_back(setting.name());
     }
     const std::optional<TerminalSize> size = TerminalSizeOf(STDOUT_FILENO);
-    return InLinesOf(names, size ? size->columns : kUsualColumns, kIndent);
+    return WrappedWords(names, size ? size->columns : kUsualColumns, kIndent);
 }
 
 std::string CutToFit(std::string_view text, size_t used) {

@@ -7,6 +7,7 @@
 
 #include <chrono>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/verbs/read_failure.h"
 #include "velkctl/verbs/setting_values.h"

@@ -7,6 +7,7 @@
 
 #include <optional>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"

@@ -9,8 +9,7 @@
 
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/text/columns.h"
-#include "velkctl/text/escaping.h"
-#include "velkctl/verbs/masking.h"
+#include "velkctl/text/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -44,7 +43,7 @@ Json ReadingInJson(const Setting& setting, Json value, Json error, Json valid) {
     return object;
 }
 
-Json SettingInJson(const Setting& setting) {
+Json FactsInJson(const Setting& setting) {
     Json object;
     object["name"] = setting.name();
     object["id"] = setting.row->id;

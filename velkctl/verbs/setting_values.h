@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/call/command.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -31,7 +31,7 @@ std::string CouldNotBeRead(const Setting& setting);
 Json ReadingInJson(const Setting& setting, Json value, Json error, Json valid = nullptr);
 
 // Returns the facts about a setting that list and describe print in JSON.
-Json SettingInJson(const Setting& setting);
+Json FactsInJson(const Setting& setting);
 
 // Returns the length of the longest name.
 size_t NameWidth(const std::vector<Setting>& settings);

@@ -9,11 +9,15 @@
 
 #include <unistd.h>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/value_checks.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/read_failure.h"
 #include "velkctl/verbs/selected_settings.h"
 #include "velkctl/verbs/setting_groups.h"

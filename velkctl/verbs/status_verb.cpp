@@ -16,8 +16,11 @@
 #include "velkctl/files/lock_holder.h"
 #include "velkctl/files/running_gateway.h"
 #include "velkctl/files/unix_socket.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
@@ -54,15 +57,15 @@ std::string Configured(uint32_t id, const std::string& interface, const Device& 
     return device.PrintedValue(SettingOf(id, interface));
 }
 
-State Compared(const Interface& interface, std::string_view part, const std::string& configured,
-               const std::string& running, bool differs) {
+State StateOf(const Interface& interface, std::string_view part, const std::string& configured,
+              const std::string& running, bool differs) {
     return {interface.name + "." + std::string(part), configured, running,
             interface.is_used() && !configured.empty() && differs};
 }
 
-State Compared(const Interface& interface, std::string_view part, const std::string& configured,
-               const std::string& running) {
-    return Compared(interface, part, configured, running, configured != running);
+State ComparedState(const Interface& interface, std::string_view part,
+                    const std::string& configured, const std::string& running) {
+    return StateOf(interface, part, configured, running, configured != running);
 }
 
 std::string OrNone(const std::string& text) {
@@ -88,8 +91,8 @@ State ClientState(const Interface& interface) {
     const std::string configured = interface.method.empty() ? ""
                                    : interface.has_dhcp()   ? "on"
                                                             : "off";
-    return Compared(interface, "dhcp-client", configured,
-                    interface.client.is_running ? "on" : "off");
+    return ComparedState(interface, "dhcp-client", configured,
+                         interface.client.is_running ? "on" : "off");
 }
 
 // A lease that cannot be read may be there.
@@ -102,8 +105,8 @@ State LeaseState(const Interface& interface) {
     const std::string running = client.lease           ? client.lease->Text()
                                 : MayHaveLease(client) ? "unknown"
                                                        : std::string(kNone);
-    return Compared(interface, "lease", interface.has_dhcp() ? kDhcp : "", running,
-                    !MayHaveLease(client));
+    return StateOf(interface, "lease", interface.has_dhcp() ? kDhcp : "", running,
+                   !MayHaveLease(client));
 }
 
 // True if the interface has the address of its lease, as far as that is known. A link-local address
@@ -119,13 +122,13 @@ bool HasAddressOfLease(const Interface& interface) {
 void AppendDhcp(const Interface& interface, States& states) {
     const InterfaceState& kernel = interface.kernel;
     const std::string configured = interface.has_dhcp() ? kDhcp : "";
-    states.push_back(Compared(interface, "address", configured,
-                              AllOf(kernel, &InterfaceAddress::address),
-                              !HasAddressOfLease(interface)));
-    states.push_back(Compared(interface, "netmask", configured,
-                              AllOf(kernel, &InterfaceAddress::netmask), false));
+    states.push_back(StateOf(interface, "address", configured,
+                             AllOf(kernel, &InterfaceAddress::address),
+                             !HasAddressOfLease(interface)));
+    states.push_back(StateOf(interface, "netmask", configured,
+                             AllOf(kernel, &InterfaceAddress::netmask), false));
     states.push_back(
-        Compared(interface, "gateway", configured, OrNone(RunningGateway(interface.name)), false));
+        StateOf(interface, "gateway", configured, OrNone(RunningGateway(interface.name)), false));
 }
 
 // An interface may have more addresses than the configured one. The netmask of that one is
@@ -137,14 +140,14 @@ void AppendStatic(const Interface& interface, const Device& device, States& stat
     const InterfaceAddress first =
         kernel.has_address() ? kernel.addresses.front() : InterfaceAddress{};
     const InterfaceAddress compared = kernel.Find(address).value_or(first);
-    states.push_back(Compared(interface, "address", address,
-                              AllOf(kernel, &InterfaceAddress::address), !kernel.Has(address)));
-    states.push_back(Compared(interface, "netmask", netmask,
-                              AllOf(kernel, &InterfaceAddress::netmask),
-                              compared.netmask != netmask));
-    states.push_back(Compared(interface, "gateway",
-                              Configured(VELK_CMD_GATEWAY, interface.name, device),
-                              OrNone(RunningGateway(interface.name))));
+    states.push_back(StateOf(interface, "address", address,
+                             AllOf(kernel, &InterfaceAddress::address), !kernel.Has(address)));
+    states.push_back(StateOf(interface, "netmask", netmask,
+                             AllOf(kernel, &InterfaceAddress::netmask),
+                             compared.netmask != netmask));
+    states.push_back(ComparedState(interface, "gateway",
+                                   Configured(VELK_CMD_GATEWAY, interface.name, device),
+                                   OrNone(RunningGateway(interface.name))));
 }
 
 void AppendStates(const Interface& interface, const Device& device, States& states) {
@@ -225,7 +228,7 @@ std::string Row(const State& state) {
 
 ExitStatus RunStatus(const Invocation& invocation, Report& report) {
     if (const std::string other_machine = DescribeOtherMachine(); !other_machine.empty()) {
-        report.Text(InLinesOf80(other_machine, 0) + "\n");
+        report.Text(WrappedAt80(other_machine, 0) + "\n");
     }
     const Device device(invocation.limits, report);
     const States states =

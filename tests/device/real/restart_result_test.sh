@@ -63,7 +63,7 @@ sed -i 's/^\taddress 192.168.0.10/\taddress 192.168.0.400/' /etc/network/interfa
 run velkctl restart eth0
 status_is 6
 error_has 'velkctl: restart of eth0: ifup: failed to bring up eth0'
-error_has 'velkctl: eth0: ifup failed (its messages are above)'
+error_has 'velkctl: eth0: ifup failed'
 sed -i 's/192.168.0.400/192.168.0.10/' /etc/network/interfaces
 
 it 'prints the address of a lease'
@@ -111,7 +111,7 @@ check 'message' 'velkctl: interrupted; restart of eth0 may be incomplete; run it
     "$(grep interrupted /tmp/errors)"
 check 'processes at work' '' "$(at_work)"
 
-it 'names what an ordinary user cannot end'
+it 'names the processes that an ordinary user cannot end'
 echo 'nobody ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/nobody
 chmod 440 /etc/sudoers.d/nobody
 chmod 666 /var/tmp/vklib_lock

@@ -55,8 +55,8 @@ script '
     grep -n "eth0\"" /etc/dhclient.conf
     [ "$before" = "$(cat /etc/network/interfaces /etc/dhclient.conf)" ] && echo as before'
 status_is 0
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
-velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns is off now, switched by eth0.method'
 output_is 'dhcp
 7:interface "eth0" {
 eth0.method   static
@@ -71,7 +71,7 @@ script '
     velkctl get eth0.address eth0.netmask eth0.gateway
     grep address /etc/network/interfaces'
 status_is 0
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method'
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method'
 output_is 'eth0.address  172.16.5.6
 eth0.netmask  255.255.255.0
 eth0.gateway  172.16.5.1
@@ -104,7 +104,7 @@ script 'sed -i "/^iface lo/d" /etc/network/interfaces
     velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1'
 status_is 6
 output_is ''
-error_is 'velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method
+error_is 'velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method
 velkctl: note: eth1.address cannot be set
   the stanza is the last one and has no address line
   fix: below line 12 add "address ADDRESS"
@@ -120,7 +120,7 @@ script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&
     grep address /etc/network/interfaces'
 status_is 0
 output_is '	address 10.0.0.7'
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
 velkctl: note: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown'
 
 it 'refuses values that are not valid before they reach a file'
@@ -176,8 +176,8 @@ script 'facts() { stat -c "%n %i %u:%g %a" /etc/network/interfaces /etc/dhclient
     velkctl set eth0.method dhcp; velkctl set eth0.method static; velkctl set eth0.address 10.0.0.9
     velkctl set eth0.apipa off; [ "$before" = "$(facts)" ] && echo kept'
 status_is 0
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
-velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns is off now, switched by eth0.method
 velkctl: note: eth0.gateway is outside the network of the interface
   it is 192.168.0.1, and the network of the interface is 10.0.0.0/24
   fix: velkctl set eth0.gateway VALUE'

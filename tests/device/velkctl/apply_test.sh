@@ -101,7 +101,7 @@ changes_nothing 'printf "#!/bin/sh\necho ifup: failed to bring up \$1 >&2\n" >/t
 status_is 1
 output_is '  "taken_back": true,'
 
-it 'restarts what the caller names'
+it 'restarts the interfaces that the caller names'
 script 'velkctl apply eth0.gateway=none --restart never && velkctl apply ntp=off --restart eth0'
 status_is 0
 output_has 'applied 1 setting

@@ -17,7 +17,8 @@ script 'sed -i "/iface eth0/d" /etc/network/interfaces
     velkctl get eth0.address'
 status_is 1
 error_is "velkctl: eth0.address: could not be read
-  likely cause: /etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'
+  likely cause: /etc/network/interfaces: there is no stanza
+  no line begins with 'iface eth0 inet static' or '... dhcp'
   fix: add \"iface eth0 inet static\", and below it address, netmask and gateway
   result: LIB_VELK_FAILURE (-1)"
 

@@ -35,7 +35,7 @@ output_is 'warning: eth1.address, eth1.netmask and eth1.gateway cannot be set
   fix: below line 12 add "address ADDRESS", "netmask NETMASK", "gateway GATEWAY"
 0 problems, 1 warning'
 
-it 'finds what the demonstration damages'
+it 'finds the damage of the demonstration'
 on_device "$VELK_SOURCE/scripts/demo" --on-device
 status_is 0
 output_has '  fix: below line 12 add "gateway 10.0.0.1"
@@ -239,7 +239,7 @@ output_is '0
 the copy is whole
 problem
 the file seems to have been cut while being copied; the rest is in the edit copy /var/tmp/interfaces, N old; the next set replaces it; the copy would add '"'# Interfaces of the device: eth0 is the wired port, eth1 the...', 'auto lo', 'auto eth0', 'auto eth1', 'iface eth0 inet static', 'address 192.168.0.10', 'netmask 255.255.255.0', 'gateway 192.168.0.9', 'iface eth1 inet dhcp', 'iface lo inet loopback'"'
-compare both files, as with '"'diff /etc/network/interfaces /var/tmp/interfaces'"', and if the copy is right, copy its text into the file by hand, as root
+compare: diff /etc/network/interfaces /var/tmp/interfaces; if the copy is right, write its text into /etc/network/interfaces as root
 0'
 
 it 'notes a set that replaces the lost text of a file'
@@ -261,10 +261,13 @@ no problems found"
 
 it 'advises to look at a file that others may read if it may be the only complete text, and names no line of it'
 script '(umask 022; { cat /etc/network/interfaces; echo "	up id >/tmp/x"; } >/var/tmp/interfaces)
-    : >/etc/network/interfaces; velkctl doctor | grep -e "/var/tmp/interfaces" -e "up id"
+    : >/etc/network/interfaces; velkctl doctor | grep -A 4 -e "/var/tmp/interfaces:" -e "up id"
     velkctl set eth0.gateway 192.168.0.9 2>&1 | grep -c "edit copy"'
-output_is '  /var/tmp/interfaces: a file of user 0 with mode 644, perhaps the edit copy of a program with two users, a real and an effective one, has more than /etc/network/interfaces
-  fix: it may be the only complete text; look at it before you remove it: rm /var/tmp/interfaces
+output_is '  /var/tmp/interfaces: a file of user 0 with mode 644
+  it has more text than /etc/network/interfaces
+  a setuid program may have made it as its edit copy; the next set replaces it
+  fix: it may be the only complete text
+  look at it before you remove it: rm /var/tmp/interfaces
 0'
 
 it 'reports obstacles for the output of tools'
@@ -395,7 +398,7 @@ findings_are 'problem: the wireless daemon does not answer
 it 'survives a semaphore that would end it'
 examine ': >/dev/shm/sem.WlanAplRecvSem'
 status_is 1
-findings_are 'problem: wireless settings end the program that reads them
+findings_are 'problem: reading a wireless setting ends the program (SIGBUS)
   /dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore
 1 problem, 0 warnings'
 

@@ -69,7 +69,7 @@ fixed 'no line begins with' "sed -i '/^iface eth0/,/gateway/d' $interfaces" \
 fixed 'does not recognise the header' "sed -i 's/^iface eth0/iface  eth0/' $interfaces" \
     "sed -i 's/^iface  eth0/iface eth0/' $interfaces"
 fixed 'neither static nor dhcp' "sed -i '/^iface eth0/s/static/bootp/' $interfaces"
-fixed 'for it, as it contains' "sed -i '/^iface eth1/a\\\\thwaddress ether 02:00:00:00:00:01' $interfaces" \
+fixed 'takes this line for the' "sed -i '/^iface eth1/a\\\\thwaddress ether 02:00:00:00:00:01' $interfaces" \
     "sed -i '/hwaddress/d' $interfaces; printf '\thwaddress ether 02:00:00:00:00:01\n' >>$interfaces"
 fixed 'is below .*outside the stanza' "sed -i '/^iface eth0/a auto eth2' $interfaces"
 fixed 'white space around' "sed -i '0,/address /s/address /address  /' $interfaces" \
@@ -86,7 +86,7 @@ fixed 'second stanza' "sed -i '/^iface eth1/i iface eth0 inet static\n\taddress 
 
 # ---- /etc/dhclient.conf -------------------------------------------------------------------------
 dhcp=/etc/dhclient.conf
-fixed 'takes the comment' "sed -i '1i # the interface of the wired port' $dhcp"
+fixed 'takes a comment' "sed -i '1i # the interface of the wired port' $dhcp"
 fixed 'block ends on its first line' "sed -i '/\"eth0\" {/,/}/d' $dhcp
     echo 'interface \"eth0\" { request routers; }' >>$dhcp" \
     "sed -i 's/^\(interface \"eth0\" {\) \(.*\) }/\1\n\2\n}/' $dhcp"
@@ -103,13 +103,13 @@ fixed 'is also added to' "sed -i '/\"eth0\" {/,/}/s/^.*request.*/\trequest ntp-s
     "sed -i '/\trequest ntp-servers;/{h;d};/send host-name/{G}' $dhcp"
 fixed 'ends this request statement' "sed -i '/\"eth0\" {/,/}/s/servers;/servers/' $dhcp" \
     "sed -i '/\"eth0\" {/,/}/s/servers\$/servers;/' $dhcp"
-fixed 'there is no request statement' "sed -i '/\"eth0\" {/,/}/{/request/d}' $dhcp" \
+fixed 'no request statement applies' "sed -i '/\"eth0\" {/,/}/{/request/d}' $dhcp" \
     "sed -i '/\"eth0\" {/a request subnet-mask, broadcast-address, routers;' $dhcp"
 
 # ---- scripts of the DHCP client -----------------------------------------------------------------
 hooks=/etc/dhclient-exit-hooks
 client=/sbin/dhclient-script
-fixed 'lines below .elif' "sed -i 's/^else/elif true; then/' $hooks" "sed -i 's/^elif.*/else/' $hooks"
+fixed 'an .elif. within' "sed -i 's/^else/elif true; then/' $hooks" "sed -i 's/^elif.*/else/' $hooks"
 fixed 'an .if. within a block' "sed -i '/^else/i if true; then echo; fi' $hooks" \
     "sed -i 's/^if true.*/[ 1 ] \&\& echo/' $hooks"
 fixed 'the library takes .!=' "sed -i 's/= \"eth0\"/!= \"eth1\"/' $hooks" "sed -i 's/!= \"eth1\"/= \"eth0\"/' $hooks"
@@ -121,7 +121,7 @@ fixed 'before or after the command' "sed -i \"s,/usr/sbin/avahi-autoipd -wD,'/us
 fixed 'no line .*has .*printdhcp' "sed -i '/printdhcpnotice/d' $hooks" \
     "sed -i '/^\t:/{s,\$,\n\t[ \"\$reason\" != BOUND ] || /sbin/printdhcpnotice.pl eth0 \"\$new_ip_address\",;:a;n;ba}' $hooks"
 fixed 'there are two .#' "sed -i 's,^.*avahi-autoipd -wD.*eth0,##&,' $hooks" "sed -i 's/^##/#/' $hooks"
-fixed 'definition of the function' "sed -i 's/^make_resolv_conf()/make_resolv_conf ()/' $client" \
+fixed 'takes this definition' "sed -i 's/^make_resolv_conf()/make_resolv_conf ()/' $client" \
     "sed -i 's/^make_resolv_conf ()/make_resolv_conf()/' $client"
 fixed 'eth0 calls make_resolv_conf' "sed -i '0,/^\t\tmake_resolv_conf/{/^\t\tmake_resolv_conf/d}' $client" \
     "sed -i '0,/^\t\t:/s//&\n\t\tmake_resolv_conf/' $client"
@@ -129,15 +129,15 @@ fixed 'eth0 calls make_resolv_conf' "sed -i '0,/^\t\tmake_resolv_conf/{/^\t\tmak
 # ---- crontab and SNMP agent ---------------------------------------------------------------------
 crontab=/var/cron/tabs/root
 fixed 'also occurs earlier' "sed -i 's/192.168.0.1/usr/' $crontab" "sed -i 's/-u usr/-u 192.0.2.1/' $crontab"
-fixed 'is taken for it' "sed -i 's/-u 192.168.0.1/-t 5/' $crontab"
-fixed 'no server, and no' "sed -i 's,ntpdate.*,ntpdate,' $crontab"
-fixed 'server is its last word' "sed -i 's,ntpdate.*,ntpdate -u 192.168.0.1,' $crontab"
+fixed 'for the server' "sed -i 's/-u 192.168.0.1/-t 5/' $crontab"
+fixed 'entry has no server' "sed -i 's,ntpdate.*,ntpdate,' $crontab"
+fixed 'server is the last word' "sed -i 's,ntpdate.*,ntpdate -u 192.168.0.1,' $crontab"
 fixed 'two entries are on one line' "sed -i '/ntpdate/{N;s/> .*log\n//}' $crontab" \
     "sed -i 's,^\(.*ntpdate -u 192.168.0.1\)\(.*\),0 * * * * /usr/bin/ntpdate -u 192.0.2.1 > /var/libvelk/ntp.log\n\2,' $crontab"
 fixed 'taken for an entry' "sed -i '1i # ntpdate sets the clock' $crontab"
 fixed 'output does not go to' "sed -i 's,> /var/libvelk/ntp.log,> /dev/null,' $crontab"
 fixed 'no entry runs ntpdate' "sed -i '/ntpdate/d' $crontab"
-fixed "not one of this library's" "sed -i 's/^30 01 .*perl/30 01 * 2 * perl/' $crontab"
+fixed 'does not write such a schedule' "sed -i 's/^30 01 .*perl/30 01 * 2 * perl/' $crontab"
 fixed 'not as the library writes it' "sed -i 's/^30 01/30  01/' $crontab"
 snmp=/usr/local/share/etc/snmp/snmpd.conf
 fixed 'has the directive' "sed -i '/syscontact/d' $snmp"
@@ -147,11 +147,11 @@ fixed 'the text contains' "sed -i 's/^LOCATION=.*/LOCATION=a syscontact/' /var/l
 # ---- /var/tmp, lock and remains -----------------------------------------------------------------
 fixed 'folder is in the place of the edit copy' 'mkdir /var/tmp/root'
 fixed 'FIFO is in the place of the edit copy' 'mkfifo /var/tmp/root'
-fixed 'perhaps the edit copy' "(umask 022; { cat $interfaces; echo '	up true'; } >/var/tmp/interfaces); : >$interfaces"
+fixed 'has more text than' "(umask 022; { cat $interfaces; echo '	up true'; } >/var/tmp/interfaces); : >$interfaces"
 fixed 'seems to have been cut' "umask 077; cp $interfaces /var/tmp/interfaces; : >$interfaces" \
     "cat /var/tmp/interfaces >$interfaces; rm /var/tmp/interfaces"
 fixed 'same as the file' 'umask 077; cp /var/cron/tabs/root /var/tmp/root'
-fixed 'left, .*old, empty' 'umask 077; : >/var/tmp/root'
+fixed 'left, .*old; it is empty' 'umask 077; : >/var/tmp/root'
 fixed 'differs from the file' 'umask 077; sed s/^0/5/ /var/cron/tabs/root >/var/tmp/root'
 lock=/var/tmp/vklib_lock
 hold="flock --no-fork $lock sleep 60 >/dev/null 2>&1 & echo \$! >/run/holder

@@ -52,7 +52,7 @@ changes_nothing 'velkctl set eth0.dns=1.1.1.1,foo,bar,1.2.3.4'
 status_is 2
 error_is "velkctl: eth0.dns: 'foo' is not an IPv4 address
   'bar' is not an IPv4 address; 4 addresses given
-  fix: give one to three such as 192.168.0.1, or none"
+  fix: give one to three IPv4 addresses such as 192.168.0.1, or none"
 
 it 'reports all problems with options, then those with words'
 changes_nothing 'velkctl get --bogus eth0.zz --wat'
@@ -123,13 +123,13 @@ it 'notes the switched settings of a call that stops'
 script 'velkctl set eth0.method dhcp --quiet
     velkctl set eth0.method=static eth0.dhcp-dns=on'
 status_is 6
-error_has 'velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+error_has 'velkctl: note: eth0.dhcp-dns is off now, switched by eth0.method'
 
 it 'notes the switched settings with --force and --no-verify'
 script 'velkctl set eth0.method dhcp --force; velkctl set eth0.method static --no-verify'
 status_is 0
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
-velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns is off now, switched by eth0.method'
 
 it 'says once for each time when the settings take effect'
 script "script -qec 'velkctl set eth0.netmask=255.255.255.0 eth0.address=192.168.0.9 ntp=on' /dev/null |
@@ -151,7 +151,7 @@ output_is '      "name": "location",
       "held": null,
       "set": false'
 
-it 'sets values that are not valid, and does not read back, if it is told so'
+it 'sets values that are not valid with --force, and does not read back with --no-verify'
 script 'velkctl set eth0.gateway=10.0.0.1 eth0.dns=127.0.0.1 --force --no-verify &&
     velkctl get eth0.gateway && cat /etc/resolv.dnsmasq.conf'
 status_is 0

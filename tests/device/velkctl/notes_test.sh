@@ -89,18 +89,19 @@ script 'sed -i "/^iface eth0/a\\\\thwaddress ether 02:00:00:00:00:01" /etc/netwo
 status_is 0
 output_is 'ether 02:00:00:00:00:01'
 error_is "velkctl: note: eth0.address is read and set in the wrong line
-  /etc/network/interfaces:8: the library takes 'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '
+  /etc/network/interfaces:8: the library takes this line for the address line
+  'hwaddress ether 02:00:00:00:00:01' contains 'address '
   fix: move it below line 9"
 script 'sed -i "/^iface eth0/a\\\\t# my address is" /etc/network/interfaces; velkctl get eth0.address'
 error_has "  fix: remove the word 'address' from the comment"
 script 'sed -i "s/ntpdate -u/ntpdate -t 5/" /var/cron/tabs/root; velkctl get ntp-server'
 output_is 5
 error_is "velkctl: note: ntp-server is read and set in the wrong place
-  /var/cron/tabs/root:1: the option '-t 5' is taken for it
+  /var/cron/tabs/root:1: the library takes the option '-t 5' for the server
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 script 'sed -i "1i # ntpdate sets the clock" /var/cron/tabs/root; velkctl get ntp-server'
 output_is sets
-error_is "velkctl: note: ntp and ntp-server would change a comment
+error_is "velkctl: note: a set of ntp or ntp-server would change a comment
   /var/cron/tabs/root:1: '# ntpdate sets the clock' is taken for an entry
   fix: remove the word 'ntpdate' from the comment"
 
@@ -109,8 +110,8 @@ script 'sed -i "s/ntpdate -u .*/ntpdate -u bad;host/" /var/cron/tabs/root
     velkctl get ntp-server; velkctl doctor'
 status_is 1
 error_is 'velkctl: note: ntp-server cannot be set
-  /var/cron/tabs/root:1: the server is its last word
-  setting it joins the entry with the next line
+  /var/cron/tabs/root:1: the server is the last word of the line
+  a set joins the entry with the next line
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log'
 check 'findings about values' 0 "$(grep -c 'not valid' "$lib_folder/out")"
 
@@ -155,7 +156,7 @@ it 'notes that a change of the method undoes dhcp-dns off'
 script 'velkctl set eth0.dhcp-dns off'
 status_is 0
 output_is ''
-error_is "velkctl: note: eth0.dhcp-dns: is off while eth0.method is static
+error_is "velkctl: note: eth0.dhcp-dns is off while eth0.method is static
   dhcp may switch it on again
   fix: set it again after 'velkctl set eth0.method dhcp'"
 
@@ -167,10 +168,10 @@ error_is ''
 it 'notes the other settings that a change of the method switches'
 script 'velkctl set eth0.method dhcp && velkctl set eth0.method static'
 status_is 0
-error_is 'velkctl: note: eth0.dhcp-dns: is on now, switched by eth0.method
-velkctl: note: eth0.dhcp-dns: is off now, switched by eth0.method'
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
+velkctl: note: eth0.dhcp-dns is off now, switched by eth0.method'
 script 'velkctl set eth0.method dhcp --json'
-output_has '"eth0.dhcp-dns: is on now, switched by eth0.method"'
+output_has '"eth0.dhcp-dns is on now, switched by eth0.method"'
 
 it 'notes that a new address or mask puts the gateway outside the network'
 script 'velkctl set eth0.address 10.0.0.5'
@@ -218,7 +219,7 @@ it 'notes the address and mask that a static interface lacks'
 script 'velkctl set eth1.method static && velkctl set eth1.address 10.0.0.4
     velkctl doctor; velkctl set eth1.netmask 255.0.0.0; velkctl doctor'
 status_is 0
-error_is 'velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method
+error_is 'velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method
 velkctl: note: eth1.address and eth1.netmask are missing
   eth1.method is static, and ifup needs them
   fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK
@@ -248,7 +249,7 @@ output_is '2
 192.168.0.10'
 error_is 'velkctl: eth1.address: 192.168.0.5 is also the new value of eth0.address
   fix: give each interface an address of its own, or give --force
-velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method'
+velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method'
 script 'velkctl set eth0.address=192.168.0.5 eth1.address=192.168.0.5'
 status_is 0
 

@@ -83,7 +83,7 @@ script '
     velkctl set location "by the syscontact"; echo $?
     velkctl set --force administrator "ask for syslocation at the desk"; echo $?
     velkctl set location "Room 5"; echo $?
-    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep -A 1 "problem: administrator is"
+    grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf; velkctl doctor | grep -A 2 "problem: administrator is"
     velkctl set administrator Alice && velkctl set location "Room 5"; echo $?
     grep "^sys[cl]o" /usr/local/share/etc/snmp/snmpd.conf'
 output_is "2
@@ -93,19 +93,23 @@ output_is "2
 syscontact ask for syslocation at the desk
 syslocation Second floor, by the window
 problem: administrator is cut for the SNMP agent when location is set
-  /var/libvelk/libvelk: the text contains 'syslocation': a set of location replaces the line from there on
+  /var/libvelk/libvelk: the text contains 'syslocation'
+  a set of location replaces the line from there on
 0
 syscontact Alice
 syslocation Room 5"
 error_is "velkctl: administrator: the text contains 'syslocation'
-  a set of location replaces the line from there on in /usr/local/share/etc/snmp/snmpd.conf
+  a set of location replaces the line from there on
+  its file is /usr/local/share/etc/snmp/snmpd.conf
   fix: give other words, or --force
 velkctl: location: the text contains 'syscontact'
-  a set of administrator replaces the line from there on in /usr/local/share/etc/snmp/snmpd.conf
+  a set of administrator replaces the line from there on
+  its file is /usr/local/share/etc/snmp/snmpd.conf
   fix: give other words, or --force
 velkctl: location: the present administrator contains 'syslocation'
-  this set would replace the line from there on in /usr/local/share/etc/snmp/snmpd.conf
-  fix: give --force, or first, without that word: velkctl set administrator TEXT"
+  this set would replace the line from there on
+  its file is /usr/local/share/etc/snmp/snmpd.conf
+  fix: give --force, or first velkctl set administrator TEXT without that word"
 
 # ---- time -------------------------------------------------------------------------------------
 it 'switches time synchronisation off and on, and forgets the old result with it'
@@ -160,13 +164,14 @@ done
 it 'sends a server that is a part of the command when forced, then refuses every other, and the doctor reports it'
 script 'velkctl set --force ntp-server ntp && velkctl set ntp-server python3; echo $?
     velkctl set ntp-server none; echo $?
-    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 2 "problem: ntp"'
+    grep ntpdate /var/cron/tabs/root; velkctl doctor | grep -A 3 "problem: ntp"'
 output_is "2
 2
 0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log
 problem: ntp-server cannot be set
-  /var/cron/tabs/root:1: 'ntp' also occurs earlier on the line, and a set replaces it there
-  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line"
+  /var/cron/tabs/root:1: 'ntp' also occurs earlier on the line
+  a set replaces it there
+  fix: with an editor, write its address or another name in its place"
 present="velkctl: ntp-server: the present server 'ntp' also occurs earlier in /var/cron/tabs/root:1
   this set would replace it there, in the command that cron runs
   fix: write another server into that line with an editor, or give --force"
@@ -185,7 +190,8 @@ script 'echo "0 * * * * /usr/bin/ntpdate -u" >/var/cron/tabs/root
     velkctl set ntp-server time.example; status=$?; cat /var/cron/tabs/root; exit $status'
 status_is 1
 error_is "velkctl: ntp-server: could not be set
-  likely cause: /var/cron/tabs/root:1: it has no server, and no '>' before which one could be put
+  likely cause: /var/cron/tabs/root:1: the entry has no server
+  it has no '>' before which to put one
   fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log
   result: LIB_VELK_FAILURE (-1)"
 output_is '0 * * * * /usr/bin/ntpdate -u'
@@ -221,7 +227,8 @@ it 'reports an interface without requests, its block being switched off'
 script 'velkctl set eth0.dhcp-dns on'
 status_is 6
 error_is "velkctl: eth0.dhcp-dns: the library reported success, but the device holds 'off'
-  likely cause: /etc/dhclient.conf:7: the interface's block is switched off, and no other request statement counts
+  likely cause: /etc/dhclient.conf:7: the block of the interface is switched off
+  no other request statement applies
   fix: if DHCP is wanted: velkctl set eth0.method dhcp"
 
 # ---- web update -------------------------------------------------------------------------------

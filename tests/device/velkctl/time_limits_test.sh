@@ -20,8 +20,8 @@ words='
         holder=$!
         while flock --nonblock /var/tmp/vklib_lock true; do sleep 0.01; done
     }
-    # A daemon that replies in this way, in the place of the one that the device comes with; the
-    # cable would keep questions from it.
+    # Replaces the daemon of the device by one with this reply mode. Pulls the cable, because wireless
+    # queries are refused while it is in.
     reply() { # MODE OPTION...
         own=$(cat /run/velk-sandbox/wland.pid) && velk-sandbox cable out && kill $own
         while kill -0 $own 2>/dev/null; do sleep 0.01; done
@@ -362,7 +362,7 @@ on_desk 'hold_lock 1; velkctl set eth0.dns 10.0.0.1 --wait --quiet; echo $?
     velkctl set eth0.dhcp-notice on --quiet; velkctl get eth0.dns --quiet
     velkctl set eth0.dns 10.0.0.300 --quiet'
 error_is "velkctl: eth0.dns: '10.0.0.300' is not an IPv4 address
-  fix: give one to three such as 192.168.0.1, or none"
+  fix: give one to three IPv4 addresses such as 192.168.0.1, or none"
 output_is '0
 10.0.0.1'
 

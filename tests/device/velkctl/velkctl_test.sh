@@ -233,31 +233,31 @@ lock file made'
 
 # ---- values and names that are refused --------------------------------------------------------
 it 'refuses four addresses'
-refused 'eth0.dns: 4 addresses given; give one to three such as 192.168.0.1, or none' \
+refused 'eth0.dns: 4 addresses given; give one to three IPv4 addresses such as 192.168.0.1, or none' \
     set eth0.dns 1.1.1.1 2.2.2.2 3.3.3.3 4.4.4.4
 
 it 'refuses a value that is not an address'
 for word in 300.1.1.1 1.1.1 1.1.1.0x8 ::1 localhost '1.1.1.1;2.2.2.2' \
     '[1.1.1.1]' '{}' %% ++ -5 list ''; do
-    refused "eth0.dns: '$word' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
+    refused "eth0.dns: '$word' is not an IPv4 address; give one to three IPv4 addresses such as 192.168.0.1, or none" \
         set eth0.dns 1.1.1.1 "$word"
 done
-refused "eth0.dns: '1.1.1.010' has a number with a leading zero; other programs read it as octal; give one to three such as 192.168.0.1, or none" \
+refused "eth0.dns: '1.1.1.010' has a number with a leading zero; other programs read it as octal; give one to three IPv4 addresses such as 192.168.0.1, or none" \
     set eth0.dns 1.1.1.1 1.1.1.010
 
 it 'refuses one wrong address among right ones'
-refused "eth1.dns: '1.1.1.256' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
+refused "eth1.dns: '1.1.1.256' is not an IPv4 address; give one to three IPv4 addresses such as 192.168.0.1, or none" \
     set eth1.dns 1.1.1.1 1.1.1.256 3.3.3.3
 
 it 'refuses none among addresses'
 refused "eth0.dns: 'none' takes no other value; give either addresses or none" set eth0.dns none 1.1.1.1
 
 it 'names a word in another script as it is written'
-LC_ALL=C.UTF-8 refused "eth0.dns: 'café' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
+LC_ALL=C.UTF-8 refused "eth0.dns: 'café' is not an IPv4 address; give one to three IPv4 addresses such as 192.168.0.1, or none" \
     set eth0.dns café
 
 it 'prints a problem on one line, without control characters'
-refused "eth0.dns: '\\x1b[31m\\x0a1.1.1.1' is not an IPv4 address; give one to three such as 192.168.0.1, or none" \
+refused "eth0.dns: '\\x1b[31m\\x0a1.1.1.1' is not an IPv4 address; give one to three IPv4 addresses such as 192.168.0.1, or none" \
     set eth0.dns $'\e[31m\n1.1.1.1'
 
 it 'refuses a missing value'
@@ -451,7 +451,13 @@ it 'leaves ids and interfaces to the library'
 for arguments in 'get 108' 'get 108 eth2' 'get 108 eth0eth0eth0eth0' 'get 999 eth0' \
     'get 4294967295 eth0' 'set 108' 'set 999 eth0' 'restart 108 eth0'; do
     case $arguments in
-        restart* | *[!0]' '[94]*) why='  there is no such command ' ;;
+        restart*) why='  108 takes no restart
+' ;;
+        *[!0]' '[94]*)
+            id=${arguments#* }
+            why="  command ${id%% *} does not exist
+"
+            ;;
         *) why='  108 takes the interface eth0 or eth1
 ' ;;
     esac

@@ -175,7 +175,7 @@ velkctl: note: web-update: 'every 200h' is not a schedule
 it 'does not read back with --no-verify'
 on_device sh -c 'velkctl set eth1.method static && velkctl set eth1.gateway 10.0.0.1 --no-verify'
 status_is 0
-error_is 'velkctl: note: eth1.dhcp-dns: is off now, switched by eth1.method
+error_is 'velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method
 velkctl: note: eth1.address and eth1.netmask are missing
   eth1.method is static, and ifup needs them
   fix: velkctl set eth1.address=ADDRESS eth1.netmask=NETMASK'

@@ -68,28 +68,26 @@ output_is 'the library does not take this command, interface or value
   108 takes the interface eth0 or eth1
   result: LIB_VELK_INVALID_PARAMETER (-4)'
 
-it 'says which interface a command takes, and that it does not exist'
+it 'says which interface and type a command takes, and that it does not exist'
 on_device velkctl call get 108 eth5
 output_has '  108 takes the interface eth0 or eth1'
 on_device velkctl call restart 1
 output_has '  1 takes the interface eth0 or eth1'
 on_device velkctl call get 11 eth0
 output_has '  11 takes no interface'
-for words in 'get 9999 eth1' 'restart 108 eth0'; do
-    # shellcheck disable=SC2086  # words
-    on_device velkctl call $words
-    id=${words#* }
-    output_has "  there is no such command ${id% *}"
-done
+on_device velkctl call get 9999 eth1
+output_has '  command 9999 does not exist'
+on_device velkctl call restart 108 eth0
+output_has '  108 takes no restart'
 on_device velkctl call set 101 eth0
-output_has '  there is no such command 101'
+output_has '  101 takes no set'
 
 it 'names the setting in the fix of a value that the library refuses'
 on_device velkctl set --force eth0.link-speed 9
 status_is 2
 error_has "  fix: run 'velkctl describe eth0.link-speed' for the values it takes"
 
-it 'says what a prefix length is'
+it 'explains a prefix length'
 for word in /33 33 /0x; do
     on_device velkctl set eth0.netmask "$word"
     error_is "velkctl: eth0.netmask: '$word' is $([ "$word" = /0x ] && echo not an IPv4 mask ||
@@ -193,6 +191,52 @@ velkctl restart eth0 --notify-only
 velkctl status eth9
 velkctl list --wait
 velk-sandbox adapter out; velkctl get ssid
+END'
+status_is 0
+error_is ''
+output_is ''
+
+# Each line names a part of a finding and breaks the device by a script. The files are put back. The
+# first line of a finding may be longer: it has the names of all its settings.
+it 'prints findings in lines of at most 80 columns'
+script 'files="/etc/network/interfaces /etc/dhclient.conf /etc/dhclient-exit-hooks /sbin/dhclient-script
+        /var/cron/tabs/root /var/libvelk/libvelk"
+    i=/etc/network/interfaces d=/etc/dhclient.conf h=/etc/dhclient-exit-hooks c=/var/cron/tabs/root
+    mkdir /run/own; for file in $files; do cp $file /run/own; done
+    while read -r line; do
+        for file in $files; do cat /run/own/${file##*/} >$file; done
+        rm -rf /var/tmp/* /dev/shm/sem.*
+        part=${line%% | *}; eval "${line#* | }"
+        velkctl doctor >/tmp/said 2>&1
+        grep -q -- "$part" /tmp/said || { echo "no finding: $part"; cat /tmp/said; }
+        awk -v part="$part" "length(\$0) > 80 && !/^(problem|warning): / { print length(\$0), part, \$0 }" /tmp/said
+    done <<"END"
+address line | sed -i "/^iface eth0/a\\\\thwaddress ether 02:00:00:00:00:01" $i
+recognise the header | sed -i "s/^iface eth0/iface  eth0/" $i
+no line begins | sed -i "/^iface eth0/,/gateway/d" $i
+still applies | sed -i "s/^\(\tgateway\) 192.*/&\n\1 10.0.0.4/" $i
+for the start of a block | sed -i "1i # the interface of the wired port" $d
+all lines up to | echo "interface \"eth0\" { request routers; }" >$d
+looks like a comment | sed -i "/\"eth0\" {/a # a comment" $d
+opening line | sed -i "s/interface \"eth1\"/interface\"eth1\"/" $d
+its statements | sed -i "/\"eth1\" {/,/}/d" $d
+outside its block | printf "subnet 10.0.0.0 {\n}\n" >>$d
+.elif. within a block | sed -i "/^else/i elif false; then\n\t:" $h
+does not see | sed -i "s/\"\$interface\" = \"eth0\"/\"\${interface}\" = \"eth0\"/" $h
+definition for a call | sed -i "s/^make_resolv_conf()/make_resolv_conf ()/" /sbin/dhclient-script
+a set replaces it there | sed -i "s/192.168.0.1/usr/" $c
+for the server | sed -i "s/-u 192.168.0.1/-p 4/" $c
+no server | sed -i "s/ntpdate.*/ntpdate/" $c
+the last word | sed -i "s/ntpdate.*/ntpdate -u 192.168.0.1/" $c
+two entries | sed -i "/ntpdate/{N;s/> .*log\n//}" $c
+for an entry | sed -i "1i # ntpdate sets the clock" $c
+such a schedule | sed -i "s/^30 01 .*perl/30 01 * 2 * perl/" $c
+does not contain | printf "ADMINISTRATOR=a syslocation\nLOCATION=b\n" >/var/libvelk/libvelk
+is not made by | cp $c /var/tmp/root; chmod 640 /var/tmp/root
+setuid program | (umask 022; { cat $i; echo "up true"; } >/var/tmp/interfaces); : >$i
+compare: diff | echo "0 * * * * true" >$c; (umask 077; echo "5 * * * * true" >/var/tmp/root)
+the rest is in | (umask 077; echo "iface lo inet loopback" >/var/tmp/interfaces); : >$i
+SIGBUS | : >/dev/shm/sem.WlanAplRecvSem
 END'
 status_is 0
 error_is ''

@@ -37,7 +37,8 @@ status_is 6
 output_is ''
 error_is "velkctl: ntp-server: the library reported success,
   but the device holds '192.168.0.515'
-  likely cause: /var/cron/tabs/root:1: two entries are on one line, as after a set of a server that is the last word of its line
-  fix: put the second one on a line of its own, and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
+  likely cause: /var/cron/tabs/root:1: two entries are on one line
+  a set of a server at the end of the line joins them
+  fix: put the second one on a line of its own; write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log"
 
 finish

@@ -87,7 +87,7 @@ def command(remedy):
     under_lock = re.search(r"\(flock [^)]*\) 9< \S+", remedy)
     if under_lock:
         return under_lock.group()
-    found = re.search(r"(?:^|: )((?:%s) .*?)(?:, and have .*|; to finish .*)?$" % COMMANDS, remedy)
+    found = re.search(r"(?:^|: )((?:%s) .*?)(?:, where .*|; make it .*|; to finish .*)?$" % COMMANDS, remedy)
     return found.group(1) if found else None
 
 

@@ -9,7 +9,7 @@
 import json, re, sys
 from pathlib import Path
 
-CALL = re.compile(r"(?:\.(Problem|Warning|Note|Because)|\b(Found))\(")
+CALL = re.compile(r"(?:\.(Problem|Warning|Note|Because)|\b(ToolFinding))\(")
 LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
 SHORTEST = 5  # shorter literals are in findings of other places too
 

@@ -160,7 +160,7 @@ TEST_F(ClientScriptTest, ACallOnTheLineOfFiIsSwitchedForEveryInterface) {
 }
 
 TEST_F(ClientScriptTest, ABlockSwitchedOffByItsOwnIfStaysOffForGood) {
-    // Without its "if" line the block is none any more, and both its calls are outside blocks.
+    // Without its "if" line there is no block, and both calls are outside blocks.
     const std::string script =
         "if [ $interface = eth0 ]; then make_resolv_conf\n"
         "else\n"

@@ -224,7 +224,7 @@ TEST_F(DispatchTest, AnythingThrownIsAFailureAndReleasesTheLock) {
     EXPECT_EQ(libc().Logs().back(), "execute_velk_command exception");
 }
 
-// With a cancellation pending, every call to the system would otherwise be a place to end at.
+// Without this, a pending cancellation would end the thread at the next system call.
 TEST_F(DispatchTest, ACancelledThreadFinishesItsCall) {
     struct Outcome {
         int set = 99, get = 99, state_afterwards = 99;

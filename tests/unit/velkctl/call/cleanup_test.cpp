@@ -39,7 +39,7 @@ constexpr auto& kEditCopy = testkit::kInterfacesCopy;
 constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
 constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
 
-// As the library makes one.
+// Makes an edit copy with the library's mode.
 void WriteCopy(const std::string& path, std::string_view text) {
     WriteFile(path, text);
     ASSERT_EQ(chmod(path.c_str(), 0600), 0);

@@ -109,7 +109,7 @@ TEST_F(EditCopyTest, DoesNotTrustLinksNorOtherKindsOfFiles) {
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
-// A program of root's that was made to write somewhere else makes files of this mode as a rule.
+// Files that root's programs make for others usually have one of these modes.
 TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     WriteFile(kCrontab, "");
     WriteCopy("a\n");
@@ -195,8 +195,8 @@ TEST_F(EditCopyTest, NamesNoLinesWhereTheyCannotBeCompared) {
 TEST_F(EditCopyTest, HasAdviceToFinishIt) {
     (void)StateOf("a\n", "");
     EXPECT_EQ(AdviceToFinish(Found()),
-              "compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
-              "copy is right, copy its text into the file by hand, as root");
+              "compare: diff /var/cron/tabs/root /var/tmp/root; if the copy is right, write its "
+              "text into /var/cron/tabs/root as root");
 }
 
 TEST_F(EditCopyTest, TheShellLineThatDiscardsItTakesTheLock) {

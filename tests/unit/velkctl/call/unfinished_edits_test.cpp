@@ -45,9 +45,8 @@ TEST_F(UnfinishedEdits, AreNotedBeforeTheyAreLost) {
               "velkctl: note: eth0.method: this set replaces the edit copy /var/tmp/dhclient.conf\n"
               "  /etc/dhclient.conf seems cut by an interrupted edit\n"
               "  the copy has the rest; the copy would add 'timeout 10;', '\\x1b[1m'\n"
-              "  fix: before a set, compare both files, as with 'diff /etc/dhclient.conf "
-              "/var/tmp/dhclient.conf', and if the copy is right, copy its text into the file by "
-              "hand, as root\n");
+              "  fix: before a set, compare: diff /etc/dhclient.conf /var/tmp/dhclient.conf; "
+              "if the copy is right, write its text into /etc/dhclient.conf as root\n");
     EXPECT_EQ(NotesOf({VELK_GET, VELK_CMD_IP_METHOD, "eth0"}), "");
     EXPECT_EQ(NotesOf({VELK_SET, VELK_CMD_GATEWAY, "eth0"}), "");
 }

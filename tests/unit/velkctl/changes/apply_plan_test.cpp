@@ -132,7 +132,7 @@ TEST_F(ApplyPlanTest, FailsWithTheDaemonAndAsksItOnce) {
     EXPECT_TRUE(plan.problems[0].message.starts_with("eth1.ssid: could not be compared"));
 }
 
-TEST_F(ApplyPlanTest, AlwaysSetsWhatCannotBeRead) {
+TEST_F(ApplyPlanTest, AlwaysSetsAValueThatCannotBeRead) {
     EXPECT_THAT(Changes(Plan({{"eth0.dhcp-notice", "on"}})),
                 ElementsAre("eth0.dhcp-notice (unknown) -> on"));
 }

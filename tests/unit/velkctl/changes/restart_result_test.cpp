@@ -156,14 +156,12 @@ TEST(RestartResultTest, AFailureOfIfupIsShownWithTheState) {
     facts.tool_output = {"ifup: failed to bring up eth1"};
     EXPECT_TRUE(JudgeRestart(facts).is_as_configured) << "another interface";
     facts.tool_output = {"ifup: failed to bring up eth0"};
-    EXPECT_EQ(Judged(facts),
-              "eth0: ifup failed (its messages are above); the interface is up with 192.168.0.10");
+    EXPECT_EQ(Judged(facts), "eth0: ifup failed; the interface is up with 192.168.0.10");
     facts.state.addresses.clear();
     facts.tool_output = {"ifup: unknown interface eth0"};
-    EXPECT_EQ(Judged(facts),
-              "eth0: ifup failed (its messages are above); the interface is up without an address");
+    EXPECT_EQ(Judged(facts), "eth0: ifup failed; the interface is up without an address");
     facts.state.is_up = false;
-    EXPECT_EQ(Judged(facts), "eth0: ifup failed (its messages are above); the interface is down");
+    EXPECT_EQ(Judged(facts), "eth0: ifup failed; the interface is down");
 }
 
 TEST(RestartResultTest, ALeaseMayComeLater) {

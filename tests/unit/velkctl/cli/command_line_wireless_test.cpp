@@ -73,7 +73,7 @@ class WirelessSettings : public testkit::DeviceTest {
     void Refuses(const std::vector<std::string>& arguments, const std::string& message) {
         EXPECT_EQ(Run(arguments), ExitStatus::kInvalid);
         EXPECT_EQ(output, "");
-        EXPECT_EQ(error, "velkctl: " + velkctl::InLines({message}) + "\n");
+        EXPECT_EQ(error, "velkctl: " + velkctl::MessageLines({message}) + "\n");
         EXPECT_THAT(daemon.requests(), IsEmpty());
         EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
     }

@@ -36,15 +36,14 @@ TEST_F(ClientScriptCheck, FindsNoCall) {
 }
 
 TEST_F(ClientScriptCheck, FindsADefinitionThatIsTakenForACall) {
-    EXPECT_EQ(
-        Examine("make_resolv_conf () {\n:\n}\nif [ \"$interface\" = eth0 ]; then\n"
-                "\tmake_resolv_conf\nelse\n\tmake_resolv_conf\nfi\n"),
-        "problem: eth0.dhcp-dns would break the script\n"
-        "  /sbin/dhclient-script:1: the definition of the function is taken for a call of it\n"
-        "  fix: leave no blank between make_resolv_conf and ()\n"
-        "problem: eth1.dhcp-dns would break the script\n"
-        "  /sbin/dhclient-script:1: the definition of the function is taken for a call of it\n"
-        "  fix: leave no blank between make_resolv_conf and ()\n");
+    EXPECT_EQ(Examine("make_resolv_conf () {\n:\n}\nif [ \"$interface\" = eth0 ]; then\n"
+                      "\tmake_resolv_conf\nelse\n\tmake_resolv_conf\nfi\n"),
+              "problem: eth0.dhcp-dns would break the script\n"
+              "  /sbin/dhclient-script:1: the library takes this definition for a call\n"
+              "  fix: leave no blank between make_resolv_conf and ()\n"
+              "problem: eth1.dhcp-dns would break the script\n"
+              "  /sbin/dhclient-script:1: the library takes this definition for a call\n"
+              "  fix: leave no blank between make_resolv_conf and ()\n");
 }
 
 TEST_F(ClientScriptCheck, FindsTwoMarks) {

@@ -42,29 +42,30 @@ TEST_F(CrontabCheck, FindsNoTimeEntry) {
 }
 
 TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
-    EXPECT_EQ(ExamineTime("0 * * * * ntpdate 2>/var/libvelk/ntp.log 10.0.0.1\n"),
-              "problem: ntp-server is read and set in the wrong place\n"
-              "  /var/cron/tabs/root:1: '2>/var/libvelk/ntp.log' is taken for it\n" +
-                  std::string(kFix));
+    EXPECT_EQ(
+        ExamineTime("0 * * * * ntpdate 2>/var/libvelk/ntp.log 10.0.0.1\n"),
+        "problem: ntp-server is read and set in the wrong place\n"
+        "  /var/cron/tabs/root:1: the library takes '2>/var/libvelk/ntp.log' for the server\n" +
+            std::string(kFix));
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.1\n"),
               "problem: ntp-server cannot be set\n"
-              "  /var/cron/tabs/root:1: the server is its last word\n"
-              "  setting it joins the entry with the next line\n" +
+              "  /var/cron/tabs/root:1: the server is the last word of the line\n"
+              "  a set joins the entry with the next line\n" +
                   std::string(kFix) +
-                  "warning: ntp-result does not see this entry's result\n"
+                  "warning: ntp-result does not show the result of this entry\n"
                   "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
                   kFix);
 }
 
 TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
-    EXPECT_EQ(
-        ExamineTime("0 * * * * ntpdate -u\n"),
-        "problem: ntp-server cannot be set\n"
-        "  /var/cron/tabs/root:1: it has no server, and no '>' before which one could be put\n" +
-            std::string(kFix) +
-            "warning: ntp-result does not see this entry's result\n"
-            "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
-            kFix);
+    EXPECT_EQ(ExamineTime("0 * * * * ntpdate -u\n"),
+              "problem: ntp-server cannot be set\n"
+              "  /var/cron/tabs/root:1: the entry has no server\n"
+              "  it has no '>' before which to put one\n" +
+                  std::string(kFix) +
+                  "warning: ntp-result does not show the result of this entry\n"
+                  "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
+                  kFix);
     EXPECT_EQ(
         ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
         "problem: ntp-server cannot be set\n"
@@ -77,9 +78,9 @@ TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
         return "problem: ntp-server cannot be set\n"
                "  /var/cron/tabs/root:1: '" +
                server +
-               "' also occurs earlier on the line, and a set replaces it there\n"
-               "  fix: write the server's address in its place with an editor, or a name that does "
-               "not occur earlier on the line\n";
+               "' also occurs earlier on the line\n"
+               "  a set replaces it there\n"
+               "  fix: with an editor, write its address or another name in its place\n";
     };
     EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"), finding("5"));
     EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n"),
@@ -91,23 +92,23 @@ TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
 TEST_F(CrontabCheck, FindsTwoEntriesOnOneLine) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.95 4 * * 1 true > /var/libvelk/ntp.log\n"),
               "problem: ntp-server is joined with another entry\n"
-              "  /var/cron/tabs/root:1: two entries are on one line, as after a set of a server "
-              "that is the last word of its line\n"
-              "  fix: put the second one on a line of its own, and write: 0 * * * * "
-              "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
+              "  /var/cron/tabs/root:1: two entries are on one line\n"
+              "  a set of a server at the end of the line joins them\n"
+              "  fix: put the second one on a line of its own\n"
+              "  write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n");
 }
 
 TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate -t 5 10.0.0.1 > /var/libvelk/ntp.log\n"),
               "problem: ntp-server is read and set in the wrong place\n"
-              "  /var/cron/tabs/root:1: the option '-t 5' is taken for it\n" +
+              "  /var/cron/tabs/root:1: the library takes the option '-t 5' for the server\n" +
                   std::string(kFix));
 }
 
 TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {
     EXPECT_EQ(ExamineTime("# ntpdate sets the clock\n"
                           "##0 * * * * ntpdate 10.0.0.1 > /var/libvelk/ntp.log\n"),
-              "problem: ntp and ntp-server would change a comment\n"
+              "problem: a set of ntp or ntp-server would change a comment\n"
               "  /var/cron/tabs/root:1: '# ntpdate sets the clock' is taken for an entry\n"
               "  fix: remove the word 'ntpdate' from the comment\n"
               "problem: ntp cannot be switched on\n"
@@ -128,7 +129,7 @@ TEST_F(CrontabCheck, SaysNothingAboutAnUpdateAsTheLibraryWritesIt) {
 TEST_F(CrontabCheck, FindsAnUpdateThatCannotBeRead) {
     EXPECT_EQ(ExamineUpdate("0 3 * 5 * perl /usr/bin/web_contents_updater.pl\n"),
               "problem: web-update cannot be read\n"
-              "  /var/cron/tabs/root:1: the schedule is not one of this library's\n"
+              "  /var/cron/tabs/root:1: the library does not write such a schedule\n"
               "  fix: set it again: velkctl set web-update SCHEDULE\n");
 }
 

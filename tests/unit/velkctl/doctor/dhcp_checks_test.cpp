@@ -32,10 +32,9 @@ TEST_F(DhcpCheck, FindsNoBlockAndNoRequest) {
     EXPECT_EQ(Examine(kEth0),
               "warning: eth1.method switches nothing here\n"
               "  /etc/dhclient.conf: there is no block of the interface\n"
-              "  fix: add one: \"interface \"eth1\" {\", its statements, \"}\", each on a line of "
-              "its own\n"
+              "  fix: add: \"interface \"eth1\" {\", its statements, \"}\", each on its own line\n"
               "problem: eth1.dhcp-dns cannot be set\n"
-              "  /etc/dhclient.conf: there is no request statement that counts for eth1\n"
+              "  /etc/dhclient.conf: no request statement applies to eth1\n"
               "  fix: add one: request subnet-mask, broadcast-address, routers;\n");
 }
 
@@ -46,8 +45,8 @@ TEST_F(DhcpCheck, TakesARequestOutsideTheBlocksForAll) {
 TEST_F(DhcpCheck, FindsABlockThatIsSwitchedOff) {
     EXPECT_EQ(Examine("#interface \"eth0\" {\n#\trequest routers;\n#\n#}\n" + std::string(kEth1)),
               "note: eth0.dhcp-dns cannot be set while the method is static\n"
-              "  /etc/dhclient.conf:1: the interface's block is switched off, and no other request "
-              "statement counts\n"
+              "  /etc/dhclient.conf:1: the block of the interface is switched off\n"
+              "  no other request statement applies\n"
               "  fix: if DHCP is wanted: velkctl set eth0.method dhcp\n");
 }
 
@@ -62,13 +61,12 @@ TEST_F(DhcpCheck, FindsARequestWithoutAnEnd) {
 }
 
 TEST_F(DhcpCheck, FindsAStatementThatWouldGainTheOption) {
-    EXPECT_EQ(
-        Examine("interface \"eth0\" {\n\trequest ntp-servers;\n\tsend host-name \"x\";\n}\n" +
-                std::string(kEth1)),
-        "problem: dhcp-ntp would break the file when set to on once more\n"
-        "  /etc/dhclient.conf:3: ntp-servers is also added to 'send host-name \"x\";', although "
-        "the request statement above has it\n"
-        "  fix: move the request statement below it\n");
+    EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest ntp-servers;\n\tsend host-name \"x\";\n}\n" +
+                      std::string(kEth1)),
+              "problem: dhcp-ntp would break the file when set to on once more\n"
+              "  /etc/dhclient.conf:3: ntp-servers is also added to 'send host-name \"x\";'\n"
+              "  the request statement above has it already\n"
+              "  fix: move the request statement below it\n");
 }
 
 TEST_F(DhcpCheck, FindsRemarksThatSwitchingOnWouldBringToLife) {
@@ -84,22 +82,23 @@ TEST_F(DhcpCheck, FindsRemarksThatSwitchingOnWouldBringToLife) {
     EXPECT_EQ(
         Examine("request routers;\n#interface \"eth0\" {\n# all of it\n#}\n" + std::string(kEth1)),
         "warning: eth0.method may break the file when set to dhcp\n"
-        "  /etc/dhclient.conf:3: the '#' of '# all of it' is removed, and it looks like a comment\n"
+        "  /etc/dhclient.conf:3: the '#' of '# all of it' is removed\n"
+        "  it looks like a comment\n"
         "  fix: put the comment above the block\n");
 }
 
 TEST_F(DhcpCheck, FindsAnOpeningLineThatIsNotRecognised) {
     EXPECT_EQ(Examine("request routers;\ninterface\"eth0\" {\n\tsend host-name \"x\";\n}\n" +
                       std::string(kEth1)),
-              "problem: eth0.method switches a line that is not its own\n"
-              "  /etc/dhclient.conf:4: a '}' outside the blocks of interfaces\n"
+              "problem: eth0.method also switches a line outside its block\n"
+              "  /etc/dhclient.conf:4: a '}' is outside the blocks of interfaces\n"
               "  fix: move these braces into a file of their own, and include it here\n"
               "problem: eth0.method does not switch the interface's block\n"
-              "  /etc/dhclient.conf:2: the library does not recognise the opening line "
-              "'interface\"eth0\" {'\n"
+              "  /etc/dhclient.conf:2: the library does not recognise the opening line\n"
+              "  it is 'interface\"eth0\" {'\n"
               "  fix: write: interface \"eth0\" {\n"
-              "problem: eth1.method switches a line that is not its own\n"
-              "  /etc/dhclient.conf:4: a '}' outside the blocks of interfaces\n"
+              "problem: eth1.method also switches a line outside its block\n"
+              "  /etc/dhclient.conf:4: a '}' is outside the blocks of interfaces\n"
               "  fix: move these braces into a file of their own, and include it here\n");
 }
 
@@ -107,16 +106,16 @@ TEST_F(DhcpCheck, FindsARemarkThatIsTakenForABlock) {
     EXPECT_EQ(
         Examine("# for every interface\n" + std::string(kEth0) + kEth1),
         "problem: method, dhcp-dns and dhcp-ntp are not found, or switched for the wrong lines\n"
-        "  /etc/dhclient.conf:1: the library takes the comment '# for every interface' for the "
-        "start of a block\n"
+        "  /etc/dhclient.conf:1: the library takes a comment for the start of a block\n"
+        "  it is '# for every interface'\n"
         "  fix: remove the word 'interface' from the comment\n");
 }
 
 TEST_F(DhcpCheck, FindsBlocksThatDoNotEndWhereTheySeemTo) {
     EXPECT_EQ(Examine("interface \"eth0\" { request routers; }\n" + std::string(kEth1)),
               "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines\n"
-              "  /etc/dhclient.conf:1: the block ends on its first line, so all lines up to the "
-              "next '}' count as the interface's\n"
+              "  /etc/dhclient.conf:1: the block ends on its first line\n"
+              "  all lines up to the next '}' count as its own\n"
               "  fix: write the closing brace on a line of its own\n");
     EXPECT_EQ(Examine("interface \"eth0\" {\n\trequest routers;}\n"),
               "problem: method, dhcp-dns and dhcp-ntp are switched for the wrong lines\n"

@@ -46,8 +46,8 @@ TEST_F(EditCopyCheck, SaysNothingWhereNothingWasLeft) {
 
 TEST_F(EditCopyCheck, FindsAFileThatWasCut) {
     constexpr char kFix[] =
-        "  fix: compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', and if the "
-        "copy is right, copy its text into the file by hand, as root\n";
+        "  fix: compare: diff /var/cron/tabs/root /var/tmp/root\n"
+        "  if the copy is right, write its text into /var/cron/tabs/root as root\n";
     const std::string found =
         "problem: ntp, ntp-server and web-update may be lost\n"
         "  /var/cron/tabs/root: the file seems to have been cut while being copied\n"
@@ -83,21 +83,21 @@ TEST_F(EditCopyCheck, AFileThatWasCutIsTheLikelyCauseOfAFailedReading) {
         "eth0.method: could not be read; likely cause: /etc/network/interfaces: the file seems to "
         "have been cut while being copied; the rest is in the edit copy /var/tmp/interfaces, 2 "
         "days old; the next set replaces it; the copy would add 'iface eth0 inet static'; fix: "
-        "compare both files, as with 'diff /etc/network/interfaces /var/tmp/interfaces', and if "
-        "the copy is right, copy its text into the file by hand, as root");
+        "compare: diff /etc/network/interfaces /var/tmp/interfaces; if the copy is right, write "
+        "its text into /etc/network/interfaces as root");
 }
 
 TEST_F(EditCopyCheck, OffersToDiscardACopyThatMayNotBeWhole) {
     WriteFile(kCrontab, "0 * * * * true\n5 * * * * true\n");
-    constexpr char kFix[] = "\n  the next set replaces it\n  fix: rm /var/tmp/root\n";
+    constexpr char kFix[] = "; the next set replaces it\n  fix: rm /var/tmp/root\n";
     const std::string left =
         "warning: ntp, ntp-server and web-update may not have been set\n"
-        "  /var/tmp/root: an edit copy was left, 2 days old, ";
+        "  /var/tmp/root: an edit copy was left, 2 days old\n  ";
     WriteOld(kCopy, "");
-    EXPECT_EQ(Said(), left + "empty" + kFix);
+    EXPECT_EQ(Said(), left + "it is empty" + kFix);
     for (const char* part : {"0 * * * * true\n", "0 * * * * false\n5 *"}) {
         WriteOld(kCopy, part);
-        EXPECT_EQ(Said(), left + "which may be incomplete" + kFix) << part;
+        EXPECT_EQ(Said(), left + "it may be incomplete" + kFix) << part;
     }
 }
 
@@ -107,22 +107,22 @@ TEST_F(EditCopyCheck, OffersToFinishOrDiscardAnEditThatWasNotCopied) {
     WriteOld(kCopy, "5 * * * * true\n");
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update may not have been set\n"
-              "  /var/tmp/root: an edit copy was left, 2 days old, which differs from the file\n"
+              "  /var/tmp/root: an edit copy was left, 2 days old\n"
+              "  it differs from the file\n"
               "  the next set replaces it; the copy would add '5 * * * * true'\n"
-              "  fix: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock; "
-              "to finish it, compare both files, as with 'diff /var/cron/tabs/root /var/tmp/root', "
-              "and if the copy is right, copy its text into the file by hand, as root\n");
+              "  fix: to discard the edit: (flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock\n"
+              "  to finish it, compare: diff /var/cron/tabs/root /var/tmp/root\n"
+              "  if the copy is right, write its text into /var/cron/tabs/root as root\n");
 }
 
 TEST_F(EditCopyCheck, OffersBothWhereTheyCannotBeCompared) {
     WriteFile(kCrontab, std::string(1024 * 1024, 'a') + "\n");
     WriteOld(kCopy, "a\n");
-    EXPECT_THAT(
-        Said(),
-        HasSubstr("2 days old, which cannot be compared with the file\n"
-                  "  the next set replaces it\n"
-                  "  fix: to discard the edit: rm /var/tmp/root; to finish it, compare both files, "
-                  "as with "));
+    EXPECT_THAT(Said(),
+                HasSubstr("2 days old\n"
+                          "  it cannot be compared with the file; the next set replaces it\n"
+                          "  fix: to discard the edit: rm /var/tmp/root\n"
+                          "  to finish it, compare: "));
 }
 
 TEST_F(EditCopyCheck, FindsTheCopyOfAFinishedEdit) {
@@ -130,8 +130,8 @@ TEST_F(EditCopyCheck, FindsTheCopyOfAFinishedEdit) {
     WriteOld(kCopy, "0 * * * * true\n");
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set\n"
-              "  /var/tmp/root: an edit copy was left, 2 days old, the same as the file\n"
-              "  the next set replaces it\n"
+              "  /var/tmp/root: an edit copy was left, 2 days old\n"
+              "  it is the same as the file; the next set replaces it\n"
               "  fix: rm /var/tmp/root\n");
 }
 
@@ -139,10 +139,12 @@ TEST_F(EditCopyCheck, OffersNothingWhileAnEditMayBeUnderWay) {
     WriteFile(kCrontab, "");
     WriteCopy(kCopy, "0 * * * * true\n");
     const int lock = VkLibLock();
-    EXPECT_THAT(Said(), MatchesRegex("warning: ntp, ntp-server and web-update may be changing now\n"
-                                     "  /var/tmp/root: an edit may be under way: the lock is held "
-                                     "by process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
-                                     "  fix: wait until that process has ended\n"));
+    EXPECT_THAT(
+        Said(),
+        MatchesRegex("warning: ntp, ntp-server and web-update may be changing now\n"
+                     "  /var/tmp/root: an edit may be under way\n"
+                     "  the lock is held by process [0-9]+ \\(unit_tests, [0-9]+ [a-z]+ old\\)\n"
+                     "  fix: wait until that process has ended\n"));
     VkLibUnLock(lock);
     EXPECT_THAT(Said(), HasSubstr("problem: "));
 }
@@ -155,10 +157,9 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileOfSomebodyElse) {
     }
     EXPECT_EQ(Said(),
               "warning: ntp, ntp-server and web-update can still be set\n"
-              "  /var/tmp/root: a file of user 1234 with mode 600, not made by the library, is in "
-              "the place of the edit copy\n"
-              "  the next set replaces it\n"
-              "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n");
+              "  /var/tmp/root: a file of user 1234 with mode 600 is not made by the library\n"
+              "  it is in the place of the edit copy; the next set replaces it\n"
+              "  fix: do not use its text; to remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
@@ -169,14 +170,13 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileWithAnotherName) {
               "warning: ntp, ntp-server and web-update can still be set\n"
               "  /var/tmp/root: a file of user " +
                   std::to_string(geteuid()) +
-                  " with mode 600 and another name, not made by the library, is in the place of "
-                  "the edit copy\n"
-                  "  the next set replaces it\n"
-                  "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n");
+                  " with mode 600 and another name is not made by the library\n"
+                  "  it is in the place of the edit copy; the next set replaces it\n"
+                  "  fix: do not use its text; to remove it: rm /var/tmp/root\n");
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
 
-// As one of root's that somebody has renamed from a folder of his own.
+// A file of root that another user has moved into the folder.
 TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
     WriteFile(kCrontab, "");
     WriteCopy(kCopy, "* * * * * evil\n");
@@ -185,9 +185,9 @@ TEST_F(EditCopyCheck, OffersOnlyToDiscardAFileThatOthersMayRead) {
               "warning: ntp, ntp-server and web-update can still be set\n"
               "  /var/tmp/root: a file of user " +
                   std::to_string(geteuid()) +
-                  " with mode 640, not made by the library, is in the place of the edit copy\n"
-                  "  the next set replaces it\n"
-                  "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n");
+                  " with mode 640 is not made by the library\n"
+                  "  it is in the place of the edit copy; the next set replaces it\n"
+                  "  fix: do not use its text; to remove it: rm /var/tmp/root\n");
 }
 
 TEST_F(EditCopyCheck, AdvisesToLookAtAFileThatMayBeTheOnlyCompleteText) {
@@ -199,21 +199,20 @@ TEST_F(EditCopyCheck, AdvisesToLookAtAFileThatMayBeTheOnlyCompleteText) {
               "warning: ntp, ntp-server and web-update may be lost\n"
               "  /var/tmp/root: a file of user " +
                   std::to_string(geteuid()) +
-                  " with mode 644, perhaps the edit copy of a program with two users, a real and "
-                  "an effective one, has more than /var/cron/tabs/root\n"
-                  "  the next set replaces it\n"
-                  "  fix: it may be the only complete text; look at it before you remove it: "
-                  "(flock 9 && rm /var/tmp/root) 9< /var/tmp/vklib_lock\n");
+                  " with mode 644\n"
+                  "  it has more text than /var/cron/tabs/root\n"
+                  "  a setuid program may have made it as its edit copy; the next set replaces it\n"
+                  "  fix: it may be the only complete text\n"
+                  "  look at it before you remove it: (flock 9 && rm /var/tmp/root) 9< "
+                  "/var/tmp/vklib_lock\n");
 }
 
 TEST_F(EditCopyCheck, OffersToDiscardAFileOfMode644WhereTheFileIsWhole) {
     WriteFile(kCrontab, "0 * * * * true\n");
     WriteCopy(kCopy, "* * * * * evil\n");
     ASSERT_EQ(chmod(kCopy, 0644), 0);
-    EXPECT_THAT(
-        Said(),
-        HasSubstr("\n"
-                  "  fix: look at it, do not use its text, and remove it: rm /var/tmp/root\n"));
+    EXPECT_THAT(Said(), HasSubstr("\n"
+                                  "  fix: do not use its text; to remove it: rm /var/tmp/root\n"));
 }
 
 TEST_F(EditCopyCheck, FindsEntriesThatTheNextSetReplaces) {

@@ -21,8 +21,8 @@ const Finding kProblem{.subject = "eth1.gateway",
                        .file = "/etc/network/interfaces",
                        .line = 12,
                        .remedy = "add one",
-                       .affected = velkctl::Together(velkctl::SettingsOf(VELK_CMD_GATEWAY, "eth1"),
-                                                     velkctl::SettingsOf(VELK_CMD_IP_METHOD))};
+                       .affected = velkctl::UnionOf(velkctl::SettingsOf(VELK_CMD_GATEWAY, "eth1"),
+                                                    velkctl::SettingsOf(VELK_CMD_IP_METHOD))};
 const Finding kWarning{.severity = Severity::kWarning,
                        .subject = "grep",
                        .effect = "is not installed",

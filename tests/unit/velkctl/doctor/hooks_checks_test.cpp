@@ -80,8 +80,8 @@ TEST_F(HooksCheck, FindsNestedBlocks) {
     EXPECT_EQ(Examine(WithServices("if [ \"$interface\" = eth0 ]; then\n\t:\n"
                                    "elif [ \"$interface\" = eth1 ]; then\n\t:\nfi\n")),
               "problem: apipa and dhcp-notice may be switched for another interface\n"
-              "  /etc/dhclient-exit-hooks:3: the library takes the lines below 'elif' for a part "
-              "of the branch above\n"
+              "  /etc/dhclient-exit-hooks:3: an 'elif' within a block\n"
+              "  the library takes the lines below it for the branch above\n"
               "  fix: write 'else', or a block of its own for each interface\n");
 }
 
@@ -90,16 +90,15 @@ TEST_F(HooksCheck, FindsConditionsThatAreReadOtherwise) {
               "problem: apipa and dhcp-notice would be switched for the wrong interface\n"
               "  /etc/dhclient-exit-hooks:1: the library takes '!=' for '='\n"
               "  fix: compare with '=', and exchange the branches\n");
-    EXPECT_EQ(
-        Examine(WithServices("if [ ${interface} = eth0 ]; then\n:\nfi\n")),
-        "problem: apipa and dhcp-notice would be switched for every interface\n"
-        "  /etc/dhclient-exit-hooks:1: the library does not see that 'if [ ${interface} = eth0 ]; "
-        "then' depends on the interface\n"
-        "  fix: write $interface instead of ${interface}\n");
+    EXPECT_EQ(Examine(WithServices("if [ ${interface} = eth0 ]; then\n:\nfi\n")),
+              "problem: apipa and dhcp-notice would be switched for every interface\n"
+              "  /etc/dhclient-exit-hooks:1: a condition that the library does not see\n"
+              "  'if [ ${interface} = eth0 ]; then' depends on the interface\n"
+              "  fix: write $interface instead of ${interface}\n");
     EXPECT_EQ(Examine(WithServices("case $interface in\nesac\n")),
               "problem: apipa and dhcp-notice would be switched for every interface\n"
-              "  /etc/dhclient-exit-hooks:1: the library does not see that 'case $interface in' "
-              "depends on the interface\n"
+              "  /etc/dhclient-exit-hooks:1: a condition that the library does not see\n"
+              "  'case $interface in' depends on the interface\n"
               "  fix: for each interface write: if [ \"$interface\" = \"NAME\" ]; then\n");
 }
 

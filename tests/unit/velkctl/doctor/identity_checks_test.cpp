@@ -45,13 +45,13 @@ TEST_F(IdentityCheck, FindsATextThatASetOfTheOtherOneCuts) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=see syslocation\nLOCATION=by syscontact\n");
     EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()),
               "problem: administrator is cut for the SNMP agent when location is set\n"
-              "  /var/libvelk/libvelk: the text contains 'syslocation': a set of location replaces "
-              "the line from there on\n"
-              "  fix: without that word: velkctl set administrator TEXT\n"
+              "  /var/libvelk/libvelk: the text contains 'syslocation'\n"
+              "  a set of location replaces the line from there on\n"
+              "  fix: velkctl set administrator TEXT, where TEXT does not contain 'syslocation'\n"
               "problem: location is cut for the SNMP agent when administrator is set\n"
-              "  /var/libvelk/libvelk: the text contains 'syscontact': a set of administrator "
-              "replaces the line from there on\n"
-              "  fix: without that word: velkctl set location TEXT\n");
+              "  /var/libvelk/libvelk: the text contains 'syscontact'\n"
+              "  a set of administrator replaces the line from there on\n"
+              "  fix: velkctl set location TEXT, where TEXT does not contain 'syscontact'\n");
     EXPECT_TRUE(libc().Logs().empty());
     ASSERT_EQ(unlink(kIdentityFile), 0);
     EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");

@@ -37,12 +37,12 @@ TEST_F(InterfacesCheck, SaysNothingAboutAFileThatIsNotThere) {
 }
 
 TEST_F(InterfacesCheck, FindsNoStanza) {
-    EXPECT_EQ(
-        Examine(kEth1),
-        "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway can be neither read nor "
-        "set\n"
-        "  /etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'\n"
-        "  fix: add \"iface eth0 inet static\", and below it address, netmask and gateway\n");
+    EXPECT_EQ(Examine(kEth1),
+              "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway can be neither "
+              "read nor set\n"
+              "  /etc/network/interfaces: there is no stanza\n"
+              "  no line begins with 'iface eth0 inet static' or '... dhcp'\n"
+              "  fix: add \"iface eth0 inet static\", and below it address, netmask and gateway\n");
 }
 
 TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
@@ -54,7 +54,8 @@ TEST_F(InterfacesCheck, FindsHeadersThatAreNotRecognised) {
         EXPECT_EQ(Examine(header + "\n" + kEth1),
                   "problem: eth0.method, eth0.address, eth0.netmask and eth0.gateway are not found "
                   "in a stanza\n"
-                  "  /etc/network/interfaces:1: the library does not recognise the header '" +
+                  "  /etc/network/interfaces:1: the library does not recognise the header\n"
+                  "  it is '" +
                       (header.find('\t') == std::string::npos ? shown : tab) + "'\n" + fix);
     }
 }
@@ -125,19 +126,17 @@ TEST_F(InterfacesCheck, FindsASecondStanza) {
 }
 
 TEST_F(InterfacesCheck, FindsALineThatIsTakenForTheOneWithTheValue) {
-    EXPECT_EQ(
-        Examine("iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n\taddress "
-                "10.0.0.1\n\t# the gateway is not set\n" +
-                std::string(kEth1)),
-        "problem: eth0.address is read and set in the wrong line\n"
-        "  /etc/network/interfaces:2: the library takes 'hwaddress ether 02:00:00:00:00:01' for "
-        "it, as "
-        "it contains 'address '\n"
-        "  fix: move it below line 3\n"
-        "problem: eth0.gateway is read and set in the wrong line\n"
-        "  /etc/network/interfaces:4: the library takes '# the gateway is not set' for it, as it "
-        "contains 'gateway '\n"
-        "  fix: remove the word 'gateway' from the comment\n");
+    EXPECT_EQ(Examine("iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n\taddress "
+                      "10.0.0.1\n\t# the gateway is not set\n" +
+                      std::string(kEth1)),
+              "problem: eth0.address is read and set in the wrong line\n"
+              "  /etc/network/interfaces:2: the library takes this line for the address line\n"
+              "  'hwaddress ether 02:00:00:00:00:01' contains 'address '\n"
+              "  fix: move it below line 3\n"
+              "problem: eth0.gateway is read and set in the wrong line\n"
+              "  /etc/network/interfaces:4: the library takes this line for the gateway line\n"
+              "  '# the gateway is not set' contains 'gateway '\n"
+              "  fix: remove the word 'gateway' from the comment\n");
     const std::string without_address = Examine(
         "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n" + std::string(kEth1));
     EXPECT_NE(without_address.find("  fix: above line 2 add \"address ADDRESS\"\n"),
@@ -172,8 +171,8 @@ TEST_F(InterfacesCheck, FindsAGatewayThatOutlivesTheFirst) {
     EXPECT_EQ(Examine("iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n" +
                       std::string(kEth1)),
               "warning: eth0.gateway cannot be set to none in one set\n"
-              "  /etc/network/interfaces:3: after line 2 is removed, 'gateway 10.0.0.2' still "
-              "applies\n"
+              "  /etc/network/interfaces:3: a set removes line 2 alone\n"
+              "  'gateway 10.0.0.2' still applies\n"
               "  fix: remove 'gateway 10.0.0.2'\n");
 }
 

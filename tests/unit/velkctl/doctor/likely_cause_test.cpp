@@ -72,9 +72,9 @@ TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
     Set("eth0.address", "10.0.0.5");
     for (const char* name : {"eth0.method", "eth0.address", "eth0.netmask", "eth0.gateway"}) {
         EXPECT_EQ(FirstOf(name),
-                  "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... "
-                  "dhcp'; fix: add \"iface eth0 inet static\", and below it address, netmask and "
-                  "gateway")
+                  "/etc/network/interfaces: there is no stanza; no line begins with 'iface eth0 "
+                  "inet static' or '... dhcp'; fix: add \"iface eth0 inet static\", and below it "
+                  "address, netmask and gateway")
             << name;
     }
 }
@@ -98,10 +98,9 @@ TEST_F(LikelyCausesTest, ASecondGatewayOutlivesTheFirst) {
               "\tgateway 10.0.0.3\n" +
                   std::string(kEth1));
     Set("eth0.gateway", "");
-    EXPECT_EQ(
-        FirstOf("eth0.gateway"),
-        "/etc/network/interfaces:3: after line 2 is removed, 'gateway 10.0.0.3' still applies; "
-        "fix: remove 'gateway 10.0.0.3'");
+    EXPECT_EQ(FirstOf("eth0.gateway"),
+              "/etc/network/interfaces:3: a set removes line 2 alone; 'gateway 10.0.0.3' still "
+              "applies; fix: remove 'gateway 10.0.0.3'");
     Set("eth0.gateway", "");
     EXPECT_EQ(FirstOf("eth0.gateway"),
               "/etc/network/interfaces:2: it is read from 'gateway 10.0.0.3'; fix: remove that "
@@ -126,8 +125,8 @@ TEST_F(LikelyCausesTest, AnOptionNeedsARequestStatement) {
               "subnet-mask, broadcast-address, routers;");
     Set("eth1.dhcp-dns", "\x01");
     EXPECT_EQ(FirstOf("eth1.dhcp-dns"),
-              "/etc/dhclient.conf: there is no request statement that counts for eth1; fix: add "
-              "one: request subnet-mask, broadcast-address, routers;");
+              "/etc/dhclient.conf: no request statement applies to eth1; fix: add one: request "
+              "subnet-mask, broadcast-address, routers;");
 }
 
 TEST_F(LikelyCausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
@@ -135,8 +134,8 @@ TEST_F(LikelyCausesTest, ABlockThatIsSwitchedOffRequestsNothing) {
     WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
     Set("eth0.dhcp-dns", "\x01");
     EXPECT_EQ(FirstOf("eth0.dhcp-dns"),
-              "/etc/dhclient.conf:1: the interface's block is switched off, and no other request "
-              "statement counts; fix: if DHCP is wanted: velkctl set eth0.method dhcp");
+              "/etc/dhclient.conf:1: the block of the interface is switched off; no other request "
+              "statement applies; fix: if DHCP is wanted: velkctl set eth0.method dhcp");
 }
 
 TEST_F(LikelyCausesTest, TheTimeSettingsNeedACrontabEntry) {
@@ -171,9 +170,9 @@ TEST_F(LikelyCausesTest, ATimeServerAtTheEndOfItsLineJoinsTwoEntries) {
     WriteFile(kCrontab, "0 * * * * ntpdate 10.0.0.1\n5 4 * * * true\n");
     Set("ntp-server", "10.0.0.9");
     EXPECT_EQ(FirstOf("ntp-server"),
-              "/var/cron/tabs/root:1: two entries are on one line, as after a set of a server that "
-              "is the last word of its line; fix: put the second one on a line of its own, "
-              "and write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
+              "/var/cron/tabs/root:1: two entries are on one line; a set of a server at the end of "
+              "the line joins them; fix: put the second one on a line of its own; write: 0 * * * * "
+              "/usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log");
 }
 
 TEST_F(LikelyCausesTest, AFileThatCannotBeWrittenIsFound) {
@@ -204,8 +203,8 @@ TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFileThatCannotBeWritten) {
     const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
     const velkctl::Problem of_get = ProblemOfGet("", address, failed);
     EXPECT_EQ(of_get.detail,
-              "likely cause: /etc/network/interfaces: no line begins with 'iface eth0 inet static' "
-              "or '... dhcp'");
+              "likely cause: /etc/network/interfaces: there is no stanza; no line begins with "
+              "'iface eth0 inet static' or '... dhcp'");
     EXPECT_EQ(ProblemOfSet("", address, failed).detail,
               "likely cause: /etc/network/interfaces: this user may not write the file: Read-only "
               "file system");
@@ -225,7 +224,7 @@ TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFullFolderForEditCopies) {
               "likely cause: /var/tmp: the file system is full: 32768 bytes are free");
 }
 
-TEST_F(LikelyCausesTest, AFailedSetIsNotBlamedOnWhatOnlyHindersAGet) {
+TEST_F(LikelyCausesTest, AFindingThatOnlyHindersAGetIsNoCauseOfAFailedSet) {
     WriteFile(kInterfaces, "iface eth0 inet bootp\n\taddress 10.0.0.2\n" + std::string(kEth1));
     const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
     EXPECT_EQ(ProblemOfGet("", Find("eth0.address"), failed).detail,

@@ -58,10 +58,10 @@ TEST_F(LockCheck, FindsALockThatItsOwnerCouldReplace) {
     }
     EXPECT_EQ(FormatFindings(velkctl::CheckLock()),
               "warning: settings can be changed by two programs at once\n"
-              "  /var/tmp/vklib_lock: the lock file belongs to user 1234, who can remove it while "
-              "it is locked and make a new one\n"
-              "  fix: chown -h root /var/tmp/vklib_lock, and have an init script make it at boot, "
-              "as root and with mode 666, before programs of other users run\n");
+              "  /var/tmp/vklib_lock: the lock file belongs to user 1234\n"
+              "  this user can remove it while it is locked, and make a new one\n"
+              "  fix: chown -h root /var/tmp/vklib_lock\n"
+              "  make it at boot by an init script, as root with mode 666\n");
 }
 
 TEST_F(LockCheck, FindsALinkInItsPlace) {

@@ -116,13 +116,13 @@ TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
     for (const auto& [name, value] :
          {std::pair("eth0.method", "dhcp"), std::pair("eth0.address", "10.0.0.5")}) {
         EXPECT_EQ(Verify(name, {value}), false);
-        EXPECT_EQ(complaint,
-                  "velkctl: " + std::string(name) +
-                      ": the library reported success, but it cannot be read back: file, socket, "
-                      "time-out or unreadable value; likely cause: /etc/network/interfaces: no "
-                      "line begins "
-                      "with 'iface eth0 inet static' or '... dhcp'; fix: add \"iface eth0 inet "
-                      "static\", and below it address, netmask and gateway\n");
+        EXPECT_EQ(
+            complaint,
+            "velkctl: " + std::string(name) +
+                ": the library reported success, but it cannot be read back: file, socket, "
+                "time-out or unreadable value; likely cause: /etc/network/interfaces: there is no "
+                "stanza; no line begins with 'iface eth0 inet static' or '... dhcp'; fix: add "
+                "\"iface eth0 inet static\", and below it address, netmask and gateway\n");
     }
 }
 
@@ -131,9 +131,9 @@ TEST_F(ReadBackTest, AnotherAddressIsShown) {
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.address: the library reported success, but the device holds 'ether "
-              "02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: the library takes "
-              "'hwaddress ether 02:00:00:00:00:01' for it, as it contains 'address '; fix: above "
-              "line 2 add \"address 10.0.0.5\"\n");
+              "02:00:00:00:00:01'; likely cause: /etc/network/interfaces:2: the library takes this "
+              "line for the address line; 'hwaddress ether 02:00:00:00:00:01' contains 'address '; "
+              "fix: above line 2 add \"address 10.0.0.5\"\n");
 }
 
 TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
@@ -158,14 +158,13 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
     before.emplace(*FindSetting("eth0.gateway"));
     WriteFile(kInterfaces, "");
     EXPECT_EQ(Verify("eth0.gateway", {"10.0.0.2"}), false);
-    EXPECT_EQ(
-        complaint,
-        "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
-        "file, socket, time-out or unreadable value; /etc/network/interfaces is empty since this "
-        "set, and no edit "
-        "copy has the rest: restore it before the device restarts; likely cause: "
-        "/etc/network/interfaces: no line begins with 'iface eth0 inet static' or '... dhcp'; "
-        "fix: add \"iface eth0 inet static\", and below it address, netmask and gateway\n");
+    EXPECT_EQ(complaint,
+              "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
+              "file, socket, time-out or unreadable value; /etc/network/interfaces is empty since "
+              "this set, and no edit copy has the rest: restore it before the device restarts; "
+              "likely cause: /etc/network/interfaces: there is no stanza; no line begins with "
+              "'iface eth0 inet static' or '... dhcp'; fix: add \"iface eth0 inet static\", and "
+              "below it address, netmask and gateway\n");
 }
 
 TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
@@ -188,6 +187,13 @@ TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
               "velkctl: note: eth0.address: set, but not checked: while eth0.method is dhcp, its "
               "lease is "
               "shown\n");
+}
+
+TEST_F(ReadBackTest, AMethodThatCannotBeReadIsNoLease) {
+    WriteFile(kInterfaces, "iface eth0 inet bootp\n\taddress 10.0.0.2\n");
+    (void)Verify("eth0.address", {"10.0.0.5"});
+    EXPECT_NE(complaint, "");
+    EXPECT_EQ(complaint.find("lease"), std::string::npos) << complaint;
 }
 
 TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {

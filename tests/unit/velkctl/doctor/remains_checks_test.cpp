@@ -83,7 +83,7 @@ TEST_F(RemainsCheck, FindsAResultAReplySocketAndASemaphore) {
 TEST_F(RemainsCheck, FindsASemaphoreThatEndsTheProgram) {
     WriteFile("/dev/shm/sem.WlanAplRecvSem", "");
     EXPECT_EQ(FormatFindings(velkctl::CheckQueryRemains()),
-              "problem: wireless settings end the program that reads them\n"
+              "problem: reading a wireless setting ends the program (SIGBUS)\n"
               "  /dev/shm/sem.WlanAplRecvSem: an empty file is in the place of the semaphore\n"
               "  fix: rm /dev/shm/sem.WlanAplRecvSem\n");
 }

@@ -93,41 +93,38 @@ TEST_F(TextConflictTest, ATextWithADirectiveIsAConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("administrator", "ask for syslocation at the desk"),
               "administrator: the text contains 'syslocation'; a set of location replaces the line "
-              "from there on "
-              "in /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
-    EXPECT_EQ(Problem("location", "ask for syslocation at the desk"),
-              "location: the text contains 'syslocation'; a set of location replaces the line from "
-              "there on "
-              "in /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
+              "from there on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give other "
+              "words, or --force");
+    EXPECT_EQ(
+        Problem("location", "ask for syslocation at the desk"),
+        "location: the text contains 'syslocation'; a set of location replaces the line from there "
+        "on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
     EXPECT_EQ(Problem("location", "mysyscontacts"),
               "location: the text contains 'syscontact'; a set of administrator replaces the line "
-              "from there "
-              "on in /usr/local/share/etc/snmp/snmpd.conf; fix: give other words, or --force");
+              "from there on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give other "
+              "words, or --force");
 }
 
 TEST_F(TextConflictTest, APresentTextThatTheSetWouldCutIsAConflict) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=Lab\n");
     EXPECT_EQ(Problem("location", "Room 5"),
               "location: the present administrator contains 'syslocation'; this set would replace "
-              "the line "
-              "from there on in /usr/local/share/etc/snmp/snmpd.conf; fix: give --force, or first, "
-              "without that word: velkctl set administrator TEXT");
+              "the line from there on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give "
+              "--force, or first velkctl set administrator TEXT without that word");
     EXPECT_EQ(Problem("administrator", "Alice"), "") << "it takes the word away";
     WriteFile(kIdentityFile, "ADMINISTRATOR=Alice\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("administrator", "Bob"),
               "administrator: the present location contains 'syscontact'; this set would replace "
-              "the line from "
-              "there on in /usr/local/share/etc/snmp/snmpd.conf; fix: give --force, or first, "
-              "without that word: velkctl set location TEXT");
+              "the line from there on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give "
+              "--force, or first velkctl set location TEXT without that word");
 }
 
 TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherNeedForce) {
     WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=by syscontact\n");
     EXPECT_EQ(Problem("location", "Room 5"),
               "location: the present administrator contains 'syslocation'; this set would replace "
-              "the line "
-              "from there on in /usr/local/share/etc/snmp/snmpd.conf; fix: give --force, or first, "
-              "without that word: velkctl set --force administrator TEXT");
+              "the line from there on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give "
+              "--force, or first velkctl set --force administrator TEXT without that word");
 }
 
 TEST_F(TextConflictTest, OtherSettingsHaveNoConflicts) {

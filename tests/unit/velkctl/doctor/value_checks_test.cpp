@@ -39,11 +39,11 @@ class ValueChecksTest : public testkit::DeviceTest {
         const velkctl::Answer answer = velkctl::Device({}, report).Get(setting);
         EXPECT_TRUE(answer.ok()) << name;
         const auto invalid = InvalidValue(setting, answer.data);
-        return invalid ? InLines(NoteOf(*invalid)) : "";
+        return invalid ? MessageLines(NoteOf(*invalid)) : "";
     }
     static std::string NoteAbout(const std::string& name, const Data& value) {
         const auto invalid = InvalidValue(*FindSetting(name), value);
-        return invalid ? InLines(NoteOf(*invalid)) : "";
+        return invalid ? MessageLines(NoteOf(*invalid)) : "";
     }
 };
 

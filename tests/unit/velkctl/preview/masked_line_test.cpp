@@ -18,7 +18,7 @@ TEST(MaskedLine, MasksTheRestAfterTheNameOfASecret) {
     EXPECT_EQ(MaskedLine("createUser bob MD5 secret"), "createUser ********");
 }
 
-TEST(MaskedLine, LooksBehindTheMarkOfADiff) {
+TEST(MaskedLine, SkipsTheMarkOfADiff) {
     EXPECT_EQ(MaskedLine("+wireless-key1 abc", 1), "+wireless-key1 ********");
     EXPECT_EQ(MaskedLine("-passwd x", 1), "-passwd ********");
 }

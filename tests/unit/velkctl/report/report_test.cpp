@@ -12,7 +12,7 @@
 namespace {
 
 using velkctl::ExitStatus;
-using velkctl::InLines;
+using velkctl::MessageLines;
 using velkctl::OneLine;
 using velkctl::Problem;
 using velkctl::Report;
@@ -102,21 +102,21 @@ TEST(Report, GoesOutAsOneJsonDocumentWithItsErrors) {
 
 TEST(Report, BreaksALongTextAtSemicolonsAndBeforeBut) {
     const std::string reason(40, 'a');
-    EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + reason, 2), reason + "\n  " + reason);
-    EXPECT_EQ(velkctl::InLinesOf80(reason + "; " + std::string(36, 'b'), 2),
+    EXPECT_EQ(velkctl::WrappedAt80(reason + "; " + reason, 2), reason + "\n  " + reason);
+    EXPECT_EQ(velkctl::WrappedAt80(reason + "; " + std::string(36, 'b'), 2),
               reason + "; " + std::string(36, 'b'));
-    EXPECT_EQ(velkctl::InLinesOf80(reason + ", but " + reason, 2), reason + ",\n  but " + reason);
-    EXPECT_EQ(InLines({.message = reason + "; give " + reason}),
+    EXPECT_EQ(velkctl::WrappedAt80(reason + ", but " + reason, 2), reason + ",\n  but " + reason);
+    EXPECT_EQ(MessageLines({.message = reason + "; give " + reason}),
               reason + "\n  fix: give " + reason);
 }
 
 TEST(Report, BreaksNoQuotationAndNoFix) {
     const std::string quoted =
         "the interface's line 'request routers; # " + std::string(50, 'a') + "'";
-    EXPECT_EQ(velkctl::InLinesOf80(quoted, 2), quoted);
-    EXPECT_EQ(velkctl::InLinesOf80(quoted + "; it is off", 2), quoted + "\n  it is off");
+    EXPECT_EQ(velkctl::WrappedAt80(quoted, 2), quoted);
+    EXPECT_EQ(velkctl::WrappedAt80(quoted + "; it is off", 2), quoted + "\n  it is off");
     const std::string fix = "fix: rm " + std::string(80, 'a') + "; true";
-    EXPECT_EQ(velkctl::InLinesOf80(fix, 2), fix);
+    EXPECT_EQ(velkctl::WrappedAt80(fix, 2), fix);
 }
 
 TEST(Report, AnEmptyDocumentIsCompleteToo) {
@@ -136,13 +136,14 @@ TEST(Report, BytesThatAreNoTextDoNotBreakTheDocument) {
 
 TEST(Report, LongMessagesAreBrokenAtTheirSemicolons) {
     const std::string name(40, 'n');
-    EXPECT_EQ(InLines({.message = name + ": is not valid; give on or off"}),
+    EXPECT_EQ(MessageLines({.message = name + ": is not valid; give on or off"}),
               name + ": is not valid; give on or off");
-    EXPECT_EQ(InLines({.message = name + ": is not valid; no; give on or off, or another one"}),
-              name + ": is not valid\n  no\n  fix: give on or off, or another one");
-    EXPECT_EQ(InLines({.message = name + ": is no valid value of it at all; give on or off"}),
+    EXPECT_EQ(
+        MessageLines({.message = name + ": is not valid; no; give on or off, or another one"}),
+        name + ": is not valid\n  no\n  fix: give on or off, or another one");
+    EXPECT_EQ(MessageLines({.message = name + ": is no valid value of it at all; give on or off"}),
               name + ": is no valid value of it at all\n  fix: give on or off");
-    EXPECT_EQ(InLines({.message = "a", .detail = name + "; " + name + "; b"}),
+    EXPECT_EQ(MessageLines({.message = "a", .detail = name + "; " + name + "; b"}),
               "a\n  " + name + "\n  " + name + "; b");
 }
 
@@ -156,13 +157,13 @@ TEST(Report, AdviceAtTheEndOfAMessageIsTheRemedy) {
     EXPECT_EQ(parts("a: '; give b' is not valid"), R"("a: '; give b' is not valid"nullnull)");
     EXPECT_EQ(parts("a; fix: b; c"), R"("a"null"b; c")");
     EXPECT_EQ(parts("a, but b; give c; or d"), R"("a, but b"null"give c; or d")");
-    EXPECT_EQ(InLines({.message = std::string(80, 'a') + "; usage: b"}),
+    EXPECT_EQ(MessageLines({.message = std::string(80, 'a') + "; usage: b"}),
               std::string(80, 'a') + "\n  usage: b");
 }
 
 TEST(Report, AFixIsNotBrokenAtItsSemicolons) {
     const std::string fix = "fix: if true; then " + std::string(80, 'x') + "; fi";
-    EXPECT_EQ(InLines({.message = "a; b; " + fix}), "a\n  b\n  " + fix);
+    EXPECT_EQ(MessageLines({.message = "a; b; " + fix}), "a\n  b\n  " + fix);
 }
 
 TEST(Report, AProblemOnOneLineHasAllItsParts) {

@@ -360,7 +360,7 @@ TEST(Catalogue, RowsAreWhole) {
     }
 }
 
-// The interfaces a command of the library takes, as catalogue flags; 0 when there is none.
+// The interfaces a command of the library takes, as catalogue flags; 0 if none.
 unsigned InterfacesInLibrary(std::span<const velk::CommandEntry> table, uint32_t id) {
     const auto entry = std::find_if(table.begin(), table.end(),
                                     [id](const auto& row) { return row.command_id == id; });

@@ -62,7 +62,7 @@ TEST(ServerListParse, BlanksAndCommasSeparateServers) {
         EXPECT_EQ(kServerList.Force(words).data, expected);
     }
     EXPECT_EQ(Problem({"1.1.1.1 2.2.2.2,3.3.3.3", "4.4.4.4"}),
-              "4 addresses given; give one to three such as 192.168.0.1, or none");
+              "4 addresses given; give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, NoneIsAllZero) {
@@ -78,7 +78,7 @@ TEST(ServerListParse, NoWordIsNoList) {
 
 TEST(ServerListParse, FourAddressesAreTooMany) {
     EXPECT_EQ(Problem({"1.1.1.1", "2.2.2.2", "3.3.3.3", "4.4.4.4"}),
-              "4 addresses given; give one to three such as 192.168.0.1, or none");
+              "4 addresses given; give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, NoneTakesNoOtherValue) {
@@ -90,17 +90,18 @@ TEST(ServerListParse, NoneTakesNoOtherValue) {
 
 TEST(ServerListParse, NamesTheWordThatIsNoAddress) {
     EXPECT_EQ(Problem({"1.1.1.1", "300.1.1.1"}),
-              "'300.1.1.1' is not an IPv4 address; give one to three such as 192.168.0.1, or none");
+              "'300.1.1.1' is not an IPv4 address; give one to three IPv4 addresses such as "
+              "192.168.0.1, or none");
 }
 
 TEST(ServerListParse, ShowsControlCharactersEscaped) {
     EXPECT_EQ(Problem({"\x1b[31m\n"}),
               "'\\x1b[31m\\x0a' is not an IPv4 address; "
-              "give one to three such as 192.168.0.1, or none");
+              "give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, RefusesAddressesThatNoServerCanHave) {
-    const std::string wanted = "; give one to three such as 192.168.0.1, or none";
+    const std::string wanted = "; give one to three IPv4 addresses such as 192.168.0.1, or none";
     EXPECT_EQ(Problem({"1.1.1.1", "0.0.0.0"}),
               "'0.0.0.0' is not the address of a host, as it begins with 0" + wanted);
     EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
@@ -114,10 +115,10 @@ TEST(ServerListParse, RefusesAddressesThatNoServerCanHave) {
 TEST(ServerListParse, RefusesTheDeviceItselfUnlessForced) {
     EXPECT_EQ(Problem({"127.0.0.1"}),
               "'127.0.0.1' is a loopback address; the device reaches only itself there; give one "
-              "to three others, none, or --force for a local resolver");
+              "to three other addresses, none, or --force for a local resolver");
     EXPECT_EQ(Problem({"1.1.1.1", "foo", "bar", "1.2.3.4"}),
               "'foo' is not an IPv4 address; 'bar' is not an IPv4 address; 4 addresses given; give "
-              "one to three such as 192.168.0.1, or none");
+              "one to three IPv4 addresses such as 192.168.0.1, or none");
     EXPECT_EQ(kServerList.Force(Words{"127.0.0.1"}).data, DataOf("127.0.0.1"));
 }
 

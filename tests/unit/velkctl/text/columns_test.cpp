@@ -11,10 +11,10 @@
 namespace {
 
 using velkctl::Cut;
-using velkctl::InLinesOf;
 using velkctl::LinesOnScreen;
 using velkctl::Padded;
 using velkctl::Wrapped;
+using velkctl::WrappedWords;
 
 TEST(Padded, AddsBlanksAndCutsNothing) {
     EXPECT_EQ(Padded("ab", 4), "ab  ");
@@ -30,13 +30,13 @@ TEST(Cut, EndsATextThatDoesNotFitInDots) {
     EXPECT_EQ(Cut("", 0), "");
 }
 
-TEST(InLinesOf, FillsIndentedLines) {
+TEST(WrappedWords, FillsIndentedLines) {
     const std::vector<std::string> words{"one", "two", "three", "four"};
-    EXPECT_EQ(InLinesOf(words, 80, 2), "  one two three four\n");
-    EXPECT_EQ(InLinesOf(words, 9, 2), "  one two\n  three\n  four\n");
-    EXPECT_EQ(InLinesOf(words, 8, 2), "  one\n  two\n  three\n  four\n");
-    EXPECT_EQ(InLinesOf(words, 1, 0), "one\ntwo\nthree\nfour\n");
-    EXPECT_EQ(InLinesOf({}, 80, 2), "");
+    EXPECT_EQ(WrappedWords(words, 80, 2), "  one two three four\n");
+    EXPECT_EQ(WrappedWords(words, 9, 2), "  one two\n  three\n  four\n");
+    EXPECT_EQ(WrappedWords(words, 8, 2), "  one\n  two\n  three\n  four\n");
+    EXPECT_EQ(WrappedWords(words, 1, 0), "one\ntwo\nthree\nfour\n");
+    EXPECT_EQ(WrappedWords({}, 80, 2), "");
 }
 
 TEST(Wrapped, BreaksLongLinesAtTheirBlanks) {

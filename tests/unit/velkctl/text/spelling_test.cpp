@@ -16,6 +16,7 @@ using testkit::Words;
 using velkctl::DidYouMean;
 using velkctl::OneOf;
 using velkctl::SpellingSuggestions;
+using velkctl::Suggestion;
 
 const Words kNames{"get", "set", "restart", "eth0.address", "eth0.gateway"};
 
@@ -77,6 +78,11 @@ TEST(SpellingSuggestions, AreEmptyForAWordTooShortToCompare) {
 
 TEST(SpellingSuggestions, AreEmptyForAVeryLongWord) {
     EXPECT_EQ(SpellingSuggestions(std::string(100000, 'x'), kNames), Words{});
+}
+
+TEST(Suggestion, NamesTheWordsAfterTheirNoun) {
+    EXPECT_EQ(Suggestion(Words{"on", "off"}), "; did you mean on or off?");
+    EXPECT_EQ(Suggestion(Words{"ntp"}, "the setting "), "; did you mean the setting ntp?");
 }
 
 TEST(DidYouMean, HasASuggestionOrTheOtherText) {

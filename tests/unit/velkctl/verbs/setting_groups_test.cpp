@@ -41,7 +41,7 @@ TEST(SettingGroups, AreThoseOfTheDeviceAndOfEachInterface) {
     EXPECT_TRUE(velkctl::GroupsOf({}).empty());
 }
 
-TEST(SettingGroups, HaveTheirNamesInLinesOf80Columns) {
+TEST(SettingGroups, HaveTheirNamesWrappedAt80Columns) {
     const std::string lines = NameLines(velkctl::Settings());
     size_t begin = 0;
     for (size_t end = 0; (end = lines.find('\n', begin)) != std::string::npos; begin = end + 1) {

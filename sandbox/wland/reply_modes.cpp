@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// reply.cpp - correct and faulty replies.
-#include "sandbox/wland/reply.h"
+// reply_modes.cpp - the modes of the daemon's replies, correct and faulty.
+#include "sandbox/wland/reply_modes.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// reply.h - correct and faulty replies.
-#ifndef SANDBOX_WLAND_REPLY_H_
-#define SANDBOX_WLAND_REPLY_H_
+// reply_modes.h - the modes of the daemon's replies, correct and faulty.
+#ifndef SANDBOX_WLAND_REPLY_MODES_H_
+#define SANDBOX_WLAND_REPLY_MODES_H_
 
 #include <chrono>
 #include <optional>
@@ -39,4 +39,4 @@ std::string ReplyBytes(ReplyMode mode, const Message& good);
 
 }  // namespace wland
 
-#endif  // SANDBOX_WLAND_REPLY_H_
+#endif  // SANDBOX_WLAND_REPLY_MODES_H_

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// command.cpp - a command of the library and its answer.
-#include "velkctl/call/command.h"
+// answer.cpp - the answer to a command, also of one that --timeout ended, and its messages.
+#include "velkctl/call/answer.h"
 
+#include <string_view>
 #include <utility>
 
 #include "velkctl/report/result_codes.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// masking.cpp - whether data bytes are shown or masked.
-#include "velkctl/verbs/masking.h"
+// masking.cpp - the mask of secrets in output, and whether data bytes are shown or masked.
+#include "velkctl/text/masking.h"
 
 namespace velkctl {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // The problem to report for a failed answer.
-#include "velkctl/call/command.h"
+#include "velkctl/call/answer.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Data bytes that are masked in output.
-#include "velkctl/verbs/masking.h"
+#include "velkctl/text/masking.h"
 
 #include <gtest/gtest.h>
 
