@@ -11,7 +11,7 @@
 #include "lib/base/data_area.h"
 #include "lib/base/log.h"
 #include "lib/base/paths.h"
-#include "lib/base/words.h"
+#include "lib/wired/link_settings.h"
 #include "velk/request.h"
 #include "velk/wired.h"
 
@@ -26,46 +26,6 @@ constexpr std::array kModeOptions{
     "speed 10 duplex full autoneg off",
     "speed 10 duplex half autoneg off",
 };
-
-// The settings that ethtool shows, named after the fields of the kernel's ethtool_cmd record.
-struct LinkSettings {
-    int autoneg = 0;
-    int speed = 0;
-    int duplex = 0;
-
-    void Read(std::string_view line);
-    int Mode() const;
-};
-
-void LinkSettings::Read(std::string_view line) {
-    if (Contains(line, "Auto-negotiation: on")) {
-        autoneg = 1;
-    } else if (Contains(line, "Auto-negotiation: off")) {
-        autoneg = 0;
-    } else if (Contains(line, "Speed: 100M")) {
-        speed = 100;
-    } else if (Contains(line, "Speed: 10M")) {
-        speed = 10;
-    } else if (Contains(line, "Duplex: Full")) {
-        duplex = 1;
-    } else if (Contains(line, "Duplex: Half")) {
-        duplex = 0;
-    }
-}
-
-// Returns the mode 1 to 5; 0 for settings without a mode.
-int LinkSettings::Mode() const {
-    if (autoneg == 1) {
-        return VELK_LINK_AUTO;
-    }
-    if (speed == 100) {
-        return duplex == 1 ? VELK_LINK_100_FULL : VELK_LINK_100_HALF;
-    }
-    if (speed == 10) {
-        return duplex == 1 ? VELK_LINK_10_FULL : VELK_LINK_10_HALF;
-    }
-    return 0;
-}
 
 }  // namespace
 }  // namespace velk
