@@ -118,7 +118,9 @@ Answer Device::Set(const Setting& setting, const Data& value) const {
 }
 
 Answer Device::Execute(const Command& command, const Data& data, const std::string& subject) const {
-    return Run({command, data, subject, DeadlineOf(limits_), report_});
+    PendingCall call{command, data, subject, DeadlineOf(limits_), report_};
+    call.watcher = command.type == VELK_SET ? watcher_ : nullptr;
+    return Run(call);
 }
 
 Answer Device::Restart(const std::string& interface, const Data& data) const {
@@ -132,15 +134,8 @@ Answer Device::ExecuteOnce(const PendingCall& call) const {
         return Call(call);
     }
     NoteUnfinishedEdits(call.command, call.subject, call.report);
-    if (watcher_ == nullptr) {
-        return Call(call);
-    }
-    if (!watcher_->BeforeAttempt()) {
-        return {LIB_VELK_LOCKED};
-    }
-    Answer answer = Call(call);
-    watcher_->AfterAttempt(answer);
-    return answer;
+    const bool is_refused = call.watcher != nullptr && !call.watcher->BeforeAttempt();
+    return is_refused ? Answer{LIB_VELK_LOCKED} : Call(call);
 }
 
 // Tries again until the lock is free or the time is over. At the deadline the answer is that of the

@@ -18,19 +18,6 @@
 
 namespace velkctl {
 
-// Is called around each attempt of a set. An attempt is refused while another program changes
-// settings; with --wait the next one follows.
-class SetWatcher {
-  public:
-    // Returns false while another program changes settings: the attempt is then refused without the
-    // library.
-    virtual bool BeforeAttempt() = 0;
-    virtual void AfterAttempt(const Answer& answer) = 0;
-
-  protected:
-    ~SetWatcher() = default;
-};
-
 // The only path from a verb to the library. Applies --wait and --timeout and cleans up after a
 // signal.
 //

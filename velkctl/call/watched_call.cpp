@@ -245,10 +245,7 @@ Answer StopAtDeadline(ChildCall& child, const PendingCall& call) {
             .note = StateIfInterrupted(call)};
 }
 
-}  // namespace
-
-Answer ExecuteWatched(const PendingCall& call) {
-    const StopSignals signals;
+Answer AnswerBeforeDeadline(const PendingCall& call, const StopSignals& signals) {
     ChildCall child(call.command, call.data, signals);
     if (child.start_error() != 0) {
         call.report.Note(call.subject +
@@ -264,8 +261,18 @@ Answer ExecuteWatched(const PendingCall& call) {
         case Outcome::kTimedOut:
             return StopAtDeadline(child, call);
     }
-    Answer answer = AnswerOf(child, call);
-    if (const int signal = signals.Pending(); signal != 0) {
+    return AnswerOf(child, call);
+}
+
+}  // namespace
+
+Answer ExecuteWatched(const PendingCall& call) {
+    const StopSignals signals;
+    Answer answer = AnswerBeforeDeadline(call, signals);
+    if (call.watcher != nullptr) {
+        call.watcher->AfterAttempt(answer);
+    }
+    if (const int signal = signals.Pending(); signal != 0 && !answer.timed_out) {
         EndInterrupted(signal, StateAfter(call, answer), call.report);
     }
     return answer;

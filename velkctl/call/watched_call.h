@@ -16,6 +16,20 @@
 
 namespace velkctl {
 
+// Is called around each attempt of a set. An attempt is refused while another program changes
+// settings; with --wait the next one follows.
+class SetWatcher {
+  public:
+    // Returns false while another program changes settings: the attempt is then refused without the
+    // library.
+    virtual bool BeforeAttempt() = 0;
+    // Is also called before a signal ends velkctl, if the set was finished.
+    virtual void AfterAttempt(const Answer& answer) = 0;
+
+  protected:
+    ~SetWatcher() = default;
+};
+
 // A command that is running, and the data to report about it.
 struct PendingCall {
     const Command& command;
@@ -25,6 +39,7 @@ struct PendingCall {
     Report& report;
     // The command ends with its tools: the library leaves the ifup of eth1 in the background.
     bool awaits_tools = false;
+    SetWatcher* watcher = nullptr;
 
     bool is_late() const { return deadline && std::chrono::steady_clock::now() >= *deadline; }
 };

@@ -86,8 +86,12 @@ void SetRecord::NoteInterrupted() const {
 }
 
 void SetRecord::AfterAttempt(const Answer& answer) {
-    if (!is_given_up_ && !IsLocked(answer)) {
-        CountStep(answer);
+    if (is_given_up_ || IsLocked(answer)) {
+        return;
+    }
+    CountStep(answer);
+    if (attempted_ == plan_.steps.size()) {
+        Finish();
     }
 }
 
@@ -104,9 +108,10 @@ void SetRecord::CountStep(const Answer& answer) {
 }
 
 void SetRecord::Finish() {
-    if (!change_.is_begun()) {
+    if (!change_.is_begun() || is_finished_) {
         return;
     }
+    is_finished_ = true;
     if (is_given_up_ || (change_.HasChangedNoFile() && !has_changed_value_)) {
         change_.Discard();
         return;

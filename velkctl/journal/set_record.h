@@ -14,8 +14,9 @@
 
 namespace velkctl {
 
-// Begins the entry of these changes before the first attempt to make one, and records the files
-// after each. A journal that cannot be written is noted, and the set goes on: a device with a full
+// Begins the entry of these changes before the first attempt to make one, records the files after
+// each, and closes the entry after the last: Ctrl-C while it is read back interrupts no set. A
+// journal that cannot be written is noted, and the set goes on: a device with a full
 // disk must remain reachable. During its lifetime no other run applies, undoes or recovers.
 class SetRecord final : public SetWatcher {
   public:
@@ -29,7 +30,7 @@ class SetRecord final : public SetWatcher {
     bool BeforeAttempt() override;
     void AfterAttempt(const Answer& answer) override;
 
-    // Closes the entry. Removes it if nothing has changed.
+    // Closes the entry also if not all changes were made. Removes it if nothing has changed.
     void Finish();
 
   private:
@@ -47,6 +48,7 @@ class SetRecord final : public SetWatcher {
     const JournalLock lock_;
     bool is_refused_ = false;
     bool is_given_up_ = false;
+    bool is_finished_ = false;
     size_t attempted_ = 0;            // the changes that were not refused for the lock
     size_t made_ = 0;                 // the changes up to the last one that may have an effect
     bool has_changed_value_ = false;  // one held by the wireless daemon or the port

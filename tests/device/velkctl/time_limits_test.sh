@@ -341,6 +341,15 @@ in time"
     error_is 'velkctl: interrupted; ntp may be incomplete; run it again'
 done
 
+it 'interrupts no set that it has finished'
+on_desk 'for pause in 0 .004 .008 .012 .016 .02 .025 .03 .035 .04 .05; do
+        interrupted_by SIGINT $pause velkctl set eth0.address 192.168.0.77 >/dev/null 2>&1
+        [ "$(velkctl get --value eth0.address)" = 192.168.0.10 ] || velkctl history | grep interrupted
+        velkctl recover --quiet; velkctl set eth0.address 192.168.0.10 --quiet --no-journal
+    done; left'
+output_is ''
+error_is ''
+
 it 'shows no output of a tool that worked'
 on_desk 'rm -f /var/libvelk/ntp.log
     velkctl set ntp off; echo $?; velkctl set ntp off --json >/tmp/answer

@@ -81,6 +81,16 @@ TEST_F(SetRecordTest, IsClosedAfterTheSet) {
     EXPECT_EQ(entry.after[0].bytes, "iface eth0 inet static\n\taddress 192.168.0.2\n");
 }
 
+// Ctrl-C ends velkctl while the last change is read back.
+TEST_F(SetRecordTest, IsClosedBeforeTheLastChangeIsReadBack) {
+    SetRecord record({Address("192.168.0.2"), {*FindSetting("ntp"), Data{1}}}, 0, device, report);
+    ASSERT_TRUE(device.Set(*FindSetting("eth0.address"), DataOf("192.168.0.2")).ok());
+    EXPECT_EQ(ReadJournal().entries.front().decoded.entry.state, EntryState::kApplying);
+    EXPECT_FALSE(device.Set(*FindSetting("ntp"), Data{1}).ok()) << "there is no crontab";
+    EXPECT_EQ(ReadJournal().entries.front().decoded.entry.state, EntryState::kDone);
+    EXPECT_EQ(Names(), std::vector<std::string>{"eth0.address"});
+}
+
 TEST_F(SetRecordTest, IsOnDiskBeforeTheSet) {
     std::vector<EntryState> states;
     libc().OnCall(testkit::Call::kSystem, [&](const testkit::Event&) {
@@ -174,9 +184,9 @@ TEST_F(SetRecordTest, NotesAnEntryThatCannotBeClosed) {
     SetRecord record({Address("192.168.0.2")}, 0, device, report);
     (void)record.BeforeAttempt();
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 192.168.0.2\n");
-    record.AfterAttempt({LIB_VELK_SUCCESS});
     libc().Script(testkit::Call::kWrite, {testkit::Fail(EIO)});
     testing::internal::CaptureStderr();
+    record.AfterAttempt({LIB_VELK_SUCCESS});
     record.Finish();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "velkctl: note: set: the journal may call this set interrupted\n"
