@@ -4,6 +4,7 @@
 // dhcp_end.cpp - ends the DHCP client of an interface before it gets another method.
 #include "velkctl/changes/dhcp_end.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "velkctl/files/dhcp_client.h"
@@ -15,6 +16,13 @@ namespace {
 
 // The client releases its address with a message to the server, and does not wait for an answer.
 constexpr std::chrono::seconds kLongest{60};
+
+bool GetsStaticBack(const std::string& interface, const JournalEntry& entry) {
+    return std::ranges::any_of(entry.steps, [&](const Step& step) {
+        return step.setting.row->id == VELK_CMD_IP_METHOD && step.setting.interface == interface &&
+               step.old_value && IsStaticMethod(*step.old_value);
+    });
+}
 
 }  // namespace
 
@@ -35,6 +43,16 @@ std::optional<Problem> EndDhcpClient(const std::string& interface) {
     problem.detail = "'sudo ifdown " + interface + "' has left process " + process;
     problem.remedy = "sudo kill " + process;
     return problem;
+}
+
+void EndClientsOf(const JournalEntry& entry, const Device& device, Report& report) {
+    for (const std::string& interface : entry.restarts) {
+        if (GetsStaticBack(interface, entry) && HasDhcpClient(interface, device)) {
+            if (const std::optional<Problem> problem = EndDhcpClient(interface)) {
+                report.Complain(*problem);
+            }
+        }
+    }
 }
 
 }  // namespace velkctl

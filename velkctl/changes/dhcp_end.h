@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "velkctl/call/device.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
@@ -22,6 +23,10 @@ bool HasDhcpClient(const std::string& interface, const Device& device);
 // Such a client later gives the interface its lease again, or takes the address and route away.
 // Returns the problem if a client still runs.
 std::optional<Problem> EndDhcpClient(const std::string& interface);
+
+// Ends the clients of the interfaces that the change has restarted with the method dhcp, before it
+// is taken back and restarts them with the method static. Reports clients that still run.
+void EndClientsOf(const JournalEntry& entry, const Device& device, Report& report);
 
 }  // namespace velkctl
 

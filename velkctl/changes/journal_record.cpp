@@ -8,6 +8,7 @@
 #include <chrono>
 #include <thread>
 
+#include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/put_back.h"
 
@@ -28,13 +29,21 @@ BeginFailure FailureOf(int error) {
 
 // Tries again while another program changes settings.
 int JournalRecord::BeginEntry(const ChangePlan& plan, const Device& device) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds_);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(limits_.wait_seconds);
     int error = change_.Begin(plan, device);
     while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(kPause);
         error = change_.Begin(plan, device);
     }
     return error;
+}
+
+// A failing journal is found by the next state.
+void JournalRecord::Expect() {
+    if (std::optional<Problem> problem = ExpectChange(change_, limits_)) {
+        problem->message.insert(0, "the files after this change are not known before it: ");
+        report_.Note(*problem);
+    }
 }
 
 std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
@@ -47,6 +56,7 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     if (const int error = BeginEntry(plan, device); error != 0) {
         return FailureOf(error);
     }
+    Expect();
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
         change_.Discard();
         return FailureOf(error);

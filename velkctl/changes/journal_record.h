@@ -7,18 +7,20 @@
 
 #include <optional>
 
+#include "velkctl/call/time_limits.h"
 #include "velkctl/changes/change_record.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/open_change.h"
 
 namespace velkctl {
 
-// During its lifetime no other run changes settings. `wait_seconds` is the longest time to wait for
-// such runs, and for other programs.
+// During its lifetime no other run changes settings. Waits for such runs, and for other programs,
+// within the limits. A trial run finds the files that the change will make; if none is possible,
+// that is noted, and the files are recorded after each step only.
 class JournalRecord final : public ChangeRecord {
   public:
-    explicit JournalRecord(int wait_seconds)
-        : wait_seconds_(wait_seconds), lock_(JournalLock::Use::kAlone, wait_seconds) {}
+    JournalRecord(const TimeLimits& limits, Report& report)
+        : limits_(limits), report_(report), lock_(JournalLock::Use::kAlone, limits.wait_seconds) {}
 
     std::optional<BeginFailure> Begin(const ChangeSet& steps,
                                       const std::vector<std::string>& restarts,
@@ -30,8 +32,10 @@ class JournalRecord final : public ChangeRecord {
 
   private:
     int BeginEntry(const ChangePlan& plan, const Device& device);
+    void Expect();
 
-    const int wait_seconds_;
+    const TimeLimits limits_;
+    Report& report_;
     const JournalLock lock_;
     OpenChange change_;
 };

@@ -62,6 +62,7 @@ constexpr std::array<VerbFlag, 4> kToolFlags{{
     kVerbose,
 }};
 constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
+constexpr std::array kApplyFlags{kJson, kQuiet, kVerbose, kDryRun};
 constexpr std::array kCallFlags{kJson, kQuiet, kVerbose, kShowSecrets, kDryRun};
 constexpr std::array kShowFlags{kJson, kQuiet, kVerbose, kShowSecrets, kNoPager};
 constexpr std::array kListFlags{kJson, kQuiet, kVerbose, kNoPager};
@@ -222,7 +223,7 @@ constexpr std::array<Verb, 18> kVerbs{{
      "  velkctl apply - --json <network.json",
      {.least = 1, .most = kAnyNumber, .takes_value = true},
      kApplyOptions,
-     kJsonFlags,
+     kApplyFlags,
      RunApply},
     {"export",
      "[OPTION...]",
@@ -250,7 +251,7 @@ constexpr std::array<Verb, 18> kVerbs{{
      "  velkctl import - --only 'eth*.dns' <network.json",
      {.least = 1, .most = 1},
      kImportOptions,
-     kJsonFlags,
+     kApplyFlags,
      RunImport},
     {"diff",
      "FILE|- [FILE] [OPTION...]",

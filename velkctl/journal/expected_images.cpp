@@ -1,13 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// expected_images.cpp - the files that an interrupted change would have made.
+// expected_images.cpp - the files that a change makes, found in a private copy.
 #include "velkctl/journal/expected_images.h"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
 
+#include "velkctl/journal/put_back.h"
 #include "velkctl/preview/trial_run.h"
 
 namespace velkctl {
@@ -24,30 +25,50 @@ std::vector<TrialStep> FileSteps(const JournalEntry& entry) {
     return StepsOf(changes);
 }
 
-// Returns the images of the files that the entry has.
-std::vector<FileImage> OwnFiles(const std::vector<FileImage>& after, const JournalEntry& entry) {
-    std::vector<FileImage> own;
-    for (const FileImage& image : after) {
-        const auto same = std::ranges::find(entry.before, image.path, &FileImage::path);
-        if (same != entry.before.end()) {
-            own.push_back(image);
+// Returns the images that differ from those before the change.
+std::vector<FileImage> ChangedFiles(const TrialRun& run, const JournalEntry& entry) {
+    std::vector<FileImage> changed;
+    for (const FileImage& image : run.after) {
+        const auto before = std::ranges::find(entry.before, image.path, &FileImage::path);
+        if (before != entry.before.end() && !image.HasContentsOf(*before)) {
+            changed.push_back(image);
         }
     }
-    return own;
+    return changed;
+}
+
+std::optional<Problem> Expect(OpenChange& change, const std::vector<TrialStep>& steps,
+                              const TimeLimits& limits) {
+    TrialRun run = RunTrial(steps, limits, change.entry().before);
+    if (!run.problem) {
+        (void)change.Expect(ChangedFiles(run, change.entry()));
+    }
+    return std::move(run.problem);
+}
+
+bool HasUnknownFile(const JournalEntry& entry) {
+    return std::ranges::any_of(entry.before, [&](const FileImage& before) {
+        return CompareFile(ReadFileImage(before.path), entry) == FileCase::kOther;
+    });
 }
 
 }  // namespace
 
+std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits) {
+    const std::vector<TrialStep> steps = FileSteps(change.entry());
+    return steps.empty() ? std::nullopt : Expect(change, steps, limits);
+}
+
 std::optional<Problem> ExpectSteps(OpenChange& change, const TimeLimits& limits) {
-    const std::vector<TrialStep> all = FileSteps(change.entry());
+    if (!HasUnknownFile(change.entry())) {
+        return std::nullopt;
+    }
     std::vector<TrialStep> steps;
-    for (const TrialStep& step : all) {
+    for (const TrialStep& step : FileSteps(change.entry())) {
         steps.push_back(step);
-        TrialRun run = RunTrial(steps, limits, change.entry().before);
-        if (run.problem) {
-            return std::move(run.problem);
+        if (std::optional<Problem> problem = Expect(change, steps, limits)) {
+            return problem;
         }
-        (void)change.Expect(OwnFiles(run.after, change.entry()));
     }
     return std::nullopt;
 }

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// expected_images.h - the files that an interrupted change would have made.
+// expected_images.h - the files that a change will make, or that an interrupted one would have
+// made.
 #ifndef VELKCTL_JOURNAL_EXPECTED_IMAGES_H_
 #define VELKCTL_JOURNAL_EXPECTED_IMAGES_H_
 
@@ -13,10 +14,15 @@
 
 namespace velkctl {
 
+// Runs the steps of a change that is to begin in a private copy, and records the files that they
+// will leave. Returns the problem if no trial is possible.
+std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits);
+
 // Runs the steps of an interrupted change in a private copy that begins with the files from before,
 // and records the files after each step. So a file that was cut in a step, or written in full
-// before its image was recorded, is recognised as the change's own. Returns the problem if no trial
-// is possible; such a file is then treated like that of another program.
+// before its image was recorded, is recognised as the change's own. Does nothing if every file is
+// recognised without that. Returns the problem if no trial is possible; an unknown file is then
+// treated like that of another program.
 std::optional<Problem> ExpectSteps(OpenChange& change, const TimeLimits& limits);
 
 }  // namespace velkctl

@@ -3,6 +3,7 @@
 
 // apply_verb.cpp - the verbs that change many settings as one change: apply and import.
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -12,9 +13,12 @@
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/change_words.h"
+#include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/journal_record.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/documents/settings_document.h"
+#include "velkctl/preview/preview_report.h"
+#include "velkctl/preview/trial_run.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
@@ -142,7 +146,7 @@ ExitStatus ReportProblems(const std::vector<Problem>& problems, ExitStatus statu
 
 ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
                     Report& report) {
-    JournalRecord record(invocation.limits.wait_seconds);
+    JournalRecord record(invocation.limits, report);
     const ApplyResult result = Apply(plan, record, invocation.limits, device, report);
     report.Member("restarts", RestartsInJson(result.restarts));
     report.Member("taken_back", result.is_taken_back);
@@ -152,6 +156,31 @@ ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const D
         report.Note("all settings are as before");
     }
     return result.status;
+}
+
+// The DHCP client of an interface that leaves dhcp is ended by velkctl itself.
+void NoteEndedClients(const ApplyPlan& plan, const Device& device, Report& report) {
+    for (const std::string& interface : plan.restarts) {
+        if (SetsMethod(plan, interface, VELK_METHOD_STATIC) && HasDhcpClient(interface, device)) {
+            report.Note(interface + ": its DHCP client would be ended first: sudo ifdown " +
+                        interface);
+        }
+    }
+}
+
+// Carries the plan out in a private copy alone.
+ExitStatus TryPlan(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
+                   Report& report) {
+    ChangeSet changes;
+    std::ranges::transform(plan.changes, std::back_inserter(changes), &PlannedChange::change);
+    std::vector<TrialStep> steps = StepsOf(changes);
+    for (const std::string& interface : plan.restarts) {
+        steps.push_back({VELK_RESTART, VELK_CMD_RESTART, interface});
+    }
+    const std::vector<TrialStep> checks = ChecksOf(changes);
+    steps.insert(steps.end(), checks.begin(), checks.end());
+    NoteEndedClients(plan, device, report);
+    return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
 }
 
 ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
@@ -172,7 +201,8 @@ ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
     for (const Problem& note : plan.notes) {
         report.Note(note);
     }
-    return CarryOut(plan, invocation, device, report);
+    return invocation.dry_run ? TryPlan(plan, invocation, device, report)
+                              : CarryOut(plan, invocation, device, report);
 }
 
 // True for NAME=VALUE. The name of a file may have an "=" after a slash.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_folder.h"
@@ -64,18 +65,33 @@ ExitStatus StatusOf(const PutBackResult& result) {
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-ExitStatus RecoverEntry(const StoredEntry& stored, bool at_boot, const Device& device,
-                        Report& report) {
-    OpenChange change(stored);
-    if (const std::optional<Problem> problem = ExpectSteps(change, {.wait_seconds = 2})) {
+// A change that was interrupted before its first step, or at a start of the device, needs none.
+bool NeedsRestart(EntryState state, bool at_boot) {
+    return state != EntryState::kPrepared && !at_boot;
+}
+
+// The trial and the DHCP clients come first: both depend on the files as they were left.
+PutBackResult PutEntryBack(OpenChange& change, const Invocation& invocation, const Device& device,
+                           Report& report) {
+    if (const std::optional<Problem> problem = ExpectSteps(change, invocation.limits)) {
         report.Note(*problem);
     }
-    const PutBackResult result = TakeBack(change, {.skip_daemon = at_boot}, device, report);
+    if (!invocation.boot) {
+        EndClientsOf(change.entry(), device, report);
+    }
+    return TakeBack(change, {.skip_daemon = invocation.boot}, device, report);
+}
+
+ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
+                        const Device& device, Report& report) {
+    OpenChange change(stored);
+    const bool restarts = NeedsRestart(change.entry().state, invocation.boot);
+    const PutBackResult result = PutEntryBack(change, invocation, device, report);
     report.Inform("change " + change.entry().id + " of " + LocalTime(change.entry().time) + " " +
                   OutcomeOf(result) + "\n");
     const ExitStatus status = StatusOf(result);
-    const bool restarts = status == ExitStatus::kDone && result.has_changed && !at_boot;
-    return restarts ? RestartAfter(change.entry(), device, report) : status;
+    return status == ExitStatus::kDone && restarts ? RestartAfter(change.entry(), device, report)
+                                                   : status;
 }
 
 }  // namespace
@@ -95,7 +111,7 @@ ExitStatus RunRecover(const Invocation& invocation, Report& report) {
     Json changes = Json::array();
     const std::vector<StoredEntry> interrupted = InterruptedEntries(listing, invocation.boot);
     for (const StoredEntry& stored : interrupted) {
-        const ExitStatus own = RecoverEntry(stored, invocation.boot, device, report);
+        const ExitStatus own = RecoverEntry(stored, invocation, device, report);
         status = own == ExitStatus::kDone ? status : own;
         changes.push_back(stored.decoded.entry.id);
     }

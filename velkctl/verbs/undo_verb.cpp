@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "velkctl/call/library_lock.h"
+#include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
@@ -150,6 +151,7 @@ ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation
     if (const int error = Begin(change, entry, device); error != 0) {
         return FailForJournal(error, report);
     }
+    EndClientsOf(entry, device, report);
     const PutBackResult result = PutBack(entry, {.force = invocation.force}, device);
     const ExitStatus status = Close(change, result, entry, report);
     if (status != ExitStatus::kDone || !result.has_changed) {

@@ -43,6 +43,16 @@ check 'no client' yes "$(no_client && echo yes)"
 check 'address' 192.168.0.99/24 "$(kernel_address eth0)"
 check 'settings' "$static" "$(settings)"
 
+it 'ends the DHCP client when an undo brings the static address back'
+run velkctl apply eth0.method=dhcp
+status_is 0
+check 'client' yes "$(no_client || echo yes)"
+run velkctl undo
+status_is 0
+check 'no client' yes "$(no_client && echo yes)"
+check 'address' 192.168.0.99/24 "$(kernel_address eth0)"
+check 'settings' "$static" "$(settings)"
+
 it 'takes a change back if no DHCP server answers, and ends the client of the change'
 velk-sandbox router out
 before=$(cksum /etc/network/interfaces /etc/dhclient.conf /sbin/dhclient-script)

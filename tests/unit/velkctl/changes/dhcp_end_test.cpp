@@ -14,6 +14,7 @@
 namespace {
 
 using testkit::WriteFile;
+using velkctl::EndClientsOf;
 
 constexpr char kInterfaces[] = "/etc/network/interfaces";
 
@@ -42,6 +43,27 @@ TEST_F(DhcpEnd, ReportsAClientThatDoesNotEnd) {
 
 TEST_F(DhcpEnd, IsDoneIfNoClientRuns) {
     EXPECT_FALSE(velkctl::EndDhcpClient("eth7"));
+}
+
+// An entry that has restarted eth0, after a change of its method from this one.
+velkctl::JournalEntry EntryFrom(char method) {
+    velkctl::JournalEntry entry;
+    entry.steps.push_back({*velkctl::FindSetting("eth0.method"), {}, velkctl::Data{method}});
+    entry.restarts = {"eth0"};
+    return entry;
+}
+
+TEST_F(DhcpEnd, ComesBeforeTheMethodStaticIsPutBack) {
+    const testkit::LeftClient client;
+    WriteFile(kInterfaces, "iface eth0 inet dhcp\n");
+    testing::internal::CaptureStderr();
+    EndClientsOf(EntryFrom(VELK_METHOD_DHCP), device, report);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    EndClientsOf(EntryFrom(VELK_METHOD_STATIC), device, report);
+    const std::string error = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(error.substr(0, error.find('\n')),
+              "velkctl: eth0: its DHCP client could not be ended");
 }
 
 }  // namespace

@@ -1,0 +1,174 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// The state before a change, kept in the journal.
+#include "velkctl/changes/journal_record.h"
+
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/device_test.h"
+#include "support/paths.h"
+
+namespace {
+
+using testkit::Call;
+using testkit::ReadFile;
+using testkit::WriteFile;
+using velkctl::BeginFailure;
+using velkctl::ChangeSet;
+using velkctl::Data;
+using velkctl::EntryKind;
+using velkctl::EntryState;
+using velkctl::ExitStatus;
+using velkctl::FindSetting;
+using velkctl::JournalEntry;
+using velkctl::JournalLock;
+using velkctl::JournalRecord;
+using velkctl::ReadJournal;
+
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr char kText[] = "iface eth0 inet static\n\taddress 192.168.0.1\n";
+constexpr char kNewText[] = "iface eth0 inet static\n\taddress 192.168.0.2\n";
+
+Data DataOf(std::string_view text) {
+    Data data{};
+    text.copy(data.data(), data.size());
+    return data;
+}
+
+const ChangeSet kChanges{{*FindSetting("eth0.address"), DataOf("192.168.0.2")}};
+
+class JournalRecordTest : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        WriteFile(kInterfaces, kText);
+        ASSERT_TRUE(JournalLock(JournalLock::Use::kAlone, 0).is_held()) << "makes the folder";
+    }
+    void TearDown() override {
+        record.reset();
+        testkit::DeviceTest::TearDown();
+    }
+    // Begins a record, with the errors of that in `error`.
+    std::optional<BeginFailure> Begin(const ChangeSet& changes = kChanges) {
+        record.reset();
+        testing::internal::CaptureStderr();
+        record = std::make_unique<JournalRecord>(velkctl::TimeLimits{}, report);
+        std::optional<BeginFailure> failure = record->Begin(changes, {"eth0"}, device);
+        error = testing::internal::GetCapturedStderr();
+        return failure;
+    }
+    static JournalEntry Stored() { return ReadJournal().entries.back().decoded.entry; }
+
+    velkctl::Report report{velkctl::Report::Form::kText};
+    const velkctl::Device device{{}, report};
+    std::unique_ptr<JournalRecord> record;
+    std::string error;
+};
+
+TEST_F(JournalRecordTest, KnowsTheFilesBeforeAndAfterTheChange) {
+    ASSERT_FALSE(Begin());
+    EXPECT_EQ(error, "");
+    const JournalEntry entry = Stored();
+    EXPECT_EQ(entry.kind, EntryKind::kApply);
+    EXPECT_EQ(entry.state, EntryState::kApplying);
+    EXPECT_EQ(entry.restarts, std::vector<std::string>{"eth0"});
+    EXPECT_EQ(entry.before[0].bytes, kText);
+    ASSERT_EQ(entry.after.size(), 1U);
+    EXPECT_EQ(entry.after[0].bytes, kNewText);
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+}
+
+TEST_F(JournalRecordTest, IsConfirmedWithTheFilesAsTheyAre) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
+    EXPECT_FALSE(record->Flush());
+    WriteFile(kInterfaces, "# by hand\n");
+    EXPECT_FALSE(record->Finish());
+    EXPECT_EQ(Stored().state, EntryState::kConfirmed);
+    EXPECT_EQ(Stored().after[0].bytes, "# by hand\n");
+}
+
+TEST_F(JournalRecordTest, PutsTheFilesBack) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+    EXPECT_EQ(Stored().state, EntryState::kReverted);
+}
+
+TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 192.168.0.3\n");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "velkctl: eth0.address: not put back\n  another program has set it since\n");
+    EXPECT_EQ(Stored().state, EntryState::kStuck);
+}
+
+TEST_F(JournalRecordTest, RunsNoTrialForSettingsOutsideOfFiles) {
+    const Data full_100{VELK_LINK_100_FULL};
+    ASSERT_FALSE(Begin({{*FindSetting("eth0.link-speed"), full_100}}));
+    EXPECT_TRUE(Stored().after.empty());
+}
+
+TEST_F(JournalRecordTest, GoesOnIfNoTrialIsPossible) {
+    WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
+    ASSERT_FALSE(Begin());
+    EXPECT_EQ(error.substr(0, error.find('\n')),
+              "velkctl: note: the files after this change are not known before it: "
+              "/etc/resolv.dnsmasq.conf: is too large for a private copy");
+    EXPECT_TRUE(Stored().after.empty());
+}
+
+TEST_F(JournalRecordTest, IsRefusedWhileAnotherRunChangesSettings) {
+    const JournalLock other(JournalLock::Use::kShared, 0);
+    const std::optional<BeginFailure> failure = Begin();
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->status, ExitStatus::kLocked);
+    EXPECT_EQ(failure->problem.message, "apply: the change was not begun");
+    EXPECT_TRUE(ReadJournal().entries.empty());
+}
+
+TEST_F(JournalRecordTest, IsRefusedWhileTheLibraryIsInUse) {
+    const int lock = VkLibLock();
+    const std::optional<BeginFailure> failure = Begin();
+    VkLibUnLock(lock);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->status, ExitStatus::kLocked);
+}
+
+// The entry, its expected file and its second state are a write each.
+TEST_F(JournalRecordTest, IsRefusedIfTheJournalCannotBeWritten) {
+    for (const int number : {1, 2, 3}) {
+        libc().ForgetFault();
+        libc().PlanFault(Call::kWrite, number, testkit::Reach::kThatOne, EIO);
+        const std::optional<BeginFailure> failure = Begin();
+        libc().ForgetFault();
+        ASSERT_TRUE(failure) << number;
+        EXPECT_EQ(failure->status, ExitStatus::kFailed);
+        EXPECT_EQ(ReadFile(kInterfaces), kText);
+        EXPECT_TRUE(ReadJournal().entries.empty());
+    }
+}
+
+TEST_F(JournalRecordTest, ReportsAJournalThatFailsLater) {
+    ASSERT_FALSE(Begin());
+    libc().Script(Call::kOpen, {testkit::Fail(EIO)});
+    const std::optional<velkctl::Problem> flush = record->Flush();
+    ASSERT_TRUE(flush);
+    EXPECT_EQ(flush->message, "apply: the files could not be written to disk");
+    libc().Script(Call::kWrite, {testkit::Fail(EIO)});
+    const std::optional<velkctl::Problem> finish = record->Finish();
+    ASSERT_TRUE(finish);
+    EXPECT_EQ(finish->message, "apply: the change could not be recorded");
+}
+
+}  // namespace

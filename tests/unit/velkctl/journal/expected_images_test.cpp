@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// The files that an interrupted change would have made.
+#include "velkctl/journal/expected_images.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/device_test.h"
+#include "support/paths.h"
+#include "velkctl/journal/put_back.h"
+
+namespace {
+
+using testkit::WriteFile;
+using velkctl::CompareFile;
+using velkctl::Data;
+using velkctl::ExpectSteps;
+using velkctl::FileCase;
+using velkctl::FindSetting;
+using velkctl::JournalLock;
+using velkctl::OpenChange;
+using velkctl::ReadFileImage;
+using velkctl::SettingChange;
+
+constexpr auto& kInterfaces = testkit::kInterfacesFile;
+constexpr char kText[] = "iface eth0 inet static\n\taddress 192.168.0.1\n\tgateway 192.168.0.8\n";
+constexpr char kAfterOne[] =
+    "iface eth0 inet static\n\taddress 192.168.0.2\n\tgateway 192.168.0.8\n";
+constexpr char kAfterAll[] =
+    "iface eth0 inet static\n\taddress 192.168.0.2\n\tgateway 192.168.0.9\n";
+
+Data DataOf(std::string_view text) {
+    Data data{};
+    text.copy(data.data(), data.size());
+    return data;
+}
+
+// An interrupted change of address and gateway, with no image after a step.
+class ExpectedImages : public testkit::DeviceTest {
+  protected:
+    void SetUp() override {
+        WriteFile(kInterfaces, kText);
+        ASSERT_TRUE(JournalLock(JournalLock::Use::kAlone, 0).is_held()) << "makes the folder";
+        const std::vector<SettingChange> changes{
+            {*FindSetting("eth0.address"), DataOf("192.168.0.2")},
+            {*FindSetting("eth0.gateway"), DataOf("192.168.0.9")}};
+        ASSERT_EQ(change.Begin({.steps = JournalSteps(changes)}, device), 0);
+    }
+    void TearDown() override {
+        change = OpenChange();
+        testkit::DeviceTest::TearDown();
+    }
+    FileCase CaseOf(std::string_view text) {
+        WriteFile(kInterfaces, text);
+        return CompareFile(ReadFileImage(kInterfaces), change.entry());
+    }
+
+    velkctl::Report report{velkctl::Report::Form::kText};
+    const velkctl::Device device{{}, report};
+    OpenChange change;
+};
+
+TEST_F(ExpectedImages, AreFoundForEachStep) {
+    EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);
+    EXPECT_FALSE(ExpectSteps(change, {}));
+    EXPECT_EQ(CaseOf(kAfterAll), FileCase::kNew);
+    EXPECT_EQ(CaseOf(kAfterOne), FileCase::kNew);
+    EXPECT_EQ(CaseOf(std::string_view(kAfterAll).substr(0, 50)), FileCase::kCut);
+    EXPECT_EQ(CaseOf("# by hand\n"), FileCase::kOther);
+}
+
+TEST_F(ExpectedImages, AreNotSearchedIfEachFileIsKnown) {
+    EXPECT_EQ(CaseOf(kText), FileCase::kOld);
+    EXPECT_FALSE(ExpectSteps(change, {}));
+    EXPECT_TRUE(change.entry().after.empty());
+}
+
+TEST_F(ExpectedImages, AreUnknownIfNoTrialIsPossible) {
+    WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
+    EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);
+    const std::optional<velkctl::Problem> problem = ExpectSteps(change, {});
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(problem->message, "/etc/resolv.dnsmasq.conf: is too large for a private copy");
+    EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);
+}
+
+}  // namespace
