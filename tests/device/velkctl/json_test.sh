@@ -34,7 +34,7 @@ member_orders = {
     "exit_status": {"explain": "status description remedy results"},
     "commands": {"selftest": "name id type verdict problem"},
     "preview": {verb: "results files steps longest_seconds then_waits_for"
-                for verb in ("set", "restart", "call")},
+                for verb in ("set", "restart", "apply", "import", "call")},
     "trace": {"set": "files steps"},
     "states": {"status": "name configured running differs"},
     "changes": {"apply": "name old new", "import": "name old new"},

@@ -40,6 +40,8 @@ functions='
         velkctl call set 108 eth0 --text 10.0.0.1 --dry-run
         velkctl call set 999 --dry-run
         velkctl call restart 1 eth0 --dry-run
+        velkctl apply location=x eth0.method=dhcp ntp=off --dry-run
+        velkctl export | sed "s/192.168.0.10/192.168.0.77/" | velkctl import - --dry-run
     }
 '
 nothing_changes() { # nothing_changes PREPARATION PREFIX
@@ -53,7 +55,7 @@ nothing_changes() { # nothing_changes PREPARATION PREFIX
         diff <(grep -v ' /run/\|^/run/' /run/before) <(grep -v ' /run/\|^/run/' /run/after)
         diff /run/processes-before /run/processes-after && echo same"
     status_is 0
-    output_is '24 trials
+    output_is '26 trials
 same'
 }
 
@@ -166,6 +168,22 @@ steps of the library:
   not sent  to the wireless daemon: store this configuration
 longest time: 240 s
 velk-lab'
+
+it 'previews an apply in the order of its steps'
+on_device sh -c 'velkctl apply eth0.dns=10.0.0.53 eth0.address=10.0.0.9/24 eth0.gateway=none --dry-run'
+status_is 0
+output_has 'eth0.address: would be set'
+output_has '+nameserver 10.0.0.53'
+output_has '  not run   sudo ifdown eth0'
+output_has 'longest time: '
+on_device sh -c 'velkctl apply location=x --dry-run --json; velkctl apply location=x --restart never --dry-run'
+status_is 0
+output_has '"changes": ['
+output_has '"preview": {'
+output_has '+'
+on_device sh -c 'velkctl export >/tmp/net; velkctl import /tmp/net --dry-run; velkctl history'
+status_is 0
+output_has 'nothing to change'
 
 it 'masks secrets'
 on_device velkctl set administrator x --dry-run
