@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "lib/base/find_row.h"
+#include "lib/base/paths.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/hex.h"
 #include <nlohmann/json.hpp>
@@ -98,9 +99,10 @@ std::string EncodeImage(FrameKind kind, const FileImage& image) {
 
 // The journal restores no other file, so that nobody can use it to write one.
 bool IsDeviceFile(std::string_view path) {
-    return std::ranges::any_of(DeviceFiles(), [path](const DeviceFile& file) {
+    const auto is_file = [path](const DeviceFile& file) {
         return file.path == path && file.change != Change::kNever;
-    });
+    };
+    return path == velk::kNtpLog || std::ranges::any_of(DeviceFiles(), is_file);
 }
 
 Json Parse(std::string_view text) {

@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "lib/wired/link_settings.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/files/text_file.h"
@@ -42,6 +43,13 @@ std::vector<FileImage> ImagesBefore(const std::vector<Step>& steps) {
         if (IsTouched(file, steps)) {
             images.push_back(ReadFileImage(file.path));
         }
+    }
+    // A set of ntp removes the log. The library notes old addresses in /tmp, where anybody can
+    // write: that file is not kept.
+    const auto is_ntp = [](const Step& step) { return step.setting.row->id == VELK_CMD_NTP; };
+    if (FileImage log = ReadFileImage(velk::kNtpLog);
+        log.exists && std::ranges::any_of(steps, is_ntp)) {
+        images.push_back(std::move(log));
     }
     return images;
 }

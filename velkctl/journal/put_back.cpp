@@ -41,6 +41,26 @@ bool IsCutOf(const FileImage& now, const FileImage& image) {
     return now.exists && now.error == 0 && is_cut;
 }
 
+std::string_view CutLine(std::string_view& text) {
+    const size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end);
+    return line;
+}
+
+// True if each line is one of these two texts' lines at its place. The library makes some sets in
+// two edits; between them the file is neither as before nor as after.
+bool IsMixOf(std::string_view text, std::string_view one, std::string_view other) {
+    while (!text.empty() && !one.empty() && !other.empty()) {
+        const std::string_view line = CutLine(text);
+        const bool is_of_one = line == CutLine(one);
+        if (line != CutLine(other) && !is_of_one) {
+            return false;
+        }
+    }
+    return text.empty() && one.empty() && other.empty();
+}
+
 // Returns the images of the file that the change has made.
 std::vector<const FileImage*> OwnImages(const std::string& path, const JournalEntry& entry) {
     std::vector<const FileImage*> images;
@@ -289,9 +309,16 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
         return FileCase::kOther;
     }
     const std::vector<const FileImage*> own = OwnImages(now.path, entry);
-    const auto is_own = [&](const FileImage* image) { return now.HasContentsOf(*image); };
+    const auto is_own = [&](const FileImage* image) {
+        const bool may_be_mix = now.exists && image->exists && !entry.is_closed();
+        return now.HasContentsOf(*image) ||
+               (may_be_mix && IsMixOf(now.bytes, before.bytes, image->bytes));
+    };
     if (std::ranges::any_of(own, is_own)) {
         return FileCase::kNew;
+    }
+    if (!now.exists && !entry.is_closed()) {
+        return FileCase::kCut;  // the change was interrupted between a removal and its record
     }
     const auto is_cut = [&](const FileImage* image) { return IsCutOf(now, *image); };
     const bool was_cut = IsCutOf(now, before) || std::ranges::any_of(own, is_cut);

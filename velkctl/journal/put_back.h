@@ -18,8 +18,9 @@ namespace velkctl {
 // The state of one file of an entry.
 enum class FileCase {
     kOld,    // as before the change
-    kNew,    // as the change has left it
-    kCut,    // empty, or the beginning of one of the two, perhaps with NULs after it
+    kNew,    // as the change has left it, or an interrupted one between two edits
+    kCut,    // empty, or the beginning of one of the two, perhaps with NULs after it; missing, if
+             // the change was interrupted
     kOther,  // another program has written it since, or it cannot be read or written
 };
 

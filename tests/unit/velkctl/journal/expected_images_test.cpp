@@ -71,6 +71,10 @@ TEST_F(ExpectedImages, AreFoundForEachStep) {
     EXPECT_EQ(CaseOf(kAfterOne), FileCase::kNew);
     EXPECT_EQ(CaseOf(std::string_view(kAfterAll).substr(0, 50)), FileCase::kCut);
     EXPECT_EQ(CaseOf("# by hand\n"), FileCase::kOther);
+    EXPECT_EQ(CaseOf(std::string(kAfterAll) + "# by hand\n"), FileCase::kOther);
+    const std::string only_gateway =
+        "iface eth0 inet static\n\taddress 192.168.0.1\n\tgateway 192.168.0.9\n";
+    EXPECT_EQ(CaseOf(only_gateway), FileCase::kNew) << "each line is as before or as after";
 }
 
 TEST_F(ExpectedImages, AreNotSearchedIfEachFileIsKnown) {

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include <unistd.h>
+
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/journal/put_back.h"
@@ -223,6 +225,18 @@ TEST_F(TakeBackTest, StaysOpenForTheDaemon) {
     }
     EXPECT_TRUE(TakeBackLast({.skip_daemon = true}).waits_for_daemon);
     EXPECT_EQ(Stored().state, EntryState::kReverting);
+}
+
+TEST_F(OpenChangeTest, KeepsTheLogThatASetOfNtpRemoves) {
+    WriteFile(testkit::kNtpLog, "adjust\n");
+    OpenChange change;
+    const std::vector<SettingChange> changes{{*FindSetting("ntp"), Data{0}}};
+    ASSERT_EQ(change.Begin({.steps = JournalSteps(changes)}, device), 0);
+    EXPECT_EQ(Stored().before.back().bytes, "adjust\n");
+    ASSERT_EQ(unlink(testkit::kNtpLog), 0);
+    ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
+    EXPECT_TRUE(TakeBack(change, {}, device, report).is_whole());
+    EXPECT_EQ(ReadFile(testkit::kNtpLog), "adjust\n");
 }
 
 }  // namespace
