@@ -159,8 +159,9 @@ error_is "velkctl: note: eth0.address: 'nonsense' is not an IPv4 address
   it is read from /etc/network/interfaces:8
   fix: velkctl set eth0.address VALUE
 velkctl: ntp-server: the library reported success, but the device holds 'a'
-  likely cause: /var/cron/tabs/root:1: 'a' also occurs earlier on the line, and a set replaces it there
-  fix: write the server's address in its place with an editor, or a name that does not occur earlier on the line
+  likely cause: /var/cron/tabs/root:1: 'a' also occurs earlier on the line
+  a set replaces it there
+  fix: with an editor, write the server's address or another name in its place
 velkctl: eth0.method: could not be set
   the library does not take this command, interface or value
   fix: run 'velkctl describe eth0.method' for the values it takes
