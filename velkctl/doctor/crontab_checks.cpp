@@ -106,7 +106,7 @@ Findings CheckSetOfServer(const Finding& about, const std::string& line) {
         return {about.Problem(
             "cannot be set",
             Excerpt(ServerIn(line)) + " also occurs earlier on the line; a set replaces it there",
-            "with an editor, write its address or another name in its place")};
+            "with an editor, write the server's address or another name in its place")};
     }
     const std::string problem = DamageBySet(line);
     return problem.empty() ? Findings() : Findings{about.Problem("cannot be set", problem)};

@@ -147,20 +147,20 @@ Findings CheckCommands(const Script& script, const SettingLine& switched) {
 }
 
 // Returns the position of the function's name as a word of the line; npos if none.
-size_t PositionOf(std::string_view function, std::string_view line) {
+size_t FindFunction(std::string_view function, std::string_view line) {
     size_t position = 0;
     const bool is_found = velk::FindWord(line, function, /*comment_aware=*/false, position);
     return is_found ? position : std::string_view::npos;
 }
 
 bool IsDefinition(std::string_view function, std::string_view line) {
-    const size_t position = PositionOf(function, line);
+    const size_t position = FindFunction(function, line);
     return Trimmed(line.substr(position + function.size())).starts_with('(');
 }
 
 Findings CheckCall(const Finding& about, std::string_view line, std::string_view function) {
     if (!IsDefinition(function, line)) {
-        return CheckMarks(about, line, PositionOf(function, line), "call");
+        return CheckMarks(about, line, FindFunction(function, line), "call");
     }
     return {about.Problem("would break the script", "the library takes this definition for a call",
                           "leave no blank between make_resolv_conf and ()")};
@@ -171,7 +171,7 @@ Findings CheckCalls(const Script& script, const SettingLine& switched) {
     // The setting is read from the DHCP client's configuration.
     const Finding about = About({switched.setting}, velk::kClientScript, Impact::kNothing);
     const std::vector<size_t> indexes = LinesThatRun(script, interface, [&](std::string_view line) {
-        return PositionOf(switched.key, line) != std::string_view::npos;
+        return FindFunction(switched.key, line) != std::string_view::npos;
     });
     Findings findings = FindingsOfEach(indexes, [&](size_t index) {
         return CheckCall(about.At(index), script.lines[index], switched.key);

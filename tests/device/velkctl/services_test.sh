@@ -171,7 +171,7 @@ output_is "2
 problem: ntp-server cannot be set
   /var/cron/tabs/root:1: 'ntp' also occurs earlier on the line
   a set replaces it there
-  fix: with an editor, write its address or another name in its place"
+  fix: with an editor, write the server's address or another name in its place"
 present="velkctl: ntp-server: the present server 'ntp' also occurs earlier in /var/cron/tabs/root:1
   this set would replace it there, in the command that cron runs
   fix: write another server into that line with an editor, or give --force"

@@ -161,7 +161,7 @@ error_is "velkctl: note: eth0.address: 'nonsense' is not an IPv4 address
 velkctl: ntp-server: the library reported success, but the device holds 'a'
   likely cause: /var/cron/tabs/root:1: 'a' also occurs earlier on the line
   a set replaces it there
-  fix: with an editor, write its address or another name in its place
+  fix: with an editor, write the server's address or another name in its place
 velkctl: eth0.method: could not be set
   the library does not take this command, interface or value
   fix: run 'velkctl describe eth0.method' for the values it takes

@@ -80,7 +80,7 @@ TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
                server +
                "' also occurs earlier on the line\n"
                "  a set replaces it there\n"
-               "  fix: with an editor, write its address or another name in its place\n";
+               "  fix: with an editor, write the server's address or another name in its place\n";
     };
     EXPECT_EQ(ExamineTime("5 * * * * ntpdate 5 > /var/libvelk/ntp.log\n"), finding("5"));
     EXPECT_EQ(ExamineTime("0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n"),
