@@ -8,8 +8,11 @@
 #include <chrono>
 #include <set>
 
+#include "velkctl/call/answer.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
+#include "velkctl/settings/setting_change.h"
 
 namespace velkctl {
 namespace {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/files/dhcp_client.h"
 #include "velkctl/files/tool_run.h"
 #include "velkctl/settings/affected_settings.h"

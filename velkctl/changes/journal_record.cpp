@@ -8,9 +8,14 @@
 #include <chrono>
 #include <thread>
 
+#include "velkctl/call/device.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/journal/expected_images.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 
 namespace velkctl {
 namespace {

@@ -7,10 +7,14 @@
 
 #include <optional>
 
+#include "velkctl/call/device.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/change_record.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/open_change.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 
 namespace velkctl {
 

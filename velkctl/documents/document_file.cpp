@@ -12,6 +12,7 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/unique_fd.h"
+#include "velkctl/report/report.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {

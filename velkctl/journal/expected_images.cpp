@@ -8,8 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/files/file_image.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/put_back.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/setting_change.h"
 
 namespace velkctl {
 namespace {

@@ -12,10 +12,14 @@
 
 #include "lib/base/paths.h"
 #include "lib/wired/link_settings.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 namespace {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/settings/setting_change.h"

@@ -12,10 +12,15 @@
 #include <unistd.h>
 
 #include "lib/base/paths.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {

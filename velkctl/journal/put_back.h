@@ -9,8 +9,10 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/open_change.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {

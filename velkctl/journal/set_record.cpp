@@ -7,7 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "velkctl/call/answer.h"
+#include "velkctl/journal/journal_entry.h"
+#include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {

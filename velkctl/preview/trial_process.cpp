@@ -25,7 +25,11 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/unique_fd.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_call.h"
+#include "velkctl/call/library_observer.h"
+#include "velkctl/files/file_image.h"
+#include "velkctl/preview/event_log.h"
 #include "velkctl/preview/namespaces.h"
 #include "velkctl/preview/observers.h"
 #include "velkctl/preview/private_copy.h"

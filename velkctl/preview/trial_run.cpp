@@ -17,6 +17,8 @@
 #include "velkctl/preview/copy_plan.h"
 #include "velkctl/preview/namespaces.h"
 #include "velkctl/preview/trial_process.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 
 namespace velkctl {
 namespace {

@@ -7,8 +7,13 @@
 #include <chrono>
 #include <vector>
 
+#include "velk/request.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/setting_reader.h"
 

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "velk/request.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/files/file_image.h"

@@ -8,13 +8,17 @@
 #include <string>
 #include <vector>
 
+#include "velkctl/call/device.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/expected_images.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/verbs/journal_entries.h"
 #include <nlohmann/json.hpp>
 

@@ -15,6 +15,8 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/preview/copy_plan.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/verbs/command_tests.h"

@@ -8,13 +8,18 @@
 #include <string>
 #include <vector>
 
+#include "velkctl/call/device.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/journal_entries.h"
 #include "velkctl/verbs/set_notes.h"
