@@ -167,8 +167,9 @@ ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const D
 void NoteEndedClients(const ApplyPlan& plan, const Device& device, Report& report) {
     for (const std::string& interface : plan.restarts) {
         if (SetsMethod(plan, interface, VELK_METHOD_STATIC) && HasDhcpClient(interface, device)) {
-            report.Note(interface + ": its DHCP client would be ended first: sudo ifdown " +
-                        interface);
+            std::string note = interface;
+            note.append(": its DHCP client would be ended first: sudo ifdown ").append(interface);
+            report.Note(note);
         }
     }
 }
