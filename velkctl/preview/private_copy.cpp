@@ -5,7 +5,6 @@
 #include "velkctl/preview/private_copy.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <memory>
 #include <set>
@@ -17,7 +16,6 @@
 #include <limits.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "lib/base/file_io.h"
@@ -118,7 +116,7 @@ void CopyMaker::MountTmpfs(const std::string& folder, mode_t mode) {
     }
 }
 
-// An ordinary user owns all files of the copy, so their modes express his rights.
+// An ordinary user owns all files of the copy, so their modes express the user's rights.
 void CopyMaker::WriteFile(const PlannedFile& file, const std::string& path) {
     if (has_failed()) {
         return;
@@ -170,7 +168,7 @@ void CopyMaker::MirrorEntry(const Entry& entry, const std::string& path) {
     }
 }
 
-// As with files, the mode of a folder that an ordinary user owns here expresses his rights.
+// As with files, the mode of a folder that an ordinary user owns here expresses the user's rights.
 void SetOwner(const PlannedFolder& folder) {
     const bool is_owned = chown(folder.path.c_str(), folder.facts.st_uid, folder.facts.st_gid) == 0;
     if (!folder.is_writable && !(is_owned && geteuid() == 0)) {

@@ -48,6 +48,7 @@ struct Trial {
     const CopyPlan& plan;
     const EventLog& log;
     int output;
+    int nothing;  // tools that read their input find its end
 };
 
 // True if a step asks the wireless daemon.
@@ -78,15 +79,18 @@ void RunSteps(const Trial& trial) {
 // The first process of the namespace. It ends without flushing the output of velkctl.
 [[noreturn]] void RunInCopy(const Trial& trial) {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+    (void)dup2(trial.nothing, STDIN_FILENO);
     (void)dup2(trial.output, STDOUT_FILENO);
     (void)dup2(trial.output, STDERR_FILENO);
     (void)!chdir("/");
-    const CopyFailure failure = EnterPrivateCopy(trial.plan, Talks(trial.steps));
+    CopyFailure failure = EnterPrivateCopy(trial.plan, Talks(trial.steps));
+    if (failure.error == 0) {
+        failure = {"give up rights", GiveUpRights()};
+    }
     if (failure.error != 0) {
         trial.log.Add(EventKind::kFailure, RecordOf(failure));
         _exit(1);
     }
-    GiveUpRights();
     RunSteps(trial);
     _exit(0);
 }
@@ -162,8 +166,10 @@ TrialEnd RunTrialProcess(const std::vector<TrialStep>& steps, const CopyPlan& pl
     const EventLog log;
     const velk::UniqueFd output(memfd_create("velkctl", MFD_CLOEXEC));
     std::array<int, 2> ends{};
-    if (!log.is_open() || output.get() == -1 || pipe2(ends.data(), O_CLOEXEC) == -1) {
-        return Failed("make a file in memory");
+    const velk::UniqueFd nothing(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    if (!log.is_open() || output.get() == -1 || nothing.get() == -1 ||
+        pipe2(ends.data(), O_CLOEXEC) == -1) {
+        return Failed("open files");
     }
     const velk::UniqueFd read_end(ends[0]);
     velk::UniqueFd write_end(ends[1]);
@@ -171,7 +177,7 @@ TrialEnd RunTrialProcess(const std::vector<TrialStep>& steps, const CopyPlan& pl
     const pid_t parent = getpid();
     const pid_t process = fork();
     if (process == 0) {
-        MakeNamespaces({steps, plan, log, output.get()}, parent);
+        MakeNamespaces({steps, plan, log, output.get(), nothing.get()}, parent);
     }
     if (process == -1) {
         return Failed("start a process");

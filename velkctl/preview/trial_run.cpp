@@ -5,6 +5,7 @@
 #include "velkctl/preview/trial_run.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <iterator>
