@@ -58,7 +58,7 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     }
     Expect();
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
-        change_.Discard();
+        (void)change_.Discard();
         return FailureOf(error);
     }
     return std::nullopt;

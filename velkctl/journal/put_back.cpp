@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <utility>
 
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/journal/journal_problem.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/escaping.h"
 
@@ -181,13 +183,14 @@ constexpr std::string_view kUnknownOld = "its old value is not known";
 class Work {
   public:
     Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(options), device_(device), values_(device) {}
+        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
     void WriteFile(const FileImage& now);
+    void LeaveFile(const std::string& path, int error);
     void SetValues();
     void SetValue(const Step& step);
     std::string SetOldValue(const Step& step);
@@ -224,6 +227,9 @@ void Work::WriteFiles() {
     if (result_.is_locked) {
         return;
     }
+    if (options_.first) {
+        options_.first();
+    }
     for (const FileImage& before : entry_.before) {
         WriteFile(ReadFileImage(before.path));
     }
@@ -239,11 +245,17 @@ void Work::WriteFile(const FileImage& now) {
         return;
     }
     if (const int error = WriteFileImage(ImageBefore(now.path, entry_)); error != 0) {
-        result_.left.push_back(Left(now.path, strerror(error)));
+        LeaveFile(now.path, error);
+        result_.has_changed = result_.has_changed || !ReadFileImage(now.path).HasContentsOf(now);
         return;
     }
     result_.has_changed = true;
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
+}
+
+void Work::LeaveFile(const std::string& path, int error) {
+    result_.left.push_back(Left(path, strerror(error)));
+    result_.has_disk_failed = true;
 }
 
 void Work::SetValues() {
@@ -293,8 +305,19 @@ std::string Work::SetOldValue(const Step& step) {
 void Work::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
-            result_.left.push_back(Left(before.path, strerror(error)));
+            LeaveFile(before.path, error);
         }
+    }
+}
+
+// Without room for the state, the entry is removed: otherwise a later run would take back settings
+// of others.
+void CloseTakenBack(OpenChange& change, Report& report) {
+    const int error = change.Advance(EntryState::kReverted);
+    if (error != 0 && !change.Discard()) {
+        report.Note(JournalProblem("the journal may call change " + change.entry().id +
+                                       " interrupted, although it is put back",
+                                   error));
     }
 }
 
@@ -326,32 +349,34 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
 }
 
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, options, device).Run();
+    return Work(entry, std::move(options), device).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report) {
-    if (change.entry().state == EntryState::kPrepared) {
-        (void)change.Advance(EntryState::kReverted);
+    // The lost frame may have been the state after this one.
+    if (change.entry().state == EntryState::kPrepared && !change.has_lost_frame()) {
+        CloseTakenBack(change, report);
         return {};
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), options, device);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device);
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
     if (!result.left.empty()) {
         (void)change.Advance(EntryState::kStuck);
     } else if (result.is_whole()) {
-        (void)change.Advance(EntryState::kReverted);
+        CloseTakenBack(change, report);
     }
     return result;
 }
 
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report) {
+ExitStatus RestartAll(const std::vector<std::string>& interfaces, const Device& device,
+                      Report& report) {
     ExitStatus status = ExitStatus::kDone;
-    for (const std::string& interface : entry.restarts) {
+    for (const std::string& interface : interfaces) {
         const Answer answer = device.Restart(interface, {});
         if (!answer.ok()) {
             report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));
