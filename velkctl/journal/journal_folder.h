@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 #include "lib/base/unique_fd.h"
 #include "velkctl/journal/journal_entry.h"
 
