@@ -49,7 +49,7 @@ struct Counts {
     int undone = 0;     // a set failed in a file; undo or recover has put it back
     int finished = 0;   // status 9, or 1 of recover; a later recover has finished
     int cut = 0;        // a set without an entry has left a file cut, with its edit copy
-    int between = 0;    // a set of two files has not noticed that the second is read-only
+    int between = 0;    // status 0, but one of the files of a set is as before
 };
 
 enum class Points { kAll, kSome };
@@ -110,11 +110,11 @@ class Point {
         Prepare(scenario);
     }
 
-    void Check(const TracedRun& run, int error) {
+    void Check(const TracedRun& run) {
         ++counts_.all;
         const auto status = static_cast<ExitStatus>(run.result.value_or(-1));
         if (status == ExitStatus::kDone) {
-            CheckDone(error == EROFS);
+            CheckDone();
         } else if (verb_ == Verb::kSet) {
             CheckFailedSet();
         } else if (status == ExitStatus::kPartlyBack || verb_ == Verb::kRecover) {
@@ -133,17 +133,36 @@ class Point {
     }
 
     // A set or undo that could not be closed is noted, and taken back by recover.
-    void CheckDone(bool fails_read_only) {
-        if (verb_ == Verb::kSet && fails_read_only && device_->State() != after_) {
-            ++counts_.between;
-            EXPECT_EQ(RunTraced(ChangeDevice::Undo()).result, 0);
-            return ExpectState(before_);
+    void CheckDone() {
+        if (verb_ == Verb::kSet && device_->State() != after_) {
+            return CheckBetween();
         }
         ++counts_.done;
         ExpectState(after_);
         const bool is_open = HasOpenEntry() && (verb_ == Verb::kSet || verb_ == Verb::kUndo);
         EXPECT_EQ(Recover(), 0);
         ExpectState(is_open ? before_ : after_);
+        EXPECT_FALSE(HasOpenEntry());
+    }
+
+    // The library does not notice that a tool could not write the second file of a set, and only
+    // the first is read back.
+    void CheckBetween() {
+        ++counts_.between;
+        for (const auto& [path, text] : device_->State().files) {
+            EXPECT_TRUE(text == before_.files.at(path) || text == after_.files.at(path)) << path;
+        }
+        TakeBack();
+    }
+
+    // An entry of a set that has changed nothing is removed, so there may be none.
+    void TakeBack() {
+        if (HasOpenEntry() || device_->State() == before_) {
+            EXPECT_EQ(Recover(), 0);
+        } else {
+            EXPECT_EQ(RunTraced(ChangeDevice::Undo()).result, 0);
+        }
+        ExpectState(before_);
         EXPECT_FALSE(HasOpenEntry());
     }
 
@@ -175,10 +194,7 @@ class Point {
             return;
         }
         ++counts_.undone;
-        const bool is_open = HasOpenEntry();
-        EXPECT_EQ(is_open ? Recover() : RunTraced(ChangeDevice::Undo()).result.value_or(-1), 0);
-        ExpectState(before_);
-        EXPECT_FALSE(HasOpenEntry());
+        TakeBack();
     }
 
     const Verb verb_;
@@ -219,7 +235,7 @@ class FailingWrite : public testkit::DeviceTest {
             Point point(scenario, before, after, counts);
             const TracedRun run = RunFailing(scenario.failing, fault);
             EXPECT_TRUE(run.has_fault_struck);
-            point.Check(run, fault.error);
+            point.Check(run);
         }
     }
 
@@ -247,6 +263,7 @@ std::vector<Scenario> Scenarios() {
     const Work method = ChangeDevice::Set({ChangeTo("eth0.method", "dhcp")});
     const Work ssid = ChangeDevice::Set({ChangeTo("eth1.ssid", "office")});
     const Work apply = ChangeDevice::Apply(SomeChanges());
+    const Work location = ChangeDevice::Apply({ChangeTo("location", "here")});
     const Work undo = ChangeDevice::Undo();
     const Work recover = ChangeDevice::Recover();
     return {
@@ -254,6 +271,7 @@ std::vector<Scenario> Scenarios() {
         {"set of the method", Verb::kSet, {}, method},
         {"set of the SSID", Verb::kSet, {}, ssid},
         {"apply of 3 settings", Verb::kApply, {}, apply},
+        {"apply of the location", Verb::kApply, {}, location},
         {"undo of a set of the SSID", Verb::kUndo, {ssid}, undo},
         {"undo of the apply of 3 settings", Verb::kUndo, {apply}, undo},
         {"recover of the apply of 3 settings", Verb::kRecover, {apply}, recover, MiddleOf(apply)}};

@@ -105,12 +105,6 @@ Problem Left(std::string subject, std::string detail) {
     return {.message = std::move(subject) + ": not put back", .detail = std::move(detail)};
 }
 
-bool ChangesFile(const Setting& setting, std::string_view path) {
-    return std::ranges::any_of(DeviceFiles(), [&](const DeviceFile& file) {
-        return file.path == path && IsChangedBy(file, setting.row->id);
-    });
-}
-
 bool IsSame(const Setting& setting, const Data& one, const Data& other) {
     return setting.row->kind->Print(one) == setting.row->kind->Print(other);
 }
@@ -158,7 +152,7 @@ class Values {
 
 // True if bytes cannot put the setting back: it is not in a file, or in one of these.
 bool NeedsLibrary(const Setting& setting, const std::vector<std::string>& foreign) {
-    const auto is_in = [&](const std::string& path) { return ChangesFile(setting, path); };
+    const auto is_in = [&](const std::string& path) { return IsChangedBy(path, setting.row->id); };
     return setting.row->held_in.holder != Holder::kFile || std::ranges::any_of(foreign, is_in);
 }
 
