@@ -4,6 +4,7 @@
 // journal_record.cpp - the state before a change, kept in the journal.
 #include "velkctl/changes/journal_record.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <thread>
@@ -16,6 +17,7 @@
 #include "velkctl/journal/put_back.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
@@ -28,6 +30,14 @@ std::optional<Problem> ProblemOf(std::string message, int error) {
 
 BeginFailure FailureOf(int error) {
     return {JournalProblem("apply: the change was not begun", error), StatusOfJournal(error)};
+}
+
+// True if a setting with another value than before is in the file. The change makes also sets of
+// values that the device has, in case that another step switches them.
+bool IsAltered(const std::string& path, const JournalEntry& entry) {
+    return std::ranges::any_of(entry.steps, [&](const Step& step) {
+        return step.old_value != step.new_value && IsChangedBy(path, step.setting.row->id);
+    });
 }
 
 }  // namespace
@@ -49,6 +59,23 @@ void JournalRecord::Expect() {
         problem->message.insert(0, "the files after this change are not known before it: ");
         report_.Note(*problem);
     }
+    for (const FileImage& image : change_.entry().after) {
+        if (IsAltered(image.path, change_.entry())) {
+            expected_.push_back(image.path);
+        }
+    }
+}
+
+// The library does not notice a tool that cannot write a file, and not every file is read back.
+std::optional<Problem> JournalRecord::FindUnwritten() const {
+    for (const FileImage& before : change_.entry().before) {
+        const bool is_expected = std::ranges::find(expected_, before.path) != expected_.end();
+        if (is_expected && ReadFileImage(before.path).HasContentsOf(before)) {
+            return Problem{.message = before.path + ": not written",
+                           .detail = "the library reported success, but the file is as before"};
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
@@ -63,13 +90,16 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     }
     Expect();
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
-        change_.Discard();
+        (void)change_.Discard();
         return FailureOf(error);
     }
     return std::nullopt;
 }
 
 std::optional<Problem> JournalRecord::Flush() {
+    if (std::optional<Problem> unwritten = FindUnwritten()) {
+        return unwritten;
+    }
     return ProblemOf("apply: the files could not be written to disk", change_.FlushFiles());
 }
 

@@ -6,6 +6,8 @@
 #define VELKCTL_CHANGES_JOURNAL_RECORD_H_
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "velkctl/call/device.h"
 #include "velkctl/call/time_limits.h"
@@ -37,11 +39,13 @@ class JournalRecord final : public ChangeRecord {
   private:
     int BeginEntry(const ChangePlan& plan, const Device& device);
     void Expect();
+    std::optional<Problem> FindUnwritten() const;
 
     const TimeLimits limits_;
     Report& report_;
     const JournalLock lock_;
     OpenChange change_;
+    std::vector<std::string> expected_;  // the files that the change will alter
 };
 
 }  // namespace velkctl

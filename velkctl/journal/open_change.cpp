@@ -135,7 +135,8 @@ std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes) {
 
 OpenChange::OpenChange(const StoredEntry& stored)
     : entry_(stored.decoded.entry),
-      file_(std::make_unique<EntryFile>(stored.path, stored.decoded.valid_length)) {
+      file_(std::make_unique<EntryFile>(stored.path, stored.decoded.valid_length)),
+      has_lost_frame_(stored.size > stored.decoded.valid_length) {
 }
 
 int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
@@ -213,9 +214,10 @@ bool OpenChange::HasChangedNoFile() const {
     });
 }
 
-void OpenChange::Discard() {
-    file_->Remove();
+bool OpenChange::Discard() {
+    const bool is_removed = file_->Remove();
     file_.reset();
+    return is_removed;
 }
 
 }  // namespace velkctl

@@ -44,6 +44,8 @@ class OpenChange {
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
     bool is_begun() const { return file_ != nullptr; }
+    // True if a frame at the end of the continued entry is cut or damaged.
+    bool has_lost_frame() const { return has_lost_frame_; }
     // Returns the id of the change before this one if Begin() has found it interrupted; else
     // nothing.
     const std::string& interrupted() const { return interrupted_; }
@@ -61,8 +63,8 @@ class OpenChange {
     int FlushFiles() const;
     // True if the recorded files are as before the change.
     bool HasChangedNoFile() const;
-    // Removes the entry, for a change that has changed nothing.
-    void Discard();
+    // Removes the entry, for a change that has changed nothing. Returns false if it stays.
+    bool Discard();
 
     const JournalEntry& entry() const { return entry_; }
 
@@ -70,6 +72,7 @@ class OpenChange {
     JournalEntry entry_;
     std::unique_ptr<EntryFile> file_;
     std::string interrupted_;
+    bool has_lost_frame_ = false;
 };
 
 }  // namespace velkctl

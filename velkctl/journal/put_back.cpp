@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <utility>
 
 #include <unistd.h>
 
@@ -17,6 +18,7 @@
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/journal/journal_problem.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
@@ -108,12 +110,6 @@ Problem Left(std::string subject, std::string detail) {
     return {.message = std::move(subject) + ": not put back", .detail = std::move(detail)};
 }
 
-bool ChangesFile(const Setting& setting, std::string_view path) {
-    return std::ranges::any_of(DeviceFiles(), [&](const DeviceFile& file) {
-        return file.path == path && IsChangedBy(file, setting.row->id);
-    });
-}
-
 bool IsSame(const Setting& setting, const Data& one, const Data& other) {
     return setting.row->kind->Print(one) == setting.row->kind->Print(other);
 }
@@ -161,7 +157,7 @@ class Values {
 
 // True if bytes cannot put the setting back: it is not in a file, or in one of these.
 bool NeedsLibrary(const Setting& setting, const std::vector<std::string>& foreign) {
-    const auto is_in = [&](const std::string& path) { return ChangesFile(setting, path); };
+    const auto is_in = [&](const std::string& path) { return IsChangedBy(path, setting.row->id); };
     return setting.row->held_in.holder != Holder::kFile || std::ranges::any_of(foreign, is_in);
 }
 
@@ -186,13 +182,14 @@ constexpr std::string_view kUnknownOld = "its old value is not known";
 class Work {
   public:
     Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(options), device_(device), values_(device) {}
+        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
     void WriteFile(const FileImage& now);
+    void LeaveFile(const std::string& path, int error);
     void SetValues();
     void SetValue(const Step& step);
     std::string SetOldValue(const Step& step);
@@ -229,6 +226,9 @@ void Work::WriteFiles() {
     if (result_.is_locked) {
         return;
     }
+    if (options_.first) {
+        options_.first();
+    }
     for (const FileImage& before : entry_.before) {
         WriteFile(ReadFileImage(before.path));
     }
@@ -244,11 +244,17 @@ void Work::WriteFile(const FileImage& now) {
         return;
     }
     if (const int error = WriteFileImage(ImageBefore(now.path, entry_)); error != 0) {
-        result_.left.push_back(Left(now.path, strerror(error)));
+        LeaveFile(now.path, error);
+        result_.has_changed = result_.has_changed || !ReadFileImage(now.path).HasContentsOf(now);
         return;
     }
     result_.has_changed = true;
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
+}
+
+void Work::LeaveFile(const std::string& path, int error) {
+    result_.left.push_back(Left(path, strerror(error)));
+    result_.has_disk_failed = true;
 }
 
 void Work::SetValues() {
@@ -298,8 +304,19 @@ std::string Work::SetOldValue(const Step& step) {
 void Work::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
-            result_.left.push_back(Left(before.path, strerror(error)));
+            LeaveFile(before.path, error);
         }
+    }
+}
+
+// Without room for the state, the entry is removed: otherwise a later run would take back settings
+// of others.
+void CloseTakenBack(OpenChange& change, Report& report) {
+    const int error = change.Advance(EntryState::kReverted);
+    if (error != 0 && !change.Discard()) {
+        report.Note(JournalProblem("the journal may call change " + change.entry().id +
+                                       " interrupted, although it is put back",
+                                   error));
     }
 }
 
@@ -331,32 +348,34 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
 }
 
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, options, device).Run();
+    return Work(entry, std::move(options), device).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report) {
-    if (change.entry().state == EntryState::kPrepared) {
-        (void)change.Advance(EntryState::kReverted);
+    // The lost frame may have been the state after this one.
+    if (change.entry().state == EntryState::kPrepared && !change.has_lost_frame()) {
+        CloseTakenBack(change, report);
         return {};
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), options, device);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device);
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
     if (!result.left.empty()) {
         (void)change.Advance(EntryState::kStuck);
     } else if (result.is_whole()) {
-        (void)change.Advance(EntryState::kReverted);
+        CloseTakenBack(change, report);
     }
     return result;
 }
 
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report) {
+ExitStatus RestartAll(const std::vector<std::string>& interfaces, const Device& device,
+                      Report& report) {
     ExitStatus status = ExitStatus::kDone;
-    for (const std::string& interface : entry.restarts) {
+    for (const std::string& interface : interfaces) {
         const Answer answer = device.Restart(interface, {});
         if (!answer.ok()) {
             report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));

@@ -117,7 +117,7 @@ void SetRecord::Finish() {
     }
     is_finished_ = true;
     if (is_given_up_ || (change_.HasChangedNoFile() && !has_changed_value_)) {
-        change_.Discard();
+        (void)change_.Discard();
         return;
     }
     Close();

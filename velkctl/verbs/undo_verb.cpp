@@ -38,12 +38,17 @@ bool IsFinished(const StoredEntry& stored) {
     return stored.is_whole() && (state == EntryState::kDone || state == EntryState::kConfirmed);
 }
 
-// Returns the entry to take back: the one of this id, or the last one that is finished or was
+// Nobody can say whether the change of an unknown entry is finished.
+bool MayBeFinished(const StoredEntry& stored) {
+    const bool is_torn = stored.error == 0 && stored.decoded.health == EntryHealth::kTorn;
+    return stored.is_whole() ? IsFinished(stored) || stored.is_interrupted() : !is_torn;
+}
+
+// Returns the entry to take back: the one of this id, or the last one that may be finished or was
 // interrupted.
 const StoredEntry* FindEntry(const JournalListing& listing, const std::string& id) {
     const auto is_meant = [&](const StoredEntry& stored) {
-        return id.empty() ? IsFinished(stored) || stored.is_interrupted()
-                          : stored.decoded.entry.id == id;
+        return id.empty() ? MayBeFinished(stored) : stored.decoded.entry.id == id;
     };
     const auto found = std::find_if(listing.entries.rbegin(), listing.entries.rend(), is_meant);
     return found == listing.entries.rend() ? nullptr : &*found;
@@ -62,7 +67,9 @@ std::optional<Problem> RefusalOf(const StoredEntry* stored, const std::string& i
                        .remedy = "'velkctl recover' takes it back"};
     }
     if (!stored->is_whole()) {
-        return Problem{.message = subject + " cannot be taken back", .detail = StateText(*stored)};
+        return Problem{.message = subject + " cannot be taken back",
+                       .detail = StateText(*stored),
+                       .remedy = id.empty() ? "'velkctl undo ID' takes an earlier one back" : ""};
     }
     return std::nullopt;
 }
@@ -100,7 +107,7 @@ int Begin(OpenChange& change, const JournalEntry& entry, const Device& device) {
     error = error != 0 ? error : change.Expect(entry.before);
     error = error != 0 ? error : change.Advance(EntryState::kApplying);
     if (error != 0 && change.is_begun()) {
-        change.Discard();
+        (void)change.Discard();
     }
     return error;
 }
@@ -125,6 +132,15 @@ ExitStatus StatusWithoutChange(const PutBackResult& result, const JournalEntry& 
     return ExitStatus::kPartlyBack;
 }
 
+// A later recover completes the files: it gives them their bytes from before the undo.
+ExitStatus LeaveOpen(OpenChange& change, Report& report) {
+    (void)change.Advance(EntryState::kStuck);
+    report.Complain(
+        Problem{.message = "undo: stopped before its end",
+                .remedy = "when the disk is sound, 'velkctl recover', then undo again"});
+    return ExitStatus::kPartlyBack;
+}
+
 // Closes the entry of the undo, or removes it if nothing has changed.
 ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalEntry& entry,
                  Report& report) {
@@ -132,8 +148,11 @@ ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalE
         report.Complain(problem);
     }
     if (!result.has_changed) {
-        change.Discard();
+        (void)change.Discard();
         return StatusWithoutChange(result, entry, report);
+    }
+    if (result.has_disk_failed) {
+        return LeaveOpen(change, report);
     }
     (void)change.RecordFiles();
     if (const int error = change.Advance(EntryState::kDone); error != 0) {
@@ -156,14 +175,17 @@ ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation
     if (const int error = Begin(change, entry, device); error != 0) {
         return FailForJournal(error, report);
     }
-    EndClientsOf(entry, device, report);
-    const PutBackResult result = PutBack(entry, {.force = invocation.force}, device);
+    std::vector<std::string> taken_down;
+    const auto end_clients = [&] { taken_down = EndClientsOf(entry, device, report); };
+    const PutBackResult result =
+        PutBack(entry, {.force = invocation.force, .first = end_clients}, device);
     const ExitStatus status = Close(change, result, entry, report);
     if (status != ExitStatus::kDone || !result.has_changed) {
+        (void)RestartAll(taken_down, device, report);
         return status;
     }
     notes.Print(SettingsOf(entry), report);
-    return RestartAfter(entry, device, report);
+    return RestartAll(entry.restarts, device, report);
 }
 
 }  // namespace
@@ -174,6 +196,9 @@ ExitStatus RunUndo(const Invocation& invocation, Report& report) {
         return FailForJournal(lock.error(), report);
     }
     const JournalListing listing = ReadJournal();
+    if (listing.error != 0) {
+        return FailForJournal(listing.error, report);
+    }
     const std::string id = invocation.words.empty() ? "" : invocation.words.front();
     const StoredEntry* stored = FindEntry(listing, id);
     if (const std::optional<Problem> refusal = RefusalOf(stored, id)) {

@@ -94,6 +94,22 @@ TEST_F(JournalRecordTest, IsConfirmedWithTheFilesAsTheyAre) {
     EXPECT_EQ(Stored().after[0].bytes, "# by hand\n");
 }
 
+// A tool could not write the file, and the library reported success.
+TEST_F(JournalRecordTest, NoticesAFileThatWasNotWritten) {
+    ASSERT_FALSE(Begin());
+    record->StepMade();
+    const std::optional<velkctl::Problem> problem = record->Flush();
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(problem->message, "/etc/network/interfaces: not written");
+    EXPECT_EQ(problem->detail, "the library reported success, but the file is as before");
+}
+
+// The device has the value: another step might have switched it.
+TEST_F(JournalRecordTest, ExpectsNoChangeOfAValueThatTheDeviceHas) {
+    ASSERT_FALSE(Begin({{*FindSetting("eth0.address"), DataOf("192.168.0.1")}}));
+    EXPECT_FALSE(record->Flush());
+}
+
 TEST_F(JournalRecordTest, PutsTheFilesBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
@@ -161,7 +177,8 @@ TEST_F(JournalRecordTest, IsRefusedIfTheJournalCannotBeWritten) {
 
 TEST_F(JournalRecordTest, ReportsAJournalThatFailsLater) {
     ASSERT_FALSE(Begin());
-    libc().Script(Call::kOpen, {testkit::Fail(EIO)});
+    WriteFile(kInterfaces, kNewText);
+    libc().Script(Call::kOpen, {testkit::Return(-1), testkit::Fail(EIO)});
     const std::optional<velkctl::Problem> flush = record->Flush();
     ASSERT_TRUE(flush);
     EXPECT_EQ(flush->message, "apply: the files could not be written to disk");

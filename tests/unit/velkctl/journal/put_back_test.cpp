@@ -209,10 +209,10 @@ TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
 
 TEST_F(PutBackTest, ReportsAnInterfaceThatCannotBeRestarted) {
     JournalEntry entry = Change();
-    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kDone);
+    EXPECT_EQ(RestartAll(entry.restarts, device, report), velkctl::ExitStatus::kDone);
     entry.restarts = {"eth2"};
     testing::internal::CaptureStderr();
-    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kInvalid);
+    EXPECT_EQ(RestartAll(entry.restarts, device, report), velkctl::ExitStatus::kInvalid);
     EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
         "velkctl: eth2: could not be restarted\n"));
 }
