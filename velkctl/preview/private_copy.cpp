@@ -64,6 +64,15 @@ std::vector<std::string> NamesIn(int folder) {
     return names;
 }
 
+bool IsInFolder(const CopyPlan& plan, const PlannedFile& file) {
+    return velk::FindRow(plan.folders, file.folder, &PlannedFolder::path) != nullptr;
+}
+
+// True if the copy of the file is bound to its place.
+bool IsBound(const CopyPlan& plan, const PlannedFile& file) {
+    return file.image.exists && file.image.error == 0 && !IsInFolder(plan, file);
+}
+
 class CopyMaker {
   public:
     CopyMaker(const CopyPlan& plan, bool talks) : plan_(plan), talks_(talks) {}
@@ -81,7 +90,6 @@ class CopyMaker {
     void BindEntry(const Entry& entry, const std::string& path);
     void MirrorFolder(const PlannedFolder& folder);
     void MirrorEntry(const Entry& entry, const std::string& path);
-    bool IsInFolder(const PlannedFile& file) const;
     void MountStore();
     void MirrorFolders();
     void BindFiles();
@@ -208,10 +216,6 @@ void CopyMaker::MirrorFolder(const PlannedFolder& folder) {
     writable_.insert(folder.path);
 }
 
-bool CopyMaker::IsInFolder(const PlannedFile& file) const {
-    return velk::FindRow(plan_.folders, file.folder, &PlannedFolder::path) != nullptr;
-}
-
 // The first tmpfs over the folder of edit copies holds the copies. They stay bound to their places
 // after the second one hides it.
 void CopyMaker::MountStore() {
@@ -228,7 +232,7 @@ void CopyMaker::BindFiles() {
     size_t number = 0;
     for (const PlannedFile& file : plan_.files) {
         const bool has_place = access(file.path.c_str(), F_OK) == 0;
-        if (!file.image.exists || file.image.error != 0 || !has_place || IsInFolder(file)) {
+        if (!has_place || !IsBound(plan_, file)) {
             continue;
         }
         const std::string source = plan_.edit_folder + "/" + std::to_string(++number);
@@ -342,6 +346,16 @@ CopyFailure CopyMaker::Make() {
 
 CopyFailure EnterPrivateCopy(const CopyPlan& plan, bool talks) {
     return CopyMaker(plan, talks).Make();
+}
+
+CopyFailure CheckPrivateCopy(const CopyPlan& plan) {
+    const std::vector<std::string> points = MountPoints();
+    for (const PlannedFile& file : plan.files) {
+        if (IsBound(plan, file) && std::ranges::find(points, file.path) == points.end()) {
+            return {"keep the copy of " + file.path, ESTALE};
+        }
+    }
+    return {};
 }
 
 }  // namespace velkctl
