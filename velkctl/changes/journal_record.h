@@ -31,7 +31,6 @@ class JournalRecord final : public ChangeRecord {
     ExitStatus TakeBack(const Device& device, Report& report) override;
 
   private:
-    int BeginEntry(const ChangePlan& plan, const Device& device);
     void Expect();
 
     const TimeLimits limits_;

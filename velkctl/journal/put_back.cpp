@@ -15,6 +15,7 @@
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/journal/copy_trial.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/escaping.h"
 
@@ -24,6 +25,8 @@ namespace {
 constexpr std::chrono::seconds kAgentTime{30};
 // A set of another program ends within this time.
 constexpr int kSetSeconds = 2;
+// Another program that writes a file again and again is overtaken by one of so many tries.
+constexpr int kCopyTries = 10;
 
 bool IsPrefixOf(std::string_view part, std::string_view whole) {
     return part.size() < whole.size() && whole.starts_with(part);
@@ -177,6 +180,15 @@ std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
 
 constexpr std::string_view kUnknownOld = "its old value is not known";
 
+bool HasSameContents(const FileImage& now, const std::vector<FileImage>& images) {
+    const auto same = std::ranges::find(images, now.path, &FileImage::path);
+    return same == images.end() || now.HasContentsOf(*same);
+}
+
+bool ChangesAgent(const CopyTrial& trial) {
+    return std::ranges::find(trial.then, velk::kSnmpFile, &FileImage::path) != trial.then.end();
+}
+
 // Puts one entry back. The steps of it are members because they share the result.
 class Work {
   public:
@@ -188,9 +200,12 @@ class Work {
   private:
     void WriteFiles();
     void WriteFile(const FileImage& now);
+    bool WasWrittenSinceBegin(const FileImage& now) const;
     void SetValues();
     void SetValue(const Step& step);
     std::string SetOldValue(const Step& step);
+    std::optional<std::string> SetInCopy(const Step& step);
+    std::string SetByLibrary(const Step& step);
     void FlushFiles();
 
     const JournalEntry& entry_;
@@ -207,19 +222,18 @@ PutBackResult Work::Run() {
     if (result_.is_locked) {
         return std::move(result_);
     }
+    SetValues();
     // The agent reads its file at its start only.
     if (restarts_agent_) {
         (void)RunTool({"sudo", velk::kSnmpScript, "restart"}, kAgentTime);
     }
-    SetValues();
     FlushFiles();
     return std::move(result_);
 }
 
 void Work::WriteFiles() {
-    (void)AwaitLibraryLock(kSetSeconds);
     const StopSignals signals;
-    const LibraryLock lock;
+    const LibraryLock lock(kSetSeconds);
     result_.is_locked = lock.is_busy();
     if (result_.is_locked) {
         return;
@@ -231,19 +245,28 @@ void Work::WriteFiles() {
 
 void Work::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
-    if (IsForeign(now, found)) {
+    if (IsForeign(now, found) || WasWrittenSinceBegin(now)) {
         foreign_.push_back(now.path);
         return;
     }
     if (found == FileCase::kOld) {
         return;
     }
-    if (const int error = WriteFileImage(ImageBefore(now.path, entry_)); error != 0) {
+    const int error = WriteFileImage(ImageBefore(now.path, entry_), now);
+    if (error == ESTALE) {
+        foreign_.push_back(now.path);
+        return;
+    }
+    if (error != 0) {
         result_.left.push_back(Left(now.path, strerror(error)));
         return;
     }
     result_.has_changed = true;
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
+}
+
+bool Work::WasWrittenSinceBegin(const FileImage& now) const {
+    return options_.begun_with != nullptr && !HasSameContents(now, *options_.begun_with);
 }
 
 void Work::SetValues() {
@@ -281,6 +304,34 @@ void Work::SetValue(const Step& step) {
 
 // Returns the reason of a failure; empty if the device holds the value.
 std::string Work::SetOldValue(const Step& step) {
+    const bool is_compared = step.setting.row->held_in.holder == Holder::kFile && !options_.force;
+    const std::optional<std::string> reason =
+        is_compared ? SetInCopy(step) : std::optional<std::string>();
+    return reason ? *reason : SetByLibrary(step);
+}
+
+// Another program may set the value after it was compared, and before the library sets it. Returns
+// nothing if only the library can set it.
+std::optional<std::string> Work::SetInCopy(const Step& step) {
+    for (int i = 0; i < kCopyTries; ++i) {
+        const std::optional<CopyTrial> trial =
+            TryInCopy(step.setting, *step.old_value, entry_.before);
+        if (!trial) {
+            return std::nullopt;
+        }
+        if (std::string obstacle = ObstacleOf(step, trial->held); !obstacle.empty()) {
+            return obstacle;
+        }
+        const int error = CarryOver(*trial);
+        restarts_agent_ = restarts_agent_ || (error == 0 && ChangesAgent(*trial));
+        if (error == 0 || (error != ESTALE && error != EWOULDBLOCK)) {
+            return error == 0 ? "" : strerror(error);
+        }
+    }
+    return "another program changes its file again and again";
+}
+
+std::string Work::SetByLibrary(const Step& step) {
     const Answer answer = device_.Set(step.setting, *step.old_value);
     if (!answer.ok()) {
         return FailureReason(answer);
