@@ -90,7 +90,9 @@ bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
 
 class Follower {
   public:
-    Follower(pid_t first, size_t cut_at) : first_(first), cut_at_(cut_at), processes_{first} {
+    // Without `act`, the processes are killed at that call.
+    Follower(pid_t first, size_t at, const std::function<void()>& act)
+        : first_(first), at_(at), act_(act), processes_{first} {
         if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
@@ -143,12 +145,21 @@ class Follower {
         }
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
             run_.calls_that_change.push_back(CanChangeTheDevice(info));
-            if (run_.calls_that_change.size() == cut_at_) {
-                Cut();
+            if (run_.calls_that_change.size() == at_ && Interrupt()) {
                 return;
             }
         }
         Continue(pid, 0);
+    }
+
+    // Returns true if the processes were killed.
+    bool Interrupt() {
+        if (act_) {
+            act_();
+            return false;
+        }
+        Cut();
+        return true;
     }
 
     void Cut() {
@@ -166,14 +177,13 @@ class Follower {
     }
 
     const pid_t first_;
-    const size_t cut_at_;
+    const size_t at_;
+    const std::function<void()>& act_;
     std::set<pid_t> processes_;
     TracedRun run_;
 };
 
-}  // namespace
-
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
+TracedRun Run(const std::function<int()>& work, size_t at, const std::function<void()>& act) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
@@ -189,7 +199,18 @@ TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
         Fail("PTRACE_TRACEME");
     }
-    return Follower(child, cut_at).Follow();
+    return Follower(child, at, act).Follow();
+}
+
+}  // namespace
+
+TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
+    return Run(work, cut_at, {});
+}
+
+TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+                          const std::function<void()>& act) {
+    return Run(work, at, act);
 }
 
 }  // namespace fault

@@ -31,6 +31,11 @@ struct TracedRun {
 // be traced.
 TracedRun RunTraced(const std::function<int()>& work, size_t cut_at = 0);
 
+// The same, but nothing is killed: before the system call with this number, the child waits while
+// `act` runs.
+TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+                          const std::function<void()>& act);
+
 }  // namespace fault
 
 #endif  // TESTS_FAULT_KIT_TRACER_H_
