@@ -6,23 +6,21 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <thread>
 
 #include "velkctl/call/device.h"
 #include "velkctl/changes/change_set.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/put_back.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
-
-constexpr std::chrono::milliseconds kPause{250};
 
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
@@ -40,18 +38,12 @@ bool IsAltered(const std::string& path, const JournalEntry& entry) {
     });
 }
 
-}  // namespace
-
-// Tries again while another program changes settings.
-int JournalRecord::BeginEntry(const ChangePlan& plan, const Device& device) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(limits_.wait_seconds);
-    int error = change_.Begin(plan, device);
-    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(kPause);
-        error = change_.Begin(plan, device);
-    }
-    return error;
+bool IsInFiles(const std::vector<Step>& steps) {
+    return std::ranges::all_of(
+        steps, [](const Step& step) { return step.setting.row->held_in.holder == Holder::kFile; });
 }
+
+}  // namespace
 
 // A failing journal is found by the next state.
 void JournalRecord::Expect() {
@@ -85,7 +77,7 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
         return FailureOf(lock_.error());
     }
     const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
-    if (const int error = BeginEntry(plan, device); error != 0) {
+    if (const int error = change_.BeginWithin(limits_.wait_seconds, plan, device); error != 0) {
         return FailureOf(error);
     }
     Expect();
@@ -103,13 +95,19 @@ std::optional<Problem> JournalRecord::Flush() {
     return ProblemOf("apply: the files could not be written to disk", change_.FlushFiles());
 }
 
+// A setting that cannot be read is set also if it has its value: undo would have nothing to do.
 std::optional<Problem> JournalRecord::Finish() {
     const int error = change_.RecordFiles();
+    if (error == 0 && change_.HasChangedNoFile() && IsInFiles(change_.entry().steps)) {
+        change_.Discard();
+        return std::nullopt;
+    }
     return ProblemOf("apply: the change could not be recorded",
                      error != 0 ? error : change_.Advance(EntryState::kConfirmed));
 }
 
 ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
+    (void)ExpectSteps(change_, limits_);
     return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
                                                                      : ExitStatus::kPartlyBack;
 }

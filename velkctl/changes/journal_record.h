@@ -37,7 +37,6 @@ class JournalRecord final : public ChangeRecord {
     ExitStatus TakeBack(const Device& device, Report& report) override;
 
   private:
-    int BeginEntry(const ChangePlan& plan, const Device& device);
     void Expect();
     std::optional<Problem> FindUnwritten() const;
 

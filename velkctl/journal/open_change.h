@@ -43,6 +43,8 @@ class OpenChange {
     // changing settings; nothing is written, and the call can be repeated. EBUSY: the library's
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
+    // The same, but tries again for so many seconds while another program is changing settings.
+    int BeginWithin(int wait_seconds, const ChangePlan& plan, const Device& device);
     bool is_begun() const { return file_ != nullptr; }
     // True if a frame at the end of the continued entry is cut or damaged.
     bool has_lost_frame() const { return has_lost_frame_; }
@@ -54,6 +56,8 @@ class OpenChange {
     int Advance(EntryState state);
     // Records the files as they will be, as a trial run has found them.
     int Expect(const std::vector<FileImage>& images);
+    // Takes these images of the files after the change. The entry on disk keeps its own.
+    void UseImages(JournalEntry entry);
     // Records the files as they are after the steps so far. Not on disk before the next Advance().
     int RecordFiles();
     // Records that only the first steps of the entry were made. Not on disk before the next

@@ -18,6 +18,7 @@
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/journal/copy_trial.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"
@@ -31,6 +32,8 @@ namespace {
 constexpr std::chrono::seconds kAgentTime{30};
 // A set of another program ends within this time.
 constexpr int kSetSeconds = 2;
+// Another program that writes a file again and again is overtaken by one of so many tries.
+constexpr int kCopyTries = 10;
 
 bool IsPrefixOf(std::string_view part, std::string_view whole) {
     return part.size() < whole.size() && whole.starts_with(part);
@@ -178,6 +181,15 @@ std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
 
 constexpr std::string_view kUnknownOld = "its old value is not known";
 
+bool HasSameContents(const FileImage& now, const std::vector<FileImage>& images) {
+    const auto same = std::ranges::find(images, now.path, &FileImage::path);
+    return same == images.end() || now.HasContentsOf(*same);
+}
+
+bool ChangesAgent(const CopyTrial& trial) {
+    return std::ranges::find(trial.then, velk::kSnmpFile, &FileImage::path) != trial.then.end();
+}
+
 // Puts one entry back. The steps of it are members because they share the result.
 class Work {
   public:
@@ -190,9 +202,12 @@ class Work {
     void WriteFiles();
     void WriteFile(const FileImage& now);
     void LeaveFile(const std::string& path, int error);
+    bool WasWrittenSinceBegin(const FileImage& now) const;
     void SetValues();
     void SetValue(const Step& step);
     std::string SetOldValue(const Step& step);
+    std::optional<std::string> SetInCopy(const Step& step);
+    std::string SetByLibrary(const Step& step);
     void FlushFiles();
 
     const JournalEntry& entry_;
@@ -209,19 +224,18 @@ PutBackResult Work::Run() {
     if (result_.is_locked) {
         return std::move(result_);
     }
+    SetValues();
     // The agent reads its file at its start only.
     if (restarts_agent_) {
         (void)RunTool({"sudo", velk::kSnmpScript, "restart"}, kAgentTime);
     }
-    SetValues();
     FlushFiles();
     return std::move(result_);
 }
 
 void Work::WriteFiles() {
-    (void)AwaitLibraryLock(kSetSeconds);
     const StopSignals signals;
-    const LibraryLock lock;
+    const LibraryLock lock(kSetSeconds);
     result_.is_locked = lock.is_busy();
     if (result_.is_locked) {
         return;
@@ -236,14 +250,19 @@ void Work::WriteFiles() {
 
 void Work::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
-    if (IsForeign(now, found)) {
+    if (IsForeign(now, found) || WasWrittenSinceBegin(now)) {
         foreign_.push_back(now.path);
         return;
     }
     if (found == FileCase::kOld) {
         return;
     }
-    if (const int error = WriteFileImage(ImageBefore(now.path, entry_)); error != 0) {
+    const int error = WriteFileImage(ImageBefore(now.path, entry_), now);
+    if (error == ESTALE) {
+        foreign_.push_back(now.path);
+        return;
+    }
+    if (error != 0) {
         LeaveFile(now.path, error);
         result_.has_changed = result_.has_changed || !ReadFileImage(now.path).HasContentsOf(now);
         return;
@@ -255,6 +274,10 @@ void Work::WriteFile(const FileImage& now) {
 void Work::LeaveFile(const std::string& path, int error) {
     result_.left.push_back(Left(path, strerror(error)));
     result_.has_disk_failed = true;
+}
+
+bool Work::WasWrittenSinceBegin(const FileImage& now) const {
+    return options_.begun_with != nullptr && !HasSameContents(now, *options_.begun_with);
 }
 
 void Work::SetValues() {
@@ -292,6 +315,34 @@ void Work::SetValue(const Step& step) {
 
 // Returns the reason of a failure; empty if the device holds the value.
 std::string Work::SetOldValue(const Step& step) {
+    const bool is_compared = step.setting.row->held_in.holder == Holder::kFile && !options_.force;
+    const std::optional<std::string> reason =
+        is_compared ? SetInCopy(step) : std::optional<std::string>();
+    return reason ? *reason : SetByLibrary(step);
+}
+
+// Another program may set the value after it was compared, and before the library sets it. Returns
+// nothing if only the library can set it.
+std::optional<std::string> Work::SetInCopy(const Step& step) {
+    for (int i = 0; i < kCopyTries; ++i) {
+        const std::optional<CopyTrial> trial =
+            TryInCopy(step.setting, *step.old_value, entry_.before);
+        if (!trial) {
+            return std::nullopt;
+        }
+        if (std::string obstacle = ObstacleOf(step, trial->held); !obstacle.empty()) {
+            return obstacle;
+        }
+        const int error = CarryOver(*trial);
+        restarts_agent_ = restarts_agent_ || (error == 0 && ChangesAgent(*trial));
+        if (error == 0 || (error != ESTALE && error != EWOULDBLOCK)) {
+            return error == 0 ? "" : strerror(error);
+        }
+    }
+    return "another program changes its file again and again";
+}
+
+std::string Work::SetByLibrary(const Step& step) {
     const Answer answer = device_.Set(step.setting, *step.old_value);
     if (!answer.ok()) {
         return FailureReason(answer);

@@ -34,6 +34,8 @@ struct PutBackOptions {
     bool force = false;             // also replaces values that somebody has set since
     bool skip_daemon = false;       // at a start, the wireless daemon does not run yet
     std::function<void()> first{};  // runs before the files are compared, under the library's lock
+    // The files as the entry of an undo has them. One that differs is that of another program.
+    const std::vector<FileImage>* begun_with = nullptr;
 };
 
 struct PutBackResult {

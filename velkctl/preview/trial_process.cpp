@@ -73,6 +73,9 @@ void RunSteps(const Trial& trial) {
     for (const PlannedFile& file : trial.plan.files) {
         trial.log.Add(EventKind::kFile, RecordOf(ReadFileImage(file.image.path)));
     }
+    if (const CopyFailure failure = CheckPrivateCopy(trial.plan); failure.error != 0) {
+        trial.log.Add(EventKind::kFailure, RecordOf(failure));
+    }
     trial.log.Add(EventKind::kEnd, "");
 }
 

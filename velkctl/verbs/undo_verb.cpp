@@ -12,6 +12,7 @@
 #include "velkctl/call/library_lock.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
@@ -102,8 +103,8 @@ ExitStatus Obstructed(const std::vector<Problem>& obstacles, const std::string& 
 }
 
 // Begins the entry of the undo. Returns 0 or the error of the journal; then there is no entry.
-int Begin(OpenChange& change, const JournalEntry& entry, const Device& device) {
-    int error = change.Begin(PlanOf(entry), device);
+int Begin(OpenChange& change, const JournalEntry& entry, int wait_seconds, const Device& device) {
+    int error = change.BeginWithin(wait_seconds, PlanOf(entry), device);
     error = error != 0 ? error : change.Expect(entry.before);
     error = error != 0 ? error : change.Advance(EntryState::kApplying);
     if (error != 0 && change.is_begun()) {
@@ -141,7 +142,8 @@ ExitStatus LeaveOpen(OpenChange& change, Report& report) {
     return ExitStatus::kPartlyBack;
 }
 
-// Closes the entry of the undo, or removes it if nothing has changed.
+// Closes the entry of the undo, or removes it if nothing has changed. It expects the files from
+// before the other change; one that differs has text of another program.
 ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalEntry& entry,
                  Report& report) {
     for (const Problem& problem : result.left) {
@@ -154,7 +156,6 @@ ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalE
     if (result.has_disk_failed) {
         return LeaveOpen(change, report);
     }
-    (void)change.RecordFiles();
     if (const int error = change.Advance(EntryState::kDone); error != 0) {
         report.Note(JournalProblem("undo: the journal may call it interrupted", error));
     }
@@ -162,9 +163,11 @@ ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalE
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation, Report& report) {
+ExitStatus TakeBackEntry(const JournalEntry& recorded, const Invocation& invocation,
+                         Report& report) {
     const Device device(invocation.limits, report);
     (void)AwaitLibraryLock(invocation.limits.wait_seconds);
+    const JournalEntry entry = WithOwnImages(recorded);
     const std::vector<Problem> obstacles =
         invocation.force ? std::vector<Problem>() : FindObstacles(entry, device);
     if (!obstacles.empty()) {
@@ -172,13 +175,15 @@ ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation
     }
     const SetNotes notes(SettingsOf(entry), device, false);
     OpenChange change;
-    if (const int error = Begin(change, entry, device); error != 0) {
+    const int wait = invocation.limits.wait_seconds;
+    if (const int error = Begin(change, entry, wait, device); error != 0) {
         return FailForJournal(error, report);
     }
     std::vector<std::string> taken_down;
     const auto end_clients = [&] { taken_down = EndClientsOf(entry, device, report); };
-    const PutBackResult result =
-        PutBack(entry, {.force = invocation.force, .first = end_clients}, device);
+    const PutBackOptions options{
+        .force = invocation.force, .first = end_clients, .begun_with = &change.entry().before};
+    const PutBackResult result = PutBack(entry, options, device);
     const ExitStatus status = Close(change, result, entry, report);
     if (status != ExitStatus::kDone || !result.has_changed) {
         (void)RestartAll(taken_down, device, report);

@@ -195,10 +195,22 @@ void SetResult([[maybe_unused]] pid_t pid, [[maybe_unused]] long result) {
 
 // ---- The processes -----------------------------------------------------------------------------
 
+// The trouble that the processes meet.
+struct Interruption {
+    size_t at = 0;  // the number of a system call; 0: none
+    std::function<void()> act{};
+    WriteFault fault{};
+};
+
 class Follower {
   public:
-    Follower(pid_t first, size_t cut_at, const WriteFault& fault)
-        : first_(first), cut_at_(cut_at), fault_(fault), processes_{first} {
+    // Without `act`, the processes are killed at that call.
+    Follower(pid_t first, const Interruption& interruption)
+        : first_(first),
+          at_(interruption.at),
+          act_(interruption.act),
+          fault_(interruption.fault),
+          processes_{first} {
         if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
@@ -251,8 +263,7 @@ class Follower {
         }
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
             run_.calls_that_change.push_back(CanChangeTheDevice(info));
-            if (run_.calls_that_change.size() == cut_at_) {
-                Cut();
+            if (run_.calls_that_change.size() == at_ && Interrupt()) {
                 return;
             }
             NoteWrite(pid, WriteOf(pid, info));
@@ -260,6 +271,16 @@ class Follower {
             SetResult(pid, -fault_.error);
         }
         Continue(pid, 0);
+    }
+
+    // Returns true if the processes were killed.
+    bool Interrupt() {
+        if (act_) {
+            act_();
+            return false;
+        }
+        Cut();
+        return true;
     }
 
     void NoteWrite(pid_t pid, const std::string& write) {
@@ -292,14 +313,15 @@ class Follower {
     }
 
     const pid_t first_;
-    const size_t cut_at_;
+    const size_t at_;
+    const std::function<void()> act_;
     const WriteFault fault_;
     std::set<pid_t> processes_;
     std::set<pid_t> failing_;  // those in a call that fails
     TracedRun run_;
 };
 
-TracedRun Run(const std::function<int()>& work, size_t cut_at, const WriteFault& fault) {
+TracedRun Run(const std::function<int()>& work, const Interruption& interruption) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
@@ -315,17 +337,17 @@ TracedRun Run(const std::function<int()>& work, size_t cut_at, const WriteFault&
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
         Fail("PTRACE_TRACEME");
     }
-    return Follower(child, cut_at, fault).Follow();
+    return Follower(child, interruption).Follow();
 }
 
 }  // namespace
 
 TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
-    return Run(work, cut_at, {});
+    return Run(work, {.at = cut_at});
 }
 
 TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault) {
-    return Run(work, 0, fault);
+    return Run(work, {.fault = fault});
 }
 
 bool CanFailWrites() {
@@ -338,6 +360,11 @@ bool CanFailWrites() {
 
 bool CanFailWith(const std::string& write, int error) {
     return kFailures.find(write.substr(0, write.find(' ')))->second.contains(error);
+}
+
+TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+                          const std::function<void()>& act) {
+    return Run(work, {.at = at, .act = act});
 }
 
 }  // namespace fault

@@ -51,6 +51,11 @@ bool CanFailWrites();
 // True if a disk can fail the call, one of TracedRun::writes, with this error.
 bool CanFailWith(const std::string& write, int error);
 
+// The same, but nothing is killed: before the system call with this number, the child waits while
+// `act` runs.
+TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+                          const std::function<void()>& act);
+
 }  // namespace fault
 
 #endif  // TESTS_FAULT_KIT_TRACER_H_

@@ -110,6 +110,22 @@ TEST_F(JournalRecordTest, ExpectsNoChangeOfAValueThatTheDeviceHas) {
     EXPECT_FALSE(record->Flush());
 }
 
+// A setting that cannot be read is set again.
+TEST_F(JournalRecordTest, LeavesNoEntryIfNothingHasChanged) {
+    ASSERT_FALSE(Begin({{*FindSetting("eth0.address"), DataOf("192.168.0.1")}}));
+    record->StepMade();
+    EXPECT_FALSE(record->Finish());
+    EXPECT_TRUE(ReadJournal().entries.empty());
+}
+
+TEST_F(JournalRecordTest, KeepsTheTextThatAnotherProgramWroteBeforeAStepWasRecorded) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, std::string(kNewText) + "# by hand\n");
+    record->StepMade();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "# by hand\n");
+}
+
 TEST_F(JournalRecordTest, PutsTheFilesBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
