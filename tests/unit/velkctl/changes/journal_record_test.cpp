@@ -110,7 +110,7 @@ TEST_F(JournalRecordTest, KeepsTheTextThatAnotherProgramWroteBeforeAStepWasRecor
     EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "# by hand\n");
 }
 
-// The second step has failed: another program had set its value.
+// The second step has failed: another program set its value before.
 TEST_F(JournalRecordTest, PutsBackTheStepsThatWereMade) {
     WriteFile(kInterfaces, std::string(kText) + "\tgateway 192.168.0.8\n");
     ASSERT_FALSE(Begin({kChanges[0], {*FindSetting("eth0.gateway"), DataOf("192.168.0.9")}}));
