@@ -124,10 +124,11 @@ Json RandomDocument(Dice& dice, Json& others) {
 
 // ---- Random files ------------------------------------------------------------------------------
 
-void AddComments(const char* path, Dice& dice) {
+// A blank after an address would be read as a part of it.
+void AddComments(const char* path, const char* end, Dice& dice) {
     std::string text;
     for (const std::string& line : testkit::Split(ReadFile(path))) {
-        text.append(line).append(dice.OneIn(6) ? " \n" : "\n");
+        text.append(line).append(dice.OneIn(6) ? end : "\n");
         text.append(dice.OneIn(6) ? "# checked by hand\n" : "");
     }
     WriteFile(path, text);
@@ -138,8 +139,8 @@ constexpr const char* kFiles[]{
     testkit::kResolverFile,   testkit::kIdentityFile,   testkit::kSnmpFile,  testkit::kCrontab};
 
 void ChangeFiles(Dice& dice) {
-    AddComments(testkit::kInterfacesFile, dice);
-    AddComments(testkit::kDhcpConfigFile, dice);
+    AddComments(testkit::kInterfacesFile, "\n\n", dice);
+    AddComments(testkit::kDhcpConfigFile, " \n", dice);
     for (const char* path : kFiles) {
         testkit::ChangeOwnerAndMode({path}, dice);
     }

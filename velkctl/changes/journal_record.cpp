@@ -43,6 +43,11 @@ bool IsInFiles(const std::vector<Step>& steps) {
         steps, [](const Step& step) { return step.setting.row->held_in.holder == Holder::kFile; });
 }
 
+size_t CountChanges(const std::vector<Step>& steps) {
+    const auto is_change = [](const Step& step) { return step.old_value != step.new_value; };
+    return static_cast<size_t>(std::ranges::count_if(steps, is_change));
+}
+
 }  // namespace
 
 // A failing journal is found by the next state.
@@ -106,7 +111,17 @@ std::optional<Problem> JournalRecord::Finish() {
                      error != 0 ? error : change_.Advance(EntryState::kConfirmed));
 }
 
+void JournalRecord::StepMade() {
+    ++made_;
+    (void)change_.RecordFiles();
+}
+
+// A step that was not made has nothing to put back. The steps after the changes set values again
+// that a change has switched.
 ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
+    if (made_ < CountChanges(change_.entry().steps)) {
+        change_.RecordSteps(made_);
+    }
     (void)ExpectSteps(change_, limits_);
     return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
                                                                      : ExitStatus::kPartlyBack;

@@ -5,6 +5,7 @@
 #ifndef VELKCTL_CHANGES_JOURNAL_RECORD_H_
 #define VELKCTL_CHANGES_JOURNAL_RECORD_H_
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,7 +32,7 @@ class JournalRecord final : public ChangeRecord {
     std::optional<BeginFailure> Begin(const ChangeSet& steps,
                                       const std::vector<std::string>& restarts,
                                       const Device& device) override;
-    void StepMade() override { (void)change_.RecordFiles(); }
+    void StepMade() override;
     std::optional<Problem> Flush() override;
     std::optional<Problem> Finish() override;
     ExitStatus TakeBack(const Device& device, Report& report) override;
@@ -43,6 +44,7 @@ class JournalRecord final : public ChangeRecord {
     const TimeLimits limits_;
     Report& report_;
     const JournalLock lock_;
+    size_t made_ = 0;  // steps
     OpenChange change_;
     std::vector<std::string> expected_;  // the files that the change will alter
 };

@@ -126,6 +126,17 @@ TEST_F(JournalRecordTest, KeepsTheTextThatAnotherProgramWroteBeforeAStepWasRecor
     EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "# by hand\n");
 }
 
+// The second step has failed: another program set its value before.
+TEST_F(JournalRecordTest, PutsBackTheStepsThatWereMade) {
+    WriteFile(kInterfaces, std::string(kText) + "\tgateway 192.168.0.8\n");
+    ASSERT_FALSE(Begin({kChanges[0], {*FindSetting("eth0.gateway"), DataOf("192.168.0.9")}}));
+    WriteFile(kInterfaces, std::string(kNewText) + "\tgateway 192.168.0.7\n");
+    record->StepMade();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "\tgateway 192.168.0.7\n");
+    EXPECT_EQ(Stored().state, EntryState::kReverted);
+}
+
 TEST_F(JournalRecordTest, PutsTheFilesBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
@@ -137,6 +148,8 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
 
 TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 192.168.0.3\n");
     testing::internal::CaptureStderr();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
