@@ -169,6 +169,7 @@ ExitStatus RunCapture(const Invocation& invocation, Report& report) {
     const std::string& file = invocation.words.front();
     Capture capture(time(nullptr));
     const std::string archive = MakeCapture(invocation, report, capture);
+    AddItems(capture, report);
     if (file == kStandardOutput) {
         report.Text(archive);
     } else if (const int error = WriteFile(file, archive); error != 0) {
@@ -179,7 +180,6 @@ ExitStatus RunCapture(const Invocation& invocation, Report& report) {
     } else {
         report.Inform(Summary(capture, invocation.Shown(file)));
     }
-    AddItems(capture, report);
     return ExitStatus::kDone;
 }
 
