@@ -200,7 +200,7 @@ void AddOptions(CLI::App& app, Request& request) {
         ->check(ExistingFolder("--writable"));
     app.add_option_function<std::string>(
            "--rootfs", [&session](const std::string& path) { UseRootfs(path, session); },
-           "Folder or tar archive with the device's files, or capture of a device")
+           "Folder, tar archive or capture with the device's files")
         ->type_name("DIR|FILE");
     AddName(app, request, "Name of the device; otherwise the first free number");
 }
