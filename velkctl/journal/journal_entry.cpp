@@ -27,7 +27,7 @@ struct StateRow {
     std::string_view name;
 };
 
-constexpr std::array<StateRow, 8> kStates{{
+constexpr std::array<StateRow, 9> kStates{{
     {EntryState::kPrepared, "prepared"},
     {EntryState::kApplying, "applying"},
     {EntryState::kWaiting, "waiting"},
@@ -36,6 +36,7 @@ constexpr std::array<StateRow, 8> kStates{{
     {EntryState::kReverting, "reverting"},
     {EntryState::kReverted, "reverted"},
     {EntryState::kStuck, "stuck"},
+    {EntryState::kKept, "kept"},
 }};
 
 struct KindRow {
@@ -176,6 +177,14 @@ size_t StepsFromJson(const Json& json, const JournalEntry& entry) {
     return std::min(json.at("made").get<size_t>(), entry.steps.size());
 }
 
+std::vector<std::string> NamesFrom(const Frame& frame) {
+    return Parse(frame.payload).at("names").get<std::vector<std::string>>();
+}
+
+void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& names) {
+    list.insert(list.end(), names.begin(), names.end());
+}
+
 void ReadFrame(const Frame& frame, JournalEntry& entry) {
     switch (frame.kind) {
         case FrameKind::kHeader:
@@ -192,6 +201,12 @@ void ReadFrame(const Frame& frame, JournalEntry& entry) {
             break;
         case FrameKind::kSteps:
             entry.steps.resize(StepsFromJson(Parse(frame.payload), entry));
+            break;
+        case FrameKind::kPutBack:
+            AppendTo(entry.put_back, NamesFrom(frame));
+            break;
+        case FrameKind::kMade:
+            KeepSteps(entry, NamesFrom(frame));
             break;
     }
 }
@@ -233,6 +248,20 @@ std::string EncodeState(EntryState state) {
 
 std::string EncodeSteps(size_t made) {
     return EncodeFrame(FrameKind::kSteps, Json{{"made", made}}.dump());
+}
+
+std::string EncodeMade(const std::vector<std::string>& names) {
+    return EncodeFrame(FrameKind::kMade, Json{{"names", names}}.dump());
+}
+
+std::string EncodePutBack(const std::vector<std::string>& items) {
+    return EncodeFrame(FrameKind::kPutBack, Json{{"names", items}}.dump());
+}
+
+void KeepSteps(JournalEntry& entry, const std::vector<std::string>& names) {
+    std::erase_if(entry.steps, [&](const Step& step) {
+        return std::ranges::find(names, step.setting.name()) == names.end();
+    });
 }
 
 void AddAfter(JournalEntry& entry, FileImage image) {

@@ -233,10 +233,16 @@ JournalListing ReadJournal() {
     return listing;
 }
 
-std::optional<StoredEntry> ReadLastEntry() {
+// An older change may be open too, below sets that were made since.
+std::string FindInterrupted() {
     int error = 0;
     const std::vector<EntryName> names = ReadNames(error);
-    return names.empty() ? std::nullopt : std::optional(ReadEntry(names.back()));
+    for (auto name = names.rbegin(); name != names.rend(); ++name) {
+        if (ReadEntry(*name).is_interrupted()) {
+            return name->id;
+        }
+    }
+    return "";
 }
 
 // Reads only the entries that may have to go: a set must not wait for the others.

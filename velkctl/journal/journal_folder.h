@@ -74,6 +74,8 @@ struct StoredEntry {
     DecodedEntry decoded{};
 
     bool is_whole() const { return error == 0 && decoded.health == EntryHealth::kWhole; }
+    // True if its change was made, and undo can take it back.
+    bool is_finished() const { return is_whole() && decoded.entry.is_finished(); }
     // True if its change was begun and neither finished nor taken back, and no run is at work on
     // it.
     bool is_interrupted() const { return is_whole() && !is_in_use && !decoded.entry.is_closed(); }
@@ -86,8 +88,8 @@ struct JournalListing {
 
 JournalListing ReadJournal();
 
-// Returns the newest entry alone; nothing if there is none.
-std::optional<StoredEntry> ReadLastEntry();
+// Returns the id of the newest change that was interrupted; empty if none.
+std::string FindInterrupted();
 
 // Removes the oldest closed entries beyond the limits, so that there is room for a new one of so
 // many bytes.

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "lib/base/paths.h"
+#include "velkctl/files/lock_holder.h"
 
 namespace velkctl {
 namespace {
@@ -38,6 +39,28 @@ Problem JournalProblem(std::string message, int error) {
     problem.detail = std::string(velk::kJournalFolder) + ": " + strerror(error);
     problem.remedy = RemedyOf(error);
     return problem;
+}
+
+Problem LockedProblem(std::string message, const char* lock) {
+    Problem problem = JournalProblem(std::move(message), EWOULDBLOCK);
+    const std::string holder = DescribeLockHolder(lock);
+    if (!holder.empty()) {
+        problem.detail.append("; ").append(holder).append(" holds the lock");
+    }
+    return problem;
+}
+
+void NoteWait(const char* lock, int seconds, Report& report) {
+    const std::string holder = seconds > 0 ? DescribeLockHolder(lock) : "";
+    if (!holder.empty()) {
+        report.Note("waiting at most " + std::to_string(seconds) + " s for the lock, held by " +
+                    holder);
+    }
+}
+
+Problem InterruptedProblem(const std::string& id) {
+    return {.message = "change " + id + " was interrupted",
+            .remedy = "'velkctl recover' takes it back"};
 }
 
 ExitStatus StatusOfJournal(int error) {

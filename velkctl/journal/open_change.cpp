@@ -107,12 +107,6 @@ size_t SizeOf(const std::vector<FileImage>& images) {
     return size;
 }
 
-// Returns the id of the newest entry if it was interrupted; else nothing.
-std::string FindInterrupted() {
-    const std::optional<StoredEntry> last = ReadLastEntry();
-    return last && last->is_interrupted() ? last->decoded.entry.id : "";
-}
-
 const FileImage* FindImage(const std::vector<FileImage>& images, const std::string& path) {
     const auto image = std::ranges::find(images, path, &FileImage::path);
     return image == images.end() ? nullptr : &*image;
@@ -148,8 +142,8 @@ int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
         entry.before = ImagesBefore(plan.steps);
     }
     for (const Step& step : plan.steps) {
-        entry.steps.push_back(
-            {step.setting, step.new_value, ConfiguredValue(step.setting, device)});
+        const std::optional<Data> present = ConfiguredValue(step.setting, device);
+        entry.steps.push_back({step.setting, step.new_value, present ? present : step.old_value});
     }
     interrupted_ = FindInterrupted();
     PruneJournal(2 * SizeOf(entry.before));
@@ -195,6 +189,18 @@ void OpenChange::RecordSteps(size_t made) {
     if (made < entry_.steps.size()) {
         file_->Append(EncodeSteps(made));
         entry_.steps.resize(made);
+    }
+}
+
+void OpenChange::RecordMade(const std::vector<std::string>& names) {
+    file_->Append(EncodeMade(names));
+    KeepSteps(entry_, names);
+}
+
+void OpenChange::RecordPutBack(const std::vector<std::string>& items) {
+    if (!items.empty()) {
+        file_->Append(EncodePutBack(items));
+        entry_.put_back.insert(entry_.put_back.end(), items.begin(), items.end());
     }
 }
 

@@ -23,7 +23,8 @@ std::string RunningBootId();
 // A change as it is planned.
 struct ChangePlan {
     EntryKind kind = EntryKind::kPlainSet;
-    std::vector<Step> steps{};            // Begin() reads their old values
+    // Begin() reads their old values. It keeps a given one if the present one cannot be read.
+    std::vector<Step> steps{};
     std::vector<std::string> restarts{};  // interfaces, for an apply
     std::string undoes{};                 // the id of the entry that an undo takes back
 };
@@ -44,8 +45,7 @@ class OpenChange {
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
     bool is_begun() const { return file_ != nullptr; }
-    // Returns the id of the change before this one if Begin() has found it interrupted; else
-    // nothing.
+    // Returns the id of the newest interrupted change that Begin() has found; empty if none.
     const std::string& interrupted() const { return interrupted_; }
 
     // Writes a state, and returns when it is on disk.
@@ -57,6 +57,11 @@ class OpenChange {
     // Records that only the first steps of the entry were made. Not on disk before the next
     // Advance().
     void RecordSteps(size_t made);
+    // The same for steps of these names.
+    void RecordMade(const std::vector<std::string>& names);
+    // Records files and settings that were put back for good. Not on disk before the next
+    // Advance().
+    void RecordPutBack(const std::vector<std::string>& items);
     // Writes the touched files and their folders to disk. Returns the first failure.
     int FlushFiles() const;
     // True if the recorded files are as before the change.

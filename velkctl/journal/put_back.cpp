@@ -8,18 +8,23 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "velkctl/call/answer.h"
+#include "velkctl/call/edit_copy.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/journal/journal_problem.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/settings/value_text.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 
@@ -27,8 +32,6 @@ namespace velkctl {
 namespace {
 
 constexpr std::chrono::seconds kAgentTime{30};
-// A set of another program ends within this time.
-constexpr int kSetSeconds = 2;
 
 bool IsPrefixOf(std::string_view part, std::string_view whole) {
     return part.size() < whole.size() && whole.starts_with(part);
@@ -83,15 +86,29 @@ const FileImage& ImageBefore(const std::string& path, const JournalEntry& entry)
     return *std::ranges::find(entry.before, path, &FileImage::path);
 }
 
-// The library edits a file in a copy in this folder, and removes the copy at the end.
+// Any user can make a file with the name of an edit copy: such a file must not have recover replace
+// the text of an administrator.
+bool IsOfLibrary(const EditCopy& copy) {
+    return copy.state != EditState::kForeign && copy.state != EditState::kUnproven;
+}
+
+// The library edits a file in a copy, and removes the copy at the end.
 FileImage EditCopyOf(const std::string& path) {
-    return ReadFileImage(velk::kEditFolder + path.substr(path.rfind('/')));
+    for (const EditCopy& copy : FindEditCopies()) {
+        if (copy.file->path == path && IsOfLibrary(copy)) {
+            return ReadFileImage(copy.path);
+        }
+    }
+    return {path};
 }
 
 // A step that was killed has left its edit copy: the text that the file was to get.
 FileCase CompareWithEditCopy(const FileImage& now, const JournalEntry& entry) {
+    if (entry.is_closed()) {
+        return FileCase::kOther;
+    }
     const FileImage copy = EditCopyOf(now.path);
-    if (entry.is_closed() || !copy.exists || copy.error != 0 || copy.bytes.empty()) {
+    if (!copy.exists || copy.error != 0 || copy.bytes.empty()) {
         return FileCase::kOther;
     }
     if (copy.bytes == now.bytes) {
@@ -104,8 +121,26 @@ bool MayWrite(const FileImage& now) {
     return !now.exists || access(now.path.c_str(), W_OK) == 0;
 }
 
-Problem Left(std::string subject, std::string detail) {
-    return {.message = std::move(subject) + ": not put back", .detail = std::move(detail)};
+bool Contains(const std::vector<std::string>& list, const std::string& item) {
+    return std::ranges::find(list, item) != list.end();
+}
+
+// A file that is left.
+Problem LeftFile(const std::string& path, int error, const PutBackOptions& options) {
+    return {.message = path + ": not put back",
+            .detail = strerror(error),
+            .remedy = options.fix,
+            .file = path};
+}
+
+// A setting that is left.
+Problem LeftSetting(const Setting& setting, std::string detail, const PutBackOptions& options) {
+    const char* file = setting.row->held_in.line.file;
+    return {.message = setting.name() + ": not put back",
+            .setting = setting.name(),
+            .detail = std::move(detail),
+            .remedy = options.fix,
+            .file = file == nullptr ? "" : file};
 }
 
 bool ChangesFile(const Setting& setting, std::string_view path) {
@@ -127,14 +162,41 @@ std::vector<Step> StepsInOrder(const JournalEntry& entry) {
     return steps;
 }
 
-// Returns the reason why the value stays as it is; empty if none.
-std::string ObstacleOf(const Step& step, const Answer& held) {
+constexpr std::string_view kUnknownOld = "its old value is not known";
+
+Problem Unreadable(const Setting& setting, const Answer& held, const PutBackOptions& options) {
+    Problem problem = LeftSetting(setting, "it cannot be read: " + FailureReason(held), options);
+    problem.result = held.known_result();
+    return problem;
+}
+
+std::string ShownText(const Setting& setting, const Data& value) {
+    return Quoted(ValueText(setting, value, false));
+}
+
+// The value may have been set by another program, or by a set without a journal.
+Problem SetSince(const Step& step, const Data& held, const PutBackOptions& options) {
+    Problem problem = LeftSetting(step.setting, "it was set since, to ", options);
+    problem.detail.append(ShownText(step.setting, held)).append("; saved value: ");
+    problem.detail.append(ShownText(step.setting, *step.old_value));
+    problem.detail.append(problem.file.empty() ? "" : "; file: ").append(problem.file);
+    problem.remedy = options.fix_if_set_since;
+    return problem;
+}
+
+bool IsOfChange(const Step& step, const Data& held) {
+    return IsSame(step.setting, held, *step.old_value) ||
+           (step.new_value && IsSame(step.setting, held, *step.new_value));
+}
+
+// Returns the reason why the value stays as it is; nothing if it can be put back.
+std::optional<Problem> ObstacleOf(const Step& step, const Answer& held,
+                                  const PutBackOptions& options) {
     if (!held.ok()) {
-        return "it cannot be read: " + FailureReason(held);
+        return Unreadable(step.setting, held, options);
     }
-    const bool is_known = IsSame(step.setting, held.data, *step.old_value) ||
-                          (step.new_value && IsSame(step.setting, held.data, *step.new_value));
-    return is_known ? "" : "another program has set it since";
+    const bool may_replace = options.force || IsOfChange(step, held.data);
+    return may_replace ? std::nullopt : std::optional(SetSince(step, held.data, options));
 }
 
 // Reads the values of a change. A silent daemon is asked once.
@@ -165,28 +227,63 @@ bool NeedsLibrary(const Setting& setting, const std::vector<std::string>& foreig
     return setting.row->held_in.holder != Holder::kFile || std::ranges::any_of(foreign, is_in);
 }
 
-bool IsForeign(const FileImage& now, FileCase found) {
-    return found == FileCase::kOther || (found != FileCase::kOld && !MayWrite(now));
+// Returns the file as the last of these changes has left it that has touched it; null if none has.
+const FileImage* LastImage(const std::vector<const JournalEntry*>& changes,
+                           const std::string& path) {
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+        const auto image = std::ranges::find((*change)->after, path, &FileImage::path);
+        if (image != (*change)->after.end()) {
+            return &*image;
+        }
+    }
+    return nullptr;
+}
+
+// True if a later change has made the file what it is. One that was cut is no change's work.
+bool IsOfLater(const FileImage& now, FileCase found,
+               const std::vector<const JournalEntry*>& later) {
+    const FileImage* image = LastImage(later, now.path);
+    return image != nullptr && (found == FileCase::kNew || now.HasContentsOf(*image));
+}
+
+// True if a setting in the file was put back alone, because the file had text of another program.
+bool HasSettingPutBack(const JournalEntry& entry, const std::string& path) {
+    return std::ranges::any_of(entry.steps, [&](const Step& step) {
+        return Contains(entry.put_back, step.setting.name()) && ChangesFile(step.setting, path);
+    });
+}
+
+// True if the bytes from before must not replace the file.
+bool IsForeign(const FileImage& now, FileCase found, const JournalEntry& entry,
+               const std::vector<const JournalEntry*>& later) {
+    if (found == FileCase::kOld) {
+        return false;
+    }
+    return found == FileCase::kOther || !MayWrite(now) || IsOfLater(now, found, later) ||
+           HasSettingPutBack(entry, now.path);
+}
+
+bool HasStep(const JournalEntry* entry, const Setting& setting) {
+    return std::ranges::any_of(
+        entry->steps, [&](const Step& step) { return IsSameSetting(step.setting, setting); });
 }
 
 std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
     std::vector<std::string> foreign;
     for (const FileImage& before : entry.before) {
         const FileImage now = ReadFileImage(before.path);
-        if (IsForeign(now, CompareFile(now, entry))) {
+        if (IsForeign(now, CompareFile(now, entry), entry, {})) {
             foreign.push_back(now.path);
         }
     }
     return foreign;
 }
 
-constexpr std::string_view kUnknownOld = "its old value is not known";
-
 // Puts one entry back. The steps of it are members because they share the result.
 class Work {
   public:
     Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(options), device_(device), values_(device) {}
+        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
 
     PutBackResult Run();
 
@@ -194,15 +291,20 @@ class Work {
     void WriteFiles();
     void WriteFile(const FileImage& now);
     void SetValues();
-    void SetValue(const Step& step);
+    void SetValueOf(const Step& step);
+    bool KeepsLaterValue(const Setting& setting) const;
+    std::optional<Problem> SetValue(const Step& step);
     std::string SetOldValue(const Step& step);
     void FlushFiles();
+    void AddPutBack();
 
     const JournalEntry& entry_;
     const PutBackOptions options_;
     const Device& device_;
     Values values_;
     std::vector<std::string> foreign_;  // files that another program has written since
+    std::vector<std::string> failed_;   // files that could not be written to disk
+    std::vector<std::string> open_;     // settings that could not be put back
     bool restarts_agent_ = false;
     PutBackResult result_;
 };
@@ -213,16 +315,17 @@ PutBackResult Work::Run() {
         return std::move(result_);
     }
     // The agent reads its file at its start only.
-    if (restarts_agent_) {
+    if (restarts_agent_ && !options_.at_boot) {
         (void)RunTool({"sudo", velk::kSnmpScript, "restart"}, kAgentTime);
     }
     SetValues();
     FlushFiles();
+    AddPutBack();
     return std::move(result_);
 }
 
 void Work::WriteFiles() {
-    (void)AwaitLibraryLock(kSetSeconds);
+    (void)AwaitLibraryLock(options_.lock_seconds);
     const StopSignals signals;
     const LibraryLock lock;
     result_.is_locked = lock.is_busy();
@@ -230,13 +333,15 @@ void Work::WriteFiles() {
         return;
     }
     for (const FileImage& before : entry_.before) {
-        WriteFile(ReadFileImage(before.path));
+        if (!Contains(entry_.put_back, before.path)) {
+            WriteFile(ReadFileImage(before.path));
+        }
     }
 }
 
 void Work::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
-    if (IsForeign(now, found)) {
+    if (IsForeign(now, found, entry_, options_.later)) {
         foreign_.push_back(now.path);
         return;
     }
@@ -244,7 +349,8 @@ void Work::WriteFile(const FileImage& now) {
         return;
     }
     if (const int error = WriteFileImage(ImageBefore(now.path, entry_)); error != 0) {
-        result_.left.push_back(Left(now.path, strerror(error)));
+        result_.left.push_back(LeftFile(now.path, error, options_));
+        failed_.push_back(now.path);
         return;
     }
     result_.has_changed = true;
@@ -253,35 +359,51 @@ void Work::WriteFile(const FileImage& now) {
 
 void Work::SetValues() {
     for (const Step& step : StepsInOrder(entry_)) {
-        const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
-        if (is_of_daemon && options_.skip_daemon) {
-            result_.waits_for_daemon = true;
-        } else if (NeedsLibrary(step.setting, foreign_)) {
-            SetValue(step);
+        if (!Contains(entry_.put_back, step.setting.name())) {
+            SetValueOf(step);
         }
     }
 }
 
-void Work::SetValue(const Step& step) {
+void Work::SetValueOf(const Step& step) {
     const std::string name = step.setting.name();
+    const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
+    if (KeepsLaterValue(step.setting)) {
+        result_.kept.push_back(name);
+    } else if (is_of_daemon && options_.at_boot) {
+        result_.waits_for_daemon = true;
+        open_.push_back(name);
+    } else if (NeedsLibrary(step.setting, foreign_)) {
+        if (std::optional<Problem> problem = SetValue(step)) {
+            result_.left.push_back(std::move(*problem));
+            open_.push_back(name);
+        }
+    }
+}
+
+bool Work::KeepsLaterValue(const Setting& setting) const {
+    const auto sets = [&](const JournalEntry* later) { return HasStep(later, setting); };
+    return !options_.force && std::ranges::any_of(options_.later, sets);
+}
+
+// Returns the problem if the setting is left.
+std::optional<Problem> Work::SetValue(const Step& step) {
     if (!step.old_value) {
-        result_.left.push_back(Left(name, std::string(kUnknownOld)));
-        return;
+        return LeftSetting(step.setting, std::string(kUnknownOld), options_);
     }
     const Answer held = values_.Get(step.setting);
     if (held.ok() && IsSame(step.setting, held.data, *step.old_value)) {
-        return;
+        return std::nullopt;
     }
-    const std::string obstacle = ObstacleOf(step, held);
-    if (!obstacle.empty() && !(held.ok() && options_.force)) {
-        result_.left.push_back(Left(name, obstacle));
-        return;
+    if (std::optional<Problem> obstacle = ObstacleOf(step, held, options_)) {
+        return obstacle;
     }
     const std::string failure = SetOldValue(step);
-    result_.has_changed = result_.has_changed || failure.empty();
     if (!failure.empty()) {
-        result_.left.push_back(Left(name, failure));
+        return LeftSetting(step.setting, failure, options_);
     }
+    result_.has_changed = true;
+    return std::nullopt;
 }
 
 // Returns the reason of a failure; empty if the device holds the value.
@@ -298,8 +420,37 @@ std::string Work::SetOldValue(const Step& step) {
 void Work::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
-            result_.left.push_back(Left(before.path, strerror(error)));
+            result_.left.push_back(LeftFile(before.path, error, options_));
+            failed_.push_back(before.path);
         }
+    }
+}
+
+// A setting is put back if the library has set it, or if all of its files are put back.
+void Work::AddPutBack() {
+    const auto is_failed = [&](const Step& step) {
+        return std::ranges::any_of(
+            failed_, [&](const std::string& path) { return ChangesFile(step.setting, path); });
+    };
+    for (const FileImage& before : entry_.before) {
+        if (!Contains(failed_, before.path) && !Contains(foreign_, before.path)) {
+            result_.put_back.push_back(before.path);
+        }
+    }
+    for (const Step& step : entry_.steps) {
+        if (!Contains(open_, step.setting.name()) && !is_failed(step)) {
+            result_.put_back.push_back(step.setting.name());
+        }
+    }
+}
+
+// The next try leaves out the items that were put back.
+void Close(OpenChange& change, const PutBackResult& result) {
+    if (result.is_whole()) {
+        (void)change.Advance(EntryState::kReverted);
+    } else if (!result.is_locked) {
+        change.RecordPutBack(result.put_back);
+        (void)change.Advance(result.left.empty() ? EntryState::kReverting : EntryState::kStuck);
     }
 }
 
@@ -331,7 +482,7 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
 }
 
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, options, device).Run();
+    return Work(entry, std::move(options), device).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
@@ -342,31 +493,32 @@ PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device&
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), options, device);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device);
+    if (result.is_locked) {
+        Problem problem =
+            LockedProblem("change " + change.entry().id + ": not put back", velk::kLockFile);
+        problem.remedy = "'velkctl recover' takes it back after that";
+        report.Complain(problem);
+    }
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
-    if (!result.left.empty()) {
-        (void)change.Advance(EntryState::kStuck);
-    } else if (result.is_whole()) {
-        (void)change.Advance(EntryState::kReverted);
+    for (const std::string& name : result.kept) {
+        report.Note(name + ": keeps its value, which a later change has set");
     }
+    Close(change, result);
     return result;
 }
 
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report) {
-    ExitStatus status = ExitStatus::kDone;
-    for (const std::string& interface : entry.restarts) {
-        const Answer answer = device.Restart(interface, {});
-        if (!answer.ok()) {
-            report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));
-            status = StatusOf(answer);
-        }
-    }
-    return status;
+std::string FindCutFile(const JournalEntry& entry) {
+    const auto cut = std::ranges::find_if(entry.before, [&](const FileImage& before) {
+        return CompareFile(ReadFileImage(before.path), entry) == FileCase::kCut;
+    });
+    return cut == entry.before.end() ? "" : cut->path;
 }
 
-std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& device) {
+std::vector<Problem> FindObstacles(const JournalEntry& entry, const PutBackOptions& options,
+                                   const Device& device) {
     Values values(device);
     const std::vector<std::string> foreign = ForeignFiles(entry);
     std::vector<Problem> obstacles;
@@ -374,10 +526,11 @@ std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& devi
         if (!NeedsLibrary(step.setting, foreign)) {
             continue;
         }
-        const std::string obstacle =
-            step.old_value ? ObstacleOf(step, values.Get(step.setting)) : std::string(kUnknownOld);
-        if (!obstacle.empty()) {
-            obstacles.push_back(Left(step.setting.name(), obstacle));
+        std::optional<Problem> obstacle =
+            step.old_value ? ObstacleOf(step, values.Get(step.setting), options)
+                           : LeftSetting(step.setting, std::string(kUnknownOld), options);
+        if (obstacle) {
+            obstacles.push_back(std::move(*obstacle));
         }
     }
     return obstacles;

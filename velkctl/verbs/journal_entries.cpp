@@ -11,6 +11,7 @@
 
 #include "velkctl/files/file_image.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_text.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/setting_values.h"

@@ -6,12 +6,17 @@
 #include <cerrno>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "lib/base/paths.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/changes/dhcp_end.h"
+#include "velkctl/changes/restarts.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/doctor/likely_cause.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
@@ -28,41 +33,44 @@
 namespace velkctl {
 namespace {
 
-ExitStatus FailForJournal(int error, Report& report) {
-    report.Complain(JournalProblem("undo: nothing was changed", error));
-    return StatusOfJournal(error);
-}
+constexpr char kNothingChanged[] = "undo: nothing was changed";
 
-bool IsFinished(const StoredEntry& stored) {
-    const EntryState state = stored.decoded.entry.state;
-    return stored.is_whole() && (state == EntryState::kDone || state == EntryState::kConfirmed);
+// `lock` is the one that was tried.
+ExitStatus FailForJournal(int error, const char* lock, Report& report) {
+    report.Complain(error == EWOULDBLOCK ? LockedProblem(kNothingChanged, lock)
+                                         : JournalProblem(kNothingChanged, error));
+    return StatusOfJournal(error);
 }
 
 // Returns the entry to take back: the one of this id, or the last one that is finished or was
 // interrupted.
-const StoredEntry* FindEntry(const JournalListing& listing, const std::string& id) {
+const StoredEntry* FindEntry(const JournalListing& listing, const std::optional<std::string>& id) {
     const auto is_meant = [&](const StoredEntry& stored) {
-        return id.empty() ? IsFinished(stored) || stored.is_interrupted()
-                          : stored.decoded.entry.id == id;
+        return id ? stored.decoded.entry.id == *id
+                  : stored.is_finished() || stored.is_interrupted();
     };
     const auto found = std::find_if(listing.entries.rbegin(), listing.entries.rend(), is_meant);
     return found == listing.entries.rend() ? nullptr : &*found;
 }
 
-// Returns the reason why the entry cannot be taken back; nothing if it can.
-std::optional<Problem> RefusalOf(const StoredEntry* stored, const std::string& id) {
-    if (stored == nullptr) {
-        return id.empty() ? Problem{"undo: there is no change to take back"}
-                          : Problem{.message = "undo: there is no change " + Quoted(id),
-                                    .remedy = "'velkctl history' lists the changes"};
+ExitStatus RefuseMissing(const std::optional<std::string>& id, Report& report) {
+    if (id) {
+        return report.Refuse(Problem{.message = "undo: there is no change " + Quoted(*id),
+                                     .remedy = "'velkctl history' lists the changes"});
     }
-    const std::string subject = "undo: change " + stored->decoded.entry.id;
-    if (stored->is_interrupted()) {
+    report.Complain("undo: there is no change to take back");
+    return ExitStatus::kFailed;
+}
+
+// Returns the reason why the entry cannot be taken back; nothing if it can.
+std::optional<Problem> RefusalOf(const StoredEntry& stored) {
+    const std::string subject = "undo: change " + stored.decoded.entry.id;
+    if (stored.is_interrupted()) {
         return Problem{.message = subject + " was interrupted",
                        .remedy = "'velkctl recover' takes it back"};
     }
-    if (!stored->is_whole()) {
-        return Problem{.message = subject + " cannot be taken back", .detail = StateText(*stored)};
+    if (!stored.is_whole() || stored.decoded.entry.state == EntryState::kKept) {
+        return Problem{.message = subject + " cannot be taken back", .detail = StateText(stored)};
     }
     return std::nullopt;
 }
@@ -71,7 +79,7 @@ std::optional<Problem> RefusalOf(const StoredEntry* stored, const std::string& i
 ChangePlan PlanOf(const JournalEntry& entry) {
     ChangePlan plan{.kind = EntryKind::kUndo, .restarts = entry.restarts, .undoes = entry.id};
     for (const Step& step : entry.steps) {
-        plan.steps.push_back({step.setting, step.old_value});
+        plan.steps.push_back({step.setting, step.old_value, step.new_value});
     }
     return plan;
 }
@@ -84,14 +92,35 @@ std::vector<Setting> SettingsOf(const JournalEntry& entry) {
     return settings;
 }
 
-ExitStatus Obstructed(const std::vector<Problem>& obstacles, const std::string& id,
-                      Report& report) {
-    for (const Problem& obstacle : obstacles) {
-        report.Complain(obstacle);
+// Gives a setting that the library could not read its likely cause. Returns the exit status for it.
+ExitStatus Explain(Problem& problem) {
+    const std::optional<Setting> setting = FindSetting(problem.setting);
+    if (!problem.result || !setting) {
+        return ExitStatus::kFailed;
     }
-    report.Complain(Problem{.message = "undo: nothing was changed",
-                            .remedy = "'velkctl undo " + id + " --force' replaces these values"});
-    return ExitStatus::kFailed;
+    const Answer answer{*problem.result};
+    Problem explained = ProblemOfGet(problem.message, *setting, answer);
+    explained.detail =
+        explained.detail.empty() ? problem.detail : "it cannot be read; " + explained.detail;
+    problem = std::move(explained);
+    return StatusWithCause(*setting, answer);
+}
+
+// Reports the items that are left. Returns the exit status if nothing was changed.
+ExitStatus ReportLeft(std::vector<Problem> left, Report& report) {
+    ExitStatus status = ExitStatus::kFailed;
+    for (Problem& problem : left) {
+        const ExitStatus own = Explain(problem);
+        status = status == ExitStatus::kFailed ? own : status;
+        report.Complain(problem);
+    }
+    return status;
+}
+
+ExitStatus NothingChanged(std::vector<Problem> left, Report& report) {
+    const ExitStatus status = ReportLeft(std::move(left), report);
+    report.Complain(kNothingChanged);
+    return status;
 }
 
 // Begins the entry of the undo. Returns 0 or the error of the journal; then there is no entry.
@@ -105,78 +134,130 @@ int Begin(OpenChange& change, const JournalEntry& entry, const Device& device) {
     return error;
 }
 
-void ReportUndo(const JournalEntry& entry, const OpenChange& change, Report& report) {
-    report.Inform(std::string(NameOf(entry.kind)) + " " + entry.id + " of " +
-                  LocalTime(entry.time) + " is taken back\n" + StepLines(change.entry()));
-    report.Member("id", change.entry().id);
-    report.Member("undoes", entry.id);
-    report.Member("settings", StepsInJson(change.entry()));
+// The settings that were put back in part are the steps of the undo.
+std::vector<std::string> NamesOfSteps(const OpenChange& change, const PutBackResult& result) {
+    std::vector<std::string> names;
+    for (const Step& step : change.entry().steps) {
+        const std::string name = step.setting.name();
+        const bool is_back = std::ranges::find(result.put_back, name) != result.put_back.end();
+        if (is_back && step.old_value != step.new_value) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+// Closes the entry of the undo.
+void Close(OpenChange& change, const PutBackResult& result, Report& report) {
+    if (!result.left.empty()) {
+        change.RecordMade(NamesOfSteps(change, result));
+    }
+    (void)change.RecordFiles();
+    if (const int error = change.Advance(EntryState::kDone); error != 0) {
+        change.Discard();  // recover would make the change again
+        report.Note(JournalProblem("undo: undo cannot take this back", error));
+    }
 }
 
 ExitStatus StatusWithoutChange(const PutBackResult& result, const JournalEntry& entry,
                                Report& report) {
     if (result.is_locked) {
-        return FailForJournal(EWOULDBLOCK, report);
+        return FailForJournal(EWOULDBLOCK, velk::kLockFile, report);
     }
-    if (result.left.empty()) {
-        report.Inform("change " + entry.id + " is already taken back\n");
-        return ExitStatus::kDone;
+    if (!result.left.empty()) {
+        return NothingChanged(result.left, report);
     }
-    return ExitStatus::kPartlyBack;
+    report.Inform("change " + entry.id + " is already taken back\n");
+    return ExitStatus::kDone;
 }
 
-// Closes the entry of the undo, or removes it if nothing has changed.
-ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalEntry& entry,
-                 Report& report) {
-    for (const Problem& problem : result.left) {
-        report.Complain(problem);
+// "set k7f2 of 2026-11-22 14:02:11 is taken back by p3xv, restarted eth0 (1 s)", and its settings
+void ReportUndo(const JournalEntry& entry, const OpenChange& undo, bool is_whole,
+                const std::vector<DoneRestart>& restarts, Report& report) {
+    std::string text = std::string(NameOf(entry.kind)) + " " + entry.id + " of ";
+    text.append(LocalTime(entry.time))
+        .append(is_whole ? " is taken back" : " is taken back in part");
+    if (undo.is_begun()) {
+        text.append(" by ").append(undo.entry().id);
     }
+    text.append(RestartedText(restarts)).append("\n").append(StepLines(undo.entry()));
+    report.Inform(text);
+    report.Member("id", undo.is_begun() ? Json(undo.entry().id) : Json(nullptr));
+    report.Member("undoes", entry.id);
+    report.Member("settings", StepsInJson(undo.entry()));
+    report.Member("restarts", RestartsInJson(restarts));
+}
+
+std::vector<Problem> ObstaclesOf(const JournalEntry& entry, const PutBackOptions& options,
+                                 const Device& device) {
+    return options.force ? std::vector<Problem>() : FindObstacles(entry, options, device);
+}
+
+PutBackOptions OptionsOf(const JournalEntry& entry, const Invocation& invocation) {
+    PutBackOptions options{.force = invocation.force};
+    options.fix_if_set_since = "'velkctl undo " + entry.id + " --force' replaces it";
+    options.fix.clear();
+    return options;
+}
+
+// Puts the files and values back, then restarts the interfaces of the change, or those that are
+// down if nothing has changed.
+ExitStatus PutChangeBack(OpenChange& change, const JournalEntry& entry,
+                         const Invocation& invocation, const Device& device, Report& report) {
+    const std::vector<std::string> down = EndClientsOf(entry, device, report);
+    const PutBackResult result = PutBack(entry, OptionsOf(entry, invocation), device);
     if (!result.has_changed) {
         change.Discard();
-        return StatusWithoutChange(result, entry, report);
+        const ExitStatus status = StatusWithoutChange(result, entry, report);
+        (void)RestartAll(down, invocation.limits, device, report);
+        return status;
     }
-    (void)change.RecordFiles();
-    if (const int error = change.Advance(EntryState::kDone); error != 0) {
-        report.Note(JournalProblem("undo: the journal may call it interrupted", error));
-    }
-    ReportUndo(entry, change, report);
-    return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
+    Close(change, result, report);
+    (void)ReportLeft(result.left, report);
+    const RestartsResult restarts = RestartAll(entry.restarts, invocation.limits, device, report);
+    ReportUndo(entry, change, result.is_whole(), restarts.restarts, report);
+    return result.is_whole() ? restarts.status : ExitStatus::kPartlyBack;
 }
 
 ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation, Report& report) {
     const Device device(invocation.limits, report);
+    NoteWait(velk::kLockFile, invocation.limits.wait_seconds, report);
     (void)AwaitLibraryLock(invocation.limits.wait_seconds);
-    const std::vector<Problem> obstacles =
-        invocation.force ? std::vector<Problem>() : FindObstacles(entry, device);
+    std::vector<Problem> obstacles = ObstaclesOf(entry, OptionsOf(entry, invocation), device);
     if (!obstacles.empty()) {
-        return Obstructed(obstacles, entry.id, report);
+        return NothingChanged(std::move(obstacles), report);
     }
     const SetNotes notes(SettingsOf(entry), device, false);
     OpenChange change;
     if (const int error = Begin(change, entry, device); error != 0) {
-        return FailForJournal(error, report);
+        return FailForJournal(error, velk::kLockFile, report);
     }
-    EndClientsOf(entry, device, report);
-    const PutBackResult result = PutBack(entry, {.force = invocation.force}, device);
-    const ExitStatus status = Close(change, result, entry, report);
-    if (status != ExitStatus::kDone || !result.has_changed) {
-        return status;
+    if (!change.interrupted().empty()) {
+        report.Note(InterruptedProblem(change.interrupted()));
     }
-    notes.Print(SettingsOf(entry), report);
-    return RestartAfter(entry, device, report);
+    const ExitStatus status = PutChangeBack(change, entry, invocation, device, report);
+    if (status == ExitStatus::kDone && change.is_begun()) {
+        notes.Print(SettingsOf(entry), report);
+    }
+    return status;
 }
 
 }  // namespace
 
 ExitStatus RunUndo(const Invocation& invocation, Report& report) {
+    NoteWait(velk::kJournalLock, invocation.limits.wait_seconds, report);
     const JournalLock lock(JournalLock::Use::kAlone, invocation.limits.wait_seconds);
     if (!lock.is_held()) {
-        return FailForJournal(lock.error(), report);
+        return FailForJournal(lock.error(), velk::kJournalLock, report);
     }
     const JournalListing listing = ReadJournal();
-    const std::string id = invocation.words.empty() ? "" : invocation.words.front();
+    const std::optional<std::string> id =
+        invocation.words.empty() ? std::nullopt : std::optional(invocation.words.front());
     const StoredEntry* stored = FindEntry(listing, id);
-    if (const std::optional<Problem> refusal = RefusalOf(stored, id)) {
+    if (stored == nullptr) {
+        return RefuseMissing(id, report);
+    }
+    if (const std::optional<Problem> refusal = RefusalOf(*stored)) {
         report.Complain(*refusal);
         return ExitStatus::kFailed;
     }

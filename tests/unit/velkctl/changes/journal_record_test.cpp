@@ -83,14 +83,14 @@ TEST_F(JournalRecordTest, KnowsTheFilesBeforeAndAfterTheChange) {
     EXPECT_EQ(ReadFile(kInterfaces), kText);
 }
 
-TEST_F(JournalRecordTest, IsConfirmedWithTheFilesAsTheyAre) {
+TEST_F(JournalRecordTest, IsDoneWithTheFilesAsTheyAre) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
     record->StepMade();
     EXPECT_FALSE(record->Flush());
     WriteFile(kInterfaces, "# by hand\n");
     EXPECT_FALSE(record->Finish());
-    EXPECT_EQ(Stored().state, EntryState::kConfirmed);
+    EXPECT_EQ(Stored().state, EntryState::kDone);
     EXPECT_EQ(Stored().after[0].bytes, "# by hand\n");
 }
 
@@ -109,7 +109,10 @@ TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "velkctl: eth0.address: not put back\n  another program has set it since\n");
+              "velkctl: eth0.address: not put back\n"
+              "  it was set since, to '192.168.0.3'; saved value: '192.168.0.1';\n"
+              "    file: /etc/network/interfaces\n"
+              "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
     EXPECT_EQ(Stored().state, EntryState::kStuck);
 }
 
