@@ -46,14 +46,18 @@ std::optional<Problem> EndDhcpClient(const std::string& interface) {
     return problem;
 }
 
-void EndClientsOf(const JournalEntry& entry, const Device& device, Report& report) {
+std::vector<std::string> EndClientsOf(const JournalEntry& entry, const Device& device,
+                                      Report& report) {
+    std::vector<std::string> down;
     for (const std::string& interface : entry.restarts) {
         if (GetsStaticBack(interface, entry) && HasDhcpClient(interface, device)) {
+            down.push_back(interface);
             if (const std::optional<Problem> problem = EndDhcpClient(interface)) {
                 report.Complain(*problem);
             }
         }
     }
+    return down;
 }
 
 }  // namespace velkctl

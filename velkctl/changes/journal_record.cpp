@@ -4,6 +4,7 @@
 // journal_record.cpp - the state before a change, kept in the journal.
 #include "velkctl/changes/journal_record.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <thread>
@@ -21,6 +22,8 @@ namespace velkctl {
 namespace {
 
 constexpr std::chrono::milliseconds kPause{250};
+// A change that is half made is worse than a long wait for another program.
+constexpr int kTakeBackSeconds = 120;
 
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
@@ -80,8 +83,10 @@ std::optional<Problem> JournalRecord::Finish() {
 }
 
 ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
-    return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
-                                                                     : ExitStatus::kPartlyBack;
+    const int seconds = std::max(limits_.wait_seconds, kTakeBackSeconds);
+    const PutBackResult result =
+        velkctl::TakeBack(change_, {.lock_seconds = seconds}, device, report);
+    return result.is_whole() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
 }
 
 }  // namespace velkctl

@@ -13,6 +13,7 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/call/answer.h"
+#include "velkctl/call/edit_copy.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/file_image.h"
@@ -27,8 +28,6 @@ namespace velkctl {
 namespace {
 
 constexpr std::chrono::seconds kAgentTime{30};
-// A set of another program ends within this time.
-constexpr int kSetSeconds = 2;
 
 bool IsPrefixOf(std::string_view part, std::string_view whole) {
     return part.size() < whole.size() && whole.starts_with(part);
@@ -83,15 +82,29 @@ const FileImage& ImageBefore(const std::string& path, const JournalEntry& entry)
     return *std::ranges::find(entry.before, path, &FileImage::path);
 }
 
-// The library edits a file in a copy in this folder, and removes the copy at the end.
+// Any user can make a file with the name of an edit copy: such a file must not have recover replace
+// the text of an administrator.
+bool IsOfLibrary(const EditCopy& copy) {
+    return copy.state != EditState::kForeign && copy.state != EditState::kUnproven;
+}
+
+// The library edits a file in a copy, and removes the copy at the end.
 FileImage EditCopyOf(const std::string& path) {
-    return ReadFileImage(velk::kEditFolder + path.substr(path.rfind('/')));
+    for (const EditCopy& copy : FindEditCopies()) {
+        if (copy.file->path == path && IsOfLibrary(copy)) {
+            return ReadFileImage(copy.path);
+        }
+    }
+    return {path};
 }
 
 // A step that was killed has left its edit copy: the text that the file was to get.
 FileCase CompareWithEditCopy(const FileImage& now, const JournalEntry& entry) {
+    if (entry.is_closed()) {
+        return FileCase::kOther;
+    }
     const FileImage copy = EditCopyOf(now.path);
-    if (entry.is_closed() || !copy.exists || copy.error != 0 || copy.bytes.empty()) {
+    if (!copy.exists || copy.error != 0 || copy.bytes.empty()) {
         return FileCase::kOther;
     }
     if (copy.bytes == now.bytes) {
@@ -213,7 +226,7 @@ PutBackResult Work::Run() {
         return std::move(result_);
     }
     // The agent reads its file at its start only.
-    if (restarts_agent_) {
+    if (restarts_agent_ && !options_.at_boot) {
         (void)RunTool({"sudo", velk::kSnmpScript, "restart"}, kAgentTime);
     }
     SetValues();
@@ -222,7 +235,7 @@ PutBackResult Work::Run() {
 }
 
 void Work::WriteFiles() {
-    (void)AwaitLibraryLock(kSetSeconds);
+    (void)AwaitLibraryLock(options_.lock_seconds);
     const StopSignals signals;
     const LibraryLock lock;
     result_.is_locked = lock.is_busy();
@@ -254,7 +267,7 @@ void Work::WriteFile(const FileImage& now) {
 void Work::SetValues() {
     for (const Step& step : StepsInOrder(entry_)) {
         const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
-        if (is_of_daemon && options_.skip_daemon) {
+        if (is_of_daemon && options_.at_boot) {
             result_.waits_for_daemon = true;
         } else if (NeedsLibrary(step.setting, foreign_)) {
             SetValue(step);
@@ -343,6 +356,11 @@ PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device&
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
     PutBackResult result = PutBack(change.entry(), options, device);
+    if (result.is_locked) {
+        report.Complain(Problem{.message = "change " + change.entry().id + ": not put back",
+                                .detail = "another program is changing settings",
+                                .remedy = "'velkctl recover' takes it back after that"});
+    }
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
@@ -354,9 +372,10 @@ PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device&
     return result;
 }
 
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report) {
+ExitStatus RestartAfter(const std::vector<std::string>& interfaces, const Device& device,
+                        Report& report) {
     ExitStatus status = ExitStatus::kDone;
-    for (const std::string& interface : entry.restarts) {
+    for (const std::string& interface : interfaces) {
         const Answer answer = device.Restart(interface, {});
         if (!answer.ok()) {
             report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));

@@ -29,9 +29,13 @@ enum class FileCase {
 // Compares a file with all images that the entry has of it.
 FileCase CompareFile(const FileImage& now, const JournalEntry& entry);
 
+// A set of another program ends within this time.
+inline constexpr int kSetSeconds = 2;
+
 struct PutBackOptions {
-    bool force = false;        // also replaces values that somebody has set since
-    bool skip_daemon = false;  // at a start, the wireless daemon does not run yet
+    bool force = false;    // also replaces values that somebody has set since
+    bool at_boot = false;  // neither the wireless daemon nor the SNMP agent runs yet
+    int lock_seconds = kSetSeconds;  // the longest time to wait for another program
 };
 
 struct PutBackResult {
@@ -50,13 +54,14 @@ struct PutBackResult {
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
 
 // Takes back an unfinished change: state reverting, PutBack(), then state reverted, or stuck if
-// something is left. Reports the items that are left.
+// something is left. Reports the items that are left, and another program that keeps the lock.
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report);
 
-// Restarts the interfaces that the change has restarted, so that they take the old settings.
-// Reports failures. Returns the status of the last one.
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report);
+// Restarts the interfaces, so that they take the settings that were put back. Reports failures.
+// Returns the status of the last one, or kDone.
+ExitStatus RestartAfter(const std::vector<std::string>& interfaces, const Device& device,
+                        Report& report);
 
 // Returns each setting that PutBack() would leave as it is, without --force, and the reason.
 std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& device);

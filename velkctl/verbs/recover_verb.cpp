@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velkctl/call/device.h"
@@ -69,33 +70,42 @@ ExitStatus StatusOf(const PutBackResult& result) {
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-// A change that was interrupted before its first step, or at a start of the device, needs none.
-bool NeedsRestart(EntryState state, bool at_boot) {
-    return state != EntryState::kPrepared && !at_boot;
+void ReportOutcome(const JournalEntry& entry, std::string_view outcome, Report& report) {
+    report.Inform("change " + entry.id + " of " + LocalTime(entry.time) + " " +
+                  std::string(outcome) + "\n");
 }
 
-// The trial and the DHCP clients come first: both depend on the files as they were left.
-PutBackResult PutEntryBack(OpenChange& change, const Invocation& invocation, const Device& device,
-                           Report& report) {
+// The trial and the DHCP clients come first: both depend on the files as they were left. At a start
+// of the device no interface is up yet, and none is restarted.
+ExitStatus PutEntryBack(OpenChange& change, const Invocation& invocation, const Device& device,
+                        Report& report) {
     if (const std::optional<Problem> problem = ExpectSteps(change, invocation.limits)) {
         report.Note(*problem);
     }
+    std::vector<std::string> down;
     if (!invocation.boot) {
-        EndClientsOf(change.entry(), device, report);
+        down = EndClientsOf(change.entry(), device, report);
     }
-    return TakeBack(change, {.skip_daemon = invocation.boot}, device, report);
+    const PutBackResult result =
+        TakeBack(change, {.at_boot = invocation.boot}, device, report);
+    ReportOutcome(change.entry(), OutcomeOf(result), report);
+    const ExitStatus status = StatusOf(result);
+    const bool is_done = status == ExitStatus::kDone && !invocation.boot;
+    const ExitStatus restarted =
+        RestartAfter(is_done ? change.entry().restarts : down, device, report);
+    return status == ExitStatus::kDone ? restarted : status;
 }
 
+// A change that was prepared has changed nothing: its interfaces stay as they are.
 ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
                         const Device& device, Report& report) {
     OpenChange change(stored);
-    const bool restarts = NeedsRestart(change.entry().state, invocation.boot);
-    const PutBackResult result = PutEntryBack(change, invocation, device, report);
-    report.Inform("change " + change.entry().id + " of " + LocalTime(change.entry().time) + " " +
-                  OutcomeOf(result) + "\n");
-    const ExitStatus status = StatusOf(result);
-    return status == ExitStatus::kDone && restarts ? RestartAfter(change.entry(), device, report)
-                                                   : status;
+    if (change.entry().state != EntryState::kPrepared) {
+        return PutEntryBack(change, invocation, device, report);
+    }
+    (void)TakeBack(change, {}, device, report);
+    ReportOutcome(change.entry(), "was not begun", report);
+    return ExitStatus::kDone;
 }
 
 }  // namespace

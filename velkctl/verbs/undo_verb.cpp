@@ -156,14 +156,15 @@ ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation
     if (const int error = Begin(change, entry, device); error != 0) {
         return FailForJournal(error, report);
     }
-    EndClientsOf(entry, device, report);
+    const std::vector<std::string> down = EndClientsOf(entry, device, report);
     const PutBackResult result = PutBack(entry, {.force = invocation.force}, device);
     const ExitStatus status = Close(change, result, entry, report);
-    if (status != ExitStatus::kDone || !result.has_changed) {
-        return status;
+    const bool is_done = status == ExitStatus::kDone && result.has_changed;
+    if (is_done) {
+        notes.Print(SettingsOf(entry), report);
     }
-    notes.Print(SettingsOf(entry), report);
-    return RestartAfter(entry, device, report);
+    const ExitStatus restarted = RestartAfter(is_done ? entry.restarts : down, device, report);
+    return status == ExitStatus::kDone ? restarted : status;
 }
 
 }  // namespace

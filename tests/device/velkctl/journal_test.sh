@@ -26,8 +26,52 @@ words='
         head -c -$((12 + 16)) "$entry" >/tmp/entry
         cat /tmp/entry >"$entry"
     }
+    # Makes the only entry one of another start of the device.
+    other_boot() {
+        python3 - $journal/0* <<END
+import struct, sys, zlib
+entry = open(sys.argv[1], "rb").read()
+length = struct.unpack("<I", entry[:4])[0]
+boot = open("/proc/sys/kernel/random/boot_id", "rb").read().strip()
+header = entry[12:12 + length].replace(boot, b"0" * len(boot))
+checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
+open(sys.argv[1], "wb").write(entry[:4] + checksum + entry[8:12] + header + entry[12 + length:])
+END
+    }
+    # Makes the first entry one of a change that has restarted eth0.
+    with_restart() {
+        python3 - $journal/0*1-* <<END
+import struct, sys, zlib
+entry = open(sys.argv[1], "rb").read()
+length = struct.unpack("<I", entry[:4])[0]
+header = entry[12:12 + length].replace(b"\"restarts\":[]", b"\"restarts\":[\"eth0\"]")
+checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
+start = struct.pack("<I", len(header)) + checksum + entry[8:12]
+open(sys.argv[1], "wb").write(start + header + entry[12 + length:])
+END
+    }
+    # Runs a client for eth0 that ifdown ends. Notes what is done with interfaces in /tmp/done.
+    with_client() {
+        python3 -c "import os; os.execv(\"/bin/sh\", [\"dhclient\", \"-c\", \"sleep 99; :\", \"eth0\"])" &
+        client=$!
+        until tr "\0" " " </proc/$client/cmdline | grep -q "^dhclient"; do sleep .02; done
+        stand_in_script ifdown "echo down \$1 >>/tmp/done; kill $client 2>/dev/null"
+        stand_in_script ifup "echo up \$1 >>/tmp/done"
+    }
+    # Cuts the first entry after its first state: its change was prepared and not begun.
+    prepare_only() {
+        python3 - $journal/0*1-* <<END
+import struct, sys
+entry = open(sys.argv[1], "rb").read()
+at = kind = 0
+while kind != 3:
+    length, _, kind = struct.unpack("<III", entry[at:at + 12])
+    at += 12 + length
+open(sys.argv[1], "wb").write(entry[:at])
+END
+    }
 '
-script() { on_device sh -c "$words$1"; }
+script() { on_device sh -c "$stand_in_word$words$1"; }
 
 # ---- undo -------------------------------------------------------------------------------------
 it 'takes the last set back, byte by byte'
@@ -79,6 +123,14 @@ output_is 'restart
 1
 restart
 restart'
+
+it 'leaves the SNMP agent alone at boot: it starts later'
+script 'velkctl set location here --quiet; interrupt; other_boot
+    printf "#!/bin/sh\necho \"\$@\" >>/tmp/asked\n" >/tmp/agent
+    chmod +x /tmp/agent; mount --bind /tmp/agent /etc/init.d/snmpd; velkctl recover --boot --quiet; echo "status $?"
+    grep -c "syslocation.*window" /usr/local/share/etc/snmp/snmpd.conf; ls /tmp/asked'
+output_is 'status 0
+1'
 
 it 'takes back the change that is named'
 script 'velkctl set eth0.address 192.168.0.77; velkctl set eth0.gateway 192.168.0.9
@@ -269,15 +321,7 @@ error_has 'was interrupted'
 it 'takes back at boot the changes from before it, and later the values of the daemon'
 script 'velk-sandbox cable out
     velkctl set eth0.address=192.168.0.77 ssid=other; interrupt; velkctl recover --boot
-    python3 - $journal/0* <<END
-import struct, sys, zlib
-entry = open(sys.argv[1], "rb").read()
-length = struct.unpack("<I", entry[:4])[0]
-boot = open("/proc/sys/kernel/random/boot_id", "rb").read().strip()
-header = entry[12:12 + length].replace(boot, b"0" * len(boot))
-checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
-open(sys.argv[1], "wb").write(entry[:4] + checksum + entry[8:12] + header + entry[12 + length:])
-END
+    other_boot
     velkctl recover --boot | sed -E "s/change .{4} of [-0-9: ]+ w/change ID of TIME w/"
     velkctl get eth0.address ssid; history | head -n 1
     velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ is/change ID of TIME is/"
@@ -339,22 +383,38 @@ same bytes'
 
 it 'restarts the interfaces that the change has restarted'
 script 'velk-sandbox adapter out; velkctl set eth0.address 192.168.0.77
-    with_restart() {
-        python3 - $journal/0*1-* <<END
-import struct, sys, zlib
-entry = open(sys.argv[1], "rb").read()
-length = struct.unpack("<I", entry[:4])[0]
-header = entry[12:12 + length].replace(b"\"restarts\":[]", b"\"restarts\":[\"eth0\"]")
-checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
-start = struct.pack("<I", len(header)) + checksum + entry[8:12]
-open(sys.argv[1], "wb").write(start + header + entry[12 + length:])
-END
-    }
     with_restart; velkctl restart eth0; velkctl undo --quiet; echo "status $?"
     ifconfig eth0 | grep -o "192\.168\.0\.[0-9]*" | head -n 1'
 output_is 'eth0: 192.168.0.77 (static)
 status 0
 192.168.0.10'
+
+it 'leaves no interface down if not all is put back'
+script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp location=there --quiet --no-verify
+    with_restart; with_client; for file in /var/libvelk/libvelk /usr/local/share/etc/snmp/snmpd.conf; do
+        mount --bind $file $file && mount -o remount,ro,bind $file
+    done
+    velkctl undo --quiet 2>/dev/null; echo "status $?"; velkctl get eth0.method
+    sed -n "1p;\$p" /tmp/done'
+output_is 'status 9
+static
+down eth0
+up eth0'
+
+it 'leaves no interface down if another program takes the lock'
+script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp --quiet --no-verify; with_restart; interrupt
+    with_client; flock /var/tmp/vklib_lock velkctl recover --quiet; echo "status $?"; cat /tmp/done'
+output_is 'status 3
+down eth0'
+error_has 'velkctl: eth0: could not be restarted'
+
+it 'does nothing for a change that was not begun'
+script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp --quiet --no-verify; with_restart; prepare_only
+    with_client; velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ w/change ID of TIME w/"
+    ls /tmp/done; history'
+output_is 'change ID of TIME was not begun
+ID  reverted
+  eth0.method  static -> dhcp'
 
 it 'says why a file of the journal is no entry'
 script 'mkdir -m 700 $journal && mkdir $journal/000001-bbbb && echo torn >$journal/000002-cccc

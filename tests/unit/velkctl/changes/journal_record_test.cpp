@@ -5,10 +5,12 @@
 #include "velkctl/changes/journal_record.h"
 
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/device_test.h"
@@ -101,6 +103,22 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
     EXPECT_EQ(ReadFile(kInterfaces), kText);
     EXPECT_EQ(Stored().state, EntryState::kReverted);
+}
+
+// A program keeps the lock for longer than a plain set takes.
+TEST_F(JournalRecordTest, WaitsForTheLibraryToPutTheFilesBack) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
+    const auto start = std::chrono::steady_clock::now();
+    int lock = VkLibLock();
+    libc().OnCall(Call::kNanosleep, [&](const testkit::Event&) {
+        if (lock != -1 && std::chrono::steady_clock::now() - start > std::chrono::seconds(3)) {
+            VkLibUnLock(std::exchange(lock, -1));
+        }
+    });
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
 }
 
 TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {

@@ -217,13 +217,25 @@ TEST_F(TakeBackTest, IsStuckWhereAnItemIsLeft) {
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
+TEST_F(TakeBackTest, SaysThatAnotherProgramKeepsTheLock) {
+    Interrupt(EntryState::kApplying, kNewText);
+    const int lock = VkLibLock();
+    EXPECT_TRUE(TakeBackLast({.lock_seconds = 0}).is_locked);
+    VkLibUnLock(lock);
+    EXPECT_EQ(error, "velkctl: change " + Stored().id +
+                         ": not put back\n  another program is changing settings\n"
+                         "  fix: 'velkctl recover' takes it back after that\n");
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+    EXPECT_EQ(Stored().state, EntryState::kReverting);
+}
+
 TEST_F(TakeBackTest, StaysOpenForTheDaemon) {
     {
         OpenChange change;
         ASSERT_EQ(change.Begin({.steps = {{*FindSetting("eth1.ssid"), DataOf("x")}}}, device), 0);
         ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
     }
-    EXPECT_TRUE(TakeBackLast({.skip_daemon = true}).waits_for_daemon);
+    EXPECT_TRUE(TakeBackLast({.at_boot = true}).waits_for_daemon);
     EXPECT_EQ(Stored().state, EntryState::kReverting);
 }
 

@@ -105,6 +105,7 @@ TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     JournalEntry entry = Change();
     entry.after.clear();
     WriteFile(kCopy, TextWith("192.168.0.2"));
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther) << "the change is closed";
     entry.state = EntryState::kApplying;
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kNew);
@@ -113,6 +114,24 @@ TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     EXPECT_EQ(CaseOf("# other\n", entry), FileCase::kOther);
     WriteFile(kCopy, "");
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther);
+}
+
+// Any user can make such a file.
+TEST_F(PutBackTest, DoesNotTrustAnEditCopyOfAnother) {
+    JournalEntry entry = Change();
+    entry.state = EntryState::kApplying;
+    const std::string theirs = "# an administrator\n";
+    WriteFile(kCopy, theirs);
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "another mode";
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kNew);
+    ASSERT_EQ(link(kCopy, "/var/tmp/second-name"), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "two names";
+    ASSERT_EQ(unlink(kCopy), 0);
+    ASSERT_EQ(symlink(kInterfaces, kCopy), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "a link to the file itself";
+    ASSERT_EQ(unlink("/var/tmp/second-name"), 0);
 }
 
 TEST_F(PutBackTest, TakesAnUnreadableFileForThatOfAnother) {
@@ -208,11 +227,9 @@ TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
 }
 
 TEST_F(PutBackTest, ReportsAnInterfaceThatCannotBeRestarted) {
-    JournalEntry entry = Change();
-    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kDone);
-    entry.restarts = {"eth2"};
+    EXPECT_EQ(velkctl::RestartAfter({}, device, report), velkctl::ExitStatus::kDone);
     testing::internal::CaptureStderr();
-    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kInvalid);
+    EXPECT_EQ(velkctl::RestartAfter({"eth2"}, device, report), velkctl::ExitStatus::kInvalid);
     EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
         "velkctl: eth2: could not be restarted\n"));
 }
@@ -251,7 +268,7 @@ TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
     JournalEntry entry;
     entry.steps = {{*FindSetting("eth1.ssid"), DataOf("new"), DataOf("old")},
                    {*FindSetting("eth1.psk"), DataOf("newer key"), Data{}}};
-    const PutBackResult result = Run(entry, {.skip_daemon = true});
+    const PutBackResult result = Run(entry, {.at_boot = true});
     EXPECT_TRUE(result.waits_for_daemon);
     EXPECT_FALSE(result.is_whole());
     EXPECT_TRUE(result.left.empty());
