@@ -57,7 +57,11 @@ std::optional<Data> ValueFromJson(const Json& value) {
     if (value.is_null()) {
         return std::nullopt;
     }
-    return ParseHex(value.get<std::string>()).data;
+    Parsed parsed = ParseHex(value.get<std::string>());
+    if (!parsed.ok()) {
+        throw std::invalid_argument("value");
+    }
+    return parsed.data;
 }
 
 Json StepToJson(const Step& step) {
@@ -233,6 +237,14 @@ std::string EncodeState(EntryState state) {
 
 std::string EncodeSteps(size_t made) {
     return EncodeFrame(FrameKind::kSteps, Json{{"made", made}}.dump());
+}
+
+size_t SizeOf(const std::vector<FileImage>& images) {
+    size_t size = 0;
+    for (const FileImage& image : images) {
+        size += image.bytes.size();
+    }
+    return size;
 }
 
 void AddAfter(JournalEntry& entry, FileImage image) {

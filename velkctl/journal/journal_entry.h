@@ -74,6 +74,9 @@ std::string EncodeAfter(const std::vector<FileImage>& images);
 // The number of steps that were made, if not all.
 std::string EncodeSteps(size_t made);
 
+// Returns the number of bytes of the files.
+size_t SizeOf(const std::vector<FileImage>& images);
+
 // Makes the image the latest one of its file after the change.
 void AddAfter(JournalEntry& entry, FileImage image);
 

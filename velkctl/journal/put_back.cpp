@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstring>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
@@ -23,6 +24,7 @@
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/take_line.h"
 
 namespace velkctl {
 namespace {
@@ -45,20 +47,13 @@ bool IsCutOf(const FileImage& now, const FileImage& image) {
     return now.exists && now.error == 0 && is_cut;
 }
 
-std::string_view CutLine(std::string_view& text) {
-    const size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(end);
-    return line;
-}
-
 // True if each line is one of these two texts' lines at its place. The library makes some sets in
 // two edits; between them the file is neither as before nor as after.
 bool IsMixOf(std::string_view text, std::string_view one, std::string_view other) {
     while (!text.empty() && !one.empty() && !other.empty()) {
-        const std::string_view line = CutLine(text);
-        const bool is_of_one = line == CutLine(one);
-        if (line != CutLine(other) && !is_of_one) {
+        const std::string_view line = TakeLine(text);
+        const bool is_of_one = line == TakeLine(one);
+        if (line != TakeLine(other) && !is_of_one) {
             return false;
         }
     }
@@ -114,7 +109,7 @@ FileCase CompareWithEditCopy(const FileImage& now, const JournalEntry& entry) {
 }
 
 bool MayWrite(const FileImage& now) {
-    return !now.exists || access(now.path.c_str(), W_OK) == 0;
+    return !now.exists || faccessat(AT_FDCWD, now.path.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
 Problem Left(std::string subject, std::string detail) {
@@ -125,10 +120,6 @@ bool ChangesFile(const Setting& setting, std::string_view path) {
     return std::ranges::any_of(DeviceFiles(), [&](const DeviceFile& file) {
         return file.path == path && IsChangedBy(file, setting.row->id);
     });
-}
-
-bool IsSame(const Setting& setting, const Data& one, const Data& other) {
-    return setting.row->kind->Print(one) == setting.row->kind->Print(other);
 }
 
 // A key that is cleared comes last: the library does not clear the one in use.
@@ -145,8 +136,8 @@ std::string ObstacleOf(const Step& step, const Answer& held) {
     if (!held.ok()) {
         return "it cannot be read: " + FailureReason(held);
     }
-    const bool is_known = IsSame(step.setting, held.data, *step.old_value) ||
-                          (step.new_value && IsSame(step.setting, held.data, *step.new_value));
+    const bool is_known = IsSameValue(step.setting, held.data, *step.old_value) ||
+                          (step.new_value && IsSameValue(step.setting, held.data, *step.new_value));
     return is_known ? "" : "another program has set it since";
 }
 
@@ -196,15 +187,17 @@ std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
 constexpr std::string_view kUnknownOld = "its old value is not known";
 
 // Puts one entry back. The steps of it are members because they share the result.
-class Work {
+class Restoration {
   public:
-    Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(options), device_(device), values_(device) {}
+    Restoration(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                Report& report)
+        : entry_(entry), options_(options), device_(device), report_(report), values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
+    void WriteUnderLock();
     void WriteFile(const FileImage& now);
     void SetValues();
     void SetValue(const Step& step);
@@ -214,13 +207,14 @@ class Work {
     const JournalEntry& entry_;
     const PutBackOptions options_;
     const Device& device_;
+    Report& report_;
     Values values_;
     std::vector<std::string> foreign_;  // files that another program has written since
     bool restarts_agent_ = false;
     PutBackResult result_;
 };
 
-PutBackResult Work::Run() {
+PutBackResult Restoration::Run() {
     WriteFiles();
     if (result_.is_locked) {
         return std::move(result_);
@@ -234,9 +228,16 @@ PutBackResult Work::Run() {
     return std::move(result_);
 }
 
-void Work::WriteFiles() {
+void Restoration::WriteFiles() {
     (void)AwaitLibraryLock(options_.lock_seconds);
     const StopSignals signals;
+    WriteUnderLock();
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, "'velkctl recover' takes the change back", report_);
+    }
+}
+
+void Restoration::WriteUnderLock() {
     const LibraryLock lock;
     result_.is_locked = lock.is_busy();
     if (result_.is_locked) {
@@ -247,7 +248,7 @@ void Work::WriteFiles() {
     }
 }
 
-void Work::WriteFile(const FileImage& now) {
+void Restoration::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
     if (IsForeign(now, found)) {
         foreign_.push_back(now.path);
@@ -264,7 +265,7 @@ void Work::WriteFile(const FileImage& now) {
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
 }
 
-void Work::SetValues() {
+void Restoration::SetValues() {
     for (const Step& step : StepsInOrder(entry_)) {
         const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
         if (is_of_daemon && options_.at_boot) {
@@ -275,14 +276,14 @@ void Work::SetValues() {
     }
 }
 
-void Work::SetValue(const Step& step) {
+void Restoration::SetValue(const Step& step) {
     const std::string name = step.setting.name();
     if (!step.old_value) {
         result_.left.push_back(Left(name, std::string(kUnknownOld)));
         return;
     }
     const Answer held = values_.Get(step.setting);
-    if (held.ok() && IsSame(step.setting, held.data, *step.old_value)) {
+    if (held.ok() && IsSameValue(step.setting, held.data, *step.old_value)) {
         return;
     }
     const std::string obstacle = ObstacleOf(step, held);
@@ -298,17 +299,17 @@ void Work::SetValue(const Step& step) {
 }
 
 // Returns the reason of a failure; empty if the device holds the value.
-std::string Work::SetOldValue(const Step& step) {
+std::string Restoration::SetOldValue(const Step& step) {
     const Answer answer = device_.Set(step.setting, *step.old_value);
     if (!answer.ok()) {
         return FailureReason(answer);
     }
     const Answer held = values_.Get(step.setting);
-    const bool is_held = held.ok() && IsSame(step.setting, held.data, *step.old_value);
+    const bool is_held = held.ok() && IsSameValue(step.setting, held.data, *step.old_value);
     return is_held ? "" : "the library reported success, but the device holds another value";
 }
 
-void Work::FlushFiles() {
+void Restoration::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
             result_.left.push_back(Left(before.path, strerror(error)));
@@ -343,8 +344,9 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
     return was_cut ? FileCase::kCut : CompareWithEditCopy(now, entry);
 }
 
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, options, device).Run();
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                      Report& report) {
+    return Restoration(entry, options, device, report).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
@@ -355,7 +357,7 @@ PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device&
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), options, device);
+    PutBackResult result = PutBack(change.entry(), options, device, report);
     if (result.is_locked) {
         report.Complain(Problem{.message = "change " + change.entry().id + ": not put back",
                                 .detail = "another program is changing settings",

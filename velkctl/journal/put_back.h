@@ -33,8 +33,8 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry);
 inline constexpr int kSetSeconds = 2;
 
 struct PutBackOptions {
-    bool force = false;    // also replaces values that somebody has set since
-    bool at_boot = false;  // neither the wireless daemon nor the SNMP agent runs yet
+    bool force = false;              // also replaces values that somebody has set since
+    bool at_boot = false;            // neither the wireless daemon nor the SNMP agent runs yet
     int lock_seconds = kSetSeconds;  // the longest time to wait for another program
 };
 
@@ -51,7 +51,9 @@ struct PutBackResult {
 // gives the settings in it their old values through the library; a setting that somebody has set
 // since keeps its value and is named. Then puts back the values of the wireless daemon and the link
 // speed, and writes the files to disk. Restarts nothing but the SNMP agent. Can be repeated.
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
+// After SIGINT or another signal it ends velkctl when the files are written, with a message.
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                      Report& report);
 
 // Takes back an unfinished change: state reverting, PutBack(), then state reverted, or stuck if
 // something is left. Reports the items that are left, and another program that keeps the lock.

@@ -42,9 +42,10 @@ void NoteUnusable(const StoredEntry& stored, Report& report) {
 
 // Returns the entries to take back, the last one first: it was made on top of the others.
 std::vector<StoredEntry> InterruptedEntries(const JournalListing& listing, bool at_boot) {
+    const std::string boot_id = RunningBootId();
     std::vector<StoredEntry> entries;
     for (const StoredEntry& stored : listing.entries) {
-        const bool is_meant = !at_boot || stored.decoded.entry.boot_id != RunningBootId();
+        const bool is_meant = !at_boot || stored.decoded.entry.boot_id != boot_id;
         if (stored.is_interrupted() && is_meant) {
             entries.push_back(stored);
         }
@@ -86,8 +87,7 @@ ExitStatus PutEntryBack(OpenChange& change, const Invocation& invocation, const 
     if (!invocation.boot) {
         down = EndClientsOf(change.entry(), device, report);
     }
-    const PutBackResult result =
-        TakeBack(change, {.at_boot = invocation.boot}, device, report);
+    const PutBackResult result = TakeBack(change, {.at_boot = invocation.boot}, device, report);
     ReportOutcome(change.entry(), OutcomeOf(result), report);
     const ExitStatus status = StatusOf(result);
     const bool is_done = status == ExitStatus::kDone && !invocation.boot;

@@ -108,7 +108,7 @@ int Begin(OpenChange& change, const JournalEntry& entry, const Device& device) {
 void ReportUndo(const JournalEntry& entry, const OpenChange& change, Report& report) {
     report.Inform(std::string(NameOf(entry.kind)) + " " + entry.id + " of " +
                   LocalTime(entry.time) + " is taken back\n" + StepLines(change.entry()));
-    report.Member("id", change.entry().id);
+    report.Member("id", change.is_begun() ? Json(change.entry().id) : Json(nullptr));
     report.Member("undoes", entry.id);
     report.Member("settings", StepsInJson(change.entry()));
 }
@@ -137,7 +137,8 @@ ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalE
     }
     (void)change.RecordFiles();
     if (const int error = change.Advance(EntryState::kDone); error != 0) {
-        report.Note(JournalProblem("undo: the journal may call it interrupted", error));
+        change.Discard();  // recover would make the change again
+        report.Note(JournalProblem("undo: undo cannot take this back", error));
     }
     ReportUndo(entry, change, report);
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
@@ -157,7 +158,7 @@ ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation
         return FailForJournal(error, report);
     }
     const std::vector<std::string> down = EndClientsOf(entry, device, report);
-    const PutBackResult result = PutBack(entry, {.force = invocation.force}, device);
+    const PutBackResult result = PutBack(entry, {.force = invocation.force}, device, report);
     const ExitStatus status = Close(change, result, entry, report);
     const bool is_done = status == ExitStatus::kDone && result.has_changed;
     if (is_done) {

@@ -104,6 +104,20 @@ TEST_F(OpenChangeTest, CanBeRepeatedWhileAnotherProgramChangesSettings) {
     EXPECT_EQ(Begin(change), 0);
 }
 
+// A program that sets the address while the old values are read is not taken for this change.
+TEST_F(OpenChangeTest, ReadsTheFilesAfterTheValues) {
+    constexpr char kTheirs[] = "iface eth0 inet static\n\taddress 192.168.0.9\n";
+    bool is_first = true;
+    libc().OnCall(testkit::Call::kClose, [&](const testkit::Event&) {
+        if (std::exchange(is_first, false)) {
+            WriteFile(kInterfaces, kTheirs);
+        }
+    });
+    OpenChange change;
+    ASSERT_EQ(Begin(change), 0);
+    EXPECT_EQ(Stored().before[0].bytes, kTheirs);
+}
+
 TEST_F(OpenChangeTest, RecordsFilesThatHaveChanged) {
     OpenChange change;
     ASSERT_EQ(Begin(change), 0);

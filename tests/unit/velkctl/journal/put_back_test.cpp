@@ -5,6 +5,7 @@
 #include "velkctl/journal/put_back.h"
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,7 +66,7 @@ class PutBackTest : public testkit::DeviceTest {
         return CompareFile(velkctl::ReadFileImage(kInterfaces), entry);
     }
     PutBackResult Run(const JournalEntry& entry, PutBackOptions options = {}) {
-        return PutBack(entry, options, device);
+        return PutBack(entry, options, device, report);
     }
     static std::vector<std::string> Texts(const std::vector<velkctl::Problem>& problems) {
         std::vector<std::string> texts;
@@ -262,6 +263,14 @@ TEST_F(PutBackTest, DoesNothingWhileAnotherProgramChangesSettings) {
     EXPECT_TRUE(result.is_locked);
     EXPECT_FALSE(result.is_whole());
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2"));
+}
+
+TEST_F(PutBackTest, NamesRecoverAfterASignal) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    libc().OnCall(testkit::Call::kWrite, [](const testkit::Event&) { (void)raise(SIGINT); });
+    EXPECT_EXIT((void)Run(Change()), testing::KilledBySignal(SIGINT),
+                "velkctl: interrupted; 'velkctl recover' takes the change back\n");
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
 }
 
 TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
