@@ -12,6 +12,7 @@
 #include "velkctl/changes/change_set.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_change.h"
 
 namespace velkctl {

@@ -23,7 +23,7 @@ struct DoneRestart {
 };
 
 struct RestartsResult {
-    ExitStatus status = ExitStatus::kDone;  // of the last one that failed
+    ExitStatus status = ExitStatus::kDone;  // the last failure, if any
     std::vector<DoneRestart> restarts{};    // also those that failed
 };
 

@@ -5,6 +5,7 @@
 // restore.
 #include "velkctl/files/file_image.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -19,6 +20,7 @@ namespace velkctl {
 namespace {
 
 constexpr mode_t kPermissions = 07777;
+constexpr size_t kBlockUnit = 512;  // st_blocks counts such units
 
 std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
@@ -34,8 +36,18 @@ int ErrorOf(const TextFile& file) {
     return file.state == FileState::kNotRegular ? EINVAL : file.error;
 }
 
-// Fails if the disk has no room for so many bytes. Not every file system can answer.
-int CheckRoom(const std::string& folder, size_t size) {
+// The bytes in the blocks of the file, which are free while it is written.
+size_t BytesInBlocks(const std::string& path) {
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0 ? static_cast<size_t>(facts.st_blocks) * kBlockUnit : 0;
+}
+
+// Fails if the disk has no room for the image beside the blocks of the present file. Not every file
+// system can answer.
+int CheckRoom(const FileImage& image) {
+    const size_t size =
+        image.bytes.size() - std::min(image.bytes.size(), BytesInBlocks(image.path));
+    const std::string folder = FolderOf(image.path);
     const velk::UniqueFd fd(open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600));
     if (fd.get() == -1 || size == 0) {
         return 0;
@@ -102,7 +114,7 @@ int WriteFileImage(const FileImage& image) {
     if (!image.exists) {
         return Remove(image.path);
     }
-    if (const int error = CheckRoom(FolderOf(image.path), image.bytes.size()); error != 0) {
+    if (const int error = CheckRoom(image); error != 0) {
         return error;
     }
     const velk::UniqueFd fd(open(image.path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));

@@ -31,7 +31,8 @@ FileImage ReadFileImage(const std::string& path);
 
 // Gives the file the bytes of the image in place: inode, owner and mode stay. Makes a missing file
 // with the image's mode and owner. Removes the file if the image has none. First makes sure that
-// the disk has room for the bytes. Returns 0 or errno; the file is not on disk until FlushFile().
+// the disk has room for the bytes that need more blocks than the present file has. Returns 0 or
+// errno; the file is not on disk until FlushFile().
 int WriteFileImage(const FileImage& image);
 
 // Writes the file and its folder to disk. A missing file is no failure. Returns 0 or errno.

@@ -58,7 +58,11 @@ std::optional<Data> ValueFromJson(const Json& value) {
     if (value.is_null()) {
         return std::nullopt;
     }
-    return ParseHex(value.get<std::string>()).data;
+    Parsed parsed = ParseHex(value.get<std::string>());
+    if (!parsed.ok()) {
+        throw std::invalid_argument("value");
+    }
+    return parsed.data;
 }
 
 Json StepToJson(const Step& step) {
@@ -262,6 +266,14 @@ void KeepSteps(JournalEntry& entry, const std::vector<std::string>& names) {
     std::erase_if(entry.steps, [&](const Step& step) {
         return std::ranges::find(names, step.setting.name()) == names.end();
     });
+}
+
+size_t SizeOf(const std::vector<FileImage>& images) {
+    size_t size = 0;
+    for (const FileImage& image : images) {
+        size += image.bytes.size();
+    }
+    return size;
 }
 
 void AddAfter(JournalEntry& entry, FileImage image) {

@@ -88,6 +88,9 @@ std::string EncodePutBack(const std::vector<std::string>& items);
 // Leaves only the steps with these names.
 void KeepSteps(JournalEntry& entry, const std::vector<std::string>& names);
 
+// Returns the number of bytes of the files.
+size_t SizeOf(const std::vector<FileImage>& images);
+
 // Makes the image the latest one of its file after the change.
 void AddAfter(JournalEntry& entry, FileImage image);
 

@@ -20,8 +20,10 @@ std::string RemedyOf(int error) {
         case EDQUOT:
             return std::string("free space on the disk of ") + velk::kLibraryFolder;
         case EACCES:
-        case EPERM:
             return "run it as root";
+        case EPERM:
+            return std::string("make ") + velk::kJournalFolder +
+                   " a folder of root where nobody else can write";
         default:
             return std::string("make ") + velk::kJournalFolder + " a folder that can be written";
     }

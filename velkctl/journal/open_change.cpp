@@ -20,6 +20,7 @@
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/data_bytes.h"
+#include "velkctl/text/take_line.h"
 
 namespace velkctl {
 namespace {
@@ -64,9 +65,7 @@ std::optional<Data> LinkModeOf(std::string_view interface) {
     const ToolRun run = RunTool({std::string(kLinkTool), std::string(interface)});
     velk::LinkSettings settings;
     for (std::string_view left = run.output; !left.empty();) {
-        const size_t end = std::min(left.find('\n'), left.size() - 1) + 1;
-        settings.Read(left.substr(0, end));
-        left.remove_prefix(end);
+        settings.Read(TakeLine(left));
     }
     Data data{};
     data[0] = static_cast<char>(settings.Mode());
@@ -99,12 +98,14 @@ JournalEntry NewEntry(const ChangePlan& plan) {
     return entry;
 }
 
-size_t SizeOf(const std::vector<FileImage>& images) {
-    size_t size = 0;
-    for (const FileImage& image : images) {
-        size += image.bytes.size();
+// The library's lock keeps other programs from the files while they are read.
+int ReadImages(JournalEntry& entry) {
+    const LibraryLock lock;
+    if (lock.is_busy()) {
+        return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
     }
-    return size;
+    entry.before = ImagesBefore(entry.steps);
+    return 0;
 }
 
 const FileImage* FindImage(const std::vector<FileImage>& images, const std::string& path) {
@@ -134,23 +135,19 @@ OpenChange::OpenChange(const StoredEntry& stored)
 
 int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
     JournalEntry entry = NewEntry(plan);
-    {
-        const LibraryLock lock;
-        if (lock.is_busy()) {
-            return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
-        }
-        entry.before = ImagesBefore(plan.steps);
-    }
     for (const Step& step : plan.steps) {
         const std::optional<Data> present = ConfiguredValue(step.setting, device);
         entry.steps.push_back({step.setting, step.new_value, present ? present : step.old_value});
     }
     interrupted_ = FindInterrupted();
-    PruneJournal(2 * SizeOf(entry.before));
+    if (const int error = ReadImages(entry); error != 0) {
+        return error;
+    }
     auto file = std::make_unique<EntryFile>(entry);
     if (file->error() != 0) {
         return file->error();
     }
+    PruneJournal(2 * SizeOf(entry.before));
     entry_ = std::move(entry);
     file_ = std::move(file);
     return 0;

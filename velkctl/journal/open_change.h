@@ -17,7 +17,7 @@
 
 namespace velkctl {
 
-// Returns the id that the kernel has given itself at its start; empty if unknown.
+// Returns the id of the running kernel, a new one at each start; empty if unknown.
 std::string RunningBootId();
 
 // A change as it is planned.
@@ -31,16 +31,17 @@ struct ChangePlan {
 
 std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes);
 
-// The caller holds the JournalLock. Every function returns 0 or errno; after a failure the entry on
-// disk is the one before.
+// The caller holds the JournalLock. Functions with int return 0 or errno. After a write that
+// failed, the entry on disk is the one before.
 class OpenChange {
   public:
     OpenChange() = default;
     // Continues an entry of the folder, to take it back.
     explicit OpenChange(const StoredEntry& stored);
 
-    // Reads the old values of the settings, then the files that the change touches, under the
-    // library's lock, and writes the entry in state prepared. EWOULDBLOCK: another program is
+    // Reads the old values of the settings. Then reads the files that the change touches, under the
+    // library's lock, and writes the entry in state prepared. The files come last: a set of another
+    // program after them would pass for a part of this change. EWOULDBLOCK: another program is
     // changing settings; nothing is written, and the call can be repeated. EBUSY: the library's
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
@@ -66,7 +67,7 @@ class OpenChange {
     int FlushFiles() const;
     // True if the recorded files are as before the change.
     bool HasChangedNoFile() const;
-    // Removes the entry, for a change that has changed nothing.
+    // Removes the entry: nothing has changed, or it cannot be closed.
     void Discard();
 
     const JournalEntry& entry() const { return entry_; }

@@ -11,6 +11,7 @@
 #include <optional>
 #include <utility>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
@@ -27,6 +28,7 @@
 #include "velkctl/settings/value_text.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/take_line.h"
 
 namespace velkctl {
 namespace {
@@ -49,20 +51,13 @@ bool IsCutOf(const FileImage& now, const FileImage& image) {
     return now.exists && now.error == 0 && is_cut;
 }
 
-std::string_view CutLine(std::string_view& text) {
-    const size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(end);
-    return line;
-}
-
 // True if each line is one of these two texts' lines at its place. The library makes some sets in
 // two edits; between them the file is neither as before nor as after.
 bool IsMixOf(std::string_view text, std::string_view one, std::string_view other) {
     while (!text.empty() && !one.empty() && !other.empty()) {
-        const std::string_view line = CutLine(text);
-        const bool is_of_one = line == CutLine(one);
-        if (line != CutLine(other) && !is_of_one) {
+        const std::string_view line = TakeLine(text);
+        const bool is_of_one = line == TakeLine(one);
+        if (line != TakeLine(other) && !is_of_one) {
             return false;
         }
     }
@@ -118,7 +113,7 @@ FileCase CompareWithEditCopy(const FileImage& now, const JournalEntry& entry) {
 }
 
 bool MayWrite(const FileImage& now) {
-    return !now.exists || access(now.path.c_str(), W_OK) == 0;
+    return !now.exists || faccessat(AT_FDCWD, now.path.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
 bool Contains(const std::vector<std::string>& list, const std::string& item) {
@@ -147,10 +142,6 @@ bool ChangesFile(const Setting& setting, std::string_view path) {
     return std::ranges::any_of(DeviceFiles(), [&](const DeviceFile& file) {
         return file.path == path && IsChangedBy(file, setting.row->id);
     });
-}
-
-bool IsSame(const Setting& setting, const Data& one, const Data& other) {
-    return setting.row->kind->Print(one) == setting.row->kind->Print(other);
 }
 
 // A key that is cleared comes last: the library does not clear the one in use.
@@ -185,8 +176,8 @@ Problem SetSince(const Step& step, const Data& held, const PutBackOptions& optio
 }
 
 bool IsOfChange(const Step& step, const Data& held) {
-    return IsSame(step.setting, held, *step.old_value) ||
-           (step.new_value && IsSame(step.setting, held, *step.new_value));
+    return IsSameValue(step.setting, held, *step.old_value) ||
+           (step.new_value && IsSameValue(step.setting, held, *step.new_value));
 }
 
 // Returns the reason why the value stays as it is; nothing if it can be put back.
@@ -239,14 +230,14 @@ const FileImage* LastImage(const std::vector<const JournalEntry*>& changes,
     return nullptr;
 }
 
-// True if a later change has made the file what it is. One that was cut is no change's work.
+// True if the text of the file is that of a later change. No change leaves a file cut.
 bool IsOfLater(const FileImage& now, FileCase found,
                const std::vector<const JournalEntry*>& later) {
     const FileImage* image = LastImage(later, now.path);
     return image != nullptr && (found == FileCase::kNew || now.HasContentsOf(*image));
 }
 
-// True if a setting in the file was put back alone, because the file had text of another program.
+// True if a setting in the file was put back alone, because the file has text of another program.
 bool HasSettingPutBack(const JournalEntry& entry, const std::string& path) {
     return std::ranges::any_of(entry.steps, [&](const Step& step) {
         return Contains(entry.put_back, step.setting.name()) && ChangesFile(step.setting, path);
@@ -280,15 +271,21 @@ std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
 }
 
 // Puts one entry back. The steps of it are members because they share the result.
-class Work {
+class Restoration {
   public:
-    Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
+    Restoration(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                Report& report)
+        : entry_(entry),
+          options_(std::move(options)),
+          device_(device),
+          report_(report),
+          values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
+    void WriteUnderLock();
     void WriteFile(const FileImage& now);
     void SetValues();
     void SetValueOf(const Step& step);
@@ -301,6 +298,7 @@ class Work {
     const JournalEntry& entry_;
     const PutBackOptions options_;
     const Device& device_;
+    Report& report_;
     Values values_;
     std::vector<std::string> foreign_;  // files that another program has written since
     std::vector<std::string> failed_;   // files that could not be written to disk
@@ -309,7 +307,7 @@ class Work {
     PutBackResult result_;
 };
 
-PutBackResult Work::Run() {
+PutBackResult Restoration::Run() {
     WriteFiles();
     if (result_.is_locked) {
         return std::move(result_);
@@ -324,9 +322,16 @@ PutBackResult Work::Run() {
     return std::move(result_);
 }
 
-void Work::WriteFiles() {
+void Restoration::WriteFiles() {
     (void)AwaitLibraryLock(options_.lock_seconds);
     const StopSignals signals;
+    WriteUnderLock();
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, "'velkctl recover' takes the change back", report_);
+    }
+}
+
+void Restoration::WriteUnderLock() {
     const LibraryLock lock;
     result_.is_locked = lock.is_busy();
     if (result_.is_locked) {
@@ -339,7 +344,7 @@ void Work::WriteFiles() {
     }
 }
 
-void Work::WriteFile(const FileImage& now) {
+void Restoration::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
     if (IsForeign(now, found, entry_, options_.later)) {
         foreign_.push_back(now.path);
@@ -357,7 +362,7 @@ void Work::WriteFile(const FileImage& now) {
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
 }
 
-void Work::SetValues() {
+void Restoration::SetValues() {
     for (const Step& step : StepsInOrder(entry_)) {
         if (!Contains(entry_.put_back, step.setting.name())) {
             SetValueOf(step);
@@ -365,7 +370,7 @@ void Work::SetValues() {
     }
 }
 
-void Work::SetValueOf(const Step& step) {
+void Restoration::SetValueOf(const Step& step) {
     const std::string name = step.setting.name();
     const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
     if (KeepsLaterValue(step.setting)) {
@@ -381,18 +386,18 @@ void Work::SetValueOf(const Step& step) {
     }
 }
 
-bool Work::KeepsLaterValue(const Setting& setting) const {
+bool Restoration::KeepsLaterValue(const Setting& setting) const {
     const auto sets = [&](const JournalEntry* later) { return HasStep(later, setting); };
     return !options_.force && std::ranges::any_of(options_.later, sets);
 }
 
 // Returns the problem if the setting is left.
-std::optional<Problem> Work::SetValue(const Step& step) {
+std::optional<Problem> Restoration::SetValue(const Step& step) {
     if (!step.old_value) {
         return LeftSetting(step.setting, std::string(kUnknownOld), options_);
     }
     const Answer held = values_.Get(step.setting);
-    if (held.ok() && IsSame(step.setting, held.data, *step.old_value)) {
+    if (held.ok() && IsSameValue(step.setting, held.data, *step.old_value)) {
         return std::nullopt;
     }
     if (std::optional<Problem> obstacle = ObstacleOf(step, held, options_)) {
@@ -407,17 +412,17 @@ std::optional<Problem> Work::SetValue(const Step& step) {
 }
 
 // Returns the reason of a failure; empty if the device holds the value.
-std::string Work::SetOldValue(const Step& step) {
+std::string Restoration::SetOldValue(const Step& step) {
     const Answer answer = device_.Set(step.setting, *step.old_value);
     if (!answer.ok()) {
         return FailureReason(answer);
     }
     const Answer held = values_.Get(step.setting);
-    const bool is_held = held.ok() && IsSame(step.setting, held.data, *step.old_value);
+    const bool is_held = held.ok() && IsSameValue(step.setting, held.data, *step.old_value);
     return is_held ? "" : "the library reported success, but the device holds another value";
 }
 
-void Work::FlushFiles() {
+void Restoration::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
             result_.left.push_back(LeftFile(before.path, error, options_));
@@ -427,7 +432,7 @@ void Work::FlushFiles() {
 }
 
 // A setting is put back if the library has set it, or if all of its files are put back.
-void Work::AddPutBack() {
+void Restoration::AddPutBack() {
     const auto is_failed = [&](const Step& step) {
         return std::ranges::any_of(
             failed_, [&](const std::string& path) { return ChangesFile(step.setting, path); });
@@ -481,8 +486,9 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
     return was_cut ? FileCase::kCut : CompareWithEditCopy(now, entry);
 }
 
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, std::move(options), device).Run();
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                      Report& report) {
+    return Restoration(entry, std::move(options), device, report).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
@@ -493,7 +499,7 @@ PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device&
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), std::move(options), device);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device, report);
     if (result.is_locked) {
         Problem problem =
             LockedProblem("change " + change.entry().id + ": not put back", velk::kLockFile);

@@ -60,7 +60,9 @@ struct PutBackResult {
 // that the entry calls put back is touched. Then puts back the values of the wireless daemon and
 // the link speed, and writes the files to disk. Restarts nothing but the SNMP agent. Can be
 // repeated.
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
+// After SIGINT or another signal it ends velkctl when the files are written, with a message.
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                      Report& report);
 
 // Takes back an unfinished change: state reverting, PutBack(), then state reverted, or stuck if
 // something is left. Records the items that were put back, unless all were. Reports the items that

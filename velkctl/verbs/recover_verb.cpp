@@ -166,6 +166,24 @@ ExitStatus RecoverEntry(const InterruptedEntry& interrupted, const Invocation& i
     return PutEntryBack(change, options, invocation.limits, device, report);
 }
 
+// Returns the status of the last change that is not taken back, or kDone.
+ExitStatus RecoverEntries(const std::vector<InterruptedEntry>& entries,
+                          const Invocation& invocation, Report& report) {
+    const Device device(invocation.limits, report);
+    ExitStatus status = ExitStatus::kDone;
+    Json changes = Json::array();
+    for (const InterruptedEntry& entry : entries) {
+        const ExitStatus own = RecoverEntry(entry, invocation, device, report);
+        status = own == ExitStatus::kDone ? status : own;
+        changes.push_back(entry.stored->decoded.entry.id);
+    }
+    if (entries.empty()) {
+        report.Inform("nothing to recover\n");
+    }
+    report.Member("changes", std::move(changes));
+    return status;
+}
+
 }  // namespace
 
 ExitStatus RunRecover(const Invocation& invocation, Report& report) {
@@ -182,20 +200,7 @@ ExitStatus RunRecover(const Invocation& invocation, Report& report) {
         NoteUnusable(stored, report);
     }
     RemoveTornEntries(listing);
-    const Device device(invocation.limits, report);
-    ExitStatus status = ExitStatus::kDone;
-    Json changes = Json::array();
-    const std::vector<InterruptedEntry> interrupted = InterruptedEntries(listing, invocation.boot);
-    for (const InterruptedEntry& entry : interrupted) {
-        const ExitStatus own = RecoverEntry(entry, invocation, device, report);
-        status = own == ExitStatus::kDone ? status : own;
-        changes.push_back(entry.stored->decoded.entry.id);
-    }
-    if (interrupted.empty()) {
-        report.Inform("nothing to recover\n");
-    }
-    report.Member("changes", std::move(changes));
-    return status;
+    return RecoverEntries(InterruptedEntries(listing, invocation.boot), invocation, report);
 }
 
 }  // namespace velkctl

@@ -205,7 +205,7 @@ PutBackOptions OptionsOf(const JournalEntry& entry, const Invocation& invocation
 ExitStatus PutChangeBack(OpenChange& change, const JournalEntry& entry,
                          const Invocation& invocation, const Device& device, Report& report) {
     const std::vector<std::string> down = EndClientsOf(entry, device, report);
-    const PutBackResult result = PutBack(entry, OptionsOf(entry, invocation), device);
+    const PutBackResult result = PutBack(entry, OptionsOf(entry, invocation), device, report);
     if (!result.has_changed) {
         change.Discard();
         const ExitStatus status = StatusWithoutChange(result, entry, report);

@@ -5,10 +5,12 @@
 #include "velkctl/changes/journal_record.h"
 
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/device_test.h"
@@ -103,6 +105,22 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
+// A program keeps the lock for longer than a plain set takes.
+TEST_F(JournalRecordTest, WaitsForTheLibraryToPutTheFilesBack) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
+    const auto start = std::chrono::steady_clock::now();
+    int lock = VkLibLock();
+    libc().OnCall(Call::kNanosleep, [&](const testkit::Event&) {
+        if (lock != -1 && std::chrono::steady_clock::now() - start > std::chrono::seconds(3)) {
+            VkLibUnLock(std::exchange(lock, -1));
+        }
+    });
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+}
+
 TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 192.168.0.3\n");
@@ -110,8 +128,8 @@ TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "velkctl: eth0.address: not put back\n"
-              "  it was set since, to '192.168.0.3'; saved value: '192.168.0.1';\n"
-              "    file: /etc/network/interfaces\n"
+              "  it was set since, to '192.168.0.3'\n"
+              "  saved value: '192.168.0.1'; file: /etc/network/interfaces\n"
               "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
     EXPECT_EQ(Stored().state, EntryState::kStuck);
 }

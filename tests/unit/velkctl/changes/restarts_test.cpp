@@ -37,7 +37,7 @@ TEST_F(RestartsTest, ReportAnInterfaceThatCannotBeRestarted) {
               R"([{"interface":"eth2","seconds":0,"state":null}])");
 }
 
-// The library reports success for a restart whose tools are missing.
+// The library reports success for a restart without its tools.
 TEST_F(RestartsTest, ReportAnInterfaceThatDidNotComeUp) {
     testing::internal::CaptureStderr();
     const RestartsResult result = RestartAll({"eth0"}, {.timeout_seconds = 1}, device, report);

@@ -107,6 +107,17 @@ TEST_F(FileImageTest, KeepsTheFileOnAFullDisk) {
     EXPECT_EQ(ReadFile(kFile), "text");
 }
 
+TEST_F(FileImageTest, NeedsNoRoomBesideItsBlocksOnAFullDisk) {
+    const testkit::Emptied full("/etc/network", "size=8k");
+    WriteFile(kFile, "the new text");
+    WriteFile("/etc/network/fill", std::string(4096, 'x'));
+    EXPECT_EQ(WriteFileImage({.path = kFile, .exists = true, .bytes = "text"}), 0);
+    EXPECT_EQ(ReadFile(kFile), "text");
+    const FileImage longer{.path = kFile, .exists = true, .bytes = std::string(4097, 'x')};
+    EXPECT_EQ(WriteFileImage(longer), ENOSPC);
+    EXPECT_EQ(ReadFile(kFile), "text");
+}
+
 TEST_F(FileImageTest, ReportsAFileThatCannotBeFlushed) {
     WriteFile(kFile, "text");
     libc().Script(testkit::Call::kOpen, {testkit::Fail(EIO)});

@@ -187,6 +187,7 @@ TEST(JournalEntry, IsDamagedIfItMakesNoSense) {
     EXPECT_EQ(WithHeader("{", "").health, EntryHealth::kDamaged);
     EXPECT_EQ(WithHeader("\"apply\"", "\"other\"").health, EntryHealth::kDamaged);
     EXPECT_EQ(WithHeader("eth0.address", "eth0.addless").health, EntryHealth::kDamaged);
+    EXPECT_EQ(WithHeader("\"old\":\"", "\"old\":\"x").health, EntryHealth::kDamaged);
     EXPECT_EQ(
         DecodeEntry(EncodeEntry(SomeEntry()) + EncodeFrame(FrameKind::kState, R"({"state":"odd"})"))
             .health,

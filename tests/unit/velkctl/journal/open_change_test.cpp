@@ -104,6 +104,20 @@ TEST_F(OpenChangeTest, CanBeRepeatedWhileAnotherProgramChangesSettings) {
     EXPECT_EQ(Begin(change), 0);
 }
 
+// A program that sets the address while the old values are read is not taken for this change.
+TEST_F(OpenChangeTest, ReadsTheFilesAfterTheValues) {
+    constexpr char kTheirs[] = "iface eth0 inet static\n\taddress 192.168.0.9\n";
+    bool is_first = true;
+    libc().OnCall(testkit::Call::kClose, [&](const testkit::Event&) {
+        if (std::exchange(is_first, false)) {
+            WriteFile(kInterfaces, kTheirs);
+        }
+    });
+    OpenChange change;
+    ASSERT_EQ(Begin(change), 0);
+    EXPECT_EQ(Stored().before[0].bytes, kTheirs);
+}
+
 TEST_F(OpenChangeTest, RecordsFilesThatHaveChanged) {
     OpenChange change;
     ASSERT_EQ(Begin(change), 0);
@@ -214,8 +228,8 @@ TEST_F(TakeBackTest, IsStuckWhereAnItemIsLeft) {
     EXPECT_EQ(Stored().state, EntryState::kStuck);
     EXPECT_EQ(error,
               "velkctl: eth0.address: not put back\n"
-              "  it was set since, to '192.168.0.3'; saved value: '192.168.0.1';\n"
-              "    file: /etc/network/interfaces\n"
+              "  it was set since, to '192.168.0.3'\n"
+              "  saved value: '192.168.0.1'; file: /etc/network/interfaces\n"
               "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
     EXPECT_TRUE(TakeBackLast({.force = true}).is_whole());
     EXPECT_EQ(Stored().state, EntryState::kReverted);
@@ -266,6 +280,23 @@ TEST_F(TakeBackTest, NotesTheValueOfALaterChange) {
     EXPECT_EQ(error,
               "velkctl: note: eth0.address: keeps its value, which a later change has set\n");
     EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+}
+
+TEST_F(TakeBackTest, SaysThatAnotherProgramKeepsTheLock) {
+    Interrupt(EntryState::kApplying, kNewText);
+    const int lock = VkLibLock();
+    EXPECT_TRUE(TakeBackLast({.lock_seconds = 0}).is_locked);
+    VkLibUnLock(lock);
+    EXPECT_TRUE(error.starts_with("velkctl: change " + Stored().id +
+                                  ": not put back\n  another program is changing settings\n"
+                                  "  process "))
+        << error;
+    EXPECT_TRUE(
+        error.ends_with(" holds the lock\n"
+                        "  fix: 'velkctl recover' takes it back after that\n"))
+        << error;
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+    EXPECT_EQ(Stored().state, EntryState::kReverting);
 }
 
 TEST_F(TakeBackTest, StaysOpenForTheDaemon) {

@@ -5,6 +5,7 @@
 #include "velkctl/journal/put_back.h"
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,7 +66,7 @@ class PutBackTest : public testkit::DeviceTest {
         return CompareFile(velkctl::ReadFileImage(kInterfaces), entry);
     }
     PutBackResult Run(const JournalEntry& entry, PutBackOptions options = {}) {
-        return PutBack(entry, options, device);
+        return PutBack(entry, options, device, report);
     }
     static std::vector<std::string> Texts(const std::vector<velkctl::Problem>& problems) {
         std::vector<std::string> texts;
@@ -105,6 +106,7 @@ TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     JournalEntry entry = Change();
     entry.after.clear();
     WriteFile(kCopy, TextWith("192.168.0.2"));
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther) << "the change is closed";
     entry.state = EntryState::kApplying;
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kNew);
@@ -113,6 +115,24 @@ TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     EXPECT_EQ(CaseOf("# other\n", entry), FileCase::kOther);
     WriteFile(kCopy, "");
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther);
+}
+
+// Any user can make such a file.
+TEST_F(PutBackTest, DoesNotTrustAnEditCopyOfAnother) {
+    JournalEntry entry = Change();
+    entry.state = EntryState::kApplying;
+    const std::string theirs = "# an administrator\n";
+    WriteFile(kCopy, theirs);
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "another mode";
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kNew);
+    ASSERT_EQ(link(kCopy, "/var/tmp/second-name"), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "two names";
+    ASSERT_EQ(unlink(kCopy), 0);
+    ASSERT_EQ(symlink(kInterfaces, kCopy), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "a link to the file itself";
+    ASSERT_EQ(unlink("/var/tmp/second-name"), 0);
 }
 
 TEST_F(PutBackTest, TakesAnUnreadableFileForThatOfAnother) {
@@ -211,8 +231,8 @@ TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
               std::vector{"/etc/network/interfaces: not put back; Input/output error"s});
 }
 
-// A later try must not replace what somebody has set after the first one.
-TEST_F(PutBackTest, NamesWhatWasPutBack) {
+// A later try must not replace a value that somebody has set after the first one.
+TEST_F(PutBackTest, NamesTheItemsThatWerePutBack) {
     WriteFile(kInterfaces, TextWith("192.168.0.2"));
     EXPECT_EQ(Run(Change()).put_back, (std::vector{std::string(kInterfaces), "eth0.address"s}));
     WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
@@ -224,7 +244,7 @@ TEST_F(PutBackTest, NamesWhatWasPutBack) {
     EXPECT_EQ(Run(Change()).put_back, std::vector<std::string>());
 }
 
-TEST_F(PutBackTest, DoesNotTouchWhatWasPutBack) {
+TEST_F(PutBackTest, TouchesNoItemThatWasPutBack) {
     JournalEntry entry = Change();
     entry.state = EntryState::kStuck;
     entry.put_back = {kInterfaces, "eth0.address"};
@@ -309,6 +329,14 @@ TEST_F(PutBackTest, DoesNothingWhileAnotherProgramChangesSettings) {
     EXPECT_TRUE(result.is_locked);
     EXPECT_FALSE(result.is_whole());
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2"));
+}
+
+TEST_F(PutBackTest, NamesRecoverAfterASignal) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    libc().OnCall(testkit::Call::kWrite, [](const testkit::Event&) { (void)raise(SIGINT); });
+    EXPECT_EXIT((void)Run(Change()), testing::KilledBySignal(SIGINT),
+                "velkctl: interrupted; 'velkctl recover' takes the change back\n");
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
 }
 
 TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
