@@ -55,8 +55,8 @@ END
         python3 -c "import os; os.execv(\"/bin/sh\", [\"dhclient\", \"-c\", \"sleep 99; :\", \"eth0\"])" &
         client=$!
         until tr "\0" " " </proc/$client/cmdline | grep -q "^dhclient"; do sleep .02; done
-        stand_in_script ifdown "echo down \$1 >>/tmp/done; kill $client 2>/dev/null"
-        stand_in_script ifup "echo up \$1 >>/tmp/done"
+        # Both names are those of one program.
+        stand_in_script ifup "echo \${0##*/} \$1 >>/tmp/done" "case \$0 in *ifdown) kill $client ;; esac"
     }
     # Cuts the first entry after its first state: its change was prepared and not begun.
     prepare_only() {
@@ -347,7 +347,8 @@ error_has 'velkctl: undo: nothing was changed
   fix: make /var/libvelk/journal a folder of root where nobody else can write'
 
 it 'finds a journal that is nearly full before the set'
-script 'mkdir $journal && mount -t tmpfs -o size=4k,mode=700 none $journal
+script 'for line in $(seq 40); do echo "# a comment in line $line of the interfaces"; done >>$interfaces
+    mkdir $journal && mount -t tmpfs -o size=4k,mode=700 none $journal
     velkctl set eth0.address 192.168.0.77; echo "status $?"; velkctl recover; velkctl get eth0.address'
 output_is 'status 0
 nothing to recover
@@ -558,8 +559,8 @@ script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp location=there --
     sed -n "1p;\$p" /tmp/done'
 output_is 'status 9
 static
-down eth0
-up eth0'
+ifdown eth0
+ifup eth0'
 
 it 'restarts an interface if a part is put back'
 script 'velk-sandbox adapter out; velkctl set eth0.address=192.168.0.77 location=ours --quiet --no-verify
@@ -574,7 +575,7 @@ it 'leaves no interface down if another program takes the lock'
 script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp --quiet --no-verify; with_restart; interrupt
     with_client; flock /var/tmp/vklib_lock velkctl recover --quiet; echo "status $?"; cat /tmp/done'
 output_is 'status 3
-down eth0'
+ifdown eth0'
 error_has 'velkctl: eth0: could not be restarted'
 
 it 'does nothing for a change that was not begun'

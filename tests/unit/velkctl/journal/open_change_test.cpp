@@ -107,9 +107,9 @@ TEST_F(OpenChangeTest, CanBeRepeatedWhileAnotherProgramChangesSettings) {
 // A program that sets the address while the old values are read is not taken for this change.
 TEST_F(OpenChangeTest, ReadsTheFilesAfterTheValues) {
     constexpr char kTheirs[] = "iface eth0 inet static\n\taddress 192.168.0.9\n";
-    bool is_first = true;
-    libc().OnCall(testkit::Call::kClose, [&](const testkit::Event&) {
-        if (std::exchange(is_first, false)) {
+    int opened = 0;
+    libc().OnCall(testkit::Call::kOpen, [&](const testkit::Event& event) {
+        if (event.text == kInterfaces && ++opened == 2) {
             WriteFile(kInterfaces, kTheirs);
         }
     });
