@@ -18,7 +18,8 @@ Findings CheckEntry(const StoredEntry& stored) {
     }
     const Finding about{.subject = "change " + stored.decoded.entry.id, .file = stored.path};
     if (stored.decoded.entry.state == EntryState::kStuck) {
-        return {about.Problem("is taken back only in part", "a value was set since",
+        return {about.Problem("is taken back only in part",
+                              "a file or setting could not be put back",
                               "velkctl recover --force; to leave it as it is, "
                               "velkctl recover --keep")};
     }

@@ -46,9 +46,8 @@ TEST_F(JournalCheck, FindsAChangeThatIsStuck) {
     const std::string path = Leave(EntryState::kStuck);
     EXPECT_EQ(FormatFindings(CheckJournal()),
               "problem: change " + IdOf(path) + " is taken back only in part\n  " + path +
-                  ": a value was set since\n"
-                  "  fix: velkctl recover --force;\n"
-                  "    to leave it as it is, velkctl recover --keep\n");
+                  ": a file or setting could not be put back\n"
+                  "  fix: velkctl recover --force; to leave it as it is, velkctl recover --keep\n");
 }
 
 }  // namespace
