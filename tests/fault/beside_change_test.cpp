@@ -258,9 +258,8 @@ class BesideChange : public testkit::DeviceTest {
         }
         if (meeting.work != Undo && status == 0) {
             EXPECT_EQ(Trace(Undo, 0, {}).result, 1);
-            EXPECT_THAT(
-                ReadFile(kMessages),
-                HasSubstr("eth0.address: not put back\n  another program has set it since"));
+            EXPECT_THAT(ReadFile(kMessages),
+                        HasSubstr("eth0.address: not put back\n  it was set since, to "));
             EXPECT_EQ(AddressNow(), kHis);
         }
         ++counts_.kept;

@@ -26,6 +26,8 @@ struct Answer {
     std::vector<std::string> tool_output{};  // the output of the tools that the library ran
 
     bool ok() const { return !timed_out && result == LIB_VELK_SUCCESS; }
+    // True if another program is changing settings: the command has done nothing.
+    bool is_locked() const { return !timed_out && result == LIB_VELK_LOCKED; }
     std::optional<int> known_result() const {
         return timed_out ? std::nullopt : std::optional(result);
     }

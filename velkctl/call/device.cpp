@@ -59,10 +59,6 @@ int SecondsForLock(const TimeLimits& limits) {
                                        : std::min(limits.wait_seconds, limits.timeout_seconds);
 }
 
-bool IsLocked(const Answer& answer) {
-    return !answer.timed_out && answer.result == LIB_VELK_LOCKED;
-}
-
 void NoteLockHolder(int seconds, Report& report) {
     const std::optional<LockHolder> holder = FindLockHolder();
     report.Note("waiting at most " + std::to_string(seconds) + " s for the lock" +
@@ -144,7 +140,7 @@ Answer Device::TryAgain(const PendingCall& call, int seconds, Answer answer) con
     NoteLockHolder(seconds, call.report);
     const StopSignals signals;
     Milliseconds left = Seconds(seconds);
-    for (Milliseconds pause = kFirstPause; IsLocked(answer) && left > Milliseconds::zero();
+    for (Milliseconds pause = kFirstPause; answer.is_locked() && left > Milliseconds::zero();
          pause = std::min(pause * 2, kLongestPause)) {
         const Milliseconds now = std::min(pause, left);
         Pause(now);
@@ -163,10 +159,10 @@ Answer Device::TryAgain(const PendingCall& call, int seconds, Answer answer) con
 Answer Device::Run(const PendingCall& call) const {
     Answer answer = ExecuteOnce(call);
     const int wait = SecondsForLock(limits_);
-    if (IsLocked(answer) && wait > 0) {
+    if (answer.is_locked() && wait > 0) {
         answer = TryAgain(call, wait, answer);
     }
-    if (IsLocked(answer)) {
+    if (answer.is_locked()) {
         answer.note = LockHolderNote(wait);
     }
     if (answer.timed_out) {

@@ -29,6 +29,7 @@ class Device {
     Device(const TimeLimits& limits, Report& report) : limits_(limits), report_(report) {}
 
     void WatchSets(SetWatcher& watcher) { watcher_ = &watcher; }
+    void StopWatching() { watcher_ = nullptr; }
 
     Answer Get(const Setting& setting) const;
     // The same, but stops after so many seconds at the latest. A plain read of files is limited by

@@ -9,6 +9,9 @@
 
 namespace velkctl {
 
+// A set of another program ends within this time.
+inline constexpr int kSetSeconds = 2;
+
 // Tries once to take the lock, and releases it at the end of its life. It does not use the lock
 // functions of the library: they write to the system log, which blocks while nothing reads it.
 class LibraryLock {

@@ -6,24 +6,17 @@
 #define VELKCTL_CHANGES_APPLY_H_
 
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "velkctl/call/device.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/change_record.h"
+#include "velkctl/changes/restarts.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
-#include <nlohmann/json.hpp>
 
 namespace velkctl {
-
-struct DoneRestart {
-    std::string interface;
-    int seconds;
-    Json state;
-};
 
 struct ApplyResult {
     ExitStatus status = ExitStatus::kDone;

@@ -212,10 +212,6 @@ bool SetsMethod(const ApplyPlan& plan, std::string_view interface, int method) {
     });
 }
 
-bool IsSameValue(const Setting& setting, const Data& one, const Data& other) {
-    return setting.row->kind->ToJson(one) == setting.row->kind->ToJson(other);
-}
-
 void SortSteps(std::vector<PlannedChange>& changes) {
     std::ranges::sort(changes, {}, [](const PlannedChange& planned) {
         const auto& [setting, value] = planned.change;

@@ -42,9 +42,6 @@ struct ApplyPlan {
     ExitStatus status = ExitStatus::kDone;  // kInvalid or that of an unreadable setting
 };
 
-// True if both values are the same for programs.
-bool IsSameValue(const Setting& setting, const Data& one, const Data& other);
-
 // Sorts the changes: method, address, netmask, gateway, apipa, dns, then the rest. The method
 // switches blocks of files that later ones change. Keys that are cleared come last: the library
 // does not clear the WEP key in use.

@@ -27,7 +27,7 @@ std::optional<Problem> EndDhcpClient(const std::string& interface);
 
 // Ends the clients of the interfaces that the change has restarted with the method dhcp, before it
 // is taken back and restarts them with the method static. Reports clients that still run. Returns
-// the interfaces that it has taken down.
+// the interfaces that it has taken down: they are to be restarted even if nothing is taken back.
 std::vector<std::string> EndClientsOf(const JournalEntry& entry, const Device& device,
                                       Report& report);
 

@@ -22,6 +22,9 @@
 namespace velkctl {
 namespace {
 
+// A change that is half made is worse than a long wait for another program.
+constexpr int kTakeBackSeconds = 120;
+
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
 }
@@ -104,11 +107,11 @@ std::optional<Problem> JournalRecord::Flush() {
 std::optional<Problem> JournalRecord::Finish() {
     const int error = change_.RecordFiles();
     if (error == 0 && change_.HasChangedNoFile() && IsInFiles(change_.entry().steps)) {
-        change_.Discard();
+        (void)change_.Discard();
         return std::nullopt;
     }
     return ProblemOf("apply: the change could not be recorded",
-                     error != 0 ? error : change_.Advance(EntryState::kConfirmed));
+                     error != 0 ? error : change_.Advance(EntryState::kDone));
 }
 
 void JournalRecord::StepMade() {
@@ -123,8 +126,10 @@ ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
         change_.RecordSteps(made_);
     }
     (void)ExpectSteps(change_, limits_);
-    return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
-                                                                     : ExitStatus::kPartlyBack;
+    const int seconds = std::max(limits_.wait_seconds, kTakeBackSeconds);
+    const PutBackResult result =
+        velkctl::TakeBack(change_, {.lock_seconds = seconds}, device, report);
+    return result.is_whole() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
 }
 
 }  // namespace velkctl

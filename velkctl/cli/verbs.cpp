@@ -89,11 +89,13 @@ constexpr std::array<VerbFlag, 4> kUndoFlags{{
     kVerbose,
     {"--force", "also replace values that were set since", &Invocation::force},
 }};
-constexpr std::array<VerbFlag, 4> kRecoverFlags{{
+constexpr std::array<VerbFlag, 6> kRecoverFlags{{
     kJson,
     kQuiet,
     kVerbose,
     {"--boot", "at the start of the device, before networking", &Invocation::boot},
+    {"--force", "also replace values that were set since", &Invocation::force},
+    {"--keep", "close the changes and keep the present values", &Invocation::keep},
 }};
 constexpr std::array<VerbFlag, 4> kExportFlags{{
     kJson,
@@ -369,8 +371,8 @@ constexpr std::array<Verb, 19> kVerbs{{
      "\n"
      "Files get their former bytes. If another program has written a file\n"
      "since, only the settings get their old values. If one of them was set since,\n"
-     "nothing is changed: status 1. --force replaces it. Exit status 9: something\n"
-     "could not be put back.\n"
+     "nothing is changed: status 1. --force replaces it. Exit status 9: only a part\n"
+     "was put back.\n"
      "\n"
      "Examples:\n"
      "  velkctl undo\n"
@@ -397,11 +399,16 @@ constexpr std::array<Verb, 19> kVerbs{{
      "A change is interrupted if velkctl was killed, or the power failed. --boot is\n"
      "for a script that runs before networking: it takes back the changes from before\n"
      "the start, and leaves the values of the wireless daemon to a later recover.\n"
-     "Exit status 9: something could not be put back.\n"
+     "\n"
+     "A value that was set since stays. If a later change has set it, that is noted.\n"
+     "Otherwise it is named, and the change is stuck: exit status 9. --force replaces\n"
+     "the value, --keep closes the change without taking it back. A file or setting\n"
+     "that was put back once is not touched again.\n"
      "\n"
      "Examples:\n"
      "  velkctl recover\n"
-     "  velkctl recover --boot",
+     "  velkctl recover --boot\n"
+     "  velkctl recover --force",
      {},
      kChangeOptions,
      kRecoverFlags,

@@ -38,6 +38,7 @@ struct Invocation {
     bool no_verify = false;
     bool no_journal = false;
     bool boot = false;
+    bool keep = false;
     bool dry_run = false;
     bool trace = false;
     bool no_pager = false;

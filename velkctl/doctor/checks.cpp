@@ -44,6 +44,7 @@ std::vector<Check> Checks(const Setting* setting, std::string_view value) {
         {CheckTools},  // ExamineFor() a setting runs CheckToolsFor() instead
         {CheckIfconfig, SettingsReadWith(kInterfaceTool)},
         {CheckLock},
+        {CheckJournal, {}},  // it keeps nothing from being set
         {CheckResultFile, SettingsReadWith()},
         {CheckQueryRemains, WirelessSettings()},
         {CheckAdapter, AdapterFacts()},

@@ -67,6 +67,7 @@ Findings CheckEditCopies();    // in /var/tmp
 Findings CheckResultFile();    // in /var/tmp
 Findings CheckQueryRemains();  // reply socket and semaphore
 Findings CheckLock();
+Findings CheckJournal();
 Findings CheckAdapter();
 
 // Queries the daemon, for a few seconds at most.

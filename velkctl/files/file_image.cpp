@@ -5,6 +5,7 @@
 // restore.
 #include "velkctl/files/file_image.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -22,6 +23,7 @@ namespace velkctl {
 namespace {
 
 constexpr mode_t kPermissions = 07777;
+constexpr size_t kBlockUnit = 512;  // st_blocks counts such units
 
 // Others have the file open for this time at most, as a rule.
 constexpr int kLeaseTries = 50;
@@ -41,8 +43,18 @@ int ErrorOf(const TextFile& file) {
     return file.state == FileState::kNotRegular ? EINVAL : file.error;
 }
 
-// Fails if the disk has no room for so many bytes. Not every file system can answer.
-int CheckRoom(const std::string& folder, size_t size) {
+// The bytes in the blocks of the file, which are free while it is written.
+size_t BytesInBlocks(const std::string& path) {
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0 ? static_cast<size_t>(facts.st_blocks) * kBlockUnit : 0;
+}
+
+// Fails if the disk has no room for the image beside the blocks of the present file. Not every file
+// system can answer.
+int CheckRoom(const FileImage& image) {
+    const size_t size =
+        image.bytes.size() - std::min(image.bytes.size(), BytesInBlocks(image.path));
+    const std::string folder = FolderOf(image.path);
     const velk::UniqueFd fd(open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600));
     if (fd.get() == -1 || size == 0) {
         return 0;
@@ -162,11 +174,15 @@ FileImage ReadFileImage(const std::string& path) {
     return image;
 }
 
+bool MayWrite(const FileImage& now) {
+    return !now.exists || faccessat(AT_FDCWD, now.path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
 int WriteFileImage(const FileImage& image, const FileImage& now) {
     if (!image.exists) {
         return Remove(now);
     }
-    if (const int error = CheckRoom(FolderOf(image.path), image.bytes.size()); error != 0) {
+    if (const int error = CheckRoom(image); error != 0) {
         return error;
     }
     return now.exists ? Replace(image, now) : Create(image);

@@ -29,12 +29,15 @@ struct FileImage {
 // Reads a file of at most a mebibyte. Never waits, as opening a FIFO would.
 FileImage ReadFileImage(const std::string& path);
 
+// True if this user may write the file, or if there is none.
+bool MayWrite(const FileImage& now);
+
 // Gives the file the bytes of the image in place: inode, owner and mode stay. Makes a missing file
 // with the image's mode and owner. Removes the file if the image has none. First makes sure that
-// the disk has room for the bytes. Writes only if the file has the contents of `now`: ESTALE means
-// that another program has written it meanwhile. Where the file system has leases, other programs
-// that open the file wait until it is written. Returns 0 or errno; the file is not on disk until
-// FlushFile().
+// the disk has room for the bytes that need more blocks than the present file has. Writes only if
+// the file has the contents of `now`: ESTALE means that another program has written it meanwhile.
+// Where the file system has leases, other programs that open the file wait until it is written.
+// Returns 0 or errno; the file is not on disk until FlushFile().
 int WriteFileImage(const FileImage& image, const FileImage& now);
 
 // Writes the file and its folder to disk. A missing file is no failure. Returns 0 or errno.

@@ -84,9 +84,9 @@ std::optional<LockHolder> Describe(int process) {
     return LockHolder{process, name, *seconds, {}};
 }
 
-std::optional<struct stat> LockFile() {
+std::optional<struct stat> LockFile(const char* path) {
     struct stat file {};
-    return stat(velk::kLockFile, &file) == 0 ? std::optional(file) : std::nullopt;
+    return stat(path, &file) == 0 ? std::optional(file) : std::nullopt;
 }
 
 }  // namespace
@@ -131,8 +131,8 @@ std::optional<long> SecondsRunning(std::string_view stat, std::string_view uptim
     return std::max(*now - static_cast<long>(*start / ticks_per_second), 0L);
 }
 
-std::optional<LockHolder> FindLockHolder() {
-    const std::optional<struct stat> file = LockFile();
+std::optional<LockHolder> FindLockHolder(const char* path) {
+    const std::optional<struct stat> file = LockFile(path);
     if (!file) {
         return std::nullopt;
     }
@@ -161,11 +161,11 @@ std::string DescribeHolder(const LockHolder& holder) {
            FormatDuration(holder.seconds) + " old" + others + ")";
 }
 
-std::string DescribeLockHolder() {
-    if (const std::optional<LockHolder> holder = FindLockHolder()) {
+std::string DescribeLockHolder(const char* path) {
+    if (const std::optional<LockHolder> holder = FindLockHolder(path)) {
         return DescribeHolder(*holder);
     }
-    const std::optional<struct stat> file = LockFile();
+    const std::optional<struct stat> file = LockFile(path);
     const std::optional<int> taker = file ? FirstHolderOf(*file) : std::nullopt;
     return taker && !Describe(*taker)
                ? "a child of process " + std::to_string(*taker) + ", which has ended"

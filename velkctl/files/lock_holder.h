@@ -12,6 +12,8 @@
 
 #include <sys/types.h>
 
+#include "lib/base/paths.h"
+
 namespace velkctl {
 
 struct LockHolder {
@@ -21,10 +23,11 @@ struct LockHolder {
     std::vector<int> others;  // processes with the same descriptor of the lock file
 };
 
-// Returns the process that holds the library's lock; nothing if none, or if it is unknown, as with
-// a process of another PID namespace. If the process that took the lock has ended, finds one that
-// it started and that has the descriptor; without root's rights, only among the user's own.
-std::optional<LockHolder> FindLockHolder();
+// Returns the process that holds a lock, that of the library if none is given; nothing if none, or
+// if it is unknown, as with a process of another PID namespace. If the process that took the lock
+// has ended, finds one that it started and that has the descriptor; without root's rights, only
+// among the user's own.
+std::optional<LockHolder> FindLockHolder(const char* path = velk::kLockFile);
 
 // Returns "process 1234 (name, 5 minutes old)", or "process 12 (sh, 3 seconds old, shared with
 // 13)".
@@ -32,7 +35,7 @@ std::string DescribeHolder(const LockHolder& holder);
 
 // Returns a text about the process that holds the lock; empty if none is found. If nothing but the
 // number of an ended process is known, says that a child of it holds the lock.
-std::string DescribeLockHolder();
+std::string DescribeLockHolder(const char* path = velk::kLockFile);
 
 // Returns the process that /proc/locks names as the holder of the flock(2) on this file.
 std::optional<int> FlockHolder(std::string_view locks, dev_t device, ino_t inode);

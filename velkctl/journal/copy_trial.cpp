@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 
-#include <unistd.h>
-
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/preview/trial_run.h"
@@ -16,9 +14,6 @@
 
 namespace velkctl {
 namespace {
-
-// A set of another program ends within this time.
-constexpr int kSetSeconds = 2;
 
 std::optional<std::vector<FileImage>> ReadFiles(const std::vector<FileImage>& files) {
     const LibraryLock lock(kSetSeconds);
@@ -32,8 +27,8 @@ std::optional<std::vector<FileImage>> ReadFiles(const std::vector<FileImage>& fi
     return images;
 }
 
-bool MayWrite(const FileImage& file) {
-    return file.error == 0 && (!file.exists || access(file.path.c_str(), W_OK) == 0);
+bool CanBeWritten(const FileImage& file) {
+    return file.error == 0 && MayWrite(file);
 }
 
 // The first and the last step get the setting.
@@ -69,7 +64,7 @@ std::optional<CopyTrial> TryInCopy(const Setting& setting, const Data& value,
     }
     CopyTrial trial{.held = run.answers.front()};
     AddChanged(run, *now, trial);
-    return std::ranges::all_of(trial.now, MayWrite) ? std::optional(trial) : std::nullopt;
+    return std::ranges::all_of(trial.now, CanBeWritten) ? std::optional(trial) : std::nullopt;
 }
 
 int CarryOver(const CopyTrial& trial) {

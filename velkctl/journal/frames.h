@@ -21,6 +21,8 @@ enum class FrameKind : uint32_t {
     kState = 3,
     kImageAfter = 4,
     kSteps = 5,
+    kPutBack = 10,  // 6 to 9 belong to the confirmation of a change
+    kMade = 11,
 };
 
 struct Frame {

@@ -28,7 +28,7 @@ struct StateRow {
     std::string_view name;
 };
 
-constexpr std::array<StateRow, 8> kStates{{
+constexpr std::array<StateRow, 9> kStates{{
     {EntryState::kPrepared, "prepared"},
     {EntryState::kApplying, "applying"},
     {EntryState::kWaiting, "waiting"},
@@ -37,6 +37,7 @@ constexpr std::array<StateRow, 8> kStates{{
     {EntryState::kReverting, "reverting"},
     {EntryState::kReverted, "reverted"},
     {EntryState::kStuck, "stuck"},
+    {EntryState::kKept, "kept"},
 }};
 
 struct KindRow {
@@ -58,7 +59,11 @@ std::optional<Data> ValueFromJson(const Json& value) {
     if (value.is_null()) {
         return std::nullopt;
     }
-    return ParseHex(value.get<std::string>()).data;
+    Parsed parsed = ParseHex(value.get<std::string>());
+    if (!parsed.ok()) {
+        throw std::invalid_argument("value");
+    }
+    return parsed.data;
 }
 
 Json StepToJson(const Step& step) {
@@ -177,6 +182,14 @@ size_t StepsFromJson(const Json& json, const JournalEntry& entry) {
     return std::min(json.at("made").get<size_t>(), entry.steps.size());
 }
 
+std::vector<std::string> NamesFrom(const Frame& frame) {
+    return Parse(frame.payload).at("names").get<std::vector<std::string>>();
+}
+
+void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& names) {
+    list.insert(list.end(), names.begin(), names.end());
+}
+
 void ReadFrame(const Frame& frame, JournalEntry& entry) {
     switch (frame.kind) {
         case FrameKind::kHeader:
@@ -194,6 +207,12 @@ void ReadFrame(const Frame& frame, JournalEntry& entry) {
         case FrameKind::kSteps:
             entry.steps.resize(StepsFromJson(Parse(frame.payload), entry));
             break;
+        case FrameKind::kPutBack:
+            AppendTo(entry.put_back, NamesFrom(frame));
+            break;
+        case FrameKind::kMade:
+            KeepSteps(entry, NamesFrom(frame));
+            break;
     }
 }
 
@@ -206,8 +225,8 @@ bool HasAnyState(std::string_view bytes, std::initializer_list<EntryState> state
 // A cut loses the end of an entry and nothing before it. After a damaged frame, a state says that
 // the change was begun, or even that it is finished.
 bool HidesState(std::string_view lost, EntryHealth health) {
-    const bool is_closed =
-        HasAnyState(lost, {EntryState::kDone, EntryState::kConfirmed, EntryState::kReverted});
+    const bool is_closed = HasAnyState(lost, {EntryState::kDone, EntryState::kConfirmed,
+                                              EntryState::kReverted, EntryState::kKept});
     return is_closed || (health == EntryHealth::kTorn &&
                          HasAnyState(lost, {EntryState::kApplying, EntryState::kWaiting,
                                             EntryState::kReverting, EntryState::kStuck}));
@@ -253,6 +272,28 @@ std::string EncodeState(EntryState state) {
 
 std::string EncodeSteps(size_t made) {
     return EncodeFrame(FrameKind::kSteps, Json{{"made", made}}.dump());
+}
+
+std::string EncodeMade(const std::vector<std::string>& names) {
+    return EncodeFrame(FrameKind::kMade, Json{{"names", names}}.dump());
+}
+
+std::string EncodePutBack(const std::vector<std::string>& items) {
+    return EncodeFrame(FrameKind::kPutBack, Json{{"names", items}}.dump());
+}
+
+void KeepSteps(JournalEntry& entry, const std::vector<std::string>& names) {
+    std::erase_if(entry.steps, [&](const Step& step) {
+        return std::ranges::find(names, step.setting.name()) == names.end();
+    });
+}
+
+size_t SizeOf(const std::vector<FileImage>& images) {
+    size_t size = 0;
+    for (const FileImage& image : images) {
+        size += image.bytes.size();
+    }
+    return size;
 }
 
 void AddAfter(JournalEntry& entry, FileImage image) {

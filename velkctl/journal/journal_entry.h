@@ -20,8 +20,9 @@
 
 namespace velkctl {
 
-// A plain set: prepared, applying, done. An apply: prepared, applying, waiting, confirmed. A change
-// that is taken back: reverting, then reverted, or stuck if a part could not be put back.
+// A change: prepared, applying, done; or waiting and confirmed instead of done. A change
+// that is taken back: reverting, then reverted, or stuck if a part could not be put back. A user
+// may close an unfinished change as it is: kept.
 enum class EntryState {
     kPrepared,
     kApplying,
@@ -31,6 +32,7 @@ enum class EntryState {
     kReverting,
     kReverted,
     kStuck,
+    kKept,
 };
 
 enum class EntryKind { kPlainSet, kApply, kUndo };
@@ -58,12 +60,18 @@ struct JournalEntry {
     std::vector<FileImage> before{};      // the files that the change touches
     std::vector<FileImage> after{};       // the same files after the steps so far; empty: unknown
     std::vector<FileImage> between{};     // the same files after earlier steps
+    // The files and settings that were put back, by path and name. Nothing touches them again:
+    // their values since then are those of somebody else.
+    std::vector<std::string> put_back{};
     EntryState state = EntryState::kPrepared;
 
+    // True if its change was made.
+    bool is_finished() const {
+        return state == EntryState::kDone || state == EntryState::kConfirmed;
+    }
     // True if nothing is left to do for it.
     bool is_closed() const {
-        return state == EntryState::kDone || state == EntryState::kConfirmed ||
-               state == EntryState::kReverted;
+        return is_finished() || state == EntryState::kReverted || state == EntryState::kKept;
     }
 };
 
@@ -73,6 +81,15 @@ std::string EncodeState(EntryState state);
 std::string EncodeAfter(const std::vector<FileImage>& images);
 // The number of steps that were made, if not all.
 std::string EncodeSteps(size_t made);
+// The same if the steps that were made are not the first ones.
+std::string EncodeMade(const std::vector<std::string>& names);
+std::string EncodePutBack(const std::vector<std::string>& items);
+
+// Leaves only the steps with these names.
+void KeepSteps(JournalEntry& entry, const std::vector<std::string>& names);
+
+// Returns the number of bytes of the files.
+size_t SizeOf(const std::vector<FileImage>& images);
 
 // Makes the image the latest one of its file after the change.
 void AddAfter(JournalEntry& entry, FileImage image);

@@ -35,6 +35,7 @@ constexpr size_t kIdLength = 4;
 constexpr unsigned kIdCount = 27 * 27 * 27 * 27;
 constexpr unsigned kIdFactor = 220103;  // has no divisor in common with the count
 constexpr size_t kNumberWidth = 6;
+constexpr size_t kStatesSize = 1024;  // the frames to come, without the bytes of files
 constexpr size_t kBlockSize = size_t{16} * 1024;
 
 // "000017-k7f2"
@@ -62,11 +63,31 @@ int SyncFolder(const char* folder) {
     return fd.get() != -1 && fsync(fd.get()) == 0 ? 0 : errno;
 }
 
-int MakeFolder() {
-    if (mkdir(velk::kJournalFolder, kFolderMode) == 0) {
-        return SyncFolder(velk::kLibraryFolder);
+// In a folder of another user, or one where others may write, files could only look like changes,
+// and root would put their text into the files of the device.
+int CheckFolder() {
+    struct stat facts {};
+    if (lstat(velk::kJournalFolder, &facts) == -1) {
+        return errno;
     }
-    return errno == EEXIST ? 0 : errno;
+    if (!S_ISDIR(facts.st_mode)) {
+        return ENOTDIR;
+    }
+    const bool is_trusted = facts.st_uid == 0 || facts.st_uid == geteuid();
+    return is_trusted && (facts.st_mode & (S_IWGRP | S_IWOTH)) == 0 ? 0 : EPERM;
+}
+
+// The umask of the caller may leave its owner no right. Then a second chmod(2) gives it.
+int MakeFolder() {
+    if (mkdir(velk::kJournalFolder, kFolderMode) == -1) {
+        return errno == EEXIST ? CheckFolder() : errno;
+    }
+    const int flags = AT_SYMLINK_NOFOLLOW;
+    const bool has_mode = fchmodat(AT_FDCWD, velk::kJournalFolder, kFolderMode, flags) == 0;
+    if (!has_mode && errno != EOPNOTSUPP) {
+        return errno;
+    }
+    return SyncFolder(velk::kLibraryFolder);
 }
 
 int OpenLock(velk::UniqueFd& fd) {
@@ -74,15 +95,24 @@ int OpenLock(velk::UniqueFd& fd) {
         return error;
     }
     fd.Reset(open(velk::kJournalLock, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kFileMode));
-    return fd.get() == -1 ? errno : 0;
+    if (fd.get() == -1) {
+        return errno;
+    }
+    (void)fchmod(fd.get(), kFileMode);
+    return 0;
 }
 
 // Returns the names of the entries, the oldest first.
 std::vector<EntryName> ReadNames(int& error) {
     std::vector<EntryName> names;
+    error = CheckFolder();
+    if (error != 0) {
+        error = error == ENOENT ? 0 : error;
+        return names;
+    }
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(velk::kJournalFolder), closedir);
     if (folder == nullptr) {
-        error = errno == ENOENT ? 0 : errno;
+        error = errno;
         return names;
     }
     while (const dirent* item = readdir(folder.get())) {
@@ -129,7 +159,8 @@ std::string ReadAll(int fd, int& error) {
 StoredEntry ReadEntry(const EntryName& name) {
     StoredEntry stored{PathOf(name)};
     stored.decoded.entry.id = name.id;
-    const velk::UniqueFd fd(open(stored.path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    const velk::UniqueFd fd(
+        open(stored.path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (fd.get() == -1) {
         stored.error = errno;
         return stored;
@@ -153,6 +184,32 @@ bool MayBeRemoved(const StoredEntry& stored) {
     return !stored.is_in_use && (is_closed || is_damaged);
 }
 
+std::vector<StoredEntry> RemovableEntries() {
+    std::vector<StoredEntry> entries = ReadJournal().entries;
+    std::erase_if(entries, [](const StoredEntry& stored) { return !MayBeRemoved(stored); });
+    return entries;
+}
+
+struct JournalSize {
+    size_t entries = 0;
+    size_t bytes = 0;
+};
+
+JournalSize CountEntries() {
+    int error = 0;
+    JournalSize size;
+    for (const EntryName& name : ReadNames(error)) {
+        ++size.entries;
+        size.bytes += SizeOf(name);
+    }
+    return size;
+}
+
+// True if there is room beside these for one more of so many bytes.
+bool IsWithinLimits(const JournalSize& size, size_t room) {
+    return size.entries < kMostEntries && size.bytes + room <= kMostBytes;
+}
+
 }  // namespace
 
 JournalLock::JournalLock(Use use, int wait_seconds) : error_(OpenLock(fd_)) {
@@ -162,8 +219,9 @@ JournalLock::JournalLock(Use use, int wait_seconds) : error_(OpenLock(fd_)) {
     const int operation = (use == Use::kShared ? LOCK_SH : LOCK_EX) | LOCK_NB;
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds);
     while (flock(fd_.get(), operation) == -1) {
-        if (std::chrono::steady_clock::now() >= end) {
-            error_ = EWOULDBLOCK;
+        const bool can_be_awaited = errno == EWOULDBLOCK || errno == EINTR;
+        if (!can_be_awaited || std::chrono::steady_clock::now() >= end) {
+            error_ = can_be_awaited ? EWOULDBLOCK : errno;
             return;
         }
         (void)nanosleep(&kPause, nullptr);
@@ -178,7 +236,11 @@ EntryFile::EntryFile(JournalEntry& entry) {
         Take(PathOf(name), O_CREAT | O_EXCL);
     }
     entry.id = name.id;
+    if (error_ == 0) {
+        (void)fchmod(fd_.get(), kFileMode);  // the umask of the caller may have left no right
+    }
     Append(EncodeEntry(entry));
+    Reserve(SizeOf(entry.before) + kStatesSize);
     if (error_ != 0) {
         (void)Remove();
     }
@@ -210,6 +272,17 @@ void EntryFile::Append(const std::string& frames) {
     }
 }
 
+// A disk without room must be known before the first set: after it, the entry could not be closed.
+// Not every file system can tell.
+void EntryFile::Reserve(size_t size) {
+    const off_t end = lseek(fd_.get(), 0, SEEK_CUR);
+    if (error_ == 0 &&
+        fallocate(fd_.get(), FALLOC_FL_KEEP_SIZE, end, static_cast<off_t>(size)) == -1 &&
+        (errno == ENOSPC || errno == EDQUOT)) {
+        error_ = errno;
+    }
+}
+
 // A state that may not be on disk must not count: its change is not finished.
 void EntryFile::Sync() {
     if (error_ != 0) {
@@ -231,7 +304,11 @@ void EntryFile::TakeBackAppend() {
 }
 
 bool EntryFile::Remove() {
-    return fd_.get() != -1 && unlink(path_.c_str()) == 0;
+    const bool is_removed = fd_.get() != -1 && unlink(path_.c_str()) == 0;
+    if (is_removed) {
+        (void)SyncFolder(velk::kJournalFolder);
+    }
+    return is_removed;
 }
 
 JournalListing ReadJournal() {
@@ -245,29 +322,36 @@ JournalListing ReadJournal() {
     return listing;
 }
 
-std::optional<StoredEntry> ReadLastEntry() {
+// An older change may be open too, below sets that were made since.
+std::string FindInterrupted() {
     int error = 0;
     const std::vector<EntryName> names = ReadNames(error);
-    return names.empty() ? std::nullopt : std::optional(ReadEntry(names.back()));
+    for (auto name = names.rbegin(); name != names.rend(); ++name) {
+        if (ReadEntry(*name).is_interrupted()) {
+            return name->id;
+        }
+    }
+    return "";
 }
 
-// Reads only the entries that may have to go: a set must not wait for the others.
+// Reads the entries only if one may have to go.
 void PruneJournal(size_t room) {
-    int error = 0;
-    const std::vector<EntryName> names = ReadNames(error);
-    size_t count = names.size() + 1;
-    size_t bytes = room;
-    for (const EntryName& name : names) {
-        bytes += SizeOf(name);
+    if (IsWithinLimits(CountEntries(), room)) {
+        return;
     }
-    for (const EntryName& name : names) {
-        if (count <= kMostEntries && bytes <= kMostBytes) {
+    const std::vector<StoredEntry> removable = RemovableEntries();
+    JournalSize size;
+    for (const StoredEntry& stored : removable) {
+        ++size.entries;
+        size.bytes += stored.size;
+    }
+    for (const StoredEntry& stored : removable) {
+        if (IsWithinLimits(size, room)) {
             return;
         }
-        const StoredEntry stored = ReadEntry(name);
-        if (MayBeRemoved(stored) && unlink(stored.path.c_str()) == 0) {
-            --count;
-            bytes -= stored.size;
+        if (unlink(stored.path.c_str()) == 0) {
+            --size.entries;
+            size.bytes -= stored.size;
         }
     }
 }

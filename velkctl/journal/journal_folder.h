@@ -16,12 +16,13 @@
 
 namespace velkctl {
 
-// The oldest closed entries beyond these limits are removed. The newest entry always stays.
+// The oldest closed entries beyond these limits are removed. The newest entry always stays. Open
+// entries stay, too, and do not count.
 inline constexpr size_t kMostEntries = 16;
 inline constexpr size_t kMostBytes = size_t{256} * 1024;
 
-// The lock between runs of velkctl that change settings. Plain sets share it; apply, undo and
-// recover hold it alone. The lock of the library is another one.
+// The lock between runs of velkctl that change settings. A run that keeps an entry holds it alone.
+// The lock of the library is another one.
 class JournalLock {
   public:
     enum class Use { kShared, kAlone };
@@ -42,24 +43,27 @@ class JournalLock {
 // its change is under way. A process that is killed leaves it free.
 class EntryFile {
   public:
-    // Makes the file of a new entry and writes the entry. Sets the id of the entry. Nothing is on
-    // disk before the first Sync().
+    // Makes the file of a new entry and writes the entry. Sets the id of the entry. Fails if the
+    // disk has no room for the images after the change. Nothing is on disk before the first Sync().
     explicit EntryFile(JournalEntry& entry);
     // Opens the file of an entry at the end of its valid frames.
     EntryFile(const std::string& path, size_t valid_length);
 
-    // 0, or errno of the first failure. After one, readers see the entry as before that call.
+    // 0, or errno of the first failure. After a write that failed, readers see the entry as before
+    // that call. After a failure to write it to disk they may see either.
     int error() const { return error_; }
     const std::string& path() const { return path_; }
 
     void Append(const std::string& frames);
     // Writes the file to disk, and the folder the first time.
     void Sync();
-    // Removes the file, for a change that has changed nothing. Returns false if it stays.
+    // Removes the file, for a change that has changed nothing or cannot be closed, and returns when
+    // that is on disk. Returns false if the file stays.
     bool Remove();
 
   private:
     void Take(const std::string& path, int flags);
+    void Reserve(size_t size);
     // Removes the frames of the last Append().
     void TakeBackAppend();
 
@@ -79,6 +83,8 @@ struct StoredEntry {
     DecodedEntry decoded{};
 
     bool is_whole() const { return error == 0 && decoded.health == EntryHealth::kWhole; }
+    // True if its change was made, and undo can take it back.
+    bool is_finished() const { return is_whole() && decoded.entry.is_finished(); }
     // True if its change was begun and neither finished nor taken back, and no run is at work on
     // it.
     bool is_interrupted() const { return is_whole() && !is_in_use && !decoded.entry.is_closed(); }
@@ -91,11 +97,11 @@ struct JournalListing {
 
 JournalListing ReadJournal();
 
-// Returns the newest entry alone; nothing if there is none.
-std::optional<StoredEntry> ReadLastEntry();
+// Returns the id of the newest change that was interrupted; empty if none.
+std::string FindInterrupted();
 
-// Removes the oldest closed entries beyond the limits, so that there is room for a new one of so
-// many bytes.
+// Removes the oldest closed entries beyond the limits, so that there is room for the entry in use
+// of so many bytes.
 void PruneJournal(size_t room);
 
 // Removes the entries with a torn beginning: nothing was begun for them. The caller holds the lock

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "lib/base/paths.h"
+#include "velkctl/files/lock_holder.h"
 
 namespace velkctl {
 namespace {
@@ -19,8 +20,10 @@ std::string RemedyOf(int error) {
         case EDQUOT:
             return std::string("free space on the disk of ") + velk::kLibraryFolder;
         case EACCES:
-        case EPERM:
             return "run it as root";
+        case EPERM:
+            return std::string("make ") + velk::kJournalFolder +
+                   " a folder of root where nobody else can write";
         default:
             return std::string("make ") + velk::kJournalFolder + " a folder that can be written";
     }
@@ -38,6 +41,28 @@ Problem JournalProblem(std::string message, int error) {
     problem.detail = std::string(velk::kJournalFolder) + ": " + strerror(error);
     problem.remedy = RemedyOf(error);
     return problem;
+}
+
+Problem LockedProblem(std::string message, const char* lock) {
+    Problem problem = JournalProblem(std::move(message), EWOULDBLOCK);
+    const std::string holder = DescribeLockHolder(lock);
+    if (!holder.empty()) {
+        problem.detail.append("; ").append(holder).append(" holds the lock");
+    }
+    return problem;
+}
+
+void NoteWait(const char* lock, int seconds, Report& report) {
+    const std::string holder = seconds > 0 ? DescribeLockHolder(lock) : "";
+    if (!holder.empty()) {
+        report.Note("waiting at most " + std::to_string(seconds) + " s for the lock, held by " +
+                    holder);
+    }
+}
+
+Problem InterruptedProblem(const std::string& id) {
+    return {.message = "change " + id + " was interrupted",
+            .remedy = "'velkctl recover' takes it back"};
 }
 
 ExitStatus StatusOfJournal(int error) {

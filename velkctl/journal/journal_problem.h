@@ -15,6 +15,16 @@ namespace velkctl {
 // Returns the problem for an error of JournalLock, EntryFile or OpenChange.
 Problem JournalProblem(std::string message, int error);
 
+// The same for a lock that another program holds, with the process that holds it.
+Problem LockedProblem(std::string message, const char* lock);
+
+// Says that a lock is awaited, and who holds it. Does nothing if no time is left to wait or the
+// lock is free.
+void NoteWait(const char* lock, int seconds, Report& report);
+
+// Returns the problem of an earlier change that was interrupted.
+Problem InterruptedProblem(const std::string& id);
+
 // Returns the exit status of a run that needs the journal.
 ExitStatus StatusOfJournal(int error);
 

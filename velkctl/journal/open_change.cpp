@@ -22,6 +22,7 @@
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/data_bytes.h"
+#include "velkctl/text/take_line.h"
 
 namespace velkctl {
 namespace {
@@ -44,10 +45,10 @@ bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
         steps, [&](const Step& step) { return IsChangedBy(file, step.setting.row->id); });
 }
 
-std::vector<FileImage> ImagesBefore(const ChangePlan& plan) {
+std::vector<FileImage> ImagesBefore(const JournalEntry& entry) {
     std::vector<FileImage> images;
     for (const DeviceFile& file : DeviceFiles()) {
-        if (IsTouched(file, plan.steps)) {
+        if (IsTouched(file, entry.steps)) {
             images.push_back(ReadFileImage(file.path));
         }
     }
@@ -55,7 +56,8 @@ std::vector<FileImage> ImagesBefore(const ChangePlan& plan) {
     // /tmp, where anybody can write: that file is not kept.
     const auto is_ntp = [](const Step& step) { return step.setting.row->id == VELK_CMD_NTP; };
     if (FileImage log = ReadFileImage(velk::kNtpLog);
-        (log.exists || plan.kind == EntryKind::kUndo) && std::ranges::any_of(plan.steps, is_ntp)) {
+        (log.exists || entry.kind == EntryKind::kUndo) &&
+        std::ranges::any_of(entry.steps, is_ntp)) {
         images.push_back(std::move(log));
     }
     return images;
@@ -67,9 +69,7 @@ std::optional<Data> LinkModeOf(std::string_view interface) {
     const ToolRun run = RunTool({std::string(kLinkTool), std::string(interface)});
     velk::LinkSettings settings;
     for (std::string_view left = run.output; !left.empty();) {
-        const size_t end = std::min(left.find('\n'), left.size() - 1) + 1;
-        settings.Read(left.substr(0, end));
-        left.remove_prefix(end);
+        settings.Read(TakeLine(left));
     }
     Data data{};
     data[0] = static_cast<char>(settings.Mode());
@@ -102,18 +102,14 @@ JournalEntry NewEntry(const ChangePlan& plan) {
     return entry;
 }
 
-size_t SizeOf(const std::vector<FileImage>& images) {
-    size_t size = 0;
-    for (const FileImage& image : images) {
-        size += image.bytes.size();
+// The library's lock keeps other programs from the files while they are read.
+int ReadImages(JournalEntry& entry) {
+    const LibraryLock lock;
+    if (lock.is_busy()) {
+        return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
     }
-    return size;
-}
-
-// Returns the id of the newest entry if it was interrupted; else nothing.
-std::string FindInterrupted() {
-    const std::optional<StoredEntry> last = ReadLastEntry();
-    return last && last->is_interrupted() ? last->decoded.entry.id : "";
+    entry.before = ImagesBefore(entry);
+    return 0;
 }
 
 const FileImage* FindImage(const std::vector<FileImage>& images, const std::string& path) {
@@ -144,23 +140,19 @@ OpenChange::OpenChange(const StoredEntry& stored)
 
 int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
     JournalEntry entry = NewEntry(plan);
-    {
-        const LibraryLock lock;
-        if (lock.is_busy()) {
-            return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
-        }
-        entry.before = ImagesBefore(plan);
-    }
     for (const Step& step : plan.steps) {
-        entry.steps.push_back(
-            {step.setting, step.new_value, ConfiguredValue(step.setting, device)});
+        const std::optional<Data> present = ConfiguredValue(step.setting, device);
+        entry.steps.push_back({step.setting, step.new_value, present ? present : step.old_value});
     }
     interrupted_ = FindInterrupted();
-    PruneJournal(2 * SizeOf(entry.before));
+    if (const int error = ReadImages(entry); error != 0) {
+        return error;
+    }
     auto file = std::make_unique<EntryFile>(entry);
     if (file->error() != 0) {
         return file->error();
     }
+    PruneJournal(2 * SizeOf(entry.before));
     entry_ = std::move(entry);
     file_ = std::move(file);
     return 0;
@@ -214,6 +206,18 @@ void OpenChange::RecordSteps(size_t made) {
     if (made < entry_.steps.size()) {
         file_->Append(EncodeSteps(made));
         entry_.steps.resize(made);
+    }
+}
+
+void OpenChange::RecordMade(const std::vector<std::string>& names) {
+    file_->Append(EncodeMade(names));
+    KeepSteps(entry_, names);
+}
+
+void OpenChange::RecordPutBack(const std::vector<std::string>& items) {
+    if (!items.empty()) {
+        file_->Append(EncodePutBack(items));
+        entry_.put_back.insert(entry_.put_back.end(), items.begin(), items.end());
     }
 }
 

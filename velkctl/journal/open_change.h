@@ -17,39 +17,41 @@
 
 namespace velkctl {
 
-// Returns the id that the kernel has given itself at its start; empty if unknown.
+// Returns the id of the running kernel, a new one at each start; empty if unknown.
 std::string RunningBootId();
 
 // A change as it is planned.
 struct ChangePlan {
     EntryKind kind = EntryKind::kPlainSet;
-    std::vector<Step> steps{};            // Begin() reads their old values
+    // Begin() reads their old values. It keeps a given one if the present one cannot be read.
+    std::vector<Step> steps{};
     std::vector<std::string> restarts{};  // interfaces, for an apply
     std::string undoes{};                 // the id of the entry that an undo takes back
 };
 
 std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes);
 
-// The caller holds the JournalLock. Every function returns 0 or errno; after a failure the entry on
-// disk is the one before.
+// The caller holds the JournalLock. Functions with int return 0 or errno. After a write that
+// failed, the entry on disk is the one before.
 class OpenChange {
   public:
     OpenChange() = default;
     // Continues an entry of the folder, to take it back.
     explicit OpenChange(const StoredEntry& stored);
 
-    // Reads the old values of the settings, then the files that the change touches, under the
-    // library's lock, and writes the entry in state prepared. EWOULDBLOCK: another program is
+    // Reads the old values of the settings. Then reads the files that the change touches, under the
+    // library's lock, and writes the entry in state prepared. The files come last: a set of another
+    // program after them would pass for a part of this change. EWOULDBLOCK: another program is
     // changing settings; nothing is written, and the call can be repeated. EBUSY: the library's
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
     // The same, but tries again for so many seconds while another program is changing settings.
     int BeginWithin(int wait_seconds, const ChangePlan& plan, const Device& device);
     bool is_begun() const { return file_ != nullptr; }
-    // True if a frame at the end of the continued entry is cut or damaged.
-    bool has_lost_frame() const { return has_lost_frame_; }
-    // Returns the id of the change before this one if Begin() has found it interrupted; else
-    // nothing.
+    // True if the continued entry is of a change that has changed nothing. A frame at its end that
+    // is cut or damaged may have been the state after the first one.
+    bool is_not_begun() const { return entry_.state == EntryState::kPrepared && !has_lost_frame_; }
+    // Returns the id of the newest interrupted change that Begin() has found; empty if none.
     const std::string& interrupted() const { return interrupted_; }
 
     // Writes a state, and returns when it is on disk.
@@ -63,11 +65,16 @@ class OpenChange {
     // Records that only the first steps of the entry were made. Not on disk before the next
     // Advance().
     void RecordSteps(size_t made);
+    // The same for steps of these names.
+    void RecordMade(const std::vector<std::string>& names);
+    // Records files and settings that were put back for good. Not on disk before the next
+    // Advance().
+    void RecordPutBack(const std::vector<std::string>& items);
     // Writes the touched files and their folders to disk. Returns the first failure.
     int FlushFiles() const;
     // True if the recorded files are as before the change.
     bool HasChangedNoFile() const;
-    // Removes the entry, for a change that has changed nothing. Returns false if it stays.
+    // Removes the entry: nothing has changed, or it cannot be closed. Returns false if it stays.
     bool Discard();
 
     const JournalEntry& entry() const { return entry_; }

@@ -8,12 +8,15 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <optional>
 #include <utility>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "velkctl/call/answer.h"
+#include "velkctl/call/edit_copy.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/files/file_image.h"
@@ -23,15 +26,15 @@
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/settings/value_text.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/text/take_line.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::chrono::seconds kAgentTime{30};
-// A set of another program ends within this time.
-constexpr int kSetSeconds = 2;
 // Another program that writes a file again and again is overtaken by one of so many tries.
 constexpr int kCopyTries = 10;
 
@@ -51,20 +54,13 @@ bool IsCutOf(const FileImage& now, const FileImage& image) {
     return now.exists && now.error == 0 && is_cut;
 }
 
-std::string_view CutLine(std::string_view& text) {
-    const size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(end);
-    return line;
-}
-
 // True if each line is one of these two texts' lines at its place. The library makes some sets in
 // two edits; between them the file is neither as before nor as after.
 bool IsMixOf(std::string_view text, std::string_view one, std::string_view other) {
     while (!text.empty() && !one.empty() && !other.empty()) {
-        const std::string_view line = CutLine(text);
-        const bool is_of_one = line == CutLine(one);
-        if (line != CutLine(other) && !is_of_one) {
+        const std::string_view line = TakeLine(text);
+        const bool is_of_one = line == TakeLine(one);
+        if (line != TakeLine(other) && !is_of_one) {
             return false;
         }
     }
@@ -88,15 +84,29 @@ const FileImage& ImageBefore(const std::string& path, const JournalEntry& entry)
     return *std::ranges::find(entry.before, path, &FileImage::path);
 }
 
-// The library edits a file in a copy in this folder, and removes the copy at the end.
+// Any user can make a file with the name of an edit copy: such a file must not have recover replace
+// the text of an administrator.
+bool IsOfLibrary(const EditCopy& copy) {
+    return copy.state != EditState::kForeign && copy.state != EditState::kUnproven;
+}
+
+// The library edits a file in a copy, and removes the copy at the end.
 FileImage EditCopyOf(const std::string& path) {
-    return ReadFileImage(velk::kEditFolder + path.substr(path.rfind('/')));
+    for (const EditCopy& copy : FindEditCopies()) {
+        if (copy.file->path == path && IsOfLibrary(copy)) {
+            return ReadFileImage(copy.path);
+        }
+    }
+    return {path};
 }
 
 // A step that was killed has left its edit copy: the text that the file was to get.
 FileCase CompareWithEditCopy(const FileImage& now, const JournalEntry& entry) {
+    if (entry.is_closed()) {
+        return FileCase::kOther;
+    }
     const FileImage copy = EditCopyOf(now.path);
-    if (entry.is_closed() || !copy.exists || copy.error != 0 || copy.bytes.empty()) {
+    if (!copy.exists || copy.error != 0 || copy.bytes.empty()) {
         return FileCase::kOther;
     }
     if (copy.bytes == now.bytes) {
@@ -105,16 +115,26 @@ FileCase CompareWithEditCopy(const FileImage& now, const JournalEntry& entry) {
     return IsCutOf(now, copy) ? FileCase::kCut : FileCase::kOther;
 }
 
-bool MayWrite(const FileImage& now) {
-    return !now.exists || access(now.path.c_str(), W_OK) == 0;
+bool Contains(const std::vector<std::string>& list, const std::string& item) {
+    return std::ranges::find(list, item) != list.end();
 }
 
-Problem Left(std::string subject, std::string detail) {
-    return {.message = std::move(subject) + ": not put back", .detail = std::move(detail)};
+// A file that is left.
+Problem LeftFile(const std::string& path, int error, const PutBackOptions& options) {
+    return {.message = path + ": not put back",
+            .detail = strerror(error),
+            .remedy = options.fix,
+            .file = path};
 }
 
-bool IsSame(const Setting& setting, const Data& one, const Data& other) {
-    return setting.row->kind->Print(one) == setting.row->kind->Print(other);
+// A setting that is left.
+Problem LeftSetting(const Setting& setting, std::string detail, const PutBackOptions& options) {
+    const char* file = setting.row->held_in.line.file;
+    return {.message = setting.name() + ": not put back",
+            .setting = setting.name(),
+            .detail = std::move(detail),
+            .remedy = options.fix,
+            .file = file == nullptr ? "" : file};
 }
 
 // A key that is cleared comes last: the library does not clear the one in use.
@@ -126,14 +146,41 @@ std::vector<Step> StepsInOrder(const JournalEntry& entry) {
     return steps;
 }
 
-// Returns the reason why the value stays as it is; empty if none.
-std::string ObstacleOf(const Step& step, const Answer& held) {
+constexpr std::string_view kUnknownOld = "its old value is not known";
+
+Problem Unreadable(const Setting& setting, const Answer& held, const PutBackOptions& options) {
+    Problem problem = LeftSetting(setting, "it cannot be read: " + FailureReason(held), options);
+    problem.result = held.known_result();
+    return problem;
+}
+
+std::string ShownText(const Setting& setting, const Data& value) {
+    return Quoted(ValueText(setting, value, false));
+}
+
+// The value may have been set by another program, or by a set without a journal.
+Problem SetSince(const Step& step, const Data& held, const PutBackOptions& options) {
+    Problem problem = LeftSetting(step.setting, "it was set since, to ", options);
+    problem.detail.append(ShownText(step.setting, held)).append("; saved value: ");
+    problem.detail.append(ShownText(step.setting, *step.old_value));
+    problem.detail.append(problem.file.empty() ? "" : "; file: ").append(problem.file);
+    problem.remedy = options.fix_if_set_since;
+    return problem;
+}
+
+bool IsOfChange(const Step& step, const Data& held) {
+    return IsSameValue(step.setting, held, *step.old_value) ||
+           (step.new_value && IsSameValue(step.setting, held, *step.new_value));
+}
+
+// Returns the reason why the value stays as it is; nothing if it can be put back.
+std::optional<Problem> ObstacleOf(const Step& step, const Answer& held,
+                                  const PutBackOptions& options) {
     if (!held.ok()) {
-        return "it cannot be read: " + FailureReason(held);
+        return Unreadable(step.setting, held, options);
     }
-    const bool is_known = IsSame(step.setting, held.data, *step.old_value) ||
-                          (step.new_value && IsSame(step.setting, held.data, *step.new_value));
-    return is_known ? "" : "another program has set it since";
+    const bool may_replace = options.force || IsOfChange(step, held.data);
+    return may_replace ? std::nullopt : std::optional(SetSince(step, held.data, options));
 }
 
 // Reads the values of a change. A silent daemon is asked once.
@@ -164,22 +211,58 @@ bool NeedsLibrary(const Setting& setting, const std::vector<std::string>& foreig
     return setting.row->held_in.holder != Holder::kFile || std::ranges::any_of(foreign, is_in);
 }
 
-bool IsForeign(const FileImage& now, FileCase found) {
-    return found == FileCase::kOther || (found != FileCase::kOld && !MayWrite(now));
+// Returns the file as the last of these changes has left it that has touched it; null if none has.
+const FileImage* LastImage(const std::vector<const JournalEntry*>& changes,
+                           const std::string& path) {
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+        const auto image = std::ranges::find((*change)->after, path, &FileImage::path);
+        if (image != (*change)->after.end()) {
+            return &*image;
+        }
+    }
+    return nullptr;
+}
+
+// True if the text of the file is that of a later change. No change leaves a file cut.
+bool IsOfLater(const FileImage& now, FileCase found,
+               const std::vector<const JournalEntry*>& later) {
+    const FileImage* image = LastImage(later, now.path);
+    return image != nullptr && (found == FileCase::kNew || now.HasContentsOf(*image));
+}
+
+// True if a setting in the file was put back alone, because the file has text of another program.
+bool HasSettingPutBack(const JournalEntry& entry, const std::string& path) {
+    return std::ranges::any_of(entry.steps, [&](const Step& step) {
+        return Contains(entry.put_back, step.setting.name()) &&
+               IsChangedBy(path, step.setting.row->id);
+    });
+}
+
+// True if the bytes from before must not replace the file.
+bool IsForeign(const FileImage& now, FileCase found, const JournalEntry& entry,
+               const std::vector<const JournalEntry*>& later) {
+    if (found == FileCase::kOld) {
+        return false;
+    }
+    return found == FileCase::kOther || !MayWrite(now) || IsOfLater(now, found, later) ||
+           HasSettingPutBack(entry, now.path);
+}
+
+bool HasStep(const JournalEntry* entry, const Setting& setting) {
+    return std::ranges::any_of(
+        entry->steps, [&](const Step& step) { return IsSameSetting(step.setting, setting); });
 }
 
 std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
     std::vector<std::string> foreign;
     for (const FileImage& before : entry.before) {
         const FileImage now = ReadFileImage(before.path);
-        if (IsForeign(now, CompareFile(now, entry))) {
+        if (IsForeign(now, CompareFile(now, entry), entry, {})) {
             foreign.push_back(now.path);
         }
     }
     return foreign;
 }
-
-constexpr std::string_view kUnknownOld = "its old value is not known";
 
 bool HasSameContents(const FileImage& now, const std::vector<FileImage>& images) {
     const auto same = std::ranges::find(images, now.path, &FileImage::path);
@@ -190,67 +273,96 @@ bool ChangesAgent(const CopyTrial& trial) {
     return std::ranges::find(trial.then, velk::kSnmpFile, &FileImage::path) != trial.then.end();
 }
 
+// The result of a set in a private copy.
+struct CopySet {
+    bool is_possible = true;  // false: only the library can set the value
+    std::optional<Problem> problem{};
+};
+
 // Puts one entry back. The steps of it are members because they share the result.
-class Work {
+class Restoration {
   public:
-    Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
+    Restoration(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                Report& report)
+        : entry_(entry),
+          options_(std::move(options)),
+          device_(device),
+          report_(report),
+          values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
+    void WriteUnderLock();
     void WriteFile(const FileImage& now);
     void LeaveFile(const std::string& path, int error);
     bool WasWrittenSinceBegin(const FileImage& now) const;
     void SetValues();
-    void SetValue(const Step& step);
-    std::string SetOldValue(const Step& step);
-    std::optional<std::string> SetInCopy(const Step& step);
+    void SetValueOf(const Step& step);
+    bool KeepsLaterValue(const Setting& setting) const;
+    std::optional<Problem> SetValue(const Step& step);
+    std::optional<Problem> SetOldValue(const Step& step);
+    CopySet SetInCopy(const Step& step);
     std::string SetByLibrary(const Step& step);
     void FlushFiles();
+    void AddPutBack();
 
     const JournalEntry& entry_;
     const PutBackOptions options_;
     const Device& device_;
+    Report& report_;
     Values values_;
     std::vector<std::string> foreign_;  // files that another program has written since
+    std::vector<std::string> failed_;   // files that could not be written to disk
+    std::vector<std::string> open_;     // settings that could not be put back
     bool restarts_agent_ = false;
     PutBackResult result_;
 };
 
-PutBackResult Work::Run() {
+PutBackResult Restoration::Run() {
     WriteFiles();
     if (result_.is_locked) {
         return std::move(result_);
     }
     SetValues();
     // The agent reads its file at its start only.
-    if (restarts_agent_) {
+    if (restarts_agent_ && !options_.at_boot) {
         (void)RunTool({"sudo", velk::kSnmpScript, "restart"}, kAgentTime);
     }
     FlushFiles();
+    AddPutBack();
     return std::move(result_);
 }
 
-void Work::WriteFiles() {
-    const StopSignals signals;
-    const LibraryLock lock(kSetSeconds);
-    result_.is_locked = lock.is_busy();
+void Restoration::WriteFiles() {
+    std::optional<LibraryLock> lock(std::in_place, options_.lock_seconds);
+    result_.is_locked = lock->is_busy();
     if (result_.is_locked) {
         return;
     }
+    const StopSignals signals;
+    WriteUnderLock();
+    lock.reset();  // the message below may wait for the terminal
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, "'velkctl recover' takes the change back", report_);
+    }
+}
+
+void Restoration::WriteUnderLock() {
     if (options_.first) {
         options_.first();
     }
     for (const FileImage& before : entry_.before) {
-        WriteFile(ReadFileImage(before.path));
+        if (!Contains(entry_.put_back, before.path)) {
+            WriteFile(ReadFileImage(before.path));
+        }
     }
 }
 
-void Work::WriteFile(const FileImage& now) {
+void Restoration::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
-    if (IsForeign(now, found) || WasWrittenSinceBegin(now)) {
+    if (IsForeign(now, found, entry_, options_.later) || WasWrittenSinceBegin(now)) {
         foreign_.push_back(now.path);
         return;
     }
@@ -271,91 +383,131 @@ void Work::WriteFile(const FileImage& now) {
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
 }
 
-void Work::LeaveFile(const std::string& path, int error) {
-    result_.left.push_back(Left(path, strerror(error)));
+void Restoration::LeaveFile(const std::string& path, int error) {
+    result_.left.push_back(LeftFile(path, error, options_));
+    failed_.push_back(path);
     result_.has_disk_failed = true;
 }
 
-bool Work::WasWrittenSinceBegin(const FileImage& now) const {
+bool Restoration::WasWrittenSinceBegin(const FileImage& now) const {
     return options_.begun_with != nullptr && !HasSameContents(now, *options_.begun_with);
 }
 
-void Work::SetValues() {
+void Restoration::SetValues() {
     for (const Step& step : StepsInOrder(entry_)) {
-        const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
-        if (is_of_daemon && options_.skip_daemon) {
-            result_.waits_for_daemon = true;
-        } else if (NeedsLibrary(step.setting, foreign_)) {
-            SetValue(step);
+        if (!Contains(entry_.put_back, step.setting.name())) {
+            SetValueOf(step);
         }
     }
 }
 
-void Work::SetValue(const Step& step) {
+void Restoration::SetValueOf(const Step& step) {
     const std::string name = step.setting.name();
+    const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
+    if (KeepsLaterValue(step.setting)) {
+        result_.kept.push_back(name);
+    } else if (is_of_daemon && options_.at_boot) {
+        result_.waits_for_daemon = true;
+        open_.push_back(name);
+    } else if (NeedsLibrary(step.setting, foreign_)) {
+        if (std::optional<Problem> problem = SetValue(step)) {
+            result_.left.push_back(std::move(*problem));
+            open_.push_back(name);
+        }
+    }
+}
+
+bool Restoration::KeepsLaterValue(const Setting& setting) const {
+    const auto sets = [&](const JournalEntry* later) { return HasStep(later, setting); };
+    return !options_.force && std::ranges::any_of(options_.later, sets);
+}
+
+// Returns the problem if the setting is left.
+std::optional<Problem> Restoration::SetValue(const Step& step) {
     if (!step.old_value) {
-        result_.left.push_back(Left(name, std::string(kUnknownOld)));
-        return;
+        return LeftSetting(step.setting, std::string(kUnknownOld), options_);
     }
     const Answer held = values_.Get(step.setting);
-    if (held.ok() && IsSame(step.setting, held.data, *step.old_value)) {
-        return;
+    if (held.ok() && IsSameValue(step.setting, held.data, *step.old_value)) {
+        return std::nullopt;
     }
-    const std::string obstacle = ObstacleOf(step, held);
-    if (!obstacle.empty() && !(held.ok() && options_.force)) {
-        result_.left.push_back(Left(name, obstacle));
-        return;
+    if (std::optional<Problem> obstacle = ObstacleOf(step, held, options_)) {
+        return obstacle;
     }
-    const std::string failure = SetOldValue(step);
-    result_.has_changed = result_.has_changed || failure.empty();
-    if (!failure.empty()) {
-        result_.left.push_back(Left(name, failure));
-    }
+    std::optional<Problem> problem = SetOldValue(step);
+    result_.has_changed = result_.has_changed || !problem;
+    return problem;
 }
 
-// Returns the reason of a failure; empty if the device holds the value.
-std::string Work::SetOldValue(const Step& step) {
-    const bool is_compared = step.setting.row->held_in.holder == Holder::kFile && !options_.force;
-    const std::optional<std::string> reason =
-        is_compared ? SetInCopy(step) : std::optional<std::string>();
-    return reason ? *reason : SetByLibrary(step);
+std::optional<Problem> Restoration::SetOldValue(const Step& step) {
+    if (step.setting.row->held_in.holder == Holder::kFile && !options_.force) {
+        if (CopySet set = SetInCopy(step); set.is_possible) {
+            return std::move(set.problem);
+        }
+    }
+    const std::string failure = SetByLibrary(step);
+    return failure.empty() ? std::nullopt
+                           : std::optional(LeftSetting(step.setting, failure, options_));
 }
 
-// Another program may set the value after it was compared, and before the library sets it. Returns
-// nothing if only the library can set it.
-std::optional<std::string> Work::SetInCopy(const Step& step) {
+// Another program may set the value after it was compared, and before the library sets it.
+CopySet Restoration::SetInCopy(const Step& step) {
     for (int i = 0; i < kCopyTries; ++i) {
         const std::optional<CopyTrial> trial =
             TryInCopy(step.setting, *step.old_value, entry_.before);
         if (!trial) {
-            return std::nullopt;
+            return {.is_possible = false};
         }
-        if (std::string obstacle = ObstacleOf(step, trial->held); !obstacle.empty()) {
-            return obstacle;
+        if (std::optional<Problem> obstacle = ObstacleOf(step, trial->held, options_)) {
+            return {.problem = std::move(obstacle)};
         }
         const int error = CarryOver(*trial);
         restarts_agent_ = restarts_agent_ || (error == 0 && ChangesAgent(*trial));
-        if (error == 0 || (error != ESTALE && error != EWOULDBLOCK)) {
-            return error == 0 ? "" : strerror(error);
+        if (error == 0) {
+            return {};
+        }
+        if (error != ESTALE && error != EWOULDBLOCK) {
+            return {.problem = LeftSetting(step.setting, strerror(error), options_)};
         }
     }
-    return "another program changes its file again and again";
+    return {.problem = LeftSetting(step.setting, "another program changes its file again and again",
+                                   options_)};
 }
 
-std::string Work::SetByLibrary(const Step& step) {
+// Returns the reason of a failure; empty if the device holds the value.
+std::string Restoration::SetByLibrary(const Step& step) {
     const Answer answer = device_.Set(step.setting, *step.old_value);
     if (!answer.ok()) {
         return FailureReason(answer);
     }
     const Answer held = values_.Get(step.setting);
-    const bool is_held = held.ok() && IsSame(step.setting, held.data, *step.old_value);
+    const bool is_held = held.ok() && IsSameValue(step.setting, held.data, *step.old_value);
     return is_held ? "" : "the library reported success, but the device holds another value";
 }
 
-void Work::FlushFiles() {
+void Restoration::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
             LeaveFile(before.path, error);
+        }
+    }
+}
+
+// A setting is put back if the library has set it, or if all of its files are put back.
+void Restoration::AddPutBack() {
+    const auto is_failed = [&](const Step& step) {
+        return std::ranges::any_of(failed_, [&](const std::string& path) {
+            return IsChangedBy(path, step.setting.row->id);
+        });
+    };
+    for (const FileImage& before : entry_.before) {
+        if (!Contains(failed_, before.path) && !Contains(foreign_, before.path)) {
+            result_.put_back.push_back(before.path);
+        }
+    }
+    for (const Step& step : entry_.steps) {
+        if (!Contains(open_, step.setting.name()) && !is_failed(step)) {
+            result_.put_back.push_back(step.setting.name());
         }
     }
 }
@@ -368,6 +520,16 @@ void CloseTakenBack(OpenChange& change, Report& report) {
         report.Note(JournalProblem("the journal may call change " + change.entry().id +
                                        " interrupted, although it is put back",
                                    error));
+    }
+}
+
+// The next try leaves out the items that were put back.
+void Close(OpenChange& change, const PutBackResult& result, Report& report) {
+    if (result.is_whole()) {
+        CloseTakenBack(change, report);
+    } else if (!result.is_locked) {
+        change.RecordPutBack(result.put_back);
+        (void)change.Advance(result.left.empty() ? EntryState::kReverting : EntryState::kStuck);
     }
 }
 
@@ -398,45 +560,45 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
     return was_cut ? FileCase::kCut : CompareWithEditCopy(now, entry);
 }
 
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, std::move(options), device).Run();
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                      Report& report) {
+    return Restoration(entry, std::move(options), device, report).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report) {
-    // The lost frame may have been the state after this one.
-    if (change.entry().state == EntryState::kPrepared && !change.has_lost_frame()) {
+    if (change.is_not_begun()) {
         CloseTakenBack(change, report);
         return {};
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), std::move(options), device);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device, report);
+    if (result.is_locked) {
+        Problem problem =
+            LockedProblem("change " + change.entry().id + ": not put back", velk::kLockFile);
+        problem.remedy = "'velkctl recover' takes it back after that";
+        report.Complain(problem);
+    }
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
-    if (!result.left.empty()) {
-        (void)change.Advance(EntryState::kStuck);
-    } else if (result.is_whole()) {
-        CloseTakenBack(change, report);
+    for (const std::string& name : result.kept) {
+        report.Note(name + ": keeps its value, which a later change has set");
     }
+    Close(change, result, report);
     return result;
 }
 
-ExitStatus RestartAll(const std::vector<std::string>& interfaces, const Device& device,
-                      Report& report) {
-    ExitStatus status = ExitStatus::kDone;
-    for (const std::string& interface : interfaces) {
-        const Answer answer = device.Restart(interface, {});
-        if (!answer.ok()) {
-            report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));
-            status = StatusOf(answer);
-        }
-    }
-    return status;
+std::string FindCutFile(const JournalEntry& entry) {
+    const auto cut = std::ranges::find_if(entry.before, [&](const FileImage& before) {
+        return CompareFile(ReadFileImage(before.path), entry) == FileCase::kCut;
+    });
+    return cut == entry.before.end() ? "" : cut->path;
 }
 
-std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& device) {
+std::vector<Problem> FindObstacles(const JournalEntry& entry, const PutBackOptions& options,
+                                   const Device& device) {
     Values values(device);
     const std::vector<std::string> foreign = ForeignFiles(entry);
     std::vector<Problem> obstacles;
@@ -444,10 +606,11 @@ std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& devi
         if (!NeedsLibrary(step.setting, foreign)) {
             continue;
         }
-        const std::string obstacle =
-            step.old_value ? ObstacleOf(step, values.Get(step.setting)) : std::string(kUnknownOld);
-        if (!obstacle.empty()) {
-            obstacles.push_back(Left(step.setting.name(), obstacle));
+        std::optional<Problem> obstacle =
+            step.old_value ? ObstacleOf(step, values.Get(step.setting), options)
+                           : LeftSetting(step.setting, std::string(kUnknownOld), options);
+        if (obstacle) {
+            obstacles.push_back(std::move(*obstacle));
         }
     }
     return obstacles;

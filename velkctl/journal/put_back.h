@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
+#include "velkctl/call/library_lock.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/open_change.h"
-#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
@@ -31,42 +31,55 @@ enum class FileCase {
 FileCase CompareFile(const FileImage& now, const JournalEntry& entry);
 
 struct PutBackOptions {
-    bool force = false;             // also replaces values that somebody has set since
-    bool skip_daemon = false;       // at a start, the wireless daemon does not run yet
-    std::function<void()> first{};  // runs before the files are compared, under the library's lock
+    bool force = false;              // also replaces values that somebody has set since
+    bool at_boot = false;            // neither the wireless daemon nor the SNMP agent runs yet
+    int lock_seconds = kSetSeconds;  // the longest time to wait for another program
+    std::function<void()> first{};   // runs before the files are compared, under the library's lock
     // The files as the entry of an undo has them. One that differs is that of another program.
     const std::vector<FileImage>* begun_with = nullptr;
+    // The finished changes that were made after this one, the last one at the end.
+    std::vector<const JournalEntry*> later{};
+    // The fix for a value that was set since, and for any other item that is left.
+    std::string fix_if_set_since{
+        "'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it"};
+    std::string fix{"'velkctl recover' tries again; 'velkctl recover --keep' keeps it"};
 };
 
 struct PutBackResult {
-    bool is_locked = false;         // another program is changing settings; nothing was done
-    bool has_changed = false;       // a file or value was put back, or a file was cut
-    bool has_disk_failed = false;   // a file could not be written, or not be written to disk
-    bool waits_for_daemon = false;  // the daemon's values are still to be put back
-    std::vector<Problem> left{};    // each item that could not be put back, with its reason
+    bool is_locked = false;               // another program is changing settings; nothing was done
+    bool has_changed = false;             // a file or value was put back, or a file was cut
+    bool has_disk_failed = false;         // a file could not be written, or not be written to disk
+    bool waits_for_daemon = false;        // the daemon's values are still to be put back
+    std::vector<Problem> left{};          // each item that could not be put back, with its reason
+    std::vector<std::string> put_back{};  // the other files and settings, by path and name
+    std::vector<std::string> kept{};      // settings that a later change has set
 
     bool is_whole() const { return !is_locked && !waits_for_daemon && left.empty(); }
 };
 
 // Gives each file its bytes from before the change if the change has written it last. Otherwise
 // gives the settings in it their old values through the library; a setting that somebody has set
-// since keeps its value and is named. Then puts back the values of the wireless daemon and the link
-// speed, and writes the files to disk. Restarts nothing but the SNMP agent. Can be repeated.
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
+// since keeps its value and is named. A setting of a later change keeps its value, too. Nothing
+// that the entry calls put back is touched. Then puts back the values of the wireless daemon and
+// the link speed, and writes the files to disk. Restarts nothing but the SNMP agent. Can be
+// repeated.
+// After SIGINT or another signal it ends velkctl when the files are written, with a message.
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
+                      Report& report);
 
 // Takes back an unfinished change: state reverting, PutBack(), then state reverted, or stuck if
-// something is left. Removes the entry if all is back and the state cannot be written. Reports the
-// items that are left.
+// something is left. Records the items that were put back, unless all were. Removes the entry if
+// all is back and the state cannot be written. Reports the items that are left, and another program
+// that keeps the lock.
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report);
 
-// Restarts these interfaces, so that they take the settings in the files. Reports failures. Returns
-// the status of the last one.
-ExitStatus RestartAll(const std::vector<std::string>& interfaces, const Device& device,
-                      Report& report);
+// Returns a file of the entry that was cut; empty if none.
+std::string FindCutFile(const JournalEntry& entry);
 
 // Returns each setting that PutBack() would leave as it is, without --force, and the reason.
-std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& device);
+std::vector<Problem> FindObstacles(const JournalEntry& entry, const PutBackOptions& options,
+                                   const Device& device);
 
 }  // namespace velkctl
 

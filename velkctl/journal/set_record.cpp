@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "velkctl/call/answer.h"
 #include "velkctl/journal/journal_entry.h"
@@ -23,10 +24,6 @@ bool MayHaveEffect(const Answer& answer) {
     return answer.ok() || answer.timed_out;
 }
 
-bool IsLocked(const Answer& answer) {
-    return !answer.timed_out && answer.result == LIB_VELK_LOCKED;
-}
-
 size_t CountImages(const JournalEntry& entry) {
     return entry.after.size() + entry.between.size();
 }
@@ -42,7 +39,7 @@ SetRecord::SetRecord(const std::vector<SettingChange>& changes, int wait_seconds
     : plan_{.steps = JournalSteps(changes)},
       device_(device),
       report_(report),
-      lock_(JournalLock::Use::kShared, std::max(wait_seconds, kLeastWait)) {
+      lock_(JournalLock::Use::kAlone, std::max(wait_seconds, kLeastWait)) {
     if (lock_.error() == EWOULDBLOCK) {
         report_.Complain(JournalProblem("set: nothing was changed", EWOULDBLOCK));
         is_refused_ = true;
@@ -82,20 +79,31 @@ bool SetRecord::Begin() {
     return true;
 }
 
-void SetRecord::NoteInterrupted() const {
-    if (!change_.interrupted().empty()) {
-        report_.Note(Problem{.message = "change " + change_.interrupted() + " was interrupted",
-                             .remedy = "'velkctl recover' takes it back"});
+void SetRecord::NoteInterrupted() {
+    if (!change_.interrupted().empty() && !std::exchange(has_noted_, true)) {
+        report_.Note(InterruptedProblem(change_.interrupted()));
     }
 }
 
 void SetRecord::AfterAttempt(const Answer& answer) {
-    if (is_given_up_ || IsLocked(answer)) {
+    if (is_given_up_) {
+        return;
+    }
+    if (answer.is_locked()) {
+        Withdraw();
         return;
     }
     CountStep(answer);
     if (attempted_ == plan_.steps.size()) {
         Finish();
+    }
+}
+
+// The program with the lock changes files: the next attempt reads them anew. Ctrl-C while that is
+// awaited leaves no entry of a set that has done nothing.
+void SetRecord::Withdraw() {
+    if (attempted_ == 0 && change_.is_begun()) {
+        (void)change_.Discard();
     }
 }
 
@@ -129,7 +137,8 @@ void SetRecord::Close() {
     const int flushed = change_.FlushFiles();
     const int error = flushed != 0 ? flushed : change_.Advance(EntryState::kDone);
     if (error != 0) {
-        report_.Note(JournalProblem("set: the journal may call this set interrupted", error));
+        (void)change_.Discard();
+        GiveUp(error);
     }
 }
 

@@ -20,12 +20,16 @@ namespace velkctl {
 // Begins the entry of these changes before the first attempt to make one, records the files after
 // each, and closes the entry after the last: Ctrl-C while it is read back interrupts no set. A
 // journal that cannot be written is noted, and the set goes on: a device with a full
-// disk must remain reachable. During its lifetime no other run applies, undoes or recovers.
+// disk must remain reachable. During its lifetime no other run keeps an entry: the files after this
+// set would have the changes of both.
 class SetRecord final : public SetWatcher {
   public:
     // Watches the sets of the device, which must outlive it.
     SetRecord(const std::vector<SettingChange>& changes, int wait_seconds, Device& device,
               Report& report);
+    ~SetRecord() { device_.StopWatching(); }
+    SetRecord(const SetRecord&) = delete;
+    SetRecord& operator=(const SetRecord&) = delete;
 
     // True if another run of velkctl holds the journal. It is reported, and no set may be made.
     bool is_refused() const { return is_refused_; }
@@ -33,25 +37,28 @@ class SetRecord final : public SetWatcher {
     bool BeforeAttempt() override;
     void AfterAttempt(const Answer& answer) override;
 
-    // Closes the entry also if not all changes were made. Removes it if nothing has changed.
+    // Closes the entry also if not all changes were made. Removes it if nothing has changed, or if
+    // it cannot be closed: recover would take back a set that was made.
     void Finish();
 
   private:
     void GiveUp(int error);
     // Returns false while another program changes settings.
     bool Begin();
-    void NoteInterrupted() const;
+    void NoteInterrupted();
+    void Withdraw();
     // Counts the steps that have changed something.
     void CountStep(const Answer& answer);
     void Close();
 
     const ChangePlan plan_;
-    const Device& device_;
+    Device& device_;
     Report& report_;
     const JournalLock lock_;
     bool is_refused_ = false;
     bool is_given_up_ = false;
     bool is_finished_ = false;
+    bool has_noted_ = false;          // an interrupted change before
     size_t attempted_ = 0;            // the changes that were not refused for the lock
     size_t made_ = 0;                 // the changes up to the last one that may have an effect
     bool has_changed_value_ = false;  // one held by the wireless daemon or the port

@@ -272,6 +272,10 @@ std::string Setting::name() const {
     return interface.empty() ? own : std::string(interface).append(".").append(own);
 }
 
+bool IsSameValue(const Setting& setting, const Data& one, const Data& other) {
+    return setting.row->kind->ToJson(one) == setting.row->kind->ToJson(other);
+}
+
 std::string EffectMoment(const Setting& setting) {
     const std::string restarted =
         setting.interface.empty() ? "eth0 or eth1" : std::string(setting.interface);

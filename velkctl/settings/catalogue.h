@@ -88,6 +88,9 @@ struct Setting {
     std::string name() const;
 };
 
+// True if both values are the same for programs.
+bool IsSameValue(const Setting& setting, const Data& one, const Data& other);
+
 // Returns the time when a change of the setting takes effect: "at the next restart of eth0".
 std::string EffectMoment(const Setting& setting);
 // Returns the conditions for it: "with method static". Empty if it has none.

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "velkctl/text/take_line.h"
+
 namespace velkctl {
 namespace {
 
@@ -28,9 +30,7 @@ struct Row {
 Lines LinesOf(std::string_view text) {
     Lines lines;
     while (!text.empty()) {
-        const size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
-        lines.push_back(text.substr(0, length));
-        text.remove_prefix(length);
+        lines.push_back(TakeLine(text));
     }
     return lines;
 }

@@ -17,6 +17,7 @@
 #include "velkctl/changes/change_words.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/journal_record.h"
+#include "velkctl/changes/restarts.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/documents/settings_document.h"
 #include "velkctl/preview/preview_report.h"
@@ -107,28 +108,12 @@ Json ChangesInJson(const ApplyPlan& plan) {
     return changes;
 }
 
-Json RestartsInJson(const std::vector<DoneRestart>& restarts) {
-    Json list = Json::array();
-    for (const DoneRestart& restart : restarts) {
-        Json object;
-        object["interface"] = restart.interface;
-        object["seconds"] = restart.seconds;
-        object["state"] = restart.state;
-        list.push_back(std::move(object));
-    }
-    return list;
-}
-
 // "applied 3 settings, restarted eth0 (12 s)"
 std::string Summary(const ApplyPlan& plan, const ApplyResult& result) {
     const size_t count = plan.changes.size();
     std::string text = "applied " + std::to_string(count);
     text.append(count == 1 ? " setting" : " settings");
-    for (const DoneRestart& restart : result.restarts) {
-        text.append(", restarted ").append(restart.interface).append(" (");
-        text.append(std::to_string(restart.seconds)).append(" s)");
-    }
-    return text;
+    return text.append(RestartedText(result.restarts));
 }
 
 void NoteSkipped(const ApplyPlan& plan, Report& report) {

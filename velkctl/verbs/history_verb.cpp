@@ -18,7 +18,7 @@
 namespace velkctl {
 namespace {
 
-// "k7f2  2026-11-22 14:02:11  undo of p3xv  done", and its settings
+// "k7f2  2026-11-22 14:02:11  undo of p3xv by user 0  done", and its settings
 std::string TextOf(const StoredEntry& stored) {
     const JournalEntry& entry = stored.decoded.entry;
     std::string text = entry.id + "  ";
@@ -27,7 +27,8 @@ std::string TextOf(const StoredEntry& stored) {
     }
     if (stored.is_whole()) {
         text.append(NameOf(entry.kind)).append(entry.undoes.empty() ? "" : " of ");
-        text.append(entry.undoes).append("  ");
+        text.append(entry.undoes).append(" by user ").append(std::to_string(entry.user));
+        text.append("  ");
     }
     return text.append(StateText(stored)).append("\n").append(StepLines(entry));
 }

@@ -11,6 +11,7 @@
 
 #include "velkctl/files/file_image.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_text.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/setting_values.h"
@@ -47,8 +48,11 @@ std::string HealthText(const StoredEntry& stored) {
 std::string LocalTime(int64_t seconds) {
     const auto time = static_cast<time_t>(seconds);
     tm parts{};
+    if (localtime_r(&time, &parts) == nullptr) {
+        return std::string(kUnknown);
+    }
     std::array<char, 32> text{};
-    (void)strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", localtime_r(&time, &parts));
+    (void)strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &parts);
     return text.data();
 }
 

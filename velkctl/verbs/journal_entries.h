@@ -14,7 +14,8 @@
 
 namespace velkctl {
 
-// Returns "2026-11-22 14:02:11", in the time zone of the device.
+// Returns "2026-11-22 14:02:11", in the time zone of the device; "unknown" if no calendar
+// has this time.
 std::string LocalTime(int64_t seconds);
 
 // Returns "  eth0.address  192.168.0.10 -> 192.168.0.77" for each setting, keys masked.
@@ -25,7 +26,7 @@ std::string StepLines(const JournalEntry& entry);
 std::string StateText(const StoredEntry& stored);
 
 // {"id": ..., "change": "set", "undoes": null, "time": ..., "user": 0, "state": "done",
-// "interrupted": false, "settings": [{"name": ..., "old": ..., "new": ...}], "files": [...]}
+// "settings": [{"name": ..., "old": ..., "new": ...}], "files": [...]}
 Json EntryInJson(const StoredEntry& stored);
 
 // The same list of settings alone.

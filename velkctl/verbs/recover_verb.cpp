@@ -4,13 +4,18 @@
 // recover_verb.cpp - the verb that takes back changes that were interrupted.
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "lib/base/paths.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/changes/dhcp_end.h"
+#include "velkctl/changes/restarts.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
@@ -28,7 +33,9 @@ namespace {
 
 // The journal may be read-only at the start of a device: the start must go on.
 ExitStatus FailForJournal(int error, Report& report) {
-    report.Complain(JournalProblem("recover: the journal cannot be used", error));
+    constexpr char kUnusable[] = "recover: the journal cannot be used";
+    report.Complain(error == EWOULDBLOCK ? LockedProblem(kUnusable, velk::kJournalLock)
+                                         : JournalProblem(kUnusable, error));
     return StatusOfJournal(error);
 }
 
@@ -40,16 +47,25 @@ void NoteUnusable(const StoredEntry& stored, Report& report) {
     }
 }
 
+struct InterruptedEntry {
+    const StoredEntry* stored;
+    std::vector<const JournalEntry*> later;  // the finished changes after it
+};
+
 // Returns the entries to take back, the last one first: it was made on top of the others.
-std::vector<StoredEntry> InterruptedEntries(const JournalListing& listing, bool at_boot) {
-    std::vector<StoredEntry> entries;
-    for (const StoredEntry& stored : listing.entries) {
-        const bool is_meant = !at_boot || stored.decoded.entry.boot_id != RunningBootId();
+std::vector<InterruptedEntry> InterruptedEntries(const JournalListing& listing, bool at_boot) {
+    const std::string boot_id = RunningBootId();
+    std::vector<InterruptedEntry> entries;
+    std::vector<const JournalEntry*> finished;  // the last one first
+    for (auto entry = listing.entries.rbegin(); entry != listing.entries.rend(); ++entry) {
+        const StoredEntry& stored = *entry;
+        const bool is_meant = !at_boot || stored.decoded.entry.boot_id != boot_id;
         if (stored.is_interrupted() && is_meant) {
-            entries.push_back(stored);
+            entries.push_back({&stored, {finished.rbegin(), finished.rend()}});
+        } else if (stored.is_finished()) {
+            finished.push_back(&stored.decoded.entry);
         }
     }
-    std::ranges::reverse(entries);
     return entries;
 }
 
@@ -70,45 +86,111 @@ ExitStatus StatusOf(const PutBackResult& result) {
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-// A change that was interrupted before its first step, or at a start of the device, needs none.
-bool NeedsRestart(EntryState state, bool at_boot) {
-    return state != EntryState::kPrepared && !at_boot;
+void ReportOutcome(const JournalEntry& entry, std::string_view outcome, Report& report) {
+    report.Inform("change " + entry.id + " of " + LocalTime(entry.time) + " " +
+                  std::string(outcome) + "\n");
 }
 
-// The trial and the DHCP clients come first: both depend on the files as they were left.
-PutBackResult PutEntryBack(OpenChange& change, const Invocation& invocation, const Device& device,
-                           Report& report) {
-    if (const std::optional<Problem> problem = ExpectSteps(change, invocation.limits)) {
+// A trial run finds the files that the change would have left.
+void ExpectFiles(OpenChange& change, const TimeLimits& limits, Report& report) {
+    if (const std::optional<Problem> problem = ExpectSteps(change, limits)) {
         report.Note(*problem);
     }
-    std::vector<std::string> taken_down;
-    PutBackOptions options{.skip_daemon = invocation.boot};
-    if (!invocation.boot) {
-        options.first = [&] { taken_down = EndClientsOf(change.entry(), device, report); };
-    }
-    PutBackResult result = TakeBack(change, std::move(options), device, report);
-    if (!result.is_whole()) {
-        (void)RestartAll(taken_down, device, report);
-    }
-    return result;
 }
 
-ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
+// Returns the interfaces to restart after the change is taken back: all of it, or those that are
+// down. At a start of the device no interface is up yet, and none is restarted.
+std::vector<std::string> InterfacesAfter(const PutBackResult& result, const JournalEntry& entry,
+                                         bool at_boot, std::vector<std::string> down) {
+    const bool has_changed = result.is_whole() || result.has_changed;
+    return has_changed && !at_boot ? entry.restarts : std::move(down);
+}
+
+// The trial comes first: it depends on the files as they were left.
+ExitStatus PutEntryBack(OpenChange& change, PutBackOptions options, const TimeLimits& limits,
                         const Device& device, Report& report) {
-    OpenChange change(stored);
-    const bool restarts = NeedsRestart(change.entry().state, invocation.boot);
-    const PutBackResult result = PutEntryBack(change, invocation, device, report);
-    report.Inform("change " + change.entry().id + " of " + LocalTime(change.entry().time) + " " +
-                  OutcomeOf(result) + "\n");
+    ExpectFiles(change, limits, report);
+    std::vector<std::string> down;
+    if (!options.at_boot) {
+        options.first = [&] { down = EndClientsOf(change.entry(), device, report); };
+    }
+    const PutBackResult result = TakeBack(change, options, device, report);
+    ReportOutcome(change.entry(), OutcomeOf(result), report);
+    const std::vector<std::string> interfaces =
+        InterfacesAfter(result, change.entry(), options.at_boot, std::move(down));
+    const ExitStatus restarted = RestartAll(interfaces, limits, device, report).status;
     const ExitStatus status = StatusOf(result);
-    return status == ExitStatus::kDone && restarts
-               ? RestartAll(change.entry().restarts, device, report)
-               : status;
+    return status == ExitStatus::kDone ? restarted : status;
+}
+
+ExitStatus NotClosed(const JournalEntry& entry, std::string detail, std::string remedy,
+                     Report& report) {
+    report.Complain(Problem{.message = "change " + entry.id + ": not closed",
+                            .detail = std::move(detail),
+                            .remedy = std::move(remedy)});
+    return ExitStatus::kFailed;
+}
+
+// Closes the change as it is. The files are on disk before the entry says so.
+ExitStatus KeepEntry(OpenChange& change, const TimeLimits& limits, Report& report) {
+    ExpectFiles(change, limits, report);
+    if (const std::string cut = FindCutFile(change.entry()); !cut.empty()) {
+        return NotClosed(change.entry(), cut + " was cut", "'velkctl recover' puts it back",
+                         report);
+    }
+    const int flushed = change.FlushFiles();
+    const int error = flushed != 0 ? flushed : change.Advance(EntryState::kKept);
+    if (error != 0) {
+        return NotClosed(change.entry(), strerror(error), "", report);
+    }
+    ReportOutcome(change.entry(), "is closed; the present values stay", report);
+    return ExitStatus::kDone;
+}
+
+// A change that was prepared has changed nothing: its interfaces stay as they are.
+ExitStatus RecoverEntry(const InterruptedEntry& interrupted, const Invocation& invocation,
+                        const Device& device, Report& report) {
+    OpenChange change(*interrupted.stored);
+    if (change.is_not_begun()) {
+        (void)TakeBack(change, {}, device, report);
+        ReportOutcome(change.entry(), "was not begun", report);
+        return ExitStatus::kDone;
+    }
+    if (invocation.keep) {
+        return KeepEntry(change, invocation.limits, report);
+    }
+    PutBackOptions options{.force = invocation.force, .at_boot = invocation.boot};
+    options.lock_seconds = std::max(invocation.limits.wait_seconds, kSetSeconds);
+    options.later = interrupted.later;
+    NoteWait(velk::kLockFile, invocation.limits.wait_seconds, report);
+    return PutEntryBack(change, options, invocation.limits, device, report);
+}
+
+// Returns the status of the last change that is not taken back, or kDone.
+ExitStatus RecoverEntries(const std::vector<InterruptedEntry>& entries,
+                          const Invocation& invocation, Report& report) {
+    const Device device(invocation.limits, report);
+    ExitStatus status = ExitStatus::kDone;
+    Json changes = Json::array();
+    for (const InterruptedEntry& entry : entries) {
+        const ExitStatus own = RecoverEntry(entry, invocation, device, report);
+        status = own == ExitStatus::kDone ? status : own;
+        changes.push_back(entry.stored->decoded.entry.id);
+    }
+    if (entries.empty()) {
+        report.Inform("nothing to recover\n");
+    }
+    report.Member("changes", std::move(changes));
+    return status;
 }
 
 }  // namespace
 
 ExitStatus RunRecover(const Invocation& invocation, Report& report) {
+    if (invocation.force && invocation.keep) {
+        return report.Refuse("recover: --force and --keep exclude each other; give one of them");
+    }
+    NoteWait(velk::kJournalLock, invocation.limits.wait_seconds, report);
     const JournalLock lock(JournalLock::Use::kAlone, invocation.limits.wait_seconds);
     if (!lock.is_held()) {
         return FailForJournal(lock.error(), report);
@@ -121,20 +203,7 @@ ExitStatus RunRecover(const Invocation& invocation, Report& report) {
         NoteUnusable(stored, report);
     }
     RemoveTornEntries(listing);
-    const Device device(invocation.limits, report);
-    ExitStatus status = ExitStatus::kDone;
-    Json changes = Json::array();
-    const std::vector<StoredEntry> interrupted = InterruptedEntries(listing, invocation.boot);
-    for (const StoredEntry& stored : interrupted) {
-        const ExitStatus own = RecoverEntry(stored, invocation, device, report);
-        status = own == ExitStatus::kDone ? status : own;
-        changes.push_back(stored.decoded.entry.id);
-    }
-    if (interrupted.empty()) {
-        report.Inform("nothing to recover\n");
-    }
-    report.Member("changes", std::move(changes));
-    return status;
+    return RecoverEntries(InterruptedEntries(listing, invocation.boot), invocation, report);
 }
 
 }  // namespace velkctl

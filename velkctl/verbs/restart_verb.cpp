@@ -10,6 +10,8 @@
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/interface_restart.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/journal_folder.h"
+#include "velkctl/journal/journal_problem.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/report/exit_status.h"
@@ -66,6 +68,9 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
     }
     if (invocation.dry_run) {
         return TryRestart(interface, invocation, report);
+    }
+    if (const std::string id = FindInterrupted(); !id.empty()) {
+        report.Note(InterruptedProblem(id));
     }
     const Device device(invocation.limits, report);
     return invocation.notify_only ? Notify(interface, device, report)

@@ -8,16 +8,12 @@
 #include <utility>
 
 #include "velkctl/call/longest_wait.h"
+#include "velkctl/settings/value_text.h"
 #include "velkctl/text/columns.h"
 #include "velkctl/text/masking.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
-
-std::string ValueText(const Setting& setting, const Data& data, bool show_secrets) {
-    return IsMasked(setting.row->secret, show_secrets, data) ? std::string(kMask)
-                                                             : setting.row->kind->Print(data);
-}
 
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets) {
     return IsMasked(setting.row->secret, show_secrets, data) ? Json(kMask)

@@ -15,9 +15,7 @@
 
 namespace velkctl {
 
-// Returns a value for people, or for JSON. A secret is masked unless it is empty or may be
-// shown.
-std::string ValueText(const Setting& setting, const Data& data, bool show_secrets);
+// Returns a value for JSON. A secret is masked unless it is empty or may be shown.
 Json ValueInJson(const Setting& setting, const Data& data, bool show_secrets);
 
 // Returns the bare value for scripts. It is empty for an empty value and for none.

@@ -17,6 +17,7 @@
 #include "velkctl/report/output.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_text.h"
 #include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/read_failure.h"
 #include "velkctl/verbs/selected_settings.h"

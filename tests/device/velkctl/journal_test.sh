@@ -26,8 +26,52 @@ words='
         head -c -$((12 + 16)) "$entry" >/tmp/entry
         cat /tmp/entry >"$entry"
     }
+    # Makes the only entry one of another start of the device.
+    other_boot() {
+        python3 - $journal/0* <<END
+import struct, sys, zlib
+entry = open(sys.argv[1], "rb").read()
+length = struct.unpack("<I", entry[:4])[0]
+boot = open("/proc/sys/kernel/random/boot_id", "rb").read().strip()
+header = entry[12:12 + length].replace(boot, b"0" * len(boot))
+checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
+open(sys.argv[1], "wb").write(entry[:4] + checksum + entry[8:12] + header + entry[12 + length:])
+END
+    }
+    # Makes the first entry one of a change that has restarted eth0.
+    with_restart() {
+        python3 - $journal/0*1-* <<END
+import struct, sys, zlib
+entry = open(sys.argv[1], "rb").read()
+length = struct.unpack("<I", entry[:4])[0]
+header = entry[12:12 + length].replace(b"\"restarts\":[]", b"\"restarts\":[\"eth0\"]")
+checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
+start = struct.pack("<I", len(header)) + checksum + entry[8:12]
+open(sys.argv[1], "wb").write(start + header + entry[12 + length:])
+END
+    }
+    # Runs a client for eth0 that ifdown ends. Notes what is done with interfaces in /tmp/done.
+    with_client() {
+        python3 -c "import os; os.execv(\"/bin/sh\", [\"dhclient\", \"-c\", \"sleep 99; :\", \"eth0\"])" &
+        client=$!
+        until tr "\0" " " </proc/$client/cmdline | grep -q "^dhclient"; do sleep .02; done
+        # Both names are those of one program.
+        stand_in_script ifup "echo \${0##*/} \$1 >>/tmp/done" "case \$0 in *ifdown) kill $client ;; esac"
+    }
+    # Cuts the first entry after its first state: its change was prepared and not begun.
+    prepare_only() {
+        python3 - $journal/0*1-* <<END
+import struct, sys
+entry = open(sys.argv[1], "rb").read()
+at = kind = 0
+while kind != 3:
+    length, _, kind = struct.unpack("<III", entry[at:at + 12])
+    at += 12 + length
+open(sys.argv[1], "wb").write(entry[:at])
+END
+    }
 '
-script() { on_device sh -c "$words$1"; }
+script() { on_device sh -c "$stand_in_word$words$1"; }
 
 # ---- undo -------------------------------------------------------------------------------------
 it 'takes the last set back, byte by byte'
@@ -39,10 +83,11 @@ status_is 0
 output_is ''
 error_is ''
 
-it 'says which change is taken back'
-script 'velkctl set eth0.address 192.168.0.77 && velkctl undo | sed -E "s/[a-z0-9]{4} of [-0-9: ]+ is/ID of TIME is/"'
+it 'says which change is taken back, and by which one'
+script 'velkctl set eth0.address 192.168.0.77 && velkctl undo >/tmp/said; other=$(ids | head -n 1)
+    sed -E "s/[a-z0-9]{4} of [-0-9: ]+ is/ID of TIME is/; s/$other/OTHER/" /tmp/said'
 status_is 0
-output_is 'set ID of TIME is taken back
+output_is 'set ID of TIME is taken back by OTHER
   eth0.address  192.168.0.77 -> 192.168.0.10'
 
 it 'makes the change again by an undo of the undo'
@@ -80,6 +125,14 @@ output_is 'restart
 restart
 restart'
 
+it 'leaves the SNMP agent alone at boot: it starts later'
+script 'velkctl set location here --quiet; interrupt; other_boot
+    printf "#!/bin/sh\necho \"\$@\" >>/tmp/asked\n" >/tmp/agent
+    chmod +x /tmp/agent; mount --bind /tmp/agent /etc/init.d/snmpd; velkctl recover --boot --quiet; echo "status $?"
+    grep -c "syslocation.*window" /usr/local/share/etc/snmp/snmpd.conf; ls /tmp/asked'
+output_is 'status 0
+1'
+
 it 'takes back the change that is named'
 script 'velkctl set eth0.address 192.168.0.77; velkctl set eth0.gateway 192.168.0.9
     velkctl undo "$(ids | tail -n 1)" --quiet; echo "status $?"; velkctl get eth0.address eth0.gateway'
@@ -97,12 +150,17 @@ output_is 'status 0
 it 'changes nothing if a value was set since, unless it is forced'
 script 'velkctl set eth0.address 192.168.0.77; velkctl set eth0.address 192.168.0.66 --no-journal
     before=$(state); velkctl undo 2>&1 | sed "s/undo [a-z0-9]* --/undo ID --/"
+    velkctl undo --json | sed -n "s/.*\(\"\(setting\|file\)\": .*\)/\1/p"
     [ "$before" = "$(state)" ] && entries | wc -l; velkctl undo --force --quiet; echo "status $?"
     velkctl get eth0.address'
 output_is "velkctl: eth0.address: not put back
-  another program has set it since
+  it was set since, to '192.168.0.66'
+  saved value: '192.168.0.10'; file: /etc/network/interfaces
+  fix: 'velkctl undo ID --force' replaces it
 velkctl: undo: nothing was changed
-  fix: 'velkctl undo ID --force' replaces these values
+\"file\": \"/etc/network/interfaces\",
+\"setting\": \"eth0.address\",
+\"setting\": null,
 1
 status 0
 192.168.0.10"
@@ -118,8 +176,13 @@ script 'velkctl undo'
 status_is 1
 error_is 'velkctl: undo: there is no change to take back'
 script 'velkctl undo nope'
-status_is 1
+status_is 2
 error_is "velkctl: undo: there is no change 'nope'
+  fix: 'velkctl history' lists the changes"
+script 'velkctl set eth0.address 192.168.0.77; velkctl undo ""; echo "status $?"; velkctl get eth0.address'
+output_is 'status 2
+192.168.0.77'
+error_is "velkctl: undo: there is no change ''
   fix: 'velkctl history' lists the changes"
 
 it 'names each item that could not be put back'
@@ -129,14 +192,67 @@ script 'velkctl set eth0.address=192.168.0.77 location=here --quiet
 status_is 9
 error_has 'eth0.address: not put back'
 
+# An undo of that undo must not call the address changed.
+it 'names after an undo in part only the settings that were put back'
+script 'velkctl set eth0.address=192.168.0.77 location=here --quiet
+    mount --bind -o ro $interfaces $interfaces && mount -o remount,ro,bind $interfaces
+    velkctl undo 2>/dev/null | sed -E "s/[a-z0-9]{4} of [-0-9: ]+ is/ID of TIME is/; s/by [a-z0-9]{4}(,|$)/by ID\1/"
+    history | head -n 2; velkctl undo --quiet; velkctl get location'
+status_is 0
+output_is 'set ID of TIME is taken back in part by ID
+  location  here -> Second floor, by the window
+ID undo done
+  location  here -> Second floor, by the window
+here'
+
+it 'says why a value cannot be read, and that nothing was changed'
+script 'velk-sandbox cable out; velkctl set ssid=other --quiet; velk-sandbox adapter out; sleep 1
+    for force in "" --force; do velkctl undo $force >/tmp/said 2>&1; echo "status $?"; cat /tmp/said; done
+    entries | wc -l'
+output_is "status 4
+velkctl: eth1.ssid: not put back
+  it cannot be read
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  no adapter is attached
+  fix: plug in an adapter; if that does not start the wireless daemon, start it
+  result: LIB_VELK_FAILURE (-1)
+velkctl: undo: nothing was changed
+status 4
+velkctl: eth1.ssid: not put back
+  it cannot be read
+  likely cause: /tmp/WlanAplToWlanSock: its socket is missing
+  no adapter is attached
+  fix: plug in an adapter; if that does not start the wireless daemon, start it
+  result: LIB_VELK_FAILURE (-1)
+velkctl: undo: nothing was changed
+1"
+
+it 'says that an interface has no address after its restart'
+script 'velk-sandbox adapter out; velkctl set location here --quiet; with_restart
+    stand_in_script ifup "ifconfig \$1 0.0.0.0 up"; velkctl undo >/tmp/said; echo "status $?"
+    sed -E "s/[a-z0-9]{4} of [-0-9: ]+ is/ID of TIME is/; s/by [a-z0-9]{4}(,|$)/by ID\1/; s/[0-9]+ s/N s/" /tmp/said'
+output_is 'status 6
+set ID of TIME is taken back by ID, restarted eth0 (N s)
+  location  here -> Second floor, by the window'
+error_has 'eth0: '
+
+# The cut file has one block of 4 KB; the whole one needs two.
 it 'loses no file on a full disk'
-script 'velkctl set eth0.address 192.168.0.77
-    mkdir /tmp/small && mount -t tmpfs -o size=8k none /tmp/small && cp $interfaces /tmp/small/x
-    cp -R /etc/network/. /tmp/keep; mount --move /tmp/small /etc/network; cp /tmp/keep/* /etc/network
-    head -c 8192 /dev/zero >/etc/network/fill 2>/dev/null; before=$(cat $interfaces)
+script 'for line in $(seq 150); do echo "# a comment in line $line of the interfaces"; done >>$interfaces
+    velkctl set eth0.address 192.168.0.77; cp $interfaces /tmp/new; mkdir /tmp/small
+    mount -t tmpfs -o size=8k none /tmp/small && mount --move /tmp/small /etc/network
+    head -c 4000 /tmp/new >$interfaces; head -c 4096 /dev/zero >/etc/network/fill; before=$(cat $interfaces)
     velkctl undo --quiet; echo "status $?"; [ "$before" = "$(cat $interfaces)" ] && echo whole'
-output_is 'status 9
+output_is 'status 1
 whole'
+
+it 'puts a file back on a full disk if that needs no more room'
+script 'velkctl set eth0.address 192.168.0.77; cp $interfaces /tmp/new; mkdir /tmp/small
+    mount -t tmpfs -o size=8k none /tmp/small && mount --move /tmp/small /etc/network
+    cp /tmp/new $interfaces; head -c 4096 /dev/zero >/etc/network/fill
+    velkctl undo --quiet; echo "status $?"; velkctl get eth0.address'
+output_is 'status 0
+192.168.0.10'
 
 # ---- the journal ------------------------------------------------------------------------------
 it 'has no entry of a set that changes nothing'
@@ -164,16 +280,14 @@ output_is '700
 it 'names a value that it does not know'
 script 'velkctl set eth0.dhcp-notice off --quiet; history; velkctl history --json | grep -c "\"old\": null"
     before=$(state); echo "# theirs" >>/etc/dhclient-exit-hooks; velkctl undo 2>/dev/null; echo "status $?"
-    velkctl undo --force; echo "status $?"; sed -i \$d /etc/dhclient-exit-hooks
+    velkctl undo --force 2>/dev/null; echo "status $?"; sed -i \$d /etc/dhclient-exit-hooks
     [ "$before" = "$(state)" ] && velkctl undo --quiet; echo "status $?"'
 output_is 'ID  done
   eth0.dhcp-notice  unknown -> off
 1
 status 1
-status 9
+status 1
 status 0'
-error_is 'velkctl: eth0.dhcp-notice: not put back
-  its old value is not known'
 
 it 'says that the journal cannot be read'
 script 'touch $journal; velkctl history'
@@ -212,7 +326,7 @@ velkctl: undo: nothing was changed
   fix: make /var/libvelk/journal a folder that can be written'
 
 it 'lets a set go on if its disk is full'
-script 'mkdir $journal && mount -t tmpfs -o size=4k none $journal && head -c 4096 /dev/zero >$journal/fill
+script 'mkdir $journal && mount -t tmpfs -o size=4k,mode=700 none $journal && head -c 4096 /dev/zero >$journal/fill
     velkctl set eth0.address 192.168.0.77; echo "status $?"; velkctl get eth0.address; ls $journal'
 output_is 'status 0
 192.168.0.77
@@ -221,6 +335,26 @@ lock'
 error_is 'velkctl: note: set: undo cannot take this set back
   /var/libvelk/journal: No space left on device
   fix: free space on the disk of /var/libvelk, or give --no-journal'
+
+it 'does not trust a journal where others may write'
+script 'velkctl set eth0.address 192.168.0.77; chmod 777 $journal; velkctl undo; echo "status $?"
+    velkctl recover --boot; echo "status $?"; velkctl get eth0.address'
+output_is 'status 1
+status 1
+192.168.0.77'
+error_has 'velkctl: undo: nothing was changed
+  /var/libvelk/journal: Operation not permitted
+  fix: make /var/libvelk/journal a folder of root where nobody else can write'
+
+it 'finds a journal that is nearly full before the set'
+script 'for line in $(seq 40); do echo "# a comment in line $line of the interfaces"; done >>$interfaces
+    mkdir $journal && mount -t tmpfs -o size=4k,mode=700 none $journal
+    velkctl set eth0.address 192.168.0.77; echo "status $?"; velkctl recover; velkctl get eth0.address'
+output_is 'status 0
+nothing to recover
+192.168.0.77'
+error_has 'velkctl: note: set: undo cannot take this set back
+  /var/libvelk/journal: No space left on device'
 
 it 'leaves an entry of a later velkctl alone'
 script 'python3 - <<END
@@ -269,15 +403,7 @@ error_has 'was interrupted'
 it 'takes back at boot the changes from before it, and later the values of the daemon'
 script 'velk-sandbox cable out
     velkctl set eth0.address=192.168.0.77 ssid=other; interrupt; velkctl recover --boot
-    python3 - $journal/0* <<END
-import struct, sys, zlib
-entry = open(sys.argv[1], "rb").read()
-length = struct.unpack("<I", entry[:4])[0]
-boot = open("/proc/sys/kernel/random/boot_id", "rb").read().strip()
-header = entry[12:12 + length].replace(boot, b"0" * len(boot))
-checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
-open(sys.argv[1], "wb").write(entry[:4] + checksum + entry[8:12] + header + entry[12 + length:])
-END
+    other_boot
     velkctl recover --boot | sed -E "s/change .{4} of [-0-9: ]+ w/change ID of TIME w/"
     velkctl get eth0.address ssid; history | head -n 1
     velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ is/change ID of TIME is/"
@@ -299,19 +425,98 @@ script 'velkctl set eth0.address 192.168.0.77; interrupt
     velkctl recover 2>&1 | sed -E "s/change .{4} of [-0-9: ]+ is/change ID of TIME is/"; history | head -n 1
     velkctl recover --quiet 2>/dev/null; echo "status $?"; velkctl set eth0.address 192.168.0.77 --no-journal
     velkctl recover --quiet; echo "status $?"; velkctl get eth0.address'
-output_is 'velkctl: eth0.address: not put back
-  another program has set it since
+output_is "velkctl: eth0.address: not put back
+  it was set since, to '192.168.0.66'
+  saved value: '192.168.0.10'; file: /etc/network/interfaces
+  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it
 change ID of TIME is put back in part
 ID  stuck
 status 9
 status 0
-192.168.0.10'
+192.168.0.10"
+
+stuck_words='
+    # Leaves a change of the address and the location stuck: the location was set since. The address
+    # is put back.
+    make_stuck() {
+        velkctl set eth0.address=192.168.0.77 location=ours --quiet; interrupt
+        velkctl set location=third --no-journal --quiet
+        velkctl recover --quiet 2>/dev/null; echo "status $?"
+    }
+'
+it 'leaves a value that was set after recover'
+script "$stuck_words"'make_stuck; velkctl set eth0.address 192.168.0.77 --no-journal; velkctl recover --quiet 2>/dev/null
+    echo "status $?"; velkctl get eth0.address location'
+output_is 'status 9
+status 9
+eth0.address  192.168.0.77
+location      third'
+
+it 'replaces a value that was set since with --force'
+script "$stuck_words"'make_stuck; velkctl recover --force --quiet; echo "status $?"; velkctl get location; history
+    velkctl recover'
+output_is 'status 9
+status 0
+Second floor, by the window
+ID  reverted
+  location      Second floor, by the window -> ours
+  eth0.address  192.168.0.10 -> 192.168.0.77
+nothing to recover'
+
+it 'closes a change as it is with --keep'
+script "$stuck_words"'make_stuck; velkctl recover --keep | sed -E "s/change .{4} of [-0-9: ]+ is/change ID of TIME is/"
+    velkctl get eth0.address location; history | head -n 1; velkctl recover; velkctl recover --keep --force
+    echo "status $?"; velkctl undo "$(ids)" 2>&1 | sed "s/change [a-z0-9]*/change ID/"'
+output_is 'status 9
+change ID of TIME is closed; the present values stay
+eth0.address  192.168.0.10
+location      third
+ID  kept
+nothing to recover
+status 2
+velkctl: undo: change ID cannot be taken back
+  kept'
+error_is 'velkctl: recover: --force and --keep exclude each other; give one of them'
+
+it 'closes no change with --keep that has left a file short'
+script 'velkctl set eth0.address 192.168.0.77; interrupt; printf "# " >$interfaces
+    velkctl recover --keep 2>&1 | sed "s/change [a-z0-9]*/change ID/"; history | head -n 1; velkctl recover --quiet
+    velkctl get eth0.address'
+output_is "velkctl: change ID: not closed
+  /etc/network/interfaces was cut
+  fix: 'velkctl recover' puts it back
+ID  interrupted
+192.168.0.10"
+
+it 'keeps the value of a later change'
+script 'velkctl set eth0.address=192.168.0.77 location=ours --quiet; interrupt; velkctl set location third --quiet
+    velkctl recover >/tmp/said; echo "status $?"; velkctl get eth0.address location; history | sed -n 3p'
+output_is 'status 0
+eth0.address  192.168.0.10
+location      third
+ID  reverted'
+error_is 'velkctl: note: location: keeps its value, which a later change has set'
+
+# The later change is stuck. The first change puts the address back, and no other program does.
+it 'takes two changes back, one after the other'
+script 'velkctl set eth0.address=192.168.0.77 --quiet; interrupt
+    velkctl set eth0.address=192.168.0.66 location=ours --quiet 2>/dev/null; interrupt
+    velkctl set location=third --no-journal --quiet
+    velkctl recover --quiet 2>/dev/null; echo "status $?"; velkctl set location=ours --no-journal --quiet
+    velkctl recover --quiet; echo "status $?"; velkctl get eth0.address location; velkctl recover'
+error_is ''
+output_is 'status 9
+status 0
+eth0.address  192.168.0.10
+location      Second floor, by the window
+nothing to recover'
 
 it 'recovers nothing while another program changes settings'
 script 'velkctl set eth0.address 192.168.0.77; interrupt
     flock /var/tmp/vklib_lock velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ a/change ID of TIME a/"
     flock /var/tmp/vklib_lock velkctl undo; flock $journal/lock velkctl recover; echo "status $?"
     velkctl recover --quiet; velkctl get eth0.address'
+error_has 'flock, 0 seconds old'
 output_is 'change ID of TIME another program is changing settings
 status 3
 192.168.0.10'
@@ -339,22 +544,47 @@ same bytes'
 
 it 'restarts the interfaces that the change has restarted'
 script 'velk-sandbox adapter out; velkctl set eth0.address 192.168.0.77
-    with_restart() {
-        python3 - $journal/0*1-* <<END
-import struct, sys, zlib
-entry = open(sys.argv[1], "rb").read()
-length = struct.unpack("<I", entry[:4])[0]
-header = entry[12:12 + length].replace(b"\"restarts\":[]", b"\"restarts\":[\"eth0\"]")
-checksum = struct.pack("<I", zlib.crc32(entry[8:12] + header))
-start = struct.pack("<I", len(header)) + checksum + entry[8:12]
-open(sys.argv[1], "wb").write(start + header + entry[12 + length:])
-END
-    }
     with_restart; velkctl restart eth0; velkctl undo --quiet; echo "status $?"
     ifconfig eth0 | grep -o "192\.168\.0\.[0-9]*" | head -n 1'
 output_is 'eth0: 192.168.0.77 (static)
 status 0
 192.168.0.10'
+
+it 'leaves no interface down if not all is put back'
+script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp location=there --quiet --no-verify
+    with_restart; with_client; for file in /var/libvelk/libvelk /usr/local/share/etc/snmp/snmpd.conf; do
+        mount --bind $file $file && mount -o remount,ro,bind $file
+    done
+    velkctl undo --quiet 2>/dev/null; echo "status $?"; velkctl get eth0.method
+    sed -n "1p;\$p" /tmp/done'
+output_is 'status 9
+static
+ifdown eth0
+ifup eth0'
+
+it 'restarts an interface if a part is put back'
+script 'velk-sandbox adapter out; velkctl set eth0.address=192.168.0.77 location=ours --quiet --no-verify
+    with_restart; interrupt; velkctl set location=third --no-journal --quiet; velkctl restart eth0
+    velkctl recover --quiet 2>/dev/null; echo "status $?"
+    ifconfig eth0 | grep -o "192\.168\.0\.[0-9]*" | head -n 1'
+output_is 'eth0: 192.168.0.77 (static)
+status 9
+192.168.0.10'
+
+it 'leaves no interface down if another program takes the lock'
+script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp --quiet --no-verify; with_restart; interrupt
+    with_client; flock /var/tmp/vklib_lock velkctl recover --quiet; echo "status $?"; cat /tmp/done'
+output_is 'status 3
+ifdown eth0'
+error_has 'velkctl: eth0: could not be restarted'
+
+it 'does nothing for a change that was not begun'
+script 'velk-sandbox adapter out; velkctl set eth0.method=dhcp --quiet --no-verify; with_restart; prepare_only
+    with_client; velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ w/change ID of TIME w/"
+    ls /tmp/done; history'
+output_is 'change ID of TIME was not begun
+ID  reverted
+  eth0.method  static -> dhcp'
 
 it 'says why a file of the journal is no entry'
 script 'mkdir -m 700 $journal && mkdir $journal/000001-bbbb && echo torn >$journal/000002-cccc
@@ -365,7 +595,7 @@ script 'mkdir -m 700 $journal && mkdir $journal/000001-bbbb && echo torn >$journ
     velkctl history | sed -n "s/  [-0-9]* [0-9:]*//; /^[bcdf][bcdf]/p"
     velkctl recover 2>&1 | sed -E "s/ of [-0-9: ]+ is/ is/"; velkctl get eth0.address; entries | wc -l'
 output_is 'ffff  damaged
-dddd  set  interrupted
+dddd  set by user 0  interrupted
 cccc  not begun
 bbbb  Is a directory
 velkctl: note: recover: /var/libvelk/journal/000001-bbbb is left as it is
@@ -386,16 +616,53 @@ output_is 'status 7
 
 it 'refuses a set while another run changes settings'
 script 'velkctl set eth0.address 192.168.0.77; flock $journal/lock velkctl set eth0.address 192.168.0.9
-    echo "status $?"; flock $journal/lock velkctl undo; echo "status $?"; velkctl get eth0.address'
+    echo "status $?"; velkctl get eth0.address'
 output_is 'status 3
-status 3
 192.168.0.77'
 error_is 'velkctl: set: nothing was changed
   another program is changing settings
+  fix: try again, or let --wait=SECONDS try again'
+
+it 'names the process that keeps undo and recover waiting'
+script 'holder() { sed -E "s/process [0-9]+ .*[^;] old\)/process N/"; }
+    velkctl set eth0.address 192.168.0.77; flock $journal/lock sleep 9 & sleep .3
+    velkctl undo 2>&1 | holder; velkctl recover 2>&1 | holder; velkctl undo --wait=1 2>&1 | holder
+    velkctl recover --wait=1 2>&1 | holder; velkctl get eth0.address'
+output_is 'velkctl: undo: nothing was changed
+  another program is changing settings
+  process N holds the lock
   fix: try again, or let --wait=SECONDS try again
+velkctl: recover: the journal cannot be used
+  another program is changing settings
+  process N holds the lock
+  fix: try again, or let --wait=SECONDS try again
+velkctl: note: waiting at most 1 s for the lock, held by process N
 velkctl: undo: nothing was changed
   another program is changing settings
-  fix: try again, or let --wait=SECONDS try again'
+  process N holds the lock
+  fix: try again, or let --wait=SECONDS try again
+velkctl: note: waiting at most 1 s for the lock, held by process N
+velkctl: recover: the journal cannot be used
+  another program is changing settings
+  process N holds the lock
+  fix: try again, or let --wait=SECONDS try again
+192.168.0.77'
+
+it 'notes an interrupted change below other changes'
+script 'velk-sandbox adapter out; velkctl set eth0.address 192.168.0.77; interrupt
+    velkctl set location=one --quiet; velkctl set location=two 2>&1 | sed "s/change [a-z0-9]*/change ID/"
+    velkctl undo 2>&1 >/dev/null | sed "s/change [a-z0-9]*/change ID/"
+    velkctl restart eth0 2>&1 >/dev/null | sed "s/change [a-z0-9]*/change ID/"
+    velkctl doctor | grep -A 2 "was interrupted" | sed "s/change [a-z0-9]*/change ID/; s/[0-9a-z]*-[0-9a-z]*:/FILE:/"'
+output_is "velkctl: note: change ID was interrupted
+  fix: 'velkctl recover' takes it back
+velkctl: note: change ID was interrupted
+  fix: 'velkctl recover' takes it back
+velkctl: note: change ID was interrupted
+  fix: 'velkctl recover' takes it back
+problem: change ID was interrupted
+  /var/libvelk/journal/FILE: it is neither finished nor taken back
+  fix: velkctl recover"
 
 # Kills velkctl and everything it has started, at different moments of a set.
 it 'has all old or all new values after each kill and recover'

@@ -5,6 +5,7 @@
 #include "velkctl/changes/dhcp_end.h"
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -57,10 +58,11 @@ TEST_F(DhcpEnd, ComesBeforeTheMethodStaticIsPutBack) {
     const testkit::LeftClient client;
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n");
     testing::internal::CaptureStderr();
-    EndClientsOf(EntryFrom(VELK_METHOD_DHCP), device, report);
+    EXPECT_TRUE(EndClientsOf(EntryFrom(VELK_METHOD_DHCP), device, report).empty());
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     testing::internal::CaptureStderr();
-    EndClientsOf(EntryFrom(VELK_METHOD_STATIC), device, report);
+    EXPECT_EQ(EndClientsOf(EntryFrom(VELK_METHOD_STATIC), device, report),
+              std::vector<std::string>{"eth0"});
     const std::string error = testing::internal::GetCapturedStderr();
     EXPECT_EQ(error.substr(0, error.find('\n')),
               "velkctl: eth0: its DHCP client could not be ended");

@@ -5,10 +5,12 @@
 #include "velkctl/changes/journal_record.h"
 
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/device_test.h"
@@ -83,14 +85,14 @@ TEST_F(JournalRecordTest, KnowsTheFilesBeforeAndAfterTheChange) {
     EXPECT_EQ(ReadFile(kInterfaces), kText);
 }
 
-TEST_F(JournalRecordTest, IsConfirmedWithTheFilesAsTheyAre) {
+TEST_F(JournalRecordTest, IsDoneWithTheFilesAsTheyAre) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
     record->StepMade();
     EXPECT_FALSE(record->Flush());
     WriteFile(kInterfaces, "# by hand\n");
     EXPECT_FALSE(record->Finish());
-    EXPECT_EQ(Stored().state, EntryState::kConfirmed);
+    EXPECT_EQ(Stored().state, EntryState::kDone);
     EXPECT_EQ(Stored().after[0].bytes, "# by hand\n");
 }
 
@@ -146,6 +148,22 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
+// A program keeps the lock for longer than a plain set takes.
+TEST_F(JournalRecordTest, WaitsForTheLibraryToPutTheFilesBack) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
+    const auto start = std::chrono::steady_clock::now();
+    int lock = VkLibLock();
+    libc().OnCall(Call::kNanosleep, [&](const testkit::Event&) {
+        if (lock != -1 && std::chrono::steady_clock::now() - start > std::chrono::seconds(3)) {
+            VkLibUnLock(std::exchange(lock, -1));
+        }
+    });
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+}
+
 TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
@@ -154,7 +172,10 @@ TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "velkctl: eth0.address: not put back\n  another program has set it since\n");
+              "velkctl: eth0.address: not put back\n"
+              "  it was set since, to '192.168.0.3'\n"
+              "  saved value: '192.168.0.1'; file: /etc/network/interfaces\n"
+              "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
     EXPECT_EQ(Stored().state, EntryState::kStuck);
 }
 

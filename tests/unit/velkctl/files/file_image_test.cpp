@@ -161,6 +161,18 @@ TEST_F(FileImageTest, KeepsTheFileOnAFullDisk) {
     EXPECT_EQ(ReadFile(kFile), "text");
 }
 
+TEST_F(FileImageTest, NeedsNoRoomBesideItsBlocksOnAFullDisk) {
+    const testkit::Emptied full("/etc/network", "size=8k");
+    WriteFile(kFile, "the new text");
+    WriteFile("/etc/network/fill", std::string(4096, 'x'));
+    const FileImage shorter{.path = kFile, .exists = true, .bytes = "text"};
+    EXPECT_EQ(WriteFileImage(shorter, ReadFileImage(kFile)), 0);
+    EXPECT_EQ(ReadFile(kFile), "text");
+    const FileImage longer{.path = kFile, .exists = true, .bytes = std::string(4097, 'x')};
+    EXPECT_EQ(WriteFileImage(longer, ReadFileImage(kFile)), ENOSPC);
+    EXPECT_EQ(ReadFile(kFile), "text");
+}
+
 TEST_F(FileImageTest, ReportsAFileThatCannotBeFlushed) {
     WriteFile(kFile, "text");
     libc().Script(testkit::Call::kOpen, {testkit::Fail(EIO)});

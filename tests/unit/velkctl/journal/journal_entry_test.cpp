@@ -109,9 +109,28 @@ TEST(JournalEntry, HasTheLastStateAndTheLastImages) {
     EXPECT_EQ(entry.between[0].bytes, "one");
 }
 
+TEST(JournalEntry, HasTheStepsThatWereMadeAndTheItemsThatWerePutBack) {
+    const std::string bytes = EncodeEntry(SomeEntry()) +
+                              velkctl::EncodeMade({SomeEntry().steps[1].setting.name()}) +
+                              velkctl::EncodePutBack({"one"}) + velkctl::EncodePutBack({"two"});
+    const JournalEntry entry = DecodeEntry(bytes).entry;
+    ASSERT_EQ(entry.steps.size(), 1U);
+    EXPECT_EQ(entry.steps[0].setting.name(), SomeEntry().steps[1].setting.name());
+    EXPECT_EQ(entry.put_back, (std::vector<std::string>{"one", "two"}));
+}
+
+TEST(JournalEntry, IgnoresAKindThatItDoesNotKnow) {
+    const std::string bytes = EncodeEntry(SomeEntry()) +
+                              EncodeFrame(static_cast<FrameKind>(99), "odd") +
+                              EncodeState(EntryState::kDone);
+    const DecodedEntry decoded = DecodeEntry(bytes);
+    EXPECT_EQ(decoded.health, EntryHealth::kWhole);
+    EXPECT_EQ(decoded.entry.state, EntryState::kDone);
+}
+
 TEST(JournalEntry, IsClosedWhenNothingIsLeftToDo) {
     for (const EntryState state :
-         {EntryState::kDone, EntryState::kConfirmed, EntryState::kReverted}) {
+         {EntryState::kDone, EntryState::kConfirmed, EntryState::kReverted, EntryState::kKept}) {
         EXPECT_TRUE(JournalEntry{.state = state}.is_closed()) << NameOf(state);
     }
     for (const EntryState state :
@@ -209,6 +228,7 @@ TEST(JournalEntry, IsDamagedIfItMakesNoSense) {
     EXPECT_EQ(WithHeader("{", "").health, EntryHealth::kDamaged);
     EXPECT_EQ(WithHeader("\"apply\"", "\"other\"").health, EntryHealth::kDamaged);
     EXPECT_EQ(WithHeader("eth0.address", "eth0.addless").health, EntryHealth::kDamaged);
+    EXPECT_EQ(WithHeader("\"old\":\"", "\"old\":\"x").health, EntryHealth::kDamaged);
     EXPECT_EQ(
         DecodeEntry(EncodeEntry(SomeEntry()) + EncodeFrame(FrameKind::kState, R"({"state":"odd"})"))
             .health,

@@ -57,12 +57,43 @@ class JournalFolderTest : public testkit::DeviceTest {
 
 TEST_F(JournalFolderTest, IsForItsOwnerAlone) {
     std::filesystem::remove_all(kFolder);
-    const mode_t mask = umask(0);
+    for (const mode_t mask : {0U, 0777U}) {
+        const mode_t before = umask(mask);
+        EXPECT_TRUE(JournalLock(JournalLock::Use::kShared, 0).is_held());
+        (void)MakeEntry(EntryState::kDone);
+        (void)umask(before);
+        EXPECT_EQ(testkit::IdentityOf(kFolder).mode & 07777U, 0700U);
+        EXPECT_EQ(testkit::IdentityOf(ReadJournal().entries.front().path).mode & 07777U, 0600U);
+        std::filesystem::remove_all(kFolder);
+    }
+}
+
+TEST_F(JournalFolderTest, IsNotTrustedIfOthersMayWriteThere) {
+    for (const mode_t mode : {0720U, 0702U}) {
+        ASSERT_EQ(chmod(kFolder, mode), 0);
+        EXPECT_EQ(JournalLock(JournalLock::Use::kShared, 0).error(), EPERM);
+        EXPECT_EQ(ReadJournal().error, EPERM);
+    }
+    ASSERT_EQ(chmod(kFolder, 0755), 0);
     EXPECT_TRUE(JournalLock(JournalLock::Use::kShared, 0).is_held());
-    (void)MakeEntry(EntryState::kDone);
-    (void)umask(mask);
-    EXPECT_EQ(testkit::IdentityOf(kFolder).mode & 07777U, 0700U);
-    EXPECT_EQ(testkit::IdentityOf(ReadJournal().entries.front().path).mode & 07777U, 0600U);
+}
+
+TEST_F(JournalFolderTest, IsNotFollowedToAnotherFolder) {
+    std::filesystem::remove_all(kFolder);
+    ASSERT_EQ(symlink("/var/tmp", kFolder), 0);
+    EXPECT_EQ(JournalLock(JournalLock::Use::kShared, 0).error(), ENOTDIR);
+    EXPECT_EQ(ReadJournal().error, ENOTDIR);
+    ASSERT_EQ(unlink(kFolder), 0);
+}
+
+TEST_F(JournalFolderTest, DoesNotWaitForAFifo) {
+    ASSERT_EQ(mkfifo((std::string(kFolder) + "/000001-fifo").c_str(), 0600), 0);
+    EXPECT_EQ(ReadJournal().entries.front().decoded.health, velkctl::EntryHealth::kTorn);
+}
+
+TEST_F(JournalFolderTest, ReportsALockThatCannotBeUsed) {
+    libc().Script(testkit::Call::kFlock, {testkit::Fail(ENOLCK)});
+    EXPECT_EQ(JournalLock(JournalLock::Use::kAlone, 60).error(), ENOLCK);
 }
 
 TEST_F(JournalFolderTest, IsSharedByPlainSets) {
@@ -147,8 +178,18 @@ TEST_F(JournalFolderTest, ReportsAnEntryThatCannotBeContinued) {
     EXPECT_FALSE(file.Remove());
 }
 
+// Otherwise the entry of a change that was not made may be there again after a power cut.
+TEST_F(JournalFolderTest, FlushesTheRemovalOfAnEntry) {
+    JournalEntry entry;
+    EntryFile file(entry);
+    const size_t opened = libc().Events(testkit::Call::kOpen).size();
+    file.Remove();
+    ASSERT_EQ(libc().Events(testkit::Call::kOpen).size(), opened + 1);
+    EXPECT_EQ(libc().Events(testkit::Call::kOpen).back().text, kFolder);
+}
+
 TEST_F(JournalFolderTest, LeavesNoEntryOnAFullDisk) {
-    const testkit::Emptied full(kFolder, "size=4k");
+    const testkit::Emptied full(kFolder, "size=4k,mode=700");
     JournalEntry entry;
     entry.before = {{.path = "/etc/network/interfaces", .exists = true}};
     entry.before.front().bytes.assign(64 * 1024, 'x');
@@ -165,11 +206,25 @@ TEST_F(JournalFolderTest, KeepsSixteenEntries) {
     EXPECT_EQ(Ids(), std::vector(ids.begin() + 4, ids.end()));
 }
 
+TEST_F(JournalFolderTest, KeepsSixteenEntriesBesideOpenOnes) {
+    for (size_t i = 0; i < velkctl::kMostEntries; ++i) {
+        (void)MakeEntry(EntryState::kStuck);
+    }
+    const std::string one = MakeEntry(EntryState::kDone);
+    const std::string other = MakeEntry(EntryState::kDone);
+    PruneJournal(0);
+    ASSERT_EQ(Ids().size(), velkctl::kMostEntries + 2);
+    EXPECT_EQ(Ids()[velkctl::kMostEntries], one);
+    EXPECT_EQ(Ids().back(), other);
+}
+
 TEST_F(JournalFolderTest, KeepsNotMoreThanItsSize) {
     (void)MakeEntry(EntryState::kDone, 100 * 1024);
     const std::string open = MakeEntry(EntryState::kApplying, 100 * 1024);
     const std::string last = MakeEntry(EntryState::kDone, 100 * 1024);
     PruneJournal(10 * 1024);
+    EXPECT_EQ(Ids().size(), 3U) << "the open entry does not count";
+    PruneJournal(100 * 1024);
     EXPECT_EQ(Ids(), (std::vector{open, last}));
     PruneJournal(300 * 1024);
     EXPECT_EQ(Ids(), std::vector{open}) << "an open entry always stays";

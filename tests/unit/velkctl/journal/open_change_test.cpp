@@ -104,6 +104,20 @@ TEST_F(OpenChangeTest, CanBeRepeatedWhileAnotherProgramChangesSettings) {
     EXPECT_EQ(Begin(change), 0);
 }
 
+// A program that sets the address while the old values are read is not taken for this change.
+TEST_F(OpenChangeTest, ReadsTheFilesAfterTheValues) {
+    constexpr char kTheirs[] = "iface eth0 inet static\n\taddress 192.168.0.9\n";
+    int opened = 0;
+    libc().OnCall(testkit::Call::kOpen, [&](const testkit::Event& event) {
+        if (event.text == kInterfaces && ++opened == 2) {
+            WriteFile(kInterfaces, kTheirs);
+        }
+    });
+    OpenChange change;
+    ASSERT_EQ(Begin(change), 0);
+    EXPECT_EQ(Stored().before[0].bytes, kTheirs);
+}
+
 TEST_F(OpenChangeTest, RecordsFilesThatHaveChanged) {
     OpenChange change;
     ASSERT_EQ(Begin(change), 0);
@@ -130,9 +144,9 @@ TEST_F(OpenChangeTest, RecordsTheStepsThatWereMade) {
               0);
     change.RecordSteps(2);
     EXPECT_EQ(Stored().steps.size(), 2U);
-    change.RecordSteps(1);
+    change.RecordMade({"eth0.netmask"});
     EXPECT_EQ(change.entry().steps.size(), 1U);
-    EXPECT_EQ(Stored().steps.size(), 1U);
+    EXPECT_EQ(Stored().steps.front().setting.name(), "eth0.netmask");
 }
 
 TEST_F(OpenChangeTest, LeavesNoEntryIfItIsDiscarded) {
@@ -243,9 +257,77 @@ TEST_F(TakeBackTest, IsStuckWhereAnItemIsLeft) {
     Interrupt(EntryState::kReverting, "iface eth0 inet static\n\taddress 192.168.0.3\n");
     EXPECT_FALSE(TakeBackLast().is_whole());
     EXPECT_EQ(Stored().state, EntryState::kStuck);
-    EXPECT_EQ(error, "velkctl: eth0.address: not put back\n  another program has set it since\n");
+    EXPECT_EQ(error,
+              "velkctl: eth0.address: not put back\n"
+              "  it was set since, to '192.168.0.3'\n"
+              "  saved value: '192.168.0.1'; file: /etc/network/interfaces\n"
+              "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
     EXPECT_TRUE(TakeBackLast({.force = true}).is_whole());
     EXPECT_EQ(Stored().state, EntryState::kReverted);
+}
+
+// The file is put back by the first try. Somebody then sets the new value of the change again.
+TEST_F(TakeBackTest, TouchesNothingAgainThatWasPutBack) {
+    {
+        OpenChange change;
+        ASSERT_EQ(change.Begin({.steps = {{*FindSetting("eth0.address"), DataOf("192.168.0.2")},
+                                          {*FindSetting("eth1.ssid"), DataOf("x")}}},
+                               device),
+                  0);
+        WriteFile(kInterfaces, kNewText);
+        ASSERT_EQ(change.RecordFiles(), 0);
+        ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
+    }
+    EXPECT_EQ(TakeBackLast().left.size(), 1U) << "no daemon runs";
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+    EXPECT_EQ(Stored().put_back, (std::vector<std::string>{kInterfaces, "eth0.address"}));
+    WriteFile(kInterfaces, kNewText);
+    EXPECT_FALSE(TakeBackLast().has_changed);
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+}
+
+TEST_F(TakeBackTest, TouchesNothingAgainThatWasPutBackAtBoot) {
+    {
+        OpenChange change;
+        ASSERT_EQ(change.Begin({.steps = {{*FindSetting("eth0.address"), DataOf("192.168.0.2")},
+                                          {*FindSetting("eth1.ssid"), DataOf("x")}}},
+                               device),
+                  0);
+        WriteFile(kInterfaces, kNewText);
+        ASSERT_EQ(change.RecordFiles(), 0);
+        ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
+    }
+    EXPECT_TRUE(TakeBackLast({.at_boot = true}).waits_for_daemon);
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+    WriteFile(kInterfaces, kNewText);
+    (void)TakeBackLast();
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+}
+
+TEST_F(TakeBackTest, NotesTheValueOfALaterChange) {
+    Interrupt(EntryState::kApplying, kNewText);
+    const JournalEntry later = Stored();
+    EXPECT_TRUE(TakeBackLast({.later = {&later}}).is_whole());
+    EXPECT_EQ(error,
+              "velkctl: note: eth0.address: keeps its value, which a later change has set\n");
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+}
+
+TEST_F(TakeBackTest, SaysThatAnotherProgramKeepsTheLock) {
+    Interrupt(EntryState::kApplying, kNewText);
+    const int lock = VkLibLock();
+    EXPECT_TRUE(TakeBackLast({.lock_seconds = 0}).is_locked);
+    VkLibUnLock(lock);
+    EXPECT_TRUE(error.starts_with("velkctl: change " + Stored().id +
+                                  ": not put back\n  another program is changing settings\n"
+                                  "  process "))
+        << error;
+    EXPECT_TRUE(
+        error.ends_with(" holds the lock\n"
+                        "  fix: 'velkctl recover' takes it back after that\n"))
+        << error;
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText);
+    EXPECT_EQ(Stored().state, EntryState::kReverting);
 }
 
 TEST_F(TakeBackTest, StaysOpenForTheDaemon) {
@@ -254,7 +336,7 @@ TEST_F(TakeBackTest, StaysOpenForTheDaemon) {
         ASSERT_EQ(change.Begin({.steps = {{*FindSetting("eth1.ssid"), DataOf("x")}}}, device), 0);
         ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
     }
-    EXPECT_TRUE(TakeBackLast({.skip_daemon = true}).waits_for_daemon);
+    EXPECT_TRUE(TakeBackLast({.at_boot = true}).waits_for_daemon);
     EXPECT_EQ(Stored().state, EntryState::kReverting);
 }
 

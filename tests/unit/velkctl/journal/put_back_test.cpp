@@ -5,6 +5,7 @@
 #include "velkctl/journal/put_back.h"
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,7 +66,7 @@ class PutBackTest : public testkit::DeviceTest {
         return CompareFile(velkctl::ReadFileImage(kInterfaces), entry);
     }
     PutBackResult Run(const JournalEntry& entry, PutBackOptions options = {}) {
-        return PutBack(entry, options, device);
+        return PutBack(entry, options, device, report);
     }
     static std::vector<std::string> Texts(const std::vector<velkctl::Problem>& problems) {
         std::vector<std::string> texts;
@@ -105,6 +106,7 @@ TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     JournalEntry entry = Change();
     entry.after.clear();
     WriteFile(kCopy, TextWith("192.168.0.2"));
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther) << "the change is closed";
     entry.state = EntryState::kApplying;
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kNew);
@@ -113,6 +115,24 @@ TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     EXPECT_EQ(CaseOf("# other\n", entry), FileCase::kOther);
     WriteFile(kCopy, "");
     EXPECT_EQ(CaseOf(TextWith("192.168.0.2"), entry), FileCase::kOther);
+}
+
+// Any user can make such a file.
+TEST_F(PutBackTest, DoesNotTrustAnEditCopyOfAnother) {
+    JournalEntry entry = Change();
+    entry.state = EntryState::kApplying;
+    const std::string theirs = "# an administrator\n";
+    WriteFile(kCopy, theirs);
+    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "another mode";
+    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kNew);
+    ASSERT_EQ(link(kCopy, "/var/tmp/second-name"), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "two names";
+    ASSERT_EQ(unlink(kCopy), 0);
+    ASSERT_EQ(symlink(kInterfaces, kCopy), 0);
+    EXPECT_EQ(CaseOf(theirs, entry), FileCase::kOther) << "a link to the file itself";
+    ASSERT_EQ(unlink("/var/tmp/second-name"), 0);
 }
 
 TEST_F(PutBackTest, TakesAnUnreadableFileForThatOfAnother) {
@@ -152,17 +172,21 @@ TEST_F(PutBackTest, KeepsTheTextOfAnotherProgram) {
 
 TEST_F(PutBackTest, KeepsTheValueOfAnotherProgram) {
     WriteFile(kInterfaces, TextWith("192.168.0.3"));
-    EXPECT_EQ(Texts(FindObstacles(Change(), device)),
-              std::vector{"eth0.address: not put back; another program has set it since"s});
+    EXPECT_EQ(
+        Texts(FindObstacles(Change(), {}, device)),
+        std::vector{"eth0.address: not put back; it was set since, to '192.168.0.3'; saved value: "
+                    "'192.168.0.1'; file: /etc/network/interfaces"s});
     PutBackResult result = Run(Change());
     EXPECT_FALSE(result.has_changed);
-    EXPECT_EQ(Texts(result.left),
-              std::vector{"eth0.address: not put back; another program has set it since"s});
+    EXPECT_EQ(
+        Texts(result.left),
+        std::vector{"eth0.address: not put back; it was set since, to '192.168.0.3'; saved value: "
+                    "'192.168.0.1'; file: /etc/network/interfaces"s});
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.3"));
     result = Run(Change(), {.force = true});
     EXPECT_TRUE(result.is_whole());
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
-    EXPECT_TRUE(FindObstacles(Change(), device).empty());
+    EXPECT_TRUE(FindObstacles(Change(), {}, device).empty());
 }
 
 // The files were read for the entry of an undo; then another program has written.
@@ -202,8 +226,10 @@ TEST_F(PutBackTest, KeepsAValueThatAnotherProgramHasSetMeanwhile) {
             WriteFile(kInterfaces, TextWith("192.168.0.3"));
         }
     });
-    EXPECT_EQ(Texts(Run(Change()).left),
-              std::vector{"eth0.address: not put back; another program has set it since"s});
+    EXPECT_EQ(
+        Texts(Run(Change()).left),
+        std::vector{"eth0.address: not put back; it was set since, to '192.168.0.3'; saved value: "
+                    "'192.168.0.1'; file: /etc/network/interfaces"s});
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.3"));
 }
 
@@ -211,10 +237,10 @@ TEST_F(PutBackTest, NamesASettingWithoutAnOldValue) {
     JournalEntry entry = Change();
     entry.steps.front().old_value.reset();
     WriteFile(kInterfaces, TextWith("192.168.0.2"));
-    EXPECT_TRUE(FindObstacles(entry, device).empty()) << "bytes put it back";
+    EXPECT_TRUE(FindObstacles(entry, {}, device).empty()) << "bytes put it back";
     WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
     const std::vector expected{"eth0.address: not put back; its old value is not known"s};
-    EXPECT_EQ(Texts(FindObstacles(entry, device)), expected);
+    EXPECT_EQ(Texts(FindObstacles(entry, {}, device)), expected);
     EXPECT_EQ(Texts(Run(entry).left), expected);
 }
 
@@ -249,14 +275,74 @@ TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
               std::vector{"/etc/network/interfaces: not put back; Input/output error"s});
 }
 
-TEST_F(PutBackTest, ReportsAnInterfaceThatCannotBeRestarted) {
+// A later try must not replace a value that somebody has set after the first one.
+TEST_F(PutBackTest, NamesTheItemsThatWerePutBack) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    EXPECT_EQ(Run(Change()).put_back, (std::vector{std::string(kInterfaces), "eth0.address"s}));
+    WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
+    EXPECT_EQ(Run(Change()).put_back, std::vector{"eth0.address"s});
+    WriteFile(kInterfaces, TextWith("192.168.0.3"));
+    EXPECT_EQ(Run(Change()).put_back, std::vector<std::string>());
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    libc().Script(testkit::Call::kWrite, {testkit::Fail(ENOSPC)});
+    EXPECT_EQ(Run(Change()).put_back, std::vector<std::string>());
+}
+
+TEST_F(PutBackTest, TouchesNoItemThatWasPutBack) {
     JournalEntry entry = Change();
-    EXPECT_EQ(RestartAll(entry.restarts, device, report), velkctl::ExitStatus::kDone);
-    entry.restarts = {"eth2"};
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(RestartAll(entry.restarts, device, report), velkctl::ExitStatus::kInvalid);
-    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
-        "velkctl: eth2: could not be restarted\n"));
+    entry.state = EntryState::kStuck;
+    entry.put_back = {kInterfaces, "eth0.address"};
+    for (const std::string& now : {TextWith("192.168.0.2"), TextWith("192.168.0.3")}) {
+        WriteFile(kInterfaces, now);
+        EXPECT_TRUE(Run(entry, {.force = true}).is_whole());
+        EXPECT_EQ(ReadFile(kInterfaces), now);
+    }
+}
+
+// The address was put back alone. The bytes from before would replace its value of today.
+TEST_F(PutBackTest, GivesNoBytesToAFileWithASettingThatWasPutBack) {
+    JournalEntry entry = Change();
+    entry.steps.push_back(
+        {*FindSetting("eth0.netmask"), DataOf("255.255.0.0"), DataOf("255.255.255.0")});
+    entry.put_back = {"eth0.address"};
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    EXPECT_TRUE(Run(entry).is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2"));
+}
+
+TEST_F(PutBackTest, KeepsTheValueOfALaterChange) {
+    JournalEntry later = Change();
+    later.steps.front().new_value = DataOf("192.168.0.3");
+    for (const char* address : {"192.168.0.2", "192.168.0.3"}) {
+        later.after = {ImageOf(kInterfaces, TextWith(address))};
+        WriteFile(kInterfaces, TextWith(address));
+        const PutBackResult result = Run(Change(), {.later = {&later}});
+        EXPECT_TRUE(result.is_whole());
+        EXPECT_FALSE(result.has_changed);
+        EXPECT_EQ(result.kept, std::vector{"eth0.address"s});
+        EXPECT_EQ(ReadFile(kInterfaces), TextWith(address));
+    }
+    EXPECT_TRUE(Run(Change(), {.force = true, .later = {&later}}).is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
+}
+
+// The later change has cut the end of the file itself.
+TEST_F(PutBackTest, GivesNoBytesToAFileAsALaterChangeHasLeftIt) {
+    JournalEntry later{.state = EntryState::kDone};
+    const std::string text = "# ours\niface eth0 inet static\n\taddress 192.168.0.2\n";
+    later.after = {ImageOf(kInterfaces, text)};
+    WriteFile(kInterfaces, text);
+    EXPECT_TRUE(Run(Change(), {.later = {&later}}).is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), "# ours\niface eth0 inet static\n\taddress 192.168.0.1\n");
+}
+
+TEST_F(PutBackTest, NamesTheFileAndTheSavedValue) {
+    WriteFile(kInterfaces, TextWith("192.168.0.3"));
+    const velkctl::Problem problem = Run(Change()).left.front();
+    EXPECT_EQ(problem.setting, "eth0.address");
+    EXPECT_EQ(problem.file, kInterfaces);
+    EXPECT_EQ(problem.remedy,
+              "'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it");
 }
 
 TEST_F(PutBackTest, MakesAndRemovesAFile) {
@@ -289,11 +375,19 @@ TEST_F(PutBackTest, DoesNothingWhileAnotherProgramChangesSettings) {
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2"));
 }
 
+TEST_F(PutBackTest, NamesRecoverAfterASignal) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    libc().OnCall(testkit::Call::kWrite, [](const testkit::Event&) { (void)raise(SIGINT); });
+    EXPECT_EXIT((void)Run(Change()), testing::KilledBySignal(SIGINT),
+                "velkctl: interrupted; 'velkctl recover' takes the change back\n");
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
+}
+
 TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
     JournalEntry entry;
     entry.steps = {{*FindSetting("eth1.ssid"), DataOf("new"), DataOf("old")},
                    {*FindSetting("eth1.psk"), DataOf("newer key"), Data{}}};
-    const PutBackResult result = Run(entry, {.skip_daemon = true});
+    const PutBackResult result = Run(entry, {.at_boot = true});
     EXPECT_TRUE(result.waits_for_daemon);
     EXPECT_FALSE(result.is_whole());
     EXPECT_TRUE(result.left.empty());

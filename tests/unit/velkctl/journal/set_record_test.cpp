@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/mounted.h"
 #include "support/paths.h"
 
 namespace {
@@ -135,6 +136,57 @@ TEST_F(SetRecordTest, BeginsAfterTheLockIsFree) {
     record.Finish();
 }
 
+// Another program takes the lock between the entry and the set.
+TEST_F(SetRecordTest, ReadsTheFilesAnewAfterARefusedAttempt) {
+    SetRecord record({Address("192.168.0.3")}, 0, device, report);
+    ASSERT_TRUE(record.BeforeAttempt());
+    record.AfterAttempt({LIB_VELK_LOCKED});
+    EXPECT_TRUE(ReadJournal().entries.empty()) << "Ctrl-C may end the waiting";
+    const std::string theirs = "iface eth0 inet static\n\taddress 192.168.0.2\n";
+    WriteFile(kInterfaces, theirs);
+    ASSERT_TRUE(record.BeforeAttempt());
+    EXPECT_EQ(ReadJournal().entries.front().decoded.entry.before[0].bytes, theirs);
+    record.Finish();
+}
+
+TEST_F(SetRecordTest, KeepsTheEntryIfALaterChangeIsRefused) {
+    SetRecord record({Address("192.168.0.2"), {*FindSetting("ntp"), Data{1}}}, 0, device, report);
+    ASSERT_TRUE(device.Set(*FindSetting("eth0.address"), DataOf("192.168.0.2")).ok());
+    record.AfterAttempt({LIB_VELK_LOCKED});
+    record.Finish();
+    EXPECT_EQ(Names(), std::vector<std::string>{"eth0.address"});
+}
+
+TEST_F(SetRecordTest, WatchesTheDeviceNoLongerThanItLives) {
+    { const SetRecord record({Address("192.168.0.2")}, 0, device, report); }
+    EXPECT_TRUE(device.Set(*FindSetting("eth0.address"), DataOf("192.168.0.2")).ok());
+    EXPECT_TRUE(ReadJournal().entries.empty());
+}
+
+TEST_F(SetRecordTest, RefusesTheSetOfAnotherRunThatKeepsAnEntry) {
+    const SetRecord one({Address("192.168.0.2")}, 0, device, report);
+    velkctl::Device second({}, report);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(SetRecord({Address("192.168.0.3")}, 0, second, report).is_refused());
+    (void)testing::internal::GetCapturedStderr();
+}
+
+TEST_F(SetRecordTest, NotesAnInterruptedChangeOnce) {
+    {
+        SetRecord record({Address("192.168.0.2")}, 0, device, report);
+        (void)record.BeforeAttempt();
+    }
+    SetRecord record({Address("192.168.0.3")}, 0, device, report);
+    testing::internal::CaptureStderr();
+    (void)record.BeforeAttempt();
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    record.AfterAttempt({LIB_VELK_LOCKED});
+    testing::internal::CaptureStderr();
+    (void)record.BeforeAttempt();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    record.Finish();
+}
+
 TEST_F(SetRecordTest, LeavesALockThatCannotBeUsedToTheLibrary) {
     ASSERT_EQ(mkdir(testkit::kLockFile, 0700), 0);
     SetRecord record({Address("192.168.0.2")}, 0, device, report);
@@ -189,10 +241,23 @@ TEST_F(SetRecordTest, NotesAnEntryThatCannotBeClosed) {
     record.AfterAttempt({LIB_VELK_SUCCESS});
     record.Finish();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "velkctl: note: set: the journal may call this set interrupted\n"
+              "velkctl: note: set: undo cannot take this set back\n"
               "  /var/libvelk/journal: Input/output error\n"
-              "  fix: make /var/libvelk/journal a folder that can be written\n");
-    EXPECT_TRUE(ReadJournal().entries.front().is_in_use);
+              "  fix: make /var/libvelk/journal a folder that can be written, or give "
+              "--no-journal\n");
+    EXPECT_TRUE(ReadJournal().entries.empty()) << "recover would take the set back";
+}
+
+TEST_F(SetRecordTest, FindsAFullDiskBeforeTheSet) {
+    const testkit::Emptied full(kFolder, "size=4k,mode=700");
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\n\taddress 192.168.0.1\n" + std::string(2500, '#') + "\n");
+    SetRecord record({Address("192.168.0.2")}, 0, device, report);
+    testing::internal::CaptureStderr();
+    (void)record.BeforeAttempt();
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("No space left on device"),
+              std::string::npos);
+    EXPECT_TRUE(ReadJournal().entries.empty());
 }
 
 TEST_F(SetRecordTest, NotesEarlierChangesThatWereInterrupted) {
