@@ -204,7 +204,7 @@ output_is '{
     "takes_effect": "at the next restart of eth0, with method static"
   },
   "notes": [
-    "eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown"
+    "eth0.address: set, but not checked; while eth0.method is dhcp, its lease is shown"
   ],
   "errors": []
 }'
