@@ -40,6 +40,11 @@ Problem JournalProblem(std::string message, int error) {
     return problem;
 }
 
+Problem InterruptedProblem(const std::string& id) {
+    return {.message = "change " + id + " was interrupted",
+            .remedy = "'velkctl recover' takes it back"};
+}
+
 ExitStatus StatusOfJournal(int error) {
     return error == EWOULDBLOCK ? ExitStatus::kLocked : ExitStatus::kFailed;
 }

@@ -15,6 +15,9 @@ namespace velkctl {
 // Returns the problem for an error of JournalLock, EntryFile or OpenChange.
 Problem JournalProblem(std::string message, int error);
 
+// Returns the problem of an earlier change that was interrupted.
+Problem InterruptedProblem(const std::string& id);
+
 // Returns the exit status of a run that needs the journal.
 ExitStatus StatusOfJournal(int error);
 

@@ -84,8 +84,7 @@ bool SetRecord::Begin() {
 
 void SetRecord::NoteInterrupted() const {
     if (!change_.interrupted().empty()) {
-        report_.Note(Problem{.message = "change " + change_.interrupted() + " was interrupted",
-                             .remedy = "'velkctl recover' takes it back"});
+        report_.Note(InterruptedProblem(change_.interrupted()));
     }
 }
 

@@ -10,6 +10,7 @@
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/interface_restart.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/unrecorded_change.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/report/exit_status.h"
@@ -64,6 +65,10 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
     }
     if (invocation.dry_run) {
         return TryRestart(interface, invocation, report);
+    }
+    const UnrecordedChange change("restart", invocation.limits.wait_seconds, report);
+    if (change.is_refused()) {
+        return ExitStatus::kLocked;
     }
     const Device device(invocation.limits, report);
     return invocation.notify_only ? Notify(interface, device, report)
