@@ -6,10 +6,13 @@
 
 #include <cerrno>
 #include <chrono>
+#include <string>
 #include <thread>
 
 #include "velkctl/call/device.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/changes/change_set.h"
+#include "velkctl/files/lock_holder.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_problem.h"
@@ -30,13 +33,32 @@ BeginFailure FailureOf(int error) {
     return {JournalProblem("apply: the change was not begun", error), StatusOfJournal(error)};
 }
 
+// The process with the library's lock is named, if it is known.
+BeginFailure LibraryLocked() {
+    BeginFailure failure = FailureOf(EWOULDBLOCK);
+    const std::string holder = DescribeLockHolder();
+    failure.problem.detail.append(holder.empty() ? "" : "; " + holder + " holds the lock");
+    return failure;
+}
+
+void NoteWait(int seconds, Report& report) {
+    const std::string holder = DescribeLockHolder();
+    report.Note("waiting at most " + std::to_string(seconds) + " s for the lock" +
+                (holder.empty() ? "" : ", held by " + holder));
+}
+
 }  // namespace
 
-// Tries again while another program changes settings.
+// Tries again while another program changes settings, until a signal comes.
 int JournalRecord::BeginEntry(const ChangePlan& plan, const Device& device) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(limits_.wait_seconds);
     int error = change_.Begin(plan, device);
-    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
+    if (error == EWOULDBLOCK && limits_.wait_seconds > 0) {
+        NoteWait(limits_.wait_seconds, report_);
+    }
+    const StopSignals signals;
+    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end &&
+           signals.Pending() == 0) {
         std::this_thread::sleep_for(kPause);
         error = change_.Begin(plan, device);
     }
@@ -46,7 +68,8 @@ int JournalRecord::BeginEntry(const ChangePlan& plan, const Device& device) {
 // A failing journal is found by the next state.
 void JournalRecord::Expect() {
     if (std::optional<Problem> problem = ExpectChange(change_, limits_)) {
-        problem->message.insert(0, "the files after this change are not known before it: ");
+        problem->detail.insert(0, problem->message + (problem->detail.empty() ? "" : "; "));
+        problem->message = "the files after this change are not known before it";
         report_.Note(*problem);
     }
 }
@@ -59,7 +82,10 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     }
     const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
     if (const int error = BeginEntry(plan, device); error != 0) {
-        return FailureOf(error);
+        return error == EWOULDBLOCK ? LibraryLocked() : FailureOf(error);
+    }
+    if (!change_.interrupted().empty()) {
+        report_.Note(InterruptedProblem(change_.interrupted()));
     }
     Expect();
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
