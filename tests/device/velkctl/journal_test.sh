@@ -31,7 +31,7 @@ script() { on_device sh -c "$words$1"; }
 
 # ---- The lock between runs --------------------------------------------------------------------
 it 'lets no set or restart run beside an apply, also without an entry'
-script 'velkctl set location here --quiet; after=$(state)
+script 'velk-sandbox adapter out; velkctl set location here --quiet; after=$(state)
     flock $journal/lock sleep 100 & while flock --nonblock $journal/lock true; do sleep 0.01; done
     for words in "set location there --no-journal" "restart eth0" "call set 3 --text there" \
             "call restart 1 eth0"; do
