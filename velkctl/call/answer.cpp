@@ -18,10 +18,16 @@ constexpr std::string_view kTimedOutRemedy = "run it again with a longer --timeo
 }  // namespace
 
 ExitStatus StatusOf(const Answer& answer) {
+    if (answer.interrupted) {
+        return ExitStatus::kFailed;
+    }
     return answer.timed_out ? ExitStatus::kTimedOut : FindResultCode(answer.result).status;
 }
 
 std::string FailureReason(const Answer& answer) {
+    if (answer.interrupted) {
+        return "a signal has ended it";
+    }
     if (!answer.timed_out) {
         return std::string(FindResultCode(answer.result).description);
     }
@@ -41,6 +47,9 @@ Problem ProblemOf(std::string message, std::string setting, const Answer& answer
     }
     if (!answer.note.empty()) {
         problem.detail.append(problem.detail.empty() ? "" : "; ").append(answer.note);
+    }
+    if (answer.interrupted) {
+        return problem;
     }
     problem.remedy = answer.timed_out ? kTimedOutRemedy : FindResultCode(answer.result).remedy;
     constexpr std::string_view kPlaceholder = "NAME";

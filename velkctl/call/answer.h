@@ -20,16 +20,17 @@ struct Answer {
     int result;
     Data data{};
     bool timed_out = false;                  // --timeout ended the command; `result` has no meaning
+    bool interrupted = false;                // a signal ended the command; `result` likewise
     int timeout_seconds = 0;                 // the limit, if timed out; 0: unknown
     std::string awaited{};                   // "ifup eth0", if timed out; empty: unknown
     std::string note{};                      // more about a failure
     std::vector<std::string> tool_output{};  // the output of the tools that the library ran
 
-    bool ok() const { return !timed_out && result == LIB_VELK_SUCCESS; }
+    bool ok() const { return known_result() == LIB_VELK_SUCCESS; }
     // True if another program is changing settings: the command has done nothing.
-    bool is_locked() const { return !timed_out && result == LIB_VELK_LOCKED; }
+    bool is_locked() const { return known_result() == LIB_VELK_LOCKED; }
     std::optional<int> known_result() const {
-        return timed_out ? std::nullopt : std::optional(result);
+        return timed_out || interrupted ? std::nullopt : std::optional(result);
     }
 };
 

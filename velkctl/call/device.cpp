@@ -96,7 +96,7 @@ Answer Device::GetWithin(const Setting& setting, int seconds) const {
         return Get(setting);
     }
     const TimeLimits limits{.timeout_seconds = own == 0 ? seconds : std::min(own, seconds)};
-    return Device(limits, report_).Get(setting);
+    return Device(limits, report_, on_signal_).Get(setting);
 }
 
 std::string Device::PrintedValue(const Setting& setting) const {
@@ -115,6 +115,7 @@ Answer Device::Set(const Setting& setting, const Data& value) const {
 
 Answer Device::Execute(const Command& command, const Data& data, const std::string& subject) const {
     PendingCall call{command, data, subject, DeadlineOf(limits_), report_};
+    call.on_signal = on_signal_;
     call.watcher = command.type == VELK_SET ? watcher_ : nullptr;
     return Run(call);
 }
@@ -122,7 +123,9 @@ Answer Device::Execute(const Command& command, const Data& data, const std::stri
 Answer Device::Restart(const std::string& interface, const Data& data) const {
     const Command command{VELK_RESTART, VELK_CMD_RESTART, interface};
     const std::string subject = "restart of " + interface;
-    return Run({command, data, subject, DeadlineOf(limits_), report_, true});
+    PendingCall call{command, data, subject, DeadlineOf(limits_), report_, true};
+    call.on_signal = on_signal_;
+    return Run(call);
 }
 
 Answer Device::ExecuteOnce(const PendingCall& call) const {
@@ -145,10 +148,11 @@ Answer Device::TryAgain(const PendingCall& call, int seconds, Answer answer) con
         const Milliseconds now = std::min(pause, left);
         Pause(now);
         left -= now;
-        if (const int signal = signals.Pending(); signal != 0) {
+        const int signal = signals.Pending();
+        if (signal != 0 && on_signal_ == OnSignal::kEndVelkctl) {
             EndInterrupted(signal, "", call.report);
         }
-        if (call.is_late()) {
+        if (call.is_late() || (signal != 0 && on_signal_ == OnSignal::kEndCommand)) {
             break;
         }
         answer = ExecuteOnce(call);

@@ -23,10 +23,12 @@ namespace velkctl {
 //
 // SIGINT, SIGTERM, SIGHUP and SIGQUIT end a plain read of files at once: it makes no files. Any
 // other command runs in a process of its own. After a signal, a short command may finish; a long
-// one is ended and cleaned up. Then velkctl ends by the signal and no call returns.
+// one is ended and cleaned up. Then velkctl ends by the signal and no call returns. With another
+// OnSignal the caller holds the signals back, by StopSignals.
 class Device {
   public:
-    Device(const TimeLimits& limits, Report& report) : limits_(limits), report_(report) {}
+    Device(const TimeLimits& limits, Report& report, OnSignal on_signal = OnSignal::kEndVelkctl)
+        : limits_(limits), report_(report), on_signal_(on_signal) {}
 
     void WatchSets(SetWatcher& watcher) { watcher_ = &watcher; }
     void StopWatching() { watcher_ = nullptr; }
@@ -57,6 +59,7 @@ class Device {
 
     const TimeLimits limits_;
     Report& report_;
+    const OnSignal on_signal_;
     SetWatcher* watcher_ = nullptr;
 };
 

@@ -17,6 +17,9 @@ namespace {
 constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 constexpr int kStatusOfSignal = 128;  // as shells report it
 
+// The innermost one; null: none.
+const StopSignals* innermost = nullptr;
+
 bool IsIgnored(int signal) {
     struct sigaction action {};
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
@@ -24,7 +27,7 @@ bool IsIgnored(int signal) {
 
 }  // namespace
 
-StopSignals::StopSignals() {
+StopSignals::StopSignals() : outer_(innermost) {
     (void)sigemptyset(&signals_);
     for (const int signal : kStopSignals) {
         // A blocked signal becomes pending even if it is ignored.
@@ -33,9 +36,11 @@ StopSignals::StopSignals() {
         }
     }
     (void)sigprocmask(SIG_BLOCK, &signals_, &before_);
+    innermost = this;
 }
 
 StopSignals::~StopSignals() {
+    innermost = outer_;
     (void)sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
 
@@ -49,6 +54,14 @@ int StopSignals::Pending() const {
         }
     }
     return 0;
+}
+
+const sigset_t& StopSignals::before() {
+    const StopSignals* outermost = innermost;
+    while (outermost->outer_ != nullptr) {
+        outermost = outermost->outer_;
+    }
+    return outermost->before_;
 }
 
 int StatusOfSignal(int signal) {

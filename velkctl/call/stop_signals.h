@@ -14,7 +14,8 @@
 namespace velkctl {
 
 // During its lifetime SIGINT, SIGTERM, SIGHUP and SIGQUIT stay pending. Ignored signals stay
-// ignored, as nohup(1) and background jobs of a shell need it.
+// ignored, as nohup(1) and background jobs of a shell need it. One may live within another: the
+// outer one then releases the signals.
 class StopSignals {
   public:
     StopSignals();
@@ -24,14 +25,17 @@ class StopSignals {
 
     // Returns a pending signal, or 0.
     int Pending() const;
+    // False within another one, where the caller ends velkctl by the signal.
+    bool is_outermost() const { return outer_ == nullptr; }
 
     const sigset_t& signals() const { return signals_; }
-    // The signal mask from before, for the programs of a child.
-    const sigset_t& before() const { return before_; }
+    // The signal mask from before the outermost one, for the programs of a child.
+    static const sigset_t& before();
 
   private:
     sigset_t signals_;
     sigset_t before_;
+    const StopSignals* const outer_;  // null: none
 };
 
 // Returns the exit status of a process ended by the signal, as shells report it: 130 after Ctrl-C.

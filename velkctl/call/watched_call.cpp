@@ -123,7 +123,9 @@ Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals,
     const long seconds_to_show = SecondsToShow(call, LongestWaitOf(call.command));
     const velk::UniqueFd signal_fd(signalfd(-1, &signals.signals(), SFD_CLOEXEC));
     ProgressDisplay progress(call.report.shows_progress() && IsTerminal(STDERR_FILENO));
-    std::array<pollfd, 2> awaited_fds{{{child.fd(), POLLIN, 0}, {signal_fd.get(), POLLIN, 0}}};
+    const bool can_end = call.on_signal != OnSignal::kFinishCommand;
+    const int awaited_signal = can_end ? signal_fd.get() : -1;
+    std::array<pollfd, 2> awaited_fds{{{child.fd(), POLLIN, 0}, {awaited_signal, POLLIN, 0}}};
     for (const auto start = Clock::now();;) {
         const int poll_time = PollTime(call, Clock::now() - start, progress.is_shown());
         (void)poll(awaited_fds.data(), awaited_fds.size(),
@@ -131,7 +133,7 @@ Outcome WaitForOutcome(const ChildCall& child, const StopSignals& signals,
         if (IsFinished(child, call, awaited_fds[0])) {
             return Outcome::kAnswered;
         }
-        if (signals.Pending() != 0) {
+        if (can_end && signals.Pending() != 0) {
             return Outcome::kInterrupted;
         }
         if (call.is_late()) {
@@ -245,6 +247,14 @@ Answer StopAtDeadline(ChildCall& child, const PendingCall& call) {
             .note = StateIfInterrupted(call)};
 }
 
+Answer StopAtSignal(ChildCall& child, const StopSignals& signals, const PendingCall& call) {
+    StopEarly(child, call);
+    if (call.on_signal == OnSignal::kEndVelkctl) {
+        EndInterrupted(signals.Pending(), StateToShow(call), call.report);
+    }
+    return {.result = LIB_VELK_FAILURE, .interrupted = true};
+}
+
 Answer AnswerBeforeDeadline(const PendingCall& call, const StopSignals& signals) {
     ChildCall child(call.command, call.data, signals);
     if (child.start_error() != 0) {
@@ -256,8 +266,7 @@ Answer AnswerBeforeDeadline(const PendingCall& call, const StopSignals& signals)
         case Outcome::kAnswered:
             break;
         case Outcome::kInterrupted:
-            StopEarly(child, call);
-            EndInterrupted(signals.Pending(), StateToShow(call), call.report);
+            return StopAtSignal(child, signals, call);
         case Outcome::kTimedOut:
             return StopAtDeadline(child, call);
     }
@@ -272,7 +281,8 @@ Answer ExecuteWatched(const PendingCall& call) {
     if (call.watcher != nullptr) {
         call.watcher->AfterAttempt(answer);
     }
-    if (const int signal = signals.Pending(); signal != 0 && !answer.timed_out) {
+    const int signal = call.on_signal == OnSignal::kEndVelkctl ? signals.Pending() : 0;
+    if (signal != 0 && !answer.timed_out) {
         EndInterrupted(signal, StateAfter(call, answer), call.report);
     }
     return answer;

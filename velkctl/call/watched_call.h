@@ -30,6 +30,13 @@ class SetWatcher {
     ~SetWatcher() = default;
 };
 
+// The effect of a signal during a command.
+enum class OnSignal {
+    kEndVelkctl,     // ends the command and velkctl
+    kEndCommand,     // ends the command: the caller puts the device in order, and ends velkctl
+    kFinishCommand,  // none: the caller is putting the device in order
+};
+
 // A command that is running, and the data to report about it.
 struct PendingCall {
     const Command& command;
@@ -40,13 +47,15 @@ struct PendingCall {
     // The command ends with its tools: the library leaves the ifup of eth1 in the background.
     bool awaits_tools = false;
     SetWatcher* watcher = nullptr;
+    OnSignal on_signal = OnSignal::kEndVelkctl;
 
     bool is_late() const { return deadline && std::chrono::steady_clock::now() >= *deadline; }
 };
 
 // Runs the command in a process of its own. The deadline or a signal ends that process and all that
 // was started for the command, and cleans up after it. Processes that cannot be ended are reported.
-// After a signal velkctl ends, and this function does not return. The report keeps the output of
+// With kEndVelkctl this function does not return after a signal; with kEndCommand the answer is
+// marked as interrupted. The report keeps the output of
 // the device's tools, and shows it if the command fails.
 Answer ExecuteWatched(const PendingCall& call);
 

@@ -6,12 +6,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <set>
 
 #include "velkctl/call/answer.h"
+#include "velkctl/call/device.h"
+#include "velkctl/call/watched_call.h"
 #include "velkctl/changes/change_set.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
+#include "velkctl/files/interface_state.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_change.h"
@@ -19,20 +23,46 @@
 namespace velkctl {
 namespace {
 
-class Run {
-  public:
-    Run(const ApplyPlan& plan, ChangeRecord& record, const TimeLimits& limits, const Device& device,
-        Report& report)
-        : plan_(plan), record_(record), limits_(limits), device_(device), report_(report) {}
+constexpr char kRepeat[] = "apply the change again";
 
-    ApplyResult Finish() {
+// The old state is put back without --timeout.
+TimeLimits LimitsOfTakingBack(const TimeLimits& limits) {
+    return {.wait_seconds = std::max(limits.wait_seconds, kTakeBackSeconds)};
+}
+
+// The library's refusal has its reason as a detail, an interface that is not up as its message.
+Problem NotRestartedAgain(const std::string& interface, const RestartOutcome& outcome) {
+    Problem problem = *outcome.problem;
+    if (!outcome.state.is_null()) {
+        const std::string reason = problem.message.substr(interface.size() + 2);
+        problem.detail.insert(0, reason + (problem.detail.empty() ? "" : "; "));
+    }
+    problem.message = interface + ": could not be restarted after the change was taken back";
+    problem.remedy = "velkctl restart " + interface;
+    return problem;
+}
+
+class Application {
+  public:
+    Application(const ApplyPlan& plan, ChangeRecord& record, const TimeLimits& limits,
+                const StopSignals& signals, Report& report)
+        : plan_(plan),
+          record_(record),
+          limits_(limits),
+          signals_(signals),
+          report_(report),
+          device_(limits, report, OnSignal::kEndCommand),
+          patient_(LimitsOfTakingBack(limits), report, OnSignal::kFinishCommand) {}
+
+    ApplyResult CarryOut() {
         if (const auto failure = record_.Begin(AllSteps(), plan_.restarts, device_)) {
-            report_.Complain(failure->problem);
+            (void)IsFreeOf(failure->problem);
             result_.status = failure->status;
             return std::move(result_);
         }
-        const bool is_done = EndClients() && MakeSteps() && SwitchBack() && Pass(record_.Flush()) &&
-                             Restart() && Verify() && Pass(record_.Finish());
+        const bool is_done = EndClients() && MakeSteps() && SwitchBack() &&
+                             IsFreeOf(record_.Flush()) && Restart() && Verify() &&
+                             !IsInterrupted() && IsFreeOf(record_.Finish());
         if (!is_done) {
             TakeBack();
         }
@@ -50,19 +80,32 @@ class Run {
         return steps;
     }
 
-    bool Pass(const std::optional<Problem>& problem) {
-        if (problem) {
-            report_.Complain(*problem);
+    bool IsInterrupted() const { return signals_.Pending() != 0; }
+
+    // Reports each problem once. After a signal, a step that was ended is no problem.
+    bool IsFreeOf(const std::optional<Problem>& problem) {
+        if (problem && !IsInterrupted()) {
+            ReportOnce(*problem);
         }
         return !problem;
+    }
+
+    void ReportOnce(const Problem& problem) {
+        if (reported_.insert(problem.message + problem.detail).second) {
+            report_.Complain(problem);
+        }
+    }
+
+    void TakeDown(const std::string& interface) {
+        taken_down_.try_emplace(interface, ReadInterfaceState(interface).has_address());
     }
 
     bool EndClients() {
         for (const std::string& interface : plan_.restarts) {
             if (SetsMethod(plan_, interface, VELK_METHOD_STATIC) &&
                 HasDhcpClient(interface, device_)) {
-                taken_down_.insert(interface);
-                if (!Pass(EndDhcpClient(interface))) {
+                TakeDown(interface);
+                if (!IsFreeOf(EndDhcpClient(interface))) {
                     return false;
                 }
             }
@@ -78,7 +121,7 @@ class Run {
 
     bool MakeSteps() {
         return std::ranges::all_of(plan_.changes, [this](const PlannedChange& planned) {
-            return IsAsPlanned(planned) && MakeStep(planned.change);
+            return !IsInterrupted() && IsAsPlanned(planned) && MakeStep(planned.change);
         });
     }
 
@@ -91,10 +134,9 @@ class Run {
             return true;
         }
         const std::string name = change.setting.name();
-        report_.Complain({.message = name + ": not set",
-                          .setting = name,
-                          .detail = "another program has set it since this change began"});
-        return false;
+        return IsFreeOf(Problem{.message = name + ": not set",
+                                .setting = name,
+                                .detail = "another program has set it since this change began"});
     }
 
     // True if a set of another setting of the plan changes this one.
@@ -116,23 +158,24 @@ class Run {
     // A set of the method may switch an option that has its value already.
     bool SwitchBack() {
         return std::ranges::all_of(plan_.beside, [this](const SettingChange& wanted) {
-            return !Differs(wanted) || MakeStep(wanted);
+            return !IsInterrupted() && (!Differs(wanted) || MakeStep(wanted));
         });
     }
 
     bool Restart() {
-        for (const std::string& interface : plan_.restarts) {
-            const auto start = std::chrono::steady_clock::now();
-            taken_down_.insert(interface);
-            const RestartOutcome outcome = RestartInterface(interface, limits_, device_);
-            const auto time = std::chrono::steady_clock::now() - start;
-            const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
-            result_.restarts.push_back({interface, static_cast<int>(seconds), outcome.state});
-            if (!Pass(outcome.problem)) {
-                return false;
-            }
-        }
-        return true;
+        return std::ranges::all_of(plan_.restarts, [this](const std::string& interface) {
+            return !IsInterrupted() && RestartOne(interface);
+        });
+    }
+
+    bool RestartOne(const std::string& interface) {
+        const auto start = std::chrono::steady_clock::now();
+        TakeDown(interface);
+        const RestartOutcome outcome = RestartInterface(interface, limits_, device_, kRepeat);
+        const auto time = std::chrono::steady_clock::now() - start;
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+        result_.restarts.push_back({interface, static_cast<int>(seconds), outcome.state});
+        return IsFreeOf(outcome.problem);
     }
 
     bool Verify() {
@@ -151,32 +194,60 @@ class Run {
 
     void TakeBack() {
         result_.is_taken_back = true;
-        for (const std::string& interface : taken_down_) {
+        if (IsInterrupted()) {
+            report_.Note("interrupted; the old state is being put back");
+        }
+        EndClientsOfChange();
+        result_.status = record_.TakeBack(patient_, report_);
+        for (const auto& [interface, had_address] : taken_down_) {
+            RestartAgain(interface, had_address);
+        }
+    }
+
+    void EndClientsOfChange() {
+        for (const auto& [interface, had_address] : taken_down_) {
             if (SetsMethod(plan_, interface, VELK_METHOD_DHCP) &&
-                HasDhcpClient(interface, device_)) {
-                (void)Pass(EndDhcpClient(interface));
+                HasDhcpClient(interface, patient_)) {
+                if (const std::optional<Problem> problem = EndDhcpClient(interface)) {
+                    ReportOnce(*problem);
+                }
             }
         }
-        result_.status = record_.TakeBack(device_, report_);
-        for (const std::string& interface : taken_down_) {
-            (void)Pass(RestartInterface(interface, limits_, device_).problem);
+    }
+
+    // An interface without an address before the change may have none after it: the first restart
+    // has reported that.
+    void RestartAgain(const std::string& interface, bool had_address) {
+        const RestartOutcome outcome =
+            RestartInterface(interface, LimitsOfTakingBack(limits_), patient_);
+        if (!outcome.problem) {
+            return;
+        }
+        if (had_address || outcome.state.is_null()) {
+            ReportOnce(NotRestartedAgain(interface, outcome));
+            result_.status = ExitStatus::kPartlyBack;
+        } else {
+            ReportOnce(*outcome.problem);
         }
     }
 
     const ApplyPlan& plan_;
     ChangeRecord& record_;
     const TimeLimits limits_;
-    const Device& device_;
+    const StopSignals& signals_;
     Report& report_;
+    const Device device_;   // a signal or --timeout ends a step
+    const Device patient_;  // nothing ends a step of putting back
     ApplyResult result_;
-    std::set<std::string> taken_down_;  // interfaces that are or were down
+    std::map<std::string, bool> taken_down_;  // interfaces; true: with an address before
+    std::set<std::string> reported_;
 };
 
 }  // namespace
 
 ApplyResult Apply(const ApplyPlan& plan, ChangeRecord& record, const TimeLimits& limits,
-                  const Device& device, Report& report) {
-    return Run(plan, record, limits, device, report).Finish();
+                  const StopSignals& signals, Report& report) {
+    return Application(plan, record, limits, signals, report).CarryOut();
 }
 
 }  // namespace velkctl

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "velkctl/call/device.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/change_record.h"
@@ -26,10 +26,11 @@ struct ApplyResult {
 
 // Ends the DHCP client of an interface that leaves DHCP and is restarted. Makes the changes in
 // their order, reads each back, writes the files to disk, restarts the interfaces and compares all
-// values once more. After a failure, which it reports, it puts the old state back and restarts the
-// interfaces again. The plan has no problems.
+// values once more. After a failure, which it reports, and after a signal it puts the old state
+// back and restarts the interfaces again, however long that takes. The plan has no problems. The
+// caller ends velkctl by a signal that `signals` holds back.
 ApplyResult Apply(const ApplyPlan& plan, ChangeRecord& record, const TimeLimits& limits,
-                  const Device& device, Report& report);
+                  const StopSignals& signals, Report& report);
 
 }  // namespace velkctl
 

@@ -13,6 +13,7 @@
 #include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/doctor/set_checks.h"
 #include "velkctl/files/interface_state.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/settings/setting_change.h"
@@ -50,6 +51,19 @@ std::optional<Problem> DnsConflict(const SettingChange& change, const ChangeSet&
                    .setting = name,
                    .detail = "eth0 and eth1 have one list of DNS servers",
                    .remedy = "give both the same servers, or one of them alone"};
+}
+
+ChangeSet ChangesIn(const ApplyPlan& plan) {
+    ChangeSet changes;
+    for (const PlannedChange& planned : plan.changes) {
+        changes.push_back(planned.change);
+    }
+    return changes;
+}
+
+// True for a setting that decides whether the addresses of its interface fit each other.
+bool ShapesNetwork(const Setting& setting) {
+    return IsAddressCommand(setting.row->id) || setting.row->id == VELK_CMD_IP_METHOD;
 }
 
 // ---- Restarts ----------------------------------------------------------------------------------
@@ -100,7 +114,7 @@ class Planner {
         if (choice.is_automatic) {
             ChooseRestarts();
         } else if (!plan_.changes.empty()) {
-            plan_.restarts = choice.interfaces;
+            TakeRestarts(choice.interfaces);
         }
         return std::move(plan_);
     }
@@ -143,13 +157,28 @@ class Planner {
             ProblemOfGet(setting.name() + ": could not be compared", setting, answer));
     }
 
-    void AddConflicts() {
-        ChangeSet changes;
-        for (const PlannedChange& planned : plan_.changes) {
-            changes.push_back(planned.change);
+    // The changes, and the addresses of an interface that it has already: together with a change
+    // they may not fit each other. Without a change they are left alone, as an import of an export
+    // changes nothing.
+    ChangeSet CheckedTogether() const {
+        ChangeSet checked = ChangesIn(plan_);
+        const ChangeSet changes = checked;
+        for (const SettingChange& held : held_) {
+            const bool is_beside_change = std::ranges::any_of(changes, [&](const auto& change) {
+                return ShapesNetwork(change.setting) &&
+                       change.setting.interface == held.setting.interface;
+            });
+            if (IsAddressCommand(held.setting.row->id) && is_beside_change) {
+                checked.push_back(held);
+            }
         }
-        std::vector<Problem> conflicts = FindConflicts(changes, {}, device_);
-        for (const SettingChange& change : changes) {
+        return checked;
+    }
+
+    void AddConflicts() {
+        std::vector<Problem> conflicts =
+            FindConflicts(CheckedTogether(), {}, device_, WayOut::kOfApply);
+        for (const SettingChange& change : ChangesIn(plan_)) {
             if (const std::optional<Problem> conflict = DnsConflict(change, wanted_)) {
                 conflicts.push_back(*conflict);
             }
@@ -169,6 +198,20 @@ class Planner {
             if (Includes(switched, held.setting)) {
                 plan_.beside.push_back(held);
             }
+        }
+    }
+
+    // The library refuses a restart of eth1 without an adapter: that is known before the first set.
+    void TakeRestarts(const std::vector<std::string>& interfaces) {
+        plan_.restarts = interfaces;
+        const bool has_wireless =
+            std::ranges::find(interfaces, VELK_WIRELESS_INTERFACE) != interfaces.end();
+        if (has_wireless && !CheckAdapter().empty()) {
+            plan_.status = plan_.problems.empty() ? ExitStatus::kNoAdapter : plan_.status;
+            plan_.problems.push_back(
+                {.message = "--restart: eth1 cannot be restarted",
+                 .detail = "no adapter is attached",
+                 .remedy = "plug in an adapter, or leave eth1 out of --restart"});
         }
     }
 

@@ -16,6 +16,10 @@
 
 namespace velkctl {
 
+// The longest time to wait for another program before the old state is put back. A change that is
+// half made is worse than a long wait.
+inline constexpr int kTakeBackSeconds = 120;
+
 // The reason why a change may not begin.
 struct BeginFailure {
     Problem problem;

@@ -26,14 +26,17 @@ bool HasProblem(const std::vector<Problem>& problems, const Setting& setting) {
 }
 
 std::optional<Problem> FindConflict(const SettingChange& change, const PlannedValues& planned,
-                                    const Device& device) {
-    std::optional<Problem> problem = NetworkProblem(change, planned);
+                                    const Device& device, WayOut way_out) {
+    std::optional<Problem> problem = NetworkProblem(change, planned, way_out);
     problem = problem ? problem : ClearedKeyProblem(change, planned);
-    return problem ? problem : TextConflict(change, device);
+    return problem ? problem : TextConflict(change, device, way_out);
 }
 
 MadeChange ReportFailure(const Setting& setting, const Answer& answer, const FilesBefore& before,
                          Report& report) {
+    if (answer.interrupted) {
+        return {.status = StatusOf(answer)};  // the caller, who holds the signal back, says so
+    }
     Problem problem = ProblemOfSet(setting.name() + ": could not be set", setting, answer);
     const std::string losses = answer.timed_out ? "" : before.Losses();
     problem.detail.append(losses.empty() || problem.detail.empty() ? "" : "; ").append(losses);
@@ -91,13 +94,13 @@ void SortChanges(ChangeSet& changes) {
 }
 
 std::vector<Problem> FindConflicts(const ChangeSet& changes, const std::vector<Problem>& known,
-                                   const Device& device) {
+                                   const Device& device, WayOut way_out) {
     const PlannedValues planned(device, changes);
     std::vector<Problem> conflicts;
     for (const SettingChange& change : changes) {
         const bool is_checked = !HasProblem(known, change.setting);
         const std::optional<Problem> conflict =
-            is_checked ? FindConflict(change, planned, device) : std::nullopt;
+            is_checked ? FindConflict(change, planned, device, way_out) : std::nullopt;
         if (conflict) {
             conflicts.push_back(*conflict);
         }

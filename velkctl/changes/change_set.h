@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
+#include "velkctl/doctor/set_checks.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/setting_change.h"
@@ -26,7 +27,7 @@ void SortChanges(ChangeSet& changes);
 // Returns the conflicts of the values with each other, with the other settings as they will be, and
 // with the files. A setting that has one of the known problems is not checked.
 std::vector<Problem> FindConflicts(const ChangeSet& changes, const std::vector<Problem>& known,
-                                   const Device& device);
+                                   const Device& device, WayOut way_out = WayOut::kOfSet);
 
 struct ChangeOptions {
     bool read_back = true;

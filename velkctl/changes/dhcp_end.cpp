@@ -11,6 +11,7 @@
 #include "velkctl/files/dhcp_client.h"
 #include "velkctl/files/tool_run.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {
@@ -28,7 +29,7 @@ bool GetsStaticBack(const std::string& interface, const JournalEntry& entry) {
 }  // namespace
 
 bool HasDhcpClient(const std::string& interface, const Device& device) {
-    const Answer method = device.Get(SettingsOf(VELK_CMD_IP_METHOD, interface).front());
+    const Answer method = device.Get(SettingOf(VELK_CMD_IP_METHOD, interface));
     return method.ok() && method.data[0] == VELK_METHOD_DHCP &&
            ReadDhcpClient(interface).is_running;
 }

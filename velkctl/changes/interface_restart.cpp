@@ -89,13 +89,14 @@ RestartResult Judge(const RestartFacts& facts) {
 }  // namespace
 
 RestartOutcome RestartInterface(const std::string& interface, const TimeLimits& limits,
-                                const Device& device) {
+                                const Device& device, const std::string& repeat) {
     const Answer answer = device.Restart(interface, {});
     if (!answer.ok()) {
         return {.status = StatusOf(answer),
                 .problem = ProblemOf(interface + ": could not be restarted", "", answer)};
     }
-    const RestartFacts facts = FactsAfter(interface, answer, limits, device);
+    RestartFacts facts = FactsAfter(interface, answer, limits, device);
+    facts.repeat = repeat;
     const RestartResult result = Judge(facts);
     RestartOutcome outcome{.line = result.line, .state = StateInJson(facts)};
     if (!result.is_as_configured) {

@@ -23,9 +23,10 @@ struct RestartOutcome {
     Json state{};                      // as StateInJson(); null if the library refused the restart
 };
 
-// Restarts the interface and waits a short time for its lease.
+// Restarts the interface and waits a short time for its lease. `repeat` is the last step of a fix;
+// empty: another restart.
 RestartOutcome RestartInterface(const std::string& interface, const TimeLimits& limits,
-                                const Device& device);
+                                const Device& device, const std::string& repeat = "");
 
 }  // namespace velkctl
 

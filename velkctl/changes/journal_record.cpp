@@ -6,7 +6,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "lib/base/paths.h"
 #include "velkctl/call/device.h"
 #include "velkctl/changes/change_set.h"
 #include "velkctl/files/file_image.h"
@@ -22,15 +26,23 @@
 namespace velkctl {
 namespace {
 
-// A change that is half made is worse than a long wait for another program.
-constexpr int kTakeBackSeconds = 120;
-
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
 }
 
-BeginFailure FailureOf(int error) {
-    return {JournalProblem("apply: the change was not begun", error), StatusOfJournal(error)};
+constexpr char kNotBegun[] = "apply: the change was not begun";
+
+BeginFailure JournalFailure(int error) {
+    return {JournalProblem(kNotBegun, error), StatusOfJournal(error)};
+}
+
+// `lock` is the one that another program holds.
+BeginFailure Locked(const char* lock) {
+    return {LockedProblem(kNotBegun, lock), ExitStatus::kLocked};
+}
+
+BeginFailure FailureOf(int error, const char* lock) {
+    return error == EWOULDBLOCK ? Locked(lock) : JournalFailure(error);
 }
 
 // True if a setting with another value than before is in the file. The change makes also sets of
@@ -56,7 +68,8 @@ size_t CountChanges(const std::vector<Step>& steps) {
 // A failing journal is found by the next state.
 void JournalRecord::Expect() {
     if (std::optional<Problem> problem = ExpectChange(change_, limits_)) {
-        problem->message.insert(0, "the files after this change are not known before it: ");
+        problem->detail.insert(0, problem->message + (problem->detail.empty() ? "" : "; "));
+        problem->message = "the files after this change are not known before it";
         report_.Note(*problem);
     }
     for (const FileImage& image : change_.entry().after) {
@@ -82,16 +95,20 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
                                                  const std::vector<std::string>& restarts,
                                                  const Device& device) {
     if (!lock_.is_held()) {
-        return FailureOf(lock_.error());
+        return FailureOf(lock_.error(), velk::kJournalLock);
     }
     const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
+    NoteWait(velk::kLockFile, limits_.wait_seconds, report_);
     if (const int error = change_.BeginWithin(limits_.wait_seconds, plan, device); error != 0) {
-        return FailureOf(error);
+        return FailureOf(error, velk::kLockFile);
+    }
+    if (!change_.interrupted().empty()) {
+        report_.Note(InterruptedProblem(change_.interrupted()));
     }
     Expect();
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
         (void)change_.Discard();
-        return FailureOf(error);
+        return JournalFailure(error);
     }
     return std::nullopt;
 }

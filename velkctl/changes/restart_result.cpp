@@ -41,7 +41,8 @@ RestartResult FailedResult(const RestartFacts& facts, const std::string& message
 }
 
 std::string RunAgain(const RestartFacts& facts) {
-    return "run 'velkctl restart " + facts.interface + "' again";
+    return facts.repeat.empty() ? "run 'velkctl restart " + facts.interface + "' again"
+                                : facts.repeat;
 }
 
 // The library brings eth1 up without an address while the cable is in.

@@ -28,6 +28,7 @@ struct RestartFacts {
     std::string configured{};  // the static address; empty: unknown
     bool is_cable_in = false;  // in eth0; then eth1 comes up without an address
     int left_client = 0;       // with method static, a DHCP client of the interface; 0: none runs
+    std::string repeat{};      // the last step of a fix; empty: another restart
     std::vector<std::string> tool_output{};  // from ifdown, ifup and the DHCP client
 };
 

@@ -128,21 +128,25 @@ Conflict GatewayConflict(const Network& network) {
     return ReservedConflict(*network.gateway, *network.mask);
 }
 
-// The check of a setting before a set, and the fix.
+// The check of a setting before a set, and the other values that may have to change too.
 struct AddressRule {
     uint32_t id;
     Conflict (*conflict)(const Network& network);
-    std::string_view remedy;
+    std::string_view others;
 };
 
 constexpr std::array<AddressRule, 3> kRules{{
-    {VELK_CMD_IP_ADDRESS, AddressConflict,
-     "give another value, or set the netmask or gateway first, or give --force"},
-    {VELK_CMD_NETMASK, NetmaskConflict,
-     "give another value, or set the address first, or give --force"},
-    {VELK_CMD_GATEWAY, GatewayConflict,
-     "give another value, or set the address and netmask first, or give --force"},
+    {VELK_CMD_IP_ADDRESS, AddressConflict, "the netmask or gateway"},
+    {VELK_CMD_NETMASK, NetmaskConflict, "the address"},
+    {VELK_CMD_GATEWAY, GatewayConflict, "the address and netmask"},
 }};
+
+std::string RemedyOf(const AddressRule& rule, WayOut way_out) {
+    const std::string others(rule.others);
+    return way_out == WayOut::kOfSet
+               ? "give another value, or set " + others + " first, or give --force"
+               : "give another value, or give " + others + " too";
+}
 
 // Returns the networks of the interfaces with the method static.
 std::vector<Network> StaticNetworks(const PlannedValues& planned) {
@@ -261,8 +265,8 @@ Findings CheckDnsServer(const std::string& server, const std::vector<Network>& n
 
 // Values that are set one after the other have this conflict in between, so it is a problem only
 // if one call changes both.
-std::optional<Problem> SameAddressProblem(const SettingChange& change,
-                                          const PlannedValues& planned) {
+std::optional<Problem> SameAddressProblem(const SettingChange& change, const PlannedValues& planned,
+                                          WayOut way_out) {
     const Setting first = SettingOf(VELK_CMD_IP_ADDRESS, VELK_WIRED_INTERFACE);
     const Setting& second = change.setting;
     if (second.row->id != VELK_CMD_IP_ADDRESS || second.interface != VELK_WIRELESS_INTERFACE ||
@@ -273,7 +277,8 @@ std::optional<Problem> SameAddressProblem(const SettingChange& change,
     return Problem{.message = second.name() + ": " + Dotted(*AddressIn(change.value)) +
                               " is also the new value of " + first.name(),
                    .setting = second.name(),
-                   .remedy = "give each interface an address of its own, or give --force"};
+                   .remedy = std::string("give each interface an address of its own") +
+                             (way_out == WayOut::kOfSet ? ", or give --force" : "")};
 }
 
 }  // namespace
@@ -293,7 +298,8 @@ Findings NetworkMismatches(const PlannedValues& planned) {
     return findings;
 }
 
-std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned) {
+std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned,
+                                      WayOut way_out) {
     const Setting& setting = change.setting;
     const AddressRule* rule = velk::FindRow(kRules, setting.row->id, &AddressRule::id);
     const std::optional<uint32_t> address = AddressIn(change.value);
@@ -302,13 +308,13 @@ std::optional<Problem> NetworkProblem(const SettingChange& change, const Planned
     }
     const Conflict conflict = rule->conflict(NetworkOf(setting.interface, planned));
     if (conflict.problem.empty()) {
-        return SameAddressProblem(change, planned);
+        return SameAddressProblem(change, planned, way_out);
     }
     const std::string name = setting.name();
     return Problem{.message = name + ": " + Dotted(*address) + " " + conflict.problem,
                    .setting = name,
                    .detail = conflict.reason,
-                   .remedy = std::string(rule->remedy)};
+                   .remedy = RemedyOf(*rule, way_out)};
 }
 
 }  // namespace velkctl

@@ -132,14 +132,14 @@ ReadBack CheckUnread(const DoneSet& done, const std::string& reason) {
     if (!causes.empty() || !losses.empty()) {
         return NotHeld(done, "the device cannot hold the value", losses, causes);
     }
-    done.report.Note(done.name + ": set, but not checked: " + reason);
+    done.report.Note(Problem{.message = done.name + ": set, but not checked", .detail = reason});
     return {std::nullopt, ExitStatus::kDone};
 }
 
 // Returns the outcome for a value that the device did not hold at first.
 ReadBack CheckOther(const DoneSet& done, Answer answer, const Device& device) {
     const Setting& setting = done.setting;
-    if (answer.timed_out) {
+    if (answer.timed_out || answer.interrupted) {
         done.report.Complain(ProblemOf(done.name + ": set, but not read back", done.name, answer));
         return {std::nullopt, StatusOf(answer)};
     }

@@ -15,16 +15,24 @@
 
 namespace velkctl {
 
+// The way out of a conflict.
+enum class WayOut {
+    kOfSet,    // other sets before it, or --force
+    kOfApply,  // other values in the same change: apply and import have no --force
+};
+
 // Returns the conflict of a value with the configuration of the interface as it will be: an address
 // that no host of its network can have, or that the gateway has; a gateway outside the network; one
 // address that both interfaces are given at once. `planned` has the changed value.
-std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned);
+std::optional<Problem> NetworkProblem(const SettingChange& change, const PlannedValues& planned,
+                                      WayOut way_out = WayOut::kOfSet);
 
 // The library replaces the first occurrence of a text on a line. Returns the reason why this set,
 // or the next one, would replace another text: the name of a time server is also a part of the
 // command before it, or administrator or location has a word of the SNMP agent's file in it.
 // Compares the new value and the present ones.
-std::optional<Problem> TextConflict(const SettingChange& change, const Device& device);
+std::optional<Problem> TextConflict(const SettingChange& change, const Device& device,
+                                    WayOut way_out = WayOut::kOfSet);
 
 // Returns the conflict of clearing the WEP key in use, which the library refuses.
 std::optional<Problem> ClearedKeyProblem(const SettingChange& change, const PlannedValues& planned);

@@ -44,9 +44,9 @@ FileText ReadFile(const std::string& path) {
 }
 
 SettingsDocument Unreadable(const std::string& name, const std::string& reason) {
-    Problem problem{Printable(name) + ": cannot be read"};
+    Problem problem{(name.empty() ? Quoted(name) : Printable(name)) + ": cannot be read"};
     problem.detail = reason;
-    problem.remedy = "give a document that 'velkctl export' has printed, or - for standard input";
+    problem.remedy = "give a document of 'velkctl export', or - for standard input";
     problem.file = name;
     return {.name = name, .problems = {problem}};
 }

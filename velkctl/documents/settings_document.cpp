@@ -44,6 +44,7 @@ Problem SyntaxProblem(const std::string& document, const TextPlace& place) {
                     ", column " + column};
     problem.file = document;
     problem.line = place.line;
+    problem.column = place.column;
     problem.remedy = "correct the text there; 'velkctl export' prints a document";
     return problem;
 }
@@ -73,7 +74,7 @@ class DocumentReader {
             return;
         }
         for (const std::string& pointer : text.doubled) {
-            Refuse(pointer, "given twice; give it once");
+            RefuseDoubled(pointer);
         }
         if (text.value && text.value->is_object()) {
             ReadMembers(*text.value);
@@ -87,6 +88,21 @@ class DocumentReader {
   private:
     void Refuse(const std::string& pointer, std::string_view description) {
         document_.problems.push_back(ProblemAt(document_.name, pointer, description));
+    }
+
+    void Refuse(const std::string& pointer, std::string_view description, const Setting& setting) {
+        Refuse(pointer, description);
+        document_.problems.back().setting = setting.name();
+    }
+
+    // A member that occurs twice may be a setting.
+    void RefuseDoubled(const std::string& pointer) {
+        Refuse(pointer, "given twice; give it once");
+        const std::string settings = MemberPointer("", kSettingsMember) + "/";
+        const std::optional<Setting> setting = pointer.starts_with(settings)
+                                                   ? FindSetting(pointer.substr(settings.size()))
+                                                   : std::nullopt;
+        document_.problems.back().setting = setting ? setting->name() : "";
     }
 
     void ReadMembers(const Json& document) {
@@ -136,9 +152,10 @@ class DocumentReader {
         if (!setting) {
             Refuse(pointer, UnknownSetting(name));
         } else if (!setting->can_set()) {
-            Refuse(pointer, "cannot be set, only read; leave it out or move it to facts");
+            Refuse(pointer, "cannot be set, only read; leave it out or move it to facts", *setting);
         } else if (Has(*setting)) {
-            Refuse(pointer, "given twice, with its short name and its full name; give it once");
+            Refuse(pointer, "given twice, with its short name and its full name; give it once",
+                   *setting);
         } else {
             document_.settings.push_back(
                 {*setting, value, ParseValue(*setting, value), std::move(pointer)});
@@ -175,6 +192,19 @@ Problem ValueProblem(const DocumentSetting& setting, const std::string& name) {
     problem.file = name;
     problem.pointer = setting.pointer;
     return problem;
+}
+
+void AddPlace(Problem& problem, const SettingsDocument& document) {
+    const auto row = std::ranges::find_if(document.settings, [&](const DocumentSetting& setting) {
+        return setting.setting.name() == problem.setting;
+    });
+    if (row == document.settings.end() || !problem.file.empty()) {
+        return;
+    }
+    std::string place = "at " + Printable(row->pointer) + " in " + Printable(document.name);
+    problem.detail.insert(0, place.append(problem.detail.empty() ? "" : "; "));
+    problem.file = document.name;
+    problem.pointer = row->pointer;
 }
 
 Json MakeDocument(Json settings, Json facts) {

@@ -41,6 +41,10 @@ SettingsDocument ReadDocument(std::string_view text, const std::string& name);
 // Returns the problem with the value of a setting. Only for a setting that has one.
 Problem ValueProblem(const DocumentSetting& setting, const std::string& name);
 
+// Adds the place of the value that the problem is about, if the document has one and the problem
+// has no place yet.
+void AddPlace(Problem& problem, const SettingsDocument& document);
+
 // Returns a document with these members of "settings" and "facts".
 Json MakeDocument(Json settings, Json facts);
 

@@ -51,7 +51,8 @@ std::optional<std::string> FindIn(std::string_view folders, std::string_view nam
     }
 }
 
-// The standard streams of a started tool, and a process group of its own to kill it by.
+// The standard streams of a started tool, a process group of its own to kill it by, and no blocked
+// signals: a daemon that it starts must end by SIGTERM, also if velkctl holds signals back.
 class SpawnPlan {
   public:
     explicit SpawnPlan(int output) {
@@ -60,8 +61,11 @@ class SpawnPlan {
         posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
         posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawnattr_init(&attributes_);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
         posix_spawnattr_setpgroup(&attributes_, 0);
+        sigset_t none;
+        (void)sigemptyset(&none);
+        posix_spawnattr_setsigmask(&attributes_, &none);
     }
     ~SpawnPlan() {
         posix_spawn_file_actions_destroy(&actions_);

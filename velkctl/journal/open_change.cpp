@@ -16,6 +16,7 @@
 #include "lib/wired/link_settings.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/files/tool_run.h"
@@ -161,7 +162,9 @@ int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
 int OpenChange::BeginWithin(int wait_seconds, const ChangePlan& plan, const Device& device) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds);
     int error = Begin(plan, device);
-    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
+    const StopSignals signals;
+    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end &&
+           signals.Pending() == 0) {
         std::this_thread::sleep_for(kLockPause);
         error = Begin(plan, device);
     }

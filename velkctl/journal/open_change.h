@@ -45,7 +45,8 @@ class OpenChange {
     // changing settings; nothing is written, and the call can be repeated. EBUSY: the library's
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
-    // The same, but tries again for so many seconds while another program is changing settings.
+    // The same, but tries again for so many seconds while another program is changing settings. A
+    // signal ends that.
     int BeginWithin(int wait_seconds, const ChangePlan& plan, const Device& device);
     bool is_begun() const { return file_ != nullptr; }
     // True if the continued entry is of a change that has changed nothing. A frame at its end that

@@ -344,7 +344,8 @@ void Restoration::WriteFiles() {
     const StopSignals signals;
     WriteUnderLock();
     lock.reset();  // the message below may wait for the terminal
-    if (const int signal = signals.Pending(); signal != 0) {
+    const int signal = signals.is_outermost() ? signals.Pending() : 0;
+    if (signal != 0) {
         EndInterrupted(signal, "'velkctl recover' takes the change back", report_);
     }
 }

@@ -63,7 +63,8 @@ struct PutBackResult {
 // that the entry calls put back is touched. Then puts back the values of the wireless daemon and
 // the link speed, and writes the files to disk. Restarts nothing but the SNMP agent. Can be
 // repeated.
-// After SIGINT or another signal it ends velkctl when the files are written, with a message.
+// After SIGINT or another signal it ends velkctl when the files are written, with a message, unless
+// the caller holds the signals back.
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
                       Report& report);
 

@@ -119,6 +119,9 @@ Json ProblemInJson(const Problem& given) {
     error["message"] = problem.message;
     error["detail"] = TextOrNull(problem.detail);
     error["cause"] = CauseInJson(problem.file, problem.line);
+    if (problem.column != 0) {
+        error["cause"]["column"] = problem.column;
+    }
     if (!problem.pointer.empty()) {
         error["cause"]["pointer"] = problem.pointer;
     }

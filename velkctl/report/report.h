@@ -26,6 +26,7 @@ struct Problem {
     std::string remedy{};
     std::string file{};     // the place of the likely cause; empty: unknown
     size_t line = 0;        // 0: no line of the file
+    size_t column = 0;      // 0: no column of the line
     std::string pointer{};  // the JSON pointer to a value in the file; empty: none
 };
 

@@ -122,6 +122,9 @@ nlohmann::ordered_json CodedKind::ToJson(const Data& data) const {
 }
 
 Parsed CodedKind::FromJson(const nlohmann::ordered_json& value) const {
+    if (!has_names() && value.is_number_float()) {
+        return Unparsable(value.dump() + " is not a whole number" + Give());
+    }
     if (has_names() ? !value.is_string() : !value.is_number_integer()) {
         return WrongType(value, has_names() ? "string" : "number");
     }

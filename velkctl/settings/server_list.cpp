@@ -173,6 +173,9 @@ nlohmann::ordered_json ServerListKind::ToJson(const Data& data) const {
 }
 
 Parsed ServerListKind::FromJson(const nlohmann::ordered_json& value) const {
+    if (value == kNone) {
+        return {};  // as other settings take it
+    }
     if (!value.is_array()) {
         return WrongType(value, "array");
     }

@@ -9,8 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 #include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/change_set.h"
@@ -30,6 +33,7 @@
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
 #include "velkctl/verbs/document_settings.h"
+#include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
 #include <nlohmann/json.hpp>
 
@@ -41,6 +45,7 @@ namespace {
 struct WantedValues {
     ChangeSet changes{};
     std::vector<Problem> problems{};
+    const SettingsDocument* document = nullptr;  // null: words
 };
 
 bool Holds(const Device& device, const DocumentSetting& row) {
@@ -51,7 +56,7 @@ bool Holds(const Device& device, const DocumentSetting& row) {
 // A value that no set accepts is left out if the device has it already: an export has all values of
 // its device.
 WantedValues WantedBy(const SettingsDocument& document, const Device& device) {
-    WantedValues wanted{.problems = document.problems};
+    WantedValues wanted{.problems = document.problems, .document = &document};
     for (const DocumentSetting& row : document.settings) {
         if (row.parsed.ok()) {
             wanted.changes.push_back({row.setting, row.parsed.data});
@@ -119,9 +124,9 @@ std::string Summary(const ApplyPlan& plan, const ApplyResult& result) {
 void NoteSkipped(const ApplyPlan& plan, Report& report) {
     if (!plan.skipped.empty()) {
         const bool is_one = plan.skipped.size() == 1;
-        report.Note(Problem{.message = AllOf(NamesOf(plan.skipped)) +
-                                       (is_one ? ": not applied, as its value comes from DHCP"
-                                               : ": not applied, as their values come from DHCP")});
+        report.Note(Problem{
+            .message = AllOf(NamesOf(plan.skipped)) + ": not applied",
+            .detail = is_one ? "its value comes from DHCP" : "their values come from DHCP"});
     }
 }
 
@@ -132,18 +137,60 @@ ExitStatus ReportProblems(const std::vector<Problem>& problems, ExitStatus statu
     return status;
 }
 
+// Adds the places of the values in the document, and how to leave out those that need the adapter.
+std::vector<Problem> WithPlaces(const ApplyPlan& plan, const WantedValues& wanted) {
+    std::vector<Problem> problems = plan.problems;
+    if (wanted.document == nullptr) {
+        return problems;
+    }
+    for (Problem& problem : problems) {
+        AddPlace(problem, *wanted.document);
+        if (plan.status == ExitStatus::kNoAdapter && !problem.setting.empty()) {
+            problem.remedy = "attach an adapter, or leave its settings out: --only NAME,...";
+        }
+    }
+    return problems;
+}
+
 // ---- The change --------------------------------------------------------------------------------
+
+constexpr std::string_view kAsBefore = "all settings are as before";
+
+// Returns the state of the device for a run that a signal ends.
+std::string StateAfter(const ApplyResult& result) {
+    if (result.status == ExitStatus::kDone) {
+        return "the change is already made";
+    }
+    return std::string(result.status == ExitStatus::kPartlyBack ? "not all is as before"
+                                                                : kAsBefore);
+}
+
+std::vector<Setting> SettingsIn(const ApplyPlan& plan) {
+    std::vector<Setting> settings;
+    for (const PlannedChange& planned : plan.changes) {
+        settings.push_back(planned.change.setting);
+    }
+    return settings;
+}
 
 ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
                     Report& report) {
+    const SetNotes notes(SettingsIn(plan), device, true);
     JournalRecord record(invocation.limits, report);
-    const ApplyResult result = Apply(plan, record, invocation.limits, device, report);
+    const StopSignals signals;
+    const ApplyResult result = Apply(plan, record, invocation.limits, signals, report);
     report.Member("restarts", RestartsInJson(result.restarts));
     report.Member("taken_back", result.is_taken_back);
     if (result.status == ExitStatus::kDone) {
         report.Inform(Summary(plan, result) + "\n");
+    }
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, StateAfter(result), report);
+    }
+    if (result.status == ExitStatus::kDone) {
+        notes.PrintResults(SettingsIn(plan), report);
     } else if (result.is_taken_back && result.status == ExitStatus::kFailed) {
-        report.Note("all settings are as before");
+        report.Note(std::string(kAsBefore));
     }
     return result.status;
 }
@@ -177,11 +224,11 @@ ExitStatus TryPlan(const ApplyPlan& plan, const Invocation& invocation, const De
 ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
                        const Invocation& invocation, const Device& device, Report& report) {
     const ApplyPlan plan = MakePlan(wanted.changes, choice, device);
+    if (!plan.problems.empty()) {
+        return ReportProblems(WithPlaces(plan, wanted), plan.status, report);
+    }
     report.Member("changes", ChangesInJson(plan));
     report.Member("skipped", NamesOf(plan.skipped));
-    if (!plan.problems.empty()) {
-        return ReportProblems(plan.problems, plan.status, report);
-    }
     NoteSkipped(plan, report);
     if (plan.changes.empty()) {
         report.Member("restarts", Json::array());
@@ -227,6 +274,11 @@ ExitStatus RunApply(const Invocation& invocation, Report& report) {
     }
     if (invocation.words.size() > 1) {
         return report.Refuse("apply: several words given; give one document or NAME=VALUE words");
+    }
+    const std::string& word = invocation.words.front();
+    if (FindSetting(word) && access(word.c_str(), F_OK) != 0) {
+        return report.Refuse(Problem{.message = "apply: " + Quoted(word) + " has no '='",
+                                     .remedy = "give " + word + "=VALUE"});
     }
     return RunDocument("apply", invocation, device, report);
 }

@@ -16,6 +16,7 @@
 #include "velkctl/call/device.h"
 #include "velkctl/changes/secret_source.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/unrecorded_change.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/report/exit_status.h"
@@ -212,6 +213,19 @@ ExitStatus TryCall(const Command& command, const Data& data, const Invocation& i
     return ReportTrial(RunTrial({step}, invocation.limits), {step}, report);
 }
 
+ExitStatus RunCommand(const Command& command, const Data& data, const Invocation& invocation,
+                      Report& report) {
+    Answer answer = Device(invocation.limits, report)
+                        .Execute(command, data, "command " + std::to_string(command.id));
+    if (answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
+        answer.note = RefusedCommand(command);
+    }
+    const bool is_secret = NamesSecret(invocation.words[1]);
+    ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),
+                 report);
+    return StatusOf(answer);
+}
+
 }  // namespace
 
 ExitStatus RunCall(const Invocation& invocation, Report& report) {
@@ -227,15 +241,12 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     if (invocation.dry_run) {
         return TryCall(command, data.data, invocation, report);
     }
-    Answer answer = Device(invocation.limits, report)
-                        .Execute(command, data.data, "command " + std::to_string(command.id));
-    if (answer.known_result() == LIB_VELK_INVALID_PARAMETER) {
-        answer.note = RefusedCommand(command);
+    if (command.type == VELK_GET) {
+        return RunCommand(command, data.data, invocation, report);
     }
-    const bool is_secret = NamesSecret(invocation.words[1]);
-    ReportAnswer(command, answer, IsMasked(is_secret, invocation.show_secrets, answer.data),
-                 report);
-    return StatusOf(answer);
+    const UnrecordedChange change("call", invocation.limits.wait_seconds, report);
+    return change.is_refused() ? ExitStatus::kLocked
+                               : RunCommand(command, data.data, invocation, report);
 }
 
 }  // namespace velkctl

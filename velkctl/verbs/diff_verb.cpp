@@ -21,6 +21,7 @@
 #include "velkctl/text/masking.h"
 #include "velkctl/verbs/document_settings.h"
 #include "velkctl/verbs/setting_reader.h"
+#include "velkctl/verbs/unread_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -123,6 +124,7 @@ class DeviceComparison {
     }
 
     ExitStatus Finish() {
+        unread_.Complain(report_);
         const ExitStatus found = Show(differences_, report_);
         return found == ExitStatus::kDone ? status_ : found;
     }
@@ -134,7 +136,7 @@ class DeviceComparison {
 
     void CompareAnswer(const DocumentSetting& row, const std::optional<Answer>& answer) {
         if (!answer || !answer->ok()) {
-            report_.Complain(ReadingProblem(row.setting, answer));
+            unread_.Add(row.setting, ReadingProblem(row.setting, answer), report_);
             const bool is_first = answer && status_ == ExitStatus::kDone;
             status_ = is_first ? StatusWithCause(row.setting, *answer) : status_;
             return;
@@ -149,6 +151,7 @@ class DeviceComparison {
     SettingReader reader_;
     Report& report_;
     std::vector<Difference> differences_;
+    UnreadSettings unread_;
     ExitStatus status_ = ExitStatus::kDone;
 };
 

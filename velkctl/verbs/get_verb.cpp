@@ -23,31 +23,11 @@
 #include "velkctl/verbs/setting_groups.h"
 #include "velkctl/verbs/setting_reader.h"
 #include "velkctl/verbs/setting_values.h"
+#include "velkctl/verbs/unread_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
-
-// Settings that could not be read for the same reason, and the problem of the first of them.
-struct UnreadSettings {
-    Problem problem;
-    SettingGroup settings;
-};
-
-bool HaveSameReason(const Problem& one, const Problem& other) {
-    return one.detail == other.detail && one.remedy == other.remedy && one.result == other.result;
-}
-
-Problem GroupProblem(const UnreadSettings& unread) {
-    const SettingGroup& settings = unread.settings;
-    Problem problem = unread.problem;
-    if (settings.size() > 1) {
-        const std::string names = NameLines(settings);
-        problem.message = std::to_string(settings.size()) + " settings could not be read:\n" +
-                          names.substr(0, names.size() - 1);
-    }
-    return problem;
-}
 
 // Reads settings and shows their values. Reports the failures at the end: in text together if the
 // reason is the same, in JSON each.
@@ -70,14 +50,12 @@ class Readings {
         if (answer && status_ == ExitStatus::kDone) {
             status_ = StatusWithCause(setting, *answer);
         }
-        KeepFailure(setting, problem);
+        unread_.Add(setting, problem, report_);
     }
 
     // Returns the status of the first failure.
     ExitStatus Finish() {
-        for (const UnreadSettings& unread : unread_) {
-            report_.Complain(GroupProblem(unread));
-        }
+        unread_.Complain(report_);
         report_.Member("settings", std::move(readings_));
         return status_;
     }
@@ -95,23 +73,12 @@ class Readings {
             ReadingInJson(setting, ValueInJson(setting, data, show_secrets), nullptr, is_valid));
     }
 
-    void KeepFailure(const Setting& setting, const Problem& problem) {
-        const auto same = std::ranges::find_if(unread_, [&](const UnreadSettings& unread) {
-            return HaveSameReason(unread.problem, problem);
-        });
-        if (same == unread_.end() || report_.is_json()) {
-            unread_.push_back({problem, {setting}});
-        } else {
-            same->settings.push_back(setting);
-        }
-    }
-
     const Invocation& invocation_;
     const Device& device_;
     SettingReader reader_;
     Report& report_;
     Json readings_ = Json::array();
-    std::vector<UnreadSettings> unread_;
+    UnreadSettings unread_;
     ExitStatus status_ = ExitStatus::kDone;
 };
 

@@ -12,6 +12,7 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/unrecorded_change.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/report/exit_status.h"
@@ -68,6 +69,10 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
     }
     if (invocation.dry_run) {
         return TryRestart(interface, invocation, report);
+    }
+    const UnrecordedChange change("restart", invocation.limits.wait_seconds, report);
+    if (change.is_refused()) {
+        return ExitStatus::kLocked;
     }
     if (const std::string id = FindInterrupted(); !id.empty()) {
         report.Note(InterruptedProblem(id));

@@ -126,11 +126,15 @@ SetNotes::SetNotes(const std::vector<Setting>& settings, const Device& device, b
       mismatches_(compares ? Mismatches(settings, device) : Findings()) {
 }
 
-void SetNotes::Print(const std::vector<Setting>& done, Report& report) const {
+void SetNotes::PrintResults(const std::vector<Setting>& done, Report& report) const {
     PrintSwitched(done, report);
     if (compares_) {
         PrintMismatches(done, report);
     }
+}
+
+void SetNotes::Print(const std::vector<Setting>& done, Report& report) const {
+    PrintResults(done, report);
     if (!report.is_json() && IsTerminal(STDERR_FILENO)) {
         NoteEffects(done, device_, report);
     }

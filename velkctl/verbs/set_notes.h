@@ -32,6 +32,8 @@ class SetNotes {
     // each other since then, a value that the next change of another setting undoes and, at a
     // terminal, when the set takes effect. `done` has the settings of the call that were set.
     void Print(const std::vector<Setting>& done, Report& report) const;
+    // The same without the time of the effect, for a change that includes the restarts.
+    void PrintResults(const std::vector<Setting>& done, Report& report) const;
 
   private:
     void PrintSwitched(const std::vector<Setting>& done, Report& report) const;

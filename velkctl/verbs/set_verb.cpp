@@ -10,7 +10,9 @@
 #include "velkctl/changes/change_set.h"
 #include "velkctl/changes/change_words.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/doctor/set_checks.h"
 #include "velkctl/journal/set_record.h"
+#include "velkctl/journal/unrecorded_change.h"
 #include "velkctl/preview/call_trace.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
@@ -97,6 +99,11 @@ Json SettingsInJson(const ChangeSet& changes, std::vector<MadeChange> made) {
 
 // Makes the changes in a private copy alone.
 ExitStatus TryChanges(const ChangeSet& changes, const Invocation& invocation, Report& report) {
+    for (const SettingChange& change : changes) {
+        if (const std::optional<Problem> note = UnusualKeyNote(change)) {
+            report.Note(*note);
+        }
+    }
     std::vector<TrialStep> steps = StepsOf(changes);
     if (!invocation.no_verify) {
         const std::vector<TrialStep> checks = ChecksOf(changes);
@@ -125,7 +132,9 @@ std::vector<MadeChange> MakeRecorded(const ChangeSet& changes, const Invocation&
                                      Device& device, Report& report) {
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
     if (invocation.no_journal) {
-        return MakeTraced(changes, options, device, invocation.trace, report);
+        const UnrecordedChange change("set", invocation.limits.wait_seconds, report);
+        return change.is_refused() ? std::vector<MadeChange>()
+                                   : MakeTraced(changes, options, device, invocation.trace, report);
     }
     SetRecord record(changes, invocation.limits.wait_seconds, device, report);
     if (record.is_refused()) {

@@ -121,7 +121,8 @@ script 'velkctl set eth0.method dhcp && velkctl set eth0.address 10.0.0.7 &&
 status_is 0
 output_is '	address 10.0.0.7'
 error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method
-velkctl: note: eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown'
+velkctl: note: eth0.address: set, but not checked
+  while eth0.method is dhcp, its lease is shown'
 
 it 'refuses values that are not valid before they reach a file'
 for words in 'eth0.address 10.0.0.300' 'eth0.address none' 'eth0.netmask 255.0.255.0' \
@@ -159,8 +160,10 @@ it 'switches both notices of the wired port'
 script 'velkctl set eth0.dhcp-notice off && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks &&
     velkctl set eth0.dhcp-notice on && grep -c "^#.*printdhcp" /etc/dhclient-exit-hooks'
 status_is 1
-error_is 'velkctl: note: eth0.dhcp-notice: set, but not checked: it cannot be read
-velkctl: note: eth0.dhcp-notice: set, but not checked: it cannot be read'
+error_is 'velkctl: note: eth0.dhcp-notice: set, but not checked
+  it cannot be read
+velkctl: note: eth0.dhcp-notice: set, but not checked
+  it cannot be read'
 output_is '2
 0'
 

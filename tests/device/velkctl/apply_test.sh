@@ -68,6 +68,41 @@ status_is 2
 error_is "velkctl: standard input: not JSON at line 3, column 1
   fix: correct the text there; 'velkctl export' prints a document"
 
+it 'gives the place of values that do not fit each other'
+changes_nothing 'echo "{\"schema\": 1, \"settings\": {\"eth0.address\": \"10.0.0.2\",
+    \"eth0.gateway\": \"192.168.0.1\"}}" >/tmp/t.json
+    velkctl apply /tmp/t.json; velkctl import /tmp/t.json --json >/tmp/out
+    grep -c -e changes -e skipped /tmp/out; grep pointer /tmp/out'
+status_is 0
+error_is 'velkctl: eth0.gateway: 192.168.0.1 is outside the network of the interface
+  at /settings/eth0.gateway in /tmp/t.json
+  the network of the interface is 10.0.0.0/24
+  fix: give another value, or give the address and netmask too'
+output_is '0
+        "pointer": "/settings/eth0.gateway"'
+
+it 'has the notes of set about other settings'
+script 'velkctl apply eth0.address=10.0.0.2; velkctl apply eth0.method=dhcp --restart never'
+status_is 0
+error_has 'velkctl: note: eth0.gateway is outside the network of the interface'
+error_has ', switched by eth0.method'
+
+it 'refuses a restart of eth1 without an adapter before the first set'
+changes_nothing 'velkctl apply location=new --restart eth0,eth1'
+status_is 4
+error_is 'velkctl: --restart: eth1 cannot be restarted
+  no adapter is attached
+  fix: plug in an adapter, or leave eth1 out of --restart'
+
+it 'says how to give a setting and an empty name'
+changes_nothing 'velkctl apply eth0.address; velkctl apply ""'
+status_is 2
+error_is "velkctl: apply: 'eth0.address' has no '='
+  fix: give eth0.address=VALUE
+velkctl: '': cannot be read
+  No such file or directory
+  fix: give a document of 'velkctl export', or - for standard input"
+
 it 'refuses words that are neither a document nor NAME=VALUE'
 changes_nothing 'velkctl apply location here'
 status_is 2
@@ -94,12 +129,51 @@ output_is ''
 error_has 'velkctl: note: all settings are as before'
 
 it 'puts everything back if the restarted interface is not as configured'
-changes_nothing 'printf "#!/bin/sh\necho ifup: failed to bring up \$1 >&2\n" >/tmp/ifup
-    chmod +x /tmp/ifup; mount --bind /tmp/ifup "$(command -v ifup)"
+changes_nothing "$stand_in_word"'cp "$(command -v ifup)" /tmp/own-ifup
+    stand_in_script ifup "grep -q 192.168.0.77 /etc/network/interfaces || exec /tmp/own-ifup \"\$@\"" \
+        "echo ifup: failed to bring up \$1 >&2"
     velkctl apply eth0.address=192.168.0.77 --json >/tmp/out; code=$?
     grep taken_back /tmp/out; exit $code'
 status_is 1
 output_is '  "taken_back": true,'
+
+it 'ends with 9 if the interface is not up again after everything is put back'
+changes_nothing "$stand_in_word"'stand_in_script ifup "echo ifup: failed to bring up \$1 >&2"
+    velkctl apply eth0.address=192.168.0.77'
+status_is 9
+error_is 'velkctl: restart of eth0: ifup: failed to bring up eth0
+velkctl: restart of eth0: ifup: failed to bring up eth0
+velkctl: eth0: ifup failed
+  the interface is up with 192.168.0.10
+velkctl: restart of eth0: ifup: failed to bring up eth0
+velkctl: restart of eth0: ifup: failed to bring up eth0
+velkctl: eth0: could not be restarted after the change was taken back
+  ifup failed; the interface is up with 192.168.0.10
+  fix: velkctl restart eth0'
+
+it 'advises to apply again, not to restart the old settings'
+script "$stand_in_word"'velk-sandbox cable out
+    stand_in_script ifup "ip address flush dev eth0"
+    velkctl apply eth0.address=192.168.0.77'
+status_is 9
+error_has '  no link: the cable is out
+  fix: plug the cable in, then apply the change again'
+error_has '  fix: velkctl restart eth0'
+
+it 'puts everything back after a signal, and restarts the interface'
+script "$stand_in_word"'before=$(state)
+    stand_in_script ifup "[ -e /tmp/again ] && exec touch /tmp/restarted" "touch /tmp/again" "sleep 60"
+    velkctl apply eth0.address=192.168.0.77 2>/tmp/errors & pid=$!
+    until [ -e /tmp/again ]; do sleep 0.1; done
+    kill -TERM $pid; wait $pid; echo $?
+    grep velkctl: /tmp/errors | head -1; tail -1 /tmp/errors
+    [ "$before" = "$(state)" ] || echo changed; ls /tmp/restarted; velkctl recover'
+status_is 0
+output_is '143
+velkctl: note: interrupted; the old state is being put back
+velkctl: interrupted; all settings are as before
+/tmp/restarted
+nothing to recover'
 
 it 'restarts the interfaces that the caller names'
 script 'velkctl apply eth0.gateway=none --restart never && velkctl apply ntp=off --restart eth0'
@@ -195,7 +269,8 @@ script 'velkctl apply eth1.method=static eth1.address=10.0.0.1/8'
 status_is 0
 output_is 'applied 3 settings'
 error_is 'velkctl: note: eth1: not restarted; no adapter is attached
-  its settings take effect at its next restart'
+  its settings take effect at its next restart
+velkctl: note: eth1.dhcp-dns is off now, switched by eth1.method'
 on_device velkctl apply eth1.method=static eth1.address=10.0.0.1/8
 status_is 0
 error_has 'velkctl: note: eth1: not restarted; the cable is in eth0'
@@ -209,13 +284,18 @@ error_is 'velkctl: eth1.ssid: could not be compared
   fix: plug in an adapter; if that does not start the wireless daemon, start it
   result: LIB_VELK_FAILURE (-1)'
 
+changes_nothing 'echo "{\"schema\": 1, \"settings\": {\"eth1.ssid\": \"lab\"}}" | velkctl import -'
+status_is 4
+error_has '  fix: attach an adapter, or leave its settings out: --only NAME,...'
+
 # ---- DHCP -------------------------------------------------------------------------------------
 it 'skips the addresses of an interface that gets them from DHCP'
 script 'velkctl export --quiet >/tmp/net.json; velkctl set eth0.method dhcp --quiet
     velkctl apply eth0.address=10.0.0.1; velkctl diff /tmp/net.json --only eth0.gateway'
 status_is 0
 output_is 'nothing to change'
-error_is 'velkctl: note: eth0.address: not applied, as its value comes from DHCP
+error_is 'velkctl: note: eth0.address: not applied
+  its value comes from DHCP
 velkctl: note: eth0.gateway: not compared, as its value comes from DHCP'
 
 # ---- diff -------------------------------------------------------------------------------------
@@ -232,13 +312,19 @@ eth0.dns: (not in it) -> []
 0
 0'
 
+it 'names the settings together that it cannot compare for one reason'
+script 'echo "{\"schema\": 1, \"settings\": {\"eth1.ssid\": \"a\", \"channel\": 7}}" | velkctl diff -'
+status_is 4
+error_has 'velkctl: 2 settings could not be read:
+  eth1.ssid eth1.channel'
+
 it 'compares a document with the device as far as that can be read'
 script 'echo "{\"schema\": 1, \"settings\": {\"eth1.ssid\": \"a\", \"eth0.dhcp-notice\": \"on\",
         \"channel\": 77}}" | velkctl diff -'
 status_is 4
 output_is ''
 error_has 'velkctl: note: eth0.dhcp-notice: not compared, as it cannot be read'
-error_has 'velkctl: eth1.ssid: could not be read'
+error_has 'velkctl: 2 settings could not be read:'
 wireless_script 'echo "{\"schema\": 1, \"settings\": {\"channel\": 77}}" | velkctl diff - --json | grep -A 5 differences'
 output_is '  "differences": [
     {

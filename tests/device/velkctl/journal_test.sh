@@ -73,6 +73,24 @@ END
 '
 script() { on_device sh -c "$stand_in_word$words$1"; }
 
+# ---- The lock between runs --------------------------------------------------------------------
+it 'lets no set or restart run beside an apply, also without an entry'
+script 'velk-sandbox adapter out; velkctl set location here --quiet; after=$(state)
+    flock $journal/lock sleep 100 & while flock --nonblock $journal/lock true; do sleep 0.01; done
+    for words in "set location there --no-journal" "restart eth0" "call set 3 --text there" \
+            "call restart 1 eth0"; do
+        velkctl $words; echo $?
+    done
+    velkctl call get 3 >/dev/null; echo $?; [ "$after" = "$(state)" ]'
+status_is 0
+output_is '3
+3
+3
+3
+0'
+error_has 'velkctl: restart: nothing was changed
+  another program is changing settings'
+
 # ---- undo -------------------------------------------------------------------------------------
 it 'takes the last set back, byte by byte'
 script 'sed -i "s/address 192.168.0.10/&   # printed on the case/" $interfaces
@@ -262,9 +280,9 @@ output_is '0
 no changes'
 
 it 'has no entry with --no-journal'
-script 'velkctl set eth0.address 192.168.0.77 --no-journal; ls /var/libvelk; velkctl undo'
+script 'velkctl set eth0.address 192.168.0.77 --no-journal; ls /var/libvelk/journal; velkctl undo'
 status_is 1
-output_is 'libvelk'
+output_is 'lock'
 
 it 'is readable by its owner alone, and shows no key'
 script 'velk-sandbox cable out; velkctl set psk "another key"; stat -c "%a" $journal $journal/0*

@@ -211,7 +211,7 @@ output_is '{
     "takes_effect": "at the next restart of eth0, with method static"
   },
   "notes": [
-    "eth0.address: set, but not checked: while eth0.method is dhcp, its lease is shown"
+    "eth0.address: set, but not checked; while eth0.method is dhcp, its lease is shown"
   ],
   "errors": []
 }'
@@ -252,7 +252,7 @@ answers <<'END'
 2 apply /tmp/none -> nothing; - -
 2 apply ntp=on --restart eth9 -> nothing; - -
 2 apply eth0.dns=1 eth1.zz=1 -> nothing; eth0.dns -; - -
-2 apply eth0.dns=1.1.1.1 eth1.dns=2.2.2.2 -> changes skipped; eth0.dns -; eth1.dns -
+2 apply eth0.dns=1.1.1.1 eth1.dns=2.2.2.2 -> nothing; eth0.dns -; eth1.dns -
 2 import /dev/null -> nothing; - -
 2 import /tmp/none --only eth9.x -> nothing; - -
 2 diff /tmp/none /dev/null -> nothing; - -; - -
@@ -325,7 +325,7 @@ answers <<'END'
 !velk-sandbox adapter out
 0 apply eth0.gateway=none location=here -> changes skipped restarts taken_back
 0 apply location=here -> changes skipped restarts taken_back
-4 apply eth1.ssid=lab -> changes skipped; eth1.ssid LIB_VELK_FAILURE
+4 apply eth1.ssid=lab -> nothing; eth1.ssid LIB_VELK_FAILURE
 0 export -> document unread
 !velkctl export --quiet >/tmp/net.json; velkctl set location there
 6 diff /tmp/net.json -> differences

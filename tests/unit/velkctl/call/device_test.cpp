@@ -4,6 +4,7 @@
 // The device as the verbs see it: busy, slow, or ready at once.
 #include "velkctl/call/device.h"
 
+#include <csignal>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,6 +14,8 @@
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "velkctl/call/stop_signals.h"
+#include "velkctl/call/watched_call.h"
 
 namespace {
 
@@ -25,7 +28,9 @@ using velkctl::Command;
 using velkctl::Data;
 using velkctl::Device;
 using velkctl::ExitStatus;
+using velkctl::OnSignal;
 using velkctl::Report;
+using velkctl::StopSignals;
 using velkctl::TimeLimits;
 
 constexpr auto& kResolver = testkit::kResolverFile;
@@ -163,6 +168,55 @@ TEST_F(VelkctlDeviceTest, AReadingAtItsTimeoutChangedNothing) {
     EXPECT_EQ(OneLine(ProblemOf("eth0.link-speed: could not be read", "", answer)),
               "eth0.link-speed: could not be read; no answer after 1 s; waited for ethtool to "
               "finish; fix: run it again with a longer --timeout");
+}
+
+// ---- Signals that the caller holds back --------------------------------------------------------
+
+// Takes a pending signal away, which would end the tests.
+void Forget(const StopSignals& signals) {
+    int signal = 0;
+    (void)sigwait(&signals.signals(), &signal);
+}
+
+TEST_F(VelkctlDeviceTest, ASignalEndsTheCommandAloneIfTheCallerGoesOn) {
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    Report report(Report::Form::kText);
+    const StopSignals signals;
+    (void)raise(SIGTERM);
+    const Answer answer =
+        Device({}, report, OnSignal::kEndCommand).Execute(kRestart, {}, "restart of eth0");
+    Forget(signals);
+    EXPECT_TRUE(answer.interrupted);
+    EXPECT_FALSE(answer.ok());
+    EXPECT_EQ(StatusOf(answer), ExitStatus::kFailed);
+    EXPECT_EQ(OneLine(ProblemOf("eth0: could not be restarted", "", answer)),
+              "eth0: could not be restarted; a signal has ended it");
+}
+
+TEST_F(VelkctlDeviceTest, ACommandThatPutsTheDeviceInOrderIsNotEndedByASignal) {
+    libc().ScriptAlways(Call::kSystem, Return(0));
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)usleep(100 * 1000); });
+    Report report(Report::Form::kText);
+    const StopSignals signals;
+    (void)raise(SIGTERM);
+    const Answer answer =
+        Device({}, report, OnSignal::kFinishCommand).Execute(kRestart, {}, "restart of eth0");
+    Forget(signals);
+    EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
+}
+
+TEST_F(VelkctlDeviceTest, ASignalEndsTheWaitForTheLockIfTheCallerGoesOn) {
+    Report report(Report::Form::kText);
+    report.set_detail(Report::Detail::kQuiet);
+    const int lock = VkLibLock();
+    const StopSignals signals;
+    (void)raise(SIGTERM);
+    const Answer answer =
+        Device({30, 0}, report, OnSignal::kEndCommand).Execute(kSetDns, {}, "eth0.dns");
+    Forget(signals);
+    VkLibUnLock(lock);
+    EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
+    EXPECT_EQ(libc().Texts(Call::kNanosleep), std::vector<std::string>{"50000000"});
 }
 
 TEST_F(VelkctlDeviceTest, ALibraryThatIsKilledIsAFailure) {

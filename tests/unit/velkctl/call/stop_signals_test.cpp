@@ -17,6 +17,18 @@ TEST(StopSignalsTest, NoSignalIsPendingAtFirst) {
     EXPECT_EQ(signals.Pending(), 0);
 }
 
+TEST(StopSignalsTest, AnInnerOneLeavesTheSignalsToTheOuterOne) {
+    const StopSignals outer;
+    {
+        const StopSignals inner;
+        EXPECT_EQ(sigismember(&StopSignals::before(), SIGTERM), 0) << "for the tools of a child";
+    }
+    (void)raise(SIGTERM);
+    EXPECT_EQ(outer.Pending(), SIGTERM);
+    int signal = 0;
+    (void)sigwait(&outer.signals(), &signal);
+}
+
 TEST(StopSignalsDeathTest, APendingSignalEndsTheProcessAtTheEndOfTheScope) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         const auto put_off = [signal] {

@@ -118,11 +118,32 @@ TEST_F(ApplyPlanTest, RefusesValuesThatDoNotFitEachOther) {
     EXPECT_THAT(Messages(plan.problems),
                 ElementsAre("eth0.gateway: 10.0.0.1 is outside the network of the interface; the "
                             "network of the interface is 192.168.0.0/24; fix: give another "
-                            "value, or set the address and netmask first, or give --force",
+                            "value, or give the address and netmask too",
                             "eth1.dns: another value than eth0.dns; eth0 and eth1 have one list "
                             "of DNS servers; fix: give both the same servers, or one of them "
                             "alone"));
     EXPECT_EQ(plan.status, ExitStatus::kInvalid);
+}
+
+TEST_F(ApplyPlanTest, ChecksTheValuesThatStayTogetherWithThoseThatChange) {
+    const std::vector<Assignment> wanted{{"eth0.address", "10.0.0.2"},
+                                         {"eth0.netmask", "255.255.255.0"},
+                                         {"eth0.gateway", "192.168.0.1"}};
+    EXPECT_THAT(Messages(Plan(wanted).problems),
+                ElementsAre("eth0.gateway: 192.168.0.1 is outside the network of the interface; "
+                            "the network of the interface is 10.0.0.0/24; fix: give another value, "
+                            "or give the address and netmask too"));
+    EXPECT_EQ(Plan(wanted).status, ExitStatus::kInvalid);
+}
+
+TEST_F(ApplyPlanTest, LeavesAloneValuesThatDoNotFitAndStay) {
+    WriteFile(kInterfaces,
+              "iface eth0 inet static\naddress 192.168.0.10\nnetmask 255.255.255.0\n"
+              "gateway 10.0.0.1\niface eth1 inet dhcp\n");
+    const ApplyPlan plan = Plan(
+        {{"eth0.address", "192.168.0.10"}, {"eth0.gateway", "10.0.0.1"}, {"eth0.dns", "2.2.2.2"}});
+    EXPECT_THAT(Messages(plan.problems), IsEmpty());
+    EXPECT_THAT(Changes(plan), ElementsAre("eth0.dns 1.1.1.1 -> 2.2.2.2"));
 }
 
 TEST_F(ApplyPlanTest, FailsWithTheDaemonAndAsksItOnce) {
@@ -150,11 +171,23 @@ TEST_F(ApplyPlanTest, RestartsTheInterfacesThatNeedIt) {
 }
 
 TEST_F(ApplyPlanTest, RestartsTheInterfacesThatTheCallerNames) {
+    WriteFile("/proc/bus/usb/devices", "S:  Product=QT4408RKM\n");
     const velkctl::RestartChoice both{.is_automatic = false, .interfaces = {"eth0", "eth1"}};
     EXPECT_THAT(Plan({{"eth0.dns", "2.2.2.2"}}, both).restarts, ElementsAre("eth0", "eth1"));
     EXPECT_THAT(Plan({{"eth0.dns", "1.1.1.1"}}, both).restarts, IsEmpty());
     const velkctl::RestartChoice never{.is_automatic = false};
     EXPECT_THAT(Plan({{"eth0.gateway", "192.168.0.2"}}, never).restarts, IsEmpty());
+}
+
+TEST_F(ApplyPlanTest, RefusesARestartOfEth1WithoutAnAdapter) {
+    const velkctl::RestartChoice both{.is_automatic = false, .interfaces = {"eth0", "eth1"}};
+    const ApplyPlan plan = Plan({{"eth0.dns", "2.2.2.2"}}, both);
+    EXPECT_EQ(plan.status, ExitStatus::kNoAdapter);
+    EXPECT_THAT(Messages(plan.problems),
+                ElementsAre("--restart: eth1 cannot be restarted; no adapter is attached; fix: "
+                            "plug in an adapter, or leave eth1 out of --restart"));
+    EXPECT_THAT(Messages(Plan({{"eth0.dns", "1.1.1.1"}}, both).problems), IsEmpty());
+    EXPECT_EQ(Plan({{"eth0.gateway", "10.0.0.1"}}, both).status, ExitStatus::kInvalid);
 }
 
 }  // namespace

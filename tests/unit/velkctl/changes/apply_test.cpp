@@ -4,18 +4,24 @@
 // Changes that are made as one and taken back as one.
 #include "velkctl/changes/apply.h"
 
+#include <csignal>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "support/device_test.h"
+#include "velkctl/call/stop_signals.h"
+#include "velkctl/call/time_limits.h"
 
 namespace {
 
 using testing::ElementsAre;
+using testkit::Call;
 using testkit::ReadFile;
 using testkit::WriteFile;
+using velkctl::Answer;
 using velkctl::ApplyPlan;
 using velkctl::ApplyResult;
 using velkctl::BeginFailure;
@@ -25,8 +31,15 @@ using velkctl::ExitStatus;
 using velkctl::FindSetting;
 using velkctl::Problem;
 using velkctl::Report;
+using velkctl::StopSignals;
 
 constexpr char kInterfaces[] = "/etc/network/interfaces";
+
+velkctl::Data DataOf(std::string_view text) {
+    velkctl::Data data{};
+    text.copy(data.data(), data.size());
+    return data;
+}
 
 // Notes the calls in their order. One of them fails.
 class NotingRecord final : public velkctl::ChangeRecord {
@@ -78,11 +91,17 @@ class ApplyTest : public testkit::DeviceTest {
     }
     ApplyResult Run(const ApplyPlan& plan, velkctl::ChangeRecord& record) {
         testing::internal::CaptureStderr();
-        ApplyResult result = Apply(plan, record, {}, device, report);
+        const StopSignals signals;
+        ApplyResult result = Apply(plan, record, limits, signals, report);
         error = testing::internal::GetCapturedStderr();
+        if (signals.Pending() != 0) {
+            int signal = 0;
+            (void)sigwait(&signals.signals(), &signal);  // it would end the tests
+        }
         return result;
     }
 
+    velkctl::TimeLimits limits;
     Report report{Report::Form::kText};
     const Device device{{}, report};
     std::string error;
@@ -126,16 +145,71 @@ TEST_F(ApplyTest, TakesBackAfterEachStepThatFails) {
     EXPECT_THAT(of_end.calls, ElementsAre("begin 1 0", "step", "flush", "finish", "take back"));
 }
 
-TEST_F(ApplyTest, RestartsAndTakesBackAnInterfaceThatIsNotUp) {
+// ---- Taking back -------------------------------------------------------------------------------
+
+// A signal comes during the first step.
+class InterruptedRecord final : public velkctl::ChangeRecord {
+  public:
+    std::optional<BeginFailure> Begin(const ChangeSet&, const std::vector<std::string>&,
+                                      const Device&) override {
+        return std::nullopt;
+    }
+    void StepMade() override {
+        ++steps;
+        (void)raise(SIGTERM);
+    }
+    std::optional<Problem> Flush() override { return std::nullopt; }
+    std::optional<Problem> Finish() override { return std::nullopt; }
+    ExitStatus TakeBack(const Device& with, Report&) override {
+        const Answer answer = with.Set(*FindSetting("eth0.address"), DataOf("192.168.0.10"));
+        return answer.ok() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
+    }
+
+    int steps = 0;
+};
+
+TEST_F(ApplyTest, TakesBackAfterASignal) {
+    InterruptedRecord record;
+    const ApplyResult result =
+        Run(Plan({{"eth0.address", "192.168.0.11"}, {"eth0.gateway", "192.168.0.2"}}), record);
+    EXPECT_EQ(record.steps, 1) << "the second step is left out";
+    EXPECT_TRUE(result.is_taken_back);
+    EXPECT_EQ(result.status, ExitStatus::kFailed) << "the signal ends no set of the taking back";
+    EXPECT_EQ(error, "velkctl: note: interrupted; the old state is being put back\n");
+    EXPECT_NE(ReadFile(kInterfaces).find("192.168.0.10"), std::string::npos);
+}
+
+// Each tool of a restart takes longer than the limit.
+TEST_F(ApplyTest, RestartsAgainWithoutTheTimeLimit) {
+    ApplyPlan plan;  // a set would need tools, too
+    plan.restarts = {"eth0"};
+    limits.timeout_seconds = 1;
+    libc().ScriptAlways(Call::kSystem, testkit::Return(0));
+    libc().OnCall(Call::kSystem, [](const testkit::Event&) {
+        (void)usleep(1500 * 1000);
+        WriteFile("/tmp/finished", "");
+    });
+    NotingRecord record;
+    const ApplyResult result = Run(plan, record);
+    EXPECT_EQ(result.status, ExitStatus::kFailed) << "it has no address before the change";
+    EXPECT_NE(error.find("no answer after 1 s"), std::string::npos) << error;
+    EXPECT_TRUE(testkit::Exists("/tmp/finished")) << "by a tool of the second restart";
+}
+
+TEST_F(ApplyTest, NamesAnInterfaceThatItCannotRestartAgain) {
     ApplyPlan plan = Plan({{"eth0.gateway", "192.168.0.2"}});
     plan.restarts = {"eth1"};
     WriteFile("/proc/bus/usb/devices", "S:  Product=Keyboard\n");
     NotingRecord record;
     const ApplyResult result = Run(plan, record);
-    EXPECT_EQ(result.status, ExitStatus::kFailed);
+    EXPECT_EQ(result.status, ExitStatus::kPartlyBack);
     ASSERT_EQ(result.restarts.size(), 1U) << error;
     EXPECT_TRUE(result.restarts[0].state.is_null()) << "the library has refused the restart";
     EXPECT_EQ(record.calls.back(), "take back");
+    EXPECT_NE(error.find("velkctl: eth1: could not be restarted after the change was taken back\n"),
+              std::string::npos)
+        << error;
+    EXPECT_NE(error.find("  fix: velkctl restart eth1\n"), std::string::npos) << error;
 }
 
 // Another program sets the first value while the second one is set.

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,8 +14,12 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "velkctl/call/stop_signals.h"
+#include "velkctl/call/time_limits.h"
 
 namespace {
 
@@ -59,13 +64,14 @@ class JournalRecordTest : public testkit::DeviceTest {
     std::optional<BeginFailure> Begin(const ChangeSet& changes = kChanges) {
         record.reset();
         testing::internal::CaptureStderr();
-        record = std::make_unique<JournalRecord>(velkctl::TimeLimits{}, report);
+        record = std::make_unique<JournalRecord>(limits, report);
         std::optional<BeginFailure> failure = record->Begin(changes, {"eth0"}, device);
         error = testing::internal::GetCapturedStderr();
         return failure;
     }
     static JournalEntry Stored() { return ReadJournal().entries.back().decoded.entry; }
 
+    velkctl::TimeLimits limits;
     velkctl::Report report{velkctl::Report::Form::kText};
     const velkctl::Device device{{}, report};
     std::unique_ptr<JournalRecord> record;
@@ -188,9 +194,10 @@ TEST_F(JournalRecordTest, RunsNoTrialForSettingsOutsideOfFiles) {
 TEST_F(JournalRecordTest, GoesOnIfNoTrialIsPossible) {
     WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
     ASSERT_FALSE(Begin());
-    EXPECT_EQ(error.substr(0, error.find('\n')),
-              "velkctl: note: the files after this change are not known before it: "
-              "/etc/resolv.dnsmasq.conf: is too large for a private copy");
+    EXPECT_TRUE(
+        error.starts_with("velkctl: note: the files after this change are not known before it\n"
+                          "  /etc/resolv.dnsmasq.conf: is too large for a private copy\n"))
+        << error;
     EXPECT_TRUE(Stored().after.empty());
 }
 
@@ -209,6 +216,45 @@ TEST_F(JournalRecordTest, IsRefusedWhileTheLibraryIsInUse) {
     VkLibUnLock(lock);
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->status, ExitStatus::kLocked);
+    EXPECT_EQ(failure->problem.detail.find("another program is changing settings; process " +
+                                           std::to_string(getpid()) + " (unit_tests, "),
+              0U)
+        << failure->problem.detail;
+    EXPECT_TRUE(failure->problem.detail.ends_with(" old) holds the lock"));
+}
+
+TEST_F(JournalRecordTest, NotesTheHolderOfTheLibrarysLockWhileItWaits) {
+    const int lock = VkLibLock();
+    limits.wait_seconds = 1;
+    const std::optional<BeginFailure> failure = Begin();
+    VkLibUnLock(lock);
+    ASSERT_TRUE(failure);
+    EXPECT_TRUE(
+        error.starts_with("velkctl: note: waiting at most 1 s for the lock, held by process " +
+                          std::to_string(getpid()) + " (unit_tests, "))
+        << error;
+}
+
+TEST_F(JournalRecordTest, DoesNotWaitAfterASignal) {
+    const int lock = VkLibLock();
+    limits.wait_seconds = 30;
+    const velkctl::StopSignals signals;
+    (void)raise(SIGTERM);
+    const auto start = std::chrono::steady_clock::now();
+    const std::optional<BeginFailure> failure = Begin();
+    int signal = 0;
+    (void)sigwait(&signals.signals(), &signal);
+    VkLibUnLock(lock);
+    EXPECT_TRUE(failure);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+TEST_F(JournalRecordTest, NotesAnEarlierChangeThatWasInterrupted) {
+    ASSERT_FALSE(Begin());
+    const std::string id = Stored().id;
+    ASSERT_FALSE(Begin()) << "the first record has ended without an end of its change";
+    EXPECT_EQ(error, "velkctl: note: change " + id +
+                         " was interrupted\n  fix: 'velkctl recover' takes it back\n");
 }
 
 // The entry, its expected file and its second state are a write each.

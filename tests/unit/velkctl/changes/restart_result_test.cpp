@@ -77,6 +77,10 @@ TEST(RestartResultTest, AnEarlierAddressIsNotFromDhcp) {
     EXPECT_EQ(Judged(facts),
               "eth0: up, but its address 192.168.0.10 is not from DHCP; no DHCP server answered; "
               "fix: start one, then run 'velkctl restart eth0' again");
+    facts.repeat = "apply the change again";
+    EXPECT_EQ(Judged(facts),
+              "eth0: up, but its address 192.168.0.10 is not from DHCP; no DHCP server answered; "
+              "fix: start one, then apply the change again");
 }
 
 TEST(RestartResultTest, AnAddressThatApipaChose) {

@@ -139,6 +139,8 @@ TEST_F(NetworkCheckTest, OneAddressForTwoInterfacesIsRefusedInOneSet) {
     EXPECT_EQ(problem ? OneLine(*problem) : "",
               "eth1.address: 10.0.0.5 is also the new value of eth0.address; fix: give each "
               "interface an address of its own, or give --force");
+    const auto of_apply = NetworkProblem(changes[1], planned, velkctl::WayOut::kOfApply);
+    EXPECT_EQ(of_apply ? of_apply->remedy : "", "give each interface an address of its own");
     EXPECT_EQ(Problem("eth1.address", "192.168.0.10"), "") << "a set of one is noted";
 }
 

@@ -88,7 +88,7 @@ TEST_F(ReadBackTest, ASettingThatCannotBeReadIsNotChecked) {
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), std::nullopt);
     EXPECT_EQ(status, ExitStatus::kDone);
     EXPECT_EQ(complaint,
-              "velkctl: note: eth0.dhcp-notice: set, but not checked: it cannot be read\n");
+              "velkctl: note: eth0.dhcp-notice: set, but not checked; it cannot be read\n");
 }
 
 TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenIfTheValueCannotBeRead) {
@@ -184,9 +184,8 @@ TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
     WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), std::nullopt);
     EXPECT_EQ(complaint,
-              "velkctl: note: eth0.address: set, but not checked: while eth0.method is dhcp, its "
-              "lease is "
-              "shown\n");
+              "velkctl: note: eth0.address: set, but not checked; "
+              "while eth0.method is dhcp, its lease is shown\n");
 }
 
 TEST_F(ReadBackTest, AMethodThatCannotBeReadIsNoLease) {

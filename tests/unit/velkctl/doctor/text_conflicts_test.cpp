@@ -16,17 +16,19 @@ using testkit::WriteFile;
 using velkctl::Catalogue;
 using velkctl::FindSetting;
 using velkctl::Setting;
+using velkctl::WayOut;
 
 constexpr char kEntry[] = "0 * * * * /usr/bin/ntpdate -u 10.0.0.1 > /var/libvelk/ntp.log\n";
 
 class TextConflictTest : public testkit::DeviceTest {
   protected:
-    static std::string Problem(const std::string& name, const std::string& value) {
+    static std::string Problem(const std::string& name, const std::string& value,
+                               WayOut way_out = WayOut::kOfSet) {
         const Setting setting = *FindSetting(name);
         velkctl::Data data{};
         (void)value.copy(data.data(), data.size());
         velkctl::Report report(velkctl::Report::Form::kText);
-        const auto problem = TextConflict({setting, data}, velkctl::Device({}, report));
+        const auto problem = TextConflict({setting, data}, velkctl::Device({}, report), way_out);
         return problem ? OneLine(*problem) : "";
     }
 };
@@ -125,6 +127,23 @@ TEST_F(TextConflictTest, TwoPresentTextsThatWouldCutEachOtherNeedForce) {
               "location: the present administrator contains 'syslocation'; this set would replace "
               "the line from there on; its file is /usr/local/share/etc/snmp/snmpd.conf; fix: give "
               "--force, or first velkctl set --force administrator TEXT without that word");
+}
+
+// apply has no --force.
+TEST_F(TextConflictTest, AConflictOfAnApplyOffersNoForce) {
+    const auto fix = [](const std::string& name, const std::string& value) {
+        const std::string problem = Problem(name, value, WayOut::kOfApply);
+        return problem.substr(problem.find("; fix: "));
+    };
+    WriteFile(kCrontab, kEntry);
+    EXPECT_EQ(fix("ntp-server", "ntp"), "; fix: give the server's address or another name");
+    WriteFile(kCrontab, "0 * * * * /usr/bin/ntpdate -u ntp > /var/libvelk/ntp.log\n");
+    EXPECT_EQ(fix("ntp-server", "10.0.0.1"),
+              "; fix: write another server into that line with an editor");
+    WriteFile(kIdentityFile, "ADMINISTRATOR=ask for syslocation\nLOCATION=Lab\n");
+    EXPECT_EQ(fix("location", "syscontact"), "; fix: give other words");
+    EXPECT_EQ(fix("location", "Room 5"),
+              "; fix: first velkctl set administrator TEXT without that word");
 }
 
 TEST_F(TextConflictTest, OtherSettingsHaveNoConflicts) {

@@ -76,6 +76,38 @@ TEST(Document, WithAnErrorInItsSyntaxHasThePlace) {
         "prints a document");
     EXPECT_EQ(document.problems[0].file, "net.json");
     EXPECT_EQ(document.problems[0].line, 3U);
+    EXPECT_EQ(document.problems[0].column, 1U);
+}
+
+TEST(Document, NamesTheSettingOfAProblemWithItsPlace) {
+    const SettingsDocument document =
+        ReadDocument(Whole(R"({"location": "a", "location": "b", "eth0.mac-address": "x",
+                  "channel": 6, "eth1.channel": 7, "speed": "x", "speed": "y"})"),
+                     "net.json");
+    std::vector<std::string> settings;
+    for (const velkctl::Problem& problem : document.problems) {
+        settings.push_back(problem.pointer + " " + problem.setting);
+    }
+    EXPECT_THAT(settings, ElementsAre("/settings/location location", "/settings/speed ",
+                                      "/settings/eth0.mac-address eth0.mac-address",
+                                      "/settings/eth1.channel eth1.channel", "/settings/speed "));
+}
+
+TEST(Document, GivesAConflictThePlaceOfItsValue) {
+    const SettingsDocument document =
+        ReadDocument(Whole(R"({"eth0.gateway": "10.0.0.1"})"), "net.json");
+    velkctl::Problem conflict{.message = "eth0.gateway: outside", .setting = "eth0.gateway"};
+    AddPlace(conflict, document);
+    EXPECT_EQ(OneLine(conflict), "eth0.gateway: outside; at /settings/eth0.gateway in net.json");
+    EXPECT_EQ(conflict.file, "net.json");
+    EXPECT_EQ(conflict.pointer, "/settings/eth0.gateway");
+
+    velkctl::Problem of_file{.message = "unreadable", .setting = "eth0.gateway", .file = "/etc/x"};
+    AddPlace(of_file, document);
+    EXPECT_EQ(of_file.file, "/etc/x");
+    velkctl::Problem of_other{.message = "outside", .setting = "eth0.dns"};
+    AddPlace(of_other, document);
+    EXPECT_EQ(OneLine(of_other), "outside");
 }
 
 TEST(Document, HasAllItsProblemsAtOnceEachWithItsPlace) {

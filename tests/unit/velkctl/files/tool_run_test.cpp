@@ -4,6 +4,7 @@
 // Tools of the device, found and run for a moment.
 #include "velkctl/files/tool_run.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <string>
 
@@ -54,6 +55,17 @@ TEST_F(ToolRunTest, KeepsTheOutputAndTheExitStatusOfATool) {
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.output, "a b\n");
     EXPECT_FALSE(RunTool({"/tmp/velk-missing"}).ended);
+}
+
+// A daemon that a tool starts inherits its signal mask.
+TEST_F(ToolRunTest, StartsAToolWithoutBlockedSignals) {
+    sigset_t all;
+    sigset_t before;
+    (void)sigfillset(&all);
+    (void)sigprocmask(SIG_BLOCK, &all, &before);
+    const ToolRun run = RunTool({"grep", "SigBlk", "/proc/self/status"});
+    (void)sigprocmask(SIG_SETMASK, &before, nullptr);
+    EXPECT_EQ(run.output, "SigBlk:\t0000000000000000\n");
 }
 
 TEST_F(ToolRunTest, KillsAToolThatDoesNotEnd) {

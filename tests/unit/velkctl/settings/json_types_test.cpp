@@ -106,4 +106,16 @@ TEST(AText, IsTakenAsItIsFromJson) {
     EXPECT_EQ(print("psk", ""), "0 bytes given; give a text of 1 to 64 bytes, or none");
 }
 
+TEST(AChannel, IsAWholeNumber) {
+    const velkctl::Setting channel = *velkctl::FindSetting("eth1.channel");
+    EXPECT_EQ(channel.row->kind->FromJson(6.5).problem,
+              "6.5 is not a whole number; give a number from 1 to 13");
+}
+
+TEST(AServerList, TakesNoneAsOtherSettingsDo) {
+    const velkctl::Setting dns = *velkctl::FindSetting("eth0.dns");
+    EXPECT_TRUE(dns.row->kind->FromJson("none").ok());
+    EXPECT_FALSE(dns.row->kind->FromJson("1.1.1.1").ok());
+}
+
 }  // namespace
