@@ -5,7 +5,6 @@
 // runs: every file is as before the change, or as after it.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,26 +13,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "fault/kit/changes.h"
 #include "fault/kit/requests.h"
 #include "fault/kit/scene.h"
 #include "fault/kit/tracer.h"
 #include "support/device_test.h"
 #include "support/paths.h"
-#include "velkctl/call/device.h"
-#include "velkctl/changes/apply.h"
-#include "velkctl/changes/apply_plan.h"
-#include "velkctl/changes/journal_record.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/journal_folder.h"
-#include "velkctl/journal/set_record.h"
 
 namespace fault {
 namespace {
 
 using velkctl::ChangeSet;
-using velkctl::ExitStatus;
 using velkctl::Report;
-using velkctl::Setting;
 using velkctl::SettingChange;
 
 struct Kills {
@@ -42,41 +35,6 @@ struct Kills {
     int new_files = 0;
     int missed = 0;  // the run was over before its kill
 };
-
-// Returns the change that a request makes in a file; nothing for other requests.
-std::optional<SettingChange> ChangeOf(const _velk_request& request) {
-    const std::string interface(request.interface, strnlen(request.interface, VELK_INTERFACE_SIZE));
-    const std::optional<Setting> setting = velkctl::FindSetting(request.command_id, interface);
-    if (!setting || setting->row->held_in.holder != velkctl::Holder::kFile) {
-        return std::nullopt;
-    }
-    SettingChange change{*setting, {}};
-    memcpy(change.value.data(), request.data, change.value.size());
-    return change;
-}
-
-// The set as the verb makes it, without its messages.
-int MakeSet(Device& tools, const ChangeSet& changes, const std::string& path) {
-    tools.UseRealTools();
-    setenv("PATH", path.c_str(), 1);
-    Report report(Report::Form::kText);
-    velkctl::Device device({}, report);
-    velkctl::SetRecord record(changes, 0, device, report);
-    const velkctl::Answer answer = device.Set(changes.front().setting, changes.front().value);
-    record.Finish();
-    return answer.ok() ? 0 : 1;
-}
-
-// Several settings as one change, without restarts.
-int MakeApply(Device& tools, const ChangeSet& changes, const std::string& path) {
-    tools.UseRealTools();
-    setenv("PATH", path.c_str(), 1);
-    Report report(Report::Form::kText);
-    const velkctl::Device device({}, report);
-    velkctl::JournalRecord record({}, report);
-    const velkctl::ApplyPlan plan = MakePlan(changes, {.is_automatic = false}, device);
-    return static_cast<int>(Apply(plan, record, {}, device, report).status);
-}
 
 using Work = int (*)(Device& tools, const ChangeSet& changes, const std::string& path);
 

@@ -10,8 +10,10 @@
 #include <csignal>
 #include <cstdint>
 #include <iterator>
+#include <map>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
@@ -90,7 +92,8 @@ bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
 
 class Follower {
   public:
-    Follower(pid_t first, size_t cut_at) : first_(first), cut_at_(cut_at), processes_{first} {
+    Follower(pid_t first, size_t cut_at, CallWatcher watcher)
+        : first_(first), cut_at_(cut_at), watcher_(std::move(watcher)), processes_{first} {
         if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
@@ -147,8 +150,20 @@ class Follower {
                 Cut();
                 return;
             }
+            entered_[pid] = info;
+        } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && watcher_) {
+            Watch(pid, info.exit.is_error != 0);
         }
         Continue(pid, 0);
+    }
+
+    void Watch(pid_t pid, bool has_failed) {
+        const auto entered = entered_.find(pid);
+        if (entered == entered_.end() || !CanChangeTheDevice(entered->second)) {
+            return;
+        }
+        const auto& entry = entered->second.entry;
+        watcher_({pid, static_cast<long>(entry.nr), entry.args[0], has_failed});
     }
 
     void Cut() {
@@ -167,13 +182,13 @@ class Follower {
 
     const pid_t first_;
     const size_t cut_at_;
+    const CallWatcher watcher_;
     std::set<pid_t> processes_;
+    std::map<pid_t, __ptrace_syscall_info> entered_;  // the last call that each has begun
     TracedRun run_;
 };
 
-}  // namespace
-
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
+TracedRun Run(const std::function<int()>& work, size_t cut_at, const CallWatcher& watcher) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
@@ -189,7 +204,17 @@ TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
         Fail("PTRACE_TRACEME");
     }
-    return Follower(child, cut_at).Follow();
+    return Follower(child, cut_at, watcher).Follow();
+}
+
+}  // namespace
+
+TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
+    return Run(work, cut_at, nullptr);
+}
+
+TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watcher) {
+    return Run(work, 0, watcher);
 }
 
 }  // namespace fault
