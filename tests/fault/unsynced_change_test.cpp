@@ -4,12 +4,13 @@
 // The power fails during a change of velkctl, while some writes are not on the disk yet. Each state
 // that the disk may then show is built, see kit/disk_states.h. Then velkctl recover --boot runs in
 // the next boot: every file is as before the change, or every file is as after it.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <optional>
-#include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
@@ -42,7 +43,6 @@ constexpr char kOwnBootId[] = "/run/boot_id";
 constexpr char kFirstBoot[] = "11111111-1111-4111-8111-111111111111\n";
 constexpr char kSecondBoot[] = "22222222-2222-4222-8222-222222222222\n";
 constexpr char kOutput[] = "/run/recover_output";
-constexpr unsigned kSeed = 20;
 constexpr unsigned kOneOf = 50;  // so many states is tried without --thorough
 
 struct Counts {

@@ -149,6 +149,7 @@ class States {
         is_at_end_ = made == log_.events.size();
         ++counts_.moments;
         counts_.most_pending = std::max(counts_.most_pending, pending_.size());
+        HandleOnce({Visible(durable_), {}, is_at_end_});
         for (const std::vector<bool>& subset : Subsets()) {
             HandleSubset(subset);
         }

@@ -42,7 +42,8 @@ struct CutCounts {
 };
 
 // Calls the function once for each state that differs from all earlier ones, until it returns
-// false. Builds one of so many of the states, with a fixed seed; 1 builds all.
+// false. Builds one of so many of the states, with a fixed seed; 1 builds all. In each sample are
+// the states with only the changes that are certain to be on disk.
 CutCounts ForEachCutState(const DiskLog& log, unsigned one_of,
                           const std::function<bool(const CutState&)>& handle);
 
