@@ -32,6 +32,7 @@ GOALS = [
     ("set in 10 MB, against copy and its two shell lines", 1.05, "growth/set/10MB"),
     ("dlopen and first get, against a library of std::string alone", 1.3, "loading"),
     ("velkctl get, against a bare program with the same call", 1.05, "process/get_and_bare_program"),
+    ("velkctl set with its journal entry, against one without", 1.3, "process/set_and_set_without_journal"),
     ("set from a program of 256 MB, against one from a small one", 1.1, "set/from_large_host"),
 ]
 # Counts of the cost test that are goals.

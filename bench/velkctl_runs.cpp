@@ -2,6 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 // velkctl_runs.cpp - compares whole runs of velkctl with those of other programs.
+#include <functional>
+#include <memory>
+#include <string>
+
 #include "bench/comparison.h"
 #include "bench/groups.h"
 #include "bench/run_program.h"
@@ -25,6 +29,25 @@ void Add(const char* name, const Arguments& ours, const Arguments& other) {
              .samples = kSamples});
 }
 
+// Each run sets another address than the one before it, so that the file changes.
+std::function<void()> SetNextAddress(const std::shared_ptr<int>& number, const Arguments& options) {
+    return [=] {
+        const std::string address = "192.168.0." + std::to_string(10 + (*number)++ % 100);
+        Arguments words = {Built(kVelkctl), "set", "--force", "eth0.address", address};
+        words.insert(words.end(), options.begin(), options.end());
+        Process(words)();
+    };
+}
+
+// The files lie in memory: the time of flushing is not in it.
+void AddJournal() {
+    const auto number = std::make_shared<int>(0);
+    Compare({.name = "process/set_and_set_without_journal",
+             .ours = Timed(SetNextAddress(number, {})),
+             .other = Timed(SetNextAddress(number, {"--no-journal"})),
+             .samples = kSamples});
+}
+
 }  // namespace
 
 void AddProcesses() {
@@ -39,6 +62,7 @@ void AddProcesses() {
     Add("process/set_and_bare_program",
         {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"},
         {Built("velk_bench_peak"), "set"});
+    AddJournal();
 }
 
 }  // namespace bench

@@ -4,7 +4,8 @@
 // observed_functions.cpp - functions of libc that show the library's steps to an observer.
 //
 // The dynamic linker finds the definitions of the program first, so the library calls these.
-// Without an observer each of them calls the one of libc, and nothing else.
+// Without an observer each of them calls the one of libc. Lines of the log are cut at 1,024 bytes,
+// as the library cuts its own.
 //
 // The checked forms that _FORTIFY_SOURCE puts in the place of some of them have other names.
 #undef _FORTIFY_SOURCE

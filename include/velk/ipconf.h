@@ -82,6 +82,9 @@ VELK_API int GetDefGatewayConf(const _velk_request& request, char* out);
 // configuration on for DHCP and off for a static address. Takes effect when the interface is
 // restarted. `out` is not used.
 //
+// A restart does not end a DHCP client that runs: ifdown(8) reads the new method already. To end
+// it, run "ifdown" before a set from DHCP to static.
+//
 // Returns LIB_VELK_SUCCESS, LIB_VELK_INVALID_PARAMETER for any other byte, LIB_VELK_FAILURE if
 // a file cannot be opened. The method stays changed if only the DHCP client's configuration cannot
 // be edited.

@@ -82,6 +82,7 @@ _velk_sandbox_candidates() { # CURRENT
     case $awaiting:$verb in
         --name:) return ;; # a new name
         --name:*) velk-sandbox list 2>/dev/null ;;
+        --rootfs:*) compgen -f -- "$1" ;; # a folder or an archive
         --*) compgen -d -- "$1" ;;
         :)
             [[ $1 == */* ]] || _velk_sandbox_verbs

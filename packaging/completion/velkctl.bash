@@ -157,7 +157,7 @@ _velkctl_candidates() { # WORD VERB WORD...
                 _velkctl_documents "$current"
             fi
             ;;
-        import) [ "$count" -gt 0 ] || _velkctl_documents "$current" ;;
+        import | capture) [ "$count" -gt 0 ] || _velkctl_documents "$current" ;;
         diff) [ "$count" -gt 1 ] || _velkctl_documents "$current" ;;
         help) [ "$count" -gt 0 ] || _velkctl_verbs ;;
         show)

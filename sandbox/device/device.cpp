@@ -103,7 +103,8 @@ void GiveUpPrivileges() {
 void EnterDevice(const DeviceOptions& options) {
     std::error_code no_folder;
     const fs::path here = fs::current_path(no_folder);
-    const DeviceLayout layout = MakeDeviceLayout(options.rootfs, options.files);
+    const DeviceLayout layout = MakeDeviceLayout(options.rootfs, options.files,
+                                                 options.hidden_files, options.missing_folders);
     GiveUpPrivileges();
     EnterPrivateNamespaces();
 

@@ -23,6 +23,9 @@ struct DeviceOptions {
     std::string rootfs;
     // More files of the device. They replace files of the machine at the same paths.
     std::vector<SampleFile> files;
+    // Files of the machine that the device does not have, and folders that other devices have.
+    std::vector<std::string> hidden_files;
+    std::vector<std::string> missing_folders;
     // Folders that stay visible even below a private folder.
     std::vector<std::string> bind_folders;
     // Folders of the machine that stay visible and writable.

@@ -61,10 +61,29 @@ bool IsWithin(const fs::path& path, const fs::path& folder) {
     return std::ranges::mismatch(folder, path).in1 == folder.end();
 }
 
+// True for a folder that every device has.
+bool IsOwnFolder(const fs::path& path, const DeviceLayout& layout) {
+    return layout.folders.contains(path) || layout.tmpfs_folders.contains(path);
+}
+
+// A tmpfs folder may be a link on the machine.
+fs::path ResolvedPlace(const SampleFile& sample, const DeviceLayout& layout) {
+    const fs::path whole = fs::weakly_canonical(sample.path);
+    return sample.kind == FileKind::kFolder && IsOwnFolder(whole, layout)
+               ? whole
+               : DeviceTree::Resolve(sample.path);
+}
+
 }  // namespace
 
-DeviceLayout MakeDeviceLayout(const std::string& rootfs,
-                              const std::vector<SampleFile>& more_files) {
+bool IsDevicePath(const fs::path& path) {
+    return std::ranges::find(kFiles, path) != std::end(kFiles) ||
+           (!IsWithin(path, "/run") && !PrivateFolderOf(path).empty());
+}
+
+DeviceLayout MakeDeviceLayout(const std::string& rootfs, const std::vector<SampleFile>& more_files,
+                              const std::vector<std::string>& hidden,
+                              const std::vector<std::string>& missing) {
     DeviceLayout layout;
     for (const Folder& folder : TmpfsFolders()) {
         layout.tmpfs_folders.emplace(fs::weakly_canonical(folder.path), folder.mode);
@@ -78,8 +97,16 @@ DeviceLayout MakeDeviceLayout(const std::string& rootfs,
     layout.samples = ReadSamples(rootfs);
     layout.samples.insert(layout.samples.end(), more_files.begin(), more_files.end());
     for (SampleFile& sample : layout.samples) {
-        sample.path = DeviceTree::Resolve(sample.path);
-        layout.files.push_back(sample.path);
+        sample.path = ResolvedPlace(sample, layout);
+        if (!IsOwnFolder(sample.path, layout)) {
+            layout.files.push_back(sample.path);
+        }
+    }
+    for (const std::string& file : hidden) {
+        layout.files.push_back(DeviceTree::Resolve(file));
+    }
+    for (const std::string& folder : missing) {
+        layout.missing_folders.push_back(DeviceTree::Resolve(folder));
     }
     return layout;
 }
@@ -134,6 +161,10 @@ void MakeFoldersAndFiles(const DeviceLayout& layout, DeviceTree& tree) {
     }
     for (const SampleFile& sample : layout.samples) {
         WriteSample(sample);
+    }
+    for (const fs::path& folder : layout.missing_folders) {
+        std::error_code stays;  // as a tmpfs folder does
+        fs::remove(folder, stays);
     }
 }
 

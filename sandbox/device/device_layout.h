@@ -26,11 +26,19 @@ struct DeviceLayout {
     std::vector<std::filesystem::path>
         files;  // replace files of the machine, with or without sample
     std::vector<SampleFile> samples;
+    std::vector<std::filesystem::path> missing_folders;
 };
 
 // Makes the layout of a device with `more_files` and the files under `rootfs`. An empty `rootfs`
-// means no files.
-DeviceLayout MakeDeviceLayout(const std::string& rootfs, const std::vector<SampleFile>& more_files);
+// means no files. The machine's files `hidden` and the folders `missing` do not exist on the
+// device.
+DeviceLayout MakeDeviceLayout(const std::string& rootfs, const std::vector<SampleFile>& more_files,
+                              const std::vector<std::string>& hidden = {},
+                              const std::vector<std::string>& missing = {});
+
+// True for a file or folder in a folder of the device's own, or such a folder itself, and for the
+// device's files in folders of the machine. The folder of the sandbox's own files, /run, is none.
+bool IsDevicePath(const std::filesystem::path& path);
 
 // True if `path` is below a tmpfs folder. The tmpfs folder itself is not hidden.
 bool IsHidden(const std::filesystem::path& path, const DeviceLayout& layout);

@@ -20,8 +20,6 @@
 namespace sandbox {
 namespace {
 
-constexpr unsigned char kLocallyAdministered = 0x02;
-
 ifreq RequestFor(const std::string& interface) {
     ifreq request{};
     strncpy(request.ifr_name, interface.c_str(), sizeof(request.ifr_name) - 1);
@@ -65,12 +63,17 @@ void NetworkControl::BringDown(const std::string& interface) const {
     SetUpFlag(socket_, interface, false);
 }
 
+bool NetworkControl::IsRunning(const std::string& interface) const {
+    ifreq request = RequestFor(interface);
+    Change(socket_, SIOCGIFFLAGS, request);
+    return (request.ifr_flags & IFF_RUNNING) != 0;
+}
+
 void NetworkControl::SetHardwareAddress(const std::string& interface,
-                                        unsigned char last_byte) const {
+                                        const HardwareAddress& address) const {
     ifreq request = RequestFor(interface);
     request.ifr_hwaddr.sa_family = ARPHRD_ETHER;
-    request.ifr_hwaddr.sa_data[0] = kLocallyAdministered;
-    request.ifr_hwaddr.sa_data[5] = static_cast<char>(last_byte);
+    memcpy(request.ifr_hwaddr.sa_data, address.data(), address.size());
     Change(socket_, SIOCSIFHWADDR, request);
 }
 
@@ -99,12 +102,12 @@ void NetworkControl::SetGateway(const std::string& interface, const StaticAddres
     }
 }
 
-void NetworkControl::SetUsualSpeed(const std::string& interface) const {
+void NetworkControl::SetLinkMode(const std::string& interface, const LinkMode& mode) const {
     ethtool_cmd settings{};
     settings.cmd = ETHTOOL_SSET;
-    settings.speed = SPEED_100;
-    settings.duplex = DUPLEX_FULL;
-    settings.autoneg = AUTONEG_ENABLE;
+    ethtool_cmd_speed_set(&settings, mode.speed);
+    settings.duplex = mode.is_full_duplex ? DUPLEX_FULL : DUPLEX_HALF;
+    settings.autoneg = mode.negotiates ? AUTONEG_ENABLE : AUTONEG_DISABLE;
     ifreq request = RequestFor(interface);
     request.ifr_data = reinterpret_cast<char*>(&settings);
     Change(socket_, SIOCETHTOOL, request);

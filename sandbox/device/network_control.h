@@ -5,6 +5,7 @@
 #ifndef SANDBOX_DEVICE_NETWORK_CONTROL_H_
 #define SANDBOX_DEVICE_NETWORK_CONTROL_H_
 
+#include <array>
 #include <string>
 
 #include <netinet/in.h>
@@ -19,6 +20,14 @@ struct StaticAddress {
     in_addr gateway = {};  // INADDR_ANY: none
 };
 
+using HardwareAddress = std::array<unsigned char, 6>;
+
+struct LinkMode {
+    bool negotiates = true;
+    unsigned speed = 100;  // in Mbit/s
+    bool is_full_duplex = true;
+};
+
 // Acts on the network namespace in which it was made, even after the process enters another one.
 // All functions throw Failure.
 class NetworkControl {
@@ -27,14 +36,15 @@ class NetworkControl {
 
     void BringUp(const std::string& interface) const;
     void BringDown(const std::string& interface) const;
-    // Sets the address 02:00:00:00:00:XX. The interface must be down.
-    void SetHardwareAddress(const std::string& interface, unsigned char last_byte) const;
+    // True if the kernel shows the interface as running.
+    bool IsRunning(const std::string& interface) const;
+    // The interface must be down.
+    void SetHardwareAddress(const std::string& interface, const HardwareAddress& address) const;
     void SetAddress(const std::string& interface, const StaticAddress& address) const;
     // Makes the gateway the default one. Does nothing if it is outside the network of the
     // interface, as the kernel refuses it.
     void SetGateway(const std::string& interface, const StaticAddress& address) const;
-    // Sets 100 Mbit/s, full duplex, with negotiation.
-    void SetUsualSpeed(const std::string& interface) const;
+    void SetLinkMode(const std::string& interface, const LinkMode& mode) const;
 
   private:
     velk::UniqueFd socket_;

@@ -35,8 +35,8 @@ mode_t ModeOnDevice(const fs::path& path, fs::perms found) {
 SampleFile ReadSample(const fs::directory_entry& entry, const fs::path& rootfs) {
     SampleFile file;
     file.path = "/" / entry.path().lexically_relative(rootfs);
-    file.is_link = entry.is_symlink();
-    if (file.is_link) {
+    if (entry.is_symlink()) {
+        file.kind = FileKind::kLink;
         file.text = fs::read_symlink(entry.path());
     } else {
         file.text = ReadText(entry.path());
@@ -76,20 +76,58 @@ std::vector<SampleFile> ReadSamples(const std::string& rootfs) {
 
 SampleFile MakeSample(const fs::path& path, const std::string& text) {
     constexpr mode_t kMode = 0644;
-    return {path, kMode, false, text};
+    return {path, kMode, FileKind::kFile, text};
 }
 
-void WriteSample(const SampleFile& file) {
-    if (file.is_link) {
-        fs::create_symlink(file.text, file.path);
-        return;
-    }
+namespace {
+
+void WriteText(const SampleFile& file) {
     const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
     const velk::UniqueFd target(open(file.path.c_str(), flags, file.mode));
     const ssize_t size = static_cast<ssize_t>(file.text.size());
     if (target.get() == -1 || write(target.get(), file.text.data(), file.text.size()) != size ||
         fchmod(target.get(), file.mode) == -1) {
         Fail("cannot make " + file.path.string(), errno);
+    }
+}
+
+// A FIFO or a socket that no process listens at, or a folder.
+void MakeNode(const SampleFile& file) {
+    const char* path = file.path.c_str();
+    const bool is_folder = file.kind == FileKind::kFolder;
+    const mode_t type = file.kind == FileKind::kFifo ? S_IFIFO : S_IFSOCK;
+    const int result = is_folder ? mkdir(path, file.mode) : mknod(path, type | file.mode, 0);
+    const bool exists = result == -1 && errno == EEXIST && is_folder;
+    if ((result == -1 && !exists) || chmod(path, file.mode) == -1) {
+        Fail("cannot make " + file.path.string(), errno);
+    }
+}
+
+// The user namespace may not know the owner.
+void SetOwnership(const SampleFile& file) {
+    const timespec time{file.ownership->time, 0};
+    const timespec times[] = {time, time};
+    const char* path = file.path.c_str();
+    (void)!lchown(path, file.ownership->owner, file.ownership->group);
+    (void)utimensat(AT_FDCWD, path, times, AT_SYMLINK_NOFOLLOW);
+}
+
+}  // namespace
+
+void WriteSample(const SampleFile& file) {
+    switch (file.kind) {
+        case FileKind::kFile:
+            WriteText(file);
+            break;
+        case FileKind::kLink:
+            fs::create_symlink(file.text, file.path);
+            break;
+        default:
+            MakeNode(file);
+            break;
+    }
+    if (file.ownership) {
+        SetOwnership(file);
     }
 }
 

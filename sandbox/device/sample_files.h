@@ -5,7 +5,9 @@
 #ifndef SANDBOX_DEVICE_SAMPLE_FILES_H_
 #define SANDBOX_DEVICE_SAMPLE_FILES_H_
 
+#include <ctime>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,11 +15,20 @@
 
 namespace sandbox {
 
+enum class FileKind { kFile, kLink, kFolder, kFifo, kSocket };
+
+struct Ownership {
+    uid_t owner;
+    gid_t group;
+    time_t time;  // time of the last change
+};
+
 struct SampleFile {
     std::filesystem::path path;  // on the device
     mode_t mode = 0;
-    bool is_link = false;
-    std::string text;  // the target if it is a link
+    FileKind kind = FileKind::kFile;
+    std::string text;                         // the target if it is a link
+    std::optional<Ownership> ownership = {};  // nothing: the user's, now
 };
 
 // Reads all files under `rootfs` into memory, as the folder may be hidden later. Returns them
@@ -30,6 +41,7 @@ std::string ReadText(const std::filesystem::path& path);
 // Returns a file with the mode 0644.
 SampleFile MakeSample(const std::filesystem::path& path, const std::string& text);
 
+// Makes the file. A folder may exist. A user who does not exist on the device becomes no owner.
 void WriteSample(const SampleFile& file);
 
 }  // namespace sandbox

@@ -9,9 +9,11 @@
 
 #include "sandbox/device/network_control.h"
 #include "sandbox/hardware/cable.h"
+#include "sandbox/hardware/recorded_network.h"
 #include "sandbox/hardware/static_address.h"
 #include "sandbox/hardware/tap_ports.h"
 #include "sandbox/process/failure.h"
+#include "sandbox/process/run_paths.h"
 
 namespace sandbox {
 namespace {
@@ -36,6 +38,24 @@ void SetWiredAddress(const NetworkControl& device) {
 
 }  // namespace
 
+std::vector<std::string> Hardware::DaemonArguments(const HardwareOptions& options) {
+    std::vector<std::string> arguments;
+    if (options.has_wireless_record) {
+        arguments = {"--record", kWirelessRecord};
+    }
+    if (options.state && options.state->daemon == RecordedDaemon::kSilent) {
+        arguments.insert(arguments.end(), {"--reply", "silent"});
+    }
+    return arguments;
+}
+
+// The state of a captured device has a line about eth1.
+bool Hardware::HasAdapter(const HardwareOptions& options) {
+    const RecordedInterface* wireless =
+        options.state ? options.state->Find(kWirelessPort.name) : nullptr;
+    return wireless == nullptr || wireless->link != Link::kMissing;
+}
+
 std::string Hardware::Start() {
     std::string problems;
     try {
@@ -44,7 +64,8 @@ std::string Hardware::Start() {
         ports_.reset();
         problems = std::string("eth0 and eth1 are missing: ") + failure.what();
     }
-    const std::string daemon_problem = StartDaemon();
+    const bool has_daemon = recorded() == nullptr || recorded()->daemon != RecordedDaemon::kMissing;
+    const std::string daemon_problem = has_daemon ? StartDaemon() : "";
     const bool both = !problems.empty() && !daemon_problem.empty();
     return problems + (both ? "; " : "") + daemon_problem;
 }
@@ -61,13 +82,22 @@ std::string Hardware::StartDaemon() const {
 void Hardware::MakePorts() {
     const NetworkControl device;
     ports_ = ChoosePorts();
+    MakeNetwork(device);
+    if (options_.router_in) {
+        MoveRouter(true);
+    }
+}
+
+void Hardware::MakeNetwork(const NetworkControl& device) {
+    if (options_.state) {
+        MakeRecordedPorts(*options_.state, device, *ports_);
+        StartRecordedClients(*options_.state);
+        return;
+    }
     ports_->Make(kWiredPort);
     ports_->Make(kWirelessPort);
     if (options_.sets_address) {
         SetWiredAddress(device);
-    }
-    if (options_.router_in) {
-        MoveRouter(true);
     }
 }
 
@@ -104,7 +134,7 @@ void Hardware::PlugAdapter() {
         return;
     }
     if (ports_ != nullptr) {
-        ports_->Make(kWirelessPort);
+        MakePort(kWirelessPort, recorded(), *ports_);
         ConnectRouter();
     }
     const std::string problem = StartDaemon();

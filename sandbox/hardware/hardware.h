@@ -6,12 +6,15 @@
 #define SANDBOX_HARDWARE_HARDWARE_H_
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <poll.h>
 
+#include "sandbox/device/network_control.h"
+#include "sandbox/device/recorded_state.h"
 #include "sandbox/hardware/ports.h"
 #include "sandbox/hardware/router.h"
 #include "sandbox/hardware/usb_devices.h"
@@ -25,12 +28,16 @@ struct HardwareOptions {
     bool router_in = false;      // at the start
     bool sets_address =
         true;  // sets the address of eth0 at the start; if false, the device's tools do
+    std::optional<RecordedState> state{};  // if the device was captured
+    bool has_wireless_record = false;      // the daemon answers from kWirelessRecord
 };
 
 class Hardware {
   public:
     explicit Hardware(HardwareOptions options)
-        : options_(std::move(options)), daemon_(options_.program_folder + "/wland") {}
+        : options_(std::move(options)),
+          daemon_(options_.program_folder + "/wland", DaemonArguments(options_)),
+          adapter_in_(HasAdapter(options_)) {}
 
     // Makes the ports and starts the daemon and the router. Returns one line of problems, or an
     // empty text.
@@ -43,7 +50,11 @@ class Hardware {
     void ForwardFrame(const pollfd& ready);
 
   private:
+    static std::vector<std::string> DaemonArguments(const HardwareOptions& options);
+    static bool HasAdapter(const HardwareOptions& options);
+    const RecordedState* recorded() const { return options_.state ? &*options_.state : nullptr; }
     void MakePorts();
+    void MakeNetwork(const NetworkControl& device);
     std::string StartDaemon() const;
     void PullAdapter();
     void PlugAdapter();
@@ -54,7 +65,7 @@ class Hardware {
     std::unique_ptr<Ports> ports_;  // null if no interfaces can be made
     UsbDevices usb_;
     WirelessDaemon daemon_;
-    bool adapter_in_ = true;
+    bool adapter_in_;
     std::unique_ptr<Router> router_;  // null while the router is out
 };
 

@@ -10,20 +10,22 @@
 
 #include <poll.h>
 
+#include "sandbox/device/network_control.h"
+
 namespace sandbox {
 
 struct Port {
     const char* name;
     const char* cable;
-    unsigned char last_byte;  // the last byte of the hardware address
+    HardwareAddress address;
 };
 
-inline constexpr Port kWiredPort = {"eth0", "cable0", 0x10};
-inline constexpr Port kWirelessPort = {"eth1", "cable1", 0x11};
+inline constexpr Port kWiredPort = {"eth0", "cable0", {0x02, 0, 0, 0, 0, 0x10}};
+inline constexpr Port kWirelessPort = {"eth1", "cable1", {0x02, 0, 0, 0, 0, 0x11}};
 
 // The ports of the router at the other ends of these cables.
-inline constexpr Port kRouterWiredPort = {"r0", "", 0x01};
-inline constexpr Port kRouterWirelessPort = {"r1", "", 0x02};
+inline constexpr Port kRouterWiredPort = {"r0", "", {0x02, 0, 0, 0, 0, 0x01}};
+inline constexpr Port kRouterWirelessPort = {"r1", "", {0x02, 0, 0, 0, 0, 0x02}};
 
 // Interfaces of one kind. They end with the device's network namespace. All functions throw
 // Failure.

@@ -44,8 +44,8 @@ void TapPorts::Make(const Port& port) {
     if (ioctl(tap.get(), TUNSETPERSIST, 1) == -1) {
         Fail(std::string("cannot make a persistent ") + port.name, errno);
     }
-    control_.SetHardwareAddress(port.name, port.last_byte);
-    control_.SetUsualSpeed(port.name);
+    control_.SetHardwareAddress(port.name, port.address);
+    control_.SetLinkMode(port.name, LinkMode{});
     control_.BringUp(port.name);
     taps_.erase(port.name);
     taps_[port.name].fd = std::move(tap);

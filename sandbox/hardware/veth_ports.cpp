@@ -39,7 +39,7 @@ VethPorts::VethPorts() : network_(MakeNetwork()), cables_(ControlOf(network_)) {
 void VethPorts::Make(const Port& port) {
     const NetnsScope scope(network_);
     RunIp({"add", port.cable, "type", "veth", "peer", "name", port.name, "netns", kDeviceNetwork});
-    device_.SetHardwareAddress(port.name, port.last_byte);
+    device_.SetHardwareAddress(port.name, port.address);
     device_.BringUp(port.name);
     SetCarrier(port, true);
 }

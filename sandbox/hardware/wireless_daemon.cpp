@@ -4,6 +4,9 @@
 // wireless_daemon.cpp - starts and stops the wireless daemon.
 #include "sandbox/hardware/wireless_daemon.h"
 
+#include <utility>
+#include <vector>
+
 #include <unistd.h>
 
 #include "sandbox/process/failure.h"
@@ -16,7 +19,9 @@ void WirelessDaemon::Start() const {
     if (access(program_.c_str(), X_OK) == -1) {
         return;
     }
-    if (RunProgram({program_, "--background", "--pid-file", kDaemonPidFile}) != 0) {
+    std::vector<std::string> words = {program_, "--background", "--pid-file", kDaemonPidFile};
+    words.insert(words.end(), arguments_.begin(), arguments_.end());
+    if (RunProgram(std::move(words)) != 0) {
         throw Failure("the wireless daemon did not start");
     }
 }

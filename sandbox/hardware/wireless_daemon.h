@@ -7,13 +7,16 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace sandbox {
 
 class WirelessDaemon {
   public:
-    // `program` is the path of the daemon. Start() does nothing if it does not exist.
-    explicit WirelessDaemon(std::string program) : program_(std::move(program)) {}
+    // `program` is the path of the daemon. Start() does nothing if it does not exist. `arguments`
+    // are further arguments.
+    WirelessDaemon(std::string program, std::vector<std::string> arguments)
+        : program_(std::move(program)), arguments_(std::move(arguments)) {}
 
     // Returns once the daemon accepts requests. Throws Failure if it does not start.
     void Start() const;
@@ -22,6 +25,7 @@ class WirelessDaemon {
 
   private:
     std::string program_;
+    std::vector<std::string> arguments_;
 };
 
 }  // namespace sandbox

@@ -5,6 +5,7 @@
 #include "sandbox/process/programs.h"
 
 #include <cerrno>
+#include <utility>
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -37,13 +38,19 @@ class OutputTo {
 
 }  // namespace
 
-std::string FindProgram(const std::string& name) {
+std::vector<std::string> FindPrograms(const std::string& name) {
+    std::vector<std::string> paths;
     for (const char* folder : kFolders) {
         if (std::string path = folder + name; access(path.c_str(), X_OK) == 0) {
-            return path;
+            paths.push_back(std::move(path));
         }
     }
-    return {};
+    return paths;
+}
+
+std::string FindProgram(const std::string& name) {
+    const std::vector<std::string> paths = FindPrograms(name);
+    return paths.empty() ? "" : paths.front();
 }
 
 std::vector<char*> ArgumentsOf(std::vector<std::string>& words) {

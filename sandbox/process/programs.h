@@ -15,6 +15,9 @@ namespace sandbox {
 // Returns the path of a program in a system folder, or an empty text.
 std::string FindProgram(const std::string& name);
 
+// Returns all its paths in system folders.
+std::vector<std::string> FindPrograms(const std::string& name);
+
 // Returns the argument vector for execv(3). It points into `words`.
 std::vector<char*> ArgumentsOf(std::vector<std::string>& words);
 

@@ -14,6 +14,7 @@ inline constexpr char kRouterPidFile[] = "/run/velk-sandbox/router.pid";  // DHC
 inline constexpr char kNameFile[] = "/run/velk-sandbox/name";             // the device's name
 inline constexpr char kShellStartFile[] = "/run/velk-sandbox/bashrc";
 inline constexpr char kCompletionFolder[] = "/run/velk-sandbox/completion";
+inline constexpr char kWirelessRecord[] = "/run/velk-sandbox/wireless.bin";
 inline constexpr char kStandInFolder[] = "/run/velk-sandbox/bin";  // first in the search path
 
 }  // namespace sandbox

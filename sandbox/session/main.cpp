@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "sandbox/control/control_socket.h"
@@ -66,6 +67,20 @@ CLI::Validator ExistingFolder(const std::string& option) {
                 return std::string();
             },
             ""};
+}
+
+void UseRootfs(const std::string& path, sandbox::Session& session) {
+    std::error_code unseen;
+    if (!fs::exists(path, unseen)) {
+        throw sandbox::WrongUsage("--rootfs: there is no folder or file '" + path + "'",
+                                  "give a folder or file that exists");
+    }
+    if (fs::is_directory(path, unseen)) {
+        session.device.rootfs = path;
+    } else {
+        session.hosts_file = std::exchange(session.device.rootfs, {}) + "/etc/hosts";
+        session.image_file = path;
+    }
 }
 
 // A parsed command line.
@@ -183,9 +198,10 @@ void AddOptions(CLI::App& app, Request& request) {
         ->expected(1)
         ->take_all()
         ->check(ExistingFolder("--writable"));
-    app.add_option("--rootfs", session.device.rootfs, "Folder with the device's files")
-        ->type_name("DIR")
-        ->check(ExistingFolder("--rootfs"));
+    app.add_option_function<std::string>(
+           "--rootfs", [&session](const std::string& path) { UseRootfs(path, session); },
+           "Folder, tar archive or capture with the device's files")
+        ->type_name("DIR|FILE");
     AddName(app, request, "Name of the device; otherwise the first free number");
 }
 

@@ -47,7 +47,8 @@ void CheckRealTools() {
 }
 
 void AddRealToolFiles(const std::string& folder, DeviceOptions& device) {
-    const std::vector<SampleFile> present = ReadSamples(device.rootfs);
+    std::vector<SampleFile> present = ReadSamples(device.rootfs);
+    present.insert(present.end(), device.files.begin(), device.files.end());
     for (SampleFile& file : ReadSamples(folder)) {
         if (std::ranges::find(present, file.path, &SampleFile::path) == present.end()) {
             device.files.push_back(std::move(file));

@@ -22,6 +22,7 @@
 #include "lib/base/paths.h"
 #include "lib/base/unique_fd.h"
 #include "sandbox/control/control_socket.h"
+#include "sandbox/device/device_image.h"
 #include "sandbox/device/namespaces.h"
 #include "sandbox/device/sample_files.h"
 #include "sandbox/hardware/hardware.h"
@@ -31,6 +32,7 @@
 #include "sandbox/process/failure.h"
 #include "sandbox/process/messages.h"
 #include "sandbox/process/run_paths.h"
+#include "sandbox/session/captured_device.h"
 #include "sandbox/session/real_tools.h"
 #include "sandbox/session/shell.h"
 #include "sandbox/session/stand_ins.h"
@@ -47,13 +49,29 @@ void PrintGreeting(const Session& session) {
     }
 }
 
-std::vector<SampleFile> FilesOf(const Session& session) {
-    const bool has_agent =
-        session.real || std::filesystem::exists(session.device.rootfs + velk::kSnmpScript);
-    std::vector<SampleFile> files = ChooseStandIns(session.stand_in_folder, has_agent);
+bool HasAgent(const Session& session, const DeviceImage& image) {
+    const std::string& rootfs = session.device.rootfs;
+    const bool is_in_folder =
+        !rootfs.empty() && std::filesystem::exists(rootfs + velk::kSnmpScript);
+    return session.real || is_in_folder ||
+           std::ranges::find(image.files, velk::kSnmpScript, &SampleFile::path) !=
+               image.files.end();
+}
+
+// Without the name of the machine in it, sudo(8) waits for a name server.
+void AddHosts(Session& session) {
+    if (!session.image_file.empty()) {
+        session.device.files.push_back(MakeSample("/etc/hosts", ReadText(session.hosts_file)));
+    }
+}
+
+void AddFiles(const DeviceImage& image, Session& session) {
+    AddCapturedFiles(image, ChooseStandIns(session.stand_in_folder, HasAgent(session, image)),
+                     session.device);
+    AddHosts(session);
+    std::vector<SampleFile>& files = session.device.files;
     std::ranges::move(ShellFiles(session.completion_folder), std::back_inserter(files));
     files.push_back(MakeSample(kNameFile, session.name));
-    return files;
 }
 
 // Waits for the command. Reaps orphans of the device, which the kernel passes to its first process.
@@ -70,8 +88,10 @@ int ReapUntil(pid_t command) {
     }
 }
 
-HardwareOptions HardwareOf(const Session& session) {
+HardwareOptions HardwareOf(const Session& session, const DeviceImage& image) {
     HardwareOptions options;
+    options.state = image.state;
+    options.has_wireless_record = !image.wireless_record.empty();
     options.program_folder = session.program_folder;
     if (session.real) {
         options.router_folder = session.router_folder;
@@ -96,13 +116,15 @@ int RunCommand(const Session& session, const Terminal& terminal) {
     return ReapUntil(command);
 }
 
-int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control_socket) {
-    session.device.files = FilesOf(session);
+int RunDevice(Session& session, const DeviceImage& image, const Terminal& terminal,
+              velk::UniqueFd control_socket) {
+    AddFiles(image, session);
     if (session.real) {
         AddRealToolFiles(session.real_rootfs, session.device);
     }
     EnterDevice(session.device);
-    const std::string problem = StartHardware(HardwareOf(session), std::move(control_socket));
+    const std::string problem =
+        StartHardware(HardwareOf(session, image), std::move(control_socket));
     if (session.real) {
         RunBootScript();
     }
@@ -115,11 +137,11 @@ int RunDevice(Session& session, const Terminal& terminal, velk::UniqueFd control
     return RunCommand(session, terminal);
 }
 
-[[noreturn]] void RunFirstProcess(Session& session, const Terminal& terminal,
-                                  velk::UniqueFd control_socket) {
+[[noreturn]] void RunFirstProcess(Session& session, const DeviceImage& image,
+                                  const Terminal& terminal, velk::UniqueFd control_socket) {
     int status = kSandboxFailed;
     try {
-        status = RunDevice(session, terminal, std::move(control_socket));
+        status = RunDevice(session, image, terminal, std::move(control_socket));
     } catch (const std::exception& error) {
         PrintFailure(error);
     }
@@ -134,13 +156,15 @@ int RunSession(Session session) {
     if (session.real) {
         CheckRealTools();
     }
+    const DeviceImage image =
+        session.image_file.empty() ? DeviceImage() : ReadDeviceImage(session.image_file);
     const Terminal terminal;
     IgnoreTerminalSignals();
     velk::UniqueFd control_socket = OpenControlSocket(session.name);
     GiveUpPrivileges();
     const pid_t first = ForkBoundChild(ForkFirstProcess);
     if (first == 0) {
-        RunFirstProcess(session, terminal, std::move(control_socket));
+        RunFirstProcess(session, image, terminal, std::move(control_socket));
     }
     (void)control_socket.Reset();  // only the hardware process keeps it open
     const int status = WaitForChild(first);

@@ -24,6 +24,8 @@ struct Session {
     std::string real_rootfs;    // more files of such a device
     std::string router_folder;  // configuration of its router
     bool router_in = true;
+    std::string image_file;  // a capture or a tar archive with the device's files
+    std::string hosts_file;  // the /etc/hosts of such a device
 };
 
 // Runs the command on a new device and returns its exit status. When the command or this process

@@ -48,7 +48,7 @@ SampleFile ScriptAt(const fs::path& path, const fs::path& script) {
 void AddTool(const fs::path& script, std::vector<SampleFile>& files) {
     SampleFile link;
     link.path = fs::path(kToolFolder) / script.filename();
-    link.is_link = true;
+    link.kind = FileKind::kLink;
     link.text = fs::path(kStandInFolder) / script.filename();
     files.push_back(ScriptAt(link.text, script));
     files.push_back(link);

@@ -13,6 +13,7 @@
 #include "sandbox/wland/background.h"
 #include "sandbox/wland/control.h"
 #include "sandbox/wland/log.h"
+#include "sandbox/wland/records.h"
 #include "sandbox/wland/reply_modes.h"
 #include "sandbox/wland/server.h"
 #include "sandbox/wland/stop_signals.h"
@@ -44,6 +45,7 @@ struct Options {
     double delay = 0;
     bool has_delay = false;
     std::string pid_file;
+    std::string record;
     bool background = false;
     bool verbose = false;
 
@@ -78,13 +80,16 @@ void AddOptions(CLI::App& app, Options& options) {
     CLI::Option* pid_file =
         app.add_option("--pid-file", options.pid_file, "File to write the process ID to")
             ->type_name("FILE");
+    CLI::Option* record =
+        app.add_option("--record", options.record, "File with the answers of a captured daemon")
+            ->type_name("FILE");
     CLI::Option* background = app.add_flag("--background", options.background,
                                            "Run in the background; return when ready");
     CLI::Option* verbose = app.add_flag("--verbose", options.verbose, "Log every request");
     app.add_option("--tell", options.tell, "Change the reply mode of the running daemon")
         ->type_name("MODE")
         ->check(is_mode)
-        ->excludes(reply, pid_file, background, verbose);
+        ->excludes(reply, pid_file, record, background, verbose);
     app.set_version_flag("--version", "wland " WLAND_VERSION);
 }
 
@@ -96,7 +101,9 @@ void Serve(const Options& options) {
         wland::LogDetails();
     }
     const wland::StopSignals stop;  // before sockets and files are made
-    wland::Server server(behaviour, stop);
+    const wland::Records records =
+        options.record.empty() ? wland::Records() : wland::ReadRecords(options.record);
+    wland::Server server(behaviour, records, stop);
     velk::UniqueFd caller;
     if (options.background) {
         caller = wland::Detach();

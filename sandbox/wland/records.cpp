@@ -6,8 +6,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <fstream>
 #include <iterator>
 #include <string_view>
+
+#include "sandbox/process/failure.h"
 
 namespace wland {
 namespace {
@@ -55,6 +58,19 @@ SMsgState StateOf(const SMsgConf& conf) {
     std::copy(std::begin(kRate), std::end(kRate), state.rate);
     std::copy(std::begin(kSignal), std::end(kSignal), state.signal);
     return state;
+}
+
+Records ReadRecords(const std::string& file) {
+    std::ifstream bytes(file, std::ios::binary);
+    Records records;
+    SMsgState state{};
+    if (!bytes.read(reinterpret_cast<char*>(&records.conf), sizeof(records.conf))) {
+        throw sandbox::Failure(file + " has no configuration");
+    }
+    if (bytes.read(reinterpret_cast<char*>(&state), sizeof(state))) {
+        records.state = state;
+    }
+    return records;
 }
 
 }  // namespace wland

@@ -5,6 +5,9 @@
 #ifndef SANDBOX_WLAND_RECORDS_H_
 #define SANDBOX_WLAND_RECORDS_H_
 
+#include <optional>
+#include <string>
+
 #include "velk/wlan.h"
 
 namespace wland {
@@ -14,6 +17,15 @@ SMsgConf StartConfiguration();
 
 // Returns the state of an adapter with this configuration.
 SMsgState StateOf(const SMsgConf& conf);
+
+// The answers of a captured daemon.
+struct Records {
+    SMsgConf conf = StartConfiguration();
+    std::optional<SMsgState> state{};  // nothing: that of the configuration
+};
+
+// Reads the bytes of an SMsgConf, and of an SMsgState if it follows. Throws sandbox::Failure.
+Records ReadRecords(const std::string& file);
 
 }  // namespace wland
 

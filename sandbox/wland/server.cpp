@@ -27,8 +27,8 @@ constexpr milliseconds::rep kLongestWait = 60 * 1000;
 
 }  // namespace
 
-Server::Server(const Behaviour& behaviour, const StopSignals& stop)
-    : stop_(stop), behaviour_(behaviour), conf_(StartConfiguration()) {
+Server::Server(const Behaviour& behaviour, const Records& records, const StopSignals& stop)
+    : stop_(stop), behaviour_(behaviour), records_(records) {
 }
 
 void Server::Run() {
@@ -63,7 +63,7 @@ void Server::TakeRequest() {
             Log("the wireless interface was restarted");
             break;
         case VELK_WLAN_STORE:
-            conf_ = request->body.conf;
+            records_.conf = request->body.conf;
             LogDetail("stored a configuration");
             break;
         case VELK_WLAN_REPORT:
@@ -86,9 +86,9 @@ void Server::Answer(const Message& request) {
     Message good{};
     good.type = request.type;
     if (is_state) {
-        good.body.state = StateOf(conf_);
+        good.body.state = records_.state.value_or(StateOf(records_.conf));
     } else {
-        good.body.conf = conf_;
+        good.body.conf = records_.conf;
     }
     Reply(ReplyBytes(behaviour_.mode, good));
 }

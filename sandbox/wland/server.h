@@ -11,6 +11,7 @@
 
 #include "sandbox/wland/control.h"
 #include "sandbox/wland/protocol.h"
+#include "sandbox/wland/records.h"
 #include "sandbox/wland/reply_modes.h"
 #include "sandbox/wland/stop_signals.h"
 #include "velk/wlan.h"
@@ -22,7 +23,7 @@ class ReadySemaphore;
 class Server {
   public:
     // Makes the sockets, so that requests can be sent. Throws sandbox::Failure.
-    Server(const Behaviour& behaviour, const StopSignals& stop);
+    Server(const Behaviour& behaviour, const Records& records, const StopSignals& stop);
 
     // Serves until a stop signal comes. Throws sandbox::Failure.
     void Run();
@@ -47,7 +48,7 @@ class Server {
     Behaviour behaviour_;
     ReplyModeSocket control_;  // first, because it detects a second daemon
     RequestSocket requests_;
-    SMsgConf conf_;
+    Records records_;
     std::deque<LateReply> late_replies_;
 };
 

@@ -6,16 +6,11 @@
 // the next boot: every file is as before the change, or every file is as after it.
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,22 +21,15 @@
 #include "fault/kit/requests.h"
 #include "fault/kit/scene.h"
 #include "support/device_test.h"
-#include "support/mounted.h"
 #include "support/paths.h"
-#include "velkctl/cli/verbs.h"
 #include "velkctl/journal/journal_folder.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace fault {
 namespace {
 
-using velkctl::ChangeSet;
-using velkctl::Report;
 using velkctl::SettingChange;
 
-constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
-constexpr char kOwnBootId[] = "/run/boot_id";
-constexpr char kFirstBoot[] = "11111111-1111-4111-8111-111111111111\n";
-constexpr char kSecondBoot[] = "22222222-2222-4222-8222-222222222222\n";
 constexpr char kOutput[] = "/run/recover_output";
 constexpr unsigned kOneOf = 50;  // so many states is tried without --thorough
 
@@ -103,10 +91,8 @@ std::string Describe(const Tree& tree) {
 class UnsyncedChange : public testkit::DeviceTest {
   protected:
     UnsyncedChange() {
-        testkit::WriteFile(kOwnBootId, kFirstBoot);
-        boot_id_.emplace(kOwnBootId, kBootIdFile, "", MS_BIND, "");
         (void)rmdir(testkit::kJournalFolder);  // the first change makes it
-        device_.emplace(Scene{});
+        device_.emplace();
     }
 
     void TearDown() override {
@@ -114,17 +100,14 @@ class UnsyncedChange : public testkit::DeviceTest {
         testkit::DeviceTest::TearDown();
     }
 
-    using Work = std::function<int()>;
-
     // Cuts the power during the work, and tries one of so many states of the disk.
-    void Cut(const Work& work, unsigned one_of, Counts& counts) {
-        testkit::WriteFile(kOwnBootId, kFirstBoot);
+    static void Cut(const Work& work, unsigned one_of, Counts& counts) {
         const DiskLog log = LogChanges(work);
         EXPECT_TRUE(log.result);
         Cut(log, {FilesOf(log.before), FilesOf(log.after), FilesOf(log.after)}, one_of, counts);
     }
 
-    void Cut(const DiskLog& log, const Wanted& wanted, unsigned one_of, Counts& counts) {
+    static void Cut(const DiskLog& log, const Wanted& wanted, unsigned one_of, Counts& counts) {
         const CutCounts cuts = ForEachCutState(log, one_of, [&](const CutState& state) {
             Try(state, wanted, counts);
             return !HasFailure();
@@ -135,13 +118,13 @@ class UnsyncedChange : public testkit::DeviceTest {
     }
 
     // Cuts the power during the work, starts so many of the states, and cuts the recovery of each.
-    void CutRecovery(const Work& work, unsigned one_of_work, unsigned one_of, Counts& counts) {
-        testkit::WriteFile(kOwnBootId, kFirstBoot);
+    static void CutRecovery(const Work& work, unsigned one_of_work, unsigned one_of,
+                            Counts& counts) {
         const DiskLog log = LogChanges(work);
-        testkit::WriteFile(kOwnBootId, kSecondBoot);
+        ChangeDevice::StartNextBoot();
         (void)ForEachCutState(log, one_of_work, [&](const CutState& state) {
             WriteDisk(state.disk, state.in_memory);
-            const DiskLog recovery = LogChanges([this] { return RecoverAtBoot(); });
+            const DiskLog recovery = LogChanges(RecoverAtBoot());
             EXPECT_EQ(recovery.result, 0);
             Cut(recovery, {FilesOf(log.before), FilesOf(log.after), FilesOf(recovery.after)},
                 one_of, counts);
@@ -149,47 +132,24 @@ class UnsyncedChange : public testkit::DeviceTest {
         });
     }
 
-    int Recover() {
-        testkit::WriteFile(kOwnBootId, kSecondBoot);
-        return RunChild([this] { return RecoverAtBoot(); });
+    static int Recover() {
+        ChangeDevice::StartNextBoot();
+        return RunChild(RecoverAtBoot());
     }
-
-    int RecoverAtBoot() {
-        UseRealTools();
-        Report report(Report::Form::kText);
-        return static_cast<int>(RunRecover({.boot = true}, report));
-    }
-
-    int Undo() {
-        UseRealTools();
-        Report report(Report::Form::kText);
-        return static_cast<int>(RunUndo({}, report));
-    }
-
-    Device& device() { return *device_; }
-    const std::string& path() const { return path_; }
 
     static int RunChild(const Work& work) {
         const pid_t child = fork();
         if (child == 0) {
-            const int output = open(kOutput, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            dup2(output, 1);
-            dup2(output, 2);
-            const int result = work();
-            (void)fflush(stdout);
-            _exit(result);
+            _exit(work());
         }
         int status = 0;
         return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
   private:
-    void UseRealTools() {
-        device_->UseRealTools();
-        setenv("PATH", path_.c_str(), 1);
-    }
+    static Work RecoverAtBoot() { return ChangeDevice::Recover(/*at_boot=*/true, kOutput); }
 
-    void Try(const CutState& state, const Wanted& wanted, Counts& counts) {
+    static void Try(const CutState& state, const Wanted& wanted, Counts& counts) {
         WriteDisk(state.disk, state.in_memory);
         EXPECT_EQ(Recover(), 0);
         CheckFiles(state, wanted, counts);
@@ -216,7 +176,7 @@ class UnsyncedChange : public testkit::DeviceTest {
             << Differences(files, wanted.old_files);
     }
 
-    void Explain(const CutState& state) {
+    static void Explain(const CutState& state) {
         WriteDisk(state.disk, state.in_memory);
         (void)Recover();
         ADD_FAILURE() << "the state was:\n"
@@ -233,9 +193,7 @@ class UnsyncedChange : public testkit::DeviceTest {
         }
     }
 
-    std::optional<testkit::Mounted> boot_id_;
-    std::optional<Device> device_;
-    const std::string path_ = PathWithHarmlessSudo();
+    std::optional<ChangeDevice> device_;
 };
 
 void Print(const std::string& name, const Counts& counts) {
@@ -244,17 +202,18 @@ void Print(const std::string& name, const Counts& counts) {
     (void)fflush(stdout);  // a child would print it once more
 }
 
-SettingChange Change(const char* name, std::string_view text) {
-    SettingChange made{*velkctl::FindSetting(name), {}};
-    text.copy(made.value.data(), made.value.size());
-    return made;
+// Returns the change of a file that a request makes; nothing for other requests.
+std::optional<SettingChange> FileChangeOf(const Request& request) {
+    const auto change = ChangeOf(request.request);
+    const bool is_in_file = change && change->setting.row->held_in.holder == velkctl::Holder::kFile;
+    return is_in_file ? change : std::nullopt;
 }
 
 // Changes of five files. The administrator is in two of them, the notice makes two edits of one.
-ChangeSet SeveralChanges() {
-    return {Change("administrator", "O'Neil & Co/IT"), Change("eth0.address", "10.1.2.3"),
-            Change("eth0.gateway", "10.1.2.4"), Change("eth0.dns", "10.1.2.5"),
-            Change("eth0.dhcp-notice", "\x02")};
+Changes SeveralChanges() {
+    return {ChangeTo("administrator", "O'Neil & Co/IT"), ChangeTo("eth0.address", "10.1.2.3"),
+            ChangeTo("eth0.gateway", "10.1.2.4"), ChangeTo("eth0.dns", "10.1.2.5"),
+            ChangeTo("eth0.dhcp-notice", "off")};
 }
 
 class UnsyncedSetTest : public UnsyncedChange, public testing::WithParamInterface<Group> {
@@ -264,9 +223,9 @@ class UnsyncedSetTest : public UnsyncedChange, public testing::WithParamInterfac
         const Tree start = TreeOf(ReadDisk());
         const Tree in_memory = ReadVolatile();
         for (const Request& request : GetParam()) {
-            if (const auto change = ChangeOf(request.request)) {
+            if (const auto change = FileChangeOf(request)) {
                 WriteDisk(start, in_memory);
-                Cut([&] { return MakeSet(device(), {*change}, path()); }, one_of, counts);
+                Cut(ChangeDevice::Set({*change}), one_of, counts);
             }
         }
         Print(GetParam().front().name, counts);
@@ -284,27 +243,27 @@ TEST_P(UnsyncedSetTest, DISABLED_LeavesOldOrNewFilesInEveryState) {
 
 class UnsyncedApply : public UnsyncedChange {
   protected:
-    void CutApply(unsigned one_of) {
+    static void CutApply(unsigned one_of) {
         Counts counts;
-        Cut([this] { return ApplyAll(); }, one_of, counts);
+        Cut(ApplyAll(), one_of, counts);
         Print("apply of 5 settings", counts);
     }
 
-    void CutUndo(unsigned one_of) {
+    static void CutUndo(unsigned one_of) {
         Counts counts;
-        ASSERT_EQ(RunChild([this] { return ApplyAll(); }), 0);
-        Cut([this] { return Undo(); }, one_of, counts);
+        ASSERT_EQ(RunChild(ApplyAll()), 0);
+        Cut(ChangeDevice::Undo(), one_of, counts);
         Print("undo of 5 settings", counts);
     }
 
-    void CutRecoveryOfApply(unsigned one_of_apply, unsigned one_of) {
+    static void CutRecoveryOfApply(unsigned one_of_apply, unsigned one_of) {
         Counts counts;
-        CutRecovery([this] { return ApplyAll(); }, one_of_apply, one_of, counts);
+        CutRecovery(ApplyAll(), one_of_apply, one_of, counts);
         Print("recover of 5 settings", counts);
     }
 
   private:
-    int ApplyAll() { return MakeApply(device(), SeveralChanges(), path()); }
+    static Work ApplyAll() { return ChangeDevice::Apply(SeveralChanges()); }
 };
 
 TEST_F(UnsyncedApply, IsDoneOrUndone) {
@@ -333,8 +292,7 @@ TEST_F(UnsyncedApply, DISABLED_CanBeRecoveredTwiceInManyStates) {
 
 TEST_F(UnsyncedChange, ASetOfTheSameValueCutsNoFile) {
     Counts counts;
-    Cut([this] { return MakeSet(device(), {Change("eth0.address", "192.168.0.10")}, path()); }, 4,
-        counts);
+    Cut(ChangeDevice::Set({ChangeTo("eth0.address", "192.168.0.10")}), 4, counts);
     Print("set of the same address", counts);
 }
 
@@ -343,15 +301,14 @@ TEST_F(UnsyncedChange, ALongFileIsOldOrNew) {
     text.insert(0, "#" + std::string(5000, '-') + "\n#" + std::string(5000, '+') + "\n");
     testkit::WriteFile(testkit::kInterfacesFile, text);
     Counts counts;
-    Cut([this] { return MakeSet(device(), {Change("eth0.address", "10.1.2.3")}, path()); }, 8,
-        counts);
+    Cut(ChangeDevice::Set({ChangeTo("eth0.address", "10.1.2.3")}), 8, counts);
     Print("set 104 eth0, 10 KB", counts);
 }
 
 // The files of the groups of settings in files.
 std::vector<Group> FileRequests() {
     std::vector<Group> groups = SetRequests();
-    std::erase_if(groups, [](const Group& group) { return !ChangeOf(group.front().request); });
+    std::erase_if(groups, [](const Group& group) { return !FileChangeOf(group.front()); });
     return groups;
 }
 

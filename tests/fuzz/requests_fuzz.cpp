@@ -29,7 +29,7 @@ bool IsHostsFile(const std::string& path) {
 
 void PlaceSamples() {
     for (const sandbox::SampleFile& sample : Samples()) {
-        if (!sample.is_link && !IsHostsFile(sample.path)) {
+        if (sample.kind != sandbox::FileKind::kLink && !IsHostsFile(sample.path)) {
             testkit::WriteFile(sample.path, sample.text);
         }
     }

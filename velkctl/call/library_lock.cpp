@@ -30,29 +30,31 @@ bool IsStillAtPath(int fd) {
 
 }  // namespace
 
-// Without O_CREAT: the library makes the file, with a mode for every user.
-LibraryLock::LibraryLock()
-    : fd_(open(velk::kLockFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)),
-      state_(TryToTake()) {
+LibraryLock::LibraryLock() {
+    TryToTake();
 }
 
-LibraryLock::State LibraryLock::TryToTake() {
+LibraryLock::LibraryLock(int wait_seconds) : LibraryLock() {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds);
+    while (is_busy() && std::chrono::steady_clock::now() < end) {
+        (void)nanosleep(&kPause, nullptr);
+        TryToTake();
+    }
+}
+
+// Without O_CREAT: the library makes the file, with a mode for every user.
+void LibraryLock::TryToTake() {
+    fd_.Reset(open(velk::kLockFile, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (fd_.get() == -1) {
-        return errno == ENOENT ? State::kNoFile : State::kBusy;
+        state_ = errno == ENOENT ? State::kNoFile : State::kBusy;
+        return;
     }
     const bool is_locked = flock(fd_.get(), LOCK_EX | LOCK_NB) == 0;
-    return is_locked && IsStillAtPath(fd_.get()) ? State::kHeld : State::kBusy;
+    state_ = is_locked && IsStillAtPath(fd_.get()) ? State::kHeld : State::kBusy;
 }
 
 bool AwaitLibraryLock(int seconds) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    while (LibraryLock().is_busy()) {
-        if (std::chrono::steady_clock::now() >= end) {
-            return false;
-        }
-        (void)nanosleep(&kPause, nullptr);
-    }
-    return true;
+    return !LibraryLock(seconds).is_busy();
 }
 
 }  // namespace velkctl

@@ -14,6 +14,8 @@ namespace velkctl {
 class LibraryLock {
   public:
     LibraryLock();
+    // Tries again for so many seconds while another program has it.
+    explicit LibraryLock(int wait_seconds);
 
     // True while no other program changes settings.
     bool is_held() const { return state_ == State::kHeld; }
@@ -25,10 +27,10 @@ class LibraryLock {
   private:
     enum class State { kHeld, kBusy, kNoFile };
 
-    State TryToTake();
+    void TryToTake();
 
     velk::UniqueFd fd_;
-    State state_;
+    State state_ = State::kBusy;
 };
 
 // Waits until no other program changes settings. Returns false if one still does after so many

@@ -8,8 +8,13 @@
 #include <chrono>
 #include <set>
 
+#include "velkctl/call/answer.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/setting_change.h"
 
 namespace velkctl {
 namespace {
@@ -73,7 +78,29 @@ class Run {
 
     bool MakeSteps() {
         return std::ranges::all_of(plan_.changes, [this](const PlannedChange& planned) {
-            return MakeStep(planned.change);
+            return IsAsPlanned(planned) && MakeStep(planned.change);
+        });
+    }
+
+    // The trial and the end of a client take their time. A value that another program has set
+    // meanwhile would be lost: undo knows the one from before it.
+    bool IsAsPlanned(const PlannedChange& planned) {
+        const auto& [change, old_value] = planned;
+        if (!old_value || IsSwitchedByStep(change.setting) || !Differs(change) ||
+            !Differs({change.setting, *old_value})) {
+            return true;
+        }
+        const std::string name = change.setting.name();
+        report_.Complain({.message = name + ": not set",
+                          .setting = name,
+                          .detail = "another program has set it since this change began"});
+        return false;
+    }
+
+    // True if a set of another setting of the plan changes this one.
+    bool IsSwitchedByStep(const Setting& setting) const {
+        return std::ranges::any_of(plan_.changes, [&](const PlannedChange& planned) {
+            return Includes(SettingsBeside(planned.change.setting), setting);
         });
     }
 

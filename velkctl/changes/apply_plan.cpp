@@ -9,11 +9,14 @@
 #include <tuple>
 #include <utility>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/planned_values.h"
 #include "velkctl/doctor/checks.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/files/interface_state.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/setting_change.h"
+#include "velkctl/text/data_bytes.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {

@@ -15,6 +15,8 @@
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/setting_change.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 

@@ -31,7 +31,7 @@ class ChangeRecord {
                                               const Device& device) = 0;
     // Keeps the files as they are after one more step.
     virtual void StepMade() = 0;
-    // Writes the touched files to disk.
+    // Writes the touched files to disk. Fails if one is as before that should have changed.
     virtual std::optional<Problem> Flush() = 0;
     // The change is done.
     virtual std::optional<Problem> Finish() = 0;

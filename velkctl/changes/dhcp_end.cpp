@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/files/dhcp_client.h"
 #include "velkctl/files/tool_run.h"
 #include "velkctl/settings/affected_settings.h"
@@ -45,14 +46,18 @@ std::optional<Problem> EndDhcpClient(const std::string& interface) {
     return problem;
 }
 
-void EndClientsOf(const JournalEntry& entry, const Device& device, Report& report) {
+std::vector<std::string> EndClientsOf(const JournalEntry& entry, const Device& device,
+                                      Report& report) {
+    std::vector<std::string> taken_down;
     for (const std::string& interface : entry.restarts) {
         if (GetsStaticBack(interface, entry) && HasDhcpClient(interface, device)) {
+            taken_down.push_back(interface);
             if (const std::optional<Problem> problem = EndDhcpClient(interface)) {
                 report.Complain(*problem);
             }
         }
     }
+    return taken_down;
 }
 
 }  // namespace velkctl

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/call/device.h"
 #include "velkctl/journal/journal_entry.h"
@@ -25,8 +26,10 @@ bool HasDhcpClient(const std::string& interface, const Device& device);
 std::optional<Problem> EndDhcpClient(const std::string& interface);
 
 // Ends the clients of the interfaces that the change has restarted with the method dhcp, before it
-// is taken back and restarts them with the method static. Reports clients that still run.
-void EndClientsOf(const JournalEntry& entry, const Device& device, Report& report);
+// is taken back and restarts them with the method static. Reports clients that still run. Returns
+// the interfaces that it has taken down.
+std::vector<std::string> EndClientsOf(const JournalEntry& entry, const Device& device,
+                                      Report& report);
 
 }  // namespace velkctl
 

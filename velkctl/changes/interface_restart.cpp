@@ -9,8 +9,10 @@
 #include <thread>
 #include <utility>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/changes/restart_result.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/files/dhcp_client.h"
 #include "velkctl/files/interface_state.h"

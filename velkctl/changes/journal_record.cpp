@@ -4,18 +4,23 @@
 // journal_record.cpp - the state before a change, kept in the journal.
 #include "velkctl/changes/journal_record.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <thread>
 
+#include "velkctl/call/device.h"
+#include "velkctl/changes/change_set.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/journal/expected_images.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
-
-constexpr std::chrono::milliseconds kPause{250};
 
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
@@ -25,18 +30,25 @@ BeginFailure FailureOf(int error) {
     return {JournalProblem("apply: the change was not begun", error), StatusOfJournal(error)};
 }
 
-}  // namespace
-
-// Tries again while another program changes settings.
-int JournalRecord::BeginEntry(const ChangePlan& plan, const Device& device) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(limits_.wait_seconds);
-    int error = change_.Begin(plan, device);
-    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(kPause);
-        error = change_.Begin(plan, device);
-    }
-    return error;
+// True if a setting with another value than before is in the file. The change makes also sets of
+// values that the device has, in case that another step switches them.
+bool IsAltered(const std::string& path, const JournalEntry& entry) {
+    return std::ranges::any_of(entry.steps, [&](const Step& step) {
+        return step.old_value != step.new_value && IsChangedBy(path, step.setting.row->id);
+    });
 }
+
+bool IsInFiles(const std::vector<Step>& steps) {
+    return std::ranges::all_of(
+        steps, [](const Step& step) { return step.setting.row->held_in.holder == Holder::kFile; });
+}
+
+size_t CountChanges(const std::vector<Step>& steps) {
+    const auto is_change = [](const Step& step) { return step.old_value != step.new_value; };
+    return static_cast<size_t>(std::ranges::count_if(steps, is_change));
+}
+
+}  // namespace
 
 // A failing journal is found by the next state.
 void JournalRecord::Expect() {
@@ -44,6 +56,23 @@ void JournalRecord::Expect() {
         problem->message.insert(0, "the files after this change are not known before it: ");
         report_.Note(*problem);
     }
+    for (const FileImage& image : change_.entry().after) {
+        if (IsAltered(image.path, change_.entry())) {
+            expected_.push_back(image.path);
+        }
+    }
+}
+
+// The library does not notice a tool that cannot write a file, and not every file is read back.
+std::optional<Problem> JournalRecord::FindUnwritten() const {
+    for (const FileImage& before : change_.entry().before) {
+        const bool is_expected = std::ranges::find(expected_, before.path) != expected_.end();
+        if (is_expected && ReadFileImage(before.path).HasContentsOf(before)) {
+            return Problem{.message = before.path + ": not written",
+                           .detail = "the library reported success, but the file is as before"};
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
@@ -53,28 +82,47 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
         return FailureOf(lock_.error());
     }
     const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
-    if (const int error = BeginEntry(plan, device); error != 0) {
+    if (const int error = change_.BeginWithin(limits_.wait_seconds, plan, device); error != 0) {
         return FailureOf(error);
     }
     Expect();
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
-        change_.Discard();
+        (void)change_.Discard();
         return FailureOf(error);
     }
     return std::nullopt;
 }
 
 std::optional<Problem> JournalRecord::Flush() {
+    if (std::optional<Problem> unwritten = FindUnwritten()) {
+        return unwritten;
+    }
     return ProblemOf("apply: the files could not be written to disk", change_.FlushFiles());
 }
 
+// A setting that cannot be read is set also if it has its value: undo would have nothing to do.
 std::optional<Problem> JournalRecord::Finish() {
     const int error = change_.RecordFiles();
+    if (error == 0 && change_.HasChangedNoFile() && IsInFiles(change_.entry().steps)) {
+        change_.Discard();
+        return std::nullopt;
+    }
     return ProblemOf("apply: the change could not be recorded",
                      error != 0 ? error : change_.Advance(EntryState::kConfirmed));
 }
 
+void JournalRecord::StepMade() {
+    ++made_;
+    (void)change_.RecordFiles();
+}
+
+// A step that was not made has nothing to put back. The steps after the changes set values again
+// that a change has switched.
 ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
+    if (made_ < CountChanges(change_.entry().steps)) {
+        change_.RecordSteps(made_);
+    }
+    (void)ExpectSteps(change_, limits_);
     return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
                                                                      : ExitStatus::kPartlyBack;
 }

@@ -5,12 +5,19 @@
 #ifndef VELKCTL_CHANGES_JOURNAL_RECORD_H_
 #define VELKCTL_CHANGES_JOURNAL_RECORD_H_
 
+#include <cstddef>
 #include <optional>
+#include <string>
+#include <vector>
 
+#include "velkctl/call/device.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/change_record.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/open_change.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 
 namespace velkctl {
 
@@ -25,19 +32,21 @@ class JournalRecord final : public ChangeRecord {
     std::optional<BeginFailure> Begin(const ChangeSet& steps,
                                       const std::vector<std::string>& restarts,
                                       const Device& device) override;
-    void StepMade() override { (void)change_.RecordFiles(); }
+    void StepMade() override;
     std::optional<Problem> Flush() override;
     std::optional<Problem> Finish() override;
     ExitStatus TakeBack(const Device& device, Report& report) override;
 
   private:
-    int BeginEntry(const ChangePlan& plan, const Device& device);
     void Expect();
+    std::optional<Problem> FindUnwritten() const;
 
     const TimeLimits limits_;
     Report& report_;
     const JournalLock lock_;
+    size_t made_ = 0;  // steps
     OpenChange change_;
+    std::vector<std::string> expected_;  // the files that the change will alter
 };
 
 }  // namespace velkctl

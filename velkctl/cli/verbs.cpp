@@ -111,7 +111,7 @@ constexpr std::array<VerbFlag, 5> kRestartFlags{{
     kDryRun,
 }};
 
-constexpr std::array<Verb, 18> kVerbs{{
+constexpr std::array<Verb, 19> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -345,6 +345,22 @@ constexpr std::array<Verb, 18> kVerbs{{
      kSelftestOptions,
      kJsonFlags,
      RunSelftest},
+    {"capture",
+     "FILE|- [OPTION...]",
+     "write all that the library reads on this device to a file",
+     "FILE is an uncompressed tar archive of the device's files, the outputs of its\n"
+     "tools and the values of all settings. - writes it to standard output. Each\n"
+     "character of a secret is replaced by 0. 'velk-sandbox --rootfs FILE' simulates\n"
+     "the device.\n"
+     "\n"
+     "Items that cannot be read are named; the exit status is 0 even so.\n"
+     "\n"
+     "Example:\n"
+     "  velkctl capture device.tar",
+     {.least = 1, .most = 1},
+     kReadOptions,
+     kJsonFlags,
+     RunCapture},
     {"undo",
      "[ID] [OPTION...]",
      "take back a change of settings",

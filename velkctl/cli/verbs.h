@@ -115,6 +115,7 @@ ExitStatus RunUndo(const Invocation& invocation, Report& report);
 ExitStatus RunHistory(const Invocation& invocation, Report& report);
 ExitStatus RunRecover(const Invocation& invocation, Report& report);
 ExitStatus RunSelftest(const Invocation& invocation, Report& report);
+ExitStatus RunCapture(const Invocation& invocation, Report& report);
 
 }  // namespace velkctl
 

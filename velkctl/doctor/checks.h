@@ -8,6 +8,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "velkctl/doctor/finding.h"
 #include "velkctl/files/text_file.h"
@@ -52,6 +53,8 @@ Findings CheckMarks(const Finding& about, std::string_view line, size_t position
 Findings ValueLineOf(const Setting& setting);
 
 Findings CheckTools();
+// Returns the names and paths of the tools that the library runs, each once.
+std::vector<std::string> ToolNames();
 Findings CheckToolsFor(const Setting& setting);
 // Checks the tools that restart an interface. The library ignores their exit status.
 Findings CheckRestartTools();

@@ -5,7 +5,11 @@
 #include "lib/base/paths.h"
 #include "lib/ipconf/interfaces_file.h"
 #include "velkctl/doctor/checks.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/files/dhcp_client.h"
+#include "velkctl/files/text_file.h"
+#include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {

@@ -211,6 +211,16 @@ Findings CheckTools() {
     return CheckToolsWhere([](const Tool&) { return true; });
 }
 
+std::vector<std::string> ToolNames() {
+    std::vector<std::string> names;
+    for (const Tool& tool : kTools) {
+        if (names.empty() || names.back() != tool.name) {
+            names.emplace_back(tool.name);
+        }
+    }
+    return names;
+}
+
 Findings CheckToolsFor(const Setting& setting) {
     return CheckToolsWhere([&](const Tool& tool) { return Includes(tool.affected(), setting); });
 }

@@ -12,6 +12,7 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/unique_fd.h"
+#include "velkctl/report/report.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -29,7 +30,7 @@ FileText ReadToEnd(int fd) {
     size_t length = 0;
     ssize_t count = 1;
     while (count > 0 && length < text.bytes.size()) {
-        count = TEMP_FAILURE_RETRY(read(fd, &text.bytes[length], text.bytes.size() - length));
+        count = velk::ReadSome(fd, &text.bytes[length], text.bytes.size() - length);
         length += count > 0 ? static_cast<size_t>(count) : 0;
     }
     text.problem = count < 0 ? strerror(errno) : "";

@@ -168,7 +168,7 @@ SettingsDocument ReadDocument(std::string_view text, const std::string& name) {
     return reader.TakeDocument();
 }
 
-Problem ProblemOf(const DocumentSetting& setting, const std::string& name) {
+Problem ValueProblem(const DocumentSetting& setting, const std::string& name) {
     const std::string place = Printable(setting.pointer) + " in " + Printable(name);
     const std::string own = setting.setting.name();
     Problem problem{own + ": " + WithPlace(setting.parsed.problem, place), own};

@@ -39,7 +39,7 @@ struct SettingsDocument {
 SettingsDocument ReadDocument(std::string_view text, const std::string& name);
 
 // Returns the problem with the value of a setting. Only for a setting that has one.
-Problem ProblemOf(const DocumentSetting& setting, const std::string& name);
+Problem ValueProblem(const DocumentSetting& setting, const std::string& name);
 
 // Returns a document with these members of "settings" and "facts".
 Json MakeDocument(Json settings, Json facts);

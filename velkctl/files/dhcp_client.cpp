@@ -119,10 +119,12 @@ DhcpClient ReadDhcpClient(const std::string& interface) {
         if (!IsDhcpClient(ArgumentsIn(command_line))) {
             continue;
         }
-        const TextFile file = ReadTextFile(LeaseFileOf(command_line, interface));
+        const std::string lease_file = LeaseFileOf(command_line, interface);
+        const TextFile file = ReadTextFile(lease_file);
         if (IsDhcpClientFor(command_line, interface)) {
             client.is_running = true;
             client.process_id = process.id;
+            client.lease_file = lease_file;
             client.is_lease_known |= file.state == FileState::kText;
         }
         const std::optional<Lease> lease = LeaseIn(file.lines, interface, now);

@@ -25,6 +25,7 @@ struct Lease {
 struct DhcpClient {
     bool is_running = false;
     int process_id = 0;            // one of those that run; 0: none
+    std::string lease_file{};      // its own
     bool is_lease_known = false;   // false if its lease file cannot be read
     std::optional<Lease> lease{};  // nothing if it has none, or it has expired
 };

@@ -6,6 +6,9 @@
 #include "velkctl/files/file_image.h"
 
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <thread>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,6 +22,10 @@ namespace velkctl {
 namespace {
 
 constexpr mode_t kPermissions = 07777;
+
+// Others have the file open for this time at most, as a rule.
+constexpr int kLeaseTries = 50;
+constexpr std::chrono::milliseconds kLeasePause{2};
 
 std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
@@ -57,18 +64,75 @@ int WriteBytes(const velk::UniqueFd& fd, const std::string& bytes) {
     return is_written ? 0 : errno;
 }
 
+// While the descriptor is open, the kernel lets a program wait that opens the file. Then it sends a
+// signal; the usual one would end this process. Fails while another program has the file open.
+void TakeLease(int fd) {
+    (void)fcntl(fd, F_SETSIG, SIGURG);
+    for (int i = 0; i < kLeaseTries && fcntl(fd, F_SETLEASE, F_WRLCK) == -1; ++i) {
+        if (errno != EAGAIN) {
+            return;  // not every file system has leases
+        }
+        std::this_thread::sleep_for(kLeasePause);
+    }
+}
+
+bool HasBytes(int fd, const std::string& bytes) {
+    std::string found(bytes.size() + 1, '\0');
+    size_t size = 0;
+    ssize_t part = 0;
+    do {
+        part = velk::ReadSome(fd, found.data() + size, found.size() - size);
+        size += part > 0 ? static_cast<size_t>(part) : 0;
+    } while (part > 0 && size < found.size());
+    return part != -1 && size == bytes.size() && found.starts_with(bytes);
+}
+
+// False if an editor has put another file in its place.
+bool IsStillAt(int fd, const std::string& path) {
+    struct stat open_file {};
+    struct stat named {};
+    return fstat(fd, &open_file) == 0 && stat(path.c_str(), &named) == 0 &&
+           open_file.st_dev == named.st_dev && open_file.st_ino == named.st_ino;
+}
+
+bool HasContents(int fd, const FileImage& now) {
+    return now.exists && now.error == 0 && HasBytes(fd, now.bytes) && IsStillAt(fd, now.path);
+}
+
 int Create(const FileImage& image) {
     const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     const velk::UniqueFd fd(open(image.path.c_str(), flags, 0600));
     if (fd.get() == -1) {
-        return errno;
+        return errno == EEXIST ? ESTALE : errno;
     }
     const int error = AdoptOwner(fd.get(), image);
     return error != 0 ? error : WriteBytes(fd, image.bytes);
 }
 
-int Remove(const std::string& path) {
-    return unlink(path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
+int Replace(const FileImage& image, const FileImage& now) {
+    const velk::UniqueFd fd(open(image.path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    if (fd.get() == -1) {
+        return errno == ENOENT ? ESTALE : errno;
+    }
+    TakeLease(fd.get());
+    if (!HasContents(fd.get(), now)) {
+        return ESTALE;
+    }
+    (void)lseek(fd.get(), 0, SEEK_SET);
+    const int error = WriteBytes(fd, image.bytes);
+    return error != 0 || IsStillAt(fd.get(), image.path) ? error : ESTALE;
+}
+
+int Remove(const FileImage& now) {
+    const velk::UniqueFd fd(open(now.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (fd.get() == -1) {
+        return errno == ENOENT ? 0 : errno;
+    }
+    TakeLease(fd.get());
+    if (!HasContents(fd.get(), now)) {
+        return ESTALE;
+    }
+    return unlink(now.path.c_str()) == 0 ? 0 : errno;
 }
 
 int Flush(const std::string& path, int flags) {
@@ -98,18 +162,14 @@ FileImage ReadFileImage(const std::string& path) {
     return image;
 }
 
-int WriteFileImage(const FileImage& image) {
+int WriteFileImage(const FileImage& image, const FileImage& now) {
     if (!image.exists) {
-        return Remove(image.path);
+        return Remove(now);
     }
     if (const int error = CheckRoom(FolderOf(image.path), image.bytes.size()); error != 0) {
         return error;
     }
-    const velk::UniqueFd fd(open(image.path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    if (fd.get() != -1) {
-        return WriteBytes(fd, image.bytes);
-    }
-    return errno == ENOENT ? Create(image) : errno;
+    return now.exists ? Replace(image, now) : Create(image);
 }
 
 int RestoreOwner(const FileImage& image) {

@@ -31,8 +31,11 @@ FileImage ReadFileImage(const std::string& path);
 
 // Gives the file the bytes of the image in place: inode, owner and mode stay. Makes a missing file
 // with the image's mode and owner. Removes the file if the image has none. First makes sure that
-// the disk has room for the bytes. Returns 0 or errno; the file is not on disk until FlushFile().
-int WriteFileImage(const FileImage& image);
+// the disk has room for the bytes. Writes only if the file has the contents of `now`: ESTALE means
+// that another program has written it meanwhile. Where the file system has leases, other programs
+// that open the file wait until it is written. Returns 0 or errno; the file is not on disk until
+// FlushFile().
+int WriteFileImage(const FileImage& image, const FileImage& now);
 
 // Gives an existing file the image's mode and, if the caller may, its owner. Returns 0 or errno.
 int RestoreOwner(const FileImage& image);

@@ -8,21 +8,64 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/call/answer.h"
+#include "velkctl/files/file_image.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/put_back.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/setting_change.h"
+#include "velkctl/settings/value_kind.h"
 
 namespace velkctl {
 namespace {
 
+bool IsInFile(const Step& step) {
+    return step.setting.row->held_in.holder == Holder::kFile && step.new_value;
+}
+
+// An apply sets such a value only if another step has switched it.
+bool IsKept(const JournalEntry& entry, const Step& step) {
+    return entry.kind == EntryKind::kApply && step.old_value == step.new_value;
+}
+
 // The steps that change files and have a known value.
 std::vector<TrialStep> FileSteps(const JournalEntry& entry) {
-    std::vector<SettingChange> changes;
+    std::vector<TrialStep> steps;
     for (const Step& step : entry.steps) {
-        if (step.setting.row->held_in.holder == Holder::kFile && step.new_value) {
-            changes.push_back({step.setting, *step.new_value});
+        if (IsInFile(step) && !IsKept(entry, step)) {
+            steps.push_back(StepOf({step.setting, *step.new_value}));
         }
     }
-    return StepsOf(changes);
+    return steps;
+}
+
+bool Holds(const Answer& answer, const Step& step) {
+    const ValueKind& kind = *step.setting.row->kind;
+    return answer.ok() && kind.Print(answer.data) == kind.Print(*step.new_value);
+}
+
+// Returns the steps, then those that set a switched value again.
+std::vector<TrialStep> WithSwitchedBack(const JournalEntry& entry, std::vector<TrialStep> steps,
+                                        const TimeLimits& limits) {
+    const size_t first = steps.size();
+    std::vector<Step> kept;
+    std::vector<TrialStep> gets = steps;
+    for (const Step& step : entry.steps) {
+        if (IsInFile(step) && IsKept(entry, step)) {
+            kept.push_back(step);
+            const std::string interface(step.setting.interface);
+            gets.push_back({VELK_GET, step.setting.row->id, interface, {}, /*is_check=*/true});
+        }
+    }
+    const TrialRun run = kept.empty() ? TrialRun() : RunTrial(gets, limits, entry.before);
+    for (size_t i = first; i < run.answers.size(); ++i) {
+        const Step& step = kept[i - first];
+        if (!Holds(run.answers[i], step)) {
+            steps.push_back(StepOf({step.setting, *step.new_value}));
+        }
+    }
+    return steps;
 }
 
 // Returns the images that differ from those before the change.
@@ -37,8 +80,49 @@ std::vector<FileImage> ChangedFiles(const TrialRun& run, const JournalEntry& ent
     return changed;
 }
 
-std::optional<Problem> Expect(OpenChange& change, const std::vector<TrialStep>& steps,
-                              const TimeLimits& limits) {
+bool HasFile(const JournalEntry& entry, bool (*is_meant)(FileCase found)) {
+    return std::ranges::any_of(entry.before, [&](const FileImage& before) {
+        return is_meant(CompareFile(ReadFileImage(before.path), entry));
+    });
+}
+
+bool HasUnknownFile(const JournalEntry& entry) {
+    return HasFile(entry, [](FileCase found) { return found == FileCase::kOther; });
+}
+
+bool HasChangedFile(const JournalEntry& entry) {
+    return HasFile(entry, [](FileCase found) { return found != FileCase::kOld; });
+}
+
+// Adds the files after these steps. Returns the problem if no trial is possible.
+std::optional<Problem> AddImages(JournalEntry& entry, const std::vector<TrialStep>& steps,
+                                 const TimeLimits& limits) {
+    TrialRun run = RunTrial(steps, limits, entry.before);
+    if (!run.problem) {
+        for (FileImage& image : ChangedFiles(run, entry)) {
+            AddAfter(entry, std::move(image));
+        }
+    }
+    return std::move(run.problem);
+}
+
+// An undo writes the bytes of an earlier entry, which its steps may not make.
+JournalEntry WithoutForeignImages(JournalEntry entry) {
+    if (entry.kind != EntryKind::kUndo) {
+        entry.after.clear();
+        entry.between.clear();
+    }
+    return entry;
+}
+
+}  // namespace
+
+std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits) {
+    const std::vector<TrialStep> changes = FileSteps(change.entry());
+    if (changes.empty()) {
+        return std::nullopt;
+    }
+    const std::vector<TrialStep> steps = WithSwitchedBack(change.entry(), changes, limits);
     TrialRun run = RunTrial(steps, limits, change.entry().before);
     if (!run.problem) {
         (void)change.Expect(ChangedFiles(run, change.entry()));
@@ -46,31 +130,29 @@ std::optional<Problem> Expect(OpenChange& change, const std::vector<TrialStep>& 
     return std::move(run.problem);
 }
 
-bool HasUnknownFile(const JournalEntry& entry) {
-    return std::ranges::any_of(entry.before, [&](const FileImage& before) {
-        return CompareFile(ReadFileImage(before.path), entry) == FileCase::kOther;
-    });
-}
-
-}  // namespace
-
-std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits) {
-    const std::vector<TrialStep> steps = FileSteps(change.entry());
-    return steps.empty() ? std::nullopt : Expect(change, steps, limits);
-}
-
 std::optional<Problem> ExpectSteps(OpenChange& change, const TimeLimits& limits) {
-    if (!HasUnknownFile(change.entry())) {
+    if (!HasChangedFile(change.entry())) {
         return std::nullopt;
     }
+    JournalEntry entry = WithoutForeignImages(change.entry());
     std::vector<TrialStep> steps;
-    for (const TrialStep& step : FileSteps(change.entry())) {
+    for (const TrialStep& step : WithSwitchedBack(entry, FileSteps(entry), limits)) {
         steps.push_back(step);
-        if (std::optional<Problem> problem = Expect(change, steps, limits)) {
-            return problem;
+        if (std::optional<Problem> problem = AddImages(entry, steps, limits)) {
+            return HasUnknownFile(change.entry()) ? std::move(problem) : std::nullopt;
         }
     }
+    change.UseImages(std::move(entry));
     return std::nullopt;
+}
+
+JournalEntry WithOwnImages(const JournalEntry& entry) {
+    const std::vector<TrialStep> steps = FileSteps(entry);
+    if (entry.kind == EntryKind::kUndo || steps.empty() || !HasChangedFile(entry)) {
+        return entry;
+    }
+    JournalEntry own = WithoutForeignImages(entry);
+    return AddImages(own, WithSwitchedBack(entry, steps, {}), {}) ? entry : own;
 }
 
 }  // namespace velkctl

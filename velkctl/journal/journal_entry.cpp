@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <stdexcept>
 #include <utility>
 
@@ -196,12 +197,31 @@ void ReadFrame(const Frame& frame, JournalEntry& entry) {
     }
 }
 
+bool HasAnyState(std::string_view bytes, std::initializer_list<EntryState> states) {
+    return std::ranges::any_of(states, [bytes](EntryState state) {
+        return bytes.find(EncodeState(state)) != std::string_view::npos;
+    });
+}
+
+// A cut loses the end of an entry and nothing before it. After a damaged frame, a state says that
+// the change was begun, or even that it is finished.
+bool HidesState(std::string_view lost, EntryHealth health) {
+    const bool is_closed =
+        HasAnyState(lost, {EntryState::kDone, EntryState::kConfirmed, EntryState::kReverted});
+    return is_closed || (health == EntryHealth::kTorn &&
+                         HasAnyState(lost, {EntryState::kApplying, EntryState::kWaiting,
+                                            EntryState::kReverting, EntryState::kStuck}));
+}
+
 bool HasState(const FrameList& list) {
     return std::ranges::any_of(list.frames,
                                [](const Frame& frame) { return frame.kind == FrameKind::kState; });
 }
 
 void DecodeFramesInto(const FrameList& list, DecodedEntry& decoded) {
+    if (list.frames.empty()) {
+        return;
+    }
     const Json header = Parse(list.frames.front().payload);
     if (header.at("schema").get<int>() > kSchema) {
         decoded.health = EntryHealth::kLater;
@@ -264,12 +284,14 @@ DecodedEntry DecodeEntry(std::string_view bytes) {
     const FrameList list = DecodeFrames(bytes);
     DecodedEntry decoded;
     decoded.valid_length = list.valid_length;
-    if (list.frames.empty()) {
-        return decoded;
-    }
     try {
         DecodeFramesInto(list, decoded);
     } catch (const std::exception&) {
+        const bool is_later = decoded.health == EntryHealth::kLater;
+        decoded.health = is_later ? EntryHealth::kLater : EntryHealth::kDamaged;
+    }
+    if (decoded.health != EntryHealth::kLater &&
+        HidesState(bytes.substr(list.valid_length), decoded.health)) {
         decoded.health = EntryHealth::kDamaged;
     }
     return decoded;

@@ -81,7 +81,7 @@ enum class EntryHealth {
     kWhole,
     kTorn,     // its beginning was not written in full: nothing was begun
     kLater,    // a later velkctl has made it
-    kDamaged,  // its frames are whole and make no sense
+    kDamaged,  // its frames make no sense, or one is damaged in front of others
 };
 
 struct DecodedEntry {

@@ -180,7 +180,7 @@ EntryFile::EntryFile(JournalEntry& entry) {
     entry.id = name.id;
     Append(EncodeEntry(entry));
     if (error_ != 0) {
-        Remove();
+        (void)Remove();
     }
 }
 
@@ -199,27 +199,39 @@ void EntryFile::Take(const std::string& path, int flags) {
     error_ = fd_.get() == -1 || flock(fd_.get(), LOCK_EX) == -1 ? errno : 0;
 }
 
-// A part of a frame is a torn tail, which readers ignore.
 void EntryFile::Append(const std::string& frames) {
-    if (error_ == 0 && !velk::WriteAll(fd_.get(), frames)) {
+    if (error_ != 0) {
+        return;
+    }
+    last_append_ = lseek(fd_.get(), 0, SEEK_CUR);
+    if (!velk::WriteAll(fd_.get(), frames)) {
         error_ = errno;
+        TakeBackAppend();
     }
 }
 
+// A state that may not be on disk must not count: its change is not finished.
 void EntryFile::Sync() {
-    if (error_ == 0 && fsync(fd_.get()) == -1) {
-        error_ = errno;
+    if (error_ != 0) {
+        return;
     }
+    error_ = fsync(fd_.get()) == -1 ? errno : 0;
     if (error_ == 0 && !is_folder_synced_) {
         error_ = SyncFolder(velk::kJournalFolder);
         is_folder_synced_ = true;
     }
+    if (error_ != 0) {
+        TakeBackAppend();
+    }
 }
 
-void EntryFile::Remove() {
-    if (fd_.get() != -1) {
-        (void)unlink(path_.c_str());
-    }
+// Without it, a part of a frame is a torn tail, which readers ignore.
+void EntryFile::TakeBackAppend() {
+    [[maybe_unused]] const int is_kept = ftruncate(fd_.get(), last_append_);
+}
+
+bool EntryFile::Remove() {
+    return fd_.get() != -1 && unlink(path_.c_str()) == 0;
 }
 
 JournalListing ReadJournal() {

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 #include "lib/base/unique_fd.h"
 #include "velkctl/journal/journal_entry.h"
 
@@ -53,15 +55,18 @@ class EntryFile {
     void Append(const std::string& frames);
     // Writes the file to disk, and the folder the first time.
     void Sync();
-    // Removes the file, for a change that has changed nothing.
-    void Remove();
+    // Removes the file, for a change that has changed nothing. Returns false if it stays.
+    bool Remove();
 
   private:
     void Take(const std::string& path, int flags);
+    // Removes the frames of the last Append().
+    void TakeBackAppend();
 
     std::string path_;
     velk::UniqueFd fd_;
     int error_ = 0;
+    off_t last_append_ = 0;  // the place of its frames
     bool is_folder_synced_ = false;
 };
 

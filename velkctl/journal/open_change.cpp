@@ -6,16 +6,22 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
+#include <thread>
 
 #include <unistd.h>
 
 #include "lib/base/paths.h"
 #include "lib/wired/link_settings.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/text/data_bytes.h"
 
 namespace velkctl {
 namespace {
@@ -23,6 +29,7 @@ namespace {
 constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
 // A daemon or log that is stuck does not delay the change for longer: it is likely to fail anyway.
 constexpr int kReadSeconds = 5;
+constexpr std::chrono::milliseconds kLockPause{50};
 constexpr int64_t kMilliseconds = 1000;
 constexpr int64_t kNanosecondsOfOne = 1'000'000;
 
@@ -37,18 +44,18 @@ bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
         steps, [&](const Step& step) { return IsChangedBy(file, step.setting.row->id); });
 }
 
-std::vector<FileImage> ImagesBefore(const std::vector<Step>& steps) {
+std::vector<FileImage> ImagesBefore(const ChangePlan& plan) {
     std::vector<FileImage> images;
     for (const DeviceFile& file : DeviceFiles()) {
-        if (IsTouched(file, steps)) {
+        if (IsTouched(file, plan.steps)) {
             images.push_back(ReadFileImage(file.path));
         }
     }
-    // A set of ntp removes the log. The library notes old addresses in /tmp, where anybody can
-    // write: that file is not kept.
+    // A set of ntp removes the log, and an undo puts it back. The library notes old addresses in
+    // /tmp, where anybody can write: that file is not kept.
     const auto is_ntp = [](const Step& step) { return step.setting.row->id == VELK_CMD_NTP; };
     if (FileImage log = ReadFileImage(velk::kNtpLog);
-        log.exists && std::ranges::any_of(steps, is_ntp)) {
+        (log.exists || plan.kind == EntryKind::kUndo) && std::ranges::any_of(plan.steps, is_ntp)) {
         images.push_back(std::move(log));
     }
     return images;
@@ -131,7 +138,8 @@ std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes) {
 
 OpenChange::OpenChange(const StoredEntry& stored)
     : entry_(stored.decoded.entry),
-      file_(std::make_unique<EntryFile>(stored.path, stored.decoded.valid_length)) {
+      file_(std::make_unique<EntryFile>(stored.path, stored.decoded.valid_length)),
+      has_lost_frame_(stored.size > stored.decoded.valid_length) {
 }
 
 int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
@@ -141,7 +149,7 @@ int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
         if (lock.is_busy()) {
             return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
         }
-        entry.before = ImagesBefore(plan.steps);
+        entry.before = ImagesBefore(plan);
     }
     for (const Step& step : plan.steps) {
         entry.steps.push_back(
@@ -156,6 +164,16 @@ int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
     entry_ = std::move(entry);
     file_ = std::move(file);
     return 0;
+}
+
+int OpenChange::BeginWithin(int wait_seconds, const ChangePlan& plan, const Device& device) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds);
+    int error = Begin(plan, device);
+    while (error == EWOULDBLOCK && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(kLockPause);
+        error = Begin(plan, device);
+    }
+    return error;
 }
 
 int OpenChange::Advance(EntryState state) {
@@ -173,6 +191,11 @@ int OpenChange::Expect(const std::vector<FileImage>& images) {
         AddAfter(entry_, image);
     }
     return file_->error();
+}
+
+void OpenChange::UseImages(JournalEntry entry) {
+    entry_.after = std::move(entry.after);
+    entry_.between = std::move(entry.between);
 }
 
 int OpenChange::RecordFiles() {
@@ -209,9 +232,10 @@ bool OpenChange::HasChangedNoFile() const {
     });
 }
 
-void OpenChange::Discard() {
-    file_->Remove();
+bool OpenChange::Discard() {
+    const bool is_removed = file_->Remove();
     file_.reset();
+    return is_removed;
 }
 
 }  // namespace velkctl

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "velkctl/call/device.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/settings/setting_change.h"
@@ -42,7 +43,11 @@ class OpenChange {
     // changing settings; nothing is written, and the call can be repeated. EBUSY: the library's
     // lock cannot be used by this user.
     int Begin(const ChangePlan& plan, const Device& device);
+    // The same, but tries again for so many seconds while another program is changing settings.
+    int BeginWithin(int wait_seconds, const ChangePlan& plan, const Device& device);
     bool is_begun() const { return file_ != nullptr; }
+    // True if a frame at the end of the continued entry is cut or damaged.
+    bool has_lost_frame() const { return has_lost_frame_; }
     // Returns the id of the change before this one if Begin() has found it interrupted; else
     // nothing.
     const std::string& interrupted() const { return interrupted_; }
@@ -51,6 +56,8 @@ class OpenChange {
     int Advance(EntryState state);
     // Records the files as they will be, as a trial run has found them.
     int Expect(const std::vector<FileImage>& images);
+    // Takes these images of the files after the change. The entry on disk keeps its own.
+    void UseImages(JournalEntry entry);
     // Records the files as they are after the steps so far. Not on disk before the next Advance().
     int RecordFiles();
     // Records that only the first steps of the entry were made. Not on disk before the next
@@ -60,8 +67,8 @@ class OpenChange {
     int FlushFiles() const;
     // True if the recorded files are as before the change.
     bool HasChangedNoFile() const;
-    // Removes the entry, for a change that has changed nothing.
-    void Discard();
+    // Removes the entry, for a change that has changed nothing. Returns false if it stays.
+    bool Discard();
 
     const JournalEntry& entry() const { return entry_; }
 
@@ -69,6 +76,7 @@ class OpenChange {
     JournalEntry entry_;
     std::unique_ptr<EntryFile> file_;
     std::string interrupted_;
+    bool has_lost_frame_ = false;
 };
 
 }  // namespace velkctl

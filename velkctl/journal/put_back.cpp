@@ -8,14 +8,22 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <utility>
 
 #include <unistd.h>
 
 #include "lib/base/paths.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/files/tool_run.h"
+#include "velkctl/journal/copy_trial.h"
+#include "velkctl/journal/journal_problem.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
 
 namespace velkctl {
@@ -24,6 +32,8 @@ namespace {
 constexpr std::chrono::seconds kAgentTime{30};
 // A set of another program ends within this time.
 constexpr int kSetSeconds = 2;
+// Another program that writes a file again and again is overtaken by one of so many tries.
+constexpr int kCopyTries = 10;
 
 // True if the file has a part of the image. After a power cut, any block that was not written may
 // read as NULs.
@@ -114,12 +124,6 @@ Problem Left(std::string subject, std::string detail) {
     return {.message = std::move(subject) + ": not put back", .detail = std::move(detail)};
 }
 
-bool ChangesFile(const Setting& setting, std::string_view path) {
-    return std::ranges::any_of(DeviceFiles(), [&](const DeviceFile& file) {
-        return file.path == path && IsChangedBy(file, setting.row->id);
-    });
-}
-
 bool IsSame(const Setting& setting, const Data& one, const Data& other) {
     return setting.row->kind->Print(one) == setting.row->kind->Print(other);
 }
@@ -167,7 +171,7 @@ class Values {
 
 // True if bytes cannot put the setting back: it is not in a file, or in one of these.
 bool NeedsLibrary(const Setting& setting, const std::vector<std::string>& foreign) {
-    const auto is_in = [&](const std::string& path) { return ChangesFile(setting, path); };
+    const auto is_in = [&](const std::string& path) { return IsChangedBy(path, setting.row->id); };
     return setting.row->held_in.holder != Holder::kFile || std::ranges::any_of(foreign, is_in);
 }
 
@@ -196,20 +200,34 @@ bool HasLostOwner(const FileImage& now, const FileImage& before, const JournalEn
     return !entry.is_closed() && now.exists && before.exists && !is_same;
 }
 
+bool HasSameContents(const FileImage& now, const std::vector<FileImage>& images) {
+    const auto same = std::ranges::find(images, now.path, &FileImage::path);
+    return same == images.end() || now.HasContentsOf(*same);
+}
+
+bool ChangesAgent(const CopyTrial& trial) {
+    return std::ranges::find(trial.then, velk::kSnmpFile, &FileImage::path) != trial.then.end();
+}
+
 // Puts one entry back. The steps of it are members because they share the result.
 class Work {
   public:
     Work(const JournalEntry& entry, PutBackOptions options, const Device& device)
-        : entry_(entry), options_(options), device_(device), values_(device) {}
+        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
     void WriteFile(const FileImage& now);
+    int GiveBack(const FileImage& now, FileCase found) const;
+    void LeaveFile(const std::string& path, int error);
+    bool WasWrittenSinceBegin(const FileImage& now) const;
     void SetValues();
     void SetValue(const Step& step);
     std::string SetOldValue(const Step& step);
+    std::optional<std::string> SetInCopy(const Step& step);
+    std::string SetByLibrary(const Step& step);
     void FlushFiles();
 
     const JournalEntry& entry_;
@@ -226,22 +244,24 @@ PutBackResult Work::Run() {
     if (result_.is_locked) {
         return std::move(result_);
     }
+    SetValues();
     // The agent reads its file at its start only.
     if (restarts_agent_) {
         (void)RunTool({"sudo", velk::kSnmpScript, "restart"}, kAgentTime);
     }
-    SetValues();
     FlushFiles();
     return std::move(result_);
 }
 
 void Work::WriteFiles() {
-    (void)AwaitLibraryLock(kSetSeconds);
     const StopSignals signals;
-    const LibraryLock lock;
+    const LibraryLock lock(kSetSeconds);
     result_.is_locked = lock.is_busy();
     if (result_.is_locked) {
         return;
+    }
+    if (options_.first) {
+        options_.first();
     }
     for (const FileImage& before : entry_.before) {
         WriteFile(ReadFileImage(before.path));
@@ -250,15 +270,18 @@ void Work::WriteFiles() {
 
 void Work::WriteFile(const FileImage& now) {
     const FileCase found = CompareFile(now, entry_);
-    if (IsForeign(now, found)) {
+    if (IsForeign(now, found) || WasWrittenSinceBegin(now)) {
         foreign_.push_back(now.path);
         return;
     }
-    const FileImage& before = ImageBefore(now.path, entry_);
-    int error = found == FileCase::kOld ? 0 : WriteFileImage(before);
-    error = error == 0 && HasLostOwner(now, before, entry_) ? RestoreOwner(before) : error;
+    const int error = GiveBack(now, found);
+    if (error == ESTALE) {
+        foreign_.push_back(now.path);
+        return;
+    }
     if (error != 0) {
-        result_.left.push_back(Left(now.path, strerror(error)));
+        LeaveFile(now.path, error);
+        result_.has_changed = result_.has_changed || !ReadFileImage(now.path).HasContentsOf(now);
         return;
     }
     if (found == FileCase::kOld) {
@@ -266,6 +289,21 @@ void Work::WriteFile(const FileImage& now) {
     }
     result_.has_changed = true;
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
+}
+
+int Work::GiveBack(const FileImage& now, FileCase found) const {
+    const FileImage& before = ImageBefore(now.path, entry_);
+    const int error = found == FileCase::kOld ? 0 : WriteFileImage(before, now);
+    return error == 0 && HasLostOwner(now, before, entry_) ? RestoreOwner(before) : error;
+}
+
+void Work::LeaveFile(const std::string& path, int error) {
+    result_.left.push_back(Left(path, strerror(error)));
+    result_.has_disk_failed = true;
+}
+
+bool Work::WasWrittenSinceBegin(const FileImage& now) const {
+    return options_.begun_with != nullptr && !HasSameContents(now, *options_.begun_with);
 }
 
 void Work::SetValues() {
@@ -303,6 +341,34 @@ void Work::SetValue(const Step& step) {
 
 // Returns the reason of a failure; empty if the device holds the value.
 std::string Work::SetOldValue(const Step& step) {
+    const bool is_compared = step.setting.row->held_in.holder == Holder::kFile && !options_.force;
+    const std::optional<std::string> reason =
+        is_compared ? SetInCopy(step) : std::optional<std::string>();
+    return reason ? *reason : SetByLibrary(step);
+}
+
+// Another program may set the value after it was compared, and before the library sets it. Returns
+// nothing if only the library can set it.
+std::optional<std::string> Work::SetInCopy(const Step& step) {
+    for (int i = 0; i < kCopyTries; ++i) {
+        const std::optional<CopyTrial> trial =
+            TryInCopy(step.setting, *step.old_value, entry_.before);
+        if (!trial) {
+            return std::nullopt;
+        }
+        if (std::string obstacle = ObstacleOf(step, trial->held); !obstacle.empty()) {
+            return obstacle;
+        }
+        const int error = CarryOver(*trial);
+        restarts_agent_ = restarts_agent_ || (error == 0 && ChangesAgent(*trial));
+        if (error == 0 || (error != ESTALE && error != EWOULDBLOCK)) {
+            return error == 0 ? "" : strerror(error);
+        }
+    }
+    return "another program changes its file again and again";
+}
+
+std::string Work::SetByLibrary(const Step& step) {
     const Answer answer = device_.Set(step.setting, *step.old_value);
     if (!answer.ok()) {
         return FailureReason(answer);
@@ -315,8 +381,19 @@ std::string Work::SetOldValue(const Step& step) {
 void Work::FlushFiles() {
     for (const FileImage& before : entry_.before) {
         if (const int error = FlushFile(before.path); error != 0) {
-            result_.left.push_back(Left(before.path, strerror(error)));
+            LeaveFile(before.path, error);
         }
+    }
+}
+
+// Without room for the state, the entry is removed: otherwise a later run would take back settings
+// of others.
+void CloseTakenBack(OpenChange& change, Report& report) {
+    const int error = change.Advance(EntryState::kReverted);
+    if (error != 0 && !change.Discard()) {
+        report.Note(JournalProblem("the journal may call change " + change.entry().id +
+                                       " interrupted, although it is put back",
+                                   error));
     }
 }
 
@@ -350,32 +427,34 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
 }
 
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
-    return Work(entry, options, device).Run();
+    return Work(entry, std::move(options), device).Run();
 }
 
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report) {
-    if (change.entry().state == EntryState::kPrepared) {
-        (void)change.Advance(EntryState::kReverted);
+    // The lost frame may have been the state after this one.
+    if (change.entry().state == EntryState::kPrepared && !change.has_lost_frame()) {
+        CloseTakenBack(change, report);
         return {};
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
     (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), options, device);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device);
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
     if (!result.left.empty()) {
         (void)change.Advance(EntryState::kStuck);
     } else if (result.is_whole()) {
-        (void)change.Advance(EntryState::kReverted);
+        CloseTakenBack(change, report);
     }
     return result;
 }
 
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report) {
+ExitStatus RestartAll(const std::vector<std::string>& interfaces, const Device& device,
+                      Report& report) {
     ExitStatus status = ExitStatus::kDone;
-    for (const std::string& interface : entry.restarts) {
+    for (const std::string& interface : interfaces) {
         const Answer answer = device.Restart(interface, {});
         if (!answer.ok()) {
             report.Complain(ProblemOf(interface + ": could not be restarted", "", answer));

@@ -5,12 +5,15 @@
 #ifndef VELKCTL_JOURNAL_PUT_BACK_H_
 #define VELKCTL_JOURNAL_PUT_BACK_H_
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "velkctl/call/device.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/open_change.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
@@ -28,13 +31,17 @@ enum class FileCase {
 FileCase CompareFile(const FileImage& now, const JournalEntry& entry);
 
 struct PutBackOptions {
-    bool force = false;        // also replaces values that somebody has set since
-    bool skip_daemon = false;  // at a start, the wireless daemon does not run yet
+    bool force = false;             // also replaces values that somebody has set since
+    bool skip_daemon = false;       // at a start, the wireless daemon does not run yet
+    std::function<void()> first{};  // runs before the files are compared, under the library's lock
+    // The files as the entry of an undo has them. One that differs is that of another program.
+    const std::vector<FileImage>* begun_with = nullptr;
 };
 
 struct PutBackResult {
     bool is_locked = false;         // another program is changing settings; nothing was done
-    bool has_changed = false;       // a file or value was put back
+    bool has_changed = false;       // a file or value was put back, or a file was cut
+    bool has_disk_failed = false;   // a file could not be written, or not be written to disk
     bool waits_for_daemon = false;  // the daemon's values are still to be put back
     std::vector<Problem> left{};    // each item that could not be put back, with its reason
 
@@ -48,13 +55,15 @@ struct PutBackResult {
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
 
 // Takes back an unfinished change: state reverting, PutBack(), then state reverted, or stuck if
-// something is left. Reports the items that are left.
+// something is left. Removes the entry if all is back and the state cannot be written. Reports the
+// items that are left.
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report);
 
-// Restarts the interfaces that the change has restarted, so that they take the old settings.
-// Reports failures. Returns the status of the last one.
-ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report);
+// Restarts these interfaces, so that they take the settings in the files. Reports failures. Returns
+// the status of the last one.
+ExitStatus RestartAll(const std::vector<std::string>& interfaces, const Device& device,
+                      Report& report);
 
 // Returns each setting that PutBack() would leave as it is, without --force, and the reason.
 std::vector<Problem> FindObstacles(const JournalEntry& entry, const Device& device);

@@ -7,7 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "velkctl/call/answer.h"
+#include "velkctl/journal/journal_entry.h"
+#include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {
@@ -113,14 +117,14 @@ void SetRecord::Finish() {
     }
     is_finished_ = true;
     if (is_given_up_) {
-        change_.Discard();
+        (void)change_.Discard();
         return;
     }
     // The files are on disk before the entry is closed or removed. A file that was written again
     // with its old bytes can be cut like any other.
     const int flushed = change_.FlushFiles();
     if (flushed == 0 && change_.HasChangedNoFile() && !has_changed_value_) {
-        change_.Discard();
+        (void)change_.Discard();
         return;
     }
     Close(flushed);

@@ -7,7 +7,10 @@
 
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/watched_call.h"
+#include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/setting_change.h"

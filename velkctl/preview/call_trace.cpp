@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "velkctl/call/library_observer.h"
 #include "velkctl/preview/copy_plan.h"
 #include "velkctl/preview/preview_report.h"
 

@@ -18,9 +18,9 @@ constexpr std::string_view kBeforeName = " \t#";
 constexpr std::string_view kAfterName = " \t=:";
 
 // Parts of the names of secrets in the files of networks, the SNMP agent and others.
-constexpr std::array<std::string_view, 11> kSecretNames{
-    "psk",     "passw",      "passphrase", "secret",    "wireless-key", "community",
-    "com2sec", "createuser", "trapsink",   "trap2sink", "informsink"};
+constexpr std::array<std::string_view, 14> kSecretNames{
+    "psk",    "passw",     "passphrase", "secret",     "wireless-key", "wep-key",   "wep_key",
+    "wepkey", "community", "com2sec",    "createuser", "trapsink",     "trap2sink", "informsink"};
 
 bool IsSecretName(std::string_view name) {
     std::string lower(name);
@@ -28,16 +28,6 @@ bool IsSecretName(std::string_view name) {
                            [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return std::ranges::any_of(
         kSecretNames, [&](std::string_view part) { return lower.find(part) != std::string::npos; });
-}
-
-// Returns the place of the secret in a line; its length if it has none.
-size_t SecretIn(std::string_view line) {
-    const size_t begin = std::min(line.find_first_not_of(kBeforeName), line.size());
-    const size_t end = std::min(line.find_first_of(kAfterName, begin), line.size());
-    if (!IsSecretName(line.substr(begin, end - begin))) {
-        return line.size();
-    }
-    return std::min(line.find_first_not_of(kAfterName, end), line.size());
 }
 
 // A tab is usual in these files, and harmless.
@@ -55,6 +45,15 @@ std::string WithTabs(std::string_view line) {
 }
 
 }  // namespace
+
+size_t SecretIn(std::string_view line) {
+    const size_t begin = std::min(line.find_first_not_of(kBeforeName), line.size());
+    const size_t end = std::min(line.find_first_of(kAfterName, begin), line.size());
+    if (!IsSecretName(line.substr(begin, end - begin))) {
+        return line.size();
+    }
+    return std::min(line.find_first_not_of(kAfterName, end), line.size());
+}
 
 std::string MaskedLine(std::string_view line, size_t mark) {
     const size_t begin = std::min(mark, line.size());

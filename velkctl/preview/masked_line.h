@@ -15,6 +15,10 @@ namespace velkctl {
 // masked, also if it is a comment. `mark` is the number of characters before the line of a file.
 std::string MaskedLine(std::string_view line, size_t mark = 0);
 
+// Returns the place of the secret in a line that begins with its name; the line's length if it has
+// none.
+size_t SecretIn(std::string_view line);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_PREVIEW_MASKED_LINE_H_

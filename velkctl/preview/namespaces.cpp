@@ -78,9 +78,9 @@ void ShrinkBoundingSet() {
     }
 }
 
-// The rights of an ordinary user in his user namespace would open his own files to him against
-// their mode.
-void ShrinkOwnSet() {
+// In a user namespace an ordinary user has rights that open all of the user's files, against their
+// modes. Returns 0 or errno.
+int ShrinkOwnSet() {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
     (void)syscall(SYS_capget, &header, sets.data());
@@ -92,7 +92,7 @@ void ShrinkOwnSet() {
     sets[0].permitted &= kept;
     sets[0].inheritable = 0;
     sets[1] = {};
-    (void)syscall(SYS_capset, &header, sets.data());
+    return syscall(SYS_capset, &header, sets.data()) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -104,10 +104,13 @@ int EnterNamespaces() {
     return EnterUserNamespace();
 }
 
-void GiveUpRights() {
+int GiveUpRights() {
     ShrinkBoundingSet();
-    ShrinkOwnSet();
-    (void)prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    const int error = ShrinkOwnSet();
+    if (error != 0) {
+        return error;
+    }
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 ? 0 : errno;
 }
 
 std::string NamespaceAdvice(int error) {

@@ -13,8 +13,9 @@ namespace velkctl {
 // user gets a user namespace for that. Returns 0 or errno.
 int EnterNamespaces();
 
-// Gives up all rights but those of root on files, also for programs that are started.
-void GiveUpRights();
+// Gives up all rights but those of root on files, also for programs that are started. Returns 0 or
+// errno.
+int GiveUpRights();
 
 // Returns the advice for a user whom the kernel refused namespaces with this errno.
 std::string NamespaceAdvice(int error);

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "velk/request.h"
 #include "velk/wlan.h"
+#include "velkctl/call/command.h"
 #include "velkctl/preview/trial_line.h"
 
 namespace velkctl {

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "velkctl/call/command.h"
 #include "velkctl/call/library_observer.h"
 #include "velkctl/preview/event_log.h"
 

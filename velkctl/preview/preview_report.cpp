@@ -9,10 +9,12 @@
 #include <string_view>
 #include <utility>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/longest_wait.h"
 #include "velkctl/preview/changed_files.h"
 #include "velkctl/preview/library_steps.h"
 #include "velkctl/report/result_codes.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/text/escaping.h"
 #include <nlohmann/json.hpp>

@@ -5,7 +5,6 @@
 #include "velkctl/preview/private_copy.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <memory>
 #include <set>
@@ -17,7 +16,6 @@
 #include <limits.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "lib/base/file_io.h"
@@ -64,6 +62,15 @@ std::vector<std::string> NamesIn(int folder) {
     return names;
 }
 
+bool IsInFolder(const CopyPlan& plan, const PlannedFile& file) {
+    return velk::FindRow(plan.folders, file.folder, &PlannedFolder::path) != nullptr;
+}
+
+// True if the copy of the file is bound to its place.
+bool IsBound(const CopyPlan& plan, const PlannedFile& file) {
+    return file.image.exists && file.image.error == 0 && !IsInFolder(plan, file);
+}
+
 class CopyMaker {
   public:
     CopyMaker(const CopyPlan& plan, bool talks) : plan_(plan), talks_(talks) {}
@@ -81,7 +88,6 @@ class CopyMaker {
     void BindEntry(const Entry& entry, const std::string& path);
     void MirrorFolder(const PlannedFolder& folder);
     void MirrorEntry(const Entry& entry, const std::string& path);
-    bool IsInFolder(const PlannedFile& file) const;
     void MountStore();
     void MirrorFolders();
     void BindFiles();
@@ -118,7 +124,7 @@ void CopyMaker::MountTmpfs(const std::string& folder, mode_t mode) {
     }
 }
 
-// An ordinary user owns all files of the copy, so their modes express his rights.
+// An ordinary user owns all files of the copy, so their modes express the user's rights.
 void CopyMaker::WriteFile(const PlannedFile& file, const std::string& path) {
     if (has_failed()) {
         return;
@@ -170,7 +176,7 @@ void CopyMaker::MirrorEntry(const Entry& entry, const std::string& path) {
     }
 }
 
-// As with files, the mode of a folder that an ordinary user owns here expresses his rights.
+// As with files, the mode of a folder that an ordinary user owns here expresses the user's rights.
 void SetOwner(const PlannedFolder& folder) {
     const bool is_owned = chown(folder.path.c_str(), folder.facts.st_uid, folder.facts.st_gid) == 0;
     if (!folder.is_writable && !(is_owned && geteuid() == 0)) {
@@ -208,10 +214,6 @@ void CopyMaker::MirrorFolder(const PlannedFolder& folder) {
     writable_.insert(folder.path);
 }
 
-bool CopyMaker::IsInFolder(const PlannedFile& file) const {
-    return velk::FindRow(plan_.folders, file.folder, &PlannedFolder::path) != nullptr;
-}
-
 // The first tmpfs over the folder of edit copies holds the copies. They stay bound to their places
 // after the second one hides it.
 void CopyMaker::MountStore() {
@@ -228,7 +230,7 @@ void CopyMaker::BindFiles() {
     size_t number = 0;
     for (const PlannedFile& file : plan_.files) {
         const bool has_place = access(file.path.c_str(), F_OK) == 0;
-        if (!file.image.exists || file.image.error != 0 || !has_place || IsInFolder(file)) {
+        if (!has_place || !IsBound(plan_, file)) {
             continue;
         }
         const std::string source = plan_.edit_folder + "/" + std::to_string(++number);
@@ -342,6 +344,16 @@ CopyFailure CopyMaker::Make() {
 
 CopyFailure EnterPrivateCopy(const CopyPlan& plan, bool talks) {
     return CopyMaker(plan, talks).Make();
+}
+
+CopyFailure CheckPrivateCopy(const CopyPlan& plan) {
+    const std::vector<std::string> points = MountPoints();
+    for (const PlannedFile& file : plan.files) {
+        if (IsBound(plan, file) && std::ranges::find(points, file.path) == points.end()) {
+            return {"keep the copy of " + file.path, ESTALE};
+        }
+    }
+    return {};
 }
 
 }  // namespace velkctl

@@ -22,6 +22,10 @@ struct CopyFailure {
 // folders of the wireless daemon's sockets and semaphore writable, as a query needs it.
 CopyFailure EnterPrivateCopy(const CopyPlan& plan, bool talks);
 
+// Returns ESTALE if another program has removed or replaced a file below its copy: the kernel then
+// takes the copy away, and the process sees the other file. That one is read-only.
+CopyFailure CheckPrivateCopy(const CopyPlan& plan);
+
 }  // namespace velkctl
 
 #endif  // VELKCTL_PREVIEW_PRIVATE_COPY_H_

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "velkctl/text/data_bytes.h"
+
 namespace velkctl {
 namespace {
 

@@ -25,7 +25,11 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/unique_fd.h"
+#include "velkctl/call/answer.h"
 #include "velkctl/call/library_call.h"
+#include "velkctl/call/library_observer.h"
+#include "velkctl/files/file_image.h"
+#include "velkctl/preview/event_log.h"
 #include "velkctl/preview/namespaces.h"
 #include "velkctl/preview/observers.h"
 #include "velkctl/preview/private_copy.h"
@@ -44,6 +48,7 @@ struct Trial {
     const CopyPlan& plan;
     const EventLog& log;
     int output;
+    int nothing;  // tools that read their input find its end
 };
 
 // True if a step asks the wireless daemon.
@@ -68,21 +73,27 @@ void RunSteps(const Trial& trial) {
     for (const PlannedFile& file : trial.plan.files) {
         trial.log.Add(EventKind::kFile, RecordOf(ReadFileImage(file.image.path)));
     }
+    if (const CopyFailure failure = CheckPrivateCopy(trial.plan); failure.error != 0) {
+        trial.log.Add(EventKind::kFailure, RecordOf(failure));
+    }
     trial.log.Add(EventKind::kEnd, "");
 }
 
 // The first process of the namespace. It ends without flushing the output of velkctl.
 [[noreturn]] void RunInCopy(const Trial& trial) {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+    (void)dup2(trial.nothing, STDIN_FILENO);
     (void)dup2(trial.output, STDOUT_FILENO);
     (void)dup2(trial.output, STDERR_FILENO);
     (void)!chdir("/");
-    const CopyFailure failure = EnterPrivateCopy(trial.plan, Talks(trial.steps));
+    CopyFailure failure = EnterPrivateCopy(trial.plan, Talks(trial.steps));
+    if (failure.error == 0) {
+        failure = {"give up rights", GiveUpRights()};
+    }
     if (failure.error != 0) {
         trial.log.Add(EventKind::kFailure, RecordOf(failure));
         _exit(1);
     }
-    GiveUpRights();
     RunSteps(trial);
     _exit(0);
 }
@@ -158,8 +169,10 @@ TrialEnd RunTrialProcess(const std::vector<TrialStep>& steps, const CopyPlan& pl
     const EventLog log;
     const velk::UniqueFd output(memfd_create("velkctl", MFD_CLOEXEC));
     std::array<int, 2> ends{};
-    if (!log.is_open() || output.get() == -1 || pipe2(ends.data(), O_CLOEXEC) == -1) {
-        return Failed("make a file in memory");
+    const velk::UniqueFd nothing(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    if (!log.is_open() || output.get() == -1 || nothing.get() == -1 ||
+        pipe2(ends.data(), O_CLOEXEC) == -1) {
+        return Failed("open files");
     }
     const velk::UniqueFd read_end(ends[0]);
     velk::UniqueFd write_end(ends[1]);
@@ -167,7 +180,7 @@ TrialEnd RunTrialProcess(const std::vector<TrialStep>& steps, const CopyPlan& pl
     const pid_t parent = getpid();
     const pid_t process = fork();
     if (process == 0) {
-        MakeNamespaces({steps, plan, log, output.get()}, parent);
+        MakeNamespaces({steps, plan, log, output.get(), nothing.get()}, parent);
     }
     if (process == -1) {
         return Failed("start a process");

@@ -8,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "velkctl/call/answer.h"
+#include "velkctl/files/file_image.h"
 #include "velkctl/preview/copy_plan.h"
+#include "velkctl/preview/event_log.h"
 #include "velkctl/preview/trial_run.h"
 
 namespace velkctl {

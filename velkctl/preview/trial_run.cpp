@@ -5,6 +5,7 @@
 #include "velkctl/preview/trial_run.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <iterator>
@@ -17,6 +18,8 @@
 #include "velkctl/preview/copy_plan.h"
 #include "velkctl/preview/namespaces.h"
 #include "velkctl/preview/trial_process.h"
+#include "velkctl/settings/catalogue.h"
+#include "velkctl/settings/value_kind.h"
 
 namespace velkctl {
 namespace {
@@ -24,6 +27,8 @@ namespace {
 using Milliseconds = std::chrono::milliseconds;
 
 constexpr Milliseconds kLockPause{100};
+// Another program may replace a file during each trial.
+constexpr int kTries = 5;
 
 // Returns false if another program still holds the lock after the time to wait.
 bool AwaitLock(std::optional<LibraryLock>& lock, int wait_seconds) {
@@ -128,6 +133,42 @@ Answer MissingAnswer(const TrialEnd& end, const TimeLimits& limits) {
             .timeout_seconds = limits.timeout_seconds};
 }
 
+bool IsOvertaken(const TrialEnd& end) {
+    return end.error == ESTALE;
+}
+
+// Returns nothing if another program has replaced a file meanwhile, unless this is the last try.
+std::optional<TrialRun> TryOnce(const std::vector<TrialStep>& steps, const TimeLimits& limits,
+                                const std::vector<FileImage>& images, bool is_last) {
+    std::optional<LibraryLock> lock;
+    if (images.empty() && !AwaitLock(lock, limits.wait_seconds)) {
+        return TrialRun{.answers = {{LIB_VELK_LOCKED}}};
+    }
+    TrialRun run{.before = WithPresentFiles(images)};
+    lock.reset();
+    if (run.problem = UnreadProblem(run.before); run.problem) {
+        return TrialRun{.problem = run.problem};
+    }
+    TrialEnd end = RunTrialProcess(steps, PlanCopy(run.before), limits.timeout_seconds);
+    if (IsOvertaken(end) && !is_last) {
+        return std::nullopt;
+    }
+    if (end.error != 0) {
+        return TrialRun{.problem = ProblemOf(end)};
+    }
+    run.after = FilesAfter(run.before, end);
+    run.events = std::move(end.events);
+    run.answers = std::move(end.answers);
+    if (!end.is_complete) {
+        run.answers.push_back(MissingAnswer(end, limits));
+    }
+    run.is_complete = IsComplete(run, steps);
+    if (!run.answers.empty()) {
+        run.answers.back().tool_output = OutputLines(end.tool_output);
+    }
+    return run;
+}
+
 }  // namespace
 
 TrialStep StepOf(const SettingChange& change) {
@@ -174,30 +215,12 @@ std::optional<bool> HeldAfter(const TrialRun& run, const std::vector<TrialStep>&
 
 TrialRun RunTrial(const std::vector<TrialStep>& steps, const TimeLimits& limits,
                   const std::vector<FileImage>& images) {
-    std::optional<LibraryLock> lock;
-    if (images.empty() && !AwaitLock(lock, limits.wait_seconds)) {
-        return {.answers = {{LIB_VELK_LOCKED}}};
+    for (int i = 1; i < kTries; ++i) {
+        if (std::optional<TrialRun> run = TryOnce(steps, limits, images, /*is_last=*/false)) {
+            return std::move(*run);
+        }
     }
-    TrialRun run{.before = WithPresentFiles(images)};
-    lock.reset();
-    if (run.problem = UnreadProblem(run.before); run.problem) {
-        return {.problem = run.problem};
-    }
-    TrialEnd end = RunTrialProcess(steps, PlanCopy(run.before), limits.timeout_seconds);
-    if (end.error != 0) {
-        return {.problem = ProblemOf(end)};
-    }
-    run.after = FilesAfter(run.before, end);
-    run.events = std::move(end.events);
-    run.answers = std::move(end.answers);
-    if (!end.is_complete) {
-        run.answers.push_back(MissingAnswer(end, limits));
-    }
-    run.is_complete = IsComplete(run, steps);
-    if (!run.answers.empty()) {
-        run.answers.back().tool_output = OutputLines(end.tool_output);
-    }
-    return run;
+    return *TryOnce(steps, limits, images, /*is_last=*/true);
 }
 
 }  // namespace velkctl

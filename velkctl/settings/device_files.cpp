@@ -84,6 +84,12 @@ bool IsChangedBy(const DeviceFile& file, uint32_t id) {
                                [id](const Setting& setting) { return setting.row->id == id; });
 }
 
+bool IsChangedBy(std::string_view path, uint32_t id) {
+    return std::ranges::any_of(DeviceFiles(), [&](const DeviceFile& file) {
+        return file.path == path && IsChangedBy(file, id);
+    });
+}
+
 std::vector<SettingLine> LinesOfSettings(std::string_view path) {
     std::vector<SettingLine> lines;
     for (const Setting& setting : Settings()) {

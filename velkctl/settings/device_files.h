@@ -37,6 +37,8 @@ struct DeviceFile {
 const std::vector<DeviceFile>& DeviceFiles();
 
 bool IsChangedBy(const DeviceFile& file, uint32_t id);
+// The same for a path. False for a path of no device file.
+bool IsChangedBy(std::string_view path, uint32_t id);
 
 // A line of a file that belongs to a setting, and the key that marks it.
 struct SettingLine {

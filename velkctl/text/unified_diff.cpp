@@ -65,7 +65,7 @@ void AddAll(std::vector<Row>& rows, char mark, const Lines& lines, size_t first)
 void AddMiddle(std::vector<Row>& rows, const Lines& before, const Lines& after) {
     size_t i = 0;
     size_t k = 0;
-    if (before.size() * after.size() <= kMostCells) {
+    if (after.empty() || before.size() <= kMostCells / after.size()) {
         const CommonLengths common(before, after);
         while (i < before.size() && k < after.size()) {
             if (before[i] == after[k]) {

@@ -9,9 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
+#include "velkctl/changes/change_set.h"
 #include "velkctl/changes/change_words.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/journal_record.h"
@@ -19,7 +21,10 @@
 #include "velkctl/documents/settings_document.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
@@ -50,7 +55,7 @@ WantedValues WantedBy(const SettingsDocument& document, const Device& device) {
         if (row.parsed.ok()) {
             wanted.changes.push_back({row.setting, row.parsed.data});
         } else if (!Holds(device, row)) {
-            wanted.problems.push_back(ProblemOf(row, document.name));
+            wanted.problems.push_back(ValueProblem(row, document.name));
         }
     }
     return wanted;
@@ -162,8 +167,9 @@ ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const D
 void NoteEndedClients(const ApplyPlan& plan, const Device& device, Report& report) {
     for (const std::string& interface : plan.restarts) {
         if (SetsMethod(plan, interface, VELK_METHOD_STATIC) && HasDhcpClient(interface, device)) {
-            report.Note(interface + ": its DHCP client would be ended first: sudo ifdown " +
-                        interface);
+            std::string note = interface;
+            note.append(": its DHCP client would be ended first: sudo ifdown ").append(interface);
+            report.Note(note);
         }
     }
 }

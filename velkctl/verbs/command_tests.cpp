@@ -4,12 +4,19 @@
 // command_tests.cpp - tries the commands of settings without changing the device.
 #include "velkctl/verbs/command_tests.h"
 
+#include <algorithm>
 #include <chrono>
 #include <vector>
 
+#include "velk/request.h"
+#include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/preview/trial_run.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/settings/value_kind.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/text/escaping.h"
+#include "velkctl/verbs/image_reasons.h"
 #include "velkctl/verbs/setting_reader.h"
 
 namespace velkctl {
@@ -18,8 +25,8 @@ namespace {
 // A daemon without an answer for this time is not asked again.
 constexpr std::chrono::seconds kSilent{10};
 
-Verdict VerdictOf(const Answer& answer) {
-    const ExitStatus status = StatusOf(answer);
+Verdict VerdictOf(const Setting& setting, const Answer& answer) {
+    const ExitStatus status = StatusWithCause(setting, answer);
     const bool is_by_state = status == ExitStatus::kNoAdapter || status == ExitStatus::kWiredLinked;
     return is_by_state ? Verdict::kUntested : Verdict::kFails;
 }
@@ -82,16 +89,25 @@ std::vector<TrialStep> StepsToTry(const SettingChange& change) {
     return steps;
 }
 
+bool HasChangedAFile(const TrialRun& run) {
+    return !std::ranges::equal(
+        run.before, run.after,
+        [](const FileImage& one, const FileImage& other) { return one.HasContentsOf(other); });
+}
+
 }  // namespace
 
-// Adds the likely reason for a set without effect, and the output of the tools.
+// Adds the likely reason for a set without effect, or the output of the tools.
 Problem CommandTester::NotHeld(const SettingChange& change, const Answer& answer) const {
     const std::string name = change.setting.name();
     Problem problem{.message = name + ": a set reports success, but does not set the value",
                     .setting = name};
-    const Findings causes =
-        images_.empty() ? Hindrances(change.setting, change.setting.row->kind->Print(change.value))
-                        : Findings();
+    if (!images_.empty()) {
+        problem.detail = ReasonInImage(change.setting, images_);
+        return problem;
+    }
+    const std::string value = change.setting.row->kind->Print(change.value);
+    const Findings causes = Hindrances(change.setting, value);
     if (!causes.empty()) {
         AddLikelyCause(problem, causes.front());
     } else if (!answer.tool_output.empty()) {
@@ -104,8 +120,13 @@ Problem CommandTester::NotHeld(const SettingChange& change, const Answer& answer
 Problem CommandTester::ProblemWith(const Setting& setting, const std::string& message,
                                    const Answer& answer) const {
     const std::string text = setting.name() + message;
-    return images_.empty() ? ProblemOfSet(text, setting, answer)
-                           : ProblemOf(text, setting.name(), answer);
+    if (images_.empty()) {
+        return ProblemOfSet(text, setting, answer);
+    }
+    return {.message = text,
+            .setting = setting.name(),
+            .result = answer.known_result(),
+            .detail = ReasonInImage(setting, images_)};
 }
 
 // An image has no kernel and no daemon.
@@ -130,7 +151,7 @@ CommandTest CommandTester::TestGet(const Setting& setting) {
     const auto start = std::chrono::steady_clock::now();
     const TrialRun run = RunTrial(StepsToRead(setting, !images_.empty()), limits_, images_);
     if (run.problem) {
-        return {setting, VELK_GET, Verdict::kUntested, *run.problem};
+        return {setting, VELK_GET, Verdict::kNotRun, *run.problem};
     }
     const Answer& answer = run.answers.back();
     if (answer.ok()) {
@@ -138,10 +159,12 @@ CommandTest CommandTester::TestGet(const Setting& setting) {
             .setting = setting, .type = VELK_GET, .value = setting.row->kind->Print(answer.data)};
     }
     const bool took_long = std::chrono::steady_clock::now() - start > kSilent;
-    daemon_is_silent_ = is_of_daemon && (answer.timed_out || took_long);
+    if (is_of_daemon && (answer.timed_out || took_long)) {
+        daemon_is_silent_ = true;
+    }
     const Problem problem = images_.empty() ? ReadingProblem(setting, answer)
                                             : ProblemWith(setting, ": could not be read", answer);
-    return {setting, VELK_GET, VerdictOf(answer), problem};
+    return {setting, VELK_GET, VerdictOf(setting, answer), problem};
 }
 
 CommandTest CommandTester::TestSet(const Setting& setting,
@@ -154,21 +177,42 @@ CommandTest CommandTester::TestSet(const Setting& setting,
     if (is_of_daemon && get && get->verdict != Verdict::kWorks) {
         return {setting, VELK_SET, get->verdict, get->problem};
     }
-    const SettingChange change{setting, ValueToTry(setting, get ? get->value : "")};
+    return setting.can_get() ? TestValue({setting, ValueToTry(setting, get ? get->value : "")})
+                             : TestEachValue(setting);
+}
+
+CommandTest CommandTester::TestValue(const SettingChange& change) const {
+    const Setting& setting = change.setting;
     const std::vector<TrialStep> steps = StepsToTry(change);
     const TrialRun run = RunTrial(steps, limits_, images_);
     if (run.problem) {
-        return {setting, VELK_SET, Verdict::kUntested, *run.problem};
+        return {setting, VELK_SET, Verdict::kNotRun, *run.problem};
     }
     const Answer& last = run.answers.back();
     if (!run.ok()) {
-        return {setting, VELK_SET, VerdictOf(last),
+        return {setting, VELK_SET, VerdictOf(setting, last),
                 ProblemWith(setting, ": could not be set", last)};
     }
-    if (!HeldAfter(run, steps, StepOf(change)).value_or(true)) {
+    const bool is_held = setting.can_get() ? HeldAfter(run, steps, StepOf(change)).value_or(true)
+                                           : HasChangedAFile(run);
+    if (!is_held) {
         return {setting, VELK_SET, Verdict::kFails, NotHeld(change, last)};
     }
     return {setting, VELK_SET};
+}
+
+// A setting that cannot be read back works if one of its values changes a file: it has another one.
+CommandTest CommandTester::TestEachValue(const Setting& setting) const {
+    const ValueKind& kind = *setting.row->kind;
+    CommandTest last{setting, VELK_SET, Verdict::kFails};
+    for (const std::string& word : kind.Values()) {
+        const std::vector<std::string> words{word};
+        last = TestValue({setting, kind.Parse(words).data});
+        if (last.verdict != Verdict::kFails) {
+            break;
+        }
+    }
+    return last;
 }
 
 }  // namespace velkctl

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "velk/request.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/files/file_image.h"
@@ -22,7 +23,9 @@ namespace velkctl {
 enum class Verdict {
     kWorks,
     kFails,
-    kUntested,  // the reason is the state of the device: no adapter, or the cable is in
+    kUntested,  // the reason is the state of the device: no adapter, or the cable is in; or an
+                // image does not hold the setting
+    kNotRun,    // no private copy is possible here
 };
 
 // The test of a get or set of a setting.
@@ -37,7 +40,8 @@ struct CommandTest {
 // Runs the commands in private copies of the device's files, so that no get waits for the link.
 class CommandTester {
   public:
-    // With images the copies begin with these files, and only settings in files are tested.
+    // With images the copies begin with these files, and only settings in files are tested. A file
+    // that an image lacks is among them, too.
     explicit CommandTester(const TimeLimits& limits, std::vector<FileImage> images = {})
         : limits_(limits), images_(std::move(images)) {}
 
@@ -49,6 +53,8 @@ class CommandTester {
     CommandTest TestSet(const Setting& setting, const std::optional<CommandTest>& get) const;
 
   private:
+    CommandTest TestValue(const SettingChange& change) const;
+    CommandTest TestEachValue(const Setting& setting) const;
     Problem ProblemWith(const Setting& setting, const std::string& message,
                         const Answer& answer) const;
     Problem NotHeld(const SettingChange& change, const Answer& answer) const;

@@ -8,10 +8,15 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/documents/settings_document.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/masking.h"
 #include "velkctl/verbs/document_settings.h"

@@ -8,6 +8,7 @@
 
 #include "velkctl/documents/document_file.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_patterns.h"
 #include "velkctl/text/escaping.h"
 

@@ -6,11 +6,15 @@
 #include <utility>
 #include <vector>
 
+#include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/likely_cause.h"
 #include "velkctl/documents/settings_document.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/affected_settings.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/spelling.h"
 #include "velkctl/verbs/read_failure.h"
 #include "velkctl/verbs/setting_reader.h"

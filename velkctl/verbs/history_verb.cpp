@@ -7,8 +7,11 @@
 
 #include "velkctl/cli/verbs.h"
 #include "velkctl/files/pager.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/verbs/journal_entries.h"
 #include <nlohmann/json.hpp>
 

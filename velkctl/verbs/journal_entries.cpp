@@ -9,7 +9,10 @@
 #include <cstring>
 #include <ctime>
 
+#include "velkctl/files/file_image.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/columns.h"
+#include "velkctl/text/data_bytes.h"
 #include "velkctl/verbs/setting_values.h"
 
 namespace velkctl {

@@ -6,15 +6,20 @@
 #include <cerrno>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "velkctl/call/device.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/journal/expected_images.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/verbs/journal_entries.h"
 #include <nlohmann/json.hpp>
 
@@ -76,10 +81,16 @@ PutBackResult PutEntryBack(OpenChange& change, const Invocation& invocation, con
     if (const std::optional<Problem> problem = ExpectSteps(change, invocation.limits)) {
         report.Note(*problem);
     }
+    std::vector<std::string> taken_down;
+    PutBackOptions options{.skip_daemon = invocation.boot};
     if (!invocation.boot) {
-        EndClientsOf(change.entry(), device, report);
+        options.first = [&] { taken_down = EndClientsOf(change.entry(), device, report); };
     }
-    return TakeBack(change, {.skip_daemon = invocation.boot}, device, report);
+    PutBackResult result = TakeBack(change, std::move(options), device, report);
+    if (!result.is_whole()) {
+        (void)RestartAll(taken_down, device, report);
+    }
+    return result;
 }
 
 ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
@@ -90,8 +101,9 @@ ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
     report.Inform("change " + change.entry().id + " of " + LocalTime(change.entry().time) + " " +
                   OutcomeOf(result) + "\n");
     const ExitStatus status = StatusOf(result);
-    return status == ExitStatus::kDone && restarts ? RestartAfter(change.entry(), device, report)
-                                                   : status;
+    return status == ExitStatus::kDone && restarts
+               ? RestartAll(change.entry().restarts, device, report)
+               : status;
 }
 
 }  // namespace
@@ -102,6 +114,9 @@ ExitStatus RunRecover(const Invocation& invocation, Report& report) {
         return FailForJournal(lock.error(), report);
     }
     const JournalListing listing = ReadJournal();
+    if (listing.error != 0) {
+        return FailForJournal(listing.error, report);
+    }
     for (const StoredEntry& stored : listing.entries) {
         NoteUnusable(stored, report);
     }

@@ -50,7 +50,9 @@ ExitStatus RestartWhole(const std::string& interface, const TimeLimits& limits,
 // Restarts the interface in a private copy alone.
 ExitStatus TryRestart(const std::string& interface, const Invocation& invocation, Report& report) {
     Data data{};
-    data[0] = invocation.notify_only ? VELK_RESTART_NOTIFY_ONLY : data[0];
+    if (invocation.notify_only) {
+        data[0] = VELK_RESTART_NOTIFY_ONLY;
+    }
     const std::vector<TrialStep> steps{{VELK_RESTART, VELK_CMD_RESTART, interface, data}};
     return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
 }

@@ -8,13 +8,19 @@
 #include <string>
 #include <vector>
 
+#include "velkctl/call/device.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/journal/expected_images.h"
+#include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
+#include "velkctl/settings/catalogue.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/journal_entries.h"
 #include "velkctl/verbs/set_notes.h"
@@ -33,12 +39,17 @@ bool IsFinished(const StoredEntry& stored) {
     return stored.is_whole() && (state == EntryState::kDone || state == EntryState::kConfirmed);
 }
 
-// Returns the entry to take back: the one of this id, or the last one that is finished or was
+// Nobody can say whether the change of an unknown entry is finished.
+bool MayBeFinished(const StoredEntry& stored) {
+    const bool is_torn = stored.error == 0 && stored.decoded.health == EntryHealth::kTorn;
+    return stored.is_whole() ? IsFinished(stored) || stored.is_interrupted() : !is_torn;
+}
+
+// Returns the entry to take back: the one of this id, or the last one that may be finished or was
 // interrupted.
 const StoredEntry* FindEntry(const JournalListing& listing, const std::string& id) {
     const auto is_meant = [&](const StoredEntry& stored) {
-        return id.empty() ? IsFinished(stored) || stored.is_interrupted()
-                          : stored.decoded.entry.id == id;
+        return id.empty() ? MayBeFinished(stored) : stored.decoded.entry.id == id;
     };
     const auto found = std::find_if(listing.entries.rbegin(), listing.entries.rend(), is_meant);
     return found == listing.entries.rend() ? nullptr : &*found;
@@ -57,7 +68,9 @@ std::optional<Problem> RefusalOf(const StoredEntry* stored, const std::string& i
                        .remedy = "'velkctl recover' takes it back"};
     }
     if (!stored->is_whole()) {
-        return Problem{.message = subject + " cannot be taken back", .detail = StateText(*stored)};
+        return Problem{.message = subject + " cannot be taken back",
+                       .detail = StateText(*stored),
+                       .remedy = id.empty() ? "'velkctl undo ID' takes an earlier one back" : ""};
     }
     return std::nullopt;
 }
@@ -90,12 +103,12 @@ ExitStatus Obstructed(const std::vector<Problem>& obstacles, const std::string& 
 }
 
 // Begins the entry of the undo. Returns 0 or the error of the journal; then there is no entry.
-int Begin(OpenChange& change, const JournalEntry& entry, const Device& device) {
-    int error = change.Begin(PlanOf(entry), device);
+int Begin(OpenChange& change, const JournalEntry& entry, int wait_seconds, const Device& device) {
+    int error = change.BeginWithin(wait_seconds, PlanOf(entry), device);
     error = error != 0 ? error : change.Expect(entry.before);
     error = error != 0 ? error : change.Advance(EntryState::kApplying);
     if (error != 0 && change.is_begun()) {
-        change.Discard();
+        (void)change.Discard();
     }
     return error;
 }
@@ -120,17 +133,29 @@ ExitStatus StatusWithoutChange(const PutBackResult& result, const JournalEntry& 
     return ExitStatus::kPartlyBack;
 }
 
-// Closes the entry of the undo, or removes it if nothing has changed.
+// A later recover completes the files: it gives them their bytes from before the undo.
+ExitStatus LeaveOpen(OpenChange& change, Report& report) {
+    (void)change.Advance(EntryState::kStuck);
+    report.Complain(
+        Problem{.message = "undo: stopped before its end",
+                .remedy = "when the disk is sound, 'velkctl recover', then undo again"});
+    return ExitStatus::kPartlyBack;
+}
+
+// Closes the entry of the undo, or removes it if nothing has changed. It expects the files from
+// before the other change; one that differs has text of another program.
 ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalEntry& entry,
                  Report& report) {
     for (const Problem& problem : result.left) {
         report.Complain(problem);
     }
     if (!result.has_changed) {
-        change.Discard();
+        (void)change.Discard();
         return StatusWithoutChange(result, entry, report);
     }
-    (void)change.RecordFiles();
+    if (result.has_disk_failed) {
+        return LeaveOpen(change, report);
+    }
     if (const int error = change.Advance(EntryState::kDone); error != 0) {
         report.Note(JournalProblem("undo: the journal may call it interrupted", error));
     }
@@ -138,9 +163,11 @@ ExitStatus Close(OpenChange& change, const PutBackResult& result, const JournalE
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation, Report& report) {
+ExitStatus TakeBackEntry(const JournalEntry& recorded, const Invocation& invocation,
+                         Report& report) {
     const Device device(invocation.limits, report);
     (void)AwaitLibraryLock(invocation.limits.wait_seconds);
+    const JournalEntry entry = WithOwnImages(recorded);
     const std::vector<Problem> obstacles =
         invocation.force ? std::vector<Problem>() : FindObstacles(entry, device);
     if (!obstacles.empty()) {
@@ -148,17 +175,22 @@ ExitStatus TakeBackEntry(const JournalEntry& entry, const Invocation& invocation
     }
     const SetNotes notes(SettingsOf(entry), device, false);
     OpenChange change;
-    if (const int error = Begin(change, entry, device); error != 0) {
+    const int wait = invocation.limits.wait_seconds;
+    if (const int error = Begin(change, entry, wait, device); error != 0) {
         return FailForJournal(error, report);
     }
-    EndClientsOf(entry, device, report);
-    const PutBackResult result = PutBack(entry, {.force = invocation.force}, device);
+    std::vector<std::string> taken_down;
+    const auto end_clients = [&] { taken_down = EndClientsOf(entry, device, report); };
+    const PutBackOptions options{
+        .force = invocation.force, .first = end_clients, .begun_with = &change.entry().before};
+    const PutBackResult result = PutBack(entry, options, device);
     const ExitStatus status = Close(change, result, entry, report);
     if (status != ExitStatus::kDone || !result.has_changed) {
+        (void)RestartAll(taken_down, device, report);
         return status;
     }
     notes.Print(SettingsOf(entry), report);
-    return RestartAfter(entry, device, report);
+    return RestartAll(entry.restarts, device, report);
 }
 
 }  // namespace
@@ -169,6 +201,9 @@ ExitStatus RunUndo(const Invocation& invocation, Report& report) {
         return FailForJournal(lock.error(), report);
     }
     const JournalListing listing = ReadJournal();
+    if (listing.error != 0) {
+        return FailForJournal(listing.error, report);
+    }
     const std::string id = invocation.words.empty() ? "" : invocation.words.front();
     const StoredEntry* stored = FindEntry(listing, id);
     if (const std::optional<Problem> refusal = RefusalOf(stored, id)) {

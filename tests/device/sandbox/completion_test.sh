@@ -81,10 +81,10 @@ output_is 'inner
 inner
 (nothing)'
 
-it 'offers folders for --writable and --rootfs'
+it 'offers folders for --writable, and files too for --rootfs'
 offered --writable k -- --rootfs /tmp/work/
 output_is 'keys
-/tmp/work/keys'
+/tmp/work/list /tmp/work/keys'
 
 it 'completes the words of a command as its program does'
 offered tool a -- --name x tool a b -- == tool a -- enter == tool a '' -- enter tool --opt -- sed li

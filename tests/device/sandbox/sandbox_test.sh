@@ -487,14 +487,16 @@ for part in cable adapter router; do
 done
 
 it 'refuses a folder that does not exist'
-for words in "--writable /$mark" '--rootfs /etc/passwd'; do
-    # shellcheck disable=SC2086
-    run velk-sandbox $words
-    status_is 2
-    output_is ''
-    error_is "velk-sandbox: ${words% *}: there is no folder '${words#* }'
+run velk-sandbox --writable "/$mark"
+status_is 2
+output_is ''
+error_is "velk-sandbox: --writable: there is no folder '/$mark'
   fix: give a folder that exists"
-done
+run velk-sandbox --rootfs "/$mark"
+status_is 2
+output_is ''
+error_is "velk-sandbox: --rootfs: there is no folder or file '/$mark'
+  fix: give a folder or file that exists"
 
 it 'refuses an empty name'
 for words in '' enter cable; do

@@ -33,6 +33,7 @@ member_orders = {
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
     "commands": {"selftest": "name id type verdict problem"},
+    "items": {"capture": "name member state problem"},
     "preview": {verb: "results files steps longest_seconds then_waits_for"
                 for verb in ("set", "restart", "apply", "import", "call")},
     "trace": {"set": "files steps"},
@@ -160,6 +161,12 @@ answers <<'END'
 0 selftest -> commands
 !rm /etc/dhclient.conf
 1 selftest -> commands; dhcp-ntp LIB_VELK_FAILURE; dhcp-ntp LIB_VELK_FAILURE; eth0.method LIB_VELK_FAILURE; eth1.method LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE
+END
+
+it 'answers with the items of a capture'
+answers <<'END'
+0 capture /tmp/device.tar -> items
+1 capture /nowhere/device.tar -> items; - -
 END
 
 it 'answers a dry run and a trace with one document'
@@ -401,6 +408,7 @@ explain
 status
 doctor
 selftest
+capture
 undo
 history
 recover
@@ -507,6 +515,7 @@ on_device sh -c "$tools"'
     try explain -1
     try doctor
     try selftest
+    try capture /tmp/device.tar
     try set eth1.psk=$psk --dry-run
     try set eth1.psk=$psk --trace
     try call set 314 eth1 --text $psk --dry-run
@@ -531,7 +540,7 @@ on_device sh -c "$tools"'
     velkctl call get 314 eth1 --show-secrets --json | grep -c "\"data\": \"$(printf %s $psk | od -An -tx1 | tr -d " \n")\""'
 status_is 0
 error_is ''
-output_is '86 runs
+output_is '88 runs
 Planted-7731-psk
 1
 1'

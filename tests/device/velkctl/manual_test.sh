@@ -39,7 +39,7 @@ if command -v mandoc >/dev/null; then
     {
         velkctl --help
         for verb in get set show restart apply export import diff list describe explain status doctor selftest \
-            undo history recover call; do
+            capture undo history recover call; do
             velkctl "$verb" --help
         done
         velk-sandbox --help

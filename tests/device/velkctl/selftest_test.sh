@@ -58,6 +58,29 @@ on_device sh -c 'kill $(cat /run/velk-sandbox/wland.pid); sleep 0.1; velk-sandbo
 status_is 1
 output_has 'eth1.ssid               get fails       set fails'
 
+it 'does not test wireless commands without the adapter'
+on_device sh -c 'velk-sandbox adapter out; velkctl selftest'
+status_is 0
+error_is ''
+output_has '
+eth1.ssid               get not tested  set not tested
+'
+output_has '45 commands work, 0 fail, 32 not tested'
+
+it 'fails with one line where no private copy is possible'
+on_device sh -c 'head -c 1200000 /dev/zero >>/var/cron/tabs/root; velkctl selftest'
+status_is 1
+error_is 'velkctl: /var/cron/tabs/root: is too large for a private copy'
+output_has '
+0 commands work, 0 fail, 77 not tested'
+
+it 'finds exit hooks without the lines of the notices'
+on_device sh -c 'echo "# empty" >/etc/dhclient-exit-hooks; velkctl selftest'
+status_is 1
+output_has '
+eth0.dhcp-notice        set fails
+'
+
 it 'tries the files of an image, also where the device has no such folders'
 on_device sh -c 'cp -r '"$VELK_BUILD"'/rootfs /tmp/image
     rm -rf /etc/network /etc/dhclient* /etc/resolv.dnsmasq.conf /var/cron /var/libvelk /usr/local/share/etc
@@ -78,6 +101,28 @@ output_has '42 commands work, 0 fail, 35 not tested
 output_has 'ntp-server              get works       set fails'
 output_has 'dhcp-ntp                get fails       set fails'
 check 'the same file' 1 "$(tail -n 2 <<<"$output" | sort -u | wc -l)"
+
+it 'gives the reason that the files of an image show'
+on_device sh -c 'cp -r '"$VELK_BUILD"'/rootfs /tmp/image; rm /tmp/image/etc/dhclient.conf
+    sed -i /avahi-autoipd/d /tmp/image/etc/dhclient-exit-hooks
+    sed -i "s/^iface eth0/iface eth7/" /tmp/image/etc/network/interfaces; velkctl selftest --root /tmp/image'
+status_is 1
+error_has 'velkctl: dhcp-ntp: could not be read
+  /etc/dhclient.conf is missing in the image
+'
+error_has '
+  /etc/network/interfaces of the image has no stanza of eth0
+'
+error_has '
+  /etc/dhclient-exit-hooks of the image has no line with /usr/sbin/avahi-autoipd
+'
+check 'lines on the doctor of this machine' '' "$(grep doctor <<<"$error")"
+
+it 'follows no link out of an image'
+on_device sh -c 'cp -r '"$VELK_BUILD"'/rootfs /tmp/image; mkdir -p /tmp/image/etc/cron
+    mv /tmp/image/var/cron/tabs/root /tmp/image/etc/cron/root; ln -s /etc/cron/root /tmp/image/var/cron/tabs/root
+    velkctl selftest --root /tmp/image; ls /etc/cron'
+output_has '42 commands work, 0 fail, 35 not tested'
 on_device velkctl selftest --root /nowhere
 status_is 2
 error_is "velkctl: selftest: '/nowhere' is not a folder; give the root folder of an image"

@@ -859,6 +859,7 @@ output_has '
   status    compare the configuration with the running state
   doctor    look for problems with files, tools and daemons
   selftest  try every command, without changing the device
+  capture   write all that the library reads on this device to a file
   undo      take back a change of settings
   history   list the changes that undo can take back
   recover   take back changes that were interrupted
@@ -886,7 +887,7 @@ for words in -h help 'help help' 'help --help'; do
 done
 
 it 'explains each verb, with an example'
-for verb in get set show restart apply export import diff list describe explain doctor selftest call; do
+for verb in get set show restart apply export import diff list describe explain doctor selftest capture call; do
     run velkctl "$verb" --help
     status_is 0
     error_is ''

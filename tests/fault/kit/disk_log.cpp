@@ -5,10 +5,18 @@
 #include "fault/kit/disk_log.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
 #include <utility>
 
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <unistd.h>
 
 #include "fault/kit/tracer.h"
 
@@ -136,11 +144,32 @@ class Logger {
     Tree in_memory_;
 };
 
+// Leases fail in this process and all that it starts. The kernel would let the logger wait for the
+// process with the lease, and that one is stopped while the logger reads the files.
+bool RefuseLeases() {
+    constexpr uint32_t kCall = offsetof(seccomp_data, nr);
+    constexpr uint32_t kCommand = offsetof(seccomp_data, args) + sizeof(seccomp_data::args[0]);
+    std::array<sock_filter, 6> filter{{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kCall),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fcntl, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kCommand),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, F_SETLEASE, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    const sock_fprog program{filter.size(), filter.data()};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
 }  // namespace
 
 DiskLog LogChanges(const std::function<int()>& work) {
+    constexpr int kNoFilter = -1;
     Logger logger;
-    const TracedRun run = RunWatched(work, [&](const ReturnedCall& call) { logger.Watch(call); });
+    const auto run_work = [&] { return RefuseLeases() ? work() : kNoFilter; };
+    const TracedRun run =
+        RunWatched(run_work, [&](const ReturnedCall& call) { logger.Watch(call); });
     return logger.Finish(run);
 }
 

@@ -208,7 +208,7 @@ void WriteFiles(const Scene& scene) {
     }
 }
 
-Device::Device(const Scene& scene, const Files& files) {
+Device::Device(const Scene& scene, const Files& files, testkit::FakeDaemon::Turn turn) {
     testkit::LibcRecorder& libc = testkit::LibcRecorder::Get();
     libc.Reset();
     testkit::EmptyDevice();
@@ -229,10 +229,22 @@ Device::Device(const Scene& scene, const Files& files) {
     shell_->Prints("sudo /usr/sbin/ethtool",
                    {scene.has_cable ? "\tLink detected: yes\n" : "\tLink detected: no\n"});
     shell_->Prints("sudo ethtool", {"\tSpeed: 100Mb/s\n\tDuplex: Full\n\tAuto-negotiation: off\n"});
-    daemon_.emplace(testkit::FakeDaemon::Turn::kInSelect);
-    daemon_->SetConf(WirelessConfiguration());
-    daemon_->SetState(WirelessState());
+    StartDaemon(turn, WirelessConfiguration());
     libc.ForgetEvents();
+}
+
+void Device::StartDaemon(testkit::FakeDaemon::Turn turn, const SMsgConf& conf) {
+    daemon_.reset();
+    daemon_.emplace(turn);
+    daemon_->SetConf(conf);
+    daemon_->SetState(WirelessState());
+}
+
+SMsgConf Device::RestartDaemon() {
+    daemon_->Stop();
+    const SMsgConf stored = daemon_->conf();
+    StartDaemon(testkit::FakeDaemon::Turn::kOwnThread, stored);
+    return stored;
 }
 
 }  // namespace fault

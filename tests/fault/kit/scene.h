@@ -38,14 +38,21 @@ std::vector<std::string> RemainingFiles();
 // within the library's own call, nothing waits, and only they use the recorder.
 class Device {
   public:
-    // Makes a device with these texts instead of the scene's.
-    explicit Device(const Scene& scene, const Files& files = {});
+    // Makes a device with these texts instead of the scene's. Child processes share a daemon with
+    // its own thread only.
+    explicit Device(const Scene& scene, const Files& files = {},
+                    testkit::FakeDaemon::Turn turn = testkit::FakeDaemon::Turn::kInSelect);
 
     // Makes the real shell run the lines from now on.
     void UseRealTools() { shell_.reset(); }
     testkit::FakeDaemon& daemon() { return *daemon_; }
+    // Returns the values of a daemon with its own thread when it has served all requests. The
+    // daemon is restarted for that.
+    SMsgConf RestartDaemon();
 
   private:
+    void StartDaemon(testkit::FakeDaemon::Turn turn, const SMsgConf& conf);
+
     std::optional<testkit::FakeShell> shell_;
     std::optional<testkit::FakeDaemon> daemon_;
 };

@@ -8,7 +8,11 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <set>
@@ -18,6 +22,7 @@
 #include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
+#include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -90,10 +95,125 @@ bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
     return std::ranges::find(kPrivateCalls, call) == std::end(kPrivateCalls);
 }
 
+// ---- Writes ------------------------------------------------------------------------------------
+
+struct WriteCall {
+    long call;
+    const char* name;
+    int descriptor = -1;  // the argument that is a file to write
+    int path = -1;        // the argument that is a path
+};
+
+constexpr std::array kWriteCalls{
+    WriteCall{SYS_write, "write", 0},          WriteCall{SYS_pwrite64, "write", 0},
+    WriteCall{SYS_writev, "write", 0},         WriteCall{SYS_sendfile, "write", 0},
+    WriteCall{SYS_splice, "write", 2},         WriteCall{SYS_copy_file_range, "write", 2},
+    WriteCall{SYS_fallocate, "fallocate", 0},  WriteCall{SYS_ftruncate, "ftruncate", 0},
+    WriteCall{SYS_fsync, "fsync", 0},          WriteCall{SYS_fdatasync, "fsync", 0},
+    WriteCall{SYS_mkdirat, "mkdir", -1, 1},    WriteCall{SYS_renameat, "rename", -1, 3},
+    WriteCall{SYS_renameat2, "rename", -1, 3}, WriteCall{SYS_unlinkat, "unlink", -1, 1},
+#ifdef SYS_arch_prctl
+    WriteCall{SYS_mkdir, "mkdir", -1, 0},      WriteCall{SYS_rename, "rename", -1, 1},
+    WriteCall{SYS_unlink, "unlink", -1, 0},
+#endif
+};
+
+// The failures of each: a full disk, a full quota, a disk that became read-only, a broken one. An
+// open file can be written to a disk that is being made read-only.
+const std::map<std::string, std::set<int>, std::less<>> kFailures{
+    {"write", {ENOSPC, EDQUOT, EIO}},
+    {"fallocate", {ENOSPC, EDQUOT, EIO}},
+    {"ftruncate", {EIO}},
+    {"fsync", {ENOSPC, EDQUOT, EIO}},
+    {"mkdir", {ENOSPC, EDQUOT, EROFS}},
+    {"rename", {ENOSPC, EDQUOT, EROFS}},
+    {"create", {ENOSPC, EDQUOT, EROFS}},
+    {"open", {EROFS}},
+    {"unlink", {EROFS}},
+};
+
+std::string ReadPath(pid_t pid, uint64_t address) {
+    std::ifstream memory("/proc/" + std::to_string(pid) + "/mem", std::ios::binary);
+    std::string path;
+    memory.seekg(static_cast<std::streamoff>(address));
+    (void)std::getline(memory, path, '\0');
+    return path;
+}
+
+// Returns the file of a descriptor; empty for a pipe, a socket or a file in memory.
+std::string PathOf(pid_t pid, uint64_t descriptor) {
+    const std::string link =
+        "/proc/" + std::to_string(pid) + "/fd/" + std::to_string(static_cast<int>(descriptor));
+    std::error_code ignored;
+    return std::filesystem::read_symlink(link, ignored);
+}
+
+// The kernel's own files, and a semaphore or a result in memory, are on no disk.
+bool IsOnDisk(const std::string& path) {
+    constexpr std::array kElsewhere{"/dev/", "/proc/", "/sys/", "/memfd:"};
+    const auto begins = [&](const char* start) { return path.starts_with(start); };
+    return path.starts_with('/') && std::ranges::none_of(kElsewhere, begins);
+}
+
+// Returns "create" or "open" and the path; empty if it opens no file to write.
+std::string OpenToWrite(pid_t pid, const std::string& path, uint64_t flags) {
+    if ((flags & (O_WRONLY | O_RDWR)) == 0 || !IsOnDisk(path)) {
+        return "";
+    }
+    const std::string seen = "/proc/" + std::to_string(pid) + "/root" + path;
+    const bool is_new = (flags & O_TMPFILE) == O_TMPFILE ||
+                        ((flags & O_CREAT) != 0 && access(seen.c_str(), F_OK) != 0);
+    return (is_new ? "create " : "open ") + path;
+}
+
+// Returns the write that a process is about to make: "write PATH"; empty if it makes none.
+std::string WriteOf(pid_t pid, const __ptrace_syscall_info& info) {
+    const auto call = static_cast<long>(info.entry.nr);
+    if (call == SYS_openat) {
+        return OpenToWrite(pid, ReadPath(pid, info.entry.args[1]), info.entry.args[2]);
+    }
+    const auto row = std::ranges::find(kWriteCalls, call, &WriteCall::call);
+    if (row == kWriteCalls.end()) {
+        return "";
+    }
+    const std::string path = row->path == -1 ? PathOf(pid, info.entry.args[row->descriptor])
+                                             : ReadPath(pid, info.entry.args[row->path]);
+    return IsOnDisk(path) ? std::string(row->name) + " " + path : "";
+}
+
+// Has the kernel skip the call that the process is about to make.
+void SkipCall([[maybe_unused]] pid_t pid) {
+#ifdef __x86_64__
+    (void)ptrace(PTRACE_POKEUSER, pid, offsetof(user, regs.orig_rax), -1L);
+#endif
+}
+
+void SetResult([[maybe_unused]] pid_t pid, [[maybe_unused]] long result) {
+#ifdef __x86_64__
+    (void)ptrace(PTRACE_POKEUSER, pid, offsetof(user, regs.rax), result);
+#endif
+}
+
+// ---- The processes -----------------------------------------------------------------------------
+
+// The trouble that the processes meet.
+struct Interruption {
+    size_t at = 0;  // the number of a system call; 0: none
+    std::function<void()> act{};
+    WriteFault fault{};
+    CallWatcher watcher{};
+};
+
 class Follower {
   public:
-    Follower(pid_t first, size_t cut_at, CallWatcher watcher)
-        : first_(first), cut_at_(cut_at), watcher_(std::move(watcher)), processes_{first} {
+    // Without `act`, the processes are killed at that call.
+    Follower(pid_t first, const Interruption& interruption)
+        : first_(first),
+          at_(interruption.at),
+          act_(interruption.act),
+          fault_(interruption.fault),
+          watcher_(interruption.watcher),
+          processes_{first} {
         if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
@@ -146,11 +266,13 @@ class Follower {
         }
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
             run_.calls_that_change.push_back(CanChangeTheDevice(info));
-            if (run_.calls_that_change.size() == cut_at_) {
-                Cut();
+            if (run_.calls_that_change.size() == at_ && Interrupt()) {
                 return;
             }
             entered_[pid] = info;
+            NoteWrite(pid, WriteOf(pid, info));
+        } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && failing_.erase(pid) != 0) {
+            SetResult(pid, -fault_.error);
         } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && watcher_) {
             Watch(pid, info.exit.is_error != 0);
         }
@@ -164,6 +286,31 @@ class Follower {
         }
         const auto& entry = entered->second.entry;
         watcher_({pid, static_cast<long>(entry.nr), entry.args[0], has_failed});
+    }
+
+    // Returns true if the processes were killed.
+    bool Interrupt() {
+        if (act_) {
+            act_();
+            return false;
+        }
+        Cut();
+        return true;
+    }
+
+    void NoteWrite(pid_t pid, const std::string& write) {
+        if (write.empty()) {
+            return;
+        }
+        run_.writes.push_back(write);
+        const size_t number = run_.writes.size();
+        const bool is_meant =
+            number == fault_.number || (fault_.all_later && number > fault_.number);
+        if (fault_.number != 0 && is_meant && CanFailWith(write, fault_.error)) {
+            SkipCall(pid);
+            failing_.insert(pid);
+            run_.has_fault_struck = true;
+        }
     }
 
     void Cut() {
@@ -181,14 +328,17 @@ class Follower {
     }
 
     const pid_t first_;
-    const size_t cut_at_;
+    const size_t at_;
+    const std::function<void()> act_;
+    const WriteFault fault_;
     const CallWatcher watcher_;
     std::set<pid_t> processes_;
     std::map<pid_t, __ptrace_syscall_info> entered_;  // the last call that each has begun
+    std::set<pid_t> failing_;                         // those in a call that fails
     TracedRun run_;
 };
 
-TracedRun Run(const std::function<int()>& work, size_t cut_at, const CallWatcher& watcher) {
+TracedRun Run(const std::function<int()>& work, const Interruption& interruption) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
@@ -204,17 +354,38 @@ TracedRun Run(const std::function<int()>& work, size_t cut_at, const CallWatcher
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
         Fail("PTRACE_TRACEME");
     }
-    return Follower(child, cut_at, watcher).Follow();
+    return Follower(child, interruption).Follow();
 }
 
 }  // namespace
 
 TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
-    return Run(work, cut_at, nullptr);
+    return Run(work, {.at = cut_at});
 }
 
 TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watcher) {
-    return Run(work, 0, watcher);
+    return Run(work, {.watcher = watcher});
+}
+
+TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault) {
+    return Run(work, {.fault = fault});
+}
+
+bool CanFailWrites() {
+#ifdef __x86_64__
+    return true;
+#else
+    return false;
+#endif
+}
+
+bool CanFailWith(const std::string& write, int error) {
+    return kFailures.find(write.substr(0, write.find(' ')))->second.contains(error);
+}
+
+TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+                          const std::function<void()>& act) {
+    return Run(work, {.at = at, .act = act});
 }
 
 }  // namespace fault

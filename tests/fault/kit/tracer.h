@@ -16,6 +16,13 @@
 
 namespace fault {
 
+// A write that fails: from which one of the run on, and how.
+struct WriteFault {
+    size_t number;  // from 1
+    int error;      // errno
+    bool all_later = false;
+};
+
 struct TracedRun {
     // The system calls in their order. False for a call that can change only its own process: a cut
     // before it and one after it leave the same device.
@@ -23,6 +30,9 @@ struct TracedRun {
     // The value that `work` returned, from -128 to 127; no value if it did not end.
     std::optional<int> result;
     bool was_cut = false;
+    // The calls that put data, a new file or a new name on a disk, in their order: "write PATH".
+    std::vector<std::string> writes;
+    bool has_fault_struck = false;
     // The programs that ran at the moment of the cut. If there are two, chance decides which of
     // them makes the next call.
     std::set<std::string> programs;
@@ -45,6 +55,21 @@ using CallWatcher = std::function<void(const ReturnedCall& call)>;
 
 // The same without a cut. The watcher sees each call that can change more than its own process.
 TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watcher);
+
+// Runs `work` in the same way. The write with the fault's number fails and does nothing, if a disk
+// can fail it with that error: a full one fails no fsync(2) of a file that has its blocks.
+TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault);
+
+// True if calls can be made to fail on this processor.
+bool CanFailWrites();
+
+// True if a disk can fail the call, one of TracedRun::writes, with this error.
+bool CanFailWith(const std::string& write, int error);
+
+// The same, but nothing is killed: before the system call with this number, the child waits while
+// `act` runs.
+TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+                          const std::function<void()>& act);
 
 }  // namespace fault
 

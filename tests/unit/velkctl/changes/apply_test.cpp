@@ -154,6 +154,29 @@ class ForeignSet final : public velkctl::ChangeRecord {
     ExitStatus TakeBack(const Device&, Report&) override { return ExitStatus::kFailed; }
 };
 
+// Another program sets the value after the record has begun.
+class EarlyForeignSet final : public velkctl::ChangeRecord {
+  public:
+    std::optional<BeginFailure> Begin(const ChangeSet&, const std::vector<std::string>&,
+                                      const Device&) override {
+        WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.99\n");
+        return std::nullopt;
+    }
+    void StepMade() override {}
+    std::optional<Problem> Flush() override { return std::nullopt; }
+    std::optional<Problem> Finish() override { return std::nullopt; }
+    ExitStatus TakeBack(const Device&, Report&) override { return ExitStatus::kPartlyBack; }
+};
+
+TEST_F(ApplyTest, ReplacesNoValueThatAnotherProgramHasSetSinceItBegan) {
+    EarlyForeignSet record;
+    EXPECT_TRUE(Run(Plan({{"eth0.address", "192.168.0.11"}}), record).is_taken_back);
+    EXPECT_EQ(error,
+              "velkctl: eth0.address: not set\n"
+              "  another program has set it since this change began\n");
+    EXPECT_EQ(ReadFile(kInterfaces), "iface eth0 inet static\naddress 192.168.0.99\n");
+}
+
 TEST_F(ApplyTest, ComparesAllValuesAtTheEnd) {
     ForeignSet record;
     EXPECT_TRUE(Run(Plan({{"eth0.address", "192.168.0.11"}}), record).is_taken_back);

@@ -94,6 +94,49 @@ TEST_F(JournalRecordTest, IsConfirmedWithTheFilesAsTheyAre) {
     EXPECT_EQ(Stored().after[0].bytes, "# by hand\n");
 }
 
+// A tool could not write the file, and the library reported success.
+TEST_F(JournalRecordTest, NoticesAFileThatWasNotWritten) {
+    ASSERT_FALSE(Begin());
+    record->StepMade();
+    const std::optional<velkctl::Problem> problem = record->Flush();
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(problem->message, "/etc/network/interfaces: not written");
+    EXPECT_EQ(problem->detail, "the library reported success, but the file is as before");
+}
+
+// The device has the value: another step might have switched it.
+TEST_F(JournalRecordTest, ExpectsNoChangeOfAValueThatTheDeviceHas) {
+    ASSERT_FALSE(Begin({{*FindSetting("eth0.address"), DataOf("192.168.0.1")}}));
+    EXPECT_FALSE(record->Flush());
+}
+
+// A setting that cannot be read is set again.
+TEST_F(JournalRecordTest, LeavesNoEntryIfNothingHasChanged) {
+    ASSERT_FALSE(Begin({{*FindSetting("eth0.address"), DataOf("192.168.0.1")}}));
+    record->StepMade();
+    EXPECT_FALSE(record->Finish());
+    EXPECT_TRUE(ReadJournal().entries.empty());
+}
+
+TEST_F(JournalRecordTest, KeepsTheTextThatAnotherProgramWroteBeforeAStepWasRecorded) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, std::string(kNewText) + "# by hand\n");
+    record->StepMade();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "# by hand\n");
+}
+
+// The second step has failed: another program set its value before.
+TEST_F(JournalRecordTest, PutsBackTheStepsThatWereMade) {
+    WriteFile(kInterfaces, std::string(kText) + "\tgateway 192.168.0.8\n");
+    ASSERT_FALSE(Begin({kChanges[0], {*FindSetting("eth0.gateway"), DataOf("192.168.0.9")}}));
+    WriteFile(kInterfaces, std::string(kNewText) + "\tgateway 192.168.0.7\n");
+    record->StepMade();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "\tgateway 192.168.0.7\n");
+    EXPECT_EQ(Stored().state, EntryState::kReverted);
+}
+
 TEST_F(JournalRecordTest, PutsTheFilesBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
@@ -105,6 +148,8 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
 
 TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
     WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 192.168.0.3\n");
     testing::internal::CaptureStderr();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
@@ -161,7 +206,8 @@ TEST_F(JournalRecordTest, IsRefusedIfTheJournalCannotBeWritten) {
 
 TEST_F(JournalRecordTest, ReportsAJournalThatFailsLater) {
     ASSERT_FALSE(Begin());
-    libc().Script(Call::kOpen, {testkit::Fail(EIO)});
+    WriteFile(kInterfaces, kNewText);
+    libc().Script(Call::kOpen, {testkit::Return(-1), testkit::Fail(EIO)});
     const std::optional<velkctl::Problem> flush = record->Flush();
     ASSERT_TRUE(flush);
     EXPECT_EQ(flush->message, "apply: the files could not be written to disk");

@@ -30,7 +30,7 @@ std::vector<std::string> Problems(const std::string& text) {
     }
     for (const DocumentSetting& row : document.settings) {
         if (!row.parsed.ok()) {
-            problems.push_back(OneLine(ProblemOf(row, document.name)));
+            problems.push_back(OneLine(ValueProblem(row, document.name)));
         }
     }
     return problems;

@@ -83,6 +83,57 @@ TEST_F(ExpectedImages, AreNotSearchedIfEachFileIsKnown) {
     EXPECT_TRUE(change.entry().after.empty());
 }
 
+// Another program has written between a step and the record of its file.
+TEST_F(ExpectedImages, ReplaceARecordedTextOfAnotherProgram) {
+    const std::string theirs = std::string(kAfterAll) + "# by hand\n";
+    WriteFile(kInterfaces, theirs);
+    ASSERT_EQ(change.RecordFiles(), 0);
+    EXPECT_EQ(CaseOf(theirs), FileCase::kNew);
+    const velkctl::JournalEntry own = WithOwnImages(change.entry());
+    EXPECT_EQ(CompareFile(ReadFileImage(kInterfaces), own), FileCase::kOther);
+    EXPECT_FALSE(ExpectSteps(change, {}));
+    EXPECT_EQ(CaseOf(theirs), FileCase::kOther);
+    EXPECT_EQ(CaseOf(kAfterAll), FileCase::kNew);
+}
+
+TEST_F(ExpectedImages, AreThoseOfTheRecordIfNoTrialIsPossible) {
+    WriteFile(kInterfaces, kAfterAll);
+    ASSERT_EQ(change.RecordFiles(), 0);
+    WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
+    EXPECT_FALSE(ExpectSteps(change, {})) << "each file is known";
+    EXPECT_EQ(CaseOf(kAfterAll), FileCase::kNew);
+    EXPECT_EQ(WithOwnImages(change.entry()).after.size(), 1U);
+}
+
+TEST_F(ExpectedImages, AreThoseOfTheRecordForAnUndo) {
+    velkctl::JournalEntry entry = change.entry();
+    entry.kind = velkctl::EntryKind::kUndo;
+    entry.after = {ReadFileImage(kInterfaces)};
+    WriteFile(kInterfaces, "# by hand\n");
+    EXPECT_EQ(WithOwnImages(entry).after.size(), 1U);
+    EXPECT_EQ(WithOwnImages(entry).after[0].bytes, kText);
+}
+
+// A set of the method switches an option of DHCP, and the apply sets it again.
+TEST_F(ExpectedImages, HaveASwitchedValueAsItWas) {
+    const std::string block = "interface \"eth0\" {\n\trequest routers, domain-name-servers;\n}\n";
+    WriteFile(kInterfaces, "iface eth0 inet static\n");
+    WriteFile(testkit::kDhcpConfigFile, block);
+    const velkctl::Data on{VELK_ON};
+    OpenChange apply;
+    ASSERT_EQ(apply.Begin({.kind = velkctl::EntryKind::kApply,
+                           .steps = {{*FindSetting("eth0.method"), velkctl::Data{VELK_METHOD_DHCP}},
+                                     {*FindSetting("eth0.dhcp-dns"), on}}},
+                          device),
+              0);
+    EXPECT_FALSE(ExpectChange(apply, {}));
+    for (const velkctl::FileImage& image : apply.entry().after) {
+        if (image.path == testkit::kDhcpConfigFile) {
+            EXPECT_EQ(image.bytes, block);
+        }
+    }
+}
+
 TEST_F(ExpectedImages, AreUnknownIfNoTrialIsPossible) {
     WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);

@@ -139,6 +139,39 @@ TEST(JournalEntry, MayBeTornAtAnyPlace) {
     }
 }
 
+std::string WithFlip(std::string bytes, size_t place) {
+    bytes[place] = static_cast<char>(bytes[place] ^ 1);
+    return bytes;
+}
+
+// A frame that is damaged in front of a last state is no cut. Nothing may be taken back.
+TEST(JournalEntry, OfAFinishedChangeMayBeDamagedAtAnyPlace) {
+    const std::string start = EncodeEntry(SomeEntry()) + EncodeState(EntryState::kApplying) +
+                              EncodeAfter({ImageOf(testkit::kInterfacesFile, "new")});
+    const std::string bytes = start + EncodeState(EntryState::kDone);
+    for (size_t place = 0; place < bytes.size(); ++place) {
+        const DecodedEntry decoded = DecodeEntry(WithFlip(bytes, place));
+        if (place < start.size()) {
+            EXPECT_EQ(decoded.health, EntryHealth::kDamaged) << place;
+        } else {
+            EXPECT_EQ(decoded.health, EntryHealth::kWhole) << place;
+            EXPECT_EQ(decoded.entry.state, EntryState::kApplying) << place;
+        }
+    }
+}
+
+// The entry is kept where its change may have been begun.
+TEST(JournalEntry, OfAChangeThatWasBegunIsNotTorn) {
+    const std::string start = EncodeEntry(SomeEntry());
+    const std::string bytes = start + EncodeState(EntryState::kApplying);
+    for (size_t place = 0; place < bytes.size(); ++place) {
+        const DecodedEntry decoded = DecodeEntry(WithFlip(bytes, place));
+        EXPECT_EQ(decoded.health,
+                  place < start.size() ? EntryHealth::kDamaged : EntryHealth::kWhole)
+            << place;
+    }
+}
+
 TEST(JournalEntry, OfALaterVelkctlIsNotUnderstood) {
     const std::string header =
         R"({"schema":2,"id":"k7f2","time":77,"user":5,"kind":"other","steps":7})";
@@ -147,6 +180,14 @@ TEST(JournalEntry, OfALaterVelkctlIsNotUnderstood) {
     EXPECT_EQ(decoded.entry.id, "k7f2");
     EXPECT_EQ(decoded.entry.time, 77);
     EXPECT_EQ(decoded.entry.user, 5U);
+}
+
+// A later velkctl may name its facts otherwise. Its entry is never taken for a damaged one, which
+// may be removed.
+TEST(JournalEntry, OfALaterVelkctlMayHaveOtherFacts) {
+    const std::string bytes = EncodeFrame(FrameKind::kHeader, R"({"schema":2,"times":[1,2]})") +
+                              "torn" + EncodeState(EntryState::kDone);
+    EXPECT_EQ(DecodeEntry(bytes).health, EntryHealth::kLater);
 }
 
 std::string Replaced(std::string text, std::string_view old_part, std::string_view new_part) {

@@ -144,7 +144,7 @@ TEST_F(JournalFolderTest, ReportsAnEntryThatCannotBeContinued) {
     file.Append("x");
     file.Sync();
     EXPECT_EQ(file.error(), ENOENT);
-    file.Remove();
+    EXPECT_FALSE(file.Remove());
 }
 
 TEST_F(JournalFolderTest, LeavesNoEntryOnAFullDisk) {
@@ -173,6 +173,20 @@ TEST_F(JournalFolderTest, KeepsNotMoreThanItsSize) {
     EXPECT_EQ(Ids(), (std::vector{open, last}));
     PruneJournal(300 * 1024);
     EXPECT_EQ(Ids(), std::vector{open}) << "an open entry always stays";
+}
+
+// Otherwise a change that is put back on a full disk would count as done.
+TEST_F(JournalFolderTest, HasNoStateThatMayNotBeOnDisk) {
+    JournalEntry entry;
+    EntryFile file(entry);
+    file.Append(velkctl::EncodeState(EntryState::kApplying));
+    file.Append(velkctl::EncodeState(EntryState::kDone));
+    const std::string aside = std::string(kFolder) + ".aside";
+    std::filesystem::rename(kFolder, aside);
+    file.Sync();
+    std::filesystem::rename(aside, kFolder);
+    EXPECT_EQ(file.error(), ENOENT);
+    EXPECT_EQ(ReadJournal().entries.front().decoded.entry.state, EntryState::kApplying);
 }
 
 TEST_F(JournalFolderTest, RemovesTornEntries) {

@@ -194,6 +194,37 @@ TEST_F(TakeBackTest, HasNothingToDoForAPreparedChange) {
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
+// The state after "prepared" was on disk, and was damaged since.
+TEST_F(TakeBackTest, PutsACutFileBackIfAFrameIsLost) {
+    Interrupt(EntryState::kPrepared, "iface eth0");
+    const std::string path = ReadJournal().entries.back().path;
+    WriteFile(path, ReadFile(path) + velkctl::EncodeState(EntryState::kApplying).substr(1));
+    EXPECT_TRUE(TakeBackLast().is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+    EXPECT_EQ(Stored().state, EntryState::kReverted);
+}
+
+// Otherwise a later run would take back settings of others.
+TEST_F(TakeBackTest, LeavesNoEntryIfItsEndCannotBeWritten) {
+    Interrupt(EntryState::kApplying, kText);
+    libc().ScriptAlways(testkit::Call::kWrite, testkit::Fail(ENOSPC));
+    EXPECT_TRUE(TakeBackLast().is_whole());
+    EXPECT_TRUE(ReadJournal().entries.empty());
+    EXPECT_EQ(error, "");
+}
+
+TEST_F(TakeBackTest, NotesAnEntryThatStaysOpen) {
+    Interrupt(EntryState::kApplying, kText);
+    const std::string id = ReadJournal().entries.back().decoded.entry.id;
+    libc().ScriptAlways(testkit::Call::kWrite, testkit::Fail(ENOSPC));
+    libc().ScriptAlways(testkit::Call::kUnlink, testkit::Fail(EROFS));
+    EXPECT_TRUE(TakeBackLast().is_whole());
+    EXPECT_EQ(error, "velkctl: note: the journal may call change " + id +
+                         " interrupted, although it is put back\n"
+                         "  /var/libvelk/journal: No space left on device\n"
+                         "  fix: free space on the disk of /var/libvelk\n");
+}
+
 TEST_F(TakeBackTest, PutsACutFileBack) {
     Interrupt(EntryState::kApplying, "iface eth0");
     EXPECT_TRUE(TakeBackLast().is_whole());

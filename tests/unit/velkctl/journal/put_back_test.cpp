@@ -208,6 +208,48 @@ TEST_F(PutBackTest, KeepsTheValueOfAnotherProgram) {
     EXPECT_TRUE(FindObstacles(Change(), device).empty());
 }
 
+// The files were read for the entry of an undo; then another program has written.
+TEST_F(PutBackTest, WritesNoBytesIfAFileHasChangedSinceTheUndoBegan) {
+    JournalEntry entry = Change();
+    entry.before[0].bytes.append("# once\n");
+    const std::vector begun_with{ImageOf(kInterfaces, TextWith("192.168.0.2") + "# theirs\n")};
+    WriteFile(kInterfaces, TextWith("192.168.0.2"));
+    EXPECT_TRUE(Run(entry, {.begun_with = &begun_with}).is_whole());
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
+}
+
+// Another program, which does not use the lock, writes at each moment when it is taken.
+TEST_F(PutBackTest, GivesUpIfAnotherProgramWritesAgainAndAgain) {
+    VkLibUnLock(VkLibLock());
+    int count = 0;
+    libc().OnCall(testkit::Call::kFlock, [&, self = getpid()](const testkit::Event&) {
+        if (getpid() == self) {  // not in the private copy
+            const std::string line = "# " + std::to_string(++count) + "\n";
+            WriteFile(kInterfaces, TextWith("192.168.0.2") + line);
+        }
+    });
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"eth0.address: not put back; another program changes its file again and "
+                          "again"s});
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2") + "# " + std::to_string(count) + "\n");
+}
+
+// Another program writes when the value was compared, and is to be replaced.
+TEST_F(PutBackTest, KeepsAValueThatAnotherProgramHasSetMeanwhile) {
+    WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
+    VkLibUnLock(VkLibLock());
+    int count = 0;
+    libc().OnCall(testkit::Call::kFlock, [&, self = getpid()](const testkit::Event&) {
+        // The files were read under the first two.
+        if (getpid() == self && ++count == 3) {
+            WriteFile(kInterfaces, TextWith("192.168.0.3"));
+        }
+    });
+    EXPECT_EQ(Texts(Run(Change()).left),
+              std::vector{"eth0.address: not put back; another program has set it since"s});
+    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.3"));
+}
+
 TEST_F(PutBackTest, NamesASettingWithoutAnOldValue) {
     JournalEntry entry = Change();
     entry.steps.front().old_value.reset();
@@ -244,18 +286,18 @@ TEST_F(PutBackTest, NamesASettingThatTheDeviceDoesNotTake) {
 
 TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
     WriteFile(kInterfaces, TextWith("192.168.0.1"));
-    // The library's lock is opened twice, then the file is read.
-    libc().PlanFault(testkit::Call::kOpen, 4, testkit::Reach::kThatOne, EIO);
+    // The library's lock is opened, then the file is read.
+    libc().PlanFault(testkit::Call::kOpen, 3, testkit::Reach::kThatOne, EIO);
     EXPECT_EQ(Texts(Run(Change()).left),
               std::vector{"/etc/network/interfaces: not put back; Input/output error"s});
 }
 
 TEST_F(PutBackTest, ReportsAnInterfaceThatCannotBeRestarted) {
     JournalEntry entry = Change();
-    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kDone);
+    EXPECT_EQ(RestartAll(entry.restarts, device, report), velkctl::ExitStatus::kDone);
     entry.restarts = {"eth2"};
     testing::internal::CaptureStderr();
-    EXPECT_EQ(RestartAfter(entry, device, report), velkctl::ExitStatus::kInvalid);
+    EXPECT_EQ(RestartAll(entry.restarts, device, report), velkctl::ExitStatus::kInvalid);
     EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(
         "velkctl: eth2: could not be restarted\n"));
 }

@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "lib/base/find_row.h"
@@ -136,6 +137,26 @@ TEST_F(TrialRunTest, IsRefusedWhileAnotherProgramHoldsTheLock) {
     ASSERT_EQ(run.answers.size(), 1U);
     EXPECT_EQ(run.answers[0].result, LIB_VELK_LOCKED);
     EXPECT_TRUE(run.after.empty());
+}
+
+// The kernel takes a copy away when its file is replaced.
+TEST_F(TrialRunTest, DoesNotTakeAFileThatIsReplacedMeanwhileForItsCopy) {
+    WriteFile(kInterfaces, kStatic);
+    const pid_t editor = fork();
+    if (editor == 0) {
+        for (;;) {
+            WriteFile("/etc/network/new", kStatic);
+            (void)rename("/etc/network/new", kInterfaces);
+        }
+    }
+    const TrialRun run = RunTrial({kSetAddress}, {});
+    ASSERT_EQ(kill(editor, SIGKILL), 0);
+    ASSERT_EQ(waitpid(editor, nullptr, 0), editor);
+    ASSERT_TRUE(run.problem);
+    EXPECT_EQ(run.problem->detail, "keep the copy of /etc/network/interfaces: Stale file handle");
+    (void)unlink("/etc/network/new");
+    EXPECT_EQ(ReadFile(kInterfaces), kStatic);
+    EXPECT_EQ(TextAfter(RunTrial({kSetAddress}, {}), kInterfaces), kChanged);
 }
 
 TEST_F(TrialRunTest, NeedsFilesOfUsualSize) {
