@@ -204,6 +204,7 @@ void EntryFile::Append(const std::string& frames) {
         return;
     }
     last_append_ = lseek(fd_.get(), 0, SEEK_CUR);
+    is_synced_ = false;
     if (!velk::WriteAll(fd_.get(), frames)) {
         error_ = errno;
         TakeBackAppend();
@@ -212,10 +213,11 @@ void EntryFile::Append(const std::string& frames) {
 
 // A state that may not be on disk must not count: its change is not finished.
 void EntryFile::Sync() {
-    if (error_ != 0) {
+    if (error_ != 0 || is_synced_) {
         return;
     }
     error_ = fsync(fd_.get()) == -1 ? errno : 0;
+    is_synced_ = error_ == 0;
     if (error_ == 0 && !is_folder_synced_) {
         error_ = SyncFolder(velk::kJournalFolder);
         is_folder_synced_ = true;
