@@ -19,7 +19,6 @@
 #include "fault/kit/disk_log.h"
 #include "fault/kit/disk_states.h"
 #include "fault/kit/requests.h"
-#include "fault/kit/scene.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/journal/journal_folder.h"

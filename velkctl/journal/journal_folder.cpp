@@ -184,10 +184,11 @@ EntryFile::EntryFile(JournalEntry& entry) {
     }
 }
 
-EntryFile::EntryFile(const std::string& path, size_t valid_length) {
+EntryFile::EntryFile(const std::string& path, size_t valid_length)
+    : last_append_(static_cast<off_t>(valid_length)) {
     Take(path, 0);
-    const auto end = static_cast<off_t>(valid_length);
-    if (error_ == 0 && (ftruncate(fd_.get(), end) == -1 || lseek(fd_.get(), end, SEEK_SET) == -1)) {
+    if (error_ == 0 && (ftruncate(fd_.get(), last_append_) == -1 ||
+                        lseek(fd_.get(), last_append_, SEEK_SET) == -1)) {
         error_ = errno;
     }
 }

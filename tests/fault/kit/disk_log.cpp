@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
 #include <fcntl.h>
@@ -16,7 +17,6 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 
 #include "fault/kit/tracer.h"
 
@@ -34,6 +34,11 @@ FileNumber FileAt(const std::string& path) {
     return stat(path.c_str(), &facts) == 0 ? FileNumber(facts.st_dev, facts.st_ino) : FileNumber();
 }
 
+// A trial run of velkctl has private copies of the files, which are not on the disk.
+bool IsInPrivateCopy(pid_t process) {
+    return FileAt("/proc/" + std::to_string(process) + "/ns/mnt") != FileAt("/proc/self/ns/mnt");
+}
+
 bool HasSameFacts(const DiskFile& one, const DiskFile& other) {
     return one.mode == other.mode && one.owner == other.owner && one.group == other.group;
 }
@@ -48,6 +53,9 @@ class Logger {
     // A sync covers the changes before it. A change that shows after it may be another
     // process's, made since.
     void Watch(const ReturnedCall& call) {
+        if (IsInPrivateCopy(call.process)) {
+            return;
+        }
         if (!call.has_failed) {
             NoteSync(call);
         }
