@@ -37,6 +37,9 @@ FileImage ReadFileImage(const std::string& path);
 // FlushFile().
 int WriteFileImage(const FileImage& image, const FileImage& now);
 
+// Gives an existing file the image's mode and, if the caller may, its owner. Returns 0 or errno.
+int RestoreOwner(const FileImage& image);
+
 // Writes the file and its folder to disk. A missing file is no failure. Returns 0 or errno.
 int FlushFile(const std::string& path);
 

@@ -116,17 +116,22 @@ void SetRecord::Finish() {
         return;
     }
     is_finished_ = true;
-    if (is_given_up_ || (change_.HasChangedNoFile() && !has_changed_value_)) {
+    if (is_given_up_) {
         (void)change_.Discard();
         return;
     }
-    Close();
+    // The files are on disk before the entry is closed or removed. A file that was written again
+    // with its old bytes can be cut like any other.
+    const int flushed = change_.FlushFiles();
+    if (flushed == 0 && change_.HasChangedNoFile() && !has_changed_value_) {
+        (void)change_.Discard();
+        return;
+    }
+    Close(flushed);
 }
 
-// The files are on disk before the entry says so.
-void SetRecord::Close() {
+void SetRecord::Close(int flushed) {
     change_.RecordSteps(made_);
-    const int flushed = change_.FlushFiles();
     const int error = flushed != 0 ? flushed : change_.Advance(EntryState::kDone);
     if (error != 0) {
         report_.Note(JournalProblem("set: the journal may call this set interrupted", error));

@@ -43,7 +43,7 @@ class SetRecord final : public SetWatcher {
     void NoteInterrupted() const;
     // Counts the steps that have changed something.
     void CountStep(const Answer& answer);
-    void Close();
+    void Close(int flushed);
 
     const ChangePlan plan_;
     const Device& device_;

@@ -82,15 +82,16 @@ void MakeTools() {
 }
 
 // The output of the verbs is no test output.
-void DiscardOutput() {
-    const velk::UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
-    (void)dup2(nowhere.get(), STDOUT_FILENO);
-    (void)dup2(nowhere.get(), STDERR_FILENO);
+void SendOutput(const std::string& path) {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+    const velk::UniqueFd file(open(path.c_str(), kFlags, 0600));
+    (void)dup2(file.get(), STDOUT_FILENO);
+    (void)dup2(file.get(), STDERR_FILENO);
 }
 
 // The child process has a recorder of its own.
-void UseRealTools() {
-    DiscardOutput();
+void UseRealTools(const std::string& output = "/dev/null") {
+    SendOutput(output);
     testkit::LibcRecorder& libc = testkit::LibcRecorder::Get();
     libc.Reset();
     libc.ScriptAlways(testkit::Call::kIoctl, testkit::Return(0));  // nobody has an eth0 here
@@ -171,7 +172,12 @@ DeviceState ChangeDevice::State() {
 
 void ChangeDevice::Reboot() {
     (void)device_.RestartDaemon();
-    testkit::WriteFile(kBootId, "1\n");
+    StartNextBoot();
+}
+
+void ChangeDevice::StartNextBoot() {
+    const int boot = std::stoi(testkit::ReadFile(kBootId));
+    testkit::WriteFile(kBootId, std::to_string(boot + 1) + "\n");
 }
 
 Work ChangeDevice::Set(Changes changes) {
@@ -191,9 +197,9 @@ Work ChangeDevice::Undo() {
     };
 }
 
-Work ChangeDevice::Recover(bool at_boot) {
-    return [at_boot] {
-        UseRealTools();
+Work ChangeDevice::Recover(bool at_boot, std::string output) {
+    return [at_boot, output = std::move(output)] {
+        UseRealTools(output);
         Report report(Report::Form::kText);
         return static_cast<int>(RunRecover({.boot = at_boot}, report));
     };
