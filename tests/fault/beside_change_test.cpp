@@ -24,6 +24,7 @@
 #include "support/dice.h"
 #include "support/paths.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/journal_record.h"
@@ -80,7 +81,8 @@ int MakeApply() {
     velkctl::JournalRecord record({}, report);
     const ChangeSet changes{ChangeTo("eth0.address", kNew)};
     const velkctl::ApplyPlan plan = MakePlan(changes, {.is_automatic = false}, device);
-    return static_cast<int>(Apply(plan, record, {}, device, report).status);
+    const velkctl::StopSignals signals;
+    return static_cast<int>(Apply(plan, record, {}, signals, report).status);
 }
 
 int Undo() {
@@ -426,7 +428,8 @@ int ApplyWaiting() {
     velkctl::JournalRecord record(kWait, report);
     const velkctl::ApplyPlan plan =
         MakePlan({ChangeTo("eth0.address", kNew)}, {.is_automatic = false}, device);
-    return static_cast<int>(Apply(plan, record, kWait, device, report).status);
+    const velkctl::StopSignals signals;
+    return static_cast<int>(Apply(plan, record, kWait, signals, report).status);
 }
 
 int UndoWaiting() {

@@ -188,6 +188,11 @@ int WriteFileImage(const FileImage& image, const FileImage& now) {
     return now.exists ? Replace(image, now) : Create(image);
 }
 
+int RestoreOwner(const FileImage& image) {
+    const velk::UniqueFd fd(open(image.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return fd.get() == -1 ? errno : AdoptOwner(fd.get(), image);
+}
+
 int FlushFile(const std::string& path) {
     const int error = Flush(path, 0);
     return error != 0 ? error : Flush(FolderOf(path), O_DIRECTORY);

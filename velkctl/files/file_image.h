@@ -40,6 +40,9 @@ bool MayWrite(const FileImage& now);
 // Returns 0 or errno; the file is not on disk until FlushFile().
 int WriteFileImage(const FileImage& image, const FileImage& now);
 
+// Gives an existing file the image's mode and, if the caller may, its owner. Returns 0 or errno.
+int RestoreOwner(const FileImage& image);
+
 // Writes the file and its folder to disk. A missing file is no failure. Returns 0 or errno.
 int FlushFile(const std::string& path);
 

@@ -21,6 +21,7 @@ std::optional<std::vector<FileImage>> ReadFiles(const std::vector<FileImage>& fi
         return std::nullopt;
     }
     std::vector<FileImage> images;
+    images.reserve(files.size());
     for (const FileImage& file : files) {
         images.push_back(ReadFileImage(file.path));
     }

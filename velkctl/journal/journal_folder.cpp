@@ -246,10 +246,11 @@ EntryFile::EntryFile(JournalEntry& entry) {
     }
 }
 
-EntryFile::EntryFile(const std::string& path, size_t valid_length) {
+EntryFile::EntryFile(const std::string& path, size_t valid_length)
+    : last_append_(static_cast<off_t>(valid_length)) {
     Take(path, 0);
-    const auto end = static_cast<off_t>(valid_length);
-    if (error_ == 0 && (ftruncate(fd_.get(), end) == -1 || lseek(fd_.get(), end, SEEK_SET) == -1)) {
+    if (error_ == 0 && (ftruncate(fd_.get(), last_append_) == -1 ||
+                        lseek(fd_.get(), last_append_, SEEK_SET) == -1)) {
         error_ = errno;
     }
 }
@@ -266,6 +267,7 @@ void EntryFile::Append(const std::string& frames) {
         return;
     }
     last_append_ = lseek(fd_.get(), 0, SEEK_CUR);
+    is_synced_ = false;
     if (!velk::WriteAll(fd_.get(), frames)) {
         error_ = errno;
         TakeBackAppend();
@@ -285,10 +287,11 @@ void EntryFile::Reserve(size_t size) {
 
 // A state that may not be on disk must not count: its change is not finished.
 void EntryFile::Sync() {
-    if (error_ != 0) {
+    if (error_ != 0 || is_synced_) {
         return;
     }
     error_ = fsync(fd_.get()) == -1 ? errno : 0;
+    is_synced_ = error_ == 0;
     if (error_ == 0 && !is_folder_synced_) {
         error_ = SyncFolder(velk::kJournalFolder);
         is_folder_synced_ = true;

@@ -71,6 +71,7 @@ class EntryFile {
     velk::UniqueFd fd_;
     int error_ = 0;
     off_t last_append_ = 0;  // the place of its frames
+    bool is_synced_ = false;
     bool is_folder_synced_ = false;
 };
 

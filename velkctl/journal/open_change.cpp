@@ -171,7 +171,10 @@ int OpenChange::BeginWithin(int wait_seconds, const ChangePlan& plan, const Devi
     return error;
 }
 
+// A reader takes a lost frame in front of a state for damage of the disk. So the frames before the
+// state are on disk first: a power cut loses only the end.
 int OpenChange::Advance(EntryState state) {
+    file_->Sync();
     file_->Append(EncodeState(state));
     file_->Sync();
     if (file_->error() == 0) {

@@ -38,33 +38,43 @@ constexpr std::chrono::seconds kAgentTime{30};
 // Another program that writes a file again and again is overtaken by one of so many tries.
 constexpr int kCopyTries = 10;
 
-bool IsPrefixOf(std::string_view part, std::string_view whole) {
-    return part.size() < whole.size() && whole.starts_with(part);
-}
-
-// After a power cut, blocks that were not written may read as NULs.
-std::string_view WithoutNuls(std::string_view bytes) {
-    return bytes.substr(0, bytes.find_last_not_of('\0') + 1);
-}
-
+// True if the file has a part of the image. After a power cut, any block that was not written may
+// read as NULs.
 bool IsCutOf(const FileImage& now, const FileImage& image) {
-    const std::string_view text = WithoutNuls(now.bytes);
-    const bool is_cut = text.empty() || IsPrefixOf(text, image.bytes) ||
-                        (text.size() < now.bytes.size() && text == image.bytes);
-    return now.exists && now.error == 0 && is_cut;
+    for (size_t i = 0; i < now.bytes.size(); ++i) {
+        const bool is_of_image = i < image.bytes.size() && now.bytes[i] == image.bytes[i];
+        if (now.bytes[i] != '\0' && !is_of_image) {
+            return false;
+        }
+    }
+    return now.exists && now.error == 0;
+}
+
+// Removes the lines at the beginning that are one of these two texts' lines at their places.
+void CutMixedLines(std::string_view& text, std::string_view& one, std::string_view& other) {
+    while (!text.empty() && !one.empty() && !other.empty()) {
+        const std::string_view line = FirstLine(text);
+        if (line != FirstLine(one) && line != FirstLine(other)) {
+            return;
+        }
+        (void)TakeLine(text);
+        (void)TakeLine(one);
+        (void)TakeLine(other);
+    }
 }
 
 // True if each line is one of these two texts' lines at its place. The library makes some sets in
 // two edits; between them the file is neither as before nor as after.
 bool IsMixOf(std::string_view text, std::string_view one, std::string_view other) {
-    while (!text.empty() && !one.empty() && !other.empty()) {
-        const std::string_view line = TakeLine(text);
-        const bool is_of_one = line == TakeLine(one);
-        if (line != TakeLine(other) && !is_of_one) {
-            return false;
-        }
-    }
+    CutMixedLines(text, one, other);
     return text.empty() && one.empty() && other.empty();
+}
+
+// True for the beginning of such a text, perhaps with NULs after it.
+bool IsCutMixOf(std::string_view text, std::string_view one, std::string_view other) {
+    text = text.substr(0, text.find_last_not_of('\0') + 1);
+    CutMixedLines(text, one, other);
+    return one.starts_with(text) || other.starts_with(text);
 }
 
 // Returns the images of the file that the change has made.
@@ -78,6 +88,10 @@ std::vector<const FileImage*> OwnImages(const std::string& path, const JournalEn
         }
     }
     return images;
+}
+
+bool MayBeMix(const FileImage& now, const FileImage& image, const JournalEntry& entry) {
+    return now.exists && image.exists && !entry.is_closed();
 }
 
 const FileImage& ImageBefore(const std::string& path, const JournalEntry& entry) {
@@ -264,6 +278,14 @@ std::vector<std::string> ForeignFiles(const JournalEntry& entry) {
     return foreign;
 }
 
+// sed(1) replaces a file by a new one with the same mode and owner. After a power cut these may be
+// lost and the new file be there. A finished change was flushed: somebody has set a mode since.
+bool HasLostOwner(const FileImage& now, const FileImage& before, const JournalEntry& entry) {
+    const bool is_same =
+        now.mode == before.mode && now.owner == before.owner && now.group == before.group;
+    return !entry.is_closed() && now.exists && before.exists && !is_same;
+}
+
 bool HasSameContents(const FileImage& now, const std::vector<FileImage>& images) {
     const auto same = std::ranges::find(images, now.path, &FileImage::path);
     return same == images.end() || now.HasContentsOf(*same);
@@ -296,6 +318,7 @@ class Restoration {
     void WriteFiles();
     void WriteUnderLock();
     void WriteFile(const FileImage& now);
+    int GiveBack(const FileImage& now, FileCase found) const;
     void LeaveFile(const std::string& path, int error);
     bool WasWrittenSinceBegin(const FileImage& now) const;
     void SetValues();
@@ -367,10 +390,7 @@ void Restoration::WriteFile(const FileImage& now) {
         foreign_.push_back(now.path);
         return;
     }
-    if (found == FileCase::kOld) {
-        return;
-    }
-    const int error = WriteFileImage(ImageBefore(now.path, entry_), now);
+    const int error = GiveBack(now, found);
     if (error == ESTALE) {
         foreign_.push_back(now.path);
         return;
@@ -380,8 +400,17 @@ void Restoration::WriteFile(const FileImage& now) {
         result_.has_changed = result_.has_changed || !ReadFileImage(now.path).HasContentsOf(now);
         return;
     }
+    if (found == FileCase::kOld) {
+        return;
+    }
     result_.has_changed = true;
     restarts_agent_ = restarts_agent_ || now.path == velk::kSnmpFile;
+}
+
+int Restoration::GiveBack(const FileImage& now, FileCase found) const {
+    const FileImage& before = ImageBefore(now.path, entry_);
+    const int error = found == FileCase::kOld ? 0 : WriteFileImage(before, now);
+    return error == 0 && HasLostOwner(now, before, entry_) ? RestoreOwner(before) : error;
 }
 
 void Restoration::LeaveFile(const std::string& path, int error) {
@@ -546,9 +575,8 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
     }
     const std::vector<const FileImage*> own = OwnImages(now.path, entry);
     const auto is_own = [&](const FileImage* image) {
-        const bool may_be_mix = now.exists && image->exists && !entry.is_closed();
         return now.HasContentsOf(*image) ||
-               (may_be_mix && IsMixOf(now.bytes, before.bytes, image->bytes));
+               (MayBeMix(now, *image, entry) && IsMixOf(now.bytes, before.bytes, image->bytes));
     };
     if (std::ranges::any_of(own, is_own)) {
         return FileCase::kNew;
@@ -556,7 +584,10 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
     if (!now.exists && !entry.is_closed()) {
         return FileCase::kCut;  // the change was interrupted between a removal and its record
     }
-    const auto is_cut = [&](const FileImage* image) { return IsCutOf(now, *image); };
+    const auto is_cut = [&](const FileImage* image) {
+        return IsCutOf(now, *image) ||
+               (MayBeMix(now, *image, entry) && IsCutMixOf(now.bytes, before.bytes, image->bytes));
+    };
     const bool was_cut = IsCutOf(now, before) || std::ranges::any_of(own, is_cut);
     return was_cut ? FileCase::kCut : CompareWithEditCopy(now, entry);
 }

@@ -22,7 +22,7 @@ namespace velkctl {
 enum class FileCase {
     kOld,    // as before the change
     kNew,    // as the change has left it, or an interrupted one between two edits
-    kCut,    // empty, or the beginning of one of the two, perhaps with NULs after it; missing, if
+    kCut,    // empty, or a part of one of the two, perhaps with NULs for the rest; missing, if
              // the change was interrupted
     kOther,  // another program has written it since, or it cannot be read or written
 };

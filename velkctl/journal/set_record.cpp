@@ -124,19 +124,29 @@ void SetRecord::Finish() {
         return;
     }
     is_finished_ = true;
-    if (is_given_up_ || (change_.HasChangedNoFile() && !has_changed_value_)) {
+    if (is_given_up_) {
         (void)change_.Discard();
         return;
     }
-    Close();
+    // The files are on disk before the entry is closed or removed. A file that was written again
+    // with its old bytes can be cut like any other.
+    const int flushed = change_.FlushFiles();
+    if (flushed == 0 && change_.HasChangedNoFile() && !has_changed_value_) {
+        (void)change_.Discard();
+        return;
+    }
+    Close(flushed);
 }
 
-// The files are on disk before the entry says so.
-void SetRecord::Close() {
+// A file that is not on disk may be cut when the power fails: its entry stays open. An entry of
+// files on disk that cannot be closed is removed: recover would take the set back.
+void SetRecord::Close(int flushed) {
     change_.RecordSteps(made_);
-    const int flushed = change_.FlushFiles();
-    const int error = flushed != 0 ? flushed : change_.Advance(EntryState::kDone);
-    if (error != 0) {
+    if (flushed != 0) {
+        report_.Note(JournalProblem("set: the journal may call this set interrupted", flushed));
+        return;
+    }
+    if (const int error = change_.Advance(EntryState::kDone); error != 0) {
         (void)change_.Discard();
         GiveUp(error);
     }

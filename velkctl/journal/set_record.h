@@ -49,7 +49,7 @@ class SetRecord final : public SetWatcher {
     void Withdraw();
     // Counts the steps that have changed something.
     void CountStep(const Answer& answer);
-    void Close();
+    void Close(int flushed);
 
     const ChangePlan plan_;
     Device& device_;

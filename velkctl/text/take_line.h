@@ -11,11 +11,15 @@
 
 namespace velkctl {
 
-// Removes the first line from a text that is not empty. Returns it with its newline, if it has one.
+// Returns the first line of a text that is not empty, with its newline, if it has one.
+inline std::string_view FirstLine(std::string_view text) {
+    return text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
+}
+
+// The same; removes the line from the text.
 inline std::string_view TakeLine(std::string_view& text) {
-    const size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
-    const std::string_view line = text.substr(0, length);
-    text.remove_prefix(length);
+    const std::string_view line = FirstLine(text);
+    text.remove_prefix(line.size());
     return line;
 }
 

@@ -13,6 +13,7 @@
 
 #include "lib/base/paths.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/library_lock.h"
 #include "velkctl/call/time_limits.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/restarts.h"

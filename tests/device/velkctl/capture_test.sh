@@ -131,7 +131,7 @@ finds 'no problem'
 shows 'eth0.address            192.168.0.10'
 
 it 'makes a device again with its cable out and a wrong interfaces file'
-same_after 'printf "auto eth0\niface eth0 inet statik\n adress 1.2.3.4\n" >/etc/network/interfaces
+same_after 'printf "auto eth0\niface eth0 inet statik\n addr 1.2.3.4\n" >/etc/network/interfaces
     velkctl set eth0.link-speed 10-half --no-journal >/dev/null; velk-sandbox cable out
     velkctl set eth1.ssid=attic eth1.channel=11 --no-journal; sleep 1.2'
 finds "'statik' is neither static nor dhcp"

@@ -20,6 +20,7 @@
 #include "support/libc_recorder.h"
 #include "support/paths.h"
 #include "velkctl/call/device.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
 #include "velkctl/changes/change_set.h"
@@ -82,15 +83,16 @@ void MakeTools() {
 }
 
 // The output of the verbs is no test output.
-void DiscardOutput() {
-    const velk::UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
-    (void)dup2(nowhere.get(), STDOUT_FILENO);
-    (void)dup2(nowhere.get(), STDERR_FILENO);
+void SendOutput(const std::string& path) {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+    const velk::UniqueFd file(open(path.c_str(), kFlags, 0600));
+    (void)dup2(file.get(), STDOUT_FILENO);
+    (void)dup2(file.get(), STDERR_FILENO);
 }
 
 // The child process has a recorder of its own.
-void UseRealTools() {
-    DiscardOutput();
+void UseRealTools(const std::string& output = "/dev/null") {
+    SendOutput(output);
     testkit::LibcRecorder& libc = testkit::LibcRecorder::Get();
     libc.Reset();
     libc.ScriptAlways(testkit::Call::kIoctl, testkit::Return(0));  // nobody has an eth0 here
@@ -125,7 +127,8 @@ int MakeApply(const Changes& changes, const std::vector<std::string>& restarts,
         report.Complain(plan.problems.front());
         return static_cast<int>(plan.status);
     }
-    return static_cast<int>(velkctl::Apply(plan, record, {}, device, report).status);
+    const velkctl::StopSignals signals;
+    return static_cast<int>(velkctl::Apply(plan, record, {}, signals, report).status);
 }
 
 }  // namespace
@@ -171,7 +174,12 @@ DeviceState ChangeDevice::State() {
 
 void ChangeDevice::Reboot() {
     (void)device_.RestartDaemon();
-    testkit::WriteFile(kBootId, "1\n");
+    StartNextBoot();
+}
+
+void ChangeDevice::StartNextBoot() {
+    const int boot = std::stoi(testkit::ReadFile(kBootId));
+    testkit::WriteFile(kBootId, std::to_string(boot + 1) + "\n");
 }
 
 Work ChangeDevice::Set(Changes changes) {
@@ -191,9 +199,9 @@ Work ChangeDevice::Undo() {
     };
 }
 
-Work ChangeDevice::Recover(bool at_boot) {
-    return [at_boot] {
-        UseRealTools();
+Work ChangeDevice::Recover(bool at_boot, std::string output) {
+    return [at_boot, output = std::move(output)] {
+        UseRealTools(output);
         Report report(Report::Form::kText);
         return static_cast<int>(RunRecover({.boot = at_boot}, report));
     };

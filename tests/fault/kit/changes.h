@@ -49,6 +49,7 @@ class ChangeDevice {
     DeviceState State();
     // Restarts the daemon, too, and gives the device another boot id.
     void Reboot();
+    static void StartNextBoot();  // only the boot id
 
     // The set as the verb makes it, without its checks.
     static Work Set(Changes changes);
@@ -57,7 +58,8 @@ class ChangeDevice {
     static Work Apply(Changes changes, std::vector<std::string> restarts = {},
                       std::string address = "");
     static Work Undo();
-    static Work Recover(bool at_boot = false);
+    // Prints to this file.
+    static Work Recover(bool at_boot = false, std::string output = "/dev/null");
 
   private:
     Device device_;

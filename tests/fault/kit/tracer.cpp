@@ -17,6 +17,7 @@
 #include <map>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
@@ -200,6 +201,7 @@ struct Interruption {
     size_t at = 0;  // the number of a system call; 0: none
     std::function<void()> act{};
     WriteFault fault{};
+    CallWatcher watcher{};
 };
 
 class Follower {
@@ -210,6 +212,7 @@ class Follower {
           at_(interruption.at),
           act_(interruption.act),
           fault_(interruption.fault),
+          watcher_(interruption.watcher),
           processes_{first} {
         if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
             Fail("PTRACE_SETOPTIONS");
@@ -266,11 +269,23 @@ class Follower {
             if (run_.calls_that_change.size() == at_ && Interrupt()) {
                 return;
             }
+            entered_[pid] = info;
             NoteWrite(pid, WriteOf(pid, info));
         } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && failing_.erase(pid) != 0) {
             SetResult(pid, -fault_.error);
+        } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && watcher_) {
+            Watch(pid, info.exit.is_error != 0);
         }
         Continue(pid, 0);
+    }
+
+    void Watch(pid_t pid, bool has_failed) {
+        const auto entered = entered_.find(pid);
+        if (entered == entered_.end() || !CanChangeTheDevice(entered->second)) {
+            return;
+        }
+        const auto& entry = entered->second.entry;
+        watcher_({pid, static_cast<long>(entry.nr), entry.args[0], has_failed});
     }
 
     // Returns true if the processes were killed.
@@ -316,8 +331,10 @@ class Follower {
     const size_t at_;
     const std::function<void()> act_;
     const WriteFault fault_;
+    const CallWatcher watcher_;
     std::set<pid_t> processes_;
-    std::set<pid_t> failing_;  // those in a call that fails
+    std::map<pid_t, __ptrace_syscall_info> entered_;  // the last call that each has begun
+    std::set<pid_t> failing_;                         // those in a call that fails
     TracedRun run_;
 };
 
@@ -344,6 +361,10 @@ TracedRun Run(const std::function<int()>& work, const Interruption& interruption
 
 TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
     return Run(work, {.at = cut_at});
+}
+
+TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watcher) {
+    return Run(work, {.watcher = watcher});
 }
 
 TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault) {

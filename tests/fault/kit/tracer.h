@@ -5,11 +5,14 @@
 #ifndef TESTS_FAULT_KIT_TRACER_H_
 #define TESTS_FAULT_KIT_TRACER_H_
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace fault {
 
@@ -40,6 +43,18 @@ struct TracedRun {
 // as a power cut would; 0 lets them run to their end. Throws std::system_error if processes cannot
 // be traced.
 TracedRun RunTraced(const std::function<int()>& work, size_t cut_at = 0);
+
+// A system call that has just returned. The process waits until its watcher returns.
+struct ReturnedCall {
+    pid_t process;
+    long number;
+    uint64_t first_argument;
+    bool has_failed;
+};
+using CallWatcher = std::function<void(const ReturnedCall& call)>;
+
+// The same without a cut. The watcher sees each call that can change more than its own process.
+TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watcher);
 
 // Runs `work` in the same way. The write with the fault's number fails and does nothing, if a disk
 // can fail it with that error: a full one fails no fsync(2) of a file that has its blocks.

@@ -30,6 +30,7 @@ using velkctl::PutBackOptions;
 using velkctl::PutBackResult;
 
 using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kCopy[] = "/var/tmp/interfaces";
@@ -102,6 +103,30 @@ TEST_F(PutBackTest, KnowsAFileThatIsCutAtAnyPlace) {
     }
 }
 
+TEST_F(PutBackTest, KnowsAFileWithUnwrittenBlocks) {
+    const std::string text = TextWith("192.168.0.2");
+    EXPECT_EQ(CaseOf(std::string(8, '\0') + text.substr(8)), FileCase::kCut);
+    EXPECT_EQ(CaseOf(text.substr(0, 8) + std::string(8, '\0') + text.substr(16)), FileCase::kCut);
+    EXPECT_EQ(CaseOf(std::string(8, '\0') + text.substr(8) + "x"), FileCase::kOther);
+    EXPECT_EQ(CaseOf(std::string(8, '\0') + text), FileCase::kOther);
+}
+
+// Between two edits, the first line is new and the second old.
+TEST_F(PutBackTest, KnowsAFileThatIsCutBetweenTwoEdits) {
+    JournalEntry entry = Change();
+    entry.state = EntryState::kApplying;
+    entry.before = {ImageOf(kInterfaces, "#one\n#two\n")};
+    entry.after = {ImageOf(kInterfaces, "one\ntwo\n")};
+    EXPECT_EQ(CaseOf("one\n#two\n", entry), FileCase::kNew);
+    for (const std::string_view cut : {"one\n#two"sv, "one\n#"sv, "one\n#t\0\0\0"sv}) {
+        EXPECT_EQ(CaseOf(cut, entry), FileCase::kCut) << cut;
+    }
+    EXPECT_EQ(CaseOf("one\n#x", entry), FileCase::kOther);
+    EXPECT_EQ(CaseOf("one\n#two\n#", entry), FileCase::kOther);
+    entry.state = EntryState::kDone;
+    EXPECT_EQ(CaseOf("one\n#t", entry), FileCase::kOther);
+}
+
 TEST_F(PutBackTest, KnowsTheFileOfAnInterruptedEdit) {
     JournalEntry entry = Change();
     entry.after.clear();
@@ -159,6 +184,24 @@ TEST_F(PutBackTest, GivesAFileItsBytesInPlace) {
     const PutBackResult again = Run(Change());
     EXPECT_TRUE(again.is_whole());
     EXPECT_FALSE(again.has_changed);
+}
+
+// sed(1) makes a new file with mode 0600 first.
+TEST_F(PutBackTest, GivesAFileTheModeThatAPowerCutHasTaken) {
+    JournalEntry entry = Change();
+    entry.state = EntryState::kApplying;
+    entry.before.front().owner = geteuid();
+    entry.before.front().group = getegid();
+    for (const char* address : {"192.168.0.1", "192.168.0.2"}) {
+        WriteFile(kInterfaces, TextWith(address));
+        ASSERT_EQ(chmod(kInterfaces, 0600), 0);
+        EXPECT_TRUE(Run(entry).is_whole());
+        EXPECT_EQ(testkit::IdentityOf(kInterfaces).mode & 07777U, 0640U);
+    }
+    ASSERT_EQ(chmod(kInterfaces, 0600), 0);
+    libc().Script(testkit::Call::kFchmod, {testkit::Fail(EPERM)});
+    EXPECT_EQ(Texts(Run(entry).left),
+              std::vector{"/etc/network/interfaces: not put back; Operation not permitted"s});
 }
 
 TEST_F(PutBackTest, KeepsTheTextOfAnotherProgram) {

@@ -260,6 +260,20 @@ TEST_F(SetRecordTest, FindsAFullDiskBeforeTheSet) {
     EXPECT_TRUE(ReadJournal().entries.empty());
 }
 
+// A set of the same value writes its file again. Until that is on disk, a power cut can empty it.
+TEST_F(SetRecordTest, KeepsTheEntryOfAFileThatCannotBeFlushed) {
+    SetRecord record({Address("192.168.0.1")}, 0, device, report);
+    (void)record.BeforeAttempt();
+    libc().PlanFault(testkit::Call::kOpen, 2, testkit::Reach::kThatOne, EIO);  // the first reads it
+    testing::internal::CaptureStderr();
+    record.AfterAttempt({LIB_VELK_SUCCESS});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "velkctl: note: set: the journal may call this set interrupted\n"
+              "  /var/libvelk/journal: Input/output error\n"
+              "  fix: make /var/libvelk/journal a folder that can be written\n");
+    EXPECT_EQ(ReadJournal().entries.front().decoded.entry.state, EntryState::kApplying);
+}
+
 TEST_F(SetRecordTest, NotesEarlierChangesThatWereInterrupted) {
     {
         SetRecord record({Address("192.168.0.2")}, 0, device, report);

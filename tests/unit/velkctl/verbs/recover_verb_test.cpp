@@ -26,7 +26,7 @@ using velkctl::ReadJournal;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kStatic[] = "iface eth0 inet static\n\taddress 192.168.0.1\n";
-constexpr char kDhcp[] = "iface eth0 inet dhcp\n#\taddress 192.168.0.1\n";
+constexpr char kDhcp[] = "iface eth0 inet dhcp\n\taddress 192.168.0.1\n";
 constexpr char kFolder[] = "/run/recover-verb-test";
 constexpr char kAsked[] = "/run/recover-verb-test/asked";
 
