@@ -36,7 +36,7 @@ LibraryLock::LibraryLock() {
 
 LibraryLock::LibraryLock(int wait_seconds) : LibraryLock() {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(wait_seconds);
-    while (is_busy() && std::chrono::steady_clock::now() < end) {
+    while (is_busy() && can_be_awaited() && std::chrono::steady_clock::now() < end) {
         (void)nanosleep(&kPause, nullptr);
         TryToTake();
     }

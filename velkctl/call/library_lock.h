@@ -17,7 +17,8 @@ inline constexpr int kSetSeconds = 2;
 class LibraryLock {
   public:
     LibraryLock();
-    // Tries again for so many seconds while another program has it.
+    // Tries again for so many seconds while another program has it. Does not wait for a lock file
+    // that this user cannot open, as on a read-only disk.
     explicit LibraryLock(int wait_seconds);
 
     // True while no other program changes settings.

@@ -5,6 +5,7 @@
 #include "velkctl/call/library_lock.h"
 
 #include <cerrno>
+#include <chrono>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -58,6 +59,14 @@ TEST_F(LibraryLockTest, FollowsNoLink) {
     const LibraryLock lock;
     EXPECT_FALSE(lock.is_held());
     EXPECT_TRUE(lock.is_busy());
+}
+
+TEST_F(LibraryLockTest, IsNotAwaitedIfItsFileCannotBeOpened) {
+    MakeLockFile();
+    libc().PlanFault(Call::kOpen, 1, testkit::Reach::kAllFrom, EROFS);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(velkctl::AwaitLibraryLock(60));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 // Another program can open the new file and lock it at the same time.
