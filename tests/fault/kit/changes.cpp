@@ -100,6 +100,12 @@ void UseRealTools(const std::string& output = "/dev/null") {
     (void)setenv("PATH", (std::string(kFolder) + ":/usr/bin:/bin").c_str(), 1);
 }
 
+// Makes eth0 up with the address of every scene's file. The ifup of these tests does nothing, and a
+// restart is compared with the file.
+void AddSceneAddress(testkit::FakeInterfaces& interfaces) {
+    interfaces.AddAddress("eth0", IFF_UP | IFF_RUNNING, "192.168.0.10", "255.255.255.0");
+}
+
 int MakeSet(const Changes& changes) {
     UseRealTools();
     Report report(Report::Form::kText);
@@ -194,6 +200,8 @@ Work ChangeDevice::Apply(Changes changes, std::vector<std::string> restarts, std
 Work ChangeDevice::Undo() {
     return [] {
         UseRealTools();
+        testkit::FakeInterfaces interfaces;
+        AddSceneAddress(interfaces);
         Report report(Report::Form::kText);
         return static_cast<int>(RunUndo({}, report));
     };
@@ -202,6 +210,8 @@ Work ChangeDevice::Undo() {
 Work ChangeDevice::Recover(bool at_boot, std::string output) {
     return [at_boot, output = std::move(output)] {
         UseRealTools(output);
+        testkit::FakeInterfaces interfaces;
+        AddSceneAddress(interfaces);
         Report report(Report::Form::kText);
         return static_cast<int>(RunRecover({.boot = at_boot}, report));
     };
