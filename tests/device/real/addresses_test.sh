@@ -6,6 +6,8 @@
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 
+not_running() { ! kill -0 "$1"; }
+
 # Without the adapter a restart of the wired port takes a second.
 velk-sandbox adapter out
 
@@ -60,6 +62,14 @@ it 'requests no lease after the change back to static, and uses the static addre
 forget_router_log
 run velkctl set eth0.method static
 status_is 0
+# ifdown reads the method in the file, and so leaves the DHCP client.
+run velkctl restart eth0
+status_is 6
+error_has 'velkctl: eth0: up, but a DHCP client still runs for it'
+client=$(sed -n "s/.*'sudo kill \([0-9]*\)'.*/\1/p" <<<"$error")
+run sudo kill "$client"
+status_is 0
+wait_until not_running "$client"
 run velkctl restart eth0
 status_is 0
 check 'address' 192.168.0.77/24 "$(kernel_address eth0)"

@@ -624,9 +624,9 @@ change dddd is put back
 4'
 
 it 'waits for no answer of a silent daemon for its old value'
-script 'velk-sandbox cable out; killall -STOP wland; start=$(date +%s)
+script 'velk-sandbox cable out; daemon=$(cat /run/velk-sandbox/wland.pid); kill -STOP $daemon; start=$(date +%s)
     velkctl set ssid=x --timeout 1; echo "status $?"; [ $(($(date +%s) - start)) -lt 20 ]; echo $?
-    entries | wc -l; killall -CONT wland'
+    entries | wc -l; kill -CONT $daemon'
 output_is 'status 7
 0
 1'
