@@ -190,6 +190,13 @@ fixed 'DHCP client, process .* still runs' \
     'bash -c "exec -a dhclient sh -c \"kill -STOP \\\$\\\$; :\" eth0" & echo $! >/run/client; sleep 0.5' \
     'kill -9 "$(cat /run/client)"'
 
+# ---- the journal -------------------------------------------------------------------------------
+# Takes the state "done" from the only entry.
+interrupt='cd /var/libvelk/journal; head -c -28 0* >/run/entry; cat /run/entry >$(echo 0*); cd /run'
+fixed 'neither finished nor taken back' "velkctl set eth0.address 10.0.0.11; $interrupt"
+fixed 'could not be put back' "velkctl set eth0.address 10.0.0.11; $interrupt
+    velkctl set eth0.address 10.0.0.12 --no-journal; velkctl recover --quiet 2>/dev/null"
+
 # ---- two faults of one line -------------------------------------------------------------------
 all_fixed 'a server that is not valid and the last word of its line' \
     "sed -i 's/ntpdate -u .*/ntpdate -u bad;host/' $crontab"

@@ -87,7 +87,8 @@ def command(remedy):
     under_lock = re.search(r"\(flock [^)]*\) 9< \S+", remedy)
     if under_lock:
         return under_lock.group()
-    found = re.search(r"(?:^|: )((?:%s) .*?)(?:, where .*|; make it .*|; to finish .*)?$" % COMMANDS, remedy)
+    ends = ", where .*|; make it .*|; to finish .*|; to leave .*"
+    found = re.search(r"(?:^|: )((?:%s) .*?)(?:%s)?$" % (COMMANDS, ends), remedy)
     return found.group(1) if found else None
 
 
