@@ -6,6 +6,7 @@
 # shellcheck source=tests/device/real/lib.sh
 . "${VELK_SOURCE:?}/tests/device/real/lib.sh" || exit
 
+# shellcheck disable=SC2317  # wait_until calls it
 not_running() { ! kill -0 "$1"; }
 
 # Without the adapter a restart of the wired port takes a second.
