@@ -4,13 +4,13 @@
 // command_tests.cpp - tries the commands of settings without changing the device.
 #include "velkctl/verbs/command_tests.h"
 
-#include <algorithm>
 #include <chrono>
 #include <vector>
 
 #include "velk/request.h"
 #include "velkctl/doctor/finding.h"
 #include "velkctl/doctor/likely_cause.h"
+#include "velkctl/preview/changed_files.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/value_kind.h"
@@ -87,12 +87,6 @@ std::vector<TrialStep> StepsToTry(const SettingChange& change) {
     const std::vector<TrialStep> checks = ChecksOf({change});
     steps.insert(steps.end(), checks.begin(), checks.end());
     return steps;
-}
-
-bool HasChangedAFile(const TrialRun& run) {
-    return !std::ranges::equal(
-        run.before, run.after,
-        [](const FileImage& one, const FileImage& other) { return one.HasContentsOf(other); });
 }
 
 }  // namespace
@@ -194,7 +188,7 @@ CommandTest CommandTester::TestValue(const SettingChange& change) const {
                 ProblemWith(setting, ": could not be set", last)};
     }
     const bool is_held = setting.can_get() ? HeldAfter(run, steps, StepOf(change)).value_or(true)
-                                           : HasChangedAFile(run);
+                                           : !ChangedFiles(run.before, run.after).empty();
     if (!is_held) {
         return {setting, VELK_SET, Verdict::kFails, NotHeld(change, last)};
     }

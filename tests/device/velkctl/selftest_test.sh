@@ -81,6 +81,14 @@ output_has '
 eth0.dhcp-notice        set fails
 '
 
+it 'takes no file that it cannot read for a changed one'
+on_device sh -c 'echo "# empty" >/etc/dhclient-exit-hooks; rm /etc/resolv.dnsmasq.conf
+    mkfifo /etc/resolv.dnsmasq.conf; velkctl selftest'
+status_is 1
+output_has '
+eth0.dhcp-notice        set fails
+'
+
 it 'tries the files of an image, also where the device has no such folders'
 on_device sh -c 'cp -r '"$VELK_BUILD"'/rootfs /tmp/image
     rm -rf /etc/network /etc/dhclient* /etc/resolv.dnsmasq.conf /var/cron /var/libvelk /usr/local/share/etc
