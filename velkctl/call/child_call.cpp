@@ -20,6 +20,7 @@
 #include <unistd.h>
 
 #include "velkctl/call/library_call.h"
+#include "velkctl/call/pause.h"
 #include "velkctl/files/tool_output.h"
 #include "velkctl/text/data_bytes.h"
 
@@ -66,11 +67,6 @@ velk::UniqueFd MakeOutputFile() {
     for (;;) {
         (void)pause();  // until velkctl ends this process
     }
-}
-
-void Pause(Milliseconds time) {
-    const timespec pause{0, static_cast<long>(std::chrono::nanoseconds(time).count())};
-    (void)nanosleep(&pause, nullptr);
 }
 
 std::vector<RunningTool> Named(const std::vector<Process>& processes) {

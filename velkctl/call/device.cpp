@@ -6,11 +6,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <optional>
 
 #include "velkctl/call/library_call.h"
 #include "velkctl/call/longest_wait.h"
+#include "velkctl/call/pause.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/call/unfinished_edits.h"
 #include "velkctl/files/lock_holder.h"
@@ -74,14 +74,6 @@ std::string LockHolderNote(int waited) {
     return DescribeHolder(*holder) +
            (waited == 0 ? " holds the lock"
                         : " still holds the lock after " + std::to_string(waited) + " s");
-}
-
-void Pause(Milliseconds time) {
-    const auto seconds = std::chrono::floor<Seconds>(time);
-    const auto nanoseconds = std::chrono::nanoseconds(time - seconds);
-    const timespec pause{static_cast<time_t>(seconds.count()),
-                         static_cast<long>(nanoseconds.count())};
-    (void)nanosleep(&pause, nullptr);
 }
 
 }  // namespace

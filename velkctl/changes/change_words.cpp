@@ -28,21 +28,21 @@ bool IsAskedFor(const ChangeRequest& request) {
 
 // ---- Values ------------------------------------------------------------------------------------
 
-Parsed ParseWords(const Setting& setting, std::span<const std::string> words, bool force) {
+Parsed ParseWords(const Setting& setting, std::span<const std::string> words, Forcing forcing) {
     const ValueKind& kind = *setting.row->kind;
     const Parsed parsed = kind.Parse(words);
-    return parsed.ok() || !force ? parsed : kind.Force(words);
+    return parsed.ok() || forcing != Forcing::kGiven ? parsed : kind.Force(words);
 }
 
 // Returns the data bytes of the words. The word of a secret may name its source; without a word,
 // the user is asked for it.
-Parsed ParseValue(const ChangeRequest& request, bool force) {
+Parsed ParseValue(const ChangeRequest& request, Forcing forcing) {
     const auto& [setting, words] = request;
     if (!setting.row->secret || words.size() > 1 || (words.empty() && !CanAskForSecret())) {
-        return ParseWords(setting, words, force);
+        return ParseWords(setting, words, forcing);
     }
     const Secret secret = words.empty() ? AskForSecret(setting.name()) : ReadSecret(words.front());
-    return secret.problem.empty() ? ParseWords(setting, {&secret.text, 1}, force)
+    return secret.problem.empty() ? ParseWords(setting, {&secret.text, 1}, forcing)
                                   : Unparsable(secret.problem);
 }
 
@@ -51,10 +51,11 @@ void Refuse(const Setting& setting, const std::string& problem, RequestedChanges
     read.problems.push_back(Problem{name + ": " + problem, name});
 }
 
-void Take(const ChangeRequest& request, bool force, RequestedChanges& read) {
-    const Parsed parsed = ParseValue(request, force);
+void Take(const ChangeRequest& request, Forcing forcing, RequestedChanges& read) {
+    Parsed parsed = ParseValue(request, forcing);
     if (!parsed.ok()) {
-        Refuse(request.setting, parsed.problem, read);
+        const bool may_force = forcing != Forcing::kImpossible;
+        Refuse(request.setting, parsed.problem.append(may_force ? parsed.or_force : ""), read);
     }
     read.changes.push_back({request.setting, parsed.data});
 }
@@ -93,7 +94,7 @@ bool HasBlankAtEquals(const Words& words) {
 // Reads the words in their order, so that the problems have it too.
 class ChangeReader {
   public:
-    ChangeReader(std::string_view verb, bool force) : verb_(verb), force_(force) {}
+    ChangeReader(std::string_view verb, Forcing forcing) : verb_(verb), forcing_(forcing) {}
 
     // Reads "NAME VALUE...".
     void AddOne(const Words& words) {
@@ -190,19 +191,19 @@ class ChangeReader {
         if (IsAskedFor(request)) {
             read_.unread_secrets.push_back(request);
         } else {
-            Take(request, force_, read_);
+            Take(request, forcing_, read_);
         }
     }
 
     const std::string verb_;
-    const bool force_;
+    const Forcing forcing_;
     RequestedChanges read_;
 };
 
 }  // namespace
 
-RequestedChanges ReadChanges(std::string_view verb, const Words& words, bool force) {
-    ChangeReader reader(verb, force);
+RequestedChanges ReadChanges(std::string_view verb, const Words& words, Forcing forcing) {
+    ChangeReader reader(verb, forcing);
     if (HasBlankAtEquals(words)) {
         reader.RefuseBlank(words.front());
     } else if (IsAssignment(words.front())) {
@@ -213,9 +214,9 @@ RequestedChanges ReadChanges(std::string_view verb, const Words& words, bool for
     return reader.TakeChanges();
 }
 
-void AskForSecrets(RequestedChanges& requested, bool force) {
+void AskForSecrets(RequestedChanges& requested, Forcing forcing) {
     for (const ChangeRequest& request : std::exchange(requested.unread_secrets, {})) {
-        Take(request, force, requested);
+        Take(request, forcing, requested);
     }
 }
 

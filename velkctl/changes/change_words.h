@@ -21,6 +21,13 @@ struct ChangeRequest {
     std::vector<std::string> words;
 };
 
+// If values that a setting refuses are taken nevertheless.
+enum class Forcing {
+    kImpossible,  // the verb has no --force
+    kPossible,    // the verb has --force, which was not given
+    kGiven,
+};
+
 struct RequestedChanges {
     ChangeSet changes{};  // the value of a refused one is empty
     std::vector<Problem> problems{};
@@ -32,10 +39,10 @@ struct RequestedChanges {
 // length after an address is a change of the netmask. Reads secrets from files; leaves the others
 // unread. `verb` begins the messages about words that name no setting.
 RequestedChanges ReadChanges(std::string_view verb, const std::vector<std::string>& words,
-                             bool force);
+                             Forcing forcing);
 
 // Reads the unread secrets from standard input, or asks for them, and adds their changes.
-void AskForSecrets(RequestedChanges& requested, bool force);
+void AskForSecrets(RequestedChanges& requested, Forcing forcing);
 
 }  // namespace velkctl
 

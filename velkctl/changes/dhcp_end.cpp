@@ -17,7 +17,7 @@ namespace velkctl {
 namespace {
 
 // The client releases its address with a message to the server, and does not wait for an answer.
-constexpr std::chrono::seconds kLongest{60};
+constexpr std::chrono::seconds kLongestEnd{60};
 
 bool GetsStaticBack(const std::string& interface, const JournalEntry& entry) {
     return std::ranges::any_of(entry.steps, [&](const Step& step) {
@@ -35,7 +35,7 @@ bool HasDhcpClient(const std::string& interface, const Device& device) {
 }
 
 std::optional<Problem> EndDhcpClient(const std::string& interface) {
-    (void)RunTool({"sudo", "ifdown", interface}, kLongest);
+    (void)RunTool({"sudo", "ifdown", interface}, kLongestEnd);
     const DhcpClient client = ReadDhcpClient(interface);
     if (!client.is_running) {
         return std::nullopt;

@@ -11,7 +11,7 @@
 namespace velkctl {
 namespace {
 
-constexpr int kLongest = 24 * 60 * 60;
+constexpr int kLongestTime = 24 * 60 * 60;
 
 // Sets `seconds` to the value of an option, if it was given. Refuses a value that is not valid and
 // returns false.
@@ -20,7 +20,7 @@ bool ReadSeconds(const char* option, const std::optional<std::string>& word,
     if (!word) {
         return true;
     }
-    if (const std::optional<int> number = ParseNumber(*word, 1, kLongest)) {
+    if (const std::optional<int> number = ParseNumber(*word, 1, kLongestTime)) {
         seconds = *number;
         return true;
     }

@@ -336,7 +336,8 @@ constexpr std::array<Verb, 19> kVerbs{{
      "try every command, without changing the device",
      "Reads every setting, and sets each in a private copy of the device's files,\n"
      "where it is read back. A command that needs the adapter, or the cable out, is\n"
-     "not tested without it. The exit status is 0 if none fails, else 1.\n"
+     "not tested without it. Each may take ten minutes; see --timeout. The exit\n"
+     "status is 0 if none fails, else 1.\n"
      "\n"
      "With --root, only settings in files are tested, with the files below DIR.\n"
      "\n"

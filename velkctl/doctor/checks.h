@@ -18,6 +18,9 @@
 
 namespace velkctl {
 
+// The time of one get, in seconds. One that fails may wait for the system log.
+inline constexpr int kLongestGet = 5;
+
 // Runs every check, the wireless daemon's last.
 Findings ExamineDevice(Report& report);
 

@@ -24,7 +24,6 @@
 namespace velkctl {
 namespace {
 
-constexpr int kSeconds = 5;
 constexpr int kFirstChannel = 1;
 constexpr int kLastChannel = 13;
 
@@ -75,7 +74,7 @@ Findings CheckListener() {
 Findings CheckAnswer(const Answer& answer) {
     if (answer.timed_out) {
         return {AboutDaemon().Problem(
-            "does not answer", "nothing came within " + std::to_string(kSeconds) + " seconds")};
+            "does not answer", "nothing came within " + std::to_string(kLongestGet) + " seconds")};
     }
     if (StatusOf(answer) != ExitStatus::kDone) {
         return {AboutDaemon().Problem("answers with an error", FailureReason(answer))};
@@ -98,7 +97,7 @@ Findings CheckChannel(const Answer& answer) {
 }
 
 Findings AskDaemon(Report& report) {
-    const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
+    const Device device(TimeLimits{.timeout_seconds = kLongestGet}, report);
     const auto ask = [&](uint32_t id) {
         return device.Get(SettingOf(id, VELK_WIRELESS_INTERFACE));
     };

@@ -12,7 +12,7 @@
 namespace velkctl {
 namespace {
 
-Findings CheckEntry(const StoredEntry& stored) {
+Findings CheckJournalEntry(const StoredEntry& stored) {
     if (!stored.is_interrupted()) {
         return {};
     }
@@ -30,7 +30,7 @@ Findings CheckEntry(const StoredEntry& stored) {
 }  // namespace
 
 Findings CheckJournal() {
-    return FindingsOfEach(ReadJournal().entries, CheckEntry);
+    return FindingsOfEach(ReadJournal().entries, CheckJournalEntry);
 }
 
 }  // namespace velkctl

@@ -28,9 +28,6 @@
 namespace velkctl {
 namespace {
 
-// A get that fails may wait for the system log.
-constexpr int kSeconds = 5;
-
 // Returns the printed value as the words of a set, without escapes.
 std::vector<std::string> AsWords(const Setting& setting, const std::string& printed) {
     const bool is_list = setting.row->id == VELK_CMD_DNS;
@@ -239,7 +236,7 @@ Problem NoteOf(const Finding& invalid_value) {
 }
 
 Findings CheckValues(const Findings& known, Report& report) {
-    const Device device(TimeLimits{.timeout_seconds = kSeconds}, report);
+    const Device device(TimeLimits{.timeout_seconds = kLongestGet}, report);
     AffectedSettings settings = Settings();
     std::erase_if(settings,
                   [&](const Setting& setting) { return AreReadOrSetWrongly({setting}, known); });

@@ -21,6 +21,9 @@ namespace velkctl {
 inline constexpr size_t kMostEntries = 16;
 inline constexpr size_t kMostBytes = size_t{256} * 1024;
 
+// The least time to wait for another run, in seconds: a plain set ends soon.
+inline constexpr int kLeastJournalWait = 2;
+
 // The lock between runs of velkctl that change settings. A run that keeps an entry holds it alone.
 // The lock of the library is another one.
 class JournalLock {

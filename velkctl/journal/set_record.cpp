@@ -17,9 +17,6 @@
 namespace velkctl {
 namespace {
 
-// A plain set of another run ends soon.
-constexpr int kLeastWait = 2;
-
 bool MayHaveEffect(const Answer& answer) {
     return answer.ok() || answer.timed_out;
 }
@@ -39,7 +36,7 @@ SetRecord::SetRecord(const std::vector<SettingChange>& changes, int wait_seconds
     : plan_{.steps = JournalSteps(changes)},
       device_(device),
       report_(report),
-      lock_(JournalLock::Use::kAlone, std::max(wait_seconds, kLeastWait)) {
+      lock_(JournalLock::Use::kAlone, std::max(wait_seconds, kLeastJournalWait)) {
     if (lock_.error() == EWOULDBLOCK) {
         report_.Complain(JournalProblem("set: nothing was changed", EWOULDBLOCK));
         is_refused_ = true;

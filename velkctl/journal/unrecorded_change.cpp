@@ -11,15 +11,9 @@
 #include "velkctl/journal/journal_problem.h"
 
 namespace velkctl {
-namespace {
-
-// A plain set of another run ends soon.
-constexpr int kLeastWait = 2;
-
-}  // namespace
 
 UnrecordedChange::UnrecordedChange(std::string_view verb, int wait_seconds, Report& report)
-    : lock_(JournalLock::Use::kShared, std::max(wait_seconds, kLeastWait)),
+    : lock_(JournalLock::Use::kShared, std::max(wait_seconds, kLeastJournalWait)),
       is_refused_(lock_.error() == EWOULDBLOCK) {
     if (is_refused_) {
         report.Complain(JournalProblem(std::string(verb) + ": nothing was changed", EWOULDBLOCK));

@@ -16,6 +16,7 @@
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {

@@ -20,7 +20,6 @@ namespace {
 
 constexpr size_t kLongestName = 253;  // the longest host name, see hostname(7)
 constexpr size_t kLongestLabel = 63;
-constexpr std::string_view kOff = "off";
 
 bool IsNameCharacter(char c) {
     return velk::IsLetterOrDigit(c) || c == '-' || c == '_';
@@ -123,9 +122,8 @@ Parsed HostKind::Parse(std::span<const std::string> words) const {
     }
     if (word == kOff) {
         // Other settings are switched off by "off". Here it would be the name of a host.
-        return Unparsable(
-            "'off' would be a host name here; give none to clear the setting, or --force to set "
-            "that name");
+        return Unparsable("'off' would be a host name here; give none to clear the setting",
+                          ", or --force to set that name");
     }
     if (const std::string problem = HostProblem(word); !problem.empty()) {
         return Unparsable(Quoted(word) + " " + problem + Give());

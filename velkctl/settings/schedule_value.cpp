@@ -19,7 +19,6 @@ namespace {
 
 constexpr std::string_view kWanted =
     "every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off";
-constexpr std::string_view kOff = "off";
 constexpr std::string_view kRaw = "schedule";    // a schedule of an unknown type
 constexpr std::string_view kMidnight = "00:00";  // for schedules without a time of their own
 

@@ -54,11 +54,8 @@ std::string ServerListProblem(std::span<const std::string> words) {
         return "'none' takes no other value; give either addresses or none";
     }
     if (const std::string problems = WrongServers(words); !problems.empty()) {
-        // A resolver may run on the device itself, but a forwarder there would query itself without
-        // end.
         return problems + (std::ranges::any_of(words, IsLoopbackAddress)
-                               ? "; give one to three other addresses, none, or --force for a "
-                                 "local resolver"
+                               ? "; give other addresses, or none"
                                : "; give one to three IPv4 addresses such as 192.168.0.1, or none");
     }
     for (size_t i = 1; i < words.size(); ++i) {
@@ -142,7 +139,13 @@ Parsed ServerListKind::Parse(std::span<const std::string> given) const {
         return {};
     }
     const std::string problem = ServerListProblem(words);
-    return problem.empty() ? InSlots(words) : Unparsable(problem);
+    if (problem.empty()) {
+        return InSlots(words);
+    }
+    // A resolver may run on the device itself, but a forwarder there would query itself without
+    // end.
+    const bool has_loopback = std::ranges::any_of(words, IsLoopbackAddress);
+    return Unparsable(problem, has_loopback ? ", or --force for a local resolver" : "");
 }
 
 Parsed ServerListKind::Force(std::span<const std::string> given) const {

@@ -41,9 +41,8 @@ Parsed TextKind::Parse(std::span<const std::string> words) const {
     }
     if (words.front() == kNone) {
         // Other settings take 'none'. Here it would be a text of four letters.
-        return Unparsable(
-            "'none' would be a text here; give '' to clear the setting, or --force to set that "
-            "text");
+        return Unparsable("'none' would be a text here; give '' to clear the setting",
+                          ", or --force to set that text");
     }
     return ParseText(words.front());
 }

@@ -76,6 +76,9 @@ class ValueKind {
 // The word for an empty value, unless a kind has its own.
 inline constexpr std::string_view kNone = "none";
 
+// The word for a setting that is switched off.
+inline constexpr std::string_view kOff = "off";
+
 // Returns the text in the data bytes, which ends at its NUL or with them; `empty` for the empty
 // one.
 std::string PrintText(const Data& data, std::string_view empty);

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "velk/request.h"
@@ -20,12 +21,13 @@ using Data = std::array<char, VELK_DATA_SIZE>;
 struct Parsed {
     Data data{};
     std::string problem{};
+    std::string_view or_force{};  // the end of the problem for a verb that has --force
 
     bool ok() const { return problem.empty(); }
 };
 
-inline Parsed Unparsable(std::string problem) {
-    return {{}, std::move(problem)};
+inline Parsed Unparsable(std::string problem, std::string_view or_force = {}) {
+    return {{}, std::move(problem), or_force};
 }
 
 }  // namespace velkctl

@@ -69,9 +69,9 @@ WantedValues WantedBy(const SettingsDocument& document, const Device& device) {
 
 // Asks for secrets only if the other values have no problem.
 WantedValues WantedBy(const std::vector<std::string>& words) {
-    RequestedChanges requested = ReadChanges("apply", words, /*force=*/false);
+    RequestedChanges requested = ReadChanges("apply", words, Forcing::kImpossible);
     if (requested.problems.empty()) {
-        AskForSecrets(requested, /*force=*/false);
+        AskForSecrets(requested, Forcing::kImpossible);
     }
     return {std::move(requested.changes), std::move(requested.problems)};
 }

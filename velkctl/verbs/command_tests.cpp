@@ -22,9 +22,6 @@
 namespace velkctl {
 namespace {
 
-// A daemon without an answer for this time is not asked again.
-constexpr std::chrono::seconds kSilent{10};
-
 Verdict VerdictOf(const Setting& setting, const Answer& answer) {
     const ExitStatus status = StatusWithCause(setting, answer);
     const bool is_by_state = status == ExitStatus::kNoAdapter || status == ExitStatus::kWiredLinked;
@@ -152,7 +149,7 @@ CommandTest CommandTester::TestGet(const Setting& setting) {
         return {
             .setting = setting, .type = VELK_GET, .value = setting.row->kind->Print(answer.data)};
     }
-    const bool took_long = std::chrono::steady_clock::now() - start > kSilent;
+    const bool took_long = std::chrono::steady_clock::now() - start > kSilence;
     if (is_of_daemon && (answer.timed_out || took_long)) {
         daemon_is_silent_ = true;
     }

@@ -13,6 +13,7 @@
 
 #include <sys/stat.h>
 
+#include "velkctl/call/time_limits.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/image_root.h"
@@ -31,6 +32,9 @@ namespace {
 using Tests = std::vector<CommandTest>;
 
 constexpr size_t kVerdictWidth = 14;
+// The limit of each command unless --timeout gives one, in seconds: the check of an image must end.
+// A command to a silent wireless daemon takes 165.
+constexpr int kLongestCommand = 600;
 
 std::string_view WordOf(Verdict verdict) {
     if (verdict == Verdict::kWorks) {
@@ -122,7 +126,11 @@ ExitStatus RunSelftest(const Invocation& invocation, Report& report) {
         return report.Refuse("selftest: " + invocation.Shown(*invocation.root) +
                              " is not a folder; give the root folder of an image");
     }
-    CommandTester tester(invocation.limits,
+    TimeLimits limits = invocation.limits;
+    if (limits.timeout_seconds == 0) {
+        limits.timeout_seconds = kLongestCommand;
+    }
+    CommandTester tester(limits,
                          invocation.root ? ImagesIn(*invocation.root) : std::vector<FileImage>());
     const std::vector<Setting> settings = Settings();
     const size_t width = NameWidth(settings);

@@ -28,6 +28,10 @@
 namespace velkctl {
 namespace {
 
+Forcing ForcingOf(const Invocation& invocation) {
+    return invocation.force ? Forcing::kGiven : Forcing::kPossible;
+}
+
 void AddConflicts(RequestedChanges& requested, bool force, const Device& device) {
     std::vector<Problem>& problems = requested.problems;
     const std::vector<Problem> conflicts =
@@ -38,10 +42,10 @@ void AddConflicts(RequestedChanges& requested, bool force, const Device& device)
 // Returns the changes to make, sorted. Asks for secrets only if the other values have no problem.
 // Reports all problems; then returns nothing.
 ChangeSet CheckedChanges(const Invocation& invocation, const Device& device, Report& report) {
-    RequestedChanges requested = ReadChanges("set", invocation.words, invocation.force);
+    RequestedChanges requested = ReadChanges("set", invocation.words, ForcingOf(invocation));
     AddConflicts(requested, invocation.force, device);
     if (requested.problems.empty() && !requested.unread_secrets.empty()) {
-        AskForSecrets(requested, invocation.force);
+        AskForSecrets(requested, ForcingOf(invocation));
         AddConflicts(requested, invocation.force, device);
     }
     for (const Problem& problem : requested.problems) {
@@ -179,7 +183,8 @@ void CheckWordsOfSet(const Invocation& invocation, Report& report) {
     if (!IsAssignment(invocation.words.front())) {
         return;
     }
-    for (const Problem& problem : ReadChanges("set", invocation.words, invocation.force).problems) {
+    for (const Problem& problem :
+         ReadChanges("set", invocation.words, ForcingOf(invocation)).problems) {
         report.Complain(problem);
     }
 }

@@ -15,9 +15,6 @@
 namespace velkctl {
 namespace {
 
-// A daemon without an answer for this time is not asked again.
-constexpr std::chrono::seconds kSilent{10};
-
 bool IsWireless(const Setting& setting) {
     return setting.row->interfaces == kEth1;
 }
@@ -30,7 +27,7 @@ std::optional<Answer> SettingReader::Read(const Setting& setting) {
     }
     const auto start = std::chrono::steady_clock::now();
     Answer answer = device_.Get(setting);
-    const bool took_long = answer.timed_out || std::chrono::steady_clock::now() - start > kSilent;
+    const bool took_long = answer.timed_out || std::chrono::steady_clock::now() - start > kSilence;
     daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
     return answer;
 }

@@ -5,6 +5,7 @@
 #ifndef VELKCTL_VERBS_SETTING_READER_H_
 #define VELKCTL_VERBS_SETTING_READER_H_
 
+#include <chrono>
 #include <optional>
 
 #include "velkctl/call/answer.h"
@@ -13,6 +14,9 @@
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
+
+// A wireless daemon without an answer for this time is not queried again.
+inline constexpr std::chrono::seconds kSilence{10};
 
 // After one time-out of the wireless daemon its other settings are skipped.
 class SettingReader {

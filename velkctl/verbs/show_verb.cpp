@@ -34,7 +34,7 @@ std::string Warning(const std::string& text) {
 }
 
 // Settings that cannot be read for the same reason.
-struct UnreadSettings {
+struct UnreadGroup {
     ReadFailure failure;
     SettingGroup settings;
 };
@@ -50,7 +50,7 @@ class ShownRows {
     }
 
     void AddFailure(const Setting& setting, const ReadFailure& failure) {
-        for (UnreadSettings& unread : unread_) {
+        for (UnreadGroup& unread : unread_) {
             if (unread.failure.of_one == failure.of_one) {
                 unread.settings.push_back(setting);
                 return;
@@ -60,20 +60,20 @@ class ShownRows {
     }
 
     void Finish() {
-        for (const UnreadSettings& unread : unread_) {
+        for (const UnreadGroup& unread : unread_) {
             rows_.Add(unread.settings.size() == 1 ? RowOf(unread) : LinesOf(unread));
         }
     }
 
   private:
-    std::string RowOf(const UnreadSettings& unread) const {
+    std::string RowOf(const UnreadGroup& unread) const {
         const std::string name = NameColumn(unread.settings.front(), width_);
         const std::string reason = CutToFit(unread.failure.of_one, name.size() + 2);
         return name + Warning("(" + reason + ")") + "\n";
     }
 
     // "8 settings need the cable out:", and their names
-    static std::string LinesOf(const UnreadSettings& unread) {
+    static std::string LinesOf(const UnreadGroup& unread) {
         const std::string text =
             std::to_string(unread.settings.size()) + " settings " + unread.failure.of_several;
         return Warning(CutToFit(text, 1) + ":") + "\n" + NameLines(unread.settings);
@@ -81,7 +81,7 @@ class ShownRows {
 
     const size_t width_;
     GroupedRows& rows_;
-    std::vector<UnreadSettings> unread_;
+    std::vector<UnreadGroup> unread_;
 };
 
 // Adds the settings of a group, as they are read, to rows and to the document.

@@ -19,15 +19,16 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Words;
+using velkctl::Forcing;
 using velkctl::RequestedChanges;
 
-RequestedChanges Read(const Words& words, bool force = false) {
-    return velkctl::ReadChanges("set", words, force);
+RequestedChanges Read(const Words& words, Forcing forcing = Forcing::kPossible) {
+    return velkctl::ReadChanges("set", words, forcing);
 }
 
 // "eth0.address 10.0.0.1" for each change.
-Words Changes(const Words& words, bool force = false) {
-    const RequestedChanges read = Read(words, force);
+Words Changes(const Words& words, Forcing forcing = Forcing::kPossible) {
+    const RequestedChanges read = Read(words, forcing);
     EXPECT_THAT(read.problems, IsEmpty()) << OneLine(read.problems.front());
     Words changes;
     for (const auto& [setting, value] : read.changes) {
@@ -115,8 +116,16 @@ TEST(ChangeWords, AfterTheNameOfASecretAreNotRepeated) {
 }
 
 TEST(ChangeWords, AreForcedIfTheyFitTheForm) {
-    EXPECT_THAT(Changes({"eth0.gateway=nonsense"}, /*force=*/true),
+    EXPECT_THAT(Changes({"eth0.gateway=nonsense"}, Forcing::kGiven),
                 ElementsAre("eth0.gateway nonsense"));
+}
+
+TEST(ChangeWords, AreNotOfferedForceByAVerbWithoutIt) {
+    EXPECT_THAT(Problems({"location=none"}),
+                ElementsAre("location: 'none' would be a text here; give '' to clear the setting, "
+                            "or --force to set that text"));
+    EXPECT_EQ(OneLine(Read({"location=none"}, Forcing::kImpossible).problems.front()),
+              "location: 'none' would be a text here; give '' to clear the setting");
 }
 
 class ChangeWordsOnDevice : public testkit::DeviceTest {
@@ -125,7 +134,7 @@ class ChangeWordsOnDevice : public testkit::DeviceTest {
         const int saved = dup(STDIN_FILENO);
         const int empty = open("/dev/null", O_RDONLY | O_CLOEXEC);
         EXPECT_EQ(dup2(empty, STDIN_FILENO), STDIN_FILENO);
-        AskForSecrets(read, /*force=*/false);
+        AskForSecrets(read, Forcing::kPossible);
         EXPECT_EQ(dup2(saved, STDIN_FILENO), STDIN_FILENO);
         close(empty);
         close(saved);

@@ -57,9 +57,8 @@ TEST(HostKindParse, RefusesTextThatIsNoName) {
 }
 
 TEST(HostKindParse, RefusesOffAsAName) {
-    EXPECT_EQ(Problem({"off"}),
-              "'off' would be a host name here; give none to clear the setting, or --force to set "
-              "that name");
+    EXPECT_EQ(Problem({"off"}), "'off' would be a host name here; give none to clear the setting");
+    EXPECT_EQ(kHost.Parse(Words{"off"}).or_force, ", or --force to set that name");
     EXPECT_TRUE(kHost.Force(Words{"off"}).ok());
 }
 

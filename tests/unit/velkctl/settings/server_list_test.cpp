@@ -114,8 +114,10 @@ TEST(ServerListParse, RefusesAddressesThatNoServerCanHave) {
 
 TEST(ServerListParse, RefusesTheDeviceItselfUnlessForced) {
     EXPECT_EQ(Problem({"127.0.0.1"}),
-              "'127.0.0.1' is a loopback address; the device reaches only itself there; give one "
-              "to three other addresses, none, or --force for a local resolver");
+              "'127.0.0.1' is a loopback address; the device reaches only itself there; give "
+              "other addresses, or none");
+    EXPECT_EQ(kServerList.Parse(Words{"127.0.0.1"}).or_force, ", or --force for a local resolver");
+    EXPECT_EQ(kServerList.Parse(Words{"foo"}).or_force, "");
     EXPECT_EQ(Problem({"1.1.1.1", "foo", "bar", "1.2.3.4"}),
               "'foo' is not an IPv4 address; 'bar' is not an IPv4 address; 4 addresses given; give "
               "one to three IPv4 addresses such as 192.168.0.1, or none");

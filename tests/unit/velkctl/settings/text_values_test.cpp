@@ -124,8 +124,8 @@ TEST(TextKindParse, TheEmptyTextHasAWord) {
 
 TEST(TextKindParse, NoneIsRefusedWhereItWouldBeAText) {
     EXPECT_EQ(Problem(kSsid, {"none"}),
-              "'none' would be a text here; give '' to clear the setting, or --force to set that "
-              "text");
+              "'none' would be a text here; give '' to clear the setting");
+    EXPECT_EQ(kSsid.Parse(Words{"none"}).or_force, ", or --force to set that text");
     EXPECT_EQ(kSsid.Force(Words{"none"}).data, DataOf("none"));
     EXPECT_EQ(kSsid.Parse(Words{"None"}).data, DataOf("None"));
 }
