@@ -142,7 +142,7 @@ ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
     if (made_ < CountChanges(change_.entry().steps)) {
         change_.RecordSteps(made_);
     }
-    (void)ExpectSteps(change_, limits_);
+    (void)ExpectSteps(change_);
     const int seconds = std::max(limits_.wait_seconds, kTakeBackSeconds);
     const PutBackResult result =
         velkctl::TakeBack(change_, {.lock_seconds = seconds}, device, report);

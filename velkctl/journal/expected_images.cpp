@@ -20,6 +20,9 @@
 namespace velkctl {
 namespace {
 
+// The user's limits do not hold for putting a change back. Shell lines take a second at most.
+constexpr TimeLimits kTrialLimits{.timeout_seconds = 60};
+
 bool IsInFile(const Step& step) {
     return step.setting.row->held_in.holder == Holder::kFile && step.new_value;
 }
@@ -94,10 +97,19 @@ bool HasChangedFile(const JournalEntry& entry) {
     return HasFile(entry, [](FileCase found) { return found != FileCase::kOld; });
 }
 
-// Adds the files after these steps. Returns the problem if no trial is possible.
-std::optional<Problem> AddImages(JournalEntry& entry, const std::vector<TrialStep>& steps,
-                                 const TimeLimits& limits) {
+// Runs the steps. The run has a problem also if it was cut off: its files are unknown then.
+TrialRun RunSteps(const JournalEntry& entry, const std::vector<TrialStep>& steps,
+                  const TimeLimits& limits) {
     TrialRun run = RunTrial(steps, limits, entry.before);
+    if (run.is_cut_off) {
+        run.problem = Problem{.message = "the steps did not end in a private copy of the files"};
+    }
+    return run;
+}
+
+// Adds the files after these steps. Returns the problem if no trial is possible.
+std::optional<Problem> AddImages(JournalEntry& entry, const std::vector<TrialStep>& steps) {
+    TrialRun run = RunSteps(entry, steps, kTrialLimits);
     if (!run.problem) {
         for (FileImage& image : ChangedFiles(run, entry)) {
             AddAfter(entry, std::move(image));
@@ -123,22 +135,22 @@ std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits
         return std::nullopt;
     }
     const std::vector<TrialStep> steps = WithSwitchedBack(change.entry(), changes, limits);
-    TrialRun run = RunTrial(steps, limits, change.entry().before);
+    TrialRun run = RunSteps(change.entry(), steps, limits);
     if (!run.problem) {
         (void)change.Expect(ChangedFiles(run, change.entry()));
     }
     return std::move(run.problem);
 }
 
-std::optional<Problem> ExpectSteps(OpenChange& change, const TimeLimits& limits) {
+std::optional<Problem> ExpectSteps(OpenChange& change) {
     if (!HasChangedFile(change.entry())) {
         return std::nullopt;
     }
     JournalEntry entry = WithoutForeignImages(change.entry());
     std::vector<TrialStep> steps;
-    for (const TrialStep& step : WithSwitchedBack(entry, FileSteps(entry), limits)) {
+    for (const TrialStep& step : WithSwitchedBack(entry, FileSteps(entry), kTrialLimits)) {
         steps.push_back(step);
-        if (std::optional<Problem> problem = AddImages(entry, steps, limits)) {
+        if (std::optional<Problem> problem = AddImages(entry, steps)) {
             return HasUnknownFile(change.entry()) ? std::move(problem) : std::nullopt;
         }
     }
@@ -152,7 +164,7 @@ JournalEntry WithOwnImages(const JournalEntry& entry) {
         return entry;
     }
     JournalEntry own = WithoutForeignImages(entry);
-    return AddImages(own, WithSwitchedBack(entry, steps, {}), {}) ? entry : own;
+    return AddImages(own, WithSwitchedBack(entry, steps, kTrialLimits)) ? entry : own;
 }
 
 }  // namespace velkctl

@@ -25,7 +25,7 @@ std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits
 // change's own. A recorded image may have a line of another program that wrote at the same time;
 // such a file is not recognised. Does nothing if every file is as before. Returns the problem if no
 // trial is possible and a file is unknown; it is then treated like that of another program.
-std::optional<Problem> ExpectSteps(OpenChange& change, const TimeLimits& limits);
+std::optional<Problem> ExpectSteps(OpenChange& change);
 
 // Returns a finished change with the files that its steps make from those before it, instead of the
 // recorded ones, for the same reason. With the recorded ones if no trial is possible. An undo has

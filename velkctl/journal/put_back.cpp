@@ -327,6 +327,7 @@ class Restoration {
     std::optional<Problem> SetValue(const Step& step);
     std::optional<Problem> SetOldValue(const Step& step);
     CopySet SetInCopy(const Step& step);
+    void NoteCutFiles(const CopyTrial& trial);
     std::string SetByLibrary(const Step& step);
     void FlushFiles();
     void AddPutBack();
@@ -497,11 +498,23 @@ CopySet Restoration::SetInCopy(const Step& step) {
             return {};
         }
         if (error != ESTALE && error != EWOULDBLOCK) {
+            NoteCutFiles(*trial);
             return {.problem = LeftSetting(step.setting, strerror(error), options_)};
         }
     }
     return {.problem = LeftSetting(step.setting, "another program changes its file again and again",
                                    options_)};
+}
+
+// A file that was emptied before its write failed is left to the next recover.
+void Restoration::NoteCutFiles(const CopyTrial& trial) {
+    for (const FileImage& now : trial.now) {
+        if (!ReadFileImage(now.path).HasContentsOf(now)) {
+            failed_.push_back(now.path);
+            result_.has_disk_failed = true;
+            result_.has_changed = true;
+        }
+    }
 }
 
 // Returns the reason of a failure; empty if the device holds the value.

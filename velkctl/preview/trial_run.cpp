@@ -159,7 +159,8 @@ std::optional<TrialRun> TryOnce(const std::vector<TrialStep>& steps, const TimeL
     run.after = FilesAfter(run.before, end);
     run.events = std::move(end.events);
     run.answers = std::move(end.answers);
-    if (!end.is_complete) {
+    run.is_cut_off = !end.is_complete;
+    if (run.is_cut_off) {
         run.answers.push_back(MissingAnswer(end, limits));
     }
     run.is_complete = IsComplete(run, steps);

@@ -51,6 +51,9 @@ struct TrialRun {
     // True if every step succeeded, but for the checks.
     bool ok() const { return !problem && is_complete; }
     bool is_complete = false;
+    // The trial ended without the answer of a step: it took too long, or was killed. The files
+    // after it are not those after the steps.
+    bool is_cut_off = false;
 };
 
 // Returns if the copy holds the value of this step after all steps; nothing if no check shows that,

@@ -93,8 +93,8 @@ void ReportOutcome(const JournalEntry& entry, std::string_view outcome, Report& 
 }
 
 // A trial run finds the files that the change would have left.
-void ExpectFiles(OpenChange& change, const TimeLimits& limits, Report& report) {
-    if (const std::optional<Problem> problem = ExpectSteps(change, limits)) {
+void ExpectFiles(OpenChange& change, Report& report) {
+    if (const std::optional<Problem> problem = ExpectSteps(change)) {
         report.Note(*problem);
     }
 }
@@ -110,7 +110,7 @@ std::vector<std::string> InterfacesAfter(const PutBackResult& result, const Jour
 // The trial comes first: it depends on the files as they were left.
 ExitStatus PutEntryBack(OpenChange& change, PutBackOptions options, const TimeLimits& limits,
                         const Device& device, Report& report) {
-    ExpectFiles(change, limits, report);
+    ExpectFiles(change, report);
     std::vector<std::string> down;
     if (!options.at_boot) {
         options.first = [&] { down = EndClientsOf(change.entry(), device, report); };
@@ -133,8 +133,8 @@ ExitStatus NotClosed(const JournalEntry& entry, std::string detail, std::string 
 }
 
 // Closes the change as it is. The files are on disk before the entry says so.
-ExitStatus KeepEntry(OpenChange& change, const TimeLimits& limits, Report& report) {
-    ExpectFiles(change, limits, report);
+ExitStatus KeepEntry(OpenChange& change, Report& report) {
+    ExpectFiles(change, report);
     if (const std::string cut = FindCutFile(change.entry()); !cut.empty()) {
         return NotClosed(change.entry(), cut + " was cut", "'velkctl recover' puts it back",
                          report);
@@ -158,7 +158,7 @@ ExitStatus RecoverEntry(const InterruptedEntry& interrupted, const Invocation& i
         return ExitStatus::kDone;
     }
     if (invocation.keep) {
-        return KeepEntry(change, invocation.limits, report);
+        return KeepEntry(change, report);
     }
     PutBackOptions options{.force = invocation.force, .at_boot = invocation.boot};
     options.lock_seconds = std::max(invocation.limits.wait_seconds, kSetSeconds);

@@ -560,6 +560,23 @@ error_is ''
 output_is 'status 0
 same bytes'
 
+it 'gives the trial run the time that it needs, whatever --timeout says'
+on_device bash -c "$words"'
+    cp $interfaces /tmp/before
+    velkctl set eth0.address 192.168.0.77 --quiet; interrupt
+    end=$(grep -b -m1 -o 192.168.0.77 $interfaces | cut -d: -f1)
+    cp $interfaces /tmp/new; head -c $((end + 30)) /tmp/new >$interfaces
+    cat=$(readlink -f "$(command -v cat)")
+    cp "$cat" /run/cat
+    # The processes of the trial have small numbers.
+    printf "#!/bin/sh\n[ \$\$ -gt 12 ] || sleep 2\nexec /run/cat \"\$@\"\n" >/tmp/cat
+    chmod +x /tmp/cat; mount --bind /tmp/cat "$cat"
+    velkctl recover --timeout 1 --quiet; echo "$?"
+    umount "$cat"; cmp $interfaces /tmp/before && echo same'
+status_is 0
+output_is '0
+same'
+
 it 'restarts the interfaces that the change has restarted'
 script 'velk-sandbox adapter out; velkctl set eth0.address 192.168.0.77
     with_restart; velkctl restart eth0; velkctl undo --quiet; echo "status $?"

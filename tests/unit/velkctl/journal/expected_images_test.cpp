@@ -66,7 +66,7 @@ class ExpectedImages : public testkit::DeviceTest {
 
 TEST_F(ExpectedImages, AreFoundForEachStep) {
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);
-    EXPECT_FALSE(ExpectSteps(change, {}));
+    EXPECT_FALSE(ExpectSteps(change));
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kNew);
     EXPECT_EQ(CaseOf(kAfterOne), FileCase::kNew);
     EXPECT_EQ(CaseOf(std::string_view(kAfterAll).substr(0, 50)), FileCase::kCut);
@@ -79,7 +79,7 @@ TEST_F(ExpectedImages, AreFoundForEachStep) {
 
 TEST_F(ExpectedImages, AreNotSearchedIfEachFileIsKnown) {
     EXPECT_EQ(CaseOf(kText), FileCase::kOld);
-    EXPECT_FALSE(ExpectSteps(change, {}));
+    EXPECT_FALSE(ExpectSteps(change));
     EXPECT_TRUE(change.entry().after.empty());
 }
 
@@ -91,7 +91,7 @@ TEST_F(ExpectedImages, ReplaceARecordedTextOfAnotherProgram) {
     EXPECT_EQ(CaseOf(theirs), FileCase::kNew);
     const velkctl::JournalEntry own = WithOwnImages(change.entry());
     EXPECT_EQ(CompareFile(ReadFileImage(kInterfaces), own), FileCase::kOther);
-    EXPECT_FALSE(ExpectSteps(change, {}));
+    EXPECT_FALSE(ExpectSteps(change));
     EXPECT_EQ(CaseOf(theirs), FileCase::kOther);
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kNew);
 }
@@ -100,7 +100,7 @@ TEST_F(ExpectedImages, AreThoseOfTheRecordIfNoTrialIsPossible) {
     WriteFile(kInterfaces, kAfterAll);
     ASSERT_EQ(change.RecordFiles(), 0);
     WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
-    EXPECT_FALSE(ExpectSteps(change, {})) << "each file is known";
+    EXPECT_FALSE(ExpectSteps(change)) << "each file is known";
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kNew);
     EXPECT_EQ(WithOwnImages(change.entry()).after.size(), 1U);
 }
@@ -137,7 +137,7 @@ TEST_F(ExpectedImages, HaveASwitchedValueAsItWas) {
 TEST_F(ExpectedImages, AreUnknownIfNoTrialIsPossible) {
     WriteFile(testkit::kResolverFile, std::string(2 << 20, 'x'));
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);
-    const std::optional<velkctl::Problem> problem = ExpectSteps(change, {});
+    const std::optional<velkctl::Problem> problem = ExpectSteps(change);
     ASSERT_TRUE(problem);
     EXPECT_EQ(problem->message, "/etc/resolv.dnsmasq.conf: is too large for a private copy");
     EXPECT_EQ(CaseOf(kAfterAll), FileCase::kOther);

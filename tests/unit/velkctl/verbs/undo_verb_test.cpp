@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -150,6 +151,25 @@ TEST_F(UndoVerbTest, StaysOpenIfAFileCannotBeWritten) {
     EXPECT_EQ(ReadFile(kInterfaces), kNewText);
     EXPECT_EQ(Undo(), ExitStatus::kDone);
     EXPECT_EQ(ReadFile(kInterfaces), kText);
+}
+
+// With a line of another program the value is set in a copy first, not the file written at once.
+TEST_F(UndoVerbTest, StaysOpenIfAFileOfAnotherProgramCannotBeWritten) {
+    const std::string theirs = "# by hand\n";
+    WriteFile(kInterfaces, kNewText + theirs);
+    // The trial in a copy is another process, which writes without faults.
+    libc().OnCall(Call::kOpen, [this, own = getpid()](const Event& event) {
+        if (getpid() == own && event.text == kInterfaces &&
+            (event.number & O_ACCMODE) != O_RDONLY) {
+            libc().Script(Call::kWrite, {testkit::Fail(EIO)});
+        }
+    });
+    EXPECT_EQ(Undo(), ExitStatus::kPartlyBack);
+    EXPECT_EQ(ReadFile(kInterfaces), "");
+    EXPECT_EQ(ReadJournal().entries.back().decoded.entry.state, EntryState::kStuck);
+    libc().OnCall(Call::kOpen, {});
+    EXPECT_EQ(Recover(), ExitStatus::kDone);
+    EXPECT_EQ(ReadFile(kInterfaces), kNewText + theirs);
 }
 
 TEST_F(UndoVerbTest, ChangesNothingWithoutAListOfTheEntries) {
