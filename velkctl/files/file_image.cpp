@@ -164,9 +164,9 @@ FileImage ReadFileImage(const std::string& path) {
         return image;
     }
     struct stat facts {};
-    (void)stat(path.c_str(), &facts);
+    const int fact_error = stat(path.c_str(), &facts) == 0 ? 0 : errno;
     image.exists = true;
-    image.error = ErrorOf(file);
+    image.error = fact_error == 0 ? ErrorOf(file) : fact_error;
     image.bytes = std::move(file.bytes);
     image.mode = facts.st_mode & kPermissions;
     image.owner = facts.st_uid;

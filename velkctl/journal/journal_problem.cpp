@@ -38,6 +38,11 @@ Problem JournalProblem(std::string message, int error) {
         problem.remedy = kLockedRemedy;
         return problem;
     }
+    if (error == EBUSY) {
+        problem.detail = std::string(velk::kLockFile) + " cannot be opened";
+        problem.remedy = "see 'velkctl doctor'";
+        return problem;
+    }
     problem.detail = std::string(velk::kJournalFolder) + ": " + strerror(error);
     problem.remedy = RemedyOf(error);
     return problem;

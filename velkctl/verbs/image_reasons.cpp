@@ -9,21 +9,46 @@
 
 #include "lib/base/find_row.h"
 #include "lib/base/paths.h"
+#include "lib/ipconf/interfaces_file.h"
+#include "velkctl/text/take_line.h"
 
 namespace velkctl {
 namespace {
 
-// Returns the missing text, as in "stanza of eth0"; empty if the file has a line for the setting.
-std::string MissingText(const FileLine& line, const Setting& setting, const FileImage& image) {
-    if (image.path == velk::kInterfacesFile) {
-        const std::string interface(setting.interface);
-        const bool has_stanza = image.bytes.find("iface " + interface + " ") != std::string::npos;
-        if (!has_stanza) {
-            return "stanza of " + interface;
+// Returns the stanza of the interface; empty if there is none.
+std::string_view StanzaOf(std::string_view interface, std::string_view text) {
+    std::string_view rest = text;
+    while (!rest.empty() && velk::HeaderLength(rest, interface) == 0) {
+        TakeLine(rest);
+    }
+    const size_t length = rest.find(std::string("\n").append(velk::kStanzaStart));
+    return rest.substr(0, length);
+}
+
+// True if a line has the key and is no comment.
+bool HasKey(std::string_view text, std::string_view key) {
+    while (!text.empty()) {
+        const std::string_view line = TakeLine(text);
+        if (line.find(key) != std::string_view::npos && !line.starts_with('#')) {
+            return true;
         }
     }
-    const bool has_key = image.bytes.find(line.key) != std::string::npos;
-    return has_key ? "" : "line with " + std::string(line.key);
+    return false;
+}
+
+// Returns the missing text, as in "stanza of eth0"; empty if the file has a line for the setting.
+std::string MissingText(const FileLine& line, const Setting& setting, const FileImage& image) {
+    std::string_view text = image.bytes;
+    if (image.path == velk::kInterfacesFile) {
+        text = StanzaOf(setting.interface, text);
+        if (text.empty()) {
+            return "stanza of " + std::string(setting.interface);
+        }
+    }
+    const std::string_view key = line.key;
+    return HasKey(text, key)
+               ? ""
+               : "line with " + std::string(key.substr(0, key.find_last_not_of(' ') + 1));
 }
 
 std::string ReasonIn(const FileLine& line, const Setting& setting,
