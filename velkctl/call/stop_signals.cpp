@@ -17,9 +17,14 @@ namespace {
 constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 constexpr int kStatusOfSignal = 128;  // as shells report it
 
+// Unlike SIG_IGN, a handler is not inherited by programs.
+void Ignore(int /*signal*/) {
+}
+
 bool IsIgnored(int signal) {
     struct sigaction action {};
-    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+    return sigaction(signal, nullptr, &action) == 0 &&
+           (action.sa_handler == SIG_IGN || action.sa_handler == Ignore);
 }
 
 }  // namespace
@@ -49,6 +54,15 @@ int StopSignals::Pending() const {
         }
     }
     return 0;
+}
+
+void IgnoreStopSignals() {
+    struct sigaction action {};
+    action.sa_handler = Ignore;
+    action.sa_flags = SA_RESTART;
+    for (const int signal : kStopSignals) {
+        (void)sigaction(signal, &action, nullptr);
+    }
 }
 
 int StatusOfSignal(int signal) {

@@ -10,6 +10,8 @@
 
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
+#include "velkctl/files/tool_run.h"
+#include "velkctl/text/escaping.h"
 
 namespace velkctl {
 namespace {
@@ -27,7 +29,7 @@ class Run {
             return std::move(result_);
         }
         const bool is_done = EndClients() && MakeSteps() && SwitchBack() && Pass(record_.Flush()) &&
-                             Restart() && Verify() && Pass(record_.Finish());
+                             Restart() && Verify() && Ask() && Pass(record_.Finish());
         if (!is_done) {
             TakeBack();
         }
@@ -122,6 +124,24 @@ class Run {
         return holds_all;
     }
 
+    // A command may decide in the place of a person.
+    bool Ask() {
+        if (plan_.confirm_if.empty()) {
+            return true;
+        }
+        const ToolRun run =
+            RunTool({"sh", "-c", plan_.confirm_if}, std::chrono::seconds(plan_.confirm_seconds));
+        if (run.ended && run.status == 0) {
+            return true;
+        }
+        const std::string reason =
+            run.ended ? "has ended with status " + std::to_string(run.status)
+                      : "has not ended within " + std::to_string(plan_.confirm_seconds) + " s";
+        report_.Complain({.message = "apply: the change is not confirmed",
+                          .detail = Quoted(plan_.confirm_if) + " " + reason});
+        return false;
+    }
+
     void TakeBack() {
         result_.is_taken_back = true;
         for (const std::string& interface : taken_down_) {
@@ -134,6 +154,7 @@ class Run {
         for (const std::string& interface : taken_down_) {
             (void)Pass(RestartInterface(interface, limits_, device_).problem);
         }
+        record_.FinishTakeBack();
     }
 
     const ApplyPlan& plan_;

@@ -7,22 +7,27 @@
 #include <cerrno>
 #include <chrono>
 #include <thread>
+#include <utility>
 
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/journal/waiting_change.h"
 
 namespace velkctl {
 namespace {
 
 constexpr std::chrono::milliseconds kPause{250};
+constexpr int64_t kMilliseconds = 1000;
+constexpr char kNotBegun[] = "apply: the change was not begun";
 
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
 }
 
 BeginFailure FailureOf(int error) {
-    return {JournalProblem("apply: the change was not begun", error), StatusOfJournal(error)};
+    return {JournalProblem(kNotBegun, error), StatusOfJournal(error)};
 }
 
 }  // namespace
@@ -52,16 +57,47 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     if (!lock_.is_held()) {
         return FailureOf(lock_.error());
     }
+    if (std::optional<Problem> problem = FindWaitingProblem(kNotBegun)) {
+        return BeginFailure{std::move(*problem), ExitStatus::kWaits};
+    }
     const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
     if (const int error = BeginEntry(plan, device); error != 0) {
         return FailureOf(error);
     }
     Expect();
+    if (std::optional<BeginFailure> failure = Guard()) {
+        change_.Discard();
+        return failure;
+    }
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
         change_.Discard();
         return FailureOf(error);
     }
     return std::nullopt;
+}
+
+// The guardian reads the entry. Until the change waits, its deadline is the latest end.
+std::optional<BeginFailure> JournalRecord::Guard() {
+    if (confirmation_.guard == nullptr) {
+        return std::nullopt;
+    }
+    const int64_t seconds = int64_t{confirmation_.step_seconds} + confirmation_.window_seconds;
+    change_.RecordWindow(
+        {confirmation_.window_seconds, MillisecondsSinceBoot() + seconds * kMilliseconds});
+    if (const int error = change_.Sync(); error != 0) {
+        return FailureOf(error);
+    }
+    GuardianFacts facts;
+    if (std::optional<Problem> problem = confirmation_.guard->Start(change_.entry().id, facts)) {
+        return BeginFailure{std::move(*problem)};
+    }
+    change_.RecordGuardian(facts);
+    return std::nullopt;
+}
+
+EntryState JournalRecord::LastState() const {
+    const bool waits = confirmation_.guard != nullptr && !confirmation_.is_asked;
+    return waits ? EntryState::kWaiting : EntryState::kConfirmed;
 }
 
 std::optional<Problem> JournalRecord::Flush() {
@@ -70,13 +106,20 @@ std::optional<Problem> JournalRecord::Flush() {
 
 std::optional<Problem> JournalRecord::Finish() {
     const int error = change_.RecordFiles();
+    if (LastState() == EntryState::kWaiting) {
+        const int64_t window = confirmation_.window_seconds * kMilliseconds;
+        change_.RecordWindow({confirmation_.window_seconds, MillisecondsSinceBoot() + window});
+    }
     return ProblemOf("apply: the change could not be recorded",
-                     error != 0 ? error : change_.Advance(EntryState::kConfirmed));
+                     error != 0 ? error : change_.Advance(LastState()));
 }
 
 ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
-    return velkctl::TakeBack(change_, {}, device, report).is_whole() ? ExitStatus::kFailed
-                                                                     : ExitStatus::kPartlyBack;
+    if (change_.entry().needs_confirmation()) {
+        change_.RecordTakingBack(std::string(kCauseFailure), false);
+    }
+    taken_back_ = PutBackOpen(change_, {}, device, report);
+    return taken_back_.is_whole() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
 }
 
 }  // namespace velkctl

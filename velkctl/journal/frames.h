@@ -21,6 +21,10 @@ enum class FrameKind : uint32_t {
     kState = 3,
     kImageAfter = 4,
     kSteps = 5,
+    kWindow = 6,
+    kGuardian = 7,
+    kTakingBack = 8,
+    kFilesBack = 9,
 };
 
 struct Frame {

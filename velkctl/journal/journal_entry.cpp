@@ -176,6 +176,42 @@ size_t StepsFromJson(const Json& json, const JournalEntry& entry) {
     return std::min(json.at("made").get<size_t>(), entry.steps.size());
 }
 
+ConfirmWindow WindowFromJson(const Json& json) {
+    return {json.at("seconds").get<int>(), json.at("deadline").get<int64_t>()};
+}
+
+GuardianFacts GuardianFromJson(const Json& json) {
+    return {json.at("keeper").get<pid_t>(), json.at("guardian").get<pid_t>(),
+            json.at("terminal").get<std::string>(), json.at("session").get<pid_t>(),
+            json.at("session_start").get<int64_t>()};
+}
+
+void ReadTakingBack(const Json& json, JournalEntry& entry) {
+    entry.cause = json.at("cause").get<std::string>();
+    entry.is_untold = json.at("untold").get<bool>();
+}
+
+// Reads the frames of changes that need to be confirmed or wait for the daemon.
+void ReadLaterFrame(const Frame& frame, JournalEntry& entry) {
+    const Json json = Parse(frame.payload);
+    switch (frame.kind) {
+        case FrameKind::kWindow:
+            entry.window = WindowFromJson(json);
+            break;
+        case FrameKind::kGuardian:
+            entry.guardian = GuardianFromJson(json);
+            break;
+        case FrameKind::kTakingBack:
+            ReadTakingBack(json, entry);
+            break;
+        case FrameKind::kFilesBack:
+            entry.files_back = json.at("boot_id").get<std::string>();
+            break;
+        default:
+            break;
+    }
+}
+
 void ReadFrame(const Frame& frame, JournalEntry& entry) {
     switch (frame.kind) {
         case FrameKind::kHeader:
@@ -193,6 +229,8 @@ void ReadFrame(const Frame& frame, JournalEntry& entry) {
         case FrameKind::kSteps:
             entry.steps.resize(StepsFromJson(Parse(frame.payload), entry));
             break;
+        default:
+            ReadLaterFrame(frame, entry);
     }
 }
 
@@ -233,6 +271,29 @@ std::string EncodeState(EntryState state) {
 
 std::string EncodeSteps(size_t made) {
     return EncodeFrame(FrameKind::kSteps, Json{{"made", made}}.dump());
+}
+
+std::string EncodeWindow(const ConfirmWindow& window) {
+    const Json json{{"seconds", window.seconds}, {"deadline", window.deadline}};
+    return EncodeFrame(FrameKind::kWindow, json.dump());
+}
+
+std::string EncodeGuardian(const GuardianFacts& guardian) {
+    const Json json{{"keeper", guardian.keeper},
+                    {"guardian", guardian.guardian},
+                    {"terminal", guardian.terminal},
+                    {"session", guardian.session},
+                    {"session_start", guardian.session_start}};
+    return EncodeFrame(FrameKind::kGuardian, json.dump());
+}
+
+std::string EncodeTakingBack(const std::string& cause, bool is_untold) {
+    const Json json{{"cause", cause}, {"untold", is_untold}};
+    return EncodeFrame(FrameKind::kTakingBack, json.dump());
+}
+
+std::string EncodeFilesBack(const std::string& boot_id) {
+    return EncodeFrame(FrameKind::kFilesBack, Json{{"boot_id", boot_id}}.dump());
 }
 
 void AddAfter(JournalEntry& entry, FileImage image) {

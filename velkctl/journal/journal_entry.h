@@ -20,8 +20,9 @@
 
 namespace velkctl {
 
-// A plain set: prepared, applying, done. An apply: prepared, applying, waiting, confirmed. A change
-// that is taken back: reverting, then reverted, or stuck if a part could not be put back.
+// A plain set: prepared, applying, done. An apply: prepared, applying, waiting if it needs to be
+// confirmed, confirmed. A change that is taken back: reverting, then reverted, or stuck if a part
+// could not be put back.
 enum class EntryState {
     kPrepared,
     kApplying,
@@ -45,6 +46,28 @@ struct Step {
     std::optional<Data> old_value{};  // nothing if it could not be read
 };
 
+// Seconds to confirm a change.
+inline constexpr int kShortestWindow = 10;
+inline constexpr int kUsualWindow = 300;
+inline constexpr int kLongestWindow = 24 * 60 * 60;
+
+// The time to confirm a change.
+struct ConfirmWindow {
+    int seconds = 0;  // 0: the change needs no confirmation
+    // Milliseconds since boot. Until the change waits, the latest end of its steps and the window.
+    int64_t deadline = 0;
+};
+
+// The processes that take a change back if it is not confirmed, and the terminal to inform.
+struct GuardianFacts {
+    pid_t keeper = 0;  // starts a guardian that was killed again
+    pid_t guardian = 0;
+    std::string terminal{};  // the one of the run; empty: none
+    // While this session leader runs, it is still the same terminal.
+    pid_t session = 0;
+    int64_t session_start = 0;  // as in /proc/PID/stat
+};
+
 struct JournalEntry {
     std::string id{};  // four letters and digits: "k7f2"
     EntryKind kind = EntryKind::kPlainSet;
@@ -59,7 +82,13 @@ struct JournalEntry {
     std::vector<FileImage> after{};       // the same files after the steps so far; empty: unknown
     std::vector<FileImage> between{};     // the same files after earlier steps
     EntryState state = EntryState::kPrepared;
+    ConfirmWindow window{};
+    GuardianFacts guardian{};
+    std::string cause{};       // the reason why it is taken back; empty: unknown
+    bool is_untold = false;    // the next run reports that it is taken back
+    std::string files_back{};  // the id of the boot at which only the daemon's values were left
 
+    bool needs_confirmation() const { return window.seconds > 0; }
     // True if nothing is left to do for it.
     bool is_closed() const {
         return state == EntryState::kDone || state == EntryState::kConfirmed ||
@@ -73,6 +102,11 @@ std::string EncodeState(EntryState state);
 std::string EncodeAfter(const std::vector<FileImage>& images);
 // The number of steps that were made, if not all.
 std::string EncodeSteps(size_t made);
+
+std::string EncodeWindow(const ConfirmWindow& window);
+std::string EncodeGuardian(const GuardianFacts& guardian);
+std::string EncodeTakingBack(const std::string& cause, bool is_untold);
+std::string EncodeFilesBack(const std::string& boot_id);
 
 // Makes the image the latest one of its file after the change.
 void AddAfter(JournalEntry& entry, FileImage image);

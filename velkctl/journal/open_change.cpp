@@ -13,24 +13,15 @@
 #include "lib/base/paths.h"
 #include "lib/wired/link_settings.h"
 #include "velkctl/call/library_lock.h"
-#include "velkctl/files/text_file.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/files/tool_run.h"
 #include "velkctl/settings/device_files.h"
 
 namespace velkctl {
 namespace {
 
-constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
 // A daemon or log that is stuck does not delay the change for longer: it is likely to fail anyway.
 constexpr int kReadSeconds = 5;
-constexpr int64_t kMilliseconds = 1000;
-constexpr int64_t kNanosecondsOfOne = 1'000'000;
-
-int64_t MillisecondsSinceBoot() {
-    timespec now{};
-    (void)clock_gettime(CLOCK_BOOTTIME, &now);
-    return now.tv_sec * kMilliseconds + now.tv_nsec / kNanosecondsOfOne;
-}
 
 bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
     return std::ranges::any_of(
@@ -116,10 +107,6 @@ const FileImage* FindImage(const std::vector<FileImage>& images, const std::stri
 
 }  // namespace
 
-std::string RunningBootId() {
-    return std::string(Trimmed(ReadTextFile(kBootIdFile).bytes));
-}
-
 std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes) {
     std::vector<Step> steps;
     steps.reserve(changes.size());
@@ -192,6 +179,32 @@ void OpenChange::RecordSteps(size_t made) {
         file_->Append(EncodeSteps(made));
         entry_.steps.resize(made);
     }
+}
+
+void OpenChange::RecordWindow(const ConfirmWindow& window) {
+    file_->Append(EncodeWindow(window));
+    entry_.window = window;
+}
+
+void OpenChange::RecordGuardian(const GuardianFacts& guardian) {
+    file_->Append(EncodeGuardian(guardian));
+    entry_.guardian = guardian;
+}
+
+void OpenChange::RecordTakingBack(const std::string& cause, bool is_untold) {
+    file_->Append(EncodeTakingBack(cause, is_untold));
+    entry_.cause = cause;
+    entry_.is_untold = is_untold;
+}
+
+void OpenChange::RecordFilesBack() {
+    entry_.files_back = RunningBootId();
+    file_->Append(EncodeFilesBack(entry_.files_back));
+}
+
+int OpenChange::Sync() {
+    file_->Sync();
+    return file_->error();
 }
 
 int OpenChange::FlushFiles() const {

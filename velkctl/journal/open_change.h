@@ -16,9 +16,6 @@
 
 namespace velkctl {
 
-// Returns the id that the kernel has given itself at its start; empty if unknown.
-std::string RunningBootId();
-
 // A change as it is planned.
 struct ChangePlan {
     EntryKind kind = EntryKind::kPlainSet;
@@ -56,6 +53,15 @@ class OpenChange {
     // Records that only the first steps of the entry were made. Not on disk before the next
     // Advance().
     void RecordSteps(size_t made);
+    // Records the time to confirm the change. Not on disk before the next Advance() or Sync().
+    void RecordWindow(const ConfirmWindow& window);
+    void RecordGuardian(const GuardianFacts& guardian);
+    // Records the reason why the change is taken back, and whether it has to be reported.
+    void RecordTakingBack(const std::string& cause, bool is_untold);
+    // Records that only the values of the wireless daemon are left to be put back.
+    void RecordFilesBack();
+    // Writes the records to disk.
+    int Sync();
     // Writes the touched files and their folders to disk. Returns the first failure.
     int FlushFiles() const;
     // True if the recorded files are as before the change.

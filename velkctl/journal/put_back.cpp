@@ -329,23 +329,37 @@ PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const D
     return Work(entry, options, device).Run();
 }
 
+PutBackResult PutBackOpen(OpenChange& change, PutBackOptions options, const Device& device,
+                          Report& report) {
+    // Without this state on disk the files are still put back: they are the reason for the journal.
+    if (change.entry().state != EntryState::kReverting) {
+        (void)change.Advance(EntryState::kReverting);
+    }
+    PutBackResult result = PutBack(change.entry(), options, device);
+    for (const Problem& problem : result.left) {
+        report.Complain(problem);
+    }
+    return result;
+}
+
+void CloseTakenBack(OpenChange& change, const PutBackResult& result) {
+    if (!result.left.empty()) {
+        (void)change.Advance(EntryState::kStuck);
+    } else if (result.is_whole()) {
+        (void)change.Advance(EntryState::kReverted);
+    } else {
+        (void)change.Sync();
+    }
+}
+
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report) {
     if (change.entry().state == EntryState::kPrepared) {
         (void)change.Advance(EntryState::kReverted);
         return {};
     }
-    // Without this state on disk the files are still put back: they are the reason for the journal.
-    (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), options, device);
-    for (const Problem& problem : result.left) {
-        report.Complain(problem);
-    }
-    if (!result.left.empty()) {
-        (void)change.Advance(EntryState::kStuck);
-    } else if (result.is_whole()) {
-        (void)change.Advance(EntryState::kReverted);
-    }
+    PutBackResult result = PutBackOpen(change, options, device, report);
+    CloseTakenBack(change, result);
     return result;
 }
 

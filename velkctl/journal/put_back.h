@@ -52,6 +52,12 @@ PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const D
 PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
                        Report& report);
 
+// The first part of it: state reverting, and PutBack(). A restart may come before the second one.
+PutBackResult PutBackOpen(OpenChange& change, PutBackOptions options, const Device& device,
+                          Report& report);
+// The second part: the state that the result leads to.
+void CloseTakenBack(OpenChange& change, const PutBackResult& result);
+
 // Restarts the interfaces that the change has restarted, so that they take the old settings.
 // Reports failures. Returns the status of the last one.
 ExitStatus RestartAfter(const JournalEntry& entry, const Device& device, Report& report);

@@ -6,14 +6,17 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/waiting_change.h"
 
 namespace velkctl {
 namespace {
 
 // A plain set of another run ends soon.
 constexpr int kLeastWait = 2;
+constexpr char kUnchanged[] = "set: nothing was changed";
 
 bool MayHaveEffect(const Answer& answer) {
     return answer.ok() || answer.timed_out;
@@ -40,14 +43,22 @@ SetRecord::SetRecord(const std::vector<SettingChange>& changes, int wait_seconds
       report_(report),
       lock_(JournalLock::Use::kShared, std::max(wait_seconds, kLeastWait)) {
     if (lock_.error() == EWOULDBLOCK) {
-        report_.Complain(JournalProblem("set: nothing was changed", EWOULDBLOCK));
-        is_refused_ = true;
+        Refuse(JournalProblem(kUnchanged, EWOULDBLOCK), ExitStatus::kLocked);
+        return;
+    }
+    if (const std::optional<Problem> problem = FindWaitingProblem(kUnchanged)) {
+        Refuse(*problem, ExitStatus::kWaits);
         return;
     }
     if (!lock_.is_held()) {
         GiveUp(lock_.error());
     }
     device.WatchSets(*this);
+}
+
+void SetRecord::Refuse(const Problem& problem, ExitStatus status) {
+    report_.Complain(problem);
+    refusal_ = status;
 }
 
 void SetRecord::GiveUp(int error) {

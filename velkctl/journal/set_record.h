@@ -9,6 +9,7 @@
 
 #include "velkctl/call/device.h"
 #include "velkctl/journal/open_change.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/setting_change.h"
 
@@ -24,8 +25,10 @@ class SetRecord final : public SetWatcher {
     SetRecord(const std::vector<SettingChange>& changes, int wait_seconds, Device& device,
               Report& report);
 
-    // True if another run of velkctl holds the journal. It is reported, and no set may be made.
-    bool is_refused() const { return is_refused_; }
+    // True if another run of velkctl holds the journal, or a change waits for its confirmation. It
+    // is reported, and no set may be made.
+    bool is_refused() const { return refusal_ != ExitStatus::kDone; }
+    ExitStatus refusal() const { return refusal_; }
 
     bool BeforeAttempt() override;
     void AfterAttempt(const Answer& answer) override;
@@ -34,6 +37,7 @@ class SetRecord final : public SetWatcher {
     void Finish();
 
   private:
+    void Refuse(const Problem& problem, ExitStatus status);
     void GiveUp(int error);
     // Returns false while another program changes settings.
     bool Begin();
@@ -46,7 +50,7 @@ class SetRecord final : public SetWatcher {
     const Device& device_;
     Report& report_;
     const JournalLock lock_;
-    bool is_refused_ = false;
+    ExitStatus refusal_ = ExitStatus::kDone;
     bool is_given_up_ = false;
     bool is_finished_ = false;
     size_t attempted_ = 0;            // the changes that were not refused for the lock

@@ -12,19 +12,27 @@
 #include "velkctl/call/device.h"
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
+#include "velkctl/changes/apply_time.h"
+#include "velkctl/changes/change_guard.h"
 #include "velkctl/changes/change_words.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/journal_record.h"
+#include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/documents/settings_document.h"
+#include "velkctl/guardian/guardian_process.h"
+#include "velkctl/journal/journal_entry.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
+#include "velkctl/verbs/ask_to_keep.h"
 #include "velkctl/verbs/document_settings.h"
 #include "velkctl/verbs/setting_values.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -87,6 +95,34 @@ std::optional<RestartChoice> ReadRestart(const Invocation& invocation, Report& r
     return choice;
 }
 
+// Returns the seconds to confirm the change, 0 for a change without a confirmation. Refuses a value
+// that is not valid and returns nothing.
+std::optional<int> ReadConfirmation(const Invocation& invocation, Report& report) {
+    if (invocation.ask && !CanAskForKey()) {
+        report.Refuse("--ask: there is no terminal; give --confirm-within and 'velkctl confirm'");
+        return std::nullopt;
+    }
+    if (invocation.ask && invocation.confirm_if) {
+        report.Refuse("--ask and --confirm-if cannot be given together; give one of them");
+        return std::nullopt;
+    }
+    if (invocation.confirm_within) {
+        return ReadWindow("--confirm-within", *invocation.confirm_within, report);
+    }
+    return invocation.ask || invocation.confirm_if ? kUsualWindow : 0;
+}
+
+struct ApplyOptions {
+    RestartChoice restart;
+    int window_seconds = 0;  // to confirm the change; 0: it needs no confirmation
+};
+
+std::optional<ApplyOptions> ReadOptions(const Invocation& invocation, Report& report) {
+    const std::optional<RestartChoice> restart = ReadRestart(invocation, report);
+    const std::optional<int> seconds = ReadConfirmation(invocation, report);
+    return restart && seconds ? std::optional(ApplyOptions{*restart, *seconds}) : std::nullopt;
+}
+
 // ---- Output ------------------------------------------------------------------------------------
 
 Json ChangesInJson(const ApplyPlan& plan) {
@@ -144,18 +180,63 @@ ExitStatus ReportProblems(const std::vector<Problem>& problems, ExitStatus statu
 
 // ---- The change --------------------------------------------------------------------------------
 
+// The plan has the command that confirms the change, and its time.
+Confirmation ConfirmationOf(const ApplyPlan& plan, const Invocation& invocation,
+                            GuardianProcess& guardian) {
+    if (plan.confirm_seconds == 0) {
+        return {};
+    }
+    return {.guard = &guardian,
+            .window_seconds = plan.confirm_seconds,
+            .step_seconds = LongestTimeOf(plan, invocation.limits),
+            .is_asked = !plan.confirm_if.empty()};
+}
+
+// Reports a change that is made. One that waits is reported with the command that keeps it.
+void ReportDone(const ApplyPlan& plan, const ApplyResult& result, const JournalEntry& entry,
+                Report& report) {
+    std::string text = Summary(plan, result);
+    if (entry.state == EntryState::kWaiting) {
+        const std::string left = std::to_string(SecondsLeft(entry));
+        text.append("; keep with: velkctl confirm ").append(entry.id);
+        text.append(" (").append(left).append(" s left; a reboot puts it back too)");
+    }
+    report.Inform(WrappedAt80(text, 0) + "\n");
+}
+
+void ReportEntry(const JournalEntry& entry, Report& report) {
+    const bool waits = entry.state == EntryState::kWaiting;
+    report.Member("id", TextOrNull(entry.id));
+    report.Member("state", entry.id.empty() ? Json(nullptr) : Json(NameOf(entry.state)));
+    report.Member("seconds_left", waits ? Json(SecondsLeft(entry)) : Json(nullptr));
+}
+
+ApplyResult CarryOutUnderLock(const ApplyPlan& plan, const Invocation& invocation,
+                              const Confirmation& confirmation, const Device& device,
+                              Report& report, JournalEntry& entry) {
+    JournalRecord record(invocation.limits, report, confirmation);
+    ApplyResult result = Apply(plan, record, invocation.limits, device, report);
+    entry = record.entry();
+    return result;
+}
+
 ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
                     Report& report) {
-    JournalRecord record(invocation.limits, report);
-    const ApplyResult result = Apply(plan, record, invocation.limits, device, report);
+    GuardianProcess guardian;
+    const Confirmation confirmation = ConfirmationOf(plan, invocation, guardian);
+    JournalEntry entry;
+    const ApplyResult result =
+        CarryOutUnderLock(plan, invocation, confirmation, device, report, entry);
     report.Member("restarts", RestartsInJson(result.restarts));
     report.Member("taken_back", result.is_taken_back);
+    ReportEntry(entry, report);
     if (result.status == ExitStatus::kDone) {
-        report.Inform(Summary(plan, result) + "\n");
+        ReportDone(plan, result, entry, report);
     } else if (result.is_taken_back && result.status == ExitStatus::kFailed) {
         report.Note("all settings are as before");
     }
-    return result.status;
+    const bool asks = invocation.ask && entry.state == EntryState::kWaiting;
+    return asks ? AskToKeep(entry, invocation.limits, report) : result.status;
 }
 
 // The DHCP client of an interface that leaves dhcp is ended by velkctl itself.
@@ -183,9 +264,14 @@ ExitStatus TryPlan(const ApplyPlan& plan, const Invocation& invocation, const De
     return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
 }
 
-ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
+ExitStatus ApplyWanted(const WantedValues& wanted, const ApplyOptions& options,
                        const Invocation& invocation, const Device& device, Report& report) {
-    const ApplyPlan plan = MakePlan(wanted.changes, choice, device);
+    if (!invocation.dry_run && RefuseWhileOneWaits("apply: nothing was changed", report)) {
+        return ExitStatus::kWaits;
+    }
+    ApplyPlan plan = MakePlan(wanted.changes, options.restart, device);
+    plan.confirm_if = invocation.confirm_if.value_or("");
+    plan.confirm_seconds = options.window_seconds;
     report.Member("changes", ChangesInJson(plan));
     report.Member("skipped", NamesOf(plan.skipped));
     if (!plan.problems.empty()) {
@@ -195,6 +281,7 @@ ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
     if (plan.changes.empty()) {
         report.Member("restarts", Json::array());
         report.Member("taken_back", false);
+        ReportEntry({}, report);
         report.Inform("nothing to change\n");
         return ExitStatus::kDone;
     }
@@ -212,11 +299,11 @@ bool IsWordOfSetting(std::string_view word) {
 
 ExitStatus RunWith(const WantedValues& wanted, const Invocation& invocation, const Device& device,
                    Report& report) {
-    const std::optional<RestartChoice> choice = ReadRestart(invocation, report);
-    if (!choice || !wanted.problems.empty()) {
+    const std::optional<ApplyOptions> options = ReadOptions(invocation, report);
+    if (!options || !wanted.problems.empty()) {
         return ReportProblems(wanted.problems, ExitStatus::kInvalid, report);
     }
-    return ApplyWanted(wanted, *choice, invocation, device, report);
+    return ApplyWanted(wanted, *options, invocation, device, report);
 }
 
 ExitStatus RunDocument(std::string_view verb, const Invocation& invocation, const Device& device,

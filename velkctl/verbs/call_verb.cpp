@@ -28,6 +28,7 @@
 #include "velkctl/text/masking.h"
 #include "velkctl/text/numbers.h"
 #include "velkctl/text/spelling.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -226,6 +227,9 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
     const Command& command = parsed.command;
     if (invocation.dry_run) {
         return TryCall(command, data.data, invocation, report);
+    }
+    if (command.type != VELK_GET && RefuseWhileOneWaits("call: nothing was changed", report)) {
+        return ExitStatus::kWaits;
     }
     Answer answer = Device(invocation.limits, report)
                         .Execute(command, data.data, "command " + std::to_string(command.id));

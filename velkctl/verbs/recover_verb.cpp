@@ -8,13 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/changes/dhcp_end.h"
+#include "velkctl/changes/revert.h"
 #include "velkctl/cli/verbs.h"
-#include "velkctl/journal/expected_images.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/verbs/journal_entries.h"
 #include <nlohmann/json.hpp>
 
@@ -48,14 +49,22 @@ std::vector<StoredEntry> InterruptedEntries(const JournalListing& listing, bool 
     return entries;
 }
 
-std::string OutcomeOf(const PutBackResult& result) {
-    if (result.is_locked) {
+// Only a change that needs a confirmation has a reason to say.
+std::string_view CauseOf(const JournalEntry& entry) {
+    if (!entry.needs_confirmation()) {
+        return "";
+    }
+    return entry.boot_id == RunningBootId() ? kCauseInterrupted : kCauseBoot;
+}
+
+std::string OutcomeOf(const RevertResult& result) {
+    if (result.is_locked()) {
         return "another program is changing settings";
     }
-    if (!result.left.empty()) {
+    if (!result.put_back.left.empty()) {
         return "is put back in part";
     }
-    return result.waits_for_daemon ? "waits for the wireless daemon" : "is put back";
+    return result.put_back.waits_for_daemon ? "waits for the wireless daemon" : "is put back";
 }
 
 ExitStatus StatusOf(const PutBackResult& result) {
@@ -65,33 +74,17 @@ ExitStatus StatusOf(const PutBackResult& result) {
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-// A change that was interrupted before its first step, or at a start of the device, needs none.
-bool NeedsRestart(EntryState state, bool at_boot) {
-    return state != EntryState::kPrepared && !at_boot;
-}
-
-// The trial and the DHCP clients come first: both depend on the files as they were left.
-PutBackResult PutEntryBack(OpenChange& change, const Invocation& invocation, const Device& device,
-                           Report& report) {
-    if (const std::optional<Problem> problem = ExpectSteps(change, invocation.limits)) {
-        report.Note(*problem);
-    }
-    if (!invocation.boot) {
-        EndClientsOf(change.entry(), device, report);
-    }
-    return TakeBack(change, {.skip_daemon = invocation.boot}, device, report);
-}
-
 ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
                         const Device& device, Report& report) {
     OpenChange change(stored);
-    const bool restarts = NeedsRestart(change.entry().state, invocation.boot);
-    const PutBackResult result = PutEntryBack(change, invocation, device, report);
+    const RevertOptions options{.at_boot = invocation.boot,
+                                .cause = std::string(CauseOf(stored.decoded.entry)),
+                                .is_untold = invocation.boot};
+    const RevertResult result = Revert(change, options, invocation.limits, device, report);
     report.Inform("change " + change.entry().id + " of " + LocalTime(change.entry().time) + " " +
                   OutcomeOf(result) + "\n");
-    const ExitStatus status = StatusOf(result);
-    return status == ExitStatus::kDone && restarts ? RestartAfter(change.entry(), device, report)
-                                                   : status;
+    const ExitStatus status = StatusOf(result.put_back);
+    return status == ExitStatus::kDone ? result.restart : status;
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/data_bytes.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -64,6 +65,9 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
     }
     if (invocation.dry_run) {
         return TryRestart(interface, invocation, report);
+    }
+    if (RefuseWhileOneWaits("restart: " + interface + " is not restarted", report)) {
+        return ExitStatus::kWaits;
     }
     const Device device(invocation.limits, report);
     return invocation.notify_only ? Notify(interface, device, report)

@@ -47,6 +47,7 @@ class NotingRecord final : public velkctl::ChangeRecord {
         (void)Note("take back");
         return ExitStatus::kFailed;
     }
+    void FinishTakeBack() override { (void)Note("finish take back"); }
 
     std::vector<std::string> calls;
 
@@ -115,15 +116,18 @@ TEST_F(ApplyTest, TakesBackAfterEachStepThatFails) {
     const ApplyResult result = Run(plan, of_step);
     EXPECT_EQ(result.status, ExitStatus::kFailed) << "there is no crontab";
     EXPECT_TRUE(result.is_taken_back);
-    EXPECT_THAT(of_step.calls, ElementsAre("begin 2 0", "step", "step", "take back"));
+    EXPECT_THAT(of_step.calls,
+                ElementsAre("begin 2 0", "step", "step", "take back", "finish take back"));
 
     NotingRecord of_flush("flush");
     EXPECT_TRUE(Run(Plan({{"eth0.address", "192.168.0.12"}}), of_flush).is_taken_back);
-    EXPECT_THAT(of_flush.calls, ElementsAre("begin 1 0", "step", "flush", "take back"));
+    EXPECT_THAT(of_flush.calls,
+                ElementsAre("begin 1 0", "step", "flush", "take back", "finish take back"));
 
     NotingRecord of_end("finish");
     EXPECT_TRUE(Run(Plan({{"eth0.address", "192.168.0.13"}}), of_end).is_taken_back);
-    EXPECT_THAT(of_end.calls, ElementsAre("begin 1 0", "step", "flush", "finish", "take back"));
+    EXPECT_THAT(of_end.calls, ElementsAre("begin 1 0", "step", "flush", "finish", "take back",
+                                          "finish take back"));
 }
 
 TEST_F(ApplyTest, RestartsAndTakesBackAnInterfaceThatIsNotUp) {
@@ -135,7 +139,7 @@ TEST_F(ApplyTest, RestartsAndTakesBackAnInterfaceThatIsNotUp) {
     EXPECT_EQ(result.status, ExitStatus::kFailed);
     ASSERT_EQ(result.restarts.size(), 1U) << error;
     EXPECT_TRUE(result.restarts[0].state.is_null()) << "the library has refused the restart";
-    EXPECT_EQ(record.calls.back(), "take back");
+    EXPECT_EQ(record.calls.back(), "finish take back");
 }
 
 // Another program sets the first value while the second one is set.
@@ -152,6 +156,7 @@ class ForeignSet final : public velkctl::ChangeRecord {
     }
     std::optional<Problem> Finish() override { return std::nullopt; }
     ExitStatus TakeBack(const Device&, Report&) override { return ExitStatus::kFailed; }
+    void FinishTakeBack() override {}
 };
 
 TEST_F(ApplyTest, ComparesAllValuesAtTheEnd) {

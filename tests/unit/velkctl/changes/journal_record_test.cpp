@@ -100,6 +100,8 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
     record->StepMade();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
     EXPECT_EQ(ReadFile(kInterfaces), kText);
+    EXPECT_EQ(Stored().state, EntryState::kReverting) << "the restarts come before its end";
+    record->FinishTakeBack();
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
@@ -110,6 +112,7 @@ TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kPartlyBack);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "velkctl: eth0.address: not put back\n  another program has set it since\n");
+    record->FinishTakeBack();
     EXPECT_EQ(Stored().state, EntryState::kStuck);
 }
 

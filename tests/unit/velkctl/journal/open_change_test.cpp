@@ -14,6 +14,7 @@
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/journal/put_back.h"
 
 namespace {
