@@ -460,6 +460,7 @@ constexpr std::array<Verb, 22> kVerbs{{
      "A change is interrupted if velkctl was killed, or the power failed. --boot is\n"
      "for a script that runs before networking: it takes back the changes from before\n"
      "the start, and leaves the values of the wireless daemon to a later recover.\n"
+     "A change that waits for its confirmation is left alone until a restart.\n"
      "Exit status 9: something could not be put back.\n"
      "\n"
      "Examples:\n"
