@@ -98,10 +98,12 @@ class Guardian {
     void Sleep();
 
     StoredEntry stored_;
+    const int64_t boot_time_;  // of the change
     const Caller caller_;
     const velk::UniqueFd timer_;
     const velk::UniqueFd notify_;
     bool is_caller_there_ = true;
+    bool has_begun_ = false;  // to take the change back
     bool has_restarted_ = false;
     bool has_announced_ = false;
     int stop_signal_ = SIGTERM;  // the next one for a late caller
@@ -112,6 +114,7 @@ class Guardian {
 
 Guardian::Guardian(StoredEntry stored, Caller caller)
     : stored_(std::move(stored)),
+      boot_time_(stored_.decoded.entry.boot_time),
       caller_(caller),
       timer_(timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK)),
       notify_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
@@ -134,16 +137,27 @@ void Guardian::Watch() {
     }
 }
 
-// An entry that cannot be read cannot be put back, either.
+// An entry that cannot be read cannot be put back, either. In an emptied journal, a later change
+// has the same name.
 bool Guardian::IsOver() const {
-    return !stored_.is_whole() || stored_.decoded.entry.is_closed();
+    const JournalEntry& entry = stored_.decoded.entry;
+    return !stored_.is_whole() || entry.is_closed() || entry.boot_time != boot_time_;
 }
 
-// While the run is there, it takes its change back itself.
+// While the run is there, it takes its change back itself. It may also be there to ask a person.
 bool Guardian::MustRevert() const {
-    const JournalEntry& entry = stored_.decoded.entry;
-    const bool is_left = entry.state == EntryState::kWaiting ? IsOverdue(entry) : !HasCaller();
-    return is_left && MillisecondsSinceBoot() >= next_try_;
+    if (MillisecondsSinceBoot() < next_try_) {
+        return false;
+    }
+    switch (stored_.decoded.entry.state) {
+        case EntryState::kPrepared:
+        case EntryState::kApplying:
+            return !HasCaller();
+        case EntryState::kWaiting:
+            return IsOverdue(stored_.decoded.entry);
+        default:
+            return has_begun_ || !HasCaller();
+    }
 }
 
 std::string_view Guardian::CauseOfRevert() const {
@@ -161,7 +175,9 @@ void Guardian::LookForCaller() {
 // SIGCONT, because Ctrl-Z at a terminal may have stopped it.
 void Guardian::StopLateCaller() {
     const JournalEntry& entry = stored_.decoded.entry;
-    const bool is_late = HasCaller() && entry.state != EntryState::kWaiting && IsOverdue(entry);
+    const bool is_at_work =
+        entry.state == EntryState::kPrepared || entry.state == EntryState::kApplying;
+    const bool is_late = HasCaller() && is_at_work && IsOverdue(entry);
     if (!is_late || MillisecondsSinceBoot() < next_try_) {
         return;
     }
@@ -197,6 +213,7 @@ bool Guardian::TryUnderLock() {
     OpenChange change(stored_);
     const RevertOptions options{
         .restarts = !has_restarted_, .cause = std::string(CauseOfRevert()), .is_untold = true};
+    has_begun_ = true;
     const RevertResult result = Revert(change, options, {}, device, report);
     if (result.is_locked()) {
         return false;

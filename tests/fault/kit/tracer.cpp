@@ -25,8 +25,9 @@ namespace fault {
 namespace {
 
 constexpr int kSystemCallStop = SIGTRAP | 0x80;  // as PTRACE_O_TRACESYSGOOD marks it
-constexpr long kOptions = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
-                          PTRACE_O_TRACECLONE | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL;
+constexpr long kOptionsOfOne = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL;
+constexpr long kOptions =
+    kOptionsOfOne | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK | PTRACE_O_TRACECLONE;
 
 // Calls that concern the calling process alone: memory, signals, queries.
 constexpr std::array kPrivateCalls{
@@ -90,8 +91,10 @@ bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
 
 class Follower {
   public:
-    Follower(pid_t first, size_t cut_at) : first_(first), cut_at_(cut_at), processes_{first} {
-        if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
+    Follower(pid_t first, size_t cut_at, Traced traced)
+        : first_(first), cut_at_(cut_at), processes_{first} {
+        const long options = traced == Traced::kAll ? kOptions : kOptionsOfOne;
+        if (ptrace(PTRACE_SETOPTIONS, first, nullptr, options) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
         Continue(first, 0);
@@ -173,7 +176,7 @@ class Follower {
 
 }  // namespace
 
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
+TracedRun RunTraced(const std::function<int()>& work, size_t cut_at, Traced traced) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
@@ -189,7 +192,7 @@ TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
         Fail("PTRACE_TRACEME");
     }
-    return Follower(child, cut_at).Follow();
+    return Follower(child, cut_at, traced).Follow();
 }
 
 }  // namespace fault

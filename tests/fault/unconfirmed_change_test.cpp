@@ -1,0 +1,373 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// A change that must be confirmed: its run is killed at each system call, the disk is full at each
+// write, the power is cut while it is put back at a start, and the confirmation meets the deadline.
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "fault/kit/scene.h"
+#include "fault/kit/tracer.h"
+#include "support/device_test.h"
+#include "support/mounted.h"
+#include "support/paths.h"
+#include "velkctl/call/device.h"
+#include "velkctl/changes/apply.h"
+#include "velkctl/changes/apply_plan.h"
+#include "velkctl/changes/journal_record.h"
+#include "velkctl/cli/verbs.h"
+#include "velkctl/files/boot_clock.h"
+#include "velkctl/guardian/guardian_process.h"
+#include "velkctl/journal/journal_folder.h"
+#include "velkctl/journal/open_change.h"
+
+namespace fault {
+namespace {
+
+using velkctl::ChangeSet;
+using velkctl::EntryState;
+using velkctl::ExitStatus;
+using velkctl::FindSetting;
+using velkctl::GuardianFacts;
+using velkctl::GuardianProcess;
+using velkctl::JournalEntry;
+using velkctl::JournalLock;
+using velkctl::MillisecondsSinceBoot;
+using velkctl::OpenChange;
+using velkctl::ReadJournal;
+using velkctl::Report;
+using velkctl::SettingChange;
+
+constexpr int kWindow = 600;
+constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
+constexpr char kOtherBootId[] = "/tmp/boot_id";
+
+SettingChange ChangeTo(const char* name, std::string_view text) {
+    SettingChange change{*FindSetting(name), {}};
+    text.copy(change.value.data(), change.value.size());
+    return change;
+}
+
+ChangeSet Changes() {
+    return {ChangeTo("eth0.address", "10.1.2.3"), ChangeTo("eth0.gateway", "10.1.2.4"),
+            ChangeTo("eth0.dns", "10.1.2.5")};
+}
+
+// Runs as `velkctl apply --confirm-within 600` does.
+int Apply(Device& tools, const std::string& path) {
+    tools.UseRealTools();
+    setenv("PATH", path.c_str(), 1);
+    Report report(Report::Form::kText);
+    const velkctl::Device device({}, report);
+    GuardianProcess guardian(VELKCTL);
+    velkctl::JournalRecord record(
+        {}, report, {.guard = &guardian, .window_seconds = kWindow, .step_seconds = kWindow});
+    const velkctl::ApplyPlan plan = MakePlan(Changes(), {.is_automatic = false}, device);
+    return static_cast<int>(velkctl::Apply(plan, record, {}, device, report).status);
+}
+
+std::optional<JournalEntry> Stored() {
+    const auto entries = ReadJournal().entries;
+    return entries.empty() ? std::nullopt : std::optional(entries.back().decoded.entry);
+}
+
+EntryState StoredState() {
+    const std::optional<JournalEntry> entry = Stored();
+    return entry ? entry->state : EntryState::kDone;
+}
+
+// The note of the last address is in /tmp, and lost at a start.
+Files FilesToKeep() {
+    Files files = ReadTargets();
+    files.erase(testkit::kOldAddressFile);
+    return files;
+}
+
+// Returns each file that is not as expected.
+std::string Differences(const Files& expected) {
+    std::string text;
+    for (const auto& [path, bytes] : FilesToKeep()) {
+        if (bytes != expected.at(path)) {
+            text.append(path).append(":\n").append(bytes.value_or("(missing)\n"));
+        }
+    }
+    return text;
+}
+
+// Waits until the condition holds, for a few seconds.
+template <typename Condition>
+bool Soon(const Condition& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!condition() && std::chrono::steady_clock::now() < end) {
+        (void)poll(nullptr, 0, 10);  // no sleep takes time here
+    }
+    return condition();
+}
+
+void AwaitEnd(pid_t process) {
+    int status = 0;
+    (void)waitpid(process, &status, 0);
+}
+
+class UnconfirmedChange : public testkit::DeviceTest {
+  protected:
+    void SetUp() override { setenv("PATH", path_.c_str(), 1); }
+
+    // Makes a change that waits, as an apply leaves it, with a guardian if wanted.
+    void MakeWaitingChange(Device& tools, int64_t milliseconds, GuardianProcess* guardian) {
+        tools.UseRealTools();
+        ASSERT_TRUE(JournalLock(JournalLock::Use::kAlone, 0).is_held());
+        OpenChange change;
+        ASSERT_EQ(change.Begin({.kind = velkctl::EntryKind::kApply,
+                                .steps = velkctl::JournalSteps({Changes().front()})},
+                               device_),
+                  0);
+        ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
+        ASSERT_TRUE(device_.Set(Changes().front().setting, Changes().front().value).ok());
+        ASSERT_EQ(change.RecordFiles(), 0);
+        change.RecordWindow({kWindow, MillisecondsSinceBoot() + kWindow * 1000});
+        if (guardian != nullptr) {
+            ASSERT_FALSE(guardian->Start(change.entry().id, facts_));
+            change.RecordGuardian(facts_);
+        }
+        ASSERT_EQ(change.Advance(EntryState::kWaiting), 0);
+        deadline_ = MillisecondsSinceBoot() + milliseconds;
+        change.RecordWindow({kWindow, deadline_});
+        ASSERT_EQ(change.Sync(), 0);
+    }
+
+    ExitStatus Run(ExitStatus (*verb)(const velkctl::Invocation&, Report&), bool boot = false) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const ExitStatus status = verb({.limits = {.wait_seconds = 10}, .boot = boot}, report_);
+        (void)fflush(stdout);
+        output_ = testing::internal::GetCapturedStdout();
+        error_ = testing::internal::GetCapturedStderr();
+        return status;
+    }
+
+    void KillRuns();
+    void KillRun(size_t at, const Files& before, const Files& after);
+    void MeetDeadline(int count);
+    void MeetDeadlineOnce(int64_t microseconds);
+    void CutRecover();
+
+    const std::string path_ = PathWithHarmlessSudo();
+    Report report_{Report::Form::kText};
+    const velkctl::Device device_{{}, report_};
+    GuardianFacts facts_;
+    int64_t deadline_ = 0;
+    int waiting_ = 0;    // runs that were killed while the change waited
+    int confirmed_ = 0;  // races that the confirmation has won
+    std::string output_;
+    std::string error_;
+};
+
+// ---- The run is killed -------------------------------------------------------------------------
+
+// The files are old at once, without another run. A change that waits is kept.
+void UnconfirmedChange::KillRun(size_t at, const Files& before, const Files& after) {
+    SCOPED_TRACE("killed at system call " + std::to_string(at));
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    const TracedRun run = RunTraced([&] { return Apply(device, path_); }, at, Traced::kFirstOnly);
+    EXPECT_TRUE(run.was_cut);
+    const auto is_settled = [] {
+        const EntryState state = StoredState();
+        return state != EntryState::kApplying && state != EntryState::kReverting;
+    };
+    EXPECT_TRUE(Soon(is_settled)) << NameOf(StoredState());
+    const bool waits = StoredState() == EntryState::kWaiting;
+    EXPECT_EQ(Differences(waits ? after : before), "");
+    waiting_ += waits ? 1 : 0;
+    EXPECT_EQ(Run(waits ? velkctl::RunRevert : velkctl::RunRecover), ExitStatus::kDone) << error_;
+    EXPECT_EQ(Differences(before), "");
+}
+
+void UnconfirmedChange::KillRuns() {
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    const Files before = FilesToKeep();
+    const TracedRun whole = RunTraced([&] { return Apply(device, path_); }, 0, Traced::kFirstOnly);
+    ASSERT_EQ(whole.result, 0);
+    const Files after = FilesToKeep();
+    ASSERT_NE(Differences(before), "");
+    int count = 0;
+    for (size_t at = 1; at < whole.calls_that_change.size() && !HasFailure(); ++at) {
+        if (whole.calls_that_change[at - 1]) {
+            ++count;
+            KillRun(at, before, after);
+        }
+    }
+    EXPECT_GT(count, 50);
+    printf("| run of an apply killed | %d system calls | waiting: %d |\n", count, waiting_);
+}
+
+TEST_F(UnconfirmedChange, IsPutBackIfItsRunIsKilledAtAnySystemCall) {
+    KillRuns();
+}
+
+// ---- The confirmation meets the deadline -------------------------------------------------------
+
+void UnconfirmedChange::MeetDeadlineOnce(int64_t microseconds) {
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    const Files before = FilesToKeep();
+    GuardianProcess guardian(VELKCTL);
+    ASSERT_NO_FATAL_FAILURE(MakeWaitingChange(device, 30, &guardian));
+    const Files after = FilesToKeep();
+    const auto now = [] {
+        timespec time{};
+        (void)clock_gettime(CLOCK_BOOTTIME, &time);
+        return time.tv_sec * int64_t{1'000'000} + time.tv_nsec / 1000;
+    };
+    while (now() < deadline_ * 1000 + microseconds) {
+    }
+    const bool is_confirmed = Run(velkctl::RunConfirm) == ExitStatus::kDone;
+    AwaitEnd(facts_.keeper);
+    EXPECT_EQ(StoredState(), is_confirmed ? EntryState::kConfirmed : EntryState::kReverted);
+    EXPECT_EQ(Differences(is_confirmed ? after : before), "");
+    EXPECT_THAT(is_confirmed ? output_ : error_,
+                testing::HasSubstr(is_confirmed ? " is confirmed\n" : " put back\n"));
+    confirmed_ += is_confirmed ? 1 : 0;
+}
+
+void UnconfirmedChange::MeetDeadline(int count) {
+    for (int i = 0; i < count && !HasFailure(); ++i) {
+        SCOPED_TRACE("run " + std::to_string(i));
+        MeetDeadlineOnce(int64_t{4000} * i / count - 3000);
+    }
+    printf("| confirmation at the deadline, %d runs | confirmed: %d, put back: %d |\n", count,
+           confirmed_, count - confirmed_);
+    EXPECT_GT(confirmed_, 0);
+    EXPECT_LT(confirmed_, count);
+}
+
+TEST_F(UnconfirmedChange, IsEitherConfirmedOrPutBackAtItsDeadline) {
+    MeetDeadline(30);
+}
+
+// It takes long: only scripts/test --thorough runs it.
+TEST_F(UnconfirmedChange, DISABLED_IsEitherConfirmedOrPutBackAtItsDeadlineAThousandTimes) {
+    MeetDeadline(1000);
+}
+
+// ---- The power is cut at a start ---------------------------------------------------------------
+
+void UnconfirmedChange::CutRecover() {
+    const auto work = [&] { return static_cast<int>(RunRecover({.boot = true}, report_)); };
+    size_t calls = 0;
+    int count = 0;
+    for (size_t at = 0; at <= calls && !HasFailure(); ++at) {
+        testkit::EmptyDevice();
+        Device device{Scene{}};
+        const Files before = FilesToKeep();
+        ASSERT_NO_FATAL_FAILURE(MakeWaitingChange(device, kWindow * 1000, nullptr));
+        testkit::WriteFile(kOtherBootId, "11111111-2222-3333-4444-555555555555\n");
+        const testkit::Mounted boot_id(kOtherBootId, kBootIdFile, "", MS_BIND, "");
+        const TracedRun run = RunTraced(work, at);
+        calls = at == 0 ? run.calls_that_change.size() : calls;
+        count += run.was_cut ? 1 : 0;
+        EXPECT_EQ(Run(velkctl::RunRecover, /*boot=*/true), ExitStatus::kDone) << error_;
+        EXPECT_EQ(Differences(before), "") << "cut at system call " << at;
+        EXPECT_EQ(StoredState(), EntryState::kReverted);
+    }
+    printf("| power cut in recover --boot | %d system calls |\n", count);
+    EXPECT_GT(count, 50);
+}
+
+TEST_F(UnconfirmedChange, IsPutBackAtAStartThatIsCutAtAnySystemCall) {
+    CutRecover();
+}
+
+// ---- Full disks --------------------------------------------------------------------------------
+
+// Lets no file of the process grow beyond this size.
+void LimitFiles(pid_t process, rlim_t size) {
+    const rlimit limit{size, RLIM_INFINITY};
+    (void)signal(SIGXFSZ, SIG_IGN);  // as velkctl does
+    ASSERT_EQ(prlimit(process, RLIMIT_FSIZE, &limit, nullptr), 0);
+}
+
+// Returns the size of the entry of the change.
+size_t SizeOfEntry() {
+    const auto entries = ReadJournal().entries;
+    return entries.empty() ? 0 : entries.back().size;
+}
+
+TEST_F(UnconfirmedChange, IsNotLeftHalfMadeIfAWriteOfItsEntryFails) {
+    testkit::EmptyDevice();
+    Device first{Scene{}};
+    const Files before = FilesToKeep();
+    const auto apply_with = [&](Device& device, rlim_t size) {
+        return RunTraced(
+                   [&] {
+                       LimitFiles(0, size);
+                       return Apply(device, path_);
+                   },
+                   0, Traced::kFirstOnly)
+            .result;
+    };
+    ASSERT_EQ(apply_with(first, RLIM_INFINITY), 0);
+    const size_t whole = SizeOfEntry();
+    int failed = 0;
+    for (size_t size = whole / 8; size < whole; size += whole / 16) {
+        SCOPED_TRACE("files of at most " + std::to_string(size) + " bytes");
+        testkit::EmptyDevice();
+        Device device{Scene{}};
+        failed += apply_with(device, size) == 1 ? 1 : 0;
+        EXPECT_EQ(Differences(before), "");
+    }
+    EXPECT_GT(failed, 5);
+}
+
+TEST_F(UnconfirmedChange, IsPutBackAlsoIfTheGuardianCannotWriteItsEntry) {
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    const Files before = FilesToKeep();
+    GuardianProcess guardian(VELKCTL);
+    ASSERT_NO_FATAL_FAILURE(MakeWaitingChange(device, 1000, &guardian));
+    LimitFiles(facts_.guardian, SizeOfEntry());
+    EXPECT_TRUE(Soon([&] { return FilesToKeep() == before; }));
+    EXPECT_EQ(StoredState(), EntryState::kWaiting) << "on disk";
+    EXPECT_EQ(Run(velkctl::RunConfirm), ExitStatus::kFailed) << "it is too late";
+    LimitFiles(facts_.guardian, RLIM_INFINITY);
+    EXPECT_TRUE(Soon([] { return StoredState() == EntryState::kReverted; }));
+    AwaitEnd(facts_.keeper);
+}
+
+TEST_F(UnconfirmedChange, WaitsOnIfItsConfirmationCannotBeWritten) {
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    ASSERT_NO_FATAL_FAILURE(MakeWaitingChange(device, kWindow * 1000, nullptr));
+    LimitFiles(0, SizeOfEntry());
+    const ExitStatus confirmed = Run(velkctl::RunConfirm);
+    const ExitStatus extended = Run([](const velkctl::Invocation& /*invocation*/, Report& report) {
+        return RunExtend({.words = {"60"}}, report);
+    });
+    const ExitStatus reverted = Run(velkctl::RunRevert);
+    LimitFiles(0, RLIM_INFINITY);
+    EXPECT_EQ(confirmed, ExitStatus::kFailed);
+    EXPECT_EQ(extended, ExitStatus::kFailed);
+    EXPECT_EQ(reverted, ExitStatus::kFailed);
+    EXPECT_EQ(StoredState(), EntryState::kWaiting);
+    EXPECT_EQ(Run(velkctl::RunConfirm), ExitStatus::kDone);
+}
+
+}  // namespace
+}  // namespace fault
