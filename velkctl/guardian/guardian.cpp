@@ -98,7 +98,7 @@ class Guardian {
     void Sleep();
 
     StoredEntry stored_;
-    const int64_t boot_time_;  // of the change
+    const int64_t boot_time_;  // the one of the change
     const Caller caller_;
     const velk::UniqueFd timer_;
     const velk::UniqueFd notify_;
@@ -249,11 +249,11 @@ int64_t Guardian::NextTime() const {
 
 // Without a wake-up until something happens. A moment of the past ends the sleep at once.
 void Guardian::Sleep() {
-    const int64_t until = NextTime();
+    const int64_t left = std::max<int64_t>(NextTime() - MillisecondsSinceBoot(), 0);
     itimerspec time{};
-    time.it_value.tv_sec = until / kMilliseconds;
-    time.it_value.tv_nsec = until % kMilliseconds * kNanosecondsOfOne + 1;
-    (void)timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &time, nullptr);
+    time.it_value.tv_sec = left / kMilliseconds;
+    time.it_value.tv_nsec = left % kMilliseconds * kNanosecondsOfOne + 1;
+    (void)timerfd_settime(timer_.get(), 0, &time, nullptr);
     std::array<pollfd, 3> events{{{timer_.get(), POLLIN, 0},
                                   {notify_.get(), POLLIN, 0},
                                   {is_caller_there_ ? kLifelineFd : -1, POLLIN, 0}}};

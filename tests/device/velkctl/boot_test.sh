@@ -6,16 +6,12 @@
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+# shellcheck source=tests/device/velkctl/waiting.sh
+. "$VELK_SOURCE/tests/device/velkctl/waiting.sh" || exit
 
 needs_sandbox
 
-# Functions for the scripts on the device.
-words='
-    interfaces=/etc/network/interfaces
-    state() { cat /etc/network/interfaces /etc/dhclient* /etc/resolv.dnsmasq.conf | cksum; }
-    before=$(state)
-    is_back() { [ "$before" = "$(state)" ]; }
-    guardians() { grep -lz "^velkctl-guardian" /proc/[0-9]*/cmdline 2>/dev/null | cut -d/ -f3; }
+words="$waiting_words"'
     # Ends all processes of velkctl, and gives the kernel another id of its start.
     reboot() {
         kill -9 $(guardians) $(pgrep -x velkctl) 2>/dev/null
@@ -25,12 +21,11 @@ words='
     }
     # Names a change and its time as ID of TIME.
     plain() { sed -E "s/\bchange [bcdfghjkmnpqrstvwxz23456789]{4}\b/change ID/g; s/([-0-9]{10} )?[0-9]{2}:[0-9]{2}(:[0-9]{2})?/TIME/"; }
-    last_state() { velkctl history --quiet --json | sed -n "s/.*\"state\": \"\(.*\)\",/\1/p" | head -n 1; }
 '
 script() { on_device sh -c "$words$1"; }
 
 it 'puts a change back that waited before the restart'
-script 'velk-sandbox adapter out; velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 600 --quiet
+script 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 600 --quiet
     reboot; velkctl recover --boot | plain; is_back && echo back; velkctl get eth0.address 2>&1 | plain
     velkctl confirm 2>&1 | plain; velkctl recover --boot'
 output_is 'change ID of TIME is put back
@@ -42,13 +37,13 @@ velkctl: confirm: change ID of TIME has been put back
 nothing to recover'
 
 it 'restarts nothing before networking'
-script 'velk-sandbox adapter out; velkctl apply eth0.address=192.168.0.77 --confirm-within 600 --quiet
+script 'velkctl apply eth0.address=192.168.0.77 --confirm-within 600 --quiet
     ifconfig eth0 192.168.0.99; reboot; velkctl recover --boot --quiet; is_back && echo back; ifconfig eth0 | grep -o "inet addr:[0-9.]*"'
 output_is 'back
 inet addr:192.168.0.99'
 
 it 'puts a change back that was being made'
-script 'velk-sandbox adapter out; velkctl apply eth0.address=192.168.0.77 eth0.gateway=192.168.0.9 --restart never --confirm-if "sleep 60" --quiet &
+script 'velkctl apply eth0.address=192.168.0.77 eth0.gateway=192.168.0.9 --restart never --confirm-if "sleep 60" --quiet &
     for i in $(seq 100); do grep -q 192.168.0.77 $interfaces && break; sleep .1; done; kill -STOP $(guardians); reboot
     velkctl recover --boot | plain; is_back && echo back; last_state'
 output_is 'change ID of TIME is put back
@@ -56,13 +51,13 @@ back
 reverted'
 
 it 'keeps a change that was confirmed'
-script 'velk-sandbox adapter out; velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 600 --quiet; velkctl confirm --quiet
+script 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 600 --quiet; velkctl confirm --quiet
     reboot; velkctl recover --boot; velkctl get eth0.address'
 output_is 'nothing to recover
 192.168.0.77'
 
 it 'puts the values of the daemon back in a second stage, without a restart'
-script 'velk-sandbox cable out; velkctl apply ssid=other eth0.address=192.168.0.77 --confirm-within 600 --restart eth0 --quiet
+script 'velk-sandbox adapter in; velk-sandbox cable out; velkctl apply ssid=other eth0.address=192.168.0.77 --confirm-within 600 --restart eth0 --quiet
     reboot; velkctl recover --boot | plain; velkctl history --json | grep -c 192.168.0.77
     ifconfig eth0 192.168.0.99; velkctl recover --quiet; velkctl get --value eth0.address ssid 2>/dev/null; last_state
     ifconfig eth0 | grep -o "inet addr:[0-9.]*"'
@@ -74,7 +69,7 @@ reverted
 inet addr:192.168.0.99'
 
 it 'puts a change back in the first run if recover did not run at the start'
-script 'velk-sandbox adapter out; velkctl apply eth0.address=192.168.0.77 --confirm-within 600 --quiet; reboot
+script 'velkctl apply eth0.address=192.168.0.77 --confirm-within 600 --quiet; reboot
     velkctl confirm 2>&1 | plain; is_back && echo back; ifconfig eth0 | grep -o "inet addr:[0-9.]*"'
 output_is 'velkctl: note: change ID of TIME was not confirmed; it is put back now
 velkctl: confirm: change ID of TIME has been put back
@@ -83,7 +78,7 @@ back
 inet addr:192.168.0.10'
 
 it 'leaves a change that waits alone without a restart of the device'
-script 'velk-sandbox adapter out; velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 600 --quiet
+script 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 600 --quiet
     velkctl recover; velkctl recover --boot; velkctl confirm --quiet; velkctl get eth0.address'
 output_is 'nothing to recover
 nothing to recover

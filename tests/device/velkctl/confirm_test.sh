@@ -6,40 +6,10 @@
 # shellcheck disable=SC2016  # scripts in quotes are for the shell on the device
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
+# shellcheck source=tests/device/velkctl/waiting.sh
+. "$VELK_SOURCE/tests/device/velkctl/waiting.sh" || exit
 
 needs_sandbox
-
-# Functions for the scripts on the device.
-words='
-    interfaces=/etc/network/interfaces
-    journal=/var/libvelk/journal
-    velk-sandbox adapter out
-    state() { cat /etc/network/interfaces /etc/dhclient* /etc/resolv.dnsmasq.conf | cksum; }
-    before=$(state)
-    # Makes a change that waits for N seconds, without a restart.
-    wait_with() { velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within "$@"; }
-    id() { velkctl pending --json | sed -n "s/.*\"id\": \"\(.*\)\",/\1/p"; }
-    guardians() { grep -lz "^velkctl-guardian" /proc/[0-9]*/cmdline 2>/dev/null | cut -d/ -f3; }
-    until_true() { for i in $(seq 300); do "$@" && return; sleep .1; done; echo "never: $*"; }
-    is_back() { [ "$before" = "$(state)" ]; }
-    has_none() { [ -z "$(guardians)" ]; }
-    # Names a change and its time as ID of TIME.
-    plain() { sed -E "s/\b(change|confirm|revert|undo|for) [bcdfghjkmnpqrstvwxz23456789]{4}\b/\1 ID/g; s/[0-9]{2}:[0-9]{2}/TIME/; s/[0-9]+ s left/N s left/"; }
-'
-# Starts a script on a device of its own. Most of them sleep: all run at the same time.
-start() { # NUMBER SCRIPT
-    velk-sandbox --quiet -- sh -c "$words$2" >"$lib_folder/$1.out" 2>"$lib_folder/$1.err" </dev/null &
-    pids[$1]=$!
-}
-# Sets the results of a script for the checks.
-await() { # NUMBER
-    lib_command="script $1"
-    wait "${pids[$1]}"
-    status=$?
-    output=$(cat "$lib_folder/$1.out")
-    error=$(cat "$lib_folder/$1.err")
-}
-pids=()
 
 start 1 'wait_with 10 | plain; [ "$(guardians | wc -l)" = 2 ] && echo "two processes"
     velkctl confirm | plain; velkctl confirm | plain; until_true has_none

@@ -27,7 +27,7 @@ struct TracedRun {
 
 enum class Traced {
     kAll,       // the process and all it starts
-    kFirstOnly  // what it starts is left alone, and goes on after a cut
+    kFirstOnly  // the processes that it starts go on after a cut
 };
 
 // Runs `work` in a child process with the child's own descriptors and memory. With `cut_at`, the
