@@ -103,6 +103,7 @@ class Run {
             const auto time = std::chrono::steady_clock::now() - start;
             const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
             result_.restarts.push_back({interface, static_cast<int>(seconds), outcome.state});
+            record_.StepMade();  // a DHCP client may have written a file
             if (!Pass(outcome.problem)) {
                 return false;
             }

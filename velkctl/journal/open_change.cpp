@@ -28,10 +28,21 @@ bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
         steps, [&](const Step& step) { return IsChangedBy(file, step.setting.row->id); });
 }
 
-std::vector<FileImage> ImagesBefore(const std::vector<Step>& steps) {
+// A DHCP client that starts or ends with the change writes the servers of its lease into the file.
+bool MayGetServersOfLease(const DeviceFile& file, const ChangePlan& plan) {
+    const auto is_restarted_with_method = [&](const Step& step) {
+        return step.setting.row->id == VELK_CMD_IP_METHOD &&
+               std::ranges::find(plan.restarts, step.setting.interface) != plan.restarts.end();
+    };
+    return file.path == velk::kResolverFile &&
+           std::ranges::any_of(plan.steps, is_restarted_with_method);
+}
+
+std::vector<FileImage> ImagesBefore(const ChangePlan& plan) {
+    const std::vector<Step>& steps = plan.steps;
     std::vector<FileImage> images;
     for (const DeviceFile& file : DeviceFiles()) {
-        if (IsTouched(file, steps)) {
+        if (IsTouched(file, steps) || MayGetServersOfLease(file, plan)) {
             images.push_back(ReadFileImage(file.path));
         }
     }
@@ -128,7 +139,7 @@ int OpenChange::Begin(const ChangePlan& plan, const Device& device) {
         if (lock.is_busy()) {
             return lock.can_be_awaited() ? EWOULDBLOCK : EBUSY;
         }
-        entry.before = ImagesBefore(plan.steps);
+        entry.before = ImagesBefore(plan);
     }
     for (const Step& step : plan.steps) {
         entry.steps.push_back(

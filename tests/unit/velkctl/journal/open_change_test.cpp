@@ -4,6 +4,7 @@
 // The journal entry of a change that is under way.
 #include "velkctl/journal/open_change.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <string>
@@ -76,6 +77,20 @@ TEST_F(OpenChangeTest, KeepsFilesAndValuesFromBefore) {
     ASSERT_EQ(entry.before.size(), 1U);
     EXPECT_EQ(entry.before[0].path, kInterfaces);
     EXPECT_EQ(entry.before[0].bytes, kText);
+}
+
+TEST_F(OpenChangeTest, KeepsTheServersThatALeaseReplaces) {
+    velkctl::ChangePlan plan{.steps =
+                                 velkctl::JournalSteps({{*FindSetting("eth0.method"), Data{}}})};
+    OpenChange without_restart;
+    ASSERT_EQ(without_restart.Begin(plan, device), 0);
+    EXPECT_EQ(
+        std::ranges::count(Stored().before, testkit::kResolverFile, &velkctl::FileImage::path), 0);
+    plan.restarts = {"eth0"};
+    OpenChange change;
+    ASSERT_EQ(change.Begin(plan, device), 0);
+    EXPECT_EQ(
+        std::ranges::count(Stored().before, testkit::kResolverFile, &velkctl::FileImage::path), 1);
 }
 
 TEST_F(OpenChangeTest, KnowsNoOldAddressOfALease) {
