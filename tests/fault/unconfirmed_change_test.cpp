@@ -9,9 +9,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -216,10 +219,89 @@ void UnconfirmedChange::KillRuns() {
     }
     EXPECT_GT(count, 50);
     printf("| run of an apply killed | %d system calls | waiting: %d |\n", count, waiting_);
+    (void)fflush(stdout);  // a child would print it once more
 }
 
 TEST_F(UnconfirmedChange, IsPutBackIfItsRunIsKilledAtAnySystemCall) {
     KillRuns();
+}
+
+// ---- A step fails ------------------------------------------------------------------------------
+
+// Lets the set with this number fail, from 1.
+class FailingSet final : public velkctl::SetWatcher {
+  public:
+    explicit FailingSet(size_t at) : at_(at) {}
+    bool BeforeAttempt() override { return ++count_ != at_; }
+    void AfterAttempt(const velkctl::Answer& /*answer*/) override {}
+
+  private:
+    const size_t at_;
+    size_t count_ = 0;
+};
+
+// Every setting in a file, with another value than that of the scene.
+ChangeSet ManyChanges() {
+    const std::vector<std::pair<const char*, std::string>> wanted{
+        {"administrator", "me"},
+        {"location", "here"},
+        {"ntp", "off"},
+        {"dhcp-ntp", "on"},
+        {"ntp-server", "time.example"},
+        {"web-update", "daily 03:00"},
+        {"eth0.address", "10.1.2.3"},
+        {"eth1.address", "10.2.2.3"},
+        {"eth0.netmask", "255.0.0.0"},
+        {"eth1.netmask", "255.0.0.0"},
+        {"eth0.gateway", "10.1.2.1"},
+        {"eth1.gateway", "10.2.2.1"},
+        {"eth0.apipa", "off"},
+        {"eth1.apipa", "on"},
+        {"eth0.dns", "10.1.2.5"},
+        {"eth1.dns", "10.1.2.5"},
+        {"eth0.dhcp-dns", "on"},
+        {"eth1.dhcp-dns", "off"},
+        {"eth0.dhcp-notice", "off"},
+        {"eth1.dhcp-notice", "on"},
+    };
+    ChangeSet changes;
+    for (const auto& [name, text] : wanted) {
+        if (const auto setting = FindSetting(name)) {
+            std::istringstream words(text);
+            const std::vector<std::string> list{std::istream_iterator<std::string>(words), {}};
+            changes.push_back({*setting, setting->row->kind->Parse(list).data});
+        }
+    }
+    return changes;
+}
+
+TEST_F(UnconfirmedChange, IsPutBackWholeIfAnyOfManySetsFails) {
+    size_t steps = 1;
+    for (size_t at = 1; at <= steps && !HasFailure(); ++at) {
+        SCOPED_TRACE("set " + std::to_string(at));
+        testkit::EmptyDevice();
+        Device tools{Scene{}};
+        tools.UseRealTools();
+        const Files before = FilesToKeep();
+        velkctl::Device device({}, report_);
+        FailingSet failing(at);
+        device.WatchSets(failing);
+        const velkctl::ApplyPlan plan = MakePlan(ManyChanges(), {.is_automatic = false}, device);
+        ASSERT_TRUE(plan.problems.empty()) << plan.problems.front().message;
+        steps = plan.changes.size();
+        GuardianProcess guardian(VELKCTL);
+        velkctl::JournalRecord record(
+            {}, report_, {.guard = &guardian, .window_seconds = kWindow, .step_seconds = kWindow});
+        testing::internal::CaptureStderr();
+        const velkctl::ApplyResult result = velkctl::Apply(plan, record, {}, device, report_);
+        error_ = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(result.status, ExitStatus::kFailed) << error_;
+        EXPECT_EQ(Differences(before), "");
+        EXPECT_EQ(StoredState(), EntryState::kReverted);
+        AwaitEnd(record.entry().guardian.keeper);
+    }
+    printf("| a set of an apply fails | %zu sets |\n", steps);
+    (void)fflush(stdout);  // a child would print it once more
 }
 
 // ---- The confirmation meets the deadline -------------------------------------------------------
@@ -254,6 +336,7 @@ void UnconfirmedChange::MeetDeadline(int count) {
     }
     printf("| confirmation at the deadline, %d runs | confirmed: %d, put back: %d |\n", count,
            confirmed_, count - confirmed_);
+    (void)fflush(stdout);  // a child would print it once more
     EXPECT_GT(confirmed_, 0);
     EXPECT_LT(confirmed_, count);
 }
@@ -288,6 +371,7 @@ void UnconfirmedChange::CutRecover() {
         EXPECT_EQ(StoredState(), EntryState::kReverted);
     }
     printf("| power cut in recover --boot | %d system calls |\n", count);
+    (void)fflush(stdout);  // a child would print it once more
     EXPECT_GT(count, 50);
 }
 

@@ -58,7 +58,9 @@ RevertResult Revert(OpenChange& change, const RevertOptions& options, const Time
     const bool may_restart = !options.at_boot && !IsUpWithOldFiles(change.entry());
     RecordCause(change, options);
     RevertResult result;
-    (void)change.Advance(EntryState::kReverting);
+    if (change.entry().state != EntryState::kReverting) {
+        (void)change.Advance(EntryState::kReverting);
+    }
     if (!options.at_boot) {
         EndClientsOf(change.entry(), device, report);
     }

@@ -149,7 +149,7 @@ ExitStatus RunVerb(const Verb& verb, const Invocation& own, std::vector<std::str
     }
     report.set_detail(DetailOf(invocation));
     if (verb.works_with_device) {
-        SettleLastChange(invocation.limits, report);
+        SettleLastChange(report);
     }
     return verb.run(invocation, report);
 }

@@ -32,16 +32,17 @@ bool IsUntold(const StoredEntry& stored) {
     return stored.is_whole() && !stored.is_in_use && is_taken_back && entry.is_untold;
 }
 
-void TakeBack(const StoredEntry& stored, const TimeLimits& limits, Report& report) {
+// The limits of the run are for its own work.
+void TakeBack(const StoredEntry& stored, Report& report) {
     const JournalEntry& entry = stored.decoded.entry;
     const bool is_same_boot = entry.boot_id == RunningBootId();
     report.Note("change " + entry.id + " of " + ClockTime(entry.time) +
                 " was not confirmed; it is put back now");
-    const Device device(limits, report);
+    const Device device({}, report);
     OpenChange change(stored);
     const RevertOptions options{.cause = std::string(is_same_boot ? kCauseDeadline : kCauseBoot),
                                 .is_untold = !report.shows_notes()};
-    (void)Revert(change, options, limits, device, report);
+    (void)Revert(change, options, {}, device, report);
 }
 
 void Tell(const StoredEntry& stored, Report& report) {
@@ -54,7 +55,7 @@ void Tell(const StoredEntry& stored, Report& report) {
 
 }  // namespace
 
-void SettleLastChange(const TimeLimits& limits, Report& report) {
+void SettleLastChange(Report& report) {
     std::optional<StoredEntry> last = ReadLastEntry();
     if (!last || !(IsLeft(*last) || IsUntold(*last))) {
         return;
@@ -66,7 +67,7 @@ void SettleLastChange(const TimeLimits& limits, Report& report) {
     }
     last = ReadAgain(*last);
     if (IsLeft(*last)) {
-        TakeBack(*last, limits, report);
+        TakeBack(*last, report);
         last = ReadAgain(*last);
     }
     if (IsUntold(*last) && report.shows_notes()) {

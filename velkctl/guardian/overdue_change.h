@@ -5,14 +5,13 @@
 #ifndef VELKCTL_GUARDIAN_OVERDUE_CHANGE_H_
 #define VELKCTL_GUARDIAN_OVERDUE_CHANGE_H_
 
-#include "velkctl/call/time_limits.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
 
 // Takes the last change back if its time is over and its guardian was killed. Notes once that a
 // change was taken back without a request. Does nothing for a user who may not read the journal.
-void SettleLastChange(const TimeLimits& limits, Report& report);
+void SettleLastChange(Report& report);
 
 }  // namespace velkctl
 

@@ -85,7 +85,7 @@ class GuardianTest : public testkit::DeviceTest {
     std::string Settle(Report::Detail detail = Report::Detail::kUsual) {
         report.set_detail(detail);
         testing::internal::CaptureStderr();
-        velkctl::SettleLastChange({}, report);
+        velkctl::SettleLastChange(report);
         return testing::internal::GetCapturedStderr();
     }
 

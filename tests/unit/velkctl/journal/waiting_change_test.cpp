@@ -185,6 +185,24 @@ TEST_F(WaitingChangeTest, MustExistToBeConfirmed) {
               "  fix: 'velkctl pending' shows the change that waits\n");
 }
 
+TEST_F(WaitingChangeTest, IsDecidedByItsUserOrRootAlone) {
+    constexpr uid_t kOther = 12345;
+    Change(EntryState::kWaiting);
+    const std::string path = ReadJournal().entries.back().path;
+    for (const std::string& file :
+         {std::string("/var/libvelk/journal"), std::string("/var/libvelk/journal/lock"), path}) {
+        ASSERT_EQ(chown(file.c_str(), kOther, kOther), 0) << file;
+    }
+    const auto confirm = [&] {
+        if (setuid(kOther) == -1) {
+            _exit(2);
+        }
+        _exit(velkctl::RunConfirm({}, report) == ExitStatus::kFailed ? 0 : 1);
+    };
+    EXPECT_EXIT(confirm(), testing::ExitedWithCode(0), " is one of root");
+    EXPECT_EQ(Stored().state, EntryState::kWaiting);
+}
+
 TEST_F(WaitingChangeTest, IsDecidedUnderTheLock) {
     Change(EntryState::kWaiting);
     const JournalLock lock(JournalLock::Use::kAlone, 0);
