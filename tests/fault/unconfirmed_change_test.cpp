@@ -166,6 +166,7 @@ class UnconfirmedChange : public testkit::DeviceTest {
 
     void KillRuns();
     void KillRun(size_t at, const Files& before, const Files& after);
+    [[noreturn]] void Hang(int64_t milliseconds, bool ignores_sigterm);
     void MeetDeadline(int count);
     void MeetDeadlineOnce(int64_t microseconds);
     void CutRecover();
@@ -224,6 +225,48 @@ void UnconfirmedChange::KillRuns() {
 
 TEST_F(UnconfirmedChange, IsPutBackIfItsRunIsKilledAtAnySystemCall) {
     KillRuns();
+}
+
+// ---- The run hangs -----------------------------------------------------------------------------
+
+// Begins the change with this time for all its steps, and does not go on.
+void UnconfirmedChange::Hang(int64_t milliseconds, bool ignores_sigterm) {
+    (void)signal(SIGTERM, ignores_sigterm ? SIG_IGN : SIG_DFL);
+    const JournalLock lock(JournalLock::Use::kAlone, 0);
+    OpenChange change;
+    (void)change.Begin(
+        {.kind = velkctl::EntryKind::kApply, .steps = velkctl::JournalSteps({Changes().front()})},
+        device_);
+    change.RecordWindow({kWindow, MillisecondsSinceBoot() + milliseconds});
+    GuardianProcess guardian(VELKCTL);
+    GuardianFacts facts;
+    (void)guardian.Start(change.entry().id, facts);
+    (void)change.Advance(EntryState::kApplying);
+    (void)device_.Set(Changes().front().setting, Changes().front().value);
+    (void)change.RecordFiles();
+    (void)raise(SIGSTOP);  // as Ctrl-Z at a terminal does
+    for (;;) {
+        (void)pause();
+    }
+}
+
+TEST_F(UnconfirmedChange, IsPutBackIfItsRunHangs) {
+    for (const bool ignores_sigterm : {false, true}) {
+        testkit::EmptyDevice();
+        Device device{Scene{}};
+        device.UseRealTools();
+        const Files before = FilesToKeep();
+        const pid_t run = fork();
+        if (run == 0) {
+            Hang(1000, ignores_sigterm);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(run, &status, 0), run);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        EXPECT_EQ(WTERMSIG(status), ignores_sigterm ? SIGKILL : SIGTERM);
+        EXPECT_TRUE(Soon([] { return StoredState() == EntryState::kReverted; }));
+        EXPECT_EQ(Differences(before), "");
+    }
 }
 
 // ---- A step fails ------------------------------------------------------------------------------

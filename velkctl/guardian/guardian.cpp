@@ -168,6 +168,7 @@ void Guardian::LookForCaller() {
     pollfd lifeline{kLifelineFd, POLLIN, 0};
     if (is_caller_there_ && poll(&lifeline, 1, 0) == 1) {
         is_caller_there_ = false;
+        next_try_ = 0;
         (void)close(kLifelineFd);
     }
 }
