@@ -239,8 +239,8 @@ void Guardian::NameHolder() {
     }
     next_holder_ = MillisecondsSinceBoot() + kHolderPause;
     const std::string holder = DescribeLockHolder();
-    LogWarning("change " + stored_.decoded.entry.id + " cannot be put back yet: " +
-               (holder.empty() ? "another program is changing settings" : holder));
+    LogWarning("change " + stored_.decoded.entry.id + " cannot be put back while the lock is held" +
+               (holder.empty() ? "" : ": " + holder));
 }
 
 int64_t Guardian::NextTime() const {

@@ -40,7 +40,15 @@ while time.monotonic() < end:
 print(output.replace("\r\n", "\n").replace("\r", "\n"), end="")
 os.close(master)
 '
-export terminal
+# Prints the lines of the system log, with a full stop after each.
+log='
+import socket
+log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+log.bind("/dev/log")
+while True:
+    print(log.recv(4096).decode().strip("\0\n") + ".", flush=True)
+'
+export terminal log
 ask='velkctl apply eth0.address=192.168.0.77 --restart never --ask; echo "status $?"'
 
 start 1 'python3 -c "$terminal" "velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 10 --quiet; echo waits; cat" waits=
@@ -66,6 +74,9 @@ start 9 'wait_with 600 --quiet; for process in $(guardians); do kill -TERM $proc
     velkctl recover --boot --quiet; is_back && echo back'
 start 10 'mkdir -m 700 /tmp/own && cp /bin/busybox /tmp/own 2>/dev/null; wait_with 60 --quiet
     setpriv --reuid 1 --regid 1 --clear-groups velkctl confirm 2>&1 | head -n 1; velkctl revert --quiet; is_back && echo back'
+start 11 'python3 -c "$log" >/tmp/log & until_true test -S /dev/log; wait_with 10 --quiet
+    flock /var/tmp/vklib_lock sleep 15 & until_true grep -q "cannot be put back while" /tmp/log; until_true has_none; until_true grep -q confirmed /tmp/log
+    sed -nE "s/^(<28>).*velkctl: (.*)\. *\$/\1 \2/p" /tmp/log | plain | sed -E "s/process [0-9]+ \(flock, .*\)/process N/"'
 
 it 'survives the end of its terminal'
 await 1
@@ -121,6 +132,11 @@ it 'takes no decision of another user'
 await 10
 output_is 'velkctl: confirm: nothing was changed
 back'
+
+it 'names the holder of the lock and the end in the system log'
+await 11
+output_is '<28> change ID cannot be put back while the lock is held: process N
+<28> change ID of TIME was not confirmed and has been put back'
 
 if unshare --time --boottime 1000000 true 2>/dev/null; then
     it 'counts from the start of the device'
