@@ -38,6 +38,9 @@ class StopSignals {
     const StopSignals* const outer_;  // null: none
 };
 
+// Ignores these signals in this process from now on. Tools that it starts get them as usual.
+void IgnoreStopSignals();
+
 // Returns the exit status of a process ended by the signal, as shells report it: 130 after Ctrl-C.
 int StatusOfSignal(int signal);
 

@@ -31,6 +31,7 @@ RestartsResult RestartAll(const std::vector<std::string>& interfaces, const Time
         if (outcome.problem) {
             report.Complain(*outcome.problem);
             result.status = outcome.status;
+            result.is_locked = result.is_locked || outcome.status == ExitStatus::kLocked;
         }
     }
     return result;

@@ -24,6 +24,7 @@ struct DoneRestart {
 
 struct RestartsResult {
     ExitStatus status = ExitStatus::kDone;  // the last failure, if any
+    bool is_locked = false;                 // another program was changing settings
     std::vector<DoneRestart> restarts{};    // also those that failed
 };
 

@@ -23,6 +23,7 @@
 #include "velkctl/files/tool_run.h"
 #include "velkctl/journal/copy_trial.h"
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
@@ -542,24 +543,29 @@ void Restoration::AddPutBack() {
     }
 }
 
+// A guardian tries again by itself.
+void ReportPutBack(const JournalEntry& entry, const PutBackResult& result, Report& report) {
+    if (result.is_locked) {
+        Problem problem = LockedProblem("change " + entry.id + ": not put back", velk::kLockFile);
+        problem.remedy = HasGuardian(entry) ? "" : "'velkctl recover' takes it back after that";
+        report.Complain(problem);
+    }
+    for (const Problem& problem : result.left) {
+        report.Complain(problem);
+    }
+    for (const std::string& name : result.kept) {
+        report.Note(name + ": keeps its value, which a later change has set");
+    }
+}
+
 // Without room for the state, the entry is removed: otherwise a later run would take back settings
 // of others.
-void CloseTakenBack(OpenChange& change, Report& report) {
+void CloseWhole(OpenChange& change, Report& report) {
     const int error = change.Advance(EntryState::kReverted);
     if (error != 0 && !change.Discard()) {
         report.Note(JournalProblem("the journal may call change " + change.entry().id +
                                        " interrupted, although it is put back",
                                    error));
-    }
-}
-
-// The next try leaves out the items that were put back.
-void Close(OpenChange& change, const PutBackResult& result, Report& report) {
-    if (result.is_whole()) {
-        CloseTakenBack(change, report);
-    } else if (!result.is_locked) {
-        change.RecordPutBack(result.put_back);
-        (void)change.Advance(result.left.empty() ? EntryState::kReverting : EntryState::kStuck);
     }
 }
 
@@ -597,29 +603,28 @@ PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const D
     return Restoration(entry, std::move(options), device, report).Run();
 }
 
-PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
-                       Report& report) {
+PutBackResult PutBackOpen(OpenChange& change, PutBackOptions options, const Device& device,
+                          Report& report) {
     if (change.is_not_begun()) {
-        CloseTakenBack(change, report);
         return {};
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
-    (void)change.Advance(EntryState::kReverting);
+    if (change.entry().state != EntryState::kReverting) {
+        (void)change.Advance(EntryState::kReverting);
+    }
     PutBackResult result = PutBack(change.entry(), std::move(options), device, report);
-    if (result.is_locked) {
-        Problem problem =
-            LockedProblem("change " + change.entry().id + ": not put back", velk::kLockFile);
-        problem.remedy = "'velkctl recover' takes it back after that";
-        report.Complain(problem);
-    }
-    for (const Problem& problem : result.left) {
-        report.Complain(problem);
-    }
-    for (const std::string& name : result.kept) {
-        report.Note(name + ": keeps its value, which a later change has set");
-    }
-    Close(change, result, report);
+    ReportPutBack(change.entry(), result, report);
     return result;
+}
+
+// The next try leaves out the items that were put back.
+void CloseTakenBack(OpenChange& change, const PutBackResult& result, Report& report) {
+    if (result.is_whole()) {
+        CloseWhole(change, report);
+    } else if (!result.is_locked) {
+        change.RecordPutBack(result.put_back);
+        (void)change.Advance(result.left.empty() ? EntryState::kReverting : EntryState::kStuck);
+    }
 }
 
 std::string FindCutFile(const JournalEntry& entry) {

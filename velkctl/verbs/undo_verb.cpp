@@ -29,6 +29,7 @@
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/journal_entries.h"
 #include "velkctl/verbs/set_notes.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -284,6 +285,9 @@ ExitStatus RunUndo(const Invocation& invocation, Report& report) {
     const JournalLock lock(JournalLock::Use::kAlone, invocation.limits.wait_seconds);
     if (!lock.is_held()) {
         return FailForJournal(lock.error(), velk::kJournalLock, report);
+    }
+    if (RefuseWhileOneWaits("undo: nothing was changed", report)) {
+        return ExitStatus::kWaits;
     }
     const JournalListing listing = ReadJournal();
     if (listing.error != 0) {
