@@ -9,6 +9,7 @@
 
 #include "velkctl/call/environment.h"
 #include "velkctl/cli/command_line.h"
+#include "velkctl/guardian/guardian.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
 #include "velkctl/report/report.h"
@@ -33,6 +34,9 @@ int main(int argc, char** argv) {
     const bool has_utf8_locale = velkctl::HasUtf8Locale();
     velkctl::FixEnvironment();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    if (velkctl::IsGuardianCommand(argc > 0 ? argv[0] : nullptr)) {
+        return velkctl::RunGuardian(arguments);
+    }
     velkctl::Report report(velkctl::RequestedForm(arguments));
     velkctl::ShowUtf8(has_utf8_locale || report.is_json());
     const velkctl::ExitStatus status = Run(arguments, report);

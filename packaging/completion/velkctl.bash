@@ -176,7 +176,8 @@ _velkctl_candidates() { # WORD VERB WORD...
             [ "$count" -gt 0 ] || printf '%s\n' LIB_VELK_SUCCESS LIB_VELK_FAILURE LIB_VELK_LOCKED \
                 LIB_VELK_INVALID_PARAMETER LIB_VELK_NO_ADAPTER LIB_VELK_WIRED_LINKED
             ;;
-        undo) [ "$count" -gt 0 ] || _velkctl_changes ;;
+        undo | confirm | revert) [ "$count" -gt 0 ] || _velkctl_changes ;;
+        extend) [ "$count" -ne 1 ] || _velkctl_changes ;;
         call)
             case $count:${1-} in
                 0:) printf '%s\n' get set restart ;;
@@ -216,7 +217,7 @@ _velkctl_sort_words() {
         elif [ -z "$only_words" ] && [[ $word == -?* ]]; then
             case $word in
                 --) only_words=1 ;;
-                --text | --hex | --timeout | --restart | --only) takes_value=$word ;;
+                --text | --hex | --timeout | --restart | --only | --confirm-within | --confirm-if) takes_value=$word ;;
             esac
         elif [ -z "$verb" ]; then
             verb=$word

@@ -42,8 +42,9 @@ configures Buildroot "${options[@]}"
 read -ra options < <(buildroot LIBVELK_CONF_OPTS BR2_PACKAGE_LIBVELK_VELKCTL=y)
 configures 'Buildroot with velkctl' "${options[@]}"
 make -s -C "$folder" "$source/.stamp" INSTALL=install TARGET_DIR="$folder/target" ||
-    check 'installing the boot script' 0 $?
-check 'the boot script' "755 $folder/target/etc/init.d/S02velk-lock" \
+    check 'installing the boot scripts' 0 $?
+check 'the boot scripts' "755 $folder/target/etc/init.d/S02velk-lock
+755 $folder/target/etc/init.d/S03velk-recover" \
     "$(stat -c '%a %n' "$folder"/target/etc/init.d/*)"
 
 recipe=$(echo "$source"/packaging/yocto/meta-velk/recipes-velk/libvelk/*.bb)
@@ -66,6 +67,8 @@ check "the files of Yocto's packages" 'libvelk /usr/lib/libvelk.so.1
 libvelk /usr/lib/tmpfiles.d/velk.conf
 libvelk /usr/share/velk/sudoers
 velk-tools /usr/bin/velkctl
+velk-tools /usr/lib/systemd/system/velk-recover-wireless.service
+velk-tools /usr/lib/systemd/system/velk-recover.service
 velk-tools /usr/share/bash-completion/completions/velkctl
 velk-tools /usr/share/zsh/site-functions/_velkctl' \
     "$(python3 "$here/yocto_files.py" "$recipe" "$folder/root" | grep -v '^libvelk-d' | LC_ALL=C sort)"

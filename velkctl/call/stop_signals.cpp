@@ -20,9 +20,14 @@ constexpr int kStatusOfSignal = 128;  // as shells report it
 // The innermost one; null: none.
 const StopSignals* innermost = nullptr;
 
+// Unlike SIG_IGN, a handler is not inherited by programs.
+void Ignore(int /*signal*/) {
+}
+
 bool IsIgnored(int signal) {
     struct sigaction action {};
-    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+    return sigaction(signal, nullptr, &action) == 0 &&
+           (action.sa_handler == SIG_IGN || action.sa_handler == Ignore);
 }
 
 }  // namespace
@@ -62,6 +67,15 @@ const sigset_t& StopSignals::before() {
         outermost = outermost->outer_;
     }
     return outermost->before_;
+}
+
+void IgnoreStopSignals() {
+    struct sigaction action {};
+    action.sa_handler = Ignore;
+    action.sa_flags = SA_RESTART;
+    for (const int signal : kStopSignals) {
+        (void)sigaction(signal, &action, nullptr);
+    }
 }
 
 int StatusOfSignal(int signal) {

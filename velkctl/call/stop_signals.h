@@ -25,8 +25,6 @@ class StopSignals {
 
     // Returns a pending signal, or 0.
     int Pending() const;
-    // False within another one, where the caller ends velkctl by the signal.
-    bool is_outermost() const { return outer_ == nullptr; }
 
     const sigset_t& signals() const { return signals_; }
     // The signal mask from before the outermost one, for the programs of a child.
@@ -37,6 +35,9 @@ class StopSignals {
     sigset_t before_;
     const StopSignals* const outer_;  // null: none
 };
+
+// Ignores these signals in this process from now on. Tools that it starts get them as usual.
+void IgnoreStopSignals();
 
 // Returns the exit status of a process ended by the signal, as shells report it: 130 after Ctrl-C.
 int StatusOfSignal(int signal);

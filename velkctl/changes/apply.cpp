@@ -16,9 +16,11 @@
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/interface_restart.h"
 #include "velkctl/files/interface_state.h"
+#include "velkctl/files/tool_run.h"
 #include "velkctl/settings/affected_settings.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/setting_change.h"
+#include "velkctl/text/escaping.h"
 
 namespace velkctl {
 namespace {
@@ -61,7 +63,7 @@ class Application {
             return std::move(result_);
         }
         const bool is_done = EndClients() && MakeSteps() && SwitchBack() &&
-                             IsFreeOf(record_.Flush()) && Restart() && Verify() &&
+                             IsFreeOf(record_.Flush()) && Restart() && Verify() && Ask() &&
                              !IsInterrupted() && IsFreeOf(record_.Finish());
         if (!is_done) {
             TakeBack();
@@ -175,6 +177,7 @@ class Application {
         const auto time = std::chrono::steady_clock::now() - start;
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
         result_.restarts.push_back({interface, static_cast<int>(seconds), outcome.state});
+        record_.StepMade();  // a DHCP client may have written a file
         return IsFreeOf(outcome.problem);
     }
 
@@ -192,6 +195,28 @@ class Application {
         return holds_all;
     }
 
+    // A command may decide in the place of a person.
+    bool Ask() {
+        if (plan_.confirm_if.empty()) {
+            return true;
+        }
+        const ToolRun run =
+            RunTool({"sh", "-c", plan_.confirm_if}, std::chrono::seconds(plan_.confirm_seconds),
+                    [this] { return IsInterrupted(); });
+        if (run.ended && run.status == 0) {
+            return true;
+        }
+        if (IsInterrupted()) {
+            return false;
+        }
+        const std::string reason =
+            run.ended ? "has ended with status " + std::to_string(run.status)
+                      : "has not ended within " + std::to_string(plan_.confirm_seconds) + " s";
+        report_.Complain({.message = "apply: the change is not confirmed",
+                          .detail = Quoted(plan_.confirm_if) + " " + reason});
+        return false;
+    }
+
     void TakeBack() {
         result_.is_taken_back = true;
         if (IsInterrupted()) {
@@ -202,6 +227,7 @@ class Application {
         for (const auto& [interface, had_address] : taken_down_) {
             RestartAgain(interface, had_address);
         }
+        record_.FinishTakeBack();
     }
 
     void EndClientsOfChange() {

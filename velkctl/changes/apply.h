@@ -25,10 +25,11 @@ struct ApplyResult {
 };
 
 // Ends the DHCP client of an interface that leaves DHCP and is restarted. Makes the changes in
-// their order, reads each back, writes the files to disk, restarts the interfaces and compares all
-// values once more. After a failure, which it reports, and after a signal it puts the old state
-// back and restarts the interfaces again, however long that takes. The plan has no problems. The
-// caller ends velkctl by a signal that `signals` holds back.
+// their order, reads each back, writes the files to disk, restarts the interfaces, compares all
+// values once more, and runs the command that confirms the change, if any. After a failure, which
+// it reports, and after a signal it puts the old state back and restarts the interfaces again,
+// however long that takes. The plan has no problems. The caller ends velkctl by a signal that
+// `signals` holds back.
 ApplyResult Apply(const ApplyPlan& plan, ChangeRecord& record, const TimeLimits& limits,
                   const StopSignals& signals, Report& report);
 

@@ -37,6 +37,8 @@ struct ApplyPlan {
     ChangeSet beside{};                    // values the device has and a change may switch
     std::vector<Setting> skipped{};        // addresses that an interface gets from its lease
     std::vector<std::string> restarts{};
+    std::string confirm_if{};  // a command that confirms the change with status 0; empty: none
+    int confirm_seconds = 0;   // its longest time
     std::vector<Problem> notes{};
     std::vector<Problem> problems{};        // with any of them, nothing is changed
     ExitStatus status = ExitStatus::kDone;  // kInvalid or that of an unreadable setting

@@ -13,11 +13,13 @@
 #include "lib/base/paths.h"
 #include "velkctl/call/device.h"
 #include "velkctl/changes/change_set.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/catalogue.h"
@@ -26,11 +28,12 @@
 namespace velkctl {
 namespace {
 
+constexpr int64_t kMilliseconds = 1000;
+constexpr char kNotBegun[] = "apply: the change was not begun";
+
 std::optional<Problem> ProblemOf(std::string message, int error) {
     return error == 0 ? std::nullopt : std::optional(JournalProblem(std::move(message), error));
 }
-
-constexpr char kNotBegun[] = "apply: the change was not begun";
 
 BeginFailure JournalFailure(int error) {
     return {JournalProblem(kNotBegun, error), StatusOfJournal(error)};
@@ -97,6 +100,9 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
     if (!lock_.is_held()) {
         return FailureOf(lock_.error(), velk::kJournalLock);
     }
+    if (std::optional<Problem> problem = FindWaitingProblem(kNotBegun)) {
+        return BeginFailure{std::move(*problem), ExitStatus::kWaits};
+    }
     const ChangePlan plan{EntryKind::kApply, JournalSteps(steps), restarts};
     NoteWait(velk::kLockFile, limits_.wait_seconds, report_);
     if (const int error = change_.BeginWithin(limits_.wait_seconds, plan, device); error != 0) {
@@ -106,11 +112,41 @@ std::optional<BeginFailure> JournalRecord::Begin(const ChangeSet& steps,
         report_.Note(InterruptedProblem(change_.interrupted()));
     }
     Expect();
+    if (std::optional<BeginFailure> failure = Guard()) {
+        (void)change_.Discard();
+        return failure;
+    }
     if (const int error = change_.Advance(EntryState::kApplying); error != 0) {
         (void)change_.Discard();
         return JournalFailure(error);
     }
     return std::nullopt;
+}
+
+// The guardian reads the entry. Until the change waits, its deadline is the latest end.
+std::optional<BeginFailure> JournalRecord::Guard() {
+    if (confirmation_.guard == nullptr) {
+        return std::nullopt;
+    }
+    const int64_t seconds = int64_t{confirmation_.step_seconds} + confirmation_.window_seconds;
+    change_.RecordWindow(
+        {confirmation_.window_seconds, MillisecondsSinceBoot() + seconds * kMilliseconds});
+    if (const int error = change_.Sync(); error != 0) {
+        return JournalFailure(error);
+    }
+    GuardianFacts facts;
+    if (std::optional<Problem> problem = confirmation_.guard->Start(change_.entry().id, facts)) {
+        return BeginFailure{std::move(*problem)};
+    }
+    change_.RecordGuardian(facts);
+    return std::nullopt;
+}
+
+EntryState JournalRecord::LastState() const {
+    if (confirmation_.guard == nullptr) {
+        return EntryState::kDone;
+    }
+    return confirmation_.is_asked ? EntryState::kConfirmed : EntryState::kWaiting;
 }
 
 std::optional<Problem> JournalRecord::Flush() {
@@ -127,8 +163,13 @@ std::optional<Problem> JournalRecord::Finish() {
         (void)change_.Discard();
         return std::nullopt;
     }
+    const EntryState last = LastState();
+    if (last == EntryState::kWaiting) {
+        const int64_t window = confirmation_.window_seconds * kMilliseconds;
+        change_.RecordWindow({confirmation_.window_seconds, MillisecondsSinceBoot() + window});
+    }
     return ProblemOf("apply: the change could not be recorded",
-                     error != 0 ? error : change_.Advance(EntryState::kDone));
+                     error != 0 ? error : change_.Advance(last));
 }
 
 void JournalRecord::StepMade() {
@@ -142,11 +183,13 @@ ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
     if (made_ < CountChanges(change_.entry().steps)) {
         change_.RecordSteps(made_);
     }
+    if (change_.entry().needs_confirmation()) {
+        change_.RecordTakingBack(std::string(kCauseFailure), false);
+    }
     (void)ExpectSteps(change_);
     const int seconds = std::max(limits_.wait_seconds, kTakeBackSeconds);
-    const PutBackResult result =
-        velkctl::TakeBack(change_, {.lock_seconds = seconds}, device, report);
-    return result.is_whole() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
+    taken_back_ = PutBackOpen(change_, {.lock_seconds = seconds}, device, report);
+    return taken_back_.is_whole() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
 }
 
 }  // namespace velkctl

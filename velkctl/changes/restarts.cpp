@@ -7,6 +7,9 @@
 #include <chrono>
 #include <utility>
 
+#include "velkctl/call/device.h"
+#include "velkctl/call/time_limits.h"
+#include "velkctl/call/watched_call.h"
 #include "velkctl/changes/interface_restart.h"
 
 namespace velkctl {
@@ -21,16 +24,20 @@ int SecondsSince(Clock::time_point start) {
 
 }  // namespace
 
-RestartsResult RestartAll(const std::vector<std::string>& interfaces, const TimeLimits& limits,
-                          const Device& device, Report& report) {
+RestartsResult RestartAll(const std::vector<std::string>& interfaces, int wait_seconds,
+                          Report& report) {
+    const TimeLimits limits{.wait_seconds = wait_seconds};
+    const Device device(limits, report, OnSignal::kFinishCommand);
     RestartsResult result;
     for (const std::string& interface : interfaces) {
         const Clock::time_point start = Clock::now();
         const RestartOutcome outcome = RestartInterface(interface, limits, device);
-        result.restarts.push_back({interface, SecondsSince(start), outcome.state});
+        const bool is_done = !outcome.problem || outcome.status == ExitStatus::kNotHeld;
+        result.restarts.push_back({interface, SecondsSince(start), outcome.state, !is_done});
         if (outcome.problem) {
             report.Complain(*outcome.problem);
             result.status = outcome.status;
+            result.is_locked = result.is_locked || outcome.status == ExitStatus::kLocked;
         }
     }
     return result;
@@ -39,6 +46,9 @@ RestartsResult RestartAll(const std::vector<std::string>& interfaces, const Time
 std::string RestartedText(const std::vector<DoneRestart>& restarts) {
     std::string text;
     for (const DoneRestart& restart : restarts) {
+        if (restart.has_failed) {
+            continue;
+        }
         text.append(", restarted ").append(restart.interface).append(" (");
         text.append(std::to_string(restart.seconds)).append(" s)");
     }

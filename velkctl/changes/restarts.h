@@ -20,19 +20,22 @@ struct DoneRestart {
     std::string interface;
     int seconds;
     Json state;
+    bool has_failed = false;
 };
 
 struct RestartsResult {
     ExitStatus status = ExitStatus::kDone;  // the last failure, if any
+    bool is_locked = false;                 // another program was changing settings
     std::vector<DoneRestart> restarts{};    // also those that failed
 };
 
 // Restarts the interfaces, so that they take the settings that were put back, and checks that they
-// are up with their addresses. Reports failures.
-RestartsResult RestartAll(const std::vector<std::string>& interfaces, const TimeLimits& limits,
-                          const Device& device, Report& report);
+// are up with their addresses. Reports failures. Waits for the lock. A restart has the time that it
+// needs, also if a signal comes: its interface is down meanwhile.
+RestartsResult RestartAll(const std::vector<std::string>& interfaces, int wait_seconds,
+                          Report& report);
 
-// Returns ", restarted eth0 (12 s)" for each.
+// Returns ", restarted eth0 (12 s)" for each that has not failed.
 std::string RestartedText(const std::vector<DoneRestart>& restarts);
 
 // [{"interface": "eth0", "seconds": 12, "state": {...}}]

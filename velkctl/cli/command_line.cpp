@@ -15,6 +15,7 @@
 #include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verb_arguments.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/guardian/overdue_change.h"
 #include "velkctl/report/output.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/text/assignment.h"
@@ -147,6 +148,9 @@ ExitStatus RunVerb(const Verb& verb, const Invocation& own, std::vector<std::str
         return ExitStatus::kInvalid;
     }
     report.set_detail(DetailOf(invocation));
+    if (verb.works_with_device) {
+        SettleLastChange(report);
+    }
     return verb.run(invocation, report);
 }
 

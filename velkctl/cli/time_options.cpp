@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "velkctl/journal/journal_entry.h"
+#include "velkctl/text/escaping.h"
 #include "velkctl/text/numbers.h"
 
 namespace velkctl {
@@ -30,6 +32,16 @@ bool ReadSeconds(const char* option, const std::optional<std::string>& word,
 }
 
 }  // namespace
+
+std::optional<int> ReadWindow(std::string_view name, const std::string& word, Report& report) {
+    const std::optional<int> seconds = ParseNumber(word, kShortestWindow, kLongestWindow);
+    if (!seconds) {
+        report.Refuse(std::string(name) + ": " + Quoted(word) +
+                      " is not a time; give whole seconds, " + std::to_string(kShortestWindow) +
+                      " to " + std::to_string(kLongestWindow));
+    }
+    return seconds;
+}
 
 std::optional<TimeLimits> ReadTimeOptions(const Invocation& invocation, Report& report) {
     TimeLimits limits;

@@ -39,7 +39,15 @@ constexpr VerbOption kRestart{"--restart", "WHICH",
 constexpr VerbOption kOnly{"--only", "NAMES", "only these settings, with commas between the names",
                            &Invocation::only};
 
-constexpr std::array kApplyOptions{kRestart, kWait, kTimeout};
+constexpr std::array<VerbOption, 5> kApplyOptions{{
+    {"--confirm-within", "SECONDS", "put the change back unless confirmed in time",
+     &Invocation::confirm_within},
+    {"--confirm-if", "COMMAND", "put the change back unless COMMAND succeeds",
+     &Invocation::confirm_if},
+    kRestart,
+    kWait,
+    kTimeout,
+}};
 constexpr std::array kImportOptions{kOnly, kRestart, kWait, kTimeout};
 constexpr std::array kDiffOptions{kOnly, kTimeout};
 constexpr std::array<VerbOption, 3> kSelftestOptions{{
@@ -62,7 +70,14 @@ constexpr std::array<VerbFlag, 4> kToolFlags{{
     kVerbose,
 }};
 constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
-constexpr std::array kApplyFlags{kJson, kQuiet, kVerbose, kDryRun};
+constexpr std::array kImportFlags{kJson, kQuiet, kVerbose, kDryRun};
+constexpr std::array<VerbFlag, 5> kApplyFlags{{
+    kJson,
+    kQuiet,
+    kVerbose,
+    kDryRun,
+    {"--ask", "ask at the terminal if the change is to be kept", &Invocation::ask},
+}};
 constexpr std::array kCallFlags{kJson, kQuiet, kVerbose, kShowSecrets, kDryRun};
 constexpr std::array kShowFlags{kJson, kQuiet, kVerbose, kShowSecrets, kNoPager};
 constexpr std::array kListFlags{kJson, kQuiet, kVerbose, kNoPager};
@@ -113,7 +128,7 @@ constexpr std::array<VerbFlag, 5> kRestartFlags{{
     kDryRun,
 }};
 
-constexpr std::array<Verb, 19> kVerbs{{
+constexpr std::array<Verb, 23> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -219,8 +234,15 @@ constexpr std::array<Verb, 19> kVerbs{{
      "\n"
      "With method dhcp, the address, netmask and gateway in a document are skipped.\n"
      "\n"
+     "With --confirm-within, the change waits: without 'velkctl confirm' within 10 to\n"
+     "86400 seconds it is put back, also if the connection is lost or the device is\n"
+     "restarted. --ask waits for a key instead. --confirm-if runs a command of the\n"
+     "shell: status 0 confirms the change, any other one puts it back. Both have 300\n"
+     "seconds unless --confirm-within is given.\n"
+     "\n"
      "Examples:\n"
      "  velkctl apply eth0.method=static eth0.address=192.168.0.10/24\n"
+     "  velkctl apply eth0.address=192.168.7.10 --confirm-within 300\n"
      "  velkctl apply network.json --restart never\n"
      "  velkctl apply - --json <network.json",
      {.least = 1, .most = kAnyNumber, .takes_value = true},
@@ -253,7 +275,7 @@ constexpr std::array<Verb, 19> kVerbs{{
      "  velkctl import - --only 'eth*.dns' <network.json",
      {.least = 1, .most = 1},
      kImportOptions,
-     kApplyFlags,
+     kImportFlags,
      RunImport},
     {"diff",
      "FILE|- [FILE] [OPTION...]",
@@ -278,7 +300,9 @@ constexpr std::array<Verb, 19> kVerbs{{
      {.most = 1, .first_is_interface = true},
      {},
      kListFlags,
-     RunList},
+     RunList,
+     nullptr,
+     false},
     {"describe",
      "NAME|ID [OPTION...]",
      "describe a setting and its values",
@@ -291,7 +315,9 @@ constexpr std::array<Verb, 19> kVerbs{{
      {.least = 1, .most = 1},
      {},
      kJsonFlags,
-     RunDescribe},
+     RunDescribe,
+     nullptr,
+     false},
     {"explain",
      "RESULT|STATUS [OPTION...]",
      "explain a result of the library or an exit status",
@@ -305,7 +331,9 @@ constexpr std::array<Verb, 19> kVerbs{{
      {.least = 1, .most = 1},
      {},
      kJsonFlags,
-     RunExplain},
+     RunExplain,
+     nullptr,
+     false},
     {"status",
      "[eth0|eth1] [OPTION...]",
      "compare the configuration with the running state",
@@ -364,6 +392,57 @@ constexpr std::array<Verb, 19> kVerbs{{
      kReadOptions,
      kJsonFlags,
      RunCapture},
+    {"confirm",
+     "[ID] [OPTION...]",
+     "keep the change that waits for its confirmation",
+     "'velkctl apply --confirm-within' makes such a change. Without a confirmation it\n"
+     "is put back. Only root and the user who has made the change may confirm it.\n"
+     "\n"
+     "A change that is already confirmed is no failure. Exit status 1: nothing waits,\n"
+     "or the change was put back before.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl confirm\n"
+     "  velkctl confirm k7f2",
+     {.most = 1},
+     kChangeOptions,
+     kJsonFlags,
+     RunConfirm},
+    {"extend",
+     "SECONDS [ID] [OPTION...]",
+     "give a change more time for its confirmation",
+     "Adds the seconds, 10 to 86400, to the time that is left.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl extend 600\n"
+     "  velkctl extend 600 k7f2",
+     {.least = 1, .most = 2},
+     kChangeOptions,
+     kJsonFlags,
+     RunExtend},
+    {"revert",
+     "[ID] [OPTION...]",
+     "put back the change that waits for its confirmation",
+     "Puts files and values back, and restarts the interfaces again. A change that is\n"
+     "already put back is no failure. 'velkctl undo' takes back a confirmed change.\n"
+     "Exit status 9: something could not be put back.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl revert\n"
+     "  velkctl revert k7f2",
+     {.most = 1},
+     kChangeOptions,
+     kJsonFlags,
+     RunRevert},
+    {"pending",
+     "[OPTION...]",
+     "show the change that waits for its confirmation",
+     "Example:\n"
+     "  velkctl pending",
+     {},
+     kReadOptions,
+     kJsonFlags,
+     RunPending},
     {"undo",
      "[ID] [OPTION...]",
      "take back a change of settings",
@@ -406,6 +485,8 @@ constexpr std::array<Verb, 19> kVerbs{{
      "the value, --keep closes the change without taking it back. A file or setting\n"
      "that was put back once is not touched again.\n"
      "\n"
+     "A change that waits for its confirmation is left alone until a restart.\n"
+     "\n"
      "Examples:\n"
      "  velkctl recover\n"
      "  velkctl recover --boot\n"
@@ -413,7 +494,9 @@ constexpr std::array<Verb, 19> kVerbs{{
      {},
      kChangeOptions,
      kRecoverFlags,
-     RunRecover},
+     RunRecover,
+     nullptr,
+     false},
     {"call",
      "get|set|restart ID [INTERFACE] [OPTION...]",
      "run a command of the library without checks",

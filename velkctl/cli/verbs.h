@@ -23,11 +23,13 @@ struct Invocation {
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
     std::optional<std::string> root{};
-    std::optional<std::string> wait{};     // seconds, unparsed
-    std::optional<std::string> timeout{};  // seconds, unparsed
-    TimeLimits limits{};                   // the same, parsed
-    std::optional<std::string> restart{};  // auto, never or interfaces
-    std::optional<std::string> only{};     // names and patterns, with commas between them
+    std::optional<std::string> wait{};            // seconds, unparsed
+    std::optional<std::string> timeout{};         // seconds, unparsed
+    TimeLimits limits{};                          // the same, parsed
+    std::optional<std::string> restart{};         // auto, never or interfaces
+    std::optional<std::string> only{};            // names and patterns, with commas between them
+    std::optional<std::string> confirm_within{};  // seconds, unparsed
+    std::optional<std::string> confirm_if{};      // a command for the shell
     bool json = false;
     bool show_secrets = false;
     bool notify_only = false;
@@ -43,6 +45,7 @@ struct Invocation {
     bool trace = false;
     bool no_pager = false;
     bool include_secrets = false;
+    bool ask = false;
     bool help = false;
     bool version = false;
     bool beside_secret = false;  // any word may be a secret
@@ -87,6 +90,9 @@ struct Verb {
     ExitStatus (*run)(const Invocation& invocation, Report& report);
     // Reports the problems with the words, if an option has one already and the verb does not run.
     void (*check_words)(const Invocation& invocation, Report& report) = nullptr;
+    // Before a verb that works with the device, velkctl takes back a change that was not confirmed
+    // in time.
+    bool works_with_device = true;
 };
 
 std::span<const Verb> Verbs();
@@ -112,6 +118,10 @@ ExitStatus RunApply(const Invocation& invocation, Report& report);
 ExitStatus RunImport(const Invocation& invocation, Report& report);
 ExitStatus RunExport(const Invocation& invocation, Report& report);
 ExitStatus RunDiff(const Invocation& invocation, Report& report);
+ExitStatus RunConfirm(const Invocation& invocation, Report& report);
+ExitStatus RunExtend(const Invocation& invocation, Report& report);
+ExitStatus RunRevert(const Invocation& invocation, Report& report);
+ExitStatus RunPending(const Invocation& invocation, Report& report);
 ExitStatus RunUndo(const Invocation& invocation, Report& report);
 ExitStatus RunHistory(const Invocation& invocation, Report& report);
 ExitStatus RunRecover(const Invocation& invocation, Report& report);

@@ -15,6 +15,9 @@
 namespace velkctl {
 namespace {
 
+// The fields between the session and the start, see proc(5).
+constexpr int kWordsBeforeStart = 15;
+
 std::string FolderOf(std::string_view process) {
     return "/proc/" + std::string(process);
 }
@@ -48,7 +51,15 @@ std::optional<Process> ParseProcess(std::string_view stat) {
     process.parent = ParseNumber<pid_t>(velk::TakeWord(stat)).value_or(0);
     (void)velk::TakeWord(stat);  // its process group
     process.session = ParseNumber<pid_t>(velk::TakeWord(stat)).value_or(0);
+    for (int i = 0; i < kWordsBeforeStart; ++i) {
+        (void)velk::TakeWord(stat);
+    }
+    process.start = ParseNumber<int64_t>(velk::TakeWord(stat)).value_or(0);
     return process;
+}
+
+std::optional<Process> FindProcess(pid_t process) {
+    return ParseProcess(ReadTextFile(FolderOf(std::to_string(process)) + "/stat").bytes);
 }
 
 std::vector<Process> ListProcesses() {

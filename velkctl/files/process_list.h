@@ -5,6 +5,7 @@
 #ifndef VELKCTL_FILES_PROCESS_LIST_H_
 #define VELKCTL_FILES_PROCESS_LIST_H_
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,10 +20,14 @@ struct Process {
     pid_t parent = 0;
     pid_t session = 0;
     bool has_ended = false;  // ended, but not yet collected by its parent
+    int64_t start = 0;       // clock ticks since boot; with the id, it identifies the process
 };
 
 // Returns the process of a /proc/PID/stat; nothing if the text is not valid.
 std::optional<Process> ParseProcess(std::string_view stat);
+
+// Returns a process; nothing if it has been collected.
+std::optional<Process> FindProcess(pid_t process);
 
 // Returns all processes, in no particular order.
 std::vector<Process> ListProcesses();

@@ -4,6 +4,7 @@
 // tool_run.cpp - finds a tool of the device as a shell does, and runs it with a time limit.
 #include "velkctl/files/tool_run.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -27,6 +28,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPause{10};
+constexpr std::chrono::milliseconds kLook{100};
 constexpr size_t kMostOutput = 64 * 1024;
 
 bool IsExecutable(const std::string& path) {
@@ -93,18 +95,31 @@ class SpawnPlan {
     posix_spawnattr_t attributes_{};
 };
 
-// Reads up to the end of the output; false if the deadline comes first.
-bool ReadOutput(int fd, Clock::time_point deadline, std::string& output) {
-    char block[4096];
-    for (;;) {
+// The end of the time of a tool.
+struct Limit {
+    Clock::time_point deadline;
+    std::function<bool()> must_stop{};
+
+    bool is_reached() const { return Clock::now() >= deadline || (must_stop && must_stop()); }
+    // The longest time until the next look at it.
+    std::chrono::milliseconds pause() const {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        return must_stop ? std::min(left, kLook) : left;
+    }
+};
+
+// Reads up to the end of the output; false if the limit comes first.
+bool ReadOutput(int fd, const Limit& limit, std::string& output) {
+    char block[4096];
+    while (!limit.is_reached()) {
         pollfd waited{fd, POLLIN, 0};
-        const int ready = left.count() > 0 ? poll(&waited, 1, static_cast<int>(left.count())) : 0;
-        if (ready == -1 && errno == EINTR) {
+        const int left = static_cast<int>(limit.pause().count());
+        const int ready = poll(&waited, 1, std::max(left, 0));
+        if (ready == 0 || (ready == -1 && errno == EINTR)) {
             continue;
         }
-        if (ready <= 0) {
+        if (ready == -1) {
             return false;
         }
         const ssize_t count = velk::ReadSome(fd, block, sizeof(block));
@@ -115,16 +130,17 @@ bool ReadOutput(int fd, Clock::time_point deadline, std::string& output) {
             output.append(block, static_cast<size_t>(count));
         }
     }
+    return false;
 }
 
-// Waits for the end of the tool; false if the deadline comes first.
-bool AwaitEnd(pid_t pid, Clock::time_point deadline, int& status) {
+// Waits for the end of the tool; false if the limit comes first.
+bool AwaitEnd(pid_t pid, const Limit& limit, int& status) {
     for (;;) {
         const pid_t ended = waitpid(pid, &status, WNOHANG);
         if (ended == pid) {
             return true;
         }
-        if ((ended == -1 && errno != EINTR) || Clock::now() >= deadline) {
+        if ((ended == -1 && errno != EINTR) || limit.is_reached()) {
             return false;
         }
         std::this_thread::sleep_for(kPause);
@@ -146,7 +162,8 @@ std::optional<std::string> FindTool(std::string_view name) {
     return FindTool(name, folders == nullptr ? kToolFolders : folders);
 }
 
-ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds longest) {
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds longest,
+                const std::function<bool()>& must_stop) {
     const std::optional<std::string> path = FindTool(words.front());
     int ends[2];
     if (!path || pipe2(ends, O_CLOEXEC) == -1) {
@@ -160,13 +177,13 @@ ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds long
         return {};
     }
     ToolRun run;
-    const Clock::time_point deadline = Clock::now() + longest;
+    const Limit limit{Clock::now() + longest, must_stop};
     int status = 0;
-    run.ended = ReadOutput(read_end.get(), deadline, run.output) && AwaitEnd(pid, deadline, status);
+    run.ended = ReadOutput(read_end.get(), limit, run.output) && AwaitEnd(pid, limit, status);
     if (!run.ended) {
         (void)kill(-pid, SIGKILL);
         // A tool that runs as root, as sudo does, may not be killed; its end is not awaited.
-        (void)AwaitEnd(pid, Clock::now() + std::chrono::seconds(1), status);
+        (void)AwaitEnd(pid, {Clock::now() + std::chrono::seconds(1)}, status);
         return run;
     }
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);

@@ -6,6 +6,7 @@
 #define VELKCTL_FILES_TOOL_RUN_H_
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,8 +32,10 @@ struct ToolRun {
 
 inline constexpr std::chrono::seconds kLongestRun{5};
 
-// Runs a tool without input and without standard error. A tool that takes longer is killed.
-ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds longest = kLongestRun);
+// Runs a tool without input and without standard error. A tool that takes longer is killed, or one
+// that `must_stop` does not let go on; it is called several times a second.
+ToolRun RunTool(const std::vector<std::string>& words, std::chrono::seconds longest = kLongestRun,
+                const std::function<bool()>& must_stop = {});
 
 }  // namespace velkctl
 

@@ -118,12 +118,17 @@ std::optional<Problem> AddImages(JournalEntry& entry, const std::vector<TrialSte
     return std::move(run.problem);
 }
 
-// An undo writes the bytes of an earlier entry, which its steps may not make.
+// An undo writes the bytes of an earlier entry, which its steps may not make. A trial run starts no
+// DHCP client.
 JournalEntry WithoutForeignImages(JournalEntry entry) {
-    if (entry.kind != EntryKind::kUndo) {
-        entry.after.clear();
-        entry.between.clear();
+    if (entry.kind == EntryKind::kUndo) {
+        return entry;
     }
+    const auto is_of_steps = [&](const FileImage& image) {
+        return !MayGetServersOfLease(image.path, entry);
+    };
+    std::erase_if(entry.after, is_of_steps);
+    std::erase_if(entry.between, is_of_steps);
     return entry;
 }
 

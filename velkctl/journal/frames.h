@@ -21,7 +21,11 @@ enum class FrameKind : uint32_t {
     kState = 3,
     kImageAfter = 4,
     kSteps = 5,
-    kPutBack = 10,  // 6 to 9 belong to the confirmation of a change
+    kWindow = 6,
+    kGuardian = 7,
+    kTakingBack = 8,
+    kFilesBack = 9,
+    kPutBack = 10,
     kMade = 11,
 };
 

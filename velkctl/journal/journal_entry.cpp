@@ -190,6 +190,41 @@ void AppendTo(std::vector<std::string>& list, const std::vector<std::string>& na
     list.insert(list.end(), names.begin(), names.end());
 }
 
+ConfirmWindow WindowFromJson(const Json& json) {
+    return {json.at("seconds").get<int>(), json.at("deadline").get<int64_t>()};
+}
+
+GuardianFacts GuardianFromJson(const Json& json) {
+    return {json.at("keeper").get<pid_t>(), json.at("guardian").get<pid_t>(),
+            json.at("terminal").get<std::string>(), json.at("session").get<pid_t>(),
+            json.at("session_start").get<int64_t>()};
+}
+
+void ReadTakingBack(const Json& json, JournalEntry& entry) {
+    entry.cause = json.at("cause").get<std::string>();
+    entry.is_untold = json.at("untold").get<bool>();
+}
+
+// Reads the frames of changes that need to be confirmed or wait for the daemon.
+void ReadLaterFrame(const Frame& frame, JournalEntry& entry) {
+    switch (frame.kind) {
+        case FrameKind::kWindow:
+            entry.window = WindowFromJson(Parse(frame.payload));
+            break;
+        case FrameKind::kGuardian:
+            entry.guardian = GuardianFromJson(Parse(frame.payload));
+            break;
+        case FrameKind::kTakingBack:
+            ReadTakingBack(Parse(frame.payload), entry);
+            break;
+        case FrameKind::kFilesBack:
+            entry.files_back = Parse(frame.payload).at("boot_id").get<std::string>();
+            break;
+        default:
+            break;
+    }
+}
+
 void ReadFrame(const Frame& frame, JournalEntry& entry) {
     switch (frame.kind) {
         case FrameKind::kHeader:
@@ -213,6 +248,8 @@ void ReadFrame(const Frame& frame, JournalEntry& entry) {
         case FrameKind::kMade:
             KeepSteps(entry, NamesFrom(frame));
             break;
+        default:
+            ReadLaterFrame(frame, entry);
     }
 }
 
@@ -294,6 +331,29 @@ size_t SizeOf(const std::vector<FileImage>& images) {
         size += image.bytes.size();
     }
     return size;
+}
+
+std::string EncodeWindow(const ConfirmWindow& window) {
+    const Json json{{"seconds", window.seconds}, {"deadline", window.deadline}};
+    return EncodeFrame(FrameKind::kWindow, json.dump());
+}
+
+std::string EncodeGuardian(const GuardianFacts& guardian) {
+    const Json json{{"keeper", guardian.keeper},
+                    {"guardian", guardian.guardian},
+                    {"terminal", guardian.terminal},
+                    {"session", guardian.session},
+                    {"session_start", guardian.session_start}};
+    return EncodeFrame(FrameKind::kGuardian, json.dump());
+}
+
+std::string EncodeTakingBack(const std::string& cause, bool is_untold) {
+    const Json json{{"cause", cause}, {"untold", is_untold}};
+    return EncodeFrame(FrameKind::kTakingBack, json.dump());
+}
+
+std::string EncodeFilesBack(const std::string& boot_id) {
+    return EncodeFrame(FrameKind::kFilesBack, Json{{"boot_id", boot_id}}.dump());
 }
 
 void AddAfter(JournalEntry& entry, FileImage image) {

@@ -20,9 +20,9 @@
 
 namespace velkctl {
 
-// A change: prepared, applying, done; or waiting and confirmed instead of done. A change
-// that is taken back: reverting, then reverted, or stuck if a part could not be put back. A user
-// may close an unfinished change as it is: kept.
+// A change: prepared, applying, done. With a confirmation: waiting, unless a command decides, and
+// confirmed instead of done. A change that is taken back: reverting, then reverted, or stuck if a
+// part could not be put back. A user may close an unfinished change as it is: kept.
 enum class EntryState {
     kPrepared,
     kApplying,
@@ -47,6 +47,28 @@ struct Step {
     std::optional<Data> old_value{};  // nothing if it could not be read
 };
 
+// Seconds to confirm a change.
+inline constexpr int kShortestWindow = 10;
+inline constexpr int kUsualWindow = 300;
+inline constexpr int kLongestWindow = 24 * 60 * 60;
+
+// The time to confirm a change.
+struct ConfirmWindow {
+    int seconds = 0;  // 0: the change needs no confirmation
+    // Milliseconds since boot. Until the change waits, the latest end of its steps and the window.
+    int64_t deadline = 0;
+};
+
+// The processes that take a change back if it is not confirmed, and the terminal to inform.
+struct GuardianFacts {
+    pid_t keeper = 0;  // starts a guardian that was killed again
+    pid_t guardian = 0;
+    std::string terminal{};  // the one of the run; empty: none
+    // While this session leader runs, it is still the same terminal.
+    pid_t session = 0;
+    int64_t session_start = 0;  // as in /proc/PID/stat
+};
+
 struct JournalEntry {
     std::string id{};  // four letters and digits: "k7f2"
     EntryKind kind = EntryKind::kPlainSet;
@@ -64,11 +86,17 @@ struct JournalEntry {
     // their values since then are those of somebody else.
     std::vector<std::string> put_back{};
     EntryState state = EntryState::kPrepared;
+    ConfirmWindow window{};
+    GuardianFacts guardian{};
+    std::string cause{};       // the reason why it is taken back; empty: unknown
+    bool is_untold = false;    // the next run reports that it is taken back
+    std::string files_back{};  // the id of the boot at which only the daemon's values were left
 
     // True if its change was made.
     bool is_finished() const {
         return state == EntryState::kDone || state == EntryState::kConfirmed;
     }
+    bool needs_confirmation() const { return window.seconds > 0; }
     // True if nothing is left to do for it.
     bool is_closed() const {
         return is_finished() || state == EntryState::kReverted || state == EntryState::kKept;
@@ -90,6 +118,11 @@ void KeepSteps(JournalEntry& entry, const std::vector<std::string>& names);
 
 // Returns the number of bytes of the files.
 size_t SizeOf(const std::vector<FileImage>& images);
+
+std::string EncodeWindow(const ConfirmWindow& window);
+std::string EncodeGuardian(const GuardianFacts& guardian);
+std::string EncodeTakingBack(const std::string& cause, bool is_untold);
+std::string EncodeFilesBack(const std::string& boot_id);
 
 // Makes the image the latest one of its file after the change.
 void AddAfter(JournalEntry& entry, FileImage image);

@@ -21,6 +21,7 @@
 
 #include "lib/base/file_io.h"
 #include "lib/base/paths.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/text/numbers.h"
 
 namespace velkctl {
@@ -156,9 +157,14 @@ std::string ReadAll(int fd, int& error) {
     return bytes;
 }
 
-StoredEntry ReadEntry(const EntryName& name) {
-    StoredEntry stored{PathOf(name)};
-    stored.decoded.entry.id = name.id;
+bool MayBeConfirmed(const JournalEntry& entry) {
+    return entry.state == EntryState::kWaiting && entry.boot_id == RunningBootId() &&
+           MillisecondsSinceBoot() < entry.window.deadline;
+}
+
+StoredEntry ReadEntry(const std::string& path, const std::string& id) {
+    StoredEntry stored{path};
+    stored.decoded.entry.id = id;
     const velk::UniqueFd fd(
         open(stored.path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (fd.get() == -1) {
@@ -169,8 +175,13 @@ StoredEntry ReadEntry(const EntryName& name) {
     const std::string bytes = ReadAll(fd.get(), stored.error);
     stored.size = bytes.size();
     stored.decoded = DecodeEntry(bytes);
-    stored.decoded.entry.id = name.id;
+    stored.decoded.entry.id = id;
+    stored.is_waiting = stored.is_whole() && MayBeConfirmed(stored.decoded.entry);
     return stored;
+}
+
+StoredEntry ReadEntry(const EntryName& name) {
+    return ReadEntry(PathOf(name), name.id);
 }
 
 size_t SizeOf(const EntryName& name) {
@@ -335,6 +346,30 @@ std::string FindInterrupted() {
         }
     }
     return "";
+}
+
+std::optional<StoredEntry> ReadLastEntry() {
+    int error = 0;
+    const std::vector<EntryName> names = ReadNames(error);
+    return names.empty() ? std::nullopt : std::optional(ReadEntry(names.back()));
+}
+
+StoredEntry ReadAgain(const StoredEntry& stored) {
+    return ReadEntry(stored.path, stored.decoded.entry.id);
+}
+
+std::vector<JournalEntry> ReadLaterChanges(const std::string& id) {
+    std::vector<JournalEntry> later;
+    bool is_later = false;
+    for (StoredEntry& stored : ReadJournal().entries) {
+        JournalEntry& entry = stored.decoded.entry;
+        if (is_later && (stored.is_finished() || stored.is_waiting)) {
+            later.push_back(std::move(entry));
+        } else {
+            is_later = is_later || entry.id == id;
+        }
+    }
+    return later;
 }
 
 // Reads the entries only if one may have to go.

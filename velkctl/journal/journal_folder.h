@@ -84,14 +84,17 @@ struct StoredEntry {
     size_t size = 0;
     int error = 0;  // errno if it cannot be read
     bool is_in_use = false;
+    bool is_waiting = false;  // it may still be confirmed
     DecodedEntry decoded{};
 
     bool is_whole() const { return error == 0 && decoded.health == EntryHealth::kWhole; }
     // True if its change was made, and undo can take it back.
     bool is_finished() const { return is_whole() && decoded.entry.is_finished(); }
-    // True if its change was begun and neither finished nor taken back, and no run is at work on
-    // it.
-    bool is_interrupted() const { return is_whole() && !is_in_use && !decoded.entry.is_closed(); }
+    // True if its change was begun and neither finished nor taken back, no run is at work on it,
+    // and its time to be confirmed is not running.
+    bool is_interrupted() const {
+        return is_whole() && !is_in_use && !is_waiting && !decoded.entry.is_closed();
+    }
 };
 
 struct JournalListing {
@@ -103,6 +106,16 @@ JournalListing ReadJournal();
 
 // Returns the id of the newest change that was interrupted; empty if none.
 std::string FindInterrupted();
+
+// Returns the newest entry alone; nothing if there is none.
+std::optional<StoredEntry> ReadLastEntry();
+
+// Returns the entry of this file as it is now.
+StoredEntry ReadAgain(const StoredEntry& stored);
+
+// Returns the changes after the one with this id that were made, or may still be confirmed. The
+// last one is at the end.
+std::vector<JournalEntry> ReadLaterChanges(const std::string& id);
 
 // Removes the oldest closed entries beyond the limits, so that there is room for the entry in use
 // of so many bytes.

@@ -17,6 +17,7 @@
 #include "velkctl/call/answer.h"
 #include "velkctl/call/library_lock.h"
 #include "velkctl/call/stop_signals.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/text_file.h"
 #include "velkctl/files/tool_run.h"
@@ -28,18 +29,9 @@
 namespace velkctl {
 namespace {
 
-constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
 // A daemon or log that is stuck does not delay the change for longer: it is likely to fail anyway.
 constexpr int kReadSeconds = 5;
 constexpr std::chrono::milliseconds kLockPause{50};
-constexpr int64_t kMilliseconds = 1000;
-constexpr int64_t kNanosecondsOfOne = 1'000'000;
-
-int64_t MillisecondsSinceBoot() {
-    timespec now{};
-    (void)clock_gettime(CLOCK_BOOTTIME, &now);
-    return now.tv_sec * kMilliseconds + now.tv_nsec / kNanosecondsOfOne;
-}
 
 bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
     return std::ranges::any_of(
@@ -49,7 +41,7 @@ bool IsTouched(const DeviceFile& file, const std::vector<Step>& steps) {
 std::vector<FileImage> ImagesBefore(const JournalEntry& entry) {
     std::vector<FileImage> images;
     for (const DeviceFile& file : DeviceFiles()) {
-        if (IsTouched(file, entry.steps)) {
+        if (IsTouched(file, entry.steps) || MayGetServersOfLease(file.path, entry)) {
             images.push_back(ReadFileImage(file.path));
         }
     }
@@ -120,8 +112,13 @@ const FileImage* FindImage(const std::vector<FileImage>& images, const std::stri
 
 }  // namespace
 
-std::string RunningBootId() {
-    return std::string(Trimmed(ReadTextFile(kBootIdFile).bytes));
+bool MayGetServersOfLease(const std::string& path, const JournalEntry& entry) {
+    const auto is_restarted_with_method = [&](const Step& step) {
+        return step.setting.row->id == VELK_CMD_IP_METHOD &&
+               std::ranges::find(entry.restarts, step.setting.interface) != entry.restarts.end();
+    };
+    return path == velk::kResolverFile &&
+           std::ranges::any_of(entry.steps, is_restarted_with_method);
 }
 
 std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes) {
@@ -225,6 +222,32 @@ void OpenChange::RecordPutBack(const std::vector<std::string>& items) {
         file_->Append(EncodePutBack(items));
         entry_.put_back.insert(entry_.put_back.end(), items.begin(), items.end());
     }
+}
+
+void OpenChange::RecordWindow(const ConfirmWindow& window) {
+    file_->Append(EncodeWindow(window));
+    entry_.window = window;
+}
+
+void OpenChange::RecordGuardian(const GuardianFacts& guardian) {
+    file_->Append(EncodeGuardian(guardian));
+    entry_.guardian = guardian;
+}
+
+void OpenChange::RecordTakingBack(const std::string& cause, bool is_untold) {
+    file_->Append(EncodeTakingBack(cause, is_untold));
+    entry_.cause = cause;
+    entry_.is_untold = is_untold;
+}
+
+void OpenChange::RecordFilesBack() {
+    entry_.files_back = RunningBootId();
+    file_->Append(EncodeFilesBack(entry_.files_back));
+}
+
+int OpenChange::Sync() {
+    file_->Sync();
+    return file_->error();
 }
 
 int OpenChange::FlushFiles() const {

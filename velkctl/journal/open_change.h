@@ -17,9 +17,6 @@
 
 namespace velkctl {
 
-// Returns the id of the running kernel, a new one at each start; empty if unknown.
-std::string RunningBootId();
-
 // A change as it is planned.
 struct ChangePlan {
     EntryKind kind = EntryKind::kPlainSet;
@@ -30,6 +27,10 @@ struct ChangePlan {
 };
 
 std::vector<Step> JournalSteps(const std::vector<SettingChange>& changes);
+
+// True if the file is that of the DNS servers and the change restarts an interface with another
+// method: a DHCP client that starts or ends writes the servers of its lease into it.
+bool MayGetServersOfLease(const std::string& path, const JournalEntry& entry);
 
 // The caller holds the JournalLock. Functions with int return 0 or errno. After a write that
 // failed, the entry on disk is the one before.
@@ -71,6 +72,15 @@ class OpenChange {
     // Records files and settings that were put back for good. Not on disk before the next
     // Advance().
     void RecordPutBack(const std::vector<std::string>& items);
+    // Records the time to confirm the change. Not on disk before the next Advance() or Sync().
+    void RecordWindow(const ConfirmWindow& window);
+    void RecordGuardian(const GuardianFacts& guardian);
+    // Records the reason why the change is taken back, and whether it has to be reported.
+    void RecordTakingBack(const std::string& cause, bool is_untold);
+    // Records that only the values of the wireless daemon are left to be put back.
+    void RecordFilesBack();
+    // Writes the records to disk.
+    int Sync();
     // Writes the touched files and their folders to disk. Returns the first failure.
     int FlushFiles() const;
     // True if the recorded files are as before the change.

@@ -11,19 +11,16 @@
 #include <optional>
 #include <utility>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "lib/base/paths.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/call/edit_copy.h"
 #include "velkctl/call/library_lock.h"
-#include "velkctl/call/stop_signals.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/files/file_image.h"
 #include "velkctl/files/tool_run.h"
 #include "velkctl/journal/copy_trial.h"
 #include "velkctl/journal/journal_problem.h"
-#include "velkctl/report/exit_status.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/device_files.h"
 #include "velkctl/settings/value_text.h"
@@ -304,25 +301,20 @@ struct CopySet {
 // Puts one entry back. The steps of it are members because they share the result.
 class Restoration {
   public:
-    Restoration(const JournalEntry& entry, PutBackOptions options, const Device& device,
-                Report& report)
-        : entry_(entry),
-          options_(std::move(options)),
-          device_(device),
-          report_(report),
-          values_(device) {}
+    Restoration(const JournalEntry& entry, PutBackOptions options, const Device& device)
+        : entry_(entry), options_(std::move(options)), device_(device), values_(device) {}
 
     PutBackResult Run();
 
   private:
     void WriteFiles();
-    void WriteUnderLock();
     void WriteFile(const FileImage& now);
     int GiveBack(const FileImage& now, FileCase found) const;
     void LeaveFile(const std::string& path, int error);
     bool WasWrittenSinceBegin(const FileImage& now) const;
     void SetValues();
     void SetValueOf(const Step& step);
+    bool IsForgotten(const Setting& setting) const;
     bool KeepsLaterValue(const Setting& setting) const;
     std::optional<Problem> SetValue(const Step& step);
     std::optional<Problem> SetOldValue(const Step& step);
@@ -335,7 +327,6 @@ class Restoration {
     const JournalEntry& entry_;
     const PutBackOptions options_;
     const Device& device_;
-    Report& report_;
     Values values_;
     std::vector<std::string> foreign_;  // files that another program has written since
     std::vector<std::string> failed_;   // files that could not be written to disk
@@ -360,21 +351,11 @@ PutBackResult Restoration::Run() {
 }
 
 void Restoration::WriteFiles() {
-    std::optional<LibraryLock> lock(std::in_place, options_.lock_seconds);
-    result_.is_locked = lock->is_busy();
+    const LibraryLock lock(options_.lock_seconds);
+    result_.is_locked = lock.is_busy();
     if (result_.is_locked) {
         return;
     }
-    const StopSignals signals;
-    WriteUnderLock();
-    lock.reset();  // the message below may wait for the terminal
-    const int signal = signals.is_outermost() ? signals.Pending() : 0;
-    if (signal != 0) {
-        EndInterrupted(signal, "'velkctl recover' takes the change back", report_);
-    }
-}
-
-void Restoration::WriteUnderLock() {
     if (options_.first) {
         options_.first();
     }
@@ -437,6 +418,8 @@ void Restoration::SetValueOf(const Step& step) {
     const bool is_of_daemon = step.setting.row->held_in.holder == Holder::kDaemon;
     if (KeepsLaterValue(step.setting)) {
         result_.kept.push_back(name);
+    } else if (IsForgotten(step.setting)) {
+        return;
     } else if (is_of_daemon && options_.at_boot) {
         result_.waits_for_daemon = true;
         open_.push_back(name);
@@ -446,6 +429,12 @@ void Restoration::SetValueOf(const Step& step) {
             open_.push_back(name);
         }
     }
+}
+
+// The port has lost the value of the change with the last start of the device.
+bool Restoration::IsForgotten(const Setting& setting) const {
+    return !options_.force && setting.row->held_in.holder == Holder::kTool &&
+           entry_.boot_id != RunningBootId();
 }
 
 bool Restoration::KeepsLaterValue(const Setting& setting) const {
@@ -555,24 +544,29 @@ void Restoration::AddPutBack() {
     }
 }
 
+// A guardian tries again by itself.
+void ReportPutBack(const JournalEntry& entry, const PutBackResult& result, Report& report) {
+    if (result.is_locked) {
+        Problem problem = LockedProblem("change " + entry.id + ": not put back", velk::kLockFile);
+        problem.remedy = HasGuardian(entry) ? "" : "'velkctl recover' takes it back after that";
+        report.Complain(problem);
+    }
+    for (const Problem& problem : result.left) {
+        report.Complain(problem);
+    }
+    for (const std::string& name : result.kept) {
+        report.Note(name + ": keeps its value, which a later change has set");
+    }
+}
+
 // Without room for the state, the entry is removed: otherwise a later run would take back settings
 // of others.
-void CloseTakenBack(OpenChange& change, Report& report) {
+void CloseWhole(OpenChange& change, Report& report) {
     const int error = change.Advance(EntryState::kReverted);
     if (error != 0 && !change.Discard()) {
         report.Note(JournalProblem("the journal may call change " + change.entry().id +
                                        " interrupted, although it is put back",
                                    error));
-    }
-}
-
-// The next try leaves out the items that were put back.
-void Close(OpenChange& change, const PutBackResult& result, Report& report) {
-    if (result.is_whole()) {
-        CloseTakenBack(change, report);
-    } else if (!result.is_locked) {
-        change.RecordPutBack(result.put_back);
-        (void)change.Advance(result.left.empty() ? EntryState::kReverting : EntryState::kStuck);
     }
 }
 
@@ -605,34 +599,32 @@ FileCase CompareFile(const FileImage& now, const JournalEntry& entry) {
     return was_cut ? FileCase::kCut : CompareWithEditCopy(now, entry);
 }
 
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
-                      Report& report) {
-    return Restoration(entry, std::move(options), device, report).Run();
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device) {
+    return Restoration(entry, std::move(options), device).Run();
 }
 
-PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
-                       Report& report) {
+PutBackResult PutBackOpen(OpenChange& change, PutBackOptions options, const Device& device,
+                          Report& report) {
     if (change.is_not_begun()) {
-        CloseTakenBack(change, report);
         return {};
     }
     // Without this state on disk the files are still put back: they are the reason for the journal.
-    (void)change.Advance(EntryState::kReverting);
-    PutBackResult result = PutBack(change.entry(), std::move(options), device, report);
-    if (result.is_locked) {
-        Problem problem =
-            LockedProblem("change " + change.entry().id + ": not put back", velk::kLockFile);
-        problem.remedy = "'velkctl recover' takes it back after that";
-        report.Complain(problem);
+    if (change.entry().state != EntryState::kReverting) {
+        (void)change.Advance(EntryState::kReverting);
     }
-    for (const Problem& problem : result.left) {
-        report.Complain(problem);
-    }
-    for (const std::string& name : result.kept) {
-        report.Note(name + ": keeps its value, which a later change has set");
-    }
-    Close(change, result, report);
+    PutBackResult result = PutBack(change.entry(), std::move(options), device);
+    ReportPutBack(change.entry(), result, report);
     return result;
+}
+
+// The next try leaves out the items that were put back.
+void CloseTakenBack(OpenChange& change, const PutBackResult& result, Report& report) {
+    if (result.is_whole()) {
+        CloseWhole(change, report);
+    } else if (!result.is_locked) {
+        change.RecordPutBack(result.put_back);
+        (void)change.Advance(result.left.empty() ? EntryState::kReverting : EntryState::kStuck);
+    }
 }
 
 std::string FindCutFile(const JournalEntry& entry) {

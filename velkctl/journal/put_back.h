@@ -65,15 +65,16 @@ struct PutBackResult {
 // repeated.
 // After SIGINT or another signal it ends velkctl when the files are written, with a message, unless
 // the caller holds the signals back.
-PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device,
-                      Report& report);
+PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
 
-// Takes back an unfinished change: state reverting, PutBack(), then state reverted, or stuck if
-// something is left. Records the items that were put back, unless all were. Removes the entry if
-// all is back and the state cannot be written. Reports the items that are left, and another program
-// that keeps the lock.
-PutBackResult TakeBack(OpenChange& change, PutBackOptions options, const Device& device,
-                       Report& report);
+// The first part of taking an unfinished change back: state reverting, then PutBack(). Does nothing
+// for a change that has changed nothing. Reports the items that are left, and another program that
+// keeps the lock. The interfaces of the change are restarted between the two parts.
+PutBackResult PutBackOpen(OpenChange& change, PutBackOptions options, const Device& device,
+                          Report& report);
+// The second part: state reverted, or stuck if something is left. Records the items that were put
+// back, unless all were. Removes the entry if all is back and the state cannot be written.
+void CloseTakenBack(OpenChange& change, const PutBackResult& result, Report& report);
 
 // Returns a file of the entry that was cut; empty if none.
 std::string FindCutFile(const JournalEntry& entry);

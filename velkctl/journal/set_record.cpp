@@ -6,16 +6,20 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 #include "velkctl/call/answer.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace velkctl {
 namespace {
+
+constexpr char kUnchanged[] = "set: nothing was changed";
 
 bool MayHaveEffect(const Answer& answer) {
     return answer.ok() || answer.timed_out;
@@ -38,14 +42,22 @@ SetRecord::SetRecord(const std::vector<SettingChange>& changes, int wait_seconds
       report_(report),
       lock_(JournalLock::Use::kAlone, std::max(wait_seconds, kLeastJournalWait)) {
     if (lock_.error() == EWOULDBLOCK) {
-        report_.Complain(JournalProblem("set: nothing was changed", EWOULDBLOCK));
-        is_refused_ = true;
+        Refuse(JournalProblem(kUnchanged, EWOULDBLOCK), ExitStatus::kLocked);
+        return;
+    }
+    if (const std::optional<Problem> problem = FindWaitingProblem(kUnchanged)) {
+        Refuse(*problem, ExitStatus::kWaits);
         return;
     }
     if (!lock_.is_held()) {
         GiveUp(lock_.error());
     }
     device.WatchSets(*this);
+}
+
+void SetRecord::Refuse(const Problem& problem, ExitStatus status) {
+    report_.Complain(problem);
+    refusal_ = status;
 }
 
 void SetRecord::GiveUp(int error) {

@@ -12,6 +12,7 @@
 #include "velkctl/call/watched_call.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/open_change.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/settings/setting_change.h"
 
@@ -31,8 +32,10 @@ class SetRecord final : public SetWatcher {
     SetRecord(const SetRecord&) = delete;
     SetRecord& operator=(const SetRecord&) = delete;
 
-    // True if another run of velkctl holds the journal. It is reported, and no set may be made.
-    bool is_refused() const { return is_refused_; }
+    // True if another run of velkctl holds the journal, or a change waits for its confirmation. It
+    // is reported, and no set may be made.
+    bool is_refused() const { return refusal_ != ExitStatus::kDone; }
+    ExitStatus refusal() const { return refusal_; }
 
     bool BeforeAttempt() override;
     void AfterAttempt(const Answer& answer) override;
@@ -42,6 +45,7 @@ class SetRecord final : public SetWatcher {
     void Finish();
 
   private:
+    void Refuse(const Problem& problem, ExitStatus status);
     void GiveUp(int error);
     // Returns false while another program changes settings.
     bool Begin();
@@ -55,7 +59,7 @@ class SetRecord final : public SetWatcher {
     Device& device_;
     Report& report_;
     const JournalLock lock_;
-    bool is_refused_ = false;
+    ExitStatus refusal_ = ExitStatus::kDone;
     bool is_given_up_ = false;
     bool is_finished_ = false;
     bool has_noted_ = false;          // an interrupted change before

@@ -6,17 +6,23 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <string>
 
 #include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/waiting_change.h"
 
 namespace velkctl {
 
 UnrecordedChange::UnrecordedChange(std::string_view verb, int wait_seconds, Report& report)
-    : lock_(JournalLock::Use::kShared, std::max(wait_seconds, kLeastJournalWait)),
-      is_refused_(lock_.error() == EWOULDBLOCK) {
-    if (is_refused_) {
-        report.Complain(JournalProblem(std::string(verb) + ": nothing was changed", EWOULDBLOCK));
+    : lock_(JournalLock::Use::kShared, std::max(wait_seconds, kLeastJournalWait)) {
+    const std::string message = std::string(verb) + ": nothing was changed";
+    if (const std::optional<Problem> problem = FindWaitingProblem(message)) {
+        report.Complain(*problem);
+        refusal_ = ExitStatus::kWaits;
+    } else if (lock_.error() == EWOULDBLOCK) {
+        report.Complain(JournalProblem(message, EWOULDBLOCK));
+        refusal_ = ExitStatus::kLocked;
     }
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "velkctl/journal/journal_folder.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 
 namespace velkctl {
@@ -19,12 +20,14 @@ class UnrecordedChange {
     // Waits like a plain set. `verb` begins the message about another run.
     UnrecordedChange(std::string_view verb, int wait_seconds, Report& report);
 
-    // True if another run holds the journal. It is reported, and no change may be made.
-    bool is_refused() const { return is_refused_; }
+    // True if another run holds the journal, or a change waits for its confirmation. It is
+    // reported, and no change may be made.
+    bool is_refused() const { return refusal_ != ExitStatus::kDone; }
+    ExitStatus refusal() const { return refusal_; }
 
   private:
     const JournalLock lock_;
-    const bool is_refused_;
+    ExitStatus refusal_ = ExitStatus::kDone;
 };
 
 }  // namespace velkctl

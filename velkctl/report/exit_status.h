@@ -23,6 +23,7 @@ enum class ExitStatus : int {
     kWiredLinked = 5,
     kNotHeld = 6,
     kTimedOut = 7,
+    kWaits = 8,
     kPartlyBack = 9,
 };
 
@@ -39,7 +40,7 @@ struct ExitMeaning {
     std::string_view remedy;
 };
 
-inline constexpr std::array<ExitMeaning, 9> kExitMeanings{{
+inline constexpr std::array<ExitMeaning, 10> kExitMeanings{{
     {ExitStatus::kDone, "done", "none needed"},
     {ExitStatus::kFailed, "failed, or a problem or difference was found",
      "read the message; 'velkctl doctor' looks for the cause"},
@@ -52,6 +53,8 @@ inline constexpr std::array<ExitMeaning, 9> kExitMeanings{{
      "read the likely cause in the message; 'velkctl doctor' looks for more"},
     {ExitStatus::kTimedOut, "no answer before the timeout",
      "give a longer --timeout; 'velkctl doctor' checks if the daemon answers"},
+    {ExitStatus::kWaits, "another change waits for its confirmation",
+     "'velkctl confirm' keeps it, 'velkctl revert' puts it back"},
     {ExitStatus::kPartlyBack, "a change was taken back only in part",
      "read the message; it names each setting and file that is left"},
 }};

@@ -81,6 +81,7 @@ class Report {
     bool is_verbose() const { return detail_ == Detail::kVerbose; }
     // True if a terminal may show how long a command has been waiting.
     bool shows_progress() const { return !is_json() && detail_ != Detail::kQuiet; }
+    bool shows_notes() const { return is_json() || detail_ != Detail::kQuiet; }
     void set_verb(std::string_view verb) { verb_ = verb; }
 
     // Prints a text as it is. Does nothing in JSON.

@@ -3,6 +3,7 @@
 
 // apply_verb.cpp - the verbs that change many settings as one change: apply and import.
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -11,18 +12,27 @@
 
 #include <unistd.h>
 
+#include "lib/base/paths.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/changes/apply.h"
 #include "velkctl/changes/apply_plan.h"
+#include "velkctl/changes/apply_time.h"
+#include "velkctl/changes/change_guard.h"
 #include "velkctl/changes/change_set.h"
 #include "velkctl/changes/change_words.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/journal_record.h"
 #include "velkctl/changes/restarts.h"
+#include "velkctl/cli/time_options.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/documents/settings_document.h"
+#include "velkctl/guardian/guardian_process.h"
+#include "velkctl/journal/journal_entry.h"
+#include "velkctl/journal/journal_folder.h"
+#include "velkctl/journal/journal_problem.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/preview/preview_report.h"
 #include "velkctl/preview/trial_run.h"
 #include "velkctl/report/exit_status.h"
@@ -32,13 +42,17 @@
 #include "velkctl/text/assignment.h"
 #include "velkctl/text/escaping.h"
 #include "velkctl/text/spelling.h"
+#include "velkctl/verbs/ask_to_keep.h"
 #include "velkctl/verbs/document_settings.h"
 #include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
+
+constexpr char kUnchanged[] = "apply: nothing was changed";
 
 // ---- The wanted values -------------------------------------------------------------------------
 
@@ -96,6 +110,34 @@ std::optional<RestartChoice> ReadRestart(const Invocation& invocation, Report& r
         return std::nullopt;
     }
     return choice;
+}
+
+// Returns the seconds to confirm the change, 0 for a change without a confirmation. Refuses a value
+// that is not valid and returns nothing.
+std::optional<int> ReadConfirmation(const Invocation& invocation, Report& report) {
+    if (invocation.ask && !CanAskForKey()) {
+        report.Refuse("--ask: there is no terminal; give --confirm-within and 'velkctl confirm'");
+        return std::nullopt;
+    }
+    if (invocation.ask && invocation.confirm_if) {
+        report.Refuse("--ask and --confirm-if cannot be given together; give one of them");
+        return std::nullopt;
+    }
+    if (invocation.confirm_within) {
+        return ReadWindow("--confirm-within", *invocation.confirm_within, report);
+    }
+    return invocation.ask || invocation.confirm_if ? kUsualWindow : 0;
+}
+
+struct ApplyOptions {
+    RestartChoice restart;
+    int window_seconds = 0;  // to confirm the change; 0: it needs no confirmation
+};
+
+std::optional<ApplyOptions> ReadOptions(const Invocation& invocation, Report& report) {
+    const std::optional<RestartChoice> restart = ReadRestart(invocation, report);
+    const std::optional<int> seconds = ReadConfirmation(invocation, report);
+    return restart && seconds ? std::optional(ApplyOptions{*restart, *seconds}) : std::nullopt;
 }
 
 // ---- Output ------------------------------------------------------------------------------------
@@ -157,9 +199,10 @@ std::vector<Problem> WithPlaces(const ApplyPlan& plan, const WantedValues& wante
 constexpr std::string_view kAsBefore = "all settings are as before";
 
 // Returns the state of the device for a run that a signal ends.
-std::string StateAfter(const ApplyResult& result) {
+std::string StateAfter(const ApplyResult& result, const JournalEntry& entry) {
     if (result.status == ExitStatus::kDone) {
-        return "the change is already made";
+        return entry.state == EntryState::kWaiting ? "the change waits for its confirmation"
+                                                   : "the change is already made";
     }
     return std::string(result.status == ExitStatus::kPartlyBack ? "not all is as before"
                                                                 : kAsBefore);
@@ -173,19 +216,55 @@ std::vector<Setting> SettingsIn(const ApplyPlan& plan) {
     return settings;
 }
 
-ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const Device& device,
-                    Report& report) {
+// The plan has the command that confirms the change, and its time.
+Confirmation ConfirmationOf(const ApplyPlan& plan, const Invocation& invocation,
+                            GuardianProcess& guardian) {
+    if (plan.confirm_seconds == 0) {
+        return {};
+    }
+    return {.guard = &guardian,
+            .window_seconds = plan.confirm_seconds,
+            .step_seconds = LongestTimeOf(plan, invocation.limits),
+            .is_asked = !plan.confirm_if.empty()};
+}
+
+// Reports a change that is made. One that waits is reported with the command that keeps it.
+void ReportDone(const ApplyPlan& plan, const ApplyResult& result, const JournalEntry& entry,
+                Report& report) {
+    std::string text = Summary(plan, result);
+    if (entry.state == EntryState::kWaiting) {
+        const std::string left = std::to_string(SecondsLeft(entry));
+        text.append("; keep with: velkctl confirm ").append(entry.id);
+        text.append(" (").append(left).append(" s left; a reboot puts it back too)");
+    }
+    report.Inform(WrappedAt80(text, 0) + "\n");
+}
+
+void ReportEntry(const JournalEntry& entry, Report& report) {
+    const bool waits = entry.state == EntryState::kWaiting;
+    report.Member("id", TextOrNull(entry.id));
+    report.Member("state", entry.id.empty() ? Json(nullptr) : Json(NameOf(entry.state)));
+    report.Member("seconds_left", waits ? Json(SecondsLeft(entry)) : Json(nullptr));
+}
+
+// Makes the change and ends the record of it, so that the lock is free again. Sets `entry`; it is
+// without an id if the change has none. Ends velkctl by a signal that has come meanwhile.
+ExitStatus MakeChange(const ApplyPlan& plan, const Invocation& invocation,
+                      std::optional<JournalRecord>& record, const Device& device, Report& report,
+                      JournalEntry& entry) {
     const SetNotes notes(SettingsIn(plan), device, true);
-    JournalRecord record(invocation.limits, report);
     const StopSignals signals;
-    const ApplyResult result = Apply(plan, record, invocation.limits, signals, report);
+    const ApplyResult result = Apply(plan, *record, invocation.limits, signals, report);
+    entry = record->entry();
+    record.reset();
     report.Member("restarts", RestartsInJson(result.restarts));
     report.Member("taken_back", result.is_taken_back);
+    ReportEntry(entry, report);
     if (result.status == ExitStatus::kDone) {
-        report.Inform(Summary(plan, result) + "\n");
+        ReportDone(plan, result, entry, report);
     }
     if (const int signal = signals.Pending(); signal != 0) {
-        EndInterrupted(signal, StateAfter(result), report);
+        EndInterrupted(signal, StateAfter(result, entry), report);
     }
     if (result.status == ExitStatus::kDone) {
         notes.PrintResults(SettingsIn(plan), report);
@@ -193,6 +272,17 @@ ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, const D
         report.Note(std::string(kAsBefore));
     }
     return result.status;
+}
+
+ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, JournalLock lock,
+                    const Device& device, Report& report) {
+    GuardianProcess guardian;
+    std::optional<JournalRecord> record(std::in_place, std::move(lock), invocation.limits, report,
+                                        ConfirmationOf(plan, invocation, guardian));
+    JournalEntry entry;
+    const ExitStatus status = MakeChange(plan, invocation, record, device, report, entry);
+    const bool asks = invocation.ask && entry.state == EntryState::kWaiting;
+    return asks ? AskToKeep(entry, invocation.limits, report) : status;
 }
 
 // The DHCP client of an interface that leaves dhcp is ended by velkctl itself.
@@ -221,26 +311,49 @@ ExitStatus TryPlan(const ApplyPlan& plan, const Invocation& invocation, const De
     return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
 }
 
-ExitStatus ApplyWanted(const WantedValues& wanted, const RestartChoice& choice,
-                       const Invocation& invocation, const Device& device, Report& report) {
-    const ApplyPlan plan = MakePlan(wanted.changes, choice, device);
+// `lock` is null for a dry run. Otherwise the values are compared under it: another run may take
+// its own change back meanwhile.
+ExitStatus ApplyWanted(const WantedValues& wanted, const ApplyOptions& options,
+                       const Invocation& invocation, JournalLock* lock, const Device& device,
+                       Report& report) {
+    ApplyPlan plan = MakePlan(wanted.changes, options.restart, device);
     if (!plan.problems.empty()) {
         return ReportProblems(WithPlaces(plan, wanted), plan.status, report);
     }
+    plan.confirm_if = invocation.confirm_if.value_or("");
+    plan.confirm_seconds = options.window_seconds;
     report.Member("changes", ChangesInJson(plan));
     report.Member("skipped", NamesOf(plan.skipped));
     NoteSkipped(plan, report);
     if (plan.changes.empty()) {
         report.Member("restarts", Json::array());
         report.Member("taken_back", false);
+        ReportEntry({}, report);
         report.Inform("nothing to change\n");
         return ExitStatus::kDone;
     }
     for (const Problem& note : plan.notes) {
         report.Note(note);
     }
-    return invocation.dry_run ? TryPlan(plan, invocation, device, report)
-                              : CarryOut(plan, invocation, device, report);
+    return lock == nullptr ? TryPlan(plan, invocation, device, report)
+                           : CarryOut(plan, invocation, std::move(*lock), device, report);
+}
+
+// A journal that cannot be used is found when the change begins: without a difference it is not
+// needed.
+ExitStatus ApplyUnderLock(const WantedValues& wanted, const ApplyOptions& options,
+                          const Invocation& invocation, const Device& device, Report& report) {
+    const int wait = invocation.limits.wait_seconds;
+    NoteWait(velk::kJournalLock, wait, report);
+    JournalLock lock(JournalLock::Use::kAlone, wait);
+    if (lock.error() == EWOULDBLOCK) {
+        report.Complain(LockedProblem(kUnchanged, velk::kJournalLock));
+        return ExitStatus::kLocked;
+    }
+    if (RefuseWhileOneWaits(kUnchanged, report)) {
+        return ExitStatus::kWaits;
+    }
+    return ApplyWanted(wanted, options, invocation, &lock, device, report);
 }
 
 // True for NAME=VALUE. The name of a file may have an "=" after a slash.
@@ -250,11 +363,12 @@ bool IsWordOfSetting(std::string_view word) {
 
 ExitStatus RunWith(const WantedValues& wanted, const Invocation& invocation, const Device& device,
                    Report& report) {
-    const std::optional<RestartChoice> choice = ReadRestart(invocation, report);
-    if (!choice || !wanted.problems.empty()) {
+    const std::optional<ApplyOptions> options = ReadOptions(invocation, report);
+    if (!options || !wanted.problems.empty()) {
         return ReportProblems(wanted.problems, ExitStatus::kInvalid, report);
     }
-    return ApplyWanted(wanted, *choice, invocation, device, report);
+    return invocation.dry_run ? ApplyWanted(wanted, *options, invocation, nullptr, device, report)
+                              : ApplyUnderLock(wanted, *options, invocation, device, report);
 }
 
 ExitStatus RunDocument(std::string_view verb, const Invocation& invocation, const Device& device,

@@ -245,7 +245,7 @@ ExitStatus RunCall(const Invocation& invocation, Report& report) {
         return RunCommand(command, data.data, invocation, report);
     }
     const UnrecordedChange change("call", invocation.limits.wait_seconds, report);
-    return change.is_refused() ? ExitStatus::kLocked
+    return change.is_refused() ? change.refusal()
                                : RunCommand(command, data.data, invocation, report);
 }
 

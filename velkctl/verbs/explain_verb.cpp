@@ -111,7 +111,7 @@ ExitStatus RunExplain(const Invocation& invocation, Report& report) {
     if (*code > 0 && meaning == nullptr) {
         return report.Refuse(
             "explain: " + Quoted(word) +
-            " is not an exit status; give 0 to 7 or 9, or a result, which is 0 or negative");
+            " is not an exit status; give 0 to 9, or a result, which is 0 or negative");
     }
     if (*code <= 0) {
         ExplainResult(*code, report);

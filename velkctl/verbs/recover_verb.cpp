@@ -14,16 +14,19 @@
 #include "lib/base/paths.h"
 #include "velkctl/call/device.h"
 #include "velkctl/call/library_lock.h"
+#include "velkctl/call/stop_signals.h"
 #include "velkctl/call/time_limits.h"
-#include "velkctl/changes/dhcp_end.h"
-#include "velkctl/changes/restarts.h"
+#include "velkctl/call/watched_call.h"
+#include "velkctl/changes/revert.h"
 #include "velkctl/cli/verbs.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/journal_problem.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"
+#include "velkctl/journal/waiting_change.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/verbs/journal_entries.h"
@@ -48,36 +51,35 @@ void NoteUnusable(const StoredEntry& stored, Report& report) {
     }
 }
 
-struct InterruptedEntry {
-    const StoredEntry* stored;
-    std::vector<const JournalEntry*> later;  // the finished changes after it
-};
-
 // Returns the entries to take back, the last one first: it was made on top of the others.
-std::vector<InterruptedEntry> InterruptedEntries(const JournalListing& listing, bool at_boot) {
+std::vector<const StoredEntry*> InterruptedEntries(const JournalListing& listing, bool at_boot) {
     const std::string boot_id = RunningBootId();
-    std::vector<InterruptedEntry> entries;
-    std::vector<const JournalEntry*> finished;  // the last one first
-    for (auto entry = listing.entries.rbegin(); entry != listing.entries.rend(); ++entry) {
-        const StoredEntry& stored = *entry;
-        const bool is_meant = !at_boot || stored.decoded.entry.boot_id != boot_id;
-        if (stored.is_interrupted() && is_meant) {
-            entries.push_back({&stored, {finished.rbegin(), finished.rend()}});
-        } else if (stored.is_finished()) {
-            finished.push_back(&stored.decoded.entry);
+    std::vector<const StoredEntry*> entries;
+    for (auto stored = listing.entries.rbegin(); stored != listing.entries.rend(); ++stored) {
+        const bool is_meant = !at_boot || stored->decoded.entry.boot_id != boot_id;
+        if (stored->is_interrupted() && is_meant) {
+            entries.push_back(&*stored);
         }
     }
     return entries;
 }
 
-std::string OutcomeOf(const PutBackResult& result) {
-    if (result.is_locked) {
-        return "another program is changing settings";
+// Only a change that needs a confirmation has a reason to say.
+std::string_view CauseOf(const JournalEntry& entry) {
+    if (!entry.needs_confirmation()) {
+        return "";
     }
-    if (!result.left.empty()) {
+    return entry.boot_id == RunningBootId() ? kCauseInterrupted : kCauseBoot;
+}
+
+std::string OutcomeOf(const RevertResult& result) {
+    if (result.is_locked()) {
+        return "is not put back: another program is changing settings";
+    }
+    if (!result.put_back.left.empty()) {
         return "is put back in part";
     }
-    return result.waits_for_daemon ? "waits for the wireless daemon" : "is put back";
+    return result.put_back.waits_for_daemon ? "waits for the wireless daemon" : "is put back";
 }
 
 ExitStatus StatusOf(const PutBackResult& result) {
@@ -92,36 +94,22 @@ void ReportOutcome(const JournalEntry& entry, std::string_view outcome, Report& 
                   std::string(outcome) + "\n");
 }
 
-// A trial run finds the files that the change would have left.
-void ExpectFiles(OpenChange& change, Report& report) {
-    if (const std::optional<Problem> problem = ExpectSteps(change)) {
-        report.Note(*problem);
-    }
-}
-
-// Returns the interfaces to restart after the change is taken back: all of it, or those that are
-// down. At a start of the device no interface is up yet, and none is restarted.
-std::vector<std::string> InterfacesAfter(const PutBackResult& result, const JournalEntry& entry,
-                                         bool at_boot, std::vector<std::string> down) {
-    const bool has_changed = result.is_whole() || result.has_changed;
-    return has_changed && !at_boot ? entry.restarts : std::move(down);
-}
-
-// The trial comes first: it depends on the files as they were left.
-ExitStatus PutEntryBack(OpenChange& change, PutBackOptions options, const TimeLimits& limits,
-                        const Device& device, Report& report) {
-    ExpectFiles(change, report);
-    std::vector<std::string> down;
-    if (!options.at_boot) {
-        options.first = [&] { down = EndClientsOf(change.entry(), device, report); };
-    }
-    const PutBackResult result = TakeBack(change, options, device, report);
+ExitStatus PutEntryBack(OpenChange& change, const Invocation& invocation, const Device& device,
+                        Report& report) {
+    RevertOptions options{.put_back = {.force = invocation.force, .at_boot = invocation.boot},
+                          .cause = std::string(CauseOf(change.entry())),
+                          .is_untold = invocation.boot};
+    options.put_back.lock_seconds = std::max(invocation.limits.wait_seconds, kSetSeconds);
+    NoteWait(velk::kLockFile, invocation.limits.wait_seconds, report);
+    const StopSignals signals;
+    const RevertResult result =
+        Revert(change, options, invocation.limits.wait_seconds, device, report);
     ReportOutcome(change.entry(), OutcomeOf(result), report);
-    const std::vector<std::string> interfaces =
-        InterfacesAfter(result, change.entry(), options.at_boot, std::move(down));
-    const ExitStatus restarted = RestartAll(interfaces, limits, device, report).status;
-    const ExitStatus status = StatusOf(result);
-    return status == ExitStatus::kDone ? restarted : status;
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, "change " + change.entry().id + " " + OutcomeOf(result), report);
+    }
+    const ExitStatus status = StatusOf(result.put_back);
+    return status == ExitStatus::kDone ? result.restarts.status : status;
 }
 
 ExitStatus NotClosed(const JournalEntry& entry, std::string detail, std::string remedy,
@@ -134,7 +122,10 @@ ExitStatus NotClosed(const JournalEntry& entry, std::string detail, std::string 
 
 // Closes the change as it is. The files are on disk before the entry says so.
 ExitStatus KeepEntry(OpenChange& change, Report& report) {
-    ExpectFiles(change, report);
+    // A trial run finds the files that the change would have left.
+    if (const std::optional<Problem> problem = ExpectSteps(change)) {
+        report.Note(*problem);
+    }
     if (const std::string cut = FindCutFile(change.entry()); !cut.empty()) {
         return NotClosed(change.entry(), cut + " was cut", "'velkctl recover' puts it back",
                          report);
@@ -149,34 +140,30 @@ ExitStatus KeepEntry(OpenChange& change, Report& report) {
 }
 
 // A change that was prepared has changed nothing: its interfaces stay as they are.
-ExitStatus RecoverEntry(const InterruptedEntry& interrupted, const Invocation& invocation,
+ExitStatus RecoverEntry(const StoredEntry& stored, const Invocation& invocation,
                         const Device& device, Report& report) {
-    OpenChange change(*interrupted.stored);
+    OpenChange change(stored);
     if (change.is_not_begun()) {
-        (void)TakeBack(change, {}, device, report);
+        (void)Revert(change, {}, invocation.limits.wait_seconds, device, report);
         ReportOutcome(change.entry(), "was not begun", report);
         return ExitStatus::kDone;
     }
     if (invocation.keep) {
         return KeepEntry(change, report);
     }
-    PutBackOptions options{.force = invocation.force, .at_boot = invocation.boot};
-    options.lock_seconds = std::max(invocation.limits.wait_seconds, kSetSeconds);
-    options.later = interrupted.later;
-    NoteWait(velk::kLockFile, invocation.limits.wait_seconds, report);
-    return PutEntryBack(change, options, invocation.limits, device, report);
+    return PutEntryBack(change, invocation, device, report);
 }
 
 // Returns the status of the last change that is not taken back, or kDone.
-ExitStatus RecoverEntries(const std::vector<InterruptedEntry>& entries,
+ExitStatus RecoverEntries(const std::vector<const StoredEntry*>& entries,
                           const Invocation& invocation, Report& report) {
-    const Device device(invocation.limits, report);
+    const Device device(invocation.limits, report, OnSignal::kFinishCommand);
     ExitStatus status = ExitStatus::kDone;
     Json changes = Json::array();
-    for (const InterruptedEntry& entry : entries) {
-        const ExitStatus own = RecoverEntry(entry, invocation, device, report);
+    for (const StoredEntry* entry : entries) {
+        const ExitStatus own = RecoverEntry(*entry, invocation, device, report);
         status = own == ExitStatus::kDone ? status : own;
-        changes.push_back(entry.stored->decoded.entry.id);
+        changes.push_back(entry->decoded.entry.id);
     }
     if (entries.empty()) {
         report.Inform("nothing to recover\n");

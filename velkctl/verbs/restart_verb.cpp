@@ -72,7 +72,7 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report) {
     }
     const UnrecordedChange change("restart", invocation.limits.wait_seconds, report);
     if (change.is_refused()) {
-        return ExitStatus::kLocked;
+        return change.refusal();
     }
     if (const std::string id = FindInterrupted(); !id.empty()) {
         report.Note(InterruptedProblem(id));

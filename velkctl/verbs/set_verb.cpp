@@ -23,6 +23,7 @@
 #include "velkctl/text/assignment.h"
 #include "velkctl/verbs/set_notes.h"
 #include "velkctl/verbs/setting_values.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -130,18 +131,24 @@ std::vector<MadeChange> MakeTraced(const ChangeSet& changes, ChangeOptions optio
     return made;
 }
 
-// Makes the changes, with an entry in the journal if wanted. Returns nothing if another run of
-// velkctl is changing settings; it is reported.
+// Makes the changes, with an entry in the journal if wanted. Returns nothing and sets the status if
+// another run of velkctl is changing settings, or a change waits; it is reported.
 std::vector<MadeChange> MakeRecorded(const ChangeSet& changes, const Invocation& invocation,
-                                     Device& device, Report& report) {
+                                     Device& device, Report& report, ExitStatus& refusal) {
     const ChangeOptions options{.read_back = !invocation.no_verify, .forced = invocation.force};
+    if (RefuseWhileOneWaits("set: nothing was changed", report)) {
+        refusal = ExitStatus::kWaits;
+        return {};
+    }
     if (invocation.no_journal) {
         const UnrecordedChange change("set", invocation.limits.wait_seconds, report);
+        refusal = change.refusal();
         return change.is_refused() ? std::vector<MadeChange>()
                                    : MakeTraced(changes, options, device, invocation.trace, report);
     }
     SetRecord record(changes, invocation.limits.wait_seconds, device, report);
     if (record.is_refused()) {
+        refusal = record.refusal();
         return {};
     }
     std::vector<MadeChange> made = MakeTraced(changes, options, device, invocation.trace, report);
@@ -163,9 +170,10 @@ ExitStatus RunSet(const Invocation& invocation, Report& report) {
     const bool is_single = !IsAssignment(invocation.words.front());
     const SetNotes notes(SettingsToSet(changes), device,
                          !invocation.force && !invocation.no_verify);
-    const std::vector<MadeChange> made = MakeRecorded(changes, invocation, device, report);
+    ExitStatus refusal = ExitStatus::kDone;
+    const std::vector<MadeChange> made = MakeRecorded(changes, invocation, device, report, refusal);
     if (made.empty()) {
-        return ExitStatus::kLocked;
+        return refusal;
     }
     if (is_single && made.front().is_set) {
         report.Member("setting", SettingInJson(changes.front(), made.front()));

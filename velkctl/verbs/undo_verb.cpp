@@ -13,6 +13,8 @@
 #include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/call/library_lock.h"
+#include "velkctl/call/stop_signals.h"
+#include "velkctl/call/watched_call.h"
 #include "velkctl/changes/dhcp_end.h"
 #include "velkctl/changes/restarts.h"
 #include "velkctl/cli/verbs.h"
@@ -29,6 +31,7 @@
 #include "velkctl/text/escaping.h"
 #include "velkctl/verbs/journal_entries.h"
 #include "velkctl/verbs/set_notes.h"
+#include "velkctl/verbs/waiting_entry.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
@@ -238,17 +241,42 @@ ExitStatus PutChangeBack(OpenChange& change, const JournalEntry& entry,
     PutBackOptions options = OptionsOf(entry, invocation);
     options.first = [&] { down = EndClientsOf(entry, device, report); };
     options.begun_with = &change.entry().before;
-    const PutBackResult result = PutBack(entry, std::move(options), device, report);
+    const PutBackResult result = PutBack(entry, std::move(options), device);
     if (!result.has_changed || result.has_disk_failed) {
         const ExitStatus status = Abandon(change, result, entry, report);
-        (void)RestartAll(down, invocation.limits, device, report);
+        (void)RestartAll(down, invocation.limits.wait_seconds, report);
         return status;
     }
     Close(change, result, report);
     (void)ReportLeft(result.left, report);
-    const RestartsResult restarts = RestartAll(entry.restarts, invocation.limits, device, report);
+    const RestartsResult restarts =
+        RestartAll(entry.restarts, invocation.limits.wait_seconds, report);
     ReportUndo(entry, change, result.is_whole(), restarts.restarts, report);
     return result.is_whole() ? restarts.status : ExitStatus::kPartlyBack;
+}
+
+std::string StateAfter(ExitStatus status) {
+    switch (status) {
+        case ExitStatus::kDone:
+        case ExitStatus::kNotHeld:  // an interface is not up
+            return "the change is taken back";
+        case ExitStatus::kPartlyBack:
+            return "the change is taken back in part";
+        default:
+            return "nothing was changed";
+    }
+}
+
+// A signal ends velkctl only when the interfaces are up again.
+ExitStatus PutChangeBackInPeace(OpenChange& change, const JournalEntry& entry,
+                                const Invocation& invocation, Report& report) {
+    const StopSignals signals;
+    const Device device(invocation.limits, report, OnSignal::kFinishCommand);
+    const ExitStatus status = PutChangeBack(change, entry, invocation, device, report);
+    if (const int signal = signals.Pending(); signal != 0) {
+        EndInterrupted(signal, StateAfter(status), report);
+    }
+    return status;
 }
 
 ExitStatus TakeBackEntry(const JournalEntry& recorded, const Invocation& invocation,
@@ -270,7 +298,7 @@ ExitStatus TakeBackEntry(const JournalEntry& recorded, const Invocation& invocat
     if (!change.interrupted().empty()) {
         report.Note(InterruptedProblem(change.interrupted()));
     }
-    const ExitStatus status = PutChangeBack(change, entry, invocation, device, report);
+    const ExitStatus status = PutChangeBackInPeace(change, entry, invocation, report);
     if (status == ExitStatus::kDone && change.is_begun()) {
         notes.Print(SettingsOf(entry), report);
     }
@@ -284,6 +312,9 @@ ExitStatus RunUndo(const Invocation& invocation, Report& report) {
     const JournalLock lock(JournalLock::Use::kAlone, invocation.limits.wait_seconds);
     if (!lock.is_held()) {
         return FailForJournal(lock.error(), velk::kJournalLock, report);
+    }
+    if (RefuseWhileOneWaits("undo: nothing was changed", report)) {
+        return ExitStatus::kWaits;
     }
     const JournalListing listing = ReadJournal();
     if (listing.error != 0) {

@@ -298,6 +298,25 @@ error_is 'velkctl: note: eth0.address: not applied
   its value comes from DHCP
 velkctl: note: eth0.gateway: not compared, as its value comes from DHCP'
 
+it 'compares the values when no other run can take them back any more'
+script 'velk-sandbox adapter out
+    ifup=$(readlink -f "$(command -v ifup)")
+    printf "#!/bin/sh\ncase \$0 in *ifup) ;; *) exit 0 ;; esac\n" >/tmp/ifup
+    printf "[ ! -e /tmp/slow ] || exit 0\ntouch /tmp/slow; sleep 3\n" >>/tmp/ifup
+    printf "ip address flush dev eth0; exit 1\n" >>/tmp/ifup
+    chmod +x /tmp/ifup; mount --bind /tmp/ifup "$ifup"
+    velkctl apply eth0.address=192.168.0.50 location=hall --quiet 2>/dev/null & first=$!
+    until [ -e /tmp/slow ]; do sleep .05; done
+    velkctl apply location=hall --quiet 2>&1 | sed -E "s/process [0-9]+ .*/process N/"
+    velkctl apply location=hall --wait=60 --quiet 2>&1 | sed -E "s/process [0-9]+ .*/process N/"
+    wait "$first"; echo "first: $?"; velkctl get location'
+output_is "velkctl: apply: nothing was changed
+  another program is changing settings
+  process N
+  fix: try again, or let --wait=SECONDS try again
+first: 9
+hall"
+
 # ---- diff -------------------------------------------------------------------------------------
 it 'compares two documents'
 script 'echo "{\"schema\": 1, \"settings\": {\"location\": \"a\", \"ntp\": \"on\"}}" >/tmp/a

@@ -531,11 +531,11 @@ nothing to recover'
 
 it 'recovers nothing while another program changes settings'
 script 'velkctl set eth0.address 192.168.0.77; interrupt
-    flock /var/tmp/vklib_lock velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ a/change ID of TIME a/"
+    flock /var/tmp/vklib_lock velkctl recover | sed -E "s/change .{4} of [-0-9: ]+ is/change ID of TIME is/"
     flock /var/tmp/vklib_lock velkctl undo; flock $journal/lock velkctl recover; echo "status $?"
     velkctl recover --quiet; velkctl get eth0.address'
 error_has 'flock, 0 seconds old'
-output_is 'change ID of TIME another program is changing settings
+output_is 'change ID of TIME is not put back: another program is changing settings
 status 3
 192.168.0.10'
 
@@ -596,6 +596,25 @@ output_is 'status 9
 static
 ifdown eth0
 ifup eth0'
+
+it 'restarts the interfaces in spite of a signal and of --timeout'
+script 'velk-sandbox adapter out; velkctl set eth0.address 192.168.0.77 --quiet; with_restart
+    ifup=$(readlink -f "$(command -v ifup)"); cp "$ifup" /tmp/own-ifup
+    printf "#!/bin/sh\ncase \$0 in *ifup) touch /tmp/slow; sleep 2 ;; esac\n" >/tmp/ifup
+    echo "exec -a \"\$0\" /tmp/own-ifup \"\$@\"" >>/tmp/ifup
+    sed -i "1s/sh/bash/" /tmp/ifup; chmod +x /tmp/ifup; mount --bind /tmp/ifup "$ifup"
+    velkctl undo --quiet & undo=$!
+    until [ -e /tmp/slow ]; do sleep .05; done
+    kill -TERM "$undo"; wait "$undo"; echo "status $?"; velkctl get eth0.address
+    rm /tmp/slow; velkctl undo --quiet --timeout 1; echo "status $?"; velkctl get eth0.address
+    ip -brief address show dev eth0 | tr -s " " | cut -d " " -f 3; velkctl recover'
+error_has 'velkctl: interrupted; the change is taken back'
+output_is 'status 143
+192.168.0.10
+status 0
+192.168.0.77
+192.168.0.77/24
+nothing to recover'
 
 it 'restarts an interface if a part is put back'
 script 'velk-sandbox adapter out; velkctl set eth0.address=192.168.0.77 location=ours --quiet --no-verify

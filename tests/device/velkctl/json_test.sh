@@ -323,13 +323,13 @@ END
 it 'answers with a document when no adapter is attached'
 answers <<'END'
 !velk-sandbox adapter out
-0 apply eth0.gateway=none location=here -> changes skipped restarts taken_back
-0 apply location=here -> changes skipped restarts taken_back
+0 apply eth0.gateway=none location=here -> changes skipped restarts taken_back id state seconds_left
+0 apply location=here -> changes skipped restarts taken_back id state seconds_left
 4 apply eth1.ssid=lab -> nothing; eth1.ssid LIB_VELK_FAILURE
 0 export -> document unread
 !velkctl export --quiet >/tmp/net.json; velkctl set location there
 6 diff /tmp/net.json -> differences
-0 import /tmp/net.json -> changes skipped restarts taken_back
+0 import /tmp/net.json -> changes skipped restarts taken_back id state seconds_left
 0 diff /tmp/net.json -> differences
 4 get eth1.mac-address -> settings; eth1.mac-address LIB_VELK_NO_ADAPTER
 4 get eth1.signal eth1.rate eth0.dns -> settings; eth1.signal LIB_VELK_NO_ADAPTER; eth1.rate LIB_VELK_NO_ADAPTER
@@ -409,6 +409,10 @@ status
 doctor
 selftest
 capture
+confirm
+extend
+revert
+pending
 undo
 history
 recover
@@ -444,7 +448,7 @@ wrong = [
     {**base, "verb": "doctor", "findings": [{"severity": "bad"}]},
     {**base, "verb": "call", "result": {"code": 0}},
     {**base, "verb": "explain", "result": {"code": 0, "name": "", "description": ""}},
-    {**base, "verb": None, "status": 8},
+    {**base, "verb": None, "status": 10},
     {**base, "verb": None, "schema": 1},
     {"verb": None},
 ]

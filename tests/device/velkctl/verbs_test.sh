@@ -369,7 +369,7 @@ explained nothing "'nothing' $neither; give a number such as -3 or 3, or a name 
 explained '' "'' $neither; give a number such as -3 or 3, or a name such as LOCKED"
 explained LOKED "'LOKED' $neither; did you mean LOCKED?"
 explained lib_velk_failure "'lib_velk_failure' $neither; did you mean LIB_VELK_FAILURE?"
-explained 8 "'8' is not an exit status; give 0 to 7 or 9, or a result, which is 0 or negative"
+explained 10 "'10' is not an exit status; give 0 to 9, or a result, which is 0 or negative"
 
 # ---- wrong usage ------------------------------------------------------------------------------
 # Checks that velkctl refuses these arguments with this message and prints nothing else.

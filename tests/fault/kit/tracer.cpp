@@ -32,8 +32,9 @@ namespace fault {
 namespace {
 
 constexpr int kSystemCallStop = SIGTRAP | 0x80;  // as PTRACE_O_TRACESYSGOOD marks it
-constexpr long kOptions = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
-                          PTRACE_O_TRACECLONE | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL;
+constexpr long kOptionsOfOne = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL;
+constexpr long kOptions =
+    kOptionsOfOne | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK | PTRACE_O_TRACECLONE;
 
 // Calls that concern the calling process alone: memory, signals, queries.
 constexpr std::array kPrivateCalls{
@@ -202,6 +203,7 @@ struct Interruption {
     std::function<void()> act{};
     WriteFault fault{};
     CallWatcher watcher{};
+    Traced traced = Traced::kAll;
 };
 
 class Follower {
@@ -214,7 +216,8 @@ class Follower {
           fault_(interruption.fault),
           watcher_(interruption.watcher),
           processes_{first} {
-        if (ptrace(PTRACE_SETOPTIONS, first, nullptr, kOptions) == -1) {
+        const long options = interruption.traced == Traced::kAll ? kOptions : kOptionsOfOne;
+        if (ptrace(PTRACE_SETOPTIONS, first, nullptr, options) == -1) {
             Fail("PTRACE_SETOPTIONS");
         }
         Continue(first, 0);
@@ -359,8 +362,8 @@ TracedRun Run(const std::function<int()>& work, const Interruption& interruption
 
 }  // namespace
 
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at) {
-    return Run(work, {.at = cut_at});
+TracedRun RunTraced(const std::function<int()>& work, size_t cut_at, Traced traced) {
+    return Run(work, {.at = cut_at, .traced = traced});
 }
 
 TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watcher) {

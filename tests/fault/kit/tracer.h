@@ -38,11 +38,17 @@ struct TracedRun {
     std::set<std::string> programs;
 };
 
+enum class Traced {
+    kAll,       // the process and all it starts
+    kFirstOnly  // the processes that it starts go on after a cut
+};
+
 // Runs `work` in a child process with the child's own descriptors and memory. With `cut_at`, the
 // child and all its descendants are killed right before the system call with that number (from 1),
 // as a power cut would; 0 lets them run to their end. Throws std::system_error if processes cannot
 // be traced.
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at = 0);
+TracedRun RunTraced(const std::function<int()>& work, size_t cut_at = 0,
+                    Traced traced = Traced::kAll);
 
 // A system call that has just returned. The process waits until its watcher returns.
 struct ReturnedCall {

@@ -24,10 +24,13 @@ else
 LIBVELK_CONF_OPTS += -DVELK_TOOLS=OFF
 endif
 
-# The lock file is made before any other user's program runs.
+# The lock file is made before any other user's program runs. Interrupted changes are taken back before
+# networking; run "velk-recover wireless" after the start of the wireless daemon.
 define LIBVELK_INSTALL_INIT_SYSV
 	$(INSTALL) -D -m 0755 $(@D)/packaging/init.d/velk-lock \
 		$(TARGET_DIR)/etc/init.d/S02velk-lock
+	$(INSTALL) -D -m 0755 $(@D)/packaging/init.d/velk-recover \
+		$(TARGET_DIR)/etc/init.d/S03velk-recover
 endef
 
 $(eval $(cmake-package))

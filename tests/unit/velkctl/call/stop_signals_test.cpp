@@ -40,6 +40,22 @@ TEST(StopSignalsDeathTest, APendingSignalEndsTheProcessAtTheEndOfTheScope) {
     }
 }
 
+TEST(StopSignalsDeathTest, NoSignalEndsAProcessThatIgnoresThem) {
+    const auto ignore = [] {
+        velkctl::IgnoreStopSignals();
+        const StopSignals signals;
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+            (void)raise(signal);
+        }
+        if (signals.Pending() != 0) {
+            _exit(1);
+        }
+        // A program that it starts gets them as usual.
+        (void)execl("/bin/sh", "sh", "-c", "kill -TERM $$", nullptr);
+    };
+    EXPECT_EXIT(ignore(), testing::KilledBySignal(SIGTERM), "");
+}
+
 TEST(StopSignalsDeathTest, AnIgnoredSignalStaysIgnored) {
     const auto ignore = [] {
         (void)signal(SIGHUP, SIG_IGN);

@@ -4,6 +4,7 @@
 // Changes that are made as one and taken back as one.
 #include "velkctl/changes/apply.h"
 
+#include <chrono>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -60,6 +61,7 @@ class NotingRecord final : public velkctl::ChangeRecord {
         (void)Note("take back");
         return ExitStatus::kFailed;
     }
+    void FinishTakeBack() override { (void)Note("finish take back"); }
 
     std::vector<std::string> calls;
 
@@ -134,15 +136,18 @@ TEST_F(ApplyTest, TakesBackAfterEachStepThatFails) {
     const ApplyResult result = Run(plan, of_step);
     EXPECT_EQ(result.status, ExitStatus::kFailed) << "there is no crontab";
     EXPECT_TRUE(result.is_taken_back);
-    EXPECT_THAT(of_step.calls, ElementsAre("begin 2 0", "step", "step", "take back"));
+    EXPECT_THAT(of_step.calls,
+                ElementsAre("begin 2 0", "step", "step", "take back", "finish take back"));
 
     NotingRecord of_flush("flush");
     EXPECT_TRUE(Run(Plan({{"eth0.address", "192.168.0.12"}}), of_flush).is_taken_back);
-    EXPECT_THAT(of_flush.calls, ElementsAre("begin 1 0", "step", "flush", "take back"));
+    EXPECT_THAT(of_flush.calls,
+                ElementsAre("begin 1 0", "step", "flush", "take back", "finish take back"));
 
     NotingRecord of_end("finish");
     EXPECT_TRUE(Run(Plan({{"eth0.address", "192.168.0.13"}}), of_end).is_taken_back);
-    EXPECT_THAT(of_end.calls, ElementsAre("begin 1 0", "step", "flush", "finish", "take back"));
+    EXPECT_THAT(of_end.calls, ElementsAre("begin 1 0", "step", "flush", "finish", "take back",
+                                          "finish take back"));
 }
 
 // ---- Taking back -------------------------------------------------------------------------------
@@ -164,6 +169,7 @@ class InterruptedRecord final : public velkctl::ChangeRecord {
         const Answer answer = with.Set(*FindSetting("eth0.address"), DataOf("192.168.0.10"));
         return answer.ok() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
     }
+    void FinishTakeBack() override {}
 
     int steps = 0;
 };
@@ -177,6 +183,18 @@ TEST_F(ApplyTest, TakesBackAfterASignal) {
     EXPECT_EQ(result.status, ExitStatus::kFailed) << "the signal ends no set of the taking back";
     EXPECT_EQ(error, "velkctl: note: interrupted; the old state is being put back\n");
     EXPECT_NE(ReadFile(kInterfaces).find("192.168.0.10"), std::string::npos);
+}
+
+// The command is in a process group of its own: Ctrl-C does not reach it.
+TEST_F(ApplyTest, EndsTheCommandThatConfirmsAfterASignal) {
+    ApplyPlan plan = Plan({{"eth0.address", "192.168.0.11"}});
+    plan.confirm_if = "kill -TERM $PPID; sleep 60";
+    plan.confirm_seconds = 60;
+    NotingRecord record;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(Run(plan, record).is_taken_back);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_EQ(error, "velkctl: note: interrupted; the old state is being put back\n");
 }
 
 // Each tool of a restart takes longer than the limit.
@@ -205,7 +223,7 @@ TEST_F(ApplyTest, NamesAnInterfaceThatItCannotRestartAgain) {
     EXPECT_EQ(result.status, ExitStatus::kPartlyBack);
     ASSERT_EQ(result.restarts.size(), 1U) << error;
     EXPECT_TRUE(result.restarts[0].state.is_null()) << "the library has refused the restart";
-    EXPECT_EQ(record.calls.back(), "take back");
+    EXPECT_EQ(record.calls.back(), "finish take back");
     EXPECT_NE(error.find("velkctl: eth1: could not be restarted after the change was taken back\n"),
               std::string::npos)
         << error;
@@ -226,6 +244,7 @@ class ForeignSet final : public velkctl::ChangeRecord {
     }
     std::optional<Problem> Finish() override { return std::nullopt; }
     ExitStatus TakeBack(const Device&, Report&) override { return ExitStatus::kFailed; }
+    void FinishTakeBack() override {}
 };
 
 // Another program sets the value after the record has begun.
@@ -240,6 +259,7 @@ class EarlyForeignSet final : public velkctl::ChangeRecord {
     std::optional<Problem> Flush() override { return std::nullopt; }
     std::optional<Problem> Finish() override { return std::nullopt; }
     ExitStatus TakeBack(const Device&, Report&) override { return ExitStatus::kPartlyBack; }
+    void FinishTakeBack() override {}
 };
 
 TEST_F(ApplyTest, ReplacesNoValueThatAnotherProgramHasSetSinceItBegan) {

@@ -142,6 +142,7 @@ TEST_F(JournalRecordTest, PutsBackTheStepsThatWereMade) {
     record->StepMade();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
     EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "\tgateway 192.168.0.7\n");
+    record->FinishTakeBack();
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
@@ -151,6 +152,8 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
     record->StepMade();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
     EXPECT_EQ(ReadFile(kInterfaces), kText);
+    EXPECT_EQ(Stored().state, EntryState::kReverting) << "the restarts come before its end";
+    record->FinishTakeBack();
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
@@ -182,6 +185,7 @@ TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
               "  it was set since, to '192.168.0.3'\n"
               "  saved value: '192.168.0.1'; file: /etc/network/interfaces\n"
               "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
+    record->FinishTakeBack();
     EXPECT_EQ(Stored().state, EntryState::kStuck);
 }
 

@@ -17,11 +17,10 @@ using velkctl::RestartsResult;
 class RestartsTest : public testkit::DeviceTest {
   protected:
     velkctl::Report report{velkctl::Report::Form::kText};
-    const velkctl::Device device{{}, report};
 };
 
 TEST_F(RestartsTest, AreNoneWithoutAnInterface) {
-    const RestartsResult result = RestartAll({}, {}, device, report);
+    const RestartsResult result = RestartAll({}, 0, report);
     EXPECT_EQ(result.status, ExitStatus::kDone);
     EXPECT_EQ(velkctl::RestartedText(result.restarts), "");
     EXPECT_EQ(velkctl::RestartsInJson(result.restarts).dump(), "[]");
@@ -29,7 +28,7 @@ TEST_F(RestartsTest, AreNoneWithoutAnInterface) {
 
 TEST_F(RestartsTest, ReportAnInterfaceThatCannotBeRestarted) {
     testing::internal::CaptureStderr();
-    const RestartsResult result = RestartAll({"eth2"}, {}, device, report);
+    const RestartsResult result = RestartAll({"eth2"}, 0, report);
     const std::string error = testing::internal::GetCapturedStderr();
     EXPECT_EQ(result.status, ExitStatus::kInvalid);
     EXPECT_TRUE(error.starts_with("velkctl: eth2: could not be restarted\n")) << error;
@@ -40,7 +39,7 @@ TEST_F(RestartsTest, ReportAnInterfaceThatCannotBeRestarted) {
 // The library reports success for a restart without its tools.
 TEST_F(RestartsTest, ReportAnInterfaceThatDidNotComeUp) {
     testing::internal::CaptureStderr();
-    const RestartsResult result = RestartAll({"eth0"}, {.timeout_seconds = 1}, device, report);
+    const RestartsResult result = RestartAll({"eth0"}, 0, report);
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(result.status, ExitStatus::kNotHeld);
 }
@@ -48,6 +47,8 @@ TEST_F(RestartsTest, ReportAnInterfaceThatDidNotComeUp) {
 TEST_F(RestartsTest, AreNamedWithTheirTimes) {
     EXPECT_EQ(velkctl::RestartedText({{"eth0", 12, {}}, {"eth1", 3, {}}}),
               ", restarted eth0 (12 s), restarted eth1 (3 s)");
+    EXPECT_EQ(velkctl::RestartedText({{"eth0", 12, {}, true}, {"eth1", 3, {}}}),
+              ", restarted eth1 (3 s)");
 }
 
 }  // namespace

@@ -89,6 +89,7 @@ TEST_F(CommandLine, ShowsItsOwnHelpAtAnyPlace) {
               "\n");
     EXPECT_EQ(help.substr(help.find("  7 ")),
               "  7         no answer before the timeout\n"
+              "  8         another change waits for its confirmation\n"
               "  9         a change was taken back only in part\n"
               "\n"
               "Examples:\n"

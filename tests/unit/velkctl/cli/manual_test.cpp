@@ -143,10 +143,11 @@ TEST(Manual, NamesNoUnknownOption) {
 }
 
 TEST(Manual, ExplainsEveryExitStatus) {
-    constexpr std::array kStatuses{
-        ExitStatus::kDone,    ExitStatus::kFailed,    ExitStatus::kInvalid,
-        ExitStatus::kLocked,  ExitStatus::kNoAdapter, ExitStatus::kWiredLinked,
-        ExitStatus::kNotHeld, ExitStatus::kTimedOut,  ExitStatus::kPartlyBack};
+    constexpr std::array kStatuses{ExitStatus::kDone,      ExitStatus::kFailed,
+                                   ExitStatus::kInvalid,   ExitStatus::kLocked,
+                                   ExitStatus::kNoAdapter, ExitStatus::kWiredLinked,
+                                   ExitStatus::kNotHeld,   ExitStatus::kTimedOut,
+                                   ExitStatus::kWaits,     ExitStatus::kPartlyBack};
     std::vector<std::string> expected;
     expected.reserve(kStatuses.size());
     for (const ExitStatus status : kStatuses) {

@@ -75,4 +75,13 @@ TEST_F(ToolRunTest, KillsAToolThatDoesNotEnd) {
     EXPECT_EQ(run.output, "begun\n");
 }
 
+TEST_F(ToolRunTest, KillsAToolThatMustNotGoOn) {
+    WriteTool("/tmp/velk-tool", "sleep 100\n");
+    int looks = 0;
+    const ToolRun run =
+        RunTool({"/tmp/velk-tool"}, std::chrono::seconds(60), [&] { return ++looks == 3; });
+    EXPECT_FALSE(run.ended);
+    EXPECT_EQ(looks, 3);
+}
+
 }  // namespace

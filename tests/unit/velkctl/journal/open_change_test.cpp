@@ -4,6 +4,7 @@
 // The journal entry of a change that is under way.
 #include "velkctl/journal/open_change.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "velkctl/files/boot_clock.h"
 #include "velkctl/journal/put_back.h"
 
 namespace {
@@ -75,6 +77,20 @@ TEST_F(OpenChangeTest, KeepsFilesAndValuesFromBefore) {
     ASSERT_EQ(entry.before.size(), 1U);
     EXPECT_EQ(entry.before[0].path, kInterfaces);
     EXPECT_EQ(entry.before[0].bytes, kText);
+}
+
+TEST_F(OpenChangeTest, KeepsTheServersThatALeaseReplaces) {
+    velkctl::ChangePlan plan{.steps =
+                                 velkctl::JournalSteps({{*FindSetting("eth0.method"), Data{}}})};
+    OpenChange without_restart;
+    ASSERT_EQ(without_restart.Begin(plan, device), 0);
+    EXPECT_EQ(
+        std::ranges::count(Stored().before, testkit::kResolverFile, &velkctl::FileImage::path), 0);
+    plan.restarts = {"eth0"};
+    OpenChange change;
+    ASSERT_EQ(change.Begin(plan, device), 0);
+    EXPECT_EQ(
+        std::ranges::count(Stored().before, testkit::kResolverFile, &velkctl::FileImage::path), 1);
 }
 
 TEST_F(OpenChangeTest, KnowsNoOldAddressOfALease) {
@@ -193,7 +209,8 @@ class TakeBackTest : public OpenChangeTest {
     PutBackResult TakeBackLast(velkctl::PutBackOptions options = {}) {
         OpenChange change(ReadJournal().entries.back());
         testing::internal::CaptureStderr();
-        PutBackResult result = TakeBack(change, options, device, report);
+        PutBackResult result = PutBackOpen(change, options, device, report);
+        CloseTakenBack(change, result, report);
         error = testing::internal::GetCapturedStderr();
         return result;
     }
@@ -348,7 +365,7 @@ TEST_F(OpenChangeTest, KeepsTheLogThatASetOfNtpRemoves) {
     EXPECT_EQ(Stored().before.back().bytes, "adjust\n");
     ASSERT_EQ(unlink(testkit::kNtpLog), 0);
     ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
-    EXPECT_TRUE(TakeBack(change, {}, device, report).is_whole());
+    EXPECT_TRUE(PutBackOpen(change, {}, device, report).is_whole());
     EXPECT_EQ(ReadFile(testkit::kNtpLog), "adjust\n");
 }
 

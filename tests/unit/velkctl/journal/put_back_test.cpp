@@ -67,7 +67,7 @@ class PutBackTest : public testkit::DeviceTest {
         return CompareFile(velkctl::ReadFileImage(kInterfaces), entry);
     }
     PutBackResult Run(const JournalEntry& entry, PutBackOptions options = {}) {
-        return PutBack(entry, options, device, report);
+        return PutBack(entry, options, device);
     }
     static std::vector<std::string> Texts(const std::vector<velkctl::Problem>& problems) {
         std::vector<std::string> texts;
@@ -418,14 +418,6 @@ TEST_F(PutBackTest, DoesNothingWhileAnotherProgramChangesSettings) {
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2"));
 }
 
-TEST_F(PutBackTest, NamesRecoverAfterASignal) {
-    WriteFile(kInterfaces, TextWith("192.168.0.2"));
-    libc().OnCall(testkit::Call::kWrite, [](const testkit::Event&) { (void)raise(SIGINT); });
-    EXPECT_EXIT((void)Run(Change()), testing::KilledBySignal(SIGINT),
-                "velkctl: interrupted; 'velkctl recover' takes the change back\n");
-    EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.1"));
-}
-
 TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
     JournalEntry entry;
     entry.steps = {{*FindSetting("eth1.ssid"), DataOf("new"), DataOf("old")},
@@ -435,6 +427,15 @@ TEST_F(PutBackTest, LeavesTheValuesOfTheDaemonToALaterRun) {
     EXPECT_FALSE(result.is_whole());
     EXPECT_TRUE(result.left.empty());
     EXPECT_EQ(Run(entry).left.size(), 2U) << "no daemon runs";
+}
+
+TEST_F(PutBackTest, LeavesAValueThatThePortHasLostAtAStart) {
+    JournalEntry entry;
+    entry.boot_id = "of another start";
+    entry.steps = {
+        {*FindSetting("eth0.link-speed"), Data{VELK_LINK_100_FULL}, Data{VELK_LINK_10_FULL}}};
+    EXPECT_TRUE(Run(entry).is_whole());
+    EXPECT_FALSE(Run(entry, {.force = true}).is_whole()) << "no port is there";
 }
 
 TEST_F(PutBackTest, RestartsTheSnmpAgentAfterItsFileIsPutBack) {

@@ -3,6 +3,7 @@
 
 // The verb that takes back a finished change, where the journal or the library's lock fails.
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -151,6 +152,18 @@ TEST_F(UndoVerbTest, StaysOpenIfAFileCannotBeWritten) {
     EXPECT_EQ(ReadFile(kInterfaces), kNewText);
     EXPECT_EQ(Undo(), ExitStatus::kDone);
     EXPECT_EQ(ReadFile(kInterfaces), kText);
+}
+
+TEST_F(UndoVerbTest, IsFinishedBeforeASignalEndsIt) {
+    libc().OnCall(Call::kOpen, [](const Event& event) {
+        if (event.text == kInterfaces && (event.number & O_ACCMODE) != O_RDONLY) {
+            (void)raise(SIGINT);
+        }
+    });
+    EXPECT_EXIT((void)RunUndo({}, report), testing::KilledBySignal(SIGINT),
+                "velkctl: interrupted; the change is taken back\n");
+    EXPECT_EQ(ReadFile(kInterfaces), kText);
+    EXPECT_EQ(ReadJournal().entries.back().decoded.entry.state, EntryState::kDone);
 }
 
 // With a line of another program the value is set in a copy first, not the file written at once.

@@ -14,7 +14,7 @@ PACKAGECONFIG[tools] = "-DVELK_TOOLS=ON,-DVELK_TOOLS=OFF,nlohmann-json"
 EXTRA_OECMAKE = "-DBUILD_TESTING=OFF -DVELK_SANDBOX=OFF -DVELK_CCACHE=OFF -DCMAKE_SKIP_INSTALL_RPATH=ON"
 
 PACKAGES =+ "velk-tools"
-FILES:velk-tools = "${bindir}/velkctl ${datadir}/bash-completion ${datadir}/zsh"
+FILES:velk-tools = "${bindir}/velkctl ${datadir}/bash-completion ${datadir}/zsh ${nonarch_libdir}/systemd"
 FILES:${PN} += "${nonarch_libdir}/tmpfiles.d ${datadir}/velk"
 
 # The library runs them.
