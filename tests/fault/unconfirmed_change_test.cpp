@@ -276,6 +276,34 @@ TEST_F(UnconfirmedChange, IsPutBackIfItsRunHangs) {
     }
 }
 
+// Returns the number of times that the process has gone to sleep, or was made to.
+std::string SwitchesOf(pid_t process) {
+    const std::string status = testkit::ReadFile("/proc/" + std::to_string(process) + "/status");
+    return status.substr(std::min(status.find("voluntary_ctxt_switches"), status.size()));
+}
+
+// A run that could not end its steps in time takes its change back: restarts take minutes.
+TEST_F(UnconfirmedChange, IsLeftToARunThatTakesItBack) {
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    std::optional<GuardianProcess> guardian(std::in_place, VELKCTL);
+    ASSERT_NO_FATAL_FAILURE(MakeWaitingChange(device, kWindow * 1000, &*guardian));
+    {
+        OpenChange change(ReadJournal().entries.back());
+        ASSERT_EQ(change.Advance(EntryState::kReverting), 0);
+        change.RecordWindow({kWindow, MillisecondsSinceBoot() - 1});
+        ASSERT_EQ(change.Sync(), 0);
+    }
+    (void)poll(nullptr, 0, 300);
+    const std::string before = SwitchesOf(facts_.guardian);
+    (void)poll(nullptr, 0, 1000);
+    EXPECT_EQ(SwitchesOf(facts_.guardian), before) << "it sleeps";
+    EXPECT_EQ(StoredState(), EntryState::kReverting);
+    guardian.reset();  // the run ends
+    EXPECT_TRUE(Soon([] { return StoredState() == EntryState::kReverted; }));
+    AwaitEnd(facts_.keeper);
+}
+
 // ---- A step fails ------------------------------------------------------------------------------
 
 // Has another program hold the library's lock from the set with this number on, from 1, until the
