@@ -4,6 +4,7 @@
 // A change that must be confirmed: its run is killed at each system call, the disk is full at each
 // write, the power is cut while it is put back at a start, and the confirmation meets the deadline.
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -24,8 +25,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "fault/kit/changes.h"
 #include "fault/kit/scene.h"
 #include "fault/kit/tracer.h"
+#include "lib/base/paths.h"
 #include "support/device_test.h"
 #include "support/mounted.h"
 #include "support/paths.h"
@@ -57,19 +60,12 @@ using velkctl::MillisecondsSinceBoot;
 using velkctl::OpenChange;
 using velkctl::ReadJournal;
 using velkctl::Report;
-using velkctl::SettingChange;
 
 constexpr int kWindow = 600;
 constexpr char kBootIdFile[] = "/proc/sys/kernel/random/boot_id";
 constexpr char kOtherBootId[] = "/tmp/boot_id";
 
-SettingChange ChangeTo(const char* name, std::string_view text) {
-    SettingChange change{*FindSetting(name), {}};
-    text.copy(change.value.data(), change.value.size());
-    return change;
-}
-
-ChangeSet Changes() {
+ChangeSet SomeChanges() {
     return {ChangeTo("eth0.address", "10.1.2.3"), ChangeTo("eth0.gateway", "10.1.2.4"),
             ChangeTo("eth0.dns", "10.1.2.5")};
 }
@@ -83,7 +79,7 @@ int Apply(Device& tools, const std::string& path) {
     GuardianProcess guardian(VELKCTL);
     velkctl::JournalRecord record(
         {}, report, {.guard = &guardian, .window_seconds = kWindow, .step_seconds = kWindow});
-    const velkctl::ApplyPlan plan = MakePlan(Changes(), {.is_automatic = false}, device);
+    const velkctl::ApplyPlan plan = MakePlan(SomeChanges(), {.is_automatic = false}, device);
     const velkctl::StopSignals signals;
     return static_cast<int>(velkctl::Apply(plan, record, {}, signals, report).status);
 }
@@ -96,6 +92,11 @@ std::optional<JournalEntry> Stored() {
 EntryState StoredState() {
     const std::optional<JournalEntry> entry = Stored();
     return entry ? entry->state : EntryState::kDone;
+}
+
+// True if nobody is at work on a change of this state.
+bool IsSettled(EntryState state) {
+    return state != EntryState::kApplying && state != EntryState::kReverting;
 }
 
 // The note of the last address is in /tmp, and lost at a start.
@@ -126,6 +127,17 @@ bool Soon(const Condition& condition) {
     return condition();
 }
 
+// Returns the exit status of the work in a process of its own.
+int InChild(const Work& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(work());
+    }
+    int status = 0;
+    (void)waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 void AwaitEnd(pid_t process) {
     int status = 0;
     (void)waitpid(process, &status, 0);
@@ -141,11 +153,11 @@ class UnconfirmedChange : public testkit::DeviceTest {
         ASSERT_TRUE(JournalLock(JournalLock::Use::kAlone, 0).is_held());
         OpenChange change;
         ASSERT_EQ(change.Begin({.kind = velkctl::EntryKind::kApply,
-                                .steps = velkctl::JournalSteps({Changes().front()})},
+                                .steps = velkctl::JournalSteps({SomeChanges().front()})},
                                device_),
                   0);
         ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
-        ASSERT_TRUE(device_.Set(Changes().front().setting, Changes().front().value).ok());
+        ASSERT_TRUE(device_.Set(SomeChanges().front().setting, SomeChanges().front().value).ok());
         ASSERT_EQ(change.RecordFiles(), 0);
         change.RecordWindow({kWindow, MillisecondsSinceBoot() + kWindow * 1000});
         if (guardian != nullptr) {
@@ -174,6 +186,7 @@ class UnconfirmedChange : public testkit::DeviceTest {
     void MeetDeadline(int count);
     void MeetDeadlineOnce(int64_t microseconds);
     TracedRun CutRecover(size_t at);
+    void FailWrite(const WriteFault& fault, const Files& before, const Files& after);
     void CutRecovers(size_t most);
 
     const std::string path_ = PathWithHarmlessSudo();
@@ -197,11 +210,7 @@ void UnconfirmedChange::KillRun(size_t at, const Files& before, const Files& aft
     Device device{Scene{}};
     const TracedRun run = RunTraced([&] { return Apply(device, path_); }, at, Traced::kFirstOnly);
     missed_ += run.was_cut ? 0 : 1;
-    const auto is_settled = [] {
-        const EntryState state = StoredState();
-        return state != EntryState::kApplying && state != EntryState::kReverting;
-    };
-    EXPECT_TRUE(Soon(is_settled)) << NameOf(StoredState());
+    EXPECT_TRUE(Soon([] { return IsSettled(StoredState()); })) << NameOf(StoredState());
     const bool waits = StoredState() == EntryState::kWaiting;
     EXPECT_EQ(Differences(waits ? after : before), "");
     waiting_ += waits ? 1 : 0;
@@ -241,15 +250,15 @@ void UnconfirmedChange::Hang(int64_t milliseconds, bool ignores_sigterm) {
     (void)signal(SIGTERM, ignores_sigterm ? SIG_IGN : SIG_DFL);
     const JournalLock lock(JournalLock::Use::kAlone, 0);
     OpenChange change;
-    (void)change.Begin(
-        {.kind = velkctl::EntryKind::kApply, .steps = velkctl::JournalSteps({Changes().front()})},
-        device_);
+    (void)change.Begin({.kind = velkctl::EntryKind::kApply,
+                        .steps = velkctl::JournalSteps({SomeChanges().front()})},
+                       device_);
     change.RecordWindow({kWindow, MillisecondsSinceBoot() + milliseconds});
     GuardianProcess guardian(VELKCTL);
     GuardianFacts facts;
     (void)guardian.Start(change.entry().id, facts);
     (void)change.Advance(EntryState::kApplying);
-    (void)device_.Set(Changes().front().setting, Changes().front().value);
+    (void)device_.Set(SomeChanges().front().setting, SomeChanges().front().value);
     (void)change.RecordFiles();
     (void)raise(SIGSTOP);  // as Ctrl-Z at a terminal does
     for (;;) {
@@ -276,6 +285,34 @@ TEST_F(UnconfirmedChange, IsPutBackIfItsRunHangs) {
     }
 }
 
+// Returns the number of times that the process has gone to sleep, or was made to.
+std::string SwitchesOf(pid_t process) {
+    const std::string status = testkit::ReadFile("/proc/" + std::to_string(process) + "/status");
+    return status.substr(std::min(status.find("voluntary_ctxt_switches"), status.size()));
+}
+
+// A run that could not end its steps in time takes its change back: restarts take minutes.
+TEST_F(UnconfirmedChange, IsLeftToARunThatTakesItBack) {
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    std::optional<GuardianProcess> guardian(std::in_place, VELKCTL);
+    ASSERT_NO_FATAL_FAILURE(MakeWaitingChange(device, kWindow * 1000, &*guardian));
+    {
+        OpenChange change(ReadJournal().entries.back());
+        ASSERT_EQ(change.Advance(EntryState::kReverting), 0);
+        change.RecordWindow({kWindow, MillisecondsSinceBoot() - 1});
+        ASSERT_EQ(change.Sync(), 0);
+    }
+    (void)poll(nullptr, 0, 300);
+    const std::string before = SwitchesOf(facts_.guardian);
+    (void)poll(nullptr, 0, 1000);
+    EXPECT_EQ(SwitchesOf(facts_.guardian), before) << "it sleeps";
+    EXPECT_EQ(StoredState(), EntryState::kReverting);
+    guardian.reset();  // the run ends
+    EXPECT_TRUE(Soon([] { return StoredState() == EntryState::kReverted; }));
+    AwaitEnd(facts_.keeper);
+}
+
 // ---- A step fails ------------------------------------------------------------------------------
 
 // Has another program hold the library's lock from the set with this number on, from 1, until the
@@ -298,14 +335,19 @@ class LockedRecord final : public velkctl::ChangeRecord {
     std::optional<velkctl::Problem> Flush() override { return record_.Flush(); }
     std::optional<velkctl::Problem> Finish() override { return record_.Finish(); }
     ExitStatus TakeBack(const velkctl::Device& device, Report& report) override {
+        has_failed_set_ = lock_.has_value();
         lock_.reset();
         return record_.TakeBack(device, report);
     }
     void FinishTakeBack() override { record_.FinishTakeBack(); }
 
+    // False if another set has failed before.
+    bool has_failed_set() const { return has_failed_set_; }
+
   private:
     void LockBeforeNext() {
         if (++next_ == at_) {
+            testkit::WriteFile(velk::kLockFile, "");  // the first set makes it
             lock_.emplace();
         }
     }
@@ -314,11 +356,12 @@ class LockedRecord final : public velkctl::ChangeRecord {
     const size_t at_;
     size_t next_ = 0;
     std::optional<velkctl::LibraryLock> lock_;
+    bool has_failed_set_ = false;
 };
 
-// Every setting in a file, with another value than that of the scene.
+// Almost every setting, with another value than that of the scene.
 ChangeSet ManyChanges() {
-    const std::vector<std::pair<const char*, std::string>> wanted{
+    constexpr std::pair<const char*, const char*> kWanted[] = {
         {"administrator", "me"},
         {"location", "here"},
         {"ntp", "off"},
@@ -328,54 +371,68 @@ ChangeSet ManyChanges() {
         {"eth0.address", "10.1.2.3"},
         {"eth1.address", "10.2.2.3"},
         {"eth0.netmask", "255.0.0.0"},
-        {"eth1.netmask", "255.0.0.0"},
+        {"eth1.netmask", "255.255.0.0"},
         {"eth0.gateway", "10.1.2.1"},
         {"eth1.gateway", "10.2.2.1"},
         {"eth0.apipa", "off"},
         {"eth1.apipa", "on"},
         {"eth0.dns", "10.1.2.5"},
-        {"eth1.dns", "10.1.2.5"},
-        {"eth0.dhcp-dns", "on"},
         {"eth1.dhcp-dns", "off"},
         {"eth0.dhcp-notice", "off"},
-        {"eth1.dhcp-notice", "on"},
+        {"eth0.link-speed", "10-half"},
+        {"eth1.service-set", "ad-hoc"},
+        {"eth1.ssid", "office"},
+        {"eth1.channel", "9"},
+        {"eth1.encryption", "3"},
+        {"eth1.authentication", "2"},
+        {"eth1.wep-key-1", "0abcd"},
+        {"eth1.wep-key-2", "1abcd"},
+        {"eth1.wep-key-3", "2abcd"},
+        {"eth1.wep-key-4", "3abcd"},
+        {"eth1.wep-default-key", "2"},
+        {"eth1.psk", "another-secret"},
+        {"eth1.standards-enabled", "2"},
     };
     ChangeSet changes;
-    for (const auto& [name, text] : wanted) {
-        if (const auto setting = FindSetting(name)) {
-            std::istringstream words(text);
-            const std::vector<std::string> list{std::istream_iterator<std::string>(words), {}};
-            changes.push_back({*setting, setting->row->kind->Parse(list).data});
-        }
+    for (const auto& [name, text] : kWanted) {
+        std::istringstream words(text);
+        const std::vector<std::string> list{std::istream_iterator<std::string>(words), {}};
+        const velkctl::Setting setting = FindSetting(name).value();
+        const velkctl::Parsed parsed = setting.row->kind->Parse(list);
+        EXPECT_TRUE(parsed.ok()) << name << ": " << parsed.problem;
+        changes.push_back({setting, parsed.data});
     }
     return changes;
 }
 
+// Makes the planned change until the set with this number fails.
+ExitStatus FailAt(size_t at, const velkctl::ApplyPlan& plan, Report& report) {
+    GuardianProcess guardian(VELKCTL);
+    velkctl::JournalRecord record(
+        {}, report, {.guard = &guardian, .window_seconds = kWindow, .step_seconds = kWindow});
+    LockedRecord locked(record, at);
+    const velkctl::StopSignals signals;
+    const ExitStatus status = velkctl::Apply(plan, locked, {}, signals, report).status;
+    return locked.has_failed_set() ? status : ExitStatus::kInvalid;
+}
+
 TEST_F(UnconfirmedChange, IsPutBackWholeIfAnyOfManySetsFails) {
-    size_t steps = 1;
-    for (size_t at = 1; at <= steps && !HasFailure(); ++at) {
+    const ChangeSet changes = ManyChanges();
+    for (size_t at = 1; at <= changes.size() && !HasFailure(); ++at) {
         SCOPED_TRACE("set " + std::to_string(at));
         testkit::EmptyDevice();
-        Device tools{Scene{}};
-        tools.UseRealTools();
-        const Files before = FilesToKeep();
-        const velkctl::ApplyPlan plan = MakePlan(ManyChanges(), {.is_automatic = false}, device_);
-        ASSERT_TRUE(plan.problems.empty()) << plan.problems.front().message;
-        steps = plan.changes.size();
-        GuardianProcess guardian(VELKCTL);
-        velkctl::JournalRecord record(
-            {}, report_, {.guard = &guardian, .window_seconds = kWindow, .step_seconds = kWindow});
-        testing::internal::CaptureStderr();
-        LockedRecord locked(record, at);
-        const velkctl::StopSignals signals;
-        const velkctl::ApplyResult result = velkctl::Apply(plan, locked, {}, signals, report_);
-        error_ = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(result.status, ExitStatus::kFailed) << error_;
-        EXPECT_EQ(Differences(before), "");
+        ChangeDevice device;
+        const DeviceState before = device.State();
+        const auto fail = [&](const velkctl::ApplyPlan& plan, Report& report) {
+            return plan.changes.size() == changes.size() ? FailAt(at, plan, report)
+                                                         : ExitStatus::kInvalid;
+        };
+        EXPECT_EQ(InChild(ChangeDevice::ApplyWith(changes, fail)),
+                  static_cast<int>(ExitStatus::kFailed));
+        EXPECT_EQ(Differences(device.State(), before), "");
         EXPECT_EQ(StoredState(), EntryState::kReverted);
-        AwaitEnd(record.entry().guardian.keeper);
     }
-    printf("| a set of an apply fails | %zu sets |\n", steps);
+    printf("| a set of an apply fails | %zu sets |\n", changes.size());
     (void)fflush(stdout);  // a child would print it once more
 }
 
@@ -512,6 +569,46 @@ TEST_F(UnconfirmedChange, IsNotLeftHalfMadeIfAWriteOfItsEntryFails) {
         EXPECT_EQ(Differences(before), "");
     }
     EXPECT_GT(failed, 5);
+}
+
+// Only the calls of the run itself fail. Those of its tools and of its guardian do not.
+void UnconfirmedChange::FailWrite(const WriteFault& fault, const Files& before,
+                                  const Files& after) {
+    SCOPED_TRACE("write " + std::to_string(fault.number) + (fault.all_later ? " and later" : ""));
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    const TracedRun run =
+        RunFailing([&] { return Apply(device, path_); }, fault, Traced::kFirstOnly);
+    EXPECT_TRUE(Soon([] { return IsSettled(StoredState()); })) << NameOf(StoredState());
+    const bool waits = StoredState() == EntryState::kWaiting;
+    EXPECT_EQ(run.result == 0, waits);
+    EXPECT_EQ(Differences(waits ? after : before), "");
+    waiting_ += waits ? 1 : 0;
+    EXPECT_EQ(Run(waits ? velkctl::RunRevert : velkctl::RunRecover), ExitStatus::kDone) << error_;
+    EXPECT_EQ(Differences(before), "");
+}
+
+TEST_F(UnconfirmedChange, IsNotLeftHalfMadeIfAnyWriteFails) {
+    if (!CanFailWrites()) {
+        GTEST_SKIP() << "no call can be made to fail on this processor";
+    }
+    testkit::EmptyDevice();
+    Device device{Scene{}};
+    const Files before = FilesToKeep();
+    const TracedRun whole = RunTraced([&] { return Apply(device, path_); }, 0, Traced::kFirstOnly);
+    const Files after = FilesToKeep();
+    EXPECT_EQ(Run(velkctl::RunRevert), ExitStatus::kDone);
+    int count = 0;
+    for (size_t number = 1; number <= whole.writes.size() && !HasFailure(); ++number) {
+        if (CanFailWith(whole.writes[number - 1], ENOSPC)) {
+            FailWrite({number, ENOSPC}, before, after);
+            FailWrite({number, ENOSPC, /*all_later=*/true}, before, after);
+            count += 2;
+        }
+    }
+    printf("| a write of an apply fails | %d | waiting: %d |\n", count, waiting_);
+    (void)fflush(stdout);  // a child would print it once more
+    EXPECT_GT(count, 20);
 }
 
 TEST_F(UnconfirmedChange, IsPutBackAlsoIfTheGuardianCannotWriteItsEntry) {

@@ -50,6 +50,8 @@ constexpr int64_t kLongestStuckPause = 3600 * kSecond;
 constexpr int64_t kHolderPause = 60 * kSecond;
 // A run that is still at work at its latest end has this time to stop.
 constexpr int64_t kStopTime = 10 * kSecond;
+// A run that takes its change back by itself has this time after its latest end.
+constexpr int64_t kTakeBackTime = 1800 * kSecond;
 constexpr int64_t kMilliseconds = 1000;
 constexpr int64_t kNanosecondsOfOne = 1'000'000;
 
@@ -89,6 +91,7 @@ class Guardian {
     bool MustRevert() const;
     std::string_view CauseOfRevert() const;
     void LookForCaller();
+    int64_t LatestEnd() const;  // a run that is still there then hangs
     void StopLateCaller();
     void TryToRevert();
     bool TryUnderLock();
@@ -173,13 +176,17 @@ void Guardian::LookForCaller() {
     }
 }
 
+int64_t Guardian::LatestEnd() const {
+    const JournalEntry& entry = stored_.decoded.entry;
+    const bool is_taken_back =
+        entry.state == EntryState::kReverting || entry.state == EntryState::kStuck;
+    return entry.window.deadline + (is_taken_back ? kTakeBackTime : 0);
+}
+
 // SIGCONT, because Ctrl-Z at a terminal may have stopped it.
 void Guardian::StopLateCaller() {
-    const JournalEntry& entry = stored_.decoded.entry;
-    const bool is_at_work =
-        entry.state == EntryState::kPrepared || entry.state == EntryState::kApplying;
-    const bool is_late = HasCaller() && is_at_work && IsOverdue(entry);
-    if (!is_late || MillisecondsSinceBoot() < next_try_) {
+    const bool is_awaited = HasCaller() && !has_begun_;
+    if (!is_awaited || MillisecondsSinceBoot() < std::max(LatestEnd(), next_try_)) {
         return;
     }
     const std::optional<Process> process = FindProcess(caller_.process);
@@ -245,7 +252,7 @@ void Guardian::NameHolder() {
 
 int64_t Guardian::NextTime() const {
     const bool is_pause = next_try_ > MillisecondsSinceBoot();
-    return is_pause ? next_try_ : stored_.decoded.entry.window.deadline;
+    return is_pause ? next_try_ : LatestEnd();
 }
 
 // Without a wake-up until something happens. A moment of the past ends the sleep at once.

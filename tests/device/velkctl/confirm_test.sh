@@ -55,6 +55,12 @@ start 17 'velk-sandbox log >/dev/null 2>&1; wait_with 10 --quiet; flock /var/tmp
     velkctl confirm 2>/dev/null; echo "$?"; until_true is_back; until_true has_none; echo back'
 start 18 'wait_with 10 --quiet; sed -i s/192.168.0.77/192.168.0.5/ $interfaces; sleep 12; velkctl get eth0.address 2>/dev/null; velkctl history | sed -n "1s/.*  //p"
     kill -9 $(guardians)'
+start 19 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-if "sleep 60" --json >/tmp/answer & tool=$!
+    until_true grep -q 192.168.0.77 $interfaces; sleep .5; kill $tool; wait $tool 2>/dev/null; echo "status $?"; is_back && echo back; until_true has_none
+    sed -n "/taken_back/p;/\"state\"/p;/seconds_left/p" /tmp/answer; velkctl get eth0.address; velkctl history | sed -n "1s/.*  //p"'
+start 20 'velkctl apply eth0.address=192.168.0.10 eth0.netmask=255.255.255.0 --restart never --confirm-within 60; has_none && echo none
+    velkctl apply eth0.address=192.168.0.77 --restart never --quiet; last_state; velkctl undo --quiet
+    velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 60 --quiet; last_state; velkctl confirm --quiet; last_state'
 
 # ---- the window -------------------------------------------------------------------------------
 it 'keeps a change that is confirmed'
@@ -132,6 +138,14 @@ error_has "velkctl: --confirm-within: '9' is not a time; give whole seconds, 10 
 error_has "velkctl: --ask: there is no terminal
   fix: give --confirm-within and 'velkctl confirm'"
 
+it 'needs no confirmation without a window, or without a change'
+await 20
+output_is 'nothing to change
+none
+done
+waiting
+confirmed'
+
 # ---- a command confirms -------------------------------------------------------------------------
 it 'keeps a change if a command succeeds, and puts it back otherwise'
 await 9
@@ -155,6 +169,17 @@ it 'puts a change back at once if its run is killed'
 await 11
 output_is 'velkctl: note: change ID of TIME was interrupted and has been put back
 reverted'
+
+it 'takes a change back by itself when it is asked to end, and says so'
+await 19
+output_is 'status 143
+back
+  "taken_back": true,
+  "state": "reverted",
+  "seconds_left": null,
+192.168.0.10
+reverted'
+error_is ''
 
 it 'survives the end of its session, hang-ups and requests to end'
 await 12

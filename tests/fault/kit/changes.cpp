@@ -119,22 +119,26 @@ int MakeSet(const Changes& changes) {
     return static_cast<int>(made.back().status);
 }
 
+ExitStatus CarryOutPlan(const velkctl::ApplyPlan& plan, Report& report) {
+    velkctl::JournalRecord record({}, report);
+    const velkctl::StopSignals signals;
+    return velkctl::Apply(plan, record, {}, signals, report).status;
+}
+
 int MakeApply(const Changes& changes, const std::vector<std::string>& restarts,
-              const std::string& address) {
+              const std::string& address, const ChangeDevice::CarryOut& carry_out) {
     UseRealTools();
     testkit::FakeInterfaces interfaces;
     interfaces.AddAddress("eth0", IFF_UP | IFF_RUNNING, address.c_str(), "255.255.255.0");
     Report report(Report::Form::kText);
     const velkctl::Device device({}, report);
-    velkctl::JournalRecord record({}, report);
     const velkctl::ApplyPlan plan =
         MakePlan(changes, {.is_automatic = false, .interfaces = restarts}, device);
     if (!plan.problems.empty()) {
         report.Complain(plan.problems.front());
         return static_cast<int>(plan.status);
     }
-    const velkctl::StopSignals signals;
-    return static_cast<int>(velkctl::Apply(plan, record, {}, signals, report).status);
+    return static_cast<int>(carry_out(plan, report));
 }
 
 }  // namespace
@@ -194,7 +198,15 @@ Work ChangeDevice::Set(Changes changes) {
 
 Work ChangeDevice::Apply(Changes changes, std::vector<std::string> restarts, std::string address) {
     return [changes = std::move(changes), restarts = std::move(restarts),
-            address = std::move(address)] { return MakeApply(changes, restarts, address); };
+            address = std::move(address)] {
+        return MakeApply(changes, restarts, address, CarryOutPlan);
+    };
+}
+
+Work ChangeDevice::ApplyWith(Changes changes, CarryOut carry_out) {
+    return [changes = std::move(changes), carry_out = std::move(carry_out)] {
+        return MakeApply(changes, {}, "", carry_out);
+    };
 }
 
 Work ChangeDevice::Undo() {

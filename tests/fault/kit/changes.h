@@ -13,6 +13,9 @@
 
 #include "fault/kit/scene.h"
 #include "velk.h"
+#include "velkctl/changes/apply_plan.h"
+#include "velkctl/report/exit_status.h"
+#include "velkctl/report/report.h"
 #include "velkctl/settings/setting_change.h"
 
 namespace fault {
@@ -57,6 +60,10 @@ class ChangeDevice {
     // address.
     static Work Apply(Changes changes, std::vector<std::string> restarts = {},
                       std::string address = "");
+    // The same without restarts, but `carry_out` makes the planned change.
+    using CarryOut =
+        std::function<velkctl::ExitStatus(const velkctl::ApplyPlan&, velkctl::Report&)>;
+    static Work ApplyWith(Changes changes, CarryOut carry_out);
     static Work Undo();
     // Prints to this file.
     static Work Recover(bool at_boot = false, std::string output = "/dev/null");

@@ -370,8 +370,8 @@ TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watche
     return Run(work, {.watcher = watcher});
 }
 
-TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault) {
-    return Run(work, {.fault = fault});
+TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault, Traced traced) {
+    return Run(work, {.fault = fault, .traced = traced});
 }
 
 bool CanFailWrites() {

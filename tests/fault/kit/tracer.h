@@ -64,7 +64,8 @@ TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watche
 
 // Runs `work` in the same way. The write with the fault's number fails and does nothing, if a disk
 // can fail it with that error: a full one fails no fsync(2) of a file that has its blocks.
-TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault);
+TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault,
+                     Traced traced = Traced::kAll);
 
 // True if calls can be made to fail on this processor.
 bool CanFailWrites();
