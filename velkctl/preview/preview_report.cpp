@@ -25,7 +25,7 @@ namespace {
 // The longest time of the real call.
 struct LongestTime {
     long seconds = 0;         // the sum of the waits with a limit
-    std::string unlimited{};  // "the interface to come up"; empty: none
+    std::vector<std::string_view> unlimited{};  // "the interface to come up"
 };
 
 // Returns the name of the setting that the step changes; empty if it is none.
@@ -43,13 +43,27 @@ std::string NameOf(const TrialStep& step) {
     return setting.empty() ? "command " + std::to_string(step.id) : setting;
 }
 
+void AddWait(std::vector<std::string_view>& waits, std::string_view wait) {
+    if (std::ranges::find(waits, wait) == waits.end()) {
+        waits.push_back(wait);
+    }
+}
+
+std::string Joined(const std::vector<std::string_view>& waits, std::string_view separator) {
+    std::string text;
+    for (const std::string_view wait : waits) {
+        text.append(text.empty() ? "" : separator).append(wait);
+    }
+    return text;
+}
+
 LongestTime LongestTimeOf(const TrialRun& run, const std::vector<TrialStep>& steps) {
     LongestTime longest{SecondsWaited(run.events)};
     for (const TrialStep& step : steps) {
         const LongestWait wait = LongestWaitOf({step.type, step.id, step.interface});
         longest.seconds += wait.seconds;
         if (wait.seconds == 0 && !wait.awaited.empty()) {
-            longest.unlimited = wait.awaited;
+            AddWait(longest.unlimited, wait.awaited);
         }
     }
     return longest;
@@ -62,7 +76,7 @@ std::string TextOf(const LongestTime& longest) {
     }
     if (!longest.unlimited.empty()) {
         text.append(longest.seconds > 0 ? ", and the time for " : "the time for ");
-        text.append(longest.unlimited);
+        text.append(Joined(longest.unlimited, ",\n  and for "));
     }
     if (longest.seconds == 0 && longest.unlimited.empty()) {
         text.append("no wait; only the time to change files");
@@ -106,7 +120,7 @@ Json PreviewInJson(const TrialRun& run, const std::vector<TrialStep>& steps) {
     preview["files"] = InJson(ChangedFiles(run.before, run.after));
     preview["steps"] = InJson(StepsIn(run.events));
     preview["longest_seconds"] = longest.seconds;
-    preview["then_waits_for"] = TextOrNull(longest.unlimited);
+    preview["then_waits_for"] = TextOrNull(Joined(longest.unlimited, " and "));
     return preview;
 }
 

@@ -560,7 +560,7 @@ error_is ''
 output_is 'status 0
 same bytes'
 
-it 'gives the trial run the time that it needs, whatever --timeout says'
+it 'gives the trial run the time that it needs, in spite of --timeout'
 on_device bash -c "$words"'
     cp $interfaces /tmp/before
     velkctl set eth0.address 192.168.0.77 --quiet; interrupt

@@ -174,6 +174,12 @@ steps of the library:
   not run   sudo ifup eth1
 longest time: 66 s, and the time for the interface to come up'
 
+it 'names each wait without a limit'
+on_device sh -c 'velk-sandbox adapter out
+    velkctl apply location=x eth0.address=192.168.0.9 --restart eth0 --dry-run | tail -n 2'
+output_is 'longest time: 1 s, and the time for the SNMP daemon to restart,
+  and for the interface to come up'
+
 it 'keeps the messages that would change the wireless daemon, and reads its own back'
 on_device sh -c 'velkctl set eth1.ssid=new eth1.psk=0123456789 --dry-run; velkctl get eth1.ssid'
 status_is 0

@@ -18,7 +18,7 @@ using Arguments = std::vector<std::string>;
 
 constexpr size_t kColumns = 80;
 constexpr int kLowestResult = -6;
-constexpr int kHighestStatus = 7;
+constexpr int kHighestStatus = 9;
 
 // Returns the lines that do not fit, after the arguments.
 std::string WideLinesOf(const Arguments& arguments) {
