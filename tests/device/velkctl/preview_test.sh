@@ -241,6 +241,7 @@ on_device bash -c 'kill $(cat /run/velk-sandbox/wland.pid); sleep 0.1
     kill -9 $trial; wait $trial 2>/dev/null
     while pgrep -x velkctl >/dev/null; do sleep 0.02; done
     velkctl set eth1.ssid x --dry-run --timeout 1; echo $?
+    for _ in {1..50}; do pgrep -x velkctl >/dev/null || break; sleep 0.02; done
     pgrep -x velkctl || echo none'
 output_has '7
 none'
