@@ -42,7 +42,7 @@ start 12 'setsid sh -c "velkctl apply eth0.address=192.168.0.77 --restart never 
     sleep 1; guardians | wc -l; until_true is_back; until_true has_none; echo back'
 start 13 'wait_with 10 --quiet; kill -9 $(guardians | tail -n 1); sleep 2; guardians | wc -l; until_true is_back; until_true has_none; echo back'
 start 14 'wait_with 10 --quiet; kill -9 $(guardians | head -n 1); sleep 1; guardians | wc -l; until_true is_back; until_true has_none; echo back'
-start 15 'wait_with 10 --quiet; kill -9 $(guardians); velkctl pending 2>&1 >/dev/null | plain; sleep 11; is_back || echo changed
+start 15 'wait_with 10 --quiet; kill -9 $(guardians); until_true has_none; velkctl pending 2>&1 >/dev/null | plain; sleep 11; is_back || echo changed
     velkctl get eth0.address 2>&1 | plain; is_back && echo back; velkctl get eth0.address'
 start 16 'cd /tmp && exec 7</etc/hostname && wait_with 60 --quiet
     switches() { for process in $(guardians); do grep ctxt /proc/$process/status; done | cksum; }
@@ -56,7 +56,7 @@ start 17 'velk-sandbox log >/dev/null 2>&1; wait_with 10 --quiet; flock /var/tmp
 start 18 'wait_with 10 --quiet; sed -i s/192.168.0.77/192.168.0.5/ $interfaces; sleep 12; velkctl get eth0.address 2>/dev/null; velkctl history | sed -n "1s/.*  //p"
     kill -9 $(guardians)'
 start 19 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-if "sleep 60" --json >/tmp/answer & tool=$!
-    until_true grep -q 192.168.0.77 $interfaces; sleep .5; kill $tool; wait $tool 2>/dev/null; echo "status $?"; is_back && echo back; until_true has_none
+    until_true grep -q 192.168.0.77 $interfaces; sleep .5; kill $tool; until_true is_back; wait $tool 2>/dev/null; echo "status $?"; is_back && echo back; until_true has_none
     sed -n "/taken_back/p;/\"state\"/p;/seconds_left/p" /tmp/answer; velkctl get eth0.address; velkctl history | sed -n "1s/.*  //p"'
 start 20 'velkctl apply eth0.address=192.168.0.10 eth0.netmask=255.255.255.0 --restart never --confirm-within 60; has_none && echo none
     velkctl apply eth0.address=192.168.0.77 --restart never --quiet; last_state; velkctl undo --quiet

@@ -65,16 +65,16 @@ class WaitingChangeTest : public testkit::DeviceTest {
     }
 
     // Makes a change up to this state. It has this time left.
-    void Change(EntryState state, int64_t left = kMinute) {
-        const std::vector<SettingChange> changes{
-            {*FindSetting("eth0.address"), DataOf("192.168.0.2")}};
+    void Change(EntryState state, int64_t left = kMinute, std::string_view address = "192.168.0.2",
+                const std::string& text = kNewText) {
+        const std::vector<SettingChange> changes{{*FindSetting("eth0.address"), DataOf(address)}};
         OpenChange change;
         ASSERT_EQ(change.Begin({.kind = velkctl::EntryKind::kApply, .steps = JournalSteps(changes)},
                                device),
                   0);
         change.RecordWindow({60, MillisecondsSinceBoot() + left});
         ASSERT_EQ(change.Advance(EntryState::kApplying), 0);
-        WriteFile(kInterfaces, kNewText);
+        WriteFile(kInterfaces, text);
         ASSERT_EQ(change.RecordFiles(), 0);
         ASSERT_EQ(change.Advance(state), 0);
         id = change.entry().id;
@@ -138,6 +138,17 @@ TEST_F(WaitingChangeTest, IsALaterChangeOfAStuckOne) {
     EXPECT_EQ(later.front().state, EntryState::kConfirmed);
     EXPECT_EQ(later.back().id, id);
     EXPECT_TRUE(velkctl::ReadLaterChanges(id).empty());
+}
+
+TEST_F(WaitingChangeTest, KeepsTheValueOfALaterChange) {
+    constexpr char kLaterText[] = "iface eth0 inet static\n\taddress 192.168.0.3\n";
+    Change(EntryState::kStuck);
+    const std::string stuck = id;
+    Change(EntryState::kConfirmed, kMinute, "192.168.0.3", kLaterText);
+    EXPECT_EQ(Run(velkctl::RunRevert, {stuck}), ExitStatus::kDone);
+    EXPECT_EQ(error,
+              "velkctl: note: eth0.address: keeps its value, which a later change has set\n");
+    EXPECT_EQ(ReadFile(kInterfaces), kLaterText);
 }
 
 TEST_F(WaitingChangeTest, IsNotInterruptedWhileItsTimeRuns) {
