@@ -11,8 +11,6 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
-#include "support/edit_copy.h"
-#include "support/paths.h"
 
 namespace {
 
@@ -23,9 +21,6 @@ using testkit::Fail;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr auto& kSource = testkit::kCrontabCopy;
-constexpr auto& kTarget = testkit::kCrontab;
 
 class ShellTest : public testkit::DeviceTest {};
 
