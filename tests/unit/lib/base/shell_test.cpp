@@ -18,9 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
-using testkit::Pass;
 using testkit::ReadFile;
-using testkit::WriteFile;
 
 class ShellTest : public testkit::DeviceTest {};
 

@@ -19,7 +19,6 @@ namespace {
 using testkit::kInterfacesCopy;
 using testkit::kInterfacesFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::FilesBefore;
 using velkctl::FindSetting;
 

@@ -15,7 +15,6 @@ namespace {
 
 using testkit::kInterfacesFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::FindSetting;
 
 constexpr char kStatic[] =

@@ -23,7 +23,6 @@ using testkit::kExitHooks;
 using testkit::kInterfacesFile;
 using testkit::kResolverFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::CatalogueRow;
 using velkctl::Data;
 using velkctl::ExitStatus;

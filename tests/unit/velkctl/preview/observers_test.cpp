@@ -15,7 +15,6 @@
 namespace {
 
 using testkit::Message;
-using velkctl::Command;
 using velkctl::Event;
 using velkctl::EventKind;
 using velkctl::EventLog;

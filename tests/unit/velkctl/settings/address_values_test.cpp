@@ -20,7 +20,6 @@ namespace {
 using testkit::DataOf;
 using testkit::Problem;
 using testkit::Words;
-using velkctl::AddressKind;
 using velkctl::Data;
 using velkctl::IsMask;
 using velkctl::kAddress;
