@@ -23,6 +23,7 @@
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "support/words.h"
 #include "velkctl/cli/command_line.h"
 #include "velkctl/documents/settings_document.h"
 #include "velkctl/journal/journal_folder.h"
@@ -35,12 +36,11 @@ namespace {
 using testing::HasSubstr;
 using testkit::Dice;
 using testkit::ReadFile;
+using testkit::Words;
 using testkit::WriteFile;
 using velkctl::ExitStatus;
 using velkctl::Json;
 using velkctl::Setting;
-
-using Words = std::vector<std::string>;
 
 constexpr char kDocument[] = "/run/document.json";
 
@@ -173,22 +173,6 @@ std::string Differences(const State& state, const State& other) {
     return text;
 }
 
-SMsgConf Wireless() {
-    SMsgConf conf{};
-    conf.ssid_length = 4;
-    memcpy(conf.ssid, "home", 4);
-    conf.service_set = 1;
-    conf.dot11_phy_conf = 1;
-    conf.channel = 6;
-    conf.encryption = 1;
-    conf.wep_default = 1;
-    conf.wep_key[0].length = 5;
-    memcpy(conf.wep_key[0].key, "abcde", 5);
-    conf.psk_length = 8;
-    memcpy(conf.psk, "password", 8);
-    return conf;
-}
-
 // Returns the bytes of the configuration that count: those within the lengths.
 std::string TextOf(SMsgConf conf) {
     for (SWepKey& key : conf.wep_key) {
@@ -229,7 +213,7 @@ class ChangeLaws : public testkit::DeviceTest {
         testkit::EmptyDevice();
         WriteFiles({});
         daemon_.emplace();
-        daemon_->SetConf(Wireless());
+        daemon_->SetConf(WirelessConfiguration());
         const Words methods{"static", "dhcp"};
         const Words words{"set", "eth0.method=" + dice.OneOf(methods),
                           "eth1.method=" + dice.OneOf(methods), "--no-journal", "--force"};

@@ -33,7 +33,6 @@ using testkit::kJournalFolder;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::EncodeFrame;
-using velkctl::EntryHealth;
 using velkctl::EntryState;
 using velkctl::ExitStatus;
 using velkctl::FrameKind;
@@ -95,9 +94,10 @@ class TornJournalTest : public testkit::DeviceTest {
     }
 };
 
-std::string WithFlip(std::string bytes, size_t place, unsigned bit) {
-    bytes[place] = static_cast<char>(static_cast<unsigned char>(bytes[place]) ^ (1U << bit));
-    return bytes;
+// Returns the entry with one bit flipped in this byte.
+std::string Damaged(std::string entry, size_t place) {
+    entry[place] = static_cast<char>(static_cast<unsigned char>(entry[place]) ^ (1U << place % 8));
+    return entry;
 }
 
 // The file has the new text. Before the state "applying" it was not the change that wrote it.
@@ -136,7 +136,7 @@ TEST_F(TornJournalTest, IsDamagedAtEachByteOfAnInterruptedSet) {
     int left = 0;
     for (size_t place = 0; place < entry.size(); ++place) {
         SCOPED_TRACE(place);
-        const std::string damaged = WithFlip(entry, place, place % 8);
+        const std::string damaged = Damaged(entry, place);
         Restore(damaged);
         const Told told = Recover();
         EXPECT_EQ(told.status, ExitStatus::kDone);
@@ -160,7 +160,7 @@ TEST_F(TornJournalTest, IsDamagedAtEachByteOfAFinishedSet) {
     const std::string entry = interrupted + velkctl::EncodeState(EntryState::kDone);
     for (size_t place = 0; place < interrupted.size(); ++place) {
         SCOPED_TRACE(place);
-        const std::string damaged = WithFlip(entry, place, place % 8);
+        const std::string damaged = Damaged(entry, place);
         Restore(damaged);
         EXPECT_EQ(Recover().status, ExitStatus::kDone);
         const Told undo = Undo();

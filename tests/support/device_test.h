@@ -37,6 +37,9 @@ std::vector<int> OpenDescriptors();
 // True if nobody holds the set/restart lock.
 bool IsLockFree();
 
+// A user and a group that own nothing on the device.
+inline constexpr uid_t kSomebody = 12345;
+
 // Removes all files in the library's folders. The fixture below does so before each test.
 void EmptyDevice();
 

@@ -13,6 +13,9 @@
 
 namespace testkit {
 
+// The line that shows whether the cable of eth0 is in.
+inline constexpr char kShowLink[] = "sudo /usr/sbin/ethtool eth0";
+
 // During its lifetime, no shell line is run. "TOOL > FILE" writes the tool's output into FILE, "rm
 // FILE" removes it and "cat FILE > FILE" copies; lines that print to /dev/null are not run. A tool
 // without output leaves an empty file, as the shell does if it cannot find a command. Only tools

@@ -14,9 +14,6 @@
 
 namespace world {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testkit::Call;
 using testkit::kIdentityFile;
 using testkit::kSnmpFile;

@@ -115,6 +115,15 @@ void WriteTarget(const std::string& path, const Scene& scene) {
     testkit::WriteFile(path, scene.has_long_files ? Lengthened(text) : text);
 }
 
+SMsgState WirelessState() {
+    SMsgState state{};
+    strcpy(state.product, "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04");
+    strcpy(state.software_version, "2.1");
+    return state;
+}
+
+}  // namespace
+
 SMsgConf WirelessConfiguration() {
     SMsgConf conf{};
     conf.ssid_length = 4;
@@ -132,15 +141,6 @@ SMsgConf WirelessConfiguration() {
     memcpy(conf.psk, "password", 8);
     return conf;
 }
-
-SMsgState WirelessState() {
-    SMsgState state{};
-    strcpy(state.product, "P:  Vendor=2c51 ProdID=0a12 Rev= 1.04");
-    strcpy(state.software_version, "2.1");
-    return state;
-}
-
-}  // namespace
 
 std::vector<Scene> AllScenes() {
     std::vector<Scene> scenes;

@@ -12,6 +12,7 @@
 
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
+#include "velk.h"
 
 namespace fault {
 
@@ -30,6 +31,9 @@ std::string NameOf(const Scene& scene);
 // The files that requests change or remove, each with its text; nothing for a missing one.
 using Files = std::map<std::string, std::optional<std::string>>;
 Files ReadTargets();
+
+// The configuration that the wireless daemon of a device begins with.
+SMsgConf WirelessConfiguration();
 
 // Returns the paths of the files in the library's scratch folders, without its lock files.
 std::vector<std::string> RemainingFiles();

@@ -22,12 +22,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
+using testkit::kCrontab;
+using testkit::kCrontabCopy;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr auto& kSource = testkit::kCrontabCopy;
-constexpr auto& kTarget = testkit::kCrontab;
 
 TEST(IsStrNum, ANullPointerAndTheEmptyTextCount) {
     EXPECT_EQ(isStrNum(nullptr), 1U);
@@ -230,48 +229,48 @@ class FileCopyAndDeleteTest : public testkit::DeviceTest {
 };
 
 TEST_F(FileCopyAndDeleteTest, RunsTheTwoLines) {
-    WriteFile(kSource, "new\n");
-    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), 0);
+    WriteFile(kCrontabCopy, "new\n");
+    EXPECT_EQ(FileCopyAndDelete(kCrontabCopy, kCrontab), 0);
     EXPECT_THAT(libc().Commands(),
                 ElementsAre("cat /var/tmp/root > /var/cron/tabs/root", "rm /var/tmp/root"));
-    EXPECT_EQ(ReadFile(kTarget), "new\n");
-    EXPECT_FALSE(testkit::Exists(kSource));
+    EXPECT_EQ(ReadFile(kCrontab), "new\n");
+    EXPECT_FALSE(testkit::Exists(kCrontabCopy));
 }
 
 TEST_F(FileCopyAndDeleteTest, KeepsTheTargetsInodeAndMode) {
-    WriteFile(kTarget, "old, and longer than the new text\n");
-    chmod(kTarget, 0640);
+    WriteFile(kCrontab, "old, and longer than the new text\n");
+    chmod(kCrontab, 0640);
     struct stat before {};
-    stat(kTarget, &before);
-    WriteFile(kSource, "new\n");
-    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), 0);
+    stat(kCrontab, &before);
+    WriteFile(kCrontabCopy, "new\n");
+    EXPECT_EQ(FileCopyAndDelete(kCrontabCopy, kCrontab), 0);
     struct stat after {};
-    stat(kTarget, &after);
+    stat(kCrontab, &after);
     EXPECT_EQ(after.st_ino, before.st_ino);
     EXPECT_EQ(after.st_mode, before.st_mode);
     EXPECT_EQ(after.st_uid, before.st_uid);
-    EXPECT_EQ(ReadFile(kTarget), "new\n");
+    EXPECT_EQ(ReadFile(kCrontab), "new\n");
 }
 
 TEST_F(FileCopyAndDeleteTest, AMissingSourceLeavesTheTargetEmpty) {
-    WriteFile(kTarget, "old\n");
-    EXPECT_EQ(FileCopyAndDelete("/var/tmp/missing", kTarget), 0);
-    EXPECT_EQ(ReadFile(kTarget), "");
+    WriteFile(kCrontab, "old\n");
+    EXPECT_EQ(FileCopyAndDelete("/var/tmp/missing", kCrontab), 0);
+    EXPECT_EQ(ReadFile(kCrontab), "");
 }
 
 TEST_F(FileCopyAndDeleteTest, AFailedCopyIsNotSeen) {
-    WriteFile(kSource, "new\n");
+    WriteFile(kCrontabCopy, "new\n");
     libc().Script(Call::kSystem, {Fail(ENOMEM), Pass()});
-    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), 0);
-    EXPECT_FALSE(testkit::Exists(kSource));
+    EXPECT_EQ(FileCopyAndDelete(kCrontabCopy, kCrontab), 0);
+    EXPECT_FALSE(testkit::Exists(kCrontabCopy));
 }
 
 TEST_F(FileCopyAndDeleteTest, GivesTheResultOfTheRemoval) {
-    WriteFile(kSource, "new\n");
+    WriteFile(kCrontabCopy, "new\n");
     libc().Script(Call::kSystem, {Pass(), Fail(ENOMEM)});
-    EXPECT_EQ(FileCopyAndDelete(kSource, kTarget), -1);
-    EXPECT_EQ(ReadFile(kTarget), "new\n");
-    EXPECT_TRUE(testkit::Exists(kSource));
+    EXPECT_EQ(FileCopyAndDelete(kCrontabCopy, kCrontab), -1);
+    EXPECT_EQ(ReadFile(kCrontab), "new\n");
+    EXPECT_TRUE(testkit::Exists(kCrontabCopy));
 }
 
 TEST_F(FileCopyAndDeleteTest, PathsThatDoNotFitAreRefusedAndNothingIsRemoved) {

@@ -30,16 +30,15 @@ using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
 using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
 using testkit::Pass;
 using testkit::ReadFile;
 using testkit::Return;
 using testkit::WriteFile;
 using velk::FileEdit;
 
-constexpr auto& kTarget = testkit::kInterfacesFile;
-
 // Copies the file through an edit, line by line, and returns the result of Finish().
-int CopyThrough(const char* target = kTarget) {
+int CopyThrough(const char* target = kInterfacesFile) {
     FileEdit edit(target);
     for (std::string_view line; edit.ReadLine(line);) {
         edit.Keep(line);
@@ -49,7 +48,7 @@ int CopyThrough(const char* target = kTarget) {
 
 // The same, with every line written as if it were new.
 int WriteThrough() {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
@@ -86,7 +85,7 @@ class FullScratchFolder {
 
 class FileEditTest : public testkit::DeviceTest {
   protected:
-    void SetUp() override { WriteFile(kTarget, "one\ntwo\nthree\n"); }
+    void SetUp() override { WriteFile(kInterfacesFile, "one\ntwo\nthree\n"); }
     void TearDown() override {
         rmdir(kInterfacesCopy);  // left by the tests with a folder in the copy's place
         DeviceTest::TearDown();
@@ -97,12 +96,12 @@ class FileEditTest : public testkit::DeviceTest {
 // ---- opening
 
 TEST_F(FileEditTest, OpensTheFileAndThenTheCopy) {
-    { const FileEdit edit(kTarget); }
-    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kTarget, kInterfacesCopy));
+    { const FileEdit edit(kInterfacesFile); }
+    EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kInterfacesFile, kInterfacesCopy));
 }
 
 TEST_F(FileEditTest, OpensBothCloseOnExec) {
-    { const FileEdit edit(kTarget); }
+    { const FileEdit edit(kInterfacesFile); }
     const std::vector<testkit::Event> opens = libc().Events(Call::kOpen);
     ASSERT_THAT(opens, SizeIs(2));
     EXPECT_EQ(opens[0].number & O_CLOEXEC, O_CLOEXEC);
@@ -118,7 +117,7 @@ TEST_F(FileEditTest, TheCopyIsNamedAfterTheFileAlone) {
 }
 
 TEST_F(FileEditTest, TheEditIsOpenIfBothFilesAre) {
-    const FileEdit edit(kTarget);
+    const FileEdit edit(kInterfacesFile);
     EXPECT_TRUE(edit.is_open());
     EXPECT_EQ(edit.target_error(), 0);
     EXPECT_EQ(edit.copy_error(), 0);
@@ -126,35 +125,35 @@ TEST_F(FileEditTest, TheEditIsOpenIfBothFilesAre) {
 
 TEST_F(FileEditTest, AnOldCopyIsEmptied) {
     WriteFile(kInterfacesCopy, "left by an interrupted edit\n");
-    const FileEdit edit(kTarget);
+    const FileEdit edit(kInterfacesFile);
     EXPECT_EQ(ReadFile(kInterfacesCopy), "");
 }
 
 TEST_F(FileEditTest, AMissingFileIsReportedAndTheCopyIsStillMade) {
-    unlink(kTarget);
-    const FileEdit edit(kTarget);
+    unlink(kInterfacesFile);
+    const FileEdit edit(kInterfacesFile);
     EXPECT_FALSE(edit.is_open());
     EXPECT_EQ(edit.target_error(), ENOENT);
     EXPECT_EQ(edit.copy_error(), 0);
     EXPECT_EQ(ReadFile(kInterfacesCopy), "");
-    EXPECT_FALSE(Exists(kTarget)) << "an edit makes no new file";
+    EXPECT_FALSE(Exists(kInterfacesFile)) << "an edit makes no new file";
 }
 
 TEST_F(FileEditTest, AFolderInTheFilesPlaceIsReported) {
-    unlink(kTarget);
-    ASSERT_EQ(mkdir(kTarget, 0755), 0);
+    unlink(kInterfacesFile);
+    ASSERT_EQ(mkdir(kInterfacesFile, 0755), 0);
     {
-        const FileEdit edit(kTarget);
+        const FileEdit edit(kInterfacesFile);
         EXPECT_FALSE(edit.is_open());
         EXPECT_EQ(edit.target_error(), EISDIR);
         EXPECT_EQ(edit.copy_error(), 0);
     }
-    rmdir(kTarget);
+    rmdir(kInterfacesFile);
 }
 
 TEST_F(FileEditTest, AFolderInTheCopysPlaceIsReported) {
     ASSERT_EQ(mkdir(kInterfacesCopy, 0755), 0);
-    const FileEdit edit(kTarget);
+    const FileEdit edit(kInterfacesFile);
     EXPECT_FALSE(edit.is_open());
     EXPECT_EQ(edit.target_error(), 0);
     EXPECT_EQ(edit.copy_error(), EISDIR);
@@ -162,7 +161,7 @@ TEST_F(FileEditTest, AFolderInTheCopysPlaceIsReported) {
 
 TEST_F(FileEditTest, BothErrorsAreReported) {
     libc().Script(Call::kOpen, {Fail(EACCES), Fail(EROFS)});
-    const FileEdit edit(kTarget);
+    const FileEdit edit(kInterfacesFile);
     EXPECT_FALSE(edit.is_open());
     EXPECT_EQ(edit.target_error(), EACCES);
     EXPECT_EQ(edit.copy_error(), EROFS);
@@ -172,13 +171,13 @@ TEST_F(FileEditTest, ALinkInTheCopysPlaceIsReplaced) {
     WriteFile("/etc/network/victim", "keep me\n");
     ASSERT_EQ(symlink("/etc/network/victim", kInterfacesCopy), 0);
     {
-        const FileEdit edit(kTarget);
+        const FileEdit edit(kInterfacesFile);
         EXPECT_TRUE(edit.is_open());
     }
     EXPECT_EQ(ReadFile("/etc/network/victim"), "keep me\n");
     EXPECT_EQ(ReadFile(kInterfacesCopy), "");
     EXPECT_FALSE(std::filesystem::is_symlink(kInterfacesCopy));
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
 }
 
 TEST_F(FileEditTest, AHardLinkInTheCopysPlaceIsReplaced) {
@@ -192,26 +191,26 @@ TEST_F(FileEditTest, ACopyOfSomebodyElsesIsReplaced) {
     WriteFile(kInterfacesCopy, "0 * * * * reboot\n");
     const int theirs = open(kInterfacesCopy, O_WRONLY | O_CLOEXEC);
     {
-        FileEdit edit(kTarget);
+        FileEdit edit(kInterfacesFile);
         edit.Write("one\n");
         ASSERT_EQ(write(theirs, "evil", 4), 4);
         EXPECT_EQ(edit.Finish(), 0);
     }
     close(theirs);
-    EXPECT_EQ(ReadFile(kTarget), "one\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\n");
 }
 
 TEST_F(FileEditTest, APipeInTheCopysPlaceIsReplaced) {
     ASSERT_EQ(mkfifo(kInterfacesCopy, 0666), 0);
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
 }
 
 TEST_F(FileEditTest, OnlyTheOwnerMayReadOrWriteTheCopy) {
     const mode_t saved = umask(0);
     struct stat status {};
     {
-        const FileEdit edit(kTarget);
+        const FileEdit edit(kInterfacesFile);
         EXPECT_EQ(stat(kInterfacesCopy, &status), 0);
     }
     umask(saved);
@@ -224,7 +223,7 @@ TEST_F(FileEditTest, ACopyThatAppearsAfterTheRemovalIsNotOpened) {
     libc().OnCall(Call::kUnlink, [&](const testkit::Event&) { ++opened; });
     libc().Script(Call::kUnlink, {testkit::Return(0)});  // as if it came back at once
     {
-        const FileEdit edit(kTarget);
+        const FileEdit edit(kInterfacesFile);
         EXPECT_EQ(edit.copy_error(), EEXIST);
     }
     EXPECT_EQ(opened, 1);
@@ -233,7 +232,7 @@ TEST_F(FileEditTest, ACopyThatAppearsAfterTheRemovalIsNotOpened) {
 TEST_F(FileEditTest, ALinkToNothingIsReplacedToo) {
     ASSERT_EQ(symlink("/etc/network/victim", kInterfacesCopy), 0);
     {
-        const FileEdit edit(kTarget);
+        const FileEdit edit(kInterfacesFile);
         EXPECT_TRUE(edit.is_open());
     }
     EXPECT_FALSE(Exists("/etc/network/victim"));
@@ -241,9 +240,9 @@ TEST_F(FileEditTest, ALinkToNothingIsReplacedToo) {
 
 TEST_F(FileEditTest, ALinkInTheFilesPlaceIsFollowed) {
     WriteFile("/etc/network/real", "one\n");
-    unlink(kTarget);
-    ASSERT_EQ(symlink("real", kTarget), 0);
-    FileEdit edit(kTarget);
+    unlink(kInterfacesFile);
+    ASSERT_EQ(symlink("real", kInterfacesFile), 0);
+    FileEdit edit(kInterfacesFile);
     std::string_view line;
     EXPECT_TRUE(edit.ReadLine(line));
     EXPECT_EQ(line, "one\n");
@@ -252,8 +251,8 @@ TEST_F(FileEditTest, ALinkInTheFilesPlaceIsFollowed) {
 // ---- reading and writing
 
 TEST_F(FileEditTest, EveryLineIsHandedOutWithItsNewline) {
-    WriteFile(kTarget, "one\n\n\ttwo\r\nlast");
-    FileEdit edit(kTarget);
+    WriteFile(kInterfacesFile, "one\n\n\ttwo\r\nlast");
+    FileEdit edit(kInterfacesFile);
     std::vector<std::string> lines;
     for (std::string_view line; edit.ReadLine(line);) {
         lines.emplace_back(line);
@@ -262,71 +261,71 @@ TEST_F(FileEditTest, EveryLineIsHandedOutWithItsNewline) {
 }
 
 TEST_F(FileEditTest, TextsAreWrittenUnchanged) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     edit.Write("a");
     edit.Write("");
     edit.Write(std::string_view("b\0c", 3));
     edit.Write("\n\n");
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), std::string("ab\0c\n\n", 6));
+    EXPECT_EQ(ReadFile(kInterfacesFile), std::string("ab\0c\n\n", 6));
 }
 
 TEST_F(FileEditTest, AnEditThatWritesNothingEmptiesTheFile) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "");
 }
 
 TEST_F(FileEditTest, AnEmptyFileStaysEmpty) {
-    WriteFile(kTarget, "");
+    WriteFile(kInterfacesFile, "");
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "");
 }
 
 TEST_F(FileEditTest, AnEditThatIsNotFinishedLeavesTheFileUnchangedAndKeepsTheCopy) {
     {
-        FileEdit edit(kTarget);
+        FileEdit edit(kInterfacesFile);
         edit.Write("changed\n");
     }
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_TRUE(Exists(kInterfacesCopy));
     EXPECT_THAT(libc().Commands(), IsEmpty());
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(FileEditTest, AnEditMayEndBeforeItsFile) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     std::string_view line;
     ASSERT_TRUE(edit.ReadLine(line));
     edit.Keep(line);
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\n");
 }
 
 TEST_F(FileEditTest, TheFileIsUntouchedUntilTheEnd) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     for (std::string_view line; edit.ReadLine(line);) {
         edit.Write("changed " + std::string(line));
-        EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+        EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     }
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "changed one\nchanged two\nchanged three\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "changed one\nchanged two\nchanged three\n");
 }
 
 TEST_F(FileEditTest, AFileOfManyBlocksGoesThroughWhole) {
     const std::string text = ManyLines();
-    WriteFile(kTarget, text);
+    WriteFile(kInterfacesFile, text);
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_TRUE(ReadFile(kTarget) == text);
+    EXPECT_TRUE(ReadFile(kInterfacesFile) == text);
     EXPECT_EQ(WriteThrough(), 0);
-    EXPECT_TRUE(ReadFile(kTarget) == text);
+    EXPECT_TRUE(ReadFile(kInterfacesFile) == text);
 }
 
 TEST_F(FileEditTest, KeptAndNewLinesAreWrittenInOrder) {
     for (const size_t distance : {1U, 2U, 3U, 100U, 5000U}) {
-        WriteFile(kTarget, ManyLines());
+        WriteFile(kInterfacesFile, ManyLines());
         std::string expected;
-        FileEdit edit(kTarget);
+        FileEdit edit(kInterfacesFile);
         size_t count = 0;
         for (std::string_view line; edit.ReadLine(line);) {
             if (++count % distance == 0) {
@@ -339,23 +338,23 @@ TEST_F(FileEditTest, KeptAndNewLinesAreWrittenInOrder) {
             }
         }
         EXPECT_EQ(edit.Finish(), 0);
-        EXPECT_TRUE(ReadFile(kTarget) == expected) << distance;
+        EXPECT_TRUE(ReadFile(kInterfacesFile) == expected) << distance;
     }
 }
 
 TEST_F(FileEditTest, TheFrontOfALineIsKeptAlone) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     std::string_view line;
     while (edit.ReadLine(line)) {
         edit.Keep(line.substr(0, 2));
         edit.Write("!");
     }
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "on!tw!th!");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "on!tw!th!");
 }
 
 TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     std::string_view line;
     while (edit.ReadLine(line)) {
         edit.Keep(line);
@@ -370,8 +369,8 @@ TEST_F(FileEditTest, AFileOfUsualSizeIsWrittenAtOnce) {
 
 TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
     const std::string text = ManyLines();
-    WriteFile(kTarget, text);
-    FileEdit edit(kTarget);
+    WriteFile(kInterfacesFile, text);
+    FileEdit edit(kInterfacesFile);
     const size_t writes = libc().Events(Call::kWrite).size();
     for (std::string_view line; edit.ReadLine(line);) {
         edit.Keep(line);
@@ -380,14 +379,14 @@ TEST_F(FileEditTest, KeptLinesAreWrittenBlockByBlock) {
 }
 
 TEST_F(FileEditTest, LinesBeforeALineWithTheGivenStartAreKept) {
-    WriteFile(kTarget, "one\n two\ntwo\ntwofold\nthree\nlast");
-    FileEdit edit(kTarget);
+    WriteFile(kInterfacesFile, "one\n two\ntwo\ntwofold\nthree\nlast");
+    FileEdit edit(kInterfacesFile);
     std::string_view line;
     while (edit.KeepLinesBefore("two", line)) {
         edit.Write("found " + std::string(line));
     }
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\n two\nfound two\nfound twofold\nthree\nlast\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\n two\nfound two\nfound twofold\nthree\nlast\n");
 }
 
 TEST_F(FileEditTest, LinesWithTheGivenStartAreFoundInEveryBlock) {
@@ -399,26 +398,26 @@ TEST_F(FileEditTest, LinesWithTheGivenStartAreFoundInEveryBlock) {
             text += filler + "start " + std::to_string(i) + "\n" + filler;
             expected += filler + "found start " + std::to_string(i) + "\n" + filler;
         }
-        WriteFile(kTarget, text);
-        FileEdit edit(kTarget);
+        WriteFile(kInterfacesFile, text);
+        FileEdit edit(kInterfacesFile);
         for (std::string_view line; edit.KeepLinesBefore("start ", line);) {
             edit.Write("found ");
             edit.Keep(line);
         }
         EXPECT_EQ(edit.Finish(), 0);
-        EXPECT_TRUE(ReadFile(kTarget) == expected) << length;
+        EXPECT_TRUE(ReadFile(kInterfacesFile) == expected) << length;
     }
 }
 
 TEST_F(FileEditTest, ALineLongerThanABlockGoesThroughWhole) {
     for (const size_t size : {4095U, 4096U, 65534U, 65535U, 65536U, 65537U, 300000U}) {
         const std::string text = "a\n" + std::string(size, 'x') + "\nb\n";
-        WriteFile(kTarget, text);
+        WriteFile(kInterfacesFile, text);
         EXPECT_EQ(CopyThrough(), 0);
-        EXPECT_TRUE(ReadFile(kTarget) == text) << size;
-        WriteFile(kTarget, std::string(size, 'x'));
+        EXPECT_TRUE(ReadFile(kInterfacesFile) == text) << size;
+        WriteFile(kInterfacesFile, std::string(size, 'x'));
         EXPECT_EQ(CopyThrough(), 0);
-        EXPECT_TRUE(ReadFile(kTarget) == std::string(size, 'x') + "\n") << size;
+        EXPECT_TRUE(ReadFile(kInterfacesFile) == std::string(size, 'x') + "\n") << size;
     }
 }
 
@@ -433,29 +432,29 @@ TEST_F(FileEditTest, AShortWriteIsContinued) {
     });
     libc().Script(Call::kWrite, {Return(1)});
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
 }
 
 TEST_F(FileEditTest, ASignalWhileWritingMakesNoDifference) {
     libc().Script(Call::kWrite, {Fail(EINTR), Fail(EINTR)});
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(FileEditTest, AReadErrorInTheMiddleEndsTheFile) {
     const std::string first = "one\n" + std::string(4091, '#') + "\n";  // a block of 4 KB
-    WriteFile(kTarget, first + "last\n");
+    WriteFile(kInterfacesFile, first + "last\n");
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_TRUE(ReadFile(kTarget) == first);
+    EXPECT_TRUE(ReadFile(kInterfacesFile) == first);
     EXPECT_THAT(libc().Logs(), IsEmpty());
 }
 
 TEST_F(FileEditTest, AReadErrorAtTheEndMakesNoDifference) {
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
 }
 
 // ---- putting the copy in place
@@ -470,7 +469,7 @@ TEST_F(FileEditTest, TheCopyIsPutInPlaceByTheseLines) {
 
 TEST_F(FileEditTest, BothFilesAreClosedBeforeTheCopying) {
     const size_t before = testkit::OpenDescriptors().size();
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
@@ -494,14 +493,14 @@ TEST_F(FileEditTest, AFailingCopyingIsNotNoticed) {
 // The tools leave the file empty, and the copy where it is.
 TEST_F(FileEditTest, AFileThatTheToolsCutIsRepairedAndItsCopyRemoved) {
     libc().ScriptAlways(Call::kSystem, Return(0));
-    WriteFile(kTarget, "iface eth0 inet static\n\taddress 10.0.0.5\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\taddress 10.0.0.5\n");
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
-            WriteFile(kTarget, "");
+            WriteFile(kInterfacesFile, "");
         }
     });
     EXPECT_EQ(Execute(VELK_SET, VELK_CMD_IP_ADDRESS, "eth0", "10.0.0.9"), 0);
-    EXPECT_EQ(ReadFile(kTarget), "iface eth0 inet static\n\taddress 10.0.0.9\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "iface eth0 inet static\n\taddress 10.0.0.9\n");
     EXPECT_FALSE(Exists(kInterfacesCopy));
     EXPECT_THAT(libc().Logs(), ElementsAre("FileEdit mended /etc/network/interfaces"));
 }
@@ -510,17 +509,17 @@ TEST_F(FileEditTest, AnEditWithoutTheLockIsRepairedToo) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const testkit::Event& event) {
         if (event.text.starts_with("cat ")) {
-            WriteFile(kTarget, "");
+            WriteFile(kInterfacesFile, "");
         }
     });
     EXPECT_EQ(CopyThrough(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
 }
 
 TEST_F(FileEditTest, ACutFileThatCannotBeRepairedIsLoggedAndItsCopyStays) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [this](const testkit::Event&) {
-        WriteFile(kTarget, "");
+        WriteFile(kInterfacesFile, "");
         libc().Script(Call::kOpen, {Pass(), Fail(EROFS)});
     });
     EXPECT_EQ(CopyThrough(), -1);
@@ -529,7 +528,7 @@ TEST_F(FileEditTest, ACutFileThatCannotBeRepairedIsLoggedAndItsCopyStays) {
 }
 
 TEST_F(FileEditTest, WithoutADescriptorForTheCopyNothingIsChanged) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     edit.Write("new\n");
     rlimit saved{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
@@ -537,7 +536,7 @@ TEST_F(FileEditTest, WithoutADescriptorForTheCopyNothingIsChanged) {
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
     EXPECT_EQ(edit.Finish(), -1);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &saved), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
@@ -573,7 +572,7 @@ TEST_F(FileEditTest, AFailedWriteLeavesTheFileAsItWas) {
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
@@ -581,7 +580,7 @@ TEST_F(FileEditTest, AWriteThatFailsAfterAPartLeavesTheFileAsItWas) {
     libc().Script(Call::kWrite, {Return(5), Fail(EIO)});
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=5:Input/output error"));
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
@@ -590,7 +589,7 @@ TEST_F(FileEditTest, AWriteThatTakesNothingIsAFailureToo) {
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Commands(), IsEmpty());
     EXPECT_THAT(libc().Logs(), SizeIs(1));
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
@@ -598,7 +597,7 @@ TEST_F(FileEditTest, AFailedCloseLeavesTheFileAsItWas) {
     libc().ScriptAlways(Call::kClose, Fail(ENOSPC));
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
     EXPECT_FALSE(Exists(kInterfacesCopy));
 }
 
@@ -610,23 +609,24 @@ TEST_F(FileEditTest, TheFirstErrorIsTheOneLogged) {
 }
 
 TEST_F(FileEditTest, NothingMoreIsWrittenAfterAFailure) {
-    WriteFile(kTarget, std::string(300000, 'x') + "\n" + std::string(300000, 'y') + "\nend\n");
+    WriteFile(kInterfacesFile,
+              std::string(300000, 'x') + "\n" + std::string(300000, 'y') + "\nend\n");
     const size_t before = libc().Events(Call::kWrite).size();
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
     EXPECT_EQ(CopyThrough(), -1);
     EXPECT_THAT(libc().Events(Call::kWrite), SizeIs(before + 1));
     EXPECT_THAT(libc().Commands(), IsEmpty());
-    EXPECT_TRUE(ReadFile(kTarget).ends_with("\nend\n"));
+    EXPECT_TRUE(ReadFile(kInterfacesFile).ends_with("\nend\n"));
 }
 
 TEST_F(FileEditTest, ACloseOfTheReadFileThatFailsIsNotNoticed) {
-    FileEdit edit(kTarget);
+    FileEdit edit(kInterfacesFile);
     for (std::string_view line; edit.ReadLine(line);) {
         edit.Write(line);
     }
     libc().Script(Call::kClose, {Fail(EIO)});  // the read file is closed first
     EXPECT_EQ(edit.Finish(), 0);
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\nthree\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\nthree\n");
 }
 
 // The same on a file system that really is full, with the real shell.
@@ -637,7 +637,7 @@ TEST_F(FullFolderTest, AFileThatDoesNotFitStaysAsItWas) {
     while (text.size() < 16 * 1024) {
         text += "iface eth0 inet static\n";
     }
-    WriteFile(kTarget, text);
+    WriteFile(kInterfacesFile, text);
     {
         const FullScratchFolder folder;
         ASSERT_TRUE(folder.is_mounted());
@@ -646,18 +646,18 @@ TEST_F(FullFolderTest, AFileThatDoesNotFitStaysAsItWas) {
                     ElementsAre("log FileEdit write errno=28:No space left on device"));
         EXPECT_FALSE(Exists(kInterfacesCopy)) << "what was written is removed to make room again";
     }
-    EXPECT_TRUE(ReadFile(kTarget) == text);
+    EXPECT_TRUE(ReadFile(kInterfacesFile) == text);
 }
 
 TEST_F(FullFolderTest, AFileThatFitsIsEdited) {
-    WriteFile(kTarget, "one\ntwo");
+    WriteFile(kInterfacesFile, "one\ntwo");
     {
         const FullScratchFolder folder;
         ASSERT_TRUE(folder.is_mounted());
         EXPECT_EQ(CopyThrough(), 0);
         EXPECT_FALSE(Exists(kInterfacesCopy));
     }
-    EXPECT_EQ(ReadFile(kTarget), "one\ntwo\n");
+    EXPECT_EQ(ReadFile(kInterfacesFile), "one\ntwo\n");
 }
 
 TEST_F(FullFolderTest, NoSetChangesAFileIfItsCopyDoesNotFit) {

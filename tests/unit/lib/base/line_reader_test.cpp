@@ -23,12 +23,12 @@ using testkit::Fail;
 using testkit::Pass;
 using velk::LineReader;
 
-constexpr char kFile[] = "/var/tmp/lines";
+constexpr char kLinesFile[] = "/var/tmp/lines";
 
 class LineReaderTest : public testkit::DeviceTest {
   protected:
     static std::vector<std::string> Lines() {
-        LineReader reader(kFile);
+        LineReader reader(kLinesFile);
         std::vector<std::string> lines;
         for (std::string_view line; reader.ReadLine(line);) {
             lines.emplace_back(line);
@@ -36,7 +36,7 @@ class LineReaderTest : public testkit::DeviceTest {
         return lines;
     }
     static std::vector<std::string> LinesOf(std::string_view text) {
-        testkit::WriteFile(kFile, text);
+        testkit::WriteFile(kLinesFile, text);
         return Lines();
     }
 };
@@ -83,9 +83,9 @@ TEST_F(LineReaderTest, AFolderCountsAsNotOpened) {
 }
 
 TEST_F(LineReaderTest, AnEmptyFileIsOpen) {
-    testkit::WriteFile(kFile, "");
+    testkit::WriteFile(kLinesFile, "");
     errno = EIO;  // left by an earlier call
-    EXPECT_TRUE(LineReader(kFile).is_open());
+    EXPECT_TRUE(LineReader(kLinesFile).is_open());
 }
 
 TEST_F(LineReaderTest, LinesAcrossBlocksStayWhole) {
@@ -114,20 +114,20 @@ TEST_F(LineReaderTest, ALineLongerThanAnyBlockIsALine) {
 }
 
 TEST_F(LineReaderTest, ASignalWhileReadingMakesNoDifference) {
-    testkit::WriteFile(kFile, "one\ntwo\nthree");
+    testkit::WriteFile(kLinesFile, "one\ntwo\nthree");
     libc().Script(Call::kRead, {Fail(EINTR), Pass(), Fail(EINTR)});
     EXPECT_THAT(Lines(), ElementsAre("one", "two", "three"));
 }
 
 TEST_F(LineReaderTest, AReadErrorAfterTheFirstBlockEndsTheFile) {
-    testkit::WriteFile(kFile, "one\ntwo\nthr");
+    testkit::WriteFile(kLinesFile, "one\ntwo\nthr");
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
     EXPECT_THAT(Lines(), ElementsAre("one", "two", "thr"));
 }
 
 TEST_F(LineReaderTest, ReadsNoFurtherThanNeeded) {
-    testkit::WriteFile(kFile, "one\ntwo\n");
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, "one\ntwo\n");
+    LineReader reader(kLinesFile);
     std::string_view line;
     EXPECT_TRUE(reader.ReadLine(line));
     EXPECT_TRUE(reader.ReadLine(line));
@@ -139,8 +139,8 @@ TEST_F(LineReaderTest, ALongFileIsReadInBlocksOfOneSize) {
     while (text.size() < 1'000'000) {
         text += "a line of a file that goes on and on\n";
     }
-    testkit::WriteFile(kFile, text);
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, text);
+    LineReader reader(kLinesFile);
     for (std::string_view line; reader.ReadLine(line);) {
     }
     EXPECT_GE(libc().Events(Call::kRead).size(), text.size() / 65536);
@@ -148,8 +148,8 @@ TEST_F(LineReaderTest, ALongFileIsReadInBlocksOfOneSize) {
 
 TEST_F(LineReaderTest, TakesBufferedLinesOnlyWhileACompleteOneIsLeft) {
     const std::string first(4090, 'x');
-    testkit::WriteFile(kFile, first + "\nthe block ends within this line\n");
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, first + "\nthe block ends within this line\n");
+    LineReader reader(kLinesFile);
     std::string_view held;
     EXPECT_TRUE(reader.TakeBufferedLine(held));
     EXPECT_EQ(held, first + "\n");
@@ -162,8 +162,8 @@ TEST_F(LineReaderTest, TakesBufferedLinesOnlyWhileACompleteOneIsLeft) {
 }
 
 TEST_F(LineReaderTest, BufferedLinesAreTakenUpToALineWithTheGivenStart) {
-    testkit::WriteFile(kFile, "one\n two\ntwofold\ntwo\nlast");
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, "one\n two\ntwofold\ntwo\nlast");
+    LineReader reader(kLinesFile);
     std::string_view line;
     EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "one\n two\n");
     EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "") << "the next line is such a line";
@@ -177,21 +177,21 @@ TEST_F(LineReaderTest, BufferedLinesAreTakenUpToALineWithTheGivenStart) {
 }
 
 TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoBufferedLines) {
-    unlink(kFile);
-    LineReader reader(kFile);
+    unlink(kLinesFile);
+    LineReader reader(kLinesFile);
     EXPECT_EQ(reader.TakeBufferedLinesBefore("two"), "");
 }
 
 TEST_F(LineReaderTest, OpensCloseOnExec) {
-    testkit::WriteFile(kFile, "");
-    { const LineReader reader(kFile); }
+    testkit::WriteFile(kLinesFile, "");
+    { const LineReader reader(kLinesFile); }
     EXPECT_EQ(libc().Events(Call::kOpen)[0].number, O_RDONLY | O_CLOEXEC);
 }
 
 // Every line with the newline that it is handed out with.
 std::vector<std::string> LinesWithNewline(std::string_view text) {
-    testkit::WriteFile(kFile, text);
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, text);
+    LineReader reader(kLinesFile);
     std::vector<std::string> lines;
     for (std::string_view line; reader.ReadFullLine(line);) {
         lines.emplace_back(line);
@@ -237,8 +237,8 @@ TEST_F(LineReaderTest, ALineLongerThanAnyBlockKeepsItsNewline) {
 }
 
 TEST_F(LineReaderTest, LinesWithAndWithoutTheNewlineMayBeMixed) {
-    testkit::WriteFile(kFile, "one\ntwo\n\nfour\nfive");
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, "one\ntwo\n\nfour\nfive");
+    LineReader reader(kLinesFile);
     std::string_view line;
     ASSERT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(line, "one");
@@ -255,8 +255,8 @@ TEST_F(LineReaderTest, LinesWithAndWithoutTheNewlineMayBeMixed) {
 }
 
 TEST_F(LineReaderTest, TheEndOfTheFileStaysTheEnd) {
-    testkit::WriteFile(kFile, "one");
-    LineReader reader(kFile);
+    testkit::WriteFile(kLinesFile, "one");
+    LineReader reader(kLinesFile);
     std::string_view line;
     ASSERT_TRUE(reader.ReadFullLine(line));
     EXPECT_FALSE(reader.ReadFullLine(line));
@@ -272,9 +272,9 @@ TEST_F(LineReaderTest, AFileThatIsNotOpenHasNoLinesWithANewlineEither) {
 }
 
 TEST_F(LineReaderTest, AReadErrorInTheMiddleOfALineEndsIt) {
-    testkit::WriteFile(kFile, "one\ntwo\nthr");
+    testkit::WriteFile(kLinesFile, "one\ntwo\nthr");
     libc().Script(Call::kRead, {Pass(), Fail(EIO)});
-    LineReader reader(kFile);
+    LineReader reader(kLinesFile);
     std::string_view line;
     ASSERT_TRUE(reader.ReadFullLine(line));
     ASSERT_TRUE(reader.ReadFullLine(line));
@@ -284,9 +284,9 @@ TEST_F(LineReaderTest, AReadErrorInTheMiddleOfALineEndsIt) {
 }
 
 TEST_F(LineReaderTest, CloseGivesTheDescriptorBackEarly) {
-    testkit::WriteFile(kFile, "one\ntwo\n");
+    testkit::WriteFile(kLinesFile, "one\ntwo\n");
     const std::vector<int> before = testkit::OpenDescriptors();
-    LineReader reader(kFile);
+    LineReader reader(kLinesFile);
     std::string_view line;
     ASSERT_TRUE(reader.ReadLine(line));
     EXPECT_EQ(testkit::OpenDescriptors().size(), before.size() + 1);

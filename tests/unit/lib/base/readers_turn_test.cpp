@@ -22,7 +22,6 @@
 namespace {
 
 using testing::Each;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testkit::Call;

@@ -11,8 +11,6 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
-#include "support/edit_copy.h"
-#include "support/paths.h"
 
 namespace {
 
@@ -20,12 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
-using testkit::Pass;
 using testkit::ReadFile;
-using testkit::WriteFile;
-
-constexpr auto& kSource = testkit::kCrontabCopy;
-constexpr auto& kTarget = testkit::kCrontab;
 
 class ShellTest : public testkit::DeviceTest {};
 

@@ -12,6 +12,7 @@
 #include "support/edit_copy.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "unit/lib/dhcp/switch.h"
 
 namespace {
 
@@ -22,12 +23,11 @@ using testkit::Exists;
 using testkit::Fail;
 using testkit::kClientScript;
 using testkit::kClientScriptCopy;
+using testkit::kOff;
+using testkit::kOn;
 using testkit::ReadFile;
 using testkit::Return;
 using testkit::WriteFile;
-
-constexpr bool kOn = true;
-constexpr bool kOff = false;
 
 constexpr char kBothBranches[] =
     "if [ \"$interface\" = \"eth0\" ]; then\n"

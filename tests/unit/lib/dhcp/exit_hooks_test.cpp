@@ -30,8 +30,8 @@ using testkit::Pass;
 using testkit::ReadFile;
 using testkit::WriteFile;
 
-constexpr char kOn = 1;
-constexpr char kOff = 2;
+constexpr char kOnByte = 1;
+constexpr char kOffByte = 2;
 
 constexpr char kNotices[] =
     "/sbin/printdhcpnotice.pl $interface\n"
@@ -201,18 +201,18 @@ TEST_F(ExitHooksTest, ANullOutputIsAFailure) {
 // ---- switching
 
 TEST_F(ExitHooksTest, AnyCommandMayBeSwitched) {
-    EXPECT_EQ(Switched("/bin/a x\n/bin/b y\n", "/bin/b", kOff), "/bin/a x\n#/bin/b y\n");
-    EXPECT_EQ(Switched("#/bin/a x\n#/bin/b y\n", "/bin/a", kOn), "/bin/a x\n#/bin/b y\n");
+    EXPECT_EQ(Switched("/bin/a x\n/bin/b y\n", "/bin/b", kOffByte), "/bin/a x\n#/bin/b y\n");
+    EXPECT_EQ(Switched("#/bin/a x\n#/bin/b y\n", "/bin/a", kOnByte), "/bin/a x\n#/bin/b y\n");
 }
 
 TEST_F(ExitHooksTest, TheEmptyCommandIsFoundOnEveryLine) {
-    EXPECT_EQ(Switched("a\n\n#b\n", "", kOff), "#a\n#\n#b\n");
-    EXPECT_EQ(Switched("#a\n#\nb # c\n", "", kOn), "a\n\nb # c\n");
+    EXPECT_EQ(Switched("a\n\n#b\n", "", kOffByte), "#a\n#\n#b\n");
+    EXPECT_EQ(Switched("#a\n#\nb # c\n", "", kOnByte), "a\n\nb # c\n");
 }
 
 TEST_F(ExitHooksTest, ANullCommandIsAFailureThatTouchesNothing) {
     WriteFile(kExitHooks, "a");
-    EXPECT_EQ(SetDhclient(Switch("eth0", kOn), nullptr), -1);
+    EXPECT_EQ(SetDhclient(Switch("eth0", kOnByte), nullptr), -1);
     EXPECT_EQ(ReadFile(kExitHooks), "a");
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
     EXPECT_FALSE(Exists(kExitHooksCopy));
@@ -233,7 +233,7 @@ TEST_F(ExitHooksTest, WithoutAnInterfaceEveryLineIsSwitched) {
                        "  /bin/a 3\n"
                        "fi\n"
                        "/bin/a 4\n",
-                       "/bin/a", kOff, ""),
+                       "/bin/a", kOffByte, ""),
               "#/bin/a 1\n"
               "if [ \"$interface\" = eth0 ]; then\n"
               "#  /bin/a 2\n"
@@ -245,9 +245,9 @@ TEST_F(ExitHooksTest, WithoutAnInterfaceEveryLineIsSwitched) {
 
 TEST_F(ExitHooksTest, TheApipaSetterSwitchesTheLinkLocalDaemon) {
     WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
-    EXPECT_EQ(SetApipa(Switch("eth0", kOff), nullptr), 0);
+    EXPECT_EQ(SetApipa(Switch("eth0", kOffByte), nullptr), 0);
     EXPECT_EQ(ReadFile(kExitHooks), "#/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
-    EXPECT_EQ(SetApipa(Switch("eth0", kOn), nullptr), 0);
+    EXPECT_EQ(SetApipa(Switch("eth0", kOnByte), nullptr), 0);
     EXPECT_EQ(ReadFile(kExitHooks), "/usr/sbin/avahi-autoipd -D\n/usr/bin/ntpdate x\n");
 }
 
@@ -257,13 +257,13 @@ TEST_F(ExitHooksTest, TheClockSetterIsSwitchedForEveryInterfaceWithoutOne) {
               "/usr/bin/ntpdate x\n"
               "fi\n"
               "/usr/sbin/avahi-autoipd -D\n");
-    EXPECT_EQ(SetNtpdate(Switch("", kOff)), 0);
+    EXPECT_EQ(SetNtpdate(Switch("", kOffByte)), 0);
     EXPECT_EQ(ReadFile(kExitHooks),
               "if [ \"$interface\" = eth0 ]; then\n"
               "#/usr/bin/ntpdate x\n"
               "fi\n"
               "/usr/sbin/avahi-autoipd -D\n");
-    EXPECT_EQ(SetNtpdate(Switch("eth1", kOn)), 0);
+    EXPECT_EQ(SetNtpdate(Switch("eth1", kOnByte)), 0);
     EXPECT_EQ(ReadFile(kExitHooks),
               "if [ \"$interface\" = eth0 ]; then\n"
               "#/usr/bin/ntpdate x\n"
@@ -272,7 +272,7 @@ TEST_F(ExitHooksTest, TheClockSetterIsSwitchedForEveryInterfaceWithoutOne) {
 }
 
 TEST_F(ExitHooksTest, AScriptThatCannotBeOpenedIsAFailure) {
-    EXPECT_EQ(SetApipa(Switch("eth0", kOn), nullptr), -1);
+    EXPECT_EQ(SetApipa(Switch("eth0", kOnByte), nullptr), -1);
     EXPECT_EQ(ReadFile(kExitHooksCopy), "");
     EXPECT_THAT(libc().Story(), IsEmpty());
     EXPECT_FALSE(Exists(kExitHooks));
@@ -281,7 +281,7 @@ TEST_F(ExitHooksTest, AScriptThatCannotBeOpenedIsAFailure) {
 TEST_F(ExitHooksTest, ACopyThatCannotBeOpenedIsAFailure) {
     WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd -D");
     ASSERT_EQ(mkdir(kExitHooksCopy, 0755), 0);
-    EXPECT_EQ(SetApipa(Switch("eth0", kOff), nullptr), -1);
+    EXPECT_EQ(SetApipa(Switch("eth0", kOffByte), nullptr), -1);
     EXPECT_EQ(ReadFile(kExitHooks), "/usr/sbin/avahi-autoipd -D");
     EXPECT_THAT(libc().Story(), IsEmpty());
 }
@@ -290,7 +290,7 @@ TEST_F(ExitHooksTest, ACopyThatCannotBeOpenedIsAFailure) {
 
 TEST_F(ExitHooksTest, BothNoticesAreSwitchedInOrder) {
     WriteFile(kExitHooks, kNotices);
-    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), 0);
+    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOffByte), nullptr), 0);
     EXPECT_EQ(ReadFile(kExitHooks),
               "#/sbin/printdhcpnotice.pl $interface\n"
               "#/sbin/printdhcpstart.pl $interface\n");
@@ -299,7 +299,7 @@ TEST_F(ExitHooksTest, BothNoticesAreSwitchedInOrder) {
                             "system rm /var/tmp/dhclient-exit-hooks",
                             "system cat /var/tmp/dhclient-exit-hooks > /etc/dhclient-exit-hooks",
                             "system rm /var/tmp/dhclient-exit-hooks"));
-    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOn), nullptr), 0);
+    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOnByte), nullptr), 0);
     EXPECT_EQ(ReadFile(kExitHooks), kNotices);
 }
 
@@ -312,7 +312,7 @@ TEST_F(ExitHooksTest, TheFinishNoticeIsSwitchedFirst) {
             WriteFile(kExitHooks, steps.back());
         }
     });
-    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), 0);
+    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOffByte), nullptr), 0);
     EXPECT_THAT(steps, ElementsAre("#/sbin/printdhcpnotice.pl $interface\n"
                                    "/sbin/printdhcpstart.pl $interface\n",
                                    "#/sbin/printdhcpnotice.pl $interface\n"
@@ -322,21 +322,21 @@ TEST_F(ExitHooksTest, TheFinishNoticeIsSwitchedFirst) {
 TEST_F(ExitHooksTest, TheStartNoticeIsLeftAloneWhenTheFirstCannotBeWritten) {
     WriteFile(kExitHooks, kNotices);
     libc().Script(Call::kWrite, {Fail(ENOSPC)});
-    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
+    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOffByte), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device"));
     EXPECT_EQ(ReadFile(kExitHooks), kNotices);
     EXPECT_FALSE(Exists(kExitHooksCopy));
 }
 
 TEST_F(ExitHooksTest, TheStartNoticeIsLeftAloneWhenTheScriptIsMissing) {
-    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
+    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOffByte), nullptr), -1);
     EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kExitHooks, kExitHooksCopy));
 }
 
 TEST_F(ExitHooksTest, AFailureAtTheStartNoticeIsPassedOn) {
     WriteFile(kExitHooks, kNotices);
     libc().Script(Call::kWrite, {Pass(), Fail(ENOSPC)});
-    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOff), nullptr), -1);
+    EXPECT_EQ(SetPrintDHCPFinished(Switch("eth0", kOffByte), nullptr), -1);
     EXPECT_EQ(ReadFile(kExitHooks),
               "#/sbin/printdhcpnotice.pl $interface\n"
               "/sbin/printdhcpstart.pl $interface\n");
@@ -344,14 +344,14 @@ TEST_F(ExitHooksTest, AFailureAtTheStartNoticeIsPassedOn) {
 
 TEST_F(ExitHooksTest, OtherInterfacesGetTheDifferenceOfTheNamesAndChangeNothing) {
     WriteFile(kExitHooks, kNotices);
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth1", kOff), nullptr), Gt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth00", kOff), nullptr), Gt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("wlan0", kOff), nullptr), Gt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth", kOff), nullptr), Lt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("", kOff), nullptr), Lt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("Eth0", kOff), nullptr), Lt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("\xff", kOff), nullptr), Gt(0));
-    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth0eth0eth0eth0", kOff), nullptr), Gt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth1", kOffByte), nullptr), Gt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth00", kOffByte), nullptr), Gt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("wlan0", kOffByte), nullptr), Gt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth", kOffByte), nullptr), Lt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("", kOffByte), nullptr), Lt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("Eth0", kOffByte), nullptr), Lt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("\xff", kOffByte), nullptr), Gt(0));
+    EXPECT_THAT(SetPrintDHCPFinished(Switch("eth0eth0eth0eth0", kOffByte), nullptr), Gt(0));
     EXPECT_EQ(ReadFile(kExitHooks), kNotices);
     EXPECT_THAT(libc().Events(Call::kOpen), IsEmpty());
 }

@@ -12,6 +12,7 @@
 #include "support/edit_copy.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "unit/lib/dhcp/switch.h"
 
 namespace {
 
@@ -23,13 +24,13 @@ using testkit::Exists;
 using testkit::Fail;
 using testkit::kDhcpConfigCopy;
 using testkit::kDhcpConfigFile;
+using testkit::kOff;
+using testkit::kOn;
 using testkit::ReadFile;
 using testkit::WriteFile;
 
 constexpr bool kAdd = true;
 constexpr bool kRemove = false;
-constexpr bool kOn = true;
-constexpr bool kOff = false;
 
 class RequestOptionsTest : public testkit::DeviceTest {
   protected:

@@ -24,6 +24,7 @@ using testkit::Call;
 using testkit::Event;
 using testkit::Fail;
 using testkit::kLockFile;
+using testkit::kSomebody;
 
 mode_t ModeOf(const char* path) {
     struct stat status {};
@@ -113,7 +114,6 @@ class LockTest : public testkit::DeviceTest {
         testkit::WriteFile(kLockFile, "");
         return chmod(kLockFile, mode) == 0 && chown(kLockFile, kSomebody, kSomebody) == 0;
     }
-    static constexpr uid_t kSomebody = 12345;
 };
 
 TEST_F(LockTest, TheFirstCallCreatesTheFileAndLogsNothing) {

@@ -36,7 +36,7 @@ constexpr char kText[] =
     "\taddress 192.168.0.10\n"
     "\tgateway 192.168.0.1\n"
     "iface eth1 inet dhcp\n";
-constexpr char kConfigText[] =
+constexpr char kUnusedConfigText[] =
     "#interface \"eth0\" {\n"
     "#request subnet-mask;\n"
     "#}\n";
@@ -53,7 +53,7 @@ class InterfacesWriterTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
         WriteFile(kInterfacesFile, kText);
-        WriteFile(kDhcpConfigFile, kConfigText);
+        WriteFile(kDhcpConfigFile, kUnusedConfigText);
         WriteFile(kOldAddressFile, "192.168.0.9\n");
     }
     void TearDown() override {
@@ -231,7 +231,7 @@ TEST_F(InterfacesWriterTest, AMethodWithoutTheFileIsAFailureThatRemovesTheOldAdd
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("system rm -f /tmp/oldIPAddress"));
     EXPECT_FALSE(Exists(kOldAddressFile));
-    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kUnusedConfigText);
     EXPECT_EQ(ReadFile(kInterfacesCopy), "");
 }
 
@@ -240,7 +240,7 @@ TEST_F(InterfacesWriterTest, AMethodWithoutAWritableCopyIsAFailureThatRemovesThe
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth0", 2), nullptr), -1);
     EXPECT_THAT(libc().Story(), ElementsAre("system rm -f /tmp/oldIPAddress"));
     EXPECT_EQ(ReadFile(kInterfacesFile), kText);
-    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kUnusedConfigText);
 }
 
 TEST_F(InterfacesWriterTest, AMethodThatCannotBeWrittenDoesNotSwitchTheClient) {
@@ -249,7 +249,7 @@ TEST_F(InterfacesWriterTest, AMethodThatCannotBeWrittenDoesNotSwitchTheClient) {
     EXPECT_THAT(libc().Story(), ElementsAre("log FileEdit write errno=28:No space left on device",
                                             "system rm -f /tmp/oldIPAddress"));
     EXPECT_EQ(ReadFile(kInterfacesFile), kText);
-    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kUnusedConfigText);
     EXPECT_FALSE(Exists(kOldAddressFile));
     EXPECT_FALSE(Exists(kInterfacesCopy));
 }
@@ -273,7 +273,7 @@ TEST_F(InterfacesWriterTest, AFailingRemovalOfTheOldAddressIsNotNoticed) {
 TEST_F(InterfacesWriterTest, AFailingCopyingOfAMethodIsNotNoticed) {
     libc().Script(Call::kSystem, {Fail(EAGAIN), Fail(EAGAIN)});
     EXPECT_EQ(SetIpSettingMethod(MethodRequest("eth1", 2), nullptr), 0);
-    EXPECT_EQ(ReadFile(kDhcpConfigFile), kConfigText);
+    EXPECT_EQ(ReadFile(kDhcpConfigFile), kUnusedConfigText);
 }
 
 // ---- the same with the real shell
@@ -282,7 +282,7 @@ class InterfacesWriterShellTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
         WriteFile(kInterfacesFile, kText);
-        WriteFile(kDhcpConfigFile, kConfigText);
+        WriteFile(kDhcpConfigFile, kUnusedConfigText);
         WriteFile(kOldAddressFile, "192.168.0.9\n");
         for (const char* path : {kInterfacesFile, kDhcpConfigFile}) {
             ASSERT_EQ(chmod(path, 0640), 0);

@@ -9,19 +9,19 @@
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "unit/lib/ntp/samples.h"
 
 namespace {
 
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::kCrontab;
+using testkit::kEntry;
 using testkit::kNtpLog;
+using testkit::kReached;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kEntry[] = "0 * * * * /usr/bin/ntpdate -u 192.168.1.10 > /var/libvelk/ntp.log\n";
-constexpr char kReached[] = "21 Nov 10:00:00 ntpdate[1]: adjust time server 192.168.1.10\n";
 
 class NtpCommandsTest : public testkit::DeviceTest {
   protected:

@@ -13,6 +13,7 @@
 #include "support/edit_copy.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "unit/lib/ntp/samples.h"
 
 namespace {
 
@@ -23,12 +24,11 @@ using testkit::Exists;
 using testkit::Fail;
 using testkit::kCrontab;
 using testkit::kCrontabCopy;
+using testkit::kEntry;
 using testkit::kNtpLog;
 using testkit::MakeRequest;
 using testkit::ReadFile;
 using testkit::WriteFile;
-
-constexpr char kEntry[] = "0 * * * * /usr/bin/ntpdate -u 192.168.1.10 > /var/libvelk/ntp.log\n";
 
 // ---- the server of a line
 

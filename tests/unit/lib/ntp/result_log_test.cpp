@@ -9,6 +9,7 @@
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "unit/lib/ntp/samples.h"
 
 namespace {
 
@@ -19,11 +20,10 @@ using testkit::Call;
 using testkit::Exists;
 using testkit::Fail;
 using testkit::kNtpLog;
+using testkit::kReached;
 using testkit::MakeRequest;
 using testkit::WriteFile;
 
-constexpr char kReached[] =
-    "21 Nov 10:00:00 ntpdate[123]: adjust time server 192.168.1.10 offset 0.000123 sec\n";
 constexpr char kNotReached[] =
     "21 Nov 10:00:00 ntpdate[123]: no server suitable for synchronization found\n";
 

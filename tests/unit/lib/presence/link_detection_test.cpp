@@ -23,9 +23,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
+using testkit::kShowLink;
 
-constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
-constexpr char kEthtoolLine[] = "sudo /usr/sbin/ethtool eth0 > /var/tmp/get_result";
+constexpr char kShowLinkLine[] = "sudo /usr/sbin/ethtool eth0 > /var/tmp/get_result";
 constexpr char kGrep0[] = "grep \"eth0: link\" /var/log/syslog/syslog_info.log.0";
 constexpr char kGrep1[] = "grep \"eth0: link\" /var/log/syslog/syslog_info.log.1";
 constexpr char kRemove[] = "rm /var/tmp/get_result";
@@ -54,62 +54,62 @@ class LinkDetectionTest : public testkit::DeviceTest {
 };
 
 TEST_F(LinkDetectionTest, ALinkIsFoundAtTheFirstAttempt) {
-    shell.Prints(kEthtool, {kLinked});
+    shell.Prints(kShowLink, {kLinked});
     EXPECT_EQ(IsWiredLinked(), 1);
-    EXPECT_THAT(libc().Story(), ElementsAre("system " + std::string(kEthtoolLine),
+    EXPECT_THAT(libc().Story(), ElementsAre("system " + std::string(kShowLinkLine),
                                             "system " + std::string(kRemove)));
     EXPECT_FALSE(testkit::Exists(testkit::kResultFile));
 }
 
 TEST_F(LinkDetectionTest, NoLinkIsFoundAtTheFirstAttempt) {
-    shell.Prints(kEthtool, {kUnlinked});
+    shell.Prints(kShowLink, {kUnlinked});
     EXPECT_EQ(IsWiredLinked(), 0);
-    EXPECT_THAT(libc().Story(), ElementsAre("system " + std::string(kEthtoolLine),
+    EXPECT_THAT(libc().Story(), ElementsAre("system " + std::string(kShowLinkLine),
                                             "system " + std::string(kRemove)));
 }
 
 TEST_F(LinkDetectionTest, TheFirstLineWithALinkStateDecides) {
-    shell.Prints(kEthtool, {"Link detected: no\nLink detected: yes\n"});
+    shell.Prints(kShowLink, {"Link detected: no\nLink detected: yes\n"});
     EXPECT_EQ(IsWiredLinked(), 0);
-    shell.Prints(kEthtool, {"Link detected: yes\nLink detected: no\n"});
+    shell.Prints(kShowLink, {"Link detected: yes\nLink detected: no\n"});
     EXPECT_EQ(IsWiredLinked(), 1);
 }
 
 TEST_F(LinkDetectionTest, ALineWithBothTextsIsALink) {
-    shell.Prints(kEthtool, {"Link detected: no, Link detected: yes\n"});
+    shell.Prints(kShowLink, {"Link detected: no, Link detected: yes\n"});
     EXPECT_EQ(IsWiredLinked(), 1);
 }
 
 TEST_F(LinkDetectionTest, AnAnswerWithoutALineEndCounts) {
-    shell.Prints(kEthtool, {"Link detected: yes"});
+    shell.Prints(kShowLink, {"Link detected: yes"});
     EXPECT_EQ(IsWiredLinked(), 1);
 }
 
 TEST_F(LinkDetectionTest, ALaterAttemptCanSucceed) {
-    shell.Prints(kEthtool, {"", "Settings for eth0:\n", kLinked});
+    shell.Prints(kShowLink, {"", "Settings for eth0:\n", kLinked});
     EXPECT_EQ(IsWiredLinked(), 1);
     EXPECT_THAT(
         libc().Story(),
-        ElementsAre("system " + std::string(kEthtoolLine), "log IsWiredLinked ifstream", "sleep 1",
-                    "system " + std::string(kEthtoolLine), "system " + std::string(kRemove),
-                    "sleep 1", "system " + std::string(kEthtoolLine),
+        ElementsAre("system " + std::string(kShowLinkLine), "log IsWiredLinked ifstream", "sleep 1",
+                    "system " + std::string(kShowLinkLine), "system " + std::string(kRemove),
+                    "sleep 1", "system " + std::string(kShowLinkLine),
                     "system " + std::string(kRemove)));
 }
 
 TEST_F(LinkDetectionTest, TheLastAttemptCanSucceed) {
     std::vector<std::string> outputs(59, "");
     outputs.emplace_back(kLinked);
-    shell.Prints(kEthtool, outputs);
+    shell.Prints(kShowLink, outputs);
     EXPECT_EQ(IsWiredLinked(), 1);
     EXPECT_EQ(Count(Call::kSleep, "1"), 59U);
     EXPECT_EQ(Count(Call::kSyslog, "(ETHTOOL_RETRY - 1) == i)"), 0U);
 }
 
 TEST_F(LinkDetectionTest, AfterSixtyEmptyAnswersTheSystemLogDecides) {
-    shell.Prints(kEthtool, {""});
+    shell.Prints(kShowLink, {""});
     shell.Prints(kGrep0, {"kernel: eth0: link up, 100Mbps\n"});
     EXPECT_EQ(IsWiredLinked(), 1);
-    EXPECT_EQ(Count(Call::kSystem, kEthtoolLine), 60U);
+    EXPECT_EQ(Count(Call::kSystem, kShowLinkLine), 60U);
     EXPECT_EQ(Count(Call::kSyslog, "IsWiredLinked ifstream"), 60U);
     EXPECT_EQ(Count(Call::kSyslog, "(ETHTOOL_RETRY - 1) == i)"), 1U);
     EXPECT_EQ(libc().Texts(Call::kSleep).size(), 60U);
@@ -118,7 +118,7 @@ TEST_F(LinkDetectionTest, AfterSixtyEmptyAnswersTheSystemLogDecides) {
 }
 
 TEST_F(LinkDetectionTest, TheLastSleepComesBeforeGivingUp) {
-    shell.Prints(kEthtool, {""});
+    shell.Prints(kShowLink, {""});
     EXPECT_EQ(IsWiredLinked(), 0);
     const std::vector<std::string> story = libc().Story();
     ASSERT_EQ(story.size(), 60U * 3 + 5);
@@ -131,7 +131,7 @@ TEST_F(LinkDetectionTest, TheLastSleepComesBeforeGivingUp) {
 }
 
 TEST_F(LinkDetectionTest, AnAnswerWithoutTheLineIsRemovedAndAskedAgain) {
-    shell.Prints(kEthtool, {"Settings for eth0:\nNo data available\n"});
+    shell.Prints(kShowLink, {"Settings for eth0:\nNo data available\n"});
     EXPECT_EQ(IsWiredLinked(), 0);
     EXPECT_EQ(Count(Call::kSystem, kRemove), 60U);
     EXPECT_EQ(Count(Call::kSyslog, "IsWiredLinked ifstream"), 0U);
@@ -139,7 +139,7 @@ TEST_F(LinkDetectionTest, AnAnswerWithoutTheLineIsRemovedAndAskedAgain) {
 }
 
 TEST_F(LinkDetectionTest, AMissingResultFileIsAFailedAttempt) {
-    shell.LeavesNoFile(kEthtool);
+    shell.LeavesNoFile(kShowLink);
     EXPECT_EQ(IsWiredLinked(), 0);
     EXPECT_EQ(Count(Call::kSyslog, "IsWiredLinked ifstream"), 60U);
 }
@@ -148,7 +148,7 @@ TEST_F(LinkDetectionTest, ATurnThatSomebodyKeepsIsWaitedForOnce) {
     const velk::UniqueFd folder(open(testkit::kEditFolder, O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(folder.get(), LOCK_EX), 0);
     libc().ScriptAlways(Call::kNanosleep, testkit::Return(0));
-    shell.Prints(kEthtool, {"", "", kLinked});
+    shell.Prints(kShowLink, {"", "", kLinked});
     EXPECT_EQ(IsWiredLinked(), 1);
     EXPECT_EQ(libc().Events(Call::kNanosleep).size(), 1500U);
 }
@@ -181,7 +181,7 @@ class WiredPort {
 
 // Nobody can write results into a read-only folder.
 TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenTheKernelsFlagDecides) {
-    shell.LeavesNoFile(kEthtool);
+    shell.LeavesNoFile(kShowLink);
     const WiredPort port;
     const testkit::Mounted folder("none", testkit::kEditFolder, "tmpfs", MS_RDONLY, "");
     EXPECT_EQ(IsWiredLinked(), 1);
@@ -191,7 +191,7 @@ TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenTheKernelsFlagDecides) {
 }
 
 TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenAMissingPortHasNoLink) {
-    shell.LeavesNoFile(kEthtool);
+    shell.LeavesNoFile(kShowLink);
     const testkit::Mounted folder("none", testkit::kEditFolder, "tmpfs", MS_RDONLY, "");
     EXPECT_EQ(IsWiredLinked(), 0);
     libc().Script(Call::kSocket, {Fail(EMFILE)});
@@ -199,7 +199,7 @@ TEST_F(LinkDetectionTest, WhereNoResultCanBeWrittenAMissingPortHasNoLink) {
 }
 
 TEST_F(LinkDetectionTest, WhereResultsCanBeWrittenTheKernelIsNotAsked) {
-    shell.Prints(kEthtool, {""});
+    shell.Prints(kShowLink, {""});
     const WiredPort port;
     EXPECT_EQ(IsWiredLinked(), 0);
     EXPECT_TRUE(libc().Events(Call::kIoctl).empty());

@@ -12,9 +12,8 @@
 namespace {
 
 using testing::IsEmpty;
+using testkit::kShowLink;
 using testkit::WriteFile;
-
-constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
 
 class WirelessRefusalTest : public testkit::DeviceTest {
   protected:
@@ -22,20 +21,20 @@ class WirelessRefusalTest : public testkit::DeviceTest {
 };
 
 TEST_F(WirelessRefusalTest, AMissingAdapterIsReportedBeforeTheCable) {
-    shell.Prints(kEthtool, {"Link detected: yes\n"});
+    shell.Prints(kShowLink, {"Link detected: yes\n"});
     EXPECT_EQ(velk::WirelessRefusal(), -5);
     EXPECT_THAT(libc().Commands(), IsEmpty());
 }
 
 TEST_F(WirelessRefusalTest, AConnectedCableIsReportedIfTheAdapterIsThere) {
     WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
-    shell.Prints(kEthtool, {"Link detected: yes\n"});
+    shell.Prints(kShowLink, {"Link detected: yes\n"});
     EXPECT_EQ(velk::WirelessRefusal(), -6);
 }
 
 TEST_F(WirelessRefusalTest, NothingIsRefusedWithAnAdapterAndWithoutACable) {
     WriteFile(testkit::kUsbDevices, "S:  Product=QT4408RKM\n");
-    shell.Prints(kEthtool, {"Link detected: no\n"});
+    shell.Prints(kShowLink, {"Link detected: no\n"});
     EXPECT_EQ(velk::WirelessRefusal(), 0);
 }
 

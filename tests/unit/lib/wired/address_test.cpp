@@ -16,6 +16,7 @@
 #include "lib/base/unique_fd.h"
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "unit/lib/wired/named.h"
 
 namespace {
 
@@ -25,12 +26,7 @@ using testkit::Call;
 using testkit::Data;
 using testkit::Fail;
 using testkit::MakeRequest;
-
-ifreq Named(const std::string& name) {
-    ifreq ifr{};
-    name.copy(ifr.ifr_name, sizeof(ifr.ifr_name));
-    return ifr;
-}
+using testkit::Named;
 
 // A real interface named eth0 in the private network namespace.
 class KernelAddressTest : public testkit::DeviceTest {

@@ -12,6 +12,7 @@
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 #include "support/paths.h"
+#include "unit/lib/wired/named.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
+using testkit::Named;
 
 constexpr char kTable[] = "/var/tmp/route";
 const std::string kHeader =
@@ -28,12 +30,6 @@ const std::string kHeader =
 std::string Route(const std::string& interface, const std::string& destination,
                   const std::string& gateway) {
     return interface + "\t" + destination + "\t" + gateway + "\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
-}
-
-ifreq Named(const std::string& name) {
-    ifreq ifr{};
-    name.copy(ifr.ifr_name, sizeof(ifr.ifr_name));
-    return ifr;
 }
 
 class GatewayTest : public testkit::DeviceTest {

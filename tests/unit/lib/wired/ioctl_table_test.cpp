@@ -20,10 +20,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
+using testkit::kShowLink;
 using testkit::MakeRequest;
 using testkit::WriteFile;
-
-constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
 
 class IoctlTableTest : public testkit::DeviceTest {
   protected:
@@ -108,7 +107,7 @@ TEST_F(IoctlTableTest, ASocketThatCannotBeOpenedIsAFailure) {
 }
 
 TEST_F(IoctlTableTest, TheWirelessInterfaceNeedsAnAdapter) {
-    shell.Prints(kEthtool, {"Link detected: no\n"});
+    shell.Prints(kShowLink, {"Link detected: no\n"});
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_MAC_ADDRESS, "eth1"), -5);
     EXPECT_THAT(libc().Commands(), IsEmpty()) << "without an adapter the link is not asked for";
     EXPECT_THAT(libc().Logs(), IsEmpty());
@@ -116,14 +115,14 @@ TEST_F(IoctlTableTest, TheWirelessInterfaceNeedsAnAdapter) {
 
 TEST_F(IoctlTableTest, TheWirelessInterfaceIsRefusedWhileTheCableIsIn) {
     PlugAdapter();
-    shell.Prints(kEthtool, {"Link detected: yes\n"});
+    shell.Prints(kShowLink, {"Link detected: yes\n"});
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_MAC_ADDRESS, "eth1"), -6);
     EXPECT_TRUE(libc().Events(Call::kSocket).empty());
 }
 
 TEST_F(IoctlTableTest, TheWirelessInterfaceAnswersWhenTheCableIsOut) {
     PlugAdapter();
-    shell.Prints(kEthtool, {"Link detected: no\n"});
+    shell.Prints(kShowLink, {"Link detected: no\n"});
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_MAC_ADDRESS, "eth1"), 0);
     EXPECT_THAT(libc().Logs(), ElementsAre("ioctl errno=19:No such device"));
 }

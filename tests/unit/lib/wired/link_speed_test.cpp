@@ -19,7 +19,7 @@ using testkit::Call;
 using testkit::Data;
 using testkit::Fail;
 
-constexpr char kEthtool[] = "sudo ethtool eth0";
+constexpr char kShowSpeed[] = "sudo ethtool eth0";
 
 // ethtool 3.x, as older devices carry it.
 constexpr char kOldOutput[] =
@@ -38,7 +38,7 @@ constexpr char kOldOutput[] =
     "\tLink detected: yes\n";
 
 // ethtool 6.x on a tap interface.
-constexpr char kNewOutput[] =
+constexpr char kVirtualOutput[] =
     "Settings for eth0:\n"
     "\tSupported ports: [  ]\n"
     "\tSupported link modes:   Not reported\n"
@@ -60,7 +60,7 @@ constexpr char kNewOutput[] =
 class LinkSpeedTest : public testkit::DeviceTest {
   protected:
     int Get(const std::string& output) {
-        shell.Prints(kEthtool, {output});
+        shell.Prints(kShowSpeed, {output});
         return Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0");
     }
     // The mode of such an output.
@@ -85,7 +85,7 @@ TEST_F(LinkSpeedTest, ReadsEachMode) {
 
 TEST_F(LinkSpeedTest, ReadsOldAndNewOutputs) {
     EXPECT_EQ(Mode(kOldOutput), 3);
-    EXPECT_EQ(Mode(kNewOutput), 4);
+    EXPECT_EQ(Mode(kVirtualOutput), 4);
 }
 
 TEST_F(LinkSpeedTest, RunsExactlyTheseLines) {
@@ -143,7 +143,7 @@ TEST_F(LinkSpeedTest, AnEmptyOutputIsAnError) {
 }
 
 TEST_F(LinkSpeedTest, AMissingResultFileIsAnError) {
-    shell.LeavesNoFile(kEthtool);
+    shell.LeavesNoFile(kShowSpeed);
     EXPECT_EQ(Execute(VELK_GET, VELK_CMD_LINK_SPEED, "eth0"), -1);
     EXPECT_THAT(libc().Logs(), ElementsAre("ifstream"));
     EXPECT_THAT(libc().Commands(), ElementsAre("sudo ethtool eth0 > /var/tmp/get_result"))

@@ -23,9 +23,8 @@ using testkit::Call;
 using testkit::Event;
 using testkit::Fail;
 using testkit::kReplySocket;
+using testkit::kSomebody;
 using testkit::Return;
-
-constexpr uid_t kSomebody = 12345;
 
 class ChannelTest : public testkit::DeviceTest {
   protected:

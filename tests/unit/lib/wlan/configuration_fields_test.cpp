@@ -9,10 +9,13 @@
 
 #include <gmock/gmock.h>
 
+#include "unit/lib/wlan/bytes.h"
 #include "velk/request.h"
 #include "velk/wlan.h"
 
 namespace {
+
+using testkit::Bytes;
 
 using Getter = int (*)(const SMsgConf&, char*);
 using Setter = int (*)(SMsgConf&, const char*);
@@ -26,10 +29,6 @@ SMsgConf Patterned() {
     }
     conf.encryption = 0;
     return conf;
-}
-
-std::string Bytes(const SMsgConf& conf) {
-    return {reinterpret_cast<const char*>(&conf), sizeof(conf)};
 }
 
 // The record's bytes with those of one field cut out.

@@ -10,11 +10,13 @@
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "unit/lib/wlan/bytes.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testkit::Bytes;
 using testkit::Call;
 using testkit::Data;
 using testkit::MakeRequest;
@@ -38,10 +40,6 @@ SMsgConf SampleConf() {
     conf.psk_length = 8;
     memcpy(conf.psk, "password", 8);
     return conf;
-}
-
-std::string Bytes(const SMsgConf& conf) {
-    return {reinterpret_cast<const char*>(&conf), sizeof(conf)};
 }
 
 class ConfigurationTest : public testkit::DeviceTest {

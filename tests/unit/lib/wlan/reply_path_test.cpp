@@ -16,9 +16,8 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testkit::kSomebody;
 using velk::ReplyPathOwner;
-
-constexpr uid_t kSomebody = 12345;
 
 class ReplyPathTest : public testkit::DeviceTest {};
 

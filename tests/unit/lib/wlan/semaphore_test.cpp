@@ -23,6 +23,7 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
 using testkit::kSemaphoreFile;
+using testkit::kSomebody;
 
 class SemaphoreTest : public testkit::DeviceTest {};
 
@@ -79,8 +80,6 @@ TEST_F(SemaphoreTest, AMissingNameIsLogged) {
 
 class ReadySemaphoreTest : public testkit::DeviceTest {
   protected:
-    static constexpr uid_t kSomebody = 12345;
-
     // Mode and value of the file are those of a semaphore that nobody else can post.
     static void ExpectFresh(const velk::ReadySemaphore& ready) {
         ASSERT_TRUE(ready.is_private());

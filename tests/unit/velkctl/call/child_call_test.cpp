@@ -15,12 +15,14 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "unit/velkctl/call/samples.h"
 
 namespace {
 
 using testkit::Call;
 using testkit::Event;
 using testkit::Exists;
+using testkit::kRestart;
 using testkit::Return;
 using testkit::WriteFile;
 using velkctl::ChildCall;
@@ -28,7 +30,6 @@ using velkctl::Command;
 using velkctl::StopSignals;
 
 constexpr Command kGetDns{VELK_GET, VELK_CMD_DNS, "eth0"};
-constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
 
 constexpr std::chrono::milliseconds kNoGrace{0};
 

@@ -5,25 +5,29 @@
 #include "velkctl/call/cleanup.h"
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
 #include <semaphore.h>
 #include <sys/file.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 
 #include "lib/base/unique_fd.h"
 #include "support/device_test.h"
 #include "support/edit_copy.h"
 #include "support/paths.h"
+#include "unit/velkctl/call/samples.h"
 
 namespace {
 
 using testkit::Exists;
+using testkit::kChange;
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
+using testkit::kLockFile;
 using testkit::kReplySocket;
+using testkit::WriteCopy;
 using testkit::WriteFile;
 using velkctl::CleanUp;
 using velkctl::Command;
@@ -32,18 +36,8 @@ constexpr auto& kSemaphore = testkit::kSemaphoreFile;
 constexpr auto& kToolOutput = testkit::kResultFile;
 // Readers of a tool's output take turns on it.
 constexpr auto& kReadersFolder = testkit::kEditFolder;
-constexpr auto& kLock = testkit::kLockFile;
-constexpr auto& kInterfaces = testkit::kInterfacesFile;
-constexpr auto& kEditCopy = testkit::kInterfacesCopy;
 
 constexpr Command kQuery{VELK_GET, VELK_CMD_SSID, "eth1"};
-constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
-
-// Makes an edit copy with the library's mode.
-void WriteCopy(const std::string& path, std::string_view text) {
-    WriteFile(path, text);
-    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
-}
 
 class CleanUpTest : public testkit::DeviceTest {
   protected:
@@ -52,9 +46,9 @@ class CleanUpTest : public testkit::DeviceTest {
         (void)sem_close(sem_open("/WlanAplRecvSem", O_CREAT | O_RDWR, 0666, 1));
         const velk::UniqueFd reply(BoundReplySocket());
         WriteFile(kToolOutput, "Link detected: yes\n");
-        WriteFile(kLock, "");
-        WriteFile(kInterfaces, "iface eth0 inet static\n");
-        WriteCopy(kEditCopy, "iface eth0 inet dhcp\n");
+        WriteFile(kLockFile, "");
+        WriteFile(kInterfacesFile, "iface eth0 inet static\n");
+        WriteCopy(kInterfacesCopy, "iface eth0 inet dhcp\n");
     }
     static int BoundReplySocket() {
         const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -66,7 +60,7 @@ class CleanUpTest : public testkit::DeviceTest {
     }
     static std::vector<std::string> Left() {
         std::vector<std::string> left;
-        for (const char* path : {kReplySocket, kSemaphore, kToolOutput, kEditCopy}) {
+        for (const char* path : {kReplySocket, kSemaphore, kToolOutput, kInterfacesCopy}) {
             if (Exists(path)) {
                 left.emplace_back(path);
             }
@@ -80,14 +74,14 @@ using Paths = std::vector<std::string>;
 TEST_F(CleanUpTest, AQueryLeavesNoSocketAndNoSemaphore) {
     LeaveEverything();
     CleanUp(kQuery, true);
-    EXPECT_EQ(Left(), Paths{kEditCopy});
+    EXPECT_EQ(Left(), Paths{kInterfacesCopy});
 }
 
 TEST_F(CleanUpTest, AQueryLeavesNoSemaphoreWithoutASocket) {
     LeaveEverything();
     unlink(kReplySocket);
     CleanUp(kQuery, true);
-    EXPECT_EQ(Left(), Paths{kEditCopy});
+    EXPECT_EQ(Left(), Paths{kInterfacesCopy});
 }
 
 TEST_F(CleanUpTest, TheQueryOfAnotherProgramStays) {
@@ -95,7 +89,7 @@ TEST_F(CleanUpTest, TheQueryOfAnotherProgramStays) {
     unlink(kReplySocket);
     const velk::UniqueFd other(BoundReplySocket());
     CleanUp(kQuery, true);
-    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kInterfacesCopy}));
 }
 
 TEST_F(CleanUpTest, AChangeLeavesNoEditCopyOfItsOwn) {
@@ -117,7 +111,7 @@ TEST_F(CleanUpTest, AChangeLeavesNoEditCopyOfItsOwn) {
 TEST_F(CleanUpTest, AChangeLeavesNoEditCopyInAnyState) {
     for (const char* copy : {"", "iface eth0", "iface eth0 inet static\n", "iface eth1\n"}) {
         LeaveEverything();
-        WriteCopy(kEditCopy, copy);
+        WriteCopy(kInterfacesCopy, copy);
         CleanUp(kChange, true);
         EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore})) << copy;
         unlink(kReplySocket);
@@ -127,29 +121,29 @@ TEST_F(CleanUpTest, AChangeLeavesNoEditCopyInAnyState) {
 TEST_F(CleanUpTest, TheRestOfAFileThatWasCutStays) {
     for (const char* cut : {"", "iface eth0"}) {
         LeaveEverything();
-        WriteFile(kInterfaces, cut);
+        WriteFile(kInterfacesFile, cut);
         CleanUp(kChange, true);
-        EXPECT_EQ(testkit::ReadFile(kEditCopy), "iface eth0 inet dhcp\n");
+        EXPECT_EQ(testkit::ReadFile(kInterfacesCopy), "iface eth0 inet dhcp\n");
         unlink(kReplySocket);
     }
-    unlink(kInterfaces);
+    unlink(kInterfacesFile);
     CleanUp(kChange, true);
-    EXPECT_TRUE(Exists(kEditCopy));
+    EXPECT_TRUE(Exists(kInterfacesCopy));
 }
 
 TEST_F(CleanUpTest, AFileThatNoEditMadeStays) {
-    WriteFile(kInterfaces, "iface eth0 inet static\n");
-    WriteFile(kLock, "");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n");
+    WriteFile(kLockFile, "");
     WriteFile("/tmp/mine", "iface eth0 inet dhcp\n");
-    ASSERT_EQ(symlink("/tmp/mine", kEditCopy), 0);
+    ASSERT_EQ(symlink("/tmp/mine", kInterfacesCopy), 0);
     CleanUp(kChange, true);
-    EXPECT_TRUE(Exists(kEditCopy));
+    EXPECT_TRUE(Exists(kInterfacesCopy));
 }
 
 TEST_F(CleanUpTest, AnEditCopyStaysWhileAToolMayBePuttingItInPlace) {
     LeaveEverything();
     CleanUp(kChange, false);
-    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kInterfacesCopy}));
 }
 
 TEST_F(CleanUpTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
@@ -157,16 +151,16 @@ TEST_F(CleanUpTest, AnEditCopyStaysWhileAnotherProgramChangesSettings) {
     const int lock = VkLibLock();
     CleanUp(kChange, true);
     VkLibUnLock(lock);
-    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kInterfacesCopy}));
 }
 
 // The library makes that file before its first edit copy.
 TEST_F(CleanUpTest, AnEditCopyStaysWithoutALockFile) {
     LeaveEverything();
-    unlink(kLock);
+    unlink(kLockFile);
     CleanUp(kChange, true);
-    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
-    EXPECT_FALSE(Exists(kLock));
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kInterfacesCopy}));
+    EXPECT_FALSE(Exists(kLockFile));
 }
 
 // A log without a reader blocks its writers.
@@ -188,14 +182,14 @@ TEST_F(CleanUpTest, TheToolOutputOfAnotherProgramStays) {
 TEST_F(CleanUpTest, ARestartLeavesNoQueryAndNoEditCopy) {
     LeaveEverything();
     CleanUp({VELK_RESTART, VELK_CMD_RESTART, "eth1"}, true);
-    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kEditCopy}));
+    EXPECT_EQ(Left(), (Paths{kReplySocket, kSemaphore, kInterfacesCopy}));
 }
 
 TEST_F(CleanUpTest, WithoutFilesThereIsNothingToRemove) {
     CleanUp(kQuery, true);
     CleanUp({VELK_GET, VELK_CMD_DNS, "eth0"}, true);
     EXPECT_EQ(Left(), Paths{});
-    EXPECT_FALSE(Exists(kLock));
+    EXPECT_FALSE(Exists(kLockFile));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "unit/velkctl/call/samples.h"
 #include "velkctl/call/stop_signals.h"
 #include "velkctl/call/watched_call.h"
 
@@ -22,6 +23,8 @@ namespace {
 using testing::MatchesRegex;
 using testkit::Call;
 using testkit::Event;
+using testkit::kResolverFile;
+using testkit::kRestart;
 using testkit::Return;
 using velkctl::Answer;
 using velkctl::Command;
@@ -33,9 +36,7 @@ using velkctl::Report;
 using velkctl::StopSignals;
 using velkctl::TimeLimits;
 
-constexpr auto& kResolver = testkit::kResolverFile;
 constexpr Command kSetDns{VELK_SET, VELK_CMD_DNS, "eth0"};
-constexpr Command kRestart{VELK_RESTART, VELK_CMD_RESTART, "eth0"};
 
 class VelkctlDeviceTest : public testkit::DeviceTest {
   protected:
@@ -61,7 +62,7 @@ class VelkctlDeviceTest : public testkit::DeviceTest {
 TEST_F(VelkctlDeviceTest, ACommandWithAFreeLockDoesNotWait) {
     const Answer answer = Run(kSetDns, {30, 0}, "eth0.dns");
     EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
-    EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
+    EXPECT_EQ(testkit::ReadFile(kResolverFile), "nameserver 10.0.0.1\n");
     EXPECT_TRUE(libc().Texts(Call::kNanosleep).empty());
     EXPECT_EQ(error, "");
 }
@@ -104,7 +105,7 @@ TEST_F(VelkctlDeviceTest, PausesBetweenTriesForTheLockGrow) {
     EXPECT_EQ(libc().Texts(Call::kNanosleep),
               (std::vector<std::string>{"50000000", "100000000", "200000000", "250000000",
                                         "250000000", "150000000"}));
-    EXPECT_FALSE(testkit::Exists(kResolver));
+    EXPECT_FALSE(testkit::Exists(kResolverFile));
     EXPECT_THAT(
         error,
         MatchesRegex("velkctl: note: waiting at most 1 s for the lock, held by process [0-9]+ "
@@ -124,7 +125,7 @@ TEST_F(VelkctlDeviceTest, AReleasedLockIsTaken) {
     EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
     EXPECT_EQ(answer.note, "");
     EXPECT_EQ(pauses, 3);
-    EXPECT_EQ(testkit::ReadFile(kResolver), "nameserver 10.0.0.1\n");
+    EXPECT_EQ(testkit::ReadFile(kResolverFile), "nameserver 10.0.0.1\n");
 }
 
 TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitForTheLock) {
@@ -304,12 +305,12 @@ TEST_F(VelkctlDeviceTest, AConfiguredAddressNeedsNoProcessAndALeaseDoes) {
 }
 
 TEST_F(VelkctlDeviceTest, AReadingOfAFileNeedsNoProcess) {
-    testkit::WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    testkit::WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
     const Answer answer = Run({VELK_GET, VELK_CMD_DNS, "eth0"}, {}, "eth0.dns");
     EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
     // A child's calls would not be recorded here.
     std::vector<std::string> opened = libc().Texts(Call::kOpen);
-    EXPECT_EQ(opened, std::vector<std::string>{kResolver});
+    EXPECT_EQ(opened, std::vector<std::string>{kResolverFile});
 }
 
 }  // namespace

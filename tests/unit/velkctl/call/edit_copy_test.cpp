@@ -20,14 +20,13 @@
 namespace {
 
 using testkit::kCrontab;
+using testkit::kCrontabCopy;
+using testkit::kSomebody;
 using testkit::WriteFile;
 using velkctl::Command;
 using velkctl::EditCopy;
 using velkctl::EditState;
 using velkctl::FindEditCopies;
-
-constexpr auto& kCopy = testkit::kCrontabCopy;
-constexpr uid_t kSomebody = 1234;
 
 class EditCopyTest : public testkit::DeviceTest {
   protected:
@@ -37,8 +36,8 @@ class EditCopyTest : public testkit::DeviceTest {
         return copies.empty() ? EditCopy{} : copies.front();
     }
     static void WriteCopy(std::string_view text) {
-        WriteFile(kCopy, text);
-        ASSERT_EQ(chmod(kCopy, 0600), 0);
+        WriteFile(kCrontabCopy, text);
+        ASSERT_EQ(chmod(kCrontabCopy, 0600), 0);
     }
     static EditState StateOf(std::string_view copy, std::string_view file) {
         WriteCopy(copy);
@@ -96,15 +95,15 @@ TEST_F(EditCopyTest, DoesNotCompareUnreadableFiles) {
 TEST_F(EditCopyTest, DoesNotTrustLinksNorOtherKindsOfFiles) {
     WriteFile(kCrontab, "");
     WriteFile("/tmp/mine", "a\n");
-    ASSERT_EQ(symlink("/tmp/mine", kCopy), 0);
+    ASSERT_EQ(symlink("/tmp/mine", kCrontabCopy), 0);
     EXPECT_EQ(Found().state, EditState::kForeign);
-    ASSERT_EQ(unlink(kCopy), 0);
-    ASSERT_EQ(mkfifo(kCopy, 0600), 0);
+    ASSERT_EQ(unlink(kCrontabCopy), 0);
+    ASSERT_EQ(mkfifo(kCrontabCopy, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kForeign);
-    ASSERT_EQ(unlink(kCopy), 0);
+    ASSERT_EQ(unlink(kCrontabCopy), 0);
     WriteCopy("a\n");
     EXPECT_EQ(Found().state, EditState::kCut);
-    ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
+    ASSERT_EQ(link(kCrontabCopy, "/var/tmp/its-other-name"), 0);
     EXPECT_EQ(Found().state, EditState::kForeign);
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
 }
@@ -114,18 +113,18 @@ TEST_F(EditCopyTest, DoesNotTrustAFileThatOthersMayReadOrWrite) {
     WriteFile(kCrontab, "");
     WriteCopy("a\n");
     for (const mode_t mode : {0640U, 0606U, 0700U, 0400U, 04600U, 04644U, 01600U, 0U}) {
-        ASSERT_EQ(chmod(kCopy, mode), 0);
+        ASSERT_EQ(chmod(kCrontabCopy, mode), 0);
         EXPECT_EQ(Found().state, EditState::kForeign) << std::oct << mode;
         EXPECT_EQ(DescribeNewLines(Found()), "") << std::oct << mode;
     }
-    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    ASSERT_EQ(chmod(kCrontabCopy, 0600), 0);
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
 // A host with different real and effective users makes its copies with mode 644.
 TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
     WriteCopy("a\nb\n");
-    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    ASSERT_EQ(chmod(kCrontabCopy, 0644), 0);
     for (const char* cut : {"", "a\n", "a\nb"}) {
         WriteFile(kCrontab, cut);
         EXPECT_EQ(Found().state, EditState::kUnproven) << cut;
@@ -138,19 +137,19 @@ TEST_F(EditCopyTest, KeepsInDoubtAFileOfMode644ThatHasMoreThanTheFile) {
         EXPECT_EQ(Found().state, EditState::kForeign) << whole;
     }
     WriteFile(kCrontab, "");
-    WriteFile(kCopy, "");
+    WriteFile(kCrontabCopy, "");
     EXPECT_EQ(Found().state, EditState::kForeign) << "it has nothing";
 }
 
 TEST_F(EditCopyTest, HasNoDoubtAboutAFileOfMode644OfSomebodyElse) {
     WriteFile(kCrontab, "");
     WriteCopy("a\n");
-    ASSERT_EQ(chmod(kCopy, 0644), 0);
-    ASSERT_EQ(link(kCopy, "/var/tmp/its-other-name"), 0);
+    ASSERT_EQ(chmod(kCrontabCopy, 0644), 0);
+    ASSERT_EQ(link(kCrontabCopy, "/var/tmp/its-other-name"), 0);
     EXPECT_EQ(Found().state, EditState::kForeign);
     ASSERT_EQ(unlink("/var/tmp/its-other-name"), 0);
     EXPECT_EQ(Found().state, EditState::kUnproven);
-    if (chown(kCopy, kSomebody, kSomebody) == -1) {
+    if (chown(kCrontabCopy, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(Found().state, EditState::kForeign);
@@ -159,13 +158,13 @@ TEST_F(EditCopyTest, HasNoDoubtAboutAFileOfMode644OfSomebodyElse) {
 TEST_F(EditCopyTest, TrustsTheFilesOwnerAndNobodyElse) {
     WriteFile(kCrontab, "");
     WriteCopy("a\n");
-    if (chown(kCopy, kSomebody, kSomebody) == -1) {
+    if (chown(kCrontabCopy, kSomebody, kSomebody) == -1) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_EQ(Found().state, EditState::kForeign);
     ASSERT_EQ(chown(kCrontab, kSomebody, kSomebody), 0);
     EXPECT_EQ(Found().state, EditState::kCut);
-    ASSERT_EQ(chown(kCopy, 0, 0), 0);
+    ASSERT_EQ(chown(kCrontabCopy, 0, 0), 0);
     EXPECT_EQ(Found().state, EditState::kCut);
 }
 
@@ -210,7 +209,7 @@ TEST_F(EditCopyTest, TheShellLineMakesNoLockWhereThereIsNone) {
     EXPECT_EQ(DiscardCommand(Found()), "rm /var/tmp/root");
     EXPECT_EQ(system(DiscardCommand(Found()).c_str()), 0);
     EXPECT_FALSE(testkit::Exists("/var/tmp/vklib_lock"));
-    EXPECT_FALSE(testkit::Exists(kCopy));
+    EXPECT_FALSE(testkit::Exists(kCrontabCopy));
 }
 
 // The copies that the library makes on request.

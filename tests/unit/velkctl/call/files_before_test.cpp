@@ -16,23 +16,22 @@
 
 namespace {
 
+using testkit::kInterfacesCopy;
+using testkit::kInterfacesFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::FilesBefore;
 using velkctl::FindSetting;
 
-constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr auto& kDhcpConfig = testkit::kDhcpConfigFile;
-constexpr auto& kCopy = testkit::kInterfacesCopy;
 
 class FilesBeforeTest : public testkit::DeviceTest {
   protected:
     static FilesBefore Before() { return FilesBefore(*FindSetting("eth0.method")); }
     // Returns the losses of this change of the file.
     static std::string Losses(std::string_view before, std::string_view after) {
-        WriteFile(kInterfaces, before);
+        WriteFile(kInterfacesFile, before);
         const FilesBefore files = Before();
-        WriteFile(kInterfaces, after);
+        WriteFile(kInterfacesFile, after);
         return files.Losses();
     }
 };
@@ -56,12 +55,12 @@ TEST_F(FilesBeforeTest, NamesAFileThatIsEmptyOrCut) {
 }
 
 TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
-    WriteFile(kCopy, "a\nc\n");
-    ASSERT_EQ(chmod(kCopy, 0600), 0);
+    WriteFile(kInterfacesCopy, "a\nc\n");
+    ASSERT_EQ(chmod(kInterfacesCopy, 0600), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and the rest is in its edit copy "
               "/var/tmp/interfaces, see 'velkctl doctor'");
-    ASSERT_EQ(chmod(kCopy, 0640), 0);
+    ASSERT_EQ(chmod(kInterfacesCopy, 0640), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and no edit copy has the rest: "
               "restore it before the device restarts")
@@ -70,19 +69,19 @@ TEST_F(FilesBeforeTest, NamesTheEditCopyThatHasTheRest) {
 
 // A host with different real and effective users makes its copies with mode 644.
 TEST_F(FilesBeforeTest, NamesACopyThatMayHaveTheRest) {
-    WriteFile(kCopy, "a\nc\n");
-    ASSERT_EQ(chmod(kCopy, 0644), 0);
+    WriteFile(kInterfacesCopy, "a\nc\n");
+    ASSERT_EQ(chmod(kInterfacesCopy, 0644), 0);
     EXPECT_EQ(Losses("a\nb\n", ""),
               "/etc/network/interfaces is empty since this set, and /var/tmp/interfaces may be the "
               "only complete text; look at it before you remove it, see 'velkctl doctor'");
 }
 
 TEST_F(FilesBeforeTest, NamesEveryFileOfTheSetting) {
-    WriteFile(kInterfaces, "a\n");
+    WriteFile(kInterfacesFile, "a\n");
     WriteFile(kDhcpConfig, "b\n");
     WriteFile("/var/cron/tabs/root", "c\n");
     const FilesBefore files = Before();
-    WriteFile(kInterfaces, "");
+    WriteFile(kInterfacesFile, "");
     WriteFile(kDhcpConfig, "");
     WriteFile("/var/cron/tabs/root", "");
     EXPECT_EQ(files.Losses(),
@@ -93,10 +92,10 @@ TEST_F(FilesBeforeTest, NamesEveryFileOfTheSetting) {
 
 TEST_F(FilesBeforeTest, NamesNoFileThatCannotBeRead) {
     EXPECT_EQ(Before().Losses(), "");
-    WriteFile(kInterfaces, "a\n");
+    WriteFile(kInterfacesFile, "a\n");
     const FilesBefore files = Before();
-    ASSERT_EQ(unlink(kInterfaces), 0);
-    ASSERT_EQ(mkfifo(kInterfaces, 0600), 0);
+    ASSERT_EQ(unlink(kInterfacesFile), 0);
+    ASSERT_EQ(mkfifo(kInterfacesFile, 0600), 0);
     EXPECT_EQ(files.Losses(), "");
 }
 

@@ -8,20 +8,20 @@
 #include <vector>
 
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
+using testkit::kInterfacesFile;
 using testkit::WriteFile;
 using velkctl::FindSetting;
 using velkctl::SettingChange;
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 
 class PlannedValuesTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
         testkit::DeviceTest::SetUp();
-        WriteFile(kInterfaces,
+        WriteFile(kInterfacesFile,
                   "iface eth0 inet static\naddress 192.168.0.10\nnetmask 255.255.255.0\n");
     }
     void Plan(const std::string& name, const std::string& word) {

@@ -5,27 +5,18 @@
 #include "velkctl/call/unfinished_edits.h"
 
 #include <string>
-#include <string_view>
-
-#include <sys/stat.h>
 
 #include "support/device_test.h"
 #include "support/paths.h"
+#include "unit/velkctl/call/samples.h"
 
 namespace {
 
+using testkit::kChange;
+using testkit::kLockFile;
+using testkit::WriteCopy;
 using testkit::WriteFile;
 using velkctl::Command;
-
-constexpr auto& kLock = testkit::kLockFile;
-
-constexpr Command kChange{VELK_SET, VELK_CMD_IP_METHOD, "eth0"};
-
-// Makes an edit copy with the mode that the library gives it.
-void WriteCopy(const std::string& path, std::string_view text) {
-    WriteFile(path, text);
-    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
-}
 
 class UnfinishedEdits : public testkit::DeviceTest {
   protected:
@@ -64,7 +55,7 @@ TEST_F(UnfinishedEdits, MayBeInACopyOfMode644) {
 }
 
 TEST_F(UnfinishedEdits, AreNotedWithoutTheSystemLog) {
-    WriteFile(kLock, "");
+    WriteFile(kLockFile, "");
     WriteFile("/etc/dhclient.conf", "");
     WriteCopy("/var/tmp/dhclient.conf", "timeout 10;\n");
     EXPECT_NE(NotesOf(kChange), "");

@@ -4,24 +4,24 @@
 // The width of the output of help, list, describe and explain.
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/words.h"
 #include "velkctl/cli/command_line.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/settings/catalogue.h"
 
 namespace {
 
-using Arguments = std::vector<std::string>;
+using testkit::Words;
 
 constexpr size_t kColumns = 80;
 constexpr int kLowestResult = -6;
 constexpr int kHighestStatus = 9;
 
 // Returns the lines that do not fit, after the arguments.
-std::string WideLinesOf(const Arguments& arguments) {
+std::string WideLinesOf(const Words& arguments) {
     velkctl::Report report(velkctl::Report::Form::kText);
     testing::internal::CaptureStdout();
     EXPECT_EQ(RunCommandLine(arguments, report), velkctl::ExitStatus::kDone) << arguments.back();

@@ -6,18 +6,18 @@
 
 #include "support/device_test.h"
 #include "support/left_client.h"
+#include "support/paths.h"
 #include "velkctl/doctor/checks.h"
 
 namespace {
 
 using testing::EndsWith;
 using testing::StartsWith;
+using testkit::kInterfacesFile;
 using testkit::LeftClient;
 using testkit::WriteFile;
 using velkctl::CheckDhcpClients;
 using velkctl::Findings;
-
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 
 // The test also sees clients of the machine around it.
 class ClientChecks : public testkit::DeviceTest {
@@ -26,7 +26,7 @@ class ClientChecks : public testkit::DeviceTest {
 };
 
 TEST_F(ClientChecks, FindAClientOfAnInterfaceWithAStaticAddress) {
-    WriteFile(kInterfaces, "auto eth0\niface eth0 inet static\n");
+    WriteFile(kInterfacesFile, "auto eth0\niface eth0 inet static\n");
     const Findings findings = CheckDhcpClients();
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].subject, "eth0.address");
@@ -38,9 +38,9 @@ TEST_F(ClientChecks, FindAClientOfAnInterfaceWithAStaticAddress) {
 }
 
 TEST_F(ClientChecks, TakeAClientOfAnInterfaceOnDhcp) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n");
     EXPECT_TRUE(CheckDhcpClients().empty());
-    WriteFile(kInterfaces, "");
+    WriteFile(kInterfacesFile, "");
     EXPECT_TRUE(CheckDhcpClients().empty()) << "no stanza";
 }
 

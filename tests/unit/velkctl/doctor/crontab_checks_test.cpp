@@ -26,7 +26,7 @@ class CrontabCheck : public testkit::DeviceTest {
     }
 };
 
-constexpr char kFix[] =
+constexpr char kWriteEntry[] =
     "  fix: write: 0 * * * * /usr/bin/ntpdate -u SERVER > /var/libvelk/ntp.log\n";
 
 TEST_F(CrontabCheck, SaysNothingAboutAProperTimeEntry) {
@@ -38,7 +38,7 @@ TEST_F(CrontabCheck, FindsNoTimeEntry) {
     EXPECT_EQ(ExamineTime("0 * * * * true\n"),
               "problem: ntp and ntp-server cannot be set\n"
               "  /var/cron/tabs/root: no entry runs ntpdate\n" +
-                  std::string(kFix));
+                  std::string(kWriteEntry));
 }
 
 TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
@@ -46,15 +46,15 @@ TEST_F(CrontabCheck, FindsAServerThatIsTheLastWord) {
         ExamineTime("0 * * * * ntpdate 2>/var/libvelk/ntp.log 10.0.0.1\n"),
         "problem: ntp-server is read and set in the wrong place\n"
         "  /var/cron/tabs/root:1: the library takes '2>/var/libvelk/ntp.log' for the server\n" +
-            std::string(kFix));
+            std::string(kWriteEntry));
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate 10.0.0.1\n"),
               "problem: ntp-server cannot be set\n"
               "  /var/cron/tabs/root:1: the server is the last word of the line\n"
               "  a set joins the entry with the next line\n" +
-                  std::string(kFix) +
+                  std::string(kWriteEntry) +
                   "warning: ntp-result does not show the result of this entry\n"
                   "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
-                  kFix);
+                  kWriteEntry);
 }
 
 TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
@@ -62,15 +62,15 @@ TEST_F(CrontabCheck, FindsNoPlaceForAServer) {
               "problem: ntp-server cannot be set\n"
               "  /var/cron/tabs/root:1: the entry has no server\n"
               "  it has no '>' before which to put one\n" +
-                  std::string(kFix) +
+                  std::string(kWriteEntry) +
                   "warning: ntp-result does not show the result of this entry\n"
                   "  /var/cron/tabs/root:1: its output does not go to /var/libvelk/ntp.log\n" +
-                  kFix);
+                  kWriteEntry);
     EXPECT_EQ(
         ExamineTime("0 * * * * ntpdate -u > /var/libvelk/ntp.log\n"),
         "problem: ntp-server cannot be set\n"
         "  /var/cron/tabs/root:1: a new server would be joined to another word on the line\n" +
-            std::string(kFix));
+            std::string(kWriteEntry));
 }
 
 TEST_F(CrontabCheck, FindsAServerWithTextThatOccursEarlierOnTheLine) {
@@ -102,7 +102,7 @@ TEST_F(CrontabCheck, FindsAnOptionThatIsTakenForTheServer) {
     EXPECT_EQ(ExamineTime("0 * * * * ntpdate -t 5 10.0.0.1 > /var/libvelk/ntp.log\n"),
               "problem: ntp-server is read and set in the wrong place\n"
               "  /var/cron/tabs/root:1: the library takes the option '-t 5' for the server\n" +
-                  std::string(kFix));
+                  std::string(kWriteEntry));
 }
 
 TEST_F(CrontabCheck, FindsRemarksAndTwoMarks) {

@@ -12,7 +12,6 @@
 namespace {
 
 using velkctl::Finding;
-using velkctl::Findings;
 using velkctl::Severity;
 
 const Finding kProblem{.subject = "eth1.gateway",

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include "support/device_test.h"
@@ -14,12 +15,9 @@
 
 namespace {
 
+using testing::HasSubstr;
 using testkit::WriteFile;
 using velkctl::FormatFindings;
-
-bool Holds(const std::string& whole, const std::string& part) {
-    return whole.find(part) != std::string::npos;
-}
 
 class IdentityCheck : public testkit::DeviceTest {};
 
@@ -63,7 +61,8 @@ TEST_F(IdentityCheck, LogsNothingOfATextThatIsGoneInTheMiddle) {
     WriteFile("/usr/local/share/etc/snmp/snmpd.conf", "syscontact a\nsyslocation b\n");
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=see syslocation\n");
     libc().Script(testkit::Call::kOpen, {testkit::Pass(), testkit::Pass(), testkit::Fail(ENOENT)});
-    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckIdentity()), "the text contains 'syslocation'"));
+    EXPECT_THAT(FormatFindings(velkctl::CheckIdentity()),
+                HasSubstr("the text contains 'syslocation'"));
     EXPECT_TRUE(libc().Logs().empty());
 }
 
@@ -75,7 +74,8 @@ TEST_F(IdentityCheck, LooksOnlyAtTheTextThatIsRead) {
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=a\nADMINISTRATOR=syslocation\n");
     EXPECT_EQ(FormatFindings(velkctl::CheckIdentity()), "");
     WriteFile("/var/libvelk/libvelk", "ADMINISTRATOR=" + filler + "syslocation\n");
-    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckIdentity()), "the text contains 'syslocation'"));
+    EXPECT_THAT(FormatFindings(velkctl::CheckIdentity()),
+                HasSubstr("the text contains 'syslocation'"));
 }
 
 }  // namespace

@@ -19,6 +19,8 @@
 namespace {
 
 using testkit::kCrontab;
+using testkit::kExitHooks;
+using testkit::kInterfacesFile;
 using testkit::WriteFile;
 using velkctl::Findings;
 using velkctl::Impact;
@@ -26,12 +28,10 @@ using velkctl::LikelyCauses;
 using velkctl::Setting;
 using velkctl::Severity;
 
-constexpr auto& kInterfaces = testkit::kInterfacesFile;
-constexpr auto& kHooks = testkit::kExitHooks;
 constexpr auto& kDhcpConfig = testkit::kDhcpConfigFile;
 constexpr auto& kIdentity = testkit::kIdentityFile;
 
-constexpr char kEth1[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
+constexpr char kEth1Address[] = "iface eth1 inet static\n\taddress 10.0.0.2\n";
 
 Setting Find(const std::string& name) {
     return velkctl::FindSetting(name).value();
@@ -66,7 +66,7 @@ class LikelyCausesTest : public testkit::DeviceTest {
 };
 
 TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
-    WriteFile(kInterfaces, "iface lo inet loopback\n");
+    WriteFile(kInterfacesFile, "iface lo inet loopback\n");
     WriteFile(kDhcpConfig, "");
     Set("eth0.method", "\x01");
     Set("eth0.address", "10.0.0.5");
@@ -80,7 +80,7 @@ TEST_F(LikelyCausesTest, AnInterfaceWithoutAStanzaHoldsNoValues) {
 }
 
 TEST_F(LikelyCausesTest, TheLastStanzaGainsNoLine) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n" + std::string(kEth1));
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n" + std::string(kEth1Address));
     Set("eth1.gateway", "10.0.0.1");
     EXPECT_EQ(FirstOf("eth1.gateway"),
               "/etc/network/interfaces:2: the stanza is the last one and has no gateway line; fix: "
@@ -93,10 +93,10 @@ TEST_F(LikelyCausesTest, TheLastStanzaGainsNoLine) {
 }
 
 TEST_F(LikelyCausesTest, ASecondGatewayOutlivesTheFirst) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\n\tgateway 10.0.0.1\n\tgateway 10.0.0.2\n"
               "\tgateway 10.0.0.3\n" +
-                  std::string(kEth1));
+                  std::string(kEth1Address));
     Set("eth0.gateway", "");
     EXPECT_EQ(FirstOf("eth0.gateway"),
               "/etc/network/interfaces:3: a set removes line 2 alone; 'gateway 10.0.0.3' still "
@@ -108,7 +108,7 @@ TEST_F(LikelyCausesTest, ASecondGatewayOutlivesTheFirst) {
 }
 
 TEST_F(LikelyCausesTest, AHookThatIsNotThereCannotBeSwitched) {
-    WriteFile(kHooks, "exit 0\n");
+    WriteFile(kExitHooks, "exit 0\n");
     Set("eth1.apipa", "\x01");
     EXPECT_EQ(FirstOf("eth1.apipa"),
               "/etc/dhclient-exit-hooks: no line that runs for eth1 has /usr/sbin/avahi-autoipd; "
@@ -117,7 +117,7 @@ TEST_F(LikelyCausesTest, AHookThatIsNotThereCannotBeSwitched) {
 
 TEST_F(LikelyCausesTest, AnOptionNeedsARequestStatement) {
     WriteFile(kDhcpConfig, "timeout 10;\n");
-    WriteFile(kHooks, "/usr/bin/ntpdate -u 10.0.0.1\n");
+    WriteFile(kExitHooks, "/usr/bin/ntpdate -u 10.0.0.1\n");
     WriteFile("/sbin/dhclient-script", "make_resolv_conf\n");
     Set("dhcp-ntp", "\x01");
     EXPECT_EQ(FirstOf("dhcp-ntp"),
@@ -196,9 +196,9 @@ TEST_F(LikelyCausesTest, AFullFolderForEditCopiesIsFound) {
 }
 
 TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFileThatCannotBeWritten) {
-    WriteFile(kInterfaces, "iface lo inet loopback\n");
-    const testkit::Mounted in_place(kInterfaces, kInterfaces, "none", MS_BIND, nullptr);
-    ASSERT_EQ(mount("none", kInterfaces, "none", MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    WriteFile(kInterfacesFile, "iface lo inet loopback\n");
+    const testkit::Mounted in_place(kInterfacesFile, kInterfacesFile, "none", MS_BIND, nullptr);
+    ASSERT_EQ(mount("none", kInterfacesFile, "none", MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
     const Setting address = Find("eth0.address");
     const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
     const velkctl::Problem of_get = ProblemOfGet("", address, failed);
@@ -225,7 +225,8 @@ TEST_F(LikelyCausesTest, AFailedGetIsNotBlamedOnAFullFolderForEditCopies) {
 }
 
 TEST_F(LikelyCausesTest, AFindingThatOnlyHindersAGetIsNoCauseOfAFailedSet) {
-    WriteFile(kInterfaces, "iface eth0 inet bootp\n\taddress 10.0.0.2\n" + std::string(kEth1));
+    WriteFile(kInterfacesFile,
+              "iface eth0 inet bootp\n\taddress 10.0.0.2\n" + std::string(kEth1Address));
     const velkctl::Answer failed{.result = LIB_VELK_FAILURE};
     EXPECT_EQ(ProblemOfGet("", Find("eth0.address"), failed).detail,
               "likely cause: /etc/network/interfaces:1: 'bootp' is neither static nor dhcp");
@@ -242,7 +243,7 @@ TEST_F(LikelyCausesTest, AMissingToolIsFound) {
 }
 
 TEST_F(LikelyCausesTest, ProblemsPrecedeWarningsAndLinesOfAFileComeFirst) {
-    WriteFile(kInterfaces, "iface eth1 inet static\n\tgateway  10.0.0.1\n\tgateway 10.0.0.2\n");
+    WriteFile(kInterfacesFile, "iface eth1 inet static\n\tgateway  10.0.0.1\n\tgateway 10.0.0.2\n");
     setenv("PATH", "/tmp", 1);
     const Findings causes = LikelyCauses(Find("eth1.gateway"));
     ASSERT_EQ(causes.size(), 3U);
@@ -250,13 +251,13 @@ TEST_F(LikelyCausesTest, ProblemsPrecedeWarningsAndLinesOfAFileComeFirst) {
     EXPECT_EQ(causes[0].severity, Severity::kProblem);
     EXPECT_EQ(causes[1].line, 2U);
     EXPECT_EQ(causes[2].line, 3U);
-    WriteFile(kInterfaces, "iface eth1 inet static\n");
+    WriteFile(kInterfacesFile, "iface eth1 inet static\n");
     EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[0].line, 1U);
     EXPECT_EQ(LikelyCauses(Find("eth1.gateway"))[1].subject, "cat");
 }
 
 TEST_F(LikelyCausesTest, EachCauseHasItsImpact) {
-    WriteFile(kInterfaces, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
+    WriteFile(kInterfacesFile, "iface eth1 inet dhcp\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(LikelyCauses(Find("eth1.gateway")).front().impact, Impact::kSetting);
     EXPECT_EQ(LikelyCauses(Find("eth1.address")).front().impact, Impact::kReading);
 }
@@ -279,9 +280,10 @@ TEST_F(LikelyCausesTest, TheDaemonIsACauseOnlyForItsConfiguration) {
 }
 
 TEST_F(LikelyCausesTest, ATabIsNoCauseIfASetAddsALine) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n" + std::string(kEth1));
+    WriteFile(kInterfacesFile,
+              "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n" + std::string(kEth1Address));
     EXPECT_EQ(FirstOf("eth0.gateway"), "");
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n\tgateway\t10.0.0.1\n");
     EXPECT_EQ(FirstOf("eth0.gateway"),
               "/etc/network/interfaces:2: no blank follows the word 'gateway'; fix: instead of "
               "line 2 write \"gateway 10.0.0.1\"");

@@ -5,6 +5,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,12 +15,9 @@
 
 namespace {
 
+using testing::HasSubstr;
 using testkit::WriteFile;
 using velkctl::FormatFindings;
-
-bool Holds(const std::string& whole, const std::string& part) {
-    return whole.find(part) != std::string::npos;
-}
 
 class LockCheck : public testkit::DeviceTest {};
 
@@ -33,11 +31,9 @@ TEST_F(LockCheck, NamesTheHolderOfTheLock) {
     const int lock = VkLibLock();
     const std::string words = FormatFindings(velkctl::CheckLock());
     VkLibUnLock(lock);
-    EXPECT_TRUE(Holds(words,
-                      "warning: settings cannot be changed now\n"
-                      "  /var/tmp/vklib_lock: the lock is held by process "))
-        << words;
-    EXPECT_TRUE(Holds(words, " (unit_tests, ")) << words;
+    EXPECT_THAT(words, HasSubstr("warning: settings cannot be changed now\n"
+                                 "  /var/tmp/vklib_lock: the lock is held by process "));
+    EXPECT_THAT(words, HasSubstr(" (unit_tests, "));
 }
 
 TEST_F(LockCheck, FindsALockThatOthersCannotTake) {

@@ -13,11 +13,10 @@
 
 namespace {
 
+using testkit::kInterfacesFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::FindSetting;
 
-constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kStatic[] =
     "iface eth0 inet static\n"
     "address 192.168.0.10\n"
@@ -28,7 +27,7 @@ class NetworkCheckTest : public testkit::DeviceTest {
   protected:
     void SetUp() override {
         testkit::DeviceTest::SetUp();
-        WriteFile(kInterfaces, kStatic);
+        WriteFile(kInterfacesFile, kStatic);
     }
     static std::string Problem(const std::string& name, const std::string& value) {
         velkctl::SettingChange change{*FindSetting(name)};
@@ -89,12 +88,12 @@ TEST_F(NetworkCheckTest, TheFirstAndTheLastAddressAreNoHosts) {
 TEST_F(NetworkCheckTest, AMaskHasToSuitTheAddress) {
     EXPECT_EQ(Problem("eth0.netmask", "255.255.255.254"), "");
     EXPECT_EQ(Problem("eth0.netmask", "255.255.255.255"), "");
-    WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.64\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\naddress 192.168.0.64\n");
     EXPECT_EQ(Problem("eth0.netmask", "255.255.255.192"),
               "eth0.netmask: 255.255.255.192 does not fit the address of the interface; "
               "192.168.0.64 would be the address of the network 192.168.0.64/26; fix: give another "
               "value, or set the address first, or give --force");
-    WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.63\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\naddress 192.168.0.63\n");
     EXPECT_EQ(
         Problem("eth0.netmask", "255.255.255.192"),
         "eth0.netmask: 255.255.255.192 does not fit the address of the interface; "
@@ -103,18 +102,19 @@ TEST_F(NetworkCheckTest, AMaskHasToSuitTheAddress) {
 }
 
 TEST_F(NetworkCheckTest, AMissingSettingIsNoConflict) {
-    WriteFile(kInterfaces, "iface eth0 inet static\naddress 192.168.0.10\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\naddress 192.168.0.10\n");
     EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
     EXPECT_EQ(Problem("eth0.address", "10.0.0.0"), "");
-    WriteFile(kInterfaces, "iface eth0 inet static\nnetmask 255.255.255.0\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\nnetmask 255.255.255.0\n");
     EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
     EXPECT_EQ(Problem("eth0.netmask", "255.0.0.0"), "");
-    WriteFile(kInterfaces, "iface eth0 inet static\naddress 10.0.0.5\nnetmask 255.0.255.0\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\naddress 10.0.0.5\nnetmask 255.0.255.0\n");
     EXPECT_EQ(Problem("eth0.gateway", "192.168.0.1"), "") << "a mask with a gap is none";
 }
 
 TEST_F(NetworkCheckTest, TheFileOfAnInterfaceWithDhcpIsNotCompared) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\naddress 192.168.0.10\nnetmask 255.255.255.0\n");
+    WriteFile(kInterfacesFile,
+              "iface eth0 inet dhcp\naddress 192.168.0.10\nnetmask 255.255.255.0\n");
     EXPECT_EQ(Problem("eth0.gateway", "10.0.0.1"), "");
     EXPECT_EQ(Problem("eth0.address", "192.168.0.255"), "");
 }
@@ -125,7 +125,7 @@ TEST_F(NetworkCheckTest, OnlyAddressesAreLookedAt) {
 }
 
 TEST_F(NetworkCheckTest, OneAddressForTwoInterfacesIsRefusedInOneSet) {
-    WriteFile(kInterfaces, std::string(kStatic) + "iface eth1 inet static\n");
+    WriteFile(kInterfacesFile, std::string(kStatic) + "iface eth1 inet static\n");
     velkctl::Report report(velkctl::Report::Form::kText);
     const velkctl::Device device({}, report);
     std::array<velkctl::SettingChange, 2> changes{
@@ -155,14 +155,14 @@ class NetworkMismatchesTest : public testkit::DeviceTest {
 
 TEST_F(NetworkMismatchesTest, FittingAddressesAreNoFindings) {
     EXPECT_EQ(Found(), "") << "without the files";
-    WriteFile(kInterfaces, std::string(kStatic) +
-                               "iface eth1 inet static\naddress 10.0.0.5\nnetmask 255.0.0.0\n");
+    WriteFile(kInterfacesFile, std::string(kStatic) +
+                                   "iface eth1 inet static\naddress 10.0.0.5\nnetmask 255.0.0.0\n");
     WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver foo\n");
     EXPECT_EQ(Found(), "");
 }
 
 TEST_F(NetworkMismatchesTest, AGatewayOutsideTheNetworkIsFound) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\naddress 10.0.0.5\nnetmask 255.255.255.0\n"
               "gateway 192.168.0.1\n");
     EXPECT_EQ(Found(),
@@ -173,7 +173,7 @@ TEST_F(NetworkMismatchesTest, AGatewayOutsideTheNetworkIsFound) {
 }
 
 TEST_F(NetworkMismatchesTest, AnAddressThatNoHostCanHaveIsFound) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\naddress 10.0.0.255\nnetmask 255.255.255.0\n"
               "gateway 10.0.0.255\n");
     EXPECT_EQ(Found(),
@@ -187,8 +187,9 @@ TEST_F(NetworkMismatchesTest, AnAddressThatNoHostCanHaveIsFound) {
 }
 
 TEST_F(NetworkMismatchesTest, OneAddressOfTwoInterfacesIsFound) {
-    WriteFile(kInterfaces, std::string(kStatic) +
-                               "iface eth1 inet static\naddress 192.168.0.10\nnetmask 255.0.0.0\n");
+    WriteFile(
+        kInterfacesFile,
+        std::string(kStatic) + "iface eth1 inet static\naddress 192.168.0.10\nnetmask 255.0.0.0\n");
     EXPECT_EQ(Found(),
               "problem: eth1.address is also the address of eth0\n"
               "  /etc/network/interfaces:6: both are 192.168.0.10\n"
@@ -196,7 +197,7 @@ TEST_F(NetworkMismatchesTest, OneAddressOfTwoInterfacesIsFound) {
 }
 
 TEST_F(NetworkMismatchesTest, AMissingAddressOrMaskIsFound) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\naddress 10.0.0.5\n"
               "iface eth1 inet static\n"
               "iface lo inet loopback\n");
@@ -210,14 +211,14 @@ TEST_F(NetworkMismatchesTest, AMissingAddressOrMaskIsFound) {
 }
 
 TEST_F(NetworkMismatchesTest, AnAddressThatTheLibraryDoesNotReadIsNotMissing) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\naddress\t10.0.0.5\nnetmask 255.0.0.0\n"
               "iface lo inet loopback\n");
     EXPECT_EQ(Found(), "");
 }
 
 TEST_F(NetworkMismatchesTest, AServerThatIsTheDeviceItselfIsFound) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     WriteFile("/etc/resolv.dnsmasq.conf", "nameserver 192.168.0.1\nnameserver 192.168.0.10\n");
     EXPECT_EQ(Found(),
               "warning: eth0.dns names the device itself\n"
@@ -226,7 +227,7 @@ TEST_F(NetworkMismatchesTest, AServerThatIsTheDeviceItselfIsFound) {
 }
 
 TEST_F(NetworkMismatchesTest, AnInterfaceWithDhcpIsNotCompared) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\naddress 10.0.0.255\nnetmask 255.255.255.0\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\naddress 10.0.0.255\nnetmask 255.255.255.0\n");
     EXPECT_EQ(Found(), "");
 }
 

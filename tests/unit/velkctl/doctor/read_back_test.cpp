@@ -18,18 +18,16 @@
 
 namespace {
 
+using testkit::kCrontab;
+using testkit::kExitHooks;
+using testkit::kInterfacesFile;
+using testkit::kResolverFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::CatalogueRow;
 using velkctl::Data;
 using velkctl::ExitStatus;
 using velkctl::FindSetting;
 using velkctl::Setting;
-
-constexpr auto& kInterfaces = testkit::kInterfacesFile;
-constexpr auto& kResolver = testkit::kResolverFile;
-constexpr auto& kCrontab = testkit::kCrontab;
-constexpr auto& kHooks = testkit::kExitHooks;
 
 // Returns the text with the indented lines of a message joined to its first line.
 std::string Unfolded(std::string text) {
@@ -73,7 +71,7 @@ class ReadBackTest : public testkit::DeviceTest {
 };
 
 TEST_F(ReadBackTest, AHeldValueIsNotReported) {
-    WriteFile(kInterfaces, "iface eth0 inet static\n\taddress 10.0.0.5\n\tnetmask 255.0.0.0\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\taddress 10.0.0.5\n\tnetmask 255.0.0.0\n");
     EXPECT_EQ(Verify("eth0.method", {"static"}), true);
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), true);
     EXPECT_EQ(Verify("eth0.netmask", {"255.0.0.0"}), true);
@@ -82,7 +80,7 @@ TEST_F(ReadBackTest, AHeldValueIsNotReported) {
 }
 
 TEST_F(ReadBackTest, ASettingThatCannotBeReadIsNotChecked) {
-    WriteFile(kHooks,
+    WriteFile(kExitHooks,
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi\n");
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), std::nullopt);
@@ -102,7 +100,7 @@ TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenIfTheValueCannotBeRead) {
 }
 
 TEST_F(ReadBackTest, AMissingLineOfTheLastStanzaIsNamed) {
-    WriteFile(kInterfaces, "iface eth1 inet static\n\taddress 10.0.0.5\n");
+    WriteFile(kInterfacesFile, "iface eth1 inet static\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(complaint,
@@ -112,7 +110,7 @@ TEST_F(ReadBackTest, AMissingLineOfTheLastStanzaIsNamed) {
 }
 
 TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
-    WriteFile(kInterfaces, "iface lo inet loopback\n");
+    WriteFile(kInterfacesFile, "iface lo inet loopback\n");
     for (const auto& [name, value] :
          {std::pair("eth0.method", "dhcp"), std::pair("eth0.address", "10.0.0.5")}) {
         EXPECT_EQ(Verify(name, {value}), false);
@@ -127,7 +125,7 @@ TEST_F(ReadBackTest, AMissingStanzaIsNamed) {
 }
 
 TEST_F(ReadBackTest, AnotherAddressIsShown) {
-    WriteFile(kInterfaces, "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\thwaddress ether 02:00:00:00:00:01\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.address: the library reported success, but the device holds 'ether "
@@ -137,7 +135,7 @@ TEST_F(ReadBackTest, AnotherAddressIsShown) {
 }
 
 TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
-    WriteFile(kHooks, "exit 0\n");
+    WriteFile(kExitHooks, "exit 0\n");
     EXPECT_EQ(Verify("eth1.apipa", {"on"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth1.apipa: the library reported success, but the device holds 'off'; "
@@ -147,16 +145,16 @@ TEST_F(ReadBackTest, AHookThatIsNotThereIsNamed) {
 }
 
 TEST_F(ReadBackTest, AFileWithNothingWrongIsNotNamed) {
-    WriteFile(kHooks, "/usr/sbin/avahi-autoipd eth0\n");
+    WriteFile(kExitHooks, "/usr/sbin/avahi-autoipd eth0\n");
     EXPECT_EQ(Verify("eth0.apipa", {"off"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.apipa: the library reported success, but the device holds 'on'\n");
 }
 
 TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
-    WriteFile(kInterfaces, "iface eth0 inet static\n\tgateway 10.0.0.1\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\tgateway 10.0.0.1\n");
     before.emplace(*FindSetting("eth0.gateway"));
-    WriteFile(kInterfaces, "");
+    WriteFile(kInterfacesFile, "");
     EXPECT_EQ(Verify("eth0.gateway", {"10.0.0.2"}), false);
     EXPECT_EQ(complaint,
               "velkctl: eth0.gateway: the library reported success, but it cannot be read back: "
@@ -168,11 +166,11 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamed) {
 }
 
 TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
-    WriteFile(kHooks,
+    WriteFile(kExitHooks,
               "if [ \"$interface\" = \"eth0\" ]; then\n"
               "/sbin/printdhcpstart.pl\n/sbin/printdhcpnotice.pl\nfi");
     before.emplace(*FindSetting("eth0.dhcp-notice"));
-    WriteFile(kHooks, "");
+    WriteFile(kExitHooks, "");
     EXPECT_EQ(Verify("eth0.dhcp-notice", {"on"}), false);
     EXPECT_NE(complaint.find("the device cannot hold the value; /etc/dhclient-exit-hooks is empty "
                              "since this set, and no edit copy has the rest"),
@@ -181,7 +179,7 @@ TEST_F(ReadBackTest, AFileThatWasEmptiedIsNamedAlsoWhereTheValueCannotBeRead) {
 }
 
 TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
     EXPECT_EQ(Verify("eth0.address", {"10.0.0.5"}), std::nullopt);
     EXPECT_EQ(complaint,
               "velkctl: note: eth0.address: set, but not checked; "
@@ -189,14 +187,14 @@ TEST_F(ReadBackTest, ALeaseIsNoProofAgainstAnAddress) {
 }
 
 TEST_F(ReadBackTest, AMethodThatCannotBeReadIsNoLease) {
-    WriteFile(kInterfaces, "iface eth0 inet bootp\n\taddress 10.0.0.2\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet bootp\n\taddress 10.0.0.2\n");
     (void)Verify("eth0.address", {"10.0.0.5"});
     EXPECT_NE(complaint, "");
     EXPECT_EQ(complaint.find("lease"), std::string::npos) << complaint;
 }
 
 TEST_F(ReadBackTest, TheLikelyCauseIsShownEvenForADhcpInterface) {
-    WriteFile(kInterfaces, "iface eth1 inet dhcp\n");
+    WriteFile(kInterfacesFile, "iface eth1 inet dhcp\n");
     EXPECT_EQ(Verify("eth1.gateway", {"10.0.0.1"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
     EXPECT_EQ(complaint,
@@ -226,9 +224,9 @@ TEST_F(ReadBackTest, ASpeedThatTheDriverDidNotTakeHasNoCauseToName) {
 }
 
 TEST_F(ReadBackTest, AValueOfAnotherProgramIsNoFailure) {
-    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
     Remember("eth0.dns");
-    WriteFile(kResolver, "nameserver 10.0.0.3\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.3\n");
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
     EXPECT_EQ(status, ExitStatus::kDone);
     EXPECT_EQ(complaint,
@@ -236,7 +234,7 @@ TEST_F(ReadBackTest, AValueOfAnotherProgramIsNoFailure) {
 }
 
 TEST_F(ReadBackTest, TheValueFromBeforeIsNotThatOfAnotherProgram) {
-    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
     Remember("eth0.dns");
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
@@ -259,12 +257,12 @@ TEST_F(ReadBackTest, AThirdValueThatAFindingExplainsIsNotThatOfAnotherProgram) {
 }
 
 TEST_F(ReadBackTest, AFileThatIsCutForAMomentIsReadAgain) {
-    WriteFile(kResolver, "nameserver 10.0.0.1\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
     Remember("eth0.dns");
-    WriteFile(kResolver, "");
+    WriteFile(kResolverFile, "");
     std::thread writer([] {
         (void)usleep(2'000);
-        WriteFile(kResolver, "nameserver 10.0.0.2\n");
+        WriteFile(kResolverFile, "nameserver 10.0.0.2\n");
     });
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), true);
     writer.join();
@@ -288,7 +286,7 @@ TEST_F(ReadBackTest, AnotherChannelMayBeThatOfAnotherProgram) {
 TEST_F(ReadBackTest, WithoutAValueFromBeforeNoProgramIsAccused) {
     Remember("eth0.dns");
     EXPECT_FALSE(before->value());
-    WriteFile(kResolver, "nameserver 10.0.0.3\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.3\n");
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), false);
     EXPECT_EQ(status, ExitStatus::kNotHeld);
 }
@@ -304,7 +302,7 @@ TEST_F(ReadBackTest, ASecretIsNotShown) {
     // A setting of the test's own. It holds a secret, and another one than was set.
     CatalogueRow row = *FindSetting("eth0.address")->row;
     row.secret = true;
-    WriteFile(kInterfaces, "iface eth0 inet static\n\taddress hunter2\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet static\n\taddress hunter2\n");
     EXPECT_EQ(Verify({&row, "eth0"}, row.kind->Parse(std::vector<std::string>{"10.0.0.5"}).data),
               false);
     EXPECT_NE(complaint.find("the device holds another value"), std::string::npos) << complaint;

@@ -4,6 +4,7 @@
 // The doctor's findings about files that queries and tools have left.
 #include <string>
 
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,12 +14,9 @@
 
 namespace {
 
+using testing::HasSubstr;
 using testkit::WriteFile;
 using velkctl::FormatFindings;
-
-bool Holds(const std::string& whole, const std::string& part) {
-    return whole.find(part) != std::string::npos;
-}
 
 class RemainsCheck : public testkit::DeviceTest {};
 
@@ -66,18 +64,16 @@ TEST_F(RemainsCheck, FindsAResultAReplySocketAndASemaphore) {
     WriteFile("/var/tmp/get_result", "x");
     WriteFile("/tmp/WlanAplFromWlanSock", "");
     WriteFile("/dev/shm/sem.WlanAplRecvSem", std::string(32, '\0'));
-    EXPECT_TRUE(Holds(FormatFindings(velkctl::CheckResultFile()),
-                      "warning: address, netmask and link-speed may not have been read\n"
-                      "  /var/tmp/get_result: a result was left, "));
+    EXPECT_THAT(FormatFindings(velkctl::CheckResultFile()),
+                HasSubstr("warning: address, netmask and link-speed may not have been read\n"
+                          "  /var/tmp/get_result: a result was left, "));
     const std::string words = FormatFindings(velkctl::CheckQueryRemains());
-    EXPECT_TRUE(Holds(words,
-                      "warning: wireless settings may not have been read\n"
-                      "  /tmp/WlanAplFromWlanSock: a reply socket without a process was left, "))
-        << words;
-    EXPECT_TRUE(Holds(words,
-                      "warning: wireless settings may not have been read\n"
-                      "  /dev/shm/sem.WlanAplRecvSem: a semaphore was left, "))
-        << words;
+    EXPECT_THAT(
+        words,
+        HasSubstr("warning: wireless settings may not have been read\n"
+                  "  /tmp/WlanAplFromWlanSock: a reply socket without a process was left, "));
+    EXPECT_THAT(words, HasSubstr("warning: wireless settings may not have been read\n"
+                                 "  /dev/shm/sem.WlanAplRecvSem: a semaphore was left, "));
 }
 
 TEST_F(RemainsCheck, FindsASemaphoreThatEndsTheProgram) {

@@ -13,7 +13,6 @@ namespace {
 using testkit::kCrontab;
 using testkit::kIdentityFile;
 using testkit::WriteFile;
-using velkctl::Catalogue;
 using velkctl::FindSetting;
 using velkctl::Setting;
 using velkctl::WayOut;

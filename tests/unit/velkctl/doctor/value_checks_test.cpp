@@ -13,6 +13,8 @@
 namespace {
 
 using testkit::kCrontab;
+using testkit::kInterfacesFile;
+using testkit::kResolverFile;
 using testkit::WriteFile;
 using velkctl::Data;
 using velkctl::Finding;
@@ -21,9 +23,6 @@ using velkctl::FindSetting;
 using velkctl::FormatFindings;
 using velkctl::Impact;
 using velkctl::Setting;
-
-constexpr auto& kInterfaces = testkit::kInterfacesFile;
-constexpr auto& kResolver = testkit::kResolverFile;
 
 class ValueChecksTest : public testkit::DeviceTest {
   protected:
@@ -48,10 +47,10 @@ class ValueChecksTest : public testkit::DeviceTest {
 };
 
 TEST_F(ValueChecksTest, ValidValuesAreNoFindings) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\n\taddress 10.0.0.5\n\tnetmask 255.0.0.0\n"
               "iface eth1 inet dhcp\n");
-    WriteFile(kResolver, "nameserver 10.0.0.1\nnameserver 10.0.0.2\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\nnameserver 10.0.0.2\n");
     WriteFile(kCrontab, "0 * * * * ntpdate -u time.example.net > /dev/null\n");
     EXPECT_EQ(Found(), "");
     EXPECT_EQ(NoteAbout("eth0.address"), "");
@@ -65,7 +64,7 @@ TEST_F(ValueChecksTest, MissingFilesAreNoFindings) {
 }
 
 TEST_F(ValueChecksTest, AnAddressAndAMaskAreChecked) {
-    WriteFile(kInterfaces,
+    WriteFile(kInterfacesFile,
               "iface eth0 inet static\n\taddress 999.1.1.1\n\tnetmask 24\n\tgateway 10.0.0\n");
     EXPECT_EQ(Found(),
               "problem: eth0.address has a value that is not valid\n"
@@ -84,12 +83,12 @@ TEST_F(ValueChecksTest, AnAddressAndAMaskAreChecked) {
 }
 
 TEST_F(ValueChecksTest, TheLinesOfAnInterfaceWithDhcpAreNotChecked) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 999.1.1.1\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n\taddress 999.1.1.1\n");
     EXPECT_EQ(Found(), "");
 }
 
 TEST_F(ValueChecksTest, ALeaseHasNoLine) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n\taddress 10.0.0.5\n");
     Data value{};
     (void)std::string("127.0.0.1").copy(value.data(), value.size());
     EXPECT_EQ(NoteAbout("eth0.address", value),
@@ -98,7 +97,7 @@ TEST_F(ValueChecksTest, ALeaseHasNoLine) {
 }
 
 TEST_F(ValueChecksTest, EachServerIsCheckedOnce) {
-    WriteFile(kResolver, "nameserver 10.0.0.1\nnameserver foo\n");
+    WriteFile(kResolverFile, "nameserver 10.0.0.1\nnameserver foo\n");
     EXPECT_EQ(Found(),
               "problem: eth0.dns has a value that is not valid\n"
               "  /etc/resolv.dnsmasq.conf:2: 'foo' is not an IPv4 address\n"
@@ -110,7 +109,7 @@ TEST_F(ValueChecksTest, EachServerIsCheckedOnce) {
 }
 
 TEST_F(ValueChecksTest, AServerThatASetTakesWithForceIsNoNote) {
-    WriteFile(kResolver, "nameserver 127.0.0.1\n");
+    WriteFile(kResolverFile, "nameserver 127.0.0.1\n");
     EXPECT_EQ(NoteAbout("eth0.dns"), "");
     EXPECT_EQ(Found(),
               "warning: eth0.dns names the device itself\n"

@@ -4,19 +4,15 @@
 // Doubts about wireless keys: clearing the one in use, and a length that WPA does not take.
 #include <string>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "velkctl/doctor/set_checks.h"
 
 namespace {
 
+using testkit::DataOf;
 using velkctl::FindSetting;
-
-velkctl::Data DataOf(const std::string& text) {
-    velkctl::Data data{};
-    (void)text.copy(data.data(), data.size());
-    return data;
-}
 
 class ClearedKeyTest : public testkit::DeviceTest {
   protected:

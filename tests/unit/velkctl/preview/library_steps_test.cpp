@@ -4,15 +4,16 @@
 // The steps of the library as people and programs see them.
 #include "velkctl/preview/library_steps.h"
 
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "unit/velkctl/preview/message.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::Message;
 using velkctl::Event;
 using velkctl::EventKind;
 using velkctl::LibraryStep;
@@ -20,12 +21,6 @@ using velkctl::SecondsWaited;
 using velkctl::StepsIn;
 
 using Steps = std::vector<LibraryStep>;
-
-std::string Message(char type) {
-    std::string message(240, '\0');
-    message[0] = type;
-    return message;
-}
 
 TEST(LibrarySteps, AreThoseOfChanges) {
     const std::vector<Event> events{{EventKind::kCommand, "get"},

@@ -9,11 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include "unit/velkctl/preview/message.h"
 #include "velk/wlan.h"
 
 namespace {
 
-using velkctl::Command;
+using testkit::Message;
 using velkctl::Event;
 using velkctl::EventKind;
 using velkctl::EventLog;
@@ -33,13 +34,6 @@ int RunLine(const char* line) {
 unsigned Sleep(unsigned seconds) {
     last_sleep = seconds;
     return 3;
-}
-
-// A message of 240 bytes with this body.
-std::string Message(char type, char body = '\0') {
-    std::string message(4 + sizeof(SMsgConf), body);
-    message.replace(0, 4, {type, '\0', '\0', '\0'});
-    return message;
 }
 
 class ObserversTest : public testing::Test {

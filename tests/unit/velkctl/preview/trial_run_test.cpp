@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -19,23 +20,22 @@
 #include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "support/device_test.h"
+#include "support/paths.h"
 
 namespace {
 
 using testkit::Call;
 using testkit::Exists;
+using testkit::kInterfacesFile;
 using testkit::ReadFile;
 using testkit::WriteFile;
-using velkctl::Data;
 using velkctl::Event;
-using velkctl::EventKind;
 using velkctl::FileImage;
 using velkctl::RunTrial;
 using velkctl::SettingChange;
 using velkctl::TrialRun;
 using velkctl::TrialStep;
 
-constexpr char kInterfaces[] = "/etc/network/interfaces";
 constexpr char kResolver[] = "/etc/resolv.dnsmasq.conf";
 constexpr char kSupportList[] = "/usr/local/share/apps/wlan/supportlist.ini";
 constexpr char kStatic[] =
@@ -58,12 +58,12 @@ std::string TextAfter(const TrialRun& run, const std::string& path) {
 class TrialRunTest : public testkit::DeviceTest {};
 
 TEST_F(TrialRunTest, ChangesTheCopyAlone) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     const TrialRun run = RunTrial({kSetAddress}, {});
     ASSERT_FALSE(run.problem) << run.problem->message << run.problem->detail;
     EXPECT_TRUE(run.ok());
-    EXPECT_EQ(TextAfter(run, kInterfaces), kChanged);
-    EXPECT_EQ(ReadFile(kInterfaces), kStatic);
+    EXPECT_EQ(TextAfter(run, kInterfacesFile), kChanged);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kStatic);
     EXPECT_FALSE(Exists("/var/tmp/interfaces"));
     EXPECT_FALSE(Exists("/var/tmp/vklib_lock"));
 }
@@ -76,27 +76,27 @@ TEST_F(TrialRunTest, MakesAFileInTheCopyAlone) {
 }
 
 TEST_F(TrialRunTest, BeginsWithTheImages) {
-    WriteFile(kInterfaces, "iface eth0 inet dhcp\n");
+    WriteFile(kInterfacesFile, "iface eth0 inet dhcp\n");
     const TrialRun run =
-        RunTrial({kSetAddress}, {}, {{.path = kInterfaces, .exists = true, .bytes = kStatic}});
+        RunTrial({kSetAddress}, {}, {{.path = kInterfacesFile, .exists = true, .bytes = kStatic}});
     ASSERT_FALSE(run.problem) << run.problem->message << run.problem->detail;
-    EXPECT_EQ(TextAfter(run, kInterfaces), kChanged);
-    EXPECT_EQ(ReadFile(kInterfaces), "iface eth0 inet dhcp\n");
+    EXPECT_EQ(TextAfter(run, kInterfacesFile), kChanged);
+    EXPECT_EQ(ReadFile(kInterfacesFile), "iface eth0 inet dhcp\n");
 }
 
 TEST_F(TrialRunTest, StopsAtTheFirstFailure) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     const TrialRun run = RunTrial({{VELK_SET, 999}, kSetAddress}, {});
     ASSERT_FALSE(run.problem) << run.problem->message << run.problem->detail;
     EXPECT_FALSE(run.ok());
     ASSERT_EQ(run.answers.size(), 1U);
     EXPECT_EQ(run.answers[0].result, LIB_VELK_INVALID_PARAMETER);
-    EXPECT_EQ(TextAfter(run, kInterfaces), kStatic);
+    EXPECT_EQ(TextAfter(run, kInterfacesFile), kStatic);
 }
 
 // The shell lines of the library are the calls of a tool that could do more than it should.
 TEST_F(TrialRunTest, MakesAllElseReadOnly) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     WriteFile(kSupportList, "VID=1\n");
     libc().OnCall(Call::kSystem, [](const testkit::Event&) {
         if (open("/etc/network/other", O_WRONLY | O_CREAT, 0600) != -1 ||
@@ -107,11 +107,11 @@ TEST_F(TrialRunTest, MakesAllElseReadOnly) {
     });
     const TrialRun run = RunTrial({kSetAddress}, {});
     EXPECT_TRUE(run.ok());
-    EXPECT_EQ(TextAfter(run, kInterfaces), kChanged);
+    EXPECT_EQ(TextAfter(run, kInterfacesFile), kChanged);
 }
 
 TEST_F(TrialRunTest, HasNoAnswerAfterASignal) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     libc().OnCall(Call::kSystem, [](const testkit::Event&) { abort(); });
     const TrialRun run = RunTrial({kSetAddress}, {});
     EXPECT_FALSE(run.ok());
@@ -121,13 +121,13 @@ TEST_F(TrialRunTest, HasNoAnswerAfterASignal) {
 }
 
 TEST_F(TrialRunTest, EndsAtTheTimeLimit) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     libc().OnCall(Call::kSystem, [](const testkit::Event&) { (void)pause(); });
     const TrialRun run = RunTrial({kSetAddress}, {.timeout_seconds = 1});
     ASSERT_EQ(run.answers.size(), 1U);
     EXPECT_TRUE(run.answers[0].timed_out);
     EXPECT_EQ(run.answers[0].timeout_seconds, 1);
-    EXPECT_EQ(ReadFile(kInterfaces), kStatic);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kStatic);
 }
 
 TEST_F(TrialRunTest, IsRefusedWhileAnotherProgramHoldsTheLock) {
@@ -141,12 +141,12 @@ TEST_F(TrialRunTest, IsRefusedWhileAnotherProgramHoldsTheLock) {
 
 // The kernel takes a copy away when its file is replaced.
 TEST_F(TrialRunTest, DoesNotTakeAFileThatIsReplacedMeanwhileForItsCopy) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     const pid_t editor = fork();
     if (editor == 0) {
         for (;;) {
             WriteFile("/etc/network/new", kStatic);
-            (void)rename("/etc/network/new", kInterfaces);
+            (void)rename("/etc/network/new", kInterfacesFile);
         }
     }
     const TrialRun run = RunTrial({kSetAddress}, {});
@@ -158,15 +158,15 @@ TEST_F(TrialRunTest, DoesNotTakeAFileThatIsReplacedMeanwhileForItsCopy) {
                     testing::AnyOf("keep the copy of /etc/network/interfaces: Stale file handle",
                                    "mount /etc/network/interfaces: No such file or directory"));
     } else {
-        EXPECT_EQ(TextAfter(run, kInterfaces), kChanged);
+        EXPECT_EQ(TextAfter(run, kInterfacesFile), kChanged);
     }
     (void)unlink("/etc/network/new");
-    EXPECT_EQ(ReadFile(kInterfaces), kStatic);
-    EXPECT_EQ(TextAfter(RunTrial({kSetAddress}, {}), kInterfaces), kChanged);
+    EXPECT_EQ(ReadFile(kInterfacesFile), kStatic);
+    EXPECT_EQ(TextAfter(RunTrial({kSetAddress}, {}), kInterfacesFile), kChanged);
 }
 
 TEST_F(TrialRunTest, NeedsFilesOfUsualSize) {
-    WriteFile(kInterfaces, std::string(2 << 20, 'x'));
+    WriteFile(kInterfacesFile, std::string(2 << 20, 'x'));
     const TrialRun run = RunTrial({kSetAddress}, {});
     ASSERT_TRUE(run.problem);
     EXPECT_EQ(run.problem->message, "/etc/network/interfaces: is too large for a private copy");
@@ -185,7 +185,7 @@ TEST_F(TrialRunTest, RemovesAndMakesFilesInTheCopyAlone) {
 }
 
 TEST_F(TrialRunTest, ReadsSettingsBack) {
-    WriteFile(kInterfaces, kStatic);
+    WriteFile(kInterfacesFile, kStatic);
     const SettingChange address{*velkctl::FindSetting("eth0.address"), kSetAddress.data};
     const SettingChange speed{*velkctl::FindSetting("eth0.link-speed")};
     std::vector<TrialStep> steps = velkctl::StepsOf({address});
@@ -197,7 +197,7 @@ TEST_F(TrialRunTest, ReadsSettingsBack) {
     EXPECT_EQ(velkctl::HeldAfter(run, steps, steps[0]), true);
     EXPECT_EQ(velkctl::HeldAfter(run, steps, velkctl::StepOf(speed)), std::nullopt);
     const TrialRun other =
-        RunTrial(steps, {}, {{.path = kInterfaces, .exists = true, .bytes = "# nothing\n"}});
+        RunTrial(steps, {}, {{.path = kInterfacesFile, .exists = true, .bytes = "# nothing\n"}});
     EXPECT_TRUE(other.ok()) << "the library reports success";
     EXPECT_EQ(velkctl::HeldAfter(other, steps, steps[0]), std::nullopt) << "no method";
 }

@@ -9,30 +9,23 @@
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
 #include "support/words.h"
+#include "unit/velkctl/settings/problem.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include "velkctl/text/ipv4.h"
 
 namespace {
 
+using testkit::DataOf;
+using testkit::Problem;
 using testkit::Words;
-using velkctl::AddressKind;
 using velkctl::Data;
 using velkctl::IsMask;
 using velkctl::kAddress;
 using velkctl::kGateway;
 using velkctl::kNetmask;
 using velkctl::ParseIpv4;
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
-
-std::string Problem(const AddressKind& kind, const Words& words) {
-    return kind.Parse(words).problem;
-}
 
 TEST(ParseIpv4, ReadsFourDecimalNumbers) {
     EXPECT_EQ(ParseIpv4("0.0.0.0"), 0U);

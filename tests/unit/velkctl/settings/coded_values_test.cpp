@@ -10,11 +10,13 @@
 #include <gtest/gtest.h>
 
 #include "support/words.h"
+#include "unit/velkctl/settings/problem.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::Problem;
 using testkit::Words;
 using velkctl::CodedKind;
 using velkctl::CodedValue;
@@ -34,10 +36,6 @@ Data DataOf(int code) {
     Data data{};
     data[0] = static_cast<char>(code);
     return data;
-}
-
-std::string Problem(const CodedKind& kind, const Words& words) {
-    return kind.Parse(words).problem;
 }
 
 struct Spelling {

@@ -3,31 +3,24 @@
 
 #include "velkctl/settings/host_value.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
 #include "support/words.h"
+#include "unit/velkctl/settings/problem.h"
 #include "velkctl/settings/kinds_of_settings.h"
 
 namespace {
 
+using testkit::DataOf;
+using testkit::Problem;
 using testkit::Words;
 using velkctl::Data;
 using velkctl::kHost;
 using velkctl::Parsed;
-
-Data DataOf(const std::string& bytes) {
-    Data data{};
-    std::copy(bytes.begin(), bytes.end(), data.begin());
-    return data;
-}
-
-std::string Problem(const Words& words) {
-    return kHost.Parse(words).problem;
-}
 
 TEST(HostKindParse, TakesNamesAndAddresses) {
     for (const std::string word :
@@ -46,18 +39,19 @@ TEST(HostKindParse, NoneIsTheEmptyText) {
 }
 
 TEST(HostKindParse, RefusesTextThatIsNoName) {
-    EXPECT_EQ(Problem({"time server"}),
+    EXPECT_EQ(Problem(kHost, {"time server"}),
               "'time server' is not a host name; "
               "give a host name or address such as 192.168.0.1, or none");
-    EXPECT_EQ(Problem({""}),
+    EXPECT_EQ(Problem(kHost, {""}),
               "'' is not a host name; give a host name or address such as 192.168.0.1, or none");
-    EXPECT_EQ(Problem({"a\n"}),
+    EXPECT_EQ(Problem(kHost, {"a\n"}),
               "'a\\x0a' is not a host name; "
               "give a host name or address such as 192.168.0.1, or none");
 }
 
 TEST(HostKindParse, RefusesOffAsAName) {
-    EXPECT_EQ(Problem({"off"}), "'off' would be a host name here; give none to clear the setting");
+    EXPECT_EQ(Problem(kHost, {"off"}),
+              "'off' would be a host name here; give none to clear the setting");
     EXPECT_EQ(kHost.Parse(Words{"off"}).or_force, ", or --force to set that name");
     EXPECT_TRUE(kHost.Force(Words{"off"}).ok());
 }
@@ -65,9 +59,9 @@ TEST(HostKindParse, RefusesOffAsAName) {
 TEST(HostKindParse, SaysTooLongWithTheBeginningOfTheName) {
     const std::string start = "'" + std::string(40, 'x') + "...' is too long; ";
     const std::string end = "; give a host name or address such as 192.168.0.1, or none";
-    EXPECT_EQ(Problem({std::string(1000, 'x')}),
+    EXPECT_EQ(Problem(kHost, {std::string(1000, 'x')}),
               start + "it has 1000 of at most 253 characters" + end);
-    EXPECT_EQ(Problem({std::string(64, 'x') + ".b"}),
+    EXPECT_EQ(Problem(kHost, {std::string(64, 'x') + ".b"}),
               start + "a part without a dot has 64 of at most 63 characters" + end);
 }
 
@@ -84,25 +78,26 @@ TEST(HostKindParse, TextThatLooksLikeAnAddressMustBeAnAddress) {
     const std::string wanted = "; give a host name or address such as 192.168.0.1, or none";
     for (const std::string word :
          {"300.1.1.1", "999", "0", "1.2.3", "1.2.3.4.5", "192.168.0.1.", "ntp.1"}) {
-        EXPECT_EQ(Problem({word}), "'" + word + "' is not an IPv4 address" + wanted);
+        EXPECT_EQ(Problem(kHost, {word}), "'" + word + "' is not an IPv4 address" + wanted);
     }
     for (const std::string word : {"a:b", "fe80:", "1::2::3", "1.2.3.4:123"}) {
-        EXPECT_EQ(Problem({word}), "'" + word + "' is not a host name" + wanted);
+        EXPECT_EQ(Problem(kHost, {word}), "'" + word + "' is not a host name" + wanted);
     }
     EXPECT_EQ(
-        Problem({"10.0.0.01"}),
+        Problem(kHost, {"10.0.0.01"}),
         "'10.0.0.01' has a number with a leading zero; other programs read it as octal" + wanted);
-    EXPECT_EQ(Problem({"127.0.0.1"}),
+    EXPECT_EQ(Problem(kHost, {"127.0.0.1"}),
               "'127.0.0.1' is a loopback address; the device reaches only itself there" + wanted);
-    EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
+    EXPECT_EQ(Problem(kHost, {"255.255.255.255"}),
+              "'255.255.255.255' is the broadcast address" + wanted);
 }
 
 TEST(HostKindParse, TakesExactlyOneWord) {
-    EXPECT_EQ(Problem({}),
+    EXPECT_EQ(Problem(kHost, {}),
               "no value given; give a host name or address such as 192.168.0.1, or none");
-    EXPECT_EQ(Problem({"a", "b"}),
+    EXPECT_EQ(Problem(kHost, {"a", "b"}),
               "2 values given; give a host name or address such as 192.168.0.1, or none");
-    EXPECT_EQ(Problem({"none", "none", "none"}),
+    EXPECT_EQ(Problem(kHost, {"none", "none", "none"}),
               "3 values given; give a host name or address such as 192.168.0.1, or none");
 }
 
@@ -131,7 +126,7 @@ TEST(HostKindParse, ANameHasAtMost253Characters) {
     longest[63] = longest[127] = longest[191] = '.';
     EXPECT_TRUE(kHost.Parse(Words{longest}).ok());
     EXPECT_EQ(kHost.Parse(Words{longest}).data, DataOf(longest));
-    EXPECT_EQ(Problem({std::string(254, 'x')}),
+    EXPECT_EQ(Problem(kHost, {std::string(254, 'x')}),
               "'" + std::string(40, 'x') +
                   "...' is too long; it has 254 of at most 253 characters; "
                   "give a host name or address such as 192.168.0.1, or none");

@@ -9,21 +9,17 @@
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
 #include "velkctl/settings/catalogue.h"
 #include "velkctl/settings/value_kind.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::DataOf;
 using velkctl::Catalogue;
 using velkctl::CatalogueRow;
 using velkctl::Data;
-
-Data DataOf(const std::string& bytes) {
-    Data data{};
-    (void)bytes.copy(data.data(), data.size());
-    return data;
-}
 
 // Every value of the first byte, and texts of the device's files.
 std::vector<Data> Samples() {

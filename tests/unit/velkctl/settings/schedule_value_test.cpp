@@ -43,7 +43,7 @@ std::string TwoDigits(int number) {
     return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
-struct Spelling {
+struct ScheduleText {
     std::string text;
     int type;
     int value;
@@ -51,11 +51,11 @@ struct Spelling {
 };
 
 // Without this, a failing test would show the bytes of the record.
-void PrintTo(const Spelling& spelling, std::ostream* out) {
+void PrintTo(const ScheduleText& spelling, std::ostream* out) {
     *out << spelling.text;
 }
 
-class ScheduleSpelling : public testing::TestWithParam<Spelling> {};
+class ScheduleSpelling : public testing::TestWithParam<ScheduleText> {};
 
 TEST_P(ScheduleSpelling, IsParsedToItsBytesAndPrintedAgain) {
     const Data data = DataOf(GetParam().type, GetParam().value, GetParam().time);
@@ -65,21 +65,23 @@ TEST_P(ScheduleSpelling, IsParsedToItsBytesAndPrintedAgain) {
     EXPECT_EQ(kSchedule.Print(data), GetParam().text);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ScheduleKind, ScheduleSpelling,
-    testing::Values(Spelling{"every 1h", 1, 1, "00:00"}, Spelling{"every 6h", 1, 6, "00:00"},
-                    Spelling{"every 23h", 1, 23, "00:00"}, Spelling{"daily 00:00", 2, 1, "00:00"},
-                    Spelling{"daily 08:30", 2, 1, "08:30"}, Spelling{"daily 23:59", 2, 1, "23:59"},
-                    Spelling{"weekly sunday 08:30", 3, 1, "08:30"},
-                    Spelling{"weekly monday 08:30", 3, 2, "08:30"},
-                    Spelling{"weekly tuesday 08:30", 3, 3, "08:30"},
-                    Spelling{"weekly wednesday 08:30", 3, 4, "08:30"},
-                    Spelling{"weekly thursday 08:30", 3, 5, "08:30"},
-                    Spelling{"weekly friday 08:30", 3, 6, "08:30"},
-                    Spelling{"weekly saturday 08:30", 3, 7, "08:30"},
-                    Spelling{"monthly 1 08:30", 4, 1, "08:30"},
-                    Spelling{"monthly 31 08:30", 4, 31, "08:30"},
-                    Spelling{"off", 99, 99, "00:00"}));
+INSTANTIATE_TEST_SUITE_P(ScheduleKind, ScheduleSpelling,
+                         testing::Values(ScheduleText{"every 1h", 1, 1, "00:00"},
+                                         ScheduleText{"every 6h", 1, 6, "00:00"},
+                                         ScheduleText{"every 23h", 1, 23, "00:00"},
+                                         ScheduleText{"daily 00:00", 2, 1, "00:00"},
+                                         ScheduleText{"daily 08:30", 2, 1, "08:30"},
+                                         ScheduleText{"daily 23:59", 2, 1, "23:59"},
+                                         ScheduleText{"weekly sunday 08:30", 3, 1, "08:30"},
+                                         ScheduleText{"weekly monday 08:30", 3, 2, "08:30"},
+                                         ScheduleText{"weekly tuesday 08:30", 3, 3, "08:30"},
+                                         ScheduleText{"weekly wednesday 08:30", 3, 4, "08:30"},
+                                         ScheduleText{"weekly thursday 08:30", 3, 5, "08:30"},
+                                         ScheduleText{"weekly friday 08:30", 3, 6, "08:30"},
+                                         ScheduleText{"weekly saturday 08:30", 3, 7, "08:30"},
+                                         ScheduleText{"monthly 1 08:30", 4, 1, "08:30"},
+                                         ScheduleText{"monthly 31 08:30", 4, 31, "08:30"},
+                                         ScheduleText{"off", 99, 99, "00:00"}));
 
 TEST(ScheduleKindParse, AnHourMayHaveOneDigit) {
     EXPECT_EQ(kSchedule.Parse(Words{"daily", "8:05"}).data, DataOf(2, 1, "08:05"));

@@ -3,16 +3,19 @@
 
 #include "velkctl/settings/server_list.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
 #include "support/words.h"
+#include "unit/velkctl/settings/problem.h"
 
 namespace {
 
+using testkit::DataOf;
+using testkit::Problem;
 using testkit::Words;
 using velkctl::Data;
 using velkctl::Parsed;
@@ -21,20 +24,10 @@ using velkctl::ServerListKind;
 constexpr ServerListKind kServerList{};
 
 // The data bytes that begin with these; the rest is zero.
-Data DataOf(const std::string& bytes) {
-    Data data{};
-    std::copy(bytes.begin(), bytes.end(), data.begin());
-    return data;
-}
-
 std::string Slot(const std::string& text) {
     std::string slot = text;
     slot.resize(16, '\0');
     return slot;
-}
-
-std::string Problem(const Words& words) {
-    return kServerList.Parse(words).problem;
 }
 
 TEST(ServerListParse, OneAddressFillsTheFirstSlot) {
@@ -61,7 +54,7 @@ TEST(ServerListParse, BlanksAndCommasSeparateServers) {
         EXPECT_EQ(parsed.data, expected);
         EXPECT_EQ(kServerList.Force(words).data, expected);
     }
-    EXPECT_EQ(Problem({"1.1.1.1 2.2.2.2,3.3.3.3", "4.4.4.4"}),
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1 2.2.2.2,3.3.3.3", "4.4.4.4"}),
               "4 addresses given; give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
@@ -72,60 +65,61 @@ TEST(ServerListParse, NoneIsAllZero) {
 }
 
 TEST(ServerListParse, NoWordIsNoList) {
-    EXPECT_EQ(Problem({}),
+    EXPECT_EQ(Problem(kServerList, {}),
               "no value given; give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, FourAddressesAreTooMany) {
-    EXPECT_EQ(Problem({"1.1.1.1", "2.2.2.2", "3.3.3.3", "4.4.4.4"}),
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1", "2.2.2.2", "3.3.3.3", "4.4.4.4"}),
               "4 addresses given; give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, NoneTakesNoOtherValue) {
     const std::string problem = "'none' takes no other value; give either addresses or none";
-    EXPECT_EQ(Problem({"none", "1.1.1.1"}), problem);
-    EXPECT_EQ(Problem({"1.1.1.1", "none"}), problem);
-    EXPECT_EQ(Problem({"none", "none"}), problem);
+    EXPECT_EQ(Problem(kServerList, {"none", "1.1.1.1"}), problem);
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1", "none"}), problem);
+    EXPECT_EQ(Problem(kServerList, {"none", "none"}), problem);
 }
 
 TEST(ServerListParse, NamesTheWordThatIsNoAddress) {
-    EXPECT_EQ(Problem({"1.1.1.1", "300.1.1.1"}),
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1", "300.1.1.1"}),
               "'300.1.1.1' is not an IPv4 address; give one to three IPv4 addresses such as "
               "192.168.0.1, or none");
 }
 
 TEST(ServerListParse, ShowsControlCharactersEscaped) {
-    EXPECT_EQ(Problem({"\x1b[31m\n"}),
+    EXPECT_EQ(Problem(kServerList, {"\x1b[31m\n"}),
               "'\\x1b[31m\\x0a' is not an IPv4 address; "
               "give one to three IPv4 addresses such as 192.168.0.1, or none");
 }
 
 TEST(ServerListParse, RefusesAddressesThatNoServerCanHave) {
     const std::string wanted = "; give one to three IPv4 addresses such as 192.168.0.1, or none";
-    EXPECT_EQ(Problem({"1.1.1.1", "0.0.0.0"}),
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1", "0.0.0.0"}),
               "'0.0.0.0' is not the address of a host, as it begins with 0" + wanted);
-    EXPECT_EQ(Problem({"255.255.255.255"}), "'255.255.255.255' is the broadcast address" + wanted);
-    EXPECT_EQ(Problem({"224.0.0.1"}), "'224.0.0.1' is a multicast address" + wanted);
-    EXPECT_EQ(Problem({"240.0.0.1"}), "'240.0.0.1' is a reserved address" + wanted);
+    EXPECT_EQ(Problem(kServerList, {"255.255.255.255"}),
+              "'255.255.255.255' is the broadcast address" + wanted);
+    EXPECT_EQ(Problem(kServerList, {"224.0.0.1"}), "'224.0.0.1' is a multicast address" + wanted);
+    EXPECT_EQ(Problem(kServerList, {"240.0.0.1"}), "'240.0.0.1' is a reserved address" + wanted);
     EXPECT_EQ(
-        Problem({"1.1.1.010"}),
+        Problem(kServerList, {"1.1.1.010"}),
         "'1.1.1.010' has a number with a leading zero; other programs read it as octal" + wanted);
 }
 
 TEST(ServerListParse, RefusesTheDeviceItselfUnlessForced) {
-    EXPECT_EQ(Problem({"127.0.0.1"}),
+    EXPECT_EQ(Problem(kServerList, {"127.0.0.1"}),
               "'127.0.0.1' is a loopback address; the device reaches only itself there; give "
               "other addresses, or none");
     EXPECT_EQ(kServerList.Parse(Words{"127.0.0.1"}).or_force, ", or --force for a local resolver");
     EXPECT_EQ(kServerList.Parse(Words{"foo"}).or_force, "");
-    EXPECT_EQ(Problem({"1.1.1.1", "foo", "bar", "1.2.3.4"}),
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1", "foo", "bar", "1.2.3.4"}),
               "'foo' is not an IPv4 address; 'bar' is not an IPv4 address; 4 addresses given; give "
               "one to three IPv4 addresses such as 192.168.0.1, or none");
     EXPECT_EQ(kServerList.Force(Words{"127.0.0.1"}).data, DataOf("127.0.0.1"));
 }
 
 TEST(ServerListParse, RefusesAServerGivenTwice) {
-    EXPECT_EQ(Problem({"1.1.1.1", "2.2.2.2", "1.1.1.1"}),
+    EXPECT_EQ(Problem(kServerList, {"1.1.1.1", "2.2.2.2", "1.1.1.1"}),
               "'1.1.1.1' is given twice; give every server once");
 }
 

@@ -3,18 +3,21 @@
 
 #include "velkctl/settings/text_values.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
 #include "support/words.h"
+#include "unit/velkctl/settings/problem.h"
 #include "velkctl/settings/kinds_of_settings.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
+using testkit::DataOf;
+using testkit::Problem;
 using testkit::Words;
 using velkctl::Data;
 using velkctl::kPsk;
@@ -23,16 +26,6 @@ using velkctl::kSsid;
 using velkctl::kWepKey;
 using velkctl::Parsed;
 using velkctl::TextKind;
-
-Data DataOf(const std::string& bytes) {
-    Data data{};
-    std::copy(bytes.begin(), bytes.end(), data.begin());
-    return data;
-}
-
-std::string Problem(const TextKind& kind, const Words& words) {
-    return kind.Parse(words).problem;
-}
 
 // The lengths from 0 to 70 that a kind takes.
 std::vector<size_t> LengthsTaken(const TextKind& kind) {

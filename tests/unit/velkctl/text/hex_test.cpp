@@ -8,18 +8,15 @@
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
+
 namespace {
 
+using testkit::DataOf;
 using velkctl::Data;
 using velkctl::Dump;
 using velkctl::Parsed;
 using velkctl::ParseHex;
-
-Data DataOf(const std::string& bytes) {
-    Data data{};
-    std::copy(bytes.begin(), bytes.end(), data.begin());
-    return data;
-}
 
 std::string Repeat(const std::string& text, int times) {
     std::string repeated;
