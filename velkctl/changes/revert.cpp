@@ -13,6 +13,7 @@
 #include "velkctl/journal/expected_images.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
+#include "velkctl/report/exit_status.h"
 
 namespace velkctl {
 namespace {
@@ -43,9 +44,9 @@ PutBackResult PutFilesBack(OpenChange& change, PutBackOptions options, const Dev
 
 std::vector<std::string> InterfacesAfter(const PutBackResult& result, const JournalEntry& entry,
                                          const RevertOptions& options,
-                                         std::vector<std::string> down) {
+                                         const std::vector<std::string>& down) {
     const bool is_needed = result.has_changed || (result.is_whole() && options.restarts);
-    return is_needed ? entry.restarts : std::move(down);
+    return is_needed ? entry.restarts : down;
 }
 
 }  // namespace
@@ -70,12 +71,17 @@ RevertResult Revert(OpenChange& change, const RevertOptions& options, int wait_s
     }
     if (may_restart) {
         const std::vector<std::string> interfaces =
-            InterfacesAfter(result.put_back, change.entry(), options, std::move(down));
+            InterfacesAfter(result.put_back, change.entry(), options, down);
         result.restarts = RestartAll(interfaces, wait_seconds, report);
     }
-    if (!result.is_locked()) {
-        CloseTakenBack(change, result.put_back, report);
+    if (result.is_locked()) {
+        return result;
     }
+    if (result.restarts.status != ExitStatus::kDone && !options.closes_if_down) {
+        change.RecordPutBack(result.put_back.put_back);
+        return result;
+    }
+    CloseTakenBack(change, result.put_back, report);
     return result;
 }
 

@@ -19,7 +19,9 @@ namespace velkctl {
 struct RevertOptions {
     // Revert() finds the later changes itself. At boot nothing is restarted.
     PutBackOptions put_back{};
-    bool restarts = true;    // also if nothing has to be put back
+    bool restarts = true;  // also if nothing has to be put back
+    // False: the change stays open if an interface does not come up, for another try.
+    bool closes_if_down = true;
     std::string cause{};     // kept in the journal; empty: the one that is there
     bool is_untold = false;  // the next run says that the change was put back
 };

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "velkctl/report/exit_status.h"
+#include "velkctl/text/columns.h"
 
 namespace velkctl {
 namespace {
@@ -14,9 +15,13 @@ namespace {
 constexpr size_t kOptionWidth = 20;
 constexpr size_t kNameWidth = 10;
 
+// A name that is too long for its column has the description below it.
 std::string Row(std::string name, size_t width, std::string_view description) {
-    name.resize(width, ' ');
-    return "  " + name.append(description) + "\n";
+    constexpr std::string_view kIndent = "  ";
+    if (name.size() >= width) {
+        name.append("\n").append(width + kIndent.size(), ' ');
+    }
+    return std::string(kIndent) + Padded(std::move(name), width).append(description) + "\n";
 }
 
 std::string Options(const Verb& verb) {

@@ -36,6 +36,7 @@
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/waiting_change.h"
+#include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include "velkctl/text/numbers.h"
 
@@ -44,6 +45,8 @@ namespace {
 
 constexpr int64_t kSecond = 1000;
 constexpr int64_t kFirstPause = kSecond;
+// An interface may not come up at once; one without a cable or a DHCP server does not come up.
+constexpr int kMostRestarts = 5;
 constexpr int64_t kLongestPause = 30 * kSecond;
 // Something that could not be put back rarely heals by itself.
 constexpr int64_t kLongestStuckPause = 3600 * kSecond;
@@ -109,6 +112,8 @@ class Guardian {
     bool has_begun_ = false;  // to take the change back
     bool has_restarted_ = false;
     bool has_announced_ = false;
+    bool is_settled_ = false;  // the rest needs a decision: velkctl recover
+    int tries_ = 0;
     int stop_signal_ = SIGTERM;  // the next one for a late caller
     int64_t pause_ = kFirstPause;
     int64_t next_try_ = 0;     // milliseconds since boot
@@ -144,7 +149,7 @@ void Guardian::Watch() {
 // has the same name.
 bool Guardian::IsOver() const {
     const JournalEntry& entry = stored_.decoded.entry;
-    return !stored_.is_whole() || entry.is_closed() || entry.boot_time != boot_time_;
+    return is_settled_ || !stored_.is_whole() || entry.is_closed() || entry.boot_time != boot_time_;
 }
 
 // While the run is there, it takes its change back itself. It may also be there to ask a person.
@@ -219,14 +224,21 @@ bool Guardian::TryUnderLock() {
     Report report(Report::Form::kText);
     const Device device({}, report);
     OpenChange change(stored_);
-    const RevertOptions options{
-        .restarts = !has_restarted_, .cause = std::string(CauseOfRevert()), .is_untold = true};
+    const RevertOptions options{.restarts = !has_restarted_,
+                                .closes_if_down = ++tries_ >= kMostRestarts,
+                                .cause = std::string(CauseOfRevert()),
+                                .is_untold = true};
     has_begun_ = true;
     const RevertResult result = Revert(change, options, 0, device, report);
     if (result.is_locked()) {
         return false;
     }
-    has_restarted_ = true;
+    has_restarted_ = result.restarts.status == ExitStatus::kDone;
+    is_settled_ = result.put_back.needs_decision() && has_restarted_;
+    if (!has_restarted_) {
+        LogWarning("change " + stored_.decoded.entry.id +
+                   " has been put back, but not every interface has come up");
+    }
     if (!has_announced_) {
         Announce(change.entry(), result.put_back.left);
         has_announced_ = true;

@@ -4,6 +4,7 @@
 // journal_problem.cpp - the reason why the journal cannot be used, for people.
 #include "velkctl/journal/journal_problem.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -63,6 +64,12 @@ void NoteWait(const char* lock, int seconds, Report& report) {
         report.Note("waiting at most " + std::to_string(seconds) + " s for the lock, held by " +
                     holder);
     }
+}
+
+JournalLock AwaitJournalLock(JournalLock::Use use, int wait_seconds, int least_seconds,
+                             Report& report) {
+    NoteWait(velk::kJournalLock, wait_seconds, report);
+    return JournalLock(use, std::max(wait_seconds, least_seconds));
 }
 
 Problem InterruptedProblem(const std::string& id) {

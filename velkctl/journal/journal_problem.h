@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "velkctl/journal/journal_folder.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 
@@ -21,6 +22,11 @@ Problem LockedProblem(std::string message, const char* lock);
 // Says that a lock is awaited, and who holds it. Does nothing if no time is left to wait or the
 // lock is free.
 void NoteWait(const char* lock, int seconds, Report& report);
+
+// Notes whom the lock of the journal waits for, and takes it. Waits at least the second time, which
+// is not noted.
+JournalLock AwaitJournalLock(JournalLock::Use use, int wait_seconds, int least_seconds,
+                             Report& report);
 
 // Returns the problem of an earlier change that was interrupted.
 Problem InterruptedProblem(const std::string& id);

@@ -138,14 +138,24 @@ Problem LeftFile(const std::string& path, int error, const PutBackOptions& optio
             .file = path};
 }
 
-// A setting that is left.
-Problem LeftSetting(const Setting& setting, std::string detail, const PutBackOptions& options) {
+std::string ShownText(const Setting& setting, const Data& value) {
+    return Quoted(ValueText(setting, value, false));
+}
+
+// A setting that is left. Whoever repairs it by hand needs its value and its file.
+Problem LeftSetting(const Step& step, std::string detail, const PutBackOptions& options) {
+    const Setting& setting = step.setting;
     const char* file = setting.row->held_in.line.file;
-    return {.message = setting.name() + ": not put back",
-            .setting = setting.name(),
-            .detail = std::move(detail),
-            .remedy = options.fix,
-            .file = file == nullptr ? "" : file};
+    Problem problem{.message = setting.name() + ": not put back",
+                    .setting = setting.name(),
+                    .detail = std::move(detail),
+                    .remedy = options.fix,
+                    .file = file == nullptr ? "" : file};
+    if (step.old_value) {
+        problem.detail.append("; saved value: ").append(ShownText(setting, *step.old_value));
+    }
+    problem.detail.append(problem.file.empty() ? "" : "; file: ").append(problem.file);
+    return problem;
 }
 
 // A key that is cleared comes last: the library does not clear the one in use.
@@ -159,22 +169,16 @@ std::vector<Step> StepsInOrder(const JournalEntry& entry) {
 
 constexpr std::string_view kUnknownOld = "its old value is not known";
 
-Problem Unreadable(const Setting& setting, const Answer& held, const PutBackOptions& options) {
-    Problem problem = LeftSetting(setting, "it cannot be read: " + FailureReason(held), options);
+Problem Unreadable(const Step& step, const Answer& held, const PutBackOptions& options) {
+    Problem problem = LeftSetting(step, "it cannot be read: " + FailureReason(held), options);
     problem.result = held.known_result();
     return problem;
 }
 
-std::string ShownText(const Setting& setting, const Data& value) {
-    return Quoted(ValueText(setting, value, false));
-}
-
 // The value may have been set by another program, or by a set without a journal.
 Problem SetSince(const Step& step, const Data& held, const PutBackOptions& options) {
-    Problem problem = LeftSetting(step.setting, "it was set since, to ", options);
-    problem.detail.append(ShownText(step.setting, held)).append("; saved value: ");
-    problem.detail.append(ShownText(step.setting, *step.old_value));
-    problem.detail.append(problem.file.empty() ? "" : "; file: ").append(problem.file);
+    Problem problem =
+        LeftSetting(step, "it was set since, to " + ShownText(step.setting, held), options);
     problem.remedy = options.fix_if_set_since;
     return problem;
 }
@@ -188,7 +192,7 @@ bool IsOfChange(const Step& step, const Data& held) {
 std::optional<Problem> ObstacleOf(const Step& step, const Answer& held,
                                   const PutBackOptions& options) {
     if (!held.ok()) {
-        return Unreadable(step.setting, held, options);
+        return Unreadable(step, held, options);
     }
     const bool may_replace = options.force || IsOfChange(step, held.data);
     return may_replace ? std::nullopt : std::optional(SetSince(step, held.data, options));
@@ -317,6 +321,7 @@ class Restoration {
     bool IsForgotten(const Setting& setting) const;
     bool KeepsLaterValue(const Setting& setting) const;
     std::optional<Problem> SetValue(const Step& step);
+    std::optional<Problem> NoteObstacle(const Step& step, const Answer& held);
     std::optional<Problem> SetOldValue(const Step& step);
     CopySet SetInCopy(const Step& step);
     void NoteCutFiles(const CopyTrial& trial);
@@ -433,7 +438,7 @@ void Restoration::SetValueOf(const Step& step) {
 
 // The port has lost the value of the change with the last start of the device.
 bool Restoration::IsForgotten(const Setting& setting) const {
-    return !options_.force && setting.row->held_in.holder == Holder::kTool &&
+    return !options_.force && !entry_.is_closed() && setting.row->held_in.holder == Holder::kTool &&
            entry_.boot_id != RunningBootId();
 }
 
@@ -445,18 +450,24 @@ bool Restoration::KeepsLaterValue(const Setting& setting) const {
 // Returns the problem if the setting is left.
 std::optional<Problem> Restoration::SetValue(const Step& step) {
     if (!step.old_value) {
-        return LeftSetting(step.setting, std::string(kUnknownOld), options_);
+        return LeftSetting(step, std::string(kUnknownOld), options_);
     }
     const Answer held = values_.Get(step.setting);
     if (held.ok() && IsSameValue(step.setting, held.data, *step.old_value)) {
         return std::nullopt;
     }
-    if (std::optional<Problem> obstacle = ObstacleOf(step, held, options_)) {
+    if (std::optional<Problem> obstacle = NoteObstacle(step, held)) {
         return obstacle;
     }
     std::optional<Problem> problem = SetOldValue(step);
     result_.has_changed = result_.has_changed || !problem;
     return problem;
+}
+
+std::optional<Problem> Restoration::NoteObstacle(const Step& step, const Answer& held) {
+    std::optional<Problem> obstacle = ObstacleOf(step, held, options_);
+    result_.set_since += obstacle && held.ok() ? 1 : 0;
+    return obstacle;
 }
 
 std::optional<Problem> Restoration::SetOldValue(const Step& step) {
@@ -466,8 +477,7 @@ std::optional<Problem> Restoration::SetOldValue(const Step& step) {
         }
     }
     const std::string failure = SetByLibrary(step);
-    return failure.empty() ? std::nullopt
-                           : std::optional(LeftSetting(step.setting, failure, options_));
+    return failure.empty() ? std::nullopt : std::optional(LeftSetting(step, failure, options_));
 }
 
 // Another program may set the value after it was compared, and before the library sets it.
@@ -478,7 +488,7 @@ CopySet Restoration::SetInCopy(const Step& step) {
         if (!trial) {
             return {.is_possible = false};
         }
-        if (std::optional<Problem> obstacle = ObstacleOf(step, trial->held, options_)) {
+        if (std::optional<Problem> obstacle = NoteObstacle(step, trial->held)) {
             return {.problem = std::move(obstacle)};
         }
         const int error = CarryOver(*trial);
@@ -488,11 +498,11 @@ CopySet Restoration::SetInCopy(const Step& step) {
         }
         if (error != ESTALE && error != EWOULDBLOCK) {
             NoteCutFiles(*trial);
-            return {.problem = LeftSetting(step.setting, strerror(error), options_)};
+            return {.problem = LeftSetting(step, strerror(error), options_)};
         }
     }
-    return {.problem = LeftSetting(step.setting, "another program changes its file again and again",
-                                   options_)};
+    return {.problem =
+                LeftSetting(step, "another program changes its file again and again", options_)};
 }
 
 // A file that was emptied before its write failed is left to the next recover.
@@ -645,7 +655,7 @@ std::vector<Problem> FindObstacles(const JournalEntry& entry, const PutBackOptio
         }
         std::optional<Problem> obstacle =
             step.old_value ? ObstacleOf(step, values.Get(step.setting), options)
-                           : LeftSetting(step.setting, std::string(kUnknownOld), options);
+                           : LeftSetting(step, std::string(kUnknownOld), options);
         if (obstacle) {
             obstacles.push_back(std::move(*obstacle));
         }

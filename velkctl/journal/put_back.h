@@ -46,15 +46,18 @@ struct PutBackOptions {
 };
 
 struct PutBackResult {
-    bool is_locked = false;               // another program is changing settings; nothing was done
-    bool has_changed = false;             // a file or value was put back, or a file was cut
-    bool has_disk_failed = false;         // a file could not be written, or not be written to disk
-    bool waits_for_daemon = false;        // the daemon's values are still to be put back
-    std::vector<Problem> left{};          // each item that could not be put back, with its reason
+    bool is_locked = false;         // another program is changing settings; nothing was done
+    bool has_changed = false;       // a file or value was put back, or a file was cut
+    bool has_disk_failed = false;   // a file could not be written, or not be written to disk
+    bool waits_for_daemon = false;  // the daemon's values are still to be put back
+    std::vector<Problem> left{};    // each item that could not be put back, with its reason
+    size_t set_since = 0;           // those that were left because somebody has set them since
     std::vector<std::string> put_back{};  // the other files and settings, by path and name
     std::vector<std::string> kept{};      // settings that a later change has set
 
     bool is_whole() const { return !is_locked && !waits_for_daemon && left.empty(); }
+    // True if only a person can decide about the rest.
+    bool needs_decision() const { return !left.empty() && left.size() == set_since; }
 };
 
 // Gives each file its bytes from before the change if the change has written it last. Otherwise
@@ -63,8 +66,7 @@ struct PutBackResult {
 // that the entry calls put back is touched. Then puts back the values of the wireless daemon and
 // the link speed, and writes the files to disk. Restarts nothing but the SNMP agent. Can be
 // repeated.
-// After SIGINT or another signal it ends velkctl when the files are written, with a message, unless
-// the caller holds the signals back.
+// The caller holds signals back.
 PutBackResult PutBack(const JournalEntry& entry, PutBackOptions options, const Device& device);
 
 // The first part of taking an unfinished change back: state reverting, then PutBack(). Does nothing

@@ -4,11 +4,11 @@
 // set_record.cpp - the journal entry of a plain set.
 #include "velkctl/journal/set_record.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <utility>
 
+#include "lib/base/paths.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
@@ -40,13 +40,13 @@ SetRecord::SetRecord(const std::vector<SettingChange>& changes, int wait_seconds
     : plan_{.steps = JournalSteps(changes)},
       device_(device),
       report_(report),
-      lock_(JournalLock::Use::kAlone, std::max(wait_seconds, kLeastJournalWait)) {
-    if (lock_.error() == EWOULDBLOCK) {
-        Refuse(JournalProblem(kUnchanged, EWOULDBLOCK), ExitStatus::kLocked);
-        return;
-    }
+      lock_(AwaitJournalLock(JournalLock::Use::kAlone, wait_seconds, kLeastJournalWait, report)) {
     if (const std::optional<Problem> problem = FindWaitingProblem(kUnchanged)) {
         Refuse(*problem, ExitStatus::kWaits);
+        return;
+    }
+    if (lock_.error() == EWOULDBLOCK) {
+        Refuse(LockedProblem(kUnchanged, velk::kJournalLock), ExitStatus::kLocked);
         return;
     }
     if (!lock_.is_held()) {

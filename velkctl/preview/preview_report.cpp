@@ -24,7 +24,7 @@ namespace {
 
 // The longest time of the real call.
 struct LongestTime {
-    long seconds = 0;         // the sum of the waits with a limit
+    long seconds = 0;                           // the sum of the waits with a limit
     std::vector<std::string_view> unlimited{};  // "the interface to come up"
 };
 

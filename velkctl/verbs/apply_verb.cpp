@@ -119,6 +119,10 @@ std::optional<int> ReadConfirmation(const Invocation& invocation, Report& report
         report.Refuse("--ask: there is no terminal; give --confirm-within and 'velkctl confirm'");
         return std::nullopt;
     }
+    if (invocation.confirm_if && invocation.confirm_if->empty()) {
+        report.Refuse("--confirm-if: the command is empty; give a command of the shell");
+        return std::nullopt;
+    }
     if (invocation.ask && invocation.confirm_if) {
         report.Refuse("--ask and --confirm-if cannot be given together; give one of them");
         return std::nullopt;
@@ -282,7 +286,7 @@ ExitStatus CarryOut(const ApplyPlan& plan, const Invocation& invocation, Journal
     JournalEntry entry;
     const ExitStatus status = MakeChange(plan, invocation, record, device, report, entry);
     const bool asks = invocation.ask && entry.state == EntryState::kWaiting;
-    return asks ? AskToKeep(entry, invocation.limits, report) : status;
+    return asks ? AskToKeep(invocation.limits, report) : status;
 }
 
 // The DHCP client of an interface that leaves dhcp is ended by velkctl itself.
@@ -343,15 +347,14 @@ ExitStatus ApplyWanted(const WantedValues& wanted, const ApplyOptions& options,
 // needed.
 ExitStatus ApplyUnderLock(const WantedValues& wanted, const ApplyOptions& options,
                           const Invocation& invocation, const Device& device, Report& report) {
-    const int wait = invocation.limits.wait_seconds;
-    NoteWait(velk::kJournalLock, wait, report);
-    JournalLock lock(JournalLock::Use::kAlone, wait);
+    JournalLock lock =
+        AwaitJournalLock(JournalLock::Use::kAlone, invocation.limits.wait_seconds, 0, report);
+    if (RefuseWhileOneWaits(kUnchanged, report)) {
+        return ExitStatus::kWaits;
+    }
     if (lock.error() == EWOULDBLOCK) {
         report.Complain(LockedProblem(kUnchanged, velk::kJournalLock));
         return ExitStatus::kLocked;
-    }
-    if (RefuseWhileOneWaits(kUnchanged, report)) {
-        return ExitStatus::kWaits;
     }
     return ApplyWanted(wanted, options, invocation, &lock, device, report);
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include <poll.h>
@@ -14,6 +15,8 @@
 #include "lib/base/file_io.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/files/boot_clock.h"
+#include "velkctl/journal/journal_entry.h"
+#include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/waiting_change.h"
 
 namespace velkctl {
@@ -35,13 +38,17 @@ void ShowQuestion(const JournalEntry& entry) {
     (void)velk::WriteAll(STDERR_FILENO, question);
 }
 
-// Returns the first letter of an answer, 0 if none has come, or the time is over.
-char ReadAnswer(const JournalEntry& entry) {
-    while (SecondsLeft(entry) > 0) {
+// Returns the first letter of an answer, 0 if none has come, the time is over, or somebody else has
+// decided. Reads the entry again each second: it may get more time, too.
+char ReadAnswer(StoredEntry& stored) {
+    const JournalEntry& entry = stored.decoded.entry;
+    while (entry.state == EntryState::kWaiting && SecondsLeft(entry) > 0) {
         ShowQuestion(entry);
         pollfd input{STDIN_FILENO, POLLIN, 0};
         const int64_t left = std::min(entry.window.deadline - MillisecondsSinceBoot(), kSecond);
-        if (poll(&input, 1, static_cast<int>(std::max<int64_t>(left, 0))) != 1) {
+        const bool is_answered = poll(&input, 1, static_cast<int>(std::max<int64_t>(left, 0))) == 1;
+        stored = ReadAgain(stored);
+        if (!is_answered) {
             continue;
         }
         char line[80];
@@ -59,8 +66,14 @@ bool CanAskForKey() {
     return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
 }
 
-ExitStatus AskToKeep(const JournalEntry& entry, const TimeLimits& limits, Report& report) {
-    const char answer = ReadAnswer(entry);
+ExitStatus AskToKeep(const TimeLimits& limits, Report& report) {
+    std::optional<StoredEntry> stored = ReadLastEntry();
+    if (!stored) {
+        report.Complain("apply: the entry of the change cannot be read");
+        return ExitStatus::kFailed;
+    }
+    const char answer = ReadAnswer(*stored);
+    const JournalEntry& entry = stored->decoded.entry;
     Invocation invocation{.words = {entry.id}};
     invocation.limits = limits;
     if (IsYes(answer)) {
@@ -71,6 +84,14 @@ ExitStatus AskToKeep(const JournalEntry& entry, const TimeLimits& limits, Report
         return status == ExitStatus::kDone ? ExitStatus::kFailed : status;
     }
     (void)velk::WriteAll(STDERR_FILENO, "\n");
+    if (entry.state == EntryState::kConfirmed) {
+        report.Inform("the change is confirmed\n");
+        return ExitStatus::kDone;
+    }
+    if (entry.state != EntryState::kWaiting) {
+        report.Complain("apply: the change is put back: " + entry.cause);
+        return ExitStatus::kFailed;
+    }
     if (SecondsLeft(entry) == 0) {
         report.Complain("apply: the change is put back; nobody has confirmed it");
         return ExitStatus::kFailed;

@@ -15,9 +15,10 @@ namespace velkctl {
 // True if standard input is a terminal, and the question can be shown.
 bool CanAskForKey();
 
-// Waits for y, which confirms the change, or n, which puts it back. Without an answer, or after the
+// Asks about the last change. Waits for y, which confirms it, or n, which puts it back, or until
+// somebody else has decided. Without an answer, or after the
 // end of the terminal, the change waits on. Returns the exit status of confirm or revert.
-ExitStatus AskToKeep(const JournalEntry& entry, const TimeLimits& limits, Report& report);
+ExitStatus AskToKeep(const TimeLimits& limits, Report& report);
 
 }  // namespace velkctl
 

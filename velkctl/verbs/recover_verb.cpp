@@ -178,8 +178,8 @@ ExitStatus RunRecover(const Invocation& invocation, Report& report) {
     if (invocation.force && invocation.keep) {
         return report.Refuse("recover: --force and --keep exclude each other; give one of them");
     }
-    NoteWait(velk::kJournalLock, invocation.limits.wait_seconds, report);
-    const JournalLock lock(JournalLock::Use::kAlone, invocation.limits.wait_seconds);
+    const JournalLock lock =
+        AwaitJournalLock(JournalLock::Use::kAlone, invocation.limits.wait_seconds, 0, report);
     if (!lock.is_held()) {
         return FailForJournal(lock.error(), report);
     }

@@ -255,16 +255,13 @@ ExitStatus PutChangeBack(OpenChange& change, const JournalEntry& entry,
     return result.is_whole() ? restarts.status : ExitStatus::kPartlyBack;
 }
 
-std::string StateAfter(ExitStatus status) {
-    switch (status) {
-        case ExitStatus::kDone:
-        case ExitStatus::kNotHeld:  // an interface is not up
-            return "the change is taken back";
-        case ExitStatus::kPartlyBack:
-            return "the change is taken back in part";
-        default:
-            return "nothing was changed";
+// The entry tells: the status may be that of a restart.
+std::string StateAfter(const OpenChange& change, ExitStatus status) {
+    if (!change.is_begun()) {
+        return "nothing was changed";
     }
+    return status == ExitStatus::kPartlyBack ? "the change is taken back in part"
+                                             : "the change is taken back";
 }
 
 // A signal ends velkctl only when the interfaces are up again.
@@ -274,7 +271,7 @@ ExitStatus PutChangeBackInPeace(OpenChange& change, const JournalEntry& entry,
     const Device device(invocation.limits, report, OnSignal::kFinishCommand);
     const ExitStatus status = PutChangeBack(change, entry, invocation, device, report);
     if (const int signal = signals.Pending(); signal != 0) {
-        EndInterrupted(signal, StateAfter(status), report);
+        EndInterrupted(signal, StateAfter(change, status), report);
     }
     return status;
 }
@@ -308,13 +305,13 @@ ExitStatus TakeBackEntry(const JournalEntry& recorded, const Invocation& invocat
 }  // namespace
 
 ExitStatus RunUndo(const Invocation& invocation, Report& report) {
-    NoteWait(velk::kJournalLock, invocation.limits.wait_seconds, report);
-    const JournalLock lock(JournalLock::Use::kAlone, invocation.limits.wait_seconds);
+    const JournalLock lock =
+        AwaitJournalLock(JournalLock::Use::kAlone, invocation.limits.wait_seconds, 0, report);
+    if (RefuseWhileOneWaits(kNothingChanged, report)) {
+        return ExitStatus::kWaits;
+    }
     if (!lock.is_held()) {
         return FailForJournal(lock.error(), velk::kJournalLock, report);
-    }
-    if (RefuseWhileOneWaits("undo: nothing was changed", report)) {
-        return ExitStatus::kWaits;
     }
     const JournalListing listing = ReadJournal();
     if (listing.error != 0) {

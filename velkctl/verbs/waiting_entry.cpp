@@ -30,7 +30,7 @@ WaitingEntry::WaitingEntry(std::string_view verb, std::string id, int wait_secon
     : verb_(verb),
       id_(std::move(id)),
       report_(report),
-      lock_(JournalLock::Use::kAlone, std::max(wait_seconds, kLeastWait)),
+      lock_(AwaitJournalLock(JournalLock::Use::kAlone, wait_seconds, kLeastWait, report)),
       status_(Find()) {
 }
 

@@ -30,7 +30,7 @@ start 7 'wait_with 60 --quiet; velkctl export >/tmp/all.json; sed -i s/192.168.0
         velkctl $line --quiet 2>/tmp/error; echo "$? $(head -n 1 /tmp/error)"
     done
     plain </tmp/error; velkctl set eth0.address 192.168.0.9 --dry-run --quiet >/dev/null; echo "$?"; velkctl get eth0.address; velkctl revert --quiet'
-start 8 'for word in 9 86401 x ""; do wait_with "$word"; echo "$?"; done; velkctl apply eth0.address=192.168.0.9 --ask; is_back && has_none && echo unchanged'
+start 8 'for word in 9 86401 x ""; do wait_with "$word"; echo "$?"; done; velkctl apply eth0.address=192.168.0.9 --ask; velkctl apply eth0.address=192.168.0.9 --confirm-if ""; is_back && has_none && echo unchanged'
 start 9 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-if "grep -q 192.168.0.77 $interfaces"; echo "$?"
     velkctl history | sed -n "1s/.*  //p"; velkctl undo --quiet; velkctl apply eth0.address=192.168.0.77 --restart never --confirm-if "exit 3"; echo "$?"
     is_back && velkctl history | sed -n "1s/.*  //p"; until_true has_none'
@@ -54,13 +54,23 @@ start 16 'cd /tmp && exec 7</etc/hostname && wait_with 60 --quiet
 start 17 'velk-sandbox log >/dev/null 2>&1; wait_with 10 --quiet; flock /var/tmp/vklib_lock sleep 15 & sleep 12; is_back || echo changed
     velkctl confirm 2>/dev/null; echo "$?"; until_true is_back; until_true has_none; echo back'
 start 18 'wait_with 10 --quiet; sed -i s/192.168.0.77/192.168.0.5/ $interfaces; sleep 12; velkctl get eth0.address 2>/dev/null; velkctl history | sed -n "1s/.*  //p"
-    kill -9 $(guardians)'
+    until_true has_none; sed -i s/192.168.0.5/192.168.0.77/ $interfaces; sleep 2; velkctl get eth0.address 2>/dev/null'
 start 19 'velkctl apply eth0.address=192.168.0.77 --restart never --confirm-if "sleep 60" --json >/tmp/answer & tool=$!
     until_true grep -q 192.168.0.77 $interfaces; sleep .5; kill $tool; until_true is_back; wait $tool 2>/dev/null; echo "status $?"; is_back && echo back; until_true has_none
     sed -n "/taken_back/p;/\"state\"/p;/seconds_left/p" /tmp/answer; velkctl get eth0.address; velkctl history | sed -n "1s/.*  //p"'
 start 20 'velkctl apply eth0.address=192.168.0.10 eth0.netmask=255.255.255.0 --restart never --confirm-within 60; has_none && echo none
     velkctl apply eth0.address=192.168.0.77 --restart never --quiet; last_state; velkctl undo --quiet
     velkctl apply eth0.address=192.168.0.77 --restart never --confirm-within 60 --quiet; last_state; velkctl confirm --quiet; last_state'
+start 21 'velkctl apply eth0.address=192.168.0.77 --confirm-within 10 --quiet
+    ifup=$(readlink -f "$(command -v ifup)"); cp "$ifup" /tmp/own-ifup
+    printf "#!/bin/bash\ncase \$0 in *ifup) if [ ! -e /tmp/failed ]; then\n" >/tmp/ifup
+    printf "touch /tmp/failed; ip address flush dev eth0; exit 1\nfi ;; esac\n" >>/tmp/ifup
+    printf "exec -a \"\$0\" /tmp/own-ifup \"\$@\"\n" >>/tmp/ifup
+    chmod +x /tmp/ifup; mount --bind /tmp/ifup "$ifup"; until_true is_back; until_true has_none
+    ifconfig eth0 | grep -o "inet addr:[0-9.]*"; last_state'
+start 22 '(sleep 2; velkctl confirm --quiet; sleep 5) |
+        script -qec "velkctl apply eth0.address=192.168.0.77 --restart never --ask" /dev/null >/tmp/said
+    echo "$?"; tail -n 1 /tmp/said | tr -d "\r"; last_state'
 
 # ---- the window -------------------------------------------------------------------------------
 it 'keeps a change that is confirmed'
@@ -135,6 +145,7 @@ output_is '2
 2
 unchanged'
 error_has "velkctl: --confirm-within: '9' is not a time; give whole seconds, 10 to 86400"
+error_has 'velkctl: --confirm-if: the command is empty'
 error_has "velkctl: --ask: there is no terminal
   fix: give --confirm-within and 'velkctl confirm'"
 
@@ -227,6 +238,18 @@ back'
 it 'keeps a value that somebody else has set meanwhile'
 await 18
 output_is '192.168.0.5
-stuck'
+stuck
+192.168.0.77'
+
+it 'restarts an interface again that has not come up'
+await 21
+output_is 'inet addr:192.168.0.10
+reverted'
+
+it 'asks nobody any more about a change that another shell has confirmed'
+await 22
+output_is '0
+the change is confirmed
+confirmed'
 
 finish

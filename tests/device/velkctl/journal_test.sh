@@ -672,8 +672,10 @@ script 'velkctl set eth0.address 192.168.0.77; flock $journal/lock velkctl set e
     echo "status $?"; velkctl get eth0.address'
 output_is 'status 3
 192.168.0.77'
-error_is 'velkctl: set: nothing was changed
+error_has 'velkctl: set: nothing was changed
   another program is changing settings
+  process '
+error_has ' holds the lock
   fix: try again, or let --wait=SECONDS try again'
 
 it 'names the process that keeps undo and recover waiting'

@@ -860,6 +860,10 @@ output_has '
   doctor    look for problems with files, tools and daemons
   selftest  try every command, without changing the device
   capture   write all that the library reads on this device to a file
+  confirm   keep the change that waits for its confirmation
+  extend    give a change more time for its confirmation
+  revert    put back the change that waits for its confirmation
+  pending   show the change that waits for its confirmation
   undo      take back a change of settings
   history   list the changes that undo can take back
   recover   take back changes that were interrupted
@@ -876,6 +880,7 @@ Exit status:
   5         refused while the cable is in the wired port
   6         done, but the device lacks the value or address
   7         no answer before the timeout
+  8         another change waits for its confirmation
   9         a change was taken back only in part
 '
 general_help=$output

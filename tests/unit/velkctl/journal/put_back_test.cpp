@@ -282,7 +282,8 @@ TEST_F(PutBackTest, NamesASettingWithoutAnOldValue) {
     WriteFile(kInterfaces, TextWith("192.168.0.2"));
     EXPECT_TRUE(FindObstacles(entry, {}, device).empty()) << "bytes put it back";
     WriteFile(kInterfaces, TextWith("192.168.0.2") + "# theirs\n");
-    const std::vector expected{"eth0.address: not put back; its old value is not known"s};
+    const std::vector expected{
+        "eth0.address: not put back; its old value is not known; file: /etc/network/interfaces"s};
     EXPECT_EQ(Texts(FindObstacles(entry, {}, device)), expected);
     EXPECT_EQ(Texts(Run(entry).left), expected);
 }
@@ -290,7 +291,8 @@ TEST_F(PutBackTest, NamesASettingWithoutAnOldValue) {
 TEST_F(PutBackTest, NamesASettingThatCannotBeRead) {
     EXPECT_EQ(Texts(Run(Change()).left),
               std::vector{"eth0.address: not put back; it cannot be read: file, socket, time-out "
-                          "or unreadable value"s});
+                          "or unreadable value; saved value: '192.168.0.1'; file: "
+                          "/etc/network/interfaces"s});
 }
 
 TEST_F(PutBackTest, NamesASettingThatCannotBeSet) {
@@ -298,7 +300,8 @@ TEST_F(PutBackTest, NamesASettingThatCannotBeSet) {
     ASSERT_EQ(mkdir(kCopy, 0700), 0);
     EXPECT_EQ(Texts(Run(Change()).left),
               std::vector{"eth0.address: not put back; file, socket, time-out or unreadable "
-                          "value"s});
+                          "value; saved value: '192.168.0.1'; file: "
+                          "/etc/network/interfaces"s});
     ASSERT_EQ(rmdir(kCopy), 0);
 }
 
@@ -307,7 +310,8 @@ TEST_F(PutBackTest, NamesASettingThatTheDeviceDoesNotTake) {
     libc().ScriptAlways(testkit::Call::kSystem, testkit::Return(0));
     EXPECT_EQ(Texts(Run(Change()).left),
               std::vector{"eth0.address: not put back; the library reported success, but the "
-                          "device holds another value"s});
+                          "device holds another value; saved value: '192.168.0.1'; file: "
+                          "/etc/network/interfaces"s});
 }
 
 TEST_F(PutBackTest, NamesAFileThatCannotBeFlushed) {
