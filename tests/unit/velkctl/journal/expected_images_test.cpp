@@ -114,6 +114,26 @@ TEST_F(ExpectedImages, AreThoseOfTheRecordForAnUndo) {
     EXPECT_EQ(WithOwnImages(entry).after[0].bytes, kText);
 }
 
+// A trial run starts no DHCP client, which writes the servers of its lease.
+TEST_F(ExpectedImages, KeepTheRecordedServersOfALease) {
+    const std::string before = "nameserver 192.168.0.1\n";
+    const std::string leased = "nameserver 10.0.0.53\n";
+    WriteFile(testkit::kResolverFile, before);
+    OpenChange apply;
+    const std::vector<SettingChange> changes{
+        {*FindSetting("eth0.method"), velkctl::Data{VELK_METHOD_DHCP}}};
+    ASSERT_EQ(apply.Begin({.kind = velkctl::EntryKind::kApply,
+                           .steps = JournalSteps(changes),
+                           .restarts = {"eth0"}},
+                          device),
+              0);
+    WriteFile(testkit::kResolverFile, leased);
+    ASSERT_EQ(apply.RecordFiles(), 0);
+    EXPECT_FALSE(ExpectSteps(apply, {}));
+    const FileCase found = CompareFile(ReadFileImage(testkit::kResolverFile), apply.entry());
+    EXPECT_EQ(found, FileCase::kNew);
+}
+
 // A set of the method switches an option of DHCP, and the apply sets it again.
 TEST_F(ExpectedImages, HaveASwitchedValueAsItWas) {
     const std::string block = "interface \"eth0\" {\n\trequest routers, domain-name-servers;\n}\n";
