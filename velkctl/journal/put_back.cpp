@@ -142,7 +142,7 @@ std::string ShownText(const Setting& setting, const Data& value) {
     return Quoted(ValueText(setting, value, false));
 }
 
-// A setting that is left. Whoever repairs it by hand needs its value and its file.
+// A setting that is left. A person who repairs it by hand needs its value and its file.
 Problem LeftSetting(const Step& step, std::string detail, const PutBackOptions& options) {
     const Setting& setting = step.setting;
     const char* file = setting.row->held_in.line.file;

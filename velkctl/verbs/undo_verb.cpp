@@ -255,7 +255,7 @@ ExitStatus PutChangeBack(OpenChange& change, const JournalEntry& entry,
     return result.is_whole() ? restarts.status : ExitStatus::kPartlyBack;
 }
 
-// The entry tells: the status may be that of a restart.
+// The status may be that of a restart.
 std::string StateAfter(const OpenChange& change, ExitStatus status) {
     if (!change.is_begun()) {
         return "nothing was changed";

@@ -254,7 +254,7 @@ TEST_F(PutBackTest, GivesUpIfAnotherProgramWritesAgainAndAgain) {
     });
     EXPECT_EQ(Texts(Run(Change()).left),
               std::vector{"eth0.address: not put back; another program changes its file again and "
-                          "again"s});
+                          "again; saved value: '192.168.0.1'; file: /etc/network/interfaces"s});
     EXPECT_EQ(ReadFile(kInterfaces), TextWith("192.168.0.2") + "# " + std::to_string(count) + "\n");
 }
 
