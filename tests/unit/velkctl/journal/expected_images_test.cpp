@@ -129,7 +129,7 @@ TEST_F(ExpectedImages, KeepTheRecordedServersOfALease) {
               0);
     WriteFile(testkit::kResolverFile, leased);
     ASSERT_EQ(apply.RecordFiles(), 0);
-    EXPECT_FALSE(ExpectSteps(apply, {}));
+    EXPECT_FALSE(ExpectSteps(apply));
     const FileCase found = CompareFile(ReadFileImage(testkit::kResolverFile), apply.entry());
     EXPECT_EQ(found, FileCase::kNew);
 }
