@@ -22,7 +22,7 @@ velkctl export --quiet >/tmp/static.json
 static=$(settings)
 run velkctl apply eth0.method=dhcp
 status_is 0
-error_is ''
+error_is 'velkctl: note: eth0.dhcp-dns is on now, switched by eth0.method'
 check 'lease' yes "$(has_lease eth0 0 && echo yes)"
 check 'client' yes "$(no_client || echo yes)"
 
@@ -38,7 +38,9 @@ output_is 'nothing to change'
 it 'ends the DHCP client when the method leaves dhcp'
 run velkctl import /tmp/static.json
 status_is 0
-error_is ''
+error_is "velkctl: note: eth0.dhcp-dns is off while eth0.method is static
+  dhcp may switch it on again
+  fix: set it again after 'velkctl set eth0.method dhcp'"
 check 'no client' yes "$(no_client && echo yes)"
 check 'address' 192.168.0.99/24 "$(kernel_address eth0)"
 check 'settings' "$static" "$(settings)"
