@@ -365,7 +365,7 @@ class LockedRecord final : public velkctl::ChangeRecord {
         lock_.reset();
         return record_.TakeBack(device, report);
     }
-    void FinishTakeBack() override { record_.FinishTakeBack(); }
+    void FinishTakeBack(bool are_up) override { record_.FinishTakeBack(are_up); }
 
     // False if another set has failed before.
     bool has_failed_set() const { return has_failed_set_; }

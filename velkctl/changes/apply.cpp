@@ -40,7 +40,7 @@ Problem NotRestartedAgain(const std::string& interface, const RestartOutcome& ou
         problem.detail.insert(0, reason + (problem.detail.empty() ? "" : "; "));
     }
     problem.message = interface + ": could not be restarted after the change was taken back";
-    problem.remedy = "velkctl restart " + interface;
+    problem.remedy = "'velkctl recover' tries again";
     return problem;
 }
 
@@ -224,10 +224,11 @@ class Application {
         }
         EndClientsOfChange();
         result_.status = record_.TakeBack(patient_, report_);
+        bool are_up = true;
         for (const auto& [interface, had_address] : taken_down_) {
-            RestartAgain(interface, had_address);
+            are_up = RestartAgain(interface, had_address) && are_up;
         }
-        record_.FinishTakeBack();
+        record_.FinishTakeBack(are_up);
     }
 
     void EndClientsOfChange() {
@@ -241,20 +242,21 @@ class Application {
         }
     }
 
-    // An interface without an address before the change may have none after it: the first restart
-    // has reported that.
-    void RestartAgain(const std::string& interface, bool had_address) {
+    // Returns false if the interface is not as before. One without an address before the change may
+    // have none after it: the first restart has reported that.
+    bool RestartAgain(const std::string& interface, bool had_address) {
         const RestartOutcome outcome =
             RestartInterface(interface, LimitsOfTakingBack(limits_), patient_);
         if (!outcome.problem) {
-            return;
+            return true;
         }
-        if (had_address || outcome.state.is_null()) {
-            ReportOnce(NotRestartedAgain(interface, outcome));
-            result_.status = ExitStatus::kPartlyBack;
-        } else {
+        if (!had_address && !outcome.state.is_null()) {
             ReportOnce(*outcome.problem);
+            return true;
         }
+        ReportOnce(NotRestartedAgain(interface, outcome));
+        result_.status = ExitStatus::kPartlyBack;
+        return false;
     }
 
     const ApplyPlan& plan_;

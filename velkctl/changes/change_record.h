@@ -42,8 +42,8 @@ class ChangeRecord {
     // Puts the files and values back, and reports each that could not be. Returns kFailed if all
     // are back.
     virtual ExitStatus TakeBack(const Device& device, Report& report) = 0;
-    // The change is taken back, and its interfaces are restarted.
-    virtual void FinishTakeBack() = 0;
+    // The change is taken back, and its interfaces are restarted: all are up as before, or not.
+    virtual void FinishTakeBack(bool are_interfaces_up) = 0;
 
   protected:
     ~ChangeRecord() = default;

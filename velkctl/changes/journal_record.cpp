@@ -192,4 +192,12 @@ ExitStatus JournalRecord::TakeBack(const Device& device, Report& report) {
     return taken_back_.is_whole() ? ExitStatus::kFailed : ExitStatus::kPartlyBack;
 }
 
+void JournalRecord::FinishTakeBack(bool are_interfaces_up) {
+    if (are_interfaces_up) {
+        CloseTakenBack(change_, taken_back_, report_);
+    } else {
+        LeaveStuck(change_, taken_back_);
+    }
+}
+
 }  // namespace velkctl

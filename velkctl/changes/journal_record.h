@@ -46,7 +46,7 @@ class JournalRecord final : public ChangeRecord {
     std::optional<Problem> Flush() override;
     std::optional<Problem> Finish() override;
     ExitStatus TakeBack(const Device& device, Report& report) override;
-    void FinishTakeBack() override { CloseTakenBack(change_, taken_back_, report_); }
+    void FinishTakeBack(bool are_interfaces_up) override;
 
     // Returns an entry without an id if the change has none, or none any more.
     JournalEntry entry() const { return change_.is_begun() ? change_.entry() : JournalEntry(); }

@@ -78,7 +78,7 @@ RevertResult Revert(OpenChange& change, const RevertOptions& options, int wait_s
         return result;
     }
     if (result.restarts.status != ExitStatus::kDone && !options.closes_if_down) {
-        change.RecordPutBack(result.put_back.put_back);
+        LeaveStuck(change, result.put_back);
         return result;
     }
     CloseTakenBack(change, result.put_back, report);

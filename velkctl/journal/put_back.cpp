@@ -637,6 +637,11 @@ void CloseTakenBack(OpenChange& change, const PutBackResult& result, Report& rep
     }
 }
 
+void LeaveStuck(OpenChange& change, const PutBackResult& result) {
+    change.RecordPutBack(result.put_back);
+    (void)change.Advance(EntryState::kStuck);
+}
+
 std::string FindCutFile(const JournalEntry& entry) {
     const auto cut = std::ranges::find_if(entry.before, [&](const FileImage& before) {
         return CompareFile(ReadFileImage(before.path), entry) == FileCase::kCut;

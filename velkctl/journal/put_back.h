@@ -78,6 +78,9 @@ PutBackResult PutBackOpen(OpenChange& change, PutBackOptions options, const Devi
 // back, unless all were. Removes the entry if all is back and the state cannot be written.
 void CloseTakenBack(OpenChange& change, const PutBackResult& result, Report& report);
 
+// The second part if an interface has not come up: a later try restarts it again.
+void LeaveStuck(OpenChange& change, const PutBackResult& result);
+
 // Returns a file of the entry that was cut; empty if none.
 std::string FindCutFile(const JournalEntry& entry);
 

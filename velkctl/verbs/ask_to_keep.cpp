@@ -77,9 +77,12 @@ ExitStatus AskToKeep(const TimeLimits& limits, Report& report) {
     Invocation invocation{.words = {entry.id}};
     invocation.limits = limits;
     if (IsYes(answer)) {
+        report.Member("seconds_left", nullptr);
         return RunConfirm(invocation, report);
     }
     if (IsNo(answer)) {
+        report.Member("seconds_left", nullptr);
+        report.Member("taken_back", true);
         const ExitStatus status = RunRevert(invocation, report);
         return status == ExitStatus::kDone ? ExitStatus::kFailed : status;
     }

@@ -141,7 +141,7 @@ it 'ends with 9 if the interface is not up again after everything is put back'
 changes_nothing "$stand_in_word"'stand_in_script ifup "echo ifup: failed to bring up \$1 >&2"
     velkctl apply eth0.address=192.168.0.77'
 status_is 9
-error_is 'velkctl: restart of eth0: ifup: failed to bring up eth0
+error_is "velkctl: restart of eth0: ifup: failed to bring up eth0
 velkctl: restart of eth0: ifup: failed to bring up eth0
 velkctl: eth0: ifup failed
   the interface is up with 192.168.0.10
@@ -149,7 +149,20 @@ velkctl: restart of eth0: ifup: failed to bring up eth0
 velkctl: restart of eth0: ifup: failed to bring up eth0
 velkctl: eth0: could not be restarted after the change was taken back
   ifup failed; the interface is up with 192.168.0.10
-  fix: velkctl restart eth0'
+  fix: 'velkctl recover' tries again"
+
+it 'stays open after that, and recover restarts the interface'
+script "$stand_in_word"'velk-sandbox adapter out
+    stand_in_script ifup "ip address flush dev eth0" "exit 1"
+    velkctl apply eth0.address=192.168.0.77 2>/dev/null; echo "status $?"
+    velkctl history --quiet --json | sed -n "s/.*\"state\": //p"
+    umount "$(readlink -f "$(command -v ifup)")"; velkctl recover --quiet; echo "status $?"; ifconfig eth0 | grep -o "inet addr:[0-9.]*"
+    velkctl history --quiet --json | sed -n "s/.*\"state\": //p"'
+output_is 'status 9
+"stuck",
+status 0
+inet addr:192.168.0.10
+"reverted",'
 
 it 'advises to apply again, not to restart the old settings'
 script "$stand_in_word"'velk-sandbox cable out
@@ -158,7 +171,7 @@ script "$stand_in_word"'velk-sandbox cable out
 status_is 9
 error_has '  no link: the cable is out
   fix: plug the cable in, then apply the change again'
-error_has '  fix: velkctl restart eth0'
+error_has "  fix: 'velkctl recover' tries again"
 
 it 'puts everything back after a signal, and restarts the interface'
 script "$stand_in_word"'before=$(state)

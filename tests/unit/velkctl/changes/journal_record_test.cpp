@@ -142,7 +142,7 @@ TEST_F(JournalRecordTest, PutsBackTheStepsThatWereMade) {
     record->StepMade();
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
     EXPECT_EQ(ReadFile(kInterfaces), std::string(kText) + "\tgateway 192.168.0.7\n");
-    record->FinishTakeBack();
+    record->FinishTakeBack(true);
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
@@ -153,7 +153,7 @@ TEST_F(JournalRecordTest, PutsTheFilesBack) {
     EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
     EXPECT_EQ(ReadFile(kInterfaces), kText);
     EXPECT_EQ(Stored().state, EntryState::kReverting) << "the restarts come before its end";
-    record->FinishTakeBack();
+    record->FinishTakeBack(true);
     EXPECT_EQ(Stored().state, EntryState::kReverted);
 }
 
@@ -173,6 +173,15 @@ TEST_F(JournalRecordTest, WaitsForTheLibraryToPutTheFilesBack) {
     EXPECT_EQ(ReadFile(kInterfaces), kText);
 }
 
+TEST_F(JournalRecordTest, StaysOpenIfAnInterfaceIsNotUpAgain) {
+    ASSERT_FALSE(Begin());
+    WriteFile(kInterfaces, kNewText);
+    record->StepMade();
+    EXPECT_EQ(record->TakeBack(device, report), ExitStatus::kFailed);
+    record->FinishTakeBack(false);
+    EXPECT_EQ(Stored().state, EntryState::kStuck);
+}
+
 TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
     ASSERT_FALSE(Begin());
     WriteFile(kInterfaces, kNewText);
@@ -185,7 +194,7 @@ TEST_F(JournalRecordTest, NamesAValueThatItCannotPutBack) {
               "  it was set since, to '192.168.0.3'\n"
               "  saved value: '192.168.0.1'; file: /etc/network/interfaces\n"
               "  fix: 'velkctl recover --force' replaces it; 'velkctl recover --keep' keeps it\n");
-    record->FinishTakeBack();
+    record->FinishTakeBack(true);
     EXPECT_EQ(Stored().state, EntryState::kStuck);
 }
 
