@@ -18,6 +18,7 @@
 #include "velkctl/journal/journal_entry.h"
 #include "velkctl/journal/journal_folder.h"
 #include "velkctl/journal/waiting_change.h"
+#include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
