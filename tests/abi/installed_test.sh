@@ -25,8 +25,8 @@ check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.
     libvelk.3 libvelk.pc libvelk.so ntp.h request.h velk.h velk.pc velkConfig.cmake velkConfigVersion.cmake \
     "velkTargets-$(tr '[:upper:]' '[:lower:]' <<<"$type").cmake" velkTargets.cmake version.h webup.h \
     wired.h wlan.h)" "$(files_of development)"
-check 'files of the tools' "$(printf '%s\n' _velkctl json.md velkctl velkctl velkctl.1 \
-    velkctl.schema.json)" "$(files_of tools)"
+check 'files of the tools' "$(printf '%s\n' _velkctl json.md velk-recover-wireless.service \
+    velk-recover.service velkctl velkctl velkctl.1 velkctl.schema.json)" "$(files_of tools)"
 check 'files of the sandbox' "$(printf '%s\n' _velk-sandbox velk-sandbox velk-sandbox \
     velk-sandbox.1 wland)" "$(files_of sandbox)"
 mkdir -p "$root/Unspecified"

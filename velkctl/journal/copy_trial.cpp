@@ -60,7 +60,7 @@ std::optional<CopyTrial> TryInCopy(const Setting& setting, const Data& value,
     }
     const TrialStep get{VELK_GET, setting.row->id, std::string(setting.interface), {}, true};
     const TrialRun run = RunTrial({get, StepOf({setting, value}), get}, {}, *now);
-    if (!HasTaken(run, setting, value)) {
+    if (run.is_cut_off || !HasTaken(run, setting, value)) {
         return std::nullopt;
     }
     CopyTrial trial{.held = run.answers.front()};

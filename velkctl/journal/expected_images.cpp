@@ -97,7 +97,8 @@ bool HasChangedFile(const JournalEntry& entry) {
     return HasFile(entry, [](FileCase found) { return found != FileCase::kOld; });
 }
 
-// Runs the steps. The run has a problem also if it was cut off: its files are unknown then.
+// Runs the steps. The run has a problem also if it was cut off: it may lack files then. Those that
+// it has are right.
 TrialRun RunSteps(const JournalEntry& entry, const std::vector<TrialStep>& steps,
                   const TimeLimits& limits) {
     TrialRun run = RunTrial(steps, limits, entry.before);
@@ -110,12 +111,20 @@ TrialRun RunSteps(const JournalEntry& entry, const std::vector<TrialStep>& steps
 // Adds the files after these steps. Returns the problem if no trial is possible.
 std::optional<Problem> AddImages(JournalEntry& entry, const std::vector<TrialStep>& steps) {
     TrialRun run = RunSteps(entry, steps, kTrialLimits);
-    if (!run.problem) {
-        for (FileImage& image : ChangedFiles(run, entry)) {
-            AddAfter(entry, std::move(image));
-        }
+    for (FileImage& image : ChangedFiles(run, entry)) {
+        AddAfter(entry, std::move(image));
     }
     return std::move(run.problem);
+}
+
+// Returns the entry with its own images and those of another one.
+JournalEntry WithImagesOf(JournalEntry entry, const JournalEntry& other) {
+    for (const std::vector<FileImage>* images : {&other.between, &other.after}) {
+        for (const FileImage& image : *images) {
+            AddAfter(entry, image);
+        }
+    }
+    return entry;
 }
 
 // An undo writes the bytes of an earlier entry, which its steps may not make. A trial run starts no
@@ -141,9 +150,7 @@ std::optional<Problem> ExpectChange(OpenChange& change, const TimeLimits& limits
     }
     const std::vector<TrialStep> steps = WithSwitchedBack(change.entry(), changes, limits);
     TrialRun run = RunSteps(change.entry(), steps, limits);
-    if (!run.problem) {
-        (void)change.Expect(ChangedFiles(run, change.entry()));
-    }
+    (void)change.Expect(ChangedFiles(run, change.entry()));
     return std::move(run.problem);
 }
 
@@ -156,6 +163,7 @@ std::optional<Problem> ExpectSteps(OpenChange& change) {
     for (const TrialStep& step : WithSwitchedBack(entry, FileSteps(entry), kTrialLimits)) {
         steps.push_back(step);
         if (std::optional<Problem> problem = AddImages(entry, steps)) {
+            change.UseImages(WithImagesOf(change.entry(), entry));
             return HasUnknownFile(change.entry()) ? std::move(problem) : std::nullopt;
         }
     }

@@ -161,6 +161,8 @@ std::optional<TrialRun> TryOnce(const std::vector<TrialStep>& steps, const TimeL
     run.answers = std::move(end.answers);
     run.is_cut_off = !end.is_complete;
     if (run.is_cut_off) {
+        // The last step may have answered before the trial ended.
+        run.answers.resize(std::min(run.answers.size(), steps.size() - 1));
         run.answers.push_back(MissingAnswer(end, limits));
     }
     run.is_complete = IsComplete(run, steps);
