@@ -442,6 +442,16 @@ TEST_F(PutBackTest, LeavesAValueThatThePortHasLostAtAStart) {
     EXPECT_FALSE(Run(entry, {.force = true}).is_whole()) << "no port is there";
 }
 
+// An undo of it is asked for: the port may have the new speed again.
+TEST_F(PutBackTest, SetsTheLinkSpeedOfAFinishedChangeAlsoAfterAStart) {
+    JournalEntry entry;
+    entry.state = velkctl::EntryState::kDone;
+    entry.boot_id = "of another start";
+    entry.steps = {
+        {*FindSetting("eth0.link-speed"), Data{VELK_LINK_100_FULL}, Data{VELK_LINK_10_FULL}}};
+    EXPECT_FALSE(Run(entry).is_whole()) << "no port is there";
+}
+
 TEST_F(PutBackTest, RestartsTheSnmpAgentAfterItsFileIsPutBack) {
     JournalEntry entry;
     entry.before = {ImageOf(testkit::kSnmpFile, "syslocation here\n")};
