@@ -10,12 +10,12 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <unistd.h>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/call/stop_signals.h"
@@ -24,6 +24,7 @@
 namespace {
 
 using testkit::Call;
+using testkit::DataOf;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::BeginFailure;
@@ -41,12 +42,6 @@ using velkctl::ReadJournal;
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kText[] = "iface eth0 inet static\n\taddress 192.168.0.1\n";
 constexpr char kNewText[] = "iface eth0 inet static\n\taddress 192.168.0.2\n";
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 const ChangeSet kChanges{{*FindSetting("eth0.address"), DataOf("192.168.0.2")}};
 

@@ -7,11 +7,11 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/call/device.h"
@@ -27,10 +27,10 @@
 namespace {
 
 using testing::HasSubstr;
+using testkit::DataOf;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::ChangeSet;
-using velkctl::Data;
 using velkctl::EntryState;
 using velkctl::ExitStatus;
 using velkctl::FindSetting;
@@ -47,12 +47,6 @@ constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kText[] = "iface eth0 inet static\n\taddress 192.168.0.1\n";
 constexpr char kNewText[] = "iface eth0 inet static\n\taddress 192.168.0.2\n";
 constexpr int64_t kMinute = 60'000;
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 ChangeSet Changes() {
     return {{*FindSetting("eth0.address"), DataOf("192.168.0.2")}};

@@ -9,12 +9,14 @@
 #include <string_view>
 #include <vector>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/journal/put_back.h"
 
 namespace {
 
+using testkit::DataOf;
 using testkit::WriteFile;
 using velkctl::CompareFile;
 using velkctl::Data;
@@ -32,12 +34,6 @@ constexpr char kAfterOne[] =
     "iface eth0 inet static\n\taddress 192.168.0.2\n\tgateway 192.168.0.8\n";
 constexpr char kAfterAll[] =
     "iface eth0 inet static\n\taddress 192.168.0.2\n\tgateway 192.168.0.9\n";
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 // An interrupted change of address and gateway, with no image after a step.
 class ExpectedImages : public testkit::DeviceTest {

@@ -10,11 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include "support/data_of.h"
 #include "support/paths.h"
 
 namespace {
 
-using velkctl::Data;
+using testkit::DataOf;
 using velkctl::DecodedEntry;
 using velkctl::DecodeEntry;
 using velkctl::EncodeAfter;
@@ -31,12 +32,6 @@ using velkctl::FrameKind;
 using velkctl::JournalEntry;
 
 using namespace std::string_literals;
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 FileImage ImageOf(const char* path, std::string bytes) {
     return {.path = path,

@@ -8,11 +8,11 @@
 #include <cerrno>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <unistd.h>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/files/boot_clock.h"
@@ -20,6 +20,7 @@
 
 namespace {
 
+using testkit::DataOf;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::Data;
@@ -36,12 +37,6 @@ using velkctl::StoredEntry;
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kText[] = "iface eth0 inet static\n\taddress 192.168.0.1\n";
 constexpr char kNewText[] = "iface eth0 inet static\n\taddress 192.168.0.2\n";
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 class OpenChangeTest : public testkit::DeviceTest {
   protected:

@@ -13,11 +13,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 
 namespace {
 
+using testkit::DataOf;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::Data;
@@ -34,12 +36,6 @@ using namespace std::string_view_literals;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kCopy[] = "/var/tmp/interfaces";
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 FileImage ImageOf(const char* path, std::string bytes) {
     return {.path = path, .exists = true, .bytes = std::move(bytes), .mode = 0640};

@@ -13,12 +13,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/mounted.h"
 #include "support/paths.h"
 
 namespace {
 
+using testkit::DataOf;
 using testkit::WriteFile;
 using velkctl::Answer;
 using velkctl::Data;
@@ -33,12 +35,6 @@ using velkctl::SettingChange;
 
 constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr auto& kFolder = testkit::kJournalFolder;
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 class SetRecordTest : public testkit::DeviceTest {
   protected:

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "lib/base/paths.h"
+#include "support/data_of.h"
 #include "support/device_test.h"
 #include "support/paths.h"
 #include "velkctl/call/device.h"
@@ -29,10 +30,10 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
+using testkit::DataOf;
 using testkit::ReadFile;
 using testkit::WriteFile;
 using velkctl::ConfirmWindow;
-using velkctl::Data;
 using velkctl::EntryState;
 using velkctl::ExitStatus;
 using velkctl::FindSetting;
@@ -50,12 +51,6 @@ constexpr auto& kInterfaces = testkit::kInterfacesFile;
 constexpr char kText[] = "iface eth0 inet static\n\taddress 192.168.0.1\n";
 constexpr char kNewText[] = "iface eth0 inet static\n\taddress 192.168.0.2\n";
 constexpr int64_t kMinute = 60'000;
-
-Data DataOf(std::string_view text) {
-    Data data{};
-    text.copy(data.data(), data.size());
-    return data;
-}
 
 class WaitingChangeTest : public testkit::DeviceTest {
   protected:
