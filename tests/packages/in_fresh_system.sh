@@ -55,7 +55,7 @@ check 'a C program' 0 $?
 
 : >/var/tmp/vklib_lock
 apt remove libvelk1 libvelk-dev velk-tools velk-sandbox
-apt purge libvelk1 # the one of which something is left
+apt purge libvelk1 velk-tools # those of which something is left
 check 'packages after the purge' '' "$(installed)"
 check 'files after the purge' '' "$(files | diff /tmp/before -)"
 finish && echo 'the packages install, run, upgrade and go without a trace'
