@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "velkctl/call/device.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
 #include <nlohmann/json.hpp>

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "velkctl/call/device.h"
-#include "velkctl/call/time_limits.h"
 #include "velkctl/changes/restarts.h"
 #include "velkctl/journal/open_change.h"
 #include "velkctl/journal/put_back.h"

@@ -17,9 +17,6 @@
 namespace velkctl {
 namespace {
 
-// Another run decides about the same change within this time.
-constexpr int kLeastWait = 2;
-
 bool MayDecide(const JournalEntry& entry) {
     return getuid() == 0 || getuid() == entry.user;
 }
@@ -30,7 +27,7 @@ WaitingEntry::WaitingEntry(std::string_view verb, std::string id, int wait_secon
     : verb_(verb),
       id_(std::move(id)),
       report_(report),
-      lock_(AwaitJournalLock(JournalLock::Use::kAlone, wait_seconds, kLeastWait, report)),
+      lock_(AwaitJournalLock(JournalLock::Use::kAlone, wait_seconds, kLeastJournalWait, report)),
       status_(Find()) {
 }
 
