@@ -7,11 +7,14 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <string>
 
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "support/device_test.h"
 
 namespace testkit {
 namespace {
@@ -33,6 +36,19 @@ bool IgnoresChildren() {
 bool Adopts() {
     int adopts = 0;
     return prctl(PR_GET_CHILD_SUBREAPER, &adopts) == 0;
+}
+
+// The emulation shows a program its own command line, and the machine's kernel those of others.
+bool ShowsCommandLines() {
+    const pid_t child = fork();
+    if (child == 0) {
+        (void)pause();
+        _exit(0);
+    }
+    const std::string of_child = ReadFile("/proc/" + std::to_string(child) + "/cmdline");
+    (void)kill(child, SIGKILL);
+    (void)waitpid(child, nullptr, 0);
+    return of_child == ReadFile("/proc/self/cmdline");
 }
 
 // In a child of its own, because its later children would be in the new namespace, too.
@@ -70,6 +86,8 @@ bool EndsFirstProcess() {
 const KernelFeature kIgnoredChildren{"the emulation shows a program the children that it ignores",
                                      IgnoresChildren};
 const KernelFeature kAdoption{"the emulation lets no program adopt orphans", Adopts};
+const KernelFeature kCommandLines{"the command lines of emulated programs begin with the emulator",
+                                  ShowsCommandLines};
 const KernelFeature kEndOfFirstProcess{
     "the emulation lets no signal end the first process of a PID namespace", EndsFirstProcess};
 

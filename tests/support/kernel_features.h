@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// kernel_features.h - what an emulated kernel lacks.
+// kernel_features.h - features that an emulated kernel may lack.
 #ifndef TESTS_SUPPORT_KERNEL_FEATURES_H_
 #define TESTS_SUPPORT_KERNEL_FEATURES_H_
 
@@ -17,6 +17,8 @@ struct KernelFeature {
 extern const KernelFeature kIgnoredChildren;
 // Orphans of its children's children that become the program's own children.
 extern const KernelFeature kAdoption;
+// The command lines of other processes, as they were given.
+extern const KernelFeature kCommandLines;
 // A signal that ends the first process of a PID namespace, sent by itself.
 extern const KernelFeature kEndOfFirstProcess;
 
