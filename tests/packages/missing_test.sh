@@ -15,7 +15,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 # A folder of the only programs: those that each script runs before it looks for others.
 rm -rf "$root"
 mkdir -p "$root/programs"
-for program in bash sh env dirname id realpath; do
+for program in bash sh env dirname id realpath sed; do
     ln -s "$(command -v "$program")" "$root/programs"
 done
 with() { # with PROGRAMS COMMAND... - as on a machine with these programs, too
@@ -36,6 +36,9 @@ lacks build cmake cmake ''
 lacks build ninja ninja-build cmake
 lacks build g++ g++ 'cmake ninja'
 lacks build clang++ clang 'cmake ninja g++' fuzz
+check 'build for another machine without its compiler' \
+    'build: mips-linux-gnu-g++ is missing. fix: apt-get install g++-mips-linux-gnu, or run scripts/setup cross' \
+    "$(with 'cmake ninja' "$source/scripts/build" mips)"
 lacks format clang-format clang-format ''
 lacks abi abidw abigail-tools ''
 lacks abi g++ g++ 'abidw cmake ninja'
@@ -73,6 +76,14 @@ lacks_package GTest 'GTest is missing: apt-get install libgtest-dev libgmock-dev
 check 'velkctl left out, but not the tests' \
     '   tests and benchmarks need velkctl and the sandbox: -DBUILD_TESTING=OFF -DVELK_BENCH=OFF' \
     "$(cmake -S "$source" -B "$root/half" -DVELK_TOOLS=OFF 2>&1 | grep 'tests and benchmarks')"
+# The same line for those who call CMake themselves. The folder of programs has no compiler.
+for program in cmake ninja; do
+    ln -s "$(command -v "$program")" "$root/programs"
+done
+check 'CMake for another machine without its compiler' \
+    '   arm-linux-gnueabihf-g++ is missing: apt-get install g++-arm-linux-gnueabihf' \
+    "$(with '' cmake -S "$source" -B "$root/cross" -G Ninja --toolchain "$source/cmake/armhf.cmake" |
+        grep 'is missing')"
 # A compiler that says that it is an older g++.
 old() { # old VERSION MESSAGE
     printf '#!/bin/sh\nexec g++ -U__GNUC__ -D__GNUC__=%s "$@"\n' "$1" >"$root/g++"

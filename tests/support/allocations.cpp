@@ -9,7 +9,12 @@
 #include <utility>
 
 #include <malloc.h>
+#if __has_include(<sanitizer/asan_interface.h>)
 #include <sanitizer/asan_interface.h>
+#else  // GCC has no sanitizers for MIPS
+#define ASAN_POISON_MEMORY_REGION(address, size) static_cast<void>(address)
+#define ASAN_UNPOISON_MEMORY_REGION(address, size) static_cast<void>(address)
+#endif
 
 namespace testkit {
 namespace {

@@ -4,9 +4,15 @@
 // libc_interposed.cpp - the executable's own definitions of the libc calls the library makes.
 //
 // Each call is defined in every spelling that compilers turn it into: the plain one, the one for
-// 64-bit file offsets and the checked one of _FORTIFY_SOURCE.
+// 64-bit file offsets, the one for 64-bit times and the checked one of _FORTIFY_SOURCE.
+//
+// With these, the headers would give the plain functions other names.
+#undef _FILE_OFFSET_BITS
+#undef _TIME_BITS
+
 #include <cerrno>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -92,6 +98,63 @@ const char* PathOf(const sockaddr* address) {
                                          : "";
 }
 
+#if __TIMESIZE == 32
+// The times of a 32-bit machine's calls with _TIME_BITS=64, as in its C library.
+struct LongTimeval {
+    int64_t tv_sec;
+    int64_t tv_usec;
+};
+struct LongTimespec {
+    int64_t tv_sec;
+#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    int32_t padding;
+#endif
+    int32_t tv_nsec;
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    int32_t padding;
+#endif
+};
+#endif
+
+int Ioctl(int fd, unsigned long request, void* argument) {
+    return Answer({Call::kIoctl, std::to_string(fd), "ioctl", static_cast<int>(request)}, [&] {
+        static auto* real = Real<int (*)(int, unsigned long, ...)>("ioctl");
+        return real(fd, request, argument);
+    });
+}
+
+template <typename Timeval>
+int Select(const char* spelling, int count, fd_set* reading, fd_set* writing, fd_set* failing,
+           Timeval* time_left) {
+    std::string seconds;
+    if (time_left != nullptr) {
+        seconds = std::to_string(time_left->tv_sec) + "." + std::to_string(time_left->tv_usec);
+    }
+    return Answer({Call::kSelect, seconds, "select", count}, [&] {
+        static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, Timeval*)>(spelling);
+        Timeval none{};
+        Timeval* wait = LibcRecorder::Get().never_waits() ? &none : time_left;
+        return real(count, reading, writing, failing, wait);
+    });
+}
+
+template <typename Timespec>
+int Nanosleep(const char* spelling, const Timespec* pause, Timespec* rest) {
+    return Answer({Call::kNanosleep, std::to_string(pause->tv_nsec), "nanosleep"}, [&] {
+        static auto* real = Real<int (*)(const Timespec*, Timespec*)>(spelling);
+        return real(pause, rest);
+    });
+}
+
+template <typename Timespec>
+int ClockNanosleep(const char* spelling, clockid_t clock, int flags, const Timespec* time,
+                   Timespec* rest) {
+    return Answer({Call::kClockNanosleep, "", "clock_nanosleep", flags}, [&] {
+        static auto* real = Real<int (*)(clockid_t, int, const Timespec*, Timespec*)>(spelling);
+        return real(clock, flags, time, rest);
+    });
+}
+
 // The mode argument exists only with some flags.
 bool HasMode(int flags) {
     return (flags & (O_CREAT | O_TMPFILE)) != 0;
@@ -170,16 +233,19 @@ int socket(int domain, int type, int protocol) noexcept {
     });
 }
 
-int ioctl(int fd, unsigned long request, ...) noexcept {
-    va_list arguments;
-    va_start(arguments, request);
-    void* argument = va_arg(arguments, void*);
-    va_end(arguments);
-    return Answer({Call::kIoctl, std::to_string(fd), "ioctl", static_cast<int>(request)}, [&] {
-        static auto* real = Real<int (*)(int, unsigned long, ...)>("ioctl");
-        return real(fd, request, argument);
-    });
-}
+#define INTERPOSE_IOCTL(name)                               \
+    int name(int fd, unsigned long request, ...) noexcept { \
+        va_list arguments;                                  \
+        va_start(arguments, request);                       \
+        void* argument = va_arg(arguments, void*);          \
+        va_end(arguments);                                  \
+        return Ioctl(fd, request, argument);                \
+    }
+INTERPOSE_IOCTL(ioctl)
+#if __TIMESIZE == 32
+INTERPOSE_IOCTL(__ioctl_time64)
+#endif
+#undef INTERPOSE_IOCTL
 
 int connect(int fd, const sockaddr* address, socklen_t length) {
     return Answer({Call::kConnect, PathOf(address), "connect", static_cast<int>(length)}, [&] {
@@ -216,16 +282,7 @@ ssize_t __recvfrom_chk(int fd, void* buffer, size_t size, size_t /*room*/, int f
 }
 
 int select(int count, fd_set* reading, fd_set* writing, fd_set* failing, timeval* time_left) {
-    std::string seconds;
-    if (time_left != nullptr) {
-        seconds = std::to_string(time_left->tv_sec) + "." + std::to_string(time_left->tv_usec);
-    }
-    return Answer({Call::kSelect, seconds, "select", count}, [&] {
-        static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, timeval*)>("select");
-        timeval none{};
-        timeval* wait = LibcRecorder::Get().never_waits() ? &none : time_left;
-        return real(count, reading, writing, failing, wait);
-    });
+    return Select("select", count, reading, writing, failing, time_left);
 }
 
 int unlink(const char* path) noexcept {
@@ -275,19 +332,28 @@ int sem_unlink(const char* name) noexcept {
 }
 
 int nanosleep(const timespec* pause, timespec* rest) {
-    return Answer({Call::kNanosleep, std::to_string(pause->tv_nsec), "nanosleep"}, [&] {
-        static auto* real = Real<int (*)(const timespec*, timespec*)>("nanosleep");
-        return real(pause, rest);
-    });
+    return Nanosleep("nanosleep", pause, rest);
 }
 
 int clock_nanosleep(clockid_t clock, int flags, const timespec* time, timespec* rest) {
-    return Answer({Call::kClockNanosleep, "", "clock_nanosleep", flags}, [&] {
-        static auto* real =
-            Real<int (*)(clockid_t, int, const timespec*, timespec*)>("clock_nanosleep");
-        return real(clock, flags, time, rest);
-    });
+    return ClockNanosleep("clock_nanosleep", clock, flags, time, rest);
 }
+
+#if __TIMESIZE == 32
+int __select64(int count, fd_set* reading, fd_set* writing, fd_set* failing,
+               LongTimeval* time_left) {
+    return Select("__select64", count, reading, writing, failing, time_left);
+}
+
+int __nanosleep64(const LongTimespec* pause, LongTimespec* rest) {
+    return Nanosleep("__nanosleep64", pause, rest);
+}
+
+int __clock_nanosleep_time64(clockid_t clock, int flags, const LongTimespec* time,
+                             LongTimespec* rest) {
+    return ClockNanosleep("__clock_nanosleep_time64", clock, flags, time, rest);
+}
+#endif
 
 int system(const char* command) {
     return Answer({Call::kSystem, command == nullptr ? "" : command, "system"}, [&] {

@@ -35,6 +35,7 @@ LibcRecorder& LibcRecorder::Get() {
 void LibcRecorder::Reset() {
     const std::lock_guard guard(mutex_);
     events_.clear();
+    counts_.clear();
     answers_.clear();
     redirects_.clear();
     observer_ = nullptr;
@@ -46,6 +47,7 @@ void LibcRecorder::Reset() {
 void LibcRecorder::ForgetEvents() {
     const std::lock_guard guard(mutex_);
     events_.clear();
+    counts_.clear();
 }
 
 void LibcRecorder::Script(Call call, std::initializer_list<Outcome> outcomes) {
@@ -129,6 +131,12 @@ std::vector<Event> LibcRecorder::Events(Call call) const {
     return found;
 }
 
+size_t LibcRecorder::Count(Call call) const {
+    const std::lock_guard guard(mutex_);
+    const auto found = counts_.find(call);
+    return found == counts_.end() ? 0 : found->second;
+}
+
 std::vector<std::string> LibcRecorder::Texts(Call call) const {
     std::vector<std::string> texts;
     for (const Event& event : Events(call)) {
@@ -179,6 +187,7 @@ bool LibcRecorder::IsFaultDue(Call call) {
 LibcRecorder::Answers LibcRecorder::Reserve(const Event& event) {
     const std::lock_guard guard(mutex_);
     events_.push_back(event);
+    ++counts_[event.call];
     if (IsFaultDue(event.call)) {
         return {{}, fault_->answer, nullptr, observer_};
     }

@@ -124,6 +124,7 @@ class LibcRecorder {
     std::vector<std::string> Commands() const { return Texts(Call::kSystem); }
     std::vector<std::string> Logs() const { return Texts(Call::kSyslog); }
     std::vector<Event> Events(Call call) const;
+    size_t Count(Call call) const;
     // Returns shell lines, sleeps and log lines in their order: "system sudo ifdown eth0".
     std::vector<std::string> Story() const;
     // Returns every call of the given kinds in their order, as the symbol alone: "sem_post".
@@ -153,6 +154,7 @@ class LibcRecorder {
 
     mutable std::mutex mutex_;
     std::vector<Event> events_;
+    std::map<Call, size_t> counts_;
     std::map<Call, Answers> answers_;
     std::map<std::string, std::string, std::less<>> redirects_;
     std::function<void(const Event&)> observer_;

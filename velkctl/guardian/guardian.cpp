@@ -271,8 +271,8 @@ int64_t Guardian::NextTime() const {
 void Guardian::Sleep() {
     const int64_t left = std::max<int64_t>(NextTime() - MillisecondsSinceBoot(), 0);
     itimerspec time{};
-    time.it_value.tv_sec = left / kMilliseconds;
-    time.it_value.tv_nsec = left % kMilliseconds * kNanosecondsOfOne + 1;
+    time.it_value.tv_sec = static_cast<time_t>(left / kMilliseconds);
+    time.it_value.tv_nsec = static_cast<long>(left % kMilliseconds * kNanosecondsOfOne + 1);
     (void)timerfd_settime(timer_.get(), 0, &time, nullptr);
     std::array<pollfd, 3> events{{{timer_.get(), POLLIN, 0},
                                   {notify_.get(), POLLIN, 0},

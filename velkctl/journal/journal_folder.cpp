@@ -130,7 +130,7 @@ std::string IdOf(unsigned number) {
     uint64_t rest = uint64_t{number} * kIdFactor % kIdCount;
     std::string id;
     while (id.size() < kIdLength) {
-        id.push_back(kIdLetters[rest % kIdLetters.size()]);
+        id.push_back(kIdLetters[static_cast<size_t>(rest % kIdLetters.size())]);
         rest /= kIdLetters.size();
     }
     return id;

@@ -8,7 +8,9 @@
 #include <new>
 
 #include <gtest/gtest.h>
+#if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
+#endif
 
 #include "support/call_probe.h"
 

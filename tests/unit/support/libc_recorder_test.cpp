@@ -73,10 +73,15 @@ struct Flavour {
         name##_sem_post, name##_sem_close, name##_sem_unlink, name##_system, name##_sleep,         \
         name##_syslog, name##_vsyslog, name##_allocate
 
+// Everything for a 32-bit machine is built for 64-bit file offsets.
+constexpr bool kIsAlwaysLarge = sizeof(off_t) > sizeof(long);
+constexpr const char* kOpen = kIsAlwaysLarge ? "open64" : "open";
+constexpr const char* kCheckedOpen = kIsAlwaysLarge ? "__open64_2" : "__open_2";
+
 constexpr Flavour kFlavours[] = {
-    {"plain", PROBE_FUNCTIONS(plain), "open", "open", "read", "recvfrom", "syslog", "vsyslog"},
+    {"plain", PROBE_FUNCTIONS(plain), kOpen, kOpen, "read", "recvfrom", "syslog", "vsyslog"},
     {"large", PROBE_FUNCTIONS(large), "open64", "open64", "read", "recvfrom", "syslog", "vsyslog"},
-    {"fortified", PROBE_FUNCTIONS(fortified), "__open_2", "open", "__read_chk", "__recvfrom_chk",
+    {"fortified", PROBE_FUNCTIONS(fortified), kCheckedOpen, kOpen, "__read_chk", "__recvfrom_chk",
      "__syslog_chk", "__vsyslog_chk"},
     {"fortified_large", PROBE_FUNCTIONS(fortified_large), "__open64_2", "open64", "__read_chk",
      "__recvfrom_chk", "__syslog_chk", "__vsyslog_chk"},

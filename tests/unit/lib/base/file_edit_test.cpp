@@ -95,6 +95,17 @@ class FileEditTest : public testkit::DeviceTest {
 
 // ---- opening
 
+// On a 32-bit machine the time does not fit the usual time_t.
+TEST_F(FileEditTest, AFileOfTheYear2100IsEdited) {
+    WriteFile(kInterfacesFile, "auto lo\n");
+    const timespec year_2100{4'102'444'800, 0};
+    const timespec times[] = {year_2100, year_2100};
+    ASSERT_EQ(utimensat(AT_FDCWD, kInterfacesFile, times, 0), 0);
+    EXPECT_EQ(WriteThrough(), 0);
+    EXPECT_EQ(ReadFile(kInterfacesFile), "auto lo\n");
+    EXPECT_THAT(libc().Logs(), IsEmpty());
+}
+
 TEST_F(FileEditTest, OpensTheFileAndThenTheCopy) {
     { const FileEdit edit(kInterfacesFile); }
     EXPECT_THAT(libc().Texts(Call::kOpen), ElementsAre(kInterfacesFile, kInterfacesCopy));

@@ -52,7 +52,7 @@ class Holder {
 
 class ReadersTurnTest : public testkit::DeviceTest {
   protected:
-    size_t Pauses() { return libc().Events(Call::kNanosleep).size(); }
+    size_t Pauses() { return libc().Count(Call::kNanosleep); }
 };
 
 TEST_F(ReadersTurnTest, IsHeldForTheScope) {

@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 
 #include "support/device_test.h"
+#include "support/kernel_features.h"
 
 namespace {
 
@@ -42,6 +43,7 @@ TEST_F(ShellTest, AShellThatCannotBeRunIsLogged) {
 
 // In a program that ignores its children system(3) finds none, although the shell ran to its end.
 TEST_F(ShellTest, AShellIsAFailureIfTheHostIgnoresItsChildren) {
+    SKIP_WITHOUT(kIgnoredChildren);
     struct sigaction before {};
     struct sigaction ignore {};
     ignore.sa_flags = SA_NOCLDWAIT;

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "support/device_test.h"
+#include "support/kernel_features.h"
 #include "unit/velkctl/call/samples.h"
 
 namespace {
@@ -164,6 +165,7 @@ TEST_F(ChildCallTest, EndsAToolThatIgnoresARequestToEnd) {
 }
 
 TEST_F(ChildCallTest, EndsADaemonThatTheCommandStarted) {
+    SKIP_WITHOUT(kAdoption);
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const Event&) {
         StartTool([] {
@@ -183,6 +185,7 @@ TEST_F(ChildCallTest, EndsADaemonThatTheCommandStarted) {
 }
 
 TEST_F(ChildCallTest, ReportsAToolThatCannotBeEnded) {
+    SKIP_WITHOUT(kAdoption);
     // An ordinary user, who may not end a tool of root. The saved user allows the way back.
     if (geteuid() != 0 || setresuid(65534, 65534, 0) != 0) {
         GTEST_SKIP() << "only root can run as another user";

@@ -13,6 +13,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "support/kernel_features.h"
+
 namespace {
 
 using velkctl::CommandOf;
@@ -74,6 +76,7 @@ TEST(ProcessListTest, AProcessThatSeemsToDescendFromItselfIsListedOnce) {
 }
 
 TEST(ProcessListTest, AChildIsFoundWithItsCommand) {
+    SKIP_WITHOUT(kCommandLines);
     const pid_t child = fork();
     if (child == 0) {
         (void)pause();

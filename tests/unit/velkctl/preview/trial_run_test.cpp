@@ -20,6 +20,7 @@
 #include "lib/base/find_row.h"
 #include "lib/base/paths.h"
 #include "support/device_test.h"
+#include "support/kernel_features.h"
 #include "support/paths.h"
 
 namespace {
@@ -111,6 +112,7 @@ TEST_F(TrialRunTest, MakesAllElseReadOnly) {
 }
 
 TEST_F(TrialRunTest, HasNoAnswerAfterASignal) {
+    SKIP_WITHOUT(kEndOfFirstProcess);
     WriteFile(kInterfacesFile, kStatic);
     libc().OnCall(Call::kSystem, [](const testkit::Event&) { abort(); });
     const TrialRun run = RunTrial({kSetAddress}, {});
