@@ -10,7 +10,8 @@ needs_sandbox
 export PYTHONDONTWRITEBYTECODE=1 LD_LIBRARY_PATH=$VELK_BUILD
 export PYTHONPATH=$VELK_SOURCE/bindings/python/src:$VELK_SOURCE/tests/python
 
-for class in $(sed -n 's/^class \(\w*\)(unittest.TestCase):$/\1/p' "$VELK_SOURCE/tests/python/device_test.py"); do
+classes=$(sed -n 's/^class \(\w*\)(unittest.TestCase):$/\1/p' "$VELK_SOURCE/tests/python/device_test.py")
+for class in $classes; do
     it "passes the tests of $class"
     on_device python3 -m unittest "device_test.$class"
     printf '%s\n%s\n' "$class" "$error"

@@ -269,5 +269,7 @@ class Errors(unittest.TestCase):
                 velk.restart(**arguments)
 
     def test_settings_of_an_interface(self):
-        self.assertEqual((44, 7, 10, 27), (len(velk.settings()), len(velk.settings("")), len(velk.settings("eth0")),
-                                           len(velk.settings("eth1"))))
+        self.assertEqual(velk.settings(), velk.settings("") + velk.settings("eth0") + velk.settings("eth1"))
+        self.assertEqual(("administrator", "eth0.mac-address", "eth1.standards-enabled"),
+                         (velk.settings("")[0].name, velk.settings("eth0")[0].name, velk.settings("eth1")[-1].name))
+        self.assertEqual((), velk.settings("eth2"))
