@@ -12,6 +12,14 @@ import velk
 import velk.aio
 
 
+def shown(value: velk.Value) -> str:
+    if isinstance(value, list):
+        return " ".join(map(str, value))
+    if isinstance(value, bytes):
+        return value.hex()
+    return str(value)  # a key is shown as asterisks
+
+
 async def line(setting: velk.Setting) -> str:
     try:
         value = await velk.aio.get(setting.name)
@@ -19,9 +27,7 @@ async def line(setting: velk.Setting) -> str:
         return f"{setting.name}: {error.description}"
     except velk.DeviceValueError as error:
         return f"{setting.name}: '{error.text}' is not valid"
-    if isinstance(value, list):
-        value = " ".join(map(str, value))
-    return f"{setting.name} = {value}"  # a key is shown as asterisks
+    return f"{setting.name} = {shown(value)}"
 
 
 async def report(interface: Optional[str]) -> None:
