@@ -7,6 +7,7 @@
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
 needs_sandbox
+cd "$VELK_SOURCE" || exit # the current folder is visible on the device, below /tmp too
 
 programs=$VELK_BUILD/examples
 scripts=$VELK_SOURCE/examples

@@ -6,6 +6,7 @@
 # shellcheck source=tests/device/lib.sh
 . "${VELK_SOURCE:?}/tests/device/lib.sh" || exit
 needs_sandbox
+cd "$VELK_SOURCE" || exit # the current folder is visible on the device, below /tmp too
 
 export PYTHONDONTWRITEBYTECODE=1 LD_LIBRARY_PATH=$VELK_BUILD
 export PYTHONPATH=$VELK_SOURCE/bindings/python/src:$VELK_SOURCE/tests/python
