@@ -7,6 +7,7 @@ import copy
 import datetime
 import ipaddress
 import pickle
+import struct
 import traceback
 import unittest
 from unittest import mock
@@ -143,7 +144,7 @@ class Decoding(unittest.TestCase):
                 ("location", b"x" * 512, "x" * 512), ("eth0.mac-address", b"0200000000AF", "02:00:00:00:00:AF"),
                 ("eth0.mac-address", b"020", "020"), ("eth1.access-point", b"", None),
                 ("eth1.hardware-version", b"A", "A"), ("eth1.rate", b"\1\2\3\4\5", b"\1\2\3\4"),
-                ("eth1.signal", (1).to_bytes(2, "little") + (65535).to_bytes(2, "little"), (1, 65535)),
+                ("eth1.signal", struct.pack("=HH", 1, 65535), (1, 65535)),
                 ("eth1.psk", b"", None), ("eth1.psk", b"k\xff", velk.Secret("k\\xff")),
                 ("web-update", b"\1\6", Schedule.every(6)), ("web-update", b"\x63\x6300:00", Schedule.off()),
                 ("web-update", b"\3\x018:30", Schedule.weekly(Weekday.SUNDAY, datetime.time(8, 30)))]:
