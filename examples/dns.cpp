@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <span>
-#include <string_view>
 
 #include <arpa/inet.h>
 #include <velk.h>
@@ -56,8 +55,8 @@ int SetServers(std::span<char*> servers) {
             (void)fprintf(stderr, "dns: '%s' is not an IPv4 address\n", server);
             return 2;
         }
-        // The longest address, 255.255.255.255, and its NUL fill a slot.
-        slot = stpcpy(slot, server) + (VELK_DNS_SLOT_SIZE - strlen(server));
+        (void)strcpy(slot, server);  // the longest address, 255.255.255.255, fills a slot
+        slot += VELK_DNS_SLOT_SIZE;
     }
     _velk_request response{};
     const int result = execute_velk_command(&request, &response);
