@@ -17,9 +17,9 @@ apt() {
     echo "FAILED: apt-get $*"
     exit 1
 }
-installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'velk-*' 2>/dev/null | LC_ALL=C sort; }
+installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'velk-*' python3-velk 2>/dev/null | LC_ALL=C sort; }
 all_at() { # all_at VERSION
-    printf "%s $1 install ok installed\n" libvelk-dev libvelk1 velk-sandbox velk-tools
+    printf "%s $1 install ok installed\n" libvelk-dev libvelk1 python3-velk velk-sandbox velk-tools
 }
 # All files of the system, without the records and caches of apt and dpkg.
 files() {
@@ -44,6 +44,7 @@ if as_user unshare --user true 2>/dev/null; then
 else
     echo 'not run as an ordinary user: this kernel refuses user namespaces'
 fi
+check 'a Python program' "$answer" "$(velk-sandbox --quiet -- python3 -B -c 'import velk; print(*velk.get("eth0.dns"))')"
 check 'completions, where the shells of Debian look' '/usr/share/bash-completion/completions/velk-sandbox
 /usr/share/bash-completion/completions/velkctl
 /usr/share/zsh/vendor-completions/_velk-sandbox
@@ -54,7 +55,7 @@ gcc -std=c99 -Wall -Werror -o /tmp/client c99_client.c $(pkg-config --cflags --l
 check 'a C program' 0 $?
 
 : >/var/tmp/vklib_lock
-apt remove libvelk1 libvelk-dev velk-tools velk-sandbox
+apt remove libvelk1 libvelk-dev velk-tools velk-sandbox python3-velk
 apt purge libvelk1 velk-tools # those of which something is left
 check 'packages after the purge' '' "$(installed)"
 check 'files after the purge' '' "$(files | diff /tmp/before -)"

@@ -47,7 +47,8 @@ for script in plain-language folder-graph declared-programs coverage mutate incl
 done
 if [ "$(id -u)" -eq 0 ]; then
     lacks test-packages dpkg-buildpackage dpkg-dev ''
-    lacks test-packages mmdebstrap mmdebstrap 'dpkg-buildpackage dh lintian'
+    lacks test-packages dh_python3 dh-python 'dpkg-buildpackage dh'
+    lacks test-packages mmdebstrap mmdebstrap 'dpkg-buildpackage dh dh_python3 lintian'
     check "test-packages with another's folder" \
         "test-packages: $root has other files. fix: name an empty or new folder" \
         "$("$source/scripts/test-packages" "$root" 2>&1)"

@@ -24,15 +24,17 @@ run() { env LD_LIBRARY_PATH="$libraries" "$@"; }
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 # shellcheck disable=SC2016 # the marks of an example, not commands
 sed -n '/^```c$/,/^```$/ { /^```/ !p }' "$here/../../README.md" >"$root/readme.c"
-cp "$here/../abi/c99_client.c" "$root"
+cp "$here/../abi/c99_client.c" "$here/../../examples/address.c" "$root"
 for name in libvelk velk; do
     # pkg-config writes a backslash before a blank of the path.
     eval "flags=($(pkg-config --cflags --libs "$name"))"
-    for program in c99_client readme; do
+    for program in c99_client readme address; do
         # shellcheck disable=SC2154 # set by eval
         "$cc" -std=c99 -Wall -Wextra -Werror -o "$root/$program" "$root/$program.c" "${flags[@]}" || exit 1
     done
     run "$root/c99_client" || check "a program with the flags of $name" 0 $?
+    "$cxx" -std=c++20 -Wall -Wextra -Werror -o "$root/dns" "$here/../../examples/dns.cpp" "${flags[@]}" || exit 1
+    check "a C++ program with the flags of $name" "dns: '1.2' is not an IPv4 address" "$(run "$root/dns" 1.2 2>&1)"
 done
 version=$(pkg-config --modversion libvelk)
 
