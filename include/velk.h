@@ -10,6 +10,10 @@
  * get the functions of the single commands, one header per subject, so that a program can call a
  * single step directly.
  *
+ * libvelk.so has all functions. libvelk-c.so, an option of the build, has execute_velk_command()
+ * alone, with the same behaviour, for programs in C: it needs no library but libc and loads ten
+ * times as fast. A program links one of them.
+ *
  * The library keeps no state between calls, starts no threads and stores no settings of
  * its own: they are in the system's files, the kernel and the wireless daemon. It reads no
  * environment variables but those of the locale, see SetSettingFile().

@@ -20,8 +20,16 @@ files_of() {
 
 rm -rf "$root"
 type=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
-check 'files of the library' "$(printf '%s\n' LICENSE libvelk.so.1 sudoers velk.conf)" "$(files_of library)"
-check 'files for development' "$(printf '%s\n' dhcp.h export.h frame.h identity.h ipconf.h \
+# The library for C alone is an option of the build.
+c_library=() c_development=()
+if grep -qxF VELK_C_ONLY:BOOL=ON "$build/CMakeCache.txt"; then
+    c_library=(libvelk-c.so.1) c_development=(libvelk-c.so velk-c.pc)
+fi
+sorted() { printf '%s\n' "$@" | LC_ALL=C sort; }
+
+check 'files of the library' "$(sorted LICENSE "${c_library[@]}" libvelk.so.1 sudoers velk.conf)" \
+    "$(files_of library)"
+check 'files for development' "$(sorted "${c_development[@]}" dhcp.h export.h frame.h identity.h ipconf.h \
     libvelk.3 libvelk.pc libvelk.so ntp.h request.h velk.h velk.pc velkConfig.cmake velkConfigVersion.cmake \
     "velkTargets-$(tr '[:upper:]' '[:lower:]' <<<"$type").cmake" velkTargets.cmake version.h webup.h \
     wired.h wlan.h)" "$(files_of development)"

@@ -63,6 +63,7 @@ for part in library development tools; do
 done
 libraries=$folder/root/usr/$(sed -n 's/^CMAKE_INSTALL_LIBDIR:PATH=//p' "$build/CMakeCache.txt")
 [ "$libraries" = "$folder/root/usr/lib" ] || mv -T "$libraries" "$folder/root/usr/lib"
+# This build may also have the library for C alone.
 check "the files of Yocto's packages" 'libvelk /usr/lib/libvelk.so.1
 libvelk /usr/lib/tmpfiles.d/velk.conf
 libvelk /usr/share/velk/sudoers
@@ -71,7 +72,7 @@ velk-tools /usr/lib/systemd/system/velk-recover-wireless.service
 velk-tools /usr/lib/systemd/system/velk-recover.service
 velk-tools /usr/share/bash-completion/completions/velkctl
 velk-tools /usr/share/zsh/site-functions/_velkctl' \
-    "$(python3 "$here/yocto_files.py" "$recipe" "$folder/root" | grep -v '^libvelk-d' | LC_ALL=C sort)"
+    "$(python3 "$here/yocto_files.py" "$recipe" "$folder/root" | grep -vE '^libvelk-d|/libvelk-c\.so\.1$' | LC_ALL=C sort)"
 check "files for Yocto's developers" 'libvelk-dev /usr/include/velk.h
 libvelk-dev /usr/lib/cmake/velk/velkConfig.cmake
 libvelk-dev /usr/lib/libvelk.so

@@ -44,9 +44,9 @@ if command -v mandoc >/dev/null; then
         done
         velk-sandbox --help
     } >"$lib_folder/help"
-    # "--" ends the options, --privileged is an option of container programs, -lvelk one of linkers.
+    # "--" ends the options, --privileged is an option of container programs, -lvelk and -lvelk-c some of linkers.
     grep -oE '(^|[ ,[(|])--?[a-z][a-z-]*' "$lib_folder/help" | grep -oE -e '-.*' |
-        cat - <(printf '%s\n' -- --privileged -lvelk) >"$lib_folder/options"
+        cat - <(printf '%s\n' -- --privileged -lvelk -lvelk-c) >"$lib_folder/options"
     for page in velkctl.1 libvelk.3 velk-sandbox.1; do
         run mandoc -T html "$pages/$page"
         flags=$(grep -o 'class="Fl">[^<]*' <<<"$output" | sed 's/.*>//' | sort -u)
