@@ -23,37 +23,32 @@ class ActionModule(DeviceAction):
     }
 
     def act(self, arguments):
-        change = arguments["id"]
+        change, addresses = arguments["id"], arguments["addresses"] or [None]
         ends = time.monotonic() + arguments["reach_within"]
         while True:
-            try:
-                pending = self._meet(arguments["addresses"], ends)
-                change = change or (pending or {}).get("id")
-                return self._decide(VERBS[arguments["state"]], change, pending)
-            except AnsibleConnectionFailure as lost:
-                # The restart of the interfaces may cut the connection before the answer. Both verbs can be
-                # repeated with the id of the change.
-                self._pause(ends, lost)
-
-    def _meet(self, addresses, ends):
-        """Returns the change that waits, from the first address at which the device answers."""
-        while True:
-            lost = None
-            for address in addresses or [None]:
+            reason = "the change is still not in effect"
+            for address in addresses:
                 use_address(self._connection, address)
                 try:
                     pending = self.checked(["pending"])["pending"]
-                except AnsibleConnectionFailure as failure:
-                    lost = failure
-                    continue
-                if pending is None or pending["state"] == WAITING:
-                    return pending
-            self._pause(ends, lost)
+                    if pending is None or pending["state"] == WAITING:
+                        change = change or (pending or {}).get("id")
+                        return self._decide(VERBS[arguments["state"]], change, pending)
+                except AnsibleConnectionFailure as lost:
+                    # The restart of the interfaces may also cut the connection before the answer of the verb,
+                    # which can be repeated with the id of the change.
+                    reason = " ".join(str(lost).split())
+            if time.monotonic() + SECONDS_BETWEEN >= ends:
+                raise Failure(self._not_met(arguments, reason))
+            time.sleep(SECONDS_BETWEEN)
 
-    def _pause(self, ends, lost):
-        if time.monotonic() + SECONDS_BETWEEN >= ends:
-            raise lost or Failure("the change on the device is still not in effect; fix: raise reach_within")
-        time.sleep(SECONDS_BETWEEN)
+    def _not_met(self, arguments, reason):
+        """A failure, not an unreachable host: that would skip the rescue of a block."""
+        places = " or ".join(arguments["addresses"]) or "its address"
+        return (
+            f"no confirmation within {arguments['reach_within']} s at {places}; {reason}; the device takes the "
+            "change back when its time is over"
+        )
 
     def _decide(self, verb, change, pending):
         if verb == "revert" and change is None:

@@ -10,6 +10,7 @@ FARTHEST = 2
 SHORTEST_BEGINNING = 3
 MOST_GUESSES = 4
 LONGEST_WORD = 64
+LONGEST_QUOTE = 40
 
 
 def _distance(word, other):
@@ -80,6 +81,12 @@ def _guessed_names(name):
     )
 
 
+def quoted(word):
+    """Returns the word in quotes, or its beginning if it is long."""
+    shown = word if len(word) <= LONGEST_QUOTE else word[:LONGEST_QUOTE] + "..."
+    return f"'{shown}'"
+
+
 def _one_of(words):
     return " or ".join(filter(None, [", ".join(words[:-1]), words[-1]]))
 
@@ -99,19 +106,19 @@ def find_setting(name):
 def unknown_setting(name):
     """Returns the message about a name that find_setting() does not find, and the advice."""
     if "=" in name:
-        return f"'{name.partition('=')[0]}' is followed by '='", "give the name alone"
+        return f"{quoted(name.partition('=')[0])} is followed by '='", "give the name alone"
     if any(letter in name for letter in "*?["):
-        return f"'{name}' is a pattern, for get and show only", "give one name"
+        return f"{quoted(name)} is a pattern, for get and show only", "give one name"
     right = _full_names(_own_name(name))
     if right:
         lacks_interface = len(right) > 1 and name in _short_names()
-        message = f"'{name}' is a setting of both interfaces" if lacks_interface else f"unknown setting '{name}'"
+        message = f"{quoted(name)} is a setting of both interfaces" if lacks_interface else f"unknown setting {quoted(name)}"
         return message, f"give {_one_of(right)}"
     if name in INTERFACES:
-        return f"'{name}' is an interface, not a setting", f"'velkctl show {name}' shows its settings"
+        return f"{quoted(name)} is an interface, not a setting", f"'velkctl show {name}' shows its settings"
     interfaces = _suggestions(name, INTERFACES)
     if interfaces:
-        return f"'{name}' is not an interface of the device", _did_you_mean(interfaces)
+        return f"{quoted(name)} is not an interface of the device", _did_you_mean(interfaces)
     meant = _guessed_names(name)
     advice = _did_you_mean(meant) if meant else "'velkctl list' names them all"
-    return f"unknown setting '{name}'", advice
+    return f"unknown setting {quoted(name)}", advice
