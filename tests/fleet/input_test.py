@@ -15,7 +15,7 @@ import kit
 NOWHERE = "devices:\n  hosts:\n    nowhere:\n      ansible_connection: velk.device.sandbox\n"
 
 UNKNOWN_NAMES = (
-    "eth0.adress", "eth0.addres", "eth1.PSK", "adress", "address", "dns", "dsn", "eth2.dns", "eth1.link-speed",
+    "eth0.addrxss", "eth0.ddress", "eth1.PSK", "ddress", "address", "dns", "dsn", "eth2.dns", "eth1.link-speed",
     "eth0.ssid", "eth0.ip", "gw", "eth1.key", "password", "mask", "foo", "eth0", "eth1", "ethO", "eth9", "x", "",
     "eth0.", ".dns", "eth0.dns=1", "eth*.dns", "eth0.d?s", "web", "wep", "wep-key", "stand", "104", "eth0.104",
     "999", "Eth0.Address", "ntpserver", "ntp_server", "time-server", "a" * 65, "schedule", "eth0.dhcp", "speed",
@@ -42,12 +42,12 @@ class InputTest(unittest.TestCase):
         return run
 
     def test_a_message_has_the_place_in_the_playbook(self):
-        tasks = "- name: Apply\n  velk.device.settings:\n    settings:\n      ntp: true\n      eth0.adress: 10.0.0.1\n"
+        tasks = "- name: Apply\n  velk.device.settings:\n    settings:\n      ntp: true\n      eth0.addrxss: 10.0.0.1\n"
         path = kit.write_playbook(tasks)
         run = kit.playbook(path, self.inventory)
         self.assertEqual(
             run.failed()["nowhere"]["msg"],
-            f"unknown setting 'eth0.adress'; at {path}, line 9, column 11; did you mean eth0.address?",
+            f"unknown setting 'eth0.addrxss'; at {path}, line 9, column 11; did you mean eth0.address?",
         )
         self.assertEqual(run.of("unreachable"), {})
 
