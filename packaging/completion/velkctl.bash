@@ -217,7 +217,7 @@ _velkctl_sort_words() {
         elif [ -z "$only_words" ] && [[ $word == -?* ]]; then
             case $word in
                 --) only_words=1 ;;
-                --text | --hex | --timeout | --restart | --only | --confirm-within | --confirm-if) takes_value=$word ;;
+                --text | --hex | --timeout | --restart | --only | --confirm-within | --confirm-if | --output) takes_value=$word ;;
             esac
         elif [ -z "$verb" ]; then
             verb=$word

@@ -50,6 +50,10 @@ constexpr std::array<VerbOption, 5> kApplyOptions{{
 }};
 constexpr std::array kImportOptions{kOnly, kRestart, kWait, kTimeout};
 constexpr std::array kDiffOptions{kOnly, kTimeout};
+constexpr std::array<VerbOption, 2> kMetricsOptions{{
+    {"--output", "FILE", "write FILE at once, in place of an older one", &Invocation::output},
+    kTimeout,
+}};
 constexpr std::array<VerbOption, 3> kSelftestOptions{{
     {"--root", "DIR", "try the files of an image in DIR, not those of the device",
      &Invocation::root},
@@ -128,7 +132,7 @@ constexpr std::array<VerbFlag, 5> kRestartFlags{{
     kDryRun,
 }};
 
-constexpr std::array<Verb, 23> kVerbs{{
+constexpr std::array<Verb, 24> kVerbs{{
     {"get",
      "NAME... [OPTION...]",
      "show the value of settings",
@@ -359,6 +363,21 @@ constexpr std::array<Verb, 23> kVerbs{{
      {},
      kJsonFlags,
      RunDoctor},
+    {"metrics",
+     "[OPTION...]",
+     "print the state of the device for a monitoring agent",
+     "Prints the findings of doctor and status in the Prometheus text format. With\n"
+     "--output, a reader finds the whole old FILE or the whole new one. Changes nothing\n"
+     "else. The exit status is 0 even if there are problems: they are among the\n"
+     "numbers.\n"
+     "\n"
+     "Examples:\n"
+     "  velkctl metrics\n"
+     "  velkctl metrics --output /run/metrics/velk.prom",
+     {},
+     kMetricsOptions,
+     kJsonFlags,
+     RunMetrics},
     {"selftest",
      "[OPTION...]",
      "try every command, without changing the device",

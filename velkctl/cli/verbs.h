@@ -23,6 +23,7 @@ struct Invocation {
     std::optional<std::string> text{};
     std::optional<std::string> hex{};
     std::optional<std::string> root{};
+    std::optional<std::string> output{};          // a file
     std::optional<std::string> wait{};            // seconds, unparsed
     std::optional<std::string> timeout{};         // seconds, unparsed
     TimeLimits limits{};                          // the same, parsed
@@ -113,6 +114,7 @@ ExitStatus RunRestart(const Invocation& invocation, Report& report);
 ExitStatus RunCall(const Invocation& invocation, Report& report);
 ExitStatus RunExplain(const Invocation& invocation, Report& report);
 ExitStatus RunStatus(const Invocation& invocation, Report& report);
+ExitStatus RunMetrics(const Invocation& invocation, Report& report);
 ExitStatus RunDoctor(const Invocation& invocation, Report& report);
 ExitStatus RunApply(const Invocation& invocation, Report& report);
 ExitStatus RunImport(const Invocation& invocation, Report& report);

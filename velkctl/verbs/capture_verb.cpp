@@ -3,9 +3,6 @@
 
 // capture_verb.cpp - the verb that writes all that the library reads on a device to a file.
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <iterator>
@@ -15,13 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include "lib/base/file_io.h"
 #include "lib/base/paths.h"
-#include "lib/base/unique_fd.h"
 #include "velkctl/call/answer.h"
 #include "velkctl/call/device.h"
 #include "velkctl/capture/blanked_text.h"
@@ -32,6 +25,7 @@
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/value_checks.h"
 #include "velkctl/documents/settings_document.h"
+#include "velkctl/files/replaced_file.h"
 #include "velkctl/files/unix_socket.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/report.h"
@@ -44,6 +38,7 @@ namespace velkctl {
 namespace {
 
 constexpr std::string_view kStandardOutput = "-";
+constexpr mode_t kArchiveMode = 0600;
 
 // The values of all settings, as the library reads them.
 class ReadValues {
@@ -105,29 +100,6 @@ std::string MakeCapture(const Invocation& invocation, Report& report, Capture& c
     return capture.Finish(VELKCTL_VERSION, keys);
 }
 
-// A rename would replace a device such as /dev/null.
-bool IsReplaceable(const std::string& path) {
-    struct stat facts {};
-    return lstat(path.c_str(), &facts) == -1 || S_ISREG(facts.st_mode);
-}
-
-// Writes the bytes to a new file with mode 0600, which takes the place of an older one. Returns 0
-// or errno.
-int WriteFile(const std::string& path, const std::string& bytes) {
-    std::string copy = path + ".XXXXXX";
-    const velk::UniqueFd fd(mkostemp(copy.data(), O_CLOEXEC));
-    if (fd.get() == -1) {
-        return errno;
-    }
-    const bool is_written = velk::WriteAll(fd.get(), bytes) && fsync(fd.get()) == 0 &&
-                            rename(copy.c_str(), path.c_str()) == 0;
-    const int error = is_written ? 0 : errno;
-    if (!is_written) {
-        (void)unlink(copy.c_str());
-    }
-    return error;
-}
-
 void AddItems(const Capture& capture, Report& report) {
     Json items = Json::array();
     std::ranges::transform(capture.items(), std::back_inserter(items), ItemInJson);
@@ -172,7 +144,7 @@ ExitStatus RunCapture(const Invocation& invocation, Report& report) {
     AddItems(capture, report);
     if (file == kStandardOutput) {
         report.Text(archive);
-    } else if (const int error = WriteFile(file, archive); error != 0) {
+    } else if (const int error = ReplaceFile(file, archive, kArchiveMode); error != 0) {
         report.Complain(Problem{.message = file + ": could not be written",
                                 .detail = strerror(error),
                                 .remedy = "give a FILE in a folder that this user may write"});

@@ -3,211 +3,22 @@
 
 // status_verb.cpp - the verb that shows the configuration beside the running state.
 #include <algorithm>
-#include <optional>
 #include <string>
-#include <vector>
 
-#include "lib/base/paths.h"
 #include "velkctl/call/device.h"
 #include "velkctl/cli/verbs.h"
 #include "velkctl/doctor/checks.h"
-#include "velkctl/files/dhcp_client.h"
-#include "velkctl/files/interface_state.h"
-#include "velkctl/files/lock_holder.h"
-#include "velkctl/files/running_gateway.h"
-#include "velkctl/files/unix_socket.h"
 #include "velkctl/report/exit_status.h"
 #include "velkctl/report/output.h"
 #include "velkctl/report/report.h"
-#include "velkctl/settings/catalogue.h"
-#include "velkctl/settings/value_kind.h"
 #include "velkctl/text/columns.h"
-#include "velkctl/verbs/setting_values.h"
+#include "velkctl/verbs/device_states.h"
 #include <nlohmann/json.hpp>
 
 namespace velkctl {
 namespace {
 
-constexpr const char* kStatic = "static";
-constexpr const char* kDhcp = "dhcp";
-
-// A part of the device. Empty texts are not known, or not configured.
-struct State {
-    std::string name;
-    std::string configured{};
-    std::string running{};
-    bool differs = false;
-};
-
-using States = std::vector<State>;
-
-// The configuration of an interface and its state in the kernel.
-struct Interface {
-    std::string name;
-    std::string unused{};  // the reason if nothing uses eth1
-    std::string method{};  // "static", "dhcp"; empty if neither
-    InterfaceState kernel{};
-    DhcpClient client{};
-
-    bool is_used() const { return unused.empty(); }
-    bool has_dhcp() const { return method == kDhcp; }
-};
-
-std::string Configured(uint32_t id, const std::string& interface, const Device& device) {
-    return device.PrintedValue(SettingOf(id, interface));
-}
-
-State StateOf(const Interface& interface, std::string_view part, const std::string& configured,
-              const std::string& running, bool differs) {
-    return {interface.name + "." + std::string(part), configured, running,
-            interface.is_used() && !configured.empty() && differs};
-}
-
-State ComparedState(const Interface& interface, std::string_view part,
-                    const std::string& configured, const std::string& running) {
-    return StateOf(interface, part, configured, running, configured != running);
-}
-
-std::string OrNone(const std::string& text) {
-    return text.empty() ? std::string(kNone) : text;
-}
-
-// Returns one text of each address, such as its netmask, in a line.
-std::string AllOf(const InterfaceState& kernel, std::string InterfaceAddress::*text) {
-    std::string line;
-    for (const InterfaceAddress& own : kernel.addresses) {
-        line.append(line.empty() ? "" : " ").append(own.*text);
-    }
-    return OrNone(line);
-}
-
-State LinkState(const Interface& interface) {
-    const InterfaceState& kernel = interface.kernel;
-    const std::string link = kernel.has_link ? "up" : kernel.is_up ? "no link" : "down";
-    return {interface.name + ".link", "", link};
-}
-
-State ClientState(const Interface& interface) {
-    const std::string configured = interface.method.empty() ? ""
-                                   : interface.has_dhcp()   ? "on"
-                                                            : "off";
-    return ComparedState(interface, "dhcp-client", configured,
-                         interface.client.is_running ? "on" : "off");
-}
-
-// A lease that cannot be read may be there.
-bool MayHaveLease(const DhcpClient& client) {
-    return client.is_running && (client.lease || !client.is_lease_known);
-}
-
-State LeaseState(const Interface& interface) {
-    const DhcpClient& client = interface.client;
-    const std::string running = client.lease           ? client.lease->Text()
-                                : MayHaveLease(client) ? "unknown"
-                                                       : std::string(kNone);
-    return StateOf(interface, "lease", interface.has_dhcp() ? kDhcp : "", running,
-                   !MayHaveLease(client));
-}
-
-// True if the interface has the address of its lease, as far as that is known. A link-local address
-// is never of a lease.
-bool HasAddressOfLease(const Interface& interface) {
-    if (!MayHaveLease(interface.client) || !interface.kernel.has_address()) {
-        return false;
-    }
-    return interface.client.lease ? interface.kernel.Has(interface.client.lease->address)
-                                  : !IsLinkLocal(interface.kernel.address());
-}
-
-void AppendDhcp(const Interface& interface, States& states) {
-    const InterfaceState& kernel = interface.kernel;
-    const std::string configured = interface.has_dhcp() ? kDhcp : "";
-    states.push_back(StateOf(interface, "address", configured,
-                             AllOf(kernel, &InterfaceAddress::address),
-                             !HasAddressOfLease(interface)));
-    states.push_back(StateOf(interface, "netmask", configured,
-                             AllOf(kernel, &InterfaceAddress::netmask), false));
-    states.push_back(
-        StateOf(interface, "gateway", configured, OrNone(RunningGateway(interface.name)), false));
-}
-
-// An interface may have more addresses than the configured one. The netmask of that one is
-// compared; if it is missing, that of the first.
-void AppendStatic(const Interface& interface, const Device& device, States& states) {
-    const InterfaceState& kernel = interface.kernel;
-    const std::string address = Configured(VELK_CMD_IP_ADDRESS, interface.name, device);
-    const std::string netmask = Configured(VELK_CMD_NETMASK, interface.name, device);
-    const InterfaceAddress first =
-        kernel.has_address() ? kernel.addresses.front() : InterfaceAddress{};
-    const InterfaceAddress compared = kernel.Find(address).value_or(first);
-    states.push_back(StateOf(interface, "address", address,
-                             AllOf(kernel, &InterfaceAddress::address), !kernel.Has(address)));
-    states.push_back(StateOf(interface, "netmask", netmask,
-                             AllOf(kernel, &InterfaceAddress::netmask),
-                             compared.netmask != netmask));
-    states.push_back(ComparedState(interface, "gateway",
-                                   Configured(VELK_CMD_GATEWAY, interface.name, device),
-                                   OrNone(RunningGateway(interface.name))));
-}
-
-void AppendStates(const Interface& interface, const Device& device, States& states) {
-    states.push_back(LinkState(interface));
-    states.push_back(ClientState(interface));
-    states.push_back(LeaseState(interface));
-    if (interface.method == kStatic) {
-        AppendStatic(interface, device, states);
-        return;
-    }
-    AppendDhcp(interface, states);
-}
-
-// The library asks the daemon nothing and gives eth1 no address while the cable is in.
-std::string ReasonForNoUse(const std::string& name) {
-    if (name != VELK_WIRELESS_INTERFACE) {
-        return "";
-    }
-    if (!CheckAdapter().empty()) {
-        return "not used without an adapter";
-    }
-    return ReadInterfaceState(VELK_WIRED_INTERFACE).has_link ? "not used while the cable is in"
-                                                             : "";
-}
-
-Interface ReadInterface(const std::string& name, const Device& device) {
-    Interface interface { .name = name, .unused = ReasonForNoUse(name) };
-    const std::string method = Configured(VELK_CMD_IP_METHOD, name, device);
-    interface.method = method == kStatic || method == kDhcp ? method : "";
-    interface.kernel = ReadInterfaceState(name);
-    interface.client = ReadDhcpClient(name);
-    return interface;
-}
-
-void AppendWireless(const Interface& interface, States& states) {
-    states.push_back({"eth1.adapter", "", CheckAdapter().empty() ? "attached" : "none"});
-    states.push_back({"eth1.daemon", "", IsBound(velk::kRequestSocket) ? "on" : "off"});
-    states.push_back({"eth1.use", "", interface.is_used() ? "used" : interface.unused});
-}
-
-States ReadStates(const std::string& wanted, const Device& device) {
-    States states;
-    for (const std::string name : kInterfaces) {
-        if (!wanted.empty() && wanted != name) {
-            continue;
-        }
-        const Interface interface = ReadInterface(name, device);
-        if (name == VELK_WIRELESS_INTERFACE) {
-            AppendWireless(interface, states);
-        }
-        AppendStates(interface, device, states);
-    }
-    if (wanted.empty()) {
-        const std::string holder = DescribeLockHolder();
-        states.push_back({"lock", "", holder.empty() ? "free" : "held by " + holder});
-    }
-    return states;
-}
-
-Json RowInJson(const State& state) {
+Json RowInJson(const PartState& state) {
     Json object;
     object["name"] = state.name;
     object["configured"] = TextOrNull(state.configured);
@@ -216,7 +27,7 @@ Json RowInJson(const State& state) {
     return object;
 }
 
-std::string Row(const State& state) {
+std::string Row(const PartState& state) {
     constexpr size_t kName = 18;
     constexpr size_t kValue = 17;
     const std::string configured = state.configured.empty() ? "-" : state.configured;
@@ -231,15 +42,15 @@ ExitStatus RunStatus(const Invocation& invocation, Report& report) {
         report.Text(WrappedAt80(other_machine, 0) + "\n");
     }
     const Device device(invocation.limits, report);
-    const States states =
+    const PartStates states =
         ReadStates(invocation.words.empty() ? "" : invocation.words.front(), device);
     report.Text(FittedToTerminal(Row({"name", "configured", "running"})));
     Json list = Json::array();
-    for (const State& state : states) {
+    for (const PartState& state : states) {
         report.Text(FittedToTerminal(Row(state)));
         list.push_back(RowInJson(state));
     }
-    const bool differs = std::ranges::any_of(states, &State::differs);
+    const bool differs = std::ranges::any_of(states, &PartState::differs);
     report.Member("states", std::move(list));
     return differs ? ExitStatus::kFailed : ExitStatus::kDone;
 }

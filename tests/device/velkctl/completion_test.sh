@@ -40,7 +40,7 @@ offered() {
 # ---- verbs and options ------------------------------------------------------------------------
 it 'offers the verbs'
 offered '' -- s -- li -- nonsense '' -- help d -- help get ''
-output_is 'get set show restart apply export import diff list describe explain status doctor selftest capture confirm extend revert pending undo history recover call help
+output_is 'get set show restart apply export import diff list describe explain status doctor metrics selftest capture confirm extend revert pending undo history recover call help
 set show status selftest
 list
 (nothing)

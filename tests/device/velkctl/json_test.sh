@@ -32,6 +32,7 @@ member_orders = {
     "setting": {"set": "name value held takes_effect"},
     "result": {"explain": "code name description remedy exit_status", "call": "code name description"},
     "exit_status": {"explain": "status description remedy results"},
+    "metrics": {"metrics": "name help samples"},
     "commands": {"selftest": "name id type verdict problem"},
     "items": {"capture": "name member state problem"},
     "preview": {verb: "results files steps longest_seconds then_waits_for"
@@ -161,6 +162,14 @@ answers <<'END'
 0 selftest -> commands
 !rm /etc/dhclient.conf
 1 selftest -> commands; dhcp-ntp LIB_VELK_FAILURE; dhcp-ntp LIB_VELK_FAILURE; eth0.method LIB_VELK_FAILURE; eth1.method LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth0.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE; eth1.dhcp-dns LIB_VELK_FAILURE
+END
+
+it 'answers with the metrics'
+answers <<'END'
+0 metrics -> metrics
+0 metrics --output /tmp/velk.prom -> metrics
+1 metrics --output /nowhere/velk.prom -> metrics; - -
+2 metrics --output /dev/null -> nothing; - -
 END
 
 it 'answers with the items of a capture'
@@ -407,6 +416,7 @@ explain
 explain
 status
 doctor
+metrics
 selftest
 capture
 confirm

@@ -38,7 +38,7 @@ if command -v mandoc >/dev/null; then
     it 'has pages that set no word as an option, except the options of the programs'
     {
         velkctl --help
-        for verb in get set show restart apply export import diff list describe explain status doctor selftest \
+        for verb in get set show restart apply export import diff list describe explain status doctor metrics selftest \
             capture undo history recover call; do
             velkctl "$verb" --help
         done

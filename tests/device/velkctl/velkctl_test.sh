@@ -858,6 +858,7 @@ output_has '
   explain   explain a result of the library or an exit status
   status    compare the configuration with the running state
   doctor    look for problems with files, tools and daemons
+  metrics   print the state of the device for a monitoring agent
   selftest  try every command, without changing the device
   capture   write all that the library reads on this device to a file
   confirm   keep the change that waits for its confirmation
@@ -892,7 +893,7 @@ for words in -h help 'help help' 'help --help'; do
 done
 
 it 'explains each verb, with an example'
-for verb in get set show restart apply export import diff list describe explain doctor selftest capture call; do
+for verb in get set show restart apply export import diff list describe explain doctor metrics selftest capture call; do
     run velkctl "$verb" --help
     status_is 0
     error_is ''

@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The libvelk authors
+# SPDX-License-Identifier: MIT
+
+"""Twenty simulated devices, over the connection of the sandbox."""
+
+import unittest
+
+import kit
+
+COUNT = 20
+SETTINGS = {"eth0.dns": ["10.0.0.1", "10.0.0.2"], "ntp": "on", "location": "Hall 7, \"north\" \\ row"}
+ALSO_SECRET = {"eth1.psk": kit.KEY, **SETTINGS}
+
+# Ansible forks a process for each task of a device, and velkctl and the shell take some milliseconds: a tenth of a
+# second was measured (docs/fleet.md). Three times that: a copied module and its Python on each device would
+# take more.
+LONGEST_SECONDS_OF_A_DEVICE = 0.3
+
+
+class FleetTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.fleet = kit.Fleet(COUNT)
+        cls.addClassCleanup(cls.fleet.end)
+
+    def run_tasks(self, tasks, *words, **more):
+        return kit.playbook(kit.write_playbook(tasks), self.fleet.inventory(), *words, **more)
+
+    def test_1_the_inventory_has_these_devices_alone(self):
+        run = self.run_tasks("- name: Facts\n  velk.device.facts:\n")
+        self.assertEqual(sorted(run.of("ok")), self.fleet.names(), run.output)
+        facts = run.of("ok")[self.fleet.names()[0]]["ansible_facts"]["velk"]
+        self.assertEqual(facts["settings"]["eth0.address"], "192.168.0.10")
+        self.assertEqual(facts["states"]["eth0.link"]["running"], "up")
+        self.assertEqual(facts["settings"]["eth1.psk"], "********")
+
+    def test_2_check_mode_leaves_every_file_as_it_was(self):
+        before = [device.run(kit.ALL_FILES) for device in self.fleet.devices]
+        run = self.run_tasks(kit.settings_task(ALSO_SECRET, restart="never"), "--check", "--diff")
+        self.assertEqual(run.changed(), self.fleet.names(), run.output)
+        self.assertIn("+nameserver 10.0.0.1\n", run.output)
+        self.assertIn("-eth1.psk: (old secret)\n", run.output)
+        self.assertIn("+eth1.psk: (new secret)\n", run.output)
+        self.assertEqual([device.run(kit.ALL_FILES) for device in self.fleet.devices], before)
+
+    def test_3_the_second_run_changes_nothing(self):
+        tasks = kit.settings_task(ALSO_SECRET, restart="never")
+        first = self.run_tasks(tasks)
+        self.assertEqual(first.changed(), self.fleet.names(), first.output)
+        for device in self.fleet.devices:
+            self.assertEqual(device.value("eth0.dns"), "10.0.0.1 10.0.0.2")
+            self.assertEqual(device.value("location"), SETTINGS["location"])
+            self.assertEqual(device.run("velkctl get --show-secrets eth1.psk").strip(), kit.KEY)
+        second = self.run_tasks(tasks)
+        self.assertEqual(sorted(second.of("ok")), self.fleet.names(), second.output)
+        self.assertEqual(second.changed(), [])
+        for run in first, second:
+            self.assertLess(run.seconds / COUNT, LONGEST_SECONDS_OF_A_DEVICE)
+
+    def test_4_no_line_of_the_most_verbose_output_has_the_key(self):
+        other_key = kit.KEY[::-1]
+        tasks = kit.settings_task({"eth1.psk": other_key, "eth0.dns": "10.0.0.1"}, restart="never")
+        refused = self.run_tasks(tasks, "-vvvv", "--diff", ANSIBLE_DEBUG="1")
+        self.assertEqual(sorted(refused.failed()), self.fleet.names())
+        tasks = kit.settings_task({"eth1.psk": other_key}, restart="never")
+        for words in ["--check"], []:
+            run = self.run_tasks(tasks, "-vvvv", "--diff", *words, ANSIBLE_DEBUG="1")
+            self.assertEqual(run.changed(), self.fleet.names(), run.output)
+            self.assertNotIn(other_key, run.output)
+        self.assertNotIn(other_key, refused.output)
+
+    def test_5_only_devices_with_a_reason_fail(self):
+        locked, stubborn, dead = self.fleet.devices[:3]
+        locked.run("flock /var/tmp/vklib_lock sleep 600 >/dev/null 2>&1 & sleep 0.2")
+        stubborn.run(
+            "mount --bind /etc/resolv.dnsmasq.conf /etc/resolv.dnsmasq.conf && "
+            "mount -o remount,bind,ro /etc/resolv.dnsmasq.conf"
+        )
+        dead.end()
+        names = self.fleet.names()
+        hosts = "".join(f"    {name}: {{}}\n" for name in names)
+        inventory = kit.TMP / "hosts.yml"
+        inventory.write_text(
+            f"devices:\n  hosts:\n{kit.indent(hosts, 0)}  vars:\n    ansible_connection: velk.device.sandbox\n"
+            f"    velk_sandbox_program: {kit.SANDBOX}\n"
+        )
+        task = kit.write_playbook(kit.settings_task({"eth0.dns": ["10.0.0.9"]}, restart="never"))
+        run = kit.playbook(task, inventory)
+        self.assertEqual(sorted(run.failed()), [locked.name, stubborn.name], run.output)
+        self.assertEqual(run.changed(), names[3:])
+        self.assertEqual(run.failed()[locked.name]["status"], 3)
+        self.assertIn("another program is changing settings", run.failed()[locked.name]["msg"])
+        self.assertIn("(flock, ", run.failed()[locked.name]["msg"])
+        self.assertIn("eth0.dns", run.failed()[stubborn.name]["msg"])
+        self.assertIn("/etc/resolv.dnsmasq.conf", run.failed()[stubborn.name]["msg"])
+        self.assertEqual(sorted(run.of("unreachable")), [dead.name])
+        self.assertIn(f"no device named {dead.name} is running", run.of("unreachable")[dead.name]["msg"])
+
+    def test_6_a_device_without_velkctl_fails_with_the_remedy(self):
+        run = self.run_tasks(
+            "- name: Facts\n  velk.device.facts:\n", "-e", "velk_device_program=/nowhere/velkctl", "-l", "*-05"
+        )
+        self.assertEqual(
+            run.failed()[self.fleet.names()[4]]["msg"],
+            "/nowhere/velkctl is not on the device; fix: install the package velk-tools on it, or set "
+            "velk_device_program to its path",
+        )
+
+    def test_7_the_doctor_fails_on_problems_alone(self):
+        device = self.fleet.devices[5]
+        doctor = "- name: Doctor\n  velk.device.doctor:\n"
+        device.run("sed -i '/ntpdate/d' /var/cron/tabs/root")
+        run = self.run_tasks(doctor, "-l", device.name)
+        self.assertIn("no entry runs ntpdate", run.failed()[device.name]["msg"])
+        self.assertEqual(run.failed()[device.name]["problems"], 1)
+        run = self.run_tasks(doctor + "    fail_on: never\n", "-l", device.name)
+        self.assertEqual(run.of("ok")[device.name]["problems"], 1)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
