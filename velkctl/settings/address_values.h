@@ -30,6 +30,7 @@ class AddressKind final : public ValueKind {
           short_form_(short_form),
           in_full_(in_full) {}
 
+    std::string_view Type() const override { return "address"; }
     std::string Wanted() const override;
     std::string Example() const override { return std::string(example_); }
     Parsed Parse(std::span<const std::string> words) const override;

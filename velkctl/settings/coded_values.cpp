@@ -44,6 +44,13 @@ std::string CodedKind::WordFor(const CodedValue& value) const {
     return value.name.empty() ? number : number + " (" + std::string(value.name) + ")";
 }
 
+std::string_view CodedKind::Type() const {
+    if (Values() == std::vector<std::string>{"on", "off"}) {
+        return "switch";
+    }
+    return has_names() ? "choice" : "number";
+}
+
 std::string CodedKind::Wanted() const {
     if (!has_names() && values_.size() > kLongestListing) {
         return "a number from " + WordFor(values_.front()) + " to " + WordFor(values_.back());

@@ -26,6 +26,8 @@ class CodedKind final : public ValueKind {
     constexpr explicit CodedKind(std::span<const CodedValue> values, std::string_view coding = "")
         : values_(values), coding_(coding) {}
 
+    // A switch if the values are on and off; else a choice if the table has names, or a number.
+    std::string_view Type() const override;
     std::string Wanted() const override;
     std::string Example() const override { return Values().front(); }
     Parsed Parse(std::span<const std::string> words) const override;

@@ -16,6 +16,7 @@ class HostKind final : public ValueKind {
   public:
     constexpr HostKind() = default;
 
+    std::string_view Type() const override { return "host"; }
     std::string Wanted() const override;
     std::string Example() const override { return "192.168.0.1"; }
     Parsed Parse(std::span<const std::string> words) const override;

@@ -14,6 +14,7 @@ namespace velkctl {
 // tools show it.
 class MacAddressKind final : public ValueKind {
   public:
+    std::string_view Type() const override { return "mac-address"; }
     std::string Print(const Data& data) const override;
 };
 
@@ -23,6 +24,7 @@ class HexBytesKind final : public ValueKind {
     constexpr HexBytesKind(size_t count, std::string_view coding)
         : count_(count), coding_(coding) {}
 
+    std::string_view Type() const override { return "hex"; }
     std::string_view Coding() const override { return coding_; }
     std::string Print(const Data& data) const override;
 
@@ -36,6 +38,7 @@ class NumberPairKind final : public ValueKind {
   public:
     constexpr explicit NumberPairKind(std::string_view coding) : coding_(coding) {}
 
+    std::string_view Type() const override { return "numbers"; }
     std::string_view Coding() const override { return coding_; }
     std::string Print(const Data& data) const override;
     nlohmann::ordered_json ToJson(const Data& data) const override;

@@ -16,6 +16,7 @@ class ScheduleKind final : public ValueKind {
   public:
     constexpr ScheduleKind() = default;
 
+    std::string_view Type() const override { return "schedule"; }
     std::string Wanted() const override;
     std::string Example() const override { return "weekly sunday 08:30"; }
     Parsed Parse(std::span<const std::string> words) const override;

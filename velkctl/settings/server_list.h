@@ -13,6 +13,7 @@ namespace velkctl {
 // One to three IPv4 addresses, or "none", in slots of 16 bytes.
 class ServerListKind final : public ValueKind {
   public:
+    std::string_view Type() const override { return "addresses"; }
     std::string Wanted() const override;
     std::string Example() const override { return "192.168.0.1 192.168.0.2"; }
     Parsed Parse(std::span<const std::string> words) const override;

@@ -26,6 +26,7 @@ class TextKind final : public ValueKind {
           takes_length_(takes_length),
           problem_(problem) {}
 
+    std::string_view Type() const override { return "text"; }
     std::string Wanted() const override { return std::string(wanted_); }
     std::string Example() const override { return std::string(example_); }
     Parsed Parse(std::span<const std::string> words) const override;

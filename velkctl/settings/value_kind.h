@@ -25,6 +25,9 @@ struct Meaning {
 // a value of its own.
 class ValueKind {
   public:
+    // Returns a word for programs that choose an input field by it. docs/json.md has the list.
+    virtual std::string_view Type() const = 0;
+
     // Returns the accepted values: "an IPv4 address such as 192.168.0.1, or none".
     virtual std::string Wanted() const { return {}; }
 

@@ -48,6 +48,7 @@ Json FactsInJson(const Setting& setting) {
     object["set"] = setting.can_set();
     object["secret"] = setting.row->secret;
     object["description"] = setting.row->help;
+    object["type"] = setting.row->kind->Type();
     object["expected"] = setting.can_set() ? Json(setting.row->kind->Wanted()) : Json(nullptr);
     object["values"] = setting.row->kind->Values();
     object["longest_seconds"] = LongestWaitOf(setting).seconds;

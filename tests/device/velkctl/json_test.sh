@@ -24,7 +24,7 @@ import json, os, shlex, subprocess, sys
 import jsonschema
 
 schema = jsonschema.Draft202012Validator(json.loads(os.environ["SCHEMA"]))
-described = "name id interface get set secret description expected values longest_seconds takes_effect"
+described = "name id interface get set secret description type expected values longest_seconds takes_effect"
 member_orders = {
     "settings": {"get": "name value error valid", "show": "name value error valid",
                  "set": "name value held takes_effect set",

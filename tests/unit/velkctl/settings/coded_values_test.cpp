@@ -28,6 +28,7 @@ using velkctl::kOneToFour;
 using velkctl::kOneToThree;
 using velkctl::kServiceSet;
 using velkctl::kStandardsEnabled;
+using velkctl::kSwitch;
 using velkctl::Parsed;
 
 const std::string kDaemons = "the wireless daemon defines the meaning; see its manual; ";
@@ -71,6 +72,13 @@ INSTANTIATE_TEST_SUITE_P(
                     Spelling{kChannel, "9", 9}, Spelling{kChannel, "10", 10},
                     Spelling{kChannel, "13", 13}, Spelling{kStandardsEnabled, "2", 2},
                     Spelling{kStandardsEnabled, "3", 3}));
+
+TEST(CodedKindTest, TypeOfSwitchesChoicesAndNumbers) {
+    EXPECT_EQ(kSwitch.Type(), "switch");
+    EXPECT_EQ(kLinkMode.Type(), "choice");
+    EXPECT_EQ(kEncryption.Type(), "choice");
+    EXPECT_EQ(kChannel.Type(), "number");
+}
 
 TEST(CodedKindParse, TakesTheNumberOfANamedCodeIfSomeCodesHaveNoName) {
     EXPECT_EQ(kEncryption.Parse(Words{"2"}).data, DataOf(2));

@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+// pending.js - the panel of the change that waits for its confirmation, made here or in another browser.
+
+import { ConnectionLost, get } from "./api.js";
+import { runAndReport, tell } from "./changes.js";
+import { button, byId, element } from "./dom.js";
+import { texts } from "./texts.js";
+import { valueText } from "./values.js";
+
+// A screen reader hears the time at these seconds only.
+const ANNOUNCED_S = new Set([300, 120, 60, 30, 10]);
+
+let shown = null; // {id, deadline, address} of the change in the panel
+let changed = async () => {};
+let isBusy = false;
+export const whenEnded = (action) => { changed = action; };
+export const isWaiting = () => shown !== null;
+
+const secondsLeft = () => (shown.deadline - performance.now()) / 1000;
+
+function settingRows(change) {
+    return element("ul", {}, change.settings.map(({ name, old, new: value }) =>
+        element("li", {}, element("code", {}, name), ` ${valueText(old)} → ${valueText(value)}`)));
+}
+
+function draw(change, isMine, address) {
+    const left = element("p", { id: "pending-left" });
+    const spoken = element("p", { id: "pending-spoken", class: "unseen", role: "status" });
+    const lost = element("div", { id: "pending-lost", role: "alert" });
+    const keep = button(texts.keepIt, () => end("confirm", texts.confirming, texts.kept), { class: "primary", id: "keep" });
+    const back = button(texts.putBack, () => end("revert", texts.reverting, texts.wasReverted), { class: "quiet", id: "put-back" });
+    byId("pending").replaceChildren(element("section", { class: "card waiting", "aria-labelledby": "pending-title" },
+        element("h2", { id: "pending-title" }, isMine ? texts.stillThere : texts.otherWaits),
+        settingRows(change), left, spoken, lost, element("div", { class: "buttons" }, keep, back)));
+    shown = { id: change.id, address, deadline: performance.now() + change.seconds_left * 1000 };
+    tick();
+    if (isMine) {
+        keep.focus();
+    }
+}
+
+function tick() {
+    if (shown === null || byId("pending-left") === null) {
+        return;
+    }
+    const seconds = Math.ceil(secondsLeft());
+    byId("pending-left").textContent = seconds > 0 ? texts.secondsLeft(seconds) : texts.timeOver;
+    if (ANNOUNCED_S.has(seconds) || seconds === 0) {
+        byId("pending-spoken").textContent = byId("pending-left").textContent;
+    }
+}
+setInterval(tick, 1000);
+
+function showLost() {
+    const lost = byId("pending-lost");
+    if (lost === null || lost.children.length > 0) {
+        return;
+    }
+    lost.append(element("p", {}, texts.lostWhileWaiting));
+    if (shown.address) {
+        lost.append(element("p", {}, texts.openNew, " ", element("a", { href: shown.address }, shown.address)));
+    }
+}
+
+function hide() {
+    shown = null;
+    byId("pending").replaceChildren();
+}
+
+async function end(name, title, success) {
+    isBusy = true;
+    const { id } = shown;
+    const answer = await runAndReport(title, name, { id }, () => success);
+    isBusy = false;
+    if (answer?.status === 0) {
+        hide();
+    }
+    await changed();
+}
+
+// Says how a change ended without a button here: in another browser, or by itself. Returns false if the device
+// is still putting it back.
+async function tellEnd({ id, deadline }) {
+    const wasInTime = deadline - performance.now() > 1000;
+    const change = (await get("history")).changes.find((entry) => entry.id === id);
+    if (change?.state === "reverting" || change?.state === "waiting") {
+        return false;
+    }
+    if (change?.state === "confirmed") {
+        tell("good", [texts.kept]);
+    } else {
+        tell("info", [wasInTime ? texts.wasReverted : texts.wasNotConfirmed]);
+    }
+    return true;
+}
+
+// Asks the device for a waiting change and shows it. `mine` is {address} after an apply of this page.
+// Throws ConnectionLost, and shows it in the panel.
+export async function pollPending(mine = null) {
+    if (isBusy) {
+        return;
+    }
+    try {
+        const { pending } = await get("pending");
+        await update(pending ?? null, mine);
+    } catch (error) {
+        if (error instanceof ConnectionLost && shown !== null) {
+            showLost();
+        }
+        throw error;
+    }
+}
+
+async function update(pending, mine) {
+    if (isBusy) {
+        return;
+    }
+    byId("pending-lost")?.replaceChildren();
+    if (pending === null) {
+        if (shown !== null && await tellEnd(shown)) {
+            hide();
+            await changed();
+        }
+    } else if (pending.id !== shown?.id) {
+        draw(pending, mine !== null, mine?.address ?? null);
+    } else {
+        shown.deadline = performance.now() + pending.seconds_left * 1000;
+    }
+}
