@@ -75,11 +75,12 @@ constexpr std::array<VerbFlag, 4> kToolFlags{{
 }};
 constexpr std::array kJsonFlags{kJson, kQuiet, kVerbose};
 constexpr std::array kImportFlags{kJson, kQuiet, kVerbose, kDryRun};
-constexpr std::array<VerbFlag, 5> kApplyFlags{{
+constexpr std::array<VerbFlag, 6> kApplyFlags{{
     kJson,
     kQuiet,
     kVerbose,
     kDryRun,
+    {"--check", "only check the values; nothing is tried or changed", &Invocation::check},
     {"--ask", "ask at the terminal if the change is to be kept", &Invocation::ask},
 }};
 constexpr std::array kCallFlags{kJson, kQuiet, kVerbose, kShowSecrets, kDryRun};

@@ -43,6 +43,7 @@ struct Invocation {
     bool boot = false;
     bool keep = false;
     bool dry_run = false;
+    bool check = false;
     bool trace = false;
     bool no_pager = false;
     bool include_secrets = false;

@@ -315,8 +315,27 @@ ExitStatus TryPlan(const ApplyPlan& plan, const Invocation& invocation, const De
     return ReportTrial(RunTrial(steps, invocation.limits), steps, report);
 }
 
-// `lock` is null for a dry run. Otherwise the values are compared under it: another run may take
-// its own change back meanwhile.
+void NotePlan(const ApplyPlan& plan, Report& report) {
+    for (const Problem& note : plan.notes) {
+        report.Note(note);
+    }
+}
+
+// Reports a plan without a problem that is not carried out.
+ExitStatus ShowChecked(const ApplyPlan& plan, Report& report) {
+    NotePlan(plan, report);
+    report.Member("checked", true);
+    for (const PlannedChange& planned : plan.changes) {
+        report.Inform(planned.change.setting.name() + ": can be set\n");
+    }
+    if (plan.changes.empty()) {
+        report.Inform("nothing to change\n");
+    }
+    return ExitStatus::kDone;
+}
+
+// `lock` is null for a dry run and a check. Otherwise the values are compared under it: another run
+// may take its own change back meanwhile.
 ExitStatus ApplyWanted(const WantedValues& wanted, const ApplyOptions& options,
                        const Invocation& invocation, JournalLock* lock, const Device& device,
                        Report& report) {
@@ -329,6 +348,9 @@ ExitStatus ApplyWanted(const WantedValues& wanted, const ApplyOptions& options,
     report.Member("changes", ChangesInJson(plan));
     report.Member("skipped", NamesOf(plan.skipped));
     NoteSkipped(plan, report);
+    if (invocation.check) {
+        return ShowChecked(plan, report);
+    }
     if (plan.changes.empty()) {
         report.Member("restarts", Json::array());
         report.Member("taken_back", false);
@@ -336,9 +358,7 @@ ExitStatus ApplyWanted(const WantedValues& wanted, const ApplyOptions& options,
         report.Inform("nothing to change\n");
         return ExitStatus::kDone;
     }
-    for (const Problem& note : plan.notes) {
-        report.Note(note);
-    }
+    NotePlan(plan, report);
     return lock == nullptr ? TryPlan(plan, invocation, device, report)
                            : CarryOut(plan, invocation, std::move(*lock), device, report);
 }
@@ -370,8 +390,9 @@ ExitStatus RunWith(const WantedValues& wanted, const Invocation& invocation, con
     if (!options || !wanted.problems.empty()) {
         return ReportProblems(wanted.problems, ExitStatus::kInvalid, report);
     }
-    return invocation.dry_run ? ApplyWanted(wanted, *options, invocation, nullptr, device, report)
-                              : ApplyUnderLock(wanted, *options, invocation, device, report);
+    const bool changes_nothing = invocation.dry_run || invocation.check;
+    return changes_nothing ? ApplyWanted(wanted, *options, invocation, nullptr, device, report)
+                           : ApplyUnderLock(wanted, *options, invocation, device, report);
 }
 
 ExitStatus RunDocument(std::string_view verb, const Invocation& invocation, const Device& device,

@@ -46,6 +46,23 @@ applied 1 setting
 location  b
 ntp       off'
 
+it 'only checks with --check: no journal, no lock, no change'
+changes_nothing 'velkctl apply eth0.address=192.168.0.77 location=here --check &&
+    velkctl apply eth0.dns=1.1.1.1 --check --dry-run && velkctl apply eth0.method=static --check
+    [ ! -e /var/libvelk/journal ] || echo journal'
+status_is 0
+output_is 'eth0.address: can be set
+location: can be set
+eth0.dns: can be set
+nothing to change'
+error_is ''
+changes_nothing 'velkctl apply eth0.address=192.168.0.300 eth0.netmask=255.0.255.0 --check'
+status_is 2
+error_is "velkctl: eth0.address: '192.168.0.300' is not an IPv4 address
+  fix: give an IPv4 address such as 192.168.0.10
+velkctl: eth0.netmask: '255.0.255.0' is not a mask: a zero precedes a one
+  fix: give an IPv4 mask such as 255.255.255.0"
+
 it 'reports all errors of a document, each with its place, and changes nothing'
 changes_nothing 'echo "{\"schema\": 1, \"settings\": {\"eth0.address\": \"192.168.0.300\",
     \"eth0.gatewayz\": null, \"ntp\": true, \"location\": \"new\", \"location\": \"x\"}, \"facs\": {}}" |

@@ -260,6 +260,8 @@ answers <<'END'
 2 apply a b -> nothing; - -
 2 apply /tmp/none -> nothing; - -
 2 apply ntp=on --restart eth9 -> nothing; - -
+0 apply eth0.dns=1.1.1.1 --check -> changes skipped checked
+2 apply eth0.dns=1 --check -> nothing; eth0.dns -
 2 apply eth0.dns=1 eth1.zz=1 -> nothing; eth0.dns -; - -
 2 apply eth0.dns=1.1.1.1 eth1.dns=2.2.2.2 -> nothing; eth0.dns -; eth1.dns -
 2 import /dev/null -> nothing; - -
