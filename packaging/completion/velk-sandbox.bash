@@ -40,6 +40,8 @@ _velk_sandbox_sort_words() {
             return
         elif [[ $word == -* ]]; then
             case $word in --name | --writable | --rootfs) awaiting=$word ;; esac
+        elif [ "${COMP_WORDS[at - 1]}" = --web ] && [[ $word =~ ^[0-9]+$ ]]; then
+            : # the port
         elif [ -z "$verb" ] && grep -qxF -e "$word" <(_velk_sandbox_verbs); then
             verb=$word
         elif [ -z "$verb" ] || [ "$verb" = enter ]; then

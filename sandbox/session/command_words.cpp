@@ -16,10 +16,18 @@ bool IsOption(const std::string& word) {
     return word.size() > 1 && word.front() == '-';
 }
 
-// True if the next word is the value of this option.
-bool TakesNextWord(const CLI::App& app, const std::string& word) {
-    const CLI::Option* option = app.get_option_no_throw(word);
-    return option != nullptr && option->get_items_expected_max() > 0;
+bool IsNumber(const std::string& word) {
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// True if the next word is the value of this option. A value that may be missing is a number.
+bool TakesNextWord(const CLI::App& app, const std::vector<std::string>& words, size_t at) {
+    const CLI::Option* option = app.get_option_no_throw(words[at]);
+    if (option == nullptr || option->get_items_expected_max() == 0) {
+        return false;
+    }
+    return option->get_items_expected_min() > 0 ||
+           (at + 1 < words.size() && IsNumber(words[at + 1]));
 }
 
 // Returns null if the parser has no verb of this name.
@@ -47,7 +55,7 @@ Command TakeCommand(const CLI::App& app, std::vector<std::string>& words) {
     size_t at = 0;
     while (at < words.size() && words[at] != kMark) {
         if (IsOption(words[at])) {
-            at += TakesNextWord(app, words[at]) ? 2 : 1;
+            at += TakesNextWord(app, words, at) ? 2 : 1;
         } else if (verb != nullptr || (verb = FindVerb(app, words[at])) == nullptr) {
             break;
         } else {

@@ -4,6 +4,7 @@
 // main.cpp - velk-sandbox: runs commands on a simulated device.
 #include <algorithm>
 #include <clocale>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -55,6 +56,19 @@ std::string CompletionFolder(const fs::path& program_folder) {
     return fs::is_directory(built, unseen)
                ? built
                : program_folder / "../share/bash-completion/completions";
+}
+
+// Returns the program next to this one, or the installed one.
+std::string WebProgram(const fs::path& program_folder) {
+    const fs::path built = program_folder / "velk-web";
+    std::error_code unseen;
+    return fs::exists(built, unseen) ? built : program_folder / "../sbin/velk-web";
+}
+
+std::string WebFolder(const fs::path& program_folder) {
+    const fs::path built = program_folder / "web-page/page";
+    std::error_code unseen;
+    return fs::is_directory(built, unseen) ? built : program_folder / "../share/velk-web/page";
 }
 
 CLI::Validator ExistingFolder(const std::string& option) {
@@ -192,6 +206,12 @@ void AddOptions(CLI::App& app, Request& request) {
            "With --real: start with the router disconnected")
         ->needs(real);
     app.add_flag("--quiet", session.quiet, "Print no message at the start");
+    app.add_option_function<uint16_t>(
+           "--web", [&session](uint16_t port) { session.web_port = port; },
+           "Serve the settings page on a port of 127.0.0.1")
+        ->type_name("[PORT]")
+        ->expected(0, 1)
+        ->default_str("0");
     app.add_option("--writable", session.device.writable,
                    "Folder that stays writable; can be repeated")
         ->type_name("DIR")
@@ -214,6 +234,8 @@ sandbox::Session NewSession() {
     session.stand_in_folder = DataFolder(program_folder, "stand-ins");
     session.real_rootfs = DataFolder(program_folder, "real-rootfs");
     session.router_folder = DataFolder(program_folder, "router");
+    session.web_page.program = WebProgram(program_folder);
+    session.web_page.folder = WebFolder(program_folder);
     session.completion_folder = CompletionFolder(program_folder);
     session.device.bind_folders = FoldersInUse(program_folder);
     return session;
@@ -235,7 +257,7 @@ int Run(std::vector<std::string> words) {
         sandbox::PrintUsageError(app, error);
         return sandbox::kUsageError;
     }
-    return request.verb ? request.verb() : sandbox::RunSession(request.session);
+    return request.verb ? request.verb() : sandbox::RunSession(std::move(request.session));
 }
 
 }  // namespace

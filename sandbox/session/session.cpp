@@ -37,6 +37,7 @@
 #include "sandbox/session/shell.h"
 #include "sandbox/session/stand_ins.h"
 #include "sandbox/session/terminal.h"
+#include "sandbox/session/web_page.h"
 
 namespace sandbox {
 namespace {
@@ -134,6 +135,9 @@ int RunDevice(Session& session, const DeviceImage& image, const Terminal& termin
             PrintMessage(problem);
         }
     }
+    if (session.web_port) {
+        StartWebPage(std::move(session.web_page));
+    }
     return RunCommand(session, terminal);
 }
 
@@ -160,6 +164,9 @@ int RunSession(Session session) {
         session.image_file.empty() ? DeviceImage() : ReadDeviceImage(session.image_file);
     const Terminal terminal;
     IgnoreTerminalSignals();
+    if (session.web_port) {
+        OpenWebPort(session.web_page, *session.web_port);
+    }
     velk::UniqueFd control_socket = OpenControlSocket(session.name);
     GiveUpPrivileges();
     const pid_t first = ForkBoundChild(ForkFirstProcess);
@@ -167,6 +174,7 @@ int RunSession(Session session) {
         RunFirstProcess(session, image, terminal, std::move(control_socket));
     }
     (void)control_socket.Reset();  // only the hardware process keeps it open
+    (void)session.web_page.listener.Reset();
     const int status = WaitForChild(first);
     terminal.TakeBack();
     return status;

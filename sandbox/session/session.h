@@ -5,10 +5,13 @@
 #ifndef SANDBOX_SESSION_SESSION_H_
 #define SANDBOX_SESSION_SESSION_H_
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "sandbox/device/device.h"
 #include "sandbox/session/exec_command.h"
+#include "sandbox/session/web_page.h"
 
 namespace sandbox {
 
@@ -24,8 +27,10 @@ struct Session {
     std::string real_rootfs;    // more files of such a device
     std::string router_folder;  // configuration of its router
     bool router_in = true;
-    std::string image_file;  // a capture or a tar archive with the device's files
-    std::string hosts_file;  // the /etc/hosts of such a device
+    std::string image_file;              // a capture or a tar archive with the device's files
+    std::string hosts_file;              // the /etc/hosts of such a device
+    std::optional<uint16_t> web_port{};  // serve the settings page; 0: on a free port
+    WebPage web_page{};
 };
 
 // Runs the command on a new device and returns its exit status. When the command or this process

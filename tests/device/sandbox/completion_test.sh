@@ -60,11 +60,11 @@ velkctl'
 
 it 'offers the options of the subcommand, and those in front of it'
 offered - -- cable - -- enter - -- list - -- --quiet --w
-output_is '-h --help --version --real --no-router --quiet --writable --rootfs --name
+output_is '-h --help --version --real --no-router --quiet --web --writable --rootfs --name
 -h --help --name
 -h --help --name
 -h --help
---writable'
+--web --writable'
 
 it 'offers the positions of cable, adapter and router'
 offered cable '' -- adapter o -- router --name inner i -- cable in '' -- watch '' -- list ''
@@ -87,9 +87,11 @@ output_is 'keys
 /tmp/work/list /tmp/work/keys'
 
 it 'completes the words of a command as its program does'
-offered tool a -- --name x tool a b -- == tool a -- enter == tool a '' -- enter tool --opt -- sed li
+offered tool a -- --name x tool a b -- --web tool a -- --web 8080 tool a -- == tool a -- enter == tool a '' -- enter tool --opt -- sed li
 output_is '2:1:tool:a:tool
 3:2:tool:b:a
+2:1:tool:a:tool
+2:1:tool:a:tool
 2:1:tool:a:tool
 3:2:tool::a
 2:1:tool:--opt:tool
