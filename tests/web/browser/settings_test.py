@@ -81,8 +81,10 @@ class ChangedTest(PageTest):
         browser = self.logged_in()
         settings = [setting for setting in self.device.velkctl("list")["settings"] if setting["set"]]
         before = {reading["name"]: reading["value"] for reading in self.device.velkctl("show")["settings"]}
-        # An address is set while the method is static, so a method that is static is changed last.
-        last = [setting for setting in settings if before.get(setting["name"]) == "static"]
+        # An address is set while the method is static, and a switch of DHCP afterwards.
+        left = [setting["interface"] for setting in settings if before.get(setting["name"]) == "static"]
+        last = [setting for setting in settings if setting["interface"] in left and
+                (setting["type"] == "switch" or before.get(setting["name"]) == "static")]
         self.change(browser, [setting for setting in settings if setting not in last], before)
         self.change(browser, last, before)
 
