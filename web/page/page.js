@@ -67,6 +67,7 @@ whenSessionEnds(() => {
 async function enter(session) {
     if (lastUser !== null && lastUser !== session.user) {
         settings.discardAll();
+        forgetData();
     }
     user = session.user;
     lastUser = user;
@@ -82,6 +83,12 @@ async function enter(session) {
     loggedIn = null;
     await showView();
     await poll();
+}
+
+function forgetData() {
+    byId("view").replaceChildren();
+    delete byId("view").dataset.view;
+    clearNotices();
 }
 
 async function waitToLogIn(seconds) {
@@ -149,6 +156,7 @@ async function logOut() {
         }
     }
     settings.discardAll();
+    forgetData();
     showLogin(texts.loggedOut);
 }
 
@@ -260,28 +268,46 @@ function showLinks() {
         element("a", { href: `#${name}`, "aria-current": name === view ? "page" : null }, texts[name])));
 }
 
-// Reads the view's data and shows it. A later call replaces an earlier one that has not ended.
+// Shows the frame of a view without its data. Returns the element that the data replaces.
+function showFrame(focus) {
+    const title = element("h1", { id: "view-title", tabindex: "-1" }, texts[view]);
+    const refresh = button(texts.refresh, () => showView(), { class: "quiet", id: "refresh" });
+    const loading = element("p", { class: "loading", role: "status" }, view === "settings" ? texts.reading : texts.loading);
+    const content = element("div", { id: "content" }, loading);
+    byId("view").replaceChildren(element("div", { class: "head" }, title, refresh), content);
+    byId("view").dataset.view = view;
+    if (focus) {
+        title.focus();
+    }
+}
+
+// Replaces the view's data. The focus stays on the element with the same id.
+function fill(nodes) {
+    const focused = document.activeElement?.id;
+    byId("content").replaceChildren(...nodes.filter((node) => node !== null));
+    if (focused && document.activeElement === document.body) {
+        byId(focused)?.focus({ preventScroll: true });
+    }
+}
+
+// Reads the view's data and shows it. Earlier data of the same view stays until then. A later call replaces an
+// earlier one that has not ended.
 async function showView(focus = false) {
     const number = ++drawing;
     view = views.includes(location.hash.slice(1)) ? location.hash.slice(1) : "settings";
     showLinks();
     showBar();
-    const title = element("h1", { id: "view-title", tabindex: "-1" }, texts[view]);
-    const refresh = button(texts.refresh, () => showView(), { class: "quiet", id: "refresh" });
-    const head = element("div", { class: "head" }, title, refresh);
-    const loading = element("p", { class: "loading", role: "status" }, view === "settings" ? texts.reading : texts.loading);
-    byId("view").setAttribute("aria-busy", "true");
-    byId("view").replaceChildren(head, loading);
-    if (focus) {
-        title.focus();
+    if (byId("view").dataset.view !== view) {
+        showFrame(focus);
     }
+    byId("view").setAttribute("aria-busy", "true");
     try {
         const nodes = await contentOf(view);
         if (number === drawing) {
-            loading.replaceWith(...nodes.filter((node) => node !== null));
+            fill(nodes);
         }
     } catch (error) {
-        loading.remove();
+        byId("content").querySelector(".loading")?.remove();
         handle(error);
     }
     if (number === drawing) {

@@ -33,7 +33,6 @@ class BusyTest(PageTest):
         self.device.velkctl("set", "administrator", "Kim")
         browser.apply()
         browser.shows("The device has these values already.")
-        browser.settings_shown()
         self.assertFalse(browser.by_id("bar").is_displayed())
 
 
@@ -69,7 +68,7 @@ class WindowTest(PageTest):
     def setUp(self):
         self.device.velkctl("revert")
 
-    def begin(self, browser, text="10.0.0.9", window=300):
+    def begin(self, browser, text, window=300):
         """Applies a change that has to be confirmed."""
         browser.fill("eth0.dns", text)
         browser.review()
@@ -107,7 +106,7 @@ class WindowTest(PageTest):
     def test_put_back(self):
         before = self.value("eth0.dns")
         browser = self.logged_in()
-        self.begin(browser)
+        self.begin(browser, "10.0.0.7")
         browser.click("#put-back")
         browser.shows("The change was put back.", 60)
         self.assertEqual(self.value("eth0.dns"), before)
@@ -117,7 +116,7 @@ class WindowTest(PageTest):
     def test_a_lost_connection_in_the_window_ends_with_the_earlier_settings(self):
         before = self.value("eth0.dns")
         browser = self.logged_in()
-        self.begin(browser, window=30)
+        self.begin(browser, "10.0.0.8", window=30)
         browser.offline(True)
         browser.shows("No connection. Trying this address again.")
         browser.shows("No connection to the device.")
@@ -131,7 +130,7 @@ class WindowTest(PageTest):
 
     def test_a_connection_that_comes_back_can_still_keep_the_change(self):
         browser = self.logged_in()
-        self.begin(browser)
+        self.begin(browser, "10.0.0.9")
         browser.offline(True)
         browser.shows("No connection. Trying this address again.")
         browser.offline(False)

@@ -14,6 +14,7 @@ import re
 import shutil
 import signal
 import subprocess
+import tempfile
 import time
 import unittest
 
@@ -38,23 +39,26 @@ class Device:
     def __init__(self):
         Device.count += 1
         self.name = "web%d-%d" % (os.getpid(), Device.count)
-        self.process = subprocess.Popen([BUILD / "velk-sandbox", "--web", "--name", self.name],
-                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
-                                        start_new_session=True)
-        self.address = self.user = self.password = None
-        while self.address is None or self.password is None:
-            line = self.process.stdout.readline()
-            if not line:
-                raise AssertionError("velk-sandbox --web ended before it printed its address")
-            self.read(line)
+        self.messages = tempfile.TemporaryFile("w+", encoding="utf-8")
+        self.process = subprocess.Popen([BUILD / "velk-sandbox", "--quiet", "--web", "--name", self.name, "--", "cat"],
+                                        stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=self.messages)
+        text = self.started()
+        self.address = re.search(r"http://127\.0\.0\.1:\d+/", text).group()
+        self.user = re.search(r"^ *user (\S+)$", text, re.MULTILINE).group(1)
+        self.password = re.search(r"^ *password (\S+)$", text, re.MULTILINE).group(1)
 
-    def read(self, line):
-        if found := re.search(r"http://127\.0\.0\.1:\d+/", line):
-            self.address = found.group()
-        if found := re.search(r"\buser:? +(\S+)", line):
-            self.user = found.group(1).strip(",")
-        if found := re.search(r"\bpassword:? +(\S+)", line):
-            self.password = found.group(1)
+    def started(self):
+        """Waits for the messages of the start. Returns them."""
+        end = time.monotonic() + WAIT_S
+        while True:
+            self.messages.seek(0)
+            text = self.messages.read()
+            if re.search(r"^ *password \S+\n", text, re.MULTILINE):
+                return text
+            if self.process.poll() is not None or time.monotonic() > end:
+                self.close()
+                raise AssertionError("velk-sandbox --web did not start: " + text)
+            time.sleep(0.05)
 
     def run(self, *words, **options):
         """Runs a command on the device. Returns its output."""
@@ -93,7 +97,7 @@ class Device:
         except subprocess.TimeoutExpired:
             os.kill(self.process.pid, signal.SIGTERM)
             self.process.wait(30)
-        self.process.stdout.close()
+        self.messages.close()
 
 
 class Browser:
@@ -229,6 +233,7 @@ class Browser:
             Select(self.by_id("window")).select_by_value(str(window))
         self.press("Apply", "dialog")
         self.until(lambda: not self.all("dialog[open]"), "the dialog is closed", 600)
+        self.settings_shown()
 
     def messages(self):
         return self.by_id("notices").text

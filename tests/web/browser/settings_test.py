@@ -97,9 +97,8 @@ class ChangedTest(PageTest):
         for name in wanted:
             self.assertIn(name, table.text)
         self.assertNotIn(SECRET, table.text)
-        browser.apply()
+        browser.apply(window="")
         self.assertIn("%d setting" % len(settings), browser.messages())
-        browser.settings_shown()
         self.assertFalse(browser.by_id("bar").is_displayed())
         for setting in settings:
             with self.subTest(setting["name"]):
