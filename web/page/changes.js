@@ -25,23 +25,23 @@ const tellFailure = (error) => tell("bad", failureLines(error));
 
 const needsRestart = (setting) => /\brestart of\b/.test(setting.takes_effect ?? "");
 
-// True if the change of these settings can cut off the user. A restart of one interface can restart the other.
+// True if the change of these settings can cut off the user. A restart of the first interface, the wired port,
+// can restart the others too.
 function isRisky(changed) {
     const reached = session.reached_through ?? null;
-    return changed.some((setting) => {
-        if (setting.interface === null) {
-            return needsRestart(setting);
-        }
-        return reached === null || setting.interface === reached || needsRestart(setting);
-    });
+    if (reached === null) {
+        return changed.some((setting) => setting.interface !== null || needsRestart(setting));
+    }
+    const first = settings.interfaceNames()[0];
+    return changed.some((setting) => setting.interface === reached ||
+        (needsRestart(setting) && (setting.interface === null || setting.interface === first)));
 }
 
-// Returns the page's address after the change; null if it is not known or stays. A static address has a netmask.
+// Returns the page's address after the change; null if it is not known or stays.
 function nextAddress(values) {
     const addresses = Object.entries(values).filter(([name, value]) => {
         const setting = settings.settingNamed(name);
-        const isOfUser = session.reached_through === undefined || session.reached_through === null ||
-            setting.interface === session.reached_through;
+        const isOfUser = (session.reached_through ?? setting.interface) === setting.interface;
         return setting.type === "address" && isOfUser && settings.storedValue(name) === location.hostname && value !== null;
     });
     if (addresses.length !== 1) {
@@ -157,7 +157,7 @@ async function apply(values, { restart, seconds, address }, changed) {
     if (report(result)) {
         settings.forget(Object.keys(values));
     }
-    await changed({ address });
+    await changed(result?.id ?? null, address);
 }
 
 // ---- Other work --------------------------------------------------------------------------------

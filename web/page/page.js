@@ -7,7 +7,7 @@ import { ConnectionLost, get, post, Refused, setToken } from "./api.js";
 import { review, setSession, tell, tellFailure } from "./changes.js";
 import { ask, byId, button, clearNotices, element, sleep } from "./dom.js";
 import { whenSessionEnds } from "./jobs.js";
-import { isWaiting, pollPending, whenEnded } from "./pending.js";
+import { isWaiting, pollPending, setMine, whenEnded } from "./pending.js";
 import * as settings from "./settings.js";
 import { texts } from "./texts.js";
 import { errorLines } from "./values.js";
@@ -330,14 +330,13 @@ async function goTo(name) {
     settings.goToSetting(name);
 }
 
-// After work that may have changed the device. `mine` is {address} after an apply of this page.
-async function deviceChanged(mine = null) {
-    await showView();
-    try {
-        await pollPending(mine);
-    } catch (error) {
-        handle(error);
+// After work that may have changed the device. `id` is the change that this page has made, null if none.
+async function deviceChanged(id = null, address = null) {
+    if (id !== null) {
+        setMine(id, address);
     }
+    await poll();
+    await showView();
 }
 whenEnded(() => showView());
 

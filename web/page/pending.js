@@ -12,7 +12,8 @@ import { valueText } from "./values.js";
 // A screen reader hears the time at these seconds only.
 const ANNOUNCED_S = new Set([300, 120, 60, 30, 10]);
 
-let shown = null; // {id, deadline, address} of the change in the panel
+let shown = null; // {id, isMine, deadline} of the change in the panel
+let mine = null; // {id, address} of the last change of this page
 let changed = async () => {};
 let isBusy = false;
 export const whenEnded = (action) => { changed = action; };
@@ -25,7 +26,7 @@ function settingRows(change) {
         element("li", {}, element("code", {}, name), ` ${valueText(old)} → ${valueText(value)}`)));
 }
 
-function draw(change, isMine, address) {
+function draw(change, isMine) {
     const left = element("p", { id: "pending-left" });
     const spoken = element("p", { id: "pending-spoken", class: "unseen", role: "status" });
     const lost = element("div", { id: "pending-lost", role: "alert" });
@@ -34,7 +35,7 @@ function draw(change, isMine, address) {
     byId("pending").replaceChildren(element("section", { class: "card waiting", "aria-labelledby": "pending-title" },
         element("h2", { id: "pending-title" }, isMine ? texts.stillThere : texts.otherWaits),
         settingRows(change), left, spoken, lost, element("div", { class: "buttons" }, keep, back)));
-    shown = { id: change.id, address, deadline: performance.now() + change.seconds_left * 1000 };
+    shown = { id: change.id, isMine, deadline: performance.now() + change.seconds_left * 1000 };
     tick();
     if (isMine) {
         keep.focus();
@@ -59,8 +60,8 @@ function showLost() {
         return;
     }
     lost.append(element("p", {}, texts.lostWhileWaiting));
-    if (shown.address) {
-        lost.append(element("p", {}, texts.openNew, " ", element("a", { href: shown.address }, shown.address)));
+    if (shown.isMine && mine.address) {
+        lost.append(element("p", {}, texts.openNew, " ", element("a", { href: mine.address }, mine.address)));
     }
 }
 
@@ -76,6 +77,7 @@ async function end(name, title, success) {
     isBusy = false;
     if (answer?.status === 0) {
         hide();
+        byId("view-title")?.focus();
     }
     await changed();
 }
@@ -96,15 +98,19 @@ async function tellEnd({ id, deadline }) {
     return true;
 }
 
-// Asks the device for a waiting change and shows it. `mine` is {address} after an apply of this page.
-// Throws ConnectionLost, and shows it in the panel.
-export async function pollPending(mine = null) {
+// Notes the change that this page has made, and the page's next address, null if it is not known.
+export function setMine(id, address) {
+    mine = { id, address };
+}
+
+// Asks the device for a waiting change and shows it. Throws ConnectionLost, and shows it in the panel.
+export async function pollPending() {
     if (isBusy) {
         return;
     }
     try {
         const { pending } = await get("pending");
-        await update(pending ?? null, mine);
+        await update(pending ?? null);
     } catch (error) {
         if (error instanceof ConnectionLost && shown !== null) {
             showLost();
@@ -113,7 +119,7 @@ export async function pollPending(mine = null) {
     }
 }
 
-async function update(pending, mine) {
+async function update(pending) {
     if (isBusy) {
         return;
     }
@@ -123,8 +129,11 @@ async function update(pending, mine) {
             hide();
             await changed();
         }
-    } else if (pending.id !== shown?.id) {
-        draw(pending, mine !== null, mine?.address ?? null);
+        return;
+    }
+    const isMine = pending.id === mine?.id;
+    if (pending.id !== shown?.id || isMine !== shown.isMine) {
+        draw(pending, isMine);
     } else {
         shown.deadline = performance.now() + pending.seconds_left * 1000;
     }

@@ -17,7 +17,8 @@ const rows = new Map(); // {setting, field, problem, changed, node} of each sett
 const unsaved = new Map(); // values of changed fields, by the name of the setting
 let problems = new Map(); // errors of the last check, by the name of the setting
 let checkTimer = null;
-let lastCheck = 0;
+let running = Promise.resolve(); // ends with the last check that was begun
+let isQueued = false; // a check waits for the running one
 let onChange = () => {};
 
 export const whenChanged = (listener) => { onChange = listener; };
@@ -133,8 +134,7 @@ function noteChange(row, isComplete) {
     showProblem(row);
     onChange();
     if (isComplete) {
-        clearTimeout(checkTimer);
-        checkTimer = setTimeout(() => check().catch(() => {}), CHECK_AFTER_MS);
+        checkSoon();
     }
 }
 
@@ -162,19 +162,39 @@ export function showErrors(errors) {
     return errors.filter((error) => !rows.has(error.setting));
 }
 
-// Lets the device check the unsaved values. Returns its answer; null if a later check replaced it.
-export async function check() {
-    const number = ++lastCheck;
+// Lets the device check the unsaved values and shows its errors. Returns its answer; null without unsaved values.
+// Checks follow one another: two at a time disturb each other at the wireless daemon.
+export function check() {
+    const next = running.catch(() => {}).then(checkNow);
+    running = next;
+    return next;
+}
+
+async function checkNow() {
     if (unsaved.size === 0) {
         showErrors([]);
         return null;
     }
-    const answer = await post("check", { settings: unsavedValues() });
-    if (number !== lastCheck) {
-        return null;
-    }
-    const others = showErrors(answer.errors);
+    const values = unsavedValues();
+    const answer = await post("check", { settings: values });
+    const isOld = !isSame(values, unsavedValues());
+    const others = isOld ? [] : showErrors(answer.errors);
     return { ...answer, others };
+}
+
+// After the last of several changes, one check is enough.
+function checkSoon() {
+    clearTimeout(checkTimer);
+    checkTimer = setTimeout(() => {
+        if (isQueued) {
+            return;
+        }
+        isQueued = true;
+        running.catch(() => {}).then(() => {
+            isQueued = false;
+            return check();
+        }).catch(() => {});
+    }, CHECK_AFTER_MS);
 }
 
 export function focusFirstProblem() {

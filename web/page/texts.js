@@ -68,7 +68,7 @@ export const texts = {
     secretEmpty: "No key is set.",
     show: "Show",
     hide: "Hide",
-    showLabel: (label) => `Show what is typed as ${label}`,
+    showLabel: (label) => `Show the text of ${label}`,
     remove: "Remove the key",
     takesEffect: (time) => `Takes effect ${time}.`,
     before: (value) => `Now: ${value}`,
@@ -99,7 +99,7 @@ export const texts = {
     restartNow: "Restart the interfaces that need it, so that the changes take effect now",
     keep: "Keep the changes",
     keepAtOnce: "at once",
-    keepWithin: (seconds) => `only if I confirm within ${duration(seconds)}`,
+    keepWithin: (seconds) => `if I confirm within ${duration(seconds)}`,
     cutOff: (name) => `This can cut you off from the device: you reach it through ${name}.`,
     cutOffUnknown: "This can cut you off from the device: it is not known through which interface you reach it.",
     cutOffHelp: "Unless you confirm the changes in time, the device puts its earlier settings back by itself.",
@@ -153,7 +153,7 @@ export const texts = {
     serverFault: "The device gave no usable answer.",
 
     // Status
-    statusHint: "The configuration beside what runs. A difference means that a change has not taken effect yet, or that it failed.",
+    statusHint: "The configuration beside the running state. A difference means that a change has not taken effect yet, or that it failed.",
     part: "Part",
     configured: "Configured",
     running: "Running",

@@ -65,6 +65,8 @@ class KeyboardTest(PageTest):
         self.keys(browser, Keys.ENTER)
         browser.shows("The change is kept.", 60)
         self.assertEqual(self.value("location"), "Loft")
+        browser.settings_shown()
+        self.assertEqual(self.focus(browser).text, "Settings")
 
         self.tab_to_text(browser, "History")
         self.keys(browser, Keys.ENTER)

@@ -43,9 +43,10 @@ class CableTest(PageTest):
         browser.view("status")
         browser.shows("not used while the cable is in")
         self.device.order("cable", "out")
+        # The kernel reports the link a moment later.
+        browser.until(lambda: "not used while" not in self.device.run("velkctl", "status"), "the link is down")
         browser.click("#refresh")
-        browser.until(lambda: "not used while the cable is in" not in browser.text() and
-                      "eth0.link" in browser.text(), "the status follows the cable")
+        browser.until(lambda: "not used while the cable is in" not in browser.text(), "the status follows the cable")
         browser.view("settings")
         self.assertNotIn("refused while the cable", browser.text())
         self.assertRegex(browser.field("eth1.signal").text, r"^\d+[ ,]+\d+$")
@@ -139,6 +140,45 @@ class WindowTest(PageTest):
         browser.shows("The change is kept.", 60)
         self.assertEqual(self.value("eth0.dns"), ["10.0.0.9"])
 
+    def test_a_connection_lost_while_the_change_is_applied(self):
+        browser = self.logged_in()
+        browser.fill("eth0.netmask", "255.255.0.0")
+        browser.review()
+        browser.begin_to_apply(restart=True, window=300)
+        browser.one("dialog .spinner")
+        browser.offline(True)
+        browser.shows("The connection to the device is lost. It carries on without you.")
+        self.assertIn("puts its earlier settings back 5 min after", browser.one("dialog .lost").text)
+        browser.offline(False)
+        browser.one("#keep", 120)
+        browser.shows("Still there?")
+        browser.click("#keep")
+        browser.shows("The change is kept.", 60)
+        self.assertEqual(self.value("eth0.netmask"), "255.255.0.0")
+
+    def test_the_page_at_the_new_address(self):
+        old = self.value("eth0.address")
+        new = "192.168.0.99"
+        browser = self.browser()
+        there = browser.address.replace("127.0.0.1", new)
+        browser.address = browser.address.replace("127.0.0.1", old)
+        browser.log_in(self.device.user, self.device.password)
+        browser.fill("eth0.address", new)
+        browser.review()
+        link = browser.one("#cut-off a")
+        self.assertEqual((link.text, link.get_attribute("href")), (there, there))
+        browser.apply(restart=True)
+        browser.offline(True)
+        browser.shows("Open the page at the new address: " + there)
+        browser.offline(False)
+
+        browser.address = there
+        browser.log_in(self.device.user, self.device.password)
+        browser.shows("A change waits for its confirmation")
+        browser.click("#keep")
+        browser.shows("The change is kept.", 60)
+        self.assertEqual(self.value("eth0.address"), new)
+
     def test_two_browsers(self):
         first = self.logged_in()
         second = self.logged_in()
@@ -157,6 +197,35 @@ class WindowTest(PageTest):
         first.until(lambda: not first.all("#keep"), "the panel of the first browser is gone")
         first.shows("The change is kept.")
         self.assertEqual(self.value("eth0.dns"), ["10.0.0.10"])
+
+
+class RiskTest(PageTest):
+    """The page warns of changes of the interface that it is reached through."""
+
+    with_adapter = False
+
+    def is_warned(self, browser, name, text):
+        browser.fill(name, text)
+        browser.review()
+        is_warned = browser.all("#cut-off") != []
+        browser.press("Cancel", "dialog")
+        browser.press("Reset")
+        return is_warned
+
+    def test_through_the_wired_port(self):
+        browser = self.browser()
+        browser.reached_through("eth0")
+        browser.log_in(self.device.user, self.device.password)
+        self.assertTrue(self.is_warned(browser, "eth0.gateway", "192.168.0.7"))
+        self.assertFalse(self.is_warned(browser, "eth1.gateway", "192.168.0.7"))
+        self.assertFalse(self.is_warned(browser, "location", "Shed"))
+
+    def test_through_the_wireless_adapter(self):
+        browser = self.browser()
+        browser.reached_through("eth1")
+        browser.log_in(self.device.user, self.device.password)
+        self.assertTrue(self.is_warned(browser, "eth1.gateway", "192.168.0.7"))
+        self.assertTrue(self.is_warned(browser, "eth0.gateway", "192.168.0.7"))
 
 
 class HistoryTest(PageTest):

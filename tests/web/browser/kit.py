@@ -61,12 +61,12 @@ class Device:
             time.sleep(0.05)
 
     def run(self, *words, **options):
-        """Runs a command on the device. Returns its output."""
-        return subprocess.run([BUILD / "velk-sandbox", "enter", "--name", self.name, *words], check=True,
+        """Runs a command on the device. Returns its output with any status."""
+        return subprocess.run([BUILD / "velk-sandbox", "enter", "--name", self.name, *words], check=False,
                               capture_output=True, text=True, **options).stdout
 
     def velkctl(self, *words, text=None):
-        """The document of a run of velkctl, whatever its status."""
+        """The document of a run of velkctl with any status."""
         finished = subprocess.run([BUILD / "velk-sandbox", "enter", "--name", self.name, "velkctl", *words, "--json"],
                                   input=text, capture_output=True, text=True, check=False)
         return json.loads(finished.stdout)
@@ -101,14 +101,15 @@ class Device:
 
 
 class Browser:
-    """A headless Chromium with the page's actions. All waits have a limit."""
+    """A headless Chromium with the page's actions. All waits have a limit. The device's addresses lead to the
+    loopback interface."""
 
     def __init__(self, address, width=1280, height=900, dark=False):
         options = webdriver.ChromeOptions()
         options.binary_location = shutil.which("chromium")
         for word in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                      "--no-first-run", "--disable-background-networking", "--lang=en",
-                     "--host-resolver-rules=MAP * ~NOTFOUND , EXCLUDE 127.0.0.1"):
+                     "--host-resolver-rules=MAP 192.168.0.* 127.0.0.1, MAP * ~NOTFOUND , EXCLUDE 127.0.0.1"):
             options.add_argument(word)
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         options.set_capability("unhandledPromptBehavior", "accept")
@@ -130,6 +131,17 @@ class Browser:
         self.driver.execute_cdp_cmd("Network.enable", {})
         self.driver.execute_cdp_cmd("Network.emulateNetworkConditions", {
             "offline": is_offline, "latency": 0, "downloadThroughput": -1, "uploadThroughput": -1})
+
+    def reached_through(self, interface):
+        """Makes the page believe that it is reached through this interface. Call it before open()."""
+        self.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
+            const fetched = window.fetch;
+            window.fetch = async (url, options) => {
+                const response = await fetched(url, options);
+                if (!response.ok || !/(session|login)$/.test(url)) { return response; }
+                const answer = {...await response.json(), reached_through: "%s"};
+                return new Response(JSON.stringify(answer), response);
+            };""" % interface})
 
     def open(self, place=""):
         self.driver.get(self.address + place)
@@ -226,14 +238,17 @@ class Browser:
 
     def apply(self, restart=False, window=None):
         """Applies the changes from the open review. Without restart nothing waits for tools."""
+        self.begin_to_apply(restart, window)
+        self.until(lambda: not self.all("dialog[open]"), "the dialog is closed", 600)
+        self.settings_shown()
+
+    def begin_to_apply(self, restart=False, window=None):
         box = self.by_id("restart-now")
         if box.is_displayed() and box.is_selected() != restart:
             box.click()
         if window is not None:
             Select(self.by_id("window")).select_by_value(str(window))
         self.press("Apply", "dialog")
-        self.until(lambda: not self.all("dialog[open]"), "the dialog is closed", 600)
-        self.settings_shown()
 
     def messages(self):
         return self.by_id("notices").text
