@@ -3,6 +3,7 @@
 
 // main.cpp - velk-sandbox: runs commands on a simulated device.
 #include <algorithm>
+#include <charconv>
 #include <clocale>
 #include <cstdint>
 #include <cstdio>
@@ -56,6 +57,17 @@ std::string CompletionFolder(const fs::path& program_folder) {
     return fs::is_directory(built, unseen)
                ? built
                : program_folder / "../share/bash-completion/completions";
+}
+
+uint16_t PortIn(const std::string& word) {
+    uint16_t port = 0;
+    const char* end = word.data() + word.size();
+    if (const auto parsed = std::from_chars(word.data(), end, port);
+        parsed.ec != std::errc() || parsed.ptr != end) {
+        throw sandbox::WrongUsage("--web: '" + word + "' is not a port",
+                                  "give a number up to 65535, or none for a free port");
+    }
+    return port;
 }
 
 // Returns the program next to this one, or the installed one.
@@ -206,8 +218,8 @@ void AddOptions(CLI::App& app, Request& request) {
            "With --real: start with the router disconnected")
         ->needs(real);
     app.add_flag("--quiet", session.quiet, "Print no message at the start");
-    app.add_option_function<uint16_t>(
-           "--web", [&session](uint16_t port) { session.web_port = port; },
+    app.add_option_function<std::string>(
+           "--web", [&session](const std::string& word) { session.web_port = PortIn(word); },
            "Serve the settings page on a port of 127.0.0.1")
         ->type_name("[PORT]")
         ->expected(0, 1)

@@ -154,7 +154,7 @@ again_as_ordinary_user() { # again_as_ordinary_user FILE
     lib_copy=$lib_folder/copy
     mkdir -p "$lib_copy/tests/device"
     for lib_file in velk-sandbox velkctl wland libvelk.so.1 libvelk.so rootfs stand-ins \
-        completion; do
+        completion velk-web web-page; do
         cp -RP "$VELK_BUILD/$lib_file" "$lib_copy" || exit
     done
     cp "$VELK_SOURCE"/tests/device/*.sh "$1" "$lib_copy/tests/device"

@@ -15,6 +15,7 @@
 
 #include "lib/base/unique_fd.h"
 #include "web/server/jobs.h"
+#include "web/server/log.h"
 #include "web/server/login_limit.h"
 #include "web/server/reached_through.h"
 #include "web/server/run_folder.h"
@@ -98,8 +99,7 @@ Answer RunAsJob(const Session& session, const Planned& planned) {
     if (planned.trouble) {
         return Malformed(*planned.trouble);
     }
-    syslog(LOG_AUTHPRIV | LOG_NOTICE, "%s begins: velkctl %s", session.user.c_str(),
-           planned.run.words.front().c_str());
+    Log(LOG_NOTICE, session.user + " begins: velkctl " + planned.run.words.front());
     return BeginJob(session.user, planned.run);
 }
 
@@ -123,8 +123,8 @@ std::optional<Credentials> CredentialsIn(const Json& body) {
 // A name that does not exist is not logged: it may be a password in the wrong field.
 void LogFailure(const std::vector<User>& users, const Credentials& given, const Request& request) {
     const bool is_user = FindUser(users, given.user) != nullptr;
-    syslog(LOG_AUTHPRIV | LOG_WARNING, "login of %s from %s failed",
-           is_user ? given.user.c_str() : "an unknown user", request.address.c_str());
+    const std::string user = is_user ? given.user : "an unknown user";
+    Log(LOG_WARNING, "login of " + user + " from " + request.address + " failed");
 }
 
 Answer WrongCredentials() {
@@ -151,8 +151,7 @@ Answer BeginSessionFor(const User& user, const Request& request) {
         return ErrorAnswer(500, {.message = "the session could not be written"});
     }
     ForgetFailures(request.address);
-    syslog(LOG_AUTHPRIV | LOG_INFO, "%s logged in from %s", user.name.c_str(),
-           request.address.c_str());
+    Log(LOG_INFO, user.name + " logged in from " + request.address);
     Answer answer = SessionAnswer(*session, request);
     answer.headers.push_back(Cookie(session->id, ""));
     return answer;

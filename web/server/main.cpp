@@ -11,12 +11,12 @@
 #include <vector>
 
 #include <sys/stat.h>
-#include <syslog.h>
 #include <unistd.h>
 
 #include "lib/base/file_io.h"
 #include "web/server/answer.h"
 #include "web/server/api.h"
+#include "web/server/log.h"
 #include "web/server/request.h"
 #include "web/server/set_password.h"
 
@@ -52,10 +52,12 @@ int Serve(const velkweb::Variables& variables) {
     (void)signal(SIGPIPE, SIG_IGN);
     (void)alarm(kRequestSeconds);
     (void)umask(077);
-    openlog("velk-web", LOG_PID, LOG_AUTHPRIV);
     const velkweb::Answer answer = AnswerOf(variables);
     (void)alarm(kAnswerSeconds);
-    return velk::WriteAll(STDOUT_FILENO, velkweb::CgiText(answer)) ? EXIT_SUCCESS : EXIT_FAILURE;
+    const bool is_written = velk::WriteAll(STDOUT_FILENO, velkweb::CgiText(answer));
+    (void)close(STDOUT_FILENO);
+    velkweb::WriteLog();
+    return is_written ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int RunCommandLine(const std::vector<std::string>& words) {
