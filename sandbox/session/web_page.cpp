@@ -69,8 +69,7 @@ void CheckInstalled(const WebPage& page) {
 
 // Other users of the machine reach its loopback interface, too.
 std::string NewPassword() {
-    constexpr char kLetters[] =
-        "abcdefghijkmnpqrstuvwxyz23456789";  // no two look alike
+    constexpr char kLetters[] = "abcdefghijkmnpqrstuvwxyz23456789";
     std::array<unsigned char, 12> random{};
     if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) {
         Fail("cannot make a password", errno);
