@@ -19,6 +19,7 @@ import sys
 # Compiled into the programs, as they are headers alone: package, licence, copyright.
 COMPILED_IN = {
     "velk-tools": [("nlohmann-json3-dev", "MIT", "2013-2022 Niels Lohmann")],
+    "velk-web": [("nlohmann-json3-dev", "MIT", "2013-2022 Niels Lohmann")],
     "velk-sandbox": [("libcli11-dev", "BSD-3-Clause", "2017-2021 University of Cincinnati")],
 }
 

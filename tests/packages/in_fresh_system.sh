@@ -19,7 +19,7 @@ apt() {
 }
 installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'velk-*' python3-velk 2>/dev/null | LC_ALL=C sort; }
 all_at() { # all_at VERSION
-    printf "%s $1 install ok installed\n" libvelk-dev libvelk1 python3-velk velk-sandbox velk-tools
+    printf "%s $1 install ok installed\n" libvelk-dev libvelk1 python3-velk velk-sandbox velk-tools velk-web
 }
 # All files of the system, without the records and caches of apt and dpkg.
 files() {
@@ -55,8 +55,16 @@ gcc -std=c99 -Wall -Werror -o /tmp/client c99_client.c $(pkg-config --cflags --l
 check 'a C program' 0 $?
 
 : >/var/tmp/vklib_lock
-apt remove libvelk1 libvelk-dev velk-tools velk-sandbox python3-velk
-apt purge libvelk1 velk-tools # those of which something is left
+echo secret | velk-web --set-password admin
+check 'the file of the passwords' '640 root velk-web' "$(stat -c '%a %U %G' /etc/velk/web-users)"
+check 'the rules for sudo' '440 root root' "$(stat -c '%a %U %G' /etc/sudoers.d/velk-web)"
+runuser -u velk-web -- sudo -n -l -- /usr/bin/velkctl list --json >/dev/null
+check 'a run of velkctl as velk-web' 0 $?
+page=$(velk-sandbox --quiet --web -- true 2>&1)
+grep -q '^velk-sandbox: settings page: http://127.0.0.1:[0-9]*/$' <<<"$page" || check 'velk-sandbox --web' 'its address' "$page"
+
+apt remove libvelk1 libvelk-dev velk-tools velk-web velk-sandbox python3-velk
+apt purge libvelk1 velk-tools velk-web # those of which something is left
 check 'packages after the purge' '' "$(installed)"
 check 'files after the purge' '' "$(files | diff /tmp/before -)"
 finish && echo 'the packages install, run, upgrade and go without a trace'

@@ -12,7 +12,7 @@ EXTERNALSRC = "${VELK_CHECKOUT}"
 PACKAGECONFIG ??= "tools"
 PACKAGECONFIG[tools] = "-DVELK_TOOLS=ON,-DVELK_TOOLS=OFF,nlohmann-json"
 # The library is inside velkctl, too, which then starts in half of the time.
-EXTRA_OECMAKE = "-DVELKCTL_STATIC=ON -DBUILD_TESTING=OFF -DVELK_SANDBOX=OFF -DVELK_CCACHE=OFF -DCMAKE_SKIP_INSTALL_RPATH=ON"
+EXTRA_OECMAKE = "-DVELKCTL_STATIC=ON -DBUILD_TESTING=OFF -DVELK_SANDBOX=OFF -DVELK_WEB=OFF -DVELK_CCACHE=OFF -DCMAKE_SKIP_INSTALL_RPATH=ON"
 
 PACKAGES =+ "velk-tools"
 FILES:velk-tools = "${bindir}/velkctl ${datadir}/bash-completion ${datadir}/zsh ${nonarch_libdir}/systemd"
