@@ -11,6 +11,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/machine.h"
 #include "support/paths.h"
 
 namespace {
@@ -57,10 +58,13 @@ constexpr char kIfconfig[] =
     "          inet addr:10.0.0.77  Bcast:10.0.0.255  Mask:255.255.128.0\n"
     "\n";
 
-constexpr char kRoutes[] =
+const std::string kRoutes =
     "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n"
-    "eth0\t00000000\tFE00A8C0\t0003\t0\t0\t0\t00000000\t0\t0\t0\n"
-    "eth1\t00000000\tFE00000A\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
+    "eth0\t00000000\t" +
+    testkit::RouteNumber("FE00A8C0") +
+    "\t0003\t0\t0\t0\t00000000\t0\t0\t0\n"
+    "eth1\t00000000\t" +
+    testkit::RouteNumber("FE00000A") + "\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
 
 class InterfacesReaderTest : public testkit::DeviceTest {
   protected:

@@ -9,6 +9,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
+#include "support/machine.h"
 #include "support/paths.h"
 
 namespace {
@@ -126,7 +127,7 @@ TEST_F(RestartTest, AWirelessRestartWithTheCableOutRunsIfupAndNotifiesTheDaemon)
     EXPECT_THAT(Story(), ElementsAre("system sudo ifdown eth1", "sleep 1", kAskLink, kRemove,
                                      "system sudo ifup eth1 &"));
     ASSERT_THAT(TypesSentToDaemon(), ElementsAre(1));
-    EXPECT_EQ(daemon.requests()[0], std::string("\1", 1) + std::string(239, '\0'));
+    EXPECT_EQ(daemon.requests()[0], testkit::ShortBytes(1) + std::string(238, '\0'));
     EXPECT_EQ(libc().Order({Call::kSystem, Call::kSendto}).back(), "sendto")
         << "the daemon is told when the interface is on its way up";
 }

@@ -11,6 +11,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_shell.h"
+#include "support/machine.h"
 #include "support/paths.h"
 #include "unit/lib/wired/named.h"
 
@@ -21,6 +22,7 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
 using testkit::Named;
+using testkit::RouteNumber;
 
 constexpr char kTable[] = "/var/tmp/route";
 const std::string kHeader =
@@ -29,7 +31,8 @@ const std::string kHeader =
 // One line of the routing table.
 std::string Route(const std::string& interface, const std::string& destination,
                   const std::string& gateway) {
-    return interface + "\t" + destination + "\t" + gateway + "\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
+    return interface + "\t" + destination + "\t" + RouteNumber(gateway) +
+           "\t0003\t0\t0\t0\t00000000\t0\t0\t0\n";
 }
 
 class GatewayTest : public testkit::DeviceTest {
@@ -80,9 +83,10 @@ TEST_F(GatewayTest, RoutesToNetworksDoNotCount) {
 }
 
 TEST_F(GatewayTest, FlagsMetricAndMaskDoNotMatter) {
-    EXPECT_EQ(GetFrom(kHeader + "eth0\t00000000\t0100A8C0\t0000\t0\t0\t200\t00FFFFFF\t0\t0\t0\n" +
-                      Route("eth0", "00000000", "FE00000A")),
-              "192.168.0.1");
+    EXPECT_EQ(
+        GetFrom(kHeader + "eth0\t00000000\t" + RouteNumber("0100A8C0") +
+                "\t0000\t0\t0\t200\t00FFFFFF\t0\t0\t0\n" + Route("eth0", "00000000", "FE00000A")),
+        "192.168.0.1");
 }
 
 TEST_F(GatewayTest, AnAliasCountsForItsInterface) {

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include "support/machine.h"
 #include "unit/lib/wlan/bytes.h"
 #include "velk/request.h"
 #include "velk/wlan.h"
@@ -274,7 +275,7 @@ TEST_P(WepKeyTest, AShorterKeyLeavesTheTailOfAnOlderOne) {
     ASSERT_EQ(SetWepKey(conf, GetParam(), "abcdefghijklm"), 0);
     ASSERT_EQ(SetWepKey(conf, GetParam(), "12345"), 0);
     EXPECT_EQ(Bytes(conf).substr(Slot() + 2, 13), "12345fghijklm");
-    EXPECT_EQ(Bytes(conf).substr(Slot(), 2), std::string("\5\0", 2));
+    EXPECT_EQ(Bytes(conf).substr(Slot(), 2), testkit::ShortBytes(5));
 }
 
 INSTANTIATE_TEST_SUITE_P(Keys, WepKeyTest, testing::Values(1, 2, 3, 4));

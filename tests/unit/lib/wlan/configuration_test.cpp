@@ -10,6 +10,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "support/machine.h"
 #include "unit/lib/wlan/bytes.h"
 
 namespace {
@@ -21,6 +22,7 @@ using testkit::Call;
 using testkit::Data;
 using testkit::MakeRequest;
 using testkit::Return;
+using testkit::ShortBytes;
 
 SMsgConf SampleConf() {
     SMsgConf conf;
@@ -83,7 +85,7 @@ TEST_F(ConfigurationTest, ASetChangesItsFieldAndNoOtherByte) {
     expected.channel = 11;
     EXPECT_EQ(Bytes(daemon.conf()), Bytes(expected));
     EXPECT_THAT(daemon.types(), ElementsAre(3, 2));
-    EXPECT_EQ(daemon.requests()[1], std::string("\2\0\0\0", 4) + Bytes(expected));
+    EXPECT_EQ(daemon.requests()[1], ShortBytes(2) + std::string(2, '\0') + Bytes(expected));
 }
 
 TEST_F(ConfigurationTest, SetsEachField) {
@@ -197,7 +199,7 @@ TEST_F(ConfigurationTest, AnIdThatIsNoFieldSendsTheRecordBackUnchanged) {
     EXPECT_EQ(SetWlanConf(MakeRequest(VELK_SET, 313, "eth1", "x"), nullptr), 0);
     daemon.Stop();
     EXPECT_THAT(daemon.types(), ElementsAre(3, 2));
-    EXPECT_EQ(daemon.requests()[1], std::string("\2\0\0\0", 4) + Bytes(SampleConf()));
+    EXPECT_EQ(daemon.requests()[1], ShortBytes(2) + std::string(2, '\0') + Bytes(SampleConf()));
 }
 
 TEST_F(ConfigurationTest, ASetNeedsNoOutput) {

@@ -13,6 +13,7 @@
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
+#include "support/machine.h"
 #include "support/mounted.h"
 #include "support/paths.h"
 #include "velk.h"
@@ -24,6 +25,7 @@ using testing::IsEmpty;
 using testkit::Call;
 using testkit::Fail;
 using testkit::Return;
+using testkit::ShortBytes;
 
 class QueryTest : public testkit::DeviceTest {
   protected:
@@ -46,8 +48,7 @@ TEST_F(QueryTest, AsksAndGetsTheAnswer) {
     memset(&out, 0xEE, sizeof(out));
     EXPECT_EQ(velk::QueryWlanDaemon(VELK_WLAN_REPORT, out), 0);
     EXPECT_EQ(out.conf.channel, 11);
-    EXPECT_THAT(daemon.requests(),
-                ElementsAre(std::string("\3\0\0\0", 4) + std::string(236, '\0')));
+    EXPECT_THAT(daemon.requests(), ElementsAre(ShortBytes(3) + std::string(238, '\0')));
     EXPECT_THAT(Order(), ElementsAre("sem_open", "sendto", "sem_post", "recvfrom", "sem_close",
                                      "sem_unlink"));
     EXPECT_FALSE(testkit::Exists(testkit::kReplySocket));

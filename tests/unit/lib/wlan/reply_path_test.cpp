@@ -11,6 +11,7 @@
 
 #include "lib/base/paths.h"
 #include "support/device_test.h"
+#include "support/machine.h"
 
 namespace {
 
@@ -65,7 +66,8 @@ TEST_F(ReplyPathTest, AFolderThatIsNotEmptyIsLogged) {
         GTEST_SKIP() << "only root may give files away";
     }
     EXPECT_FALSE(velk::ClearReplyPath());
-    EXPECT_THAT(libc().Logs(), ElementsAre("QueryWlanDaemon remove errno=39:Directory not empty"));
+    EXPECT_THAT(libc().Logs(), ElementsAre("QueryWlanDaemon remove " +
+                                           testkit::ErrnoText(ENOTEMPTY) + ":Directory not empty"));
     EXPECT_EQ(unlink(file.c_str()) + rmdir(velk::kReplySocket), 0);
 }
 

@@ -9,6 +9,7 @@
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "support/fake_shell.h"
+#include "support/machine.h"
 #include "support/paths.h"
 
 namespace {
@@ -19,6 +20,7 @@ using testkit::Call;
 using testkit::Data;
 using testkit::MakeRequest;
 using testkit::Return;
+using testkit::ShortBytes;
 
 constexpr char kEthtool[] = "sudo /usr/sbin/ethtool eth0";
 
@@ -67,7 +69,7 @@ TEST_F(StateTest, GetsEachFact) {
     EXPECT_EQ(Get(305), Padded("\2"));
     EXPECT_EQ(Get(315), Padded(std::string("\x36\0\0\x01", 4)));
     EXPECT_EQ(Get(316), Padded("001D73AA0BFF"));
-    EXPECT_EQ(Get(317), Padded("\x02\x01\xC4\xFF"));
+    EXPECT_EQ(Get(317), Padded(ShortBytes(0x0102) + ShortBytes(0xFFC4)));
     daemon.Stop();
     EXPECT_EQ(daemon.types(), std::vector<int>(7, 4));
 }
@@ -192,7 +194,7 @@ TEST(StateFacts, RawFactsWriteTheirBytesAlone) {
     EXPECT_EQ(std::string(out, 8), std::string("\x36\0\0\x01xxxx", 8));
     memset(out, 'x', sizeof(out));
     EXPECT_EQ(GetSignal(state, out), 0);
-    EXPECT_EQ(std::string(out, 8), "\x02\x01\xC4\xFFxxxx");
+    EXPECT_EQ(std::string(out, 8), ShortBytes(0x0102) + ShortBytes(0xFFC4) + "xxxx");
 }
 
 }  // namespace

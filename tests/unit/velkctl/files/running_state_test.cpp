@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/device_test.h"
+#include "support/machine.h"
 #include "velkctl/files/dhcp_client.h"
 #include "velkctl/files/running_gateway.h"
 
@@ -19,8 +20,9 @@ using velkctl::LeaseIn;
 using velkctl::RunningGateway;
 
 TEST(GatewayIn, ReadsTheDefaultRouteOfTheInterface) {
-    EXPECT_EQ(GatewayIn("eth0\t00000000\t0100A8C0\t0003\t0\n", "eth0"), "192.168.0.1");
-    EXPECT_EQ(GatewayIn("eth0\t00000000\t0100A8C0\t0003\t0\n", "eth1"), "");
+    const std::string route = "eth0\t00000000\t" + testkit::RouteNumber("0100A8C0") + "\t0003\t0\n";
+    EXPECT_EQ(GatewayIn(route, "eth0"), "192.168.0.1");
+    EXPECT_EQ(GatewayIn(route, "eth1"), "");
     EXPECT_EQ(GatewayIn("eth0\t0000A8C0\t00000000\t0001\t0\n", "eth0"), "");
     EXPECT_EQ(GatewayIn("eth0\t00000000\n", "eth0"), "");
     EXPECT_EQ(GatewayIn("", "eth0"), "");

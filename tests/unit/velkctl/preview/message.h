@@ -5,16 +5,18 @@
 #ifndef TESTS_UNIT_VELKCTL_PREVIEW_MESSAGE_H_
 #define TESTS_UNIT_VELKCTL_PREVIEW_MESSAGE_H_
 
+#include <cstdint>
 #include <string>
 
+#include "support/machine.h"
 #include "velk.h"
 
 namespace testkit {
 
 // A message of 240 bytes with this body.
-inline std::string Message(char type, char body = '\0') {
+inline std::string Message(uint16_t type, char body = '\0') {
     std::string message(4 + sizeof(SMsgConf), body);
-    message.replace(0, 4, {type, '\0', '\0', '\0'});
+    message.replace(0, 4, ShortBytes(type) + std::string(2, '\0'));
     return message;
 }
 
