@@ -3,8 +3,8 @@
 
 // dns.cpp - prints the DNS servers, or sets them: dns [ADDRESS...]
 #include <cstdio>
-#include <cstring>
 #include <span>
+#include <string_view>
 
 #include <arpa/inet.h>
 #include <velk.h>
@@ -55,7 +55,8 @@ int SetServers(std::span<char*> servers) {
             (void)fprintf(stderr, "dns: '%s' is not an IPv4 address\n", server);
             return 2;
         }
-        (void)strcpy(slot, server);  // the longest address, 255.255.255.255, fills a slot
+        // The longest address, 255.255.255.255, fills a slot.
+        (void)std::string_view(server).copy(slot, VELK_DNS_SLOT_SIZE);
         slot += VELK_DNS_SLOT_SIZE;
     }
     _velk_request response{};
