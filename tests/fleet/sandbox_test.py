@@ -118,6 +118,45 @@ class FleetTest(unittest.TestCase):
         run = self.run_tasks(doctor + "    fail_on: never\n", "-l", device.name)
         self.assertEqual(run.of("ok")[device.name]["problems"], 1)
 
+    def test_8_a_restart_changes_a_device_that_differs(self):
+        device = self.fleet.devices[6]
+        device.run("velk-sandbox adapter out")
+        restart = "- name: Restart\n  velk.device.restart:\n    interface: eth0\n    only_if_differs: true\n"
+        run = self.run_tasks(restart, "-l", device.name)
+        self.assertFalse(run.of("ok")[device.name]["changed"], run.output)
+        device.run("sed -i s/192.168.0.10/192.168.0.77/ /etc/network/interfaces")
+        checked = self.run_tasks(restart, "-l", device.name, "--check")
+        self.assertEqual(checked.changed(), [device.name], checked.output)
+        run = self.run_tasks(restart, "-l", device.name)
+        self.assertTrue(run.of("ok")[device.name]["changed"], run.output)
+        self.assertEqual(
+            run.of("ok")[device.name]["state"], {"up": True, "address": "192.168.0.77", "source": "static"}
+        )
+        self.assertFalse(self.run_tasks(restart, "-l", device.name).of("ok")[device.name]["changed"])
+
+    def test_9_a_change_is_confirmed_or_put_back(self):
+        device = self.fleet.devices[7]
+        device.run("velk-sandbox adapter out")
+        confirm = "- name: Confirm\n  velk.device.confirm:\n"
+        revert = confirm + "    state: reverted\n"
+
+        def apply(address, *tasks):
+            settings = kit.settings_task({"eth0.address": address, "ntp": False}, confirm_within=300)
+            return self.run_tasks(settings + "".join(tasks), "-l", device.name)
+
+        run = apply("192.168.0.20", confirm)
+        self.assertEqual(run.of("ok", "Apply")[device.name]["state"], "waiting", run.output)
+        self.assertEqual(run.of("ok", "Confirm")[device.name]["state"], "confirmed")
+        self.assertEqual((device.value("eth0.address"), device.value("ntp")), ("192.168.0.20", "off"))
+        run = apply("192.168.0.30", revert, revert)
+        self.assertEqual([row["result"]["changed"] for row in run.results], [True, True, False], run.output)
+        self.assertEqual(device.value("eth0.address"), "192.168.0.20")
+        run = self.run_tasks(confirm, "-l", device.name)
+        self.assertRegex(
+            run.failed()[device.name]["msg"],
+            r"^confirm: change \w{4} of \d\d:\d\d has been put back; 'velkctl revert' has asked for it$",
+        )
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)

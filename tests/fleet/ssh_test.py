@@ -104,6 +104,8 @@ class SshTest(unittest.TestCase):
         run = self.run_tasks(tasks, "-vvvvv", "--diff", "-l", self.fleet.names()[0], ANSIBLE_DEBUG="1")
         self.assertIn("eth1.psk", run.failed()[self.fleet.names()[0]]["msg"])
         self.assertIn("SSH: EXEC", run.output)
+        # A device that falls silent is given up after 210 s.
+        self.assertIn("ServerAliveInterval=5 -o ServerAliveCountMax=42", run.output)
         self.assertNotIn(kit.KEY, run.output)
 
     def test_4_a_device_sent_to_a_wrong_network_is_back_by_itself(self):

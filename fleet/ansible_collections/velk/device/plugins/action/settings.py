@@ -6,7 +6,7 @@
 from ansible.errors import AnsibleConnectionFailure
 from ansible_collections.velk.device.plugins.plugin_utils.catalogue import SETTINGS
 from ansible_collections.velk.device.plugins.plugin_utils.checks import Problem, checked_setting
-from ansible_collections.velk.device.plugins.plugin_utils.connection import end_dead_connections
+from ansible_collections.velk.device.plugins.plugin_utils.connection import connect_anew
 from ansible_collections.velk.device.plugins.plugin_utils.velkctl import (
     TIME_ARGUMENTS,
     DeviceAction,
@@ -42,7 +42,7 @@ class ActionModule(DeviceAction):
 
     def _apply_guarded(self, words, document):
         # A device that cannot be reached is found before the change is sent.
-        end_dead_connections(self._connection)
+        connect_anew(self._connection)
         self.checked(["pending"])
         try:
             return self._result(self.velkctl(words, document))
