@@ -45,6 +45,26 @@ class FleetTest(unittest.TestCase):
         self.assertIn("+eth1.psk: (new secret)\n", run.output)
         self.assertEqual([device.run(kit.ALL_FILES) for device in self.fleet.devices], before)
 
+    def test_2_check_mode_needs_no_namespaces(self):
+        device = self.fleet.devices[8]
+        # A process in another root folder may make none.
+        device.run(
+            "mount --rbind / /mnt && printf '%s\\n' '#!/bin/sh' "
+            f"'exec chroot /mnt setpriv --bounding-set=-all --inh-caps=-all {kit.BUILD}/velkctl \"$@\"' "
+            ">/run/limited && chmod +x /run/limited"
+        )
+        tasks = kit.settings_task(SETTINGS, restart="never")
+        words = ["--check", "-l", device.name, "-e", "velk_device_program=/run/limited"]
+        run = self.run_tasks(tasks, *words)
+        self.assertEqual(run.changed(), [device.name], run.output)
+        warning = "The device cannot preview changes of files, because its kernel refuses namespaces."
+        self.assertEqual(run.of("ok")[device.name]["warnings"], [warning])
+        self.assertEqual(device.value("eth0.dns"), "192.168.0.1 192.168.0.2")
+        self.run_tasks(tasks, "-l", device.name)
+        run = self.run_tasks(tasks, *words)
+        self.assertEqual((run.changed(), run.of("ok")[device.name].get("warnings")), ([], None), run.output)
+        device.run("velkctl undo --quiet")
+
     def test_3_the_second_run_changes_nothing(self):
         tasks = kit.settings_task(ALSO_SECRET, restart="never")
         first = self.run_tasks(tasks)

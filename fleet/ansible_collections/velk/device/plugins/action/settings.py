@@ -92,7 +92,7 @@ class ActionModule(DeviceAction):
     def _result(self, answer):
         members = {key: answer[key] for key in ("changes", "skipped", "restarts", "id", "state") if key in answer}
         members["notes"] = answer["notes"]
-        is_preview_missing = self._task.check_mode and "changes" in answer and "preview" not in answer
+        is_preview_missing = self._task.check_mode and "changes" in answer and lacks_namespaces(answer)
         if answer["status"] != 0 and not is_preview_missing:
             raise Failure(errors_text(answer), changed=False, **{**members, **failure_members(answer)})
         if is_preview_missing:
@@ -101,6 +101,10 @@ class ActionModule(DeviceAction):
         if self._task.diff:
             members["diff"] = [settings_diff(answer["changes"])] + file_diffs(answer.get("preview"))
         return members
+
+
+def lacks_namespaces(answer):
+    return any("refuses namespaces" in error["message"] for error in answer["errors"])
 
 
 def shown(name, value, which):
