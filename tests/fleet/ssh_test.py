@@ -147,7 +147,7 @@ class SshTest(unittest.TestCase):
     def test_6_the_next_run_moves_the_others(self):
         moved = {d.name: a for d, a in zip(self.fleet.devices, self.addresses()) if a != OLD_ADDRESS}
         self.write_inventory(moved)
-        run = kit.playbook(PLAYBOOKS / "move.yml", self.inventory, forks=10)
+        run = kit.playbook(PLAYBOOKS / "move.yml", self.inventory, "-e", "at_a_time=100%", forks=COUNT)
         self.assertEqual(run.status, 0, run.output)
         self.assertEqual(len(run.changed("Apply the new address")), COUNT - len(moved))
         self.assertEqual(self.addresses(), [new_address(number) for number in range(1, COUNT + 1)])
@@ -164,6 +164,14 @@ class SshTest(unittest.TestCase):
         names = self.fleet.names()
         expected = [f"{name},yes,{new_address(n)},yes,0,2" for n, name in enumerate(names[:-1], 1)]
         self.assertEqual(lines[1:], expected + [f"{names[-1]},no,,,,"])
+
+    def test_8_a_dead_device_stops_its_quarter_before_a_change(self):
+        dead = self.fleet.names()[-1]
+        run = kit.playbook(PLAYBOOKS / "move.yml", self.inventory, "-e", "at_a_time=100%", forks=10)
+        self.assertNotEqual(run.status, 0)
+        self.assertEqual(list(run.of("unreachable")), [dead], run.output)
+        self.assertIn(f"no device named {dead} is running", run.of("unreachable")[dead]["msg"])
+        self.assertEqual(run.of("ok", "Apply the new address"), {})
 
 
 if __name__ == "__main__":
