@@ -5,6 +5,7 @@
 
 """Twenty simulated devices, over the connection of the sandbox."""
 
+import json
 import unittest
 
 import kit
@@ -48,11 +49,9 @@ class FleetTest(unittest.TestCase):
     def test_2_check_mode_needs_no_namespaces(self):
         device = self.fleet.devices[8]
         # A process in another root folder may make none.
-        device.run(
-            "mount --rbind / /mnt && printf '%s\\n' '#!/bin/sh' "
-            f"'exec chroot /mnt setpriv --bounding-set=-all --inh-caps=-all {kit.BUILD}/velkctl \"$@\"' "
-            ">/run/limited && chmod +x /run/limited"
-        )
+        limits = "setpriv --bounding-set=-all --inh-caps=-all"
+        device.run("mount --rbind / /mnt")
+        device.write_program("/run/limited", f'exec chroot /mnt {limits} {kit.BUILD}/velkctl "$@"')
         tasks = kit.settings_task(SETTINGS, restart="never")
         words = ["--check", "-l", device.name, "-e", "velk_device_program=/run/limited"]
         run = self.run_tasks(tasks, *words)
@@ -126,6 +125,28 @@ class FleetTest(unittest.TestCase):
             run.failed()[self.fleet.names()[4]]["msg"],
             "/nowhere/velkctl is not on the device; fix: install the package velk-tools on it, or set "
             "velk_device_program to its path",
+        )
+
+    def test_6_a_change_that_is_left_in_part_is_a_change(self):
+        device = self.fleet.devices[4]
+        error = {"message": "apply: eth0.dns was not put back", "detail": "why", "remedy": "do so", "setting": None}
+        answer = {
+            "schema": 3, "verb": "apply", "status": 9, "notes": [], "errors": [error],
+            "changes": [{"name": "eth0.dns", "old": [], "new": ["10.0.0.1"]}],
+        }
+        device.write_program("/run/fake", kit.shell("echo", json.dumps(answer)))
+        tasks = kit.settings_task({"eth0.dns": ["10.0.0.1"]})
+        failed = self.run_tasks(tasks, "-l", device.name, "-e", "velk_device_program=/run/fake").failed()[device.name]
+        self.assertEqual(failed["msg"], "apply: eth0.dns was not put back; why; fix: do so")
+        self.assertEqual((failed["changed"], failed["status"]), (True, 9))
+
+    def test_6_a_program_that_is_not_velkctl_fails(self):
+        run = self.run_tasks(
+            "- name: Facts\n  velk.device.facts:\n", "-e", "velk_device_program=/bin/echo", "-l", "*-05"
+        )
+        self.assertEqual(
+            run.failed()[self.fleet.names()[4]]["msg"],
+            "velkctl printed no JSON document, exit status 0: show --json",
         )
 
     def test_7_the_doctor_fails_on_problems_alone(self):

@@ -16,6 +16,7 @@ from ansible_collections.velk.device.plugins.plugin_utils.velkctl import (
     time_words,
 )
 
+TAKEN_BACK_IN_PART = 9
 CONNECTION_LOST = (
     "The connection ended before velkctl had answered, as it does if the change moves the device to another "
     "address. The device takes the change back unless velk.device.confirm reaches it in time."
@@ -94,7 +95,8 @@ class ActionModule(DeviceAction):
         members["notes"] = answer["notes"]
         is_preview_missing = self._task.check_mode and "changes" in answer and lacks_namespaces(answer)
         if answer["status"] != 0 and not is_preview_missing:
-            raise Failure(errors_text(answer), changed=False, **{**members, **failure_members(answer)})
+            is_part_left = answer["status"] == TAKEN_BACK_IN_PART
+            raise Failure(errors_text(answer), changed=is_part_left, **{**members, **failure_members(answer)})
         if is_preview_missing:
             members["warnings"] = [NO_PREVIEW]
         members["changed"] = bool(answer["changes"])
