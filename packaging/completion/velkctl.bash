@@ -239,6 +239,7 @@ _velkctl() {
         case $awaiting:$current in
             --restart:*) found=$(printf '%s\n' auto never eth0 eth1) ;;
             --only:*) found=$(_velkctl_pick interface any && _velkctl_pick name set) ;;
+            --output:*) found=$(_velkctl_documents "$current") ;;
             --text:@* | --hex:@*) found=$(_velkctl_files "${current#@}") ;;
             *) return 0 ;;
         esac

@@ -45,10 +45,14 @@ class Device:
         command = [SANDBOX, "--quiet", "--name", name, "--", "sh", "-c", f"{start}; exec sleep infinity"]
         self.process = subprocess.Popen(command, stdin=subprocess.DEVNULL, cwd=BUILD)
 
-    def run(self, command, check=True):
-        """Runs a line of the shell on the device and returns its output."""
+    def run(self, command, check=True, text=""):
+        """Runs a line of the shell on the device, with a text as its input, and returns its output."""
         arguments = [SANDBOX, "enter", "--name", self.name, "--", "sh", "-c", command]
-        return subprocess.run(arguments, input="", capture_output=True, text=True, check=check).stdout
+        return subprocess.run(arguments, input=text, capture_output=True, text=True, check=check).stdout
+
+    def write_program(self, path, line):
+        """Writes a script of one line on the device."""
+        self.run(f"cat >{path} && chmod +x {path}", text=f"#!/bin/sh\n{line}\n")
 
     def value(self, name):
         return self.run(f"velkctl get --value {name}").strip()

@@ -5,6 +5,7 @@
 
 """Twenty simulated devices, over the connection of the sandbox."""
 
+import json
 import unittest
 
 import kit
@@ -44,6 +45,24 @@ class FleetTest(unittest.TestCase):
         self.assertIn("-eth1.psk: (old secret)\n", run.output)
         self.assertIn("+eth1.psk: (new secret)\n", run.output)
         self.assertEqual([device.run(kit.ALL_FILES) for device in self.fleet.devices], before)
+
+    def test_2_check_mode_needs_no_namespaces(self):
+        device = self.fleet.devices[8]
+        # A process in another root folder may make none.
+        limits = "setpriv --bounding-set=-all --inh-caps=-all"
+        device.run("mount --rbind / /mnt")
+        device.write_program("/run/limited", f'exec chroot /mnt {limits} {kit.BUILD}/velkctl "$@"')
+        tasks = kit.settings_task(SETTINGS, restart="never")
+        words = ["--check", "-l", device.name, "-e", "velk_device_program=/run/limited"]
+        run = self.run_tasks(tasks, *words)
+        self.assertEqual(run.changed(), [device.name], run.output)
+        warning = "The device cannot preview changes of files, because its kernel refuses namespaces."
+        self.assertEqual(run.of("ok")[device.name]["warnings"], [warning])
+        self.assertEqual(device.value("eth0.dns"), "192.168.0.1 192.168.0.2")
+        self.run_tasks(tasks, "-l", device.name)
+        run = self.run_tasks(tasks, *words)
+        self.assertEqual((run.changed(), run.of("ok")[device.name].get("warnings")), ([], None), run.output)
+        device.run("velkctl undo --quiet")
 
     def test_3_the_second_run_changes_nothing(self):
         tasks = kit.settings_task(ALSO_SECRET, restart="never")
@@ -108,6 +127,28 @@ class FleetTest(unittest.TestCase):
             "velk_device_program to its path",
         )
 
+    def test_6_a_change_that_is_left_in_part_is_a_change(self):
+        device = self.fleet.devices[4]
+        error = {"message": "apply: eth0.dns was not put back", "detail": "why", "remedy": "do so", "setting": None}
+        answer = {
+            "schema": 3, "verb": "apply", "status": 9, "notes": [], "errors": [error],
+            "changes": [{"name": "eth0.dns", "old": [], "new": ["10.0.0.1"]}],
+        }
+        device.write_program("/run/fake", kit.shell("echo", json.dumps(answer)))
+        tasks = kit.settings_task({"eth0.dns": ["10.0.0.1"]})
+        failed = self.run_tasks(tasks, "-l", device.name, "-e", "velk_device_program=/run/fake").failed()[device.name]
+        self.assertEqual(failed["msg"], "apply: eth0.dns was not put back; why; fix: do so")
+        self.assertEqual((failed["changed"], failed["status"]), (True, 9))
+
+    def test_6_a_program_that_is_not_velkctl_fails(self):
+        run = self.run_tasks(
+            "- name: Facts\n  velk.device.facts:\n", "-e", "velk_device_program=/bin/echo", "-l", "*-05"
+        )
+        self.assertEqual(
+            run.failed()[self.fleet.names()[4]]["msg"],
+            "velkctl printed no JSON document, exit status 0: show --json",
+        )
+
     def test_7_the_doctor_fails_on_problems_alone(self):
         device = self.fleet.devices[5]
         doctor = "- name: Doctor\n  velk.device.doctor:\n"
@@ -117,6 +158,45 @@ class FleetTest(unittest.TestCase):
         self.assertEqual(run.failed()[device.name]["problems"], 1)
         run = self.run_tasks(doctor + "    fail_on: never\n", "-l", device.name)
         self.assertEqual(run.of("ok")[device.name]["problems"], 1)
+
+    def test_8_a_restart_changes_a_device_that_differs(self):
+        device = self.fleet.devices[6]
+        device.run("velk-sandbox adapter out")
+        restart = "- name: Restart\n  velk.device.restart:\n    interface: eth0\n    only_if_differs: true\n"
+        run = self.run_tasks(restart, "-l", device.name)
+        self.assertFalse(run.of("ok")[device.name]["changed"], run.output)
+        device.run("sed -i s/192.168.0.10/192.168.0.77/ /etc/network/interfaces")
+        checked = self.run_tasks(restart, "-l", device.name, "--check")
+        self.assertEqual(checked.changed(), [device.name], checked.output)
+        run = self.run_tasks(restart, "-l", device.name)
+        self.assertTrue(run.of("ok")[device.name]["changed"], run.output)
+        self.assertEqual(
+            run.of("ok")[device.name]["state"], {"up": True, "address": "192.168.0.77", "source": "static"}
+        )
+        self.assertFalse(self.run_tasks(restart, "-l", device.name).of("ok")[device.name]["changed"])
+
+    def test_9_a_change_is_confirmed_or_put_back(self):
+        device = self.fleet.devices[7]
+        device.run("velk-sandbox adapter out")
+        confirm = "- name: Confirm\n  velk.device.confirm:\n"
+        revert = confirm + "    state: reverted\n"
+
+        def apply(address, *tasks):
+            settings = kit.settings_task({"eth0.address": address, "ntp": False}, confirm_within=300)
+            return self.run_tasks(settings + "".join(tasks), "-l", device.name)
+
+        run = apply("192.168.0.20", confirm)
+        self.assertEqual(run.of("ok", "Apply")[device.name]["state"], "waiting", run.output)
+        self.assertEqual(run.of("ok", "Confirm")[device.name]["state"], "confirmed")
+        self.assertEqual((device.value("eth0.address"), device.value("ntp")), ("192.168.0.20", "off"))
+        run = apply("192.168.0.30", revert, revert)
+        self.assertEqual([row["result"]["changed"] for row in run.results], [True, True, False], run.output)
+        self.assertEqual(device.value("eth0.address"), "192.168.0.20")
+        run = self.run_tasks(confirm, "-l", device.name)
+        self.assertRegex(
+            run.failed()[device.name]["msg"],
+            r"^confirm: change \w{4} of \d\d:\d\d has been put back; 'velkctl revert' has asked for it$",
+        )
 
 
 if __name__ == "__main__":

@@ -104,6 +104,8 @@ class SshTest(unittest.TestCase):
         run = self.run_tasks(tasks, "-vvvvv", "--diff", "-l", self.fleet.names()[0], ANSIBLE_DEBUG="1")
         self.assertIn("eth1.psk", run.failed()[self.fleet.names()[0]]["msg"])
         self.assertIn("SSH: EXEC", run.output)
+        # A device that falls silent is given up after 210 s.
+        self.assertIn("ServerAliveInterval=5 -o ServerAliveCountMax=42", run.output)
         self.assertNotIn(kit.KEY, run.output)
 
     def test_4_a_device_sent_to_a_wrong_network_is_back_by_itself(self):
@@ -145,7 +147,7 @@ class SshTest(unittest.TestCase):
     def test_6_the_next_run_moves_the_others(self):
         moved = {d.name: a for d, a in zip(self.fleet.devices, self.addresses()) if a != OLD_ADDRESS}
         self.write_inventory(moved)
-        run = kit.playbook(PLAYBOOKS / "move.yml", self.inventory, forks=10)
+        run = kit.playbook(PLAYBOOKS / "move.yml", self.inventory, "-e", "at_a_time=100%", forks=COUNT)
         self.assertEqual(run.status, 0, run.output)
         self.assertEqual(len(run.changed("Apply the new address")), COUNT - len(moved))
         self.assertEqual(self.addresses(), [new_address(number) for number in range(1, COUNT + 1)])
@@ -162,6 +164,14 @@ class SshTest(unittest.TestCase):
         names = self.fleet.names()
         expected = [f"{name},yes,{new_address(n)},yes,0,2" for n, name in enumerate(names[:-1], 1)]
         self.assertEqual(lines[1:], expected + [f"{names[-1]},no,,,,"])
+
+    def test_8_a_dead_device_stops_its_quarter_before_a_change(self):
+        dead = self.fleet.names()[-1]
+        run = kit.playbook(PLAYBOOKS / "move.yml", self.inventory, "-e", "at_a_time=100%", forks=10)
+        self.assertNotEqual(run.status, 0)
+        self.assertEqual(list(run.of("unreachable")), [dead], run.output)
+        self.assertIn(f"no device named {dead} is running", run.of("unreachable")[dead]["msg"])
+        self.assertEqual(run.of("ok", "Apply the new address"), {})
 
 
 if __name__ == "__main__":

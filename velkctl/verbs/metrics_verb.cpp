@@ -124,7 +124,11 @@ void AppendStatesTo(const PartStates& states, Metrics& metrics) {
     metrics.push_back(LeaseMetric(states));
 }
 
+// Only its owner can read the journal. Without it, the metric is missing: 0 may be wrong.
 void AppendChange(Metrics& metrics) {
+    if (ReadJournal().error != 0) {
+        return;
+    }
     const std::optional<StoredEntry> stored = FindUnconfirmed();
     metrics.push_back({"velk_change_waiting",
                        "1 if a change waits for its confirmation, or is being made or put back.",

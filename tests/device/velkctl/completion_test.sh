@@ -70,11 +70,13 @@ eth0.method=
 /tmp/keys/psk
 (nothing)
 (nothing)'
-offered apply --restart '' -- import --only eth0.d -- import --only eth1.w -- diff --timeout ''
+offered apply --restart '' -- import --only eth0.d -- import --only eth1.w -- diff --timeout '' \
+    -- metrics --output /tmp/keys/w
 output_is 'auto never eth0 eth1
 eth0.dhcp-dns eth0.dns eth0.dhcp-notice
 eth1.wep-key-1 eth1.wep-key-2 eth1.wep-key-3 eth1.wep-key-4 eth1.wep-default-key
-(nothing)'
+(nothing)
+/tmp/keys/wep\ key'
 
 # ---- settings ---------------------------------------------------------------------------------
 it 'offers readable settings for get, also after other names'

@@ -94,6 +94,21 @@ error_is 'velkctl: /tmp/m/velk.prom: could not be written
   No space left on device
   fix: give a FILE in a folder that this user may write'
 
+if [ "$(id -u)" = 0 ]; then
+    it 'prints nothing about the journal to a user who may not read it'
+    on_device sh -c "mkdir -m 755 /run/programs
+        install -m 755 -t /run/programs $VELK_BUILD/velkctl $VELK_BUILD/libvelk.so.1"'
+        velkctl set eth0.dns 10.0.0.1 --quiet
+        velkctl metrics | grep -c velk_change_waiting
+        setpriv --reuid 65534 --regid 65534 --clear-groups env LD_LIBRARY_PATH=/run/programs \
+            /run/programs/velkctl metrics >/tmp/metrics
+        echo "$?"; grep -c velk_device /tmp/metrics; grep -c velk_change_waiting /tmp/metrics'
+    output_is '3
+0
+3
+0'
+fi
+
 it 'refuses a name that is no file'
 on_device velkctl metrics --output /dev/null
 status_is 2

@@ -6,7 +6,7 @@
 import time
 
 from ansible.errors import AnsibleConnectionFailure
-from ansible_collections.velk.device.plugins.plugin_utils.connection import use_address
+from ansible_collections.velk.device.plugins.plugin_utils.connection import connect_anew
 from ansible_collections.velk.device.plugins.plugin_utils.velkctl import DeviceAction, Failure
 
 VERBS = {"confirmed": "confirm", "reverted": "revert"}
@@ -28,7 +28,7 @@ class ActionModule(DeviceAction):
         while True:
             reason = "the change is still not in effect"
             for address in addresses:
-                use_address(self._connection, address)
+                connect_anew(self._connection, address)
                 try:
                     pending = self.checked(["pending"])["pending"]
                     if pending is None or pending["state"] == WAITING:

@@ -6,7 +6,7 @@
 from ansible.errors import AnsibleConnectionFailure
 from ansible_collections.velk.device.plugins.plugin_utils.catalogue import SETTINGS
 from ansible_collections.velk.device.plugins.plugin_utils.checks import Problem, checked_setting
-from ansible_collections.velk.device.plugins.plugin_utils.connection import end_dead_connections
+from ansible_collections.velk.device.plugins.plugin_utils.connection import connect_anew
 from ansible_collections.velk.device.plugins.plugin_utils.velkctl import (
     TIME_ARGUMENTS,
     DeviceAction,
@@ -16,6 +16,7 @@ from ansible_collections.velk.device.plugins.plugin_utils.velkctl import (
     time_words,
 )
 
+TAKEN_BACK_IN_PART = 9
 CONNECTION_LOST = (
     "The connection ended before velkctl had answered, as it does if the change moves the device to another "
     "address. The device takes the change back unless velk.device.confirm reaches it in time."
@@ -42,7 +43,7 @@ class ActionModule(DeviceAction):
 
     def _apply_guarded(self, words, document):
         # A device that cannot be reached is found before the change is sent.
-        end_dead_connections(self._connection)
+        connect_anew(self._connection)
         self.checked(["pending"])
         try:
             return self._result(self.velkctl(words, document))
@@ -92,15 +93,20 @@ class ActionModule(DeviceAction):
     def _result(self, answer):
         members = {key: answer[key] for key in ("changes", "skipped", "restarts", "id", "state") if key in answer}
         members["notes"] = answer["notes"]
-        is_preview_missing = self._task.check_mode and "changes" in answer and "preview" not in answer
+        is_preview_missing = self._task.check_mode and "changes" in answer and lacks_namespaces(answer)
         if answer["status"] != 0 and not is_preview_missing:
-            raise Failure(errors_text(answer), changed=False, **{**members, **failure_members(answer)})
+            is_part_left = answer["status"] == TAKEN_BACK_IN_PART
+            raise Failure(errors_text(answer), changed=is_part_left, **{**members, **failure_members(answer)})
         if is_preview_missing:
             members["warnings"] = [NO_PREVIEW]
         members["changed"] = bool(answer["changes"])
         if self._task.diff:
             members["diff"] = [settings_diff(answer["changes"])] + file_diffs(answer.get("preview"))
         return members
+
+
+def lacks_namespaces(answer):
+    return any("refuses namespaces" in error["message"] for error in answer["errors"])
 
 
 def shown(name, value, which):

@@ -7,6 +7,7 @@ import json
 import shlex
 
 from ansible.plugins.action import ActionBase
+from ansible_collections.velk.device.plugins.plugin_utils.connection import limit_silence
 
 # A command with standard input gets no terminal from ssh, which would add a carriage return to each line.
 NO_INPUT = b"\n"
@@ -29,13 +30,11 @@ class DeviceAction(ActionBase):
     TRANSFERS_FILES = False
     ARGUMENTS = {}
 
-    # Velkctl ends with this status although the verb has worked.
-    STATUS_OF_FINDINGS = None
-
     def run(self, tmp=None, task_vars=None):
         result = super().run(tmp, task_vars)
         self._program = (task_vars or {}).get("velk_device_program", "velkctl")
         arguments = self.validate_argument_spec(self.ARGUMENTS)[1]
+        limit_silence(self._connection)
         try:
             result.update(self.act(arguments))
         except Failure as failure:
