@@ -7,7 +7,7 @@ import { ConnectionLost, get, post, Refused, setToken } from "./api.js";
 import { review, setSession, tell, tellFailure } from "./changes.js";
 import { ask, byId, button, clearNotices, element, sleep } from "./dom.js";
 import { whenSessionEnds } from "./jobs.js";
-import { isWaiting, pollPending, setMine, whenEnded } from "./pending.js";
+import { isWaiting, pollPending, setMine, showLost, whenEnded } from "./pending.js";
 import * as settings from "./settings.js";
 import { texts } from "./texts.js";
 import { errorLines } from "./values.js";
@@ -55,7 +55,8 @@ function showLogin(reason) {
 
 function sessionEnded() {
     if (byId("login").hidden) {
-        showLogin(settings.unsavedCount() > 0 ? texts.loginKept : texts.loginAgain);
+        const again = settings.unsavedCount() > 0 ? texts.loginKept : texts.loginAgain;
+        showLogin(lastUser === null ? texts.loginHint : again);
     }
 }
 
@@ -173,6 +174,7 @@ function online() {
 
 // Shows the strip and tries again until the device answers.
 async function offline() {
+    showLost();
     if (!byId("offline").hidden) {
         return;
     }

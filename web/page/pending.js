@@ -3,7 +3,7 @@
 
 // pending.js - the panel of the change that waits for its confirmation, made here or in another browser.
 
-import { ConnectionLost, get } from "./api.js";
+import { get } from "./api.js";
 import { runAndReport, tell } from "./changes.js";
 import { button, byId, element } from "./dom.js";
 import { texts } from "./texts.js";
@@ -54,7 +54,8 @@ function tick() {
 }
 setInterval(tick, 1000);
 
-function showLost() {
+// Says in the panel that the connection is lost. Does nothing without a panel.
+export function showLost() {
     const lost = byId("pending-lost");
     if (lost === null || lost.children.length > 0) {
         return;
@@ -103,20 +104,13 @@ export function setMine(id, address) {
     mine = { id, address };
 }
 
-// Asks the device for a waiting change and shows it. Throws ConnectionLost, and shows it in the panel.
+// Asks the device for a waiting change and shows it. Throws ConnectionLost.
 export async function pollPending() {
     if (isBusy) {
         return;
     }
-    try {
-        const { pending } = await get("pending");
-        await update(pending ?? null);
-    } catch (error) {
-        if (error instanceof ConnectionLost && shown !== null) {
-            showLost();
-        }
-        throw error;
-    }
+    const { pending } = await get("pending");
+    await update(pending ?? null);
 }
 
 async function update(pending) {

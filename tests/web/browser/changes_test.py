@@ -26,6 +26,19 @@ class BusyTest(PageTest):
         browser.shows("1 setting is changed.")
         self.assertEqual(self.value("location"), "Cellar")
 
+    def test_a_change_that_fails_is_taken_back_and_the_cause_is_beside_the_setting(self):
+        browser = self.logged_in()
+        browser.fill("administrator", "Sam")
+        # DHCP does not give the DNS servers while the method is static.
+        browser.switch("eth0.dhcp-dns")
+        browser.review()
+        browser.apply(window="")
+        browser.shows("The change failed and was taken back. The device has its earlier settings.")
+        self.assertIn("eth0.dhcp-dns: the library reported success, but the device holds 'off'\n"
+                      "likely cause: /etc/dhclient.conf:", browser.problem("eth0.dhcp-dns"))
+        self.assertNotEqual(self.value("administrator"), "Sam")
+        browser.shows("Unsaved changes: 2")
+
     def test_a_change_without_difference_says_so(self):
         browser = self.logged_in()
         browser.fill("administrator", "Kim")

@@ -70,6 +70,17 @@ class LoginTest(PageTest):
         browser.shows("1 setting is changed.")
         self.assertEqual(self.value("location"), "Garden")
 
+    def test_z_a_page_that_finds_no_device_waits_for_it(self):
+        browser = self.browser()
+        browser.open()
+        browser.one("#login")
+        browser.offline(True)
+        self.enter(browser, self.device.user, self.device.password)
+        browser.shows("No connection to the device.")
+        browser.offline(False)
+        self.enter(browser, self.device.user, self.device.password)
+        browser.settings_shown()
+
     def test_z_a_lost_connection_is_shown_and_comes_back(self):
         browser = self.logged_in()
         browser.fill("administrator", "Kim")
