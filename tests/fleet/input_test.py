@@ -75,7 +75,8 @@ class InputTest(unittest.TestCase):
         self.assertEqual(len(found), len(UNKNOWN_NAMES))
 
     def test_wrong_types_get_the_words_of_velkctl(self):
-        done = subprocess.run([kit.SANDBOX, "--quiet", "--", "velkctl", "list", "--json"], capture_output=True, check=True)
+        listing = [kit.SANDBOX, "--quiet", "--", "velkctl", "list", "--json"]
+        done = subprocess.run(listing, capture_output=True, check=True)
         names = [setting["name"] for setting in json.loads(done.stdout)["settings"] if setting["set"]]
         compared = 0
         for value in WRONG_VALUES:

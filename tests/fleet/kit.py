@@ -4,6 +4,7 @@
 """Simulated devices, and runs of ansible-playbook on them. FLEET_BUILD is the build folder."""
 
 import atexit
+import itertools
 import json
 import os
 import pathlib
@@ -73,8 +74,11 @@ def wait_until(condition, message, seconds=LONGEST_START):
 class Fleet:
     """Devices with names of their own, so that others of this machine are left alone."""
 
+    # The name of a device is free some time after its end.
+    numbers = itertools.count(1)
+
     def __init__(self, count, start="true"):
-        self.prefix = f"fleet{os.getpid()}-"
+        self.prefix = f"fleet{os.getpid()}-{next(self.numbers)}-"
         self.devices = [Device(f"{self.prefix}{number:02}", start) for number in range(1, count + 1)]
         atexit.register(self.end)
         wait_until(self._all_listed, "not all devices have started")

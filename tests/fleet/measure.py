@@ -3,8 +3,8 @@
 # SPDX-FileCopyrightText: 2026 The libvelk authors
 # SPDX-License-Identifier: MIT
 
-"""measure.py [--ssh] [COUNT...] - prints the time and the memory of a run on COUNT simulated devices (default: 1 20 100),
-for docs/fleet.md. The processor time is that of the engine, of its connections and of the devices together; with
+"""measure.py [--ssh] [COUNT...] - prints the time and the memory of a run on COUNT simulated devices (default:
+1 20 100), for docs/fleet.md. The processor time is that of the engine, of its connections and of the devices together; with
 --ssh, it is without the server and velkctl on the devices."""
 
 import os

@@ -112,8 +112,8 @@ def unknown_setting(name):
     right = _full_names(_own_name(name))
     if right:
         lacks_interface = len(right) > 1 and name in _short_names()
-        message = f"{quoted(name)} is a setting of both interfaces" if lacks_interface else f"unknown setting {quoted(name)}"
-        return message, f"give {_one_of(right)}"
+        both = f"{quoted(name)} is a setting of both interfaces"
+        return both if lacks_interface else f"unknown setting {quoted(name)}", f"give {_one_of(right)}"
     if name in INTERFACES:
         return f"{quoted(name)} is an interface, not a setting", f"'velkctl show {name}' shows its settings"
     interfaces = _suggestions(name, INTERFACES)
