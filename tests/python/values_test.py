@@ -5,6 +5,7 @@
 import asyncio
 import copy
 import datetime
+import enum
 import ipaddress
 import pickle
 import struct
@@ -18,6 +19,17 @@ from velk import errors, record, text
 from velk.schedule import Frequency, Schedule, Weekday
 
 KEY = "a key that nobody must see"
+
+
+class Words(str, enum.Enum):
+    """Texts. The str() of each is another text, such as Words.HOST."""
+
+    HOST = "time.example"
+    ADDRESS = "10.0.0.9"
+    MASK = "24"
+    ON = "on"
+    STATIC = "static"
+    WRONG = "wrong "
 
 
 def encoded(name, value):
@@ -132,6 +144,19 @@ class Encoding(unittest.TestCase):
                 self.assertEqual(f"{name}: its type is {problem}", str(raised.exception))
 
 
+    def test_takes_the_content_of_a_class_of_texts(self):
+        for name, value, expected in [
+                ("ntp-server", Words.HOST, b"time.example"), ("location", Words.HOST, b"time.example"),
+                ("eth0.address", Words.ADDRESS, b"10.0.0.9"), ("eth0.netmask", Words.MASK, b"255.255.255.0"),
+                ("eth0.dns", [Words.ADDRESS], b"10.0.0.9"), ("ntp", Words.ON, b"\1"),
+                ("eth0.method", Words.STATIC, b"\1"), ("eth1.psk", velk.Secret(Words.HOST), b"time.example")]:
+            with self.subTest(name=name):
+                self.assertEqual(expected, encoded(name, value))
+        for name in ["ntp", "ntp-server", "eth0.address", "eth0.method", "web-update"]:
+            with self.subTest(name=name), self.assertRaisesRegex(velk.InvalidValueError, "'wrong '"):
+                encoded(name, Words.WRONG)
+
+
 class Decoding(unittest.TestCase):
     def test_returns_python_types(self):
         for name, content, expected in [
@@ -200,9 +225,15 @@ class Secrets(unittest.TestCase):
         self.assertEqual("Secret('********')", repr(key))
         self.assertEqual("******** ********   {'psk': Secret('********')}", f"{key} {key!s:10} {dict(psk=key)}")
         self.assertEqual(KEY, key.reveal())
-        for make in [lambda: pickle.dumps(key), lambda: vars(key)]:
+        for make in [lambda: pickle.dumps(key), lambda: vars(key), key.__getstate__]:
             with self.assertRaises(TypeError):
                 make()
+
+    def test_have_a_text(self):
+        for wrong in [KEY.encode(), None, 5]:
+            with self.assertRaisesRegex(TypeError, f"^the text of a Secret is a str, not {type(wrong).__name__}$"):
+                velk.Secret(wrong)
+        self.assertNotIn(KEY, self.shown_failure(lambda: velk.Secret(KEYS_OF_BYTES[0])))
 
     def test_are_equal_if_their_texts_are(self):
         self.assertEqual(velk.Secret(KEY), velk.Secret(KEY))
@@ -224,12 +255,13 @@ class Secrets(unittest.TestCase):
         """The traceback with the variables of all frames, without those of this file."""
         try:
             run()
-        except velk.VelkError as error:
+        except (TypeError, velk.VelkError) as error:
             lines = traceback.TracebackException.from_exception(error, capture_locals=True).format()
             return "".join(line for line in lines if __file__ not in line) + repr(error)
         return self.fail("no exception")
 
 
+KEYS_OF_BYTES = [KEY.encode()]
 SECRETS = {key: velk.Secret(key) for key in [KEY, KEY * 4, KEY + "\r", KEY + "\ud800"]}
 
 
@@ -244,8 +276,9 @@ class Errors(unittest.TestCase):
                 (-6, velk.WiredLinkedError, "refused while the cable is in the wired port (LIB_VELK_WIRED_LINKED, -6)"),
                 (-2, velk.ResultError, "an unknown result (unknown, -2)")]:
             error = errors.result_error("it failed", result)
-            self.assertIs(kind, type(error))
-            self.assertEqual((result, f"it failed: {message}"), (error.result, str(error)))
+            for same in [error, pickle.loads(pickle.dumps(error)), copy.copy(error)]:
+                self.assertIs(kind, type(same))
+                self.assertEqual((result, f"it failed: {message}"), (same.result, str(same)))
 
     def test_names_of_settings(self):
         self.assertEqual("eth1.psk", velk.find("psk").name)
@@ -257,6 +290,10 @@ class Errors(unittest.TestCase):
             with self.assertRaises(velk.UnknownSettingError) as raised:
                 velk.find(name)
             self.assertEqual(message, str(raised.exception))
+        for name in [104, None, b"ntp", ["ntp"]]:
+            with self.assertRaisesRegex(TypeError, f"^the name of a setting is a str, not {type(name).__name__}$"):
+                velk.get(name)
+        self.assertIs(velk.find("psk"), velk.find(velk.find("eth1.psk")))
 
     def test_directions(self):
         with self.assertRaisesRegex(velk.UnsupportedError, "^eth0.dhcp-notice: cannot be read, only set$"):
