@@ -134,7 +134,7 @@ class Encoding(unittest.TestCase):
                 ("eth0.address", None, "NoneType, not IPv4Address or str; give an IPv4 address such as 192.168.0.10"),
                 ("eth0.dns", "1.1.1.1", "str, not a list of IPv4Address or str; give one to three IPv4 addresses "
                                         "such as 192.168.0.1, or none"),
-                ("eth0.dns", [1], "list, not a list of IPv4Address or str; give one to three IPv4 addresses "
+                ("eth0.dns", [1], "a list with int, not a list of IPv4Address or str; give one to three IPv4 addresses "
                                   "such as 192.168.0.1, or none"),
                 ("location", None, "NoneType, not str; give a text of at most 511 bytes"),
                 ("eth1.psk", KEY, "str, not Secret; give a text of 1 to 64 bytes, or none")]:
@@ -187,9 +187,9 @@ class Decoding(unittest.TestCase):
                 with self.assertRaises(velk.DeviceValueError) as raised:
                     decoded(name, content)
                 self.assertEqual(shown, raised.exception.text)
-        with self.assertRaisesRegex(velk.DeviceValueError, r"^eth0\.address: the device holds '300\.1', which is not "
-                                                           "valid$"):
-            decoded("eth0.address", b"300.1")
+        with self.assertRaisesRegex(velk.DeviceValueError, r"^eth0\.address: the device holds '300\.1\\x0a', which is "
+                                                           "not valid$"):
+            decoded("eth0.address", b"300.1\n")
 
     def test_writes_bytes_that_are_no_text_as_escapes(self):
         for content, shown in [

@@ -86,9 +86,10 @@ class Encryption(_Word):
 
 
 class WrongType(NamedTuple):
-    """The value has a type that the setting does not take. `wanted` names the types."""
+    """The value has a type that the setting does not take. `wanted` names the types, and `given` that of the value."""
 
     wanted: str
+    given: str = ""
 
 
 #: Data bytes; or the problem with a value, to follow the name of the setting in a message; or the wrong type. A
@@ -229,8 +230,9 @@ class ServerList(Kind):
         if isinstance(value, (str, bytes)) or not isinstance(value, Iterable):
             return WrongType("a list of IPv4Address or str")
         servers = list(value)
-        if not all(isinstance(server, (str, ipaddress.IPv4Address)) for server in servers):
-            return WrongType("a list of IPv4Address or str")
+        wrong = [type(server).__name__ for server in servers if not isinstance(server, (str, ipaddress.IPv4Address))]
+        if wrong:
+            return WrongType("a list of IPv4Address or str", f"a list with {wrong[0]}")
         words = list(map(text.content_of, servers))
         problem = self._problem(words, wanted)
         if problem:
