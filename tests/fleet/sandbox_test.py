@@ -128,6 +128,14 @@ class FleetTest(unittest.TestCase):
             "velk_device_program to its path",
         )
 
+    def test_6_the_report_has_a_device_on_which_velkctl_fails(self):
+        report, playbook = kit.TMP / "report.csv", kit.SOURCE / "fleet/playbooks/report.yml"
+        values = f"report={report} velk_device_program=/nowhere/velkctl"
+        run = kit.playbook(playbook, self.fleet.inventory(), "-e", values)
+        lines = report.read_text().splitlines() if report.exists() else []
+        running = [device.name for device in self.fleet.devices if device.process.poll() is None]
+        self.assertEqual(lines[1:], [f"{name},yes,unknown,unknown,unknown,unknown" for name in running], run.output)
+
     def test_6_a_change_that_is_left_in_part_is_a_change(self):
         device = self.fleet.devices[4]
         error = {"message": "apply: eth0.dns was not put back", "detail": "why", "remedy": "do so", "setting": None}
