@@ -184,6 +184,18 @@ class FleetTest(unittest.TestCase):
         checked = subprocess.run(checker, input=metrics, capture_output=True, text=True, check=False)
         self.assertEqual((checked.returncode, checked.stdout + checked.stderr), (0, ""))
 
+    def test_6_a_velkctl_of_another_schema_fails_with_the_remedy(self):
+        device = self.fleet.devices[4]
+        device.write_program("/run/fake", kit.shell("echo", '{"schema": 2, "status": 0, "values": []}'))
+        run = self.run_tasks(
+            "- name: Facts\n  velk.device.facts:\n", "-l", device.name, "-e", "velk_device_program=/run/fake"
+        )
+        self.assertEqual(
+            run.failed()[device.name]["msg"],
+            "velkctl on the device answers with schema 2, and the collection reads schema 3; fix: install the package "
+            "velk-tools and the collection of the same release",
+        )
+
     def test_7_the_doctor_fails_on_problems_alone(self):
         device = self.fleet.devices[5]
         doctor = "- name: Doctor\n  velk.device.doctor:\n"
