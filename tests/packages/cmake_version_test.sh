@@ -21,9 +21,9 @@ words='FILE_SET|IMPORTED_RUNTIME_ARTIFACTS|RUNTIME_DEPENDENCIES|RUNTIME_DEPENDEN
 words+='|PROJECT_IS_TOP_LEVEL|CMAKE_COMPILE_WARNING_AS_ERROR|PATH_EQUAL|cxx_std_23|cxx_std_26'
 expressions='\$<(TARGET_RUNTIME_DLLS|LINK_LIBRARY|LINK_GROUP|PATH|CONFIG:[^>]*,)'
 later="^[^#]*(\\b($commands) *\\(|$modes|\\b($words)\\b|$expressions|CMAKE_[A-Z_]*_LINKER_LAUNCHER)"
-mapfile -t files < <(ls CMakeLists.txt cmake/* {lib,velkctl,sandbox,sandbox/wland,packaging}/CMakeLists.txt)
+mapfile -t files < <(find cmake -type f && ls CMakeLists.txt {lib,velkctl,sandbox,sandbox/wland,packaging,web}/CMakeLists.txt)
 check 'features of a later CMake' '' "$(grep -nE "$later" "${files[@]}")"
-check 'subdirectories of the product' 'lib packaging sandbox sandbox/wland velkctl' \
+check 'subdirectories of the product' 'lib packaging sandbox sandbox/wland velkctl web' \
     "$(sed -n '/^if(BUILD_TESTING)$/,$d; s/^ *add_subdirectory(\([^ )]*\).*/\1/p' CMakeLists.txt | sort | paste -sd ' ')"
 
 # The check itself.

@@ -61,7 +61,7 @@ if [ "$(id -u)" -eq 0 ]; then
     done
 fi
 line='setup: this system has no apt-get. fix: install the equivalent of these packages of Debian 12:'
-check 'setup without apt-get' "$line g++ cmake ninja-build libcli11-dev nlohmann-json3-dev busybox" \
+check 'setup without apt-get' "$line g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libcrypt-dev busybox" \
     "$(with '' "$source/scripts/setup" demo)"
 
 # CMake prints a line that names the place, and this one.

@@ -368,9 +368,9 @@ constexpr std::array<Verb, 24> kVerbs{{
      "[OPTION...]",
      "print the state of the device for a monitoring agent",
      "Prints the findings of doctor and status in the Prometheus text format. With\n"
-     "--output, a reader finds the whole old FILE or the whole new one. Changes nothing\n"
-     "else. The exit status is 0 even if there are problems: they are among the\n"
-     "numbers.\n"
+     "--output, a reader finds the whole old FILE or the whole new one. Changes\n"
+     "nothing else. The exit status is 0 even if there are problems: they are among\n"
+     "the numbers.\n"
      "\n"
      "Examples:\n"
      "  velkctl metrics\n"
