@@ -57,7 +57,7 @@ Answer SessionAnswer(const Session& session, const Request& request) {
     const std::string interface = InterfaceTo(request.address);
     Json document;
     document["user"] = session.user;
-    document["token"] = TokenOf(session);
+    document["token"] = session.token;
     document["reached_through"] = interface.empty() ? Json(nullptr) : Json(interface);
     document["host_name"] = HostName();
     return JsonAnswer(document);
@@ -280,7 +280,7 @@ std::optional<Answer> RefuseMethod(const Name& name, const Request& request) {
 // ---- Requests that change something ------------------------------------------------------------
 
 std::optional<Answer> RefuseToken(const Session& session, const Request& request) {
-    if (IsSameSecret(request.token, TokenOf(session))) {
+    if (IsSameSecret(request.token, session.token)) {
         return std::nullopt;
     }
     return ErrorAnswer(403, {.message = "the request has not the token of this session",
