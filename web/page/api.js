@@ -7,7 +7,7 @@ const FOLDER = "cgi-bin/velk/";
 const QUICK_MS = 10_000;
 // Reading waits for the wireless daemon, at most for some minutes.
 const READING_MS = 300_000;
-const SLOW = new Set(["show", "status", "doctor", "list"]);
+const SLOW = new Set(["show", "status", "doctor", "list", "check"]);
 
 let token = null;
 

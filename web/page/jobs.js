@@ -38,9 +38,11 @@ function openProgress(title) {
     return { dialog, list, lost, close: () => { clearInterval(clock); dialog.close(); } };
 }
 
+// A list that has not changed stays, so that a screen reader does not read it again.
 function showProgress(list, lines) {
-    for (const line of lines.slice(list.children.length)) {
-        list.append(element("li", {}, line));
+    const shown = [...list.children].map((item) => item.textContent);
+    if (shown.join("\n") !== lines.join("\n")) {
+        list.replaceChildren(...lines.map((line) => element("li", {}, line)));
     }
 }
 

@@ -27,9 +27,13 @@
 namespace velkweb {
 namespace {
 
-constexpr int kMostReaders = 32;  // requests that read their body
+// Requests that read their body. Logins have places of their own: clients without a login cannot
+// take those of the others.
+constexpr int kMostReaders = 32;
+constexpr int kMostLoginReaders = 16;
 constexpr int kMostWorkers = 6;   // requests that run velkctl
 constexpr int kMostLogins = 2;    // a password takes memory and time on purpose
+constexpr int kTurnSeconds = 20;  // a run waits so long until others have asked the daemon
 constexpr int kRunSeconds = 60;
 
 // ---- Answers -----------------------------------------------------------------------------------
@@ -57,7 +61,7 @@ Answer SessionAnswer(const Session& session, const Request& request) {
     const std::string interface = InterfaceTo(request.address);
     Json document;
     document["user"] = session.user;
-    document["token"] = TokenOf(session);
+    document["token"] = session.token;
     document["reached_through"] = interface.empty() ? Json(nullptr) : Json(interface);
     document["host_name"] = HostName();
     return JsonAnswer(document);
@@ -74,9 +78,22 @@ std::string Cookie(const std::string& value, std::string_view more) {
 
 // ---- Runs of velkctl ---------------------------------------------------------------------------
 
+Answer DeviceIsBusy() {
+    return WithRetry(ErrorAnswer(503, {.message = "the device is busy with another request",
+                                       .detail = "a change or a query has not ended yet",
+                                       .remedy = "try again in a moment"}),
+                     5);
+}
+
 Answer RunNow(const Planned& planned) {
     if (planned.trouble) {
         return Malformed(*planned.trouble);
+    }
+    const bool asks = AsksDaemon(planned.run);
+    const velk::UniqueFd turn(asks ? AwaitLockFor(DaemonLockPath(), kTurnSeconds)
+                                   : velk::UniqueFd());
+    if (asks && turn.get() < 0) {
+        return DeviceIsBusy();
     }
     const velk::UniqueFd place = TakePlace("worker", kMostWorkers);
     if (place.get() < 0) {
@@ -153,7 +170,9 @@ Answer BeginSessionFor(const User& user, const Request& request) {
     ForgetFailures(request.address);
     Log(LOG_INFO, user.name + " logged in from " + request.address);
     Answer answer = SessionAnswer(*session, request);
-    answer.headers.push_back(Cookie(session->id, ""));
+    // Through a proxy with TLS, the browser never sends the cookie without encryption.
+    const bool is_encrypted = request.origin.starts_with("https://");
+    answer.headers.push_back(Cookie(session->id, is_encrypted ? "; Secure" : ""));
     return answer;
 }
 
@@ -280,18 +299,18 @@ std::optional<Answer> RefuseMethod(const Name& name, const Request& request) {
 // ---- Requests that change something ------------------------------------------------------------
 
 std::optional<Answer> RefuseToken(const Session& session, const Request& request) {
-    if (IsSameSecret(request.token, TokenOf(session))) {
+    if (IsSameSecret(request.token, session.token)) {
         return std::nullopt;
     }
     return ErrorAnswer(403, {.message = "the request has not the token of this session",
                              .remedy = "load the page again"});
 }
 
-Body BodyOf(const Request& request) {
+Body BodyOf(const Request& request, const char* place_name, int places) {
     if (std::optional<Answer> refusal = RefuseBodyForm(request)) {
         return {.refusal = std::move(refusal)};
     }
-    const velk::UniqueFd place = TakePlace("reader", kMostReaders);
+    const velk::UniqueFd place = TakePlace(place_name, places);
     return place.get() < 0 ? Body{.refusal = TooManyAtOnce()} : ReadBody(request);
 }
 
@@ -299,7 +318,7 @@ Answer AnswerLogin(const Request& request) {
     if (std::optional<Answer> refusal = RefuseOtherOrigin(request)) {
         return *std::move(refusal);
     }
-    Body body = BodyOf(request);
+    Body body = BodyOf(request, "login-reader", kMostLoginReaders);
     return body.refusal ? *std::move(body.refusal) : LogIn(request, body.value);
 }
 
@@ -310,7 +329,7 @@ Answer AnswerPost(const Name& name, const Session& session, const Request& reque
             return *std::move(refusal);
         }
     }
-    Body body = BodyOf(request);
+    Body body = BodyOf(request, "reader", kMostReaders);
     return body.refusal ? *std::move(body.refusal) : name.post(session, body.value);
 }
 

@@ -10,6 +10,7 @@
 //   answer  the same when it has ended
 #include "web/server/jobs.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
@@ -18,6 +19,7 @@
 #include <ctime>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -61,14 +63,15 @@ bool IsRunning(const std::string& id) {
     return fd.get() >= 0 && flock(fd.get(), LOCK_SH | LOCK_NB) != 0;
 }
 
-// The end of a job is the time of its last file. The clock of the files can be set meanwhile: a job
-// from the future has ended long ago, too.
-bool IsOld(const std::string& id) {
+// The end of a job is the time of its last file.
+time_t EndOf(const std::string& id) {
     struct stat facts {};
-    if (stat(RunPath("jobs/" + id).c_str(), &facts) != 0) {
-        return true;
-    }
-    return std::abs(time(nullptr) - facts.st_mtime) > kKeptSeconds;
+    return stat(RunPath("jobs/" + id).c_str(), &facts) == 0 ? facts.st_mtime : 0;
+}
+
+// The clock of the files can be set meanwhile: a job from the future has ended long ago, too.
+bool IsOld(const std::string& id) {
+    return std::abs(time(nullptr) - EndOf(id)) > kKeptSeconds;
 }
 
 void RemoveJob(const std::string& id) {
@@ -76,28 +79,30 @@ void RemoveJob(const std::string& id) {
     std::filesystem::remove_all(RunPath("jobs/" + id), problem);
 }
 
-struct JobCounts {
-    size_t kept = 0;
+// Removes jobs that have ended long ago, and of the others those that ended first, so that one more
+// can be kept. Returns the number of jobs that run.
+size_t SweepJobs() {
     size_t running = 0;
-};
-
-// Removes jobs that have ended long ago, and counts the others.
-JobCounts SweepJobs() {
-    JobCounts counts;
+    std::vector<std::pair<time_t, std::string>> ended;
     for (const std::string& id : NamesIn(RunPath("jobs"))) {
         if (IsRunning(id)) {
-            ++counts.running;
+            ++running;
         } else if (IsOld(id)) {
             RemoveJob(id);
-            continue;
+        } else {
+            ended.emplace_back(EndOf(id), id);
         }
-        ++counts.kept;
     }
-    return counts;
+    std::ranges::sort(ended);
+    for (size_t i = 0; i < ended.size() && running + ended.size() - i >= kMostJobs; ++i) {
+        RemoveJob(ended[i].second);
+    }
+    return running;
 }
 
 // Runs velkctl and keeps its output. The document appears in one step, as "answer".
 void RunJob(const std::string& id, const VelkctlRun& run) {
+    const velk::UniqueFd turn(AsksDaemon(run) ? AwaitLock(DaemonLockPath()) : velk::UniqueFd());
     velk::UniqueFd output(open(FileOf(id, "output").c_str(),
                                O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
     const pid_t child = output.get() < 0 ? 0 : StartVelkctl(run, output.get());
@@ -151,8 +156,10 @@ Answer Busy() {
     return answer;
 }
 
-std::string Progress(int64_t seconds) {
-    return "velkctl has been running for " + std::to_string(seconds) + " s";
+// Without the file, the job waits for its turn.
+std::string Progress(const std::string& id) {
+    const bool has_begun = access(FileOf(id, "output").c_str(), F_OK) == 0;
+    return has_begun ? "velkctl is at work" : "waiting for the end of another request";
 }
 
 Json DocumentOf(const std::string& id) {
@@ -169,8 +176,7 @@ Json DocumentOf(const std::string& id) {
 
 Answer BeginJob(const std::string& user, const VelkctlRun& run) {
     const velk::UniqueFd sweep = AwaitLock(RunPath("jobs.lock"));
-    const JobCounts counts = SweepJobs();
-    if (counts.running >= kMostRunningJobs || counts.kept >= kMostJobs) {
+    if (SweepJobs() >= kMostRunningJobs) {
         return Busy();
     }
     const std::string id = RandomHex(kIdBytes);
@@ -197,15 +203,14 @@ Answer JobAnswer(const std::string& user, const std::string& id) {
                                  .remedy = "look at the history: jobs are kept for ten minutes"});
     }
     const bool is_done = !IsRunning(id);
-    const int64_t seconds = SecondsSinceBoot() - facts->began;
     Json document;
     document["job"] = id;
     document["done"] = is_done;
     if (is_done) {
         document["answer"] = DocumentOf(id);
     } else {
-        document["seconds"] = seconds;
-        document["progress"] = Json::array({Progress(seconds)});
+        document["seconds"] = SecondsSinceBoot() - facts->began;
+        document["progress"] = Json::array({Progress(id)});
     }
     return JsonAnswer(document);
 }

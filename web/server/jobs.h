@@ -14,7 +14,7 @@
 namespace velkweb {
 
 inline constexpr int kKeptSeconds = 10 * 60;  // an ended job is kept so long
-inline constexpr size_t kMostJobs = 32;       // kept ones
+inline constexpr size_t kMostJobs = 32;       // kept ones; a new job removes the oldest
 inline constexpr size_t kMostRunningJobs = 4;
 
 // Starts the run for the user in a process that nothing ends but its own end. Answers with the id

@@ -6,8 +6,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
 
 #include "lib/base/unique_fd.h"
 #include "web/server/run_folder.h"
@@ -102,15 +106,16 @@ std::vector<Failures> ParseFailures(std::string_view text) {
 }
 
 std::string AddressGroup(const std::string& address) {
-    constexpr int kGroupsOfNetwork = 4;
-    if (address.find(':') == std::string::npos || address.find('.') != std::string::npos) {
+    constexpr size_t kNetworkBytes = 8;
+    const size_t begin = address.starts_with('[') ? 1 : 0;
+    const std::string text = address.substr(begin, address.find_first_of("%]") - begin);
+    in6_addr parsed{};
+    if (inet_pton(AF_INET6, text.c_str(), &parsed) != 1 || IN6_IS_ADDR_V4MAPPED(&parsed)) {
         return address;
     }
-    size_t end = 0;
-    for (int group = 0; group < kGroupsOfNetwork && end != std::string::npos; ++group) {
-        end = address.find(':', group == 0 ? 0 : end + 1);
-    }
-    return address.substr(0, end);
+    std::fill(std::begin(parsed.s6_addr) + kNetworkBytes, std::end(parsed.s6_addr), 0);
+    char network[INET6_ADDRSTRLEN] = "";
+    return inet_ntop(AF_INET6, &parsed, network, sizeof network);
 }
 
 int64_t CountTry(std::vector<Failures>& rows, const std::string& address, int64_t now) {

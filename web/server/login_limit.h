@@ -31,7 +31,8 @@ int64_t WaitLeft(const Failures& failures, int64_t now);
 std::string FailuresText(const std::vector<Failures>& rows);
 std::vector<Failures> ParseFailures(std::string_view text);
 
-// Returns the part of an address that counts as one: of an IPv6 address, its network.
+// Returns the part of an address that counts as one: of an IPv6 address, its network, since a
+// host may take any address in it. busybox httpd puts IPv6 addresses in brackets.
 std::string AddressGroup(const std::string& address);
 
 // Adds a try from the address to the rows, or returns the seconds to wait before it.

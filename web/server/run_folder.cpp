@@ -6,10 +6,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <stdexcept>
+#include <thread>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -83,14 +85,15 @@ std::optional<std::string> ReadFileText(const std::string& path, size_t limit) {
     return length <= limit ? std::optional(std::move(text)) : std::nullopt;
 }
 
-bool ReplaceFile(const std::string& path, std::string_view text, unsigned mode) {
+bool ReplaceFile(const std::string& path, std::string_view text, bool (*finish)(int fd)) {
     const std::string temporary = path + "." + RandomHex(8);
-    const velk::UniqueFd fd(
-        open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
+    const velk::UniqueFd fd(open(
+        temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kPrivateFile));
     if (fd.get() < 0) {
         return false;
     }
-    if (velk::WriteAll(fd.get(), text) && rename(temporary.c_str(), path.c_str()) == 0) {
+    if (velk::WriteAll(fd.get(), text) && (finish == nullptr || finish(fd.get())) &&
+        rename(temporary.c_str(), path.c_str()) == 0) {
         return true;
     }
     const int error = errno;
@@ -112,8 +115,23 @@ velk::UniqueFd AwaitLock(const std::string& path) {
     return Locked(path, LOCK_EX);
 }
 
+velk::UniqueFd AwaitLockFor(const std::string& path, int seconds) {
+    constexpr std::chrono::milliseconds kPause{20};
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    velk::UniqueFd fd = TryLock(path);
+    while (fd.get() < 0 && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(kPause);
+        fd = TryLock(path);
+    }
+    return fd;
+}
+
 velk::UniqueFd TryLock(const std::string& path) {
     return Locked(path, LOCK_EX | LOCK_NB);
+}
+
+std::string DaemonLockPath() {
+    return RunPath("daemon.lock");
 }
 
 velk::UniqueFd TakePlace(const std::string& name, int places) {

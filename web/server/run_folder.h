@@ -28,8 +28,9 @@ std::string RunPath(std::string_view name);
 // Returns the text of a file of at most `limit` bytes; nothing if it cannot be read or is longer.
 std::optional<std::string> ReadFileText(const std::string& path, size_t limit);
 
-// Replaces the file in one step. Returns false with errno on failure.
-bool ReplaceFile(const std::string& path, std::string_view text, unsigned mode = 0600);
+// Replaces the file in one step by one that its owner alone may read. `finish` may change the new
+// file before; if it returns false, the old one stays. Returns false with errno on failure.
+bool ReplaceFile(const std::string& path, std::string_view text, bool (*finish)(int fd) = nullptr);
 
 // Returns the names in a folder.
 std::vector<std::string> NamesIn(const std::string& folder);
@@ -38,8 +39,14 @@ std::vector<std::string> NamesIn(const std::string& folder);
 // descriptor on failure.
 velk::UniqueFd AwaitLock(const std::string& path);
 
+// The same, but waits so many seconds at most.
+velk::UniqueFd AwaitLockFor(const std::string& path, int seconds);
+
 // The same without waiting.
 velk::UniqueFd TryLock(const std::string& path);
+
+// Returns the path of the lock of the runs that ask the wireless daemon.
+std::string DaemonLockPath();
 
 // Takes one of several places that are locked while this process and its copies run. Returns no
 // descriptor if all are taken.

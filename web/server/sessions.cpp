@@ -12,22 +12,16 @@
 
 #include "lib/base/unique_fd.h"
 #include "web/server/run_folder.h"
-#include "web/server/sha256.h"
 
 namespace velkweb {
 namespace {
 
 constexpr size_t kIdBytes = 32;
-constexpr size_t kHashDigits = 64;
 constexpr size_t kLargestFile = 1024;
 constexpr int64_t kUseStep = 5;  // seconds between two notes of a use
 
-std::string PathOfHash(const std::string& hash) {
-    return RunPath("sessions/" + hash);
-}
-
-std::string PathOf(const Session& session) {
-    return PathOfHash(Sha256(session.id));
+std::string PathOf(const std::string& id) {
+    return RunPath("sessions/" + id);
 }
 
 // Removes the line from the text and returns it.
@@ -60,7 +54,7 @@ std::vector<KeptSession> SweepSessions() {
     std::vector<KeptSession> kept;
     const int64_t now = SecondsSinceBoot();
     for (const std::string& name : NamesIn(RunPath("sessions"))) {
-        const std::string path = PathOfHash(name);
+        const std::string path = PathOf(name);
         const std::optional<Session> session = ReadSession(path);
         if (!session || IsExpired(*session, now)) {
             (void)unlink(path.c_str());
@@ -75,24 +69,29 @@ std::vector<KeptSession> SweepSessions() {
 bool HasPasswordOf(const Session& session) {
     const std::optional<std::vector<User>> users = ReadUsers();
     const User* user = users ? FindUser(*users, session.user) : nullptr;
-    return user != nullptr && Sha256(user->hash) == session.password_mark;
+    return user != nullptr && user->hash == session.password_hash;
 }
 
 }  // namespace
 
 std::string SessionText(const Session& session) {
-    return session.user + "\n" + session.password_mark + "\n" + std::to_string(session.began) +
-           "\n" + std::to_string(session.used) + "\n";
+    std::string text;
+    for (const std::string& line : {session.token, session.user, session.password_hash,
+                                    std::to_string(session.began), std::to_string(session.used)}) {
+        text.append(line).append("\n");
+    }
+    return text;
 }
 
 std::optional<Session> ParseSession(std::string_view text) {
     Session session;
+    session.token = TakeLine(text);
     session.user = TakeLine(text);
-    session.password_mark = TakeLine(text);
+    session.password_hash = TakeLine(text);
     const std::optional<int64_t> began = NumberIn(TakeLine(text));
     const std::optional<int64_t> used = NumberIn(TakeLine(text));
-    if (!began || !used || !IsUserName(session.user) ||
-        !IsHex(session.password_mark, kHashDigits)) {
+    if (!began || !used || !IsUserName(session.user) || session.password_hash.empty() ||
+        !IsHex(session.token, kIdBytes * 2)) {
         return std::nullopt;
     }
     session.began = *began;
@@ -104,10 +103,6 @@ bool IsExpired(const Session& session, int64_t now) {
     return now - session.used > kIdleSeconds || now - session.began > kLongestSessionSeconds;
 }
 
-std::string TokenOf(const Session& session) {
-    return Sha256("token of " + session.id);
-}
-
 std::optional<Session> BeginSession(const User& user) {
     const velk::UniqueFd lock = AwaitLock(RunPath("sessions.lock"));
     std::vector<KeptSession> kept = SweepSessions();
@@ -116,12 +111,13 @@ std::optional<Session> BeginSession(const User& user) {
     }
     const int64_t now = SecondsSinceBoot();
     const Session session{.id = RandomHex(kIdBytes),
+                          .token = RandomHex(kIdBytes),
                           .user = user.name,
-                          .password_mark = Sha256(user.hash),
+                          .password_hash = user.hash,
                           .began = now,
                           .used = now};
-    return ReplaceFile(PathOf(session), SessionText(session)) ? std::optional(session)
-                                                              : std::nullopt;
+    return ReplaceFile(PathOf(session.id), SessionText(session)) ? std::optional(session)
+                                                                 : std::nullopt;
 }
 
 // Under the lock, so that the note of a use does not bring back a session that has ended.
@@ -130,7 +126,7 @@ std::optional<Session> FindSession(const std::string& id) {
         return std::nullopt;
     }
     const velk::UniqueFd lock = AwaitLock(RunPath("sessions.lock"));
-    const std::string path = PathOfHash(Sha256(id));
+    const std::string path = PathOf(id);
     std::optional<Session> session = ReadSession(path);
     if (!session) {
         return std::nullopt;
@@ -150,7 +146,7 @@ std::optional<Session> FindSession(const std::string& id) {
 
 void EndSession(const Session& session) {
     const velk::UniqueFd lock = AwaitLock(RunPath("sessions.lock"));
-    (void)unlink(PathOf(session).c_str());
+    (void)unlink(PathOf(session.id).c_str());
 }
 
 }  // namespace velkweb

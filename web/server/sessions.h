@@ -20,22 +20,20 @@ inline constexpr int64_t kLongestSessionSeconds = int64_t{12} * 60 * 60;
 inline constexpr size_t kMostSessions = 16;
 
 struct Session {
-    std::string id;  // random, known to the browser alone; the folder has its hash
+    std::string id;     // random; the name of its file, which only this program's user can list
+    std::string token;  // random; a page sends it with each change
     std::string user;
-    std::string password_mark;  // the hash of the password's hash: a new password ends the session
+    std::string password_hash;  // the user's at the login: a new password ends the session
     int64_t began = 0;          // seconds since the start of the device
     int64_t used = 0;
 };
 
-// The text of a session's file, and the session in a text; nothing if it is damaged.
+// The text of a session's file, and the session in a text; nothing if it is damaged. The text has
+// no id.
 std::string SessionText(const Session& session);
 std::optional<Session> ParseSession(std::string_view text);
 
 bool IsExpired(const Session& session, int64_t now);
-
-// Returns the token that a page sends with each change. It is computed from the id, and does not
-// reveal it.
-std::string TokenOf(const Session& session);
 
 // Begins a session. Ends expired ones, and the one that was used least recently if there are too
 // many. Returns nothing if it cannot be written.

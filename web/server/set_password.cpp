@@ -5,6 +5,7 @@
 #include "web/server/set_password.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -17,6 +18,7 @@
 #include <unistd.h>
 
 #include "lib/base/file_io.h"
+#include "lib/base/unique_fd.h"
 #include "web/server/run_folder.h"
 #include "web/server/users.h"
 
@@ -34,24 +36,38 @@ int Fail(const std::string& message, const std::string& detail = {}) {
     return 1;
 }
 
+termios& TerminalBefore() {
+    static termios before{};
+    return before;
+}
+
+// A signal such as that of Ctrl-C must not leave the terminal without its echo.
+void EndWithEcho(int signal_number) {
+    (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &TerminalBefore());
+    (void)signal(signal_number, SIG_DFL);
+    (void)raise(signal_number);
+}
+
 // Switches the echo of the terminal off.
 class NoEcho {
   public:
-    NoEcho() : is_changed_(tcgetattr(STDIN_FILENO, &before_) == 0) {
-        termios silent = before_;
+    NoEcho() : is_changed_(tcgetattr(STDIN_FILENO, &TerminalBefore()) == 0) {
+        for (const int signal_number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+            (void)signal(signal_number, EndWithEcho);
+        }
+        termios silent = TerminalBefore();
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         is_changed_ = is_changed_ && tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) == 0;
     }
     ~NoEcho() {
         if (is_changed_) {
-            (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
+            (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &TerminalBefore());
         }
     }
     NoEcho(const NoEcho&) = delete;
     NoEcho& operator=(const NoEcho&) = delete;
 
   private:
-    termios before_{};
     bool is_changed_;
 };
 
@@ -91,26 +107,28 @@ std::string TextOfUsers(const std::vector<User>& users) {
     return text;
 }
 
-// Only the group of the server may read the hashes. Without the group nobody but root may.
-bool WriteUsers(const std::vector<User>& users) {
-    std::error_code problem;
-    std::filesystem::create_directories(std::filesystem::path(kUsersFile).parent_path(), problem);
-    const mode_t mask = umask(0);
-    const bool is_written = ReplaceFile(kUsersFile, TextOfUsers(users), 0600);
-    (void)umask(mask);
-    if (!is_written) {
-        return false;
-    }
+// Only the group of the server may read the hashes. Without the group nobody but root may. The
+// file gets its group before it takes its place: a server that cannot read it would end all
+// sessions. It is on the disk before, so that a power failure leaves the old file or the new one.
+bool FinishUsersFile(int fd) {
     const group* entry = getgrnam(kGroup);
-    return entry == nullptr ||
-           (chown(kUsersFile, 0, entry->gr_gid) == 0 && chmod(kUsersFile, kMode) == 0);
+    const bool is_open =
+        entry == nullptr || (fchown(fd, 0, entry->gr_gid) == 0 && fchmod(fd, kMode) == 0);
+    return is_open && fsync(fd) == 0;
 }
 
 int Write(const std::vector<User>& users) {
-    if (WriteUsers(users)) {
+    if (ReplaceFile(kUsersFile, TextOfUsers(users), FinishUsersFile)) {
         return 0;
     }
     return Fail(std::string(kUsersFile) + ": cannot be written", strerror(errno));
+}
+
+// Two commands at once change the file in turn.
+velk::UniqueFd LockUsers() {
+    std::error_code problem;
+    std::filesystem::create_directories(std::filesystem::path(kUsersFile).parent_path(), problem);
+    return AwaitLock(std::string(kUsersFile) + ".lock");
 }
 
 // Returns the users; those of a missing file are none. Nothing if it cannot be read.
@@ -126,10 +144,6 @@ int SetPassword(const std::string& name) {
         return Fail("the name of the user is not valid",
                     "give a letter, then letters, digits, '-', '_' and '.', 32 at most");
     }
-    std::optional<std::vector<User>> users = PresentUsers();
-    if (!users) {
-        return Fail(std::string(kUsersFile) + ": cannot be read", strerror(errno));
-    }
     const std::optional<std::string> password = ReadPassword();
     if (!password) {
         return Fail("the two passwords differ; nothing was changed");
@@ -141,12 +155,18 @@ int SetPassword(const std::string& name) {
     if (hash.empty()) {
         return Fail("the password could not be hashed", strerror(errno));
     }
+    const velk::UniqueFd lock = LockUsers();
+    std::optional<std::vector<User>> users = PresentUsers();
+    if (!users) {
+        return Fail(std::string(kUsersFile) + ": cannot be read", strerror(errno));
+    }
     std::erase_if(*users, [&name](const User& user) { return user.name == name; });
     users->push_back({name, hash});
     return Write(*users);
 }
 
 int RemoveUser(const std::string& name) {
+    const velk::UniqueFd lock = LockUsers();
     std::optional<std::vector<User>> users = PresentUsers();
     if (!users) {
         return Fail(std::string(kUsersFile) + ": cannot be read", strerror(errno));

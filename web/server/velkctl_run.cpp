@@ -4,10 +4,13 @@
 // velkctl_run.cpp - runs velkctl.
 #include "web/server/velkctl_run.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <string_view>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -95,6 +98,13 @@ std::optional<std::string> ReadOutput(int fd, Clock::time_point deadline, bool* 
 }
 
 }  // namespace
+
+// The others read files, or send the daemon a message without a reply. A confirmation is urgent.
+bool AsksDaemon(const VelkctlRun& run) {
+    constexpr std::array<std::string_view, 6> kVerbs{"apply", "doctor", "revert",
+                                                     "show",  "status", "undo"};
+    return std::ranges::find(kVerbs, run.words.front()) != kVerbs.end();
+}
 
 std::vector<std::string> CommandOf(const VelkctlRun& run, bool is_root) {
     std::vector<std::string> command;

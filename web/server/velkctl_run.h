@@ -21,6 +21,10 @@ struct VelkctlRun {
     std::string input{};
 };
 
+// True if the run asks the wireless daemon. It replies to one path, so that two programs that ask
+// at once take each other's replies.
+bool AsksDaemon(const VelkctlRun& run);
+
 // Returns the arguments of the program that makes the run. Root runs velkctl itself; another user
 // runs the installed one through sudo.
 std::vector<std::string> CommandOf(const VelkctlRun& run, bool is_root);

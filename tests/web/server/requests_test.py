@@ -7,12 +7,16 @@ Runs on a simulated device, which has the web server and its files. Every bad re
 velk-web answers, the body is a document of its errors; where the web server itself answers, it is its own page.
 """
 
+import fcntl
 import json
+import os
 import pathlib
+import pty
 import random
 import socket
 import subprocess
 import sys
+import termios
 import threading
 import time
 
@@ -84,13 +88,13 @@ def refuses_forged_requests(session, other):
 
 def ends_sessions(session):
     """Idle, old, logged out, or with another password."""
-    for position, subject in [(3, "idle"), (2, "old")]:
+    for position, subject in [(4, "idle"), (3, "old")]:
         mortal = Session()
         before = {path.name for path in (RUN_FOLDER / "sessions").iterdir()}
         check(f"{subject}: begins", mortal.get("session").status == 200)
         for path in (RUN_FOLDER / "sessions").iterdir():
             lines = path.read_text().split("\n")
-            lines[position] = str(int(lines[position]) - (16 * 60 if position == 3 else 13 * 3600))
+            lines[position] = str(int(lines[position]) - (16 * 60 if position == 4 else 13 * 3600))
             if is_newest(path):
                 path.write_text("\n".join(lines))
         check_refusal(f"{subject} session", mortal.get("session"), 401)
@@ -340,6 +344,89 @@ def serves_many_at_once(session):
     check("after many", session.get("list").status == 200)
 
 
+def at_once(calls):
+    """Makes all calls at once and returns their results."""
+    results = []
+    threads = [threading.Thread(target=lambda call=call: results.append(call())) for call in calls]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    return results
+
+
+def asks_the_daemon_in_turn(session):
+    """The wireless daemon replies to one path: runs that ask it at once would take each other's replies."""
+    body = {"settings": {"eth1.wep-key-2": "abcde"}}
+    answers = at_once([lambda: session.post("check", body)] * 12)
+    check("checks at once", all(answer.status == 200 and answer.json["status"] == 0 for answer in answers),
+          [answer.body for answer in answers if answer.status != 200 or answer.json["status"] != 0])
+
+
+def waits_for_its_turn(session):
+    """A change begins when a run before it has asked the daemon."""
+    with open(RUN_FOLDER / "daemon.lock", "w", encoding="ascii") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        answer = session.post("apply", {"settings": {"location": "hall"}, "restart": False})
+        state = session.get(f"job?id={answer.json['job']}").json
+        check("turn: waits", state["progress"] == ["waiting for the end of another request"], state)
+        begin = time.monotonic()
+        check("turn: confirm does not wait", session.await_job(session.post("confirm", {})) is not None)
+        check("turn: pending does not wait", session.get("pending").status == 200)
+        check("turn: time", time.monotonic() - begin < 10, time.monotonic() - begin)
+        check_refusal("turn: a read ends its wait", session.get("show"), 503)
+    document = session.await_job(answer)
+    check("turn: change", document and document["status"] == 0, document)
+
+
+def serves_beside_slow_logins(session):
+    """Clients without a login cannot take the places of those with one."""
+    head = f"POST /cgi-bin/velk/login HTTP/1.1\r\nHost: 127.0.0.1:{kit.PORT}\r\n"
+    head += "Content-Type: application/json\r\nContent-Length: 20\r\n\r\n{"
+    slow = [kit.connect() for _ in range(40)]
+    for connection in slow:
+        connection.sendall(head.encode())
+    time.sleep(1)
+    answer = session.post("check", {"settings": {}})
+    check("beside slow logins", answer.status == 200, answer.body)
+    for connection in slow:
+        connection.close()
+
+
+def sets_passwords_at_once():
+    names = [f"user{number}" for number in range(6)]
+    at_once([lambda name=name: kit.set_password(name, "x") for name in names])
+    text = kit.USERS_FILE.read_text()
+    check("passwords at once", all(f"{name}:" in text for name in ["admin", *names]), text.count("\n"))
+
+
+def leaves_the_terminal_with_echo():
+    """Ctrl-C at the question for a password."""
+    program = pathlib.Path(os.environ["VELK_BUILD"]) / "velk-web"
+    command, terminal = pty.fork()
+    if command == 0:
+        os.execlp("sh", "sh", "-c", f"trap : INT; {program} --set-password admin; read x")
+    text = b""
+    while b"New password" not in text:
+        text += os.read(terminal, 100)
+    end = time.monotonic() + 10
+    while termios.tcgetattr(terminal)[3] & termios.ECHO and time.monotonic() < end:
+        time.sleep(0.02)
+    os.write(terminal, b"\x03")
+    while not termios.tcgetattr(terminal)[3] & termios.ECHO and time.monotonic() < end:
+        time.sleep(0.02)
+    check("echo after Ctrl-C", termios.tcgetattr(terminal)[3] & termios.ECHO)
+    os.close(terminal)
+    os.waitpid(command, 0)
+
+
+def keeps_the_cookie_encrypted():
+    """The browser uses a proxy with TLS."""
+    origin = {"Origin": f"https://127.0.0.1:{kit.PORT}"}
+    answer = request("POST", "login", {"user": "admin", "password": kit.PASSWORD}, origin)
+    check("cookie through TLS", "; Secure" in answer.headers.get("set-cookie", ""), answer.headers)
+
+
 # ---- Jobs and secrets ---------------------------------------------------------------------------
 
 
@@ -353,6 +440,16 @@ def keeps_jobs_to_their_user(session):
     kit.set_password("second", "password two")
     check_refusal("another user", Session("second", "password two").get(f"job?id={job}"), 404)
     check_refusal("nobody", request("GET", f"job?id={job}"), 401)
+
+
+def begins_jobs_beside_old_ones(session):
+    """Ended jobs make room."""
+    statuses = []
+    for _ in range(36):
+        answer = session.post("confirm", {})
+        statuses.append(answer.status)
+        session.await_job(answer)
+    check("many jobs in sequence", statuses == [202] * 36, statuses)
 
 
 def ends_a_change_without_its_connection(session):
@@ -481,7 +578,14 @@ def main():
         lambda: refuses_random_requests(session),
         lambda: serves_many_at_once(session),
         lambda: serves_beside_slow_clients(session),
+        lambda: serves_beside_slow_logins(session),
+        lambda: asks_the_daemon_in_turn(session),
+        lambda: waits_for_its_turn(session),
+        sets_passwords_at_once,
+        leaves_the_terminal_with_echo,
+        keeps_the_cookie_encrypted,
         lambda: keeps_jobs_to_their_user(session),
+        lambda: begins_jobs_beside_old_ones(session),
         lambda: ends_a_change_without_its_connection(session),
         lambda: confirms_and_reverts(session),
         lambda: shows_secrets_nowhere(session, log),

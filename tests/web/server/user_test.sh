@@ -93,6 +93,13 @@ done
 as_page ls /var/libvelk/journal
 check 'the journal' 2 "$status"
 
+it 'gives new files a mode that the user does not choose'
+echo '{"schema": 1, "settings": {"eth0.dns": ["192.168.0.2"]}}' >/tmp/change
+rm -f /etc/resolv.dnsmasq.conf
+as_page sh -c 'umask 777; sudo -n /usr/bin/velkctl apply - --restart=never --json </tmp/change'
+status_is 0
+check 'mode' 644 "$(stat -c %a /etc/resolv.dnsmasq.conf)"
+
 it 'keeps a run folder of another user closed'
 kill "$server"
 rm -rf /run/velk-web
