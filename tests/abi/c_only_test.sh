@@ -47,6 +47,7 @@ if reason=$("$build/velk-sandbox" --quiet -- true 2>&1); then
 5 execute_velk_command exception std::bad_alloc
 -1 ''
 0 '192.168.0.10'" "$("$build/velk-sandbox" --quiet -- "$build/c_host")"
+    check 'a plugin host' 0 "$("$build/velk-sandbox" --quiet -- "$build/c_reload" "$library" >/dev/null; echo $?)"
 elif [ "$failures" -eq 0 ]; then
     echo "SKIPPED: the sandbox does not start: $reason"
     exit 77

@@ -2,19 +2,30 @@
 // SPDX-License-Identifier: MIT
 
 /* c_reload.c - c_reload LIBRARY: a plugin host that loads, uses and unloads the library again and
- * again. Fails if that costs memory each time. */
+ * again. Fails if that costs memory each time, or if a first get without memory ends otherwise than
+ * with an error. Defines malloc(3). */
 #include <dlfcn.h>
 #include <malloc.h>
 #include <stdio.h>
 
 #include "velk.h"
 
+void* __libc_malloc(size_t size);
+void* malloc(size_t size);
+
+static int has_memory = 1;
+
+void* malloc(size_t size) {
+    return has_memory ? __libc_malloc(size) : NULL;
+}
+
 typedef int Command(const _velk_request* request, _velk_request* response);
 
-/* Returns 0 if the library was loaded and refused a request without a command. */
+/* Returns 0 if the library was loaded and its first get, without memory, has failed. */
 static int use(const char* library) {
-    const _velk_request request = {"", VELK_GET, 0, ""};
+    const _velk_request request = {"eth0", VELK_GET, VELK_CMD_IP_ADDRESS, ""};
     _velk_request response;
+    int result;
     Command* command;
     void* const handle = dlopen(library, RTLD_NOW);
     if (handle == NULL) {
@@ -22,10 +33,13 @@ static int use(const char* library) {
         return 1;
     }
     *(void**)&command = dlsym(handle, "execute_velk_command");
-    if (command == NULL || command(&request, &response) != LIB_VELK_INVALID_PARAMETER) {
+    if (command == NULL) {
         return 1;
     }
-    return dlclose(handle);
+    has_memory = 0;
+    result = command(&request, &response);
+    has_memory = 1;
+    return result == LIB_VELK_FAILURE ? dlclose(handle) : 1;
 }
 
 int main(int count, char** arguments) {
