@@ -10,16 +10,22 @@
 namespace bench {
 namespace {
 
-Measured LoadedFrom(const char* library) {
-    return [library] { return NumberFrom({Built("velk_bench_loader"), Built(library)}) / 1e9; };
+Measured LoadedBy(const char* loader, const char* library) {
+    return [=] { return NumberFrom({Built(loader), Built(library)}) / 1e9; };
 }
 
 }  // namespace
 
 void AddLoading() {
     Compare({.name = "loading",
-             .ours = LoadedFrom("libvelk.so.1"),
-             .other = LoadedFrom("libvelk_bench_probe.so")});
+             .ours = LoadedBy("velk_bench_loader", "libvelk.so.1"),
+             .other = LoadedBy("velk_bench_loader", "libvelk_bench_probe.so")});
+    Compare({.name = "loading/c",
+             .ours = LoadedBy("velk_bench_c_loader", "libvelk-c.so.1"),
+             .other = LoadedBy("velk_bench_c_loader", "libvelk_bench_c_probe.so")});
+    Compare({.name = "loading/c_and_all_functions",
+             .ours = LoadedBy("velk_bench_c_loader", "libvelk.so.1"),
+             .other = LoadedBy("velk_bench_c_loader", "libvelk_bench_c_probe.so")});
 }
 
 }  // namespace bench

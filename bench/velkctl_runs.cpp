@@ -22,6 +22,11 @@ constexpr char kAwkProgram[] =
     "/^iface eth0 inet / { inside = 1; next } /^iface/ { inside = 0 }"
     "inside && sub(/.*address /, \"\") { print; exit }";
 
+constexpr char kPythonProgram[] =
+    "import re; print(re.search(r'iface eth0 inet [^\\n]*\\n(?:[ \\t][^\\n]*\\n)*?[ \\t]*address "
+    "(\\S+)', "
+    "open('/etc/network/interfaces').read())[1])";
+
 void Add(const char* name, const Arguments& ours, const Arguments& other) {
     Compare({.name = name,
              .ours = Timed(Process(ours)),
@@ -37,6 +42,24 @@ std::function<void()> SetNextAddress(const std::shared_ptr<int>& number, const A
         words.insert(words.end(), options.begin(), options.end());
         Process(words)();
     };
+}
+
+// Two settings in one run, against a run for each.
+void AddSeveral() {
+    const Arguments set = {Built(kVelkctl), "set", "--force"};
+    const auto with = [set](const Arguments& values) {
+        Arguments words = set;
+        words.insert(words.end(), values.begin(), values.end());
+        return Process(words);
+    };
+    Compare({.name = "process/set_of_two_and_two_sets",
+             .ours = Timed(with({"eth0.address=192.168.0.10", "eth0.netmask=255.255.255.0"})),
+             .other = Timed([address = with({"eth0.address", "192.168.0.10"}),
+                             netmask = with({"eth0.netmask", "255.255.255.0"})] {
+                 address();
+                 netmask();
+             }),
+             .samples = kSamples / 3});
 }
 
 // The files lie in memory: the time of flushing is not in it.
@@ -58,10 +81,17 @@ void AddProcesses() {
         {Built("velk_bench_empty")});
     Add("process/get_and_augeas", get, {Built("velk_bench_augeas")});
     Add("process/get_and_ifquery", get, {"ifquery", "eth0"});
+    Add("process/static_get_and_ifquery", {Built("forms/static/velkctl"), "get", "eth0.address"},
+        {"ifquery", "eth0"});
+    Add("process/pie_get_and_empty_c_program", {Built("forms/pie/velkctl"), "get", "eth0.address"},
+        {Built("velk_bench_c_empty")});
+    Add("process/show_and_bare_program", {Built(kVelkctl), "show"}, {Built("velk_bench_get")});
+    Add("process/get_and_python", get, {"python3", "-S", "-E", "-c", kPythonProgram});
     Add("process/get_and_awk", get, {"awk", kAwkProgram, velk::kInterfacesFile});
     Add("process/set_and_bare_program",
         {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"},
         {Built("velk_bench_peak"), "set"});
+    AddSeveral();
     AddJournal();
 }
 

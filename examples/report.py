@@ -36,4 +36,13 @@ async def report(interface: Optional[str]) -> None:
         print(text)
 
 
-asyncio.run(report(sys.argv[1] if len(sys.argv) > 1 else None))
+def main(interface: Optional[str] = None) -> None:
+    if not velk.settings(interface):
+        sys.exit("usage: report.py [eth0|eth1]")
+    try:
+        asyncio.run(report(interface))
+    except velk.LibraryMissingError as error:
+        sys.exit(f"report: {error}")
+
+
+main(*sys.argv[1:2])

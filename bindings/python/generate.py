@@ -5,44 +5,39 @@
 
 """generate.py VELKCTL - prints src/velk/catalogue.py, from the settings that velkctl lists.
 
-Each setting gets its kind of value: by the valid values or, if it can only be read, by the values or by its name.
-A kind that is not known here needs a class in src/velk/values.py.
+Each setting gets its kind of value: by its type, and by its values where several kinds have one type. A kind that
+is not known here needs a class in src/velk/values.py.
 """
 import json
 import subprocess
 import sys
 
+BY_TYPE = {
+    "switch": "switch",
+    "host": "host",
+    "schedule": "schedule",
+    "addresses": "servers",
+    "mac-address": "mac-address",
+    "hex": "rate",
+    "numbers": "signal",
+}
+CHOICES = {
+    ("static", "dhcp"): "method",
+    ("reached", "not-reached", "no-result"): "ntp-result",
+    ("auto", "100-full", "100-half", "10-full", "10-half"): "link-speed",
+    ("infrastructure", "ad-hoc"): "service-set",
+    ("1", "wep", "3", "4"): "encryption",
+}
+# Addresses and texts, by their valid values. A text that can only be read has none.
 BY_EXPECTED = {
     "an IPv4 address such as 192.168.0.10": "address",
     "an IPv4 address such as 192.168.0.1, or none": "gateway",
     "an IPv4 mask such as 255.255.255.0": "netmask",
-    "one to three IPv4 addresses such as 192.168.0.1, or none": "servers",
-    "a host name or address such as 192.168.0.1, or none": "host",
-    "every 6h, daily 08:30, weekly sunday 08:30, monthly 31 08:30 or off": "schedule",
-    "on or off": "switch",
-    "static or dhcp": "method",
-    "auto, 100-full, 100-half, 10-full or 10-half": "link-speed",
-    "infrastructure or ad-hoc": "service-set",
-    "1, 2 (wep), 3 or 4": "encryption",
-    "a number from 1 to 4": "1-to-4",
-    "a number from 1 to 13": "1-to-13",
-    "2 or 3": "2-to-3",
     "a text of at most 511 bytes": "text",
     "a text of at most 32 bytes": "ssid",
     "a text of 1 to 64 bytes, or none": "psk",
     "a text of 5 or 13 bytes, 10 or 26 hex digits, or none": "wep-key",
-}
-BY_VALUES = {
-    ("reached", "not-reached", "no-result"): "ntp-result",
-    ("1", "2", "3"): "1-to-3",
-}
-BY_NAME = {
-    "mac-address": "mac-address",
-    "access-point": "mac-address",
-    "hardware-version": "shown-text",
-    "software-version": "shown-text",
-    "rate": "rate",
-    "signal": "signal",
+    None: "shown-text",
 }
 
 # Groups of settings with values of the same type in Python, for the overloads of get() and set().
@@ -86,9 +81,23 @@ def text(value):
 
 
 def kind_of(row):
-    kind = (BY_EXPECTED.get(row["expected"]) or BY_VALUES.get(tuple(row["values"])) or
-            BY_NAME.get(row["name"].rpartition(".")[2]))
-    return kind or sys.exit(f"generate: {row['name']} has a new kind of value; add it here and in values.py")
+    values = row["values"]
+    if row["type"] == "number":
+        kind = f"{values[0]}-to-{values[-1]}"
+    elif row["type"] == "choice":
+        kind = CHOICES.get(tuple(values))
+    else:
+        kind = BY_TYPE.get(row["type"]) or BY_EXPECTED.get(row["expected"])
+    if not any(kind in kinds for _, kinds in TYPE_NAMES):
+        sys.exit(f"generate: {row['name']} has a new kind of value; add it here and in values.py")
+    return kind
+
+
+def names_of(row, rows):
+    """The names of a setting: also the one without its interface, if no other setting has it."""
+    own_name = row["name"].rpartition(".")[2]
+    is_only = sum(other["name"].rpartition(".")[2] == own_name for other in rows) == 1
+    return [row["name"], own_name] if is_only and own_name != row["name"] else [row["name"]]
 
 
 def wrapped(start, items, end, indent=""):
@@ -121,7 +130,7 @@ def main(velkctl):
     rows = json.loads(listed.stdout)["settings"]
     print(HEAD)
     for name, kinds in TYPE_NAMES:
-        names = [text(row["name"]) for row in rows if kind_of(row) in kinds]
+        names = [text(name) for row in rows if kind_of(row) in kinds for name in names_of(row, rows)]
         print(wrapped(f"{name} = Literal[", names, "]"))
     print("\nSETTINGS = (")
     for row in rows:

@@ -27,14 +27,14 @@ bool FindWord(std::string_view line, std::string_view word, bool comment_aware, 
     if (comment_aware && line.find('#') <= position) {
         return false;
     }
-    if (position > 0 && !Contains(kWordStarts, line.substr(position - 1, 1))) {
+    if (position > 0 && kWordStarts.find(line[position - 1]) == std::string_view::npos) {
         return false;
     }
     const size_t end = position + word.size();
     if (end >= line.size()) {
         throw std::out_of_range("basic_string::at");
     }
-    return Contains(kWordStops, line.substr(end, 1));
+    return kWordStops.find(line[end]) != std::string_view::npos;
 }
 
 std::string_view TakeWord(std::string_view& text) {

@@ -15,7 +15,7 @@ namespace {
 // An option that the client can request. With `comment_aware`, its name after a "#" does not count;
 // see SetDhcpServer().
 struct Option {
-    const char* name;
+    char name[sizeof("domain-name-servers")];
     bool comment_aware;
 };
 constexpr Option kTimeServers{"ntp-servers", false};

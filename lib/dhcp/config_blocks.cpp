@@ -11,8 +11,8 @@ namespace velk {
 namespace {
 
 // Returns false for the opening line of another interface's block.
-bool Classify(std::string_view line, std::string_view nic, bool& in_block, bool& other_block,
-              bool comment_aware) {
+[[gnu::always_inline]] inline bool Classify(std::string_view line, std::string_view nic,
+                                            bool& in_block, bool& other_block, bool comment_aware) {
     if (in_block) {
         in_block = !HasWord(line, kBlockEnd, comment_aware);
         return true;
@@ -42,7 +42,8 @@ bool ConfigBlocks::IsInScope(std::string_view line) {
 
 using namespace velk;
 
-bool IsNicName(const std::string& line, const std::string& nic, bool& in_block, bool& other_block,
-               bool comment_aware) {
+// Only callers of the library use it, so its copy of Classify() is small instead of fast.
+[[gnu::cold]] bool IsNicName(const std::string& line, const std::string& nic, bool& in_block,
+                             bool& other_block, bool comment_aware) {
     return Classify(line, nic, in_block, other_block, comment_aware);
 }

@@ -10,7 +10,7 @@
 
 namespace velk {
 
-constexpr std::string_view kBlockEnd = "}";
+constexpr char kBlockEnd[] = "}";
 
 // Follows the blocks of dhclient.conf(5). The statements of an interface are between a line with
 // "interface" and its name and a line with "}". Statements outside blocks are for all interfaces.

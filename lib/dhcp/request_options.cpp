@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // request_options.cpp - the options that the DHCP client requests for an interface.
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -17,7 +18,7 @@
 namespace velk {
 namespace {
 
-constexpr std::string_view kStatementEnd = ";";
+constexpr char kStatementEnd[] = ";";
 
 // Returns the line without the option at `position`. If a comma follows the option anywhere on the
 // line, the character after its first place is removed too. Otherwise all characters before the
@@ -48,7 +49,9 @@ class RequestLines {
     // Takes the next line, with its newline. Returns true if it belongs to a statement. A line
     // outside the interface's block does not count if it holds a "#" anywhere.
     bool Holds(std::string_view line) {
-        if (!blocks_.IsInScope(line) || (!blocks_.in_block() && Contains(line, "#"))) {
+        const bool is_in_scope = blocks_.IsInScope(line);
+        if (!is_in_scope ||
+            (!blocks_.in_block() && memchr(line.data(), '#', line.size()) != nullptr)) {
             return false;
         }
         in_request_ = in_request_ || HasWord(line, "request", comment_aware_);

@@ -12,18 +12,18 @@
 namespace velk {
 
 // A line with this start ends the stanza before it.
-constexpr std::string_view kStanzaStart = "iface";
-constexpr std::string_view kFamily = " inet ";  // after the interface's name
+constexpr char kStanzaStart[] = "iface";
+constexpr char kFamily[] = " inet ";  // after the interface's name
 
 // Returns the length of "iface NAME inet " at the start of a line, the position of the method; 0 if
 // the line is no header of the interface. It copies no text, unlike StanzaHeader().
 inline size_t HeaderLength(std::string_view line, std::string_view interface) {
-    constexpr size_t kName = kStanzaStart.size() + 1;  // the name begins after a blank
-    const bool is_header = line.starts_with(kStanzaStart) &&
-                           line.substr(kStanzaStart.size()).starts_with(' ') &&
+    constexpr size_t kStart = sizeof(kStanzaStart) - 1;
+    constexpr size_t kName = kStart + 1;  // the name begins after a blank
+    const bool is_header = line.starts_with(kStanzaStart) && line.substr(kStart).starts_with(' ') &&
                            line.substr(kName).starts_with(interface) &&
                            line.substr(kName + interface.size()).starts_with(kFamily);
-    return is_header ? kName + interface.size() + kFamily.size() : 0;
+    return is_header ? kName + interface.size() + sizeof(kFamily) - 1 : 0;
 }
 
 // Returns the start of such a line as a new text.
@@ -31,8 +31,8 @@ inline std::string StanzaHeader(std::string_view interface) {
     return std::string(kStanzaStart).append(" ").append(interface).append(kFamily);
 }
 
-constexpr std::string_view kStaticMethod = "static";
-constexpr std::string_view kDhcpMethod = "dhcp";
+constexpr char kStaticMethod[] = "static";
+constexpr char kDhcpMethod[] = "dhcp";
 
 // The keys before the values in the value lines.
 constexpr char kAddressKey[] = "address ";

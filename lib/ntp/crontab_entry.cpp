@@ -3,6 +3,7 @@
 
 // crontab_entry.cpp - the crontab entry that sets the clock: whether it is active, and its server.
 #include <algorithm>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -20,7 +21,7 @@
 namespace velk {
 namespace {
 
-constexpr std::string_view kClient = "ntpdate";
+constexpr char kClient[] = "ntpdate";
 
 // Returns the position for a new server: after the last word before the redirection.
 size_t PlaceForServer(std::string_view line) {
@@ -54,7 +55,7 @@ int GetNtpdate(const std::string& line, std::string& server) {
     if (position == std::string::npos) {
         return LIB_VELK_SUCCESS;
     }
-    std::string_view rest = std::string_view(line).substr(position + kClient.size());
+    std::string_view rest = std::string_view(line).substr(position + strlen(kClient));
     while (!rest.empty()) {
         const std::string_view word = rest.substr(0, rest.find(' '));
         if (!word.empty() && IsLetterOrDigit(word.front())) {

@@ -22,10 +22,10 @@
 namespace velk {
 namespace {
 
-constexpr std::string_view kUpdater = "web_contents_updater";
+constexpr char kUpdater[] = "web_contents_updater";
 constexpr auto kCommand = JoinText("perl ", kWebUpdater);
-constexpr std::string_view kAny = "*";
-constexpr std::string_view kEvery = "*/";
+constexpr char kAny[] = "*";
+constexpr char kEvery[] = "*/";
 
 constexpr size_t kTimeOffset = VELK_SCHEDULE_TIME_OFFSET;
 constexpr size_t kClearedSize = 18;  // cleared even if the get fails
@@ -66,7 +66,7 @@ uint8_t LeadingByte(std::string_view field) {
 // Returns no value for a line that this library does not write.
 std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     if (fields.hour.starts_with(kEvery)) {
-        return Schedule{VELK_SCHEDULE_HOURS, LeadingByte(fields.hour.substr(kEvery.size())),
+        return Schedule{VELK_SCHEDULE_HOURS, LeadingByte(fields.hour.substr(strlen(kEvery))),
                         "00:00"};
     }
     const std::string time = std::string(fields.hour).append(":").append(fields.minute);

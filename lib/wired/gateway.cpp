@@ -24,7 +24,7 @@
 namespace velk {
 namespace {
 
-constexpr std::string_view kDefaultDestination = "00000000";
+constexpr char kDefaultDestination[] = "00000000";
 
 // Returns the gateway of a default route; no value for any other line. The kernel prints the
 // address as it is in memory, so the parsed number is already in network order.

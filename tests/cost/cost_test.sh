@@ -82,7 +82,7 @@ stripped=$(mktemp)
 trap 'rm -f "$stripped"' EXIT
 strip -o "$stripped" "$library"
 # The size in the flash memory of a device.
-at_most 'library: bytes' 131072 "$(stat -c %s "$stripped")"
+at_most 'library: bytes' 98304 "$(stat -c %s "$stripped")"
 # Each relocation costs time at the start of every program. Most are rows of the command tables.
 at_most 'library: relocations' 216 "$(readelf -rW "$library" | grep -c '^[0-9a-f]\{8,\}')"
 # libc, libstdc++ and libgcc, a dependency of libstdc++.

@@ -95,4 +95,15 @@ eth1.rate: refused while the cable is in the wired port
 eth1.access-point: refused while the cable is in the wired port
 eth1.signal: refused while the cable is in the wired port
 eth1.standards-enabled = 3'
+
+it 'reports a wrong interface and a missing library, in Python'
+run "$scripts/report.py" eth2
+status_is 1
+error_is 'usage: report.py [eth0|eth1]'
+[ -e /usr/lib/libvelk.so.1 ] || [ -n "$(find /usr/lib /usr/local/lib -name libvelk.so.1)" ] || {
+    LD_LIBRARY_PATH='' run "$scripts/report.py" eth0
+    status_is 1
+    check 'lines of the error' 1 "$(printf '%s\n' "$error" | wc -l)"
+    error_has 'report: libvelk.so.1 cannot be loaded'
+}
 finish

@@ -12,8 +12,8 @@ build=$1 form=$2 test=$3
 VELK_BUILD=$(mktemp -d "$build/forms/$form.XXXXXX") || exit 1
 export VELK_BUILD
 trap 'rm -rf "$VELK_BUILD"' EXIT
-for part in velk-sandbox wland libvelk.so.1 libvelk.so rootfs real-rootfs router stand-ins completion; do
+for part in velk-sandbox wland libvelk.so.1 libvelk.so rootfs real-rootfs router stand-ins completion velk-web; do
     cp -alL "$build/$part" "$VELK_BUILD" || exit 1
 done
-cp -al "$build/forms/$form/velkctl" "$VELK_BUILD" || exit 1
+cp -al "$build/forms/$form/velkctl" "$build/web-page" "$VELK_BUILD" || exit 1
 bash "$test"

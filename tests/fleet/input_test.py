@@ -61,10 +61,37 @@ class InputTest(unittest.TestCase):
             "IPv4 addresses such as 192.168.0.1, or none",
         )
 
+    def test_a_type_of_yaml_alone_is_refused(self):
+        for written, name, setting, wanted in (
+            ("2026-11-22", "date", "location", "string"),
+            ("!!binary aGVsbG8=", "bytes", "eth1.psk", "string"),
+            ("!!set {10.0.0.1}", "set", "eth0.dns", "array"),
+        ):
+            tasks = f"- name: Apply\n  velk.device.settings:\n    settings:\n      {setting}: {written}\n"
+            run = kit.playbook(kit.write_playbook(tasks), self.inventory)
+            begin = f"{setting}: its type is {name}, not {wanted}; at "
+            self.assertEqual(run.failed()["nowhere"]["msg"].partition(begin)[0], "", run.output)
+            self.assertIn("line 8, column 11; fix: give ", run.failed()["nowhere"]["msg"])
+
+    def test_settings_that_are_no_object_have_the_place_of_their_task(self):
+        for written in "[a]", "5", "eth1.psk=a-key-of-the-user":
+            path = kit.write_playbook(f"- name: Apply\n  velk.device.settings:\n    settings: {written}\n")
+            run = kit.playbook(path, self.inventory, "-vvvv")
+            self.assertEqual(
+                run.failed()["nowhere"]["msg"],
+                f"settings: not an object; at {path}, line 5, column 7; fix: give names and values",
+            )
+
+    def test_a_key_after_a_name_is_not_repeated(self):
+        path = kit.write_playbook(kit.settings_task({f"eth1.psk={kit.KEY}": None}))
+        run = kit.playbook(path, self.inventory, "-vvvv")
+        self.assertIn("'eth1.psk' is followed by '='", run.failed()["nowhere"]["msg"])
+        self.assertNotIn(kit.KEY, run.output)
+
     def test_unknown_names_get_the_words_of_velkctl(self):
         expected = {}
         for error in velkctl({"schema": 1, "settings": {name: "x" for name in UNKNOWN_NAMES}}):
-            name = error["detail"].removeprefix("at /settings/") if error["detail"] else ""
+            name = error["detail"].removeprefix("at /settings/").partition("=")[0] if error["detail"] else ""
             expected[name] = (error["message"].removeprefix("standard input: "), error["remedy"])
         run = self.apply({name: "x" for name in UNKNOWN_NAMES})
         found = {

@@ -129,7 +129,6 @@ def environment(**more):
         "ANSIBLE_LOCAL_TEMP": str(TMP / "local"),
         "ANSIBLE_CALLBACK_PLUGINS": str(SOURCE / "tests/fleet/callback"),
         "ANSIBLE_CALLBACKS_ENABLED": "results",
-        "ANSIBLE_HOST_KEY_CHECKING": "False",
         "ANSIBLE_INVENTORY_ENABLED": "velk.device.sandbox,yaml,host_list",
         "ANSIBLE_RETRY_FILES_ENABLED": "False",
         "PYTHONDONTWRITEBYTECODE": "1",

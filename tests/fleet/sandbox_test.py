@@ -6,6 +6,7 @@
 """Twenty simulated devices, over the connection of the sandbox."""
 
 import json
+import subprocess
 import unittest
 
 import kit
@@ -127,6 +128,14 @@ class FleetTest(unittest.TestCase):
             "velk_device_program to its path",
         )
 
+    def test_6_the_report_has_a_device_on_which_velkctl_fails(self):
+        report, playbook = kit.TMP / "report.csv", kit.SOURCE / "fleet/playbooks/report.yml"
+        values = f"report={report} velk_device_program=/nowhere/velkctl"
+        run = kit.playbook(playbook, self.fleet.inventory(), "-e", values)
+        lines = report.read_text().splitlines() if report.exists() else []
+        running = [device.name for device in self.fleet.devices if device.process.poll() is None]
+        self.assertEqual(lines[1:], [f"{name},yes,unknown,unknown,unknown,unknown" for name in running], run.output)
+
     def test_6_a_change_that_is_left_in_part_is_a_change(self):
         device = self.fleet.devices[4]
         error = {"message": "apply: eth0.dns was not put back", "detail": "why", "remedy": "do so", "setting": None}
@@ -147,6 +156,44 @@ class FleetTest(unittest.TestCase):
         self.assertEqual(
             run.failed()[self.fleet.names()[4]]["msg"],
             "velkctl printed no JSON document, exit status 0: show --json",
+        )
+
+    def test_6_an_address_that_is_not_applied_leaves_the_task_changed(self):
+        device = self.fleet.devices[9]
+        settings = {"eth0.method": "dhcp", "eth0.address": "192.168.0.44"}
+        run = self.run_tasks(kit.settings_task(settings, restart="never"), "-l", device.name, "--check")
+        self.assertEqual(run.changed(), [device.name], run.output)
+        self.assertEqual(run.of("ok")[device.name]["not_applied"], ["eth0.address"])
+
+    def test_6_a_value_may_be_encrypted_in_the_playbook(self):
+        device, key = self.fleet.devices[9], kit.KEY.upper()
+        password = kit.TMP / "password"
+        password.write_text("of-the-vault\n")
+        words = ["--vault-password-file", str(password)]
+        command = ["ansible-vault", "encrypt_string", *words, key]
+        encrypted = subprocess.run(command, capture_output=True, text=True, check=True, env=kit.environment()).stdout
+        tasks = "- name: Apply\n  velk.device.settings:\n    restart: never\n    settings:\n      eth1.psk: "
+        run = self.run_tasks(tasks + kit.indent(encrypted, 8).lstrip(), "-l", device.name, "-vvvv", *words)
+        self.assertEqual(run.changed(), [device.name], run.output)
+        self.assertEqual(device.run("velkctl get --show-secrets eth1.psk").strip(), key)
+        self.assertNotIn(key, run.output)
+
+    def test_6_the_metrics_pass_the_check_of_the_agent(self):
+        device = self.fleet.devices[9]
+        metrics, checker = device.run("velkctl metrics"), ["promtool", "check", "metrics"]
+        checked = subprocess.run(checker, input=metrics, capture_output=True, text=True, check=False)
+        self.assertEqual((checked.returncode, checked.stdout + checked.stderr), (0, ""))
+
+    def test_6_a_velkctl_of_another_schema_fails_with_the_remedy(self):
+        device = self.fleet.devices[4]
+        device.write_program("/run/fake", kit.shell("echo", '{"schema": 2, "status": 0, "values": []}'))
+        run = self.run_tasks(
+            "- name: Facts\n  velk.device.facts:\n", "-l", device.name, "-e", "velk_device_program=/run/fake"
+        )
+        self.assertEqual(
+            run.failed()[device.name]["msg"],
+            "velkctl on the device answers with schema 2, and the collection reads schema 3; fix: install the package "
+            "velk-tools and the collection of the same release",
         )
 
     def test_7_the_doctor_fails_on_problems_alone(self):
@@ -197,6 +244,35 @@ class FleetTest(unittest.TestCase):
             run.failed()[device.name]["msg"],
             r"^confirm: change \w{4} of \d\d:\d\d has been put back; 'velkctl revert' has asked for it$",
         )
+
+    def move(self, device, next_device, program):
+        """Moves two devices, one after the other. The program takes the place of velkctl on the first."""
+        device.write_program("/run/other", program)
+        hosts = f"    {device.name}: {{velk_device_program: /run/other}}\n    {next_device.name}: {{}}\n"
+        inventory = kit.TMP / "two.yml"
+        inventory.write_text(
+            f"devices:\n  hosts:\n{hosts}  vars:\n    ansible_connection: velk.device.sandbox\n"
+            f"    velk_sandbox_program: {kit.SANDBOX}\n    new_address: 192.168.0.60\n"
+            "    new_netmask: 255.255.255.0\n    new_gateway: 192.168.0.1\n"
+        )
+        playbook = kit.SOURCE / "fleet/playbooks/move.yml"
+        return kit.playbook(playbook, inventory, "-e", "at_a_time=1 patience=10 window=60")
+
+    def test_9_a_device_that_dies_stops_the_move(self):
+        device, next_device = self.fleet.devices[10:12]
+        # The doctor meets the device, and the next task does not.
+        run = self.move(device, next_device, 'test "$1" = doctor || exit 125; exec velkctl "$@"')
+        self.assertEqual(sorted(run.of("failed", "Stop before the next quarter")), [device.name], run.output)
+        self.assertEqual(run.of("ok", "Apply the new address"), {}, run.output)
+        self.assertEqual(next_device.value("eth0.address"), "192.168.0.10")
+
+    def test_9_a_refused_move_leaves_another_waiting_change(self):
+        device, next_device = self.fleet.devices[12:14]
+        device.run("velkctl apply location=Hall9 --confirm-within 600 --quiet")
+        run = self.move(device, next_device, 'exec velkctl "$@"')
+        self.assertEqual(sorted(run.of("failed", "Stop before the next quarter")), [device.name], run.output)
+        self.assertEqual(json.loads(device.run("velkctl pending --json"))["pending"]["state"], "waiting")
+        self.assertEqual(device.value("location"), "Hall9")
 
 
 if __name__ == "__main__":

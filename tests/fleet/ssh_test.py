@@ -44,14 +44,18 @@ class SshTest(unittest.TestCase):
         cls.keys.mkdir(mode=0o700)
         cls.addClassCleanup(kit.remove, cls.keys)
         subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", cls.keys / "user"], check=True)
-        subprocess.run(
-            ["dropbearkey", "-t", "ed25519", "-f", cls.keys / "host"], check=True, capture_output=True
+        made = subprocess.run(
+            ["dropbearkey", "-t", "ed25519", "-f", cls.keys / "host"], check=True, capture_output=True, text=True
         )
+        cls.host_key = next(line for line in made.stdout.splitlines() if line.startswith("ssh-ed25519"))
         start = START.format(public=cls.keys / "user.pub", host_key=cls.keys / "host")
         cls.fleet = kit.Fleet(COUNT, start)
         cls.addClassCleanup(cls.fleet.end)
         for device in cls.fleet.devices:
             kit.wait_until(lambda device=device: device.run("cat /run/dropbear.pid", check=False), "no ssh server")
+        # Each device is known by its name, at any address.
+        known = "".join(f"{device.name} {cls.host_key}\n" for device in cls.fleet.devices)
+        (cls.keys / "known_hosts").write_text(known)
         cls.inventory = kit.TMP / "ssh.yml"
         cls.write_inventory({})
 
@@ -72,8 +76,8 @@ class SshTest(unittest.TestCase):
                 f"    {device.name}:",
                 f"      ansible_host: {addresses.get(device.name, OLD_ADDRESS)}",
                 f"      new_address: {new_address(number)}",
-                f"      ansible_ssh_common_args: -o ControlPath=none -o UserKnownHostsFile=/dev/null "
-                f"-o ProxyCommand=\"{proxy}\"",
+                f"      ansible_ssh_common_args: -o ControlPath=none -o UserKnownHostsFile={cls.keys / 'known_hosts'} "
+                f"-o HostKeyAlias={device.name} -o ProxyCommand=\"{proxy}\"",
             ]
         cls.inventory.write_text("\n".join(lines) + "\n")
 

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 
 """The package on a simulated device, compared with velkctl. Each class runs on a device of its own."""
+import ast
 import asyncio
 import contextlib
 import enum
@@ -10,8 +11,10 @@ import ipaddress
 import json
 import os
 import pathlib
+import pickle
 import re
 import subprocess
+import sys
 import threading
 import time
 import unittest
@@ -26,6 +29,7 @@ IDENTITY = pathlib.Path("/var/libvelk/libvelk")
 EXIT_HOOKS = pathlib.Path("/etc/dhclient-exit-hooks")
 INTERFACES = pathlib.Path("/etc/network/interfaces")
 LOCK = "/var/tmp/vklib_lock"
+README = pathlib.Path(os.environ["VELK_SOURCE"], "bindings/python/README.md")
 
 # For each setting that can be set: values, with the value in velkctl's JSON. The addresses precede the method, as
 # with DHCP a get reads those of the lease; the method precedes the options of DHCP.
@@ -147,6 +151,8 @@ class Gets(unittest.TestCase):
         with self.assertRaises(velk.DeviceValueError) as raised:
             velk.get("eth0.address")
         self.assertEqual("300.1", raised.exception.text)
+        again = pickle.loads(pickle.dumps(raised.exception))
+        self.assertEqual((str(raised.exception), "300.1"), (str(again), again.text))
 
 
 class Sets(unittest.TestCase):
@@ -370,3 +376,32 @@ class Asyncio(unittest.TestCase):
             await velk.aio.set("administrator", "third")
             return await velk.aio.get("location")
         self.assertEqual("first", asyncio.run(main()))
+
+    def test_a_cancelled_change_does_not_wait_for_the_lock(self):
+        async def main():
+            for call in [velk.aio.set("location", "cancelled", wait=60), velk.aio.restart("eth0", wait=60)]:
+                with locked(), self.assertRaises(asyncio.TimeoutError):
+                    await asyncio.wait_for(call, 0.5)
+            await velk.aio.set("administrator", "next")
+            return await velk.aio.get("location")
+        begin = time.monotonic()
+        self.assertNotEqual("cancelled", asyncio.run(main()))
+        self.assertLess(time.monotonic() - begin, 30)
+
+
+class Manual(unittest.TestCase):
+    def test_the_example_runs(self):
+        example = re.search("^```python\n(.*?)^```", README.read_text(), re.DOTALL | re.MULTILINE)[1]
+        code = compile(example, str(README), "exec", flags=ast.PyCF_ALLOW_TOP_LEVEL_AWAIT)
+
+        # The example itself imports the modules that it uses.
+        del sys.modules["velk.aio"], velk.aio
+
+        async def main():
+            await eval(code, {"key": "a new key"})  # pylint: disable=eval-used
+        # A restart of eth0 with the adapter takes three minutes.
+        with unittest.mock.patch.object(velk, "restart") as restart:
+            asyncio.run(main())
+        restart.assert_called_once_with("eth0")
+        self.assertEqual((ipaddress.IPv4Address("192.168.0.77"), velk.Secret("a new key")),
+                         (velk.get("eth0.address"), velk.get("eth1.psk")))

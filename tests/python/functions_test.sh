@@ -21,7 +21,7 @@ status_is 0
 output_is "$(cat "$VELK_SOURCE/bindings/python/src/velk/catalogue.py")"
 
 it 'reports a kind of value that it does not know'
-printf '#!/bin/sh\n%s list --json | sed "s/a number from 1 to 13/a number from 1 to 14/"\n' "$VELK_BUILD/velkctl" \
+printf '#!/bin/sh\n%s list --json | sed "s/\"13\"/\"14\"/"\n' "$VELK_BUILD/velkctl" \
     >"$lib_folder/velkctl"
 chmod +x "$lib_folder/velkctl"
 run python3 "$VELK_SOURCE/bindings/python/generate.py" "$lib_folder/velkctl"

@@ -1,7 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The libvelk authors
 # SPDX-License-Identifier: MIT
 
-"""A program for mypy: get() and set() have the type of the setting. It is not run."""
+"""A program for mypy: get() and set() have the type of the setting. It is not run.
+
+The lines that mypy ignores are errors. It reports one that is none as an unused comment.
+"""
 import ipaddress
 from typing import List, Optional, Tuple
 
@@ -34,9 +37,18 @@ velk.set("ntp", True)
 velk.set("eth0.dns", ["10.0.0.53", ipaddress.IPv4Address("10.0.0.54")])
 velk.set("eth0.dns", servers, wait=5)
 velk.set("eth1.psk", velk.Secret("a key"))
-velk.set(some_name, value if isinstance(value, str) else None)
+velk.set("psk", None)
+velk.set(velk.find(some_name), value if isinstance(value, str) else None)
+velk.set("ntp", 5)  # type: ignore[call-overload]
+velk.set("eth0.dns", True)  # type: ignore[call-overload]
+velk.set("eth1.psk", "a key")  # type: ignore[call-overload]
+velk.set("eth1.rate", b"1234")  # type: ignore[call-overload]
+wrong_text: str = velk.get("ntp")  # type: ignore[assignment]
 
 
 async def main() -> None:
     awaited: List[ipaddress.IPv4Address] = await velk.aio.get("eth0.dns")
     await velk.aio.set("eth0.dns", awaited)
+    found: velk.Value = await velk.aio.get(velk.find(some_name))
+    await velk.aio.set(velk.find(some_name), found if isinstance(found, str) else None)
+    await velk.aio.set("ntp", "yes")  # type: ignore[call-overload]

@@ -5,6 +5,7 @@
 import asyncio
 import copy
 import datetime
+import enum
 import ipaddress
 import pickle
 import struct
@@ -18,6 +19,17 @@ from velk import errors, record, text
 from velk.schedule import Frequency, Schedule, Weekday
 
 KEY = "a key that nobody must see"
+
+
+class Words(str, enum.Enum):
+    """Texts. The str() of each is another text, such as Words.HOST."""
+
+    HOST = "time.example"
+    ADDRESS = "10.0.0.9"
+    MASK = "24"
+    ON = "on"
+    STATIC = "static"
+    WRONG = "wrong "
 
 
 def encoded(name, value):
@@ -122,7 +134,7 @@ class Encoding(unittest.TestCase):
                 ("eth0.address", None, "NoneType, not IPv4Address or str; give an IPv4 address such as 192.168.0.10"),
                 ("eth0.dns", "1.1.1.1", "str, not a list of IPv4Address or str; give one to three IPv4 addresses "
                                         "such as 192.168.0.1, or none"),
-                ("eth0.dns", [1], "list, not a list of IPv4Address or str; give one to three IPv4 addresses "
+                ("eth0.dns", [1], "a list with int, not a list of IPv4Address or str; give one to three IPv4 addresses "
                                   "such as 192.168.0.1, or none"),
                 ("location", None, "NoneType, not str; give a text of at most 511 bytes"),
                 ("eth1.psk", KEY, "str, not Secret; give a text of 1 to 64 bytes, or none")]:
@@ -130,6 +142,19 @@ class Encoding(unittest.TestCase):
                 with self.assertRaises(TypeError) as raised:
                     encoded(name, value)
                 self.assertEqual(f"{name}: its type is {problem}", str(raised.exception))
+
+
+    def test_takes_the_content_of_a_class_of_texts(self):
+        for name, value, expected in [
+                ("ntp-server", Words.HOST, b"time.example"), ("location", Words.HOST, b"time.example"),
+                ("eth0.address", Words.ADDRESS, b"10.0.0.9"), ("eth0.netmask", Words.MASK, b"255.255.255.0"),
+                ("eth0.dns", [Words.ADDRESS], b"10.0.0.9"), ("ntp", Words.ON, b"\1"),
+                ("eth0.method", Words.STATIC, b"\1"), ("eth1.psk", velk.Secret(Words.HOST), b"time.example")]:
+            with self.subTest(name=name):
+                self.assertEqual(expected, encoded(name, value))
+        for name in ["ntp", "ntp-server", "eth0.address", "eth0.method", "web-update"]:
+            with self.subTest(name=name), self.assertRaisesRegex(velk.InvalidValueError, "'wrong '"):
+                encoded(name, Words.WRONG)
 
 
 class Decoding(unittest.TestCase):
@@ -162,9 +187,9 @@ class Decoding(unittest.TestCase):
                 with self.assertRaises(velk.DeviceValueError) as raised:
                     decoded(name, content)
                 self.assertEqual(shown, raised.exception.text)
-        with self.assertRaisesRegex(velk.DeviceValueError, r"^eth0\.address: the device holds '300\.1', which is not "
-                                                           "valid$"):
-            decoded("eth0.address", b"300.1")
+        with self.assertRaisesRegex(velk.DeviceValueError, r"^eth0\.address: the device holds '300\.1\\x0a', which is "
+                                                           "not valid$"):
+            decoded("eth0.address", b"300.1\n")
 
     def test_writes_bytes_that_are_no_text_as_escapes(self):
         for content, shown in [
@@ -200,9 +225,15 @@ class Secrets(unittest.TestCase):
         self.assertEqual("Secret('********')", repr(key))
         self.assertEqual("******** ********   {'psk': Secret('********')}", f"{key} {key!s:10} {dict(psk=key)}")
         self.assertEqual(KEY, key.reveal())
-        for make in [lambda: pickle.dumps(key), lambda: vars(key)]:
+        for make in [lambda: pickle.dumps(key), lambda: vars(key), key.__getstate__]:
             with self.assertRaises(TypeError):
                 make()
+
+    def test_have_a_text(self):
+        for wrong in [KEY.encode(), None, 5]:
+            with self.assertRaisesRegex(TypeError, f"^the text of a Secret is a str, not {type(wrong).__name__}$"):
+                velk.Secret(wrong)
+        self.assertNotIn(KEY, self.shown_failure(lambda: velk.Secret(KEYS_OF_BYTES[0])))
 
     def test_are_equal_if_their_texts_are(self):
         self.assertEqual(velk.Secret(KEY), velk.Secret(KEY))
@@ -224,12 +255,13 @@ class Secrets(unittest.TestCase):
         """The traceback with the variables of all frames, without those of this file."""
         try:
             run()
-        except velk.VelkError as error:
+        except (TypeError, velk.VelkError) as error:
             lines = traceback.TracebackException.from_exception(error, capture_locals=True).format()
             return "".join(line for line in lines if __file__ not in line) + repr(error)
         return self.fail("no exception")
 
 
+KEYS_OF_BYTES = [KEY.encode()]
 SECRETS = {key: velk.Secret(key) for key in [KEY, KEY * 4, KEY + "\r", KEY + "\ud800"]}
 
 
@@ -244,8 +276,9 @@ class Errors(unittest.TestCase):
                 (-6, velk.WiredLinkedError, "refused while the cable is in the wired port (LIB_VELK_WIRED_LINKED, -6)"),
                 (-2, velk.ResultError, "an unknown result (unknown, -2)")]:
             error = errors.result_error("it failed", result)
-            self.assertIs(kind, type(error))
-            self.assertEqual((result, f"it failed: {message}"), (error.result, str(error)))
+            for same in [error, pickle.loads(pickle.dumps(error)), copy.copy(error)]:
+                self.assertIs(kind, type(same))
+                self.assertEqual((result, f"it failed: {message}"), (same.result, str(same)))
 
     def test_names_of_settings(self):
         self.assertEqual("eth1.psk", velk.find("psk").name)
@@ -257,6 +290,10 @@ class Errors(unittest.TestCase):
             with self.assertRaises(velk.UnknownSettingError) as raised:
                 velk.find(name)
             self.assertEqual(message, str(raised.exception))
+        for name in [104, None, b"ntp", ["ntp"]]:
+            with self.assertRaisesRegex(TypeError, f"^the name of a setting is a str, not {type(name).__name__}$"):
+                velk.get(name)
+        self.assertIs(velk.find("psk"), velk.find(velk.find("eth1.psk")))
 
     def test_directions(self):
         with self.assertRaisesRegex(velk.UnsupportedError, "^eth0.dhcp-notice: cannot be read, only set$"):

@@ -325,8 +325,9 @@ Answer AnswerRequest(const Request& request) {
         return *std::move(refusal);
     }
     if (!PrepareRunFolder()) {
-        return ErrorAnswer(500, {.message = "the folder of the sessions cannot be used",
-                                 .remedy = "make it as docs/settings-page.md describes it"});
+        return ErrorAnswer(
+            500, {.message = "the folder of the sessions cannot be used",
+                  .remedy = "make it with mode 700 for the server's user, see velk-web(8)"});
     }
     if (name->get == nullptr && name->post == nullptr) {
         return AnswerLogin(request);

@@ -14,7 +14,7 @@ if command -v mandoc >/dev/null; then
     # The pages name libvelk as their system, as formatters would print their own in its place.
     known='referenced manual not found\|operating system explicitly specified'
     it 'has manual pages that mandoc accepts without warnings, except on pages that are not installed here'
-    for page in velkctl.1 libvelk.3 velk-sandbox.1; do
+    for page in velkctl.1 libvelk.3 velk-sandbox.1 velk-web.8; do
         run mandoc -T lint "$pages/$page"
         check "findings in $page" '' "$(grep -v "$known" <<<"$output")"
     done
@@ -25,10 +25,10 @@ if command -v mandoc >/dev/null; then
     output_has 'longer than 80 bytes'
     output_has 'unknown macro'
     it 'has pages that name libvelk and no other system at the top and bottom'
-    for page in velkctl.1 libvelk.3 velk-sandbox.1; do
+    for page in velkctl.1 libvelk.3 velk-sandbox.1 velk-web.8; do
         run mandoc -T ascii "$pages/$page"
         check "the ends of $page" 'Manual libvelk' \
-            "$(sed -n '1s/.*General Commands Manual.*/Manual/p;1s/.*Library Functions Manual.*/Manual/p
+            "$(sed -n '1s/.*General Commands Manual.*/Manual/p;1s/.*Library Functions Manual.*/Manual/p;1s/.*System Manager.*/Manual/p
                 $s/ .*//p' <<<"$output" | xargs)"
         if command -v groff >/dev/null; then
             run groff -mandoc -T ascii "$pages/$page"
@@ -43,11 +43,12 @@ if command -v mandoc >/dev/null; then
             velkctl "$verb" --help
         done
         velk-sandbox --help
+        velk-web --help
     } >"$lib_folder/help"
     # "--" ends the options, --privileged is an option of container programs, -lvelk and -lvelk-c some of linkers.
     grep -oE '(^|[ ,[(|])--?[a-z][a-z-]*' "$lib_folder/help" | grep -oE -e '-.*' |
         cat - <(printf '%s\n' -- --privileged -lvelk -lvelk-c) >"$lib_folder/options"
-    for page in velkctl.1 libvelk.3 velk-sandbox.1; do
+    for page in velkctl.1 libvelk.3 velk-sandbox.1 velk-web.8; do
         run mandoc -T html "$pages/$page"
         flags=$(grep -o 'class="Fl">[^<]*' <<<"$output" | sed 's/.*>//' | sort -u)
         check "words set as options in $page" '' "$(grep -vxFf "$lib_folder/options" <<<"$flags")"

@@ -27,7 +27,7 @@ def check(subject, is_right, actual=""):
 
 
 class Answer:
-    """What came back: no status if the connection ended without an answer."""
+    """An answer. It has no status if the connection ended without one."""
 
     def __init__(self, raw):
         head, _, self.body = raw.partition(b"\r\n\r\n")

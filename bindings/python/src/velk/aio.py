@@ -10,8 +10,8 @@ The changes of one program wait for each other, in the order of the calls, and s
 daemon. Other gets run at once, four at a time.
 
 A task that is cancelled, such as by ``asyncio.wait_for()``, stops waiting at once. A call that has not begun then is
-left out. One that has begun goes on to its end, because an edit of a file must not be cut off; calls after it wait
-for it. The end of the program waits for it, too.
+left out. One that waits for another program does not try again. One that has begun goes on to its end, because an
+edit of a file must not be cut off; calls after it wait for it. The end of the program waits for it, too.
 """
 
 from __future__ import annotations
@@ -20,6 +20,7 @@ import asyncio
 import functools
 import ipaddress
 import os
+import threading
 from concurrent.futures import ThreadPoolExecutor
 from typing import Callable, Iterable, List, Optional, Tuple, TypeVar, Union, overload
 
@@ -27,6 +28,7 @@ from . import catalogue as names
 from . import device
 from .schedule import Schedule
 from .secret import Secret
+from .setting import Setting
 from .values import Encryption, GivenValue, LinkSpeed, Method, NtpResult, ServiceSet, Value
 
 __all__ = ["get", "restart", "set"]
@@ -52,6 +54,14 @@ _threads = _Threads()
 
 async def _run(threads: ThreadPoolExecutor, call: Callable[[], _Result]) -> _Result:
     return await asyncio.get_running_loop().run_in_executor(threads, call)
+
+
+async def _change(call: Callable[[threading.Event], None]) -> None:
+    stopped = threading.Event()
+    try:
+        await _run(_threads.changes, functools.partial(call, stopped))
+    finally:
+        stopped.set()
 
 
 @overload
@@ -89,10 +99,10 @@ async def get(name: names.RateName) -> bytes: ...
 @overload
 async def get(name: names.SignalName) -> Tuple[int, int]: ...
 @overload
-async def get(name: str) -> Value: ...
+async def get(name: Union[str, Setting]) -> Value: ...
 
 
-async def get(name: str) -> Value:
+async def get(name: Union[str, Setting]) -> Value:
     """Reads a setting: :func:`velk.get` in a thread, with the same value and exceptions."""
     threads = _threads.wireless if device.find(name).is_wireless else _threads.gets
     return await _run(threads, functools.partial(device.get, name))
@@ -127,14 +137,15 @@ async def set(name: names.ServiceSetName, value: Union[ServiceSet, str], *, wait
 @overload
 async def set(name: names.EncryptionName, value: Union[Encryption, str], *, wait: float = 0) -> None: ...
 @overload
-async def set(name: str, value: GivenValue, *, wait: float = 0) -> None: ...
+async def set(name: Setting, value: GivenValue, *, wait: float = 0) -> None: ...
 
 
-async def set(name: str, value: GivenValue, *, wait: float = 0) -> None:  # pylint: disable=redefined-builtin
+async def set(name: Union[str, Setting], value: GivenValue, *,  # pylint: disable=redefined-builtin
+              wait: float = 0) -> None:
     """Sets a setting: :func:`velk.set` in a thread, with the same exceptions."""
-    await _run(_threads.changes, functools.partial(device.set, name, value, wait=wait))
+    await _change(functools.partial(device.set_unless_stopped, name, value, wait))
 
 
 async def restart(interface: str, *, notify_only: bool = False, wait: float = 0) -> None:
     """Restarts an interface: :func:`velk.restart` in a thread, with the same exceptions."""
-    await _run(_threads.changes, functools.partial(device.restart, interface, notify_only=notify_only, wait=wait))
+    await _change(functools.partial(device.restart_unless_stopped, interface, notify_only, wait))

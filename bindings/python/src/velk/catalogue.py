@@ -10,29 +10,33 @@ from typing import Literal
 from .setting import Setting
 
 SwitchName = Literal[
-    "ntp", "dhcp-ntp", "eth0.apipa", "eth0.dhcp-dns", "eth0.dhcp-notice", "eth1.apipa", "eth1.dhcp-dns",
+    "ntp", "dhcp-ntp", "eth0.apipa", "eth0.dhcp-dns", "eth0.dhcp-notice", "dhcp-notice", "eth1.apipa", "eth1.dhcp-dns",
 ]
 NumberName = Literal[
-    "eth1.standard", "eth1.channel", "eth1.region", "eth1.authentication", "eth1.wep-default-key",
-    "eth1.standards-enabled",
+    "eth1.standard", "standard", "eth1.channel", "channel", "eth1.region", "region", "eth1.authentication",
+    "authentication", "eth1.wep-default-key", "wep-default-key", "eth1.standards-enabled", "standards-enabled",
 ]
-TextName = Literal["administrator", "location", "eth1.ssid"]
+TextName = Literal["administrator", "location", "eth1.ssid", "ssid"]
 ShownName = Literal[
-    "eth0.mac-address", "eth1.mac-address", "eth1.hardware-version", "eth1.software-version", "eth1.access-point",
+    "eth0.mac-address", "eth1.mac-address", "eth1.hardware-version", "hardware-version", "eth1.software-version",
+    "software-version", "eth1.access-point", "access-point",
 ]
 HostName = Literal["ntp-server"]
 AddressName = Literal["eth0.address", "eth0.netmask", "eth1.address", "eth1.netmask"]
 GatewayName = Literal["eth0.gateway", "eth1.gateway"]
 ServersName = Literal["eth0.dns", "eth1.dns"]
 ScheduleName = Literal["web-update"]
-SecretName = Literal["eth1.wep-key-1", "eth1.wep-key-2", "eth1.wep-key-3", "eth1.wep-key-4", "eth1.psk"]
+SecretName = Literal[
+    "eth1.wep-key-1", "wep-key-1", "eth1.wep-key-2", "wep-key-2", "eth1.wep-key-3", "wep-key-3", "eth1.wep-key-4",
+    "wep-key-4", "eth1.psk", "psk",
+]
 MethodName = Literal["eth0.method", "eth1.method"]
 NtpResultName = Literal["ntp-result"]
-LinkSpeedName = Literal["eth0.link-speed"]
-ServiceSetName = Literal["eth1.service-set"]
-EncryptionName = Literal["eth1.encryption"]
-RateName = Literal["eth1.rate"]
-SignalName = Literal["eth1.signal"]
+LinkSpeedName = Literal["eth0.link-speed", "link-speed"]
+ServiceSetName = Literal["eth1.service-set", "service-set"]
+EncryptionName = Literal["eth1.encryption", "encryption"]
+RateName = Literal["eth1.rate", "rate"]
+SignalName = Literal["eth1.signal", "signal"]
 
 SETTINGS = (
     Setting(

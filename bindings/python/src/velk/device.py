@@ -58,11 +58,16 @@ def settings(interface: Optional[str] = None) -> Tuple[Setting, ...]:
     return tuple(setting for setting in names.SETTINGS if interface is None or setting.interface == interface)
 
 
-def find(name: str) -> Setting:
+def find(name: Union[str, Setting]) -> Setting:
     """Returns the setting of a name. The interface can be left out if the name has only one: ``ssid``.
 
-    Raises UnknownSettingError, which names similar settings.
+    A setting is returned as it is. Raises UnknownSettingError, which names similar settings, and TypeError for
+    another type.
     """
+    if isinstance(name, Setting):
+        return name
+    if not isinstance(name, str):
+        raise TypeError(f"the name of a setting is a str, not {type(name).__name__}")
     if name in _BY_NAME:
         return _BY_NAME[name]
     own_name = name.rpartition(".")[2]
@@ -109,10 +114,10 @@ def get(name: names.RateName) -> bytes: ...
 @overload
 def get(name: names.SignalName) -> Tuple[int, int]: ...
 @overload
-def get(name: str) -> Value: ...
+def get(name: Union[str, Setting]) -> Value: ...
 
 
-def get(name: str) -> Value:
+def get(name: Union[str, Setting]) -> Value:
     """Reads a setting and returns its value.
 
     Blocks as long as ``find(name).longest_seconds`` says. Raises UnknownSettingError; UnsupportedError for a
@@ -158,27 +163,35 @@ def set(name: names.ServiceSetName, value: Union[ServiceSet, str], *, wait: floa
 @overload
 def set(name: names.EncryptionName, value: Union[Encryption, str], *, wait: float = 0) -> None: ...
 @overload
-def set(name: str, value: GivenValue, *, wait: float = 0) -> None: ...
+def set(name: Setting, value: GivenValue, *, wait: float = 0) -> None: ...
 
 
-def set(name: str, value: GivenValue, *, wait: float = 0) -> None:  # pylint: disable=redefined-builtin
+# With a name, the type checker knows the type of the value, so a name that it cannot see is no overload.
+def set(name: Union[str, Setting], value: GivenValue, *, wait: float = 0) -> None:  # pylint: disable=redefined-builtin
     """Sets a setting to a value.
+
+    A type checker knows the values that a name takes. For a name that the program computes, give ``find(name)``.
 
     Success does not prove that the device holds the value: read it back with :func:`get`. A change counts from the
     moment that ``find(name).takes_effect`` names.
 
-    While another program changes settings, tries again for up to `wait` seconds. Blocks that long, and up to
+    While another program or thread changes settings, tries again for up to `wait` seconds. Blocks that long, and up to
     60 seconds for settings of the wireless daemon.
 
     Raises UnknownSettingError; UnsupportedError for a setting that can only be read; TypeError or
     InvalidValueError for a value that the setting does not take, and nothing is sent; LockedError or another
     ResultError for a result other than success.
     """
+    set_unless_stopped(name, value, wait, threading.Event())
+
+
+def set_unless_stopped(name: Union[str, Setting], value: GivenValue, wait: float, stopped: threading.Event) -> None:
+    """Sets a setting as :func:`set` does, but does not try again once `stopped` is set."""
     setting = find(name)
     if not setting.writable:
         raise UnsupportedError(f"{setting.name}: cannot be set, only read")
     command = record.Request(setting.interface.encode(), record.CommandType.SET, setting.id, setting.encode(value))
-    _change(f"{setting.name}: could not be set", command, wait, setting)
+    _change(f"{setting.name}: could not be set", command, wait, stopped, setting)
 
 
 def restart(interface: str, *, notify_only: bool = False, wait: float = 0) -> None:
@@ -191,23 +204,28 @@ def restart(interface: str, *, notify_only: bool = False, wait: float = 0) -> No
     Raises ValueError for another interface, or for eth0 with `notify_only`; LockedError, NoAdapterError or another
     ResultError.
     """
+    restart_unless_stopped(interface, notify_only, wait, threading.Event())
+
+
+def restart_unless_stopped(interface: str, notify_only: bool, wait: float, stopped: threading.Event) -> None:
+    """Restarts an interface as :func:`restart` does, but does not try again once `stopped` is set."""
     if interface not in ("eth0", "eth1"):
         raise ValueError("an unknown interface; give eth0 or eth1")
     if notify_only and interface != "eth1":
         raise ValueError("eth0 has no daemon to notify; give eth1")
     command = record.request(record.CommandType.RESTART, record.RESTART_COMMAND, interface,
                              b"\2" if notify_only else b"")
-    _change(f"{interface}: could not be restarted", command, wait)
+    _change(f"{interface}: could not be restarted", command, wait, stopped)
 
 
-def _change(failure: str, command: record.Request, wait: float, setting: Optional[Setting] = None) -> None:
-    """Runs a set or restart, and again for `wait` seconds while settings are locked."""
+def _change(failure: str, command: record.Request, wait: float, stopped: threading.Event,
+            setting: Optional[Setting] = None) -> None:
+    """Runs a set or restart, and again for `wait` seconds while settings are locked, unless `stopped` is set."""
     end = time.monotonic() + wait
     while True:
         result, _ = _execute(command, setting)
         if result == record.Result.SUCCESS:
             return
         error = result_error(failure, result)
-        if not isinstance(error, LockedError) or time.monotonic() >= end:
+        if not isinstance(error, LockedError) or time.monotonic() >= end or stopped.wait(_PAUSE):
             raise error
-        time.sleep(_PAUSE)

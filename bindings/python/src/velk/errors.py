@@ -15,7 +15,7 @@ __all__ = [
 
 
 class VelkError(Exception):
-    """The base of all exceptions of this package."""
+    """The base of all exceptions of this package. They can be pickled, as for a pool of processes."""
 
 
 class LibraryMissingError(VelkError, OSError):
@@ -41,8 +41,11 @@ class DeviceValueError(VelkError, ValueError):
     """
 
     def __init__(self, message: str, text: str) -> None:
-        super().__init__(message)
+        super().__init__(message, text)
         self.text = text
+
+    def __str__(self) -> str:
+        return str(self.args[0])
 
 
 class ResultError(VelkError):
@@ -55,8 +58,11 @@ class ResultError(VelkError):
     name = "unknown"
 
     def __init__(self, failure: str, result: int) -> None:
-        super().__init__(f"{failure}: {self.description} ({self.name}, {result})")
+        super().__init__(failure, result)
         self.result = result
+
+    def __str__(self) -> str:
+        return f"{self.args[0]}: {self.description} ({self.name}, {self.result})"
 
 
 class FailureError(ResultError):

@@ -19,15 +19,19 @@ class Secret:
     >>> Secret("a new key of the desk")
     Secret('********')
 
-    A secret cannot be pickled. Two secrets are equal if their texts are; the comparison takes the same time for
-    any texts of one length.
+    Raises TypeError if the text is no str. A secret cannot be pickled. Two secrets are equal if their texts are; the
+    comparison takes the same time for any texts of one length. A set reads ``\\xNN`` in the text as a byte; give
+    ``\\x5c`` for a backslash that precedes an x and two hex digits.
     """
 
     __slots__ = ("_text",)
 
     def __init__(self, text: str) -> None:
-        # An exception here must not show the text, so there is none.
         self._text = text
+        if not isinstance(text, str):
+            kind = type(text).__name__
+            del text, self._text  # the frame of the exception must not show a key
+            raise TypeError(f"the text of a Secret is a str, not {kind}")
 
     def reveal(self) -> str:
         """Returns the text of the key."""
@@ -50,6 +54,9 @@ class Secret:
 
     def __hash__(self) -> int:
         return hash((Secret, self._text))
+
+    def __getstate__(self) -> NoReturn:
+        raise TypeError("a Secret cannot be pickled")
 
     def __reduce__(self) -> NoReturn:
         raise TypeError("a Secret cannot be pickled")

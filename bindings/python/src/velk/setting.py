@@ -9,7 +9,6 @@ import ctypes
 import dataclasses
 from typing import Optional, Tuple
 
-from . import text
 from .errors import DeviceValueError, InvalidValueError
 from .values import KINDS, Value, WrongType
 
@@ -52,7 +51,7 @@ class Setting:
         """
         parsed = KINDS[self.kind].parse(value, self.expected or "")
         if isinstance(parsed, WrongType):
-            raise TypeError(f"{self.name}: its type is {type(value).__name__}, not {parsed.wanted}; "
+            raise TypeError(f"{self.name}: its type is {parsed.given or type(value).__name__}, not {parsed.wanted}; "
                             f"give {self.expected}")
         if isinstance(parsed, str):
             raise InvalidValueError(f"{self.name}: {parsed}")
@@ -64,4 +63,4 @@ class Setting:
             return KINDS[self.kind].read(data)
         except ValueError as error:
             words = str(error)
-        raise DeviceValueError(f"{self.name}: the device holds {text.quoted(words)}, which is not valid", words)
+        raise DeviceValueError(f"{self.name}: the device holds '{words}', which is not valid", words)

@@ -8,7 +8,7 @@ from __future__ import annotations
 import re
 from typing import Optional
 
-__all__ = ["bytes_of", "has_controls", "quoted", "shown"]
+__all__ = ["bytes_of", "content_of", "has_controls", "quoted", "shown"]
 
 _ESCAPE = re.compile(rb"\\x([0-9A-Fa-f]{2})")
 _LONGEST_QUOTE = 40  # sufficient to recognise a refused word
@@ -54,6 +54,11 @@ def bytes_of(text: str) -> Optional[bytes]:
     except UnicodeEncodeError:
         return None
     return _ESCAPE.sub(lambda escape: bytes([int(escape[1], 16)]), content)
+
+
+def content_of(word: object) -> str:
+    """Returns the text of a value. The ``str()`` of a class of texts, such as an enumeration, can be another one."""
+    return str.__str__(word) if isinstance(word, str) else str(word)
 
 
 def has_controls(content: bytes) -> bool:

@@ -86,9 +86,10 @@ class Encryption(_Word):
 
 
 class WrongType(NamedTuple):
-    """The value has a type that the setting does not take. `wanted` names the types."""
+    """The value has a type that the setting does not take. `wanted` names the types, and `given` that of the value."""
 
     wanted: str
+    given: str = ""
 
 
 #: Data bytes; or the problem with a value, to follow the name of the setting in a message; or the wrong type. A
@@ -171,10 +172,11 @@ class Address(Kind):
             return WrongType("IPv4Address or str")
         if value == "none" and self._takes_none:
             return Data()
-        word = self._in_full(str(value))
+        given = text.content_of(value)
+        word = self._in_full(given)
         bits = _bits(word)
         problem = self._problem(bits) if bits is not None else self._no_address_problem(word)
-        return f"{text.quoted(str(value))} {problem}; give {wanted}" if problem else _data(word.encode())
+        return f"{text.quoted(given)} {problem}; give {wanted}" if problem else _data(word.encode())
 
     def _in_full(self, word: str) -> str:
         return word
@@ -228,9 +230,10 @@ class ServerList(Kind):
         if isinstance(value, (str, bytes)) or not isinstance(value, Iterable):
             return WrongType("a list of IPv4Address or str")
         servers = list(value)
-        if not all(isinstance(server, (str, ipaddress.IPv4Address)) for server in servers):
-            return WrongType("a list of IPv4Address or str")
-        words = [str(server) for server in servers]
+        wrong = [type(server).__name__ for server in servers if not isinstance(server, (str, ipaddress.IPv4Address))]
+        if wrong:
+            return WrongType("a list of IPv4Address or str", f"a list with {wrong[0]}")
+        words = list(map(text.content_of, servers))
         problem = self._problem(words, wanted)
         if problem:
             return problem
@@ -271,7 +274,7 @@ class Host(Kind):
             return Data()
         if not isinstance(value, (str, ipaddress.IPv4Address, ipaddress.IPv6Address)):
             return WrongType("str, IPv4Address or IPv6Address")
-        word = str(value)
+        word = text.content_of(value)
         if word == "off":
             return "'off' would be a host name here; give none to clear the setting"
         problem = self._problem(word)
@@ -324,7 +327,7 @@ class Choice(Kind):
         for code, word in self._codes.items():
             if value in (word, word.value) or (self._takes_numbers and value == str(code)):
                 return _data(bytes([code]))
-        return f"{text.quoted(str(value))} is not valid; give {wanted}"
+        return f"{text.quoted(text.content_of(value))} is not valid; give {wanted}"
 
     def read(self, data: _Bytes) -> enum.Enum:
         if data[0] not in self._codes:
@@ -439,7 +442,7 @@ class WebSchedule(Kind):
         try:
             schedule = Schedule.parse(value) if isinstance(value, str) else value
         except ValueError:
-            return f"{text.quoted(str(value))} is not a schedule; give {wanted}"
+            return f"{text.quoted(text.content_of(value))} is not a schedule; give {wanted}"
         number = {Frequency.DAILY: 1, Frequency.OFF: 99}.get(schedule.frequency, schedule.number)
         time = f"{schedule.time:%H:%M}" if schedule.time else "00:00"
         return _data(bytes([self._TYPES[schedule.frequency], number or 0]) + time.encode())

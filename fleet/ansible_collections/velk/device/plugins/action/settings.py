@@ -26,7 +26,8 @@ NO_PREVIEW = "The device cannot preview changes of files, because its kernel ref
 
 class ActionModule(DeviceAction):
     ARGUMENTS = {
-        "settings": {"type": "dict", "required": True},
+        # Checked here, for a message with the place in the playbook.
+        "settings": {"type": "raw", "required": True},
         "confirm_within": {"type": "int"},
         "restart": {"type": "str", "default": "auto"},
         **TIME_ARGUMENTS,
@@ -71,7 +72,7 @@ class ActionModule(DeviceAction):
         if problems:
             raise Failure(
                 "\n".join(self._with_place(word, problem) for word, problem in problems),
-                errors=[{"setting": str(word), "message": p.message, "remedy": p.remedy} for word, p in problems],
+                errors=[{"setting": shown_name(word), "message": p.message, "remedy": p.remedy} for word, p in problems],
             )
         return checked
 
@@ -91,7 +92,10 @@ class ActionModule(DeviceAction):
         return "at {0}, line {1}, column {2}".format(*position) if position else "in this task"
 
     def _result(self, answer):
-        members = {key: answer[key] for key in ("changes", "skipped", "restarts", "id", "state") if key in answer}
+        members = {key: answer[key] for key in ("changes", "restarts", "id", "state") if key in answer}
+        if "skipped" in answer:
+            # A result with a member "skipped" is that of a task that was not run, so this has another name.
+            members["not_applied"] = answer["skipped"]
         members["notes"] = answer["notes"]
         is_preview_missing = self._task.check_mode and "changes" in answer and lacks_namespaces(answer)
         if answer["status"] != 0 and not is_preview_missing:
@@ -103,6 +107,11 @@ class ActionModule(DeviceAction):
         if self._task.diff:
             members["diff"] = [settings_diff(answer["changes"])] + file_diffs(answer.get("preview"))
         return members
+
+
+def shown_name(word):
+    """Returns a name without a value that was written after it by mistake. The value may be a key."""
+    return str(word).partition("=")[0]
 
 
 def lacks_namespaces(answer):

@@ -59,6 +59,7 @@ EXAMPLES = r"""
       velk.device.confirm:
         state: reverted
         addresses: ["{{ new_address }}", "{{ ansible_host }}"]
+      when: change is changed
 """
 
 RETURN = r"""

@@ -273,7 +273,7 @@ changes:
   returned: if the device has answered
   type: list
   elements: dict
-skipped:
+not_applied:
   description: Addresses that are not applied, because the interface gets them from DHCP.
   returned: if the device has answered
   type: list

@@ -21,9 +21,17 @@ class Problem(Exception):
 
 
 def json_type(value):
+    """Returns None for a type of YAML alone, such as a date."""
     if value is None:
         return "null"
-    return next(name for types, name in JSON_TYPES if isinstance(value, types))
+    return next((name for types, name in JSON_TYPES if isinstance(value, types)), None)
+
+
+def decrypted(value):
+    """Returns the text of a value that the playbook has encrypted with !vault."""
+    if isinstance(value, (list, tuple)):
+        return [decrypted(element) for element in value]
+    return str(value) if getattr(value, "__ENCRYPTED__", False) else value
 
 
 def as_meant(setting, value):
@@ -45,6 +53,8 @@ def _check_type(name, setting, value):
         return
     if setting["type"] == "array" and value == NONE:
         return
+    if found is None:
+        raise Problem(f"{name}: its type is {type(value).__name__}, not {setting['type']}", advice)
     if found != setting["type"]:
         raise Problem(f"{name}: its JSON type is {found}, not {setting['type']}", advice)
     if found == "array" and not all(isinstance(element, str) for element in value):
@@ -61,6 +71,6 @@ def checked_setting(word, value):
     setting = SETTINGS[name]
     if not setting["set"]:
         raise Problem(f"{name}: cannot be set, only read", "leave it out")
-    value = as_meant(setting, value)
+    value = as_meant(setting, decrypted(value))
     _check_type(name, setting, value)
     return name, value

@@ -12,6 +12,9 @@ from ansible_collections.velk.device.plugins.plugin_utils.connection import limi
 # A command with standard input gets no terminal from ssh, which would add a carriage return to each line.
 NO_INPUT = b"\n"
 
+# The schema of the answers, which is raised if it can break a program that reads them.
+SCHEMA = 3
+
 NOT_FOUND = 127
 LONGEST_OUTPUT = 300
 
@@ -45,7 +48,7 @@ class DeviceAction(ActionBase):
         raise NotImplementedError
 
     def velkctl(self, words, document=None):
-        """Returns the JSON document of a run. Raises Failure if the output is none."""
+        """Returns the JSON document of a run. Raises Failure if the output is none, or has another schema."""
         command = [self._program] + words + ["--json"]
         standard_input = NO_INPUT if document is None else json.dumps(document).encode()
         answer = self._low_level_execute_command(
@@ -57,6 +60,11 @@ class DeviceAction(ActionBase):
             parsed = None
         if not isinstance(parsed, dict) or "status" not in parsed:
             raise Failure(self._explain(answer), status=answer["rc"])
+        if parsed.get("schema") != SCHEMA:
+            raise Failure(
+                f"velkctl on the device answers with schema {parsed.get('schema')}, and the collection reads schema "
+                f"{SCHEMA}; fix: install the package velk-tools and the collection of the same release"
+            )
         return parsed
 
     def checked(self, words, document=None, accepted=(0,)):
