@@ -43,7 +43,10 @@ extern "C" {
  *   LIB_VELK_LOCKED             set and restart: another process holds the lock;
  *   LIB_VELK_FAILURE            set and restart: the lock file could not be opened or locked;
  *                               any type: the command ran out of memory or threw another
- *                               exception. No exception leaves this function.
+ *                               exception. No exception leaves this function. But if a program
+ *                               has loaded libvelk.so with dlopen(3), libc ends the program when
+ *                               memory is out at the first exception of a thread. With
+ *                               libvelk-c.so it does not.
  *
  * Side effects: a set or restart holds an flock(2) on /var/tmp/vklib_lock for the length of the
  * call (see VkLibLock()) and makes the changes of its command. The log lines

@@ -77,6 +77,8 @@ lacks_package GTest 'GTest is missing: apt-get install libgtest-dev libgmock-dev
 check 'velkctl left out, but not the tests' \
     '   tests and benchmarks need velkctl and the sandbox: -DBUILD_TESTING=OFF -DVELK_BENCH=OFF' \
     "$(cmake -S "$source" -B "$root/half" -DVELK_TOOLS=OFF 2>&1 | grep 'tests and benchmarks')"
+check 'a form of velkctl that is not known' '   -DVELKCTL_STATIC=pie is not valid: it is OFF, ON or PIE' \
+    "$(cmake -S "$source" -B "$root/form" -DVELKCTL_STATIC=pie 2>&1 | grep 'VELKCTL_STATIC')"
 # The same line for those who call CMake themselves. The folder of programs has no compiler.
 for program in cmake ninja; do
     ln -s "$(command -v "$program")" "$root/programs"

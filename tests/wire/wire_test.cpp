@@ -29,12 +29,19 @@ constexpr char kRoutes[] = "/var/tmp/routes";
 struct NamedScene {
     const char* name;
     Scene scene;
+    bool is_beyond_ascii = false;  // values of kHighBytes in files, requests and the daemon
 };
 
 constexpr NamedScene kScenes[] = {
     {"static", {}},
     {"dhcp", {.has_cable = true, .uses_dhcp = true}},
+    {"beyond_ascii", {}, true},
 };
+
+// Negative where char is signed. As long as a WEP key.
+constexpr std::string_view kHighBytes =
+    "\xc3\xbc"
+    "b\xff\x80";
 
 // Values that are different when read in the other byte order.
 SMsgState State() {
@@ -48,6 +55,55 @@ SMsgState State() {
     state.signal[0] = 0x0102;
     state.signal[1] = 0xFFC4;
     return state;
+}
+
+SMsgConf HighConfiguration() {
+    SMsgConf conf = fault::WirelessConfiguration();
+    conf.ssid_length = conf.psk_length = kHighBytes.size();
+    kHighBytes.copy(conf.ssid, kHighBytes.size());
+    kHighBytes.copy(conf.psk, kHighBytes.size());
+    for (SWepKey& key : conf.wep_key) {
+        kHighBytes.copy(key.key, kHighBytes.size());
+    }
+    conf.channel = 0x80;
+    return conf;
+}
+
+SMsgState HighState() {
+    SMsgState state = State();
+    strcpy(state.product, "Rev= \xff\x80");
+    strcpy(state.software_version, "\xff\x80");
+    state.region = 0xFF;
+    memcpy(state.rate, "\x80\x96\xfe\xff", sizeof(state.rate));
+    return state;
+}
+
+fault::Files HighFiles() {
+    const std::string value(kHighBytes);
+    return {{testkit::kIdentityFile, "ADMINISTRATOR=" + value + "\nLOCATION=" + value + "\n"},
+            {testkit::kResolverFile, "# " + value + "\nnameserver 10.0.0.53\n"}};
+}
+
+// Replaces the data of every set.
+std::vector<fault::Request> HighRequests() {
+    std::vector<fault::Request> requests;
+    for (const fault::Group& group : fault::AllRequests()) {
+        fault::Request request = group.front();
+        if (request.request.command_type == VELK_SET) {
+            memset(request.request.data, 0, sizeof(request.request.data));
+            kHighBytes.copy(request.request.data, kHighBytes.size());
+        }
+        requests.push_back(request);
+    }
+    return requests;
+}
+
+std::vector<fault::Request> UsualRequests() {
+    std::vector<fault::Request> requests;
+    for (const fault::Group& group : fault::AllRequests()) {
+        requests.insert(requests.end(), group.begin(), group.end());
+    }
+    return requests;
 }
 
 // The kernel prints an address as the number that its bytes make on the machine.
@@ -64,6 +120,16 @@ wire::Numbers NumbersIn(const _velk_request& request) {
     return request.command_id == VELK_CMD_SIGNAL ? wire::Numbers{{0, 2}, {2, 2}} : wire::Numbers{};
 }
 
+std::string Escaped(const std::string& line) {
+    std::string text;
+    for (const char byte : line) {
+        char code[8];
+        (void)snprintf(code, sizeof(code), "\\x%02x", static_cast<unsigned char>(byte));
+        text += static_cast<unsigned char>(byte) < 0x80 ? std::string(1, byte) : code;
+    }
+    return text;
+}
+
 std::string FileText(const std::string& path, const std::optional<std::string>& text) {
     if (!text) {
         return "gone " + path + "\n";
@@ -71,7 +137,7 @@ std::string FileText(const std::string& path, const std::optional<std::string>& 
     std::string lines = "file " + path + "\n";
     std::istringstream rest(*text);
     for (std::string line; std::getline(rest, line);) {
-        lines += "  |" + line + "\n";
+        lines += "  |" + Escaped(line) + "\n";
     }
     return lines;
 }
@@ -84,21 +150,23 @@ class WireTest : public testkit::DeviceTest, public testing::WithParamInterface<
     }
     static void TearDownTestSuite() { (void)!system("ip link del eth0"); }
 
-    std::string Records(const Scene& scene) {
+    std::string Records(const NamedScene& scene) {
         std::string records;
-        for (const fault::Group& group : fault::AllRequests()) {
-            for (const fault::Request& request : group) {
-                records += "== " + request.name + "\n" + Record(scene, request.request);
-            }
+        for (const fault::Request& request :
+             scene.is_beyond_ascii ? HighRequests() : UsualRequests()) {
+            records += "== " + request.name + "\n" + Record(scene, request.request);
         }
         return records;
     }
 
   private:
-    std::string Record(const Scene& scene, const _velk_request& request) {
-        fault::Device device(scene);
+    std::string Record(const NamedScene& scene, const _velk_request& request) {
+        fault::Device device(scene.scene, scene.is_beyond_ascii ? HighFiles() : fault::Files{});
         libc().ScriptAlways(Call::kIoctl, testkit::Pass());
-        device.daemon().SetState(State());
+        device.daemon().SetState(scene.is_beyond_ascii ? HighState() : State());
+        if (scene.is_beyond_ascii) {
+            device.daemon().SetConf(HighConfiguration());
+        }
         testkit::WriteFile(kRoutes, Routes());
         libc().Redirect(testkit::kRoutingTable, kRoutes);
         const fault::Files before = fault::ReadTargets();
@@ -107,7 +175,7 @@ class WireTest : public testkit::DeviceTest, public testing::WithParamInterface<
         record << "result " << Execute(request) << "\n";
         record << "answer " << wire::RecordText(response, NumbersIn(request)) << "\n";
         for (const std::string& line : libc().Commands()) {
-            record << "shell " << line << "\n";
+            record << "shell " << Escaped(line) << "\n";
         }
         device.daemon().ServePending();
         for (const std::string& message : device.daemon().requests()) {
@@ -125,7 +193,7 @@ class WireTest : public testkit::DeviceTest, public testing::WithParamInterface<
 TEST_P(WireTest, TheBytesAreThoseOfEveryMachine) {
     const std::string name = std::string(GetParam().name) + ".txt";
     const std::string expected = testkit::ReadFile(VELK_SOURCE_DIR "/tests/wire/records/" + name);
-    const std::string actual = Records(GetParam().scene);
+    const std::string actual = Records(GetParam());
     const std::string folder = VELK_BINARY_DIR "/wire-records";
     std::filesystem::create_directories(folder);
     testkit::WriteFile(folder + "/" + name, actual);
