@@ -64,6 +64,7 @@ velk::UniqueFd InputOf(const VelkctlRun& run) {
     }
     (void)signal(SIGPIPE, SIG_DFL);
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
