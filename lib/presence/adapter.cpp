@@ -39,7 +39,8 @@ std::string DeviceText(unsigned vendor, unsigned product) {
 
 // Returns the texts that identify supported adapters. A vendor applies to all products after it.
 std::vector<std::string> SupportedAdapters() {
-    std::vector<std::string> adapters{kBuiltInModel};
+    std::vector<std::string> adapters;
+    adapters.push_back(kBuiltInModel);
     LineReader list(kSupportList);
     unsigned vendor = 0;
     for (std::string_view line; list.ReadLine(line);) {

@@ -4,6 +4,7 @@
 // schedule.cpp - when the web contents updater runs: its lines in the crontab.
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -30,10 +31,14 @@ constexpr char kEvery[] = "*/";
 constexpr size_t kTimeOffset = VELK_SCHEDULE_TIME_OFFSET;
 constexpr size_t kClearedSize = 18;  // cleared even if the get fails
 
+struct Time {
+    std::string_view hour, minute;
+};
+
 struct Schedule {
     uint8_t type;
     uint8_t value;
-    std::string time;
+    Time time;
 };
 
 // The five fields before a crontab line's command.
@@ -66,10 +71,10 @@ uint8_t LeadingByte(std::string_view field) {
 // Returns no value for a line that this library does not write.
 std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     if (fields.hour.starts_with(kEvery)) {
-        return Schedule{VELK_SCHEDULE_HOURS, LeadingByte(fields.hour.substr(strlen(kEvery))),
-                        "00:00"};
+        return Schedule{
+            VELK_SCHEDULE_HOURS, LeadingByte(fields.hour.substr(strlen(kEvery))), {"00", "00"}};
     }
-    const std::string time = std::string(fields.hour).append(":").append(fields.minute);
+    const Time time{fields.hour, fields.minute};
     if (fields.day != kAny) {
         return Schedule{VELK_SCHEDULE_MONTHLY, LeadingByte(fields.day), time};
     }
@@ -83,30 +88,28 @@ std::optional<Schedule> ScheduleOf(const CronFields& fields) {
     return Schedule{VELK_SCHEDULE_DAILY, 1, time};
 }
 
-// Returns the schedule in the first line of the updater.
+// Returns the schedule in the first line of the updater. Its time is a part of that line.
 std::optional<Schedule> ReadSchedule(LineReader& crontab) {
     for (std::string_view line; crontab.ReadLine(line);) {
         if (Contains(line, kUpdater)) {
             return ScheduleOf(SplitFields(line));
         }
     }
-    return Schedule{VELK_SCHEDULE_NONE, VELK_SCHEDULE_NONE, "00:00"};
+    return Schedule{VELK_SCHEDULE_NONE, VELK_SCHEDULE_NONE, {"00", "00"}};
 }
 
 void PutSchedule(char* out, const Schedule& schedule) {
     out[VELK_SCHEDULE_TYPE_OFFSET] = static_cast<char>(schedule.type);
     out[VELK_SCHEDULE_VALUE_OFFSET] = static_cast<char>(schedule.value);
-    const size_t length = schedule.time.copy(out + kTimeOffset, VELK_DATA_SIZE - kTimeOffset - 1);
+    const std::string time =
+        std::string(schedule.time.hour).append(":").append(schedule.time.minute);
+    const size_t length = time.copy(out + kTimeOffset, VELK_DATA_SIZE - kTimeOffset - 1);
     out[kTimeOffset + length] = '\0';
 }
 
 bool IsNumber(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
-
-struct Time {
-    std::string_view hour, minute;
-};
 
 // Returns no value if the text is not two numbers separated by a colon. Ranges are not checked.
 std::optional<Time> ParseTime(std::string_view text) {
@@ -121,63 +124,68 @@ std::optional<Time> ParseTime(std::string_view text) {
     return time;
 }
 
-std::string CronLine(const CronFields& fields) {
-    std::string line;
+// std::to_string() would bring half a kilobyte of code and tables.
+std::string NumberText(int number) {
+    char text[sizeof("-2147483648")];
+    (void)snprintf(text, sizeof(text), "%d", number);
+    return text;
+}
+
+void AddLine(std::string& lines, const CronFields& fields) {
     for (const std::string_view field :
          {fields.minute, fields.hour, fields.day, fields.month, fields.weekday}) {
-        line.append(field).append(" ");
+        lines.append(field).append(" ");
     }
-    return line.append(kCommand).append("\n");
+    lines.append(kCommand).append("\n");
 }
 
 // If a month lacks the day, the updater runs on the first day of the next month instead. The second
 // line holds the months after such a month.
-std::string MonthlyLines(int day, const Time& time) {
-    const std::string number = std::to_string(day);
+void AddMonthlyLines(std::string& lines, int day, const Time& time) {
+    const std::string number = NumberText(day);
     if (day <= 28) {
-        return CronLine({time.minute, time.hour, number, kAny, kAny});
+        AddLine(lines, {time.minute, time.hour, number, kAny, kAny});
+        return;
     }
     const std::string first_and_day = "1," + number;
     const bool is_31 = day == 31;
-    return CronLine({time.minute, time.hour, number, is_31 ? "1,8" : "1,4-12", kAny}) +
-           CronLine({time.minute, time.hour, first_and_day, is_31 ? "3,5,7,10,12" : "3", kAny});
+    AddLine(lines, {time.minute, time.hour, number, is_31 ? "1,8" : "1,4-12", kAny});
+    AddLine(lines, {time.minute, time.hour, first_and_day, is_31 ? "3,5,7,10,12" : "3", kAny});
 }
 
-// Returns the crontab's lines for a schedule; no value if the schedule is not valid.
-std::optional<std::string> LinesFor(int type, int value, const Time& time) {
+// Adds the crontab's lines for a schedule. Returns false if the schedule is not valid.
+bool AddLinesFor(std::string& lines, int type, int value, const Time& time) {
     switch (type) {
-        case VELK_SCHEDULE_HOURS: {
-            const std::string hours = std::string(kEvery).append(std::to_string(value));
-            return CronLine({"00", hours, kAny, kAny, kAny});
-        }
+        case VELK_SCHEDULE_HOURS:
+            AddLine(lines, {"00", kEvery + NumberText(value), kAny, kAny, kAny});
+            return true;
         case VELK_SCHEDULE_DAILY:
-            return CronLine({time.minute, time.hour, kAny, kAny, kAny});
-        case VELK_SCHEDULE_WEEKLY: {
-            const std::string weekday = std::to_string(value - 1);
-            return CronLine({time.minute, time.hour, kAny, kAny, weekday});
-        }
+            AddLine(lines, {time.minute, time.hour, kAny, kAny, kAny});
+            return true;
+        case VELK_SCHEDULE_WEEKLY:
+            AddLine(lines, {time.minute, time.hour, kAny, kAny, NumberText(value - 1)});
+            return true;
         case VELK_SCHEDULE_MONTHLY:
             if (value < 1 || value > 31) {
-                return std::nullopt;
+                return false;
             }
-            return MonthlyLines(value, time);
+            AddMonthlyLines(lines, value, time);
+            return true;
         case VELK_SCHEDULE_NONE:
-            return "";
+            return true;
         default:
-            return std::nullopt;
+            return false;
     }
 }
 
-// Returns no value for data that is not a schedule. The time is checked for every type.
-std::optional<std::string> LinesFor(const _velk_request& request) {
+// Returns false for data that is not a schedule. The time is checked for every type.
+bool AddLinesFor(std::string& lines, const _velk_request& request) {
     const char* text = &request.data[kTimeOffset];
     const std::optional<Time> time =
         ParseTime({text, strnlen(text, sizeof(request.data) - kTimeOffset)});
-    if (!time) {
-        return std::nullopt;
-    }
-    return LinesFor(static_cast<unsigned char>(request.data[VELK_SCHEDULE_TYPE_OFFSET]),
-                    static_cast<unsigned char>(request.data[VELK_SCHEDULE_VALUE_OFFSET]), *time);
+    return time &&
+           AddLinesFor(lines, static_cast<unsigned char>(request.data[VELK_SCHEDULE_TYPE_OFFSET]),
+                       static_cast<unsigned char>(request.data[VELK_SCHEDULE_VALUE_OFFSET]), *time);
 }
 
 }  // namespace
@@ -203,8 +211,8 @@ int GetWebUp(const _velk_request& /*request*/, char* out) {
 }
 
 int SetWebUp(const _velk_request& request, char* /*out*/) {
-    const std::optional<std::string> lines = LinesFor(request);
-    if (!lines) {
+    std::string lines;
+    if (!AddLinesFor(lines, request)) {
         return LIB_VELK_FAILURE;
     }
     FileEdit edit(kCrontab);
@@ -216,6 +224,6 @@ int SetWebUp(const _velk_request& request, char* /*out*/) {
             edit.Keep(line);
         }
     }
-    edit.Write(*lines);
+    edit.Write(lines);
     return edit.Finish();
 }
