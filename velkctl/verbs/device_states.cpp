@@ -57,7 +57,7 @@ std::string OrNone(const std::string& text) {
 }
 
 // Returns one text of each address, such as its netmask, in a line.
-std::string AllOf(const InterfaceState& kernel, std::string InterfaceAddress::*text) {
+std::string RunningAddresses(const InterfaceState& kernel, std::string InterfaceAddress::*text) {
     std::string line;
     for (const InterfaceAddress& own : kernel.addresses) {
         line.append(line.empty() ? "" : " ").append(own.*text);
@@ -112,10 +112,10 @@ void AppendDhcp(const Interface& interface, PartStates& states) {
     const InterfaceState& kernel = interface.kernel;
     const std::string configured = interface.has_dhcp() ? kDhcp : "";
     states.push_back(StateOf(interface, "address", configured,
-                             AllOf(kernel, &InterfaceAddress::address),
+                             RunningAddresses(kernel, &InterfaceAddress::address),
                              !HasAddressOfLease(interface)));
     states.push_back(StateOf(interface, "netmask", configured,
-                             AllOf(kernel, &InterfaceAddress::netmask), false));
+                             RunningAddresses(kernel, &InterfaceAddress::netmask), false));
     states.push_back(
         StateOf(interface, "gateway", configured, OrNone(RunningGateway(interface.name)), false));
 }
@@ -130,9 +130,9 @@ void AppendStatic(const Interface& interface, const Device& device, PartStates& 
         kernel.has_address() ? kernel.addresses.front() : InterfaceAddress{};
     const InterfaceAddress compared = kernel.Find(address).value_or(first);
     states.push_back(StateOf(interface, "address", address,
-                             AllOf(kernel, &InterfaceAddress::address), !kernel.Has(address)));
+                             RunningAddresses(kernel, &InterfaceAddress::address), !kernel.Has(address)));
     states.push_back(StateOf(interface, "netmask", netmask,
-                             AllOf(kernel, &InterfaceAddress::netmask),
+                             RunningAddresses(kernel, &InterfaceAddress::netmask),
                              compared.netmask != netmask));
     states.push_back(ComparedState(interface, "gateway",
                                    Configured(VELK_CMD_GATEWAY, interface.name, device),

@@ -21,7 +21,7 @@ import threading
 import time
 
 import kit
-from kit import RUN_FOLDER, Session, check, request, send_raw
+from kit import RUN_FOLDER, Session, check, request
 
 SEED = 20261122
 GETS = ["session", "list", "describe?setting=eth0.dns", "show", "status", "doctor", "pending", "history", "job?id=0"]
