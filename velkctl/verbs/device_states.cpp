@@ -130,7 +130,8 @@ void AppendStatic(const Interface& interface, const Device& device, PartStates& 
         kernel.has_address() ? kernel.addresses.front() : InterfaceAddress{};
     const InterfaceAddress compared = kernel.Find(address).value_or(first);
     states.push_back(StateOf(interface, "address", address,
-                             RunningAddresses(kernel, &InterfaceAddress::address), !kernel.Has(address)));
+                             RunningAddresses(kernel, &InterfaceAddress::address),
+                             !kernel.Has(address)));
     states.push_back(StateOf(interface, "netmask", netmask,
                              RunningAddresses(kernel, &InterfaceAddress::netmask),
                              compared.netmask != netmask));
