@@ -35,7 +35,7 @@ listen() { # listen COMMAND...
     "$@" >"$heard" &
     listener=$!
     processes+=("$listener")
-    wait_until grep -q listening "$heard"
+    wait_until grep -qs listening "$heard"
     check 'start of a listener' 0 $?
 }
 end_listener() {
@@ -131,7 +131,7 @@ for name in $'\e]0;owned\a\e[31mred' \
     $'x\nffff: 00000002 00000000 00010000 0005 01 1 @velk-sandbox/0/second'; do
     "${as_nobody[@]}" "$lib_folder/foreign_listener" "velk-sandbox/0/$name" >"$lib_folder/ignored" &
     processes+=("$!")
-    wait_until grep -q listening "$lib_folder/ignored"
+    wait_until grep -qs listening "$lib_folder/ignored"
     check 'start of a listener' 0 $?
     run velk-sandbox list
     output_is mine
@@ -169,7 +169,7 @@ cd "$lib_folder" || exit # which the device shows
 run velk-sandbox --quiet -- sh -c 'rm /run/velk-sandbox/hardware && chmod 0777 /run/velk-sandbox
     setpriv --reuid 65534 --regid 65534 --clear-groups "$1" /run/velk-sandbox/hardware >/tmp/heard &
     for try in $(seq 1200); do
-        grep -q listening /tmp/heard && break
+        grep -qs listening /tmp/heard && break
         sleep 0.05
     done
     velk-sandbox cable out
