@@ -25,6 +25,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "sandbox/device/mounts.h"
 #include "sandbox/process/exit_status.h"
 #include "sandbox/process/failure.h"
 #include "sandbox/process/messages.h"
@@ -39,6 +40,7 @@ constexpr char kUser[] = "admin";
 constexpr char kWebServer[] = "busybox";
 constexpr int kMostConnections = 48;
 constexpr int kQueue = 16;
+constexpr char kUsersFolder[] = "/etc/velk";
 // A browser that neither sends nor reads for so long loses its connection.
 constexpr timeval kSilence{.tv_sec = 30, .tv_usec = 0};
 constexpr int kReapMilliseconds = 1000;
@@ -180,7 +182,17 @@ void OpenWebPort(WebPage& page, uint16_t port) {
     page.port = PortOf(page.listener.get());
 }
 
+// A machine with the package velk-web has this folder. The device sees it, but cannot write it, and
+// the machine's users must not log in on the device.
+void HideUsersOfMachine() {
+    std::error_code unseen;
+    if (fs::exists(kUsersFolder, unseen)) {
+        MountTmpfs(kUsersFolder, 0755);
+    }
+}
+
 void StartWebPage(WebPage page) {
+    HideUsersOfMachine();
     const std::string password = NewPassword();
     SetPassword(page, password);
     const pid_t server = fork();

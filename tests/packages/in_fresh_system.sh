@@ -21,10 +21,12 @@ installed() { dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'libvelk*' 'v
 all_at() { # all_at VERSION
     printf "%s $1 install ok installed\n" libvelk-dev libvelk1 python3-velk velk-sandbox velk-tools velk-web
 }
-# All files of the system, without the records and caches of apt and dpkg.
+# All files of the system, without the records and caches of apt and dpkg, and those of adduser: the user of the
+# settings page stays, as Debian's users of services do.
 files() {
     find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path /packages -o -path /var/lib/dpkg \
-        -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune -o -print | LC_ALL=C sort
+        -o -path /var/lib/apt -o -path /etc/gshadow- -o -path /etc/shadow- -o -path /run/adduser \
+        -o -path /var/cache -o -path /var/log \) -prune -o -print | LC_ALL=C sort
 }
 as_user() { setpriv --reuid 65534 --regid 65534 --clear-groups --inh-caps=-all "$@"; }
 
