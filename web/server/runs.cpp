@@ -16,7 +16,7 @@ constexpr int kDocumentSchema = 1;
 constexpr int kLongestWindow = 24 * 60 * 60;
 constexpr size_t kIdLength = 4;
 constexpr size_t kLongestName = 64;
-// A daemon that does not answer holds a page no longer. The name of the option's value.
+// A page waits no longer for a wireless daemon that does not answer.
 constexpr char kCheckTime[] = "--timeout=20";
 
 Planned Refused(const std::string& message, const std::string& remedy = {}) {
