@@ -66,6 +66,11 @@ void Compare(const Comparison& comparison) {
         ->Unit(benchmark::kMicrosecond);
 }
 
+void LeaveOut(const std::string& name, const std::string& reason) {
+    benchmark::RegisterBenchmark(
+        name.c_str(), [reason](benchmark::State& state) { state.SkipWithError(reason.c_str()); });
+}
+
 void Report(const std::string& name, const std::string& counter, std::function<double()> number) {
     benchmark::RegisterBenchmark(name.c_str(), [counter, number = std::move(number)](
                                                    benchmark::State& state) {

@@ -33,6 +33,9 @@ struct Comparison {
 // median of ours / other over pairs of neighbouring samples.
 void Compare(const Comparison& comparison);
 
+// Registers a benchmark that prints its name and the reason why it cannot run here.
+void LeaveOut(const std::string& name, const std::string& reason);
+
 // Registers a benchmark that only reports a number.
 void Report(const std::string& name, const std::string& counter, std::function<double()> number);
 

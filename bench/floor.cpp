@@ -43,6 +43,14 @@ int Open(const char* path, int flags) {
     return fd;
 }
 
+// Reads the begin of a file into the block.
+ssize_t ReadByHand(const char* path) {
+    const int fd = Open(path, O_RDONLY);
+    const ssize_t count = read(fd, block, sizeof(block));
+    close(fd);
+    return count;
+}
+
 bool StartsWith(const char* line, const char* stop, std::string_view start) {
     return static_cast<size_t>(stop - line) >= start.size() &&
            memcmp(line, start.data(), start.size()) == 0;
@@ -56,9 +64,11 @@ void GiveUp(const std::string& message) {
 }
 
 void FindByHand(const char* path, std::string_view start, std::string_view key, char* out) {
-    const int fd = Open(path, O_RDONLY);
-    const ssize_t count = read(fd, block, sizeof(block));
-    close(fd);
+    ssize_t count = ReadByHand(path);
+    for (int tries = 0; count == 0 && tries < 50; ++tries) {
+        usleep(1000);
+        count = ReadByHand(path);
+    }
     const char* end = block + (count > 0 ? count : 0);
     CopyValue(Find(Find(block, end, start), end, key), end, out);
 }

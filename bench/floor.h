@@ -11,7 +11,8 @@
 namespace bench {
 
 // Reads a small file and searches `start`, then `key` after it. Copies the rest of that line after
-// the key to `out`. Ends the program if it is not found.
+// the key to `out`. Reads an empty file again for 50 ms, as a set may have just emptied it. Ends
+// the program if the key is not found.
 void FindByHand(const char* path, std::string_view start, std::string_view key, char* out);
 
 // Does the same for a file of any size, in blocks of 64 KB that memchr(3) splits into lines.

@@ -9,6 +9,7 @@ namespace bench {
 
 void AddGets();
 void AddSets();
+void AddBusyDevice();
 void AddLock();
 void AddWireless();
 void AddGrowth();

@@ -26,6 +26,7 @@ void EnterPrivateDevice() {
     setenv("PATH", path.c_str(), 1);
     bench::RunLine("ip link add eth0 type bridge");  // the wired port
     bench::RunLine("ifconfig eth0 192.168.0.10");
+    bench::RunLine("mkdir -p /run/velk-sandbox");  // for the stand-in of ethtool(8)
 }
 
 }  // namespace
@@ -39,6 +40,7 @@ int main(int argc, char** argv) {
     }
     bench::AddGets();
     bench::AddSets();
+    bench::AddBusyDevice();
     bench::AddLock();
     bench::AddWireless();
     bench::AddGrowth();

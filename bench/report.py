@@ -23,6 +23,9 @@ GOALS = [
     ("get, against Augeas from cold", 1 / 2500, "peer/get/cold"),
     ("set with one edit, against copy and its two shell lines", 1.04, "set/address"),
     ("DNS set, against lock, log line and write", 1.10, "set/dns"),
+    ("set of the link speed, against its shell line", 1.04, "set/link_speed"),
+    ("wireless set, against the same datagrams and semaphore", 1.10, "wireless/set"),
+    ("get of the method beside two getters and two setters, against the same by hand", 1.15, "busy/get_method"),
     ("set, against Augeas with an open handle", 1 / 2.5, "peer/set/open_handle"),
     ("set, against Augeas from cold", 1 / 5, "peer/set/cold"),
     ("get at the end of 1 MB, against cutting lines by hand", 1.3, "growth/get/1MB"),
@@ -50,10 +53,21 @@ PEAK_GOAL_KB = 128
 PEAKS = [f"growth/peak/{call}/{size}" for call in ("get", "set") for size in ("10MB", "100MB")]
 
 
+def runs_of(path):
+    return json.loads(Path(path).read_text())["benchmarks"]
+
+
+def read_left_out(path):
+    """Return a dictionary from benchmark name to the reason why it did not run."""
+    return {run["name"]: run["error_message"] for run in runs_of(path) if run.get("error_occurred")}
+
+
 def read_figures(path):
     """Return a dictionary from benchmark name to counters."""
     figures = {}
-    for run in json.loads(Path(path).read_text())["benchmarks"]:
+    for run in runs_of(path):
+        if run.get("error_occurred"):
+            continue
         name = run["name"].split("/iterations:")[0]
         figures[name] = {key: run[key] for key in ("ratio", "ours_ns", "other_ns", "more_kb") if key in run}
     return figures
@@ -98,7 +112,7 @@ def growth_rows(figures):
         yield size, *(time_text(each / megabytes) for each in nanoseconds)
 
 
-def tables(figures, counts):
+def tables(figures, counts, left_out):
     lines = ["| measurement | goal, at most | measured | |", "|---|---|---|---|"]
     for label, goal, measured, is_met in goal_rows(figures, counts):
         lines.append(f"| {label} | {goal} | {measured} | {'met' if is_met else 'missed'} |")
@@ -108,6 +122,7 @@ def tables(figures, counts):
             lines.append(
                 f"| {name} | {time_text(figure['ours_ns'])} | {time_text(figure['other_ns'])} | {ratio_text(figure['ratio'])} |"
             )
+    lines += [f"| {name} | left out: {reason} | | |" for name, reason in left_out.items()]
     lines += ["", "| per MB, in a file of | get | cut by hand | `grep -F` | set | copy and shell lines |",
               "|---|---|---|---|---|---|"]
     lines += ["| " + " | ".join(row) + " |" for row in growth_rows(figures)]
@@ -119,7 +134,7 @@ def plot(figures):
     shown = {
         name: figure["ratio"]
         for name, figure in figures.items()
-        if "ratio" in figure and re.match(r"(get|set|growth/get|growth/set|loading|lock)(/|$)", name)
+        if "ratio" in figure and re.match(r"(get|set|busy|growth/get|growth/set|wireless|loading|lock)(/|$)", name)
     }
     left, row, scale, longest = 190, 18, 110, 4.0
     width, height = left + scale * longest + 60, row * len(shown) + 40
@@ -141,12 +156,15 @@ def plot(figures):
 
 def main(figures_path, counts_path, folder):
     figures = read_figures(figures_path)
+    left_out = read_left_out(figures_path)
     counts = read_counts(counts_path)
     folder = Path(folder)
     for label, goal, measured, is_met in goal_rows(figures, counts):
         print(f"{label:62} {goal:>8} {measured:>8}  {'met' if is_met else 'MISSED'}")
+    for name, reason in left_out.items():
+        print(f"{name:62} left out: {reason}")
     summary = {"ratios": figures, "counts": {label: count for label, (count, _) in counts.items()}}
-    (folder / "performance.md").write_text(tables(figures, counts))
+    (folder / "performance.md").write_text(tables(figures, counts, left_out))
     (folder / "performance.json").write_text(json.dumps(summary, indent=1) + "\n")
     (folder / "performance.svg").write_text(plot(figures))
 

@@ -43,6 +43,10 @@ std::function<void()> Process(const Arguments& arguments) {
     return [arguments] { Run(arguments, nowhere); };
 }
 
+bool IsInstalled(const std::string& program) {
+    return system(("command -v " + program + " > /dev/null").c_str()) == 0;
+}
+
 double NumberFrom(const Arguments& arguments) {
     FILE* output = tmpfile();
     if (output == nullptr) {

@@ -17,6 +17,9 @@ using Arguments = std::vector<std::string>;
 // discarded. An exit status other than 0 ends this program.
 std::function<void()> Process(const Arguments& arguments);
 
+// Returns whether the search path has a program.
+bool IsInstalled(const std::string& program);
+
 // Runs a program and returns the number that it prints.
 double NumberFrom(const Arguments& arguments);
 

@@ -6,7 +6,10 @@
 #include <memory>
 #include <string>
 
+#include <sys/stat.h>
+
 #include "bench/comparison.h"
+#include "bench/floor.h"
 #include "bench/groups.h"
 #include "bench/run_program.h"
 #include "lib/base/paths.h"
@@ -16,7 +19,8 @@ namespace {
 
 constexpr int kSamples = 60;
 
-constexpr char kVelkctl[] = "velk_bench_velkctl";
+constexpr char kVelkctl[] = "velkctl";
+constexpr char kUciFolder[] = "/tmp/uci";
 
 constexpr char kAwkProgram[] =
     "/^iface eth0 inet / { inside = 1; next } /^iface/ { inside = 0 }"
@@ -32,6 +36,36 @@ void Add(const char* name, const Arguments& ours, const Arguments& other) {
              .ours = Timed(Process(ours)),
              .other = Timed(Process(other)),
              .samples = kSamples});
+}
+
+// Compares with a program that a machine may lack.
+void AddIfInstalled(const char* name, const std::string& program, const Arguments& ours,
+                    const Arguments& other) {
+    if (IsInstalled(program)) {
+        Add(name, ours, other);
+    } else {
+        LeaveOut(name, program + " is not installed");
+    }
+}
+
+// The tools of other systems for the same setting, which users would choose instead.
+void AddOtherTools(const Arguments& get, const Arguments& set) {
+    (void)mkdir(kUciFolder, 0755);
+    WriteByHand("/tmp/uci/network", "config interface 'eth0'\n\toption ipaddr '192.168.0.10'\n");
+    AddIfInstalled(
+        "process/get_and_augtool", "augtool", get,
+        {"augtool", "--noautoload", "--transform", "Interfaces.lns incl /etc/network/interfaces",
+         "get", "/files/etc/network/interfaces/iface[. = 'eth0']/address"});
+    AddIfInstalled("process/get_and_uci", "uci", get,
+                   {"uci", "-c", kUciFolder, "get", "network.eth0.ipaddr"});
+    AddIfInstalled("process/set_and_uci", "uci", set,
+                   {"sh", "-c",
+                    "uci -c /tmp/uci set network.eth0.ipaddr=192.168.0.10 && "
+                    "uci -c /tmp/uci commit network"});
+    AddIfInstalled(
+        "process/set_and_nmcli", "nmcli", set,
+        {"nmcli", "--offline", "connection", "add", "type", "ethernet", "con-name", "eth0",
+         "ifname", "eth0", "ipv4.method", "manual", "ipv4.addresses", "192.168.0.10/24"});
 }
 
 // Each run sets another address than the one before it, so that the file changes.
@@ -86,11 +120,12 @@ void AddProcesses() {
     Add("process/pie_get_and_empty_c_program", {Built("forms/pie/velkctl"), "get", "eth0.address"},
         {Built("velk_bench_c_empty")});
     Add("process/show_and_bare_program", {Built(kVelkctl), "show"}, {Built("velk_bench_get")});
-    Add("process/get_and_python", get, {"python3", "-S", "-E", "-c", kPythonProgram});
+    Add("process/get_and_python", get, {"/usr/bin/python3", "-S", "-E", "-c", kPythonProgram});
     Add("process/get_and_awk", get, {"awk", kAwkProgram, velk::kInterfacesFile});
     Add("process/set_and_bare_program",
         {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"},
         {Built("velk_bench_peak"), "set"});
+    AddOtherTools(get, {Built(kVelkctl), "set", "--force", "eth0.address", "192.168.0.10"});
     AddSeveral();
     AddJournal();
 }

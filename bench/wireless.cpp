@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// wireless.cpp - compares a query to the wireless daemon with a plain exchange of two datagrams.
+// wireless.cpp - compares queries to the wireless daemon, and changes of its configuration, with
+// plain exchanges of datagrams.
 #include <cstddef>
 #include <cstring>
 #include <thread>
@@ -10,6 +11,7 @@
 #include <semaphore.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include "bench/comparison.h"
@@ -17,6 +19,7 @@
 #include "bench/groups.h"
 #include "bench/request.h"
 #include "lib/base/paths.h"
+#include "velk/wlan.h"
 
 namespace bench {
 namespace {
@@ -55,17 +58,22 @@ int BoundSocket(const char* path) {
     return fd;
 }
 
-void Send(int fd, const char* path) {
+void Send(int fd, const char* path, short type) {
     const Address address(path);
-    const char datagram[kDatagramSize] = {};
+    char datagram[kDatagramSize] = {};
+    memcpy(datagram, &type, sizeof(type));
     (void)sendto(fd, datagram, sizeof(datagram), 0, address.get(), address.length);
 }
 
-void Receive(int fd) {
+// Returns the type of the message.
+short Receive(int fd) {
     char datagram[kDatagramSize];
     if (recv(fd, datagram, sizeof(datagram), 0) != static_cast<ssize_t>(sizeof(datagram))) {
         GiveUp("no datagram");
     }
+    short type = 0;
+    memcpy(&type, datagram, sizeof(type));
+    return type;
 }
 
 void WaitUntilReady(const char* name) {
@@ -77,14 +85,16 @@ void WaitUntilReady(const char* name) {
     sem_close(ready);
 }
 
-// A minimal daemon: it answers every query with zeros.
+// A minimal daemon: it answers every query with zeros, and drops a configuration to store.
 void Serve(int fd, const Names& names) {
     for (;;) {
-        Receive(fd);
+        if (Receive(fd) == VELK_WLAN_STORE) {
+            continue;
+        }
         if (names.semaphore != nullptr) {
             WaitUntilReady(names.semaphore);
         }
-        Send(fd, names.reply);
+        Send(fd, names.reply, 0);
     }
 }
 
@@ -95,11 +105,11 @@ void StartDaemon(const Names& names) {
 
 void QueryByHand(const Names& names, sem_t* ready = nullptr) {
     const int fd = BoundSocket(names.reply);
-    Send(fd, names.request);
+    Send(fd, names.request, VELK_WLAN_REPORT);
     if (ready != nullptr) {
         sem_post(ready);
     }
-    Receive(fd);
+    (void)Receive(fd);
     close(fd);
     unlink(names.reply);
 }
@@ -112,6 +122,16 @@ void QueryWithSemaphoreByHand() {
     QueryByHand(kByHandWithSemaphore, ready);
     sem_close(ready);
     sem_unlink(kByHandWithSemaphore.semaphore);
+}
+
+// The daemon's whole configuration is queried and sent back with one field changed.
+void SetByHand() {
+    LockByHand(velk::kLockFile);
+    syslog(LOG_NOTICE, "VkLibLock indelible");
+    QueryWithSemaphoreByHand();
+    const int fd = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    Send(fd, kByHandWithSemaphore.request, VELK_WLAN_STORE);
+    close(fd);
 }
 
 void StartDaemons() {
@@ -135,6 +155,10 @@ void AddWireless() {
     Compare({.name = "wireless/round_trip_and_semaphore",
              .ours = get,
              .other = Timed(QueryWithSemaphoreByHand, 10),
+             .prepare = StartDaemons});
+    Compare({.name = "wireless/set",
+             .ours = Timed(Set(VELK_CMD_SSID, "eth1", "bench"), 10),
+             .other = Timed(SetByHand, 10),
              .prepare = StartDaemons});
 }
 

@@ -41,7 +41,13 @@ constexpr std::array<Group, 2> kGroups{{
     {"wireless settings", WirelessSettings},
 }};
 
+// All groups have more settings. To build a group takes longer than to read a setting.
+constexpr size_t kBelowGroups = 8;
+
 std::string NameOf(const AffectedSettings& settings) {
+    if (settings.size() <= kBelowGroups) {
+        return SubjectOf(settings);
+    }
     for (const Group& group : kGroups) {
         if (std::ranges::equal(settings, group.settings(), IsSameSetting)) {
             return std::string(group.name);

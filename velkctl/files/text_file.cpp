@@ -19,7 +19,7 @@ namespace velkctl {
 namespace {
 
 constexpr size_t kLargest = 1024 * 1024;
-constexpr size_t kBlockSize = 16 * 1024;
+constexpr size_t kBlockSize = 4 * 1024;
 constexpr size_t kLongestExcerpt = 60;
 constexpr std::string_view kSpace = " \t\n\v\f\r";
 

@@ -320,14 +320,18 @@ std::span<const CatalogueRow> Catalogue() {
 }
 
 std::vector<Setting> Settings() {
-    std::vector<Setting> settings;
-    for (const CatalogueRow& row : kRows) {
-        for (const InterfaceFlag& known : kInterfaceFlags) {
-            if ((row.interfaces & known.flag) != 0) {
-                settings.push_back({&row, known.interface});
+    static const std::vector<Setting> settings = [] {
+        std::vector<Setting> made;
+        made.reserve(kRows.size() * kInterfaceFlags.size());
+        for (const CatalogueRow& row : kRows) {
+            for (const InterfaceFlag& known : kInterfaceFlags) {
+                if ((row.interfaces & known.flag) != 0) {
+                    made.push_back({&row, known.interface});
+                }
             }
         }
-    }
+        return made;
+    }();
     return settings;
 }
 

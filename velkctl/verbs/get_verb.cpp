@@ -46,7 +46,9 @@ class Readings {
         report_.ShowToolOutput();
         report_.Text(invocation_.bare_value ? "\n" : "");  // every name has its line
         const Problem problem = ReadingProblem(setting, answer);
-        readings_.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
+        if (report_.is_json()) {
+            readings_.push_back(ReadingInJson(setting, nullptr, ProblemInJson(problem)));
+        }
         if (answer && status_ == ExitStatus::kDone) {
             status_ = StatusWithCause(setting, *answer);
         }
@@ -67,6 +69,9 @@ class Readings {
         report_.Text(prefix + value(setting, data, show_secrets) + "\n");
         if (const std::optional<Problem> note = NoteAboutValue(setting, data, device_)) {
             report_.Note(*note);
+        }
+        if (!report_.is_json()) {
+            return;  // the JSON code would take pages of memory for nothing
         }
         const bool is_valid = !InvalidValue(setting, data);
         readings_.push_back(

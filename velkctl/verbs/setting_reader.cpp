@@ -22,13 +22,16 @@ bool IsWireless(const Setting& setting) {
 }  // namespace
 
 std::optional<Answer> SettingReader::Read(const Setting& setting) {
-    if (daemon_is_silent_ && IsWireless(setting)) {
+    if (!IsWireless(setting)) {
+        return device_.Get(setting);
+    }
+    if (daemon_is_silent_) {
         return std::nullopt;
     }
     const auto start = std::chrono::steady_clock::now();
     Answer answer = device_.Get(setting);
     const bool took_long = answer.timed_out || std::chrono::steady_clock::now() - start > kSilence;
-    daemon_is_silent_ = daemon_is_silent_ || (!answer.ok() && took_long && IsWireless(setting));
+    daemon_is_silent_ = !answer.ok() && took_long;
     return answer;
 }
 
