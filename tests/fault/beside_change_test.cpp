@@ -173,13 +173,10 @@ class BesideChange : public testkit::DeviceTest {
     // device: the first, then each with this distance.
     void Meet(const Meeting& meeting, size_t stride) {
         Prepare(meeting);
-        const std::vector<bool> calls = Trace(meeting.work, 0, {}).calls_that_change;
-        size_t points = 0;
-        for (size_t at = 1; at < calls.size() && !HasFailure(); ++at) {
-            if (at == 1 || (calls[at - 2] && ++points % stride == 0)) {
-                SCOPED_TRACE(std::string(meeting.name) + " at system call " + std::to_string(at));
-                MeetAt(meeting, at);
-            }
+        const std::vector<Moment> moments = Trace(meeting.work, {}, {}).MomentsThatDiffer();
+        for (size_t i = 0; i < moments.size() && !HasFailure(); i += stride) {
+            SCOPED_TRACE(std::string(meeting.name) + " " + TextOf(moments[i]));
+            MeetAt(meeting, moments[i]);
         }
         printf("| %s | %d | %d | %d | %d | %d |\n", meeting.name, counts_.all, counts_.refused,
                counts_.kept, counts_.replaced, counts_.in_set);
@@ -193,11 +190,11 @@ class BesideChange : public testkit::DeviceTest {
         device_.reset();
         device_.emplace(Scene{});
         if (meeting.work == Undo) {
-            ASSERT_EQ(Trace(MakeApply, 0, {}).result, 0);
+            ASSERT_EQ(Trace(MakeApply, {}, {}).result, 0);
         }
     }
 
-    TracedRun Trace(Work work, size_t at, const std::function<void()>& act) {
+    TracedRun Trace(Work work, std::optional<Moment> at, const std::function<void()>& act) {
         const auto run = [&] {
             device_->UseRealTools();
             setenv("PATH", path_.c_str(), 1);
@@ -211,7 +208,7 @@ class BesideChange : public testkit::DeviceTest {
         return RunTracedBeside(run, at, act);
     }
 
-    void MeetAt(const Meeting& meeting, size_t at) {
+    void MeetAt(const Meeting& meeting, const Moment& at) {
         Prepare(meeting);
         const std::string text = ReadFile(kInterfaces);
         bool has_written = false;
@@ -239,7 +236,7 @@ class BesideChange : public testkit::DeviceTest {
         EXPECT_EQ(ValueNow(VELK_CMD_NETMASK), kHisNetmask);
         if (meeting.work != Undo) {
             EXPECT_EQ(AddressNow(), kNew);
-            EXPECT_EQ(Trace(Undo, 0, {}).result, 0) << ReadFile(kMessages);
+            EXPECT_EQ(Trace(Undo, {}, {}).result, 0) << ReadFile(kMessages);
         }
         EXPECT_EQ(AddressNow(), kOld);
         EXPECT_EQ(ValueNow(VELK_CMD_NETMASK), kHisNetmask);
@@ -249,7 +246,7 @@ class BesideChange : public testkit::DeviceTest {
     void CheckSameSetting(const Meeting& meeting, int status) {
         if (meeting.work != Undo && AddressNow() == kNew) {
             EXPECT_EQ(status, 0);
-            EXPECT_EQ(Trace(Undo, 0, {}).result, 0) << ReadFile(kMessages);
+            EXPECT_EQ(Trace(Undo, {}, {}).result, 0) << ReadFile(kMessages);
             EXPECT_THAT(AddressNow(), AnyOf(kOld, kHis)) << "the value when the change began";
             ++counts_.replaced;
             return;
@@ -259,7 +256,7 @@ class BesideChange : public testkit::DeviceTest {
             EXPECT_THAT(ReadFile(kMessages), HasSubstr("eth0.address: "));
         }
         if (meeting.work != Undo && status == 0) {
-            EXPECT_EQ(Trace(Undo, 0, {}).result, 1);
+            EXPECT_EQ(Trace(Undo, {}, {}).result, 1);
             EXPECT_THAT(ReadFile(kMessages),
                         HasSubstr("eth0.address: not put back\n  it was set since, to "));
             EXPECT_EQ(AddressNow(), kHis);
@@ -281,7 +278,7 @@ class BesideChange : public testkit::DeviceTest {
         }
         EXPECT_THAT(now, AnyOf(his, changed));
         if (!is_undo && now != his) {
-            EXPECT_EQ(Trace(Undo, 0, {}).result, 0) << ReadFile(kMessages);
+            EXPECT_EQ(Trace(Undo, {}, {}).result, 0) << ReadFile(kMessages);
             EXPECT_EQ(ReadFile(kInterfaces), his);
         }
         ++counts_.kept;

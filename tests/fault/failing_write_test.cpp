@@ -39,7 +39,7 @@ struct Scenario {
     Verb verb;
     std::vector<Work> before;
     Work failing;
-    size_t last_cut = 0;  // the call at which the last run before it was killed; 0: none
+    std::optional<Moment> last_cut{};  // the last run before it was killed there
 };
 
 struct Counts {
@@ -64,8 +64,9 @@ constexpr std::array kFaults{
 
 void Prepare(const Scenario& scenario) {
     for (size_t i = 0; i < scenario.before.size(); ++i) {
-        const size_t cut = i + 1 == scenario.before.size() ? scenario.last_cut : 0;
-        const TracedRun run = RunTraced(scenario.before[i], cut);
+        const bool is_last = i + 1 == scenario.before.size();
+        const TracedRun run =
+            RunTraced(scenario.before[i], is_last ? scenario.last_cut : std::nullopt);
         ASSERT_TRUE(run.was_cut || run.result == 0);
     }
 }
@@ -253,9 +254,10 @@ Changes SomeChanges() {
             ChangeTo("eth0.dns", "10.1.2.5")};
 }
 
-size_t MiddleOf(const Work& work) {
+Moment MiddleOf(const Work& work) {
     const ChangeDevice device;
-    return RunTraced(work).calls_that_change.size() * 3 / 4;
+    const std::vector<Moment> moments = RunTraced(work).Moments();
+    return moments[moments.size() * 3 / 4];
 }
 
 std::vector<Scenario> Scenarios() {

@@ -31,7 +31,7 @@ struct Scenario {
     std::string name;
     std::vector<Work> before;
     Work killed;
-    size_t last_cut = 0;  // the call at which the last run before it was killed; 0: none
+    std::optional<Moment> last_cut{};  // the last run before it was killed there
     Scene scene{};
 };
 
@@ -52,21 +52,16 @@ constexpr unsigned kSeed = 20;
 
 void Prepare(const Scenario& scenario) {
     for (size_t i = 0; i < scenario.before.size(); ++i) {
-        const size_t cut = i + 1 == scenario.before.size() ? scenario.last_cut : 0;
-        const TracedRun run = RunTraced(scenario.before[i], cut);
+        const bool is_last = i + 1 == scenario.before.size();
+        const TracedRun run =
+            RunTraced(scenario.before[i], is_last ? scenario.last_cut : std::nullopt);
         ASSERT_TRUE(run.was_cut || run.result == 0);
     }
 }
 
-// The calls to kill at, of which at most so many are chosen by chance: the first, and each after
-// one that can change the device.
-std::vector<size_t> PointsOf(const TracedRun& whole, size_t most) {
-    std::vector<size_t> all{1};
-    for (size_t at = 2; at <= whole.calls_that_change.size(); ++at) {
-        if (whole.calls_that_change[at - 2]) {
-            all.push_back(at);
-        }
-    }
+// The moments to kill at, of which at most so many are chosen by chance.
+std::vector<Moment> PointsOf(const TracedRun& whole, size_t most) {
+    std::vector<Moment> all = whole.MomentsThatDiffer();
     testkit::Dice dice(kSeed);
     while (all.size() > most) {
         all.erase(all.begin() + static_cast<ptrdiff_t>(dice.Below(all.size())));
@@ -83,12 +78,12 @@ class KilledChange : public testkit::DeviceTest {
         DeviceState old_state = device.State();
         const TracedRun whole = RunTraced(scenario.killed);
         const DeviceState new_state = device.State();
-        if (scenario.last_cut != 0) {
+        if (scenario.last_cut) {
             old_state = new_state;  // a state between the two may not stay
         }
         ASSERT_EQ(whole.result, 0) << scenario.name;
-        for (const size_t at : PointsOf(whole, most)) {
-            SCOPED_TRACE(scenario.name + " killed at system call " + std::to_string(at));
+        for (const Moment& at : PointsOf(whole, most)) {
+            SCOPED_TRACE(scenario.name + " killed " + TextOf(at));
             KillOnce(scenario, {old_state, new_state}, at, after, kills);
         }
     }
@@ -121,8 +116,8 @@ class KilledChange : public testkit::DeviceTest {
     }
 
     static void KillOnce(const Scenario& scenario,
-                         const std::pair<DeviceState, DeviceState>& states, size_t at, After after,
-                         Kills& kills) {
+                         const std::pair<DeviceState, DeviceState>& states, const Moment& at,
+                         After after, Kills& kills) {
         testkit::EmptyDevice();
         ChangeDevice device(scenario.scene);
         Prepare(scenario);
@@ -169,10 +164,10 @@ Changes AllChanges() {
 }
 
 // An apply that is killed in the middle of its second step.
-size_t MiddleOf(const Work& work) {
+Moment MiddleOf(const Work& work) {
     const ChangeDevice device;
-    const TracedRun whole = RunTraced(work);
-    return whole.calls_that_change.size() * 3 / 4;
+    const std::vector<Moment> moments = RunTraced(work).Moments();
+    return moments[moments.size() * 3 / 4];
 }
 
 std::vector<Scenario> Scenarios() {
@@ -184,8 +179,8 @@ std::vector<Scenario> Scenarios() {
     const Work undo = ChangeDevice::Undo();
     const Work recover = ChangeDevice::Recover();
     return {{"apply of 3 settings", {}, apply},
-            {"apply of the method with a restart", {}, restart, 0, no_adapter},
-            {"undo of it with its restart", {restart}, undo, 0, no_adapter},
+            {"apply of the method with a restart", {}, restart, {}, no_adapter},
+            {"undo of it with its restart", {restart}, undo, {}, no_adapter},
             {"undo of a set of 302 eth1", {set}, undo},
             {"undo of the apply of 3 settings", {apply}, undo},
             {"recover of the apply of 3 settings", {apply}, recover, MiddleOf(apply)}};

@@ -119,17 +119,15 @@ class PowerCut : public testkit::DeviceTest {
         CheckUncut(reference, whole, after);
         const WholeTexts texts(reference, after);
         next_files_.clear();
-        for (size_t at = 1; at <= whole.calls_that_change.size(); ++at) {
-            const bool differs = at == 1 || whole.calls_that_change[at - 2];
-            if (differs || moments == Moments::kAll) {
-                SCOPED_TRACE("cut at system call " + std::to_string(at));
-                CutOnce(request, reference, after, texts, at, cuts);
-            }
+        for (const Moment& at :
+             moments == Moments::kAll ? whole.Moments() : whole.MomentsThatDiffer()) {
+            SCOPED_TRACE("cut " + TextOf(at));
+            CutOnce(request, reference, after, texts, at, cuts);
         }
     }
 
     void CutOnce(const _velk_request& request, const Reference& reference, const Files& after,
-                 const WholeTexts& texts, size_t at, Cuts& cuts) {
+                 const WholeTexts& texts, const Moment& at, Cuts& cuts) {
         Device device({}, start_);
         const TracedRun run =
             RunTraced([&] { return ExecuteWithRealTools(device, request, path_); }, at);

@@ -181,12 +181,12 @@ class UnconfirmedChange : public testkit::DeviceTest {
     }
 
     void KillRuns();
-    void KillRun(size_t at, const Files& before, const Files& after);
+    void KillRun(const Moment& at, const Files& before, const Files& after);
     void TakeBackLate(int* ready);
     [[noreturn]] void Hang(int64_t milliseconds, bool ignores_sigterm);
     void MeetDeadline(int count, int64_t before);
     void MeetDeadlineOnce(int64_t microseconds);
-    TracedRun CutRecover(size_t at);
+    TracedRun CutRecover(std::optional<Moment> at);
     void FailWrite(const WriteFault& fault, const Files& before, const Files& after);
     void CutRecovers(size_t most);
 
@@ -205,8 +205,8 @@ class UnconfirmedChange : public testkit::DeviceTest {
 // ---- The run is killed -------------------------------------------------------------------------
 
 // The files are old at once, without another run. A change that waits is kept.
-void UnconfirmedChange::KillRun(size_t at, const Files& before, const Files& after) {
-    SCOPED_TRACE("killed at system call " + std::to_string(at));
+void UnconfirmedChange::KillRun(const Moment& at, const Files& before, const Files& after) {
+    SCOPED_TRACE("killed " + TextOf(at));
     testkit::EmptyDevice();
     Device device{Scene{}};
     const TracedRun run = RunTraced([&] { return Apply(device, path_); }, at, Traced::kFirstOnly);
@@ -223,13 +223,13 @@ void UnconfirmedChange::KillRuns() {
     testkit::EmptyDevice();
     Device device{Scene{}};
     const Files before = FilesToKeep();
-    const TracedRun whole = RunTraced([&] { return Apply(device, path_); }, 0, Traced::kFirstOnly);
+    const TracedRun whole = RunTraced([&] { return Apply(device, path_); }, {}, Traced::kFirstOnly);
     ASSERT_EQ(whole.result, 0);
     const Files after = FilesToKeep();
     ASSERT_NE(Differences(before), "");
     int count = 0;
-    for (size_t at = 1; at < whole.calls_that_change.size() && !HasFailure(); ++at) {
-        if (whole.calls_that_change[at - 1]) {
+    for (const Moment& at : whole.MomentsThatDiffer()) {
+        if (!HasFailure()) {
             ++count;
             KillRun(at, before, after);
         }
@@ -511,10 +511,10 @@ TEST_F(UnconfirmedChange, DISABLED_IsEitherConfirmedOrPutBackAtItsDeadlineAThous
 
 // ---- The power is cut at a start ---------------------------------------------------------------
 
-// Cuts the power in a recover at the start of the device, before the system call with this number.
+// Cuts the power in a recover at the start of the device.
 // The next start puts the change back.
-TracedRun UnconfirmedChange::CutRecover(size_t at) {
-    SCOPED_TRACE("cut at system call " + std::to_string(at));
+TracedRun UnconfirmedChange::CutRecover(std::optional<Moment> at) {
+    SCOPED_TRACE(at ? "cut " + TextOf(*at) : "not cut");
     testkit::EmptyDevice();
     Device device{Scene{}};
     const Files before = FilesToKeep();
@@ -531,13 +531,7 @@ TracedRun UnconfirmedChange::CutRecover(size_t at) {
 
 // Cuts at calls that can change the device, at most at about so many of them.
 void UnconfirmedChange::CutRecovers(size_t most) {
-    const std::vector<bool> calls = CutRecover(0).calls_that_change;
-    std::vector<size_t> points;
-    for (size_t at = 1; at <= calls.size(); ++at) {
-        if (calls[at - 1]) {
-            points.push_back(at);
-        }
-    }
+    const std::vector<Moment> points = CutRecover({}).MomentsThatDiffer();
     const size_t step = points.size() / most + 1;
     int count = 0;
     for (size_t i = 0; i < points.size() && !HasFailure(); i += step) {
@@ -582,7 +576,7 @@ TEST_F(UnconfirmedChange, IsNotLeftHalfMadeIfAWriteOfItsEntryFails) {
                        LimitFiles(0, size);
                        return Apply(device, path_);
                    },
-                   0, Traced::kFirstOnly)
+                   {}, Traced::kFirstOnly)
             .result;
     };
     ASSERT_EQ(apply_with(first, RLIM_INFINITY), 0);
@@ -622,7 +616,7 @@ TEST_F(UnconfirmedChange, IsNotLeftHalfMadeIfAnyWriteFails) {
     testkit::EmptyDevice();
     Device device{Scene{}};
     const Files before = FilesToKeep();
-    const TracedRun whole = RunTraced([&] { return Apply(device, path_); }, 0, Traced::kFirstOnly);
+    const TracedRun whole = RunTraced([&] { return Apply(device, path_); }, {}, Traced::kFirstOnly);
     const Files after = FilesToKeep();
     EXPECT_EQ(Run(velkctl::RunRevert), ExitStatus::kDone);
     int count = 0;

@@ -96,6 +96,11 @@ bool CanChangeTheDevice(const __ptrace_syscall_info& info) {
     return std::ranges::find(kPrivateCalls, call) == std::end(kPrivateCalls);
 }
 
+// Returns the moment after one more call.
+Moment NextMoment(const Moment& moment, bool is_change) {
+    return is_change ? Moment{moment.changes + 1} : Moment{moment.changes, moment.calls + 1};
+}
+
 // ---- Writes ------------------------------------------------------------------------------------
 
 struct WriteCall {
@@ -199,7 +204,7 @@ void SetResult([[maybe_unused]] pid_t pid, [[maybe_unused]] long result) {
 
 // The trouble that the processes meet.
 struct Interruption {
-    size_t at = 0;  // the number of a system call; 0: none
+    std::optional<Moment> at{};
     std::function<void()> act{};
     WriteFault fault{};
     CallWatcher watcher{};
@@ -268,10 +273,11 @@ class Follower {
             return;  // it has ended
         }
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
-            run_.calls_that_change.push_back(CanChangeTheDevice(info));
-            if (run_.calls_that_change.size() == at_ && Interrupt()) {
+            const bool is_change = CanChangeTheDevice(info);
+            if (IsAtMoment(is_change) && Interrupt()) {
                 return;
             }
+            CountCall(is_change);
             entered_[pid] = info;
             NoteWrite(pid, WriteOf(pid, info));
         } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && failing_.erase(pid) != 0) {
@@ -280,6 +286,20 @@ class Follower {
             Watch(pid, info.exit.is_error != 0);
         }
         Continue(pid, 0);
+    }
+
+    // True once: right before the call of the moment, or before the change that comes earlier.
+    bool IsAtMoment(bool is_change) {
+        if (!at_ || at_->changes != now_.changes || (now_.calls < at_->calls && !is_change)) {
+            return false;
+        }
+        at_.reset();
+        return true;
+    }
+
+    void CountCall(bool is_change) {
+        run_.calls_that_change.push_back(is_change);
+        now_ = NextMoment(now_, is_change);
     }
 
     void Watch(pid_t pid, bool has_failed) {
@@ -331,7 +351,8 @@ class Follower {
     }
 
     const pid_t first_;
-    const size_t at_;
+    std::optional<Moment> at_;  // none: it has passed, or is not wanted
+    Moment now_{};
     const std::function<void()> act_;
     const WriteFault fault_;
     const CallWatcher watcher_;
@@ -362,7 +383,23 @@ TracedRun Run(const std::function<int()>& work, const Interruption& interruption
 
 }  // namespace
 
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at, Traced traced) {
+std::vector<Moment> TracedRun::Moments() const {
+    std::vector<Moment> moments;
+    Moment moment{};
+    for (const bool is_change : calls_that_change) {
+        moments.push_back(moment);
+        moment = NextMoment(moment, is_change);
+    }
+    return moments;
+}
+
+std::vector<Moment> TracedRun::MomentsThatDiffer() const {
+    std::vector<Moment> moments = Moments();
+    std::erase_if(moments, [](const Moment& moment) { return moment.calls > 0; });
+    return moments;
+}
+
+TracedRun RunTraced(const std::function<int()>& work, std::optional<Moment> cut_at, Traced traced) {
     return Run(work, {.at = cut_at, .traced = traced});
 }
 
@@ -372,6 +409,11 @@ TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watche
 
 TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault, Traced traced) {
     return Run(work, {.fault = fault, .traced = traced});
+}
+
+std::string TextOf(const Moment& moment) {
+    return "after " + std::to_string(moment.changes) + " changes and " +
+           std::to_string(moment.calls) + " other calls";
 }
 
 bool CanFailWrites() {
@@ -386,7 +428,7 @@ bool CanFailWith(const std::string& write, int error) {
     return kFailures.find(write.substr(0, write.find(' ')))->second.contains(error);
 }
 
-TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+TracedRun RunTracedBeside(const std::function<int()>& work, std::optional<Moment> at,
                           const std::function<void()>& act) {
     return Run(work, {.at = at, .act = act});
 }

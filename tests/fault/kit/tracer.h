@@ -23,10 +23,24 @@ struct WriteFault {
     bool all_later = false;
 };
 
+// A moment between two system calls of a run. Calls that can change only their own process are not
+// the same in each run: the sanitizers' allocator and a busy machine add some. So a moment counts
+// those that can change more, and the others only from the last of these on.
+struct Moment {
+    size_t changes;    // the calls so far that can change more than their own process
+    size_t calls = 0;  // the calls since then; if a run has fewer, its next change follows
+};
+
 struct TracedRun {
     // The system calls in their order. False for a call that can change only its own process: a cut
     // before it and one after it leave the same device.
     std::vector<bool> calls_that_change;
+
+    // The moments right before each call.
+    std::vector<Moment> Moments() const;
+    // The first of them, and the first after each change: the device differs at each.
+    std::vector<Moment> MomentsThatDiffer() const;
+
     // The value that `work` returned, from -128 to 127; no value if it did not end.
     std::optional<int> result;
     bool was_cut = false;
@@ -44,10 +58,9 @@ enum class Traced {
 };
 
 // Runs `work` in a child process with the child's own descriptors and memory. With `cut_at`, the
-// child and all its descendants are killed right before the system call with that number (from 1),
-// as a power cut would; 0 lets them run to their end. Throws std::system_error if processes cannot
-// be traced.
-TracedRun RunTraced(const std::function<int()>& work, size_t cut_at = 0,
+// child and all its descendants are killed at that moment, as a power cut would; otherwise they run
+// to their end. Throws std::system_error if processes cannot be traced.
+TracedRun RunTraced(const std::function<int()>& work, std::optional<Moment> cut_at = {},
                     Traced traced = Traced::kAll);
 
 // A system call that has just returned. The process waits until its watcher returns.
@@ -67,15 +80,17 @@ TracedRun RunWatched(const std::function<int()>& work, const CallWatcher& watche
 TracedRun RunFailing(const std::function<int()>& work, const WriteFault& fault,
                      Traced traced = Traced::kAll);
 
+// Returns "after 3 changes and 2 other calls".
+std::string TextOf(const Moment& moment);
+
 // True if calls can be made to fail on this processor.
 bool CanFailWrites();
 
 // True if a disk can fail the call, one of TracedRun::writes, with this error.
 bool CanFailWith(const std::string& write, int error);
 
-// The same, but nothing is killed: before the system call with this number, the child waits while
-// `act` runs.
-TracedRun RunTracedBeside(const std::function<int()>& work, size_t at,
+// The same, but nothing is killed: at this moment, the child waits while `act` runs.
+TracedRun RunTracedBeside(const std::function<int()>& work, std::optional<Moment> at,
                           const std::function<void()>& act);
 
 }  // namespace fault
