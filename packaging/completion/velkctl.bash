@@ -217,7 +217,9 @@ _velkctl_sort_words() {
         elif [ -z "$only_words" ] && [[ $word == -?* ]]; then
             case $word in
                 --) only_words=1 ;;
-                --text | --hex | --timeout | --restart | --only | --confirm-within | --confirm-if | --output) takes_value=$word ;;
+                --text | --hex | --timeout | --restart | --only | --confirm-within | --confirm-if | --output | --root)
+                    takes_value=$word
+                    ;;
             esac
         elif [ -z "$verb" ]; then
             verb=$word
@@ -240,6 +242,7 @@ _velkctl() {
             --restart:*) found=$(printf '%s\n' auto never eth0 eth1) ;;
             --only:*) found=$(_velkctl_pick interface any && _velkctl_pick name set) ;;
             --output:*) found=$(_velkctl_documents "$current") ;;
+            --root:*) found=$(_velkctl_documents "$current" | grep '/$') ;;
             --text:@* | --hex:@*) found=$(_velkctl_files "${current#@}") ;;
             *) return 0 ;;
         esac

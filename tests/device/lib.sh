@@ -82,6 +82,7 @@ check() { # check SUBJECT EXPECTED ACTUAL
     printf 'FAILED: it %s\n  command:  %s\n  %s\n  expected: %s\n  actual:   %s\n' \
         "$lib_behaviour" "${lib_command:-}" "$1" "$2" "$3"
     printf '  stderr:   %s\n' "${error:-}"
+    [ -z "${VELK_FAIL_FAST:-}" ] || exit 1 # scripts/mutate needs only the first failure
 }
 
 status_is() { check 'exit status' "$1" "$status"; }

@@ -37,8 +37,12 @@ LongestWait OfWireless(const CatalogueRow& row, uint32_t type) {
                    ? LongestWait{kDaemonSeconds, kDaemon}
                    : LongestWait{kLinkSeconds + kDaemonSeconds, kLinkAndDaemon};
     }
-    return type == VELK_GET && IsReadAfterLinkDetection(row) ? LongestWait{kLinkSeconds, kLink}
-                                                             : LongestWait{};
+    if (type != VELK_GET || !IsReadAfterLinkDetection(row)) {
+        return {};
+    }
+    // With method dhcp the gateway is read after a second link detection if the first finds none.
+    const int detections = row.id == VELK_CMD_GATEWAY ? 2 : 1;
+    return {detections * kLinkSeconds, kLink};
 }
 
 LongestWait OfSetting(const CatalogueRow& row, const Command& command) {

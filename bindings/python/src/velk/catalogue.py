@@ -360,7 +360,7 @@ SETTINGS = (
         kind="gateway",
         description="default gateway: an IPv4 address, or none",
         expected="an IPv4 address such as 192.168.0.1, or none",
-        longest_seconds=105,
+        longest_seconds=210,
         takes_effect="at the next restart of eth1, with method static, without the cable in eth0",
         values=(),
     ),

@@ -267,4 +267,112 @@ TEST_F(IfconfigCheck, FindsTheFormThatIsNotRead) {
               "  fix: install an ifconfig that prints 'inet addr:ADDRESS', as busybox's does\n");
 }
 
+// A device with an ifconfig of its own.
+class IfconfigRun : public testkit::DeviceTest {
+  protected:
+    IfconfigRun() : path_(getenv("PATH")) { setenv("PATH", ("/tmp:" + path_).c_str(), 1); }
+    ~IfconfigRun() override { setenv("PATH", path_.c_str(), 1); }
+
+    static std::string With(const std::string& body) {
+        WriteFile("/tmp/ifconfig", "#!/bin/sh\necho \"$@\" >>/tmp/asked\n" + body);
+        EXPECT_EQ(chmod("/tmp/ifconfig", 0755), 0);
+        return FormatFindings(velkctl::CheckIfconfig());
+    }
+    static constexpr char kUnreadable[] = "echo 'inet 10.0.0.1'\n";
+    static constexpr char kReadable[] = "echo 'inet addr:10.0.0.1  Mask:255.0.0.0'\n";
+
+  private:
+    const std::string path_;
+};
+
+TEST_F(IfconfigRun, IsJudgedByTheFirstInterfaceWithAnAddress) {
+    EXPECT_EQ(With(kReadable), "");
+    EXPECT_EQ(testkit::ReadFile("/tmp/asked"), "lo\n");
+    EXPECT_THAT(With(kUnreadable), HasSubstr("problem: ifconfig prints addresses in a form"));
+    EXPECT_THAT(With("[ $1 = lo ] || " + std::string(kUnreadable)),
+                HasSubstr("problem: ifconfig prints addresses in a form"))
+        << "of eth0";
+    EXPECT_EQ(With("[ $1 = lo ] || " + std::string(kReadable)), "");
+    EXPECT_EQ(With("[ $1 = eth1 ] && " + std::string(kUnreadable)), "") << "neither has one";
+}
+
+TEST_F(IfconfigCheck, WantsAddressAndMask) {
+    EXPECT_NE(FormatFindings(velkctl::CheckIfconfigOutput("inet addr:10.0.0.1  netmask 255.0.0.0")),
+              "");
+    EXPECT_NE(FormatFindings(velkctl::CheckIfconfigOutput("inet 10.0.0.1  Mask:255.0.0.0")), "");
+}
+
+TEST_F(ToolsCheck, FindsAMissingIfconfigOnce) {
+    ASSERT_EQ(unlink("/tmp/ifconfig"), 0);
+    EXPECT_EQ(FormatFindings(velkctl::CheckIfconfig()), "");
+    EXPECT_THAT(FormatFindings(velkctl::CheckTools()),
+                HasSubstr("problem: ifconfig is not installed\n"));
+}
+
+// Each tool is missed with its consequence. The tests of sudo's rights have all of them.
+TEST_F(ToolsCheck, MissesEveryTool) {
+    for (const char* tool : {"/tmp/sudo", "/tmp/cat", "/tmp/rm", "/tmp/grep", "/tmp/ifconfig",
+                             "/usr/sbin/ifup", "/usr/sbin/ifdown"}) {
+        ASSERT_EQ(unlink(tool), 0);
+    }
+    EXPECT_EQ(FormatFindings(velkctl::CheckTools()),
+              "problem: sudo is not installed\n"
+              "  no interface can be restarted, link-speed can be neither read nor set\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "problem: cat is not installed\n"
+              "  no setting in a file can be set\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "problem: rm is not installed\n"
+              "  edit copies and results stay in /var/tmp\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "warning: grep is not installed\n"
+              "  the link cannot be read from the log when ethtool does not report it\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "problem: ifconfig is not installed\n"
+              "  address and netmask of a DHCP interface cannot be read\n"
+              "  fix: install it in a folder that velkctl searches, such as /usr/bin\n"
+              "warning: route is not installed\n"
+              "  the running default gateway cannot be changed, only the one in the file\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n"
+              "problem: ethtool is not installed\n"
+              "  eth0.link-speed can be neither read nor set\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n"
+              "problem: /usr/sbin/ethtool is not installed\n"
+              "  it takes a minute to find out whether the cable is in\n"
+              "  fix: install it, or a link to it, as /usr/sbin/ethtool\n"
+              "problem: ifup is not installed\n"
+              "  no interface can be brought up again by a restart\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n"
+              "problem: ifdown is not installed\n"
+              "  no interface can be brought down by a restart\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n"
+              "problem: sed is not installed\n"
+              "  administrator and location do not reach the SNMP agent\n"
+              "  fix: install it in a folder that sudo searches, such as /usr/sbin\n"
+              "problem: /etc/init.d/snmpd is not installed\n"
+              "  administrator and location do not reach the running SNMP agent\n"
+              "  fix: install it, or a link to it, as /etc/init.d/snmpd\n");
+}
+
+TEST_F(ToolsCheck, OfASettingAreThoseThatItNeeds) {
+    for (const char* tool : {"/tmp/sudo", "/tmp/cat", "/tmp/rm", "/tmp/grep", "/tmp/ifconfig",
+                             "/usr/sbin/ifup", "/usr/sbin/ifdown"}) {
+        ASSERT_EQ(unlink(tool), 0);
+    }
+    const auto missed = [](const std::string& name) {
+        std::string subjects;
+        for (const velkctl::Finding& finding :
+             velkctl::CheckToolsFor(velkctl::FindSetting(name).value())) {
+            subjects.append(finding.subject).append(" ");
+        }
+        return subjects;
+    };
+    EXPECT_EQ(missed("eth0.link-speed"), "sudo ethtool ");
+    EXPECT_EQ(missed("eth0.address"), "cat ifconfig ");
+    EXPECT_EQ(missed("eth0.gateway"), "cat ");
+    EXPECT_EQ(missed("ntp"), "cat ");
+    EXPECT_EQ(missed("eth0.dns"), "");
+    EXPECT_EQ(missed("eth1.ssid"), "");
+}
+
 }  // namespace
