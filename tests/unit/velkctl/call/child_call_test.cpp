@@ -82,6 +82,21 @@ TEST_F(ChildCallTest, CanBeStoppedInTheMiddle) {
     EXPECT_EQ(child.end_signal(), SIGKILL);
 }
 
+TEST_F(ChildCallTest, SendsNoSignalAfterTheEndOfItsProcess) {
+    const pid_t bystander = fork();
+    if (bystander == 0) {
+        (void)pause();
+        _exit(0);
+    }
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)raise(SIGKILL); });
+    ChildCall child(kRestart, {}, signals);
+    EXPECT_FALSE(child.TakeAnswer());
+    EXPECT_TRUE(child.Stop(kNoGrace).empty());
+    EXPECT_EQ(waitpid(bystander, nullptr, WNOHANG | WUNTRACED), 0) << "not stopped or ended";
+    (void)kill(bystander, SIGKILL);
+    (void)waitpid(bystander, nullptr, 0);
+}
+
 // Starts a tool that writes its number into /tmp/tool first.
 void StartTool(const std::function<void()>& tool) {
     if (fork() != 0) {
