@@ -7,11 +7,6 @@
 #include <string>
 #include <vector>
 
-#if defined(VELKCTL_PIE) && __has_include(<nss.h>)
-#define LOOKS_UP_BY_MODULES
-#include <nss.h>
-#endif
-
 #include "velkctl/call/environment.h"
 #include "velkctl/cli/command_line.h"
 #include "velkctl/guardian/guardian.h"
@@ -31,14 +26,6 @@ velkctl::ExitStatus Run(const std::vector<std::string>& arguments, velkctl::Repo
     }
 }
 
-// Modules of libc that look up users elsewhere load the device's own libc. With libc inside
-// velkctl, the process would have two, and crash.
-void LookUpUsersInFile() {
-#ifdef LOOKS_UP_BY_MODULES
-    (void)__nss_configure_lookup("passwd", "files");
-#endif
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -46,7 +33,6 @@ int main(int argc, char** argv) {
     (void)signal(SIGXFSZ, SIG_IGN);
     const bool has_utf8_locale = velkctl::HasUtf8Locale();
     velkctl::FixEnvironment();
-    LookUpUsersInFile();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     if (velkctl::IsGuardianCommand(argc > 0 ? argv[0] : nullptr)) {
         return velkctl::RunGuardian(arguments);

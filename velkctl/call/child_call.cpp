@@ -136,6 +136,9 @@ std::vector<RunningTool> ChildCall::Tools() const {
 
 // A stopped process starts no further tool, and remains the parent of those that daemons leave.
 std::vector<RunningTool> ChildCall::Stop(Milliseconds grace) {
+    if (process_ == -1) {
+        return {};  // kill(2) would send the signals to all processes
+    }
     (void)kill(process_, SIGSTOP);
     if (!TryToEnd(kNoSignal, grace) && !TryToEnd(SIGTERM, kEndTime)) {
         (void)TryToEnd(SIGKILL, kEndTime);

@@ -57,7 +57,8 @@ class ChildCall {
     std::vector<RunningTool> Tools() const;
 
     // Ends the process and all that was started for the command. The tools have `grace` to end by
-    // themselves. Returns those that cannot be ended, such as tools of another user.
+    // themselves. Returns those that cannot be ended, such as tools of another user. Does nothing
+    // if the process has ended, or could not be started.
     std::vector<RunningTool> Stop(std::chrono::milliseconds grace);
 
   private:

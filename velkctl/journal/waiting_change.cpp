@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <ctime>
 #include <utility>
 
@@ -18,7 +19,6 @@ namespace velkctl {
 namespace {
 
 constexpr int64_t kMilliseconds = 1000;
-constexpr size_t kLongestUser = 4096;
 
 bool IsUnconfirmed(const StoredEntry& stored) {
     const JournalEntry& entry = stored.decoded.entry;
@@ -87,12 +87,19 @@ std::optional<Problem> FindWaitingProblem(std::string message) {
     return stored ? std::optional(ProblemOfUnconfirmed(*stored, std::move(message))) : std::nullopt;
 }
 
+// getpwuid(3) may load modules of the device's libc. A velkctl with libc inside would then have
+// two, and crash.
 std::string UserName(uid_t user) {
-    std::array<char, kLongestUser> text{};
-    passwd row{};
-    passwd* found = nullptr;
-    (void)getpwuid_r(user, &row, text.data(), text.size(), &found);
-    return found == nullptr ? "user " + std::to_string(user) : row.pw_name;
+    FILE* const users = fopen("/etc/passwd", "re");
+    const passwd* row = nullptr;
+    do {
+        row = users == nullptr ? nullptr : fgetpwent(users);
+    } while (row != nullptr && row->pw_uid != user);
+    std::string name = row == nullptr ? "user " + std::to_string(user) : row->pw_name;
+    if (users != nullptr) {
+        (void)fclose(users);
+    }
+    return name;
 }
 
 std::string ClockTime(int64_t seconds) {

@@ -48,7 +48,7 @@ Problem ProblemOfUnconfirmed(const StoredEntry& stored, std::string message);
 // Returns the same if there is such a change.
 std::optional<Problem> FindWaitingProblem(std::string message);
 
-// Returns "anna"; "user 1000" without a name.
+// Returns "anna"; "user 1000" if /etc/passwd has no such user.
 std::string UserName(uid_t user);
 
 // Returns "14:02", in the time zone of the device.

@@ -82,6 +82,21 @@ TEST_F(ChildCallTest, CanBeStoppedInTheMiddle) {
     EXPECT_EQ(child.end_signal(), SIGKILL);
 }
 
+TEST_F(ChildCallTest, SendsNoSignalAfterTheEndOfItsProcess) {
+    const pid_t bystander = fork();
+    if (bystander == 0) {
+        (void)pause();
+        _exit(0);
+    }
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)raise(SIGKILL); });
+    ChildCall child(kRestart, {}, signals);
+    EXPECT_FALSE(child.TakeAnswer());
+    EXPECT_TRUE(child.Stop(kNoGrace).empty());
+    EXPECT_EQ(waitpid(bystander, nullptr, WNOHANG | WUNTRACED), 0) << "not stopped or ended";
+    (void)kill(bystander, SIGKILL);
+    (void)waitpid(bystander, nullptr, 0);
+}
+
 // Starts a tool that writes its number into /tmp/tool first.
 void StartTool(const std::function<void()>& tool) {
     if (fork() != 0) {
@@ -212,13 +227,17 @@ TEST_F(ChildCallTest, ReportsAToolThatCannotBeEnded) {
 TEST_F(ChildCallTest, LeavesToolsInTheBackgroundAtWork) {
     libc().ScriptAlways(Call::kSystem, Return(0));
     libc().OnCall(Call::kSystem, [](const Event&) { StartTool([] { (void)pause(); }); });
+    std::vector<velkctl::RunningTool> tools;
     {
         ChildCall child(kRestart, {}, signals);
         EXPECT_TRUE(child.TakeAnswer());
-        EXPECT_GE(child.Tools().size(), 1U);
+        tools = child.Tools();
     }
-    EXPECT_TRUE(Runs(ToolThatRuns()));
-    EndTool(ToolThatRuns());
+    EXPECT_EQ(tools.size(), 2U) << "of two runs of the shell";
+    for (const velkctl::RunningTool& tool : tools) {
+        EXPECT_TRUE(Runs(tool.process));
+        EndTool(tool.process);
+    }
 }
 
 TEST_F(ChildCallTest, KeepsTheOutputOfToolsApart) {

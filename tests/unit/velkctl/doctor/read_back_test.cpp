@@ -6,10 +6,7 @@
 
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
-
-#include <unistd.h>
 
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
@@ -18,6 +15,8 @@
 
 namespace {
 
+using testkit::Call;
+using testkit::Event;
 using testkit::kCrontab;
 using testkit::kExitHooks;
 using testkit::kInterfacesFile;
@@ -260,12 +259,9 @@ TEST_F(ReadBackTest, AFileThatIsCutForAMomentIsReadAgain) {
     WriteFile(kResolverFile, "nameserver 10.0.0.1\n");
     Remember("eth0.dns");
     WriteFile(kResolverFile, "");
-    std::thread writer([] {
-        (void)usleep(2'000);
-        WriteFile(kResolverFile, "nameserver 10.0.0.2\n");
-    });
+    libc().OnCall(Call::kNanosleep,
+                  [](const Event&) { WriteFile(kResolverFile, "nameserver 10.0.0.2\n"); });
     EXPECT_EQ(Verify("eth0.dns", {"10.0.0.2"}), true);
-    writer.join();
     EXPECT_EQ(status, ExitStatus::kDone);
     EXPECT_EQ(complaint, "");
 }
