@@ -227,6 +227,14 @@ TEST_F(ReadersTurnTest, GoesOnWithoutATurnIfTheFolderCannotBeLocked) {
     EXPECT_EQ(Pauses(), 0U);
 }
 
+// Nobody can be ahead where no lock can be asked for.
+TEST_F(ReadersTurnTest, GoesOnWithoutATurnIfTheFolderTakesNoLocksOfTheQueue) {
+    libc().Script(Call::kOpen, {Return(open(testkit::kEditFolder, O_PATH | O_CLOEXEC))});
+    { const ReadersTurn turn; }
+    EXPECT_EQ(libc().Count(Call::kFlock), 2U) << "tried, and given back";
+    EXPECT_EQ(Pauses(), 0U);
+}
+
 // 32 processes that read all the time. Each keeps the result file busy for a moment, as a tool
 // does.
 class QueueTest : public testkit::DeviceTest {

@@ -78,6 +78,13 @@ TEST_F(ShellTest, ALongerCommandLineIsRefusedWithoutShowingIt) {
     EXPECT_THAT(libc().Logs(), ElementsAre("command line of 256 bytes does not fit"));
 }
 
+TEST_F(ShellTest, ACommandLineThatCannotBeFormattedIsRefused) {
+    const wchar_t no_character[] = {0x7FFFFFFF, 0};
+    EXPECT_EQ(velk::CommandLine("true %ls", no_character).Run(), LIB_VELK_INVALID_PARAMETER);
+    EXPECT_THAT(libc().Commands(), IsEmpty());
+    EXPECT_THAT(libc().Logs(), ElementsAre("command line of -1 bytes does not fit"));
+}
+
 TEST_F(ShellTest, AShellThatCannotBeRunIsAFailureOfTheLine) {
     libc().Script(Call::kSystem, {Fail(ENOMEM)});
     EXPECT_EQ(velk::CommandLine("true").Run(), LIB_VELK_FAILURE);

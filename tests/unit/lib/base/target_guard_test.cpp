@@ -154,6 +154,34 @@ TEST_F(TargetGuardTest, AFileThatCannotBeComparedIsAFailure) {
     EXPECT_EQ(ReadFile(kTarget), "new");
 }
 
+// Somebody else writes the file at that moment.
+TEST_F(TargetGuardTest, AFileThatIsCutWhileItIsComparedStays) {
+    WriteFile(kTarget, "old\n");
+    WriteFile(kInterfacesCopy, "new text\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
+    TargetGuard guard(kTarget, copy.get());
+    WriteFile(kTarget, "new");
+    libc().OnCall(Call::kOpen,
+                  [](const testkit::Event&) { EXPECT_EQ(truncate(kTarget.c_str(), 0), 0); });
+    EXPECT_EQ(guard.Repair(), 0);
+    EXPECT_FALSE(guard.has_repaired());
+    libc().OnCall(Call::kOpen, nullptr);
+    EXPECT_EQ(ReadFile(kTarget), "");
+}
+
+// A character device takes every byte, and fails to flush them.
+TEST_F(TargetGuardTest, AFailingFlushFailsTheRepair) {
+    WriteFile(kTarget, "old\n");
+    WriteFile(kInterfacesCopy, "new text\n");
+    const UniqueFd copy(open(kInterfacesCopy, O_RDONLY | O_CLOEXEC));
+    TargetGuard guard(kTarget, copy.get());
+    WriteFile(kTarget, "");
+    const int device = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    libc().Script(Call::kOpen, {Pass(), testkit::Return(device)});
+    EXPECT_EQ(guard.Repair(), EINVAL);
+    EXPECT_FALSE(guard.has_repaired());
+}
+
 TEST_F(TargetGuardTest, AFileThatWasEmptyBeforeAndAfterTheCopyingIsRepaired) {
     WriteFile(kTarget, "");
     WriteFile(kInterfacesCopy, "new\n");

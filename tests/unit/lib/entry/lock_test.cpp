@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -217,6 +218,20 @@ TEST_F(LockTest, APlantedLinkIsNotFollowed) {
                                                ":Too many levels of symbolic links",
                                            "VkLibLock open2 " + testkit::ErrnoText(ELOOP) +
                                                ":Too many levels of symbolic links"));
+}
+
+// Another file system may be mounted over the folder while the file is being locked.
+TEST_F(LockTest, AFileOfAnotherFileSystemIsNotTheLockFile) {
+    testkit::WriteFile(kLockFile, "");
+    const int elsewhere = memfd_create("velk_lock", MFD_CLOEXEC);
+    libc().Script(Call::kOpen, {testkit::Return(elsewhere)});
+    const int lock = VkLibLock();
+    EXPECT_GT(lock, 0);
+    struct stat locked {};
+    EXPECT_EQ(fstat(lock, &locked), 0);
+    EXPECT_EQ(locked.st_ino, testkit::IdentityOf(kLockFile).inode);
+    EXPECT_THAT(libc().Logs(), ElementsAre("VkLibLock indelible"));
+    VkLibUnLock(lock);
 }
 
 TEST_F(LockTest, AnUnexpectedLockErrorIsLogged) {
