@@ -51,8 +51,9 @@ extern "C" {
  * Side effects: a set or restart holds an flock(2) on /var/tmp/vklib_lock for the length of the
  * call (see VkLibLock()) and makes the changes of its command. The log lines
  * of the commands go to syslog(3) at LOG_NOTICE, as do those for a null pointer ("paramater"), an
- * unknown type ("command_type = %d"), an interface that is not allowed ("paramater matching") and a
- * lock that could not be taken ("lockking").
+ * unknown type ("command_type = %d"), an interface that is not allowed ("paramater matching"), a
+ * lock that could not be taken ("lockking") and an exception ("execute_velk_command exception" with
+ * its text).
  *
  * Blocking: taking the lock never waits. Otherwise as long as the command says.
  *

@@ -18,7 +18,8 @@ struct _velk_request;
 //   byte 2  the time: hour and minute in decimal with ":" between them, such as "08:30", and a NUL
 
 // Reads the schedule of the updater's first line into the data area `out` (512 bytes), with the
-// time as it is in the file, cut to 509 bytes, and a number cut to its byte. Without such a line
+// time as it is in the file, cut to 509 bytes, and a number cut to its byte. A number may begin
+// with "-", and one of more than 32 bits counts as 0, as a missing one does. Without such a line
 // the schedule is VELK_SCHEDULE_NONE. For VELK_SCHEDULE_NONE and VELK_SCHEDULE_HOURS the time is
 // "00:00".
 //
