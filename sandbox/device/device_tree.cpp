@@ -41,7 +41,7 @@ void MakeDirectory(const fs::path& folder, mode_t mode) {
 
 std::vector<std::string> EntriesOf(int folder) {
     std::vector<std::string> names;
-    DIR* listing = fdopendir(dup(folder));
+    DIR* listing = fdopendir(fcntl(folder, F_DUPFD_CLOEXEC, 0));
     if (listing == nullptr) {
         Fail("cannot list a folder", errno);
     }

@@ -177,6 +177,16 @@ lo
 status_is 0
 error_is ''
 
+it 'takes the adapter away from the list, the daemon and the kernel, in this order'
+on_device_sh 'adapter out; velkctl get eth1.signal; echo $?; grep -c Driver=wlan /proc/bus/usb/devices
+    [ -e /sys/class/net/eth1 ] || echo "no eth1"; [ -e /run/velk-sandbox/wland.pid ] || echo "no daemon"
+    adapter in; grep -c Driver=wlan /proc/bus/usb/devices; cat /sys/class/net/eth1/carrier'
+output_is "4
+0
+no eth1$([ "$has_daemon" = 0 ] || printf '\nno daemon')
+1
+1"
+
 it 'restores the list of USB devices independently of the umask'
 run sh -c 'umask 077; exec velk-sandbox --quiet -- sh -c "$1"' sh "$functions
     "'cp /proc/bus/usb/devices /tmp; adapter out; adapter in; stat -c %a /proc/bus/usb/devices
@@ -327,6 +337,67 @@ output_is '1 0 2
 1 0 2 -s eth0 autoneg
 1 0 2 -s eth0 colour red
 75 0 1 -s eth9 speed 10'
+
+# The device of root may use the real tool, so the stand-in is called by its path.
+it 'has an ethtool that keeps each mode of each port, and shows it'
+on_device sh -c 'tool=$1/stand-ins/ethtool
+    show() { sh "$tool" "$1" | sed -n "s/^.\(Speed\|Duplex\|Auto-negotiation\|Link detected\): //p" | paste -s -d " "; }
+    rm -f /run/velk-sandbox/ethtool.*
+    show eth0
+    while read -r words; do
+        sh "$tool" -s eth0 $words; echo "$? $(show eth0)"
+    done <<END
+speed 100 duplex half autoneg off
+speed 10 duplex full
+duplex half
+autoneg on
+speed 1000 duplex full autoneg off
+END
+    sh "$tool" --change eth1 speed 10 duplex half; show eth1; show eth0
+    velk-sandbox cable out; show eth0; velk-sandbox cable in; show eth0
+    ls /run/velk-sandbox | grep ethtool' sh "$VELK_BUILD"
+output_is '100Mb/s Full on yes
+0 100Mb/s Half off yes
+0 10Mb/s Full off yes
+0 10Mb/s Half off yes
+0 10Mb/s Half on yes
+0 1000Mb/s Full off yes
+10Mb/s Half on yes
+1000Mb/s Full off yes
+1000Mb/s Full off no
+1000Mb/s Full off yes
+ethtool.eth0
+ethtool.eth1'
+error_is ''
+
+it 'has a sudo that runs the command with its arguments and its exit status'
+on_device sh -c 'tool=$1/stand-ins/sudo
+    sh "$tool" printf "<%s>\n" "a b" "" "*"; sh "$tool" sh -c "exit 3"; echo $?' sh "$VELK_BUILD"
+output_is '<a b>
+<>
+<*>
+3'
+
+it 'has an ifconfig and a route that are those of busybox'
+if command -v busybox >/dev/null; then
+    on_device sh -c 'cd "$1/stand-ins"; sh ifconfig eth0 10.2.3.4 netmask 255.255.0.0; sh ifconfig eth0 | grep -c "inet addr:10.2.3.4 .*Mask:255.255.0.0"
+        sh route add default gw 10.2.3.1; sh route -n | sed -n "s/^0.0.0.0  *\([^ ]*\) .*/\1/p"
+        sh ifconfig eth9 >/dev/null 2>&1; echo $?' sh "$VELK_BUILD"
+    output_is '1
+10.2.3.1
+1'
+fi
+
+it 'has a script of the SNMP agent that takes the same words as that of the device'
+on_device sh -c 'for word in start stop restart "" status; do sh "$1/stand-ins/snmpd" $word; echo "$? $word"; done' \
+    sh "$VELK_BUILD"
+output_is '0 start
+0 stop
+0 restart
+2 
+2 status'
+error_is 'usage: snmpd start|stop|restart
+usage: snmpd start|stop|restart'
 
 # --- concurrent programs ---
 

@@ -146,18 +146,42 @@ finds '/etc/dhclient-exit-hooks'
 finds 'a folder, a FIFO or a device is in its place'
 finds 'is not attached'
 
+it 'has no adapter to pull on a device that was captured without one'
+run velk-sandbox --quiet --rootfs "$shared/first/capture.tar" -- \
+    sh -c 'ls /sys/class/net; velk-sandbox adapter out; velk-sandbox adapter in; ls /sys/class/net'
+status_is 0
+output_is 'eth0
+lo
+eth0
+eth1
+lo'
+
 it 'makes a device again without daemon, with a DHCP client in spite of its static method'
 same_after 'kill -9 $(cat /run/velk-sandbox/wland.pid); cp /bin/sh /tmp/dhclient
+    velkctl set eth0.link-speed 100-full --no-journal >/dev/null
     /tmp/dhclient -c "while :; do sleep 9; done" dhclient -lf /var/lib/dhcp/own.leases eth0 &
     printf "lease {\n  interface \"eth0\";\n  fixed-address 192.168.0.77;\n}\n" >/var/lib/dhcp/own.leases
     sleep 0.3; ifconfig eth0:1 10.1.1.1 netmask 255.0.0.0'
 finds 'no process listens at its socket'
 finds 'a DHCP client, process N, still runs for it, and its method is static'
+shows 'eth0.link-speed         100-full'
+
+it 'gives its own ethtool the captured link mode'
+if [ -e /dev/net/tun ] && [ "$(id -u)" = 0 ]; then
+    for mode in 100-half 10-full; do
+        run velk-sandbox --quiet --writable "$shared" -- \
+            sh -c "velkctl set eth0.link-speed $mode --no-journal; velkctl capture $shared/mode.tar" >/dev/null
+        run unshare --mount sh -c 'mount --bind /dev/null /dev/net/tun && exec "$@"' sh \
+            velk-sandbox --quiet --rootfs "$shared/mode.tar" -- velkctl get eth0.link-speed
+        output_is "$mode"
+    done
+fi
 
 it 'makes a device again with a silent daemon, and remains of interrupted commands'
-same_after 'kill $(cat /run/velk-sandbox/wland.pid); sleep 0.2; wland --reply silent --background
+same_after 'kill $(cat /run/velk-sandbox/wland.pid); sleep 0.2; wland --reply silent --background; velkctl set eth0.link-speed 10-full --no-journal >/dev/null
     ln -s /nowhere /var/tmp/dhclient.conf; mkfifo /var/tmp/root; printf x >/var/tmp/vklib_lock; chmod 600 /var/tmp/vklib_lock'
 finds "the lock file's mode is not 666"
+shows 'eth0.link-speed         10-full'
 
 it 'makes a device again with a file that cannot be read, and without tools'
 same_after 'chmod 0 /etc/dhclient.conf; rm -f /etc/init.d/snmpd' '$limited'

@@ -141,6 +141,54 @@ TEST_F(VelkctlDeviceTest, ATimeoutEndsTheWaitForTheLock) {
     EXPECT_TRUE(error.starts_with("velkctl: note: waiting at most 2 s for the lock")) << error;
 }
 
+// The shorter of the two ends the wait for the lock.
+TEST_F(VelkctlDeviceTest, AWaitForTheLockEndsBeforeALongerTimeout) {
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    const int lock = VkLibLock();
+    const Answer answer = Run(kSetDns, {1, 20}, "eth0.dns");
+    VkLibUnLock(lock);
+    EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
+    EXPECT_FALSE(answer.timed_out);
+    EXPECT_THAT(answer.note, MatchesRegex("process .* still holds the lock after 1 s"));
+    EXPECT_TRUE(error.starts_with("velkctl: note: waiting at most 1 s for the lock")) << error;
+}
+
+TEST_F(VelkctlDeviceTest, ATimeoutIsNoWaitForTheLock) {
+    const int lock = VkLibLock();
+    const Answer answer = Run(kSetDns, {0, 300}, "eth0.dns");
+    VkLibUnLock(lock);
+    EXPECT_EQ(answer.result, LIB_VELK_LOCKED);
+    EXPECT_THAT(answer.note, MatchesRegex("process .* holds the lock"));
+    EXPECT_EQ(error, "");
+    EXPECT_TRUE(libc().Texts(Call::kNanosleep).empty());
+}
+
+// After the wait, the command has the rest of its time.
+TEST_F(VelkctlDeviceTest, ACommandThatGetsTheLockIsStoppedAtItsTimeout) {
+    int lock = VkLibLock();
+    libc().ScriptAlways(Call::kNanosleep, Return(0));
+    libc().OnCall(Call::kNanosleep, [&](const Event&) {
+        if (lock != -1) {
+            VkLibUnLock(lock);
+            lock = -1;
+        }
+    });
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    const Answer answer = Run(kRestart, {30, 1}, "restart of eth0");
+    EXPECT_TRUE(answer.timed_out);
+    EXPECT_EQ(answer.timeout_seconds, 1);
+    EXPECT_EQ(answer.note, "restart of eth0 may be incomplete");
+}
+
+TEST_F(VelkctlDeviceTest, AShorterLimitOfTheCallerEndsAReading) {
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    Report report(Report::Form::kText);
+    const velkctl::Setting speed = *velkctl::FindSetting("eth0.link-speed");
+    EXPECT_EQ(Device({}, report).GetWithin(speed, 1).timeout_seconds, 1);
+    EXPECT_EQ(Device({0, 4}, report).GetWithin(speed, 1).timeout_seconds, 1);
+    EXPECT_EQ(Device({0, 1}, report).GetWithin(speed, 4).timeout_seconds, 1);
+}
+
 TEST_F(VelkctlDeviceTest, ARestartIsStoppedAtItsTimeout) {
     libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
     const Answer answer = Run(kRestart, {0, 1}, "restart of eth0");
@@ -192,6 +240,34 @@ TEST_F(VelkctlDeviceTest, ASignalEndsTheCommandAloneIfTheCallerGoesOn) {
     EXPECT_EQ(StatusOf(answer), ExitStatus::kFailed);
     EXPECT_EQ(OneLine(ProblemOf("eth0: could not be restarted", "", answer)),
               "eth0: could not be restarted; a signal has ended it");
+}
+
+// A change of files alone is usually finished within a second: a signal waits for it.
+TEST_F(VelkctlDeviceTest, AShortChangeIsFinishedBeforeASignalEndsIt) {
+    testkit::WriteFile(testkit::kExitHooks, "#/usr/sbin/avahi-autoipd eth0\n");
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)usleep(200 * 1000); });
+    Report report(Report::Form::kText);
+    const Data on{VELK_ON};
+    const StopSignals signals;
+    (void)raise(SIGTERM);
+    const Answer answer = Device({}, report, OnSignal::kEndCommand)
+                              .Execute({VELK_SET, VELK_CMD_APIPA, "eth0"}, on, "eth0.apipa");
+    Forget(signals);
+    EXPECT_EQ(answer.result, LIB_VELK_SUCCESS);
+    EXPECT_FALSE(answer.interrupted);
+    EXPECT_EQ(testkit::ReadFile(testkit::kExitHooks), "/usr/sbin/avahi-autoipd eth0\n");
+}
+
+TEST_F(VelkctlDeviceTest, AChangeThatHangsIsEndedSoonAfterASignal) {
+    testkit::WriteFile(testkit::kExitHooks, "/usr/sbin/avahi-autoipd eth0\n");
+    libc().OnCall(Call::kSystem, [](const Event&) { (void)pause(); });
+    Report report(Report::Form::kText);
+    const StopSignals signals;
+    (void)raise(SIGTERM);
+    const Answer answer = Device({}, report, OnSignal::kEndCommand)
+                              .Execute({VELK_SET, VELK_CMD_APIPA, "eth0"}, {}, "eth0.apipa");
+    Forget(signals);
+    EXPECT_TRUE(answer.interrupted);
 }
 
 TEST_F(VelkctlDeviceTest, ACommandThatPutsTheDeviceInOrderIsNotEndedByASignal) {
