@@ -26,7 +26,7 @@ set(velk_usual_seconds
   device.velkctl.preview=34 device.velkctl.selftest=51 device.velkctl.services=7 device.velkctl.show=11
   device.velkctl.status=5 device.velkctl.stuck_log=42 device.velkctl.time_limits=52 device.velkctl.valgrind=360
   device.velkctl.velkctl=25 device.velkctl.verbs=7 device.velkctl.wording=7 device.velkctl.writers=1
-  documents.commands=1 documents.completion=8 documents.options=1 documents.paths=1 documents.sandbox=1
+  documents.commands=1 documents.completion=10 documents.json=8 documents.options=1 documents.paths=1 documents.sandbox=1
   documents.statuses=1
   edits=1/3
   fault=80/87 fault.cuts=720
