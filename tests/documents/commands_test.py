@@ -158,6 +158,27 @@ def shared(heading):
     return tables.without_breaks(re.sub(r"^```\w*\n.*?^```$", "", text, flags=re.S | re.M))
 
 
+# The row of each result begins in every section in the same way, after a condition such as "set: ".
+MEANINGS = {0: "done", -3: "the lock is held by another call", -4: "an interface other than", -5: "no supported adapter is attached",
+            -6: ("the wired port has a link", "the link came up during the call")}
+
+
+class Results(tables.TestCase):
+    def test_each_has_its_meaning_in_every_section(self):
+        parts = re.findall(r"^\*\*Results\*\*\n(.*?)^\*\*", tables.read("docs/commands.md"), re.S | re.M)
+        rows = re.findall(r"^\| (-?\d+) \| (?:(?:set|get[^|:]*|`eth1`): )?([^|]+) \|$", "\n".join(parts), re.M)
+        count = 0
+        for result, when in rows:
+            meaning = MEANINGS.get(int(result))
+            if meaning:
+                self.assertTrue(when.startswith(meaning), f"{result}: {when}")
+                count += 1
+            else:
+                self.assertEqual(int(result), tables.results()["LIB_VELK_FAILURE"], when)
+                self.assertFalse(when.startswith(("done", "an interface other than")), f"{result}: {when}")
+        self.assertGreater(count, 100)
+
+
 class Numbers(tables.TestCase):
     def check(self, name, text, facts):
         text = re.sub(r"eth[01]", "", text)
