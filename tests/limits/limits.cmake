@@ -6,7 +6,7 @@
 # forms of velkctl use the rows of device.velkctl. "limits_test.py --times" compares the rows with the last run.
 set(velk_usual_seconds
   abi.c99_client=1 abi.cxx_client=1 abi.python_client=1 abi.syslog_host=1
-  abi.hardening=2 abi.hardening_self_test=1 abi.installed=1 abi.library_file=1
+  abi.forms=1 abi.hardening=2 abi.hardening_self_test=1 abi.installed=1 abi.library_file=1
   c_only.c99_client=1 c_only.edits=1 c_only.fault=80 c_only.file=1 c_only.python_client=1 c_only.reload=1
   c_only.threads=1 c_only.wire=1 c_only.world=45
   changes=130 changes.all=2900
@@ -24,7 +24,8 @@ set(velk_usual_seconds
   device.velkctl.guardian_load=11 device.velkctl.journal=50 device.velkctl.json=24 device.velkctl.limits=1
   device.velkctl.many_settings=3 device.velkctl.manual=18 device.velkctl.metrics=2 device.velkctl.notes=5
   device.velkctl.preview=34 device.velkctl.selftest=51 device.velkctl.services=7 device.velkctl.show=11
-  device.velkctl.status=5 device.velkctl.stuck_log=42 device.velkctl.time_limits=52 device.velkctl.valgrind=360
+  device.velkctl.status=5 device.velkctl.statuses=10
+  device.velkctl.stuck_log=42 device.velkctl.time_limits=52 device.velkctl.valgrind=360
   device.velkctl.velkctl=25 device.velkctl.verbs=7 device.velkctl.wording=7 device.velkctl.writers=1
   documents.commands=1 documents.completion=10 documents.json=8 documents.options=1 documents.paths=1 documents.sandbox=1
   documents.statuses=1
@@ -34,9 +35,11 @@ set(velk_usual_seconds
   fuzz.daemon=30 fuzz.edits=30 fuzz.requests=30 fuzz.scans=30
   fuzz.daemon.replay=3 fuzz.edits.replay=3 fuzz.requests.replay=1 fuzz.scans.replay=2
   limits=2
+  models=15 models.c_only=5
   packages.cmake_version=1 packages.missing=7 packages.moved=3 packages.programs=6 packages.recipes=3
   packages.sudoers=1 packages.sudoers_on_device=6 packages.version=1
   python.device=10 python.functions=1 python.installation=3
+  schedules=20
   threads=1
   unit=27/78
   valgrind.edits=360 valgrind.fault=360 valgrind.unit=360
