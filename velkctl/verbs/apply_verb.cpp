@@ -234,7 +234,7 @@ Confirmation ConfirmationOf(const ApplyPlan& plan, const Invocation& invocation,
 
 // Reports a change that is made. One that waits is reported with the command that keeps it.
 void ReportDone(const ApplyPlan& plan, const ApplyResult& result, const JournalEntry& entry,
-                Report& report) {
+                const Report& report) {
     std::string text = Summary(plan, result);
     if (entry.state == EntryState::kWaiting) {
         const std::string left = std::to_string(SecondsLeft(entry));

@@ -89,7 +89,7 @@ ExitStatus StatusOf(const PutBackResult& result) {
     return result.left.empty() ? ExitStatus::kDone : ExitStatus::kPartlyBack;
 }
 
-void ReportOutcome(const JournalEntry& entry, std::string_view outcome, Report& report) {
+void ReportOutcome(const JournalEntry& entry, std::string_view outcome, const Report& report) {
     report.Inform("change " + entry.id + " of " + LocalTime(entry.time) + " " +
                   std::string(outcome) + "\n");
 }
