@@ -107,7 +107,8 @@ NTP_LOG_LINES: Sequence[Words] = (
 )
 ROUTE_LINES: Sequence[Words] = (
     ((b"eth0\t", b"eth1\t", b"eth0:1\t", b"lo\t", b"eth01 "), (b"00000000\t", b"00000000\t", b"0000A8C0\t", b"0\t"),
-     (b"0100A8C0\t", b"fe00a8c0\t", b"00000000\t", b"1\t", b"FFFFFFFF\t"), (b"0003\t0\t0\t0\t00000000",)),
+     (b"0100A8C0\t", b"fe00a8c0\t", b"00000000\t", b"1\t", b"FFFFFFFF\t", b"0x100A8C0\t", b"-1\t", b"+1\t",
+      b"000000000100A8C0\t"), (b"0003\t0\t0\t0\t00000000",)),
     ((b"Iface\tDestination\tGateway \tFlags",),),
 )
 IFCONFIG_LINES: Sequence[Words] = (
