@@ -7,11 +7,12 @@ A batch is its size and its pairs; all numbers are in the machine's byte order, 
 and its bytes. A batch is answered by a batch:
 
   batch    size (32 bits), count of pairs (32), pairs; an answering batch has no count
-  pair     request (536 bytes), cut (32), files, outputs
+  pair     request (536 bytes), cut (32), files, outputs, daemon
   files    count (32); each: path (text), kind (8; 1 file, 2 folder), mode (16), bytes (text)
   outputs  count (32); each: command (text), count (32), texts
+  daemon   kind (8; 0 none, 1 answers, 2 silent), configuration (text), state (text)
   outcome  result (32), response (536 bytes), events, files
-  events   count (32); each: kind (8; 1 shell line, 2 log line, 3 seconds of sleep), text
+  events   count (32); each: kind (8; 1 shell line, 2 log line, 3 seconds of sleep, 4 message to the daemon), text
 
 A file of an outcome has a byte before its text, 1 if it is the one that was made for the pair.
 """
@@ -22,11 +23,11 @@ import struct
 import subprocess
 from typing import IO, List, Tuple, cast
 
-from .device import COMMAND, LOG, SLEEP, File, Outcome, Pair
+from .device import COMMAND, LOG, MESSAGE, SLEEP, File, Outcome, Pair
 
 SKIPPED = 77
 RECORD_SIZE = 536
-_EVENTS = {1: COMMAND, 2: LOG, 3: SLEEP}
+_EVENTS = {1: COMMAND, 2: LOG, 3: SLEEP, 4: MESSAGE}
 _NUMBER = struct.Struct("=I")
 
 
@@ -51,6 +52,7 @@ def _encode(pair: Pair) -> bytes:
     parts.append(_NUMBER.pack(len(scene.outputs)))
     for command, outputs in scene.outputs.items():
         parts += [_text(command), _NUMBER.pack(len(outputs)), *map(_text, outputs)]
+    parts += [bytes([scene.daemon]), _text(scene.configuration), _text(scene.state)]
     return b"".join(parts)
 
 

@@ -97,7 +97,7 @@ def has_adapter(device: Device) -> bool:
 # ---- Properties --------------------------------------------------------------------------------
 
 
-def _refuse_wireless(device: Device, request: Request) -> int:
+def refuse_wireless(device: Device, request: Request) -> int:
     if request.name != b"eth1":
         return SUCCESS
     if not has_adapter(device):
@@ -106,14 +106,14 @@ def _refuse_wireless(device: Device, request: Request) -> int:
 
 
 def get_mac(device: Device, request: Request, answer: Answer) -> int:
-    result = _refuse_wireless(device, request)
+    result = refuse_wireless(device, request)
     if result == SUCCESS:
         device.log("ioctl errno=19:No such device")  # the private network has no interfaces
     return result
 
 
 def get_gateway(device: Device, request: Request, answer: Answer) -> int:
-    result = _refuse_wireless(device, request)
+    result = refuse_wireless(device, request)
     if result != SUCCESS:
         return result
     text = device.read(ROUTES)
