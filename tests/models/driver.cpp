@@ -40,6 +40,8 @@
 namespace {
 
 constexpr int kSkipped = 77;
+constexpr unsigned kSeconds =
+    30;  // a call takes less than a millisecond; SIGALRM ends one that hangs
 constexpr long kNanoseconds = 1'000'000'000;
 
 // The folders of the device. Files are looked for in them alone.
@@ -372,7 +374,9 @@ void RunPair(Execute execute, Input& input, std::string& answers) {
     _velk_request response;
     memset(&response, 0xA5, sizeof(response));  // the library clears it
     is_running = true;
+    alarm(kSeconds);
     const int result = execute(&request, &response);
+    alarm(0);
     is_running = false;
     ServeDaemon();
     Append(answers, static_cast<int32_t>(result));

@@ -32,11 +32,14 @@ _NUMBER = struct.Struct("=I")
 
 
 class DriverError(Exception):
-    """The driver ended."""
+    """The driver ended, with this status, or by the signal of this negative number."""
 
     def __init__(self, status: int) -> None:
-        super().__init__(f"the driver ended with status {status}")
+        super().__init__(status)
         self.status = status
+
+    def __str__(self) -> str:
+        return f"the driver ended with status {self.status}"
 
 
 def _text(text: bytes) -> bytes:
@@ -92,13 +95,20 @@ class Driver:
     """A driver process. A batch may be worked on while the caller does something else."""
 
     def __init__(self, program: str, library: str) -> None:
-        self._process = subprocess.Popen([program, library], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self._command = [program, library]
+        self.restart()
+
+    def restart(self) -> None:
+        self._process = subprocess.Popen(self._command, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def __enter__(self) -> Driver:
         return self
 
     def __exit__(self, *_: object) -> None:
-        self._input.close()
+        try:
+            self._input.close()
+        except BrokenPipeError:
+            pass
         self._process.wait()
 
     @property
@@ -122,5 +132,12 @@ class Driver:
         return [reader.outcome() for _ in range(count)]
 
     def run(self, pair: Pair) -> Outcome:
-        self.begin([pair])
-        return self.end(1)[0]
+        """The outcome of one pair. If the driver ends, another is started, and its status is the result."""
+        try:
+            self.begin([pair])
+            return self.end(1)[0]
+        except DriverError as error:
+            if error.status == SKIPPED:
+                raise
+            self.restart()
+            return Outcome(error.status, b"", [], {})
