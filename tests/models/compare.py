@@ -8,7 +8,7 @@ from __future__ import annotations
 import copy
 from typing import Any, Callable, Dict, Iterator, List, Optional, Sequence, TypeVar
 
-from .device import COMMAND, DATA_SIZE, LOG, SLEEP, File, Outcome, Pair, Request, Scene
+from .device import COMMAND, DATA_SIZE, LOG, MESSAGE, SLEEP, File, Outcome, Pair, Request, Scene
 from .library import execute
 
 Item = TypeVar("Item")
@@ -29,7 +29,7 @@ def difference(library: Outcome, model: Outcome) -> str:
     if library.answer != model.answer:
         has_data, expected_data = [outcome.answer.rstrip(b"\0") for outcome in (library, model)]
         return f"answer: the library has\n  {has_data!r}\nthe model\n  {expected_data!r}"
-    for kind in (COMMAND, LOG, SLEEP):  # the order of a log line and a shell line is not promised
+    for kind in (COMMAND, LOG, SLEEP, MESSAGE):  # the order of a log line and a shell line is not promised
         has, expected = [[text for part, text in outcome.events if part == kind] for outcome in (library, model)]
         if has != expected:
             return f"{kind}: the library has\n  {has!r}\nthe model\n  {expected!r}"
@@ -62,6 +62,13 @@ def _smaller_texts(text: bytes) -> Iterator[bytes]:
             yield bytes(rest)
 
 
+def _without_bytes(record: bytes) -> Iterator[bytes]:
+    """The record with one byte that is zero."""
+    for at, byte in enumerate(record):
+        if byte:
+            yield record[:at] + b"\0" + record[at + 1 :]
+
+
 def _smaller_pairs(pair: Pair) -> Iterator[Pair]:
     for path in pair.scene.files:
         smaller = copy.deepcopy(pair)
@@ -86,6 +93,11 @@ def _smaller_pairs(pair: Pair) -> Iterator[Pair]:
                 smaller = copy.deepcopy(pair)
                 smaller.scene.outputs[command][number] = text
                 yield smaller
+    for name in ("configuration", "state"):
+        for text in _without_bytes(getattr(pair.scene, name)):
+            smaller = copy.deepcopy(pair)
+            setattr(smaller.scene, name, text)
+            yield smaller
     for data in _smaller_texts(pair.request.data.rstrip(b"\0")):
         smaller = copy.deepcopy(pair)
         smaller.request.data = data.ljust(DATA_SIZE, b"\0")
@@ -130,6 +142,7 @@ def to_json(pair: Pair) -> Dict[str, object]:
         "cut": scene.cut,
         "files": {path: {"mode": file.mode, "is_folder": file.is_folder, "text": _latin(file.text)}
                   for path, file in scene.files.items()},
+        "daemon": [scene.daemon, _latin(scene.configuration), _latin(scene.state)],
         "outputs": {_latin(command): [_latin(text) for text in texts] for command, texts in scene.outputs.items()},
     }
 
@@ -140,4 +153,6 @@ def from_json(value: Dict[str, Any]) -> Pair:
     outputs = {_bytes(command): [_bytes(text) for text in texts] for command, texts in value["outputs"].items()}
     request = Request(_bytes(value["interface"]).ljust(16, b"\0"), value["type"], value["id"],
                       _bytes(value["data"]).ljust(DATA_SIZE, b"\0"))
-    return Pair(Scene(files, outputs, value["cut"]), request)
+    daemon, configuration, state = value["daemon"]
+    scene = Scene(files, outputs, value["cut"], daemon, _bytes(configuration), _bytes(state))
+    return Pair(scene, request)

@@ -18,7 +18,8 @@ COPIES = "/var/tmp/"
 LOCK = COPIES + "vklib_lock"
 RESULT = COPIES + "get_result"
 
-COMMAND, LOG, SLEEP = "command", "log", "sleep"
+COMMAND, LOG, SLEEP, MESSAGE = "command", "log", "sleep", "message"
+NO_DAEMON, ANSWERS, SILENT = 0, 1, 2
 
 
 @dataclass
@@ -54,6 +55,9 @@ class Scene:
     files: Dict[str, File]
     outputs: Dict[bytes, List[bytes]] = field(default_factory=dict)  # one for each run of a tool
     cut: int = -1  # the bytes that cat(1) copies before it is killed; all if negative
+    daemon: int = NO_DAEMON
+    configuration: bytes = b""  # the bodies of the daemon's replies
+    state: bytes = b""
 
 
 @dataclass
@@ -77,6 +81,7 @@ class Device:
         self.files = {path: File(file.text, file.mode, file.is_folder) for path, file in scene.files.items()}
         self.events: List[Tuple[str, bytes]] = []
         self.error = 0
+        self.scene = scene
         self._outputs = scene.outputs
         self._runs: Dict[bytes, int] = {}
         self._cut = scene.cut

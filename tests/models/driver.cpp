@@ -25,9 +25,13 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sched.h>
+#include <semaphore.h>
 #include <sys/mount.h>
+#include <sys/select.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -36,10 +40,14 @@
 namespace {
 
 constexpr int kSkipped = 77;
+constexpr unsigned kSeconds =
+    30;  // a call takes less than a millisecond; SIGALRM ends one that hangs
 constexpr long kNanoseconds = 1'000'000'000;
 
 // The folders of the device. Files are looked for in them alone.
-constexpr const char* kFolders[] = {"/etc",
+constexpr const char* kFolders[] = {"/dev",
+                                    "/dev/shm",
+                                    "/etc",
                                     "/etc/network",
                                     "/proc",
                                     "/proc/bus",
@@ -60,8 +68,16 @@ constexpr const char* kFolders[] = {"/etc",
                                     "/var/log/syslog",
                                     "/var/tmp"};
 
-enum class Event : uint8_t { kCommand = 1, kLog = 2, kSleep = 3 };
+enum class Event : uint8_t { kCommand = 1, kLog = 2, kSleep = 3, kMessage = 4 };
 enum class Kind : uint8_t { kFile = 1, kFolder = 2 };
+
+enum class Daemon : uint8_t { kNone, kAnswers, kSilent };
+
+constexpr char kDaemonPath[] = "/tmp/WlanAplToWlanSock";
+constexpr char kReplyPath[] = "/tmp/WlanAplFromWlanSock";
+constexpr size_t kMessageSize = 240;
+constexpr short kReport = 3;  // asks for the configuration
+constexpr short kState = 4;   // asks for the state
 
 // The present pair.
 struct Scene {
@@ -70,12 +86,16 @@ struct Scene {
     std::map<std::string, size_t, std::less<>> runs;
     std::map<std::string, ino_t> files;
     int cut = -1;  // the bytes that cat(1) copies; all if negative
+    Daemon daemon = Daemon::kNone;
+    std::string configuration;  // the bodies of the daemon's replies
+    std::string state;
     std::string events;
     uint32_t event_count = 0;
     int64_t waited = 0;  // nanoseconds
 };
 Scene scene;
 bool is_running = false;
+int daemon_socket = -1;
 
 [[noreturn]] void Fail(const char* step) {
     (void)fprintf(stderr, "models_driver: %s: %s\n", step, strerror(errno));
@@ -162,7 +182,7 @@ void FindFiles() {
             const std::string path = std::string(kFolders[i]) + "/" + entry->d_name;
             const bool is_own =
                 std::find(std::begin(kFolders), std::end(kFolders), path) != std::end(kFolders);
-            if (entry->d_name[0] != '.' && !is_own) {
+            if (entry->d_name[0] != '.' && !is_own && path != kDaemonPath) {
                 found.emplace_back(path, entry->d_type == DT_DIR ? Kind::kFolder : Kind::kFile);
             }
         }
@@ -273,6 +293,54 @@ void RunLine(const std::string& line) {
     (void)WriteAll(target, text, 0666);
 }
 
+// ---- The wireless daemon -----------------------------------------------------------------------
+
+template <size_t kSize>
+sockaddr_un Address(const char (&path)[kSize]) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    memcpy(address.sun_path, path, kSize);
+    return address;
+}
+
+void StartDaemon() {
+    if (daemon_socket >= 0) {
+        close(daemon_socket);
+        (void)unlink(kDaemonPath);
+        daemon_socket = -1;
+    }
+    if (scene.daemon == Daemon::kNone) {
+        return;
+    }
+    const sockaddr_un address = Address(kDaemonPath);
+    daemon_socket = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (bind(daemon_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        Fail(kDaemonPath);
+    }
+}
+
+void Reply(const std::string& body) {
+    const std::string message = std::string(kMessageSize - sizeof(UMsgData), '\0') + body;
+    const sockaddr_un address = Address(kReplyPath);
+    (void)sendto(daemon_socket, message.data(), message.size(), MSG_DONTWAIT,
+                 reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+}
+
+// Records the messages that have come, and answers the queries.
+void ServeDaemon() {
+    char message[2 * kMessageSize];
+    ssize_t size;
+    while (daemon_socket >= 0 &&
+           (size = recv(daemon_socket, message, sizeof(message), MSG_DONTWAIT)) >= 0) {
+        Record(Event::kMessage, {message, static_cast<size_t>(size)});
+        short type;
+        memcpy(&type, message, sizeof(type));
+        if (scene.daemon == Daemon::kAnswers && (type == kReport || type == kState)) {
+            Reply(type == kReport ? scene.configuration : scene.state);
+        }
+    }
+}
+
 // ---- Batches -----------------------------------------------------------------------------------
 
 using Execute = int (*)(const _velk_request*, _velk_request*);
@@ -292,6 +360,10 @@ void ReadScene(Input& input) {
             outputs.emplace_back(input.Text());
         }
     }
+    scene.daemon = static_cast<Daemon>(input.Take<uint8_t>());
+    scene.configuration = input.Text();
+    scene.state = input.Text();
+    StartDaemon();
 }
 
 void RunPair(Execute execute, Input& input, std::string& answers) {
@@ -302,8 +374,11 @@ void RunPair(Execute execute, Input& input, std::string& answers) {
     _velk_request response;
     memset(&response, 0xA5, sizeof(response));  // the library clears it
     is_running = true;
+    alarm(kSeconds);
     const int result = execute(&request, &response);
+    alarm(0);
     is_running = false;
+    ServeDaemon();
     Append(answers, static_cast<int32_t>(result));
     answers.append(reinterpret_cast<const char*>(&response), sizeof(response));
     Append(answers, scene.event_count);
@@ -443,6 +518,23 @@ int clock_gettime(clockid_t clock, timespec* time) noexcept {
     time->tv_sec += nanoseconds / kNanoseconds;
     time->tv_nsec = static_cast<long>(nanoseconds % kNanoseconds);
     return 0;
+}
+
+// The daemon answers after the library has posted that the reply socket exists.
+int sem_post(sem_t* semaphore) noexcept {
+    static const auto post = reinterpret_cast<int (*)(sem_t*)>(dlsym(RTLD_NEXT, "sem_post"));
+    const int result = post(semaphore);
+    ServeDaemon();
+    return result;
+}
+
+// An answer that has not come at once never comes.
+int select(int count, fd_set* to_read, fd_set* to_write, fd_set* failing, timeval* time) {
+    const timespec now{};
+    if (time) {
+        Wait(int64_t{time->tv_sec} * kNanoseconds);
+    }
+    return pselect(count, to_read, to_write, failing, &now, nullptr);
 }
 
 }  // extern "C"

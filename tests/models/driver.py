@@ -7,11 +7,12 @@ A batch is its size and its pairs; all numbers are in the machine's byte order, 
 and its bytes. A batch is answered by a batch:
 
   batch    size (32 bits), count of pairs (32), pairs; an answering batch has no count
-  pair     request (536 bytes), cut (32), files, outputs
+  pair     request (536 bytes), cut (32), files, outputs, daemon
   files    count (32); each: path (text), kind (8; 1 file, 2 folder), mode (16), bytes (text)
   outputs  count (32); each: command (text), count (32), texts
+  daemon   kind (8; 0 none, 1 answers, 2 silent), configuration (text), state (text)
   outcome  result (32), response (536 bytes), events, files
-  events   count (32); each: kind (8; 1 shell line, 2 log line, 3 seconds of sleep), text
+  events   count (32); each: kind (8; 1 shell line, 2 log line, 3 seconds of sleep, 4 message to the daemon), text
 
 A file of an outcome has a byte before its text, 1 if it is the one that was made for the pair.
 """
@@ -22,20 +23,23 @@ import struct
 import subprocess
 from typing import IO, List, Tuple, cast
 
-from .device import COMMAND, LOG, SLEEP, File, Outcome, Pair
+from .device import COMMAND, LOG, MESSAGE, SLEEP, File, Outcome, Pair
 
 SKIPPED = 77
 RECORD_SIZE = 536
-_EVENTS = {1: COMMAND, 2: LOG, 3: SLEEP}
+_EVENTS = {1: COMMAND, 2: LOG, 3: SLEEP, 4: MESSAGE}
 _NUMBER = struct.Struct("=I")
 
 
 class DriverError(Exception):
-    """The driver ended."""
+    """The driver ended, with this status, or by the signal of this negative number."""
 
     def __init__(self, status: int) -> None:
-        super().__init__(f"the driver ended with status {status}")
+        super().__init__(status)
         self.status = status
+
+    def __str__(self) -> str:
+        return f"the driver ended with status {self.status}"
 
 
 def _text(text: bytes) -> bytes:
@@ -51,6 +55,7 @@ def _encode(pair: Pair) -> bytes:
     parts.append(_NUMBER.pack(len(scene.outputs)))
     for command, outputs in scene.outputs.items():
         parts += [_text(command), _NUMBER.pack(len(outputs)), *map(_text, outputs)]
+    parts += [bytes([scene.daemon]), _text(scene.configuration), _text(scene.state)]
     return b"".join(parts)
 
 
@@ -90,13 +95,20 @@ class Driver:
     """A driver process. A batch may be worked on while the caller does something else."""
 
     def __init__(self, program: str, library: str) -> None:
-        self._process = subprocess.Popen([program, library], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self._command = [program, library]
+        self.restart()
+
+    def restart(self) -> None:
+        self._process = subprocess.Popen(self._command, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def __enter__(self) -> Driver:
         return self
 
     def __exit__(self, *_: object) -> None:
-        self._input.close()
+        try:
+            self._input.close()
+        except BrokenPipeError:
+            pass
         self._process.wait()
 
     @property
@@ -120,5 +132,12 @@ class Driver:
         return [reader.outcome() for _ in range(count)]
 
     def run(self, pair: Pair) -> Outcome:
-        self.begin([pair])
-        return self.end(1)[0]
+        """The outcome of one pair. If the driver ends, another is started, and its status is the result."""
+        try:
+            self.begin([pair])
+            return self.end(1)[0]
+        except DriverError as error:
+            if error.status == SKIPPED:
+                raise
+            self.restart()
+            return Outcome(error.status, b"", [], {})

@@ -6,11 +6,12 @@
 from __future__ import annotations
 
 import random
+import struct
 from typing import Dict, List, Sequence, Tuple
 
-from . import crontab, dhcp, hooks, identity, interfaces, live, resolver
-from .device import DATA_SIZE, GET, LOCK, RESULT, SET, File, Pair, Request, Scene, copy_of
-from .library import GETTERS, SETTERS
+from . import crontab, dhcp, hooks, identity, interfaces, live, resolver, wireless
+from .device import DATA_SIZE, GET, LOCK, RESTART, RESULT, SET, File, Pair, Request, Scene, copy_of
+from .library import CONFIGURATION, GETTERS, RESTARTS, SETTERS, STATE
 
 Random = random.Random
 
@@ -83,15 +84,18 @@ CRONTAB_LINES: Sequence[Words] = (
     ((b"", b"", b"#", b"##", b"# ", b" #"), (b"0 * * * * ", b"30 3 * * 1 ", b"", b"@daily "),
      (b"/usr/bin/ntpdate", b"ntpdate", b"/usr/bin/ntpdate2", b"sntpdate", b"#ntpdate", b"x # ntpdate", b"ntpdat"),
      (b" ", b" -u ", b"  ", b" -t 4 ", b"", b" -u\t", b" -b -u "), ADDRESSES,
-     (b" > /var/libvelk/ntp.log", b" > /var/libvelk/ntp.log", b">/tmp/x", b"", b" >> x", b" 2> x", b" # > x", b"  > l")),
-    ((b"", b"", b"#", b"# "), (b"00 ", b"5 ", b"30 ", b"", b"*/5 ", b"\t"), (b"3 ", b"08 ", b"*/6 ", b"*/x ", b"*/300 ", b"*/9999999999 ",
-     b" ", b"*/ 4 ", b"* "), (b"* ", b"* ", b"31 ", b"1,29 ", b"x ", b"", b"*\t", b"1-5 ", b"99999999999999999999 ", b"3000000000 "),
+     (b" > /var/libvelk/ntp.log", b" > /var/libvelk/ntp.log", b">/tmp/x", b"", b" >> x", b" 2> x", b" # > x",
+      b"  > l")),
+    ((b"", b"", b"#", b"# "), (b"00 ", b"5 ", b"30 ", b"", b"*/5 ", b"\t"), (b"3 ", b"08 ", b"*/6 ", b"*/x ", b"*/300 ",
+     b"*/9999999999 ", b" ", b"*/ 4 ", b"* "), (b"* ", b"* ", b"31 ", b"1,29 ", b"x ", b"", b"*\t", b"1-5 ",
+     b"99999999999999999999 ", b"3000000000 "),
      (b"* ", b"* ", b"1,4-12 ", b"3 ", b""), (b"* ", b"* ", b"0 ", b"6 ", b"sun ", b"-3 ", b"+2 ", b"257 "),
      (b"perl /usr/bin/web_contents_updater.pl", b"web_contents_updater", b"web_contents_update")),
     ((b"0 4 * * * ", b"# ", b""), (b"/usr/sbin/logrotate", b"run-parts /etc", b"MAILTO=root")),
 )
 IDENTITY_LINES: Sequence[Words] = (
-    ((b"", b"", b"", b" ", b"#", b"X"), (b"ADMINISTRATOR=", b"LOCATION=", b"ADMINISTRATOR", b"location=", b"LOCATION ="),
+    ((b"", b"", b"", b" ", b"#", b"X"), (b"ADMINISTRATOR=", b"LOCATION=", b"ADMINISTRATOR", b"location=",
+     b"LOCATION ="),
      (b"Robin", b"Lab 3", b"", b"a=b", b"O'Neil & Co", b"\xc3\xbcb\xff", b" x ", b"LOCATION=ADMINISTRATOR=")),
     ((b"MODEL=9", b"[x]", b""),),
 )
@@ -107,7 +111,8 @@ NTP_LOG_LINES: Sequence[Words] = (
 )
 ROUTE_LINES: Sequence[Words] = (
     ((b"eth0\t", b"eth1\t", b"eth0:1\t", b"lo\t", b"eth01 "), (b"00000000\t", b"00000000\t", b"0000A8C0\t", b"0\t"),
-     (b"0100A8C0\t", b"fe00a8c0\t", b"00000000\t", b"1\t", b"FFFFFFFF\t"), (b"0003\t0\t0\t0\t00000000",)),
+     (b"0100A8C0\t", b"fe00a8c0\t", b"00000000\t", b"1\t", b"FFFFFFFF\t", b"0x100A8C0\t", b"-1\t", b"+1\t",
+      b"000000000100A8C0\t"), (b"0003\t0\t0\t0\t00000000",)),
     ((b"Iface\tDestination\tGateway \tFlags",),),
 )
 IFCONFIG_LINES: Sequence[Words] = (
@@ -154,7 +159,8 @@ FORMS: Dict[str, Tuple[Sequence[Words], bytes]] = {
     hooks.HOOKS: (SCRIPT_LINES, HOOKS_FORM),
     hooks.SCRIPT: (SCRIPT_LINES, SCRIPT_FORM),
     crontab.PATH: (CRONTAB_LINES, CRONTAB_FORM),
-    crontab.RESULT_LOG: (NTP_LOG_LINES, b"21 Nov 10:00:00 ntpdate[99]: adjust time server 192.168.0.1 offset 0.1 sec\n"),
+    crontab.RESULT_LOG: (NTP_LOG_LINES,
+                         b"21 Nov 10:00:00 ntpdate[99]: adjust time server 192.168.0.1 offset 0.1 sec\n"),
     identity.PATH: (IDENTITY_LINES, b"ADMINISTRATOR=Robin\nLOCATION=Lab\n"),
     resolver.PATH: (RESOLVER_LINES, b"nameserver 192.168.0.1\nnameserver 192.168.0.2\n"),
     live.ROUTES: (ROUTE_LINES, b"Iface\tDestination\tGateway\neth0\t00000000\t0100A8C0\t0003\n"),
@@ -164,8 +170,8 @@ FORMS: Dict[str, Tuple[Sequence[Words], bytes]] = {
     live.LINK_LOG + "1": (LINK_LOG_LINES, b"kern: eth0: link down\n"),
 }
 TOOLS: Dict[bytes, Tuple[Sequence[Words], bytes]] = {
-    b"ifconfig": (IFCONFIG_LINES, b"eth0      Link encap:Ethernet\n          inet addr:192.168.0.10  Bcast:192.168.0.255"
-                                  b"  Mask:255.255.255.0\n\nlo        Link encap:Local Loopback\n"),
+    b"ifconfig": (IFCONFIG_LINES, b"eth0      Link encap:Ethernet\n          inet addr:192.168.0.10  "
+                                  b"Bcast:192.168.0.255  Mask:255.255.255.0\n\nlo        Link encap:Local Loopback\n"),
     b"sudo /usr/sbin/ethtool eth0": (ETHTOOL_LINES, b"Settings for eth0:\n\tLink detected: no\n"),
     b"sudo ethtool eth0": (ETHTOOL_LINES, b"Settings for eth0:\n\tSpeed: 100Mb/s\n\tDuplex: Full\n"
                                           b"\tAuto-negotiation: off\n\tLink detected: yes\n"),
@@ -178,10 +184,19 @@ FILES_OF: Dict[int, Tuple[str, ...]] = {
     9: (crontab.PATH,), 10: (crontab.RESULT_LOG,), 11: (crontab.PATH,), 101: LIVE_FILES[2:],
     102: (interfaces.PATH, dhcp.PATH), 103: (hooks.HOOKS,), 104: LIVE_FILES, 105: LIVE_FILES, 106: LIVE_FILES,
     107: (dhcp.PATH, hooks.SCRIPT), 108: (resolver.PATH,), 109: (hooks.HOOKS,), 201: (),
+    **{number: LIVE_FILES[2:] for number in (1, *STATE)},
 }
+LINK_COMMANDS = (1, 101, 104, 105, 106, 201, *STATE)
+DAEMON_COMMANDS = (1, *CONFIGURATION, *STATE)
 GET_ROWS = [(number, row[0]) for number, row in GETTERS.items()]
 SET_ROWS = [(number, row[0]) for number, row in SETTERS.items()]
+RESTART_ROWS = [(number, row[0]) for number, row in RESTARTS.items()]
 EDITED = (interfaces.PATH, dhcp.PATH, hooks.HOOKS, hooks.SCRIPT, crontab.PATH, identity.PATH)
+
+
+# The largest usual value of each number in the configuration.
+CONFIGURATION_NUMBERS = {wireless.SSID: 32, wireless.SERVICE_SET: 1, wireless.STANDARDS: 1, wireless.CHANNEL: 13,
+                         wireless.AUTHENTICATION: 3, wireless.ENCRYPTION: 3, wireless.DEFAULT_KEY: 4, wireless.PSK: 64}
 
 
 def _line(rng: Random, kinds: Sequence[Words]) -> bytes:
@@ -266,7 +281,8 @@ def _servers(rng: Random) -> bytes:
 def _schedule(rng: Random) -> bytes:
     kind = (1, 2, 3, 4, 4, 4, 99, 0, 5, int(rng.random() * 256))[int(rng.random() * 10)]
     value = (1, 7, 28, 29, 30, 31, 32, 0, 99, int(rng.random() * 256))[int(rng.random() * 10)]
-    time = _pick(rng, (b"08:30", b"1:05", b"00:00", b"99999:0", b"12:3a", b":", b"12", b"12:", b":30", b"1:2:3", b"-1:3",
+    time = _pick(rng, (b"08:30", b"23:59", b"3:05", b"12:00", b"0:0") if rng.random() < 0.6 else
+                 (b"1:05", b"00:00", b"99999:0", b"12:3a", b":", b"12", b"12:", b":30", b"1:2:3", b"-1:3",
                        b" 8:30", b"", b"8" * 200 + b":" + b"9" * 309, b"8:30\n"))
     return _data_text(rng, bytes([kind, value]) + time)
 
@@ -278,15 +294,18 @@ def _usual_data(rng: Random, number: int) -> bytes:
         return _servers(rng)
     if number == 11:
         return _schedule(rng)
+    if number in (303, 308, 309, 310, 311, 314):
+        length = (0, 1, 5, 6, 10, 13, 26, 27, 28, 32, 33, 64, 65)[int(rng.random() * 13)]
+        return _data_text(rng, _pick(rng, (b"a", b"k", b"\xff")) * length)
+    if number in CONFIGURATION:
+        return _data_text(rng, bytes([int(rng.random() * (15 if number in (304, 312) else 6))]))
     return _byte(rng, (1, 2, 3, 4, 5) if number == 201 else (1, 2))
 
 
 def _request(rng: Random) -> Request:
-    is_set = rng.random() < 0.6
-    rows = SET_ROWS if is_set else GET_ROWS
+    kind, rows = ((SET, SET_ROWS), (GET, GET_ROWS), (RESTART, RESTART_ROWS))[min(int(rng.random() * 2.05), 2)]
     number, names = rows[int(rng.random() * len(rows))]
     name = NAMES[int(rng.random() * 2)] if len(names) == 2 else names[0]
-    kind = SET if is_set else GET
     if _one_in(rng, 40):
         name = _pick(rng, ODD_NAMES)
     if _one_in(rng, 80):
@@ -306,6 +325,36 @@ def _add_file(rng: Random, files: Dict[str, File], path: str) -> None:
         files[path] = File(_text(rng, FORMS[path]), mode)
 
 
+def _record(rng: Random, texts: Dict[int, bytes], numbers: Dict[int, int]) -> bytes:
+    """A record of the daemon with these bytes and small numbers at their offsets, seldom cut or too long."""
+    record = bytearray(wireless.BODY_SIZE)
+    if _one_in(rng, 6):
+        record = bytearray(rng.getrandbits(8 * wireless.BODY_SIZE).to_bytes(wireless.BODY_SIZE, "little"))
+    for offset, text in texts.items():
+        record[offset : offset + len(text)] = text
+    for offset, last in numbers.items():
+        value = int(rng.random() * (last + 2)) if not _one_in(rng, 12) else int(rng.random() * 65536)
+        struct.pack_into("=H", record, offset, value)
+    if _one_in(rng, 30):
+        return bytes(record[: int(rng.random() * len(record))])
+    return bytes(record) + b"more" if _one_in(rng, 60) else bytes(record)
+
+
+def _add_daemon(rng: Random, scene: Scene) -> None:
+    scene.daemon = 0 if _one_in(rng, 12) else 2 if _one_in(rng, 30) else 1
+    keys = {wireless.KEYS + wireless.KEY_SIZE * key: 28 for key in range(4)}
+    secrets = {2: b"velk-lab" * 4, 170: b"a new key of the desk" * 3, **{offset + 2: b"k" * 28 for offset in keys}}
+    scene.configuration = _record(rng, secrets, {**CONFIGURATION_NUMBERS, **keys})
+    product = _pick(rng, (b"P:  Vendor=1a2b ProdID=3c4d Rev= 1.01", b"Rev= ", b"Rev=1", b"Rev= Rev= 2\0Rev= 3",
+                          b"x" * 64,
+                          b"P:  Vendor=1a2b ProdID=3c4d Rev= 1.01 with a text of all 64 bytes."[:64]))
+    version = _pick(rng, (b"2.4.1", b"", b"v" * 32, b"\xff\0x"))
+    address = rng.getrandbits(112).to_bytes(14, "little")
+    scene.state = _record(rng, {0: product, 64: version, 142: address[:6], 156: address[6:]}, {96: 2, 152: 2})
+    if _one_in(rng, 20):
+        scene.files[wireless.REPLY_PATH] = File(b"of an earlier call\n")
+
+
 def _scene(rng: Random, request: Request) -> Scene:
     scene = Scene({})
     paths = FILES_OF.get(request.id, ())
@@ -321,7 +370,9 @@ def _scene(rng: Random, request: Request) -> Scene:
         scene.files[LOCK] = File(b"", 0o666) if not _one_in(rng, 60) else File(b"", 0, is_folder=True)
     if _one_in(rng, 20):
         scene.files["/tmp/oldIPAddress"] = File(b"x\n")
-    if request.id in (101, 104, 105, 106, 201):
+    if request.id in DAEMON_COMMANDS:
+        _add_daemon(rng, scene)
+    if request.id in LINK_COMMANDS:
         for tool, form in TOOLS.items():
             if not _one_in(rng, 60):
                 scene.outputs[tool] = [_text(rng, form) for _ in range(1 + int(rng.random() * 2))]

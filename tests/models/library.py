@@ -9,7 +9,7 @@ import errno
 import struct
 from typing import Callable, Dict, Tuple
 
-from . import crontab, dhcp, hooks, identity, interfaces, live, resolver
+from . import crontab, dhcp, hooks, identity, interfaces, live, resolver, wireless
 from .device import FAILURE, GET, INVALID, LOCK, RESTART, SET, Answer, Device, Outcome, Pair, Request
 
 Getter = Callable[[Device, Request, Answer], int]
@@ -18,6 +18,9 @@ Setter = Callable[[Device, Request], int]
 NONE: Tuple[bytes, ...] = (b"",)
 BOTH: Tuple[bytes, ...] = (b"eth0", b"eth1")
 WIRED: Tuple[bytes, ...] = (b"eth0",)
+WIRELESS: Tuple[bytes, ...] = (b"eth1",)
+CONFIGURATION = (302, 303, 304, 306, 307, 308, 309, 310, 311, 312, 314, 318)
+STATE = (4, 5, 301, 305, 315, 316, 317)
 
 GETTERS: Dict[int, Tuple[Tuple[bytes, ...], Getter]] = {
     2: (NONE, identity.get),
@@ -36,6 +39,8 @@ GETTERS: Dict[int, Tuple[Tuple[bytes, ...], Getter]] = {
     107: (BOTH, dhcp.get_dns),
     108: (BOTH, resolver.get),
     201: (WIRED, live.get_speed),
+    **{number: (WIRELESS, wireless.get_configuration) for number in CONFIGURATION},
+    **{number: (WIRELESS, wireless.get_state) for number in STATE},
 }
 SETTERS: Dict[int, Tuple[Tuple[bytes, ...], Setter]] = {
     2: (NONE, identity.set),
@@ -53,7 +58,9 @@ SETTERS: Dict[int, Tuple[Tuple[bytes, ...], Setter]] = {
     108: (BOTH, resolver.set),
     109: (WIRED, hooks.set_notices),
     201: (WIRED, live.set_speed),
+    **{number: (WIRELESS, wireless.set_configuration) for number in CONFIGURATION},
 }
+RESTARTS: Dict[int, Tuple[Tuple[bytes, ...], Setter]] = {1: (BOTH, wireless.restart)}
 
 
 def _lock(device: Device) -> bool:
@@ -81,8 +88,8 @@ def _run(device: Device, request: Request, answer: Answer) -> int:
     if request.type == GET and request.id in GETTERS:
         names, getter = GETTERS[request.id]
         run: Callable[[], int] = lambda: getter(device, request, answer)
-    elif request.type == SET and request.id in SETTERS:
-        names, setter = SETTERS[request.id]
+    elif request.type != GET and request.id in (SETTERS if request.type == SET else RESTARTS):
+        names, setter = (SETTERS if request.type == SET else RESTARTS)[request.id]
         run = lambda: setter(device, request)
     else:
         return INVALID

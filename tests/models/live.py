@@ -16,6 +16,7 @@ USB_DEVICES = "/proc/bus/usb/devices"
 LINK_LOG = "/var/log/syslog/syslog_info.log."
 RUNS = 60
 _HEXADECIMAL = re.compile(rb"[ \t\n\v\f\r]*([+-]?)(?:0[xX](?=[0-9a-fA-F]))?([0-9a-fA-F]+)")
+_ROUTE_NUMBER = re.compile(rb"(?:0[xX]|(?!0[xX]))[0-9a-fA-F]+")  # the kernel's numbers have no sign
 MODES = {2: (100, b"full"), 3: (100, b"half"), 4: (10, b"full"), 5: (10, b"half")}
 
 
@@ -96,7 +97,7 @@ def has_adapter(device: Device) -> bool:
 # ---- Properties --------------------------------------------------------------------------------
 
 
-def _refuse_wireless(device: Device, request: Request) -> int:
+def refuse_wireless(device: Device, request: Request) -> int:
     if request.name != b"eth1":
         return SUCCESS
     if not has_adapter(device):
@@ -105,14 +106,14 @@ def _refuse_wireless(device: Device, request: Request) -> int:
 
 
 def get_mac(device: Device, request: Request, answer: Answer) -> int:
-    result = _refuse_wireless(device, request)
+    result = refuse_wireless(device, request)
     if result == SUCCESS:
         device.log("ioctl errno=19:No such device")  # the private network has no interfaces
     return result
 
 
 def get_gateway(device: Device, request: Request, answer: Answer) -> int:
-    result = _refuse_wireless(device, request)
+    result = refuse_wireless(device, request)
     if result != SUCCESS:
         return result
     text = device.read(ROUTES)
@@ -122,8 +123,9 @@ def get_gateway(device: Device, request: Request, answer: Answer) -> int:
     for line in lines(text):
         words = line.split()
         is_default = line.startswith(request.name) and len(words) > 2 and words[1] == b"00000000"
-        if is_default and _HEXADECIMAL.match(words[2]):
-            gateway = _hexadecimal(words[2]).to_bytes(4, "little")
+        number = _ROUTE_NUMBER.match(words[2]) if is_default else None
+        if number and int(number[0], 16) < 1 << 32:
+            gateway = int(number[0], 16).to_bytes(4, "little")
             answer.put_text(b".".join(b"%d" % byte for byte in gateway))
             break
     return SUCCESS
