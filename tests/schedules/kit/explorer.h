@@ -35,9 +35,10 @@ struct Failure {
 };
 
 struct Findings {
-    std::vector<size_t> runs;   // by the number of preemptions
-    size_t points = 0;          // of the first run, with a call that another caller may notice
-    size_t strayed = 0;         // runs whose beginning differs from that of the run before
+    std::vector<size_t> runs;  // by the number of preemptions
+    size_t points = 0;         // of the first run, with a call that another caller may notice
+    // The first difference between two runs up to the choice in which they differ; must be empty.
+    std::string strayed;
     std::optional<Failure> failure;  // the first one; it ends the exploration
 };
 

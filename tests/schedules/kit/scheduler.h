@@ -51,8 +51,9 @@ struct Decision {
     size_t turn = 0;
     // True if the running caller goes on with its call.
     bool makes_call = false;
-
-    bool is_preemption() const { return !call.name.empty(); }
+    // True if there is no running caller, or it has ended. Any other choice than the usual one is a
+    // preemption.
+    bool is_free = false;
 };
 
 // A run of the callers with one schedule.
