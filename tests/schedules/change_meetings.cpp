@@ -272,7 +272,7 @@ class OutsiderSetsTheSame final : public ApplyAndOutsider {
 
 // ---- Apply and editor --------------------------------------------------------------------------
 
-// As an editor that saves what it has just read. It takes no lock.
+// Saves the text that it has just read, as an editor does. It takes no lock.
 int SaveWithALine() {
     EnterDevice();
     const std::string text = ReadInterfaces();

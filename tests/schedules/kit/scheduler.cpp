@@ -40,7 +40,7 @@ struct Actor {
     pid_t first = 0;
     std::vector<std::unique_ptr<TracedProcess>> processes{};
     TracedProcess* running = nullptr;  // the one that made the last step
-    bool has_happened = false;         // of an event
+    bool has_happened = false;         // an event happens once
     bool is_asleep = false;
 };
 
@@ -297,7 +297,7 @@ class Scheduler {
         LookAtWaiting();
     }
 
-    // Of a call with this number, or of any call.
+    // Ends a call with this number, or any call.
     bool EndOneTimeout(long number) {
         for (const auto& actor : actors_) {
             for (const auto& process : actor->processes) {

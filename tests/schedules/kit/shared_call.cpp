@@ -24,7 +24,7 @@ namespace {
 // ---- Paths -------------------------------------------------------------------------------------
 
 // The places that the library, velkctl, their tools and the wireless daemon share.
-constexpr std::array<std::string_view, 12> kSharedPlaces{
+constexpr std::array<std::string_view, 11> kSharedPlaces{
     "/etc/network/",
     "/etc/dhclient",
     "/etc/resolv.dnsmasq.conf",
@@ -35,8 +35,7 @@ constexpr std::array<std::string_view, 12> kSharedPlaces{
     "/var/tmp",
     "/tmp/WlanApl",
     "/tmp/oldIPAddress",
-    "/dev/shm/",
-    "/run/schedules-port",
+    "/dev/shm/sem.Wlan",  // not the names, made by chance, that it has before
 };
 
 bool IsShared(const std::string& path) {
@@ -72,7 +71,7 @@ std::string LinkOf(pid_t process, const std::string& name) {
     return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/" + name, ignored);
 }
 
-// Returns an empty text for a file that never had a name: it would contain a number that differs
+// Returns an empty text for a file without a name: the kernel calls it by a number, which differs
 // from run to run.
 std::string PathOf(pid_t process, uint64_t descriptor) {
     std::string path = LinkOf(process, "fd/" + std::to_string(static_cast<int>(descriptor)));
@@ -226,9 +225,10 @@ SharedCall SocketAt(const char* name, pid_t process, uint64_t address, uint64_t 
     return {std::string(name) + " " + path, {{path, true}}};
 }
 
-SharedCall ReceiveOf(pid_t process, const Entry& entry) {
+// The queues of the daemon and of its callers count as one object.
+SharedCall DatagramOf(const char* name, pid_t process, const Entry& entry) {
     const bool is_socket = PathOf(process, entry.arguments[0]).starts_with("socket:");
-    return is_socket ? SharedCall{"receive", {{"/tmp/WlanAplFromWlanSock", true}}} : SharedCall{};
+    return is_socket ? SharedCall{name, {{"datagrams", true}}} : SharedCall{};
 }
 
 SharedCall CallOf(const Row& row, pid_t process, const Entry& entry) {
@@ -273,9 +273,9 @@ SharedCall CallAt(pid_t process, const Entry& entry) {
             return SocketAt(entry.number == SYS_bind ? "bind" : "connect", process, arguments[1],
                             arguments[2]);
         case SYS_sendto:
-            return SocketAt("send", process, arguments[4], arguments[5]);
+            return DatagramOf("send", process, entry);
         case SYS_recvfrom:
-            return ReceiveOf(process, entry);
+            return DatagramOf("receive", process, entry);
         default: {
             const auto row = std::ranges::find(kRows, entry.number, &Row::number);
             return row == kRows.end() ? SharedCall{} : CallOf(*row, process, entry);

@@ -64,9 +64,9 @@ class TracedProcess {
     void StepToNextCall();
     // The same as Step(), but the call before which it is stopped does nothing and returns 0.
     void StepOverCall();
-    // Of one that waits: finds out whether it still does.
+    // Finds out whether one that waits still does.
     void Look();
-    // Of one that waits: lets its call return this.
+    // Lets the call of one that waits return this.
     void Interrupt(long result);
 
   private:
@@ -87,8 +87,8 @@ class TracedProcess {
     velk::UniqueFd stat_file_;
     int signal_ = 0;
     int status_ = 0;
-    bool awaits_new_program_ = false;  // of a vfork(2)
-    std::optional<long> result_;       // that the call returns
+    bool awaits_new_program_ = false;  // since a vfork(2)
+    std::optional<long> result_;       // replaces the one of the call
     std::optional<pid_t> new_process_;
     bool has_left_session_ = false;
 };
