@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// board.h - what callers in processes of their own leave for the test.
+// board.h - memory in which callers leave their answers for the test.
 #ifndef TESTS_SCHEDULES_KIT_BOARD_H_
 #define TESTS_SCHEDULES_KIT_BOARD_H_
 

@@ -65,50 +65,55 @@ class Exploration {
   public:
     Exploration(Meeting& meeting, const Bounds& bounds) : meeting_(meeting), bounds_(bounds) {}
 
-    // Begins again with each new object.
+    // Begins again if there was a new object. Most of them are known from runs without preemptions.
     Findings RunAll() {
-        while (!RunThrough()) {
+        while (!findings_.failure && LearnFrom(0)) {
+        }
+        while (!findings_.failure && LearnFrom(bounds_.preemptions)) {
         }
         return std::move(findings_);
     }
 
   private:
-    bool RunThrough() {
+    // Returns true if there was a new object.
+    bool LearnFrom(int preemptions) {
+        most_ = preemptions;
         findings_ = {};
         findings_.runs.resize(static_cast<size_t>(bounds_.preemptions) + 1);
+        bool has_learned = false;
         size_t number = 0;
         std::vector<Branch> branches(1);
         while (!branches.empty() && !findings_.failure) {
             const Branch branch = std::move(branches.back());
             branches.pop_back();
-            const bool is_left_out = branch.preemptions > 0 && ++number % bounds_.stride != 0;
-            if (!is_left_out && !RunOne(branch, branches)) {
-                return false;
+            if (branch.preemptions == 0 || ++number % bounds_.stride == 0) {
+                has_learned = RunOne(branch, branches) || has_learned;
             }
         }
-        return true;
+        return has_learned;
     }
 
-    // Returns false if there is a new object.
+    // Returns true if there was a new object.
     bool RunOne(const Branch& branch, std::vector<Branch>& branches) {
         const Course course = Run(meeting_.Prepare(), branch.schedule);
         ++findings_.runs[static_cast<size_t>(branch.preemptions)];
         findings_.failure = FailureOf(meeting_, branch.schedule, course);
-        if (!findings_.failure && objects_.Learn(course)) {
-            return false;
-        }
-        findings_.strayed += IsAsBefore(branch, course) ? 0 : 1;
+        Compare(branch, course);
+        const bool has_learned = objects_.Learn(course);
         Add(branch, course, branches);
-        return true;
+        return has_learned;
     }
 
-    static bool IsAsBefore(const Branch& branch, const Course& course) {
-        const std::vector<Decision>& decisions = course.decisions;
-        return branch.beginning.size() <= decisions.size() &&
-               std::equal(branch.beginning.begin(), branch.beginning.end(), decisions.begin(),
-                          [](const std::string& call, const Decision& decision) {
-                              return call == decision.call.name;
-                          });
+    // The same schedule must lead to the same calls.
+    void Compare(const Branch& branch, const Course& course) {
+        for (size_t i = 0; i < branch.beginning.size(); ++i) {
+            const bool is_there = i < course.decisions.size();
+            const std::string call = is_there ? course.decisions[i].call.name : "the end";
+            if (call != branch.beginning[i] && findings_.strayed.empty()) {
+                findings_.strayed = TextOf(branch.schedule) + ": at " + std::to_string(i) + " " +
+                                    call + " instead of " + branch.beginning[i];
+            }
+        }
     }
 
     // Later decisions first: branches are taken from the end.
@@ -119,9 +124,8 @@ class Exploration {
             findings_.points = static_cast<size_t>(std::ranges::count(points, true));
         }
         for (size_t i = course.decisions.size(); i-- > first;) {
-            const bool is_preemption = course.decisions[i].is_preemption();
-            const int preemptions = branch.preemptions + (is_preemption ? 1 : 0);
-            if (points[i] && preemptions <= bounds_.preemptions) {
+            const int preemptions = branch.preemptions + (course.decisions[i].is_free ? 0 : 1);
+            if (points[i] && preemptions <= most_) {
                 AddChoices(branch, course, i, preemptions, branches);
             }
         }
@@ -147,8 +151,8 @@ class Exploration {
         size_t turn = 0;  // the last one with such a call
         for (const Decision& decision : course.decisions) {
             const bool is_contended = objects_.AreContended(decision.call);
-            points.push_back(!decision.is_preemption() ||
-                             (is_contended && decision.turn == turn && !decision.others.empty()));
+            const bool is_new = is_contended && decision.turn == turn;
+            points.push_back(!decision.others.empty() && (decision.call.name.empty() || is_new));
             if (is_contended && decision.makes_call) {
                 turn = decision.turn;
             }
@@ -158,6 +162,7 @@ class Exploration {
 
     Meeting& meeting_;
     const Bounds bounds_;
+    int most_ = 0;  // preemptions
     Objects objects_;
     Findings findings_;
 };

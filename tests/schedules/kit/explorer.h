@@ -19,13 +19,13 @@ class Meeting {
   public:
     virtual ~Meeting() = default;
     virtual std::vector<Caller> Prepare() = 0;
-    // Returns what is wrong after the run; empty if nothing is.
+    // Returns the mistake that the run has left; empty if there is none.
     virtual std::string Check(const Course& course) = 0;
 };
 
 struct Bounds {
     int preemptions = 2;
-    size_t stride = 1;  // of the schedules with preemptions, each with this distance is run
+    size_t stride = 1;  // leaves out schedules with preemptions, but each with this distance
 };
 
 struct Failure {
@@ -35,9 +35,10 @@ struct Failure {
 };
 
 struct Findings {
-    std::vector<size_t> runs;   // by the number of preemptions
-    size_t points = 0;          // of the first run, with a call that another caller may notice
-    size_t strayed = 0;         // runs whose beginning differs from that of the run before
+    std::vector<size_t> runs;  // by the number of preemptions
+    size_t points = 0;         // before calls of the first run that another caller may notice
+    // The first difference between two runs up to the choice in which they differ; must be empty.
+    std::string strayed;
     std::optional<Failure> failure;  // the first one; it ends the exploration
 };
 

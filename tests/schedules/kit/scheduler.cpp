@@ -40,14 +40,13 @@ struct Actor {
     pid_t first = 0;
     std::vector<std::unique_ptr<TracedProcess>> processes{};
     TracedProcess* running = nullptr;  // the one that made the last step
-    bool has_happened = false;         // of an event
+    bool has_happened = false;         // an event happens once
     bool is_asleep = false;
 };
 
 class Scheduler {
   public:
-    Scheduler(const std::vector<Caller>& callers, const Schedule& schedule)
-        : schedule_(schedule) {
+    Scheduler(const std::vector<Caller>& callers, const Schedule& schedule) : schedule_(schedule) {
         for (const Caller& caller : callers) {
             Add(caller);
         }
@@ -142,7 +141,7 @@ class Scheduler {
     void MeetCall(TracedProcess& process) {
         const SharedCall call = ReadSharedCall(process.id(), process.entry());
         if (call.name.empty()) {
-            StepOf(process);
+            MakePrivateCall(process);
             return;
         }
         if (!std::exchange(is_decided_, false)) {
@@ -154,6 +153,18 @@ class Scheduler {
             actor->is_asleep = false;
         }
         StepOf(process);
+    }
+
+    // A stop takes longer than most calls: it is left out where nothing can be seen.
+    void MakePrivateCall(TracedProcess& process) {
+        if (!ConcernsNobody(process.id(), process.entry())) {
+            StepOf(process);
+            return;
+        }
+        process.StepToNextCall();
+        if (process.state() != State::kAtCall) {
+            Settle(process);
+        }
     }
 
     void Sleep(TracedProcess& process) {
@@ -168,8 +179,13 @@ class Scheduler {
     }
 
     void StepOf(TracedProcess& process) {
+        const bool is_call = process.state() == State::kAtCall;
+        const bool may_wake = is_call && MayWake(process.entry());
         process.Step();
-        Settle(process);
+        const State usual = is_call ? State::kReady : State::kAtCall;
+        if (may_wake || process.state() != usual) {
+            Settle(process);
+        }
     }
 
     void Happen(Actor& event) {
@@ -236,6 +252,7 @@ class Scheduler {
                 decision.others.push_back(other->name);
             }
         }
+        decision.is_free = call.name.empty() && (current_ == nullptr || HasEnded(*current_));
         decision.makes_call = !call.name.empty() && &usual == &chosen;
         course_.decisions.push_back(std::move(decision));
     }
@@ -280,7 +297,7 @@ class Scheduler {
         LookAtWaiting();
     }
 
-    // Of a call with this number, or of any call.
+    // Ends a call with this number, or any call.
     bool EndOneTimeout(long number) {
         for (const auto& actor : actors_) {
             for (const auto& process : actor->processes) {
@@ -324,7 +341,8 @@ class Scheduler {
 
     static void Adopt(Actor& actor, TracedProcess& parent) {
         if (const std::optional<pid_t> child = parent.TakeNewProcess()) {
-            (void)waitpid(*child, nullptr, __WALL);  // it begins with a stop
+            int status = 0;
+            (void)Await(*child, status);  // it begins with a stop
             actor.processes.push_back(std::make_unique<TracedProcess>(*child, State::kReady));
         }
     }
@@ -389,14 +407,16 @@ class Scheduler {
                 (void)kill(process->id(), SIGKILL);
             }
         }
-        while (waitpid(-1, nullptr, __WALL) != -1 || errno == EINTR) {
+        int status = 0;
+        while (Await(-1, status) != -1) {
         }
     }
 
+    const Ticks ticks_;
     const Schedule schedule_;
     std::vector<std::unique_ptr<Actor>> actors_;
     Actor* current_ = nullptr;
-    bool is_decided_ = false;  // the running caller goes on with the call before which it is
+    bool is_decided_ = false;   // the running caller goes on with the call before which it is
     std::set<pid_t> sleepers_;  // the processes that are before a sleep that has begun
     size_t steps_ = 0;
     size_t turn_ = 0;

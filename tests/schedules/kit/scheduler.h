@@ -46,19 +46,20 @@ Schedule ParseSchedule(const std::string& text);
 struct Decision {
     std::string caller;  // the one that went on
     std::vector<std::string> others{};
-    SharedCall call{};  // of the running caller; empty if it cannot go on
+    SharedCall call{};  // the next one of the running caller; empty if it cannot go on
     // Grows with each change of the running caller.
     size_t turn = 0;
     // True if the running caller goes on with its call.
     bool makes_call = false;
-
-    bool is_preemption() const { return !call.name.empty(); }
+    // True if there is no running caller, or it has ended. Any other choice than the usual one is a
+    // preemption.
+    bool is_free = false;
 };
 
 // A run of the callers with one schedule.
 struct Course {
     std::vector<Decision> decisions;
-    std::map<std::string, int> results;  // of the callers that have ended
+    std::map<std::string, int> results;  // without callers that were killed
     std::set<std::string> left;          // callers that were killed at the end
     std::string problem;                 // the callers wait for each other, or never end
     std::vector<std::string> calls;      // all shared calls, "first: rename PATH"

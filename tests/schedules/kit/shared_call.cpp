@@ -24,7 +24,7 @@ namespace {
 // ---- Paths -------------------------------------------------------------------------------------
 
 // The places that the library, velkctl, their tools and the wireless daemon share.
-constexpr std::array<std::string_view, 12> kSharedPlaces{
+constexpr std::array<std::string_view, 11> kSharedPlaces{
     "/etc/network/",
     "/etc/dhclient",
     "/etc/resolv.dnsmasq.conf",
@@ -35,8 +35,7 @@ constexpr std::array<std::string_view, 12> kSharedPlaces{
     "/var/tmp",
     "/tmp/WlanApl",
     "/tmp/oldIPAddress",
-    "/dev/shm/",
-    "/run/schedules-port",
+    "/dev/shm/sem.Wlan",  // not the names, made by chance, that it has before
 };
 
 bool IsShared(const std::string& path) {
@@ -72,8 +71,11 @@ std::string LinkOf(pid_t process, const std::string& name) {
     return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/" + name, ignored);
 }
 
+// Returns an empty text for a file without a name: the kernel calls it by a number, which differs
+// from run to run.
 std::string PathOf(pid_t process, uint64_t descriptor) {
-    return LinkOf(process, "fd/" + std::to_string(static_cast<int>(descriptor)));
+    std::string path = LinkOf(process, "fd/" + std::to_string(static_cast<int>(descriptor)));
+    return path.find("/#") == std::string::npos ? path : "";
 }
 
 std::string PathAt(pid_t process, uint64_t folder, uint64_t address) {
@@ -166,9 +168,10 @@ constexpr std::array kRows{
 
 // Calls with rules of their own.
 constexpr std::array kOtherCalls{
-    SYS_openat, SYS_flock,    SYS_fcntl, SYS_close,   SYS_futex,    SYS_bind,      SYS_connect,
-    SYS_sendto, SYS_recvfrom, SYS_wait4, SYS_ppoll,   SYS_pselect6, SYS_nanosleep, SYS_clock_nanosleep,
-    SYS_setsid,
+    SYS_openat, SYS_flock,    SYS_fcntl,     SYS_close,           SYS_futex,
+    SYS_bind,   SYS_connect,  SYS_sendto,    SYS_recvfrom,        SYS_wait4,
+    SYS_ppoll,  SYS_pselect6, SYS_nanosleep, SYS_clock_nanosleep, SYS_setsid,
+    SYS_kill,
 #ifdef SYS_arch_prctl
     SYS_open,   SYS_poll,     SYS_select,
 #endif
@@ -222,9 +225,10 @@ SharedCall SocketAt(const char* name, pid_t process, uint64_t address, uint64_t 
     return {std::string(name) + " " + path, {{path, true}}};
 }
 
-SharedCall ReceiveOf(pid_t process, const Entry& entry) {
+// The queues of the daemon and of its callers count as one object.
+SharedCall DatagramOf(const char* name, pid_t process, const Entry& entry) {
     const bool is_socket = PathOf(process, entry.arguments[0]).starts_with("socket:");
-    return is_socket ? SharedCall{"receive", {{"/tmp/WlanAplFromWlanSock", true}}} : SharedCall{};
+    return is_socket ? SharedCall{name, {{"datagrams", true}}} : SharedCall{};
 }
 
 SharedCall CallOf(const Row& row, pid_t process, const Entry& entry) {
@@ -232,8 +236,8 @@ SharedCall CallOf(const Row& row, pid_t process, const Entry& entry) {
     if (row.descriptor != -1) {
         path = PathOf(process, entry.arguments[row.descriptor]);
     } else {
-        const uint64_t folder = row.folder == -1 ? static_cast<uint64_t>(AT_FDCWD)
-                                                 : entry.arguments[row.folder];
+        const uint64_t folder =
+            row.folder == -1 ? static_cast<uint64_t>(AT_FDCWD) : entry.arguments[row.folder];
         path = PathAt(process, folder, entry.arguments[row.path]);
     }
     if (!IsShared(path)) {
@@ -269,9 +273,9 @@ SharedCall CallAt(pid_t process, const Entry& entry) {
             return SocketAt(entry.number == SYS_bind ? "bind" : "connect", process, arguments[1],
                             arguments[2]);
         case SYS_sendto:
-            return SocketAt("send", process, arguments[4], arguments[5]);
+            return DatagramOf("send", process, entry);
         case SYS_recvfrom:
-            return ReceiveOf(process, entry);
+            return DatagramOf("receive", process, entry);
         default: {
             const auto row = std::ranges::find(kRows, entry.number, &Row::number);
             return row == kRows.end() ? SharedCall{} : CallOf(*row, process, entry);
@@ -302,6 +306,42 @@ const std::vector<long>& WatchedCalls() {
 
 bool IsSleep(long call) {
     return call == SYS_nanosleep || call == SYS_clock_nanosleep;
+}
+
+bool MayWake(const Entry& entry) {
+    if (entry.number == SYS_openat) {
+        return (entry.arguments[2] & (O_CREAT | O_TRUNC)) != 0;
+    }
+    const auto row = std::ranges::find(kRows, entry.number, &Row::number);
+    return row == kRows.end() || row->access != Access::kReads;
+}
+
+bool ConcernsNobody(pid_t process, const Entry& entry) {
+    if (entry.number == SYS_close) {
+        return PathOf(process, entry.arguments[0]).starts_with('/');
+    }
+    return !MayWake(entry) && !MayWait(process, entry);
+}
+
+bool MayWait(pid_t process, const Entry& entry) {
+    switch (entry.number) {
+        case SYS_read:
+            return !PathOf(process, entry.arguments[0]).starts_with('/');
+        case SYS_flock:
+        case SYS_fcntl:
+        case SYS_futex:
+        case SYS_recvfrom:
+        case SYS_wait4:
+        case SYS_ppoll:
+        case SYS_pselect6:
+#ifdef SYS_arch_prctl
+        case SYS_poll:
+        case SYS_select:
+#endif
+            return true;
+        default:
+            return false;
+    }
 }
 
 long ResultOfTimeout(const Entry& entry) {

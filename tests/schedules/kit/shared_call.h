@@ -41,6 +41,15 @@ const std::vector<long>& WatchedCalls();
 
 bool IsSleep(long call);
 
+// False if the call cannot end the wait of another process.
+bool MayWake(const Entry& entry);
+
+// True if a call that is not shared neither waits for another process nor ends a wait.
+bool ConcernsNobody(pid_t process, const Entry& entry);
+
+// True if the call may wait for another process.
+bool MayWait(pid_t process, const Entry& entry);
+
 // Returns the result of the call if its time is over; 1 if it has none.
 long ResultOfTimeout(const Entry& entry);
 

@@ -27,7 +27,7 @@ void EnterDevice();
 // Returns the text of a setting of eth0; "(unreadable)" if it cannot be read.
 std::string ValueOf(uint32_t id);
 
-// Returns what callers have left on the device although they have ended; empty if nothing.
+// Names the files, locks and processes that callers have left; empty if there are none.
 std::string FindRemains(const Course& course);
 
 }  // namespace schedules

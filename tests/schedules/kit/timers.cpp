@@ -55,7 +55,8 @@ void Expire(const velk::UniqueFd& timer) {
     }
     (void)timerfd_settime(timer.get(), 0, &kAtOnce, nullptr);
     pollfd expired{timer.get(), POLLIN, 0};
-    (void)poll(&expired, 1, kExpiryMilliseconds);
+    while (poll(&expired, 1, kExpiryMilliseconds) == -1) {  // a signal
+    }
 }
 
 }  // namespace
@@ -78,8 +79,7 @@ void PassSleep(pid_t process, const Entry& sleep) {
 
 void ExpireTimers(pid_t process) {
     namespace fs = std::filesystem;
-    const velk::UniqueFd self(
-        static_cast<int>(syscall(SYS_pidfd_open, process, 0U)));
+    const velk::UniqueFd self(static_cast<int>(syscall(SYS_pidfd_open, process, 0U)));
     std::error_code ignored;
     for (const fs::directory_entry& entry :
          fs::directory_iterator("/proc/" + std::to_string(process) + "/fd", ignored)) {
@@ -87,8 +87,7 @@ void ExpireTimers(pid_t process) {
             continue;
         }
         const int number = std::stoi(entry.path().filename());
-        Expire(velk::UniqueFd(
-            static_cast<int>(syscall(SYS_pidfd_getfd, self.get(), number, 0U))));
+        Expire(velk::UniqueFd(static_cast<int>(syscall(SYS_pidfd_getfd, self.get(), number, 0U))));
     }
 }
 

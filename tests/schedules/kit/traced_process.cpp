@@ -22,6 +22,7 @@
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -30,6 +31,7 @@ namespace schedules {
 namespace {
 
 constexpr int kCallStop = SIGTRAP | 0x80;  // as PTRACE_O_TRACESYSGOOD marks it
+constexpr timeval kTick{0, 2'000};
 constexpr long kOptions = PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL |
                           PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK | PTRACE_O_TRACECLONE |
                           PTRACE_O_TRACEVFORKDONE | PTRACE_O_TRACESECCOMP;
@@ -81,12 +83,21 @@ void SetResult([[maybe_unused]] pid_t id, [[maybe_unused]] long result) {
 
 }  // namespace
 
+pid_t Await(pid_t process, int& status) {
+    pid_t found = -1;
+    do {
+        found = waitpid(process, &status, __WALL);
+    } while (found == -1 && errno == EINTR);
+    return found;
+}
+
 pid_t StartTraced(const std::function<int()>& work) {
     const pid_t child = fork();
     if (child == -1) {
         Fail("fork");
     }
     if (child == 0) {
+        (void)signal(SIGALRM, SIG_DFL);
         if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == -1) {
             _exit(1);
         }
@@ -94,11 +105,31 @@ pid_t StartTraced(const std::function<int()>& work) {
         _exit(StopAtWatchedCalls() ? work() : 1);
     }
     int status = 0;
-    if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status) ||
+    if (Await(child, status) != child || !WIFSTOPPED(status) ||
         ptrace(PTRACE_SETOPTIONS, child, nullptr, kOptions) == -1) {
         Fail("PTRACE_TRACEME");
     }
     return child;
+}
+
+Ticks::Ticks() {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};  // without SA_RESTART
+    (void)sigaction(SIGALRM, &action, nullptr);
+    const itimerval ticks{kTick, kTick};
+    (void)setitimer(ITIMER_REAL, &ticks, nullptr);
+    (void)sched_getaffinity(0, sizeof(processors_), &processors_);
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    (void)sched_setaffinity(0, sizeof(one), &one);
+}
+
+Ticks::~Ticks() {
+    const itimerval none{};
+    (void)setitimer(ITIMER_REAL, &none, nullptr);
+    (void)signal(SIGALRM, SIG_DFL);
+    (void)sched_setaffinity(0, sizeof(processors_), &processors_);
 }
 
 TracedProcess::TracedProcess(pid_t id, State state)
@@ -117,10 +148,18 @@ bool TracedProcess::TakeLeftSession() {
 }
 
 void TracedProcess::Step() {
-    Resume(state_ == State::kAtCall ? PTRACE_SYSCALL : PTRACE_CONT);
+    const bool is_call = state_ == State::kAtCall;
+    const bool may_wait = is_call && MayWait(id_, entry_);
+    Resume(is_call ? PTRACE_SYSCALL : PTRACE_CONT);
     if (!std::exchange(awaits_new_program_, false)) {
-        AwaitStop();
+        AwaitStop(may_wait);
     }
+}
+
+void TracedProcess::StepToNextCall() {
+    entry_.number = -1;
+    Resume(PTRACE_CONT);
+    AwaitStop(false);
 }
 
 void TracedProcess::StepOverCall() {
@@ -138,6 +177,9 @@ void TracedProcess::Resume(int request) {
 bool TracedProcess::TakeStatus(int flags) {
     int status = 0;
     const pid_t found = waitpid(id_, &status, __WALL | flags);
+    if (found == -1 && errno == EINTR) {
+        return false;
+    }
     if (found == -1) {
         state_ = State::kEnded;
         return true;
@@ -149,10 +191,11 @@ bool TracedProcess::TakeStatus(int flags) {
     return true;
 }
 
-// The kernel tells only of a process that has left its processor, so a call that is about to wait
-// and then does not is not taken for one that waits.
+// The first file has a call only if the process has left its processor, so a call that is about to
+// wait and then does not is not taken for one that waits. The second one shows also a process that
+// was just woken and has no processor yet.
 bool TracedProcess::IsRunning() const {
-    return ReadStart(call_file_).starts_with("running");
+    return ReadStart(call_file_).starts_with("running") || StateLetter() == 'R';
 }
 
 char TracedProcess::StateLetter() const {
@@ -166,10 +209,10 @@ bool TracedProcess::IsAsleep() const {
     return !IsRunning() && StateLetter() == 'S';
 }
 
-void TracedProcess::AwaitStop() {
-    constexpr int kQuickLooks = 20;
-    for (int looks = 0; !TakeStatus(WNOHANG); ++looks) {
-        if (looks >= kQuickLooks && IsAsleep()) {
+// Looks at once at a process in a call that may wait, and at others with each tick.
+void TracedProcess::AwaitStop(bool may_wait) {
+    while (!TakeStatus(may_wait ? WNOHANG : 0)) {
+        if (IsAsleep()) {
             (void)TakeStatus(WNOHANG);  // it has stopped since
             return;
         }
@@ -189,7 +232,8 @@ void TracedProcess::Look() {
 void TracedProcess::Interrupt(long result) {
     result_ = result;
     (void)syscall(SYS_tkill, id_, SIGSTOP);
-    (void)TakeStatus(0);
+    while (!TakeStatus(0)) {
+    }
 }
 
 void TracedProcess::HandleStatus(int status) {

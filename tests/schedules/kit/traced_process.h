@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 
+#include <sched.h>
 #include <sys/types.h>
 
 #include "lib/base/unique_fd.h"
@@ -15,9 +16,25 @@
 
 namespace schedules {
 
+// waitpid(2), also if a signal interrupts it.
+pid_t Await(pid_t process, int& status);
+
 // Starts a process that stops before its first call. Throws std::system_error if processes cannot
 // be traced.
 pid_t StartTraced(const std::function<int()>& work);
+
+// As long as this exists, waits for a process are interrupted now and then to see whether the
+// process waits itself. This process and those that it starts share one processor: they take turns.
+class Ticks {
+  public:
+    Ticks();
+    ~Ticks();
+    Ticks(const Ticks&) = delete;
+    Ticks& operator=(const Ticks&) = delete;
+
+  private:
+    cpu_set_t processors_{};
+};
 
 class TracedProcess {
   public:
@@ -43,16 +60,18 @@ class TracedProcess {
 
     // Lets it go on until it stops, waits or ends.
     void Step();
-    // The same, but the call before which it is stopped does nothing and returns 0.
+    // The same, but does not stop after the call before which it is stopped.
+    void StepToNextCall();
+    // The same as Step(), but the call before which it is stopped does nothing and returns 0.
     void StepOverCall();
-    // Of one that waits: finds out whether it still does.
+    // Finds out whether one that waits still does.
     void Look();
-    // Of one that waits: lets its call return this.
+    // Lets the call of one that waits return this.
     void Interrupt(long result);
 
   private:
     void Resume(int request);
-    void AwaitStop();
+    void AwaitStop(bool may_wait);
     bool TakeStatus(int flags);
     bool IsRunning() const;
     bool IsAsleep() const;
@@ -68,8 +87,8 @@ class TracedProcess {
     velk::UniqueFd stat_file_;
     int signal_ = 0;
     int status_ = 0;
-    bool awaits_new_program_ = false;  // of a vfork(2)
-    std::optional<long> result_;       // that the call returns
+    bool awaits_new_program_ = false;  // since a vfork(2)
+    std::optional<long> result_;       // replaces the one of the call
     std::optional<pid_t> new_process_;
     bool has_left_session_ = false;
 };
