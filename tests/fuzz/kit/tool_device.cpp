@@ -117,14 +117,25 @@ void EnterDevice() {
     sandbox::EnterDevice(options);
 }
 
-// The processes that run beside this one and the first of the namespace.
+// The processes of the namespace: its first one, this one, perhaps the fuzzer's own that finds the
+// names of functions, and those that the target has started.
 size_t CountProcesses() {
     size_t count = 0;
     for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
         const std::string name = entry.path().filename();
         count += name.find_first_not_of("0123456789") == std::string::npos ? 1 : 0;
     }
-    return count - 2;
+    return count;
+}
+
+// The processes at the beginning of the turn.
+size_t& CountBefore() {
+    static size_t count = 0;
+    return count;
+}
+
+bool AreProcessesLeft() {
+    return CountProcesses() > CountBefore();
 }
 
 // The first process of the namespace: awaits those that have lost their parents. Ends with the
@@ -212,7 +223,7 @@ std::vector<std::string> Differences(const DeviceFiles& one, const DeviceFiles& 
 void AwaitEnds() {
     const Unrecorded unrecorded;
     constexpr int kTries = 10'000;
-    for (int i = 0; i < kTries && CountProcesses() > 0; ++i) {
+    for (int i = 0; i < kTries && AreProcessesLeft(); ++i) {
         while (waitpid(-1, nullptr, WNOHANG) > 0) {
         }
         (void)poll(nullptr, 0, 1);  // the other pauses take no time here
@@ -256,6 +267,7 @@ namespace {
 
 std::vector<int> BeginTurn() {
     testkit::LibcRecorder::Get().Reset();
+    CountBefore() = CountProcesses();
     return testkit::OpenDescriptors();
 }
 
@@ -271,7 +283,7 @@ ToolTurn::ToolTurn() : descriptors_(BeginTurn()) {
 ToolTurn::~ToolTurn() {
     const Unrecorded unrecorded;
     AwaitEnds();
-    Check(CountProcesses() == 0, "no process is left");
+    Check(!AreProcessesLeft(), "no process is left");
     Check(testkit::OpenDescriptors() == descriptors_, "every descriptor is closed");
     Check(testkit::IsLockFree(), "the library's lock is free");
 }
