@@ -33,6 +33,8 @@ set(velk_usual_seconds
   fault=80/87 fault.cuts=720
   forms.pie.users=1
   fuzz.daemon=30 fuzz.edits=30 fuzz.requests=30 fuzz.scans=30
+  fuzz.arguments.replay=3 fuzz.captures.replay=3 fuzz.documents.replay=3 fuzz.journal.replay=3
+  fuzz.pages.replay=3 fuzz.recover.replay=3
   fuzz.daemon.replay=3 fuzz.edits.replay=3 fuzz.requests.replay=1 fuzz.scans.replay=2
   limits=2
   models=15 models.c_only=5

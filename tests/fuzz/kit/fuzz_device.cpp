@@ -11,13 +11,12 @@
 #include <filesystem>
 #include <iterator>
 
+#include "fuzz/kit/fuzzer_options.h"
 #include "fuzz/kit/shell_lines.h"
 #include "sandbox/device/device.h"
 
 namespace fuzz {
 namespace {
-
-constexpr int kSkipped = 77;  // as SKIP_RETURN_CODE in CMakeLists.txt
 
 // Includes the listing's own descriptor each time.
 std::ptrdiff_t CountDescriptors() {
@@ -47,13 +46,6 @@ bool IsDocumented(int result) {
 }
 
 }  // namespace
-
-void Check(bool holds, std::string_view rule) {
-    if (!holds) {
-        fprintf(stderr, "does not hold: %.*s\n", static_cast<int>(rule.size()), rule.data());
-        abort();
-    }
-}
 
 Turn::Turn() : descriptors_(Begin()) {
 }
@@ -87,7 +79,8 @@ int Turn::Execute(uint32_t type, uint32_t id, std::string_view interface, std::s
 }  // namespace fuzz
 
 // Called by the fuzzer, once and first.
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    fuzz::AddFuzzerOptions(argc, argv);
     sandbox::DeviceOptions options;
     options.bind_folders = {VELK_SOURCE_DIR, VELK_BINARY_DIR, std::filesystem::current_path()};
     options.protect_machine = false;  // corpora and findings go to real folders
@@ -104,5 +97,6 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 // Every edit takes blocks of 64 KB; few of them are kept from being used again.
 extern "C" [[gnu::visibility("default")]] const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
-    return "alloc_dealloc_mismatch=0:quarantine_size_mb=8:malloc_context_size=3";
+    return "alloc_dealloc_mismatch=0:quarantine_size_mb=8:malloc_context_size=3:"
+           "max_allocation_size_mb=1024";
 }

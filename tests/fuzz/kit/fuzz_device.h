@@ -10,14 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "fuzz/kit/check.h"
 #include "support/device_test.h"
 #include "support/fake_shell.h"
 #include "velk.h"
 
 namespace fuzz {
-
-// If the rule does not hold, prints it and ends the process, so that the fuzzer keeps the input.
-void Check(bool holds, std::string_view rule);
 
 // One input's turn: an empty recorder, a shell that runs in this process. Its end checks that no
 // descriptor is left open, that all results are documented ones, and that every shell line is one
