@@ -123,6 +123,10 @@ int Ioctl(int fd, unsigned long request, void* argument) {
     });
 }
 
+// A fake daemon answers at once. Without an answer, a test does not wait for the minute of the
+// library.
+constexpr int kLongestSelect = 8;  // seconds
+
 template <typename Timeval>
 int Select(const char* spelling, int count, fd_set* reading, fd_set* writing, fd_set* failing,
            Timeval* time_left) {
@@ -132,9 +136,13 @@ int Select(const char* spelling, int count, fd_set* reading, fd_set* writing, fd
     }
     return Answer({Call::kSelect, seconds, "select", count}, [&] {
         static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, Timeval*)>(spelling);
+        Timeval longest{};
+        longest.tv_sec = kLongestSelect;
         Timeval none{};
-        Timeval* wait = LibcRecorder::Get().never_waits() ? &none : time_left;
-        return real(count, reading, writing, failing, wait);
+        const bool is_long = time_left != nullptr && time_left->tv_sec >= kLongestSelect;
+        Timeval* wait = is_long ? &longest : time_left;
+        return real(count, reading, writing, failing,
+                    LibcRecorder::Get().never_waits() ? &none : wait);
     });
 }
 
