@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 
 # The usual time of each test in seconds, on an idle machine with two processors and four tests at a time, as
-# scripts/test runs them; after a slash that with the sanitizers, if it is known. A sharded test has one row, and the
+# scripts/test runs them; after a slash that with the address sanitizer, if it is known. A sharded test has one row, and the
 # forms of velkctl use the rows of device.velkctl. "limits_test.py --times" compares the rows with the last run.
 set(velk_usual_seconds
   abi.c99_client=1 abi.cxx_client=1 abi.python_client=1 abi.syslog_host=1
@@ -57,6 +57,8 @@ set(shortest_limit 30)
 set(slowness 1)
 if(CMAKE_CROSSCOMPILING)
   set(slowness 10)
+elseif(VELK_SANITIZE MATCHES "thread")
+  set(slowness 10)
 elseif(VELK_SANITIZE)
   set(slowness 3)
 endif()
@@ -67,7 +69,7 @@ function(velk_limit row result)
   set(slower ${slowness})
   if(seconds MATCHES "/")
     string(REPLACE "/" ";" seconds ${seconds})
-    if(VELK_SANITIZE)
+    if(VELK_SANITIZE AND NOT VELK_SANITIZE MATCHES "thread")
       set(slower 1)
       list(GET seconds 1 seconds)
     else()

@@ -253,10 +253,10 @@ class Results(unittest.TestCase):
         def hold():
             with locked():
                 is_locked.set()
-                release.wait(60)
+                release.wait(15)
         holder = threading.Thread(target=hold)
         holder.start()
-        is_locked.wait(60)
+        is_locked.wait(15)
         threading.Timer(0.3, release.set).start()
         velk.set("location", "after the wait", wait=60)
         self.assertTrue(release.is_set())
@@ -310,12 +310,12 @@ class Threads(unittest.TestCase):
 
         def slow(command):
             entered.set()
-            leave.wait(60)
+            leave.wait(15)
             return execute(command)
         with unittest.mock.patch.object(record, "execute", slow):
             thread = threading.Thread(target=velk.get, args=["eth1.ssid"])
             thread.start()
-            entered.wait(60)
+            entered.wait(15)
         child = os.fork()
         if child == 0:
             os._exit(0 if velk.get("eth1.ssid") == "velk-lab" and

@@ -10,6 +10,7 @@
 #undef _FILE_OFFSET_BITS
 #undef _TIME_BITS
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
@@ -123,6 +124,24 @@ int Ioctl(int fd, unsigned long request, void* argument) {
     });
 }
 
+// A fake daemon answers at once. Without an answer, a test does not wait for the minute of the
+// library: the first time it waits some seconds, as the machine may be busy, and then hardly at
+// all.
+constexpr int kLongestSelect = 8;     // seconds
+constexpr int kLaterSelect = 50'000;  // microseconds
+
+template <typename Timeval>
+int SelectInSeconds(int (*real)(int, fd_set*, fd_set*, fd_set*, Timeval*), int count,
+                    fd_set* reading, fd_set* writing, fd_set* failing) {
+    static std::atomic<bool> was_in_vain = false;
+    Timeval longest{};
+    longest.tv_sec = was_in_vain ? 0 : kLongestSelect;
+    longest.tv_usec = was_in_vain ? kLaterSelect : 0;
+    const int ready = real(count, reading, writing, failing, &longest);
+    was_in_vain = was_in_vain || ready == 0;
+    return ready;
+}
+
 template <typename Timeval>
 int Select(const char* spelling, int count, fd_set* reading, fd_set* writing, fd_set* failing,
            Timeval* time_left) {
@@ -132,9 +151,14 @@ int Select(const char* spelling, int count, fd_set* reading, fd_set* writing, fd
     }
     return Answer({Call::kSelect, seconds, "select", count}, [&] {
         static auto* real = Real<int (*)(int, fd_set*, fd_set*, fd_set*, Timeval*)>(spelling);
-        Timeval none{};
-        Timeval* wait = LibcRecorder::Get().never_waits() ? &none : time_left;
-        return real(count, reading, writing, failing, wait);
+        if (LibcRecorder::Get().never_waits()) {
+            Timeval none{};
+            return real(count, reading, writing, failing, &none);
+        }
+        if (time_left != nullptr && time_left->tv_sec >= kLongestSelect) {
+            return SelectInSeconds(real, count, reading, writing, failing);
+        }
+        return real(count, reading, writing, failing, time_left);
     });
 }
 

@@ -16,7 +16,8 @@ if [ -z "${VELK_ON_REAL_DEVICE:-}" ]; then
 fi
 cd /tmp || exit
 
-# Checks that a command succeeds within a minute.
+# Checks that a command succeeds within 40 seconds: a DHCP client repeats its question after seconds.
+lib_tries=800
 soon() {
     lib_command=$*
     check 'success in time' yes "$(wait_until "$@" && echo yes || echo no)"

@@ -21,7 +21,7 @@ offered() {
     on_device bash -c '
         mkdir -p /tmp/work/keys && touch /tmp/work/list && cd /tmp/work
         velk-sandbox --quiet --name inner sleep 60 &
-        for try in $(seq 600); do
+        for try in $(seq 200); do
             [ "$(velk-sandbox list 2>/dev/null)" != inner ] || break
             sleep 0.05
         done

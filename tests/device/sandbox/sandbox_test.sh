@@ -638,7 +638,7 @@ check 'SIGINT and SIGQUIT among the ignored' 0 "$((0x$output & 6))"
 
 it 'reaps orphans'
 on_device_sh '(sleep 0.1 & echo $! >/tmp/orphan)
-    for try in $(seq 600); do kill -0 $(cat /tmp/orphan) || break; sleep 0.1; done 2>/dev/null
+    for try in $(seq 200); do kill -0 $(cat /tmp/orphan) || break; sleep 0.1; done 2>/dev/null
     cat /proc/$(cat /tmp/orphan)/stat'
 output_is ''
 

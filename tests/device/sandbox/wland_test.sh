@@ -32,9 +32,9 @@ functions='
     stand_in sudo /tmp/tools/sudo
     echo no >/tmp/tools/cable
 
-    # Waits until a command succeeds. The limit is a minute, as the machine may be busy.
+    # Waits until a command succeeds. The limit is a number of tries: 30 seconds or more.
     wait_until() {
-        for try in $(seq 600); do
+        for try in $(seq 300); do
             "$@" && return
             sleep 0.1
         done

@@ -118,7 +118,7 @@ class Session:
     def await_job(self, answer):
         """Returns the document of a job when it has ended."""
         job = (answer.json or {}).get("job")
-        end = time.monotonic() + 60
+        end = time.monotonic() + 30
         while job and time.monotonic() < end:
             state = self.get(f"job?id={job}").json
             check(f"job {job}", "done" in (state or {}), state)

@@ -9,7 +9,7 @@ import time
 
 
 def ask(method, name, body=None):
-    connection = http.client.HTTPConnection("192.168.0.10", 8080, timeout=60)
+    connection = http.client.HTTPConnection("192.168.0.10", 8080, timeout=20)
     headers = {"Cookie": cookie, "X-Velk-Token": token}
     if body is not None:
         headers["Content-Type"] = "application/json"
@@ -21,11 +21,12 @@ def ask(method, name, body=None):
 
 def finish(name, body):
     job = ask("POST", name, body)[1].get("job")
-    while True:
+    for _ in range(200):
         state = ask("GET", "job?id=" + str(job))[1]
         if state.get("done", True):
             return state.get("answer", state)
         time.sleep(0.1)
+    raise SystemExit(f"{name} does not end")
 
 
 cookie = token = ""

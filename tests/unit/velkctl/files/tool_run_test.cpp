@@ -69,17 +69,17 @@ TEST_F(ToolRunTest, StartsAToolWithoutBlockedSignals) {
 }
 
 TEST_F(ToolRunTest, KillsAToolThatDoesNotEnd) {
-    WriteTool("/tmp/velk-tool", "echo begun; sleep 100\n");
+    WriteTool("/tmp/velk-tool", "echo begun; sleep 15\n");
     const ToolRun run = RunTool({"/tmp/velk-tool"});
     EXPECT_FALSE(run.ended);
     EXPECT_EQ(run.output, "begun\n");
 }
 
 TEST_F(ToolRunTest, KillsAToolThatMustNotGoOn) {
-    WriteTool("/tmp/velk-tool", "sleep 100\n");
+    WriteTool("/tmp/velk-tool", "sleep 15\n");
     int looks = 0;
     const ToolRun run =
-        RunTool({"/tmp/velk-tool"}, std::chrono::seconds(60), [&] { return ++looks == 3; });
+        RunTool({"/tmp/velk-tool"}, std::chrono::seconds(10), [&] { return ++looks == 3; });
     EXPECT_FALSE(run.ended);
     EXPECT_EQ(looks, 3);
 }
