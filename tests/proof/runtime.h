@@ -38,6 +38,7 @@ u64 proof_unknown(void);
 #else
 #define PROOF_REACHED(condition, text) (void)(condition)
 #endif
+#define RUNTIME_CLAIM(condition, text) __CPROVER_assert(condition, text)
 #define UNREACHABLE() __CPROVER_assert(0, "no way leads here"), __CPROVER_assume(0)
 #define ASSUME(condition) __CPROVER_assume(condition)
 #else
@@ -45,6 +46,11 @@ void proof_record(int condition, const char* text);
 void proof_leave(void) __attribute__((noreturn));
 #define PROOF_CLAIM(condition, text) proof_record(condition, text)
 #define PROOF_REACHED(condition, text) proof_record(condition, text)
+#define RUNTIME_CLAIM(condition, text) \
+    do {                               \
+        if (!(condition))              \
+            __builtin_trap();          \
+    } while (0)
 #define UNREACHABLE() __builtin_trap()
 #define ASSUME(condition)  \
     do {                   \

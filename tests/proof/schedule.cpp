@@ -58,7 +58,7 @@ PROOF(schedule_of_line, 8, "five fields of up to 3 bytes") {
     proof_reached(schedule->type == VELK_SCHEDULE_HOURS && schedule->value == 9, "every 9 hours");
 }
 
-PROOF(schedule_time, 8, "a time of up to 5 bytes") {
+PROOF(schedule_time, 13, "a time of up to 5 bytes") {
     const std::string_view text = AnyText<5>();
     const std::optional<Time> time = ParseTime(text);
     size_t colons = 0;
