@@ -22,6 +22,13 @@ typedef __int128 s128;
 extern _Bool unwinding; /* an exception is on its way to its handler */
 extern u8* thrown;
 
+/* The whole of a proof. An exception that the proof does not catch is a mistake. */
+#define PROVE(name)                                                 \
+    void prove(void) {                                              \
+        name();                                                     \
+        RUNTIME_CLAIM(!unwinding, "no exception leaves the proof"); \
+    }
+
 /* Values that the source leaves open. */
 #define UNKNOWN_1 proof_unknown()
 #define UNKNOWN_8 ((u8)proof_unknown())
