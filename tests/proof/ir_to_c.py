@@ -8,6 +8,7 @@ are computed in bytes. Signed arithmetic stays signed, so that an overflow can b
 `unwinding`, and each call that may throw is followed by a test of it. Fails for anything it does not know.
 """
 
+import pathlib
 import re
 import sys
 
@@ -63,7 +64,7 @@ class Text:
 class Module:
     def __init__(self, lines):
         self.types, self.globals, self.functions, self.declared = {}, {}, {}, set()
-        self.metadata, self.nounwind = {}, set()
+        self.metadata, self.nounwind, self.aliases = {}, set(), {}
         self.aggregates, self.type_lines = {}, []
         self.read(lines)
 
@@ -87,6 +88,9 @@ class Module:
                 self.types[unquote(name[1:])] = definition
             elif line.startswith("@"):
                 name, definition = re.match(r'@("[^"]*"|[-\w.$]+) = (.*)', line).groups()
+                alias = re.search(r'(?:^|\s)alias .*, ptr @("[^"]*"|[-\w.$]+)$', definition)
+                if alias:
+                    self.aliases[unquote(name)] = unquote(alias[1])
                 self.globals[unquote(name)] = definition
             elif line.startswith("attributes "):
                 number, words = re.match(r"attributes (#\d+) = \{(.*)\}", line).groups()
@@ -226,6 +230,10 @@ class Program:
             raise Unknown(f"two forms of {name}")
         self.wanted.append(name)
         return c_name(name)
+
+    def undefined(self):
+        """The C names of the functions that the runtime has to define."""
+        return {name for name in self.prototypes if not any(f" {name}(" in body.split("{")[0] for body in self.bodies)}
 
     def use_global(self, name):
         if name in self.global_names:
@@ -716,6 +724,7 @@ class Function:
         if not callee.startswith("@"):
             raise Unknown(f"call of {callee}")
         name = unquote(callee[1:])
+        name = self.module.aliases.get(name, name)
         text.expect("(")
         if name.startswith(IGNORED_INTRINSICS):
             return True
@@ -794,8 +803,13 @@ class Function:
 
 
 def main():
-    module = Module(sys.stdin)
-    Program(module, sys.argv[1]).write(sys.stdout)
+    program = Program(Module(sys.stdin), sys.argv[1])
+    runtime = (pathlib.Path(__file__).parent / "runtime.c").read_text()
+    defined = set(re.findall(r"^\w[\w *]*\b(ir_\w+)\(", runtime, re.MULTILINE))
+    missing = program.undefined() - defined
+    if missing:
+        raise Unknown(f"runtime.c lacks {', '.join(sorted(missing))}")
+    program.write(sys.stdout)
 
 
 if __name__ == "__main__":

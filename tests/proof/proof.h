@@ -21,6 +21,9 @@ char* proof_bytes(size_t size);        // new memory of exactly this size, with 
 
 // A function that scripts/prove calls: its name, the times a loop may run, and its inputs.
 #define PROOF(name, loops, inputs) extern "C" void name()
+// For all proofs of the source: an edit of the library's source, and a definition for runtime.c.
+#define SMALLER(file, text, smaller_text)
+#define RUNTIME(definition)
 
 // Any text of up to kMost bytes, NULs included. It is at the end of its memory, so each read past
 // it is noticed; a read before it is noticed for the longest texts.

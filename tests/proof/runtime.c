@@ -96,7 +96,7 @@ u32 proof_cttz_32(u32 value) {
 #define BLOCK 64
 #endif
 u8* ir__Znwm(u64 size) {
-    PROOF_CLAIM(size <= BLOCK, "the memory asked for fits the model");
+    RUNTIME_CLAIM(size <= BLOCK, "the memory asked for fits the model");
     ASSUME(size <= BLOCK);
     u8* memory = malloc(BLOCK);
     ASSUME(memory != 0); /* std::bad_alloc is not followed */
@@ -186,13 +186,13 @@ void ir__ZSt28__throw_bad_array_new_lengthv(void) {
 }
 
 void ir__ZSt9terminatev(void) {
-    PROOF_CLAIM(0, "std::terminate() is not called");
+    RUNTIME_CLAIM(0, "std::terminate() is not called");
     ASSUME(0);
 }
 
 void ir__ZSt21__glibcxx_assert_failPKciS0_S0_(u8* file, u32 line, u8* function, u8* condition) {
     (void)file, (void)line, (void)function, (void)condition;
-    PROOF_CLAIM(0, "the requirements of the standard library's functions hold");
+    RUNTIME_CLAIM(0, "the requirements of the standard library's functions hold");
     ASSUME(0);
 }
 
@@ -233,10 +233,10 @@ u32 ir_snprintf(u8* out, u64 size, u8* format, ...) {
             put_decimal(out, size, &length, va_arg(arguments, int));
             format += 2;
         } else {
-            PROOF_CLAIM(format[1] == '0' && format[2] == '2' && format[3] == 'X',
-                        "the directive is known");
+            RUNTIME_CLAIM(format[1] == '0' && format[2] == '2' && format[3] == 'X',
+                          "the directive is known");
             u32 number = va_arg(arguments, u32);
-            PROOF_CLAIM(number < 256, "the number has two digits");
+            RUNTIME_CLAIM(number < 256, "the number has two digits");
             put(out, size, &length, (u8) "0123456789ABCDEF"[number >> 4 & 15]);
             put(out, size, &length, (u8) "0123456789ABCDEF"[number & 15]);
             format += 4;

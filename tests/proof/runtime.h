@@ -22,6 +22,13 @@ typedef __int128 s128;
 extern _Bool unwinding; /* an exception is on its way to its handler */
 extern u8* thrown;
 
+/* The whole of a proof. An exception that the proof does not catch is a mistake. */
+#define PROVE(name)                                                 \
+    void prove(void) {                                              \
+        name();                                                     \
+        RUNTIME_CLAIM(!unwinding, "no exception leaves the proof"); \
+    }
+
 /* Values that the source leaves open. */
 #define UNKNOWN_1 proof_unknown()
 #define UNKNOWN_8 ((u8)proof_unknown())
@@ -38,6 +45,7 @@ u64 proof_unknown(void);
 #else
 #define PROOF_REACHED(condition, text) (void)(condition)
 #endif
+#define RUNTIME_CLAIM(condition, text) __CPROVER_assert(condition, text)
 #define UNREACHABLE() __CPROVER_assert(0, "no way leads here"), __CPROVER_assume(0)
 #define ASSUME(condition) __CPROVER_assume(condition)
 #else
@@ -45,6 +53,11 @@ void proof_record(int condition, const char* text);
 void proof_leave(void) __attribute__((noreturn));
 #define PROOF_CLAIM(condition, text) proof_record(condition, text)
 #define PROOF_REACHED(condition, text) proof_record(condition, text)
+#define RUNTIME_CLAIM(condition, text) \
+    do {                               \
+        if (!(condition))              \
+            __builtin_trap();          \
+    } while (0)
 #define UNREACHABLE() __builtin_trap()
 #define ASSUME(condition)  \
     do {                   \

@@ -29,7 +29,7 @@ PROOF(schedule_fields, 12, "a crontab line of up to 10 bytes") {
     proof_reached(fields.minute.size() == 10, "one field");
 }
 
-PROOF(schedule_of_line, 8, "five fields of up to 3 bytes") {
+PROOF(schedule_of_line, 6, "five fields of up to 3 bytes") {
     const CronFields fields{AnyText<3>(), AnyText<3>(), AnyText<3>(), AnyText<3>(), AnyText<3>()};
     const std::optional<Schedule> schedule = ScheduleOf(fields);
     const bool is_hours = fields.hour.size() >= 2 && fields.hour[0] == '*' && fields.hour[1] == '/';
@@ -52,13 +52,16 @@ PROOF(schedule_of_line, 8, "five fields of up to 3 bytes") {
     proof_claim(is_hours || (schedule->time.hour.data() == fields.hour.data() &&
                              schedule->time.minute.size() == fields.minute.size()),
                 "the time is that of the line");
+    const bool is_digit = fields.hour.size() == 3 && fields.hour[2] >= '0' && fields.hour[2] <= '9';
+    proof_claim(!is_hours || schedule->value == (is_digit ? fields.hour[2] - '0' : 0),
+                "the value is the number of hours, 0 if there is none");
     proof_reached(schedule->type == VELK_SCHEDULE_WEEKLY && schedule->value == 7,
                   "the last weekday");
     proof_reached(schedule->type == VELK_SCHEDULE_MONTHLY && schedule->value == 31, "the 31st");
     proof_reached(schedule->type == VELK_SCHEDULE_HOURS && schedule->value == 9, "every 9 hours");
 }
 
-PROOF(schedule_time, 8, "a time of up to 5 bytes") {
+PROOF(schedule_time, 13, "a time of up to 5 bytes") {
     const std::string_view text = AnyText<5>();
     const std::optional<Time> time = ParseTime(text);
     size_t colons = 0;
