@@ -19,7 +19,7 @@ struct ifreq;
 // The file at /var/tmp/get_result is used only if it is a regular file of the caller with one name.
 // If there is none, a new one of mode 0600 is made before the tool runs. Anything else at that path
 // is removed first. If that is not possible, no tool is run, and the result is the same as for a
-// file that cannot be opened. A line that has more than 64 KB ends the reading.
+// file that cannot be opened. A line of more than 64 KB with its newline ends the reading.
 
 // ---- Link ------------------------------------------------------------------------------------
 

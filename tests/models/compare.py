@@ -6,6 +6,7 @@
 from __future__ import annotations
 
 import copy
+import time
 from typing import Any, Callable, Dict, Iterator, List, Optional, Sequence, TypeVar
 
 from .device import COMMAND, DATA_SIZE, LOG, MESSAGE, SLEEP, File, Outcome, Pair, Request, Scene
@@ -33,6 +34,9 @@ def difference(library: Outcome, model: Outcome) -> str:
         has, expected = [[text for part, text in outcome.events if part == kind] for outcome in (library, model)]
         if has != expected:
             return f"{kind}: the library has\n  {has!r}\nthe model\n  {expected!r}"
+    for path, file in model.files.items():
+        if file.may_be_cut and path in library.files and file.text.startswith(library.files[path].text):
+            file.text = library.files[path].text
     if library.files == model.files:
         return ""
     for path in sorted({*library.files, *model.files}):
@@ -46,9 +50,9 @@ def difference(library: Outcome, model: Outcome) -> str:
 
 
 def _without_parts(parts: Sequence[Item]) -> Iterator[List[Item]]:
-    """The sequence without a part of it, the largest parts first."""
+    """The sequence without a part of it, the largest parts first. Long ones have no small parts."""
     size = len(parts)
-    while size > 0:
+    while size > len(parts) // 512:
         for begin in range(0, len(parts), size):
             yield [*parts[:begin], *parts[begin + size :]]
         size //= 2
@@ -57,9 +61,8 @@ def _without_parts(parts: Sequence[Item]) -> Iterator[List[Item]]:
 def _smaller_texts(text: bytes) -> Iterator[bytes]:
     for parts in _without_parts(text.splitlines(keepends=True)):
         yield b"".join(parts)
-    if len(text) <= 400:
-        for rest in _without_parts(text):
-            yield bytes(rest)
+    for rest in _without_parts(text):
+        yield bytes(rest)
 
 
 def _without_bytes(record: bytes) -> Iterator[bytes]:
@@ -104,14 +107,14 @@ def _smaller_pairs(pair: Pair) -> Iterator[Pair]:
         yield smaller
 
 
-def shrink(pair: Pair, run: Callable[[Pair], Outcome], tries: int = 4000) -> Pair:
-    """The smallest pair found that still has a difference."""
+def shrink(pair: Pair, run: Callable[[Pair], Outcome], seconds: float = 60) -> Pair:
+    """The smallest pair found in this time that still has a difference."""
+    end = time.monotonic() + seconds
     is_done = False
     while not is_done:
         is_done = True
         for smaller in _smaller_pairs(pair):
-            tries -= 1
-            if tries < 0:
+            if time.monotonic() > end:
                 return pair
             if difference(run(smaller), execute(smaller)):
                 pair = smaller

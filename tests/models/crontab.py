@@ -8,7 +8,7 @@ from __future__ import annotations
 import re
 from typing import List, Optional
 
-from .device import DATA_SIZE, FAILURE, INVALID, SUCCESS, Answer, Device, Request, joined, lines
+from .device import DATA_SIZE, FAILURE, INVALID, SUCCESS, Answer, Device, File, Request, copy_of, joined, lines
 from .words import switched
 
 PATH = "/var/cron/tabs/root"
@@ -99,10 +99,14 @@ def set_server(device: Device, request: Request) -> int:
     parts = device.edit(PATH)
     if parts is None:
         return FAILURE
+    edited = []
     try:
-        edited = [_with_server(part + b"\n", request.text) if CLIENT in part else part + b"\n" for part in parts]
+        for part in parts:
+            edited.append(_with_server(part + b"\n", request.text) if CLIENT in part else part + b"\n")
     except NoPlaceError:
         device.log("execute_velk_command exception basic_string::at")
+        # The edit copy remains, normally empty: a long text may have been written in part.
+        device.files[copy_of(PATH)] = File(b"".join(edited), 0o600, is_same=False, may_be_cut=True)
         return FAILURE
     device.place(PATH, b"".join(edited))
     return SUCCESS

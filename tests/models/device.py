@@ -30,6 +30,7 @@ class File:
     mode: int = 0o644
     is_folder: bool = False
     is_same: bool = True  # the file that was there before the call
+    may_be_cut: bool = field(default=False, compare=False)  # any beginning of the text will do
 
 
 @dataclass

@@ -40,8 +40,8 @@
 namespace {
 
 constexpr int kSkipped = 77;
-constexpr unsigned kSeconds =
-    30;  // a call takes less than a millisecond; SIGALRM ends one that hangs
+// A call takes less than a millisecond. SIGALRM ends one that hangs.
+constexpr unsigned kSeconds = 10;
 constexpr long kNanoseconds = 1'000'000'000;
 
 // The folders of the device. Files are looked for in them alone.

@@ -132,12 +132,12 @@ class Driver:
         return [reader.outcome() for _ in range(count)]
 
     def run(self, pair: Pair) -> Outcome:
-        """The outcome of one pair. If the driver ends, another is started, and its status is the result."""
+        """The outcome of one pair. If a signal ends the driver, that is the result, and another one is started."""
         try:
             self.begin([pair])
             return self.end(1)[0]
         except DriverError as error:
-            if error.status == SKIPPED:
+            if error.status >= 0:
                 raise
             self.restart()
             return Outcome(error.status, b"", [], {})

@@ -177,6 +177,8 @@ TOOLS: Dict[bytes, Tuple[Sequence[Words], bytes]] = {
                                           b"\tAuto-negotiation: off\n\tLink detected: yes\n"),
 }
 
+LONG_LINE_ONE_IN = 1000
+
 # The files that a command reads or edits.
 LIVE_FILES = (interfaces.PATH, live.ROUTES, live.ADAPTERS, live.USB_DEVICES, live.LINK_LOG + "0", live.LINK_LOG + "1")
 FILES_OF: Dict[int, Tuple[str, ...]] = {
@@ -240,6 +242,10 @@ def _text(rng: Random, form: Tuple[Sequence[Words], bytes]) -> bytes:
         parts = usual.split(b"\n")[:-1]
     for _ in range(int(rng.random() * 5)):
         _change(rng, parts, kinds)
+    if _one_in(rng, LONG_LINE_ONE_IN):
+        size = (4095, 4096, 16384, 65535, 65536, 65537, 70000, 140000)[int(rng.random() * 8)]
+        at = int(rng.random() * (len(parts) + 1))
+        parts.insert(at, (_line(rng, kinds) + b" ").ljust(size, b"x"))
     text = b"".join([part + b"\n" for part in parts])
     return text[:-1] if _one_in(rng, 6) else text
 

@@ -6,7 +6,7 @@
 from __future__ import annotations
 
 import re
-from typing import List, Optional
+from typing import Iterator, List, Optional
 
 from .device import (FAILURE, INVALID, NO_ADAPTER, RESULT, SUCCESS, WIRED_LINKED, Answer, Device, Request, lines)
 
@@ -15,6 +15,7 @@ ADAPTERS = "/usr/local/share/apps/wlan/supportlist.ini"
 USB_DEVICES = "/proc/bus/usb/devices"
 LINK_LOG = "/var/log/syslog/syslog_info.log."
 RUNS = 60
+LONGEST_LINE = 65536
 _HEXADECIMAL = re.compile(rb"[ \t\n\v\f\r]*([+-]?)(?:0[xX](?=[0-9a-fA-F]))?([0-9a-fA-F]+)")
 _ROUTE_NUMBER = re.compile(rb"(?:0[xX]|(?!0[xX]))[0-9a-fA-F]+")  # the kernel's numbers have no sign
 MODES = {2: (100, b"full"), 3: (100, b"half"), 4: (10, b"full"), 5: (10, b"half")}
@@ -31,6 +32,17 @@ def _run_tool(device: Device, tool: bytes) -> Optional[bytes]:
     return device.read(RESULT)
 
 
+def _output_lines(output: bytes) -> Iterator[bytes]:
+    """The lines of a tool's output up to one that is too long with its end."""
+    begin = 0
+    for line in lines(output):
+        end = min(begin + len(line) + 1, len(output))
+        if end - begin > LONGEST_LINE:
+            return
+        yield line
+        begin = end
+
+
 def _remove_result(device: Device) -> None:
     device.run(b"rm " + RESULT.encode())
 
@@ -45,7 +57,7 @@ def is_wired_linked(device: Device) -> bool:
             device.log("IsWiredLinked ifstream")
         else:
             _remove_result(device)
-            for line in lines(output):
+            for line in _output_lines(output):
                 if b"Link detected: yes" in line:
                     return True
                 if b"Link detected: no" in line:
@@ -63,7 +75,7 @@ def _is_linked_in_log(device: Device) -> bool:
             device.log("Error ifs.")
             continue
         state: Optional[bool] = None
-        for line in lines(output):
+        for line in _output_lines(output):
             if b"link up" in line:
                 state = True
             elif b"link down" in line:
@@ -138,7 +150,7 @@ def get_address(device: Device, request: Request, answer: Answer) -> int:
         device.log("ifstream")
         return FAILURE
     is_inside = False
-    for line in lines(output):
+    for line in _output_lines(output):
         if is_inside and not line:
             continue
         is_inside = line.startswith(request.name) or (is_inside and line.startswith(b" "))
@@ -156,7 +168,7 @@ def get_speed(device: Device, request: Request, answer: Answer) -> int:
         return FAILURE
     negotiates = speed = 0
     duplex = b"half"
-    for line in lines(output):
+    for line in _output_lines(output):
         if b"Auto-negotiation: on" in line:
             negotiates = 1
         elif b"Auto-negotiation: off" in line:
