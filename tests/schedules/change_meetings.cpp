@@ -4,6 +4,7 @@
 // change_meetings.cpp - changes of velkctl that meet other programs, or their deadline.
 #include "schedules/change_meetings.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <optional>
@@ -368,9 +369,25 @@ class ConfirmAndDeadline final : public ChangeMeeting {
         if (StoredState() != (is_confirmed ? EntryState::kConfirmed : EntryState::kReverted)) {
             return "the state does not fit the status of confirm";
         }
+        if (IsWrong(course, is_confirmed)) {
+            return is_confirmed ? "it is confirmed after the deadline"
+                                : "it is not confirmed although the deadline was later";
+        }
         const std::string text = ReadInterfaces();
         const std::string expected = is_confirmed ? Replaced(start_, kOld, kNew) : start_;
         return text == expected ? "" : "the file does not fit the status of confirm:\n" + text;
+    }
+
+    // True if all calls of the confirmation were after the deadline, but it was confirmed, or
+    // before, but it was not.
+    static bool IsWrong(const Course& course, bool is_confirmed) {
+        const auto& calls = course.calls;
+        const auto deadline = std::ranges::find(calls, kDeadline);
+        const auto is_confirms = [](const std::string& call) {
+            return call.starts_with(std::string(kConfirm) + ":");
+        };
+        return is_confirmed ? std::none_of(calls.begin(), deadline, is_confirms)
+                            : std::none_of(deadline, calls.end(), is_confirms);
     }
 
     std::string start_;

@@ -53,9 +53,11 @@ class Scheduler {
     }
 
     Course Run() {
-        while (!IsOver() && course_.problem.empty()) {
-            Advance();
-        }
+        do {
+            while (!IsOver() && course_.problem.empty()) {
+                Advance();
+            }
+        } while (course_.problem.empty() && EndOneTimeout(0));  // a service may wait for nobody
         End();
         return std::move(course_);
     }
