@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // replay_main.cpp - runs a target on every file of a corpus and on a fixed number of changes of
-// each, without a fuzzer: for the compilers that have none. REPLAY CORPUS_FOLDER. An input that
-// breaks something is left in the build folder as crash-TARGET-replay.
+// each, without a fuzzer: for the compilers that have none. REPLAY CORPUS_FOLDER [CHANGES]. An
+// input that breaks something is left in the build folder as crash-TARGET-replay.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -32,7 +32,7 @@ size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t max_size) {
 
 namespace {
 
-constexpr unsigned kChanges = 40;
+constexpr unsigned kUsualChanges = 40;
 constexpr size_t kMaxSize = 4096;
 
 // Keeps the input that runs: when the process ends in it, the file is still there.
@@ -57,10 +57,10 @@ void Run(const InputKeeper& keeper, const std::vector<uint8_t>& input) {
     keeper.Forget();
 }
 
-void RunWithChanges(const InputKeeper& keeper, const std::string& text) {
+void RunWithChanges(const InputKeeper& keeper, const std::string& text, unsigned changes) {
     std::vector<uint8_t> input(text.begin(), text.end());
     Run(keeper, input);
-    for (unsigned seed = 0; seed < kChanges; ++seed) {
+    for (unsigned seed = 0; seed < changes; ++seed) {
         const size_t size = std::min(input.size(), kMaxSize);
         input.resize(kMaxSize);
         input.resize(LLVMFuzzerCustomMutator(input.data(), size, kMaxSize, seed));
@@ -71,10 +71,11 @@ void RunWithChanges(const InputKeeper& keeper, const std::string& text) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        fprintf(stderr, "usage: %s CORPUS_FOLDER\n", argv[0]);
+    if (argc != 2 && argc != 3) {
+        fprintf(stderr, "usage: %s CORPUS_FOLDER [CHANGES]\n", argv[0]);
         return 2;
     }
+    const unsigned changes = argc == 3 ? static_cast<unsigned>(std::stoul(argv[2])) : kUsualChanges;
     LLVMFuzzerInitialize(&argc, &argv);
     const std::filesystem::path corpus = argv[1];
     const InputKeeper keeper(VELK_BINARY_DIR "/crash-" + corpus.filename().string() + "-replay");
@@ -87,7 +88,7 @@ int main(int argc, char** argv) {
         printf("%s\n", file.c_str());
         fflush(stdout);  // the last name printed is that of the failing input, or of the input that
                          // was changed
-        RunWithChanges(keeper, testkit::ReadFile(file));
+        RunWithChanges(keeper, testkit::ReadFile(file), changes);
     }
     return files.empty() ? 1 : 0;
 }
