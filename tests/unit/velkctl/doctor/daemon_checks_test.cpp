@@ -4,6 +4,8 @@
 // The doctor's findings about the wireless daemon and the adapter.
 #include <string>
 
+#include <gmock/gmock.h>
+
 #include "support/device_test.h"
 #include "support/fake_daemon.h"
 #include "velkctl/doctor/checks.h"
@@ -38,8 +40,10 @@ TEST_F(DaemonCheck, OnlyWarnsOfNoDaemonWithoutAnAdapter) {
 TEST_F(DaemonCheck, SaysNothingAboutADaemonThatAnswers) {
     AttachAdapter();
     testkit::FakeDaemon daemon;
-    daemon.SetConf(WithChannel(13));
-    EXPECT_EQ(Examine(), "");
+    for (const uint16_t channel : {uint16_t{1}, uint16_t{13}}) {
+        daemon.SetConf(WithChannel(channel));
+        EXPECT_EQ(Examine(), "") << channel;
+    }
 }
 
 TEST_F(DaemonCheck, WarnsOfARecordWithoutAChannel) {
@@ -50,6 +54,8 @@ TEST_F(DaemonCheck, WarnsOfARecordWithoutAChannel) {
               "warning: the wireless daemon may not answer with its configuration\n"
               "  /tmp/WlanAplToWlanSock: its record has channel 14, which is not valid\n"
               "  fix: set eth1.channel, or restart the wireless daemon\n");
+    daemon.SetConf(WithChannel(0));
+    EXPECT_THAT(Examine(), testing::HasSubstr("its record has channel 0, which is not valid"));
 }
 
 TEST_F(DaemonCheck, WarnsOfAnAdapterThatIsNotAttached) {

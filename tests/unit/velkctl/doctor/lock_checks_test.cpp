@@ -45,6 +45,22 @@ TEST_F(LockCheck, FindsALockThatOthersCannotTake) {
               "  fix: chmod 666 /var/tmp/vklib_lock\n");
 }
 
+TEST_F(LockCheck, FindsALockThatTheUserMayNotOpen) {
+    for (const mode_t mode : {0644U, 0622U, 0600U}) {
+        WriteFile("/var/tmp/vklib_lock", "");
+        ASSERT_EQ(chmod("/var/tmp/vklib_lock", mode), 0);
+        if (setresuid(testkit::kSomebody, testkit::kSomebody, 0) == -1) {
+            GTEST_SKIP() << "the private device has no other users";
+        }
+        const std::string words = FormatFindings(velkctl::CheckLock());
+        ASSERT_EQ(setresuid(0, 0, 0), 0);
+        EXPECT_THAT(words, HasSubstr("problem: settings cannot be changed\n"
+                                     "  /var/tmp/vklib_lock: this user may not open the lock file\n"
+                                     "  fix: chmod 666 /var/tmp/vklib_lock\n"))
+            << std::oct << mode;
+    }
+}
+
 TEST_F(LockCheck, FindsALockThatItsOwnerCouldReplace) {
     WriteFile("/var/tmp/vklib_lock", "");
     ASSERT_EQ(chmod("/var/tmp/vklib_lock", 0666), 0);

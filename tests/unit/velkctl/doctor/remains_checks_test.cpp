@@ -138,6 +138,18 @@ TEST_F(RemainsCheck, FindsFilesOfAnotherUser) {
         << "root may use it";
 }
 
+// A query waits for it and posts it.
+TEST_F(RemainsCheck, FindsASemaphoreThatTheUserMayOnlyRead) {
+    WriteFile(testkit::kSemaphoreFile, std::string(32, '\0'));
+    ASSERT_EQ(chmod(testkit::kSemaphoreFile, 0644), 0);
+    if (setresuid(testkit::kSomebody, testkit::kSomebody, 0) == -1) {
+        GTEST_SKIP() << "the private device has no other users";
+    }
+    const std::string words = FormatFindings(velkctl::CheckQueryRemains());
+    ASSERT_EQ(setresuid(0, 0, 0), 0);
+    EXPECT_THAT(words, HasSubstr("a semaphore of another user is in the way"));
+}
+
 // While a query is under way, its files are no remains.
 TEST_F(RemainsCheck, SaysNothingDuringAQuery) {
     WriteFile(testkit::kSemaphoreFile, "");
