@@ -55,6 +55,11 @@ PROOF(schedule_of_line, 6, "five fields of up to 3 bytes") {
     const bool is_digit = fields.hour.size() == 3 && fields.hour[2] >= '0' && fields.hour[2] <= '9';
     proof_claim(!is_hours || schedule->value == (is_digit ? fields.hour[2] - '0' : 0),
                 "the value is the number of hours, 0 if there is none");
+    const bool is_one_digit =
+        fields.weekday.size() == 1 && fields.weekday[0] >= '0' && fields.weekday[0] <= '9';
+    proof_claim(schedule->type != VELK_SCHEDULE_WEEKLY || !is_one_digit ||
+                    schedule->value == fields.weekday[0] - '0' + 1,
+                "weekdays are counted from 1");
     proof_reached(schedule->type == VELK_SCHEDULE_WEEKLY && schedule->value == 7,
                   "the last weekday");
     proof_reached(schedule->type == VELK_SCHEDULE_MONTHLY && schedule->value == 31, "the 31st");
