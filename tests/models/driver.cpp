@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The libvelk authors
 // SPDX-License-Identifier: MIT
 
-// models_driver LIBRARY - runs requests of the library on files in a file system of its own,
-// without starting a program. A batch of pairs of files and request is read from standard input,
-// and the outcomes are written to standard output, until the input ends.
+// driver.cpp - models_driver LIBRARY runs requests of the library on files in a file system of its
+// own, without starting a program. A batch of pairs of files and request is read from standard
+// input, and the outcomes are written to standard output, until the input ends.
 //
 // The library loads this program's system(3), syslog(3) and waits instead of those of libc: shell
 // lines and log lines are recorded, and a wait only moves the clock. tests/models/driver.py

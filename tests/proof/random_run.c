@@ -1,7 +1,7 @@
-/* SPDX-FileCopyrightText: 2026 The libvelk authors
- * SPDX-License-Identifier: MIT
- *
- * random_run.c - runs a proof with random inputs: the original, or its translation with NAME(x) =
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+/* random_run.c - runs a proof with random inputs: the original, or its translation with NAME(x) =
  * ir_x. Prints one number for each run, made of all its inputs and claims, so that two programs can
  * be compared. */
 #include <stdio.h>

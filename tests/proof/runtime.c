@@ -1,7 +1,7 @@
-/* SPDX-FileCopyrightText: 2026 The libvelk authors
- * SPDX-License-Identifier: MIT
- *
- * runtime.c - the functions of libc and of the C++ runtime that the proved functions call, as their
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+/* runtime.c - the functions of libc and of the C++ runtime that the proved functions call, as their
  * manuals describe them. Each reads and writes exactly the bytes that the real function may. */
 #include "runtime.h"
 

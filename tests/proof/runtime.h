@@ -1,7 +1,7 @@
-/* SPDX-FileCopyrightText: 2026 The libvelk authors
- * SPDX-License-Identifier: MIT
- *
- * runtime.h - types and operations of the C that ir_to_c.py writes. The prover reads it, and GCC
+// SPDX-FileCopyrightText: 2026 The libvelk authors
+// SPDX-License-Identifier: MIT
+
+/* runtime.h - types and operations of the C that ir_to_c.py writes. The prover reads it, and GCC
  * for the comparison with the original. */
 #ifndef VELK_PROOF_RUNTIME_H_
 #define VELK_PROOF_RUNTIME_H_
