@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <memory>
 #include <utility>
 
 #include <pwd.h>
@@ -90,16 +91,13 @@ std::optional<Problem> FindWaitingProblem(std::string message) {
 // getpwuid(3) may load modules of the device's libc. A velkctl with libc inside would then have
 // two, and crash.
 std::string UserName(uid_t user) {
-    FILE* const users = fopen("/etc/passwd", "re");
-    const passwd* row = nullptr;
-    do {
-        row = users == nullptr ? nullptr : fgetpwent(users);
-    } while (row != nullptr && row->pw_uid != user);
-    std::string name = row == nullptr ? "user " + std::to_string(user) : row->pw_name;
-    if (users != nullptr) {
-        (void)fclose(users);
+    const std::unique_ptr<FILE, int (*)(FILE*)> users(fopen("/etc/passwd", "re"), fclose);
+    while (const passwd* row = users ? fgetpwent(users.get()) : nullptr) {
+        if (row->pw_uid == user) {
+            return row->pw_name;
+        }
     }
-    return name;
+    return "user " + std::to_string(user);
 }
 
 std::string ClockTime(int64_t seconds) {
