@@ -51,6 +51,9 @@ PROOF(comment_switch, 10, "a line of up to 6 bytes, a position in it or npos, on
     const std::string switched = SwitchLine(line, position, on);
     const bool was_off = IsCommentedOut(line, position);
     const size_t any = proof_number(6);
+    proof_claim(was_off || any >= line.size() || any > position || line[any] != '#',
+                "a # at or before the position comments out");
+    proof_claim(!was_off || (mark < line.size() && mark <= position), "nothing else does");
     if (on == !was_off) {
         proof_claim(switched.size() == line.size(), "a line in that state keeps its length");
         proof_claim(any >= line.size() || switched[any] == line[any],

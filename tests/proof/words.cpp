@@ -57,7 +57,7 @@ PROOF(find_word, 8, "a line of up to 6 bytes, a word of up to 2") {
                 "a word follows a blank, a comma or a #");
     proof_claim(!is_word || IsOneOf(line[position + word.size()], " \t,;\n"),
                 "a word ends before a blank, ',', ';' or newline");
-    proof_claim(!(is_word && comment_aware && any < position && line[any] == '#'),
+    proof_claim(!(is_word && comment_aware && any <= position && line[any] == '#'),
                 "a word in a comment does not count");
     proof_claim(!is_thrown || position + word.size() == line.size(),
                 "only a word at the end throws");
